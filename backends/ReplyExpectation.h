@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstdint>
+
+namespace quordalvane {
+
+/// Tells whether a reply of the device may still be on its way, so that a wait for bytes that cannot
+/// come ends at once. A link does not know which writes ask for a reply, so it errs to the safe side:
+///
+/// - a write may be answered until bytes came after it and the input ran dry again;
+/// - a write that was followed by a silent wait and then by another write stays owed: the next bytes
+///   may be its late reply, and the reply to the later write is then still to come;
+/// - a silent wait of a whole slice after a reply settles everything.
+///
+/// Not thread-safe; the link that owns it guards it.
+class ReplyExpectation {
+ public:
+  bool replyMayCome() const { return pending_; }
+
+  void wrote() {
+    if (pending_ && silentSinceWrite_) {
+      ++owed_;
+    }
+    pending_ = true;
+    silentSinceWrite_ = false;
+    repliedSinceWrite_ = false;
+  }
+
+  /// Bytes came and all of them have been taken: the input is dry.
+  void ranDryAfterBytes() {
+    repliedSinceWrite_ = true;
+    silentSinceWrite_ = false;
+    if (owed_ > 0) {
+      --owed_;
+    } else {
+      pending_ = false;
+    }
+  }
+
+  /// A wait for bytes ran its full time and brought none.
+  void waitedInVain() {
+    if (repliedSinceWrite_) {
+      pending_ = false;
+      owed_ = 0;
+    } else {
+      silentSinceWrite_ = true;
+    }
+  }
+
+ private:
+  bool pending_ = false;
+  bool silentSinceWrite_ = false;
+  bool repliedSinceWrite_ = false;
+  std::uint64_t owed_ = 0;
+};
+
+}  // namespace quordalvane

@@ -1,0 +1,38 @@
+# How every target of the project is built: one language level, warnings as errors, and log records
+# that name their source by its path below the project, wherever it was built.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_STANDARD 11)
+set(CMAKE_C_STANDARD_REQUIRED ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE RelWithDebInfo)
+endif()
+
+find_package(Threads REQUIRED)
+
+add_library(quor_flags INTERFACE)
+target_compile_options(quor_flags INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Werror
+  $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Wold-style-cast -Woverloaded-virtual>
+  -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
+
+# quor_library(NAME SOURCES … [LINKS …] [PRIVATE_LINKS …])
+# The static library of one folder. Includes are written from the project's root.
+function(quor_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
+  add_library(${name} STATIC ${ARG_SOURCES})
+  target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR})
+  target_link_libraries(${name} PUBLIC ${ARG_LINKS} PRIVATE quor_flags ${ARG_PRIVATE_LINKS})
+endfunction()
+
+# quor_interface(NAME [LINKS …]): a folder that holds headers alone.
+function(quor_interface name)
+  cmake_parse_arguments(ARG "" "" "LINKS" ${ARGN})
+  add_library(${name} INTERFACE)
+  target_include_directories(${name} INTERFACE ${PROJECT_SOURCE_DIR})
+  target_link_libraries(${name} INTERFACE ${ARG_LINKS})
+endfunction()

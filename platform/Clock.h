@@ -1,0 +1,33 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+
+namespace quordalvane {
+
+/// A reading of the wall clock: time since the epoch. `tv_usec` is 0 to 999999.
+struct TimeValue {
+  std::int64_t tv_sec;
+  std::int64_t tv_usec;
+};
+
+/// Time and every way of letting it pass. All calls may be made from any thread at once.
+class Clock {
+ public:
+  virtual ~Clock() = default;
+
+  /// The wall clock. It may be stepped in either direction between two readings.
+  virtual TimeValue gettimeofday() = 0;
+
+  /// A clock that only goes forward, from an origin of its own; for measuring, never for dates.
+  virtual std::chrono::nanoseconds monotonic() = 0;
+
+  /// Sleeps for at least `microseconds`; a signal does not shorten it. Zero returns at once.
+  virtual void usleep(std::uint64_t microseconds) = 0;
+
+  /// The sleep of a `select` call without descriptors and with a time-out of 0 seconds and
+  /// `microseconds`, which may be a million or more. Zero and below return at once.
+  virtual void select(std::int32_t microseconds) = 0;
+};
+
+}  // namespace quordalvane

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/NSStream.h"
+
+namespace quordalvane {
+
+/// An open conversation with an accessory: its two streams. Destroying the session ends the
+/// conversation and releases the link.
+class EASession {
+ public:
+  virtual ~EASession() = default;
+
+  /// The streams live as long as the session or the returned pointer, whichever is longer.
+  virtual std::shared_ptr<NSInputStream> inputStream() = 0;
+  virtual std::shared_ptr<NSOutputStream> outputStream() = 0;
+};
+
+/// One accessory that the device has attached. The identifying texts do not change; none is an
+/// empty optional. All calls may be made from any thread.
+class EAAccessory {
+ public:
+  virtual ~EAAccessory() = default;
+
+  virtual std::optional<std::string> name() = 0;
+  virtual std::optional<std::string> serialNumber() = 0;
+  virtual std::optional<std::string> modelNumber() = 0;
+  virtual std::optional<std::string> manufacturer() = 0;
+  virtual std::vector<std::string> protocolStrings() = 0;
+  virtual std::uint64_t connectionID() = 0;
+
+  /// A text for people that names the accessory and shows its Bluetooth address, where it has one.
+  virtual std::string description() = 0;
+
+  /// False once the link is lost (end of stream, error or hang-up) and nothing that came before is
+  /// left to read. True for an accessory without a session.
+  virtual bool isConnected() = 0;
+
+  /// Opens a session on `protocol`, or returns null when the accessory cannot be reached or refuses.
+  /// May block for the link's own connect time-out.
+  virtual std::shared_ptr<EASession> openSession(const std::string& protocol) = 0;
+};
+
+/// The accessories that are attached now. All calls may be made from any thread.
+class EAAccessoryManager {
+ public:
+  virtual ~EAAccessoryManager() = default;
+
+  virtual std::vector<std::shared_ptr<EAAccessory>> connectedAccessories() = 0;
+
+  /// Whether the platform has a way of its own to read an accessory's Bluetooth address.
+  virtual bool readsAddresses() { return false; }
+
+  /// The accessory's Bluetooth address, or "". Asked only where `readsAddresses` says true.
+  virtual std::string addressOf(EAAccessory& /*accessory*/) { return ""; }
+};
+
+}  // namespace quordalvane

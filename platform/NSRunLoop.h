@@ -1,0 +1,21 @@
+#pragma once
+
+namespace quordalvane {
+
+class NSStream;
+
+/// The event loop of one thread. Only that thread may run it.
+class NSRunLoop {
+ public:
+  virtual ~NSRunLoop() = default;
+
+  /// Runs the routines that are carried to this thread, and waits for more, until `seconds` from
+  /// now on a steady clock. Zero or less runs what is waiting and returns.
+  virtual void runUntilDate(double seconds) = 0;
+
+  /// The same, but returns as soon as `awaited` is ready, and at once when it is known that it
+  /// cannot become ready. It never returns later than `seconds` from now.
+  virtual void runUntilDate(double seconds, NSStream& awaited) = 0;
+};
+
+}  // namespace quordalvane

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+
+#include "platform/NSRunLoop.h"
+
+namespace quordalvane {
+
+inline constexpr std::string_view NSDefaultRunLoopMode = "kCFRunLoopDefaultMode";
+
+/// One direction of a session. A stream may be scheduled on one thread's loop and used from another,
+/// but not from two threads at once. No call blocks, but for `waitUntilReady`.
+class NSStream {
+ public:
+  virtual ~NSStream() = default;
+
+  /// Names the receiver of the stream's events; an expired pointer clears it. The stream does not
+  /// keep the receiver alive.
+  virtual void setDelegate(std::weak_ptr<const void> delegate) = 0;
+
+  virtual void scheduleInRunLoop(NSRunLoop& runLoop, std::string_view mode) = 0;
+  virtual void removeFromRunLoop(NSRunLoop& runLoop, std::string_view mode) = 0;
+
+  /// Starts opening the stream; it may still be opening on return.
+  virtual void open() = 0;
+
+  /// Ends the stream: it has no bytes and no space from then on. Closing twice does nothing more.
+  virtual void close() = 0;
+
+  /// Blocks until the stream is ready (bytes to read, or space to write), its link is lost, or
+  /// `seconds` have passed on a steady clock. Returns at once when the stream knows that it cannot
+  /// become ready. For run loops, which call it for their slice.
+  virtual void waitUntilReady(double seconds) = 0;
+};
+
+class NSInputStream : public NSStream {
+ public:
+  /// True if a read would return at least one byte now. False from the end of the stream on.
+  virtual bool hasBytesAvailable() = 0;
+
+  /// Reads at most `maxLength` bytes into `buffer`. Returns the count read, 0 if there was nothing,
+  /// or a negative number on an error.
+  virtual std::int64_t read(std::uint8_t* buffer, std::size_t maxLength) = 0;
+};
+
+class NSOutputStream : public NSStream {
+ public:
+  /// True if a write would accept at least one byte now.
+  virtual bool hasSpaceAvailable() = 0;
+
+  /// Writes at most `maxLength` bytes. Returns the count taken, which may be fewer, or -1 on an error.
+  virtual std::int64_t write(const std::uint8_t* buffer, std::size_t maxLength) = 0;
+};
+
+}  // namespace quordalvane

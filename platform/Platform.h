@@ -1,0 +1,52 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "platform/Clock.h"
+#include "platform/EAAccessory.h"
+#include "platform/NSRunLoop.h"
+#include "platform/NSThread.h"
+
+namespace quordalvane {
+
+/// What there is to know of the device itself.
+class UIDevice {
+ public:
+  virtual ~UIDevice() = default;
+
+  /// The version of the operating system as text, "10.3.4" for example.
+  virtual std::string systemVersion() = 0;
+};
+
+/// All that a port needs of the system. A port keeps its platform alive. The references that the
+/// calls return are valid as long as the platform; all calls may be made from any thread.
+class Platform {
+ public:
+  virtual ~Platform() = default;
+
+  virtual EAAccessoryManager& sharedAccessoryManager() = 0;
+  virtual UIDevice& currentDevice() = 0;
+  virtual Clock& clock() = 0;
+
+  /// The run loop of the calling thread, valid on that thread until it ends.
+  virtual NSRunLoop& currentRunLoop() = 0;
+
+  /// A thread that will run `body`; it is not started yet. Null when there can be none.
+  virtual std::shared_ptr<NSThread> makeThread(std::function<void()> body) = 0;
+
+  /// Whether the calling thread is the application's main thread.
+  virtual bool isMainThread() = 0;
+
+  /// Sets the process to ignore SIGPIPE.
+  virtual void ignoreSigPipe() = 0;
+};
+
+/// The platform of ports that are created without one; null until one is set.
+std::shared_ptr<Platform> processPlatform();
+
+/// Makes `platform` the process's own. Ports that exist keep the one they have.
+void setProcessPlatform(std::shared_ptr<Platform> platform);
+
+}  // namespace quordalvane
