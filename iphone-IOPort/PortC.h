@@ -1,0 +1,9 @@
+#pragma once
+
+// The port's one door to the parsers of the printers' replies: CalculateStatusLength,
+// BuildParsedStatus, BuildParsedStatusESCPOS with StatusType, parseFirmwareInfo,
+// parseDipSwitchInfo. They are declared on the parsers' side, so that the parsers know nothing of
+// the port.
+
+#include "parsers/ReplyParsers.h"   // IWYU pragma: export
+#include "parsers/StatusParsers.h"  // IWYU pragma: export
