@@ -1,0 +1,44 @@
+#!/usr/bin/env bash
+# check.sh BUILD: formatting, lint, include rules and documentation. BUILD is a configured build
+# folder, whose compile_commands.json says how each source is compiled. All checks run, also after a
+# failed one; the last line says which failed.
+set -uo pipefail
+build=$1
+failed=()
+
+step() {
+  echo "== $1"
+  "${@:2}" || failed+=("$1")
+}
+
+sources() {
+  find . \( -name '.git' -o -name 'build' -o -name 'build-*' \) -prune -o \
+    \( -name '*.cpp' -o -name '*.h' -o -name '*.c' \) -print0
+}
+
+formatting() {
+  sources | xargs -0 clang-format --dry-run -Werror
+}
+
+# Test programs are left out: the macros of the test framework trip many of the rules.
+lint() {
+  python3 - "$build/compile_commands.json" <<'PY' |
+import json, os, sys
+root = os.getcwd() + "/"
+files = {entry["file"].removeprefix(root) for entry in json.load(open(sys.argv[1]))}
+print("\0".join(sorted(f for f in files if not f.startswith(("tests/", "fuzz/", "/")))), end="")
+PY
+    xargs -0 --max-args=1 --max-procs="$(nproc)" clang-tidy --quiet -p "$build"
+}
+
+step "clang-format" formatting
+step "clang-tidy" lint
+for rule in include_rules documentation wording; do
+  step "$rule" python3 -B "tests/structure/$rule.py" .
+done
+
+if ((${#failed[@]})); then
+  echo "failed: ${failed[*]}" >&2
+  exit 1
+fi
+echo "all checks passed"

@@ -1,0 +1,57 @@
+"""Every test that is written is run. Usage: built_tests.py ROOT BUILD CTEST
+
+A test file that no program is built of, or a test that ctest does not know, passes by never running.
+"""
+
+import json
+import re
+import subprocess
+import sys
+from pathlib import Path
+
+import tree
+
+TEST = re.compile(r"^(TEST|TEST_F|TEST_P|TYPED_TEST|TYPED_TEST_P)\(\s*(\w+)\s*,\s*(\w+)\s*\)", re.M)
+
+
+def built_files(build: Path) -> set[Path]:
+    commands = json.loads((build / "compile_commands.json").read_text())
+    return {Path(command["directory"], command["file"]).resolve() for command in commands}
+
+
+def run_names(build: Path, ctest: Path) -> list[str]:
+    listing = subprocess.run(
+        [ctest, "--test-dir", build, "--show-only=json-v1"], check=True, capture_output=True, text=True
+    )
+    return [test["name"] for test in json.loads(listing.stdout)["tests"]]
+
+
+def runs(kind: str, suite: str, name: str, names: list[str]) -> bool:
+    # Behind an optional folder and instance come the suite, a type's number, the name, a parameter.
+    typed = r"/\w+" if kind.startswith("TYPED") else ""
+    parameter = "/.+" if kind == "TEST_P" else ""
+    pattern = re.compile(rf"(.*/)?{suite}{typed}\.{name}{parameter}")
+    return any(pattern.fullmatch(candidate) for candidate in names)
+
+
+def violations(root: Path, build: Path, ctest: Path) -> list[str]:
+    root = root.resolve()
+    built = built_files(build)
+    names = run_names(build, ctest)
+    found = []
+    for source in tree.files(root / "tests", "_test.cpp"):
+        path = source.relative_to(root)
+        if source not in built:
+            found.append(f"{path}: not built")
+            continue
+        tests = TEST.findall(source.read_text())
+        if not tests:
+            found.append(f"{path}: holds no test")
+        for kind, suite, name in tests:
+            if not runs(kind, suite, name, names):
+                found.append(f"{path}: {suite}.{name} is not run")
+    return found
+
+
+if __name__ == "__main__":
+    tree.report(violations, *sys.argv[1:])

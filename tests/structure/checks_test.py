@@ -1,0 +1,193 @@
+"""Each check, on a small tree with the fault that it is there to see, and on one without."""
+
+import json
+import stat
+import tempfile
+import unittest
+from pathlib import Path
+
+import built_tests
+import documentation
+import include_rules
+import wording
+
+
+class SmallTree(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.root = Path(folder.name).resolve()
+
+    def write(self, path: str, text: str) -> Path:
+        file = self.root / path
+        file.parent.mkdir(parents=True, exist_ok=True)
+        file.write_text(text)
+        return file
+
+
+class IncludeRules(SmallTree):
+    def objects_to(self, path: str, *lines: str) -> bool:
+        self.write(path, "".join(line + "\n" for line in lines))
+        return bool(include_rules.violations(self.root))
+
+    def setUp(self):
+        super().setUp()
+        for header in ("include/quordalvane/QuorIOPort.h", "platform/Clock.h", "parsers/ReplyParsers.h",
+                       "simulator/Printer.h", "backends/Devices.h", "backends/posix/TcpLink.h",
+                       "backends/virtual/VirtualPlatform.h", "iphone-IOPort/Util.h", "job/PrintJob.h"):
+            self.write(header, "#pragma once\n")
+
+    def test_a_tidy_tree_is_accepted(self):
+        self.write("iphone-IOPort/PortC.h", '#include "parsers/ReplyParsers.h"\n')
+        self.write("backends/Devices.cpp", '#include "backends/posix/TcpLink.h"\n')
+        self.write("backends/virtual/Link.cpp", '#include "simulator/Printer.h"\n')
+        self.write("backends/posix/TcpLink.cpp", "#include <sys/socket.h>\n")
+        self.write("parsers/ReplyParsers.cpp", "#include <quordalvane/QuorIOPort.h>\n#include <span>\n")
+        self.write("iphone-IOPort/Status.cpp", '#include "Util.h"\n#include "iphone-IOPort/PortC.h"\n')
+        self.write("tools/quorport/main.cpp", '#include "job/PrintJob.h"\n#include <CLI/CLI.hpp>\n')
+        self.write("tests/unit/any_test.cpp", '#include <unistd.h>\n#include "simulator/Printer.h"\n')
+        self.assertEqual(include_rules.violations(self.root), [])
+
+    def test_the_port_reaches_the_parsers_through_its_door_alone(self):
+        self.assertTrue(self.objects_to("iphone-IOPort/Status.cpp", '#include "parsers/ReplyParsers.h"'))
+
+    def test_the_port_has_no_system_header(self):
+        self.assertTrue(self.objects_to("iphone-IOPort/Session.cpp", "#include <unistd.h>"))
+
+    def test_the_port_has_no_thread(self):
+        self.assertTrue(self.objects_to("iphone-IOPort/PortThread.cpp", "#include <thread>"))
+
+    def test_the_port_has_no_clock(self):
+        self.assertTrue(self.objects_to("iphone-IOPort/Status.cpp", "auto t = steady_clock::now();"))
+
+    def test_the_port_knows_no_back_end(self):
+        self.assertTrue(self.objects_to("iphone-IOPort/Session.cpp", '#include "backends/Devices.h"'))
+
+    def test_a_path_relative_to_the_source_hides_nothing(self):
+        self.assertTrue(self.objects_to("iphone-IOPort/Session.cpp", '#include "../simulator/Printer.h"'))
+
+    def test_a_header_that_is_not_written_yet_is_judged_by_its_name(self):
+        self.assertTrue(self.objects_to("parsers/Table.cpp", '#include "platform/NotYet.h"'))
+
+    def test_the_parsers_do_not_know_the_port(self):
+        self.assertTrue(self.objects_to("parsers/Table.cpp", '#include "iphone-IOPort/Util.h"'))
+
+    def test_the_back_ends_do_not_know_each_other(self):
+        self.assertTrue(
+            self.objects_to("backends/posix/TcpLink.cpp", '#include "backends/virtual/VirtualPlatform.h"'))
+
+    def test_what_the_back_ends_share_does_not_know_any_of_them(self):
+        self.assertTrue(self.objects_to("backends/Identity.cpp", '#include "backends/posix/TcpLink.h"'))
+
+    def test_only_the_virtual_back_end_knows_the_simulator(self):
+        self.assertTrue(self.objects_to("backends/posix/TcpLink.cpp", '#include "simulator/Printer.h"'))
+
+    def test_the_simulator_does_not_know_the_parsers(self):
+        self.assertTrue(self.objects_to("simulator/Status.cpp", '#include "parsers/ReplyParsers.h"'))
+
+    def test_the_simulator_reads_no_clock_of_its_own(self):
+        self.assertTrue(self.objects_to("simulator/Printer.cpp", "std::chrono::steady_clock::now();"))
+
+    def test_the_public_header_stands_on_stdint_alone(self):
+        self.assertTrue(self.objects_to("include/quordalvane/QuorIOPort.h", "#include <stddef.h>"))
+
+    def test_a_job_does_not_know_the_back_ends(self):
+        self.assertTrue(self.objects_to("job/PrintJob.cpp", '#include "backends/Devices.h"'))
+
+
+class BuiltTests(SmallTree):
+    def objections(self, source: str, built: bool, names: list[str]) -> list[str]:
+        file = self.write("tests/unit/a_test.cpp", source)
+        commands = [{"directory": str(self.root), "file": str(file)}] if built else []
+        self.write("build/compile_commands.json", json.dumps(commands))
+        listing = json.dumps({"tests": [{"name": name} for name in names]})
+        ctest = self.write("ctest", f"#!/bin/sh\ncat <<'END'\n{listing}\nEND\n")
+        ctest.chmod(ctest.stat().st_mode | stat.S_IXUSR)
+        return built_tests.violations(self.root, self.root / "build", ctest)
+
+    def test_a_test_that_is_built_and_run_is_accepted(self):
+        self.assertEqual(self.objections("TEST(A, B) {}\n", True, ["unit/A.B"]), [])
+
+    def test_tests_with_parameters_and_types_are_found_under_their_longer_names(self):
+        source = "TEST_P(A, B) {}\nTYPED_TEST(C, D) {}\n"
+        self.assertEqual(self.objections(source, True, ["unit/All/A.B/0", "unit/C/1.D"]), [])
+
+    def test_a_file_that_is_not_built_is_seen(self):
+        self.assertTrue(self.objections("TEST(A, B) {}\n", False, ["unit/A.B"]))
+
+    def test_a_test_that_is_not_run_is_seen(self):
+        self.assertTrue(self.objections("TEST(A, B) {}\nTEST(A, C) {}\n", True, ["unit/A.B", "unit/A.CC"]))
+
+    def test_a_parameterized_test_without_parameters_is_seen(self):
+        self.assertTrue(self.objections("TEST_P(A, B) {}\n", True, ["unit/A.B"]))
+
+    def test_a_disabled_test_is_seen(self):
+        self.assertTrue(self.objections("TEST(A, DISABLED_B) {}\n", True, ["unit/A.B"]))
+
+    def test_a_file_without_a_test_is_seen(self):
+        self.assertTrue(self.objections("int nothing;\n", True, []))
+
+
+class Wording(SmallTree):
+    def objects_to(self, text: str, path: str = "docs/page.md") -> bool:
+        self.write(path, text)
+        return bool(wording.violations(self.root))
+
+    def test_plain_text_is_accepted(self):
+        text = "A session has two streams; the back end takes its part. See tests/home/x and /dev/tty.\n"
+        self.assertFalse(self.objects_to(text))
+
+    def test_a_pointer_into_a_paper_is_seen(self):
+        self.assertTrue(self.objects_to("as the spec says in " + "Part 3\n"))
+        self.assertTrue(self.objects_to("see " + "Part 2.1\n"))
+
+    def test_a_pointer_into_a_tracker_is_seen(self):
+        self.assertTrue(self.objects_to("as the " + "issue asks\n"))
+        self.assertTrue(self.objects_to("fixes " + "issue 12\n"))
+
+    def test_a_place_on_one_machine_is_seen(self):
+        for place in ("/wo" + "rk/main", "/ho" + "me/user/x", "/ro" + "ot/x"):
+            self.assertTrue(self.objects_to(f"built in {place}\n"), place)
+
+    def test_a_note_to_oneself_is_seen(self):
+        self.assertTrue(self.objects_to("// TO" + "DO: later\n", "job/PrintJob.cpp"))
+
+    def test_a_missing_or_doubled_last_line_feed_is_seen(self):
+        self.assertTrue(self.objects_to("no line feed"))
+        self.assertTrue(self.objects_to("two line feeds\n\n"))
+
+    def test_build_folders_and_data_are_left_alone(self):
+        self.write("build/cache.txt", "/wo" + "rk/main")
+        self.write("build-asan/cache.txt", "/wo" + "rk/main")
+        self.assertFalse(self.objects_to("no line feed", "fuzz/corpus/reply"))
+        self.assertFalse(self.objects_to("no line feed\0", "logo.bin"))
+
+
+class Documentation(SmallTree):
+    def objects_to(self, text: str) -> bool:
+        self.write("dev", 'case $command in\n  build | test) "${command}_command" ;;\nesac\n')
+        self.write("docs/threads.md", "# Threads\n\n## Who runs what?\n")
+        self.write("README.md", text)
+        return bool(documentation.violations(self.root))
+
+    def test_what_is_there_may_be_pointed_at(self):
+        self.assertFalse(self.objects_to(
+            "[a](docs/threads.md) [b](docs/threads.md#who-runs-what) [c](#top) [d](https://example.org)"
+            "`docs/threads.md` `docs/` `a/b` `build/bin/quorport` ./dev test\n\n# Top\n"))
+
+    def test_a_broken_link_is_seen(self):
+        self.assertTrue(self.objects_to("[a](docs/nowhere.md)\n"))
+
+    def test_a_link_to_a_missing_heading_is_seen(self):
+        self.assertTrue(self.objects_to("[a](docs/threads.md#nobody)\n"))
+        self.assertTrue(self.objects_to("[a](#nobody)\n"))
+
+    def test_the_name_of_a_missing_file_is_seen(self):
+        self.assertTrue(self.objects_to("`docs/nowhere.md`\n"))
+
+    def test_a_command_that_dev_does_not_have_is_seen(self):
+        self.assertTrue(self.objects_to("```\n./dev fly\n```\n"))
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,57 @@
+"""What the documentation points at is there. Usage: documentation.py ROOT
+
+Links between pages and to headings, files of the project named in `code`, and commands of ./dev.
+"""
+
+import re
+import sys
+from pathlib import Path
+
+import tree
+
+FENCE = re.compile(r"^```.*?^```", re.M | re.S)
+LINK = re.compile(r"\[[^\]]*\]\(([^)\s]+)\)")
+CODE = re.compile(r"`([^`\n]+)`")
+HEADING = re.compile(r"^#+ +(.+?) *$", re.M)
+DEV_COMMAND = re.compile(r"\./dev ([a-z]+)")
+DEV_CASE = re.compile(r"^ *([a-z |]+)\) \"\$\{command\}_command\"", re.M)
+
+
+def anchors(page: str) -> set[str]:
+    """The headings of a page as a link to them is written."""
+    headings = HEADING.findall(FENCE.sub("", page))
+    return {re.sub(r"[^\w\- ]", "", heading.lower()).replace(" ", "-") for heading in headings}
+
+
+def broken_link(page: Path, target: str) -> bool:
+    if re.match(r"[a-z]+:", target):
+        return False
+    name, _, anchor = target.partition("#")
+    file = page.parent / name if name else page
+    if not file.exists():
+        return True
+    return bool(anchor) and anchor not in anchors(file.read_text())
+
+
+def missing_file(root: Path, code: str) -> bool:
+    """True for the path of a file that is not there; a path starts with a folder of the project."""
+    head, slash, _ = code.partition("/")
+    is_path = bool(slash) and re.fullmatch(r"[\w./-]+", code) and (root / head).is_dir()
+    return bool(is_path) and head != "build" and not (root / code).exists()
+
+
+def violations(root: Path) -> list[str]:
+    commands = {word for case in DEV_CASE.findall((root / "dev").read_text()) for word in case.split(" | ")}
+    found = []
+    for page in tree.files(root, ".md"):
+        text = page.read_text()
+        prose = FENCE.sub("", text)
+        broken = [f"link to {t}" for t in LINK.findall(prose) if broken_link(page, t)]
+        broken += [f"file {code}" for code in CODE.findall(prose) if missing_file(root, code)]
+        broken += [f"./dev {word}" for word in DEV_COMMAND.findall(text) if word not in commands]
+        found += [f"{page.relative_to(root)}: there is no {what}" for what in broken]
+    return found
+
+
+if __name__ == "__main__":
+    tree.report(violations, *sys.argv[1:])

@@ -1,0 +1,112 @@
+"""Who may include what. Usage: include_rules.py ROOT
+
+Each folder is a room of its own; RULES says into which others it may look. A room that is not named
+there may look everywhere.
+"""
+
+import re
+import sys
+from dataclasses import dataclass
+from pathlib import Path
+
+import tree
+
+# Every header of the C++ standard library that the project uses, by what it is good for.
+PLAIN = set(
+    """algorithm any array atomic bit cassert cctype charconv climits cmath compare concepts cstddef
+    cstdint cstdio cstdlib cstring deque exception functional initializer_list iterator limits list map
+    memory mutex new numeric optional queue random ranges set shared_mutex source_location span
+    stdexcept string string_view system_error tuple type_traits typeinfo unordered_map unordered_set
+    utility variant vector""".split()
+)
+TIME = {"chrono"}
+THREADS = {"condition_variable", "thread"}
+STREAMS = {"cerrno", "filesystem", "fstream", "iomanip", "iostream", "istream", "ostream", "sstream"}
+STANDARD = PLAIN | TIME | THREADS | STREAMS
+DESCRIPTORS = {"fcntl.h", "poll.h", "signal.h", "sys/stat.h", "sys/types.h", "unistd.h"}
+DRAWING = {"cairo.h", "zint.h"}
+
+PUBLIC = "include"
+EVERY_SYSTEM_HEADER = None
+
+
+@dataclass(frozen=True)
+class Rule:
+    place: str  # a folder or a file, from the root; the longest place that fits a file rules it
+    rooms: tuple[str, ...]  # what it may include besides what lies in the same place
+    headers: set[str] | None  # the headers in angle brackets that it may include
+    forbidden: str = ""  # a pattern that its lines must not hold
+
+
+NO_CLOCK = r"\b\w+_clock\b"
+
+RULES = (
+    Rule("include", (), {"stdint.h"}),
+    # Waiting, time and threads come from the platform alone; <chrono> is there for its units.
+    Rule("iphone-IOPort", ("iphone-IOPort", "platform", "logging", PUBLIC), PLAIN | TIME, NO_CLOCK),
+    Rule("iphone-IOPort/PortC.h", ("parsers",), set()),
+    Rule("platform", (), STANDARD | {"cxxabi.h"}),
+    Rule("parsers", (PUBLIC,), PLAIN, NO_CLOCK),
+    Rule("logging", (), STANDARD | DESCRIPTORS),
+    Rule("simulator", (), (STANDARD - THREADS) | DRAWING, NO_CLOCK),
+    Rule("backends", ("platform",), STANDARD, NO_CLOCK),
+    Rule("backends/Devices.cpp", ("platform", "backends"), STANDARD, NO_CLOCK),
+    Rule("backends/virtual", ("platform", "backends/*", "simulator"), STANDARD, NO_CLOCK),
+    Rule("backends/posix", ("platform", "backends/*"), EVERY_SYSTEM_HEADER),
+    Rule("job", ("iphone-IOPort", PUBLIC), STANDARD, NO_CLOCK),
+    Rule("tools", ("job", "iphone-IOPort", "backends", PUBLIC), EVERY_SYSTEM_HEADER),
+)
+
+INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
+
+
+def rule_of(path: str) -> Rule | None:
+    fitting = [r for r in RULES if path == r.place or path.startswith(r.place + "/")]
+    return max(fitting, key=lambda rule: len(rule.place), default=None)
+
+
+def is_in(path: str, room: str) -> bool:
+    if room.endswith("/*"):  # the files of that folder, not its sub-folders
+        return str(Path(path).parent) == room[:-2]
+    return path.startswith(room + "/")
+
+
+def included(root: Path, source: Path, quote: str, name: str) -> str | None:
+    """The project's file that the directive means, from the root; None for an outside header."""
+    if quote == "<":
+        public = f"{PUBLIC}/{name}"
+        return public if (root / public).is_file() else None
+    beside = (source.parent / name).resolve()
+    return str(beside.relative_to(root)) if beside.is_file() else name
+
+
+def objection(rule: Rule, root: Path, source: Path, quote: str, name: str) -> str | None:
+    target = included(root, source, quote, name)
+    if target is None:
+        allowed = quote == "<" and (rule.headers is EVERY_SYSTEM_HEADER or name in rule.headers)
+        return None if allowed else f"may not include {name}"
+    allowed = rule_of(target) is rule or any(is_in(target, room) for room in rule.rooms)
+    return None if allowed else f"may not include {target}"
+
+
+def violations(root: Path) -> list[str]:
+    root = root.resolve()
+    found = []
+    for source in tree.files(root, ".h", ".cpp", ".c"):
+        path = str(source.relative_to(root))
+        rule = rule_of(path)
+        if rule is None:
+            continue
+        for number, line in enumerate(source.read_text().splitlines(), 1):
+            wrong = None
+            if directive := INCLUDE.match(line):
+                wrong = objection(rule, root, source, *directive.groups())
+            elif rule.forbidden and re.search(rule.forbidden, line):
+                wrong = f"may not use {re.search(rule.forbidden, line).group()}"
+            if wrong:
+                found.append(f"{path}:{number}: {rule.place} {wrong}")
+    return found
+
+
+if __name__ == "__main__":
+    tree.report(violations, *sys.argv[1:])

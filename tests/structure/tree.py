@@ -1,0 +1,25 @@
+"""What the checks of the tree share: which files belong to it, and how a check reports."""
+
+import sys
+from collections.abc import Callable, Iterator
+from pathlib import Path
+
+OUTSIDE = (".git", "build", "__pycache__")
+
+
+def files(root: Path, *suffixes: str) -> Iterator[Path]:
+    """The project's files below root, by path; with suffixes, only those that end in one."""
+    for entry in sorted(root.iterdir()):
+        if entry.is_dir():
+            if entry.name not in OUTSIDE and not entry.name.startswith("build-"):
+                yield from files(entry, *suffixes)
+        elif not suffixes or entry.name.endswith(suffixes):
+            yield entry
+
+
+def report(check: Callable[..., list[str]], *arguments: str) -> None:
+    """Runs a check, prints what it objects to, and ends the program: 0 when that is nothing."""
+    objections = check(*map(Path, arguments))
+    for objection in objections:
+        print(objection)
+    sys.exit(1 if objections else 0)
