@@ -41,8 +41,8 @@ class EAAccessory {
   /// left to read. True for an accessory without a session.
   virtual bool isConnected() = 0;
 
-  /// Opens a session on `protocol`, or returns null when the accessory cannot be reached or refuses.
-  /// May block for the link's own connect time-out.
+  /// Opens a session on `protocol`, or returns null when the accessory cannot be reached or
+  /// refuses. May block for the link's own connect time-out.
   virtual std::shared_ptr<EASession> openSession(const std::string& protocol) = 0;
 };
 

@@ -11,8 +11,8 @@ namespace quordalvane {
 
 inline constexpr std::string_view NSDefaultRunLoopMode = "kCFRunLoopDefaultMode";
 
-/// One direction of a session. A stream may be scheduled on one thread's loop and used from another,
-/// but not from two threads at once. No call blocks, but for `waitUntilReady`.
+/// One direction of a session. A stream may be scheduled on one thread's loop and used from
+/// another, but not from two threads at once. No call blocks, but for `waitUntilReady`.
 class NSStream {
  public:
   virtual ~NSStream() = default;
@@ -51,7 +51,8 @@ class NSOutputStream : public NSStream {
   /// True if a write would accept at least one byte now.
   virtual bool hasSpaceAvailable() = 0;
 
-  /// Writes at most `maxLength` bytes. Returns the count taken, which may be fewer, or -1 on an error.
+  /// Writes at most `maxLength` bytes. Returns the count taken, which may be fewer, or -1 on an
+  /// error.
   virtual std::int64_t write(const std::uint8_t* buffer, std::size_t maxLength) = 0;
 };
 

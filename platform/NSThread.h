@@ -4,8 +4,8 @@
 
 namespace quordalvane {
 
-/// The handle of one thread. Releasing it neither waits for the thread nor ends it. All calls may be
-/// made from any thread.
+/// The handle of one thread. Releasing it neither waits for the thread nor ends it. All calls may
+/// be made from any thread.
 class NSThread {
  public:
   virtual ~NSThread() = default;

@@ -6,9 +6,9 @@
 /*
  * What is known of a printer at one moment, as its last status reply told it.
  *
- * The record belongs to the caller; the port writes into it and keeps nothing of it. A flag is 0 when
- * the condition is absent and 1 when it is present. A line-mode reply fills every field; an ESC/POS
- * status fills coverOpen, offline, compulsionSwitch, receiptPaperEmpty and
+ * The record belongs to the caller; the port writes into it and keeps nothing of it. A flag is 0
+ * when the condition is absent and 1 when it is present. A line-mode reply fills every field; an
+ * ESC/POS status fills coverOpen, offline, compulsionSwitch, receiptPaperEmpty and
  * receiptPaperNearEmptyInner and leaves the other flags as the caller had them.
  *
  * The order and the widths of the fields are part of the binary interface.
@@ -51,12 +51,14 @@ typedef struct QuorPrinterStatus_2_ {
   uint32_t validationPaperPresent;
   uint32_t slipPaperPresent;
 
-  /* How many ETB commands the printer has worked through, modulo 256; meaningful where etbAvailable is 1. */
+  /* How many ETB commands the printer has worked through, modulo 256; meaningful where etbAvailable
+   * is 1. */
   uint32_t etbAvailable;
   uint8_t etbCounter;
 
-  uint8_t presenterState;     /* 0 idle, 1 holding paper, 2 retracted, 3 ejected */
-  uint8_t connectedInterface; /* 0 unknown, 1 serial, 2 USB, 3 Ethernet, 4 wireless LAN, 5 Bluetooth */
+  uint8_t presenterState; /* 0 idle, 1 holding paper, 2 retracted, 3 ejected */
+  uint8_t
+      connectedInterface; /* 0 unknown, 1 serial, 2 USB, 3 Ethernet, 4 wireless LAN, 5 Bluetooth */
 
   /* The reply as it was received: the first rawLength bytes of raw. */
   uint32_t rawLength;

@@ -1,0 +1,130 @@
+#include "backends/virtual/Scheduler.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <stdexcept>
+
+namespace quordalvane::virtuals {
+namespace {
+
+/// Which thread the calling thread is, and in which scheduler.
+struct Place {
+  const Scheduler* scheduler = nullptr;
+  Scheduler::Thread* thread = nullptr;
+};
+
+thread_local Place place;
+
+}  // namespace
+
+Scheduler::Scheduler() {
+  Thread& first = adopt();
+  first.due.reset();
+  first.hasTurn = true;
+  place = {this, &first};
+}
+
+Instant Scheduler::now() const {
+  const std::lock_guard lock(mutex_);
+  return now_;
+}
+
+Scheduler::Thread& Scheduler::adopt() {
+  const std::lock_guard lock(mutex_);
+  auto thread = std::make_unique<Thread>();
+  thread->due = {now_, sequence_++};
+  Thread& adopted = *thread;
+  threads_.emplace(&adopted, std::move(thread));
+  return adopted;
+}
+
+void Scheduler::begin(Thread& self) {
+  place = {this, &self};
+  std::unique_lock lock(mutex_);
+  self.turn.wait(lock, [&self] { return self.hasTurn; });
+}
+
+void Scheduler::end(Thread& self) {
+  place = {};
+  std::unique_lock lock(mutex_);
+  threads_.erase(&self);
+  passTurn(lock);
+}
+
+Scheduler::Thread* Scheduler::current() const {
+  return place.scheduler == this ? place.thread : nullptr;
+}
+
+void Scheduler::waitUntil(Instant instant) {
+  Thread* self = current();
+  if (self == nullptr) {
+    throw std::logic_error(
+        "a thread that the virtual platform did not make cannot wait in its time");
+  }
+  std::unique_lock lock(mutex_);
+  self->due = {std::max(instant, now_), sequence_++};
+  wait(lock, *self);
+}
+
+void Scheduler::waitUntilWoken() {
+  std::unique_lock lock(mutex_);
+  current()->due.reset();
+  wait(lock, *current());
+}
+
+void Scheduler::wake(Thread& thread) {
+  const std::lock_guard lock(mutex_);
+  if (!thread.hasTurn) {
+    thread.due = {now_, sequence_++};
+  }
+}
+
+void Scheduler::at(Instant instant, std::function<void()> event) {
+  const std::lock_guard lock(mutex_);
+  events_.emplace(std::max(instant, now_), std::move(event));
+}
+
+void Scheduler::wait(std::unique_lock<std::mutex>& lock, Thread& self) {
+  self.hasTurn = false;
+  passTurn(lock);
+  self.turn.wait(lock, [&self] { return self.hasTurn; });
+}
+
+/// Moves time to what is due first. Events are run here, without the lock; the first thread that is
+/// due gets the turn.
+void Scheduler::passTurn(std::unique_lock<std::mutex>& lock) {
+  while (true) {
+    Thread* const next = nextThread();
+    if (!events_.empty() && (next == nullptr || events_.begin()->first <= next->due->first)) {
+      auto event = events_.extract(events_.begin());
+      now_ = std::max(now_, event.key());
+      lock.unlock();
+      event.mapped()();
+      lock.lock();
+      continue;
+    }
+    if (next != nullptr) {
+      now_ = std::max(now_, next->due->first);
+      next->due.reset();
+      next->hasTurn = true;
+      next->turn.notify_one();
+    } else if (!threads_.empty()) {
+      std::fputs("virtual time stands still: every thread waits and no event is to come\n", stderr);
+      std::abort();
+    }
+    return;
+  }
+}
+
+Scheduler::Thread* Scheduler::nextThread() {
+  Thread* next = nullptr;
+  for (const auto& [thread, owner] : threads_) {
+    if (thread->due && (next == nullptr || *thread->due < *next->due)) {
+      next = thread;
+    }
+  }
+  return next;
+}
+
+}  // namespace quordalvane::virtuals

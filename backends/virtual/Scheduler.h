@@ -1,0 +1,74 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <utility>
+
+namespace quordalvane::virtuals {
+
+using Instant = std::chrono::nanoseconds;
+
+/// Virtual time for several threads, of which one runs at a time. Time stands still while a thread
+/// runs, and moves to the next event when all of them wait: nothing sleeps for real, and the order
+/// of events depends on nothing but the calls made. Threads take turns in the order in which their
+/// waits end; equal instants go by the order in which the waits began.
+class Scheduler {
+ public:
+  /// One thread that takes turns; made by `adopt`, valid as long as the scheduler.
+  class Thread {
+    friend class Scheduler;
+    std::condition_variable turn;
+    bool hasTurn = false;
+    std::optional<std::pair<Instant, std::uint64_t>> due;  // none: it waits until it is woken
+  };
+
+  /// The calling thread becomes the first one and has the turn.
+  Scheduler();
+
+  Scheduler(const Scheduler&) = delete;
+  Scheduler& operator=(const Scheduler&) = delete;
+
+  Instant now() const;
+
+  /// A further thread, which is due now. It must call `begin` first and `end` last.
+  Thread& adopt();
+  void begin(Thread& self);
+  void end(Thread& self);
+
+  /// The calling thread; null if it takes no turns here.
+  Thread* current() const;
+
+  /// Waits until `instant`, or until another thread wakes this one. An instant that is past gives
+  /// way to the threads and events that are due by now. Called by a thread that takes turns.
+  void waitUntil(Instant instant);
+
+  /// Waits until another thread wakes this one. Ends the process with a message when nothing can:
+  /// every thread waits and no event is to come.
+  void waitUntilWoken();
+
+  /// Makes a waiting thread due now.
+  void wake(Thread& thread);
+
+  /// Runs `event` at `instant`, on whichever thread waits then and before any thread that is due at
+  /// that instant. It must not wait.
+  void at(Instant instant, std::function<void()> event);
+
+ private:
+  void wait(std::unique_lock<std::mutex>& lock, Thread& self);
+  void passTurn(std::unique_lock<std::mutex>& lock);
+  Thread* nextThread();
+
+  mutable std::mutex mutex_;
+  Instant now_{0};
+  std::uint64_t sequence_ = 0;
+  std::map<Thread*, std::unique_ptr<Thread>> threads_;
+  std::multimap<Instant, std::function<void()>> events_;
+};
+
+}  // namespace quordalvane::virtuals

@@ -1,0 +1,87 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "backends/virtual/Scheduler.h"
+#include "platform/Platform.h"
+
+namespace quordalvane::virtuals {
+
+/// Virtual time as a Clock. The wall clock starts at `epoch` and may be stepped.
+class VirtualClock : public Clock {
+ public:
+  /// 2024-01-01 00:00:00 UTC, so that runs read alike.
+  static constexpr std::int64_t epoch = 1704067200;
+
+  TimeValue gettimeofday() override;
+  std::chrono::nanoseconds monotonic() override { return scheduler_.now(); }
+  void usleep(std::uint64_t microseconds) override;
+  void select(std::int32_t microseconds) override;
+
+  /// Steps the wall clock by `difference`, back or forth; monotonic time does not notice.
+  void stepWallClock(std::chrono::microseconds difference) { stepped_ += difference.count(); }
+
+  /// Runs `event` when the clock has reached `instant`, counted from its start, in the middle of
+  /// whatever wait is going on then. The event must not wait itself.
+  void at(Instant instant, std::function<void()> event) {
+    scheduler_.at(instant, std::move(event));
+  }
+
+  Scheduler& scheduler() { return scheduler_; }
+
+ private:
+  Scheduler scheduler_;
+  std::atomic<std::int64_t> stepped_ = 0;  // microseconds
+};
+
+/// A platform on which no time passes but by its own clock: a sleep, a slice or a wait moves time
+/// to the next event, and the same calls give the same run. The thread that makes the platform
+/// takes the first turn; others come from `makeThread`. Threads that the platform did not make may
+/// ask, but not wait.
+class VirtualPlatform : public Platform {
+ public:
+  VirtualPlatform();
+  ~VirtualPlatform() override;
+
+  /// Presents a further accessory, after those that are attached already.
+  void attach(std::shared_ptr<EAAccessory> accessory);
+
+  /// Takes all accessories away again.
+  void detachAll();
+
+  /// Whether the thread that made the platform is the application's main thread; at first it is
+  /// not, so that ports need no thread of their own.
+  void setMainThread(bool isMain) { constructedOnMain_ = isMain; }
+
+  /// The text that `currentDevice` tells; "9.0" at first.
+  void setSystemVersion(std::string version);
+
+  VirtualClock& virtualClock() { return clock_; }
+
+  EAAccessoryManager& sharedAccessoryManager() override;
+  UIDevice& currentDevice() override;
+  Clock& clock() override { return clock_; }
+  NSRunLoop& currentRunLoop() override;
+  std::shared_ptr<NSThread> makeThread(std::function<void()> body) override;
+  bool isMainThread() override;
+  void ignoreSigPipe() override {}
+
+ private:
+  class Manager;
+  class Device;
+
+  VirtualClock clock_;
+  Scheduler::Thread* const firstThread_;
+  std::atomic<bool> constructedOnMain_ = false;
+  const std::unique_ptr<Manager> manager_;
+  const std::unique_ptr<Device> device_;
+};
+
+}  // namespace quordalvane::virtuals

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+
+#include "backends/virtual/Scheduler.h"
+#include "platform/NSRunLoop.h"
+#include "platform/NSThread.h"
+
+namespace quordalvane::virtuals {
+
+/// The run loop of one thread under virtual time.
+class VirtualRunLoop : public NSRunLoop {
+ public:
+  explicit VirtualRunLoop(Scheduler& scheduler) : scheduler_(scheduler) {}
+
+  void runUntilDate(double seconds) override;
+  void runUntilDate(double seconds, NSStream& awaited) override;
+
+  /// Hands a routine over; false, without taking it, once the loop is closed.
+  bool post(std::function<void()> routine);
+
+  /// Runs what is still waiting, and closes the loop when nothing is.
+  void drainAndClose();
+
+ private:
+  bool runOne();
+
+  Scheduler& scheduler_;
+  std::mutex mutex_;
+  std::deque<std::function<void()>> routines_;
+  bool closed_ = false;
+};
+
+/// A thread that takes turns in virtual time.
+class VirtualThread : public NSThread {
+ public:
+  VirtualThread(Scheduler& scheduler, std::function<void()> body);
+
+  bool start() override;
+  void cancel() override {}
+  bool performAndWait(std::function<void()> routine) override;
+
+ private:
+  Scheduler& scheduler_;
+  std::function<void()> body_;
+  const std::shared_ptr<VirtualRunLoop> loop_;
+  Scheduler::Thread* thread_ = nullptr;
+};
+
+/// The run loop of the calling thread, made at first need.
+VirtualRunLoop& currentVirtualRunLoop(Scheduler& scheduler);
+
+}  // namespace quordalvane::virtuals

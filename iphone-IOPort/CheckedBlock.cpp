@@ -1,0 +1,352 @@
+// The checked block: the beginning and the end of a job whose printing is verified, and data
+// cancel.
+
+#include <algorithm>
+#include <array>
+#include <cassert>
+
+#include "iphone-IOPort/ExternalAccessoryPort.h"
+#include "iphone-IOPort/LogStatement.h"
+#include "iphone-IOPort/Microseconds.h"
+#include "iphone-IOPort/WholeSeconds.h"
+
+namespace quordalvane {
+namespace {
+
+constexpr auto beginSelector = "-[ExternalAccessoryPort beginCheckedBlock:level:resultCode:]";
+constexpr auto endSelector = "-[ExternalAccessoryPort endCheckedBlock:level:]";
+
+constexpr std::uint8_t dataCancel[] = {0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00};
+constexpr std::uint8_t dataCancelEnd[] = {0x1b, 0x1d, 0x03, 0x04, 0x00, 0x00};
+
+// The real-time status byte of ESC/POS: its fixed bits, and the off-line bit.
+constexpr std::uint8_t fixedBits = 0x93;
+constexpr std::uint8_t fixedValue = 0x12;
+constexpr std::uint8_t offlineBit = 0x08;
+
+constexpr std::uint8_t reportStart = 0x1b;
+constexpr std::size_t restDataSize = 7;
+constexpr std::size_t reportedCount = 5;  // the count's place behind the first byte
+
+}  // namespace
+
+bool ExternalAccessoryPort::beginCheckedBlock(QuorPrinterStatus_2* status, std::uint32_t level,
+                                              std::int64_t* resultCode) {
+  constexpr auto selector = beginSelector;
+  assert(status != nullptr && resultCode != nullptr);
+  QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%p, %d", status, level);
+  *resultCode = ZKQuorIOResultCodeFailedError;
+  WholeSecondsWait wait(platform_->clock(), timeout_);
+  QUOR_LOG(ZKLogTypeProcess, 0, "p_emulation: %d", p_emulation);
+  const bool result = prepareBlock(status, level, resultCode, wait);
+  QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%p, %d, -> %d", status, level, result);
+  return result;
+}
+
+bool ExternalAccessoryPort::prepareBlock(QuorPrinterStatus_2* status, std::uint32_t level,
+                                         std::int64_t* resultCode, WholeSecondsWait& wait) {
+  constexpr auto selector = beginSelector;
+  const bool lineMode = p_emulation == ZKEmulationQuorLine;
+  if (lineMode) {
+    if (!getParsedStatus(status, 2)) {
+      QUOR_LOG(ZKLogTypeError, 0, "Fail to [self getParsedStatus:status level:2]: %p, %p, %d", this,
+               status, 2);
+      return false;
+    }
+    if (status->offline != 0) {
+      // True with a failure code: the exchange worked, and the block did not begin.
+      QUOR_LOG(ZKLogTypeProcess, 0, "status->offline: %d", status->offline);
+      return true;
+    }
+  }
+  if (!resetCounter() ||
+      !(lineMode ? awaitClearPath(status, resultCode, wait) : refreshStatus(status, level))) {
+    return false;
+  }
+  setDataTimeout(status, level);
+  const ByteBuffer dataCancelCommand(std::begin(dataCancel), std::end(dataCancel));
+  if (!writeWhole(dataCancelCommand)) {
+    QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:dataCancelCommand]: %p, %p", this,
+             &dataCancelCommand);
+    return false;
+  }
+  *resultCode = ZKQuorIOResultCodeSuccess;
+  return true;
+}
+
+bool ExternalAccessoryPort::resetCounter() {
+  constexpr auto selector = beginSelector;
+  const ByteBuffer etbResetCommand = p_emulation == ZKEmulationQuorLine
+                                         ? ByteBuffer{0x1b, 0x1e, 0x45, 0x00}
+                                         : ByteBuffer{0x1b, 0x1d, 0x03, 0x02, 0x00, 0x00};
+  if (!writeWhole(etbResetCommand)) {
+    QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:etbResetCommand]: %p, %p", this,
+             &etbResetCommand);
+    return false;
+  }
+  return true;
+}
+
+/// Line mode: waits until the counter reads 0 and the exit is free of paper, or the printer is off
+/// line, which ends the wait without an error. Timed from the reset.
+bool ExternalAccessoryPort::awaitClearPath(QuorPrinterStatus_2* status, std::int64_t* resultCode,
+                                           WholeSecondsWait& wait) {
+  constexpr auto selector = beginSelector;
+  wait.restart();
+  while (isConnected()) {
+    if (!getParsedStatus(status, 2)) {
+      if (wait.isOver()) {
+        QUOR_LOG(ZKLogTypeError, 0, "end.tv_sec - start.tv_sec > timeoutSec, %ld, %ld, %d",
+                 wait.end(), wait.start(), wait.limit());
+        return false;
+      }
+      usleep(microseconds(secInterval1()));
+      continue;
+    }
+    if (status->offline == 1 || (status->etbCounter == 0 && status->paperPresent == 0)) {
+      return true;
+    }
+    // The limit is chosen anew in each pass: paper that goes late leaves the shorter one at once.
+    std::int32_t waitTimeoutSec = wait.limit();
+    std::int64_t errorCode = ZKQuorIOResultCodeFailedError;
+    if (status->paperPresent == 1) {
+      waitTimeoutSec = static_cast<std::int32_t>(holdPrintTimeoutMillis() / 1000);
+      errorCode = ZKQuorIOResultCodePaperPresentError;
+    }
+    if (wait.isOver(waitTimeoutSec)) {
+      *resultCode = errorCode;
+      QUOR_LOG(ZKLogTypeError, 0, "end.tv_sec - start.tv_sec > waitTimeout, %ld, %ld, %d",
+               wait.end(), wait.start(), waitTimeoutSec);
+      return false;
+    }
+    platform_->clock().select(microseconds(secInterval1()));
+  }
+  QUOR_LOG(ZKLogTypeError, 0, "self.isConnected: %d", isConnected());
+  return false;
+}
+
+/// ESC/POS: a fresh status for the caller's record; the block goes on without one, too.
+bool ExternalAccessoryPort::refreshStatus(QuorPrinterStatus_2* status, std::uint32_t level) {
+  constexpr auto selector = beginSelector;
+  if (!isConnected()) {
+    QUOR_LOG(ZKLogTypeError, 0, "self.isConnected: %d", 0);
+    return false;
+  }
+  getParsedStatus(status, level);
+  return true;
+}
+
+void ExternalAccessoryPort::setDataTimeout(QuorPrinterStatus_2* status, std::uint32_t level) {
+  constexpr auto selector = beginSelector;
+  if (dataTimeoutSeconds() < 0) {
+    return;
+  }
+  // Not an error, but this is the type under which the record is known.
+  QUOR_LOG(ZKLogTypeError, 0, "self.dataTimeoutSeconds: %ld", dataTimeoutSeconds());
+  const auto timeout = static_cast<std::uint8_t>(dataTimeoutSeconds() & 0xff);
+  const ByteBuffer setDataTimeoutCommandData = {0x1b, 0x1d, 0x03, 0x05, 0x01, timeout};
+  if (!writeWhole(setDataTimeoutCommandData)) {
+    QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:setDataTimeoutCommandData]: %p, %p",
+             this, &setDataTimeoutCommandData);
+    QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%p, %d", status, level);
+    throw PortException("[beginCheckedBlock] Failed to set data cancel timeout");
+  }
+}
+
+bool ExternalAccessoryPort::endCheckedBlock(QuorPrinterStatus_2* quorPrinterStatus,
+                                            std::uint32_t level) {
+  constexpr auto selector = endSelector;
+  assert(quorPrinterStatus != nullptr);
+  QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%p, %d", quorPrinterStatus, level);
+  QUOR_LOG(ZKLogTypeProcess, 0, "p_emulation: %d", p_emulation);
+  // Every wait is timed from here, before anything is sent.
+  WholeSecondsWait wait(platform_->clock(), endCheckedBlockTimeoutMillis());
+  const bool result =
+      markEnd() && (p_emulation == ZKEmulationQuorLine
+                        ? awaitCount(quorPrinterStatus, level, wait)
+                        : awaitReport(wait) && finalStatus(quorPrinterStatus, level));
+  QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%p, %d, -> %d", quorPrinterStatus, level, result);
+  return result;
+}
+
+bool ExternalAccessoryPort::markEnd() {
+  constexpr auto selector = endSelector;
+  const ByteBuffer etbCommand = p_emulation == ZKEmulationQuorLine
+                                    ? ByteBuffer{0x17, 0x17}
+                                    : ByteBuffer{0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00};
+  if (!writeWhole(etbCommand)) {
+    QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:etbCommand]: %p, %p", this,
+             &etbCommand);
+    return false;
+  }
+  return writeDataCancelEnd();
+}
+
+bool ExternalAccessoryPort::writeDataCancelEnd() {
+  constexpr auto selector = endSelector;
+  const ByteBuffer dataCancelEndCommand(std::begin(dataCancelEnd), std::end(dataCancelEnd));
+  if (!writeWhole(dataCancelEndCommand)) {
+    QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:dataCancelEndCommand]: %p, %p", this,
+             &dataCancelEndCommand);
+    return false;
+  }
+  return true;
+}
+
+bool ExternalAccessoryPort::endTimedOut(WholeSecondsWait& wait) {
+  constexpr auto selector = endSelector;
+  if (wait.isOver()) {
+    QUOR_LOG(ZKLogTypeError, 0, "end.tv_sec - start.tv_sec > timeoutSec, %ld, %ld, %d", wait.end(),
+             wait.start(), wait.limit());
+    return true;
+  }
+  return false;
+}
+
+/// Line mode: waits until the counter reads 2 or the printer is off line.
+bool ExternalAccessoryPort::awaitCount(QuorPrinterStatus_2* quorPrinterStatus, std::uint32_t level,
+                                       WholeSecondsWait& wait) {
+  constexpr auto selector = endSelector;
+  while (true) {
+    while (!getParsedStatus(quorPrinterStatus, level)) {
+      if (endTimedOut(wait)) {
+        return false;
+      }
+      usleep(microseconds(secInterval2()));
+    }
+    if (quorPrinterStatus->offline == 1) {
+      // What an off-line printer means for the job is for the caller to judge.
+      QUOR_LOG(ZKLogTypeProcess, 0, "quorPrinterStatus->offline: %d", quorPrinterStatus->offline);
+      return true;
+    }
+    // Exactly the two ETBs of this block: a count beyond them was not ours alone.
+    if (quorPrinterStatus->etbCounter == 2) {
+      QUOR_LOG(ZKLogTypeProcess, 0, "quorPrinterStatus->etbCounter: %d",
+               quorPrinterStatus->etbCounter);
+      return true;
+    }
+    if (endTimedOut(wait)) {
+      return false;
+    }
+    platform_->clock().select(microseconds(secInterval2()));
+  }
+}
+
+/// ESC/POS: waits until the printer has reported the end of the block or shows itself off line.
+bool ExternalAccessoryPort::awaitReport(WholeSecondsWait& wait) {
+  constexpr auto selector = endSelector;
+  bool etbCountUp = false;
+  while (true) {
+    if (!writeDataCancelEnd() || !requestRealTimeStatus()) {
+      return false;
+    }
+    auto topByte = awaitByte(wait);
+    if (!topByte) {
+      return false;
+    }
+    QUOR_LOG(ZKLogTypeProcess, 0, "topByte: %d", *topByte);
+    if (*topByte == reportStart) {
+      // One report a pass: a second one in the place of the status byte fails the test below.
+      if (!readReport(etbCountUp) || !(topByte = awaitByte(wait))) {
+        return false;
+      }
+    }
+    QUOR_LOG(ZKLogTypeProcess, 0, "(topByte & 0x93): %d", *topByte & fixedBits);
+    QUOR_LOG(ZKLogTypeProcess, 0, "(topByte & 0x08): %d", *topByte & offlineBit);
+    if ((*topByte & fixedBits) != fixedValue) {
+      continue;  // no status byte: asked again at once, by design without time-out or pause
+    }
+    if (etbCountUp || (*topByte & offlineBit) != 0) {
+      return true;
+    }
+    if (endTimedOut(wait)) {
+      return false;
+    }
+    usleep(replyPollMicroseconds);
+  }
+}
+
+bool ExternalAccessoryPort::requestRealTimeStatus() {
+  constexpr auto selector = endSelector;
+  const ByteBuffer statusRequestData = {0x10, 0x04, 0x01};
+  if (!writeWhole(statusRequestData)) {
+    QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:statusRequestData]: %p, %p", this,
+             &statusRequestData);
+    return false;
+  }
+  return true;
+}
+
+/// The next byte of the input, or none at the time-out.
+std::optional<std::uint8_t> ExternalAccessoryPort::awaitByte(WholeSecondsWait& wait) {
+  auto data = read(1);
+  while (!data || data->empty()) {
+    logEmptyRead(data);
+    if (endTimedOut(wait)) {
+      return std::nullopt;
+    }
+    usleep(replyPollMicroseconds);
+    data = read(1);
+  }
+  return data->front();
+}
+
+void ExternalAccessoryPort::logEmptyRead(const std::optional<ByteBuffer>& data) {
+  constexpr auto selector = endSelector;
+  QUOR_LOG(ZKLogTypeProcess, 0, "data: %p", data ? &*data : nullptr);
+  if (data) {
+    QUOR_LOG(ZKLogTypeProcess, 0, "data.length: %lu", data->size());
+  }
+}
+
+/// What follows the first byte of a report. False when it cannot be read; a report that is cut
+/// short counts nothing.
+bool ExternalAccessoryPort::readReport(bool& etbCountUp) {
+  constexpr auto selector = endSelector;
+  const auto rest = read(restDataSize);
+  if (!rest) {
+    QUOR_LOG(ZKLogTypeError, 0, "Fail to [[self read:restDataSize] retain]: %p, %d", this,
+             restDataSize);
+    return false;
+  }
+  std::array<std::uint8_t, restDataSize> afterBytes = {};
+  std::copy_n(rest->begin(), std::min(rest->size(), restDataSize), afterBytes.begin());
+  if (afterBytes[reportedCount] != 0) {
+    etbCountUp = true;
+    QUOR_LOG(ZKLogTypeProcess, 0, "etbCountUp: %d", 1);
+  }
+  return true;
+}
+
+bool ExternalAccessoryPort::finalStatus(QuorPrinterStatus_2* quorPrinterStatus,
+                                        std::uint32_t level) {
+  constexpr auto selector = endSelector;
+  auto data = read(1);
+  while (data && !data->empty()) {
+    data = read(1);
+  }
+  logEmptyRead(data);
+  if (!getParsedStatus(quorPrinterStatus, level)) {
+    QUOR_LOG(ZKLogTypeError, 0,
+             "Fail to [self getParsedStatus:quorPrinterStatus level:level]: %p, %p, %d", this,
+             quorPrinterStatus, level);
+    return false;
+  }
+  return true;
+}
+
+bool ExternalAccessoryPort::startDataCancel() {
+  constexpr auto selector = "-[ExternalAccessoryPort startDataCancel]";
+  QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@", "");
+  const ByteBuffer dataCancelCommand(std::begin(dataCancel), std::end(dataCancel));
+  if (!writeWhole(dataCancelCommand)) {
+    QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:dataCancelCommand], %p, %p", this,
+             &dataCancelCommand);
+    QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", false);
+    return false;
+  }
+  QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", true);
+  return true;
+}
+
+}  // namespace quordalvane

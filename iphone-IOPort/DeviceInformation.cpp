@@ -1,0 +1,232 @@
+// What the printer says of itself: firmware, DIP switches, button security.
+
+#include <cstdint>
+#include <utility>
+
+#include "iphone-IOPort/Ascii.h"
+#include "iphone-IOPort/ExternalAccessoryPort.h"
+#include "iphone-IOPort/LogStatement.h"
+#include "iphone-IOPort/LogWriter.h"
+#include "iphone-IOPort/Microseconds.h"
+#include "iphone-IOPort/PortC.h"
+#include "iphone-IOPort/Subrange.h"
+#include "iphone-IOPort/WholeSeconds.h"
+
+namespace quordalvane {
+namespace {
+
+constexpr std::size_t maxReplySize = 128;
+constexpr std::int32_t modelPollMicroseconds = 100000;
+
+/// What a parser of the replies found in one chunk.
+struct Field {
+  std::int32_t location = 0;
+  std::int32_t length = 0;
+};
+
+using ReplyParser = decltype(&parseFirmwareInfo);
+
+/// Looks for a complete field in `data`. No data reaches the parser as null and 0.
+std::optional<Field> findField(ReplyParser parse, const std::optional<ByteBuffer>& data) {
+  Field field;
+  const std::uint8_t* bytes = data && !data->empty() ? data->data() : nullptr;
+  const auto count = static_cast<std::int32_t>(data ? data->size() : 0);
+  return parse(bytes, count, &field.location, &field.length) == 0 ? std::optional(field)
+                                                                  : std::nullopt;
+}
+
+}  // namespace
+
+bool ExternalAccessoryPort::retrieveFirmwareInformation() {
+  constexpr auto selector = "-[ExternalAccessoryPort retrieveFirmwareInformation]";
+  QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@", "");
+  QuorPrinterStatus_2 status = {};
+  try {
+    if (!getParsedStatus(&status, 2)) {
+      QUOR_LOG(ZKLogTypeError, 0, "Fail to [self getParsedStatus:&status level:2], %p, %p, %d",
+               this, &status, 2);
+      QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", false);
+      return false;
+    }
+    if (status.offline != 0) {
+      QUOR_LOG(ZKLogTypeError, 0, "status.offline, %d", status.offline);
+      QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", false);
+      return false;
+    }
+  } catch (const PortException& exception) {
+    QUOR_LOG(ZKLogTypeError, 0, "Fail to [self getParsedStatus:&status level:2], %p, %p, %d, %@",
+             this, &status, 2, exception.what());
+    QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", false);
+    return false;
+  }
+  const bool result = p_emulation == ZKEmulationESCPOS ? retrieveESCPOSFirmwareInformation()
+                                                       : retrieveFirmwareInformation2();
+  QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", result);
+  return result;
+}
+
+bool ExternalAccessoryPort::retrieveFirmwareInformation2() {
+  constexpr auto selector = "-[ExternalAccessoryPort retrieveFirmwareInformation2]";
+  QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@", "");
+  const ByteBuffer fwRequest = {0x1b, 0x23, 0x2a, 0x0a, 0x00};
+  if (!writeWhole(fwRequest)) {
+    QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:fwRequest], %p, %p", this,
+             &fwRequest);
+    QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", false);
+    return false;
+  }
+  WholeSecondsWait wait(platform_->clock(), timeout_);
+  auto data = read(maxReplySize);
+  auto field = findField(parseFirmwareInfo, data);
+  while (!field) {
+    if (wait.isOver()) {
+      QUOR_LOG(ZKLogTypeError, 0, "end.tv_sec - start.tv_sec > timeout_ / 1000, %ld, %ld, %d",
+               wait.end(), wait.start(), wait.limit());
+      QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", false);
+      return false;
+    }
+    usleep(replyPollMicroseconds);
+    data = read(maxReplySize);
+    field = findField(parseFirmwareInfo, data);
+  }
+  const ByteBuffer fwInfoData =
+      subrange(data.value_or(ByteBuffer()), field->location, field->length);
+  QUOR_LOG(ZKLogTypeProcess, 0, "Find FW Info, Position: %d, Raw: %@", field->location,
+           LogWriter::createByteArrayDescription(fwInfoData));
+  _firmwareInformation.set(asciiText(fwInfoData));
+  QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", true);
+  return true;
+}
+
+bool ExternalAccessoryPort::retrieveESCPOSFirmwareInformation() {
+  constexpr auto selector = "-[ExternalAccessoryPort retrieveESCPOSFirmwareInformation]";
+  QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@", "");
+  const ByteBuffer modelRequestCommand = {0x1d, 0x49, 0x41};
+  if (!writeWhole(modelRequestCommand)) {
+    QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:modelRequestCommand], %p, %p", this,
+             &modelRequestCommand);
+    QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", false);
+    return false;
+  }
+  WholeSecondsWait wait(platform_->clock(), timeout_);
+  auto receivedData = read(maxReplySize);
+  while (!receivedData || receivedData->empty()) {
+    if (wait.isOver()) {
+      QUOR_LOG(ZKLogTypeError, 0, "end.tv_sec - start.tv_sec > timeout_ / 1000, %ld, %ld, %d",
+               wait.end(), wait.start(), wait.limit());
+      QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", false);
+      return false;
+    }
+    usleep(modelPollMicroseconds);
+    receivedData = read(maxReplySize);
+  }
+  // Without the header byte in front and the NUL behind; a lone byte has no such range and raises.
+  const auto length = static_cast<std::int64_t>(receivedData->size());
+  const std::string trimmedString = asciiText(subrange(*receivedData, 1, length - 2));
+  _firmwareInformation.set(trimmedString);
+  QUOR_LOG(ZKLogTypeProcess, 0, "_firmwareInformation: %@", trimmedString);
+  QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", true);
+  return true;
+}
+
+bool ExternalAccessoryPort::retrieveDipSwitchInformation() {
+  constexpr auto selector = "-[ExternalAccessoryPort retrieveDipSwitchInformation]";
+  QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@", "");
+  for (const std::uint8_t dipSwNumber : {std::uint8_t{1}, std::uint8_t{2}}) {
+    auto bank = retrieveDipSwitchInformation(dipSwNumber);
+    if (!bank) {
+      QUOR_LOG(ZKLogTypeError, 0, "Fail to [[self retrieveDipSwitchInformation:%d] retain], %p, %d",
+               dipSwNumber, this, dipSwNumber);
+      QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", false);
+      return false;
+    }
+    // Never emptied: the newest pair is at the end.
+    _dipSwitchInformation.update([&](auto& banks) { banks.push_back(std::move(*bank)); });
+  }
+  QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", true);
+  return true;
+}
+
+std::optional<ByteBuffer> ExternalAccessoryPort::retrieveDipSwitchInformation(
+    std::uint8_t dipSwNumber) {
+  constexpr auto selector = "-[ExternalAccessoryPort retrieveDipSwitchInformation:]";
+  QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%d", dipSwNumber);
+  auto parsedData = queryDipSwitchBank(dipSwNumber);
+  if (parsedData) {
+    QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%d, -> %@", dipSwNumber,
+             LogWriter::createByteArrayDescription(*parsedData));
+  } else {
+    QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%d, -> %p", dipSwNumber, nullptr);
+  }
+  return parsedData;
+}
+
+std::optional<ByteBuffer> ExternalAccessoryPort::queryDipSwitchBank(std::uint8_t dipSwNumber) {
+  constexpr auto selector = "-[ExternalAccessoryPort retrieveDipSwitchInformation:]";
+  const auto digit = static_cast<std::uint8_t>(0x30 + dipSwNumber);
+  const ByteBuffer dipswRequest = {0x1b, 0x23, 0x2c, digit, 0x0a, 0x00};
+  if (!writeWhole(dipswRequest)) {
+    QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:dipswRequest], %p, %p", this,
+             &dipswRequest);
+    return std::nullopt;
+  }
+  WholeSecondsWait wait(platform_->clock(), timeout_);
+  auto data = read(maxReplySize);
+  auto field = findField(parseDipSwitchInfo, data);
+  while (!field) {
+    if (wait.isOver()) {
+      QUOR_LOG(ZKLogTypeError, 0, "end.tv_sec - start.tv_sec > timeout_ / 1000, %ld, %ld, %d",
+               wait.end(), wait.start(), wait.limit());
+      return std::nullopt;
+    }
+    usleep(replyPollMicroseconds);
+    data = read(maxReplySize);
+    field = findField(parseDipSwitchInfo, data);
+  }
+  const ByteBuffer chunk = data.value_or(ByteBuffer());
+  // The record shows the chunk from its start, not from the field: so it has always been read.
+  QUOR_LOG(ZKLogTypeProcess, 0, "Find DIPSW Info, Position: %d, Raw: %@", field->location,
+           LogWriter::createByteArrayDescription(subrange(chunk, 0, field->length)));
+  auto parsedData = subrange(chunk, field->location, field->length);
+  if (parsedData.size() != 2) {
+    QUOR_LOG(ZKLogTypeError, 0, "[parsedData length] != 2, %lu", parsedData.size());
+    return std::nullopt;
+  }
+  return parsedData;
+}
+
+std::int64_t ExternalAccessoryPort::retrieveButtonSecurityTimeout() {
+  constexpr auto selector = "-[ExternalAccessoryPort retrieveButtonSecurityTimeout]";
+  constexpr std::size_t EXPECTED_RECV_SIZE = 7;
+  QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@", "");
+  const ByteBuffer data = {0x1b, 0x23, 0x2c, 0x31, 0x0a, 0x00};
+  if (!writeWhole(data)) {
+    QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:data], %p, %p", this, &data);
+    QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", -1);
+    return -1;
+  }
+  WholeSecondsWait wait(platform_->clock(), timeout_);
+  ByteBuffer recvBuf;
+  while (true) {
+    const auto recvData = read(EXPECTED_RECV_SIZE - recvBuf.size()).value_or(ByteBuffer());
+    recvBuf.insert(recvBuf.end(), recvData.begin(), recvData.end());
+    if (recvBuf.size() == EXPECTED_RECV_SIZE) {
+      break;
+    }
+    if (wait.isOver()) {
+      // Unsigned here, unlike in the other queries.
+      QUOR_LOG(ZKLogTypeError, 0, "end.tv_sec - start.tv_sec > timeout_ / 1000, %ld, %ld, %u",
+               wait.end(), wait.start(), wait.limit());
+      QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", -1);
+      return -1;
+    }
+    usleep(replyPollMicroseconds);
+  }
+  constexpr std::uint32_t settings[] = {20000, 10000, 5000, 0};
+  const std::uint32_t setting = settings[recvBuf[4] >> 6];
+  QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", setting);
+  // The port's own time-out comes on top, in 32 bits, unless the security is off.
+  return setting == 0 ? 0 : std::int64_t{static_cast<std::uint32_t>(setting + timeout_)};
+}
+
+}  // namespace quordalvane

@@ -1,0 +1,119 @@
+#include "iphone-IOPort/ExternalAccessoryPort.h"
+
+#include <algorithm>
+#include <charconv>
+#include <limits>
+#include <system_error>
+#include <utility>
+
+#include "iphone-IOPort/LogStatement.h"
+
+namespace quordalvane {
+namespace {
+
+constexpr std::int64_t MAX_DATA_TIMEOUT = 255;
+
+bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
+/// The digits of the first match of "d[0-9]+". A plain scan: settings may be of any length, which
+/// some regular-expression engines answer with a stack overflow.
+std::optional<std::string_view> firstDataTimeoutDigits(std::string_view settings) {
+  for (std::size_t i = 0; i + 1 < settings.size(); ++i) {
+    if (settings[i] == 'd' && isDigit(settings[i + 1])) {
+      const auto digits = settings.substr(i + 1);
+      const auto end = std::find_if_not(digits.begin(), digits.end(), isDigit);
+      return digits.substr(0, static_cast<std::size_t>(end - digits.begin()));
+    }
+  }
+  return std::nullopt;
+}
+
+std::int32_t saturatedNumber(std::string_view digits) {
+  std::int32_t number = 0;
+  const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+  return result.ec == std::errc::result_out_of_range ? std::numeric_limits<std::int32_t>::max()
+                                                     : number;
+}
+
+}  // namespace
+
+struct ExternalAccessoryPort::Arguments {
+  std::optional<std::string> portName;
+  std::optional<std::string> portSettings;
+  std::uint32_t timeout;
+  ZKEmulation emulation;
+  std::shared_ptr<Platform> platform;
+};
+
+ExternalAccessoryPort::ExternalAccessoryPort(Arguments arguments)
+    : platform_(std::move(arguments.platform)),
+      portName_(std::move(arguments.portName)),
+      portSettings_(std::move(arguments.portSettings)),
+      timeout_(arguments.timeout),
+      p_emulation(arguments.emulation),
+      _endCheckedBlockTimeoutMillis(arguments.timeout) {}
+
+std::shared_ptr<ExternalAccessoryPort> ExternalAccessoryPort::initWithPortName(
+    std::optional<std::string> portName, std::optional<std::string> portSettings,
+    std::uint32_t timeout, ZKEmulation emulation, std::shared_ptr<Platform> platform) {
+  auto port = std::make_shared<ExternalAccessoryPort>(Arguments{
+      std::move(portName), std::move(portSettings), timeout, emulation, std::move(platform)});
+  return port->initialise() ? port : nullptr;
+}
+
+bool ExternalAccessoryPort::initialise() {
+  constexpr auto selector =
+      "-[ExternalAccessoryPort initWithPortName:portSettings:timeout:emulation:]";
+  QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@, %@, %d, %d", portName_, portSettings_, timeout_,
+           p_emulation);
+  if (platform_ == nullptr) {
+    QUOR_LOG(ZKLogTypeError, 0, "self == nil, %p", nullptr);
+    QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%@, %@, %d, %d, -> %p", portName_, portSettings_,
+             timeout_, p_emulation, nullptr);
+    return false;
+  }
+  // The members are set by now, so the thread never sees a port in the making.
+  if (platform_->isMainThread()) {
+    QUOR_LOG(ZKLogTypeProcess, 0, "NSThread.isMainThread, %d", 1);
+    if (!startPortThread()) {
+      QUOR_LOG(ZKLogTypeError, 0, "Fail to [self.thread71 start], %p", nullptr);
+      QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%@, %@, %d, %d, -> %p", portName_, portSettings_,
+               timeout_, p_emulation, nullptr);
+      return false;
+    }
+  }
+  parseDataTimeoutOption();
+  QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%@, %@, %d, %d, -> %p", portName_, portSettings_,
+           timeout_, p_emulation, this);
+  return true;
+}
+
+void ExternalAccessoryPort::parseDataTimeoutOption() {
+  constexpr auto selector = "-[ExternalAccessoryPort parseDataTimeoutOption]";
+  QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@", "");
+  setDataTimeoutSeconds(-1);
+  const std::string_view settings = portSettings_ ? std::string_view(*portSettings_) : "";
+  const auto digits = firstDataTimeoutDigits(settings);
+  if (!digits) {
+    QUOR_LOG(ZKLogTypeProcess, 0,
+             "[regex matchesInString:portSettings_ options:0 range:NSMakeRange(0, "
+             "portSettings_.length)].count == 0, %@, %@, %d, %d, %lu, %lu",
+             "d[0-9]+", portSettings_, 0, 0, settings.size(), 0);
+    QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%@", "");
+    return;
+  }
+  const std::int64_t dataTimeout = saturatedNumber(*digits);
+  if (dataTimeout > MAX_DATA_TIMEOUT) {
+    QUOR_LOG(ZKLogTypeError, 0, "dataTimeout > MAX_DATA_TIMEOUT, %ld, %ld", dataTimeout,
+             MAX_DATA_TIMEOUT);
+    QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%@", "");
+    return;
+  }
+  setDataTimeoutSeconds(dataTimeout);
+  QUOR_LOG(ZKLogTypeProcess, 0, "dataTimeout: %ld", dataTimeout);
+  QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%@", "");
+}
+
+}  // namespace quordalvane

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <cstdint>
+
+namespace quordalvane {
+
+/// An interval in seconds as microseconds: multiplied in single precision and truncated, so that
+/// the pauses are exactly 50,000 and 100,000.
+inline std::int32_t microseconds(float seconds) {
+  return static_cast<std::int32_t>(seconds * 1000000.0F);
+}
+
+/// The pause between most polls for a reply.
+inline constexpr std::int32_t replyPollMicroseconds = 200000;
+
+}  // namespace quordalvane

@@ -1,0 +1,91 @@
+// The port thread, and the carrying of open and close to it.
+
+#include <charconv>
+#include <system_error>
+
+#include "iphone-IOPort/ExternalAccessoryPort.h"
+#include "iphone-IOPort/LogStatement.h"
+#include "iphone-IOPort/Microseconds.h"
+
+namespace quordalvane {
+namespace {
+
+/// The number that a version text begins with, whatever the locale; 0 if it begins with none.
+float leadingNumber(std::string_view text) {
+  if (text.empty() || text.front() < '0' || text.front() > '9') {
+    return 0.0F;
+  }
+  float number = 0.0F;
+  std::from_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed);
+  return number;
+}
+
+}  // namespace
+
+bool ExternalAccessoryPort::startPortThread() {
+  // The thread keeps the port alive while it runs, and its handle lets go of the body at its end: a
+  // handle that kept it would tie port and handle together for good.
+  const auto thread = platform_->makeThread([self = shared_from_this()] { self->runLoop71(); });
+  setThread71(thread);
+  return thread != nullptr && thread->start();
+}
+
+void ExternalAccessoryPort::runLoop71() {
+  constexpr auto selector = "-[ExternalAccessoryPort runLoop71]";
+  QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@", "");
+  while (!stopThread71) {
+    // The text lacks its final bracket; those who search logs for it rely on that.
+    QUOR_LOG(ZKLogTypeProcess, 1,
+             "[NSRunLoop.currentRunLoop runUntilDate:[NSDate dateWithTimeIntervalSinceNow:0.1]");
+    platform_->currentRunLoop().runUntilDate(0.1);
+  }
+  QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%@", "");
+}
+
+/// Runs the routine here when there is no port thread that could: a port made off the main thread
+/// has none, and after a close it has ended.
+void ExternalAccessoryPort::performOnPortThread(void (ExternalAccessoryPort::*routine)()) {
+  const auto thread = thread71();
+  if (thread == nullptr || !thread->performAndWait([this, routine] { (this->*routine)(); })) {
+    (this->*routine)();
+  }
+}
+
+bool ExternalAccessoryPort::open() {
+  constexpr auto selector = "-[ExternalAccessoryPort open]";
+  QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@", "");
+  if (platform_->isMainThread()) {
+    QUOR_LOG(ZKLogTypeProcess, 0, "NSThread.isMainThread, %d", 1);
+    performOnPortThread(&ExternalAccessoryPort::open71);
+  } else {
+    open71();
+  }
+  usleep(100000);
+  const bool result = result71().value_or(false);
+  QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", result);
+  return result;
+}
+
+void ExternalAccessoryPort::close() {
+  constexpr auto selector = "-[ExternalAccessoryPort close]";
+  QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@", "");
+  const float version = leadingNumber(platform_->currentDevice().systemVersion());
+  if (version >= 10.0F) {
+    QUOR_LOG(ZKLogTypeProcess, 0, "UIDevice.currentDevice.systemVersion.floatValue >= 10.0, %f",
+             version);
+    usleep(microseconds(secInterval2()));
+  }
+  if (platform_->isMainThread()) {
+    QUOR_LOG(ZKLogTypeProcess, 0, "NSThread.isMainThread, %d", 1);
+    performOnPortThread(&ExternalAccessoryPort::close71);
+    stopThread71 = true;
+    if (const auto thread = thread71()) {
+      thread->cancel();
+    }
+  } else {
+    close71();
+  }
+  QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%@", "");
+}
+
+}  // namespace quordalvane

@@ -1,0 +1,237 @@
+// The choice of the accessory, the session on it, and the connected test.
+
+#include <algorithm>
+#include <exception>
+#include <stdexcept>
+#include <utility>
+
+#include "iphone-IOPort/ExternalAccessoryPort.h"
+#include "iphone-IOPort/LogStatement.h"
+#include "iphone-IOPort/Util.h"
+#include "platform/ExceptionClass.h"
+
+namespace quordalvane {
+namespace {
+
+constexpr auto open71Selector = "-[ExternalAccessoryPort open71]";
+constexpr std::size_t prefixLength = 3;  // "BT:"
+
+char lowerCase(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+bool equalIgnoringCase(std::string_view a, std::string_view b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](char x, char y) { return lowerCase(x) == lowerCase(y); });
+}
+
+/// The designation of the accessory in a port name; none designates any.
+std::optional<std::string> designationIn(const std::optional<std::string>& portName) {
+  if (!portName || equalIgnoringCase(*portName, "BT:")) {
+    return std::nullopt;
+  }
+  if (portName->size() < prefixLength) {
+    throw std::out_of_range("the port name \"" + *portName +
+                            "\" is shorter than its prefix of three characters, BT:");
+  }
+  return portName->substr(prefixLength);
+}
+
+}  // namespace
+
+void ExternalAccessoryPort::open71() {
+  constexpr auto selector = open71Selector;
+  QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@", "");
+  try {
+    selectAccessory();
+    setResult71(openSession());
+  } catch (const std::exception& exception) {
+    QUOR_LOG(ZKLogTypeError, 0, "%@", exception.what());
+    setResult71(false);
+  } catch (...) {
+    QUOR_LOG(ZKLogTypeError, 0, "Throws exception, class: %@", currentExceptionClass());
+    setResult71(false);
+  }
+  QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%@", "");
+}
+
+void ExternalAccessoryPort::selectAccessory() {
+  constexpr auto selector = open71Selector;
+  const auto specifiedPortName = designationIn(portName_);
+  QUOR_LOG(ZKLogTypeProcess, 0, "specifiedPortName: %@", specifiedPortName);
+  const auto accessoryArray = platform_->sharedAccessoryManager().connectedAccessories();
+  // A session that was not closed goes with its accessory: nothing of it may be used any more.
+  _session.set(nullptr);
+  _selectedAccessory.set(nullptr);
+  const auto chosen = std::find_if(
+      accessoryArray.begin(), accessoryArray.end(),
+      [&](const auto& accessory) { return isEligible(*accessory, specifiedPortName); });
+  if (chosen != accessoryArray.end()) {
+    adoptAccessory(*chosen);
+  }
+}
+
+bool ExternalAccessoryPort::isEligible(EAAccessory& accessory,
+                                       const std::optional<std::string>& specifiedPortName) {
+  constexpr auto selector = open71Selector;
+  QUOR_LOG(ZKLogTypeProcess, 0, "%@", accessory.description());
+  const auto modelNumber = accessory.modelNumber();
+  if (modelNumber && modelNumber->starts_with("KLT") && Util::isUsbDevice(*modelNumber)) {
+    QUOR_LOG(ZKLogTypeProcess, 0, "%@ is UsbDevice", modelNumber);
+    return false;
+  }
+  if (specifiedPortName && !isDesignated(accessory, *specifiedPortName)) {
+    return false;
+  }
+  const auto manufacturer = accessory.manufacturer();
+  if (!manufacturer || !equalIgnoringCase(*manufacturer, "quor dalvane")) {
+    QUOR_LOG(ZKLogTypeProcess, 0,
+             "[accessory.manufacturer caseInsensitiveCompare:@\"quor dalvane\"] != NSOrderedSame, "
+             "%@",
+             manufacturer);
+    return false;
+  }
+  const auto protocolStrings = accessory.protocolStrings();
+  if (std::find(protocolStrings.begin(), protocolStrings.end(), quorProtocol) ==
+      protocolStrings.end()) {
+    QUOR_LOG(ZKLogTypeProcess, 0,
+             "[accessory.protocolStrings indexOfObject:quorProtocol] == NSNotFound, %@, %@",
+             protocolStrings, quorProtocol);
+    return false;
+  }
+  return true;
+}
+
+bool ExternalAccessoryPort::isDesignated(EAAccessory& accessory,
+                                         const std::string& specifiedPortName) {
+  constexpr auto selector = open71Selector;
+  const auto accessoryName = accessory.name();
+  if (accessoryName == specifiedPortName) {
+    return true;
+  }
+  QUOR_LOG(ZKLogTypeProcess, 0, "[accessory.name isEqualToString:specifiedPortName] == NO, %@, %@",
+           accessoryName, specifiedPortName);
+  const auto accessorySerialNumber = accessory.serialNumber();
+  if (accessorySerialNumber == specifiedPortName) {
+    return true;
+  }
+  QUOR_LOG(ZKLogTypeProcess, 0,
+           "[accessory.serialNumber isEqualToString:specifiedPortName] == NO, %@, %@",
+           accessorySerialNumber, specifiedPortName);
+  return hasSpecifiedAddress(accessory, specifiedPortName);
+}
+
+bool ExternalAccessoryPort::hasSpecifiedAddress(EAAccessory& accessory,
+                                                const std::string& specifiedPortName) {
+  constexpr auto selector = open71Selector;
+  const auto specifiedMACAddr = Util::getMACAddressFromString(specifiedPortName);
+  QUOR_LOG(ZKLogTypeProcess, 0, "specifiedMACAddr: %@", specifiedMACAddr);
+  if (specifiedMACAddr.empty()) {
+    QUOR_LOG(ZKLogTypeProcess, 0, "[specifiedMACAddr isEqualToString:@\"\"], %@", specifiedMACAddr);
+    return false;
+  }
+  if (specifiedMACAddr != specifiedPortName) {
+    QUOR_LOG(ZKLogTypeProcess, 0,
+             "[specifiedMACAddr isEqualToString:specifiedPortName] == NO, %@, %@", specifiedMACAddr,
+             specifiedPortName);
+    return false;
+  }
+  auto& manager = platform_->sharedAccessoryManager();
+  const auto accessoryMACAddr = Util::isSet(manager)
+                                    ? Util::getMACAddressFromSpecifiedMethod(manager, accessory)
+                                    : Util::getMACAddressFromString(accessory.description());
+  if (accessoryMACAddr.empty()) {
+    QUOR_LOG(ZKLogTypeProcess, 0, "[accessoryMACAddr isEqualToString:@\"\"], %@", accessoryMACAddr);
+    return false;
+  }
+  if (!equalIgnoringCase(accessoryMACAddr, specifiedMACAddr)) {
+    QUOR_LOG(ZKLogTypeProcess, 0,
+             "[accessoryMACAddr compare:specifiedMACAddr options:NSCaseInsensitiveSearch] != "
+             "NSOrderedSame, %@, %@",
+             accessoryMACAddr, specifiedMACAddr);
+    return false;
+  }
+  return true;
+}
+
+void ExternalAccessoryPort::adoptAccessory(const std::shared_ptr<EAAccessory>& accessory) {
+  constexpr auto selector = open71Selector;
+  const auto modelNumber = accessory->modelNumber();
+  if (modelNumber == "XQ700") {
+    QUOR_LOG(ZKLogTypeProcess, 0, "[accessory.modelNumber isEqualToString:@\"XQ700\"], %@",
+             modelNumber);
+    _isBrondel = true;
+  }
+  _selectedAccessory.set(accessory);
+  setConnectionID(accessory->connectionID());
+  setName(accessory->name());
+  setSerialNumber(accessory->serialNumber());
+}
+
+bool ExternalAccessoryPort::openSession() {
+  constexpr auto selector = open71Selector;
+  const auto accessory = _selectedAccessory.get();
+  if (accessory == nullptr) {
+    QUOR_LOG(ZKLogTypeError, 0, "_selectedAccessory == nil, %p", nullptr);
+    return false;
+  }
+  const auto session = accessory->openSession(std::string(quorProtocol));
+  _session.set(session);
+  if (session == nullptr) {
+    QUOR_LOG(ZKLogTypeError, 0, "_session == nil, %@", std::optional<std::string>());
+    return false;
+  }
+  openStream(*session->inputStream());
+  openStream(*session->outputStream());
+  return true;
+}
+
+void ExternalAccessoryPort::openStream(NSStream& stream) {
+  stream.setDelegate(weak_from_this());
+  stream.scheduleInRunLoop(platform_->currentRunLoop(), NSDefaultRunLoopMode);
+  stream.open();
+}
+
+void ExternalAccessoryPort::closeStream(NSStream& stream) {
+  stream.close();
+  stream.removeFromRunLoop(platform_->currentRunLoop(), NSDefaultRunLoopMode);
+  stream.setDelegate({});
+}
+
+void ExternalAccessoryPort::close71() {
+  constexpr auto selector = "-[ExternalAccessoryPort close71]";
+  QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@", "");
+  try {
+    if (const auto session = _session.get()) {
+      closeStream(*session->outputStream());
+      closeStream(*session->inputStream());
+    }
+  } catch (const std::exception& exception) {
+    QUOR_LOG(ZKLogTypeError, 0, "%@", exception.what());
+  } catch (...) {
+    QUOR_LOG(ZKLogTypeError, 0, "Throws exception, class: %@", currentExceptionClass());
+  }
+  // Whatever a stream raised, the port is closed from here on.
+  _session.set(nullptr);
+  _selectedAccessory.set(nullptr);
+  setConnectionID(0);
+  setName(std::nullopt);
+  setSerialNumber(std::nullopt);
+  QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%@", "");
+}
+
+bool ExternalAccessoryPort::isConnected() {
+  constexpr auto selector = "-[ExternalAccessoryPort isConnected]";
+  QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@", "");
+  const auto accessory = _selectedAccessory.get();
+  if (accessory == nullptr) {
+    QUOR_LOG(ZKLogTypeError, 0, "_selectedAccessory == nil, %p", nullptr);
+    QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", 0);
+    return false;
+  }
+  const bool connected = accessory->isConnected();
+  QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", connected);
+  return connected;
+}
+
+}  // namespace quordalvane

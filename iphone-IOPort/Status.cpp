@@ -1,0 +1,217 @@
+// The printer's status in both emulations, and the online test.
+
+#include <algorithm>
+#include <cassert>
+
+#include "iphone-IOPort/ExternalAccessoryPort.h"
+#include "iphone-IOPort/LogStatement.h"
+#include "iphone-IOPort/LogWriter.h"
+#include "iphone-IOPort/Microseconds.h"
+#include "iphone-IOPort/PortC.h"
+#include "iphone-IOPort/WholeSeconds.h"
+
+namespace quordalvane {
+namespace {
+
+constexpr auto statusSelector = "-[ExternalAccessoryPort getParsedStatus:level:]";
+constexpr std::size_t drainSize = 256;
+constexpr int statusAttempts = 2;
+constexpr int RETRY_COUNT = 10;
+constexpr std::size_t MAX_STATUS_SIZE = 128;
+constexpr auto lostConnection = "GetParsedStatus detected bluetooth disconnection";
+
+struct StatusQuery {
+  ByteBuffer command;
+  StatusType type;
+  std::string_view name;
+};
+
+}  // namespace
+
+const std::uint8_t escAckSoh[3] = {0x1b, 0x06, 0x01};
+
+bool ExternalAccessoryPort::getParsedStatus(QuorPrinterStatus_2* quorPrinterStatus,
+                                            std::uint32_t level) {
+  constexpr auto selector = statusSelector;
+  assert(quorPrinterStatus != nullptr);
+  QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%p, %d", quorPrinterStatus, level);
+  read(drainSize);  // leftovers of earlier exchanges, whatever comes of it
+  QUOR_LOG(ZKLogTypeProcess, 0, "p_emulation: %d", p_emulation);
+  bool result = false;
+  if (p_emulation == ZKEmulationESCPOS) {
+    result = getParsedStatusESCPOS(quorPrinterStatus, level);
+  } else if (p_emulation == ZKEmulationQuorLine) {
+    result = getParsedStatusQuorLine(quorPrinterStatus, level);
+  }
+  QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%p, %d, -> %d", quorPrinterStatus, level, result);
+  return result;
+}
+
+bool ExternalAccessoryPort::getParsedStatusQuorLine(QuorPrinterStatus_2* quorPrinterStatus,
+                                                    std::uint32_t level) {
+  constexpr auto selector = statusSelector;
+  const ByteBuffer commandData = {0x1b, 0x2a, 0x72, 0x42,              // prepare
+                                  0x1b, 0x1d, 0x03, 0x04, 0x00, 0x00,  // data-cancel end
+                                  0x1b, 0x06, 0x01};                   // send the block
+  for (int i = 0; i < statusAttempts; ++i) {
+    if (!writeWhole(commandData)) {
+      QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:commandData], %p, %p", this,
+               &commandData);
+      QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%p, %d", quorPrinterStatus, level);
+      throw PortException("Native WritePort failed");
+    }
+    if (collectStatus(quorPrinterStatus, level)) {
+      return true;
+    }
+  }
+  return false;
+}
+
+/// One attempt's reads. True when the record was filled from a complete reply.
+bool ExternalAccessoryPort::collectStatus(QuorPrinterStatus_2* quorPrinterStatus,
+                                          std::uint32_t level) {
+  constexpr auto selector = statusSelector;
+  ByteBuffer buffer;
+  for (int j = 0; j < RETRY_COUNT; ++j) {
+    if (!isConnected()) {
+      QUOR_LOG(ZKLogTypeError, 0, "self.isConnected, %d", isConnected());
+      QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%p, %d", quorPrinterStatus, level);
+      throw PortException(lostConnection);
+    }
+    if (readStatusPiece(buffer, quorPrinterStatus)) {
+      return true;
+    }
+    usleep(microseconds(secInterval1()));
+  }
+  return false;
+}
+
+/// One read. True when it completed the reply: the record is then filled, and what came behind the
+/// reply is dropped.
+bool ExternalAccessoryPort::readStatusPiece(ByteBuffer& buffer,
+                                            QuorPrinterStatus_2* quorPrinterStatus) {
+  constexpr auto selector = statusSelector;
+  const auto readBuffer = read(MAX_STATUS_SIZE);
+  if (!readBuffer) {
+    QUOR_LOG(ZKLogTypeProcess, 0, "readBuffer: %p", nullptr);
+    return false;
+  }
+  if (readBuffer->empty()) {
+    QUOR_LOG(ZKLogTypeProcess, 0, "readBuffer.length: %lu", readBuffer->size());
+    return false;
+  }
+  buffer.insert(buffer.end(), readBuffer->begin(), readBuffer->end());
+  const std::int32_t expectedSize = CalculateStatusLength(buffer.front());
+  if (expectedSize > static_cast<std::int32_t>(buffer.size())) {
+    QUOR_LOG(ZKLogTypeProcess, 0, "buffer.length < expectedSize: %lu, %d", buffer.size(),
+             expectedSize);
+    return false;
+  }
+  std::copy_n(buffer.begin(), expectedSize, quorPrinterStatus->raw);
+  quorPrinterStatus->rawLength = static_cast<std::uint32_t>(expectedSize);
+  BuildParsedStatus(quorPrinterStatus);
+  logReceivedStatus(*quorPrinterStatus);
+  return true;
+}
+
+bool ExternalAccessoryPort::getParsedStatusESCPOS(QuorPrinterStatus_2* quorPrinterStatus,
+                                                  std::uint32_t level) {
+  quorPrinterStatus->coverOpen = 0;
+  quorPrinterStatus->offline = 0;
+  quorPrinterStatus->receiptPaperEmpty = 0;
+  WholeSecondsWait wait(platform_->clock(), timeout_);  // one for the three queries together
+  const ByteBuffer dataCancelEndCommand = {0x1b, 0x1d, 0x03, 0x04, 0x00, 0x00};
+  if (!writeStatusCommand(dataCancelEndCommand)) {
+    return false;
+  }
+  const StatusQuery queries[] = {
+      {{0x10, 0x04, 0x01}, StatusType::CashDrawer, "CashDrawer"},
+      {{0x10, 0x04, 0x02}, StatusType::CoverOpen, "CoverOpen"},
+      {{0x10, 0x04, 0x04}, StatusType::PaperEmpty, "PaperEmpty"},
+  };
+  return std::all_of(std::begin(queries), std::end(queries), [&](const StatusQuery& query) {
+    return writeStatusCommand(query.command) && awaitStatusByte(quorPrinterStatus, level, wait) &&
+           applyStatusByte(quorPrinterStatus, query.type, query.name);
+  });
+}
+
+bool ExternalAccessoryPort::writeStatusCommand(const ByteBuffer& command) {
+  constexpr auto selector = statusSelector;
+  if (!writeWhole(command)) {
+    QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:command], %p, %p", this, &command);
+    return false;
+  }
+  return true;
+}
+
+/// Waits for the answer to one query and puts it into the record. False at the time-out.
+bool ExternalAccessoryPort::awaitStatusByte(QuorPrinterStatus_2* quorPrinterStatus,
+                                            std::uint32_t level, WholeSecondsWait& wait) {
+  constexpr auto selector = statusSelector;
+  while (isConnected()) {
+    const auto receivedData = read(1);
+    if (receivedData && !receivedData->empty()) {
+      quorPrinterStatus->raw[0] = receivedData->front();
+      quorPrinterStatus->rawLength = 1;
+      logReceivedStatus(*quorPrinterStatus);
+      return true;
+    }
+    QUOR_LOG(ZKLogTypeProcess, 0, "receivedData: %p", receivedData ? &*receivedData : nullptr);
+    if (receivedData) {
+      QUOR_LOG(ZKLogTypeProcess, 0, "receivedData.length: %lu", receivedData->size());
+    }
+    if (wait.isOver()) {
+      QUOR_LOG(ZKLogTypeError, 0, "end.tv_sec - start.tv_sec > TIMEOUT_SEC, %ld, %ld, %d",
+               wait.end(), wait.start(), wait.limit());
+      return false;
+    }
+    usleep(replyPollMicroseconds);
+  }
+  QUOR_LOG(ZKLogTypeError, 0, "self.isConnected, %d", isConnected());
+  QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%p, %d", quorPrinterStatus, level);
+  throw PortException(lostConnection);
+}
+
+bool ExternalAccessoryPort::applyStatusByte(QuorPrinterStatus_2* quorPrinterStatus, StatusType type,
+                                            std::string_view name) {
+  constexpr auto selector = statusSelector;
+  if (BuildParsedStatusESCPOS(quorPrinterStatus, type) == 0) {
+    QUOR_LOG(ZKLogTypeError, 0, "Fail to BuildParsedStatusESCPOS(quorPrinterStatus, %@), %p, %d",
+             name, quorPrinterStatus, type);
+    return false;
+  }
+  return true;
+}
+
+void ExternalAccessoryPort::logReceivedStatus(const QuorPrinterStatus_2& status) {
+  constexpr auto selector = statusSelector;
+  QUOR_LOG(ZKLogTypeProcess, 0, "Receive Status, Length: %d, Raw: %@", status.rawLength,
+           LogWriter::createByteArrayDescription(status.raw, status.rawLength));
+}
+
+bool ExternalAccessoryPort::getOnlineStatus(bool* onlineStatus) {
+  constexpr auto selector = "-[ExternalAccessoryPort getOnlineStatus:]";
+  assert(onlineStatus != nullptr);
+  QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%p", onlineStatus);
+  const ByteBuffer escAckSohCommand(std::begin(escAckSoh), std::end(escAckSoh));
+  if (!writeWhole(escAckSohCommand)) {
+    QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:escAckSohCommand], %p, %p", this,
+             &escAckSohCommand);
+    QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%p, -> %d", onlineStatus, false);
+    return false;
+  }
+  QuorPrinterStatus_2 quorStatus = {};
+  if (!getParsedStatus(&quorStatus, 2)) {
+    QUOR_LOG(ZKLogTypeError, 0, "Fail to [self getParsedStatus:&quorStatus level:2], %p, %p, %d",
+             this, &quorStatus, 2);
+    *onlineStatus = false;
+    QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%p, -> %d", onlineStatus, false);
+    return false;
+  }
+  QUOR_LOG(ZKLogTypeProcess, 0, "quorStatus.offline: %d", quorStatus.offline);
+  *onlineStatus = quorStatus.offline == 0;
+  QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%p, -> %d", onlineStatus, true);
+  return true;
+}
+
+}  // namespace quordalvane

@@ -1,0 +1,221 @@
+// Bytes: one offer to the link, one look at it, and the retrying writer.
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <new>
+#include <span>
+
+#include "iphone-IOPort/ExternalAccessoryPort.h"
+#include "iphone-IOPort/LogStatement.h"
+#include "iphone-IOPort/LogWriter.h"
+#include "iphone-IOPort/Microseconds.h"
+#include "iphone-IOPort/WholeSeconds.h"
+
+namespace quordalvane {
+namespace {
+
+constexpr auto writeSelector = "-[ExternalAccessoryPort write:]";
+constexpr auto readSelector = "-[ExternalAccessoryPort read:]";
+constexpr std::size_t MAX_READ_SIZE = 128;
+
+// A port without a session has neither space nor bytes.
+bool hasSpaceAvailable(const std::shared_ptr<NSOutputStream>& stream) {
+  return stream != nullptr && stream->hasSpaceAvailable();
+}
+
+bool hasBytesAvailable(const std::shared_ptr<NSInputStream>& stream) {
+  return stream != nullptr && stream->hasBytesAvailable();
+}
+
+/// The count that a stream claims to have moved, held to what there is: a stream may claim
+/// anything.
+std::uint64_t movedBytes(std::int64_t claimed, std::size_t offered) {
+  return claimed < 0 ? 0 : std::min(static_cast<std::uint64_t>(claimed), std::uint64_t{offered});
+}
+
+/// Adds counts as 32-bit integers do that wrap.
+std::int32_t wrappingSum(std::int32_t a, std::int32_t b) {
+  return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) + static_cast<std::uint32_t>(b));
+}
+
+}  // namespace
+
+std::shared_ptr<NSInputStream> ExternalAccessoryPort::inputStream() const {
+  const auto session = _session.get();
+  return session == nullptr ? nullptr : session->inputStream();
+}
+
+std::shared_ptr<NSOutputStream> ExternalAccessoryPort::outputStream() const {
+  const auto session = _session.get();
+  return session == nullptr ? nullptr : session->outputStream();
+}
+
+void ExternalAccessoryPort::runSlice(NSStream* awaited, double seconds) {
+  auto& runLoop = platform_->currentRunLoop();
+  if (awaited == nullptr) {
+    runLoop.runUntilDate(seconds);
+  } else {
+    runLoop.runUntilDate(seconds, *awaited);
+  }
+}
+
+std::int32_t ExternalAccessoryPort::write(const ByteBuffer& data) {
+  constexpr auto selector = writeSelector;
+  QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@", LogWriter::createByteArrayDescription(data));
+  platform_->ignoreSigPipe();
+  const auto stream = outputStream();
+  if (!hasSpaceAvailable(stream)) {
+    QUOR_LOG(ZKLogTypeProcess, 0, "_session.outputStream.hasSpaceAvailable == NO, %d", 0);
+    runSlice(stream.get(), secInterval2());
+  }
+  std::uint32_t amountWritten = 0;
+  std::span<const std::uint8_t> tempData(data);
+  bool hasSpace = hasSpaceAvailable(stream);
+  while (hasSpace && !tempData.empty()) {
+    const auto bytesWritten = writeChunk(*stream, tempData);
+    if (!bytesWritten) {
+      QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%p, -> %d", &data, -1);
+      return -1;
+    }
+    amountWritten += static_cast<std::uint32_t>(*bytesWritten);
+    tempData = std::span(data).subspan(std::min<std::size_t>(amountWritten, data.size()));
+    hasSpace = hasSpaceAvailable(stream);
+  }
+  const auto result = static_cast<std::int32_t>(amountWritten);
+  QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%@, -> %d", data, result);
+  return result;
+}
+
+/// Offers the whole tail to the stream through a copy of its own. Returns the stream's count, or
+/// none when the write as a whole has failed; a negative count other than -1 is the stream's own
+/// business.
+std::optional<std::int64_t> ExternalAccessoryPort::writeChunk(
+    NSOutputStream& stream, std::span<const std::uint8_t> tempData) {
+  constexpr auto selector = writeSelector;
+  if (!isConnected()) {
+    QUOR_LOG(ZKLogTypeError, 0, "self.isConnected, %d", 0);
+    return std::nullopt;
+  }
+  const std::unique_ptr<std::uint8_t[]> writeBuffer(new (std::nothrow)
+                                                        std::uint8_t[tempData.size()]);
+  if (writeBuffer == nullptr) {
+    QUOR_LOG(ZKLogTypeError, 0, "writeBuffer == NULL, %p", nullptr);
+    return std::nullopt;
+  }
+  std::memcpy(writeBuffer.get(), tempData.data(), tempData.size());
+  const std::int64_t bytesWritten = stream.write(writeBuffer.get(), tempData.size());
+  if (bytesWritten == -1) {
+    QUOR_LOG(ZKLogTypeError, 0,
+             "Fail to [_session.outputStream write:writeBuffer maxLength:tempData.length], %p, %p, "
+             "%lu",
+             &stream, nullptr, tempData.size());
+    return std::nullopt;
+  }
+  QUOR_LOG(ZKLogTypeWrite, 0, "EAAccessory, size: %lu, command: %@", bytesWritten,
+           LogWriter::createByteArrayDescription(writeBuffer.get(),
+                                                 movedBytes(bytesWritten, tempData.size())));
+  return bytesWritten;
+}
+
+std::optional<ByteBuffer> ExternalAccessoryPort::read(std::size_t bytesToRead) {
+  constexpr auto selector = readSelector;
+  QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%lu", bytesToRead);
+  if (!isConnected()) {
+    QUOR_LOG(ZKLogTypeError, 0, "self.isConnected, %d", 0);
+    QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%lu, -> %p", bytesToRead, nullptr);
+    return std::nullopt;
+  }
+  const auto stream = inputStream();
+  if (!hasBytesAvailable(stream)) {
+    // The writer's text, output stream and all: those who read these logs know it so.
+    QUOR_LOG(ZKLogTypeProcess, 0, "_session.outputStream.hasSpaceAvailable == NO, %d",
+             hasSpaceAvailable(outputStream()));
+    runSlice(stream.get(), 0.1);
+  }
+  ByteBuffer recvBuffer;
+  bool hasBytes = hasBytesAvailable(stream);
+  while (hasBytes && recvBuffer.size() < bytesToRead) {
+    if (!readChunk(*stream, recvBuffer, bytesToRead)) {
+      QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%lu, -> %p", bytesToRead, nullptr);
+      return std::nullopt;
+    }
+    hasBytes = hasBytesAvailable(stream);
+  }
+  QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%lu, -> %@", bytesToRead,
+           LogWriter::createByteArrayDescription(recvBuffer));
+  return recvBuffer;
+}
+
+/// Appends what one stream call brings. False when the read as a whole has failed.
+bool ExternalAccessoryPort::readChunk(NSInputStream& stream, ByteBuffer& recvBuffer,
+                                      std::size_t bytesToRead) {
+  constexpr auto selector = readSelector;
+  if (!isConnected()) {
+    QUOR_LOG(ZKLogTypeError, 0, "self.isConnected, %d", 0);
+    return false;
+  }
+  std::array<std::uint8_t, MAX_READ_SIZE> buf;
+  const std::size_t recvSize = std::min(MAX_READ_SIZE, bytesToRead - recvBuffer.size());
+  const std::int64_t readSize = stream.read(buf.data(), recvSize);
+  if (readSize < 0) {
+    QUOR_LOG(ZKLogTypeError, 0,
+             "Fail to [_session.inputStream read:buf maxLength:recvSize], %p, %p, %lu", &stream,
+             buf.data(), recvSize);
+    return false;
+  }
+  const auto received = movedBytes(readSize, recvSize);
+  QUOR_LOG(ZKLogTypeRead, 0, "EAAccessory, size: %lu, command: %@", readSize,
+           LogWriter::createByteArrayDescription(buf.data(), received));
+  recvBuffer.insert(recvBuffer.end(), buf.begin(),
+                    buf.begin() + static_cast<std::ptrdiff_t>(received));
+  return true;
+}
+
+std::int32_t ExternalAccessoryPort::writeWithRetry(const ByteBuffer& givenCommand) {
+  constexpr auto selector = "-[ExternalAccessoryPort writeWithRetry:]";
+  QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%p", &givenCommand);
+  WholeSecondsWait wait(platform_->clock(), timeout_);
+  const ByteBuffer* command = &givenCommand;
+  ByteBuffer tail;
+  std::int32_t amountWritten = 0;
+  while (isConnected()) {
+    const std::int32_t writtenSize = write(*command);
+    if (writtenSize == -1) {
+      QUOR_LOG(ZKLogTypeError, 0, "Fail to [self write:command]: %p, %p", this, command);
+      QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%p, -> %d", command, -1);
+      return -1;
+    }
+    amountWritten = wrappingSum(amountWritten, writtenSize);
+    const auto length = static_cast<std::int32_t>(command->size());
+    if (amountWritten == length) {
+      QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%p, -> %d", command, amountWritten);
+      return amountWritten;
+    }
+    if (amountWritten < length) {
+      if (wait.isOver()) {
+        QUOR_LOG(ZKLogTypeError, 0, "end.tv_sec - start.tv_sec > timeoutSec, %ld, %ld, %d",
+                 wait.end(), wait.start(), wait.limit());
+        QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%p, -> %d", command, -1);
+        return -1;
+      }
+      usleep(microseconds(secInterval1()));
+      // The total is the offset into the narrowed command: kept as it is, see the declaration.
+      tail = ByteBuffer(command->begin() + std::max(amountWritten, 0), command->end());
+      command = &tail;
+    }
+  }
+  QUOR_LOG(ZKLogTypeError, 0, "self.isConnected: %d", 0);
+  QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%p, -> %d", command, -1);
+  return -1;
+}
+
+void ExternalAccessoryPort::usleep(std::int32_t microseconds) {
+  platform_->clock().usleep(static_cast<std::uint64_t>(microseconds));
+}
+
+bool ExternalAccessoryPort::writeWhole(const ByteBuffer& command) {
+  return writeWithRetry(command) >= static_cast<std::int32_t>(command.size());
+}
+
+}  // namespace quordalvane

@@ -1,0 +1,53 @@
+#include "iphone-IOPort/Util.h"
+
+#include <cstddef>
+
+#include "platform/EAAccessory.h"
+
+namespace quordalvane {
+namespace {
+
+constexpr std::size_t kAddressLength = 17;  // "01:23:45:67:89:AB"
+
+bool isHexDigit(char c) {
+  return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
+
+bool isAddress(std::string_view text) {
+  for (std::size_t i = 0; i < kAddressLength; ++i) {
+    const bool fits = i % 3 == 2 ? text[i] == ':' : isHexDigit(text[i]);
+    if (!fits) {
+      return false;
+    }
+  }
+  return true;
+}
+
+}  // namespace
+
+bool Util::isUsbDevice(std::string_view modelNumber) {
+  return modelNumber.ends_with("-U");
+}
+
+std::string Util::getMACAddressFromString(std::string_view text) {
+  for (std::size_t i = 0; i + kAddressLength <= text.size(); ++i) {
+    const std::size_t end = i + kAddressLength;
+    const bool startsInside = i > 0 && isHexDigit(text[i - 1]);
+    const bool goesOn = end < text.size() && isHexDigit(text[end]);
+    if (!startsInside && !goesOn && isAddress(text.substr(i, kAddressLength))) {
+      return std::string(text.substr(i, kAddressLength));
+    }
+  }
+  return "";
+}
+
+bool Util::isSet(EAAccessoryManager& manager) {
+  return manager.readsAddresses();
+}
+
+std::string Util::getMACAddressFromSpecifiedMethod(EAAccessoryManager& manager,
+                                                   EAAccessory& accessory) {
+  return manager.addressOf(accessory);
+}
+
+}  // namespace quordalvane

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+
+#include "platform/Clock.h"
+
+namespace quordalvane {
+
+/// A wait that is limited in whole seconds of the wall clock. The clock may be stepped at any time:
+/// the difference is signed and 64 bits wide, so that a step back only makes the wait longer.
+class WholeSecondsWait {
+ public:
+  WholeSecondsWait(Clock& clock, std::uint32_t timeoutMillis)
+      : clock_(clock),
+        limit_(static_cast<std::int32_t>(timeoutMillis / 1000)),
+        start_(clock.gettimeofday().tv_sec) {}
+
+  /// Takes a new reading. True once the seconds have moved on by more than the limit.
+  bool isOver() { return isOver(limit_); }
+  bool isOver(std::int32_t limit) {
+    end_ = clock_.gettimeofday().tv_sec;
+    return end_ - start_ > limit;
+  }
+
+  void restart() { start_ = clock_.gettimeofday().tv_sec; }
+
+  std::int64_t start() const { return start_; }
+  std::int64_t end() const { return end_; }  ///< the last reading of `isOver`
+  std::int32_t limit() const { return limit_; }
+
+ private:
+  Clock& clock_;
+  const std::int32_t limit_;
+  std::int64_t start_;
+  std::int64_t end_ = 0;
+};
+
+}  // namespace quordalvane

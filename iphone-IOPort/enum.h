@@ -1,0 +1,14 @@
+#pragma once
+
+#include <cstdint>
+
+namespace quordalvane {
+
+/// The command system that a port speaks with its printer.
+enum ZKEmulation : std::int32_t {
+  ZKEmulationUnknown = 0,
+  ZKEmulationQuorLine = 1,  ///< the maker's line mode
+  ZKEmulationESCPOS = 2,
+};
+
+}  // namespace quordalvane

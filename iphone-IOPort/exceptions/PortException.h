@@ -1,0 +1,24 @@
+#pragma once
+
+#include <exception>
+#include <string>
+#include <utility>
+
+namespace quordalvane {
+
+/// Raised where an exchange with the printer must be abandoned. It carries no user information.
+class PortException : public std::exception {
+ public:
+  explicit PortException(std::string reason) : reason_(std::move(reason)) {}
+
+  const char* name() const noexcept { return "PortException"; }
+  const std::string& reason() const noexcept { return reason_; }
+
+  /// The reason.
+  const char* what() const noexcept override { return reason_.c_str(); }
+
+ private:
+  std::string reason_;
+};
+
+}  // namespace quordalvane
