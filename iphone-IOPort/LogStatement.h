@@ -1,0 +1,211 @@
+#pragma once
+
+#include <array>
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "iphone-IOPort/LogWriter.h"
+
+/// One log statement in a method of an object. The method names itself by a constant `selector`, as
+/// in
+///     constexpr const char* selector = "-[ExternalAccessoryPort write:]";
+///     QUOR_LOG(ZKLogTypeRead, 0, "%lu, -> %@", size, data);
+///
+/// Unless logging is on and the level wanted, nothing else is evaluated. Otherwise the address of
+/// the object is built, then the message, outside of every lock, so that an argument may itself
+/// log.
+///
+/// The conversions of the format, which are checked against the arguments when the program is
+/// compiled:
+///     %d   integer, bool or enumeration: its low 32 bits, signed; a bool is 1 or 0
+///     %u   likewise, unsigned
+///     %ld  likewise, all 64 bits, signed
+///     %lu  likewise, unsigned
+///     %f   floating-point number with six decimals and a full stop, whatever the locale
+///     %p   raw or smart pointer: 0x and lower-case hexadecimal digits; none is 0x0
+///     %@   string, "(null)" for none: std::string, a view, a C string, an optional of them;
+///          list of strings: "(one, two)"; byte buffer or optional one: "<1b 06>"; nullptr: none
+///     %%   a per cent sign
+/// A per cent sign inside of an argument is text.
+#define QUOR_LOG(logType, logLevel, ...)                                                 \
+  do {                                                                                   \
+    if (::quordalvane::LogWriter::isLogging() &&                                         \
+        ::quordalvane::LogWriter::isTargetLogLevel(logLevel)) {                          \
+      ::quordalvane::LogStatement(logType, logLevel, this, __FILE__, __LINE__, selector) \
+          .write(::quordalvane::formatMessage(__VA_ARGS__));                             \
+    }                                                                                    \
+  } while (false)
+
+namespace quordalvane {
+
+/// A text, a list of texts or a byte buffer, or none.
+using LogText = std::variant<std::monostate, std::string_view, std::span<const std::string>,
+                             std::span<const std::uint8_t>>;
+
+/// An argument of a message while its statement runs; it refers to what the caller owns. An integer
+/// is its 64 bits. A C string, or nullptr, is its address, of which %p follows nothing.
+using LogArgument = std::variant<std::uint64_t, double, const void*, const char*, LogText>;
+
+/// Which alternative of LogArgument an argument becomes.
+namespace log_argument {
+
+inline LogText refer(std::string_view text) {
+  return text;
+}
+inline LogText refer(std::span<const std::string> texts) {
+  return texts;
+}
+inline LogText refer(std::span<const std::uint8_t> bytes) {
+  return bytes;
+}
+inline const char* refer(const char* text) {
+  return text;
+}
+inline const char* refer(std::nullptr_t) {
+  return nullptr;
+}
+inline const void* refer(const void* address) {
+  return address;
+}
+double refer(std::floating_point auto value) {
+  return static_cast<double>(value);
+}
+std::uint64_t refer(std::integral auto value) {
+  return static_cast<std::uint64_t>(value);
+}
+
+template <typename Enumeration>
+requires std::is_enum_v<Enumeration> std::uint64_t refer(Enumeration value) {
+  return static_cast<std::uint64_t>(static_cast<std::underlying_type_t<Enumeration>>(value));
+}
+
+template <typename Pointer>
+requires requires(const Pointer& pointer) {
+  { pointer.get() } -> std::convertible_to<const void*>;
+}
+const void* refer(const Pointer& pointer) {
+  return pointer.get();
+}
+
+template <typename Value>
+LogText refer(const std::optional<Value>& value) {
+  return value ? LogText(refer(*value)) : LogText();
+}
+
+template <typename Argument>
+using Referred = decltype(refer(std::declval<const Argument&>()));
+
+}  // namespace log_argument
+
+/// The text of a format up to its next conversion, that conversion's letters, and what follows.
+/// A format's last piece is text alone.
+struct LogFormatPiece {
+  std::string_view text;
+  bool isLast;
+  std::string_view conversion;
+  std::string_view rest;
+};
+
+constexpr LogFormatPiece nextPiece(std::string_view format) {
+  const std::size_t sign = format.find('%');
+  if (sign == std::string_view::npos) {
+    return {.text = format, .isLast = true, .conversion = {}, .rest = {}};
+  }
+  const std::string_view behind = format.substr(sign + 1);
+  const std::string_view conversion = behind.substr(0, behind.starts_with('l') ? 2 : 1);
+  return {.text = format.substr(0, sign),
+          .isLast = false,
+          .conversion = conversion,
+          .rest = behind.substr(conversion.size())};
+}
+
+template <typename Argument>
+constexpr bool fitsConversion(std::string_view conversion) {
+  using Referred = log_argument::Referred<Argument>;
+  if (conversion == "d" || conversion == "u" || conversion == "ld" || conversion == "lu") {
+    return std::is_same_v<Referred, std::uint64_t>;
+  }
+  if (conversion == "f") {
+    return std::is_same_v<Referred, double>;
+  }
+  if (conversion == "p") {
+    return std::is_same_v<Referred, const void*> || std::is_same_v<Referred, const char*>;
+  }
+  return conversion == "@" &&
+         (std::is_same_v<Referred, LogText> || std::is_same_v<Referred, const char*>);
+}
+
+/// Whether the format has known conversions alone, one for each argument, that fit the arguments.
+template <typename... Arguments>
+constexpr bool fitsFormat(std::string_view format) {
+  constexpr std::array<bool (*)(std::string_view), sizeof...(Arguments)> fits{
+      &fitsConversion<Arguments>...};
+  std::size_t used = 0;
+  for (LogFormatPiece piece = nextPiece(format); !piece.isLast; piece = nextPiece(piece.rest)) {
+    if (piece.conversion == "%") {
+      continue;
+    }
+    if (used == fits.size() || !fits[used](piece.conversion)) {
+      return false;
+    }
+    ++used;
+  }
+  return used == fits.size();
+}
+
+/// A format that was found to fit its arguments when the program was compiled.
+template <typename... Arguments>
+class LogFormat {
+ public:
+  consteval LogFormat(const char* text) : text_(text) {
+    if (!fitsFormat<Arguments...>(text_)) {
+      throw "the conversions of this format do not fit its arguments";
+    }
+  }
+
+  constexpr std::string_view text() const { return text_; }
+
+ private:
+  std::string_view text_;
+};
+
+/// The message of `format`, which fits `arguments`.
+std::string buildMessage(std::string_view format, std::span<const LogArgument> arguments);
+
+template <typename... Arguments>
+std::string formatMessage(LogFormat<std::type_identity_t<Arguments>...> format,
+                          const Arguments&... arguments) {
+  const std::array<LogArgument, sizeof...(Arguments)> referred{
+      LogArgument(log_argument::refer(arguments))...};
+  return buildMessage(format.text(), referred);
+}
+
+/// A record that lacks its message yet: made first, so that the message is built last.
+class LogStatement {
+ public:
+  LogStatement(ZKLogType type, std::int32_t level, const void* object, const char* file,
+               std::int64_t line, const char* method);
+
+  /// Hands the record with `message` to the logger.
+  void write(std::string message) &&;
+
+ private:
+  ZKLogType type_;
+  std::int32_t level_;
+  LogWriter& writer_;
+  std::string object_;
+  const char* file_;
+  std::int64_t line_;
+  const char* method_;
+};
+
+}  // namespace quordalvane

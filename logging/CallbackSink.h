@@ -1,0 +1,28 @@
+#pragma once
+
+#include <functional>
+
+#include "logging/LogSink.h"
+
+namespace quordalvane {
+
+/// Calls a function of the application for every record.
+class CallbackSink : public LogSink {
+ public:
+  /// The function runs on the writer thread. It may log, and may throw: that costs it nothing but
+  /// the one report that every failing sink gets. In the records that it sees, control characters
+  /// of the object and the message are escaped and invalid bytes replaced, as by appendPrintable.
+  using Callback = std::function<void(const LogRecord&)>;
+
+  explicit CallbackSink(Callback callback) : callback_(std::move(callback)) {}
+
+  /// Calls the function for every record, also after it has thrown; raises its first exception.
+  void write(std::span<const LogRecord> records) override;
+
+ private:
+  void call(const LogRecord& record);
+
+  Callback callback_;
+};
+
+}  // namespace quordalvane

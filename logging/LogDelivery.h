@@ -1,0 +1,82 @@
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <cstddef>
+#include <memory>
+#include <mutex>
+#include <span>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "logging/LogQueue.h"
+#include "logging/LogSink.h"
+
+namespace quordalvane {
+
+/// Carries records from any thread to the sinks, on a writer thread of its own that starts with the
+/// first sink. A child process made by fork has no such thread: it delivers nothing.
+///
+/// All members may be called from any thread at once, and from a sink.
+class LogDelivery {
+ public:
+  static constexpr std::chrono::milliseconds kFlushTime{2000};
+
+  LogDelivery() = default;
+
+  /// Gives the sinks what still waits and ends the writer thread; waits for a sink as long as it
+  /// takes. Nobody may use the delivery meanwhile, but a sink that logs: those records are dropped.
+  ~LogDelivery();
+
+  LogDelivery(const LogDelivery&) = delete;
+  LogDelivery& operator=(const LogDelivery&) = delete;
+
+  /// Queues the record and returns without waiting for a sink. When the queue is full the record is
+  /// dropped: the sinks are told how many were, by a record of type Error in the place where they
+  /// are missing. Until the first sink is added records are discarded.
+  void handOver(LogRecord&& record) noexcept { queue_.push(std::move(record)); }
+
+  /// Gives `sink`, never null and shared from now on, every record that is handed over hereafter,
+  /// and those that still wait. Throws std::system_error when the writer thread cannot be started;
+  /// nothing has changed then.
+  void addSink(std::shared_ptr<LogSink> sink);
+
+  /// Takes the sink away; one that was never added is ignored. Does not wait: records being
+  /// delivered at this moment may still reach it. Once a flush has returned true it is called no
+  /// more, and the delivery's share in it is released.
+  void removeSink(const std::shared_ptr<LogSink>& sink);
+
+  /// How many records may wait for the sinks; 8,192 at first. Those that the sinks are being given
+  /// count no more. Throws std::invalid_argument for zero.
+  void setQueueCapacity(std::size_t records);
+
+  /// Waits until the sinks have been given every record queued so far, or until `timeout` has
+  /// passed, as it does when a sink hangs. True when they have. Zero asks without waiting. A sink
+  /// that calls it has false at once when anything is left, since it would wait for itself.
+  bool flush(std::chrono::milliseconds timeout = kFlushTime);
+
+  /// How many records were handed over, and how many of them were dropped.
+  LogQueue::Counts counts() const { return queue_.counts(); }
+
+ private:
+  /// A sink and whether its failing was reported, which the writer thread alone reads and sets.
+  struct AttachedSink {
+    std::shared_ptr<LogSink> sink;
+    bool failureReported = false;
+  };
+  using AttachedSinks = std::vector<std::shared_ptr<AttachedSink>>;
+
+  void runWriter();
+  AttachedSinks attachedSinks() const;
+  static void give(AttachedSink& attached, std::span<const LogRecord> records);
+
+  LogQueue queue_;
+
+  mutable std::mutex sinksMutex_;  // guards sinks_ and writer_; never held while a sink is called
+  AttachedSinks sinks_;
+  std::thread writer_;
+  std::atomic<std::thread::id> writerId_;
+};
+
+}  // namespace quordalvane

@@ -1,0 +1,95 @@
+#include "logging/LogQueue.h"
+
+#include <stdexcept>
+#include <utility>
+
+namespace quordalvane {
+
+bool LogQueue::isFull() const noexcept {
+  return pending_.records.size() >= capacity_ || pendingText_ >= kTextLimit || pending_.dropped > 0;
+}
+
+void LogQueue::push(LogRecord&& record) noexcept {
+  bool wasEmpty = false;
+  {
+    const std::lock_guard lock(mutex_);
+    ++counts_.handedOver;
+    if (!open_) {
+      return;
+    }
+    if (isFull()) {
+      if (pending_.dropped++ == 0) {
+        pending_.firstDropTime = record.time;
+      }
+      ++counts_.dropped;
+      return;
+    }
+    ++queuedRecords_;
+    wasEmpty = pending_.records.empty();
+    pendingText_ += record.message.size();
+    pending_.records.push_back(std::move(record));
+  }
+  // The writer looks again before it sleeps, and a wake-up costs more than a record.
+  if (wasEmpty) {
+    filled_.notify_one();
+  }
+}
+
+void LogQueue::setCapacity(std::size_t records) {
+  if (records == 0) {
+    throw std::invalid_argument("a log queue holds at least one record");
+  }
+  const std::lock_guard lock(mutex_);
+  if (open_) {
+    pending_.records.reserve(records);
+  }
+  capacity_ = records;
+}
+
+void LogQueue::open() {
+  const std::lock_guard lock(mutex_);
+  pending_.records.reserve(capacity_);
+  open_ = true;
+}
+
+void LogQueue::close() noexcept {
+  {
+    const std::lock_guard lock(mutex_);
+    open_ = false;
+  }
+  filled_.notify_one();
+}
+
+bool LogQueue::take(Batch& batch) {
+  std::unique_lock lock(mutex_);
+  filled_.wait(lock, [this] { return !pending_.records.empty() || !open_; });
+  if (pending_.records.empty()) {
+    return false;
+  }
+  batch.records.reserve(capacity_);  // allocates after a change of capacity only
+  std::swap(batch, pending_);
+  pending_.dropped = 0;
+  pendingText_ = 0;
+  return true;
+}
+
+void LogQueue::finish(std::size_t records) {
+  {
+    const std::lock_guard lock(mutex_);
+    finishedRecords_ += records;
+  }
+  finished_.notify_all();
+}
+
+bool LogQueue::waitUntilFinished(std::chrono::milliseconds timeout) {
+  std::unique_lock lock(mutex_);
+  const std::uint64_t queued = queuedRecords_;
+  return finished_.wait_for(lock, timeout, [&] { return finishedRecords_ >= queued; });
+}
+
+LogQueue::Counts LogQueue::counts() const {
+  const std::lock_guard lock(mutex_);
+  return counts_;
+}
+
+}  // namespace quordalvane

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <mutex>
+#include <vector>
+
+#include "logging/LogRecord.h"
+
+namespace quordalvane {
+
+/// The bounded queue between the threads that log and the one that writes. The lock is only ever
+/// held to move a record in or to swap all of them out, so no thread waits for a sink in `push`.
+/// All members may be called from any thread, `take` and `finish` by the writer alone.
+class LogQueue {
+ public:
+  /// What the writer takes at once: records in stream order, and how many were dropped after the
+  /// last of them and before the next batch, the first of these at `firstDropTime`. Records were
+  /// dropped only where some were queued.
+  struct Batch {
+    std::vector<LogRecord> records;
+    std::uint64_t dropped = 0;
+    std::chrono::system_clock::time_point firstDropTime;
+  };
+
+  struct Counts {
+    std::uint64_t handedOver = 0;
+    std::uint64_t dropped = 0;
+  };
+
+  static constexpr std::size_t kDefaultCapacity = 8192;
+
+  /// The messages that wait may hold this many bytes together before the queue counts as full,
+  /// however few they are: dumps of print data are long.
+  static constexpr std::size_t kTextLimit = std::size_t{64} << 20U;
+
+  /// Queues the record, or drops it when the queue is full. A full queue stays full until the
+  /// writer takes it, so that all drops of a batch lie in one place of the stream. A queue that is
+  /// not open discards the record, which is no drop: there is nobody to miss it.
+  void push(LogRecord&& record) noexcept;
+
+  /// How many records may wait; those that the writer has taken count no more. When more wait
+  /// already they stay, and the queue is full. Throws std::invalid_argument for zero.
+  void setCapacity(std::size_t records);
+
+  /// From `open` to `close` the queue takes records. It begins closed, and holds no memory until it
+  /// is opened. Opening an open queue changes nothing.
+  void open();
+  void close() noexcept;
+
+  /// Waits for records and swaps them for the empty `batch`. False, at once, when the queue is
+  /// closed and nothing waits.
+  bool take(Batch& batch);
+
+  /// Says that the sinks have been given `records` more of the records taken.
+  void finish(std::size_t records);
+
+  /// Waits until every record queued so far is finished; false when that takes longer than
+  /// `timeout`. Zero asks without waiting.
+  bool waitUntilFinished(std::chrono::milliseconds timeout);
+
+  Counts counts() const;
+
+ private:
+  bool isFull() const noexcept;
+
+  mutable std::mutex mutex_;  // guards everything below
+  std::condition_variable filled_;
+  std::condition_variable finished_;
+  Batch pending_;
+  std::size_t pendingText_ = 0;
+  std::size_t capacity_ = kDefaultCapacity;
+  Counts counts_;
+  std::uint64_t queuedRecords_ = 0;
+  std::uint64_t finishedRecords_ = 0;
+  bool open_ = false;
+};
+
+}  // namespace quordalvane

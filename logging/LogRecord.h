@@ -1,0 +1,43 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace quordalvane {
+
+/// The kind of a log record.
+enum ZKLogType : std::int32_t {
+  ZKLogTypeQuorIOAPIStart = 0,
+  ZKLogTypeQuorIOAPIEnd = 1,
+  ZKLogTypeInternalMethodStart = 2,
+  ZKLogTypeInternalMethodEnd = 3,
+  ZKLogTypeWrite = 4,
+  ZKLogTypeRead = 5,
+  ZKLogTypeProcess = 6,
+  ZKLogTypeError = 7,
+};
+
+/// The enumerator's name without its prefix, as in "InternalMethodStart"; "Unknown" for any other
+/// value.
+std::string_view logTypeName(ZKLogType type) noexcept;
+
+/// The system's id of the calling thread.
+std::int32_t currentThreadId() noexcept;
+
+/// One record on its way from the thread that logs to the sinks. `file` and `method` are not
+/// copied: they are never null and outlive the process's logging, as the texts of a program do.
+struct LogRecord {
+  std::chrono::system_clock::time_point time;
+  std::int32_t thread;  // of the thread that logged, see currentThreadId
+  ZKLogType type;
+  std::int32_t level;
+  std::int64_t line;
+  const char* file;
+  const char* method;
+  std::string object;
+  std::string message;
+};
+
+}  // namespace quordalvane

@@ -1,0 +1,158 @@
+#include "logging/PrintableText.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+namespace quordalvane {
+namespace {
+
+enum class Quoting { none, json };
+
+constexpr std::string_view kReplacement = "\xEF\xBF\xBD";  // U+FFFD
+
+/// Which bytes stand for themselves, one table for each quoting.
+template <Quoting quoting>
+constexpr std::array<bool, 256> kPlain = [] {
+  std::array<bool, 256> plain{};
+  for (std::size_t byte = 0x20; byte < 0x7F; ++byte) {
+    plain[byte] = quoting == Quoting::none || (byte != '"' && byte != '\\');
+  }
+  return plain;
+}();
+
+template <Quoting quoting>
+std::size_t plainLength(std::string_view text) noexcept {
+  std::size_t length = 0;
+  while (length < text.size() && kPlain<quoting>[static_cast<unsigned char>(text[length])]) {
+    ++length;
+  }
+  return length;
+}
+
+/// The first character of a text: its code point and its length in bytes, 0 when it is not valid.
+struct Character {
+  std::uint32_t codePoint;
+  std::size_t length;
+};
+
+constexpr Character kInvalid{0, 0};
+
+/// Reads a character of `length` bytes whose first byte carries the bits `lead`; `smallest` tells
+/// an overlong form.
+Character continuedCharacter(std::string_view text, std::uint32_t lead, std::size_t length,
+                             std::uint32_t smallest) noexcept {
+  if (text.size() < length) {
+    return kInvalid;
+  }
+  std::uint32_t codePoint = lead;
+  for (const char next : text.substr(1, length - 1)) {
+    const auto byte = static_cast<unsigned char>(next);
+    if ((byte & 0xC0U) != 0x80U) {
+      return kInvalid;
+    }
+    codePoint = codePoint << 6U | (byte & 0x3FU);
+  }
+  const bool isSurrogate = codePoint >= 0xD800 && codePoint <= 0xDFFF;
+  return codePoint < smallest || codePoint > 0x10FFFF || isSurrogate ? kInvalid
+                                                                     : Character{codePoint, length};
+}
+
+Character firstCharacter(std::string_view text) noexcept {
+  const auto lead = static_cast<unsigned char>(text.front());
+  if (lead < 0x80) {
+    return {lead, 1};
+  }
+  if ((lead & 0xE0U) == 0xC0) {
+    return continuedCharacter(text, lead & 0x1FU, 2, 0x80);
+  }
+  if ((lead & 0xF0U) == 0xE0) {
+    return continuedCharacter(text, lead & 0x0FU, 3, 0x800);
+  }
+  if ((lead & 0xF8U) == 0xF0) {
+    return continuedCharacter(text, lead & 0x07U, 4, 0x10000);
+  }
+  return kInvalid;
+}
+
+bool isControl(std::uint32_t codePoint) noexcept {
+  return codePoint < 0x20 || (codePoint >= 0x7F && codePoint < 0xA0);
+}
+
+void appendControl(std::string& out, std::uint32_t codePoint) {
+  switch (codePoint) {
+    case '\n':
+      out += "\\n";
+      return;
+    case '\r':
+      out += "\\r";
+      return;
+    case '\t':
+      out += "\\t";
+      return;
+    default:
+      constexpr std::string_view digits = "0123456789abcdef";
+      out += "\\u00";
+      out += digits[codePoint >> 4U];
+      out += digits[codePoint & 0xFU];
+  }
+}
+
+/// Appends the character that stopped a plain run; returns how many bytes of the text it was.
+std::size_t appendSpecial(std::string& out, std::string_view text) {
+  const Character character = firstCharacter(text);
+  if (character.length == 0) {
+    out += kReplacement;
+    return 1;
+  }
+  if (isControl(character.codePoint)) {
+    appendControl(out, character.codePoint);
+  } else if (character.length > 1) {
+    out += text.substr(0, character.length);
+  } else {  // a quotation mark or a backslash
+    out += '\\';
+    out += text.front();
+  }
+  return character.length;
+}
+
+template <Quoting quoting>
+void append(std::string& out, std::string_view text) {
+  while (true) {
+    const std::size_t plain = plainLength<quoting>(text);
+    out += text.substr(0, plain);
+    text.remove_prefix(plain);
+    if (text.empty()) {
+      return;
+    }
+    text.remove_prefix(appendSpecial(out, text));
+  }
+}
+
+}  // namespace
+
+void appendPrintable(std::string& out, std::string_view text) {
+  append<Quoting::none>(out, text);
+}
+
+void appendJsonString(std::string& out, std::string_view text) {
+  out += '"';
+  append<Quoting::json>(out, text);
+  out += '"';
+}
+
+bool isPrintable(std::string_view text) noexcept {
+  while (true) {
+    text.remove_prefix(plainLength<Quoting::none>(text));
+    if (text.empty()) {
+      return true;
+    }
+    const Character character = firstCharacter(text);
+    if (character.length == 0 || isControl(character.codePoint)) {
+      return false;
+    }
+    text.remove_prefix(character.length);
+  }
+}
+
+}  // namespace quordalvane

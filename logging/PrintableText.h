@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace quordalvane {
+
+// Text from printers and ports may hold anything. Both functions append it as valid UTF-8 without
+// any control character: each becomes an escape (\n, \r, \t, else \u and four hexadecimal digits),
+// DEL and U+0080 to U+009F included, and each byte that belongs to no valid character becomes
+// U+FFFD.
+
+/// For people: nothing else is changed.
+void appendPrintable(std::string& out, std::string_view text);
+
+/// For JSON: a string with its quotation marks, from which a reader gets back all valid text
+/// exactly.
+void appendJsonString(std::string& out, std::string_view text);
+
+/// Whether appendPrintable would change nothing.
+bool isPrintable(std::string_view text) noexcept;
+
+}  // namespace quordalvane

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+
+#include "logging/LogSink.h"
+
+namespace quordalvane {
+
+/// Writes records to the process's standard error, one readable line each.
+class StandardErrorSink : public LogSink {
+ public:
+  /// Throws std::system_error when standard error takes no more; the rest of the records is lost
+  /// then.
+  void write(std::span<const LogRecord> records) override;
+
+ private:
+  void writeOut();
+
+  std::string lines_;
+};
+
+}  // namespace quordalvane
