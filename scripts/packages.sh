@@ -7,7 +7,7 @@ build_packages=(cmake ninja-build g++ pkg-config libgtest-dev libgmock-dev libcl
 drawing_packages=(fonts-dejavu-core)
 test_packages=(python3)
 check_packages=(clang-format clang-tidy python3)
-fuzz_packages=(clang)
+fuzz_packages=(clang libclang-rt-dev)
 
 # need_packages NAME …: returns when all are there. Where some are missing, root gets them installed;
 # anybody else is told the command and the script ends.

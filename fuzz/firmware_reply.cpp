@@ -1,0 +1,23 @@
+#include "fuzz/ReplyPlace.h"
+#include "parsers/ReplyParsers.h"
+
+using namespace quordalvane;
+using fuzz::require;
+
+/// A text that is found is a whole one, and the first.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const fuzz::Bytes bytes(data, data + size);
+  const auto place = fuzz::placeIn(parseFirmwareInfo, bytes);
+  fuzz::requireSteady(parseFirmwareInfo, bytes, place);
+  if (!place) {
+    return 0;
+  }
+  require(place->length >= 1 && place->length <= 64);
+  const auto text = bytes.begin() + place->location;
+  const auto end = text + place->length;
+  require(std::all_of(text, end, [](auto byte) { return byte >= ' ' && byte <= '~'; }));
+  require(place->location >= 3 && text[-3] == 0x1b && text[-2] == '#' && text[-1] == '*');
+  require(bytes.end() - end >= 2 && end[0] == 0x0a && end[1] == 0x00);
+  require(!fuzz::placeIn(parseFirmwareInfo, fuzz::Bytes(bytes.begin(), end + 1)));
+  return 0;
+}
