@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <span>
+
+#include "backends/ReplyExpectation.h"
+#include "platform/Clock.h"
+#include "simulator/PrinterLink.h"
+
+namespace quordalvane::virtuals {
+
+/// The printer that an accessory stands for. All that touches the printer or a link to it holds the
+/// mutex.
+struct PrinterInside {
+  std::mutex mutex;
+  std::unique_ptr<simulator::VirtualPrinter> printer;
+};
+
+/// One connection to a printer in this process, shared by a session, its streams and its accessory.
+/// The printer lives by `clock`: whoever calls lets it work up to now. All calls may be made from
+/// any thread.
+class VirtualLink {
+ public:
+  VirtualLink(std::shared_ptr<PrinterInside> inside, Clock& clock);
+  ~VirtualLink();
+  VirtualLink(const VirtualLink&) = delete;
+  VirtualLink& operator=(const VirtualLink&) = delete;
+
+  bool connected();
+  bool hasSpace();
+  bool hasBytes();
+  std::int64_t write(std::span<const std::uint8_t> bytes);
+  std::int64_t read(std::span<std::uint8_t> bytes);
+
+  /// Ends the connection; there are no bytes and no space any more.
+  void close();
+
+  /// Wait for at most `seconds` until there are bytes or space, or the link is lost.
+  void waitForBytes(double seconds);
+  void waitForSpace(double seconds);
+
+ private:
+  enum class Awaited { Bytes, Space };
+  void wait(Awaited awaited, double seconds);
+  bool isReady(Awaited awaited);
+
+  const std::shared_ptr<PrinterInside> inside_;
+  Clock& clock_;
+  std::unique_ptr<simulator::PrinterLink> link_;  // null once closed
+  ReplyExpectation expectation_;
+};
+
+}  // namespace quordalvane::virtuals
