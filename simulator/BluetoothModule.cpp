@@ -1,0 +1,103 @@
+#include "simulator/BluetoothModule.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace quordalvane::simulator {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr Instant kGuardTime = 1s;
+constexpr Instant kTimeToDrop = 300ms;
+constexpr std::uint8_t kEscape = 0x2f;
+constexpr std::size_t kEscapeLength = 3;
+
+// Longer than any command it knows: of more than this it only needs to know that it was too much.
+constexpr std::size_t kLongestCommand = 64;
+
+}  // namespace
+
+BluetoothModule::BluetoothModule(std::string address, Outlets outlets, Instant now)
+    : address_(std::move(address)), outlets_(std::move(outlets)), lastReceived_(now) {}
+
+void BluetoothModule::receive(Bytes bytes, Instant now) {
+  if (bytes.empty())
+    return;
+  advance(now);
+  if (commandMode_) {
+    for (std::uint8_t byte : bytes)
+      receiveCommand(byte, now);
+  } else {
+    const bool mayBeEscape = !escape_.empty() || now - lastReceived_ >= kGuardTime;
+    lastReceived_ = now;
+    receiveData(bytes, mayBeEscape);
+  }
+}
+
+void BluetoothModule::receiveData(Bytes bytes, bool mayBeEscape) {
+  const bool onlyEscape =
+      std::all_of(bytes.begin(), bytes.end(), [](std::uint8_t byte) { return byte == kEscape; });
+  if (mayBeEscape && onlyEscape && escape_.size() + bytes.size() <= kEscapeLength) {
+    escape_.insert(escape_.end(), bytes.begin(), bytes.end());
+    return;
+  }
+  release(lastReceived_);
+  outlets_.toPrinter(bytes, lastReceived_);
+}
+
+void BluetoothModule::advance(Instant now) {
+  const auto due = nextEvent();
+  if (!due || *due > now)
+    return;
+  if (dropAt_) {
+    dropped_ = true;
+    dropAt_.reset();
+  } else if (escape_.size() == kEscapeLength) {
+    commandMode_ = true;
+    escape_.clear();
+  } else {
+    release(*due);
+  }
+}
+
+std::optional<Instant> BluetoothModule::nextEvent() const {
+  if (dropAt_)
+    return dropAt_;
+  if (!escape_.empty())
+    return lastReceived_ + kGuardTime;
+  return std::nullopt;
+}
+
+void BluetoothModule::release(Instant now) {
+  const auto kept = std::exchange(escape_, {});
+  if (!kept.empty())
+    outlets_.toPrinter(kept, now);
+}
+
+void BluetoothModule::receiveCommand(std::uint8_t byte, Instant now) {
+  if (byte == '\r')
+    return obey(now);
+  if (command_.size() <= kLongestCommand)
+    command_ += static_cast<char>(byte);
+}
+
+void BluetoothModule::obey(Instant now) {
+  const std::string command = std::exchange(command_, {});
+  if (command == "AT*AILBA?") {
+    reply("\r\n*AILBA:" + address_ + "\r\n\r\nOK\r\n", now);
+  } else if (command == "AT*AMWS=10,0,0,0,1,0") {
+    reply("\r\nOK\r\n", now);
+    if (!dropAt_)
+      dropAt_ = now + kTimeToDrop;
+  } else {
+    reply("\r\nERROR\r\n", now);
+  }
+}
+
+void BluetoothModule::reply(const std::string& text, Instant now) {
+  const std::vector<std::uint8_t> bytes(text.begin(), text.end());
+  outlets_.toHost(bytes, now);
+}
+
+}  // namespace quordalvane::simulator

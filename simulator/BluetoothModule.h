@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "simulator/Instant.h"
+
+namespace quordalvane::simulator {
+
+/// The radio module between a link and its printer. In data mode it passes bytes on; an escape
+/// sequence between two guard times turns it to command mode, for as long as the link lives.
+/// One module serves one link.
+class BluetoothModule {
+ public:
+  using Bytes = std::span<const std::uint8_t>;
+
+  /// What the module hands on: data for the printer, and its own replies to the host. Each comes
+  /// with the instant at which it goes out.
+  struct Outlets {
+    std::function<void(Bytes, Instant)> toPrinter;
+    std::function<void(Bytes, Instant)> toHost;
+  };
+
+  /// A module whose link begins at `now`, in data mode.
+  BluetoothModule(std::string address, Outlets outlets, Instant now);
+
+  /// Takes bytes from the host.
+  void receive(Bytes bytes, Instant now);
+
+  /// Lets time pass: to be called with every due instant, in order.
+  void advance(Instant now);
+
+  /// When it next does something by itself.
+  std::optional<Instant> nextEvent() const;
+
+  /// Gives what it keeps back to the printer: the host is gone.
+  void release(Instant now);
+
+  bool inCommandMode() const { return commandMode_; }
+
+  /// How many bytes it keeps back because they may be the escape sequence.
+  std::size_t keptBack() const { return escape_.size(); }
+
+  /// True once a command has asked for the link to end and its time has come.
+  bool wantsLinkDropped() const { return dropped_; }
+
+ private:
+  void receiveData(Bytes bytes, bool mayBeEscape);
+  void receiveCommand(std::uint8_t byte, Instant now);
+  void obey(Instant now);
+  void reply(const std::string& text, Instant now);
+
+  std::string address_;
+  Outlets outlets_;
+  Instant lastReceived_;
+  bool commandMode_ = false;
+  bool dropped_ = false;
+  std::vector<std::uint8_t> escape_;  // what may be the escape sequence, while it stands alone
+  std::string command_;
+  std::optional<Instant> dropAt_;
+};
+
+}  // namespace quordalvane::simulator

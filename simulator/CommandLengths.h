@@ -1,0 +1,14 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+namespace quordalvane::simulator {
+
+/// How long the command is that starts with `bytes` (at least one), as far as they tell: the least
+/// total length in bytes. A command is complete when this equals the count of its bytes; a larger
+/// value means that so many must come before more can be said. A byte that starts no command is a
+/// command of length one. An unknown command ends with the byte that shows it to be unknown.
+std::uint64_t leastCommandLength(std::span<const std::uint8_t> bytes);
+
+}  // namespace quordalvane::simulator

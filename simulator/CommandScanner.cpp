@@ -1,0 +1,89 @@
+#include "simulator/CommandScanner.h"
+
+#include <algorithm>
+#include <array>
+
+#include "simulator/CommandLengths.h"
+
+namespace quordalvane::simulator {
+namespace {
+
+// Two metres of the widest paper, all of it image.
+constexpr std::size_t kLongestKept = 2 * 1024 * 1024;
+
+constexpr int kAny = -1;
+
+struct Pattern {
+  CommandKind kind;
+  std::size_t length;
+  std::array<int, 6> bytes;
+};
+
+constexpr Pattern kPatterns[] = {
+    {CommandKind::PrepareStatus, 4, {0x1b, 0x2a, 0x72, 0x42}},
+    {CommandKind::StatusRequest, 3, {0x1b, 0x06, 0x01}},
+    {CommandKind::RealTimeStatus, 3, {0x10, 0x04, 0x01}},
+    {CommandKind::RealTimeStatus, 3, {0x10, 0x04, 0x02}},
+    {CommandKind::RealTimeStatus, 3, {0x10, 0x04, 0x04}},
+    {CommandKind::Firmware, 5, {0x1b, 0x23, 0x2a, 0x0a, 0x00}},
+    {CommandKind::FirmwareEscPos, 3, {0x1d, 0x49, 0x41}},
+    {CommandKind::DipSwitches, 6, {0x1b, 0x23, 0x2c, 0x31, 0x0a, 0x00}},
+    {CommandKind::DipSwitches, 6, {0x1b, 0x23, 0x2c, 0x32, 0x0a, 0x00}},
+    {CommandKind::CounterReset, 4, {0x1b, 0x1e, 0x45, 0x00}},
+    {CommandKind::CounterReset, 6, {0x1b, 0x1d, 0x03, 0x02, 0x00, 0x00}},
+    {CommandKind::DataCancel, 6, {0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00}},
+    {CommandKind::DataCancelEnd, 6, {0x1b, 0x1d, 0x03, 0x04, 0x00, 0x00}},
+    {CommandKind::DataTimeout, 6, {0x1b, 0x1d, 0x03, 0x05, 0x01, kAny}},
+    {CommandKind::Etb, 1, {0x17}},
+    {CommandKind::ReportingEtb, 6, {0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00}},
+};
+
+bool beginsLike(const Pattern& pattern, const std::vector<std::uint8_t>& bytes) {
+  return std::equal(bytes.begin(), bytes.end(), pattern.bytes.begin(),
+                    [](std::uint8_t byte, int wanted) { return wanted == kAny || byte == wanted; });
+}
+
+}  // namespace
+
+bool actsOnReception(CommandKind kind) {
+  return kind != CommandKind::Printing && !isEtb(kind);
+}
+
+bool isEtb(CommandKind kind) {
+  return kind == CommandKind::Etb || kind == CommandKind::ReportingEtb;
+}
+
+bool CommandScanner::feed(std::uint8_t byte) {
+  if (length_ >= needed_)
+    restart();
+  ++length_;
+  if (bytes_.size() < kLongestKept)
+    bytes_.push_back(byte);
+  if (length_ < needed_)
+    return false;
+  needed_ = leastCommandLength(bytes_);
+  return length_ >= needed_;
+}
+
+CommandKind CommandScanner::kind() const {
+  for (const Pattern& pattern : kPatterns)
+    if (length_ == pattern.length && beginsLike(pattern, bytes_))
+      return pattern.kind;
+  return CommandKind::Printing;
+}
+
+bool CommandScanner::mayConcernTheMachine() const {
+  return std::any_of(std::begin(kPatterns), std::end(kPatterns), [&](const Pattern& pattern) {
+    return length_ < pattern.length && beginsLike(pattern, bytes_);
+  });
+}
+
+void CommandScanner::restart() {
+  bytes_.clear();
+  if (bytes_.capacity() > kLongestKept / 16)
+    bytes_.shrink_to_fit();
+  length_ = 0;
+  needed_ = 1;
+}
+
+}  // namespace quordalvane::simulator

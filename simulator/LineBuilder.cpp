@@ -1,0 +1,75 @@
+#include "simulator/LineBuilder.h"
+
+#include <algorithm>
+
+namespace quordalvane::simulator {
+
+LineItem& LineBuilder::begin(LineItem item) {
+  if (line_.items.empty())
+    line_.alignment = alignment_;
+  line_.items.push_back(std::move(item));
+  return line_.items.back();
+}
+
+void LineBuilder::add(std::u32string_view text, const TextStyle& style, Paper& paper) {
+  for (char32_t character : text) {
+    if (position_ > 0 && position_ + style.cellWidth() > paperWidth_)
+      end(paper);
+    addCharacter(character, style);
+  }
+}
+
+void LineBuilder::addCharacter(char32_t character, const TextStyle& style) {
+  TextRun* run = nullptr;
+  if (!line_.items.empty()) {
+    LineItem& last = line_.items.back();
+    run = std::get_if<TextRun>(&last.content);
+    const bool continues = run != nullptr && run->style == style &&
+                           last.x + run->text.size() * style.cellWidth() == position_;
+    if (!continues)
+      run = nullptr;
+  }
+  if (run == nullptr)
+    run = &std::get<TextRun>(begin({position_, TextRun{{}, style}}).content);
+  run->text += character;
+  position_ += style.cellWidth();
+}
+
+void LineBuilder::add(Bitmap dots) {
+  const unsigned room = paperWidth_ - std::min(position_, paperWidth_);
+  const unsigned width = std::min(dots.width, room);
+  if (width == 0)
+    return;
+  const unsigned x = position_;
+  position_ += width;
+  begin({x, std::move(dots)});
+}
+
+void LineBuilder::moveTo(unsigned x) {
+  if (x < paperWidth_)
+    position_ = x;
+}
+
+void LineBuilder::tab(unsigned cellWidth) {
+  const unsigned stop = 8 * cellWidth;
+  moveTo((position_ / stop + 1) * stop);
+}
+
+void LineBuilder::end(Paper& paper) {
+  if (line_.items.empty()) {
+    paper.feed(spacing_);
+  } else {
+    line_.leastHeight = spacing_;
+    paper.add(std::move(line_));
+  }
+  line_ = Line{};
+  position_ = 0;
+}
+
+void LineBuilder::endIfBegun(Paper& paper) {
+  if (!line_.items.empty())
+    end(paper);
+  position_ = 0;
+}
+
+}  // namespace quordalvane::simulator

@@ -1,0 +1,85 @@
+#include "simulator/Paper.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+namespace quordalvane::simulator {
+namespace {
+
+constexpr std::size_t kSkippedKinds = 100;
+constexpr std::size_t kBytesThatName = 3;
+
+unsigned widthOf(const LineItem& item) {
+  if (const auto* run = std::get_if<TextRun>(&item.content))
+    return static_cast<unsigned>(run->text.size()) * run->style.cellWidth();
+  return std::get<Bitmap>(item.content).width;
+}
+
+unsigned heightOf(const LineItem& item) {
+  if (const auto* run = std::get_if<TextRun>(&item.content))
+    return run->style.cellHeight();
+  return std::get<Bitmap>(item.content).height;
+}
+
+std::string hexOf(std::span<const std::uint8_t> bytes) {
+  constexpr char digits[] = "0123456789abcdef";
+  std::string text;
+  for (std::uint8_t byte : bytes) {
+    if (!text.empty())
+      text += ' ';
+    text += digits[byte >> 4U];
+    text += digits[byte & 0x0fU];
+  }
+  return text;
+}
+
+}  // namespace
+
+Bitmap::Bitmap(unsigned widthInDots, unsigned heightInDots)
+    : width(widthInDots), height(heightInDots), rows(stride() * heightInDots, 0) {}
+
+bool Bitmap::black(unsigned x, unsigned y) const {
+  return (rows[y * stride() + x / 8] >> (7U - x % 8U) & 1U) != 0;
+}
+
+void Bitmap::blacken(unsigned x, unsigned y) {
+  std::uint8_t& byte = rows[y * stride() + x / 8];
+  byte = static_cast<std::uint8_t>(byte | 0x80U >> x % 8U);
+}
+
+unsigned Line::width() const {
+  unsigned most = 0;
+  for (const LineItem& item : items)
+    most = std::max(most, item.x + widthOf(item));
+  return most;
+}
+
+unsigned Line::height() const {
+  unsigned most = leastHeight;
+  for (const LineItem& item : items)
+    most = std::max(most, heightOf(item));
+  return most;
+}
+
+void Paper::add(PaperItem item) {
+  items_.push_back(std::move(item));
+}
+
+void Paper::feed(unsigned dots) {
+  if (dots == 0)
+    return;
+  Feed* last = items_.empty() ? nullptr : std::get_if<Feed>(&items_.back());
+  if (last == nullptr)
+    items_.emplace_back(Feed{dots});
+  else
+    last->dots += std::min(dots, std::numeric_limits<unsigned>::max() - last->dots);
+}
+
+void Paper::noteSkipped(std::span<const std::uint8_t> command) {
+  const std::string name = hexOf(command.first(std::min(command.size(), kBytesThatName)));
+  const bool room = skipped_.size() < kSkippedKinds || skipped_.contains(name);
+  ++skipped_[room ? name : "others"];
+}
+
+}  // namespace quordalvane::simulator

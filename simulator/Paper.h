@@ -1,0 +1,122 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <span>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace quordalvane::simulator {
+
+/// Print heads of 203 dots an inch: eight dots a millimetre.
+inline constexpr unsigned kNarrowPaperDots = 384;  ///< 58 mm paper
+inline constexpr unsigned kWidePaperDots = 576;    ///< 80 mm paper
+
+/// The pitch of text lines in dots, unless the job sets another.
+inline constexpr unsigned kLineSpacing = 30;
+
+enum class Alignment { left, center, right };
+
+struct TextStyle {
+  bool bold = false;
+  bool inverse = false;
+  bool smallFont = false;         ///< cells of 9 x 17 dots, not 12 x 24
+  std::uint8_t underline = 0;     ///< thickness in dots, 0 to 2
+  std::uint8_t widthFactor = 1;   ///< 1 to 8
+  std::uint8_t heightFactor = 1;  ///< 1 to 8
+
+  bool operator==(const TextStyle&) const = default;
+  unsigned cellWidth() const { return (smallFont ? 9U : 12U) * widthFactor; }
+  unsigned cellHeight() const { return (smallFont ? 17U : 24U) * heightFactor; }
+};
+
+struct TextRun {
+  std::u32string text;
+  TextStyle style;
+};
+
+/// Black dots on paper: rows of `stride()` bytes, the leftmost dot in the highest bit.
+struct Bitmap {
+  unsigned width = 0;
+  unsigned height = 0;
+  std::vector<std::uint8_t> rows;
+
+  Bitmap() = default;
+  Bitmap(unsigned widthInDots, unsigned heightInDots);
+  std::size_t stride() const { return (std::size_t{width} + 7) / 8; }
+  bool black(unsigned x, unsigned y) const;
+  void blacken(unsigned x, unsigned y);
+};
+
+/// A piece of a line: text or dots that start `x` dots from the line's own left end.
+struct LineItem {
+  unsigned x = 0;
+  std::variant<TextRun, Bitmap> content;
+};
+
+/// A line of text and small pictures, standing on one base line. An image is a line of its own.
+struct Line {
+  std::vector<LineItem> items;
+  Alignment alignment = Alignment::left;
+  unsigned leastHeight = kLineSpacing;
+
+  unsigned width() const;
+  unsigned height() const;
+};
+
+enum class Symbology { upcA, upcE, ean13, ean8, code39, interleaved, codabar, code93, code128 };
+
+struct Barcode {
+  Symbology symbology = Symbology::code128;
+  std::string data;
+  unsigned moduleWidth = 3;
+  unsigned height = 162;
+  bool textAbove = false;
+  bool textBelow = false;
+  Alignment alignment = Alignment::left;
+};
+
+struct QrCode {
+  std::string data;
+  unsigned moduleSize = 3;
+  unsigned correctionLevel = 0;  ///< 0 to 3: L, M, Q, H
+  Alignment alignment = Alignment::left;
+};
+
+struct Feed {
+  unsigned dots = 0;
+};
+
+struct Cut {
+  bool partial = false;
+};
+
+using PaperItem = std::variant<Line, Barcode, QrCode, Feed, Cut>;
+
+/// What has come out of a printer, from the top. It grows with what is printed and never otherwise.
+class Paper {
+ public:
+  explicit Paper(unsigned widthInDots = kWidePaperDots) : width_(widthInDots) {}
+
+  unsigned width() const { return width_; }
+  const std::vector<PaperItem>& items() const { return items_; }
+
+  /// The commands that were skipped because they cannot be shown: their first bytes in hex, and how
+  /// often each came. Past a hundred kinds the rest is counted as "others".
+  const std::map<std::string, std::size_t>& skipped() const { return skipped_; }
+
+  void add(PaperItem item);
+
+  /// Moves the paper; feeds that follow one another are one.
+  void feed(unsigned dots);
+
+  void noteSkipped(std::span<const std::uint8_t> command);
+
+ private:
+  unsigned width_;
+  std::vector<PaperItem> items_;
+  std::map<std::string, std::size_t> skipped_;
+};
+
+}  // namespace quordalvane::simulator

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <string_view>
+
+#include "simulator/VirtualPrinter.h"
+
+namespace quordalvane::simulator {
+
+/// Describes a printer in a sentence:
+/// `PrinterBuilder().speed(200).buffer(4096).coverOpen().build()`. What is not said is as in
+/// `PrinterState`. A value that a printer cannot have throws std::invalid_argument.
+class PrinterBuilder {
+ public:
+  /// Bytes of print data worked through in a second; 0: no time at all.
+  PrinterBuilder& speed(std::uint32_t bytesPerSecond);
+  PrinterBuilder& buffer(std::size_t bytes);
+  PrinterBuilder& firmware(std::string_view text);
+  PrinterBuilder& dipBank1(DipBank bank);
+  PrinterBuilder& dipBank2(DipBank bank);
+  PrinterBuilder& buttonSecurity(unsigned setting);
+  PrinterBuilder& bluetoothAddress(std::string_view digits);
+  PrinterBuilder& narrowPaper();
+  PrinterBuilder& etbCounter(std::uint8_t count);
+  PrinterBuilder& presenterState(std::uint8_t code);
+  PrinterBuilder& connectedInterface(std::uint8_t code);
+  PrinterBuilder& coverOpen() { return with(Flag::coverOpen); }
+  PrinterBuilder& offline() { return with(Flag::offline); }
+  PrinterBuilder& paperOut() { return with(Flag::receiptPaperEmpty); }
+  PrinterBuilder& paperInExit() { return with(Flag::paperPresent); }
+
+  /// Sets or takes away any flag.
+  PrinterBuilder& with(Flag flag, bool value = true);
+
+  /// A setting by its name, as `PrinterState::set` takes it.
+  PrinterBuilder& set(std::string_view key, std::string_view value);
+
+  const PrinterState& state() const { return state_; }
+  VirtualPrinter build() const { return VirtualPrinter(state_); }
+
+ private:
+  PrinterState state_;
+};
+
+}  // namespace quordalvane::simulator

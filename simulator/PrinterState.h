@@ -1,0 +1,108 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace quordalvane::simulator {
+
+/// The thirty conditions that a printer reports, in the order of its status block.
+enum class Flag : std::uint8_t {
+  coverOpen,
+  offline,
+  compulsionSwitch,
+  overTemp,
+  unrecoverableError,
+  cutterError,
+  mechError,
+  headThermistorError,
+  receiveBufferOverflow,
+  pageModeCmdError,
+  paperDetectionError,
+  blackMarkError,
+  jamError,
+  presenterPaperJamError,
+  headUpError,
+  voltageError,
+  receiptBlackMarkDetection,
+  receiptPaperEmpty,
+  receiptPaperNearEmptyInner,
+  receiptPaperNearEmptyOuter,
+  paperPresent,
+  presenterPaperPresent,
+  peelerPaperPresent,
+  stackerFull,
+  slipTOF,
+  slipCOF,
+  slipBOF,
+  validationPaperPresent,
+  slipPaperPresent,
+  etbAvailable,
+};
+
+inline constexpr std::size_t kFlagCount = 30;
+
+/// The names of the flags; element k names flag k.
+extern const std::array<std::string_view, kFlagCount> kFlagNames;
+
+/// The flag of that name, or none.
+std::optional<Flag> flagNamed(std::string_view name);
+
+using DipBank = std::array<std::uint8_t, 2>;
+
+/// Everything about a printer that can be set: what it senses, what it is set to, how fast it is.
+/// A plain value; it knows nothing of bytes on a link or of time.
+class PrinterState {
+ public:
+  /// The condition as the printer reports it. `offline` is also true while the cover is open, the
+  /// paper is out or any error is present, whatever was set directly.
+  bool flag(Flag flag) const;
+  void setFlag(Flag flag, bool value);
+
+  /// Changes one setting by its name from text: any flag (`true` or `false`), `firmware`, `dip1`
+  /// and `dip2` (two bytes as four hex digits), `speed` (bytes a second, 0: unlimited), `buffer`
+  /// (bytes), `presenterState` and `connectedInterface` (their codes), `paper` (58 or 80 mm; the
+  /// paper that is in the printer keeps its width). Throws std::invalid_argument, with a text for
+  /// people that names the key and the values it takes, and then changes nothing.
+  void set(std::string_view key, std::string_view value);
+
+  /// 1 to 64 printable ASCII characters; throws std::invalid_argument on anything else.
+  void setFirmware(std::string_view text);
+  const std::string& firmware() const { return firmware_; }
+
+  /// 12 hex digits; throws std::invalid_argument on anything else.
+  void setBluetoothAddress(std::string_view digits);
+  const std::string& bluetoothAddress() const { return bluetoothAddress_; }
+
+  /// At least 16 bytes, the room that the longest command needs; throws std::invalid_argument
+  /// below.
+  void setBufferSize(std::size_t bytes);
+  std::size_t bufferSize() const { return bufferSize_; }
+
+  /// 58 or 80; throws std::invalid_argument on anything else.
+  void setPaperWidth(unsigned millimetres);
+  unsigned paperMillimetres() const { return paperMillimetres_; }
+
+  /// The button-security setting, 0 to 3: the two top bits of the first byte of bank 1.
+  void setButtonSecurity(unsigned setting);
+  unsigned buttonSecurity() const { return dipBanks[0][0] >> 6U; }
+
+  std::array<DipBank, 2> dipBanks{};
+  std::uint8_t etbCounter = 0;
+  std::uint8_t presenterState = 0;  ///< 0 idle, 1 holding paper, 2 retracted, 3 ejected
+  std::uint8_t connectedInterface =
+      5;  ///< 0 unknown, 1 serial, 2 USB, 3 Ethernet, 4 WLAN, 5 Bluetooth
+  std::uint32_t bytesPerSecond = 0;  ///< how fast print data is worked through; 0: at once
+
+ private:
+  std::uint32_t flags_ = 1U << static_cast<unsigned>(Flag::etbAvailable);
+  std::string firmware_ = "Virtual 1.0";
+  std::string bluetoothAddress_ = "001122334455";
+  std::size_t bufferSize_ = 4096;
+  unsigned paperMillimetres_ = 80;
+};
+
+}  // namespace quordalvane::simulator

@@ -1,0 +1,23 @@
+#include "simulator/Reception.h"
+
+namespace quordalvane::simulator {
+
+void Reception::take(std::span<const std::uint8_t> bytes, const OnPiece& onPiece) {
+  for (std::uint8_t byte : bytes) {
+    const bool complete = scanner_.feed(byte);
+    undecided_.push_back(byte);
+    if (!complete && scanner_.mayConcernTheMachine())
+      continue;
+    onPiece(complete ? scanner_.kind() : CommandKind::Printing, undecided_);
+    undecided_.clear();
+  }
+}
+
+bool Reception::restart() {
+  const bool passedOnInPart = scanner_.insideCommand() && undecided_.empty();
+  scanner_.restart();
+  undecided_.clear();
+  return passedOnInPart;
+}
+
+}  // namespace quordalvane::simulator

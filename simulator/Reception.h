@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <vector>
+
+#include "simulator/CommandScanner.h"
+
+namespace quordalvane::simulator {
+
+/// The receiving side of the machine: picks out of the stream the commands that act at once, and
+/// passes everything else on for printing, in order.
+class Reception {
+ public:
+  using OnPiece = std::function<void(CommandKind, std::span<const std::uint8_t>)>;
+
+  /// Works through `bytes`; calls back in the order of the stream, with whole commands that act at
+  /// once, whole ETBs, and everything else in pieces of any size as `CommandKind::Printing`.
+  void take(std::span<const std::uint8_t> bytes, const OnPiece& onPiece);
+
+  /// How many bytes are kept back because they may begin a command that acts at once.
+  std::size_t undecided() const { return undecided_.size(); }
+
+  /// Forgets an unfinished command, as a new link begins with a new one. True if part of it has
+  /// been passed on as print data.
+  bool restart();
+
+ private:
+  CommandScanner scanner_;
+  std::vector<std::uint8_t> undecided_;
+};
+
+}  // namespace quordalvane::simulator

@@ -1,0 +1,65 @@
+#include "simulator/StatusReplies.h"
+
+namespace quordalvane::simulator {
+namespace {
+
+constexpr std::uint8_t kStatusBlockLength = 9;
+constexpr std::uint8_t kLayoutVersion = 1;
+
+// Bits 1 and 4 are set in every real-time status byte; they tell it from flow control characters.
+constexpr unsigned kRealTimeMark = 0x12;
+
+Bytes framed(Bytes head, const std::string& text, const Bytes& tail) {
+  head.insert(head.end(), text.begin(), text.end());
+  head.insert(head.end(), tail.begin(), tail.end());
+  return head;
+}
+
+}  // namespace
+
+Bytes statusBlock(const PrinterState& state) {
+  Bytes block(kStatusBlockLength, 0);
+  block[0] = 0x80U | kStatusBlockLength;
+  block[1] = kLayoutVersion;
+  for (std::size_t k = 0; k < kFlagCount; ++k) {
+    if (state.flag(static_cast<Flag>(k))) {
+      std::uint8_t& byte = block[2 + k / 8];
+      byte = static_cast<std::uint8_t>(byte | 1U << k % 8);
+    }
+  }
+  block[6] = state.etbCounter;
+  block[7] = state.presenterState;
+  block[8] = state.connectedInterface;
+  return block;
+}
+
+Bytes realTimeStatus(const PrinterState& state, std::uint8_t query) {
+  const auto bits = [&](Flag flag, unsigned mask) { return state.flag(flag) ? mask : 0U; };
+  unsigned byte = kRealTimeMark;
+  if (query == 1)
+    byte |= bits(Flag::compulsionSwitch, 0x04) | bits(Flag::offline, 0x08);
+  else if (query == 2)
+    byte |= bits(Flag::coverOpen, 0x04);
+  else
+    byte |= bits(Flag::receiptPaperNearEmptyInner, 0x0c) | bits(Flag::receiptPaperEmpty, 0x60);
+  return {static_cast<std::uint8_t>(byte)};
+}
+
+Bytes firmwareReply(const PrinterState& state) {
+  return framed({0x1b, 0x23, 0x2a}, state.firmware(), {0x0a, 0x00});
+}
+
+Bytes firmwareReplyEscPos(const PrinterState& state) {
+  return framed({0x5f}, state.firmware(), {0x00});
+}
+
+Bytes dipSwitchReply(const PrinterState& state, std::uint8_t digit) {
+  const DipBank& bank = state.dipBanks[digit == '1' ? 0 : 1];
+  return {0x1b, 0x23, 0x2c, digit, bank[0], bank[1], 0x0a};
+}
+
+Bytes etbReport(const PrinterState& state) {
+  return {0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00, state.etbCounter, 0x00};
+}
+
+}  // namespace quordalvane::simulator

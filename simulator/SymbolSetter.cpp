@@ -1,0 +1,79 @@
+#include "simulator/SymbolSetter.h"
+
+#include <algorithm>
+
+namespace quordalvane::simulator {
+namespace {
+
+using Bytes = std::span<const std::uint8_t>;
+
+// The first form of the command numbers the symbologies from 0 and ends its data with a zero byte,
+// the second numbers them from 65 and counts its data.
+constexpr std::uint8_t kFirstCounted = 65;
+
+constexpr std::size_t kMostQrData = 7089;  // digits in the largest code
+
+constexpr Symbology kSymbologies[] = {
+    Symbology::upcA,    Symbology::upcE,   Symbology::ean13,
+    Symbology::ean8,    Symbology::code39, Symbology::interleaved,
+    Symbology::codabar, Symbology::code93, Symbology::code128,
+};
+
+std::string textOf(Bytes bytes) {
+  return {bytes.begin(), bytes.end()};
+}
+
+}  // namespace
+
+void SymbolSetter::setBarcode(Bytes command) {
+  const unsigned value = command[2];
+  if (command[1] == 0x68)
+    settings_.height = std::max(value, 1U);
+  else if (command[1] == 0x77)
+    settings_.moduleWidth = std::clamp(value, 1U, 8U);
+  else {
+    settings_.textAbove = (value & 1U) != 0;
+    settings_.textBelow = (value & 2U) != 0;
+  }
+}
+
+std::optional<Barcode> SymbolSetter::barcode(Bytes command) const {
+  const bool counted = command[2] >= kFirstCounted;
+  const std::size_t number = counted ? command[2] - kFirstCounted : command[2];
+  if (number >= std::size(kSymbologies))
+    return std::nullopt;
+  Barcode barcode = settings_;
+  barcode.symbology = kSymbologies[number];
+  if (counted)
+    barcode.data = textOf(command.subspan(4));
+  else
+    barcode.data = textOf(command.subspan(3, command.size() - 4));
+  return barcode;
+}
+
+SymbolSetter::Outcome SymbolSetter::applyQr(Bytes command) {
+  constexpr std::uint8_t qr = 0x31;
+  if (command.size() < 8 || command[2] != 0x6b || command[5] != qr)
+    return Outcome::unknown;
+  switch (command[6]) {
+    case 0x41:  // model
+      return Outcome::stored;
+    case 0x43:
+      qr_.moduleSize = std::clamp<unsigned>(command[7], 1, 16);
+      return Outcome::stored;
+    case 0x45:
+      qr_.correctionLevel = std::clamp<unsigned>(command[7], '0', '3') - '0';
+      return Outcome::stored;
+    case 0x50:
+      if (command.size() - 8 > kMostQrData)
+        return Outcome::unknown;
+      qr_.data = textOf(command.subspan(8));
+      return Outcome::stored;
+    case 0x51:
+      return Outcome::print;
+    default:
+      return Outcome::unknown;
+  }
+}
+
+}  // namespace quordalvane::simulator

@@ -1,0 +1,190 @@
+#include "simulator/VirtualPrinter.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "simulator/StatusReplies.h"
+
+namespace quordalvane::simulator {
+namespace {
+
+unsigned dotsAcross(const PrinterState& state) {
+  return state.paperMillimetres() == 58 ? kNarrowPaperDots : kWidePaperDots;
+}
+
+}  // namespace
+
+VirtualPrinter::VirtualPrinter(PrinterState state)
+    : state_(std::move(state)), printing_(dotsAcross(state_)) {
+  followState(Instant{});
+}
+
+bool VirtualPrinter::setFlag(std::string_view name, bool value, Instant now) {
+  const auto flag = flagNamed(name);
+  if (!flag)
+    return false;
+  advance(now);
+  state_.setFlag(*flag, value);
+  followState(now);
+  return true;
+}
+
+void VirtualPrinter::set(std::string_view key, std::string_view value, Instant now) {
+  advance(now);
+  state_.set(key, value);
+  followState(now);
+}
+
+void VirtualPrinter::followState(Instant now) {
+  queue_.run(!state_.flag(Flag::offline), state_.bytesPerSecond, now);
+  printUntil(now);
+}
+
+void VirtualPrinter::advance(Instant now) {
+  const auto timeout = dataTimeoutDue();
+  if (timeout && *timeout <= now) {
+    printUntil(*timeout);
+    dropHeld();
+    dropping_ = true;
+  }
+  printUntil(now);
+}
+
+void VirtualPrinter::receive(std::span<const std::uint8_t> bytes, Instant now, bool vanish) {
+  if (bytes.empty())
+    return;
+  advance(now);
+  lastReceived_ = now;
+  reception_.take(bytes, [&](CommandKind kind, std::span<const std::uint8_t> piece) {
+    if (actsOnReception(kind))
+      obey(kind, piece, now);
+    else if (!dropping_ && !vanish)
+      hold(kind, piece, now);
+  });
+  printUntil(now);
+}
+
+void VirtualPrinter::obey(CommandKind kind, std::span<const std::uint8_t> command, Instant now) {
+  // A printer that takes no time over its data has printed what came before in the same packet.
+  printUntil(now);
+  switch (kind) {
+    case CommandKind::StatusRequest:
+      return reply(statusBlock(state_), now);
+    case CommandKind::RealTimeStatus:
+      return reply(realTimeStatus(state_, command[2]), now);
+    case CommandKind::Firmware:
+      return reply(firmwareReply(state_), now);
+    case CommandKind::FirmwareEscPos:
+      return reply(firmwareReplyEscPos(state_), now);
+    case CommandKind::DipSwitches:
+      return reply(dipSwitchReply(state_, command[3]), now);
+    case CommandKind::CounterReset:
+      state_.etbCounter = 0;
+      return;
+    case CommandKind::DataTimeout:
+      dataTimeoutSeconds_ = command[5];
+      return;
+    case CommandKind::DataCancel:
+      dropHeld();
+      guarded_ = true;
+      return;
+    case CommandKind::DataCancelEnd:
+      guarded_ = false;
+      dropping_ = false;
+      return;
+    case CommandKind::PrepareStatus:  // a request that follows is answered in any case
+    case CommandKind::Printing:
+    case CommandKind::Etb:
+    case CommandKind::ReportingEtb:
+      return;
+  }
+}
+
+void VirtualPrinter::hold(CommandKind kind, std::span<const std::uint8_t> bytes, Instant now) {
+  queue_.push(bytes, now);
+  queuedEver_ += bytes.size();
+  if (isEtb(kind))
+    etbEnds_.push_back(queuedEver_);
+}
+
+void VirtualPrinter::printUntil(Instant now) {
+  while (const auto taken = queue_.take(now)) {
+    ++takenEver_;
+    const std::size_t before = printing_.printed().size();
+    const CommandKind kind = printing_.pass(taken->byte);
+    printedBytes_ += printing_.printed().size() - before;
+    if (isEtb(kind))
+      passed(kind, taken->at);
+    leaveUnfinishedCommand();
+  }
+}
+
+void VirtualPrinter::passed(CommandKind etb, Instant at) {
+  etbEnds_.pop_front();
+  ++state_.etbCounter;
+  if (etb == CommandKind::ReportingEtb)
+    reply(etbReport(state_), at);
+}
+
+void VirtualPrinter::leaveUnfinishedCommand() {
+  if (breaks_.empty() || breaks_.front() > takenEver_)
+    return;
+  breaks_.pop_front();
+  printing_.leaveUnfinishedCommand();
+}
+
+void VirtualPrinter::dropHeld() {
+  queue_.clear();
+  takenEver_ = queuedEver_;
+  etbEnds_.clear();
+  breaks_.clear();
+  printing_.leaveUnfinishedCommand();
+  printing_.endLine();
+}
+
+std::optional<Instant> VirtualPrinter::dataTimeoutDue() const {
+  if (!guarded_ || dropping_ || dataTimeoutSeconds_ == 0)
+    return std::nullopt;
+  return lastReceived_ + std::chrono::seconds(dataTimeoutSeconds_);
+}
+
+std::size_t VirtualPrinter::space() const {
+  return state_.bufferSize() - std::min(state_.bufferSize(), buffered());
+}
+
+std::optional<Instant> VirtualPrinter::nextEvent() const {
+  std::optional<Instant> printed;
+  if (queue_.size() > 0) {
+    std::size_t count = queue_.size();
+    if (space() == 0)
+      count = std::min(count, buffered() - state_.bufferSize() + 1);
+    else if (!etbEnds_.empty())
+      count = etbEnds_.front() - takenEver_;
+    printed = queue_.doneWith(count);
+  }
+  const auto timeout = dataTimeoutDue();
+  if (printed && timeout)
+    return std::min(*printed, *timeout);
+  return printed ? printed : timeout;
+}
+
+std::uint64_t VirtualPrinter::connect(Sink sink) {
+  sink_ = std::move(sink);
+  if (reception_.restart()) {
+    breaks_.push_back(queuedEver_);
+    leaveUnfinishedCommand();
+  }
+  return ++connection_;
+}
+
+void VirtualPrinter::disconnect(std::uint64_t connection) {
+  if (isConnection(connection))
+    sink_ = nullptr;
+}
+
+void VirtualPrinter::reply(std::span<const std::uint8_t> bytes, Instant at) {
+  if (sink_)
+    sink_(bytes, at);
+}
+
+}  // namespace quordalvane::simulator

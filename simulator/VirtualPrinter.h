@@ -1,0 +1,111 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <optional>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "simulator/Instant.h"
+#include "simulator/PrintQueue.h"
+#include "simulator/PrinterState.h"
+#include "simulator/Printing.h"
+#include "simulator/Reception.h"
+
+namespace quordalvane::simulator {
+
+/// A printer. It lives across connections: a `PrinterLink` stands for one of them.
+///
+/// It is a state machine over bytes and time, with no thread, clock or input of its own: what it
+/// does follows from the bytes and the instants that it is given, and not from how often it is
+/// looked at. Instants must not go back. Not for use by two threads at once.
+class VirtualPrinter {
+ public:
+  explicit VirtualPrinter(PrinterState state);
+  VirtualPrinter(const VirtualPrinter&) = delete;
+  VirtualPrinter& operator=(const VirtualPrinter&) = delete;
+
+  const PrinterState& state() const { return state_; }
+
+  /// Sets the flag of that name from `now` on; false if there is none. See `kFlagNames`.
+  bool setFlag(std::string_view name, bool value, Instant now);
+
+  /// Changes a setting by its name from `now` on, as `PrinterState::set` does and with its errors.
+  void set(std::string_view key, std::string_view value, Instant now);
+
+  /// Works up to `now`. Everything below tells how things stood at the latest instant given.
+  void advance(Instant now);
+
+  /// What has come out since the paper was last torn off.
+  const Paper& paper() const { return printing_.paper(); }
+
+  /// The print data that made it, byte for byte: without ETBs and without the commands that act on
+  /// reception. Its whole commands are on the paper; a line may still be open.
+  const std::vector<std::uint8_t>& printed() const { return printing_.printed(); }
+
+  /// How many bytes of print data have been printed ever.
+  std::uint64_t printedBytes() const { return printedBytes_; }
+
+  /// How many bytes have been received and are not printed.
+  std::size_t buffered() const { return queue_.size() + reception_.undecided(); }
+
+  /// Takes the paper away, `printed` included. Returns it.
+  Paper tearOff() { return printing_.tearOff(); }
+
+  // ---- For the link ----
+
+  /// Where replies go, with the instant at which the printer gives them.
+  using Sink = std::function<void(std::span<const std::uint8_t>, Instant)>;
+
+  /// Begins a connection: from now on replies go to `sink`, and a command that the last connection
+  /// left unfinished stays so. Returns a number that tells this connection from all others.
+  std::uint64_t connect(Sink sink);
+
+  /// Ends the connection, unless another one has begun. Replies go nowhere until the next.
+  void disconnect(std::uint64_t connection);
+  bool isConnection(std::uint64_t connection) const { return connection == connection_; }
+
+  /// How many bytes it can take.
+  std::size_t space() const;
+
+  /// Takes all of `bytes`, at most `space()`. With `vanish`, print data is lost on the way:
+  /// commands that act on reception are obeyed and nothing is printed.
+  void receive(std::span<const std::uint8_t> bytes, Instant now, bool vanish = false);
+
+  /// When, after the latest instant given, it next does something that can be noticed from outside:
+  /// has space again, passes an ETB, has printed all, or drops data. None while nothing is due.
+  std::optional<Instant> nextEvent() const;
+
+ private:
+  void obey(CommandKind kind, std::span<const std::uint8_t> command, Instant now);
+  void hold(CommandKind kind, std::span<const std::uint8_t> bytes, Instant now);
+  void printUntil(Instant now);
+  void passed(CommandKind etb, Instant at);
+  void dropHeld();
+  std::optional<Instant> dataTimeoutDue() const;
+  void leaveUnfinishedCommand();
+  void followState(Instant now);
+  void reply(std::span<const std::uint8_t> bytes, Instant at);
+
+  PrinterState state_;
+  Reception reception_;
+  PrintQueue queue_;
+  Printing printing_;
+  std::uint64_t queuedEver_ = 0;
+  std::uint64_t takenEver_ = 0;  // of those queued: printed or dropped
+  std::uint64_t printedBytes_ = 0;
+  std::deque<std::uint64_t> etbEnds_;  // counts of `queuedEver_` after which an ETB was complete
+  std::deque<std::uint64_t> breaks_;   // ... at which a command was left unfinished for good
+
+  std::uint8_t dataTimeoutSeconds_ = 0;
+  bool guarded_ = false;   // between a data cancel and its end
+  bool dropping_ = false;  // the data time-out struck, and no end of the data cancel has come since
+  Instant lastReceived_{};
+
+  Sink sink_;
+  std::uint64_t connection_ = 0;
+};
+
+}  // namespace quordalvane::simulator

@@ -1,0 +1,90 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "simulator/PrinterBuilder.h"
+#include "simulator/PrinterLink.h"
+
+namespace quordalvane::simulator {
+
+using namespace std::chrono_literals;
+
+using Bytes = std::vector<std::uint8_t>;
+
+/// The bytes of pairs of hex digits; anything else between them is for the eye.
+inline Bytes hex(std::string_view text) {
+  Bytes bytes;
+  int half = -1;
+  for (char c : text) {
+    const auto digit = std::string_view("0123456789abcdef").find(c);
+    if (digit == std::string_view::npos)
+      continue;
+    if (half < 0) {
+      half = static_cast<int>(digit);
+    } else {
+      bytes.push_back(static_cast<std::uint8_t>(half * 16 + static_cast<int>(digit)));
+      half = -1;
+    }
+  }
+  return bytes;
+}
+
+inline Bytes ascii(std::string_view text) {
+  return {text.begin(), text.end()};
+}
+
+inline Bytes operator+(Bytes left, const Bytes& right) {
+  left.insert(left.end(), right.begin(), right.end());
+  return left;
+}
+
+/// A printer and a host that talk over one link after another, on a clock of the test's own.
+class Session {
+ public:
+  explicit Session(const PrinterBuilder& builder) : printer(builder.state()), link(connect()) {}
+  Session() : Session(PrinterBuilder()) {}
+
+  /// Writes all of `bytes`; false if the link did not take them all at once.
+  bool send(const Bytes& bytes) { return link->write(bytes, now) == bytes.size(); }
+  bool send(std::string_view hexText) { return send(hex(hexText)); }
+
+  /// Reads all that is there.
+  Bytes receive() {
+    Bytes bytes(link->available(now));
+    bytes.resize(link->read(bytes, now));
+    return bytes;
+  }
+
+  /// Sends, and reads what is answered at once.
+  Bytes ask(std::string_view hexText) {
+    send(hexText);
+    return receive();
+  }
+
+  void wait(Instant time) { now += time; }
+
+  void reconnect() {
+    link.reset();
+    link = connect();
+  }
+
+  std::unique_ptr<PrinterLink> connect() { return std::make_unique<PrinterLink>(printer, now); }
+
+  Instant now = 1000s;
+  VirtualPrinter printer;
+  std::unique_ptr<PrinterLink> link;
+};
+
+inline constexpr std::string_view kStatusRequest = "1b 06 01";
+inline constexpr std::string_view kDataCancel = "1b 1d 03 03 00 00";
+inline constexpr std::string_view kDataCancelEnd = "1b 1d 03 04 00 00";
+
+inline std::uint8_t etbCounterOf(const Bytes& statusBlock) {
+  return statusBlock.at(6);
+}
+
+}  // namespace quordalvane::simulator

@@ -1,0 +1,142 @@
+#include <gtest/gtest.h>
+
+#include "tests/unit/simulator/Session.h"
+
+namespace quordalvane::simulator {
+namespace {
+
+constexpr std::string_view kFiveSeconds = "1b 1d 03 05 01 05";
+constexpr std::string_view kNever = "1b 1d 03 05 01 00";
+
+PrinterBuilder slow() {
+  return PrinterBuilder().speed(10);
+}
+
+TEST(DataCancel, DropsWhatIsReceivedAndNotYetPrintedWithItsEtbs) {
+  Session session(slow());
+  session.send(ascii("0123456789") + hex("17 1b1d03010000"));
+  session.wait(300ms);
+  session.send(kDataCancel);
+  EXPECT_EQ(session.printer.buffered(), 0U);
+  session.send(kDataCancelEnd);
+  session.send(ascii("x") + hex("17"));
+  session.wait(1h);
+  EXPECT_EQ(session.receive(), Bytes{});
+  EXPECT_EQ(session.printer.printed(), ascii("012x"));
+  EXPECT_EQ(session.printer.state().etbCounter, 1);
+}
+
+TEST(DataCancel, ActsWhereverItStandsAndHoweverItIsSplit) {
+  for (std::size_t at = 0; at <= 6; ++at) {
+    Session session(slow());
+    const Bytes command = hex(kDataCancel);
+    const auto middle = command.begin() + static_cast<std::ptrdiff_t>(at);
+    session.send(ascii("abc") + Bytes(command.begin(), middle));
+    session.send(Bytes(middle, command.end()) + ascii("xy"));
+    session.wait(1s);
+    session.link->available(session.now);
+    EXPECT_EQ(session.printer.printed(), ascii("xy")) << "split at " << at;
+  }
+}
+
+TEST(DataCancel, FreesTheBufferOfAnOffLinePrinter) {
+  Session session(PrinterBuilder().buffer(20).coverOpen());
+  session.send(Bytes(14, 'x'));
+  session.send(kDataCancel);
+  EXPECT_EQ(session.link->space(session.now), 20U);
+}
+
+TEST(DataCancel, LeavesThePrintSideAtTheStartOfACommand) {
+  Session session(slow());
+  session.send("1d7630 00 0a00 0100 00000000000000000000");
+  session.wait(1s);
+  session.send(kDataCancel);
+  session.send(hex(kDataCancelEnd) + ascii("hello\n"));
+  session.wait(10s);
+  session.link->available(session.now);
+  const auto& items = session.printer.paper().items();
+  ASSERT_EQ(items.size(), 1U);
+  EXPECT_EQ(std::get<TextRun>(std::get<Line>(items[0]).items[0].content).text, U"hello");
+}
+
+TEST(DataTimeout, DropsWhatIsHeldAndAllThatFollowsUntilTheEndOfTheDataCancel) {
+  Session session(slow().coverOpen());
+  session.send(hex(kFiveSeconds) + hex(kDataCancel) + ascii("held") + hex("17"));
+  EXPECT_EQ(session.link->nextEvent(session.now), session.now + 5s);
+  session.wait(5s);
+  EXPECT_EQ(session.link->available(session.now), 0U);
+  EXPECT_EQ(session.printer.buffered(), 0U);
+  session.printer.setFlag("coverOpen", false, session.now);
+  session.send(ascii("late") + hex("17 1b1d03010000"));
+  session.wait(10s);
+  EXPECT_EQ(session.receive(), Bytes{});
+  session.send(hex(kDataCancelEnd) + ascii("new") + hex("17"));
+  session.wait(10s);
+  EXPECT_EQ(etbCounterOf(session.ask(kStatusRequest)), 1);
+  EXPECT_EQ(session.printer.printed(), ascii("new"));
+}
+
+TEST(DataTimeout, CountsFromTheLastByteReceived) {
+  Session session(slow().coverOpen());
+  session.send(hex(kFiveSeconds) + hex(kDataCancel));
+  for (int i = 0; i < 3; ++i) {
+    session.wait(4999ms);
+    session.send(ascii("x"));
+  }
+  session.wait(4999ms);
+  session.link->available(session.now);
+  EXPECT_EQ(session.printer.buffered(), 3U);
+  session.wait(1ms);
+  session.link->available(session.now);
+  EXPECT_EQ(session.printer.buffered(), 0U);
+}
+
+TEST(DataTimeout, WhatWasPrintedBeforeItStruckStaysPrinted) {
+  Session session(slow());
+  session.send(hex(kFiveSeconds) + hex(kDataCancel) + Bytes(100, 'x'));
+  session.wait(1h);
+  session.link->available(session.now);
+  EXPECT_EQ(session.printer.printed().size(), 50U);
+}
+
+TEST(DataTimeout, AnotherDataCancelDoesNotEndTheDropping) {
+  Session session;
+  session.send(hex(kFiveSeconds) + hex(kDataCancel));
+  session.wait(5s);
+  session.send(hex(kDataCancel) + ascii("lost"));
+  EXPECT_EQ(session.printer.printed(), Bytes{});
+  session.send(hex(kDataCancelEnd) + ascii("kept"));
+  EXPECT_EQ(session.printer.printed(), ascii("kept"));
+}
+
+TEST(DataTimeout, DoesNothingOutsideAGuardedStretchNorWhenItIsZero) {
+  const std::string_view commands[] = {kFiveSeconds, "1b1d03050105 1b1d03030000 1b1d03040000",
+                                       "1b1d03050100 1b1d03030000", kDataCancel, kNever};
+  for (std::string_view before : commands) {
+    Session session(slow().coverOpen());
+    session.send(hex(before) + ascii("held"));
+    session.wait(1000s);
+    session.link->available(session.now);
+    EXPECT_EQ(session.printer.buffered(), 4U) << before;
+    EXPECT_EQ(session.link->nextEvent(session.now), std::nullopt) << before;
+  }
+}
+
+TEST(DataTimeout, StatusIsAnsweredWhileThePrinterDrops) {
+  Session session;
+  session.send(hex(kFiveSeconds) + hex(kDataCancel));
+  session.wait(6s);
+  EXPECT_EQ(session.ask("100401"), hex("12"));
+  EXPECT_EQ(etbCounterOf(session.ask("17 1b0601")), 0);
+}
+
+TEST(DataCancelEnd, IsHarmlessOutsideAGuardedStretch) {
+  Session session(slow());
+  session.send(ascii("ab") + hex(kDataCancelEnd) + ascii("cd"));
+  session.wait(1s);
+  session.link->available(session.now);
+  EXPECT_EQ(session.printer.printed(), ascii("abcd"));
+}
+
+}  // namespace
+}  // namespace quordalvane::simulator

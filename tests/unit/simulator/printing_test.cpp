@@ -1,0 +1,232 @@
+#include <gtest/gtest.h>
+
+#include "tests/unit/simulator/Session.h"
+
+namespace quordalvane::simulator {
+namespace {
+
+// 10 bytes a second, so that each byte takes 100 ms.
+PrinterBuilder slow() {
+  return PrinterBuilder().speed(10).buffer(100);
+}
+
+TEST(Printing, WhatIsSentIsPrintedOnceAndInOrder) {
+  Session session;
+  Bytes job = ascii("A line\n") + hex("1d7630 00 0100 0200 1b17") + hex("1b45 01") + ascii("x\n");
+  for (std::uint8_t byte : job)
+    ASSERT_TRUE(session.send(Bytes{byte}));
+  EXPECT_EQ(session.printer.printed(), job);
+  EXPECT_EQ(session.printer.printedBytes(), job.size());
+  EXPECT_EQ(session.printer.buffered(), 0U);
+}
+
+TEST(Printing, CommandsToTheMachineAreNotPrintData) {
+  Session session;
+  session.send(ascii("ab") + hex("1b0601 100401 1b2a7242 1b1e4500 17 1b1d03010000") + ascii("cd"));
+  EXPECT_EQ(session.printer.printed(), ascii("abcd"));
+}
+
+TEST(Printing, BytesInsideACountedPayloadAreDataAndNothingElse) {
+  const char* trap = "17 100401 1b0601 1b1d03030000 1b1d03010000 1d4941 100402";
+  const Bytes payload = hex(trap);
+  ASSERT_EQ(payload.size(), 25U);
+  const struct {
+    const char* what;
+    const char* header;
+  } commands[] = {
+      {"raster", "1d7630 00 0500 0500"},
+      {"bit image, one byte a column", "1b2a 01 1900"},
+      {"graphics", "1d284c 1900"},
+      {"large graphics", "1d384c 19000000"},
+      {"two-dimensional code", "1d286b 1900"},
+      {"bar code, counted", "1d6b49 19"},
+      {"another counted command", "1b2859 1900"},
+  };
+  for (const auto& command : commands) {
+    Session session;
+    const Bytes job = hex(command.header) + payload;
+    EXPECT_TRUE(session.send(job));
+    EXPECT_EQ(session.receive(), Bytes{}) << command.what;
+    EXPECT_EQ(session.printer.printed(), job) << command.what;
+    EXPECT_EQ(session.ask("100401"), hex("12")) << command.what << ": the payload must have ended";
+    EXPECT_EQ(session.printer.state().etbCounter, 0) << command.what;
+  }
+}
+
+TEST(Printing, BytesInsideABarcodeThatEndsWithAZeroAreData) {
+  Session session;
+  session.send("1d6b04 1017 41 00 17");
+  EXPECT_EQ(session.printer.printed(), hex("1d6b04 1017 41 00"));
+  EXPECT_EQ(session.printer.state().etbCounter, 1);
+}
+
+TEST(Printing, TheMakersCommandIsToldFromABitImage) {
+  Session session;
+  EXPECT_EQ(session.ask("1b2a 21 0100 1b0601 1b2a7242 1b0601").size(), 9U)
+      << "the first request is image data";
+}
+
+TEST(Printing, EachByteTakesItsTime) {
+  Session session(slow());
+  session.send(ascii("0123456789"));
+  EXPECT_EQ(session.printer.buffered(), 10U);
+  session.wait(99ms);
+  EXPECT_EQ(session.link->space(session.now), 90U);
+  session.wait(1ms);
+  EXPECT_EQ(session.link->space(session.now), 91U);
+  session.wait(900ms);
+  EXPECT_EQ(session.link->space(session.now), 100U);
+  EXPECT_EQ(session.printer.printed(), ascii("0123456789"));
+}
+
+TEST(Printing, TheResultDoesNotDependOnHowOftenThePrinterIsLookedAt) {
+  Session rarely(PrinterBuilder().speed(7));
+  Session often(PrinterBuilder().speed(7));
+  for (Session* session : {&rarely, &often})
+    session->send(ascii("some text of a job") + hex("1b1d03010000"));
+  for (int i = 0; i < 3'000; ++i) {
+    often.wait(1ms);
+    often.link->available(often.now);
+  }
+  rarely.wait(3s);
+  rarely.link->available(rarely.now);
+  EXPECT_EQ(rarely.printer.printed(), often.printer.printed());
+  EXPECT_EQ(often.printer.printed().size(), 18U);
+  EXPECT_EQ(rarely.link->nextEvent(rarely.now), often.link->nextEvent(often.now));
+}
+
+TEST(Printing, AFullBufferLeavesNoSpaceUntilTheNextByteIsPrinted) {
+  Session session(slow());
+  EXPECT_EQ(session.link->write(Bytes(150, 'x'), session.now), 100U);
+  EXPECT_EQ(session.link->space(session.now), 0U);
+  EXPECT_EQ(session.link->nextEvent(session.now), session.now + 100ms);
+  session.wait(100ms);
+  EXPECT_EQ(session.link->space(session.now), 1U);
+}
+
+TEST(Printing, AnImageLargerThanTheBufferPassesThroughIt) {
+  Session session(PrinterBuilder().speed(1000).buffer(16));
+  const Bytes job = hex("1d7630 00 4800 0a00") + Bytes(720, 0x17) + hex("0a");
+  std::size_t sent = 0;
+  while (sent < job.size()) {
+    sent += session.link->write(std::span(job).subspan(sent), session.now);
+    session.now = session.link->nextEvent(session.now).value();
+  }
+  session.wait(1s);
+  session.link->available(session.now);
+  EXPECT_EQ(session.printer.printed(), job);
+}
+
+TEST(Printing, AnEtbCountsWhenEverythingBeforeItHasBeenPrinted) {
+  Session session(slow());
+  session.send(ascii("0123") + hex("17 17"));
+  session.wait(499ms);
+  EXPECT_EQ(etbCounterOf(session.ask(kStatusRequest)), 0);
+  session.wait(1ms);
+  EXPECT_EQ(etbCounterOf(session.ask(kStatusRequest)), 1);
+  session.wait(100ms);
+  EXPECT_EQ(etbCounterOf(session.ask(kStatusRequest)), 2);
+}
+
+TEST(Printing, TheReportOfAnEtbComesUnaskedAtItsTime) {
+  Session session(slow());
+  session.send(ascii("0123") + hex("1b1d03010000"));
+  EXPECT_EQ(session.link->nextEvent(session.now), session.now + 1s);
+  session.wait(999ms);
+  EXPECT_EQ(session.receive(), Bytes{});
+  session.wait(1ms);
+  EXPECT_EQ(session.receive(), hex("1b1d03010000 01 00"));
+  EXPECT_EQ(session.link->nextEvent(session.now), std::nullopt);
+}
+
+TEST(Printing, TheCounterResetActsOnReceptionWhileDataIsHeld) {
+  Session session(slow().etbCounter(7));
+  session.send(ascii("0123456789"));
+  EXPECT_EQ(etbCounterOf(session.ask("1b1e4500 1b0601")), 0);
+  session.send(ascii("0") + hex("1b1d03020000"));
+  EXPECT_EQ(session.printer.state().etbCounter, 0);
+}
+
+TEST(Printing, StatusIsAnsweredWhileDataIsHeld) {
+  Session session(slow());
+  session.send(ascii("0123456789"));
+  EXPECT_EQ(session.ask("100401"), hex("12"));
+  EXPECT_EQ(session.ask(kStatusRequest).size(), 9U);
+  EXPECT_EQ(session.printer.buffered(), 10U);
+}
+
+TEST(Printing, AnOffLinePrinterKeepsWhatItHoldsCountsNoEtbAndPrintsOnWhenItIsReady) {
+  Session session(slow());
+  session.send(ascii("0123456789") + hex("17"));
+  session.wait(300ms);
+  session.printer.setFlag("coverOpen", true, session.now);
+  session.wait(1h);
+  EXPECT_EQ(session.ask("100401"), hex("1a"));
+  EXPECT_EQ(session.printer.printed(), ascii("012"));
+  EXPECT_EQ(session.printer.buffered(), 8U);
+  EXPECT_EQ(session.link->nextEvent(session.now), std::nullopt);
+  session.printer.setFlag("coverOpen", false, session.now);
+  EXPECT_EQ(session.link->nextEvent(session.now), session.now + 800ms);
+  session.wait(800ms);
+  EXPECT_EQ(etbCounterOf(session.ask(kStatusRequest)), 1);
+  EXPECT_EQ(session.printer.printed(), ascii("0123456789"));
+}
+
+TEST(Printing, AnUnlimitedPrinterThatWasOffLinePrintsAllAtOnceWhenItIsReady) {
+  Session session(PrinterBuilder().paperOut());
+  session.send(ascii("0123456789") + hex("17"));
+  EXPECT_EQ(session.printer.buffered(), 11U);
+  session.printer.setFlag("receiptPaperEmpty", false, session.now);
+  EXPECT_EQ(session.printer.printed(), ascii("0123456789"));
+  EXPECT_EQ(session.printer.state().etbCounter, 1);
+}
+
+TEST(Printing, ANewSpeedHoldsFromItsInstantOn) {
+  Session session(slow());
+  session.send(ascii("0123456789"));
+  session.wait(500ms);
+  session.printer.set("speed", "1000", session.now);
+  session.wait(4ms);
+  EXPECT_EQ(session.link->space(session.now), 99U);
+  session.wait(1ms);
+  EXPECT_EQ(session.link->space(session.now), 100U);
+}
+
+TEST(Printing, WhatAHostLeftGoesOnPrintingAfterItHungUp) {
+  Session session(slow());
+  session.send(ascii("0123456789"));
+  session.wait(200ms);
+  session.reconnect();
+  session.wait(800ms);
+  EXPECT_EQ(session.ask("100401"), hex("12"));
+  EXPECT_EQ(session.printer.printed(), ascii("0123456789"));
+}
+
+TEST(Printing, ACommandThatALinkLeftUnfinishedDoesNotSwallowTheNextLinksBytes) {
+  for (const PrinterBuilder& printer : {PrinterBuilder(), slow()}) {
+    Session session(printer);
+    session.send(ascii("a") + hex("1d7630 00 0a00 0a00 ffff"));
+    session.reconnect();
+    EXPECT_EQ(session.ask("100401"), hex("12"));
+    session.send(ascii("b\n"));
+    session.wait(10s);
+    session.link->available(session.now);
+    EXPECT_EQ(session.printer.printed(),
+              ascii("a") + hex("1d7630 00 0a00 0a00 ffff") + ascii("b\n"));
+    const auto* line = std::get_if<Line>(&session.printer.paper().items().at(0));
+    ASSERT_NE(line, nullptr);
+    EXPECT_EQ(std::get<TextRun>(line->items.at(0).content).text, U"ab");
+  }
+}
+
+TEST(Printing, TearingOffLeavesACleanPaper) {
+  Session session;
+  session.send(ascii("one\n"));
+  EXPECT_EQ(session.printer.tearOff().items().size(), 1U);
+  EXPECT_TRUE(session.printer.paper().items().empty());
+  EXPECT_TRUE(session.printer.printed().empty());
+  EXPECT_EQ(session.printer.printedBytes(), 4U);
+}
+
+}  // namespace
+}  // namespace quordalvane::simulator

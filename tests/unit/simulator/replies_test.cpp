@@ -1,0 +1,118 @@
+#include <gtest/gtest.h>
+
+#include "tests/unit/simulator/Session.h"
+
+namespace quordalvane::simulator {
+namespace {
+
+struct Exchange {
+  const char* what;
+  PrinterBuilder printer;
+  const char* request;
+  Bytes reply;
+};
+
+std::vector<Exchange> exchanges() {
+  const PrinterBuilder plain = PrinterBuilder().firmware("F1");
+  return {
+      {"a lone status request", plain, "1b 06 01", hex("89 01 00000020 00 00 05")},
+      {"the whole line-mode request", plain, "1b2a7242 1b1d03040000 1b0601",
+       hex("89 01 00000020 00 00 05")},
+      {"an open cover is off line", PrinterBuilder().coverOpen(), "1b0601",
+       hex("89 01 03000020 00 00 05")},
+      {"paper out is off line", PrinterBuilder().paperOut(), "1b0601",
+       hex("89 01 02000220 00 00 05")},
+      {"paper in the exit is not", PrinterBuilder().paperInExit(), "1b0601",
+       hex("89 01 00001020 00 00 05")},
+      {"state bytes",
+       PrinterBuilder().etbCounter(0xab).presenterState(2).connectedInterface(3).with(
+           Flag::etbAvailable, false),
+       "1b0601", hex("89 01 00000000 ab 02 03")},
+      {"preparing has no reply", plain, "1b2a7242", {}},
+      {"firmware in line mode", plain, "1b232a0a00", hex("1b232a 4631 0a00")},
+      {"firmware in ESC/POS", plain, "1d4941", hex("5f 4631 00")},
+      {"bank 1", PrinterBuilder().dipBank1({0x0a, 0x00}), "1b232c310a00", hex("1b232c31 0a00 0a")},
+      {"bank 2", PrinterBuilder().dipBank2({0x1b, 0xff}), "1b232c320a00", hex("1b232c32 1bff 0a")},
+      {"there is no bank 3", plain, "1b232c330a00", {}},
+      {"drawer, nothing set", plain, "100401", hex("12")},
+      {"drawer open", PrinterBuilder().with(Flag::compulsionSwitch), "100401", hex("16")},
+      {"off line", PrinterBuilder().offline(), "100401", hex("1a")},
+      {"cover shut", plain, "100402", hex("12")},
+      {"cover open", PrinterBuilder().coverOpen(), "100402", hex("16")},
+      {"paper there", plain, "100404", hex("12")},
+      {"paper near its end", PrinterBuilder().with(Flag::receiptPaperNearEmptyInner), "100404",
+       hex("1e")},
+      {"paper out", PrinterBuilder().paperOut(), "100404", hex("72")},
+      {"no such query", plain, "100403", {}},
+      {"cancel, its end and its time-out are silent",
+       plain,
+       "1b1d03050105 1b1d03030000 1b1d03040000",
+       {}},
+      {"counter resets are silent", plain, "1b1e4500 1b1d03020000", {}},
+      {"an ETB of line mode is silent", plain, "17", {}},
+      {"an ETB of ESC/POS reports", plain, "1b1d03010000", hex("1b1d03010000 01 00")},
+      {"reports count on, and wrap", PrinterBuilder().etbCounter(0xfe), "1b1d03010000 1b1d03010000",
+       hex("1b1d03010000 ff 00 1b1d03010000 00 00")},
+      {"both systems on one stream", plain, "100401 1b0601 100402",
+       hex("12 89 01 00000020 00 00 05 12")},
+  };
+}
+
+TEST(Replies, AreAsDocumented) {
+  for (const Exchange& exchange : exchanges()) {
+    Session session(exchange.printer);
+    EXPECT_EQ(session.ask(exchange.request), exchange.reply) << exchange.what;
+  }
+}
+
+TEST(Replies, AreTheSameWhereverTheRequestIsSplit) {
+  for (const Exchange& exchange : exchanges()) {
+    const Bytes request = hex(exchange.request);
+    for (std::size_t at = 0; at <= request.size(); ++at) {
+      Session session(exchange.printer);
+      const auto middle = request.begin() + static_cast<std::ptrdiff_t>(at);
+      session.send(Bytes(request.begin(), middle));
+      session.wait(10ms);
+      session.send(Bytes(middle, request.end()));
+      EXPECT_EQ(session.receive(), exchange.reply) << exchange.what << ", split at " << at;
+      EXPECT_TRUE(session.printer.paper().items().empty()) << exchange.what << ", split at " << at;
+    }
+  }
+}
+
+TEST(Replies, EveryFlagHasItsOwnBit) {
+  for (std::size_t k = 0; k < kFlagCount; ++k) {
+    PrinterState state;
+    for (std::size_t other = 0; other < kFlagCount; ++other)
+      state.setFlag(static_cast<Flag>(other), other == k);
+    Session session(PrinterBuilder().with(Flag::etbAvailable, false).with(static_cast<Flag>(k)));
+    Bytes block = session.ask(kStatusRequest);
+    ASSERT_EQ(block.size(), 9U);
+    const std::uint8_t bit = static_cast<std::uint8_t>(1U << k % 8);
+    EXPECT_TRUE((block[2 + k / 8] & bit) != 0) << kFlagNames[k];
+    block[2 + k / 8] = static_cast<std::uint8_t>(block[2 + k / 8] & ~bit);
+    block[2] = static_cast<std::uint8_t>(block[2] & ~2U);  // off line may follow from the flag
+    EXPECT_EQ(block, hex("89 01 00000000 00 00 05")) << kFlagNames[k];
+  }
+}
+
+TEST(Replies, CoverPaperAndErrorsMakeThePrinterOffLineByThemselvesAndNothingElseDoes) {
+  for (std::size_t k = 0; k < kFlagCount; ++k) {
+    const auto flag = static_cast<Flag>(k);
+    const bool error = flag >= Flag::overTemp && flag <= Flag::voltageError;
+    const bool stops = error || flag == Flag::coverOpen || flag == Flag::offline ||
+                       flag == Flag::receiptPaperEmpty;
+    EXPECT_EQ(PrinterBuilder().with(flag).state().flag(Flag::offline), stops) << kFlagNames[k];
+  }
+}
+
+TEST(Replies, AHostThatNeverReadsCannotMakeThePrinterRememberWithoutEnd) {
+  Session session;
+  for (int i = 0; i < 20'000; ++i)
+    session.send(kStatusRequest);
+  EXPECT_LE(session.link->available(session.now), 64U * 1024U);
+  EXPECT_EQ(session.receive().size() % 9, 0U) << "a reply is kept whole or not at all";
+}
+
+}  // namespace
+}  // namespace quordalvane::simulator

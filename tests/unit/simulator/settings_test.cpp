@@ -1,0 +1,108 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "tests/unit/simulator/Session.h"
+
+namespace quordalvane::simulator {
+namespace {
+
+using testing::HasSubstr;
+using testing::ThrowsMessage;
+
+TEST(Settings, EachKeyChangesWhatItNames) {
+  PrinterState state;
+  state.set("coverOpen", "true");
+  state.set("firmware", "Ver 2.10");
+  state.set("dip1", "c00a");
+  state.set("dip2", "00FF");
+  state.set("speed", "200");
+  state.set("buffer", "16");
+  state.set("presenterState", "3");
+  state.set("connectedInterface", "2");
+  state.set("paper", "58");
+  EXPECT_TRUE(state.flag(Flag::coverOpen));
+  EXPECT_EQ(state.firmware(), "Ver 2.10");
+  EXPECT_EQ(state.dipBanks[0], (DipBank{0xc0, 0x0a}));
+  EXPECT_EQ(state.dipBanks[1], (DipBank{0x00, 0xff}));
+  EXPECT_EQ(state.buttonSecurity(), 3U);
+  EXPECT_EQ(state.bytesPerSecond, 200U);
+  EXPECT_EQ(state.bufferSize(), 16U);
+  EXPECT_EQ(state.presenterState, 3);
+  EXPECT_EQ(state.connectedInterface, 2);
+  EXPECT_EQ(state.paperMillimetres(), 58U);
+}
+
+TEST(Settings, EveryFlagIsSetByItsName) {
+  for (std::size_t k = 0; k < kFlagCount; ++k) {
+    PrinterState state;
+    const auto flag = static_cast<Flag>(k);
+    state.set(kFlagNames[k], "true");
+    EXPECT_TRUE(state.flag(flag)) << kFlagNames[k];
+    state.set(kFlagNames[k], "false");
+    EXPECT_FALSE(state.flag(flag)) << kFlagNames[k];
+  }
+}
+
+TEST(Settings, AWrongValueIsRefusedWithTheKeyAndTheValuesItTakes) {
+  const struct {
+    const char* key;
+    const char* value;
+    const char* takes;
+  } cases[] = {
+      {"coverOpen", "yes", "true or false"},
+      {"firmware", "", "1 to 64 printable ASCII"},
+      {"firmware", "a\nb", "1 to 64 printable ASCII"},
+      {"dip1", "c0", "four hex digits"},
+      {"dip2", "c0zz", "four hex digits"},
+      {"speed", "fast", "bytes a second"},
+      {"speed", "-1", "bytes a second"},
+      {"speed", "12x", "bytes a second"},
+      {"speed", "4294967296", "bytes a second"},
+      {"buffer", "15", "16 or more"},
+      {"presenterState", "4", "0 to 3"},
+      {"connectedInterface", "6", "0 to 5"},
+      {"connectedInterface", "260", "0 to 5"},
+      {"paper", "60", "58 or 80"},
+      {"colour", "red", "receiptPaperEmpty"},
+  };
+  for (const auto& c : cases) {
+    PrinterState state;
+    EXPECT_THAT(
+        [&] { state.set(c.key, c.value); },
+        ThrowsMessage<std::invalid_argument>(testing::AllOf(HasSubstr(c.key), HasSubstr(c.takes))))
+        << c.key << "=" << c.value;
+  }
+}
+
+TEST(Settings, AFirmwareTextOf64CharactersFitsAndOneOf65DoesNot) {
+  PrinterState state;
+  EXPECT_NO_THROW(state.setFirmware(std::string(64, '~')));
+  EXPECT_THROW(state.setFirmware(std::string(65, '~')), std::invalid_argument);
+}
+
+TEST(Settings, ButtonSecurityIsTheTwoTopBitsOfTheFirstByteOfBank1) {
+  const PrinterState state = PrinterBuilder().dipBank1({0x15, 0x77}).buttonSecurity(2).state();
+  EXPECT_EQ(state.dipBanks[0], (DipBank{0x95, 0x77}));
+  EXPECT_EQ(state.buttonSecurity(), 2U);
+  EXPECT_THROW(PrinterBuilder().buttonSecurity(4), std::invalid_argument);
+}
+
+TEST(Settings, AnAddressHasTwelveHexDigits) {
+  EXPECT_EQ(PrinterBuilder().bluetoothAddress("0A1b2C3d4E5f").state().bluetoothAddress(),
+            "0A1b2C3d4E5f");
+  EXPECT_THROW(PrinterBuilder().bluetoothAddress("00:11:22:33:44:55"), std::invalid_argument);
+}
+
+TEST(Settings, ALivePrinterFollowsThemAtOnce) {
+  Session session;
+  EXPECT_TRUE(session.printer.setFlag("coverOpen", true, session.now));
+  EXPECT_FALSE(session.printer.setFlag("coverAjar", true, session.now));
+  EXPECT_EQ(session.ask("100402"), hex("16"));
+  session.printer.set("coverOpen", "false", session.now);
+  EXPECT_EQ(session.ask("100402"), hex("12"));
+}
+
+}  // namespace
+}  // namespace quordalvane::simulator
