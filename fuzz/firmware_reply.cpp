@@ -7,8 +7,8 @@ using fuzz::require;
 /// A text that is found is a whole one, and the first.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const fuzz::Bytes bytes(data, data + size);
+  fuzz::requireSteady(parseFirmwareInfo, bytes, {0x1b, '#', '*', 'A', 0x0a, 0x00});
   const auto place = fuzz::placeIn(parseFirmwareInfo, bytes);
-  fuzz::requireSteady(parseFirmwareInfo, bytes, place);
   if (!place) {
     return 0;
   }

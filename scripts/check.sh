@@ -26,7 +26,7 @@ lint() {
 import json, os, sys
 root = os.getcwd() + "/"
 files = {entry["file"].removeprefix(root) for entry in json.load(open(sys.argv[1]))}
-print("\0".join(sorted(f for f in files if not f.startswith(("tests/", "fuzz/", "/")))), end="")
+print("\0".join(sorted(f for f in files if not f.startswith(("tests/", "fuzz/", "build", "/")))), end="")
 PY
     xargs -0 --max-args=1 --max-procs="$(nproc)" clang-tidy --quiet -p "$build"
 }

@@ -7,6 +7,7 @@ there may look everywhere.
 import re
 import sys
 from dataclasses import dataclass
+from fnmatch import fnmatch
 from pathlib import Path
 
 import tree
@@ -32,7 +33,7 @@ EVERY_SYSTEM_HEADER = None
 
 @dataclass(frozen=True)
 class Rule:
-    place: str  # a folder or a file, from the root; the longest place that fits a file rules it
+    place: str  # a folder or files, from the root; the longest place that fits a file rules it
     rooms: tuple[str, ...]  # what it may include besides what lies in the same place
     headers: set[str] | None  # the headers in angle brackets that it may include
     forbidden: str = ""  # a pattern that its lines must not hold
@@ -50,7 +51,7 @@ RULES = (
     Rule("logging", (), STANDARD | DESCRIPTORS),
     Rule("simulator", (), (STANDARD - THREADS) | DRAWING, NO_CLOCK),
     Rule("backends", ("platform",), STANDARD, NO_CLOCK),
-    Rule("backends/Devices.cpp", ("platform", "backends"), STANDARD, NO_CLOCK),
+    Rule("backends/Device*", ("platform", "backends"), STANDARD, NO_CLOCK),
     Rule("backends/virtual", ("platform", "backends/*", "simulator"), STANDARD, NO_CLOCK),
     Rule("backends/posix", ("platform", "backends/*"), EVERY_SYSTEM_HEADER),
     Rule("job", ("iphone-IOPort", PUBLIC), STANDARD, NO_CLOCK),
@@ -61,7 +62,7 @@ INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
 
 
 def rule_of(path: str) -> Rule | None:
-    fitting = [r for r in RULES if path == r.place or path.startswith(r.place + "/")]
+    fitting = [r for r in RULES if fnmatch(path, r.place) or path.startswith(r.place + "/")]
     return max(fitting, key=lambda rule: len(rule.place), default=None)
 
 
