@@ -10,7 +10,7 @@ bool LogQueue::isFull() const noexcept {
 }
 
 void LogQueue::push(LogRecord&& record) noexcept {
-  bool wasEmpty = false;
+  bool wakesWriter = false;
   {
     const std::lock_guard lock(mutex_);
     ++counts_.handedOver;
@@ -25,12 +25,13 @@ void LogQueue::push(LogRecord&& record) noexcept {
       return;
     }
     ++queuedRecords_;
-    wasEmpty = pending_.records.empty();
+    const bool wasEmpty = pending_.records.empty();
+    const bool wasHalfFull = isHalfFull();
     pendingText_ += record.message.size();
     pending_.records.push_back(std::move(record));
+    wakesWriter = wasEmpty || (isHalfFull() && !wasHalfFull);
   }
-  // The writer looks again before it sleeps, and a wake-up costs more than a record.
-  if (wasEmpty) {
+  if (wakesWriter) {
     filled_.notify_one();
   }
 }
@@ -66,6 +67,8 @@ bool LogQueue::take(Batch& batch) {
   if (pending_.records.empty()) {
     return false;
   }
+  filled_.wait_for(lock, kGatherTime,
+                   [this] { return isHalfFull() || waitingForFinish_ > 0 || !open_; });
   batch.records.reserve(capacity_);  // allocates after a change of capacity only
   std::swap(batch, pending_);
   pending_.dropped = 0;
@@ -84,7 +87,12 @@ void LogQueue::finish(std::size_t records) {
 bool LogQueue::waitUntilFinished(std::chrono::milliseconds timeout) {
   std::unique_lock lock(mutex_);
   const std::uint64_t queued = queuedRecords_;
-  return finished_.wait_for(lock, timeout, [&] { return finishedRecords_ >= queued; });
+  ++waitingForFinish_;
+  filled_.notify_one();
+  const bool isFinished =
+      finished_.wait_for(lock, timeout, [&] { return finishedRecords_ >= queued; });
+  --waitingForFinish_;
+  return isFinished;
 }
 
 LogQueue::Counts LogQueue::counts() const {

@@ -1,0 +1,164 @@
+#include "logging/LogQueue.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "tests/unit/logging/LogFixtures.h"
+
+namespace quordalvane {
+namespace {
+
+using namespace std::chrono_literals;
+using test::recordOf;
+using testing::ElementsAre;
+
+class LogQueueTest : public testing::Test {
+ protected:
+  void push(std::string message) { queue_.push(recordOf(std::move(message))); }
+
+  /// Takes what waits; the queue must hold something.
+  LogQueue::Batch take() {
+    LogQueue::Batch batch;
+    queue_.take(batch);
+    return batch;
+  }
+
+  static std::vector<std::string> messages(const LogQueue::Batch& batch) {
+    std::vector<std::string> messages;
+    for (const LogRecord& record : batch.records) {
+      messages.push_back(record.message);
+    }
+    return messages;
+  }
+
+  LogQueue queue_;
+};
+
+TEST_F(LogQueueTest, DiscardsRecordsUntilItIsOpened) {
+  push("lost");
+  EXPECT_EQ(queue_.counts().handedOver, 1U);
+  EXPECT_EQ(queue_.counts().dropped, 0U);
+  EXPECT_TRUE(queue_.waitUntilFinished(0ms));
+  queue_.open();
+  push("kept");
+  EXPECT_THAT(messages(take()), ElementsAre("kept"));
+}
+
+TEST_F(LogQueueTest, IsTakenWholeAndInOrder) {
+  queue_.open();
+  push("a");
+  push("b");
+  EXPECT_THAT(messages(take()), ElementsAre("a", "b"));
+  push("c");
+  EXPECT_THAT(messages(take()), ElementsAre("c"));
+}
+
+TEST_F(LogQueueTest, DropsWhatFindsItFullAndCountsEachDrop) {
+  queue_.setCapacity(2);
+  queue_.open();
+  for (const char* message : {"a", "b", "c", "d", "e"}) {
+    push(message);
+  }
+  const LogQueue::Batch batch = take();
+  EXPECT_THAT(messages(batch), ElementsAre("a", "b"));
+  EXPECT_EQ(batch.dropped, 3U);
+  EXPECT_EQ(queue_.counts().handedOver, 5U);
+  EXPECT_EQ(queue_.counts().dropped, 3U);
+}
+
+TEST_F(LogQueueTest, TellsTheTimeOfTheFirstDrop) {
+  queue_.setCapacity(1);
+  queue_.open();
+  for (const auto second : {1s, 2s, 3s}) {
+    LogRecord record = recordOf("");
+    record.time += second;
+    queue_.push(std::move(record));
+  }
+  EXPECT_EQ(take().firstDropTime.time_since_epoch(), 2s);
+}
+
+TEST_F(LogQueueTest, TellsADropInTheBatchThatItFollowsAndInNoOther) {
+  queue_.setCapacity(1);
+  queue_.open();
+  push("a");
+  push("dropped");
+  EXPECT_EQ(take().dropped, 1U);
+  push("b");
+  EXPECT_EQ(take().dropped, 0U);
+}
+
+TEST_F(LogQueueTest, StaysFullUntilItIsTaken) {
+  queue_.setCapacity(1);
+  queue_.open();
+  push("a");
+  push("dropped");
+  queue_.setCapacity(2);
+  push("would stand before the gap");
+  const LogQueue::Batch batch = take();
+  EXPECT_THAT(messages(batch), ElementsAre("a"));
+  EXPECT_EQ(batch.dropped, 2U);
+}
+
+TEST_F(LogQueueTest, KeepsWhatWaitsWhenTheCapacityFallsBelowIt) {
+  queue_.open();
+  push("a");
+  push("b");
+  queue_.setCapacity(1);
+  push("dropped");
+  const LogQueue::Batch batch = take();
+  EXPECT_THAT(messages(batch), ElementsAre("a", "b"));
+  EXPECT_EQ(batch.dropped, 1U);
+}
+
+TEST_F(LogQueueTest, RefusesACapacityOfZero) {
+  EXPECT_THROW(queue_.setCapacity(0), std::invalid_argument);
+}
+
+TEST_F(LogQueueTest, Holds8192RecordsUnlessToldOtherwise) {
+  queue_.open();
+  for (int count = 0; count < 8193; ++count) {
+    push("");
+  }
+  EXPECT_EQ(queue_.counts().dropped, 1U);
+  EXPECT_EQ(take().records.size(), 8192U);
+}
+
+TEST_F(LogQueueTest, IsFullWhenItsMessagesHoldTooMuchTextHoweverFewTheyAre) {
+  queue_.open();
+  push(std::string(LogQueue::kTextLimit, 'x'));
+  push("dropped");
+  EXPECT_EQ(queue_.counts().dropped, 1U);
+  EXPECT_EQ(take().records.size(), 1U);
+  push("kept");
+  EXPECT_EQ(queue_.counts().dropped, 1U);
+}
+
+TEST_F(LogQueueTest, IsFinishedWhenAllThatWasQueuedIsFinished) {
+  queue_.open();
+  EXPECT_TRUE(queue_.waitUntilFinished(0ms));
+  push("a");
+  push("b");
+  EXPECT_FALSE(queue_.waitUntilFinished(0ms));
+  take();
+  queue_.finish(1);
+  EXPECT_FALSE(queue_.waitUntilFinished(1ms));
+  queue_.finish(1);
+  EXPECT_TRUE(queue_.waitUntilFinished(0ms));
+}
+
+TEST_F(LogQueueTest, GivesOutWhatWaitsAfterItIsClosedAndThenEnds) {
+  queue_.open();
+  push("a");
+  queue_.close();
+  push("discarded");
+  LogQueue::Batch batch;
+  EXPECT_TRUE(queue_.take(batch));
+  EXPECT_THAT(messages(batch), ElementsAre("a"));
+  batch.records.clear();
+  EXPECT_FALSE(queue_.take(batch));
+}
+
+}  // namespace
+}  // namespace quordalvane

@@ -1,0 +1,189 @@
+#include "logging/RotatingFile.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <csignal>
+
+#include "tests/unit/logging/LogFixtures.h"
+
+namespace quordalvane {
+namespace {
+
+using test::contentsOf;
+
+class RotatingFileTest : public testing::Test {
+ protected:
+  static void put(RotatingFile& file, std::initializer_list<const char*> lines) {
+    for (const char* line : lines) {
+      file.append(line);
+    }
+    file.flush();
+  }
+
+  std::string contents(const std::string& suffix = "") const { return contentsOf(path_ + suffix); }
+  bool exists(const std::string& suffix) const { return std::filesystem::exists(path_ + suffix); }
+
+  test::TemporaryFolder folder_;
+  std::string path_ = folder_.file("port.log");
+};
+
+TEST_F(RotatingFileTest, WritesLinesInOrder) {
+  RotatingFile file(path_, {});
+  put(file, {"one\n", "two\n"});
+  put(file, {"three\n"});
+  EXPECT_EQ(contents(), "one\ntwo\nthree\n");
+}
+
+TEST_F(RotatingFileTest, MakesRoomBeforeTheLineThatWouldLeadBeyondTheMaximum) {
+  RotatingFile file(path_, {.maximumBytes = 8, .keptFiles = 5});
+  put(file, {"aaa\n", "bbb\n", "ccc\n"});
+  EXPECT_EQ(contents(".1"), "aaa\nbbb\n");
+  EXPECT_EQ(contents(), "ccc\n");
+}
+
+TEST_F(RotatingFileTest, KeepsTheNewestFilesAndReplacesTheOldest) {
+  RotatingFile file(path_, {.maximumBytes = 4, .keptFiles = 2});
+  put(file, {"aaa\n", "bbb\n", "ccc\n", "ddd\n"});
+  EXPECT_EQ(contents(), "ddd\n");
+  EXPECT_EQ(contents(".1"), "ccc\n");
+  EXPECT_EQ(contents(".2"), "bbb\n");
+  EXPECT_FALSE(exists(".3"));
+}
+
+TEST_F(RotatingFileTest, KeepsNoOldFileWhenNoneIsWanted) {
+  RotatingFile file(path_, {.maximumBytes = 4, .keptFiles = 0});
+  put(file, {"aaa\n", "bbb\n"});
+  EXPECT_EQ(contents(), "bbb\n");
+  EXPECT_FALSE(exists(".1"));
+}
+
+TEST_F(RotatingFileTest, GrowsForEverWhenTheMaximumIsZero) {
+  RotatingFile file(path_, {.maximumBytes = 0, .keptFiles = 5});
+  put(file, {"aaa\n", "bbb\n"});
+  EXPECT_EQ(contents(), "aaa\nbbb\n");
+}
+
+TEST_F(RotatingFileTest, GivesALineThatIsTooLongAFileOfItsOwn) {
+  RotatingFile file(path_, {.maximumBytes = 4, .keptFiles = 5});
+  put(file, {"a\n", "bbbbbbbb\n", "c\n"});
+  EXPECT_EQ(contents(".2"), "a\n");
+  EXPECT_EQ(contents(".1"), "bbbbbbbb\n");
+  EXPECT_EQ(contents(), "c\n");
+}
+
+TEST_F(RotatingFileTest, CountsWhatTheFileHeldBefore) {
+  std::ofstream(path_) << "aaa\n";
+  RotatingFile file(path_, {.maximumBytes = 6, .keptFiles = 5});
+  put(file, {"bbb\n"});
+  EXPECT_EQ(contents(".1"), "aaa\n");
+  EXPECT_EQ(contents(), "bbb\n");
+}
+
+TEST_F(RotatingFileTest, BeginsANewLineBehindATornOne) {
+  std::ofstream(path_) << "tor";
+  RotatingFile file(path_, {});
+  put(file, {"whole\n"});
+  EXPECT_EQ(contents(), "tor\nwhole\n");
+}
+
+TEST_F(RotatingFileTest, IsReadableForItsOwnerAlone) {
+  const RotatingFile file(path_, {});
+  struct stat facts {};
+  ASSERT_EQ(::stat(path_.c_str(), &facts), 0);
+  EXPECT_EQ(facts.st_mode & 0777U, 0600U);
+}
+
+TEST_F(RotatingFileTest, IsNotInheritedByExecutedPrograms) {
+  const int next = ::dup(0);  // the lowest free descriptor, which the file will take
+  ::close(next);
+  const RotatingFile file(path_, {});
+  EXPECT_EQ(::fcntl(next, F_GETFD), FD_CLOEXEC);
+}
+
+TEST_F(RotatingFileTest, MakesAFileAnewThatWasMovedAway) {
+  RotatingFile file(path_, {});
+  put(file, {"one\n"});
+  std::filesystem::rename(path_, path_ + ".moved");
+  put(file, {"two\n"});
+  EXPECT_EQ(contents(".moved"), "one\n");
+  EXPECT_EQ(contents(), "two\n");
+}
+
+TEST_F(RotatingFileTest, SaysThatItsFolderIsGoneAndWritesAgainWhenItIsBack) {
+  const std::string inner = folder_.file("inner");
+  std::filesystem::create_directory(inner);
+  RotatingFile file(inner + "/port.log", {});
+  std::filesystem::remove_all(inner);
+  EXPECT_THROW(put(file, {"lost\n"}), std::system_error);
+  std::filesystem::create_directory(inner);
+  put(file, {"kept\n"});
+  EXPECT_EQ(contentsOf(inner + "/port.log"), "kept\n");
+}
+
+TEST_F(RotatingFileTest, SaysThatItCannotBeOpened) {
+  EXPECT_THROW(RotatingFile(folder_.file("none/port.log"), {}), std::system_error);
+}
+
+TEST_F(RotatingFileTest, SaysThatTheDiskIsFull) {
+  RotatingFile file("/dev/full", {});
+  try {
+    put(file, {"lost\n"});
+    FAIL() << "nothing was thrown";
+  } catch (const std::system_error& failure) {
+    EXPECT_EQ(failure.code(), std::errc::no_space_on_device);
+  }
+}
+
+/// No file of this process may grow beyond the given size meanwhile.
+class FileSizeLimit {
+ public:
+  explicit FileSizeLimit(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
+    ::getrlimit(RLIMIT_FSIZE, &saved_);
+    const rlimit limit{.rlim_cur = bytes, .rlim_max = saved_.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  ~FileSizeLimit() {
+    ::setrlimit(RLIMIT_FSIZE, &saved_);
+    std::signal(SIGXFSZ, handler_);
+  }
+
+  FileSizeLimit(const FileSizeLimit&) = delete;
+  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+ private:
+  rlimit saved_{};
+  void (*handler_)(int);
+};
+
+TEST_F(RotatingFileTest, LeavesNoHalfALineWhereRoomRanOut) {
+  RotatingFile file(path_, {});
+  put(file, {"first\n"});
+  {
+    const FileSizeLimit limit(15);
+    EXPECT_THROW(put(file, {"second\n", "third\n"}), std::system_error);
+  }
+  EXPECT_EQ(contents(), "first\nsecond\n");
+  put(file, {"fourth\n"});
+  EXPECT_EQ(contents(), "first\nsecond\nfourth\n");
+}
+
+TEST_F(RotatingFileTest, GrowsOnAndSaysSoOnceWhenItCannotBeRotated) {
+  std::filesystem::create_directory(path_ + ".1");  // in the way
+  RotatingFile file(path_, {.maximumBytes = 4, .keptFiles = 1});
+  EXPECT_THROW(put(file, {"aaa\n", "bbb\n"}), std::system_error);
+  put(file, {"ccc\n"});
+  EXPECT_EQ(contents(), "aaa\nbbb\nccc\n");
+}
+
+TEST_F(RotatingFileTest, NeverRotatesADevice) {
+  RotatingFile file("/dev/null", {.maximumBytes = 4, .keptFiles = 1});
+  put(file, {"aaa\n", "bbb\n"});
+  EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
+  EXPECT_FALSE(std::filesystem::exists("/dev/null.1"));
+}
+
+}  // namespace
+}  // namespace quordalvane
