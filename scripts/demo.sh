@@ -6,15 +6,16 @@ quorport=$1
 folder=$2
 mkdir -p "$folder"
 
-# show EMULATION RECEIPT
+# show EMULATION JOB: prints the file JOB, once for the picture and once for the text.
 show() {
-  local job=examples/$2 printed=$folder/${2%.*}-$1
-  echo "== $job, printed with --emulation $1"
-  "$quorport" --emulation "$1" print --receipt "$printed.png" "$job"
-  "$quorport" --emulation "$1" print --receipt "$printed.txt" "$job" >/dev/null
-  cat "$printed.txt"
-  echo "picture: $printed.png"
+  local paper=$folder/receipt-$1
+  echo "== $2, printed with --emulation $1"
+  "$quorport" --emulation "$1" print --receipt "$paper.png" "$2"
+  "$quorport" --emulation "$1" print --receipt "$paper.txt" "$2" >/dev/null
+  cat "$paper.txt"
+  echo "as a picture: $paper.png"
 }
 
-show line receipt.txt
-show escpos receipt.escpos
+show line examples/receipt.txt
+python3 examples/escpos_receipt.py >"$folder/escpos_receipt.bin"
+show escpos "$folder/escpos_receipt.bin"

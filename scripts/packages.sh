@@ -4,8 +4,8 @@
 # shellcheck disable=SC2034  # the lists are used by ./dev
 build_packages=(cmake ninja-build g++ pkg-config libgtest-dev libgmock-dev libcli11-dev
   nlohmann-json3-dev libcairo2-dev libzint-dev)
-drawing_packages=(fonts-dejavu-core)
-test_packages=(python3)
+demo_packages=(fonts-dejavu-core python3)
+test_packages=(fonts-dejavu-core python3)
 check_packages=(clang-format clang-tidy python3)
 fuzz_packages=(clang libclang-rt-dev)
 

@@ -37,7 +37,7 @@ def objections(data: bytes) -> list[tuple[int, str]]:
 
 def is_data(path: Path) -> bool:
     """Receipts and what the fuzzers feed on are bytes, whatever they look like."""
-    return path.parts[0] == "examples" or "corpus" in path.parts
+    return "corpus" in path.parts or (path.parts[0] == "examples" and path.suffix in (".txt", ".bin"))
 
 
 def violations(root: Path) -> list[str]:
