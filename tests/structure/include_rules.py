@@ -55,7 +55,7 @@ RULES = (
     Rule("backends/virtual", ("platform", "backends/*", "simulator"), STANDARD, NO_CLOCK),
     Rule("backends/posix", ("platform", "backends/*"), EVERY_SYSTEM_HEADER),
     Rule("job", ("iphone-IOPort", PUBLIC), STANDARD, NO_CLOCK),
-    Rule("tools", ("job", "iphone-IOPort", "backends", PUBLIC), EVERY_SYSTEM_HEADER),
+    Rule("tools", ("job", "iphone-IOPort", "logging", "backends", "platform", PUBLIC), EVERY_SYSTEM_HEADER),
 )
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
