@@ -11,11 +11,11 @@ using Bytes = std::span<const std::uint8_t>;
 constexpr unsigned kWidest = kWidePaperDots;
 
 unsigned word(Bytes bytes, std::size_t at) {
-  return bytes[at] | static_cast<unsigned>(bytes[at + 1]) << 8U;
+  return bytes[at] + 256U * bytes[at + 1];
 }
 
 bool dot(Bytes rows, std::size_t stride, std::size_t x, std::size_t y) {
-  return (rows[y * stride + x / 8] >> (7U - x % 8U) & 1U) != 0;
+  return (rows[y * stride + x / 8] & 0x80U >> x % 8U) != 0;
 }
 
 Bitmap fromRows(Bytes rows, unsigned width, unsigned height, unsigned scaleX, unsigned scaleY) {

@@ -40,7 +40,7 @@ Bitmap::Bitmap(unsigned widthInDots, unsigned heightInDots)
     : width(widthInDots), height(heightInDots), rows(stride() * heightInDots, 0) {}
 
 bool Bitmap::black(unsigned x, unsigned y) const {
-  return (rows[y * stride() + x / 8] >> (7U - x % 8U) & 1U) != 0;
+  return (rows[y * stride() + x / 8] & 0x80U >> x % 8U) != 0;
 }
 
 void Bitmap::blacken(unsigned x, unsigned y) {

@@ -158,8 +158,9 @@ void Typesetter::font(Bytes command) {
 }
 
 void Typesetter::characterSize(Bytes command) {
-  style_.widthFactor = static_cast<std::uint8_t>((command[2] >> 4U & 7U) + 1);
-  style_.heightFactor = static_cast<std::uint8_t>((command[2] & 7U) + 1);
+  const unsigned factors = command[2];
+  style_.widthFactor = static_cast<std::uint8_t>((factors >> 4U & 7U) + 1);
+  style_.heightFactor = static_cast<std::uint8_t>((factors & 7U) + 1);
 }
 
 void Typesetter::align(Bytes command) {
@@ -195,11 +196,11 @@ void Typesetter::feedLinesOrCut(Bytes command) {
 }
 
 void Typesetter::position(Bytes command) {
-  line_.moveTo(command[2] | command[3] << 8U);
+  line_.moveTo(command[2] + 256U * command[3]);
 }
 
 void Typesetter::positionFurther(Bytes command) {
-  const auto distance = static_cast<std::int16_t>(command[2] | command[3] << 8U);
+  const auto distance = static_cast<std::int16_t>(command[2] + 256 * command[3]);
   const int target = static_cast<int>(line_.position()) + distance;
   if (target >= 0)
     line_.moveTo(static_cast<unsigned>(target));
