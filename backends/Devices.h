@@ -1,0 +1,36 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "backends/DeviceSpec.h"
+#include "backends/posix/PosixPlatform.h"
+#include "platform/Clock.h"
+#include "platform/EAAccessory.h"
+
+namespace quordalvane {
+
+/// Makes the accessory that `spec` describes. Nothing is connected before a session is opened on
+/// it. Its connection identifier is the one given, else a running number of the process: 1, 2, and
+/// on. `clock` must outlive the accessory; the printer that is built in lives by it.
+///
+/// Raises `std::invalid_argument` with a text for people if the built-in printer refuses an option.
+/// May be called from any thread.
+std::shared_ptr<EAAccessory> makeAccessory(const DeviceSpec& spec, Clock& clock);
+
+/// Makes the platform of an ordinary program, with the devices of these texts attached in their
+/// order, and sets it as the process's own: ports that are created from then on find them.
+///
+///     quordalvane::connectDevices({"tcp:192.0.2.10:9100,name=Kitchen"});
+///
+/// Nothing is connected before a port is opened. Returns the platform, for attaching more. Raises
+/// `std::invalid_argument` as `parseDeviceSpec` and `makeAccessory` do; the process's platform is
+/// then as it was.
+std::shared_ptr<posix::PosixPlatform> connectDevices(const std::vector<std::string>& specs);
+
+/// Why the latest session on `accessory` could not be opened, as a text for people; "" if it could,
+/// or if the accessory's back end gives no reasons.
+std::string lastOpenError(EAAccessory& accessory);
+
+}  // namespace quordalvane

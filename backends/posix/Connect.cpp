@@ -1,0 +1,128 @@
+#include "backends/posix/Connect.h"
+
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+
+#include <cerrno>
+#include <cstring>
+#include <stdexcept>
+#include <system_error>
+
+#include "backends/posix/Resolve.h"
+
+namespace quordalvane::posix {
+namespace {
+
+using namespace std::chrono_literals;
+
+// After this much silence on an idle connection the other side is asked for a sign of life, and
+// again.
+constexpr std::chrono::seconds keepAliveInterval{15};
+
+// The longest that sent data or a question for a sign of life may go without an acknowledgement.
+constexpr std::chrono::milliseconds givenUpAfter{120'000};
+
+template <typename Value>
+void setOption(const Descriptor& socket, int level, int name, const Value& value) {
+  if (::setsockopt(socket.number(), level, name, &value, sizeof value) != 0) {
+    throw std::system_error(errno, std::generic_category());
+  }
+}
+
+void boundConnect(const Descriptor& socket, SteadyTime deadline) {
+  using namespace std::chrono;
+  // A time-out of zero would mean none at all.
+  const auto left = std::max(ceil<microseconds>(deadline - SteadyClock::now()), 1us);
+  const auto whole = floor<seconds>(left);
+  const timeval timeout{.tv_sec = whole.count(), .tv_usec = microseconds(left - whole).count()};
+  setOption(socket, SOL_SOCKET, SO_SNDTIMEO, timeout);
+}
+
+// A connected socket, or an exception with the reason.
+Descriptor connectUntil(SteadyTime deadline, const SocketAddress& address) {
+  const int number = ::socket(address.storage.ss_family, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  if (number < 0) {
+    throw std::system_error(errno, std::generic_category());
+  }
+  Descriptor socket(number, Descriptor::Kind::socket);
+  while (true) {
+    boundConnect(socket, deadline);
+    if (::connect(number, reinterpret_cast<const sockaddr*>(&address.storage), address.length) ==
+        0) {
+      return socket;
+    }
+    if (errno == EINTR) {
+      continue;  // connecting goes on meanwhile, and asking again waits for its end
+    }
+    const bool timedOut = errno == EINPROGRESS || errno == EALREADY || errno == EAGAIN;
+    throw std::system_error(timedOut ? ETIMEDOUT : errno, std::generic_category());
+  }
+}
+
+// Each address gets an equal share of the time that is left, so that a silent one leaves some to
+// the next.
+Descriptor connectToAny(const std::vector<SocketAddress>& addresses, SteadyTime deadline) {
+  for (std::size_t i = 0;; ++i) {
+    const auto remaining = static_cast<SteadyClock::rep>(addresses.size() - i);
+    const auto now = SteadyClock::now();
+    try {
+      return connectUntil(now + (deadline - now) / remaining, addresses[i]);
+    } catch (const std::system_error&) {
+      if (remaining == 1) {
+        throw;
+      }
+    }
+  }
+}
+
+void makeFitForExchanges(const Descriptor& socket) {
+  using std::chrono::seconds;
+  setOption(socket, IPPROTO_TCP, TCP_NODELAY, 1);
+  setOption(socket, SOL_SOCKET, SO_KEEPALIVE, 1);
+  setOption(socket, IPPROTO_TCP, TCP_KEEPIDLE, static_cast<int>(keepAliveInterval.count()));
+  setOption(socket, IPPROTO_TCP, TCP_KEEPINTVL, static_cast<int>(keepAliveInterval.count()));
+  setOption(socket, IPPROTO_TCP, TCP_USER_TIMEOUT, static_cast<unsigned>(givenUpAfter.count()));
+}
+
+SocketAddress unixAddress(const std::string& path) {
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  if (path.size() >= sizeof address.sun_path) {
+    throw std::system_error(ENAMETOOLONG, std::generic_category());
+  }
+  path.copy(address.sun_path, path.size());
+  SocketAddress result{.storage = {}, .length = sizeof address};
+  std::memcpy(&result.storage, &address, sizeof address);
+  return result;
+}
+
+// Runs `connect` and puts the place before the text of what goes wrong.
+template <typename Connect>
+Descriptor connectNamed(const std::string& place, Connect connect) {
+  try {
+    return connect();
+  } catch (const std::exception& error) {
+    throw std::runtime_error(place + ": " + error.what());
+  }
+}
+
+}  // namespace
+
+Descriptor connectTcp(const std::string& host, std::uint16_t port,
+                      std::chrono::milliseconds timeout) {
+  const SteadyTime deadline = SteadyClock::now() + timeout;
+  return connectNamed(host + " port " + std::to_string(port), [&] {
+    Descriptor socket = connectToAny(resolve(host, port, deadline), deadline);
+    makeFitForExchanges(socket);
+    return socket;
+  });
+}
+
+Descriptor connectUnix(const std::string& path, std::chrono::milliseconds timeout) {
+  const SteadyTime deadline = SteadyClock::now() + timeout;
+  return connectNamed(path, [&] { return connectUntil(deadline, unixAddress(path)); });
+}
+
+}  // namespace quordalvane::posix

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <chrono>
+#include <string>
+
+#include "backends/posix/Descriptor.h"
+
+namespace quordalvane::posix {
+
+/// How long connecting may take in all, resolving a name and trying all its addresses included.
+inline constexpr std::chrono::milliseconds connectTimeout{5000};
+
+/// Connects to `host`, a name or an address (IPv6 without brackets), and makes the link fit for
+/// short exchanges: nothing is held back to be sent together with more, and a connection whose
+/// other side has vanished without a word fails after two minutes.
+///
+/// A printer that stops the flow for that long, out of paper for example, is cut off too: the
+/// system cannot be told to end the one without the other.
+///
+/// Raises a `std::exception` with a text for people when nothing answers within `timeout`, which
+/// is above zero. A lookup that the resolver has not finished by then is left to end on its own.
+Descriptor connectTcp(const std::string& host, std::uint16_t port,
+                      std::chrono::milliseconds timeout = connectTimeout);
+
+/// Connects to the socket at `path`. Raises as above; also when the path is too long for a socket.
+Descriptor connectUnix(const std::string& path, std::chrono::milliseconds timeout = connectTimeout);
+
+}  // namespace quordalvane::posix

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <algorithm>
+#include <chrono>
+
+namespace quordalvane::posix {
+
+using SteadyClock = std::chrono::steady_clock;
+using SteadyTime = SteadyClock::time_point;
+
+/// The instant `seconds` from now. Zero, less and not-a-number give now; more than a year is a
+/// year, which keeps every sum with it in range.
+inline SteadyTime deadlineIn(double seconds) {
+  constexpr double longest = 365.0 * 24 * 3600;
+  const double wait = seconds > 0 ? std::min(seconds, longest) : 0;
+  return SteadyClock::now() +
+         std::chrono::ceil<SteadyClock::duration>(std::chrono::duration<double>(wait));
+}
+
+/// The time that is left until `deadline`, in seconds; 0 once it has passed.
+inline double secondsUntil(SteadyTime deadline) {
+  const std::chrono::duration<double> left = deadline - SteadyClock::now();
+  return std::max(left.count(), 0.0);
+}
+
+}  // namespace quordalvane::posix

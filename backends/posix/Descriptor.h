@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "backends/posix/Deadline.h"
+
+namespace quordalvane::posix {
+
+/// Owns one open descriptor of a connection and closes it at its end; one that was moved from holds
+/// none. Transfers never block. It keeps no state of the connection, so all calls but the
+/// moves may be made from any thread.
+class Descriptor {
+ public:
+  enum class Kind { socket, terminal };
+
+  /// Takes over `number`. A terminal must be in non-blocking mode; a socket may be in either.
+  Descriptor(int number, Kind kind) : number_(number), kind_(kind) {}
+  ~Descriptor();
+  Descriptor(Descriptor&& other) noexcept;
+  Descriptor& operator=(Descriptor&&) = delete;
+
+  int number() const { return number_; }
+
+  /// Takes at most `maxLength` bytes. Returns the count, 0 at the end of the stream, or -1 with
+  /// `errno` set: EAGAIN if there is nothing now.
+  std::ptrdiff_t receive(std::uint8_t* buffer, std::size_t maxLength) const;
+
+  /// Hands over at most `length` bytes and raises no signal. Returns the count, which may be fewer,
+  /// or -1 with `errno` set: EAGAIN if there is no space now.
+  std::ptrdiff_t send(const std::uint8_t* bytes, std::size_t length) const;
+
+  /// Whether a `receive` that brought less than it was offered space for has left nothing behind.
+  bool shortReceiveEmpties() const { return kind_ == Kind::socket; }
+
+  /// Waits until one of the poll `events`, an error or a hang-up is there; signals do not shorten
+  /// the wait. Returns the events, 0 at the deadline. A deadline that has passed asks without
+  /// waiting.
+  short pollUntil(short events, SteadyTime deadline) const;
+
+  /// Tells the other side that nothing follows and wakes whoever polls, where the kind allows it.
+  void shutdown() const;
+
+ private:
+  int number_;
+  Kind kind_;
+};
+
+}  // namespace quordalvane::posix

@@ -1,0 +1,205 @@
+#include "backends/posix/Link.h"
+
+#include <poll.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+namespace quordalvane::posix {
+namespace {
+
+// How long "nothing there" may be repeated without another look. Long enough for the questions that
+// surround one transfer, too short to be noticed.
+constexpr auto dryHolds = std::chrono::milliseconds(1);
+
+// How many buffers full of unread bytes are thrown away at the end, so that a device that never
+// stops talking cannot hold up the release.
+constexpr int discardedAtRelease = 16;
+
+bool wouldBlock(int error) {
+  return error == EAGAIN || error == EWOULDBLOCK;
+}
+
+}  // namespace
+
+Link::Link(Descriptor descriptor)
+    : descriptor_(std::make_shared<const Descriptor>(std::move(descriptor))) {}
+
+void Link::release() {
+  const std::lock_guard lock(mutex_);
+  if (!descriptor_) {
+    return;
+  }
+  // Closing a socket that holds unread bytes resets the connection, and a reset makes many printers
+  // forget what they have not printed yet.
+  for (int i = 0; i < discardedAtRelease; ++i) {
+    if (descriptor_->receive(ahead_.data(), ahead_.size()) <= 0) {
+      break;
+    }
+  }
+  descriptor_->shutdown();
+  descriptor_.reset();
+  next_ = end_ = 0;
+}
+
+bool Link::isLost() {
+  const std::lock_guard lock(mutex_);
+  look();
+  return descriptor_ && lost();
+}
+
+bool Link::hasBytes() {
+  const std::lock_guard lock(mutex_);
+  look();
+  return unread() > 0;
+}
+
+std::int64_t Link::read(std::uint8_t* buffer, std::size_t maxLength) {
+  const std::lock_guard lock(mutex_);
+  if (!descriptor_) {
+    return -1;
+  }
+  look();
+  const std::size_t count = std::min(maxLength, unread());
+  if (count > 0) {
+    std::memcpy(buffer, ahead_.data() + next_, count);
+    next_ += count;
+    noteAnswered();
+  }
+  return static_cast<std::int64_t>(count);
+}
+
+void Link::waitForBytes(double seconds) {
+  const SteadyTime deadline = deadlineIn(seconds);
+  std::unique_lock lock(mutex_);
+  if (unread() > 0 || ended_ || !descriptor_) {
+    return;
+  }
+  if (!expectation_.replyMayCome()) {
+    // A caller that turns in a loop must not be told the same old news twice.
+    if (!dry_ || dryWasWaited_) {
+      receive();
+    }
+    dryWasWaited_ = true;
+    return;
+  }
+  const auto descriptor = descriptor_;
+  beingWaited_ = true;
+  lock.unlock();
+  const short events = descriptor->pollUntil(POLLIN, deadline);
+  lock.lock();
+  beingWaited_ = false;
+  if (!descriptor_) {
+    return;
+  }
+  if (events != 0) {
+    receive();
+  } else if (seconds > 0) {
+    expectation_.waitedInVain();
+    noteDry();
+  }
+}
+
+bool Link::hasSpace() {
+  const std::lock_guard lock(mutex_);
+  return hasSpaceLocked();
+}
+
+bool Link::hasSpaceLocked() {
+  if (!descriptor_ || outputBroken_) {
+    return false;
+  }
+  if (mayBeFull_ && descriptor_->pollUntil(POLLOUT, SteadyTime{}) != 0) {
+    mayBeFull_ = false;
+  }
+  return !mayBeFull_;
+}
+
+std::int64_t Link::write(const std::uint8_t* bytes, std::size_t length) {
+  const std::lock_guard lock(mutex_);
+  if (!descriptor_ || outputBroken_) {
+    return -1;
+  }
+  if (length == 0) {
+    return 0;
+  }
+  const std::ptrdiff_t count = descriptor_->send(bytes, length);
+  if (count < 0 && !wouldBlock(errno)) {
+    outputBroken_ = true;
+    dry_ = false;  // the next question finds out whether anything is left to read
+    return -1;
+  }
+  mayBeFull_ = count < static_cast<std::ptrdiff_t>(length);
+  if (count <= 0) {
+    return 0;
+  }
+  expectation_.wrote();
+  cameSinceWrite_ = false;
+  return count;
+}
+
+void Link::waitForSpace(double seconds) {
+  const SteadyTime deadline = deadlineIn(seconds);
+  std::unique_lock lock(mutex_);
+  short awaited = POLLOUT | POLLRDHUP;
+  while (descriptor_ && !outputBroken_ && mayBeFull_ && !lost()) {
+    const auto descriptor = descriptor_;
+    lock.unlock();
+    const short events = descriptor->pollUntil(awaited, deadline);
+    lock.lock();
+    if (events != POLLRDHUP) {
+      return;
+    }
+    // The other side sends no more. While there are bytes to read the link is not lost, and the
+    // other side may well still take some.
+    dry_ = false;
+    look();
+    awaited = POLLOUT;
+  }
+}
+
+// Finds out what the input holds, unless it is known or about to be found out by a wait.
+void Link::look() {
+  const bool known = unread() > 0 || ended_ || !descriptor_ || beingWaited_;
+  if (known || (dry_ && SteadyClock::now() - dryAt_ < dryHolds)) {
+    return;
+  }
+  receive();
+}
+
+// Fills the empty buffer with what there is.
+void Link::receive() {
+  const std::ptrdiff_t count = descriptor_->receive(ahead_.data(), ahead_.size());
+  if (count > 0) {
+    next_ = 0;
+    end_ = static_cast<std::size_t>(count);
+    cameSinceWrite_ = true;
+    dry_ = false;
+    if (end_ < ahead_.size() && descriptor_->shortReceiveEmpties()) {
+      noteDry();
+    }
+  } else if (count < 0 && wouldBlock(errno) && !outputBroken_) {
+    noteDry();
+    noteAnswered();
+  } else {
+    ended_ = true;
+  }
+}
+
+void Link::noteDry() {
+  dry_ = true;
+  dryAt_ = SteadyClock::now();
+  dryWasWaited_ = false;
+}
+
+// Bytes that were received before the last write do not answer it, even if they are taken after it.
+void Link::noteAnswered() {
+  if (unread() == 0 && dry_ && cameSinceWrite_) {
+    cameSinceWrite_ = false;
+    expectation_.ranDryAfterBytes();
+  }
+}
+
+}  // namespace quordalvane::posix

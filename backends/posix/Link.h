@@ -1,0 +1,88 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+
+#include "backends/ReplyExpectation.h"
+#include "backends/posix/Descriptor.h"
+
+namespace quordalvane::posix {
+
+/// One open connection: its descriptor, the bytes that were read ahead, and what is known of the
+/// rest. A session, its two streams and its accessory share it.
+///
+/// The questions that a port asks before every transfer are answered from the last look at the
+/// input wherever possible, so that a whole exchange costs a handful of system calls. A look is one
+/// `receive`, which tells bytes, emptiness, the end of the stream and errors at once.
+///
+/// All calls may be made from any thread. Nothing is locked while a wait blocks.
+class Link {
+ public:
+  explicit Link(Descriptor descriptor);
+
+  /// Ends the connection. Waits in progress end too, on a terminal at their deadline at the latest.
+  /// From then on there are no bytes and no space. A second call does nothing more.
+  void release();
+
+  /// True once the end of the stream, a hang-up or an error was seen and all that came before has
+  /// been read. False after `release`: a link that was given up is not lost.
+  bool isLost();
+
+  /// True if a read would return at least one byte. "No" may be a millisecond old.
+  bool hasBytes();
+
+  /// Reads at most `maxLength` bytes. Returns the count, 0 if there is nothing or the stream has
+  /// ended, -1 after `release`.
+  std::int64_t read(std::uint8_t* buffer, std::size_t maxLength);
+
+  /// Blocks until there are bytes, the link is lost or `seconds` have passed. Returns at once when
+  /// no reply can be on its way.
+  void waitForBytes(double seconds);
+
+  /// True if a write would take at least one byte, or must be tried to learn why not. False once a
+  /// write has failed.
+  bool hasSpace();
+
+  /// Writes at most `length` bytes. Returns the count taken, 0 if there is no space, -1 on an error
+  /// and after `release`.
+  std::int64_t write(const std::uint8_t* bytes, std::size_t length);
+
+  /// Blocks until there is space, the link is lost or `seconds` have passed.
+  void waitForSpace(double seconds);
+
+ private:
+  std::size_t unread() const { return end_ - next_; }
+  bool lost() const { return ended_ && unread() == 0; }
+  void look();
+  void receive();
+  void noteDry();
+  void noteAnswered();
+  bool hasSpaceLocked();
+
+  std::mutex mutex_;  // guards all that follows
+
+  // None once released. A wait holds a share of its own, so that the number is not given to another
+  // file while it is being polled.
+  std::shared_ptr<const Descriptor> descriptor_;
+
+  std::array<std::uint8_t, 4096> ahead_{};  // the bytes from next_ to end_ are unread
+  std::size_t next_ = 0;
+  std::size_t end_ = 0;
+
+  bool ended_ = false;         // nothing more will be received
+  bool dry_ = false;           // the last look left nothing behind
+  SteadyTime dryAt_;           // when that was
+  bool dryWasWaited_ = false;  // a wait has relied on that look already
+  bool beingWaited_ = false;   // a thread polls the input, and will see first what comes
+
+  ReplyExpectation expectation_;
+  bool cameSinceWrite_ = false;  // bytes were received after the last write
+
+  bool mayBeFull_ = false;     // the last write was not taken whole
+  bool outputBroken_ = false;  // a write has failed
+};
+
+}  // namespace quordalvane::posix

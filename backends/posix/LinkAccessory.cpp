@@ -1,0 +1,50 @@
+#include "backends/posix/LinkAccessory.h"
+
+#include <algorithm>
+#include <exception>
+#include <utility>
+
+#include "backends/posix/LinkSession.h"
+
+namespace quordalvane::posix {
+
+LinkAccessory::LinkAccessory(AccessoryIdentity identity, Connector connect)
+    : IdentifiedAccessory(std::move(identity)), connect_(std::move(connect)) {}
+
+bool LinkAccessory::isConnected() {
+  std::shared_ptr<Link> link;
+  {
+    const std::lock_guard lock(mutex_);
+    link = newest_.lock();
+  }
+  return !link || !link->isLost();
+}
+
+std::shared_ptr<EASession> LinkAccessory::openSession(const std::string& protocol) {
+  const auto announced = protocolStrings();
+  if (std::find(announced.begin(), announced.end(), protocol) == announced.end()) {
+    return failed("the accessory does not announce the protocol \"" + protocol + "\"");
+  }
+  try {
+    const auto link = std::make_shared<Link>(connect_());
+    const std::lock_guard lock(mutex_);
+    newest_ = link;
+    lastError_.clear();
+    return std::make_shared<LinkSession>(link);
+  } catch (const std::exception& error) {
+    return failed(error.what());
+  }
+}
+
+std::string LinkAccessory::lastError() {
+  const std::lock_guard lock(mutex_);
+  return lastError_;
+}
+
+std::shared_ptr<EASession> LinkAccessory::failed(std::string why) {
+  const std::lock_guard lock(mutex_);
+  lastError_ = std::move(why);
+  return nullptr;
+}
+
+}  // namespace quordalvane::posix

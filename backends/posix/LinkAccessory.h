@@ -1,0 +1,43 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+
+#include "backends/AccessoryIdentity.h"
+#include "backends/posix/Descriptor.h"
+#include "backends/posix/Link.h"
+
+namespace quordalvane::posix {
+
+/// Makes a connection and returns its descriptor; raises a `std::exception` whose text tells people
+/// why there is none.
+using Connector = std::function<Descriptor()>;
+
+/// An accessory behind a descriptor. It counts as attached before anything is connected; each
+/// session makes a connection of its own, and `isConnected` speaks of the newest one.
+class LinkAccessory : public IdentifiedAccessory {
+ public:
+  /// `connect` is called by `openSession`, on its thread.
+  LinkAccessory(AccessoryIdentity identity, Connector connect);
+
+  bool isConnected() override;
+
+  /// Connects. Null when that fails or when the accessory does not announce `protocol`.
+  std::shared_ptr<EASession> openSession(const std::string& protocol) override;
+
+  /// Why the latest `openSession` returned null, for people; "" if it did not or was never called.
+  std::string lastError();
+
+ private:
+  std::shared_ptr<EASession> failed(std::string why);
+
+  const Connector connect_;
+
+  std::mutex mutex_;            // guards what follows
+  std::weak_ptr<Link> newest_;  // of the newest session, for as long as anyone holds it
+  std::string lastError_;
+};
+
+}  // namespace quordalvane::posix

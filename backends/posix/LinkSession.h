@@ -1,0 +1,26 @@
+#pragma once
+
+#include <memory>
+
+#include "backends/posix/Link.h"
+#include "platform/EAAccessory.h"
+
+namespace quordalvane::posix {
+
+/// A session over a link. The link is connected before the session exists, so its streams are open
+/// from the start. They outlive the session as empty and full ones.
+class LinkSession : public EASession {
+ public:
+  explicit LinkSession(std::shared_ptr<Link> link);
+  ~LinkSession() override;
+
+  std::shared_ptr<NSInputStream> inputStream() override { return input_; }
+  std::shared_ptr<NSOutputStream> outputStream() override { return output_; }
+
+ private:
+  const std::shared_ptr<Link> link_;
+  const std::shared_ptr<NSInputStream> input_;
+  const std::shared_ptr<NSOutputStream> output_;
+};
+
+}  // namespace quordalvane::posix

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "backends/posix/PosixClock.h"
+#include "platform/Platform.h"
+
+namespace quordalvane::posix {
+
+/// The accessories that were handed in, in that order. None ever goes away.
+class AttachedAccessories final : public EAAccessoryManager {
+ public:
+  explicit AttachedAccessories(std::vector<std::shared_ptr<EAAccessory>> accessories);
+
+  std::vector<std::shared_ptr<EAAccessory>> connectedAccessories() override;
+  void attach(std::shared_ptr<EAAccessory> accessory);
+
+ private:
+  std::mutex mutex_;
+  std::vector<std::shared_ptr<EAAccessory>> accessories_;
+};
+
+/// The device is this machine; its version is the kernel's release.
+class ThisMachine final : public UIDevice {
+ public:
+  std::string systemVersion() override;
+};
+
+/// The platform of a program on this system: real time, real threads, and the accessories that it
+/// is given, which may be of any back end.
+class PosixPlatform final : public Platform {
+ public:
+  explicit PosixPlatform(std::vector<std::shared_ptr<EAAccessory>> accessories = {});
+
+  /// Presents one more accessory, after those that there are. May be called from any thread.
+  void attach(std::shared_ptr<EAAccessory> accessory);
+
+  EAAccessoryManager& sharedAccessoryManager() override { return accessories_; }
+  UIDevice& currentDevice() override { return device_; }
+  Clock& clock() override { return clock_; }
+  NSRunLoop& currentRunLoop() override;
+  std::shared_ptr<NSThread> makeThread(std::function<void()> body) override;
+  bool isMainThread() override;
+  void ignoreSigPipe() override;
+
+ private:
+  AttachedAccessories accessories_;
+  ThisMachine device_;
+  PosixClock clock_;
+};
+
+}  // namespace quordalvane::posix

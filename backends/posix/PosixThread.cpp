@@ -1,0 +1,43 @@
+#include "backends/posix/PosixThread.h"
+
+#include <exception>
+#include <thread>
+#include <utility>
+
+#include "backends/posix/RunLoop.h"
+
+namespace quordalvane::posix {
+namespace {
+
+// The whole life of a thread.
+void live(const std::shared_ptr<ThreadRunLoop>& loop, std::function<void()> body) {
+  loop->attach();
+  body();
+  loop->finish();
+  // What the body held may end with it and call this thread once more, so the loop is let go last.
+  body = nullptr;
+  loop->detach();
+}
+
+}  // namespace
+
+PosixThread::PosixThread(std::function<void()> body)
+    : body_(std::move(body)), loop_(std::make_shared<ThreadRunLoop>()) {}
+
+bool PosixThread::start() {
+  loop_->open();
+  try {
+    std::thread(live, loop_, std::exchange(body_, nullptr)).detach();
+    return true;
+  } catch (const std::exception&) {
+    loop_->refuse();
+    return false;
+  }
+}
+
+bool PosixThread::performAndWait(std::function<void()> routine) {
+  const auto loop = loop_;  // the routine may release this handle
+  return loop->performAndWait(routine);
+}
+
+}  // namespace quordalvane::posix

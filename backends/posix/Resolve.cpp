@@ -1,0 +1,61 @@
+#include "backends/posix/Resolve.h"
+
+#include <arpa/inet.h>
+#include <netdb.h>
+
+#include <cstring>
+#include <future>
+#include <memory>
+#include <stdexcept>
+#include <thread>
+#include <utility>
+
+namespace quordalvane::posix {
+namespace {
+
+using Addresses = std::vector<SocketAddress>;
+
+bool isInFigures(const std::string& host) {
+  in6_addr address{};  // the larger of the two
+  return ::inet_pton(AF_INET, host.c_str(), &address) == 1 ||
+         ::inet_pton(AF_INET6, host.c_str(), &address) == 1;
+}
+
+Addresses askResolver(const std::string& host, std::uint16_t port) {
+  addrinfo hints{};
+  hints.ai_family = AF_UNSPEC;
+  hints.ai_socktype = SOCK_STREAM;
+  hints.ai_flags = AI_NUMERICSERV;
+  addrinfo* found = nullptr;
+  const int error = ::getaddrinfo(host.c_str(), std::to_string(port).c_str(), &hints, &found);
+  if (error != 0) {
+    throw std::runtime_error(::gai_strerror(error));
+  }
+  const std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)> list(found, &::freeaddrinfo);
+  Addresses addresses;
+  for (const addrinfo* entry = list.get(); entry != nullptr; entry = entry->ai_next) {
+    SocketAddress address{.storage = {}, .length = entry->ai_addrlen};
+    std::memcpy(&address.storage, entry->ai_addr, entry->ai_addrlen);
+    addresses.push_back(address);
+  }
+  return addresses;
+}
+
+}  // namespace
+
+Addresses lookUpUntil(SteadyTime deadline, Lookup lookup) {
+  std::packaged_task<Addresses()> task(std::move(lookup));
+  auto result = task.get_future();
+  std::thread(std::move(task)).detach();
+  if (result.wait_until(deadline) != std::future_status::ready) {
+    throw std::runtime_error("the name was not resolved in time");
+  }
+  return result.get();
+}
+
+Addresses resolve(const std::string& host, std::uint16_t port, SteadyTime deadline) {
+  const auto lookup = [=] { return askResolver(host, port); };
+  return isInFigures(host) ? lookup() : lookUpUntil(deadline, lookup);
+}
+
+}  // namespace quordalvane::posix

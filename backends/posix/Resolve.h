@@ -1,0 +1,31 @@
+#pragma once
+
+#include <sys/socket.h>
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "backends/posix/Deadline.h"
+
+namespace quordalvane::posix {
+
+struct SocketAddress {
+  sockaddr_storage storage;
+  socklen_t length;
+};
+
+/// A search for addresses, which may block for as long as it likes.
+using Lookup = std::function<std::vector<SocketAddress>()>;
+
+/// Returns what `lookup` returns, or raises what it raises. Raises `std::runtime_error` if it has
+/// not ended at `deadline`; it then goes on by itself on a thread of its own, which keeps a copy.
+std::vector<SocketAddress> lookUpUntil(SteadyTime deadline, Lookup lookup);
+
+/// The addresses of `host`, at least one, in the order in which to try them. An address in figures
+/// is read as such and never looked up. Raises `std::runtime_error` if there is none by `deadline`.
+std::vector<SocketAddress> resolve(const std::string& host, std::uint16_t port,
+                                   SteadyTime deadline);
+
+}  // namespace quordalvane::posix

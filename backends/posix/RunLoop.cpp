@@ -1,0 +1,117 @@
+#include "backends/posix/RunLoop.h"
+
+#include "backends/posix/Deadline.h"
+#include "backends/posix/PosixClock.h"
+#include "platform/NSStream.h"
+
+namespace quordalvane::posix {
+namespace {
+
+thread_local ThreadRunLoop* attached = nullptr;
+
+class PlainRunLoop final : public NSRunLoop {
+ public:
+  void runUntilDate(double seconds) override { sleepUntil(deadlineIn(seconds)); }
+  void runUntilDate(double seconds, NSStream& awaited) override { awaited.waitUntilReady(seconds); }
+};
+
+}  // namespace
+
+// A routine on its way. It lives on the stack of the thread that waits for it.
+struct ThreadRunLoop::Carried {
+  enum class State { waiting, ran, refused };
+
+  const std::function<void()>& routine;
+  State state = State::waiting;
+  std::exception_ptr error = nullptr;
+};
+
+void ThreadRunLoop::runUntilDate(double seconds) {
+  const SteadyTime deadline = deadlineIn(seconds);
+  std::unique_lock lock(mutex_);
+  do {
+    runCarried(lock);
+  } while (arrived_.wait_until(lock, deadline, [this] { return !waiting_.empty(); }));
+}
+
+void ThreadRunLoop::runUntilDate(double seconds, NSStream& awaited) {
+  const SteadyTime deadline = deadlineIn(seconds);
+  {
+    std::unique_lock lock(mutex_);
+    runCarried(lock);
+  }
+  awaited.waitUntilReady(secondsUntil(deadline));
+}
+
+void ThreadRunLoop::open() {
+  const std::lock_guard lock(mutex_);
+  open_ = true;
+}
+
+void ThreadRunLoop::finish() {
+  std::unique_lock lock(mutex_);
+  runCarried(lock);
+  open_ = false;
+}
+
+void ThreadRunLoop::refuse() {
+  const std::lock_guard lock(mutex_);
+  open_ = false;
+  for (Carried* carried : waiting_) {
+    carried->state = Carried::State::refused;
+  }
+  waiting_.clear();
+  settled_.notify_all();
+}
+
+bool ThreadRunLoop::performAndWait(const std::function<void()>& routine) {
+  if (attached == this) {
+    routine();
+    return true;
+  }
+  Carried carried{.routine = routine};
+  std::unique_lock lock(mutex_);
+  if (!open_) {
+    return false;
+  }
+  waiting_.push_back(&carried);
+  arrived_.notify_one();
+  settled_.wait(lock, [&] { return carried.state != Carried::State::waiting; });
+  if (carried.error) {
+    std::rethrow_exception(carried.error);
+  }
+  return carried.state == Carried::State::ran;
+}
+
+void ThreadRunLoop::attach() {
+  attached = this;
+}
+
+void ThreadRunLoop::detach() {
+  attached = nullptr;
+}
+
+// Runs what is waiting, in order, unlocked. Returns locked and with nothing waiting.
+void ThreadRunLoop::runCarried(std::unique_lock<std::mutex>& lock) {
+  while (!waiting_.empty()) {
+    Carried& carried = *waiting_.front();
+    waiting_.pop_front();
+    lock.unlock();
+    try {
+      carried.routine();
+    } catch (...) {
+      carried.error = std::current_exception();
+    }
+    lock.lock();
+    carried.state = Carried::State::ran;
+    settled_.notify_all();
+  }
+}
+
+NSRunLoop& currentRunLoop() {
+  // Never destroyed: threads may go on turning it while the process ends.
+  static auto* const plain = new PlainRunLoop;
+  return attached != nullptr ? static_cast<NSRunLoop&>(*attached) : *plain;
+}
+
+}  // namespace quordalvane::posix
