@@ -13,6 +13,7 @@
 #include <quordalvane/QuorIOPort.h>
 
 #include "iphone-IOPort/AtomicProperty.h"
+#include "iphone-IOPort/TransferObserver.h"
 #include "iphone-IOPort/ZKQuorIOResultCode.h"
 #include "iphone-IOPort/enum.h"
 #include "iphone-IOPort/exceptions/PortException.h"
@@ -232,6 +233,17 @@ class ExternalAccessoryPort : public std::enable_shared_from_this<ExternalAccess
   /// The second half of `disconnect`, with the module in command mode already.
   bool disconnectBluetoothConnection();
 
+  // -- For the layer above ------------------------------------------------------------------------
+
+  /// Lets `observer`, which is not owned and must outlive its use, see every byte that passes; null
+  /// ends that. To be set and cleared by the thread that uses the port.
+  void setTransferObserver(TransferObserver* observer) { observer_ = observer; }
+
+  /// What the port was created with.
+  ZKEmulation emulation() const { return p_emulation; }
+  std::uint32_t timeoutMillis() const { return timeout_; }
+  Platform& platform() const { return *platform_; }
+
   // -- Properties, from any thread ----------------------------------------------------------------
   // Objects are returned as snapshots, which later changes do not touch.
 
@@ -372,6 +384,7 @@ class ExternalAccessoryPort : public std::enable_shared_from_this<ExternalAccess
   AtomicProperty<std::shared_ptr<EAAccessory>> _selectedAccessory;
   AtomicProperty<std::shared_ptr<EASession>> _session;
   std::atomic<bool> stopThread71 = false;
+  TransferObserver* observer_ = nullptr;
 
   std::atomic<bool> _isBrondel = false;
   std::atomic<std::uint32_t> _endCheckedBlockTimeoutMillis;

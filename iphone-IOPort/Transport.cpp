@@ -115,6 +115,9 @@ std::optional<std::int64_t> ExternalAccessoryPort::writeChunk(
   QUOR_LOG(ZKLogTypeWrite, 0, "EAAccessory, size: %lu, command: %@", bytesWritten,
            LogWriter::createByteArrayDescription(writeBuffer.get(),
                                                  movedBytes(bytesWritten, tempData.size())));
+  if (observer_ != nullptr) {
+    observer_->bytesWritten(movedBytes(bytesWritten, tempData.size()));
+  }
   return bytesWritten;
 }
 
@@ -144,6 +147,9 @@ std::optional<ByteBuffer> ExternalAccessoryPort::read(std::size_t bytesToRead) {
   }
   QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%lu, -> %@", bytesToRead,
            LogWriter::createByteArrayDescription(recvBuffer));
+  if (observer_ != nullptr) {
+    observer_->bytesRead(recvBuffer);
+  }
   return recvBuffer;
 }
 

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace quordalvane {
+
+/// Sees the bytes that pass through a port, on the thread that moves them. What it raises passes
+/// through the operation that was moving them, which is how a wait is abandoned from outside.
+class TransferObserver {
+ public:
+  virtual ~TransferObserver() = default;
+
+  /// The link has taken `count` further bytes.
+  virtual void bytesWritten(std::size_t count) = 0;
+
+  /// A `read:` is about to return `bytes`, which may be empty.
+  virtual void bytesRead(std::span<const std::uint8_t> bytes) = 0;
+};
+
+}  // namespace quordalvane

@@ -1,0 +1,34 @@
+#include "job/BlockReport.h"
+
+namespace quordalvane {
+namespace {
+
+constexpr std::array<std::uint8_t, 8> kReport = {0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00, 0, 0x00};
+constexpr std::size_t kCountPlace = 6;
+
+}  // namespace
+
+void BlockReport::clear() {
+  *this = {};
+}
+
+void BlockReport::feed(std::span<const std::uint8_t> bytes) {
+  for (const std::uint8_t byte : bytes) {
+    feed(byte);
+  }
+}
+
+void BlockReport::feed(std::uint8_t byte) {
+  if (matched_ == kCountPlace) {
+    count_ = byte;
+  } else if (byte != kReport[matched_]) {
+    matched_ = byte == kReport[0] ? 1 : 0;
+    return;
+  }
+  if (++matched_ == kReport.size()) {
+    lastCount_ = count_;
+    matched_ = 0;
+  }
+}
+
+}  // namespace quordalvane

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "iphone-IOPort/enum.h"
+
+namespace quordalvane {
+
+/// Why print data cannot be confirmed although every byte of it may be printed: a command in it
+/// makes the very signs by which a printer of that emulation confirms a job, or ends inside a
+/// command. In words, with the place; none when the signs can only be the block's own.
+///
+/// Bytes inside the counted payload of a print command (an image, a barcode, a stored graphic) are
+/// data whatever their values. Bytes that are a command's parameters are not told from commands,
+/// since a printer need not tell them apart either.
+std::optional<std::string> confirmationObstacle(std::span<const std::uint8_t> data,
+                                                ZKEmulation emulation);
+
+}  // namespace quordalvane

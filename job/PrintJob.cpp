@@ -1,0 +1,350 @@
+#include "job/PrintJob.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+#include "iphone-IOPort/PortC.h"
+#include "job/PrintData.h"
+#include "job/StatusText.h"
+#include "job/Words.h"
+
+namespace quordalvane {
+namespace {
+
+constexpr std::uint32_t statusLevel = 2;
+
+// A port copies what it is given once more for each look at the link; pieces of this size keep that
+// cheap, also for jobs of many megabytes.
+constexpr std::size_t pieceSize = 64 * 1024;
+
+// Between looks at a link that has nothing and says so at once.
+constexpr std::uint64_t lookPauseMicroseconds = 10000;
+
+// The signs by which a block is confirmed.
+constexpr std::uint8_t countOfTwoMarks = 2;
+constexpr std::uint8_t countOfOneMark = 1;
+constexpr std::uint32_t lengthWithCounter = 7;
+constexpr std::uint8_t reportStart = 0x1b;
+constexpr std::size_t reportSize = 8;
+
+bool isLineModeStatus(const QuorPrinterStatus_2& status) {
+  return status.rawLength >= lengthWithCounter && (status.raw[0] & 0xc0) == 0x80;
+}
+
+/// The first real-time status byte behind any reports; none while there is none.
+std::optional<std::uint8_t> realTimeStatusIn(const ByteBuffer& bytes) {
+  for (std::size_t i = 0; i < bytes.size(); i += bytes[i] == reportStart ? reportSize : 1) {
+    if ((bytes[i] & 0x93) == 0x12) {
+      return bytes[i];
+    }
+  }
+  return std::nullopt;
+}
+
+std::string inSeconds(std::uint32_t millis) {
+  return millis < 1000 ? grouped(millis) + " ms" : grouped(millis / 1000) + " s";
+}
+
+/// Lets a job see the bytes of its port as long as it lasts.
+class Observation {
+ public:
+  Observation(ExternalAccessoryPort& port, TransferObserver& observer) : port_(port) {
+    port_.setTransferObserver(&observer);
+  }
+  ~Observation() { port_.setTransferObserver(nullptr); }
+  Observation(const Observation&) = delete;
+  Observation& operator=(const Observation&) = delete;
+
+ private:
+  ExternalAccessoryPort& port_;
+};
+
+std::string adviceFor(const PrintResult& result) {
+  switch (result.outcome) {
+    case PrintOutcome::Printed:
+      return "";
+    case PrintOutcome::Refused:
+      return "nothing of the job was sent; sending it again is safe";
+    case PrintOutcome::Unconfirmed:
+      break;
+  }
+  if (result.obstacle == PrintObstacle::PrinterNotReady) {
+    return "the printer keeps what it holds and prints on when it is ready again; look at the "
+           "paper "
+           "before sending the job again, which may print it twice";
+  }
+  return "look at the paper before sending the job again, which may print it twice";
+}
+
+}  // namespace
+
+PrintJob::PrintJob(std::shared_ptr<ExternalAccessoryPort> port, Options options)
+    : port_(std::move(port)), options_(std::move(options)) {}
+
+PrintResult PrintJob::run(std::span<const std::uint8_t> data) {
+  result_.bytesTotal = data.size();
+  try {
+    const Observation observation(*port_, *this);
+    print(data);
+  } catch (const Cancelled&) {
+    finishCancelled();
+  }
+  result_.advice = adviceFor(result_);
+  return result_;
+}
+
+void PrintJob::bytesWritten(std::size_t count) {
+  if (accepted_ != nullptr) {
+    *accepted_ += count;
+  }
+}
+
+void PrintJob::bytesRead(std::span<const std::uint8_t> bytes) {
+  report_.feed(bytes);
+  stopIfCancelled();
+}
+
+void PrintJob::stopIfCancelled() const {
+  if (cancelled_) {
+    throw Cancelled();
+  }
+}
+
+void PrintJob::print(std::span<const std::uint8_t> data) {
+  stopIfCancelled();
+  if (options_.checked && !(begin() && synchronise())) {
+    return;
+  }
+  if (!move(data, result_.bytesAccepted)) {
+    return;
+  }
+  if (options_.checked) {
+    end(data);
+  } else {
+    stop(PrintObstacle::NoProof,
+         "sent without a checked block: nothing proves that it was printed");
+  }
+}
+
+bool PrintJob::begin() {
+  bool exchanged = false;
+  try {
+    exchanged = port_->beginCheckedBlock(&status_, statusLevel, &result_.resultCode);
+  } catch (const PortException& exception) {
+    return stopForLostExchange(exception.reason());
+  }
+  if (status_.rawLength > 0) {
+    result_.status = status_;
+  }
+  if (result_.resultCode == ZKQuorIOResultCodePaperPresentError) {
+    return stop(PrintObstacle::PrinterNotReady, "paper was left in the printer's exit");
+  }
+  if (!exchanged) {
+    return stopForLostExchange("the printer gave no status, or did not reset its counter, within " +
+                               inSeconds(port_->timeoutMillis()));
+  }
+  if (status_.offline != 0) {
+    return stop(PrintObstacle::PrinterNotReady, whyOffline(status_));
+  }
+  if (port_->emulation() == ZKEmulationESCPOS && !result_.status) {
+    return stopForLostExchange("the printer does not answer");
+  }
+  return true;
+}
+
+/// One exchange behind the block's data cancel. Its answer comes after everything that the printer
+/// had to say of earlier jobs, and in line mode shows that none of them was counted since: every
+/// sign from here on is this job's.
+bool PrintJob::synchronise() {
+  switch (port_->emulation()) {
+    case ZKEmulationQuorLine:
+      return synchroniseQuorLine();
+    case ZKEmulationESCPOS:
+      return synchroniseESCPOS();
+    case ZKEmulationUnknown:
+      break;
+  }
+  return true;
+}
+
+bool PrintJob::synchroniseQuorLine() {
+  drainInput();
+  ByteBuffer block;
+  std::uint64_t requestBytes = 0;
+  if (!move(escAckSoh, requestBytes) || !awaitAnswer(
+                                            [](const ByteBuffer& bytes) {
+                                              return CalculateStatusLength(bytes.front()) <=
+                                                     static_cast<std::int32_t>(bytes.size());
+                                            },
+                                            block)) {
+    return false;
+  }
+  status_.rawLength = static_cast<std::uint32_t>(CalculateStatusLength(block.front()));
+  std::copy_n(block.begin(), status_.rawLength, status_.raw);
+  BuildParsedStatus(&status_);
+  result_.status = status_;
+  if (!isLineModeStatus(status_)) {
+    return stop(PrintObstacle::ExchangeFailed, "the printer's answer is not a line-mode status");
+  }
+  if (status_.offline != 0) {
+    return stop(PrintObstacle::PrinterNotReady, whyOffline(status_));
+  }
+  if (status_.etbCounter != 0) {
+    return stop(PrintObstacle::ExchangeFailed,
+                "the end of an earlier job was counted for this one before it began");
+  }
+  return true;
+}
+
+bool PrintJob::synchroniseESCPOS() {
+  drainInput();
+  const std::uint8_t realTimeStatusRequest[] = {0x10, 0x04, 0x01};
+  ByteBuffer answer;
+  std::uint64_t requestBytes = 0;
+  if (!move(realTimeStatusRequest, requestBytes) ||
+      !awaitAnswer([](const ByteBuffer& bytes) { return realTimeStatusIn(bytes).has_value(); },
+                   answer)) {
+    return false;
+  }
+  return true;
+}
+
+/// Reads until the answer is complete. False at the time-out or when the link is lost.
+bool PrintJob::awaitAnswer(const std::function<bool(const ByteBuffer&)>& isComplete,
+                           ByteBuffer& answer) {
+  Clock& clock = port_->platform().clock();
+  const auto limit = std::chrono::milliseconds(std::max(port_->timeoutMillis(), 1000U));
+  const auto start = clock.monotonic();
+  while (clock.monotonic() - start <= limit) {
+    const auto bytes = port_->read(128);
+    if (!bytes) {
+      break;
+    }
+    answer.insert(answer.end(), bytes->begin(), bytes->end());
+    if (!answer.empty() && isComplete(answer)) {
+      return true;
+    }
+    clock.usleep(lookPauseMicroseconds);
+  }
+  return stopForLostExchange("the printer does not answer");
+}
+
+/// Hands all of `data` to the link, each byte once, and counts in `accepted` what it took. False
+/// when the link is lost or takes nothing for as long as the time-out.
+bool PrintJob::move(std::span<const std::uint8_t> data, std::uint64_t& accepted) {
+  Clock& clock = port_->platform().clock();
+  const auto limit = std::chrono::milliseconds(std::max(port_->timeoutMillis(), 1000U));
+  auto lastProgress = clock.monotonic();
+  accepted_ = &accepted;
+  while (accepted < data.size()) {
+    stopIfCancelled();
+    const auto rest = data.subspan(accepted);
+    const auto piece = rest.first(std::min(rest.size(), pieceSize));
+    const std::int32_t written = port_->write(ByteBuffer(piece.begin(), piece.end()));
+    linkTakesBytes_ = written == static_cast<std::int32_t>(piece.size());
+    if (written < 0) {
+      return stopForLostExchange("the link failed");
+    }
+    if (written > 0) {
+      lastProgress = clock.monotonic();
+      reportProgress();
+      continue;
+    }
+    if (!port_->isConnected()) {
+      return stopForLostExchange("the link failed");
+    }
+    if (clock.monotonic() - lastProgress > limit) {
+      return stop(PrintObstacle::ExchangeFailed,
+                  "the printer took no data for " + inSeconds(port_->timeoutMillis()));
+    }
+    clock.usleep(lookPauseMicroseconds);
+  }
+  accepted_ = nullptr;
+  return true;
+}
+
+void PrintJob::reportProgress() const {
+  if (options_.progress && accepted_ == &result_.bytesAccepted) {
+    options_.progress({result_.bytesAccepted, result_.bytesTotal});
+  }
+}
+
+void PrintJob::end(std::span<const std::uint8_t> data) {
+  drainInput();
+  report_.clear();
+  bool ended = false;
+  try {
+    ended = port_->endCheckedBlock(&status_, statusLevel);
+  } catch (const PortException& exception) {
+    stopForLostExchange(exception.reason());
+    return;
+  }
+  if (status_.rawLength > 0) {
+    result_.status = status_;
+  }
+  const auto obstacle = confirmationObstacle(data, port_->emulation());
+  if (!ended) {
+    stopForLostExchange("no confirmation within " +
+                        inSeconds(port_->endCheckedBlockTimeoutMillis()));
+  } else if (obstacle) {
+    stop(PrintObstacle::NoProof, "cannot be confirmed: " + *obstacle);
+  } else if (isProven()) {
+    result_.outcome = PrintOutcome::Printed;
+  } else if (status_.offline != 0) {
+    stop(PrintObstacle::PrinterNotReady, whyOffline(status_));
+  } else {
+    stop(PrintObstacle::NoProof,
+         "the printer was off line for a while and has not reported the end of the job");
+  }
+}
+
+/// Whether the printer's sign for this job has been seen. That the block ended proves nothing: an
+/// off-line printer ends it, too.
+bool PrintJob::isProven() const {
+  if (port_->emulation() == ZKEmulationQuorLine) {
+    return isLineModeStatus(status_) && status_.offline == 0 &&
+           status_.etbCounter == countOfTwoMarks;
+  }
+  return report_.lastCount() == countOfOneMark;
+}
+
+void PrintJob::drainInput() {
+  for (auto bytes = port_->read(256); bytes && !bytes->empty();) {
+    bytes = port_->read(256);
+  }
+}
+
+void PrintJob::finishCancelled() {
+  accepted_ = nullptr;
+  const bool told = linkTakesBytes_ && port_->isConnected() && port_->startDataCancel();
+  port_->close();
+  stop(PrintObstacle::Cancelled,
+       told ? "cancelled, and the printer was told to drop the rest" : "cancelled");
+}
+
+/// Ends the job without a confirmation. Always false.
+bool PrintJob::stop(PrintObstacle obstacle, const std::string& reason) {
+  accepted_ = nullptr;
+  const bool anyOut = result_.bytesAccepted > 0;
+  result_.outcome = anyOut ? PrintOutcome::Unconfirmed : PrintOutcome::Refused;
+  result_.obstacle = obstacle;
+  result_.reason = reason + (anyOut ? progressInWords() : "");
+  return false;
+}
+
+/// The same for an exchange that failed: because the link is lost, or as `otherwise` says.
+bool PrintJob::stopForLostExchange(const std::string& otherwise) {
+  return port_->isConnected() ? stop(PrintObstacle::ExchangeFailed, otherwise)
+                              : stop(PrintObstacle::LinkLost, "link lost");
+}
+
+std::string PrintJob::progressInWords() const {
+  if (result_.bytesAccepted == result_.bytesTotal) {
+    return " after all " + grouped(result_.bytesTotal) + " bytes";
+  }
+  return " after " + grouped(result_.bytesAccepted) + " of " + grouped(result_.bytesTotal) +
+         " bytes";
+}
+
+}  // namespace quordalvane

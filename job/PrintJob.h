@@ -1,0 +1,127 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+
+#include <quordalvane/QuorIOPort.h>
+
+#include "iphone-IOPort/ExternalAccessoryPort.h"
+#include "job/BlockReport.h"
+
+namespace quordalvane {
+
+/// What became of a job.
+enum class PrintOutcome {
+  Printed,      ///< the printer confirmed that it has printed all of it
+  Unconfirmed,  ///< bytes went out, and nothing proves that they were printed, or that they were
+                ///< not
+  Refused,      ///< no byte of the job went out: to send it again is safe
+};
+
+/// Why a job was not printed, as far as a program must tell the cases apart.
+enum class PrintObstacle {
+  None,
+  PrinterNotReady,  ///< the printer answered and is off line, or paper is in its exit
+  LinkLost,
+  Cancelled,
+  ExchangeFailed,  ///< no answer, no space for too long, or a failed write
+  NoProof,  ///< all went out, and the sign that it was printed is missing or could be another's
+};
+
+struct PrintResult {
+  PrintOutcome outcome = PrintOutcome::Refused;
+  PrintObstacle obstacle = PrintObstacle::None;
+
+  /// The result code of the block's beginning; failed without a block.
+  std::int64_t resultCode = ZKQuorIOResultCodeFailedError;
+
+  std::uint64_t bytesTotal = 0;
+  std::uint64_t bytesAccepted = 0;  ///< what the link took of the job, exactly
+
+  /// The last status that was obtained; none if none was.
+  std::optional<QuorPrinterStatus_2> status;
+
+  /// Why, for a person: "cover open", "link lost after 1,204 of 3,800 bytes". "" when printed.
+  std::string reason;
+
+  /// What the caller may do next, for a person. "" when printed.
+  std::string advice;
+};
+
+struct PrintProgress {
+  std::uint64_t bytesAccepted;
+  std::uint64_t bytesTotal;
+};
+
+/// One print job over an open port: begins a checked block, moves the data, ends the block, and
+/// tells honestly what came of it. A job is sent once and never again by itself.
+///
+/// The data goes out by `write:` in pieces, under the port's time-out: as long without progress
+/// fails the job. A job whose data could itself make the printer's signs is printed, but not
+/// confirmed, see `confirmationObstacle`.
+class PrintJob : private TransferObserver {
+ public:
+  struct Options {
+    /// False: no block, hence no look at the printer and no proof. The best outcome is Unconfirmed.
+    bool checked = true;
+
+    /// Called on the thread of `run`, after the block's beginning and after each piece that went
+    /// out.
+    std::function<void(const PrintProgress&)> progress;
+  };
+
+  PrintJob(std::shared_ptr<ExternalAccessoryPort> port, Options options);
+  explicit PrintJob(std::shared_ptr<ExternalAccessoryPort> port) : PrintJob(std::move(port), {}) {}
+  ~PrintJob() override = default;
+
+  /// Prints `data` and returns what became of it; called once. Blocks for the block's beginning,
+  /// for the data, up to the time-out without progress, and up to the port's end-of-block time-out.
+  /// The port stays open, except after a cancel. Exceptions of the platform and the progress
+  /// function pass through.
+  PrintResult run(std::span<const std::uint8_t> data);
+
+  /// Abandons the job: as soon as the port looks at the link again, 0.3 s at most, the printer is
+  /// told to drop what it holds, if the link takes that, and the port is closed. Any thread, also
+  /// before `run`; safe in a signal handler.
+  void cancel() noexcept { cancelled_ = true; }
+
+ private:
+  struct Cancelled {};
+
+  void bytesWritten(std::size_t count) override;
+  void bytesRead(std::span<const std::uint8_t> bytes) override;
+  void stopIfCancelled() const;
+
+  void print(std::span<const std::uint8_t> data);
+  bool begin();
+  bool synchronise();
+  bool synchroniseQuorLine();
+  bool synchroniseESCPOS();
+  bool awaitAnswer(const std::function<bool(const ByteBuffer&)>& isComplete, ByteBuffer& answer);
+  bool move(std::span<const std::uint8_t> data, std::uint64_t& accepted);
+  void end(std::span<const std::uint8_t> data);
+  void reportProgress() const;
+  bool isProven() const;
+  void drainInput();
+  void finishCancelled();
+
+  bool stop(PrintObstacle obstacle, const std::string& reason);
+  bool stopForLostExchange(const std::string& otherwise);
+  std::string progressInWords() const;
+
+  const std::shared_ptr<ExternalAccessoryPort> port_;
+  const Options options_;
+  std::atomic<bool> cancelled_ = false;
+  std::uint64_t* accepted_ = nullptr;  // what counts the bytes that go out now; null: nothing
+  bool linkTakesBytes_ = true;
+  BlockReport report_;
+  QuorPrinterStatus_2 status_ = {};
+  PrintResult result_;
+};
+
+}  // namespace quordalvane

@@ -1,0 +1,48 @@
+#include "job/StatusText.h"
+
+#include <cstdint>
+#include <string_view>
+
+namespace quordalvane {
+namespace {
+
+struct Cause {
+  std::uint32_t QuorPrinterStatus_2::*flag;
+  std::string_view words;
+};
+
+constexpr Cause kCauses[] = {
+    {&QuorPrinterStatus_2::coverOpen, "cover open"},
+    {&QuorPrinterStatus_2::receiptPaperEmpty, "paper out"},
+    {&QuorPrinterStatus_2::overTemp, "print head too hot"},
+    {&QuorPrinterStatus_2::cutterError, "cutter error"},
+    {&QuorPrinterStatus_2::jamError, "paper jam"},
+    {&QuorPrinterStatus_2::presenterPaperJamError, "paper jam in the presenter"},
+    {&QuorPrinterStatus_2::headUpError, "print head raised"},
+    {&QuorPrinterStatus_2::voltageError, "supply voltage error"},
+    {&QuorPrinterStatus_2::headThermistorError, "print head sensor error"},
+    {&QuorPrinterStatus_2::mechError, "mechanical error"},
+    {&QuorPrinterStatus_2::paperDetectionError, "paper detection error"},
+    {&QuorPrinterStatus_2::blackMarkError, "black mark not found"},
+    {&QuorPrinterStatus_2::receiveBufferOverflow, "receive buffer overflow"},
+    {&QuorPrinterStatus_2::pageModeCmdError, "page mode command error"},
+    {&QuorPrinterStatus_2::unrecoverableError, "unrecoverable error"},
+    {&QuorPrinterStatus_2::stackerFull, "stacker full"},
+};
+
+}  // namespace
+
+std::string whyOffline(const QuorPrinterStatus_2& status) {
+  if (status.offline == 0) {
+    return "";
+  }
+  std::string words;
+  for (const Cause& cause : kCauses) {
+    if (status.*cause.flag != 0) {
+      words += (words.empty() ? "" : ", ") + std::string(cause.words);
+    }
+  }
+  return words.empty() ? "off line" : words;
+}
+
+}  // namespace quordalvane

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+#include <quordalvane/QuorIOPort.h>
+
+namespace quordalvane {
+
+/// What keeps the printer from printing, in words: "cover open", "paper out, cutter error". "off
+/// line" when the printer says no more than that; "" for a printer that is on line.
+std::string whyOffline(const QuorPrinterStatus_2& status);
+
+}  // namespace quordalvane

@@ -1,0 +1,13 @@
+#include "job/Words.h"
+
+namespace quordalvane {
+
+std::string grouped(std::uint64_t count) {
+  std::string digits = std::to_string(count);
+  for (std::size_t end = digits.size(); end > 3; end -= 3) {
+    digits.insert(end - 3, ",");
+  }
+  return digits;
+}
+
+}  // namespace quordalvane
