@@ -1,6 +1,8 @@
 #include "simulator/PrinterLink.h"
 
 #include <algorithm>
+#include <limits>
+#include <utility>
 
 namespace quordalvane::simulator {
 namespace {
@@ -11,41 +13,58 @@ constexpr std::size_t kMostWaiting = 64 * 1024;
 // In command mode nothing goes to the printer, so its buffer does not matter.
 constexpr std::size_t kCommandModeSpace = 256;
 
+std::optional<Instant> earlier(std::optional<Instant> a, std::optional<Instant> b) {
+  if (a && b)
+    return std::min(*a, *b);
+  return a ? a : b;
+}
+
 }  // namespace
 
-PrinterLink::PrinterLink(VirtualPrinter& printer, Instant now)
+PrinterLink::PrinterLink(VirtualPrinter& printer, Instant now, const Faults& faults)
     : printer_(printer),
-      connection_(printer.connect([this](std::span<const std::uint8_t> bytes, Instant) {
+      connection_(printer.connect([this](std::span<const std::uint8_t> bytes, Instant at) {
         // The module has one radio channel: while it answers commands itself, the printer is not
         // heard.
         if (!module_.inCommandMode())
-          deliver(bytes);
+          send(bytes, at);
       })),
-      module_(
-          printer.state().bluetoothAddress(),
-          {[this](std::span<const std::uint8_t> bytes, Instant at) { printer_.receive(bytes, at); },
-           [this](std::span<const std::uint8_t> bytes, Instant) { deliver(bytes); }},
-          now),
-      now_(now) {}
+      module_(printer.state().bluetoothAddress(),
+              {[this](std::span<const std::uint8_t> bytes, Instant at) {
+                 printer_.receive(bytes, at, printsNothing_);
+               },
+               [this](std::span<const std::uint8_t> bytes, Instant at) { send(bytes, at); }},
+              now),
+      replies_(faults.seed),
+      now_(now) {
+  for (const Fault& fault : faults.list)
+    befall(fault);
+}
 
 PrinterLink::~PrinterLink() {
-  if (!dropped_)
-    drop(now_);
+  if (!ended_)
+    drop(Ending::atOnce);
 }
 
 std::size_t PrinterLink::space(Instant now) {
   settle(now);
-  if (dropped_)
+  if (ended_ || stalled())
     return 0;
-  if (module_.inCommandMode())
-    return kCommandModeSpace;
-  const std::size_t room = printer_.space();
-  return room - std::min(room, module_.keptBack());
+  std::uint64_t room = kCommandModeSpace;
+  if (!module_.inCommandMode()) {
+    const std::size_t free = printer_.space();
+    room = free - std::min(free, module_.keptBack());
+  }
+  return std::min({room, mostPerWrite_.value_or(room), bytesBeforeCut()});
 }
 
 std::size_t PrinterLink::write(std::span<const std::uint8_t> bytes, Instant now) {
   const std::size_t count = std::min(bytes.size(), space(now));
   module_.receive(bytes.first(count), now);
+  bytesIn_ += count;
+  beginStalls();
+  receiveReplies();
+  cutIfReached(cutAfterIn_, bytesIn_);
   return count;
 }
 
@@ -68,51 +87,167 @@ bool PrinterLink::connected(Instant now) {
 
 bool PrinterLink::dropped(Instant now) {
   settle(now);
-  return dropped_;
+  return ended_.has_value();
+}
+
+bool PrinterLink::wasReset(Instant now) {
+  settle(now);
+  return ended_ == Ending::reset;
 }
 
 std::optional<Instant> PrinterLink::nextEvent(Instant now) {
   settle(now);
-  if (dropped_)
+  if (ended_)
     return std::nullopt;
-  const auto own = nextOwnEvent();
-  const auto printers = printer_.nextEvent();
-  if (own && printers)
-    return std::min(*own, *printers);
-  return own ? own : printers;
+  return earlier(nextOwnEvent(), printer_.nextEvent());
 }
 
 // Works through everything that was due by `now`, in the order in which it was due.
 void PrinterLink::settle(Instant now) {
-  now_ = std::max(now_, now);
-  while (!dropped_) {
-    const auto due = nextOwnEvent();
-    if (!due || *due > now)
+  while (!ended_) {
+    const Instant step = std::min(now, nextOwnEvent().value_or(now));
+    now_ = std::max(now_, step);
+    printer_.advance(now_);
+    receiveReplies();
+    module_.advance(now_);
+    bringWhatIsComing();
+    endStalls();
+    if (!printer_.isConnection(connection_) || module_.wantsLinkDropped())
+      drop(Ending::drain);
+    if (step == now && nextOwnEvent().value_or(Instant::max()) > now)
       break;
-    printer_.advance(*due);
-    module_.advance(*due);
-    if (module_.wantsLinkDropped())
-      drop(*due);
   }
   printer_.advance(now);
-  if (!dropped_ && !printer_.isConnection(connection_))
-    drop(now);
 }
 
 std::optional<Instant> PrinterLink::nextOwnEvent() const {
-  return module_.nextEvent();
+  auto next = earlier(module_.nextEvent(), replies_.nextArrival());
+  for (const Coming& coming : coming_)
+    next = earlier(next, coming.due);
+  for (const Stall& stall : stalls_)
+    next = earlier(next, stall.until);
+  return next;
 }
 
-void PrinterLink::deliver(std::span<const std::uint8_t> bytes) {
-  if (waiting_.size() + bytes.size() <= kMostWaiting)
-    waiting_.insert(waiting_.end(), bytes.begin(), bytes.end());
+void PrinterLink::send(std::span<const std::uint8_t> bytes, Instant at) {
+  if (waiting_.size() + replies_.underWay() + bytes.size() <= kMostWaiting)
+    replies_.send(bytes, at);
 }
 
-void PrinterLink::drop(Instant now) {
+void PrinterLink::receiveReplies() {
+  cutIfReached(cutAfterOut_, bytesOut_);
+  while (!ended_) {
+    const auto byte = replies_.arrive(now_);
+    if (!byte)
+      return;
+    waiting_.push_back(*byte);
+    ++bytesOut_;
+    cutIfReached(cutAfterOut_, bytesOut_);
+  }
+}
+
+void PrinterLink::drop(Ending ending) {
   if (printer_.isConnection(connection_))
-    module_.release(now);
+    module_.release(now_);
   printer_.disconnect(connection_);
-  dropped_ = true;
+  ended_ = ending;
+  if (ending != Ending::drain)
+    waiting_.clear();
+}
+
+void PrinterLink::addFault(const Fault& fault, Instant now) {
+  settle(now);
+  befall(fault);
+}
+
+void PrinterLink::befall(const Fault& fault) {
+  switch (fault.kind) {
+    case FaultKind::shortWrites:
+      mostPerWrite_ = fault.count;
+      return;
+    case FaultKind::noSpace:
+      stalls_.push_back({fault.count, fault.time, std::nullopt});
+      return beginStalls();
+    case FaultKind::cutAfterIn:
+      cutAfterIn_ = Cut{fault.count, fault.ending};
+      return cutIfReached(cutAfterIn_, bytesIn_);
+    case FaultKind::cutAfterOut:
+      cutAfterOut_ = Cut{fault.count, fault.ending};
+      return cutIfReached(cutAfterOut_, bytesOut_);
+    case FaultKind::cut:
+      if (!ended_)
+        drop(fault.ending);
+      return;
+    case FaultKind::printsNothing:
+      printsNothing_ = true;
+      return;
+    case FaultKind::at:
+      coming_.push_back({now_ + fault.time, fault.key, fault.value});
+      return;
+    case FaultKind::lateReply:
+    case FaultKind::splitReply:
+    case FaultKind::duplicateReply:
+    case FaultKind::dropReply:
+    case FaultKind::corruptReply:
+    case FaultKind::strayByte:
+    case FaultKind::silence:
+      return replies_.add(fault);
+  }
+}
+
+void PrinterLink::clearFaults(Instant now) {
+  settle(now);
+  replies_.clear();
+  coming_.clear();
+  stalls_.clear();
+  cutAfterIn_.reset();
+  cutAfterOut_.reset();
+  mostPerWrite_.reset();
+  printsNothing_ = false;
+}
+
+void PrinterLink::bringWhatIsComing() {
+  const auto isDue = [this](const Coming& coming) { return coming.due <= now_; };
+  const auto due = std::find_if(coming_.begin(), coming_.end(), isDue);
+  if (ended_ || due == coming_.end())
+    return;
+  const Coming brought = *due;
+  coming_.erase(due);
+  if (isFault(brought.key))
+    befall(parseFault(brought.key, brought.value));
+  else
+    printer_.set(brought.key, brought.value, now_);
+}
+
+void PrinterLink::beginStalls() {
+  for (Stall& stall : stalls_)
+    if (!stall.until && bytesIn_ >= stall.afterBytes)
+      stall.until = now_ + stall.length;
+}
+
+void PrinterLink::endStalls() {
+  std::erase_if(stalls_,
+                [this](const Stall& stall) { return stall.until && *stall.until <= now_; });
+}
+
+bool PrinterLink::stalled() const {
+  return std::any_of(stalls_.begin(), stalls_.end(),
+                     [](const Stall& stall) { return stall.until.has_value(); });
+}
+
+// The byte counts of stalls and cuts are exact: no write goes past one.
+std::uint64_t PrinterLink::bytesBeforeCut() const {
+  std::uint64_t most = std::numeric_limits<std::uint64_t>::max();
+  if (cutAfterIn_)
+    most = cutAfterIn_->afterBytes - bytesIn_;
+  for (const Stall& stall : stalls_)
+    most = std::min(most, stall.afterBytes - bytesIn_);
+  return most;
+}
+
+void PrinterLink::cutIfReached(const std::optional<Cut>& cut, std::uint64_t bytes) {
+  if (cut && !ended_ && bytes >= cut->afterBytes)
+    drop(cut->ending);
 }
 
 }  // namespace quordalvane::simulator

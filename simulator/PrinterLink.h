@@ -4,9 +4,13 @@
 #include <deque>
 #include <optional>
 #include <span>
+#include <string>
+#include <vector>
 
 #include "simulator/BluetoothModule.h"
+#include "simulator/Faults.h"
 #include "simulator/Instant.h"
+#include "simulator/ReplyPath.h"
 #include "simulator/VirtualPrinter.h"
 
 namespace quordalvane::simulator {
@@ -20,7 +24,8 @@ namespace quordalvane::simulator {
 /// Not for use by two threads at once.
 class PrinterLink {
  public:
-  PrinterLink(VirtualPrinter& printer, Instant now);
+  /// A link that begins at `now`, with faults or without.
+  PrinterLink(VirtualPrinter& printer, Instant now, const Faults& faults = {});
   ~PrinterLink();
   PrinterLink(const PrinterLink&) = delete;
   PrinterLink& operator=(const PrinterLink&) = delete;
@@ -45,22 +50,65 @@ class PrinterLink {
   /// True once the link has dropped, whatever is left to read.
   bool dropped(Instant now);
 
+  /// True once the link has ended by a reset, which a host can tell from a close.
+  bool wasReset(Instant now);
+
+  /// Lets a fault befall the link from `now` on, besides those that it has. Bytes and replies are
+  /// counted from the link's beginning.
+  void addFault(const Fault& fault, Instant now);
+
+  /// Takes all faults away. Replies that are under way keep their delay; an ended link stays so.
+  void clearFaults(Instant now);
+
   /// When, after `now`, something may change without any call: space, bytes to read, the link
   /// itself. None while nothing is due.
   std::optional<Instant> nextEvent(Instant now);
 
  private:
+  struct Coming {  // a fault of the kind `at`, with its time
+    Instant due;
+    std::string key;
+    std::string value;
+  };
+  struct Stall {  // no space from a count of bytes on, for a while
+    std::uint64_t afterBytes;
+    Instant length;
+    std::optional<Instant> until;  // none until so many bytes have come
+  };
+  struct Cut {
+    std::uint64_t afterBytes;
+    Ending ending;
+  };
+
   void settle(Instant now);
+  void send(std::span<const std::uint8_t> reply, Instant at);
+  void befall(const Fault& fault);
+  void receiveReplies();
+  void bringWhatIsComing();
+  void beginStalls();
+  void endStalls();
+  bool stalled() const;
+  std::uint64_t bytesBeforeCut() const;
+  void cutIfReached(const std::optional<Cut>& cut, std::uint64_t bytes);
   std::optional<Instant> nextOwnEvent() const;
-  void deliver(std::span<const std::uint8_t> bytes);
-  void drop(Instant now);
+  void drop(Ending ending);
 
   VirtualPrinter& printer_;
   std::uint64_t connection_;
   BluetoothModule module_;
+  ReplyPath replies_;
   std::deque<std::uint8_t> waiting_;  // for the host to read
   Instant now_;
-  bool dropped_ = false;
+  std::optional<Ending> ended_;
+  std::uint64_t bytesIn_ = 0;
+  std::uint64_t bytesOut_ = 0;
+
+  std::vector<Coming> coming_;
+  std::vector<Stall> stalls_;
+  std::optional<Cut> cutAfterIn_;
+  std::optional<Cut> cutAfterOut_;
+  std::optional<std::uint64_t> mostPerWrite_;
+  bool printsNothing_ = false;
 };
 
 }  // namespace quordalvane::simulator

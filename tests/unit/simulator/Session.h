@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "simulator/PrinterBuilder.h"
@@ -45,7 +46,9 @@ inline Bytes operator+(Bytes left, const Bytes& right) {
 /// A printer and a host that talk over one link after another, on a clock of the test's own.
 class Session {
  public:
-  explicit Session(const PrinterBuilder& builder) : printer(builder.state()), link(connect()) {}
+  explicit Session(const PrinterBuilder& builder, Faults linkFaults = {})
+      : printer(builder.state()), faults(std::move(linkFaults)), link(connect()) {}
+  explicit Session(Faults linkFaults) : Session(PrinterBuilder(), std::move(linkFaults)) {}
   Session() : Session(PrinterBuilder()) {}
 
   /// Writes all of `bytes`; false if the link did not take them all at once.
@@ -72,12 +75,22 @@ class Session {
     link = connect();
   }
 
-  std::unique_ptr<PrinterLink> connect() { return std::make_unique<PrinterLink>(printer, now); }
+  std::unique_ptr<PrinterLink> connect() {
+    return std::make_unique<PrinterLink>(printer, now, faults);
+  }
 
   Instant now = 1000s;
   VirtualPrinter printer;
+  Faults faults;
   std::unique_ptr<PrinterLink> link;
 };
+
+/// One fault, named as a user names it.
+inline Faults with(std::string_view name, std::string_view value) {
+  Faults faults;
+  faults.add(name, value);
+  return faults;
+}
 
 inline constexpr std::string_view kStatusRequest = "1b 06 01";
 inline constexpr std::string_view kDataCancel = "1b 1d 03 03 00 00";

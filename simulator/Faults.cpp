@@ -1,0 +1,238 @@
+#include "simulator/Faults.h"
+
+#include <algorithm>
+#include <charconv>
+#include <limits>
+#include <optional>
+#include <stdexcept>
+
+#include "simulator/PrinterState.h"
+
+namespace quordalvane::simulator {
+namespace {
+
+using Text = std::string_view;
+
+// A year: times beyond it are a slip, and sums of times stay far from overflow.
+constexpr std::uint64_t kLongestMilliseconds = 365ULL * 24 * 3600 * 1000;
+
+std::optional<std::uint64_t> number(
+    Text text, int base = 10, std::uint64_t most = std::numeric_limits<std::uint64_t>::max()) {
+  std::uint64_t value = 0;
+  const char* end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, value, base);
+  if (text.empty() || error != std::errc() || stop != end || value > most)
+    return std::nullopt;
+  return value;
+}
+
+// Takes what stands after the last `mark` off the text; none if there is no mark.
+std::optional<Text> takeTail(Text& text, char mark) {
+  const std::size_t at = text.rfind(mark);
+  if (at == Text::npos)
+    return std::nullopt;
+  const Text tail = text.substr(at + 1);
+  text = text.substr(0, at);
+  return tail;
+}
+
+bool parseCount(Text text, Fault& fault) {
+  const auto count = number(text);
+  fault.count = count.value_or(0);
+  return count.has_value();
+}
+
+bool parsePositiveCount(Text text, Fault& fault) {
+  return parseCount(text, fault) && fault.count > 0;
+}
+
+bool parseTime(Text text, Fault& fault) {
+  const auto milliseconds = number(text, 10, kLongestMilliseconds);
+  fault.time = std::chrono::milliseconds(milliseconds.value_or(0));
+  return milliseconds.has_value();
+}
+
+bool parseReplyNumber(Text text, Fault& fault) {
+  const auto reply = number(text);
+  fault.reply = reply.value_or(0);
+  return fault.reply > 0;
+}
+
+bool parseReply(Text text, Fault& fault) {
+  return text == "all" || parseReplyNumber(text, fault);
+}
+
+bool parseEnding(Text text, Fault& fault) {
+  if (text == "drain")
+    fault.ending = Ending::drain;
+  else if (text == "at-once")
+    fault.ending = Ending::atOnce;
+  else if (text == "reset")
+    fault.ending = Ending::reset;
+  else
+    return false;
+  return true;
+}
+
+// VALUE or VALUE@K: the fault befalls each reply, or the K-th.
+bool parseAtReply(Text text, Fault& fault, bool (*parseValue)(Text, Fault&)) {
+  const auto reply = takeTail(text, '@');
+  return (!reply || parseReplyNumber(*reply, fault)) && parseValue(text, fault);
+}
+
+bool parseLate(Text text, Fault& fault) {
+  return parseAtReply(text, fault, parseTime);
+}
+
+bool parseStrayByte(Text text, Fault& fault) {
+  return parseAtReply(text, fault, [](Text byte, Fault& into) {
+    const auto value = number(byte, 16, 0xff);
+    into.count = value.value_or(0);
+    return value.has_value();
+  });
+}
+
+bool parseSplit(Text text, Fault& fault) {
+  return parseAtReply(text, fault, [](Text offsets, Fault& into) {
+    for (bool more = true; more;) {
+      const std::size_t slash = offsets.find('/');
+      more = slash != Text::npos;
+      const auto offset = number(offsets.substr(0, slash));
+      const std::uint64_t before = into.offsets.empty() ? 0 : into.offsets.back();
+      if (!offset || *offset <= before)
+        return false;
+      into.offsets.push_back(*offset);
+      offsets.remove_prefix(more ? slash + 1 : 0);
+    }
+    return true;
+  });
+}
+
+bool parseCut(Text text, Fault& fault) {
+  const auto ending = takeTail(text, ':');
+  return (!ending || parseEnding(*ending, fault)) && parseCount(text, fault);
+}
+
+bool parseNoSpace(Text text, Fault& fault) {
+  const auto time = takeTail(text, ':');
+  return time && parseTime(*time, fault) && parseCount(text, fault);
+}
+
+bool parseTrue(Text text, Fault&) {
+  return text == "true";
+}
+
+// MS:KEY=VALUE. What it brings must itself be right, so that it cannot fail when its time comes.
+bool parseAt(Text text, Fault& fault) {
+  const std::size_t colon = text.find(':');
+  const std::size_t equals = text.find('=', colon == Text::npos ? 0 : colon);
+  if (colon == Text::npos || equals == Text::npos || !parseTime(text.substr(0, colon), fault))
+    return false;
+  fault.key = text.substr(colon + 1, equals - colon - 1);
+  fault.value = text.substr(equals + 1);
+  if (fault.key == "at")
+    return false;
+  if (isFault(fault.key))
+    parseFault(fault.key, fault.value);
+  else
+    PrinterState().set(fault.key, fault.value);
+  return true;
+}
+
+struct Form {
+  FaultKind kind;
+  Text name;
+  Text takes;
+  Text does;
+  bool (*parse)(Text, Fault&);
+};
+
+constexpr Form kForms[] = {
+    {FaultKind::shortWrites, "short-writes", "a count of bytes from 1",
+     "no write takes more than so many bytes", parsePositiveCount},
+    {FaultKind::noSpace, "no-space", "BYTES:MS",
+     "after so many bytes have come in there is no space for so long", parseNoSpace},
+    {FaultKind::lateReply, "late-reply", "MS or MS@REPLY", "replies come so much later", parseLate},
+    {FaultKind::splitReply, "split-reply", "rising offsets like 3/7 or 3/7@REPLY",
+     "replies come in pieces, 50 ms apart", parseSplit},
+    {FaultKind::duplicateReply, "duplicate-reply", "all or the number of a reply",
+     "replies come twice", parseReply},
+    {FaultKind::dropReply, "drop-reply", "all or the number of a reply", "replies do not come",
+     parseReply},
+    {FaultKind::corruptReply, "corrupt-reply", "all or the number of a reply",
+     "one bit of a reply is wrong; the seed says which", parseReply},
+    {FaultKind::strayByte, "stray-byte", "two hex digits, or two hex digits@REPLY",
+     "this byte comes before a reply", parseStrayByte},
+    {FaultKind::silence, "silence", "the number of a reply",
+     "this reply and all after it do not come", parseReplyNumber},
+    {FaultKind::cutAfterIn, "cut-after-in", "BYTES or BYTES:drain|at-once|reset",
+     "the link ends when so many bytes have come in", parseCut},
+    {FaultKind::cutAfterOut, "cut-after-out", "BYTES or BYTES:drain|at-once|reset",
+     "the link ends when the printer has sent so many bytes", parseCut},
+    {FaultKind::cut, "cut", "drain, at-once or reset", "the link ends", parseEnding},
+    {FaultKind::printsNothing, "prints-nothing", "true",
+     "print data and ETBs are taken and lost; status is answered", parseTrue},
+    {FaultKind::at, "at", "MS:KEY=VALUE with a printer setting or another fault",
+     "so long after it was given, this setting or fault comes", parseAt},
+};
+
+const Form* formNamed(Text name) {
+  const auto found = std::find_if(std::begin(kForms), std::end(kForms),
+                                  [&](const Form& form) { return form.name == name; });
+  return found == std::end(kForms) ? nullptr : found;
+}
+
+std::string everyName() {
+  std::string names = "seed";
+  for (const Form& form : kForms)
+    names.append(", ").append(form.name);
+  return names;
+}
+
+[[noreturn]] void refuse(Text name, Text value, Text takes) {
+  throw std::invalid_argument(std::string(name) + " takes " + std::string(takes) + ", not \"" +
+                              std::string(value) + "\"");
+}
+
+}  // namespace
+
+bool isFault(Text name) {
+  return formNamed(name) != nullptr;
+}
+
+Fault parseFault(Text name, Text value) {
+  const Form* form = formNamed(name);
+  if (form == nullptr)
+    throw std::invalid_argument("there is no fault \"" + std::string(name) + "\"; there are " +
+                                everyName());
+  Fault fault;
+  fault.kind = form->kind;
+  if (!form->parse(value, fault))
+    refuse(name, value, form->takes);
+  return fault;
+}
+
+std::string faultHelp() {
+  std::string help;
+  for (const Form& form : kForms)
+    help.append(form.name)
+        .append("=")
+        .append(form.takes)
+        .append(": ")
+        .append(form.does)
+        .append("\n");
+  return help;
+}
+
+void Faults::add(Text name, Text value) {
+  if (name != "seed") {
+    list.push_back(parseFault(name, value));
+    return;
+  }
+  const auto parsed = number(value);
+  if (!parsed)
+    refuse(name, value, "a whole number");
+  seed = *parsed;
+}
+
+}  // namespace quordalvane::simulator

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "simulator/Instant.h"
+
+namespace quordalvane::simulator {
+
+/// What happens to bytes that were sent and not read when a link ends.
+enum class Ending {
+  drain,   ///< they can still be read
+  atOnce,  ///< they are lost
+  reset,   ///< they are lost, and the host sees a reset instead of a close
+};
+
+enum class FaultKind {
+  shortWrites,
+  noSpace,
+  lateReply,
+  splitReply,
+  duplicateReply,
+  dropReply,
+  corruptReply,
+  strayByte,
+  silence,
+  cutAfterIn,
+  cutAfterOut,
+  cut,
+  printsNothing,
+  at,
+};
+
+/// One thing that goes wrong on a link. Which members count depends on the kind; see `faultHelp`.
+struct Fault {
+  FaultKind kind{};
+  std::uint64_t count = 0;             ///< bytes; of `strayByte` the byte
+  Instant time{};                      ///< how late, how long, or when
+  std::uint64_t reply = 0;             ///< the number of the reply that it befalls, from 1; 0: each
+  std::vector<std::uint64_t> offsets;  ///< where a reply is split, rising
+  Ending ending = Ending::drain;
+  std::string key;  ///< of `at`: the printer setting or fault that it brings
+  std::string value;
+};
+
+/// True if there is a fault of that name.
+bool isFault(std::string_view name);
+
+/// The fault `name` with the value `value`, as `faultHelp` describes them. Throws
+/// std::invalid_argument, with a text for people that names the fault and the values it takes.
+Fault parseFault(std::string_view name, std::string_view value);
+
+/// A line for each fault: its name, its values, what it does.
+std::string faultHelp();
+
+/// The faults of a link, in the order in which they were named. A plain value.
+struct Faults {
+  std::vector<Fault> list;
+  std::uint64_t seed = 0;  ///< decides whatever a fault leaves to chance
+
+  /// Adds the fault that is named, or sets the seed for the name `seed`. Errors as in `parseFault`.
+  void add(std::string_view name, std::string_view value);
+};
+
+}  // namespace quordalvane::simulator

@@ -1,0 +1,88 @@
+#include "simulator/ReplyPath.h"
+
+#include <algorithm>
+#include <random>
+
+namespace quordalvane::simulator {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr Instant kBetweenPieces = 50ms;
+
+}  // namespace
+
+bool ReplyPath::befalls(const Fault& fault) const {
+  if (fault.kind == FaultKind::silence)
+    return count_ >= fault.reply;
+  return fault.reply == 0 || fault.reply == count_;
+}
+
+bool ReplyPath::isLost() const {
+  return std::any_of(faults_.begin(), faults_.end(), [this](const Fault& fault) {
+    return (fault.kind == FaultKind::dropReply || fault.kind == FaultKind::silence) &&
+           befalls(fault);
+  });
+}
+
+void ReplyPath::distort(Bytes& reply) const {
+  for (const Fault& fault : faults_) {
+    if (!befalls(fault))
+      continue;
+    if (fault.kind == FaultKind::duplicateReply) {
+      const Bytes once = reply;
+      reply.insert(reply.end(), once.begin(), once.end());
+    } else if (fault.kind == FaultKind::corruptReply) {
+      std::mt19937_64 chance(seed_ + count_);
+      std::uint8_t& byte = reply[chance() % reply.size()];
+      byte = static_cast<std::uint8_t>(byte ^ 1U << chance() % 8);
+    } else if (fault.kind == FaultKind::strayByte) {
+      reply.insert(reply.begin(), static_cast<std::uint8_t>(fault.count));
+    }
+  }
+}
+
+void ReplyPath::send(std::span<const std::uint8_t> reply, Instant at) {
+  ++count_;
+  if (isLost() || reply.empty())
+    return;
+  Bytes bytes(reply.begin(), reply.end());
+  distort(bytes);
+  dispatch(bytes, at);
+}
+
+void ReplyPath::dispatch(const Bytes& reply, Instant at) {
+  Instant due = at;
+  std::vector<std::uint64_t> splits;
+  for (const Fault& fault : faults_) {
+    if (!befalls(fault))
+      continue;
+    if (fault.kind == FaultKind::lateReply)
+      due += fault.time;
+    else if (fault.kind == FaultKind::splitReply)
+      splits.insert(splits.end(), fault.offsets.begin(), fault.offsets.end());
+  }
+  if (!underWay_.empty())
+    due = std::max(due, underWay_.back().due);
+  for (std::size_t i = 0; i < reply.size(); ++i) {
+    if (std::find(splits.begin(), splits.end(), i) != splits.end())
+      due += kBetweenPieces;
+    underWay_.push_back({reply[i], due});
+  }
+}
+
+std::optional<Instant> ReplyPath::nextArrival() const {
+  if (underWay_.empty())
+    return std::nullopt;
+  return underWay_.front().due;
+}
+
+std::optional<std::uint8_t> ReplyPath::arrive(Instant now) {
+  if (underWay_.empty() || underWay_.front().due > now)
+    return std::nullopt;
+  const std::uint8_t byte = underWay_.front().byte;
+  underWay_.pop_front();
+  return byte;
+}
+
+}  // namespace quordalvane::simulator

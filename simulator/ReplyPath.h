@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "simulator/Faults.h"
+#include "simulator/Instant.h"
+
+namespace quordalvane::simulator {
+
+/// The way of the replies from a printer to its host, and what faults do to them on it. Replies
+/// never overtake one another.
+class ReplyPath {
+ public:
+  explicit ReplyPath(std::uint64_t seed) : seed_(seed) {}
+
+  /// Adds a fault that befalls replies.
+  void add(const Fault& fault) { faults_.push_back(fault); }
+
+  /// Takes all faults away. What is under way keeps its fate.
+  void clear() { faults_.clear(); }
+
+  /// Takes a reply that the printer gives at `at`.
+  void send(std::span<const std::uint8_t> reply, Instant at);
+
+  /// When the next byte arrives; none while nothing is under way.
+  std::optional<Instant> nextArrival() const;
+
+  /// Takes the next byte off the way if it has arrived by `now`.
+  std::optional<std::uint8_t> arrive(Instant now);
+
+  /// How many bytes are under way.
+  std::size_t underWay() const { return underWay_.size(); }
+
+ private:
+  struct Travelling {
+    std::uint8_t byte;
+    Instant due;
+  };
+  using Bytes = std::vector<std::uint8_t>;
+
+  bool befalls(const Fault& fault) const;
+  bool isLost() const;
+  void distort(Bytes& reply) const;
+  void dispatch(const Bytes& reply, Instant at);
+
+  std::uint64_t seed_;
+  std::uint64_t count_ = 0;  // replies so far
+  std::vector<Fault> faults_;
+  std::deque<Travelling> underWay_;
+};
+
+}  // namespace quordalvane::simulator

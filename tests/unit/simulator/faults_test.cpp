@@ -1,0 +1,279 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <bit>
+#include <stdexcept>
+
+#include "tests/unit/simulator/Session.h"
+
+namespace quordalvane::simulator {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::ThrowsMessage;
+
+const Bytes kBlock = hex("89 01 00000020 00 00 05");
+
+Faults also(Faults faults, std::string_view name, std::string_view value) {
+  faults.add(name, value);
+  return faults;
+}
+
+TEST(Faults, AShortWriteTakesNoMoreThanItsCount) {
+  Session session(with("short-writes", "3"));
+  EXPECT_EQ(session.link->space(session.now), 3U);
+  EXPECT_EQ(session.link->write(ascii("abcdef"), session.now), 3U);
+  EXPECT_EQ(session.link->write(ascii("def"), session.now), 3U);
+  EXPECT_EQ(session.printer.printed(), ascii("abcdef"));
+}
+
+TEST(Faults, ThereIsNoSpaceForAWhileAfterTheGivenByte) {
+  Session session(with("no-space", "4:1500"));
+  EXPECT_EQ(session.link->write(ascii("abcdef"), session.now), 4U);
+  EXPECT_EQ(session.link->space(session.now), 0U);
+  EXPECT_EQ(session.link->nextEvent(session.now), session.now + 1500ms);
+  session.wait(1499ms);
+  EXPECT_EQ(session.link->write(ascii("ef"), session.now), 0U);
+  session.wait(1ms);
+  EXPECT_TRUE(session.send(ascii("ef")));
+  EXPECT_EQ(session.link->nextEvent(session.now), std::nullopt);
+}
+
+TEST(Faults, ALateReplyComesExactlySoMuchLater) {
+  Session session(with("late-reply", "700"));
+  EXPECT_EQ(session.ask(kStatusRequest), Bytes{});
+  EXPECT_EQ(session.link->nextEvent(session.now), session.now + 700ms);
+  session.wait(699ms);
+  EXPECT_EQ(session.receive(), Bytes{});
+  session.wait(1ms);
+  EXPECT_EQ(session.receive(), kBlock);
+}
+
+TEST(Faults, ALateReplyHoldsUpTheOnesBehindIt) {
+  Session session(with("late-reply", "700@1"));
+  session.send("100401");
+  session.wait(100ms);
+  EXPECT_EQ(session.ask(kStatusRequest), Bytes{});
+  session.wait(600ms);
+  EXPECT_EQ(session.receive(), hex("12") + kBlock);
+  EXPECT_EQ(session.ask("100401"), hex("12"));
+}
+
+TEST(Faults, ASplitReplyComesInPiecesAtTheGivenOffsets) {
+  Session session(with("split-reply", "1/8"));
+  EXPECT_EQ(session.ask(kStatusRequest), hex("89"));
+  session.wait(50ms);
+  EXPECT_EQ(session.receive(), hex("01 00000020 00 00"));
+  session.wait(50ms);
+  EXPECT_EQ(session.receive(), hex("05"));
+}
+
+TEST(Faults, ADuplicateReplyComesTwice) {
+  Session session(with("duplicate-reply", "2"));
+  EXPECT_EQ(session.ask(kStatusRequest), kBlock);
+  EXPECT_EQ(session.ask(kStatusRequest), kBlock + kBlock);
+  EXPECT_EQ(session.ask(kStatusRequest), kBlock);
+}
+
+TEST(Faults, ADroppedReplyDoesNotCome) {
+  Session once(with("drop-reply", "1"));
+  EXPECT_EQ(once.ask(kStatusRequest), Bytes{});
+  EXPECT_EQ(once.ask(kStatusRequest), kBlock);
+  Session all(with("drop-reply", "all"));
+  EXPECT_EQ(all.ask(kStatusRequest), Bytes{});
+  EXPECT_EQ(all.ask(kStatusRequest), Bytes{});
+}
+
+int wrongBits(const Bytes& a, const Bytes& b) {
+  int count = 0;
+  for (std::size_t i = 0; i < a.size(); ++i)
+    count += std::popcount(static_cast<unsigned>(a[i] ^ b[i]));
+  return count;
+}
+
+TEST(Faults, ACorruptReplyHasOneWrongBitThatTheSeedDecides) {
+  std::vector<Bytes> replies;
+  for (const char* seed : {"1", "2", "3", "4", "5", "6", "1"}) {
+    Session session(also(with("corrupt-reply", "all"), "seed", seed));
+    replies.push_back(session.ask(kStatusRequest));
+    ASSERT_EQ(replies.back().size(), kBlock.size());
+    EXPECT_EQ(wrongBits(replies.back(), kBlock), 1);
+  }
+  EXPECT_EQ(replies.front(), replies.back());
+  EXPECT_NE(std::adjacent_find(replies.begin(), replies.end(), std::not_equal_to<>()),
+            replies.end());
+}
+
+TEST(Faults, AStrayByteComesBeforeAReply) {
+  Session session(with("stray-byte", "1b@2"));
+  EXPECT_EQ(session.ask("100401"), hex("12"));
+  EXPECT_EQ(session.ask("100401"), hex("1b 12"));
+  EXPECT_EQ(session.ask("100401"), hex("12"));
+}
+
+TEST(Faults, ASilentPrinterAnswersNothingFromTheGivenReplyOn) {
+  Session session(with("silence", "2"));
+  EXPECT_EQ(session.ask("100401"), hex("12"));
+  EXPECT_EQ(session.ask("100401 1b0601 1d4941"), Bytes{});
+  EXPECT_TRUE(session.link->connected(session.now));
+}
+
+TEST(Faults, FaultsOnOneReplyAddUp) {
+  Session session(
+      also(also(with("stray-byte", "ff"), "duplicate-reply", "all"), "late-reply", "10"));
+  EXPECT_EQ(session.ask("100401"), Bytes{});
+  session.wait(10ms);
+  EXPECT_EQ(session.receive(), hex("ff12 ff12"));
+}
+
+TEST(Faults, TheLinkIsCutAfterExactlySoManyBytesInAndWhatWasAnsweredCanBeRead) {
+  Session session(with("cut-after-in", "5"));
+  EXPECT_EQ(session.link->write(hex("100401") + ascii("abc"), session.now), 5U);
+  EXPECT_TRUE(session.link->dropped(session.now));
+  EXPECT_TRUE(session.link->connected(session.now));
+  EXPECT_EQ(session.receive(), hex("12"));
+  EXPECT_FALSE(session.link->connected(session.now));
+  EXPECT_FALSE(session.link->wasReset(session.now));
+  EXPECT_EQ(session.link->write(ascii("c"), session.now), 0U);
+  EXPECT_EQ(session.printer.printed(), ascii("ab"));
+}
+
+TEST(Faults, ALinkCutAtOnceLosesWhatWasNotRead) {
+  Session session(with("cut-after-in", "3:at-once"));
+  session.send("100401");
+  EXPECT_FALSE(session.link->connected(session.now));
+  EXPECT_FALSE(session.link->wasReset(session.now));
+  EXPECT_EQ(session.receive(), Bytes{});
+}
+
+TEST(Faults, AResetLinkSaysThatItWasReset) {
+  Session session(with("cut-after-in", "3:reset"));
+  session.send("100401");
+  EXPECT_FALSE(session.link->connected(session.now));
+  EXPECT_TRUE(session.link->wasReset(session.now));
+  EXPECT_EQ(session.receive(), Bytes{});
+}
+
+TEST(Faults, TheLinkIsCutAfterExactlySoManyBytesOut) {
+  for (std::size_t count = 0; count <= kBlock.size(); ++count) {
+    Session session(with("cut-after-out", std::to_string(count)));
+    session.send(kStatusRequest);
+    EXPECT_EQ(session.receive(), Bytes(kBlock.begin(), kBlock.begin() + static_cast<int>(count)));
+    EXPECT_FALSE(session.link->connected(session.now)) << count;
+  }
+}
+
+TEST(Faults, ALinkCutBeforeTheFirstByteIsThereAndGoneAtOnce) {
+  Session session(with("cut-after-in", "0"));
+  EXPECT_FALSE(session.link->connected(session.now));
+  EXPECT_EQ(session.link->space(session.now), 0U);
+}
+
+TEST(Faults, ThePrinterThatPrintsNothingTakesEverythingAnswersAndDoesNotCount) {
+  Session session(with("prints-nothing", "true"));
+  EXPECT_TRUE(session.send(ascii("a job") + hex("17 1b1d03010000")));
+  EXPECT_EQ(session.ask(kStatusRequest), kBlock);
+  EXPECT_EQ(session.printer.printed(), Bytes{});
+  EXPECT_EQ(session.link->space(session.now), session.printer.state().bufferSize());
+}
+
+TEST(Faults, AScriptBringsSettingsAndFaultsAtTheirTimes) {
+  Faults script = with("at", "1000:coverOpen=true");
+  script.add("at", "2000:coverOpen=false");
+  script.add("at", "3000:cut=reset");
+  Session session(PrinterBuilder().speed(10), script);
+  session.send(Bytes(100, 'x'));
+  EXPECT_EQ(session.link->nextEvent(session.now), session.now + 1s);
+  session.wait(1500ms);
+  EXPECT_EQ(session.ask("100402"), hex("16"));
+  EXPECT_EQ(session.printer.printed().size(), 10U);
+  session.wait(1s);
+  EXPECT_EQ(session.ask("100402"), hex("12"));
+  EXPECT_EQ(session.printer.printed().size(), 15U);
+  session.wait(1s);
+  EXPECT_TRUE(session.link->wasReset(session.now));
+}
+
+TEST(Faults, AScriptRunsTheSameWhenNobodyLooks) {
+  Faults script = with("at", "1000:coverOpen=true");
+  script.add("at", "2000:coverOpen=false");
+  Session session(PrinterBuilder().speed(10), script);
+  session.send(Bytes(100, 'x'));
+  session.wait(4s);
+  session.link->available(session.now);
+  EXPECT_EQ(session.printer.printed().size(), 30U);
+}
+
+TEST(Faults, AFaultCanComeWhileTheLinkLivesAndAllCanBeTakenAway) {
+  Session session;
+  for (const auto& [name, value] : {std::pair{"silence", "1"},
+                                    {"short-writes", "1"},
+                                    {"no-space", "0:1000"},
+                                    {"prints-nothing", "true"},
+                                    {"cut-after-in", "100"},
+                                    {"at", "5000:cut=drain"}})
+    session.link->addFault(parseFault(name, value), session.now);
+  EXPECT_EQ(session.link->space(session.now), 0U);
+  session.link->clearFaults(session.now);
+  EXPECT_EQ(session.ask("100401"), hex("12"));
+  EXPECT_TRUE(session.send(Bytes(200, 'x')));
+  EXPECT_EQ(session.printer.printed().size(), 200U);
+  EXPECT_EQ(session.link->nextEvent(session.now), std::nullopt);
+}
+
+TEST(Faults, AWrongValueIsRefusedWithTheNameAndTheValuesItTakes) {
+  const struct {
+    const char* name;
+    const char* value;
+    const char* takes;
+  } cases[] = {
+      {"short-writes", "0", "from 1"},
+      {"short-writes", "many", "from 1"},
+      {"no-space", "100", "BYTES:MS"},
+      {"no-space", "x:100", "BYTES:MS"},
+      {"late-reply", "", "MS or MS@REPLY"},
+      {"late-reply", "5@0", "MS or MS@REPLY"},
+      {"late-reply", "99999999999999", "MS or MS@REPLY"},
+      {"split-reply", "3/2", "rising offsets"},
+      {"split-reply", "0", "rising offsets"},
+      {"split-reply", "1/", "rising offsets"},
+      {"duplicate-reply", "0", "all or the number"},
+      {"drop-reply", "every", "all or the number"},
+      {"corrupt-reply", "-1", "all or the number"},
+      {"stray-byte", "100", "two hex digits"},
+      {"silence", "all", "the number of a reply"},
+      {"cut-after-in", "12:softly", "drain|at-once|reset"},
+      {"cut-after-out", "", "drain|at-once|reset"},
+      {"cut", "true", "drain, at-once or reset"},
+      {"prints-nothing", "false", "true"},
+      {"at", "coverOpen=true", "MS:KEY=VALUE"},
+      {"at", "5:coverOpen", "MS:KEY=VALUE"},
+      {"at", "5:at=5:cut=drain", "MS:KEY=VALUE"},
+      {"seed", "x", "a whole number"},
+      {"gremlins", "1", "cut-after-in"},
+  };
+  for (const auto& c : cases) {
+    Faults faults;
+    EXPECT_THAT([&] { faults.add(c.name, c.value); },
+                ThrowsMessage<std::invalid_argument>(AllOf(HasSubstr(c.name), HasSubstr(c.takes))))
+        << c.name << "=" << c.value;
+  }
+  EXPECT_THAT([] { parseFault("at", "5:coverOpen=maybe"); },
+              ThrowsMessage<std::invalid_argument>(HasSubstr("coverOpen takes true or false")));
+}
+
+TEST(Faults, TheHelpNamesEveryFault) {
+  for (const char* name :
+       {"short-writes", "no-space", "late-reply", "split-reply", "duplicate-reply", "drop-reply",
+        "corrupt-reply", "stray-byte", "silence", "cut-after-in", "cut-after-out", "cut",
+        "prints-nothing", "at"}) {
+    EXPECT_TRUE(isFault(name)) << name;
+    EXPECT_THAT(faultHelp(), HasSubstr(std::string(name) + "="));
+  }
+  EXPECT_FALSE(isFault("seed"));
+}
+
+}  // namespace
+}  // namespace quordalvane::simulator
