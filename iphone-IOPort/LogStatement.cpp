@@ -1,109 +1,138 @@
 #include "iphone-IOPort/LogStatement.h"
 
+#include <algorithm>
 #include <charconv>
 #include <utility>
 
 namespace quordalvane {
 namespace {
 
-constexpr std::string_view kNone = "(null)";
-constexpr std::size_t kUsualNumber = 10;  // characters to make room for
-
-template <typename... Format>
-void appendNumber(std::string& out, auto value, Format... format) {
-  std::array<char, 320> digits;  // of the longest double with six decimals, and then some
-  const auto end =
-      std::to_chars(digits.data(), digits.data() + digits.size(), value, format...).ptr;
-  out.append(digits.data(), end);
-}
-
-void appendInteger(std::string& out, std::string_view conversion, std::uint64_t bits) {
-  if (conversion == "d") {
-    appendNumber(out, static_cast<std::int32_t>(bits));
-  } else if (conversion == "u") {
-    appendNumber(out, static_cast<std::uint32_t>(bits));
-  } else if (conversion == "ld") {
-    appendNumber(out, static_cast<std::int64_t>(bits));
-  } else {
-    appendNumber(out, bits);
+/// A message in the making. Most fit its buffer, so that they take memory once, and what they need.
+class MessageText {
+ public:
+  void append(std::string_view text) {
+    if (text.size() > buffer_.size() - used_) {
+      spill();
+      if (text.size() > buffer_.size()) {
+        spilled_ += text;
+        return;
+      }
+    }
+    std::copy(text.begin(), text.end(), end());
+    used_ += text.size();
   }
+
+  template <typename... Format>
+  void appendNumber(auto value, Format... format) {
+    if (buffer_.size() - used_ < kLongestNumber) {
+      spill();
+    }
+    const char* behind = std::to_chars(end(), end() + kLongestNumber, value, format...).ptr;
+    used_ += static_cast<std::size_t>(behind - end());
+  }
+
+  std::string take() && {
+    if (spilled_.empty()) {
+      return {buffer_.data(), used_};
+    }
+    spill();
+    return std::move(spilled_);
+  }
+
+ private:
+  static constexpr std::size_t kLongestNumber = 317;  // the lowest double, with six decimals
+
+  char* end() noexcept { return buffer_.data() + used_; }
+
+  void spill() {
+    spilled_.append(buffer_.data(), used_);
+    used_ = 0;
+  }
+
+  std::array<char, 512> buffer_;
+  std::size_t used_ = 0;
+  std::string spilled_;
+};
+
+void appendAddress(MessageText& message, const void* address) {
+  message.append("0x");
+  message.appendNumber(reinterpret_cast<std::uintptr_t>(address), 16);
 }
 
-void appendAddress(std::string& out, const void* address) {
-  out += "0x";
-  appendNumber(out, reinterpret_cast<std::uintptr_t>(address), 16);
-}
-
-void appendList(std::string& out, std::span<const std::string> texts) {
-  out += '(';
+void appendList(MessageText& message, std::span<const std::string> texts) {
+  message.append("(");
   std::string_view separator;
   for (const std::string& text : texts) {
-    out += std::exchange(separator, ", ");
-    out += text;
+    message.append(std::exchange(separator, ", "));
+    message.append(text);
   }
-  out += ')';
+  message.append(")");
 }
 
-void appendText(std::string& out, const LogText& text) {
+void appendText(MessageText& message, const LogText& text) {
   if (const auto* single = std::get_if<std::string_view>(&text)) {
-    out += *single;
+    message.append(*single);
   } else if (const auto* list = std::get_if<std::span<const std::string>>(&text)) {
-    appendList(out, *list);
+    appendList(message, *list);
   } else if (const auto* bytes = std::get_if<std::span<const std::uint8_t>>(&text)) {
-    out += LogWriter::createByteArrayDescription(bytes->data(), bytes->size());
+    message.append(LogWriter::createByteArrayDescription(bytes->data(), bytes->size()));
   } else {
-    out += kNone;
+    message.append("(null)");
   }
 }
 
-void appendArgument(std::string& out, std::string_view conversion, const LogArgument& argument) {
-  if (const auto* bits = std::get_if<std::uint64_t>(&argument)) {
-    appendInteger(out, conversion, *bits);
-  } else if (const auto* real = std::get_if<double>(&argument)) {
-    appendNumber(out, *real, std::chars_format::fixed, 6);
-  } else if (const auto* address = std::get_if<const void*>(&argument)) {
-    appendAddress(out, *address);
-  } else if (const auto* text = std::get_if<LogText>(&argument)) {
-    appendText(out, *text);
-  } else if (const char* string = std::get<const char*>(argument); conversion == "p") {
-    appendAddress(out, string);
-  } else {
-    out += string == nullptr ? kNone : std::string_view(string);
+LogText textOf(const LogArgument& argument) {
+  if (const auto* text = std::get_if<LogText>(&argument)) {
+    return *text;
   }
+  const char* string = std::get<const char*>(argument);
+  return string == nullptr ? LogText() : LogText(string);
 }
 
-/// What to reserve for a message: exact for texts, near for bytes and numbers.
-std::size_t usualLength(std::string_view format, std::span<const LogArgument> arguments) {
-  std::size_t length = format.size();
-  for (const LogArgument& argument : arguments) {
-    if (const auto* text = std::get_if<LogText>(&argument)) {
-      const auto* single = std::get_if<std::string_view>(text);
-      length += single != nullptr ? single->size() : 0;
-    } else {
-      length += kUsualNumber;
-    }
+const void* addressOf(const LogArgument& argument) {
+  const auto* string = std::get_if<const char*>(&argument);
+  return string != nullptr ? *string : std::get<const void*>(argument);
+}
+
+void appendArgument(MessageText& message, LogConversion conversion, const LogArgument& argument) {
+  switch (conversion) {
+    case LogConversion::int32:
+      return message.appendNumber(static_cast<std::int32_t>(std::get<std::uint64_t>(argument)));
+    case LogConversion::uint32:
+      return message.appendNumber(static_cast<std::uint32_t>(std::get<std::uint64_t>(argument)));
+    case LogConversion::int64:
+      return message.appendNumber(static_cast<std::int64_t>(std::get<std::uint64_t>(argument)));
+    case LogConversion::uint64:
+      return message.appendNumber(std::get<std::uint64_t>(argument));
+    case LogConversion::real:
+      return message.appendNumber(std::get<double>(argument), std::chars_format::fixed, 6);
+    case LogConversion::address:
+      return appendAddress(message, addressOf(argument));
+    case LogConversion::text:
+      return appendText(message, textOf(argument));
+    case LogConversion::percentSign:
+    case LogConversion::none:
+      break;  // they take no argument
   }
-  return length;
 }
 
 }  // namespace
 
 std::string buildMessage(std::string_view format, std::span<const LogArgument> arguments) {
-  std::string message;
-  message.reserve(usualLength(format, arguments));
+  MessageText message;
   std::size_t used = 0;
   LogFormatPiece piece = nextPiece(format);
-  for (; !piece.isLast; piece = nextPiece(piece.rest)) {
-    message += piece.text;
-    if (piece.conversion == "%") {
-      message += '%';
+  for (; piece.conversion != LogConversion::none; piece = nextPiece(piece.rest)) {
+    message.append(piece.text);
+    if (piece.conversion == LogConversion::percentSign) {
+      message.append("%");
     } else {
       appendArgument(message, piece.conversion, arguments[used++]);
     }
   }
-  message += piece.text;
+  message.append(piece.text);
   LogWriter::countMessage();
-  return message;
+  return std::move(message).take();
 }
 
 LogStatement::LogStatement(ZKLogType type, std::int32_t level, const void* object, const char* file,
@@ -114,7 +143,9 @@ LogStatement::LogStatement(ZKLogType type, std::int32_t level, const void* objec
       file_(file),
       line_(line),
       method_(method) {
-  appendAddress(object_, object);
+  MessageText address;
+  appendAddress(address, object);
+  object_ = std::move(address).take();
 }
 
 void LogStatement::write(std::string message) && {

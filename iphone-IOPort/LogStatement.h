@@ -106,52 +106,89 @@ using Referred = decltype(refer(std::declval<const Argument&>()));
 
 }  // namespace log_argument
 
-/// The text of a format up to its next conversion, that conversion's letters, and what follows.
-/// A format's last piece is text alone.
+enum class LogConversion { none, percentSign, int32, uint32, int64, uint64, real, address, text };
+
+/// The text of a format up to its next per cent sign, the conversion there, and what follows.
+/// `none`: the format ends with the text, or the sign begins no conversion, which `isValid` tells
+/// apart.
 struct LogFormatPiece {
   std::string_view text;
-  bool isLast;
-  std::string_view conversion;
-  std::string_view rest;
+  LogConversion conversion = LogConversion::none;
+  std::string_view rest = {};
+  bool isValid = true;
 };
+
+constexpr LogConversion conversionOf(char letter) {
+  switch (letter) {
+    case 'd':
+      return LogConversion::int32;
+    case 'u':
+      return LogConversion::uint32;
+    case 'f':
+      return LogConversion::real;
+    case 'p':
+      return LogConversion::address;
+    case '@':
+      return LogConversion::text;
+    case '%':
+      return LogConversion::percentSign;
+    default:
+      return LogConversion::none;
+  }
+}
+
+constexpr LogConversion longConversionOf(char letter) {
+  switch (letter) {
+    case 'd':
+      return LogConversion::int64;
+    case 'u':
+      return LogConversion::uint64;
+    default:
+      return LogConversion::none;
+  }
+}
 
 constexpr LogFormatPiece nextPiece(std::string_view format) {
   const std::size_t sign = format.find('%');
   if (sign == std::string_view::npos) {
-    return {.text = format, .isLast = true, .conversion = {}, .rest = {}};
+    return {.text = format};
   }
-  const std::string_view behind = format.substr(sign + 1);
-  const std::string_view conversion = behind.substr(0, behind.starts_with('l') ? 2 : 1);
-  return {.text = format.substr(0, sign),
-          .isLast = false,
-          .conversion = conversion,
-          .rest = behind.substr(conversion.size())};
+  const std::string_view text = format.substr(0, sign);
+  std::string_view behind = format.substr(sign + 1);
+  const bool isLong = behind.starts_with('l');
+  behind.remove_prefix(isLong ? 1 : 0);
+  const char letter = behind.empty() ? '\0' : behind.front();
+  const LogConversion conversion = isLong ? longConversionOf(letter) : conversionOf(letter);
+  if (conversion == LogConversion::none) {
+    return {.text = text, .isValid = false};
+  }
+  return {.text = text, .conversion = conversion, .rest = behind.substr(1)};
 }
 
 template <typename Argument>
-constexpr bool fitsConversion(std::string_view conversion) {
+constexpr bool fitsConversion(LogConversion conversion) {
   using Referred = log_argument::Referred<Argument>;
-  if (conversion == "d" || conversion == "u" || conversion == "ld" || conversion == "lu") {
-    return std::is_same_v<Referred, std::uint64_t>;
+  switch (conversion) {
+    case LogConversion::real:
+      return std::is_same_v<Referred, double>;
+    case LogConversion::address:
+      return std::is_same_v<Referred, const void*> || std::is_same_v<Referred, const char*>;
+    case LogConversion::text:
+      return std::is_same_v<Referred, LogText> || std::is_same_v<Referred, const char*>;
+    default:
+      return std::is_same_v<Referred, std::uint64_t>;
   }
-  if (conversion == "f") {
-    return std::is_same_v<Referred, double>;
-  }
-  if (conversion == "p") {
-    return std::is_same_v<Referred, const void*> || std::is_same_v<Referred, const char*>;
-  }
-  return conversion == "@" &&
-         (std::is_same_v<Referred, LogText> || std::is_same_v<Referred, const char*>);
 }
 
 /// Whether the format has known conversions alone, one for each argument, that fit the arguments.
 template <typename... Arguments>
 constexpr bool fitsFormat(std::string_view format) {
-  constexpr std::array<bool (*)(std::string_view), sizeof...(Arguments)> fits{
+  constexpr std::array<bool (*)(LogConversion), sizeof...(Arguments)> fits{
       &fitsConversion<Arguments>...};
   std::size_t used = 0;
-  for (LogFormatPiece piece = nextPiece(format); !piece.isLast; piece = nextPiece(piece.rest)) {
-    if (piece.conversion == "%") {
+  LogFormatPiece piece = nextPiece(format);
+  for (; piece.conversion != LogConversion::none; piece = nextPiece(piece.rest)) {
+    if (piece.conversion == LogConversion::percentSign) {
       continue;
     }
     if (used == fits.size() || !fits[used](piece.conversion)) {
@@ -159,7 +196,7 @@ constexpr bool fitsFormat(std::string_view format) {
     }
     ++used;
   }
-  return used == fits.size();
+  return piece.isValid && used == fits.size();
 }
 
 /// A format that was found to fit its arguments when the program was compiled.
