@@ -54,11 +54,20 @@ void LogDelivery::addSink(std::shared_ptr<LogSink> sink) {
   const std::lock_guard lock(sinksMutex_);
   auto attached = std::make_shared<AttachedSink>(AttachedSink{.sink = std::move(sink)});
   sinks_.reserve(sinks_.size() + 1);
-  queue_.open();
   if (!writer_.joinable()) {
-    writer_ = std::thread([this] { runWriter(); });
+    startWriter();
   }
   sinks_.push_back(std::move(attached));
+}
+
+void LogDelivery::startWriter() {
+  queue_.open();
+  try {
+    writer_ = std::thread([this] { runWriter(); });
+  } catch (...) {
+    queue_.close();
+    throw;
+  }
 }
 
 void LogDelivery::removeSink(const std::shared_ptr<LogSink>& sink) {

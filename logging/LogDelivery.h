@@ -26,7 +26,7 @@ class LogDelivery {
   LogDelivery() = default;
 
   /// Gives the sinks what still waits and ends the writer thread; waits for a sink as long as it
-  /// takes. Nobody may use the delivery meanwhile, but a sink that logs: those records are dropped.
+  /// takes. Nobody may use the delivery meanwhile but a sink that logs: such records are discarded.
   ~LogDelivery();
 
   LogDelivery(const LogDelivery&) = delete;
@@ -67,6 +67,7 @@ class LogDelivery {
   };
   using AttachedSinks = std::vector<std::shared_ptr<AttachedSink>>;
 
+  void startWriter();
   void runWriter();
   AttachedSinks attachedSinks() const;
   static void give(AttachedSink& attached, std::span<const LogRecord> records);
