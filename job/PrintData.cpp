@@ -114,7 +114,24 @@ std::string cutShort(std::size_t position) {
          ", so that the printer takes the mark of the job's end for data";
 }
 
+bool isWhole(const CountedCommand& command, Bytes rest) {
+  return rest.size() >= command.header && rest.size() - command.header >= command.payload;
+}
+
 }  // namespace
+
+std::size_t commandEnd(std::span<const std::uint8_t> data, std::size_t position) {
+  std::size_t end = 0;
+  while (end < position) {
+    const Bytes rest = data.subspan(end);
+    const auto command = countedCommandAt(rest);
+    if (command && !isWhole(*command, rest)) {
+      return data.size();
+    }
+    end += command ? command->header + command->payload : 1;
+  }
+  return end;
+}
 
 std::optional<std::string> confirmationObstacle(std::span<const std::uint8_t> data,
                                                 ZKEmulation emulation) {
@@ -125,7 +142,7 @@ std::optional<std::string> confirmationObstacle(std::span<const std::uint8_t> da
   for (std::size_t position = 0; position < data.size();) {
     const Bytes rest = data.subspan(position);
     if (const auto command = countedCommandAt(rest)) {
-      if (rest.size() < command->header || rest.size() - command->header < command->payload) {
+      if (!isWhole(*command, rest)) {
         return cutShort(position);
       }
       position += command->header + command->payload;

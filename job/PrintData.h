@@ -20,4 +20,9 @@ namespace quordalvane {
 std::optional<std::string> confirmationObstacle(std::span<const std::uint8_t> data,
                                                 ZKEmulation emulation);
 
+/// Where the print command ends in whose counted payload or header `position` lies; `position`
+/// itself outside of one, and the end of the data when the command does not end in it. A printer
+/// takes all that comes before that place for the command's own.
+std::size_t commandEnd(std::span<const std::uint8_t> data, std::size_t position);
+
 }  // namespace quordalvane

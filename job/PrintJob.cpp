@@ -14,9 +14,15 @@ namespace {
 
 constexpr std::uint32_t statusLevel = 2;
 
-// A port copies what it is given once more for each look at the link; pieces of this size keep that
-// cheap, also for jobs of many megabytes.
-constexpr std::size_t pieceSize = 64 * 1024;
+// A port copies what it is given once more for each look at the link. Pieces of at most this size
+// keep that cheap for jobs of many megabytes, and pieces of twice what the link took last on slow
+// links.
+constexpr std::size_t largestPiece = 64 * 1024;
+constexpr std::size_t smallestPiece = 256;
+
+// A cancelled job's last word must be out within this time: people wait for it.
+constexpr auto cancelLimit = std::chrono::milliseconds(500);
+constexpr std::uint8_t dataCancel[] = {0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00};
 
 // Between looks at a link that has nothing and says so at once.
 constexpr std::uint64_t lookPauseMicroseconds = 10000;
@@ -25,6 +31,7 @@ constexpr std::uint64_t lookPauseMicroseconds = 10000;
 constexpr std::uint8_t countOfTwoMarks = 2;
 constexpr std::uint8_t countOfOneMark = 1;
 constexpr std::uint32_t lengthWithCounter = 7;
+constexpr std::uint8_t offlineBit = 0x08;
 constexpr std::uint8_t reportStart = 0x1b;
 constexpr std::size_t reportSize = 8;
 
@@ -84,11 +91,11 @@ PrintJob::PrintJob(std::shared_ptr<ExternalAccessoryPort> port, Options options)
 
 PrintResult PrintJob::run(std::span<const std::uint8_t> data) {
   result_.bytesTotal = data.size();
+  const Observation observation(*port_, *this);
   try {
-    const Observation observation(*port_, *this);
     print(data);
   } catch (const Cancelled&) {
-    finishCancelled();
+    finishCancelled(data);
   }
   result_.advice = adviceFor(result_);
   return result_;
@@ -207,6 +214,9 @@ bool PrintJob::synchroniseESCPOS() {
                    answer)) {
     return false;
   }
+  if ((realTimeStatusIn(answer).value_or(0) & offlineBit) != 0) {
+    return stop(PrintObstacle::PrinterNotReady, "off line");
+  }
   return true;
 }
 
@@ -236,25 +246,27 @@ bool PrintJob::move(std::span<const std::uint8_t> data, std::uint64_t& accepted)
   Clock& clock = port_->platform().clock();
   const auto limit = std::chrono::milliseconds(std::max(port_->timeoutMillis(), 1000U));
   auto lastProgress = clock.monotonic();
+  std::size_t pieceSize = largestPiece;
   accepted_ = &accepted;
   while (accepted < data.size()) {
     stopIfCancelled();
     const auto rest = data.subspan(accepted);
     const auto piece = rest.first(std::min(rest.size(), pieceSize));
     const std::int32_t written = port_->write(ByteBuffer(piece.begin(), piece.end()));
-    linkTakesBytes_ = written == static_cast<std::int32_t>(piece.size());
     if (written < 0) {
       return stopForLostExchange("the link failed");
     }
     if (written > 0) {
       lastProgress = clock.monotonic();
+      pieceSize = std::clamp(2 * static_cast<std::size_t>(written), smallestPiece, largestPiece);
       reportProgress();
       continue;
     }
     if (!port_->isConnected()) {
       return stopForLostExchange("the link failed");
     }
-    if (clock.monotonic() - lastProgress > limit) {
+    const auto now = clock.monotonic();
+    if (now - lastProgress > limit || now > deadline_) {
       return stop(PrintObstacle::ExchangeFailed,
                   "the printer took no data for " + inSeconds(port_->timeoutMillis()));
     }
@@ -315,9 +327,16 @@ void PrintJob::drainInput() {
   }
 }
 
-void PrintJob::finishCancelled() {
-  accepted_ = nullptr;
-  const bool told = linkTakesBytes_ && port_->isConnected() && port_->startDataCancel();
+/// Tells the printer to drop the rest. The command in whose middle the job was stopped is completed
+/// first: the printer would take the data cancel for its payload.
+void PrintJob::finishCancelled(std::span<const std::uint8_t> data) {
+  cancelled_ = false;
+  deadline_ = port_->platform().clock().monotonic() + cancelLimit;
+  const std::uint64_t accepted = result_.bytesAccepted;
+  std::uint64_t cancelBytes = 0;
+  const bool told = port_->isConnected() &&
+                    move(data.first(commandEnd(data, accepted)), result_.bytesAccepted) &&
+                    move(dataCancel, cancelBytes);
   port_->close();
   stop(PrintObstacle::Cancelled,
        told ? "cancelled, and the printer was told to drop the rest" : "cancelled");

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -72,7 +73,7 @@ class PrintJob : private TransferObserver {
 
     /// Called on the thread of `run`, after the block's beginning and after each piece that went
     /// out.
-    std::function<void(const PrintProgress&)> progress;
+    std::function<void(const PrintProgress&)> progress = {};
   };
 
   PrintJob(std::shared_ptr<ExternalAccessoryPort> port, Options options);
@@ -108,7 +109,7 @@ class PrintJob : private TransferObserver {
   void reportProgress() const;
   bool isProven() const;
   void drainInput();
-  void finishCancelled();
+  void finishCancelled(std::span<const std::uint8_t> data);
 
   bool stop(PrintObstacle obstacle, const std::string& reason);
   bool stopForLostExchange(const std::string& otherwise);
@@ -118,7 +119,7 @@ class PrintJob : private TransferObserver {
   const Options options_;
   std::atomic<bool> cancelled_ = false;
   std::uint64_t* accepted_ = nullptr;  // what counts the bytes that go out now; null: nothing
-  bool linkTakesBytes_ = true;
+  std::chrono::nanoseconds deadline_ = std::chrono::nanoseconds::max();
   BlockReport report_;
   QuorPrinterStatus_2 status_ = {};
   PrintResult result_;

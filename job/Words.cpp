@@ -5,7 +5,7 @@ namespace quordalvane {
 std::string grouped(std::uint64_t count) {
   std::string digits = std::to_string(count);
   for (std::size_t end = digits.size(); end > 3; end -= 3) {
-    digits.insert(end - 3, ",");
+    digits.insert(end - 3, 1, ',');
   }
   return digits;
 }

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "backends/virtual/VirtualAccessory.h"
+#include "backends/virtual/VirtualPlatform.h"
+#include "iphone-IOPort/ExternalAccessoryPort.h"
+#include "job/PrintJob.h"
+#include "simulator/PrinterBuilder.h"
+
+namespace quordalvane {
+
+inline ByteBuffer bytesOf(std::string_view text) {
+  return {text.begin(), text.end()};
+}
+
+/// A till under virtual time: one printer, and an open port to it.
+class Till {
+ public:
+  struct Setting {
+    ZKEmulation emulation = ZKEmulationQuorLine;
+    std::string portSettings = {};
+    std::uint32_t timeoutMillis = 10000;
+  };
+
+  Till(simulator::PrinterBuilder printer, Setting setting)
+      : platform(std::make_shared<virtuals::VirtualPlatform>()),
+        accessory(std::make_shared<virtuals::VirtualAccessory>(
+            AccessoryIdentity{}, std::make_unique<simulator::VirtualPrinter>(printer.state()),
+            platform->clock())) {
+    platform->attach(accessory);
+    port = ExternalAccessoryPort::initWithPortName(
+        "BT:", setting.portSettings, setting.timeoutMillis, setting.emulation, platform);
+    port->open();
+  }
+
+  explicit Till(ZKEmulation emulation)
+      : Till(simulator::PrinterBuilder(), {.emulation = emulation}) {}
+
+  /// Sets a flag of the printer `delay` from now, in the middle of whatever goes on then.
+  void after(std::chrono::milliseconds delay, std::string_view flag, bool value) {
+    at(delay, [this, flag, value] { set(flag, value); });
+  }
+
+  void at(std::chrono::milliseconds delay, std::function<void()> event) {
+    auto& clock = platform->virtualClock();
+    clock.at(clock.monotonic() + delay, std::move(event));
+  }
+
+  void set(std::string_view flag, bool value) {
+    accessory->withPrinter([flag, value](simulator::VirtualPrinter& printer, auto now) {
+      printer.setFlag(flag, value, now);
+    });
+  }
+
+  PrintResult print(const ByteBuffer& data) { return PrintJob(port).run(data); }
+
+  ByteBuffer printed() {
+    ByteBuffer bytes;
+    accessory->withPrinter(
+        [&bytes](simulator::VirtualPrinter& printer, auto) { bytes = printer.printed(); });
+    return bytes;
+  }
+
+  const std::shared_ptr<virtuals::VirtualPlatform> platform;
+  const std::shared_ptr<virtuals::VirtualAccessory> accessory;
+  std::shared_ptr<ExternalAccessoryPort> port;
+};
+
+}  // namespace quordalvane

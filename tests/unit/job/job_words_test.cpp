@@ -1,0 +1,16 @@
+#include <gtest/gtest.h>
+
+#include "job/Words.h"
+
+namespace quordalvane {
+namespace {
+
+TEST(GroupedCount, HasACommaBetweenThousands) {
+  EXPECT_EQ(grouped(0), "0");
+  EXPECT_EQ(grouped(999), "999");
+  EXPECT_EQ(grouped(1204), "1,204");
+  EXPECT_EQ(grouped(1000000), "1,000,000");
+}
+
+}  // namespace
+}  // namespace quordalvane

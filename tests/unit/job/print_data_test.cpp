@@ -1,0 +1,79 @@
+#include "job/PrintData.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace quordalvane {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+using testing::HasSubstr;
+
+struct Case {
+  const char* what;
+  Bytes data;
+  bool confirmableInLineMode;
+  bool confirmableInEscPos;
+};
+
+const Case kCases[] = {
+    {"nothing", {}, true, true},
+    {"text", {'a', 'b', '\n'}, true, true},
+    {"a mark", {'a', 0x17}, false, false},
+    {"an ESC/POS mark", {0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00}, false, false},
+    {"a data cancel", {0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00}, false, false},
+    {"a counter reset", {0x1b, 0x1e, 0x45, 0x00}, false, false},
+    {"a status request", {0x1b, 0x06, 0x01}, false, true},
+    {"a real-time request", {0x10, 0x04, 0x01}, false, true},
+    {"a DIP request", {0x1b, 0x23, 0x2c, 0x31, 0x0a, 0x00}, false, true},
+    {"a raster with marks", {0x1d, 0x76, 0x30, 0, 1, 0, 2, 0, 0x17, 0x17}, true, true},
+    {"a mark behind a raster", {0x1d, 0x76, 0x30, 0, 1, 0, 1, 0, 0x17, 0x17}, false, false},
+    {"a raster cut short", {0x1d, 0x76, 0x30, 0, 1, 0, 2, 0, 0xff}, false, false},
+    {"a raster header cut short", {0x1d, 0x76, 0x30, 0, 1}, false, false},
+    {"a bit image of one byte a column", {0x1b, 0x2a, 0, 2, 0, 0x17, 0x17}, true, true},
+    {"a bit image of three bytes a column", {0x1b, 0x2a, 33, 1, 0, 0x17, 0x17, 0x17}, true, true},
+    {"a bit image with a mark behind", {0x1b, 0x2a, 33, 1, 0, 1, 2, 3, 0x17}, false, false},
+    {"the request's preparation", {0x1b, 0x2a, 0x72, 0x42}, true, true},
+    {"graphics", {0x1d, 0x28, 0x4c, 2, 0, 0x30, 0x17}, true, true},
+    {"long graphics", {0x1d, 0x38, 0x4c, 1, 0, 0, 0, 0x17}, true, true},
+    {"long graphics of 4 GiB", {0x1d, 0x38, 0x4c, 0xff, 0xff, 0xff, 0xff, 0x17}, false, false},
+    {"a counted barcode", {0x1d, 0x6b, 73, 2, '{', 0x17}, true, true},
+    {"a terminated barcode", {0x1d, 0x6b, 4, 'A', 0x17, 0}, true, true},
+    {"a terminated barcode without its end", {0x1d, 0x6b, 4, 'A'}, false, false},
+    {"a parameter that reads as a mark", {0x1b, 0x64, 0x17}, false, false},
+};
+
+TEST(ConfirmationObstacle, IsFoundOutsideOfCountedPayloadAlone) {
+  for (const Case& row : kCases) {
+    EXPECT_EQ(!confirmationObstacle(row.data, ZKEmulationQuorLine), row.confirmableInLineMode)
+        << row.what;
+    EXPECT_EQ(!confirmationObstacle(row.data, ZKEmulationESCPOS), row.confirmableInEscPos)
+        << row.what;
+  }
+}
+
+TEST(ConfirmationObstacle, SaysWhatItIsAndWhere) {
+  Bytes data(1500, 'x');
+  data[1204] = 0x17;
+  EXPECT_THAT(confirmationObstacle(data, ZKEmulationESCPOS).value_or(""),
+              HasSubstr("an end-of-block mark (17), which the printer counts at byte 1,204"));
+}
+
+TEST(CommandEnd, IsWhereTheCommandAroundAPlaceEnds) {
+  const Bytes data = {'a',  0x1d, 0x76, 0x30, 0,    1,  0, 2,  0,
+                      0x55, 0x55, 'b',  0x1d, 0x6b, 73, 9, 'x'};
+  for (std::size_t place : {0U, 1U, 11U, 12U}) {
+    EXPECT_EQ(commandEnd(data, place), place);
+  }
+  for (std::size_t place = 2; place <= 11; ++place) {
+    EXPECT_EQ(commandEnd(data, place), 11U) << place;
+  }
+  for (std::size_t place = 13; place <= data.size(); ++place) {
+    EXPECT_EQ(commandEnd(data, place), data.size()) << place;
+  }
+}
+
+}  // namespace
+}  // namespace quordalvane

@@ -1,0 +1,296 @@
+#include "job/PrintJob.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "tests/unit/job/Till.h"
+
+namespace quordalvane {
+namespace {
+
+using simulator::PrinterBuilder;
+using std::chrono::milliseconds;
+
+const ByteBuffer kReceipt = bytesOf("Espresso  2.20\nCake      3.80\nTotal     6.00\n");
+
+class InBothEmulations : public testing::TestWithParam<ZKEmulation> {};
+
+INSTANTIATE_TEST_SUITE_P(Job, InBothEmulations,
+                         testing::Values(ZKEmulationQuorLine, ZKEmulationESCPOS),
+                         [](const auto& parameter) {
+                           return parameter.param == ZKEmulationQuorLine ? "Line" : "EscPos";
+                         });
+
+TEST_P(InBothEmulations, AJobThatCameOutIsPrinted) {
+  Till till(GetParam());
+  const PrintResult result = till.print(kReceipt);
+  EXPECT_EQ(result.outcome, PrintOutcome::Printed) << result.reason;
+  EXPECT_EQ(result.resultCode, ZKQuorIOResultCodeSuccess);
+  EXPECT_EQ(result.bytesTotal, kReceipt.size());
+  EXPECT_EQ(result.bytesAccepted, kReceipt.size());
+  EXPECT_EQ(result.reason, "");
+  EXPECT_EQ(result.advice, "");
+  ASSERT_TRUE(result.status);
+  EXPECT_EQ(till.printed(), kReceipt);
+}
+
+TEST_P(InBothEmulations, AnEmptyJobIsPrinted) {
+  Till till(GetParam());
+  EXPECT_EQ(till.print({}).outcome, PrintOutcome::Printed);
+  EXPECT_EQ(till.printed(), ByteBuffer());
+}
+
+TEST_P(InBothEmulations, JobsInARowAreEachPrintedOnce) {
+  Till till(GetParam());
+  ByteBuffer expected;
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(till.print(kReceipt).outcome, PrintOutcome::Printed);
+    expected.insert(expected.end(), kReceipt.begin(), kReceipt.end());
+  }
+  EXPECT_EQ(till.printed(), expected);
+}
+
+TEST_P(InBothEmulations, ALongJobOnASlowPrinterWithASmallBufferIsPrintedOnceAndWhole) {
+  ByteBuffer data;
+  for (int i = 0; data.size() < 200000; ++i) {
+    const ByteBuffer line = bytesOf("line " + std::to_string(i) + "\n");
+    data.insert(data.end(), line.begin(), line.end());
+  }
+  Till till(PrinterBuilder().speed(20000).buffer(4096), {.emulation = GetParam()});
+  const PrintResult result = till.print(data);
+  EXPECT_EQ(result.outcome, PrintOutcome::Printed) << result.reason;
+  EXPECT_EQ(till.printed(), data);
+}
+
+TEST_P(InBothEmulations, AnOpenCoverRefusesTheJobAndNothingOfItGoesOut) {
+  Till till(PrinterBuilder().coverOpen(), {.emulation = GetParam()});
+  const PrintResult result = till.print(kReceipt);
+  EXPECT_EQ(result.outcome, PrintOutcome::Refused);
+  EXPECT_EQ(result.obstacle, PrintObstacle::PrinterNotReady);
+  EXPECT_EQ(result.reason, "cover open");
+  EXPECT_EQ(result.bytesAccepted, 0U);
+  EXPECT_EQ(result.advice, "nothing of the job was sent; sending it again is safe");
+  till.set("coverOpen", false);
+  till.platform->clock().usleep(10000000);
+  EXPECT_EQ(till.printed(), ByteBuffer());
+}
+
+TEST_P(InBothEmulations, PaperThatRunsOutInMidJobLeavesItUnconfirmedWithCountAndCause) {
+  Till till(PrinterBuilder().speed(10), {.emulation = GetParam()});
+  till.after(milliseconds(2000), "receiptPaperEmpty", true);
+  const PrintResult result = till.print(kReceipt);
+  EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
+  EXPECT_EQ(result.obstacle, PrintObstacle::PrinterNotReady);
+  EXPECT_EQ(result.reason, "paper out after all 45 bytes");
+  EXPECT_EQ(result.bytesAccepted, kReceipt.size());
+  ASSERT_TRUE(result.status);
+  EXPECT_EQ(result.status->receiptPaperEmpty, 1U);
+  EXPECT_LT(till.printed().size(), kReceipt.size());
+}
+
+TEST_P(InBothEmulations, AJobThatPrintsLongerThanTheEndTimeoutIsUnconfirmed) {
+  Till till(PrinterBuilder().speed(1), {.emulation = GetParam()});
+  till.port->setEndCheckedBlockTimeoutMillis(3000);
+  const PrintResult result = till.print(kReceipt);
+  EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
+  EXPECT_EQ(result.reason, "no confirmation within 3 s after all 45 bytes");
+}
+
+TEST_P(InBothEmulations, AnEndOfBlockMarkInTheDataIsNeverTakenForTheJobs) {
+  ByteBuffer data = kReceipt;
+  data.insert(data.begin() + 5, {0x17, 0x17, 0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00});
+  Till till(PrinterBuilder().speed(10), {.emulation = GetParam()});
+  till.after(milliseconds(2500), "mechError", true);  // stops for good behind the stray marks
+  const PrintResult result = till.print(data);
+  EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
+  EXPECT_EQ(result.bytesAccepted, data.size());
+}
+
+TEST_P(InBothEmulations, AJobWithAStrayMarkThatWasPrintedSaysWhyItIsNotConfirmed) {
+  ByteBuffer data = kReceipt;
+  data.push_back(0x17);
+  Till till(GetParam());
+  till.port->setEndCheckedBlockTimeoutMillis(0);
+  const PrintResult result = till.print(data);
+  EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
+}
+
+TEST_P(InBothEmulations, AnImageWhosePayloadHoldsAMarkIsAnHonestJob) {
+  ByteBuffer data = {0x1d, 0x76, 0x30, 0, 2, 0, 2, 0, 0x17, 0x17, 0x10, 0x04, 0x0a};
+  Till till(GetParam());
+  const PrintResult result = till.print(data);
+  EXPECT_EQ(result.outcome, PrintOutcome::Printed) << result.reason;
+  EXPECT_EQ(till.printed(), data);
+}
+
+TEST_P(InBothEmulations, AJobWhoseRestTheDataTimeoutDroppedIsNeverPrinted) {
+  ByteBuffer data(100000, 'x');
+  Till till(PrinterBuilder().speed(50000), {.emulation = GetParam(), .portSettings = "d1"});
+  till.port->setEndCheckedBlockTimeoutMillis(3000);
+  bool paused = false;
+  PrintJob job(till.port, {.progress = [&](const PrintProgress&) {
+                 if (!std::exchange(paused, true)) {
+                   till.platform->clock().usleep(2500000);
+                 }
+               }});
+  const PrintResult result = job.run(data);
+  EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
+  EXPECT_EQ(result.bytesAccepted, data.size());
+  EXPECT_LT(till.printed().size(), data.size());
+}
+
+TEST_P(InBothEmulations, ALinkLostInMidJobIsToldWithTheExactCount) {
+  const ByteBuffer data(3000, 'x');
+  Till till(PrinterBuilder().speed(500).buffer(1000), {.emulation = GetParam()});
+  till.at(milliseconds(2000), [&till] { till.accessory->openSession("com.quordalvane.receipt"); });
+  const PrintResult result = till.print(data);
+  EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
+  EXPECT_EQ(result.obstacle, PrintObstacle::LinkLost);
+  EXPECT_GT(result.bytesAccepted, 1000U);
+  EXPECT_LT(result.bytesAccepted, 3000U);
+  till.platform->clock().usleep(10000000);
+  EXPECT_EQ(result.bytesAccepted, till.printed().size());
+  EXPECT_THAT(result.reason, testing::StartsWith("link lost after 1,"));
+}
+
+TEST_P(InBothEmulations, APortThatIsNotOpenRefusesTheJob) {
+  Till till(GetParam());
+  till.port->close();
+  const PrintResult result = till.print(kReceipt);
+  EXPECT_EQ(result.outcome, PrintOutcome::Refused);
+  EXPECT_EQ(result.obstacle, PrintObstacle::LinkLost);
+}
+
+TEST_P(InBothEmulations, APrinterThatTakesNothingMoreFailsTheJobAtTheTimeout) {
+  Till till(PrinterBuilder().buffer(1000).speed(100),
+            {.emulation = GetParam(), .timeoutMillis = 5000});
+  till.after(milliseconds(1500), "coverOpen", true);
+  const auto start = till.platform->clock().monotonic();
+  const PrintResult result = till.print(ByteBuffer(9000, 'x'));
+  EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
+  EXPECT_EQ(result.obstacle, PrintObstacle::ExchangeFailed);
+  EXPECT_THAT(result.reason, testing::StartsWith("the printer took no data for 5 s after 1,"));
+  EXPECT_LT(till.platform->clock().monotonic() - start, std::chrono::seconds(8));
+}
+
+TEST_P(InBothEmulations, ACancelledJobTellsThePrinterToDropTheRestAndClosesThePort) {
+  const ByteBuffer data(5000, 'x');
+  Till till(PrinterBuilder().speed(100), {.emulation = GetParam()});
+  PrintJob job(till.port);
+  till.at(milliseconds(3000), [&job] { job.cancel(); });
+  const auto start = till.platform->clock().monotonic();
+  const PrintResult result = job.run(data);
+  EXPECT_LT(till.platform->clock().monotonic() - start, milliseconds(3500));
+  EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
+  EXPECT_EQ(result.obstacle, PrintObstacle::Cancelled);
+  EXPECT_THAT(result.reason,
+              testing::StartsWith("cancelled, and the printer was told to drop the rest after 4,"));
+  EXPECT_FALSE(till.port->isConnected());
+  till.platform->clock().usleep(60000000);
+  EXPECT_LT(till.printed().size(), 500U);
+}
+
+TEST_P(InBothEmulations, AJobThatIsCancelledInAnImageCompletesItSoThatThePrinterHearsTheCancel) {
+  ByteBuffer data = {0x1d, 0x76, 0x30, 0, 10, 0, 100, 0};
+  data.resize(8 + 1000, 0x55);
+  data.insert(data.end(), 5000, 'x');
+  Till till(PrinterBuilder().speed(1000).buffer(500), {.emulation = GetParam()});
+  PrintJob job(till.port);
+  till.at(milliseconds(350), [&job] { job.cancel(); });
+  const PrintResult result = job.run(data);
+  EXPECT_EQ(result.obstacle, PrintObstacle::Cancelled);
+  till.port->open();
+  EXPECT_EQ(till.print(kReceipt).outcome, PrintOutcome::Printed);
+}
+
+TEST_P(InBothEmulations, AJobThatIsCancelledBeforeItBeganSendsNothing) {
+  Till till(GetParam());
+  PrintJob job(till.port);
+  job.cancel();
+  const PrintResult result = job.run(kReceipt);
+  EXPECT_EQ(result.outcome, PrintOutcome::Refused);
+  EXPECT_EQ(result.obstacle, PrintObstacle::Cancelled);
+  EXPECT_EQ(till.printed(), ByteBuffer());
+}
+
+TEST_P(InBothEmulations, AJobWithoutABlockIsNeverCalledPrinted) {
+  Till till(GetParam());
+  PrintJob job(till.port, {.checked = false});
+  const PrintResult result = job.run(kReceipt);
+  EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
+  EXPECT_EQ(result.obstacle, PrintObstacle::NoProof);
+  EXPECT_EQ(result.bytesAccepted, kReceipt.size());
+  EXPECT_EQ(till.printed(), kReceipt);
+}
+
+TEST_P(InBothEmulations, ProgressGrowsToTheWholeJob) {
+  Till till(PrinterBuilder().speed(20000).buffer(1000), {.emulation = GetParam()});
+  std::vector<std::uint64_t> seen;
+  PrintJob job(till.port, {.progress = [&seen](const PrintProgress& progress) {
+                 EXPECT_EQ(progress.bytesTotal, 5000U);
+                 seen.push_back(progress.bytesAccepted);
+               }});
+  job.run(ByteBuffer(5000, 'x'));
+  ASSERT_GT(seen.size(), 1U);
+  EXPECT_TRUE(std::is_sorted(seen.begin(), seen.end()));
+  EXPECT_EQ(seen.back(), 5000U);
+}
+
+TEST(EscPosJob, ThatWasOffLineForAWhileIsNotPrintedWithoutItsReport) {
+  Till till(PrinterBuilder().speed(10), {.emulation = ZKEmulationESCPOS});
+  till.after(milliseconds(2000), "coverOpen", true);
+  till.after(milliseconds(2250), "coverOpen", false);
+  const PrintResult result = till.print(kReceipt);
+  EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
+  EXPECT_LT(till.printed().size(), kReceipt.size());
+}
+
+TEST(EscPosJob, IsNotConfirmedByTheLateReportOfAnEarlierOne) {
+  Till till(PrinterBuilder().speed(10), {.emulation = ZKEmulationESCPOS});
+  till.port->setEndCheckedBlockTimeoutMillis(1000);
+  EXPECT_EQ(till.print(kReceipt).outcome, PrintOutcome::Unconfirmed);
+  till.platform->clock().usleep(10000000);  // the earlier one prints on, and its report waits
+  const PrintResult result = till.print(kReceipt);
+  EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed) << "printed in no time";
+}
+
+TEST(EscPosJob, WithAStatusRequestInItsDataIsConfirmedByItsReport) {
+  Till till(ZKEmulationESCPOS);
+  ByteBuffer data = kReceipt;
+  data.insert(data.end(), {0x10, 0x04, 0x01});
+  EXPECT_EQ(till.print(data).outcome, PrintOutcome::Printed);
+}
+
+TEST(LineModeJob, IsRefusedWhilePaperIsLeftInTheExit) {
+  Till till(PrinterBuilder().paperInExit(), {});
+  till.port->setHoldPrintTimeoutMillis(2000);
+  const PrintResult result = till.print(kReceipt);
+  EXPECT_EQ(result.outcome, PrintOutcome::Refused);
+  EXPECT_EQ(result.obstacle, PrintObstacle::PrinterNotReady);
+  EXPECT_EQ(result.resultCode, ZKQuorIOResultCodePaperPresentError);
+  EXPECT_EQ(result.reason, "paper was left in the printer's exit");
+}
+
+TEST(LineModeJob, WithAStatusRequestInItsDataSaysWhyItCannotBeConfirmed) {
+  Till till(ZKEmulationQuorLine);
+  ByteBuffer data = kReceipt;
+  data.insert(data.end(), {0x1b, 0x06, 0x01});
+  const PrintResult result = till.print(data);
+  EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
+  EXPECT_EQ(result.reason,
+            "cannot be confirmed: the data itself holds a status request (1b 06 01) at byte 45, so "
+            "that the printer's sign could be the data's own after all 48 bytes");
+}
+
+TEST(AnyJob, OfUnknownEmulationIsSentAndNeverConfirmed) {
+  Till till(PrinterBuilder(), {.emulation = ZKEmulationUnknown, .timeoutMillis = 1000});
+  const PrintResult result = till.print(kReceipt);
+  EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
+  EXPECT_EQ(till.printed(), kReceipt);
+}
+
+}  // namespace
+}  // namespace quordalvane
