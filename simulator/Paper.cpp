@@ -10,18 +10,6 @@ namespace {
 constexpr std::size_t kSkippedKinds = 100;
 constexpr std::size_t kBytesThatName = 3;
 
-unsigned widthOf(const LineItem& item) {
-  if (const auto* run = std::get_if<TextRun>(&item.content))
-    return static_cast<unsigned>(run->text.size()) * run->style.cellWidth();
-  return std::get<Bitmap>(item.content).width;
-}
-
-unsigned heightOf(const LineItem& item) {
-  if (const auto* run = std::get_if<TextRun>(&item.content))
-    return run->style.cellHeight();
-  return std::get<Bitmap>(item.content).height;
-}
-
 std::string hexOf(std::span<const std::uint8_t> bytes) {
   constexpr char digits[] = "0123456789abcdef";
   std::string text;
@@ -48,18 +36,34 @@ void Bitmap::blacken(unsigned x, unsigned y) {
   byte = static_cast<std::uint8_t>(byte | 0x80U >> x % 8U);
 }
 
+unsigned LineItem::width() const {
+  if (const auto* run = std::get_if<TextRun>(&content))
+    return static_cast<unsigned>(run->text.size()) * run->style.cellWidth();
+  return std::get<Bitmap>(content).width;
+}
+
+unsigned LineItem::height() const {
+  if (const auto* run = std::get_if<TextRun>(&content))
+    return run->style.cellHeight();
+  return std::get<Bitmap>(content).height;
+}
+
 unsigned Line::width() const {
   unsigned most = 0;
   for (const LineItem& item : items)
-    most = std::max(most, item.x + widthOf(item));
+    most = std::max(most, item.x + item.width());
+  return most;
+}
+
+unsigned Line::contentHeight() const {
+  unsigned most = 0;
+  for (const LineItem& item : items)
+    most = std::max(most, item.height());
   return most;
 }
 
 unsigned Line::height() const {
-  unsigned most = leastHeight;
-  for (const LineItem& item : items)
-    most = std::max(most, heightOf(item));
-  return most;
+  return std::max(leastHeight, contentHeight());
 }
 
 void Paper::add(PaperItem item) {

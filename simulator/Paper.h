@@ -53,6 +53,9 @@ struct Bitmap {
 struct LineItem {
   unsigned x = 0;
   std::variant<TextRun, Bitmap> content;
+
+  unsigned width() const;
+  unsigned height() const;
 };
 
 /// A line of text and small pictures, standing on one base line. An image is a line of its own.
@@ -62,6 +65,8 @@ struct Line {
   unsigned leastHeight = kLineSpacing;
 
   unsigned width() const;
+  /// Of the highest item alone, without what the line spacing adds below it.
+  unsigned contentHeight() const;
   unsigned height() const;
 };
 

@@ -9,6 +9,7 @@ using Bytes = std::span<const std::uint8_t>;
 
 // The first form of the command numbers the symbologies from 0 and ends its data with a zero byte,
 // the second numbers them from 65 and counts its data.
+constexpr std::uint8_t kLastTerminated = 6;
 constexpr std::uint8_t kFirstCounted = 65;
 
 constexpr std::size_t kMostQrData = 7089;  // digits in the largest code
@@ -21,6 +22,29 @@ constexpr Symbology kSymbologies[] = {
 
 std::string textOf(Bytes bytes) {
   return {bytes.begin(), bytes.end()};
+}
+
+// Code 128 data names its code sets: {A, {B and {C; in set C a byte is a pair of digits. The
+// encoder chooses sets by itself, so only the text matters.
+std::string code128Text(const std::string& data) {
+  std::string text;
+  bool pairs = false;
+  for (std::size_t i = 0; i < data.size(); ++i) {
+    const char c = data[i];
+    if (c == '{' && i + 1 < data.size()) {
+      const char next = data[++i];
+      if (next == '{')
+        text += '{';
+      else if (next == 'A' || next == 'B' || next == 'C')
+        pairs = next == 'C';
+    } else if (pairs && c >= 0 && c < 100) {
+      text += static_cast<char>('0' + c / 10);
+      text += static_cast<char>('0' + c % 10);
+    } else {
+      text += c;
+    }
+  }
+  return text;
 }
 
 }  // namespace
@@ -40,7 +64,7 @@ void SymbolSetter::setBarcode(Bytes command) {
 std::optional<Barcode> SymbolSetter::barcode(Bytes command) const {
   const bool counted = command[2] >= kFirstCounted;
   const std::size_t number = counted ? command[2] - kFirstCounted : command[2];
-  if (number >= std::size(kSymbologies))
+  if (number >= std::size(kSymbologies) || (!counted && number > kLastTerminated))
     return std::nullopt;
   Barcode barcode = settings_;
   barcode.symbology = kSymbologies[number];
@@ -48,6 +72,8 @@ std::optional<Barcode> SymbolSetter::barcode(Bytes command) const {
     barcode.data = textOf(command.subspan(4));
   else
     barcode.data = textOf(command.subspan(3, command.size() - 4));
+  if (barcode.symbology == Symbology::code128)
+    barcode.data = code128Text(barcode.data);
   return barcode;
 }
 

@@ -66,8 +66,9 @@ std::size_t sequenceLength(std::uint8_t lead) {
   return lead >= 0xf0 && lead <= 0xf4 ? 4 : 0;
 }
 
-bool isScalarOfLength(char32_t c, std::size_t length) {
-  constexpr std::array<char32_t, 5> least = {0, 0, 0x80, 0x800, 0x10000};
+// Not a surrogate, not longer than needed, and not a control character.
+bool isTextOfLength(char32_t c, std::size_t length) {
+  constexpr std::array<char32_t, 5> least = {0, 0, 0xa0, 0x800, 0x10000};
   return c >= least[length] && c <= 0x10ffff && (c < 0xd800 || c > 0xdfff);
 }
 
@@ -84,7 +85,7 @@ std::optional<Decoded> decodeUtf8(std::string_view bytes) {
       return std::nullopt;
     c = c << 6U | (byte & 0x3fU);
   }
-  if (!isScalarOfLength(c, length))
+  if (!isTextOfLength(c, length))
     return std::nullopt;
   return Decoded{c, length};
 }
@@ -116,7 +117,7 @@ std::size_t wholeCharacters(std::string_view run) {
 void TextDecoder::put(std::uint8_t byte, std::u32string& text) {
   if (byte < 0x80) {
     finish(text);
-    text += byte;
+    text += byte == 0x7f ? U'\u2302' : char32_t{byte};  // the little house of code page 437
     return;
   }
   run_ += static_cast<char>(byte);

@@ -1,0 +1,162 @@
+#include "simulator/TextRendering.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+#include <utility>
+
+#include "simulator/TextDecoder.h"
+
+namespace quordalvane::simulator {
+namespace {
+
+constexpr unsigned kCell = 12;  // the dots of a column
+
+// A longer feed is told, not shown.
+constexpr unsigned kMostEmptyLines = 12;
+constexpr unsigned kDotsPerMillimetre = 8;
+
+std::u32string widened(std::string_view ascii) {
+  return {ascii.begin(), ascii.end()};
+}
+
+std::string size(unsigned width, unsigned height) {
+  return std::to_string(width) + " x " + std::to_string(height) + " dots";
+}
+
+class TextPage {
+ public:
+  explicit TextPage(unsigned paperWidth) : columns_(paperWidth / kCell) {}
+
+  void show(const Line& line) {
+    if (isStripe(line))
+      return addStripe(line);
+    endStripes();
+    std::u32string canvas;
+    std::size_t end = 0;  // the column after what was written last
+    unsigned endInDots = 0;
+    for (const LineItem& item : line.items) {
+      const std::u32string text = textOf(item);
+      const std::size_t column = item.x == endInDots ? end : item.x / kCell;
+      if (canvas.size() < column + text.size())
+        canvas.resize(column + text.size(), U' ');
+      canvas.replace(column, text.size(), text);
+      end = column + text.size();
+      endInDots = item.x + item.width();
+    }
+    write(canvas, line.alignment);
+  }
+
+  void show(const Barcode& barcode) {
+    const std::string data = printable(barcode.data);
+    write(widened("[" + symbologyName(barcode.symbology) + " " + data + "]"), barcode.alignment);
+  }
+
+  void show(const QrCode& code) {
+    write(widened("[QR code " + printable(code.data) + "]"), code.alignment);
+  }
+
+  void show(const Feed& feed) {
+    const unsigned lines = (feed.dots + kLineSpacing / 2) / kLineSpacing;
+    if (lines > kMostEmptyLines)
+      write(widened("[feed " + std::to_string(feed.dots / kDotsPerMillimetre) + " mm]"),
+            Alignment::left);
+    else
+      text_.append(lines, '\n');
+  }
+
+  void show(const Cut& cut) {
+    std::u32string line = cut.partial ? U"- - partial cut " : U"- - cut ";
+    while (line.size() + 2 <= columns_)
+      line += U"- ";
+    write(line, Alignment::left);
+  }
+
+  void listSkipped(const Paper& paper) {
+    if (paper.skipped().empty())
+      return;
+    text_ += "[not shown:";
+    for (const auto& [command, times] : paper.skipped())
+      text_ += " " + command + " (" + std::to_string(times) + ")";
+    text_ += "]\n";
+  }
+
+  void endStripes() {
+    if (stripes_.height == 0)
+      return;
+    const Stripes done = std::exchange(stripes_, {});
+    write(widened("[image " + size(done.width, done.height) + "]"), done.alignment);
+  }
+
+  std::string takeText() { return std::move(text_); }
+
+ private:
+  // An image often comes as many lines of one stripe each.
+  struct Stripes {
+    unsigned width = 0;
+    unsigned height = 0;
+    Alignment alignment = Alignment::left;
+  };
+
+  static bool isStripe(const Line& line) {
+    return line.items.size() == 1 && std::holds_alternative<Bitmap>(line.items[0].content);
+  }
+
+  void addStripe(const Line& line) {
+    const auto& dots = std::get<Bitmap>(line.items[0].content);
+    if (dots.width != stripes_.width || line.alignment != stripes_.alignment)
+      endStripes();
+    stripes_ = {dots.width, stripes_.height + dots.height, line.alignment};
+  }
+
+  static std::u32string textOf(const LineItem& item) {
+    if (const auto* run = std::get_if<TextRun>(&item.content))
+      return run->text;
+    const auto& dots = std::get<Bitmap>(item.content);
+    return widened("[image " + size(dots.width, dots.height) + "]");
+  }
+
+  static std::string printable(std::string data) {
+    for (char& c : data)
+      if (c < 0x20 || c > 0x7e)
+        c = '.';
+    return data;
+  }
+
+  void write(std::u32string_view line, Alignment alignment) {
+    line = line.substr(0, line.find_last_not_of(U' ') + 1);
+    const std::size_t room = columns_ > line.size() ? columns_ - line.size() : 0;
+    if (alignment == Alignment::center)
+      text_.append(room / 2, ' ');
+    else if (alignment == Alignment::right)
+      text_.append(room, ' ');
+    text_ += toUtf8(line) + "\n";
+  }
+
+  std::size_t columns_;
+  std::string text_;
+  Stripes stripes_;
+};
+
+}  // namespace
+
+std::string renderText(const Paper& paper) {
+  TextPage page(paper.width());
+  for (const PaperItem& item : paper.items()) {
+    if (!std::holds_alternative<Line>(item))
+      page.endStripes();
+    std::visit([&](const auto& what) { page.show(what); }, item);
+  }
+  page.endStripes();
+  page.listSkipped(paper);
+  return page.takeText();
+}
+
+std::string symbologyName(Symbology symbology) {
+  constexpr std::array<std::string_view, 9> names = {"UPC-A",   "UPC-E",   "EAN-13",
+                                                     "EAN-8",   "Code 39", "Interleaved 2 of 5",
+                                                     "Codabar", "Code 93", "Code 128"};
+  return std::string(names[static_cast<std::size_t>(symbology)]);
+}
+
+}  // namespace quordalvane::simulator

@@ -1,0 +1,272 @@
+#include "simulator/ImageRendering.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+
+#include "simulator/SymbolEncoding.h"
+#include "tests/unit/simulator/Session.h"
+
+namespace quordalvane::simulator {
+namespace {
+
+constexpr unsigned kLeft = 48;  // from the picture's edge to the print
+constexpr unsigned kTop = 36;   // to the first line
+
+class Print {
+ public:
+  explicit Print(const Bytes& job, const PrinterBuilder& printer = PrinterBuilder().narrowPaper())
+      : session_(printer) {
+    session_.send(job);
+    picture_ = renderPicture(session_.printer.paper());
+  }
+
+  bool dark(unsigned x, unsigned y) const {
+    return (picture_.pixels.at((kTop + y) * picture_.width + kLeft + x) & 0xffU) < 0x80;
+  }
+
+  std::size_t darkIn(unsigned x, unsigned y, unsigned width, unsigned height) const {
+    std::size_t count = 0;
+    for (unsigned row = y; row < y + height; ++row)
+      for (unsigned column = x; column < x + width; ++column)
+        count += dark(column, row) ? 1U : 0U;
+    return count;
+  }
+
+  /// A row of dots as text, '#' where it is dark.
+  std::string row(unsigned y, unsigned x, unsigned width) const {
+    std::string dots;
+    for (unsigned i = x; i < x + width; ++i)
+      dots += dark(i, y) ? '#' : '.';
+    return dots;
+  }
+
+  const Picture& picture() const { return picture_; }
+
+ private:
+  Session session_;
+  Picture picture_;
+};
+
+TEST(Picture, IsAsWideAsThePaperWithItsMargins) {
+  EXPECT_EQ(Print(ascii("x\n")).picture().width, 384U + 2 * kLeft);
+  EXPECT_EQ(Print(ascii("x\n"), PrinterBuilder()).picture().width, 576U + 2 * kLeft);
+}
+
+TEST(Picture, OfARasterImageHasItsDotsAndNoOthers) {
+  const Print print(hex("1d7630 00 0200 0200 a501 0ff0"));
+  EXPECT_EQ(print.row(0, 0, 20), "#.#..#.#.......#....");
+  EXPECT_EQ(print.row(1, 0, 20), "....########........");
+  EXPECT_EQ(print.darkIn(0, 2, 384, 10), 0U);
+}
+
+TEST(Picture, OfARasterImageIsScaledAsTheCommandSays) {
+  const Print print(hex("1d7630 03 0100 0100 a0"));
+  EXPECT_EQ(print.row(0, 0, 8), "##..##..");
+  EXPECT_EQ(print.row(1, 0, 8), "##..##..");
+  EXPECT_EQ(print.row(2, 0, 8), "........");
+}
+
+TEST(Picture, OfABitImageReadsItsColumnsFromTheTop) {
+  const Print print(hex("1b2a 21 0300 800001 c00000 000000 0a"));
+  EXPECT_EQ(print.row(0, 0, 4), "##..");
+  EXPECT_EQ(print.row(1, 0, 4), ".#..");
+  EXPECT_EQ(print.row(23, 0, 4), "#...");
+}
+
+TEST(Picture, OfAStoredImageComesWhenItIsPrintedAndStandsWhereItIsAligned) {
+  const Print print(hex("1b6101 1d284c 0b00 30 70 30 01 01 31 0800 0100 99 1d284c 0200 30 32"));
+  EXPECT_EQ(print.row(0, 188, 8), "#..##..#");
+  EXPECT_EQ(print.darkIn(0, 0, 384, 4), 4U);
+}
+
+TEST(Picture, OfAnImageByColumnsIsTheSame) {
+  const Print print(hex("1d284c 0c00 30 71 30 01 01 31 0200 0300 80 60 1d284c 0200 30 32"));
+  EXPECT_EQ(print.row(0, 0, 3), "#..");
+  EXPECT_EQ(print.row(1, 0, 3), ".#.");
+  EXPECT_EQ(print.row(2, 0, 3), ".#.");
+}
+
+TEST(Picture, OfStripesHasNoGapsBetweenThem) {
+  const Print print(hex("1b3318 1b2a 21 0100 ffffff 0a 1b2a 21 0100 ffffff 0a"));
+  EXPECT_EQ(print.darkIn(0, 0, 1, 48), 48U);
+}
+
+TEST(Picture, ShowsTextInItsCells) {
+  const Print print(ascii("X X\n"));
+  EXPECT_GT(print.darkIn(0, 0, 12, 24), 10U);
+  EXPECT_EQ(print.darkIn(12, 0, 12, 24), 0U);
+  EXPECT_GT(print.darkIn(24, 0, 12, 24), 10U);
+  EXPECT_EQ(print.darkIn(36, 0, 340, 24), 0U);
+}
+
+TEST(Picture, ShowsBoldDarkerUnderlinesUnderAndInverseOnBlack) {
+  const std::size_t plain = Print(ascii("HM\n")).darkIn(0, 0, 24, 24);
+  EXPECT_GT(Print(hex("1b4501") + ascii("HM\n")).darkIn(0, 0, 24, 24), plain);
+  EXPECT_EQ(Print(hex("1b2d02") + ascii("HM\n")).darkIn(0, 22, 24, 2), 48U);
+  const Print inverse(hex("1d4201") + ascii("HM\n"));
+  EXPECT_GT(inverse.darkIn(0, 0, 24, 24), 24U * 24U / 2);
+  EXPECT_LT(inverse.darkIn(0, 0, 24, 24), 24U * 24U);
+}
+
+TEST(Picture, ShowsDoubleHeightAndWidthTwiceAsLarge) {
+  const Print print(hex("1d2111") + ascii("HH\n") + hex("1d2100") + ascii("H\n"));
+  EXPECT_GT(print.darkIn(0, 24, 24, 20), 20U);
+  EXPECT_GT(print.darkIn(24, 24, 24, 20), 20U);
+  EXPECT_EQ(print.darkIn(48, 0, 100, 48), 0U);
+  EXPECT_GT(print.darkIn(0, 48, 12, 24), 10U);
+}
+
+TEST(Picture, FeedsByTheDotsThatAreAskedFor) {
+  const Print print(hex("1b4a07 1d7630 00 0100 0100 ff"));
+  EXPECT_EQ(print.darkIn(0, 0, 384, 7), 0U);
+  EXPECT_EQ(print.darkIn(0, 7, 384, 1), 8U);
+}
+
+TEST(Picture, TakesThePaperApartWhereItWasCut) {
+  const unsigned whole = Print(ascii("a\nb\n")).picture().height;
+  const unsigned partly = Print(ascii("a\n") + hex("1d5601") + ascii("b\n")).picture().height;
+  const unsigned apart = Print(ascii("a\n") + hex("1d5600") + ascii("b\n")).picture().height;
+  EXPECT_LT(whole, partly);
+  EXPECT_LT(partly, apart);
+}
+
+TEST(Picture, OfABarCodeHasItsBarsHeightAndPlace) {
+  // Start, three characters and stop of Code 39, 13 modules each with three narrow to one wide...
+  // the first character is always the star: bar, wide gap, bar, gap, wide bar, gap, wide bar, gap,
+  // bar.
+  const Print print(hex("1d6810 1d7702 1d6b 45 03 41 42 43"));
+  const unsigned top = 6;
+  EXPECT_EQ(print.row(top, 0, 2), "##");
+  EXPECT_EQ(print.row(top, 2, 2), "..");
+  EXPECT_EQ(print.row(top, 0, 300), print.row(top + 15, 0, 300));
+  EXPECT_EQ(print.darkIn(0, top + 16, 384, 4), 0U);
+}
+
+TEST(Picture, ShowsTheTextOfABarCodeWhereItIsWanted) {
+  const auto inkAround = [](const char* place) {
+    const Print print(hex(place) + hex("1d6840 1d6b 45 03 41 42 43"));
+    return std::pair{print.picture().height, print.darkIn(0, 6, 384, 24)};
+  };
+  const auto none = inkAround("1d4800");
+  const auto above = inkAround("1d4801");
+  const auto below = inkAround("1d4802");
+  const auto both = inkAround("1d4803");
+  EXPECT_EQ(above.first, none.first + 30);
+  EXPECT_EQ(below.first, none.first + 30);
+  EXPECT_EQ(both.first, none.first + 60);
+  EXPECT_EQ(below.second, none.second);
+  EXPECT_LT(above.second, none.second);
+  EXPECT_GT(above.second, 0U);
+}
+
+TEST(Symbols, ACheckDigitIsFoundAndAWrongOneIsPutRight) {
+  const auto ean = [](const char* data) {
+    Barcode barcode;
+    barcode.symbology = Symbology::ean13;
+    barcode.data = data;
+    return encode(barcode).value().text;
+  };
+  EXPECT_EQ(ean("400638133393"), "4006381333931");
+  EXPECT_EQ(ean("4006381333931"), "4006381333931");
+  EXPECT_EQ(ean("4006381333930"), "4006381333931");
+}
+
+TEST(Symbols, EachSymbologyTakesDataOfItsKind) {
+  const std::pair<Symbology, const char*> cases[] = {
+      {Symbology::upcA, "01234567890"},    {Symbology::upcE, "0123456"},
+      {Symbology::upcE, "01234567890"},    {Symbology::upcE, "01234567"},
+      {Symbology::ean13, "4006381333931"}, {Symbology::ean8, "0123456"},
+      {Symbology::code39, "*ABC 12*"},     {Symbology::interleaved, "0123456789"},
+      {Symbology::codabar, "A012345A"},    {Symbology::code93, "012abcd"},
+      {Symbology::code128, "Ab1234{"},
+  };
+  for (const auto& [symbology, data] : cases) {
+    Barcode barcode;
+    barcode.symbology = symbology;
+    barcode.data = data;
+    const auto symbol = encode(barcode);
+    ASSERT_TRUE(symbol.has_value()) << data;
+    EXPECT_EQ(symbol->modules.height, 1U);
+    EXPECT_GT(symbol->modules.width, 20U) << data;
+    EXPECT_TRUE(symbol->modules.black(0, 0)) << data;
+  }
+}
+
+TEST(Symbols, DataThatASymbologyCannotHoldGivesNone) {
+  Barcode barcode;
+  barcode.symbology = Symbology::ean13;
+  barcode.data = "12a";
+  EXPECT_FALSE(encode(barcode).has_value());
+  barcode.data = "";
+  EXPECT_FALSE(encode(barcode).has_value());
+  EXPECT_FALSE(encode(QrCode{}).has_value());
+}
+
+TEST(Symbols, AQrCodeIsSquareWithItsThreeCornersAndGrowsWithItsCorrection) {
+  QrCode code;
+  code.data = "hello";
+  const Bitmap low = encode(code).value().modules;
+  ASSERT_EQ(low.width, 21U);
+  ASSERT_EQ(low.height, 21U);
+  unsigned fourth = 0;
+  for (unsigned i = 0; i < 7; ++i) {
+    EXPECT_TRUE(low.black(i, 0) && low.black(14 + i, 0) && low.black(i, 14) && low.black(0, i));
+    fourth += low.black(14 + i, 14) ? 1U : 0U;
+  }
+  EXPECT_LT(fourth, 7U);
+  code.data = std::string(14, 'x');
+  const unsigned width = encode(code).value().modules.width;
+  code.correctionLevel = 3;
+  EXPECT_GT(encode(code).value().modules.width, width);
+}
+
+TEST(Picture, OfAQrCodeHasModulesOfTheSizeThatIsAskedFor) {
+  const Print print(
+      hex("1d286b 0300 31 43 04 1d286b 0800 31 50 30 68656c6c6f 1d286b 0300 31 51 30"));
+  EXPECT_EQ(print.darkIn(0, 6, 28, 4), 28U * 4U);
+  EXPECT_EQ(print.darkIn(28, 6, 4, 4), 0U);
+}
+
+TEST(Picture, OfALongPaperEndsAfterTwoMetres) {
+  Bytes job;
+  for (int i = 0; i < 2'000; ++i)
+    job = std::move(job) + ascii("line\n");
+  EXPECT_LE(Print(job).picture().height, kLongestPicture + 100);
+  Bytes cuts;
+  for (int i = 0; i < 2'000; ++i)
+    cuts = std::move(cuts) + hex("0a 1d5600");
+  EXPECT_LE(Print(cuts).picture().height, kLongestPicture + 100);
+}
+
+TEST(Picture, OfEmptyPaperIsSmallAndThere) {
+  const Print print({});
+  EXPECT_GT(print.picture().height, 0U);
+  EXPECT_LT(print.picture().height, 100U);
+}
+
+TEST(Picture, BecomesAPngFile) {
+  Session session;
+  session.send(ascii("x\n"));
+  const Bytes png = renderPng(session.printer.paper());
+  ASSERT_GT(png.size(), 100U);
+  EXPECT_EQ(Bytes(png.begin(), png.begin() + 8), hex("89504e47 0d0a1a0a"));
+}
+
+TEST(PictureDeathTest, ComesOutOnAMachineWithoutFonts) {
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  const std::string config = testing::TempDir() + "no_fonts.conf";
+  std::ofstream(config) << "<?xml version=\"1.0\"?><fontconfig></fontconfig>";
+  const auto render = [&config] {
+    setenv("FONTCONFIG_FILE", config.c_str(), 1);
+    const Print print(ascii("X X\n"));
+    const bool readable = print.darkIn(0, 0, 12, 24) > 10 && print.darkIn(12, 0, 12, 24) == 0 &&
+                          print.darkIn(24, 0, 12, 24) > 10;
+    std::exit(readable ? 0 : 1);
+  };
+  EXPECT_EXIT(render(), testing::ExitedWithCode(0), "");
+}
+
+}  // namespace
+}  // namespace quordalvane::simulator
