@@ -236,7 +236,7 @@ HostAndPort parseHostAndPort(std::string_view text) {
   constexpr std::size_t longestHost = 253;
   const bool plain =
       std::all_of(host.begin(), host.end(), [](char c) { return c > ' ' && c <= '~'; });
-  const bool ambiguous = !bracketed && host.find(':') != std::string_view::npos;
+  const bool ambiguous = !bracketed && host.find_first_of(":[]") != std::string_view::npos;
   if (host.empty() || host.size() > longestHost || !plain || ambiguous || port == 0) {
     fail("address " + quoted(text) +
          ": takes HOST:PORT, the port from 1 to 65535, and an IPv6 address in brackets");

@@ -5,6 +5,8 @@
 #include <sys/socket.h>
 #include <sys/un.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <stdexcept>
@@ -47,18 +49,17 @@ Descriptor connectUntil(SteadyTime deadline, const SocketAddress& address) {
     throw std::system_error(errno, std::generic_category());
   }
   Descriptor socket(number, Descriptor::Kind::socket);
-  while (true) {
+  do {
     boundConnect(socket, deadline);
+    // Asked again after a signal, it waits for the end of what it has begun.
     if (::connect(number, reinterpret_cast<const sockaddr*>(&address.storage), address.length) ==
         0) {
       return socket;
     }
-    if (errno == EINTR) {
-      continue;  // connecting goes on meanwhile, and asking again waits for its end
-    }
-    const bool timedOut = errno == EINPROGRESS || errno == EALREADY || errno == EAGAIN;
-    throw std::system_error(timedOut ? ETIMEDOUT : errno, std::generic_category());
-  }
+  } while (errno == EINTR && SteadyClock::now() < deadline);
+  constexpr std::array unfinished = {EINPROGRESS, EALREADY, EAGAIN, EINTR};
+  const bool timedOut = std::count(unfinished.begin(), unfinished.end(), errno) > 0;
+  throw std::system_error(timedOut ? ETIMEDOUT : errno, std::generic_category());
 }
 
 // Each address gets an equal share of the time that is left, so that a silent one leaves some to

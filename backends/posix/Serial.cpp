@@ -54,10 +54,9 @@ void setRaw(int number, speed_t speed, const std::string& path) {
 }  // namespace
 
 std::vector<unsigned> baudRates() {
-  std::vector<unsigned> result;
-  for (const Rate& rate : rates) {
-    result.push_back(rate.baud);
-  }
+  std::vector<unsigned> result(rates.size());
+  std::transform(rates.begin(), rates.end(), result.begin(),
+                 [](const Rate& rate) { return rate.baud; });
   return result;
 }
 

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "tests/contract/LinkMaker.h"
+
+namespace quordalvane::contract {
+
+/// The other side of a link that is a descriptor. It stalls whenever it is not told to read.
+class DescriptorPeer : public Peer {
+ public:
+  /// Takes over `number`, in blocking mode.
+  explicit DescriptorPeer(int number) : number_(number) {}
+  ~DescriptorPeer() override { close(); }
+
+  void write(const Bytes& bytes) override;
+  Bytes read(std::size_t count) override;
+  void stall() override {}
+  void close() override;
+  void closeWriting() override;
+  void reset() override;
+
+ private:
+  int number_;
+};
+
+}  // namespace quordalvane::contract

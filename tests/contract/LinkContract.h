@@ -1,0 +1,103 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <memory>
+
+#include "tests/contract/LinkMaker.h"
+
+namespace quordalvane::contract {
+
+inline constexpr double generously = 10;  // seconds; only a failing test waits so long
+
+/// A session on one kind of link, with the device's end in the test's hand. Each back end
+/// instantiates the suite with its own kinds.
+class LinkContract : public testing::TestWithParam<LinkKind> {
+ protected:
+  void SetUp() override {
+    maker = GetParam().make();
+    accessory = maker->accessory();
+    open();
+  }
+
+  void open() {
+    session = accessory->openSession(accessory->protocolStrings().front());
+    ASSERT_NE(session, nullptr);
+    input = session->inputStream();
+    output = session->outputStream();
+    input->open();
+    output->open();
+    peer = maker->peer();
+  }
+
+  double now() const {
+    return std::chrono::duration<double>(maker->platform().clock().monotonic()).count();
+  }
+
+  /// Lets time pass until `condition` holds; false if it never does.
+  template <typename Condition>
+  bool eventually(Condition condition) {
+    const double start = now();
+    while (!condition()) {
+      if (now() - start > generously) {
+        return false;
+      }
+      input->waitUntilReady(0.001);
+      maker->platform().clock().usleep(50);
+    }
+    return true;
+  }
+
+  bool isLost() {
+    return eventually([this] { return !accessory->isConnected(); });
+  }
+
+  /// Reads until `count` bytes have come, or fewer if no more do.
+  Bytes receive(std::size_t count) {
+    Bytes bytes(count);
+    std::size_t got = 0;
+    while (got < count && eventually([this] { return input->hasBytesAvailable(); })) {
+      const auto taken = input->read(bytes.data() + got, count - got);
+      if (taken < 0) {
+        break;
+      }
+      got += static_cast<std::size_t>(taken);
+    }
+    bytes.resize(got);
+    return bytes;
+  }
+
+  /// Writes until the link takes no more; returns what it took.
+  Bytes fill() {
+    Bytes taken;
+    Bytes piece(4096);
+    while (output->hasSpaceAvailable()) {
+      for (std::size_t i = 0; i < piece.size(); ++i) {
+        piece[i] = static_cast<std::uint8_t>((taken.size() + i) % 251);
+      }
+      const auto count = output->write(piece.data(), piece.size());
+      if (count < 0) {
+        ADD_FAILURE() << "a stalled device is no error";
+        break;
+      }
+      taken.insert(taken.end(), piece.begin(), piece.begin() + count);
+    }
+    return taken;
+  }
+
+  std::int64_t write(const Bytes& bytes) { return output->write(bytes.data(), bytes.size()); }
+
+  std::unique_ptr<LinkMaker> maker;
+  std::shared_ptr<EAAccessory> accessory;
+  std::shared_ptr<EASession> session;
+  std::shared_ptr<NSInputStream> input;
+  std::shared_ptr<NSOutputStream> output;
+  std::unique_ptr<Peer> peer;
+};
+
+inline std::string kindName(const testing::TestParamInfo<LinkKind>& info) {
+  return info.param.name;
+}
+
+}  // namespace quordalvane::contract

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/EAAccessory.h"
+#include "platform/Platform.h"
+
+namespace quordalvane::contract {
+
+using Bytes = std::vector<std::uint8_t>;
+
+/// The device's end of one link, played by a test.
+class Peer {
+ public:
+  virtual ~Peer() = default;
+
+  /// Sends all of `bytes`, which must be few enough for the link to hold.
+  virtual void write(const Bytes& bytes) = 0;
+
+  /// Takes `count` bytes, or as many as come before the link ends or a generous time has passed.
+  virtual Bytes read(std::size_t count) = 0;
+
+  /// Takes nothing more until the next `read`.
+  virtual void stall() = 0;
+
+  /// Ends the link in good order.
+  virtual void close() = 0;
+
+  /// Ends the direction from the device alone. Only where the link has two.
+  virtual void closeWriting() = 0;
+
+  /// Ends the link without any order. Only where the link can.
+  virtual void reset() = 0;
+};
+
+/// What not every kind of link can do.
+struct LinkTraits {
+  bool keepsUnreadBytes = true;  ///< what came before the end can be read after it
+  bool closesOneWay = true;
+  bool resets = true;
+  bool linksAnew = true;  ///< each session has a link of its own
+};
+
+/// One kind of link: the accessory under test and the other side of its sessions.
+class LinkMaker {
+ public:
+  virtual ~LinkMaker() = default;
+
+  virtual LinkTraits traits() const = 0;
+  virtual Platform& platform() = 0;
+  virtual std::shared_ptr<EAAccessory> accessory() = 0;
+
+  /// The other side of the session that was opened last; called once for each.
+  virtual std::unique_ptr<Peer> peer() = 0;
+};
+
+/// A parameter of the suite.
+struct LinkKind {
+  std::string name;
+  std::function<std::unique_ptr<LinkMaker>()> make;
+};
+
+}  // namespace quordalvane::contract

@@ -1,0 +1,132 @@
+#include "tests/contract/LinkContract.h"
+
+namespace quordalvane::contract {
+namespace {
+
+TEST_P(LinkContract, ALinkThatTheDeviceClosedIsLostAndEmpty) {
+  peer->close();
+  EXPECT_TRUE(isLost());
+  EXPECT_FALSE(input->hasBytesAvailable());
+  std::uint8_t byte = 0;
+  EXPECT_LE(input->read(&byte, 1), 0);
+}
+
+TEST_P(LinkContract, WhatWasSeenBeforeTheDeviceClosedIsReadBeforeTheLinkIsLost) {
+  peer->write({1, 2, 3});
+  ASSERT_TRUE(eventually([this] { return input->hasBytesAvailable(); }));
+  peer->close();
+  maker->platform().clock().usleep(5000);  // longer than any knowledge of the link may be kept
+  EXPECT_TRUE(accessory->isConnected());
+  EXPECT_EQ(receive(3), (Bytes{1, 2, 3}));
+  EXPECT_TRUE(isLost());
+  EXPECT_FALSE(input->hasBytesAvailable());
+}
+
+TEST_P(LinkContract, WhatCameUnseenBeforeTheDeviceClosedIsReadBeforeTheLinkIsLost) {
+  if (!maker->traits().keepsUnreadBytes) {
+    GTEST_SKIP() << "the system throws away what was not read before the end";
+  }
+  const Bytes bytes(10'000, 9);
+  peer->write(bytes);
+  peer->close();
+  EXPECT_TRUE(accessory->isConnected());
+  EXPECT_EQ(receive(bytes.size()), bytes);
+  EXPECT_TRUE(isLost());
+  EXPECT_FALSE(input->hasBytesAvailable());
+}
+
+TEST_P(LinkContract, ADeviceThatClosesItsOwnDirectionEndsTheLink) {
+  if (!maker->traits().closesOneWay) {
+    GTEST_SKIP() << "the link has no directions";
+  }
+  peer->write({4});
+  peer->closeWriting();
+  EXPECT_EQ(receive(1), (Bytes{4}));
+  EXPECT_TRUE(isLost());
+}
+
+TEST_P(LinkContract, AResetEndsTheLinkEvenWithBytesUnread) {
+  if (!maker->traits().resets) {
+    GTEST_SKIP() << "the link cannot be reset";
+  }
+  ASSERT_EQ(write({1}), 1);  // unread by the device, which makes the end a rude one everywhere
+  peer->write({1, 2, 3});
+  peer->reset();
+  std::uint8_t buffer[8];
+  EXPECT_TRUE(eventually([&] {
+    if (input->hasBytesAvailable()) {
+      input->read(buffer, sizeof buffer);
+    }
+    return !accessory->isConnected();
+  }));
+  EXPECT_FALSE(input->hasBytesAvailable());
+}
+
+TEST_P(LinkContract, WritesToAClosedLinkFailBeforeLong) {
+  peer->close();
+  EXPECT_TRUE(eventually([this] { return write({1}) == -1; }));
+  EXPECT_FALSE(output->hasSpaceAvailable());
+  EXPECT_TRUE(isLost());
+}
+
+TEST_P(LinkContract, AWriteErrorLeavesWhatCameBeforeToBeRead) {
+  peer->write({1, 2, 3});
+  ASSERT_TRUE(eventually([this] { return input->hasBytesAvailable(); }));
+  peer->close();
+  EXPECT_TRUE(eventually([this] { return write({1}) == -1; }));
+  EXPECT_TRUE(accessory->isConnected());
+  EXPECT_EQ(receive(3), (Bytes{1, 2, 3}));
+  EXPECT_TRUE(isLost());
+}
+
+TEST_P(LinkContract, AClosedStreamHasNoBytesAndNoSpaceAndClosesTwice) {
+  peer->write({1});
+  ASSERT_TRUE(eventually([this] { return input->hasBytesAvailable(); }));
+  for (int i = 0; i < 2; ++i) {
+    output->close();
+    input->close();
+    EXPECT_FALSE(input->hasBytesAvailable());
+    EXPECT_FALSE(output->hasSpaceAvailable());
+    std::uint8_t byte = 0;
+    EXPECT_LE(input->read(&byte, 1), 0);
+    EXPECT_LE(output->write(&byte, 1), 0);
+  }
+}
+
+TEST_P(LinkContract, TheEndOfTheSessionEndsTheLinkForTheDevice) {
+  session.reset();
+  EXPECT_TRUE(peer->read(1).empty());
+}
+
+TEST_P(LinkContract, StreamsThatOutliveTheirSessionHaveNoBytesAndNoSpace) {
+  peer->write({1, 2, 3});
+  ASSERT_TRUE(eventually([this] { return input->hasBytesAvailable(); }));
+  session.reset();
+  EXPECT_FALSE(input->hasBytesAvailable());
+  EXPECT_FALSE(output->hasSpaceAvailable());
+  std::uint8_t byte = 0;
+  EXPECT_LE(input->read(&byte, 1), 0);
+  EXPECT_LE(output->write(&byte, 1), 0);
+}
+
+TEST_P(LinkContract, AnAccessoryWithoutASessionIsConnectedEvenAfterALoss) {
+  peer->close();
+  EXPECT_TRUE(isLost());
+  session.reset();
+  EXPECT_TRUE(accessory->isConnected());
+}
+
+TEST_P(LinkContract, ALostLinkCanBeFollowedByANewSession) {
+  if (!maker->traits().linksAnew) {
+    GTEST_SKIP() << "there is one line for all sessions";
+  }
+  peer->close();
+  EXPECT_TRUE(isLost());
+  open();
+  EXPECT_TRUE(accessory->isConnected());
+  peer->write({8});
+  EXPECT_EQ(receive(1), (Bytes{8}));
+}
+
+}  // namespace
+}  // namespace quordalvane::contract

@@ -1,0 +1,124 @@
+#include "tests/contract/LinkContract.h"
+
+namespace quordalvane::contract {
+namespace {
+
+constexpr double instantly = 1;  // seconds, for what must not last `long`
+
+TEST_P(LinkContract, AWaitForBytesEndsAtOnceWhenBytesAreThere) {
+  ASSERT_EQ(write({1}), 1);  // it may be answered, so the wait would last
+  peer->write({1});
+  const double start = now();
+  input->waitUntilReady(generously);
+  EXPECT_LT(now() - start, instantly);
+  EXPECT_TRUE(input->hasBytesAvailable());
+}
+
+TEST_P(LinkContract, AWaitForBytesEndsAtOnceWhenNobodyWasAsked) {
+  const double start = now();
+  input->waitUntilReady(generously);
+  EXPECT_LT(now() - start, instantly);
+}
+
+TEST_P(LinkContract, AWaitForBytesEndsAtOnceWhenEverythingIsAnswered) {
+  ASSERT_EQ(write({1}), 1);
+  peer->write({2});
+  EXPECT_EQ(receive(1), (Bytes{2}));
+  EXPECT_FALSE(input->hasBytesAvailable());
+  const double start = now();
+  input->waitUntilReady(generously);
+  EXPECT_LT(now() - start, instantly);
+}
+
+TEST_P(LinkContract, AWaitForAnAnswerThatDoesNotComeLastsItsTimeEveryTime) {
+  peer->stall();
+  ASSERT_EQ(write({1}), 1);
+  for (int i = 0; i < 2; ++i) {
+    const double start = now();
+    input->waitUntilReady(0.02);
+    EXPECT_GE(now() - start, 0.02);
+    EXPECT_LT(now() - start, instantly);
+  }
+}
+
+TEST_P(LinkContract, AWaitForBytesEndsAtOnceWhenTheLinkIsLost) {
+  ASSERT_EQ(write({1}), 1);
+  EXPECT_EQ(peer->read(1), (Bytes{1}));
+  peer->close();
+  const double start = now();
+  input->waitUntilReady(generously);
+  input->waitUntilReady(generously);
+  EXPECT_LT(now() - start, instantly);
+  EXPECT_TRUE(isLost());
+}
+
+TEST_P(LinkContract, AWaitForSpaceEndsAtOnceWhenThereIsSpace) {
+  const double start = now();
+  output->waitUntilReady(generously);
+  EXPECT_LT(now() - start, instantly);
+}
+
+TEST_P(LinkContract, AWaitForSpaceLastsItsTimeWhileTheDeviceStalls) {
+  peer->stall();
+  fill();
+  const double start = now();
+  output->waitUntilReady(0.02);
+  EXPECT_GE(now() - start, 0.02);
+  EXPECT_LT(now() - start, instantly);
+}
+
+TEST_P(LinkContract, AWaitForSpaceEndsAtOnceWhenTheDeviceHasRead) {
+  peer->stall();
+  const Bytes taken = fill();
+  EXPECT_EQ(peer->read(taken.size()), taken);
+  const double start = now();
+  output->waitUntilReady(generously);
+  EXPECT_LT(now() - start, instantly);
+  EXPECT_TRUE(output->hasSpaceAvailable());
+}
+
+TEST_P(LinkContract, AWaitForSpaceEndsAtOnceWhenTheLinkIsLost) {
+  peer->stall();
+  fill();
+  peer->close();
+  const double start = now();
+  output->waitUntilReady(generously);
+  EXPECT_LT(now() - start, instantly);
+}
+
+TEST_P(LinkContract, AWaitForSpaceEndsAtOnceWhenTheDeviceClosesItsOwnDirection) {
+  if (!maker->traits().closesOneWay) {
+    GTEST_SKIP() << "the link has no directions";
+  }
+  peer->stall();
+  fill();
+  peer->closeWriting();
+  const double start = now();
+  output->waitUntilReady(generously);
+  EXPECT_LT(now() - start, instantly);
+  EXPECT_TRUE(isLost());
+}
+
+TEST_P(LinkContract, WaitsOfNoTimeAndLessReturnAtOnce) {
+  peer->stall();
+  fill();
+  const double start = now();
+  for (const double seconds : {0.0, -1.0}) {
+    input->waitUntilReady(seconds);
+    output->waitUntilReady(seconds);
+  }
+  EXPECT_LT(now() - start, instantly);
+}
+
+TEST_P(LinkContract, WaitsOnClosedStreamsReturnAtOnce) {
+  ASSERT_EQ(write({1}), 1);
+  input->close();
+  output->close();
+  const double start = now();
+  input->waitUntilReady(generously);
+  output->waitUntilReady(generously);
+  EXPECT_LT(now() - start, instantly);
+}
+
+}  // namespace
+}  // namespace quordalvane::contract

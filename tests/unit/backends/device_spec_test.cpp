@@ -1,0 +1,203 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <limits>
+#include <stdexcept>
+
+#include "backends/DeviceSpec.h"
+
+namespace quordalvane {
+namespace {
+
+using namespace std::string_literals;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Pair;
+
+std::string failure(const std::string& text) {
+  try {
+    parseDeviceSpec(text);
+  } catch (const std::invalid_argument& error) {
+    return error.what();
+  }
+  return "it was taken";
+}
+
+TEST(DeviceSpec, TakesEachSchemeWithItsPlaceWhichIsTheName) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"tcp", "192.0.2.10:9100"}, {"tcp", "[2001:db8::1]:9100"}, {"unix", "/run/printer"},
+      {"serial", "/dev/ttyS0"},   {"virtual", "kitchen"},
+  };
+  for (const auto& [scheme, place] : cases) {
+    const DeviceSpec spec = parseDeviceSpec(scheme + ":" + place);
+    EXPECT_EQ(spec.scheme, scheme);
+    EXPECT_EQ(spec.place, place);
+    EXPECT_EQ(spec.identity.name, place);
+    EXPECT_EQ(spec.id, std::nullopt);
+    EXPECT_TRUE(spec.options.empty());
+  }
+}
+
+TEST(DeviceSpec, ThePrinterThatIsBuiltInNeedsNoPlaceAndThenHasNoName) {
+  const DeviceSpec spec = parseDeviceSpec("virtual:");
+  EXPECT_EQ(spec.place, "");
+  EXPECT_EQ(spec.identity.name, std::nullopt);
+}
+
+TEST(DeviceSpec, PresentsAPrinterOfTheMakersOwnUnlessToldOtherwise) {
+  const AccessoryIdentity identity = parseDeviceSpec("unix:p").identity;
+  EXPECT_EQ(identity.manufacturer, "quor dalvane");
+  EXPECT_THAT(identity.protocolStrings, ElementsAre("com.quordalvane.receipt"));
+  EXPECT_EQ(identity.serialNumber, std::nullopt);
+  EXPECT_EQ(identity.modelNumber, std::nullopt);
+  EXPECT_EQ(identity.address, "");
+}
+
+TEST(DeviceSpec, TakesTheTextsOfTheAccessory) {
+  const DeviceSpec spec = parseDeviceSpec(
+      "unix:p,name=Till "
+      "1,serial=S7,model=XQ700,manufacturer=Other,protocol=a.b,address=01:23,id=9");
+  EXPECT_EQ(spec.identity.name, "Till 1");
+  EXPECT_EQ(spec.identity.serialNumber, "S7");
+  EXPECT_EQ(spec.identity.modelNumber, "XQ700");
+  EXPECT_EQ(spec.identity.manufacturer, "Other");
+  EXPECT_THAT(spec.identity.protocolStrings, ElementsAre("a.b"));
+  EXPECT_EQ(spec.identity.address, "01:23");
+  EXPECT_EQ(spec.id, 9U);
+}
+
+TEST(DeviceSpec, TakesTheSameKeysOnEveryScheme) {
+  for (const char* start : {"virtual:", "tcp:h:1", "unix:p", "serial:/dev/x"}) {
+    const std::string text =
+        start + ",name=n,serial=,model=,manufacturer=,protocol=,address=,id=0"s;
+    EXPECT_EQ(parseDeviceSpec(text).identity.name, "n");
+    EXPECT_TRUE(parseDeviceSpec(text).options.empty());
+  }
+}
+
+TEST(DeviceSpec, ProtocolsReplaceTheUsualOneAndKeepTheirOrder) {
+  EXPECT_THAT(parseDeviceSpec("unix:p,protocol=b,protocol=a").identity.protocolStrings,
+              ElementsAre("b", "a"));
+}
+
+TEST(DeviceSpec, AnEmptyValueIsTheEmptyText) {
+  const AccessoryIdentity identity = parseDeviceSpec("unix:p,name=,serial=,manufacturer=").identity;
+  EXPECT_EQ(identity.name, "");
+  EXPECT_EQ(identity.serialNumber, "");
+  EXPECT_EQ(identity.manufacturer, "");
+}
+
+TEST(DeviceSpec, ABackslashTakesTheNextCharacterAsItIs) {
+  const DeviceSpec spec = parseDeviceSpec(R"(unix:/a\,b\\c,name=x\,y=\z)");
+  EXPECT_EQ(spec.place, R"(/a,b\c)");
+  EXPECT_EQ(spec.identity.name, "x,y=z");
+}
+
+TEST(DeviceSpec, TakesTheIdentifiersOfSixtyFourBits) {
+  EXPECT_EQ(parseDeviceSpec("unix:p,id=0").id, 0U);
+  EXPECT_EQ(parseDeviceSpec("unix:p,id=18446744073709551615").id,
+            std::numeric_limits<std::uint64_t>::max());
+  for (const char* wrong : {"", "-1", "+1", " 1", "1 ", "0x1", "18446744073709551616", "one"}) {
+    EXPECT_THAT(failure("unix:p,id="s + wrong),
+                AllOf(HasSubstr("id="), HasSubstr("a number from 0")))
+        << wrong;
+  }
+}
+
+TEST(DeviceSpec, ASerialLineTakesTheRatesThatTheSystemHas) {
+  EXPECT_EQ(parseDeviceSpec("serial:/dev/x").baud, 9600U);
+  EXPECT_EQ(parseDeviceSpec("serial:/dev/x,baud=115200").baud, 115200U);
+  for (const char* wrong : {"", "9601", "-9600", "fast", "99999999999999999999"}) {
+    EXPECT_THAT(failure("serial:/dev/x,baud="s + wrong),
+                AllOf(HasSubstr("baud="), HasSubstr("9600"), HasSubstr("115200")))
+        << wrong;
+  }
+}
+
+TEST(DeviceSpec, ThePrinterThatIsBuiltInKeepsItsOwnKeysInOrder) {
+  const DeviceSpec spec = parseDeviceSpec("virtual:,cover=open,model=M,fault=a,fault=b,baud=1");
+  EXPECT_THAT(spec.options, ElementsAre(Pair("cover", "open"), Pair("fault", "a"),
+                                        Pair("fault", "b"), Pair("baud", "1")));
+  EXPECT_EQ(spec.identity.modelNumber, "M");
+}
+
+TEST(DeviceSpec, AnUnknownSchemeIsAnErrorThatNamesTheSchemes) {
+  for (const char* wrong : {"", ":", "tcp", "udp:h:1", "TCP:h:1", " tcp:h:1", "tcp,:", "pty:"}) {
+    EXPECT_THAT(failure(wrong), AllOf(HasSubstr("virtual:"), HasSubstr("tcp:HOST:PORT"),
+                                      HasSubstr("unix:PATH"), HasSubstr("serial:PATH")))
+        << wrong;
+  }
+}
+
+TEST(DeviceSpec, AnUnknownKeyIsAnErrorThatNamesItAndTheKeys) {
+  EXPECT_THAT(failure("tcp:h:1,colour=red"),
+              AllOf(HasSubstr("\"colour\""), HasSubstr("tcp:"), HasSubstr("name"), HasSubstr("id"),
+                    testing::Not(HasSubstr("baud"))));
+  EXPECT_THAT(failure("unix:p,baud=9600"), HasSubstr("\"baud\""));
+  EXPECT_THAT(failure("serial:/dev/x,bauds=9600"),
+              AllOf(HasSubstr("\"bauds\""), HasSubstr("baud")));
+}
+
+TEST(DeviceSpec, APieceThatIsNoAssignmentIsAnError) {
+  for (const char* wrong :
+       {"unix:p,", "unix:p,name", "unix:p,=x", "virtual:,,", "unix:p,name=a,"}) {
+    EXPECT_THAT(failure(wrong), HasSubstr("key=value")) << wrong;
+  }
+}
+
+TEST(DeviceSpec, AKeyGivenTwiceIsAnErrorThatNamesIt) {
+  EXPECT_THAT(failure("unix:p,name=a,name=a"), AllOf(HasSubstr("\"name\""), HasSubstr("twice")));
+  EXPECT_THAT(failure("serial:/dev/x,baud=9600,baud=9600"), HasSubstr("\"baud\""));
+}
+
+TEST(DeviceSpec, ABackslashAtTheEndIsAnError) {
+  EXPECT_THAT(failure(R"(unix:p\)"), HasSubstr("backslash"));
+  EXPECT_THAT(failure(R"(unix:p,name=\\\)"), HasSubstr("backslash"));
+}
+
+TEST(DeviceSpec, APlaceThatCannotBeIsAnErrorThatSaysWhatCan) {
+  for (const std::string& wrong :
+       {""s, "h"s, "h:"s, ":1"s, "h:0"s, "h:65536"s, "h:-1"s, "h:1 "s, "h h:1"s, "::1:9100"s,
+        "[]:1"s, "h\0i:1"s, "h:1\0"s, std::string(254, 'h') + ":1"}) {
+    EXPECT_THAT(failure("tcp:" + wrong), HasSubstr("HOST:PORT")) << wrong;
+  }
+  EXPECT_THAT(failure("unix:"), HasSubstr("1 to 107"));
+  EXPECT_THAT(failure("unix:" + std::string(108, 'p')), HasSubstr("1 to 107"));
+  EXPECT_EQ(failure("unix:" + std::string(107, 'p')), "it was taken");
+  EXPECT_THAT(failure("unix:a\0b"s), HasSubstr("none zero"));
+  EXPECT_THAT(failure("serial:"), HasSubstr("1 to 4095"));
+  EXPECT_THAT(failure("serial:/dev\0"s), HasSubstr("none zero"));
+}
+
+TEST(HostAndPort, IsSplitAtTheLastColonAndLosesItsBrackets) {
+  EXPECT_EQ(parseHostAndPort("printer.example:9100").host, "printer.example");
+  EXPECT_EQ(parseHostAndPort("printer.example:9100").port, 9100);
+  EXPECT_EQ(parseHostAndPort("[::1]:65535").host, "::1");
+  EXPECT_EQ(parseHostAndPort("[::1]:65535").port, 65535);
+}
+
+TEST(DeviceSpec, WhateverIsReadTheErrorIsShortAndPrintable) {
+  const std::string odd = "\0\x1b[31m%s%n\r\n\xff"s;
+  const std::string huge(10'000'000, '%');
+  for (const std::string& wrong :
+       {odd, huge, "tcp:" + odd, "tcp:" + huge, "unix:" + huge, "serial:" + huge, "unix:p," + odd,
+        "unix:p," + huge, "unix:p,id=" + huge, "unix:p," + huge + "=1", "serial:p,baud=" + odd,
+        huge + "\\", "unix:p" + std::string(1'000'000, ',')}) {
+    const std::string why = failure(wrong);
+    EXPECT_NE(why, "it was taken");
+    EXPECT_LT(why.size(), 300U);
+    EXPECT_TRUE(std::all_of(why.begin(), why.end(), [](char c) { return c >= ' ' && c <= '~'; }));
+  }
+}
+
+TEST(DeviceSpec, TakesTextsOfAnyLengthAndEveryByte) {
+  std::string odd = "%n \x1b\xff"s + '\0';
+  EXPECT_EQ(parseDeviceSpec("unix:p,name=" + odd).identity.name, odd);
+  const std::string huge(10'000'000, 'x');
+  EXPECT_EQ(parseDeviceSpec("virtual:,name=" + huge).identity.name, huge);
+}
+
+}  // namespace
+}  // namespace quordalvane

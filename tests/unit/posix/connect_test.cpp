@@ -1,0 +1,196 @@
+#include "backends/posix/Connect.h"
+
+#include <arpa/inet.h>
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <vector>
+
+#include "tests/unit/posix/SignalStorm.h"
+#include "tests/unit/posix/Stopwatch.h"
+
+namespace quordalvane::posix {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::AllOf;
+using testing::HasSubstr;
+
+/// A TCP listener on the loopback that accepts nobody by itself.
+class Listener {
+ public:
+  explicit Listener(int backlog) : number_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    auto* const generic = reinterpret_cast<sockaddr*>(&address);
+    socklen_t length = sizeof address;
+    EXPECT_EQ(::bind(number_, generic, length), 0);
+    EXPECT_EQ(::getsockname(number_, generic, &length), 0);
+    EXPECT_EQ(::listen(number_, backlog), 0);
+    port_ = ntohs(address.sin_port);
+  }
+  ~Listener() { ::close(number_); }
+
+  std::uint16_t port() const { return port_; }
+
+ private:
+  int number_;
+  std::uint16_t port_;
+};
+
+/// A folder that is gone with it.
+class TemporaryFolder {
+ public:
+  TemporaryFolder() { EXPECT_NE(::mkdtemp(path_.data()), nullptr); }
+  ~TemporaryFolder() { std::filesystem::remove_all(path_); }
+
+  std::string file(const std::string& name) const { return path_ + "/" + name; }
+
+ private:
+  std::string path_ = testing::TempDir() + "connectXXXXXX";
+};
+
+int listenAt(const std::string& path, int backlog) {
+  const int number = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  path.copy(address.sun_path, sizeof address.sun_path - 1);
+  EXPECT_EQ(::bind(number, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+  EXPECT_EQ(::listen(number, backlog), 0);
+  return number;
+}
+
+// Connects until the listener answers no more, and returns how long the last attempt took and why
+// it failed. The time-out is long enough to tell it from a failure at once.
+template <typename Connect>
+std::pair<double, std::string> connectUntilSilent(Connect connect) {
+  std::vector<Descriptor> waiting;
+  while (waiting.size() < 100) {
+    const Stopwatch watch;
+    try {
+      waiting.push_back(connect(150ms));
+    } catch (const std::exception& error) {
+      return {watch.seconds(), error.what()};
+    }
+  }
+  return {0, "the listener took everyone"};
+}
+
+int option(const Descriptor& socket, int level, int name) {
+  int value = -1;
+  socklen_t length = sizeof value;
+  EXPECT_EQ(::getsockopt(socket.number(), level, name, &value, &length), 0);
+  return value;
+}
+
+template <typename Connect>
+std::string failure(Connect connect) {
+  try {
+    connect();
+  } catch (const std::exception& error) {
+    return error.what();
+  }
+  return "it connected";
+}
+
+TEST(ConnectTcp, MakesTheConnectionFitForShortExchanges) {
+  const Listener listener(4);
+  const Descriptor socket = connectTcp("127.0.0.1", listener.port());
+  EXPECT_EQ(option(socket, IPPROTO_TCP, TCP_NODELAY), 1);
+  EXPECT_EQ(option(socket, SOL_SOCKET, SO_KEEPALIVE), 1);
+  EXPECT_EQ(option(socket, IPPROTO_TCP, TCP_KEEPIDLE), 15);
+  EXPECT_EQ(option(socket, IPPROTO_TCP, TCP_KEEPINTVL), 15);
+  EXPECT_EQ(option(socket, IPPROTO_TCP, TCP_USER_TIMEOUT), 120'000);
+  EXPECT_EQ(::fcntl(socket.number(), F_GETFD), FD_CLOEXEC);
+}
+
+TEST(ConnectTcp, ResolvesNamesAndTriesEveryAddress) {
+  // Where the name has a long address too, nobody listens there.
+  const Listener listener(4);
+  EXPECT_GE(connectTcp("localhost", listener.port()).number(), 0);
+}
+
+TEST(ConnectTcp, ARefusalIsAnErrorAtOnceThatNamesThePlace) {
+  std::uint16_t port = 0;
+  {
+    const Listener gone(1);
+    port = gone.port();
+  }
+  const Stopwatch watch;
+  EXPECT_THAT(failure([=] { connectTcp("127.0.0.1", port); }),
+              AllOf(HasSubstr("127.0.0.1"), HasSubstr(std::to_string(port)),
+                    HasSubstr("Connection refused")));
+  EXPECT_LT(watch.seconds(), 2);
+}
+
+TEST(ConnectTcp, AHostThatNeverAnswersIsGivenUpInTime) {
+  const Listener listener(0);
+  const auto [seconds, why] = connectUntilSilent(
+      [&](auto timeout) { return connectTcp("127.0.0.1", listener.port(), timeout); });
+  EXPECT_GE(seconds, 0.1);
+  EXPECT_LT(seconds, 2);
+  EXPECT_THAT(why, HasSubstr("timed out"));
+}
+
+TEST(ConnectTcp, SignalsNeitherStopNorProlongIt) {
+  const SignalStorm storm;
+  const Listener listener(0);
+  const auto [seconds, why] = connectUntilSilent(
+      [&](auto timeout) { return connectTcp("127.0.0.1", listener.port(), timeout); });
+  EXPECT_GE(seconds, 0.1);
+  EXPECT_LT(seconds, 2);
+  EXPECT_THAT(why, HasSubstr("timed out"));
+  EXPECT_GT(storm.strikes(), 10);
+}
+
+TEST(ConnectTcp, AHostOfNoNameIsAnErrorThatNamesIt) {
+  const std::string host(80, 'h');
+  EXPECT_THAT(failure([&] { connectTcp(host, 9100); }), HasSubstr(host));
+}
+
+TEST(ConnectUnix, ConnectsAndClosesOnExec) {
+  const TemporaryFolder folder;
+  const Descriptor listener(listenAt(folder.file("s"), 4), Descriptor::Kind::socket);
+  const Descriptor socket = connectUnix(folder.file("s"));
+  EXPECT_EQ(::fcntl(socket.number(), F_GETFD), FD_CLOEXEC);
+}
+
+TEST(ConnectUnix, APathWithNothingThereAndAPlainFolderAreErrorsThatNameThem) {
+  const TemporaryFolder folder;
+  EXPECT_THAT(failure([&] { connectUnix(folder.file("none")); }),
+              AllOf(HasSubstr(folder.file("none")), HasSubstr("No such file")));
+  EXPECT_THAT(failure([&] { connectUnix(folder.file("")); }), HasSubstr("refused"));
+}
+
+TEST(ConnectUnix, TakesTheLongestPathThatASocketHasAndNoLongerOne) {
+  const TemporaryFolder folder;
+  std::string path = folder.file("");
+  path += std::string(107 - path.size(), 's');
+  const Descriptor listener(listenAt(path, 4), Descriptor::Kind::socket);
+  EXPECT_GE(connectUnix(path).number(), 0);
+  EXPECT_THAT(failure([&] { connectUnix(path + "s"); }), HasSubstr("too long"));
+}
+
+TEST(ConnectUnix, AListenerThatNeverAnswersIsGivenUpInTime) {
+  const SignalStorm storm;
+  const TemporaryFolder folder;
+  const Descriptor listener(listenAt(folder.file("s"), 0), Descriptor::Kind::socket);
+  const auto [seconds, why] =
+      connectUntilSilent([&](auto timeout) { return connectUnix(folder.file("s"), timeout); });
+  EXPECT_GE(seconds, 0.1);
+  EXPECT_LT(seconds, 2);
+  EXPECT_THAT(why, HasSubstr("timed out"));
+}
+
+}  // namespace
+}  // namespace quordalvane::posix

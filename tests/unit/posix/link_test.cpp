@@ -1,0 +1,186 @@
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <stdexcept>
+#include <thread>
+#include <vector>
+
+#include "backends/posix/LinkAccessory.h"
+#include "tests/unit/posix/SignalStorm.h"
+#include "tests/unit/posix/Stopwatch.h"
+
+namespace quordalvane::posix {
+namespace {
+
+const std::string protocol = AccessoryIdentity{}.protocolStrings.front();
+
+/// An accessory on a socket pair, with a session; the other end is a plain descriptor.
+class LinkTest : public testing::Test {
+ protected:
+  LinkTest() {
+    EXPECT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends_), 0);
+    session = accessory.openSession(protocol);
+    input = session->inputStream();
+    output = session->outputStream();
+  }
+  ~LinkTest() override { ::close(ends_[1]); }
+
+  int device() const { return ends_[1]; }
+  void deviceWrites(std::size_t count) {
+    const std::vector<std::uint8_t> bytes(count, 'd');
+    ASSERT_EQ(::write(device(), bytes.data(), count), static_cast<ssize_t>(count));
+  }
+  std::int64_t ask() { return output->write(&byte, 1); }
+
+  LinkAccessory accessory{AccessoryIdentity{},
+                          [this] { return Descriptor(ends_[0], Descriptor::Kind::socket); }};
+  std::shared_ptr<EASession> session;
+  std::shared_ptr<NSInputStream> input;
+  std::shared_ptr<NSOutputStream> output;
+  std::uint8_t byte = 0;
+
+ private:
+  int ends_[2] = {-1, -1};
+};
+
+TEST_F(LinkTest, AReplyEndsTheWaitForItWhenItComes) {
+  ASSERT_EQ(ask(), 1);
+  std::thread answering([this] {
+    std::uint8_t request = 0;
+    EXPECT_EQ(::read(device(), &request, 1), 1);
+    deviceWrites(1);
+  });
+  const Stopwatch watch;
+  input->waitUntilReady(10);
+  EXPECT_LT(watch.seconds(), 5);
+  EXPECT_TRUE(input->hasBytesAvailable());
+  answering.join();
+}
+
+TEST_F(LinkTest, SignalsDoNotShortenAWait) {
+  ASSERT_EQ(ask(), 1);
+  const SignalStorm storm;
+  const Stopwatch watch;
+  input->waitUntilReady(0.05);
+  EXPECT_GE(watch.seconds(), 0.05);
+  EXPECT_LT(watch.seconds(), 1);
+  EXPECT_GT(storm.strikes(), 5);
+}
+
+TEST_F(LinkTest, AskingWhetherItIsConnectedNeverTakesAReplyAwayFromAWait) {
+  std::atomic<bool> stop = false;
+  std::thread answering([this] {
+    std::uint8_t request = 0;
+    while (::read(device(), &request, 1) == 1) {
+      deviceWrites(1);
+    }
+  });
+  std::thread asking([&] {
+    while (!stop) {
+      EXPECT_TRUE(accessory.isConnected());
+    }
+  });
+  for (int i = 0; i < 2000; ++i) {
+    EXPECT_EQ(ask(), 1);
+    const Stopwatch watch;
+    while (!input->hasBytesAvailable() && watch.seconds() < 10) {
+      input->waitUntilReady(5);
+    }
+    ASSERT_LT(watch.seconds(), 4);
+    ASSERT_EQ(input->read(&byte, 1), 1);
+  }
+  stop = true;
+  asking.join();
+  session.reset();
+  answering.join();
+}
+
+TEST_F(LinkTest, TheEndOfASessionEndsAWaitOnItsStreams) {
+  ASSERT_EQ(ask(), 1);
+  std::atomic<bool> started = false;
+  std::thread waiting([&] {
+    const Stopwatch watch;
+    started = true;
+    input->waitUntilReady(10);
+    EXPECT_LT(watch.seconds(), 5);
+  });
+  while (!started) {
+    std::this_thread::yield();
+  }
+  session.reset();
+  waiting.join();
+  EXPECT_FALSE(input->hasBytesAvailable());
+}
+
+TEST_F(LinkTest, TheEndOfASessionLeavesNoBytesUnreadWhichWouldResetTheLink) {
+  deviceWrites(20'000);
+  session.reset();
+  // Had there been a reset, this would be an error instead of the end of the stream.
+  EXPECT_EQ(::read(device(), &byte, 1), 0);
+}
+
+TEST_F(LinkTest, NoAnswerIsAwaitedAfterTheAnswerAndOneIsAfterTheNextRequest) {
+  ASSERT_EQ(ask(), 1);
+  deviceWrites(1);
+  input->waitUntilReady(1);
+  ASSERT_EQ(input->read(&byte, 1), 1);
+  const Stopwatch none;
+  input->waitUntilReady(5);
+  EXPECT_LT(none.seconds(), 1);
+  ASSERT_EQ(ask(), 1);
+  const Stopwatch full;
+  input->waitUntilReady(0.02);
+  EXPECT_GE(full.seconds(), 0.02);
+}
+
+TEST_F(LinkTest, WhatWasReadAheadBeforeARequestIsNotTakenForItsAnswer) {
+  deviceWrites(3);
+  ASSERT_TRUE(input->hasBytesAvailable());
+  ASSERT_EQ(ask(), 1);
+  std::uint8_t old[3];
+  ASSERT_EQ(input->read(old, sizeof old), 3);
+  const Stopwatch watch;
+  input->waitUntilReady(0.02);
+  EXPECT_GE(watch.seconds(), 0.02);
+}
+
+TEST_F(LinkTest, AWaiterThatTurnsInALoopSeesEachByteAtOnceThoughNobodyWasAsked) {
+  EXPECT_FALSE(input->hasBytesAvailable());
+  input->waitUntilReady(0);
+  deviceWrites(1);
+  input->waitUntilReady(0);
+  EXPECT_TRUE(input->hasBytesAvailable());
+}
+
+TEST(LinkAccessory, RefusesAProtocolThatItDoesNotAnnounceWithoutConnecting) {
+  bool connected = false;
+  LinkAccessory accessory(AccessoryIdentity{}, [&]() -> Descriptor {
+    connected = true;
+    throw std::runtime_error("unreachable");
+  });
+  EXPECT_EQ(accessory.openSession("com.example.other"), nullptr);
+  EXPECT_FALSE(connected);
+  EXPECT_NE(accessory.lastError().find("com.example.other"), std::string::npos);
+}
+
+TEST(LinkAccessory, TellsWhyItCouldNotConnectUntilItCan) {
+  bool reachable = false;
+  LinkAccessory accessory(AccessoryIdentity{}, [&] {
+    if (!reachable) {
+      throw std::runtime_error("the cable is out");
+    }
+    return Descriptor(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0), Descriptor::Kind::socket);
+  });
+  EXPECT_EQ(accessory.lastError(), "");
+  EXPECT_EQ(accessory.openSession(protocol), nullptr);
+  EXPECT_EQ(accessory.lastError(), "the cable is out");
+  EXPECT_TRUE(accessory.isConnected());
+  reachable = true;
+  EXPECT_NE(accessory.openSession(protocol), nullptr);
+  EXPECT_EQ(accessory.lastError(), "");
+}
+
+}  // namespace
+}  // namespace quordalvane::posix

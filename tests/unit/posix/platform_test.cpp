@@ -1,0 +1,68 @@
+#include <gtest/gtest.h>
+#include <sys/utsname.h>
+
+#include <csignal>
+#include <thread>
+
+#include "backends/posix/LinkAccessory.h"
+#include "backends/posix/PosixPlatform.h"
+
+namespace quordalvane::posix {
+namespace {
+
+std::shared_ptr<EAAccessory> accessory() {
+  return std::make_shared<LinkAccessory>(
+      AccessoryIdentity{}, []() -> Descriptor { throw std::runtime_error("never connected"); });
+}
+
+TEST(PosixPlatform, PresentsItsAccessoriesInTheOrderInWhichTheyWereAttached) {
+  const auto first = accessory();
+  const auto second = accessory();
+  const auto third = accessory();
+  PosixPlatform platform({first, second});
+  auto& manager = platform.sharedAccessoryManager();
+  const auto before = manager.connectedAccessories();
+  platform.attach(third);
+  EXPECT_EQ(before, (std::vector{first, second}));
+  EXPECT_EQ(manager.connectedAccessories(), (std::vector{first, second, third}));
+}
+
+TEST(PosixPlatform, HasNoAccessoriesUnlessTheyAreGiven) {
+  EXPECT_TRUE(PosixPlatform().sharedAccessoryManager().connectedAccessories().empty());
+}
+
+TEST(PosixPlatform, HasNoWayOfItsOwnToReadAnAddress) {
+  EXPECT_FALSE(PosixPlatform().sharedAccessoryManager().readsAddresses());
+}
+
+TEST(PosixPlatform, NamesTheKernelsReleaseAsTheSystemVersion) {
+  utsname names{};
+  ASSERT_EQ(::uname(&names), 0);
+  EXPECT_EQ(PosixPlatform().currentDevice().systemVersion(), names.release);
+}
+
+TEST(PosixPlatform, KnowsTheMainThread) {
+  PosixPlatform platform;
+  EXPECT_TRUE(platform.isMainThread());
+  std::thread([&] { EXPECT_FALSE(platform.isMainThread()); }).join();
+}
+
+TEST(PosixPlatform, IgnoresTheSignalOfABrokenPipeEachTimeItIsTold) {
+  PosixPlatform platform;
+  for (int i = 0; i < 2; ++i) {
+    std::signal(SIGPIPE, SIG_DFL);
+    platform.ignoreSigPipe();
+    EXPECT_EQ(std::signal(SIGPIPE, SIG_DFL), SIG_IGN);
+  }
+}
+
+TEST(PosixPlatform, MakesThreadsThatAreNotStarted) {
+  bool ran = false;
+  const auto thread = PosixPlatform().makeThread([&] { ran = true; });
+  ASSERT_NE(thread, nullptr);
+  EXPECT_FALSE(thread->performAndWait([] {}));
+  EXPECT_FALSE(ran);
+}
+
+}  // namespace
+}  // namespace quordalvane::posix

@@ -1,0 +1,66 @@
+#include "backends/posix/Resolve.h"
+
+#include <arpa/inet.h>
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+
+#include <future>
+#include <stdexcept>
+
+#include "tests/unit/posix/Stopwatch.h"
+
+namespace quordalvane::posix {
+namespace {
+
+using namespace std::chrono_literals;
+
+sockaddr_in asIPv4(const SocketAddress& address) {
+  EXPECT_EQ(address.length, sizeof(sockaddr_in));
+  return reinterpret_cast<const sockaddr_in&>(address.storage);
+}
+
+TEST(Resolve, AnAddressInFiguresIsTakenAsItIs) {
+  const auto addresses = resolve("127.0.0.9", 9100, SteadyClock::now() + 5s);
+  ASSERT_EQ(addresses.size(), 1U);
+  EXPECT_EQ(asIPv4(addresses[0]).sin_addr.s_addr, inet_addr("127.0.0.9"));
+  EXPECT_EQ(asIPv4(addresses[0]).sin_port, htons(9100));
+}
+
+TEST(Resolve, TakesLongAddressesToo) {
+  const auto addresses = resolve("::1", 9100, SteadyClock::now() + 5s);
+  ASSERT_EQ(addresses.size(), 1U);
+  EXPECT_EQ(addresses[0].storage.ss_family, AF_INET6);
+}
+
+TEST(Resolve, ANameThatCanBelongToNobodyIsAnError) {
+  // No part of a name may be so long, so that nobody is asked for it.
+  EXPECT_THROW(resolve(std::string(200, 'a'), 9100, SteadyClock::now() + 5s), std::runtime_error);
+}
+
+TEST(Resolve, ALookupThatDoesNotEndIsLeftBehindAtTheDeadline) {
+  std::promise<void> release;
+  std::promise<void> left;
+  const Stopwatch watch;
+  EXPECT_THROW(lookUpUntil(SteadyClock::now() + 20ms,
+                           [until = release.get_future().share(), &left]() {
+                             until.wait();
+                             left.set_value();
+                             return std::vector<SocketAddress>();
+                           }),
+               std::runtime_error);
+  EXPECT_GE(watch.seconds(), 0.02);
+  EXPECT_LT(watch.seconds(), 2);
+  release.set_value();
+  left.get_future().wait();
+}
+
+TEST(Resolve, WhatALookupReturnsOrRaisesComesThrough) {
+  const auto deadline = SteadyClock::now() + 5s;
+  EXPECT_EQ(lookUpUntil(deadline, [] { return std::vector<SocketAddress>(3); }).size(), 3U);
+  EXPECT_THROW(lookUpUntil(deadline,
+                           []() -> std::vector<SocketAddress> { throw std::out_of_range("gone"); }),
+               std::out_of_range);
+}
+
+}  // namespace
+}  // namespace quordalvane::posix

@@ -1,0 +1,145 @@
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <atomic>
+#include <thread>
+
+#include "backends/posix/PosixThread.h"
+#include "backends/posix/RunLoop.h"
+#include "platform/NSStream.h"
+#include "tests/unit/posix/SignalStorm.h"
+#include "tests/unit/posix/Stopwatch.h"
+
+namespace quordalvane::posix {
+namespace {
+
+class RecordingStream : public NSStream {
+ public:
+  void setDelegate(std::weak_ptr<const void>) override {}
+  void scheduleInRunLoop(NSRunLoop&, std::string_view) override {}
+  void removeFromRunLoop(NSRunLoop&, std::string_view) override {}
+  void open() override {}
+  void close() override {}
+  void waitUntilReady(double seconds) override { waited = seconds; }
+
+  double waited = -1;
+};
+
+// Runs `body` on a thread of the platform and returns when it has ended.
+void onThread(const std::function<void()>& body) {
+  std::atomic<bool> ended = false;
+  PosixThread thread([&] {
+    body();
+    ended = true;
+  });
+  ASSERT_TRUE(thread.start());
+  while (!ended) {
+    std::this_thread::yield();
+  }
+  thread.performAndWait([] {});  // refused or done, the body is over with the captured variables
+}
+
+TEST(RunLoop, ASliceLastsItsTimeOnBothKindsOfThread) {
+  const auto slice = [] {
+    const Stopwatch watch;
+    currentRunLoop().runUntilDate(0.02);
+    EXPECT_GE(watch.seconds(), 0.02);
+    EXPECT_LT(watch.seconds(), 1);
+  };
+  slice();
+  onThread(slice);
+}
+
+TEST(RunLoop, SignalsDoNotShortenASlice) {
+  const SignalStorm storm;
+  const Stopwatch watch;
+  currentRunLoop().runUntilDate(0.05);
+  EXPECT_GE(watch.seconds(), 0.05);
+  EXPECT_LT(watch.seconds(), 1);
+  EXPECT_GT(storm.strikes(), 5);
+}
+
+TEST(RunLoop, ASliceOfNoTimeOrLessReturnsAtOnce) {
+  const auto slices = [] {
+    const Stopwatch watch;
+    currentRunLoop().runUntilDate(0);
+    currentRunLoop().runUntilDate(-1);
+    EXPECT_LT(watch.seconds(), 1);
+  };
+  slices();
+  onThread(slices);
+}
+
+TEST(RunLoop, AwaitsTheStreamForWhatIsLeftOfTheSlice) {
+  const auto slice = [] {
+    RecordingStream stream;
+    const Stopwatch watch;
+    currentRunLoop().runUntilDate(5, stream);
+    EXPECT_GT(stream.waited, 4);
+    EXPECT_LE(stream.waited, 5);
+    EXPECT_LT(watch.seconds(), 1);  // the stream was ready at once
+  };
+  slice();
+  onThread(slice);
+}
+
+TEST(RunLoop, RunsWhatWasCarriedBeforeItAwaitsTheStream) {
+  bool ran = false;
+  std::atomic<bool> carried = false;
+  std::atomic<bool> turned = false;
+  PosixThread thread([&] {
+    while (!carried) {
+      std::this_thread::yield();
+    }
+    // Whether the routine has arrived cannot be seen from here, so turn until it has run.
+    while (!ran) {
+      RecordingStream stream;
+      currentRunLoop().runUntilDate(0, stream);
+      EXPECT_EQ(stream.waited, 0);
+    }
+    turned = true;
+  });
+  ASSERT_TRUE(thread.start());
+  carried = true;
+  EXPECT_TRUE(thread.performAndWait([&] {
+    EXPECT_FALSE(turned);
+    ran = true;
+  }));
+  while (!turned) {
+    std::this_thread::yield();
+  }
+}
+
+TEST(RunLoop, ACarriedRoutineWakesALongSlice) {
+  std::atomic<bool> stop = false;
+  PosixThread thread([&] {
+    while (!stop) {
+      currentRunLoop().runUntilDate(0.1);
+    }
+  });
+  ASSERT_TRUE(thread.start());
+  const Stopwatch watch;
+  for (int i = 0; i < 200; ++i) {
+    EXPECT_TRUE(thread.performAndWait([] {}));
+  }
+  EXPECT_LT(watch.seconds(), 5);  // without being woken: 20 s
+  stop = true;
+  while (thread.performAndWait([] {})) {
+  }
+}
+
+TEST(RunLoop, AnIdleSliceIsOneSleep) {
+  onThread([] {
+    rusage before{};
+    rusage after{};
+    ::getrusage(RUSAGE_THREAD, &before);
+    for (int i = 0; i < 5; ++i) {
+      currentRunLoop().runUntilDate(0.02);
+    }
+    ::getrusage(RUSAGE_THREAD, &after);
+    EXPECT_LE(after.ru_nvcsw - before.ru_nvcsw, 6);
+  });
+}
+
+}  // namespace
+}  // namespace quordalvane::posix
