@@ -1,0 +1,282 @@
+#include "tools/quorport/CommandLine.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <charconv>
+#include <limits>
+#include <map>
+#include <utility>
+
+namespace quordalvane::tool {
+namespace {
+
+constexpr std::uint32_t longestTime = std::numeric_limits<std::uint32_t>::max();
+constexpr std::uint32_t highestLogLevel = 63;
+
+constexpr auto description =
+    "Talks to receipt printers: asks for their state, prints, and says honestly what became of it.";
+
+constexpr auto footer =
+    "A SPEC is virtual:, tcp:HOST:PORT, unix:PATH or serial:PATH, then any number of ,key=value:\n"
+    "name, serial, model, manufacturer, protocol (repeatable), address, id; on serial: also baud;\n"
+    "on virtual: also the printer's state and faults.\n"
+    "\n"
+    "Exit status: 0 done, 1 the exchange with the printer failed, 2 usage, 3 no accessory matched "
+    "or\n"
+    "it could not be opened, 4 the printer is not ready, 5 the link was lost, 6 unconfirmed,\n"
+    "130 interrupted.\n"
+    "\n"
+    "  quorport print receipt.txt                             on the printer that is built in\n"
+    "  quorport -d tcp:192.0.2.10:9100 status\n"
+    "  quorport simulate --listen tcp:127.0.0.1:9100\n";
+
+constexpr auto printFooter =
+    "The outcome is one of\n"
+    "  printed      the printer confirmed that it printed all of this job (exit status 0)\n"
+    "  unconfirmed  bytes were handed over, and nothing proves that they were printed: sending\n"
+    "               them again may print twice (6)\n"
+    "  refused      nothing of the job was sent (1, 3, 4 or 5)\n";
+
+constexpr auto simulateFooter =
+    "Where it listens is the first line on standard output, as a SPEC for --device.\n"
+    "On standard input and on the control socket it takes one JSON object a line and answers one:\n"
+    "  {\"set\": {\"coverOpen\": true, \"speed\": 200}}   {\"get\": \"state\"}   {\"quit\": true}\n"
+    "  {\"fault\": {\"late-reply\": 300}}               {\"clear\": \"faults\"}\n";
+
+std::uint32_t number(const std::string& text, std::uint32_t largest, const std::string& unit) {
+  std::uint32_t value = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, value);
+  if (error != std::errc() || stop != end || value > largest) {
+    throw CLI::ValidationError("takes " + unit + " from 0 to " + std::to_string(largest) +
+                               ", not " + inQuotes(text));
+  }
+  return value;
+}
+
+ZKEmulation emulation(const std::string& text) {
+  static const std::map<std::string, ZKEmulation> names = {
+      {"line", ZKEmulationQuorLine},
+      {"escpos", ZKEmulationESCPOS},
+      {"unknown", ZKEmulationUnknown},
+  };
+  const auto found = names.find(text);
+  if (found == names.end()) {
+    throw CLI::ValidationError("takes line, escpos or unknown, not " + inQuotes(text));
+  }
+  return found->second;
+}
+
+// Adds an option that takes a text and hands it to `take`; of several the last one counts. What
+// `take` finds wrong with it is told behind the option's name.
+template <typename Take>
+CLI::Option* addText(CLI::App& app, const std::string& names, const std::string& type,
+                     const std::string& help, Take take) {
+  const std::string name = names.substr(names.find("--"));
+  return app
+      .add_option_function<std::string>(
+          names,
+          [name, take](const std::string& text) {
+            try {
+              take(text);
+            } catch (const CLI::ValidationError& error) {
+              throw CLI::ValidationError(name + " " + error.what());
+            }
+          },
+          help)
+      ->type_name(type)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+}
+
+template <typename Time>
+void addTime(CLI::App& app, const std::string& names, const std::string& help, Time& time) {
+  addText(app, names, "MS", help,
+          [&time](const std::string& text) { time = number(text, longestTime, "milliseconds"); });
+}
+
+CLI::Option* addTexts(CLI::App& app, const std::string& names, const std::string& type,
+                      const std::string& help, std::vector<std::string>& texts) {
+  return app.add_option(names, texts, help)->type_name(type)->allow_extra_args(false);
+}
+
+void addGlobalOptions(CLI::App& app, Options& options) {
+  addTexts(app, "-d,--device", "SPEC",
+           "a link to present as a connected accessory; may be repeated (default virtual:)",
+           options.devices);
+  app.add_option("-p,--port-name", options.portName,
+                 "BT: for the first accessory, BT:NAME for a certain one (default BT:)")
+      ->type_name("NAME")
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+  app.add_option("-s,--settings", options.settings, "the port's settings")
+      ->type_name("TEXT")
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+  addTime(app, "-t,--timeout", "the input/output time-out (default 10000)", options.timeout);
+  addText(app, "-e,--emulation", "NAME", "line, escpos or unknown (default line)",
+          [&options](const std::string& text) { options.emulation = emulation(text); });
+  app.add_option("--log", options.log,
+                 "write the diagnostic records to this file, a JSON object a line; - is standard "
+                 "error")
+      ->type_name("FILE")
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+  app.add_option_function<std::vector<std::string>>(
+         "--log-level",
+         [&options](const std::vector<std::string>& texts) {
+           for (const std::string& text : texts) {
+             options.logLevels.insert(
+                 static_cast<std::int32_t>(number(text, highestLogLevel, "--log-level: a level")));
+           }
+         },
+         "a level of records that is wanted; may be repeated (default 0)")
+      ->type_name("N")
+      ->allow_extra_args(false);
+  app.add_flag("--json", options.json, "print the result as one JSON object");
+}
+
+void addStatusOptions(CLI::App& app, Options& options) {
+  addText(app, "--level", "N", "the level of the status, which is only logged (default 0)",
+          [&options](const std::string& text) {
+            options.statusLevel = number(text, longestTime, "a number");
+          });
+  app.add_flag("-v,--verbose", options.verbose, "show every field, also those that say nothing");
+}
+
+void addPrintOptions(CLI::App& app, PrintOptions& options) {
+  app.add_option("FILE", options.file, "what to print; - is standard input")->required();
+  app.add_flag("--unchecked", options.unchecked,
+               "send without a checked block: the printer is not asked before or after, and the "
+               "outcome is unconfirmed at best");
+  addTime(app, "--end-timeout",
+          "how long to wait for the confirmation (default: the input/output time-out)",
+          options.endTimeout);
+  addTime(app, "--hold-print-timeout", "how long to wait for paper to be taken from the exit",
+          options.holdPrintTimeout);
+  addText(app, "--receipt", "FILE.png|.txt", "show what came out, on virtual: only",
+          [&options](const std::string& text) {
+            if (!text.ends_with(".png") && !text.ends_with(".txt")) {
+              throw CLI::ValidationError("takes a name that ends in .png or .txt, not " +
+                                         inQuotes(text));
+            }
+            options.receipt = text;
+          });
+  app.footer(printFooter);
+}
+
+void addSimulateOptions(CLI::App& app, SimulateOptions& options) {
+  app.add_option("--listen", options.listen,
+                 "tcp:PORT or tcp:HOST:PORT (0: any free port; this machine alone unless a HOST "
+                 "says otherwise), unix:PATH, or pty:")
+      ->type_name("SPEC")
+      ->required();
+  addTexts(app, "--set", "KEY=VALUE",
+           "the printer's state or a fault, as on virtual: devices; may be repeated",
+           options.settings);
+  app.add_option("--receipts", options.receipts,
+                 "write what comes out for each job into this folder, as text and as a picture")
+      ->type_name("FOLDER");
+  app.add_option("--control", options.control, "take control lines on this socket, too")
+      ->type_name("unix:PATH");
+  app.footer(simulateFooter);
+}
+
+// The parser of arguments, with places for what it finds.
+class Grammar {
+ public:
+  Grammar() {
+    app_.footer(footer);
+    app_.set_version_flag("--version", "quorport " QUOR_VERSION);
+    app_.set_help_flag("-h,--help", "show this text");
+    app_.require_subcommand(0, 1);
+    addGlobalOptions(app_, options_);
+    for (const Command& command : commands()) {
+      CLI::App& sub = *app_.add_subcommand(std::string(command.name), std::string(command.help));
+      sub.fallthrough();
+      sub.set_help_flag("-h,--help", "show this text");
+      if (command.run == status) {
+        addStatusOptions(sub, options_);
+      } else if (command.run == print) {
+        addPrintOptions(sub, options_.print);
+      } else if (command.run == simulate) {
+        addSimulateOptions(sub, options_.simulate);
+      }
+    }
+  }
+
+  std::variant<Order, std::string> parse(std::vector<std::string> arguments) {
+    std::reverse(arguments.begin(), arguments.end());
+    try {
+      app_.parse(std::move(arguments));
+    } catch (const CLI::CallForHelp&) {
+      return app_.help();
+    } catch (const CLI::CallForVersion&) {
+      return app_.version() + "\n";
+    } catch (const CLI::ExtrasError& error) {
+      throw usage(chosen() == nullptr ? noSuchCommand(error) : error.what());
+    } catch (const CLI::ParseError& error) {
+      throw usage(error.what());
+    }
+    if (chosen() == nullptr) {
+      throw usage("a command is missing: it is one of " + everyCommand());
+    }
+    return Order{chosen(), options_};
+  }
+
+ private:
+  const Command* chosen() const {
+    const auto parsed = app_.get_subcommands();
+    const auto all = commands();
+    const auto found = std::find_if(all.begin(), all.end(), [&](const Command& command) {
+      return !parsed.empty() && parsed.front()->get_name() == command.name;
+    });
+    return found == all.end() ? nullptr : &*found;
+  }
+
+  static std::string noSuchCommand(const CLI::ExtrasError& error) {
+    return std::string(error.what()) + "; a command is one of " + everyCommand();
+  }
+
+  static std::string everyCommand() {
+    std::string names;
+    for (const Command& command : commands()) {
+      names += (names.empty() ? "" : ", ") + std::string(command.name);
+    }
+    return names;
+  }
+
+  Failure usage(const std::string& what) const {
+    const Command* const command = chosen();
+    const std::string about = command == nullptr ? "" : " " + std::string(command->name);
+    return {ExitCode::Usage, printable(what) + " (quorport" + about + " --help tells more)"};
+  }
+
+  Options options_;
+  CLI::App app_{description, "quorport"};
+};
+
+// The library takes the argument behind "--name=" for the value.
+std::vector<std::string> withEmptyValuesApart(const std::vector<std::string>& arguments) {
+  std::vector<std::string> result;
+  bool onlyPlain = false;
+  for (const std::string& argument : arguments) {
+    onlyPlain = onlyPlain || argument == "--";
+    if (!onlyPlain && argument.starts_with("--") && argument.ends_with('=')) {
+      result.push_back(argument.substr(0, argument.size() - 1));
+      result.emplace_back();
+    } else {
+      result.push_back(argument);
+    }
+  }
+  return result;
+}
+
+}  // namespace
+
+std::variant<Order, std::string> parseCommandLine(std::vector<std::string> arguments) {
+  return Grammar().parse(withEmptyValuesApart(arguments));
+}
+
+bool askForJson(const std::vector<std::string>& arguments) {
+  const auto end = std::find(arguments.begin(), arguments.end(), "--");
+  return std::find(arguments.begin(), end, "--json") != end;
+}
+
+}  // namespace quordalvane::tool

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <memory>
+#include <span>
+#include <string_view>
+
+#include "tools/quorport/Interruption.h"
+#include "tools/quorport/Options.h"
+#include "tools/quorport/Report.h"
+#include "tools/quorport/Streams.h"
+
+namespace quordalvane::tool {
+
+/// What a command works with besides its options.
+struct Surroundings {
+  Streams streams;
+  std::shared_ptr<Interruption> interruption;
+};
+
+// Each command does its work and returns the report of it. What it raises ends the command: a
+// Failure with its exit code, Interrupted, and any other std::exception as a failed exchange.
+
+Report list(const Options& options, const Surroundings& surroundings);
+Report status(const Options& options, const Surroundings& surroundings);
+Report online(const Options& options, const Surroundings& surroundings);
+Report print(const Options& options, const Surroundings& surroundings);
+Report cancel(const Options& options, const Surroundings& surroundings);
+Report firmware(const Options& options, const Surroundings& surroundings);
+Report dipswitch(const Options& options, const Surroundings& surroundings);
+Report buttonSecurity(const Options& options, const Surroundings& surroundings);
+Report disconnect(const Options& options, const Surroundings& surroundings);
+
+/// Runs until it is told to stop; what it has to say goes to the streams meanwhile.
+Report simulate(const Options& options, const Surroundings& surroundings);
+
+struct Command {
+  std::string_view name;
+  std::string_view help;
+  Report (*run)(const Options& options, const Surroundings& surroundings);
+};
+
+std::span<const Command> commands();
+
+}  // namespace quordalvane::tool

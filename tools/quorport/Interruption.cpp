@@ -1,0 +1,72 @@
+#include "tools/quorport/Interruption.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace quordalvane::tool {
+
+void Interruption::interrupt() {
+  const std::lock_guard lock(mutex_);
+  isWished_ = true;
+  switch (stage_) {
+    case Stage::Beginning:
+      giveUp_();
+      return;
+    case Stage::Exchange:
+      wished_.notify_all();
+      return;
+    case Stage::Job:
+      job_->cancel();
+      return;
+    case Stage::End:
+      return;
+  }
+}
+
+void Interruption::beginExchange() {
+  const std::lock_guard lock(mutex_);
+  stage_ = Stage::Exchange;
+}
+
+void Interruption::beginJob(PrintJob& job) {
+  const std::lock_guard lock(mutex_);
+  stage_ = Stage::Job;
+  job_ = &job;
+  if (isWished_) {
+    job_->cancel();
+  }
+}
+
+void Interruption::end() {
+  const std::lock_guard lock(mutex_);
+  stage_ = Stage::End;
+}
+
+void Interruption::sleep(std::chrono::microseconds time) {
+  const auto deadline = std::chrono::steady_clock::now() + time;
+  std::unique_lock lock(mutex_);
+  const auto mustStop = [this] { return isWished_ && stage_ == Stage::Exchange; };
+  if (wished_.wait_until(lock, deadline, mustStop)) {
+    throw Interrupted();
+  }
+}
+
+InterruptiblePlatform::InterruptiblePlatform(std::shared_ptr<Interruption> interruption)
+    : InterruptiblePlatform(std::make_shared<posix::PosixPlatform>(), std::move(interruption)) {}
+
+InterruptiblePlatform::InterruptiblePlatform(std::shared_ptr<posix::PosixPlatform> system,
+                                             std::shared_ptr<Interruption> interruption)
+    : ForwardingPlatform(system),
+      system_(std::move(system)),
+      clock_(system_->clock(), std::move(interruption)) {}
+
+void InterruptiblePlatform::SleepsUntilInterrupted::usleep(std::uint64_t microseconds) {
+  constexpr std::uint64_t aYear = 365ULL * 24 * 3600 * 1'000'000;  // stays in range in any sum
+  interruption_->sleep(std::chrono::microseconds(std::min(microseconds, aYear)));
+}
+
+void InterruptiblePlatform::SleepsUntilInterrupted::select(std::int32_t microseconds) {
+  interruption_->sleep(std::chrono::microseconds(microseconds));
+}
+
+}  // namespace quordalvane::tool

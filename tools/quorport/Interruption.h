@@ -1,0 +1,79 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <memory>
+#include <mutex>
+
+#include "backends/posix/PosixPlatform.h"
+#include "job/PrintJob.h"
+#include "platform/Forwarding.h"
+
+namespace quordalvane::tool {
+
+/// Raised out of a sleep that was interrupted.
+class Interrupted {};
+
+/// The user's wish to stop, from the moment it comes to where it takes effect, which depends on how
+/// far the command is. All members may be called from any thread.
+class Interruption {
+ public:
+  /// `giveUp` must end the process. It is called while nothing is open that would have to be
+  /// closed: neither a connection being made nor a read from a pipe can be told to stop.
+  explicit Interruption(std::function<void()> giveUp) : giveUp_(std::move(giveUp)) {}
+
+  void interrupt();
+
+  /// A port is open: from now on `sleep` raises Interrupted when the wish comes or has come.
+  void beginExchange();
+
+  /// A job runs, which is cancelled when the wish comes or has come. It must live until `end`.
+  void beginJob(PrintJob& job);
+
+  /// Only what must be done in any case follows: the wish has no effect any more.
+  void end();
+
+  void sleep(std::chrono::microseconds time);
+
+ private:
+  enum class Stage { Beginning, Exchange, Job, End };
+
+  std::mutex mutex_;  // guards what follows
+  std::condition_variable wished_;
+  const std::function<void()> giveUp_;
+  Stage stage_ = Stage::Beginning;
+  PrintJob* job_ = nullptr;
+  bool isWished_ = false;
+};
+
+/// The platform of the command: this system's, with sleeps that can be interrupted.
+class InterruptiblePlatform : public ForwardingPlatform {
+ public:
+  explicit InterruptiblePlatform(std::shared_ptr<Interruption> interruption);
+
+  Clock& clock() override { return clock_; }
+
+  void attach(std::shared_ptr<EAAccessory> accessory) { system_->attach(std::move(accessory)); }
+
+ private:
+  class SleepsUntilInterrupted : public ForwardingClock {
+   public:
+    SleepsUntilInterrupted(Clock& next, std::shared_ptr<Interruption> interruption)
+        : ForwardingClock(next), interruption_(std::move(interruption)) {}
+
+    void usleep(std::uint64_t microseconds) override;
+    void select(std::int32_t microseconds) override;
+
+   private:
+    const std::shared_ptr<Interruption> interruption_;
+  };
+
+  InterruptiblePlatform(std::shared_ptr<posix::PosixPlatform> system,
+                        std::shared_ptr<Interruption> interruption);
+
+  const std::shared_ptr<posix::PosixPlatform> system_;
+  SleepsUntilInterrupted clock_;
+};
+
+}  // namespace quordalvane::tool

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "iphone-IOPort/enum.h"
+
+namespace quordalvane::tool {
+
+struct PrintOptions {
+  std::string file;  ///< "-" is standard input
+  bool unchecked = false;
+  std::optional<std::uint32_t> endTimeout;        ///< milliseconds
+  std::optional<std::uint32_t> holdPrintTimeout;  ///< milliseconds
+  std::string receipt;                            ///< "" for none
+};
+
+struct SimulateOptions {
+  std::string listen;
+  std::vector<std::string> settings;  ///< key=value each
+  std::string receipts;               ///< a folder; "" for none
+  std::string control;                ///< "" for none
+};
+
+/// What the user said on the command line. The members of other commands than the one that was
+/// named hold their defaults.
+struct Options {
+  std::vector<std::string> devices;
+  std::string portName = "BT:";
+  std::string settings;
+  std::uint32_t timeout = 10000;  ///< milliseconds
+  ZKEmulation emulation = ZKEmulationQuorLine;
+  std::string log;  ///< "" for none, "-" for standard error
+  std::set<std::int32_t> logLevels;
+  bool json = false;
+
+  std::uint32_t statusLevel = 0;
+  bool verbose = false;
+  PrintOptions print;
+  SimulateOptions simulate;
+};
+
+}  // namespace quordalvane::tool

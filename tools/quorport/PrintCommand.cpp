@@ -1,0 +1,160 @@
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "job/PrintJob.h"
+#include "job/Words.h"
+#include "tools/quorport/Commands.h"
+#include "tools/quorport/PrintInput.h"
+#include "tools/quorport/Printer.h"
+#include "tools/quorport/ProgressLine.h"
+#include "tools/quorport/Receipt.h"
+#include "tools/quorport/StatusFields.h"
+
+namespace quordalvane::tool {
+namespace {
+
+std::string nameOf(PrintOutcome outcome) {
+  switch (outcome) {
+    case PrintOutcome::Printed:
+      return "printed";
+    case PrintOutcome::Unconfirmed:
+      return "unconfirmed";
+    case PrintOutcome::Refused:
+      break;
+  }
+  return "refused";
+}
+
+ExitCode codeOfRefusal(PrintObstacle obstacle) {
+  switch (obstacle) {
+    case PrintObstacle::PrinterNotReady:
+      return ExitCode::NotReady;
+    case PrintObstacle::LinkLost:
+      return ExitCode::LinkLost;
+    case PrintObstacle::None:
+    case PrintObstacle::Cancelled:
+    case PrintObstacle::ExchangeFailed:
+    case PrintObstacle::NoProof:
+      break;
+  }
+  return ExitCode::ExchangeFailed;
+}
+
+ExitCode codeOf(const PrintResult& result) {
+  if (result.obstacle == PrintObstacle::Cancelled) {
+    return ExitCode::Interrupted;
+  }
+  switch (result.outcome) {
+    case PrintOutcome::Printed:
+      return ExitCode::Done;
+    case PrintOutcome::Unconfirmed:
+      return ExitCode::Unconfirmed;
+    case PrintOutcome::Refused:
+      break;
+  }
+  return codeOfRefusal(result.obstacle);
+}
+
+Report reportOn(const PrintResult& result) {
+  Report report;
+  report.json = {{"ok", result.outcome == PrintOutcome::Printed},
+                 {"outcome", nameOf(result.outcome)},
+                 {"resultCode", result.resultCode},
+                 {"bytesTotal", result.bytesTotal},
+                 {"bytesAccepted", result.bytesAccepted},
+                 {"status", result.status ? jsonOf(*result.status) : Json(nullptr)}};
+  if (result.outcome == PrintOutcome::Printed) {
+    report.text = "printed: the printer confirmed all " + grouped(result.bytesTotal) + " bytes\n";
+  } else {
+    setFailed(report, codeOf(result), printable(result.reason));
+    report.error = nameOf(result.outcome) + ": " + printable(result.reason) +
+                   "\n  next: " + printable(result.advice);
+  }
+  return report;
+}
+
+// The job never began.
+Report reportOn(const Failure& failure, std::uint64_t bytesTotal) {
+  PrintResult result;
+  result.bytesTotal = bytesTotal;
+  result.reason = failure.what();
+  Report report = reportOn(result);
+  report.code = failure.code();
+  report.error = failure.what();
+  return report;
+}
+
+void setTimeouts(ExternalAccessoryPort& port, const PrintOptions& options) {
+  if (options.endTimeout) {
+    port.setEndCheckedBlockTimeoutMillis(*options.endTimeout);
+  }
+  if (options.holdPrintTimeout) {
+    port.setHoldPrintTimeoutMillis(*options.holdPrintTimeout);
+  }
+}
+
+PrintResult runJob(const std::vector<std::uint8_t>& data, Printer& printer,
+                   const PrintOptions& options, const Surroundings& surroundings) {
+  setTimeouts(*printer.port(), options);
+  ProgressLine line(surroundings.streams.err);
+  std::uint64_t bytesAccepted = 0;
+  PrintJob job(printer.port(),
+               {.checked = !options.unchecked, .progress = [&](const PrintProgress& progress) {
+                  bytesAccepted = progress.bytesAccepted;
+                  line.show(progress.bytesAccepted, progress.bytesTotal);
+                }});
+  surroundings.interruption->beginJob(job);
+  PrintResult result;
+  try {
+    result = job.run(data);
+  } catch (const std::exception& error) {
+    // How much had gone out of the piece that was under way is not known.
+    result.outcome = PrintOutcome::Unconfirmed;
+    result.obstacle = PrintObstacle::ExchangeFailed;
+    result.bytesTotal = data.size();
+    result.bytesAccepted = bytesAccepted;
+    result.reason = error.what();
+    result.advice = "look at the paper before sending the job again, which may print it twice";
+  }
+  surroundings.interruption->end();
+  return result;
+}
+
+std::optional<Receipt> receiptFor(const Options& options, Platform& platform) {
+  const auto chosen = options.print.receipt.empty() ? nullptr : chosenAccessory(platform, options);
+  return chosen ? std::optional<Receipt>(std::in_place, options.print.receipt, chosen)
+                : std::nullopt;
+}
+
+Report printData(const std::vector<std::uint8_t>& data, const Options& options,
+                 const Surroundings& surroundings) {
+  const auto platform = presentDevices(options, surroundings.interruption);
+  auto receipt = receiptFor(options, *platform);
+  PrintResult result;
+  {
+    Printer printer(platform, options, surroundings);
+    result = runJob(data, printer, options.print, surroundings);
+  }
+  if (receipt) {
+    if (const std::string why = receipt->write(); !why.empty()) {
+      complain(why, surroundings.streams);
+    }
+  }
+  return reportOn(result);
+}
+
+}  // namespace
+
+Report print(const Options& options, const Surroundings& surroundings) {
+  std::uint64_t bytesTotal = 0;
+  try {
+    const auto data = readWhole(options.print.file, surroundings.streams);
+    bytesTotal = data.size();
+    return printData(data, options, surroundings);
+  } catch (const Failure& failure) {
+    return reportOn(failure, bytesTotal);
+  }
+}
+
+}  // namespace quordalvane::tool

@@ -1,0 +1,58 @@
+#include "tools/quorport/PrintInput.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+#include "backends/posix/Descriptor.h"
+#include "tools/quorport/Report.h"
+
+namespace quordalvane::tool {
+namespace {
+
+// Far above any receipt; below what would trouble the machine if the file has no end.
+constexpr std::size_t largestJob = std::size_t{256} << 20U;
+constexpr std::size_t pieceSize = std::size_t{64} << 10U;
+
+[[noreturn]] void fail(const std::string& what, const std::string& why) {
+  throw Failure(ExitCode::Usage, what + " cannot be read: " + why + "; nothing was sent");
+}
+
+std::vector<std::uint8_t> readToEnd(int descriptor, const std::string& what) {
+  std::vector<std::uint8_t> data;
+  while (true) {
+    const std::size_t size = data.size();
+    data.resize(size + pieceSize);
+    const ssize_t count = ::read(descriptor, data.data() + size, pieceSize);
+    const int error = errno;
+    data.resize(size + (count > 0 ? static_cast<std::size_t>(count) : 0));
+    if (count == 0) {
+      return data;
+    }
+    if (count < 0 && error != EINTR) {
+      fail(what, std::generic_category().message(error));
+    }
+    if (data.size() > largestJob) {
+      fail(what, "it is larger than 256 MiB");
+    }
+  }
+}
+
+}  // namespace
+
+std::vector<std::uint8_t> readWhole(const std::string& file, const Streams& streams) {
+  if (file == "-") {
+    return readToEnd(streams.in, "standard input");
+  }
+  const std::string what = "the file " + inQuotes(file);
+  const int descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
+  if (descriptor < 0) {
+    fail(what, std::generic_category().message(errno));
+  }
+  const posix::Descriptor owner(descriptor, posix::Descriptor::Kind::terminal);
+  return readToEnd(descriptor, what);
+}
+
+}  // namespace quordalvane::tool

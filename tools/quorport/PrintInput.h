@@ -1,0 +1,15 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "tools/quorport/Streams.h"
+
+namespace quordalvane::tool {
+
+/// Reads the file, or standard input for "-", to its end. Throws a Failure with ExitCode::Usage if
+/// it cannot be read or is larger than any print job.
+std::vector<std::uint8_t> readWhole(const std::string& file, const Streams& streams);
+
+}  // namespace quordalvane::tool

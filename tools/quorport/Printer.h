@@ -1,0 +1,63 @@
+#pragma once
+
+#include <exception>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "iphone-IOPort/ExternalAccessoryPort.h"
+#include "tools/quorport/Commands.h"
+#include "tools/quorport/Interruption.h"
+#include "tools/quorport/Options.h"
+#include "tools/quorport/Report.h"
+
+namespace quordalvane::tool {
+
+/// Presents the devices of the options, in their order. Throws a Failure with ExitCode::Usage for a
+/// SPEC that is none.
+std::shared_ptr<InterruptiblePlatform> presentDevices(const Options& options,
+                                                      std::shared_ptr<Interruption> interruption);
+
+/// The accessory that a port with these options would choose among those of the platform; null if
+/// none. Connects nothing; takes 0.2 s.
+std::shared_ptr<EAAccessory> chosenAccessory(Platform& platform, const Options& options);
+
+/// The port of a command, open as long as this lives.
+class Printer {
+ public:
+  /// Opens the port. Throws a Failure with ExitCode::NoAccessory that tells why there is none.
+  Printer(const Options& options, const Surroundings& surroundings);
+
+  /// The same on a platform that presents the devices already.
+  Printer(std::shared_ptr<InterruptiblePlatform> platform, const Options& options,
+          const Surroundings& surroundings);
+
+  /// Closes the port.
+  ~Printer();
+  Printer(const Printer&) = delete;
+  Printer& operator=(const Printer&) = delete;
+
+  const std::shared_ptr<ExternalAccessoryPort>& port() { return port_; }
+
+  /// Runs `exchange` on the port and returns what it returns. What the port raises becomes the
+  /// Failure of `failure`.
+  template <typename Exchange>
+  auto exchange(Exchange exchange) {
+    try {
+      return exchange(*port_);
+    } catch (const Failure&) {
+      throw;
+    } catch (const std::exception& error) {
+      throw failure(error.what());
+    }
+  }
+
+  /// A failed exchange: a lost link where the link is gone, else what `otherwise` says.
+  Failure failure(const std::string& otherwise);
+
+ private:
+  std::shared_ptr<Interruption> interruption_;
+  std::shared_ptr<ExternalAccessoryPort> port_;
+};
+
+}  // namespace quordalvane::tool

@@ -1,0 +1,106 @@
+// The commands that are one exchange with the printer, but for the status.
+
+#include "job/Words.h"
+#include "tools/quorport/Commands.h"
+#include "tools/quorport/Hex.h"
+#include "tools/quorport/Printer.h"
+
+namespace quordalvane::tool {
+namespace {
+
+using Port = ExternalAccessoryPort;
+
+Report done(const std::string& text) {
+  Report report;
+  report.json["ok"] = true;
+  report.text = text + "\n";
+  return report;
+}
+
+std::string spaced(const std::string& hex) {
+  return hex.substr(0, 2) + " " + hex.substr(2);
+}
+
+// Why the port would not ask: it looks whether the printer is on line first.
+Failure whyNoFirmware(Printer& printer) {
+  bool isOnline = false;
+  const bool answered =
+      printer.exchange([&](Port& port) { return port.getOnlineStatus(&isOnline); });
+  if (answered && !isOnline) {
+    return {ExitCode::NotReady, "the printer is off line, and is not asked for its firmware then"};
+  }
+  return printer.failure("the printer did not say its firmware");
+}
+
+}  // namespace
+
+Report online(const Options& options, const Surroundings& surroundings) {
+  Printer printer(options, surroundings);
+  bool isOnline = false;
+  if (!printer.exchange([&](Port& port) { return port.getOnlineStatus(&isOnline); })) {
+    throw printer.failure("the printer did not answer");
+  }
+  Report report = done(isOnline ? "on line" : "off line");
+  report.json["online"] = isOnline;
+  report.code = isOnline ? ExitCode::Done : ExitCode::NotReady;
+  return report;
+}
+
+Report cancel(const Options& options, const Surroundings& surroundings) {
+  Printer printer(options, surroundings);
+  if (!printer.exchange([](Port& port) { return port.startDataCancel(); })) {
+    throw printer.failure("the link did not take the command whole");
+  }
+  return done("The printer was told to drop what it has not yet printed.");
+}
+
+Report firmware(const Options& options, const Surroundings& surroundings) {
+  Printer printer(options, surroundings);
+  if (!printer.exchange([](Port& port) { return port.retrieveFirmwareInformation(); })) {
+    throw whyNoFirmware(printer);
+  }
+  const std::string text = printer.port()->firmwareInformation().value_or("");
+  Report report = done(printable(text));
+  report.json["firmware"] = text;
+  return report;
+}
+
+Report dipswitch(const Options& options, const Surroundings& surroundings) {
+  Printer printer(options, surroundings);
+  if (!printer.exchange([](Port& port) { return port.retrieveDipSwitchInformation(); })) {
+    throw printer.failure("the printer did not say how its DIP switches are set");
+  }
+  Report report = done("");
+  report.text.clear();
+  report.json["banks"] = Json::array();
+  for (const ByteBuffer& bank : printer.port()->dipSwitchInformation()) {
+    const std::string hex = hexOf(bank);
+    report.json["banks"].push_back(hex);
+    report.text +=
+        "bank " + std::to_string(report.json["banks"].size()) + ": " + spaced(hex) + " (hex)\n";
+  }
+  return report;
+}
+
+Report buttonSecurity(const Options& options, const Surroundings& surroundings) {
+  Printer printer(options, surroundings);
+  const std::int64_t milliseconds =
+      printer.exchange([](Port& port) { return port.retrieveButtonSecurityTimeout(); });
+  if (milliseconds < 0) {
+    throw printer.failure("the printer did not say its button-security time-out");
+  }
+  Report report =
+      done(milliseconds == 0 ? "off" : grouped(static_cast<std::uint64_t>(milliseconds)) + " ms");
+  report.json["milliseconds"] = milliseconds;
+  return report;
+}
+
+Report disconnect(const Options& options, const Surroundings& surroundings) {
+  Printer printer(options, surroundings);
+  if (!printer.exchange([](Port& port) { return port.disconnect(); })) {
+    throw printer.failure("the Bluetooth module did not drop the link");
+  }
+  return done("The Bluetooth module has dropped the link.");
+}
+
+}  // namespace quordalvane::tool

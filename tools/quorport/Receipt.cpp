@@ -1,0 +1,62 @@
+#include "tools/quorport/Receipt.h"
+
+#include <cerrno>
+#include <fstream>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "backends/virtual/VirtualAccessory.h"
+#include "simulator/ImageRendering.h"
+#include "simulator/TextRendering.h"
+#include "tools/quorport/Report.h"
+
+namespace quordalvane::tool {
+namespace {
+
+std::string whyNotWritten(const std::string& file) {
+  return "the receipt " + inQuotes(file) +
+         " cannot be written: " + std::generic_category().message(errno);
+}
+
+std::string rendered(const simulator::Paper& paper, const std::string& file) {
+  if (!file.ends_with(".png")) {
+    return simulator::renderText(paper);
+  }
+  const std::vector<std::uint8_t> png = simulator::renderPng(paper);
+  return {png.begin(), png.end()};
+}
+
+}  // namespace
+
+std::string writePaper(const simulator::Paper& paper, const std::string& file) {
+  const std::string bytes = rendered(paper, file);
+  std::ofstream out(file, std::ios::binary | std::ios::trunc);
+  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  out.close();
+  return out ? "" : whyNotWritten(file);
+}
+
+Receipt::Receipt(std::string file, const std::shared_ptr<EAAccessory>& accessory)
+    : file_(std::move(file)),
+      accessory_(std::dynamic_pointer_cast<virtuals::VirtualAccessory>(accessory)) {
+  if (accessory_ == nullptr) {
+    throw Failure(ExitCode::Usage,
+                  "--receipt shows what comes out of the printer that is built in, and the port "
+                  "name chooses another device; it takes --device virtual:");
+  }
+  // Appending nothing leaves an older receipt as it is until there is a new one.
+  if (!std::ofstream(file_, std::ios::app)) {
+    throw Failure(ExitCode::Usage, "--receipt: " + whyNotWritten(file_) + "; nothing was sent");
+  }
+}
+
+std::string Receipt::write() {
+  simulator::Paper paper;
+  accessory_->withPrinter([&paper](simulator::VirtualPrinter& printer, simulator::Instant) {
+    paper = printer.tearOff();
+  });
+  return writePaper(paper, file_);
+}
+
+}  // namespace quordalvane::tool

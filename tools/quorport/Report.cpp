@@ -1,0 +1,44 @@
+#include "tools/quorport/Report.h"
+
+#include "logging/DescriptorOutput.h"
+#include "logging/PrintableText.h"
+
+namespace quordalvane::tool {
+
+void setFailed(Report& report, ExitCode code, const std::string& error) {
+  report.code = code;
+  report.json["ok"] = false;
+  report.json["error"] = error;
+  report.error = error;
+}
+
+bool deliver(const Report& report, bool asJson, const Streams& streams) {
+  const std::string object =
+      asJson ? report.json.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n" : "";
+  const WriteOutcome outcome = writeAll(streams.out, asJson ? object : report.text);
+  if (!report.error.empty()) {
+    complain(report.error, streams);
+  }
+  if (outcome.error) {
+    complain("the result could not be written to standard output: " + outcome.error.message(),
+             streams);
+  }
+  return !outcome.error;
+}
+
+void complain(const std::string& line, const Streams& streams) {
+  writeAll(streams.err, "quorport: " + line + "\n");  // there is no one left to tell if this fails
+}
+
+std::string printable(std::string_view text) {
+  std::string result;
+  appendPrintable(result, text);
+  return result;
+}
+
+std::string inQuotes(std::string_view text) {
+  constexpr std::size_t longest = 60;
+  return '"' + printable(text.substr(0, longest)) + (text.size() > longest ? "...\"" : "\"");
+}
+
+}  // namespace quordalvane::tool

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "tools/quorport/Streams.h"
+
+namespace quordalvane::tool {
+
+/// What the command's exit status means; scripts rely on it.
+enum class ExitCode : int {
+  Done = 0,
+  ExchangeFailed = 1,
+  Usage = 2,
+  NoAccessory = 3,  ///< none matched, or it could not be opened
+  NotReady = 4,     ///< the printer answered: off line, or paper in its exit
+  LinkLost = 5,
+  Unconfirmed = 6,
+  Interrupted = 130,
+};
+
+using Json = nlohmann::ordered_json;
+
+/// How a command ends when it cannot do what was asked.
+class Failure : public std::runtime_error {
+ public:
+  Failure(ExitCode code, const std::string& text) : std::runtime_error(text), code_(code) {}
+  ExitCode code() const { return code_; }
+
+ private:
+  ExitCode code_;
+};
+
+/// The result of a command in both forms.
+struct Report {
+  ExitCode code = ExitCode::Done;
+  Json json = Json::object();
+  std::string text;   ///< for people, lines that end in a line feed
+  std::string error;  ///< why it failed, for people; "" if it did not
+};
+
+/// Adds the failure to what the report holds.
+void setFailed(Report& report, ExitCode code, const std::string& error);
+
+/// Writes the report: its text, or with `asJson` its object, to standard output; its error to
+/// standard error. False if standard output did not take it, which standard error is then told.
+bool deliver(const Report& report, bool asJson, const Streams& streams);
+
+/// Writes a line for people to standard error, behind the command's name.
+void complain(const std::string& line, const Streams& streams);
+
+/// Outside text for people: control characters escaped, invalid bytes replaced.
+std::string printable(std::string_view text);
+
+/// The same in quotation marks, cut short after 60 bytes.
+std::string inQuotes(std::string_view text);
+
+}  // namespace quordalvane::tool

@@ -1,0 +1,88 @@
+#include "tools/quorport/Run.h"
+
+#include <cstdlib>
+#include <exception>
+#include <memory>
+#include <variant>
+
+#include "iphone-IOPort/LogWriter.h"
+#include "tools/quorport/CommandLine.h"
+#include "tools/quorport/Commands.h"
+#include "tools/quorport/LogOutput.h"
+#include "tools/quorport/Signals.h"
+
+namespace quordalvane::tool {
+namespace {
+
+Report failed(ExitCode code, const std::string& error) {
+  Report report;
+  setFailed(report, code, error);
+  return report;
+}
+
+Report interrupted() {
+  return failed(ExitCode::Interrupted, "interrupted");
+}
+
+Report reportOf(const Order& order, const Surroundings& surroundings) {
+  try {
+    return order.command->run(order.options, surroundings);
+  } catch (const Interrupted&) {
+    return interrupted();
+  } catch (const Failure& failure) {
+    return failed(failure.code(), failure.what());
+  } catch (const std::exception& error) {
+    return failed(ExitCode::ExchangeFailed, printable(error.what()));
+  }
+}
+
+// For the moment when nothing is open: what the command is doing need not be undone.
+[[noreturn]] void leaveAtOnce(bool asJson, const Streams& streams) {
+  deliver(interrupted(), asJson, streams);
+  LogWriter::sharedInstance().flush();
+  std::_Exit(static_cast<int>(ExitCode::Interrupted));
+}
+
+ExitCode carryOut(const Order& order, const Streams& streams) {
+  const LogOutput log(order.options, streams);
+  const bool asJson = order.options.json;
+  const auto interruption =
+      std::make_shared<Interruption>([asJson, streams] { leaveAtOnce(asJson, streams); });
+  const bool handlesSignals = order.command->run == simulate;
+  Report report;
+  {
+    const auto watch = handlesSignals ? nullptr : std::make_unique<SignalWatch>([interruption] {
+      interruption->interrupt();
+    });
+    report = reportOf(order, {streams, interruption});
+    interruption->end();
+  }
+  const bool delivered = deliver(report, asJson && !handlesSignals, streams);
+  // Who asked a question and got no answer must not take it for one. What was printed, on the other
+  // hand, is printed, and a script that sends it again would print it twice.
+  const bool isQuestion = order.command->run != print;
+  return !delivered && isQuestion && report.code == ExitCode::Done ? ExitCode::ExchangeFailed
+                                                                   : report.code;
+}
+
+}  // namespace
+
+int run(const std::vector<std::string>& arguments, const Streams& streams) {
+  Report report;
+  try {
+    const auto parsed = parseCommandLine(arguments);
+    if (const auto* order = std::get_if<Order>(&parsed)) {
+      return static_cast<int>(carryOut(*order, streams));
+    }
+    report.text = std::get<std::string>(parsed);
+    return deliver(report, false, streams) ? 0 : static_cast<int>(ExitCode::ExchangeFailed);
+  } catch (const Failure& failure) {
+    report = failed(failure.code(), failure.what());
+  } catch (const std::exception& error) {
+    report = failed(ExitCode::ExchangeFailed, printable(error.what()));
+  }
+  deliver(report, askForJson(arguments), streams);
+  return static_cast<int>(report.code);
+}
+
+}  // namespace quordalvane::tool

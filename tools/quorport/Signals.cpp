@@ -1,0 +1,71 @@
+#include "tools/quorport/Signals.h"
+
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+namespace quordalvane::tool {
+namespace {
+
+sigset_t stopSet() {
+  sigset_t set;
+  sigemptyset(&set);
+  sigaddset(&set, SIGINT);
+  sigaddset(&set, SIGTERM);
+  return set;
+}
+
+int orThrow(int descriptor) {
+  if (descriptor < 0) {
+    throw std::system_error(errno, std::generic_category(), "cannot wait for signals");
+  }
+  return descriptor;
+}
+
+}  // namespace
+
+StopSignals::StopSignals() {
+  const sigset_t set = stopSet();
+  descriptor_ = orThrow(::signalfd(-1, &set, SFD_NONBLOCK | SFD_CLOEXEC));
+  ::pthread_sigmask(SIG_BLOCK, &set, &before_);
+}
+
+StopSignals::~StopSignals() {
+  while (take()) {
+  }
+  ::pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+  ::close(descriptor_);
+}
+
+bool StopSignals::take() {
+  signalfd_siginfo info{};
+  return ::read(descriptor_, &info, sizeof info) == sizeof info;
+}
+
+SignalWatch::SignalWatch(std::function<void()> onSignal)
+    : onSignal_(std::move(onSignal)),
+      end_(orThrow(::eventfd(0, EFD_CLOEXEC))),
+      thread_([this] { watch(); }) {}
+
+SignalWatch::~SignalWatch() {
+  ::eventfd_write(end_, 1);
+  thread_.join();
+  ::close(end_);
+}
+
+void SignalWatch::watch() {
+  pollfd awaited[] = {{.fd = signals_.descriptor(), .events = POLLIN, .revents = 0},
+                      {.fd = end_, .events = POLLIN, .revents = 0}};
+  while (awaited[1].revents == 0) {
+    if (::poll(awaited, std::size(awaited), -1) > 0 && signals_.take()) {
+      onSignal_();
+    }
+  }
+}
+
+}  // namespace quordalvane::tool

@@ -1,0 +1,125 @@
+#include "tools/quorport/StatusFields.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <string_view>
+
+#include "job/StatusText.h"
+#include "tools/quorport/Hex.h"
+
+namespace quordalvane::tool {
+namespace {
+
+using Status = QuorPrinterStatus_2;
+
+// A flag's name, and what is said of it when it is up; "" where the summary says it, or nobody
+// needs to know.
+struct FlagField {
+  std::string_view name;
+  std::uint32_t Status::*flag;
+  std::string_view remark;
+};
+
+constexpr FlagField flagFields[] = {
+    {"coverOpen", &Status::coverOpen, ""},
+    {"offline", &Status::offline, ""},
+    {"compulsionSwitch", &Status::compulsionSwitch, "the cash drawer's switch is on"},
+    {"overTemp", &Status::overTemp, ""},
+    {"unrecoverableError", &Status::unrecoverableError, ""},
+    {"cutterError", &Status::cutterError, ""},
+    {"mechError", &Status::mechError, ""},
+    {"headThermistorError", &Status::headThermistorError, ""},
+    {"receiveBufferOverflow", &Status::receiveBufferOverflow, ""},
+    {"pageModeCmdError", &Status::pageModeCmdError, ""},
+    {"paperDetectionError", &Status::paperDetectionError, ""},
+    {"blackMarkError", &Status::blackMarkError, ""},
+    {"jamError", &Status::jamError, ""},
+    {"presenterPaperJamError", &Status::presenterPaperJamError, ""},
+    {"headUpError", &Status::headUpError, ""},
+    {"voltageError", &Status::voltageError, ""},
+    {"receiptBlackMarkDetection", &Status::receiptBlackMarkDetection, "a black mark is seen"},
+    {"receiptPaperEmpty", &Status::receiptPaperEmpty, ""},
+    {"receiptPaperNearEmptyInner", &Status::receiptPaperNearEmptyInner,
+     "the paper is near its end"},
+    {"receiptPaperNearEmptyOuter", &Status::receiptPaperNearEmptyOuter,
+     "the paper is near its end (outer sensor)"},
+    {"paperPresent", &Status::paperPresent, "paper was left in the exit"},
+    {"presenterPaperPresent", &Status::presenterPaperPresent, "paper is in the presenter"},
+    {"peelerPaperPresent", &Status::peelerPaperPresent, "paper is in the peeler"},
+    {"stackerFull", &Status::stackerFull, "the stacker is full"},
+    {"slipTOF", &Status::slipTOF, "the slip's top edge is seen"},
+    {"slipCOF", &Status::slipCOF, "the slip's cut edge is seen"},
+    {"slipBOF", &Status::slipBOF, "the slip's bottom edge is seen"},
+    {"validationPaperPresent", &Status::validationPaperPresent, "validation paper is in place"},
+    {"slipPaperPresent", &Status::slipPaperPresent, "slip paper is in place"},
+    {"etbAvailable", &Status::etbAvailable, ""},
+};
+
+constexpr std::array<std::string_view, 4> presenterStates = {"idle", "holding paper", "retracted",
+                                                             "ejected"};
+constexpr std::array<std::string_view, 6> interfaces = {"unknown",  "serial",       "USB",
+                                                        "Ethernet", "wireless LAN", "Bluetooth"};
+
+template <std::size_t count>
+std::string nameOf(const std::array<std::string_view, count>& names, std::uint8_t code) {
+  return code < count ? std::string(names[code]) : "code " + std::to_string(code);
+}
+
+std::string rawHex(const Status& status) {
+  const std::size_t length = std::min<std::size_t>(status.rawLength, sizeof status.raw);
+  return hexOf({status.raw, length});
+}
+
+}  // namespace
+
+Json jsonOf(const Status& status) {
+  Json json;
+  for (const FlagField& field : flagFields) {
+    json[field.name] = status.*field.flag;
+  }
+  json["etbCounter"] = status.etbCounter;
+  json["presenterState"] = status.presenterState;
+  json["connectedInterface"] = status.connectedInterface;
+  json["rawLength"] = status.rawLength;
+  json["raw"] = rawHex(status);
+  return json;
+}
+
+std::string describe(const Status& status) {
+  std::string text =
+      status.offline != 0 ? "Not ready: " + whyOffline(status) + ".\n" : "Ready to print.\n";
+  if (status.offline == 0 && status.coverOpen != 0) {
+    text += "  the cover is open\n";
+  }
+  for (const FlagField& field : flagFields) {
+    if (status.*field.flag != 0 && !field.remark.empty()) {
+      text += "  " + std::string(field.remark) + "\n";
+    }
+  }
+  if (status.presenterState != 0) {
+    text += "  presenter: " + nameOf(presenterStates, status.presenterState) + "\n";
+  }
+  if (status.connectedInterface != 0) {
+    text += "  connected by " + nameOf(interfaces, status.connectedInterface) + "\n";
+  }
+  return text;
+}
+
+std::string describeEveryField(const Status& status) {
+  std::string text;
+  const auto append = [&text](std::string_view name, const std::string& value) {
+    constexpr std::size_t column = 28;
+    text += "  " + std::string(name) + std::string(column - name.size(), ' ') + value + "\n";
+  };
+  for (const FlagField& field : flagFields) {
+    append(field.name, status.*field.flag != 0 ? "yes" : "no");
+  }
+  append("etbCounter", std::to_string(status.etbCounter));
+  append("presenterState", nameOf(presenterStates, status.presenterState));
+  append("connectedInterface", nameOf(interfaces, status.connectedInterface));
+  append("raw", status.rawLength == 0 ? "none" : rawHex(status));
+  return text;
+}
+
+}  // namespace quordalvane::tool
