@@ -67,11 +67,18 @@ class VirtualSession : public EASession {
 }  // namespace
 
 VirtualAccessory::VirtualAccessory(AccessoryIdentity identity,
-                                   std::unique_ptr<simulator::VirtualPrinter> printer, Clock& clock)
+                                   std::unique_ptr<simulator::VirtualPrinter> printer, Clock& clock,
+                                   simulator::Faults faults)
     : IdentifiedAccessory(std::move(identity)),
       inside_(std::make_shared<PrinterInside>()),
       clock_(clock) {
   inside_->printer = std::move(printer);
+  inside_->faults = std::move(faults);
+}
+
+void VirtualAccessory::setFaults(simulator::Faults faults) {
+  const std::lock_guard lock(inside_->mutex);
+  inside_->faults = std::move(faults);
 }
 
 bool VirtualAccessory::isConnected() {
@@ -110,11 +117,17 @@ std::shared_ptr<VirtualAccessory> makePrinterAccessory(
     AccessoryIdentity identity, const std::vector<std::pair<std::string, std::string>>& options,
     Clock& clock) {
   simulator::PrinterState state;
+  simulator::Faults faults;
   for (const auto& [key, value] : options) {
-    state.set(key, value);
+    if (simulator::isFault(key) || key == "seed") {
+      faults.add(key, value);
+    } else {
+      state.set(key, value);
+    }
   }
   return std::make_shared<VirtualAccessory>(
-      std::move(identity), std::make_unique<simulator::VirtualPrinter>(std::move(state)), clock);
+      std::move(identity), std::make_unique<simulator::VirtualPrinter>(std::move(state)), clock,
+      std::move(faults));
 }
 
 }  // namespace quordalvane::virtuals

@@ -17,9 +17,9 @@ namespace quordalvane::virtuals {
 /// An accessory whose printer is in this process and lives by a clock of the caller's choice.
 class VirtualAccessory : public IdentifiedAccessory {
  public:
-  /// `clock` must outlive the accessory and its sessions.
+  /// `clock` must outlive the accessory and its sessions. Each session's link begins with `faults`.
   VirtualAccessory(AccessoryIdentity identity, std::unique_ptr<simulator::VirtualPrinter> printer,
-                   Clock& clock);
+                   Clock& clock, simulator::Faults faults = {});
 
   /// Whether the newest session's link stands; true where there was none yet.
   bool isConnected() override;
@@ -27,6 +27,10 @@ class VirtualAccessory : public IdentifiedAccessory {
   /// A new connection to the printer, which ends the one before. Null unless `protocol` is one of
   /// the accessory's.
   std::shared_ptr<EASession> openSession(const std::string& protocol) override;
+
+  /// Exchanges the faults with which later sessions begin; the present one keeps its own. Any
+  /// thread.
+  void setFaults(simulator::Faults faults);
 
   /// Lets the printer work up to now and `look` at it or change it; `look` must not call back here.
   /// Any thread.

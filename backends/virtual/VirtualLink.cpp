@@ -20,7 +20,8 @@ std::uint64_t microsecondsUntil(Instant now, Instant then) {
 VirtualLink::VirtualLink(std::shared_ptr<PrinterInside> inside, Clock& clock)
     : inside_(std::move(inside)), clock_(clock) {
   const std::lock_guard lock(inside_->mutex);
-  link_ = std::make_unique<simulator::PrinterLink>(*inside_->printer, clock_.monotonic());
+  link_ = std::make_unique<simulator::PrinterLink>(*inside_->printer, clock_.monotonic(),
+                                                   inside_->faults);
 }
 
 VirtualLink::~VirtualLink() {

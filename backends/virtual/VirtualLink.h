@@ -12,11 +12,12 @@
 
 namespace quordalvane::virtuals {
 
-/// The printer that an accessory stands for. All that touches the printer or a link to it holds the
-/// mutex.
+/// The printer that an accessory stands for, and what goes wrong on the way to it. All that touches
+/// the printer or a link to it holds the mutex.
 struct PrinterInside {
   std::mutex mutex;
   std::unique_ptr<simulator::VirtualPrinter> printer;
+  simulator::Faults faults;  // of the links to come
 };
 
 /// One connection to a printer in this process, shared by a session, its streams and its accessory.
