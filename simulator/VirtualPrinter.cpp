@@ -149,7 +149,14 @@ std::optional<Instant> VirtualPrinter::dataTimeoutDue() const {
 }
 
 std::size_t VirtualPrinter::space() const {
-  return state_.bufferSize() - std::min(state_.bufferSize(), buffered());
+  const std::size_t free = state_.bufferSize() - std::min(state_.bufferSize(), buffered());
+  return free < readyAgain() ? 0 : free;
+}
+
+/// A printer whose buffer was full asks for more when there is room for a whole command, not for
+/// each byte: a command that is let in byte by byte is cut by whoever sends it.
+std::size_t VirtualPrinter::readyAgain() const {
+  return std::clamp<std::size_t>(state_.bufferSize() / 4, 1, 64);
 }
 
 std::optional<Instant> VirtualPrinter::nextEvent() const {
@@ -157,7 +164,7 @@ std::optional<Instant> VirtualPrinter::nextEvent() const {
   if (queue_.size() > 0) {
     std::size_t count = queue_.size();
     if (space() == 0)
-      count = std::min(count, buffered() - state_.bufferSize() + 1);
+      count = std::min(count, buffered() + readyAgain() - state_.bufferSize());
     else if (!etbEnds_.empty())
       count = etbEnds_.front() - takenEver_;
     printed = queue_.doneWith(count);

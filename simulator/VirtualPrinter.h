@@ -67,7 +67,7 @@ class VirtualPrinter {
   void disconnect(std::uint64_t connection);
   bool isConnection(std::uint64_t connection) const { return connection == connection_; }
 
-  /// How many bytes it can take.
+  /// How many bytes it can take: 0 from when its buffer is full until it has room for a command again.
   std::size_t space() const;
 
   /// Takes all of `bytes`, at most `space()`. With `vanish`, print data is lost on the way:
@@ -79,6 +79,7 @@ class VirtualPrinter {
   std::optional<Instant> nextEvent() const;
 
  private:
+  std::size_t readyAgain() const;
   void obey(CommandKind kind, std::span<const std::uint8_t> command, Instant now);
   void hold(CommandKind kind, std::span<const std::uint8_t> bytes, Instant now);
   void printUntil(Instant now);
