@@ -1,0 +1,144 @@
+#include "tools/quorport/simulate/Control.h"
+
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
+#include "simulator/Faults.h"
+#include "simulator/PrinterState.h"
+#include "tools/quorport/Hex.h"
+
+namespace quordalvane::tool {
+namespace {
+
+using Pairs = std::vector<std::pair<std::string, std::string>>;
+
+constexpr auto everyRequest =
+    "a line takes one of {\"set\": {KEY: VALUE, ...}}, {\"get\": \"state\"}, "
+    "{\"fault\": {NAME: VALUE, ...}}, {\"clear\": \"faults\"} and {\"quit\": true}";
+
+[[noreturn]] void refuse(const std::string& why) {
+  throw std::invalid_argument(why);
+}
+
+std::string shortened(const Json& value) {
+  return printable(value.dump(-1, ' ', false, Json::error_handler_t::replace).substr(0, 60));
+}
+
+// A value as text, as the printer's settings and faults take it.
+std::string textOf(const std::string& key, const Json& value) {
+  if (value.is_string()) {
+    return value.get<std::string>();
+  }
+  if (value.is_boolean() || value.is_number()) {
+    return value.dump();
+  }
+  refuse(key + " takes true, false, a number or a text, not " + shortened(value));
+}
+
+// A flag is no text and a text is no number, although both are written the same on a command line.
+void checkKind(const std::string& key, const Json& value) {
+  const bool isText = key == "firmware" || key == "dip1" || key == "dip2";
+  if (simulator::flagNamed(key) && !value.is_boolean()) {
+    refuse(key + " takes true or false, not " + shortened(value));
+  }
+  if (isText && !value.is_string()) {
+    refuse(key + " takes a text, not " + shortened(value));
+  }
+}
+
+const Json& objectIn(const Json& request, const char* key) {
+  const Json& object = request.front();
+  if (!object.is_object() || object.empty()) {
+    refuse(std::string(key) + " takes an object of names and values, not " + shortened(object));
+  }
+  return object;
+}
+
+void checkValue(const Json& request, const Json& only) {
+  if (request.front() != only) {
+    refuse(request.begin().key() + " takes " + only.dump() + ", not " + shortened(request.front()));
+  }
+}
+
+}  // namespace
+
+std::string Control::answer(std::string_view line, simulator::Instant now) {
+  Json answer;
+  try {
+    answer = obey(Json::parse(line), now);
+  } catch (const Json::parse_error& error) {
+    const std::string why = error.what();
+    answer = {{"ok", false},
+              {"error", "the line is no JSON (" + printable(why.substr(why.find(']') + 2)) + "); " +
+                            everyRequest}};
+  } catch (const std::exception& error) {
+    answer = {{"ok", false}, {"error", printable(error.what())}};
+  }
+  return answer.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+Json Control::obey(const Json& request, simulator::Instant now) {
+  if (!request.is_object() || request.size() != 1) {
+    refuse(everyRequest);
+  }
+  const std::string what = request.begin().key();
+  Json answer = {{"ok", true}};
+  if (what == "set") {
+    set(objectIn(request, "set"), now);
+  } else if (what == "get") {
+    checkValue(request, "state");
+    printer_.advance(now);
+    answer["state"] = state();
+  } else if (what == "fault") {
+    addFaults(objectIn(request, "fault"), now);
+  } else if (what == "clear") {
+    checkValue(request, "faults");
+    links_.clear(now);
+  } else if (what == "quit") {
+    checkValue(request, true);
+    quitWanted_ = true;
+  } else {
+    refuse("there is no request " + inQuotes(what) + "; " + everyRequest);
+  }
+  return answer;
+}
+
+void Control::set(const Json& settings, simulator::Instant now) {
+  simulator::PrinterState tried = printer_.state();
+  Pairs pairs;
+  for (const auto& [key, value] : settings.items()) {
+    checkKind(key, value);
+    pairs.emplace_back(key, textOf(key, value));
+    tried.set(key, pairs.back().second);
+  }
+  for (const auto& [key, value] : pairs) {
+    printer_.set(key, value, now);
+  }
+}
+
+void Control::addFaults(const Json& faults, simulator::Instant now) {
+  simulator::Faults parsed;
+  for (const auto& [name, value] : faults.items()) {
+    parsed.add(name, textOf(name, value));
+  }
+  links_.add(parsed, now);
+}
+
+Json Control::state() const {
+  const simulator::PrinterState& state = printer_.state();
+  Json json;
+  for (std::size_t i = 0; i < simulator::kFlagCount; ++i) {
+    json[simulator::kFlagNames[i]] = state.flag(static_cast<simulator::Flag>(i));
+  }
+  json["firmware"] = state.firmware();
+  json["dip1"] = hexOf(state.dipBanks[0]);
+  json["dip2"] = hexOf(state.dipBanks[1]);
+  json["speed"] = state.bytesPerSecond;
+  json["etbCounter"] = state.etbCounter;
+  json["buffered"] = printer_.buffered();
+  json["printedBytes"] = printer_.printedBytes();
+  return json;
+}
+
+}  // namespace quordalvane::tool

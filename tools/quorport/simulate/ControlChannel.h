@@ -1,0 +1,52 @@
+#pragma once
+
+#include <poll.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "simulator/Instant.h"
+#include "tools/quorport/simulate/Control.h"
+#include "tools/quorport/simulate/Line.h"
+
+namespace quordalvane::tool {
+
+/// Lines in, answers out, on a pair of descriptors. Never waits for either side: while answers are
+/// not taken no more lines are.
+class ControlChannel {
+ public:
+  /// On descriptors that stay the caller's, which may be blocking ones. `control` must outlive
+  /// this.
+  ControlChannel(int in, int out, Control& control) : in_(in), out_(out), control_(control) {}
+
+  /// On a line, both ways.
+  ControlChannel(std::unique_ptr<Line> line, Control& control);
+
+  /// Adds what the channel waits for.
+  void await(std::vector<pollfd>& awaited) const;
+
+  /// Does all that can be done now.
+  void work(simulator::Instant now);
+
+  /// Whether nothing more will come of it: no lines, no answers.
+  bool isOver() const { return inputEnded_ && answers_.empty(); }
+
+  bool hasAnswers() const { return !answers_.empty(); }
+
+ private:
+  void readLines(simulator::Instant now);
+  void takeLines(simulator::Instant now);
+  void writeAnswers();
+
+  std::unique_ptr<Line> line_;
+  const int in_;
+  const int out_;
+  Control& control_;
+  std::string unread_;
+  bool skipsLine_ = false;  // of a line that is too long, the rest is yet to come
+  std::string answers_;
+  bool inputEnded_ = false;
+};
+
+}  // namespace quordalvane::tool

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <memory>
+#include <utility>
+
+#include "backends/posix/Descriptor.h"
+
+namespace quordalvane::tool {
+
+/// The printer's end of a connection to one host.
+class Line {
+ public:
+  explicit Line(posix::Descriptor descriptor) : descriptor_(std::move(descriptor)) {}
+  virtual ~Line() = default;
+  Line(const Line&) = delete;
+  Line& operator=(const Line&) = delete;
+
+  const posix::Descriptor& descriptor() const { return descriptor_; }
+
+  /// To be called when the host's first bytes have come.
+  virtual void noteHost() {}
+
+  /// Tells the host that nothing follows, where the line has a way to.
+  virtual void endOutput() = 0;
+
+  /// After `endOutput`: whether the host has taken everything, so that closing loses nothing. What
+  /// the host still sends is thrown away. Does not wait.
+  virtual bool hasSettled() = 0;
+
+  /// Makes the closing a reset, where the line has a way to.
+  virtual void resetOnClose() = 0;
+
+  /// Whether the host has reset the connection.
+  virtual bool wasReset() const = 0;
+
+ private:
+  posix::Descriptor descriptor_;
+};
+
+}  // namespace quordalvane::tool

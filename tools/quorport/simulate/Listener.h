@@ -1,0 +1,39 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "tools/quorport/simulate/Line.h"
+
+namespace quordalvane::tool {
+
+/// A place where hosts find the printer.
+class Listener {
+ public:
+  virtual ~Listener() = default;
+
+  /// The place as a SPEC of a device.
+  virtual std::string place() const = 0;
+
+  /// Becomes readable when a host comes.
+  virtual int descriptor() const = 0;
+
+  /// The connection of the next host; null if there is none yet. Does not wait. Throws
+  /// std::system_error if the place is of no use any more.
+  virtual std::unique_ptr<Line> accept() = 0;
+
+  /// The connection that was accepted last is over, and its Line is gone. True if the place has
+  /// changed. `dropped`: the printer ended it, and the host must see that. Throws std::system_error
+  /// if the place cannot be opened again.
+  virtual bool resume(bool dropped) = 0;
+};
+
+/// Opens the place that a text like tcp:HOST:PORT, unix:PATH or pty: names. Throws a Failure: with
+/// ExitCode::Usage if the text names none, with ExitCode::ExchangeFailed if it cannot be opened.
+std::unique_ptr<Listener> listenAt(const std::string& text);
+
+/// The same for a socket that is for its owner alone; takes unix:PATH only. `option` is what the
+/// text was given for.
+std::unique_ptr<Listener> listenPrivatelyAt(const std::string& text, const std::string& option);
+
+}  // namespace quordalvane::tool

@@ -1,0 +1,91 @@
+#include "tools/quorport/simulate/PtyListener.h"
+
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <system_error>
+#include <utility>
+
+namespace quordalvane::tool {
+namespace {
+
+using posix::Descriptor;
+
+int orThrow(int result) {
+  if (result < 0) {
+    throw std::system_error(errno, std::generic_category());
+  }
+  return result;
+}
+
+Descriptor terminal(int number) {
+  return {orThrow(number), Descriptor::Kind::terminal};
+}
+
+class PtyLine : public Line {
+ public:
+  PtyLine(Descriptor descriptor, std::string path)
+      : Line(std::move(descriptor)), path_(std::move(path)) {
+    holdOpen();
+  }
+
+  void noteHost() override { held_.reset(); }
+  void endOutput() override {}
+
+  bool hasSettled() override {
+    const Descriptor other(::open(path_.c_str(), O_RDONLY | O_NOCTTY | O_NONBLOCK | O_CLOEXEC),
+                           Descriptor::Kind::terminal);
+    int unread = 0;
+    return ::ioctl(other.number(), FIONREAD, &unread) != 0 || unread == 0;
+  }
+
+  void resetOnClose() override {}
+  bool wasReset() const override { return false; }
+
+ private:
+  // Bytes pass as they are from the first one, whatever program opens the terminal.
+  void holdOpen() {
+    held_.emplace(terminal(::open(path_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC)));
+    termios settings{};
+    orThrow(::tcgetattr(held_->number(), &settings));
+    ::cfmakeraw(&settings);
+    orThrow(::tcsetattr(held_->number(), TCSANOW, &settings));
+  }
+
+  const std::string path_;
+
+  // The other side, held open by ourselves until there is a host: a terminal that nobody has open
+  // counts as ended.
+  std::optional<Descriptor> held_;
+};
+
+}  // namespace
+
+void PtyListener::openTerminal() {
+  terminal_.emplace(terminal(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK)));
+  orThrow(::grantpt(descriptor()));
+  orThrow(::unlockpt(descriptor()));
+  std::array<char, 64> path{};
+  errno = ::ptsname_r(descriptor(), path.data(), path.size());
+  orThrow(errno == 0 ? 0 : -1);
+  path_ = path.data();
+}
+
+std::unique_ptr<Line> PtyListener::accept() {
+  return std::make_unique<PtyLine>(terminal(::fcntl(descriptor(), F_DUPFD_CLOEXEC, 0)), path_);
+}
+
+bool PtyListener::resume(bool dropped) {
+  if (dropped) {
+    terminal_.reset();
+    openTerminal();
+  }
+  return dropped;
+}
+
+}  // namespace quordalvane::tool

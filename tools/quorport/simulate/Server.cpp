@@ -1,0 +1,183 @@
+#include "tools/quorport/simulate/Server.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+#include <variant>
+
+#include "logging/DescriptorOutput.h"
+#include "tools/quorport/Report.h"
+
+namespace quordalvane::tool {
+namespace {
+
+using namespace std::chrono_literals;
+using simulator::Instant;
+
+// A cut ends a job if nothing follows it for so long.
+constexpr Instant quietTime = 1s;
+
+// How long the answer to a request for the end may take to get through.
+constexpr Instant farewellTime = 1s;
+
+constexpr std::size_t mostChannels = 64;
+
+Instant readClock() {
+  return std::chrono::steady_clock::now().time_since_epoch();
+}
+
+timespec timeFrom(Instant now, Instant until) {
+  const Instant left = std::max(until - now, Instant::zero());
+  const auto whole = std::chrono::floor<std::chrono::seconds>(left);
+  return {.tv_sec = whole.count(), .tv_nsec = (left - whole).count()};
+}
+
+bool endsInCut(const simulator::Paper& paper) {
+  return !paper.items().empty() && std::holds_alternative<simulator::Cut>(paper.items().back());
+}
+
+}  // namespace
+
+Server::Server(simulator::PrinterState state, simulator::Faults faults, Places places,
+               const Streams& streams)
+    : streams_(streams),
+      printer_(std::move(state)),
+      links_(printer_, std::move(faults)),
+      control_(printer_, links_),
+      places_(std::move(places)) {
+  channels_.emplace_back(streams_.in, streams_.out, control_);
+}
+
+void Server::run() {
+  announce();
+  for (Instant now = readClock(); !isDone(now); now = readClock()) {
+    work(now);
+    sleep(readClock());
+  }
+  host_.reset();
+  tearOff();
+}
+
+void Server::announce() {
+  const auto outcome = writeAll(streams_.out, "listening " + places_.hosts->place() + "\n");
+  if (outcome.error) {
+    complain("standard output does not take where it listens: " + outcome.error.message(),
+             streams_);
+  }
+}
+
+void Server::sleep(Instant now) {
+  std::vector<pollfd> awaited = {{.fd = signals_.descriptor(), .events = POLLIN, .revents = 0}};
+  if (host_) {
+    host_->await(awaited, now);
+  } else {
+    awaited.push_back({.fd = places_.hosts->descriptor(), .events = POLLIN, .revents = 0});
+  }
+  if (places_.controls != nullptr && channels_.size() < mostChannels) {
+    awaited.push_back({.fd = places_.controls->descriptor(), .events = POLLIN, .revents = 0});
+  }
+  for (const ControlChannel& channel : channels_) {
+    channel.await(awaited);
+  }
+  const auto next = nextEvent(now);
+  const timespec time = timeFrom(now, next.value_or(now));
+  ::ppoll(awaited.data(), awaited.size(), next ? &time : nullptr, nullptr);
+}
+
+std::optional<Instant> Server::nextEvent(Instant now) const {
+  std::vector<Instant> events;
+  const auto add = [&events](const std::optional<Instant>& event) {
+    if (event) {
+      events.push_back(*event);
+    }
+  };
+  add(quitAt_);
+  add(host_ ? host_->nextEvent(now) : printer_.nextEvent());
+  if (const auto end = endOfJob(); end && *end > now) {
+    add(end);
+  }
+  const auto earliest = std::min_element(events.begin(), events.end());
+  return earliest == events.end() ? std::nullopt : std::optional(*earliest);
+}
+
+void Server::work(Instant now) {
+  printer_.advance(now);
+  workForControls(now);
+  workForHost(now);
+  collectPaper(now);
+}
+
+void Server::workForHost(Instant now) {
+  if (host_) {
+    host_->work(now);
+    if (host_->isOver()) {
+      endConnection();
+    }
+  }
+  if (!host_) {
+    if (auto line = places_.hosts->accept()) {
+      host_.emplace(std::move(line), links_.begin(now));
+    }
+  }
+}
+
+void Server::endConnection() {
+  const bool dropped = host_->wasDropped();
+  host_.reset();
+  links_.end();
+  if (places_.hosts->resume(dropped)) {
+    announce();
+  }
+}
+
+void Server::workForControls(Instant now) {
+  if (places_.controls != nullptr && channels_.size() < mostChannels) {
+    if (auto line = places_.controls->accept()) {
+      channels_.emplace_back(std::move(line), control_);
+    }
+  }
+  for (ControlChannel& channel : channels_) {
+    channel.work(now);
+  }
+  channels_.remove_if([](const ControlChannel& channel) { return channel.isOver(); });
+  if (control_.quitWanted() && !quitAt_) {
+    quitAt_ = now + farewellTime;
+  }
+}
+
+void Server::collectPaper(Instant now) {
+  const bool isWorking = printer_.buffered() > 0 &&
+                         (printer_.nextEvent() || printer_.state().flag(simulator::Flag::offline));
+  const auto end = endOfJob();
+  if (!isWorking && !printer_.printed().empty() && end && now >= *end) {
+    tearOff();
+  }
+}
+
+// A job ends with its connection, and on a connection that stays with a cut that nothing follows.
+// None while its end cannot be told.
+std::optional<Instant> Server::endOfJob() const {
+  const auto lastReceived = host_ ? host_->lastReceived() : std::nullopt;
+  if (!lastReceived) {
+    return Instant::min();
+  }
+  return endsInCut(printer_.paper()) ? std::optional(*lastReceived + quietTime) : std::nullopt;
+}
+
+void Server::tearOff() {
+  const simulator::Paper paper = printer_.tearOff();
+  if (places_.receipts == nullptr || paper.items().empty()) {
+    return;
+  }
+  if (const std::string why = places_.receipts->add(paper); !why.empty()) {
+    complain(why, streams_);
+  }
+}
+
+bool Server::isDone(Instant now) {
+  const bool isAnswering = std::any_of(channels_.begin(), channels_.end(),
+                                       [](const auto& channel) { return channel.hasAnswers(); });
+  return signals_.take() || (quitAt_ && (!isAnswering || now >= *quitAt_));
+}
+
+}  // namespace quordalvane::tool

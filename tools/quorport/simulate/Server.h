@@ -1,0 +1,66 @@
+#pragma once
+
+#include <poll.h>
+
+#include <functional>
+#include <list>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "simulator/VirtualPrinter.h"
+#include "tools/quorport/Signals.h"
+#include "tools/quorport/Streams.h"
+#include "tools/quorport/simulate/Control.h"
+#include "tools/quorport/simulate/ControlChannel.h"
+#include "tools/quorport/simulate/HostConnection.h"
+#include "tools/quorport/simulate/Links.h"
+#include "tools/quorport/simulate/Listener.h"
+#include "tools/quorport/simulate/ReceiptFolder.h"
+
+namespace quordalvane::tool {
+
+/// Serves one printer to hosts, one after the other, and to those who control it.
+///
+/// One thread, one loop: it sleeps until a descriptor is ready or the printer does something by
+/// itself, and then lets everyone do what can be done without waiting.
+class Server {
+ public:
+  struct Places {
+    std::unique_ptr<Listener> hosts;
+    std::unique_ptr<Listener> controls;       ///< null for none
+    std::unique_ptr<ReceiptFolder> receipts;  ///< null for none
+  };
+
+  Server(simulator::PrinterState state, simulator::Faults faults, Places places,
+         const Streams& streams);
+
+  /// Serves until SIGINT, SIGTERM or a control line ends it.
+  void run();
+
+ private:
+  void announce();
+  void sleep(simulator::Instant now);
+  std::optional<simulator::Instant> nextEvent(simulator::Instant now) const;
+  void work(simulator::Instant now);
+  void workForHost(simulator::Instant now);
+  void endConnection();
+  void workForControls(simulator::Instant now);
+  void collectPaper(simulator::Instant now);
+  std::optional<simulator::Instant> endOfJob() const;
+  void tearOff();
+  bool isDone(simulator::Instant now);
+
+  const Streams streams_;
+  StopSignals signals_;
+  simulator::VirtualPrinter printer_;
+  Links links_;
+  Control control_;
+  Places places_;
+  std::optional<HostConnection> host_;
+  std::list<ControlChannel> channels_;
+  std::optional<simulator::Instant> quitAt_;  // since a line asked for the end: at the latest
+};
+
+}  // namespace quordalvane::tool

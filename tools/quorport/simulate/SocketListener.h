@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "tools/quorport/simulate/Listener.h"
+
+namespace quordalvane::tool {
+
+/// The longest path that the address of a socket holds.
+inline constexpr std::size_t longestSocketPath = 107;
+
+struct ListenAddress {
+  std::string host;
+  std::uint16_t port;  ///< 0: any that is free
+};
+
+/// Reads HOST:PORT or PORT; without a host it is this machine alone. None if the text is neither.
+std::optional<ListenAddress> parseListenAddress(std::string_view text);
+
+/// Throws a std::exception if the system refuses.
+std::unique_ptr<Listener> listenOnTcp(const ListenAddress& address);
+
+enum class SocketAccess { AsUsual, OwnerAlone };
+
+/// Makes the socket at `path`, in the place of one that nobody listens to any more, and removes it
+/// at its end. Anything else at that path is left alone. Throws a std::exception if the system
+/// refuses or there is something.
+std::unique_ptr<Listener> listenOnUnix(const std::string& path, SocketAccess access);
+
+}  // namespace quordalvane::tool
