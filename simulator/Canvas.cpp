@@ -140,7 +140,7 @@ Picture Canvas::picture() const {
     const unsigned char* row = data + y * stride;
     for (unsigned x = 0; x < picture.width; ++x) {
       std::uint32_t pixel = 0;
-      std::copy_n(row + 4 * x, sizeof pixel, reinterpret_cast<unsigned char*>(&pixel));
+      std::copy_n(row + std::size_t{4} * x, sizeof pixel, reinterpret_cast<unsigned char*>(&pixel));
       picture.pixels[std::size_t{y} * picture.width + x] = pixel & 0x00ffffffU;
     }
   }

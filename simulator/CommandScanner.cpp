@@ -9,7 +9,7 @@ namespace quordalvane::simulator {
 namespace {
 
 // Two metres of the widest paper, all of it image.
-constexpr std::size_t kLongestKept = 2 * 1024 * 1024;
+constexpr std::size_t kLongestKept = std::size_t{2} * 1024 * 1024;
 
 constexpr int kAny = -1;
 
@@ -37,6 +37,11 @@ constexpr Pattern kPatterns[] = {
     {CommandKind::Etb, 1, {0x17}},
     {CommandKind::ReportingEtb, 6, {0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00}},
 };
+
+// Every pattern begins with a control character, and most of a job is text.
+bool isText(const std::vector<std::uint8_t>& bytes) {
+  return bytes[0] >= 0x20;
+}
 
 bool beginsLike(const Pattern& pattern, const std::vector<std::uint8_t>& bytes) {
   return std::equal(bytes.begin(), bytes.end(), pattern.bytes.begin(),
@@ -66,6 +71,8 @@ bool CommandScanner::feed(std::uint8_t byte) {
 }
 
 CommandKind CommandScanner::kind() const {
+  if (isText(bytes_))
+    return CommandKind::Printing;
   for (const Pattern& pattern : kPatterns)
     if (length_ == pattern.length && beginsLike(pattern, bytes_))
       return pattern.kind;
@@ -73,9 +80,10 @@ CommandKind CommandScanner::kind() const {
 }
 
 bool CommandScanner::mayConcernTheMachine() const {
-  return std::any_of(std::begin(kPatterns), std::end(kPatterns), [&](const Pattern& pattern) {
-    return length_ < pattern.length && beginsLike(pattern, bytes_);
-  });
+  return !isText(bytes_) &&
+         std::any_of(std::begin(kPatterns), std::end(kPatterns), [&](const Pattern& pattern) {
+           return length_ < pattern.length && beginsLike(pattern, bytes_);
+         });
 }
 
 void CommandScanner::restart() {

@@ -8,7 +8,7 @@ namespace quordalvane::simulator {
 namespace {
 
 // A host that asks and never reads must not make the printer remember answers without end.
-constexpr std::size_t kMostWaiting = 64 * 1024;
+constexpr std::size_t kMostWaiting = std::size_t{64} * 1024;
 
 // In command mode nothing goes to the printer, so its buffer does not matter.
 constexpr std::size_t kCommandModeSpace = 256;

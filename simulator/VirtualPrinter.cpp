@@ -153,8 +153,8 @@ std::size_t VirtualPrinter::space() const {
   return free < readyAgain() ? 0 : free;
 }
 
-/// A printer whose buffer was full asks for more when there is room for a whole command, not for
-/// each byte: a command that is let in byte by byte is cut by whoever sends it.
+// A nearly full printer asks for more when there is room for a whole command, not for each byte: a
+// command that is let in byte by byte is cut by whoever sends it.
 std::size_t VirtualPrinter::readyAgain() const {
   return std::clamp<std::size_t>(state_.bufferSize() / 4, 1, 64);
 }
@@ -163,10 +163,10 @@ std::optional<Instant> VirtualPrinter::nextEvent() const {
   std::optional<Instant> printed;
   if (queue_.size() > 0) {
     std::size_t count = queue_.size();
+    if (!etbEnds_.empty())
+      count = etbEnds_.front() - takenEver_;
     if (space() == 0)
       count = std::min(count, buffered() + readyAgain() - state_.bufferSize());
-    else if (!etbEnds_.empty())
-      count = etbEnds_.front() - takenEver_;
     printed = queue_.doneWith(count);
   }
   const auto timeout = dataTimeoutDue();

@@ -67,7 +67,8 @@ class VirtualPrinter {
   void disconnect(std::uint64_t connection);
   bool isConnection(std::uint64_t connection) const { return connection == connection_; }
 
-  /// How many bytes it can take: 0 from when its buffer is full until it has room for a command again.
+  /// How many bytes it can take: what is free of its buffer, or 0 while that is less than a command
+  /// may need (64 bytes, or a quarter of a small buffer).
   std::size_t space() const;
 
   /// Takes all of `bytes`, at most `space()`. With `vanish`, print data is lost on the way:

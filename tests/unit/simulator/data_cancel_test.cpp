@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "simulator/TextRendering.h"
 #include "tests/unit/simulator/Session.h"
 
 namespace quordalvane::simulator {
@@ -20,6 +21,7 @@ TEST(DataCancel, DropsWhatIsReceivedAndNotYetPrintedWithItsEtbs) {
   EXPECT_EQ(session.printer.buffered(), 0U);
   session.send(kDataCancelEnd);
   session.send(ascii("x") + hex("17"));
+  EXPECT_EQ(session.link->nextEvent(session.now), session.now + 200ms);
   session.wait(1h);
   EXPECT_EQ(session.receive(), Bytes{});
   EXPECT_EQ(session.printer.printed(), ascii("012x"));
@@ -44,6 +46,16 @@ TEST(DataCancel, FreesTheBufferOfAnOffLinePrinter) {
   session.send(Bytes(14, 'x'));
   session.send(kDataCancel);
   EXPECT_EQ(session.link->space(session.now), 20U);
+}
+
+TEST(DataCancel, EndsTheLineThatWasBegun) {
+  Session session(slow());
+  session.send(ascii("012345"));
+  session.wait(300ms);
+  session.send(hex(kDataCancel) + hex(kDataCancelEnd) + ascii("new\n"));
+  session.wait(1s);
+  session.link->available(session.now);
+  EXPECT_EQ(renderText(session.printer.paper()), "012\nnew\n");
 }
 
 TEST(DataCancel, LeavesThePrintSideAtTheStartOfACommand) {

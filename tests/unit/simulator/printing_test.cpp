@@ -53,6 +53,16 @@ TEST(Printing, BytesInsideACountedPayloadAreDataAndNothingElse) {
   }
 }
 
+TEST(Printing, ABitImageHasOneByteAColumnOrThree) {
+  for (const char* mode : {"00", "01", "20", "21"}) {
+    Session session;
+    const std::size_t columns = 4;
+    const std::size_t bytes = columns * (mode[0] == '2' ? 3 : 1);
+    session.send(hex("1b2a") + hex(mode) + hex("0400") + Bytes(bytes, 0x17) + hex("17"));
+    EXPECT_EQ(session.printer.state().etbCounter, 1) << mode;
+  }
+}
+
 TEST(Printing, BytesInsideABarcodeThatEndsWithAZeroAreData) {
   Session session;
   session.send("1d6b04 1017 41 00 17");
@@ -104,6 +114,13 @@ TEST(Printing, AFullBufferLeavesNoSpaceUntilThereIsRoomForACommandAgain) {
   EXPECT_EQ(session.link->space(session.now), 0U);
   session.wait(100ms);
   EXPECT_EQ(session.link->space(session.now), 25U);
+}
+
+TEST(Printing, AnEtbThatIsPassedBeforeThereIsSpaceAgainIsTheNextEvent) {
+  Session session(slow());
+  EXPECT_TRUE(session.send(ascii("0123") + hex("1b1d03010000") + Bytes(90, 'x')));
+  EXPECT_EQ(session.link->space(session.now), 0U);
+  EXPECT_EQ(session.link->nextEvent(session.now), session.now + 1s);
 }
 
 TEST(Printing, AnImageLargerThanTheBufferPassesThroughIt) {

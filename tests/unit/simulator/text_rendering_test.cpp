@@ -110,6 +110,10 @@ TEST(TextRendering, InitialisingForgetsWhatTheLastJobSet) {
   EXPECT_EQ(printed(hex("1b6102 1d2111 1b3300") + hex("1b40") + ascii("a\n\nb\n")), "a\n\nb\n");
 }
 
+TEST(TextRendering, InitialisingForgetsAStoredImage) {
+  EXPECT_EQ(printed(hex("1d284c 0b00 30 70 30 01 01 31 0800 0100 ff 1b40 1d284c 0200 30 32")), "");
+}
+
 TEST(TextRendering, ListsNoMoreThanAHundredKindsOfCommands) {
   Session session;
   for (int n = 0; n < 256; ++n)
