@@ -1,0 +1,176 @@
+#pragma once
+
+#include <memory>
+#include <utility>
+
+#include "platform/Platform.h"
+
+// Each class passes every call on to another object of its interface. A layer over a platform, a
+// recorder or a fault, derives from one and overrides the one or two calls that it is about.
+
+namespace quordalvane {
+
+class ForwardingClock : public Clock {
+ public:
+  /// `next` must outlive this.
+  explicit ForwardingClock(Clock& next) : next_(next) {}
+
+  TimeValue gettimeofday() override { return next_.gettimeofday(); }
+  std::chrono::nanoseconds monotonic() override { return next_.monotonic(); }
+  void usleep(std::uint64_t microseconds) override { next_.usleep(microseconds); }
+  void select(std::int32_t microseconds) override { next_.select(microseconds); }
+
+ private:
+  Clock& next_;
+};
+
+class ForwardingRunLoop : public NSRunLoop {
+ public:
+  /// `next` must outlive this.
+  explicit ForwardingRunLoop(NSRunLoop& next) : next_(next) {}
+
+  void runUntilDate(double seconds) override { next_.runUntilDate(seconds); }
+  void runUntilDate(double seconds, NSStream& awaited) override {
+    next_.runUntilDate(seconds, awaited);
+  }
+
+ private:
+  NSRunLoop& next_;
+};
+
+/// What both directions have in common; `Stream` is NSInputStream or NSOutputStream.
+template <typename Stream>
+class ForwardingStream : public Stream {
+ public:
+  explicit ForwardingStream(std::shared_ptr<Stream> next) : next_(std::move(next)) {}
+
+  void setDelegate(std::weak_ptr<const void> delegate) override {
+    next_->setDelegate(std::move(delegate));
+  }
+  void scheduleInRunLoop(NSRunLoop& runLoop, std::string_view mode) override {
+    next_->scheduleInRunLoop(runLoop, mode);
+  }
+  void removeFromRunLoop(NSRunLoop& runLoop, std::string_view mode) override {
+    next_->removeFromRunLoop(runLoop, mode);
+  }
+  void open() override { next_->open(); }
+  void close() override { next_->close(); }
+  void waitUntilReady(double seconds) override { next_->waitUntilReady(seconds); }
+
+ protected:
+  Stream& next() { return *next_; }
+
+ private:
+  const std::shared_ptr<Stream> next_;
+};
+
+class ForwardingInputStream : public ForwardingStream<NSInputStream> {
+ public:
+  using ForwardingStream::ForwardingStream;
+
+  bool hasBytesAvailable() override { return next().hasBytesAvailable(); }
+  std::int64_t read(std::uint8_t* buffer, std::size_t maxLength) override {
+    return next().read(buffer, maxLength);
+  }
+};
+
+class ForwardingOutputStream : public ForwardingStream<NSOutputStream> {
+ public:
+  using ForwardingStream::ForwardingStream;
+
+  bool hasSpaceAvailable() override { return next().hasSpaceAvailable(); }
+  std::int64_t write(const std::uint8_t* buffer, std::size_t maxLength) override {
+    return next().write(buffer, maxLength);
+  }
+};
+
+class ForwardingSession : public EASession {
+ public:
+  explicit ForwardingSession(std::shared_ptr<EASession> next) : next_(std::move(next)) {}
+
+  std::shared_ptr<NSInputStream> inputStream() override { return next_->inputStream(); }
+  std::shared_ptr<NSOutputStream> outputStream() override { return next_->outputStream(); }
+
+ private:
+  const std::shared_ptr<EASession> next_;
+};
+
+class ForwardingAccessory : public EAAccessory {
+ public:
+  explicit ForwardingAccessory(std::shared_ptr<EAAccessory> next) : next_(std::move(next)) {}
+
+  std::optional<std::string> name() override { return next_->name(); }
+  std::optional<std::string> serialNumber() override { return next_->serialNumber(); }
+  std::optional<std::string> modelNumber() override { return next_->modelNumber(); }
+  std::optional<std::string> manufacturer() override { return next_->manufacturer(); }
+  std::vector<std::string> protocolStrings() override { return next_->protocolStrings(); }
+  std::uint64_t connectionID() override { return next_->connectionID(); }
+  std::string description() override { return next_->description(); }
+  bool isConnected() override { return next_->isConnected(); }
+  std::shared_ptr<EASession> openSession(const std::string& protocol) override {
+    return next_->openSession(protocol);
+  }
+
+ private:
+  const std::shared_ptr<EAAccessory> next_;
+};
+
+class ForwardingAccessoryManager : public EAAccessoryManager {
+ public:
+  /// `next` must outlive this.
+  explicit ForwardingAccessoryManager(EAAccessoryManager& next) : next_(next) {}
+
+  std::vector<std::shared_ptr<EAAccessory>> connectedAccessories() override {
+    return next_.connectedAccessories();
+  }
+  bool readsAddresses() override { return next_.readsAddresses(); }
+  std::string addressOf(EAAccessory& accessory) override { return next_.addressOf(accessory); }
+
+ private:
+  EAAccessoryManager& next_;
+};
+
+class ForwardingDevice : public UIDevice {
+ public:
+  /// `next` must outlive this.
+  explicit ForwardingDevice(UIDevice& next) : next_(next) {}
+
+  std::string systemVersion() override { return next_.systemVersion(); }
+
+ private:
+  UIDevice& next_;
+};
+
+class ForwardingThread : public NSThread {
+ public:
+  explicit ForwardingThread(std::shared_ptr<NSThread> next) : next_(std::move(next)) {}
+
+  bool start() override { return next_->start(); }
+  void cancel() override { next_->cancel(); }
+  bool performAndWait(std::function<void()> routine) override {
+    return next_->performAndWait(std::move(routine));
+  }
+
+ private:
+  const std::shared_ptr<NSThread> next_;
+};
+
+class ForwardingPlatform : public Platform {
+ public:
+  explicit ForwardingPlatform(std::shared_ptr<Platform> next) : next_(std::move(next)) {}
+
+  EAAccessoryManager& sharedAccessoryManager() override { return next_->sharedAccessoryManager(); }
+  UIDevice& currentDevice() override { return next_->currentDevice(); }
+  Clock& clock() override { return next_->clock(); }
+  NSRunLoop& currentRunLoop() override { return next_->currentRunLoop(); }
+  std::shared_ptr<NSThread> makeThread(std::function<void()> body) override {
+    return next_->makeThread(std::move(body));
+  }
+  bool isMainThread() override { return next_->isMainThread(); }
+  void ignoreSigPipe() override { next_->ignoreSigPipe(); }
+
+ private:
+  const std::shared_ptr<Platform> next_;
+};
+
+}  // namespace quordalvane

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "iphone-IOPort/ExternalAccessoryPort.h"
+#include "tests/model/Model.h"
+
+namespace quordalvane::test {
+
+/// What the caller of an operation owns and hands in.
+struct Caller {
+  Caller();
+
+  Bytes data;
+  QuorPrinterStatus_2 status;  // every flag and number is 7, raw is full of ee
+  std::int64_t resultCode = 77;
+  bool onlineStatus = true;
+};
+
+/// One use of a port's operation: the same for a port and for the model. It returns the result as
+/// text: "true", "-1", "none", "<1b 06>", "\"text\"", or what was raised.
+struct Call {
+  std::string name;
+  std::function<std::string(ExternalAccessoryPort&, Caller&)> onPort;
+  std::function<std::string(Model&, Caller&)> onModel;
+};
+
+/// As text: for results.
+std::string shownResult(bool result);
+std::string shownResult(std::int32_t result);
+std::string shownResult(std::int64_t result);
+std::string shownResult(const std::optional<Bytes>& result);
+std::string shownResult(const std::optional<std::string>& result);
+
+/// Runs `operation` and tells what it raised, if it did.
+std::string resultOf(const std::function<std::string()>& operation);
+
+/// `body` takes a port or a model, and the caller's things.
+template <typename Body>
+Call makeCall(std::string name, Body body) {
+  const auto run = [body](auto& port, Caller& caller) {
+    return resultOf([&] { return shownResult(body(port, caller)); });
+  };
+  return {std::move(name), run, run};
+}
+
+Call open();
+Call close();
+Call isConnected();
+Call write(Bytes data);
+Call read(std::size_t count);
+Call writeWithRetry(Bytes command);
+Call getParsedStatus(std::uint32_t level = 2);
+Call getOnlineStatus();
+Call beginCheckedBlock(std::uint32_t level = 5);
+Call endCheckedBlock(std::uint32_t level = 5);
+Call startDataCancel();
+Call retrieveFirmwareInformation();
+Call retrieveFirmwareInformation2();
+Call retrieveESCPOSFirmwareInformation();
+Call retrieveDipSwitchInformation();
+Call retrieveDipSwitchBank(std::uint8_t bank);
+Call retrieveButtonSecurityTimeout();
+Call enterATMode();
+Call getPrinterResponse(std::optional<std::string> title, std::int32_t length,
+                        std::int32_t timeoutMillis);
+Call disconnect();
+Call disconnectBluetoothConnection();
+
+/// Every public operation once, with plain arguments.
+std::vector<Call> allCalls();
+
+/// One after the other on the same port; the results joined by "; ".
+Call inTurn(std::vector<Call> calls);
+
+}  // namespace quordalvane::test

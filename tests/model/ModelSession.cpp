@@ -1,0 +1,259 @@
+#include <algorithm>
+#include <cctype>
+
+#include "tests/model/ModelLog.h"
+
+namespace quordalvane::test {
+namespace {
+
+const std::string protocol = "com.quordalvane.receipt";
+
+std::string lower(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](char c) { return 'A' <= c && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+  return text;
+}
+
+bool isHexDigit(char c) {
+  return std::isxdigit(static_cast<unsigned char>(c)) != 0;
+}
+
+/// The first six pairs of hexadecimal digits that colons join, alone among other characters.
+std::string addressIn(const std::string& text) {
+  constexpr std::size_t length = 17;
+  for (std::size_t at = 0; at + length <= text.size(); ++at) {
+    bool isAddress = (at == 0 || !isHexDigit(text[at - 1])) &&
+                     (at + length == text.size() || !isHexDigit(text[at + length]));
+    for (std::size_t place = 0; place < length; ++place) {
+      const char c = text[at + place];
+      isAddress = isAddress && (place % 3 == 2 ? c == ':' : isHexDigit(c));
+    }
+    if (isAddress) {
+      return text.substr(at, length);
+    }
+  }
+  return "";
+}
+
+std::string listed(const std::vector<std::string>& texts) {
+  std::string result;
+  for (const std::string& text : texts) {
+    result += (result.empty() ? "" : ", ") + text;
+  }
+  return "(" + result + ")";
+}
+
+}  // namespace
+
+Model::Model(Creation creation, Platform& platform, Trace& trace)
+    : creation_(std::move(creation)),
+      platform_(platform),
+      trace_(trace),
+      receiver_(std::shared_ptr<const void>(std::make_shared<char>(), this)),
+      limit_(static_cast<std::int32_t>(creation_.timeout / 1000)),
+      endMillis_(creation_.timeout) {
+  const Log log(*this, "initWithPortName:portSettings:timeout:emulation:");
+  const std::string entry = textOr(creation_.portName) + ", " + textOr(creation_.portSettings) +
+                            ", " + signed32(creation_.timeout) + ", " + number(creation_.emulation);
+  log.start(entry);
+  parseDataTimeoutOption();
+  log.end(entry + ", -> <self>");
+}
+
+void Model::parseDataTimeoutOption() {
+  const Log log(*this, "parseDataTimeoutOption");
+  const std::string settings = creation_.portSettings.value_or("");
+  const auto isDigit = [](char c) { return '0' <= c && c <= '9'; };
+  log.start("");
+  std::size_t place = 0;
+  while (place < settings.size() &&
+         !(settings[place] == 'd' && place + 1 < settings.size() && isDigit(settings[place + 1]))) {
+    ++place;
+  }
+  if (place == settings.size()) {
+    log.process(
+        "[regex matchesInString:portSettings_ options:0 range:NSMakeRange(0, "
+        "portSettings_.length)].count == 0, d[0-9]+, " +
+        textOr(creation_.portSettings) + ", 0, 0, " + std::to_string(settings.size()) + ", 0");
+    log.end("");
+    return;
+  }
+  std::int64_t seconds = 0;
+  for (++place; place < settings.size() && isDigit(settings[place]); ++place) {
+    seconds = std::min<std::int64_t>(seconds * 10 + (settings[place] - '0'), 2147483647);
+  }
+  if (seconds > 255) {
+    log.error("dataTimeout > MAX_DATA_TIMEOUT, " + number(seconds) + ", 255");
+  } else {
+    dataTimeoutSeconds_ = seconds;
+    log.process("dataTimeout: " + number(seconds));
+  }
+  log.end("");
+}
+
+bool Model::open() {
+  const Log log(*this, "open");
+  log.start("");
+  open71();
+  platform_.clock().usleep(100000);
+  const bool opened = result_.value_or(false);
+  log.end("-> " + number(opened));
+  return opened;
+}
+
+void Model::open71() {
+  const Log log(*this, "open71");
+  log.start("");
+  select();
+  result_ = false;
+  if (!accessory_) {
+    log.error("_selectedAccessory == nil, 0x0");
+  } else if (session_ = accessory_->openSession(protocol); !session_) {
+    log.error("_session == nil, (null)");
+  } else {
+    const std::shared_ptr<NSStream> streams[] = {session_->inputStream(), session_->outputStream()};
+    for (const auto& stream : streams) {
+      stream->setDelegate(receiver_);
+      stream->scheduleInRunLoop(platform_.currentRunLoop(), NSDefaultRunLoopMode);
+      stream->open();
+    }
+    result_ = true;
+  }
+  log.end("");
+}
+
+void Model::select() {
+  const Log log(*this, "open71");
+  std::optional<std::string> designation;
+  if (creation_.portName && lower(*creation_.portName) != "bt:") {
+    designation = creation_.portName->substr(3);
+  }
+  log.process("specifiedPortName: " + textOr(designation));
+  const auto accessories = platform_.sharedAccessoryManager().connectedAccessories();
+  accessory_ = nullptr;
+  session_ = nullptr;
+  for (const auto& accessory : accessories) {
+    if (fits(*accessory, designation)) {
+      accessory_ = accessory;
+      connectionID_ = accessory->connectionID();
+      name_ = accessory->name();
+      serialNumber_ = accessory->serialNumber();
+      return;
+    }
+  }
+}
+
+bool Model::fits(EAAccessory& accessory, const std::optional<std::string>& designation) {
+  const Log log(*this, "open71");
+  const auto model = accessory.modelNumber();
+  log.process(accessory.description());
+  if (model && model->starts_with("KLT") && model->ends_with("-U")) {
+    log.process(*model + " is UsbDevice");
+    return false;
+  }
+  if (designation && !isDesignated(accessory, *designation)) {
+    return false;
+  }
+  const auto maker = accessory.manufacturer();
+  if (!maker || lower(*maker) != "quor dalvane") {
+    log.process(
+        "[accessory.manufacturer caseInsensitiveCompare:@\"quor dalvane\"] != NSOrderedSame, " +
+        textOr(maker));
+    return false;
+  }
+  const auto protocols = accessory.protocolStrings();
+  if (std::find(protocols.begin(), protocols.end(), protocol) == protocols.end()) {
+    log.process("[accessory.protocolStrings indexOfObject:quorProtocol] == NSNotFound, " +
+                listed(protocols) + ", " + protocol);
+    return false;
+  }
+  if (model == "XQ700") {
+    log.process("[accessory.modelNumber isEqualToString:@\"XQ700\"], XQ700");
+    isBrondel_ = true;
+  }
+  return true;
+}
+
+bool Model::isDesignated(EAAccessory& accessory, const std::string& designation) {
+  const Log log(*this, "open71");
+  if (accessory.name() == designation) {
+    return true;
+  }
+  log.process("[accessory.name isEqualToString:specifiedPortName] == NO, " +
+              textOr(accessory.name()) + ", " + designation);
+  if (accessory.serialNumber() == designation) {
+    return true;
+  }
+  log.process("[accessory.serialNumber isEqualToString:specifiedPortName] == NO, " +
+              textOr(accessory.serialNumber()) + ", " + designation);
+  const std::string specified = addressIn(designation);
+  log.process("specifiedMACAddr: " + specified);
+  if (specified.empty()) {
+    log.process("[specifiedMACAddr isEqualToString:@\"\"], " + specified);
+    return false;
+  }
+  if (specified != designation) {
+    log.process("[specifiedMACAddr isEqualToString:specifiedPortName] == NO, " + specified + ", " +
+                designation);
+    return false;
+  }
+  EAAccessoryManager& manager = platform_.sharedAccessoryManager();
+  const std::string own =
+      manager.readsAddresses() ? manager.addressOf(accessory) : addressIn(accessory.description());
+  if (own.empty()) {
+    log.process("[accessoryMACAddr isEqualToString:@\"\"], " + own);
+    return false;
+  }
+  if (lower(own) != lower(specified)) {
+    log.process(
+        "[accessoryMACAddr compare:specifiedMACAddr options:NSCaseInsensitiveSearch] != "
+        "NSOrderedSame, " +
+        own + ", " + specified);
+    return false;
+  }
+  return true;
+}
+
+void Model::close() {
+  const Log log(*this, "close");
+  log.start("");
+  const float version = std::stof(platform_.currentDevice().systemVersion());
+  if (version >= 10.0F) {
+    log.process("UIDevice.currentDevice.systemVersion.floatValue >= 10.0, " +
+                std::to_string(version));
+    platform_.clock().usleep(100000);
+  }
+  close71();
+  log.end("");
+}
+
+void Model::close71() {
+  const Log log(*this, "close71");
+  log.start("");
+  if (session_) {
+    const std::shared_ptr<NSStream> streams[] = {session_->outputStream(), session_->inputStream()};
+    for (const auto& stream : streams) {
+      stream->close();
+      stream->removeFromRunLoop(platform_.currentRunLoop(), NSDefaultRunLoopMode);
+      stream->setDelegate({});
+    }
+  }
+  session_ = nullptr;
+  accessory_ = nullptr;
+  connectionID_ = 0;
+  name_ = serialNumber_ = std::nullopt;
+  log.end("");
+}
+
+bool Model::isConnected() {
+  const Log log(*this, "isConnected");
+  log.start("");
+  if (!accessory_) {
+    log.error("_selectedAccessory == nil, 0x0");
+  }
+  const bool connected = accessory_ && accessory_->isConnected();
+  log.end("-> " + number(connected));
+  return connected;
+}
+
+}  // namespace quordalvane::test

@@ -1,0 +1,136 @@
+#include "tests/model/ModelLog.h"
+
+namespace quordalvane::test {
+
+bool Model::hasSpace() {
+  return session_ && session_->outputStream()->hasSpaceAvailable();
+}
+
+bool Model::hasBytes() {
+  return session_ && session_->inputStream()->hasBytesAvailable();
+}
+
+void Model::slice(NSStream* awaited, double seconds) {
+  NSRunLoop& runLoop = platform_.currentRunLoop();
+  awaited ? runLoop.runUntilDate(seconds, *awaited) : runLoop.runUntilDate(seconds);
+}
+
+std::int32_t Model::write(const Bytes& data) {
+  const Log log(*this, "write:");
+  const std::string failed = log.at(&data) + ", -> -1";
+  log.start(shown(data));
+  platform_.ignoreSigPipe();
+  if (!hasSpace()) {
+    log.process("_session.outputStream.hasSpaceAvailable == NO, 0");
+    slice(session_ ? session_->outputStream().get() : nullptr, 0.10000000149011612);
+  }
+  std::uint32_t amountWritten = 0;
+  bool goOn = hasSpace();
+  Bytes tail = data;
+  while (goOn && !tail.empty()) {
+    if (!isConnected()) {
+      log.error("self.isConnected, 0");
+      log.end(failed);
+      return -1;
+    }
+    const std::int64_t written = session_->outputStream()->write(tail.data(), tail.size());
+    if (written == -1) {
+      log.error("Fail to [_session.outputStream write:writeBuffer maxLength:tempData.length], " +
+                std::string(someAddress) + ", 0x0, " + std::to_string(tail.size()));
+      log.end(failed);
+      return -1;
+    }
+    const Bytes sent(tail.begin(), tail.begin() + written);
+    log.say(ZKLogTypeWrite,
+            "EAAccessory, size: " + std::to_string(written) + ", command: " + shown(sent));
+    amountWritten += static_cast<std::uint32_t>(written);
+    tail.assign(data.begin() + amountWritten, data.end());
+    goOn = hasSpace();
+  }
+  const auto result = static_cast<std::int32_t>(amountWritten);
+  log.end(shown(data) + ", -> " + number(result));
+  return result;
+}
+
+std::optional<Bytes> Model::read(std::size_t bytesToRead) {
+  const Log log(*this, "read:");
+  const std::string asked = std::to_string(bytesToRead);
+  const auto lost = [&]() -> std::optional<Bytes> {
+    log.error("self.isConnected, 0");
+    log.end(asked + ", -> 0x0");
+    return std::nullopt;
+  };
+  log.start(asked);
+  if (!isConnected()) {
+    return lost();
+  }
+  if (!hasBytes()) {
+    log.process("_session.outputStream.hasSpaceAvailable == NO, ",
+                [this] { return number(hasSpace()); });
+    slice(session_ ? session_->inputStream().get() : nullptr, 0.1);
+  }
+  Bytes received;
+  bool goOn = hasBytes();
+  while (goOn && received.size() < bytesToRead) {
+    if (!isConnected()) {
+      return lost();
+    }
+    std::uint8_t buffer[128];
+    const std::size_t size = std::min<std::size_t>(128, bytesToRead - received.size());
+    const std::int64_t count = session_->inputStream()->read(buffer, size);
+    if (count < 0) {
+      log.error("Fail to [_session.inputStream read:buf maxLength:recvSize], " +
+                std::string(someAddress) + ", " + someAddress + ", " + std::to_string(size));
+      log.end(asked + ", -> 0x0");
+      return std::nullopt;
+    }
+    const Bytes chunk(buffer, buffer + count);
+    log.say(ZKLogTypeRead,
+            "EAAccessory, size: " + std::to_string(count) + ", command: " + shown(chunk));
+    received = received + chunk;
+    goOn = hasBytes();
+  }
+  log.end(asked + ", -> " + shown(received));
+  return received;
+}
+
+std::int32_t Model::writeWithRetry(const Bytes& whole) {
+  const Log log(*this, "writeWithRetry:");
+  std::string address = log.at(&whole);
+  log.start(address);
+  const std::int64_t start = second();
+  std::uint32_t total = 0;  // two's complement, as the port's count is
+  std::optional<Bytes> tail;
+  const auto fail = [&](const std::string& error) {
+    log.error(error);
+    log.end(address + ", -> -1");
+    return -1;
+  };
+  while (isConnected()) {
+    const Bytes& command = tail ? *tail : whole;
+    const std::int32_t written = write(command);
+    if (written == -1) {
+      return fail("Fail to [self write:command]: <self>, " + address);
+    }
+    total += static_cast<std::uint32_t>(written);
+    const auto amount = static_cast<std::int32_t>(total);
+    const auto length = static_cast<std::int32_t>(command.size());
+    if (amount == length) {
+      log.end(address + ", -> " + number(amount));
+      return amount;
+    }
+    if (amount < length) {
+      const std::int64_t end = second();
+      if (end - start > limit_) {
+        return fail("end.tv_sec - start.tv_sec > timeoutSec, " + number(end) + ", " +
+                    number(start) + ", " + number(limit_));
+      }
+      platform_.clock().usleep(50000);
+      tail = Bytes(command.begin() + amount, command.end());
+      address = someAddress;
+    }
+  }
+  return fail("self.isConnected: 0");
+}
+
+}  // namespace quordalvane::test

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "tests/model/Call.h"
+#include "tests/support/Script.h"
+#include "tests/support/ScriptedWorld.h"
+#include "tests/support/Trace.h"
+
+namespace quordalvane::test {
+
+inline constexpr std::int32_t lineMode = 1;
+inline constexpr std::int32_t escPos = 2;
+inline constexpr std::int32_t unknownEmulation = 0;
+
+/// What came of a call.
+struct Outcome {
+  std::string result;
+  Caller caller;
+  std::string properties;  // of the port, afterwards
+  std::vector<Line> lines;
+
+  /// The bytes that passed and the waits, repetitions folded.
+  std::string wire() const { return view(lines, {About::bytes, About::wait}); }
+
+  /// Also the calls that begin and end things.
+  std::string calls() const { return view(lines, {About::bytes, About::wait, About::lifecycle}); }
+
+  /// The records of one method.
+  std::string records(const std::string& method) const { return recordsOf(lines, method); }
+
+  /// Everything.
+  std::string all() const { return whole(lines); }
+
+  /// The bytes that the link took, joined.
+  Bytes sent() const;
+
+  /// Everything as text, for comparing one run with another.
+  std::string report() const;
+};
+
+/// A call on an open port whose link follows a script.
+struct Scenario {
+  Creation creation{};
+  Script script{};
+  std::vector<AccessoryIdentity> accessories = {shopPrinter()};
+  Layer layer{};
+  std::optional<std::uint32_t> endMillis{};
+  std::optional<std::uint32_t> holdMillis{};
+  std::optional<std::int64_t> dataTimeoutSeconds{};
+  bool isOpen = true;
+  bool logging = true;
+  std::set<std::int32_t> levels = {0};
+
+  static Scenario in(std::int32_t emulation, std::uint32_t timeout = 10000);
+
+  /// Runs the call on a port, and on the model in a second world; the two must agree in everything.
+  Outcome run(const Call& call) const;
+
+  Outcome runOnPort(const Call& call) const;
+  Outcome runOnModel(const Call& call) const;
+};
+
+/// For failure messages.
+std::string describe(const Scenario& scenario);
+
+}  // namespace quordalvane::test

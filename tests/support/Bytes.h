@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quordalvane::test {
+
+using Bytes = std::vector<std::uint8_t>;
+
+/// The bytes that a text of hexadecimal pairs stands for: bytes("1b 06 01").
+Bytes bytes(std::string_view pairs);
+
+/// The characters of a text as bytes.
+Bytes ascii(std::string_view text);
+
+/// One after the other.
+Bytes operator+(Bytes first, const Bytes& second);
+
+/// "<1b 06 01>": how traces and records show bytes.
+std::string shown(std::span<const std::uint8_t> bytes);
+
+}  // namespace quordalvane::test

@@ -1,0 +1,55 @@
+#include "tests/support/LogCapture.h"
+
+#include <iterator>
+#include <stdexcept>
+#include <utility>
+
+namespace quordalvane::test {
+
+class LogCapture::Sink : public LogSink {
+ public:
+  void write(std::span<const LogRecord> records) override {
+    const std::lock_guard lock(mutex_);
+    records_.insert(records_.end(), records.begin(), records.end());
+  }
+
+  std::vector<LogRecord> take() {
+    const std::lock_guard lock(mutex_);
+    return std::exchange(records_, {});
+  }
+
+ private:
+  std::mutex mutex_;
+  std::vector<LogRecord> records_;
+};
+
+LogCapture::LogCapture() : sink_(std::make_shared<Sink>()) {
+  LogWriter::sharedInstance().setQueueCapacity(1U << 20U);
+  LogWriter::sharedInstance().addSink(sink_);
+}
+
+LogCapture& LogCapture::instance() {
+  static auto& capture = *new LogCapture;  // never destroyed: port threads may log to the very end
+  return capture;
+}
+
+std::vector<LogRecord> LogCapture::take() {
+  if (!LogWriter::sharedInstance().flush(std::chrono::minutes(1)) ||
+      LogWriter::sharedInstance().statistics().dropped != 0) {
+    throw std::runtime_error("log records were lost");
+  }
+  return sink_->take();
+}
+
+Logging::Logging(bool on, const std::set<std::int32_t>& levels) {
+  LogCapture::instance();
+  LogWriter::setTargetLogLevels(levels);
+  LogWriter::setLogging(on);
+}
+
+Logging::~Logging() {
+  LogWriter::setLogging(false);
+  LogWriter::setTargetLogLevels({0});
+}
+
+}  // namespace quordalvane::test

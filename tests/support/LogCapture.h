@@ -1,0 +1,41 @@
+#pragma once
+
+#include <memory>
+#include <mutex>
+#include <set>
+#include <vector>
+
+#include "iphone-IOPort/LogWriter.h"
+
+namespace quordalvane::test {
+
+/// Gathers every log record of the process, raw and in order, from its first use on.
+class LogCapture {
+ public:
+  static LogCapture& instance();
+
+  /// How many records have been handed over so far. Whoever notes this beside an event knows which
+  /// records came before it, although they are delivered later.
+  static std::uint64_t handedOver() { return LogWriter::sharedInstance().statistics().handedOver; }
+
+  /// All records since the last call. Throws when one was dropped.
+  std::vector<LogRecord> take();
+
+ private:
+  class Sink;
+
+  LogCapture();
+
+  const std::shared_ptr<Sink> sink_;
+};
+
+/// Logging is as given for as long as this lives, and off after it.
+class Logging {
+ public:
+  explicit Logging(bool on, const std::set<std::int32_t>& levels = {0});
+  ~Logging();
+  Logging(const Logging&) = delete;
+  Logging& operator=(const Logging&) = delete;
+};
+
+}  // namespace quordalvane::test

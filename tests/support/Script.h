@@ -1,0 +1,79 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tests/support/Bytes.h"
+
+namespace quordalvane::test {
+
+/// Some bytes, and how many seconds after the request, or after the start, they arrive.
+struct Piece {
+  Bytes bytes;
+  double after = 0;
+};
+
+/// A reply, in the pieces in which it arrives.
+using Reply = std::vector<Piece>;
+
+/// All that a link will do, told in advance: the same script gives the same run. Times are seconds
+/// after the start of the operation under test. What is not told works: every byte is taken at once
+/// and the link stays.
+struct Script {
+  struct Answer {
+    Bytes request;
+    Reply reply;
+    bool always;
+  };
+
+  // -- What arrives -------------------------------------------------------------------------------
+  Reply deliveries;
+  std::vector<Answer> answers;
+  std::optional<std::size_t> mostPerRead;
+  std::map<std::size_t, std::int64_t> readResults;  // of the n-th read of the stream, from 1
+
+  // -- What is taken ------------------------------------------------------------------------------
+  std::vector<std::size_t> attempts;  // how many bytes each `write:` gets rid of; then all
+  std::optional<std::size_t> mostPerWrite;
+  double noSpaceUntil = 0;
+  std::map<std::size_t, std::int64_t> writeResults;  // of the n-th write to the stream, from 1
+
+  // -- The link and the clock ---------------------------------------------------------------------
+  std::vector<bool> connectedAnswers;  // of the first questions; then the truth
+  std::optional<double> lostAt;
+  std::optional<double> backAt;
+  std::optional<std::size_t> lostAfterBytes;       // written
+  std::optional<std::size_t> lostAfterReads;       // of the stream
+  std::size_t lostAfterCalls = 100000;             // so that what would go on for ever ends
+  std::map<std::size_t, std::int64_t> clockSteps;  // seconds, before the n-th reading, from 1
+  std::int64_t startMicroseconds = 0;              // past the full second
+
+  // -- The same as sentences ----------------------------------------------------------------------
+  Script& delivers(Bytes what, double at = 0);
+  /// The first time, or the next time after earlier ones, that `request` has gone out.
+  Script& whenAsked(Bytes request, Reply reply);
+  Script& wheneverAsked(Bytes request, Reply reply);
+  Script& givesAtMost(std::size_t count);
+  Script& readReturns(std::size_t nth, std::int64_t result);
+  Script& takesInAttempts(std::vector<std::size_t> counts);
+  Script& takesAtMost(std::size_t count);
+  Script& hasNoSpace(double until = 1e9);
+  Script& writeReturns(std::size_t nth, std::int64_t result);
+  Script& saysConnected(std::vector<bool> answers_);
+  Script& isLost(double at = 0);
+  Script& isBack(double at);
+  Script& isLostAfterBytes(std::size_t count);
+  Script& isLostAfterReads(std::size_t count);
+  Script& stepsClock(std::size_t reading, std::int64_t seconds);
+  Script& startsPastTheSecond(std::int64_t microseconds);
+};
+
+/// For failure messages.
+std::string describe(const Script& script);
+
+}  // namespace quordalvane::test

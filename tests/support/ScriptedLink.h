@@ -1,0 +1,73 @@
+#pragma once
+
+#include <atomic>
+#include <map>
+#include <memory>
+#include <span>
+
+#include "backends/AccessoryIdentity.h"
+#include "backends/virtual/VirtualPlatform.h"
+#include "tests/support/Script.h"
+
+namespace quordalvane::test {
+
+/// A link that does what its script says, in virtual time.
+class ScriptedLink {
+ public:
+  ScriptedLink(Script script, virtuals::VirtualClock& clock);
+
+  /// The operation under test begins: times and counts start here.
+  void start();
+
+  /// A `write:` begins, and with it the next of the script's attempts.
+  void beginAttempt();
+
+  /// Before each reading of the wall clock.
+  void beforeClockReading();
+
+  bool isConnected();
+  bool hasSpace();
+  bool hasBytes();
+  std::int64_t write(std::span<const std::uint8_t> data);
+  std::int64_t read(std::span<std::uint8_t> buffer);
+  void waitForSpace(double seconds);
+  void waitForBytes(double seconds);
+
+ private:
+  virtuals::Instant instant(double seconds) const;
+  bool isLost() const;
+  void arriveLater(const Reply& reply, virtuals::Instant from);
+  void answer(std::span<const std::uint8_t> data);
+  Script::Answer* nextAnswer();
+  void waitUntil(virtuals::Instant ready, double seconds);
+
+  Script script_;
+  virtuals::VirtualClock& clock_;
+  virtuals::Instant start_{0};
+  bool started_ = false;
+  std::multimap<virtuals::Instant, Bytes> arriving_;
+  Bytes unanswered_;
+  std::optional<std::size_t> budget_;  // what this attempt may still get rid of; none: everything
+  std::size_t attempt_ = 0;
+  std::size_t written_ = 0;
+  std::size_t writes_ = 0;
+  std::size_t reads_ = 0;
+  std::size_t questions_ = 0;
+  std::size_t readings_ = 0;
+  std::size_t calls_ = 0;
+};
+
+/// An accessory at the end of a scripted link.
+class ScriptedAccessory : public IdentifiedAccessory {
+ public:
+  ScriptedAccessory(AccessoryIdentity identity, std::shared_ptr<ScriptedLink> link)
+      : IdentifiedAccessory(std::move(identity)), link_(std::move(link)) {}
+
+  bool isConnected() override { return link_->isConnected(); }
+  std::shared_ptr<EASession> openSession(const std::string& protocol) override;
+
+ private:
+  const std::shared_ptr<ScriptedLink> link_;
+};
+
+}  // namespace quordalvane::test

@@ -1,0 +1,91 @@
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+#include <map>
+#include <mutex>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "logging/LogRecord.h"
+
+namespace quordalvane::test {
+
+/// What a line of a trace is about.
+enum class About { question, bytes, wait, lifecycle, log };
+
+/// One line of a trace.
+struct Line {
+  About about;
+  std::string method;  // of a log record
+  std::string text;
+  bool operator==(const Line&) const = default;
+};
+
+/// What happened, in order: calls to the platform and log records. Addresses are shown by the names
+/// that they were given; "<address>" stands for any other, and "0x0" for none.
+class Trace {
+ public:
+  /// Begins with what is logged from now on.
+  Trace();
+
+  void name(const void* object, std::string name);
+
+  /// The name of an address as it stands in a record.
+  std::string nameOf(const void* object) const;
+
+  /// A call to the platform, made now.
+  void note(About about, const std::string& text);
+
+  /// A record that was not given to the LogWriter.
+  void log(ZKLogType type, std::int32_t level, const std::string& method,
+           const std::string& message);
+
+  /// Lines noted by the calling thread begin with `name` and ": ".
+  void nameThread(const std::string& name);
+
+  /// Forgets what happened so far.
+  void clear();
+
+  /// What happened, with the records of the LogWriter in their places.
+  std::vector<Line> lines();
+
+ private:
+  struct Entry {
+    std::uint64_t recordsBefore;
+    Line line;
+  };
+
+  std::string threadPrefix(std::int32_t thread) const;
+  std::string withNames(std::string_view message) const;
+  Line lineOf(const LogRecord& record) const;
+
+  mutable std::mutex mutex_;  // guards everything below
+  std::map<std::uint64_t, std::string> names_;
+  std::map<std::int32_t, std::string> threads_;
+  std::vector<Entry> entries_;
+  std::vector<LogRecord> records_;
+  std::uint64_t firstRecord_ = 0;
+};
+
+/// "Error write: | text", "Process(1) runLoop71 | text": how a trace shows a record.
+std::string shownRecord(ZKLogType type, std::int32_t level, const std::string& method,
+                        const std::string& message);
+
+/// The lines that are about one of these, one below the other. What comes several times in a row is
+/// shown once, behind "3 x" or, for several lines, between "3 x {" and "}".
+std::string view(const std::vector<Line>& lines, const std::set<About>& about);
+
+/// The records of one method, without its name.
+std::string recordsOf(const std::vector<Line>& lines, const std::string& method);
+
+/// All lines, as they are.
+std::string whole(const std::vector<Line>& lines);
+
+/// A text of several lines without the indentation of its first one and without empty lines at its
+/// ends, so that an expectation may stand indented in a test.
+std::string text(std::string_view indented);
+
+}  // namespace quordalvane::test

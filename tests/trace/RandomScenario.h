@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+
+#include "tests/model/Scenario.h"
+
+namespace quordalvane::test {
+
+/// A call, and the scenario in which it is made.
+struct RandomCase {
+  Scenario scenario;
+  Call call;
+};
+
+/// The case of this number: always the same one. Its printer answers rightly, wrongly, late, in
+/// pieces or not at all; its link takes what it likes and may be lost; its clock may be stepped.
+RandomCase randomCase(std::uint64_t seed);
+
+}  // namespace quordalvane::test

@@ -1,0 +1,186 @@
+#include <gtest/gtest.h>
+
+#include "tests/unit/port/Printer.h"
+
+namespace quordalvane::test {
+namespace {
+
+Scenario delivering(const Bytes& what) {
+  Scenario scenario = Scenario::in(lineMode);
+  scenario.script.delivers(what);
+  return scenario;
+}
+
+TEST(Read, TakesWhatTheStreamHoldsAndTellsEveryStep) {
+  const Outcome run = delivering(bytes("10 20")).run(read(128));
+  EXPECT_EQ(run.result, "<10 20>");
+  EXPECT_EQ(run.all(), text(R"(
+    Start read: | 128
+    Start isConnected |
+    accessory.isConnected 1
+    End isConnected | -> 1
+    input.hasBytesAvailable 1
+    input.hasBytesAvailable 1
+    Start isConnected |
+    accessory.isConnected 1
+    End isConnected | -> 1
+    input.read 128 -> <10 20>
+    Read read: | EAAccessory, size: 2, command: <10 20>
+    input.hasBytesAvailable 0
+    End read: | 128, -> <10 20>
+  )"));
+}
+
+TEST(Read, WaitsOneSliceAndReturnsAnEmptyBufferWhenNothingCame) {
+  const Outcome run = Scenario::in(lineMode).run(read(5));
+  EXPECT_EQ(run.result, "<>");
+  EXPECT_EQ(run.all(), text(R"(
+    Start read: | 5
+    Start isConnected |
+    accessory.isConnected 1
+    End isConnected | -> 1
+    input.hasBytesAvailable 0
+    output.hasSpaceAvailable 1
+    Process read: | _session.outputStream.hasSpaceAvailable == NO, 1
+    slice for input 0.1
+    input.hasBytesAvailable 0
+    End read: | 5, -> <>
+  )"));
+}
+
+TEST(Read, AsksForTheOutputsSpaceOnlyToTellIt) {
+  Scenario scenario = Scenario::in(lineMode);
+  scenario.logging = false;
+  const Outcome run = scenario.run(read(5));
+  EXPECT_EQ(run.all(), text(R"(
+    accessory.isConnected 1
+    input.hasBytesAvailable 0
+    slice for input 0.1
+    input.hasBytesAvailable 0
+  )"));
+}
+
+TEST(Read, TellsThatTheOutputIsFullWhenItIs) {
+  Scenario scenario = Scenario::in(lineMode);
+  scenario.script.hasNoSpace();
+  const Outcome run = scenario.run(read(5));
+  EXPECT_NE(run.records("read:").find("outputStream.hasSpaceAvailable == NO, 0\n"),
+            std::string::npos);
+}
+
+TEST(Read, Of0BytesReturnsAnEmptyBufferWithoutReading) {
+  const Outcome run = delivering(bytes("10")).run(read(0));
+  EXPECT_EQ(run.result, "<>");
+  EXPECT_EQ(run.wire(), "");
+  EXPECT_EQ(run.records("read:"), text(R"(
+    Start | 0
+    End | 0, -> <>
+  )"));
+}
+
+TEST(Read, Of0BytesWhenNotConnectedReturnsNone) {
+  Scenario scenario = Scenario::in(lineMode);
+  scenario.script.isLost();
+  EXPECT_EQ(scenario.run(read(0)).result, "none");
+}
+
+TEST(Read, MovesAtMost128BytesInOneCall) {
+  const Bytes much(300, 0x41);
+  const Outcome run = delivering(much).run(read(300));
+  EXPECT_EQ(run.result, shown(much));
+  EXPECT_EQ(run.wire(), "2 x input.read 128 -> " + shown(Bytes(128, 0x41)) + "\ninput.read 44 -> " +
+                            shown(Bytes(44, 0x41)) + "\n");
+}
+
+TEST(Read, TakesNoMoreThanAsked) {
+  const Outcome run = delivering(bytes("01 02 03 04")).run(inTurn({read(3), read(3)}));
+  EXPECT_EQ(run.result, "<01 02 03>; <04>");
+}
+
+TEST(Read, StopsAsSoonAsTheStreamHasNothingMore) {
+  Scenario scenario = delivering(bytes("01 02"));
+  scenario.script.delivers(bytes("03"), 0.05);
+  const Outcome run = scenario.run(read(3));
+  EXPECT_EQ(run.result, "<01 02>");
+  EXPECT_EQ(run.wire(), "input.read 3 -> <01 02>\n");
+}
+
+TEST(Read, ReturnsWhatArrivesWithinTheSliceAtOnce) {
+  Scenario scenario = Scenario::in(lineMode);
+  scenario.script.delivers(bytes("01"), 0.05);
+  const Outcome run = scenario.run(inTurn({read(3), writeWithRetry({})}));
+  EXPECT_EQ(run.result, "<01>; 0");
+  EXPECT_NE(run.all().find("gettimeofday 1000000.050000"), std::string::npos);
+}
+
+TEST(Read, ReturnsNoneWhenNotConnected) {
+  Scenario scenario = delivering(bytes("01"));
+  scenario.script.isLost();
+  const Outcome run = scenario.run(read(9));
+  EXPECT_EQ(run.result, "none");
+  EXPECT_EQ(run.records("read:"), text(R"(
+    Start | 9
+    Error | self.isConnected, 0
+    End | 9, -> 0x0
+  )"));
+}
+
+TEST(Read, DropsWhatItGatheredWhenTheLinkIsLostMeanwhile) {
+  Scenario scenario = delivering(bytes("01 02 03 04"));
+  scenario.script.givesAtMost(2).isLostAfterReads(1);
+  const Outcome run = scenario.run(read(4));
+  EXPECT_EQ(run.result, "none");
+  EXPECT_EQ(run.records("read:"), text(R"(
+    Start | 4
+    Read | EAAccessory, size: 2, command: <01 02>
+    Error | self.isConnected, 0
+    End | 4, -> 0x0
+  )"));
+}
+
+TEST(Read, ReturnsNoneOnEveryNegativeCount) {
+  for (const std::int64_t count : {std::int64_t{-1}, std::int64_t{-2}, INT64_MIN}) {
+    Scenario scenario = delivering(bytes("01"));
+    scenario.script.readReturns(1, count);
+    const Outcome run = scenario.run(read(200));
+    EXPECT_EQ(run.result, "none") << count;
+    EXPECT_EQ(run.records("read:"), text(R"(
+      Start | 200
+      Error | Fail to [_session.inputStream read:buf maxLength:recvSize], <address>, <address>, 128
+      End | 200, -> 0x0
+    )"));
+  }
+}
+
+TEST(Read, AppendsNothingForACountOf0) {
+  Scenario scenario = delivering(bytes("01"));
+  scenario.script.readReturns(1, 0);
+  const Outcome run = scenario.run(read(1));
+  EXPECT_EQ(run.result, "<01>");
+  EXPECT_NE(run.records("read:").find("Read | EAAccessory, size: 0, command: <>\n"),
+            std::string::npos);
+}
+
+TEST(Read, StaysInsideItsBuffersWhateverTheStreamSaysItGave) {
+  for (const std::int64_t count :
+       {std::int64_t{2}, std::int64_t{129}, std::int64_t{1000000}, INT64_MAX}) {
+    Scenario scenario = delivering(bytes("01"));
+    scenario.script.readReturns(1, count).lostAfterCalls = 100;
+    EXPECT_NE(scenario.runOnPort(read(1)).result, "") << count;
+  }
+}
+
+TEST(Read, WithoutAnAccessoryReturnsNone) {
+  Scenario scenario = Scenario::in(lineMode);
+  scenario.isOpen = false;
+  EXPECT_EQ(scenario.run(read(1)).result, "none");
+}
+
+TEST(Read, OfALostLinkDoesNotWait) {
+  Scenario scenario = Scenario::in(lineMode);
+  scenario.script.isLost();
+  EXPECT_EQ(scenario.run(read(1)).wire(), "");
+}
+
+}  // namespace
+}  // namespace quordalvane::test
