@@ -91,6 +91,9 @@ class IncludeRules(SmallTree):
     def test_the_public_header_stands_on_stdint_alone(self):
         self.assertTrue(self.objects_to("include/quordalvane/QuorIOPort.h", "#include <stddef.h>"))
 
+    def test_the_c_interface_knows_no_single_back_end(self):
+        self.assertTrue(self.objects_to("c-interface/Port.cpp", '#include "backends/posix/TcpLink.h"'))
+
     def test_a_job_does_not_know_the_back_ends(self):
         self.assertTrue(self.objects_to("job/PrintJob.cpp", '#include "backends/Devices.h"'))
 

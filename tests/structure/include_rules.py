@@ -43,6 +43,7 @@ NO_CLOCK = r"\b\w+_clock\b"
 
 RULES = (
     Rule("include", (), {"stdint.h"}),
+    Rule("include/quordalvane/QuorIOPortC.h", (PUBLIC,), {"stddef.h"}),
     # Waiting, time and threads come from the platform alone; <chrono> is there for its units.
     Rule("iphone-IOPort", ("iphone-IOPort", "platform", "logging", PUBLIC), PLAIN | TIME, NO_CLOCK),
     Rule("iphone-IOPort/PortC.h", ("parsers",), set()),
@@ -55,6 +56,7 @@ RULES = (
     Rule("backends/virtual", ("platform", "backends/*", "simulator"), STANDARD, NO_CLOCK),
     Rule("backends/posix", ("platform", "backends/*"), EVERY_SYSTEM_HEADER),
     Rule("job", ("iphone-IOPort", PUBLIC), STANDARD, NO_CLOCK),
+    Rule("c-interface", ("job", "iphone-IOPort", "logging", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
     Rule("tools", ("job", "iphone-IOPort", "logging", "backends", "platform", PUBLIC), EVERY_SYSTEM_HEADER),
 )
 

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "c-interface/Failures.h"
+
+// How texts and bytes enter and leave the library: copied, from and into the caller's buffers.
+
+namespace quordalvane::c {
+
+/// The caller's buffer. `length` may be null, and so may `bytes` where `capacity` is 0.
+struct Buffer {
+  void* bytes;
+  std::size_t capacity;
+  std::size_t* length;
+};
+
+/// Copies and stores the length. Raises QUOR_BUFFER_TOO_SMALL, with the length stored, when there
+/// are more bytes than the buffer takes.
+void copyBytes(std::span<const std::uint8_t> bytes, const Buffer& buffer);
+
+/// Copies a text with the NUL behind it; the same otherwise. Without a text the answer is QUOR_NONE
+/// and the length 0.
+QuorCode copyText(const std::optional<std::string>& text, const Buffer& buffer);
+
+/// A copy of what the caller hands in. Raises QUOR_USAGE when `bytes` is null and `size` is not 0.
+std::vector<std::uint8_t> copyOf(const void* bytes, std::size_t size);
+
+/// The text; none for null.
+inline std::optional<std::string> textOrNone(const char* text) {
+  return text == nullptr ? std::nullopt : std::optional<std::string>(text);
+}
+
+}  // namespace quordalvane::c

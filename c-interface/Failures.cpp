@@ -1,0 +1,55 @@
+#include "c-interface/Failures.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <new>
+
+#include "iphone-IOPort/exceptions/PortException.h"
+
+namespace quordalvane::c {
+namespace {
+
+// A text that needs no memory, so that the want of it can be told, too.
+thread_local std::array<char, 512> lastError{};
+
+QuorCode keep(QuorCode code, const char* text) noexcept {
+  const std::size_t size = std::min(std::strlen(text), lastError.size() - 1);
+  std::copy_n(text, size, lastError.begin());
+  lastError[size] = '\0';
+  return code;
+}
+
+}  // namespace
+
+QuorCode codeOfCurrentException() noexcept {
+  try {
+    throw;
+  } catch (const Failure& failure) {
+    return keep(failure.code(), failure.what());
+  } catch (const PortException& failure) {
+    return keep(QUOR_PORT_EXCEPTION, failure.what());
+  } catch (const std::out_of_range& failure) {
+    return keep(QUOR_UNREADABLE, failure.what());
+  } catch (const std::invalid_argument& failure) {
+    return keep(QUOR_USAGE, failure.what());
+  } catch (const std::length_error&) {
+    return keep(QUOR_NO_MEMORY, "more bytes than fit into memory");
+  } catch (const std::bad_alloc&) {
+    return keep(QUOR_NO_MEMORY, "no memory left");
+  } catch (const std::exception& failure) {
+    return keep(QUOR_UNEXPECTED, failure.what());
+  } catch (...) {
+    return keep(QUOR_UNEXPECTED, "an exception that tells nothing of itself");
+  }
+}
+
+}  // namespace quordalvane::c
+
+const char* quor_last_error(void) {
+  return quordalvane::c::lastError.data();
+}
+
+const char* quor_version(void) {
+  return QUOR_VERSION;
+}

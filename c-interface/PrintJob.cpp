@@ -1,0 +1,117 @@
+#include "job/PrintJob.h"
+
+#include <atomic>
+#include <functional>
+#include <utility>
+
+#include "c-interface/Buffers.h"
+#include "c-interface/Handles.h"
+#include "c-interface/SameNumber.h"
+
+using namespace quordalvane;
+using namespace quordalvane::c;
+
+struct QuorPrintJob {
+  QuorPrintJob(std::shared_ptr<ExternalAccessoryPort> port, PrintJob::Options options)
+      : job(std::move(port), std::move(options)) {}
+
+  PrintJob job;
+  PrintResult result;
+  std::atomic<bool> hasRun = false;
+};
+
+namespace {
+
+static_assert(sameNumber(QUOR_PRINTED, PrintOutcome::Printed));
+static_assert(sameNumber(QUOR_UNCONFIRMED, PrintOutcome::Unconfirmed));
+static_assert(sameNumber(QUOR_REFUSED, PrintOutcome::Refused));
+static_assert(sameNumber(QUOR_OBSTACLE_NONE, PrintObstacle::None));
+static_assert(sameNumber(QUOR_OBSTACLE_PRINTER_NOT_READY, PrintObstacle::PrinterNotReady));
+static_assert(sameNumber(QUOR_OBSTACLE_LINK_LOST, PrintObstacle::LinkLost));
+static_assert(sameNumber(QUOR_OBSTACLE_CANCELLED, PrintObstacle::Cancelled));
+static_assert(sameNumber(QUOR_OBSTACLE_EXCHANGE_FAILED, PrintObstacle::ExchangeFailed));
+static_assert(sameNumber(QUOR_OBSTACLE_NO_PROOF, PrintObstacle::NoProof));
+
+const PrintResult& resultOf(QuorPrintJob* job) {
+  return given(job, "the job").result;
+}
+
+}  // namespace
+
+QuorCode quor_print_job_create(QuorPort* port, int32_t checked, QuorProgress progress,
+                               void* context, QuorPrintJob** job) {
+  return guarded([&] {
+    given(job, "the place for the job") = nullptr;
+    PrintJob::Options options{.checked = checked != 0};
+    if (progress != nullptr) {
+      options.progress = [progress, context](const PrintProgress& now) {
+        progress(context, now.bytesAccepted, now.bytesTotal);
+      };
+    }
+    *job = new QuorPrintJob(given(port, "the port").port, std::move(options));
+  });
+}
+
+void quor_print_job_free(QuorPrintJob* job) {
+  delete job;
+}
+
+QuorCode quor_print_job_run(QuorPrintJob* job, const void* data, size_t size) {
+  return guarded([&] {
+    const auto bytes = copyOf(data, size);
+    if (given(job, "the job").hasRun.exchange(true)) {
+      throw Failure(QUOR_USAGE, "a job runs once");
+    }
+    // What a run that is broken off has sent is not told.
+    job->result.outcome = PrintOutcome::Unconfirmed;
+    job->result.obstacle = PrintObstacle::ExchangeFailed;
+    job->result.bytesTotal = size;
+    job->result = job->job.run(bytes);
+  });
+}
+
+void quor_print_job_cancel(QuorPrintJob* job) {
+  if (job != nullptr) {
+    job->job.cancel();
+  }
+}
+
+int32_t quor_print_job_outcome(QuorPrintJob* job) {
+  return answered([&] { return static_cast<int32_t>(resultOf(job).outcome); });
+}
+
+int32_t quor_print_job_obstacle(QuorPrintJob* job) {
+  return answered([&] { return static_cast<int32_t>(resultOf(job).obstacle); });
+}
+
+int64_t quor_print_job_result_code(QuorPrintJob* job) {
+  return answered([&] { return resultOf(job).resultCode; });
+}
+
+uint64_t quor_print_job_bytes_total(QuorPrintJob* job) {
+  return answered([&] { return resultOf(job).bytesTotal; });
+}
+
+uint64_t quor_print_job_bytes_accepted(QuorPrintJob* job) {
+  return answered([&] { return resultOf(job).bytesAccepted; });
+}
+
+QuorCode quor_print_job_status(QuorPrintJob* job, QuorPrinterStatus_2* status) {
+  return guarded([&]() -> QuorCode {
+    given(status, "the status");
+    const auto& last = resultOf(job).status;
+    if (!last) {
+      return QUOR_NONE;
+    }
+    *status = *last;
+    return QUOR_OK;
+  });
+}
+
+QuorCode quor_print_job_reason(QuorPrintJob* job, char* text, size_t capacity, size_t* length) {
+  return guarded([&] { return copyText(resultOf(job).reason, {text, capacity, length}); });
+}
+
+QuorCode quor_print_job_advice(QuorPrintJob* job, char* text, size_t capacity, size_t* length) {
+  return guarded([&] { return copyText(resultOf(job).advice, {text, capacity, length}); });
+}

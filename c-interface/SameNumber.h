@@ -1,0 +1,11 @@
+#pragma once
+
+namespace quordalvane::c {
+
+/// Whether a constant of the C interface has the number of its C++ counterpart.
+template <typename Constant, typename Enumerator>
+constexpr bool sameNumber(Constant constant, Enumerator enumerator) {
+  return static_cast<int>(constant) == static_cast<int>(enumerator);
+}
+
+}  // namespace quordalvane::c
