@@ -48,7 +48,9 @@ class NSInputStream : public NSStream {
 
 class NSOutputStream : public NSStream {
  public:
-  /// True if a write would accept at least one byte now.
+  /// True if a write need not wait: it takes at least one byte now, or fails at once because the
+  /// link is lost. A writer thus learns of a loss also while bytes that came before are left to
+  /// read, which keep the accessory connected. False for a closed stream.
   virtual bool hasSpaceAvailable() = 0;
 
   /// Writes at most `maxLength` bytes. Returns the count taken, which may be fewer, or -1 on an

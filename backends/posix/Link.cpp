@@ -108,8 +108,11 @@ bool Link::hasSpace() {
 }
 
 bool Link::hasSpaceLocked() {
-  if (!descriptor_ || outputBroken_) {
+  if (!descriptor_) {
     return false;
+  }
+  if (outputBroken_) {
+    return true;  // a write need not wait: it fails at once
   }
   if (mayBeFull_ && descriptor_->pollUntil(POLLOUT, SteadyTime{}) != 0) {
     mayBeFull_ = false;

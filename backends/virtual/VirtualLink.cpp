@@ -53,7 +53,10 @@ bool VirtualLink::isReady(Awaited awaited) {
     return false;
   }
   const Instant now = clock_.monotonic();
-  return awaited == Awaited::Bytes ? link_->available(now) > 0 : link_->space(now) > 0;
+  if (awaited == Awaited::Bytes) {
+    return link_->available(now) > 0;
+  }
+  return link_->dropped(now) || link_->space(now) > 0;  // on a lost link a write fails at once
 }
 
 std::int64_t VirtualLink::write(std::span<const std::uint8_t> bytes) {

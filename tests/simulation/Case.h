@@ -1,0 +1,40 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <iosfwd>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "iphone-IOPort/ExternalAccessoryPort.h"
+#include "simulator/PrinterState.h"
+
+namespace quordalvane::simulation {
+
+/// A flag of the printer that changes in mid-run.
+struct Turn {
+  std::chrono::milliseconds after;
+  std::string flag;
+  bool value;
+};
+
+/// One simulated job, all of it decided by its seed.
+struct Case {
+  std::uint64_t seed = 0;
+  ZKEmulation emulation = ZKEmulationQuorLine;
+  std::uint32_t timeoutMillis = 2000;
+  std::uint32_t endTimeoutMillis = 5000;
+  std::string portSettings;
+  std::vector<std::pair<std::string, std::string>> printer;  // settings by name
+  std::vector<std::pair<std::string, std::string>> faults;
+  std::vector<Turn> turns;
+  ByteBuffer data;
+  bool dataMakesSigns = false;  // a mark or a request is in the data
+};
+
+Case makeCase(std::uint64_t seed);
+
+std::ostream& operator<<(std::ostream& out, const Case& given);
+
+}  // namespace quordalvane::simulation
