@@ -1,0 +1,34 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "bench/Endpoint.h"
+#include "bench/Peer.h"
+#include "iphone-IOPort/ExternalAccessoryPort.h"
+
+namespace quordalvane::bench {
+
+/// Many open line-mode ports over TCP, each with a port thread, and a peer that answers them all.
+/// To be made on the main thread, without which there are no port threads.
+class Crowd {
+ public:
+  Crowd(int count, Core peerCore);
+  ~Crowd();
+  Crowd(const Crowd&) = delete;
+  Crowd& operator=(const Crowd&) = delete;
+
+  const std::vector<std::shared_ptr<ExternalAccessoryPort>>& ports() const { return ports_; }
+
+ private:
+  void openAll();
+
+  const std::unique_ptr<Endpoint> endpoint_ = makeEndpoint(Medium::tcp);
+  Peer peer_;
+  std::vector<std::shared_ptr<ExternalAccessoryPort>> ports_;
+};
+
+/// Lets this process have as many descriptors as the system allows.
+void allowManyDescriptors();
+
+}  // namespace quordalvane::bench

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <type_traits>
+#include <vector>
+
+namespace quordalvane::bench {
+
+inline constexpr int pairCount = 5;
+
+using Figures = std::vector<double>;
+
+/// The value below which `share` of the figures lie: 0 is the lowest, 0.5 the median, 1 the
+/// highest.
+double quantile(Figures figures, double share);
+double median(Figures figures);
+double lowest(const Figures& figures);
+double highest(const Figures& figures);
+double sum(const Figures& figures);
+
+/// What was measured on either side, one result a pair.
+template <typename Result>
+struct Pairs {
+  std::vector<Result> ours;
+  std::vector<Result> limit;
+};
+
+/// Runs both sides in turn, each first as often as the other as far as the count allows, so that
+/// what else the machine does meanwhile falls on both.
+template <typename Ours, typename Limit>
+auto alternate(Ours measureOurs, Limit measureLimit) {
+  Pairs<std::invoke_result_t<Ours>> pairs;
+  for (int pair = 0; pair < pairCount; ++pair) {
+    if (pair % 2 == 0) {
+      pairs.ours.push_back(measureOurs());
+      pairs.limit.push_back(measureLimit());
+    } else {
+      pairs.limit.push_back(measureLimit());
+      pairs.ours.push_back(measureOurs());
+    }
+  }
+  return pairs;
+}
+
+/// One member of each result.
+template <typename Result>
+Figures figuresOf(const std::vector<Result>& results, double Result::*member) {
+  Figures figures;
+  for (const Result& result : results) {
+    figures.push_back(result.*member);
+  }
+  return figures;
+}
+
+template <typename Result>
+Pairs<double> figuresOf(const Pairs<Result>& pairs, double Result::*member) {
+  return {.ours = figuresOf(pairs.ours, member), .limit = figuresOf(pairs.limit, member)};
+}
+
+/// How many seconds `body` takes.
+template <typename Body>
+double secondsOf(Body body) {
+  const auto start = std::chrono::steady_clock::now();
+  body();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+/// How many seconds each of `count` calls of `body` takes.
+template <typename Body>
+Figures secondsOfEach(int count, Body body) {
+  Figures seconds;
+  seconds.reserve(static_cast<std::size_t>(count));
+  for (int i = 0; i < count; ++i) {
+    seconds.push_back(secondsOf(body));
+  }
+  return seconds;
+}
+
+}  // namespace quordalvane::bench

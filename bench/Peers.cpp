@@ -1,0 +1,86 @@
+#include "bench/Peers.h"
+
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <stdexcept>
+
+#include "bench/Measure.h"
+#include "bench/Peer.h"
+
+namespace quordalvane::bench {
+namespace {
+
+constexpr double microsecond = 1e6;
+
+struct Closed {
+  void operator()(FILE* pipe) const { ::pclose(pipe); }
+};
+using Output = std::unique_ptr<FILE, Closed>;
+
+Output run(const std::string& command) {
+  return Output(::popen(command.c_str(), "r"));
+}
+
+bool isInstalled(const std::string& program) {
+  return std::system(("command -v " + program + " >/dev/null").c_str()) == 0;
+}
+
+double read(FILE* output) {
+  double seconds = 0;
+  if (std::fscanf(output, "%lf", &seconds) != 1) {
+    throw std::runtime_error("a peer has measured nothing");
+  }
+  return seconds;
+}
+
+/// What `measure` says of an endpoint whose printer answers each connection.
+template <typename Measure>
+double microsecondsAt(Measure measure) {
+  Peer peer(Core::first);
+  const auto endpoint = makeEndpoint(Medium::tcp);
+  peer.answerAll(*endpoint);
+  const double seconds = measure(std::to_string(tcpPort(*endpoint)));
+  ::close(endpoint->connect());  // a connection without a byte ends the printer
+  return seconds * microsecond;
+}
+
+/// The script measures by itself, since its start is no part of a status.
+double secondsOfScript(const std::string& port) {
+  return read(run("python3 " QUOR_BENCH_PEERS "/status_script.py " + port + " 1000").get());
+}
+
+/// From the start of the command to the last of its three bytes.
+double secondsOfCommand(const std::string& port, const std::string& program) {
+  constexpr int runs = 5;
+  const std::string command = QUOR_BENCH_PEERS "/status_command.sh " + program + " " + port;
+  Output output;
+  return median(secondsOfEach(runs, [&] {
+    output = run(command);
+    std::array<char, 3> replies{};
+    if (std::fread(replies.data(), 1, replies.size(), output.get()) != replies.size()) {
+      throw std::runtime_error(program + " has brought no status");
+    }
+  }));
+}
+
+}  // namespace
+
+std::map<std::string, double> measurePeers() {
+  std::map<std::string, double> peers;
+  if (isInstalled("python3")) {
+    peers["Python socket script"] = microsecondsAt(secondsOfScript);
+  }
+  for (const std::string program : {"socat", "nc"}) {
+    if (isInstalled(program)) {
+      peers["shell with " + program] =
+          microsecondsAt([&](const std::string& port) { return secondsOfCommand(port, program); });
+    }
+  }
+  return peers;
+}
+
+}  // namespace quordalvane::bench

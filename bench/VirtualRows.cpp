@@ -1,0 +1,71 @@
+// How fast whole jobs run where time is virtual.
+
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <utility>
+
+#include "backends/virtual/VirtualAccessory.h"
+#include "backends/virtual/VirtualPlatform.h"
+#include "bench/Cores.h"
+#include "bench/Groups.h"
+#include "job/PrintJob.h"
+#include "simulator/PrinterBuilder.h"
+
+namespace quordalvane::bench {
+namespace {
+
+// What a thermal printer works through while it feeds some thirty lines a second.
+constexpr std::uint32_t bytesPerSecond = 1000;
+
+ByteBuffer receipt() {
+  std::ifstream file(QUOR_BENCH_RECEIPT, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+void printOnce(const std::shared_ptr<virtuals::VirtualPlatform>& platform, ZKEmulation emulation,
+               const ByteBuffer& data) {
+  const auto port = ExternalAccessoryPort::initWithPortName("BT:", "", 10000, emulation, platform);
+  if (!port->open() || PrintJob(port).run(data).outcome != PrintOutcome::Printed) {
+    throw std::runtime_error("a simulated job was not printed");
+  }
+  port->close();
+}
+
+/// How many virtual seconds pass in one.
+double speedOfJobs(ZKEmulation emulation, const ByteBuffer& data) {
+  constexpr int jobs = 100;
+  const auto platform = std::make_shared<virtuals::VirtualPlatform>();
+  const auto printer = simulator::PrinterBuilder().speed(bytesPerSecond);
+  const auto accessory = std::make_shared<virtuals::VirtualAccessory>(
+      AccessoryIdentity{}, std::make_unique<simulator::VirtualPrinter>(printer.state()),
+      platform->clock());
+  platform->attach(accessory);
+  const double real = secondsOf([&] {
+    for (int i = 0; i < jobs; ++i) {
+      printOnce(platform, emulation, data);
+      accessory->withPrinter([](auto& its, auto) { its.tearOff(); });
+    }
+  });
+  return std::chrono::duration<double>(platform->clock().monotonic()).count() / real;
+}
+
+Row jobsRow(const std::string& mode, ZKEmulation emulation, const ByteBuffer& data) {
+  Figures speeds;
+  for (int i = 0; i < pairCount; ++i) {
+    speeds.push_back(speedOfJobs(emulation, data));
+  }
+  return comparedRow({"B13", mode + " jobs under virtual time", ">= 10,000 x", "s a second"},
+                     {.ours = speeds, .limit = Figures(speeds.size(), 1)}, Best::highest);
+}
+
+}  // namespace
+
+Rows virtualTime() {
+  const Bound bound(Core::first);
+  const ByteBuffer data = receipt();
+  return {jobsRow("line-mode", ZKEmulationQuorLine, data),
+          jobsRow("ESC/POS", ZKEmulationESCPOS, data)};
+}
+
+}  // namespace quordalvane::bench

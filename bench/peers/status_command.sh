@@ -1,0 +1,8 @@
+#!/bin/sh
+# An ESC/POS status as a shell asks for it. Usage: status_command.sh socat|nc PORT
+# The three status bytes go to standard output.
+case $1 in
+  socat) set -- socat - "TCP:127.0.0.1:$2,nodelay" ;;
+  nc) set -- nc -w 1 127.0.0.1 "$2" ;;
+esac
+printf '\033\035\003\004\000\000\020\004\001\020\004\002\020\004\004' | "$@"
