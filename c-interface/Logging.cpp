@@ -98,9 +98,9 @@ QuorCode quor_log_remove_sink(QuorLogSink* sink) {
     if (sink != nullptr) {
       const std::unique_ptr<QuorLogSink> handle(sink);
       LogWriter& writer = LogWriter::sharedInstance();
-      const bool given = writer.flush();
+      const bool idle = writer.flush();
       writer.removeSink(handle->sink);
-      succeed(writer.flush() && given, "the sink is still at work");
+      succeed(idle && writer.flush(), "the sink is still at work");
     }
   });
 }

@@ -286,8 +286,7 @@ enum {
 /* One print job over an open port. It is sent once and never again by itself. */
 typedef struct QuorPrintJob QuorPrintJob;
 
-/* Called on the thread that runs the job, after its beginning and after each piece that went
- * out. */
+/* Called on the thread that runs the job, after each piece of it that went out. */
 typedef void (*QuorProgress)(void* context, uint64_t bytes_accepted, uint64_t bytes_total);
 
 /* Creates a job, which keeps the port for itself as long as it lives. `checked` 0: the printer is
@@ -302,7 +301,7 @@ QUOR_EXPORT void quor_print_job_free(QuorPrintJob* job);
 /* Prints `size` bytes and returns when it is known what became of them, which the functions below
  * tell; called once, QUOR_USAGE the second time. QUOR_OK says nothing of the outcome. Blocks up to
  * the time-outs of the port. The port stays open, except after a cancel. A failure, of memory or of
- * the system, leaves the outcome unconfirmed. */
+ * the system, leaves the outcome unconfirmed and the count untold. */
 QUOR_EXPORT QuorCode quor_print_job_run(QuorPrintJob* job, const void* data, size_t size);
 
 /* Abandons the job: within 0.3 s the printer is told to drop what it holds, if the link takes that,

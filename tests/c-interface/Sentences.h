@@ -1,0 +1,45 @@
+#pragma once
+
+#include <quordalvane/QuorIOPortC.h>
+#include <stdbool.h>
+
+/* The tests of the C interface: each a function whose name is the sentence that it proves, run in a
+ * process of its own. */
+
+typedef struct Sentence {
+  const char* name;
+  void (*prove)(void);
+} Sentence;
+
+#define SENTENCE(name) \
+  { #name, name }
+
+/* A further function in a table's file that stands in no table is an unused one: it does not
+ * compile. Each table ends in an empty sentence. */
+extern const Sentence portSentences[];
+extern const Sentence informationSentences[];
+extern const Sentence jobSentences[];
+extern const Sentence loggingSentences[];
+
+/* Counts a failure, and tells it, unless the condition holds. */
+#define EXPECT(condition) expectThat((condition), #condition, __FILE__, __LINE__)
+void expectThat(bool holds, const char* condition, const char* file, int line);
+
+/* The same, and ends the program. */
+#define REQUIRE(condition) requireThat((condition), #condition, __FILE__, __LINE__)
+void requireThat(bool holds, const char* condition, const char* file, int line);
+
+/* A failed call: its code, and that its reason holds the words. */
+#define EXPECT_FAILURE(call, code, words) \
+  expectFailure((call), (code), (words), #call, __FILE__, __LINE__)
+void expectFailure(QuorCode answer, QuorCode code, const char* words, const char* call,
+                   const char* file, int line);
+
+/* A port of the given emulation to the device that the text describes, with a time-out of 3 s. */
+QuorPort* portTo(const char* spec, int32_t emulation);
+
+/* The same, open. */
+QuorPort* openPortTo(const char* spec, int32_t emulation);
+
+/* Closes and frees. */
+void done(QuorPort* port);

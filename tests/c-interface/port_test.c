@@ -1,0 +1,262 @@
+#include <pthread.h>
+#include <stdint.h>
+#include <string.h>
+
+#include "Sentences.h"
+
+static const uint8_t statusRequest[] = {0x1b, 0x06, 0x01};
+
+static void APortNeedsDevices(void) {
+  QuorPort* port = (QuorPort*)statusRequest;
+  EXPECT_FAILURE(quor_port_create(NULL, NULL, 1000, QUOR_EMULATION_LINE, &port), QUOR_FAILED,
+                 "no devices");
+  EXPECT(port == NULL);
+}
+
+static void ADeviceTextThatIsNoneLeavesTheDevicesAsTheyWere(void) {
+  const char* const good = "virtual:,name=Till";
+  const char* const bad[] = {"virtual:", "carrier-pigeon:"};
+  const char* const null[] = {NULL};
+  EXPECT(quor_connect_devices(&good, 1) == QUOR_OK);
+  EXPECT_FAILURE(quor_connect_devices(bad, 2), QUOR_USAGE, "carrier-pigeon");
+  EXPECT_FAILURE(quor_connect_devices(null, 1), QUOR_USAGE, "null");
+  EXPECT_FAILURE(quor_connect_devices(NULL, 1), QUOR_USAGE, "null");
+  QuorPort* port = NULL;
+  REQUIRE(quor_port_create("BT:Till", NULL, 1000, QUOR_EMULATION_LINE, &port) == QUOR_OK);
+  EXPECT(quor_port_open(port) == QUOR_OK);
+  done(port);
+}
+
+static void NoDevicesAreDevicesOfWhichNoneMatches(void) {
+  EXPECT(quor_connect_devices(NULL, 0) == QUOR_OK);
+  QuorPort* port = NULL;
+  REQUIRE(quor_port_create(NULL, NULL, 1000, QUOR_EMULATION_LINE, &port) == QUOR_OK);
+  EXPECT_FAILURE(quor_port_open(port), QUOR_FAILED, "no accessory matches");
+  done(port);
+}
+
+static void AnEmulationThatThereIsNotIsRefused(void) {
+  const char* const spec = "virtual:";
+  REQUIRE(quor_connect_devices(&spec, 1) == QUOR_OK);
+  QuorPort* port = NULL;
+  EXPECT_FAILURE(quor_port_create(NULL, NULL, 1000, 3, &port), QUOR_USAGE, "emulation 3");
+  EXPECT_FAILURE(quor_port_create(NULL, NULL, 1000, -1, &port), QUOR_USAGE, "emulation -1");
+  EXPECT(port == NULL);
+}
+
+static void APortIsConnectedFromOpenToClose(void) {
+  QuorPort* port = portTo("virtual:", QUOR_EMULATION_LINE);
+  EXPECT(quor_port_is_connected(port) == 0);
+  EXPECT(quor_port_open(port) == QUOR_OK);
+  EXPECT(quor_port_is_connected(port) == 1);
+  EXPECT(quor_port_close(port) == QUOR_OK);
+  EXPECT(quor_port_is_connected(port) == 0);
+  EXPECT(quor_port_close(port) == QUOR_OK);
+  quor_port_free(port);
+  quor_port_free(NULL);
+}
+
+static void APrinterThatCannotBeReachedIsToldWithItsPlace(void) {
+  QuorPort* port = portTo("unix:/no/such/place", QUOR_EMULATION_LINE);
+  EXPECT_FAILURE(quor_port_open(port), QUOR_FAILED, "cannot be reached");
+  EXPECT(strstr(quor_last_error(), "/no/such/place") != NULL);
+  done(port);
+}
+
+static void NullIsAnsweredAndNotFollowed(void) {
+  size_t count = 0;
+  EXPECT_FAILURE(quor_port_open(NULL), QUOR_USAGE, "port must not be null");
+  EXPECT_FAILURE(quor_port_create(NULL, NULL, 0, 0, NULL), QUOR_USAGE, "null");
+  EXPECT(quor_port_is_connected(NULL) == 0);
+  EXPECT(quor_port_timeout(NULL) == 0);
+  QuorPort* port = portTo("virtual:", QUOR_EMULATION_LINE);
+  EXPECT_FAILURE(quor_port_write(port, NULL, 1, &count), QUOR_USAGE, "data must not be null");
+  EXPECT_FAILURE(quor_port_write(port, "a", 1, NULL), QUOR_USAGE, "count must not be null");
+  EXPECT_FAILURE(quor_port_get_parsed_status(port, NULL, 0), QUOR_USAGE, "status");
+  EXPECT_FAILURE(quor_port_get_online_status(port, NULL), QUOR_USAGE, "answer");
+  done(port);
+}
+
+static size_t readWhole(QuorPort* port, uint8_t* bytes, size_t wanted) {
+  size_t gathered = 0;
+  for (int attempt = 0; attempt < 20 && gathered < wanted; ++attempt) {
+    size_t length = 0;
+    EXPECT(quor_port_read(port, bytes + gathered, wanted - gathered, &length) == QUOR_OK);
+    gathered += length;
+  }
+  return gathered;
+}
+
+static void BytesGoOutAndComeBack(void) {
+  QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
+  uint8_t reply[4] = {0};
+  size_t count = 99;
+  EXPECT(quor_port_write(port, NULL, 0, &count) == QUOR_OK);
+  EXPECT(count == 0);
+  EXPECT(quor_port_write(port, statusRequest, sizeof statusRequest, &count) == QUOR_OK);
+  EXPECT(count == sizeof statusRequest);
+  EXPECT(readWhole(port, reply, sizeof reply) == sizeof reply);
+  EXPECT((reply[0] & 0xc0) == 0x80);
+  EXPECT(quor_port_write_with_retry(port, statusRequest, sizeof statusRequest, &count) == QUOR_OK);
+  EXPECT(count == sizeof statusRequest);
+  EXPECT(quor_port_read(port, NULL, 0, &count) == QUOR_OK);
+  EXPECT(count == 0);
+  done(port);
+}
+
+static void ALostLinkFailsWithoutACount(void) {
+  QuorPort* port = openPortTo("virtual:,cut-after-in=1:at-once", QUOR_EMULATION_LINE);
+  QuorPrinterStatus_2 status = {0};
+  uint8_t byte = 0;
+  size_t count = 99;
+  quor_port_write(port, statusRequest, sizeof statusRequest, &count);
+  EXPECT_FAILURE(quor_port_write(port, "a", 1, &count), QUOR_FAILED, "written");
+  EXPECT(count == 0);
+  EXPECT_FAILURE(quor_port_read(port, &byte, 1, &count), QUOR_FAILED, "lost");
+  EXPECT_FAILURE(quor_port_get_parsed_status(port, &status, 0), QUOR_PORT_EXCEPTION,
+                 "Native WritePort failed");
+  done(port);
+}
+
+static void TheStatusSaysWhatIsWrong(void) {
+  QuorPort* port = openPortTo("virtual:,coverOpen=true", QUOR_EMULATION_LINE);
+  QuorPrinterStatus_2 status = {0};
+  int32_t online = 1;
+  EXPECT(quor_port_get_parsed_status(port, &status, 0) == QUOR_OK);
+  EXPECT(status.coverOpen == 1 && status.offline == 1 && status.receiptPaperEmpty == 0);
+  EXPECT(quor_port_get_online_status(port, &online) == QUOR_OK);
+  EXPECT(online == 0);
+  done(port);
+}
+
+static void APrinterOnLineIsOnLine(void) {
+  QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_ESCPOS);
+  int32_t online = 0;
+  EXPECT(quor_port_get_online_status(port, &online) == QUOR_OK);
+  EXPECT(online == 1);
+  done(port);
+}
+
+static void ASilentPrinterGivesNoStatus(void) {
+  QuorPort* port = openPortTo("virtual:,drop-reply=all", QUOR_EMULATION_LINE);
+  QuorPrinterStatus_2 status;
+  memset(&status, 7, sizeof status);
+  const QuorPrinterStatus_2 before = status;
+  int32_t online = 1;
+  EXPECT_FAILURE(quor_port_get_parsed_status(port, &status, 0), QUOR_FAILED, "status");
+  EXPECT(memcmp(&status, &before, sizeof status) == 0);
+  EXPECT_FAILURE(quor_port_get_online_status(port, &online), QUOR_FAILED, "status");
+  EXPECT(online == 0);
+  done(port);
+}
+
+static void ACheckedBlockBeginsAndEnds(void) {
+  QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
+  QuorPrinterStatus_2 status = {0};
+  int64_t result = QUOR_RESULT_FAILED;
+  size_t count = 0;
+  EXPECT(quor_port_begin_checked_block(port, &status, 2, &result) == QUOR_OK);
+  EXPECT(result == QUOR_RESULT_SUCCESS);
+  EXPECT(quor_port_write(port, "text\n", 5, &count) == QUOR_OK);
+  EXPECT(quor_port_end_checked_block(port, &status, 2) == QUOR_OK);
+  EXPECT(status.offline == 0 && status.etbCounter == 2);
+  EXPECT(quor_port_start_data_cancel(port) == QUOR_OK);
+  done(port);
+}
+
+static void ABlockOnAPrinterOffLineIsRefusedInItsResultCode(void) {
+  QuorPort* port = openPortTo("virtual:,offline=true", QUOR_EMULATION_LINE);
+  QuorPrinterStatus_2 status = {0};
+  int64_t result = QUOR_RESULT_SUCCESS;
+  EXPECT(quor_port_begin_checked_block(port, &status, 2, &result) == QUOR_OK);
+  EXPECT(result == QUOR_RESULT_FAILED);
+  EXPECT(status.offline == 1);
+  done(port);
+}
+
+static void PaperInTheExitIsToldInTheResultCode(void) {
+  QuorPort* port = openPortTo("virtual:,paperPresent=true", QUOR_EMULATION_LINE);
+  QuorPrinterStatus_2 status = {0};
+  int64_t result = QUOR_RESULT_SUCCESS;
+  EXPECT_FAILURE(quor_port_begin_checked_block(port, &status, 2, &result), QUOR_FAILED, "prepared");
+  EXPECT(result == QUOR_RESULT_PAPER_PRESENT);
+  done(port);
+}
+
+typedef struct Traffic {
+  size_t out;
+  size_t in;
+  int32_t answer;
+} Traffic;
+
+static int32_t countWritten(void* context, size_t count) {
+  Traffic* traffic = context;
+  traffic->out += count;
+  return traffic->answer;
+}
+
+static int32_t countRead(void* context, const uint8_t* bytes, size_t count) {
+  Traffic* traffic = context;
+  EXPECT(bytes != NULL || count == 0);
+  traffic->in += count;
+  return 0;
+}
+
+static void ObserversSeeEveryByteAndStopAnOperation(void) {
+  QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
+  Traffic traffic = {0, 0, 0};
+  uint8_t reply[4] = {0};
+  size_t count = 0;
+  REQUIRE(quor_port_set_transfer_observer(port, countWritten, countRead, &traffic) == QUOR_OK);
+  EXPECT(quor_port_write(port, statusRequest, sizeof statusRequest, &count) == QUOR_OK);
+  EXPECT(readWhole(port, reply, sizeof reply) == sizeof reply);
+  EXPECT(traffic.out == sizeof statusRequest && traffic.in == sizeof reply);
+  traffic.answer = 1;
+  EXPECT_FAILURE(quor_port_write(port, statusRequest, sizeof statusRequest, &count), QUOR_STOPPED,
+                 "stopped");
+  EXPECT(count == 0);
+  EXPECT(quor_port_set_transfer_observer(port, NULL, NULL, NULL) == QUOR_OK);
+  EXPECT(quor_port_write(port, statusRequest, sizeof statusRequest, &count) == QUOR_OK);
+  EXPECT(traffic.out == 2 * sizeof statusRequest);
+  done(port);
+}
+
+static void* lastErrorThere(void* unused) {
+  (void)unused;
+  return (void*)quor_last_error();
+}
+
+static void TheLastErrorIsEachThreadsOwn(void) {
+  EXPECT(strcmp(quor_last_error(), "") == 0);
+  EXPECT_FAILURE(quor_port_open(NULL), QUOR_USAGE, "port");
+  pthread_t thread;
+  void* there = NULL;
+  REQUIRE(pthread_create(&thread, NULL, lastErrorThere, NULL) == 0);
+  REQUIRE(pthread_join(thread, &there) == 0);
+  EXPECT(there != (const void*)quor_last_error());
+  EXPECT(strstr(quor_last_error(), "port") != NULL);
+}
+
+static void TheVersionIsThatOfTheProject(void) {
+  EXPECT(strcmp(quor_version(), QUOR_VERSION) == 0);
+}
+
+const Sentence portSentences[] = {SENTENCE(APortNeedsDevices),
+                                  SENTENCE(ADeviceTextThatIsNoneLeavesTheDevicesAsTheyWere),
+                                  SENTENCE(NoDevicesAreDevicesOfWhichNoneMatches),
+                                  SENTENCE(AnEmulationThatThereIsNotIsRefused),
+                                  SENTENCE(APortIsConnectedFromOpenToClose),
+                                  SENTENCE(APrinterThatCannotBeReachedIsToldWithItsPlace),
+                                  SENTENCE(NullIsAnsweredAndNotFollowed),
+                                  SENTENCE(BytesGoOutAndComeBack),
+                                  SENTENCE(ALostLinkFailsWithoutACount),
+                                  SENTENCE(TheStatusSaysWhatIsWrong),
+                                  SENTENCE(APrinterOnLineIsOnLine),
+                                  SENTENCE(ASilentPrinterGivesNoStatus),
+                                  SENTENCE(ACheckedBlockBeginsAndEnds),
+                                  SENTENCE(ABlockOnAPrinterOffLineIsRefusedInItsResultCode),
+                                  SENTENCE(PaperInTheExitIsToldInTheResultCode),
+                                  SENTENCE(ObserversSeeEveryByteAndStopAnOperation),
+                                  SENTENCE(TheLastErrorIsEachThreadsOwn),
+                                  SENTENCE(TheVersionIsThatOfTheProject),
+                                  {NULL, NULL}};
