@@ -73,8 +73,10 @@ struct Scheme {
   void (*checkPlace)(const std::string& place);
 };
 
+constexpr std::string_view builtIn = "virtual";
+
 constexpr std::array schemes = {
-    Scheme{"virtual", takeAnyPlace}, Scheme{"tcp", checkHostAndPort},
+    Scheme{builtIn, takeAnyPlace}, Scheme{"tcp", checkHostAndPort},
     Scheme{"unix", checkPath<107>},     // what a socket's address holds
     Scheme{"serial", checkPath<4095>},  // what the system takes
 };
@@ -174,7 +176,7 @@ class KeySetter {
  private:
   void set(const std::string& name, const std::string& value) {
     const Key* const key = findKey(name, spec_.scheme);
-    if (key == nullptr && spec_.scheme == "virtual") {
+    if (key == nullptr && spec_.scheme == builtIn) {
       spec_.options.emplace_back(name, value);
       return;
     }
@@ -210,15 +212,17 @@ const Scheme& schemeOf(std::string_view text) {
 
 DeviceSpec parseDeviceSpec(std::string_view text) {
   const Scheme& scheme = schemeOf(text);
-  const auto pieces = splitAtCommas(text.substr(scheme.name.size() + 1));
+  auto pieces = splitAtCommas(text.substr(scheme.name.size() + 1));
+  // The printer in this process needs no place: its keys may follow the colon at once.
+  if (scheme.name == builtIn && pieces.front().find('=') != std::string::npos) {
+    pieces.insert(pieces.begin(), "");
+  }
 
   DeviceSpec spec;
   spec.scheme = scheme.name;
   spec.place = pieces.front();
   scheme.checkPlace(spec.place);
-  if (!spec.place.empty()) {
-    spec.identity.name = spec.place;
-  }
+  spec.identity.name = spec.place.empty() ? "virtual printer" : spec.place;
   KeySetter setter(spec);
   std::for_each(pieces.begin() + 1, pieces.end(), [&](const auto& piece) { setter.set(piece); });
   return spec;

@@ -40,10 +40,10 @@ TEST(DeviceSpec, TakesEachSchemeWithItsPlaceWhichIsTheName) {
   }
 }
 
-TEST(DeviceSpec, ThePrinterThatIsBuiltInNeedsNoPlaceAndThenHasNoName) {
+TEST(DeviceSpec, ThePrinterThatIsBuiltInNeedsNoPlaceAndHasANameOfItsOwn) {
   const DeviceSpec spec = parseDeviceSpec("virtual:");
   EXPECT_EQ(spec.place, "");
-  EXPECT_EQ(spec.identity.name, std::nullopt);
+  EXPECT_EQ(spec.identity.name, "virtual printer");
 }
 
 TEST(DeviceSpec, PresentsAPrinterOfTheMakersOwnUnlessToldOtherwise) {
@@ -117,6 +117,9 @@ TEST(DeviceSpec, ASerialLineTakesTheRatesThatTheSystemHas) {
 }
 
 TEST(DeviceSpec, ThePrinterThatIsBuiltInKeepsItsOwnKeysInOrder) {
+  for (const char* start : {"virtual:,", "virtual:"}) {
+    EXPECT_EQ(parseDeviceSpec(start + "cover=open,model=M"s).options.front().second, "open");
+  }
   const DeviceSpec spec = parseDeviceSpec("virtual:,cover=open,model=M,fault=a,fault=b,baud=1");
   EXPECT_THAT(spec.options, ElementsAre(Pair("cover", "open"), Pair("fault", "a"),
                                         Pair("fault", "b"), Pair("baud", "1")));
