@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include <quordalvane/QuorExport.h>
+
 #include "platform/EAAccessory.h"
 
 namespace quordalvane {
@@ -21,7 +23,7 @@ struct AccessoryIdentity {
 };
 
 /// An accessory whose texts are an identity given at creation: the part that all back ends share.
-class IdentifiedAccessory : public EAAccessory {
+class QUOR_EXPORT IdentifiedAccessory : public EAAccessory {
  public:
   explicit IdentifiedAccessory(AccessoryIdentity identity);
 

@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include <quordalvane/QuorExport.h>
+
 #include "backends/AccessoryIdentity.h"
 #include "backends/posix/Serial.h"
 
@@ -18,7 +20,7 @@ namespace quordalvane {
 ///
 /// | text | device |
 /// |---|---|
-/// | `virtual:` or `virtual:NAME` | the printer that is built in |
+/// | `virtual:`, `virtual:NAME` or `virtual:KEY=VALUE` | the printer that is built in |
 /// | `tcp:HOST:PORT` | a printer on the network; an IPv6 address in brackets, `tcp:[::1]:9100` |
 /// | `unix:PATH` | a local socket |
 /// | `serial:PATH` | a serial line |
@@ -47,7 +49,7 @@ struct DeviceSpec {
 
 /// Reads the text of a device. Raises `std::invalid_argument` if it is none, with a text for people
 /// that names what is wrong and what may stand there; the text is printable whatever was read.
-DeviceSpec parseDeviceSpec(std::string_view text);
+QUOR_EXPORT DeviceSpec parseDeviceSpec(std::string_view text);
 
 struct HostAndPort {
   std::string host;  ///< a name or an address, without brackets
@@ -55,6 +57,6 @@ struct HostAndPort {
 };
 
 /// Reads `HOST:PORT`. Raises as above.
-HostAndPort parseHostAndPort(std::string_view text);
+QUOR_EXPORT HostAndPort parseHostAndPort(std::string_view text);
 
 }  // namespace quordalvane

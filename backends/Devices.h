@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include <quordalvane/QuorExport.h>
+
 #include "backends/DeviceSpec.h"
 #include "backends/posix/PosixPlatform.h"
 #include "platform/Clock.h"
@@ -17,7 +19,7 @@ namespace quordalvane {
 ///
 /// Raises `std::invalid_argument` with a text for people if the built-in printer refuses an option.
 /// May be called from any thread.
-std::shared_ptr<EAAccessory> makeAccessory(const DeviceSpec& spec, Clock& clock);
+QUOR_EXPORT std::shared_ptr<EAAccessory> makeAccessory(const DeviceSpec& spec, Clock& clock);
 
 /// Makes the platform of an ordinary program, with the devices of these texts attached in their
 /// order, and sets it as the process's own: ports that are created from then on find them.
@@ -27,10 +29,11 @@ std::shared_ptr<EAAccessory> makeAccessory(const DeviceSpec& spec, Clock& clock)
 /// Nothing is connected before a port is opened. Returns the platform, for attaching more. Raises
 /// `std::invalid_argument` as `parseDeviceSpec` and `makeAccessory` do; the process's platform is
 /// then as it was.
-std::shared_ptr<posix::PosixPlatform> connectDevices(const std::vector<std::string>& specs);
+QUOR_EXPORT std::shared_ptr<posix::PosixPlatform> connectDevices(
+    const std::vector<std::string>& specs);
 
 /// Why the latest session on `accessory` could not be opened, as a text for people; "" if it could,
 /// or if the accessory's back end gives no reasons.
-std::string lastOpenError(EAAccessory& accessory);
+QUOR_EXPORT std::string lastOpenError(EAAccessory& accessory);
 
 }  // namespace quordalvane

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include <quordalvane/QuorExport.h>
 #include <quordalvane/QuorIOPort.h>
 
 #include "iphone-IOPort/AtomicProperty.h"
@@ -31,7 +32,7 @@ using ByteBuffer = std::vector<std::uint8_t>;
 inline constexpr std::string_view quorProtocol = "com.quordalvane.receipt";
 
 /// The command that asks a line-mode printer for a status block by itself.
-extern const std::uint8_t escAckSoh[3];
+QUOR_EXPORT extern const std::uint8_t escAckSoh[3];
 
 /// One connection to one receipt printer, or to the maker's Bluetooth cash-drawer unit, behind an
 /// accessory session.
@@ -51,7 +52,8 @@ extern const std::uint8_t escAckSoh[3];
 /// std::bad_alloc pass through every operation but `open` and `close`.
 ///
 /// Every operation writes diagnostic records through LogWriter.
-class ExternalAccessoryPort : public std::enable_shared_from_this<ExternalAccessoryPort> {
+class QUOR_EXPORT ExternalAccessoryPort
+    : public std::enable_shared_from_this<ExternalAccessoryPort> {
   struct Arguments;
 
  public:

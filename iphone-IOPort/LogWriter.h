@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include <quordalvane/QuorExport.h>
+
 #include "logging/LogDelivery.h"
 #include "logging/LogRecord.h"
 #include "logging/LogSink.h"
@@ -24,7 +26,7 @@ struct LogStatistics {
 
 /// The library's logger: it decides which records are wanted and passes them to the sinks that the
 /// application has added. All members may be called from any thread at once, a sink's included.
-class LogWriter {
+class QUOR_EXPORT LogWriter {
  public:
   /// Whether logging is switched on. Off until the application switches it on. Takes no lock.
   static bool isLogging() noexcept { return logging_.load(std::memory_order_relaxed); }

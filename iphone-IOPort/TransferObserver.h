@@ -4,11 +4,13 @@
 #include <cstdint>
 #include <span>
 
+#include <quordalvane/QuorExport.h>
+
 namespace quordalvane {
 
 /// Sees the bytes that pass through a port, on the thread that moves them. What it raises passes
 /// through the operation that was moving them, which is how a wait is abandoned from outside.
-class TransferObserver {
+class QUOR_EXPORT TransferObserver {
  public:
   virtual ~TransferObserver() = default;
 

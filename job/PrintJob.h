@@ -9,6 +9,7 @@
 #include <span>
 #include <string>
 
+#include <quordalvane/QuorExport.h>
 #include <quordalvane/QuorIOPort.h>
 
 #include "iphone-IOPort/ExternalAccessoryPort.h"
@@ -65,7 +66,7 @@ struct PrintProgress {
 /// The data goes out by `write:` in pieces, under the port's time-out: as long without progress
 /// fails the job. A job whose data could itself make the printer's signs is printed, but not
 /// confirmed, see `confirmationObstacle`.
-class PrintJob : private TransferObserver {
+class QUOR_EXPORT PrintJob : private TransferObserver {
  public:
   struct Options {
     /// False: no block, hence no look at the printer and no proof. The best outcome is Unconfirmed.

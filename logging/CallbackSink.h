@@ -2,12 +2,14 @@
 
 #include <functional>
 
+#include <quordalvane/QuorExport.h>
+
 #include "logging/LogSink.h"
 
 namespace quordalvane {
 
 /// Calls a function of the application for every record.
-class CallbackSink : public LogSink {
+class QUOR_EXPORT CallbackSink : public LogSink {
  public:
   /// The function runs on the writer thread. It may log, and may throw: that costs it nothing but
   /// the one report that every failing sink gets. In the records that it sees, control characters

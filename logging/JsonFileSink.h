@@ -2,13 +2,15 @@
 
 #include <string>
 
+#include <quordalvane/QuorExport.h>
+
 #include "logging/LogSink.h"
 #include "logging/RotatingFile.h"
 
 namespace quordalvane {
 
 /// Writes records to a file, one JSON object a line (see appendJsonLine), with rotation by size.
-class JsonFileSink : public LogSink {
+class QUOR_EXPORT JsonFileSink : public LogSink {
  public:
   /// Opens `path` as RotatingFile does. Throws std::system_error when it cannot.
   explicit JsonFileSink(std::string path, LogRotation rotation = {})

@@ -36,6 +36,12 @@ class LogQueue {
   /// however few they are: dumps of print data are long.
   static constexpr std::size_t kTextLimit = std::size_t{64} << 20U;
 
+  /// How long `take` gathers records after the first. One wake-up of the writer, which costs more
+  /// than many records, then serves them all.
+  static constexpr std::chrono::milliseconds kGatherTime{1};
+
+  explicit LogQueue(std::chrono::milliseconds gatherTime = kGatherTime) : gatherTime_(gatherTime) {}
+
   /// Queues the record, or drops it when the queue is full. A full queue stays full until the
   /// writer takes it, so that all drops of a batch lie in one place of the stream. A queue that is
   /// not open discards the record, which is no drop: there is nobody to miss it.
@@ -50,13 +56,9 @@ class LogQueue {
   void open();
   void close() noexcept;
 
-  /// How long `take` gathers records after the first. One wake-up of the writer, which costs more
-  /// than many records, then serves them all.
-  static constexpr std::chrono::milliseconds kGatherTime{1};
-
   /// Waits for a record, gathers more for at most the gather time, and swaps them for the empty
-  /// `batch`. It gathers no longer than until the queue is half full, somebody waits for the
-  /// records, or the queue is closed. False, at once, when the queue is closed and nothing waits.
+  /// `batch`. It gathers no longer than until the queue is half full or closed. False, at once,
+  /// when the queue is closed and nothing waits.
   bool take(Batch& batch);
 
   /// Says that the sinks have been given `records` more of the records taken.
@@ -72,6 +74,8 @@ class LogQueue {
   bool isFull() const noexcept;
   bool isHalfFull() const noexcept { return pending_.records.size() >= capacity_ / 2; }
 
+  const std::chrono::milliseconds gatherTime_;
+
   mutable std::mutex mutex_;  // guards everything below
   std::condition_variable filled_;
   std::condition_variable finished_;
@@ -81,7 +85,6 @@ class LogQueue {
   Counts counts_;
   std::uint64_t queuedRecords_ = 0;
   std::uint64_t finishedRecords_ = 0;
-  unsigned waitingForFinish_ = 0;
   bool open_ = false;
 };
 

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include <quordalvane/QuorExport.h>
+
 namespace quordalvane {
 
 /// The kind of a log record.
@@ -21,7 +23,7 @@ enum ZKLogType : std::int32_t {
 
 /// The enumerator's name without its prefix, as in "InternalMethodStart"; "Unknown" for any other
 /// value.
-std::string_view logTypeName(ZKLogType type) noexcept;
+QUOR_EXPORT std::string_view logTypeName(ZKLogType type) noexcept;
 
 /// The system's id of the calling thread.
 std::int32_t currentThreadId() noexcept;

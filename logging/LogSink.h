@@ -2,12 +2,14 @@
 
 #include <span>
 
+#include <quordalvane/QuorExport.h>
+
 #include "logging/LogRecord.h"
 
 namespace quordalvane {
 
 /// Where records end up.
-class LogSink {
+class QUOR_EXPORT LogSink {
  public:
   virtual ~LogSink() = default;
 

@@ -3,6 +3,8 @@
 #include <string>
 #include <string_view>
 
+#include <quordalvane/QuorExport.h>
+
 namespace quordalvane {
 
 // Text from printers and ports may hold anything. Both functions append it as valid UTF-8 without
@@ -11,13 +13,13 @@ namespace quordalvane {
 // U+FFFD.
 
 /// For people: nothing else is changed.
-void appendPrintable(std::string& out, std::string_view text);
+QUOR_EXPORT void appendPrintable(std::string& out, std::string_view text);
 
 /// For JSON: a string with its quotation marks, from which a reader gets back all valid text
 /// exactly.
-void appendJsonString(std::string& out, std::string_view text);
+QUOR_EXPORT void appendJsonString(std::string& out, std::string_view text);
 
 /// Whether appendPrintable would change nothing.
-bool isPrintable(std::string_view text) noexcept;
+QUOR_EXPORT bool isPrintable(std::string_view text) noexcept;
 
 }  // namespace quordalvane

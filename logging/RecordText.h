@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include <quordalvane/QuorExport.h>
+
 #include "logging/LogRecord.h"
 
 namespace quordalvane {
@@ -10,10 +12,10 @@ namespace quordalvane {
 /// UTC, microseconds), thread, type (the number), typeName, level, object, file, line, method,
 /// message. The line is valid UTF-8 and holds no other control character, whatever the record's
 /// texts hold.
-void appendJsonLine(std::string& out, const LogRecord& record);
+QUOR_EXPORT void appendJsonLine(std::string& out, const LogRecord& record);
 
 /// Appends the record as one line for people, with the same fields in the same order but the type's
 /// number, control characters escaped.
-void appendReadableLine(std::string& out, const LogRecord& record);
+QUOR_EXPORT void appendReadableLine(std::string& out, const LogRecord& record);
 
 }  // namespace quordalvane

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <system_error>
 
+#include <quordalvane/QuorExport.h>
+
 namespace quordalvane {
 
 /// When a log file makes room for a new one, and what is kept of it.
@@ -20,7 +22,7 @@ struct LogRotation {
 /// never parted between files; one that is longer than the maximum has a file of its own. Only a
 /// regular file is rotated. For one thread, and one process: two that rotate the same file lose
 /// lines.
-class RotatingFile {
+class QUOR_EXPORT RotatingFile {
  public:
   /// Opens the file, which is made when missing, readable and writable for its owner alone, and
   /// closed in programs that this process executes. Lines go behind what it holds; when that ends

@@ -2,12 +2,14 @@
 
 #include <string>
 
+#include <quordalvane/QuorExport.h>
+
 #include "logging/LogSink.h"
 
 namespace quordalvane {
 
 /// Writes records to the process's standard error, one readable line each.
-class StandardErrorSink : public LogSink {
+class QUOR_EXPORT StandardErrorSink : public LogSink {
  public:
   /// Throws std::system_error when standard error takes no more; the rest of the records is lost
   /// then.

@@ -3,6 +3,8 @@
 #include <chrono>
 #include <cstdint>
 
+#include <quordalvane/QuorExport.h>
+
 namespace quordalvane {
 
 /// A reading of the wall clock: time since the epoch. `tv_usec` is 0 to 999999.
@@ -12,7 +14,7 @@ struct TimeValue {
 };
 
 /// Time and every way of letting it pass. All calls may be made from any thread at once.
-class Clock {
+class QUOR_EXPORT Clock {
  public:
   virtual ~Clock() = default;
 

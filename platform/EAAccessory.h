@@ -6,13 +6,15 @@
 #include <string>
 #include <vector>
 
+#include <quordalvane/QuorExport.h>
+
 #include "platform/NSStream.h"
 
 namespace quordalvane {
 
 /// An open conversation with an accessory: its two streams. Destroying the session ends the
 /// conversation and releases the link.
-class EASession {
+class QUOR_EXPORT EASession {
  public:
   virtual ~EASession() = default;
 
@@ -23,7 +25,7 @@ class EASession {
 
 /// One accessory that the device has attached. The identifying texts do not change; none is an
 /// empty optional. All calls may be made from any thread.
-class EAAccessory {
+class QUOR_EXPORT EAAccessory {
  public:
   virtual ~EAAccessory() = default;
 
@@ -47,7 +49,7 @@ class EAAccessory {
 };
 
 /// The accessories that are attached now. All calls may be made from any thread.
-class EAAccessoryManager {
+class QUOR_EXPORT EAAccessoryManager {
  public:
   virtual ~EAAccessoryManager() = default;
 

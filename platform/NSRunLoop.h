@@ -1,11 +1,13 @@
 #pragma once
 
+#include <quordalvane/QuorExport.h>
+
 namespace quordalvane {
 
 class NSStream;
 
 /// The event loop of one thread. Only that thread may run it.
-class NSRunLoop {
+class QUOR_EXPORT NSRunLoop {
  public:
   virtual ~NSRunLoop() = default;
 

@@ -5,6 +5,8 @@
 #include <memory>
 #include <string_view>
 
+#include <quordalvane/QuorExport.h>
+
 #include "platform/NSRunLoop.h"
 
 namespace quordalvane {
@@ -13,7 +15,7 @@ inline constexpr std::string_view NSDefaultRunLoopMode = "kCFRunLoopDefaultMode"
 
 /// One direction of a session. A stream may be scheduled on one thread's loop and used from
 /// another, but not from two threads at once. No call blocks, but for `waitUntilReady`.
-class NSStream {
+class QUOR_EXPORT NSStream {
  public:
   virtual ~NSStream() = default;
 
@@ -36,7 +38,7 @@ class NSStream {
   virtual void waitUntilReady(double seconds) = 0;
 };
 
-class NSInputStream : public NSStream {
+class QUOR_EXPORT NSInputStream : public NSStream {
  public:
   /// True if a read would return at least one byte now. False from the end of the stream on.
   virtual bool hasBytesAvailable() = 0;
@@ -46,7 +48,7 @@ class NSInputStream : public NSStream {
   virtual std::int64_t read(std::uint8_t* buffer, std::size_t maxLength) = 0;
 };
 
-class NSOutputStream : public NSStream {
+class QUOR_EXPORT NSOutputStream : public NSStream {
  public:
   /// True if a write need not wait: it takes at least one byte now, or fails at once because the
   /// link is lost. A writer thus learns of a loss also while bytes that came before are left to

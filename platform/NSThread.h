@@ -2,11 +2,13 @@
 
 #include <functional>
 
+#include <quordalvane/QuorExport.h>
+
 namespace quordalvane {
 
 /// The handle of one thread. Releasing it neither waits for the thread nor ends it. All calls may
 /// be made from any thread.
-class NSThread {
+class QUOR_EXPORT NSThread {
  public:
   virtual ~NSThread() = default;
 

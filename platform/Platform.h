@@ -4,6 +4,8 @@
 #include <memory>
 #include <string>
 
+#include <quordalvane/QuorExport.h>
+
 #include "platform/Clock.h"
 #include "platform/EAAccessory.h"
 #include "platform/NSRunLoop.h"
@@ -12,7 +14,7 @@
 namespace quordalvane {
 
 /// What there is to know of the device itself.
-class UIDevice {
+class QUOR_EXPORT UIDevice {
  public:
   virtual ~UIDevice() = default;
 
@@ -22,7 +24,7 @@ class UIDevice {
 
 /// All that a port needs of the system. A port keeps its platform alive. The references that the
 /// calls return are valid as long as the platform; all calls may be made from any thread.
-class Platform {
+class QUOR_EXPORT Platform {
  public:
   virtual ~Platform() = default;
 
@@ -44,9 +46,9 @@ class Platform {
 };
 
 /// The platform of ports that are created without one; null until one is set.
-std::shared_ptr<Platform> processPlatform();
+QUOR_EXPORT std::shared_ptr<Platform> processPlatform();
 
 /// Makes `platform` the process's own. Ports that exist keep the one they have.
-void setProcessPlatform(std::shared_ptr<Platform> platform);
+QUOR_EXPORT void setProcessPlatform(std::shared_ptr<Platform> platform);
 
 }  // namespace quordalvane

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <quordalvane/QuorExport.h>
+
 #include "backends/posix/Deadline.h"
 #include "platform/Clock.h"
 
@@ -9,7 +11,7 @@ namespace quordalvane::posix {
 void sleepUntil(SteadyTime deadline);
 
 /// The system's own clocks and sleeps.
-class PosixClock final : public Clock {
+class QUOR_EXPORT PosixClock final : public Clock {
  public:
   TimeValue gettimeofday() override;
   std::chrono::nanoseconds monotonic() override;

@@ -4,13 +4,15 @@
 #include <mutex>
 #include <vector>
 
+#include <quordalvane/QuorExport.h>
+
 #include "backends/posix/PosixClock.h"
 #include "platform/Platform.h"
 
 namespace quordalvane::posix {
 
 /// The accessories that were handed in, in that order. None ever goes away.
-class AttachedAccessories final : public EAAccessoryManager {
+class QUOR_EXPORT AttachedAccessories final : public EAAccessoryManager {
  public:
   explicit AttachedAccessories(std::vector<std::shared_ptr<EAAccessory>> accessories);
 
@@ -23,14 +25,14 @@ class AttachedAccessories final : public EAAccessoryManager {
 };
 
 /// The device is this machine; its version is the kernel's release.
-class ThisMachine final : public UIDevice {
+class QUOR_EXPORT ThisMachine final : public UIDevice {
  public:
   std::string systemVersion() override;
 };
 
 /// The platform of a program on this system: real time, real threads, and the accessories that it
 /// is given, which may be of any back end.
-class PosixPlatform final : public Platform {
+class QUOR_EXPORT PosixPlatform final : public Platform {
  public:
   explicit PosixPlatform(std::vector<std::shared_ptr<EAAccessory>> accessories = {});
 

@@ -4,10 +4,12 @@
 #include <string>
 #include <utility>
 
+#include <quordalvane/QuorExport.h>
+
 namespace quordalvane {
 
 /// Raised where an exchange with the printer must be abandoned. It carries no user information.
-class PortException : public std::exception {
+class QUOR_EXPORT PortException : public std::exception {
  public:
   explicit PortException(std::string reason) : reason_(std::move(reason)) {}
 
