@@ -128,7 +128,8 @@ void TextDecoder::put(std::uint8_t byte, std::u32string& text) {
 }
 
 void TextDecoder::finish(std::u32string& text) {
-  flush(text, run_.size());
+  if (!run_.empty())
+    flush(text, run_.size());
 }
 
 void TextDecoder::flush(std::u32string& text, std::size_t count) {
