@@ -114,6 +114,11 @@ std::string cutShort(std::size_t position) {
          ", so that the printer takes the mark of the job's end for data";
 }
 
+/// Every command begins with a control character, and most of a job is text.
+bool isText(std::uint8_t byte) {
+  return byte >= 0x20;
+}
+
 bool isWhole(const CountedCommand& command, Bytes rest) {
   return rest.size() >= command.header && rest.size() - command.header >= command.payload;
 }
@@ -123,6 +128,10 @@ bool isWhole(const CountedCommand& command, Bytes rest) {
 std::size_t commandEnd(std::span<const std::uint8_t> data, std::size_t position) {
   std::size_t end = 0;
   while (end < position) {
+    if (isText(data[end])) {
+      ++end;
+      continue;
+    }
     const Bytes rest = data.subspan(end);
     const auto command = countedCommandAt(rest);
     if (command && !isWhole(*command, rest)) {
@@ -140,6 +149,10 @@ std::optional<std::string> confirmationObstacle(std::span<const std::uint8_t> da
            startsWith(rest, obstacle.bytes);
   };
   for (std::size_t position = 0; position < data.size();) {
+    if (isText(data[position])) {
+      ++position;
+      continue;
+    }
     const Bytes rest = data.subspan(position);
     if (const auto command = countedCommandAt(rest)) {
       if (!isWhole(*command, rest)) {
