@@ -67,8 +67,7 @@ bool LogQueue::take(Batch& batch) {
   if (pending_.records.empty()) {
     return false;
   }
-  filled_.wait_for(lock, kGatherTime,
-                   [this] { return isHalfFull() || waitingForFinish_ > 0 || !open_; });
+  filled_.wait_for(lock, gatherTime_, [this] { return isHalfFull() || !open_; });
   batch.records.reserve(capacity_);  // allocates after a change of capacity only
   std::swap(batch, pending_);
   pending_.dropped = 0;
@@ -87,12 +86,7 @@ void LogQueue::finish(std::size_t records) {
 bool LogQueue::waitUntilFinished(std::chrono::milliseconds timeout) {
   std::unique_lock lock(mutex_);
   const std::uint64_t queued = queuedRecords_;
-  ++waitingForFinish_;
-  filled_.notify_one();
-  const bool isFinished =
-      finished_.wait_for(lock, timeout, [&] { return finishedRecords_ >= queued; });
-  --waitingForFinish_;
-  return isFinished;
+  return finished_.wait_for(lock, timeout, [&] { return finishedRecords_ >= queued; });
 }
 
 LogQueue::Counts LogQueue::counts() const {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
+#include <thread>
 
 #include "tests/unit/logging/LogFixtures.h"
 
@@ -146,6 +147,45 @@ TEST_F(LogQueueTest, IsFinishedWhenAllThatWasQueuedIsFinished) {
   EXPECT_FALSE(queue_.waitUntilFinished(1ms));
   queue_.finish(1);
   EXPECT_TRUE(queue_.waitUntilFinished(0ms));
+}
+
+/// Takes and finishes one batch of a queue that gathers for ever.
+class OneTake {
+ public:
+  explicit OneTake(LogQueue& queue)
+      : taker_([this, &queue] {
+          queue.take(batch_);
+          queue.finish(batch_.records.size());
+        }) {}
+
+ private:
+  LogQueue::Batch batch_;
+  std::jthread taker_;
+};
+
+constexpr std::chrono::hours kForEver{1};
+constexpr std::chrono::milliseconds kPatience{30'000};
+
+TEST(GatheringLogQueue, IsTakenOnceItIsHalfFull) {
+  LogQueue queue(kForEver);
+  queue.setCapacity(4);
+  queue.open();
+  queue.push(recordOf("a"));
+  const OneTake take(queue);
+  EXPECT_FALSE(queue.waitUntilFinished(5ms)) << "nothing was gathered";
+  queue.push(recordOf("b"));
+  EXPECT_TRUE(queue.waitUntilFinished(kPatience));
+  queue.close();  // lets go of a taker that still gathers
+}
+
+TEST(GatheringLogQueue, IsTakenWhenItIsClosed) {
+  LogQueue queue(kForEver);
+  queue.open();
+  queue.push(recordOf("a"));
+  const OneTake take(queue);
+  EXPECT_FALSE(queue.waitUntilFinished(5ms)) << "nothing was gathered";
+  queue.close();
+  EXPECT_TRUE(queue.waitUntilFinished(kPatience));
 }
 
 TEST_F(LogQueueTest, GivesOutWhatWaitsAfterItIsClosedAndThenEnds) {

@@ -74,6 +74,13 @@ TEST_F(RotatingFileTest, GivesALineThatIsTooLongAFileOfItsOwn) {
   EXPECT_EQ(contents(), "c\n");
 }
 
+TEST_F(RotatingFileTest, KeepsNoEmptyFileWhenItsFirstLineIsTooLong) {
+  RotatingFile file(path_, {.maximumBytes = 4, .keptFiles = 5});
+  put(file, {"bbbbbbbb\n"});
+  EXPECT_EQ(contents(), "bbbbbbbb\n");
+  EXPECT_FALSE(exists(".1"));
+}
+
 TEST_F(RotatingFileTest, CountsWhatTheFileHeldBefore) {
   std::ofstream(path_) << "aaa\n";
   RotatingFile file(path_, {.maximumBytes = 6, .keptFiles = 5});

@@ -94,6 +94,14 @@ TEST(CallbackSink, ShowsTheOtherFieldsAsTheyAre) {
   }).write(std::span(&record, 1));
 }
 
+TEST(CallbackSink, EscapesTheObjectWhereTheMessageNeedsNothing) {
+  LogRecord record = recordOf("plain");
+  record.object = "c\nd";
+  std::string seen;
+  CallbackSink([&](const LogRecord& shown) { seen = shown.object; }).write(std::span(&record, 1));
+  EXPECT_EQ(seen, "c\\nd");
+}
+
 TEST(CallbackSink, GoesOnAfterAnExceptionAndRaisesTheFirst) {
   std::vector<std::string> seen;
   CallbackSink sink([&](const LogRecord& record) {

@@ -144,6 +144,14 @@ TEST(FormatMessage, ShowsBytes) {
   EXPECT_EQ(formatMessage("%@", std::optional(bytes)), "<1b 06 ff>");
 }
 
+TEST(FormatMessage, ShowsMessagesOfAnyLengthWhole) {
+  for (std::size_t length = 180; length < 520; ++length) {
+    const std::string text(length, 'x');
+    EXPECT_EQ(formatMessage("%@, %d, %@, %@.", text, 7, text, text + text),
+              text + ", 7, " + text + ", " + text + text + ".");
+  }
+}
+
 TEST(FormatMessage, TakesAPerCentSignInsideOfAnArgumentAsText) {
   EXPECT_EQ(formatMessage("%@, %d", "%p %s %", 1), "%p %s %, 1");
 }
