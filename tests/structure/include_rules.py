@@ -57,7 +57,9 @@ RULES = (
     Rule("backends/posix", ("platform", "backends/*", PUBLIC), EVERY_SYSTEM_HEADER),
     Rule("job", ("iphone-IOPort", PUBLIC), STANDARD, NO_CLOCK),
     Rule("c-interface", ("job", "iphone-IOPort", "logging", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
-    Rule("tools", ("job", "iphone-IOPort", "logging", "backends", "platform", PUBLIC), EVERY_SYSTEM_HEADER),
+    # The command also serves the simulator to others, without a port.
+    Rule("tools", ("job", "iphone-IOPort", "logging", "backends", "platform", "simulator", PUBLIC),
+         EVERY_SYSTEM_HEADER),
 )
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')

@@ -46,10 +46,10 @@ std::shared_ptr<LogSink> makeSink(const std::string& name, const Streams& stream
 }  // namespace
 
 LogOutput::LogOutput(const Options& options, const Streams& streams) {
-  if (options.log.empty()) {
+  if (!options.log) {
     return;
   }
-  sink_ = makeSink(options.log, streams);
+  sink_ = makeSink(*options.log, streams);
   LogWriter::sharedInstance().addSink(sink_);
   LogWriter::setTargetLogLevels(options.logLevels.empty() ? std::set<std::int32_t>{0}
                                                           : options.logLevels);
@@ -59,8 +59,8 @@ LogOutput::LogOutput(const Options& options, const Streams& streams) {
 LogOutput::~LogOutput() {
   if (sink_ != nullptr) {
     LogWriter::setLogging(false);
-    LogWriter::sharedInstance().removeSink(sink_);
     LogWriter::sharedInstance().flush();
+    LogWriter::sharedInstance().removeSink(sink_);
   }
 }
 

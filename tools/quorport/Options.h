@@ -15,14 +15,14 @@ struct PrintOptions {
   bool unchecked = false;
   std::optional<std::uint32_t> endTimeout;        ///< milliseconds
   std::optional<std::uint32_t> holdPrintTimeout;  ///< milliseconds
-  std::string receipt;                            ///< "" for none
+  std::optional<std::string> receipt;             ///< a file
 };
 
 struct SimulateOptions {
   std::string listen;
-  std::vector<std::string> settings;  ///< key=value each
-  std::string receipts;               ///< a folder; "" for none
-  std::string control;                ///< "" for none
+  std::vector<std::string> settings;    ///< key=value each
+  std::optional<std::string> receipts;  ///< a folder
+  std::optional<std::string> control;
 };
 
 /// What the user said on the command line. The members of other commands than the one that was
@@ -33,7 +33,7 @@ struct Options {
   std::string settings;
   std::uint32_t timeout = 10000;  ///< milliseconds
   ZKEmulation emulation = ZKEmulationQuorLine;
-  std::string log;  ///< "" for none, "-" for standard error
+  std::optional<std::string> log;  ///< a file; "-" is standard error
   std::set<std::int32_t> logLevels;
   bool json = false;
 

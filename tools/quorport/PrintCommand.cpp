@@ -122,8 +122,8 @@ PrintResult runJob(const std::vector<std::uint8_t>& data, Printer& printer,
 }
 
 std::optional<Receipt> receiptFor(const Options& options, Platform& platform) {
-  const auto chosen = options.print.receipt.empty() ? nullptr : chosenAccessory(platform, options);
-  return chosen ? std::optional<Receipt>(std::in_place, options.print.receipt, chosen)
+  const auto chosen = options.print.receipt ? chosenAccessory(platform, options) : nullptr;
+  return chosen ? std::optional<Receipt>(std::in_place, *options.print.receipt, chosen)
                 : std::nullopt;
 }
 

@@ -48,11 +48,11 @@ Report simulate(const Options& options, const Surroundings& surroundings) {
   std::signal(SIGTTIN, SIG_IGN);
   Beginning beginning = beginningOf(options.simulate);
   Server::Places places;
-  if (!options.simulate.receipts.empty()) {
-    places.receipts = std::make_unique<ReceiptFolder>(options.simulate.receipts);
+  if (options.simulate.receipts) {
+    places.receipts = std::make_unique<ReceiptFolder>(*options.simulate.receipts);
   }
-  if (!options.simulate.control.empty()) {
-    places.controls = listenPrivatelyAt(options.simulate.control, "--control");
+  if (options.simulate.control) {
+    places.controls = listenPrivatelyAt(*options.simulate.control, "--control");
   }
   places.hosts = listenAt(options.simulate.listen);
   Server(std::move(beginning.state), std::move(beginning.faults), std::move(places),

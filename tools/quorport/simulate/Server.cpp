@@ -108,17 +108,19 @@ void Server::work(Instant now) {
 }
 
 void Server::workForHost(Instant now) {
-  if (host_) {
+  do {
+    if (!host_) {
+      auto line = places_.hosts->accept();
+      if (line == nullptr) {
+        return;
+      }
+      host_.emplace(std::move(line), links_.begin(now));
+    }
     host_->work(now);
     if (host_->isOver()) {
       endConnection();
     }
-  }
-  if (!host_) {
-    if (auto line = places_.hosts->accept()) {
-      host_.emplace(std::move(line), links_.begin(now));
-    }
-  }
+  } while (!host_);
 }
 
 void Server::endConnection() {

@@ -1,0 +1,211 @@
+"""The control lines of a running printer."""
+
+import json
+import socket
+import threading
+
+from harness import DEADLINE, FLAGS, Case, eventually, main, run
+
+STATE_KEYS = {*FLAGS, "firmware", "dip1", "dip2", "speed", "etbCounter", "buffered", "printedBytes"}
+
+
+class State(Case):
+    def test_the_state_has_every_key_of_its_kind(self):
+        state = self.simulator().state()
+        self.assertEqual(set(state), STATE_KEYS)
+        for flag in FLAGS:
+            self.assertIs(state[flag], flag == "etbAvailable")
+        self.assertEqual((state["dip1"], state["dip2"], state["speed"]), ("0000", "0000", 0))
+
+    def test_every_setting_is_found_again(self):
+        simulator = self.simulator()
+        wanted = {"firmware": "X 9", "dip1": "0a1b", "dip2": "ffff", "speed": 1234}
+        simulator.set(**wanted)
+        self.assertLessEqual(wanted.items(), simulator.state().items())
+
+    def test_every_flag_is_set_and_taken_back(self):
+        simulator = self.simulator()
+        for flag in FLAGS:
+            simulator.set(**{flag: True})
+            self.assertIs(simulator.state()[flag], True)
+            simulator.set(**{flag: False})
+            self.assertIs(simulator.state()[flag], False)
+
+    def test_what_stops_a_printer_makes_it_off_line_by_itself(self):
+        simulator = self.simulator()
+        for flag in ["coverOpen", "receiptPaperEmpty", *FLAGS[3:16]]:
+            simulator.set(**{flag: True})
+            self.assertIs(simulator.state()["offline"], True, flag)
+            simulator.set(**{flag: False})
+            self.assertIs(simulator.state()["offline"], False, flag)
+
+    def test_what_was_printed_is_counted(self):
+        simulator = self.simulator()
+        self.assertExit(0, run("-d", simulator.place, "print", "-", data=b"12345\n"))
+        state = simulator.state()
+        self.assertEqual((state["printedBytes"], state["buffered"], state["etbCounter"]), (6, 0, 2))
+
+
+class Faults(Case):
+    def test_a_fault_befalls_this_printer_until_it_is_cleared(self):
+        simulator = self.simulator()
+        self.assertEqual(simulator.control({"fault": {"drop-reply": "all"}}), {"ok": True})
+        self.assertExit(1, run("-d", simulator.place, "status"))
+        self.assertEqual(simulator.control({"clear": "faults"}), {"ok": True})
+        self.assertExit(0, run("-d", simulator.place, "status"))
+
+    def test_numbers_and_truths_are_taken_as_values(self):
+        simulator = self.simulator()
+        self.assertEqual(simulator.control({"fault": {"late-reply": 150, "prints-nothing": True}}), {"ok": True})
+        result = run("-d", simulator.place, "status")
+        self.assertExit(0, result)
+        self.assertGreater(result.seconds, 0.15)
+        self.assertExit(6, run("-d", simulator.place, "print", "--unchecked", "-", data=b"lost\n"))
+        self.assertEqual(simulator.state()["printedBytes"], 0)
+
+    def test_a_fault_that_comes_later_comes(self):
+        simulator = self.simulator()
+        with simulator.connect():
+            eventually(lambda: simulator.control({"fault": {"at": "50:coverOpen=true"}})["ok"], "taken")
+            eventually(lambda: simulator.state()["coverOpen"], "the cover opens by itself")
+
+
+class BadLines(Case):
+    def refused(self, line: bytes, saying: str):
+        answer = self.printer.raw_control(line + b"\n")
+        self.assertEqual(set(answer), {"ok", "error"}, line)
+        self.assertIs(answer["ok"], False)
+        self.assertIn(saying, answer["error"], line)
+
+    def test_a_bad_line_says_what_is_right_and_changes_nothing(self):
+        self.printer = self.simulator()
+        before = self.printer.state()
+        for line, saying in [
+            (b"", "no JSON"),
+            (b"hello", "no JSON"),
+            (b"{", "no JSON"),
+            (b'{"get":"state"} x', "no JSON"),
+            (b"\xff\xfe", "no JSON"),
+            (b"[" * 5000, "no JSON"),
+            (b"[]", '{"get": "state"}'),
+            (b"null", '{"get": "state"}'),
+            (b"{}", '{"get": "state"}'),
+            (b'{"get":"state","quit":true}', '{"get": "state"}'),
+            (b'{"give":1}', "give"),
+            (b'{"get":"status"}', '"state"'),
+            (b'{"clear":"all"}', '"faults"'),
+            (b'{"quit":false}', "true"),
+            (b'{"set":1}', "object"),
+            (b'{"set":{}}', "object"),
+            (b'{"set":{"nothing":true}}', "coverOpen"),
+            (b'{"set":{"coverOpen":1}}', "true or false"),
+            (b'{"set":{"coverOpen":"true"}}', "true or false"),
+            (b'{"set":{"coverOpen":null}}', "true or false"),
+            (b'{"set":{"coverOpen":true,"speed":-1}}', "bytes a second"),
+            (b'{"set":{"coverOpen":true,"speed":1.5}}', "bytes a second"),
+            (b'{"set":{"coverOpen":true,"speed":1e99}}', "bytes a second"),
+            (b'{"set":{"coverOpen":true,"speed":[1]}}', "speed"),
+            (b'{"set":{"coverOpen":true,"dip1":"123"}}', "hex"),
+            (b'{"set":{"coverOpen":true,"dip1":1234}}', "text"),
+            (b'{"set":{"coverOpen":true,"firmware":""}}', "64"),
+            (b'{"set":{"coverOpen":true,"firmware":"\\u0007"}}', "64"),
+            (b'{"fault":{"nothing":1}}', "late-reply"),
+            (b'{"fault":{"drop-reply":"all","late-reply":"x"}}', "MS"),
+        ]:
+            self.refused(line, saying)
+        self.assertEqual(self.printer.state(), before)
+        self.assertExit(0, run("-d", self.printer.place, "status"))
+
+    def test_a_line_without_end_is_refused_once_and_the_next_one_is_heard(self):
+        simulator = self.simulator()
+        answer = simulator.raw_control(b"x" * 200000 + b"\n")
+        self.assertIn("65536", answer["error"])
+        self.assertEqual(set(simulator.state()), STATE_KEYS)
+
+    def test_a_line_in_pieces_is_a_line(self):
+        simulator = self.simulator()
+        for byte in b'{"get":"sta':
+            simulator.process.stdin.write(bytes([byte]))
+            simulator.process.stdin.flush()
+        self.assertEqual(set(simulator.raw_control(b'te"}\n')["state"]), STATE_KEYS)
+
+
+class Socket(Case):
+    def connect(self):
+        connection = socket.socket(socket.AF_UNIX)
+        self.addCleanup(connection.close)
+        connection.settimeout(DEADLINE)
+        connection.connect(str(self.folder / "control"))
+        return connection, connection.makefile("rwb")
+
+    def ask(self, file, request):
+        file.write(json.dumps(request).encode() + b"\n")
+        file.flush()
+        return json.loads(file.readline())
+
+    def test_it_answers_several_at_once_and_beside_standard_input(self):
+        simulator = self.simulator("tcp:0", "--control", f"unix:{self.folder}/control")
+        files = [self.connect()[1] for _ in range(5)]
+        for file in files:
+            self.assertEqual(self.ask(file, {"set": {"speed": 5}}), {"ok": True})
+            self.assertEqual(self.ask(file, {"get": "state"})["state"]["speed"], 5)
+        self.assertEqual(simulator.state()["speed"], 5)
+
+    def test_who_leaves_before_the_answer_disturbs_nobody(self):
+        simulator = self.simulator("tcp:0", "--control", f"unix:{self.folder}/control")
+        simulator.state()
+        before = simulator.descriptors()
+        for _ in range(100):
+            connection, file = self.connect()
+            file.write(b'{"get":"state"}\n' * 50)
+            file.flush()
+            file.close()
+            connection.close()
+        eventually(lambda: simulator.descriptors() == before, "all descriptors are closed")
+
+    def test_who_never_reads_holds_nobody_up(self):
+        simulator = self.simulator("tcp:0", "--control", f"unix:{self.folder}/control")
+        connection, _ = self.connect()
+        connection.setblocking(False)
+        try:
+            while True:
+                connection.send(b'{"get":"state"}\n' * 100)
+        except BlockingIOError:
+            pass
+        self.assertEqual(set(simulator.state()), STATE_KEYS)
+        self.assertEqual(simulator.control({"quit": True}), {"ok": True})
+        self.assertEqual(simulator.process.wait(DEADLINE), 0)
+
+    def test_quit_is_answered_and_ends_it_well(self):
+        simulator = self.simulator("tcp:0", "--control", f"unix:{self.folder}/control")
+        self.assertEqual(self.ask(self.connect()[1], {"quit": True}), {"ok": True})
+        self.assertEqual(simulator.process.wait(DEADLINE), 0)
+
+    def test_a_control_place_that_is_none_is_refused(self):
+        for wrong in ("tcp:1", "/tmp/x", "unix:", ""):
+            result = run("simulate", "--listen", "tcp:0", f"--control={wrong}")
+            self.assertExit(2, result)
+            self.assertIn("--control", result.err)
+
+
+class OneSession(Case):
+    def test_a_cover_opened_in_mid_job_is_seen_and_the_job_ends_confirmed(self):
+        simulator = self.simulator("pty:", "--set", "speed=100", "--set", "buffer=64")
+        result = []
+        job = threading.Thread(target=lambda: result.append(run(
+            "-d", simulator.place, "-e", "escpos", "print", "-", "--json", data=b"line of a long job\n" * 10)))
+        job.start()
+        eventually(lambda: simulator.state()["printedBytes"] > 20, "half of it is printed")
+        simulator.set(coverOpen=True)
+        stopped = simulator.state()
+        self.assertTrue(stopped["offline"])
+        self.assertGreater(stopped["buffered"], 0)
+        simulator.set(coverOpen=False)
+        job.join(DEADLINE)
+        self.assertEqual(simulator.state()["buffered"], 0)
+        self.assertExit(0, result[0])
+        self.assertEqual(result[0].json()["bytesAccepted"], 190)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,249 @@
+"""What the tests of the command share: running it, a virtual printer that it serves, peers of our own.
+
+Nothing here sleeps for a fixed time: everything waits for a line, a byte or an end, and gives up at a
+deadline.
+"""
+
+import json
+import os
+import select
+import socket
+import subprocess
+import tempfile
+import threading
+import time
+import unittest
+from collections.abc import Callable
+from pathlib import Path
+
+QUORPORT = os.environ["QUORPORT"]
+DEADLINE = 30  # seconds; far beyond what anything here takes
+
+FLAGS = """coverOpen offline compulsionSwitch overTemp unrecoverableError cutterError mechError
+    headThermistorError receiveBufferOverflow pageModeCmdError paperDetectionError blackMarkError jamError
+    presenterPaperJamError headUpError voltageError receiptBlackMarkDetection receiptPaperEmpty
+    receiptPaperNearEmptyInner receiptPaperNearEmptyOuter paperPresent presenterPaperPresent
+    peelerPaperPresent stackerFull slipTOF slipCOF slipBOF validationPaperPresent slipPaperPresent
+    etbAvailable""".split()
+STATUS_KEYS = {*FLAGS, "etbCounter", "presenterState", "connectedInterface", "rawLength", "raw"}
+
+
+class Result:
+    """How a run of the command ended."""
+
+    def __init__(self, code: int, out: bytes, err: bytes, seconds: float):
+        self.code, self.out, self.err, self.seconds = code, out.decode(), err.decode(), seconds
+
+    def json(self):
+        """The one object that standard output holds."""
+        lines = self.out.splitlines()
+        assert len(lines) == 1, self
+        return json.loads(lines[0])
+
+    def __repr__(self):
+        return f"exit {self.code} after {self.seconds:.2f} s, out {self.out!r}, err {self.err!r}"
+
+
+def start(*arguments, **options) -> subprocess.Popen:
+    """Starts the command; an argument is bytes, or becomes a text."""
+    options = {"stdin": subprocess.DEVNULL, "stdout": subprocess.PIPE, "stderr": subprocess.PIPE} | options
+    return subprocess.Popen([QUORPORT, *(a if isinstance(a, bytes) else str(a) for a in arguments)], **options)
+
+
+def finish(process: subprocess.Popen, began: float, data: bytes | None = None) -> Result:
+    try:
+        out, err = process.communicate(data, timeout=DEADLINE)
+    except subprocess.TimeoutExpired:
+        process.kill()
+        out, err = process.communicate()
+        raise AssertionError(f"the command hangs; out {out!r}, err {err!r}") from None
+    return Result(process.returncode, out or b"", err or b"", time.monotonic() - began)
+
+
+def run(*arguments, data: bytes | None = None, **options) -> Result:
+    began = time.monotonic()
+    if data is not None:
+        options["stdin"] = subprocess.PIPE
+    return finish(start(*arguments, **options), began, data)
+
+
+def eventually(condition: Callable[[], object], what: str):
+    """Asks until the answer is true, and returns it."""
+    end = time.monotonic() + DEADLINE
+    while not (answer := condition()):
+        if time.monotonic() > end:
+            raise AssertionError(f"never: {what}")
+        time.sleep(0.005)
+    return answer
+
+
+def receive(source: socket.socket, count: int) -> bytes:
+    """So many bytes, or fewer if the other side ends."""
+    taken = b""
+    while len(taken) < count and (more := source.recv(count - len(taken))):
+        taken += more
+    return taken
+
+
+class Case(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = Path(folder.name)
+
+    def file(self, name: str, data: bytes) -> str:
+        path = self.folder / name
+        path.write_bytes(data)
+        return str(path)
+
+    def simulator(self, listen: str = "tcp:0", *arguments: str, **options) -> "Simulator":
+        simulator = Simulator(listen, *arguments, **options)
+        self.addCleanup(simulator.kill)
+        return simulator
+
+    def peer(self, handle: Callable[[socket.socket], None]) -> "Peer":
+        peer = Peer(handle)
+        self.addCleanup(peer.close)
+        return peer
+
+    def assertExit(self, code: int, result: Result):
+        self.assertEqual(result.code, code, result)
+
+    def assertFailsInBothForms(self, code: int, *arguments: str, saying: str = "") -> Result:
+        """The error is told on standard error, and with --json as an object, too."""
+        plain = run(*arguments)
+        self.assertExit(code, plain)
+        self.assertEqual(plain.out, "", plain)
+        self.assertTrue(plain.err.startswith("quorport: "), plain)
+        self.assertIn(saying, plain.err)
+        result = run(*arguments, "--json")
+        self.assertExit(code, result)
+        self.assertIs(result.json()["ok"], False)
+        self.assertIn(saying, result.json()["error"])
+        return result
+
+
+class Simulator:
+    """`quorport simulate`, with its standard streams for control."""
+
+    def __init__(self, listen: str, *arguments: str, stderr=subprocess.DEVNULL):
+        self.process = start("simulate", "--listen", listen, *arguments, stdin=subprocess.PIPE, stderr=stderr)
+        self.unread = b""
+        self.place = self.next_place()
+
+    def next_place(self) -> str:
+        word, place = self.line().split(" ", 1)
+        assert word == "listening", word
+        return place
+
+    def line(self) -> str:
+        """The next line of its standard output."""
+        out = self.process.stdout
+        while b"\n" not in self.unread:
+            ready, _, _ = select.select([out], [], [], DEADLINE)
+            more = os.read(out.fileno(), 65536) if ready else b""
+            assert more, f"the printer said no whole line, but {self.unread!r}"
+            self.unread += more
+        line, self.unread = self.unread.split(b"\n", 1)
+        return line.decode()
+
+    def raw_control(self, line: bytes):
+        self.process.stdin.write(line)
+        self.process.stdin.flush()
+        return json.loads(self.line())
+
+    def control(self, request: dict):
+        return self.raw_control(json.dumps(request).encode() + b"\n")
+
+    def set(self, **settings):
+        answer = self.control({"set": settings})
+        assert answer == {"ok": True}, answer
+
+    def state(self) -> dict:
+        return self.control({"get": "state"})["state"]
+
+    def connect(self) -> socket.socket:
+        """A connection of our own; over TCP and local sockets."""
+        scheme, place = self.place.split(":", 1)
+        if scheme == "unix":
+            connection = socket.socket(socket.AF_UNIX)
+            connection.connect(place)
+        else:
+            host, port = place.rsplit(":", 1)
+            connection = socket.create_connection((host, int(port)))
+        connection.settimeout(DEADLINE)
+        return connection
+
+    def descriptors(self) -> int:
+        return len(os.listdir(f"/proc/{self.process.pid}/fd"))
+
+    def stop(self, signal: int) -> int:
+        self.process.send_signal(signal)
+        return self.process.wait(DEADLINE)
+
+    def kill(self):
+        self.process.kill()
+        self.process.wait()
+        for stream in (self.process.stdin, self.process.stdout, self.process.stderr):
+            if stream is not None:
+                stream.close()
+
+
+class Peer:
+    """A printer of our own making on TCP: `handle` talks with each host that connects, in turn."""
+
+    def __init__(self, handle: Callable[[socket.socket], None]):
+        self.handle = handle
+        self.listener = socket.create_server(("127.0.0.1", 0))
+        self.place = f"tcp:127.0.0.1:{self.listener.getsockname()[1]}"
+        self.thread = threading.Thread(target=self.serve, daemon=True)
+        self.thread.start()
+
+    def serve(self):
+        while True:
+            try:
+                connection, _ = self.listener.accept()
+            except OSError:
+                return
+            with connection:
+                connection.settimeout(DEADLINE)
+                try:
+                    self.handle(connection)
+                except OSError:
+                    pass
+
+    def wait_until_idle(self):
+        """Waits until every host that has connected has been talked with to the end."""
+        with socket.create_connection(self.listener.getsockname(), DEADLINE) as connection:
+            connection.shutdown(socket.SHUT_WR)
+            while connection.recv(4096):
+                pass
+
+    def close(self):
+        self.listener.shutdown(socket.SHUT_RDWR)
+        self.listener.close()
+        self.thread.join(DEADLINE)
+
+
+# What printers answer, written down once more: the command must not be tested by its own simulator
+# alone.
+STATUS_REQUEST = b"\x1b\x06\x01"
+
+
+def status_block(*flags: str, counter: int = 0, presenter: int = 0, interface: int = 3) -> bytes:
+    bits = sum(1 << FLAGS.index(flag) for flag in flags)
+    return bytes([0x89, 1]) + bits.to_bytes(4, "little") + bytes([counter, presenter, interface])
+
+
+def answer_status(connection: socket.socket, block: bytes):
+    """Answers every status request with the block until the host leaves."""
+    unread = b""
+    while more := connection.recv(4096):
+        unread += more
+        requests = unread.count(STATUS_REQUEST)
+        connection.sendall(block * requests)
+        unread = unread[-2:] if not requests else b""
+
+
+def main():
+    unittest.main()

@@ -1,0 +1,71 @@
+"""The diagnostic records that --log asks for."""
+
+import json
+
+from harness import Case, main, run
+
+KEYS = {"time", "thread", "type", "typeName", "level", "object", "file", "line", "method", "message"}
+
+
+class Log(Case):
+    def logged(self, *arguments: str) -> list[dict]:
+        target = self.folder / "log"
+        self.assertExit(0, run(*arguments, "--log", target))
+        return [json.loads(line) for line in target.read_text().splitlines()]
+
+    def test_every_record_is_an_object_with_every_key(self):
+        records = self.logged("status")
+        self.assertGreater(len(records), 10)
+        for record in records:
+            self.assertEqual(set(record), KEYS)
+            self.assertIn(record["type"], range(8))
+            self.assertEqual(record["level"], 0)
+
+    def test_every_method_that_is_entered_is_left(self):
+        depth = {}
+        for record in self.logged("print", self.file("job", b"text\n")):
+            if record["typeName"].endswith("Start") or record["typeName"].endswith("End"):
+                step = 1 if record["typeName"].endswith("Start") else -1
+                key = record["method"], record["object"]
+                depth[key] = depth.get(key, 0) + step
+        # The port's own thread may end after the command, and with it the log.
+        self.assertEqual({key: left for key, left in depth.items() if left and "runLoop71" not in key[0]}, {})
+
+    def test_the_last_record_is_there_when_the_command_has_ended(self):
+        records = [record for record in self.logged("status") if "runLoop71" not in record["method"]]
+        self.assertIn("close]", records[-1]["method"])
+
+    def test_other_levels_are_logged_when_asked_for(self):
+        self.assertEqual({record["level"] for record in self.logged("status", "--log-level", "1")}, {1})
+        both = self.logged("status", "--log-level", "1", "--log-level", "0")
+        self.assertEqual({record["level"] for record in both}, {0, 1})
+
+    def test_a_dash_is_standard_error(self):
+        result = run("online", "--log", "-")
+        self.assertExit(0, result)
+        self.assertEqual(result.out, "on line\n")
+        for line in result.err.splitlines():
+            self.assertEqual(set(json.loads(line)), KEYS)
+
+    def test_control_characters_from_outside_do_not_reach_the_log_raw(self):
+        target = self.folder / "log"
+        run("-p", b"BT:\x1b[2J\xff", "online", "--log", target)
+        self.assertNotIn(b"\x1b", target.read_bytes())
+        self.assertIn("BT:\x1b[2J\ufffd", json.loads(target.read_text().splitlines()[0])["message"])
+
+    def test_a_log_that_cannot_be_opened_is_said_before_anything_is_done(self):
+        contacted = []
+        peer = self.peer(contacted.append)
+        for target in (self.folder, self.folder / "none" / "log", ""):
+            result = self.assertFailsInBothForms(2, "-d", peer.place, "online", "--log", str(target), saying="--log")
+            self.assertIn("cannot be opened", result.err)
+        self.assertEqual(contacted, [])
+
+    def test_a_full_disk_does_not_touch_the_exchange(self):
+        result = run("online", "--log", "/dev/full")
+        self.assertExit(0, result)
+        self.assertEqual(result.out, "on line\n")
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,321 @@
+"""The print command: what goes out, what is said of it, and how it is stopped."""
+
+import json
+import os
+import pty
+import select
+import signal
+import socket
+import threading
+import time
+
+from harness import (DEADLINE, STATUS_KEYS, STATUS_REQUEST, Case, eventually, finish, main, receive, run, start,
+                     status_block)
+
+KEYS = {"ok", "outcome", "resultCode", "bytesTotal", "bytesAccepted", "status"}
+EVERY_BYTE = bytes(range(256))
+RESET_COUNTER = b"\x1b\x1e\x45\x00"
+
+
+class Printing(Case):
+    def each_link(self, *arguments: str):
+        for listen in ("tcp:0", f"unix:{self.folder}/printer", "pty:"):
+            with self.subTest(listen=listen):
+                yield self.simulator(listen, *arguments)
+
+    def test_a_printed_job_has_every_key_and_no_error(self):
+        for simulator in self.each_link():
+            for emulation in ("line", "escpos"):
+                result = run("-d", simulator.place, "-e", emulation, "print", "-", "--json", data=b"one\ntwo\n")
+                self.assertExit(0, result)
+                answer = result.json()
+                self.assertEqual(set(answer), KEYS)
+                self.assertEqual((answer["ok"], answer["outcome"], answer["resultCode"]), (True, "printed", 0))
+                self.assertEqual((answer["bytesTotal"], answer["bytesAccepted"]), (8, 8))
+                self.assertEqual(set(answer["status"]), STATUS_KEYS)
+
+    def test_people_read_that_it_was_printed(self):
+        result = run("print", "-", data=b"x" * 1203 + b"\n")
+        self.assertExit(0, result)
+        self.assertEqual((result.out, result.err), ("printed: the printer confirmed all 1,204 bytes\n", ""))
+
+    def test_nothing_is_printed_and_confirmed_too(self):
+        for emulation in ("line", "escpos"):
+            result = run("-e", emulation, "print", "-", "--json", data=b"")
+            self.assertExit(0, result)
+            self.assertEqual(result.json()["bytesTotal"], 0)
+
+    def test_an_unchecked_job_is_unconfirmed_at_best(self):
+        for simulator in self.each_link():
+            result = run("-d", simulator.place, "print", "--unchecked", "-", "--json", data=b"text\n")
+            self.assertExit(6, result)
+            answer = result.json()
+            self.assertEqual(set(answer), KEYS | {"error"})
+            self.assertEqual((answer["ok"], answer["outcome"], answer["status"]), (False, "unconfirmed", None))
+            self.assertEqual((answer["bytesTotal"], answer["bytesAccepted"]), (5, 5))
+
+    def test_a_printer_that_is_not_ready_is_refused_with_the_cause(self):
+        for simulator in self.each_link("--set", "coverOpen=true"):
+            for emulation in ("line", "escpos"):
+                result = run("-d", simulator.place, "-e", emulation, "print", "-", "--json", data=b"text\n")
+                self.assertExit(4, result)
+                answer = result.json()
+                self.assertEqual((answer["ok"], answer["outcome"], answer["bytesAccepted"]), (False, "refused", 0))
+                self.assertIn("cover open", answer["error"])
+                self.assertIn("next: ", result.err)
+
+    def test_paper_in_the_exit_is_waited_for_and_then_refused(self):
+        result = run("-d", "virtual:,paperPresent=true", "print", "-", "--json", "--hold-print-timeout", "0", data=b"x\n")
+        self.assertExit(4, result)
+        self.assertEqual(result.json()["resultCode"], -3)
+
+    def test_a_job_that_is_not_confirmed_in_time_is_unconfirmed(self):
+        result = run("-d", "virtual:,speed=1", "print", "-", "--json", "--end-timeout", "0", data=b"slow text\n" * 9)
+        self.assertExit(6, result)
+        self.assertEqual((result.json()["outcome"], result.json()["bytesAccepted"]), ("unconfirmed", 90))
+
+    def test_an_accessory_that_cannot_be_opened_is_refused(self):
+        result = run("-d", f"unix:{self.folder}/none", "print", "-", "--json", data=b"text\n")
+        self.assertExit(3, result)
+        answer = result.json()
+        self.assertEqual(set(answer), KEYS | {"error"})
+        self.assertEqual((answer["outcome"], answer["bytesTotal"], answer["bytesAccepted"]), ("refused", 5, 0))
+
+    def test_files_that_cannot_be_read_are_named_and_nothing_is_sent(self):
+        contacted = []
+        peer = self.peer(contacted.append)
+        for name in ("none", "."):
+            result = run("-d", peer.place, "print", str(self.folder / name), "--json")
+            self.assertExit(2, result)
+            self.assertEqual((result.json()["ok"], result.json()["outcome"]), (False, "refused"))
+            self.assertIn(str(self.folder), result.err)
+        with open(os.devnull, "wb") as unreadable:
+            self.assertExit(2, run("-d", peer.place, "print", "-", stdin=unreadable))
+        self.assertEqual(contacted, [])
+
+    def test_a_terminal_sees_the_bytes_go_out_and_a_file_does_not(self):
+        job = self.file("job", b"text\n" * 200)
+        ours, theirs = pty.openpty()
+        process = start("print", job, stderr=theirs)
+        os.close(theirs)
+        finish(process, 0)
+        shown = b""
+        while select.select([ours], [], [], 0)[0]:
+            try:
+                shown += os.read(ours, 4096)
+            except OSError:
+                break
+        os.close(ours)
+        self.assertIn(b"1,000 of 1,000 bytes", shown)
+        self.assertTrue(shown.endswith(b"\r\x1b[K"), shown)
+        self.assertEqual(run("print", job).err, "")
+
+
+class Receipts(Case):
+    def test_a_receipt_is_what_came_out_as_text(self):
+        target = self.folder / "receipt.txt"
+        self.assertExit(0, run("print", "-", "--receipt", target, data=b"Bread  4.20\n"))
+        self.assertEqual(target.read_text().strip(), "Bread  4.20")
+
+    def test_a_receipt_is_what_came_out_as_a_picture(self):
+        target = self.folder / "receipt.png"
+        self.assertExit(0, run("print", "-", "--receipt", target, data=b"Bread  4.20\n"))
+        self.assertTrue(target.read_bytes().startswith(b"\x89PNG\r\n\x1a\n"))
+
+    def test_only_the_printer_that_is_built_in_has_a_receipt(self):
+        contacted = []
+        peer = self.peer(contacted.append)
+        result = run("-d", peer.place, "print", "-", "--receipt", self.folder / "a.txt", data=b"x\n")
+        self.assertExit(2, result)
+        self.assertIn("virtual:", result.err)
+        self.assertEqual(contacted, [])
+
+    def test_the_receipt_is_of_the_printer_that_the_port_name_chooses(self):
+        target = self.folder / "receipt.txt"
+        peer = self.peer(lambda connection: None)
+        self.assertExit(0, run("-d", peer.place, "-d", "virtual:B", "-p", "BT:B", "print", "-", "--receipt", target,
+                               data=b"text\n"))
+        self.assertEqual(target.read_text().strip(), "text")
+
+    def test_a_receipt_that_cannot_be_written_is_said_before_anything_is_sent(self):
+        result = run("print", "-", "--receipt", self.folder / "none" / "a.txt", "--json", data=b"text\n")
+        self.assertExit(2, result)
+        self.assertEqual(result.json()["bytesAccepted"], 0)
+
+    def test_an_older_receipt_stays_when_nothing_could_be_printed(self):
+        target = self.folder / "receipt.txt"
+        target.write_text("older")
+        self.assertExit(3, run("-d", "virtual:A", "-p", "BT:B", "print", "-", "--receipt", target, data=b"text\n"))
+        self.assertEqual(target.read_text(), "older")
+
+
+class ByteForByte(Case):
+    """What a peer receives is the job, once and whole."""
+
+    def collect(self, data: bytes, read: int, *arguments: str) -> bytes:
+        received = bytearray()
+
+        def handle(connection):
+            while more := connection.recv(read):
+                received.extend(more)
+
+        peer = self.peer(handle)
+        result = run("-d", peer.place, "print", "--unchecked", "--json", *arguments, "-", data=data)
+        self.assertExit(6, result)
+        self.assertEqual(result.json()["bytesAccepted"], len(data))
+        peer.wait_until_idle()
+        return bytes(received)
+
+    def test_every_byte_value_passes(self):
+        self.assertEqual(self.collect(EVERY_BYTE * 3, 4096), EVERY_BYTE * 3)
+
+    def test_a_mebibyte_passes_through_reads_of_seven_bytes(self):
+        data = EVERY_BYTE * 4096
+        self.assertEqual(self.collect(data, 7), data)
+
+    def test_a_pipe_that_stalls_is_read_to_its_end(self):
+        simulator = self.simulator()
+        began = time.monotonic()
+        process = start("-d", simulator.place, "print", "-", "--json", stdin=-1)
+        process.stdin.write(b"first half, ")
+        process.stdin.flush()
+        self.assertEqual(run("-d", simulator.place, "online").code, 0)  # nothing is open meanwhile
+        result = finish(process, began, b"second half\n")
+        self.assertExit(0, result)
+        self.assertEqual(result.json()["bytesAccepted"], 24)
+
+    def test_a_checked_job_reaches_a_peer_whole_and_is_confirmed_by_its_count(self):
+        job = b"A checked job\n"
+        seen = bytearray()
+
+        def handle(connection):
+            unread, counter = b"", 0
+            while more := connection.recv(4096):
+                seen.extend(more)
+                unread += more
+                counter = seen[seen.rfind(RESET_COUNTER) + 4:].count(b"\x17") if RESET_COUNTER in seen else counter
+                while STATUS_REQUEST in unread:
+                    unread = unread.split(STATUS_REQUEST, 1)[1]
+                    connection.sendall(status_block(counter=counter))
+
+        result = run("-d", self.peer(handle).place, "print", "-", "--json", data=job)
+        self.assertExit(0, result)
+        self.assertEqual(seen.count(job), 1)
+
+    def test_a_printer_that_takes_everything_and_counts_nothing_is_never_believed(self):
+        def handle(connection):
+            unread = b""
+            while more := connection.recv(4096):
+                unread += more
+                while STATUS_REQUEST in unread:
+                    unread = unread.split(STATUS_REQUEST, 1)[1]
+                    connection.sendall(status_block())
+
+        result = run("-d", self.peer(handle).place, "-t", "1000", "print", "-", "--json", data=b"text\n")
+        self.assertExit(6, result)
+        self.assertEqual(result.json()["outcome"], "unconfirmed")
+
+
+class LostLinks(Case):
+    def test_a_link_cut_anywhere_is_never_a_printed_job_unless_it_came_out(self):
+        job = self.file("job", b"0123456789" * 5)
+        seen = set()
+        for count in range(0, 140, 7):
+            simulator = self.simulator("tcp:0", "--set", f"cut-after-in={count}")
+            result = run("-d", simulator.place, "print", job, "--json")
+            answer = result.json()
+            outcome = answer["outcome"]
+            self.assertEqual(outcome, {0: "printed", 5: "refused", 6: "unconfirmed"}.get(result.code), (count, result))
+            self.assertEqual(answer["bytesAccepted"] == 0, outcome == "refused", result)
+            if outcome == "printed":
+                self.assertEqual(simulator.state()["printedBytes"], 50)
+            seen.add(outcome)
+            simulator.kill()
+        self.assertLessEqual({"refused", "unconfirmed"}, seen)
+
+    def test_a_reset_in_mid_job_is_told_from_success(self):
+        def handle(connection):
+            receive(connection, 1000)
+            connection.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, b"\1\0\0\0\0\0\0\0")
+
+        result = run("-d", self.peer(handle).place, "print", "--unchecked", "--json", "-", data=b"x" * 8_000_000)
+        self.assertExit(6, result)
+        self.assertLess(result.json()["bytesAccepted"], 8_000_000)
+        self.assertIn("link", result.json()["error"])
+
+
+class Interrupting(Case):
+    def interrupted(self, process, *, by=signal.SIGINT, data: bytes | None = None):
+        process.send_signal(by)
+        result = finish(process, time.monotonic(), data)
+        self.assertExit(130, result)
+        self.assertLess(result.seconds, 1.5, "a signal takes effect within a second")
+        return result
+
+    def test_a_job_under_way_is_cancelled_and_the_port_closed(self):
+        for by in (signal.SIGINT, signal.SIGTERM):
+            simulator = self.simulator("tcp:0", "--set", "speed=50")
+            process = start("-d", simulator.place, "print", self.file("job", b"line of text\n" * 1000), "--json")
+            eventually(lambda: simulator.state()["buffered"] > 1000, "the job is under way")
+            answer = self.interrupted(process, by=by).json()
+            self.assertEqual((answer["ok"], answer["outcome"]), (False, "unconfirmed"))
+            self.assertEqual(answer["bytesTotal"], 13000)
+            self.assertGreater(answer["bytesAccepted"], 0)
+            self.assertIn("cancelled", answer["error"])
+
+    def test_the_printer_is_told_to_drop_the_rest(self):
+        simulator = self.simulator("tcp:0", "--set", "speed=20")
+        process = start("-d", simulator.place, "print", self.file("job", b"line of text\n" * 100))
+        eventually(lambda: simulator.state()["buffered"] > 1000, "the whole job is in the printer")
+        self.interrupted(process)
+        eventually(lambda: simulator.state()["buffered"] == 0, "the printer has dropped the rest")
+        self.assertLess(simulator.state()["printedBytes"], 1300)
+
+    def test_an_exchange_under_way_ends_and_the_port_is_closed(self):
+        contact, closed = threading.Event(), threading.Event()
+
+        def handle(connection):
+            receive(connection, 1)
+            contact.set()
+            while connection.recv(4096):
+                pass
+            closed.set()
+
+        for command in ("firmware", "dipswitch", "button-security", "disconnect"):
+            contact.clear()
+            closed.clear()
+            process = start("-d", self.peer(handle).place, command, "--json")
+            self.assertTrue(contact.wait(DEADLINE))
+            self.assertEqual(self.interrupted(process).json(), {"ok": False, "error": "interrupted"})
+            self.assertTrue(closed.wait(DEADLINE), "the port is closed")
+
+    def test_a_connection_that_is_being_made_is_given_up(self):
+        listener = socket.socket()
+        self.addCleanup(listener.close)
+        listener.bind(("127.0.0.1", 0))
+        listener.listen(0)
+        waiting = [socket.socket() for _ in range(4)]
+        for held in waiting:
+            self.addCleanup(held.close)
+            held.setblocking(False)
+            held.connect_ex(listener.getsockname())
+        process = start("-d", f"tcp:127.0.0.1:{listener.getsockname()[1]}", "online", "--json")
+        eventually(lambda: self.threads(process) > 2, "the port has its thread and is about to connect")
+        self.assertEqual(self.interrupted(process).json(), {"ok": False, "error": "interrupted"})
+
+    @staticmethod
+    def threads(process) -> int:
+        return len(os.listdir(f"/proc/{process.pid}/task"))
+
+    def test_a_read_from_a_pipe_is_given_up(self):
+        process = start("print", "-", "--json", stdin=-1)
+        eventually(lambda: self.threads(process) > 1, "the command waits for signals")
+        process.send_signal(signal.SIGINT)
+        self.assertEqual(process.wait(DEADLINE), 130)
+        self.assertIs(json.loads(process.stdout.read())["ok"], False)
+        for stream in (process.stdin, process.stdout, process.stderr):
+            stream.close()
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,270 @@
+"""The commands that ask the printer something, over every kind of link."""
+
+import re
+import socket
+
+from harness import FLAGS, STATUS_KEYS, STATUS_REQUEST, Case, answer_status, main, receive, run, status_block
+
+
+class OverEveryLink(Case):
+    """Each test runs against a printer that the command itself serves."""
+
+    def each_link(self, *arguments: str):
+        for listen in ("tcp:0", f"unix:{self.folder}/printer,with,commas".replace(",", "\\,"), "pty:"):
+            with self.subTest(listen=listen):
+                yield self.simulator(listen, *arguments)
+
+    def test_status_has_every_field_and_nothing_else(self):
+        for simulator in self.each_link("--set", "receiptPaperNearEmptyInner=true", "--set", "connectedInterface=2"):
+            result = run("-d", simulator.place, "status", "--json")
+            self.assertExit(0, result)
+            answer = result.json()
+            self.assertEqual(set(answer), {"ok", "status"})
+            self.assertIs(answer["ok"], True)
+            self.assertEqual(set(answer["status"]), STATUS_KEYS)
+            up = {name for name in FLAGS if answer["status"][name] == 1}
+            self.assertEqual(up, {"receiptPaperNearEmptyInner", "etbAvailable"})
+            self.assertEqual(answer["status"]["connectedInterface"], 2)
+            self.assertEqual(answer["status"]["raw"], "890100000420000002")
+
+    def test_a_change_of_the_printer_shows_in_the_next_status(self):
+        for simulator in self.each_link():
+            self.assertTrue(run("-d", simulator.place, "status").out.startswith("Ready to print.\n"))
+            simulator.set(coverOpen=True, receiptPaperEmpty=True)
+            result = run("-d", simulator.place, "status")
+            self.assertExit(0, result)
+            self.assertTrue(result.out.startswith("Not ready: cover open, paper out.\n"), result)
+
+    def test_online_answers_with_text_object_and_exit_code(self):
+        for simulator in self.each_link():
+            for emulation in ("line", "escpos"):
+                for offline, code, text in ((False, 0, "on line\n"), (True, 4, "off line\n")):
+                    simulator.set(offline=offline)
+                    plain = run("-d", simulator.place, "-e", emulation, "online")
+                    self.assertExit(code, plain)
+                    self.assertEqual(plain.out, text)
+                    result = run("-d", simulator.place, "-e", emulation, "online", "--json")
+                    self.assertExit(code, result)
+                    self.assertEqual(result.json(), {"ok": True, "online": not offline})
+
+    def test_firmware_is_told_in_both_emulations(self):
+        for simulator in self.each_link():
+            text = '"Quor" 1.2 <' + "z" * 52
+            self.assertEqual(len(text), 64)
+            simulator.set(firmware=text)
+            for emulation in ("line", "escpos"):
+                result = run("-d", simulator.place, "-e", emulation, "firmware", "--json")
+                self.assertExit(0, result)
+                self.assertEqual(result.json(), {"ok": True, "firmware": text})
+                self.assertEqual(run("-d", simulator.place, "-e", emulation, "firmware").out, text + "\n")
+
+    def test_dip_switches_are_two_banks_in_hex(self):
+        for simulator in self.each_link():
+            simulator.set(dip1="0a1b", dip2="00FF")
+            result = run("-d", simulator.place, "dipswitch", "--json")
+            self.assertExit(0, result)
+            self.assertEqual(result.json(), {"ok": True, "banks": ["0a1b", "00ff"]})
+            self.assertEqual(run("-d", simulator.place, "dipswitch").out, "bank 1: 0a 1b (hex)\nbank 2: 00 ff (hex)\n")
+
+    def test_button_security_is_a_time_in_milliseconds(self):
+        for simulator in self.each_link():
+            times = {}
+            for bank in ("0000", "4000", "8000", "c000"):
+                simulator.set(dip1=bank)
+                result = run("-d", simulator.place, "-t", "1234", "button-security", "--json")
+                self.assertExit(0, result)
+                self.assertEqual(set(result.json()), {"ok", "milliseconds"})
+                times[bank] = result.json()["milliseconds"]
+            self.assertEqual(sorted(times.values()), [0, 6234, 11234, 21234])
+            self.assertRegex(run("-d", simulator.place, "button-security").out, r"^(off|[\d,]+ ms)\n$")
+
+    def test_cancel_makes_the_printer_drop_what_it_holds(self):
+        for simulator in self.each_link("--set", "offline=true"):
+            self.assertExit(6, run("-d", simulator.place, "print", "--unchecked", "-", data=b"never printed\n"))
+            self.assertGreater(simulator.state()["buffered"], 0)
+            result = run("-d", simulator.place, "cancel", "--json")
+            self.assertExit(0, result)
+            self.assertEqual(result.json(), {"ok": True})
+            self.assertEqual(simulator.state()["buffered"], 0)
+
+    def test_the_place_that_is_printed_is_a_device_for_list(self):
+        for simulator in self.each_link():
+            (accessory,) = run("-d", simulator.place + ",name=Till,serial=1", "list", "--json").json()["accessories"]
+            self.assertEqual((accessory["name"], accessory["chosen"]), ("Till", True))
+
+
+class Listing(Case):
+    KEYS = {"name", "serialNumber", "modelNumber", "manufacturer", "protocolStrings", "connectionID", "connected",
+            "chosen"}
+
+    def listed(self, *arguments: str):
+        result = run(*arguments, "list", "--json")
+        self.assertExit(0, result)
+        self.assertEqual(set(result.json()), {"accessories"})
+        return result.json()["accessories"]
+
+    def chosen(self, *arguments: str) -> list[str]:
+        return [accessory["name"] for accessory in self.listed(*arguments) if accessory["chosen"]]
+
+    def test_an_accessory_has_every_key_with_what_its_device_said(self):
+        (accessory,) = self.listed("-d", "virtual:Till,serial=7,model=M1,protocol=a,protocol=b,id=18446744073709551615")
+        self.assertEqual(set(accessory), self.KEYS)
+        self.assertEqual(accessory, {
+            "name": "Till", "serialNumber": "7", "modelNumber": "M1", "manufacturer": "quor dalvane",
+            "protocolStrings": ["a", "b"], "connectionID": 18446744073709551615, "connected": True, "chosen": False})
+
+    def test_what_a_device_did_not_say_is_null(self):
+        (accessory,) = self.listed()
+        self.assertIsNone(accessory["serialNumber"])
+        self.assertIsNone(accessory["modelNumber"])
+
+    def test_the_chosen_one_is_the_one_that_the_port_opens(self):
+        two = ("-d", "virtual:A,serial=1", "-d", "virtual:B,serial=2,address=01:23:45:67:89:AB")
+        self.assertEqual(self.chosen(*two), ["A"])
+        self.assertEqual(self.chosen(*two, "-p", "bt:"), ["A"])
+        self.assertEqual(self.chosen(*two, "-p", "BT:B"), ["B"])
+        self.assertEqual(self.chosen(*two, "-p", "BT:2"), ["B"])
+        self.assertEqual(self.chosen(*two, "-p", "BT:01:23:45:67:89:ab"), ["B"])
+        self.assertEqual(self.chosen(*two, "-p", "BT:C"), [])
+        self.assertEqual(self.chosen(*two, "-p", "BT"), [])
+
+    def test_other_makers_and_protocols_are_passed_over(self):
+        self.assertEqual(
+            self.chosen("-d", "virtual:A,manufacturer=other", "-d", "virtual:B,protocol=other", "-d", "virtual:C"), ["C"])
+
+    def test_nothing_is_connected_by_listing(self):
+        def refuse(_connection):
+            self.contacted = True
+
+        self.contacted = False
+        peer = self.peer(refuse)
+        self.assertEqual(self.listed("-d", peer.place)[0]["chosen"], True)
+        self.assertFalse(self.contacted)
+
+    def test_people_see_which_one_is_chosen(self):
+        out = run("list", "-d", "virtual:A", "-d", "virtual:B", "-p", "BT:B").out
+        self.assertRegex(out, r'(?m)^  "A"')
+        self.assertRegex(out, r'(?m)^\* "B"')
+
+
+class AgainstAPeer(Case):
+    def test_every_flag_and_state_byte_is_read(self):
+        for flag in FLAGS:
+            block = status_block(flag, counter=201, presenter=3, interface=4)
+            peer = self.peer(lambda connection, block=block: answer_status(connection, block))
+            status = run("-d", peer.place, "status", "--json").json()["status"]
+            self.assertEqual([name for name in FLAGS if status[name]], [flag])
+            self.assertEqual((status["etbCounter"], status["presenterState"], status["connectedInterface"]), (201, 3, 4))
+            self.assertEqual((status["rawLength"], status["raw"]), (9, block.hex()))
+
+    def test_the_verbose_form_says_every_field_by_its_name(self):
+        peer = self.peer(lambda connection: answer_status(connection, status_block("jamError", presenter=1)))
+        result = run("-d", peer.place, "status", "-v")
+        self.assertExit(0, result)
+        for name in STATUS_KEYS - {"rawLength"}:
+            self.assertRegex(result.out, rf"(?m)^  {name} +\S")
+        self.assertRegex(result.out, r"(?m)^  jamError +yes$")
+        self.assertRegex(result.out, r"(?m)^  presenterState +holding paper$")
+
+    def test_an_answer_in_single_bytes_is_an_answer(self):
+        def handle(connection):
+            unread = b""
+            while more := connection.recv(64):
+                unread += more
+                if STATUS_REQUEST in unread:
+                    unread = b""
+                    for byte in status_block("coverOpen", "offline"):
+                        connection.sendall(bytes([byte]))
+
+        result = run("-d", self.peer(handle).place, "online", "--json")
+        self.assertExit(4, result)
+
+    def test_a_printer_that_says_nothing_is_asked_twice_and_is_a_failed_exchange(self):
+        def handle(connection):
+            self.received = b""
+            while more := connection.recv(4096):
+                self.received += more
+
+        peer = self.peer(handle)
+        result = self.assertFailsInBothForms(1, "-d", peer.place, "status", saying="did not answer")
+        self.assertLess(result.seconds, 5)
+        self.assertEqual(self.received.count(STATUS_REQUEST), 2)
+
+    def test_a_link_that_ends_is_a_lost_link(self):
+        peer = self.peer(lambda connection: receive(connection, 1))
+        for command in ("status", "online"):
+            self.assertFailsInBothForms(5, "-d", peer.place, command, saying="lost")
+        for command in ("firmware", "dipswitch", "button-security"):
+            self.assertFailsInBothForms(5, "-d", peer.place, "-t", "0", command, saying="lost")
+
+    def test_a_status_cut_at_every_byte_is_never_taken_for_one(self):
+        block = status_block()
+        for count in range(len(block)):
+            def handle(connection, count=count):
+                unread = b""
+                while STATUS_REQUEST not in unread:
+                    unread += connection.recv(64)
+                connection.sendall(block[:count])
+
+            self.assertExit(5, run("-d", self.peer(handle).place, "status"))
+
+    def test_an_unknown_emulation_has_no_status(self):
+        self.assertFailsInBothForms(1, "-e", "unknown", "status", saying="--emulation")
+
+    def test_an_off_line_printer_is_not_asked_for_its_firmware(self):
+        self.assertFailsInBothForms(4, "-d", "virtual:,coverOpen=true", "firmware", saying="off line")
+
+    def test_control_characters_in_a_firmware_text_do_not_reach_the_terminal(self):
+        def handle(connection):
+            unread = b""
+            while more := connection.recv(64):
+                unread += more
+                if unread.endswith(b"\x10\x04\x01") or unread.endswith(b"\x10\x04\x02") or unread.endswith(b"\x10\x04\x04"):
+                    connection.sendall(b"\x12")
+                elif unread.endswith(b"\x1d\x49\x41"):
+                    connection.sendall(b"\x5fa\x1b[2J\x80\x00")
+
+        place = self.peer(handle).place
+        result = run("-d", place, "-e", "escpos", "firmware")
+        self.assertExit(0, result)
+        self.assertIsNone(re.search(r"[\x00-\x09\x0b-\x1f]", result.out), result)
+        self.assertEqual(run("-d", place, "-e", "escpos", "firmware", "--json").json()["firmware"], "a\x1b[2J\ufffd")
+
+
+class Opening(Case):
+    def test_a_host_that_refuses_is_not_opened(self):
+        bound = socket.socket()  # and nobody listens
+        self.addCleanup(bound.close)
+        bound.bind(("127.0.0.1", 0))
+        place = f"tcp:127.0.0.1:{bound.getsockname()[1]}"
+        result = self.assertFailsInBothForms(3, "-d", place, "online", saying="refused")
+        self.assertLess(result.seconds, 5)
+
+    def test_a_host_that_never_answers_is_given_up(self):
+        listener = socket.socket()
+        self.addCleanup(listener.close)
+        listener.bind(("127.0.0.1", 0))
+        listener.listen(0)
+        # A full queue: nothing more is answered, and nothing refused.
+        waiting = [socket.socket() for _ in range(4)]
+        for held in waiting:
+            self.addCleanup(held.close)
+            held.setblocking(False)
+            held.connect_ex(listener.getsockname())
+        result = run("-d", f"tcp:127.0.0.1:{listener.getsockname()[1]}", "online")
+        self.assertExit(3, result)
+        self.assertLess(result.seconds, 10)
+
+    def test_paths_that_lead_to_no_device_are_named(self):
+        plain = self.file("plain", b"")
+        for spec in (f"unix:{plain}", f"unix:{self.folder}/none", f"serial:{plain}", f"serial:{self.folder}",
+                     f"serial:{self.folder}/none"):
+            result = self.assertFailsInBothForms(3, "-d", spec, "online", saying="reached")
+            self.assertIn(str(self.folder), result.err)
+
+    def test_when_no_accessory_matches_those_present_are_named(self):
+        self.assertFailsInBothForms(3, "-d", "virtual:Bar", "-p", "BT:Till", "online", saying="Bar")
+
+
+if __name__ == "__main__":
+    main()

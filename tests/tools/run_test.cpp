@@ -1,0 +1,127 @@
+// What a process cannot show of the command: arguments that no shell can pass, and the moments of
+// an interruption one by one.
+
+#include "tools/quorport/Run.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <future>
+#include <string>
+
+#include "tools/quorport/Interruption.h"
+
+namespace quordalvane::tool {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::HasSubstr;
+using testing::Not;
+
+// A file without a name that takes what a command writes.
+class Capture {
+ public:
+  Capture() : file_(std::tmpfile()) {}
+  ~Capture() { std::fclose(file_); }
+  Capture(const Capture&) = delete;
+  Capture& operator=(const Capture&) = delete;
+
+  int descriptor() const { return ::fileno(file_); }
+
+  std::string text() const {
+    std::array<char, 65536> bytes;
+    const ssize_t count = ::pread(descriptor(), bytes.data(), bytes.size(), 0);
+    return {bytes.data(), static_cast<std::size_t>(count)};
+  }
+
+ private:
+  std::FILE* file_;
+};
+
+struct Ran {
+  int code;
+  std::string out;
+  std::string err;
+};
+
+Ran runWith(const std::vector<std::string>& arguments) {
+  const Capture in, out, err;
+  const int code = run(arguments, {in.descriptor(), out.descriptor(), err.descriptor()});
+  return {code, out.text(), err.text()};
+}
+
+TEST(Run, WritesToTheStreamsThatItIsGiven) {
+  const Ran ran = runWith({"online"});
+  EXPECT_EQ(ran.code, 0);
+  EXPECT_EQ(ran.out, "on line\n");
+  EXPECT_EQ(ran.err, "");
+}
+
+TEST(Run, ReadsFromTheStreamThatItIsGiven) {
+  const Ran ran = runWith({"print", "-"});
+  EXPECT_EQ(ran.code, 0);
+  EXPECT_EQ(ran.out, "printed: the printer confirmed all 0 bytes\n");
+}
+
+TEST(Run, TakesAZeroByteInAnyArgumentAsData) {
+  const std::string odd("BT:a\0b", 6);
+  const Ran ran = runWith({"--port-name", odd, "online"});
+  EXPECT_EQ(ran.code, 3);
+  EXPECT_THAT(ran.err, HasSubstr("\"BT:a\\u0000b\""));
+  EXPECT_THAT(ran.err, Not(HasSubstr(std::string(1, '\0'))));
+}
+
+TEST(Run, CanRunAgainInTheSameProcess) {
+  EXPECT_EQ(runWith({"online"}).code, 0);
+  EXPECT_EQ(runWith({"-d", "virtual:,offline=true", "online"}).code, 4);
+  EXPECT_EQ(runWith({"online"}).code, 0);
+}
+
+class InterruptionTest : public testing::Test {
+ protected:
+  int givenUp_ = 0;
+  Interruption interruption_{[this] { ++givenUp_; }};
+};
+
+TEST_F(InterruptionTest, GivesUpWhileNothingIsOpen) {
+  interruption_.interrupt();
+  EXPECT_EQ(givenUp_, 1);
+}
+
+TEST_F(InterruptionTest, EndsASleepOfAnExchange) {
+  interruption_.beginExchange();
+  const auto sleep = std::async(std::launch::async,
+                                [this] { EXPECT_THROW(interruption_.sleep(1h), Interrupted); });
+  interruption_.interrupt();
+  sleep.wait();
+  EXPECT_EQ(givenUp_, 0);
+}
+
+TEST_F(InterruptionTest, EndsEverySleepThatComesAfterIt) {
+  interruption_.beginExchange();
+  interruption_.interrupt();
+  EXPECT_THROW(interruption_.sleep(1h), Interrupted);
+  EXPECT_THROW(interruption_.sleep(1h), Interrupted);
+}
+
+TEST_F(InterruptionTest, LetsWhatMustBeDoneAtTheEndSleep) {
+  interruption_.beginExchange();
+  interruption_.interrupt();
+  interruption_.end();
+  const auto before = std::chrono::steady_clock::now();
+  EXPECT_NO_THROW(interruption_.sleep(1ms));
+  EXPECT_GE(std::chrono::steady_clock::now() - before, 1ms);
+}
+
+TEST_F(InterruptionTest, HasNoEffectAtTheEnd) {
+  interruption_.end();
+  interruption_.interrupt();
+  EXPECT_EQ(givenUp_, 0);
+}
+
+}  // namespace
+}  // namespace quordalvane::tool

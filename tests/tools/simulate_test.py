@@ -1,0 +1,308 @@
+"""The virtual printer as a server: where it listens, whom it serves, what it leaves behind."""
+
+import os
+import select
+import signal
+import socket
+import stat
+
+from harness import DEADLINE, STATUS_REQUEST, Case, eventually, main, receive, run, start, finish, status_block
+
+
+class Places(Case):
+    def test_over_tcp_it_says_the_port_that_it_got(self):
+        for listen in ("tcp:0", "tcp::0", "tcp:127.0.0.1:0", "tcp:localhost:0"):
+            self.assertRegex(self.simulator(listen).place, r"^tcp:(127\.0\.0\.1|\[::1\]):[1-9]\d*$")
+
+    def test_only_this_machine_reaches_it_unless_told_otherwise(self):
+        self.assertTrue(self.simulator("tcp:0").place.startswith("tcp:127.0.0.1:"))
+        self.assertTrue(self.simulator("tcp:0.0.0.0:0").place.startswith("tcp:0.0.0.0:"))
+
+    def test_a_place_that_is_none_is_refused_with_those_there_are(self):
+        for wrong in ("", "tcp:", "tcp:x", "tcp:h:65536", "tcp:a:b:1", "usb:1", "pty:x", "unix:", "unix:/a,b=c",
+                      "unix:/" + "x" * 200, "tcp:127.0.0.1:-1"):
+            result = run("simulate", "--listen", wrong)
+            self.assertExit(2, result)
+            self.assertIn("--listen", result.err)
+            self.assertEqual(result.out, "")
+        self.assertExit(2, run("simulate"))
+
+    def test_a_place_that_is_taken_is_said(self):
+        first = self.simulator("tcp:0")
+        result = run("simulate", "--listen", first.place)
+        self.assertExit(1, result)
+        self.assertIn("in use", result.err)
+
+    def test_a_plain_file_in_its_way_is_left_alone(self):
+        path = self.file("printer", b"precious")
+        for option in (["--listen", f"unix:{path}"], ["--listen", "tcp:0", "--control", f"unix:{path}"]):
+            result = run("simulate", *option)
+            self.assertExit(1, result)
+            self.assertIn("no socket", result.err)
+        with open(path, "rb") as file:
+            self.assertEqual(file.read(), b"precious")
+
+    def test_a_socket_that_somebody_listens_to_is_left_alone(self):
+        place = f"unix:{self.folder}/printer"
+        self.simulator(place)
+        self.assertExit(1, run("simulate", "--listen", place))
+        self.assertExit(0, run("-d", place, "online"))
+
+    def test_a_socket_whose_listener_is_gone_is_replaced(self):
+        place = f"unix:{self.folder}/printer"
+        self.simulator(place).kill()
+        self.assertTrue((self.folder / "printer").exists())
+        self.assertExit(0, run("-d", self.simulator(place).place, "online"))
+
+    def test_its_sockets_are_gone_with_it(self):
+        simulator = self.simulator(f"unix:{self.folder}/printer", "--control", f"unix:{self.folder}/control")
+        self.assertEqual(simulator.stop(signal.SIGTERM), 0)
+        self.assertEqual(os.listdir(self.folder), [])
+
+    def test_the_control_socket_is_for_its_owner_alone(self):
+        self.simulator("tcp:0", "--control", f"unix:{self.folder}/control")
+        self.assertEqual(stat.S_IMODE(os.stat(self.folder / "control").st_mode), 0o600)
+
+    def test_settings_that_are_none_are_refused(self):
+        for wrong, saying in [("coverOpen", "KEY=VALUE"), ("coverOpen=1", "true or false"), ("x=1", "firmware"),
+                              ("late-reply=x", "MS"), ("speed=-1", "bytes a second")]:
+            result = run("simulate", "--listen", "tcp:0", "--set", wrong)
+            self.assertExit(2, result)
+            self.assertIn(saying, result.err)
+            self.assertIn("--set", result.err)
+
+
+class Ending(Case):
+    def test_both_signals_end_it_well(self):
+        for number in (signal.SIGINT, signal.SIGTERM):
+            self.assertEqual(self.simulator().stop(number), 0)
+
+    def test_a_signal_ends_it_also_with_a_host_connected(self):
+        simulator = self.simulator("tcp:0", "--set", "offline=true")
+        with simulator.connect() as host:
+            host.sendall(b"x" * 100)
+            eventually(lambda: simulator.state()["buffered"] == 100, "the bytes are in the printer")
+            self.assertEqual(simulator.stop(signal.SIGTERM), 0)
+            self.assertEqual(host.recv(1), b"")
+
+    def test_the_end_of_standard_input_does_not(self):
+        simulator = self.simulator()
+        simulator.process.stdin.close()
+        self.assertExit(0, run("-d", simulator.place, "online"))
+        self.assertIsNone(simulator.process.poll())
+        simulator.process.stdin = None
+
+    def test_a_closed_standard_output_does_not(self):
+        simulator = self.simulator()
+        simulator.process.stdout.close()
+        simulator.process.stdin.write(b'{"get":"state"}\n' * 3)
+        simulator.process.stdin.flush()
+        for _ in range(3):
+            self.assertExit(0, run("-d", simulator.place, "online"))
+        self.assertIsNone(simulator.process.poll())
+
+    def test_signals_that_a_shell_ignores_for_background_commands_end_it(self):
+        def ignore():
+            signal.signal(signal.SIGINT, signal.SIG_IGN)
+
+        process = start("simulate", "--listen", "tcp:0", preexec_fn=ignore)
+        self.addCleanup(process.stdout.close)
+        self.addCleanup(process.stderr.close)
+        self.assertIn(b"listening", process.stdout.readline())
+        process.send_signal(signal.SIGINT)
+        self.assertEqual(process.wait(DEADLINE), 0)
+
+
+class Hosts(Case):
+    def test_both_emulations_are_answered_at_once(self):
+        with self.simulator().connect() as host:
+            host.sendall(STATUS_REQUEST + b"\x10\x04\x01" + b"\x1b\x23\x2c\x31\x0a\x00" + b"\x1d\x49\x41")
+            answer = receive(host, 9 + 1 + 7 + 1)
+            self.assertEqual(answer[:9], status_block("etbAvailable", interface=5))
+            self.assertEqual(answer[9:17], b"\x12\x1b\x23\x2c\x31\x00\x00\x0a")
+            self.assertEqual(answer[17:], b"\x5f")
+
+    def test_a_slow_printer_holds_its_host_up(self):
+        simulator = self.simulator("tcp:0", "--set", "offline=true", "--set", "buffer=1000")
+        with simulator.connect() as host:
+            host.setblocking(False)
+            sent = 0
+            while select.select([], [host], [], 1)[1]:
+                sent += host.send(b"x" * 65536)
+            self.assertEqual(simulator.state()["buffered"], 1000)
+            self.assertGreater(sent, 1000)
+            simulator.set(offline=False)
+            eventually(lambda: simulator.state()["printedBytes"] == sent, "all has been printed once and whole")
+
+    def test_a_host_that_only_half_closes_gets_its_answers(self):
+        with self.simulator().connect() as host:
+            host.sendall(STATUS_REQUEST)
+            host.shutdown(socket.SHUT_WR)
+            self.assertEqual(len(receive(host, 100)), 9)
+
+    def test_the_next_host_waits_for_the_one_before(self):
+        simulator = self.simulator()
+        with simulator.connect() as first, simulator.connect() as second:
+            second.sendall(STATUS_REQUEST)
+            first.sendall(STATUS_REQUEST)
+            self.assertEqual(len(receive(first, 9)), 9)
+            self.assertEqual(select.select([second], [], [], 0)[0], [])
+            first.close()
+            self.assertEqual(len(receive(second, 9)), 9)
+
+    def test_a_host_that_resets_disturbs_nobody(self):
+        simulator = self.simulator("tcp:0", "--set", "offline=true", "--set", "buffer=100")
+        for waits in (False, True):
+            with simulator.connect() as host:
+                host.sendall(b"x" * 5000 if waits else b"x")
+                if waits:
+                    eventually(lambda: simulator.state()["buffered"] == 100, "the printer is full")
+                host.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, b"\1\0\0\0\0\0\0\0")
+        simulator.set(offline=False)
+        self.assertExit(0, run("-d", simulator.place, "online"))
+
+    def test_a_hundred_connections_leave_no_descriptor_behind(self):
+        for listen in ("tcp:0", f"unix:{self.folder}/printer"):
+            simulator = self.simulator(listen)
+            simulator.state()
+            before = simulator.descriptors()
+            for count in range(100):
+                with simulator.connect() as host:
+                    if count % 3 == 0:
+                        host.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, b"\1\0\0\0\0\0\0\0")
+                    host.sendall(STATUS_REQUEST + b"text\n")
+                    if count % 2 == 0:
+                        self.assertEqual(len(receive(host, 9)), 9)
+            eventually(lambda: simulator.descriptors() == before, "all descriptors are closed")
+
+    def test_a_hundred_users_of_a_terminal_leave_no_descriptor_behind(self):
+        simulator = self.simulator("pty:")
+        simulator.state()
+        before = simulator.descriptors()
+        path = simulator.place.removeprefix("serial:")
+        for _ in range(100):
+            terminal = os.open(path, os.O_RDWR | os.O_NOCTTY)
+            os.write(terminal, STATUS_REQUEST)
+            self.assertEqual(len(os.read(terminal, 9)), 9)
+            os.close(terminal)
+        eventually(lambda: simulator.descriptors() == before, "all descriptors are closed")
+
+    def test_it_sleeps_while_nothing_happens(self):
+        for listen in ("tcp:0", "pty:"):
+            simulator = self.simulator(listen, "--set", "offline=true", "--set", "buffer=16")
+            if listen == "pty:":
+                self.assertExit(6, run("-d", simulator.place, "print", "--unchecked", "-t", "0", "-", data=b"x" * 500))
+            else:
+                with simulator.connect() as host:
+                    host.sendall(b"x" * 500)
+            eventually(lambda: simulator.state()["buffered"] == 16, "the printer is full")
+            stat_file = f"/proc/{simulator.process.pid}/stat"
+
+            def ticks():
+                with open(stat_file) as file:
+                    return sum(map(int, file.read().rsplit(")", 1)[1].split()[11:13]))
+
+            before = ticks()
+            select.select([], [], [], 1)  # the one second over which we measure
+            self.assertLess(ticks() - before, os.sysconf("SC_CLK_TCK") // 4)
+
+
+class DroppedLinks(Case):
+    def test_a_cut_link_is_closed_after_what_came_before(self):
+        simulator = self.simulator("tcp:0", "--set", "cut-after-in=6:drain")
+        with simulator.connect() as host:
+            host.sendall(STATUS_REQUEST * 2 + b"more")
+            self.assertEqual(len(receive(host, 100)), 18)
+        self.assertExit(5, run("-d", simulator.place, "status"))
+
+    def test_a_reset_link_is_reset(self):
+        simulator = self.simulator("tcp:0", "--set", "cut-after-in=3:reset")
+        with simulator.connect() as host:
+            host.sendall(STATUS_REQUEST)
+            with self.assertRaises(ConnectionResetError):
+                receive(host, 100)
+
+    def test_a_terminal_that_dropped_its_user_comes_back_under_a_name_that_is_said(self):
+        simulator = self.simulator("pty:", "--set", "cut-after-in=3:drain")
+        terminal = os.open(simulator.place.removeprefix("serial:"), os.O_RDWR | os.O_NOCTTY)
+        os.write(terminal, STATUS_REQUEST)
+        self.assertEqual(len(os.read(terminal, 9)), 9)
+        place = simulator.next_place()
+        with self.assertRaises(OSError):
+            if os.read(terminal, 1) == b"":
+                raise OSError("hung up")
+        os.close(terminal)
+        self.assertEqual(simulator.control({"clear": "faults"}), {"ok": True})
+        self.assertExit(0, run("-d", place, "online"))
+
+    def test_a_cut_by_a_control_line_ends_the_link_that_there_is_and_no_other(self):
+        simulator = self.simulator()
+        with simulator.connect() as host:
+            host.sendall(STATUS_REQUEST)
+            self.assertEqual(len(receive(host, 9)), 9)
+            self.assertEqual(simulator.control({"fault": {"cut": "drain"}}), {"ok": True})
+            self.assertEqual(host.recv(1), b"")
+        self.assertExit(0, run("-d", simulator.place, "online"))
+
+
+class Receipts(Case):
+    def names(self):
+        folder = self.folder / "out"
+        return sorted(os.listdir(folder)) if folder.exists() else []
+
+    def text(self, number: int) -> str:
+        return (self.folder / "out" / f"receipt-{number:04}.txt").read_text()
+
+    def serve(self, *arguments: str, listen: str = "tcp:0"):
+        return self.simulator(listen, "--receipts", str(self.folder / "out"), *arguments)
+
+    def test_each_job_is_a_numbered_text_and_picture(self):
+        for listen in ("tcp:0", "pty:"):
+            simulator = self.serve(listen=listen)
+            before = len(self.names()) // 2
+            for count in (1, 2):
+                self.assertExit(0, run("-d", simulator.place, "print", "-", data=b"job %d on %s\n" % (count, listen.encode())))
+                self.assertExit(0, run("-d", simulator.place, "online"))  # which leaves nothing
+                eventually(lambda: len(self.names()) == 2 * (before + count), "the receipt is written")
+                self.assertIn(f"job {count} on {listen}", self.text(before + count))
+            simulator.kill()
+        self.assertEqual(self.names()[:2], ["receipt-0001.png", "receipt-0001.txt"])
+
+    def test_a_job_that_is_printed_slowly_is_complete(self):
+        simulator = self.serve("--set", "speed=200")
+        with simulator.connect() as host:
+            host.sendall(b"first line\nsecond line\nlast line\n")
+        eventually(self.names, "the receipt is written")
+        self.assertIn("last line", self.text(1))
+
+    def test_on_a_connection_that_stays_a_cut_ends_a_job(self):
+        simulator = self.serve()
+        with simulator.connect() as host:
+            for count in (1, 2):
+                host.sendall(b"job %d\n\x1dV\x00" % count)
+                eventually(lambda: len(self.names()) == 2 * count, "the receipt is written")
+                self.assertIn(f"job {count}", self.text(count))
+
+    def test_what_is_on_the_paper_at_the_end_is_kept(self):
+        simulator = self.serve()
+        with simulator.connect() as host:
+            host.sendall(b"half a job\n" + STATUS_REQUEST)
+            receive(host, 9)
+            self.assertEqual(simulator.stop(signal.SIGTERM), 0)
+        self.assertIn("half a job", self.text(1))
+
+    def test_numbers_go_on_from_those_that_are_there(self):
+        (self.folder / "out").mkdir()
+        (self.folder / "out" / "receipt-0041.txt").write_text("older")
+        simulator = self.serve()
+        self.assertExit(0, run("-d", simulator.place, "print", "-", data=b"newer\n"))
+        eventually(lambda: "receipt-0042.txt" in self.names(), "the receipt is written")
+
+    def test_a_folder_that_cannot_be_one_is_refused(self):
+        result = run("simulate", "--listen", "tcp:0", "--receipts", self.file("plain", b""))
+        self.assertExit(2, result)
+        self.assertIn("--receipts", result.err)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,166 @@
+"""What the command makes of its arguments."""
+
+import os
+import subprocess
+
+from harness import Case, main, run
+
+COMMANDS = "list status online print cancel firmware dipswitch button-security disconnect simulate".split()
+
+
+class Usage(Case):
+    def test_help_names_every_command_and_ends_well(self):
+        result = run("--help")
+        self.assertExit(0, result)
+        self.assertEqual(result.err, "")
+        for command in COMMANDS:
+            self.assertIn(f"\n  {command} ", result.out)
+
+    def test_every_command_has_a_help_of_its_own(self):
+        for command in COMMANDS:
+            result = run(command, "--help")
+            self.assertExit(0, result)
+            self.assertIn(f"quorport {command}", result.out)
+
+    def test_the_help_of_print_says_what_an_unchecked_job_comes_to(self):
+        self.assertIn("unconfirmed at best", " ".join(run("print", "--help").out.split()))
+
+    def test_the_version_is_one_line(self):
+        result = run("--version")
+        self.assertExit(0, result)
+        self.assertRegex(result.out, r"^quorport \d+\.\d+\.\d+\n$")
+
+    def test_a_command_is_needed(self):
+        for command in COMMANDS:
+            self.assertFailsInBothForms(2, saying=command)
+
+    def test_an_unknown_command_is_named_and_the_known_ones_listed(self):
+        self.assertFailsInBothForms(2, "statsu", saying="statsu")
+        self.assertFailsInBothForms(2, "statsu", saying="button-security")
+
+    def test_an_unknown_option_is_named(self):
+        self.assertFailsInBothForms(2, "status", "--tiemout", "3", saying="--tiemout")
+
+    def test_an_option_without_its_value_is_named(self):
+        self.assertFailsInBothForms(2, "online", "--timeout=", saying="--timeout")
+        self.assertIn("--timeout", run("online", "--timeout").err)
+
+    def test_too_many_arguments_are_named(self):
+        self.assertFailsInBothForms(2, "print", "a", "b", saying="b")
+
+    def test_print_needs_a_file(self):
+        self.assertFailsInBothForms(2, "print", saying="FILE")
+
+    def test_a_time_that_is_none_is_refused_with_the_values_it_takes(self):
+        for wrong in ("abc", "-1", "4294967296", "1.5", "", "0x10", "99999999999999999999"):
+            result = self.assertFailsInBothForms(2, "online", "--timeout", wrong, saying="4294967295")
+            self.assertIn("--timeout", result.err)
+        for option in ("--end-timeout", "--hold-print-timeout"):
+            self.assertFailsInBothForms(2, "print", "-", option, "4294967296", saying=option)
+
+    def test_times_at_both_ends_of_the_range_are_taken(self):
+        for right in ("0", "4294967295", "0010"):
+            self.assertExit(0, run("online", "--timeout", right))
+
+    def test_an_unknown_emulation_is_refused_with_those_there_are(self):
+        self.assertFailsInBothForms(2, "online", "-e", "pcl", saying="line, escpos or unknown")
+
+    def test_a_log_level_is_0_to_63(self):
+        self.assertFailsInBothForms(2, "online", "--log-level", "64", saying="63")
+
+    def test_a_receipt_is_a_picture_or_a_text(self):
+        self.assertFailsInBothForms(2, "print", "-", "--receipt", "a.pdf", saying=".png or .txt")
+
+    def test_a_device_that_is_none_is_refused_with_what_is_right(self):
+        for spec, saying in [
+            ("printer", "tcp:HOST:PORT"),
+            ("tcp:nowhere", "HOST:PORT"),
+            ("tcp:h:0", "65535"),
+            ("tcp:h:1,bad=1", "serial, model"),
+            ("tcp:h:1,baud=9600", "baud"),
+            ("serial:/dev/x,baud=1", "9600"),
+            ("unix:", "path"),
+            ("virtual:,coverOpen=maybe", "true or false"),
+            ("virtual:,nonsense=1", "coverOpen"),
+            ("virtual:,id=x", "18446744073709551615"),
+            ("", "tcp:HOST:PORT"),
+        ]:
+            result = self.assertFailsInBothForms(2, "-d", spec, "online", saying=saying)
+            self.assertIn("--device", result.err)
+
+    def test_global_options_are_taken_before_and_after_the_command(self):
+        before = run("-d", "virtual:,coverOpen=true", "--json", "online")
+        after = run("online", "--json", "-d", "virtual:,coverOpen=true")
+        self.assertEqual((before.code, before.out), (after.code, after.out))
+        self.assertExit(4, before)
+
+    def test_of_an_option_that_is_given_twice_the_last_counts(self):
+        self.assertExit(2, run("online", "-t", "5", "-t", "x"))
+        self.assertExit(0, run("online", "-e", "unknown", "-e", "line"))
+
+    def test_a_value_may_be_empty(self):
+        self.assertExit(0, run("online", "--settings=", "--settings", ""))
+
+    def test_a_device_does_not_swallow_the_command_behind_it(self):
+        self.assertExit(0, run("-d", "virtual:A", "-d", "virtual:B", "online"))
+
+    def test_what_stands_behind_a_double_dash_is_no_option(self):
+        odd = self.file("--json", b"text\n")
+        result = run("print", "--", os.path.basename(odd), cwd=self.folder)
+        self.assertExit(0, result)
+        self.assertIn("printed", result.out)
+
+    def test_a_file_may_be_named_like_a_command(self):
+        self.file("status", b"text\n")
+        self.assertExit(0, run("print", "status", cwd=self.folder))
+
+    def test_control_characters_and_invalid_bytes_are_shown_and_not_passed_on(self):
+        for name in (b"BT:a\x1b[2J\x07", b"BT:\xff\xfe", b"BT:%s%n%d", b"BT:" + b"x" * 100000):
+            result = run("-p", name, "online")
+            self.assertExit(3, result)
+            self.assertNotIn("\x1b", result.err)
+            self.assertNotIn("\x07", result.err)
+            self.assertLess(len(result.err), 2000)
+            self.assertIs(run("-p", name, "online", "--json").json()["ok"], False)
+
+    def test_port_names_that_are_too_short_match_nothing(self):
+        for name in ("", "B", "BT"):
+            self.assertFailsInBothForms(3, "-p", name, "online", saying="BT:")
+
+    def test_hostile_settings_are_only_searched_for_their_option(self):
+        for settings in ("%s%n", "d300", "dd5", "x" * 100000, "\x1b"):
+            self.assertExit(0, run("-s", settings, "online"))
+
+
+class StandardStreams(Case):
+    def test_closed_streams_do_not_lend_their_numbers_to_the_printer(self):
+        simulator = self.simulator()
+        for closed in ("<&-", ">&-", "2>&-", "<&- >&- 2>&-"):
+            command = f'exec "$QUORPORT" -d {simulator.place} print "$0" {closed}'
+            shell = subprocess.run(["sh", "-c", command, self.file("job", b"text\n")], timeout=60,
+                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+            self.assertEqual(shell.returncode, 0, closed)
+        self.assertEqual(simulator.state()["printedBytes"], 4 * len(b"text\n"))
+
+    def test_an_answer_that_nobody_can_read_is_a_failure(self):
+        with open("/dev/full", "wb") as full:
+            for command in ("status", "list", "online", "firmware", "--help"):
+                result = run(command, stdout=full)
+                self.assertExit(1, result)
+                self.assertIn("standard output", result.err)
+
+    def test_what_was_printed_stays_printed_when_nobody_can_read_it(self):
+        with open("/dev/full", "wb") as full:
+            result = run("print", "-", data=b"text\n", stdout=full)
+        self.assertExit(0, result)
+        self.assertIn("standard output", result.err)
+
+    def test_a_reader_that_has_left_does_not_kill_the_command(self):
+        reader, writer = os.pipe()
+        os.close(reader)
+        with open(writer, "wb") as pipe:
+            self.assertExit(1, run("status", stdout=pipe))
+
+
+if __name__ == "__main__":
+    main()
