@@ -1,0 +1,41 @@
+# The headers that are installed, from the project's root: what a program includes, and what that
+# includes in turn.
+set(QUOR_PUBLIC_HEADERS
+  backends/AccessoryIdentity.h
+  backends/DeviceSpec.h
+  backends/Devices.h
+  backends/posix/Deadline.h
+  backends/posix/Descriptor.h
+  backends/posix/PosixClock.h
+  backends/posix/PosixPlatform.h
+  backends/posix/Serial.h
+  iphone-IOPort/AtomicProperty.h
+  iphone-IOPort/ExternalAccessoryPort.h
+  iphone-IOPort/LogWriter.h
+  iphone-IOPort/TransferObserver.h
+  iphone-IOPort/ZKQuorIOResultCode.h
+  iphone-IOPort/enum.h
+  iphone-IOPort/exceptions/PortException.h
+  job/BlockReport.h
+  job/PrintJob.h
+  logging/CallbackSink.h
+  logging/JsonFileSink.h
+  logging/LogDelivery.h
+  logging/LogQueue.h
+  logging/LogRecord.h
+  logging/LogSink.h
+  logging/PrintableText.h
+  logging/RecordText.h
+  logging/RotatingFile.h
+  logging/StandardErrorSink.h
+  platform/Clock.h
+  platform/EAAccessory.h
+  platform/Forwarding.h
+  platform/NSRunLoop.h
+  platform/NSStream.h
+  platform/NSThread.h
+  platform/Platform.h)
+set(QUOR_PUBLIC_C_HEADERS
+  include/quordalvane/QuorExport.h
+  include/quordalvane/QuorIOPort.h
+  include/quordalvane/QuorIOPortC.h)

@@ -1,0 +1,83 @@
+# The library as programs get it: every room but the command in one libQuorIOPort, shared and static,
+# and what is installed with it. Headers are installed below include/quordalvane/ as they lie in the
+# tree, and that folder is searched, too, so that a program includes what the project's own sources do.
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+include(PublicHeaders)
+
+set(rooms quor_parsers quor_logging quor_platform quor_port quor_simulator quor_backend_common
+          quor_virtual quor_posix quor_backends quor_job quor_c_interface)
+list(TRANSFORM rooms REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>" OUTPUT_VARIABLE objects)
+
+# The linker is told which names to export: those of the list.
+set(export_list ${PROJECT_SOURCE_DIR}/cmake/exported_symbols.txt)
+set(export_map ${PROJECT_BINARY_DIR}/exports.map)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${export_list})
+file(STRINGS ${export_list} exports REGEX "^[^#]")
+list(TRANSFORM exports REPLACE " .*" "")
+list(JOIN exports ";\n" exports)
+file(CONFIGURE OUTPUT ${export_map}
+     CONTENT "QUORIOPORT_@PROJECT_VERSION_MAJOR@ {\nglobal:\n@exports@;\nlocal: *;\n};\n" @ONLY)
+
+# quor_product(NAME TYPE): the library of that type.
+function(quor_product name type)
+  add_library(${name} ${type} ${objects})
+  add_library(QuorIOPort::${name} ALIAS ${name})
+  set_target_properties(${name} PROPERTIES OUTPUT_NAME QuorIOPort LINKER_LANGUAGE CXX
+                        ARCHIVE_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib
+                        LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
+  target_compile_features(${name} INTERFACE cxx_std_20)
+  target_include_directories(${name} INTERFACE
+    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>
+    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/quordalvane>)
+endfunction()
+
+quor_product(QuorIOPort SHARED)
+set_target_properties(QuorIOPort PROPERTIES VERSION ${PROJECT_VERSION}
+                      SOVERSION ${PROJECT_VERSION_MAJOR}
+                      LINK_DEPENDS ${export_map})
+target_link_options(QuorIOPort PRIVATE LINKER:--version-script=${export_map} LINKER:--no-undefined)
+target_link_libraries(QuorIOPort PRIVATE PkgConfig::CAIRO PkgConfig::FONTCONFIG ${ZINT_LIBRARY}
+                                         Threads::Threads)
+
+# By name, so that only programs that link it statically need these libraries' own packages.
+set(QUOR_STATIC_LINKS cairo fontconfig zint pthread)
+quor_product(QuorIOPortStatic STATIC)
+target_link_libraries(QuorIOPortStatic INTERFACE ${QUOR_STATIC_LINKS})
+
+install(TARGETS QuorIOPort EXPORT QuorIOPortTargets
+        LIBRARY COMPONENT library NAMELINK_COMPONENT development)
+install(TARGETS QuorIOPortStatic EXPORT QuorIOPortTargets ARCHIVE COMPONENT development)
+install(TARGETS quorport RUNTIME COMPONENT tool)
+
+foreach(header ${QUOR_PUBLIC_HEADERS})
+  cmake_path(GET header PARENT_PATH folder)
+  install(FILES ${PROJECT_SOURCE_DIR}/${header}
+          DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/quordalvane/${folder} COMPONENT development)
+endforeach()
+install(FILES ${QUOR_PUBLIC_C_HEADERS} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/quordalvane
+        COMPONENT development)
+
+set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/QuorIOPort)
+install(EXPORT QuorIOPortTargets NAMESPACE QuorIOPort:: DESTINATION ${package_folder}
+        COMPONENT development)
+configure_package_config_file(cmake/QuorIOPortConfig.cmake.in QuorIOPortConfig.cmake
+                              INSTALL_DESTINATION ${package_folder})
+# Before 1.0 any version may change what programs rely on.
+write_basic_package_version_file(QuorIOPortConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/QuorIOPortConfig.cmake
+              ${PROJECT_BINARY_DIR}/QuorIOPortConfigVersion.cmake
+        DESTINATION ${package_folder} COMPONENT development)
+
+# Written when it is installed: only then is the prefix known for certain.
+list(TRANSFORM QUOR_STATIC_LINKS PREPEND "-l" OUTPUT_VARIABLE static_flags)
+list(JOIN static_flags " " static_flags)
+install(CODE "
+  set(LIBDIR \"${CMAKE_INSTALL_LIBDIR}\")
+  set(INCLUDEDIR \"${CMAKE_INSTALL_INCLUDEDIR}\")
+  set(VERSION \"${PROJECT_VERSION}\")
+  set(STATIC_FLAGS \"${static_flags}\")
+  configure_file(\"${PROJECT_SOURCE_DIR}/cmake/QuorIOPort.pc.in\"
+                 \"${PROJECT_BINARY_DIR}/QuorIOPort.pc\" @ONLY)" COMPONENT development)
+install(FILES ${PROJECT_BINARY_DIR}/QuorIOPort.pc
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
