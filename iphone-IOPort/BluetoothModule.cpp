@@ -134,17 +134,19 @@ std::string ExternalAccessoryPort::settingIn(const std::string& printerResponse,
                                              const std::string& settingTitle,
                                              std::int32_t settingLength) {
   constexpr auto selector = responseSelector;
+  if (settingLength == 0) {
+    QUOR_LOG(ZKLogTypeProcess, 0, "settingLength == 0, %d", settingLength);
+  }
   const auto settingPos = printerResponse.find(settingTitle);
   if (settingPos == std::string::npos || settingLength < 0) {
     throw std::out_of_range("no setting of length " + std::to_string(settingLength) + " after \"" +
                             settingTitle + "\" in the module's reply");
   }
-  if (settingLength == 0) {
-    QUOR_LOG(ZKLogTypeProcess, 0, "settingLength == 0, %d", settingLength);
-    return asciiText(printerResponse.substr(settingPos));
-  }
-  const auto length = static_cast<std::int64_t>(settingTitle.size()) + settingLength;
-  return asciiText(subrange(printerResponse, static_cast<std::int64_t>(settingPos), length));
+  const std::size_t length = settingLength == 0
+                                 ? printerResponse.size() - settingPos
+                                 : settingTitle.size() + static_cast<std::size_t>(settingLength);
+  return asciiText(subrange(printerResponse, static_cast<std::int64_t>(settingPos),
+                            static_cast<std::int64_t>(length)));
 }
 
 bool ExternalAccessoryPort::disconnect() {
