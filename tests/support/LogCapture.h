@@ -9,7 +9,8 @@
 
 namespace quordalvane::test {
 
-/// Gathers every log record of the process, raw and in order, from its first use on.
+/// Gathers every log record of the process, raw and in order, from its first use on. For one
+/// thread.
 class LogCapture {
  public:
   static LogCapture& instance();
@@ -18,7 +19,10 @@ class LogCapture {
   /// records came before it, although they are delivered later.
   static std::uint64_t handedOver() { return LogWriter::sharedInstance().statistics().handedOver; }
 
-  /// All records since the last call. Throws when one was dropped.
+  /// Forgets all records so far.
+  void clear();
+
+  /// All records since the last call or `clear`. Throws when one was dropped.
   std::vector<LogRecord> take();
 
  private:
@@ -27,6 +31,7 @@ class LogCapture {
   LogCapture();
 
   const std::shared_ptr<Sink> sink_;
+  LogStatistics seen_{};  // how things stood at the last call
 };
 
 /// Logging is as given for as long as this lives, and off after it.

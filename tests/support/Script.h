@@ -55,8 +55,9 @@ struct Script {
 
   // -- The same as sentences ----------------------------------------------------------------------
   Script& delivers(Bytes what, double at = 0);
-  /// The first time, or the next time after earlier ones, that `request` has gone out.
+  /// The next time, after earlier ones like this, that `request` has gone out.
   Script& whenAsked(Bytes request, Reply reply);
+  /// Every time that is not one of those.
   Script& wheneverAsked(Bytes request, Reply reply);
   Script& givesAtMost(std::size_t count);
   Script& readReturns(std::size_t nth, std::int64_t result);

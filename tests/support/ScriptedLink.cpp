@@ -103,18 +103,22 @@ void ScriptedLink::answer(std::span<const std::uint8_t> data) {
   }
 }
 
-/// Of the answers to what has just gone out, the one to the longest request; the earlier first.
+/// Of the answers to what has just gone out, the one to the longest request; among those, one that
+/// is given once before one that is always given, and the earlier first.
 Script::Answer* ScriptedLink::nextAnswer() {
-  Script::Answer* longest = nullptr;
+  const auto rank = [](const Script::Answer& answer) {
+    return std::pair(answer.request.size(), !answer.always);
+  };
+  Script::Answer* best = nullptr;
   for (Script::Answer& candidate : script_.answers) {
     const Bytes& request = candidate.request;
     const bool asked = request.size() <= unanswered_.size() &&
                        std::equal(request.rbegin(), request.rend(), unanswered_.rbegin());
-    if (asked && (longest == nullptr || request.size() > longest->request.size())) {
-      longest = &candidate;
+    if (asked && (best == nullptr || rank(candidate) > rank(*best))) {
+      best = &candidate;
     }
   }
-  return longest;
+  return best;
 }
 
 std::int64_t ScriptedLink::read(std::span<std::uint8_t> buffer) {

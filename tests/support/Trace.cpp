@@ -92,7 +92,7 @@ void Trace::clear() {
   const std::lock_guard lock(mutex_);
   entries_.clear();
   records_.clear();
-  LogCapture::instance().take();
+  LogCapture::instance().clear();
   firstRecord_ = LogCapture::handedOver();
 }
 

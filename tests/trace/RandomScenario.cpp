@@ -248,7 +248,11 @@ RandomCase randomCase(std::uint64_t seed) {
   if (dice.oneIn(8)) {
     script.stepsClock(1 + dice.below(5), dice.among({-3600, -1, 1, 3600}));
   }
-  return {std::move(scenario), randomCall(dice)};
+  Call call = randomCall(dice);
+  if (call.name == "getPrinterResponse" && !dice.oneIn(4)) {
+    script.deliveries = inPieces(dice, damaged(dice, moduleReply(dice)));
+  }
+  return {std::move(scenario), std::move(call)};
 }
 
 }  // namespace quordalvane::test

@@ -23,13 +23,12 @@ inline const Bytes paperQuery = bytes("10 04 04");
 enum FlagPlace : std::size_t { coverOpenFlag = 0, offlineFlag = 1, paperPresentFlag = 20 };
 
 /// A line-mode status with these flags and this counter.
-inline Bytes lineStatus(std::initializer_list<std::size_t> flagPlaces = {},
-                        std::uint8_t counter = 0) {
+inline Bytes lineStatus(std::initializer_list<std::size_t> flagPlaces = {}, unsigned counter = 0) {
   Bytes block = bytes("89 01 00 00 00 00 00 00 05");
   for (const std::size_t place : flagPlaces) {
     block[2 + place / 8] |= static_cast<std::uint8_t>(1U << place % 8);
   }
-  block[6] = counter;
+  block[6] = static_cast<std::uint8_t>(counter);
   return block;
 }
 

@@ -1,0 +1,362 @@
+#include <gtest/gtest.h>
+
+#include "tests/unit/port/Printer.h"
+
+namespace quordalvane::test {
+namespace {
+
+const std::string method = "beginCheckedBlock:level:resultCode:";
+
+TEST(BeginBlockInLineMode, GoesThroughAllStepsWithoutASleep) {
+  Scenario scenario = lineModePrinter();
+  scenario.dataTimeoutSeconds = 10;
+  const Outcome run = scenario.run(beginCheckedBlock(5));
+  EXPECT_EQ(run.result, "true");
+  EXPECT_EQ(run.caller.resultCode, 0);
+  EXPECT_EQ(run.wire(), text(R"(
+    slice for input 0.1
+    output.write <1b 2a 72 42 1b 1d 03 04 00 00 1b 06 01> -> 13
+    input.read 128 -> <89 01 00 00 00 00 00 00 05>
+    output.write <1b 1e 45 00> -> 4
+    slice for input 0.1
+    output.write <1b 2a 72 42 1b 1d 03 04 00 00 1b 06 01> -> 13
+    input.read 128 -> <89 01 00 00 00 00 00 00 05>
+    output.write <1b 1d 03 05 01 0a> -> 6
+    output.write <1b 1d 03 03 00 00> -> 6
+  )"));
+  EXPECT_EQ(run.records(method), text(R"(
+    Start | <status>, 5
+    Process | p_emulation: 1
+    Error | self.dataTimeoutSeconds: 10
+    End | <status>, 5, -> 1
+  )"));
+  EXPECT_NE(run.records("getParsedStatus:level:").find("Start | <status>, 2\n"), std::string::npos)
+      << "line mode asks for level 2 whatever the caller's";
+}
+
+TEST(BeginBlockInLineMode, SendsNothingToAPrinterThatIsOffLine) {
+  const Outcome run = lineModePrinter(lineStatus({offlineFlag})).run(beginCheckedBlock());
+  EXPECT_EQ(run.result, "true");
+  EXPECT_EQ(run.caller.resultCode, -1);
+  EXPECT_EQ(run.sent(), lineRequest);
+  EXPECT_EQ(run.records(method), text(R"(
+    Start | <status>, 5
+    Process | p_emulation: 1
+    Process | status->offline: 1
+    End | <status>, 5, -> 1
+  )"));
+}
+
+TEST(BeginBlockInLineMode, FailsWithoutAFirstStatus) {
+  const Outcome run = Scenario::in(lineMode).run(beginCheckedBlock());
+  EXPECT_EQ(run.result, "false");
+  EXPECT_EQ(run.caller.resultCode, -1);
+  EXPECT_EQ(run.records(method), text(R"(
+    Start | <status>, 5
+    Process | p_emulation: 1
+    Error | Fail to [self getParsedStatus:status level:2]: <self>, <status>, 2
+    End | <status>, 5, -> 0
+  )"));
+}
+
+TEST(BeginBlockInLineMode, KeepsTheCodeAtFailedWhenTheStatusRaises) {
+  Scenario scenario = lineModePrinter();
+  scenario.script.isLost();
+  const Outcome run = scenario.run(beginCheckedBlock());
+  EXPECT_EQ(run.result, "PortException: Native WritePort failed");
+  EXPECT_EQ(run.caller.resultCode, -1);
+  EXPECT_EQ(run.records(method), "Start | <status>, 5\nProcess | p_emulation: 1\n")
+      << "an exception that passes through leaves no exit record";
+}
+
+TEST(BeginBlockInLineMode, FailsWhenTheCounterCannotBeReset) {
+  Scenario scenario = lineModePrinter();
+  scenario.script.writeReturns(2, -1);
+  const Outcome run = scenario.run(beginCheckedBlock());
+  EXPECT_EQ(run.result, "false");
+  EXPECT_EQ(run.caller.resultCode, -1);
+  EXPECT_NE(run.records(method).find(
+                "Error | Fail to [self writeWithRetry:etbResetCommand]: <self>, <address>\n"),
+            std::string::npos);
+}
+
+TEST(BeginBlockInLineMode, LooksAtTheConnectionBeforeTheWaitsFirstStatus) {
+  Scenario scenario = lineModePrinter();
+  scenario.script.isLostAfterBytes(13 + 4);
+  const Outcome run = scenario.run(beginCheckedBlock());
+  EXPECT_EQ(run.result, "false");
+  EXPECT_EQ(run.caller.resultCode, -1);
+  EXPECT_TRUE(
+      run.records(method).ends_with("Error | self.isConnected: 0\nEnd | <status>, 5, -> 0\n"));
+}
+
+TEST(BeginBlockInLineMode, TellsOfALostLinkWhatAFreshQuestionAnswers) {
+  Scenario scenario = lineModePrinter();
+  std::vector<bool> answers(6 + 2, true);  // the first status, and the reset
+  answers.push_back(false);
+  answers.push_back(true);
+  scenario.script.saysConnected(answers);
+  const Outcome run = scenario.run(beginCheckedBlock());
+  EXPECT_EQ(run.result, "false") << run.all();
+  EXPECT_TRUE(
+      run.records(method).ends_with("Error | self.isConnected: 1\nEnd | <status>, 5, -> 0\n"))
+      << run.records(method);
+}
+
+TEST(BeginBlockInLineMode, WaitsUntilTheCounterIs0) {
+  Scenario scenario = Scenario::in(lineMode);
+  scenario.script.whenAsked(lineRequest, whole(lineStatus({}, 9)))
+      .whenAsked(lineRequest, whole(lineStatus({}, 9)))
+      .whenAsked(lineRequest, whole(lineStatus({}, 0)));
+  const Outcome run = scenario.run(beginCheckedBlock());
+  EXPECT_EQ(run.result, "true");
+  EXPECT_EQ(run.caller.resultCode, 0);
+  EXPECT_NE(run.wire().find("select 50000\n"), std::string::npos);
+}
+
+TEST(BeginBlockInLineMode, FailsWhenTheCounterStaysPastTheTimeout) {
+  const Outcome run = lineModePrinter(lineStatus({}, 1), 1000).run(beginCheckedBlock());
+  EXPECT_EQ(run.result, "false");
+  EXPECT_EQ(run.caller.resultCode, -1);
+  EXPECT_TRUE(run.records(method).ends_with(
+      "Error | end.tv_sec - start.tv_sec > waitTimeout, 1000002, 1000000, 1\n"
+      "End | <status>, 5, -> 0\n"))
+      << run.records(method);
+}
+
+TEST(BeginBlockInLineMode, FailsWithItsOwnCodeWhenPaperStaysPastTheHoldPrintTimeout) {
+  Scenario scenario = lineModePrinter(lineStatus({paperPresentFlag}), 60000);
+  scenario.holdMillis = 2999;
+  const Outcome run = scenario.run(beginCheckedBlock());
+  EXPECT_EQ(run.result, "false");
+  EXPECT_EQ(run.caller.resultCode, -3);
+  EXPECT_TRUE(run.records(method).ends_with(
+      "Error | end.tv_sec - start.tv_sec > waitTimeout, 1000003, 1000000, 2\n"
+      "End | <status>, 5, -> 0\n"))
+      << run.records(method);
+}
+
+TEST(BeginBlockInLineMode, SucceedsWhenThePaperIsTakenInTime) {
+  Scenario scenario = Scenario::in(lineMode);
+  scenario.holdMillis = 5000;
+  scenario.script.whenAsked(lineRequest, whole(lineStatus({paperPresentFlag})))
+      .whenAsked(lineRequest, whole(lineStatus({paperPresentFlag})))
+      .whenAsked(lineRequest, whole(lineStatus()));
+  const Outcome run = scenario.run(beginCheckedBlock());
+  EXPECT_EQ(run.result, "true");
+  EXPECT_EQ(run.caller.resultCode, 0);
+}
+
+TEST(BeginBlockInLineMode, ChoosesTheLimitAnewInEachPass) {
+  Scenario scenario = Scenario::in(lineMode, 1000);
+  scenario.holdMillis = 10000;
+  scenario.script.whenAsked(lineRequest, whole(lineStatus()));
+  for (int pass = 0; pass < 20; ++pass) {
+    scenario.script.whenAsked(lineRequest, whole(lineStatus({paperPresentFlag})));
+  }
+  scenario.script.wheneverAsked(lineRequest, whole(lineStatus({}, 1)));
+  const Outcome run = scenario.run(beginCheckedBlock());
+  EXPECT_EQ(run.result, "false");
+  EXPECT_EQ(run.caller.resultCode, -1) << "the paper went late, and the counter was not 0 then";
+  EXPECT_NE(run.records(method).find("> waitTimeout, 1000003, 1000000, 1\n"), std::string::npos)
+      << run.records(method);
+}
+
+TEST(BeginBlockInLineMode, IsEndedWithoutErrorByAPrinterThatGoesOffLine) {
+  Scenario scenario = Scenario::in(lineMode);
+  scenario.script.whenAsked(lineRequest, whole(lineStatus({}, 1)))
+      .whenAsked(lineRequest, whole(lineStatus({offlineFlag, paperPresentFlag}, 1)));
+  const Outcome run = scenario.run(beginCheckedBlock());
+  EXPECT_EQ(run.result, "true");
+  EXPECT_EQ(run.caller.resultCode, 0);
+  EXPECT_EQ(run.caller.status.offline, 1U);
+}
+
+TEST(BeginBlockInLineMode, AsksAgainAfterAStatusThatFailed) {
+  Scenario scenario = Scenario::in(lineMode);
+  scenario.script.whenAsked(lineRequest, whole(lineStatus()))
+      .whenAsked(lineRequest, {})
+      .whenAsked(lineRequest, {})
+      .wheneverAsked(lineRequest, whole(lineStatus()));
+  const Outcome run = scenario.run(beginCheckedBlock());
+  EXPECT_EQ(run.result, "true");
+  EXPECT_EQ(run.caller.resultCode, 0);
+  EXPECT_EQ(run.wire().find("select"), std::string::npos) << "it sleeps with usleep here";
+}
+
+TEST(BeginBlockInLineMode, FailsWhenTheStatusKeepsFailingPastTheTimeout) {
+  Scenario scenario = Scenario::in(lineMode, 3000);
+  scenario.script.whenAsked(lineRequest, whole(lineStatus()));
+  const Outcome run = scenario.run(beginCheckedBlock());
+  EXPECT_EQ(run.result, "false");
+  EXPECT_EQ(run.caller.resultCode, -1);
+  EXPECT_TRUE(run.records(method).ends_with(
+      "Error | end.tv_sec - start.tv_sec > timeoutSec, 1000006, 1000000, 3\n"
+      "End | <status>, 5, -> 0\n"))
+      << run.records(method);
+}
+
+TEST(BeginBlockInLineMode, TimesTheWaitFromTheReset) {
+  Scenario scenario = Scenario::in(lineMode, 1000);
+  scenario.script.whenAsked(lineRequest, {{lineStatus(), 1.4}})
+      .wheneverAsked(lineRequest, whole(lineStatus({}, 1)));
+  const Outcome run = scenario.run(beginCheckedBlock());
+  EXPECT_NE(run.records(method).find("> waitTimeout, 1000003, 1000001, 1\n"), std::string::npos)
+      << run.records(method);
+}
+
+TEST(BeginBlockInLineMode, HasALimitOf0SecondsBelow1000Milliseconds) {
+  Scenario scenario = lineModePrinter(lineStatus({}, 1), 999);
+  scenario.script.startsPastTheSecond(600000);
+  const Outcome run = scenario.run(beginCheckedBlock());
+  EXPECT_EQ(run.caller.resultCode, -1);
+  EXPECT_NE(run.records(method).find("> waitTimeout, 1000001, 1000000, 0\n"), std::string::npos);
+}
+
+TEST(BeginBlockInLineMode, IsNotTimedOutByAClockThatStepsBack) {
+  Scenario scenario = Scenario::in(lineMode, 0);
+  for (const unsigned counter : {1U, 1U, 0U}) {
+    scenario.script.whenAsked(lineRequest, whole(lineStatus({}, counter)));
+  }
+  scenario.script.stepsClock(6, -1);
+  EXPECT_EQ(scenario.run(beginCheckedBlock()).result, "true");
+}
+
+class BeginBlock : public testing::TestWithParam<std::int32_t> {
+ protected:
+  static Scenario printer() { return GetParam() == lineMode ? lineModePrinter() : escPosPrinter(); }
+
+  /// How many writes come before the data time-out.
+  static std::size_t writesBefore() { return GetParam() == lineMode ? 3 : 5; }
+};
+
+TEST_P(BeginBlock, SendsNoDataTimeoutWhenThatIsNegative) {
+  for (const std::int64_t seconds : {std::int64_t{-1}, INT64_MIN}) {
+    Scenario scenario = printer();
+    scenario.dataTimeoutSeconds = seconds;
+    const Outcome run = scenario.run(beginCheckedBlock());
+    EXPECT_EQ(run.result, "true");
+    EXPECT_EQ(run.wire().find("1b 1d 03 05"), std::string::npos);
+    EXPECT_TRUE(run.wire().ends_with("output.write <1b 1d 03 03 00 00> -> 6\n"));
+    EXPECT_EQ(run.records(method).find("dataTimeoutSeconds"), std::string::npos);
+  }
+}
+
+TEST_P(BeginBlock, SendsTheLowByteOfTheDataTimeout) {
+  const std::pair<std::int64_t, std::uint8_t> rows[] = {
+      {0, 0x00}, {255, 0xff}, {256, 0x00}, {300, 0x2c}, {INT64_MAX, 0xff}};
+  for (const auto& [seconds, byte] : rows) {
+    Scenario scenario = printer();
+    scenario.dataTimeoutSeconds = seconds;
+    const Outcome run = scenario.run(beginCheckedBlock());
+    EXPECT_NE(run.wire().find("output.write " + shown(bytes("1b 1d 03 05 01") + Bytes{byte})),
+              std::string::npos);
+    EXPECT_NE(
+        run.records(method).find("Error | self.dataTimeoutSeconds: " + std::to_string(seconds)),
+        std::string::npos);
+  }
+}
+
+TEST_P(BeginBlock, RaisesWhenTheDataTimeoutCannotBeSet) {
+  Scenario scenario = printer();
+  scenario.dataTimeoutSeconds = 7;
+  scenario.script.writeReturns(writesBefore() + 1, -1);
+  const Outcome run = scenario.run(beginCheckedBlock());
+  EXPECT_EQ(run.result, "PortException: [beginCheckedBlock] Failed to set data cancel timeout");
+  EXPECT_EQ(run.caller.resultCode, -1);
+  EXPECT_TRUE(run.records(method).ends_with(
+      "Error | Fail to [self writeWithRetry:setDataTimeoutCommandData]: <self>, <address>\n"
+      "End | <status>, 5\n"));
+}
+
+TEST_P(BeginBlock, FailsWhenTheDataCancelCannotBeSent) {
+  Scenario scenario = printer();
+  scenario.script.writeReturns(writesBefore() + 1, -1);
+  const Outcome run = scenario.run(beginCheckedBlock());
+  EXPECT_EQ(run.result, "false");
+  EXPECT_EQ(run.caller.resultCode, -1);
+  EXPECT_TRUE(run.records(method).ends_with(
+      "Error | Fail to [self writeWithRetry:dataCancelCommand]: <self>, <address>\n"
+      "End | <status>, 5, -> 0\n"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Emulation, BeginBlock, testing::Values(lineMode, escPos));
+
+TEST(BeginBlockInEscPos, GoesThroughAllSteps) {
+  const Outcome run = escPosPrinter().run(beginCheckedBlock(5));
+  EXPECT_EQ(run.result, "true");
+  EXPECT_EQ(run.caller.resultCode, 0);
+  EXPECT_EQ(run.wire(), text(R"(
+    output.write <1b 1d 03 02 00 00> -> 6
+    slice for input 0.1
+    output.write <1b 1d 03 04 00 00> -> 6
+    output.write <10 04 01> -> 3
+    input.read 1 -> <12>
+    output.write <10 04 02> -> 3
+    input.read 1 -> <12>
+    output.write <10 04 04> -> 3
+    input.read 1 -> <12>
+    output.write <1b 1d 03 03 00 00> -> 6
+  )"));
+  EXPECT_EQ(run.records("getParsedStatus:level:").substr(0, 20), "Start | <status>, 5\n");
+}
+
+TEST(BeginBlockInEscPos, BeginsAlsoWhenThePrinterIsOffLine) {
+  const Outcome run = escPosPrinter("1a").run(beginCheckedBlock());
+  EXPECT_EQ(run.result, "true");
+  EXPECT_EQ(run.caller.resultCode, 0);
+  EXPECT_EQ(run.caller.status.offline, 1U);
+}
+
+TEST(BeginBlockInEscPos, BeginsAlsoWithoutAStatus) {
+  const Outcome run = escPosPrinter("00").run(beginCheckedBlock());
+  EXPECT_EQ(run.result, "true");
+  EXPECT_EQ(run.caller.resultCode, 0);
+}
+
+TEST(BeginBlockInEscPos, FailsWhenTheLinkIsLostAfterTheReset) {
+  Scenario scenario = escPosPrinter();
+  scenario.script.isLostAfterBytes(6);
+  const Outcome run = scenario.run(beginCheckedBlock());
+  EXPECT_EQ(run.result, "false");
+  EXPECT_EQ(run.caller.resultCode, -1);
+  EXPECT_TRUE(
+      run.records(method).ends_with("Error | self.isConnected: 0\nEnd | <status>, 5, -> 0\n"));
+}
+
+TEST(BeginBlockInEscPos, AsksForTheLostConnectionOnlyOnce) {
+  Scenario scenario = escPosPrinter();
+  scenario.script.saysConnected({true, true, false, true});
+  const Outcome run = scenario.run(beginCheckedBlock());
+  EXPECT_EQ(run.result, "false");
+  EXPECT_TRUE(
+      run.records(method).ends_with("Error | self.isConnected: 0\nEnd | <status>, 5, -> 0\n"));
+}
+
+TEST(BeginBlockInEscPos, LetsAnExceptionOfTheStatusPass) {
+  Scenario scenario = Scenario::in(escPos);
+  scenario.script.isLost(0.5);
+  const Outcome run = scenario.run(beginCheckedBlock());
+  EXPECT_EQ(run.result, "PortException: GetParsedStatus detected bluetooth disconnection");
+  EXPECT_EQ(run.caller.resultCode, -1);
+}
+
+TEST(BeginBlockInEscPos, FailsWhenTheCounterCannotBeReset) {
+  Scenario scenario = escPosPrinter();
+  scenario.script.isLost();
+  const Outcome run = scenario.run(beginCheckedBlock());
+  EXPECT_EQ(run.result, "false");
+  EXPECT_TRUE(run.records(method).ends_with(
+      "Error | Fail to [self writeWithRetry:etbResetCommand]: <self>, <address>\n"
+      "End | <status>, 5, -> 0\n"));
+}
+
+TEST(BeginBlockOfAnUnknownEmulation, GoesThroughTheStepsOfEscPos) {
+  const Outcome run = Scenario::in(unknownEmulation).run(beginCheckedBlock());
+  EXPECT_EQ(run.result, "true");
+  EXPECT_EQ(run.caller.resultCode, 0);
+  EXPECT_EQ(run.sent(), escPosCounterReset + dataCancel);
+}
+
+}  // namespace
+}  // namespace quordalvane::test
