@@ -5,9 +5,11 @@ include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 include(PublicHeaders)
 
-set(rooms quor_parsers quor_logging quor_platform quor_port quor_simulator quor_backend_common
-          quor_virtual quor_posix quor_backends quor_job quor_c_interface)
+set(rooms quor_parsers quor_logging quor_platform quor_port quor_backend_common quor_virtual
+          quor_posix quor_backends quor_job quor_c_interface)
 list(TRANSFORM rooms REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>" OUTPUT_VARIABLE objects)
+# Pictures of the paper are the command's alone: programs do not need the drawing library.
+list(APPEND objects $<FILTER:$<TARGET_OBJECTS:quor_simulator>,EXCLUDE,/Canvas|/ImageRendering>)
 
 # The linker is told which names to export: those of the list.
 set(export_list ${PROJECT_SOURCE_DIR}/cmake/exported_symbols.txt)
@@ -37,11 +39,10 @@ set_target_properties(QuorIOPort PROPERTIES VERSION ${PROJECT_VERSION}
                       SOVERSION ${PROJECT_VERSION_MAJOR}
                       LINK_DEPENDS ${export_map})
 target_link_options(QuorIOPort PRIVATE LINKER:--version-script=${export_map} LINKER:--no-undefined)
-target_link_libraries(QuorIOPort PRIVATE PkgConfig::CAIRO PkgConfig::FONTCONFIG ${ZINT_LIBRARY}
-                                         Threads::Threads)
+target_link_libraries(QuorIOPort PRIVATE ${ZINT_LIBRARY} Threads::Threads)
 
-# By name, so that only programs that link it statically need these libraries' own packages.
-set(QUOR_STATIC_LINKS cairo fontconfig zint pthread)
+# By name, so that only programs that link it statically need the other library's own package.
+set(QUOR_STATIC_LINKS zint pthread)
 quor_product(QuorIOPortStatic STATIC)
 target_link_libraries(QuorIOPortStatic INTERFACE ${QUOR_STATIC_LINKS})
 

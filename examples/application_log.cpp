@@ -1,0 +1,51 @@
+// Sends the library's diagnostic records through the application's own logger. Usage:
+// application_log DEVICE
+#include <iostream>
+#include <memory>
+#include <string>
+
+#include "backends/Devices.h"
+#include "iphone-IOPort/ExternalAccessoryPort.h"
+#include "iphone-IOPort/LogWriter.h"
+#include "logging/CallbackSink.h"
+
+using namespace quordalvane;
+
+namespace {
+
+// What the application has anyway; calls come from the library's writer thread.
+void applicationLog(const char* severity, const std::string& text) {
+  std::clog << "shop[" << severity << "]: " << text << '\n';
+}
+
+void passOn(const LogRecord& record) {
+  const char* severity = record.type == ZKLogTypeError ? "error" : "debug";
+  applicationLog(severity, std::string(record.method) + " " + record.message);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    std::cerr << "usage: application_log DEVICE\n";
+    return 2;
+  }
+  LogWriter& logger = LogWriter::sharedInstance();
+  const auto sink = std::make_shared<CallbackSink>(passOn);
+  logger.addSink(sink);
+  LogWriter::setTargetLogLevels({0});
+  LogWriter::setLogging(true);
+
+  connectDevices({argv[1]});
+  const auto port = ExternalAccessoryPort::initWithPortName("BT:", "", 3000, ZKEmulationQuorLine);
+  bool online = false;
+  const bool answered = port && port->open() && port->getOnlineStatus(&online);
+  std::cout << (!answered ? "no answer" : online ? "on line" : "off line") << '\n';
+  if (port) {
+    port->close();
+  }
+
+  logger.flush();  // whatever was logged has reached the application
+  logger.removeSink(sink);
+  return answered && online ? 0 : 1;
+}

@@ -1,0 +1,43 @@
+// Prints a file and says what to do next. Usage: print_with_confirmation DEVICE FILE
+#include <fstream>
+#include <iostream>
+#include <iterator>
+
+#include "backends/Devices.h"
+#include "iphone-IOPort/ExternalAccessoryPort.h"
+#include "job/PrintJob.h"
+
+using namespace quordalvane;
+
+int main(int argc, char** argv) {
+  if (argc != 3) {
+    std::cerr << "usage: print_with_confirmation DEVICE FILE\n";
+    return 2;
+  }
+  std::ifstream file(argv[2], std::ios::binary);
+  const ByteBuffer receipt{std::istreambuf_iterator<char>(file), {}};
+
+  connectDevices({argv[1]});
+  const auto port = ExternalAccessoryPort::initWithPortName("BT:", "", 10000, ZKEmulationQuorLine);
+  if (!port || !port->open()) {
+    std::cerr << "no printer: nothing was sent, try again later\n";
+    return 1;
+  }
+  const PrintResult result = PrintJob(port).run(receipt);
+  port->close();
+
+  switch (result.outcome) {
+    case PrintOutcome::Printed:
+      std::cout << "printed: hand the receipt over\n";
+      return 0;
+    case PrintOutcome::Refused:
+      // Nothing went out. Mend what is wrong and send the very same job again.
+      std::cout << "refused: " << result.reason << "; " << result.advice << '\n';
+      return 1;
+    case PrintOutcome::Unconfirmed:
+      // It may be on paper. Only somebody who looks can tell: a program must not send it again.
+      std::cout << "unconfirmed after " << result.bytesAccepted << " of " << result.bytesTotal
+                << " bytes: " << result.reason << "; " << result.advice << '\n';
+      return 6;
+  }
+}

@@ -1,0 +1,52 @@
+// Tells, until it is stopped, what changes about a printer. Usage: status_monitor DEVICE
+#include <chrono>
+#include <iostream>
+#include <string>
+#include <thread>
+
+#include "backends/Devices.h"
+#include "iphone-IOPort/ExternalAccessoryPort.h"
+
+using namespace quordalvane;
+
+namespace {
+
+std::string inWords(const QuorPrinterStatus_2& status) {
+  std::string words = status.offline ? "off line" : "on line";
+  words += status.coverOpen ? ", cover open" : "";
+  words += status.receiptPaperEmpty ? ", out of paper" : "";
+  words += status.receiptPaperNearEmptyInner ? ", paper near its end" : "";
+  words += status.paperPresent ? ", a receipt waits in the exit" : "";
+  return words;
+}
+
+// The port is opened anew after a link was lost.
+std::string ask(ExternalAccessoryPort& port) {
+  try {
+    if (!port.isConnected() && !port.open()) {
+      port.close();
+      return "cannot be reached";
+    }
+    QuorPrinterStatus_2 status = {};
+    return port.getParsedStatus(&status, 0) ? inWords(status) : "does not answer";
+  } catch (const PortException&) {
+    port.close();
+    return "link lost";
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    std::cerr << "usage: status_monitor DEVICE\n";
+    return 2;
+  }
+  connectDevices({argv[1]});
+  const auto port = ExternalAccessoryPort::initWithPortName("BT:", "", 3000, ZKEmulationQuorLine);
+  for (std::string last; port; std::this_thread::sleep_for(std::chrono::milliseconds(500))) {
+    if (const std::string now = ask(*port); now != last) {
+      std::cout << (last = now) << std::endl;
+    }
+  }
+}

@@ -1,0 +1,128 @@
+"""Each example, built against the installed package, does what it says."""
+
+import os
+import sys
+import unittest
+
+from programs import EXAMPLES, SOURCES, Program, ProgramTest
+
+PRINT_PY = SOURCES / "examples/print.py"
+
+
+class Confirmation(ProgramTest):
+    def outcome(self, device: str) -> tuple[int, str]:
+        receipt = self.folder / "receipt.txt"
+        receipt.write_text("2 Espresso   3.60\n" * 100)
+        result = self.run_program(EXAMPLES / "print_with_confirmation", device, receipt)
+        return result.returncode, result.stdout + result.stderr
+
+    def test_a_printed_receipt_is_handed_over(self):
+        self.assertEqual(self.outcome("virtual:"), (0, "printed: hand the receipt over\n"))
+
+    def test_a_refused_one_says_that_sending_again_is_safe(self):
+        code, text = self.outcome("virtual:,coverOpen=true")
+        self.assertEqual(code, 1)
+        self.assertIn("refused: cover open", text)
+        self.assertIn("again is safe", text)
+
+    def test_one_that_may_be_on_paper_sends_somebody_to_look(self):
+        code, text = self.outcome("virtual:,cut-after-in=300")
+        self.assertEqual(code, 6)
+        self.assertRegex(text, r"unconfirmed after \d+ of 1800 bytes: link lost")
+        self.assertIn("look at the paper", text)
+
+    def test_without_a_printer_nothing_is_sent(self):
+        code, text = self.outcome(f"unix:{self.folder}/nobody")
+        self.assertEqual((code, text), (1, "no printer: nothing was sent, try again later\n"))
+
+
+class Monitor(ProgramTest):
+    def test_changes_are_told_as_they_come(self):
+        monitor = Program(self, EXAMPLES / "status_monitor", "virtual:,at=1000:coverOpen=true")
+        self.assertEqual(monitor.line(), "on line")
+        self.assertEqual(monitor.line(), "off line, cover open")
+
+    def test_it_outlives_the_printer(self):
+        place = f"unix:{self.folder}/printer"
+        printer, device = self.printer(place)
+        monitor = Program(self, EXAMPLES / "status_monitor", device)
+        self.assertEqual(monitor.line(), "on line")
+        printer.end()
+        self.assertIn(monitor.line(), ("link lost", "cannot be reached"))
+        self.printer(place)
+        while (line := monitor.line()) != "on line":
+            self.assertEqual(line, "cannot be reached")
+
+
+class Kiosk(ProgramTest):
+    def test_it_goes_on_when_the_cable_is_back(self):
+        place = f"unix:{self.folder}/printer"
+        printer, device = self.printer(place)
+        kiosk = Program(self, EXAMPLES / "kiosk", device)
+        kiosk.write("first receipt")
+        self.assertEqual(kiosk.line(), "printed")
+        printer.end()
+        kiosk.write("second receipt")
+        self.assertEqual(kiosk.line(), "waiting: cannot be reached")
+        self.printer(place)
+        self.assertEqual(kiosk.line(), "printed")
+
+    def test_a_receipt_that_may_be_on_paper_is_not_sent_again(self):
+        kiosk = Program(self, EXAMPLES / "kiosk", "virtual:,prints-nothing=true")
+        kiosk.write("receipt")
+        self.assertIn("call the staff", kiosk.line())
+
+
+class ApplicationLog(ProgramTest):
+    def test_records_go_through_the_applications_logger(self):
+        result = self.run_program(EXAMPLES / "application_log", "virtual:")
+        self.assertEqual((result.returncode, result.stdout), (0, "on line\n"))
+        records = result.stderr.splitlines()
+        self.assertGreater(len(records), 10)
+        for record in records:
+            self.assertRegex(record, r"^shop\[(debug|error)\]: [-+]\[\w+ .*\]")
+
+    def test_what_goes_wrong_is_an_error_there(self):
+        result = self.run_program(EXAMPLES / "application_log", "virtual:,drop-reply=all")
+        self.assertEqual((result.returncode, result.stdout), (1, "no answer\n"))
+        self.assertIn("shop[error]: ", result.stderr)
+
+
+class C(ProgramTest):
+    def test_shared_and_static_print_alike(self):
+        for program in ("print", "print_static"):
+            result = self.run_program(EXAMPLES / program, "virtual:", "text\n")
+            self.assertEqual((result.returncode, result.stdout), (0, "printed: hand the receipt over\n"))
+
+    def test_every_outcome_has_its_exit_code(self):
+        for device, code, word in (("virtual:,offline=true", 1, "refused"),
+                                   ("virtual:,cut-after-in=300", 6, "unconfirmed")):
+            result = self.run_program(EXAMPLES / "print", device, "text\n" * 100)
+            self.assertEqual(result.returncode, code)
+            self.assertTrue(result.stdout.startswith(word), result.stdout)
+
+    def test_a_failure_tells_its_reason(self):
+        result = self.run_program(EXAMPLES / "print", "pigeon:", "text\n")
+        self.assertEqual(result.returncode, 1)
+        self.assertIn("pigeon", result.stderr)
+
+
+# A library with a sanitizer in it cannot be loaded into an interpreter that has none.
+@unittest.skipIf("-fsanitize" in os.environ["CXXFLAGS"], "the library is built with a sanitizer")
+class Python(ProgramTest):
+    def test_it_prints_and_reads_the_state(self):
+        result = self.run_program(sys.executable, PRINT_PY, "virtual:", "text\n")
+        self.assertEqual((result.stdout, result.stderr), ("on line\nprinted \n", ""))
+
+    def test_it_tells_why_a_job_was_refused(self):
+        result = self.run_program(sys.executable, PRINT_PY, "virtual:,coverOpen=true", "text\n")
+        self.assertEqual(result.stdout, "off line\nrefused cover open\n")
+
+    def test_it_tells_why_it_failed(self):
+        result = self.run_program(sys.executable, PRINT_PY, f"unix:{self.folder}/nobody", "text\n")
+        self.assertEqual(result.returncode, 1)
+        self.assertIn("cannot be reached", result.stderr)
+
+
+if __name__ == "__main__":
+    unittest.main()
