@@ -8,6 +8,7 @@ demo_packages=(fonts-dejavu-core python3)
 test_packages=(fonts-dejavu-core python3)
 check_packages=(clang-format clang-tidy python3)
 fuzz_packages=(clang libclang-rt-dev)
+bench_packages=(libbenchmark-dev libspdlog-dev python3)
 
 # need_packages NAME …: returns when all are there. Where some are missing, root gets them installed;
 # anybody else is told the command and the script ends.
