@@ -10,6 +10,17 @@
 namespace quordalvane::posix {
 namespace {
 
+// How long a socket waits by itself for what it is to receive. Its limit is counted in coarse
+// ticks, a hundredth of a second at most, so a wait that could end within two of them is left to
+// `poll`, which is exact.
+constexpr std::chrono::milliseconds patience{30};
+constexpr std::chrono::milliseconds patienceAtMost{50};
+
+bool makePatient(int socket) {
+  const timeval limit{.tv_sec = 0, .tv_usec = std::chrono::microseconds(patience).count()};
+  return ::setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit) == 0;
+}
+
 timespec timeLeft(SteadyTime deadline) {
   using namespace std::chrono;
   const auto left = std::max(deadline - SteadyClock::now(), SteadyClock::duration::zero());
@@ -29,6 +40,9 @@ std::ptrdiff_t uninterrupted(Transfer transfer) {
 
 }  // namespace
 
+Descriptor::Descriptor(int number, Kind kind)
+    : number_(number), kind_(kind), isPatient_(kind == Kind::socket && makePatient(number)) {}
+
 Descriptor::~Descriptor() {
   if (number_ >= 0) {
     ::close(number_);
@@ -36,13 +50,28 @@ Descriptor::~Descriptor() {
 }
 
 Descriptor::Descriptor(Descriptor&& other) noexcept
-    : number_(std::exchange(other.number_, -1)), kind_(other.kind_) {}
+    : number_(std::exchange(other.number_, -1)), kind_(other.kind_), isPatient_(other.isPatient_) {}
 
 std::ptrdiff_t Descriptor::receive(std::uint8_t* buffer, std::size_t maxLength) const {
   return uninterrupted([&] {
     return kind_ == Kind::socket ? ::recv(number_, buffer, maxLength, MSG_DONTWAIT)
                                  : ::read(number_, buffer, maxLength);
   });
+}
+
+std::ptrdiff_t Descriptor::receiveUntil(std::uint8_t* buffer, std::size_t maxLength,
+                                        SteadyTime deadline) const {
+  if (isPatient_ && deadline - SteadyClock::now() > patienceAtMost) {
+    const std::ptrdiff_t count = ::recv(number_, buffer, maxLength, 0);
+    if (count >= 0 || (errno != EAGAIN && errno != EINTR)) {
+      return count;
+    }
+  }
+  if (pollUntil(POLLIN, deadline) == 0) {
+    errno = EAGAIN;
+    return -1;
+  }
+  return receive(buffer, maxLength);
 }
 
 std::ptrdiff_t Descriptor::send(const std::uint8_t* bytes, std::size_t length) const {

@@ -15,7 +15,7 @@ class Descriptor {
   enum class Kind { socket, terminal };
 
   /// Takes over `number`. A terminal must be in non-blocking mode; a socket may be in either.
-  Descriptor(int number, Kind kind) : number_(number), kind_(kind) {}
+  Descriptor(int number, Kind kind);
   ~Descriptor();
   Descriptor(Descriptor&& other) noexcept;
   Descriptor& operator=(Descriptor&&) = delete;
@@ -25,6 +25,11 @@ class Descriptor {
   /// Takes at most `maxLength` bytes. Returns the count, 0 at the end of the stream, or -1 with
   /// `errno` set: EAGAIN if there is nothing now.
   std::ptrdiff_t receive(std::uint8_t* buffer, std::size_t maxLength) const;
+
+  /// The same, but waits for the first bytes until `deadline`; signals do not shorten the wait. A
+  /// socket that soon has some costs one system call in all.
+  std::ptrdiff_t receiveUntil(std::uint8_t* buffer, std::size_t maxLength,
+                              SteadyTime deadline) const;
 
   /// Hands over at most `length` bytes and raises no signal. Returns the count, which may be fewer,
   /// or -1 with `errno` set: EAGAIN if there is no space now.
@@ -44,6 +49,7 @@ class Descriptor {
  private:
   int number_;
   Kind kind_;
+  bool isPatient_;  // receiving may itself wait, for a limited time
 };
 
 }  // namespace quordalvane::posix

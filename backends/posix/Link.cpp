@@ -5,14 +5,19 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <ctime>
 #include <utility>
 
 namespace quordalvane::posix {
 namespace {
 
-// How long "nothing there" may be repeated without another look. Long enough for the questions that
-// surround one transfer, too short to be noticed.
-constexpr auto dryHolds = std::chrono::milliseconds(1);
+// "Nothing there" is repeated without another look until the next tick: long enough for the
+// questions that surround one transfer, too short to be noticed.
+Tick currentTick() {
+  timespec now{};
+  ::clock_gettime(CLOCK_MONOTONIC_COARSE, &now);
+  return std::chrono::seconds(now.tv_sec) + Tick(now.tv_nsec);
+}
 
 // How many buffers full of unread bytes are thrown away at the end, so that a device that never
 // stops talking cannot hold up the release.
@@ -34,8 +39,9 @@ void Link::release() {
   }
   // Closing a socket that holds unread bytes resets the connection, and a reset makes many printers
   // forget what they have not printed yet.
+  std::array<std::uint8_t, 4096> discarded;  // ahead_ may be in use by a wait
   for (int i = 0; i < discardedAtRelease; ++i) {
-    if (descriptor_->receive(ahead_.data(), ahead_.size()) <= 0) {
+    if (descriptor_->receive(discarded.data(), discarded.size()) <= 0) {
       break;
     }
   }
@@ -72,7 +78,6 @@ std::int64_t Link::read(std::uint8_t* buffer, std::size_t maxLength) {
 }
 
 void Link::waitForBytes(double seconds) {
-  const SteadyTime deadline = deadlineIn(seconds);
   std::unique_lock lock(mutex_);
   if (unread() > 0 || ended_ || !descriptor_) {
     return;
@@ -85,20 +90,22 @@ void Link::waitForBytes(double seconds) {
     dryWasWaited_ = true;
     return;
   }
+  const SteadyTime deadline = deadlineIn(seconds);
   const auto descriptor = descriptor_;
   beingWaited_ = true;
   lock.unlock();
-  const short events = descriptor->pollUntil(POLLIN, deadline);
+  const std::ptrdiff_t count = descriptor->receiveUntil(ahead_.data(), ahead_.size(), deadline);
+  const int error = errno;
   lock.lock();
   beingWaited_ = false;
   if (!descriptor_) {
     return;
   }
-  if (events != 0) {
-    receive();
-  } else if (seconds > 0) {
+  if (count < 0 && wouldBlock(error) && seconds > 0 && SteadyClock::now() >= deadline) {
     expectation_.waitedInVain();
     noteDry();
+  } else {
+    noteReceived(count, error);
   }
 }
 
@@ -166,7 +173,7 @@ void Link::waitForSpace(double seconds) {
 // Finds out what the input holds, unless it is known or about to be found out by a wait.
 void Link::look() {
   const bool known = unread() > 0 || ended_ || !descriptor_ || beingWaited_;
-  if (known || (dry_ && SteadyClock::now() - dryAt_ < dryHolds)) {
+  if (known || (dry_ && currentTick() == dryAt_)) {
     return;
   }
   receive();
@@ -175,6 +182,11 @@ void Link::look() {
 // Fills the empty buffer with what there is.
 void Link::receive() {
   const std::ptrdiff_t count = descriptor_->receive(ahead_.data(), ahead_.size());
+  noteReceived(count, errno);
+}
+
+// What a receive into the empty buffer has brought, or why it has not.
+void Link::noteReceived(std::ptrdiff_t count, int error) {
   if (count > 0) {
     next_ = 0;
     end_ = static_cast<std::size_t>(count);
@@ -183,7 +195,7 @@ void Link::receive() {
     if (end_ < ahead_.size() && descriptor_->shortReceiveEmpties()) {
       noteDry();
     }
-  } else if (count < 0 && wouldBlock(errno) && !outputBroken_) {
+  } else if (count < 0 && wouldBlock(error) && !outputBroken_) {
     noteDry();
     noteAnswered();
   } else {
@@ -193,7 +205,7 @@ void Link::receive() {
 
 void Link::noteDry() {
   dry_ = true;
-  dryAt_ = SteadyClock::now();
+  dryAt_ = currentTick();
   dryWasWaited_ = false;
 }
 

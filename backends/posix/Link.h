@@ -11,6 +11,10 @@
 
 namespace quordalvane::posix {
 
+/// An instant on a steady clock that stands still between the ticks of the system, some
+/// milliseconds apart. To read it costs a fraction of an exact reading.
+using Tick = std::chrono::nanoseconds;
+
 /// One open connection: its descriptor, the bytes that were read ahead, and what is known of the
 /// rest. A session, its two streams and its accessory share it.
 ///
@@ -31,7 +35,8 @@ class Link {
   /// been read. False after `release`: a link that was given up is not lost.
   bool isLost();
 
-  /// True if a read would return at least one byte. "No" may be a millisecond old.
+  /// True if a read would return at least one byte. "No" may be as old as a tick of the system's
+  /// clock, some milliseconds.
   bool hasBytes();
 
   /// Reads at most `maxLength` bytes. Returns the count, 0 if there is nothing or the stream has
@@ -42,8 +47,7 @@ class Link {
   /// no reply can be on its way.
   void waitForBytes(double seconds);
 
-  /// True if a write would take at least one byte, or must be tried to learn why not. False once a
-  /// write has failed.
+  /// True if a write would take at least one byte, or fails at once and so tells of a loss.
   bool hasSpace();
 
   /// Writes at most `length` bytes. Returns the count taken, 0 if there is no space, -1 on an error
@@ -58,6 +62,7 @@ class Link {
   bool lost() const { return ended_ && unread() == 0; }
   void look();
   void receive();
+  void noteReceived(std::ptrdiff_t count, int error);
   void noteDry();
   void noteAnswered();
   bool hasSpaceLocked();
@@ -74,9 +79,9 @@ class Link {
 
   bool ended_ = false;         // nothing more will be received
   bool dry_ = false;           // the last look left nothing behind
-  SteadyTime dryAt_;           // when that was
+  Tick dryAt_{};               // when that was
   bool dryWasWaited_ = false;  // a wait has relied on that look already
-  bool beingWaited_ = false;   // a thread polls the input, and will see first what comes
+  bool beingWaited_ = false;   // a thread waits for input, and may fill ahead_ without the lock
 
   ReplyExpectation expectation_;
   bool cameSinceWrite_ = false;  // bytes were received after the last write

@@ -12,12 +12,8 @@ LinkAccessory::LinkAccessory(AccessoryIdentity identity, Connector connect)
     : IdentifiedAccessory(std::move(identity)), connect_(std::move(connect)) {}
 
 bool LinkAccessory::isConnected() {
-  std::shared_ptr<Link> link;
-  {
-    const std::lock_guard lock(mutex_);
-    link = newest_.lock();
-  }
-  return !link || !link->isLost();
+  const std::lock_guard lock(mutex_);
+  return !newest_ || !newest_->isLost();
 }
 
 std::shared_ptr<EASession> LinkAccessory::openSession(const std::string& protocol) {

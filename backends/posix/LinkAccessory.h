@@ -35,8 +35,8 @@ class LinkAccessory : public IdentifiedAccessory {
 
   const Connector connect_;
 
-  std::mutex mutex_;            // guards what follows
-  std::weak_ptr<Link> newest_;  // of the newest session, for as long as anyone holds it
+  std::mutex mutex_;              // guards what follows
+  std::shared_ptr<Link> newest_;  // of the newest session, and kept when it has ended
   std::string lastError_;
 };
 
