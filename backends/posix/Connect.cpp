@@ -12,8 +12,6 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "backends/posix/Resolve.h"
-
 namespace quordalvane::posix {
 namespace {
 
@@ -62,22 +60,6 @@ Descriptor connectUntil(SteadyTime deadline, const SocketAddress& address) {
   throw std::system_error(timedOut ? ETIMEDOUT : errno, std::generic_category());
 }
 
-// Each address gets an equal share of the time that is left, so that a silent one leaves some to
-// the next.
-Descriptor connectToAny(const std::vector<SocketAddress>& addresses, SteadyTime deadline) {
-  for (std::size_t i = 0;; ++i) {
-    const auto remaining = static_cast<SteadyClock::rep>(addresses.size() - i);
-    const auto now = SteadyClock::now();
-    try {
-      return connectUntil(now + (deadline - now) / remaining, addresses[i]);
-    } catch (const std::system_error&) {
-      if (remaining == 1) {
-        throw;
-      }
-    }
-  }
-}
-
 void makeFitForExchanges(const Descriptor& socket) {
   using std::chrono::seconds;
   setOption(socket, IPPROTO_TCP, TCP_NODELAY, 1);
@@ -110,6 +92,20 @@ Descriptor connectNamed(const std::string& place, Connect connect) {
 }
 
 }  // namespace
+
+Descriptor connectToAny(const std::vector<SocketAddress>& addresses, SteadyTime deadline) {
+  for (std::size_t i = 0;; ++i) {
+    const auto remaining = static_cast<SteadyClock::rep>(addresses.size() - i);
+    const auto now = SteadyClock::now();
+    try {
+      return connectUntil(now + (deadline - now) / remaining, addresses[i]);
+    } catch (const std::system_error&) {
+      if (remaining == 1) {
+        throw;
+      }
+    }
+  }
+}
 
 Descriptor connectTcp(const std::string& host, std::uint16_t port,
                       std::chrono::milliseconds timeout) {

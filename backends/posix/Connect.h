@@ -1,14 +1,22 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <string>
+#include <vector>
 
 #include "backends/posix/Descriptor.h"
+#include "backends/posix/Resolve.h"
 
 namespace quordalvane::posix {
 
 /// How long connecting may take in all, resolving a name and trying all its addresses included.
 inline constexpr std::chrono::milliseconds connectTimeout{5000};
+
+/// Connects to the first of `addresses` that answers. Each gets an equal share of the time that is
+/// left until `deadline`, so that a silent one leaves some to the next. There must be at least one.
+/// Raises what the last of them failed with.
+Descriptor connectToAny(const std::vector<SocketAddress>& addresses, SteadyTime deadline);
 
 /// Connects to `host`, a name or an address (IPv6 without brackets), and makes the link fit for
 /// short exchanges: nothing is held back to be sent together with more, and a connection whose

@@ -53,7 +53,7 @@ void Link::release() {
 bool Link::isLost() {
   const std::lock_guard lock(mutex_);
   look();
-  return descriptor_ && lost();
+  return descriptor_ && ended_;
 }
 
 bool Link::hasBytes() {
@@ -154,7 +154,7 @@ void Link::waitForSpace(double seconds) {
   const SteadyTime deadline = deadlineIn(seconds);
   std::unique_lock lock(mutex_);
   short awaited = POLLOUT | POLLRDHUP;
-  while (descriptor_ && !outputBroken_ && mayBeFull_ && !lost()) {
+  while (descriptor_ && !outputBroken_ && mayBeFull_ && !ended_) {
     const auto descriptor = descriptor_;
     lock.unlock();
     const short events = descriptor->pollUntil(awaited, deadline);

@@ -59,7 +59,6 @@ class Link {
 
  private:
   std::size_t unread() const { return end_ - next_; }
-  bool lost() const { return ended_ && unread() == 0; }
   void look();
   void receive();
   void noteReceived(std::ptrdiff_t count, int error);
@@ -77,7 +76,7 @@ class Link {
   std::size_t next_ = 0;
   std::size_t end_ = 0;
 
-  bool ended_ = false;         // nothing more will be received
+  bool ended_ = false;         // nothing more will be received, and all that was has been read
   bool dry_ = false;           // the last look left nothing behind
   Tick dryAt_{};               // when that was
   bool dryWasWaited_ = false;  // a wait has relied on that look already

@@ -31,7 +31,8 @@ void ThreadRunLoop::runUntilDate(double seconds) {
   std::unique_lock lock(mutex_);
   do {
     runCarried(lock);
-  } while (arrived_.wait_until(lock, deadline, [this] { return !waiting_.empty(); }));
+  } while (arrived_.wait_until(lock, deadline, [this] { return !waiting_.empty(); }) &&
+           SteadyClock::now() < deadline);
 }
 
 void ThreadRunLoop::runUntilDate(double seconds, NSStream& awaited) {
@@ -50,7 +51,9 @@ void ThreadRunLoop::open() {
 
 void ThreadRunLoop::finish() {
   std::unique_lock lock(mutex_);
-  runCarried(lock);
+  while (!waiting_.empty()) {
+    runCarried(lock);
+  }
   open_ = false;
 }
 
@@ -91,9 +94,10 @@ void ThreadRunLoop::detach() {
   attached = nullptr;
 }
 
-// Runs what is waiting, in order, unlocked. Returns locked and with nothing waiting.
+// Runs what is waiting, in order, unlocked. What arrives meanwhile is left for the next turn, so
+// that callers who never cease cannot keep a slice from ending.
 void ThreadRunLoop::runCarried(std::unique_lock<std::mutex>& lock) {
-  while (!waiting_.empty()) {
+  for (auto left = waiting_.size(); left > 0 && !waiting_.empty(); --left) {
     Carried& carried = *waiting_.front();
     waiting_.pop_front();
     lock.unlock();

@@ -3,7 +3,7 @@
 namespace quordalvane::contract {
 namespace {
 
-constexpr double instantly = 1;  // seconds, for what must not last `long`
+constexpr double instantly = 1;  // seconds, for what must not last
 
 TEST_P(LinkContract, AWaitForBytesEndsAtOnceWhenBytesAreThere) {
   ASSERT_EQ(write({1}), 1);  // it may be answered, so the wait would last
@@ -96,6 +96,25 @@ TEST_P(LinkContract, AWaitForSpaceEndsAtOnceWhenTheDeviceClosesItsOwnDirection) 
   const double start = now();
   output->waitUntilReady(generously);
   EXPECT_LT(now() - start, instantly);
+  EXPECT_TRUE(isLost());
+}
+
+TEST_P(LinkContract, BytesBeforeTheEndOfTheDevicesDirectionDoNotShortenAWaitForSpace) {
+  if (!maker->traits().closesOneWay) {
+    GTEST_SKIP() << "the link has no directions";
+  }
+  peer->stall();
+  fill();
+  peer->write({1, 2, 3});
+  peer->closeWriting();
+  for (int i = 0; i < 2; ++i) {
+    const double start = now();
+    output->waitUntilReady(0.02);
+    EXPECT_GE(now() - start, 0.02);
+    EXPECT_LT(now() - start, instantly);
+    EXPECT_TRUE(accessory->isConnected());
+  }
+  EXPECT_EQ(receive(3), (Bytes{1, 2, 3}));
   EXPECT_TRUE(isLost());
 }
 

