@@ -1,0 +1,22 @@
+"""Processes that end with a live port thread end cleanly, a thousand times: by returning from main, by
+exit and by quick_exit. The first argument is the program."""
+import subprocess
+import sys
+from concurrent.futures import ThreadPoolExecutor
+
+PROGRAM = sys.argv[1]
+RUNS = 1000
+
+
+def end(number):
+    how = ("return", "exit", "quick")[number % 3]
+    done = subprocess.run([PROGRAM, how], capture_output=True, text=True, timeout=60)
+    return None if done.returncode == 0 and not done.stderr else (how, done)
+
+
+with ThreadPoolExecutor(4) as pool:
+    failures = [failure for failure in pool.map(end, range(RUNS)) if failure]
+for how, done in failures[:3]:
+    print(f"{how}: exit status {done.returncode}\n{done.stderr}", file=sys.stderr)
+print(f"{RUNS} exits, {len(failures)} of them unclean")
+sys.exit(1 if failures else 0)
