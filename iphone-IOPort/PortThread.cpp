@@ -1,11 +1,13 @@
 // The port thread, and the carrying of open and close to it.
 
 #include <charconv>
+#include <exception>
 #include <system_error>
 
 #include "iphone-IOPort/ExternalAccessoryPort.h"
 #include "iphone-IOPort/LogStatement.h"
 #include "iphone-IOPort/Microseconds.h"
+#include "platform/ExceptionClass.h"
 
 namespace quordalvane {
 namespace {
@@ -18,6 +20,29 @@ float leadingNumber(std::string_view text) {
   float number = 0.0F;
   std::from_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed);
   return number;
+}
+
+/// What the exception that is being handled says of itself.
+std::string raisedText() {
+  try {
+    throw;
+  } catch (const std::exception& exception) {
+    return exception.what();
+  } catch (...) {
+    return "Throws exception, class: " + currentExceptionClass();
+  }
+}
+
+/// Runs `work`. False when it raised, after `tell` was called to log it.
+template <typename Work, typename Tell>
+bool guarded(Work work, Tell tell) {
+  try {
+    work();
+    return true;
+  } catch (...) {
+    tell();
+    return false;
+  }
 }
 
 }  // namespace
@@ -53,37 +78,57 @@ void ExternalAccessoryPort::performOnPortThread(void (ExternalAccessoryPort::*ro
 
 bool ExternalAccessoryPort::open() {
   constexpr auto selector = "-[ExternalAccessoryPort open]";
+  const auto tell = [this] { QUOR_LOG(ZKLogTypeError, 0, "%@", raisedText()); };
   QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@", "");
-  if (platform_->isMainThread()) {
-    QUOR_LOG(ZKLogTypeProcess, 0, "NSThread.isMainThread, %d", 1);
-    performOnPortThread(&ExternalAccessoryPort::open71);
-  } else {
-    open71();
-  }
-  usleep(100000);
-  const bool result = result71().value_or(false);
+  const auto openOnItsThread = [this] {
+    if (platform_->isMainThread()) {
+      QUOR_LOG(ZKLogTypeProcess, 0, "NSThread.isMainThread, %d", 1);
+      performOnPortThread(&ExternalAccessoryPort::open71);
+    } else {
+      open71();
+    }
+  };
+  const bool ran = guarded(openOnItsThread, tell);
+  guarded([this] { usleep(100000); }, tell);
+  const bool result = ran && result71().value_or(false);
   QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", result);
   return result;
 }
 
 void ExternalAccessoryPort::close() {
   constexpr auto selector = "-[ExternalAccessoryPort close]";
+  const auto tell = [this] { QUOR_LOG(ZKLogTypeError, 0, "%@", raisedText()); };
   QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@", "");
-  const float version = leadingNumber(platform_->currentDevice().systemVersion());
-  if (version >= 10.0F) {
-    QUOR_LOG(ZKLogTypeProcess, 0, "UIDevice.currentDevice.systemVersion.floatValue >= 10.0, %f",
-             version);
-    usleep(microseconds(secInterval2()));
-  }
-  if (platform_->isMainThread()) {
-    QUOR_LOG(ZKLogTypeProcess, 0, "NSThread.isMainThread, %d", 1);
-    performOnPortThread(&ExternalAccessoryPort::close71);
-    stopThread71 = true;
-    if (const auto thread = thread71()) {
-      thread->cancel();
+  const auto pauseOnNewerSystems = [this] {
+    const float version = leadingNumber(platform_->currentDevice().systemVersion());
+    if (version >= 10.0F) {
+      QUOR_LOG(ZKLogTypeProcess, 0, "UIDevice.currentDevice.systemVersion.floatValue >= 10.0, %f",
+               version);
+      usleep(microseconds(secInterval2()));
     }
-  } else {
-    close71();
+  };
+  bool isMain = false;
+  const auto closeOnItsThread = [this, &isMain] {
+    isMain = platform_->isMainThread();
+    if (isMain) {
+      QUOR_LOG(ZKLogTypeProcess, 0, "NSThread.isMainThread, %d", 1);
+      performOnPortThread(&ExternalAccessoryPort::close71);
+    } else {
+      close71();
+    }
+  };
+  guarded(pauseOnNewerSystems, tell);
+  if (!guarded(closeOnItsThread, tell)) {
+    close71();  // what the platform raises must not leave the session open
+  }
+  if (isMain) {
+    stopThread71 = true;
+    const auto cancelThread = [this] {
+      if (const auto thread = thread71()) {
+        thread->cancel();
+      }
+    };
+    guarded(cancelThread, tell);
   }
   QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%@", "");
 }
