@@ -17,6 +17,15 @@ Caller::Caller() : status{} {
   std::fill(std::begin(status.raw), std::end(status.raw), 0xee);
 }
 
+const Bytes& Caller::take(Bytes bytesToHandIn) {
+  data = std::move(bytesToHandIn);
+  if (trace != nullptr) {
+    trace->name(&data, "<data>");
+    trace->name(data.data(), "<data>");
+  }
+  return data;
+}
+
 std::string shownResult(bool result) {
   return result ? "true" : "false";
 }
@@ -69,10 +78,8 @@ Call isConnected() {
 }
 
 Call write(Bytes data) {
-  return makeCall("write", [data](auto& port, Caller& caller) {
-    caller.data = data;
-    return port.write(caller.data);
-  });
+  return makeCall("write",
+                  [data](auto& port, Caller& caller) { return port.write(caller.take(data)); });
 }
 
 Call read(std::size_t count) {
@@ -81,8 +88,7 @@ Call read(std::size_t count) {
 
 Call writeWithRetry(Bytes command) {
   return makeCall("writeWithRetry", [command](auto& port, Caller& caller) {
-    caller.data = command;
-    return port.writeWithRetry(caller.data);
+    return port.writeWithRetry(caller.take(command));
   });
 }
 

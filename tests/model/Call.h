@@ -13,6 +13,10 @@ namespace quordalvane::test {
 struct Caller {
   Caller();
 
+  /// Keeps bytes to be handed in, which traces show as "<data>".
+  const Bytes& take(Bytes bytesToHandIn);
+
+  Trace* trace = nullptr;
   Bytes data;
   QuorPrinterStatus_2 status;  // every flag and number is 7, raw is full of ee
   std::int64_t resultCode = 77;

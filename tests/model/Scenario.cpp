@@ -63,12 +63,13 @@ Outcome runOn(Port& port, const Scenario& scenario, ScriptedWorld& world, Side s
   Outcome run;
   world.trace().name(&run.caller.status, "<status>");
   world.trace().name(&run.caller.onlineStatus, "<online>");
-  world.trace().name(&run.caller.data, "<data>");
+  run.caller.trace = &world.trace();
   const Logging logging(scenario.logging, scenario.levels);
   world.start();
   run.result = (call.*side)(port, run.caller);
   run.lines = world.trace().lines();
   run.properties = propertiesOf(port);
+  run.caller.trace = nullptr;
   return run;
 }
 

@@ -14,6 +14,13 @@ std::uint64_t setting(const char* name, std::uint64_t otherwise) {
   return value ? std::stoull(value) : otherwise;
 }
 
+/// The sanitizers slow a script down many times over, and need fewer to see every line run.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr std::uint64_t usualScripts = 10000;
+#else
+constexpr std::uint64_t usualScripts = 100000;
+#endif
+
 TEST(PortAndModel, AgreeOnEveryOperationOnASilentLink) {
   for (const std::int32_t emulation : {unknownEmulation, lineMode, escPos}) {
     for (const Call& call : allCalls()) {
@@ -32,7 +39,7 @@ class SeededScripts : public testing::TestWithParam<std::uint64_t> {
 TEST_P(SeededScripts, RunAlikeOnPortAndModel) {
   const bool isRepeated = std::getenv("QUOR_SEED") != nullptr;
   const std::uint64_t first = setting("QUOR_SEED", 1);
-  const std::uint64_t count = isRepeated ? 1 : setting("QUOR_SCRIPTS", 100000);
+  const std::uint64_t count = isRepeated ? 1 : setting("QUOR_SCRIPTS", usualScripts);
   for (std::uint64_t seed = first + GetParam(); seed < first + count; seed += parts) {
     SCOPED_TRACE("repeat with QUOR_SEED=" + std::to_string(seed));
     const RandomCase chosen = randomCase(seed);
