@@ -12,6 +12,7 @@ using namespace quordalvane;
 using namespace quordalvane::c;
 
 struct QuorLogSink {
+  explicit QuorLogSink(std::shared_ptr<LogSink> added) : sink(std::move(added)) {}
   const std::shared_ptr<LogSink> sink;
 };
 

@@ -50,6 +50,11 @@ install(TARGETS QuorIOPort EXPORT QuorIOPortTargets
         LIBRARY COMPONENT library NAMELINK_COMPONENT development)
 install(TARGETS QuorIOPortStatic EXPORT QuorIOPortTargets ARCHIVE COMPONENT development)
 install(TARGETS quorport RUNTIME COMPONENT tool)
+install(FILES docs/quorport.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tool)
+install(FILES completion/quorport.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+        RENAME quorport COMPONENT tool)
+install(FILES completion/_quorport DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions
+        COMPONENT tool)
 
 foreach(header ${QUOR_PUBLIC_HEADERS})
   cmake_path(GET header PARENT_PATH folder)

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# check.sh BUILD: formatting, lint, include rules and documentation. BUILD is a configured build
-# folder, whose compile_commands.json says how each source is compiled. All checks run, also after a
-# failed one; the last line says which failed.
+# check.sh BUILD: formatting, lint, the reference, include rules and documentation. BUILD is a
+# configured build folder, whose compile_commands.json says how each source is compiled. All checks
+# run, also after a failed one; the last line says which failed.
 set -uo pipefail
 build=$1
 failed=()
@@ -36,6 +36,7 @@ PY
 
 step "clang-format" formatting
 step "clang-tidy" lint
+step "reference" scripts/docs.sh "$build/docs"
 for rule in include_rules documentation wording; do
   step "$rule" python3 -B "tests/structure/$rule.py" .
 done

@@ -3,10 +3,12 @@
 
 # shellcheck disable=SC2034  # the lists are used by ./dev
 build_packages=(cmake ninja-build g++ pkg-config libgtest-dev libgmock-dev libcli11-dev
-  nlohmann-json3-dev libcairo2-dev libzint-dev)
+  nlohmann-json3-dev libcairo2-dev libfontconfig-dev libzint-dev)
 demo_packages=(fonts-dejavu-core python3)
-test_packages=(fonts-dejavu-core python3)
-check_packages=(clang-format clang-tidy python3)
+test_packages=(bash-completion fonts-dejavu-core groff-base python3)
+check_packages=(clang-format clang-tidy doxygen python3)
+docs_packages=(doxygen)
+package_packages=(debhelper dpkg-dev lintian)
 fuzz_packages=(clang libclang-rt-dev)
 bench_packages=(libbenchmark-dev libspdlog-dev python3)
 

@@ -3,7 +3,7 @@
 
 #include <stdint.h>
 
-/*
+/**
  * What is known of a printer at one moment, as its last status reply told it.
  *
  * The record belongs to the caller; the port writes into it and keeps nothing of it. A flag is 0
@@ -16,7 +16,7 @@
 typedef struct QuorPrinterStatus_2_ {
   /* General state. */
   uint32_t coverOpen;
-  uint32_t offline; /* not ready to print */
+  uint32_t offline; /**< not ready to print */
   uint32_t compulsionSwitch;
 
   /* Errors. */
@@ -41,13 +41,13 @@ typedef struct QuorPrinterStatus_2_ {
   uint32_t receiptPaperNearEmptyOuter;
 
   /* Sensors along the paper path. */
-  uint32_t paperPresent; /* paper left in the exit */
+  uint32_t paperPresent; /**< paper left in the exit */
   uint32_t presenterPaperPresent;
   uint32_t peelerPaperPresent;
   uint32_t stackerFull;
-  uint32_t slipTOF; /* top of form */
-  uint32_t slipCOF; /* cut of form */
-  uint32_t slipBOF; /* bottom of form */
+  uint32_t slipTOF; /**< top of form */
+  uint32_t slipCOF; /**< cut of form */
+  uint32_t slipBOF; /**< bottom of form */
   uint32_t validationPaperPresent;
   uint32_t slipPaperPresent;
 
@@ -56,7 +56,7 @@ typedef struct QuorPrinterStatus_2_ {
   uint32_t etbAvailable;
   uint8_t etbCounter;
 
-  uint8_t presenterState; /* 0 idle, 1 holding paper, 2 retracted, 3 ejected */
+  uint8_t presenterState; /**< 0 idle, 1 holding paper, 2 retracted, 3 ejected */
   uint8_t
       connectedInterface; /* 0 unknown, 1 serial, 2 USB, 3 Ethernet, 4 wireless LAN, 5 Bluetooth */
 

@@ -5,7 +5,7 @@
 #include <quordalvane/QuorIOPort.h>
 #include <stddef.h>
 
-/*
+/** @file
  * The library for programs that are not written in C++. No exception crosses this interface.
  *
  * Errors. A function that can fail returns a code: 0 or more when it has done its work, below 0
@@ -37,27 +37,27 @@ typedef int32_t QuorCode;
 
 enum {
   QUOR_OK = 0,
-  QUOR_NONE = 1,            /* done, but there is nothing to hand out; nothing is copied */
-  QUOR_FAILED = -1,         /* tried, and it did not succeed */
-  QUOR_PORT_EXCEPTION = -2, /* the port gave the exchange up: a write failed, or the link is lost */
-  QUOR_UNREADABLE = -3,     /* the printer's answer is not what it must be */
-  QUOR_STOPPED = -4,        /* the transfer observer stopped the operation */
-  QUOR_USAGE = -5,          /* called with something that is not allowed; nothing was done */
-  QUOR_BUFFER_TOO_SMALL = -6, /* `*length` tells how many bytes there are */
+  QUOR_NONE = 1,              /**< done, but there is nothing to hand out; nothing is copied */
+  QUOR_FAILED = -1,           /**< tried, and it did not succeed */
+  QUOR_PORT_EXCEPTION = -2,   /**< the port gave up: a failed write or a lost link */
+  QUOR_UNREADABLE = -3,       /**< the printer's answer is not what it must be */
+  QUOR_STOPPED = -4,          /**< the transfer observer stopped the operation */
+  QUOR_USAGE = -5,            /**< called with something that is not allowed; nothing was done */
+  QUOR_BUFFER_TOO_SMALL = -6, /**< `*length` tells how many bytes there are */
   QUOR_NO_MEMORY = -7,
-  QUOR_UNEXPECTED = -8 /* the system or a function of the caller's failed */
+  QUOR_UNEXPECTED = -8 /**< the system or a function of the caller's failed */
 };
 
-/* Why the calling thread's latest failed call failed, for a person; "" before the first. Never
+/** Why the calling thread's latest failed call failed, for a person; "" before the first. Never
  * null; the library's, and valid until that thread's next call. */
 QUOR_EXPORT const char* quor_last_error(void);
 
-/* The library's version, "0.1.0" for example; the library's, for ever. */
+/** The library's version, "0.1.0" for example; the library's, for ever. */
 QUOR_EXPORT const char* quor_version(void);
 
 /* ---- Devices --------------------------------------------------------------------------------- */
 
-/* Presents the devices of these `count` texts, in their order, as the accessories of this process;
+/** Presents the devices of these `count` texts, in their order, as the accessories of this process;
  * ports that are created from then on find them, earlier ones keep theirs. A text is
  * SCHEME:PLACE[,key=value...]: "virtual:", "tcp:192.0.2.10:9100", "unix:PATH", "serial:PATH". 0
  * texts are no devices, and `specs` may then be null. Nothing is connected before a port is opened.
@@ -68,10 +68,10 @@ QUOR_EXPORT QuorCode quor_connect_devices(const char* const* specs, size_t count
 
 enum { QUOR_EMULATION_UNKNOWN = 0, QUOR_EMULATION_LINE = 1, QUOR_EMULATION_ESCPOS = 2 };
 
-/* One connection to one printer. */
+/** One connection to one printer. */
 typedef struct QuorPort QuorPort;
 
-/* Creates a port; nothing is opened. `port_name` is "BT:", or null, for the first printer that is
+/** Creates a port; nothing is opened. `port_name` is "BT:", or null, for the first printer that is
  * attached, or "BT:" followed by a name, serial number or Bluetooth address. `port_settings`, which
  * may be null, may hold a d and 0 to 255: the data time-out in seconds. `timeout` is the
  * input/output time-out; 0 ends a wait when the clock's second changes. On the main thread it also
@@ -80,63 +80,63 @@ typedef struct QuorPort QuorPort;
 QUOR_EXPORT QuorCode quor_port_create(const char* port_name, const char* port_settings,
                                       uint32_t timeout, int32_t emulation, QuorPort** port);
 
-/* Gives the handle back. A port that was opened is to be closed before: freeing does not end its
+/** Gives the handle back. A port that was opened is to be closed before: freeing does not end its
  * thread. */
 QUOR_EXPORT void quor_port_free(QuorPort* port);
 
-/* Chooses the accessory that the port name designates and opens a session on it. Takes 0.1 s and
+/** Chooses the accessory that the port name designates and opens a session on it. Takes 0.1 s and
  * the link's own connect time. QUOR_FAILED when none matches or it cannot be reached. */
 QUOR_EXPORT QuorCode quor_port_open(QuorPort* port);
 
-/* Ends the session and, on the main thread, the port's thread; 0.1 s to 0.2 s. Harmless on a port
+/** Ends the session and, on the main thread, the port's thread; 0.1 s to 0.2 s. Harmless on a port
  * that is not open. */
 QUOR_EXPORT QuorCode quor_port_close(QuorPort* port);
 
-/* 1 while the chosen accessory is attached, also when an open found it and got no session; 0 before
- * quor_port_open and after quor_port_close. */
+/** 1 while the chosen accessory is attached, also when an open found it and got no session; 0
+ * before quor_port_open and after quor_port_close. */
 QUOR_EXPORT int32_t quor_port_is_connected(QuorPort* port);
 
 /* ---- Port: bytes ----------------------------------------------------------------------------- */
 
-/* Offers `size` bytes to the link and waits at most 0.1 s once for space. `*written` is how many it
- * took, which may be fewer, and 0. QUOR_FAILED when the link is lost or reports an error: how many
- * bytes had gone out is then not told, and `*written` is 0. */
+/** Offers `size` bytes to the link and waits at most 0.1 s once for space. `*written` is how many
+ * it took, which may be fewer, and 0. QUOR_FAILED when the link is lost or reports an error: how
+ * many bytes had gone out is then not told, and `*written` is 0. */
 QUOR_EXPORT QuorCode quor_port_write(QuorPort* port, const void* data, size_t size,
                                      size_t* written);
 
-/* Takes what the link holds, at most `capacity` bytes, and waits at most 0.1 s for the first.
+/** Takes what the link holds, at most `capacity` bytes, and waits at most 0.1 s for the first.
  * `*length` is how many there were, and 0 when there were none. QUOR_FAILED when the link is lost
  * or reports an error; bytes taken before are then dropped. */
 QUOR_EXPORT QuorCode quor_port_read(QuorPort* port, void* buffer, size_t capacity, size_t* length);
 
-/* Sends a whole short command in as many attempts, 50 ms apart, as fit into the time-out, and
+/** Sends a whole short command in as many attempts, 50 ms apart, as fit into the time-out, and
  * stores the count. QUOR_FAILED on a lost link or the time-out; part of it may be out, and
  * `*written` is 0. For commands that a link takes at once: after an attempt that was taken in part,
  * bytes may be left out or sent again. Print data goes through a print job. */
 QUOR_EXPORT QuorCode quor_port_write_with_retry(QuorPort* port, const void* command, size_t size,
                                                 size_t* written);
 
-/* Functions that see every byte that passes, on the thread that moves it: `bytes_written` how many
+/** Functions that see every byte that passes, on the thread that moves it: `bytes_written` how many
  * the link took, `bytes_read` what a read is about to return, which may be nothing. One that
  * returns other than 0 stops the operation that moves the bytes, with QUOR_STOPPED. */
 typedef int32_t (*QuorBytesWritten)(void* context, size_t count);
 typedef int32_t (*QuorBytesRead)(void* context, const uint8_t* bytes, size_t count);
 
-/* Sets the observers of a port; each may be null for none. `context` must outlive their use. A
+/** Sets the observers of a port; each may be null for none. `context` must outlive their use. A
  * print job takes their place while it runs and leaves none behind. */
 QUOR_EXPORT QuorCode quor_port_set_transfer_observer(QuorPort* port, QuorBytesWritten bytes_written,
                                                      QuorBytesRead bytes_read, void* context);
 
 /* ---- Port: status ---------------------------------------------------------------------------- */
 
-/* Asks the printer for its status; `level` is only logged. QUOR_FAILED when there was no usable
+/** Asks the printer for its status; `level` is only logged. QUOR_FAILED when there was no usable
  * answer: after about 1 s in line mode, the record then untouched; within the time-out in ESC/POS,
  * the record then perhaps partly written. QUOR_PORT_EXCEPTION when the link is lost. What waits in
  * the input is thrown away. */
 QUOR_EXPORT QuorCode quor_port_get_parsed_status(QuorPort* port, QuorPrinterStatus_2* status,
                                                  uint32_t level);
 
-/* Stores 1 in `*online` when the printer is ready to print and 0 when it is not. On failure, as
+/** Stores 1 in `*online` when the printer is ready to print and 0 when it is not. On failure, as
  * above, `*online` is 0. */
 QUOR_EXPORT QuorCode quor_port_get_online_status(QuorPort* port, int32_t* online);
 
@@ -150,7 +150,7 @@ enum {
   QUOR_RESULT_IN_USE = -100
 };
 
-/* Prepares the printer for a job whose printing quor_port_end_checked_block will verify. `status`
+/** Prepares the printer for a job whose printing quor_port_end_checked_block will verify. `status`
  * receives every status acquired. QUOR_OK says that the exchange worked and `*result_code` what
  * came of it: success, or failed when a line-mode printer was off line and nothing was sent.
  * QUOR_FAILED, with failed or paper present in `*result_code`, when the exchange failed, or a wait:
@@ -159,20 +159,20 @@ enum {
 QUOR_EXPORT QuorCode quor_port_begin_checked_block(QuorPort* port, QuorPrinterStatus_2* status,
                                                    uint32_t level, int64_t* result_code);
 
-/* Marks the end of the job and waits, up to the end-of-block time-out, until the printer has worked
- * through everything, or is off line: `status` says so, and judging it is the caller's. In ESC/POS
- * QUOR_OK alone does not prove that the job was printed; a print job knows. QUOR_FAILED when a
- * write failed or the time passed, QUOR_PORT_EXCEPTION when the link is lost. */
+/** Marks the end of the job and waits, up to the end-of-block time-out, until the printer has
+ * worked through everything, or is off line: `status` says so, and judging it is the caller's. In
+ * ESC/POS QUOR_OK alone does not prove that the job was printed; a print job knows. QUOR_FAILED
+ * when a write failed or the time passed, QUOR_PORT_EXCEPTION when the link is lost. */
 QUOR_EXPORT QuorCode quor_port_end_checked_block(QuorPort* port, QuorPrinterStatus_2* status,
                                                  uint32_t level);
 
-/* Tells the printer to drop what it has received and not printed. QUOR_FAILED unless the command
+/** Tells the printer to drop what it has received and not printed. QUOR_FAILED unless the command
  * was written whole. */
 QUOR_EXPORT QuorCode quor_port_start_data_cancel(QuorPort* port);
 
 /* ---- Port: what the printer says of itself --------------------------------------------------- */
 
-/* Ask for the firmware text, for quor_port_firmware_information to tell; a failure leaves the
+/** Ask for the firmware text, for quor_port_firmware_information to tell; a failure leaves the
  * earlier one. The first looks at the status before and fails on a printer that is off line; the
  * others are the queries of line mode and of ESC/POS alone. QUOR_FAILED without an answer within
  * the time-out, QUOR_UNREADABLE on an ESC/POS reply of one byte. */
@@ -180,67 +180,67 @@ QUOR_EXPORT QuorCode quor_port_retrieve_firmware_information(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_retrieve_firmware_information2(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_retrieve_escpos_firmware_information(QuorPort* port);
 
-/* Asks for both DIP-switch banks and appends them to what quor_port_dip_switch_information tells.
+/** Asks for both DIP-switch banks and appends them to what quor_port_dip_switch_information tells.
  * QUOR_FAILED when one gave no answer within the time-out; bank 1 stays when bank 2 fails. */
 QUOR_EXPORT QuorCode quor_port_retrieve_dip_switch_information(QuorPort* port);
 
-/* Asks for the two setting bytes of `bank`, 1 or 2, and appends them to nothing. QUOR_FAILED
+/** Asks for the two setting bytes of `bank`, 1 or 2, and appends them to nothing. QUOR_FAILED
  * without an answer of two bytes within the time-out; `settings` is then untouched. */
 QUOR_EXPORT QuorCode quor_port_retrieve_dip_switch_bank(QuorPort* port, uint8_t bank,
                                                         uint8_t settings[2]);
 
-/* Stores the button-security time-out: 0 when it is off, else the printer's 5, 10 or 20 seconds
+/** Stores the button-security time-out: 0 when it is off, else the printer's 5, 10 or 20 seconds
  * plus the creation time-out, modulo 2^32. QUOR_FAILED without an answer within the time-out. */
 QUOR_EXPORT QuorCode quor_port_retrieve_button_security_timeout(QuorPort* port,
                                                                 uint32_t* milliseconds);
 
 /* ---- Port: the printer's Bluetooth module ---------------------------------------------------- */
 
-/* Puts the module into command mode and proves it; 2.5 s, and up to 11 s for the answer.
+/** Puts the module into command mode and proves it; 2.5 s, and up to 11 s for the answer.
  * QUOR_FAILED when it did not answer or answered an error, QUOR_UNREADABLE on a cut answer. */
 QUOR_EXPORT QuorCode quor_port_enter_at_mode(QuorPort* port);
 
-/* Waits up to `timeout`, at least a second, for the module's result, and copies the text: its OK or
- * ERROR line, or, with `setting_title`, which may be null, the title and the `setting_length`
+/** Waits up to `timeout`, at least a second, for the module's result, and copies the text: its OK
+ * or ERROR line, or, with `setting_title`, which may be null, the title and the `setting_length`
  * characters after it, 0 meaning all of them. QUOR_FAILED when none came, QUOR_UNREADABLE when the
  * title and so many characters are not in it. A text that the buffer cannot hold is lost. */
 QUOR_EXPORT QuorCode quor_port_get_printer_response(QuorPort* port, const char* setting_title,
                                                     int32_t setting_length, int32_t timeout,
                                                     char* text, size_t capacity, size_t* length);
 
-/* Asks the module to drop the link and waits up to the time-out until it is gone; the port stays
+/** Asks the module to drop the link and waits up to the time-out until it is gone; the port stays
  * open. QUOR_FAILED when it is not. The second takes a module in command mode already. */
 QUOR_EXPORT QuorCode quor_port_disconnect(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_disconnect_bluetooth_connection(QuorPort* port);
 
 /* ---- Port: properties ------------------------------------------------------------------------ */
 
-/* What the port was created with. */
+/** What the port was created with. */
 QUOR_EXPORT int32_t quor_port_emulation(QuorPort* port);
 QUOR_EXPORT uint32_t quor_port_timeout(QuorPort* port);
 
-/* The limit of quor_port_end_checked_block; the creation time-out until it is set. */
+/** The limit of quor_port_end_checked_block; the creation time-out until it is set. */
 QUOR_EXPORT uint32_t quor_port_end_checked_block_timeout(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_set_end_checked_block_timeout(QuorPort* port, uint32_t milliseconds);
 
-/* How long quor_port_begin_checked_block waits in line mode for paper to be taken; 0 until set. */
+/** How long quor_port_begin_checked_block waits in line mode for paper to be taken; 0 until set. */
 QUOR_EXPORT uint32_t quor_port_hold_print_timeout(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_set_hold_print_timeout(QuorPort* port, uint32_t milliseconds);
 
-/* After how many seconds without data the printer drops an unfinished job: 0 is never, and a
+/** After how many seconds without data the printer drops an unfinished job: 0 is never, and a
  * negative value, as at first, leaves its own setting alone. Of others the low byte is sent. */
 QUOR_EXPORT int64_t quor_port_data_timeout_seconds(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_set_data_timeout_seconds(QuorPort* port, int64_t seconds);
 
-/* The last firmware text that was obtained; QUOR_NONE before the first. */
+/** The last firmware text that was obtained; QUOR_NONE before the first. */
 QUOR_EXPORT QuorCode quor_port_firmware_information(QuorPort* port, char* text, size_t capacity,
                                                     size_t* length);
 
-/* Every bank read so far, two bytes each, oldest first. */
+/** Every bank read so far, two bytes each, oldest first. */
 QUOR_EXPORT QuorCode quor_port_dip_switch_information(QuorPort* port, uint8_t* banks,
                                                       size_t capacity, size_t* length);
 
-/* The name, the serial number and the connection identifier of the chosen accessory; QUOR_NONE and
+/** The name, the serial number and the connection identifier of the chosen accessory; QUOR_NONE and
  * 0 while the port is closed. Setting null makes a text none. */
 QUOR_EXPORT QuorCode quor_port_name(QuorPort* port, char* text, size_t capacity, size_t* length);
 QUOR_EXPORT QuorCode quor_port_set_name(QuorPort* port, const char* name);
@@ -250,18 +250,18 @@ QUOR_EXPORT QuorCode quor_port_set_serial_number(QuorPort* port, const char* ser
 QUOR_EXPORT uint64_t quor_port_connection_id(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_set_connection_id(QuorPort* port, uint64_t connection_id);
 
-/* 1 once an accessory of the model "XQ700" was opened; never 0 again. */
+/** 1 once an accessory of the model "XQ700" was opened; never 0 again. */
 QUOR_EXPORT int32_t quor_port_is_brondel(QuorPort* port);
 
-/* 1 when the port has a thread of its own, which one that was created off the main thread has
+/** 1 when the port has a thread of its own, which one that was created off the main thread has
  * not. */
 QUOR_EXPORT int32_t quor_port_has_thread71(QuorPort* port);
 
-/* What the last open came to, 1 or 0; QUOR_NONE before the first. Negative sets it to none. */
+/** What the last open came to, 1 or 0; QUOR_NONE before the first. Negative sets it to none. */
 QUOR_EXPORT QuorCode quor_port_result71(QuorPort* port, int32_t* result);
 QUOR_EXPORT QuorCode quor_port_set_result71(QuorPort* port, int32_t result);
 
-/* The pause between the attempts of the retrying writer, and the writer's wait for space and the
+/** The pause between the attempts of the retrying writer, and the writer's wait for space and the
  * pause before a close; in seconds. */
 QUOR_EXPORT float quor_port_sec_interval1(QuorPort* port);
 QUOR_EXPORT float quor_port_sec_interval2(QuorPort* port);
@@ -269,59 +269,60 @@ QUOR_EXPORT float quor_port_sec_interval2(QuorPort* port);
 /* ---- Print job ------------------------------------------------------------------------------- */
 
 enum {
-  QUOR_PRINTED = 0,     /* the printer confirmed that it has printed all of it */
-  QUOR_UNCONFIRMED = 1, /* bytes went out, and nothing proves that they were printed or were not */
-  QUOR_REFUSED = 2      /* no byte of the job went out: to send it again is safe */
+  QUOR_PRINTED = 0, /**< the printer confirmed that it has printed all of it */
+  QUOR_UNCONFIRMED =
+      1,           /**< bytes went out, and nothing proves that they were printed or were not */
+  QUOR_REFUSED = 2 /**< no byte of the job went out: to send it again is safe */
 };
 
 enum {
   QUOR_OBSTACLE_NONE = 0,
-  QUOR_OBSTACLE_PRINTER_NOT_READY = 1, /* off line, or paper in its exit */
+  QUOR_OBSTACLE_PRINTER_NOT_READY = 1, /**< off line, or paper in its exit */
   QUOR_OBSTACLE_LINK_LOST = 2,
   QUOR_OBSTACLE_CANCELLED = 3,
-  QUOR_OBSTACLE_EXCHANGE_FAILED = 4, /* no answer, no space for too long, or a failed write */
-  QUOR_OBSTACLE_NO_PROOF = 5         /* all went out; the sign that it was printed is missing */
+  QUOR_OBSTACLE_EXCHANGE_FAILED = 4, /**< no answer, no space for too long, or a failed write */
+  QUOR_OBSTACLE_NO_PROOF = 5         /**< all went out; the sign that it was printed is missing */
 };
 
-/* One print job over an open port. It is sent once and never again by itself. */
+/** One print job over an open port. It is sent once and never again by itself. */
 typedef struct QuorPrintJob QuorPrintJob;
 
-/* Called on the thread that runs the job, after each piece of it that went out. */
+/** Called on the thread that runs the job, after each piece of it that went out. */
 typedef void (*QuorProgress)(void* context, uint64_t bytes_accepted, uint64_t bytes_total);
 
-/* Creates a job, which keeps the port for itself as long as it lives. `checked` 0: the printer is
+/** Creates a job, which keeps the port for itself as long as it lives. `checked` 0: the printer is
  * not asked, and the best outcome is unconfirmed. `progress` may be null; `context` must outlive
  * the run. */
 QUOR_EXPORT QuorCode quor_print_job_create(QuorPort* port, int32_t checked, QuorProgress progress,
                                            void* context, QuorPrintJob** job);
 
-/* Not while it runs. */
+/** Not while it runs. */
 QUOR_EXPORT void quor_print_job_free(QuorPrintJob* job);
 
-/* Prints `size` bytes and returns when it is known what became of them, which the functions below
+/** Prints `size` bytes and returns when it is known what became of them, which the functions below
  * tell; called once, QUOR_USAGE the second time. QUOR_OK says nothing of the outcome. Blocks up to
  * the time-outs of the port. The port stays open, except after a cancel. A failure, of memory or of
  * the system, leaves the outcome unconfirmed and the count untold. */
 QUOR_EXPORT QuorCode quor_print_job_run(QuorPrintJob* job, const void* data, size_t size);
 
-/* Abandons the job: within 0.3 s the printer is told to drop what it holds, if the link takes that,
- * and the port is closed. Any thread, also before the run; safe in a signal handler. */
+/** Abandons the job: within 0.3 s the printer is told to drop what it holds, if the link takes
+ * that, and the port is closed. Any thread, also before the run; safe in a signal handler. */
 QUOR_EXPORT void quor_print_job_cancel(QuorPrintJob* job);
 
-/* What became of the job, for the thread that ran it. Before the run: refused, and nothing. The
+/** What became of the job, for the thread that ran it. Before the run: refused, and nothing. The
  * result code is that of the block's beginning, failed without one. */
 QUOR_EXPORT int32_t quor_print_job_outcome(QuorPrintJob* job);
 QUOR_EXPORT int32_t quor_print_job_obstacle(QuorPrintJob* job);
 QUOR_EXPORT int64_t quor_print_job_result_code(QuorPrintJob* job);
 QUOR_EXPORT uint64_t quor_print_job_bytes_total(QuorPrintJob* job);
 
-/* What the link took of the job, exactly. */
+/** What the link took of the job, exactly. */
 QUOR_EXPORT uint64_t quor_print_job_bytes_accepted(QuorPrintJob* job);
 
-/* The last status that was obtained; QUOR_NONE if none was. */
+/** The last status that was obtained; QUOR_NONE if none was. */
 QUOR_EXPORT QuorCode quor_print_job_status(QuorPrintJob* job, QuorPrinterStatus_2* status);
 
-/* Why the job was not printed, and what may be done next, for a person; "" when it was printed. */
+/** Why the job was not printed, and what may be done next, for a person; "" when it was printed. */
 QUOR_EXPORT QuorCode quor_print_job_reason(QuorPrintJob* job, char* text, size_t capacity,
                                            size_t* length);
 QUOR_EXPORT QuorCode quor_print_job_advice(QuorPrintJob* job, char* text, size_t capacity,
@@ -329,23 +330,24 @@ QUOR_EXPORT QuorCode quor_print_job_advice(QuorPrintJob* job, char* text, size_t
 
 /* ---- Logging --------------------------------------------------------------------------------- */
 
-/* Whether records are made at all; off at first. What was handed over is delivered all the same. */
+/** Whether records are made at all; off at first. What was handed over is delivered all the same.
+ */
 QUOR_EXPORT int32_t quor_log_is_logging(void);
 QUOR_EXPORT void quor_log_set_logging(int32_t on);
 
-/* Which levels, 0 to 63, are wanted: 0 alone at first, and exactly the `count` given afterwards. 0
+/** Which levels, 0 to 63, are wanted: 0 alone at first, and exactly the `count` given afterwards. 0
  * levels are none, and `levels` may then be null. QUOR_USAGE, and nothing changes, for another
  * level. */
 QUOR_EXPORT int32_t quor_log_is_target_level(int32_t level);
 QUOR_EXPORT QuorCode quor_log_set_target_levels(const int32_t* levels, size_t count);
 
-/* One diagnostic record. Its texts are the library's, end with the call that shows them, and are
+/** One diagnostic record. Its texts are the library's, end with the call that shows them, and are
  * printable UTF-8. */
 typedef struct QuorLogRecord {
-  int64_t time;   /* nanoseconds since the epoch */
-  int32_t thread; /* the system's id of the thread that logged */
-  int32_t type; /* 0 API start, 1 its end, 2 method start, 3 its end, 4 write, 5 read, 6 process, 7
-                   error */
+  int64_t time;   /**< nanoseconds since the epoch */
+  int32_t thread; /**< the system's id of the thread that logged */
+  int32_t type; /**< 0 API start, 1 its end, 2 method start, 3 its end, 4 write, 5 read, 6 process,
+                   7 error */
   int32_t level;
   int64_t line;
   const char* file;
@@ -356,39 +358,39 @@ typedef struct QuorLogRecord {
 
 typedef void (*QuorLogFunction)(void* context, const QuorLogRecord* record);
 
-/* Where records go, until it is removed. */
+/** Where records go, until it is removed. */
 typedef struct QuorLogSink QuorLogSink;
 
-/* Gives records to a function of the caller's, on the library's writer thread, never twice at once.
- * It may take its time, since nobody who logs waits for it, and may itself log. `context` must live
- * until the sink was removed with QUOR_OK. */
+/** Gives records to a function of the caller's, on the library's writer thread, never twice at
+ * once. It may take its time, since nobody who logs waits for it, and may itself log. `context`
+ * must live until the sink was removed with QUOR_OK. */
 QUOR_EXPORT QuorCode quor_log_add_function(QuorLogFunction function, void* context,
                                            QuorLogSink** sink);
 
-/* Writes records to a file, a JSON object a line, behind what it holds. A file that would grow
+/** Writes records to a file, a JSON object a line, behind what it holds. A file that would grow
  * beyond `maximum_bytes` (0: none does) makes room: FILE becomes FILE.1, and so on, `kept_files` of
  * them. QUOR_UNEXPECTED when it cannot be opened. */
 QUOR_EXPORT QuorCode quor_log_add_file(const char* path, uint64_t maximum_bytes,
                                        uint32_t kept_files, QuorLogSink** sink);
 
-/* Writes records to standard error, one readable line each. */
+/** Writes records to standard error, one readable line each. */
 QUOR_EXPORT QuorCode quor_log_add_standard_error(QuorLogSink** sink);
 
-/* Takes the sink away, once it has been given what was logged before, and frees it, whatever the
+/** Takes the sink away, once it has been given what was logged before, and frees it, whatever the
  * code. QUOR_FAILED when it was still at work after 2 s, or is the caller: then it may be used
  * until quor_log_flush has said QUOR_OK. */
 QUOR_EXPORT QuorCode quor_log_remove_sink(QuorLogSink* sink);
 
-/* Waits until every record so far has been given to the sinks; QUOR_FAILED when that takes longer
+/** Waits until every record so far has been given to the sinks; QUOR_FAILED when that takes longer
  * than `timeout`, and at once when a sink calls it and something is left. 0 asks without
  * waiting. */
 QUOR_EXPORT QuorCode quor_log_flush(uint32_t timeout);
 
-/* How many records may wait for the sinks, 8192 at first; what finds no room is dropped and
+/** How many records may wait for the sinks, 8192 at first; what finds no room is dropped and
  * counted. QUOR_USAGE for 0. */
 QUOR_EXPORT QuorCode quor_log_set_queue_capacity(size_t records);
 
-/* What the logger has done since the process began. */
+/** What the logger has done since the process began. */
 typedef struct QuorLogStatistics {
   uint64_t handed_over;
   uint64_t dropped;

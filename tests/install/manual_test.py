@@ -1,0 +1,98 @@
+"""The manual page and the completions say what the command itself says, and nothing else."""
+
+import re
+import subprocess
+import unittest
+from pathlib import Path
+
+from programs import QUORPORT, SOURCES, ProgramTest
+
+SHARE = Path(QUORPORT).parent.parent / "share"
+MANUAL = SHARE / "man/man1/quorport.1"
+BASH = SHARE / "bash-completion/completions/quorport"
+ZSH = SHARE / "zsh/vendor-completions/_quorport"
+
+
+def help_of(*command: str) -> str:
+    return subprocess.run([QUORPORT, *command, "--help"], check=True, capture_output=True, text=True).stdout
+
+
+def commands() -> list[str]:
+    listing = help_of().partition("Subcommands:\n")[2].partition("\n\n")[0]
+    return re.findall(r"^  (\S+)", listing, re.M)
+
+
+def options(help_text: str) -> set[str]:
+    """The long options, which stand at the beginning of their lines."""
+    return set(re.findall(r"^  (?:-\w,)?(--[\w-]+)", help_text, re.M))
+
+
+def all_options() -> set[str]:
+    return options(help_of()).union(*(options(help_of(command)) for command in commands()))
+
+
+class Manual(ProgramTest):
+    def text(self) -> str:
+        rendered = self.run_program("groff", "-man", "-ww", "-Tutf8", "-P-c", MANUAL)
+        self.assertEqual(rendered.stderr, "")
+        return re.sub(".\b", "", rendered.stdout).replace("‐", "-").replace("−", "-")
+
+    def test_it_tells_of_every_command_and_every_option_and_of_no_others(self):
+        text = self.text()
+        self.assertEqual(all_options(), set(re.findall(r"(?<!\S)\[?(--[a-z-]+)", text)))
+        for command in commands():
+            self.assertRegex(text, rf"(?m)^ +{command}\b")
+
+    def test_it_tells_of_every_fault_and_no_other(self):
+        listed = re.findall(r'FaultKind::\w+, "([\w-]+)"', (SOURCES / "simulator/Faults.cpp").read_text())
+        self.assertGreater(len(listed), 10)
+        text = " ".join(self.text().split())
+        told = re.search(r"And it takes faults: (.*?), which brings", text).group(1)
+        self.assertEqual(sorted(re.split(r", and |, | and ", told)), sorted([*listed, "seed"]))
+
+    def test_it_tells_of_every_exit_status(self):
+        told = re.findall(r"(?m)^ {7}(\d+) ", self.text().partition("EXIT STATUS")[2])
+        self.assertEqual(told, "0 1 2 3 4 5 6 130".split())
+
+    def test_its_version_is_the_commands(self):
+        version = self.run_program(QUORPORT, "--version").stdout.split()[-1]
+        self.assertIn(f"QuorIOPort {version}", MANUAL.read_text())
+
+
+class BashCompletion(ProgramTest):
+    def offered(self, line: str) -> list[str]:
+        script = SOURCES / "tests/install/complete.bash"
+        result = self.run_program("bash", script, BASH, line)
+        self.assertEqual(result.stderr, "")
+        return result.stdout.split()
+
+    def test_it_offers_the_commands(self):
+        self.assertEqual(self.offered("quorport "), commands())
+        self.assertEqual(self.offered("quorport -d tcp:192.0.2.10:9100 onl"), ["online"])
+        self.assertEqual(self.offered("quorport --log-level 3 --json can"), ["cancel"])
+
+    def test_it_offers_each_command_its_options(self):
+        top = options(help_of())
+        self.assertEqual(set(self.offered("quorport --")), top)
+        for command in commands():
+            expected = top - {"--version"} | options(help_of(command))
+            self.assertEqual(set(self.offered(f"quorport {command} --")), expected, command)
+
+    def test_it_offers_the_emulations(self):
+        self.assertEqual(self.offered("quorport -e "), ["line", "escpos", "unknown"])
+
+    def test_it_offers_nothing_where_a_free_value_stands(self):
+        for line in ("quorport -d ", "quorport --timeout ", "quorport simulate --listen "):
+            self.assertEqual(self.offered(line), [], line)
+
+
+class ZshCompletion(ProgramTest):
+    def test_it_knows_every_command_and_every_option_and_no_others(self):
+        text = ZSH.read_text()
+        self.assertEqual(set(re.findall(r"--[a-z][a-z-]*", text)), all_options())
+        listed = text.partition("commands=(")[2].partition("\n  )")[0]
+        self.assertEqual(re.findall(r"'([\w-]+):", listed), commands())
+
+
+if __name__ == "__main__":
+    unittest.main()
