@@ -54,7 +54,7 @@ std::string LogWriter::createByteArrayDescription(const std::uint8_t* bytes, std
 void LogWriter::outputLogAsync(ZKLogType logType, std::int32_t logLevel, std::string objectAddress,
                                const char* fileName, std::int64_t lineNumber,
                                const char* methodName, std::string anyString) noexcept {
-  delivery_.handOver({.time = std::chrono::system_clock::now(),
+  delivery_.handOver({.time = currentTime(),
                       .thread = currentThreadId(),
                       .type = logType,
                       .level = logLevel,

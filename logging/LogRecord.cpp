@@ -14,6 +14,10 @@ std::string_view logTypeName(ZKLogType type) noexcept {
   return index < names.size() ? names[index] : "Unknown";
 }
 
+std::chrono::system_clock::time_point currentTime() noexcept {
+  return std::chrono::system_clock::now();
+}
+
 std::int32_t currentThreadId() noexcept {
   thread_local const std::int32_t id =
       ::gettid();  // asked once: a system call costs as much as a record

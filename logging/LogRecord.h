@@ -28,6 +28,9 @@ QUOR_EXPORT std::string_view logTypeName(ZKLogType type) noexcept;
 /// The system's id of the calling thread.
 std::int32_t currentThreadId() noexcept;
 
+/// The time of a record that is made now.
+std::chrono::system_clock::time_point currentTime() noexcept;
+
 /// One record on its way from the thread that logs to the sinks. `file` and `method` are not
 /// copied: they are never null and outlive the process's logging, as the texts of a program do.
 struct LogRecord {

@@ -25,7 +25,7 @@ THREADS = {"condition_variable", "thread"}
 STREAMS = {"cerrno", "filesystem", "fstream", "iomanip", "iostream", "istream", "ostream", "sstream"}
 STANDARD = PLAIN | TIME | THREADS | STREAMS
 DESCRIPTORS = {"fcntl.h", "poll.h", "signal.h", "sys/stat.h", "sys/types.h", "unistd.h"}
-DRAWING = {"cairo.h", "zint.h"}
+DRAWING = {"cairo.h", "fontconfig/fontconfig.h", "zint.h"}
 
 PUBLIC = "include"
 EVERY_SYSTEM_HEADER = None
