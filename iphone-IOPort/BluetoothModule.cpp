@@ -64,12 +64,13 @@ bool ExternalAccessoryPort::enterATMode() {
 }
 
 std::optional<std::string> ExternalAccessoryPort::getPrinterResponseWithSettingTitle(
+    // NOLINTNEXTLINE(performance-unnecessary-value-param): by value, as every text of the interface
     std::optional<std::string> settingTitle, std::int32_t settingLength,
     std::int32_t timeoutMillis) {
   constexpr auto selector = responseSelector;
   QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@, %d, %d", settingTitle, settingLength,
            timeoutMillis);
-  const auto response = awaitResponse(settingTitle, settingLength, timeoutMillis);
+  auto response = awaitResponse(settingTitle, settingLength, timeoutMillis);
   if (response) {
     QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%@, %d, %d, -> %@", settingTitle, settingLength,
              timeoutMillis, response);
@@ -94,7 +95,7 @@ std::optional<std::string> ExternalAccessoryPort::awaitResponse(
     }
     const std::string printerResponse(data->begin(), data->end());
     QUOR_LOG(ZKLogTypeProcess, 0, "printerResponse: %@", asciiText(printerResponse));
-    if (const auto response = responseIn(printerResponse, settingTitle, settingLength)) {
+    if (auto response = responseIn(printerResponse, settingTitle, settingLength)) {
       return response;
     }
     const double interval = secondsBetween(start, platform_->clock().gettimeofday());
