@@ -126,7 +126,7 @@ class Case(unittest.TestCase):
 class Simulator:
     """`quorport simulate`, with its standard streams for control."""
 
-    def __init__(self, listen: str, *arguments: str, stderr=subprocess.DEVNULL):
+    def __init__(self, listen: str, *arguments: str, stderr=None):
         self.process = start("simulate", "--listen", listen, *arguments, stdin=subprocess.PIPE, stderr=stderr)
         self.unread = b""
         self.place = self.next_place()

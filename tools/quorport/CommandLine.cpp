@@ -270,7 +270,7 @@ std::vector<std::string> withEmptyValuesApart(const std::vector<std::string>& ar
 
 }  // namespace
 
-std::variant<Order, std::string> parseCommandLine(std::vector<std::string> arguments) {
+std::variant<Order, std::string> parseCommandLine(const std::vector<std::string>& arguments) {
   return Grammar().parse(withEmptyValuesApart(arguments));
 }
 

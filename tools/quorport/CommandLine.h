@@ -18,7 +18,7 @@ struct Order {
 /// Reads the arguments behind the command's own name. Returns what to run, or a text that was asked
 /// for (--help, --version). Throws a Failure with ExitCode::Usage that names what is wrong and what
 /// would be right.
-std::variant<Order, std::string> parseCommandLine(std::vector<std::string> arguments);
+std::variant<Order, std::string> parseCommandLine(const std::vector<std::string>& arguments);
 
 /// Whether the arguments ask for JSON, also where the rest of them makes no sense.
 bool askForJson(const std::vector<std::string>& arguments);

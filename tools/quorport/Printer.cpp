@@ -97,7 +97,7 @@ std::shared_ptr<EAAccessory> chosenAccessory(Platform& platform, const Options& 
 Printer::Printer(const Options& options, const Surroundings& surroundings)
     : Printer(presentDevices(options, surroundings.interruption), options, surroundings) {}
 
-Printer::Printer(std::shared_ptr<InterruptiblePlatform> platform, const Options& options,
+Printer::Printer(const std::shared_ptr<InterruptiblePlatform>& platform, const Options& options,
                  const Surroundings& surroundings)
     : interruption_(surroundings.interruption), port_(makePort(options, platform)) {
   if (!port_->open()) {

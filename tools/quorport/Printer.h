@@ -29,7 +29,7 @@ class Printer {
   Printer(const Options& options, const Surroundings& surroundings);
 
   /// The same on a platform that presents the devices already.
-  Printer(std::shared_ptr<InterruptiblePlatform> platform, const Options& options,
+  Printer(const std::shared_ptr<InterruptiblePlatform>& platform, const Options& options,
           const Surroundings& surroundings);
 
   /// Closes the port.

@@ -23,8 +23,9 @@ class Line {
   /// Tells the host that nothing follows, where the line has a way to.
   virtual void endOutput() = 0;
 
-  /// After `endOutput`: whether the host has taken everything, so that closing loses nothing. What
-  /// the host still sends is thrown away. Does not wait.
+  /// After `endOutput`: whether the host has taken everything, so that closing loses nothing. To be
+  /// asked again and again, some milliseconds apart. What the host still sends is thrown away. Does
+  /// not wait.
   virtual bool hasSettled() = 0;
 
   /// Makes the closing a reset, where the line has a way to.

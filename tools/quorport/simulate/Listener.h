@@ -22,10 +22,10 @@ class Listener {
   /// std::system_error if the place is of no use any more.
   virtual std::unique_ptr<Line> accept() = 0;
 
-  /// The connection that was accepted last is over, and its Line is gone. True if the place has
-  /// changed. `dropped`: the printer ended it, and the host must see that. Throws std::system_error
+  /// The connection that was accepted last is over, and its Line is gone. `dropped`: the printer
+  /// ended it, and the host must see that; the place may then be another. Throws std::system_error
   /// if the place cannot be opened again.
-  virtual bool resume(bool dropped) = 0;
+  virtual void resume(bool dropped) = 0;
 };
 
 /// Opens the place that a text like tcp:HOST:PORT, unix:PATH or pty: names. Throws a Failure: with

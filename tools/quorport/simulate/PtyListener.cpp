@@ -16,6 +16,10 @@ namespace {
 
 using posix::Descriptor;
 
+// The system carries bytes to the other side a moment after they were written, so that one look at
+// it proves nothing.
+constexpr int enoughEmptyLooks = 5;
+
 int orThrow(int result) {
   if (result < 0) {
     throw std::system_error(errno, std::generic_category());
@@ -27,12 +31,21 @@ Descriptor terminal(int number) {
   return {orThrow(number), Descriptor::Kind::terminal};
 }
 
+// Opens the other side of the terminal. Bytes pass as they are from then on, whatever program opens
+// it next.
+Descriptor openOtherSide(const std::string& path) {
+  Descriptor other = terminal(::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
+  termios settings{};
+  orThrow(::tcgetattr(other.number(), &settings));
+  ::cfmakeraw(&settings);
+  orThrow(::tcsetattr(other.number(), TCSANOW, &settings));
+  return other;
+}
+
 class PtyLine : public Line {
  public:
-  PtyLine(Descriptor descriptor, std::string path)
-      : Line(std::move(descriptor)), path_(std::move(path)) {
-    holdOpen();
-  }
+  PtyLine(Descriptor descriptor, std::string path, Descriptor otherSide)
+      : Line(std::move(descriptor)), path_(std::move(path)), held_(std::move(otherSide)) {}
 
   void noteHost() override { held_.reset(); }
   void endOutput() override {}
@@ -41,27 +54,22 @@ class PtyLine : public Line {
     const Descriptor other(::open(path_.c_str(), O_RDONLY | O_NOCTTY | O_NONBLOCK | O_CLOEXEC),
                            Descriptor::Kind::terminal);
     int unread = 0;
-    return ::ioctl(other.number(), FIONREAD, &unread) != 0 || unread == 0;
+    const bool isEmpty = ::ioctl(other.number(), FIONREAD, &unread) != 0 || unread == 0;
+    emptyLooks_ = isEmpty ? emptyLooks_ + 1 : 0;
+    return emptyLooks_ >= enoughEmptyLooks;
   }
 
   void resetOnClose() override {}
   bool wasReset() const override { return false; }
 
  private:
-  // Bytes pass as they are from the first one, whatever program opens the terminal.
-  void holdOpen() {
-    held_.emplace(terminal(::open(path_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC)));
-    termios settings{};
-    orThrow(::tcgetattr(held_->number(), &settings));
-    ::cfmakeraw(&settings);
-    orThrow(::tcsetattr(held_->number(), TCSANOW, &settings));
-  }
-
   const std::string path_;
 
   // The other side, held open by ourselves until there is a host: a terminal that nobody has open
   // counts as ended.
   std::optional<Descriptor> held_;
+
+  int emptyLooks_ = 0;
 };
 
 }  // namespace
@@ -77,15 +85,15 @@ void PtyListener::openTerminal() {
 }
 
 std::unique_ptr<Line> PtyListener::accept() {
-  return std::make_unique<PtyLine>(terminal(::fcntl(descriptor(), F_DUPFD_CLOEXEC, 0)), path_);
+  return std::make_unique<PtyLine>(terminal(::fcntl(descriptor(), F_DUPFD_CLOEXEC, 0)), path_,
+                                   openOtherSide(path_));
 }
 
-bool PtyListener::resume(bool dropped) {
+void PtyListener::resume(bool dropped) {
   if (dropped) {
     terminal_.reset();
     openTerminal();
   }
-  return dropped;
 }
 
 }  // namespace quordalvane::tool

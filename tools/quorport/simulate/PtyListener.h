@@ -21,7 +21,7 @@ class PtyListener : public Listener {
   std::string place() const override { return "serial:" + path_; }
   int descriptor() const override { return terminal_->number(); }
   std::unique_ptr<Line> accept() override;
-  bool resume(bool dropped) override;
+  void resume(bool dropped) override;
 
  private:
   void openTerminal();

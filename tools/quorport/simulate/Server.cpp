@@ -49,21 +49,13 @@ Server::Server(simulator::PrinterState state, simulator::Faults faults, Places p
 }
 
 void Server::run() {
-  announce();
+  workForHost(readClock());  // where it listens is the first line, before any answer
   for (Instant now = readClock(); !isDone(now); now = readClock()) {
     work(now);
     sleep(readClock());
   }
   host_.reset();
   tearOff();
-}
-
-void Server::announce() {
-  const auto outcome = writeAll(streams_.out, "listening " + places_.hosts->place() + "\n");
-  if (outcome.error) {
-    complain("standard output does not take where it listens: " + outcome.error.message(),
-             streams_);
-  }
 }
 
 void Server::sleep(Instant now) {
@@ -108,27 +100,38 @@ void Server::work(Instant now) {
 }
 
 void Server::workForHost(Instant now) {
-  do {
-    if (!host_) {
-      auto line = places_.hosts->accept();
-      if (line == nullptr) {
-        return;
-      }
-      host_.emplace(std::move(line), links_.begin(now));
-    }
+  while (host_ || acceptHost(now)) {
     host_->work(now);
-    if (host_->isOver()) {
-      endConnection();
+    if (!host_->isOver()) {
+      return;
     }
-  } while (!host_);
+    const bool dropped = host_->wasDropped();
+    host_.reset();
+    links_.end();
+    places_.hosts->resume(dropped);
+  }
 }
 
-void Server::endConnection() {
-  const bool dropped = host_->wasDropped();
-  host_.reset();
-  links_.end();
-  if (places_.hosts->resume(dropped)) {
-    announce();
+bool Server::acceptHost(Instant now) {
+  auto line = places_.hosts->accept();
+  announce();  // not before the place is ready for whoever reads it
+  if (line != nullptr) {
+    host_.emplace(std::move(line), links_.begin(now));
+  }
+  return host_.has_value();
+}
+
+// Says where hosts find the printer, unless that has been said.
+void Server::announce() {
+  const std::string place = places_.hosts->place();
+  if (place == announced_) {
+    return;
+  }
+  announced_ = place;
+  const auto outcome = writeAll(streams_.out, "listening " + place + "\n");
+  if (outcome.error) {
+    complain("standard output does not take where it listens: " + outcome.error.message(),
+             streams_);
   }
 }
 

@@ -40,12 +40,12 @@ class Server {
   void run();
 
  private:
-  void announce();
   void sleep(simulator::Instant now);
   std::optional<simulator::Instant> nextEvent(simulator::Instant now) const;
   void work(simulator::Instant now);
   void workForHost(simulator::Instant now);
-  void endConnection();
+  bool acceptHost(simulator::Instant now);
+  void announce();
   void workForControls(simulator::Instant now);
   void collectPaper(simulator::Instant now);
   std::optional<simulator::Instant> endOfJob() const;
@@ -58,6 +58,7 @@ class Server {
   Links links_;
   Control control_;
   Places places_;
+  std::string announced_;
   std::optional<HostConnection> host_;
   std::list<ControlChannel> channels_;
   std::optional<simulator::Instant> quitAt_;  // since a line asked for the end: at the latest

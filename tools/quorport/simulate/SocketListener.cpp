@@ -76,7 +76,7 @@ class SocketListener : public Listener {
     return std::make_unique<SocketLine>(Descriptor(number, Descriptor::Kind::socket));
   }
 
-  bool resume(bool /*dropped*/) override { return false; }
+  void resume(bool /*dropped*/) override {}
 
  private:
   Descriptor socket_;
