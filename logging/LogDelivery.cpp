@@ -1,6 +1,6 @@
 #include "logging/LogDelivery.h"
 
-#include <signal.h>
+#include <signal.h>  // NOLINT(modernize-deprecated-headers): pthread_sigmask is POSIX, not C++
 #include <unistd.h>
 
 #include <exception>
