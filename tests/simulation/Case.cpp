@@ -67,11 +67,14 @@ void appendSign(ByteBuffer& data, Dice& dice) {
 
 void fillData(Case& made, Dice& dice) {
   for (std::uint64_t i = dice.roll(12); i > 0; --i) {
+    ByteBuffer printed;
     if (dice.oneIn(5)) {
-      appendImage(made.data, dice);
+      appendImage(printed, dice);
     } else {
-      appendLine(made.data, dice);
+      appendLine(printed, dice);
     }
+    made.data.insert(made.data.end(), printed.begin(), printed.end());
+    made.onPaper.insert(made.onPaper.end(), printed.begin(), printed.end());
     if (dice.oneIn(40)) {
       appendSign(made.data, dice);
       made.dataMakesSigns = true;

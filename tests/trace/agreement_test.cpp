@@ -1,18 +1,12 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <string>
 
+#include "tests/support/Replay.h"
 #include "tests/trace/RandomScenario.h"
 
 namespace quordalvane::test {
 namespace {
-
-/// A number from the environment, for repeating a failure or for a longer run.
-std::uint64_t setting(const char* name, std::uint64_t otherwise) {
-  const char* const value = std::getenv(name);
-  return value ? std::stoull(value) : otherwise;
-}
 
 /// The sanitizers slow a script down many times over, and need fewer to see every line run.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -37,13 +31,16 @@ class SeededScripts : public testing::TestWithParam<std::uint64_t> {
 };
 
 TEST_P(SeededScripts, RunAlikeOnPortAndModel) {
-  const bool isRepeated = std::getenv("QUOR_SEED") != nullptr;
-  const std::uint64_t first = setting("QUOR_SEED", 1);
-  const std::uint64_t count = isRepeated ? 1 : setting("QUOR_SCRIPTS", usualScripts);
+  const auto replayed = replayedSeed("script");
+  const std::uint64_t first = replayed.value_or(1);
+  const std::uint64_t count = replayed ? 1 : caseCount("QUOR_SCRIPTS", usualScripts);
   for (std::uint64_t seed = first + GetParam(); seed < first + count; seed += parts) {
-    SCOPED_TRACE("repeat with QUOR_SEED=" + std::to_string(seed));
+    SCOPED_TRACE(howToReplay("script " + std::to_string(seed)));
     const RandomCase chosen = randomCase(seed);
-    chosen.scenario.run(chosen.call);
+    const Outcome outcome = chosen.scenario.run(chosen.call);
+    if (replayed) {
+      showReplay(chosen.call.name + "\n" + describe(chosen.scenario) + outcome.report());
+    }
     if (HasFailure()) {
       return;
     }

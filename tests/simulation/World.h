@@ -1,0 +1,71 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "backends/virtual/VirtualAccessory.h"
+#include "backends/virtual/VirtualPlatform.h"
+#include "job/PrintJob.h"
+#include "tests/simulation/Case.h"
+#include "tests/support/Fault.h"
+#include "tests/support/Trace.h"
+
+namespace quordalvane::simulation {
+
+/// Watches what the link takes of a job, and does no harm.
+class Witness : public test::Fault {
+ public:
+  explicit Witness(const ByteBuffer& data) : Fault("none"), data_(data) {}
+
+  bool befalls(test::PlatformCall call) const override { return call == test::PlatformCall::write; }
+  std::int64_t write(NSOutputStream& next, const std::uint8_t* buffer, std::size_t count) override;
+
+  /// How many bytes of the job the link has taken; not known of a job that makes signs.
+  std::size_t taken() const { return taken_; }
+
+  /// Whether a write has failed.
+  bool sawFailure() const { return sawFailure_; }
+
+ private:
+  const ByteBuffer& data_;
+  std::size_t taken_ = 0;
+  bool sawFailure_ = false;
+};
+
+/// One till and one printer, with all the trouble of a case.
+class World {
+ public:
+  explicit World(const Case& given);
+
+  /// Prints the case's job.
+  PrintResult printJob();
+
+  /// Prints `data` with ample limits, on the same port opened again, or on a new one where the old
+  /// one's time-out is so short that even a sound printer may be too slow for it.
+  PrintResult printAgain(const ByteBuffer& data);
+
+  /// Ends all trouble, and gives the printer time to print what it holds.
+  void recover();
+
+  ByteBuffer paper();
+  const Witness& witness() const { return *witness_; }
+  simulator::Instant now() { return platform_->clock().monotonic(); }
+
+  /// What was asked of the platform, for a case that is replayed; "" otherwise.
+  std::string trace();
+
+ private:
+  using Port = std::shared_ptr<ExternalAccessoryPort>;
+
+  Port newPort(std::uint32_t timeoutMillis, std::shared_ptr<Platform> platform) const;
+  void set(const std::string& flag, bool value);
+
+  std::unique_ptr<test::Trace> trace_;  // first, as the platforms write to it to the very end
+  const Case& given_;
+  const std::shared_ptr<virtuals::VirtualPlatform> platform_;
+  const std::shared_ptr<virtuals::VirtualAccessory> accessory_;
+  const std::shared_ptr<Witness> witness_;
+  Port port_;
+};
+
+}  // namespace quordalvane::simulation

@@ -1,0 +1,153 @@
+#include "tests/support/Fault.h"
+
+#include <stdexcept>
+#include <utility>
+
+namespace quordalvane::test {
+namespace {
+
+/// The streams tell a count of their own, whatever they are offered.
+class FixedCount : public Fault {
+ public:
+  FixedCount(std::string name, std::int64_t count) : Fault(std::move(name)), count_(count) {}
+
+  bool befalls(PlatformCall call) const override {
+    return call == PlatformCall::write || call == PlatformCall::read;
+  }
+  std::int64_t write(NSOutputStream&, const std::uint8_t*, std::size_t) override { return count_; }
+  std::int64_t read(NSInputStream&, std::uint8_t*, std::size_t) override { return count_; }
+
+ private:
+  const std::int64_t count_;
+};
+
+class OneByteAtATime : public FixedCount {
+ public:
+  OneByteAtATime() : FixedCount("one byte", 1) {}
+  std::int64_t write(NSOutputStream& next, const std::uint8_t* buffer, std::size_t) override {
+    return next.write(buffer, 1);
+  }
+  std::int64_t read(NSInputStream& next, std::uint8_t* buffer, std::size_t) override {
+    return next.read(buffer, 1);
+  }
+};
+
+class AllButOneByte : public FixedCount {
+ public:
+  AllButOneByte() : FixedCount("all but one byte", 0) {}
+  std::int64_t write(NSOutputStream& next, const std::uint8_t* buffer, std::size_t n) override {
+    return next.write(buffer, n - 1);
+  }
+  std::int64_t read(NSInputStream& next, std::uint8_t* buffer, std::size_t n) override {
+    return next.read(buffer, n - 1);
+  }
+};
+
+class MoreThanOffered : public FixedCount {
+ public:
+  MoreThanOffered() : FixedCount("more than offered", 0) {}
+  std::int64_t write(NSOutputStream&, const std::uint8_t*, std::size_t count) override {
+    return static_cast<std::int64_t>(count) + 1;
+  }
+  std::int64_t read(NSInputStream&, std::uint8_t*, std::size_t count) override {
+    return static_cast<std::int64_t>(count) + 1;
+  }
+};
+
+class NoSpace : public Fault {
+ public:
+  NoSpace() : Fault("no space") {}
+  bool befalls(PlatformCall call) const override { return call == PlatformCall::space; }
+  bool hasSpace(NSOutputStream&) override { return false; }
+};
+
+class NoBytes : public Fault {
+ public:
+  NoBytes() : Fault("no bytes") {}
+  bool befalls(PlatformCall call) const override { return call == PlatformCall::bytes; }
+  bool hasBytes(NSInputStream&) override { return false; }
+};
+
+/// A stream that says that it is ready and has nothing to give.
+class BytesThatAreNotThere : public Fault {
+ public:
+  BytesThatAreNotThere() : Fault("bytes that are not there") {}
+  bool befalls(PlatformCall call) const override { return call == PlatformCall::bytes; }
+  bool hasBytes(NSInputStream&) override { return true; }
+};
+
+class NoSession : public Fault {
+ public:
+  NoSession() : Fault("no session") {}
+  bool befalls(PlatformCall call) const override { return call == PlatformCall::session; }
+  std::shared_ptr<EASession> openSession(EAAccessory&, const std::string&) override {
+    return nullptr;
+  }
+};
+
+class Disconnected : public Fault {
+ public:
+  Disconnected() : Fault("disconnect") {}
+  bool befalls(PlatformCall call) const override { return call == PlatformCall::connected; }
+  bool isConnected(EAAccessory&) override { return false; }
+};
+
+/// Gone, back, gone, back.
+class Reconnecting : public Fault {
+ public:
+  Reconnecting() : Fault("reconnect") {}
+  bool befalls(PlatformCall call) const override { return call == PlatformCall::connected; }
+  bool isConnected(EAAccessory&) override { return asked_++ % 2 != 0; }
+
+ private:
+  unsigned asked_ = 0;
+};
+
+class RaisesStandard : public Fault {
+ public:
+  RaisesStandard() : Fault("standard exception") {}
+  bool befalls(PlatformCall) const override { return true; }
+  void before(virtuals::VirtualClock&) override { throw std::runtime_error("fault"); }
+};
+
+class RaisesAnother : public Fault {
+ public:
+  RaisesAnother() : Fault("another exception") {}
+  bool befalls(PlatformCall) const override { return true; }
+  void before(virtuals::VirtualClock&) override { throw Surprise(); }
+};
+
+class ClockJumps : public Fault {
+ public:
+  ClockJumps(std::string name, std::chrono::seconds by) : Fault(std::move(name)), by_(by) {}
+  bool befalls(PlatformCall call) const override { return call == PlatformCall::clock; }
+  void before(virtuals::VirtualClock& clock) override { clock.stepWallClock(by_); }
+  bool mayLast() const override { return by_ > std::chrono::seconds(0); }
+  double delay() const override { return mayLast() ? 0 : -static_cast<double>(by_.count()); }
+
+ private:
+  const std::chrono::seconds by_;
+};
+
+}  // namespace
+
+std::vector<std::shared_ptr<Fault>> allFaults() {
+  return {std::make_shared<FixedCount>("-1", -1),
+          std::make_shared<FixedCount>("-2", -2),
+          std::make_shared<FixedCount>("0", 0),
+          std::make_shared<OneByteAtATime>(),
+          std::make_shared<AllButOneByte>(),
+          std::make_shared<MoreThanOffered>(),
+          std::make_shared<NoSpace>(),
+          std::make_shared<NoBytes>(),
+          std::make_shared<BytesThatAreNotThere>(),
+          std::make_shared<NoSession>(),
+          std::make_shared<Disconnected>(),
+          std::make_shared<Reconnecting>(),
+          std::make_shared<RaisesStandard>(),
+          std::make_shared<RaisesAnother>(),
+          std::make_shared<ClockJumps>("clock jumps ahead", std::chrono::hours(1)),
+          std::make_shared<ClockJumps>("clock jumps back", std::chrono::seconds(-1))};
+}
+
+}  // namespace quordalvane::test

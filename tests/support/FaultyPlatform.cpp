@@ -1,0 +1,249 @@
+#include "tests/support/FaultyPlatform.h"
+
+#include <utility>
+
+namespace quordalvane::test {
+
+Fault* FaultPlan::strike(PlatformCall call, virtuals::VirtualClock& clock) {
+  if (!armed_ || !fault_->befalls(call)) {
+    return nullptr;
+  }
+  ++calls_;
+  const bool strikes = fromThereOn_ ? calls_ >= k_ : calls_ == k_;
+  if (strikes) {
+    fault_->before(clock);
+  }
+  return strikes ? fault_.get() : nullptr;
+}
+
+namespace {
+
+/// What every part of a faulty platform asks before it goes on.
+struct Plan {
+  std::shared_ptr<FaultPlan> plan;
+  virtuals::VirtualClock& clock;
+
+  Fault* strike(PlatformCall call) const { return plan->strike(call, clock); }
+};
+
+template <typename Stream>
+class FaultyStream : public Stream {
+ public:
+  template <typename Next>
+  FaultyStream(Next next, Plan plan) : Stream(std::move(next)), plan_(std::move(plan)) {}
+
+  void setDelegate(std::weak_ptr<const void> delegate) override {
+    strike(PlatformCall::other);
+    Stream::setDelegate(std::move(delegate));
+  }
+  void scheduleInRunLoop(NSRunLoop& runLoop, std::string_view mode) override {
+    strike(PlatformCall::other);
+    Stream::scheduleInRunLoop(runLoop, mode);
+  }
+  void removeFromRunLoop(NSRunLoop& runLoop, std::string_view mode) override {
+    strike(PlatformCall::other);
+    Stream::removeFromRunLoop(runLoop, mode);
+  }
+  void open() override {
+    strike(PlatformCall::other);
+    Stream::open();
+  }
+  void close() override {
+    strike(PlatformCall::other);
+    Stream::close();
+  }
+
+ protected:
+  Fault* strike(PlatformCall call) { return plan_.strike(call); }
+
+ private:
+  const Plan plan_;
+};
+
+class FaultyInput : public FaultyStream<ForwardingInputStream> {
+ public:
+  using FaultyStream::FaultyStream;
+
+  bool hasBytesAvailable() override {
+    Fault* const fault = strike(PlatformCall::bytes);
+    return fault ? fault->hasBytes(next()) : next().hasBytesAvailable();
+  }
+  std::int64_t read(std::uint8_t* buffer, std::size_t count) override {
+    Fault* const fault = strike(PlatformCall::read);
+    return fault ? fault->read(next(), buffer, count) : next().read(buffer, count);
+  }
+};
+
+class FaultyOutput : public FaultyStream<ForwardingOutputStream> {
+ public:
+  using FaultyStream::FaultyStream;
+
+  bool hasSpaceAvailable() override {
+    Fault* const fault = strike(PlatformCall::space);
+    return fault ? fault->hasSpace(next()) : next().hasSpaceAvailable();
+  }
+  std::int64_t write(const std::uint8_t* buffer, std::size_t count) override {
+    Fault* const fault = strike(PlatformCall::write);
+    return fault ? fault->write(next(), buffer, count) : next().write(buffer, count);
+  }
+};
+
+class FaultySession : public EASession {
+ public:
+  FaultySession(std::shared_ptr<EASession> next, const Plan& plan)
+      : next_(std::move(next)),
+        input_(std::make_shared<FaultyInput>(next_->inputStream(), plan)),
+        output_(std::make_shared<FaultyOutput>(next_->outputStream(), plan)) {}
+
+  std::shared_ptr<NSInputStream> inputStream() override { return input_; }
+  std::shared_ptr<NSOutputStream> outputStream() override { return output_; }
+
+ private:
+  const std::shared_ptr<EASession> next_;  // a link lasts as long as its session
+  const std::shared_ptr<NSInputStream> input_;
+  const std::shared_ptr<NSOutputStream> output_;
+};
+
+class FaultyAccessory : public ForwardingAccessory {
+ public:
+  FaultyAccessory(std::shared_ptr<EAAccessory> next, Plan plan)
+      : ForwardingAccessory(next), next_(std::move(next)), plan_(std::move(plan)) {}
+
+  std::string description() override {
+    plan_.strike(PlatformCall::other);
+    return ForwardingAccessory::description();
+  }
+  bool isConnected() override {
+    Fault* const fault = plan_.strike(PlatformCall::connected);
+    return fault ? fault->isConnected(*next_) : next_->isConnected();
+  }
+  std::shared_ptr<EASession> openSession(const std::string& protocol) override {
+    Fault* const fault = plan_.strike(PlatformCall::session);
+    const auto session =
+        fault ? fault->openSession(*next_, protocol) : next_->openSession(protocol);
+    return session ? std::make_shared<FaultySession>(session, plan_) : nullptr;
+  }
+
+ private:
+  const std::shared_ptr<EAAccessory> next_;
+  const Plan plan_;
+};
+
+class FaultyManager : public ForwardingAccessoryManager {
+ public:
+  FaultyManager(EAAccessoryManager& next, Plan plan)
+      : ForwardingAccessoryManager(next), plan_(std::move(plan)) {}
+
+  std::vector<std::shared_ptr<EAAccessory>> connectedAccessories() override {
+    plan_.strike(PlatformCall::other);
+    auto accessories = ForwardingAccessoryManager::connectedAccessories();
+    for (auto& accessory : accessories) {
+      accessory = std::make_shared<FaultyAccessory>(std::move(accessory), plan_);
+    }
+    return accessories;
+  }
+
+ private:
+  const Plan plan_;
+};
+
+class FaultyDevice : public ForwardingDevice {
+ public:
+  FaultyDevice(UIDevice& next, Plan plan) : ForwardingDevice(next), plan_(std::move(plan)) {}
+  std::string systemVersion() override {
+    plan_.strike(PlatformCall::other);
+    return ForwardingDevice::systemVersion();
+  }
+
+ private:
+  const Plan plan_;
+};
+
+class FaultyClock : public ForwardingClock {
+ public:
+  FaultyClock(Clock& next, Plan plan) : ForwardingClock(next), plan_(std::move(plan)) {}
+  TimeValue gettimeofday() override {
+    plan_.strike(PlatformCall::clock);
+    return ForwardingClock::gettimeofday();
+  }
+  void usleep(std::uint64_t microseconds) override {
+    plan_.strike(PlatformCall::other);
+    ForwardingClock::usleep(microseconds);
+  }
+  void select(std::int32_t microseconds) override {
+    plan_.strike(PlatformCall::other);
+    ForwardingClock::select(microseconds);
+  }
+
+ private:
+  const Plan plan_;
+};
+
+class FaultyRunLoop : public ForwardingRunLoop {
+ public:
+  FaultyRunLoop(NSRunLoop& next, Plan plan) : ForwardingRunLoop(next), plan_(std::move(plan)) {}
+  void runUntilDate(double seconds) override {
+    plan_.strike(PlatformCall::other);
+    ForwardingRunLoop::runUntilDate(seconds);
+  }
+  void runUntilDate(double seconds, NSStream& awaited) override {
+    plan_.strike(PlatformCall::other);
+    ForwardingRunLoop::runUntilDate(seconds, awaited);
+  }
+
+ private:
+  const Plan plan_;
+};
+
+}  // namespace
+
+class FaultyPlatform::Parts {
+ public:
+  Parts(FaultyPlatform& whole, const Plan& plan_)
+      : plan(plan_),
+        manager(whole.ForwardingPlatform::sharedAccessoryManager(), plan),
+        device(whole.ForwardingPlatform::currentDevice(), plan),
+        clock(whole.ForwardingPlatform::clock(), plan),
+        runLoop(whole.ForwardingPlatform::currentRunLoop(), plan) {}
+
+  const Plan plan;
+  FaultyManager manager;
+  FaultyDevice device;
+  FaultyClock clock;
+  FaultyRunLoop runLoop;  // of the one thread that uses this platform
+};
+
+FaultyPlatform::FaultyPlatform(std::shared_ptr<Platform> next, std::shared_ptr<FaultPlan> plan,
+                               virtuals::VirtualClock& clock)
+    : ForwardingPlatform(std::move(next)),
+      parts_(std::make_unique<Parts>(*this, Plan{std::move(plan), clock})) {}
+
+FaultyPlatform::~FaultyPlatform() = default;
+
+EAAccessoryManager& FaultyPlatform::sharedAccessoryManager() {
+  return parts_->manager;
+}
+
+UIDevice& FaultyPlatform::currentDevice() {
+  return parts_->device;
+}
+
+Clock& FaultyPlatform::clock() {
+  return parts_->clock;
+}
+
+NSRunLoop& FaultyPlatform::currentRunLoop() {
+  return parts_->runLoop;
+}
+
+bool FaultyPlatform::isMainThread() {
+  parts_->plan.strike(PlatformCall::other);
+  return ForwardingPlatform::isMainThread();
+}
+
+void FaultyPlatform::ignoreSigPipe() {
+  parts_->plan.strike(PlatformCall::other);
+  ForwardingPlatform::ignoreSigPipe();
+}
+
+}  // namespace quordalvane::test

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/Forwarding.h"
+#include "tests/support/Fault.h"
+
+namespace quordalvane::test {
+
+/// Which call a fault befalls: the k-th of those that it can, alone or with all that follow.
+class FaultPlan {
+ public:
+  /// `k` counts from 1. The plan takes effect with `arm`.
+  FaultPlan(std::shared_ptr<Fault> fault, std::uint64_t k, bool fromThereOn)
+      : fault_(std::move(fault)), k_(k), fromThereOn_(fromThereOn) {}
+
+  void arm() { armed_ = true; }
+  void disarm() { armed_ = false; }
+
+  /// Whether the k-th call was ever made.
+  bool hasStruck() const { return calls_ >= k_; }
+
+  /// The fault, when it befalls this call; null otherwise. May raise, as the fault does.
+  Fault* strike(PlatformCall call, virtuals::VirtualClock& clock);
+
+ private:
+  const std::shared_ptr<Fault> fault_;
+  const std::uint64_t k_;
+  const bool fromThereOn_;
+  bool armed_ = false;
+  std::uint64_t calls_ = 0;
+};
+
+/// A platform of which one call, or every call from one on, fails as planned.
+class FaultyPlatform : public ForwardingPlatform {
+ public:
+  /// The clock must outlive this; it is the one of `next`.
+  FaultyPlatform(std::shared_ptr<Platform> next, std::shared_ptr<FaultPlan> plan,
+                 virtuals::VirtualClock& clock);
+  ~FaultyPlatform() override;
+
+  EAAccessoryManager& sharedAccessoryManager() override;
+  UIDevice& currentDevice() override;
+  Clock& clock() override;
+  NSRunLoop& currentRunLoop() override;
+  bool isMainThread() override;
+  void ignoreSigPipe() override;
+
+ private:
+  class Parts;
+  const std::unique_ptr<Parts> parts_;
+};
+
+}  // namespace quordalvane::test

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace quordalvane::test {
+
+// Tests that run very many cases name each of them: "script 4711", "fault line-mode …". A failure
+// prints the command that repeats its case alone; the same case always runs alike.
+
+/// The case that this run is to repeat; none when it is to run them all.
+std::optional<std::string> replayedCase();
+
+/// The number behind `kind` in the replayed case, a seed; none when another kind is replayed, or
+/// none at all.
+std::optional<std::uint64_t> replayedSeed(const std::string& kind);
+
+/// Whether this run is to run the case: all of them, or this one alone.
+bool isChosen(const std::string& name);
+
+/// "repeat with: ./dev replay NAME", for failure messages.
+std::string howToReplay(const std::string& name);
+
+/// Shows what happened in the case that is replayed, and its name; the same text each time.
+void showReplay(const std::string& text);
+
+/// How many cases to run: a number from the environment, or `otherwise`.
+std::uint64_t caseCount(const char* variable, std::uint64_t otherwise);
+
+}  // namespace quordalvane::test
