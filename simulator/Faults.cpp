@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "simulator/PrinterState.h"
+#include "simulator/Quoted.h"
 
 namespace quordalvane::simulator {
 namespace {
@@ -190,8 +191,8 @@ std::string everyName() {
 }
 
 [[noreturn]] void refuse(Text name, Text value, Text takes) {
-  throw std::invalid_argument(std::string(name) + " takes " + std::string(takes) + ", not \"" +
-                              std::string(value) + "\"");
+  throw std::invalid_argument(std::string(name) + " takes " + std::string(takes) + ", not " +
+                              quoted(value));
 }
 
 }  // namespace
@@ -203,8 +204,7 @@ bool isFault(Text name) {
 Fault parseFault(Text name, Text value) {
   const Form* form = formNamed(name);
   if (form == nullptr)
-    throw std::invalid_argument("there is no fault \"" + std::string(name) + "\"; there are " +
-                                everyName());
+    throw std::invalid_argument("there is no fault " + quoted(name) + "; there are " + everyName());
   Fault fault;
   fault.kind = form->kind;
   if (!form->parse(value, fault))

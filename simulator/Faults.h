@@ -49,7 +49,8 @@ struct Fault {
 bool isFault(std::string_view name);
 
 /// The fault `name` with the value `value`, as `faultHelp` describes them. Throws
-/// std::invalid_argument, with a text for people that names the fault and the values it takes.
+/// std::invalid_argument, with a text for people that names the fault and the values it takes,
+/// printable whatever was given.
 Fault parseFault(std::string_view name, std::string_view value);
 
 /// A line for each fault: its name, its values, what it does.

@@ -5,6 +5,8 @@
 #include <limits>
 #include <stdexcept>
 
+#include "simulator/Quoted.h"
+
 namespace quordalvane::simulator {
 
 const std::array<std::string_view, kFlagCount> kFlagNames = {
@@ -61,8 +63,8 @@ bool isHexDigit(char c) {
 }
 
 [[noreturn]] void refuse(std::string_view key, std::string_view value, std::string_view takes) {
-  throw std::invalid_argument(std::string(key) + " takes " + std::string(takes) + ", not \"" +
-                              std::string(value) + "\"");
+  throw std::invalid_argument(std::string(key) + " takes " + std::string(takes) + ", not " +
+                              quoted(value));
 }
 
 template <typename Number>
@@ -137,8 +139,8 @@ void PrinterState::set(std::string_view key, std::string_view value) {
   else if (key == "paper")
     setPaperWidth(numberFrom<unsigned>(key, value, "58 or 80 (mm)"));
   else
-    throw std::invalid_argument("there is no printer setting \"" + std::string(key) +
-                                "\"; there are " + everyKey());
+    throw std::invalid_argument("there is no printer setting " + quoted(key) + "; there are " +
+                                everyKey());
 }
 
 void PrinterState::setFirmware(std::string_view text) {

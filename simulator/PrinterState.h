@@ -66,7 +66,8 @@ class PrinterState {
   /// and `dip2` (two bytes as four hex digits), `speed` (bytes a second, 0: unlimited), `buffer`
   /// (bytes), `presenterState` and `connectedInterface` (their codes), `paper` (58 or 80 mm; the
   /// paper that is in the printer keeps its width). Throws std::invalid_argument, with a text for
-  /// people that names the key and the values it takes, and then changes nothing.
+  /// people that names the key and the values it takes, printable whatever was given, and then
+  /// changes nothing.
   void set(std::string_view key, std::string_view value);
 
   /// 1 to 64 printable ASCII characters; throws std::invalid_argument on anything else.

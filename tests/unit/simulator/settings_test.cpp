@@ -1,7 +1,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <stdexcept>
+#include <string>
+#include <string_view>
 
 #include "tests/unit/simulator/Session.h"
 
@@ -74,6 +77,23 @@ TEST(Settings, AWrongValueIsRefusedWithTheKeyAndTheValuesItTakes) {
         ThrowsMessage<std::invalid_argument>(testing::AllOf(HasSubstr(c.key), HasSubstr(c.takes))))
         << c.key << "=" << c.value;
   }
+}
+
+TEST(Settings, WhatIsRefusedIsToldInATextThatCanBeShown) {
+  const std::string odd = "\x1b[31m\a\x7f\xc2\x9b\n";
+  const auto printable = [](char c) { return c >= ' ' && c <= '~'; };
+  const auto expectShown = [&](const auto& refused) {
+    try {
+      refused();
+      FAIL() << "was taken";
+    } catch (const std::invalid_argument& error) {
+      EXPECT_TRUE(std::ranges::all_of(std::string_view(error.what()), printable)) << error.what();
+    }
+  };
+  expectShown([&] { PrinterState().set(odd, "1"); });
+  expectShown([&] { PrinterState().set("speed", odd); });
+  expectShown([&] { parseFault(odd, "1"); });
+  expectShown([&] { parseFault("late-reply", odd); });
 }
 
 TEST(Settings, AFirmwareTextOf64CharactersFitsAndOneOf65DoesNot) {

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "fuzz/Input.h"
+#include "tests/support/Script.h"
+
+namespace quordalvane::fuzz {
+
+/// A link whose printer answers anything. The rest of the input is pieces, each of two bytes, a
+/// length of up to 63 and so many bytes: which request the piece answers (or none: it comes by
+/// itself), how late it comes, and what it is. The next piece for the same request is the next
+/// answer to it.
+inline test::Script arbitraryLink(Input& input) {
+  using test::bytes;
+  static const Bytes requests[] = {
+      bytes("1b 06 01"),          bytes("10 04 01"),          bytes("10 04 02"),
+      bytes("10 04 04"),          bytes("1b 1d 03 01 00 00"), bytes("17 17"),
+      bytes("1b 23 2a 0a 00"),    bytes("1d 49 41"),          bytes("1b 23 2c 31 0a 00"),
+      bytes("1b 23 2c 32 0a 00"), test::ascii("AT*AILBA?\r"), test::ascii("AT*AMWS=10,0,0,0,1,0\r"),
+  };
+  test::Script script;
+  script.lostAfterCalls = 600;
+  while (!input.isEmpty()) {
+    const std::uint8_t head = input.byte();
+    const std::size_t request = head % 16;
+    const double seconds = (head / 16) * 0.09;
+    const std::uint8_t length = input.byte();
+    const Bytes reply = input.bytes(length % 64);
+    if (request < std::size(requests)) {
+      script.whenAsked(requests[request], {{reply, seconds}});
+    } else if (request == 15 && (length & 0x80) != 0) {
+      script.isLost(seconds * length);
+    } else {
+      script.deliveries.push_back({reply, seconds * 4});
+    }
+  }
+  return script;
+}
+
+}  // namespace quordalvane::fuzz

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+
+#include "fuzz/FuzzTarget.h"
+
+namespace quordalvane::fuzz {
+
+/// Takes an input apart from its front. What is not there is zero or empty.
+class Input {
+ public:
+  Input(const std::uint8_t* data, std::size_t size) : left_(data, size) {}
+
+  bool isEmpty() const { return left_.empty(); }
+
+  std::uint8_t byte() {
+    const Bytes one = bytes(1);
+    return one.empty() ? std::uint8_t{0} : one.front();
+  }
+
+  /// At most `most` bytes.
+  Bytes bytes(std::size_t most) {
+    const auto taken = left_.first(std::min(most, left_.size()));
+    left_ = left_.subspan(taken.size());
+    return {taken.begin(), taken.end()};
+  }
+
+  Bytes rest() { return bytes(left_.size()); }
+
+  /// Up to the next zero byte, which is taken too.
+  std::string text() {
+    const auto length = std::find(left_.begin(), left_.end(), 0) - left_.begin();
+    const Bytes taken = bytes(static_cast<std::size_t>(length));
+    bytes(1);
+    return {taken.begin(), taken.end()};
+  }
+
+ private:
+  std::span<const std::uint8_t> left_;
+};
+
+}  // namespace quordalvane::fuzz

@@ -1,0 +1,25 @@
+#include "fuzz/Input.h"
+#include "tests/model/Scenario.h"
+
+using namespace quordalvane;
+
+/// What the Bluetooth module answers. The first byte is how many characters are wanted and whether
+/// behind a title; the rest is the reply, in pieces where a byte 80 parts them. Port and model must
+/// agree in everything.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  fuzz::Input input(data, size);
+  const std::uint8_t how = input.byte();
+  const auto title = (how & 0x80) != 0 ? std::nullopt : std::optional<std::string>("*AILBA:");
+  auto scenario = test::Scenario::in(test::lineMode, 1000);
+  scenario.script.deliveries.emplace_back();
+  for (const std::uint8_t byte : input.rest()) {
+    if (byte == 0x80) {
+      scenario.script.deliveries.push_back({{}, scenario.script.deliveries.back().after + 0.2});
+    } else {
+      scenario.script.deliveries.back().bytes.push_back(byte);
+    }
+  }
+  const auto call = test::getPrinterResponse(title, (how & 0x1f) - 1, (how & 0x60) * 20);
+  fuzz::require(scenario.runOnPort(call).report() == scenario.runOnModel(call).report());
+  return 0;
+}

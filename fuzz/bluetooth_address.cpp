@@ -1,0 +1,20 @@
+#include <regex>
+#include <string>
+
+#include "fuzz/FuzzTarget.h"
+#include "iphone-IOPort/Util.h"
+
+using namespace quordalvane;
+using fuzz::require;
+
+/// The input is a text in which an address may stand: what is found is what a regular expression
+/// for it finds first.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static const std::regex address(
+      "(?:^|[^0-9A-Fa-f])((?:[0-9A-Fa-f]{2}:){5}[0-9A-Fa-f]{2})(?![0-9A-Fa-f])");
+  const std::string text(data, data + size);
+  std::smatch match;
+  const std::string expected = std::regex_search(text, match, address) ? match[1].str() : "";
+  require(Util::getMACAddressFromString(text) == expected);
+  return 0;
+}

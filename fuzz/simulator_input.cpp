@@ -1,0 +1,62 @@
+#include <chrono>
+
+#include "fuzz/Input.h"
+#include "simulator/PrinterBuilder.h"
+#include "simulator/PrinterLink.h"
+#include "simulator/TextRendering.h"
+
+using namespace quordalvane;
+using namespace std::chrono_literals;
+using fuzz::require;
+
+namespace {
+
+class Host {
+ public:
+  explicit Host(std::uint32_t speed)
+      : printer_(simulator::PrinterBuilder().speed(speed).state()), link_(printer_, 0s) {}
+
+  void send(std::span<const std::uint8_t> bytes) {
+    const std::size_t space = link_.space(now_);
+    const std::size_t taken = link_.write(bytes, now_);
+    require(taken == std::min(space, bytes.size()));
+    fuzz::Bytes reply(link_.available(now_));
+    require(link_.read(reply, now_) == reply.size());
+    replies_.insert(replies_.end(), reply.begin(), reply.end());
+    require(printer_.printedBytes() + printer_.buffered() <= (sent_ += taken));
+  }
+
+  void wait(simulator::Instant time) { now_ += time; }
+
+  const fuzz::Bytes& replies() const { return replies_; }
+  const simulator::VirtualPrinter& printer() const { return printer_; }
+
+ private:
+  simulator::VirtualPrinter printer_;
+  simulator::PrinterLink link_;
+  simulator::Instant now_ = 0s;
+  fuzz::Bytes replies_;
+  std::size_t sent_ = 0;
+};
+
+}  // namespace
+
+/// Whatever a host sends: in one piece and byte by byte it gives the same replies and the same
+/// paper; a slow printer takes it too, and prints no more than it was sent.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::span<const std::uint8_t> bytes(data, size);
+  Host whole(0);
+  whole.send(bytes);
+  Host single(0);
+  Host slow(200);
+  for (const std::uint8_t byte : bytes) {
+    single.send({&byte, 1});
+    slow.send({&byte, 1});
+    slow.wait(3ms);
+  }
+  require(whole.replies() == single.replies());
+  require(whole.printer().printed() == single.printer().printed());
+  const std::string text = renderText(whole.printer().paper());
+  require(text == renderText(single.printer().paper()));
+  return 0;
+}
