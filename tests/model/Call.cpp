@@ -156,9 +156,11 @@ Call enterATMode() {
 
 Call getPrinterResponse(std::optional<std::string> title, std::int32_t length,
                         std::int32_t timeoutMillis) {
-  return makeCall("getPrinterResponse", [=](auto& port, Caller&) {
+  Call call = makeCall("getPrinterResponse", [=](auto& port, Caller&) {
     return port.getPrinterResponseWithSettingTitle(title, length, timeoutMillis);
   });
+  call.operations.front().timeoutMillis = timeoutMillis;
+  return call;
 }
 
 Call disconnect() {
@@ -210,8 +212,10 @@ std::string joined(const std::vector<Call>& calls, Side side, Port& port, Caller
 
 Call inTurn(std::vector<Call> calls) {
   std::string name;
+  std::vector<Operation> operations;
   for (const Call& call : calls) {
     name += (name.empty() ? "" : ", ") + call.name;
+    operations.insert(operations.end(), call.operations.begin(), call.operations.end());
   }
   return {name,
           [calls](ExternalAccessoryPort& port, Caller& caller) {
@@ -219,7 +223,8 @@ Call inTurn(std::vector<Call> calls) {
           },
           [calls](Model& model, Caller& caller) {
             return joined(calls, &Call::onModel, model, caller);
-          }};
+          },
+          operations};
 }
 
 }  // namespace quordalvane::test

@@ -23,12 +23,19 @@ struct Caller {
   bool onlineStatus = true;
 };
 
+/// An operation by its name, with its own limit where it is given one.
+struct Operation {
+  std::string name;
+  std::int32_t timeoutMillis = 0;
+};
+
 /// One use of a port's operation: the same for a port and for the model. It returns the result as
 /// text: "true", "-1", "none", "<1b 06>", "\"text\"", or what was raised.
 struct Call {
   std::string name;
   std::function<std::string(ExternalAccessoryPort&, Caller&)> onPort;
   std::function<std::string(Model&, Caller&)> onModel;
+  std::vector<Operation> operations;  // that it is made of
 };
 
 /// As text: for results.
@@ -47,7 +54,7 @@ Call makeCall(std::string name, Body body) {
   const auto run = [body](auto& port, Caller& caller) {
     return resultOf([&] { return shownResult(body(port, caller)); });
   };
-  return {std::move(name), run, run};
+  return {name, run, run, {{name}}};
 }
 
 Call open();

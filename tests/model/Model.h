@@ -79,7 +79,9 @@ class Model {
 
   void parseDataTimeoutOption();
   void open71();
+  bool openSession(const Log& log);
   void close71();
+  static bool survives(const Log& log, const std::function<void()>& work);
   void select();
   bool fits(EAAccessory& accessory, const std::optional<std::string>& designation);
   bool isDesignated(EAAccessory& accessory, const std::string& designation);

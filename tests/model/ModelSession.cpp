@@ -94,9 +94,12 @@ void Model::parseDataTimeoutOption() {
 bool Model::open() {
   const Log log(*this, "open");
   log.start("");
-  open71();
-  platform_.clock().usleep(100000);
-  const bool opened = result_.value_or(false);
+  bool opened = survives(log, [this] {
+    platform_.isMainThread();
+    open71();
+  });
+  survives(log, [this] { platform_.clock().usleep(100000); });
+  opened = opened && result_.value_or(false);
   log.end("-> " + number(opened));
   return opened;
 }
@@ -104,22 +107,45 @@ bool Model::open() {
 void Model::open71() {
   const Log log(*this, "open71");
   log.start("");
-  select();
   result_ = false;
+  const bool survived = survives(log, [&] {
+    select();
+    result_ = openSession(log);
+  });
+  result_ = survived && *result_;
+  log.end("");
+}
+
+bool Model::openSession(const Log& log) {
   if (!accessory_) {
     log.error("_selectedAccessory == nil, 0x0");
-  } else if (session_ = accessory_->openSession(protocol); !session_) {
-    log.error("_session == nil, (null)");
-  } else {
-    const std::shared_ptr<NSStream> streams[] = {session_->inputStream(), session_->outputStream()};
-    for (const auto& stream : streams) {
-      stream->setDelegate(receiver_);
-      stream->scheduleInRunLoop(platform_.currentRunLoop(), NSDefaultRunLoopMode);
-      stream->open();
-    }
-    result_ = true;
+    return false;
   }
-  log.end("");
+  session_ = accessory_->openSession(protocol);
+  if (!session_) {
+    log.error("_session == nil, (null)");
+    return false;
+  }
+  const std::shared_ptr<NSStream> streams[] = {session_->inputStream(), session_->outputStream()};
+  for (const auto& stream : streams) {
+    stream->setDelegate(receiver_);
+    stream->scheduleInRunLoop(platform_.currentRunLoop(), NSDefaultRunLoopMode);
+    stream->open();
+  }
+  return true;
+}
+
+/// Does what may raise. False when it did, which is logged.
+bool Model::survives(const Log& log, const std::function<void()>& work) {
+  try {
+    work();
+    return true;
+  } catch (const std::exception& raised) {
+    log.error(raised.what());
+  } catch (...) {
+    log.error("Throws exception, class: quordalvane::test::Surprise");
+  }
+  return false;
 }
 
 void Model::select() {
@@ -146,7 +172,7 @@ void Model::select() {
 bool Model::fits(EAAccessory& accessory, const std::optional<std::string>& designation) {
   const Log log(*this, "open71");
   const auto model = accessory.modelNumber();
-  log.process(accessory.description());
+  log.process("", [&accessory] { return accessory.description(); });
   if (model && model->starts_with("KLT") && model->ends_with("-U")) {
     log.process(*model + " is UsbDevice");
     return false;
@@ -217,12 +243,15 @@ bool Model::isDesignated(EAAccessory& accessory, const std::string& designation)
 void Model::close() {
   const Log log(*this, "close");
   log.start("");
-  const float version = std::stof(platform_.currentDevice().systemVersion());
-  if (version >= 10.0F) {
-    log.process("UIDevice.currentDevice.systemVersion.floatValue >= 10.0, " +
-                std::to_string(version));
-    platform_.clock().usleep(100000);
-  }
+  survives(log, [&] {
+    const float version = std::stof(platform_.currentDevice().systemVersion());
+    if (version >= 10.0F) {
+      log.process("UIDevice.currentDevice.systemVersion.floatValue >= 10.0, " +
+                  std::to_string(version));
+      platform_.clock().usleep(100000);
+    }
+  });
+  survives(log, [this] { platform_.isMainThread(); });
   close71();
   log.end("");
 }
@@ -230,14 +259,17 @@ void Model::close() {
 void Model::close71() {
   const Log log(*this, "close71");
   log.start("");
-  if (session_) {
-    const std::shared_ptr<NSStream> streams[] = {session_->outputStream(), session_->inputStream()};
-    for (const auto& stream : streams) {
-      stream->close();
-      stream->removeFromRunLoop(platform_.currentRunLoop(), NSDefaultRunLoopMode);
-      stream->setDelegate({});
+  survives(log, [this] {
+    if (session_) {
+      const std::shared_ptr<NSStream> streams[] = {session_->outputStream(),
+                                                   session_->inputStream()};
+      for (const auto& stream : streams) {
+        stream->close();
+        stream->removeFromRunLoop(platform_.currentRunLoop(), NSDefaultRunLoopMode);
+        stream->setDelegate({});
+      }
     }
-  }
+  });
   session_ = nullptr;
   accessory_ = nullptr;
   connectionID_ = 0;

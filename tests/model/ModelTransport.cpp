@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "tests/model/ModelLog.h"
 
 namespace quordalvane::test {
@@ -14,6 +16,15 @@ void Model::slice(NSStream* awaited, double seconds) {
   NSRunLoop& runLoop = platform_.currentRunLoop();
   awaited ? runLoop.runUntilDate(seconds, *awaited) : runLoop.runUntilDate(seconds);
 }
+
+namespace {
+
+/// What a stream can have moved of what it was offered, whatever it says.
+std::ptrdiff_t moved(std::int64_t said, std::size_t offered) {
+  return std::clamp<std::int64_t>(said, 0, static_cast<std::int64_t>(offered));
+}
+
+}  // namespace
 
 std::int32_t Model::write(const Bytes& data) {
   const Log log(*this, "write:");
@@ -40,11 +51,12 @@ std::int32_t Model::write(const Bytes& data) {
       log.end(failed);
       return -1;
     }
-    const Bytes sent(tail.begin(), tail.begin() + written);
+    const Bytes sent(tail.begin(), tail.begin() + moved(written, tail.size()));
     log.say(ZKLogTypeWrite,
-            "EAAccessory, size: " + std::to_string(written) + ", command: " + shown(sent));
+            "EAAccessory, size: " + std::to_string(static_cast<std::uint64_t>(written)) +
+                ", command: " + shown(sent));
     amountWritten += static_cast<std::uint32_t>(written);
-    tail.assign(data.begin() + amountWritten, data.end());
+    tail.assign(data.begin() + moved(amountWritten, data.size()), data.end());
     goOn = hasSpace();
   }
   const auto result = static_cast<std::int32_t>(amountWritten);
@@ -84,7 +96,7 @@ std::optional<Bytes> Model::read(std::size_t bytesToRead) {
       log.end(asked + ", -> 0x0");
       return std::nullopt;
     }
-    const Bytes chunk(buffer, buffer + count);
+    const Bytes chunk(buffer, buffer + moved(count, size));
     log.say(ZKLogTypeRead,
             "EAAccessory, size: " + std::to_string(count) + ", command: " + shown(chunk));
     received = received + chunk;
@@ -126,7 +138,7 @@ std::int32_t Model::writeWithRetry(const Bytes& whole) {
                     number(start) + ", " + number(limit_));
       }
       platform_.clock().usleep(50000);
-      tail = Bytes(command.begin() + amount, command.end());
+      tail = Bytes(command.begin() + moved(amount, command.size()), command.end());
       address = someAddress;
     }
   }

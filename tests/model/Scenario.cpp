@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <sstream>
 
+#include "tests/model/Bounds.h"
 #include "tests/model/ModelReplies.h"
 #include "tests/support/LogCapture.h"
 
@@ -66,7 +67,10 @@ Outcome runOn(Port& port, const Scenario& scenario, ScriptedWorld& world, Side s
   run.caller.trace = &world.trace();
   const Logging logging(scenario.logging, scenario.levels);
   world.start();
+  const auto start = world.machine().virtualClock().monotonic();
   run.result = (call.*side)(port, run.caller);
+  const auto taken = world.machine().virtualClock().monotonic() - start;
+  run.seconds = std::chrono::duration<double>(taken).count();
   run.lines = world.trace().lines();
   run.properties = propertiesOf(port);
   run.caller.trace = nullptr;
@@ -143,6 +147,8 @@ Outcome Scenario::run(const Call& call) const {
   const std::string difference =
       firstDifference("port", onPort.report(), "model", onModel.report());
   EXPECT_TRUE(difference.empty()) << difference << call.name << "\n" << describe(*this);
+  const std::string late = overrun(*this, call, onPort);
+  EXPECT_TRUE(late.empty()) << late << describe(*this);
   return onPort;
 }
 

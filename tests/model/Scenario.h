@@ -22,6 +22,7 @@ struct Outcome {
   Caller caller;
   std::string properties;  // of the port, afterwards
   std::vector<Line> lines;
+  double seconds = 0;  // of virtual time
 
   /// The bytes that passed and the waits, repetitions folded.
   std::string wire() const { return view(lines, {About::bytes, About::wait}); }
@@ -48,6 +49,7 @@ struct Scenario {
   Script script{};
   std::vector<AccessoryIdentity> accessories = {shopPrinter()};
   Layer layer{};
+  std::int64_t layerStepsBack = 0;  // by how many seconds a clock in the layer goes back
   std::optional<std::uint32_t> endMillis{};
   std::optional<std::uint32_t> holdMillis{};
   std::optional<std::int64_t> dataTimeoutSeconds{};
@@ -57,7 +59,8 @@ struct Scenario {
 
   static Scenario in(std::int32_t emulation, std::uint32_t timeout = 10000);
 
-  /// Runs the call on a port, and on the model in a second world; the two must agree in everything.
+  /// Runs the call on a port, and on the model in a second world; the two must agree in everything,
+  /// and the call must end in time.
   Outcome run(const Call& call) const;
 
   Outcome runOnPort(const Call& call) const;

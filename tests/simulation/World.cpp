@@ -62,8 +62,7 @@ World::World(const Case& given)
   }
   const auto plan = std::make_shared<test::FaultPlan>(witness_, 1, true);
   plan->arm();
-  std::shared_ptr<Platform> watched =
-      std::make_shared<test::FaultyPlatform>(platform_, plan, platform_->virtualClock());
+  std::shared_ptr<Platform> watched = std::make_shared<test::FaultyPlatform>(platform_, plan);
   if (trace_) {
     watched = std::make_shared<test::TracingPlatform>(std::move(watched), *trace_);
   }

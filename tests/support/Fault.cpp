@@ -1,5 +1,6 @@
 #include "tests/support/Fault.h"
 
+#include <algorithm>
 #include <stdexcept>
 #include <utility>
 
@@ -23,7 +24,7 @@ class FixedCount : public Fault {
 
 class OneByteAtATime : public FixedCount {
  public:
-  OneByteAtATime() : FixedCount("one byte", 1) {}
+  OneByteAtATime() : FixedCount("one-byte", 1) {}
   std::int64_t write(NSOutputStream& next, const std::uint8_t* buffer, std::size_t) override {
     return next.write(buffer, 1);
   }
@@ -34,7 +35,7 @@ class OneByteAtATime : public FixedCount {
 
 class AllButOneByte : public FixedCount {
  public:
-  AllButOneByte() : FixedCount("all but one byte", 0) {}
+  AllButOneByte() : FixedCount("all-but-one-byte", 0) {}
   std::int64_t write(NSOutputStream& next, const std::uint8_t* buffer, std::size_t n) override {
     return next.write(buffer, n - 1);
   }
@@ -45,25 +46,26 @@ class AllButOneByte : public FixedCount {
 
 class MoreThanOffered : public FixedCount {
  public:
-  MoreThanOffered() : FixedCount("more than offered", 0) {}
+  MoreThanOffered() : FixedCount("more-than-offered", 0) {}
   std::int64_t write(NSOutputStream&, const std::uint8_t*, std::size_t count) override {
     return static_cast<std::int64_t>(count) + 1;
   }
-  std::int64_t read(NSInputStream&, std::uint8_t*, std::size_t count) override {
+  std::int64_t read(NSInputStream&, std::uint8_t* buffer, std::size_t count) override {
+    std::fill_n(buffer, count, 0xa5);
     return static_cast<std::int64_t>(count) + 1;
   }
 };
 
 class NoSpace : public Fault {
  public:
-  NoSpace() : Fault("no space") {}
+  NoSpace() : Fault("no-space") {}
   bool befalls(PlatformCall call) const override { return call == PlatformCall::space; }
   bool hasSpace(NSOutputStream&) override { return false; }
 };
 
 class NoBytes : public Fault {
  public:
-  NoBytes() : Fault("no bytes") {}
+  NoBytes() : Fault("no-bytes") {}
   bool befalls(PlatformCall call) const override { return call == PlatformCall::bytes; }
   bool hasBytes(NSInputStream&) override { return false; }
 };
@@ -71,14 +73,14 @@ class NoBytes : public Fault {
 /// A stream that says that it is ready and has nothing to give.
 class BytesThatAreNotThere : public Fault {
  public:
-  BytesThatAreNotThere() : Fault("bytes that are not there") {}
+  BytesThatAreNotThere() : Fault("bytes-that-are-not-there") {}
   bool befalls(PlatformCall call) const override { return call == PlatformCall::bytes; }
   bool hasBytes(NSInputStream&) override { return true; }
 };
 
 class NoSession : public Fault {
  public:
-  NoSession() : Fault("no session") {}
+  NoSession() : Fault("no-session") {}
   bool befalls(PlatformCall call) const override { return call == PlatformCall::session; }
   std::shared_ptr<EASession> openSession(EAAccessory&, const std::string&) override {
     return nullptr;
@@ -105,49 +107,56 @@ class Reconnecting : public Fault {
 
 class RaisesStandard : public Fault {
  public:
-  RaisesStandard() : Fault("standard exception") {}
+  RaisesStandard() : Fault("standard-exception") {}
   bool befalls(PlatformCall) const override { return true; }
-  void before(virtuals::VirtualClock&) override { throw std::runtime_error("fault"); }
+  void before() override { throw std::runtime_error("fault"); }
 };
 
 class RaisesAnother : public Fault {
  public:
-  RaisesAnother() : Fault("another exception") {}
+  RaisesAnother() : Fault("another-exception") {}
   bool befalls(PlatformCall) const override { return true; }
-  void before(virtuals::VirtualClock&) override { throw Surprise(); }
+  void before() override { throw Surprise(); }
 };
 
 class ClockJumps : public Fault {
  public:
-  ClockJumps(std::string name, std::chrono::seconds by) : Fault(std::move(name)), by_(by) {}
+  ClockJumps(std::string name, std::int64_t seconds) : Fault(std::move(name)), seconds_(seconds) {}
   bool befalls(PlatformCall call) const override { return call == PlatformCall::clock; }
-  void before(virtuals::VirtualClock& clock) override { clock.stepWallClock(by_); }
-  bool mayLast() const override { return by_ > std::chrono::seconds(0); }
-  double delay() const override { return mayLast() ? 0 : -static_cast<double>(by_.count()); }
+  std::int64_t clockStep() const override { return seconds_; }
+  bool mayLast() const override { return seconds_ > 0; }
 
  private:
-  const std::chrono::seconds by_;
+  const std::int64_t seconds_;
 };
+
+template <typename Kind>
+std::shared_ptr<Fault> make() {
+  return std::make_shared<Kind>();
+}
 
 }  // namespace
 
-std::vector<std::shared_ptr<Fault>> allFaults() {
-  return {std::make_shared<FixedCount>("-1", -1),
-          std::make_shared<FixedCount>("-2", -2),
-          std::make_shared<FixedCount>("0", 0),
-          std::make_shared<OneByteAtATime>(),
-          std::make_shared<AllButOneByte>(),
-          std::make_shared<MoreThanOffered>(),
-          std::make_shared<NoSpace>(),
-          std::make_shared<NoBytes>(),
-          std::make_shared<BytesThatAreNotThere>(),
-          std::make_shared<NoSession>(),
-          std::make_shared<Disconnected>(),
-          std::make_shared<Reconnecting>(),
-          std::make_shared<RaisesStandard>(),
-          std::make_shared<RaisesAnother>(),
-          std::make_shared<ClockJumps>("clock jumps ahead", std::chrono::hours(1)),
-          std::make_shared<ClockJumps>("clock jumps back", std::chrono::seconds(-1))};
+const std::vector<std::function<std::shared_ptr<Fault>()>>& allFaults() {
+  static const std::vector<std::function<std::shared_ptr<Fault>()>> faults = {
+      [] { return std::make_shared<FixedCount>("-1", -1); },
+      [] { return std::make_shared<FixedCount>("-2", -2); },
+      [] { return std::make_shared<FixedCount>("0", 0); },
+      make<OneByteAtATime>,
+      make<AllButOneByte>,
+      make<MoreThanOffered>,
+      make<NoSpace>,
+      make<NoBytes>,
+      make<BytesThatAreNotThere>,
+      make<NoSession>,
+      make<Disconnected>,
+      make<Reconnecting>,
+      make<RaisesStandard>,
+      make<RaisesAnother>,
+      [] { return std::make_shared<ClockJumps>("clock-jumps-ahead", 3600); },
+      [] { return std::make_shared<ClockJumps>("clock-jumps-back", -1); },
+  };
+  return faults;
 }
 
 }  // namespace quordalvane::test

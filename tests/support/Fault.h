@@ -1,10 +1,10 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "backends/virtual/VirtualPlatform.h"
 #include "platform/Platform.h"
 
 namespace quordalvane::test {
@@ -27,11 +27,11 @@ class Fault {
   /// let no wait end, and nothing promises otherwise.
   virtual bool mayLast() const { return true; }
 
-  /// By how many seconds it may delay the end of a wait.
-  virtual double delay() const { return 0; }
+  /// By how many seconds the wall clock jumps at each call that it befalls.
+  virtual std::int64_t clockStep() const { return 0; }
 
   /// Before the call is made; may raise.
-  virtual void before(virtuals::VirtualClock&) {}
+  virtual void before() {}
 
   virtual bool hasSpace(NSOutputStream& next) { return next.hasSpaceAvailable(); }
   virtual bool hasBytes(NSInputStream& next) { return next.hasBytesAvailable(); }
@@ -50,8 +50,8 @@ class Fault {
   const std::string name_;
 };
 
-/// One of each.
-std::vector<std::shared_ptr<Fault>> allFaults();
+/// How to make one of each; a fault serves one run.
+const std::vector<std::function<std::shared_ptr<Fault>()>>& allFaults();
 
 /// What a FaultyPlatform raises that is no standard exception.
 struct Surprise {};

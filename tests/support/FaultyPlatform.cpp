@@ -4,27 +4,22 @@
 
 namespace quordalvane::test {
 
-Fault* FaultPlan::strike(PlatformCall call, virtuals::VirtualClock& clock) {
+Fault* FaultPlan::strike(PlatformCall call) {
   if (!armed_ || !fault_->befalls(call)) {
     return nullptr;
   }
   ++calls_;
   const bool strikes = fromThereOn_ ? calls_ >= k_ : calls_ == k_;
   if (strikes) {
-    fault_->before(clock);
+    clockStep_ += fault_->clockStep();
+    fault_->before();
   }
   return strikes ? fault_.get() : nullptr;
 }
 
 namespace {
 
-/// What every part of a faulty platform asks before it goes on.
-struct Plan {
-  std::shared_ptr<FaultPlan> plan;
-  virtuals::VirtualClock& clock;
-
-  Fault* strike(PlatformCall call) const { return plan->strike(call, clock); }
-};
+using Plan = std::shared_ptr<FaultPlan>;
 
 template <typename Stream>
 class FaultyStream : public Stream {
@@ -54,7 +49,7 @@ class FaultyStream : public Stream {
   }
 
  protected:
-  Fault* strike(PlatformCall call) { return plan_.strike(call); }
+  Fault* strike(PlatformCall call) { return plan_->strike(call); }
 
  private:
   const Plan plan_;
@@ -110,15 +105,15 @@ class FaultyAccessory : public ForwardingAccessory {
       : ForwardingAccessory(next), next_(std::move(next)), plan_(std::move(plan)) {}
 
   std::string description() override {
-    plan_.strike(PlatformCall::other);
+    plan_->strike(PlatformCall::other);
     return ForwardingAccessory::description();
   }
   bool isConnected() override {
-    Fault* const fault = plan_.strike(PlatformCall::connected);
+    Fault* const fault = plan_->strike(PlatformCall::connected);
     return fault ? fault->isConnected(*next_) : next_->isConnected();
   }
   std::shared_ptr<EASession> openSession(const std::string& protocol) override {
-    Fault* const fault = plan_.strike(PlatformCall::session);
+    Fault* const fault = plan_->strike(PlatformCall::session);
     const auto session =
         fault ? fault->openSession(*next_, protocol) : next_->openSession(protocol);
     return session ? std::make_shared<FaultySession>(session, plan_) : nullptr;
@@ -135,7 +130,7 @@ class FaultyManager : public ForwardingAccessoryManager {
       : ForwardingAccessoryManager(next), plan_(std::move(plan)) {}
 
   std::vector<std::shared_ptr<EAAccessory>> connectedAccessories() override {
-    plan_.strike(PlatformCall::other);
+    plan_->strike(PlatformCall::other);
     auto accessories = ForwardingAccessoryManager::connectedAccessories();
     for (auto& accessory : accessories) {
       accessory = std::make_shared<FaultyAccessory>(std::move(accessory), plan_);
@@ -151,7 +146,7 @@ class FaultyDevice : public ForwardingDevice {
  public:
   FaultyDevice(UIDevice& next, Plan plan) : ForwardingDevice(next), plan_(std::move(plan)) {}
   std::string systemVersion() override {
-    plan_.strike(PlatformCall::other);
+    plan_->strike(PlatformCall::other);
     return ForwardingDevice::systemVersion();
   }
 
@@ -163,15 +158,17 @@ class FaultyClock : public ForwardingClock {
  public:
   FaultyClock(Clock& next, Plan plan) : ForwardingClock(next), plan_(std::move(plan)) {}
   TimeValue gettimeofday() override {
-    plan_.strike(PlatformCall::clock);
-    return ForwardingClock::gettimeofday();
+    plan_->strike(PlatformCall::clock);
+    TimeValue now = ForwardingClock::gettimeofday();
+    now.tv_sec += plan_->clockStep();
+    return now;
   }
   void usleep(std::uint64_t microseconds) override {
-    plan_.strike(PlatformCall::other);
+    plan_->strike(PlatformCall::other);
     ForwardingClock::usleep(microseconds);
   }
   void select(std::int32_t microseconds) override {
-    plan_.strike(PlatformCall::other);
+    plan_->strike(PlatformCall::other);
     ForwardingClock::select(microseconds);
   }
 
@@ -183,11 +180,11 @@ class FaultyRunLoop : public ForwardingRunLoop {
  public:
   FaultyRunLoop(NSRunLoop& next, Plan plan) : ForwardingRunLoop(next), plan_(std::move(plan)) {}
   void runUntilDate(double seconds) override {
-    plan_.strike(PlatformCall::other);
+    plan_->strike(PlatformCall::other);
     ForwardingRunLoop::runUntilDate(seconds);
   }
   void runUntilDate(double seconds, NSStream& awaited) override {
-    plan_.strike(PlatformCall::other);
+    plan_->strike(PlatformCall::other);
     ForwardingRunLoop::runUntilDate(seconds, awaited);
   }
 
@@ -213,10 +210,8 @@ class FaultyPlatform::Parts {
   FaultyRunLoop runLoop;  // of the one thread that uses this platform
 };
 
-FaultyPlatform::FaultyPlatform(std::shared_ptr<Platform> next, std::shared_ptr<FaultPlan> plan,
-                               virtuals::VirtualClock& clock)
-    : ForwardingPlatform(std::move(next)),
-      parts_(std::make_unique<Parts>(*this, Plan{std::move(plan), clock})) {}
+FaultyPlatform::FaultyPlatform(std::shared_ptr<Platform> next, std::shared_ptr<FaultPlan> plan)
+    : ForwardingPlatform(std::move(next)), parts_(std::make_unique<Parts>(*this, plan)) {}
 
 FaultyPlatform::~FaultyPlatform() = default;
 
@@ -237,12 +232,12 @@ NSRunLoop& FaultyPlatform::currentRunLoop() {
 }
 
 bool FaultyPlatform::isMainThread() {
-  parts_->plan.strike(PlatformCall::other);
+  parts_->plan->strike(PlatformCall::other);
   return ForwardingPlatform::isMainThread();
 }
 
 void FaultyPlatform::ignoreSigPipe() {
-  parts_->plan.strike(PlatformCall::other);
+  parts_->plan->strike(PlatformCall::other);
   ForwardingPlatform::ignoreSigPipe();
 }
 

@@ -21,7 +21,10 @@ class FaultPlan {
   bool hasStruck() const { return calls_ >= k_; }
 
   /// The fault, when it befalls this call; null otherwise. May raise, as the fault does.
-  Fault* strike(PlatformCall call, virtuals::VirtualClock& clock);
+  Fault* strike(PlatformCall call);
+
+  /// By how many seconds the wall clock has jumped so far.
+  std::int64_t clockStep() const { return clockStep_; }
 
  private:
   const std::shared_ptr<Fault> fault_;
@@ -29,14 +32,13 @@ class FaultPlan {
   const bool fromThereOn_;
   bool armed_ = false;
   std::uint64_t calls_ = 0;
+  std::int64_t clockStep_ = 0;
 };
 
 /// A platform of which one call, or every call from one on, fails as planned.
 class FaultyPlatform : public ForwardingPlatform {
  public:
-  /// The clock must outlive this; it is the one of `next`.
-  FaultyPlatform(std::shared_ptr<Platform> next, std::shared_ptr<FaultPlan> plan,
-                 virtuals::VirtualClock& clock);
+  FaultyPlatform(std::shared_ptr<Platform> next, std::shared_ptr<FaultPlan> plan);
   ~FaultyPlatform() override;
 
   EAAccessoryManager& sharedAccessoryManager() override;

@@ -1,0 +1,213 @@
+#include "tests/model/Bounds.h"
+
+#include <algorithm>
+#include <sstream>
+
+namespace quordalvane::test {
+namespace {
+
+constexpr double slice = 0.1;
+constexpr double retryPause = 0.05;  // of the retrying writer, of line-mode status, of a begin
+constexpr double endPause = 0.1;
+constexpr double pollPause = 0.2;
+constexpr double guardTimes = 1.0 + 1.5;
+constexpr double moduleLimit = 10;
+constexpr int commandAttempts = 2;
+constexpr int statusReads = 10;
+
+/// The bounds of one port's operations, each the sum of what it waits for and what it calls.
+class Bounds {
+ public:
+  explicit Bounds(const Scenario& scenario)
+      : emulation_(scenario.creation.emulation),
+        limit_(scenario.creation.timeout / 1000),
+        end_(scenario.endMillis.value_or(scenario.creation.timeout) / 1000),
+        hold_(scenario.holdMillis.value_or(0) / 1000) {}
+
+  double of(const Operation& operation) const;
+
+ private:
+  static double wait(double limit, double pause) { return limit + 1 + pause + slice; }
+
+  double command() const { return wait(limit_, retryPause); }
+
+  double status() const {
+    if (emulation_ == lineMode) {
+      return slice + commandAttempts * (command() + statusReads * (slice + retryPause));
+    }
+    if (emulation_ == escPos) {
+      return slice + 4 * command() + wait(limit_, pollPause);
+    }
+    return slice;
+  }
+
+  double query() const { return command() + wait(limit_, pollPause); }
+
+  double begin() const {
+    const double clearPath =
+        emulation_ == lineMode ? wait(std::max(limit_, hold_), retryPause) + status() : 0;
+    return status() + clearPath + 3 * command();
+  }
+
+  double end() const {
+    const double mark = 2 * command();
+    return emulation_ == lineMode ? mark + wait(end_, endPause) + status()
+                                  : mark + 2 * command() + wait(end_, pollPause) + status() +
+                                        3 * slice;  // for a report, the byte behind it, the drain
+  }
+
+  /// In fractions of a second, hence without the second of whole ones.
+  static double response(double limit) { return limit + pollPause + slice; }
+
+  double commandMode() const { return guardTimes + 2 * command() + response(moduleLimit); }
+
+  const std::int32_t emulation_;
+  const double limit_;
+  const double end_;
+  const double hold_;
+};
+
+double Bounds::of(const Operation& operation) const {
+  const std::string& name = operation.name;
+  if (name == "isConnected" || name == "close") {
+    return 0;  // on a system below 10.0
+  }
+  if (name == "open" || name == "write" || name == "read") {
+    return slice;
+  }
+  if (name == "writeWithRetry" || name == "startDataCancel") {
+    return command();
+  }
+  if (name == "getParsedStatus") {
+    return status();
+  }
+  if (name == "getOnlineStatus") {
+    return command() + status();
+  }
+  if (name == "beginCheckedBlock") {
+    return begin();
+  }
+  if (name == "endCheckedBlock") {
+    return end();
+  }
+  if (name == "retrieveFirmwareInformation") {
+    return status() + query();
+  }
+  if (name == "retrieveDipSwitchInformation") {
+    return 2 * query();
+  }
+  if (name == "getPrinterResponse") {
+    return response(std::max(operation.timeoutMillis / 1000, 1));
+  }
+  if (name == "enterATMode") {
+    return commandMode();
+  }
+  if (name == "disconnect") {
+    return commandMode() + query();
+  }
+  return query();  // one question, or the request to drop the link and the wait for it
+}
+
+double stepsBack(const Scenario& scenario) {
+  std::int64_t seconds = scenario.layerStepsBack;
+  for (const auto& [reading, step] : scenario.script.clockSteps) {
+    seconds += step < 0 ? -step : 0;
+  }
+  return static_cast<double>(seconds);
+}
+
+/// How many bytes stand between the brackets of a trace's line.
+std::int64_t bytesIn(const std::string& line) {
+  const std::size_t begin = line.find('<') + 1;
+  return static_cast<std::int64_t>((line.find('>') - begin + 1) / 3);
+}
+
+/// Follows a run line by line.
+class Watch {
+ public:
+  explicit Watch(bool endsBlockInEscPos) : endsBlockInEscPos_(endsBlockInEscPos) {}
+
+  /// The exemption that this line shows, or "".
+  std::string see(const std::string& line) {
+    if (line == "ignoreSigPipe") {
+      const bool wasPartial = taken_ > 0 && taken_ < offered_;
+      offered_ = taken_ = 0;
+      return wasPartial ? "the retrying writer's repeat" : "";
+    }
+    if (line.starts_with("output.write ")) {
+      return seeWrite(line);
+    }
+    return line.starts_with("input.read ") ? seeRead(line) : "";
+  }
+
+ private:
+  std::string seeWrite(const std::string& line) {
+    const std::int64_t given = bytesIn(line);
+    const std::int64_t count = std::stoll(line.substr(line.rfind("-> ") + 3));
+    if (offered_ == 0) {
+      offered_ = given;
+    }
+    taken_ += std::max<std::int64_t>(count, 0);
+    followed_ = 0;
+    return count == 0 || count < -1 || count > given ? "a stream that says ready" : "";
+  }
+
+  std::string seeRead(const std::string& line) {
+    if (line.find('<') == std::string::npos) {
+      return line.ends_with("-> -1") ? "" : "a stream that says ready";
+    }
+    if (bytesIn(line) == 0) {
+      return "a stream that says ready";
+    }
+    if (!endsBlockInEscPos_ || !line.starts_with("input.read 1 ")) {
+      return "";
+    }
+    const unsigned long byte = std::stoul(line.substr(line.find('<') + 1, 2), nullptr, 16);
+    if (++followed_ > 2) {
+      return "the drain";
+    }
+    return byte == 0x1b || (byte & 0x93U) == 0x12 ? "" : "the invalid-status loop";
+  }
+
+  const bool endsBlockInEscPos_;
+  std::int64_t offered_ = 0;  // by this attempt of the writer
+  std::int64_t taken_ = 0;
+  int followed_ = 0;  // single bytes read since the last write
+};
+
+}  // namespace
+
+double mostSeconds(const Scenario& scenario, const Call& call) {
+  const Bounds bounds(scenario);
+  double seconds = stepsBack(scenario);
+  for (const Operation& operation : call.operations) {
+    seconds += bounds.of(operation);
+  }
+  return seconds;
+}
+
+std::string exemptionOf(const Outcome& outcome, const Call& call) {
+  const bool endsBlock =
+      std::any_of(call.operations.begin(), call.operations.end(),
+                  [](const Operation& operation) { return operation.name == "endCheckedBlock"; });
+  Watch watch(endsBlock);
+  for (const Line& line : outcome.lines) {
+    if (std::string exemption = watch.see(line.text); !exemption.empty()) {
+      return exemption;
+    }
+  }
+  return "";
+}
+
+std::string overrun(const Scenario& scenario, const Call& call, const Outcome& outcome) {
+  constexpr double rounding = 1e-3;
+  const double most = mostSeconds(scenario, call);
+  if (outcome.seconds <= most + rounding || !exemptionOf(outcome, call).empty()) {
+    return "";
+  }
+  std::ostringstream text;
+  text << call.name << " took " << outcome.seconds << " s and may take " << most << " s\n";
+  return text.str();
+}
+
+}  // namespace quordalvane::test

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+
+#include "tests/model/Scenario.h"
+
+namespace quordalvane::test {
+
+/// The longest that a call may take by its contract, in virtual seconds: each wait its limit and a
+/// second, since limits are whole seconds of the wall clock, one pause between two looks and one
+/// slice, and what it calls. A step back of the clock makes it longer by the step.
+double mostSeconds(const Scenario& scenario, const Call& call);
+
+/// Which of the named exemptions a run made use of, "" for none. They are not held to the bound,
+/// and each ends within one pass of a lost link:
+/// - the retrying writer's repeat, after an attempt that moved a part of the command;
+/// - a stream that says that it is ready and then moves nothing, or claims what cannot be;
+/// - the invalid-status loop: in ESC/POS a block's end asks again at once after a byte that is no
+///   status;
+/// - the drain: in ESC/POS a block's end reads on as long as bytes keep coming.
+std::string exemptionOf(const Outcome& outcome, const Call& call);
+
+/// "" when the run took no longer than it may; otherwise what it took and what it may take.
+std::string overrun(const Scenario& scenario, const Call& call, const Outcome& outcome);
+
+}  // namespace quordalvane::test
