@@ -1,13 +1,12 @@
 // The port thread, and the carrying of open and close to it.
 
 #include <charconv>
-#include <exception>
 #include <system_error>
 
 #include "iphone-IOPort/ExternalAccessoryPort.h"
+#include "iphone-IOPort/Guarded.h"
 #include "iphone-IOPort/LogStatement.h"
 #include "iphone-IOPort/Microseconds.h"
-#include "platform/ExceptionClass.h"
 
 namespace quordalvane {
 namespace {
@@ -20,29 +19,6 @@ float leadingNumber(std::string_view text) {
   float number = 0.0F;
   std::from_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed);
   return number;
-}
-
-/// What the exception that is being handled says of itself.
-std::string raisedText() {
-  try {
-    throw;
-  } catch (const std::exception& exception) {
-    return exception.what();
-  } catch (...) {
-    return "Throws exception, class: " + currentExceptionClass();
-  }
-}
-
-/// Runs `work`. False when it raised, after `tell` was called to log it.
-template <typename Work, typename Tell>
-bool guarded(Work work, Tell tell) {
-  try {
-    work();
-    return true;
-  } catch (...) {
-    tell();
-    return false;
-  }
 }
 
 }  // namespace

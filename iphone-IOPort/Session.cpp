@@ -1,14 +1,13 @@
 // The choice of the accessory, the session on it, and the connected test.
 
 #include <algorithm>
-#include <exception>
 #include <stdexcept>
 #include <utility>
 
 #include "iphone-IOPort/ExternalAccessoryPort.h"
+#include "iphone-IOPort/Guarded.h"
 #include "iphone-IOPort/LogStatement.h"
 #include "iphone-IOPort/Util.h"
-#include "platform/ExceptionClass.h"
 
 namespace quordalvane {
 namespace {
@@ -42,16 +41,14 @@ std::optional<std::string> designationIn(const std::optional<std::string>& portN
 void ExternalAccessoryPort::open71() {
   constexpr auto selector = open71Selector;
   QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@", "");
-  try {
-    selectAccessory();
-    setResult71(openSession());
-  } catch (const std::exception& exception) {
-    QUOR_LOG(ZKLogTypeError, 0, "%@", exception.what());
-    setResult71(false);
-  } catch (...) {
-    QUOR_LOG(ZKLogTypeError, 0, "Throws exception, class: %@", currentExceptionClass());
-    setResult71(false);
-  }
+  bool isOpen = false;
+  guarded(
+      [&] {
+        selectAccessory();
+        isOpen = openSession();
+      },
+      [this] { QUOR_LOG(ZKLogTypeError, 0, "%@", raisedText()); });
+  setResult71(isOpen);
   QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%@", "");
 }
 
@@ -201,16 +198,14 @@ void ExternalAccessoryPort::closeStream(NSStream& stream) {
 void ExternalAccessoryPort::close71() {
   constexpr auto selector = "-[ExternalAccessoryPort close71]";
   QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@", "");
-  try {
-    if (const auto session = _session.get()) {
-      closeStream(*session->outputStream());
-      closeStream(*session->inputStream());
-    }
-  } catch (const std::exception& exception) {
-    QUOR_LOG(ZKLogTypeError, 0, "%@", exception.what());
-  } catch (...) {
-    QUOR_LOG(ZKLogTypeError, 0, "Throws exception, class: %@", currentExceptionClass());
-  }
+  guarded(
+      [this] {
+        if (const auto session = _session.get()) {
+          closeStream(*session->outputStream());
+          closeStream(*session->inputStream());
+        }
+      },
+      [this] { QUOR_LOG(ZKLogTypeError, 0, "%@", raisedText()); });
   // Whatever a stream raised, the port is closed from here on.
   _session.set(nullptr);
   _selectedAccessory.set(nullptr);

@@ -6,6 +6,7 @@
 #include <set>
 
 #include "tests/faults/AnsweringPrinter.h"
+#include "tests/faults/CaseNames.h"
 #include "tests/model/Scenario.h"
 #include "tests/support/FaultyPlatform.h"
 #include "tests/support/Replay.h"
@@ -42,10 +43,6 @@ bool isDocumented(const std::string& operation, const Fault& fault, const std::s
     return ownExceptions(operation).contains(result);
   }
   return true;
-}
-
-const char* nameOf(std::int32_t emulation) {
-  return emulation == lineMode ? "line" : emulation == escPos ? "escpos" : "unknown";
 }
 
 using MakeFault = std::function<std::shared_ptr<Fault>()>;
@@ -117,7 +114,7 @@ class FaultSweep : public testing::TestWithParam<std::tuple<std::int32_t, bool>>
   /// the fault struck.
   static std::uint64_t sweep(const Call& call, const MakeFault& makeFault, bool fromThereOn) {
     const auto [emulation, logs] = GetParam();
-    const std::string name = std::string("fault ") + nameOf(emulation) +
+    const std::string name = std::string("fault ") + emulationName(emulation) +
                              (logs ? " logged " : " silent ") + call.name + " " +
                              makeFault()->name() + (fromThereOn ? " from" : " at");
     const auto replayed = replayedSeed(name);

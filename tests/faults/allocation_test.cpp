@@ -1,0 +1,190 @@
+// Memory runs short: the first, the second, … allocation of each operation fails.
+
+#include <gtest/gtest.h>
+
+#include <new>
+
+#include "tests/faults/AllocationFault.h"
+#include "tests/faults/AnsweringPrinter.h"
+#include "tests/faults/CaseNames.h"
+#include "tests/model/Scenario.h"
+#include "tests/support/FaultyPlatform.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/Replay.h"
+
+namespace quordalvane::test {
+namespace {
+
+constexpr const char* noMemory = "std::bad_alloc";
+
+/// Where the operation is called.
+enum class On { anotherThread, mainThread };
+
+struct Circumstances {
+  std::int32_t emulation;
+  bool logs;
+  On thread;
+  Layer layer = {};
+};
+
+/// A port whose printer answers everything.
+class AnsweredPort {
+ public:
+  explicit AnsweredPort(const Circumstances& given)
+      : world_(answeringPrinter(), {shopPrinter()}, given.layer) {
+    world_.machine().setMainThread(given.thread == On::mainThread);
+    port_ = ExternalAccessoryPort::initWithPortName(
+        "BT:", "d9", 1000, static_cast<ZKEmulation>(given.emulation), world_.platform());
+    EXPECT_TRUE(port_->open());
+    world_.start();
+  }
+  ~AnsweredPort() { port_->close(); }
+  AnsweredPort(const AnsweredPort&) = delete;
+  AnsweredPort& operator=(const AnsweredPort&) = delete;
+
+  ExternalAccessoryPort& port() { return *port_; }
+
+  /// What an operation comes to, and whether the fault struck.
+  std::string result(const Call& call, Allocation which, std::uint64_t k, bool fromThereOn,
+                     bool& struck) {
+    Caller caller;
+    const AllocationFault fault(which, k, fromThereOn);
+    std::string result = resultOrRaised(call, caller);
+    struck = fault.hasStruck();
+    return result;
+  }
+
+ private:
+  std::string resultOrRaised(const Call& call, Caller& caller) {
+    try {
+      // These two never raise, so nothing around them may take memory either.
+      if (call.name == "open") {
+        return shownResult(port_->open());
+      }
+      if (call.name == "close") {
+        port_->close();
+        return "closed";
+      }
+      std::string result = call.onPort(*port_, caller);
+      return result == "std::exception: std::bad_alloc" ? noMemory : result;
+    } catch (const std::bad_alloc&) {
+      return noMemory;
+    }
+  }
+
+  ScriptedWorld world_;
+  std::shared_ptr<ExternalAccessoryPort> port_;
+};
+
+class AllocationSweep : public testing::TestWithParam<std::tuple<std::int32_t, bool, Allocation>> {
+ protected:
+  static Circumstances circumstances(On thread) {
+    return {std::get<0>(GetParam()), std::get<1>(GetParam()), thread};
+  }
+
+  static bool isDocumented(const Call& call, const std::string& result) {
+    if (result != noMemory) {
+      return result.find("std::") == std::string::npos;
+    }
+    return call.name != "open" && call.name != "close" &&
+           std::get<2>(GetParam()) == Allocation::any;
+  }
+
+  static bool runOnce(const Call& call, On thread, std::uint64_t k, bool fromThereOn) {
+    const Circumstances given = circumstances(thread);
+    const auto which = std::get<2>(GetParam());
+    AnsweredPort answered(given);
+    bool struck = false;
+    std::string result;
+    {
+      const Logging logging(given.logs);
+      result = answered.result(call, which, k, fromThereOn, struck);
+    }
+    EXPECT_TRUE(isDocumented(call, result)) << result;
+    if (struck && which == Allocation::answeringNull && call.name.starts_with("write")) {
+      EXPECT_EQ(result, "-1") << "without memory for its scratch";
+    }
+    EXPECT_NO_THROW(answered.port().close());
+    EXPECT_TRUE(answered.port().open()) << "a port can be opened again when there is memory";
+    showReplay(call.name + " -> " + result + "\n");
+    return struck;
+  }
+
+  /// Returns how often the fault struck.
+  static std::uint64_t sweep(const Call& call, On thread, bool fromThereOn) {
+    const auto& [emulation, logs, which] = GetParam();
+    const std::string name = std::string("allocation ") + emulationName(emulation) +
+                             (logs ? " logged " : " silent ") +
+                             (which == Allocation::any ? "any " : "scratch ") +
+                             (thread == On::mainThread ? "main " : "other ") + call.name +
+                             (fromThereOn ? " from" : " at");
+    const auto replayed = replayedSeed(name);
+    if (replayedCase() && !replayed) {
+      return 0;
+    }
+    for (std::uint64_t k = replayed.value_or(1);; ++k) {
+      SCOPED_TRACE(howToReplay(name + " " + std::to_string(k)));
+      if (!runOnce(call, thread, k, fromThereOn) || replayed || HasFailure()) {
+        return k - 1;
+      }
+    }
+  }
+};
+
+/// With a platform that raises, and no memory to say so.
+class NoMemoryAtAll : public testing::TestWithParam<bool> {
+ protected:
+  /// Whether the platform's k-th call was made.
+  static bool runOnce(const Call& call, std::uint64_t k) {
+    const auto plan = std::make_shared<FaultPlan>(allFaults()[raisingFault](), k, GetParam());
+    AnsweredPort answered({lineMode, true, On::anotherThread, [plan](auto next) {
+                             return std::make_shared<FaultyPlatform>(std::move(next), plan);
+                           }});
+    const Logging logging(true);
+    plan->arm();
+    bool struck = false;
+    const std::string result = answered.result(call, Allocation::any, 1, true, struck);
+    plan->disarm();
+    EXPECT_NE(result, noMemory);
+    answered.port().close();
+    EXPECT_FALSE(answered.port().isConnected()) << "still holds its accessory";
+    EXPECT_TRUE(answered.port().open());
+    return plan->hasStruck();
+  }
+
+  static constexpr std::size_t raisingFault = 13;
+};
+
+TEST_P(NoMemoryAtAll, LetsOpenAndCloseRaiseNothing) {
+  for (const Call& call : {open(), close()}) {
+    ASSERT_EQ(allFaults()[raisingFault]()->name(), "another-exception");
+    for (std::uint64_t k = 1; runOnce(call, k) && !HasFailure(); ++k) {
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(OnceAndFromThereOn, NoMemoryAtAll, testing::Bool());
+
+TEST_P(AllocationSweep, EndsEveryOperationInADocumentedWay) {
+  std::uint64_t strikes = 0;
+  for (const Call& call : allCalls()) {
+    for (const bool fromThereOn : {false, true}) {
+      strikes += sweep(call, On::anotherThread, fromThereOn);
+      if (call.name == "open" || call.name == "close") {
+        strikes += sweep(call, On::mainThread, fromThereOn);
+      }
+      if (HasFailure()) {
+        return;
+      }
+    }
+  }
+  EXPECT_TRUE(strikes > 0 || replayedCase());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    EmulationLoggingAndKind, AllocationSweep,
+    testing::Combine(testing::Values(unknownEmulation, lineMode, escPos), testing::Bool(),
+                     testing::Values(Allocation::any, Allocation::answeringNull)));
+
+}  // namespace
+}  // namespace quordalvane::test
