@@ -24,6 +24,9 @@ constexpr std::size_t smallestPiece = 256;
 constexpr auto cancelLimit = std::chrono::milliseconds(500);
 constexpr std::uint8_t dataCancel[] = {0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00};
 
+// How long a port may go on once the printer's report has been seen.
+constexpr auto timeToEnd = std::chrono::seconds(2);
+
 // Between looks at a link that has nothing and says so at once.
 constexpr std::uint64_t lookPauseMicroseconds = 10000;
 
@@ -110,11 +113,25 @@ void PrintJob::bytesWritten(std::size_t count) {
 void PrintJob::bytesRead(std::span<const std::uint8_t> bytes) {
   report_.feed(bytes);
   stopIfCancelled();
+  stopIfReported();
 }
 
 void PrintJob::stopIfCancelled() const {
   if (cancelled_) {
     throw Cancelled();
+  }
+}
+
+/// A port counts only a report that comes in one piece, and would wait for another to its time-out.
+void PrintJob::stopIfReported() {
+  if (!awaitsReport_ || report_.lastCount() != countOfOneMark) {
+    return;
+  }
+  const auto now = port_->platform().clock().monotonic();
+  reportedAt_ = reportedAt_.value_or(now);
+  if (now - *reportedAt_ > timeToEnd) {
+    awaitsReport_ = false;
+    throw Reported();
   }
 }
 
@@ -285,20 +302,13 @@ void PrintJob::reportProgress() const {
 void PrintJob::end(std::span<const std::uint8_t> data) {
   drainInput();
   report_.clear();
-  bool ended = false;
-  try {
-    ended = port_->endCheckedBlock(&status_, statusLevel);
-  } catch (const PortException& exception) {
-    stopForLostExchange(exception.reason());
-    return;
-  }
+  const std::string failure = endBlock();
   if (status_.rawLength > 0) {
     result_.status = status_;
   }
   const auto obstacle = confirmationObstacle(data, port_->emulation());
-  if (!ended) {
-    stopForLostExchange("no confirmation within " +
-                        inSeconds(port_->endCheckedBlockTimeoutMillis()));
+  if (!failure.empty()) {
+    stopForLostExchange(failure);
   } else if (obstacle) {
     stop(PrintObstacle::NoProof, "cannot be confirmed: " + *obstacle);
   } else if (isProven()) {
@@ -308,6 +318,29 @@ void PrintJob::end(std::span<const std::uint8_t> data) {
   } else {
     stop(PrintObstacle::NoProof,
          "the printer was off line for a while and has not reported the end of the job");
+  }
+}
+
+/// Ends the block on the port. Returns why that failed; "" if it did not.
+std::string PrintJob::endBlock() {
+  try {
+    const bool ended = endOnPort();
+    awaitsReport_ = false;
+    return ended ? ""
+                 : "no confirmation within " + inSeconds(port_->endCheckedBlockTimeoutMillis());
+  } catch (const PortException& exception) {
+    awaitsReport_ = false;
+    return exception.reason();
+  }
+}
+
+/// As the port ends a block; with a last status also where the port was not left to come to it.
+bool PrintJob::endOnPort() {
+  awaitsReport_ = port_->emulation() == ZKEmulationESCPOS;
+  try {
+    return port_->endCheckedBlock(&status_, statusLevel);
+  } catch (const Reported&) {
+    return port_->getParsedStatus(&status_, statusLevel);
   }
 }
 

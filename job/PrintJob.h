@@ -94,10 +94,12 @@ class QUOR_EXPORT PrintJob : private TransferObserver {
 
  private:
   struct Cancelled {};
+  struct Reported {};
 
   void bytesWritten(std::size_t count) override;
   void bytesRead(std::span<const std::uint8_t> bytes) override;
   void stopIfCancelled() const;
+  void stopIfReported();
 
   void print(std::span<const std::uint8_t> data);
   bool begin();
@@ -107,6 +109,8 @@ class QUOR_EXPORT PrintJob : private TransferObserver {
   bool awaitAnswer(const std::function<bool(const ByteBuffer&)>& isComplete, ByteBuffer& answer);
   bool move(std::span<const std::uint8_t> data, std::uint64_t& accepted);
   void end(std::span<const std::uint8_t> data);
+  std::string endBlock();
+  bool endOnPort();
   void reportProgress() const;
   bool isProven() const;
   void drainInput();
@@ -122,6 +126,8 @@ class QUOR_EXPORT PrintJob : private TransferObserver {
   std::uint64_t* accepted_ = nullptr;  // what counts the bytes that go out now; null: nothing
   std::chrono::nanoseconds deadline_ = std::chrono::nanoseconds::max();
   BlockReport report_;
+  bool awaitsReport_ = false;
+  std::optional<std::chrono::nanoseconds> reportedAt_;  // when the report was first seen
   QuorPrinterStatus_2 status_ = {};
   PrintResult result_;
 };

@@ -4,83 +4,41 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <chrono>
-#include <filesystem>
 #include <memory>
 #include <thread>
+#include <utility>
 
-#include "backends/posix/PosixPlatform.h"
-#include "backends/virtual/VirtualAccessory.h"
-#include "iphone-IOPort/ExternalAccessoryPort.h"
-#include "platform/Forwarding.h"
-#include "simulator/PrinterState.h"
+#include "tests/lifecycle/SleeplessPlatform.h"
+#include "tests/support/Replay.h"
 
-namespace quordalvane {
+namespace quordalvane::test {
 namespace {
 
-/// Sleeps that take no time: the pauses of open and close would fill the test.
-class SleeplessClock : public ForwardingClock {
- public:
-  using ForwardingClock::ForwardingClock;
-  void usleep(std::uint64_t) override { std::this_thread::yield(); }
-};
+/// How often main lets port threads go before it counts them: each lives on for a slice.
+constexpr std::uint64_t cyclesBetweenCounts = 500;
 
-class SleeplessPlatform : public ForwardingPlatform {
- public:
-  explicit SleeplessPlatform(const std::shared_ptr<posix::PosixPlatform>& next)
-      : ForwardingPlatform(next), clock_(next->clock()) {
-    next->attach(std::make_shared<virtuals::VirtualAccessory>(
-        AccessoryIdentity{}, std::make_unique<simulator::VirtualPrinter>(simulator::PrinterState()),
-        clock_));
-  }
-
-  Clock& clock() override { return clock_; }
-
- private:
-  SleeplessClock clock_;
-};
-
-std::shared_ptr<Platform> sleeplessPlatform() {
-  return std::make_shared<SleeplessPlatform>(std::make_shared<posix::PosixPlatform>());
-}
-
-std::shared_ptr<ExternalAccessoryPort> makePort(const std::shared_ptr<Platform>& platform) {
-  return ExternalAccessoryPort::initWithPortName("BT:", "", 1000, ZKEmulationQuorLine, platform);
-}
-
-std::ptrdiff_t threadCount() {
-  return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
-}
-
-/// Port threads end within a slice of the close; a loaded machine gets more.
-bool threadsComeBackTo(std::ptrdiff_t count) {
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-  while (threadCount() > count && std::chrono::steady_clock::now() < deadline) {
-    std::this_thread::yield();
-  }
-  return threadCount() <= count;
-}
-
-TEST(PortCycles, TenThousandOnTheMainThreadLeaveNoThreadBehind) {
-  const auto platform = sleeplessPlatform();
+TEST(PortCycles, OnTheMainThreadLeaveNoThreadBehind) {
+  const auto platform = std::make_shared<SleeplessPlatform>();
   ASSERT_TRUE(platform->isMainThread());
-  const auto before = threadCount();
-  for (int i = 0; i < 10000; ++i) {
+  const auto before = threadsAtRest();
+  const std::uint64_t count = caseCount("QUOR_PORT_CYCLES", 10000);
+  for (std::uint64_t i = 1; i <= count; ++i) {
     const auto port = makePort(platform);
     ASSERT_NE(port, nullptr);
     ASSERT_TRUE(port->open());
     ASSERT_TRUE(port->isConnected());
     port->close();
     ASSERT_FALSE(port->isConnected());
-    if (i % 500 == 499) {
+    if (i % cyclesBetweenCounts == 0) {
       ASSERT_TRUE(threadsComeBackTo(before)) << i;
     }
   }
+  EXPECT_TRUE(threadsComeBackTo(before));
 }
 
 TEST(PortCycles, OpenedOnOneThreadAndClosedOnAnother) {
-  const auto platform = sleeplessPlatform();
-  const auto before = threadCount();
+  const auto platform = std::make_shared<SleeplessPlatform>();
+  const auto before = threadsAtRest();
   for (int i = 0; i < 300; ++i) {
     const auto port = makePort(platform);
     const auto elsewhere = [](auto work) { std::thread(work).join(); };
@@ -97,7 +55,7 @@ TEST(PortCycles, OpenedOnOneThreadAndClosedOnAnother) {
 }
 
 TEST(PortCycles, AReleasedPortIsGoneSoonAfterItsClose) {
-  const auto platform = sleeplessPlatform();
+  const auto platform = std::make_shared<SleeplessPlatform>();
   auto port = makePort(platform);
   const std::weak_ptr<ExternalAccessoryPort> weak = port;
   port->open();
@@ -110,33 +68,55 @@ TEST(PortCycles, AReleasedPortIsGoneSoonAfterItsClose) {
   EXPECT_TRUE(weak.expired());
 }
 
-TEST(PortProperties, AreReadWholeWhileTheyAreWritten) {
-  const auto port = makePort(sleeplessPlatform());
-  const std::string one(40, '1');
-  const std::string two(50, '2');
-  std::atomic<bool> stop = false;
-  std::thread writer([&] {
-    for (int i = 0; i < 20000; ++i) {
-      port->setName(i % 2 == 0 ? one : two);
-      port->setSerialNumber(i % 2 == 0 ? one : two);
-      port->setConnectionID(i % 2 == 0 ? ~0ULL : 0);
-      port->setEndCheckedBlockTimeoutMillis(i % 2 == 0 ? ~0U : 0);
-    }
-    stop = true;
-  });
-  while (!stop) {
-    const std::string name = port->name().value_or(one);
-    ASSERT_TRUE(name == one || name == two) << name;
-    const std::uint64_t id = port->connectionID();
-    ASSERT_TRUE(id == 0 || id == ~0ULL);
-    port->serialNumber();
-    port->dipSwitchInformation();
-    port->firmwareInformation();
-    port->isConnected();
+/// What one port's end looked like, kept by those who watch it.
+struct Release {
+  std::atomic<bool> mainHasLetGo = false;
+  std::atomic<std::thread::id> releasedOn;
+  std::thread::id portThread;
+};
+
+/// A port's own platform, which ends with the port and notes on which thread. The port thread ends
+/// only after main has let go of the port, so that the last reference is the thread's.
+class NotingPlatform : public ForwardingPlatform {
+ public:
+  NotingPlatform(std::shared_ptr<Platform> next, std::shared_ptr<Release> release)
+      : ForwardingPlatform(std::move(next)), release_(std::move(release)) {}
+  ~NotingPlatform() override { release_->releasedOn = std::this_thread::get_id(); }
+
+  std::shared_ptr<NSThread> makeThread(std::function<void()> body) override {
+    return ForwardingPlatform::makeThread([body = std::move(body), release = release_] {
+      release->portThread = std::this_thread::get_id();
+      body();
+      release->mainHasLetGo.wait(false);
+    });
   }
-  writer.join();
-  port->close();
+
+ private:
+  const std::shared_ptr<Release> release_;
+};
+
+TEST(PortReleases, OnThePortThreadEndThePortThere) {
+  const auto platform = std::make_shared<SleeplessPlatform>();
+  const auto before = threadsAtRest();
+  const std::uint64_t count = caseCount("QUOR_PORT_RELEASES", 1000);
+  std::vector<std::shared_ptr<Release>> releases;
+  for (std::uint64_t i = 1; i <= count; ++i) {
+    const auto release = releases.emplace_back(std::make_shared<Release>());
+    auto port = makePort(std::make_shared<NotingPlatform>(platform, release));
+    ASSERT_TRUE(port->open());
+    port->close();
+    port.reset();
+    release->mainHasLetGo = true;
+    release->mainHasLetGo.notify_one();
+    if (i % cyclesBetweenCounts == 0 || i == count) {
+      ASSERT_TRUE(threadsComeBackTo(before)) << i;
+      for (const auto& ended : std::exchange(releases, {})) {
+        ASSERT_EQ(ended->releasedOn.load(), ended->portThread);
+        ASSERT_NE(ended->portThread, std::this_thread::get_id());
+      }
+    }
+  }
 }
 
 }  // namespace
-}  // namespace quordalvane
+}  // namespace quordalvane::test

@@ -16,6 +16,12 @@ using std::chrono::milliseconds;
 
 const ByteBuffer kReceipt = bytesOf("Espresso  2.20\nCake      3.80\nTotal     6.00\n");
 
+simulator::Faults with(const char* fault, const char* value) {
+  simulator::Faults faults;
+  faults.add(fault, value);
+  return faults;
+}
+
 class InBothEmulations : public testing::TestWithParam<ZKEmulation> {};
 
 INSTANTIATE_TEST_SUITE_P(Job, InBothEmulations,
@@ -255,6 +261,20 @@ TEST(EscPosJob, IsNotConfirmedByTheLateReportOfAnEarlierOne) {
   till.platform->clock().usleep(10000000);  // the earlier one prints on, and its report waits
   const PrintResult result = till.print(kReceipt);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed) << "printed in no time";
+}
+
+TEST(EscPosJob, IsConfirmedSoonByAReportThatComesInPieces) {
+  Till till(ZKEmulationESCPOS);
+  for (const char* const places : {"1", "2", "6", "7", "1/2/3/4/5/6/7"}) {
+    till.port->close();
+    till.accessory->setFaults(with("split-reply", places));
+    ASSERT_TRUE(till.port->open());
+    const auto start = till.platform->clock().monotonic();
+    const PrintResult result = till.print(kReceipt);
+    EXPECT_EQ(result.outcome, PrintOutcome::Printed) << "split at " << places << result.reason;
+    EXPECT_EQ(result.status->offline, 0U);
+    EXPECT_LT(till.platform->clock().monotonic() - start, std::chrono::seconds(5)) << places;
+  }
 }
 
 TEST(EscPosJob, WithAStatusRequestInItsDataIsConfirmedByItsReport) {

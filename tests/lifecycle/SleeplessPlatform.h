@@ -1,0 +1,64 @@
+#pragma once
+
+#include <filesystem>
+#include <iterator>
+#include <memory>
+#include <thread>
+
+#include "backends/posix/PosixPlatform.h"
+#include "backends/virtual/VirtualAccessory.h"
+#include "iphone-IOPort/ExternalAccessoryPort.h"
+#include "platform/Forwarding.h"
+#include "simulator/PrinterState.h"
+
+namespace quordalvane::test {
+
+/// Sleeps that take no time: the pauses of open and close would fill the test.
+class SleeplessClock : public ForwardingClock {
+ public:
+  using ForwardingClock::ForwardingClock;
+  void usleep(std::uint64_t) override { std::this_thread::yield(); }
+};
+
+/// Real threads, and one printer that is attached.
+class SleeplessPlatform : public ForwardingPlatform {
+ public:
+  SleeplessPlatform() : SleeplessPlatform(std::make_shared<posix::PosixPlatform>()) {}
+
+  Clock& clock() override { return clock_; }
+
+ private:
+  explicit SleeplessPlatform(const std::shared_ptr<posix::PosixPlatform>& next)
+      : ForwardingPlatform(next), clock_(next->clock()) {
+    next->attach(std::make_shared<virtuals::VirtualAccessory>(
+        AccessoryIdentity{}, std::make_unique<simulator::VirtualPrinter>(simulator::PrinterState()),
+        clock_));
+  }
+
+  SleeplessClock clock_;
+};
+
+inline std::shared_ptr<ExternalAccessoryPort> makePort(const std::shared_ptr<Platform>& platform) {
+  return ExternalAccessoryPort::initWithPortName("BT:", "", 1000, ZKEmulationQuorLine, platform);
+}
+
+inline std::ptrdiff_t threadCount() {
+  return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
+}
+
+/// The same, before a test makes any. A sanitizer may start a thread of its own with the first one.
+inline std::ptrdiff_t threadsAtRest() {
+  std::thread([] {}).join();
+  return threadCount();
+}
+
+/// Port threads end within a slice of the close; a loaded machine gets more.
+inline bool threadsComeBackTo(std::ptrdiff_t count) {
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+  while (threadCount() > count && std::chrono::steady_clock::now() < deadline) {
+    std::this_thread::yield();
+  }
+  return threadCount() <= count;
+}
+
+}  // namespace quordalvane::test

@@ -1,0 +1,187 @@
+"""What lies between a till and its printer in real life: a link that slices, throttles, delays and cuts."""
+
+import os
+import pty
+import selectors
+import socket
+import threading
+import time
+import tty
+from collections import deque
+from dataclasses import dataclass
+from pathlib import Path
+
+READ_SIZE = 4096
+FULL = 65536  # bytes under way, from which on the sender has to wait
+
+
+@dataclass(frozen=True)
+class Weather:
+    """What a link does until it is told otherwise."""
+
+    slice: int = READ_SIZE  # bytes that arrive together
+    rate: float = 0  # bytes a second; 0 is all at once
+    delay: float = 0  # seconds
+    cut_after: int | None = None  # bytes of either direction, from the moment it is told; None is never
+
+
+class Direction:
+    """Bytes on their way, each slice with the time at which it arrives."""
+
+    def __init__(self, source: int, target: int):
+        self.source, self.target = source, target
+        self.under_way: deque[tuple[float, bytes]] = deque()
+        self.size = 0
+        self.last = 0.0
+
+    def take(self, data: bytes, weather: Weather):
+        due = max(self.last, time.monotonic() + weather.delay)
+        for start in range(0, len(data), weather.slice):
+            piece = data[start : start + weather.slice]
+            if weather.rate:
+                due += len(piece) / weather.rate
+            self.under_way.append((due, piece))
+            self.size += len(piece)
+        self.last = due
+
+    def deliver(self) -> int:
+        """Hands over what is due; the count of its bytes."""
+        count = 0
+        while self.under_way and self.under_way[0][0] <= time.monotonic():
+            due, piece = self.under_way.popleft()
+            try:
+                written = os.write(self.target, piece)
+            except BlockingIOError:
+                written = 0
+            count += written
+            self.size -= written
+            if written < len(piece):
+                self.under_way.appendleft((due, piece[written:]))
+                break
+        return count
+
+
+class Relay(threading.Thread):
+    """Serves tills, one after the other, at a place of its own, and carries all bytes to the printer."""
+
+    def __init__(self, printer: str):
+        super().__init__(daemon=True)
+        self.printer = printer
+        self.weather = Weather()
+        self.passed = 0
+        self.cuts = 0
+        self.lock = threading.Lock()
+        self.stopping = False
+
+    def set_weather(self, weather: Weather):
+        with self.lock:
+            self.weather, self.passed = weather, 0
+
+    def run(self):
+        while not self.stopping:
+            till = self.accept()
+            if till is None:
+                continue
+            with socket.socket(socket.AF_UNIX) as printer:
+                printer.connect(self.printer)
+                printer.setblocking(False)
+                self.carry(till, printer.fileno())
+            self.hang_up(till)
+
+    def carry(self, till: int, printer: int):
+        """Until one side ends, or the cut."""
+        directions = Direction(till, printer), Direction(printer, till)
+        while not self.stopping:
+            with self.lock:
+                weather = self.weather
+            self.wait(directions)
+            for direction in directions:
+                try:
+                    if direction.size < FULL and not self.take(direction, weather):
+                        return
+                    delivered = direction.deliver()
+                except OSError:
+                    return
+                with self.lock:
+                    self.passed += delivered
+                    if self.weather.cut_after is not None and self.passed >= self.weather.cut_after:
+                        self.cuts += 1
+                        self.weather = Weather()
+                        return
+
+    @staticmethod
+    def take(direction: Direction, weather: Weather) -> bool:
+        """False at the end of the source."""
+        try:
+            data = os.read(direction.source, READ_SIZE)
+        except BlockingIOError:
+            return True
+        direction.take(data, weather)
+        return bool(data)
+
+    @staticmethod
+    def wait(directions: tuple[Direction, Direction]):
+        """Until there may be something to do, at most a moment."""
+        due = [d.under_way[0][0] for d in directions if d.under_way]
+        left = min(due, default=time.monotonic() + 0.05) - time.monotonic()
+        with selectors.DefaultSelector() as selector:
+            for direction in directions:
+                if direction.size < FULL:
+                    selector.register(direction.source, selectors.EVENT_READ)
+            selector.select(min(max(left, 0.0005), 0.05))
+
+    def stop(self):
+        self.stopping = True
+        self.join()
+
+
+class SocketRelay(Relay):
+    def __init__(self, folder: Path, printer: str):
+        super().__init__(printer)
+        self.device = f"unix:{folder}/till"
+        self.listener = socket.socket(socket.AF_UNIX)
+        self.listener.bind(f"{folder}/till")
+        self.listener.listen()
+        self.listener.settimeout(0.1)
+        self.start()
+
+    def accept(self) -> int | None:
+        try:
+            connection, _ = self.listener.accept()
+        except TimeoutError:
+            return None
+        connection.setblocking(False)
+        return connection.detach()
+
+    def hang_up(self, till: int):
+        os.close(till)
+
+
+class TerminalRelay(Relay):
+    """A serial line: a terminal that is made anew after each cut, always found at the same path."""
+
+    def __init__(self, folder: Path, printer: str):
+        super().__init__(printer)
+        self.link = folder / "terminal"
+        self.device = f"serial:{self.link}"
+        self.other_side = -1
+        self.master = -1
+        self.open_terminal()
+        self.start()
+
+    def open_terminal(self):
+        self.master, self.other_side = pty.openpty()
+        tty.setraw(self.other_side)
+        os.set_blocking(self.master, False)
+        fresh = self.link.with_suffix(".new")
+        fresh.symlink_to(os.ttyname(self.other_side))
+        fresh.rename(self.link)
+
+    def accept(self) -> int:
+        return self.master
+
+    def hang_up(self, till: int):
+        os.close(till)
+        os.close(self.other_side)
+        if not self.stopping:
+            self.open_terminal()

@@ -1,0 +1,119 @@
+// A till that runs for long: a process that does what its standard input says and tells of each job
+// what came of it, and of itself what it holds of the system.
+//
+//     till DEVICE LOG-FILE line|escpos
+//     print BYTES keep|anew     a job of so many bytes, on the port that there is or on a new one
+//     resources                 after the port is closed and gone
+
+#include <malloc.h>
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <thread>
+
+#include "backends/Devices.h"
+#include "iphone-IOPort/ExternalAccessoryPort.h"
+#include "iphone-IOPort/LogWriter.h"
+#include "job/PrintJob.h"
+#include "logging/JsonFileSink.h"
+
+namespace {
+
+using namespace quordalvane;
+using Json = nlohmann::json;
+namespace files = std::filesystem;
+
+std::ptrdiff_t entriesOf(const char* folder) {
+  return std::distance(files::directory_iterator(folder), {});
+}
+
+/// The memory that the process has in use, in bytes: what its pages hold, and what it allocated.
+std::uint64_t residentMemory() {
+  std::uint64_t pages = 0;
+  std::ifstream("/proc/self/statm") >> pages >> pages;
+  return pages * 4096;
+}
+
+/// A port thread lives on for a slice after its port is closed.
+Json resources() {
+  using namespace std::chrono_literals;
+  LogWriter::sharedInstance().flush();
+  std::this_thread::sleep_for(300ms);
+  ::malloc_trim(0);
+  return {{"descriptors", entriesOf("/proc/self/fd")},
+          {"threads", entriesOf("/proc/self/task")},
+          {"allocated", ::mallinfo2().uordblks},
+          {"resident", residentMemory()}};
+}
+
+ByteBuffer receipt(std::size_t size) {
+  ByteBuffer data(size, 'x');
+  for (std::size_t end = 31; end < size; end += 32) {
+    data[end] = '\n';
+  }
+  return data;
+}
+
+class Till {
+ public:
+  explicit Till(ZKEmulation emulation) : emulation_(emulation) {}
+  ~Till() { closePort(); }
+
+  Json print(std::size_t size, bool anew) {
+    if (anew || port_ == nullptr || !port_->isConnected()) {
+      closePort();
+      port_ = ExternalAccessoryPort::initWithPortName("BT:", "", 10000, emulation_);
+      port_->setEndCheckedBlockTimeoutMillis(6000);
+      if (!port_->open()) {
+        return {{"outcome", "not opened"}, {"accepted", 0}, {"reason", "the port did not open"}};
+      }
+    }
+    const PrintResult result = PrintJob(port_).run(receipt(size));
+    constexpr const char* outcomes[] = {"printed", "unconfirmed", "refused"};
+    return {{"outcome", outcomes[static_cast<int>(result.outcome)]},
+            {"accepted", result.bytesAccepted},
+            {"reason", result.reason}};
+  }
+
+  void closePort() {
+    if (port_ != nullptr) {
+      port_->close();
+      port_.reset();
+    }
+  }
+
+ private:
+  const ZKEmulation emulation_;
+  std::shared_ptr<ExternalAccessoryPort> port_;
+};
+
+}  // namespace
+
+int main(int, char** arguments) {
+  connectDevices({arguments[1]});
+  LogWriter& logger = LogWriter::sharedInstance();
+  logger.addSink(
+      std::make_shared<JsonFileSink>(arguments[2], LogRotation{.maximumBytes = 1U << 20U}));
+  logger.setLogging(true);
+  Till till(std::string(arguments[3]) == "line" ? ZKEmulationQuorLine : ZKEmulationESCPOS);
+  for (std::string request; std::cin >> request;) {
+    Json answer;
+    if (request == "print") {
+      std::size_t size = 0;
+      std::string port;
+      std::cin >> size >> port;
+      answer = till.print(size, port == "anew");
+    } else {
+      till.closePort();
+      answer = resources();
+    }
+    std::cout << answer.dump() << std::endl;
+  }
+  return 0;
+}
