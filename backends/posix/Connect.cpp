@@ -81,11 +81,13 @@ SocketAddress unixAddress(const std::string& path) {
   return result;
 }
 
-// Runs `connect` and puts the place before the text of what goes wrong.
+// Runs `connect` and puts the place before the text of what goes wrong; a code is kept.
 template <typename Connect>
 Descriptor connectNamed(const std::string& place, Connect connect) {
   try {
     return connect();
+  } catch (const std::system_error& error) {
+    throw std::system_error(error.code(), place);
   } catch (const std::exception& error) {
     throw std::runtime_error(place + ": " + error.what());
   }

@@ -25,8 +25,9 @@ Descriptor connectToAny(const std::vector<SocketAddress>& addresses, SteadyTime 
 /// A printer that stops the flow for that long, out of paper for example, is cut off too: the
 /// system cannot be told to end the one without the other.
 ///
-/// Raises a `std::exception` with a text for people when nothing answers within `timeout`, which
-/// is above zero. A lookup that the resolver has not finished by then is left to end on its own.
+/// Raises a `std::system_error` with a text for people when nothing answers within `timeout`, which
+/// is above zero; its code is one of the system's or, for a name, of `resolverCategory()`. A lookup
+/// that the resolver has not finished by then is left to end on its own.
 Descriptor connectTcp(const std::string& host, std::uint16_t port,
                       std::chrono::milliseconds timeout = connectTimeout);
 

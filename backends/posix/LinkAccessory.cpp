@@ -26,7 +26,10 @@ std::shared_ptr<EASession> LinkAccessory::openSession(const std::string& protoco
     const std::lock_guard lock(mutex_);
     newest_ = link;
     lastError_.clear();
+    lastErrorCode_.clear();
     return std::make_shared<LinkSession>(link);
+  } catch (const std::system_error& error) {
+    return failed(error.what(), error.code());
   } catch (const std::exception& error) {
     return failed(error.what());
   }
@@ -37,9 +40,15 @@ std::string LinkAccessory::lastError() {
   return lastError_;
 }
 
-std::shared_ptr<EASession> LinkAccessory::failed(std::string why) {
+std::error_code LinkAccessory::lastErrorCode() {
+  const std::lock_guard lock(mutex_);
+  return lastErrorCode_;
+}
+
+std::shared_ptr<EASession> LinkAccessory::failed(std::string why, std::error_code code) {
   const std::lock_guard lock(mutex_);
   lastError_ = std::move(why);
+  lastErrorCode_ = code;
   return nullptr;
 }
 

@@ -4,6 +4,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <system_error>
 
 #include "backends/AccessoryIdentity.h"
 #include "backends/posix/Descriptor.h"
@@ -30,14 +31,18 @@ class LinkAccessory : public IdentifiedAccessory {
   /// Why the latest `openSession` returned null, for people; "" if it did not or was never called.
   std::string lastError();
 
+  /// The code of the same, where the reason has one; 0 where not.
+  std::error_code lastErrorCode();
+
  private:
-  std::shared_ptr<EASession> failed(std::string why);
+  std::shared_ptr<EASession> failed(std::string why, std::error_code code = {});
 
   const Connector connect_;
 
   std::mutex mutex_;              // guards what follows
   std::shared_ptr<Link> newest_;  // of the newest session, and kept when it has ended
   std::string lastError_;
+  std::error_code lastErrorCode_;
 };
 
 }  // namespace quordalvane::posix

@@ -6,7 +6,6 @@
 #include <cstring>
 #include <future>
 #include <memory>
-#include <stdexcept>
 #include <thread>
 #include <utility>
 
@@ -21,6 +20,12 @@ bool isInFigures(const std::string& host) {
          ::inet_pton(AF_INET6, host.c_str(), &address) == 1;
 }
 
+class ResolverCategory : public std::error_category {
+ public:
+  const char* name() const noexcept override { return "resolver"; }
+  std::string message(int code) const override { return ::gai_strerror(code); }
+};
+
 Addresses askResolver(const std::string& host, std::uint16_t port) {
   addrinfo hints{};
   hints.ai_family = AF_UNSPEC;
@@ -29,7 +34,7 @@ Addresses askResolver(const std::string& host, std::uint16_t port) {
   addrinfo* found = nullptr;
   const int error = ::getaddrinfo(host.c_str(), std::to_string(port).c_str(), &hints, &found);
   if (error != 0) {
-    throw std::runtime_error(::gai_strerror(error));
+    throw std::system_error(error, resolverCategory());
   }
   const std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)> list(found, &::freeaddrinfo);
   Addresses addresses;
@@ -43,12 +48,17 @@ Addresses askResolver(const std::string& host, std::uint16_t port) {
 
 }  // namespace
 
+const std::error_category& resolverCategory() {
+  static const ResolverCategory category;
+  return category;
+}
+
 Addresses lookUpUntil(SteadyTime deadline, Lookup lookup) {
   std::packaged_task<Addresses()> task(std::move(lookup));
   auto result = task.get_future();
   std::thread(std::move(task)).detach();
   if (result.wait_until(deadline) != std::future_status::ready) {
-    throw std::runtime_error("the name was not resolved in time");
+    throw std::system_error(EAI_AGAIN, resolverCategory());
   }
   return result.get();
 }

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "backends/posix/Deadline.h"
@@ -16,15 +17,20 @@ struct SocketAddress {
   socklen_t length;
 };
 
+/// The codes of the system's resolver, with its texts.
+const std::error_category& resolverCategory();
+
 /// A search for addresses, which may block for as long as it likes.
 using Lookup = std::function<std::vector<SocketAddress>()>;
 
-/// Returns what `lookup` returns, or raises what it raises. Raises `std::runtime_error` if it has
-/// not ended at `deadline`; it then goes on by itself on a thread of its own, which keeps a copy.
+/// Returns what `lookup` returns, or raises what it raises. Raises `std::system_error` with
+/// EAI_AGAIN if it has not ended at `deadline`; it then goes on by itself on a thread of its own,
+/// which keeps a copy.
 std::vector<SocketAddress> lookUpUntil(SteadyTime deadline, Lookup lookup);
 
 /// The addresses of `host`, at least one, in the order in which to try them. An address in figures
-/// is read as such and never looked up. Raises `std::runtime_error` if there is none by `deadline`.
+/// is read as such and never looked up. Raises `std::system_error` with a code of
+/// `resolverCategory()` if there is none by `deadline`.
 std::vector<SocketAddress> resolve(const std::string& host, std::uint16_t port,
                                    SteadyTime deadline);
 

@@ -36,7 +36,7 @@ speed_t codeOf(unsigned baud) {
 void setRaw(int number, speed_t speed, const std::string& path) {
   termios settings{};
   if (::tcgetattr(number, &settings) != 0) {
-    throw std::runtime_error(path + ": not a serial line");
+    throw std::system_error(ENOTTY, std::generic_category(), path + ": not a serial line");
   }
   ::cfmakeraw(&settings);  // 8 data bits and no parity included
   settings.c_cflag |= CLOCAL | CREAD;

@@ -17,7 +17,8 @@ std::vector<unsigned> baudRates();
 /// without becoming the controlling terminal. The line keeps these settings when it is closed.
 ///
 /// Raises a `std::exception` with a text for people when `path` is no serial line or cannot be
-/// opened, or `baud` is not one of `baudRates()`. Never waits for a modem to answer.
+/// opened, which is a `std::system_error`, or `baud` is not one of `baudRates()`. Never waits for a
+/// modem to answer.
 Descriptor openSerial(const std::string& path, unsigned baud = defaultBaudRate);
 
 }  // namespace quordalvane::posix

@@ -5,6 +5,7 @@
 #include <atomic>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -209,17 +210,28 @@ TEST(LinkAccessory, TellsWhyItCouldNotConnectUntilItCan) {
   bool reachable = false;
   LinkAccessory accessory(AccessoryIdentity{}, [&] {
     if (!reachable) {
-      throw std::runtime_error("the cable is out");
+      throw std::system_error(ENODEV, std::generic_category(), "the cable is out");
     }
     return Descriptor(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0), Descriptor::Kind::socket);
   });
   EXPECT_EQ(accessory.lastError(), "");
   EXPECT_EQ(accessory.openSession(protocol), nullptr);
-  EXPECT_EQ(accessory.lastError(), "the cable is out");
+  EXPECT_NE(accessory.lastError().find("the cable is out"), std::string::npos);
+  EXPECT_EQ(accessory.lastErrorCode(), std::errc::no_such_device);
   EXPECT_TRUE(accessory.isConnected());
   reachable = true;
   EXPECT_NE(accessory.openSession(protocol), nullptr);
   EXPECT_EQ(accessory.lastError(), "");
+  EXPECT_FALSE(accessory.lastErrorCode());
+}
+
+TEST(LinkAccessory, TellsAReasonWithoutACodeAsSuch) {
+  LinkAccessory accessory(AccessoryIdentity{}, []() -> Descriptor {
+    throw std::runtime_error("no reason in particular");
+  });
+  EXPECT_EQ(accessory.openSession(protocol), nullptr);
+  EXPECT_EQ(accessory.lastError(), "no reason in particular");
+  EXPECT_FALSE(accessory.lastErrorCode());
 }
 
 }  // namespace
