@@ -140,6 +140,7 @@ void PrintJob::print(std::span<const std::uint8_t> data) {
   if (options_.checked && !(begin() && synchronise())) {
     return;
   }
+  reportProgress();
   if (!move(data, result_.bytesAccepted)) {
     return;
   }
@@ -276,7 +277,9 @@ bool PrintJob::move(std::span<const std::uint8_t> data, std::uint64_t& accepted)
     if (written > 0) {
       lastProgress = clock.monotonic();
       pieceSize = std::clamp(2 * static_cast<std::size_t>(written), smallestPiece, largestPiece);
-      reportProgress();
+      if (&accepted == &result_.bytesAccepted) {
+        reportProgress();
+      }
       continue;
     }
     if (!port_->isConnected()) {
@@ -294,7 +297,7 @@ bool PrintJob::move(std::span<const std::uint8_t> data, std::uint64_t& accepted)
 }
 
 void PrintJob::reportProgress() const {
-  if (options_.progress && accepted_ == &result_.bytesAccepted) {
+  if (options_.progress) {
     options_.progress({result_.bytesAccepted, result_.bytesTotal});
   }
 }

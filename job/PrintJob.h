@@ -72,8 +72,8 @@ class QUOR_EXPORT PrintJob : private TransferObserver {
     /// False: no block, hence no look at the printer and no proof. The best outcome is Unconfirmed.
     bool checked = true;
 
-    /// Called on the thread of `run`, after the block's beginning and after each piece that went
-    /// out.
+    /// Called on the thread of `run`: with no byte accepted when the data is about to go out, and
+    /// after each piece that went out.
     std::function<void(const PrintProgress&)> progress = {};
   };
 
