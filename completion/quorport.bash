@@ -6,6 +6,8 @@ _quorport_options() {
     "") echo "$global --version" ;;
     status) echo "$global --level --verbose" ;;
     print) echo "$global --unchecked --end-timeout --hold-print-timeout --receipt" ;;
+    monitor) echo "$global --interval --count" ;;
+    doctor) echo "$global --bundle" ;;
     simulate) echo "$global --listen --set --receipts --control" ;;
     *) echo "$global" ;;
   esac
@@ -30,17 +32,17 @@ _quorport_command() {
 }
 
 _quorport() {
-  local commands="list status online print cancel firmware dipswitch button-security disconnect simulate"
+  local commands="list status online print cancel firmware dipswitch button-security disconnect monitor doctor simulate"
   local cur prev words cword command
   # A colon or an equals sign is part of a word here.
   _init_completion -n := || return
   command=$(_quorport_command "${words[@]:1:cword-1}")
   case $prev in
     -e | --emulation) mapfile -t COMPREPLY < <(compgen -W "line escpos unknown" -- "$cur") ;;
-    --log | --receipt) _filedir ;;
+    --log | --receipt | --bundle) _filedir ;;
     --receipts) _filedir -d ;;
     -[dpst] | --device | --port-name | --settings | --timeout | --log-level) ;;
-    --level | --end-timeout | --hold-print-timeout | --listen | --set | --control) ;;
+    --level | --end-timeout | --hold-print-timeout | --listen | --set | --control | --interval | --count) ;;
     *)
       if [[ $cur == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$(_quorport_options "$command")" -- "$cur")

@@ -18,7 +18,7 @@ def help_of(*command: str) -> str:
 
 
 def commands() -> list[str]:
-    listing = help_of().partition("Subcommands:\n")[2].partition("\n\n")[0]
+    listing = help_of().partition("Commands:\n")[2].partition("\n\n")[0]
     return re.findall(r"^  (\S+)", listing, re.M)
 
 

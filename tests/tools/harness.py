@@ -123,18 +123,12 @@ class Case(unittest.TestCase):
         return result
 
 
-class Simulator:
-    """`quorport simulate`, with its standard streams for control."""
+class Running:
+    """A run of the command that goes on, read line by line."""
 
-    def __init__(self, listen: str, *arguments: str, stderr=None):
-        self.process = start("simulate", "--listen", listen, *arguments, stdin=subprocess.PIPE, stderr=stderr)
+    def __init__(self, *arguments: str, **options):
+        self.process = start(*arguments, **options)
         self.unread = b""
-        self.place = self.next_place()
-
-    def next_place(self) -> str:
-        word, place = self.line().split(" ", 1)
-        assert word == "listening", word
-        return place
 
     def line(self) -> str:
         """The next line of its standard output."""
@@ -142,10 +136,34 @@ class Simulator:
         while b"\n" not in self.unread:
             ready, _, _ = select.select([out], [], [], DEADLINE)
             more = os.read(out.fileno(), 65536) if ready else b""
-            assert more, f"the printer said no whole line, but {self.unread!r}"
+            assert more, f"the command said no whole line, but {self.unread!r}"
             self.unread += more
         line, self.unread = self.unread.split(b"\n", 1)
         return line.decode()
+
+    def stop(self, signal: int) -> int:
+        self.process.send_signal(signal)
+        return self.process.wait(DEADLINE)
+
+    def kill(self):
+        self.process.kill()
+        self.process.wait()
+        for stream in (self.process.stdin, self.process.stdout, self.process.stderr):
+            if stream is not None:
+                stream.close()
+
+
+class Simulator(Running):
+    """`quorport simulate`, with its standard streams for control."""
+
+    def __init__(self, listen: str, *arguments: str, stderr=None):
+        super().__init__("simulate", "--listen", listen, *arguments, stdin=subprocess.PIPE, stderr=stderr)
+        self.place = self.next_place()
+
+    def next_place(self) -> str:
+        word, place = self.line().split(" ", 1)
+        assert word == "listening", word
+        return place
 
     def raw_control(self, line: bytes):
         self.process.stdin.write(line)
@@ -176,17 +194,6 @@ class Simulator:
 
     def descriptors(self) -> int:
         return len(os.listdir(f"/proc/{self.process.pid}/fd"))
-
-    def stop(self, signal: int) -> int:
-        self.process.send_signal(signal)
-        return self.process.wait(DEADLINE)
-
-    def kill(self):
-        self.process.kill()
-        self.process.wait()
-        for stream in (self.process.stdin, self.process.stdout, self.process.stderr):
-            if stream is not None:
-                stream.close()
 
 
 class Peer:

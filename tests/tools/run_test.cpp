@@ -117,6 +117,15 @@ TEST_F(InterruptionTest, LetsWhatMustBeDoneAtTheEndSleep) {
   EXPECT_GE(std::chrono::steady_clock::now() - before, 1ms);
 }
 
+TEST_F(InterruptionTest, GivesUpWhenNothingIsOpenAnyMore) {
+  interruption_.beginExchange();
+  interruption_.end();
+  interruption_.interrupt();
+  EXPECT_EQ(givenUp_, 0);
+  interruption_.begin();
+  EXPECT_EQ(givenUp_, 1);
+}
+
 TEST_F(InterruptionTest, HasNoEffectAtTheEnd) {
   interruption_.end();
   interruption_.interrupt();

@@ -28,6 +28,7 @@ constexpr auto footer =
     "\n"
     "  quorport print receipt.txt                             on the printer that is built in\n"
     "  quorport -d tcp:192.0.2.10:9100 status\n"
+    "  quorport -d tcp:192.0.2.10:9100 doctor                 when something does not work\n"
     "  quorport simulate --listen tcp:127.0.0.1:9100\n";
 
 constexpr auto printFooter =
@@ -37,19 +38,38 @@ constexpr auto printFooter =
     "               them again may print twice (6)\n"
     "  refused      nothing of the job was sent (1, 3, 4 or 5)\n";
 
+constexpr auto doctorFooter =
+    "Every device that is given is looked at, and nothing is printed. A serial printer that does\n"
+    "not answer is asked at every other speed, too, which may make it print stray characters.\n"
+    "The exit status is 0 if all is well, else that of the first thing found: 1, 3, 4 or 5.\n";
+
+constexpr auto monitorFooter =
+    "Each change is one line on standard output, with --json one JSON object: time, state (ready,\n"
+    "not-ready, no-answer, link-lost or unreachable), text, status (null if there is none) and\n"
+    "changed, the names of its fields. A lost link is opened again. The printer is kept for "
+    "itself\n"
+    "meanwhile, where it serves one host at a time. With --count the exit status tells how the "
+    "last\n"
+    "look came out: 0, 1, 3 or 5.\n";
+
 constexpr auto simulateFooter =
     "Where it listens is the first line on standard output, as a SPEC for --device.\n"
     "On standard input and on the control socket it takes one JSON object a line and answers one:\n"
     "  {\"set\": {\"coverOpen\": true, \"speed\": 200}}   {\"get\": \"state\"}   {\"quit\": true}\n"
     "  {\"fault\": {\"late-reply\": 300}}               {\"clear\": \"faults\"}\n";
 
-std::uint32_t number(const std::string& text, std::uint32_t largest, const std::string& unit) {
+struct Range {
+  std::uint32_t least;
+  std::uint32_t largest;
+};
+
+std::uint32_t number(const std::string& text, Range range, const std::string& unit) {
   std::uint32_t value = 0;
   const char* const end = text.data() + text.size();
   const auto [stop, error] = std::from_chars(text.data(), end, value);
-  if (error != std::errc() || stop != end || value > largest) {
-    throw CLI::ValidationError("takes " + unit + " from 0 to " + std::to_string(largest) +
-                               ", not " + inQuotes(text));
+  if (error != std::errc() || stop != end || value < range.least || value > range.largest) {
+    throw CLI::ValidationError("takes " + unit + " from " + std::to_string(range.least) + " to " +
+                               std::to_string(range.largest) + ", not " + inQuotes(text));
   }
   return value;
 }
@@ -90,8 +110,9 @@ CLI::Option* addText(CLI::App& app, const std::string& names, const std::string&
 
 template <typename Time>
 void addTime(CLI::App& app, const std::string& names, const std::string& help, Time& time) {
-  addText(app, names, "MS", help,
-          [&time](const std::string& text) { time = number(text, longestTime, "milliseconds"); });
+  addText(app, names, "MS", help, [&time](const std::string& text) {
+    time = number(text, {0, longestTime}, "milliseconds");
+  });
 }
 
 CLI::Option* addTexts(CLI::App& app, const std::string& names, const std::string& type,
@@ -121,9 +142,10 @@ void addGlobalOptions(CLI::App& app, Options& options) {
   app.add_option_function<std::vector<std::string>>(
          "--log-level",
          [&options](const std::vector<std::string>& texts) {
+           options.logLevels.clear();
            for (const std::string& text : texts) {
-             options.logLevels.insert(
-                 static_cast<std::int32_t>(number(text, highestLogLevel, "--log-level: a level")));
+             options.logLevels.insert(static_cast<std::int32_t>(
+                 number(text, {0, highestLogLevel}, "--log-level: a level")));
            }
          },
          "a level of records that is wanted; may be repeated (default 0)")
@@ -135,7 +157,7 @@ void addGlobalOptions(CLI::App& app, Options& options) {
 void addStatusOptions(CLI::App& app, Options& options) {
   addText(app, "--level", "N", "the level of the status, which is only logged (default 0)",
           [&options](const std::string& text) {
-            options.statusLevel = number(text, longestTime, "a number");
+            options.statusLevel = number(text, {0, longestTime}, "a number");
           });
   app.add_flag("-v,--verbose", options.verbose, "show every field, also those that say nothing");
 }
@@ -161,6 +183,27 @@ void addPrintOptions(CLI::App& app, PrintOptions& options) {
   app.footer(printFooter);
 }
 
+void addDoctorOptions(CLI::App& app, DoctorOptions& options) {
+  app.add_option("--bundle", options.bundle,
+                 "write versions, findings, status and diagnostic records to this new file, which "
+                 "can be sent on")
+      ->type_name("FILE")
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+  app.footer(doctorFooter);
+}
+
+void addMonitorOptions(CLI::App& app, MonitorOptions& options) {
+  addText(app, "--interval", "MS", "the pause between two looks (default 1000)",
+          [&options](const std::string& text) {
+            options.interval = number(text, {100, longestTime}, "milliseconds");
+          });
+  addText(app, "--count", "N", "end after so many looks (default: when interrupted)",
+          [&options](const std::string& text) {
+            options.count = number(text, {1, longestTime}, "a number");
+          });
+  app.footer(monitorFooter);
+}
+
 void addSimulateOptions(CLI::App& app, SimulateOptions& options) {
   app.add_option("--listen", options.listen,
                  "tcp:PORT or tcp:HOST:PORT (0: any free port; this machine alone unless a HOST "
@@ -183,18 +226,24 @@ class Grammar {
  public:
   Grammar() {
     app_.footer(footer);
-    app_.set_version_flag("--version", "quorport " QUOR_VERSION);
+    app_.get_formatter()->label("SUBCOMMAND", "COMMAND");
+    app_.set_version_flag("--version", "quorport " QUOR_VERSION, "show the version");
     app_.set_help_flag("-h,--help", "show this text");
     app_.require_subcommand(0, 1);
     addGlobalOptions(app_, options_);
     for (const Command& command : commands()) {
       CLI::App& sub = *app_.add_subcommand(std::string(command.name), std::string(command.help));
+      sub.group("Commands");
       sub.fallthrough();
       sub.set_help_flag("-h,--help", "show this text");
       if (command.run == status) {
         addStatusOptions(sub, options_);
       } else if (command.run == print) {
         addPrintOptions(sub, options_.print);
+      } else if (command.run == monitor) {
+        addMonitorOptions(sub, options_.monitor);
+      } else if (command.run == doctor) {
+        addDoctorOptions(sub, options_.doctor);
       } else if (command.run == simulate) {
         addSimulateOptions(sub, options_.simulate);
       }

@@ -13,6 +13,8 @@ std::span<const Command> commands() {
       {"dipswitch", "ask for both banks of DIP switches", dipswitch},
       {"button-security", "ask for the button-security time-out", buttonSecurity},
       {"disconnect", "make the printer's Bluetooth module drop the link", disconnect},
+      {"monitor", "show the printer's state and every change of it, until stopped", monitor},
+      {"doctor", "find out what is wrong with the devices, and what to do about it", doctor},
       {"simulate", "serve a virtual printer until stopped", simulate},
   };
   return all;

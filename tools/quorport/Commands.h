@@ -30,7 +30,11 @@ Report dipswitch(const Options& options, const Surroundings& surroundings);
 Report buttonSecurity(const Options& options, const Surroundings& surroundings);
 Report disconnect(const Options& options, const Surroundings& surroundings);
 
-/// Runs until it is told to stop; what it has to say goes to the streams meanwhile.
+Report doctor(const Options& options, const Surroundings& surroundings);
+
+// These run until they are told to stop, and what they have to say goes to the streams meanwhile.
+
+Report monitor(const Options& options, const Surroundings& surroundings);
 Report simulate(const Options& options, const Surroundings& surroundings);
 
 struct Command {

@@ -23,6 +23,14 @@ void Interruption::interrupt() {
   }
 }
 
+void Interruption::begin() {
+  const std::lock_guard lock(mutex_);
+  stage_ = Stage::Beginning;
+  if (isWished_) {
+    giveUp_();
+  }
+}
+
 void Interruption::beginExchange() {
   const std::lock_guard lock(mutex_);
   stage_ = Stage::Exchange;

@@ -25,6 +25,9 @@ class Interruption {
 
   void interrupt();
 
+  /// Nothing is open: as at creation, the wish ends the process when it comes or has come.
+  void begin();
+
   /// A port is open: from now on `sleep` raises Interrupted when the wish comes or has come.
   void beginExchange();
 

@@ -2,6 +2,7 @@
 
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include "iphone-IOPort/LogWriter.h"
 #include "logging/DescriptorOutput.h"
@@ -45,22 +46,22 @@ std::shared_ptr<LogSink> makeSink(const std::string& name, const Streams& stream
 
 }  // namespace
 
-LogOutput::LogOutput(const Options& options, const Streams& streams) {
-  if (!options.log) {
-    return;
-  }
-  sink_ = makeSink(*options.log, streams);
+Recording::Recording(std::shared_ptr<LogSink> sink, const std::set<std::int32_t>& levels)
+    : sink_(std::move(sink)), wasLogging_(LogWriter::isLogging()) {
   LogWriter::sharedInstance().addSink(sink_);
-  LogWriter::setTargetLogLevels(options.logLevels.empty() ? std::set<std::int32_t>{0}
-                                                          : options.logLevels);
+  LogWriter::setTargetLogLevels(levels);
   LogWriter::setLogging(true);
 }
 
-LogOutput::~LogOutput() {
-  if (sink_ != nullptr) {
-    LogWriter::setLogging(false);
-    LogWriter::sharedInstance().flush();
-    LogWriter::sharedInstance().removeSink(sink_);
+Recording::~Recording() {
+  LogWriter::setLogging(wasLogging_);
+  LogWriter::sharedInstance().flush();
+  LogWriter::sharedInstance().removeSink(sink_);
+}
+
+LogOutput::LogOutput(const Options& options, const Streams& streams) {
+  if (options.log) {
+    recording_.emplace(makeSink(*options.log, streams), options.logLevels);
   }
 }
 

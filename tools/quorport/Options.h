@@ -18,6 +18,15 @@ struct PrintOptions {
   std::optional<std::string> receipt;             ///< a file
 };
 
+struct DoctorOptions {
+  std::optional<std::string> bundle;  ///< a file that is not there yet
+};
+
+struct MonitorOptions {
+  std::uint32_t interval = 1000;  ///< milliseconds between two looks
+  std::uint32_t count = 0;        ///< of looks; 0 is without end
+};
+
 struct SimulateOptions {
   std::string listen;
   std::vector<std::string> settings;    ///< key=value each
@@ -34,12 +43,14 @@ struct Options {
   std::uint32_t timeout = 10000;  ///< milliseconds
   ZKEmulation emulation = ZKEmulationQuorLine;
   std::optional<std::string> log;  ///< a file; "-" is standard error
-  std::set<std::int32_t> logLevels;
+  std::set<std::int32_t> logLevels = {0};
   bool json = false;
 
   std::uint32_t statusLevel = 0;
   bool verbose = false;
   PrintOptions print;
+  DoctorOptions doctor;
+  MonitorOptions monitor;
   SimulateOptions simulate;
 };
 

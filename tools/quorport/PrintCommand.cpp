@@ -5,9 +5,9 @@
 #include "job/PrintJob.h"
 #include "job/Words.h"
 #include "tools/quorport/Commands.h"
+#include "tools/quorport/LiveLine.h"
 #include "tools/quorport/PrintInput.h"
 #include "tools/quorport/Printer.h"
-#include "tools/quorport/ProgressLine.h"
 #include "tools/quorport/Receipt.h"
 #include "tools/quorport/StatusFields.h"
 
@@ -94,15 +94,22 @@ void setTimeouts(ExternalAccessoryPort& port, const PrintOptions& options) {
   }
 }
 
+std::string inWords(const PrintProgress& progress) {
+  const std::uint64_t percent =
+      progress.bytesTotal == 0 ? 100 : progress.bytesAccepted * 100 / progress.bytesTotal;
+  return "sent " + grouped(progress.bytesAccepted) + " of " + grouped(progress.bytesTotal) +
+         " bytes (" + std::to_string(percent) + " %)";
+}
+
 PrintResult runJob(const std::vector<std::uint8_t>& data, Printer& printer,
                    const PrintOptions& options, const Surroundings& surroundings) {
   setTimeouts(*printer.port(), options);
-  ProgressLine line(surroundings.streams.err);
+  LiveLine line(surroundings.streams.err);
   std::uint64_t bytesAccepted = 0;
   PrintJob job(printer.port(),
                {.checked = !options.unchecked, .progress = [&](const PrintProgress& progress) {
                   bytesAccepted = progress.bytesAccepted;
-                  line.show(progress.bytesAccepted, progress.bytesTotal);
+                  line.show(inWords(progress));
                 }});
   surroundings.interruption->beginJob(job);
   PrintResult result;

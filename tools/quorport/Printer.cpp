@@ -47,15 +47,13 @@ std::string namesOf(const Accessories& accessories) {
   return names;
 }
 
-std::string whyNotOpen(const Options& options, const Accessories& accessories) {
-  for (const auto& accessory : accessories) {
+Failure whyNotOpen(Platform& platform, const Options& options) {
+  for (const auto& accessory : platform.sharedAccessoryManager().connectedAccessories()) {
     if (const std::string why = lastOpenError(*accessory); !why.empty()) {
-      return "the printer cannot be reached: " + printable(why);
+      return {ExitCode::NoAccessory, "the printer cannot be reached: " + printable(why)};
     }
   }
-  return "no accessory matches the port name " + inQuotes(options.portName) +
-         ", which takes BT: or BT: and a name, serial number or Bluetooth address; present: " +
-         namesOf(accessories);
+  return noneMatches(platform, options);
 }
 
 }  // namespace
@@ -94,17 +92,24 @@ std::shared_ptr<EAAccessory> chosenAccessory(Platform& platform, const Options& 
   return nullptr;
 }
 
+Failure noneMatches(Platform& platform, const Options& options) {
+  return {ExitCode::NoAccessory,
+          "no accessory matches the port name " + inQuotes(options.portName) +
+              ", which takes BT: or BT: and a name, serial number or Bluetooth address; present: " +
+              namesOf(platform.sharedAccessoryManager().connectedAccessories())};
+}
+
 Printer::Printer(const Options& options, const Surroundings& surroundings)
     : Printer(presentDevices(options, surroundings.interruption), options, surroundings) {}
 
 Printer::Printer(const std::shared_ptr<InterruptiblePlatform>& platform, const Options& options,
                  const Surroundings& surroundings)
     : interruption_(surroundings.interruption), port_(makePort(options, platform)) {
+  interruption_->begin();
   if (!port_->open()) {
     interruption_->end();
     port_->close();
-    throw Failure(ExitCode::NoAccessory,
-                  whyNotOpen(options, platform->sharedAccessoryManager().connectedAccessories()));
+    throw whyNotOpen(*platform, options);
   }
   interruption_->beginExchange();
 }

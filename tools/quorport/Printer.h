@@ -22,10 +22,14 @@ std::shared_ptr<InterruptiblePlatform> presentDevices(const Options& options,
 /// none. Connects nothing; takes 0.2 s.
 std::shared_ptr<EAAccessory> chosenAccessory(Platform& platform, const Options& options);
 
+/// The failure of a port whose name chooses none of the platform's accessories.
+Failure noneMatches(Platform& platform, const Options& options);
+
 /// The port of a command, open as long as this lives.
 class Printer {
  public:
-  /// Opens the port. Throws a Failure with ExitCode::NoAccessory that tells why there is none.
+  /// Opens the port. Throws a Failure with ExitCode::NoAccessory that tells why there is none. No
+  /// other port of the command may be open.
   Printer(const Options& options, const Surroundings& surroundings);
 
   /// The same on a platform that presents the devices already.

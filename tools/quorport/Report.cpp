@@ -13,8 +13,9 @@ void setFailed(Report& report, ExitCode code, const std::string& error) {
 }
 
 bool deliver(const Report& report, bool asJson, const Streams& streams) {
+  const bool hasObject = asJson && !report.json.empty();
   const std::string object =
-      asJson ? report.json.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n" : "";
+      hasObject ? report.json.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n" : "";
   const WriteOutcome outcome = writeAll(streams.out, asJson ? object : report.text);
   if (!report.error.empty()) {
     complain(report.error, streams);

@@ -36,9 +36,9 @@ class Failure : public std::runtime_error {
 /// The result of a command in both forms.
 struct Report {
   ExitCode code = ExitCode::Done;
-  Json json = Json::object();
-  std::string text;   ///< for people, lines that end in a line feed
-  std::string error;  ///< why it failed, for people; "" if it did not
+  Json json = Json::object();  ///< empty where nothing is left to say
+  std::string text;            ///< for people, lines that end in a line feed
+  std::string error;           ///< why it failed, for people; "" if it did not
 };
 
 /// Adds the failure to what the report holds.

@@ -8,6 +8,7 @@
 #include "iphone-IOPort/LogWriter.h"
 #include "tools/quorport/CommandLine.h"
 #include "tools/quorport/Commands.h"
+#include "tools/quorport/LiveLine.h"
 #include "tools/quorport/LogOutput.h"
 #include "tools/quorport/Signals.h"
 
@@ -38,6 +39,7 @@ Report reportOf(const Order& order, const Surroundings& surroundings) {
 
 // For the moment when nothing is open: what the command is doing need not be undone.
 [[noreturn]] void leaveAtOnce(bool asJson, const Streams& streams) {
+  LiveLine(streams.err).hide();
   deliver(interrupted(), asJson, streams);
   LogWriter::sharedInstance().flush();
   std::_Exit(static_cast<int>(ExitCode::Interrupted));
@@ -57,7 +59,7 @@ ExitCode carryOut(const Order& order, const Streams& streams) {
     report = reportOf(order, {streams, interruption});
     interruption->end();
   }
-  const bool delivered = deliver(report, asJson && !handlesSignals, streams);
+  const bool delivered = deliver(report, asJson, streams);
   // Who asked a question and got no answer must not take it for one. What was printed, on the other
   // hand, is printed, and a script that sends it again would print it twice.
   const bool isQuestion = order.command->run != print;

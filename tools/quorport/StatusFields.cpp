@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <cstdint>
 #include <string_view>
 
@@ -86,22 +87,32 @@ Json jsonOf(const Status& status) {
   return json;
 }
 
-std::string describe(const Status& status) {
-  std::string text =
-      status.offline != 0 ? "Not ready: " + whyOffline(status) + ".\n" : "Ready to print.\n";
+std::vector<std::string> remarks(const Status& status) {
+  std::vector<std::string> all = {status.offline != 0 ? "not ready: " + whyOffline(status)
+                                                      : "ready to print"};
   if (status.offline == 0 && status.coverOpen != 0) {
-    text += "  the cover is open\n";
+    all.emplace_back("the cover is open");
   }
   for (const FlagField& field : flagFields) {
     if (status.*field.flag != 0 && !field.remark.empty()) {
-      text += "  " + std::string(field.remark) + "\n";
+      all.emplace_back(field.remark);
     }
   }
   if (status.presenterState != 0) {
-    text += "  presenter: " + nameOf(presenterStates, status.presenterState) + "\n";
+    all.push_back("presenter: " + nameOf(presenterStates, status.presenterState));
   }
   if (status.connectedInterface != 0) {
-    text += "  connected by " + nameOf(interfaces, status.connectedInterface) + "\n";
+    all.push_back("connected by " + nameOf(interfaces, status.connectedInterface));
+  }
+  return all;
+}
+
+std::string describe(const Status& status) {
+  const auto all = remarks(status);
+  std::string text = all.front() + ".\n";
+  text.front() = static_cast<char>(std::toupper(text.front()));
+  for (std::size_t i = 1; i < all.size(); ++i) {
+    text += "  " + all[i] + "\n";
   }
   return text;
 }

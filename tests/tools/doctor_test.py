@@ -1,0 +1,263 @@
+"""`quorport doctor` names the cause of each failure, and what it gathers for support."""
+
+import json
+import os
+import pty
+import shutil
+import socket
+import stat
+import termios
+import threading
+import time
+import tty
+from pathlib import Path
+
+from harness import (QUORPORT, STATUS_KEYS, STATUS_REQUEST, Case, answer_status, finish, main, receive, run, start,
+                     status_block)
+
+NOISE = b"\x05\xff\x1b\x80\x00"  # what arrives when the speeds differ; as long as its first byte says
+
+
+class SerialPrinter:
+    """A printer on a serial line that understands one speed, and sends noise at any other."""
+
+    def __init__(self, speed: int):
+        self.speed = speed
+        self.master, self.line = pty.openpty()
+        tty.setraw(self.line)
+        self.path = os.ttyname(self.line)
+        self.thread = threading.Thread(target=self.serve, daemon=True)
+        self.thread.start()
+
+    def serve(self):
+        unread = b""
+        while True:
+            try:
+                unread += os.read(self.master, 4096)
+            except OSError:
+                return
+            if STATUS_REQUEST in unread:
+                unread = b""
+                is_right = termios.tcgetattr(self.master)[5] == self.speed
+                os.write(self.master, status_block() if is_right else NOISE)
+
+    def close(self):
+        os.close(self.line)
+        self.thread.join()  # reading ends when nobody has the line open
+        os.close(self.master)
+
+
+def answer_escpos_alone(connection: socket.socket):
+    unread = b""
+    while more := connection.recv(4096):
+        unread += more
+        requests = sum(unread.count(bytes([0x10, 4, n])) for n in (1, 2, 4))
+        connection.sendall(b"\x12" * requests)
+        unread = unread[-2:] if not requests else b""
+
+
+def say_nothing(connection: socket.socket):
+    while connection.recv(4096):
+        pass
+
+
+class Causes(Case):
+    """Each failure is arranged, and the first cause that is named is the right one."""
+
+    def assertCause(self, cause: str, code: int, *arguments: str, process=run):
+        result = process(*arguments, "doctor", "--json")
+        self.assertExit(code, result)
+        answer = result.json()
+        self.assertIs(answer["ok"], False)
+        named = [finding["cause"] for finding in answer["findings"]]
+        named += [finding["cause"] for device in answer["devices"] for finding in device["findings"]]
+        self.assertEqual(named[0], cause, result)
+        plain = process(*arguments, "doctor")
+        self.assertExit(code, plain)
+        self.assertIn("  wrong: " + answer["error"], plain.out)
+        self.assertRegex(plain.out, r"(?m)^  do:    \w")
+        self.assertEqual(plain.err, "")
+        return named
+
+    def serial_printer(self, speed: int) -> SerialPrinter:
+        printer = SerialPrinter(speed)
+        self.addCleanup(printer.close)
+        return printer
+
+    def test_nothing_listens(self):
+        bound = socket.socket()  # and nobody listens
+        self.addCleanup(bound.close)
+        bound.bind(("127.0.0.1", 0))
+        self.assertCause("nothing-listens", 3, "-d", f"tcp:127.0.0.1:{bound.getsockname()[1]}")
+
+    def test_nobody_answers_at_the_address(self):
+        listener = socket.socket()
+        self.addCleanup(listener.close)
+        listener.bind(("127.0.0.1", 0))
+        listener.listen(0)
+        # A full queue: nothing more is answered, and nothing refused.
+        for held in [socket.socket() for _ in range(4)]:
+            self.addCleanup(held.close)
+            held.setblocking(False)
+            held.connect_ex(listener.getsockname())
+        self.assertCause("unreachable", 3, "-d", f"tcp:127.0.0.1:{listener.getsockname()[1]}")
+
+    def test_the_host_does_not_resolve(self):
+        # No part of a name may be so long, so that nobody is asked for it.
+        self.assertCause("not-resolved", 3, "-d", f"tcp:{'a' * 200}:9100")
+
+    def test_the_path_does_not_exist(self):
+        for scheme in ("serial", "unix"):
+            self.assertCause("no-such-path", 3, "-d", f"{scheme}:{self.folder}/none")
+
+    def test_the_path_is_no_serial_line(self):
+        for path in (self.file("plain", b""), self.folder, "/dev/null"):
+            self.assertCause("no-tty", 3, "-d", f"serial:{path}")
+
+    def test_the_serial_line_may_not_be_opened(self):
+        printer = self.serial_printer(termios.B9600)
+        os.chmod(printer.path, 0)
+        self.assertCause("no-permission", 3, "-d", f"serial:{printer.path}", process=self.run_without_rights)
+
+    def run_without_rights(self, *arguments: str):
+        """To root nothing is forbidden: then as somebody else, who can reach a copy of the command."""
+        if os.geteuid() != 0:
+            return run(*arguments)
+        self.folder.chmod(0o755)
+        copy = Path(shutil.copy(QUORPORT, self.folder))
+        began = time.monotonic()
+        return finish(start(*arguments, executable=copy, user=65534, group=65534, extra_groups=[]), began)
+
+    def test_the_printer_talks_at_another_speed(self):
+        printer = self.serial_printer(termios.B19200)
+        self.assertCause("wrong-speed", 1, "-d", f"serial:{printer.path}")
+        result = run("-d", f"serial:{printer.path},baud=38400", "doctor")
+        self.assertIn("talks at 19200 baud, and was asked at 38400", result.out)
+        self.assertIn(",baud=19200", result.out)
+        self.assertExit(0, run("-d", f"serial:{printer.path},baud=19200", "doctor"))
+
+    def test_the_printer_answers_in_the_other_emulation(self):
+        escpos, line = self.peer(answer_escpos_alone), self.peer(lambda c: answer_status(c, status_block()))
+        self.assertCause("other-emulation", 1, "-d", escpos.place)
+        self.assertCause("other-emulation", 1, "-d", line.place, "-e", "escpos")
+        self.assertIn("--emulation escpos", run("-d", escpos.place, "doctor").out)
+        for place in (escpos.place, line.place):
+            self.assertExit(0, run("-d", place, "-e", "unknown", "doctor"))
+
+    def test_the_printer_is_silent(self):
+        self.assertCause("silent", 1, "-d", self.peer(say_nothing).place)
+
+    def test_what_answers_is_no_printer(self):
+        for greeting in (b"SSH-2.0-door\r\n", NOISE):
+            peer = self.peer(lambda c, greeting=greeting: (receive(c, 7), c.sendall(greeting), say_nothing(c)))
+            self.assertCause("not-understood", 1, "-d", peer.place)
+
+    def test_the_link_ends_as_soon_as_it_is_used(self):
+        self.assertCause("link-lost", 5, "-d", self.peer(lambda connection: receive(connection, 1)).place)
+
+    def test_the_printer_says_why_it_does_not_print(self):
+        for setting, cause in (("coverOpen", "cover-open"), ("receiptPaperEmpty", "paper-out"),
+                               ("paperPresent", "paper-in-exit"), ("cutterError", "printer-error"),
+                               ("offline", "off-line")):
+            simulator = self.simulator("tcp:0", "--set", f"{setting}=true")
+            self.assertEqual(self.assertCause(cause, 4, "-d", simulator.place), [cause])
+        for setting, cause in (("coverOpen", "cover-open"), ("receiptPaperEmpty", "paper-out"), ("offline", "off-line")):
+            self.assertEqual(self.assertCause(cause, 4, "-e", "escpos", "-d", f"virtual:{setting}=true"), [cause])
+
+    def test_every_reason_of_the_printer_is_named(self):
+        named = self.assertCause("cover-open", 4, "-d", "virtual:coverOpen=true,receiptPaperEmpty=true,jamError=true")
+        self.assertEqual(named, ["cover-open", "paper-out", "printer-error"])
+
+    def test_what_the_device_says_of_itself_is_no_printer(self):
+        named = self.assertCause("port-name", 3, "-d", "virtual:manufacturer=somebody")
+        self.assertEqual(named, ["port-name", "no-printer"])
+
+    def test_the_port_name_chooses_none(self):
+        self.assertCause("port-name", 3, "-d", "virtual:Bar", "-p", "BT:Till")
+
+    def test_the_first_of_several_devices_that_is_ill_decides(self):
+        self.assertCause("paper-out", 4, "-d", "virtual:", "-d", "virtual:receiptPaperEmpty=true",
+                         "-d", f"unix:{self.folder}/none")
+
+
+class Health(Case):
+    def test_a_printer_that_is_well_is_told_so(self):
+        for listen in ("tcp:0", f"unix:{self.folder}/printer", "pty:"):
+            simulator = self.simulator(listen, "--set", "receiptPaperNearEmptyInner=true")
+            result = run("-d", simulator.place, "doctor")
+            self.assertExit(0, result)
+            self.assertRegex(result.out, r"  well:  answers in line mode.*; ready to print; the paper is near its end")
+            answer = run("-d", simulator.place, "doctor", "--json").json()
+            self.assertEqual(set(answer), {"ok", "findings", "devices"})
+            (device,) = answer["devices"]
+            self.assertEqual(device["device"], simulator.place)
+            self.assertEqual(set(device["status"]), STATUS_KEYS)
+
+    def test_nothing_is_printed_and_what_the_printer_holds_stays(self):
+        simulator = self.simulator("tcp:0", "--set", "offline=true")
+        self.assertExit(6, run("-d", simulator.place, "print", "--unchecked", "-", data=b"kept\n"))
+        held = simulator.state()["buffered"]
+        for emulation in ("line", "escpos"):
+            self.assertExit(4, run("-d", simulator.place, "-e", emulation, "doctor"))
+        self.assertEqual(simulator.state()["buffered"], held)
+        self.assertEqual(simulator.state()["printedBytes"], 0)
+
+    def test_it_needs_a_device(self):
+        self.assertFailsInBothForms(2, "doctor", saying="--device")
+        self.assertFailsInBothForms(2, "-d", "pigeon:", "doctor", saying="pigeon")
+
+
+class Bundles(Case):
+    def bundle(self, *arguments: str) -> tuple[int, dict]:
+        path = self.folder / "bundle.json"
+        result = run(*arguments, "doctor", "--bundle", path)
+        self.assertIn(str(path), result.out)
+        return result.code, json.loads(path.read_text())
+
+    def test_it_holds_versions_options_findings_status_and_records(self):
+        code, bundle = self.bundle("-d", "virtual:coverOpen=true", "-t", "1234")
+        self.assertEqual(code, 4)
+        self.assertEqual(set(bundle), {"time", "versions", "options", "findings", "log"})
+        version = run("--version").out.split()[-1]
+        self.assertEqual(bundle["versions"]["quorport"], version)
+        self.assertEqual(bundle["options"]["timeout"], 1234)
+        (device,) = bundle["findings"]["devices"]
+        self.assertEqual(device["findings"][0]["cause"], "cover-open")
+        self.assertEqual(device["status"]["coverOpen"], 1)
+        self.assertTrue(any("getParsedStatus" in record["method"] for record in bundle["log"]))
+
+    def test_it_goes_with_a_log_of_the_users_own(self):
+        log = self.folder / "log"
+        _, bundle = self.bundle("-d", "virtual:", "--log", log)
+        self.assertEqual(len(log.read_text().splitlines()), len(bundle["log"]))
+
+    def test_only_its_owner_may_read_it(self):
+        path = self.folder / "bundle.json"
+        before = os.umask(0)
+        self.addCleanup(os.umask, before)
+        self.assertExit(0, run("-d", "virtual:", "doctor", "--json", "--bundle", path))
+        self.assertEqual(stat.S_IMODE(path.stat().st_mode), 0o600)
+
+    def test_a_file_that_is_there_is_left_alone(self):
+        path = self.file("precious", b"keep me")
+        link = self.folder / "link"
+        link.symlink_to(self.folder / "nowhere")
+        for place in (path, link):
+            self.assertFailsInBothForms(2, "-d", "virtual:", "doctor", "--bundle", str(place), saying="exists")
+        self.assertEqual(Path(path).read_bytes(), b"keep me")
+
+    def test_where_no_file_can_be_nothing_is_examined(self):
+        asked = []
+        peer = self.peer(asked.append)
+        self.assertFailsInBothForms(2, "-d", peer.place, "doctor", "--bundle", f"{self.folder}/no/file",
+                                    saying="No such file")
+        self.assertEqual(asked, [])
+
+    def test_a_device_that_is_none_leaves_no_file(self):
+        path = self.folder / "bundle.json"
+        self.assertExit(2, run("-d", "pigeon:", "doctor", "--bundle", path))
+        self.assertFalse(path.exists())
+
+
+if __name__ == "__main__":
+    main()

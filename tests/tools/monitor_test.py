@@ -1,0 +1,145 @@
+"""`quorport monitor` tells each change of the printer, outlives its links, and ends when it is told to."""
+
+import json
+import os
+import pty
+import signal
+import subprocess
+import threading
+
+from harness import DEADLINE, STATUS_KEYS, Case, Running, answer_status, eventually, main, run, start, status_block
+
+QUICK = ("--interval", "100")
+
+
+class Changes(Case):
+    def monitor(self, *arguments: str, **options) -> Running:
+        monitor = Running("monitor", *QUICK, *arguments, **options)
+        self.addCleanup(monitor.kill)
+        return monitor
+
+    def change(self, monitor: Running) -> dict:
+        return json.loads(monitor.line())
+
+    def test_each_change_is_one_object(self):
+        simulator = self.simulator("tcp:0", "--set", "connectedInterface=0")
+        monitor = self.monitor("-d", simulator.place, "--json")
+        first = self.change(monitor)
+        self.assertEqual(set(first), {"time", "state", "text", "status", "changed"})
+        self.assertEqual((first["state"], first["text"]), ("ready", "ready to print"))
+        self.assertEqual(set(first["status"]), STATUS_KEYS)
+        self.assertEqual(set(first["changed"]), STATUS_KEYS - {"raw", "rawLength"})
+        self.assertRegex(first["time"], r"^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z$")
+        simulator.set(coverOpen=True)
+        second = self.change(monitor)
+        self.assertEqual((second["state"], second["changed"]), ("not-ready", ["coverOpen", "offline"]))
+        simulator.set(coverOpen=False)
+        self.assertEqual(self.change(monitor)["state"], "ready")
+
+    def test_each_change_is_a_line_for_people(self):
+        simulator = self.simulator("tcp:0", "--set", "connectedInterface=0")
+        monitor = self.monitor("-d", simulator.place)
+        self.assertRegex(monitor.line(), r"^\d{4}-\d\d-\d\d \d\d:\d\d:\d\d  ready to print$")
+        simulator.set(receiptPaperNearEmptyInner=True)
+        self.assertRegex(monitor.line(), r"  ready to print; the paper is near its end$")
+        simulator.set(receiptPaperEmpty=True)
+        self.assertRegex(monitor.line(), r"  not ready: paper out; the paper is near its end$")
+
+    def test_a_lost_link_is_told_and_opened_again(self):
+        place = f"unix:{self.folder}/printer"
+        simulator = self.simulator(place)
+        monitor = self.monitor("-d", place, "--json")
+        self.assertEqual(self.change(monitor)["state"], "ready")
+        simulator.kill()
+        lost = self.change(monitor)
+        self.assertEqual((lost["state"], lost["status"], lost["changed"]), ("link-lost", None, []))
+        self.assertEqual(self.change(monitor)["state"], "unreachable")
+        self.simulator(place)
+        self.assertEqual(self.change(monitor)["state"], "ready")
+
+    def test_a_printer_that_comes_later_is_waited_for(self):
+        place = f"unix:{self.folder}/printer"
+        monitor = self.monitor("-d", place, "--json")
+        self.assertEqual(self.change(monitor)["state"], "unreachable")
+        self.simulator(place)
+        self.assertEqual(self.change(monitor)["state"], "ready")
+
+    def test_a_printer_that_falls_silent_is_told(self):
+        answers = threading.Event()
+        answers.set()
+
+        def handle(connection):
+            while connection.recv(4096):
+                if answers.is_set():
+                    connection.sendall(status_block())
+
+        monitor = self.monitor("-d", self.peer(handle).place, "--json")
+        self.assertEqual(self.change(monitor)["state"], "ready")
+        answers.clear()
+        self.assertEqual(self.change(monitor)["state"], "no-answer")
+        answers.set()
+        self.assertEqual(self.change(monitor)["state"], "ready")
+
+    def test_on_a_terminal_a_line_below_the_changes_is_rewritten(self):
+        master, terminal = pty.openpty()
+        self.addCleanup(os.close, master)
+        arguments = ("monitor", *QUICK, "--count", "3", "-d", "virtual:connectedInterface=0")
+        process = start(*arguments, stdout=terminal, stderr=terminal)
+        os.close(terminal)
+        text = b""
+        try:
+            while more := os.read(master, 4096):
+                text += more
+        except OSError:
+            pass  # how the end of a terminal reads
+        self.assertEqual(process.wait(DEADLINE), 0)
+        process.stdout, process.stderr = None, None
+        lines = text.decode().split("\r\x1b[K")
+        self.assertEqual(sum("ready to print" in line for line in lines), 1)
+        self.assertEqual([line.split(", ")[1] for line in lines if "unchanged" in line], ["1 look", "2 looks", "3 looks"])
+        self.assertEqual(lines[-1], "")
+
+
+class Ends(Case):
+    def test_an_interrupt_closes_the_port(self):
+        peer = self.peer(lambda connection: answer_status(connection, status_block()))
+        for arguments in ((), ("--json",)):
+            monitor = Running("monitor", *QUICK, "-d", peer.place, *arguments)
+            self.addCleanup(monitor.kill)
+            monitor.line()
+            self.assertEqual(monitor.stop(signal.SIGINT), 130)
+            peer.wait_until_idle()
+
+    def test_an_interrupt_ends_the_wait_for_a_printer_that_is_not_there(self):
+        monitor = Running("monitor", "--interval", "3600000", "-d", f"unix:{self.folder}/none")
+        self.addCleanup(monitor.kill)
+        monitor.line()
+        self.assertEqual(monitor.stop(signal.SIGINT), 130)
+
+    def test_after_so_many_looks_the_last_one_decides(self):
+        silent = self.peer(lambda connection: connection.recv(4096) and connection.recv(4096) and connection.recv(4096))
+        for code, place in ((0, "virtual:"), (0, "virtual:coverOpen=true"), (3, f"unix:{self.folder}/none"),
+                            (1, silent.place)):
+            result = run("monitor", *QUICK, "--count", "2" if code != 1 else "1", "-d", place, "--json")
+            self.assertExit(code, result)
+            self.assertEqual(len(result.out.splitlines()), 1, result)
+            self.assertEqual(result.err, "")
+
+    def test_a_port_name_that_chooses_none_ends_it_at_once(self):
+        self.assertFailsInBothForms(3, "monitor", "-d", "virtual:Bar", "-p", "BT:Till", saying="Bar")
+
+    def test_numbers_out_of_range_are_refused(self):
+        for option, value in (("--interval", "99"), ("--interval", "x"), ("--count", "0"), ("--count", "-1")):
+            self.assertFailsInBothForms(2, "monitor", option, value, saying=option)
+
+    def test_it_ends_when_nobody_takes_what_it_says(self):
+        process = start("monitor", *QUICK, "-d", "virtual:at=500:coverOpen=true", stdout=subprocess.PIPE)
+        process.stdout.readline()
+        process.stdout.close()
+        self.assertEqual(eventually(process.poll, "the end of the command"), 1)
+        self.assertIn(b"standard output", process.stderr.read())
+        process.stderr.close()
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,114 @@
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "tools/quorport/Commands.h"
+#include "tools/quorport/LiveLine.h"
+#include "tools/quorport/Printer.h"
+#include "tools/quorport/StatusFields.h"
+#include "tools/quorport/doctor/Bundle.h"
+#include "tools/quorport/doctor/Examination.h"
+
+namespace quordalvane::tool {
+namespace {
+
+Json jsonOf(const Findings& findings) {
+  Json list = Json::array();
+  for (const Finding& finding : findings) {
+    list.push_back({{"cause", finding.cause},
+                    {"exitCode", static_cast<int>(finding.code)},
+                    {"text", finding.text},
+                    {"advice", finding.advice}});
+  }
+  return list;
+}
+
+Json jsonOf(const Diagnosis& diagnosis) {
+  return {{"device", diagnosis.device},
+          {"ok", diagnosis.findings.empty()},
+          {"findings", jsonOf(diagnosis.findings)},
+          {"remarks", diagnosis.remarks},
+          {"status", diagnosis.status ? tool::jsonOf(*diagnosis.status) : Json(nullptr)}};
+}
+
+std::string inLines(const Findings& findings) {
+  std::string text;
+  for (const Finding& finding : findings) {
+    text += "  wrong: " + finding.text + "\n";
+    text += "  do:    " + finding.advice + "\n";
+  }
+  return text;
+}
+
+std::string inLines(const Diagnosis& diagnosis) {
+  std::string text = printable(diagnosis.device) + "\n" + inLines(diagnosis.findings);
+  std::string words;
+  for (const std::string& remark : diagnosis.remarks) {
+    words += (words.empty() ? "" : "; ") + remark;
+  }
+  const std::string label = diagnosis.findings.empty() ? "  well:  " : "  seen:  ";
+  return words.empty() ? text : text + label + words + "\n";
+}
+
+// What is wrong with the port name, which has to choose one of the devices.
+Findings examinePortName(const Options& options, const Surroundings& surroundings) {
+  const auto platform = presentDevices(options, surroundings.interruption);
+  if (chosenAccessory(*platform, options) != nullptr) {
+    return {};
+  }
+  return {{"port-name", ExitCode::NoAccessory, noneMatches(*platform, options).what(),
+           "use BT: for the first printer, or a name that quorport list shows"}};
+}
+
+void add(Report& report, const Findings& findings) {
+  if (!findings.empty() && report.code == ExitCode::Done) {
+    report.code = findings.front().code;
+    report.json["ok"] = false;
+    report.json["error"] = findings.front().text;
+  }
+}
+
+Report examineAll(const Options& options, const Surroundings& surroundings) {
+  Report report;
+  report.json["ok"] = true;
+  const Findings ofPort = examinePortName(options, surroundings);
+  add(report, ofPort);
+  report.text = inLines(ofPort);
+  report.json["findings"] = jsonOf(ofPort);
+  report.json["devices"] = Json::array();
+  LiveLine line(surroundings.streams.err);
+  for (const std::string& device : options.devices) {
+    const Diagnosis diagnosis = examine(device, options, surroundings, line);
+    add(report, diagnosis.findings);
+    report.text += inLines(diagnosis);
+    report.json["devices"].push_back(jsonOf(diagnosis));
+  }
+  return report;
+}
+
+}  // namespace
+
+Report doctor(const Options& options, const Surroundings& surroundings) {
+  if (options.devices.empty()) {
+    throw Failure(ExitCode::Usage, "doctor looks at devices: name at least one with --device");
+  }
+  std::optional<Bundle> bundle;
+  if (options.doctor.bundle) {
+    bundle.emplace(options);
+  }
+  Report report = examineAll(options, surroundings);
+  if (bundle) {
+    const std::string why = bundle->write(report.json);
+    report.json["bundle"] = why.empty() ? Json(*options.doctor.bundle) : Json(nullptr);
+    if (!why.empty()) {
+      complain(why, surroundings.streams);
+      report.code = report.code == ExitCode::Done ? ExitCode::ExchangeFailed : report.code;
+    } else {
+      report.text += "\nThe file " + printable(*options.doctor.bundle) +
+                     " can be sent on; it holds no print data.\n";
+    }
+  }
+  return report;
+}
+
+}  // namespace quordalvane::tool

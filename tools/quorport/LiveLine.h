@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+
+namespace quordalvane::tool {
+
+/// One line on a terminal that is rewritten in place, and is gone at the end. Where the descriptor
+/// is no terminal nothing is shown.
+class LiveLine {
+ public:
+  explicit LiveLine(int descriptor);
+  ~LiveLine() { hide(); }
+  LiveLine(const LiveLine&) = delete;
+  LiveLine& operator=(const LiveLine&) = delete;
+
+  /// Shows `text` instead of what was shown, cut short at the terminal's width.
+  void show(const std::string& text);
+
+  /// Takes the line away, so that something else can be written.
+  void hide();
+
+ private:
+  const int descriptor_;
+  const bool isTerminal_;
+};
+
+}  // namespace quordalvane::tool

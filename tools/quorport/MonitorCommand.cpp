@@ -1,0 +1,158 @@
+#include <chrono>
+#include <optional>
+
+#include "job/Words.h"
+#include "logging/DescriptorOutput.h"
+#include "tools/quorport/Commands.h"
+#include "tools/quorport/LiveLine.h"
+#include "tools/quorport/Printer.h"
+#include "tools/quorport/StatusFields.h"
+#include "tools/quorport/TimeText.h"
+
+namespace quordalvane::tool {
+namespace {
+
+using SystemTime = std::chrono::system_clock::time_point;
+
+// What one look at the printer came to.
+struct Look {
+  std::string state;  // for programs
+  std::string text;   // for people
+  Json status;        // null if there was none
+  ExitCode code;
+
+  // The reply as it came says nothing that the fields do not.
+  Json fields() const {
+    Json result = status;
+    if (result.is_object()) {
+      result.erase("raw");
+      result.erase("rawLength");
+    }
+    return result;
+  }
+};
+
+std::string joined(const std::vector<std::string>& words) {
+  std::string text;
+  for (const std::string& word : words) {
+    text += (text.empty() ? "" : "; ") + word;
+  }
+  return text;
+}
+
+// The names of the fields in which two looks differ; all of them where only one has a status.
+Json changedFields(const Json& before, const Json& now) {
+  Json names = Json::array();
+  for (const auto& [name, value] : now.items()) {
+    if (!before.is_object() || before.at(name) != value) {
+      names.push_back(name);
+    }
+  }
+  return names;
+}
+
+class Monitor {
+ public:
+  Monitor(const Options& options, const Surroundings& surroundings)
+      : options_(options),
+        surroundings_(surroundings),
+        platform_(presentDevices(options, surroundings.interruption)),
+        line_(surroundings.streams.err) {
+    if (chosenAccessory(*platform_, options_) == nullptr) {
+      throw noneMatches(*platform_, options_);
+    }
+  }
+
+  Report run() {
+    const std::uint32_t count = options_.monitor.count;
+    while (true) {
+      const Look now = look();
+      note(now);
+      if (count != 0 && looks_ == count) {
+        Report report;
+        report.code = now.code;
+        return report;
+      }
+      surroundings_.interruption->sleep(std::chrono::milliseconds(options_.monitor.interval));
+    }
+  }
+
+ private:
+  // A port whose link is lost is closed, so that the next look opens another.
+  Look look() {
+    try {
+      if (!printer_) {
+        printer_.emplace(platform_, options_, surroundings_);
+      }
+      QuorPrinterStatus_2 status = {};
+      const bool answered = printer_->exchange(
+          [&status](ExternalAccessoryPort& port) { return port.getParsedStatus(&status, 0); });
+      if (!answered) {
+        throw printer_->failure("the printer does not answer");
+      }
+      return {status.offline != 0 ? "not-ready" : "ready", joined(remarks(status)), jsonOf(status),
+              ExitCode::Done};
+    } catch (const Failure& failure) {
+      return lookOf(failure);
+    }
+  }
+
+  Look lookOf(const Failure& failure) {
+    if (failure.code() == ExitCode::ExchangeFailed) {
+      return {"no-answer", failure.what(), nullptr, failure.code()};
+    }
+    printer_.reset();
+    surroundings_.interruption->begin();
+    const bool isLost = failure.code() == ExitCode::LinkLost;
+    return {isLost ? "link-lost" : "unreachable",
+            failure.what() + std::string("; it is tried again"), nullptr, failure.code()};
+  }
+
+  void note(const Look& now) {
+    ++looks_;
+    const SystemTime time = std::chrono::system_clock::now();
+    const bool isSame = last_ && last_->state == now.state && last_->text == now.text;
+    if (!isSame || (options_.json && last_->fields() != now.fields())) {
+      line_.hide();
+      tell(now, time);
+      lastChange_ = time;
+    }
+    last_ = now;
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(time - lastChange_).count();
+    line_.show(localText(time) + "  unchanged for " + std::to_string(seconds) + " s, " +
+               grouped(looks_) + (looks_ == 1 ? " look" : " looks"));
+  }
+
+  void tell(const Look& now, SystemTime time) {
+    Json object = {{"time", utcText(time)},
+                   {"state", now.state},
+                   {"text", now.text},
+                   {"status", now.status},
+                   {"changed", changedFields(last_ ? last_->fields() : Json(), now.fields())}};
+    const std::string told = options_.json
+                                 ? object.dump(-1, ' ', false, Json::error_handler_t::replace)
+                                 : localText(time) + "  " + now.text;
+    if (const WriteOutcome outcome = writeAll(surroundings_.streams.out, told + "\n");
+        outcome.error) {
+      throw Failure(ExitCode::ExchangeFailed,
+                    "standard output takes no more: " + outcome.error.message());
+    }
+  }
+
+  const Options& options_;
+  const Surroundings& surroundings_;
+  const std::shared_ptr<InterruptiblePlatform> platform_;
+  LiveLine line_;
+  std::optional<Printer> printer_;
+  std::optional<Look> last_;
+  SystemTime lastChange_;
+  std::uint64_t looks_ = 0;
+};
+
+}  // namespace
+
+Report monitor(const Options& options, const Surroundings& surroundings) {
+  return Monitor(options, surroundings).run();
+}
+
+}  // namespace quordalvane::tool

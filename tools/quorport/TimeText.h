@@ -1,0 +1,14 @@
+#pragma once
+
+#include <chrono>
+#include <string>
+
+namespace quordalvane::tool {
+
+/// For programs: "2024-02-29T23:59:59.123Z".
+std::string utcText(std::chrono::system_clock::time_point time);
+
+/// For people, in their time zone: "2024-02-29 23:59:59".
+std::string localText(std::chrono::system_clock::time_point time);
+
+}  // namespace quordalvane::tool

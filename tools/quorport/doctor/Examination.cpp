@@ -1,0 +1,226 @@
+#include "tools/quorport/doctor/Examination.h"
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+#include <memory>
+#include <stdexcept>
+
+#include "backends/DeviceSpec.h"
+#include "backends/Devices.h"
+#include "backends/posix/Serial.h"
+#include "tools/quorport/Hex.h"
+#include "tools/quorport/Printer.h"
+#include "tools/quorport/StatusFields.h"
+#include "tools/quorport/doctor/OpeningFindings.h"
+#include "tools/quorport/doctor/StatusFindings.h"
+
+namespace quordalvane::tool {
+namespace {
+
+// Nobody waits for a doctor as long as for a receipt; printers answer within some milliseconds.
+constexpr std::uint32_t longestTimeout = 1000;
+
+// Keeps the first bytes that come from a printer.
+class FirstBytes : public TransferObserver {
+ public:
+  void bytesWritten(std::size_t /*count*/) override {}
+  void bytesRead(std::span<const std::uint8_t> bytes) override {
+    constexpr std::size_t longest = 16;
+    const std::size_t count = std::min(bytes.size(), longest - kept_.size());
+    kept_.insert(kept_.end(), bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(count));
+  }
+  const ByteBuffer& bytes() const { return kept_; }
+
+ private:
+  ByteBuffer kept_;
+};
+
+// What came of one question for the status.
+struct Answer {
+  std::optional<Finding> notOpened;
+  std::optional<QuorPrinterStatus_2> status;
+  ByteBuffer bytes;  // the first that came, whether understood or not
+  bool isLinkLost = false;
+};
+
+// The port tells a status block by its length alone, so that noise may pass for one.
+bool isStatus(const QuorPrinterStatus_2& status, ZKEmulation emulation) {
+  constexpr std::uint8_t layout = 1;
+  return emulation != ZKEmulationQuorLine ||
+         ((status.raw[0] & 0xc0) == 0x80 && (status.rawLength < 2 || status.raw[1] == layout));
+}
+
+struct EmulationName {
+  const char* text;
+  const char* option;
+};
+
+EmulationName nameOf(ZKEmulation emulation) {
+  return emulation == ZKEmulationESCPOS ? EmulationName{"ESC/POS", "escpos"}
+                                        : EmulationName{"line mode", "line"};
+}
+
+Finding failedExchange(std::string_view cause, const std::string& text, const std::string& advice) {
+  return {cause, ExitCode::ExchangeFailed, text, advice};
+}
+
+class Examination {
+ public:
+  Examination(const std::string& device, const Options& options, const Surroundings& surroundings,
+              LiveLine& line)
+      : spec_(parseDeviceSpec(device)),
+        options_(options),
+        surroundings_(surroundings),
+        line_(line) {
+    diagnosis_.device = device;
+    options_.portName = "BT:";
+    options_.timeout = std::min(options_.timeout, longestTimeout);
+  }
+
+  Diagnosis run() {
+    for (const unsigned baud : speeds()) {
+      for (const ZKEmulation emulation : emulations()) {
+        line_.show(diagnosis_.device + ": asking in " + nameOf(emulation).text +
+                   speedInWords(baud));
+        const Answer answer = ask(baud, emulation);
+        if (answer.notOpened && !isLinkLost_) {
+          diagnosis_.findings.push_back(*answer.notOpened);
+          return diagnosis_;
+        }
+        if (answer.status) {
+          note(*answer.status, baud, emulation);
+          return diagnosis_;
+        }
+        isLinkLost_ = isLinkLost_ || answer.isLinkLost;
+        bytes_ = bytes_.empty() ? answer.bytes : bytes_;
+      }
+    }
+    diagnosis_.findings.push_back(whyNoStatus());
+    return diagnosis_;
+  }
+
+ private:
+  // The one that was given, and on a serial line all others.
+  std::vector<unsigned> speeds() const {
+    std::vector<unsigned> all = {spec_.baud};
+    if (spec_.scheme == "serial") {
+      const auto rates = posix::baudRates();
+      std::remove_copy(rates.begin(), rates.end(), std::back_inserter(all), spec_.baud);
+    }
+    return all;
+  }
+
+  std::string speedInWords(unsigned baud) const {
+    return spec_.scheme == "serial" ? " at " + std::to_string(baud) + " baud" : "";
+  }
+
+  std::array<ZKEmulation, 2> emulations() const {
+    return options_.emulation == ZKEmulationESCPOS
+               ? std::array{ZKEmulationESCPOS, ZKEmulationQuorLine}
+               : std::array{ZKEmulationQuorLine, ZKEmulationESCPOS};
+  }
+
+  Answer ask(unsigned baud, ZKEmulation emulation) {
+    DeviceSpec spec = spec_;
+    spec.baud = baud;
+    const auto platform = std::make_shared<InterruptiblePlatform>(surroundings_.interruption);
+    const auto accessory = makeAccessory(spec, platform->clock());
+    platform->attach(accessory);
+    Options options = options_;
+    options.emulation = emulation;
+    Answer answer;
+    try {
+      Printer printer(platform, options, surroundings_);
+      answer = answerOf(printer);
+    } catch (const Failure& failure) {
+      answer.isLinkLost = failure.code() == ExitCode::LinkLost;
+      if (failure.code() == ExitCode::NoAccessory) {
+        answer.notOpened = whyNotOpened(spec, *accessory);
+      }
+    }
+    return answer;
+  }
+
+  static Answer answerOf(Printer& printer) {
+    FirstBytes first;
+    printer.port()->setTransferObserver(&first);
+    QuorPrinterStatus_2 status = {};
+    const bool answered = printer.exchange(
+        [&status](ExternalAccessoryPort& port) { return port.getParsedStatus(&status, 0); });
+    Answer answer;
+    answer.bytes = first.bytes();
+    if (answered && isStatus(status, printer.port()->emulation())) {
+      answer.status = status;
+    }
+    answer.isLinkLost = !answered && !printer.port()->isConnected();
+    return answer;
+  }
+
+  void note(const QuorPrinterStatus_2& status, unsigned baud, ZKEmulation emulation) {
+    diagnosis_.status = status;
+    diagnosis_.remarks = remarks(status);
+    diagnosis_.remarks.insert(
+        diagnosis_.remarks.begin(),
+        std::string("answers in ") + nameOf(emulation).text + speedInWords(baud));
+    if (baud != spec_.baud) {
+      const std::string given = std::to_string(spec_.baud);
+      const std::string found = std::to_string(baud);
+      diagnosis_.findings.push_back(failedExchange(
+          "wrong-speed", "the printer talks at " + found + " baud, and was asked at " + given,
+          "write ,baud=" + found + " behind the path, or set the printer to " + given));
+    }
+    if (emulation != options_.emulation && options_.emulation != ZKEmulationUnknown) {
+      const EmulationName found = nameOf(emulation);
+      const EmulationName given = nameOf(options_.emulation);
+      diagnosis_.findings.push_back(failedExchange(
+          "other-emulation",
+          std::string("the printer answers in ") + found.text + ", and not in " + given.text,
+          std::string("use --emulation ") + found.option + ", or set the printer to " +
+              given.text));
+    }
+    const Findings more = findingsIn(status);
+    diagnosis_.findings.insert(diagnosis_.findings.end(), more.begin(), more.end());
+  }
+
+  Finding whyNoStatus() const {
+    if (isLinkLost_) {
+      return {"link-lost", ExitCode::LinkLost, "the link ends as soon as the printer is asked",
+              "end the other program that uses the printer, which serves one at a time; if there "
+              "is none, switch the printer off and on"};
+    }
+    if (!bytes_.empty()) {
+      return failedExchange(
+          "not-understood", "it answers what no printer of this kind answers: " + hexOf(bytes_),
+          spec_.scheme == "serial" ? "set the printer to 8 data bits, no parity, 1 stop bit; check "
+                                     "that it is the printer's line"
+                                   : "check that it is the printer's address and port");
+    }
+    return failedExchange("silent", "it can be opened, and nothing answers",
+                          spec_.scheme == "serial"
+                              ? "switch the printer on; check the cable at both ends"
+                              : "switch the printer off and on; check that it is the printer's "
+                                "address");
+  }
+
+  const DeviceSpec spec_;
+  Options options_;
+  const Surroundings& surroundings_;
+  LiveLine& line_;
+  Diagnosis diagnosis_;
+  bool isLinkLost_ = false;
+  ByteBuffer bytes_;  // that came instead of a status
+};
+
+}  // namespace
+
+Diagnosis examine(const std::string& device, const Options& options,
+                  const Surroundings& surroundings, LiveLine& line) {
+  try {
+    return Examination(device, options, surroundings, line).run();
+  } catch (const std::invalid_argument& error) {
+    throw Failure(ExitCode::Usage, std::string("--device: ") + printable(error.what()));
+  }
+}
+
+}  // namespace quordalvane::tool

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <quordalvane/QuorIOPort.h>
+
+#include "tools/quorport/Commands.h"
+#include "tools/quorport/LiveLine.h"
+#include "tools/quorport/Options.h"
+#include "tools/quorport/doctor/Finding.h"
+
+namespace quordalvane::tool {
+
+/// What came of looking at one device.
+struct Diagnosis {
+  std::string device;  ///< its text
+  Findings findings;   ///< none if the printer is well
+  std::vector<std::string> remarks;
+  std::optional<QuorPrinterStatus_2> status;  ///< none if none was obtained
+};
+
+/// Looks at the device whose text is `device`, whatever the port name is. Nothing is printed, and
+/// what the printer holds stays as it is; a serial printer that does not answer is asked at every
+/// other speed too, which may make it print stray characters. Throws a Failure with
+/// ExitCode::Usage for a text that is no device. `line` shows what is going on.
+Diagnosis examine(const std::string& device, const Options& options,
+                  const Surroundings& surroundings, LiveLine& line);
+
+}  // namespace quordalvane::tool

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <quordalvane/QuorIOPort.h>
+
+#include "tools/quorport/doctor/Finding.h"
+
+namespace quordalvane::tool {
+
+/// What keeps a printer that answers from printing.
+Findings findingsIn(const QuorPrinterStatus_2& status);
+
+}  // namespace quordalvane::tool
