@@ -179,6 +179,7 @@ TEST_P(AllocationSweep, EndsEveryOperationInADocumentedWay) {
     }
   }
   EXPECT_TRUE(strikes > 0 || replayedCase());
+  RecordProperty("cases", std::to_string(strikes));
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -132,6 +132,7 @@ class FaultSweep : public testing::TestWithParam<std::tuple<std::int32_t, bool>>
 };
 
 TEST_P(FaultSweep, EndsEveryOperationInADocumentedWay) {
+  std::uint64_t cases = 0;
   for (const MakeFault& makeFault : allFaults()) {
     std::uint64_t strikes = 0;
     for (const Call& call : allCalls()) {
@@ -142,7 +143,9 @@ TEST_P(FaultSweep, EndsEveryOperationInADocumentedWay) {
       }
     }
     EXPECT_TRUE(strikes > 0 || replayedCase()) << makeFault()->name() << " never struck";
+    cases += strikes;
   }
+  RecordProperty("cases", std::to_string(cases));
 }
 
 INSTANTIATE_TEST_SUITE_P(EmulationAndLogging, FaultSweep,

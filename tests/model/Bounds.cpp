@@ -119,7 +119,7 @@ double stepsBack(const Scenario& scenario) {
 /// How many bytes stand between the brackets of a trace's line.
 std::int64_t bytesIn(const std::string& line) {
   const std::size_t begin = line.find('<') + 1;
-  return static_cast<std::int64_t>((line.find('>') - begin + 1) / 3);
+  return static_cast<std::int64_t>((line.find('>', begin) - begin + 1) / 3);
 }
 
 /// Follows a run line by line.
@@ -163,16 +163,20 @@ class Watch {
       return "";
     }
     const unsigned long byte = std::stoul(line.substr(line.find('<') + 1, 2), nullptr, 16);
-    if (++followed_ > 2) {
+    if (++followed_ == 1) {
+      beginsReport_ = byte == 0x1b;
+    } else if (followed_ > 2 || !beginsReport_) {
       return "the drain";
     }
-    return byte == 0x1b || (byte & 0x93U) == 0x12 ? "" : "the invalid-status loop";
+    const bool isExpected = (byte & 0x93U) == 0x12 || (followed_ == 1 && beginsReport_);
+    return isExpected ? "" : "the invalid-status loop";
   }
 
   const bool endsBlockInEscPos_;
   std::int64_t offered_ = 0;  // by this attempt of the writer
   std::int64_t taken_ = 0;
-  int followed_ = 0;  // single bytes read since the last write
+  int followed_ = 0;           // single bytes read since the last write
+  bool beginsReport_ = false;  // the first of them
 };
 
 }  // namespace

@@ -119,6 +119,7 @@ TEST_P(SimulatedJobs, AreNeverCalledPrintedWithoutThePaper) {
                                     << given);
     ++outcomes[runCase(given)];
   }
+  RecordProperty("cases", std::to_string(count / parts));
   if (count >= 1000 && !HasFailure()) {
     // The cases reach every outcome often: a run that never prints, or never fails, shows nothing.
     EXPECT_GT(outcomes[PrintOutcome::Printed], count / parts / 5);

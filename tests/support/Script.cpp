@@ -89,7 +89,8 @@ namespace {
 std::string shownPieces(const Reply& reply) {
   std::ostringstream text;
   for (const Piece& piece : reply) {
-    text << ' ' << shown(piece.bytes) << '+' << piece.after << 's';
+    text << ' ' << shown(piece.bytes) << '+' << piece.after << 's'
+         << (piece.losesLink ? " and the link is lost" : "");
   }
   return text.str();
 }

@@ -16,6 +16,7 @@ namespace quordalvane::test {
 struct Piece {
   Bytes bytes;
   double after = 0;
+  bool losesLink = false;  // when they arrive
 };
 
 /// A reply, in the pieces in which it arrives.

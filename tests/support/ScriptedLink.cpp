@@ -23,7 +23,13 @@ void ScriptedLink::start() {
 
 void ScriptedLink::arriveLater(const Reply& reply, Instant from) {
   for (const Piece& piece : reply) {
-    arriving_.emplace(from - start_ + instant(piece.after), piece.bytes);
+    const Instant arrival = from - start_ + instant(piece.after);
+    if (piece.losesLink) {
+      script_.lostAt = std::chrono::duration<double>(arrival - start_).count();
+    }
+    if (!piece.bytes.empty()) {
+      arriving_.emplace(arrival, piece.bytes);
+    }
   }
 }
 

@@ -45,6 +45,7 @@ TEST_P(SeededScripts, RunAlikeOnPortAndModel) {
       return;
     }
   }
+  RecordProperty("cases", std::to_string(count / parts));
 }
 
 INSTANTIATE_TEST_SUITE_P(Part, SeededScripts, testing::Range<std::uint64_t>(0, 4));

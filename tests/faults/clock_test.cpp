@@ -1,0 +1,179 @@
+// The wall clock is stepped at every one of its readings, back and ahead, by a little and by much.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "tests/faults/AnsweringPrinter.h"
+#include "tests/faults/CaseNames.h"
+#include "tests/model/Scenario.h"
+#include "tests/support/Replay.h"
+
+namespace quordalvane::test {
+namespace {
+
+constexpr std::int64_t hour = 3600;
+constexpr std::int64_t tenYears = std::int64_t{3652} * 24 * hour;
+
+bool isReading(const Line& line) {
+  return line.text.starts_with("gettimeofday ");
+}
+
+std::size_t readingsOf(const Outcome& outcome) {
+  return static_cast<std::size_t>(
+      std::count_if(outcome.lines.begin(), outcome.lines.end(), isReading));
+}
+
+/// What the printer does while the clock is stepped. Waits that end by their limit alone are those
+/// of a silent one.
+enum class Printer { answers, isSilent, takesNothing };
+
+const char* nameOf(Printer printer) {
+  return printer == Printer::answers    ? "answering"
+         : printer == Printer::isSilent ? "silent"
+                                        : "full";
+}
+
+class ClockSweep : public testing::TestWithParam<std::tuple<std::int32_t, Printer>> {
+ protected:
+  static Scenario scenario() {
+    const auto [emulation, printer] = GetParam();
+    Scenario scenario = Scenario::in(emulation, 2000);
+    scenario.creation.portSettings = "d9";
+    scenario.holdMillis = 2000;
+    scenario.logging = false;
+    if (printer == Printer::answers) {
+      scenario.script = answeringPrinter();
+    } else if (printer == Printer::takesNothing) {
+      scenario.script.hasNoSpace();
+    }
+    return scenario;
+  }
+
+  /// The case's name for a step of the clock at a reading.
+  static std::string name(const Call& call, std::int64_t seconds, std::size_t reading) {
+    const auto [emulation, printer] = GetParam();
+    return std::string("clock ") + emulationName(emulation) + " " + nameOf(printer) + " " +
+           call.name + " " + std::to_string(seconds) + " at " + std::to_string(reading);
+  }
+
+  /// Runs the call with the steps of the script. None when the case is not the one to be replayed.
+  static std::optional<Outcome> run(const std::string& name, const Scenario& stepped,
+                                    const Call& call) {
+    if (!isChosen(name)) {
+      return std::nullopt;
+    }
+    SCOPED_TRACE(howToReplay(name));
+    Outcome outcome = stepped.run(call);
+    if (replayedCase()) {
+      showReplay(describe(stepped) + outcome.report());
+    }
+    return outcome;
+  }
+
+  /// Steps ahead end a wait at most; nothing lasts longer for them.
+  static void stepAhead(const Call& call, const Outcome& undisturbed, std::int64_t seconds) {
+    for (std::size_t reading = 1; reading <= readingsOf(undisturbed); ++reading) {
+      Scenario stepped = scenario();
+      stepped.script.stepsClock(reading, seconds);
+      if (const auto outcome = run(name(call, seconds, reading), stepped, call)) {
+        EXPECT_LE(outcome->seconds, undisturbed.seconds + 1) << call.name;
+      }
+    }
+  }
+
+  /// A step back makes no wait end early, and none last longer than by the step.
+  static void stepBack(const Call& call, const Outcome& undisturbed, std::int64_t seconds) {
+    for (std::size_t reading = 1; reading <= readingsOf(undisturbed); ++reading) {
+      Scenario stepped = scenario();
+      stepped.script.stepsClock(reading, -seconds);
+      if (const auto outcome = run(name(call, -seconds, reading), stepped, call)) {
+        EXPECT_GE(outcome->seconds, undisturbed.seconds - tolerance) << call.name;
+        EXPECT_LE(outcome->seconds, undisturbed.seconds + static_cast<double>(seconds) + onePass)
+            << call.name;
+      }
+    }
+  }
+
+  /// The same for a step that would take too long to wait for: after some more readings, which must
+  /// not have ended the wait, the clock is set right again.
+  static void stepBackForAWhile(const Call& call, const Outcome& undisturbed,
+                                std::int64_t seconds) {
+    constexpr std::size_t readings = 30;
+    for (std::size_t reading = 1; reading <= readingsOf(undisturbed); ++reading) {
+      Scenario stepped = scenario();
+      stepped.script.stepsClock(reading, -seconds);
+      stepped.script.stepsClock(reading + readings, seconds);
+      if (const auto outcome = run(name(call, -seconds, reading), stepped, call)) {
+        EXPECT_TRUE(outcome->seconds >= undisturbed.seconds - tolerance ||
+                    readingsOf(*outcome) >= reading + readings)
+            << call.name << " ended early while the clock stood back";
+      }
+    }
+  }
+
+  static constexpr double tolerance = 1e-6;
+  static constexpr double onePass = 5;  // a status that gets no answer, with what it calls
+};
+
+TEST_P(ClockSweep, NeverEndsAWaitEarlyNorDelaysItBeyondTheStep) {
+  std::size_t readings = 0;
+  for (const Call& call : allCalls()) {
+    const Outcome undisturbed = scenario().run(call);
+    readings += readingsOf(undisturbed);
+    for (const std::int64_t seconds : {std::int64_t{1}, hour, tenYears}) {
+      stepAhead(call, undisturbed, seconds);
+    }
+    stepBack(call, undisturbed, 1);
+    for (const std::int64_t seconds : {hour, tenYears}) {
+      stepBackForAWhile(call, undisturbed, seconds);
+    }
+    if (HasFailure()) {
+      return;
+    }
+  }
+  EXPECT_GT(readings, 20U);
+  RecordProperty("cases", std::to_string(readings * 6));
+}
+
+INSTANTIATE_TEST_SUITE_P(EmulationAndPrinter, ClockSweep,
+                         testing::Combine(testing::Values(unknownEmulation, lineMode, escPos),
+                                          testing::Values(Printer::answers, Printer::isSilent,
+                                                          Printer::takesNothing)));
+
+/// A step back by an hour is waited for to its end, once for each kind of wait.
+TEST(ClockStep, DelaysEachWaitByTheStepAndNoMore) {
+  const std::vector<std::pair<std::int32_t, Call>> waits = {
+      {lineMode, writeWithRetry(bytes("1b 40"))},
+      {lineMode, beginCheckedBlock()},
+      {lineMode, endCheckedBlock()},
+      {escPos, getParsedStatus()},
+      {escPos, endCheckedBlock()},
+      {lineMode, retrieveFirmwareInformation2()},
+      {escPos, retrieveESCPOSFirmwareInformation()},
+      {lineMode, retrieveDipSwitchBank(1)},
+      {lineMode, retrieveButtonSecurityTimeout()},
+      {lineMode, getPrinterResponse("*AILBA:", 12, 2000)},
+      {lineMode, disconnectBluetoothConnection()}};
+  for (const auto& [emulation, call] : waits) {
+    Scenario scenario = Scenario::in(emulation, 2000);
+    scenario.logging = false;
+    scenario.script.lostAfterCalls = 1000000;
+    if (call.name == "writeWithRetry") {
+      scenario.script.hasNoSpace();
+    }
+    if (call.name == "beginCheckedBlock") {  // a printer on line whose counter does not go to 0
+      scenario.script.wheneverAsked(bytes("1b 06 01"), {{bytes("89 01 00 00 00 00 01 00 05")}});
+    }
+    const Outcome undisturbed = scenario.runOnPort(call);
+    ASSERT_GT(undisturbed.seconds, 1) << call.name << " waits for nothing";
+    const std::size_t readings = readingsOf(undisturbed);
+    scenario.script.stepsClock(readings, -hour);  // at the last look of the last wait
+    const Outcome delayed = scenario.runOnPort(call);
+    EXPECT_EQ(delayed.result, undisturbed.result) << call.name;
+    EXPECT_NEAR(delayed.seconds, undisturbed.seconds + static_cast<double>(hour), 2) << call.name;
+  }
+}
+
+}  // namespace
+}  // namespace quordalvane::test
