@@ -32,8 +32,8 @@ class Peer {
   /// Answers status requests of both emulations, each `delay` after it came.
   void answer(int descriptor, std::chrono::microseconds delay = {});
 
-  /// Takes all connections that are made to the endpoint, one after the other, and answers on each.
-  /// Ends with the first that brings no byte.
+  /// Takes all connections that are made to the endpoint, which must outlive this, one after the
+  /// other, and answers on each. Ends with the first that brings no byte.
   void answerAll(Endpoint& endpoint);
 
   /// Answers on many connections by turns.

@@ -132,8 +132,8 @@ Rows silentDevice() {
 Rows openAndClose() {
   constexpr int rounds = 5;
   const Bound bound(Core::first);
-  Peer peer(Core::first);
   const auto endpoint = makeEndpoint(Medium::tcp);
+  Peer peer(Core::first);
   peer.answerAll(*endpoint);
   const auto pairs = alternate([&] { return median(secondsBeyondThePauses(rounds, *endpoint)); },
                                [&] {

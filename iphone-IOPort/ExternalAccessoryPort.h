@@ -110,6 +110,9 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// `data` had gone out by then is not told. Sets the process to ignore SIGPIPE.
   std::int32_t write(const ByteBuffer& data);
 
+  /// The same for bytes that lie in no buffer of their own, such as a piece of a large job.
+  std::int32_t write(std::span<const std::uint8_t> data);
+
   /// Takes what the link holds, at most `bytesToRead` bytes, waiting at most 0.1 s for the first of
   /// them. Returns the bytes, an empty buffer when there were none or `bytesToRead` is 0, or none
   /// when the link is lost or reports an error: bytes gathered before are then dropped.
@@ -328,6 +331,7 @@ class QUOR_EXPORT ExternalAccessoryPort
   std::shared_ptr<NSInputStream> inputStream() const;
   std::shared_ptr<NSOutputStream> outputStream() const;
   void runSlice(NSStream* awaited, double seconds);
+  std::int32_t offer(std::span<const std::uint8_t> data, const void* object);
   std::optional<std::int64_t> writeChunk(NSOutputStream& stream,
                                          std::span<const std::uint8_t> tempData);
   bool readChunk(NSInputStream& stream, ByteBuffer& recvBuffer, std::size_t bytesToRead);

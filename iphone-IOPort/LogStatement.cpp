@@ -54,10 +54,30 @@ class MessageText {
   std::string spilled_;
 };
 
-void appendAddress(MessageText& message, const void* address) {
-  message.append("0x");
-  message.appendNumber(reinterpret_cast<std::uintptr_t>(address), 16);
-}
+/// 0x and the hexadecimal digits of an address. Every statement has one, so it is written without
+/// counting the digits first.
+class AddressText {
+ public:
+  explicit AddressText(const void* address) {
+    auto rest = reinterpret_cast<std::uintptr_t>(address);
+    do {
+      *--begin_ = "0123456789abcdef"[rest & 0xFU];
+      rest >>= 4U;
+    } while (rest != 0);
+    *--begin_ = 'x';
+    *--begin_ = '0';
+  }
+  AddressText(const AddressText&) = delete;
+  AddressText& operator=(const AddressText&) = delete;
+
+  std::string_view view() const {
+    return {begin_, static_cast<std::size_t>(buffer_.data() + buffer_.size() - begin_)};
+  }
+
+ private:
+  std::array<char, 2 + 2 * sizeof(std::uintptr_t)> buffer_;
+  char* begin_ = buffer_.data() + buffer_.size();
+};
 
 void appendList(MessageText& message, std::span<const std::string> texts) {
   message.append("(");
@@ -107,7 +127,7 @@ void appendArgument(MessageText& message, LogConversion conversion, const LogArg
     case LogConversion::real:
       return message.appendNumber(std::get<double>(argument), std::chars_format::fixed, 6);
     case LogConversion::address:
-      return appendAddress(message, addressOf(argument));
+      return message.append(AddressText(addressOf(argument)).view());
     case LogConversion::text:
       return appendText(message, textOf(argument));
     case LogConversion::percentSign:
@@ -140,15 +160,12 @@ LogStatement::LogStatement(ZKLogType type, std::int32_t level, const void* objec
     : type_(type),
       level_(level),
       writer_(LogWriter::sharedInstance()),
+      object_(AddressText(object).view()),
       file_(file),
       line_(line),
-      method_(method) {
-  MessageText address;
-  appendAddress(address, object);
-  object_ = std::move(address).take();
-}
+      method_(method) {}
 
-void LogStatement::write(std::string message) && {
+void LogStatement::write(std::string&& message) && {
   writer_.outputLogAsync(type_, level_, std::move(object_), file_, line_, method_,
                          std::move(message));
 }

@@ -233,7 +233,7 @@ class LogStatement {
                std::int64_t line, const char* method);
 
   /// Hands the record with `message` to the logger.
-  void write(std::string message) &&;
+  void write(std::string&& message) &&;
 
  private:
   ZKLogType type_;

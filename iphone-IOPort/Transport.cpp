@@ -61,8 +61,18 @@ void ExternalAccessoryPort::runSlice(NSStream* awaited, double seconds) {
 }
 
 std::int32_t ExternalAccessoryPort::write(const ByteBuffer& data) {
+  return offer(data, &data);
+}
+
+std::int32_t ExternalAccessoryPort::write(std::span<const std::uint8_t> data) {
+  return offer(data, data.data());
+}
+
+/// `write`; the records name the data by the address of the caller's object.
+std::int32_t ExternalAccessoryPort::offer(std::span<const std::uint8_t> data, const void* object) {
   constexpr auto selector = writeSelector;
-  QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@", LogWriter::createByteArrayDescription(data));
+  QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@",
+           LogWriter::createByteArrayDescription(data.data(), data.size()));
   platform_->ignoreSigPipe();
   const auto stream = outputStream();
   if (!hasSpaceAvailable(stream)) {
@@ -70,16 +80,16 @@ std::int32_t ExternalAccessoryPort::write(const ByteBuffer& data) {
     runSlice(stream.get(), secInterval2());
   }
   std::uint32_t amountWritten = 0;
-  std::span<const std::uint8_t> tempData(data);
+  std::span<const std::uint8_t> tempData = data;
   bool hasSpace = hasSpaceAvailable(stream);
   while (hasSpace && !tempData.empty()) {
     const auto bytesWritten = writeChunk(*stream, tempData);
     if (!bytesWritten) {
-      QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%p, -> %d", &data, -1);
+      QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%p, -> %d", object, -1);
       return -1;
     }
     amountWritten += static_cast<std::uint32_t>(*bytesWritten);
-    tempData = std::span(data).subspan(std::min<std::size_t>(amountWritten, data.size()));
+    tempData = data.subspan(std::min<std::size_t>(amountWritten, data.size()));
     hasSpace = hasSpaceAvailable(stream);
   }
   const auto result = static_cast<std::int32_t>(amountWritten);

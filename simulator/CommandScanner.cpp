@@ -66,6 +66,8 @@ bool CommandScanner::feed(std::uint8_t byte) {
     bytes_.push_back(byte);
   if (length_ < needed_)
     return false;
+  if (isText(bytes_))
+    return true;
   needed_ = leastCommandLength(bytes_);
   return length_ >= needed_;
 }

@@ -115,7 +115,7 @@ void PrinterLink::settle(Instant now) {
     if (!printer_.isConnection(connection_) || module_.wantsLinkDropped())
       drop(Ending::drain);
     if (step == now && nextOwnEvent().value_or(Instant::max()) > now)
-      break;
+      return;
   }
   printer_.advance(now);
 }

@@ -27,8 +27,11 @@ class Reception {
   bool restart();
 
  private:
+  void passOnForPrinting(const OnPiece& onPiece);
+
   CommandScanner scanner_;
   std::vector<std::uint8_t> undecided_;
+  std::vector<std::uint8_t> forPrinting_;  // gathered to be passed on at once
 };
 
 }  // namespace quordalvane::simulator

@@ -1,0 +1,71 @@
+#include "tests/counts/Allocations.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <vector>
+
+#include "bench/OpenPort.h"
+#include "bench/Peer.h"
+#include "iphone-IOPort/LogStatement.h"
+#include "job/PrintJob.h"
+
+// What is taken from the heap, and so how often bytes are copied from one buffer into another.
+
+namespace quordalvane {
+namespace {
+
+struct Speaker {
+  void say(const std::vector<std::uint8_t>& bytes) const {
+    constexpr auto selector = "-[Speaker say:]";
+    QUOR_LOG(ZKLogTypeProcess, 0, "%@, %lu, %f, %@", bytes, bytes.size(), 0.5,
+             LogWriter::createByteArrayDescription(bytes));
+  }
+};
+
+TEST(Allocations, AreCountedWithTheirBytes) {
+  // Called by its name: the compiler may leave out a new expression whose memory is not used.
+  const auto taken = allocationsOf([] { ::operator delete(::operator new(1000)); });
+  EXPECT_EQ(taken.count, 1U);
+  EXPECT_EQ(taken.bytes, 1000U);
+}
+
+TEST(Allocations, ALogStatementTakesAndFormatsNothingWhileLoggingIsOff) {
+  ASSERT_FALSE(LogWriter::isLogging());
+  const std::vector<std::uint8_t> bytes(100);
+  const auto before = LogWriter::sharedInstance().statistics();
+  const auto taken = allocationsOf([&] { Speaker().say(bytes); });
+  const auto after = LogWriter::sharedInstance().statistics();
+  EXPECT_EQ(taken.count, 0U);
+  EXPECT_EQ(after.messagesBuilt, before.messagesBuilt);
+  EXPECT_EQ(after.descriptionsMade, before.descriptionsMade);
+}
+
+TEST(Allocations, ALogStatementOfALevelThatIsNotWantedTakesNothing) {
+  LogWriter::setLogging(true);
+  LogWriter::setTargetLogLevels({1});
+  const std::vector<std::uint8_t> bytes(100);
+  const auto taken = allocationsOf([&] { Speaker().say(bytes); });
+  LogWriter::setTargetLogLevels({0});
+  LogWriter::setLogging(false);
+  EXPECT_EQ(taken.count, 0U);
+}
+
+// Every buffer that a job takes is filled once: what it takes is what it copies.
+TEST(Allocations, AJobCopiesItsBytesAtMostTwice) {
+  for (const bench::Medium medium : {bench::Medium::tcp, bench::Medium::local}) {
+    bench::Peer peer(bench::Core::second);
+    const auto endpoint = bench::makeEndpoint(medium);
+    bench::OpenPort port(endpoint->device(), ZKEmulationESCPOS);
+    peer.drain(endpoint->accept(), [](std::size_t) {});
+    const std::vector<std::uint8_t> data(std::size_t{8} << 20U, ' ');
+    PrintJob job(port.shared(), {.checked = false});
+    PrintResult result;
+    const auto taken = allocationsOf([&] { result = job.run(data); });
+    EXPECT_EQ(result.bytesAccepted, data.size());
+    EXPECT_LE(taken.bytes, 2 * data.size());
+  }
+}
+
+}  // namespace
+}  // namespace quordalvane

@@ -1,0 +1,131 @@
+#include "tests/counts/SystemCalls.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <memory>
+
+#include "backends/posix/RunLoop.h"
+#include "bench/BareLink.h"
+#include "bench/OpenPort.h"
+#include "bench/Peer.h"
+
+// What a port asks of the system for one exchange. These counts do not depend on the machine's
+// mood, and a program that makes a hundred calls where three would do shows it here first.
+
+namespace quordalvane {
+namespace {
+
+using bench::Medium;
+
+/// A port over a medium whose printer answers at once.
+struct AnsweredPort {
+  AnsweredPort(Medium medium, ZKEmulation emulation)
+      : peer(bench::Core::first),
+        endpoint(bench::makeEndpoint(medium)),
+        port(endpoint->device(), emulation) {
+    peer.answer(endpoint->accept());
+    port.getStatus();
+  }
+
+  bench::Peer peer;
+  const std::unique_ptr<bench::Endpoint> endpoint;
+  bench::OpenPort port;
+};
+
+std::size_t waitsIn(const SystemCalls& calls) {
+  std::size_t count = 0;
+  for (const long number : {SYS_poll, SYS_ppoll, SYS_select, SYS_pselect6, SYS_epoll_wait,
+                            SYS_nanosleep, SYS_clock_nanosleep, SYS_futex}) {
+    count += countOf(calls, number);
+  }
+  return count;
+}
+
+/// The calls that move bytes or wait. A sanitizer makes others of its own.
+std::size_t exchangeCallsIn(const SystemCalls& calls) {
+  std::size_t count = waitsIn(calls);
+  for (const long number : {SYS_read, SYS_recvfrom, SYS_write, SYS_sendto, SYS_rt_sigaction}) {
+    count += countOf(calls, number);
+  }
+  return count;
+}
+
+#define ASSERT_TRACED(calls)                                        \
+  if (!(calls)) {                                                   \
+    GTEST_SKIP() << "this system does not let a process be traced"; \
+  }
+
+TEST(SystemCalls, AreCountedOneByOne) {
+  const auto endpoint = bench::makeEndpoint(Medium::local);
+  bench::BareLink link(endpoint->connect());
+  const auto calls = systemCallsOf([&] {
+    link.write(bench::dataCancelEnd);
+    link.poll(0);
+  });
+  ASSERT_TRACED(calls);
+  EXPECT_EQ(*calls, (SystemCalls{SYS_write, SYS_poll}));
+}
+
+TEST(SystemCalls, ALineModeStatusOverASocketWritesOnceAndReceivesOnce) {
+  for (const Medium medium : {Medium::tcp, Medium::local}) {
+    AnsweredPort answered(medium, ZKEmulationQuorLine);
+    const auto calls = systemCallsOf([&] { answered.port.getStatus(); });
+    ASSERT_TRACED(calls);
+    EXPECT_EQ(countOf(*calls, SYS_sendto), 1U);
+    EXPECT_EQ(countOf(*calls, SYS_rt_sigaction), 1U);
+    EXPECT_LE(exchangeCallsIn(*calls), 7U);
+  }
+}
+
+TEST(SystemCalls, ALineModeStatusOverASerialLineWritesOnceAndWaitsOnce) {
+  AnsweredPort answered(Medium::terminal, ZKEmulationQuorLine);
+  const auto calls = systemCallsOf([&] { answered.port.getStatus(); });
+  ASSERT_TRACED(calls);
+  EXPECT_EQ(countOf(*calls, SYS_write), 1U);
+  EXPECT_EQ(countOf(*calls, SYS_ppoll), 1U);
+  EXPECT_LE(exchangeCallsIn(*calls), 7U);
+}
+
+TEST(SystemCalls, AnEscposStatusWritesEachCommandAtOnce) {
+  AnsweredPort answered(Medium::tcp, ZKEmulationESCPOS);
+  const auto calls = systemCallsOf([&] { answered.port.getStatus(); });
+  ASSERT_TRACED(calls);
+  EXPECT_EQ(countOf(*calls, SYS_sendto), 4U);
+  EXPECT_LE(exchangeCallsIn(*calls), 16U);
+}
+
+TEST(SystemCalls, BytesThatAreThereAreReadWithoutAWaitAndManyAtATime) {
+  constexpr std::size_t size = 16384;
+  const auto endpoint = bench::makeEndpoint(Medium::tcp);
+  bench::OpenPort port(endpoint->device(), ZKEmulationQuorLine);
+  const int printer = endpoint->accept();
+  ASSERT_TRUE(bench::sendAll(printer, std::vector<std::uint8_t>(size, '*')));
+  const auto calls = systemCallsOf([&] {
+    for (std::size_t count = 0; count < size;) {
+      count += port->read(512)->size();
+    }
+  });
+  ::close(printer);
+  ASSERT_TRACED(calls);
+  EXPECT_EQ(waitsIn(*calls), 0U);
+  EXPECT_LE(countOf(*calls, SYS_recvfrom), size / 128 * 105 / 100);
+}
+
+/// How often this thread has given up the processor to wait for something.
+long waitsOfThisThread() {
+  rusage usage{};
+  ::getrusage(RUSAGE_THREAD, &usage);
+  return usage.ru_nvcsw;
+}
+
+TEST(WakeUps, AnIdleSliceOfAThreadHasOne) {
+  const long before = waitsOfThisThread();
+  posix::ThreadRunLoop().runUntilDate(0.02);
+  EXPECT_EQ(waitsOfThisThread() - before, 1);
+}
+
+}  // namespace
+}  // namespace quordalvane
