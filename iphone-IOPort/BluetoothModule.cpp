@@ -180,6 +180,10 @@ bool ExternalAccessoryPort::disconnectBluetoothConnection() {
   WholeSecondsWait wait(platform_->clock(), timeout_);
   while (true) {
     platform_->currentRunLoop().runUntilDate(0.1);
+    // The module may say something before it drops the link, and nobody reads that.
+    if (const auto accessory = _selectedAccessory.get()) {
+      accessory->noticeLoss();
+    }
     if (!isConnected()) {
       QUOR_LOG(ZKLogTypeProcess, 0, "self.isConnected: %d", isConnected());
       QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", true);

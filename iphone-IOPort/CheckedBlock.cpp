@@ -321,9 +321,9 @@ bool ExternalAccessoryPort::readReport(bool& etbCountUp) {
 bool ExternalAccessoryPort::finalStatus(QuorPrinterStatus_2* quorPrinterStatus,
                                         std::uint32_t level) {
   constexpr auto selector = endSelector;
-  auto data = read(1);
+  auto data = readLeftovers(1);
   while (data && !data->empty()) {
-    data = read(1);
+    data = readLeftovers(1);
   }
   logEmptyRead(data);
   if (!getParsedStatus(quorPrinterStatus, level)) {

@@ -334,6 +334,11 @@ class QUOR_EXPORT ExternalAccessoryPort
   std::int32_t offer(std::span<const std::uint8_t> data, const void* object);
   std::optional<std::int64_t> writeChunk(NSOutputStream& stream,
                                          std::span<const std::uint8_t> tempData);
+
+  /// Whether a read waits for its first byte in any case, or only where one may come.
+  enum class Patience { always, whereExpected };
+  std::optional<ByteBuffer> receive(std::size_t bytesToRead, Patience patience);
+  std::optional<ByteBuffer> readLeftovers(std::size_t bytesToRead);
   bool readChunk(NSInputStream& stream, ByteBuffer& recvBuffer, std::size_t bytesToRead);
   bool writeWhole(const ByteBuffer& command);
   void usleep(std::int32_t microseconds);

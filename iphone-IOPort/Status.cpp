@@ -35,7 +35,7 @@ bool ExternalAccessoryPort::getParsedStatus(QuorPrinterStatus_2* quorPrinterStat
   constexpr auto selector = statusSelector;
   assert(quorPrinterStatus != nullptr);
   QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%p, %d", quorPrinterStatus, level);
-  read(drainSize);  // leftovers of earlier exchanges, whatever comes of it
+  readLeftovers(drainSize);  // whatever comes of it
   QUOR_LOG(ZKLogTypeProcess, 0, "p_emulation: %d", p_emulation);
   bool result = false;
   if (p_emulation == ZKEmulationESCPOS) {

@@ -132,6 +132,16 @@ std::optional<std::int64_t> ExternalAccessoryPort::writeChunk(
 }
 
 std::optional<ByteBuffer> ExternalAccessoryPort::read(std::size_t bytesToRead) {
+  return receive(bytesToRead, Patience::always);
+}
+
+/// `read`, for what earlier exchanges have left behind. It does not wait where nothing can come.
+std::optional<ByteBuffer> ExternalAccessoryPort::readLeftovers(std::size_t bytesToRead) {
+  return receive(bytesToRead, Patience::whereExpected);
+}
+
+std::optional<ByteBuffer> ExternalAccessoryPort::receive(std::size_t bytesToRead,
+                                                         Patience patience) {
   constexpr auto selector = readSelector;
   QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%lu", bytesToRead);
   if (!isConnected()) {
@@ -144,7 +154,9 @@ std::optional<ByteBuffer> ExternalAccessoryPort::read(std::size_t bytesToRead) {
     // The writer's text, output stream and all: those who read these logs know it so.
     QUOR_LOG(ZKLogTypeProcess, 0, "_session.outputStream.hasSpaceAvailable == NO, %d",
              hasSpaceAvailable(outputStream()));
-    runSlice(stream.get(), 0.1);
+    if (patience == Patience::always || stream == nullptr || stream->expectsBytes()) {
+      runSlice(stream.get(), 0.1);
+    }
   }
   ByteBuffer recvBuffer;
   bool hasBytes = hasBytesAvailable(stream);

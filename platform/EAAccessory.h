@@ -43,6 +43,11 @@ class QUOR_EXPORT EAAccessory {
   /// left to read. True for an accessory without a session.
   virtual bool isConnected() = 0;
 
+  /// For a caller that waits for the link's end and reads nothing: if the link is lost by now,
+  /// bytes that are still unread no longer make `isConnected` say true. Has no effect on a link
+  /// that stands. A back end that never keeps bytes beyond the end has nothing to do here.
+  virtual void noticeLoss() {}
+
   /// Opens a session on `protocol`, or returns null when the accessory cannot be reached or
   /// refuses. May block for the link's own connect time-out.
   virtual std::shared_ptr<EASession> openSession(const std::string& protocol) = 0;

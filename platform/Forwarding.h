@@ -69,6 +69,7 @@ class ForwardingInputStream : public ForwardingStream<NSInputStream> {
   using ForwardingStream::ForwardingStream;
 
   bool hasBytesAvailable() override { return next().hasBytesAvailable(); }
+  bool expectsBytes() override { return next().expectsBytes(); }
   std::int64_t read(std::uint8_t* buffer, std::size_t maxLength) override {
     return next().read(buffer, maxLength);
   }
@@ -107,6 +108,7 @@ class ForwardingAccessory : public EAAccessory {
   std::uint64_t connectionID() override { return next_->connectionID(); }
   std::string description() override { return next_->description(); }
   bool isConnected() override { return next_->isConnected(); }
+  void noticeLoss() override { next_->noticeLoss(); }
   std::shared_ptr<EASession> openSession(const std::string& protocol) override {
     return next_->openSession(protocol);
   }

@@ -15,8 +15,8 @@ class QUOR_EXPORT NSRunLoop {
   /// now on a steady clock. Zero or less runs what is waiting and returns.
   virtual void runUntilDate(double seconds) = 0;
 
-  /// The same, but returns as soon as `awaited` is ready, and at once when it is known that it
-  /// cannot become ready. It never returns later than `seconds` from now.
+  /// The same, but returns as soon as `awaited` is ready or its link is lost. It never returns
+  /// later than `seconds` from now.
   virtual void runUntilDate(double seconds, NSStream& awaited) = 0;
 };
 

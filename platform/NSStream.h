@@ -33,8 +33,7 @@ class QUOR_EXPORT NSStream {
   virtual void close() = 0;
 
   /// Blocks until the stream is ready (bytes to read, or space to write), its link is lost, or
-  /// `seconds` have passed on a steady clock. Returns at once when the stream knows that it cannot
-  /// become ready. For run loops, which call it for their slice.
+  /// `seconds` have passed on a steady clock. For run loops, which call it for their slice.
   virtual void waitUntilReady(double seconds) = 0;
 };
 
@@ -42,6 +41,11 @@ class QUOR_EXPORT NSInputStream : public NSStream {
  public:
   /// True if a read would return at least one byte now. False from the end of the stream on.
   virtual bool hasBytesAvailable() = 0;
+
+  /// False if it is known that nothing can come before something is written, since all that was
+  /// asked has been answered: who only clears away leftovers need not wait for them then. True
+  /// where it is not known.
+  virtual bool expectsBytes() { return true; }
 
   /// Reads at most `maxLength` bytes into `buffer`. Returns the count read, 0 if there was nothing,
   /// or a negative number on an error.

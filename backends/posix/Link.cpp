@@ -56,6 +56,17 @@ bool Link::isLost() {
   return descriptor_ && ended_;
 }
 
+void Link::noticeLoss() {
+  const std::lock_guard lock(mutex_);
+  if (!descriptor_ || beingWaited_) {
+    return;  // a thread that waits for input takes what comes
+  }
+  if (descriptor_->pollUntil(POLLRDHUP, SteadyTime{}) != 0) {
+    next_ = end_ = 0;
+    ended_ = true;
+  }
+}
+
 bool Link::hasBytes() {
   const std::lock_guard lock(mutex_);
   look();
@@ -77,17 +88,14 @@ std::int64_t Link::read(std::uint8_t* buffer, std::size_t maxLength) {
   return static_cast<std::int64_t>(count);
 }
 
+bool Link::expectsBytes() {
+  const std::lock_guard lock(mutex_);
+  return expectation_.replyMayCome();
+}
+
 void Link::waitForBytes(double seconds) {
   std::unique_lock lock(mutex_);
   if (unread() > 0 || ended_ || !descriptor_) {
-    return;
-  }
-  if (!expectation_.replyMayCome()) {
-    // A caller that turns in a loop must not be told the same old news twice.
-    if (!dry_ || dryWasWaited_) {
-      receive();
-    }
-    dryWasWaited_ = true;
     return;
   }
   const SteadyTime deadline = deadlineIn(seconds);
@@ -206,7 +214,6 @@ void Link::noteReceived(std::ptrdiff_t count, int error) {
 void Link::noteDry() {
   dry_ = true;
   dryAt_ = currentTick();
-  dryWasWaited_ = false;
 }
 
 // Bytes that were received before the last write do not answer it, even if they are taken after it.

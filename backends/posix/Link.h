@@ -35,6 +35,9 @@ class Link {
   /// been read. False after `release`: a link that was given up is not lost.
   bool isLost();
 
+  /// If the end is there, drops what came before it and was not read, so that `isLost` says true.
+  void noticeLoss();
+
   /// True if a read would return at least one byte. "No" may be as old as a tick of the system's
   /// clock, some milliseconds.
   bool hasBytes();
@@ -43,8 +46,10 @@ class Link {
   /// ended, -1 after `release`.
   std::int64_t read(std::uint8_t* buffer, std::size_t maxLength);
 
-  /// Blocks until there are bytes, the link is lost or `seconds` have passed. Returns at once when
-  /// no reply can be on its way.
+  /// False while no reply can be on its way.
+  bool expectsBytes();
+
+  /// Blocks until there are bytes, the link is lost or `seconds` have passed.
   void waitForBytes(double seconds);
 
   /// True if a write would take at least one byte, or fails at once and so tells of a loss.
@@ -79,7 +84,6 @@ class Link {
   bool ended_ = false;         // nothing more will be received, and all that was has been read
   bool dry_ = false;           // the last look left nothing behind
   Tick dryAt_{};               // when that was
-  bool dryWasWaited_ = false;  // a wait has relied on that look already
   bool beingWaited_ = false;   // a thread waits for input, and may fill ahead_ without the lock
 
   ReplyExpectation expectation_;

@@ -16,6 +16,13 @@ bool LinkAccessory::isConnected() {
   return !newest_ || !newest_->isLost();
 }
 
+void LinkAccessory::noticeLoss() {
+  const std::lock_guard lock(mutex_);
+  if (newest_) {
+    newest_->noticeLoss();
+  }
+}
+
 std::shared_ptr<EASession> LinkAccessory::openSession(const std::string& protocol) {
   const auto announced = protocolStrings();
   if (std::find(announced.begin(), announced.end(), protocol) == announced.end()) {

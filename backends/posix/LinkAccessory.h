@@ -24,6 +24,7 @@ class LinkAccessory : public IdentifiedAccessory {
   LinkAccessory(AccessoryIdentity identity, Connector connect);
 
   bool isConnected() override;
+  void noticeLoss() override;
 
   /// Connects. Null when that fails or when the accessory does not announce `protocol`.
   std::shared_ptr<EASession> openSession(const std::string& protocol) override;

@@ -27,6 +27,7 @@ class LinkInputStream final : public LinkStream<NSInputStream> {
   using LinkStream::LinkStream;
 
   bool hasBytesAvailable() override { return link_ && link_->hasBytes(); }
+  bool expectsBytes() override { return link_ && link_->expectsBytes(); }
 
   std::int64_t read(std::uint8_t* buffer, std::size_t maxLength) override {
     return link_ ? link_->read(buffer, maxLength) : -1;

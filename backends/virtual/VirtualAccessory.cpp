@@ -20,6 +20,7 @@ class VirtualInputStream : public NSInputStream {
   void close() override { link_->close(); }
   void waitUntilReady(double seconds) override { link_->waitForBytes(seconds); }
   bool hasBytesAvailable() override { return link_->hasBytes(); }
+  bool expectsBytes() override { return link_->expectsBytes(); }
   std::int64_t read(std::uint8_t* buffer, std::size_t maxLength) override {
     return link_->read({buffer, maxLength});
   }
@@ -91,6 +92,13 @@ bool VirtualAccessory::isConnected() {
     link = link_.lock();
   }
   return link != nullptr && link->connected();
+}
+
+void VirtualAccessory::noticeLoss() {
+  const std::lock_guard lock(mutex_);
+  if (const auto link = link_.lock()) {
+    link->noticeLoss();
+  }
 }
 
 std::shared_ptr<EASession> VirtualAccessory::openSession(const std::string& protocol) {

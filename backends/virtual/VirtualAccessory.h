@@ -23,6 +23,7 @@ class VirtualAccessory : public IdentifiedAccessory {
 
   /// Whether the newest session's link stands; true where there was none yet.
   bool isConnected() override;
+  void noticeLoss() override;
 
   /// A new connection to the printer, which ends the one before. Null unless `protocol` is one of
   /// the accessory's.

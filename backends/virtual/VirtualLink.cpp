@@ -35,7 +35,12 @@ void VirtualLink::close() {
 
 bool VirtualLink::connected() {
   const std::lock_guard lock(inside_->mutex);
-  return link_ != nullptr && link_->connected(clock_.monotonic());
+  return link_ != nullptr && !lossNoticed_ && link_->connected(clock_.monotonic());
+}
+
+void VirtualLink::noticeLoss() {
+  const std::lock_guard lock(inside_->mutex);
+  lossNoticed_ = link_ != nullptr && link_->dropped(clock_.monotonic());
 }
 
 bool VirtualLink::hasSpace() {
@@ -46,6 +51,11 @@ bool VirtualLink::hasSpace() {
 bool VirtualLink::hasBytes() {
   const std::lock_guard lock(inside_->mutex);
   return isReady(Awaited::Bytes);
+}
+
+bool VirtualLink::expectsBytes() {
+  const std::lock_guard lock(inside_->mutex);
+  return expectation_.replyMayCome();
 }
 
 bool VirtualLink::isReady(Awaited awaited) {
@@ -106,12 +116,8 @@ void VirtualLink::wait(Awaited awaited, double seconds) {
       if (link_ == nullptr || link_->dropped(now) || isReady(awaited)) {
         return;
       }
-      const bool forReply = awaited == Awaited::Bytes;
-      if (forReply && !expectation_.replyMayCome()) {
-        return;
-      }
       if (now >= deadline) {
-        if (forReply) {
+        if (awaited == Awaited::Bytes) {
           expectation_.waitedInVain();
         }
         return;

@@ -31,8 +31,15 @@ class VirtualLink {
   VirtualLink& operator=(const VirtualLink&) = delete;
 
   bool connected();
+
+  /// If the link is lost, lets `connected` say so although bytes are left to read.
+  void noticeLoss();
+
   bool hasSpace();
   bool hasBytes();
+
+  /// False while no reply can be on its way.
+  bool expectsBytes();
   std::int64_t write(std::span<const std::uint8_t> bytes);
   std::int64_t read(std::span<std::uint8_t> bytes);
 
@@ -52,6 +59,7 @@ class VirtualLink {
   Clock& clock_;
   std::unique_ptr<simulator::PrinterLink> link_;  // null once closed
   ReplyExpectation expectation_;
+  bool lossNoticed_ = false;
 };
 
 }  // namespace quordalvane::virtuals

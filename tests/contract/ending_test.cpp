@@ -81,6 +81,25 @@ TEST_P(LinkContract, AWriteErrorLeavesWhatCameBeforeToBeRead) {
   EXPECT_TRUE(isLost());
 }
 
+TEST_P(LinkContract, ALossThatACallerWaitsForCountsThoughBytesAreUnread) {
+  peer->write({1, 2, 3});
+  ASSERT_TRUE(eventually([this] { return input->hasBytesAvailable(); }));
+  peer->close();
+  EXPECT_TRUE(eventually([this] {
+    accessory->noticeLoss();
+    return !accessory->isConnected();
+  }));
+}
+
+TEST_P(LinkContract, NoLossIsNoticedOfALinkThatStands) {
+  accessory->noticeLoss();
+  peer->write({1, 2, 3});
+  ASSERT_TRUE(eventually([this] { return input->hasBytesAvailable(); }));
+  accessory->noticeLoss();
+  EXPECT_TRUE(accessory->isConnected());
+  EXPECT_EQ(receive(3), (Bytes{1, 2, 3}));
+}
+
 TEST_P(LinkContract, AClosedStreamHasNoBytesAndNoSpaceAndClosesTwice) {
   peer->write({1});
   ASSERT_TRUE(eventually([this] { return input->hasBytesAvailable(); }));

@@ -40,7 +40,7 @@ class Model {
   void close();
   bool isConnected();
   std::int32_t write(const Bytes& data);
-  std::optional<Bytes> read(std::size_t bytesToRead);
+  std::optional<Bytes> read(std::size_t bytesToRead, bool waitsInAnyCase = true);
   std::int32_t writeWithRetry(const Bytes& command);
   bool getParsedStatus(QuorPrinterStatus_2* status, std::uint32_t level);
   bool getOnlineStatus(bool* onlineStatus);

@@ -214,9 +214,9 @@ bool Model::endInEscPos(const Log& log, QuorPrinterStatus_2* status, std::uint32
     }
     platform_.clock().usleep(200000);
   }
-  auto data = read(1);
+  auto data = read(1, false);
   while (data && !data->empty()) {
-    data = read(1);
+    data = read(1, false);
   }
   sayEmpty(log, data);
   if (!getParsedStatus(status, level)) {

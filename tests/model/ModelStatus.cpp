@@ -20,7 +20,7 @@ bool Model::getParsedStatus(QuorPrinterStatus_2* status, std::uint32_t level) {
   const Log log(*this, "getParsedStatus:level:");
   const std::string entry = log.at(status) + ", " + signed32(level);
   log.start(entry);
-  read(256);
+  read(256, false);
   log.process("p_emulation: " + number(creation_.emulation));
   bool done = false;
   if (creation_.emulation == 2) {

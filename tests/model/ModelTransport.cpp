@@ -64,7 +64,8 @@ std::int32_t Model::write(const Bytes& data) {
   return result;
 }
 
-std::optional<Bytes> Model::read(std::size_t bytesToRead) {
+/// A read that only clears away leftovers does not wait where the stream expects nothing.
+std::optional<Bytes> Model::read(std::size_t bytesToRead, bool waitsInAnyCase) {
   const Log log(*this, "read:");
   const std::string asked = std::to_string(bytesToRead);
   const auto lost = [&]() -> std::optional<Bytes> {
@@ -79,7 +80,9 @@ std::optional<Bytes> Model::read(std::size_t bytesToRead) {
   if (!hasBytes()) {
     log.process("_session.outputStream.hasSpaceAvailable == NO, ",
                 [this] { return number(hasSpace()); });
-    slice(session_ ? session_->inputStream().get() : nullptr, 0.1);
+    if (waitsInAnyCase || !session_ || session_->inputStream()->expectsBytes()) {
+      slice(session_ ? session_->inputStream().get() : nullptr, 0.1);
+    }
   }
   Bytes received;
   bool goOn = hasBytes();

@@ -37,6 +37,7 @@ struct Script {
   std::vector<Answer> answers;
   std::optional<std::size_t> mostPerRead;
   std::map<std::size_t, std::int64_t> readResults;  // of the n-th read of the stream, from 1
+  bool expectsBytes = true;
 
   // -- What is taken ------------------------------------------------------------------------------
   std::vector<std::size_t> attempts;  // how many bytes each `write:` gets rid of; then all

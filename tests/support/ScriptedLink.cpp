@@ -193,6 +193,7 @@ class ScriptedInput : public ScriptedStream<NSInputStream> {
  public:
   using ScriptedStream::ScriptedStream;
   bool hasBytesAvailable() override { return !isClosed() && link().hasBytes(); }
+  bool expectsBytes() override { return link().expectsBytes(); }
   std::int64_t read(std::uint8_t* buffer, std::size_t maxLength) override {
     return link().read({buffer, maxLength});
   }

@@ -28,6 +28,7 @@ class ScriptedLink {
   bool isConnected();
   bool hasSpace();
   bool hasBytes();
+  bool expectsBytes() const { return script_.expectsBytes; }
   std::int64_t write(std::span<const std::uint8_t> data);
   std::int64_t read(std::span<std::uint8_t> buffer);
   void waitForSpace(double seconds);

@@ -84,8 +84,8 @@ void Trace::note(About about, const std::string& text) {
 void Trace::log(ZKLogType type, std::int32_t level, const std::string& method,
                 const std::string& message) {
   const std::lock_guard lock(mutex_);
-  entries_.push_back(
-      {LogCapture::handedOver(), {About::log, method, shownRecord(type, level, method, message)}});
+  entries_.push_back({LogCapture::handedOver(),
+                      {About::log, method, shownRecord(type, level, method, withNames(message))}});
 }
 
 void Trace::clear() {

@@ -38,8 +38,9 @@ Bytes statusBlock(Dice& dice) {
   for (std::size_t place = 2; place < 6; ++place) {
     block[place] = dice.oneIn(2) ? 0 : dice.byte();
   }
-  block[2] = dice.oneIn(3) ? block[2] : block[2] & 0xfd;  // mostly on line
-  block[4] = dice.oneIn(3) ? block[4] : block[4] & 0xef;  // mostly no paper in the exit
+  constexpr std::uint8_t all = 0xff;
+  block[2] &= dice.oneIn(3) ? all : std::uint8_t{0xfd};  // mostly on line
+  block[4] &= dice.oneIn(3) ? all : std::uint8_t{0xef};  // mostly no paper in the exit
   block[6] = dice.among<std::uint8_t>({0, 0, 0, 1, 2, 2, 2, 3, 255});
   if (dice.oneIn(5)) {
     block.resize(1 + dice.below(63), 0x5a);
@@ -237,6 +238,7 @@ RandomCase randomCase(std::uint64_t seed) {
   scenario.levels = dice.oneIn(10) ? std::set<std::int32_t>{1} : std::set<std::int32_t>{0};
   Script& script = scenario.script;
   script.lostAfterCalls = 2000;
+  script.expectsBytes = !dice.oneIn(4);
   script.startMicroseconds = static_cast<std::int64_t>(dice.below(1000000));
   if (dice.oneIn(6)) {
     script.delivers(dice.bytes(1 + dice.below(300)), dice.oneIn(2) ? 0 : dice.seconds(3));

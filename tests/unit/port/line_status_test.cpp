@@ -38,6 +38,14 @@ TEST(LineStatus, ThrowsAwayWhatWasPendingBeforeTheRequest) {
             "2 x input.read 128 -> " + shown(Bytes(128, 0x41)) + "\n");
 }
 
+TEST(LineStatus, WaitsForNoLeftoversWhereNothingCanCome) {
+  Scenario scenario = lineModePrinter();
+  scenario.script.expectsBytes = false;
+  const Outcome run = scenario.run(getParsedStatus());
+  EXPECT_EQ(run.result, "true");
+  EXPECT_EQ(run.wire().find("slice"), std::string::npos);
+}
+
 TEST(LineStatus, IsPutTogetherFromSeveralPieces) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.whenAsked(

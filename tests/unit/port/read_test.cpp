@@ -105,6 +105,12 @@ TEST(Read, StopsAsSoonAsTheStreamHasNothingMore) {
   EXPECT_EQ(run.wire(), "input.read 3 -> <01 02>\n");
 }
 
+TEST(Read, WaitsItsSliceAlsoWhereNothingCanCome) {
+  Scenario scenario = Scenario::in(lineMode);
+  scenario.script.expectsBytes = false;
+  EXPECT_EQ(scenario.run(read(3)).wire(), "slice for input 0.1\n");
+}
+
 TEST(Read, ReturnsWhatArrivesWithinTheSliceAtOnce) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.delivers(bytes("01"), 0.05);
