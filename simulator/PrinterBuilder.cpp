@@ -62,7 +62,19 @@ PrinterBuilder& PrinterBuilder::with(Flag flag, bool value) {
   return *this;
 }
 
+PrinterBuilder& PrinterBuilder::fault(std::string_view name, std::string_view value) {
+  faults_.add(name, value);
+  return *this;
+}
+
+PrinterBuilder& PrinterBuilder::seed(std::uint64_t number) {
+  faults_.seed = number;
+  return *this;
+}
+
 PrinterBuilder& PrinterBuilder::set(std::string_view key, std::string_view value) {
+  if (isFault(key) || key == "seed")
+    return fault(key, value);
   state_.set(key, value);
   return *this;
 }

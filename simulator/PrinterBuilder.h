@@ -2,13 +2,14 @@
 
 #include <string_view>
 
+#include "simulator/Faults.h"
 #include "simulator/VirtualPrinter.h"
 
 namespace quordalvane::simulator {
 
-/// Describes a printer in a sentence:
-/// `PrinterBuilder().speed(200).buffer(4096).coverOpen().build()`. What is not said is as in
-/// `PrinterState`. A value that a printer cannot have throws std::invalid_argument.
+/// Describes a printer, and what goes wrong on the links to it, in a sentence:
+/// `PrinterBuilder().speed(200).coverOpen().fault("late-reply", "300")`. What is not said is as in
+/// `PrinterState`, and nothing goes wrong. A value that cannot be throws std::invalid_argument.
 class PrinterBuilder {
  public:
   /// Bytes of print data worked through in a second; 0: no time at all.
@@ -31,14 +32,23 @@ class PrinterBuilder {
   /// Sets or takes away any flag.
   PrinterBuilder& with(Flag flag, bool value = true);
 
-  /// A setting by its name, as `PrinterState::set` takes it.
+  /// A fault of every link, as `faultHelp` describes them; they add up.
+  PrinterBuilder& fault(std::string_view name, std::string_view value);
+
+  /// Decides whatever a fault leaves to chance.
+  PrinterBuilder& seed(std::uint64_t number);
+
+  /// A setting by its name, as `PrinterState::set` takes it, or a fault, or the seed: what users
+  /// write behind `virtual:` and `--set`.
   PrinterBuilder& set(std::string_view key, std::string_view value);
 
   const PrinterState& state() const { return state_; }
+  const Faults& faults() const { return faults_; }
   VirtualPrinter build() const { return VirtualPrinter(state_); }
 
  private:
   PrinterState state_;
+  Faults faults_;
 };
 
 }  // namespace quordalvane::simulator

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "simulator/PrinterState.h"
+#include "simulator/PrinterBuilder.h"
 
 namespace quordalvane::virtuals {
 namespace {
@@ -124,18 +124,13 @@ void VirtualAccessory::withPrinter(
 std::shared_ptr<VirtualAccessory> makePrinterAccessory(
     AccessoryIdentity identity, const std::vector<std::pair<std::string, std::string>>& options,
     Clock& clock) {
-  simulator::PrinterState state;
-  simulator::Faults faults;
+  simulator::PrinterBuilder printer;
   for (const auto& [key, value] : options) {
-    if (simulator::isFault(key) || key == "seed") {
-      faults.add(key, value);
-    } else {
-      state.set(key, value);
-    }
+    printer.set(key, value);
   }
   return std::make_shared<VirtualAccessory>(
-      std::move(identity), std::make_unique<simulator::VirtualPrinter>(std::move(state)), clock,
-      std::move(faults));
+      std::move(identity), std::make_unique<simulator::VirtualPrinter>(printer.state()), clock,
+      printer.faults());
 }
 
 }  // namespace quordalvane::virtuals

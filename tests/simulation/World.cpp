@@ -12,20 +12,22 @@
 namespace quordalvane::simulation {
 namespace {
 
-simulator::Faults faultsOf(const Case& given) {
-  simulator::Faults faults;
-  for (const auto& [key, value] : given.faults) {
-    faults.add(key, value);
-  }
-  return faults;
-}
-
-std::unique_ptr<simulator::VirtualPrinter> printerOf(const Case& given) {
+simulator::PrinterBuilder printerOf(const Case& given) {
   simulator::PrinterBuilder builder;
   for (const auto& [key, value] : given.printer) {
     builder.set(key, value);
   }
-  return std::make_unique<simulator::VirtualPrinter>(builder.state());
+  for (const auto& [key, value] : given.faults) {
+    builder.fault(key, value);
+  }
+  return builder;
+}
+
+std::shared_ptr<virtuals::VirtualAccessory> accessoryOf(const Case& given, Clock& clock) {
+  const auto printer = printerOf(given);
+  return std::make_shared<virtuals::VirtualAccessory>(
+      AccessoryIdentity{}, std::make_unique<simulator::VirtualPrinter>(printer.state()), clock,
+      printer.faults());
 }
 
 PrintResult printOn(const std::shared_ptr<ExternalAccessoryPort>& port, const ByteBuffer& data,
@@ -53,8 +55,7 @@ World::World(const Case& given)
     : trace_(test::replayedCase() ? std::make_unique<test::Trace>() : nullptr),
       given_(given),
       platform_(std::make_shared<virtuals::VirtualPlatform>()),
-      accessory_(std::make_shared<virtuals::VirtualAccessory>(AccessoryIdentity{}, printerOf(given),
-                                                              platform_->clock(), faultsOf(given))),
+      accessory_(accessoryOf(given, platform_->clock())),
       witness_(std::make_shared<Witness>(given.data)) {
   platform_->attach(accessory_);
   for (const Turn& turn : given.turns) {

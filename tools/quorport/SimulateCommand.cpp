@@ -2,43 +2,31 @@
 #include <stdexcept>
 #include <utility>
 
-#include "simulator/Faults.h"
-#include "simulator/PrinterState.h"
+#include "simulator/PrinterBuilder.h"
 #include "tools/quorport/Commands.h"
 #include "tools/quorport/simulate/Server.h"
 
 namespace quordalvane::tool {
 namespace {
 
-struct Beginning {
-  simulator::PrinterState state;
-  simulator::Faults faults;
-};
-
-void set(Beginning& beginning, const std::string& assignment) {
+void set(simulator::PrinterBuilder& printer, const std::string& assignment) {
   const std::size_t equals = assignment.find('=');
   if (equals == std::string::npos) {
     throw std::invalid_argument("takes KEY=VALUE, not " + inQuotes(assignment));
   }
-  const std::string key = assignment.substr(0, equals);
-  const std::string value = assignment.substr(equals + 1);
-  if (simulator::isFault(key) || key == "seed") {
-    beginning.faults.add(key, value);
-  } else {
-    beginning.state.set(key, value);
-  }
+  printer.set(assignment.substr(0, equals), assignment.substr(equals + 1));
 }
 
-Beginning beginningOf(const SimulateOptions& options) {
-  Beginning beginning;
+simulator::PrinterBuilder printerOf(const SimulateOptions& options) {
+  simulator::PrinterBuilder printer;
   for (const std::string& assignment : options.settings) {
     try {
-      set(beginning, assignment);
+      set(printer, assignment);
     } catch (const std::invalid_argument& error) {
       throw Failure(ExitCode::Usage, std::string("--set: ") + printable(error.what()));
     }
   }
-  return beginning;
+  return printer;
 }
 
 }  // namespace
@@ -46,7 +34,7 @@ Beginning beginningOf(const SimulateOptions& options) {
 Report simulate(const Options& options, const Surroundings& surroundings) {
   // In the background of a terminal, standard input is not ours to read; trying must not stop us.
   std::signal(SIGTTIN, SIG_IGN);
-  Beginning beginning = beginningOf(options.simulate);
+  const auto printer = printerOf(options.simulate);
   Server::Places places;
   if (options.simulate.receipts) {
     places.receipts = std::make_unique<ReceiptFolder>(*options.simulate.receipts);
@@ -55,9 +43,7 @@ Report simulate(const Options& options, const Surroundings& surroundings) {
     places.controls = listenPrivatelyAt(*options.simulate.control, "--control");
   }
   places.hosts = listenAt(options.simulate.listen);
-  Server(std::move(beginning.state), std::move(beginning.faults), std::move(places),
-         surroundings.streams)
-      .run();
+  Server(printer.state(), printer.faults(), std::move(places), surroundings.streams).run();
   return {};
 }
 

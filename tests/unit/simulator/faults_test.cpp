@@ -21,6 +21,17 @@ Faults also(Faults faults, std::string_view name, std::string_view value) {
   return faults;
 }
 
+TEST(Faults, AreToldToTheBuilderByTheirOwnWordOrAsASetting) {
+  const PrinterBuilder builder =
+      PrinterBuilder().fault("short-writes", "3").seed(5).set("late-reply", "20").set("seed", "7");
+  ASSERT_EQ(builder.faults().list.size(), 2U);
+  EXPECT_EQ(builder.faults().list[0].kind, FaultKind::shortWrites);
+  EXPECT_EQ(builder.faults().list[1].kind, FaultKind::lateReply);
+  EXPECT_EQ(builder.faults().seed, 7U);
+  EXPECT_EQ(PrinterBuilder().seed(5).faults().seed, 5U);
+  EXPECT_THROW(PrinterBuilder().fault("no-such-fault", "1"), std::invalid_argument);
+}
+
 TEST(Faults, AShortWriteTakesNoMoreThanItsCount) {
   Session session(with("short-writes", "3"));
   EXPECT_EQ(session.link->space(session.now), 3U);
