@@ -4,6 +4,7 @@ Nothing here sleeps for a fixed time: everything waits for a line, a byte or an 
 deadline.
 """
 
+import concurrent.futures
 import json
 import os
 import select
@@ -13,7 +14,7 @@ import tempfile
 import threading
 import time
 import unittest
-from collections.abc import Callable
+from collections.abc import Callable, Iterable
 from pathlib import Path
 
 QUORPORT = os.environ["QUORPORT"]
@@ -250,6 +251,50 @@ def answer_status(connection: socket.socket, block: bytes):
         requests = unread.count(STATUS_REQUEST)
         connection.sendall(block * requests)
         unread = unread[-2:] if not requests else b""
+
+
+def answering(replies: dict[bytes, bytes | Callable[[socket.socket], None]]):
+    """A printer that answers each request until the host leaves: with bytes, or in a way of its own."""
+
+    def handle(connection):
+        unread = b""
+        while more := connection.recv(4096):
+            unread += more
+            for request, reply in replies.items():
+                if unread.endswith(request):
+                    unread = b""
+                    reply(connection) if callable(reply) else connection.sendall(reply)
+
+    return handle
+
+
+def in_pieces(*pieces: bytes, pause: float = 0.05):
+    """A reply that comes bit by bit."""
+
+    def send(connection: socket.socket):
+        for piece in pieces:
+            connection.sendall(piece)
+            time.sleep(pause)
+
+    return send
+
+
+def last_words(words: bytes = b""):
+    """A reply after which the printer is gone."""
+
+    def send(connection: socket.socket):
+        connection.sendall(words)
+        connection.shutdown(socket.SHUT_RDWR)
+
+    return send
+
+
+def at_once(calls: Iterable[tuple]):
+    """Makes all calls, a function and its arguments each, many at a time: most of them only wait. The first
+    failure is raised."""
+    with concurrent.futures.ThreadPoolExecutor(max_workers=16) as pool:
+        for call in [pool.submit(*call) for call in calls]:
+            call.result()
 
 
 def main():

@@ -3,7 +3,8 @@
 import re
 import socket
 
-from harness import FLAGS, STATUS_KEYS, STATUS_REQUEST, Case, answer_status, eventually, main, receive, run, status_block
+from harness import (FLAGS, STATUS_KEYS, STATUS_REQUEST, Case, answer_status, at_once, eventually, main, receive, run,
+                     status_block)
 
 
 class OverEveryLink(Case):
@@ -77,6 +78,14 @@ class OverEveryLink(Case):
                 times[bank] = result.json()["milliseconds"]
             self.assertEqual(sorted(times.values()), [0, 6234, 11234, 21234])
             self.assertRegex(run("-d", simulator.place, "button-security").out, r"^(off|[\d,]+ ms)\n$")
+
+    def test_disconnect_has_the_printers_module_drop_the_link(self):
+        for simulator in self.each_link():
+            result = run("-d", simulator.place, "disconnect", "--json")
+            self.assertExit(0, result)
+            self.assertEqual(result.json(), {"ok": True})
+            place = simulator.next_place() if simulator.place.startswith("serial:") else simulator.place
+            self.assertExit(0, run("-d", place, "status"))
 
     def test_cancel_makes_the_printer_drop_what_it_holds(self):
         for simulator in self.each_link("--set", "offline=true"):
@@ -178,6 +187,24 @@ class AgainstAPeer(Case):
 
         status = run("-d", self.peer(handle).place, "status", "--json").json()["status"]
         self.assertEqual((status["coverOpen"], status["offline"], status["rawLength"]), (1, 1, 9))
+        for _ in range(20):
+            self.assertExit(4, run("-d", self.peer(handle).place, "online"))
+
+    def test_blocks_of_every_length_are_read(self):
+        longest = bytes([0x80, 1, 0x02, 0, 0, 0x20, 7, 2, 3]) + bytes(range(100, 154))
+
+        def check(length: int):
+            block = bytes([0x80 | length]) + longest[1:length]
+            peer = self.peer(lambda connection: answer_status(connection, block))
+            status = run("-d", peer.place, "status", "--json").json()["status"]
+            carried = block.ljust(9, b"\0")
+            self.assertEqual((status["rawLength"], status["raw"]), (length, block.hex()))
+            self.assertEqual([name for name in FLAGS if status[name]],
+                             [name for name, byte in (("offline", 2), ("etbAvailable", 5)) if byte < length])
+            self.assertEqual((status["etbCounter"], status["presenterState"], status["connectedInterface"]),
+                             tuple(carried[6:9]))
+
+        at_once((check, length) for length in range(2, 64))
 
     def test_a_printer_that_says_nothing_is_asked_twice_and_is_a_failed_exchange(self):
         def handle(connection):

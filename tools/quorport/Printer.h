@@ -43,12 +43,12 @@ class Printer {
 
   const std::shared_ptr<ExternalAccessoryPort>& port() { return port_; }
 
-  /// Runs `exchange` on the port and returns what it returns. What the port raises becomes the
+  /// Runs `operation` on the port and returns what it returns. What the port raises becomes the
   /// Failure of `failure`.
-  template <typename Exchange>
-  auto exchange(Exchange exchange) {
+  template <typename Operation>
+  auto exchange(Operation operation) {
     try {
-      return exchange(*port_);
+      return operation(*port_);
     } catch (const Failure&) {
       throw;
     } catch (const std::exception& error) {

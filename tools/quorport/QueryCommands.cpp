@@ -3,6 +3,7 @@
 #include "job/Words.h"
 #include "tools/quorport/Commands.h"
 #include "tools/quorport/Hex.h"
+#include "tools/quorport/Listener.h"
 #include "tools/quorport/Printer.h"
 
 namespace quordalvane::tool {
@@ -10,15 +11,20 @@ namespace {
 
 using Port = ExternalAccessoryPort;
 
-Report done(const std::string& text) {
-  Report report;
-  report.json["ok"] = true;
-  report.text = text + "\n";
-  return report;
-}
-
 std::string spaced(const std::string& hex) {
   return hex.substr(0, 2) + " " + hex.substr(2);
+}
+
+// In ESC/POS the port takes the first bytes that come for the whole text. A whole one ends in a
+// zero.
+bool retrieveWholeFirmware(Port& port) {
+  const Listener listener(port.shared_from_this());
+  try {
+    return port.retrieveFirmwareInformation() &&
+           (port.emulation() != ZKEmulationESCPOS || listener.heard().back() == 0);
+  } catch (const std::out_of_range&) {
+    return false;  // a single byte, which has no text
+  }
 }
 
 // Why the port would not ask: it looks whether the printer is on line first.
@@ -34,18 +40,6 @@ Failure whyNoFirmware(Printer& printer) {
 
 }  // namespace
 
-Report online(const Options& options, const Surroundings& surroundings) {
-  Printer printer(options, surroundings);
-  bool isOnline = false;
-  if (!printer.exchange([&](Port& port) { return port.getOnlineStatus(&isOnline); })) {
-    throw printer.failure("the printer did not answer");
-  }
-  Report report = done(isOnline ? "on line" : "off line");
-  report.json["online"] = isOnline;
-  report.code = isOnline ? ExitCode::Done : ExitCode::NotReady;
-  return report;
-}
-
 Report cancel(const Options& options, const Surroundings& surroundings) {
   Printer printer(options, surroundings);
   if (!printer.exchange([](Port& port) { return port.startDataCancel(); })) {
@@ -56,7 +50,7 @@ Report cancel(const Options& options, const Surroundings& surroundings) {
 
 Report firmware(const Options& options, const Surroundings& surroundings) {
   Printer printer(options, surroundings);
-  if (!printer.exchange([](Port& port) { return port.retrieveFirmwareInformation(); })) {
+  if (!printer.exchange(retrieveWholeFirmware)) {
     throw whyNoFirmware(printer);
   }
   const std::string text = printer.port()->firmwareInformation().value_or("");

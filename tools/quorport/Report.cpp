@@ -5,6 +5,13 @@
 
 namespace quordalvane::tool {
 
+Report done(const std::string& line) {
+  Report report;
+  report.json["ok"] = true;
+  report.text = line + "\n";
+  return report;
+}
+
 void setFailed(Report& report, ExitCode code, const std::string& error) {
   report.code = code;
   report.json["ok"] = false;

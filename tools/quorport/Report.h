@@ -41,6 +41,9 @@ struct Report {
   std::string error;           ///< why it failed, for people; "" if it did not
 };
 
+/// The report of a command that did what was asked, with a line for people.
+Report done(const std::string& line);
+
 /// Adds the failure to what the report holds.
 void setFailed(Report& report, ExitCode code, const std::string& error);
 
