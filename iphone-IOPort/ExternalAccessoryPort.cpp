@@ -60,7 +60,12 @@ std::shared_ptr<ExternalAccessoryPort> ExternalAccessoryPort::initWithPortName(
     std::uint32_t timeout, ZKEmulation emulation, std::shared_ptr<Platform> platform) {
   auto port = std::make_shared<ExternalAccessoryPort>(Arguments{
       std::move(portName), std::move(portSettings), timeout, emulation, std::move(platform)});
-  return port->initialise() ? port : nullptr;
+  try {
+    return port->initialise() ? port : nullptr;
+  } catch (...) {
+    port->stopThread71 = true;  // nobody will have the port that could close it
+    throw;
+  }
 }
 
 bool ExternalAccessoryPort::initialise() {

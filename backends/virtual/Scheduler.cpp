@@ -52,6 +52,11 @@ void Scheduler::end(Thread& self) {
   passTurn(lock);
 }
 
+void Scheduler::disown(Thread& thread) {
+  const std::lock_guard lock(mutex_);
+  threads_.erase(&thread);
+}
+
 Scheduler::Thread* Scheduler::current() const {
   return place.scheduler == this ? place.thread : nullptr;
 }

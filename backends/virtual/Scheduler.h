@@ -41,6 +41,9 @@ class Scheduler {
   void begin(Thread& self);
   void end(Thread& self);
 
+  /// Takes an adopted thread back that never came to begin.
+  void disown(Thread& thread);
+
   /// The calling thread; null if it takes no turns here.
   Thread* current() const;
 

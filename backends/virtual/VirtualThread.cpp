@@ -89,18 +89,23 @@ VirtualThread::VirtualThread(Scheduler& scheduler, std::function<void()> body)
 
 bool VirtualThread::start() {
   Scheduler::Thread& self = scheduler_.adopt();
+  try {
+    std::thread([&scheduler = scheduler_, &self, loop = loop_,
+                 body = std::exchange(body_, {})]() mutable {
+      scheduler.begin(self);
+      ownLoop = {&scheduler, loop};
+      body();
+      loop->drainAndClose();
+      // The turn goes on before the body is released: the body may hold the last reference to the
+      // platform, and with it to the scheduler.
+      scheduler.end(self);
+      body = {};
+    }).detach();
+  } catch (const std::exception&) {
+    scheduler_.disown(self);
+    return false;
+  }
   thread_ = &self;
-  std::thread([&scheduler = scheduler_, &self, loop = loop_,
-               body = std::exchange(body_, {})]() mutable {
-    scheduler.begin(self);
-    ownLoop = {&scheduler, loop};
-    body();
-    loop->drainAndClose();
-    // The turn goes on before the body is released: the body may hold the last reference to the
-    // platform, and with it to the scheduler.
-    scheduler.end(self);
-    body = {};
-  }).detach();
   return true;
 }
 

@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <new>
 
+#include "platform/Forwarding.h"
 #include "tests/faults/AllocationFault.h"
 #include "tests/faults/AnsweringPrinter.h"
 #include "tests/faults/CaseNames.h"
@@ -130,6 +132,53 @@ class AllocationSweep : public testing::TestWithParam<std::tuple<std::int32_t, b
     }
   }
 };
+
+/// Counts the threads that run.
+class CountedThreads : public ForwardingPlatform {
+ public:
+  explicit CountedThreads(std::shared_ptr<Platform> next) : ForwardingPlatform(std::move(next)) {}
+
+  std::shared_ptr<NSThread> makeThread(std::function<void()> body) override {
+    return ForwardingPlatform::makeThread([this, body = std::move(body)] {
+      ++running_;
+      body();
+      --running_;
+    });
+  }
+
+  int running() const { return running_; }
+
+ private:
+  std::atomic<int> running_ = 0;
+};
+
+TEST(NewPortWithoutMemory, LeavesNoThreadBehind) {
+  const Logging logging(true);
+  std::uint64_t failures = 0;
+  bool struck = true;
+  for (std::uint64_t k = 1; struck && !testing::Test::HasFailure(); ++k) {
+    ScriptedWorld world;
+    world.machine().setMainThread(true);
+    const auto platform = std::make_shared<CountedThreads>(world.platform());
+    std::shared_ptr<ExternalAccessoryPort> port;
+    try {
+      const AllocationFault fault(Allocation::any, k, false);
+      port = ExternalAccessoryPort::initWithPortName("BT:00:11:22:33:44:55",
+                                                     "a text that is too long for its object, d9",
+                                                     1000, ZKEmulationQuorLine, platform);
+      struck = fault.hasStruck();
+    } catch (const std::bad_alloc&) {
+      ++failures;
+    }
+    world.machine().clock().usleep(1000000);
+    EXPECT_EQ(platform->running(), port ? 1 : 0) << "after allocation " << k;
+    if (port) {
+      port->close();
+      world.machine().clock().usleep(1000000);
+    }
+  }
+  EXPECT_GT(failures, 5U);
+}
 
 /// With a platform that raises, and no memory to say so.
 class NoMemoryAtAll : public testing::TestWithParam<bool> {
