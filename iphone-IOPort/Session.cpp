@@ -210,8 +210,9 @@ void ExternalAccessoryPort::close71() {
   _session.set(nullptr);
   _selectedAccessory.set(nullptr);
   setConnectionID(0);
-  setName(std::nullopt);
-  setSerialNumber(std::nullopt);
+  const std::optional<std::string> none;
+  setName(none);
+  setSerialNumber(none);
   QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%@", "");
 }
 
