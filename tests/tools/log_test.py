@@ -53,6 +53,21 @@ class Log(Case):
         self.assertNotIn(b"\x1b", target.read_bytes())
         self.assertIn("BT:\x1b[2J\ufffd", json.loads(target.read_text().splitlines()[0])["message"])
 
+    def test_control_characters_of_accessory_and_printer_do_not_reach_the_log_raw(self):
+        target = self.folder / "log"
+        odd = bytes(range(1, 0x20)) + b"\x7f\xc2\x9b\xff"
+        device = b"virtual:,name=" + odd.replace(b",", b"") + b",address=" + odd.replace(b",", b"")
+        run("-d", device, "print", "--unchecked", "-", "--log", target, data=odd)
+
+        def speak(connection):
+            connection.sendall(b"\x1b#*" + odd + b"\n\0\x5f" + odd + b"\0")
+            connection.recv(1)
+
+        run("-d", self.peer(speak).place, "-e", "escpos", "-t", "0", "status", "--log", target)
+        for line in target.read_bytes().decode().splitlines():
+            self.assertTrue(line.isprintable(), line)
+            json.loads(line)
+
     def test_a_log_that_cannot_be_opened_is_said_before_anything_is_done(self):
         contacted = []
         peer = self.peer(contacted.append)

@@ -117,6 +117,11 @@ class Receipts(Case):
         self.assertExit(0, run("print", "-", "--receipt", target, data=b"Bread  4.20\n"))
         self.assertEqual(target.read_text().strip(), "Bread  4.20")
 
+    def test_a_receipt_holds_no_control_character_of_the_job(self):
+        target = self.folder / "receipt.txt"
+        self.assertExit(0, run("print", "-", "--receipt", target, data=bytes(range(0x80, 0xa0)) + b"a\x7f\x05\x07\xc2\x9b\n"))
+        self.assertTrue(target.read_text().replace("\n", "").isprintable(), target.read_text())
+
     def test_a_receipt_is_what_came_out_as_a_picture(self):
         target = self.folder / "receipt.png"
         self.assertExit(0, run("print", "-", "--receipt", target, data=b"Bread  4.20\n"))

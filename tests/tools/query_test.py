@@ -122,6 +122,14 @@ class Listing(Case):
             "name": "Till", "serialNumber": "7", "modelNumber": "M1", "manufacturer": "quor dalvane",
             "protocolStrings": ["a", "b"], "connectionID": 18446744073709551615, "connected": True, "chosen": False})
 
+    def test_control_characters_of_an_accessory_are_shown_and_not_passed_on(self):
+        odd = b"\x1b[31m\x07\r\xc2\x9b\xff"
+        device = b"virtual:,name=" + odd + b",model=" + odd + b",manufacturer=" + odd + b",address=" + odd
+        for form in ((), ("--json",)):
+            result = run("-d", device, "list", *form)
+            self.assertExit(0, result)
+            self.assertTrue(result.out.rstrip("\n").replace("\n", "").isprintable(), result)
+
     def test_what_a_device_did_not_say_is_null(self):
         (accessory,) = self.listed()
         self.assertIsNone(accessory["serialNumber"])

@@ -21,8 +21,7 @@ void setFailed(Report& report, ExitCode code, const std::string& error) {
 
 bool deliver(const Report& report, bool asJson, const Streams& streams) {
   const bool hasObject = asJson && !report.json.empty();
-  const std::string object =
-      hasObject ? report.json.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n" : "";
+  const std::string object = hasObject ? inOneLine(report.json) + "\n" : "";
   const WriteOutcome outcome = writeAll(streams.out, asJson ? object : report.text);
   if (!report.error.empty()) {
     complain(report.error, streams);
@@ -36,6 +35,11 @@ bool deliver(const Report& report, bool asJson, const Streams& streams) {
 
 void complain(const std::string& line, const Streams& streams) {
   writeAll(streams.err, "quorport: " + line + "\n");  // there is no one left to tell if this fails
+}
+
+std::string inOneLine(const Json& json) {
+  // The library escapes the control characters of ASCII; those of terminals with eight bits remain.
+  return printable(json.dump(-1, ' ', false, Json::error_handler_t::replace));
 }
 
 std::string printable(std::string_view text) {

@@ -54,6 +54,10 @@ bool deliver(const Report& report, bool asJson, const Streams& streams);
 /// Writes a line for people to standard error, behind the command's name.
 void complain(const std::string& line, const Streams& streams);
 
+/// The object as JSON without a line feed; no control character is in it raw, invalid bytes are
+/// replaced.
+std::string inOneLine(const Json& json);
+
 /// Outside text for people: control characters escaped, invalid bytes replaced.
 std::string printable(std::string_view text);
 

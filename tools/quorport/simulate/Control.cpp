@@ -22,7 +22,7 @@ constexpr auto everyRequest =
 }
 
 std::string shortened(const Json& value) {
-  return printable(value.dump(-1, ' ', false, Json::error_handler_t::replace).substr(0, 60));
+  return printable(inOneLine(value).substr(0, 60));
 }
 
 // A value as text, as the printer's settings and faults take it.
@@ -75,7 +75,7 @@ std::string Control::answer(std::string_view line, simulator::Instant now) {
   } catch (const std::exception& error) {
     answer = {{"ok", false}, {"error", printable(error.what())}};
   }
-  return answer.dump(-1, ' ', false, Json::error_handler_t::replace);
+  return inOneLine(answer);
 }
 
 Json Control::obey(const Json& request, simulator::Instant now) {
