@@ -130,27 +130,21 @@ void appendArgument(MessageText& message, LogConversion conversion, const LogArg
       return message.append(AddressText(addressOf(argument)).view());
     case LogConversion::text:
       return appendText(message, textOf(argument));
-    case LogConversion::percentSign:
     case LogConversion::none:
-      break;  // they take no argument
+      break;  // fits no argument
   }
 }
 
 }  // namespace
 
-std::string buildMessage(std::string_view format, std::span<const LogArgument> arguments) {
+std::string buildMessage(std::span<const LogFormatPiece> pieces, std::string_view rest,
+                         std::span<const LogArgument> arguments) {
   MessageText message;
-  std::size_t used = 0;
-  LogFormatPiece piece = nextPiece(format);
-  for (; piece.conversion != LogConversion::none; piece = nextPiece(piece.rest)) {
-    message.append(piece.text);
-    if (piece.conversion == LogConversion::percentSign) {
-      message.append("%");
-    } else {
-      appendArgument(message, piece.conversion, arguments[used++]);
-    }
+  for (std::size_t i = 0; i < pieces.size(); ++i) {
+    message.append(pieces[i].text);
+    appendArgument(message, pieces[i].conversion, arguments[i]);
   }
-  message.append(piece.text);
+  message.append(rest);
   LogWriter::countMessage();
   return std::move(message).take();
 }

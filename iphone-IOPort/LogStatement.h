@@ -34,7 +34,6 @@
 ///     %p   raw or smart pointer: 0x and lower-case hexadecimal digits; none is 0x0
 ///     %@   string, "(null)" for none: std::string, a view, a C string, an optional of them;
 ///          list of strings: "(one, two)"; byte buffer or optional one: "<1b 06>"; nullptr: none
-///     %%   a per cent sign
 /// A per cent sign inside of an argument is text.
 #define QUOR_LOG(logType, logLevel, ...)                                                 \
   do {                                                                                   \
@@ -106,16 +105,12 @@ using Referred = decltype(refer(std::declval<const Argument&>()));
 
 }  // namespace log_argument
 
-enum class LogConversion { none, percentSign, int32, uint32, int64, uint64, real, address, text };
+enum class LogConversion { none, int32, uint32, int64, uint64, real, address, text };
 
-/// The text of a format up to its next per cent sign, the conversion there, and what follows.
-/// `none`: the format ends with the text, or the sign begins no conversion, which `isValid` tells
-/// apart.
+/// A stretch of a format: some text, and the conversion behind it.
 struct LogFormatPiece {
   std::string_view text;
   LogConversion conversion = LogConversion::none;
-  std::string_view rest = {};
-  bool isValid = true;
 };
 
 constexpr LogConversion conversionOf(char letter) {
@@ -130,8 +125,6 @@ constexpr LogConversion conversionOf(char letter) {
       return LogConversion::address;
     case '@':
       return LogConversion::text;
-    case '%':
-      return LogConversion::percentSign;
     default:
       return LogConversion::none;
   }
@@ -148,27 +141,28 @@ constexpr LogConversion longConversionOf(char letter) {
   }
 }
 
-constexpr LogFormatPiece nextPiece(std::string_view format) {
+/// Takes the format up to and with its next conversion off its beginning. `none`: there is none, or
+/// what follows the next per cent sign is no conversion.
+constexpr LogFormatPiece takePiece(std::string_view& format) {
   const std::size_t sign = format.find('%');
   if (sign == std::string_view::npos) {
-    return {.text = format};
+    return {};
   }
   const std::string_view text = format.substr(0, sign);
-  std::string_view behind = format.substr(sign + 1);
-  const bool isLong = behind.starts_with('l');
-  behind.remove_prefix(isLong ? 1 : 0);
-  const char letter = behind.empty() ? '\0' : behind.front();
-  const LogConversion conversion = isLong ? longConversionOf(letter) : conversionOf(letter);
-  if (conversion == LogConversion::none) {
-    return {.text = text, .isValid = false};
-  }
-  return {.text = text, .conversion = conversion, .rest = behind.substr(1)};
+  format.remove_prefix(sign + 1);
+  const bool isLong = format.starts_with('l');
+  format.remove_prefix(isLong ? 1 : 0);
+  const char letter = format.empty() ? '\0' : format.front();
+  format.remove_prefix(format.empty() ? 0 : 1);
+  return {.text = text, .conversion = isLong ? longConversionOf(letter) : conversionOf(letter)};
 }
 
 template <typename Argument>
 constexpr bool fitsConversion(LogConversion conversion) {
   using Referred = log_argument::Referred<Argument>;
   switch (conversion) {
+    case LogConversion::none:
+      return false;
     case LogConversion::real:
       return std::is_same_v<Referred, double>;
     case LogConversion::address:
@@ -180,50 +174,53 @@ constexpr bool fitsConversion(LogConversion conversion) {
   }
 }
 
-/// Whether the format has known conversions alone, one for each argument, that fit the arguments.
+/// A format in its pieces, one for each argument, and the text behind them: what can be found out
+/// when the program is compiled is not found out at each call.
 template <typename... Arguments>
-constexpr bool fitsFormat(std::string_view format) {
-  constexpr std::array<bool (*)(LogConversion), sizeof...(Arguments)> fits{
-      &fitsConversion<Arguments>...};
-  std::size_t used = 0;
-  LogFormatPiece piece = nextPiece(format);
-  for (; piece.conversion != LogConversion::none; piece = nextPiece(piece.rest)) {
-    if (piece.conversion == LogConversion::percentSign) {
-      continue;
+struct LogFormatPieces {
+  std::array<LogFormatPiece, sizeof...(Arguments)> pieces;
+  std::string_view rest;
+  bool fits = true;  // known conversions alone, which fit the arguments, and as many
+
+  constexpr explicit LogFormatPieces(std::string_view format) {
+    constexpr std::array<bool (*)(LogConversion), sizeof...(Arguments)> fitting{
+        &fitsConversion<Arguments>...};
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
+      pieces[i] = takePiece(format);
+      fits = fits && fitting[i](pieces[i].conversion);
     }
-    if (used == fits.size() || !fits[used](piece.conversion)) {
-      return false;
-    }
-    ++used;
+    rest = format;
+    fits = fits && rest.find('%') == std::string_view::npos;
   }
-  return piece.isValid && used == fits.size();
-}
+};
 
 /// A format that was found to fit its arguments when the program was compiled.
 template <typename... Arguments>
 class LogFormat {
  public:
-  consteval LogFormat(const char* text) : text_(text) {
-    if (!fitsFormat<Arguments...>(text_)) {
+  consteval LogFormat(const char* text) : pieces_(text) {
+    if (!pieces_.fits) {
       throw "the conversions of this format do not fit its arguments";
     }
   }
 
-  constexpr std::string_view text() const { return text_; }
+  std::span<const LogFormatPiece> pieces() const { return pieces_.pieces; }
+  std::string_view rest() const { return pieces_.rest; }
 
  private:
-  std::string_view text_;
+  LogFormatPieces<Arguments...> pieces_;
 };
 
-/// The message of `format`, which fits `arguments`.
-std::string buildMessage(std::string_view format, std::span<const LogArgument> arguments);
+/// The message of `pieces`, which have a conversion each that fits its argument, and the `rest`.
+std::string buildMessage(std::span<const LogFormatPiece> pieces, std::string_view rest,
+                         std::span<const LogArgument> arguments);
 
 template <typename... Arguments>
-std::string formatMessage(LogFormat<std::type_identity_t<Arguments>...> format,
+std::string formatMessage(const LogFormat<std::type_identity_t<Arguments>...>& format,
                           const Arguments&... arguments) {
   const std::array<LogArgument, sizeof...(Arguments)> referred{
       LogArgument(log_argument::refer(arguments))...};
-  return buildMessage(format.text(), referred);
+  return buildMessage(format.pieces(), format.rest(), referred);
 }
 
 /// A record that lacks its message yet: made first, so that the message is built last.

@@ -91,10 +91,11 @@ void LogDelivery::runWriter() {
   while (queue_.take(batch)) {
     const std::size_t taken = batch.records.size();
     if (batch.dropped > 0) {
-      batch.records.push_back(dropRecord(batch));
+      LogRecord drop = dropRecord(batch);
+      batch.records.add(drop);
     }
     for (const auto& attached : attachedSinks()) {
-      give(*attached, batch.records);
+      give(*attached, batch.records.records());
     }
     batch.records.clear();
     queue_.finish(taken);

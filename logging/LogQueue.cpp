@@ -28,7 +28,7 @@ void LogQueue::push(LogRecord&& record) noexcept {
     const bool wasEmpty = pending_.records.empty();
     const bool wasHalfFull = isHalfFull();
     pendingText_ += record.message.size();
-    pending_.records.push_back(std::move(record));
+    pending_.records.add(record);
     wakesWriter = wasEmpty || (isHalfFull() && !wasHalfFull);
   }
   if (wakesWriter) {

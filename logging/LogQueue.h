@@ -5,9 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <mutex>
-#include <vector>
 
-#include "logging/LogRecord.h"
+#include "logging/RecordBatch.h"
 
 namespace quordalvane {
 
@@ -20,7 +19,7 @@ class LogQueue {
   /// last of them and before the next batch, the first of these at `firstDropTime`. Records were
   /// dropped only where some were queued.
   struct Batch {
-    std::vector<LogRecord> records;
+    RecordBatch records;
     std::uint64_t dropped = 0;
     std::chrono::system_clock::time_point firstDropTime;
   };
@@ -42,7 +41,8 @@ class LogQueue {
 
   explicit LogQueue(std::chrono::milliseconds gatherTime = kGatherTime) : gatherTime_(gatherTime) {}
 
-  /// Queues the record, or drops it when the queue is full. A full queue stays full until the
+  /// Queues the record, or drops it when the queue is full. What it leaves in `record` is of no
+  /// meaning. A full queue stays full until the
   /// writer takes it, so that all drops of a batch lie in one place of the stream. A queue that is
   /// not open discards the record, which is no drop: there is nobody to miss it.
   void push(LogRecord&& record) noexcept;

@@ -35,12 +35,12 @@ std::chrono::system_clock::time_point currentTime() noexcept;
 /// copied: they are never null and outlive the process's logging, as the texts of a program do.
 struct LogRecord {
   std::chrono::system_clock::time_point time;
-  std::int32_t thread;  // of the thread that logged, see currentThreadId
-  ZKLogType type;
-  std::int32_t level;
-  std::int64_t line;
-  const char* file;
-  const char* method;
+  std::int32_t thread = 0;  // of the thread that logged, see currentThreadId
+  ZKLogType type = ZKLogTypeProcess;
+  std::int32_t level = 0;
+  std::int64_t line = 0;
+  const char* file = "";
+  const char* method = "";
   std::string object;
   std::string message;
 };

@@ -28,7 +28,7 @@ class LogQueueTest : public testing::Test {
 
   static std::vector<std::string> messages(const LogQueue::Batch& batch) {
     std::vector<std::string> messages;
-    for (const LogRecord& record : batch.records) {
+    for (const LogRecord& record : batch.records.records()) {
       messages.push_back(record.message);
     }
     return messages;

@@ -1,0 +1,31 @@
+#include "logging/RecordBatch.h"
+
+#include <utility>
+
+namespace quordalvane {
+namespace {
+
+// Enough for nearly every message but dumps of print data, which are rare and long.
+constexpr std::size_t kMostMemoryKept = 1024;
+
+}  // namespace
+
+void RecordBatch::add(LogRecord& record) {
+  if (size_ == slots_.size()) {
+    slots_.push_back(std::exchange(record, LogRecord()));
+  } else {
+    std::swap(slots_[size_], record);
+  }
+  ++size_;
+}
+
+void RecordBatch::clear() noexcept {
+  for (LogRecord& record : std::span(slots_).first(size_)) {
+    if (record.message.capacity() > kMostMemoryKept) {
+      std::string().swap(record.message);  // an assignment would keep the memory
+    }
+  }
+  size_ = 0;
+}
+
+}  // namespace quordalvane

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <vector>
+
+#include "logging/LogRecord.h"
+
+namespace quordalvane {
+
+/// The records that the sinks are given together. It keeps the memory of those that it has given
+/// up and hands it to whoever adds the next one: threads that log would otherwise allocate what the
+/// writer frees, which costs either of them several times as much.
+class RecordBatch {
+ public:
+  std::size_t size() const noexcept { return size_; }
+  bool empty() const noexcept { return size_ == 0; }
+  std::span<const LogRecord> records() const noexcept { return {slots_.data(), size_}; }
+
+  /// Lets `add` take so many records in all without an allocation.
+  void reserve(std::size_t records) { slots_.reserve(records); }
+
+  /// Adds the record. Leaves one in its place that was given up before, or an empty one.
+  void add(LogRecord& record);
+
+  /// Gives all records up, the longest with their memory.
+  void clear() noexcept;
+
+ private:
+  std::vector<LogRecord> slots_;  // those behind the first size_ are given up
+  std::size_t size_ = 0;
+};
+
+}  // namespace quordalvane
