@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <new>
+#include <thread>
 
 #include "platform/Forwarding.h"
 #include "tests/faults/AllocationFault.h"
@@ -29,6 +31,16 @@ struct Circumstances {
   Layer layer = {};
 };
 
+/// Waits until nobody else holds the platform. A port thread lets go of its port behind its last
+/// turn in virtual time, so that may still be under way on the machine.
+void waitUntilReleased(const std::shared_ptr<Platform>& platform, long holders) {
+  const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  while (platform.use_count() > holders && std::chrono::steady_clock::now() < giveUp) {
+    std::this_thread::yield();
+  }
+  EXPECT_EQ(platform.use_count(), holders);
+}
+
 /// A port whose printer answers everything.
 class AnsweredPort {
  public:
@@ -40,7 +52,12 @@ class AnsweredPort {
     EXPECT_TRUE(port_->open());
     world_.start();
   }
-  ~AnsweredPort() { port_->close(); }
+  ~AnsweredPort() {
+    port_->close();
+    world_.machine().clock().usleep(1000000);
+    port_ = nullptr;
+    waitUntilReleased(world_.platform(), 1);
+  }
   AnsweredPort(const AnsweredPort&) = delete;
   AnsweredPort& operator=(const AnsweredPort&) = delete;
 
@@ -175,7 +192,9 @@ TEST(NewPortWithoutMemory, LeavesNoThreadBehind) {
     if (port) {
       port->close();
       world.machine().clock().usleep(1000000);
+      port = nullptr;
     }
+    waitUntilReleased(platform, 2);  // this test and the argument
   }
   EXPECT_GT(failures, 5U);
 }
