@@ -25,6 +25,7 @@ set(QUOR_PUBLIC_HEADERS
   logging/LogRecord.h
   logging/LogSink.h
   logging/PrintableText.h
+  logging/RecordBatch.h
   logging/RecordText.h
   logging/RotatingFile.h
   logging/StandardErrorSink.h
