@@ -63,7 +63,9 @@ std::shared_ptr<ExternalAccessoryPort> ExternalAccessoryPort::initWithPortName(
   try {
     return port->initialise() ? port : nullptr;
   } catch (...) {
-    port->stopThread71 = true;  // nobody will have the port that could close it
+    // Nobody will have the port that could close it: its thread ends, and neither holds the other.
+    port->stopThread71 = true;
+    port->setThread71(nullptr);
     throw;
   }
 }

@@ -88,10 +88,11 @@ VirtualThread::VirtualThread(Scheduler& scheduler, std::function<void()> body)
       loop_(std::make_shared<VirtualRunLoop>(scheduler)) {}
 
 bool VirtualThread::start() {
+  auto ownBody = std::exchange(body_, {});  // released with this call when there is no thread
   Scheduler::Thread& self = scheduler_.adopt();
   try {
     std::thread([&scheduler = scheduler_, &self, loop = loop_,
-                 body = std::exchange(body_, {})]() mutable {
+                 body = std::move(ownBody)]() mutable {
       scheduler.begin(self);
       ownLoop = {&scheduler, loop};
       body();
