@@ -310,7 +310,8 @@ void PrintJob::end(std::span<const std::uint8_t> data) {
     result_.status = status_;
   }
   const auto obstacle = confirmationObstacle(data, port_->emulation());
-  if (!failure.empty()) {
+  // A mark in the data can itself be what lets the wait for the sign time out.
+  if (!failure.empty() && (!obstacle || !port_->isConnected())) {
     stopForLostExchange(failure);
   } else if (obstacle) {
     stop(PrintObstacle::NoProof, "cannot be confirmed: " + *obstacle);

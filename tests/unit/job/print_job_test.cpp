@@ -122,6 +122,8 @@ TEST_P(InBothEmulations, AJobWithAStrayMarkThatWasPrintedSaysWhyItIsNotConfirmed
   till.port->setEndCheckedBlockTimeoutMillis(0);
   const PrintResult result = till.print(data);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
+  EXPECT_EQ(result.obstacle, PrintObstacle::NoProof);
+  EXPECT_EQ(result.reason.find("cannot be confirmed: "), 0U) << result.reason;
 }
 
 TEST_P(InBothEmulations, AnImageWhosePayloadHoldsAMarkIsAnHonestJob) {
