@@ -36,8 +36,7 @@ int main(int argc, char** argv) {
       return 1;
     case PrintOutcome::Unconfirmed:
       // It may be on paper. Only somebody who looks can tell: a program must not send it again.
-      std::cout << "unconfirmed after " << result.bytesAccepted << " of " << result.bytesTotal
-                << " bytes: " << result.reason << "; " << result.advice << '\n';
+      std::cout << "unconfirmed: " << result.reason << "; " << result.advice << '\n';
       return 6;
   }
 }

@@ -28,7 +28,7 @@ class Confirmation(ProgramTest):
     def test_one_that_may_be_on_paper_sends_somebody_to_look(self):
         code, text = self.outcome("virtual:,cut-after-in=300")
         self.assertEqual(code, 6)
-        self.assertRegex(text, r"unconfirmed after \d+ of 1800 bytes: link lost")
+        self.assertRegex(text, r"unconfirmed: link lost after [\d,]+ of 1,800 bytes")
         self.assertIn("look at the paper", text)
 
     def test_without_a_printer_nothing_is_sent(self):

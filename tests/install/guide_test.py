@@ -1,0 +1,132 @@
+"""The guides and the README say what happens: each command in them is run, and prints what stands there.
+
+A block of kind "console" is run in a shell of its own, in a folder that holds the examples; a line that
+begins with "$ " is a command, the lines behind it are what it prints. A "…" stands for anything. A command
+that ends in "&" goes on until the block ends, and has printed its first lines before the next begins.
+"""
+
+import os
+import re
+import socket
+import subprocess
+import tempfile
+import unittest
+from pathlib import Path
+
+from programs import DEADLINE, QUORPORT, SOURCES, ProgramTest
+
+PORT = "9100"  # as the pages say; here it may belong to somebody else
+READERS_PRINTER = "192.0.2.10"  # an address that nobody has
+PAGES = [SOURCES / "README.md", *sorted((SOURCES / "docs").glob("*.md"))]
+
+BLOCK = re.compile(r"^```(\w*)\n(.*?)^```", re.M | re.S)
+INDENTED = re.compile(r"^ {4}(?:sudo )?((?:\./dev|git|cd|cmake|g\+\+|build/bin/quorport|quorport)\b.*)", re.M)
+ROW = re.compile(r"^\| (?P<says>[^|]+) \| (?P<code>\d) \| (?P<record>[^|]+) \|.*\| `(?P<device>\w+:[^`]*)` \|$", re.M)
+
+# What is run elsewhere, or needs what a test must not do: a clone, an installation as root, a build in a build.
+ELSEWHERE = re.compile(r"\./dev \w+|git clone |cd |cmake --install |quorport --device YOUR-PRINTER ")
+
+WAIT_FOR_LINES = "until [ -s {0} ]; do sleep 0.01; done; cat {0}"
+
+
+def free_port() -> str:
+    with socket.socket() as probe:
+        probe.bind(("127.0.0.1", 0))
+        return str(probe.getsockname()[1])
+
+
+def pieces(block: str) -> list[tuple[str, str]]:
+    """The commands and what each prints."""
+    parts = re.split(r"^\$ (.*)\n", block, flags=re.M)
+    assert parts[0] == "", f"output before the first command: {parts[0]}"
+    return list(zip(parts[1::2], parts[2::2]))
+
+
+def script(commands: list[str]) -> str:
+    """Runs the commands, each with the exit status of the one before it in $?, and marks where each ends."""
+    lines = ["last=0"]
+    for number, command in enumerate(commands):
+        if command.endswith("&"):
+            lines.append(f"{command[:-1]} > .shown{number} 2>&1 &")
+            lines.append(WAIT_FOR_LINES.format(f".shown{number}"))
+        else:
+            # A served printer tears a receipt off when it has seen the end of the connection.
+            lines += [f"until [ -s {paper} ]; do sleep 0.01; done" for paper in re.findall(r"paper/\S+", command)]
+            lines += ["(exit $last)", command, "last=$?"]
+        lines.append(r"printf '\0'")
+    return "\n".join([*lines, 'kill $(jobs -p) 2>/dev/null; wait'])
+
+
+def pattern(text: str) -> str:
+    return ".*?".join(map(re.escape, text.split("…"))).replace(".*?\\\n", "[^\n]*\n")
+
+
+class Guides(ProgramTest):
+    def run_block(self, block: str, program: str):
+        """In a folder and at a port of its own; `program` is the page's C++ program."""
+        folder = Path(tempfile.mkdtemp(dir=self.folder))
+        (folder / "examples").symlink_to(SOURCES / "examples")
+        (folder / "build").symlink_to(Path(QUORPORT).parent.parent)
+        port = free_port()
+        if READERS_PRINTER in block:
+            self.printer(f"tcp:{port}")
+
+        def here(text: str) -> str:
+            return text.replace(PORT, port).replace(READERS_PRINTER, "127.0.0.1")
+
+        (folder / "program.cpp").write_text(here(program))
+        wanted = pieces(block)
+        result = subprocess.run(["bash", "-c", here(script([command for command, _ in wanted]))], cwd=folder,
+                                env=os.environ | {"PATH": f"{Path(QUORPORT).parent}:{os.environ['PATH']}"},
+                                stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, timeout=3 * DEADLINE)
+        shown = result.stdout.replace(port, PORT).split("\0")
+        for (command, expected), actual in zip(wanted, shown, strict=False):
+            self.assertRegex(actual, re.compile(rf"\A{pattern(expected)}\Z", re.S), f"of: {command}")
+        self.assertEqual(len(shown), len(wanted) + 1)
+
+    def test_each_command_prints_what_stands_behind_it(self):
+        count = 0
+        for page in PAGES:
+            program = ""
+            blocks = BLOCK.findall(page.read_text())
+            for kind, block in blocks:
+                if kind == "cpp" and "int main" in block:
+                    program = block
+            for kind, block in blocks:
+                if kind == "console":
+                    count += 1
+                    with self.subTest(page=page.name, block=block):
+                        self.run_block(block, program)
+        self.assertGreater(count, 10)
+
+    def test_no_command_stands_where_it_is_not_run(self):
+        for page in PAGES:
+            text = page.read_text()
+            for kind, block in BLOCK.findall(text):
+                self.assertIn(kind, ("console", "cpp", ""), f"{page.name}: a block of a kind that is not run")
+                self.assertFalse(kind == "" and "$ " in block, f"{page.name}: {block}")
+            for command in INDENTED.findall(BLOCK.sub("", text)):
+                self.assertRegex(command, ELSEWHERE, f"{page.name}: this command is not run")
+
+
+class DecisionTable(ProgramTest):
+    def test_each_row_is_what_the_printer_of_its_last_column_leads_to(self):
+        rows = list(ROW.finditer((SOURCES / "docs/did-not-print.md").read_text()))
+        self.assertGreater(len(rows), 10)
+        job = self.folder / "job"
+        for number, row in enumerate(rows):
+            with self.subTest(row.group("says")):
+                job.write_bytes(b"\x17" if row.group("says").endswith("cannot be confirmed") else b"text\n" * 200)
+                log = self.folder / f"log{number}"
+                result = self.run_program(QUORPORT, "-d", row.group("device"), "-t", "2000", "--log", log, "print", job)
+                self.assertEqual(result.returncode, int(row.group("code")), result)
+                self.assertIn(row.group("says"), result.stderr)
+                errors = [line for line in log.read_text().splitlines() if '"typeName":"Error"' in line]
+                if row.group("record") == "none":
+                    self.assertEqual(errors, [])
+                else:
+                    self.assertTrue(any(row.group("record").strip("`") in line for line in errors), errors)
+
+
+if __name__ == "__main__":
+    unittest.main()
