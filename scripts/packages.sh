@@ -9,6 +9,7 @@ test_packages=(bash-completion fonts-dejavu-core groff-base python3)
 check_packages=(clang-format clang-tidy doxygen python3)
 docs_packages=(doxygen)
 package_packages=(debhelper dpkg-dev lintian)
+trial_packages=(debootstrap)
 fuzz_packages=(clang libclang-rt-dev)
 bench_packages=(libbenchmark-dev libspdlog-dev python3)
 
