@@ -129,9 +129,7 @@ class Monitor {
                    {"text", now.text},
                    {"status", now.status},
                    {"changed", changedFields(last_ ? last_->fields() : Json(), now.fields())}};
-    const std::string told = options_.json
-                                 ? object.dump(-1, ' ', false, Json::error_handler_t::replace)
-                                 : localText(time) + "  " + now.text;
+    const std::string told = options_.json ? inOneLine(object) : localText(time) + "  " + now.text;
     if (const WriteOutcome outcome = writeAll(surroundings_.streams.out, told + "\n");
         outcome.error) {
       throw Failure(ExitCode::ExchangeFailed,
