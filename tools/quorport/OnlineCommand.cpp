@@ -1,7 +1,7 @@
 // The online test.
 
 #include "tools/quorport/Commands.h"
-#include "tools/quorport/Listener.h"
+#include "tools/quorport/HeardBytes.h"
 #include "tools/quorport/Printer.h"
 
 namespace quordalvane::tool {
@@ -34,10 +34,9 @@ void hearOut(Port& port) {
 /// first answer when it asks again. Where that came in bits, the rest of it may have been taken for
 /// the second answer: then the printer is heard out and asked once more.
 bool isOnline(Port& port, bool& online) {
-  const Listener listener(port.shared_from_this());
+  const HeardBytes heard(port.shared_from_this());
   const bool answered = port.getOnlineStatus(&online);
-  if (!answered || port.emulation() != ZKEmulationQuorLine ||
-      areWholeStatusBlocks(listener.heard())) {
+  if (!answered || port.emulation() != ZKEmulationQuorLine || areWholeStatusBlocks(heard.bytes())) {
     return answered;
   }
   hearOut(port);

@@ -2,8 +2,8 @@
 
 #include "job/Words.h"
 #include "tools/quorport/Commands.h"
+#include "tools/quorport/HeardBytes.h"
 #include "tools/quorport/Hex.h"
-#include "tools/quorport/Listener.h"
 #include "tools/quorport/Printer.h"
 
 namespace quordalvane::tool {
@@ -18,10 +18,10 @@ std::string spaced(const std::string& hex) {
 // In ESC/POS the port takes the first bytes that come for the whole text. A whole one ends in a
 // zero.
 bool retrieveWholeFirmware(Port& port) {
-  const Listener listener(port.shared_from_this());
+  const HeardBytes heard(port.shared_from_this());
   try {
     return port.retrieveFirmwareInformation() &&
-           (port.emulation() != ZKEmulationESCPOS || listener.heard().back() == 0);
+           (port.emulation() != ZKEmulationESCPOS || heard.bytes().back() == 0);
   } catch (const std::out_of_range&) {
     return false;  // a single byte, which has no text
   }

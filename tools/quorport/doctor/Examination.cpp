@@ -9,6 +9,7 @@
 #include "backends/DeviceSpec.h"
 #include "backends/Devices.h"
 #include "backends/posix/Serial.h"
+#include "tools/quorport/HeardBytes.h"
 #include "tools/quorport/Hex.h"
 #include "tools/quorport/Printer.h"
 #include "tools/quorport/StatusFields.h"
@@ -20,21 +21,6 @@ namespace {
 
 // Nobody waits for a doctor as long as for a receipt; printers answer within some milliseconds.
 constexpr std::uint32_t longestTimeout = 1000;
-
-// Keeps the first bytes that come from a printer.
-class FirstBytes : public TransferObserver {
- public:
-  void bytesWritten(std::size_t /*count*/) override {}
-  void bytesRead(std::span<const std::uint8_t> bytes) override {
-    constexpr std::size_t longest = 16;
-    const std::size_t count = std::min(bytes.size(), longest - kept_.size());
-    kept_.insert(kept_.end(), bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(count));
-  }
-  const ByteBuffer& bytes() const { return kept_; }
-
- private:
-  ByteBuffer kept_;
-};
 
 // What came of one question for the status.
 struct Answer {
@@ -143,13 +129,15 @@ class Examination {
   }
 
   static Answer answerOf(Printer& printer) {
-    FirstBytes first;
-    printer.port()->setTransferObserver(&first);
+    constexpr std::size_t mostBytes = 16;
+    const HeardBytes heard(printer.port());
     QuorPrinterStatus_2 status = {};
     const bool answered = printer.exchange(
         [&status](ExternalAccessoryPort& port) { return port.getParsedStatus(&status, 0); });
     Answer answer;
-    answer.bytes = first.bytes();
+    const auto count = std::min(heard.bytes().size(), mostBytes);
+    answer.bytes.assign(heard.bytes().begin(),
+                        heard.bytes().begin() + static_cast<std::ptrdiff_t>(count));
     if (answered && isStatus(status, printer.port()->emulation())) {
       answer.status = status;
     }

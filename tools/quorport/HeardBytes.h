@@ -6,25 +6,25 @@ namespace quordalvane::tool {
 
 /// Hears what the printer says as long as it lives: some answers of a port do not tell whether the
 /// printer's own answer was whole.
-class Listener final : private TransferObserver {
+class HeardBytes final : private TransferObserver {
  public:
-  explicit Listener(std::shared_ptr<ExternalAccessoryPort> port) : port_(std::move(port)) {
+  explicit HeardBytes(std::shared_ptr<ExternalAccessoryPort> port) : port_(std::move(port)) {
     port_->setTransferObserver(this);
   }
-  ~Listener() override { port_->setTransferObserver(nullptr); }
-  Listener(const Listener&) = delete;
-  Listener& operator=(const Listener&) = delete;
+  ~HeardBytes() override { port_->setTransferObserver(nullptr); }
+  HeardBytes(const HeardBytes&) = delete;
+  HeardBytes& operator=(const HeardBytes&) = delete;
 
-  const ByteBuffer& heard() const { return heard_; }
+  const ByteBuffer& bytes() const { return bytes_; }
 
  private:
   void bytesWritten(std::size_t /*count*/) override {}
   void bytesRead(std::span<const std::uint8_t> bytes) override {
-    heard_.insert(heard_.end(), bytes.begin(), bytes.end());
+    bytes_.insert(bytes_.end(), bytes.begin(), bytes.end());
   }
 
   const std::shared_ptr<ExternalAccessoryPort> port_;
-  ByteBuffer heard_;
+  ByteBuffer bytes_;
 };
 
 }  // namespace quordalvane::tool
