@@ -22,6 +22,7 @@ TEST(PortCycles, OnTheMainThreadLeaveNoThreadBehind) {
   ASSERT_TRUE(platform->isMainThread());
   const auto before = threadsAtRest();
   const std::uint64_t count = caseCount("QUOR_PORT_CYCLES", 10000);
+  RecordProperty("cases", std::to_string(count));
   for (std::uint64_t i = 1; i <= count; ++i) {
     const auto port = makePort(platform);
     ASSERT_NE(port, nullptr);
@@ -99,6 +100,7 @@ TEST(PortReleases, OnThePortThreadEndThePortThere) {
   const auto platform = std::make_shared<SleeplessPlatform>();
   const auto before = threadsAtRest();
   const std::uint64_t count = caseCount("QUOR_PORT_RELEASES", 1000);
+  RecordProperty("cases", std::to_string(count));
   std::vector<std::shared_ptr<Release>> releases;
   for (std::uint64_t i = 1; i <= count; ++i) {
     const auto release = releases.emplace_back(std::make_shared<Release>());

@@ -20,6 +20,7 @@ constexpr std::uint64_t writers = 8;
 TEST(Logger, TakesRecordsFromEightThreadsAndLosesNoneUncounted) {
   LogWriter& logger = LogWriter::sharedInstance();
   const std::uint64_t count = caseCount("QUOR_LOG_RECORDS", 20000);
+  RecordProperty("cases", std::to_string(writers * count));
   const LogStatistics before = logger.statistics();
   std::array<std::int64_t, writers> last;
   last.fill(-1);

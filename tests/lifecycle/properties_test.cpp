@@ -47,6 +47,7 @@ TEST(PortProperties, AreReadWholeWhileTheyAreWritten) {
     return !text || text == one || text == two;
   };
   const std::uint64_t count = caseCount("QUOR_PROPERTY_WRITES", 20000);
+  RecordProperty("cases", std::to_string(count));
   const auto write = [&] {
     for (std::uint64_t i = 0; i < count; ++i) {
       const bool odd = i % 2 != 0;
@@ -80,6 +81,7 @@ TEST(PortProperties, AreReadWholeWhileTheyAreWritten) {
 TEST(PortProperties, AreReadWhileThePortIsOpenedAskedAndClosed) {
   const auto port = makePort(std::make_shared<SleeplessPlatform>());
   const std::uint64_t count = caseCount("QUOR_PROPERTY_WRITES", 20000) / 100;
+  RecordProperty("cases", std::to_string(count));
   const auto work = [&] {
     for (std::uint64_t i = 0; i < count; ++i) {
       ASSERT_TRUE(port->open());

@@ -4,6 +4,7 @@ Fails when a test that is named there does not exist or does not pass.
 """
 
 import json
+import os
 import re
 import subprocess
 import sys
@@ -46,8 +47,9 @@ def numbers(build: str, patterns: set[str]) -> list[str]:
 def main() -> int:
     build = sys.argv[1]
     chosen = numbers(build, {pattern for named in named_tests() for pattern in ctest_names(*named)})
-    done = subprocess.run(["ctest", "--test-dir", build, "--output-on-failure", "-I", "0,0,0," + ",".join(chosen)],
-                          stdout=subprocess.PIPE, text=True)
+    done = subprocess.run(
+        ["ctest", "--test-dir", build, "--output-on-failure", "-j", str(os.cpu_count()), "-I", "0,0,0," + ",".join(chosen)],
+        stdout=subprocess.PIPE, text=True)
     print(done.stdout if done.returncode else "", end="")
     print(f"{len(chosen)} cases: the tests that the page names")
     return done.returncode

@@ -1,0 +1,32 @@
+#!/usr/bin/env bash
+# prove_builds.sh [--nightly|--release] [ROW …]: builds what these rows of the proof run, or all of them.
+set -euo pipefail
+
+rows=()
+for word in "$@"; do
+  [[ $word == -* ]] || rows+=("$word")
+done
+
+wanted() { # wanted ROW …: whether one of them is to be run
+  ((${#rows[@]})) || return 0
+  local row
+  for row in "${rows[@]}"; do
+    [[ " $* " == *" $row "* ]] && return 0
+  done
+  return 1
+}
+
+preset() { # preset PRESET [BUILD OPTIONS …]
+  cmake --preset "$1" >/dev/null
+  cmake --build --preset "$1" "${@:2}"
+}
+
+wanted model faults allocations torture jobs clocks bounds threads soak audit && preset default
+wanted fuzz && preset fuzz
+wanted coverage && preset coverage
+if wanted sanitizers; then
+  for sanitizer in tsan asan; do
+    preset "$sanitizer" --target lifecycle_tests exit_with_live_port
+  done
+fi
+exit 0
