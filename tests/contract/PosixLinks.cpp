@@ -15,6 +15,7 @@
 #include "backends/posix/Serial.h"
 #include "tests/contract/DescriptorPeer.h"
 #include "tests/contract/LinkContract.h"
+#include "tests/support/PseudoTerminal.h"
 
 // The links of the POSIX back end: each has this process at both ends.
 namespace quordalvane::contract {
@@ -123,25 +124,20 @@ class UnixMaker : public ListeningMaker {
 
 class PtyMaker : public PosixLinkMaker {
  public:
-  PtyMaker() : master_(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
-    EXPECT_EQ(::grantpt(master_), 0);
-    EXPECT_EQ(::unlockpt(master_), 0);
-    line_ = ::ptsname(master_);
-  }
-
   // Its end throws away what was not read, and a session opens the same line again.
   LinkTraits traits() const override {
     return {.keepsUnreadBytes = false, .closesOneWay = false, .resets = false, .linksAnew = false};
   }
 
-  std::unique_ptr<Peer> peer() override { return std::make_unique<DescriptorPeer>(master_); }
+  std::unique_ptr<Peer> peer() override {
+    return std::make_unique<DescriptorPeer>(terminal_.master);
+  }
 
  protected:
-  Descriptor connect() override { return posix::openSerial(line_); }
+  Descriptor connect() override { return posix::openSerial(terminal_.line); }
 
  private:
-  int master_;
-  std::string line_;
+  const test::PseudoTerminal terminal_ = test::openPseudoTerminal();
 };
 
 template <typename Maker>

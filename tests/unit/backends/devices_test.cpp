@@ -9,6 +9,7 @@
 #include <stdexcept>
 
 #include "backends/Devices.h"
+#include "tests/support/PseudoTerminal.h"
 
 namespace quordalvane {
 namespace {
@@ -66,12 +67,9 @@ TEST(Devices, OpensASocketAndASerialLineAtTheirPlaces) {
   EXPECT_NE(make("unix:" + folder + "/s\\,1")->openSession(protocol), nullptr);
   std::filesystem::remove_all(folder);
 
-  const posix::Descriptor master(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC),
-                                 posix::Descriptor::Kind::terminal);
-  ASSERT_EQ(::grantpt(master.number()), 0);
-  ASSERT_EQ(::unlockpt(master.number()), 0);
-  EXPECT_NE(make("serial:" + std::string(::ptsname(master.number())))->openSession(protocol),
-            nullptr);
+  const auto terminal = test::openPseudoTerminal();
+  const posix::Descriptor master(terminal.master, posix::Descriptor::Kind::terminal);
+  EXPECT_NE(make("serial:" + terminal.line)->openSession(protocol), nullptr);
 }
 
 TEST(Devices, ConnectingThemSetsThePlatformOfTheProcess) {

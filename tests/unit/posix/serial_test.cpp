@@ -11,6 +11,8 @@
 #include <cerrno>
 #include <cstdlib>
 
+#include "tests/support/PseudoTerminal.h"
+
 namespace quordalvane::posix {
 namespace {
 
@@ -20,16 +22,11 @@ using testing::HasSubstr;
 /// A line whose other end is in this process.
 class Line {
  public:
-  Line() : master_(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC), Descriptor::Kind::terminal) {
-    EXPECT_EQ(::grantpt(master_.number()), 0);
-    EXPECT_EQ(::unlockpt(master_.number()), 0);
-    path = ::ptsname(master_.number());
-  }
-
-  std::string path;
+  const std::string& path() const { return terminal_.line; }
 
  private:
-  Descriptor master_;
+  const test::PseudoTerminal terminal_ = test::openPseudoTerminal();
+  const Descriptor master_{terminal_.master, Descriptor::Kind::terminal};
 };
 
 termios settingsOf(const Descriptor& line) {
@@ -49,7 +46,7 @@ std::string failure(const std::string& path, unsigned baud = defaultBaudRate) {
 
 TEST(Serial, OpensALineRawWithEightBitsNoParityAndOneStopBit) {
   const Line line;
-  const termios settings = settingsOf(openSerial(line.path));
+  const termios settings = settingsOf(openSerial(line.path()));
   EXPECT_EQ(settings.c_cflag & CSIZE, static_cast<tcflag_t>(CS8));
   EXPECT_EQ(settings.c_cflag & (PARENB | CSTOPB | CRTSCTS), 0U);
   EXPECT_EQ(settings.c_cflag & (CREAD | CLOCAL), static_cast<tcflag_t>(CREAD | CLOCAL));
@@ -60,9 +57,9 @@ TEST(Serial, OpensALineRawWithEightBitsNoParityAndOneStopBit) {
 
 TEST(Serial, SetsTheRateThatIsAskedForAndItsOwnOtherwise) {
   const Line line;
-  const termios usual = settingsOf(openSerial(line.path));
+  const termios usual = settingsOf(openSerial(line.path()));
   EXPECT_EQ(::cfgetospeed(&usual), static_cast<speed_t>(B9600));
-  const termios fast = settingsOf(openSerial(line.path, 115200));
+  const termios fast = settingsOf(openSerial(line.path(), 115200));
   EXPECT_EQ(::cfgetospeed(&fast), static_cast<speed_t>(B115200));
   EXPECT_EQ(::cfgetispeed(&fast), static_cast<speed_t>(B115200));
 }
@@ -73,19 +70,19 @@ TEST(Serial, OpensALineAtEveryRateThatItNames) {
   EXPECT_TRUE(std::is_sorted(rates.begin(), rates.end()));
   EXPECT_GE(rates.size(), 8U);
   for (const unsigned rate : rates) {
-    EXPECT_EQ(failure(line.path, rate), "it opened") << rate;
+    EXPECT_EQ(failure(line.path(), rate), "it opened") << rate;
   }
 }
 
 TEST(Serial, RefusesARateThatItDoesNotName) {
   const Line line;
-  EXPECT_THAT(failure(line.path, 9601), HasSubstr("9601"));
-  EXPECT_THAT(failure(line.path, 0), HasSubstr("0"));
+  EXPECT_THAT(failure(line.path(), 9601), HasSubstr("9601"));
+  EXPECT_THAT(failure(line.path(), 0), HasSubstr("0"));
 }
 
 TEST(Serial, ClosesOnExecAndDoesNotBlock) {
   const Line line;
-  const Descriptor opened = openSerial(line.path);
+  const Descriptor opened = openSerial(line.path());
   EXPECT_EQ(::fcntl(opened.number(), F_GETFD), FD_CLOEXEC);
   EXPECT_NE(::fcntl(opened.number(), F_GETFL) & O_NONBLOCK, 0);
 }
@@ -95,7 +92,7 @@ TEST(Serial, DoesNotBecomeTheControllingTerminal) {
   const pid_t child = ::fork();
   if (child == 0) {
     ::setsid();  // a leader without a terminal would get the first one that it opens
-    const Descriptor opened = openSerial(line.path);
+    const Descriptor opened = openSerial(line.path());
     const bool none = ::open("/dev/tty", O_RDWR | O_CLOEXEC) < 0 && errno == ENXIO;
     ::_exit(none ? 0 : 1);
   }
