@@ -44,7 +44,7 @@ Bytes statusBlock(Dice& dice) {
   block[6] = dice.among<std::uint8_t>({0, 0, 0, 1, 2, 2, 2, 3, 255});
   if (dice.oneIn(5)) {
     block.resize(1 + dice.below(63), 0x5a);
-    block[0] = static_cast<std::uint8_t>(dice.byte() << 6U | block.size());
+    block[0] = static_cast<std::uint8_t>(std::size_t{dice.byte()} << 6U | block.size());
   }
   return dice.oneIn(8) ? block + dice.bytes(dice.below(70)) : block;
 }
