@@ -60,14 +60,21 @@ std::shared_ptr<ExternalAccessoryPort> ExternalAccessoryPort::initWithPortName(
     std::uint32_t timeout, ZKEmulation emulation, std::shared_ptr<Platform> platform) {
   auto port = std::make_shared<ExternalAccessoryPort>(Arguments{
       std::move(portName), std::move(portSettings), timeout, emulation, std::move(platform)});
-  try {
-    return port->initialise() ? port : nullptr;
-  } catch (...) {
-    // Nobody will have the port that could close it: its thread ends, and neither holds the other.
+  // A port that nobody gets and could close: its thread ends, and neither holds the other.
+  const auto abandon = [&port] {
     port->stopThread71 = true;
     port->setThread71(nullptr);
+  };
+  try {
+    if (port->initialise()) {
+      return port;
+    }
+  } catch (...) {
+    abandon();
     throw;
   }
+  abandon();
+  return nullptr;
 }
 
 bool ExternalAccessoryPort::initialise() {

@@ -61,6 +61,7 @@ def pattern(text: str) -> str:
     return ".*?".join(map(re.escape, text.split("…"))).replace(".*?\\\n", "[^\n]*\n")
 
 
+@unittest.skipIf("-fsanitize" in os.environ["CXXFLAGS"], "a reader's program does not fit a library with a sanitizer")
 class Guides(ProgramTest):
     def run_block(self, block: str, program: str):
         """In a folder and at a port of its own; `program` is the page's C++ program."""
