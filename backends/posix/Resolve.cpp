@@ -26,7 +26,7 @@ class ResolverCategory : public std::error_category {
   std::string message(int code) const override { return ::gai_strerror(code); }
 };
 
-Addresses askResolver(const std::string& host, std::uint16_t port) {
+LookupResult askResolver(const std::string& host, std::uint16_t port) {
   addrinfo hints{};
   hints.ai_family = AF_UNSPEC;
   hints.ai_socktype = SOCK_STREAM;
@@ -34,16 +34,23 @@ Addresses askResolver(const std::string& host, std::uint16_t port) {
   addrinfo* found = nullptr;
   const int error = ::getaddrinfo(host.c_str(), std::to_string(port).c_str(), &hints, &found);
   if (error != 0) {
-    throw std::system_error(error, resolverCategory());
+    return {.addresses = {}, .error = error};
   }
   const std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)> list(found, &::freeaddrinfo);
-  Addresses addresses;
+  LookupResult result;
   for (const addrinfo* entry = list.get(); entry != nullptr; entry = entry->ai_next) {
     SocketAddress address{.storage = {}, .length = entry->ai_addrlen};
     std::memcpy(&address.storage, entry->ai_addr, entry->ai_addrlen);
-    addresses.push_back(address);
+    result.addresses.push_back(address);
   }
-  return addresses;
+  return result;
+}
+
+Addresses addressesOf(LookupResult result) {
+  if (result.error != 0) {
+    throw std::system_error(result.error, resolverCategory());
+  }
+  return std::move(result.addresses);
 }
 
 }  // namespace
@@ -54,18 +61,18 @@ const std::error_category& resolverCategory() {
 }
 
 Addresses lookUpUntil(SteadyTime deadline, Lookup lookup) {
-  std::packaged_task<Addresses()> task(std::move(lookup));
+  std::packaged_task<LookupResult()> task(std::move(lookup));
   auto result = task.get_future();
   std::thread(std::move(task)).detach();
   if (result.wait_until(deadline) != std::future_status::ready) {
     throw std::system_error(EAI_AGAIN, resolverCategory());
   }
-  return result.get();
+  return addressesOf(result.get());
 }
 
 Addresses resolve(const std::string& host, std::uint16_t port, SteadyTime deadline) {
   const auto lookup = [=] { return askResolver(host, port); };
-  return isInFigures(host) ? lookup() : lookUpUntil(deadline, lookup);
+  return isInFigures(host) ? addressesOf(lookup()) : lookUpUntil(deadline, lookup);
 }
 
 }  // namespace quordalvane::posix

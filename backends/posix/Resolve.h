@@ -20,12 +20,18 @@ struct SocketAddress {
 /// The codes of the system's resolver, with its texts.
 const std::error_category& resolverCategory();
 
-/// A search for addresses, which may block for as long as it likes.
-using Lookup = std::function<std::vector<SocketAddress>()>;
+/// What a lookup has come to: addresses, or the resolver's code of why there are none.
+struct LookupResult {
+  std::vector<SocketAddress> addresses;
+  int error = 0;
+};
 
-/// Returns what `lookup` returns, or raises what it raises. Raises `std::system_error` with
-/// EAI_AGAIN if it has not ended at `deadline`; it then goes on by itself on a thread of its own,
-/// which keeps a copy.
+/// A search for addresses, which may block for as long as it likes.
+using Lookup = std::function<LookupResult()>;
+
+/// Returns the addresses that `lookup` finds; raises `std::system_error` with the code of a failed
+/// one, and with EAI_AGAIN if it has not ended at `deadline`: it then goes on by itself on a thread
+/// of its own, which keeps a copy.
 std::vector<SocketAddress> lookUpUntil(SteadyTime deadline, Lookup lookup);
 
 /// The addresses of `host`, at least one, in the order in which to try them. An address in figures
