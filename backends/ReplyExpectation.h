@@ -6,13 +6,12 @@ namespace quordalvane {
 
 /// Tells whether a reply of the device may still be on its way, so that nobody waits for leftovers
 /// that cannot come. A link does not know which writes ask for a reply, so it errs to the safe
-/// side:
+/// side.
 ///
-/// - a write may be answered until bytes came after it and the input ran dry again;
-/// - a write that was followed by a silent wait and then by another write stays owed: the next
-/// bytes
-///   may be its late reply, and the reply to the later write is then still to come;
-/// - a silent wait of a whole slice after a reply settles everything.
+/// - A write may be answered until bytes came after it and the input ran dry again.
+/// - A write that was followed by a silent wait and then by another write stays owed: what comes
+///   next may be its late reply, and the reply to the later write is then still to come.
+/// - A silent wait of a whole slice after a reply settles everything.
 ///
 /// Not thread-safe; the link that owns it guards it.
 class ReplyExpectation {

@@ -81,10 +81,10 @@ class Link {
   std::size_t next_ = 0;
   std::size_t end_ = 0;
 
-  bool ended_ = false;         // nothing more will be received, and all that was has been read
-  bool dry_ = false;           // the last look left nothing behind
-  Tick dryAt_{};               // when that was
-  bool beingWaited_ = false;   // a thread waits for input, and may fill ahead_ without the lock
+  bool ended_ = false;        // nothing more will be received, and all that was has been read
+  bool dry_ = false;          // the last look left nothing behind
+  Tick dryAt_{};              // when that was
+  bool beingWaited_ = false;  // a thread waits for input, and may fill ahead_ without the lock
 
   ReplyExpectation expectation_;
   bool cameSinceWrite_ = false;  // bytes were received after the last write
