@@ -11,7 +11,7 @@ docs_packages=(doxygen)
 package_packages=(debhelper dpkg-dev lintian)
 trial_packages=(debootstrap)
 fuzz_packages=(clang libclang-rt-dev)
-prove_packages=(gcovr)
+prove_packages=(llvm)
 bench_packages=(libbenchmark-dev libspdlog-dev python3)
 
 # need_packages NAME …: returns when all are there. Where some are missing, root gets them installed;

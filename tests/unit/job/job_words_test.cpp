@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "job/StatusText.h"
 #include "job/Words.h"
 
 namespace quordalvane {
@@ -10,6 +11,12 @@ TEST(GroupedCount, HasACommaBetweenThousands) {
   EXPECT_EQ(grouped(999), "999");
   EXPECT_EQ(grouped(1204), "1,204");
   EXPECT_EQ(grouped(1000000), "1,000,000");
+}
+
+TEST(WhyOffline, IsNothingForAPrinterThatIsOnLine) {
+  QuorPrinterStatus_2 status = {};
+  status.coverOpen = 1;  // what it says beside that is no matter
+  EXPECT_EQ(whyOffline(status), "");
 }
 
 }  // namespace

@@ -42,6 +42,13 @@ const Case kCases[] = {
     {"a counted barcode", {0x1d, 0x6b, 73, 2, '{', 0x17}, true, true},
     {"a terminated barcode", {0x1d, 0x6b, 4, 'A', 0x17, 0}, true, true},
     {"a terminated barcode without its end", {0x1d, 0x6b, 4, 'A'}, false, false},
+    {"a barcode of no known kind", {0x1d, 0x6b, 20, 0x17}, false, false},
+    {"a barcode's head alone", {0x1d, 0x6b}, true, true},
+    {"a barcode without its count", {0x1d, 0x6b, 73}, false, false},
+    {"a coarse bit image of three bytes a column",
+     {0x1b, 0x2a, 32, 1, 0, 0x17, 0x17, 0x17},
+     true,
+     true},
     {"a parameter that reads as a mark", {0x1b, 0x64, 0x17}, false, false},
 };
 

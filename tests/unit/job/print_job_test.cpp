@@ -224,6 +224,33 @@ TEST_P(InBothEmulations, AJobThatIsCancelledBeforeItBeganSendsNothing) {
   EXPECT_EQ(till.printed(), ByteBuffer());
 }
 
+TEST_P(InBothEmulations, AJobThatIsCancelledOnAFullLinkGivesItsLastWordUp) {
+  for (const char* const noSpace : {"0:60000", "300:60000"}) {
+    Till till(GetParam());
+    till.port->close();
+    till.accessory->setFaults(with("no-space", noSpace));
+    ASSERT_TRUE(till.port->open());
+    PrintJob job(till.port, {.checked = false});
+    till.at(milliseconds(1000), [&job] { job.cancel(); });
+    const auto start = till.platform->clock().monotonic();
+    ByteBuffer image = {0x1d, 0x76, 0x30, 0, 100, 0, 100, 0};
+    image.resize(image.size() + 10000, 0x55);
+    EXPECT_THAT(job.run(image).reason, testing::Not(testing::HasSubstr("was told"))) << noSpace;
+    EXPECT_LT(till.platform->clock().monotonic() - start, milliseconds(2500)) << noSpace;
+    EXPECT_FALSE(till.port->isConnected());
+  }
+}
+
+TEST_P(InBothEmulations, AJobThatIsCancelledOnAClosedPortSaysNoMoreThanThat) {
+  Till till(GetParam());
+  till.port->close();
+  PrintJob job(till.port);
+  job.cancel();
+  const PrintResult result = job.run(kReceipt);
+  EXPECT_EQ(result.outcome, PrintOutcome::Refused);
+  EXPECT_EQ(result.reason, "cancelled");
+}
+
 TEST_P(InBothEmulations, AJobWithoutABlockIsNeverCalledPrinted) {
   Till till(GetParam());
   PrintJob job(till.port, {.checked = false});

@@ -37,6 +37,13 @@ TEST_F(RotatingFileTest, WritesLinesInOrder) {
   EXPECT_EQ(contents(), "one\ntwo\nthree\n");
 }
 
+TEST_F(RotatingFileTest, HoldsNoMoreThanABatchBeforeItWrites) {
+  RotatingFile file(path_, {});
+  const std::string line(std::size_t{300} << 10U, 'x');
+  file.append(line + "\n");
+  EXPECT_EQ(std::filesystem::file_size(path_), line.size() + 1) << "before the flush";
+}
+
 TEST_F(RotatingFileTest, MakesRoomBeforeTheLineThatWouldLeadBeyondTheMaximum) {
   RotatingFile file(path_, {.maximumBytes = 8, .keptFiles = 5});
   put(file, {"aaa\n", "bbb\n", "ccc\n"});
@@ -117,6 +124,16 @@ TEST_F(RotatingFileTest, MakesAFileAnewThatWasMovedAway) {
   put(file, {"two\n"});
   EXPECT_EQ(contents(".moved"), "one\n");
   EXPECT_EQ(contents(), "two\n");
+}
+
+TEST_F(RotatingFileTest, GoesOnInAnotherFileThatTookItsPlace) {
+  RotatingFile file(path_, {});
+  put(file, {"one\n"});
+  std::filesystem::rename(path_, path_ + ".moved");
+  std::ofstream(path_) << "another's\n";
+  put(file, {"two\n"});
+  EXPECT_EQ(contents(".moved"), "one\n");
+  EXPECT_EQ(contents(), "another's\ntwo\n");
 }
 
 TEST_F(RotatingFileTest, SaysThatItsFolderIsGoneAndWritesAgainWhenItIsBack) {

@@ -175,6 +175,16 @@ TEST(Session, MayBeRefused) {
   EXPECT_NE(run.properties.find("result71 0\n"), std::string::npos);
 }
 
+TEST(Session, ThatWasRefusedLetsAStatusWaitForItsLeftoversAndFail) {
+  for (const std::int32_t emulation : {lineMode, escPos}) {
+    Scenario scenario = Scenario::in(emulation, 1000);
+    scenario.layer = SessionsChanged::layer(&refused);
+    scenario.isOpen = false;
+    const Outcome run = scenario.run(inTurn({open(), getParsedStatus()}));
+    EXPECT_TRUE(run.result.starts_with("false; ") && !run.result.ends_with("true")) << run.result;
+  }
+}
+
 TEST(Session, ThatWasRefusedLetsTheTransportFail) {
   Scenario scenario = closed();
   scenario.layer = SessionsChanged::layer(&refused);

@@ -1,0 +1,56 @@
+// Jobs on printers that answer what a printer should not.
+
+#include <gtest/gtest.h>
+
+#include <utility>
+
+#include "job/PrintJob.h"
+#include "tests/support/ScriptedWorld.h"
+
+namespace quordalvane {
+namespace {
+
+using test::bytes;
+using test::Script;
+
+PrintResult printOn(const Script& script, PrintJob::Options options = {}) {
+  test::ScriptedWorld world(script);
+  const auto port = ExternalAccessoryPort::initWithPortName("BT:", "", 2000, ZKEmulationQuorLine,
+                                                            world.platform());
+  EXPECT_TRUE(port->open());
+  world.start();
+  return PrintJob(port, std::move(options)).run(test::ascii("receipt\n"));
+}
+
+const test::Bytes kStatusRequest = bytes("1b 06 01");
+
+TEST(OddAnswers, OfAnotherKindThanLineModeRefuseTheJob) {
+  // Long enough for a counter, but without the mark of the kind; and too short for a counter.
+  for (const char* const block : {"09 01 00 00 00 00 00 00 05", "01"}) {
+    const PrintResult result =
+        printOn(Script().wheneverAsked(kStatusRequest, {{bytes(block), 0.0}}));
+    EXPECT_EQ(result.outcome, PrintOutcome::Refused) << block;
+    EXPECT_EQ(result.reason, "the printer's answer is not a line-mode status") << block;
+  }
+}
+
+TEST(OddAnswers, ThatChangeTheirKindDuringTheJobConfirmNothing) {
+  Script script;
+  for (int beforeTheData = 0; beforeTheData < 3; ++beforeTheData) {
+    script.whenAsked(kStatusRequest, {{bytes("89 01 00 00 00 00 00 00 05"), 0.0}});
+  }
+  script.wheneverAsked(kStatusRequest, {{bytes("09 01 00 00 00 00 02 00 05"), 0.0}});
+  const PrintResult result = printOn(script);
+  EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed) << result.reason;
+  EXPECT_EQ(result.obstacle, PrintObstacle::NoProof);
+}
+
+TEST(OddAnswers, AFullLinkThatIsLostIsALostLink) {
+  const PrintResult result = printOn(Script().hasNoSpace().isLost(1.0), {.checked = false});
+  EXPECT_EQ(result.outcome, PrintOutcome::Refused);
+  EXPECT_EQ(result.obstacle, PrintObstacle::LinkLost);
+  EXPECT_EQ(result.reason, "link lost");
+}
+
+}  // namespace
+}  // namespace quordalvane
