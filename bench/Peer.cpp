@@ -119,7 +119,7 @@ void Peer::answerEach(std::vector<int> descriptors) {
 
 void Peer::drain(int descriptor, std::function<void(std::size_t)> taken) {
   run([descriptor, taken = std::move(taken)] {
-    std::vector<std::uint8_t> bytes(256 * 1024);
+    std::vector<std::uint8_t> bytes(std::size_t{256} * 1024);
     for (ssize_t count; (count = ::read(descriptor, bytes.data(), bytes.size())) > 0;) {
       taken(static_cast<std::size_t>(count));
     }

@@ -17,7 +17,7 @@ constexpr std::uint32_t statusLevel = 2;
 // A port copies what it is given once more for each look at the link. Pieces of at most this size
 // keep that cheap for jobs of many megabytes, and pieces of twice what the link took last on slow
 // links. Smaller ones cost more in system calls than they save in copies.
-constexpr std::size_t largestPiece = 128 * 1024;
+constexpr std::size_t largestPiece = std::size_t{128} * 1024;
 constexpr std::size_t smallestPiece = 256;
 
 // A cancelled job's last word must be out within this time: people wait for it.
