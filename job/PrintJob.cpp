@@ -311,7 +311,7 @@ void PrintJob::end(std::span<const std::uint8_t> data) {
   }
   const auto obstacle = confirmationObstacle(data, port_->emulation());
   // A mark in the data can itself be what lets the wait for the sign time out.
-  if (!failure.empty() && (!obstacle || !port_->isConnected())) {
+  if (!failure.empty() && (!obstacle || isLinkLost())) {
     stopForLostExchange(failure);
   } else if (obstacle) {
     stop(PrintObstacle::NoProof, "cannot be confirmed: " + *obstacle);
@@ -358,10 +358,22 @@ bool PrintJob::isProven() const {
   return report_.lastCount() == countOfOneMark;
 }
 
+/// Throws away what waits in the input; of a printer that never stops talking, a mebibyte.
 void PrintJob::drainInput() {
-  for (auto bytes = port_->read(256); bytes && !bytes->empty();) {
-    bytes = port_->read(256);
+  for (std::size_t left = std::size_t{1} << 20U; left > 0;) {
+    const auto bytes = port_->read(std::min<std::size_t>(left, 256));
+    if (!bytes || bytes->empty()) {
+      return;
+    }
+    left -= bytes->size();
   }
+}
+
+/// Whether the link is lost. Bytes that came before the loss keep a link connected until they are
+/// read; nobody else reads them any more.
+bool PrintJob::isLinkLost() {
+  drainInput();
+  return !port_->isConnected();
 }
 
 /// Tells the printer to drop the rest. The command in whose middle the job was stopped is completed
@@ -391,8 +403,8 @@ bool PrintJob::stop(PrintObstacle obstacle, const std::string& reason) {
 
 /// The same for an exchange that failed: because the link is lost, or as `otherwise` says.
 bool PrintJob::stopForLostExchange(const std::string& otherwise) {
-  return port_->isConnected() ? stop(PrintObstacle::ExchangeFailed, otherwise)
-                              : stop(PrintObstacle::LinkLost, "link lost");
+  return isLinkLost() ? stop(PrintObstacle::LinkLost, "link lost")
+                      : stop(PrintObstacle::ExchangeFailed, otherwise);
 }
 
 std::string PrintJob::progressInWords() const {

@@ -114,6 +114,7 @@ class QUOR_EXPORT PrintJob : private TransferObserver {
   void reportProgress() const;
   bool isProven() const;
   void drainInput();
+  bool isLinkLost();
   void finishCancelled(std::span<const std::uint8_t> data);
 
   bool stop(PrintObstacle obstacle, const std::string& reason);

@@ -70,6 +70,8 @@ class Relay(threading.Thread):
         self.weather = Weather()
         self.passed = 0
         self.cuts = 0
+        self.cut_done = threading.Event()  # and what follows it: the place is ready for the next till
+        self.cut_done.set()
         self.lock = threading.Lock()
         self.stopping = False
 
@@ -86,7 +88,20 @@ class Relay(threading.Thread):
                 printer.connect(self.printer)
                 printer.setblocking(False)
                 self.carry(till, printer.fileno())
+                self.take_leave(printer)
             self.hang_up(till)
+            self.cut_done.set()
+
+    @staticmethod
+    def take_leave(printer: socket.socket):
+        """Waits until the printer has taken all that reached it."""
+        printer.settimeout(10)
+        try:
+            printer.shutdown(socket.SHUT_WR)
+            while printer.recv(READ_SIZE):
+                pass
+        except OSError:
+            return
 
     def carry(self, till: int, printer: int):
         """Until one side ends, or the cut."""
@@ -106,6 +121,7 @@ class Relay(threading.Thread):
                     self.passed += delivered
                     if self.weather.cut_after is not None and self.passed >= self.weather.cut_after:
                         self.cuts += 1
+                        self.cut_done.clear()
                         self.weather = Weather()
                         return
 

@@ -79,10 +79,10 @@ class Soak:
         self.before = self.till.ask("resources")
 
     def printed_bytes(self) -> int:
-        state = harness.eventually(
-            lambda: (now := self.printer.state())["buffered"] == 0 and now, "the printer works through all"
-        )
-        return state["printedBytes"]
+        """Of a printer that has taken all that reached it, and prints at once."""
+        if not self.relay.cut_done.wait(30):
+            raise Failure(f"{self.name}: the relay does not come back after a cut")
+        return self.printer.state()["printedBytes"]
 
     def job(self):
         weather = weather_for(self.dice)
@@ -97,6 +97,8 @@ class Soak:
         was_cut = self.relay.cuts > cuts
         self.counts["cut" if was_cut else "clean"] += 1
         self.counts[result["outcome"]] += 1
+        if os.environ.get("QUOR_SOAK_TELL"):
+            print(self.name, weather, size, port, result, "cut" if was_cut else "", flush=True)
         what = f"{self.name}: {size} bytes on {port}, {weather}: {result}, {paper} bytes on the paper"
         if not was_cut and result["outcome"] != "printed":
             raise Failure("a job failed on a link that was not cut: " + what)

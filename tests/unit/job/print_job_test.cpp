@@ -164,6 +164,22 @@ TEST_P(InBothEmulations, ALinkLostInMidJobIsToldWithTheExactCount) {
   EXPECT_THAT(result.reason, testing::StartsWith("link lost after 1,"));
 }
 
+TEST_P(InBothEmulations, ALinkLostAnywhereIsALostLinkThoughAnswersAreUnread) {
+  for (const char* const kind : {"cut-after-in", "cut-after-out"}) {
+    for (int bytes = 1; bytes < 250; ++bytes) {
+      Till till(GetParam());
+      till.port->close();
+      till.accessory->setFaults(with(kind, std::to_string(bytes).c_str()));
+      ASSERT_TRUE(till.port->open());
+      const PrintResult result = till.print(kReceipt);
+      if (result.outcome != PrintOutcome::Printed) {
+        EXPECT_EQ(result.obstacle, PrintObstacle::LinkLost) << kind << bytes << result.reason;
+        EXPECT_FALSE(till.port->isConnected()) << kind << bytes;
+      }
+    }
+  }
+}
+
 TEST_P(InBothEmulations, APortThatIsNotOpenRefusesTheJob) {
   Till till(GetParam());
   till.port->close();
