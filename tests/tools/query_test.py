@@ -3,8 +3,8 @@
 import re
 import socket
 
-from harness import (FLAGS, STATUS_KEYS, STATUS_REQUEST, Case, answer_status, at_once, eventually, main, receive, run,
-                     status_block)
+from harness import (FLAGS, STATUS_KEYS, STATUS_REQUEST, Case, answer_status, at_once, eventually, in_pieces, main,
+                     receive, run, status_block)
 
 
 class OverEveryLink(Case):
@@ -197,6 +197,23 @@ class AgainstAPeer(Case):
         self.assertEqual((status["coverOpen"], status["offline"], status["rawLength"]), (1, 1, 9))
         for _ in range(20):
             self.assertExit(4, run("-d", self.peer(handle).place, "online"))
+
+    def test_the_rest_of_the_first_answer_is_not_taken_for_the_second(self):
+        block = status_block("offline")
+
+        def online_of_a_printer_that_pauses_behind(count: int):
+            answers = iter([in_pieces(block[:count]), in_pieces(block[count:], block, pause=0.4)])
+
+            def handle(connection):
+                while request := connection.recv(64):
+                    for _ in range(request.count(STATUS_REQUEST)):
+                        next(answers, in_pieces(block, pause=0))(connection)
+
+            result = run("-d", self.peer(handle).place, "online", "--json")
+            self.assertExit(4, result)
+            self.assertEqual(result.json(), {"ok": True, "online": False})
+
+        at_once((online_of_a_printer_that_pauses_behind, count) for count in range(1, len(block)))
 
     def test_blocks_of_every_length_are_read(self):
         longest = bytes([0x80, 1, 0x02, 0, 0, 0x20, 7, 2, 3]) + bytes(range(100, 154))

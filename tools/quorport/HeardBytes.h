@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "iphone-IOPort/ExternalAccessoryPort.h"
 
 namespace quordalvane::tool {
@@ -15,16 +17,26 @@ class HeardBytes final : private TransferObserver {
   HeardBytes(const HeardBytes&) = delete;
   HeardBytes& operator=(const HeardBytes&) = delete;
 
-  const ByteBuffer& bytes() const { return bytes_; }
+  /// What each read brought, in order; a read that brought nothing is an empty one.
+  const std::vector<ByteBuffer>& reads() const { return reads_; }
+
+  /// All of it in one.
+  ByteBuffer bytes() const {
+    ByteBuffer all;
+    for (const auto& read : reads_) {
+      all.insert(all.end(), read.begin(), read.end());
+    }
+    return all;
+  }
 
  private:
   void bytesWritten(std::size_t /*count*/) override {}
   void bytesRead(std::span<const std::uint8_t> bytes) override {
-    bytes_.insert(bytes_.end(), bytes.begin(), bytes.end());
+    reads_.emplace_back(bytes.begin(), bytes.end());
   }
 
   const std::shared_ptr<ExternalAccessoryPort> port_;
-  ByteBuffer bytes_;
+  std::vector<ByteBuffer> reads_;
 };
 
 }  // namespace quordalvane::tool

@@ -1,5 +1,7 @@
 // The online test.
 
+#include <algorithm>
+
 #include "tools/quorport/Commands.h"
 #include "tools/quorport/HeardBytes.h"
 #include "tools/quorport/Printer.h"
@@ -19,27 +21,29 @@ bool areWholeStatusBlocks(const ByteBuffer& bytes) {
   return next == bytes.size();
 }
 
-/// Waits until the printer falls silent. One that never does is not waited for.
-void hearOut(Port& port) {
+/// Waits until the printer falls silent behind a whole answer. One that never does is not waited
+/// for.
+void hearOut(Port& port, const HeardBytes& heard) {
   constexpr int patience = 20;
   for (int i = 0; i < patience; ++i) {
     const auto data = port.read(512);
-    if (!data || data->empty()) {
+    if (!data || (data->empty() && areWholeStatusBlocks(heard.bytes()))) {
       return;
     }
   }
 }
 
 /// The online test has the printer answer twice, and the port throws away what has come of the
-/// first answer when it asks again. Where that came in bits, the rest of it may have been taken for
-/// the second answer: then the printer is heard out and asked once more.
+/// first answer when it asks again. Where an answer came in bits, the rest of the first may have
+/// been taken for the second: then the printer is heard out and asked once more.
 bool isOnline(Port& port, bool& online) {
   const HeardBytes heard(port.shared_from_this());
   const bool answered = port.getOnlineStatus(&online);
-  if (!answered || port.emulation() != ZKEmulationQuorLine || areWholeStatusBlocks(heard.bytes())) {
+  if (!answered || port.emulation() != ZKEmulationQuorLine ||
+      std::ranges::all_of(heard.reads(), areWholeStatusBlocks)) {
     return answered;
   }
-  hearOut(port);
+  hearOut(port, heard);
   QuorPrinterStatus_2 status{};
   const bool answeredAgain = port.getParsedStatus(&status, 2);
   online = status.offline == 0;

@@ -135,9 +135,8 @@ class Examination {
     const bool answered = printer.exchange(
         [&status](ExternalAccessoryPort& port) { return port.getParsedStatus(&status, 0); });
     Answer answer;
-    const auto count = std::min(heard.bytes().size(), mostBytes);
-    answer.bytes.assign(heard.bytes().begin(),
-                        heard.bytes().begin() + static_cast<std::ptrdiff_t>(count));
+    answer.bytes = heard.bytes();
+    answer.bytes.resize(std::min(answer.bytes.size(), mostBytes));
     if (answered && isStatus(status, printer.port()->emulation())) {
       answer.status = status;
     }
