@@ -1,8 +1,11 @@
 #pragma once
 
+#include <unistd.h>
+
 #include <filesystem>
-#include <iterator>
+#include <fstream>
 #include <memory>
+#include <string>
 #include <thread>
 
 #include "backends/posix/PosixPlatform.h"
@@ -42,18 +45,29 @@ inline std::shared_ptr<ExternalAccessoryPort> makePort(const std::shared_ptr<Pla
   return ExternalAccessoryPort::initWithPortName("BT:", "", 1000, ZKEmulationQuorLine, platform);
 }
 
-inline std::ptrdiff_t threadCount() {
-  return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
+/// The kernel's own count. A listing of the threads misses some while others end.
+inline int threadCount() {
+  std::ifstream status("/proc/self/status");
+  std::string word;
+  int count = 0;
+  while (status >> word && word != "Threads:") {
+  }
+  status >> count;
+  return count;
 }
 
 /// The same, before a test makes any. A sanitizer may start a thread of its own with the first one.
-inline std::ptrdiff_t threadsAtRest() {
-  std::thread([] {}).join();
+inline int threadsAtRest() {
+  pid_t id = 0;
+  std::thread([&id] { id = gettid(); }).join();
+  while (std::filesystem::exists("/proc/self/task/" + std::to_string(id))) {
+    std::this_thread::yield();  // joined, and for the kernel not yet gone
+  }
   return threadCount();
 }
 
 /// Port threads end within a slice of the close; a loaded machine gets more.
-inline bool threadsComeBackTo(std::ptrdiff_t count) {
+inline bool threadsComeBackTo(int count) {
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
   while (threadCount() > count && std::chrono::steady_clock::now() < deadline) {
     std::this_thread::yield();
