@@ -14,9 +14,9 @@ class FunctionObserver : public TransferObserver {
   FunctionObserver(QuorBytesWritten written, QuorBytesRead read, void* context)
       : written_(written), read_(read), context_(context) {}
 
-  void bytesWritten(std::size_t count) override {
+  void bytesWritten(std::span<const std::uint8_t> bytes) override {
     if (written_ != nullptr) {
-      goOnIf(written_(context_, count) == 0);
+      goOnIf(written_(context_, bytes.size()) == 0);
     }
   }
   void bytesRead(std::span<const std::uint8_t> bytes) override {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <span>
 
@@ -14,8 +13,8 @@ class QUOR_EXPORT TransferObserver {
  public:
   virtual ~TransferObserver() = default;
 
-  /// The link has taken `count` further bytes.
-  virtual void bytesWritten(std::size_t count) = 0;
+  /// The link has taken these further bytes.
+  virtual void bytesWritten(std::span<const std::uint8_t> bytes) = 0;
 
   /// A `read:` is about to return `bytes`, which may be empty.
   virtual void bytesRead(std::span<const std::uint8_t> bytes) = 0;

@@ -122,11 +122,11 @@ std::optional<std::int64_t> ExternalAccessoryPort::writeChunk(
              &stream, nullptr, tempData.size());
     return std::nullopt;
   }
+  const auto taken = tempData.first(movedBytes(bytesWritten, tempData.size()));
   QUOR_LOG(ZKLogTypeWrite, 0, "EAAccessory, size: %lu, command: %@", bytesWritten,
-           LogWriter::createByteArrayDescription(writeBuffer.get(),
-                                                 movedBytes(bytesWritten, tempData.size())));
+           LogWriter::createByteArrayDescription(writeBuffer.get(), taken.size()));
   if (observer_ != nullptr) {
-    observer_->bytesWritten(movedBytes(bytesWritten, tempData.size()));
+    observer_->bytesWritten(taken);
   }
   return bytesWritten;
 }

@@ -104,9 +104,9 @@ PrintResult PrintJob::run(std::span<const std::uint8_t> data) {
   return result_;
 }
 
-void PrintJob::bytesWritten(std::size_t count) {
+void PrintJob::bytesWritten(std::span<const std::uint8_t> bytes) {
   if (accepted_ != nullptr) {
-    *accepted_ += count;
+    *accepted_ += bytes.size();
   }
 }
 

@@ -96,7 +96,7 @@ class QUOR_EXPORT PrintJob : private TransferObserver {
   struct Cancelled {};
   struct Reported {};
 
-  void bytesWritten(std::size_t count) override;
+  void bytesWritten(std::span<const std::uint8_t> bytes) override;
   void bytesRead(std::span<const std::uint8_t> bytes) override;
   void stopIfCancelled() const;
   void stopIfReported();

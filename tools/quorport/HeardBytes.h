@@ -30,7 +30,7 @@ class HeardBytes final : private TransferObserver {
   }
 
  private:
-  void bytesWritten(std::size_t /*count*/) override {}
+  void bytesWritten(std::span<const std::uint8_t> /*bytes*/) override {}
   void bytesRead(std::span<const std::uint8_t> bytes) override {
     reads_.emplace_back(bytes.begin(), bytes.end());
   }
