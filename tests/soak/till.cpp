@@ -2,7 +2,8 @@
 // what came of it, and of itself what it holds of the system.
 //
 //     till DEVICE LOG-FILE line|escpos
-//     print BYTES keep|anew     a job of so many bytes, on the port that there is or on a new one
+//     print BYTES keep|anew     a job of the bytes that follow this line, so many, on the port that
+//                               there is or on a new one
 //     resources                 after the port is closed and gone
 
 #include <malloc.h>
@@ -29,6 +30,8 @@ using namespace quordalvane;
 using Json = nlohmann::json;
 namespace files = std::filesystem;
 
+constexpr const char* tasks = "/proc/self/task";
+
 std::ptrdiff_t entriesOf(const char* folder) {
   return std::distance(files::directory_iterator(folder), {});
 }
@@ -40,24 +43,28 @@ std::uint64_t residentMemory() {
   return pages * 4096;
 }
 
-/// A port thread lives on for a slice after its port is closed.
-Json resources() {
+/// What the process holds once no more than `threads` run: a port thread lives on for a slice after
+/// its port is closed. One that does not end is there to be counted in the end.
+Json resources(std::ptrdiff_t threads) {
   using namespace std::chrono_literals;
   LogWriter::sharedInstance().flush();
-  std::this_thread::sleep_for(300ms);
+  const auto giveUp = std::chrono::steady_clock::now() + 10s;
+  while (entriesOf(tasks) > threads && std::chrono::steady_clock::now() < giveUp) {
+    std::this_thread::sleep_for(5ms);
+  }
   ::malloc_trim(0);
   return {{"descriptors", entriesOf("/proc/self/fd")},
-          {"threads", entriesOf("/proc/self/task")},
+          {"threads", entriesOf(tasks)},
           {"allocated", ::mallinfo2().uordblks},
           {"resident", residentMemory()}};
 }
 
-ByteBuffer receipt(std::size_t size) {
-  ByteBuffer data(size, 'x');
-  for (std::size_t end = 31; end < size; end += 32) {
-    data[end] = '\n';
-  }
-  return data;
+/// The line that asks for it is read up to its end; the data begins behind that.
+ByteBuffer receivedData(std::size_t size) {
+  std::string text(size, '\0');
+  std::cin.ignore();
+  std::cin.read(text.data(), static_cast<std::streamsize>(size));
+  return {text.begin(), text.end()};
 }
 
 class Till {
@@ -65,7 +72,7 @@ class Till {
   explicit Till(ZKEmulation emulation) : emulation_(emulation) {}
   ~Till() { closePort(); }
 
-  Json print(std::size_t size, bool anew) {
+  Json print(const ByteBuffer& data, bool anew) {
     if (anew || port_ == nullptr || !port_->isConnected()) {
       closePort();
       port_ = ExternalAccessoryPort::initWithPortName("BT:", "", 10000, emulation_);
@@ -74,7 +81,7 @@ class Till {
         return {{"outcome", "not opened"}, {"accepted", 0}, {"reason", "the port did not open"}};
       }
     }
-    const PrintResult result = PrintJob(port_).run(receipt(size));
+    const PrintResult result = PrintJob(port_).run(data);
     constexpr const char* outcomes[] = {"printed", "unconfirmed", "refused"};
     return {{"outcome", outcomes[static_cast<int>(result.outcome)]},
             {"accepted", result.bytesAccepted},
@@ -101,6 +108,7 @@ int main(int, char** arguments) {
   logger.addSink(
       std::make_shared<JsonFileSink>(arguments[2], LogRotation{.maximumBytes = 1U << 20U}));
   logger.setLogging(true);
+  const std::ptrdiff_t threads = entriesOf(tasks);
   Till till(std::string(arguments[3]) == "line" ? ZKEmulationQuorLine : ZKEmulationESCPOS);
   for (std::string request; std::cin >> request;) {
     Json answer;
@@ -108,10 +116,10 @@ int main(int, char** arguments) {
       std::size_t size = 0;
       std::string port;
       std::cin >> size >> port;
-      answer = till.print(size, port == "anew");
+      answer = till.print(receivedData(size), port == "anew");
     } else {
       till.closePort();
-      answer = resources();
+      answer = resources(threads);
     }
     std::cout << answer.dump() << std::endl;
   }
