@@ -46,10 +46,21 @@ class Step:
     def run(self, size: str) -> tuple[int, list[str]]:
         """How many cases it ran, and what is to be told of it. Its last line says both."""
         command, environment = self.at(size)
-        done = execute(command, environment)
-        lines = done.strip().splitlines()
+        lines = execute(command, environment).strip().splitlines()
+        return self.cases(lines), lines
+
+    @staticmethod
+    def cases(lines: list[str]) -> int:
         found = [re.match(r"(\d+) (?:cases|jobs|exits)\b", line) for line in lines]
-        return next((int(match.group(1)) for match in reversed(found) if match), 0), lines
+        return next((int(match.group(1)) for match in reversed(found) if match), 0)
+
+
+class Fuzzing(Step):
+    """The fuzzing engine, which counts the inputs of each target."""
+
+    @staticmethod
+    def cases(lines: list[str]) -> int:
+        return sum(int(match.group(1)) for line in lines if (match := re.search(r": (\d+) inputs", line)))
 
 
 class Tests(Step):
@@ -86,6 +97,7 @@ class Row:
     title: str
     shows: str
     steps: tuple[Step, ...]
+    suite: str  # what the ordinary tests, which run at each commit, do of it
 
 
 def python(script: str, *arguments) -> tuple:
@@ -114,74 +126,82 @@ WHOLE = ("at_reply", "operation", "print_job")
 
 
 def fuzz(targets: tuple[str, ...], runs: tuple) -> Step:
-    return Step(("scripts/fuzz.sh", "build-fuzz", tuple(f"-runs={count}" for count in runs), *targets), {})
+    return Fuzzing(("scripts/fuzz.sh", "build-fuzz", tuple(f"-runs={count}" for count in runs), *targets), {})
 
+
+WHOLE_ROW, REPLAYS, NOTHING = "all of it", "the corpora, replayed", "nothing"
 
 ROWS = (
     Row("model", "Independent model", "random scripts of link behaviour run alike, in everything, on the port and on a "
         "model written from its contracts alone",
-        (Tests(("build/bin/trace_tests",), {"QUOR_SCRIPTS": (100_000, 1_000_000, 10_000_000)}),)),
+        (Tests(("build/bin/trace_tests",), {"QUOR_SCRIPTS": (100_000, 1_000_000, 10_000_000)}),), WHOLE_ROW),
     Row("faults", "Fault sweep", "every call to the platform fails, in every way, once and from there on: each "
-        "operation ends as its contract says", (faults("*FaultSweep*"),)),
+        "operation ends as its contract says", (faults("*FaultSweep*"),), WHOLE_ROW),
     Row("allocations", "Allocation sweep", "every allocation fails in turn: nothing but std::bad_alloc, nothing out of "
-        "open and close", (faults("*AllocationSweep*", "*WithoutMemory*", "*NoMemoryAtAll*"),)),
+        "open and close", (faults("*AllocationSweep*", "*WithoutMemory*", "*NoMemoryAtAll*"),), WHOLE_ROW),
     Row("torture", "Link torture", "every reply and command is split, stalled, cut, doubled and preceded by a stray byte "
-        "at each of its bytes", (faults("*LinkTorture*"),)),
+        "at each of its bytes", (faults("*LinkTorture*"),), WHOLE_ROW),
     Row("jobs", "Job simulation", "seeded print jobs on a truthful printer with everything going wrong: `printed` never "
         "without the paper",
-        (Tests(("build/bin/simulation_tests",), {"QUOR_SIMULATED_JOBS": (20_000, 1_000_000, 10_000_000)}),)),
+        (Tests(("build/bin/simulation_tests",), {"QUOR_SIMULATED_JOBS": (20_000, 1_000_000, 10_000_000)}),), WHOLE_ROW),
     Row("clocks", "Clocks", "the wall clock steps at every reading: no early time-out, no delay beyond the step",
-        (faults("*Clock*"),)),
+        (faults("*Clock*"),), WHOLE_ROW),
     Row("bounds", "Bounds", "every operation ends within its limit, and what has none ends with the link",
-        (faults("Bounds.*"),)),
+        (faults("Bounds.*"),), WHOLE_ROW),
     Row("fuzz", "Fuzzing", "arbitrary input to parsers, texts, the virtual printer and whole operations",
         (fuzz(PARSERS, (100_000, 10_000_000, 10_000_000)), fuzz(TEXTS, (20_000, 1_000_000, 10_000_000)),
-         fuzz(WHOLE, (1_000, 100_000, 1_000_000)))),
+         fuzz(WHOLE, (1_000, 100_000, 1_000_000))), REPLAYS),
     Row("threads", "Threads", "ports opened, closed and released by the thousand, properties and the logger from many "
         "threads, processes that end with a live port thread",
         (lifecycle("build", (10_000, 100_000, 100_000), (1_000, 10_000, 10_000), (20_000, 200_000, 1_000_000)),
-         exits("build"))),
+         exits("build")), WHOLE_ROW),
     Row("sanitizers", "Threads, under the sanitizers", "the same, silent under the thread sanitizer, and under the "
         "address, leak and undefined-behaviour sanitizers, without suppressions",
         tuple(step for build in ("build-tsan", "build-asan")
               for step in (lifecycle(build, (2_000, 100_000, 100_000), (500, 10_000, 10_000), (5_000, 50_000, 200_000)),
-                           exits(build)))),
+                           exits(build))), NOTHING),
     Row("soak", "Soak", "tills in real time over a local socket and a terminal, through a relay that slices, throttles, "
         "delays and cuts: no failed clean job, no descriptor, thread or memory left behind",
         (Step((sys.executable, "-B", "tests/soak/soak_test.py", "build/bin/till"),
-              {"QUOR_SOAK_SECONDS": (10, 600, 28_800), "QUORPORT": str(ROOT / "build/bin/quorport")}),)),
+              {"QUOR_SOAK_SECONDS": (10, 600, 28_800), "QUORPORT": str(ROOT / "build/bin/quorport")}),), WHOLE_ROW),
     Row("coverage", "Branch coverage", "of the port, the parsers, the print job and the logger",
-        (Step(python("coverage.py", "build-coverage")),)),
+        (Step(python("coverage.py", "build-coverage")),), NOTHING),
     Row("mutation", "Mutation", "small changes of the port and its parsers, drawn by a seed, are noticed",
-        (Step(python("mutation.py", (40, 200, 0))),)),
+        (Step(python("mutation.py", (40, 200, 0))),), NOTHING),
     Row("breaks", "Ten chosen breaks", "each of ten breaks of the port fails a test of the commit tier",
-        (Step(python("breaks.py")),)),
+        (Step(python("breaks.py")),), NOTHING),
     Row("audit", "Untrusted input", "the tests that [security.md](security.md) names",
-        (Step(python("audit.py", "build")),)),
+        (Step(python("audit.py", "build")),), WHOLE_ROW),
 )
+
+
+def described_tree(root: Path) -> str:
+    """The commit, with -dirty behind it where the tree is another one. What a run itself writes does not count."""
+
+    def git(*words: str) -> str:
+        return subprocess.run(["git", *words], cwd=root, check=True, stdout=subprocess.PIPE, text=True).stdout.strip()
+
+    changes = git("status", "--porcelain", "--", ".", *(f":!{file.relative_to(ROOT)}" for file in (RECORD, PAGE)))
+    return git("rev-parse", "--short", "HEAD") + ("-dirty" if changes else "")
 
 
 def run(row: Row, size: str) -> dict:
     print(f"== {row.title}, {size} size", flush=True)
-    began = time.monotonic()
+    commit, began = described_tree(ROOT), time.monotonic()
     cases, told = 0, []
     for step in row.steps:
         count, lines = step.run(size)
+        if count == 0:
+            raise Failed(f"no case was run: {' '.join(step.at(size)[0])}")
         cases += count
         told += lines
     return {"size": size, "cases": cases, "seconds": round(time.monotonic() - began, 1), "told": told,
-            "date": datetime.date.today().isoformat(), "commit": execute(["git", "rev-parse", "--short", "HEAD"], {}).strip()}
+            "date": datetime.date.today().isoformat(), "commit": commit}
 
 
 def measured() -> dict:
     """Of each row, what its last run measured; another run may have added to it meanwhile."""
     return json.loads(RECORD.read_text()) if RECORD.exists() else {}
-
-
-def fuzz_cases(record: dict):
-    """The fuzzing engine's own counts."""
-    counts = [int(match.group(1)) for line in record["told"] if (match := re.search(r": (\d+) inputs", line))]
-    record["cases"] = sum(counts)
 
 
 def shown(seconds: float) -> str:
@@ -196,21 +216,23 @@ def page(records: dict) -> str:
     lines = [
         "# The proof", "",
         "Written by `./dev prove`, which ran what stands here; the figures are those of the run, at the size",
-        "that is named. `commit` is what runs at each commit, `nightly` and `release` are larger. A row that",
-        "was not run says so.", "",
-        "| row | what it shows | size | cases | time | found and mended | run at |", "|---|---|---|---|---|---|---|",
+        "that is named: `commit`, `nightly` or `release`, each larger than the one before. A row that was not",
+        "run says so. The third column says what of a row `./dev test` runs at each commit, at the size `commit`;",
+        "the rest is run by `./dev prove` alone.", "",
+        "| row | what it shows | at each commit | size | cases | time | found and mended | run at |",
+        "|---|---|---|---|---|---|---|---|",
     ]
     defects = [[cell.strip() for cell in line.strip("|").split("|")] for line in table("defects.md")[2:]]
     for row in ROWS:
         found = sum(row.key in cells[0].split(", ") for cells in defects) or "none"
         if record := records.get(row.key):
             lines.append(f"| [{row.title}](#{row.title.lower().replace(' ', '-').replace(',', '')}) | {row.shows} | "
-                         f"{record['size']} | {record['cases']:,} | {shown(record['seconds'])} | {found} | "
+                         f"{row.suite} | {record['size']} | {record['cases']:,} | {shown(record['seconds'])} | {found} | "
                          f"{record['commit']}, {record['date']} |")
         else:
-            lines.append(f"| {row.title} | {row.shows} | not run | | | {found} | |")
+            lines.append(f"| {row.title} | {row.shows} | {row.suite} | not run | | | {found} | |")
     lines += ["", f"Times are of a machine with {CORES} cores that others used as well.", "", "## Defects found", ""]
-    lines += ["Each with the test that would find it again.", "", *table("defects.md")]
+    lines += ["Each with the test that would find it again, where there is one.", "", *table("defects.md")]
     for row in ROWS:
         if record := records.get(row.key):
             lines += ["", f"## {row.title}", "", *details(row, record)]
@@ -268,8 +290,6 @@ def main() -> int:
             print(failure, file=sys.stderr)
             failed.append(row.title)
             continue
-        if row.key == "fuzz":
-            fuzz_cases(record)
         print(f"   {record['cases']:,} cases in {shown(record['seconds'])}", flush=True)
         RECORD.write_text(json.dumps(measured() | {row.key: record}, indent=1) + "\n")
     PAGE.write_text(page(measured()))
