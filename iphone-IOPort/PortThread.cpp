@@ -34,12 +34,19 @@ bool ExternalAccessoryPort::startPortThread() {
 void ExternalAccessoryPort::runLoop71() {
   constexpr auto selector = "-[ExternalAccessoryPort runLoop71]";
   QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@", "");
-  while (!stopThread71) {
-    // The text lacks its final bracket; those who search logs for it rely on that.
-    QUOR_LOG(ZKLogTypeProcess, 1,
-             "[NSRunLoop.currentRunLoop runUntilDate:[NSDate dateWithTimeIntervalSinceNow:0.1]");
-    platform_->currentRunLoop().runUntilDate(0.1);
-  }
+  // A loop that raises ends the thread and not the process: what would be carried to the thread
+  // then runs on the caller, as after a close.
+  guarded(
+      [this] {
+        while (!stopThread71) {
+          // The text lacks its final bracket; those who search logs for it rely on that.
+          QUOR_LOG(
+              ZKLogTypeProcess, 1,
+              "[NSRunLoop.currentRunLoop runUntilDate:[NSDate dateWithTimeIntervalSinceNow:0.1]");
+          platform_->currentRunLoop().runUntilDate(0.1);
+        }
+      },
+      [this] { QUOR_LOG(ZKLogTypeError, 0, "%@", raisedText()); });
   QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%@", "");
 }
 

@@ -2,15 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <chrono>
 #include <new>
-#include <thread>
 
-#include "platform/Forwarding.h"
 #include "tests/faults/AllocationFault.h"
 #include "tests/faults/AnsweringPrinter.h"
 #include "tests/faults/CaseNames.h"
+#include "tests/faults/PortThreads.h"
 #include "tests/model/Scenario.h"
 #include "tests/support/FaultyPlatform.h"
 #include "tests/support/LogCapture.h"
@@ -31,16 +28,6 @@ struct Circumstances {
   Layer layer = {};
 };
 
-/// Waits until nobody else holds the platform. A port thread lets go of its port behind its last
-/// turn in virtual time, so that may still be under way on the machine.
-void waitUntilReleased(const std::shared_ptr<Platform>& platform, long holders) {
-  const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-  while (platform.use_count() > holders && std::chrono::steady_clock::now() < giveUp) {
-    std::this_thread::yield();
-  }
-  EXPECT_EQ(platform.use_count(), holders);
-}
-
 /// A port whose printer answers everything.
 class AnsweredPort {
  public:
@@ -56,7 +43,7 @@ class AnsweredPort {
     port_->close();
     world_.machine().clock().usleep(1000000);
     port_ = nullptr;
-    waitUntilReleased(world_.platform(), 1);
+    waitUntilReleased(world_.platform());
   }
   AnsweredPort(const AnsweredPort&) = delete;
   AnsweredPort& operator=(const AnsweredPort&) = delete;
@@ -150,25 +137,6 @@ class AllocationSweep : public testing::TestWithParam<std::tuple<std::int32_t, b
   }
 };
 
-/// Counts the threads that run.
-class CountedThreads : public ForwardingPlatform {
- public:
-  explicit CountedThreads(std::shared_ptr<Platform> next) : ForwardingPlatform(std::move(next)) {}
-
-  std::shared_ptr<NSThread> makeThread(std::function<void()> body) override {
-    return ForwardingPlatform::makeThread([this, body = std::move(body)] {
-      ++running_;
-      body();
-      --running_;
-    });
-  }
-
-  int running() const { return running_; }
-
- private:
-  std::atomic<int> running_ = 0;
-};
-
 TEST(NewPortWithoutMemory, LeavesNoThreadBehind) {
   const Logging logging(true);
   std::uint64_t failures = 0;
@@ -194,7 +162,7 @@ TEST(NewPortWithoutMemory, LeavesNoThreadBehind) {
       world.machine().clock().usleep(1000000);
       port = nullptr;
     }
-    waitUntilReleased(platform, 2);  // this test and the argument
+    waitUntilReleased(platform);
   }
   EXPECT_GT(failures, 5U);
 }
@@ -204,7 +172,7 @@ class NoMemoryAtAll : public testing::TestWithParam<bool> {
  protected:
   /// Whether the platform's k-th call was made.
   static bool runOnce(const Call& call, std::uint64_t k) {
-    const auto plan = std::make_shared<FaultPlan>(allFaults()[raisingFault](), k, GetParam());
+    const auto plan = std::make_shared<FaultPlan>(anotherException(), k, GetParam());
     AnsweredPort answered({lineMode, true, On::anotherThread, [plan](auto next) {
                              return std::make_shared<FaultyPlatform>(std::move(next), plan);
                            }});
@@ -219,13 +187,10 @@ class NoMemoryAtAll : public testing::TestWithParam<bool> {
     EXPECT_TRUE(answered.port().open());
     return plan->hasStruck();
   }
-
-  static constexpr std::size_t raisingFault = 13;
 };
 
 TEST_P(NoMemoryAtAll, LetsOpenAndCloseRaiseNothing) {
   for (const Call& call : {open(), close()}) {
-    ASSERT_EQ(allFaults()[raisingFault]()->name(), "another-exception");
     for (std::uint64_t k = 1; runOnce(call, k) && !HasFailure(); ++k) {
     }
   }

@@ -9,6 +9,7 @@
 #include "tests/faults/CaseNames.h"
 #include "tests/model/Scenario.h"
 #include "tests/support/FaultyPlatform.h"
+#include "tests/support/ReadsAddresses.h"
 #include "tests/support/Replay.h"
 
 namespace quordalvane::test {
@@ -45,8 +46,6 @@ bool isDocumented(const std::string& operation, const Fault& fault, const std::s
   return true;
 }
 
-using MakeFault = std::function<std::shared_ptr<Fault>()>;
-
 /// An operation in which one call to the platform, or every call from one on, fails. Then the fault
 /// is over, and the port is closed, opened and asked.
 class FaultyRun {
@@ -57,10 +56,11 @@ class FaultyRun {
   /// Fails the k-th call. False when there was none.
   bool run(Scenario scenario, std::uint64_t k) {
     scenario.layerStepsBack = std::max<std::int64_t>(0, -makeFault_()->clockStep());
-    scenario.layer = [this, k](std::shared_ptr<Platform> next) {
+    scenario.layer = [this, k, below = scenario.layer](std::shared_ptr<Platform> next) {
       fault_ = makeFault_();
       plan_ = std::make_shared<FaultPlan>(fault_, k, fromThereOn_);
-      return std::make_shared<FaultyPlatform>(std::move(next), plan_);
+      return std::make_shared<FaultyPlatform>(below ? below(std::move(next)) : std::move(next),
+                                              plan_);
     };
     const Outcome outcome = scenario.run(underPlan());
     EXPECT_TRUE(isDocumented(call_.name, *fault_, result_)) << result_;
@@ -104,6 +104,17 @@ class FaultSweep : public testing::TestWithParam<std::tuple<std::int32_t, bool>>
   static Scenario scenario() {
     const auto [emulation, logs] = GetParam();
     Scenario scenario = Scenario::in(emulation, 1000);
+    // By its address, since then the accessory is asked for all that it has; the address is in its
+    // description, or the platform knows it.
+    const std::string address = "00:11:22:33:44:55";
+    scenario.creation.portName = "BT:" + address;
+    if (logs) {
+      scenario.accessories.front().address = address;
+    } else {
+      scenario.layer = [address](std::shared_ptr<Platform> next) {
+        return std::make_shared<ReadsAddresses>(std::move(next), address);
+      };
+    }
     scenario.creation.portSettings = "d9";
     scenario.script = answeringPrinter();
     scenario.logging = logs;

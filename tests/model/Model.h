@@ -85,11 +85,12 @@ class Model {
   void select();
   bool fits(EAAccessory& accessory, const std::optional<std::string>& designation);
   bool isDesignated(EAAccessory& accessory, const std::string& designation);
+  void adopt(const std::shared_ptr<EAAccessory>& accessory);
 
   std::int64_t second() { return platform_.clock().gettimeofday().tv_sec; }
   bool isLate(const Log& log, std::int64_t start, std::int32_t limit, const std::string& limitName);
-  bool hasSpace();
-  bool hasBytes();
+  std::shared_ptr<NSOutputStream> output();
+  std::shared_ptr<NSInputStream> input();
   void slice(NSStream* awaited, double seconds);
 
   bool sends(const Bytes& command) {

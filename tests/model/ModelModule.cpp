@@ -133,6 +133,9 @@ bool Model::disconnectBluetoothConnection() {
   const std::int64_t start = second();
   while (true) {
     platform_.currentRunLoop().runUntilDate(0.1);
+    if (accessory_) {
+      accessory_->noticeLoss();
+    }
     if (!isConnected()) {
       log.process("self.isConnected: ", [this] { return number(isConnected()); });
       return end(true);

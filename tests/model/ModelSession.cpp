@@ -126,12 +126,13 @@ bool Model::openSession(const Log& log) {
     log.error("_session == nil, (null)");
     return false;
   }
-  const std::shared_ptr<NSStream> streams[] = {session_->inputStream(), session_->outputStream()};
-  for (const auto& stream : streams) {
-    stream->setDelegate(receiver_);
-    stream->scheduleInRunLoop(platform_.currentRunLoop(), NSDefaultRunLoopMode);
-    stream->open();
-  }
+  const auto begin = [this](NSStream& stream) {
+    stream.setDelegate(receiver_);
+    stream.scheduleInRunLoop(platform_.currentRunLoop(), NSDefaultRunLoopMode);
+    stream.open();
+  };
+  begin(*input());
+  begin(*output());
   return true;
 }
 
@@ -160,19 +161,28 @@ void Model::select() {
   session_ = nullptr;
   for (const auto& accessory : accessories) {
     if (fits(*accessory, designation)) {
-      accessory_ = accessory;
-      connectionID_ = accessory->connectionID();
-      name_ = accessory->name();
-      serialNumber_ = accessory->serialNumber();
+      adopt(accessory);
       return;
     }
   }
 }
 
+void Model::adopt(const std::shared_ptr<EAAccessory>& accessory) {
+  const Log log(*this, "open71");
+  if (accessory->modelNumber() == "XQ700") {
+    log.process("[accessory.modelNumber isEqualToString:@\"XQ700\"], XQ700");
+    isBrondel_ = true;
+  }
+  accessory_ = accessory;
+  connectionID_ = accessory->connectionID();
+  name_ = accessory->name();
+  serialNumber_ = accessory->serialNumber();
+}
+
 bool Model::fits(EAAccessory& accessory, const std::optional<std::string>& designation) {
   const Log log(*this, "open71");
-  const auto model = accessory.modelNumber();
   log.process("", [&accessory] { return accessory.description(); });
+  const auto model = accessory.modelNumber();
   if (model && model->starts_with("KLT") && model->ends_with("-U")) {
     log.process(*model + " is UsbDevice");
     return false;
@@ -193,25 +203,23 @@ bool Model::fits(EAAccessory& accessory, const std::optional<std::string>& desig
                 listed(protocols) + ", " + protocol);
     return false;
   }
-  if (model == "XQ700") {
-    log.process("[accessory.modelNumber isEqualToString:@\"XQ700\"], XQ700");
-    isBrondel_ = true;
-  }
   return true;
 }
 
 bool Model::isDesignated(EAAccessory& accessory, const std::string& designation) {
   const Log log(*this, "open71");
-  if (accessory.name() == designation) {
+  const auto name = accessory.name();
+  if (name == designation) {
     return true;
   }
-  log.process("[accessory.name isEqualToString:specifiedPortName] == NO, " +
-              textOr(accessory.name()) + ", " + designation);
-  if (accessory.serialNumber() == designation) {
+  log.process("[accessory.name isEqualToString:specifiedPortName] == NO, " + textOr(name) + ", " +
+              designation);
+  const auto serialNumber = accessory.serialNumber();
+  if (serialNumber == designation) {
     return true;
   }
   log.process("[accessory.serialNumber isEqualToString:specifiedPortName] == NO, " +
-              textOr(accessory.serialNumber()) + ", " + designation);
+              textOr(serialNumber) + ", " + designation);
   const std::string specified = addressIn(designation);
   log.process("specifiedMACAddr: " + specified);
   if (specified.empty()) {
@@ -260,14 +268,14 @@ void Model::close71() {
   const Log log(*this, "close71");
   log.start("");
   survives(log, [this] {
+    const auto end = [this](NSStream& stream) {
+      stream.close();
+      stream.removeFromRunLoop(platform_.currentRunLoop(), NSDefaultRunLoopMode);
+      stream.setDelegate({});
+    };
     if (session_) {
-      const std::shared_ptr<NSStream> streams[] = {session_->outputStream(),
-                                                   session_->inputStream()};
-      for (const auto& stream : streams) {
-        stream->close();
-        stream->removeFromRunLoop(platform_.currentRunLoop(), NSDefaultRunLoopMode);
-        stream->setDelegate({});
-      }
+      end(*output());
+      end(*input());
     }
   });
   session_ = nullptr;

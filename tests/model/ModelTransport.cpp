@@ -4,12 +4,12 @@
 
 namespace quordalvane::test {
 
-bool Model::hasSpace() {
-  return session_ && session_->outputStream()->hasSpaceAvailable();
+std::shared_ptr<NSOutputStream> Model::output() {
+  return session_ ? session_->outputStream() : nullptr;
 }
 
-bool Model::hasBytes() {
-  return session_ && session_->inputStream()->hasBytesAvailable();
+std::shared_ptr<NSInputStream> Model::input() {
+  return session_ ? session_->inputStream() : nullptr;
 }
 
 void Model::slice(NSStream* awaited, double seconds) {
@@ -18,6 +18,14 @@ void Model::slice(NSStream* awaited, double seconds) {
 }
 
 namespace {
+
+bool hasSpace(const std::shared_ptr<NSOutputStream>& stream) {
+  return stream && stream->hasSpaceAvailable();
+}
+
+bool hasBytes(const std::shared_ptr<NSInputStream>& stream) {
+  return stream && stream->hasBytesAvailable();
+}
 
 /// What a stream can have moved of what it was offered, whatever it says.
 std::ptrdiff_t moved(std::int64_t said, std::size_t offered) {
@@ -31,12 +39,13 @@ std::int32_t Model::write(const Bytes& data) {
   const std::string failed = log.at(&data) + ", -> -1";
   log.start(shown(data));
   platform_.ignoreSigPipe();
-  if (!hasSpace()) {
+  const auto stream = output();
+  if (!hasSpace(stream)) {
     log.process("_session.outputStream.hasSpaceAvailable == NO, 0");
-    slice(session_ ? session_->outputStream().get() : nullptr, 0.10000000149011612);
+    slice(stream.get(), 0.10000000149011612);
   }
   std::uint32_t amountWritten = 0;
-  bool goOn = hasSpace();
+  bool goOn = hasSpace(stream);
   Bytes tail = data;
   while (goOn && !tail.empty()) {
     if (!isConnected()) {
@@ -44,7 +53,7 @@ std::int32_t Model::write(const Bytes& data) {
       log.end(failed);
       return -1;
     }
-    const std::int64_t written = session_->outputStream()->write(tail.data(), tail.size());
+    const std::int64_t written = stream->write(tail.data(), tail.size());
     if (written == -1) {
       log.error("Fail to [_session.outputStream write:writeBuffer maxLength:tempData.length], " +
                 std::string(someAddress) + ", 0x0, " + std::to_string(tail.size()));
@@ -57,7 +66,7 @@ std::int32_t Model::write(const Bytes& data) {
                 ", command: " + shown(sent));
     amountWritten += static_cast<std::uint32_t>(written);
     tail.assign(data.begin() + moved(amountWritten, data.size()), data.end());
-    goOn = hasSpace();
+    goOn = hasSpace(stream);
   }
   const auto result = static_cast<std::int32_t>(amountWritten);
   log.end(shown(data) + ", -> " + number(result));
@@ -77,22 +86,23 @@ std::optional<Bytes> Model::read(std::size_t bytesToRead, bool waitsInAnyCase) {
   if (!isConnected()) {
     return lost();
   }
-  if (!hasBytes()) {
+  const auto stream = input();
+  if (!hasBytes(stream)) {
     log.process("_session.outputStream.hasSpaceAvailable == NO, ",
-                [this] { return number(hasSpace()); });
-    if (waitsInAnyCase || !session_ || session_->inputStream()->expectsBytes()) {
-      slice(session_ ? session_->inputStream().get() : nullptr, 0.1);
+                [this] { return number(hasSpace(output())); });
+    if (waitsInAnyCase || !stream || stream->expectsBytes()) {
+      slice(stream.get(), 0.1);
     }
   }
   Bytes received;
-  bool goOn = hasBytes();
+  bool goOn = hasBytes(stream);
   while (goOn && received.size() < bytesToRead) {
     if (!isConnected()) {
       return lost();
     }
     std::uint8_t buffer[128];
     const std::size_t size = std::min<std::size_t>(128, bytesToRead - received.size());
-    const std::int64_t count = session_->inputStream()->read(buffer, size);
+    const std::int64_t count = stream->read(buffer, size);
     if (count < 0) {
       log.error("Fail to [_session.inputStream read:buf maxLength:recvSize], " +
                 std::string(someAddress) + ", " + someAddress + ", " + std::to_string(size));
@@ -103,7 +113,7 @@ std::optional<Bytes> Model::read(std::size_t bytesToRead, bool waitsInAnyCase) {
     log.say(ZKLogTypeRead,
             "EAAccessory, size: " + std::to_string(count) + ", command: " + shown(chunk));
     received = received + chunk;
-    goOn = hasBytes();
+    goOn = hasBytes(stream);
   }
   log.end(asked + ", -> " + shown(received));
   return received;

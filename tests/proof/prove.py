@@ -136,7 +136,7 @@ ROWS = (
         "model written from its contracts alone",
         (Tests(("build/bin/trace_tests",), {"QUOR_SCRIPTS": (100_000, 1_000_000, 10_000_000)}),), WHOLE_ROW),
     Row("faults", "Fault sweep", "every call to the platform fails, in every way, once and from there on: each "
-        "operation ends as its contract says", (faults("*FaultSweep*"),), WHOLE_ROW),
+        "operation ends as its contract says", (faults("*FaultSweep*", "*MainThreadSweep*"),), WHOLE_ROW),
     Row("allocations", "Allocation sweep", "every allocation fails in turn: nothing but std::bad_alloc, nothing out of "
         "open and close", (faults("*AllocationSweep*", "*WithoutMemory*", "*NoMemoryAtAll*"),), WHOLE_ROW),
     Row("torture", "Link torture", "every reply and command is split, stalled, cut, doubled and preceded by a stray byte "

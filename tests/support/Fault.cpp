@@ -130,6 +130,29 @@ class ClockJumps : public Fault {
   const std::int64_t seconds_;
 };
 
+class NoThread : public Fault {
+ public:
+  NoThread() : Fault("no-thread") {}
+  bool befalls(PlatformCall call) const override { return call == PlatformCall::makeThread; }
+  std::shared_ptr<NSThread> makeThread(Platform&, std::function<void()>) override {
+    return nullptr;
+  }
+};
+
+class ThreadDoesNotStart : public Fault {
+ public:
+  ThreadDoesNotStart() : Fault("thread-does-not-start") {}
+  bool befalls(PlatformCall call) const override { return call == PlatformCall::startThread; }
+  bool start(NSThread&) override { return false; }
+};
+
+class ThreadTakesNothing : public Fault {
+ public:
+  ThreadTakesNothing() : Fault("thread-takes-nothing") {}
+  bool befalls(PlatformCall call) const override { return call == PlatformCall::carry; }
+  bool performAndWait(NSThread&, std::function<void()>) override { return false; }
+};
+
 template <typename Kind>
 std::shared_ptr<Fault> make() {
   return std::make_shared<Kind>();
@@ -137,8 +160,8 @@ std::shared_ptr<Fault> make() {
 
 }  // namespace
 
-const std::vector<std::function<std::shared_ptr<Fault>()>>& allFaults() {
-  static const std::vector<std::function<std::shared_ptr<Fault>()>> faults = {
+const std::vector<MakeFault>& allFaults() {
+  static const std::vector<MakeFault> faults = {
       [] { return std::make_shared<FixedCount>("-1", -1); },
       [] { return std::make_shared<FixedCount>("-2", -2); },
       [] { return std::make_shared<FixedCount>("0", 0); },
@@ -152,11 +175,21 @@ const std::vector<std::function<std::shared_ptr<Fault>()>>& allFaults() {
       make<Disconnected>,
       make<Reconnecting>,
       make<RaisesStandard>,
-      make<RaisesAnother>,
+      anotherException,
       [] { return std::make_shared<ClockJumps>("clock-jumps-ahead", 3600); },
       [] { return std::make_shared<ClockJumps>("clock-jumps-back", -1); },
   };
   return faults;
+}
+
+const std::vector<MakeFault>& threadFaults() {
+  static const std::vector<MakeFault> faults = {make<NoThread>, make<ThreadDoesNotStart>,
+                                                make<ThreadTakesNothing>};
+  return faults;
+}
+
+std::shared_ptr<Fault> anotherException() {
+  return make<RaisesAnother>();
 }
 
 }  // namespace quordalvane::test

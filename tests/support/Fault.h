@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/Platform.h"
@@ -10,7 +11,19 @@
 namespace quordalvane::test {
 
 /// The calls to a platform in which something can go wrong.
-enum class PlatformCall { space, write, bytes, read, connected, session, clock, other };
+enum class PlatformCall {
+  space,
+  write,
+  bytes,
+  read,
+  connected,
+  session,
+  clock,
+  makeThread,
+  startThread,
+  carry,
+  other
+};
 
 /// One way in which a platform can fail. Each names the calls that it befalls and overrides what
 /// becomes of them; all others go on to the platform.
@@ -45,13 +58,29 @@ class Fault {
   virtual std::int64_t read(NSInputStream& next, std::uint8_t* buffer, std::size_t count) {
     return next.read(buffer, count);
   }
+  virtual std::shared_ptr<NSThread> makeThread(Platform& next, std::function<void()> body) {
+    return next.makeThread(std::move(body));
+  }
+  virtual bool start(NSThread& next) { return next.start(); }
+  virtual bool performAndWait(NSThread& next, std::function<void()> routine) {
+    return next.performAndWait(std::move(routine));
+  }
 
  private:
   const std::string name_;
 };
 
-/// How to make one of each; a fault serves one run.
-const std::vector<std::function<std::shared_ptr<Fault>()>>& allFaults();
+/// Makes one; a fault serves one run.
+using MakeFault = std::function<std::shared_ptr<Fault>()>;
+
+/// Every way in which a link, its accessory and its clock can fail.
+const std::vector<MakeFault>& allFaults();
+
+/// The ways in which threads can fail, besides raising: for ports that have one.
+const std::vector<MakeFault>& threadFaults();
+
+/// Raises what is no standard exception at every call that it befalls.
+std::shared_ptr<Fault> anotherException();
 
 /// What a FaultyPlatform raises that is no standard exception.
 struct Surprise {};

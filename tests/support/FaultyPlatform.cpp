@@ -1,5 +1,7 @@
 #include "tests/support/FaultyPlatform.h"
 
+#include <map>
+#include <mutex>
 #include <utility>
 
 namespace quordalvane::test {
@@ -63,6 +65,10 @@ class FaultyInput : public FaultyStream<ForwardingInputStream> {
     Fault* const fault = strike(PlatformCall::bytes);
     return fault ? fault->hasBytes(next()) : next().hasBytesAvailable();
   }
+  bool expectsBytes() override {
+    strike(PlatformCall::other);
+    return next().expectsBytes();
+  }
   std::int64_t read(std::uint8_t* buffer, std::size_t count) override {
     Fault* const fault = strike(PlatformCall::read);
     return fault ? fault->read(next(), buffer, count) : next().read(buffer, count);
@@ -88,15 +94,23 @@ class FaultySession : public EASession {
   FaultySession(std::shared_ptr<EASession> next, const Plan& plan)
       : next_(std::move(next)),
         input_(std::make_shared<FaultyInput>(next_->inputStream(), plan)),
-        output_(std::make_shared<FaultyOutput>(next_->outputStream(), plan)) {}
+        output_(std::make_shared<FaultyOutput>(next_->outputStream(), plan)),
+        plan_(plan) {}
 
-  std::shared_ptr<NSInputStream> inputStream() override { return input_; }
-  std::shared_ptr<NSOutputStream> outputStream() override { return output_; }
+  std::shared_ptr<NSInputStream> inputStream() override {
+    plan_->strike(PlatformCall::other);
+    return input_;
+  }
+  std::shared_ptr<NSOutputStream> outputStream() override {
+    plan_->strike(PlatformCall::other);
+    return output_;
+  }
 
  private:
   const std::shared_ptr<EASession> next_;  // a link lasts as long as its session
   const std::shared_ptr<NSInputStream> input_;
   const std::shared_ptr<NSOutputStream> output_;
+  const Plan plan_;
 };
 
 class FaultyAccessory : public ForwardingAccessory {
@@ -104,10 +118,16 @@ class FaultyAccessory : public ForwardingAccessory {
   FaultyAccessory(std::shared_ptr<EAAccessory> next, Plan plan)
       : ForwardingAccessory(next), next_(std::move(next)), plan_(std::move(plan)) {}
 
-  std::string description() override {
-    plan_->strike(PlatformCall::other);
-    return ForwardingAccessory::description();
+  std::optional<std::string> name() override { return asked(&EAAccessory::name); }
+  std::optional<std::string> serialNumber() override { return asked(&EAAccessory::serialNumber); }
+  std::optional<std::string> modelNumber() override { return asked(&EAAccessory::modelNumber); }
+  std::optional<std::string> manufacturer() override { return asked(&EAAccessory::manufacturer); }
+  std::vector<std::string> protocolStrings() override {
+    return asked(&EAAccessory::protocolStrings);
   }
+  std::uint64_t connectionID() override { return asked(&EAAccessory::connectionID); }
+  std::string description() override { return asked(&EAAccessory::description); }
+  void noticeLoss() override { asked(&EAAccessory::noticeLoss); }
   bool isConnected() override {
     Fault* const fault = plan_->strike(PlatformCall::connected);
     return fault ? fault->isConnected(*next_) : next_->isConnected();
@@ -120,6 +140,12 @@ class FaultyAccessory : public ForwardingAccessory {
   }
 
  private:
+  template <typename Answer>
+  Answer asked(Answer (EAAccessory::*question)()) {
+    plan_->strike(PlatformCall::other);
+    return ((*next_).*question)();
+  }
+
   const std::shared_ptr<EAAccessory> next_;
   const Plan plan_;
 };
@@ -136,6 +162,14 @@ class FaultyManager : public ForwardingAccessoryManager {
       accessory = std::make_shared<FaultyAccessory>(std::move(accessory), plan_);
     }
     return accessories;
+  }
+  bool readsAddresses() override {
+    plan_->strike(PlatformCall::other);
+    return ForwardingAccessoryManager::readsAddresses();
+  }
+  std::string addressOf(EAAccessory& accessory) override {
+    plan_->strike(PlatformCall::other);
+    return ForwardingAccessoryManager::addressOf(accessory);
   }
 
  private:
@@ -162,6 +196,10 @@ class FaultyClock : public ForwardingClock {
     TimeValue now = ForwardingClock::gettimeofday();
     now.tv_sec += plan_->clockStep();
     return now;
+  }
+  std::chrono::nanoseconds monotonic() override {
+    plan_->strike(PlatformCall::other);
+    return ForwardingClock::monotonic();
   }
   void usleep(std::uint64_t microseconds) override {
     plan_->strike(PlatformCall::other);
@@ -192,26 +230,59 @@ class FaultyRunLoop : public ForwardingRunLoop {
   const Plan plan_;
 };
 
+class FaultyThread : public ForwardingThread {
+ public:
+  FaultyThread(std::shared_ptr<NSThread> next, Plan plan)
+      : ForwardingThread(next), next_(std::move(next)), plan_(std::move(plan)) {}
+
+  bool start() override {
+    Fault* const fault = plan_->strike(PlatformCall::startThread);
+    return fault ? fault->start(*next_) : next_->start();
+  }
+  void cancel() override {
+    plan_->strike(PlatformCall::other);
+    next_->cancel();
+  }
+  bool performAndWait(std::function<void()> routine) override {
+    Fault* const fault = plan_->strike(PlatformCall::carry);
+    return fault ? fault->performAndWait(*next_, std::move(routine))
+                 : next_->performAndWait(std::move(routine));
+  }
+
+ private:
+  const std::shared_ptr<NSThread> next_;
+  const Plan plan_;
+};
+
 }  // namespace
 
 class FaultyPlatform::Parts {
  public:
-  Parts(FaultyPlatform& whole, const Plan& plan_)
-      : plan(plan_),
-        manager(whole.ForwardingPlatform::sharedAccessoryManager(), plan),
-        device(whole.ForwardingPlatform::currentDevice(), plan),
-        clock(whole.ForwardingPlatform::clock(), plan),
-        runLoop(whole.ForwardingPlatform::currentRunLoop(), plan) {}
+  Parts(Platform& below_, const Plan& plan_)
+      : below(below_),
+        plan(plan_),
+        manager(below.sharedAccessoryManager(), plan),
+        device(below.currentDevice(), plan),
+        clock(below.clock(), plan) {}
 
+  FaultyRunLoop& runLoop(NSRunLoop& next) {
+    const std::lock_guard lock(mutex_);
+    return runLoops_.try_emplace(&next, next, plan).first->second;
+  }
+
+  Platform& below;  // which the whole keeps
   const Plan plan;
   FaultyManager manager;
   FaultyDevice device;
   FaultyClock clock;
-  FaultyRunLoop runLoop;  // of the one thread that uses this platform
+
+ private:
+  std::mutex mutex_;  // guards runLoops_
+  std::map<NSRunLoop*, FaultyRunLoop> runLoops_;
 };
 
 FaultyPlatform::FaultyPlatform(std::shared_ptr<Platform> next, std::shared_ptr<FaultPlan> plan)
-    : ForwardingPlatform(std::move(next)), parts_(std::make_unique<Parts>(*this, plan)) {}
+    : ForwardingPlatform(next), parts_(std::make_unique<Parts>(*next, plan)) {}
 
 FaultyPlatform::~FaultyPlatform() = default;
 
@@ -228,7 +299,16 @@ Clock& FaultyPlatform::clock() {
 }
 
 NSRunLoop& FaultyPlatform::currentRunLoop() {
-  return parts_->runLoop;
+  parts_->plan->strike(PlatformCall::other);
+  return parts_->runLoop(ForwardingPlatform::currentRunLoop());
+}
+
+std::shared_ptr<NSThread> FaultyPlatform::makeThread(std::function<void()> body) {
+  Fault* const fault = parts_->plan->strike(PlatformCall::makeThread);
+  Platform& below = parts_->below;
+  auto thread =
+      fault ? fault->makeThread(below, std::move(body)) : below.makeThread(std::move(body));
+  return thread ? std::make_shared<FaultyThread>(std::move(thread), parts_->plan) : nullptr;
 }
 
 bool FaultyPlatform::isMainThread() {

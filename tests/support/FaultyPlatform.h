@@ -45,6 +45,7 @@ class FaultyPlatform : public ForwardingPlatform {
   UIDevice& currentDevice() override;
   Clock& clock() override;
   NSRunLoop& currentRunLoop() override;
+  std::shared_ptr<NSThread> makeThread(std::function<void()> body) override;
   bool isMainThread() override;
   void ignoreSigPipe() override;
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "platform/Forwarding.h"
+#include "tests/support/ReadsAddresses.h"
 #include "tests/unit/port/Printer.h"
 
 namespace quordalvane::test {
@@ -273,29 +273,6 @@ TEST(Selection, KeepsTheBrondelModelWhenAnotherPrinterIsOpened) {
   EXPECT_FALSE(port->open());
   EXPECT_TRUE(port->isBrondel());
 }
-
-/// A platform that reads an address of its own from every accessory.
-class ReadsAddresses : public ForwardingPlatform {
- public:
-  ReadsAddresses(std::shared_ptr<Platform> next, std::string address)
-      : ForwardingPlatform(std::move(next)),
-        manager_(ForwardingPlatform::sharedAccessoryManager(), std::move(address)) {}
-  EAAccessoryManager& sharedAccessoryManager() override { return manager_; }
-
- private:
-  class Manager : public ForwardingAccessoryManager {
-   public:
-    Manager(EAAccessoryManager& next, std::string address)
-        : ForwardingAccessoryManager(next), address_(std::move(address)) {}
-    bool readsAddresses() override { return true; }
-    std::string addressOf(EAAccessory&) override { return address_; }
-
-   private:
-    const std::string address_;
-  };
-
-  Manager manager_;
-};
 
 TEST(Selection, PrefersThePlatformsOwnWayToReadAnAddress) {
   AccessoryIdentity described = printer(1);
