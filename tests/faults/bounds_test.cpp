@@ -25,7 +25,7 @@ std::ptrdiff_t movesAfterTheLoss(const Outcome& outcome) {
 Outcome expectEndWithTheLink(const Scenario& scenario, const Call& call,
                              const std::string& exemption) {
   const Outcome outcome = scenario.run(call);
-  EXPECT_EQ(exemptionOf(outcome, call), exemption);
+  EXPECT_EQ(exemptionOf(outcome, call).name, exemption);
   EXPECT_EQ(movesAfterTheLoss(outcome), 0);
   return outcome;
 }
@@ -80,6 +80,17 @@ TEST(Bounds, OfTheDrainAreTheLinks) {
   const Outcome outcome = expectEndWithTheLink(scenario, endCheckedBlock(), "the drain");
   EXPECT_EQ(outcome.result, "false");
   EXPECT_NEAR(outcome.seconds, 90, 2);
+}
+
+TEST(Bounds, HoldWhatIsNotExemptAlsoInARunWithAnExemptStretch) {
+  Scenario scenario = Scenario::in(escPos, 1000);
+  scenario.script.wheneverAsked(bytes("10 04 01"), {{bytes("00"), 0.05}}).isLost(100);
+  const Call call = endCheckedBlock();
+  Outcome outcome = scenario.run(call);
+  EXPECT_EQ(overrun(scenario, call, outcome), "");
+  EXPECT_GT(exemptionOf(outcome, call).seconds, 90);
+  outcome.seconds += mostSeconds(scenario, call);
+  EXPECT_NE(overrun(scenario, call, outcome), "") << "as if it had gone on without the link";
 }
 
 TEST(Bounds, AreNearWhatAPrinterThatNeverAnswersTakes) {

@@ -11,16 +11,24 @@ namespace quordalvane::test {
 /// slice, and what it calls. A step back of the clock makes it longer by the step.
 double mostSeconds(const Scenario& scenario, const Call& call);
 
-/// Which of the named exemptions a run made use of, "" for none. They are not held to the bound,
-/// and each ends within one pass of a lost link:
-/// - the retrying writer's repeat, after an attempt that moved a part of the command;
-/// - a stream that says that it is ready and then moves nothing, or claims what cannot be;
-/// - the invalid-status loop: in ESC/POS a block's end asks again at once after a byte that is no
-///   status;
-/// - the drain: in ESC/POS a block's end reads on as long as bytes keep coming.
-std::string exemptionOf(const Outcome& outcome, const Call& call);
+/// What of a run no limit holds.
+struct Exemption {
+  std::string name;    // of the first that the run made use of, "" for none
+  double seconds = 0;  // that such stretches took, all together
+};
 
-/// "" when the run took no longer than it may; otherwise what it took and what it may take.
+/// The stretches of a run that are not held to the bound; each ends within one pass of a lost link:
+/// - the retrying writer's repeat, after an attempt that moved a part of the command, until the
+///   command is done with;
+/// - a stream that says that it is ready and then moves nothing, or claims what cannot be, until
+///   the port waits for something;
+/// - the invalid-status loop: in ESC/POS a block's end asks again at once after a byte that is no
+///   status, until the next byte or the next look at the time-out;
+/// - the drain: in ESC/POS a block's end reads on as long as bytes keep coming, until none does.
+Exemption exemptionOf(const Outcome& outcome, const Call& call);
+
+/// "" when the run, its exempt stretches apart, took no longer than it may; otherwise what it took
+/// and what it may take.
 std::string overrun(const Scenario& scenario, const Call& call, const Outcome& outcome);
 
 }  // namespace quordalvane::test

@@ -54,6 +54,11 @@ ScriptedWorld::ScriptedWorld(const Script& script,
     : startMicroseconds_(script.startMicroseconds),
       machine_(std::make_shared<virtuals::VirtualPlatform>()),
       link_(std::make_shared<ScriptedLink>(script, machine_->virtualClock())) {
+  // What is released with the machine is still noted, at no time.
+  trace_.measureBy([clockOf = std::weak_ptr(machine_)] {
+    const auto machine = clockOf.lock();
+    return machine ? std::chrono::duration<double>(machine->virtualClock().monotonic()).count() : 0;
+  });
   for (const AccessoryIdentity& accessory : accessories) {
     machine_->attach(std::make_shared<ScriptedAccessory>(accessory, link_));
   }

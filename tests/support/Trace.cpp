@@ -76,9 +76,10 @@ std::string Trace::threadPrefix(std::int32_t thread) const {
 }
 
 void Trace::note(About about, const std::string& text) {
+  const double now = clock_ ? clock_() : 0;
   const std::lock_guard lock(mutex_);
   entries_.push_back(
-      {LogCapture::handedOver(), {about, "", threadPrefix(currentThreadId()) + text}});
+      {LogCapture::handedOver(), {about, "", threadPrefix(currentThreadId()) + text, now}});
 }
 
 void Trace::log(ZKLogType type, std::int32_t level, const std::string& method,

@@ -1,12 +1,14 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <initializer_list>
 #include <map>
 #include <mutex>
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "logging/LogRecord.h"
@@ -21,7 +23,12 @@ struct Line {
   About about;
   std::string method;  // of a log record
   std::string text;
-  bool operator==(const Line&) const = default;
+  double at = 0;  // in seconds, of a call to the platform
+
+  /// The same happened, whenever that was.
+  bool operator==(const Line& other) const {
+    return about == other.about && method == other.method && text == other.text;
+  }
 };
 
 /// What happened, in order: calls to the platform and log records. Addresses are shown by the names
@@ -30,6 +37,9 @@ class Trace {
  public:
   /// Begins with what is logged from now on.
   Trace();
+
+  /// Reads a clock for each call to the platform; lines have no time before it is set.
+  void measureBy(std::function<double()> clock) { clock_ = std::move(clock); }
 
   void name(const void* object, std::string name);
 
@@ -62,6 +72,7 @@ class Trace {
   std::string withNames(std::string_view message) const;
   Line lineOf(const LogRecord& record) const;
 
+  std::function<double()> clock_;
   mutable std::mutex mutex_;  // guards everything below
   std::map<std::uint64_t, std::string> names_;
   std::map<std::int32_t, std::string> threads_;
