@@ -1,8 +1,10 @@
 """The print command: what goes out, what is said of it, and how it is stopped."""
 
+import collections
 import json
 import os
 import pty
+import re
 import select
 import signal
 import socket
@@ -293,6 +295,25 @@ class Interrupting(Case):
             self.assertTrue(contact.wait(DEADLINE))
             self.assertEqual(self.interrupted(process).json(), {"ok": False, "error": "interrupted"})
             self.assertTrue(closed.wait(DEADLINE), "the port is closed")
+
+    def test_a_retry_that_goes_on_and_on_is_given_up(self):
+        """A port that has lost count of a command offers its rest without end: to a link that takes it each time,
+        and to one that never does."""
+        log = self.folder / "log"
+        for command, faults in (("dipswitch", "no-space=4:120"), ("dipswitch", "no-space=4:120,no-space=8:600000"),
+                                ("cancel", "no-space=4:120"), ("status", "no-space=2:120")):
+            process = start("-t", "1000", "-d", f"virtual:,{faults}", command, "--json", "--log", log)
+            eventually(lambda: self.most_offers(log) > 5, "the retry goes on and on")
+            self.assertEqual(self.interrupted(process).json(), {"ok": False, "error": "interrupted"})
+            self.assertIn("-[ExternalAccessoryPort close]", log.read_text())
+            log.unlink()
+
+    @staticmethod
+    def most_offers(log) -> int:
+        """How many times the same bytes were written, by what the log has of it."""
+        offers = re.findall(rb'"line":(\d+),"method":"-\[ExternalAccessoryPort write:\]","message":"(<[^>]*>)"',
+                            log.read_bytes() if log.exists() else b"")
+        return max(collections.Counter(offers).values(), default=0)
 
     def test_a_connection_that_is_being_made_is_given_up(self):
         listener = socket.socket()

@@ -108,6 +108,15 @@ TEST_F(InterruptionTest, EndsEverySleepThatComesAfterIt) {
   EXPECT_THROW(interruption_.sleep(1h), Interrupted);
 }
 
+TEST_F(InterruptionTest, EndsAnExchangeThatNeverSleeps) {
+  interruption_.beginExchange();
+  EXPECT_NO_THROW(interruption_.check());
+  interruption_.interrupt();
+  EXPECT_THROW(interruption_.check(), Interrupted);
+  interruption_.end();
+  EXPECT_NO_THROW(interruption_.check());
+}
+
 TEST_F(InterruptionTest, LetsWhatMustBeDoneAtTheEndSleep) {
   interruption_.beginExchange();
   interruption_.interrupt();

@@ -4,6 +4,24 @@
 #include <utility>
 
 namespace quordalvane::tool {
+namespace {
+
+class InterruptibleAccessory : public ForwardingAccessory {
+ public:
+  InterruptibleAccessory(std::shared_ptr<EAAccessory> next,
+                         std::shared_ptr<Interruption> interruption)
+      : ForwardingAccessory(std::move(next)), interruption_(std::move(interruption)) {}
+
+  bool isConnected() override {
+    interruption_->check();
+    return ForwardingAccessory::isConnected();
+  }
+
+ private:
+  const std::shared_ptr<Interruption> interruption_;
+};
+
+}  // namespace
 
 void Interruption::interrupt() {
   const std::lock_guard lock(mutex_);
@@ -53,8 +71,14 @@ void Interruption::end() {
 void Interruption::sleep(std::chrono::microseconds time) {
   const auto deadline = std::chrono::steady_clock::now() + time;
   std::unique_lock lock(mutex_);
-  const auto mustStop = [this] { return isWished_ && stage_ == Stage::Exchange; };
-  if (wished_.wait_until(lock, deadline, mustStop)) {
+  if (wished_.wait_until(lock, deadline, [this] { return mustStop(); })) {
+    throw Interrupted();
+  }
+}
+
+void Interruption::check() {
+  const std::lock_guard lock(mutex_);
+  if (mustStop()) {
     throw Interrupted();
   }
 }
@@ -66,7 +90,13 @@ InterruptiblePlatform::InterruptiblePlatform(std::shared_ptr<posix::PosixPlatfor
                                              std::shared_ptr<Interruption> interruption)
     : ForwardingPlatform(system),
       system_(std::move(system)),
-      clock_(system_->clock(), std::move(interruption)) {}
+      interruption_(std::move(interruption)),
+      clock_(system_->clock(), interruption_) {}
+
+void InterruptiblePlatform::attach(const std::shared_ptr<EAAccessory>& accessory) {
+  accessories_.push_back(accessory);
+  system_->attach(std::make_shared<InterruptibleAccessory>(accessory, interruption_));
+}
 
 void InterruptiblePlatform::SleepsUntilInterrupted::usleep(std::uint64_t microseconds) {
   constexpr std::uint64_t aYear = 365ULL * 24 * 3600 * 1'000'000;  // stays in range in any sum

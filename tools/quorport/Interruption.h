@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <vector>
 
 #include "backends/posix/PosixPlatform.h"
 #include "job/PrintJob.h"
@@ -12,7 +13,7 @@
 
 namespace quordalvane::tool {
 
-/// Raised out of a sleep that was interrupted.
+/// Raised out of an exchange that was interrupted.
 class Interrupted {};
 
 /// The user's wish to stop, from the moment it comes to where it takes effect, which depends on how
@@ -28,7 +29,8 @@ class Interruption {
   /// Nothing is open: as at creation, the wish ends the process when it comes or has come.
   void begin();
 
-  /// A port is open: from now on `sleep` raises Interrupted when the wish comes or has come.
+  /// A port is open: from now on `sleep` and `check` raise Interrupted when the wish comes or has
+  /// come.
   void beginExchange();
 
   /// A job runs, which is cancelled when the wish comes or has come. It must live until `end`.
@@ -39,8 +41,13 @@ class Interruption {
 
   void sleep(std::chrono::microseconds time);
 
+  /// The same without a sleep, for what goes on and on.
+  void check();
+
  private:
   enum class Stage { Beginning, Exchange, Job, End };
+
+  bool mustStop() const { return isWished_ && stage_ == Stage::Exchange; }
 
   std::mutex mutex_;  // guards what follows
   std::condition_variable wished_;
@@ -50,14 +57,19 @@ class Interruption {
   bool isWished_ = false;
 };
 
-/// The platform of the command: this system's, with sleeps that can be interrupted.
+/// The platform of the command: this system's, with sleeps that can be interrupted. Not every retry
+/// of a port sleeps, but each asks whether the accessory is connected: that can be interrupted,
+/// too.
 class InterruptiblePlatform : public ForwardingPlatform {
  public:
   explicit InterruptiblePlatform(std::shared_ptr<Interruption> interruption);
 
   Clock& clock() override { return clock_; }
 
-  void attach(std::shared_ptr<EAAccessory> accessory) { system_->attach(std::move(accessory)); }
+  void attach(const std::shared_ptr<EAAccessory>& accessory);
+
+  /// The accessories as they were attached, in that order.
+  const std::vector<std::shared_ptr<EAAccessory>>& accessories() const { return accessories_; }
 
  private:
   class SleepsUntilInterrupted : public ForwardingClock {
@@ -76,7 +88,9 @@ class InterruptiblePlatform : public ForwardingPlatform {
                         std::shared_ptr<Interruption> interruption);
 
   const std::shared_ptr<posix::PosixPlatform> system_;
+  const std::shared_ptr<Interruption> interruption_;
   SleepsUntilInterrupted clock_;
+  std::vector<std::shared_ptr<EAAccessory>> accessories_;
 };
 
 }  // namespace quordalvane::tool

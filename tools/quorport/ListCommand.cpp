@@ -42,7 +42,7 @@ Report list(const Options& options, const Surroundings& surroundings) {
   const auto chosen = chosenAccessory(*platform, options);
   Report report;
   report.json["accessories"] = Json::array();
-  for (const auto& accessory : platform->sharedAccessoryManager().connectedAccessories()) {
+  for (const auto& accessory : platform->accessories()) {
     const bool isChosen = accessory == chosen;
     report.json["accessories"].push_back(jsonOf(*accessory, isChosen));
     report.text += lineOf(*accessory, isChosen);

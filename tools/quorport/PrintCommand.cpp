@@ -128,7 +128,7 @@ PrintResult runJob(const std::vector<std::uint8_t>& data, Printer& printer,
   return result;
 }
 
-std::optional<Receipt> receiptFor(const Options& options, Platform& platform) {
+std::optional<Receipt> receiptFor(const Options& options, const InterruptiblePlatform& platform) {
   const auto chosen = options.print.receipt ? chosenAccessory(platform, options) : nullptr;
   return chosen ? std::optional<Receipt>(std::in_place, *options.print.receipt, chosen)
                 : std::nullopt;

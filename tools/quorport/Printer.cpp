@@ -1,6 +1,5 @@
 #include "tools/quorport/Printer.h"
 
-#include <algorithm>
 #include <stdexcept>
 #include <utility>
 
@@ -47,8 +46,8 @@ std::string namesOf(const Accessories& accessories) {
   return names;
 }
 
-Failure whyNotOpen(Platform& platform, const Options& options) {
-  for (const auto& accessory : platform.sharedAccessoryManager().connectedAccessories()) {
+Failure whyNotOpen(const InterruptiblePlatform& platform, const Options& options) {
+  for (const auto& accessory : platform.accessories()) {
     if (const std::string why = lastOpenError(*accessory); !why.empty()) {
       return {ExitCode::NoAccessory, "the printer cannot be reached: " + printable(why)};
     }
@@ -73,11 +72,11 @@ std::shared_ptr<InterruptiblePlatform> presentDevices(const Options& options,
   return platform;
 }
 
-std::shared_ptr<EAAccessory> chosenAccessory(Platform& platform, const Options& options) {
-  const Accessories accessories = platform.sharedAccessoryManager().connectedAccessories();
+std::shared_ptr<EAAccessory> chosenAccessory(const InterruptiblePlatform& platform,
+                                             const Options& options) {
   const auto trial = std::make_shared<posix::PosixPlatform>();
   std::vector<std::shared_ptr<Candidate>> candidates;
-  for (const auto& accessory : accessories) {
+  for (const auto& accessory : platform.accessories()) {
     candidates.push_back(std::make_shared<Candidate>(accessory));
     trial->attach(candidates.back());
   }
@@ -86,17 +85,17 @@ std::shared_ptr<EAAccessory> chosenAccessory(Platform& platform, const Options& 
   port->close();
   for (std::size_t i = 0; i < candidates.size(); ++i) {
     if (candidates[i]->isChosen()) {
-      return accessories[i];
+      return platform.accessories()[i];
     }
   }
   return nullptr;
 }
 
-Failure noneMatches(Platform& platform, const Options& options) {
+Failure noneMatches(const InterruptiblePlatform& platform, const Options& options) {
   return {ExitCode::NoAccessory,
           "no accessory matches the port name " + inQuotes(options.portName) +
               ", which takes BT: or BT: and a name, serial number or Bluetooth address; present: " +
-              namesOf(platform.sharedAccessoryManager().connectedAccessories())};
+              namesOf(platform.accessories())};
 }
 
 Printer::Printer(const Options& options, const Surroundings& surroundings)

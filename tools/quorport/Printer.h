@@ -20,10 +20,11 @@ std::shared_ptr<InterruptiblePlatform> presentDevices(const Options& options,
 
 /// The accessory that a port with these options would choose among those of the platform; null if
 /// none. Connects nothing; takes 0.2 s.
-std::shared_ptr<EAAccessory> chosenAccessory(Platform& platform, const Options& options);
+std::shared_ptr<EAAccessory> chosenAccessory(const InterruptiblePlatform& platform,
+                                             const Options& options);
 
 /// The failure of a port whose name chooses none of the platform's accessories.
-Failure noneMatches(Platform& platform, const Options& options);
+Failure noneMatches(const InterruptiblePlatform& platform, const Options& options);
 
 /// The port of a command, open as long as this lives.
 class Printer {
