@@ -8,9 +8,9 @@ KEYS = {"time", "thread", "type", "typeName", "level", "object", "file", "line",
 
 
 class Log(Case):
-    def logged(self, *arguments: str) -> list[dict]:
+    def logged(self, *arguments: str, code: int = 0) -> list[dict]:
         target = self.folder / "log"
-        self.assertExit(0, run(*arguments, "--log", target))
+        self.assertExit(code, run(*arguments, "--log", target))
         return [json.loads(line) for line in target.read_text().splitlines()]
 
     def test_every_record_is_an_object_with_every_key(self):
@@ -22,18 +22,29 @@ class Log(Case):
             self.assertEqual(record["level"], 0)
 
     def test_every_method_that_is_entered_is_left(self):
-        depth = {}
-        for record in self.logged("print", self.file("job", b"text\n")):
-            if record["typeName"].endswith("Start") or record["typeName"].endswith("End"):
-                step = 1 if record["typeName"].endswith("Start") else -1
-                key = record["method"], record["object"]
-                depth[key] = depth.get(key, 0) + step
-        # The port's own thread may end after the command, and with it the log.
-        self.assertEqual({key: left for key, left in depth.items() if left and "runLoop71" not in key[0]}, {})
+        for code, arguments in ((0, ("print", self.file("job", b"text\n"))), (0, ("status",)),
+                                (3, ("-d", f"unix:{self.folder}/none", "status"))):
+            depth = {}
+            for record in self.logged(*arguments, code=code):
+                if record["typeName"].endswith("Start") or record["typeName"].endswith("End"):
+                    step = 1 if record["typeName"].endswith("Start") else -1
+                    key = record["method"], record["object"]
+                    depth[key] = depth.get(key, 0) + step
+            self.assertIn("-[ExternalAccessoryPort runLoop71]", {method for method, _ in depth})
+            self.assertEqual({key: left for key, left in depth.items() if left}, {})
 
     def test_the_last_record_is_there_when_the_command_has_ended(self):
-        records = [record for record in self.logged("status") if "runLoop71" not in record["method"]]
-        self.assertIn("close]", records[-1]["method"])
+        ends = {record["method"] for record in self.logged("status")[-2:] if record["typeName"].endswith("End")}
+        self.assertEqual(ends, {"-[ExternalAccessoryPort close]", "-[ExternalAccessoryPort runLoop71]"})
+
+    def test_a_job_with_a_receipt_is_the_work_of_one_port_and_without_an_error(self):
+        job = self.file("job", b"text\n")
+        records = self.logged("print", "--receipt", self.folder / "receipt.txt", job)
+        self.assertEqual({record["object"] for record in records}, {record["object"] for record in records[:1]})
+        self.assertEqual([record for record in records if record["typeName"] == "Error"], [])
+
+    def test_what_opens_no_port_is_not_recorded(self):
+        self.assertEqual(self.logged("list"), [])
 
     def test_other_levels_are_logged_when_asked_for(self):
         self.assertEqual({record["level"] for record in self.logged("status", "--log-level", "1")}, {1})

@@ -59,6 +59,14 @@ Recording::~Recording() {
   LogWriter::sharedInstance().removeSink(sink_);
 }
 
+Unrecorded::Unrecorded() : wasLogging_(LogWriter::isLogging()) {
+  LogWriter::setLogging(false);
+}
+
+Unrecorded::~Unrecorded() {
+  LogWriter::setLogging(wasLogging_);
+}
+
 LogOutput::LogOutput(const Options& options, const Streams& streams) {
   if (options.log) {
     recording_.emplace(makeSink(*options.log, streams), options.logLevels);

@@ -27,6 +27,18 @@ class Recording {
   const bool wasLogging_;
 };
 
+/// Keeps the diagnostic records back as long as this lives.
+class Unrecorded {
+ public:
+  Unrecorded();
+  ~Unrecorded();
+  Unrecorded(const Unrecorded&) = delete;
+  Unrecorded& operator=(const Unrecorded&) = delete;
+
+ private:
+  const bool wasLogging_;
+};
+
 /// The diagnostic records of a command, where the options want them, as long as this lives.
 class LogOutput {
  public:

@@ -1,11 +1,15 @@
 #include "tools/quorport/Printer.h"
 
+#include <chrono>
 #include <stdexcept>
+#include <thread>
 #include <utility>
 
 #include "backends/DeviceSpec.h"
 #include "backends/Devices.h"
+#include "iphone-IOPort/LogWriter.h"
 #include "platform/Forwarding.h"
+#include "tools/quorport/LogOutput.h"
 
 namespace quordalvane::tool {
 namespace {
@@ -38,6 +42,32 @@ class Candidate : public ForwardingAccessory {
   bool chosen_ = false;
 };
 
+// Where a port makes its choice: without a thread of its own, as off the main thread, and without
+// the pauses around a session, as there is none.
+class Trial : public ForwardingPlatform {
+ public:
+  Trial() : Trial(std::make_shared<posix::PosixPlatform>()) {}
+
+  Clock& clock() override { return clock_; }
+  bool isMainThread() override { return false; }
+
+  void attach(std::shared_ptr<EAAccessory> accessory) { system_->attach(std::move(accessory)); }
+
+ private:
+  class NoPauses : public ForwardingClock {
+   public:
+    using ForwardingClock::ForwardingClock;
+    void usleep(std::uint64_t /*microseconds*/) override {}
+    void select(std::int32_t /*microseconds*/) override {}
+  };
+
+  explicit Trial(std::shared_ptr<posix::PosixPlatform> system)
+      : ForwardingPlatform(system), system_(std::move(system)), clock_(system_->clock()) {}
+
+  const std::shared_ptr<posix::PosixPlatform> system_;
+  NoPauses clock_;
+};
+
 std::string namesOf(const Accessories& accessories) {
   std::string names;
   for (const auto& accessory : accessories) {
@@ -53,6 +83,15 @@ Failure whyNotOpen(const InterruptiblePlatform& platform, const Options& options
     }
   }
   return noneMatches(platform, options);
+}
+
+// The port's thread keeps its port and has a last record to write.
+void awaitRelease(const std::weak_ptr<ExternalAccessoryPort>& port) {
+  using namespace std::chrono_literals;
+  const auto deadline = std::chrono::steady_clock::now() + 2s;
+  while (!port.expired() && std::chrono::steady_clock::now() < deadline) {
+    std::this_thread::sleep_for(5ms);
+  }
 }
 
 }  // namespace
@@ -74,7 +113,8 @@ std::shared_ptr<InterruptiblePlatform> presentDevices(const Options& options,
 
 std::shared_ptr<EAAccessory> chosenAccessory(const InterruptiblePlatform& platform,
                                              const Options& options) {
-  const auto trial = std::make_shared<posix::PosixPlatform>();
+  const Unrecorded unrecorded;
+  const auto trial = std::make_shared<Trial>();
   std::vector<std::shared_ptr<Candidate>> candidates;
   for (const auto& accessory : platform.accessories()) {
     candidates.push_back(std::make_shared<Candidate>(accessory));
@@ -106,16 +146,24 @@ Printer::Printer(const std::shared_ptr<InterruptiblePlatform>& platform, const O
     : interruption_(surroundings.interruption), port_(makePort(options, platform)) {
   interruption_->begin();
   if (!port_->open()) {
-    interruption_->end();
-    port_->close();
+    close();
     throw whyNotOpen(*platform, options);
   }
   interruption_->beginExchange();
 }
 
 Printer::~Printer() {
+  close();
+}
+
+void Printer::close() {
   interruption_->end();
   port_->close();
+  if (LogWriter::isLogging()) {
+    const std::weak_ptr<ExternalAccessoryPort> released = port_;
+    port_.reset();
+    awaitRelease(released);
+  }
 }
 
 Failure Printer::failure(const std::string& otherwise) {
