@@ -244,10 +244,29 @@ class AgainstAPeer(Case):
 
     def test_a_link_that_ends_is_a_lost_link(self):
         peer = self.peer(lambda connection: receive(connection, 1))
-        for command in ("status", "online"):
-            self.assertFailsInBothForms(5, "-d", peer.place, command, saying="lost")
-        for command in ("firmware", "dipswitch", "button-security"):
-            self.assertFailsInBothForms(5, "-d", peer.place, "-t", "0", command, saying="lost")
+        for command in ("status", "online", "firmware", "dipswitch", "button-security"):
+            self.assertFailsInBothForms(5, "-d", peer.place, "-t", "1000", command, saying="lost")
+
+    def test_bytes_that_nobody_reads_do_not_hide_a_lost_link(self):
+        def closes(connection, words):
+            connection.setsockopt(socket.IPPROTO_TCP, socket.TCP_CORK, 1)  # the words and the end in one packet
+            connection.sendall(words)
+
+        def resets(connection, words):
+            connection.sendall(words)
+            receive(connection, 1)
+            connection.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, b"\1\0\0\0\0\0\0\0")
+
+        def check(end, words: bytes, *arguments: str):
+            place = self.peer(lambda connection: end(connection, words)).place
+            result = run("-d", place, "-t", "1000", "--json", *arguments)
+            self.assertExit(5, result)
+            self.assertIn("lost", result.json()["error"])
+
+        at_once((check, end, words, *arguments)
+                for end, commands in ((closes, (("dipswitch",), ("firmware",), ("-e", "escpos", "firmware"), ("disconnect",))),
+                                      (resets, (("dipswitch",), ("disconnect",))))
+                for words in (b"\x10\0\0\0", b"j" * 10000) for arguments in commands)
 
     def test_a_status_cut_at_every_byte_is_never_taken_for_one(self):
         block = status_block()

@@ -143,7 +143,9 @@ Printer::Printer(const Options& options, const Surroundings& surroundings)
 
 Printer::Printer(const std::shared_ptr<InterruptiblePlatform>& platform, const Options& options,
                  const Surroundings& surroundings)
-    : interruption_(surroundings.interruption), port_(makePort(options, platform)) {
+    : interruption_(surroundings.interruption),
+      platform_(platform),
+      port_(makePort(options, platform)) {
   interruption_->begin();
   if (!port_->open()) {
     close();
@@ -166,11 +168,18 @@ void Printer::close() {
   }
 }
 
-Failure Printer::failure(const std::string& otherwise) {
-  if (port_->isConnected()) {
-    return {ExitCode::ExchangeFailed, printable(otherwise)};
+bool Printer::isLinkLost() {
+  for (const auto& accessory : platform_->accessories()) {
+    accessory->noticeLoss();
   }
-  return {ExitCode::LinkLost, "the link to the printer was lost"};
+  return !port_->isConnected();
+}
+
+Failure Printer::failure(const std::string& otherwise) {
+  if (isLinkLost()) {
+    return {ExitCode::LinkLost, "the link to the printer was lost"};
+  }
+  return {ExitCode::ExchangeFailed, printable(otherwise)};
 }
 
 }  // namespace quordalvane::tool

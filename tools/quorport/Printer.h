@@ -58,6 +58,9 @@ class Printer {
     }
   }
 
+  /// Whether the link is gone. Bytes that came before the loss and are unread do not hide it.
+  bool isLinkLost();
+
   /// A failed exchange: a lost link where the link is gone, else what `otherwise` says.
   Failure failure(const std::string& otherwise);
 
@@ -65,6 +68,7 @@ class Printer {
   void close();
 
   std::shared_ptr<Interruption> interruption_;
+  std::shared_ptr<InterruptiblePlatform> platform_;
   std::shared_ptr<ExternalAccessoryPort> port_;
 };
 

@@ -27,12 +27,12 @@ bool retrieveWholeFirmware(Port& port) {
   }
 }
 
-// Why the port would not ask: it looks whether the printer is on line first.
+// Where the link stands, the port may not have asked: it looks whether the printer is on line
+// first.
 Failure whyNoFirmware(Printer& printer) {
-  bool isOnline = false;
-  const bool answered =
-      printer.exchange([&](Port& port) { return port.getOnlineStatus(&isOnline); });
-  if (answered && !isOnline) {
+  bool isOnline = true;
+  const auto ask = [&isOnline](Port& port) { return port.getOnlineStatus(&isOnline); };
+  if (!printer.isLinkLost() && printer.exchange(ask) && !isOnline) {
     return {ExitCode::NotReady, "the printer is off line, and is not asked for its firmware then"};
   }
   return printer.failure("the printer did not say its firmware");
