@@ -56,6 +56,11 @@ class Firmware(Asking):
         at_once((self.assertTold, letters[:length], emulation, reply % letters[:length].encode())
                 for emulation, (_, reply) in FIRMWARE.items() for length in range(1, 65))
 
+    def test_bytes_that_are_no_text_are_no_reply(self):
+        request, _ = FIRMWARE["escpos"]
+        at_once((self.failure, 1, ON_LINE | {request: reply}, "-t", "0", "-e", "escpos", "firmware")
+                for reply in (b"\x12\x5fV1.2\x00", b"V1.2\x00", b"\x12\x00"))
+
     def test_a_reply_in_two_pieces_is_no_reply(self):
         at_once((self.failure, 1, ON_LINE | {request: in_pieces(*pieces)}, "-t", "0", "-e", emulation, "firmware")
                 for emulation, (request, reply) in FIRMWARE.items() for pieces in pieces_of(reply % b"V1.2"))
@@ -126,6 +131,13 @@ class BluetoothModule(Asking):
             {ADDRESS_REQUEST: ADDRESS},
             {ADDRESS_REQUEST: ADDRESS, DROP_REQUEST: b"\r\nOK\r\n"},
             {ADDRESS_REQUEST: ADDRESS, DROP_REQUEST: b"\r\nERROR\r\n"}))
+
+    def test_an_answer_without_a_whole_address_is_told_in_plain_words(self):
+        def check(answer: bytes):
+            error = self.failure(1, {ADDRESS_REQUEST: answer}, "-t", "1000", "disconnect")
+            self.assertEqual(error, "the Bluetooth module answered without its address")
+
+        at_once((check, answer) for answer in (b"\r\nOK\r\n", b"\r\n*AILBA:0011\r\nOK\r\n"))
 
     def test_a_result_that_comes_in_two_reads_is_no_result(self):
         self.assertStays({ADDRESS_REQUEST: in_pieces(ADDRESS[:-3], ADDRESS[-3:], pause=0.5)})

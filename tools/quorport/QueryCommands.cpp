@@ -15,13 +15,18 @@ std::string spaced(const std::string& hex) {
   return hex.substr(0, 2) + " " + hex.substr(2);
 }
 
-// In ESC/POS the port takes the first bytes that come for the whole text. A whole one ends in a
-// zero.
+// In ESC/POS the port takes the first bytes that come for the text: a status byte that comes late,
+// or the beginning of the text alone. A whole one has this head and ends in a zero.
+bool isWholeText(const ByteBuffer& reply) {
+  constexpr std::uint8_t head = 0x5f;
+  return !reply.empty() && reply.front() == head && reply.back() == 0;
+}
+
 bool retrieveWholeFirmware(Port& port) {
   const HeardBytes heard(port.shared_from_this());
   try {
     return port.retrieveFirmwareInformation() &&
-           (port.emulation() != ZKEmulationESCPOS || heard.bytes().back() == 0);
+           (port.emulation() != ZKEmulationESCPOS || isWholeText(heard.reads().back()));
   } catch (const std::out_of_range&) {
     return false;  // a single byte, which has no text
   }
@@ -91,7 +96,14 @@ Report buttonSecurity(const Options& options, const Surroundings& surroundings) 
 
 Report disconnect(const Options& options, const Surroundings& surroundings) {
   Printer printer(options, surroundings);
-  if (!printer.exchange([](Port& port) { return port.disconnect(); })) {
+  const bool dropped = printer.exchange([&printer](Port& port) {
+    try {
+      return port.disconnect();
+    } catch (const std::out_of_range&) {
+      throw printer.failure("the Bluetooth module answered without its address");
+    }
+  });
+  if (!dropped) {
     throw printer.failure("the Bluetooth module did not drop the link");
   }
   return done("The Bluetooth module has dropped the link.");
