@@ -191,6 +191,48 @@ class Documentation(SmallTree):
     def test_a_command_that_dev_does_not_have_is_seen(self):
         self.assertTrue(self.objects_to("```\n./dev fly\n```\n"))
 
+    def objections_to_rows(self, *rows: str) -> list[str]:
+        self.write("iphone-IOPort/ExternalAccessoryPort.h", """
+class ExternalAccessoryPort {
+  struct Arguments;
+
+ public:
+  explicit ExternalAccessoryPort(Arguments arguments);
+  ExternalAccessoryPort(const ExternalAccessoryPort&) = delete;
+
+  /// Not an operation: move();
+  bool open();
+  std::optional<std::string> read(
+      std::size_t count, std::shared_ptr<Clock> clock = processClock());
+  bool isSet() const { return _set.get(); }
+
+ private:
+  void open71();
+};
+""")
+        self.write("iphone-IOPort/Session.cpp", "bool ExternalAccessoryPort::open() {\n")
+        self.write("iphone-IOPort/Transport.cpp", "bool ExternalAccessoryPort::read(\n")
+        self.write("docs/architecture.md", "# Architecture\n\n| operation | source | |\n|---|---|---|\n" + "\n".join(rows))
+        self.objects_to("")
+        return documentation.violations(self.root)
+
+    def test_a_source_for_each_operation_is_accepted(self):
+        self.assertEqual(self.objections_to_rows("| `open` | `iphone-IOPort/Session.cpp` | |",
+                                                 "| `read` | `iphone-IOPort/Transport.cpp` | |"), [])
+
+    def test_an_operation_without_a_source_is_seen(self):
+        self.assertEqual(self.objections_to_rows("| `open` | `iphone-IOPort/Session.cpp` | |"),
+                         ["docs/architecture.md: no source for the port's read"])
+
+    def test_an_operation_that_is_elsewhere_is_seen(self):
+        self.assertEqual(self.objections_to_rows("| `open`, `read` | `iphone-IOPort/Session.cpp` | |"),
+                         ["docs/architecture.md: read is not in iphone-IOPort/Session.cpp"])
+
+    def test_an_operation_that_is_none_is_seen(self):
+        self.assertIn("docs/architecture.md: the port has no open71",
+                      self.objections_to_rows("| `open`, `open71` | `iphone-IOPort/Session.cpp` | |",
+                                              "| `read` | `iphone-IOPort/Transport.cpp` | |"))
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -1,6 +1,7 @@
 """What the documentation points at is there. Usage: documentation.py ROOT
 
-Links between pages and to headings, files of the project named in `code`, and commands of ./dev.
+Links between pages and to headings, files of the project named in `code`, commands of ./dev, and the
+sources that the page on the architecture names for the operations of the port: for each of them.
 """
 
 import re
@@ -13,6 +14,13 @@ FENCE = re.compile(r"^```.*?^```", re.M | re.S)
 LINK = re.compile(r"\[[^\]]*\]\(([^)\s]+)\)")
 CODE = re.compile(r"`([^`\n]+)`")
 HEADING = re.compile(r"^#+ +(.+?) *$", re.M)
+PORT = "ExternalAccessoryPort"
+PORT_HEADER = f"iphone-IOPort/{PORT}.h"
+ARCHITECTURE = "docs/architecture.md"
+COMMENT = re.compile(r"//.*$", re.M)
+PUBLIC_PART = re.compile(r"^ public:$(.*?)^ private:$", re.M | re.S)
+DECLARATION = re.compile(r"^  \S[^;{}()]*\b(\w+)\((?:[^()]|\([^()]*\))*\)(?: const)?;", re.M)
+SOURCE_ROW = re.compile(r"^\| (`.+`) \| `(iphone-IOPort/\w+\.cpp)` \|", re.M)
 DEV_COMMAND = re.compile(r"\./dev ([a-z]+)")
 DEV_CASE = re.compile(r"^ *([a-z |]+)\) \"\$\{command\}_command\"", re.M)
 
@@ -40,6 +48,27 @@ def missing_file(root: Path, code: str) -> bool:
     return bool(is_path) and head != "build" and not (root / code).exists()
 
 
+def text_of(file: Path) -> str:
+    return file.read_text() if file.exists() else ""
+
+
+def operations(header: str) -> set[str]:
+    """What the port offers and does not define in its class."""
+    parts = PUBLIC_PART.findall(COMMENT.sub("", header))
+    return {name for part in parts for name in DECLARATION.findall(part)} - {PORT}
+
+
+def misplaced_operations(root: Path) -> list[str]:
+    sources = {name: file for names, file in SOURCE_ROW.findall(text_of(root / ARCHITECTURE))
+               for name in CODE.findall(names)}
+    offered = operations(text_of(root / PORT_HEADER))
+    found = [f"{ARCHITECTURE}: no source for the port's {name}" for name in sorted(offered - set(sources))]
+    found += [f"{ARCHITECTURE}: the port has no {name}" for name in sorted(set(sources) - offered)]
+    found += [f"{ARCHITECTURE}: {name} is not in {file}" for name, file in sources.items()
+              if f"{PORT}::{name}(" not in text_of(root / file)]
+    return found
+
+
 def violations(root: Path) -> list[str]:
     commands = {word for case in DEV_CASE.findall((root / "dev").read_text()) for word in case.split(" | ")}
     found = []
@@ -50,7 +79,7 @@ def violations(root: Path) -> list[str]:
         broken += [f"file {code}" for code in CODE.findall(prose) if missing_file(root, code)]
         broken += [f"./dev {word}" for word in DEV_COMMAND.findall(text) if word not in commands]
         found += [f"{page.relative_to(root)}: there is no {what}" for what in broken]
-    return found
+    return found + misplaced_operations(root)
 
 
 if __name__ == "__main__":
