@@ -15,14 +15,15 @@ namespace quordalvane {
 /// command. In words, with the place; none when the signs can only be the block's own.
 ///
 /// Bytes inside the counted payload of a print command (an image, a barcode, a stored graphic) are
-/// data whatever their values. Bytes that are a command's parameters are not told from commands,
-/// since a printer need not tell them apart either.
+/// data whatever their values, as long as all commands before it are known. Bytes that are a
+/// command's parameters are not told from commands, since a printer need not tell them apart
+/// either.
 std::optional<std::string> confirmationObstacle(std::span<const std::uint8_t> data,
                                                 ZKEmulation emulation);
 
-/// Where the print command ends in whose counted payload or header `position` lies; `position`
-/// itself outside of one, and the end of the data when the command does not end in it. A printer
-/// takes all that comes before that place for the command's own.
+/// Where the print command ends inside which `position` lies; `position` itself outside of one or
+/// behind a command that is not known, and the end of the data when the command does not end in it.
+/// A printer takes all that comes before that place for the command's own.
 std::size_t commandEnd(std::span<const std::uint8_t> data, std::size_t position);
 
 }  // namespace quordalvane

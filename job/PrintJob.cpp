@@ -23,6 +23,7 @@ constexpr std::size_t smallestPiece = 256;
 // A cancelled job's last word must be out within this time: people wait for it.
 constexpr auto cancelLimit = std::chrono::milliseconds(500);
 constexpr std::uint8_t dataCancel[] = {0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00};
+constexpr std::uint8_t dataCancelEnd[] = {0x1b, 0x1d, 0x03, 0x04, 0x00, 0x00};
 
 // How long a port may go on once the printer's report has been seen.
 constexpr auto timeToEnd = std::chrono::seconds(2);
@@ -35,25 +36,21 @@ constexpr std::uint8_t countOfTwoMarks = 2;
 constexpr std::uint8_t countOfOneMark = 1;
 constexpr std::uint32_t lengthWithCounter = 7;
 constexpr std::uint8_t offlineBit = 0x08;
-constexpr std::uint8_t reportStart = 0x1b;
-constexpr std::size_t reportSize = 8;
 
-bool isLineModeStatus(const QuorPrinterStatus_2& status) {
+bool hasCounter(const QuorPrinterStatus_2& status) {
   return status.rawLength >= lengthWithCounter && (status.raw[0] & 0xc0) == 0x80;
-}
-
-/// The first real-time status byte behind any reports; none while there is none.
-std::optional<std::uint8_t> realTimeStatusIn(const ByteBuffer& bytes) {
-  for (std::size_t i = 0; i < bytes.size(); i += bytes[i] == reportStart ? reportSize : 1) {
-    if ((bytes[i] & 0x93) == 0x12) {
-      return bytes[i];
-    }
-  }
-  return std::nullopt;
 }
 
 std::string inSeconds(std::uint32_t millis) {
   return millis < 1000 ? grouped(millis) + " ms" : grouped(millis / 1000) + " s";
+}
+
+std::string whyOwed(const OwedAnswers& answers) {
+  if (!answers.last().empty()) {
+    return "the printer has not answered all that it was asked";
+  }
+  return answers.isAnyOdd() ? "the printer's answer is not a status of this emulation"
+                            : "the printer does not answer";
 }
 
 /// Lets a job see the bytes of its port as long as it lasts.
@@ -90,7 +87,7 @@ std::string adviceFor(const PrintResult& result) {
 }  // namespace
 
 PrintJob::PrintJob(std::shared_ptr<ExternalAccessoryPort> port, Options options)
-    : port_(std::move(port)), options_(std::move(options)) {}
+    : port_(std::move(port)), options_(std::move(options)), answers_(port_->emulation()) {}
 
 PrintResult PrintJob::run(std::span<const std::uint8_t> data) {
   result_.bytesTotal = data.size();
@@ -105,19 +102,22 @@ PrintResult PrintJob::run(std::span<const std::uint8_t> data) {
 }
 
 void PrintJob::bytesWritten(std::span<const std::uint8_t> bytes) {
+  answers_.written(bytes);
   if (accepted_ != nullptr) {
     *accepted_ += bytes.size();
   }
+  stopIfCancelled();
 }
 
 void PrintJob::bytesRead(std::span<const std::uint8_t> bytes) {
+  answers_.read(bytes);
   report_.feed(bytes);
   stopIfCancelled();
   stopIfReported();
 }
 
 void PrintJob::stopIfCancelled() const {
-  if (cancelled_) {
+  if (cancelled_ && !isFinishing_) {
     throw Cancelled();
   }
 }
@@ -137,10 +137,14 @@ void PrintJob::stopIfReported() {
 
 void PrintJob::print(std::span<const std::uint8_t> data) {
   stopIfCancelled();
-  if (options_.checked && !(begin() && synchronise())) {
+  if (options_.checked && !begin()) {
     return;
   }
-  reportProgress();
+  if (options_.checked && !synchronise()) {
+    leaveBlock();
+    return;
+  }
+  enter(PrintStage::Data);
   if (!move(data, result_.bytesAccepted)) {
     return;
   }
@@ -148,11 +152,13 @@ void PrintJob::print(std::span<const std::uint8_t> data) {
     end(data);
   } else {
     stop(PrintObstacle::NoProof,
-         "sent without a checked block: nothing proves that it was printed");
+         data.empty() ? "there was nothing to send"
+                      : "sent without a checked block: nothing proves that it was printed");
   }
 }
 
 bool PrintJob::begin() {
+  enter(PrintStage::Begin);
   bool exchanged = false;
   try {
     exchanged = port_->beginCheckedBlock(&status_, statusLevel, &result_.resultCode);
@@ -178,39 +184,52 @@ bool PrintJob::begin() {
   return true;
 }
 
-/// One exchange behind the block's data cancel. Its answer comes after everything that the printer
-/// had to say of earlier jobs, and in line mode shows that none of them was counted since: every
-/// sign from here on is this job's.
+/// One exchange behind the block's data cancel, once all earlier questions are answered. Its answer
+/// comes after everything that the printer had to say of earlier jobs, and in line mode shows that
+/// none of them was counted since: every sign from here on is this job's.
 bool PrintJob::synchronise() {
-  switch (port_->emulation()) {
-    case ZKEmulationQuorLine:
-      return synchroniseQuorLine();
-    case ZKEmulationESCPOS:
-      return synchroniseESCPOS();
-    case ZKEmulationUnknown:
-      break;
+  if (port_->emulation() == ZKEmulationUnknown) {
+    return true;
+  }
+  const bool isLineMode = port_->emulation() == ZKEmulationQuorLine;
+  drainInput();
+  if (!awaitAnswers()) {
+    return false;
+  }
+  answers_.forgetSurplus();
+  const std::uint8_t realTimeStatusRequest[] = {0x10, 0x04, 0x01};
+  std::uint64_t requestBytes = 0;
+  return move(isLineMode ? std::span<const std::uint8_t>(escAckSoh) : realTimeStatusRequest,
+              requestBytes) &&
+         awaitAnswers() && (isLineMode ? isReadyInLineMode() : isReadyInESCPOS());
+}
+
+/// Reads until the printer owes no answer. False at the time-out or when the link is lost.
+bool PrintJob::awaitAnswers() {
+  Clock& clock = port_->platform().clock();
+  const auto limit = std::chrono::milliseconds(std::max(port_->timeoutMillis(), 1000U));
+  const auto start = clock.monotonic();
+  while (answers_.isAnyOwed()) {
+    if (!port_->read(128) || clock.monotonic() - start > limit) {
+      return stopForLostExchange(whyOwed(answers_));
+    }
+    if (answers_.isAnyOwed()) {
+      clock.usleep(lookPauseMicroseconds);
+    }
   }
   return true;
 }
 
-bool PrintJob::synchroniseQuorLine() {
-  drainInput();
-  ByteBuffer block;
-  std::uint64_t requestBytes = 0;
-  if (!move(escAckSoh, requestBytes) || !awaitAnswer(
-                                            [](const ByteBuffer& bytes) {
-                                              return CalculateStatusLength(bytes.front()) <=
-                                                     static_cast<std::int32_t>(bytes.size());
-                                            },
-                                            block)) {
-    return false;
-  }
-  status_.rawLength = static_cast<std::uint32_t>(CalculateStatusLength(block.front()));
-  std::copy_n(block.begin(), status_.rawLength, status_.raw);
+bool PrintJob::isReadyInLineMode() {
+  const auto& block = answers_.last();
+  status_.rawLength = static_cast<std::uint32_t>(block.size());
+  std::copy(block.begin(), block.end(), status_.raw);
   BuildParsedStatus(&status_);
   result_.status = status_;
-  if (!isLineModeStatus(status_)) {
-    return stop(PrintObstacle::ExchangeFailed, "the printer's answer is not a line-mode status");
+  if (!hasCounter(status_)) {
+    return stop(PrintObstacle::ExchangeFailed,
+                "the printer's status of " + grouped(block.size()) +
+                    " bytes holds no counter, without which no job can be confirmed");
   }
   if (status_.offline != 0) {
     return stop(PrintObstacle::PrinterNotReady, whyOffline(status_));
@@ -222,40 +241,17 @@ bool PrintJob::synchroniseQuorLine() {
   return true;
 }
 
-bool PrintJob::synchroniseESCPOS() {
-  drainInput();
-  const std::uint8_t realTimeStatusRequest[] = {0x10, 0x04, 0x01};
-  ByteBuffer answer;
-  std::uint64_t requestBytes = 0;
-  if (!move(realTimeStatusRequest, requestBytes) ||
-      !awaitAnswer([](const ByteBuffer& bytes) { return realTimeStatusIn(bytes).has_value(); },
-                   answer)) {
-    return false;
-  }
-  if ((realTimeStatusIn(answer).value_or(0) & offlineBit) != 0) {
-    return stop(PrintObstacle::PrinterNotReady, "off line");
-  }
-  return true;
+bool PrintJob::isReadyInESCPOS() {
+  return (answers_.last().front() & offlineBit) == 0 ||
+         stop(PrintObstacle::PrinterNotReady, "off line");
 }
 
-/// Reads until the answer is complete. False at the time-out or when the link is lost.
-bool PrintJob::awaitAnswer(const std::function<bool(const ByteBuffer&)>& isComplete,
-                           ByteBuffer& answer) {
-  Clock& clock = port_->platform().clock();
-  const auto limit = std::chrono::milliseconds(std::max(port_->timeoutMillis(), 1000U));
-  const auto start = clock.monotonic();
-  while (clock.monotonic() - start <= limit) {
-    const auto bytes = port_->read(128);
-    if (!bytes) {
-      break;
-    }
-    answer.insert(answer.end(), bytes->begin(), bytes->end());
-    if (!answer.empty() && isComplete(answer)) {
-      return true;
-    }
-    clock.usleep(lookPauseMicroseconds);
+/// Ends the guarded stretch of a block that is not gone on with. A printer that was given a data
+/// time-out would else drop what others send it later.
+void PrintJob::leaveBlock() {
+  if (port_->dataTimeoutSeconds() >= 0) {
+    port_->write(dataCancelEnd);
   }
-  return stopForLostExchange("the printer does not answer");
 }
 
 /// Hands all of `data` to the link, each byte once, and counts in `accepted` what it took. False
@@ -268,6 +264,9 @@ bool PrintJob::move(std::span<const std::uint8_t> data, std::uint64_t& accepted)
   accepted_ = &accepted;
   while (accepted < data.size()) {
     stopIfCancelled();
+    if (clock.monotonic() > deadline_) {
+      return stop(PrintObstacle::ExchangeFailed, "the printer took no more in time");
+    }
     const auto rest = data.subspan(accepted);
     const auto piece = rest.first(std::min(rest.size(), pieceSize));
     const std::int32_t written = port_->write(piece);
@@ -285,8 +284,8 @@ bool PrintJob::move(std::span<const std::uint8_t> data, std::uint64_t& accepted)
     if (!port_->isConnected()) {
       return stopForLostExchange("the link failed");
     }
-    const auto now = clock.monotonic();
-    if (now - lastProgress > limit || now > deadline_) {
+    if (clock.monotonic() - lastProgress > limit) {
+      result_.status.reset();
       return stop(PrintObstacle::ExchangeFailed,
                   "the printer took no data for " + inSeconds(port_->timeoutMillis()));
     }
@@ -296,13 +295,19 @@ bool PrintJob::move(std::span<const std::uint8_t> data, std::uint64_t& accepted)
   return true;
 }
 
+void PrintJob::enter(PrintStage stage) {
+  stage_ = stage;
+  reportProgress();
+}
+
 void PrintJob::reportProgress() const {
   if (options_.progress) {
-    options_.progress({result_.bytesAccepted, result_.bytesTotal});
+    options_.progress({stage_, result_.bytesAccepted, result_.bytesTotal});
   }
 }
 
 void PrintJob::end(std::span<const std::uint8_t> data) {
+  enter(PrintStage::End);
   drainInput();
   report_.clear();
   const std::string failure = endBlock();
@@ -352,8 +357,7 @@ bool PrintJob::endOnPort() {
 /// off-line printer ends it, too.
 bool PrintJob::isProven() const {
   if (port_->emulation() == ZKEmulationQuorLine) {
-    return isLineModeStatus(status_) && status_.offline == 0 &&
-           status_.etbCounter == countOfTwoMarks;
+    return hasCounter(status_) && status_.offline == 0 && status_.etbCounter == countOfTwoMarks;
   }
   return report_.lastCount() == countOfOneMark;
 }
@@ -379,16 +383,21 @@ bool PrintJob::isLinkLost() {
 /// Tells the printer to drop the rest. The command in whose middle the job was stopped is completed
 /// first: the printer would take the data cancel for its payload.
 void PrintJob::finishCancelled(std::span<const std::uint8_t> data) {
-  cancelled_ = false;
+  isFinishing_ = true;
   deadline_ = port_->platform().clock().monotonic() + cancelLimit;
-  const std::uint64_t accepted = result_.bytesAccepted;
+  const std::size_t end = commandEnd(data, result_.bytesAccepted);
   std::uint64_t cancelBytes = 0;
-  const bool told = port_->isConnected() &&
-                    move(data.first(commandEnd(data, accepted)), result_.bytesAccepted) &&
+  const bool told = port_->isConnected() && move(data.first(end), result_.bytesAccepted) &&
                     move(dataCancel, cancelBytes);
+  if (told) {
+    leaveBlock();
+  }
+  const bool isInCommand = result_.bytesAccepted < end;
   port_->close();
   stop(PrintObstacle::Cancelled,
-       told ? "cancelled, and the printer was told to drop the rest" : "cancelled");
+       told          ? "cancelled, and the printer was told to drop the rest"
+       : isInCommand ? "cancelled inside a command whose rest the printer still waits for"
+                     : "cancelled");
 }
 
 /// Ends the job without a confirmation. Always false.

@@ -14,6 +14,7 @@
 
 #include "iphone-IOPort/ExternalAccessoryPort.h"
 #include "job/BlockReport.h"
+#include "job/OwedAnswers.h"
 
 namespace quordalvane {
 
@@ -45,7 +46,8 @@ struct PrintResult {
   std::uint64_t bytesTotal = 0;
   std::uint64_t bytesAccepted = 0;  ///< what the link took of the job, exactly
 
-  /// The last status that was obtained; none if none was.
+  /// The last status that was obtained; none if none was, and none for a printer that then took no
+  /// more data: what it was ready for before says nothing of why.
   std::optional<QuorPrinterStatus_2> status;
 
   /// Why, for a person: "cover open", "link lost after 1,204 of 3,800 bytes". "" when printed.
@@ -55,7 +57,15 @@ struct PrintResult {
   std::string advice;
 };
 
+/// What a job is at. One without a block has its data alone.
+enum class PrintStage {
+  Begin,  ///< the block begins: the printer is asked and made ready
+  Data,   ///< the data goes out
+  End,    ///< the block ends: the printer is asked until it has printed all
+};
+
 struct PrintProgress {
+  PrintStage stage;
   std::uint64_t bytesAccepted;
   std::uint64_t bytesTotal;
 };
@@ -72,8 +82,7 @@ class QUOR_EXPORT PrintJob : private TransferObserver {
     /// False: no block, hence no look at the printer and no proof. The best outcome is Unconfirmed.
     bool checked = true;
 
-    /// Called on the thread of `run`: with no byte accepted when the data is about to go out, and
-    /// after each piece that went out.
+    /// Called on the thread of `run` when a stage begins, and after each piece that went out.
     std::function<void(const PrintProgress&)> progress = {};
   };
 
@@ -88,8 +97,8 @@ class QUOR_EXPORT PrintJob : private TransferObserver {
   PrintResult run(std::span<const std::uint8_t> data);
 
   /// Abandons the job: as soon as the port looks at the link again, 0.3 s at most, the printer is
-  /// told to drop what it holds, if the link takes that, and the port is closed. Any thread, also
-  /// before `run`; safe in a signal handler.
+  /// told to drop what it holds, if the link takes that within 0.5 s, and the port is closed. Any
+  /// thread, also before `run`; safe in a signal handler.
   void cancel() noexcept { cancelled_ = true; }
 
  private:
@@ -104,13 +113,15 @@ class QUOR_EXPORT PrintJob : private TransferObserver {
   void print(std::span<const std::uint8_t> data);
   bool begin();
   bool synchronise();
-  bool synchroniseQuorLine();
-  bool synchroniseESCPOS();
-  bool awaitAnswer(const std::function<bool(const ByteBuffer&)>& isComplete, ByteBuffer& answer);
+  bool awaitAnswers();
+  bool isReadyInLineMode();
+  bool isReadyInESCPOS();
+  void leaveBlock();
   bool move(std::span<const std::uint8_t> data, std::uint64_t& accepted);
   void end(std::span<const std::uint8_t> data);
   std::string endBlock();
   bool endOnPort();
+  void enter(PrintStage stage);
   void reportProgress() const;
   bool isProven() const;
   void drainInput();
@@ -126,6 +137,9 @@ class QUOR_EXPORT PrintJob : private TransferObserver {
   std::atomic<bool> cancelled_ = false;
   std::uint64_t* accepted_ = nullptr;  // what counts the bytes that go out now; null: nothing
   std::chrono::nanoseconds deadline_ = std::chrono::nanoseconds::max();
+  PrintStage stage_ = PrintStage::Begin;
+  bool isFinishing_ = false;  // a cancelled job sends its last words
+  OwedAnswers answers_;
   BlockReport report_;
   bool awaitsReport_ = false;
   std::optional<std::chrono::nanoseconds> reportedAt_;  // when the report was first seen

@@ -287,8 +287,8 @@ enum {
 /** One print job over an open port. It is sent once and never again by itself. */
 typedef struct QuorPrintJob QuorPrintJob;
 
-/** Called on the thread that runs the job: with no byte accepted when the data is about to go out,
- * and after each piece that went out. */
+/** Called on the thread that runs the job: when its block begins, when its data is about to go out,
+ * after each piece that went out, and when its block ends. */
 typedef void (*QuorProgress)(void* context, uint64_t bytes_accepted, uint64_t bytes_total);
 
 /** Creates a job, which keeps the port for itself as long as it lives. `checked` 0: the printer is

@@ -95,16 +95,22 @@ void setTimeouts(ExternalAccessoryPort& port, const PrintOptions& options) {
 }
 
 std::string inWords(const PrintProgress& progress) {
+  if (progress.stage == PrintStage::Begin) {
+    return "begins: asking the printer";
+  }
+  if (progress.stage == PrintStage::End) {
+    return "sent all " + grouped(progress.bytesTotal) +
+           " bytes, ends: waiting until they are printed";
+  }
   const std::uint64_t percent =
       progress.bytesTotal == 0 ? 100 : progress.bytesAccepted * 100 / progress.bytesTotal;
   return "sent " + grouped(progress.bytesAccepted) + " of " + grouped(progress.bytesTotal) +
          " bytes (" + std::to_string(percent) + " %)";
 }
 
-PrintResult runJob(const std::vector<std::uint8_t>& data, Printer& printer,
+PrintResult runJob(const std::vector<std::uint8_t>& data, Printer& printer, LiveLine& line,
                    const PrintOptions& options, const Surroundings& surroundings) {
   setTimeouts(*printer.port(), options);
-  LiveLine line(surroundings.streams.err);
   std::uint64_t bytesAccepted = 0;
   PrintJob job(printer.port(),
                {.checked = !options.unchecked, .progress = [&](const PrintProgress& progress) {
@@ -125,6 +131,7 @@ PrintResult runJob(const std::vector<std::uint8_t>& data, Printer& printer,
     result.advice = "look at the paper before sending the job again, which may print it twice";
   }
   surroundings.interruption->end();
+  line.show("closes the port");
   return result;
 }
 
@@ -140,8 +147,9 @@ Report printData(const std::vector<std::uint8_t>& data, const Options& options,
   auto receipt = receiptFor(options, *platform);
   PrintResult result;
   {
+    LiveLine line(surroundings.streams.err);
     Printer printer(platform, options, surroundings);
-    result = runJob(data, printer, options.print, surroundings);
+    result = runJob(data, printer, line, options.print, surroundings);
   }
   if (receipt) {
     if (const std::string why = receipt->write(); !why.empty()) {

@@ -1,5 +1,6 @@
 // Jobs on printers that answer what a printer should not.
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <utility>
@@ -25,13 +26,41 @@ PrintResult printOn(const Script& script, PrintJob::Options options = {}) {
 const test::Bytes kStatusRequest = bytes("1b 06 01");
 
 TEST(OddAnswers, OfAnotherKindThanLineModeRefuseTheJob) {
-  // Long enough for a counter, but without the mark of the kind; and too short for a counter.
+  // Long enough for a counter, but without the mark of the kind; and too short for a block.
   for (const char* const block : {"09 01 00 00 00 00 00 00 05", "01"}) {
     const PrintResult result =
         printOn(Script().wheneverAsked(kStatusRequest, {{bytes(block), 0.0}}));
     EXPECT_EQ(result.outcome, PrintOutcome::Refused) << block;
-    EXPECT_EQ(result.reason, "the printer's answer is not a line-mode status") << block;
+    EXPECT_EQ(result.reason, "the printer's answer is not a status of this emulation") << block;
   }
+}
+
+TEST(OddAnswers, WithoutACounterRefuseTheJobAndSaySo) {
+  for (const char* const block : {"82 01", "86 01 00 00 00 00"}) {
+    const PrintResult result =
+        printOn(Script().wheneverAsked(kStatusRequest, {{bytes(block), 0.0}}));
+    EXPECT_EQ(result.outcome, PrintOutcome::Refused) << block;
+    EXPECT_THAT(result.reason, testing::HasSubstr("holds no counter")) << block;
+  }
+}
+
+TEST(OddAnswers, ThatAreOwedForeverRefuseTheJob) {
+  Script script;
+  script.whenAsked(kStatusRequest, {});  // asked again, and answered once for two questions
+  script.wheneverAsked(kStatusRequest, {{bytes("89 01 00 00 00 00 00 00 05"), 0.0}});
+  const PrintResult result = printOn(script);
+  EXPECT_EQ(result.outcome, PrintOutcome::Refused);
+  EXPECT_EQ(result.reason, "the printer has not answered all that it was asked");
+}
+
+TEST(OddAnswers, ThatCameTwiceAreNotTakenForTheNextOne) {
+  const auto fresh = bytes("89 01 00 00 00 00 00 00 05");
+  Script script;
+  script.whenAsked(kStatusRequest, {{fresh, 0.0}, {fresh, 0.0}});
+  script.whenAsked(kStatusRequest, {{fresh, 0.0}});
+  script.wheneverAsked(kStatusRequest, {{bytes("89 01 00 00 00 00 02 00 05"), 0.0}});
+  const PrintResult result = printOn(script);
+  EXPECT_EQ(result.outcome, PrintOutcome::Refused) << "two ends were counted before the job";
 }
 
 TEST(OddAnswers, ThatChangeTheirKindDuringTheJobConfirmNothing) {

@@ -40,16 +40,50 @@ const Case kCases[] = {
     {"long graphics", {0x1d, 0x38, 0x4c, 1, 0, 0, 0, 0x17}, true, true},
     {"long graphics of 4 GiB", {0x1d, 0x38, 0x4c, 0xff, 0xff, 0xff, 0xff, 0x17}, false, false},
     {"a counted barcode", {0x1d, 0x6b, 73, 2, '{', 0x17}, true, true},
-    {"a terminated barcode", {0x1d, 0x6b, 4, 'A', 0x17, 0}, true, true},
+    {"a terminated barcode", {0x1d, 0x6b, 4, 'A', 'B', 0, 'x'}, true, true},
+    {"a mark in a terminated barcode", {0x1d, 0x6b, 4, 'A', 0x17, 0}, false, false},
     {"a terminated barcode without its end", {0x1d, 0x6b, 4, 'A'}, false, false},
     {"a barcode of no known kind", {0x1d, 0x6b, 20, 0x17}, false, false},
-    {"a barcode's head alone", {0x1d, 0x6b}, true, true},
+    {"a barcode's head alone", {0x1d, 0x6b}, false, false},
     {"a barcode without its count", {0x1d, 0x6b, 73}, false, false},
     {"a coarse bit image of three bytes a column",
      {0x1b, 0x2a, 32, 1, 0, 0x17, 0x17, 0x17},
      true,
      true},
     {"a parameter that reads as a mark", {0x1b, 0x64, 0x17}, false, false},
+    {"a parameter that reads as an image's head, and marks",
+     {0x1b, 0x21, 0x1d, '(', 'L', 2, 0, 0x17, 0x17},
+     false,
+     false},
+    {"a parameter that reads as an image's head, and text",
+     {0x1b, 0x33, 0x1d, '(', 'T', 'o', 't', 'a', 'l', ' ', '5', ')'},
+     true,
+     true},
+    {"a barcode of a kind between the known ones", {0x1d, 0x6b, 80, 2, 0x17, 0x17}, false, false},
+    {"a raster of no known mode", {0x1d, 0x76, 0x30, 9, 1, 0, 1, 0, 0x17}, false, false},
+    {"a bit image of no known mode", {0x1b, 0x2a, 9, 1, 0, 0x17}, false, false},
+    {"a downloaded image", {0x1d, 0x2a, 1, 1, 0, 0, 0x17, 0, 0, 0, 0, 0}, true, true},
+    {"a mark behind a downloaded image",
+     {0x1d, 0x2a, 1, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0x17},
+     false,
+     false},
+    {"characters of its own", {0x1b, 0x26, 3, 'A', 'B', 1, 0x17, 0, 0, 1, 0, 0, 0x17}, true, true},
+    {"characters of its own, cut short", {0x1b, 0x26, 3, 'A', 'B', 1, 0, 0, 0, 1}, false, false},
+    {"characters of its own, the wrong way round", {0x1b, 0x26, 3, 'B', 'A', 0x17}, false, false},
+    {"stored images", {0x1c, 0x71, 1, 1, 0, 1, 0, 0x17, 0x17, 0, 0, 0, 0, 0, 0}, true, true},
+    {"stored images cut short", {0x1c, 0x71, 2, 1, 0, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0}, false, false},
+    {"tab stops", {0x1b, 0x44, 8, 16, 0x1d, 0, 'v', 'x'}, true, true},
+    {"tab stops that fall",
+     {0x1b, 0x44, 16, 8, 0, 0x1d, 0x76, 0x30, 0, 1, 0, 1, 0, 0x17},
+     false,
+     false},
+    {"an image behind what is not known",
+     {0x1b, 0xff, 0x1d, 0x76, 0x30, 0, 1, 0, 1, 0, 0x17},
+     false,
+     false},
+    {"text behind what is not known", {0x1b, 0xff, 'a', 0x1b, 0x40, '\n'}, true, true},
+    {"cuts", {0x1d, 0x56, 0, 0x1d, 0x56, 66, 0x1d, 0x1b, 0x69}, true, true},
+    {"a command's first byte at the end", {'a', 0x1b}, false, false},
 };
 
 TEST(ConfirmationObstacle, IsFoundOutsideOfCountedPayloadAlone) {
@@ -68,6 +102,12 @@ TEST(ConfirmationObstacle, SaysWhatItIsAndWhere) {
               HasSubstr("an end-of-block mark (17), which the printer counts at byte 1,204"));
 }
 
+TEST(ConfirmationObstacle, BehindACommandThatIsNotKnownNamesThatOne) {
+  EXPECT_THAT(
+      confirmationObstacle(Bytes{'a', 0x1b, 0xff, 'b', 0x17}, ZKEmulationESCPOS).value_or(""),
+      HasSubstr("the command at byte 1 is not known"));
+}
+
 TEST(CommandEnd, IsWhereTheCommandAroundAPlaceEnds) {
   const Bytes data = {'a',  0x1d, 0x76, 0x30, 0,    1,  0, 2,  0,
                       0x55, 0x55, 'b',  0x1d, 0x6b, 73, 9, 'x'};
@@ -80,6 +120,8 @@ TEST(CommandEnd, IsWhereTheCommandAroundAPlaceEnds) {
   for (std::size_t place = 13; place <= data.size(); ++place) {
     EXPECT_EQ(commandEnd(data, place), data.size()) << place;
   }
+  EXPECT_EQ(commandEnd(Bytes{0x1b, 0x33, 0x1d, '(', 'T', 'o', 't', 'a', 'l'}, 4), 4U);
+  EXPECT_EQ(commandEnd(Bytes{0x1b, 0xff, 0x1d, 0x76}, 3), 3U) << "nobody knows";
 }
 
 }  // namespace

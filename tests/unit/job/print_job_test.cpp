@@ -126,6 +126,40 @@ TEST_P(InBothEmulations, AJobWithAStrayMarkThatWasPrintedSaysWhyItIsNotConfirmed
   EXPECT_EQ(result.reason.find("cannot be confirmed: "), 0U) << result.reason;
 }
 
+// The ends of an earlier job are still in the printer, and answers come so late that those to
+// earlier questions pass for the newest one's.
+TEST_P(InBothEmulations, AJobIsNotConfirmedByThoseBeforeItHoweverLateAnswersCome) {
+  const ByteBuffer data(520, 'n');
+  for (const char* const delay : {"400", "1600", "2000", "4000"}) {
+    for (std::size_t size = 40; size <= 90; size += 5) {
+      Till till(PrinterBuilder().speed(20), {.emulation = GetParam()});
+      ByteBuffer earlier(size, 'e');
+      earlier.insert(earlier.end(), {0x17, 0x17, 0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00});
+      till.port->write(earlier);
+      till.port->close();
+      till.accessory->setFaults(with("late-reply", delay));
+      ASSERT_TRUE(till.port->open());
+      till.port->setEndCheckedBlockTimeoutMillis(60000);
+      const PrintResult result = till.print(data);
+      const ByteBuffer paper = till.printed();
+      const auto printed = std::count(paper.begin(), paper.end(), 'n');
+      EXPECT_TRUE(result.outcome != PrintOutcome::Printed || printed == 520)
+          << delay << " " << size << " " << printed;
+      EXPECT_TRUE(result.outcome != PrintOutcome::Refused || printed == 0) << delay << " " << size;
+    }
+  }
+}
+
+TEST_P(InBothEmulations, AJobWhoseAnswersAreLateIsPrintedAllTheSame) {
+  Till till(GetParam());
+  till.port->close();
+  till.accessory->setFaults(with("late-reply", "2000"));
+  ASSERT_TRUE(till.port->open());
+  till.port->setEndCheckedBlockTimeoutMillis(60000);
+  const PrintResult result = till.print(kReceipt);
+  EXPECT_EQ(result.outcome, PrintOutcome::Printed) << result.reason;
+}
+
 TEST_P(InBothEmulations, AnImageWhosePayloadHoldsAMarkIsAnHonestJob) {
   ByteBuffer data = {0x1d, 0x76, 0x30, 0, 2, 0, 2, 0, 0x17, 0x17, 0x10, 0x04, 0x0a};
   Till till(GetParam());
@@ -139,8 +173,8 @@ TEST_P(InBothEmulations, AJobWhoseRestTheDataTimeoutDroppedIsNeverPrinted) {
   Till till(PrinterBuilder().speed(50000), {.emulation = GetParam(), .portSettings = "d1"});
   till.port->setEndCheckedBlockTimeoutMillis(3000);
   bool paused = false;
-  PrintJob job(till.port, {.progress = [&](const PrintProgress&) {
-                 if (!std::exchange(paused, true)) {
+  PrintJob job(till.port, {.progress = [&](const PrintProgress& progress) {
+                 if (progress.stage == PrintStage::Data && !std::exchange(paused, true)) {
                    till.platform->clock().usleep(2500000);
                  }
                }});
@@ -197,6 +231,7 @@ TEST_P(InBothEmulations, APrinterThatTakesNothingMoreFailsTheJobAtTheTimeout) {
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
   EXPECT_EQ(result.obstacle, PrintObstacle::ExchangeFailed);
   EXPECT_THAT(result.reason, testing::StartsWith("the printer took no data for 5 s after 1,"));
+  EXPECT_FALSE(result.status) << "it was on line when it was asked last, and is not";
   EXPECT_LT(till.platform->clock().monotonic() - start, std::chrono::seconds(8));
 }
 
@@ -228,6 +263,59 @@ TEST_P(InBothEmulations, AJobThatIsCancelledInAnImageCompletesItSoThatThePrinter
   EXPECT_EQ(result.obstacle, PrintObstacle::Cancelled);
   till.port->open();
   EXPECT_EQ(till.print(kReceipt).outcome, PrintOutcome::Printed);
+}
+
+TEST_P(InBothEmulations, AJobThatIsCancelledInALongImageIsGivenUpInTime) {
+  ByteBuffer data = {0x1d, 0x76, 0x30, 0, 72, 0, 0xe8, 0x03};
+  data.resize(8 + 72000, 0x55);
+  Till till(PrinterBuilder().speed(2000), {.emulation = GetParam()});
+  PrintJob job(till.port);
+  till.at(milliseconds(3000), [&job] { job.cancel(); });
+  const auto start = till.platform->clock().monotonic();
+  const PrintResult result = job.run(data);
+  EXPECT_LT(till.platform->clock().monotonic() - start, milliseconds(4000));
+  EXPECT_EQ(result.obstacle, PrintObstacle::Cancelled);
+  EXPECT_THAT(result.reason, testing::StartsWith("cancelled inside a command whose rest"));
+  EXPECT_FALSE(till.port->isConnected());
+}
+
+// The time-out of the block must not drop what others send to the printer afterwards.
+TEST_P(InBothEmulations, AJobThatIsCancelledLeavesNoDataTimeoutBehind) {
+  Till till(PrinterBuilder().speed(1000), {.emulation = GetParam(), .portSettings = "d1"});
+  PrintJob job(till.port);
+  till.at(milliseconds(1000), [&job] { job.cancel(); });
+  EXPECT_EQ(job.run(ByteBuffer(5000, 'x')).obstacle, PrintObstacle::Cancelled);
+  till.platform->clock().usleep(5000000);
+  ASSERT_TRUE(till.port->open());
+  till.port->write(kReceipt);
+  till.platform->clock().usleep(5000000);
+  const ByteBuffer paper = till.printed();
+  ASSERT_GE(paper.size(), kReceipt.size());
+  EXPECT_TRUE(std::equal(kReceipt.rbegin(), kReceipt.rend(), paper.rbegin()));
+}
+
+// The port's writer repeats itself without a pause once the link has taken a part of a command.
+TEST_P(InBothEmulations, AJobIsCancelledAlsoWhileThePortWritesWithoutEnd) {
+  Till till(GetParam());
+  till.port->close();
+  till.accessory->setFaults(with("no-space", "2:3000"));
+  ASSERT_TRUE(till.port->open());
+  PrintJob job(till.port);
+  till.at(milliseconds(2990), [&job] { job.cancel(); });
+  EXPECT_EQ(job.run(kReceipt).outcome, PrintOutcome::Refused);
+}
+
+TEST_P(InBothEmulations, AJobThatIsCancelledTwiceIsCancelled) {
+  Till till(PrinterBuilder().speed(100), {.emulation = GetParam()});
+  till.port->close();
+  till.accessory->setFaults(with("no-space", "300:60000"));
+  ASSERT_TRUE(till.port->open());
+  PrintJob job(till.port, {.checked = false});
+  for (const int at : {1000, 1050, 1100, 1150, 1200}) {
+    till.at(milliseconds(at), [&job] { job.cancel(); });
+  }
+  EXPECT_EQ(job.run(ByteBuffer(5000, 'x')).obstacle, PrintObstacle::Cancelled);
+  EXPECT_FALSE(till.port->isConnected());
 }
 
 TEST_P(InBothEmulations, AJobThatIsCancelledBeforeItBeganSendsNothing) {
@@ -275,6 +363,26 @@ TEST_P(InBothEmulations, AJobWithoutABlockIsNeverCalledPrinted) {
   EXPECT_EQ(result.obstacle, PrintObstacle::NoProof);
   EXPECT_EQ(result.bytesAccepted, kReceipt.size());
   EXPECT_EQ(till.printed(), kReceipt);
+}
+
+TEST_P(InBothEmulations, AnEmptyJobWithoutABlockHadNothingToSend) {
+  Till till(GetParam());
+  const PrintResult result = PrintJob(till.port, {.checked = false}).run({});
+  EXPECT_EQ(result.outcome, PrintOutcome::Refused);
+  EXPECT_EQ(result.reason, "there was nothing to send");
+}
+
+TEST_P(InBothEmulations, ProgressTellsEachStage) {
+  Till till(GetParam());
+  std::vector<std::pair<PrintStage, std::uint64_t>> seen;
+  PrintJob job(till.port, {.progress = [&seen](const PrintProgress& progress) {
+                 seen.emplace_back(progress.stage, progress.bytesAccepted);
+               }});
+  job.run(kReceipt);
+  EXPECT_THAT(seen, testing::ElementsAre(testing::Pair(PrintStage::Begin, 0U),
+                                         testing::Pair(PrintStage::Data, 0U),
+                                         testing::Pair(PrintStage::Data, kReceipt.size()),
+                                         testing::Pair(PrintStage::End, kReceipt.size())));
 }
 
 TEST_P(InBothEmulations, ProgressGrowsFromNothingToTheWholeJob) {

@@ -1,0 +1,70 @@
+#include "job/OwedAnswers.h"
+
+#include "iphone-IOPort/PortC.h"
+
+namespace quordalvane {
+namespace {
+
+constexpr std::uint32_t lineModeRequest = 0x1b0601;
+constexpr std::uint32_t realTimeRequest = 0x1004;  // and the number of the query
+constexpr std::uint8_t reportStart = 0x1b;
+constexpr std::size_t reportSize = 8;
+
+// A header and the layout's version are the least of a block.
+bool startsBlock(std::uint8_t byte) {
+  return (byte & 0xc0) == 0x80 && CalculateStatusLength(byte) >= 2;
+}
+
+bool isRealTimeStatus(std::uint8_t byte) {
+  return (byte & 0x93) == 0x12;
+}
+
+}  // namespace
+
+void OwedAnswers::written(std::span<const std::uint8_t> bytes) {
+  for (const std::uint8_t byte : bytes) {
+    lastWritten_ = (lastWritten_ << 8U | byte) & 0xffffff;
+    owed_ += isRequestEnd() ? 1 : 0;
+  }
+}
+
+bool OwedAnswers::isRequestEnd() const {
+  return isLineMode_ ? lastWritten_ == lineModeRequest : lastWritten_ >> 8U == realTimeRequest;
+}
+
+void OwedAnswers::read(std::span<const std::uint8_t> bytes) {
+  for (const std::uint8_t byte : bytes) {
+    isLineMode_ ? readLineMode(byte) : readESCPOS(byte);
+  }
+}
+
+void OwedAnswers::readLineMode(std::uint8_t byte) {
+  if (block_.empty() && !startsBlock(byte)) {
+    isAnyOdd_ = true;
+    return;
+  }
+  block_.push_back(byte);
+  if (static_cast<std::int32_t>(block_.size()) == CalculateStatusLength(block_.front())) {
+    take(block_);
+    block_.clear();
+  }
+}
+
+void OwedAnswers::readESCPOS(std::uint8_t byte) {
+  if (restOfReport_ > 0) {
+    --restOfReport_;
+  } else if (byte == reportStart) {
+    restOfReport_ = reportSize - 1;
+  } else if (isRealTimeStatus(byte)) {
+    take({byte});
+  } else {
+    isAnyOdd_ = true;
+  }
+}
+
+void OwedAnswers::take(const std::vector<std::uint8_t>& answer) {
+  --owed_;
+  last_ = answer;
+}
+
+}  // namespace quordalvane

@@ -1,0 +1,219 @@
+#include "job/PrintCommands.h"
+
+#include <algorithm>
+#include <initializer_list>
+#include <string_view>
+
+namespace quordalvane {
+namespace {
+
+using Bytes = std::span<const std::uint8_t>;
+
+std::size_t littleEndian(Bytes data, std::size_t at, std::size_t width) {
+  std::size_t value = 0;
+  for (std::size_t i = width; i > 0; --i) {
+    value = value << 8U | data[at + i - 1];
+  }
+  return value;
+}
+
+bool isOneOf(std::uint8_t byte, std::string_view bytes) {
+  return bytes.find(static_cast<char>(byte)) != std::string_view::npos;
+}
+
+std::optional<PrintCommand> plain(std::size_t length) {
+  return PrintCommand{length, false};
+}
+
+std::optional<PrintCommand> counted(std::size_t header, std::size_t payload) {
+  return PrintCommand{header + payload, true};
+}
+
+/// Commands of a fixed length: their first byte, their length, and the second bytes of them all.
+struct PlainForms {
+  std::uint8_t lead;
+  std::size_t length;
+  std::string_view selectors;
+};
+
+using namespace std::string_view_literals;
+
+constexpr PlainForms kPlainForms[] = {
+    {0x10, 3, "\x04\x05"sv},
+    {0x1b, 2, "\x0c\x32\x3c\x40\x4c\x53\x69\x6d\x76"sv},
+    {0x1b, 3,
+     "\x06\x20\x21\x25\x2d\x33\x3d\x3f\x45\x47\x4a\x4b\x4d\x52\x54\x55\x56\x61\x64"
+     "\x65\x72\x74\x75\x7b"sv},
+    {0x1b, 4, "\x1e\x24\x5c\x63"sv},
+    {0x1b, 5, "\x70"sv},
+    {0x1b, 10, "\x57"sv},
+    {0x1c, 2, "\x26\x2e"sv},
+    {0x1c, 3, "\x21\x2d\x43\x57"sv},
+    {0x1c, 4, "\x3f\x53\x70"sv},
+    {0x1d, 2, "\x3a"sv},
+    {0x1d, 3, "\x21\x2f\x42\x45\x48\x49\x54\x61\x62\x66\x68\x72\x77"sv},
+    {0x1d, 4, "\x24\x4c\x50\x57\x5c"sv},
+    {0x1d, 5, "\x5e\x7a"sv},
+    {0x1d, 6, "\x67"sv},
+};
+
+/// Other commands: their first bytes, how long their header is, and what it tells.
+struct Form {
+  std::initializer_list<std::uint8_t> prefix;
+  std::size_t header;
+  std::optional<PrintCommand> (*tell)(Bytes data);
+};
+
+std::optional<PrintCommand> countedInTwoBytes(Bytes data) {
+  return counted(5, littleEndian(data, 3, 2));
+}
+
+std::optional<PrintCommand> countedInFourBytes(Bytes data) {
+  return counted(7, littleEndian(data, 3, 4));
+}
+
+std::optional<PrintCommand> bitImage(Bytes data) {
+  const std::size_t columns = littleEndian(data, 3, 2);
+  switch (data[2]) {
+    case 0:
+    case 1:
+      return counted(5, columns);
+    case 32:
+    case 33:
+      return counted(5, columns * 3);
+    default:
+      return std::nullopt;
+  }
+}
+
+std::optional<PrintCommand> raster(Bytes data) {
+  if (!isOneOf(data[3], "\0\1\2\3\x30\x31\x32\x33"sv)) {
+    return std::nullopt;
+  }
+  return counted(8, littleEndian(data, 4, 2) * littleEndian(data, 6, 2));
+}
+
+std::optional<PrintCommand> downloadedImage(Bytes data) {
+  return counted(4, std::size_t{8} * data[2] * data[3]);
+}
+
+// 1b 26 y c1 c2, then for each character its width x and y times x bytes.
+std::optional<PrintCommand> userCharacters(Bytes data) {
+  const std::size_t rows = data[2];
+  const std::uint8_t first = data[3];
+  const std::uint8_t last = data[4];
+  if (rows == 0 || first < 0x20 || last > 0x7e || first > last) {
+    return std::nullopt;
+  }
+  std::size_t length = 5;
+  for (int i = first; i <= last; ++i) {
+    length += 1 + (length < data.size() ? rows * data[length] : 0);
+  }
+  return counted(length, 0);
+}
+
+// 1c 71 n, then n images: their size xL xH yL yH in units of eight dots, and the dots.
+std::optional<PrintCommand> storedImages(Bytes data) {
+  std::size_t length = 3;
+  for (int i = 0; i < data[2]; ++i) {
+    const bool isThere = data.size() >= length + 4;
+    const auto image = isThere ? data.subspan(length, 4) : Bytes();
+    length += 4 + (isThere ? 8 * littleEndian(image, 0, 2) * littleEndian(image, 2, 2) : 0);
+  }
+  return counted(length, 0);
+}
+
+/// A command that ends with a zero: printers agree on its end while nothing in it is odd to any of
+/// them. A command that is not ended by the end of the data is longer than that.
+std::optional<PrintCommand> terminated(Bytes data, std::size_t header, std::size_t most,
+                                       bool (*isOdd)(std::uint8_t before, std::uint8_t byte)) {
+  const auto content = data.subspan(header);
+  const auto end = std::find(content.begin(), content.end(), std::uint8_t{0});
+  const bool isEven = std::adjacent_find(content.begin(), end, isOdd) == end &&
+                      (content.begin() == end || !isOdd(0, *content.begin()));
+  const auto count = static_cast<std::size_t>(end - content.begin());
+  return isEven && count <= most ? plain(header + count + 1) : std::nullopt;
+}
+
+std::optional<PrintCommand> tabStops(Bytes data) {
+  constexpr std::size_t most = 32;
+  return terminated(data, 2, most,
+                    [](std::uint8_t before, std::uint8_t byte) { return byte <= before; });
+}
+
+std::optional<PrintCommand> barcode(Bytes data) {
+  constexpr std::size_t most = 255;
+  const std::uint8_t kind = data[2];
+  if (kind <= 6) {
+    return terminated(data, 3, most,
+                      [](std::uint8_t, std::uint8_t byte) { return byte < 0x20 || byte > 0x7e; });
+  }
+  if (kind < 65 || kind > 79) {
+    return std::nullopt;
+  }
+  return data.size() < 4 ? counted(4, 0) : counted(4, data[3]);
+}
+
+std::optional<PrintCommand> cut(Bytes data) {
+  return plain(isOneOf(data[2], "\x41\x42\x61\x62\x67\x68"sv) ? 4 : 3);
+}
+
+template <std::size_t length>
+std::optional<PrintCommand> fixed(Bytes) {
+  return plain(length);
+}
+
+// Longer first bytes stand before the shorter ones that they refine.
+const Form kForms[] = {
+    {{0x1b, 0x1d, 0x03}, 3, fixed<6>},
+    {{0x1b, 0x23, 0x2a}, 3, fixed<5>},
+    {{0x1b, 0x23, 0x2c}, 3, fixed<6>},
+    {{0x1b, 0x23}, 3, fixed<3>},
+    {{0x1b, 0x26}, 5, userCharacters},
+    {{0x1b, 0x28}, 5, countedInTwoBytes},
+    {{0x1b, 0x2a, 0x72}, 3, fixed<4>},
+    {{0x1b, 0x2a}, 5, bitImage},
+    {{0x1b, 0x44}, 2, tabStops},
+    {{0x1c, 0x28}, 5, countedInTwoBytes},
+    {{0x1c, 0x71}, 3, storedImages},
+    {{0x1d, 0x28}, 5, countedInTwoBytes},
+    {{0x1d, 0x2a}, 4, downloadedImage},
+    {{0x1d, 0x38, 0x4c}, 7, countedInFourBytes},
+    {{0x1d, 0x56}, 3, cut},
+    {{0x1d, 0x6b}, 3, barcode},
+    {{0x1d, 0x76, 0x30}, 8, raster},
+};
+
+bool startsCommand(std::uint8_t byte) {
+  return byte == 0x10 || (byte >= 0x1b && byte <= 0x1d);
+}
+
+/// Whether all that is there of the first bytes is alike.
+bool mayStartWith(Bytes data, std::initializer_list<std::uint8_t> prefix) {
+  const auto known = std::min(data.size(), prefix.size());
+  return std::equal(prefix.begin(), prefix.begin() + known, data.begin());
+}
+
+}  // namespace
+
+std::optional<PrintCommand> printCommandAt(std::span<const std::uint8_t> data) {
+  if (!startsCommand(data.front())) {
+    return plain(1);
+  }
+  if (data.size() < 2) {
+    return plain(2);
+  }
+  for (const Form& form : kForms) {
+    if (mayStartWith(data, form.prefix)) {
+      return data.size() < form.header ? plain(form.header) : form.tell(data);
+    }
+  }
+  for (const PlainForms& forms : kPlainForms) {
+    if (forms.lead == data[0] && isOneOf(data[1], forms.selectors)) {
+      return plain(forms.length);
+    }
+  }
+  return std::nullopt;
+}
+
+}  // namespace quordalvane
