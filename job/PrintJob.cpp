@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "iphone-IOPort/PortC.h"
+#include "job/Advice.h"
 #include "job/PrintData.h"
 #include "job/StatusText.h"
 #include "job/Words.h"
@@ -41,10 +42,6 @@ bool hasCounter(const QuorPrinterStatus_2& status) {
   return status.rawLength >= lengthWithCounter && (status.raw[0] & 0xc0) == 0x80;
 }
 
-std::string inSeconds(std::uint32_t millis) {
-  return millis < 1000 ? grouped(millis) + " ms" : grouped(millis / 1000) + " s";
-}
-
 std::string whyOwed(const OwedAnswers& answers) {
   if (!answers.last().empty()) {
     return "the printer has not answered all that it was asked";
@@ -66,23 +63,6 @@ class Observation {
  private:
   ExternalAccessoryPort& port_;
 };
-
-std::string adviceFor(const PrintResult& result) {
-  switch (result.outcome) {
-    case PrintOutcome::Printed:
-      return "";
-    case PrintOutcome::Refused:
-      return "nothing of the job was sent; sending it again is safe";
-    case PrintOutcome::Unconfirmed:
-      break;
-  }
-  if (result.obstacle == PrintObstacle::PrinterNotReady) {
-    return "the printer keeps what it holds and prints on when it is ready again; look at the "
-           "paper "
-           "before sending the job again, which may print it twice";
-  }
-  return "look at the paper before sending the job again, which may print it twice";
-}
 
 }  // namespace
 

@@ -10,4 +10,8 @@ std::string grouped(std::uint64_t count) {
   return digits;
 }
 
+std::string inSeconds(std::uint32_t millis) {
+  return millis < 1000 ? grouped(millis) + " ms" : grouped(millis / 1000) + " s";
+}
+
 }  // namespace quordalvane

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "job/PrintJob.h"
+#include "job/Advice.h"
 #include "job/Words.h"
 #include "tools/quorport/Commands.h"
 #include "tools/quorport/LiveLine.h"
@@ -128,7 +129,7 @@ PrintResult runJob(const std::vector<std::uint8_t>& data, Printer& printer, Live
     result.bytesTotal = data.size();
     result.bytesAccepted = bytesAccepted;
     result.reason = error.what();
-    result.advice = "look at the paper before sending the job again, which may print it twice";
+    result.advice = adviceFor(result);
   }
   surroundings.interruption->end();
   line.show("closes the port");

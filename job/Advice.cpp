@@ -1,0 +1,21 @@
+#include "job/Advice.h"
+
+namespace quordalvane {
+
+std::string adviceFor(const PrintResult& result) {
+  switch (result.outcome) {
+    case PrintOutcome::Printed:
+      return "";
+    case PrintOutcome::Refused:
+      return "nothing of the job was sent; sending it again is safe";
+    case PrintOutcome::Unconfirmed:
+      break;
+  }
+  if (result.obstacle == PrintObstacle::PrinterNotReady) {
+    return "the printer keeps what it holds and prints on when it is ready again; look at the "
+           "paper before sending the job again, which may print it twice";
+  }
+  return "look at the paper before sending the job again, which may print it twice";
+}
+
+}  // namespace quordalvane
