@@ -62,11 +62,11 @@ class Firmware(Asking):
                 for reply in (b"\x12\x5fV1.2\x00", b"V1.2\x00", b"\x12\x00"))
 
     def test_a_reply_in_two_pieces_is_no_reply(self):
-        at_once((self.failure, 1, ON_LINE | {request: in_pieces(*pieces)}, "-t", "0", "-e", emulation, "firmware")
+        at_once((self.failure, 1, ON_LINE | {request: in_pieces(*pieces, pause=0.2)}, "-t", "1000", "-e", emulation, "firmware")
                 for emulation, (request, reply) in FIRMWARE.items() for pieces in pieces_of(reply % b"V1.2"))
 
     def test_a_reply_that_is_cut_off_is_no_reply(self):
-        at_once((self.failure, 5, ON_LINE | {request: last_words(words)}, "-t", "0", "-e", emulation, "firmware")
+        at_once((self.failure, 5, ON_LINE | {request: last_words(words)}, "-t", "1000", "-e", emulation, "firmware")
                 for emulation, (request, reply) in FIRMWARE.items() for words, _ in pieces_of(reply % b"V1.2"))
 
 
@@ -79,33 +79,39 @@ class DipSwitches(Asking):
         at_once((self.assertTold, pair, banks(*pair)) for pair in zip(settings, reversed(settings)))
 
     def test_replies_in_two_pieces_are_no_replies(self):
-        at_once((self.failure, 1, banks(b"\x45\x02") | {bank_request(bank): in_pieces(*pieces)}, "-t", "0", "dipswitch")
+        at_once((self.failure, 1, banks(b"\x45\x02") | {bank_request(bank): in_pieces(*pieces, pause=0.2)}, "-t", "1000", "dipswitch")
                 for bank in (1, 2) for pieces in pieces_of(bank_reply(bank, b"\x45\x02")))
 
     def test_replies_that_are_cut_off_are_no_replies(self):
-        at_once((self.failure, 5, banks(b"\x45\x02") | {bank_request(bank): last_words(words)}, "-t", "0", "dipswitch")
+        at_once((self.failure, 5, banks(b"\x45\x02") | {bank_request(bank): last_words(words)}, "-t", "1000", "dipswitch")
                 for bank in (1, 2) for words, _ in pieces_of(bank_reply(bank, b"\x45\x02")))
 
-    def assertSecurity(self, milliseconds: int, timeout: int, setting: int):
-        replies = banks(bytes([setting << 6 | 0x0a, 0x0a]))
-        self.assertEqual(self.answer(replies, "-t", str(timeout), "button-security"),
-                         {"ok": True, "milliseconds": milliseconds})
-
     def test_button_security_adds_the_time_out_to_the_setting_unless_it_is_off(self):
-        for timeout in (1, 999, 1001, 12345, 4294967295):
-            at_once((self.assertSecurity, (time + timeout) % 2**32, timeout, setting)
-                    for setting, time in enumerate((20000, 10000, 5000)))
-            self.assertSecurity(0, timeout, 3)
+        def check(timeout: int, setting: int, milliseconds: int):
+            replies = banks(bytes([setting << 6 | 0x0a, 0x0a]))
+            self.assertEqual(self.answer(replies, "-t", str(timeout), "button-security"),
+                             {"ok": True, "milliseconds": milliseconds})
+
+        at_once((check, timeout, setting, (time + timeout) % 2**32)
+                for timeout in (1001, 12345, 4294967295) for setting, time in enumerate((20000, 10000, 5000)))
+        at_once((check, timeout, 3, 0) for timeout in (1001, 4294967295))
+
+    def test_button_security_adds_a_time_out_below_a_second_too(self):
+        """Such a time-out may be over at once: then only the printer that is built in answers soon enough."""
+        for timeout in (0, 1, 999):
+            result = run("-d", "virtual:,dip1=4a0a", "-t", str(timeout), "button-security", "--json")
+            self.assertExit(0, result)
+            self.assertEqual(result.json(), {"ok": True, "milliseconds": 10000 + timeout})
 
     def test_button_security_is_told_by_a_reply_in_two_pieces(self):
         def check(pieces):
             replies = {bank_request(1): in_pieces(*pieces)}
-            self.assertEqual(self.answer(replies, "-t", "7", "button-security")["milliseconds"], 10007)
+            self.assertEqual(self.answer(replies, "-t", "2007", "button-security")["milliseconds"], 12007)
 
         at_once((check, pieces) for pieces in pieces_of(bank_reply(1, b"\x45\x02")))
 
     def test_button_security_in_a_reply_that_is_cut_off_is_none(self):
-        at_once((self.failure, 5, {bank_request(1): last_words(words)}, "-t", "0", "button-security")
+        at_once((self.failure, 5, {bank_request(1): last_words(words)}, "-t", "1000", "button-security")
                 for words, _ in pieces_of(bank_reply(1, b"\x45\x02")))
 
 

@@ -268,12 +268,27 @@ def answering(replies: dict[bytes, bytes | Callable[[socket.socket], None]]):
     return handle
 
 
+def wait_until_taken(connection: socket.socket):
+    """Waits until the other side, on TCP and this machine, has read all that was sent to it, or has gone."""
+    ends = tuple(f":{end[1]:04X}" for end in (connection.getsockname(), connection.getpeername()))
+
+    def is_taken():
+        rows = [line.split() for line in Path("/proc/net/tcp").read_text().splitlines()[1:]]
+        queues = {(row[1][-5:], row[2][-5:]): [int(count, 16) for count in row[4].split(":")] for row in rows}
+        on_its_way, _ = queues.get(ends, (0, 0))
+        _, unread = queues.get(ends[::-1], (0, 0))
+        return on_its_way + unread == 0
+
+    eventually(is_taken, "the other side to read what was sent")
+
+
 def in_pieces(*pieces: bytes, pause: float = 0.05):
-    """A reply that comes bit by bit."""
+    """A reply that comes bit by bit: each is read before the printer pauses, and goes on."""
 
     def send(connection: socket.socket):
         for piece in pieces:
             connection.sendall(piece)
+            wait_until_taken(connection)
             time.sleep(pause)
 
     return send

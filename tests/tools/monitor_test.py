@@ -133,9 +133,11 @@ class Ends(Case):
             self.assertFailsInBothForms(2, "monitor", option, value, saying=option)
 
     def test_it_ends_when_nobody_takes_what_it_says(self):
-        process = start("monitor", *QUICK, "-d", "virtual:at=500:coverOpen=true", stdout=subprocess.PIPE)
+        simulator = self.simulator()
+        process = start("monitor", *QUICK, "-d", simulator.place, stdout=subprocess.PIPE)
         process.stdout.readline()
         process.stdout.close()
+        simulator.set(coverOpen=True)
         self.assertEqual(eventually(process.poll, "the end of the command"), 1)
         self.assertIn(b"standard output", process.stderr.read())
         process.stderr.close()

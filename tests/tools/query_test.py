@@ -232,15 +232,19 @@ class AgainstAPeer(Case):
         at_once((check, length) for length in range(2, 64))
 
     def test_a_printer_that_says_nothing_is_asked_twice_and_is_a_failed_exchange(self):
+        heard = []
+
         def handle(connection):
-            self.received = b""
+            words = b""
             while more := connection.recv(4096):
-                self.received += more
+                words += more
+            heard.append(words)
 
         peer = self.peer(handle)
         result = self.assertFailsInBothForms(1, "-d", peer.place, "status", saying="did not answer")
         self.assertLess(result.seconds, 5)
-        self.assertEqual(self.received.count(STATUS_REQUEST), 2)
+        peer.wait_until_idle()
+        self.assertEqual([words.count(STATUS_REQUEST) for words in heard[:2]], [2, 2])
 
     def test_a_link_that_ends_is_a_lost_link(self):
         peer = self.peer(lambda connection: receive(connection, 1))
