@@ -6,6 +6,7 @@ namespace quordalvane::c {
 namespace {
 
 void copy(const void* source, std::size_t size, std::size_t told, const Buffer& buffer) {
+  usable(buffer);
   if (buffer.length != nullptr) {
     *buffer.length = told;
   }
@@ -14,12 +15,18 @@ void copy(const void* source, std::size_t size, std::size_t told, const Buffer& 
                                              " bytes; " + std::to_string(size) + " are needed");
   }
   if (size > 0) {
-    given(static_cast<char*>(buffer.bytes), "the buffer");
     std::memcpy(buffer.bytes, source, size);
   }
 }
 
 }  // namespace
+
+const Buffer& usable(const Buffer& buffer) {
+  if (buffer.capacity > 0) {
+    given(static_cast<char*>(buffer.bytes), "the buffer");
+  }
+  return buffer;
+}
 
 void copyBytes(std::span<const std::uint8_t> bytes, const Buffer& buffer) {
   copy(bytes.data(), bytes.size(), bytes.size(), buffer);

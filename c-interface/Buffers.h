@@ -20,6 +20,10 @@ struct Buffer {
   std::size_t* length;
 };
 
+/// The buffer, if what is found can be copied into it. Raises QUOR_USAGE for null bytes with a
+/// capacity: asked before an exchange, whose result would be lost.
+const Buffer& usable(const Buffer& buffer);
+
 /// Copies and stores the length. Raises QUOR_BUFFER_TOO_SMALL, with the length stored, when there
 /// are more bytes than the buffer takes.
 void copyBytes(std::span<const std::uint8_t> bytes, const Buffer& buffer);

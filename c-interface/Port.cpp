@@ -99,9 +99,10 @@ QuorCode quor_port_write(QuorPort* port, const void* data, size_t size, size_t* 
 
 QuorCode quor_port_read(QuorPort* port, void* buffer, size_t capacity, size_t* length) {
   return guarded([&] {
+    const Buffer place = usable({buffer, capacity, length});
     const auto bytes = given(port).read(capacity);
     succeed(bytes.has_value(), "the link is lost or reports an error");
-    copyBytes(*bytes, {buffer, capacity, length});
+    copyBytes(*bytes, place);
   });
 }
 

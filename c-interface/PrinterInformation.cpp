@@ -65,10 +65,11 @@ QuorCode quor_port_get_printer_response(QuorPort* port, const char* setting_titl
                                         int32_t setting_length, int32_t timeout, char* text,
                                         size_t capacity, size_t* length) {
   return guarded([&] {
+    const Buffer place = usable({text, capacity, length});
     const auto response = given(port).getPrinterResponseWithSettingTitle(textOrNone(setting_title),
                                                                          setting_length, timeout);
     succeed(response.has_value(), "the Bluetooth module gave no result");
-    copyText(response, {text, capacity, length});
+    copyText(response, place);
   });
 }
 

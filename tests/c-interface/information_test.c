@@ -92,6 +92,8 @@ static void TheBluetoothModuleAnswersAndDropsTheLink(void) {
                  QUOR_FAILED, "no result");
   EXPECT(quor_port_enter_at_mode(port) == QUOR_OK);
   EXPECT(quor_port_write_with_retry(port, "AT?\r", 4, &length) == QUOR_OK);
+  EXPECT_FAILURE(quor_port_get_printer_response(port, NULL, 0, 3000, NULL, sizeof text, &length),
+                 QUOR_USAGE, "buffer");
   EXPECT(quor_port_get_printer_response(port, NULL, 0, 3000, text, sizeof text, &length) ==
          QUOR_OK);
   EXPECT(length == 9 && strcmp(text, "\r\nERROR\r\n") == 0);

@@ -95,6 +95,7 @@ static void BytesGoOutAndComeBack(void) {
   EXPECT(count == 0);
   EXPECT(quor_port_write(port, statusRequest, sizeof statusRequest, &count) == QUOR_OK);
   EXPECT(count == sizeof statusRequest);
+  EXPECT_FAILURE(quor_port_read(port, NULL, sizeof reply, &count), QUOR_USAGE, "buffer");
   EXPECT(readWhole(port, reply, sizeof reply) == sizeof reply);
   EXPECT((reply[0] & 0xc0) == 0x80);
   EXPECT(quor_port_write_with_retry(port, statusRequest, sizeof statusRequest, &count) == QUOR_OK);

@@ -1,5 +1,6 @@
 """`quorport doctor` names the cause of each failure, and what it gathers for support."""
 
+import fcntl
 import json
 import os
 import pty
@@ -128,6 +129,12 @@ class Causes(Case):
         began = time.monotonic()
         return finish(start(*arguments, executable=copy, user=65534, group=65534, extra_groups=[]), began)
 
+    def test_another_program_holds_the_serial_line(self):
+        printer = self.serial_printer(termios.B9600)
+        os.chmod(printer.path, 0o666)
+        fcntl.ioctl(printer.line, termios.TIOCEXCL)
+        self.assertCause("in-use", 3, "-d", f"serial:{printer.path}", process=self.run_without_rights)
+
     def test_the_printer_talks_at_another_speed(self):
         printer = self.serial_printer(termios.B19200)
         self.assertCause("wrong-speed", 1, "-d", f"serial:{printer.path}")
@@ -145,7 +152,10 @@ class Causes(Case):
             self.assertExit(0, run("-d", place, "-e", "unknown", "doctor"))
 
     def test_the_printer_is_silent(self):
-        self.assertCause("silent", 1, "-d", self.peer(say_nothing).place)
+        place = self.peer(say_nothing).place
+        self.assertCause("silent", 1, "-d", place)
+        # Another till's job may be on its way, which switching the printer off would lose.
+        self.assertIn("  do:    end the other program", run("-d", place, "doctor").out)
 
     def test_what_answers_is_no_printer(self):
         for greeting in (b"SSH-2.0-door\r\n", NOISE):
@@ -169,8 +179,8 @@ class Causes(Case):
         self.assertEqual(named, ["cover-open", "paper-out", "printer-error"])
 
     def test_what_the_device_says_of_itself_is_no_printer(self):
-        named = self.assertCause("port-name", 3, "-d", "virtual:manufacturer=somebody")
-        self.assertEqual(named, ["port-name", "no-printer"])
+        named = self.assertCause("no-printer", 3, "-d", "virtual:manufacturer=somebody")
+        self.assertEqual(named, ["no-printer"])
 
     def test_the_port_name_chooses_none(self):
         self.assertCause("port-name", 3, "-d", "virtual:Bar", "-p", "BT:Till")

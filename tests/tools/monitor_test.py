@@ -25,8 +25,8 @@ class Changes(Case):
         simulator = self.simulator("tcp:0", "--set", "connectedInterface=0")
         monitor = self.monitor("-d", simulator.place, "--json")
         first = self.change(monitor)
-        self.assertEqual(set(first), {"time", "state", "text", "status", "changed"})
-        self.assertEqual((first["state"], first["text"]), ("ready", "ready to print"))
+        self.assertEqual(set(first), {"time", "ok", "state", "text", "status", "changed"})
+        self.assertEqual((first["ok"], first["state"], first["text"]), (True, "ready", "ready to print"))
         self.assertEqual(set(first["status"]), STATUS_KEYS)
         self.assertEqual(set(first["changed"]), STATUS_KEYS - {"raw", "rawLength"})
         self.assertRegex(first["time"], r"^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z$")
@@ -53,6 +53,7 @@ class Changes(Case):
         simulator.kill()
         lost = self.change(monitor)
         self.assertEqual((lost["state"], lost["status"], lost["changed"]), ("link-lost", None, []))
+        self.assertEqual((lost["ok"], lost["error"]), (False, lost["text"]))
         self.assertEqual(self.change(monitor)["state"], "unreachable")
         self.simulator(place)
         self.assertEqual(self.change(monitor)["state"], "ready")
@@ -122,7 +123,8 @@ class Ends(Case):
                             (1, silent.place)):
             result = run("monitor", *QUICK, "--count", "2" if code != 1 else "1", "-d", place, "--json")
             self.assertExit(code, result)
-            self.assertEqual(len(result.out.splitlines()), 1, result)
+            self.assertEqual(result.json()["ok"], code == 0, result)
+            self.assertEqual("error" in result.json(), code != 0, result)
             self.assertEqual(result.err, "")
 
     def test_a_port_name_that_chooses_none_ends_it_at_once(self):

@@ -66,7 +66,8 @@ class Usage(Case):
         self.assertFailsInBothForms(2, "online", "-e", "pcl", saying="line, escpos or unknown")
 
     def test_a_log_level_is_0_to_63(self):
-        self.assertFailsInBothForms(2, "online", "--log-level", "64", saying="63")
+        refusal = self.assertFailsInBothForms(2, "online", "--log-level", "99").json()["error"]
+        self.assertTrue(refusal.startswith('--log-level takes a level from 0 to 63, not "99"'), refusal)
 
     def test_a_receipt_is_a_picture_or_a_text(self):
         self.assertFailsInBothForms(2, "print", "-", "--receipt", "a.pdf", saying=".png or .txt")

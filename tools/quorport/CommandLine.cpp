@@ -7,6 +7,8 @@
 #include <map>
 #include <utility>
 
+#include "tools/quorport/Joined.h"
+
 namespace quordalvane::tool {
 namespace {
 
@@ -44,13 +46,13 @@ constexpr auto doctorFooter =
     "The exit status is 0 if all is well, else that of the first thing found: 1, 3, 4 or 5.\n";
 
 constexpr auto monitorFooter =
-    "Each change is one line on standard output, with --json one JSON object: time, state (ready,\n"
-    "not-ready, no-answer, link-lost or unreachable), text, status (null if there is none) and\n"
-    "changed, the names of its fields. A lost link is opened again. The printer is kept for "
-    "itself\n"
-    "meanwhile, where it serves one host at a time. With --count the exit status tells how the "
-    "last\n"
-    "look came out: 0, 1, 3 or 5.\n";
+    "Each change is one line on standard output, with --json one JSON object: time, ok (whether\n"
+    "the printer answered), state (ready, not-ready, no-answer, link-lost or unreachable), text,\n"
+    "status (null if there is none), changed, the names of its fields, and error where ok is "
+    "false.\n"
+    "A lost link is opened again. The printer is kept for itself meanwhile, where it serves one\n"
+    "host at a time. With --count the exit status tells how the last look came out: 0, 1, 3 or "
+    "5.\n";
 
 constexpr auto simulateFooter =
     "Where it listens is the first line on standard output, as a SPEC for --device.\n"
@@ -87,23 +89,25 @@ ZKEmulation emulation(const std::string& text) {
   return found->second;
 }
 
-// Adds an option that takes a text and hands it to `take`; of several the last one counts. What
-// `take` finds wrong with it is told behind the option's name.
+// A `take` of which what it finds wrong with a value is told behind the option's name.
+template <typename Take>
+auto toldBehind(std::string name, Take take) {
+  return [name = std::move(name), take](const auto& value) {
+    try {
+      take(value);
+    } catch (const CLI::ValidationError& error) {
+      throw CLI::ValidationError(name + " " + error.what());
+    }
+  };
+}
+
+// Adds an option that takes a text and hands it to `take`; of several the last one counts.
 template <typename Take>
 CLI::Option* addText(CLI::App& app, const std::string& names, const std::string& type,
                      const std::string& help, Take take) {
-  const std::string name = names.substr(names.find("--"));
   return app
-      .add_option_function<std::string>(
-          names,
-          [name, take](const std::string& text) {
-            try {
-              take(text);
-            } catch (const CLI::ValidationError& error) {
-              throw CLI::ValidationError(name + " " + error.what());
-            }
-          },
-          help)
+      .add_option_function<std::string>(names, toldBehind(names.substr(names.find("--")), take),
+                                        help)
       ->type_name(type)
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
 }
@@ -141,13 +145,14 @@ void addGlobalOptions(CLI::App& app, Options& options) {
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
   app.add_option_function<std::vector<std::string>>(
          "--log-level",
-         [&options](const std::vector<std::string>& texts) {
-           options.logLevels.clear();
-           for (const std::string& text : texts) {
-             options.logLevels.insert(static_cast<std::int32_t>(
-                 number(text, {0, highestLogLevel}, "--log-level: a level")));
-           }
-         },
+         toldBehind("--log-level",
+                    [&options](const std::vector<std::string>& texts) {
+                      options.logLevels.clear();
+                      for (const std::string& text : texts) {
+                        options.logLevels.insert(static_cast<std::int32_t>(
+                            number(text, {0, highestLogLevel}, "a level")));
+                      }
+                    }),
          "a level of records that is wanted; may be repeated (default 0)")
       ->type_name("N")
       ->allow_extra_args(false);
@@ -284,11 +289,11 @@ class Grammar {
   }
 
   static std::string everyCommand() {
-    std::string names;
+    std::vector<std::string> names;
     for (const Command& command : commands()) {
-      names += (names.empty() ? "" : ", ") + std::string(command.name);
+      names.emplace_back(command.name);
     }
-    return names;
+    return joined(names, ", ");
   }
 
   Failure usage(const std::string& what) const {

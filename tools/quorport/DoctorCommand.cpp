@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "tools/quorport/Commands.h"
+#include "tools/quorport/Joined.h"
 #include "tools/quorport/LiveLine.h"
 #include "tools/quorport/Printer.h"
 #include "tools/quorport/StatusFields.h"
@@ -42,18 +43,19 @@ std::string inLines(const Findings& findings) {
 
 std::string inLines(const Diagnosis& diagnosis) {
   std::string text = printable(diagnosis.device) + "\n" + inLines(diagnosis.findings);
-  std::string words;
-  for (const std::string& remark : diagnosis.remarks) {
-    words += (words.empty() ? "" : "; ") + remark;
-  }
+  const std::string words = joined(diagnosis.remarks, "; ");
   const std::string label = diagnosis.findings.empty() ? "  well:  " : "  seen:  ";
   return words.empty() ? text : text + label + words + "\n";
 }
 
-// What is wrong with the port name, which has to choose one of the devices.
+// What is wrong with the port name, which has to choose one of the devices. It is not to blame
+// where no port name would choose one.
 Findings examinePortName(const Options& options, const Surroundings& surroundings) {
   const auto platform = presentDevices(options, surroundings.interruption);
-  if (chosenAccessory(*platform, options) != nullptr) {
+  Options anyPrinter = options;
+  anyPrinter.portName = "BT:";
+  if (chosenAccessory(*platform, options) != nullptr ||
+      chosenAccessory(*platform, anyPrinter) == nullptr) {
     return {};
   }
   return {{"port-name", ExitCode::NoAccessory, noneMatches(*platform, options).what(),

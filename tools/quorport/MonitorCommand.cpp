@@ -4,6 +4,7 @@
 #include "job/Words.h"
 #include "logging/DescriptorOutput.h"
 #include "tools/quorport/Commands.h"
+#include "tools/quorport/Joined.h"
 #include "tools/quorport/LiveLine.h"
 #include "tools/quorport/Printer.h"
 #include "tools/quorport/StatusFields.h"
@@ -31,14 +32,6 @@ struct Look {
     return result;
   }
 };
-
-std::string joined(const std::vector<std::string>& words) {
-  std::string text;
-  for (const std::string& word : words) {
-    text += (text.empty() ? "" : "; ") + word;
-  }
-  return text;
-}
 
 // The names of the fields in which two looks differ; all of them where only one has a status.
 Json changedFields(const Json& before, const Json& now) {
@@ -90,8 +83,8 @@ class Monitor {
       if (!answered) {
         throw printer_->failure("the printer does not answer");
       }
-      return {status.offline != 0 ? "not-ready" : "ready", joined(remarks(status)), jsonOf(status),
-              ExitCode::Done};
+      return {status.offline != 0 ? "not-ready" : "ready", joined(remarks(status), "; "),
+              jsonOf(status), ExitCode::Done};
     } catch (const Failure& failure) {
       return lookOf(failure);
     }
@@ -125,10 +118,14 @@ class Monitor {
 
   void tell(const Look& now, SystemTime time) {
     Json object = {{"time", utcText(time)},
+                   {"ok", now.code == ExitCode::Done},
                    {"state", now.state},
                    {"text", now.text},
                    {"status", now.status},
                    {"changed", changedFields(last_ ? last_->fields() : Json(), now.fields())}};
+    if (now.code != ExitCode::Done) {
+      object["error"] = now.text;
+    }
     const std::string told = options_.json ? inOneLine(object) : localText(time) + "  " + now.text;
     if (const WriteOutcome outcome = writeAll(surroundings_.streams.out, told + "\n");
         outcome.error) {

@@ -9,6 +9,7 @@
 #include "backends/Devices.h"
 #include "iphone-IOPort/LogWriter.h"
 #include "platform/Forwarding.h"
+#include "tools/quorport/Joined.h"
 #include "tools/quorport/LogOutput.h"
 
 namespace quordalvane::tool {
@@ -69,11 +70,11 @@ class Trial : public ForwardingPlatform {
 };
 
 std::string namesOf(const Accessories& accessories) {
-  std::string names;
+  std::vector<std::string> names;
   for (const auto& accessory : accessories) {
-    names += (names.empty() ? "" : ", ") + inQuotes(accessory->name().value_or(""));
+    names.push_back(inQuotes(accessory->name().value_or("")));
   }
-  return names;
+  return joined(names, ", ");
 }
 
 Failure whyNotOpen(const InterruptiblePlatform& platform, const Options& options) {

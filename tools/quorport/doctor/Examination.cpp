@@ -186,8 +186,9 @@ class Examination {
     return failedExchange("silent", "it can be opened, and nothing answers",
                           spec_.scheme == "serial"
                               ? "switch the printer on; check the cable at both ends"
-                              : "switch the printer off and on; check that it is the printer's "
-                                "address");
+                              : "end the other program that may hold the printer, which serves one "
+                                "at a time; check that it is the printer's address; switch the "
+                                "printer off and on only if nobody prints on it");
   }
 
   const DeviceSpec spec_;
