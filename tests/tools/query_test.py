@@ -283,6 +283,10 @@ class AgainstAPeer(Case):
 
             self.assertExit(5, run("-d", self.peer(handle).place, "status"))
 
+    def test_a_link_that_takes_nothing_is_a_failed_exchange_in_plain_words(self):
+        full = "virtual:,no-space=0:600000"
+        self.assertFailsInBothForms(1, "-d", full, "-t", "0", "status", saying="the link did not take the request")
+
     def test_an_unknown_emulation_has_no_status(self):
         self.assertFailsInBothForms(1, "-e", "unknown", "status", saying="--emulation")
 

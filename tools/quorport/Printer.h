@@ -46,13 +46,15 @@ class Printer {
   const std::shared_ptr<ExternalAccessoryPort>& port() { return port_; }
 
   /// Runs `operation` on the port and returns what it returns. What the port raises becomes the
-  /// Failure of `failure`.
+  /// Failure of `failure`; its own word for a write that failed is not for people.
   template <typename Operation>
   auto exchange(Operation operation) {
     try {
       return operation(*port_);
     } catch (const Failure&) {
       throw;
+    } catch (const PortException&) {
+      throw failure("the link did not take the request");
     } catch (const std::exception& error) {
       throw failure(error.what());
     }
