@@ -14,7 +14,8 @@ namespace {
 class Host {
  public:
   explicit Host(std::uint32_t speed)
-      : printer_(simulator::PrinterBuilder().speed(speed).state()), link_(printer_, 0s) {}
+      : printer_(simulator::PrinterBuilder().speed(speed).keepPrinted().state()),
+        link_(printer_, 0s) {}
 
   void send(std::span<const std::uint8_t> bytes) {
     const std::size_t space = link_.space(now_);

@@ -57,6 +57,11 @@ PrinterBuilder& PrinterBuilder::connectedInterface(std::uint8_t code) {
   return *this;
 }
 
+PrinterBuilder& PrinterBuilder::keepPrinted() {
+  state_.keepsPrinted = true;
+  return *this;
+}
+
 PrinterBuilder& PrinterBuilder::with(Flag flag, bool value) {
   state_.setFlag(flag, value);
   return *this;

@@ -29,6 +29,9 @@ class PrinterBuilder {
   PrinterBuilder& paperOut() { return with(Flag::receiptPaperEmpty); }
   PrinterBuilder& paperInExit() { return with(Flag::paperPresent); }
 
+  /// Remembers the print data that made the paper, for `VirtualPrinter::printed`.
+  PrinterBuilder& keepPrinted();
+
   /// Sets or takes away any flag.
   PrinterBuilder& with(Flag flag, bool value = true);
 

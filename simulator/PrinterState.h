@@ -97,6 +97,7 @@ class PrinterState {
   std::uint8_t connectedInterface =
       5;  ///< 0 unknown, 1 serial, 2 USB, 3 Ethernet, 4 WLAN, 5 Bluetooth
   std::uint32_t bytesPerSecond = 0;  ///< how fast print data is worked through; 0: at once
+  bool keepsPrinted = false;  ///< it remembers its print data, however little paper comes out
 
  private:
   std::uint32_t flags_ = 1U << static_cast<unsigned>(Flag::etbAvailable);

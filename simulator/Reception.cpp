@@ -2,22 +2,29 @@
 
 namespace quordalvane::simulator {
 
-void Reception::take(std::span<const std::uint8_t> bytes, const OnPiece& onPiece) {
+void Reception::take(std::span<const std::uint8_t> bytes, bool vanish, const OnPiece& onPiece) {
   for (std::uint8_t byte : bytes) {
+    if (!scanner_.insideCommand())
+      vanishes_ = vanish;
     const bool complete = scanner_.feed(byte);
     undecided_.push_back(byte);
     if (!complete && scanner_.mayConcernTheMachine())
       continue;
     const CommandKind kind = complete ? scanner_.kind() : CommandKind::Printing;
-    if (kind == CommandKind::Printing) {
-      forPrinting_.insert(forPrinting_.end(), undecided_.begin(), undecided_.end());
-    } else {
-      passOnForPrinting(onPiece);
-      onPiece(kind, undecided_);
-    }
+    if (actsOnReception(kind) || !vanishes_)
+      passOn(kind, onPiece);
     undecided_.clear();
   }
   passOnForPrinting(onPiece);
+}
+
+void Reception::passOn(CommandKind kind, const OnPiece& onPiece) {
+  if (kind == CommandKind::Printing) {
+    forPrinting_.insert(forPrinting_.end(), undecided_.begin(), undecided_.end());
+  } else {
+    passOnForPrinting(onPiece);
+    onPiece(kind, undecided_);
+  }
 }
 
 void Reception::passOnForPrinting(const OnPiece& onPiece) {
@@ -26,11 +33,9 @@ void Reception::passOnForPrinting(const OnPiece& onPiece) {
   forPrinting_.clear();
 }
 
-bool Reception::restart() {
-  const bool passedOnInPart = scanner_.insideCommand() && undecided_.empty();
+void Reception::restart() {
   scanner_.restart();
   undecided_.clear();
-  return passedOnInPart;
 }
 
 }  // namespace quordalvane::simulator

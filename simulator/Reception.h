@@ -16,20 +16,22 @@ class Reception {
   using OnPiece = std::function<void(CommandKind, std::span<const std::uint8_t>)>;
 
   /// Works through `bytes`; calls back in the order of the stream, with whole commands that act at
-  /// once, whole ETBs, and everything else in pieces of any size as `CommandKind::Printing`.
-  void take(std::span<const std::uint8_t> bytes, const OnPiece& onPiece);
+  /// once, whole ETBs, and everything else in pieces of any size as `CommandKind::Printing`. With
+  /// `vanish`, commands that begin in `bytes` are lost, to their ends, unless they act at once.
+  void take(std::span<const std::uint8_t> bytes, bool vanish, const OnPiece& onPiece);
 
   /// How many bytes are kept back because they may begin a command that acts at once.
   std::size_t undecided() const { return undecided_.size(); }
 
-  /// Forgets an unfinished command, as a new link begins with a new one. True if part of it has
-  /// been passed on as print data.
-  bool restart();
+  /// Forgets an unfinished command: the next byte starts one.
+  void restart();
 
  private:
+  void passOn(CommandKind kind, const OnPiece& onPiece);
   void passOnForPrinting(const OnPiece& onPiece);
 
   CommandScanner scanner_;
+  bool vanishes_ = false;  // of the command that has begun: whether it is lost
   std::vector<std::uint8_t> undecided_;
   std::vector<std::uint8_t> forPrinting_;  // gathered to be passed on at once
 };

@@ -55,10 +55,10 @@ void VirtualPrinter::receive(std::span<const std::uint8_t> bytes, Instant now, b
     return;
   advance(now);
   lastReceived_ = now;
-  reception_.take(bytes, [&](CommandKind kind, std::span<const std::uint8_t> piece) {
+  reception_.take(bytes, vanish, [&](CommandKind kind, std::span<const std::uint8_t> piece) {
     if (actsOnReception(kind))
       obey(kind, piece, now);
-    else if (!dropping_ && !vanish)
+    else if (!dropping_)
       hold(kind, piece, now);
   });
   printUntil(now);
@@ -101,45 +101,60 @@ void VirtualPrinter::obey(CommandKind kind, std::span<const std::uint8_t> comman
 }
 
 void VirtualPrinter::hold(CommandKind kind, std::span<const std::uint8_t> bytes, Instant now) {
+  const std::uint64_t begin = queuedEver_;
   queue_.push(bytes, now);
   queuedEver_ += bytes.size();
-  if (isEtb(kind))
-    etbEnds_.push_back(queuedEver_);
+  if (kind == CommandKind::Etb)
+    marks_.push_back({Mark::Kind::etb, begin, queuedEver_});
+  else if (kind == CommandKind::ReportingEtb)
+    marks_.push_back({Mark::Kind::reportingEtb, begin, queuedEver_});
 }
 
 void VirtualPrinter::printUntil(Instant now) {
   while (const auto taken = queue_.take(now)) {
+    const bool isOfAnEtb = !marks_.empty() && marks_.front().begin <= takenEver_;
     ++takenEver_;
-    const std::size_t before = printing_.printed().size();
-    const CommandKind kind = printing_.pass(taken->byte);
-    printedBytes_ += printing_.printed().size() - before;
-    if (isEtb(kind))
-      passed(kind, taken->at);
-    leaveUnfinishedCommand();
+    if (!isOfAnEtb)
+      print(taken->byte);
+    passMarks(taken->at);
   }
 }
 
-void VirtualPrinter::passed(CommandKind etb, Instant at) {
-  etbEnds_.pop_front();
-  ++state_.etbCounter;
-  if (etb == CommandKind::ReportingEtb)
-    reply(etbReport(state_), at);
+void VirtualPrinter::print(std::uint8_t byte) {
+  printing_.pass(byte);
+  ++printedBytes_;
+  if (state_.keepsPrinted)
+    printed_.push_back(byte);
 }
 
-void VirtualPrinter::leaveUnfinishedCommand() {
-  if (breaks_.empty() || breaks_.front() > takenEver_)
-    return;
-  breaks_.pop_front();
-  printing_.leaveUnfinishedCommand();
+void VirtualPrinter::passMarks(Instant at) {
+  while (!marks_.empty() && marks_.front().end <= takenEver_) {
+    const Mark mark = marks_.front();
+    marks_.pop_front();
+    pass(mark, at);
+  }
+}
+
+void VirtualPrinter::pass(const Mark& mark, Instant at) {
+  if (mark.kind == Mark::Kind::endOfConnection)
+    return printing_.leaveUnfinishedCommand();
+  printing_.endJob();
+  ++state_.etbCounter;
+  if (mark.kind == Mark::Kind::reportingEtb)
+    reply(etbReport(state_), at);
 }
 
 void VirtualPrinter::dropHeld() {
   queue_.clear();
   takenEver_ = queuedEver_;
-  etbEnds_.clear();
-  breaks_.clear();
+  marks_.clear();
   printing_.leaveUnfinishedCommand();
   printing_.endLine();
+}
+
+Paper VirtualPrinter::tearOff() {
+  printed_.clear();
+  return printing_.tearOff();
 }
 
 std::optional<Instant> VirtualPrinter::dataTimeoutDue() const {
@@ -163,8 +178,8 @@ std::optional<Instant> VirtualPrinter::nextEvent() const {
   std::optional<Instant> printed;
   if (queue_.size() > 0) {
     std::size_t count = queue_.size();
-    if (!etbEnds_.empty())
-      count = etbEnds_.front() - takenEver_;
+    if (!marks_.empty())
+      count = marks_.front().end - takenEver_;
     if (space() == 0)
       count = std::min(count, buffered() + readyAgain() - state_.bufferSize());
     printed = queue_.doneWith(count);
@@ -176,17 +191,23 @@ std::optional<Instant> VirtualPrinter::nextEvent() const {
 }
 
 std::uint64_t VirtualPrinter::connect(Sink sink) {
+  endConnection();
   sink_ = std::move(sink);
-  if (reception_.restart()) {
-    breaks_.push_back(queuedEver_);
-    leaveUnfinishedCommand();
-  }
   return ++connection_;
 }
 
 void VirtualPrinter::disconnect(std::uint64_t connection) {
   if (isConnection(connection))
-    sink_ = nullptr;
+    endConnection();
+}
+
+void VirtualPrinter::endConnection() {
+  sink_ = nullptr;
+  reception_.restart();
+  const bool bringsNothing = !marks_.empty() && marks_.back().begin == queuedEver_;
+  if (!bringsNothing)
+    marks_.push_back({Mark::Kind::endOfConnection, queuedEver_, queuedEver_});
+  passMarks({});
 }
 
 void VirtualPrinter::reply(std::span<const std::uint8_t> bytes, Instant at) {

@@ -42,8 +42,9 @@ class VirtualPrinter {
   const Paper& paper() const { return printing_.paper(); }
 
   /// The print data that made it, byte for byte: without ETBs and without the commands that act on
-  /// reception. Its whole commands are on the paper; a line may still be open.
-  const std::vector<std::uint8_t>& printed() const { return printing_.printed(); }
+  /// reception. Its whole commands are on the paper; a line may still be open. Only of a printer
+  /// that `PrinterState::keepsPrinted`; empty else.
+  const std::vector<std::uint8_t>& printed() const { return printed_; }
 
   /// How many bytes of print data have been printed ever.
   std::uint64_t printedBytes() const { return printedBytes_; }
@@ -52,18 +53,19 @@ class VirtualPrinter {
   std::size_t buffered() const { return queue_.size() + reception_.undecided(); }
 
   /// Takes the paper away, `printed` included. Returns it.
-  Paper tearOff() { return printing_.tearOff(); }
+  Paper tearOff();
 
   // ---- For the link ----
 
   /// Where replies go, with the instant at which the printer gives them.
   using Sink = std::function<void(std::span<const std::uint8_t>, Instant)>;
 
-  /// Begins a connection: from now on replies go to `sink`, and a command that the last connection
-  /// left unfinished stays so. Returns a number that tells this connection from all others.
+  /// Begins a connection, which ends the one before it: from now on replies go to `sink`. Returns a
+  /// number that tells this connection from all others.
   std::uint64_t connect(Sink sink);
 
-  /// Ends the connection, unless another one has begun. Replies go nowhere until the next.
+  /// Ends the connection, unless another one has begun: a command that it left unfinished stays so.
+  /// Replies go nowhere until the next.
   void disconnect(std::uint64_t connection);
   bool isConnection(std::uint64_t connection) const { return connection == connection_; }
 
@@ -72,7 +74,8 @@ class VirtualPrinter {
   std::size_t space() const;
 
   /// Takes all of `bytes`, at most `space()`. With `vanish`, print data is lost on the way:
-  /// commands that act on reception are obeyed and nothing is printed.
+  /// commands that act on reception are obeyed and nothing is printed. A command whose first bytes
+  /// came before shares their fate.
   void receive(std::span<const std::uint8_t> bytes, Instant now, bool vanish = false);
 
   /// When, after the latest instant given, it next does something that can be noticed from outside:
@@ -80,14 +83,24 @@ class VirtualPrinter {
   std::optional<Instant> nextEvent() const;
 
  private:
+  /// What happens when the print position has passed the first `end` bytes that were ever queued.
+  struct Mark {
+    enum class Kind { etb, reportingEtb, endOfConnection };
+    Kind kind;
+    std::uint64_t begin;  // of the bytes of an ETB, which are not for the paper
+    std::uint64_t end;
+  };
+
   std::size_t readyAgain() const;
   void obey(CommandKind kind, std::span<const std::uint8_t> command, Instant now);
   void hold(CommandKind kind, std::span<const std::uint8_t> bytes, Instant now);
   void printUntil(Instant now);
-  void passed(CommandKind etb, Instant at);
+  void print(std::uint8_t byte);
+  void passMarks(Instant at);
+  void pass(const Mark& mark, Instant at);
   void dropHeld();
   std::optional<Instant> dataTimeoutDue() const;
-  void leaveUnfinishedCommand();
+  void endConnection();
   void followState(Instant now);
   void reply(std::span<const std::uint8_t> bytes, Instant at);
 
@@ -97,9 +110,9 @@ class VirtualPrinter {
   Printing printing_;
   std::uint64_t queuedEver_ = 0;
   std::uint64_t takenEver_ = 0;  // of those queued: printed or dropped
+  std::deque<Mark> marks_;       // of what is queued, in its order
   std::uint64_t printedBytes_ = 0;
-  std::deque<std::uint64_t> etbEnds_;  // counts of `queuedEver_` after which an ETB was complete
-  std::deque<std::uint64_t> breaks_;   // ... at which a command was left unfinished for good
+  std::vector<std::uint8_t> printed_;
 
   std::uint8_t dataTimeoutSeconds_ = 0;
   bool guarded_ = false;   // between a data cancel and its end

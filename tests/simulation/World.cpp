@@ -14,6 +14,7 @@ namespace {
 
 simulator::PrinterBuilder printerOf(const Case& given) {
   simulator::PrinterBuilder builder;
+  builder.keepPrinted();
   for (const auto& [key, value] : given.printer) {
     builder.set(key, value);
   }

@@ -30,7 +30,8 @@ class Till {
   Till(simulator::PrinterBuilder printer, Setting setting)
       : platform(std::make_shared<virtuals::VirtualPlatform>()),
         accessory(std::make_shared<virtuals::VirtualAccessory>(
-            AccessoryIdentity{}, std::make_unique<simulator::VirtualPrinter>(printer.state()),
+            AccessoryIdentity{},
+            std::make_unique<simulator::VirtualPrinter>(printer.keepPrinted().state()),
             platform->clock())) {
     platform->attach(accessory);
     port = ExternalAccessoryPort::initWithPortName(

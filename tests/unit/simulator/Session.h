@@ -47,7 +47,9 @@ inline Bytes operator+(Bytes left, const Bytes& right) {
 class Session {
  public:
   explicit Session(const PrinterBuilder& builder, Faults linkFaults = {})
-      : printer(builder.state()), faults(std::move(linkFaults)), link(connect()) {}
+      : printer(PrinterBuilder(builder).keepPrinted().state()),
+        faults(std::move(linkFaults)),
+        link(connect()) {}
   explicit Session(Faults linkFaults) : Session(PrinterBuilder(), std::move(linkFaults)) {}
   Session() : Session(PrinterBuilder()) {}
 

@@ -190,6 +190,42 @@ TEST(Faults, ThePrinterThatPrintsNothingTakesEverythingAnswersAndDoesNotCount) {
   EXPECT_EQ(session.link->space(session.now), session.printer.state().bufferSize());
 }
 
+TEST(Faults, WhatIsLostIsDecidedForACommandWhereItBegins) {
+  const Bytes image = hex("1d7630 00 0a00 0a00") + Bytes(100, 0x17);
+  const std::span<const std::uint8_t> bytes(image);
+  const struct {
+    bool lostFirst;
+    Bytes printed;
+    unsigned counted;
+  } cases[] = {{true, ascii("b"), 2}, {false, image, 0}};
+  for (const auto& c : cases) {
+    for (std::size_t split = 1; split < image.size(); ++split) {
+      Session session;
+      const Fault fault = parseFault("prints-nothing", "true");
+      if (c.lostFirst)
+        session.link->addFault(fault, session.now);
+      session.link->write(bytes.first(split), session.now);
+      session.link->clearFaults(session.now);
+      if (!c.lostFirst)
+        session.link->addFault(fault, session.now);
+      session.link->write(bytes.subspan(split), session.now);
+      session.send(hex("17") + ascii("b") + hex("1b1d03010000"));
+      ASSERT_EQ(session.printer.printed(), c.printed) << "switched after " << split;
+      ASSERT_EQ(session.printer.state().etbCounter, c.counted) << "switched after " << split;
+    }
+  }
+}
+
+TEST(Faults, ALinkThatEndsInAnImageThatIsLostLeavesNothingBehind) {
+  Session session(with("prints-nothing", "true"));
+  session.send(hex("1d7630 00 0a00 0a00") + Bytes(50, 0x17));
+  session.faults = {};
+  session.reconnect();
+  session.send(ascii("b") + hex("17"));
+  EXPECT_EQ(session.printer.printed(), ascii("b"));
+  EXPECT_EQ(session.printer.state().etbCounter, 1);
+}
+
 TEST(Faults, AScriptBringsSettingsAndFaultsAtTheirTimes) {
   Faults script = with("at", "1000:coverOpen=true");
   script.add("at", "2000:coverOpen=false");

@@ -76,6 +76,15 @@ TEST(Printing, TheMakersCommandIsToldFromABitImage) {
       << "the first request is image data";
 }
 
+TEST(Printing, PrintDataIsRememberedOnlyWhereThatIsWanted) {
+  VirtualPrinter printer(PrinterBuilder().state());
+  PrinterLink link(printer, 0s);
+  EXPECT_EQ(link.write(hex("1b401b40") + ascii("text\n"), 0s), 9U);
+  EXPECT_EQ(printer.printed(), Bytes{});
+  EXPECT_EQ(printer.printedBytes(), 9U);
+  EXPECT_EQ(printer.paper().items().size(), 1U);
+}
+
 TEST(Printing, EachByteTakesItsTime) {
   Session session(slow());
   session.send(ascii("0123456789"));

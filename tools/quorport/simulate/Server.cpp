@@ -154,7 +154,7 @@ void Server::collectPaper(Instant now) {
   const bool isWorking = printer_.buffered() > 0 &&
                          (printer_.nextEvent() || printer_.state().flag(simulator::Flag::offline));
   const auto end = endOfJob();
-  if (!isWorking && !printer_.printed().empty() && end && now >= *end) {
+  if (!isWorking && !printer_.paper().items().empty() && end && now >= *end) {
     tearOff();
   }
 }
