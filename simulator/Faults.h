@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -59,7 +60,7 @@ std::string faultHelp();
 /// The faults of a link, in the order in which they were named. A plain value.
 struct Faults {
   std::vector<Fault> list;
-  std::uint64_t seed = 0;  ///< decides whatever a fault leaves to chance
+  std::optional<std::uint64_t> seed;  ///< decides whatever a fault leaves to chance; none: as 0
 
   /// Adds the fault that is named, or sets the seed for the name `seed`. Errors as in `parseFault`.
   void add(std::string_view name, std::string_view value);

@@ -35,7 +35,7 @@ PrinterLink::PrinterLink(VirtualPrinter& printer, Instant now, const Faults& fau
                },
                [this](std::span<const std::uint8_t> bytes, Instant at) { send(bytes, at); }},
               now),
-      replies_(faults.seed),
+      replies_(faults.seed.value_or(0)),
       now_(now) {
   for (const Fault& fault : faults.list)
     befall(fault);
@@ -64,7 +64,7 @@ std::size_t PrinterLink::write(std::span<const std::uint8_t> bytes, Instant now)
   bytesIn_ += count;
   beginStalls();
   receiveReplies();
-  cutIfReached(cutAfterIn_, bytesIn_);
+  cutIfReached(FaultKind::cutAfterIn);
   return count;
 }
 
@@ -135,14 +135,14 @@ void PrinterLink::send(std::span<const std::uint8_t> bytes, Instant at) {
 }
 
 void PrinterLink::receiveReplies() {
-  cutIfReached(cutAfterOut_, bytesOut_);
+  cutIfReached(FaultKind::cutAfterOut);
   while (!ended_) {
     const auto byte = replies_.arrive(now_);
     if (!byte)
       return;
     waiting_.push_back(*byte);
     ++bytesOut_;
-    cutIfReached(cutAfterOut_, bytesOut_);
+    cutIfReached(FaultKind::cutAfterOut);
   }
 }
 
@@ -160,20 +160,22 @@ void PrinterLink::addFault(const Fault& fault, Instant now) {
   befall(fault);
 }
 
+void PrinterLink::setSeed(std::uint64_t seed) {
+  replies_.setSeed(seed);
+}
+
 void PrinterLink::befall(const Fault& fault) {
   switch (fault.kind) {
     case FaultKind::shortWrites:
-      mostPerWrite_ = fault.count;
+      mostPerWrite_ = std::min(mostPerWrite_.value_or(fault.count), fault.count);
       return;
     case FaultKind::noSpace:
       stalls_.push_back({fault.count, fault.time, std::nullopt});
       return beginStalls();
     case FaultKind::cutAfterIn:
-      cutAfterIn_ = Cut{fault.count, fault.ending};
-      return cutIfReached(cutAfterIn_, bytesIn_);
     case FaultKind::cutAfterOut:
-      cutAfterOut_ = Cut{fault.count, fault.ending};
-      return cutIfReached(cutAfterOut_, bytesOut_);
+      cuts_.push_back({fault.kind, fault.count, fault.ending});
+      return cutIfReached(fault.kind);
     case FaultKind::cut:
       if (!ended_)
         drop(fault.ending);
@@ -200,8 +202,7 @@ void PrinterLink::clearFaults(Instant now) {
   replies_.clear();
   coming_.clear();
   stalls_.clear();
-  cutAfterIn_.reset();
-  cutAfterOut_.reset();
+  cuts_.clear();
   mostPerWrite_.reset();
   printsNothing_ = false;
 }
@@ -238,16 +239,22 @@ bool PrinterLink::stalled() const {
 // The byte counts of stalls and cuts are exact: no write goes past one.
 std::uint64_t PrinterLink::bytesBeforeCut() const {
   std::uint64_t most = std::numeric_limits<std::uint64_t>::max();
-  if (cutAfterIn_)
-    most = cutAfterIn_->afterBytes - bytesIn_;
+  for (const Cut& cut : cuts_)
+    if (cut.kind == FaultKind::cutAfterIn)
+      most = std::min(most, cut.afterBytes - bytesIn_);
   for (const Stall& stall : stalls_)
     most = std::min(most, stall.afterBytes - bytesIn_);
   return most;
 }
 
-void PrinterLink::cutIfReached(const std::optional<Cut>& cut, std::uint64_t bytes) {
-  if (cut && !ended_ && bytes >= cut->afterBytes)
-    drop(cut->ending);
+// Of several that are reached with the same byte the one that was named first holds.
+void PrinterLink::cutIfReached(FaultKind afterWhat) {
+  const std::uint64_t bytes = afterWhat == FaultKind::cutAfterIn ? bytesIn_ : bytesOut_;
+  const auto reached = std::find_if(cuts_.begin(), cuts_.end(), [&](const Cut& cut) {
+    return cut.kind == afterWhat && bytes >= cut.afterBytes;
+  });
+  if (!ended_ && reached != cuts_.end())
+    drop(reached->ending);
 }
 
 }  // namespace quordalvane::simulator

@@ -57,6 +57,9 @@ class PrinterLink {
   /// counted from the link's beginning.
   void addFault(const Fault& fault, Instant now);
 
+  /// Decides whatever a fault leaves to chance, for replies that are yet to be given.
+  void setSeed(std::uint64_t seed);
+
   /// Takes all faults away. Replies that are under way keep their delay; an ended link stays so.
   void clearFaults(Instant now);
 
@@ -76,6 +79,7 @@ class PrinterLink {
     std::optional<Instant> until;  // none until so many bytes have come
   };
   struct Cut {
+    FaultKind kind;  // after bytes in, or after bytes out
     std::uint64_t afterBytes;
     Ending ending;
   };
@@ -89,7 +93,7 @@ class PrinterLink {
   void endStalls();
   bool stalled() const;
   std::uint64_t bytesBeforeCut() const;
-  void cutIfReached(const std::optional<Cut>& cut, std::uint64_t bytes);
+  void cutIfReached(FaultKind afterWhat);
   std::optional<Instant> nextOwnEvent() const;
   void drop(Ending ending);
 
@@ -105,8 +109,7 @@ class PrinterLink {
 
   std::vector<Coming> coming_;
   std::vector<Stall> stalls_;
-  std::optional<Cut> cutAfterIn_;
-  std::optional<Cut> cutAfterOut_;
+  std::vector<Cut> cuts_;
   std::optional<std::uint64_t> mostPerWrite_;
   bool printsNothing_ = false;
 };

@@ -17,6 +17,9 @@ class ReplyPath {
  public:
   explicit ReplyPath(std::uint64_t seed) : seed_(seed) {}
 
+  /// Decides whatever a fault leaves to chance, from the next reply on.
+  void setSeed(std::uint64_t seed) { seed_ = seed; }
+
   /// Adds a fault that befalls replies.
   void add(const Fault& fault) { faults_.push_back(fault); }
 

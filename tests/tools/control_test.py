@@ -4,7 +4,7 @@ import json
 import socket
 import threading
 
-from harness import DEADLINE, FLAGS, Case, eventually, main, run
+from harness import DEADLINE, FLAGS, STATUS_REQUEST, Case, eventually, main, receive, run
 
 STATE_KEYS = {*FLAGS, "firmware", "dip1", "dip2", "speed", "etbCounter", "buffered", "printedBytes"}
 
@@ -62,6 +62,25 @@ class Faults(Case):
         self.assertGreater(result.seconds, 0.15)
         self.assertExit(6, run("-d", simulator.place, "print", "--unchecked", "-", data=b"lost\n"))
         self.assertEqual(simulator.state()["printedBytes"], 0)
+
+    def test_the_seed_decides_what_is_left_to_chance_on_this_link_and_the_next(self):
+        simulator = self.simulator()
+        self.assertEqual(simulator.control({"fault": {"corrupt-reply": "all"}}), {"ok": True})
+
+        def second_reply(**during):
+            with simulator.connect() as host:
+                host.sendall(b"")
+                receive(host, 1)
+                if during:
+                    self.assertEqual(simulator.control({"fault": during}), {"ok": True})
+                host.sendall(STATUS_REQUEST)
+                return receive(host, 9)
+
+        replies = []
+        for seed in range(1, 7):
+            replies.append(second_reply(seed=seed))
+            self.assertEqual(second_reply(), replies[-1])
+        self.assertGreater(len(set(replies)), 1)
 
     def test_a_fault_that_comes_later_comes(self):
         simulator = self.simulator()

@@ -176,6 +176,28 @@ TEST(Faults, TheLinkIsCutAfterExactlySoManyBytesOut) {
   }
 }
 
+TEST(Faults, OfSeveralCutsTheOneThatIsReachedFirstEndsTheLink) {
+  for (const auto& [first, second] : {std::pair{"3:reset", "5:drain"}, {"5:drain", "3:reset"}}) {
+    Session in(also(with("cut-after-in", first), "cut-after-in", second));
+    EXPECT_EQ(in.link->write(ascii("abcdef"), in.now), 3U);
+    EXPECT_TRUE(in.link->wasReset(in.now));
+    Session out(also(with("cut-after-out", first), "cut-after-out", second));
+    out.send(kStatusRequest);
+    EXPECT_TRUE(out.link->wasReset(out.now));
+  }
+  Session same(also(with("cut-after-in", "3:drain"), "cut-after-in", "3:reset"));
+  same.send("100401");
+  EXPECT_EQ(same.receive(), hex("12"));
+  EXPECT_FALSE(same.link->wasReset(same.now));
+}
+
+TEST(Faults, OfSeveralShortWritesTheShortestHolds) {
+  for (const auto& [first, second] : {std::pair{"2", "5"}, {"5", "2"}}) {
+    Session session(also(with("short-writes", first), "short-writes", second));
+    EXPECT_EQ(session.link->write(ascii("abcdef"), session.now), 2U);
+  }
+}
+
 TEST(Faults, ALinkCutBeforeTheFirstByteIsThereAndGoneAtOnce) {
   Session session(with("cut-after-in", "0"));
   EXPECT_FALSE(session.link->connected(session.now));

@@ -21,6 +21,9 @@ simulator::PrinterLink& Links::begin(simulator::Instant now) {
 }
 
 void Links::add(const simulator::Faults& faults, simulator::Instant now) {
+  if (faults.seed) {
+    setSeed(*faults.seed);
+  }
   for (const Fault& fault : faults.list) {
     if (link_ != nullptr) {
       link_->addFault(fault, now);
@@ -30,6 +33,13 @@ void Links::add(const simulator::Faults& faults, simulator::Instant now) {
     if (!namesAMoment(fault)) {
       faults_.list.push_back(fault);
     }
+  }
+}
+
+void Links::setSeed(std::uint64_t seed) {
+  faults_.seed = seed;
+  if (link_ != nullptr) {
+    link_->setSeed(seed);
   }
 }
 

@@ -24,14 +24,17 @@ class Links {
   /// Ends the link that there is.
   void end() { link_.reset(); }
 
-  /// Adds faults to the link that there is and to all that follow. Only one link gets those that
-  /// name a moment, `cut` and `at`: the next one where there is none now.
+  /// Adds faults to the link that there is and to all that follow, and sets the seed if it is
+  /// named. Only one link gets the faults that name a moment, `cut` and `at`: the next one where
+  /// there is none now.
   void add(const simulator::Faults& faults, simulator::Instant now);
 
-  /// Takes all faults away.
+  /// Takes all faults away. The seed stays.
   void clear(simulator::Instant now);
 
  private:
+  void setSeed(std::uint64_t seed);
+
   simulator::VirtualPrinter& printer_;
   simulator::Faults faults_;
   std::vector<simulator::Fault> forNextLink_;
