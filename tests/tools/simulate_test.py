@@ -11,15 +11,16 @@ from harness import DEADLINE, STATUS_REQUEST, Case, eventually, main, receive, r
 
 class Places(Case):
     def test_over_tcp_it_says_the_port_that_it_got(self):
-        for listen in ("tcp:0", "tcp::0", "tcp:127.0.0.1:0", "tcp:localhost:0"):
+        for listen in ("tcp:", "tcp:0", "tcp::0", "tcp:127.0.0.1:0", "tcp:localhost:0"):
             self.assertRegex(self.simulator(listen).place, r"^tcp:(127\.0\.0\.1|\[::1\]):[1-9]\d*$")
 
     def test_only_this_machine_reaches_it_unless_told_otherwise(self):
-        self.assertTrue(self.simulator("tcp:0").place.startswith("tcp:127.0.0.1:"))
+        for listen in ("tcp:", "tcp:0"):
+            self.assertTrue(self.simulator(listen).place.startswith("tcp:127.0.0.1:"))
         self.assertTrue(self.simulator("tcp:0.0.0.0:0").place.startswith("tcp:0.0.0.0:"))
 
     def test_a_place_that_is_none_is_refused_with_those_there_are(self):
-        for wrong in ("", "tcp:", "tcp:x", "tcp:h:65536", "tcp:a:b:1", "usb:1", "pty:x", "unix:", "unix:/a,b=c",
+        for wrong in ("", "tcp::", "tcp:x", "tcp:h:65536", "tcp:a:b:1", "usb:1", "pty:x", "unix:", "unix:/a,b=c",
                       "unix:/" + "x" * 200, "tcp:127.0.0.1:-1"):
             result = run("simulate", "--listen", wrong)
             self.assertExit(2, result)

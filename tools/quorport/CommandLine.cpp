@@ -55,7 +55,8 @@ constexpr auto monitorFooter =
     "5.\n";
 
 constexpr auto simulateFooter =
-    "Where it listens is the first line on standard output, as a SPEC for --device.\n"
+    "Where it listens is the first line on standard output: the word listening, a blank, and a\n"
+    "SPEC for --device.\n"
     "On standard input and on the control socket it takes one JSON object a line and answers one:\n"
     "  {\"set\": {\"coverOpen\": true, \"speed\": 200}}   {\"get\": \"state\"}   {\"quit\": true}\n"
     "  {\"fault\": {\"late-reply\": 300}}               {\"clear\": \"faults\"}\n";
@@ -211,8 +212,8 @@ void addMonitorOptions(CLI::App& app, MonitorOptions& options) {
 
 void addSimulateOptions(CLI::App& app, SimulateOptions& options) {
   app.add_option("--listen", options.listen,
-                 "tcp:PORT or tcp:HOST:PORT (0: any free port; this machine alone unless a HOST "
-                 "says otherwise), unix:PATH, or pty:")
+                 "tcp:, tcp:PORT or tcp:HOST:PORT (none or 0: any free port; this machine alone "
+                 "unless a HOST says otherwise), unix:PATH, or pty:")
       ->type_name("SPEC")
       ->required();
   addTexts(app, "--set", "KEY=VALUE",

@@ -61,7 +61,8 @@ std::unique_ptr<Listener> listenAt(const std::string& text) {
     }
   }
   refuse("--listen", text,
-         "tcp:PORT or tcp:HOST:PORT with a port from 0 to 65535 and an IPv6 address in brackets, "
+         "tcp:, tcp:PORT or tcp:HOST:PORT with a port from 0 to 65535 and an IPv6 address in "
+         "brackets, "
          "unix:PATH, or pty:");
 }
 

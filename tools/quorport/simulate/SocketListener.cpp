@@ -165,6 +165,9 @@ void removeStaleSocket(const std::string& path) {
 }  // namespace
 
 std::optional<ListenAddress> parseListenAddress(std::string_view text) {
+  if (text.empty()) {
+    return ListenAddress{.host = "127.0.0.1", .port = 0};
+  }
   const std::size_t colon = text.rfind(':');
   const std::string_view digits = colon == std::string_view::npos ? text : text.substr(colon + 1);
   std::string_view host = colon == std::string_view::npos ? "" : text.substr(0, colon);

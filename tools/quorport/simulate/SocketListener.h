@@ -18,7 +18,8 @@ struct ListenAddress {
   std::uint16_t port;  ///< 0: any that is free
 };
 
-/// Reads HOST:PORT or PORT; without a host it is this machine alone. None if the text is neither.
+/// Reads HOST:PORT, PORT or nothing; without a host it is this machine alone, without a port any
+/// that is free. None if the text is none of these.
 std::optional<ListenAddress> parseListenAddress(std::string_view text);
 
 /// Throws a std::exception if the system refuses.
