@@ -114,7 +114,7 @@ void Typesetter::endJob() {
 }
 
 Paper Typesetter::tearOff() {
-  finishText();
+  endLine();
   Paper clean(paper_.width());
   std::swap(clean, paper_);
   return clean;

@@ -31,7 +31,8 @@ class Typesetter {
   /// The job is over; the next one may be of the other command system.
   void endJob();
 
-  /// Gives away the paper so far, as if torn off, and goes on with a clean one.
+  /// Ends a line that has begun, gives away the paper so far, as if torn off, and goes on with a
+  /// clean one.
   Paper tearOff();
 
  private:

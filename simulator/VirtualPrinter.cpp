@@ -137,19 +137,35 @@ void VirtualPrinter::passMarks(Instant at) {
 
 void VirtualPrinter::pass(const Mark& mark, Instant at) {
   if (mark.kind == Mark::Kind::endOfConnection)
-    return printing_.leaveUnfinishedCommand();
+    return endJob();
   printing_.endJob();
   ++state_.etbCounter;
   if (mark.kind == Mark::Kind::reportingEtb)
     reply(etbReport(state_), at);
 }
 
+// The host that wrote all this is gone.
+void VirtualPrinter::endJob() {
+  printing_.leaveUnfinishedCommand();
+  if (!keepJob_)
+    return;
+  printing_.endJob();
+  Paper paper = tearOff();
+  if (!paper.items().empty())
+    keepJob_(std::move(paper));
+}
+
 void VirtualPrinter::dropHeld() {
+  const bool endsJob = std::any_of(marks_.begin(), marks_.end(), [](const Mark& mark) {
+    return mark.kind == Mark::Kind::endOfConnection;
+  });
   queue_.clear();
   takenEver_ = queuedEver_;
   marks_.clear();
   printing_.leaveUnfinishedCommand();
   printing_.endLine();
+  if (endsJob)
+    endJob();
 }
 
 Paper VirtualPrinter::tearOff() {

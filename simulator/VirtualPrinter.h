@@ -6,6 +6,7 @@
 #include <optional>
 #include <span>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "simulator/Instant.h"
@@ -52,8 +53,13 @@ class VirtualPrinter {
   /// How many bytes have been received and are not printed.
   std::size_t buffered() const { return queue_.size() + reception_.undecided(); }
 
-  /// Takes the paper away, `printed` included. Returns it.
+  /// Takes the paper away, `printed` included, with a line that has begun. Returns it.
   Paper tearOff();
+
+  /// From now on each connection is a job: when all that it brought has been printed or dropped,
+  /// the paper is torn off and given to `keep`, unless there is none.
+  using JobKeeper = std::function<void(Paper)>;
+  void keepJobs(JobKeeper keep) { keepJob_ = std::move(keep); }
 
   // ---- For the link ----
 
@@ -99,6 +105,7 @@ class VirtualPrinter {
   void passMarks(Instant at);
   void pass(const Mark& mark, Instant at);
   void dropHeld();
+  void endJob();
   std::optional<Instant> dataTimeoutDue() const;
   void endConnection();
   void followState(Instant now);
@@ -119,6 +126,7 @@ class VirtualPrinter {
   bool dropping_ = false;  // the data time-out struck, and no end of the data cancel has come since
   Instant lastReceived_{};
 
+  JobKeeper keepJob_;
   Sink sink_;
   std::uint64_t connection_ = 0;
 };

@@ -276,6 +276,26 @@ class Receipts(Case):
         eventually(self.names, "the receipt is written")
         self.assertIn("last line", self.text(1))
 
+    def test_each_of_many_quick_connections_is_a_job(self):
+        simulator = self.serve()
+        for count in range(1, 21):
+            with simulator.connect() as host:
+                host.sendall(b"job %d\n" % count + (b"\x1dV\x00" if count % 2 else b""))
+        eventually(lambda: len(self.names()) == 40, "all receipts are written")
+        for count in range(1, 21):
+            self.assertEqual([line for line in self.text(count).splitlines() if "job" in line], [f"job {count}"])
+
+    def test_a_job_that_waits_in_the_printer_is_one_of_its_own(self):
+        simulator = self.serve("--set", "coverOpen=true")
+        for text in (b"first\n", b"", STATUS_REQUEST, b"second, without an end"):
+            with simulator.connect() as host:
+                host.sendall(text)
+        eventually(lambda: simulator.state()["buffered"] == 28, "the printer holds both")
+        self.assertEqual(self.names(), [])
+        simulator.set(coverOpen=False)
+        eventually(lambda: len(self.names()) == 4, "both receipts are written")
+        self.assertEqual((self.text(1), self.text(2)), ("first\n", "second, without an end\n"))
+
     def test_on_a_connection_that_stays_a_cut_ends_a_job(self):
         simulator = self.serve()
         with simulator.connect() as host:

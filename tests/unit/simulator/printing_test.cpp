@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "simulator/TextRendering.h"
 #include "tests/unit/simulator/Session.h"
 
 namespace quordalvane::simulator {
@@ -254,6 +255,41 @@ TEST(Printing, TearingOffLeavesACleanPaper) {
   EXPECT_TRUE(session.printer.paper().items().empty());
   EXPECT_TRUE(session.printer.printed().empty());
   EXPECT_EQ(session.printer.printedBytes(), 4U);
+}
+
+TEST(Printing, TheLineThatHasBegunIsTornOffWithThePaper) {
+  Session session;
+  session.send(ascii("half"));
+  EXPECT_EQ(session.printer.tearOff().items().size(), 1U);
+  session.send(ascii("next\n"));
+  EXPECT_EQ(session.printer.tearOff().items().size(), 1U);
+}
+
+TEST(Printing, EachConnectionIsAJobWhosePaperIsKeptWhenItHasBeenPrinted) {
+  Session session(slow());
+  std::vector<std::string> jobs;
+  session.printer.keepJobs([&jobs](const Paper& paper) { jobs.push_back(renderText(paper)); });
+  for (const char* job : {"one", "", "two\n", "1b0601"}) {
+    session.send(ascii(job));
+    session.reconnect();
+  }
+  session.wait(300ms);
+  EXPECT_EQ(session.link->nextEvent(session.now), session.now + 400ms);
+  EXPECT_EQ(jobs, std::vector<std::string>{"one\n"});
+  session.wait(10s);
+  session.link->available(session.now);
+  EXPECT_EQ(jobs, (std::vector<std::string>{"one\n", "two\n", "1b0601\n"}));
+}
+
+TEST(Printing, AJobThatIsDroppedEndsAllTheSame) {
+  Session session(slow());
+  std::vector<std::string> jobs;
+  session.printer.keepJobs([&jobs](const Paper& paper) { jobs.push_back(renderText(paper)); });
+  session.send(ascii("a line\n"));
+  session.wait(200ms);
+  session.reconnect();
+  session.send(kDataCancel);
+  EXPECT_EQ(jobs, std::vector<std::string>{"a\n"});
 }
 
 }  // namespace

@@ -41,11 +41,12 @@ bool endsInCut(const simulator::Paper& paper) {
 Server::Server(simulator::PrinterState state, simulator::Faults faults, Places places,
                const Streams& streams)
     : streams_(streams),
+      places_(std::move(places)),
       printer_(std::move(state)),
       links_(printer_, std::move(faults)),
-      control_(printer_, links_),
-      places_(std::move(places)) {
+      control_(printer_, links_) {
   channels_.emplace_back(streams_.in, streams_.out, control_);
+  printer_.keepJobs([this](const simulator::Paper& paper) { keep(paper); });
 }
 
 void Server::run() {
@@ -55,7 +56,8 @@ void Server::run() {
     sleep(readClock());
   }
   host_.reset();
-  tearOff();
+  links_.end();
+  keep(printer_.tearOff());
 }
 
 void Server::sleep(Instant now) {
@@ -154,23 +156,22 @@ void Server::collectPaper(Instant now) {
   const bool isWorking = printer_.buffered() > 0 &&
                          (printer_.nextEvent() || printer_.state().flag(simulator::Flag::offline));
   const auto end = endOfJob();
-  if (!isWorking && !printer_.paper().items().empty() && end && now >= *end) {
-    tearOff();
+  if (!isWorking && end && now >= *end) {
+    keep(printer_.tearOff());
   }
 }
 
-// A job ends with its connection, and on a connection that stays with a cut that nothing follows.
-// None while its end cannot be told.
+// The printer knows that a job ends with its connection; on one that stays a cut that nothing
+// follows ends it. None while its end cannot be told.
 std::optional<Instant> Server::endOfJob() const {
   const auto lastReceived = host_ ? host_->lastReceived() : std::nullopt;
-  if (!lastReceived) {
-    return Instant::min();
+  if (!lastReceived || !endsInCut(printer_.paper())) {
+    return std::nullopt;
   }
-  return endsInCut(printer_.paper()) ? std::optional(*lastReceived + quietTime) : std::nullopt;
+  return *lastReceived + quietTime;
 }
 
-void Server::tearOff() {
-  const simulator::Paper paper = printer_.tearOff();
+void Server::keep(const simulator::Paper& paper) {
   if (places_.receipts == nullptr || paper.items().empty()) {
     return;
   }

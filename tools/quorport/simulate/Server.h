@@ -49,15 +49,15 @@ class Server {
   void workForControls(simulator::Instant now);
   void collectPaper(simulator::Instant now);
   std::optional<simulator::Instant> endOfJob() const;
-  void tearOff();
+  void keep(const simulator::Paper& paper);
   bool isDone(simulator::Instant now);
 
   const Streams streams_;
   StopSignals signals_;
+  Places places_;  // outlives the printer, which ends its last job at its end
   simulator::VirtualPrinter printer_;
   Links links_;
   Control control_;
-  Places places_;
   std::string announced_;
   std::optional<HostConnection> host_;
   std::list<ControlChannel> channels_;
