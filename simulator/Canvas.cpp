@@ -126,10 +126,15 @@ void Canvas::character(char32_t c, const TextStyle& style, double x, double y) {
   cairo_restore(context);
 }
 
+// After a first failure nothing more is drawn.
+bool Canvas::failed() const {
+  return cairo_status(cairo_->context) != CAIRO_STATUS_SUCCESS;
+}
+
 Picture Canvas::picture() const {
   cairo_surface_flush(cairo_->surface);
   const unsigned char* data = cairo_image_surface_get_data(cairo_->surface);
-  if (data == nullptr)
+  if (data == nullptr || failed())
     return {};
   Picture picture;
   picture.width = static_cast<unsigned>(cairo_image_surface_get_width(cairo_->surface));
@@ -149,7 +154,8 @@ Picture Canvas::picture() const {
 
 std::vector<std::uint8_t> Canvas::png() const {
   std::vector<std::uint8_t> bytes;
-  if (cairo_surface_write_to_png_stream(cairo_->surface, append, &bytes) != CAIRO_STATUS_SUCCESS)
+  if (failed() ||
+      cairo_surface_write_to_png_stream(cairo_->surface, append, &bytes) != CAIRO_STATUS_SUCCESS)
     bytes.clear();
   return bytes;
 }

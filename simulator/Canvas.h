@@ -41,15 +41,19 @@ class Canvas {
   void dots(const Bitmap& bitmap, double x, double y, unsigned scaleX, unsigned scaleY,
             std::uint32_t colour);
 
-  /// Draws characters in the cells of their style, from the top left corner of the first.
+  /// Draws characters in the cells of their style, from the top left corner of the first. What is
+  /// no character is drawn as U+FFFD.
   void text(std::u32string_view characters, const TextStyle& style, double x, double y,
             std::uint32_t colour);
 
+  /// What was drawn, and the same as a PNG file. Both are empty if anything of it failed, as
+  /// without memory.
   Picture picture() const;
   std::vector<std::uint8_t> png() const;
 
  private:
   struct Cairo;
+  bool failed() const;
   void character(char32_t c, const TextStyle& style, double x, double y);
 
   std::unique_ptr<Cairo> cairo_;

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "simulator/SymbolEncoding.h"
+#include "simulator/TextDecoder.h"
 #include "simulator/TextRendering.h"
 
 namespace quordalvane::simulator {
@@ -157,7 +158,7 @@ class Painter {
   }
 
   void remark(const std::string& text, Alignment alignment, double y) {
-    const std::u32string characters(text.begin(), text.end());
+    const std::u32string characters = fromUtf8(text);
     const auto width = static_cast<unsigned>(characters.size()) * kPlain.cellWidth();
     canvas_.text(characters, kPlain, leftOf(width, alignment), y, kRemark);
   }
@@ -202,7 +203,7 @@ class Painter {
   }
 
   void beside(const std::string& text, double middle, double y) {
-    const std::u32string characters(text.begin(), text.end());
+    const std::u32string characters = fromUtf8(text);
     const double width = static_cast<double>(characters.size()) * kPlain.cellWidth();
     canvas_.text(characters, kPlain, std::max<double>(kLeft, middle - width / 2), y, kInk);
   }

@@ -15,7 +15,7 @@ inline constexpr unsigned kLongestPicture = 16'000;
 /// was cut. A symbol whose data cannot be encoded is named in its place.
 Picture renderPicture(const Paper& paper);
 
-/// The same as a PNG file. Empty if there is no memory for it.
+/// The same as a PNG file. Empty if it cannot be drawn, as without memory.
 std::vector<std::uint8_t> renderPng(const Paper& paper);
 
 }  // namespace quordalvane::simulator

@@ -53,6 +53,8 @@ constexpr UpperHalf kCp1252 = {
 // A run is decided at this length at the latest, so that it needs no more memory than this.
 constexpr std::size_t kLongestRun = 256;
 
+constexpr char32_t kReplacement = 0xfffd;
+
 struct Decoded {
   char32_t character;
   std::size_t bytes;
@@ -66,10 +68,15 @@ std::size_t sequenceLength(std::uint8_t lead) {
   return lead >= 0xf0 && lead <= 0xf4 ? 4 : 0;
 }
 
-// Not a surrogate, not longer than needed, and not a control character.
+// Not a surrogate.
+bool isCharacter(char32_t c) {
+  return c <= 0x10ffff && (c < 0xd800 || c > 0xdfff);
+}
+
+// Not longer than needed, and not a control character.
 bool isTextOfLength(char32_t c, std::size_t length) {
   constexpr std::array<char32_t, 5> least = {0, 0, 0xa0, 0x800, 0x10000};
-  return c >= least[length] && c <= 0x10ffff && (c < 0xd800 || c > 0xdfff);
+  return c >= least[length] && isCharacter(c);
 }
 
 // The multi-byte character at the start of `bytes`, or none.
@@ -110,6 +117,13 @@ std::size_t wholeCharacters(std::string_view run) {
       return length > tail ? run.size() - tail : run.size();
   }
   return run.size();
+}
+
+// Text at the start of `bytes`, whatever they are.
+Decoded decodeAnything(std::string_view bytes) {
+  if (static_cast<std::uint8_t>(bytes[0]) < 0x80)
+    return {static_cast<char32_t>(bytes[0]), 1};
+  return decodeUtf8(bytes).value_or(Decoded{kReplacement, 1});
 }
 
 }  // namespace
@@ -177,6 +191,8 @@ std::string toUtf8(std::u32string_view text) {
   std::string bytes;
   const auto add = [&](char32_t value) { bytes += static_cast<char>(value); };
   for (char32_t c : text) {
+    if (!isCharacter(c))
+      c = kReplacement;
     if (c < 0x80) {
       add(c);
       continue;
@@ -195,6 +211,16 @@ std::string toUtf8(std::u32string_view text) {
     add(0x80 | (c & 0x3fU));
   }
   return bytes;
+}
+
+std::u32string fromUtf8(std::string_view bytes) {
+  std::u32string text;
+  while (!bytes.empty()) {
+    const Decoded next = decodeAnything(bytes);
+    text += next.character;
+    bytes.remove_prefix(next.bytes);
+  }
+  return text;
 }
 
 }  // namespace quordalvane::simulator

@@ -35,7 +35,10 @@ class TextDecoder {
   std::string run_;  // bytes from 80 hex up that are not decided yet
 };
 
-/// The text in UTF-8.
+/// The text in UTF-8. What is no character is the replacement character, U+FFFD.
 std::string toUtf8(std::u32string_view text);
+
+/// The characters of a text in UTF-8. Each byte that belongs to none is the replacement character.
+std::u32string fromUtf8(std::string_view bytes);
 
 }  // namespace quordalvane::simulator

@@ -19,8 +19,12 @@ std::string whyNotWritten(const std::string& file) {
          " cannot be written: " + std::generic_category().message(errno);
 }
 
+bool isPicture(const std::string& file) {
+  return file.ends_with(".png");
+}
+
 std::string rendered(const simulator::Paper& paper, const std::string& file) {
-  if (!file.ends_with(".png")) {
+  if (!isPicture(file)) {
     return simulator::renderText(paper);
   }
   const std::vector<std::uint8_t> png = simulator::renderPng(paper);
@@ -31,6 +35,9 @@ std::string rendered(const simulator::Paper& paper, const std::string& file) {
 
 std::string writePaper(const simulator::Paper& paper, const std::string& file) {
   const std::string bytes = rendered(paper, file);
+  if (bytes.empty() && isPicture(file)) {
+    return "the receipt " + inQuotes(file) + " cannot be drawn";
+  }
   std::ofstream out(file, std::ios::binary | std::ios::trunc);
   out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   out.close();

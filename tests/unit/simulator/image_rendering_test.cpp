@@ -54,6 +54,30 @@ TEST(Picture, IsAsWideAsThePaperWithItsMargins) {
   EXPECT_EQ(Print(ascii("x\n"), PrinterBuilder()).picture().width, 576U + 2 * kLeft);
 }
 
+TEST(Picture, GoesOnBehindABarcodeWithLettersBeyondAscii) {
+  const Print print(ascii("text\n") + hex("1d4802 1d6b49 04 7b42e941") + ascii("text\n") +
+                    hex("1d6b04 41 42 00") + ascii("last line\n"));
+  constexpr unsigned barcode = 162 + 24 + 3 * 6;  // with its text, and the space around both
+  EXPECT_GT(print.darkIn(0, 30 + 174, 100, 24), 30U) << "the first barcode's text";
+  EXPECT_GT(print.darkIn(0, 30 + barcode, 60, 24), 50U) << "the text behind it";
+  EXPECT_GT(print.darkIn(0, 60 + barcode + 6, 100, 162), 1'000U) << "the second barcode";
+  EXPECT_GT(print.darkIn(0, 60 + 2 * barcode, 120, 24), 50U) << "the last line";
+}
+
+TEST(Canvas, DrawsOnBehindWhatIsNoCharacter) {
+  Canvas canvas(100, 24, 0xffffff);
+  canvas.text(std::u32string{0xd800, 0xffffffe9, 0x110000, U'\0'}, TextStyle{}, 0, 0, 0);
+  canvas.fill(90, 0, 10, 24, 0);
+  EXPECT_EQ(canvas.picture().pixels.at(95), 0U);
+  EXPECT_FALSE(canvas.png().empty());
+}
+
+TEST(Canvas, GivesNothingRatherThanHalfAPicture) {
+  Canvas tooLarge(1'000'000, 1'000'000, 0);
+  EXPECT_EQ(tooLarge.picture().pixels.size(), 0U);
+  EXPECT_TRUE(tooLarge.png().empty());
+}
+
 TEST(Picture, OfARasterImageHasItsDotsAndNoOthers) {
   const Print print(hex("1d7630 00 0200 0200 a501 0ff0"));
   EXPECT_EQ(print.row(0, 0, 20), "#.#..#.#.......#....");

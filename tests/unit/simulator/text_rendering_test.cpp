@@ -1,3 +1,4 @@
+#include "simulator/TextDecoder.h"
 #include "simulator/TextRendering.h"
 
 #include <gtest/gtest.h>
@@ -129,6 +130,17 @@ TEST(Text, IsUtf8WhereItIsValidAndCodePage437WhereItIsNot) {
   EXPECT_EQ(printed(ascii("Caf\xc3\xa9 5 \xe2\x82\xac\n")), "Café 5 €\n");
   EXPECT_EQ(printed(hex("43 61 66 82 20 9c 35 0a")), "Café £5\n");
   EXPECT_EQ(printed(hex("da c4 c4 bf 0a c0 c4 c4 d9 0a c9 cd cd bb 0a")), "┌──┐\n└──┘\n╔══╗\n");
+}
+
+TEST(Text, IsReadFromUtf8AndWrittenInItWhateverStandsThere) {
+  EXPECT_EQ(fromUtf8("A\x7f\u00e9\u20ac\U0001f600"), U"A\x7f\u00e9\u20ac\U0001f600");
+  EXPECT_EQ(fromUtf8("\xe9"
+                     "A\xe2\x82"),
+            U"\ufffdA\ufffd\ufffd");
+  EXPECT_EQ(fromUtf8("\xed\xa0\x80"), U"\ufffd\ufffd\ufffd");
+  EXPECT_EQ(toUtf8(std::u32string{0xd800, 0x110000, 0xffffffe9, U'A'}),
+            "\ufffd\ufffd\ufffd"
+            "A");
 }
 
 TEST(Text, IsOfTheSelectedCodePageOnceOneIsSelected) {
