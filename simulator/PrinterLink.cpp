@@ -48,18 +48,31 @@ PrinterLink::~PrinterLink() {
 
 std::size_t PrinterLink::space(Instant now) {
   settle(now);
-  if (ended_ || stalled())
-    return 0;
-  std::uint64_t room = kCommandModeSpace;
+  std::size_t room = kCommandModeSpace;
   if (!module_.inCommandMode()) {
     const std::size_t free = printer_.space();
     room = free - std::min(free, module_.keptBack());
   }
-  return std::min({room, mostPerWrite_.value_or(room), bytesBeforeCut()});
+  return std::min(room, mostTaken());
+}
+
+// What the link itself lets through.
+std::size_t PrinterLink::mostTaken() const {
+  if (ended_ || stalled())
+    return 0;
+  const std::uint64_t most = std::numeric_limits<std::size_t>::max();
+  return std::min(mostPerWrite_.value_or(most), bytesBeforeCut());
+}
+
+std::size_t PrinterLink::heardWithoutSpace(std::span<const std::uint8_t> bytes) const {
+  const bool goesStraightToThePrinter = !module_.inCommandMode() && module_.keptBack() == 0;
+  return goesStraightToThePrinter ? std::min(mostTaken(), printer_.actingAtOnce(bytes)) : 0;
 }
 
 std::size_t PrinterLink::write(std::span<const std::uint8_t> bytes, Instant now) {
-  const std::size_t count = std::min(bytes.size(), space(now));
+  std::size_t count = std::min(bytes.size(), space(now));
+  if (count == 0)
+    count = heardWithoutSpace(bytes);
   module_.receive(bytes.first(count), now);
   bytesIn_ += count;
   beginStalls();

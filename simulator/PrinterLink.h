@@ -34,7 +34,8 @@ class PrinterLink {
   /// the link has dropped.
   std::size_t space(Instant now);
 
-  /// Hands bytes to the printer; returns how many of the first it took, at most `space(now)`.
+  /// Hands bytes to the printer; returns how many of the first it took, at most `space(now)`. A
+  /// printer whose buffer is full still takes requests, as long as nothing else comes before them.
   std::size_t write(std::span<const std::uint8_t> bytes, Instant now);
 
   /// How many bytes a read would return now.
@@ -92,6 +93,8 @@ class PrinterLink {
   void beginStalls();
   void endStalls();
   bool stalled() const;
+  std::size_t mostTaken() const;
+  std::size_t heardWithoutSpace(std::span<const std::uint8_t> bytes) const;
   std::uint64_t bytesBeforeCut() const;
   void cutIfReached(FaultKind afterWhat);
   std::optional<Instant> nextOwnEvent() const;

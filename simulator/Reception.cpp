@@ -1,5 +1,7 @@
 #include "simulator/Reception.h"
 
+#include <algorithm>
+
 namespace quordalvane::simulator {
 
 void Reception::take(std::span<const std::uint8_t> bytes, bool vanish, const OnPiece& onPiece) {
@@ -31,6 +33,17 @@ void Reception::passOnForPrinting(const OnPiece& onPiece) {
   if (!forPrinting_.empty())
     onPiece(CommandKind::Printing, forPrinting_);
   forPrinting_.clear();
+}
+
+std::size_t Reception::actingAtOnce(std::span<const std::uint8_t> bytes) const {
+  const bool isInPrintData = scanner_.insideCommand() && undecided_.empty();
+  if (isInPrintData)
+    return 0;
+  CommandScanner scanner = scanner_.insideCommand() ? scanner_ : CommandScanner();
+  const auto other = std::find_if(bytes.begin(), bytes.end(), [&](std::uint8_t byte) {
+    return scanner.feed(byte) ? !actsOnReception(scanner.kind()) : !scanner.mayConcernTheMachine();
+  });
+  return static_cast<std::size_t>(other - bytes.begin());
 }
 
 void Reception::restart() {

@@ -23,6 +23,10 @@ class Reception {
   /// How many bytes are kept back because they may begin a command that acts at once.
   std::size_t undecided() const { return undecided_.size(); }
 
+  /// How many of the first of `bytes` are requests and other commands that act at once, the last of
+  /// them perhaps unfinished: these need no room among the print data.
+  std::size_t actingAtOnce(std::span<const std::uint8_t> bytes) const;
+
   /// Forgets an unfinished command: the next byte starts one.
   void restart();
 

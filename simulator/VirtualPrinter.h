@@ -79,9 +79,15 @@ class VirtualPrinter {
   /// may need (64 bytes, or a quarter of a small buffer).
   std::size_t space() const;
 
-  /// Takes all of `bytes`, at most `space()`. With `vanish`, print data is lost on the way:
-  /// commands that act on reception are obeyed and nothing is printed. A command whose first bytes
-  /// came before shares their fate.
+  /// How many of the first of `bytes` it can take also without space, as they act on reception and
+  /// are not held.
+  std::size_t actingAtOnce(std::span<const std::uint8_t> bytes) const {
+    return reception_.actingAtOnce(bytes);
+  }
+
+  /// Takes all of `bytes`, at most `space()` or `actingAtOnce(bytes)`. With `vanish`, print data is
+  /// lost on the way: commands that act on reception are obeyed and nothing is printed. A command
+  /// whose first bytes came before shares their fate.
   void receive(std::span<const std::uint8_t> bytes, Instant now, bool vanish = false);
 
   /// When, after the latest instant given, it next does something that can be noticed from outside:

@@ -135,6 +135,56 @@ class Hosts(Case):
             simulator.set(offline=False)
             eventually(lambda: simulator.state()["printedBytes"] == sent, "all has been printed once and whole")
 
+    def leave_behind(self, simulator, data: bytes) -> int:
+        """A host that sends what it can without waiting, and leaves. Returns how much it sent."""
+        if simulator.place.startswith("serial:"):
+            terminal = os.open(simulator.place.removeprefix("serial:"), os.O_RDWR | os.O_NOCTTY | os.O_NONBLOCK)
+            sent = os.write(terminal, data)
+            eventually(lambda: simulator.state()["buffered"] > 0, "the host is noticed")
+            os.close(terminal)
+            return sent
+        with simulator.connect() as host:
+            host.setblocking(False)
+            return host.send(data)
+
+    def everywhere(self, *arguments: str):
+        for listen in ("tcp:", f"unix:{self.folder}/printer", "pty:"):
+            yield self.simulator(listen, *arguments)
+
+    def test_a_host_that_leaves_a_printer_that_stands_still_makes_way_for_the_next(self):
+        for simulator in self.everywhere("--set", "coverOpen=true", "--set", "buffer=100"):
+            for _ in range(3):
+                self.leave_behind(simulator, b"x" * 93000)
+                result = run("-d", simulator.place, "status")
+                self.assertExit(0, result)
+                self.assertIn("cover open", result.out)
+            self.assertEqual(simulator.state()["buffered"], 100)
+
+    def test_what_a_host_sent_before_it_left_is_printed_where_nobody_else_comes(self):
+        for simulator in self.everywhere("--set", "coverOpen=true", "--set", "buffer=100"):
+            sent = self.leave_behind(simulator, b"x" * 2000)
+            self.assertEqual(sent, 2000)
+            eventually(lambda: simulator.state()["buffered"] == 100, "the printer is full")
+            simulator.set(coverOpen=False)
+            eventually(lambda: simulator.state()["printedBytes"] == sent, "all of it is printed")
+            self.assertExit(0, run("-d", simulator.place, "online"))
+
+    def test_a_host_that_left_a_slow_printer_is_printed_before_the_next_one(self):
+        for simulator in self.everywhere("--set", "speed=4000", "--set", "buffer=100"):
+            sent = self.leave_behind(simulator, b"x" * 2000)
+            result = run("-d", simulator.place, "print", "-", data=b"second\n")
+            self.assertExit(0, result)
+            self.assertEqual(simulator.state()["printedBytes"], sent + 7)
+
+    def test_a_full_printer_is_asked_by_the_host_that_filled_it(self):
+        for listen in ("tcp:", f"unix:{self.folder}/printer"):
+            simulator = self.simulator(listen, "--set", "coverOpen=true", "--set", "buffer=100")
+            with simulator.connect() as host:
+                host.sendall(b"x" * 100)
+                for byte in (b"\x10", b"\x04", b"\x02"):
+                    host.sendall(byte)
+                self.assertEqual(receive(host, 1), b"\x16")
+
     def test_a_host_that_only_half_closes_gets_its_answers(self):
         with self.simulator().connect() as host:
             host.sendall(STATUS_REQUEST)

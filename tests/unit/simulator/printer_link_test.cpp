@@ -42,5 +42,63 @@ TEST(PrinterLink, AnIdleLinkHasNothingDue) {
   EXPECT_TRUE(session.link->connected(session.now));
 }
 
+// A printer that stands still, with a buffer that is soon full.
+PrinterBuilder standing() {
+  return PrinterBuilder().coverOpen().buffer(16);
+}
+
+TEST(AFullPrinter, HearsRequestsInOnePieceAndByteByByte) {
+  for (const char* request : {"100402", "1b0601", "1b2a7242 1b1d03040000 1b0601", "1d4941"}) {
+    Session session(standing());
+    ASSERT_TRUE(session.send(Bytes(16, 'x')));
+    EXPECT_EQ(session.link->space(session.now), 0U);
+    EXPECT_TRUE(session.send(request)) << request;
+    const Bytes whole = session.receive();
+    EXPECT_FALSE(whole.empty()) << request;
+    for (std::uint8_t byte : hex(request))
+      EXPECT_TRUE(session.send(Bytes{byte})) << request;
+    EXPECT_EQ(session.receive(), whole) << request;
+    EXPECT_EQ(session.printer.buffered(), 16U) << request;
+  }
+}
+
+TEST(AFullPrinter, TakesNoPrintDataAndNothingBehindIt) {
+  for (const char* data : {"78 100402", "17 100402", "1b45 01 100402"}) {
+    Session session(standing());
+    ASSERT_TRUE(session.send(Bytes(16, 'x')));
+    const Bytes bytes = hex("100402") + hex(data);
+    std::size_t sent = session.link->write(bytes, session.now);
+    sent += session.link->write(std::span(bytes).subspan(sent), session.now);
+    EXPECT_LT(sent, 6U) << data;
+    EXPECT_EQ(session.receive(), hex("16")) << data;
+  }
+}
+
+TEST(AFullPrinter, HearsNoRequestInTheMiddleOfAnImage) {
+  Session session(standing());
+  ASSERT_TRUE(session.send(hex("1d7630 00 0a00 0a00") + Bytes(8, 0)));
+  EXPECT_EQ(session.link->write(hex("100402"), session.now), 0U);
+}
+
+TEST(AFullPrinter, HearsADataCancelAndHasSpaceAgain) {
+  Session session(standing());
+  ASSERT_TRUE(session.send(Bytes(16, 'x')));
+  EXPECT_TRUE(session.send(kDataCancel));
+  EXPECT_EQ(session.link->space(session.now), 16U);
+}
+
+TEST(AFullPrinter, IsStillBehindALinkWithItsFaults) {
+  Session slow(standing(), with("short-writes", "2"));
+  while (slow.send(ascii("xx"))) {
+  }
+  EXPECT_EQ(slow.link->write(hex("100402"), slow.now), 2U);
+  Session cut(standing(), with("cut-after-in", "17"));
+  ASSERT_TRUE(cut.send(Bytes(16, 'x')));
+  EXPECT_EQ(cut.link->write(hex("100402"), cut.now), 1U);
+  Session stalled(standing(), with("no-space", "16:1000"));
+  ASSERT_TRUE(stalled.send(Bytes(16, 'x')));
+  EXPECT_EQ(stalled.link->write(hex("100402"), stalled.now), 0U);
+}
+
 }  // namespace
 }  // namespace quordalvane::simulator

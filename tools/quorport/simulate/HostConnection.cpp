@@ -12,6 +12,9 @@ namespace {
 using namespace std::chrono_literals;
 using simulator::Instant;
 
+// What is taken from a host while the printer has no space: room for requests, which are short.
+constexpr std::size_t reserve = 64;
+
 constexpr std::size_t mostOutgoing = std::size_t{64} << 10U;
 
 // How long a host may take to notice that the printer has dropped the link before bytes on their
@@ -24,14 +27,11 @@ constexpr Instant settlingPause = 10ms;
 HostConnection::HostConnection(std::unique_ptr<Line> line, simulator::PrinterLink& link)
     : line_(std::move(line)), link_(link) {}
 
-bool HostConnection::takes(Instant now) const {
-  return !hostEnded_ && link_.space(now) > 0;
-}
-
-void HostConnection::await(std::vector<pollfd>& awaited, Instant now) const {
-  const int wantsBytes = takes(now) ? POLLIN : 0;
+void HostConnection::await(std::vector<pollfd>& awaited) const {
+  const int wantsInput = wantsBytes() ? POLLIN : 0;
   const int wantsSpace = outgoing_.empty() ? 0 : POLLOUT;
-  const auto events = static_cast<short>(wantsBytes | wantsSpace);
+  const int wantsEnd = hostEnded_ ? 0 : POLLRDHUP;
+  const auto events = static_cast<short>(wantsInput | wantsSpace | wantsEnd);
   // Waiting for nothing, a line whose host has gone would be ready without end.
   if (events != 0 && !wasDropped()) {
     awaited.push_back({.fd = line_->descriptor().number(), .events = events, .revents = 0});
@@ -47,6 +47,7 @@ void HostConnection::work(Instant now) {
     over_ = over_ || line_->hasSettled() || now >= *lastSettling_;
     return;
   }
+  noticeHangUp();
   takeFromHost(now);
   giveToHost(now);
   if (!over_ && outgoing_.empty()) {
@@ -54,13 +55,44 @@ void HostConnection::work(Instant now) {
   }
 }
 
+// A host that leaves while the printer has no space is not noticed by reading from it. What is left
+// of it is read to its end, which is near: nothing can follow.
+void HostConnection::noticeHangUp() {
+  constexpr int hangUp = POLLRDHUP | POLLHUP | POLLERR;
+  const bool wouldBeRead = hostEnded_ || wantsBytes();
+  if (wouldBeRead || (line_->descriptor().pollUntil(POLLRDHUP, {}) & hangUp) == 0) {
+    return;
+  }
+  std::array<std::uint8_t, 4096> bytes;
+  std::ptrdiff_t count = line_->descriptor().receive(bytes.data(), bytes.size());
+  for (; count > 0; count = line_->descriptor().receive(bytes.data(), bytes.size())) {
+    incoming_.insert(incoming_.end(), bytes.begin(), bytes.begin() + count);
+  }
+  hostEnded_ = true;
+  line_->noteHostEnded();
+}
+
+void HostConnection::passOn(Instant now) {
+  std::size_t taken = 1;
+  while (taken > 0 && passedOn_ < incoming_.size()) {
+    taken = link_.write(std::span(incoming_).subspan(passedOn_), now);
+    passedOn_ += taken;
+  }
+  if (passedOn_ == incoming_.size()) {
+    incoming_.clear();
+    passedOn_ = 0;
+  }
+}
+
 void HostConnection::takeFromHost(Instant now) {
   std::array<std::uint8_t, 4096> bytes;
-  while (takes(now)) {
-    const std::size_t most = std::min(bytes.size(), link_.space(now));
+  passOn(now);
+  while (wantsBytes()) {
+    const std::size_t most = std::clamp(link_.space(now), reserve, bytes.size());
     const std::ptrdiff_t count = line_->descriptor().receive(bytes.data(), most);
     if (count > 0) {
-      link_.write(std::span(bytes).first(static_cast<std::size_t>(count)), now);
+      incoming_.assign(bytes.begin(), bytes.begin() + count);
+      passOn(now);
       line_->noteHost();
       lastReceived_ = now;
     } else if (count < 0 && errno == EAGAIN) {
@@ -101,7 +133,7 @@ void HostConnection::followDrop(Instant now) {
   } else if (link_.dropped(now)) {
     line_->endOutput();
     lastSettling_ = now + settlingTime;
-  } else if (hostEnded_) {
+  } else if (hostEnded_ && incoming_.empty()) {
     over_ = true;
   }
 }

@@ -13,14 +13,16 @@
 namespace quordalvane::tool {
 
 /// Carries bytes between a line to a host and the printer's link, as long as both stand. Takes from
-/// the line only what the printer has space for, so that a slow printer holds its host up.
+/// the line only what the printer has space for, so that a slow printer holds its host up, and a
+/// few bytes more, among which the printer hears requests. What a host that has left sent before
+/// still goes to the printer, as it has space again.
 class HostConnection {
  public:
   /// The link must outlive this.
   HostConnection(std::unique_ptr<Line> line, simulator::PrinterLink& link);
 
   /// Adds what the connection waits for.
-  void await(std::vector<pollfd>& awaited, simulator::Instant now) const;
+  void await(std::vector<pollfd>& awaited) const;
 
   /// When it must work without anything that was waited for; none if never.
   std::optional<simulator::Instant> nextEvent(simulator::Instant now) const;
@@ -30,6 +32,9 @@ class HostConnection {
 
   bool isOver() const { return over_; }
 
+  /// Whether the host will send nothing more, and all that it sent has been taken from the line.
+  bool hostEnded() const { return hostEnded_; }
+
   /// Whether it was the printer that ended it.
   bool wasDropped() const { return lastSettling_.has_value(); }
 
@@ -37,7 +42,9 @@ class HostConnection {
   std::optional<simulator::Instant> lastReceived() const { return lastReceived_; }
 
  private:
-  bool takes(simulator::Instant now) const;
+  bool wantsBytes() const { return !hostEnded_ && incoming_.empty(); }
+  void noticeHangUp();
+  void passOn(simulator::Instant now);
   void takeFromHost(simulator::Instant now);
   void giveToHost(simulator::Instant now);
   void followDrop(simulator::Instant now);
@@ -45,6 +52,8 @@ class HostConnection {
   const std::unique_ptr<Line> line_;
   simulator::PrinterLink& link_;
   std::vector<std::uint8_t> outgoing_;
+  std::vector<std::uint8_t> incoming_;  // what the printer has not taken yet
+  std::size_t passedOn_ = 0;            // of these: what it has taken
   bool hostEnded_ = false;
   bool over_ = false;
   std::optional<simulator::Instant> lastReceived_;

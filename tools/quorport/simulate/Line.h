@@ -20,6 +20,10 @@ class Line {
   /// To be called when the host's first bytes have come.
   virtual void noteHost() {}
 
+  /// To be called when the host has left and the line is kept all the same: from now on the
+  /// listener shows the next one.
+  virtual void noteHostEnded() {}
+
   /// Tells the host that nothing follows, where the line has a way to.
   virtual void endOutput() = 0;
 

@@ -48,6 +48,7 @@ class PtyLine : public Line {
       : Line(std::move(descriptor)), path_(std::move(path)), held_(std::move(otherSide)) {}
 
   void noteHost() override { held_.reset(); }
+  void noteHostEnded() override { held_.emplace(openOtherSide(path_)); }
   void endOutput() override {}
 
   bool hasSettled() override {

@@ -32,6 +32,11 @@ timespec timeFrom(Instant now, Instant until) {
   return {.tv_sec = whole.count(), .tv_nsec = (left - whole).count()};
 }
 
+bool isReadable(int descriptor) {
+  pollfd asked{.fd = descriptor, .events = POLLIN, .revents = 0};
+  return ::poll(&asked, 1, 0) > 0;
+}
+
 bool endsInCut(const simulator::Paper& paper) {
   return !paper.items().empty() && std::holds_alternative<simulator::Cut>(paper.items().back());
 }
@@ -63,8 +68,9 @@ void Server::run() {
 void Server::sleep(Instant now) {
   std::vector<pollfd> awaited = {{.fd = signals_.descriptor(), .events = POLLIN, .revents = 0}};
   if (host_) {
-    host_->await(awaited, now);
-  } else {
+    host_->await(awaited);
+  }
+  if (!host_ || hostMakesWay()) {
     awaited.push_back({.fd = places_.hosts->descriptor(), .events = POLLIN, .revents = 0});
   }
   if (places_.controls != nullptr && channels_.size() < mostChannels) {
@@ -104,7 +110,7 @@ void Server::work(Instant now) {
 void Server::workForHost(Instant now) {
   while (host_ || acceptHost(now)) {
     host_->work(now);
-    if (!host_->isOver()) {
+    if (!host_->isOver() && !(hostMakesWay() && isReadable(places_.hosts->descriptor()))) {
       return;
     }
     const bool dropped = host_->wasDropped();
@@ -112,6 +118,12 @@ void Server::workForHost(Instant now) {
     links_.end();
     places_.hosts->resume(dropped);
   }
+}
+
+// A host that has left keeps its place while the printer works through what it sent. Where the
+// printer stands still that may take for ever, and the next host comes first.
+bool Server::hostMakesWay() const {
+  return host_->hostEnded() && printer_.state().flag(simulator::Flag::offline);
 }
 
 bool Server::acceptHost(Instant now) {

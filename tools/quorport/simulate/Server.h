@@ -45,6 +45,7 @@ class Server {
   void work(simulator::Instant now);
   void workForHost(simulator::Instant now);
   bool acceptHost(simulator::Instant now);
+  bool hostMakesWay() const;
   void announce();
   void workForControls(simulator::Instant now);
   void collectPaper(simulator::Instant now);
