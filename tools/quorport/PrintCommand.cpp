@@ -2,8 +2,8 @@
 #include <utility>
 #include <vector>
 
-#include "job/PrintJob.h"
 #include "job/Advice.h"
+#include "job/PrintJob.h"
 #include "job/Words.h"
 #include "tools/quorport/Commands.h"
 #include "tools/quorport/LiveLine.h"
