@@ -17,6 +17,7 @@ set(QUOR_PUBLIC_HEADERS
   iphone-IOPort/enum.h
   iphone-IOPort/exceptions/PortException.h
   job/BlockReport.h
+  job/OwedAnswers.h
   job/PrintJob.h
   logging/CallbackSink.h
   logging/JsonFileSink.h
