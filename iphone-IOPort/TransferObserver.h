@@ -13,7 +13,7 @@ class QUOR_EXPORT TransferObserver {
  public:
   virtual ~TransferObserver() = default;
 
-  /// The link has taken these further bytes.
+  /// The link has taken these further bytes; they are empty where a `write:` could hand on none.
   virtual void bytesWritten(std::span<const std::uint8_t> bytes) = 0;
 
   /// A `read:` is about to return `bytes`, which may be empty.

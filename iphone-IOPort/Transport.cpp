@@ -94,6 +94,9 @@ std::int32_t ExternalAccessoryPort::offer(std::span<const std::uint8_t> data, co
   }
   const auto result = static_cast<std::int32_t>(amountWritten);
   QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%@, -> %d", data, result);
+  if (amountWritten == 0 && observer_ != nullptr) {
+    observer_->bytesWritten({});
+  }
   return result;
 }
 

@@ -117,8 +117,8 @@ QUOR_EXPORT QuorCode quor_port_write_with_retry(QuorPort* port, const void* comm
                                                 size_t* written);
 
 /** Functions that see every byte that passes, on the thread that moves it: `bytes_written` how many
- * the link took, `bytes_read` what a read is about to return, which may be nothing. One that
- * returns other than 0 stops the operation that moves the bytes, with QUOR_STOPPED. */
+ * the link took, `bytes_read` what a read is about to return; both may be nothing. One that returns
+ * other than 0 stops the operation that moves the bytes, with QUOR_STOPPED. */
 typedef int32_t (*QuorBytesWritten)(void* context, size_t count);
 typedef int32_t (*QuorBytesRead)(void* context, const uint8_t* bytes, size_t count);
 

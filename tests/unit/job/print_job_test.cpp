@@ -305,6 +305,20 @@ TEST_P(InBothEmulations, AJobIsCancelledAlsoWhileThePortWritesWithoutEnd) {
   EXPECT_EQ(job.run(kReceipt).outcome, PrintOutcome::Refused);
 }
 
+TEST_P(InBothEmulations, AJobIsCancelledAlsoWhileThePortOffersWithoutEndWhatTheLinkDoesNotTake) {
+  Till till(GetParam());
+  till.port->close();
+  simulator::Faults full = with("no-space", "4:120");
+  full.add("no-space", "6:600000");
+  till.accessory->setFaults(full);
+  ASSERT_TRUE(till.port->open());
+  PrintJob job(till.port);
+  till.at(milliseconds(3000), [&job] { job.cancel(); });
+  const auto start = till.platform->clock().monotonic();
+  EXPECT_EQ(job.run(kReceipt).outcome, PrintOutcome::Refused);
+  EXPECT_LT(till.platform->clock().monotonic() - start, milliseconds(4000));
+}
+
 TEST_P(InBothEmulations, AJobThatIsCancelledTwiceIsCancelled) {
   Till till(PrinterBuilder().speed(100), {.emulation = GetParam()});
   till.port->close();
