@@ -212,7 +212,8 @@ class ExternalAccessoryPort {
 """)
         self.write("iphone-IOPort/Session.cpp", "bool ExternalAccessoryPort::open() {\n")
         self.write("iphone-IOPort/Transport.cpp", "bool ExternalAccessoryPort::read(\n")
-        self.write("docs/architecture.md", "# Architecture\n\n| operation | source | |\n|---|---|---|\n" + "\n".join(rows))
+        head = ("# Architecture", "", "| operation | source | |", "|---|---|---|")
+        self.write("docs/architecture.md", "\n".join(head + rows))
         self.objects_to("")
         return documentation.violations(self.root)
 

@@ -62,7 +62,8 @@ class Firmware(Asking):
                 for reply in (b"\x12\x5fV1.2\x00", b"V1.2\x00", b"\x12\x00"))
 
     def test_a_reply_in_two_pieces_is_no_reply(self):
-        at_once((self.failure, 1, ON_LINE | {request: in_pieces(*pieces, pause=0.2)}, "-t", "1000", "-e", emulation, "firmware")
+        at_once((self.failure, 1, ON_LINE | {request: in_pieces(*pieces, pause=0.2)},
+                 "-t", "1000", "-e", emulation, "firmware")
                 for emulation, (request, reply) in FIRMWARE.items() for pieces in pieces_of(reply % b"V1.2"))
 
     def test_a_reply_that_is_cut_off_is_no_reply(self):
@@ -79,11 +80,13 @@ class DipSwitches(Asking):
         at_once((self.assertTold, pair, banks(*pair)) for pair in zip(settings, reversed(settings)))
 
     def test_replies_in_two_pieces_are_no_replies(self):
-        at_once((self.failure, 1, banks(b"\x45\x02") | {bank_request(bank): in_pieces(*pieces, pause=0.2)}, "-t", "1000", "dipswitch")
+        at_once((self.failure, 1, banks(b"\x45\x02") | {bank_request(bank): in_pieces(*pieces, pause=0.2)},
+                 "-t", "1000", "dipswitch")
                 for bank in (1, 2) for pieces in pieces_of(bank_reply(bank, b"\x45\x02")))
 
     def test_replies_that_are_cut_off_are_no_replies(self):
-        at_once((self.failure, 5, banks(b"\x45\x02") | {bank_request(bank): last_words(words)}, "-t", "1000", "dipswitch")
+        at_once((self.failure, 5, banks(b"\x45\x02") | {bank_request(bank): last_words(words)},
+                 "-t", "1000", "dipswitch")
                 for bank in (1, 2) for words, _ in pieces_of(bank_reply(bank, b"\x45\x02")))
 
     def test_button_security_adds_the_time_out_to_the_setting_unless_it_is_off(self):

@@ -267,9 +267,10 @@ class AgainstAPeer(Case):
             self.assertExit(5, result)
             self.assertIn("lost", result.json()["error"])
 
+        patient = (("dipswitch",), ("disconnect",))  # whatever comes, these wait longer than a reset takes
+        hasty = (("firmware",), ("-e", "escpos", "firmware"))
         at_once((check, end, words, *arguments)
-                for end, commands in ((closes, (("dipswitch",), ("firmware",), ("-e", "escpos", "firmware"), ("disconnect",))),
-                                      (resets, (("dipswitch",), ("disconnect",))))
+                for end, commands in ((closes, patient + hasty), (resets, patient))
                 for words in (b"\x10\0\0\0", b"j" * 10000) for arguments in commands)
 
     def test_a_status_cut_at_every_byte_is_never_taken_for_one(self):
