@@ -19,6 +19,13 @@ void LineBuilder::add(std::u32string_view text, const TextStyle& style, Paper& p
   }
 }
 
+// Of the pieces of a line at most one a dot lie side by side. The rest lies on top of others, and a
+// job may go on with that for ever; after some layers nothing more shows.
+bool LineBuilder::isFull() const {
+  constexpr std::size_t mostLayers = 8;
+  return line_.items.size() >= mostLayers * paperWidth_;
+}
+
 void LineBuilder::addCharacter(char32_t character, const TextStyle& style) {
   TextRun* run = nullptr;
   if (!line_.items.empty()) {
@@ -29,16 +36,17 @@ void LineBuilder::addCharacter(char32_t character, const TextStyle& style) {
     if (!continues)
       run = nullptr;
   }
-  if (run == nullptr)
+  if (run == nullptr && !isFull())
     run = &std::get<TextRun>(begin({position_, TextRun{{}, style}}).content);
-  run->text += character;
+  if (run != nullptr)
+    run->text += character;
   position_ += style.cellWidth();
 }
 
 void LineBuilder::add(Bitmap dots) {
   const unsigned room = paperWidth_ - std::min(position_, paperWidth_);
   const unsigned width = std::min(dots.width, room);
-  if (width == 0)
+  if (width == 0 || isFull())
     return;
   const unsigned x = position_;
   position_ += width;

@@ -40,6 +40,7 @@ class LineBuilder {
   unsigned spacing() const { return spacing_; }
 
  private:
+  bool isFull() const;
   LineItem& begin(LineItem item);
   void addCharacter(char32_t character, const TextStyle& style);
 

@@ -80,6 +80,14 @@ void Paper::feed(unsigned dots) {
     last->dots += std::min(dots, std::numeric_limits<unsigned>::max() - last->dots);
 }
 
+void Paper::cut(bool partial) {
+  Cut* last = items_.empty() ? nullptr : std::get_if<Cut>(&items_.back());
+  if (last == nullptr)
+    items_.emplace_back(Cut{partial});
+  else
+    last->partial = last->partial && partial;
+}
+
 void Paper::noteSkipped(std::span<const std::uint8_t> command) {
   const std::string name = hexOf(command.first(std::min(command.size(), kBytesThatName)));
   const bool room = skipped_.size() < kSkippedKinds || skipped_.contains(name);

@@ -233,7 +233,7 @@ void Typesetter::feed(unsigned dots) {
 
 void Typesetter::cutHere(bool partial) {
   line_.endIfBegun(paper_);
-  paper_.add(Cut{partial});
+  paper_.cut(partial);
 }
 
 void Typesetter::addImage(Bitmap dots) {

@@ -92,6 +92,21 @@ TEST(ArbitraryBytes, AHugeCountTakesNoMemoryUntilItsBytesCome) {
   EXPECT_EQ(session.printer.buffered(), 0U);
 }
 
+TEST(ArbitraryBytes, ThatMoveNoPaperTakeNoMemoryForIt) {
+  for (const char* command : {"1d56 00", "1b64 00", "1b24 0000 41", "1b24 0000 1b2a 00 0100 ff"}) {
+    Session session;
+    const Bytes once = hex(command);
+    for (int i = 0; i < 20'000; ++i)
+      session.send(once);
+    session.send(ascii("\n"));
+    std::size_t pieces = 0;
+    for (const PaperItem& item : session.printer.paper().items())
+      pieces += std::holds_alternative<Line>(item) ? std::get<Line>(item).items.size() : 1;
+    EXPECT_GT(pieces, 0U) << command;
+    EXPECT_LE(pieces, 8U * kWidePaperDots) << command;
+  }
+}
+
 TEST(ArbitraryBytes, ThatWouldMoveThePaperForMilesAreStillReadable) {
   Session session;
   Bytes job = hex("1d2100");

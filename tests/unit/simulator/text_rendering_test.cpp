@@ -126,6 +126,13 @@ TEST(TextRendering, ListsNoMoreThanAHundredKindsOfCommands) {
   EXPECT_EQ(session.printer.paper().skipped().at("others"), 156U);
 }
 
+TEST(TextRendering, ACutInTheSamePlaceIsOneCut) {
+  const std::string once = printed(ascii("a\n") + hex("1d56 00"));
+  EXPECT_EQ(printed(ascii("a\n") + hex("1d56 00 1d56 01 1d56 00")), once);
+  EXPECT_EQ(printed(ascii("a\n") + hex("1d56 01 1d56 00")), once);
+  EXPECT_NE(printed(ascii("a\n") + hex("1d56 01 1d56 01")), once);
+}
+
 TEST(Text, IsUtf8WhereItIsValidAndCodePage437WhereItIsNot) {
   EXPECT_EQ(printed(ascii("Caf\xc3\xa9 5 \xe2\x82\xac\n")), "Café 5 €\n");
   EXPECT_EQ(printed(hex("43 61 66 82 20 9c 35 0a")), "Café £5\n");
