@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -64,5 +65,10 @@ struct LinkKind {
   std::string name;
   std::function<std::unique_ptr<LinkMaker>()> make;
 };
+
+/// For the test framework's messages.
+inline void PrintTo(const LinkKind& kind, std::ostream* out) {
+  *out << kind.name;
+}
 
 }  // namespace quordalvane::contract

@@ -1,40 +1,47 @@
 #include "tests/faults/AllocationFault.h"
 
+#include <atomic>
 #include <cstdlib>
-#include <new>
 
+#include "tests/support/OperatorNew.h"
+
+namespace quordalvane::test {
 namespace {
 
-using quordalvane::test::Allocation;
-
+// One at a time for the whole process: what is carried to another thread runs short there, too.
 struct Plan {
-  bool armed = false;
-  Allocation which = Allocation::any;
-  std::uint64_t k = 0;
-  bool fromThereOn = false;
-  std::uint64_t count = 0;
+  std::atomic<bool> armed = false;
+  std::atomic<Allocation> which = Allocation::any;
+  std::atomic<std::uint64_t> k = 0;
+  std::atomic<bool> fromThereOn = false;
+  std::atomic<std::uint64_t> count = 0;
 };
 
-thread_local Plan plan;
+Plan plan;
+thread_local bool isCovered = false;
 
-bool fails(Allocation kind) {
-  if (!plan.armed || (plan.which == Allocation::answeringNull && kind == Allocation::any)) {
+bool fails(OnShortage onShortage) {
+  if (!isCovered || !plan.armed ||
+      (plan.which == Allocation::answeringNull && onShortage == OnShortage::raises)) {
     return false;
   }
-  ++plan.count;
-  return plan.fromThereOn ? plan.count >= plan.k : plan.count == plan.k;
-}
-
-void* take(std::size_t size, Allocation kind) noexcept {
-  return fails(kind) ? nullptr : std::malloc(size == 0 ? 1 : size);
+  const std::uint64_t count = ++plan.count;
+  return plan.fromThereOn ? count >= plan.k : count == plan.k;
 }
 
 }  // namespace
 
-namespace quordalvane::test {
+void* take(std::size_t size, OnShortage onShortage) noexcept {
+  return fails(onShortage) ? nullptr : std::malloc(size == 0 ? 1 : size);
+}
 
 AllocationFault::AllocationFault(Allocation which, std::uint64_t k, bool fromThereOn) {
-  plan = {.armed = true, .which = which, .k = k, .fromThereOn = fromThereOn};
+  coverThisThread();
+  plan.which = which;
+  plan.k = k;
+  plan.fromThereOn = fromThereOn;
+  plan.count = 0;
+  plan.armed = true;
 }
 
 AllocationFault::~AllocationFault() {
@@ -45,43 +52,8 @@ bool AllocationFault::hasStruck() const {
   return plan.count >= plan.k;
 }
 
+void AllocationFault::coverThisThread() {
+  isCovered = true;
+}
+
 }  // namespace quordalvane::test
-
-// Every form but those of extended alignment, which the project does not use: a sanitizer brings
-// forms of its own, and memory must go back the way it came.
-
-void* operator new(std::size_t size) {
-  void* const memory = take(size, Allocation::any);
-  if (memory == nullptr) {
-    throw std::bad_alloc();
-  }
-  return memory;
-}
-
-void* operator new[](std::size_t size) {
-  return operator new(size);
-}
-
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  return take(size, Allocation::answeringNull);
-}
-
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-  return take(size, Allocation::answeringNull);
-}
-
-void operator delete(void* memory) noexcept {
-  std::free(memory);
-}
-
-void operator delete[](void* memory) noexcept {
-  std::free(memory);
-}
-
-void operator delete(void* memory, std::size_t) noexcept {
-  std::free(memory);
-}
-
-void operator delete[](void* memory, std::size_t) noexcept {
-  std::free(memory);
-}

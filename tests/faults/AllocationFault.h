@@ -7,10 +7,11 @@ namespace quordalvane::test {
 /// Which allocations a fault befalls: all, or those alone that answer null instead of raising.
 enum class Allocation { any, answeringNull };
 
-/// While it lives, the k-th allocation of its thread fails, alone or with all that follow.
+/// While it lives, the k-th allocation of the threads that are covered fails, alone or with all
+/// that follow. There is one at a time.
 class AllocationFault {
  public:
-  /// `k` counts from 1.
+  /// `k` counts from 1. The calling thread is covered from now on.
   AllocationFault(Allocation which, std::uint64_t k, bool fromThereOn);
   ~AllocationFault();
   AllocationFault(const AllocationFault&) = delete;
@@ -18,6 +19,9 @@ class AllocationFault {
 
   /// Whether there was a k-th one.
   bool hasStruck() const;
+
+  /// The calling thread is covered from now on, by this fault and all others.
+  static void coverThisThread();
 };
 
 }  // namespace quordalvane::test

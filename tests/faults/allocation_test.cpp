@@ -28,11 +28,29 @@ struct Circumstances {
   Layer layer = {};
 };
 
+/// Memory is short on the threads that it makes, too.
+class CoveredThreads : public ForwardingPlatform {
+ public:
+  using ForwardingPlatform::ForwardingPlatform;
+
+  std::shared_ptr<NSThread> makeThread(std::function<void()> body) override {
+    return ForwardingPlatform::makeThread([body = std::move(body)] {
+      AllocationFault::coverThisThread();
+      body();
+    });
+  }
+};
+
+std::shared_ptr<Platform> portThreadIsCovered(std::shared_ptr<Platform> next) {
+  return std::make_shared<CoveredThreads>(std::move(next));
+}
+
 /// A port whose printer answers everything.
 class AnsweredPort {
  public:
   explicit AnsweredPort(const Circumstances& given)
-      : world_(answeringPrinter(), {shopPrinter()}, given.layer) {
+      : world_(answeringPrinter(), {shopPrinter()},
+               given.layer ? given.layer : portThreadIsCovered) {
     world_.machine().setMainThread(given.thread == On::mainThread);
     port_ = ExternalAccessoryPort::initWithPortName(
         "BT:", "d9", 1000, static_cast<ZKEmulation>(given.emulation), world_.platform());

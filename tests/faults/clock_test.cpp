@@ -24,6 +24,21 @@ std::size_t readingsOf(const Outcome& outcome) {
       std::count_if(outcome.lines.begin(), outcome.lines.end(), isReading));
 }
 
+/// How long it took from one reading of the clock to another, or to the end of the run.
+double secondsBetween(const Outcome& outcome, std::size_t first, std::size_t last) {
+  double from = 0;
+  double to = outcome.lines.empty() ? 0 : outcome.lines.back().at;
+  std::size_t reading = 0;
+  for (const Line& line : outcome.lines) {
+    if (isReading(line) && ++reading == first) {
+      from = line.at;
+    } else if (isReading(line) && reading == last) {
+      to = line.at;
+    }
+  }
+  return to - from;
+}
+
 /// What the printer does while the clock is stepped. Waits that end by their limit alone are those
 /// of a silent one.
 enum class Printer { answers, isSilent, takesNothing };
@@ -89,7 +104,8 @@ class ClockSweep : public testing::TestWithParam<std::tuple<std::int32_t, Printe
       stepped.script.stepsClock(reading, -seconds);
       if (const auto outcome = run(name(call, -seconds, reading), stepped, call)) {
         EXPECT_GE(outcome->seconds, undisturbed.seconds - tolerance) << call.name;
-        EXPECT_LE(outcome->seconds, undisturbed.seconds + static_cast<double>(seconds) + onePass)
+        EXPECT_LE(outcome->seconds,
+                  undisturbed.seconds + static_cast<double>(seconds) + onePass(call))
             << call.name;
       }
     }
@@ -108,12 +124,21 @@ class ClockSweep : public testing::TestWithParam<std::tuple<std::int32_t, Printe
         EXPECT_TRUE(outcome->seconds >= undisturbed.seconds - tolerance ||
                     readingsOf(*outcome) >= reading + readings)
             << call.name << " ended early while the clock stood back";
+        EXPECT_LE(outcome->seconds, undisturbed.seconds + onePass(call) +
+                                        secondsBetween(*outcome, reading, reading + readings))
+            << call.name << " went on after the clock was right again";
       }
     }
   }
 
   static constexpr double tolerance = 1e-6;
-  static constexpr double onePass = 5;  // a status that gets no answer, with what it calls
+
+  /// What lies between two looks at the clock of one wait: a pause and a slice, and where the wait
+  /// is for a state of the printer, the question for it.
+  static double onePass(const Call& call) {
+    const bool asksForStatus = call.name == "beginCheckedBlock" || call.name == "endCheckedBlock";
+    return 0.2 + 0.1 + (asksForStatus ? scenario().run(getParsedStatus()).seconds : 0);
+  }
 };
 
 TEST_P(ClockSweep, NeverEndsAWaitEarlyNorDelaysItBeyondTheStep) {

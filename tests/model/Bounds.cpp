@@ -23,7 +23,8 @@ class Bounds {
       : emulation_(scenario.creation.emulation),
         limit_(scenario.creation.timeout / 1000),
         end_(scenario.endMillis.value_or(scenario.creation.timeout) / 1000),
-        hold_(scenario.holdMillis.value_or(0) / 1000) {}
+        hold_(scenario.holdMillis.value_or(0) / 1000),
+        closePause_(std::stod(scenario.systemVersion.value_or("0")) < 10 ? 0 : endPause) {}
 
   double of(const Operation& operation) const;
 
@@ -66,12 +67,16 @@ class Bounds {
   const double limit_;
   const double end_;
   const double hold_;
+  const double closePause_;
 };
 
 double Bounds::of(const Operation& operation) const {
   const std::string& name = operation.name;
-  if (name == "isConnected" || name == "close") {
-    return 0;  // on a system below 10.0
+  if (name == "isConnected") {
+    return 0;
+  }
+  if (name == "close") {
+    return closePause_;
   }
   if (name == "open" || name == "write" || name == "read") {
     return slice;

@@ -58,10 +58,9 @@ Outcome runOn(Port& port, const Scenario& scenario, ScriptedWorld& world, Side s
   if (scenario.dataTimeoutSeconds) {
     port.setDataTimeoutSeconds(*scenario.dataTimeoutSeconds);
   }
-  if (scenario.isOpen) {
-    EXPECT_TRUE(port.open());
-  }
   Outcome run;
+  run.opened = scenario.isOpen && port.open();
+  EXPECT_TRUE(run.opened || !scenario.isOpen || scenario.opens == Scenario::Opens::perhaps);
   world.trace().name(&run.caller.status, "<status>");
   world.trace().name(&run.caller.onlineStatus, "<online>");
   run.caller.trace = &world.trace();
@@ -116,17 +115,25 @@ Bytes Outcome::sent() const {
 }
 
 std::string Outcome::report() const {
-  return "result " + result + "\nresultCode " + std::to_string(caller.resultCode) +
-         "\nonlineStatus " + std::to_string(caller.onlineStatus) + "\n" +
-         shownStatus(caller.status) + properties + whole(lines);
+  return std::string(opened ? "opened, " : "not opened, ") + "result " + result + "\nresultCode " +
+         std::to_string(caller.resultCode) + "\nonlineStatus " +
+         std::to_string(caller.onlineStatus) + "\n" + shownStatus(caller.status) + properties +
+         whole(lines);
 }
 
 Scenario Scenario::in(std::int32_t emulation, std::uint32_t timeout) {
   return {.creation = {.timeout = timeout, .emulation = emulation}};
 }
 
+void Scenario::prepare(ScriptedWorld& world) const {
+  if (systemVersion) {
+    world.machine().setSystemVersion(*systemVersion);
+  }
+}
+
 Outcome Scenario::runOnPort(const Call& call) const {
   ScriptedWorld world(script, accessories, layer);
+  prepare(world);
   const auto port = ExternalAccessoryPort::initWithPortName(
       creation.portName, creation.portSettings, creation.timeout,
       static_cast<ZKEmulation>(creation.emulation), world.platform());
@@ -136,6 +143,7 @@ Outcome Scenario::runOnPort(const Call& call) const {
 
 Outcome Scenario::runOnModel(const Call& call) const {
   ScriptedWorld world(script, accessories, layer);
+  prepare(world);
   Model model(creation, *world.platform(), world.trace());
   world.trace().name(&model, "<self>");
   return runOn(model, *this, world, &Call::onModel, call);
@@ -162,6 +170,14 @@ std::string describe(const Scenario& scenario) {
       text << ", " << what << ' ' << *value;
     }
   };
+  tell("port name", scenario.creation.portName);
+  tell("settings", scenario.creation.portSettings);
+  tell("system", scenario.systemVersion);
+  for (const AccessoryIdentity& identity : scenario.accessories) {
+    text << ", " << ScriptedAccessory(identity, nullptr).description() << " of "
+         << identity.manufacturer.value_or("none") << " with " << identity.protocolStrings.size()
+         << " protocols";
+  }
   tell("end", scenario.endMillis);
   tell("hold", scenario.holdMillis);
   tell("data time-out", scenario.dataTimeoutSeconds);

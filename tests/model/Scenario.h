@@ -18,6 +18,7 @@ inline constexpr std::int32_t unknownEmulation = 0;
 
 /// What came of a call.
 struct Outcome {
+  bool opened = false;  // before the call
   std::string result;
   Caller caller;
   std::string properties;  // of the port, afterwards
@@ -53,7 +54,9 @@ struct Scenario {
   std::optional<std::uint32_t> endMillis{};
   std::optional<std::uint32_t> holdMillis{};
   std::optional<std::int64_t> dataTimeoutSeconds{};
+  std::optional<std::string> systemVersion{};
   bool isOpen = true;
+  enum class Opens { surely, perhaps } opens = Opens::surely;  // where it is to be open
   bool logging = true;
   std::set<std::int32_t> levels = {0};
 
@@ -65,6 +68,9 @@ struct Scenario {
 
   Outcome runOnPort(const Call& call) const;
   Outcome runOnModel(const Call& call) const;
+
+ private:
+  void prepare(ScriptedWorld& world) const;
 };
 
 /// For failure messages.

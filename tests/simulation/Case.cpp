@@ -4,29 +4,12 @@
 #include <initializer_list>
 #include <ostream>
 
+#include "tests/support/Dice.h"
+
 namespace quordalvane::simulation {
 namespace {
 
-/// Draws that are the same everywhere: the standard's distributions are not.
-class Dice {
- public:
-  explicit Dice(std::uint64_t seed) : engine_(seed) {}
-
-  /// 0 to `sides` - 1.
-  std::uint64_t roll(std::uint64_t sides) { return engine_() % sides; }
-  std::uint64_t between(std::uint64_t low, std::uint64_t high) {
-    return low + roll(high - low + 1);
-  }
-  bool oneIn(std::uint64_t sides) { return roll(sides) == 0; }
-
-  template <typename Value>
-  Value pick(std::initializer_list<Value> values) {
-    return *(values.begin() + static_cast<std::ptrdiff_t>(roll(values.size())));
-  }
-
- private:
-  std::mt19937_64 engine_;
-};
+using test::Dice;
 
 void append(ByteBuffer& data, std::initializer_list<int> bytes) {
   for (const int byte : bytes) {
@@ -47,12 +30,13 @@ void appendImage(ByteBuffer& data, Dice& dice) {
   const std::uint64_t height = dice.between(1, 20);
   append(data, {0x1d, 0x76, 0x30, 0, static_cast<int>(width), 0, static_cast<int>(height), 0});
   for (std::uint64_t i = width * height; i > 0; --i) {
-    data.push_back(dice.pick<std::uint8_t>({0x17, 0x1b, 0x1d, 0x03, 0x01, 0x00, 0x10, 0x04, 0x06}));
+    data.push_back(
+        dice.among<std::uint8_t>({0x17, 0x1b, 0x1d, 0x03, 0x01, 0x00, 0x10, 0x04, 0x06}));
   }
 }
 
 void appendSign(ByteBuffer& data, Dice& dice) {
-  switch (dice.roll(3)) {
+  switch (dice.below(3)) {
     case 0:
       append(data, {0x17, 0x17});
       break;
@@ -66,7 +50,7 @@ void appendSign(ByteBuffer& data, Dice& dice) {
 }
 
 void fillData(Case& made, Dice& dice) {
-  for (std::uint64_t i = dice.roll(12); i > 0; --i) {
+  for (std::uint64_t i = dice.below(12); i > 0; --i) {
     ByteBuffer printed;
     if (dice.oneIn(5)) {
       appendImage(printed, dice);
@@ -87,8 +71,8 @@ void addFaults(Case& made, Dice& dice) {
     return std::to_string(dice.between(low, high));
   };
   made.faults.emplace_back("seed", std::to_string(made.seed));
-  for (std::uint64_t i = dice.roll(3); i > 0; --i) {
-    switch (dice.roll(9)) {
+  for (std::uint64_t i = dice.below(3); i > 0; --i) {
+    switch (dice.below(9)) {
       case 0:
         made.faults.emplace_back("late-reply", number(1, 1500));
         break;
@@ -100,7 +84,7 @@ void addFaults(Case& made, Dice& dice) {
         break;
       case 3:
         made.faults.emplace_back(
-            "stray-byte", dice.pick<const char*>({"12@", "1a@", "89@", "1b@"}) + number(1, 12));
+            "stray-byte", dice.among<const char*>({"12@", "1a@", "89@", "1b@"}) + number(1, 12));
         break;
       case 4:
         made.faults.emplace_back("silence", number(1, 12));
@@ -113,7 +97,7 @@ void addFaults(Case& made, Dice& dice) {
         break;
       case 7:
         made.faults.emplace_back("at", number(0, 4000) + ":cut=" +
-                                           dice.pick<const char*>({"drain", "at-once", "reset"}));
+                                           dice.among<const char*>({"drain", "at-once", "reset"}));
         break;
       default:
         made.faults.emplace_back("prints-nothing", "true");
@@ -123,9 +107,9 @@ void addFaults(Case& made, Dice& dice) {
 }
 
 void addTurns(Case& made, Dice& dice) {
-  for (std::uint64_t i = dice.roll(3); i > 0; --i) {
+  for (std::uint64_t i = dice.below(3); i > 0; --i) {
     const std::string flag =
-        dice.pick<const char*>({"coverOpen", "receiptPaperEmpty", "cutterError", "paperPresent"});
+        dice.among<const char*>({"coverOpen", "receiptPaperEmpty", "cutterError", "paperPresent"});
     const std::uint64_t begin = dice.between(0, 4000);
     made.turns.push_back({std::chrono::milliseconds(begin), flag, true});
     if (!dice.oneIn(3)) {
@@ -140,12 +124,12 @@ Case makeCase(std::uint64_t seed) {
   Dice dice(seed);
   Case made;
   made.seed = seed;
-  made.emulation = dice.pick({ZKEmulationQuorLine, ZKEmulationESCPOS});
-  made.timeoutMillis = dice.pick<std::uint32_t>({0, 999, 1000, 2000, 5000});
-  made.endTimeoutMillis = dice.pick<std::uint32_t>({0, 1000, 5000, 20000});
-  made.portSettings = dice.pick<const char*>({"", "", "d0", "d1", "d3"});
-  made.printer.emplace_back("speed", dice.pick<const char*>({"0", "20", "100", "1000"}));
-  made.printer.emplace_back("buffer", dice.pick<const char*>({"128", "256", "4096"}));
+  made.emulation = dice.among({ZKEmulationQuorLine, ZKEmulationESCPOS});
+  made.timeoutMillis = dice.among<std::uint32_t>({0, 999, 1000, 2000, 5000});
+  made.endTimeoutMillis = dice.among<std::uint32_t>({0, 1000, 5000, 20000});
+  made.portSettings = dice.among<const char*>({"", "", "d0", "d1", "d3"});
+  made.printer.emplace_back("speed", dice.among<const char*>({"0", "20", "100", "1000"}));
+  made.printer.emplace_back("buffer", dice.among<const char*>({"128", "256", "4096"}));
   if (dice.oneIn(2)) {
     addFaults(made, dice);
   }

@@ -1,37 +1,12 @@
 #include "tests/trace/RandomScenario.h"
 
 #include <algorithm>
-#include <initializer_list>
-#include <random>
 #include <utility>
+
+#include "tests/support/Dice.h"
 
 namespace quordalvane::test {
 namespace {
-
-/// Chance, alike on every machine.
-class Dice {
- public:
-  explicit Dice(std::uint64_t seed) : engine_(seed) {}
-
-  std::uint64_t below(std::uint64_t bound) { return engine_() % bound; }
-  bool oneIn(std::uint64_t times) { return below(times) == 0; }
-  std::uint8_t byte() { return static_cast<std::uint8_t>(below(256)); }
-  double seconds(std::uint64_t most) { return static_cast<double>(below(most * 100)) / 100; }
-
-  template <typename Value>
-  Value among(std::initializer_list<Value> values) {
-    return values.begin()[below(values.size())];
-  }
-
-  Bytes bytes(std::size_t count) {
-    Bytes result(count);
-    std::generate(result.begin(), result.end(), [this] { return byte(); });
-    return result;
-  }
-
- private:
-  std::mt19937_64 engine_;
-};
 
 Bytes statusBlock(Dice& dice) {
   Bytes block = bytes("89 01 00 00 00 00 00 00 05");
@@ -225,6 +200,41 @@ void setLimits(Dice& dice, Scenario& scenario) {
   }
 }
 
+AccessoryIdentity randomAccessory(Dice& dice) {
+  using Text = std::optional<std::string>;
+  AccessoryIdentity identity;
+  identity.name = dice.among<Text>({"Shop printer", "Till", "", std::nullopt});
+  identity.serialNumber = dice.among<Text>({"S-17", "Till", "", std::nullopt});
+  identity.modelNumber =
+      dice.among<Text>({"XQ300", "XQ700", "KLT-7", "KLT-7-U", "-U", std::nullopt});
+  identity.manufacturer =
+      dice.among<Text>({"quor dalvane", "quor dalvane", "Quor DALVANE", "quor", "", std::nullopt});
+  if (dice.oneIn(4)) {
+    identity.protocolStrings.insert(identity.protocolStrings.begin(), "com.example.other");
+    identity.protocolStrings.resize(dice.below(3));
+  }
+  identity.address = dice.among<const char*>({"", "00:11:22:33:44:55", "00:11:22:aa:bb:cc"});
+  identity.connectionID = dice.below(100);
+  return identity;
+}
+
+/// A port and accessories of any kind, of which perhaps none is the port's.
+void drawPortAndAccessories(Dice& dice, Scenario& scenario) {
+  using Text = std::optional<std::string>;
+  scenario.creation.portName = dice.among<Text>(
+      {"BT:", "bt:", std::nullopt, "BT:Till", "BT:S-17", "BT:00:11:22:33:44:55",
+       "BT:00:11:22:AA:BB:CC", "BT:001122334455", "BT:x00:11:22:33:44:55", "USB:Till"});
+  scenario.creation.portSettings =
+      dice.among<Text>({"", std::nullopt, "d0", "d10", "mini;d255", "d256", "D10", "d3;d7",
+                        "d99999999999", "dd1d2"});
+  scenario.systemVersion = dice.among<const char*>({"9.3.5", "9.9", "10", "10.0.1", "17.2"});
+  scenario.accessories.clear();
+  for (std::uint64_t count = dice.below(4); count > 0; --count) {
+    scenario.accessories.push_back(randomAccessory(dice));
+  }
+  scenario.opens = Scenario::Opens::perhaps;
+}
+
 }  // namespace
 
 RandomCase randomCase(std::uint64_t seed) {
@@ -253,6 +263,10 @@ RandomCase randomCase(std::uint64_t seed) {
   Call call = randomCall(dice);
   if (call.name == "getPrinterResponse" && !dice.oneIn(4)) {
     script.deliveries = inPieces(dice, damaged(dice, moduleReply(dice)));
+  }
+  if (dice.oneIn(4)) {
+    drawPortAndAccessories(dice, scenario);
+    call = dice.oneIn(2) ? inTurn({close(), open(), isConnected(), std::move(call)}) : call;
   }
   return {std::move(scenario), std::move(call)};
 }

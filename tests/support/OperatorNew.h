@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdlib>
+#include <new>
+
+// Replaces the program's operator new, in all forms, by a function of the including file's own. For
+// one source of a program.
+
+namespace quordalvane::test {
+
+enum class OnShortage { raises, answersNull };
+
+/// The memory, from std::malloc, or null when there is none.
+void* take(std::size_t size, OnShortage onShortage) noexcept;
+
+}  // namespace quordalvane::test
+
+// Every form but those of extended alignment, which the project does not use: a sanitizer brings
+// forms of its own, and memory must go back the way it came.
+
+void* operator new(std::size_t size) {
+  void* const memory = quordalvane::test::take(size, quordalvane::test::OnShortage::raises);
+  if (memory == nullptr) {
+    throw std::bad_alloc();
+  }
+  return memory;
+}
+
+void* operator new[](std::size_t size) {
+  return operator new(size);
+}
+
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  return quordalvane::test::take(size, quordalvane::test::OnShortage::answersNull);
+}
+
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+  return quordalvane::test::take(size, quordalvane::test::OnShortage::answersNull);
+}
+
+void operator delete(void* memory) noexcept {
+  std::free(memory);
+}
+
+void operator delete[](void* memory) noexcept {
+  std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t) noexcept {
+  std::free(memory);
+}
+
+void operator delete[](void* memory, std::size_t) noexcept {
+  std::free(memory);
+}
