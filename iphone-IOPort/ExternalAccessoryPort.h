@@ -151,8 +151,7 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// Asks whether the printer is ready to print. True when its state was obtained: `*onlineStatus`
   /// (never null) says whether it is on line. False when it was not: `*onlineStatus` is set to
   /// false, or, when the question could not even be written, left alone. Raises what
-  /// `getParsedStatus` raises,
-  /// `*onlineStatus` left alone.
+  /// `getParsedStatus` raises, with `*onlineStatus` left alone.
   bool getOnlineStatus(bool* onlineStatus);
 
   // -- Checked block ------------------------------------------------------------------------------

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# demo.sh QUORPORT FOLDER: prints the example receipts on the built-in printer. What came out of it
+# demo.sh QUORPORT FOLDER: prints a text receipt and an ESC/POS receipt on the built-in printer. What came out of it
 # is shown as text, and lies in FOLDER as text and as a picture.
 set -euo pipefail
 quorport=$1
@@ -17,5 +17,5 @@ show() {
 }
 
 show line examples/receipt.txt
-python3 examples/escpos_receipt.py >"$folder/escpos_receipt.bin"
+python3 scripts/escpos_receipt.py >"$folder/escpos_receipt.bin"
 show escpos "$folder/escpos_receipt.bin"
