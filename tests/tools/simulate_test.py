@@ -286,6 +286,15 @@ class DroppedLinks(Case):
         self.assertEqual(simulator.control({"clear": "faults"}), {"ok": True})
         self.assertExit(0, run("-d", place, "online"))
 
+    def test_a_terminal_that_drops_everybody_at_once_still_takes_control_lines(self):
+        simulator = self.simulator("pty:", "--set", "cut-after-in=0:reset", "--control", f"unix:{self.folder}/control")
+        with socket.socket(socket.AF_UNIX) as control:
+            control.settimeout(DEADLINE)
+            control.connect(str(self.folder / "control"))
+            control.sendall(b'{"clear":"faults"}\n')
+            self.assertEqual(receive(control, 12), b'{"ok":true}\n')
+        self.assertEqual(simulator.stop(signal.SIGTERM), 0)
+
     def test_a_cut_by_a_control_line_ends_the_link_that_there_is_and_no_other(self):
         simulator = self.simulator()
         with simulator.connect() as host:

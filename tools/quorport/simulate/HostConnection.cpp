@@ -128,8 +128,9 @@ void HostConnection::giveToHost(Instant now) {
 void HostConnection::followDrop(Instant now) {
   if (link_.wasReset(now)) {
     line_->resetOnClose();
+    // Not over at once: on a terminal the next host is there at once, and where each is dropped so
+    // nobody else would get a turn.
     lastSettling_ = now;
-    over_ = true;
   } else if (link_.dropped(now)) {
     line_->endOutput();
     lastSettling_ = now + settlingTime;
