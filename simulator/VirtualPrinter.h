@@ -90,6 +90,9 @@ class VirtualPrinter {
   /// whose first bytes came before shares their fate.
   void receive(std::span<const std::uint8_t> bytes, Instant now, bool vanish = false);
 
+  /// Sends bytes to the host, if there is one: an answer, or something of its own accord.
+  void reply(std::span<const std::uint8_t> bytes, Instant at);
+
   /// When, after the latest instant given, it next does something that can be noticed from outside:
   /// has space again, passes an ETB, has printed all, or drops data. None while nothing is due.
   std::optional<Instant> nextEvent() const;
@@ -115,7 +118,6 @@ class VirtualPrinter {
   std::optional<Instant> dataTimeoutDue() const;
   void endConnection();
   void followState(Instant now);
-  void reply(std::span<const std::uint8_t> bytes, Instant at);
 
   PrinterState state_;
   Reception reception_;

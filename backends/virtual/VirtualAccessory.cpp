@@ -83,15 +83,9 @@ void VirtualAccessory::setFaults(simulator::Faults faults) {
 }
 
 bool VirtualAccessory::isConnected() {
-  std::shared_ptr<VirtualLink> link;
-  {
-    const std::lock_guard lock(mutex_);
-    if (!hadSession_) {
-      return true;
-    }
-    link = link_.lock();
-  }
-  return link != nullptr && link->connected();
+  const std::lock_guard lock(mutex_);
+  const auto link = link_.lock();
+  return link == nullptr || !link->isLost();
 }
 
 void VirtualAccessory::noticeLoss() {
@@ -109,7 +103,6 @@ std::shared_ptr<EASession> VirtualAccessory::openSession(const std::string& prot
   const auto link = std::make_shared<VirtualLink>(inside_, clock_);
   const std::lock_guard lock(mutex_);
   link_ = link;
-  hadSession_ = true;
   return std::make_shared<VirtualSession>(link);
 }
 

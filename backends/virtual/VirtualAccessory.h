@@ -21,7 +21,6 @@ class VirtualAccessory : public IdentifiedAccessory {
   VirtualAccessory(AccessoryIdentity identity, std::unique_ptr<simulator::VirtualPrinter> printer,
                    Clock& clock, simulator::Faults faults = {});
 
-  /// Whether the newest session's link stands; true where there was none yet.
   bool isConnected() override;
   void noticeLoss() override;
 
@@ -41,8 +40,7 @@ class VirtualAccessory : public IdentifiedAccessory {
   const std::shared_ptr<PrinterInside> inside_;
   Clock& clock_;
   std::mutex mutex_;
-  std::weak_ptr<VirtualLink> link_;
-  bool hadSession_ = false;
+  std::weak_ptr<VirtualLink> link_;  // of the newest session
 };
 
 /// Makes an accessory of a printer that `options` describe: its state by the names of the status

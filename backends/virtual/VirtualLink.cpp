@@ -33,9 +33,9 @@ void VirtualLink::close() {
   link_.reset();
 }
 
-bool VirtualLink::connected() {
+bool VirtualLink::isLost() {
   const std::lock_guard lock(inside_->mutex);
-  return link_ != nullptr && !lossNoticed_ && link_->connected(clock_.monotonic());
+  return link_ != nullptr && (lossNoticed_ || !link_->connected(clock_.monotonic()));
 }
 
 void VirtualLink::noticeLoss() {

@@ -30,9 +30,11 @@ class VirtualLink {
   VirtualLink(const VirtualLink&) = delete;
   VirtualLink& operator=(const VirtualLink&) = delete;
 
-  bool connected();
+  /// True once the link has dropped and nothing that came before is left to read. False after
+  /// `close`: a link that was given up is not lost.
+  bool isLost();
 
-  /// If the link is lost, lets `connected` say so although bytes are left to read.
+  /// If the link has dropped, lets `isLost` say so although bytes are left to read.
   void noticeLoss();
 
   bool hasSpace();

@@ -5,10 +5,18 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <cerrno>
+
 namespace quordalvane::contract {
 
 void DescriptorPeer::write(const Bytes& bytes) {
   ASSERT_EQ(::write(number_, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+}
+
+void DescriptorPeer::say(std::uint8_t byte) {
+  if (::send(number_, &byte, 1, MSG_NOSIGNAL | MSG_DONTWAIT) < 0 && errno == ENOTSOCK) {
+    EXPECT_LE(::write(number_, &byte, 1), 1);
+  }
 }
 
 Bytes DescriptorPeer::read(std::size_t count) {

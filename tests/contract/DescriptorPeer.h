@@ -12,6 +12,7 @@ class DescriptorPeer : public Peer {
   ~DescriptorPeer() override { close(); }
 
   void write(const Bytes& bytes) override;
+  void say(std::uint8_t byte) override;
   Bytes read(std::size_t count) override;
   void stall() override {}
   void close() override;

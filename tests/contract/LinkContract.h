@@ -68,13 +68,13 @@ class LinkContract : public testing::TestWithParam<LinkKind> {
     return bytes;
   }
 
-  /// Writes until the link takes no more; returns what it took.
+  /// Writes text until the link takes no more; returns what it took.
   Bytes fill() {
     Bytes taken;
     Bytes piece(4096);
     while (output->hasSpaceAvailable()) {
       for (std::size_t i = 0; i < piece.size(); ++i) {
-        piece[i] = static_cast<std::uint8_t>((taken.size() + i) % 251);
+        piece[i] = static_cast<std::uint8_t>('a' + (taken.size() + i) % 23);
       }
       const auto count = output->write(piece.data(), piece.size());
       if (count < 0) {

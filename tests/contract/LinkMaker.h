@@ -23,6 +23,9 @@ class Peer {
   /// Sends all of `bytes`, which must be few enough for the link to hold.
   virtual void write(const Bytes& bytes) = 0;
 
+  /// Sends one byte, whether or not anybody is there to hear it.
+  virtual void say(std::uint8_t byte) = 0;
+
   /// Takes `count` bytes, or as many as come before the link ends or a generous time has passed.
   virtual Bytes read(std::size_t count) = 0;
 
@@ -41,10 +44,12 @@ class Peer {
 
 /// What not every kind of link can do.
 struct LinkTraits {
+  bool takesEveryByte = true;    ///< the device obeys none of them
   bool keepsUnreadBytes = true;  ///< what came before the end can be read after it
   bool closesOneWay = true;
   bool resets = true;
-  bool linksAnew = true;  ///< each session has a link of its own
+  bool linksAnew = true;         ///< each session has a link of its own
+  bool standsSideBySide = true;  ///< a new session leaves the one before it alone
 };
 
 /// One kind of link: the accessory under test and the other side of its sessions.

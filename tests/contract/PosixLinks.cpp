@@ -126,7 +126,11 @@ class PtyMaker : public PosixLinkMaker {
  public:
   // Its end throws away what was not read, and a session opens the same line again.
   LinkTraits traits() const override {
-    return {.keepsUnreadBytes = false, .closesOneWay = false, .resets = false, .linksAnew = false};
+    return {.keepsUnreadBytes = false,
+            .closesOneWay = false,
+            .resets = false,
+            .linksAnew = false,
+            .standsSideBySide = false};
   }
 
   std::unique_ptr<Peer> peer() override {

@@ -187,7 +187,9 @@ TEST_P(InBothEmulations, AJobWhoseRestTheDataTimeoutDroppedIsNeverPrinted) {
 TEST_P(InBothEmulations, ALinkLostInMidJobIsToldWithTheExactCount) {
   const ByteBuffer data(3000, 'x');
   Till till(PrinterBuilder().speed(500).buffer(1000), {.emulation = GetParam()});
-  till.at(milliseconds(2000), [&till] { till.accessory->openSession("com.quordalvane.receipt"); });
+  till.port->close();
+  till.accessory->setFaults(with("at", "2000:cut=drain"));
+  ASSERT_TRUE(till.port->open());
   const PrintResult result = till.print(data);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
   EXPECT_EQ(result.obstacle, PrintObstacle::LinkLost);
