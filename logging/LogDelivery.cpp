@@ -4,7 +4,10 @@
 #include <unistd.h>
 
 #include <exception>
+#include <new>
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "logging/DescriptorOutput.h"
 #include "logging/PrintableText.h"
@@ -12,25 +15,22 @@
 namespace quordalvane {
 namespace {
 
-/// Stands in the stream where records are missing.
-LogRecord dropRecord(const LogQueue::Batch& batch) {
-  return {
-      .time = batch.firstDropTime,
-      .thread = currentThreadId(),
-      .type = ZKLogTypeError,
-      .level = 0,
-      .line = __LINE__,
-      .file = __FILE__,
-      .method = "LogDelivery",
-      .object = "0x0",
-      .message = "log records dropped here, the queue was full: " + std::to_string(batch.dropped)};
-}
+constexpr const char* queueWasFull = "log records dropped here, the queue was full: ";
+constexpr const char* memoryWasShort = "log records dropped here, memory was short: ";
+
+constexpr std::string_view sinkFailed = "logging: a sink failed, records are missing from it: ";
 
 void reportToStandardError(std::string_view reason) noexcept {
-  std::string line = "logging: a sink failed, records are missing from it: ";
-  appendPrintable(line, reason);
-  line += '\n';
-  writeAll(STDERR_FILENO, line);  // there is no one left to tell when this fails
+  // There is no one left to tell when this fails.
+  try {
+    std::string line(sinkFailed);
+    appendPrintable(line, reason);
+    line += '\n';
+    writeAll(STDERR_FILENO, line);
+  } catch (const std::bad_alloc&) {
+    writeAll(STDERR_FILENO, sinkFailed);
+    writeAll(STDERR_FILENO, "memory is short\n");
+  }
 }
 
 /// The writer thread handles no signal of the application's, and a pipe without a reader is an
@@ -63,7 +63,9 @@ void LogDelivery::addSink(std::shared_ptr<LogSink> sink) {
 void LogDelivery::startWriter() {
   queue_.open();
   try {
-    writer_ = std::thread([this] { runWriter(); });
+    LogQueue::Batch batch;
+    batch.records.reserve(1);  // however short memory is later, the queue takes that much
+    writer_ = std::thread([this, batch = std::move(batch)]() mutable { runWriter(batch); });
   } catch (...) {
     queue_.close();
     throw;
@@ -84,22 +86,68 @@ bool LogDelivery::flush(std::chrono::milliseconds timeout) {
   return queue_.waitUntilFinished(isWriter ? std::chrono::milliseconds::zero() : timeout);
 }
 
-void LogDelivery::runWriter() {
+void LogDelivery::runWriter(LogQueue::Batch& batch) {
   writerId_.store(std::this_thread::get_id(), std::memory_order_relaxed);
   blockSignals();
-  LogQueue::Batch batch;
   while (queue_.take(batch)) {
     const std::size_t taken = batch.records.size();
-    if (batch.dropped > 0) {
-      LogRecord drop = dropRecord(batch);
-      batch.records.add(drop);
-    }
-    for (const auto& attached : attachedSinks()) {
-      give(*attached, batch.records.records());
+    const bool delivered = deliver(batch);
+    if (!delivered) {
+      noteUndelivered(batch);
     }
     batch.records.clear();
-    queue_.finish(taken);
+    if (delivered) {
+      queue_.finish(taken);
+    } else {
+      queue_.lose(taken);
+    }
   }
+}
+
+/// Gives every sink the batch, with word of what is missing before and behind it. False when memory
+/// is too short for that: no sink has been given anything then.
+bool LogDelivery::deliver(LogQueue::Batch& batch) {
+  try {
+    const AttachedSinks sinks = attachedSinks();
+    std::optional<LogRecord> before;
+    if (undelivered_.records > 0) {
+      before = recordOf(undelivered_, memoryWasShort);
+    }
+    if (batch.dropped > 0) {
+      LogRecord behind = recordOf({batch.dropped, batch.firstDropTime}, queueWasFull);
+      batch.records.add(behind);
+    }
+    for (const auto& attached : sinks) {
+      if (before) {
+        give(*attached, {&*before, 1});
+      }
+      give(*attached, batch.records.records());
+    }
+    undelivered_ = {};
+    return true;
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+}
+
+void LogDelivery::noteUndelivered(const LogQueue::Batch& batch) noexcept {
+  if (undelivered_.records == 0) {
+    undelivered_.since = batch.records.records().front().time;
+  }
+  undelivered_.records += batch.records.size() + batch.dropped;
+}
+
+/// Stands in the stream where records are missing.
+LogRecord LogDelivery::recordOf(const Missing& missing, const char* why) {
+  return {.time = missing.since,
+          .thread = currentThreadId(),
+          .type = ZKLogTypeError,
+          .level = 0,
+          .line = __LINE__,
+          .file = __FILE__,
+          .method = "LogDelivery",
+          .object = "0x0",
+          .message = why + std::to_string(missing.records)};
 }
 
 LogDelivery::AttachedSinks LogDelivery::attachedSinks() const {
@@ -107,18 +155,18 @@ LogDelivery::AttachedSinks LogDelivery::attachedSinks() const {
   return sinks_;
 }
 
-void LogDelivery::give(AttachedSink& attached, std::span<const LogRecord> records) {
-  std::string reason;
+void LogDelivery::give(AttachedSink& attached, std::span<const LogRecord> records) noexcept {
+  const auto reportOnce = [&attached](std::string_view reason) {
+    if (!std::exchange(attached.failureReported, true)) {
+      reportToStandardError(reason);
+    }
+  };
   try {
     attached.sink->write(records);
-    return;
   } catch (const std::exception& failure) {
-    reason = failure.what();
+    reportOnce(failure.what());
   } catch (...) {
-    reason = "an exception that tells nothing of itself";
-  }
-  if (!std::exchange(attached.failureReported, true)) {
-    reportToStandardError(reason);
+    reportOnce("an exception that tells nothing of itself");
   }
 }
 

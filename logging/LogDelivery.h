@@ -34,7 +34,8 @@ class LogDelivery {
 
   /// Queues the record and returns without waiting for a sink. When the queue is full the record is
   /// dropped: the sinks are told how many were, by a record of type Error in the place where they
-  /// are missing. Until the first sink is added records are discarded.
+  /// are missing. So are records that memory was too short to deliver. Until the first sink is
+  /// added records are discarded.
   void handOver(LogRecord&& record) noexcept { queue_.push(std::move(record)); }
 
   /// Gives `sink`, never null and shared from now on, every record that is handed over hereafter,
@@ -65,14 +66,23 @@ class LogDelivery {
     std::shared_ptr<LogSink> sink;
     bool failureReported = false;
   };
+  /// Records that are missing from the stream, the first of them handed over at `since`.
+  struct Missing {
+    std::uint64_t records = 0;
+    std::chrono::system_clock::time_point since;
+  };
   using AttachedSinks = std::vector<std::shared_ptr<AttachedSink>>;
 
   void startWriter();
-  void runWriter();
+  void runWriter(LogQueue::Batch& batch);
+  bool deliver(LogQueue::Batch& batch);
+  void noteUndelivered(const LogQueue::Batch& batch) noexcept;
+  static LogRecord recordOf(const Missing& missing, const char* why);
   AttachedSinks attachedSinks() const;
-  static void give(AttachedSink& attached, std::span<const LogRecord> records);
+  static void give(AttachedSink& attached, std::span<const LogRecord> records) noexcept;
 
   LogQueue queue_;
+  Missing undelivered_;  // what the sinks have not been told of yet; the writer thread's alone
 
   mutable std::mutex sinksMutex_;  // guards sinks_ and writer_; never held while a sink is called
   AttachedSinks sinks_;

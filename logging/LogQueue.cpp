@@ -1,12 +1,15 @@
 #include "logging/LogQueue.h"
 
+#include <algorithm>
+#include <new>
 #include <stdexcept>
 #include <utility>
 
 namespace quordalvane {
 
 bool LogQueue::isFull() const noexcept {
-  return pending_.records.size() >= capacity_ || pendingText_ >= kTextLimit || pending_.dropped > 0;
+  return pending_.records.size() >= std::min(capacity_, pending_.records.capacity()) ||
+         pendingText_ >= kTextLimit || pending_.dropped > 0;
 }
 
 void LogQueue::push(LogRecord&& record) noexcept {
@@ -68,7 +71,11 @@ bool LogQueue::take(Batch& batch) {
     return false;
   }
   filled_.wait_for(lock, gatherTime_, [this] { return isHalfFull() || !open_; });
-  batch.records.reserve(capacity_);  // allocates after a change of capacity only
+  try {
+    batch.records.reserve(capacity_);  // allocates after a change of capacity only
+  } catch (const std::bad_alloc&) {
+    // It is tried again with the next batch.
+  }
   std::swap(batch, pending_);
   pending_.dropped = 0;
   pendingText_ = 0;
@@ -79,6 +86,15 @@ void LogQueue::finish(std::size_t records) {
   {
     const std::lock_guard lock(mutex_);
     finishedRecords_ += records;
+  }
+  finished_.notify_all();
+}
+
+void LogQueue::lose(std::size_t records) {
+  {
+    const std::lock_guard lock(mutex_);
+    finishedRecords_ += records;
+    counts_.dropped += records;
   }
   finished_.notify_all();
 }

@@ -59,10 +59,17 @@ class LogQueue {
   /// Waits for a record, gathers more for at most the gather time, and swaps them for the empty
   /// `batch`. It gathers no longer than until the queue is half full or closed. False, at once,
   /// when the queue is closed and nothing waits.
+  ///
+  /// The queue goes on with the room of `batch`, which it enlarges to its capacity. Where memory is
+  /// too short for that it holds no more than `batch` has room for, which must be one record.
   bool take(Batch& batch);
 
   /// Says that the sinks have been given `records` more of the records taken.
   void finish(std::size_t records);
+
+  /// Says that `records` more of the records taken are finished and were given to nobody, which
+  /// counts as a drop.
+  void lose(std::size_t records);
 
   /// Waits until every record queued so far is finished; false when that takes longer than
   /// `timeout`. Zero asks without waiting.

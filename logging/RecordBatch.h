@@ -20,6 +20,9 @@ class RecordBatch {
   /// Lets `add` take so many records in all without an allocation.
   void reserve(std::size_t records) { slots_.reserve(records); }
 
+  /// How many records `add` takes in all without an allocation.
+  std::size_t capacity() const noexcept { return slots_.capacity(); }
+
   /// Adds the record. Leaves one in its place that was given up before, or an empty one.
   void add(LogRecord& record);
 

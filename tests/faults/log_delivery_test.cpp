@@ -1,0 +1,101 @@
+// Memory runs short for the thread that delivers log records: the first, the second, … allocation
+// of a turn fails.
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdlib>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "logging/LogDelivery.h"
+#include "tests/faults/AllocationFault.h"
+
+namespace quordalvane::test {
+namespace {
+
+constexpr std::chrono::minutes patience{1};
+
+/// Counts the records that it is given and those that it is told are missing. Its first write waits
+/// until it is released and then lets the k-th allocation of the next turn fail. It allocates
+/// nothing itself.
+class SpoilingSink : public LogSink {
+ public:
+  explicit SpoilingSink(std::uint64_t k) : k_(k) {}
+
+  void write(std::span<const LogRecord> records) override {
+    if (fault_) {
+      struck = fault_->hasStruck();
+      fault_.reset();
+    }
+    for (const LogRecord& record : records) {
+      if (record.message.starts_with("log records dropped here, ")) {
+        told += std::strtoull(record.message.c_str() + record.message.rfind(' '), nullptr, 10);
+      } else {
+        ++given;
+      }
+    }
+    if (!std::exchange(begun_, true)) {
+      entered_ = true;
+      entered_.notify_all();
+      released_.wait(false);
+      fault_.emplace(Allocation::any, k_, false);
+    }
+  }
+
+  void waitUntilItHangs() const { entered_.wait(false); }
+  void release() {
+    released_ = true;
+    released_.notify_all();
+  }
+
+  // The writer's while it has records.
+  std::uint64_t given = 0;
+  std::uint64_t told = 0;
+  bool struck = false;
+
+ private:
+  const std::uint64_t k_;
+  bool begun_ = false;
+  std::optional<AllocationFault> fault_;  // of the writer's thread
+  std::atomic<bool> entered_ = false;
+  std::atomic<bool> released_ = false;
+};
+
+void log(LogDelivery& delivery, const char* message) {
+  LogRecord record;
+  record.message = message;
+  delivery.handOver(std::move(record));
+}
+
+TEST(LogDeliveryWithoutMemory, CountsWhatItCouldNotDeliverAndGoesOn) {
+  bool struck = true;
+  std::uint64_t losses = 0;
+  for (std::uint64_t k = 1; struck; ++k) {
+    LogDelivery delivery;
+    const auto sink = std::make_shared<SpoilingSink>(k);
+    delivery.setQueueCapacity(1);
+    delivery.addSink(sink);
+    log(delivery, "taken");
+    sink->waitUntilItHangs();
+    delivery.setQueueCapacity(2);  // so that the turn makes room for it, too
+    for (const char* message : {"a", "b", "dropped"}) {
+      log(delivery, message);
+    }
+    sink->release();
+    ASSERT_TRUE(delivery.flush(patience)) << k;
+    log(delivery, "afterwards");
+    ASSERT_TRUE(delivery.flush(patience)) << k;
+    EXPECT_EQ(sink->given + sink->told, 5U) << k;
+    EXPECT_EQ(delivery.counts().dropped, sink->told) << k;
+    struck = sink->struck;
+    losses += sink->told > 1 ? 1U : 0U;
+  }
+  EXPECT_GT(losses, 0U) << "no allocation that failed cost a record";
+}
+
+}  // namespace
+}  // namespace quordalvane::test
