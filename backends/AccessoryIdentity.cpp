@@ -14,13 +14,13 @@ std::string IdentifiedAccessory::description() {
       text += label + *value;
     }
   };
+  if (!identity_.address.empty()) {
+    text += ", address " + identity_.address;
+  }
   append(": ", identity_.name);
   append(", model ", identity_.modelNumber);
   append(", serial ", identity_.serialNumber);
   append(", maker ", identity_.manufacturer);
-  if (!identity_.address.empty()) {
-    text += ", address " + identity_.address;
-  }
   return text + ">";
 }
 

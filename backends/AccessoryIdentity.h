@@ -34,7 +34,7 @@ class QUOR_EXPORT IdentifiedAccessory : public EAAccessory {
   std::vector<std::string> protocolStrings() override { return identity_.protocolStrings; }
   std::uint64_t connectionID() override { return identity_.connectionID; }
 
-  /// "<accessory 7: name, model …, serial …, address …>", with the texts that there are.
+  /// "<accessory 7, address …: name, model …, serial …, maker …>", with the texts that there are.
   std::string description() override;
 
  private:

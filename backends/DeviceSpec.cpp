@@ -93,7 +93,22 @@ void setModel(DeviceSpec& spec, const std::string& value) {
 void setMaker(DeviceSpec& spec, const std::string& value) {
   spec.identity.manufacturer = value;
 }
+
+bool isHexDigit(char c) {
+  return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
+
+bool isAddress(std::string_view text) {
+  constexpr std::string_view form = "01:23:45:67:89:AB";
+  return std::equal(text.begin(), text.end(), form.begin(), form.end(),
+                    [](char c, char example) { return example == ':' ? c == ':' : isHexDigit(c); });
+}
+
 void setAddress(DeviceSpec& spec, const std::string& value) {
+  if (!value.empty() && !isAddress(value)) {
+    fail("address=" + quoted(value) +
+         ": takes six pairs of hex digits joined by colons, such as 01:23:45:67:89:AB");
+  }
   spec.identity.address = value;
 }
 

@@ -28,7 +28,7 @@ namespace quordalvane {
 /// Every scheme takes `name`, `serial`, `model`, `manufacturer`, `protocol`, `address` and `id`.
 /// `serial:` also takes `baud`, and `virtual:` takes the printer's own keys. Only `protocol` and
 /// the printer's own keys may be given more than once. A value may be empty, and is then the empty
-/// text.
+/// text. `address` takes six pairs of hex digits joined by colons.
 ///
 /// A backslash stands for the character after it, whatever that is: `\,` is a comma inside a place
 /// or a value, `\\` a backslash.

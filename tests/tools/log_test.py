@@ -67,7 +67,7 @@ class Log(Case):
     def test_control_characters_of_accessory_and_printer_do_not_reach_the_log_raw(self):
         target = self.folder / "log"
         odd = bytes(range(1, 0x20)) + b"\x7f\xc2\x9b\xff"
-        device = b"virtual:,name=" + odd.replace(b",", b"") + b",address=" + odd.replace(b",", b"")
+        device = b"virtual:,name=" + odd.replace(b",", b"") + b",serial=" + odd.replace(b",", b"")
         run("-d", device, "print", "--unchecked", "-", "--log", target, data=odd)
 
         def speak(connection):

@@ -124,7 +124,7 @@ class Listing(Case):
 
     def test_control_characters_of_an_accessory_are_shown_and_not_passed_on(self):
         odd = b"\x1b[31m\x07\r\xc2\x9b\xff"
-        device = b"virtual:,name=" + odd + b",model=" + odd + b",manufacturer=" + odd + b",address=" + odd
+        device = b"virtual:,name=" + odd + b",model=" + odd + b",manufacturer=" + odd + b",serial=" + odd
         for form in ((), ("--json",)):
             result = run("-d", device, "list", *form)
             self.assertExit(0, result)

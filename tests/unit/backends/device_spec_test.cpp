@@ -58,13 +58,13 @@ TEST(DeviceSpec, PresentsAPrinterOfTheMakersOwnUnlessToldOtherwise) {
 TEST(DeviceSpec, TakesTheTextsOfTheAccessory) {
   const DeviceSpec spec = parseDeviceSpec(
       "unix:p,name=Till "
-      "1,serial=S7,model=XQ700,manufacturer=Other,protocol=a.b,address=01:23,id=9");
+      "1,serial=S7,model=XQ700,manufacturer=Other,protocol=a.b,address=01:23:45:67:89:ab,id=9");
   EXPECT_EQ(spec.identity.name, "Till 1");
   EXPECT_EQ(spec.identity.serialNumber, "S7");
   EXPECT_EQ(spec.identity.modelNumber, "XQ700");
   EXPECT_EQ(spec.identity.manufacturer, "Other");
   EXPECT_THAT(spec.identity.protocolStrings, ElementsAre("a.b"));
-  EXPECT_EQ(spec.identity.address, "01:23");
+  EXPECT_EQ(spec.identity.address, "01:23:45:67:89:ab");
   EXPECT_EQ(spec.id, 9U);
 }
 
@@ -74,6 +74,16 @@ TEST(DeviceSpec, TakesTheSameKeysOnEveryScheme) {
         start + ",name=n,serial=,model=,manufacturer=,protocol=,address=,id=0"s;
     EXPECT_EQ(parseDeviceSpec(text).identity.name, "n");
     EXPECT_TRUE(parseDeviceSpec(text).options.empty());
+  }
+}
+
+TEST(DeviceSpec, TakesNoAddressThatCouldNeverBeFound) {
+  for (const char* wrong :
+       {"01:23", "0123456789AB", "01-23-45-67-89-AB", "01:23:45:67:89:AG", "01:23:45:67:89:AB ",
+        " 01:23:45:67:89:AB", "01:23:45:67:89:AB:CD", "01:23:45:67:89:", "x"}) {
+    EXPECT_THAT(failure("unix:p,address="s + wrong),
+                AllOf(HasSubstr("address=\""s + wrong), HasSubstr("01:23:45:67:89:AB")))
+        << wrong;
   }
 }
 

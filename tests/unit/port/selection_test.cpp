@@ -106,6 +106,16 @@ TEST(Selection, TakesTheDesignatedAddressInAnyLetterCase) {
   }
 }
 
+TEST(Selection, FindsTheAddressOfAnAccessoryWhoseOtherTextsLookLikeOne) {
+  AccessoryIdentity odd = printer(1);
+  odd.name = "[fe80::12:34:56:78:9a:bc]:9100";
+  odd.serialNumber = "12:34:56:78:9A:BD";
+  odd.modelNumber = "12:34:56:78:9A:BE";
+  odd.address = "00:11:22:33:44:55";
+  EXPECT_EQ(chosen(choosing("BT:00:11:22:33:44:55", {odd})), 1U);
+  EXPECT_EQ(chosen(choosing("BT:12:34:56:78:9A:BC", {odd})), 0U);
+}
+
 TEST(Selection, TellsWhyAnAddressDoesNotFit) {
   AccessoryIdentity other = printer(1);
   other.address = "00:11:22:33:44:55";
@@ -116,7 +126,7 @@ TEST(Selection, TellsWhyAnAddressDoesNotFit) {
   EXPECT_EQ(withoutEmptyTexts(run.records("open71")), text(R"(
     Start |
     Process | specifiedPortName: 00:11:22:33:44:66
-    Process | <accessory 1: Printer 1, model XQ300, serial SN1, maker quor dalvane, address 00:11:22:33:44:55>
+    Process | <accessory 1, address 00:11:22:33:44:55: Printer 1, model XQ300, serial SN1, maker quor dalvane>
     Process | [accessory.name isEqualToString:specifiedPortName] == NO, Printer 1, 00:11:22:33:44:66
     Process | [accessory.serialNumber isEqualToString:specifiedPortName] == NO, SN1, 00:11:22:33:44:66
     Process | specifiedMACAddr: 00:11:22:33:44:66
