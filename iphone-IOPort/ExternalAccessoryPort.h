@@ -61,10 +61,11 @@ class QUOR_EXPORT ExternalAccessoryPort
   ///
   /// `portName` designates the accessory: "BT:" (any letter case) or none for the first printer
   /// that is attached, or "BT:" followed by an accessory's name, serial number or Bluetooth
-  /// address. `portSettings` may hold a data time-out option, the letter d and 0 to 255 (seconds),
-  /// anywhere; other values are logged and ignored. `timeout` is the input/output time-out in
-  /// milliseconds; zero is legal and means that a wait ends when the clock's second changes.
-  /// `platform` is kept alive by the port; null stands for no platform at all.
+  /// address. Of any other name the first three bytes count as the prefix, whatever they are; names
+  /// are compared byte by byte. `portSettings` may hold a data time-out option, the letter d and 0
+  /// to 255 (seconds), anywhere; other values are logged and ignored. `timeout` is the input/output
+  /// time-out in milliseconds; zero is legal and means that a wait ends when the clock's second
+  /// changes. `platform` is kept alive by the port; null stands for no platform at all.
   ///
   /// Created on the main thread, the port starts its port thread. Returns null when there is no
   /// platform or the thread cannot be created. Any thread.
@@ -95,7 +96,9 @@ class QUOR_EXPORT ExternalAccessoryPort
 
   /// Ends the session: closes the streams and releases the session and the accessory; on the main
   /// thread also ends the port thread, within about 0.1 s. Never fails and never raises; harmless
-  /// on a port that is not open. Pauses 0.1 s first where the system version is 10.0 or more.
+  /// on a port that is not open. Pauses 0.1 s first where the system version is 10.0 or more, and
+  /// then waits as long as the session does for the printer to take what is under way: at most two
+  /// seconds over a socket, and not at all where nothing is.
   void close();
 
   /// Whether the selected accessory is still attached. False before `open` and after `close`. True
@@ -242,6 +245,10 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// Lets `observer`, which is not owned and must outlive its use, see every byte that passes; null
   /// ends that. To be set and cleared by the thread that uses the port.
   void setTransferObserver(TransferObserver* observer) { observer_ = observer; }
+
+  /// Lets the next `close` wait for nothing: what is under way to the printer is not wanted any
+  /// more. No effect on a port that is not open.
+  void abandonOutput();
 
   /// What the port was created with.
   ZKEmulation emulation() const { return p_emulation; }

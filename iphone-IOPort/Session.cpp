@@ -13,7 +13,7 @@ namespace quordalvane {
 namespace {
 
 constexpr auto open71Selector = "-[ExternalAccessoryPort open71]";
-constexpr std::size_t prefixLength = 3;  // "BT:"
+constexpr std::size_t prefixLength = 3;  // bytes, of "BT:"
 
 char lowerCase(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
@@ -193,6 +193,12 @@ void ExternalAccessoryPort::closeStream(NSStream& stream) {
   stream.close();
   stream.removeFromRunLoop(platform_->currentRunLoop(), NSDefaultRunLoopMode);
   stream.setDelegate({});
+}
+
+void ExternalAccessoryPort::abandonOutput() {
+  if (const auto session = _session.get()) {
+    session->abandon();
+  }
 }
 
 void ExternalAccessoryPort::close71() {

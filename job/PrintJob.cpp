@@ -373,6 +373,7 @@ void PrintJob::finishCancelled(std::span<const std::uint8_t> data) {
     leaveBlock();
   }
   const bool isInCommand = result_.bytesAccepted < end;
+  port_->abandonOutput();  // nobody waits for the rest of a job that is not wanted
   port_->close();
   stop(PrintObstacle::Cancelled,
        told          ? "cancelled, and the printer was told to drop the rest"

@@ -13,14 +13,20 @@
 namespace quordalvane {
 
 /// An open conversation with an accessory: its two streams. Destroying the session ends the
-/// conversation and releases the link.
+/// conversation and releases the link; that may wait for the device to take what is under way, for
+/// a few seconds at most.
 class QUOR_EXPORT EASession {
  public:
   virtual ~EASession() = default;
 
-  /// The streams live as long as the session or the returned pointer, whichever is longer.
+  /// The streams, never null, live as long as the session or the returned pointer, whichever is
+  /// longer.
   virtual std::shared_ptr<NSInputStream> inputStream() = 0;
   virtual std::shared_ptr<NSOutputStream> outputStream() = 0;
+
+  /// Lets the end of the session wait for nothing: what is under way is not wanted any more. A back
+  /// end whose sessions end at once has nothing to do here.
+  virtual void abandon() {}
 };
 
 /// One accessory that the device has attached. The identifying texts do not change; none is an
@@ -37,6 +43,8 @@ class QUOR_EXPORT EAAccessory {
   virtual std::uint64_t connectionID() = 0;
 
   /// A text for people that names the accessory and shows its Bluetooth address, where it has one.
+  /// The first text in it that looks like an address is taken for the accessory's, so the address
+  /// stands before everything that could.
   virtual std::string description() = 0;
 
   /// False once the link is lost (end of stream, error or hang-up) and nothing that came before is

@@ -91,6 +91,7 @@ class ForwardingSession : public EASession {
 
   std::shared_ptr<NSInputStream> inputStream() override { return next_->inputStream(); }
   std::shared_ptr<NSOutputStream> outputStream() override { return next_->outputStream(); }
+  void abandon() override { next_->abandon(); }
 
  private:
   const std::shared_ptr<EASession> next_;

@@ -18,11 +18,9 @@ namespace {
 using namespace std::chrono_literals;
 
 // After this much silence on an idle connection the other side is asked for a sign of life, and
-// again.
+// again, so many times.
 constexpr std::chrono::seconds keepAliveInterval{15};
-
-// The longest that sent data or a question for a sign of life may go without an acknowledgement.
-constexpr std::chrono::milliseconds givenUpAfter{120'000};
+constexpr int keepAliveCount = 7;
 
 template <typename Value>
 void setOption(const Descriptor& socket, int level, int name, const Value& value) {
@@ -66,7 +64,7 @@ void makeFitForExchanges(const Descriptor& socket) {
   setOption(socket, SOL_SOCKET, SO_KEEPALIVE, 1);
   setOption(socket, IPPROTO_TCP, TCP_KEEPIDLE, static_cast<int>(keepAliveInterval.count()));
   setOption(socket, IPPROTO_TCP, TCP_KEEPINTVL, static_cast<int>(keepAliveInterval.count()));
-  setOption(socket, IPPROTO_TCP, TCP_USER_TIMEOUT, static_cast<unsigned>(givenUpAfter.count()));
+  setOption(socket, IPPROTO_TCP, TCP_KEEPCNT, keepAliveCount);
 }
 
 SocketAddress unixAddress(const std::string& path) {

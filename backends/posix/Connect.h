@@ -19,11 +19,9 @@ inline constexpr std::chrono::milliseconds connectTimeout{5000};
 Descriptor connectToAny(const std::vector<SocketAddress>& addresses, SteadyTime deadline);
 
 /// Connects to `host`, a name or an address (IPv6 without brackets), and makes the link fit for
-/// short exchanges: nothing is held back to be sent together with more, and a connection whose
-/// other side has vanished without a word fails after two minutes.
-///
-/// A printer that stops the flow for that long, out of paper for example, is cut off too: the
-/// system cannot be told to end the one without the other.
+/// short exchanges: nothing is held back to be sent together with more, and an idle connection
+/// whose other side has vanished without a word fails after two minutes. A printer that stops the
+/// flow, out of paper for example, may do so for as long as it likes.
 ///
 /// Raises a `std::system_error` with a text for people when nothing answers within `timeout`, which
 /// is above zero; its code is one of the system's or, for a name, of `resolverCategory()`. A lookup

@@ -1,6 +1,10 @@
 #include "backends/posix/Descriptor.h"
 
+#include <linux/sockios.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -95,6 +99,29 @@ short Descriptor::pollUntil(short events, SteadyTime deadline) const {
     if (errno != EINTR) {
       return POLLERR;
     }
+  }
+}
+
+bool Descriptor::hasUnderWay() const {
+  int count = 0;
+  return kind_ == Kind::socket && ::ioctl(number_, SIOCOUTQ, &count) == 0 && count > 0;
+}
+
+std::chrono::milliseconds Descriptor::silence() const {
+  tcp_info info{};
+  socklen_t length = sizeof info;
+  if (::getsockopt(number_, IPPROTO_TCP, TCP_INFO, &info, &length) != 0) {
+    return {};
+  }
+  // One question may have gone out this instant: while a printer has no space the pauses between
+  // them grow to two minutes.
+  const bool askedInVain = info.tcpi_retransmits + info.tcpi_probes > 1;
+  return std::chrono::milliseconds(askedInVain ? info.tcpi_last_ack_recv : 0);
+}
+
+void Descriptor::endOutput() const {
+  if (kind_ == Kind::socket) {
+    ::shutdown(number_, SHUT_WR);
   }
 }
 

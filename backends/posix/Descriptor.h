@@ -43,7 +43,19 @@ class Descriptor {
   /// waiting.
   short pollUntil(short events, SteadyTime deadline) const;
 
-  /// Tells the other side that nothing follows and wakes whoever polls, where the kind allows it.
+  /// Whether bytes that were handed over have not reached the other side. False where the kind
+  /// cannot tell.
+  bool hasUnderWay() const;
+
+  /// How long the other side has acknowledged nothing, although it was asked more than once what
+  /// became of the bytes under way. Zero while it acknowledges that it has no space, and where the
+  /// kind cannot tell.
+  std::chrono::milliseconds silence() const;
+
+  /// Tells the other side that nothing follows, where the kind allows it.
+  void endOutput() const;
+
+  /// The same for both directions; wakes whoever polls.
   void shutdown() const;
 
  private:

@@ -8,6 +8,8 @@
 #include <ctime>
 #include <utility>
 
+#include "backends/posix/Linger.h"
+
 namespace quordalvane::posix {
 namespace {
 
@@ -19,9 +21,12 @@ Tick currentTick() {
   return std::chrono::seconds(now.tv_sec) + Tick(now.tv_nsec);
 }
 
-// How many buffers full of unread bytes are thrown away at the end, so that a device that never
-// stops talking cannot hold up the release.
-constexpr int discardedAtRelease = 16;
+// How long the end of a connection may wait for the device: long enough for a slow one to empty
+// what the system holds of a receipt, short enough for whoever waits for the close.
+constexpr std::chrono::seconds lingerLimit{2};
+
+// To ask the system for signs of life is cheap, but not free.
+constexpr std::chrono::seconds silenceInterval{1};
 
 bool wouldBlock(int error) {
   return error == EAGAIN || error == EWOULDBLOCK;
@@ -29,25 +34,27 @@ bool wouldBlock(int error) {
 
 }  // namespace
 
-Link::Link(Descriptor descriptor)
-    : descriptor_(std::make_shared<const Descriptor>(std::move(descriptor))) {}
+Link::Link(Descriptor descriptor, std::chrono::milliseconds silenceLimit)
+    : silenceLimit_(silenceLimit),
+      descriptor_(std::make_shared<const Descriptor>(std::move(descriptor))) {}
+
+void Link::abandon() {
+  const std::lock_guard lock(mutex_);
+  abandoned_ = true;
+}
 
 void Link::release() {
-  const std::lock_guard lock(mutex_);
-  if (!descriptor_) {
+  std::unique_lock lock(mutex_);
+  const auto descriptor = std::exchange(descriptor_, nullptr);
+  if (!descriptor) {
     return;
   }
-  // Closing a socket that holds unread bytes resets the connection, and a reset makes many printers
-  // forget what they have not printed yet.
-  std::array<std::uint8_t, 4096> discarded;  // ahead_ may be in use by a wait
-  for (int i = 0; i < discardedAtRelease; ++i) {
-    if (descriptor_->receive(discarded.data(), discarded.size()) <= 0) {
-      break;
-    }
-  }
-  descriptor_->shutdown();
-  descriptor_.reset();
   next_ = end_ = 0;
+  const bool isAwaited = !abandoned_ && !outputBroken_;
+  lock.unlock();
+  const SteadyTime now = SteadyClock::now();
+  linger(*descriptor, isAwaited ? now + lingerLimit : now);
+  descriptor->shutdown();
 }
 
 bool Link::isLost() {
@@ -111,10 +118,8 @@ void Link::waitForBytes(double seconds) {
   }
   if (count < 0 && wouldBlock(error) && seconds > 0 && SteadyClock::now() >= deadline) {
     expectation_.waitedInVain();
-    noteDry();
-  } else {
-    noteReceived(count, error);
   }
+  noteReceived(count, error);
 }
 
 bool Link::hasSpace() {
@@ -195,6 +200,10 @@ void Link::receive() {
 
 // What a receive into the empty buffer has brought, or why it has not.
 void Link::noteReceived(std::ptrdiff_t count, int error) {
+  const bool nothingYet = count < 0 && wouldBlock(error);
+  if (nothingYet && hasFallenSilent()) {
+    outputBroken_ = true;
+  }
   if (count > 0) {
     next_ = 0;
     end_ = static_cast<std::size_t>(count);
@@ -203,12 +212,23 @@ void Link::noteReceived(std::ptrdiff_t count, int error) {
     if (end_ < ahead_.size() && descriptor_->shortReceiveEmpties()) {
       noteDry();
     }
-  } else if (count < 0 && wouldBlock(error) && !outputBroken_) {
+  } else if (nothingYet && !outputBroken_) {
     noteDry();
     noteAnswered();
   } else {
     ended_ = true;
   }
+}
+
+// Whether the other side has gone without a word while something was on its way to it. Asked of the
+// system now and then; in between it is taken for granted that it has not.
+bool Link::hasFallenSilent() {
+  const Tick now = currentTick();
+  if (now < nextSilenceLook_) {
+    return false;
+  }
+  nextSilenceLook_ = now + silenceInterval;
+  return descriptor_->silence() > silenceLimit_;
 }
 
 void Link::noteDry() {

@@ -25,14 +25,25 @@ using Tick = std::chrono::nanoseconds;
 /// All calls may be made from any thread. Nothing is locked while a wait blocks.
 class Link {
  public:
-  explicit Link(Descriptor descriptor);
+  /// The longest that the other side may leave what was sent without an acknowledgement. The system
+  /// asks a printer that has no space every two minutes at the least, so it must be longer.
+  static constexpr std::chrono::milliseconds givenUpAfter{150'000};
 
-  /// Ends the connection. Waits in progress end too, on a terminal at their deadline at the latest.
-  /// From then on there are no bytes and no space. A second call does nothing more.
+  /// `silenceLimit` is another one than that.
+  explicit Link(Descriptor descriptor, std::chrono::milliseconds silenceLimit = givenUpAfter);
+
+  /// Lets `release` wait for nothing: what is under way is not wanted any more.
+  void abandon();
+
+  /// Ends the connection. From then on there are no bytes and no space. Returns when the device has
+  /// taken what is under way, at once if nothing is, and after two seconds in any case; what it has
+  /// not taken by then is lost if it says anything from then on. Waits in progress end at its end,
+  /// on a terminal at their deadline at the latest. A second call does nothing more.
   void release();
 
-  /// True once the end of the stream, a hang-up or an error was seen and all that came before has
-  /// been read. False after `release`: a link that was given up is not lost.
+  /// True once the end of the stream, a hang-up or an error was seen, or the other side was silent
+  /// for too long, and all that came before has been read. False after `release`: a link that was
+  /// given up is not lost.
   bool isLost();
 
   /// If the end is there, drops what came before it and was not read, so that `isLost` says true.
@@ -67,9 +78,12 @@ class Link {
   void look();
   void receive();
   void noteReceived(std::ptrdiff_t count, int error);
+  bool hasFallenSilent();
   void noteDry();
   void noteAnswered();
   bool hasSpaceLocked();
+
+  const std::chrono::milliseconds silenceLimit_;
 
   std::mutex mutex_;  // guards all that follows
 
@@ -90,7 +104,10 @@ class Link {
   bool cameSinceWrite_ = false;  // bytes were received after the last write
 
   bool mayBeFull_ = false;     // the last write was not taken whole
-  bool outputBroken_ = false;  // a write has failed
+  bool outputBroken_ = false;  // a write has failed, or would come to nothing
+  bool abandoned_ = false;     // nobody wants what is under way
+
+  Tick nextSilenceLook_{};  // when the system is asked for signs of life again
 };
 
 }  // namespace quordalvane::posix

@@ -16,6 +16,7 @@ class LinkSession : public EASession {
 
   std::shared_ptr<NSInputStream> inputStream() override { return input_; }
   std::shared_ptr<NSOutputStream> outputStream() override { return output_; }
+  void abandon() override { link_->abandon(); }
 
  private:
   const std::shared_ptr<Link> link_;

@@ -1,3 +1,5 @@
+#include <thread>
+
 #include "tests/contract/LinkContract.h"
 
 namespace quordalvane::contract {
@@ -117,6 +119,51 @@ TEST_P(LinkContract, AClosedStreamHasNoBytesAndNoSpaceAndClosesTwice) {
 TEST_P(LinkContract, TheEndOfTheSessionEndsTheLinkForTheDevice) {
   session.reset();
   EXPECT_TRUE(peer->read(1).empty());
+}
+
+TEST_P(LinkContract, TheEndOfTheSessionLeavesTimeForADeviceThatReportsWhileItReads) {
+  peer->stall();
+  const Bytes taken = fill();
+  Bytes arrived;
+  std::thread device([&] {
+    while (arrived.size() < taken.size()) {
+      const Bytes piece = peer->read(std::min<std::size_t>(16384, taken.size() - arrived.size()));
+      if (piece.empty()) {
+        break;
+      }
+      arrived.insert(arrived.end(), piece.begin(), piece.end());
+      peer->say(0x14);
+    }
+  });
+  session.reset();
+  device.join();
+  EXPECT_EQ(arrived.size(), taken.size());
+  EXPECT_TRUE(arrived == taken);
+}
+
+TEST_P(LinkContract, TheEndOfTheSessionWaitsAFewSecondsAtMostForADeviceThatReadsNothing) {
+  peer->stall();
+  fill();
+  const double start = now();
+  session.reset();
+  EXPECT_LT(now() - start, 3);
+}
+
+TEST_P(LinkContract, TheEndOfAnAbandonedSessionWaitsForNothing) {
+  peer->stall();
+  fill();
+  session->abandon();
+  const double start = now();
+  session.reset();
+  EXPECT_LT(now() - start, 1);
+}
+
+TEST_P(LinkContract, TheEndOfASessionThatOwesNothingComesAtOnce) {
+  ASSERT_EQ(write({'a'}), 1);
+  EXPECT_EQ(peer->read(1), (Bytes{'a'}));
+  const double start = now();
+  session.reset();
+  EXPECT_LT(now() - start, 1);
 }
 
 TEST_P(LinkContract, StreamsThatOutliveTheirSessionHaveNoBytesAndNoSpace) {

@@ -105,6 +105,7 @@ class FaultySession : public EASession {
     plan_->strike(PlatformCall::other);
     return output_;
   }
+  void abandon() override { next_->abandon(); }
 
  private:
   const std::shared_ptr<EASession> next_;  // a link lasts as long as its session

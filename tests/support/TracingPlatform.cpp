@@ -108,6 +108,7 @@ class TracingSession : public EASession {
 
   std::shared_ptr<NSInputStream> inputStream() override { return input_; }
   std::shared_ptr<NSOutputStream> outputStream() override { return output_; }
+  void abandon() override { next_->abandon(); }
 
  private:
   const std::shared_ptr<EASession> next_;

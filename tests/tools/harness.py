@@ -102,8 +102,8 @@ class Case(unittest.TestCase):
         self.addCleanup(simulator.kill)
         return simulator
 
-    def peer(self, handle: Callable[[socket.socket], None]) -> "Peer":
-        peer = Peer(handle)
+    def peer(self, handle: Callable[[socket.socket], None], room: int = 0) -> "Peer":
+        peer = Peer(handle, room)
         self.addCleanup(peer.close)
         return peer
 
@@ -198,11 +198,14 @@ class Simulator(Running):
 
 
 class Peer:
-    """A printer of our own making on TCP: `handle` talks with each host that connects, in turn."""
+    """A printer of our own making on TCP: `handle` talks with each host that connects, in turn.
+    `room` is how many bytes its system holds for it, about; 0 leaves that to the system."""
 
-    def __init__(self, handle: Callable[[socket.socket], None]):
+    def __init__(self, handle: Callable[[socket.socket], None], room: int = 0):
         self.handle = handle
         self.listener = socket.create_server(("127.0.0.1", 0))
+        if room > 0:
+            self.listener.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, room)
         self.place = f"tcp:127.0.0.1:{self.listener.getsockname()[1]}"
         self.thread = threading.Thread(target=self.serve, daemon=True)
         self.thread.start()

@@ -250,6 +250,27 @@ class LostLinks(Case):
         self.assertIn("link", result.json()["error"])
 
 
+    def test_a_printer_that_reports_while_it_reads_slowly_gets_the_whole_job(self):
+        taken = bytearray()
+        ended = threading.Event()
+
+        def handle(connection):
+            try:
+                while piece := connection.recv(700):
+                    taken.extend(piece)
+                    time.sleep(0.01)
+                    connection.sendall(b"\x14")
+            except OSError:
+                pass  # a word after the last byte may come too late
+            ended.set()
+
+        data = b"a line of the receipt\n" * 1000
+        result = run("-d", self.peer(handle, room=2048).place, "print", "--unchecked", "--json", "-", data=data)
+        self.assertEqual(result.json()["bytesAccepted"], len(data))
+        self.assertTrue(ended.wait(DEADLINE))
+        self.assertEqual(bytes(taken), data)
+
+
 class Interrupting(Case):
     def interrupted(self, process, *, by=signal.SIGINT, data: bytes | None = None):
         process.send_signal(by)
@@ -276,6 +297,20 @@ class Interrupting(Case):
         self.interrupted(process)
         eventually(lambda: simulator.state()["buffered"] == 0, "the printer has dropped the rest")
         self.assertLess(simulator.state()["printedBytes"], 1300)
+
+    def test_a_printer_that_takes_nothing_does_not_hold_up_the_end(self):
+        contact, stop = threading.Event(), threading.Event()
+
+        def handle(connection):
+            receive(connection, 1)
+            contact.set()
+            stop.wait(DEADLINE)
+
+        place = self.peer(handle).place
+        self.addCleanup(stop.set)
+        process = start("-d", place, "print", "--unchecked", self.file("job", b"x" * 8_000_000))
+        self.assertTrue(contact.wait(DEADLINE))
+        self.interrupted(process)
 
     def test_an_exchange_under_way_ends_and_the_port_is_closed(self):
         contact, closed = threading.Event(), threading.Event()

@@ -192,6 +192,34 @@ TEST(Session, ThatWasRefusedLetsTheTransportFail) {
   EXPECT_EQ(run.result, "false; 0; <>");
 }
 
+class CountingSession : public ForwardingSession {
+ public:
+  CountingSession(std::shared_ptr<EASession> next, int& abandoned)
+      : ForwardingSession(std::move(next)), abandoned_(abandoned) {}
+  void abandon() override { ++abandoned_; }
+
+ private:
+  int& abandoned_;
+};
+
+TEST(Session, IsAbandonedWithTheOutputWhereThereIsOne) {
+  int abandoned = 0;
+  ScriptedWorld world({}, {shopPrinter()},
+                      SessionsChanged::layer([&abandoned](std::shared_ptr<EASession> next) {
+                        return std::make_shared<CountingSession>(std::move(next), abandoned);
+                      }));
+  const auto port =
+      ExternalAccessoryPort::initWithPortName("BT:", "", 0, ZKEmulationQuorLine, world.platform());
+  port->abandonOutput();
+  EXPECT_EQ(abandoned, 0);
+  EXPECT_TRUE(port->open());
+  port->abandonOutput();
+  EXPECT_EQ(abandoned, 1);
+  port->close();
+  port->abandonOutput();
+  EXPECT_EQ(abandoned, 1);
+}
+
 /// What a platform may raise that no exception handler for standard exceptions sees.
 struct Surprise {};
 

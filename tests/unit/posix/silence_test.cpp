@@ -1,0 +1,124 @@
+#include <gtest/gtest.h>
+#include <linux/filter.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <array>
+#include <vector>
+
+#include "backends/posix/Connect.h"
+#include "backends/posix/Link.h"
+#include "tests/unit/posix/Stopwatch.h"
+
+// A printer that has no space says so for as long as it likes; one that is gone says nothing.
+namespace quordalvane::posix {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr double generously = 20;  // seconds; only a failing test waits so long
+
+/// The printer's end of a TCP connection, with little room.
+class Printer {
+ public:
+  Printer() {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    auto* const generic = reinterpret_cast<sockaddr*>(&address);
+    socklen_t length = sizeof address;
+    const int room = 4096;
+    EXPECT_EQ(::setsockopt(listener_.number(), SOL_SOCKET, SO_RCVBUF, &room, sizeof room), 0);
+    EXPECT_EQ(::bind(listener_.number(), generic, length), 0);
+    EXPECT_EQ(::getsockname(listener_.number(), generic, &length), 0);
+    EXPECT_EQ(::listen(listener_.number(), 1), 0);
+    port_ = ntohs(address.sin_port);
+  }
+  ~Printer() { ::close(number_); }
+
+  Descriptor connect() {
+    Descriptor socket = connectTcp("127.0.0.1", port_);
+    number_ = ::accept4(listener_.number(), nullptr, nullptr, SOCK_CLOEXEC);
+    EXPECT_GE(number_, 0);
+    return socket;
+  }
+
+  /// From now on nothing reaches it, and so it acknowledges nothing.
+  void pullTheCable() const {
+    std::array<sock_filter, 1> takeNothing = {BPF_STMT(BPF_RET | BPF_K, 0)};
+    const sock_fprog filter{.len = takeNothing.size(), .filter = takeNothing.data()};
+    ASSERT_EQ(::setsockopt(number_, SOL_SOCKET, SO_ATTACH_FILTER, &filter, sizeof filter), 0);
+  }
+
+ private:
+  const Descriptor listener_{::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0),
+                             Descriptor::Kind::socket};
+  std::uint16_t port_ = 0;
+  int number_ = -1;
+};
+
+void fill(Link& link) {
+  const std::vector<std::uint8_t> piece(65536, 'x');
+  while (link.hasSpace()) {
+    ASSERT_GE(link.write(piece.data(), piece.size()), 0);
+  }
+}
+
+/// Waits as a port does, slice by slice.
+bool isLostWithin(Link& link, double seconds) {
+  const Stopwatch watch;
+  while (!link.isLost()) {
+    if (watch.seconds() > seconds) {
+      return false;
+    }
+    link.waitForBytes(0.05);
+  }
+  return true;
+}
+
+TEST(Silence, ALinkWhoseBytesNobodyAcknowledgesIsLost) {
+  Printer printer;
+  Link link(printer.connect(), 300ms);
+  printer.pullTheCable();
+  const std::uint8_t byte = 'x';
+  ASSERT_EQ(link.write(&byte, 1), 1);
+  EXPECT_TRUE(isLostWithin(link, generously));
+  EXPECT_EQ(link.write(&byte, 1), -1);
+}
+
+TEST(Silence, ALinkThatIsCutOffWhileItsPrinterHasNoSpaceIsLost) {
+  Printer printer;
+  Link link(printer.connect(), 300ms);
+  fill(link);
+  printer.pullTheCable();
+  EXPECT_TRUE(isLostWithin(link, generously));
+}
+
+TEST(Silence, APrinterThatHasNoSpaceForLongerThanTheLimitKeepsItsLink) {
+  Printer printer;
+  Link link(printer.connect(), 300ms);
+  fill(link);
+  // By then the system asks the printer less often than the limit.
+  EXPECT_FALSE(isLostWithin(link, 3));
+}
+
+TEST(Silence, AnIdleLinkIsNotLostForBeingSilent) {
+  Printer printer;
+  Link link(printer.connect(), 1ms);
+  EXPECT_FALSE(isLostWithin(link, 1.5));
+}
+
+TEST(Silence, TheEndOfALinkThatIsLostSoWaitsForNothing) {
+  Printer printer;
+  Link link(printer.connect(), 300ms);
+  fill(link);
+  printer.pullTheCable();
+  ASSERT_TRUE(isLostWithin(link, generously));
+  const Stopwatch watch;
+  link.release();
+  EXPECT_LT(watch.seconds(), 1);
+}
+
+}  // namespace
+}  // namespace quordalvane::posix
