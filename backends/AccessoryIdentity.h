@@ -13,18 +13,24 @@ namespace quordalvane {
 
 /// What an accessory says of itself. The defaults are those of a printer of the maker's own.
 struct AccessoryIdentity {
-  std::optional<std::string> name;
-  std::optional<std::string> serialNumber;
-  std::optional<std::string> modelNumber;
+  std::optional<std::string> name;          ///< a port name may designate it by this
+  std::optional<std::string> serialNumber;  ///< or by this
+  std::optional<std::string> modelNumber;   ///< "XQ700" for example
+
+  /// The maker. A port chooses this one's accessories alone, in upper or lower case.
   std::optional<std::string> manufacturer = "quor dalvane";
+
+  /// The protocols that it speaks. A port chooses accessories that speak this one.
   std::vector<std::string> protocolStrings = {"com.quordalvane.receipt"};
-  std::string address;  ///< Bluetooth address for the description; "" for none
-  std::uint64_t connectionID = 0;
+
+  std::string address;             ///< Bluetooth address for the description; "" for none
+  std::uint64_t connectionID = 0;  ///< tells it from the other accessories of the process
 };
 
 /// An accessory whose texts are an identity given at creation: the part that all back ends share.
 class QUOR_EXPORT IdentifiedAccessory : public EAAccessory {
  public:
+  /// Presents itself as `identity`, always.
   explicit IdentifiedAccessory(AccessoryIdentity identity);
 
   std::optional<std::string> name() override { return identity_.name; }

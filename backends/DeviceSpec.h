@@ -51,9 +51,10 @@ struct DeviceSpec {
 /// that names what is wrong and what may stand there; the text is printable whatever was read.
 QUOR_EXPORT DeviceSpec parseDeviceSpec(std::string_view text);
 
+/// A place on the network.
 struct HostAndPort {
-  std::string host;  ///< a name or an address, without brackets
-  std::uint16_t port;
+  std::string host;    ///< a name or an address, without brackets
+  std::uint16_t port;  ///< 1 to 65535
 };
 
 /// Reads `HOST:PORT`. Raises as above.

@@ -10,9 +10,13 @@ namespace quordalvane {
 template <typename Value>
 class AtomicProperty {
  public:
+  /// Begins with the type's own first value, or with `value`.
+  /// @{
   AtomicProperty() = default;
   explicit AtomicProperty(Value value) : value_(std::move(value)) {}
+  /// @}
 
+  /// A copy of the value.
   Value get() const {
     const std::lock_guard lock(mutex_);
     return value_;

@@ -18,10 +18,10 @@ namespace quordalvane {
 
 /// What the logger has done since the process began.
 struct LogStatistics {
-  std::uint64_t handedOver;        // records that were given to outputLogAsync
-  std::uint64_t dropped;           // those of them that found the queue full
-  std::uint64_t messagesBuilt;     // messages that log statements formatted
-  std::uint64_t descriptionsMade;  // byte descriptions, those inside of messages included
+  std::uint64_t handedOver;        ///< records that were given to outputLogAsync
+  std::uint64_t dropped;           ///< those of them that found the queue full
+  std::uint64_t messagesBuilt;     ///< messages that log statements formatted
+  std::uint64_t descriptionsMade;  ///< byte descriptions, those inside of messages included
 };
 
 /// The library's logger: it decides which records are wanted and passes them to the sinks that the
@@ -51,10 +51,11 @@ class QUOR_EXPORT LogWriter {
   static LogWriter& sharedInstance();
 
   /// The bytes as lower-case pairs of hexadecimal digits, parted by blanks, in angle brackets, as
-  /// in
-  /// "<1b 06 01>"; all of them, and "<>" for none.
+  /// in "<1b 06 01>"; all of them, and "<>" for none.
+  /// @{
   static std::string createByteArrayDescription(const std::vector<std::uint8_t>& data);
   static std::string createByteArrayDescription(const std::uint8_t* bytes, std::uint64_t size);
+  /// @}
 
   /// Hands one record over, stamped with the time and the calling thread, and returns without
   /// waiting for any sink. It asks no gate: that is done before the record is built. When the queue
@@ -65,11 +66,14 @@ class QUOR_EXPORT LogWriter {
                       std::string anyString) noexcept;
 
   /// As LogDelivery's members of the same names, which see.
+  /// @{
   void addSink(std::shared_ptr<LogSink> sink);
   void removeSink(const std::shared_ptr<LogSink>& sink);
   void setQueueCapacity(std::size_t records);
   bool flush(std::chrono::milliseconds timeout = LogDelivery::kFlushTime);
+  /// @}
 
+  /// The counts as they stand; nothing is set back.
   LogStatistics statistics() const;
 
   /// Counts a message in the statistics; for those who format one.

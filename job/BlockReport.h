@@ -12,6 +12,7 @@ namespace quordalvane {
 /// 1b 1d 03 01 00 00 count 00, in the bytes that come from it, however they are cut into pieces.
 class BlockReport {
  public:
+  /// Takes the next bytes that came; none is as good as not called.
   void feed(std::span<const std::uint8_t> bytes);
 
   /// Forgets everything, a report that has begun included.

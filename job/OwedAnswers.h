@@ -14,11 +14,16 @@ namespace quordalvane {
 /// one to an earlier question by counting alone.
 class OwedAnswers {
  public:
+  /// Counts by the requests and answers of line mode, or else by those of ESC/POS.
   explicit OwedAnswers(ZKEmulation emulation) : isLineMode_(emulation == ZKEmulationQuorLine) {}
 
+  /// Takes the next bytes that went out, and the next that came; however they are cut into pieces.
+  /// @{
   void written(std::span<const std::uint8_t> bytes);
   void read(std::span<const std::uint8_t> bytes);
+  /// @}
 
+  /// True if an answer is still to come.
   bool isAnyOwed() const { return owed_ > 0; }
 
   /// Forgets what came unasked: the rest of an earlier exchange.

@@ -36,14 +36,15 @@ enum class PrintObstacle {
   NoProof,  ///< all went out, and the sign that it was printed is missing or could be another's
 };
 
+/// What came of a job, for the program and for the person before it.
 struct PrintResult {
-  PrintOutcome outcome = PrintOutcome::Refused;
-  PrintObstacle obstacle = PrintObstacle::None;
+  PrintOutcome outcome = PrintOutcome::Refused;  ///< what became of it
+  PrintObstacle obstacle = PrintObstacle::None;  ///< why it was not printed; none when it was
 
   /// The result code of the block's beginning; failed without a block.
   std::int64_t resultCode = ZKQuorIOResultCodeFailedError;
 
-  std::uint64_t bytesTotal = 0;
+  std::uint64_t bytesTotal = 0;     ///< what the job has
   std::uint64_t bytesAccepted = 0;  ///< what the link took of the job, exactly
 
   /// The last status that was obtained; none if none was, and none for a printer that then took no
@@ -64,10 +65,11 @@ enum class PrintStage {
   End,    ///< the block ends: the printer is asked until it has printed all
 };
 
+/// How far a job has come.
 struct PrintProgress {
-  PrintStage stage;
-  std::uint64_t bytesAccepted;
-  std::uint64_t bytesTotal;
+  PrintStage stage;             ///< what it is at
+  std::uint64_t bytesAccepted;  ///< what the link has taken of it
+  std::uint64_t bytesTotal;     ///< what it has
 };
 
 /// One print job over an open port: begins a checked block, moves the data, ends the block, and
@@ -78,6 +80,7 @@ struct PrintProgress {
 /// confirmed, see `confirmationObstacle`.
 class QUOR_EXPORT PrintJob : private TransferObserver {
  public:
+  /// How a job is run.
   struct Options {
     /// False: no block, hence no look at the printer and no proof. The best outcome is Unconfirmed.
     bool checked = true;
@@ -86,8 +89,13 @@ class QUOR_EXPORT PrintJob : private TransferObserver {
     std::function<void(const PrintProgress&)> progress = {};
   };
 
+  /// A job for `port`, never null, which it keeps alive; a checked one unless `options` say
+  /// otherwise. Nothing is asked or sent before `run`.
+  /// @{
   PrintJob(std::shared_ptr<ExternalAccessoryPort> port, Options options);
   explicit PrintJob(std::shared_ptr<ExternalAccessoryPort> port) : PrintJob(std::move(port), {}) {}
+  /// @}
+
   ~PrintJob() override = default;
 
   /// Prints `data` and returns what became of it; called once. Blocks for the block's beginning,

@@ -16,6 +16,7 @@ class QUOR_EXPORT CallbackSink : public LogSink {
   /// of the object and the message are escaped and invalid bytes replaced, as by appendPrintable.
   using Callback = std::function<void(const LogRecord&)>;
 
+  /// Keeps `callback`, never empty, as long as the sink lives.
   explicit CallbackSink(Callback callback) : callback_(std::move(callback)) {}
 
   /// Calls the function for every record, also after it has thrown; raises its first exception.

@@ -21,6 +21,7 @@ namespace quordalvane {
 /// All members may be called from any thread at once, and from a sink.
 class LogDelivery {
  public:
+  /// How long `flush` waits unless it is told otherwise.
   static constexpr std::chrono::milliseconds kFlushTime{2000};
 
   LogDelivery() = default;

@@ -19,16 +19,18 @@ class LogQueue {
   /// last of them and before the next batch, the first of these at `firstDropTime`. Records were
   /// dropped only where some were queued.
   struct Batch {
-    RecordBatch records;
-    std::uint64_t dropped = 0;
-    std::chrono::system_clock::time_point firstDropTime;
+    RecordBatch records;                                  ///< in stream order
+    std::uint64_t dropped = 0;                            ///< after the last of them
+    std::chrono::system_clock::time_point firstDropTime;  ///< without meaning when none was
   };
 
+  /// What the queue has seen since it was made.
   struct Counts {
-    std::uint64_t handedOver = 0;
-    std::uint64_t dropped = 0;
+    std::uint64_t handedOver = 0;  ///< records that were pushed, on a closed queue too
+    std::uint64_t dropped = 0;     ///< those of them that found it full
   };
 
+  /// How many records may wait at first.
   static constexpr std::size_t kDefaultCapacity = 8192;
 
   /// The messages that wait may hold this many bytes together before the queue counts as full,
@@ -39,6 +41,7 @@ class LogQueue {
   /// than many records, then serves them all.
   static constexpr std::chrono::milliseconds kGatherTime{1};
 
+  /// A closed queue. With a `gatherTime` of zero `take` gathers nothing.
   explicit LogQueue(std::chrono::milliseconds gatherTime = kGatherTime) : gatherTime_(gatherTime) {}
 
   /// Queues the record, or drops it when the queue is full. What it leaves in `record` is of no
@@ -52,9 +55,11 @@ class LogQueue {
   void setCapacity(std::size_t records);
 
   /// From `open` to `close` the queue takes records. It begins closed, and holds no memory until it
-  /// is opened. Opening an open queue changes nothing.
+  /// is opened. Opening an open queue changes nothing. What waits when it is closed may be taken.
+  /// @{
   void open();
   void close() noexcept;
+  /// @}
 
   /// Waits for a record, gathers more for at most the gather time, and swaps them for the empty
   /// `batch`. It gathers no longer than until the queue is half full or closed. False, at once,
@@ -75,6 +80,7 @@ class LogQueue {
   /// `timeout`. Zero asks without waiting.
   bool waitUntilFinished(std::chrono::milliseconds timeout);
 
+  /// Both counts, of one moment.
   Counts counts() const;
 
  private:

@@ -34,15 +34,15 @@ std::chrono::system_clock::time_point currentTime() noexcept;
 /// One record on its way from the thread that logs to the sinks. `file` and `method` are not
 /// copied: they are never null and outlive the process's logging, as the texts of a program do.
 struct LogRecord {
-  std::chrono::system_clock::time_point time;
-  std::int32_t thread = 0;  // of the thread that logged, see currentThreadId
-  ZKLogType type = ZKLogTypeProcess;
-  std::int32_t level = 0;
-  std::int64_t line = 0;
-  const char* file = "";
-  const char* method = "";
-  std::string object;
-  std::string message;
+  std::chrono::system_clock::time_point time;  ///< when it was made
+  std::int32_t thread = 0;                     ///< of the thread that logged, see currentThreadId
+  ZKLogType type = ZKLogTypeProcess;           ///< its kind
+  std::int32_t level = 0;                      ///< that it was logged with
+  std::int64_t line = 0;                       ///< of the statement that logged, in `file`
+  const char* file = "";                       ///< the name of its source file
+  const char* method = "";                     ///< the function that it is in
+  std::string object;                          ///< the address of the object that logged, as text
+  std::string message;                         ///< what there is to tell
 };
 
 }  // namespace quordalvane

@@ -13,9 +13,12 @@ namespace quordalvane {
 /// writer frees, which costs either of them several times as much.
 class RecordBatch {
  public:
+  /// The records that were added, in their order. The span is valid until the batch is changed.
+  /// @{
   std::size_t size() const noexcept { return size_; }
   bool empty() const noexcept { return size_ == 0; }
   std::span<const LogRecord> records() const noexcept { return {slots_.data(), size_}; }
+  /// @}
 
   /// Lets `add` take so many records in all without an allocation.
   void reserve(std::size_t records) { slots_.reserve(records); }

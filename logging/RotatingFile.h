@@ -13,8 +13,8 @@ namespace quordalvane {
 
 /// When a log file makes room for a new one, and what is kept of it.
 struct LogRotation {
-  std::uint64_t maximumBytes = 10U << 20U;  // of one file; zero: it grows for ever
-  unsigned keptFiles = 5;                   // beside the file itself; zero: none is kept
+  std::uint64_t maximumBytes = 10U << 20U;  ///< of one file; zero: it grows for ever
+  unsigned keptFiles = 5;                   ///< beside the file itself; zero: none is kept
 };
 
 /// A file of lines that grows at its end. A line that would lead beyond the maximum begins a new

@@ -7,10 +7,10 @@
 
 namespace quordalvane {
 
-/// A reading of the wall clock: time since the epoch. `tv_usec` is 0 to 999999.
+/// A reading of the wall clock: time since the epoch.
 struct TimeValue {
-  std::int64_t tv_sec;
-  std::int64_t tv_usec;
+  std::int64_t tv_sec;   ///< whole seconds
+  std::int64_t tv_usec;  ///< and microseconds, 0 to 999999
 };
 
 /// Time and every way of letting it pass. All calls may be made from any thread at once.

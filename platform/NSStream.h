@@ -11,6 +11,7 @@
 
 namespace quordalvane {
 
+/// The mode in which a port schedules its streams.
 inline constexpr std::string_view NSDefaultRunLoopMode = "kCFRunLoopDefaultMode";
 
 /// One direction of a session. A stream may be scheduled on one thread's loop and used from
@@ -23,7 +24,14 @@ class QUOR_EXPORT NSStream {
   /// keep the receiver alive.
   virtual void setDelegate(std::weak_ptr<const void> delegate) = 0;
 
+  /// Ties the stream to `runLoop`, in `mode`. A port does this before `open`, on the thread whose
+  /// loop it is. A stream that moves its bytes or tells its events by a loop does so by this one; a
+  /// stream that needs no loop has nothing to do.
   virtual void scheduleInRunLoop(NSRunLoop& runLoop, std::string_view mode) = 0;
+
+  /// Unties the stream from `runLoop` in `mode`: nothing of it runs there any more. A port does
+  /// this after `close`. On a loop that it is not tied to it has no effect. A stream may be
+  /// destroyed without it, when a port is given up open, and then unties itself.
   virtual void removeFromRunLoop(NSRunLoop& runLoop, std::string_view mode) = 0;
 
   /// Starts opening the stream; it may still be opening on return.
@@ -37,6 +45,7 @@ class QUOR_EXPORT NSStream {
   virtual void waitUntilReady(double seconds) = 0;
 };
 
+/// The direction from the accessory to the port.
 class QUOR_EXPORT NSInputStream : public NSStream {
  public:
   /// True if a read would return at least one byte now. False from the end of the stream on.
@@ -52,6 +61,7 @@ class QUOR_EXPORT NSInputStream : public NSStream {
   virtual std::int64_t read(std::uint8_t* buffer, std::size_t maxLength) = 0;
 };
 
+/// The direction from the port to the accessory.
 class QUOR_EXPORT NSOutputStream : public NSStream {
  public:
   /// True if a write need not wait: it takes at least one byte now, or fails at once because the

@@ -28,8 +28,13 @@ class QUOR_EXPORT Platform {
  public:
   virtual ~Platform() = default;
 
+  /// The accessories that there are, the same for all ports of the platform.
   virtual EAAccessoryManager& sharedAccessoryManager() = 0;
+
+  /// The device that the program runs on.
   virtual UIDevice& currentDevice() = 0;
+
+  /// The time that ports read, and by which they wait.
   virtual Clock& clock() = 0;
 
   /// The run loop of the calling thread, valid on that thread until it ends.

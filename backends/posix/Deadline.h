@@ -5,7 +5,10 @@
 
 namespace quordalvane::posix {
 
+/// The clock of all time limits here: no step of the wall clock moves it.
 using SteadyClock = std::chrono::steady_clock;
+
+/// An instant of that clock.
 using SteadyTime = SteadyClock::time_point;
 
 /// The instant `seconds` from now. Zero, less and not-a-number give now; more than a year is a

@@ -12,14 +12,18 @@ namespace quordalvane::posix {
 /// moves may be made from any thread.
 class Descriptor {
  public:
+  /// What is behind a descriptor.
   enum class Kind { socket, terminal };
 
   /// Takes over `number`. A terminal must be in non-blocking mode; a socket may be in either.
   Descriptor(int number, Kind kind);
   ~Descriptor();
+
+  /// Takes over the descriptor of `other`.
   Descriptor(Descriptor&& other) noexcept;
   Descriptor& operator=(Descriptor&&) = delete;
 
+  /// The descriptor, which stays owned; -1 for none.
   int number() const { return number_; }
 
   /// Takes at most `maxLength` bytes. Returns the count, 0 at the end of the stream, or -1 with

@@ -9,14 +9,18 @@
 #include "backends/posix/PosixClock.h"
 #include "platform/Platform.h"
 
+/// What is built on the calls of this system.
 namespace quordalvane::posix {
 
 /// The accessories that were handed in, in that order. None ever goes away.
 class QUOR_EXPORT AttachedAccessories final : public EAAccessoryManager {
  public:
+  /// Begins with `accessories`, none of them null.
   explicit AttachedAccessories(std::vector<std::shared_ptr<EAAccessory>> accessories);
 
   std::vector<std::shared_ptr<EAAccessory>> connectedAccessories() override;
+
+  /// Adds `accessory`, never null, behind the others.
   void attach(std::shared_ptr<EAAccessory> accessory);
 
  private:
@@ -34,6 +38,7 @@ class QUOR_EXPORT ThisMachine final : public UIDevice {
 /// is given, which may be of any back end.
 class QUOR_EXPORT PosixPlatform final : public Platform {
  public:
+  /// Presents `accessories`, none of them null; more may be attached later.
   explicit PosixPlatform(std::vector<std::shared_ptr<EAAccessory>> accessories = {});
 
   /// Presents one more accessory, after those that there are. May be called from any thread.

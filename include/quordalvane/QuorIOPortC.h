@@ -33,10 +33,12 @@
 extern "C" {
 #endif
 
+/** How a call ended: one of the codes below. */
 typedef int32_t QuorCode;
 
+/** The codes that functions return. */
 enum {
-  QUOR_OK = 0,
+  QUOR_OK = 0,                /**< done */
   QUOR_NONE = 1,              /**< done, but there is nothing to hand out; nothing is copied */
   QUOR_FAILED = -1,           /**< tried, and it did not succeed */
   QUOR_PORT_EXCEPTION = -2,   /**< the port gave up: a failed write or a lost link */
@@ -44,8 +46,8 @@ enum {
   QUOR_STOPPED = -4,          /**< the transfer observer stopped the operation */
   QUOR_USAGE = -5,            /**< called with something that is not allowed; nothing was done */
   QUOR_BUFFER_TOO_SMALL = -6, /**< `*length` tells how many bytes there are */
-  QUOR_NO_MEMORY = -7,
-  QUOR_UNEXPECTED = -8 /**< the system or a function of the caller's failed */
+  QUOR_NO_MEMORY = -7,        /**< memory ran out */
+  QUOR_UNEXPECTED = -8        /**< the system or a function of the caller's failed */
 };
 
 /** Why the calling thread's latest failed call failed, for a person; "" before the first. Never
@@ -66,6 +68,7 @@ QUOR_EXPORT QuorCode quor_connect_devices(const char* const* specs, size_t count
 
 /* ---- Port: creation and connection ----------------------------------------------------------- */
 
+/** The command system that a port speaks with its printer. */
 enum { QUOR_EMULATION_UNKNOWN = 0, QUOR_EMULATION_LINE = 1, QUOR_EMULATION_ESCPOS = 2 };
 
 /** One connection to one printer. */
@@ -118,9 +121,12 @@ QUOR_EXPORT QuorCode quor_port_write_with_retry(QuorPort* port, const void* comm
 
 /** Functions that see every byte that passes, on the thread that moves it: `bytes_written` how many
  * the link took, `bytes_read` what a read is about to return; both may be nothing. One that returns
- * other than 0 stops the operation that moves the bytes, with QUOR_STOPPED. */
+ * other than 0 stops the operation that moves the bytes, with QUOR_STOPPED. `context` is the one
+ * that was set with them.
+ * @{ */
 typedef int32_t (*QuorBytesWritten)(void* context, size_t count);
 typedef int32_t (*QuorBytesRead)(void* context, const uint8_t* bytes, size_t count);
+/** @} */
 
 /** Sets the observers of a port; each may be null for none. `context` must outlive their use. A
  * print job takes their place while it runs and leaves none behind. */
@@ -142,6 +148,8 @@ QUOR_EXPORT QuorCode quor_port_get_online_status(QuorPort* port, int32_t* online
 
 /* ---- Port: checked block --------------------------------------------------------------------- */
 
+/** What became of a block's beginning. The port itself gives success, failed and paper present; the
+ * other two are for layers above it. */
 enum {
   QUOR_RESULT_SUCCESS = 0,
   QUOR_RESULT_FAILED = -1,
@@ -175,10 +183,12 @@ QUOR_EXPORT QuorCode quor_port_start_data_cancel(QuorPort* port);
 /** Ask for the firmware text, for quor_port_firmware_information to tell; a failure leaves the
  * earlier one. The first looks at the status before and fails on a printer that is off line; the
  * others are the queries of line mode and of ESC/POS alone. QUOR_FAILED without an answer within
- * the time-out, QUOR_UNREADABLE on an ESC/POS reply of one byte. */
+ * the time-out, QUOR_UNREADABLE on an ESC/POS reply of one byte.
+ * @{ */
 QUOR_EXPORT QuorCode quor_port_retrieve_firmware_information(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_retrieve_firmware_information2(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_retrieve_escpos_firmware_information(QuorPort* port);
+/** @} */
 
 /** Asks for both DIP-switch banks and appends them to what quor_port_dip_switch_information tells.
  * QUOR_FAILED when one gave no answer within the time-out; bank 1 stays when bank 2 fails. */
@@ -209,28 +219,38 @@ QUOR_EXPORT QuorCode quor_port_get_printer_response(QuorPort* port, const char* 
                                                     char* text, size_t capacity, size_t* length);
 
 /** Asks the module to drop the link and waits up to the time-out until it is gone; the port stays
- * open. QUOR_FAILED when it is not. The second takes a module in command mode already. */
+ * open. QUOR_FAILED when it is not. The second takes a module in command mode already.
+ * @{ */
 QUOR_EXPORT QuorCode quor_port_disconnect(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_disconnect_bluetooth_connection(QuorPort* port);
+/** @} */
 
 /* ---- Port: properties ------------------------------------------------------------------------ */
 
-/** What the port was created with. */
+/** What the port was created with; the time-out in milliseconds.
+ * @{ */
 QUOR_EXPORT int32_t quor_port_emulation(QuorPort* port);
 QUOR_EXPORT uint32_t quor_port_timeout(QuorPort* port);
+/** @} */
 
-/** The limit of quor_port_end_checked_block; the creation time-out until it is set. */
+/** The limit of quor_port_end_checked_block; the creation time-out until it is set.
+ * @{ */
 QUOR_EXPORT uint32_t quor_port_end_checked_block_timeout(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_set_end_checked_block_timeout(QuorPort* port, uint32_t milliseconds);
+/** @} */
 
-/** How long quor_port_begin_checked_block waits in line mode for paper to be taken; 0 until set. */
+/** How long quor_port_begin_checked_block waits in line mode for paper to be taken; 0 until set.
+ * @{ */
 QUOR_EXPORT uint32_t quor_port_hold_print_timeout(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_set_hold_print_timeout(QuorPort* port, uint32_t milliseconds);
+/** @} */
 
 /** After how many seconds without data the printer drops an unfinished job: 0 is never, and a
- * negative value, as at first, leaves its own setting alone. Of others the low byte is sent. */
+ * negative value, as at first, leaves its own setting alone. Of others the low byte is sent.
+ * @{ */
 QUOR_EXPORT int64_t quor_port_data_timeout_seconds(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_set_data_timeout_seconds(QuorPort* port, int64_t seconds);
+/** @} */
 
 /** The last firmware text that was obtained; QUOR_NONE before the first. */
 QUOR_EXPORT QuorCode quor_port_firmware_information(QuorPort* port, char* text, size_t capacity,
@@ -241,7 +261,8 @@ QUOR_EXPORT QuorCode quor_port_dip_switch_information(QuorPort* port, uint8_t* b
                                                       size_t capacity, size_t* length);
 
 /** The name, the serial number and the connection identifier of the chosen accessory; QUOR_NONE and
- * 0 while the port is closed. Setting null makes a text none. */
+ * 0 while the port is closed. Setting null makes a text none.
+ * @{ */
 QUOR_EXPORT QuorCode quor_port_name(QuorPort* port, char* text, size_t capacity, size_t* length);
 QUOR_EXPORT QuorCode quor_port_set_name(QuorPort* port, const char* name);
 QUOR_EXPORT QuorCode quor_port_serial_number(QuorPort* port, char* text, size_t capacity,
@@ -249,6 +270,7 @@ QUOR_EXPORT QuorCode quor_port_serial_number(QuorPort* port, char* text, size_t 
 QUOR_EXPORT QuorCode quor_port_set_serial_number(QuorPort* port, const char* serial_number);
 QUOR_EXPORT uint64_t quor_port_connection_id(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_set_connection_id(QuorPort* port, uint64_t connection_id);
+/** @} */
 
 /** 1 once an accessory of the model "XQ700" was opened; never 0 again. */
 QUOR_EXPORT int32_t quor_port_is_brondel(QuorPort* port);
@@ -257,17 +279,22 @@ QUOR_EXPORT int32_t quor_port_is_brondel(QuorPort* port);
  * not. */
 QUOR_EXPORT int32_t quor_port_has_thread71(QuorPort* port);
 
-/** What the last open came to, 1 or 0; QUOR_NONE before the first. Negative sets it to none. */
+/** What the last open came to, 1 or 0; QUOR_NONE before the first. Negative sets it to none.
+ * @{ */
 QUOR_EXPORT QuorCode quor_port_result71(QuorPort* port, int32_t* result);
 QUOR_EXPORT QuorCode quor_port_set_result71(QuorPort* port, int32_t result);
+/** @} */
 
 /** The pause between the attempts of the retrying writer, and the writer's wait for space and the
- * pause before a close; in seconds. */
+ * pause before a close; in seconds.
+ * @{ */
 QUOR_EXPORT float quor_port_sec_interval1(QuorPort* port);
 QUOR_EXPORT float quor_port_sec_interval2(QuorPort* port);
+/** @} */
 
 /* ---- Print job ------------------------------------------------------------------------------- */
 
+/** What became of a job. */
 enum {
   QUOR_PRINTED = 0, /**< the printer confirmed that it has printed all of it */
   QUOR_UNCONFIRMED =
@@ -275,6 +302,7 @@ enum {
   QUOR_REFUSED = 2 /**< no byte of the job went out: to send it again is safe */
 };
 
+/** Why a job was not printed, as far as a program must tell the cases apart. */
 enum {
   QUOR_OBSTACLE_NONE = 0,
   QUOR_OBSTACLE_PRINTER_NOT_READY = 1, /**< off line, or paper in its exit */
@@ -297,7 +325,7 @@ typedef void (*QuorProgress)(void* context, uint64_t bytes_accepted, uint64_t by
 QUOR_EXPORT QuorCode quor_print_job_create(QuorPort* port, int32_t checked, QuorProgress progress,
                                            void* context, QuorPrintJob** job);
 
-/** Not while it runs. */
+/** Frees the handle and lets go of the port; not while the job runs. */
 QUOR_EXPORT void quor_print_job_free(QuorPrintJob* job);
 
 /** Prints `size` bytes and returns when it is known what became of them, which the functions below
@@ -311,11 +339,14 @@ QUOR_EXPORT QuorCode quor_print_job_run(QuorPrintJob* job, const void* data, siz
 QUOR_EXPORT void quor_print_job_cancel(QuorPrintJob* job);
 
 /** What became of the job, for the thread that ran it. Before the run: refused, and nothing. The
- * result code is that of the block's beginning, failed without one. */
+ * result code is that of the block's beginning, failed without one; the total is how many bytes the
+ * job has.
+ * @{ */
 QUOR_EXPORT int32_t quor_print_job_outcome(QuorPrintJob* job);
 QUOR_EXPORT int32_t quor_print_job_obstacle(QuorPrintJob* job);
 QUOR_EXPORT int64_t quor_print_job_result_code(QuorPrintJob* job);
 QUOR_EXPORT uint64_t quor_print_job_bytes_total(QuorPrintJob* job);
+/** @} */
 
 /** What the link took of the job, exactly. */
 QUOR_EXPORT uint64_t quor_print_job_bytes_accepted(QuorPrintJob* job);
@@ -323,40 +354,46 @@ QUOR_EXPORT uint64_t quor_print_job_bytes_accepted(QuorPrintJob* job);
 /** The last status that was obtained; QUOR_NONE if none was. */
 QUOR_EXPORT QuorCode quor_print_job_status(QuorPrintJob* job, QuorPrinterStatus_2* status);
 
-/** Why the job was not printed, and what may be done next, for a person; "" when it was printed. */
+/** Why the job was not printed, and what may be done next, for a person; "" when it was printed.
+ * @{ */
 QUOR_EXPORT QuorCode quor_print_job_reason(QuorPrintJob* job, char* text, size_t capacity,
                                            size_t* length);
 QUOR_EXPORT QuorCode quor_print_job_advice(QuorPrintJob* job, char* text, size_t capacity,
                                            size_t* length);
+/** @} */
 
 /* ---- Logging --------------------------------------------------------------------------------- */
 
 /** Whether records are made at all; off at first. What was handed over is delivered all the same.
- */
+ * @{ */
 QUOR_EXPORT int32_t quor_log_is_logging(void);
 QUOR_EXPORT void quor_log_set_logging(int32_t on);
+/** @} */
 
 /** Which levels, 0 to 63, are wanted: 0 alone at first, and exactly the `count` given afterwards. 0
  * levels are none, and `levels` may then be null. QUOR_USAGE, and nothing changes, for another
- * level. */
+ * level.
+ * @{ */
 QUOR_EXPORT int32_t quor_log_is_target_level(int32_t level);
 QUOR_EXPORT QuorCode quor_log_set_target_levels(const int32_t* levels, size_t count);
+/** @} */
 
 /** One diagnostic record. Its texts are the library's, end with the call that shows them, and are
  * printable UTF-8. */
 typedef struct QuorLogRecord {
   int64_t time;   /**< nanoseconds since the epoch */
   int32_t thread; /**< the system's id of the thread that logged */
-  int32_t type; /**< 0 API start, 1 its end, 2 method start, 3 its end, 4 write, 5 read, 6 process,
-                   7 error */
-  int32_t level;
-  int64_t line;
-  const char* file;
-  const char* method;
-  const char* object;
-  const char* message;
+  int32_t type;  /**< 0 API start, 1 its end, 2 method start, 3 its end, 4 write, 5 read, 6 process,
+                    7 error */
+  int32_t level; /**< that it was logged with */
+  int64_t line;  /**< of the statement that logged, in `file` */
+  const char* file;    /**< the name of its source file */
+  const char* method;  /**< the function that it is in */
+  const char* object;  /**< the address of the object that logged */
+  const char* message; /**< what there is to tell */
 } QuorLogRecord;
 
+/** Is given one record, with the context that it was added with. */
 typedef void (*QuorLogFunction)(void* context, const QuorLogRecord* record);
 
 /** Where records go, until it is removed. */
@@ -393,12 +430,13 @@ QUOR_EXPORT QuorCode quor_log_set_queue_capacity(size_t records);
 
 /** What the logger has done since the process began. */
 typedef struct QuorLogStatistics {
-  uint64_t handed_over;
-  uint64_t dropped;
-  uint64_t messages_built;
-  uint64_t descriptions_made;
+  uint64_t handed_over;       /**< records that were given to the logger */
+  uint64_t dropped;           /**< those of them that found the queue full */
+  uint64_t messages_built;    /**< messages that log statements formatted */
+  uint64_t descriptions_made; /**< byte descriptions, those inside of messages included */
 } QuorLogStatistics;
 
+/** Stores the counts in `*statistics`; nothing is set back. */
 QUOR_EXPORT QuorCode quor_log_statistics(QuorLogStatistics* statistics);
 
 #ifdef __cplusplus
