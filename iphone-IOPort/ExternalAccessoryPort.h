@@ -20,11 +20,13 @@
 #include "iphone-IOPort/exceptions/PortException.h"
 #include "platform/Platform.h"
 
+/// Ports to receipt printers, jobs on them, their log, and what they need of a system.
 namespace quordalvane {
 
 class WholeSecondsWait;
 enum class StatusType : std::uint32_t;
 
+/// Bytes that the port owns, or hands to its caller.
 using ByteBuffer = std::vector<std::uint8_t>;
 
 /// The accessory protocol of the printers: an accessory must announce it, and sessions are opened
@@ -250,29 +252,38 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// more. No effect on a port that is not open.
   void abandonOutput();
 
-  /// What the port was created with.
+  /// What the port was created with: the time-out in milliseconds, the platform alive with the
+  /// port.
+  /// @{
   ZKEmulation emulation() const { return p_emulation; }
   std::uint32_t timeoutMillis() const { return timeout_; }
   Platform& platform() const { return *platform_; }
+  /// @}
 
   // -- Properties, from any thread ----------------------------------------------------------------
   // Objects are returned as snapshots, which later changes do not touch.
 
   /// The limit of `endCheckedBlock` in milliseconds; the creation time-out until it is set.
+  /// @{
   std::uint32_t endCheckedBlockTimeoutMillis() const { return _endCheckedBlockTimeoutMillis; }
   void setEndCheckedBlockTimeoutMillis(std::uint32_t millis) {
     _endCheckedBlockTimeoutMillis = millis;
   }
+  /// @}
 
   /// How long `beginCheckedBlock` waits in line mode for paper to be taken from the exit, in
   /// milliseconds; 0 until it is set, and 0 waits until the clock's second changes.
+  /// @{
   std::uint32_t holdPrintTimeoutMillis() const { return _holdPrintTimeoutMillis; }
   void setHoldPrintTimeoutMillis(std::uint32_t millis) { _holdPrintTimeoutMillis = millis; }
+  /// @}
 
   /// After how many seconds without data the printer drops an unfinished job; 0 is never, a
   /// negative value leaves the printer's own setting alone. Of other values the low byte is sent.
+  /// @{
   std::int64_t dataTimeoutSeconds() const { return _dataTimeoutSeconds; }
   void setDataTimeoutSeconds(std::int64_t seconds) { _dataTimeoutSeconds = seconds; }
+  /// @}
 
   /// The last firmware text obtained; none before the first.
   std::optional<std::string> firmwareInformation() const { return _firmwareInformation.get(); }
@@ -284,12 +295,16 @@ class QUOR_EXPORT ExternalAccessoryPort
   bool isBrondel() const { return _isBrondel; }
 
   /// The port thread's handle; none for a port created off the main thread.
+  /// @{
   std::shared_ptr<NSThread> thread71() const { return _thread71.get(); }
   void setThread71(std::shared_ptr<NSThread> thread) { _thread71.set(std::move(thread)); }
+  /// @}
 
   /// What the last open came to; none before the first.
+  /// @{
   std::optional<bool> result71() const { return _result71.get(); }
   void setResult71(std::optional<bool> result) { _result71.set(result); }
+  /// @}
 
   /// The pause between attempts of the retrying writer, in seconds.
   float secInterval1() const { return _secInterval1; }
@@ -297,19 +312,27 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// The writer's wait for space and the pause before a close, in seconds.
   float secInterval2() const { return _secInterval2; }
 
-  /// The selected accessory's name; none while the port is closed.
+  /// The selected accessory's name; none while the port is closed. Who sets it changes what is told
+  /// here until the port is opened or closed, and nothing else.
+  /// @{
   std::optional<std::string> name() const { return _name.get(); }
   void setName(std::optional<std::string> name) { _name.set(std::move(name)); }
+  /// @}
 
-  /// The selected accessory's serial number; none while the port is closed.
+  /// The selected accessory's serial number; none while the port is closed. Set, it is as the name.
+  /// @{
   std::optional<std::string> serialNumber() const { return _serialNumber.get(); }
   void setSerialNumber(std::optional<std::string> serialNumber) {
     _serialNumber.set(std::move(serialNumber));
   }
+  /// @}
 
-  /// The selected accessory's connection identifier; 0 while the port is closed.
+  /// The selected accessory's connection identifier; 0 while the port is closed. Set, it is as the
+  /// name.
+  /// @{
   std::uint64_t connectionID() const { return _connectionID; }
   void setConnectionID(std::uint64_t connectionID) { _connectionID = connectionID; }
+  /// @}
 
  private:
   // Creation.

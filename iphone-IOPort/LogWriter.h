@@ -19,7 +19,7 @@ namespace quordalvane {
 /// What the logger has done since the process began.
 struct LogStatistics {
   std::uint64_t handedOver;        ///< records that were given to outputLogAsync
-  std::uint64_t dropped;           ///< those of them that found the queue full
+  std::uint64_t dropped;           ///< those of them that found no room or no memory
   std::uint64_t messagesBuilt;     ///< messages that log statements formatted
   std::uint64_t descriptionsMade;  ///< byte descriptions, those inside of messages included
 };

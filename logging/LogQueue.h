@@ -27,7 +27,7 @@ class LogQueue {
   /// What the queue has seen since it was made.
   struct Counts {
     std::uint64_t handedOver = 0;  ///< records that were pushed, on a closed queue too
-    std::uint64_t dropped = 0;     ///< those of them that found it full
+    std::uint64_t dropped = 0;     ///< those that found it full, or were lost
   };
 
   /// How many records may wait at first.

@@ -19,10 +19,12 @@ class QUOR_EXPORT EASession {
  public:
   virtual ~EASession() = default;
 
-  /// The streams, never null, live as long as the session or the returned pointer, whichever is
-  /// longer.
+  /// The session's streams, never null and the same at each call. They live as long as the session
+  /// or the returned pointer, whichever is longer.
+  /// @{
   virtual std::shared_ptr<NSInputStream> inputStream() = 0;
   virtual std::shared_ptr<NSOutputStream> outputStream() = 0;
+  /// @}
 
   /// Lets the end of the session wait for nothing: what is under way is not wanted any more. A back
   /// end whose sessions end at once has nothing to do here.
@@ -35,11 +37,24 @@ class QUOR_EXPORT EAAccessory {
  public:
   virtual ~EAAccessory() = default;
 
+  /// The name that people know it by. A port name designates it by this text, letter for letter.
   virtual std::optional<std::string> name() = 0;
+
+  /// Its serial number, by which a port name may designate it as well, letter for letter.
   virtual std::optional<std::string> serialNumber() = 0;
+
+  /// Its model. A port passes over those that begin with "KLT" and end in "-U".
   virtual std::optional<std::string> modelNumber() = 0;
+
+  /// Its maker. A port passes over all but "quor dalvane", in upper or lower case.
   virtual std::optional<std::string> manufacturer() = 0;
+
+  /// The protocols on which it takes sessions. A port passes over an accessory that has not
+  /// "com.quordalvane.receipt" among them, and opens its session on that one.
   virtual std::vector<std::string> protocolStrings() = 0;
+
+  /// A number that tells it from the other accessories of the process, for programs: a port only
+  /// hands it on. 0 where none was given.
   virtual std::uint64_t connectionID() = 0;
 
   /// A text for people that names the accessory and shows its Bluetooth address, where it has one.
@@ -66,6 +81,8 @@ class QUOR_EXPORT EAAccessoryManager {
  public:
   virtual ~EAAccessoryManager() = default;
 
+  /// The accessories, none of them null; empty when there are none. Their order counts: a port
+  /// takes the first that suits it.
   virtual std::vector<std::shared_ptr<EAAccessory>> connectedAccessories() = 0;
 
   /// Whether the platform has a way of its own to read an accessory's Bluetooth address.

@@ -10,6 +10,7 @@
 
 namespace quordalvane {
 
+/// Passes every call on to another clock.
 class ForwardingClock : public Clock {
  public:
   /// `next` must outlive this.
@@ -24,6 +25,7 @@ class ForwardingClock : public Clock {
   Clock& next_;
 };
 
+/// Passes every call on to another run loop.
 class ForwardingRunLoop : public NSRunLoop {
  public:
   /// `next` must outlive this.
@@ -42,28 +44,42 @@ class ForwardingRunLoop : public NSRunLoop {
 template <typename Stream>
 class ForwardingStream : public Stream {
  public:
+  /// `next` is never null, and kept alive.
   explicit ForwardingStream(std::shared_ptr<Stream> next) : next_(std::move(next)) {}
 
+  /// @copydoc quordalvane::NSStream::setDelegate
   void setDelegate(std::weak_ptr<const void> delegate) override {
     next_->setDelegate(std::move(delegate));
   }
+
+  /// @copydoc quordalvane::NSStream::scheduleInRunLoop
   void scheduleInRunLoop(NSRunLoop& runLoop, std::string_view mode) override {
     next_->scheduleInRunLoop(runLoop, mode);
   }
+
+  /// @copydoc quordalvane::NSStream::removeFromRunLoop
   void removeFromRunLoop(NSRunLoop& runLoop, std::string_view mode) override {
     next_->removeFromRunLoop(runLoop, mode);
   }
+
+  /// @copydoc quordalvane::NSStream::open
   void open() override { next_->open(); }
+
+  /// @copydoc quordalvane::NSStream::close
   void close() override { next_->close(); }
+
+  /// @copydoc quordalvane::NSStream::waitUntilReady
   void waitUntilReady(double seconds) override { next_->waitUntilReady(seconds); }
 
  protected:
+  /// The other stream.
   Stream& next() { return *next_; }
 
  private:
   const std::shared_ptr<Stream> next_;
 };
 
+/// Passes every call on to another input stream.
 class ForwardingInputStream : public ForwardingStream<NSInputStream> {
  public:
   using ForwardingStream::ForwardingStream;
@@ -75,6 +91,7 @@ class ForwardingInputStream : public ForwardingStream<NSInputStream> {
   }
 };
 
+/// Passes every call on to another output stream.
 class ForwardingOutputStream : public ForwardingStream<NSOutputStream> {
  public:
   using ForwardingStream::ForwardingStream;
@@ -85,8 +102,10 @@ class ForwardingOutputStream : public ForwardingStream<NSOutputStream> {
   }
 };
 
+/// Passes every call on to another session, whose streams it hands out as they are.
 class ForwardingSession : public EASession {
  public:
+  /// `next` is never null, and kept alive.
   explicit ForwardingSession(std::shared_ptr<EASession> next) : next_(std::move(next)) {}
 
   std::shared_ptr<NSInputStream> inputStream() override { return next_->inputStream(); }
@@ -97,8 +116,10 @@ class ForwardingSession : public EASession {
   const std::shared_ptr<EASession> next_;
 };
 
+/// Passes every call on to another accessory, whose sessions it hands out as they are.
 class ForwardingAccessory : public EAAccessory {
  public:
+  /// `next` is never null, and kept alive.
   explicit ForwardingAccessory(std::shared_ptr<EAAccessory> next) : next_(std::move(next)) {}
 
   std::optional<std::string> name() override { return next_->name(); }
@@ -118,6 +139,7 @@ class ForwardingAccessory : public EAAccessory {
   const std::shared_ptr<EAAccessory> next_;
 };
 
+/// Passes every call on to another manager of accessories.
 class ForwardingAccessoryManager : public EAAccessoryManager {
  public:
   /// `next` must outlive this.
@@ -133,6 +155,7 @@ class ForwardingAccessoryManager : public EAAccessoryManager {
   EAAccessoryManager& next_;
 };
 
+/// Passes every call on to another device.
 class ForwardingDevice : public UIDevice {
  public:
   /// `next` must outlive this.
@@ -144,8 +167,10 @@ class ForwardingDevice : public UIDevice {
   UIDevice& next_;
 };
 
+/// Passes every call on to another thread handle.
 class ForwardingThread : public NSThread {
  public:
+  /// `next` is never null, and kept alive.
   explicit ForwardingThread(std::shared_ptr<NSThread> next) : next_(std::move(next)) {}
 
   bool start() override { return next_->start(); }
@@ -158,8 +183,10 @@ class ForwardingThread : public NSThread {
   const std::shared_ptr<NSThread> next_;
 };
 
+/// Passes every call on to another platform, whose parts it hands out as they are.
 class ForwardingPlatform : public Platform {
  public:
+  /// `next` is never null, and kept alive.
   explicit ForwardingPlatform(std::shared_ptr<Platform> next) : next_(std::move(next)) {}
 
   EAAccessoryManager& sharedAccessoryManager() override { return next_->sharedAccessoryManager(); }

@@ -383,10 +383,12 @@ QUOR_EXPORT QuorCode quor_log_set_target_levels(const int32_t* levels, size_t co
 typedef struct QuorLogRecord {
   int64_t time;   /**< nanoseconds since the epoch */
   int32_t thread; /**< the system's id of the thread that logged */
-  int32_t type;  /**< 0 API start, 1 its end, 2 method start, 3 its end, 4 write, 5 read, 6 process,
-                    7 error */
-  int32_t level; /**< that it was logged with */
-  int64_t line;  /**< of the statement that logged, in `file` */
+
+  /** 0 API start, 1 its end, 2 method start, 3 its end, 4 write, 5 read, 6 process, 7 error. */
+  int32_t type;
+
+  int32_t level;       /**< that it was logged with */
+  int64_t line;        /**< of the statement that logged, in `file` */
   const char* file;    /**< the name of its source file */
   const char* method;  /**< the function that it is in */
   const char* object;  /**< the address of the object that logged */
@@ -431,7 +433,7 @@ QUOR_EXPORT QuorCode quor_log_set_queue_capacity(size_t records);
 /** What the logger has done since the process began. */
 typedef struct QuorLogStatistics {
   uint64_t handed_over;       /**< records that were given to the logger */
-  uint64_t dropped;           /**< those of them that found the queue full */
+  uint64_t dropped;           /**< those of them that found no room or no memory */
   uint64_t messages_built;    /**< messages that log statements formatted */
   uint64_t descriptions_made; /**< byte descriptions, those inside of messages included */
 } QuorLogStatistics;
