@@ -6,9 +6,9 @@ namespace quordalvane {
 
 /// The command system that a port speaks with its printer.
 enum ZKEmulation : std::int32_t {
-  ZKEmulationUnknown = 0,
+  ZKEmulationUnknown = 0,   ///< not known: every query of the status fails
   ZKEmulationQuorLine = 1,  ///< the maker's line mode
-  ZKEmulationESCPOS = 2,
+  ZKEmulationESCPOS = 2,    ///< the common command set of receipt printers
 };
 
 }  // namespace quordalvane

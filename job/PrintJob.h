@@ -28,11 +28,11 @@ enum class PrintOutcome {
 
 /// Why a job was not printed, as far as a program must tell the cases apart.
 enum class PrintObstacle {
-  None,
+  None,             ///< printed, or not run to its end
   PrinterNotReady,  ///< the printer answered and is off line, or paper is in its exit
-  LinkLost,
-  Cancelled,
-  ExchangeFailed,  ///< no answer, no space for too long, or a failed write
+  LinkLost,         ///< the link ended before the job did
+  Cancelled,        ///< `PrintJob::cancel` was called
+  ExchangeFailed,   ///< no answer, no space for too long, or a failed write
   NoProof,  ///< all went out, and the sign that it was printed is missing or could be another's
 };
 

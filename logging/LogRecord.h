@@ -11,14 +11,14 @@ namespace quordalvane {
 
 /// The kind of a log record.
 enum ZKLogType : std::int32_t {
-  ZKLogTypeQuorIOAPIStart = 0,
-  ZKLogTypeQuorIOAPIEnd = 1,
-  ZKLogTypeInternalMethodStart = 2,
-  ZKLogTypeInternalMethodEnd = 3,
-  ZKLogTypeWrite = 4,
-  ZKLogTypeRead = 5,
-  ZKLogTypeProcess = 6,
-  ZKLogTypeError = 7,
+  ZKLogTypeQuorIOAPIStart = 0,       ///< a public call begins
+  ZKLogTypeQuorIOAPIEnd = 1,         ///< and ends
+  ZKLogTypeInternalMethodStart = 2,  ///< an internal method begins
+  ZKLogTypeInternalMethodEnd = 3,    ///< and ends
+  ZKLogTypeWrite = 4,                ///< bytes that went to the printer
+  ZKLogTypeRead = 5,                 ///< bytes that came from it
+  ZKLogTypeProcess = 6,              ///< a step on the way
+  ZKLogTypeError = 7,                ///< something failed
 };
 
 /// The enumerator's name without its prefix, as in "InternalMethodStart"; "Unknown" for any other

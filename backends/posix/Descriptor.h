@@ -13,7 +13,10 @@ namespace quordalvane::posix {
 class Descriptor {
  public:
   /// What is behind a descriptor.
-  enum class Kind { socket, terminal };
+  enum class Kind {
+    socket,    ///< may be shut down, and may wait by itself for what comes
+    terminal,  ///< a serial line, or what behaves like one
+  };
 
   /// Takes over `number`. A terminal must be in non-blocking mode; a socket may be in either.
   Descriptor(int number, Kind kind);

@@ -69,7 +69,11 @@ QUOR_EXPORT QuorCode quor_connect_devices(const char* const* specs, size_t count
 /* ---- Port: creation and connection ----------------------------------------------------------- */
 
 /** The command system that a port speaks with its printer. */
-enum { QUOR_EMULATION_UNKNOWN = 0, QUOR_EMULATION_LINE = 1, QUOR_EMULATION_ESCPOS = 2 };
+enum {
+  QUOR_EMULATION_UNKNOWN = 0, /**< not known: every query of the status fails */
+  QUOR_EMULATION_LINE = 1,    /**< the maker's line mode */
+  QUOR_EMULATION_ESCPOS = 2   /**< the common command set of receipt printers */
+};
 
 /** One connection to one printer. */
 typedef struct QuorPort QuorPort;
@@ -151,11 +155,11 @@ QUOR_EXPORT QuorCode quor_port_get_online_status(QuorPort* port, int32_t* online
 /** What became of a block's beginning. The port itself gives success, failed and paper present; the
  * other two are for layers above it. */
 enum {
-  QUOR_RESULT_SUCCESS = 0,
-  QUOR_RESULT_FAILED = -1,
-  QUOR_RESULT_IN_PROCESS = -2,
-  QUOR_RESULT_PAPER_PRESENT = -3,
-  QUOR_RESULT_IN_USE = -100
+  QUOR_RESULT_SUCCESS = 0,        /**< the block has begun */
+  QUOR_RESULT_FAILED = -1,        /**< an exchange failed, or the printer is off line */
+  QUOR_RESULT_IN_PROCESS = -2,    /**< for a layer above: not finished yet */
+  QUOR_RESULT_PAPER_PRESENT = -3, /**< the paper in the exit was not taken in time */
+  QUOR_RESULT_IN_USE = -100       /**< for a layer above: another one uses the printer */
 };
 
 /** Prepares the printer for a job whose printing quor_port_end_checked_block will verify. `status`
@@ -304,12 +308,12 @@ enum {
 
 /** Why a job was not printed, as far as a program must tell the cases apart. */
 enum {
-  QUOR_OBSTACLE_NONE = 0,
+  QUOR_OBSTACLE_NONE = 0,              /**< printed, or not run to its end */
   QUOR_OBSTACLE_PRINTER_NOT_READY = 1, /**< off line, or paper in its exit */
-  QUOR_OBSTACLE_LINK_LOST = 2,
-  QUOR_OBSTACLE_CANCELLED = 3,
-  QUOR_OBSTACLE_EXCHANGE_FAILED = 4, /**< no answer, no space for too long, or a failed write */
-  QUOR_OBSTACLE_NO_PROOF = 5         /**< all went out; the sign that it was printed is missing */
+  QUOR_OBSTACLE_LINK_LOST = 2,         /**< the link ended before the job did */
+  QUOR_OBSTACLE_CANCELLED = 3,         /**< quor_print_job_cancel was called */
+  QUOR_OBSTACLE_EXCHANGE_FAILED = 4,   /**< no answer, no space for too long, or a failed write */
+  QUOR_OBSTACLE_NO_PROOF = 5           /**< all went out; the sign that it was printed is missing */
 };
 
 /** One print job over an open port. It is sent once and never again by itself. */
