@@ -282,6 +282,9 @@ TEST(Picture, BecomesAPngFile) {
 }
 
 TEST(PictureDeathTest, ComesOutOnAMachineWithoutFonts) {
+#if defined(__SANITIZE_THREAD__)
+  GTEST_SKIP() << "the drawing library takes its own locks in another order where it finds no font";
+#endif
   testing::FLAGS_gtest_death_test_style = "threadsafe";
   const std::string config = testing::TempDir() + "no_fonts.conf";
   std::ofstream(config) << "<?xml version=\"1.0\"?><fontconfig></fontconfig>";
