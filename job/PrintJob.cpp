@@ -82,7 +82,9 @@ PrintResult PrintJob::run(std::span<const std::uint8_t> data) {
 }
 
 void PrintJob::bytesWritten(std::span<const std::uint8_t> bytes) {
-  answers_.written(bytes);
+  if (stage_ == PrintStage::Begin) {
+    answers_.written(bytes);
+  }
   if (accepted_ != nullptr) {
     *accepted_ += bytes.size();
   }
@@ -90,7 +92,9 @@ void PrintJob::bytesWritten(std::span<const std::uint8_t> bytes) {
 }
 
 void PrintJob::bytesRead(std::span<const std::uint8_t> bytes) {
-  answers_.read(bytes);
+  if (stage_ == PrintStage::Begin) {
+    answers_.read(bytes);
+  }
   report_.feed(bytes);
   stopIfCancelled();
   stopIfReported();
