@@ -44,7 +44,7 @@ constexpr PlainForms kPlainForms[] = {
     {0x1b, 3,
      "\x06\x20\x21\x25\x2d\x33\x3d\x3f\x45\x47\x4a\x4b\x4d\x52\x54\x55\x56\x61\x64"
      "\x65\x72\x74\x75\x7b"sv},
-    {0x1b, 4, "\x1e\x24\x5c\x63"sv},
+    {0x1b, 4, "\x1d\x1e\x24\x5c\x63"sv},
     {0x1b, 5, "\x70"sv},
     {0x1b, 10, "\x57"sv},
     {0x1c, 2, "\x26\x2e"sv},
@@ -154,6 +154,11 @@ std::optional<PrintCommand> barcode(Bytes data) {
   return data.size() < 4 ? counted(4, 0) : counted(4, data[3]);
 }
 
+// Pulses and the like, of which these have two parameters more.
+std::optional<PrintCommand> realTimeAction(Bytes data) {
+  return data[2] == 1 || data[2] == 2 ? plain(5) : std::nullopt;
+}
+
 std::optional<PrintCommand> cut(Bytes data) {
   return plain(isOneOf(data[2], "\x41\x42\x61\x62\x67\x68"sv) ? 4 : 3);
 }
@@ -165,6 +170,7 @@ std::optional<PrintCommand> fixed(Bytes) {
 
 // Longer first bytes stand before the shorter ones that they refine.
 const Form kForms[] = {
+    {{0x10, 0x14}, 3, realTimeAction},
     {{0x1b, 0x1d, 0x03}, 3, fixed<6>},
     {{0x1b, 0x23, 0x2a}, 3, fixed<5>},
     {{0x1b, 0x23, 0x2c}, 3, fixed<6>},
