@@ -8,6 +8,7 @@
 #include "tests/faults/AnsweringPrinter.h"
 #include "tests/faults/CaseNames.h"
 #include "tests/faults/PortThreads.h"
+#include "tests/faults/Sweep.h"
 #include "tests/model/Scenario.h"
 #include "tests/support/FaultyPlatform.h"
 #include "tests/support/LogCapture.h"
@@ -142,16 +143,7 @@ class AllocationSweep : public testing::TestWithParam<std::tuple<std::int32_t, b
                              (which == Allocation::any ? "any " : "scratch ") +
                              (thread == On::mainThread ? "main " : "other ") + call.name +
                              (fromThereOn ? " from" : " at");
-    const auto replayed = replayedSeed(name);
-    if (replayedCase() && !replayed) {
-      return 0;
-    }
-    for (std::uint64_t k = replayed.value_or(1);; ++k) {
-      SCOPED_TRACE(howToReplay(name + " " + std::to_string(k)));
-      if (!runOnce(call, thread, k, fromThereOn) || replayed || HasFailure()) {
-        return k - 1;
-      }
-    }
+    return sweepAll(name, [&](std::uint64_t k) { return runOnce(call, thread, k, fromThereOn); });
   }
 };
 

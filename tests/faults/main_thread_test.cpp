@@ -5,6 +5,7 @@
 
 #include "tests/faults/AnsweringPrinter.h"
 #include "tests/faults/PortThreads.h"
+#include "tests/faults/Sweep.h"
 #include "tests/model/Call.h"
 #include "tests/model/Scenario.h"
 #include "tests/support/FaultyPlatform.h"
@@ -130,16 +131,8 @@ class MainThreadSweep : public testing::TestWithParam<bool> {
     const std::string name = std::string("fault main ") + (GetParam() ? "logged " : "silent ") +
                              nameOf(step) + " " + makeFault()->name() +
                              (fromThereOn ? " from" : " at");
-    const auto replayed = replayedSeed(name);
-    if (replayedCase() && !replayed) {
-      return 0;
-    }
-    for (std::uint64_t k = replayed.value_or(1);; ++k) {
-      SCOPED_TRACE(howToReplay(name + " " + std::to_string(k)));
-      if (!runOnce(step, makeFault, k, fromThereOn) || replayed || HasFailure()) {
-        return k - 1;
-      }
-    }
+    return sweepAll(name,
+                    [&](std::uint64_t k) { return runOnce(step, makeFault, k, fromThereOn); });
   }
 };
 

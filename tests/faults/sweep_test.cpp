@@ -7,6 +7,7 @@
 
 #include "tests/faults/AnsweringPrinter.h"
 #include "tests/faults/CaseNames.h"
+#include "tests/faults/Sweep.h"
 #include "tests/model/Scenario.h"
 #include "tests/support/FaultyPlatform.h"
 #include "tests/support/ReadsAddresses.h"
@@ -128,17 +129,8 @@ class FaultSweep : public testing::TestWithParam<std::tuple<std::int32_t, bool>>
     const std::string name = std::string("fault ") + emulationName(emulation) +
                              (logs ? " logged " : " silent ") + call.name + " " +
                              makeFault()->name() + (fromThereOn ? " from" : " at");
-    const auto replayed = replayedSeed(name);
-    if (replayedCase() && !replayed) {
-      return 0;
-    }
     FaultyRun faulty(call, makeFault, fromThereOn);
-    for (std::uint64_t k = replayed.value_or(1);; ++k) {
-      SCOPED_TRACE(howToReplay(name + " " + std::to_string(k)));
-      if (!faulty.run(scenario(), k) || replayed || HasFailure()) {
-        return k - 1;
-      }
-    }
+    return sweepAll(name, [&](std::uint64_t k) { return faulty.run(scenario(), k); });
   }
 };
 
