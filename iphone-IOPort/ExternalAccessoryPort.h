@@ -93,7 +93,7 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// opening its streams, without waiting for them. Always pauses 0.1 s. True when the session is
   /// open, false when nothing matched, the session was refused, or the platform raised (which is
   /// logged); never raises. An earlier session that was not closed is released. On the main thread
-  /// the work is carried to the port thread, where there is one.
+  /// the work is carried to the port thread, where there is one that no close has ended.
   bool open();
 
   /// Ends the session: closes the streams and releases the session and the accessory; on the main

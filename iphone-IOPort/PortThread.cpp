@@ -51,10 +51,12 @@ void ExternalAccessoryPort::runLoop71() {
 }
 
 /// Runs the routine here when there is no port thread that could: a port made off the main thread
-/// has none, and after a close it has ended.
+/// has none, and after a close it has ended or is about to. One that is about to end would still
+/// take the routine, but nobody would turn the loop that the streams are scheduled on.
 void ExternalAccessoryPort::performOnPortThread(void (ExternalAccessoryPort::*routine)()) {
   const auto thread = thread71();
-  if (thread == nullptr || !thread->performAndWait([this, routine] { (this->*routine)(); })) {
+  const bool runs = thread != nullptr && !stopThread71;
+  if (!runs || !thread->performAndWait([this, routine] { (this->*routine)(); })) {
     (this->*routine)();
   }
 }

@@ -249,6 +249,25 @@ TEST_F(PortThread, ThatIsEndingDoesNotHinderOpenAndCloseOnTheMainThread) {
   }
 }
 
+TEST_F(PortThread, ThatIsEndingIsGivenNothingMore) {
+  for (const double after : {0.0, 0.01, 0.05, 0.09, 0.1, 0.11, 0.2}) {
+    const Port port = create();
+    pass(0.03);
+    port->close();
+    pass(after);
+    const std::string all = during([&] {
+      EXPECT_TRUE(port->open());
+      port->close();
+    });
+    EXPECT_NE(all.find("\ninput.scheduleInRunLoop kCFRunLoopDefaultMode\n"), std::string::npos)
+        << after << "\n"
+        << all;
+    EXPECT_NE(all.find("\ninput.removeFromRunLoop kCFRunLoopDefaultMode\n"), std::string::npos);
+    EXPECT_EQ(all.find("thread.performAndWait"), std::string::npos);
+    pass(1);
+  }
+}
+
 TEST_F(PortThread, TakesManyCyclesOfOpenAndClose) {
   for (int cycle = 0; cycle < 100; ++cycle) {
     Port port = create();
