@@ -226,8 +226,10 @@ bool PrintJob::isReadyInLineMode() {
 }
 
 bool PrintJob::isReadyInESCPOS() {
-  return (answers_.last().front() & offlineBit) == 0 ||
-         stop(PrintObstacle::PrinterNotReady, "off line");
+  if ((answers_.last().front() & offlineBit) != 0) {
+    return stop(PrintObstacle::PrinterNotReady, "off line");
+  }
+  return true;
 }
 
 /// Ends the guarded stretch of a block that is not gone on with. A printer that was given a data

@@ -20,11 +20,12 @@ namespace {
 constexpr std::chrono::minutes patience{1};
 
 /// Counts the records that it is given and those that it is told are missing. Its first write waits
-/// until it is released and then lets the k-th allocation of the next turn fail. It allocates
-/// nothing itself.
+/// until it is released and then lets the k-th allocation of the next turn fail, alone or with all
+/// that follow until memory is back. It allocates nothing itself.
 class SpoilingSink : public LogSink {
  public:
-  explicit SpoilingSink(std::uint64_t k) : k_(k) {}
+  explicit SpoilingSink(std::uint64_t k, bool fromThereOn = false)
+      : k_(k), fromThereOn_(fromThereOn) {}
 
   void write(std::span<const LogRecord> records) override {
     if (fault_) {
@@ -33,6 +34,7 @@ class SpoilingSink : public LogSink {
     }
     for (const LogRecord& record : records) {
       if (record.message.starts_with("log records dropped here, ")) {
+        ++words;
         told += std::strtoull(record.message.c_str() + record.message.rfind(' '), nullptr, 10);
       } else {
         ++given;
@@ -42,7 +44,7 @@ class SpoilingSink : public LogSink {
       entered_ = true;
       entered_.notify_all();
       released_.wait(false);
-      fault_.emplace(Allocation::any, k_, false);
+      fault_.emplace(Allocation::any, k_, fromThereOn_);
     }
   }
 
@@ -52,13 +54,18 @@ class SpoilingSink : public LogSink {
     released_.notify_all();
   }
 
+  /// Only while the writer has nothing to do.
+  void memoryIsBack() { fault_.reset(); }
+
   // The writer's while it has records.
   std::uint64_t given = 0;
   std::uint64_t told = 0;
+  std::uint64_t words = 0;  // by which it was told
   bool struck = false;
 
  private:
   const std::uint64_t k_;
+  const bool fromThereOn_;
   bool begun_ = false;
   std::optional<AllocationFault> fault_;  // of the writer's thread
   std::atomic<bool> entered_ = false;
@@ -95,6 +102,26 @@ TEST(LogDeliveryWithoutMemory, CountsWhatItCouldNotDeliverAndGoesOn) {
     losses += sink->told > 1 ? 1U : 0U;
   }
   EXPECT_GT(losses, 0U) << "no allocation that failed cost a record";
+}
+
+TEST(LogDeliveryWithoutMemory, TellsAllThatWasLostByOneRecordWhenMemoryIsBack) {
+  LogDelivery delivery;
+  const auto sink = std::make_shared<SpoilingSink>(1, true);
+  delivery.addSink(sink);
+  log(delivery, "taken");
+  sink->waitUntilItHangs();
+  sink->release();
+  ASSERT_TRUE(delivery.flush(patience));
+  for (const char* message : {"lost", "lost, too"}) {
+    log(delivery, message);
+    ASSERT_TRUE(delivery.flush(patience));
+  }
+  sink->memoryIsBack();
+  log(delivery, "afterwards");
+  ASSERT_TRUE(delivery.flush(patience));
+  EXPECT_EQ(sink->given, 2U);
+  EXPECT_EQ(sink->told, 2U);
+  EXPECT_EQ(sink->words, 1U);
 }
 
 }  // namespace

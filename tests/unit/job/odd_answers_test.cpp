@@ -74,6 +74,16 @@ TEST(OddAnswers, ThatChangeTheirKindDuringTheJobConfirmNothing) {
   EXPECT_EQ(result.obstacle, PrintObstacle::NoProof);
 }
 
+TEST(OddAnswers, OfAPrinterThatTalksWithoutEndRefuseTheJob) {
+  const test::Bytes chatter(std::size_t{2} << 20U, 'x');
+  Script script;
+  script.wheneverAsked(kStatusRequest, {{bytes("89 01 00 00 00 00 00 00 05"), 0.0}});
+  script.wheneverAsked(bytes("1b 1d 03 03 00 00"), {{chatter, 0.0}});
+  const PrintResult result = printOn(script);
+  EXPECT_EQ(result.outcome, PrintOutcome::Refused);
+  EXPECT_EQ(result.reason, "the printer has not answered all that it was asked");
+}
+
 TEST(OddAnswers, AFullLinkThatIsLostIsALostLink) {
   const PrintResult result = printOn(Script().hasNoSpace().isLost(1.0), {.checked = false});
   EXPECT_EQ(result.outcome, PrintOutcome::Refused);

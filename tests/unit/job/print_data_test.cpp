@@ -33,6 +33,7 @@ const Case kCases[] = {
     {"a raster cut short", {0x1d, 0x76, 0x30, 0, 1, 0, 2, 0, 0xff}, false, false},
     {"a raster header cut short", {0x1d, 0x76, 0x30, 0, 1}, false, false},
     {"a bit image of one byte a column", {0x1b, 0x2a, 0, 2, 0, 0x17, 0x17}, true, true},
+    {"a fine bit image of one byte a column", {0x1b, 0x2a, 1, 2, 0, 0x17, 0x17}, true, true},
     {"a bit image of three bytes a column", {0x1b, 0x2a, 33, 1, 0, 0x17, 0x17, 0x17}, true, true},
     {"a bit image with a mark behind", {0x1b, 0x2a, 33, 1, 0, 1, 2, 3, 0x17}, false, false},
     {"the request's preparation", {0x1b, 0x2a, 0x72, 0x42}, true, true},
@@ -41,6 +42,10 @@ const Case kCases[] = {
     {"long graphics of 4 GiB", {0x1d, 0x38, 0x4c, 0xff, 0xff, 0xff, 0xff, 0x17}, false, false},
     {"a counted barcode", {0x1d, 0x6b, 73, 2, '{', 0x17}, true, true},
     {"a terminated barcode", {0x1d, 0x6b, 4, 'A', 'B', 0, 'x'}, true, true},
+    {"a terminated barcode of characters that no barcode has",
+     {0x1d, 0x6b, 4, 0x80, 0, 0x1d, 0x76, 0x30, 0, 1, 0, 1, 0, 0x17},
+     false,
+     false},
     {"a mark in a terminated barcode", {0x1d, 0x6b, 4, 'A', 0x17, 0}, false, false},
     {"a terminated barcode without its end", {0x1d, 0x6b, 4, 'A'}, false, false},
     {"a barcode of no known kind", {0x1d, 0x6b, 20, 0x17}, false, false},
@@ -70,6 +75,13 @@ const Case kCases[] = {
     {"characters of its own", {0x1b, 0x26, 3, 'A', 'B', 1, 0x17, 0, 0, 1, 0, 0, 0x17}, true, true},
     {"characters of its own, cut short", {0x1b, 0x26, 3, 'A', 'B', 1, 0, 0, 0, 1}, false, false},
     {"characters of its own, the wrong way round", {0x1b, 0x26, 3, 'B', 'A', 0x17}, false, false},
+    {"characters of its own, cut short before a width",
+     {0x1b, 0x26, 3, 'A', 'B', 1, 0, 0, 0},
+     false,
+     false},
+    {"characters of its own without a height", {0x1b, 0x26, 0, 'A', 'A', 1, 0x17}, false, false},
+    {"control characters of its own", {0x1b, 0x26, 1, 0x1f, 0x1f, 1, 0x17}, false, false},
+    {"characters of its own beyond the last", {0x1b, 0x26, 1, 'A', 0x7f, 1, 0x17}, false, false},
     {"stored images", {0x1c, 0x71, 1, 1, 0, 1, 0, 0x17, 0x17, 0, 0, 0, 0, 0, 0}, true, true},
     {"stored images cut short", {0x1c, 0x71, 2, 1, 0, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0}, false, false},
     {"tab stops", {0x1b, 0x44, 8, 16, 0x1d, 0, 'v', 'x'}, true, true},
@@ -77,12 +89,20 @@ const Case kCases[] = {
      {0x1b, 0x44, 16, 8, 0, 0x1d, 0x76, 0x30, 0, 1, 0, 1, 0, 0x17},
      false,
      false},
+    {"an image behind no tab stops",
+     {0x1b, 0x44, 0, 0x1d, 0x76, 0x30, 0, 1, 0, 1, 0, 0x17},
+     true,
+     true},
     {"an image behind an alignment of line mode",
      {0x1b, 0x1d, 0x61, 1, 0x1d, 0x76, 0x30, 0, 1, 0, 1, 0, 0x17},
      true,
      true},
     {"an image behind a drawer's pulse",
      {0x10, 0x14, 1, 0, 1, 0x1d, 0x76, 0x30, 0, 1, 0, 1, 0, 0x17},
+     true,
+     true},
+    {"an image behind a switching off",
+     {0x10, 0x14, 2, 1, 8, 0x1d, 0x76, 0x30, 0, 1, 0, 1, 0, 0x17},
      true,
      true},
     {"an image behind an action that is not known",
@@ -104,6 +124,19 @@ TEST(ConfirmationObstacle, IsFoundOutsideOfCountedPayloadAlone) {
         << row.what;
     EXPECT_EQ(!confirmationObstacle(row.data, ZKEmulationESCPOS), row.confirmableInEscPos)
         << row.what;
+  }
+}
+
+TEST(ConfirmationObstacle, IsWhatStandsBehindMoreTabStopsThanThereAre) {
+  const Bytes image = {0x1d, 0x76, 0x30, 0, 1, 0, 1, 0, 0x17};
+  for (const int count : {32, 33}) {
+    Bytes data = {0x1b, 0x44};
+    for (int i = 0; i < count; ++i) {
+      data.push_back(static_cast<std::uint8_t>(0x30 + i));
+    }
+    data.push_back(0);
+    data.insert(data.end(), image.begin(), image.end());
+    EXPECT_EQ(!confirmationObstacle(data, ZKEmulationESCPOS), count == 32) << count;
   }
 }
 
