@@ -2,9 +2,10 @@
 
 import re
 import socket
+import threading
 
-from harness import (FLAGS, STATUS_KEYS, STATUS_REQUEST, Case, answer_status, at_once, eventually, in_pieces, main,
-                     receive, run, status_block)
+from harness import (FLAGS, STATUS_KEYS, STATUS_REQUEST, Case, answer_status, answering, at_once, eventually, in_pieces,
+                     main, receive, run, status_block)
 
 
 class OverEveryLink(Case):
@@ -214,6 +215,42 @@ class AgainstAPeer(Case):
             self.assertEqual(result.json(), {"ok": True, "online": False})
 
         at_once((online_of_a_printer_that_pauses_behind, count) for count in range(1, len(block)))
+
+    def test_the_first_answer_is_not_taken_for_those_of_escpos(self):
+        # Bytes within the block look like the answers of a printer that is on line.
+        block = bytes([0x8c, 1, 0x12, 0x12, 0x12, 0x12, 0x12, 0x12, 0x12, 0x12, 0x12, 0x12])
+
+        def online_of_a_printer_that_pauses_behind(count: int):
+            rest = in_pieces(block[count:], pause=0.2)
+            late = threading.Event()
+
+            def first(connection):
+                in_pieces(block[:count], pause=0)(connection)
+
+            def second(connection):
+                if not late.is_set():
+                    late.set()
+                    rest(connection)
+                connection.sendall(b"\x1a")
+
+            queries = {b"\x10\x04" + bytes([number]): second for number in (1, 2, 4)}
+            peer = self.peer(answering({STATUS_REQUEST: first, **queries}))
+            result = run("-d", peer.place, "-e", "escpos", "online", "--json")
+            self.assertExit(4, result)
+            self.assertEqual(result.json(), {"ok": True, "online": False})
+
+        at_once((online_of_a_printer_that_pauses_behind, count) for count in range(len(block) + 1))
+
+    def test_a_printer_that_answers_late_or_in_pieces_is_on_line_in_both_emulations(self):
+        def check(fault: str, offline: bool, emulation: str):
+            place = self.simulator("tcp:0", "--set", fault, "--set", f"offline={str(offline).lower()}").place
+            result = run("-d", place, "-e", emulation, "online", "--json")
+            self.assertExit(4 if offline else 0, result)
+            self.assertEqual(result.json(), {"ok": True, "online": not offline})
+
+        faults = ("late-reply=150", "late-reply=1300", *(f"split-reply={offset}" for offset in range(1, 9)))
+        at_once((check, fault, offline, emulation)
+                for fault in faults for offline in (False, True) for emulation in ("line", "escpos"))
 
     def test_blocks_of_every_length_are_read(self):
         longest = bytes([0x80, 1, 0x02, 0, 0, 0x20, 7, 2, 3]) + bytes(range(100, 154))

@@ -11,14 +11,35 @@ namespace {
 
 using Port = ExternalAccessoryPort;
 
-/// A block says its length in its first byte.
-bool areWholeStatusBlocks(const ByteBuffer& bytes) {
+/// Where the status blocks end that the bytes begin with; behind the last byte if that block is not
+/// whole. A block says its length in its first byte.
+std::size_t endOfBlocks(const ByteBuffer& bytes) {
   constexpr std::uint8_t header = 0x80;
   std::size_t next = 0;
   while (next < bytes.size() && bytes[next] > header && bytes[next] < header + 64) {
     next += std::size_t{bytes[next]} - header;
   }
-  return next == bytes.size();
+  return next;
+}
+
+bool areWholeBlocks(const ByteBuffer& bytes) {
+  return endOfBlocks(bytes) == bytes.size();
+}
+
+/// The byte that answers a query in ESC/POS; no block begins with one.
+bool isStatusByte(std::uint8_t byte) {
+  return (byte & 0x93) == 0x12;
+}
+
+/// In both emulations the first question is answered by a block; the queries of ESC/POS are
+/// answered behind it.
+bool areWholeAnswers(const ByteBuffer& bytes, ZKEmulation emulation) {
+  if (emulation != ZKEmulationESCPOS) {
+    return areWholeBlocks(bytes);
+  }
+  const std::size_t end = endOfBlocks(bytes);
+  return end < bytes.size() &&
+         std::all_of(bytes.begin() + static_cast<std::ptrdiff_t>(end), bytes.end(), isStatusByte);
 }
 
 /// Waits until the printer falls silent behind a whole answer. One that never does is not waited
@@ -27,20 +48,35 @@ void hearOut(Port& port, const HeardBytes& heard) {
   constexpr int patience = 20;
   for (int i = 0; i < patience; ++i) {
     const auto data = port.read(512);
-    if (!data || (data->empty() && areWholeStatusBlocks(heard.bytes()))) {
+    if (!data || (data->empty() && areWholeAnswers(heard.bytes(), port.emulation()))) {
       return;
     }
   }
 }
 
-/// The online test has the printer answer twice, and the port throws away what has come of the
-/// first answer when it asks again. Where an answer came in bits, the rest of the first may have
-/// been taken for the second: then the printer is heard out and asked once more.
+/// Whether the port may have taken a part of the first answer for the second: it throws away what
+/// has come of the first when it asks again, and a late one, or one in bits, comes after that.
+bool isMixedUp(const std::vector<ByteBuffer>& reads) {
+  return !std::ranges::all_of(reads, areWholeBlocks);
+}
+
+/// The same in ESC/POS, where the port refuses most parts of a block. One that heard nothing at
+/// last gave up, and has mixed up nothing.
+bool isMixedUpInESCPOS(const HeardBytes& heard, bool answered) {
+  constexpr std::size_t queries = 3;
+  const ByteBuffer bytes = heard.bytes();
+  return answered ? endOfBlocks(bytes) + queries != bytes.size()
+                  : !heard.reads().empty() && !heard.reads().back().empty();
+}
+
+/// Where the two answers of the online test were mixed up, the printer is heard out and asked once
+/// more.
 bool isOnline(Port& port, bool& online) {
   const HeardBytes heard(port.shared_from_this());
   const bool answered = port.getOnlineStatus(&online);
-  if (!answered || port.emulation() != ZKEmulationQuorLine ||
-      std::ranges::all_of(heard.reads(), areWholeStatusBlocks)) {
+  const bool mixedUp = port.emulation() == ZKEmulationESCPOS ? isMixedUpInESCPOS(heard, answered)
+                                                             : answered && isMixedUp(heard.reads());
+  if (!mixedUp) {
     return answered;
   }
   hearOut(port, heard);
