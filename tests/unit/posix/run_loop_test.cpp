@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include <atomic>
 #include <memory>
@@ -153,19 +152,6 @@ TEST(RunLoop, ASliceThatIsOverLeavesWhatArrivedMeanwhileToTheNext) {
   EXPECT_FALSE(secondRanInFirstSlice);
   while (thread.performAndWait([] {})) {
   }
-}
-
-TEST(RunLoop, AnIdleSliceIsOneSleep) {
-  onThread([] {
-    rusage before{};
-    rusage after{};
-    ::getrusage(RUSAGE_THREAD, &before);
-    for (int i = 0; i < 5; ++i) {
-      currentRunLoop().runUntilDate(0.02);
-    }
-    ::getrusage(RUSAGE_THREAD, &after);
-    EXPECT_LE(after.ru_nvcsw - before.ru_nvcsw, 6);
-  });
 }
 
 }  // namespace
