@@ -68,11 +68,11 @@ class LinkContract : public testing::TestWithParam<LinkKind> {
     return bytes;
   }
 
-  /// Writes text until the link takes no more; returns what it took.
-  Bytes fill() {
+  /// Writes text until the link takes no more, or has taken `limit`; returns what it took.
+  Bytes fill(std::size_t limit = SIZE_MAX) {
     Bytes taken;
     Bytes piece(4096);
-    while (output->hasSpaceAvailable()) {
+    while (taken.size() < limit && output->hasSpaceAvailable()) {
       for (std::size_t i = 0; i < piece.size(); ++i) {
         piece[i] = static_cast<std::uint8_t>('a' + (taken.size() + i) % 23);
       }

@@ -31,14 +31,14 @@ TEST(PosixClock, SleepsAtLeastAsLongAsItIsAskedTo) {
   const Stopwatch watch;
   PosixClock().usleep(20'000);
   EXPECT_GE(watch.seconds(), 0.020);
-  EXPECT_LT(watch.seconds(), 1);
+  EXPECT_LT(watch.seconds(), 5);
 }
 
 TEST(PosixClock, ASelectSleepOfMoreThanASecondLastsThatLong) {
   const Stopwatch watch;
   PosixClock().select(1'000'001);
   EXPECT_GE(watch.seconds(), 1.000'001);
-  EXPECT_LT(watch.seconds(), 2);
+  EXPECT_LT(watch.seconds(), 5);
 }
 
 TEST(PosixClock, SleepsOfNothingAndLessReturnAtOnce) {
@@ -48,7 +48,7 @@ TEST(PosixClock, SleepsOfNothingAndLessReturnAtOnce) {
   clock.select(0);
   clock.select(-1);
   clock.select(INT32_MIN);
-  EXPECT_LT(watch.seconds(), 1);
+  EXPECT_LT(watch.seconds(), 5);
 }
 
 TEST(PosixClock, SignalsDoNotShortenASleep) {
@@ -59,7 +59,7 @@ TEST(PosixClock, SignalsDoNotShortenASleep) {
   EXPECT_GE(watch.seconds(), 0.050);
   clock.select(50'000);
   EXPECT_GE(watch.seconds(), 0.100);
-  EXPECT_LT(watch.seconds(), 1);
+  EXPECT_LT(watch.seconds(), 5);
   EXPECT_GT(storm.strikes(), 0);
 }
 

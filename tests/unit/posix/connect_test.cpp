@@ -142,10 +142,9 @@ TEST(ConnectToAny, PassesOverAnAddressThatNeverAnswersWithHalfOfItsTimeLeft) {
   const Listener listener(4);
   const Stopwatch watch;
   EXPECT_GE(
-      connectToAny({at(silent.port()), at(listener.port())}, SteadyClock::now() + 400ms).number(),
-      0);
-  EXPECT_GE(watch.seconds(), 0.15);
-  EXPECT_LT(watch.seconds(), 0.4);
+      connectToAny({at(silent.port()), at(listener.port())}, SteadyClock::now() + 4s).number(), 0);
+  EXPECT_GE(watch.seconds(), 1.5);
+  EXPECT_LT(watch.seconds(), 4);
 }
 
 TEST(ConnectToAny, RaisesWhatTheLastAddressFailedWith) {
@@ -162,7 +161,7 @@ TEST(ConnectTcp, ARefusalIsAnErrorAtOnceThatNamesThePlace) {
   EXPECT_THAT(failure([=] { connectTcp("127.0.0.1", port); }),
               AllOf(HasSubstr("127.0.0.1"), HasSubstr(std::to_string(port)),
                     HasSubstr("Connection refused")));
-  EXPECT_LT(watch.seconds(), 2);
+  EXPECT_LT(watch.seconds(), 4);
 }
 
 TEST(ConnectTcp, AHostThatNeverAnswersIsGivenUpInTime) {
@@ -170,7 +169,7 @@ TEST(ConnectTcp, AHostThatNeverAnswersIsGivenUpInTime) {
   const auto [seconds, why] = connectUntilSilent(
       [&](auto timeout) { return connectTcp("127.0.0.1", listener.port(), timeout); });
   EXPECT_GE(seconds, 0.1);
-  EXPECT_LT(seconds, 2);
+  EXPECT_LT(seconds, 10);
   EXPECT_THAT(why, HasSubstr("timed out"));
 }
 
@@ -180,7 +179,7 @@ TEST(ConnectTcp, SignalsNeitherStopNorProlongIt) {
   const auto [seconds, why] = connectUntilSilent(
       [&](auto timeout) { return connectTcp("127.0.0.1", listener.port(), timeout); });
   EXPECT_GE(seconds, 0.1);
-  EXPECT_LT(seconds, 2);
+  EXPECT_LT(seconds, 10);
   EXPECT_THAT(why, HasSubstr("timed out"));
   EXPECT_GT(storm.strikes(), 0);
 }
@@ -220,7 +219,7 @@ TEST(ConnectUnix, AListenerThatNeverAnswersIsGivenUpInTime) {
   const auto [seconds, why] =
       connectUntilSilent([&](auto timeout) { return connectUnix(folder.file("s"), timeout); });
   EXPECT_GE(seconds, 0.1);
-  EXPECT_LT(seconds, 2);
+  EXPECT_LT(seconds, 10);
   EXPECT_THAT(why, HasSubstr("timed out"));
 }
 

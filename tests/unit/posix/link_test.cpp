@@ -51,16 +51,15 @@ class LinkTest : public testing::Test {
 
 TEST_F(LinkTest, AReplyEndsTheWaitForItWhenItComes) {
   ASSERT_EQ(ask(), 1);
-  std::thread answering([this] {
-    std::uint8_t request = 0;
-    EXPECT_EQ(::read(device(), &request, 1), 1);
-    deviceWrites(1);
+  SleepingThread waiting([this] {
+    const Stopwatch watch;
+    input->waitUntilReady(30);
+    EXPECT_LT(watch.seconds(), 20);
   });
-  const Stopwatch watch;
-  input->waitUntilReady(10);
-  EXPECT_LT(watch.seconds(), 5);
+  waiting.awaitSleep();
+  deviceWrites(1);
+  waiting.join();
   EXPECT_TRUE(input->hasBytesAvailable());
-  answering.join();
 }
 
 TEST_F(LinkTest, SignalsDoNotShortenAWait) {
@@ -69,7 +68,7 @@ TEST_F(LinkTest, SignalsDoNotShortenAWait) {
   const Stopwatch watch;
   input->waitUntilReady(0.05);
   EXPECT_GE(watch.seconds(), 0.05);
-  EXPECT_LT(watch.seconds(), 1);
+  EXPECT_LT(watch.seconds(), 5);
   EXPECT_GT(storm.strikes(), 0);
 }
 
@@ -79,8 +78,8 @@ TEST_F(LinkTest, AskingWhetherItIsConnectedDuringAWaitLeavesTheReplyToTheWait) {
     ASSERT_EQ(ask(), 1);
     SleepingThread waiting([this] {
       const Stopwatch watch;
-      input->waitUntilReady(5);
-      EXPECT_LT(watch.seconds(), 4);
+      input->waitUntilReady(30);
+      EXPECT_LT(watch.seconds(), 20);
     });
     waiting.awaitSleep();
     PosixClock().usleep(20'000);  // long enough for the link to trust no earlier look
@@ -107,10 +106,10 @@ TEST_F(LinkTest, AskingWhetherItIsConnectedNeverTakesAReplyAwayFromAWait) {
   for (int i = 0; i < 2000; ++i) {
     EXPECT_EQ(ask(), 1);
     const Stopwatch watch;
-    while (!input->hasBytesAvailable() && watch.seconds() < 10) {
-      input->waitUntilReady(5);
+    while (!input->hasBytesAvailable() && watch.seconds() < 30) {
+      input->waitUntilReady(30);
     }
-    ASSERT_LT(watch.seconds(), 4);
+    ASSERT_LT(watch.seconds(), 20);
     ASSERT_EQ(input->read(&byte, 1), 1);
   }
   stop = true;
@@ -123,8 +122,8 @@ TEST_F(LinkTest, TheEndOfASessionEndsAWaitOnItsStreams) {
   ASSERT_EQ(ask(), 1);
   SleepingThread waiting([this] {
     const Stopwatch watch;
-    input->waitUntilReady(10);
-    EXPECT_LT(watch.seconds(), 5);
+    input->waitUntilReady(30);
+    EXPECT_LT(watch.seconds(), 20);
   });
   waiting.awaitSleep();
   session.reset();

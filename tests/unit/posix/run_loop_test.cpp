@@ -46,7 +46,7 @@ TEST(RunLoop, ASliceLastsItsTimeOnBothKindsOfThread) {
     const Stopwatch watch;
     currentRunLoop().runUntilDate(0.02);
     EXPECT_GE(watch.seconds(), 0.02);
-    EXPECT_LT(watch.seconds(), 1);
+    EXPECT_LT(watch.seconds(), 5);
   };
   slice();
   onThread(slice);
@@ -57,7 +57,7 @@ TEST(RunLoop, SignalsDoNotShortenASlice) {
   const Stopwatch watch;
   currentRunLoop().runUntilDate(0.05);
   EXPECT_GE(watch.seconds(), 0.05);
-  EXPECT_LT(watch.seconds(), 1);
+  EXPECT_LT(watch.seconds(), 5);
   EXPECT_GT(storm.strikes(), 0);
 }
 
@@ -65,8 +65,8 @@ TEST(RunLoop, ASliceOfNoTimeOrLessReturnsAtOnce) {
   const auto slices = [] {
     const Stopwatch watch;
     currentRunLoop().runUntilDate(0);
-    currentRunLoop().runUntilDate(-1);
-    EXPECT_LT(watch.seconds(), 1);
+    currentRunLoop().runUntilDate(-10);
+    EXPECT_LT(watch.seconds(), 5);
   };
   slices();
   onThread(slices);
@@ -76,10 +76,10 @@ TEST(RunLoop, AwaitsTheStreamForWhatIsLeftOfTheSlice) {
   const auto slice = [] {
     RecordingStream stream;
     const Stopwatch watch;
-    currentRunLoop().runUntilDate(5, stream);
-    EXPECT_GT(stream.waited, 4);
-    EXPECT_LE(stream.waited, 5);
-    EXPECT_LT(watch.seconds(), 1);  // the stream was ready at once
+    currentRunLoop().runUntilDate(30, stream);
+    EXPECT_GT(stream.waited, 20);
+    EXPECT_LE(stream.waited, 30);
+    EXPECT_LT(watch.seconds(), 20);  // the stream was ready at once
   };
   slice();
   onThread(slice);
@@ -116,7 +116,7 @@ TEST(RunLoop, ACarriedRoutineWakesALongSlice) {
   std::atomic<bool> stop = false;
   PosixThread thread([&] {
     while (!stop) {
-      currentRunLoop().runUntilDate(0.1);
+      currentRunLoop().runUntilDate(0.5);
     }
   });
   ASSERT_TRUE(thread.start());
@@ -124,7 +124,7 @@ TEST(RunLoop, ACarriedRoutineWakesALongSlice) {
   for (int i = 0; i < 200; ++i) {
     EXPECT_TRUE(thread.performAndWait([] {}));
   }
-  EXPECT_LT(watch.seconds(), 5);  // without being woken: 20 s
+  EXPECT_LT(watch.seconds(), 25);  // without being woken: 100 s
   stop = true;
   while (thread.performAndWait([] {})) {
   }

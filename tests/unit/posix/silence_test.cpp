@@ -117,7 +117,7 @@ TEST(Silence, TheEndOfALinkThatIsLostSoWaitsForNothing) {
   ASSERT_TRUE(isLostWithin(link, generously));
   const Stopwatch watch;
   link.release();
-  EXPECT_LT(watch.seconds(), 1);
+  EXPECT_LT(watch.seconds(), 1.9);  // a wait in vain lasts two
 }
 
 }  // namespace
