@@ -45,9 +45,9 @@ class LogQueue {
   explicit LogQueue(std::chrono::milliseconds gatherTime = kGatherTime) : gatherTime_(gatherTime) {}
 
   /// Queues the record, or drops it when the queue is full. What it leaves in `record` is of no
-  /// meaning. A full queue stays full until the
-  /// writer takes it, so that all drops of a batch lie in one place of the stream. A queue that is
-  /// not open discards the record, which is no drop: there is nobody to miss it.
+  /// meaning. A full queue stays full until the writer takes it, so that all drops of a batch lie
+  /// in one place of the stream. A queue that is not open discards the record, which is no drop:
+  /// there is nobody to miss it.
   void push(LogRecord&& record) noexcept;
 
   /// How many records may wait; those that the writer has taken count no more. When more wait
