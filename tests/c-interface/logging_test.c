@@ -50,6 +50,7 @@ static void NothingIsLoggedUntilItIsSwitchedOn(void) {
   EXPECT(quor_log_is_logging() == 1);
   quor_log_set_logging(0);
   EXPECT(quor_log_is_logging() == 0);
+  EXPECT(quor_log_flush(60000) == QUOR_OK);
   EXPECT(quor_log_remove_sink(sink) == QUOR_OK);
   EXPECT(journal.records == 0);
 }
@@ -70,6 +71,7 @@ static void OnlyWantedLevelsAreLogged(void) {
   REQUIRE(quor_log_add_function(note, &journal, &sink) == QUOR_OK);
   quor_log_set_logging(1);
   exchangeAStatus();
+  EXPECT(quor_log_flush(60000) == QUOR_OK);
   EXPECT(quor_log_remove_sink(sink) == QUOR_OK);
   EXPECT(journal.records == 0);
 }
@@ -81,6 +83,7 @@ static void AFileHoldsAnObjectALine(void) {
   REQUIRE(quor_log_add_file(path, 0, 0, &sink) == QUOR_OK);
   quor_log_set_logging(1);
   exchangeAStatus();
+  EXPECT(quor_log_flush(60000) == QUOR_OK);
   EXPECT(quor_log_remove_sink(sink) == QUOR_OK);
   FILE* file = fopen(path, "r");
   REQUIRE(file != NULL);
@@ -113,6 +116,7 @@ static void StandardErrorIsASink(void) {
   REQUIRE(quor_log_add_standard_error(&sink) == QUOR_OK);
   quor_log_set_logging(1);
   exchangeAStatus();
+  EXPECT(quor_log_flush(60000) == QUOR_OK);
   EXPECT(quor_log_remove_sink(sink) == QUOR_OK);
   EXPECT(quor_log_statistics(&statistics) == QUOR_OK);
   EXPECT(statistics.handed_over > 10 && statistics.dropped == 0);

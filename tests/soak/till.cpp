@@ -15,6 +15,7 @@
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <stdexcept>
 #include <string>
 #include <thread>
 
@@ -47,7 +48,9 @@ std::uint64_t residentMemory() {
 /// its port is closed. One that does not end is there to be counted in the end.
 Json resources(std::ptrdiff_t threads) {
   using namespace std::chrono_literals;
-  LogWriter::sharedInstance().flush();
+  if (!LogWriter::sharedInstance().flush(1min)) {
+    throw std::runtime_error("the log is not written");
+  }
   const auto giveUp = std::chrono::steady_clock::now() + 10s;
   while (entriesOf(tasks) > threads && std::chrono::steady_clock::now() < giveUp) {
     std::this_thread::sleep_for(5ms);

@@ -10,9 +10,9 @@
 #include <array>
 #include <chrono>
 #include <cstdio>
-#include <future>
 #include <string>
 
+#include "tests/support/SleepingThread.h"
 #include "tools/quorport/Interruption.h"
 
 namespace quordalvane::tool {
@@ -94,10 +94,10 @@ TEST_F(InterruptionTest, GivesUpWhileNothingIsOpen) {
 
 TEST_F(InterruptionTest, EndsASleepOfAnExchange) {
   interruption_.beginExchange();
-  const auto sleep = std::async(std::launch::async,
-                                [this] { EXPECT_THROW(interruption_.sleep(1h), Interrupted); });
+  test::SleepingThread exchange([this] { EXPECT_THROW(interruption_.sleep(1h), Interrupted); });
+  exchange.awaitSleep();
   interruption_.interrupt();
-  sleep.wait();
+  exchange.join();
   EXPECT_EQ(givenUp_, 0);
 }
 

@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
-#include <thread>
 
+#include "tests/support/SleepingThread.h"
 #include "tests/unit/logging/LogFixtures.h"
 
 namespace quordalvane {
@@ -149,18 +149,21 @@ TEST_F(LogQueueTest, IsFinishedWhenAllThatWasQueuedIsFinished) {
   EXPECT_TRUE(queue_.waitUntilFinished(0ms));
 }
 
-/// Takes and finishes one batch of a queue that gathers for ever.
+/// Takes and finishes one batch of a queue that gathers for ever. Once it is made it gathers.
 class OneTake {
  public:
   explicit OneTake(LogQueue& queue)
       : taker_([this, &queue] {
           queue.take(batch_);
           queue.finish(batch_.records.size());
-        }) {}
+        }) {
+    taker_.awaitSleep();
+  }
+  ~OneTake() { taker_.join(); }
 
  private:
   LogQueue::Batch batch_;
-  std::jthread taker_;
+  test::SleepingThread taker_;
 };
 
 constexpr std::chrono::hours kForEver{1};
@@ -172,7 +175,7 @@ TEST(GatheringLogQueue, IsTakenOnceItIsHalfFull) {
   queue.open();
   queue.push(recordOf("a"));
   const OneTake take(queue);
-  EXPECT_FALSE(queue.waitUntilFinished(5ms)) << "nothing was gathered";
+  EXPECT_FALSE(queue.waitUntilFinished(0ms)) << "nothing was gathered";
   queue.push(recordOf("b"));
   EXPECT_TRUE(queue.waitUntilFinished(kPatience));
   queue.close();  // lets go of a taker that still gathers
@@ -183,7 +186,7 @@ TEST(GatheringLogQueue, IsTakenWhenItIsClosed) {
   queue.open();
   queue.push(recordOf("a"));
   const OneTake take(queue);
-  EXPECT_FALSE(queue.waitUntilFinished(5ms)) << "nothing was gathered";
+  EXPECT_FALSE(queue.waitUntilFinished(0ms)) << "nothing was gathered";
   queue.close();
   EXPECT_TRUE(queue.waitUntilFinished(kPatience));
 }

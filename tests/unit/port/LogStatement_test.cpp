@@ -14,6 +14,7 @@
 namespace quordalvane {
 namespace {
 
+using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -208,11 +209,11 @@ class LogStatementTest : public testing::Test {
     LogWriter::setLogging(false);
     LogWriter::setTargetLogLevels({0});
     LogWriter::sharedInstance().removeSink(sink_);
-    LogWriter::sharedInstance().flush();
+    EXPECT_TRUE(LogWriter::sharedInstance().flush(1min));
   }
 
   std::vector<std::string> messages() const {
-    LogWriter::sharedInstance().flush();
+    EXPECT_TRUE(LogWriter::sharedInstance().flush(1min));
     return sink_->messages();
   }
 

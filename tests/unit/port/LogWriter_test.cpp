@@ -87,7 +87,7 @@ TEST_F(LogWriterTest, PassesEveryFieldToTheSinksWithTimeAndThread) {
   writer.addSink(sink);
   const auto before = std::chrono::system_clock::now();
   output("message");
-  ASSERT_TRUE(writer.flush());
+  ASSERT_TRUE(writer.flush(1min));
   writer.removeSink(sink);
   ASSERT_EQ(sink->records().size(), 1U);
   const LogRecord record = sink->records().front();
@@ -124,7 +124,7 @@ TEST_F(LogWriterTest, CountsRecordsAndDrops) {
   EXPECT_EQ(after.dropped, before.dropped + 1);
   released = true;
   released.notify_all();
-  ASSERT_TRUE(writer.flush());
+  ASSERT_TRUE(writer.flush(1min));
   writer.removeSink(sink);
   writer.setQueueCapacity(LogQueue::kDefaultCapacity);
 }

@@ -11,12 +11,14 @@
 
 #include "backends/posix/LinkAccessory.h"
 #include "backends/posix/PosixClock.h"
+#include "tests/support/SleepingThread.h"
 #include "tests/unit/posix/SignalStorm.h"
-#include "tests/unit/posix/SleepingThread.h"
 #include "tests/unit/posix/Stopwatch.h"
 
 namespace quordalvane::posix {
 namespace {
+
+using test::SleepingThread;
 
 const std::string protocol = AccessoryIdentity{}.protocolStrings.front();
 

@@ -8,12 +8,14 @@
 #include "backends/posix/PosixThread.h"
 #include "backends/posix/RunLoop.h"
 #include "platform/NSStream.h"
+#include "tests/support/SleepingThread.h"
 #include "tests/unit/posix/SignalStorm.h"
-#include "tests/unit/posix/SleepingThread.h"
 #include "tests/unit/posix/Stopwatch.h"
 
 namespace quordalvane::posix {
 namespace {
+
+using test::SleepingThread;
 
 class RecordingStream : public NSStream {
  public:

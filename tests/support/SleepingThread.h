@@ -9,7 +9,7 @@
 #include <thread>
 #include <utility>
 
-namespace quordalvane::posix {
+namespace quordalvane::test {
 
 /// A thread of which one can tell that it has come to rest in a system call.
 class SleepingThread {
@@ -39,4 +39,4 @@ class SleepingThread {
   std::thread thread_;
 };
 
-}  // namespace quordalvane::posix
+}  // namespace quordalvane::test
