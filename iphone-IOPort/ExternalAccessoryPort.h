@@ -63,11 +63,13 @@ class QUOR_EXPORT ExternalAccessoryPort
   ///
   /// `portName` designates the accessory: "BT:" (any letter case) or none for the first printer
   /// that is attached, or "BT:" followed by an accessory's name, serial number or Bluetooth
-  /// address. Of any other name the first three bytes count as the prefix, whatever they are; names
-  /// are compared byte by byte. `portSettings` may hold a data time-out option, the letter d and 0
-  /// to 255 (seconds), anywhere; other values are logged and ignored. `timeout` is the input/output
-  /// time-out in milliseconds; zero is legal and means that a wait ends when the clock's second
-  /// changes. `platform` is kept alive by the port; null stands for no platform at all.
+  /// address. Of any other name the first three characters count as the prefix, whatever they are
+  /// (the name is UTF-8; a byte that is no part of a valid character counts as one), and a shorter
+  /// name cannot be opened; names are compared byte by byte. `portSettings` may hold a data
+  /// time-out option, the letter d and 0 to 255 (seconds), anywhere; other values are logged and
+  /// ignored. `timeout` is the input/output time-out in milliseconds; zero is legal and means that
+  /// a wait ends when the clock's second changes. `platform` is kept alive by the port; null stands
+  /// for no platform at all.
   ///
   /// Created on the main thread, the port starts its port thread. Returns null when there is no
   /// platform or the thread cannot be created. Any thread.

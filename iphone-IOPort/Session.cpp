@@ -7,13 +7,13 @@
 #include "iphone-IOPort/ExternalAccessoryPort.h"
 #include "iphone-IOPort/Guarded.h"
 #include "iphone-IOPort/LogStatement.h"
+#include "iphone-IOPort/PortName.h"
 #include "iphone-IOPort/Util.h"
 
 namespace quordalvane {
 namespace {
 
 constexpr auto open71Selector = "-[ExternalAccessoryPort open71]";
-constexpr std::size_t prefixLength = 3;  // bytes, of "BT:"
 
 char lowerCase(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
@@ -29,11 +29,12 @@ std::optional<std::string> designationIn(const std::optional<std::string>& portN
   if (!portName || equalIgnoringCase(*portName, "BT:")) {
     return std::nullopt;
   }
-  if (portName->size() < prefixLength) {
+  const auto prefix = prefixLength(*portName);
+  if (!prefix) {
     throw std::out_of_range("the port name \"" + *portName +
                             "\" is shorter than its prefix of three characters, BT:");
   }
-  return portName->substr(prefixLength);
+  return portName->substr(*prefix);
 }
 
 }  // namespace

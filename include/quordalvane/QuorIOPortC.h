@@ -79,7 +79,8 @@ enum {
 typedef struct QuorPort QuorPort;
 
 /** Creates a port; nothing is opened. `port_name` is "BT:", or null, for the first printer that is
- * attached, or "BT:" followed by a name, serial number or Bluetooth address. `port_settings`, which
+ * attached, or "BT:" followed by a name, serial number or Bluetooth address. It is UTF-8; whatever
+ * its first three characters are, they count as the prefix. `port_settings`, which
  * may be null, may hold a d and 0 to 255: the data time-out in seconds. `timeout` is the
  * input/output time-out; 0 ends a wait when the clock's second changes. On the main thread it also
  * starts the port's own thread. QUOR_FAILED when quor_connect_devices was not called before or

@@ -1,5 +1,8 @@
 #include <algorithm>
+#include <array>
 #include <cctype>
+#include <initializer_list>
+#include <stdexcept>
 
 #include "tests/model/ModelLog.h"
 
@@ -33,6 +36,38 @@ std::string addressIn(const std::string& text) {
     }
   }
   return "";
+}
+
+/// Whether the bytes are one character as UTF-8 has it.
+bool isCharacter(const std::string& bytes) {
+  const auto fits = [&bytes](std::initializer_list<std::array<int, 2>> ranges) {
+    return std::equal(bytes.begin(), bytes.end(), ranges.begin(), ranges.end(),
+                      [](char c, const std::array<int, 2>& range) {
+                        const int byte = static_cast<unsigned char>(c);
+                        return range[0] <= byte && byte <= range[1];
+                      });
+  };
+  constexpr std::array<int, 2> more = {0x80, 0xBF};
+  return fits({{0x00, 0x7F}}) || fits({{0xC2, 0xDF}, more}) ||
+         fits({{0xE0, 0xE0}, {0xA0, 0xBF}, more}) || fits({{0xE1, 0xEC}, more, more}) ||
+         fits({{0xED, 0xED}, {0x80, 0x9F}, more}) || fits({{0xEE, 0xEF}, more, more}) ||
+         fits({{0xF0, 0xF0}, {0x90, 0xBF}, more, more}) || fits({{0xF1, 0xF3}, more, more, more}) ||
+         fits({{0xF4, 0xF4}, {0x80, 0x8F}, more, more});
+}
+
+/// The text behind its first three characters; a byte that belongs to none is one.
+std::string withoutThreeCharacters(std::string text) {
+  for (int count = 0; count < 3; ++count) {
+    std::size_t length = 4;
+    while (length > 1 && (length > text.size() || !isCharacter(text.substr(0, length)))) {
+      --length;
+    }
+    if (text.empty()) {
+      throw std::out_of_range("a port name below three characters");
+    }
+    text.erase(0, length);
+  }
+  return text;
 }
 
 std::string listed(const std::vector<std::string>& texts) {
@@ -153,7 +188,7 @@ void Model::select() {
   const Log log(*this, "open71");
   std::optional<std::string> designation;
   if (creation_.portName && lower(*creation_.portName) != "bt:") {
-    designation = creation_.portName->substr(3);
+    designation = withoutThreeCharacters(*creation_.portName);
   }
   log.process("specifiedPortName: " + textOr(designation));
   const auto accessories = platform_.sharedAccessoryManager().connectedAccessories();

@@ -91,6 +91,29 @@ TEST(Selection, TakesTheFirstWithTheDesignatedSerialNumber) {
       << "the first three characters are dropped whatever they are";
 }
 
+TEST(Selection, DropsThreeCharactersHoweverManyBytesTheyTake) {
+  struct {
+    const char* what;
+    const char* prefix;
+  } const cases[] = {
+      {"two bytes each", "\u00e4\u00f6\u00fc"},
+      {"three bytes each", "\u20ac\u20ac\u20ac"},
+      {"four bytes each", "\U00010348\U0001f5a8\U0010ffff"},
+      {"one, two and three bytes", "B\u00e4\u20ac"},
+      {"bytes that begin no character", "\xff\x80\xfe"},
+      {"a character that is cut short", "\xe2\x82:"},
+      {"overlong forms", "\xc0\xaf:"},
+      {"the last of the overlong forms of three bytes", "\xe0\x9f\xbf"},
+      {"a surrogate", "\xed\xa0\x80"},
+      {"the first surrogate's neighbour", "\xed\x9f\xbf::"},
+      {"a byte of a character beyond the last", "\xf5::"},
+  };
+  for (const auto& each : cases) {
+    EXPECT_EQ(chosen(choosing(std::string(each.prefix) + "SN2", {printer(1), printer(2)})), 2U)
+        << each.what;
+  }
+}
+
 TEST(Selection, PrefersTheEarlierAccessoryOverTheBetterMatch) {
   AccessoryIdentity bySerial = printer(1);
   bySerial.serialNumber = "Printer 2";
@@ -242,7 +265,7 @@ TEST(Selection, FindsNothingAmongNoAccessories) {
 }
 
 TEST(Selection, FailsInItsGuardOnAPortNameBelowThreeCharacters) {
-  for (const char* name : {"", "B", "BT"}) {
+  for (const char* name : {"", "B", "BT", "\u00e4\u00f6", "\U0001f5a8\u20ac", "\xff\xff"}) {
     const Outcome run = choosing(name, {printer(1)}).runOnPort(open());
     EXPECT_EQ(run.result, "false") << name;
     EXPECT_NE(run.properties.find("result71 0\n"), std::string::npos);

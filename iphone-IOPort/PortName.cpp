@@ -1,0 +1,22 @@
+#include "iphone-IOPort/PortName.h"
+
+#include <algorithm>
+
+#include "logging/Utf8.h"
+
+namespace quordalvane {
+
+std::optional<std::size_t> prefixLength(std::string_view portName) {
+  constexpr int prefixCharacters = 3;
+  std::size_t length = 0;
+  for (int count = 0; count < prefixCharacters; ++count) {
+    const std::string_view rest = portName.substr(length);
+    if (rest.empty()) {
+      return std::nullopt;
+    }
+    length += std::max<std::size_t>(firstCharacter(rest).length, 1);
+  }
+  return length;
+}
+
+}  // namespace quordalvane

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string_view>
+
+namespace quordalvane {
+
+/// How many bytes the prefix of a port name takes: its first three characters, "BT:" by custom and
+/// whatever they are. None when the name has fewer. Names are UTF-8; a byte that belongs to no
+/// valid character counts as one.
+std::optional<std::size_t> prefixLength(std::string_view portName);
+
+}  // namespace quordalvane

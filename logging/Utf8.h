@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace quordalvane {
+
+/// A character of a text in UTF-8.
+struct Character {
+  std::uint32_t codePoint;
+  std::size_t length;  ///< in bytes; 0 when it is not valid
+};
+
+/// The first character of a text, which must not be empty. Not valid are a byte that begins none, a
+/// character that is cut short, an overlong form and a surrogate.
+Character firstCharacter(std::string_view text) noexcept;
+
+}  // namespace quordalvane
