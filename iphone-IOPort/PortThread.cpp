@@ -1,6 +1,10 @@
 // The port thread, and the carrying of open and close to it.
 
+#include <algorithm>
 #include <charconv>
+#include <cstdlib>
+#include <string>
+#include <string_view>
 #include <system_error>
 
 #include "iphone-IOPort/ExternalAccessoryPort.h"
@@ -11,13 +15,20 @@
 namespace quordalvane {
 namespace {
 
-/// The number that a version text begins with, whatever the locale; 0 if it begins with none.
+/// The number that a version text begins with, behind white space, whatever the locale; 0 if it
+/// begins with none, or with one below zero.
 float leadingNumber(std::string_view text) {
-  if (text.empty() || text.front() < '0' || text.front() > '9') {
+  text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+  text.remove_prefix(text.starts_with('+') ? 1 : 0);
+  if (text.find_first_of(".0123456789") != 0) {  // "inf" and "nan" are no numbers here
     return 0.0F;
   }
   float number = 0.0F;
-  std::from_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed);
+  const auto read = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (read.ec == std::errc::result_out_of_range) {
+    // That leaves open whether it is too large or too small for a float.
+    number = std::strtof(std::string(text).c_str(), nullptr);
+  }
   return number;
 }
 

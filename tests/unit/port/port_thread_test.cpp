@@ -327,7 +327,15 @@ INSTANTIATE_TEST_SUITE_P(
                     Version{"", false, ""}, Version{"nan", false, ""}, Version{"NaN", false, ""},
                     Version{"9.999", false, ""}, Version{"x10", false, ""},
                     Version{"6.1.0-rc1", false, ""}, Version{"12,5", true, "12.000000"},
-                    Version{"100", true, "100.000000"}, Version{"-10", false, ""}));
+                    Version{"100", true, "100.000000"}, Version{"-10", false, ""},
+                    Version{" 10.0", true, "10.000000"}, Version{"\t\n9.9", false, ""},
+                    Version{"+10", true, "10.000000"}, Version{"+-10", false, ""},
+                    Version{"1e2", true, "100.000000"}, Version{"1e", false, ""},
+                    Version{"100e-2", false, ""}, Version{".5e2", true, "50.000000"},
+                    Version{"9999999999999999999999999999999999999999", true, "inf"},
+                    Version{"1e99", true, "inf"}, Version{"1e-99", false, ""},
+                    Version{"inf", false, ""}, Version{"infinity", false, ""},
+                    Version{"0x10", false, ""}, Version{" ", false, ""}, Version{".", false, ""}));
 
 class Surprise {};
 
