@@ -206,6 +206,7 @@ std::int64_t ExternalAccessoryPort::retrieveButtonSecurityTimeout() {
     return -1;
   }
   WholeSecondsWait wait(platform_->clock(), timeout_);
+  wait.isOver();  // the end is taken with the start, too, unlike in the other queries
   ByteBuffer recvBuf;
   while (true) {
     const auto recvData = read(EXPECTED_RECV_SIZE - recvBuf.size()).value_or(ByteBuffer());

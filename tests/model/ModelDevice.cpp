@@ -150,6 +150,7 @@ std::int64_t Model::retrieveButtonSecurityTimeout() {
     return -1;
   }
   const std::int64_t start = second();
+  second();  // the end
   Bytes reply;
   while (true) {
     reply = reply + read(7 - reply.size()).value_or(Bytes{});

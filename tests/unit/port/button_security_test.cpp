@@ -40,6 +40,16 @@ TEST(ButtonSecurity, ReadsExactlySevenBytes) {
   )"));
 }
 
+TEST(ButtonSecurity, ReadsTheClockForTheStartAndForTheEndBeforeItReadsTheReply) {
+  const std::string all = withSetting(0x45).run(retrieveButtonSecurityTimeout()).all();
+  const std::size_t written = all.find("End writeWithRetry: | ");
+  const std::string_view between =
+      std::string_view(all).substr(written, all.find("Start read: | ") - written);
+  EXPECT_NE(between.find("\ngettimeofday 1000000.000000\ngettimeofday 1000000.000000\n"),
+            std::string::npos)
+      << between;
+}
+
 TEST(ButtonSecurity, JoinsAReplyThatComesInPieces) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.whenAsked(request, {{bytes("1b 23 2c")}, {bytes("31 85 00 0a"), 0.1}});
