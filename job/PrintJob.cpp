@@ -121,14 +121,12 @@ void PrintJob::stopIfReported() {
 
 void PrintJob::print(std::span<const std::uint8_t> data) {
   stopIfCancelled();
-  if (options_.checked && !begin()) {
-    return;
-  }
-  if (options_.checked && !synchronise()) {
+  if (options_.checked && !(begin() && synchronise())) {
     leaveBlock();
     return;
   }
   enter(PrintStage::Data);
+  result_.status.reset();  // what the printer was before says nothing of what becomes of the data
   if (!move(data, result_.bytesAccepted)) {
     return;
   }
@@ -233,11 +231,9 @@ bool PrintJob::isReadyInESCPOS() {
 }
 
 /// Ends the guarded stretch of a block that is not gone on with. A printer that was given a data
-/// time-out would else drop what others send it later.
+/// time-out, now or by an earlier job, would else drop what others send it later.
 void PrintJob::leaveBlock() {
-  if (port_->dataTimeoutSeconds() >= 0) {
-    port_->write(dataCancelEnd);
-  }
+  port_->write(dataCancelEnd);
 }
 
 /// Hands all of `data` to the link, each byte once, and counts in `accepted` what it took. False
@@ -271,7 +267,6 @@ bool PrintJob::move(std::span<const std::uint8_t> data, std::uint64_t& accepted)
       return stopForLostExchange("the link failed");
     }
     if (clock.monotonic() - lastProgress > limit) {
-      result_.status.reset();
       return stop(PrintObstacle::ExchangeFailed,
                   "the printer took no data for " + inSeconds(port_->timeoutMillis()));
     }
@@ -296,6 +291,7 @@ void PrintJob::end(std::span<const std::uint8_t> data) {
   enter(PrintStage::End);
   drainInput();
   report_.clear();
+  status_ = {};
   const std::string failure = endBlock();
   if (status_.rawLength > 0) {
     result_.status = status_;
@@ -311,22 +307,42 @@ void PrintJob::end(std::span<const std::uint8_t> data) {
   } else if (status_.offline != 0) {
     stop(PrintObstacle::PrinterNotReady, whyOffline(status_));
   } else {
-    stop(PrintObstacle::NoProof,
-         "the printer was off line for a while and has not reported the end of the job");
+    stop(PrintObstacle::NoProof, whyUnproven());
   }
+}
+
+/// Why a block that ended on a printer that is on line proves nothing.
+std::string PrintJob::whyUnproven() const {
+  if (port_->emulation() == ZKEmulationQuorLine) {
+    return "the printer's last answer is not a status with a counter";
+  }
+  if (const auto count = report_.lastCount()) {
+    return "the printer reported " + std::to_string(*count) + " ends of jobs instead of this one's";
+  }
+  return "the printer was off line for a while or garbled its report, and has not reported the end "
+         "of the job";
 }
 
 /// Ends the block on the port. Returns why that failed; "" if it did not.
 std::string PrintJob::endBlock() {
+  const auto start = port_->platform().clock().monotonic();
   try {
     const bool ended = endOnPort();
     awaitsReport_ = false;
-    return ended ? ""
-                 : "no confirmation within " + inSeconds(port_->endCheckedBlockTimeoutMillis());
+    return ended ? "" : whyNotEnded(port_->platform().clock().monotonic() - start);
   } catch (const PortException& exception) {
     awaitsReport_ = false;
     return exception.reason();
   }
+}
+
+std::string PrintJob::whyNotEnded(std::chrono::nanoseconds waited) const {
+  if (port_->emulation() == ZKEmulationUnknown) {
+    return "no job can be confirmed without a known emulation";
+  }
+  const std::uint32_t limit = port_->endCheckedBlockTimeoutMillis();
+  return waited < std::chrono::milliseconds(limit) ? "the printer's last status could not be had"
+                                                   : "no confirmation within " + inSeconds(limit);
 }
 
 /// As the port ends a block; with a last status also where the port was not left to come to it.

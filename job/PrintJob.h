@@ -47,8 +47,8 @@ struct PrintResult {
   std::uint64_t bytesTotal = 0;     ///< what the job has
   std::uint64_t bytesAccepted = 0;  ///< what the link took of the job, exactly
 
-  /// The last status that was obtained; none if none was, and none for a printer that then took no
-  /// more data: what it was ready for before says nothing of why.
+  /// The last status that was obtained; none if none was. Of a job whose data has begun to go out
+  /// only one from after the data: what the printer was before says nothing of what became of it.
   std::optional<QuorPrinterStatus_2> status;
 
   /// Why, for a person: "cover open", "link lost after 1,204 of 3,800 bytes". "" when printed.
@@ -128,6 +128,8 @@ class QUOR_EXPORT PrintJob : private TransferObserver {
   bool move(std::span<const std::uint8_t> data, std::uint64_t& accepted);
   void end(std::span<const std::uint8_t> data);
   std::string endBlock();
+  std::string whyNotEnded(std::chrono::nanoseconds waited) const;
+  std::string whyUnproven() const;
   bool endOnPort();
   void enter(PrintStage stage);
   void reportProgress() const;

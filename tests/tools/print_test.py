@@ -13,7 +13,7 @@ import time
 from harness import (DEADLINE, STATUS_KEYS, STATUS_REQUEST, Case, eventually, finish, main, receive, run, start,
                      status_block)
 
-KEYS = {"ok", "outcome", "resultCode", "bytesTotal", "bytesAccepted", "status"}
+KEYS = {"ok", "outcome", "resultCode", "bytesTotal", "bytesAccepted", "status", "error"}
 EVERY_BYTE = bytes(range(256))
 RESET_COUNTER = b"\x1b\x1e\x45\x00"
 
@@ -51,7 +51,7 @@ class Printing(Case):
             result = run("-d", simulator.place, "print", "--unchecked", "-", "--json", data=b"text\n")
             self.assertExit(6, result)
             answer = result.json()
-            self.assertEqual(set(answer), KEYS | {"error"})
+            self.assertEqual(set(answer), KEYS)
             self.assertEqual((answer["ok"], answer["outcome"], answer["status"]), (False, "unconfirmed", None))
             self.assertEqual((answer["bytesTotal"], answer["bytesAccepted"]), (5, 5))
 
@@ -79,7 +79,7 @@ class Printing(Case):
         result = run("-d", f"unix:{self.folder}/none", "print", "-", "--json", data=b"text\n")
         self.assertExit(3, result)
         answer = result.json()
-        self.assertEqual(set(answer), KEYS | {"error"})
+        self.assertEqual(set(answer), KEYS)
         self.assertEqual((answer["outcome"], answer["bytesTotal"], answer["bytesAccepted"]), ("refused", 5, 0))
 
     def test_files_that_cannot_be_read_are_named_and_nothing_is_sent(self):

@@ -64,7 +64,8 @@ Report reportOn(const PrintResult& result) {
                  {"resultCode", result.resultCode},
                  {"bytesTotal", result.bytesTotal},
                  {"bytesAccepted", result.bytesAccepted},
-                 {"status", result.status ? jsonOf(*result.status) : Json(nullptr)}};
+                 {"status", result.status ? jsonOf(*result.status) : Json(nullptr)},
+                 {"error", nullptr}};
   if (result.outcome == PrintOutcome::Printed) {
     report.text = "printed: the printer confirmed all " + grouped(result.bytesTotal) + " bytes\n";
   } else {

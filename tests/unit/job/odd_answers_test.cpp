@@ -14,10 +14,11 @@ namespace {
 using test::bytes;
 using test::Script;
 
-PrintResult printOn(const Script& script, PrintJob::Options options = {}) {
+PrintResult printOn(const Script& script, PrintJob::Options options = {},
+                    ZKEmulation emulation = ZKEmulationQuorLine) {
   test::ScriptedWorld world(script);
-  const auto port = ExternalAccessoryPort::initWithPortName("BT:", "", 2000, ZKEmulationQuorLine,
-                                                            world.platform());
+  const auto port =
+      ExternalAccessoryPort::initWithPortName("BT:", "", 2000, emulation, world.platform());
   EXPECT_TRUE(port->open());
   world.start();
   return PrintJob(port, std::move(options)).run(test::ascii("receipt\n"));
@@ -70,8 +71,10 @@ TEST(OddAnswers, ThatChangeTheirKindDuringTheJobConfirmNothing) {
   }
   script.wheneverAsked(kStatusRequest, {{bytes("09 01 00 00 00 00 02 00 05"), 0.0}});
   const PrintResult result = printOn(script);
-  EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed) << result.reason;
+  EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
   EXPECT_EQ(result.obstacle, PrintObstacle::NoProof);
+  EXPECT_EQ(result.reason,
+            "the printer's last answer is not a status with a counter after all 8 bytes");
 }
 
 TEST(OddAnswers, OfAPrinterThatTalksWithoutEndRefuseTheJob) {
@@ -82,6 +85,22 @@ TEST(OddAnswers, OfAPrinterThatTalksWithoutEndRefuseTheJob) {
   const PrintResult result = printOn(script);
   EXPECT_EQ(result.outcome, PrintOutcome::Refused);
   EXPECT_EQ(result.reason, "the printer has not answered all that it was asked");
+}
+
+TEST(OddAnswers, OfAPrinterThatWasOffLineForAMomentOnlyConfirmNothing) {
+  const auto onLine = bytes("12");
+  const auto request = bytes("10 04 01");
+  Script script;
+  script.whenAsked(request, {{onLine, 0.0}}).whenAsked(request, {{onLine, 0.0}});
+  script.whenAsked(request, {{bytes("1a"), 0.0}});
+  for (const char* const any : {"10 04 01", "10 04 02", "10 04 04"}) {
+    script.wheneverAsked(bytes(any), {{onLine, 0.0}});
+  }
+  const PrintResult result = printOn(script, {}, ZKEmulationESCPOS);
+  EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
+  EXPECT_EQ(result.reason,
+            "the printer was off line for a while or garbled its report, and has not reported the "
+            "end of the job after all 8 bytes");
 }
 
 TEST(OddAnswers, AFullLinkThatIsLostIsALostLink) {

@@ -105,6 +105,18 @@ TEST_P(InBothEmulations, AJobThatPrintsLongerThanTheEndTimeoutIsUnconfirmed) {
   EXPECT_EQ(result.reason, "no confirmation within 3 s after all 45 bytes");
 }
 
+TEST_P(InBothEmulations, AJobWhoseEndIsNotAnsweredTellsNoStatusFromBeforeIt) {
+  Till till(PrinterBuilder().speed(10), {.emulation = GetParam()});
+  till.port->close();
+  till.accessory->setFaults(with("at", "2000:drop-reply=all"));
+  ASSERT_TRUE(till.port->open());
+  const PrintResult result = till.print(kReceipt);
+  EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
+  EXPECT_EQ(result.reason, "no confirmation within 10 s after all 45 bytes");
+  // In line mode it was asked, and answered, between the data and the fault.
+  EXPECT_EQ(result.status.has_value(), GetParam() == ZKEmulationQuorLine);
+}
+
 TEST_P(InBothEmulations, AnEndOfBlockMarkInTheDataIsNeverTakenForTheJobs) {
   ByteBuffer data = kReceipt;
   data.insert(data.begin() + 5, {0x17, 0x17, 0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00});
@@ -166,22 +178,6 @@ TEST_P(InBothEmulations, AnImageWhosePayloadHoldsAMarkIsAnHonestJob) {
   const PrintResult result = till.print(data);
   EXPECT_EQ(result.outcome, PrintOutcome::Printed) << result.reason;
   EXPECT_EQ(till.printed(), data);
-}
-
-TEST_P(InBothEmulations, AJobWhoseRestTheDataTimeoutDroppedIsNeverPrinted) {
-  ByteBuffer data(100000, 'x');
-  Till till(PrinterBuilder().speed(50000), {.emulation = GetParam(), .portSettings = "d1"});
-  till.port->setEndCheckedBlockTimeoutMillis(3000);
-  bool paused = false;
-  PrintJob job(till.port, {.progress = [&](const PrintProgress& progress) {
-                 if (progress.stage == PrintStage::Data && !std::exchange(paused, true)) {
-                   till.platform->clock().usleep(2500000);
-                 }
-               }});
-  const PrintResult result = job.run(data);
-  EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
-  EXPECT_EQ(result.bytesAccepted, data.size());
-  EXPECT_LT(till.printed().size(), data.size());
 }
 
 TEST_P(InBothEmulations, ALinkLostInMidJobIsToldWithTheExactCount) {
@@ -282,20 +278,6 @@ TEST_P(InBothEmulations, AJobThatIsCancelledInALongImageIsGivenUpInTime) {
 }
 
 // The time-out of the block must not drop what others send to the printer afterwards.
-TEST_P(InBothEmulations, AJobThatIsCancelledLeavesNoDataTimeoutBehind) {
-  Till till(PrinterBuilder().speed(1000), {.emulation = GetParam(), .portSettings = "d1"});
-  PrintJob job(till.port);
-  till.at(milliseconds(1000), [&job] { job.cancel(); });
-  EXPECT_EQ(job.run(ByteBuffer(5000, 'x')).obstacle, PrintObstacle::Cancelled);
-  till.platform->clock().usleep(5000000);
-  ASSERT_TRUE(till.port->open());
-  till.port->write(kReceipt);
-  till.platform->clock().usleep(5000000);
-  const ByteBuffer paper = till.printed();
-  ASSERT_GE(paper.size(), kReceipt.size());
-  EXPECT_TRUE(std::equal(kReceipt.rbegin(), kReceipt.rend(), paper.rbegin()));
-}
-
 // The port's writer repeats itself without a pause once the link has taken a part of a command.
 TEST_P(InBothEmulations, AJobIsCancelledAlsoWhileThePortWritesWithoutEnd) {
   Till till(GetParam());
@@ -424,6 +406,32 @@ TEST(EscPosJob, ThatWasOffLineForAWhileIsNotPrintedWithoutItsReport) {
   EXPECT_LT(till.printed().size(), kReceipt.size());
 }
 
+TEST(EscPosJob, WhoseReportCountsAnothersEndTooSaysSo) {
+  Till till(ZKEmulationESCPOS);
+  PrintJob job(till.port, {.progress = [&till](const PrintProgress& progress) {
+                 if (progress.stage == PrintStage::Data && progress.bytesAccepted == 0) {
+                   till.accessory->withPrinter([](simulator::VirtualPrinter& printer, auto now) {
+                     printer.receive(ByteBuffer{0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00}, now);
+                   });
+                   till.platform->clock().usleep(500000);
+                 }
+               }});
+  const PrintResult result = job.run(kReceipt);
+  EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
+  EXPECT_EQ(result.reason,
+            "the printer reported 2 ends of jobs instead of this one's after all 45 bytes");
+}
+
+TEST(EscPosJob, WhoseLastStatusIsSpoiltSaysSo) {
+  Till till(ZKEmulationESCPOS);
+  till.port->close();
+  till.accessory->setFaults(with("stray-byte", "00"));
+  ASSERT_TRUE(till.port->open());
+  const PrintResult result = till.print(kReceipt);
+  EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
+  EXPECT_EQ(result.reason, "the printer's last status could not be had after all 45 bytes");
+}
+
 TEST(EscPosJob, IsNotConfirmedByTheLateReportOfAnEarlierOne) {
   Till till(PrinterBuilder().speed(10), {.emulation = ZKEmulationESCPOS});
   till.port->setEndCheckedBlockTimeoutMillis(1000);
@@ -479,6 +487,7 @@ TEST(AnyJob, OfUnknownEmulationIsSentAndNeverConfirmed) {
   Till till(PrinterBuilder(), {.emulation = ZKEmulationUnknown, .timeoutMillis = 1000});
   const PrintResult result = till.print(kReceipt);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
+  EXPECT_EQ(result.reason, "no job can be confirmed without a known emulation after all 45 bytes");
   EXPECT_EQ(till.printed(), kReceipt);
 }
 

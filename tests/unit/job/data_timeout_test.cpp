@@ -1,0 +1,86 @@
+// The data time-out: a printer that was given one drops what comes too late, and all that follows,
+// until a block ends.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "tests/unit/job/Till.h"
+
+namespace quordalvane {
+namespace {
+
+using simulator::PrinterBuilder;
+using std::chrono::milliseconds;
+
+const ByteBuffer kReceipt = bytesOf("Espresso  2.20\nCake      3.80\nTotal     6.00\n");
+
+class DataTimeout : public testing::TestWithParam<ZKEmulation> {
+ protected:
+  static Till tillWithTimeout(PrinterBuilder printer) {
+    return {std::move(printer), {.emulation = GetParam(), .portSettings = "d1"}};
+  }
+
+  /// Whether the printer prints what comes after a pause that is longer than the time-out.
+  static bool printsLaterOn(Till& till) {
+    till.platform->clock().usleep(5000000);
+    if (!till.port->isConnected()) {
+      EXPECT_TRUE(till.port->open());
+    }
+    till.port->write(kReceipt);
+    till.platform->clock().usleep(5000000);
+    const ByteBuffer paper = till.printed();
+    return paper.size() >= kReceipt.size() &&
+           std::equal(kReceipt.rbegin(), kReceipt.rend(), paper.rbegin());
+  }
+};
+
+INSTANTIATE_TEST_SUITE_P(Job, DataTimeout, testing::Values(ZKEmulationQuorLine, ZKEmulationESCPOS),
+                         [](const auto& parameter) {
+                           return parameter.param == ZKEmulationQuorLine ? "Line" : "EscPos";
+                         });
+
+TEST_P(DataTimeout, ThatDroppedAJobsRestLeavesItUnconfirmed) {
+  ByteBuffer data(100000, 'x');
+  Till till = tillWithTimeout(PrinterBuilder().speed(50000));
+  till.port->setEndCheckedBlockTimeoutMillis(3000);
+  bool paused = false;
+  PrintJob job(till.port, {.progress = [&](const PrintProgress& progress) {
+                 if (progress.stage == PrintStage::Data && !std::exchange(paused, true)) {
+                   till.platform->clock().usleep(2500000);
+                 }
+               }});
+  const PrintResult result = job.run(data);
+  EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
+  EXPECT_EQ(result.bytesAccepted, data.size());
+  EXPECT_LT(till.printed().size(), data.size());
+}
+
+TEST_P(DataTimeout, OfACancelledJobEndsWithIt) {
+  Till till = tillWithTimeout(PrinterBuilder().speed(1000));
+  PrintJob job(till.port);
+  till.at(milliseconds(1000), [&job] { job.cancel(); });
+  EXPECT_EQ(job.run(ByteBuffer(5000, 'x')).obstacle, PrintObstacle::Cancelled);
+  EXPECT_TRUE(printsLaterOn(till));
+}
+
+TEST_P(DataTimeout, OfAnEarlierJobEndsWithACancelledOne) {
+  Till till = tillWithTimeout(PrinterBuilder().speed(1000));
+  EXPECT_EQ(till.print(kReceipt).outcome, PrintOutcome::Printed);
+  till.port->setDataTimeoutSeconds(-1);
+  PrintJob job(till.port);
+  till.at(milliseconds(1000), [&job] { job.cancel(); });
+  EXPECT_EQ(job.run(ByteBuffer(5000, 'x')).obstacle, PrintObstacle::Cancelled);
+  EXPECT_TRUE(printsLaterOn(till));
+}
+
+TEST_P(DataTimeout, OfARefusedJobEndsWithIt) {
+  Till till = tillWithTimeout(PrinterBuilder().coverOpen());
+  EXPECT_EQ(till.print(kReceipt).outcome, PrintOutcome::Refused);
+  till.set("coverOpen", false);
+  EXPECT_TRUE(printsLaterOn(till));
+}
+
+}  // namespace
+}  // namespace quordalvane
