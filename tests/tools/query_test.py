@@ -325,8 +325,26 @@ class AgainstAPeer(Case):
         full = "virtual:,no-space=0:600000"
         self.assertFailsInBothForms(1, "-d", full, "-t", "0", "status", saying="the link did not take the request")
 
-    def test_an_unknown_emulation_has_no_status(self):
-        self.assertFailsInBothForms(1, "-e", "unknown", "status", saying="--emulation")
+    def test_without_a_known_emulation_no_printer_is_said_to_be_silent(self):
+        for command in (("status",), ("online",), ("firmware",), ("monitor", "--count", "1")):
+            result = run("-e", "unknown", *command, "--json")
+            self.assertExit(1, result)
+            self.assertIn("--emulation line or escpos", result.json()["error"])
+
+    def test_what_answers_like_no_printer_is_not_ready(self):
+        def check(words: bytes, *command: str):
+            def handle(connection):
+                while connection.recv(4096):
+                    connection.sendall(words)
+
+            result = run("-d", self.peer(handle).place, *command, "--json")
+            self.assertExit(1, result)
+            self.assertIs(result.json()["ok"], False)
+            self.assertIn("not a status of this emulation", result.json()["error"])
+
+        at_once((check, words, *command)
+                for words in (b"HTTP/1.1 400 Bad Request\r\n\r\n", b"\0", b"ERROR\r\n")
+                for command in (("status",), ("online",), ("monitor", "--count", "1")))
 
     def test_an_off_line_printer_is_not_asked_for_its_firmware(self):
         self.assertFailsInBothForms(4, "-d", "virtual:,coverOpen=true", "firmware", saying="off line")

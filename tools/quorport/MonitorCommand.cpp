@@ -7,6 +7,7 @@
 #include "tools/quorport/Joined.h"
 #include "tools/quorport/LiveLine.h"
 #include "tools/quorport/Printer.h"
+#include "tools/quorport/StatusAnswer.h"
 #include "tools/quorport/StatusFields.h"
 #include "tools/quorport/TimeText.h"
 
@@ -77,12 +78,7 @@ class Monitor {
       if (!printer_) {
         printer_.emplace(platform_, options_, surroundings_);
       }
-      QuorPrinterStatus_2 status = {};
-      const bool answered = printer_->exchange(
-          [&status](ExternalAccessoryPort& port) { return port.getParsedStatus(&status, 0); });
-      if (!answered) {
-        throw printer_->failure("the printer does not answer");
-      }
+      const QuorPrinterStatus_2 status = askForStatus(*printer_, 0);
       return {status.offline != 0 ? "not-ready" : "ready", joined(remarks(status), "; "),
               jsonOf(status), ExitCode::Done};
     } catch (const Failure& failure) {

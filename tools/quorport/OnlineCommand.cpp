@@ -4,7 +4,7 @@
 
 #include "tools/quorport/Commands.h"
 #include "tools/quorport/HeardBytes.h"
-#include "tools/quorport/Printer.h"
+#include "tools/quorport/StatusAnswer.h"
 
 namespace quordalvane::tool {
 namespace {
@@ -56,8 +56,8 @@ void hearOut(Port& port, const HeardBytes& heard) {
 
 /// Whether the port may have taken a part of the first answer for the second: it throws away what
 /// has come of the first when it asks again, and a late one, or one in bits, comes after that.
-bool isMixedUp(const std::vector<ByteBuffer>& reads) {
-  return !std::ranges::all_of(reads, areWholeBlocks);
+bool isMixedUpInLineMode(const HeardBytes& heard, bool answered) {
+  return answered && !std::ranges::all_of(heard.reads(), areWholeBlocks);
 }
 
 /// The same in ESC/POS, where the port refuses most parts of a block. One that heard nothing at
@@ -71,29 +71,28 @@ bool isMixedUpInESCPOS(const HeardBytes& heard, bool answered) {
 
 /// Where the two answers of the online test were mixed up, the printer is heard out and asked once
 /// more.
-bool isOnline(Port& port, bool& online) {
-  const HeardBytes heard(port.shared_from_this());
-  const bool answered = port.getOnlineStatus(&online);
-  const bool mixedUp = port.emulation() == ZKEmulationESCPOS ? isMixedUpInESCPOS(heard, answered)
-                                                             : answered && isMixedUp(heard.reads());
-  if (!mixedUp) {
-    return answered;
+bool isOnline(Printer& printer) {
+  Port& port = *printer.port();
+  const HeardBytes heard(printer.port());
+  bool online = false;
+  const bool answered =
+      printer.exchange([&online](Port& asked) { return asked.getOnlineStatus(&online); });
+  if (port.emulation() == ZKEmulationESCPOS ? isMixedUpInESCPOS(heard, answered)
+                                            : isMixedUpInLineMode(heard, answered)) {
+    hearOut(port, heard);
+    return askForStatus(printer, 2).offline == 0;
   }
-  hearOut(port, heard);
-  QuorPrinterStatus_2 status{};
-  const bool answeredAgain = port.getParsedStatus(&status, 2);
-  online = status.offline == 0;
-  return answeredAgain;
+  if (!answered) {
+    throw failureWithoutStatus(printer, "the printer did not answer");
+  }
+  return online;
 }
 
 }  // namespace
 
 Report online(const Options& options, const Surroundings& surroundings) {
   Printer printer(options, surroundings);
-  bool online = false;
-  if (!printer.exchange([&](Port& port) { return isOnline(port, online); })) {
-    throw printer.failure("the printer did not answer");
-  }
+  const bool online = isOnline(printer);
   Report report = done(online ? "on line" : "off line");
   report.json["online"] = online;
   report.code = online ? ExitCode::Done : ExitCode::NotReady;

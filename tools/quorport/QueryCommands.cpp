@@ -4,7 +4,7 @@
 #include "tools/quorport/Commands.h"
 #include "tools/quorport/HeardBytes.h"
 #include "tools/quorport/Hex.h"
-#include "tools/quorport/Printer.h"
+#include "tools/quorport/StatusAnswer.h"
 
 namespace quordalvane::tool {
 namespace {
@@ -40,7 +40,7 @@ Failure whyNoFirmware(Printer& printer) {
   if (!printer.isLinkLost() && printer.exchange(ask) && !isOnline) {
     return {ExitCode::NotReady, "the printer is off line, and is not asked for its firmware then"};
   }
-  return printer.failure("the printer did not say its firmware");
+  return failureWithoutStatus(printer, "the printer did not say its firmware");
 }
 
 }  // namespace

@@ -1,20 +1,12 @@
 #include "tools/quorport/Commands.h"
-#include "tools/quorport/Printer.h"
+#include "tools/quorport/StatusAnswer.h"
 #include "tools/quorport/StatusFields.h"
 
 namespace quordalvane::tool {
 
 Report status(const Options& options, const Surroundings& surroundings) {
   Printer printer(options, surroundings);
-  QuorPrinterStatus_2 record = {};
-  const bool answered = printer.exchange([&](ExternalAccessoryPort& port) {
-    return port.getParsedStatus(&record, options.statusLevel);
-  });
-  if (!answered) {
-    throw printer.failure(options.emulation == ZKEmulationUnknown
-                              ? "a status needs a known emulation: --emulation line or escpos"
-                              : "the printer did not answer");
-  }
+  const QuorPrinterStatus_2 record = askForStatus(printer, options.statusLevel);
   Report report;
   report.json["ok"] = true;
   report.json["status"] = jsonOf(record);

@@ -12,6 +12,7 @@
 #include "tools/quorport/HeardBytes.h"
 #include "tools/quorport/Hex.h"
 #include "tools/quorport/Printer.h"
+#include "tools/quorport/StatusAnswer.h"
 #include "tools/quorport/StatusFields.h"
 #include "tools/quorport/doctor/OpeningFindings.h"
 #include "tools/quorport/doctor/StatusFindings.h"
@@ -30,11 +31,11 @@ struct Answer {
   bool isLinkLost = false;
 };
 
-// The port tells a status block by its length alone, so that noise may pass for one.
+// Noise may begin like a block, too.
 bool isStatus(const QuorPrinterStatus_2& status, ZKEmulation emulation) {
   constexpr std::uint8_t layout = 1;
   return emulation != ZKEmulationQuorLine ||
-         ((status.raw[0] & 0xc0) == 0x80 && (status.rawLength < 2 || status.raw[1] == layout));
+         (isStatusBlock(status) && (status.rawLength < 2 || status.raw[1] == layout));
 }
 
 struct EmulationName {
