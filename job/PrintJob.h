@@ -110,6 +110,9 @@ class QUOR_EXPORT PrintJob : private TransferObserver {
   void cancel() noexcept { cancelled_ = true; }
 
  private:
+  /// Between looks at a link that has nothing and says so at once.
+  static constexpr std::uint64_t lookPauseMicroseconds = 10000;
+
   struct Cancelled {};
   struct Reported {};
 
