@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <chrono>
 #include <memory>
 #include <string>
@@ -16,6 +18,19 @@ namespace quordalvane {
 
 inline ByteBuffer bytesOf(std::string_view text) {
   return {text.begin(), text.end()};
+}
+
+inline const ByteBuffer kReceipt = bytesOf("Espresso  2.20\nCake      3.80\nTotal     6.00\n");
+
+inline simulator::Faults with(const char* fault, const char* value) {
+  simulator::Faults faults;
+  faults.add(fault, value);
+  return faults;
+}
+
+/// How the instances of a test for both emulations are told apart.
+inline std::string emulationName(const testing::TestParamInfo<ZKEmulation>& emulation) {
+  return emulation.param == ZKEmulationQuorLine ? "Line" : "EscPos";
 }
 
 /// A till under virtual time: one printer, and an open port to it.

@@ -14,8 +14,6 @@ namespace {
 using simulator::PrinterBuilder;
 using std::chrono::milliseconds;
 
-const ByteBuffer kReceipt = bytesOf("Espresso  2.20\nCake      3.80\nTotal     6.00\n");
-
 class DataTimeout : public testing::TestWithParam<ZKEmulation> {
  protected:
   static Till tillWithTimeout(PrinterBuilder printer) {
@@ -37,9 +35,7 @@ class DataTimeout : public testing::TestWithParam<ZKEmulation> {
 };
 
 INSTANTIATE_TEST_SUITE_P(Job, DataTimeout, testing::Values(ZKEmulationQuorLine, ZKEmulationESCPOS),
-                         [](const auto& parameter) {
-                           return parameter.param == ZKEmulationQuorLine ? "Line" : "EscPos";
-                         });
+                         emulationName);
 
 TEST_P(DataTimeout, ThatDroppedAJobsRestLeavesItUnconfirmed) {
   ByteBuffer data(100000, 'x');

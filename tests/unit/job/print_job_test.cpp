@@ -14,21 +14,10 @@ namespace {
 using simulator::PrinterBuilder;
 using std::chrono::milliseconds;
 
-const ByteBuffer kReceipt = bytesOf("Espresso  2.20\nCake      3.80\nTotal     6.00\n");
-
-simulator::Faults with(const char* fault, const char* value) {
-  simulator::Faults faults;
-  faults.add(fault, value);
-  return faults;
-}
-
 class InBothEmulations : public testing::TestWithParam<ZKEmulation> {};
 
 INSTANTIATE_TEST_SUITE_P(Job, InBothEmulations,
-                         testing::Values(ZKEmulationQuorLine, ZKEmulationESCPOS),
-                         [](const auto& parameter) {
-                           return parameter.param == ZKEmulationQuorLine ? "Line" : "EscPos";
-                         });
+                         testing::Values(ZKEmulationQuorLine, ZKEmulationESCPOS), emulationName);
 
 TEST_P(InBothEmulations, AJobThatCameOutIsPrinted) {
   Till till(GetParam());
@@ -231,126 +220,6 @@ TEST_P(InBothEmulations, APrinterThatTakesNothingMoreFailsTheJobAtTheTimeout) {
   EXPECT_THAT(result.reason, testing::StartsWith("the printer took no data for 5 s after 1,"));
   EXPECT_FALSE(result.status) << "it was on line when it was asked last, and is not";
   EXPECT_LT(till.platform->clock().monotonic() - start, std::chrono::seconds(8));
-}
-
-TEST_P(InBothEmulations, ACancelledJobTellsThePrinterToDropTheRestAndClosesThePort) {
-  const ByteBuffer data(5000, 'x');
-  Till till(PrinterBuilder().speed(100), {.emulation = GetParam()});
-  PrintJob job(till.port);
-  till.at(milliseconds(3000), [&job] { job.cancel(); });
-  const auto start = till.platform->clock().monotonic();
-  const PrintResult result = job.run(data);
-  EXPECT_LT(till.platform->clock().monotonic() - start, milliseconds(3500));
-  EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
-  EXPECT_EQ(result.obstacle, PrintObstacle::Cancelled);
-  EXPECT_THAT(result.reason,
-              testing::StartsWith("cancelled, and the printer was told to drop the rest after 4,"));
-  EXPECT_FALSE(till.port->isConnected());
-  till.platform->clock().usleep(60000000);
-  EXPECT_LT(till.printed().size(), 500U);
-}
-
-TEST_P(InBothEmulations, AJobThatIsCancelledInAnImageCompletesItSoThatThePrinterHearsTheCancel) {
-  ByteBuffer data = {0x1d, 0x76, 0x30, 0, 10, 0, 100, 0};
-  data.resize(8 + 1000, 0x55);
-  data.insert(data.end(), 5000, 'x');
-  Till till(PrinterBuilder().speed(1000).buffer(500), {.emulation = GetParam()});
-  PrintJob job(till.port);
-  till.at(milliseconds(350), [&job] { job.cancel(); });
-  const PrintResult result = job.run(data);
-  EXPECT_EQ(result.obstacle, PrintObstacle::Cancelled);
-  till.port->open();
-  EXPECT_EQ(till.print(kReceipt).outcome, PrintOutcome::Printed);
-}
-
-TEST_P(InBothEmulations, AJobThatIsCancelledInALongImageIsGivenUpInTime) {
-  ByteBuffer data = {0x1d, 0x76, 0x30, 0, 72, 0, 0xe8, 0x03};
-  data.resize(8 + 72000, 0x55);
-  Till till(PrinterBuilder().speed(2000), {.emulation = GetParam()});
-  PrintJob job(till.port);
-  till.at(milliseconds(3000), [&job] { job.cancel(); });
-  const auto start = till.platform->clock().monotonic();
-  const PrintResult result = job.run(data);
-  EXPECT_LT(till.platform->clock().monotonic() - start, milliseconds(4000));
-  EXPECT_EQ(result.obstacle, PrintObstacle::Cancelled);
-  EXPECT_THAT(result.reason, testing::StartsWith("cancelled inside a command whose rest"));
-  EXPECT_FALSE(till.port->isConnected());
-}
-
-// The time-out of the block must not drop what others send to the printer afterwards.
-// The port's writer repeats itself without a pause once the link has taken a part of a command.
-TEST_P(InBothEmulations, AJobIsCancelledAlsoWhileThePortWritesWithoutEnd) {
-  Till till(GetParam());
-  till.port->close();
-  till.accessory->setFaults(with("no-space", "2:3000"));
-  ASSERT_TRUE(till.port->open());
-  PrintJob job(till.port);
-  till.at(milliseconds(2990), [&job] { job.cancel(); });
-  EXPECT_EQ(job.run(kReceipt).outcome, PrintOutcome::Refused);
-}
-
-TEST_P(InBothEmulations, AJobIsCancelledAlsoWhileThePortOffersWithoutEndWhatTheLinkDoesNotTake) {
-  Till till(GetParam());
-  till.port->close();
-  simulator::Faults full = with("no-space", "4:120");
-  full.add("no-space", "6:600000");
-  till.accessory->setFaults(full);
-  ASSERT_TRUE(till.port->open());
-  PrintJob job(till.port);
-  till.at(milliseconds(3000), [&job] { job.cancel(); });
-  const auto start = till.platform->clock().monotonic();
-  EXPECT_EQ(job.run(kReceipt).outcome, PrintOutcome::Refused);
-  EXPECT_LT(till.platform->clock().monotonic() - start, milliseconds(4000));
-}
-
-TEST_P(InBothEmulations, AJobThatIsCancelledTwiceIsCancelled) {
-  Till till(PrinterBuilder().speed(100), {.emulation = GetParam()});
-  till.port->close();
-  till.accessory->setFaults(with("no-space", "300:60000"));
-  ASSERT_TRUE(till.port->open());
-  PrintJob job(till.port, {.checked = false});
-  for (const int at : {1000, 1050, 1100, 1150, 1200}) {
-    till.at(milliseconds(at), [&job] { job.cancel(); });
-  }
-  EXPECT_EQ(job.run(ByteBuffer(5000, 'x')).obstacle, PrintObstacle::Cancelled);
-  EXPECT_FALSE(till.port->isConnected());
-}
-
-TEST_P(InBothEmulations, AJobThatIsCancelledBeforeItBeganSendsNothing) {
-  Till till(GetParam());
-  PrintJob job(till.port);
-  job.cancel();
-  const PrintResult result = job.run(kReceipt);
-  EXPECT_EQ(result.outcome, PrintOutcome::Refused);
-  EXPECT_EQ(result.obstacle, PrintObstacle::Cancelled);
-  EXPECT_EQ(till.printed(), ByteBuffer());
-}
-
-TEST_P(InBothEmulations, AJobThatIsCancelledOnAFullLinkGivesItsLastWordUp) {
-  for (const char* const noSpace : {"0:60000", "300:60000"}) {
-    Till till(GetParam());
-    till.port->close();
-    till.accessory->setFaults(with("no-space", noSpace));
-    ASSERT_TRUE(till.port->open());
-    PrintJob job(till.port, {.checked = false});
-    till.at(milliseconds(1000), [&job] { job.cancel(); });
-    const auto start = till.platform->clock().monotonic();
-    ByteBuffer image = {0x1d, 0x76, 0x30, 0, 100, 0, 100, 0};
-    image.resize(image.size() + 10000, 0x55);
-    EXPECT_THAT(job.run(image).reason, testing::Not(testing::HasSubstr("was told"))) << noSpace;
-    EXPECT_LT(till.platform->clock().monotonic() - start, milliseconds(2500)) << noSpace;
-    EXPECT_FALSE(till.port->isConnected());
-  }
-}
-
-TEST_P(InBothEmulations, AJobThatIsCancelledOnAClosedPortSaysNoMoreThanThat) {
-  Till till(GetParam());
-  till.port->close();
-  PrintJob job(till.port);
-  job.cancel();
-  const PrintResult result = job.run(kReceipt);
-  EXPECT_EQ(result.outcome, PrintOutcome::Refused);
-  EXPECT_EQ(result.reason, "cancelled");
 }
 
 TEST_P(InBothEmulations, AJobWithoutABlockIsNeverCalledPrinted) {
