@@ -145,7 +145,7 @@ class QUOR_EXPORT ExternalAccessoryPort
 
   /// Asks the printer for its status and fills `quorPrinterStatus`, which must not be null. What
   /// the input holds is thrown away first. True when the record was filled from a complete reply.
-  /// False when the printer did not answer (line mode: the request is sent twice, about 0.5 s each;
+  /// False when the printer did not answer (line mode: the request is sent twice, about 1.5 s each;
   /// ESC/POS: within the time-out), answered nonsense (ESC/POS), a query could not be written
   /// (ESC/POS), or the emulation is unknown. On false the record is untouched in line mode and may
   /// be partly written in ESC/POS. `level` is only logged.

@@ -174,7 +174,7 @@ constexpr Form kForms[] = {
     {FaultKind::printsNothing, "prints-nothing", "true",
      "print data and ETBs are taken and lost; status is answered", parseTrue},
     {FaultKind::at, "at", "MS:KEY=VALUE with a printer setting or another fault",
-     "so long after it was given, this setting or fault comes", parseAt},
+     "so long after the link began or the control line came, this setting or fault comes", parseAt},
 };
 
 const Form* formNamed(Text name) {

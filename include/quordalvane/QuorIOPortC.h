@@ -96,8 +96,9 @@ QUOR_EXPORT void quor_port_free(QuorPort* port);
  * the link's own connect time. QUOR_FAILED when none matches or it cannot be reached. */
 QUOR_EXPORT QuorCode quor_port_open(QuorPort* port);
 
-/** Ends the session and, on the main thread, the port's thread; 0.1 s to 0.2 s. Harmless on a port
- * that is not open. */
+/** Ends the session and, on the main thread, the port's thread; 0.1 s to 0.2 s, and then as long as
+ * the session waits for the printer to take what is under way: at most two seconds over a socket,
+ * and not at all where nothing is. Harmless on a port that is not open. */
 QUOR_EXPORT QuorCode quor_port_close(QuorPort* port);
 
 /** 1 while the chosen accessory is attached, also when an open found it and got no session; 0
@@ -141,7 +142,7 @@ QUOR_EXPORT QuorCode quor_port_set_transfer_observer(QuorPort* port, QuorBytesWr
 /* ---- Port: status ---------------------------------------------------------------------------- */
 
 /** Asks the printer for its status; `level` is only logged. QUOR_FAILED when there was no usable
- * answer: after about 1 s in line mode, the record then untouched; within the time-out in ESC/POS,
+ * answer: after about 3 s in line mode, the record then untouched; within the time-out in ESC/POS,
  * the record then perhaps partly written. QUOR_PORT_EXCEPTION when the link is lost. What waits in
  * the input is thrown away. */
 QUOR_EXPORT QuorCode quor_port_get_parsed_status(QuorPort* port, QuorPrinterStatus_2* status,
