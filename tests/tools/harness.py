@@ -1,7 +1,7 @@
 """What the tests of the command share: running it, a virtual printer that it serves, peers of our own.
 
-Nothing here sleeps for a fixed time: everything waits for a line, a byte or an end, and gives up at a
-deadline.
+Everything waits for a line, a byte or an end, and gives up at a deadline. Only a printer that pauses within a
+reply sleeps for a fixed time, once what it has said has been read.
 """
 
 import concurrent.futures

@@ -249,7 +249,6 @@ class LostLinks(Case):
         self.assertLess(result.json()["bytesAccepted"], 8_000_000)
         self.assertIn("link", result.json()["error"])
 
-
     def test_a_printer_that_reports_while_it_reads_slowly_gets_the_whole_job(self):
         taken = bytearray()
         ended = threading.Event()
