@@ -61,21 +61,27 @@ Scheduler::Thread* Scheduler::current() const {
   return place.scheduler == this ? place.thread : nullptr;
 }
 
-void Scheduler::waitUntil(Instant instant) {
-  Thread* self = current();
+Scheduler::Thread& Scheduler::waiter() const {
+  Thread* const self = current();
   if (self == nullptr) {
     throw std::logic_error(
         "a thread that the virtual platform did not make cannot wait in its time");
   }
+  return *self;
+}
+
+void Scheduler::waitUntil(Instant instant) {
+  Thread& self = waiter();
   std::unique_lock lock(mutex_);
-  self->due = {std::max(instant, now_), sequence_++};
-  wait(lock, *self);
+  self.due = {std::max(instant, now_), sequence_++};
+  wait(lock, self);
 }
 
 void Scheduler::waitUntilWoken() {
+  Thread& self = waiter();
   std::unique_lock lock(mutex_);
-  current()->due.reset();
-  wait(lock, *current());
+  self.due.reset();
+  wait(lock, self);
 }
 
 void Scheduler::wake(Thread& thread) {

@@ -47,12 +47,16 @@ class Scheduler {
   /// The calling thread; null if it takes no turns here.
   Thread* current() const;
 
+  /// The calling thread. Raises std::logic_error if it takes no turns here, and so cannot wait.
+  Thread& waiter() const;
+
   /// Waits until `instant`, or until another thread wakes this one. An instant that is past gives
-  /// way to the threads and events that are due by now. Called by a thread that takes turns.
+  /// way to the threads and events that are due by now. Raises std::logic_error on a thread that
+  /// takes no turns here.
   void waitUntil(Instant instant);
 
   /// Waits until another thread wakes this one. Ends the process with a message when nothing can:
-  /// every thread waits and no event is to come.
+  /// every thread waits and no event is to come. Raises as `waitUntil`.
   void waitUntilWoken();
 
   /// Makes a waiting thread due now.

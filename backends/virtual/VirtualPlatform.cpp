@@ -1,5 +1,6 @@
 #include "backends/virtual/VirtualPlatform.h"
 
+#include <csignal>
 #include <utility>
 
 #include "backends/virtual/VirtualThread.h"
@@ -110,6 +111,10 @@ std::shared_ptr<NSThread> VirtualPlatform::makeThread(std::function<void()> body
 
 bool VirtualPlatform::isMainThread() {
   return constructedOnMain_ && clock_.scheduler().current() == firstThread_;
+}
+
+void VirtualPlatform::ignoreSigPipe() {
+  std::signal(SIGPIPE, SIG_IGN);
 }
 
 }  // namespace quordalvane::virtuals

@@ -71,7 +71,7 @@ class VirtualPlatform : public Platform {
   NSRunLoop& currentRunLoop() override;
   std::shared_ptr<NSThread> makeThread(std::function<void()> body) override;
   bool isMainThread() override;
-  void ignoreSigPipe() override {}
+  void ignoreSigPipe() override;
 
  private:
   class Manager;

@@ -115,9 +115,12 @@ bool VirtualThread::performAndWait(std::function<void()> routine) {
     routine();
     return true;
   }
+  if (thread_ == nullptr) {
+    return false;
+  }
+  Scheduler::Thread& caller = scheduler_.waiter();
   bool done = false;
   std::exception_ptr raised;
-  Scheduler::Thread* const caller = scheduler_.current();
   const bool accepted = loop_->post([&] {
     try {
       routine();
@@ -125,9 +128,9 @@ bool VirtualThread::performAndWait(std::function<void()> routine) {
       raised = std::current_exception();
     }
     done = true;
-    scheduler_.wake(*caller);
+    scheduler_.wake(caller);
   });
-  if (!accepted || thread_ == nullptr) {
+  if (!accepted) {
     return false;
   }
   scheduler_.wake(*thread_);

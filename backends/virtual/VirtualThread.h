@@ -41,6 +41,8 @@ class VirtualThread : public NSThread {
 
   bool start() override;
   void cancel() override {}
+
+  /// As promised, for callers that take turns in virtual time; raises std::logic_error on others.
   bool performAndWait(std::function<void()> routine) override;
 
  private:

@@ -53,7 +53,7 @@ RULES = (
     Rule("simulator", (), (STANDARD - THREADS) | DRAWING, NO_CLOCK),
     Rule("backends", ("platform", PUBLIC), STANDARD, NO_CLOCK),
     Rule("backends/Device*", ("platform", "backends", PUBLIC), STANDARD, NO_CLOCK),
-    Rule("backends/virtual", ("platform", "backends/*", "simulator"), STANDARD, NO_CLOCK),
+    Rule("backends/virtual", ("platform", "backends/*", "simulator"), STANDARD | {"csignal"}, NO_CLOCK),
     Rule("backends/posix", ("platform", "backends/*", PUBLIC), EVERY_SYSTEM_HEADER),
     Rule("job", ("iphone-IOPort", PUBLIC), STANDARD, NO_CLOCK),
     Rule("c-interface", ("job", "iphone-IOPort", "logging", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
