@@ -109,8 +109,13 @@ void RotatingFile::dropTornLine(std::string_view written) {
 }
 
 void RotatingFile::rotate() {
-  for (unsigned age = rotation_.keptFiles; age > 1; --age) {
-    std::rename(keptName(age - 1).c_str(), keptName(age).c_str());  // a gap in the row is no error
+  // Only the files that there are need to move: the number that may be kept can be immense.
+  unsigned free = 1;
+  while (free < rotation_.keptFiles && ::access(keptName(free).c_str(), F_OK) == 0) {
+    ++free;
+  }
+  for (unsigned age = free; age > 1; --age) {
+    std::rename(keptName(age - 1).c_str(), keptName(age).c_str());
   }
   const bool madeRoom = rotation_.keptFiles > 0
                             ? std::rename(path_.c_str(), keptName(1).c_str()) == 0

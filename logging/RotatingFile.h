@@ -18,10 +18,10 @@ struct LogRotation {
 };
 
 /// A file of lines that grows at its end. A line that would lead beyond the maximum begins a new
-/// file: FILE becomes FILE.1, FILE.1 becomes FILE.2, and so on, the oldest is replaced. A line is
-/// never parted between files; one that is longer than the maximum has a file of its own. Only a
-/// regular file is rotated. For one thread, and one process: two that rotate the same file lose
-/// lines.
+/// file: FILE becomes FILE.1, FILE.1 becomes FILE.2, and so on up to the first number that is free;
+/// where none is, the oldest is replaced. A line is never parted between files; one that is longer
+/// than the maximum has a file of its own. Only a regular file is rotated. For one thread, and one
+/// process: two that rotate the same file lose lines.
 class QUOR_EXPORT RotatingFile {
  public:
   /// Opens the file, which is made when missing, readable and writable for its owner alone, and

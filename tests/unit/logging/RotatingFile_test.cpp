@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 
 #include <csignal>
+#include <limits>
 
 #include "tests/unit/logging/LogFixtures.h"
 
@@ -57,6 +58,23 @@ TEST_F(RotatingFileTest, KeepsTheNewestFilesAndReplacesTheOldest) {
   EXPECT_EQ(contents(), "ddd\n");
   EXPECT_EQ(contents(".1"), "ccc\n");
   EXPECT_EQ(contents(".2"), "bbb\n");
+  EXPECT_FALSE(exists(".3"));
+}
+
+TEST_F(RotatingFileTest, RotatesAtOnceHoweverManyFilesAreToBeKept) {
+  RotatingFile file(path_, {.maximumBytes = 4, .keptFiles = std::numeric_limits<unsigned>::max()});
+  put(file, {"aaa\n", "bbb\n", "ccc\n"});
+  EXPECT_EQ(contents(), "ccc\n");
+  EXPECT_EQ(contents(".1"), "bbb\n");
+  EXPECT_EQ(contents(".2"), "aaa\n");
+}
+
+TEST_F(RotatingFileTest, MovesNoFileBehindAFreeNumber) {
+  std::ofstream(path_ + ".2") << "old\n";
+  RotatingFile file(path_, {.maximumBytes = 4, .keptFiles = 3});
+  put(file, {"aaa\n", "bbb\n"});
+  EXPECT_EQ(contents(".1"), "aaa\n");
+  EXPECT_EQ(contents(".2"), "old\n");
   EXPECT_FALSE(exists(".3"));
 }
 
