@@ -40,8 +40,8 @@ class LogDelivery {
   void handOver(LogRecord&& record) noexcept { queue_.push(std::move(record)); }
 
   /// Gives `sink`, never null and shared from now on, every record that is handed over hereafter,
-  /// and those that still wait. Throws std::system_error when the writer thread cannot be started;
-  /// nothing has changed then.
+  /// and those that still wait. Throws std::system_error when the writer thread cannot be started
+  /// and std::bad_alloc where memory is short; nothing has changed then.
   void addSink(std::shared_ptr<LogSink> sink);
 
   /// Takes the sink away; one that was never added is ignored. Does not wait: records being
@@ -50,7 +50,8 @@ class LogDelivery {
   void removeSink(const std::shared_ptr<LogSink>& sink);
 
   /// How many records may wait for the sinks; 8,192 at first. Those that the sinks are being given
-  /// count no more. Throws std::invalid_argument for zero.
+  /// count no more. Throws std::invalid_argument for zero and for more than 1,048,576, and
+  /// std::bad_alloc where memory is short; nothing has changed then.
   void setQueueCapacity(std::size_t records);
 
   /// Waits until the sinks have been given every record queued so far, or until `timeout` has

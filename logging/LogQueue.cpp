@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <new>
 #include <stdexcept>
+#include <string>
 #include <utility>
 
 namespace quordalvane {
@@ -40,8 +41,9 @@ void LogQueue::push(LogRecord&& record) noexcept {
 }
 
 void LogQueue::setCapacity(std::size_t records) {
-  if (records == 0) {
-    throw std::invalid_argument("a log queue holds at least one record");
+  if (records == 0 || records > kMaximumCapacity) {
+    throw std::invalid_argument("a log queue holds 1 to " + std::to_string(kMaximumCapacity) +
+                                " records, not " + std::to_string(records));
   }
   const std::lock_guard lock(mutex_);
   if (open_) {

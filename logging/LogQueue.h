@@ -30,8 +30,12 @@ class LogQueue {
     std::uint64_t dropped = 0;     ///< those that found it full, or were lost
   };
 
-  /// How many records may wait at first.
+  /// How many records may wait at first, and how many at most: room for as many is taken at once,
+  /// and again by the writer, and some hundred megabytes are the most that a log may be worth.
+  /// @{
   static constexpr std::size_t kDefaultCapacity = 8192;
+  static constexpr std::size_t kMaximumCapacity = 1048576;
+  /// @}
 
   /// The messages that wait may hold this many bytes together before the queue counts as full,
   /// however few they are: dumps of print data are long.
@@ -51,7 +55,8 @@ class LogQueue {
   void push(LogRecord&& record) noexcept;
 
   /// How many records may wait; those that the writer has taken count no more. When more wait
-  /// already they stay, and the queue is full. Throws std::invalid_argument for zero.
+  /// already they stay, and the queue is full. Throws std::invalid_argument for zero and for more
+  /// than the maximum, and std::bad_alloc where memory is short; nothing has changed then.
   void setCapacity(std::size_t records);
 
   /// From `open` to `close` the queue takes records. It begins closed, and holds no memory until it

@@ -433,7 +433,7 @@ QUOR_EXPORT QuorCode quor_log_remove_sink(QuorLogSink* sink);
 QUOR_EXPORT QuorCode quor_log_flush(uint32_t timeout);
 
 /** How many records may wait for the sinks, 8192 at first; what finds no room is dropped and
- * counted. QUOR_USAGE for 0. */
+ * counted. QUOR_USAGE for 0 and for more than 1048576. */
 QUOR_EXPORT QuorCode quor_log_set_queue_capacity(size_t records);
 
 /** What the logger has done since the process began. */

@@ -1,4 +1,5 @@
 #include <pthread.h>
+#include <stdint.h>
 #include <stdio.h>
 #include <string.h>
 
@@ -169,19 +170,22 @@ static void ASinkAtWorkIsRemovedAndToldSo(void) {
   EXPECT(quor_log_flush(60000) == QUOR_OK);
 }
 
-static void TheQueueTakesNoCapacityOfNothing(void) {
-  EXPECT_FAILURE(quor_log_set_queue_capacity(0), QUOR_USAGE, "");
+static void TheQueueTakesNoCapacityOfNothingAndNoneBeyondItsMaximum(void) {
+  EXPECT_FAILURE(quor_log_set_queue_capacity(0), QUOR_USAGE, "1 to 1048576");
+  EXPECT_FAILURE(quor_log_set_queue_capacity(1048577), QUOR_USAGE, "1 to 1048576");
+  EXPECT_FAILURE(quor_log_set_queue_capacity(SIZE_MAX), QUOR_USAGE, "1 to 1048576");
   EXPECT(quor_log_set_queue_capacity(100) == QUOR_OK);
   EXPECT(quor_log_remove_sink(NULL) == QUOR_OK);
   EXPECT_FAILURE(quor_log_statistics(NULL), QUOR_USAGE, "statistics");
 }
 
-const Sentence loggingSentences[] = {SENTENCE(RecordsReachTheFunctionUntilItIsRemoved),
-                                     SENTENCE(NothingIsLoggedUntilItIsSwitchedOn),
-                                     SENTENCE(OnlyWantedLevelsAreLogged),
-                                     SENTENCE(AFileHoldsAnObjectALine),
-                                     SENTENCE(AFileThatCannotBeOpenedIsRefused),
-                                     SENTENCE(StandardErrorIsASink),
-                                     SENTENCE(ASinkAtWorkIsRemovedAndToldSo),
-                                     SENTENCE(TheQueueTakesNoCapacityOfNothing),
-                                     {NULL, NULL}};
+const Sentence loggingSentences[] = {
+    SENTENCE(RecordsReachTheFunctionUntilItIsRemoved),
+    SENTENCE(NothingIsLoggedUntilItIsSwitchedOn),
+    SENTENCE(OnlyWantedLevelsAreLogged),
+    SENTENCE(AFileHoldsAnObjectALine),
+    SENTENCE(AFileThatCannotBeOpenedIsRefused),
+    SENTENCE(StandardErrorIsASink),
+    SENTENCE(ASinkAtWorkIsRemovedAndToldSo),
+    SENTENCE(TheQueueTakesNoCapacityOfNothingAndNoneBeyondItsMaximum),
+    {NULL, NULL}};

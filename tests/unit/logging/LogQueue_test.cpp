@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <stdexcept>
 
 #include "tests/support/SleepingThread.h"
@@ -113,8 +114,22 @@ TEST_F(LogQueueTest, KeepsWhatWaitsWhenTheCapacityFallsBelowIt) {
   EXPECT_EQ(batch.dropped, 1U);
 }
 
-TEST_F(LogQueueTest, RefusesACapacityOfZero) {
-  EXPECT_THROW(queue_.setCapacity(0), std::invalid_argument);
+TEST_F(LogQueueTest, RefusesACapacityOfZeroOrBeyondTheMaximumWhetherOpenOrNot) {
+  for (const bool open : {false, true}) {
+    for (const std::size_t records : {std::size_t{0}, LogQueue::kMaximumCapacity + 1,
+                                      std::numeric_limits<std::size_t>::max()}) {
+      try {
+        queue_.setCapacity(records);
+        FAIL() << records << " was taken";
+      } catch (const std::invalid_argument& refusal) {
+        EXPECT_EQ(refusal.what(),
+                  "a log queue holds 1 to 1048576 records, not " + std::to_string(records));
+      }
+    }
+    if (!open) {
+      queue_.open();
+    }
+  }
 }
 
 TEST_F(LogQueueTest, Holds8192RecordsUnlessToldOtherwise) {
