@@ -88,8 +88,8 @@ typedef struct QuorPort QuorPort;
 QUOR_EXPORT QuorCode quor_port_create(const char* port_name, const char* port_settings,
                                       uint32_t timeout, int32_t emulation, QuorPort** port);
 
-/** Gives the handle back. A port that was opened is to be closed before: freeing does not end its
- * thread. */
+/** Gives the handle back; not inside of the port's own observer functions. A port that was opened
+ * is to be closed before: freeing does not end its thread. */
 QUOR_EXPORT void quor_port_free(QuorPort* port);
 
 /** Chooses the accessory that the port name designates and opens a session on it. Takes 0.1 s and
@@ -128,7 +128,7 @@ QUOR_EXPORT QuorCode quor_port_write_with_retry(QuorPort* port, const void* comm
 /** Functions that see every byte that passes, on the thread that moves it: `bytes_written` how many
  * the link took, `bytes_read` what a read is about to return; both may be nothing. One that returns
  * other than 0 stops the operation that moves the bytes, with QUOR_STOPPED. `context` is the one
- * that was set with them.
+ * that was set with them. Neither may free the port, nor set its observers.
  * @{ */
 typedef int32_t (*QuorBytesWritten)(void* context, size_t count);
 typedef int32_t (*QuorBytesRead)(void* context, const uint8_t* bytes, size_t count);
