@@ -7,6 +7,7 @@
 #include "c-interface/Buffers.h"
 #include "c-interface/Handles.h"
 #include "c-interface/SameNumber.h"
+#include "iphone-IOPort/PortName.h"
 
 using namespace quordalvane;
 using namespace quordalvane::c;
@@ -29,17 +30,24 @@ ZKEmulation emulationOf(int32_t number) {
   return static_cast<ZKEmulation>(number);
 }
 
-// An open that failed has still chosen its accessory where one matched.
-std::string whyNotOpen(ExternalAccessoryPort& port) {
-  if (!port.isConnected()) {
-    return "no accessory matches the port name";
+// An open that failed has still chosen its accessory where one matched, and then tells of it. Two
+// may have the same identifier.
+bool hasChosen(const ExternalAccessoryPort& port, EAAccessory& accessory) {
+  return accessory.connectionID() == port.connectionID() && accessory.name() == port.name() &&
+         accessory.serialNumber() == port.serialNumber();
+}
+
+std::string whyNotOpen(const ExternalAccessoryPort& port) {
+  const auto portName = port.portName();
+  if (portName && !prefixLength(*portName)) {
+    return tooShort(*portName);
   }
   for (const auto& accessory : port.platform().sharedAccessoryManager().connectedAccessories()) {
-    if (accessory->connectionID() == port.connectionID()) {
+    if (hasChosen(port, *accessory)) {
       return "the printer cannot be reached: " + lastOpenError(*accessory);
     }
   }
-  return "the printer cannot be reached";
+  return "no accessory matches the port name";
 }
 
 using Writer = std::int32_t (ExternalAccessoryPort::*)(const ByteBuffer&);

@@ -257,6 +257,7 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// What the port was created with: the time-out in milliseconds, the platform alive with the
   /// port.
   /// @{
+  std::optional<std::string> portName() const { return portName_; }
   ZKEmulation emulation() const { return p_emulation; }
   std::uint32_t timeoutMillis() const { return timeout_; }
   Platform& platform() const { return *platform_; }

@@ -19,4 +19,9 @@ std::optional<std::size_t> prefixLength(std::string_view portName) {
   return length;
 }
 
+std::string tooShort(std::string_view portName) {
+  return "the port name \"" + std::string(portName) +
+         "\" is shorter than its prefix of three characters, BT:";
+}
+
 }  // namespace quordalvane

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace quordalvane {
@@ -10,5 +11,8 @@ namespace quordalvane {
 /// whatever they are. None when the name has fewer. Names are UTF-8; a byte that belongs to no
 /// valid character counts as one.
 std::optional<std::size_t> prefixLength(std::string_view portName);
+
+/// What to tell people of a name that has fewer.
+std::string tooShort(std::string_view portName);
 
 }  // namespace quordalvane

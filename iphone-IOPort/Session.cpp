@@ -31,8 +31,7 @@ std::optional<std::string> designationIn(const std::optional<std::string>& portN
   }
   const auto prefix = prefixLength(*portName);
   if (!prefix) {
-    throw std::out_of_range("the port name \"" + *portName +
-                            "\" is shorter than its prefix of three characters, BT:");
+    throw std::out_of_range(tooShort(*portName));
   }
   return portName->substr(*prefix);
 }

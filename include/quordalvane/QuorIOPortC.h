@@ -93,7 +93,8 @@ QUOR_EXPORT QuorCode quor_port_create(const char* port_name, const char* port_se
 QUOR_EXPORT void quor_port_free(QuorPort* port);
 
 /** Chooses the accessory that the port name designates and opens a session on it. Takes 0.1 s and
- * the link's own connect time. QUOR_FAILED when none matches or it cannot be reached. */
+ * the link's own connect time. QUOR_FAILED when the port name is shorter than its prefix of three
+ * characters, when no accessory matches, or when the one that does cannot be reached. */
 QUOR_EXPORT QuorCode quor_port_open(QuorPort* port);
 
 /** Ends the session and, on the main thread, the port's thread; 0.1 s to 0.2 s, and then as long as

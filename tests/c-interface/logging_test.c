@@ -56,6 +56,24 @@ static void NothingIsLoggedUntilItIsSwitchedOn(void) {
   EXPECT(journal.records == 0);
 }
 
+static void countLooksAtTheConnection(void* context, const QuorLogRecord* record) {
+  unsigned* looks = context;
+  *looks += strstr(record->method, "isConnected") != NULL;
+}
+
+static void AnOpenThatFailsLogsNothingThatNobodyAsked(void) {
+  unsigned looks = 0;
+  QuorLogSink* sink = NULL;
+  REQUIRE(quor_log_add_function(countLooksAtTheConnection, &looks, &sink) == QUOR_OK);
+  QuorPort* port = portTo("unix:/no/such/place", QUOR_EMULATION_LINE);
+  quor_log_set_logging(1);
+  EXPECT_FAILURE(quor_port_open(port), QUOR_FAILED, "cannot be reached");
+  quor_log_set_logging(0);
+  EXPECT(quor_log_remove_sink(sink) == QUOR_OK);
+  EXPECT(looks == 0);
+  done(port);
+}
+
 static void OnlyWantedLevelsAreLogged(void) {
   const int32_t levels[] = {3, 63};
   const int32_t unknown[] = {3, 64};
@@ -182,6 +200,7 @@ static void TheQueueTakesNoCapacityOfNothingAndNoneBeyondItsMaximum(void) {
 const Sentence loggingSentences[] = {
     SENTENCE(RecordsReachTheFunctionUntilItIsRemoved),
     SENTENCE(NothingIsLoggedUntilItIsSwitchedOn),
+    SENTENCE(AnOpenThatFailsLogsNothingThatNobodyAsked),
     SENTENCE(OnlyWantedLevelsAreLogged),
     SENTENCE(AFileHoldsAnObjectALine),
     SENTENCE(AFileThatCannotBeOpenedIsRefused),

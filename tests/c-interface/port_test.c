@@ -63,6 +63,29 @@ static void APrinterThatCannotBeReachedIsToldWithItsPlace(void) {
   done(port);
 }
 
+static void TheReasonIsThatOfThePrinterThatThePortNameChooses(void) {
+  const char* const specs[] = {"unix:/no/such/place,name=A,id=7",
+                               "unix:/no/other/place,name=B,id=7"};
+  const char* const names[] = {"BT:A", "BT:B"};
+  const char* const places[] = {"/no/such/place", "/no/other/place"};
+  REQUIRE(quor_connect_devices(specs, 2) == QUOR_OK);
+  for (int i = 0; i < 2; ++i) {
+    QuorPort* port = NULL;
+    REQUIRE(quor_port_create(names[i], NULL, 1000, QUOR_EMULATION_LINE, &port) == QUOR_OK);
+    EXPECT_FAILURE(quor_port_open(port), QUOR_FAILED, places[i]);
+    done(port);
+  }
+}
+
+static void APortNameThatIsTooShortIsToldAsThat(void) {
+  const char* const spec = "virtual:";
+  REQUIRE(quor_connect_devices(&spec, 1) == QUOR_OK);
+  QuorPort* port = NULL;
+  REQUIRE(quor_port_create("BT", NULL, 1000, QUOR_EMULATION_LINE, &port) == QUOR_OK);
+  EXPECT_FAILURE(quor_port_open(port), QUOR_FAILED, "\"BT\" is shorter than its prefix");
+  done(port);
+}
+
 static void NullIsAnsweredAndNotFollowed(void) {
   size_t count = 0;
   EXPECT_FAILURE(quor_port_open(NULL), QUOR_USAGE, "port must not be null");
@@ -248,6 +271,8 @@ const Sentence portSentences[] = {SENTENCE(APortNeedsDevices),
                                   SENTENCE(AnEmulationThatThereIsNotIsRefused),
                                   SENTENCE(APortIsConnectedFromOpenToClose),
                                   SENTENCE(APrinterThatCannotBeReachedIsToldWithItsPlace),
+                                  SENTENCE(TheReasonIsThatOfThePrinterThatThePortNameChooses),
+                                  SENTENCE(APortNameThatIsTooShortIsToldAsThat),
                                   SENTENCE(NullIsAnsweredAndNotFollowed),
                                   SENTENCE(BytesGoOutAndComeBack),
                                   SENTENCE(ALostLinkFailsWithoutACount),
