@@ -15,7 +15,7 @@ def end(number):
     return None if done.returncode == 0 and not done.stderr else (how, done)
 
 
-with ThreadPoolExecutor(4) as pool:
+with ThreadPoolExecutor(2) as pool:
     failures = [failure for failure in pool.map(end, range(RUNS)) if failure]
 for how, done in failures[:3]:
     print(f"{how}: exit status {done.returncode}\n{done.stderr}", file=sys.stderr)

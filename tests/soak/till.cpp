@@ -79,7 +79,7 @@ class Till {
     if (anew || port_ == nullptr || !port_->isConnected()) {
       closePort();
       port_ = ExternalAccessoryPort::initWithPortName("BT:", "", 10000, emulation_);
-      port_->setEndCheckedBlockTimeoutMillis(6000);
+      port_->setEndCheckedBlockTimeoutMillis(15000);
       if (!port_->open()) {
         return {{"outcome", "not opened"}, {"accepted", 0}, {"reason", "the port did not open"}};
       }
