@@ -38,7 +38,7 @@ class Confirmation(ProgramTest):
 
 class Monitor(ProgramTest):
     def test_changes_are_told_as_they_come(self):
-        monitor = Program(self, EXAMPLES / "status_monitor", "virtual:,at=1000:coverOpen=true")
+        monitor = Program(self, EXAMPLES / "status_monitor", "virtual:,at=3000:coverOpen=true")
         self.assertEqual(monitor.line(), "on line")
         self.assertEqual(monitor.line(), "off line, cover open")
 

@@ -209,10 +209,11 @@ class Socket(Case):
 
 class OneSession(Case):
     def test_a_cover_opened_in_mid_job_is_seen_and_the_job_ends_confirmed(self):
-        simulator = self.simulator("pty:", "--set", "speed=100", "--set", "buffer=64")
+        simulator = self.simulator("pty:", "--set", "speed=40", "--set", "buffer=64")
         result = []
         job = threading.Thread(target=lambda: result.append(run(
-            "-d", simulator.place, "-e", "escpos", "print", "-", "--json", data=b"line of a long job\n" * 10)))
+            "-d", simulator.place, "-e", "escpos", "print", "-", "--json", "--end-timeout", "30000",
+            data=b"line of a long job\n" * 10)))
         job.start()
         eventually(lambda: simulator.state()["printedBytes"] > 20, "half of it is printed")
         simulator.set(coverOpen=True)

@@ -130,7 +130,7 @@ class Hosts(Case):
             sent = 0
             while select.select([], [host], [], 1)[1]:
                 sent += host.send(b"x" * 65536)
-            self.assertEqual(simulator.state()["buffered"], 1000)
+            eventually(lambda: simulator.state()["buffered"] == 1000, "the printer is full")
             self.assertGreater(sent, 1000)
             simulator.set(offline=False)
             eventually(lambda: simulator.state()["printedBytes"] == sent, "all has been printed once and whole")
