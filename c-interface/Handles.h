@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <span>
 
 #include "c-interface/Failures.h"
 #include "iphone-IOPort/ExternalAccessoryPort.h"

@@ -1,7 +1,6 @@
 #include "job/PrintJob.h"
 
 #include <atomic>
-#include <functional>
 #include <utility>
 
 #include "c-interface/Buffers.h"

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <stdexcept>
-#include <utility>
 
 #include "iphone-IOPort/ExternalAccessoryPort.h"
 #include "iphone-IOPort/Guarded.h"

@@ -1,5 +1,4 @@
 #include <mutex>
-#include <utility>
 
 #include "platform/Platform.h"
 

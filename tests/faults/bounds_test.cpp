@@ -5,7 +5,6 @@
 
 #include <algorithm>
 
-#include "tests/faults/AnsweringPrinter.h"
 #include "tests/model/Bounds.h"
 #include "tests/model/Scenario.h"
 

@@ -1,6 +1,4 @@
 #include <optional>
-#include <utility>
-#include <vector>
 
 #include "tools/quorport/Commands.h"
 #include "tools/quorport/Joined.h"

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <memory>
+#include <span>
+#include <utility>
 #include <vector>
 
 #include "iphone-IOPort/ExternalAccessoryPort.h"

@@ -2,7 +2,6 @@
 
 #include <poll.h>
 
-#include <functional>
 #include <list>
 #include <memory>
 #include <optional>
