@@ -144,37 +144,24 @@ struct Form {
   FaultKind kind;
   Text name;
   Text takes;
-  Text does;
   bool (*parse)(Text, Fault&);
 };
 
 constexpr Form kForms[] = {
-    {FaultKind::shortWrites, "short-writes", "a count of bytes from 1",
-     "no write takes more than so many bytes", parsePositiveCount},
-    {FaultKind::noSpace, "no-space", "BYTES:MS",
-     "after so many bytes have come in there is no space for so long", parseNoSpace},
-    {FaultKind::lateReply, "late-reply", "MS or MS@REPLY", "replies come so much later", parseLate},
-    {FaultKind::splitReply, "split-reply", "rising offsets like 3/7 or 3/7@REPLY",
-     "replies come in pieces, 50 ms apart", parseSplit},
-    {FaultKind::duplicateReply, "duplicate-reply", "all or the number of a reply",
-     "replies come twice", parseReply},
-    {FaultKind::dropReply, "drop-reply", "all or the number of a reply", "replies do not come",
-     parseReply},
-    {FaultKind::corruptReply, "corrupt-reply", "all or the number of a reply",
-     "one bit of a reply is wrong; the seed says which", parseReply},
-    {FaultKind::strayByte, "stray-byte", "two hex digits, or two hex digits@REPLY",
-     "this byte comes before a reply", parseStrayByte},
-    {FaultKind::silence, "silence", "the number of a reply",
-     "this reply and all after it do not come", parseReplyNumber},
-    {FaultKind::cutAfterIn, "cut-after-in", "BYTES or BYTES:drain|at-once|reset",
-     "the link ends when so many bytes have come in", parseCut},
-    {FaultKind::cutAfterOut, "cut-after-out", "BYTES or BYTES:drain|at-once|reset",
-     "the link ends when the printer has sent so many bytes", parseCut},
-    {FaultKind::cut, "cut", "drain, at-once or reset", "the link ends", parseEnding},
-    {FaultKind::printsNothing, "prints-nothing", "true",
-     "print data and ETBs are taken and lost; status is answered", parseTrue},
-    {FaultKind::at, "at", "MS:KEY=VALUE with a printer setting or another fault",
-     "so long after the link began or the control line came, this setting or fault comes", parseAt},
+    {FaultKind::shortWrites, "short-writes", "a count of bytes from 1", parsePositiveCount},
+    {FaultKind::noSpace, "no-space", "BYTES:MS", parseNoSpace},
+    {FaultKind::lateReply, "late-reply", "MS or MS@REPLY", parseLate},
+    {FaultKind::splitReply, "split-reply", "rising offsets like 3/7 or 3/7@REPLY", parseSplit},
+    {FaultKind::duplicateReply, "duplicate-reply", "all or the number of a reply", parseReply},
+    {FaultKind::dropReply, "drop-reply", "all or the number of a reply", parseReply},
+    {FaultKind::corruptReply, "corrupt-reply", "all or the number of a reply", parseReply},
+    {FaultKind::strayByte, "stray-byte", "two hex digits, or two hex digits@REPLY", parseStrayByte},
+    {FaultKind::silence, "silence", "the number of a reply", parseReplyNumber},
+    {FaultKind::cutAfterIn, "cut-after-in", "BYTES or BYTES:drain|at-once|reset", parseCut},
+    {FaultKind::cutAfterOut, "cut-after-out", "BYTES or BYTES:drain|at-once|reset", parseCut},
+    {FaultKind::cut, "cut", "drain, at-once or reset", parseEnding},
+    {FaultKind::printsNothing, "prints-nothing", "true", parseTrue},
+    {FaultKind::at, "at", "MS:KEY=VALUE with a printer setting or another fault", parseAt},
 };
 
 const Form* formNamed(Text name) {
@@ -210,18 +197,6 @@ Fault parseFault(Text name, Text value) {
   if (!form->parse(value, fault))
     refuse(name, value, form->takes);
   return fault;
-}
-
-std::string faultHelp() {
-  std::string help;
-  for (const Form& form : kForms)
-    help.append(form.name)
-        .append("=")
-        .append(form.takes)
-        .append(": ")
-        .append(form.does)
-        .append("\n");
-  return help;
 }
 
 void Faults::add(Text name, Text value) {

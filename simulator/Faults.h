@@ -34,7 +34,8 @@ enum class FaultKind {
   at,
 };
 
-/// One thing that goes wrong on a link. Which members count depends on the kind; see `faultHelp`.
+/// One thing that goes wrong on a link. Which members count depends on the kind; see
+/// docs/virtual-printer.md.
 struct Fault {
   FaultKind kind{};
   std::uint64_t count = 0;             ///< bytes; of `strayByte` the byte
@@ -49,13 +50,10 @@ struct Fault {
 /// True if there is a fault of that name.
 bool isFault(std::string_view name);
 
-/// The fault `name` with the value `value`, as `faultHelp` describes them. Throws
-/// std::invalid_argument, with a text for people that names the fault and the values it takes,
-/// printable whatever was given.
+/// The fault `name` with the value `value`, as docs/virtual-printer.md describes them.
+/// Throws std::invalid_argument, with a text for people that names the fault and the values it
+/// takes, printable whatever was given.
 Fault parseFault(std::string_view name, std::string_view value);
-
-/// A line for each fault: its name, its values, what it does.
-std::string faultHelp();
 
 /// The faults of a link, in the order in which they were named. A plain value.
 struct Faults {

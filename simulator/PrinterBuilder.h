@@ -35,7 +35,7 @@ class PrinterBuilder {
   /// Sets or takes away any flag.
   PrinterBuilder& with(Flag flag, bool value = true);
 
-  /// A fault of every link, as `faultHelp` describes them; they add up.
+  /// A fault of every link, as `parseFault` takes it; they add up.
   PrinterBuilder& fault(std::string_view name, std::string_view value);
 
   /// Decides whatever a fault leaves to chance.
