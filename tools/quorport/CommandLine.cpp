@@ -160,15 +160,17 @@ void addGlobalOptions(CLI::App& app, Options& options) {
   app.add_flag("--json", options.json, "print the result as one JSON object");
 }
 
-void addStatusOptions(CLI::App& app, Options& options) {
+void addStatusOptions(CLI::App& app, Options& all) {
+  StatusOptions& options = all.status;
   addText(app, "--level", "N", "the level of the status, which is only logged (default 0)",
           [&options](const std::string& text) {
-            options.statusLevel = number(text, {0, longestTime}, "a number");
+            options.level = number(text, {0, longestTime}, "a number");
           });
   app.add_flag("-v,--verbose", options.verbose, "show every field, also those that say nothing");
 }
 
-void addPrintOptions(CLI::App& app, PrintOptions& options) {
+void addPrintOptions(CLI::App& app, Options& all) {
+  PrintOptions& options = all.print;
   app.add_option("FILE", options.file, "what to print; - is standard input")->required();
   app.add_flag("--unchecked", options.unchecked,
                "send without a checked block: the printer is not asked before or after, and the "
@@ -189,7 +191,8 @@ void addPrintOptions(CLI::App& app, PrintOptions& options) {
   app.footer(printFooter);
 }
 
-void addDoctorOptions(CLI::App& app, DoctorOptions& options) {
+void addDoctorOptions(CLI::App& app, Options& all) {
+  DoctorOptions& options = all.doctor;
   app.add_option("--bundle", options.bundle,
                  "write versions, findings, status and diagnostic records to this new file, which "
                  "can be sent on")
@@ -198,7 +201,8 @@ void addDoctorOptions(CLI::App& app, DoctorOptions& options) {
   app.footer(doctorFooter);
 }
 
-void addMonitorOptions(CLI::App& app, MonitorOptions& options) {
+void addMonitorOptions(CLI::App& app, Options& all) {
+  MonitorOptions& options = all.monitor;
   addText(app, "--interval", "MS", "the pause between two looks (default 1000)",
           [&options](const std::string& text) {
             options.interval = number(text, {100, longestTime}, "milliseconds");
@@ -210,7 +214,8 @@ void addMonitorOptions(CLI::App& app, MonitorOptions& options) {
   app.footer(monitorFooter);
 }
 
-void addSimulateOptions(CLI::App& app, SimulateOptions& options) {
+void addSimulateOptions(CLI::App& app, Options& all) {
+  SimulateOptions& options = all.simulate;
   app.add_option("--listen", options.listen,
                  "tcp:, tcp:PORT or tcp:HOST:PORT (none or 0: any free port; this machine alone "
                  "unless a HOST says otherwise), unix:PATH, or pty:")
@@ -227,6 +232,25 @@ void addSimulateOptions(CLI::App& app, SimulateOptions& options) {
   app.footer(simulateFooter);
 }
 
+constexpr Command commands[] = {
+    {"list", "show the accessories, and which one the port name chooses", list},
+    {"status", "ask for the printer's status", status, addStatusOptions},
+    {"online", "ask whether the printer is ready to print", online},
+    {"print", "print a file and tell honestly what became of it", print, addPrintOptions,
+     CommandKind::printing},
+    {"cancel", "make the printer drop what it has received and not yet printed", cancel},
+    {"firmware", "ask for the firmware text", firmware},
+    {"dipswitch", "ask for both banks of DIP switches", dipswitch},
+    {"button-security", "ask for the button-security time-out", buttonSecurity},
+    {"disconnect", "make the printer's Bluetooth module drop the link", disconnect},
+    {"monitor", "show the printer's state and every change of it, until stopped", monitor,
+     addMonitorOptions},
+    {"doctor", "find out what is wrong with the devices, and what to do about it", doctor,
+     addDoctorOptions},
+    {"simulate", "serve a virtual printer until stopped", simulate, addSimulateOptions,
+     CommandKind::service},
+};
+
 // The parser of arguments, with places for what it finds.
 class Grammar {
  public:
@@ -237,21 +261,13 @@ class Grammar {
     app_.set_help_flag("-h,--help", "show this text");
     app_.require_subcommand(0, 1);
     addGlobalOptions(app_, options_);
-    for (const Command& command : commands()) {
+    for (const Command& command : commands) {
       CLI::App& sub = *app_.add_subcommand(std::string(command.name), std::string(command.help));
       sub.group("Commands");
       sub.fallthrough();
       sub.set_help_flag("-h,--help", "show this text");
-      if (command.run == status) {
-        addStatusOptions(sub, options_);
-      } else if (command.run == print) {
-        addPrintOptions(sub, options_.print);
-      } else if (command.run == monitor) {
-        addMonitorOptions(sub, options_.monitor);
-      } else if (command.run == doctor) {
-        addDoctorOptions(sub, options_.doctor);
-      } else if (command.run == simulate) {
-        addSimulateOptions(sub, options_.simulate);
+      if (command.addOptions != nullptr) {
+        command.addOptions(sub, options_);
       }
     }
   }
@@ -278,11 +294,11 @@ class Grammar {
  private:
   const Command* chosen() const {
     const auto parsed = app_.get_subcommands();
-    const auto all = commands();
-    const auto found = std::find_if(all.begin(), all.end(), [&](const Command& command) {
-      return !parsed.empty() && parsed.front()->get_name() == command.name;
-    });
-    return found == all.end() ? nullptr : &*found;
+    const auto* const found =
+        std::find_if(std::begin(commands), std::end(commands), [&](const Command& command) {
+          return !parsed.empty() && parsed.front()->get_name() == command.name;
+        });
+    return found == std::end(commands) ? nullptr : found;
   }
 
   static std::string noSuchCommand(const CLI::ExtrasError& error) {
@@ -291,7 +307,7 @@ class Grammar {
 
   static std::string everyCommand() {
     std::vector<std::string> names;
-    for (const Command& command : commands()) {
+    for (const Command& command : commands) {
       names.emplace_back(command.name);
     }
     return joined(names, ", ");

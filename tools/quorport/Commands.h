@@ -1,13 +1,16 @@
 #pragma once
 
 #include <memory>
-#include <span>
 #include <string_view>
 
 #include "tools/quorport/Interruption.h"
 #include "tools/quorport/Options.h"
 #include "tools/quorport/Report.h"
 #include "tools/quorport/Streams.h"
+
+namespace CLI {
+class App;
+}
 
 namespace quordalvane::tool {
 
@@ -37,12 +40,18 @@ Report doctor(const Options& options, const Surroundings& surroundings);
 Report monitor(const Options& options, const Surroundings& surroundings);
 Report simulate(const Options& options, const Surroundings& surroundings);
 
+enum class CommandKind {
+  question,  ///< whoever lost its answer may ask again
+  printing,  ///< a report that was lost must not make anyone print again
+  service,   ///< handles the signals itself
+};
+
 struct Command {
   std::string_view name;
   std::string_view help;
   Report (*run)(const Options& options, const Surroundings& surroundings);
+  void (*addOptions)(CLI::App& app, Options& options) = nullptr;  ///< null: it has none of its own
+  CommandKind kind = CommandKind::question;
 };
-
-std::span<const Command> commands();
 
 }  // namespace quordalvane::tool

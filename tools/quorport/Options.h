@@ -10,6 +10,11 @@
 
 namespace quordalvane::tool {
 
+struct StatusOptions {
+  std::uint32_t level = 0;  ///< is only logged
+  bool verbose = false;
+};
+
 struct PrintOptions {
   std::string file;  ///< "-" is standard input
   bool unchecked = false;
@@ -46,8 +51,7 @@ struct Options {
   std::set<std::int32_t> logLevels = {0};
   bool json = false;
 
-  std::uint32_t statusLevel = 0;
-  bool verbose = false;
+  StatusOptions status;
   PrintOptions print;
   DoctorOptions doctor;
   MonitorOptions monitor;

@@ -50,7 +50,7 @@ ExitCode carryOut(const Order& order, const Streams& streams) {
   const bool asJson = order.options.json;
   const auto interruption =
       std::make_shared<Interruption>([asJson, streams] { leaveAtOnce(asJson, streams); });
-  const bool handlesSignals = order.command->run == simulate;
+  const bool handlesSignals = order.command->kind == CommandKind::service;
   Report report;
   {
     const auto watch = handlesSignals ? nullptr : std::make_unique<SignalWatch>([interruption] {
@@ -62,9 +62,8 @@ ExitCode carryOut(const Order& order, const Streams& streams) {
   const bool delivered = deliver(report, asJson, streams);
   // Who asked a question and got no answer must not take it for one. What was printed, on the other
   // hand, is printed, and a script that sends it again would print it twice.
-  const bool isQuestion = order.command->run != print;
-  return !delivered && isQuestion && report.code == ExitCode::Done ? ExitCode::ExchangeFailed
-                                                                   : report.code;
+  const bool isLost = !delivered && order.command->kind != CommandKind::printing;
+  return isLost && report.code == ExitCode::Done ? ExitCode::ExchangeFailed : report.code;
 }
 
 }  // namespace

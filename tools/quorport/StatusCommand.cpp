@@ -6,11 +6,11 @@ namespace quordalvane::tool {
 
 Report status(const Options& options, const Surroundings& surroundings) {
   Printer printer(options, surroundings);
-  const QuorPrinterStatus_2 record = askForStatus(printer, options.statusLevel);
+  const QuorPrinterStatus_2 record = askForStatus(printer, options.status.level);
   Report report;
   report.json["ok"] = true;
   report.json["status"] = jsonOf(record);
-  report.text = describe(record) + (options.verbose ? describeEveryField(record) : "");
+  report.text = describe(record) + (options.status.verbose ? describeEveryField(record) : "");
   return report;
 }
 
