@@ -5,9 +5,11 @@
 #include <array>
 #include <cassert>
 
+#include "iphone-IOPort/Commands.h"
 #include "iphone-IOPort/ExternalAccessoryPort.h"
 #include "iphone-IOPort/LogStatement.h"
 #include "iphone-IOPort/Microseconds.h"
+#include "iphone-IOPort/PortC.h"
 #include "iphone-IOPort/WholeSeconds.h"
 
 namespace quordalvane {
@@ -15,14 +17,6 @@ namespace {
 
 constexpr auto beginSelector = "-[ExternalAccessoryPort beginCheckedBlock:level:resultCode:]";
 constexpr auto endSelector = "-[ExternalAccessoryPort endCheckedBlock:level:]";
-
-constexpr std::uint8_t dataCancel[] = {0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00};
-constexpr std::uint8_t dataCancelEnd[] = {0x1b, 0x1d, 0x03, 0x04, 0x00, 0x00};
-
-// The real-time status byte of ESC/POS: its fixed bits, and the off-line bit.
-constexpr std::uint8_t fixedBits = 0x93;
-constexpr std::uint8_t fixedValue = 0x12;
-constexpr std::uint8_t offlineBit = 0x08;
 
 constexpr std::uint8_t reportStart = 0x1b;
 constexpr std::size_t restDataSize = 7;
@@ -251,12 +245,12 @@ bool ExternalAccessoryPort::awaitReport(WholeSecondsWait& wait) {
         return false;
       }
     }
-    QUOR_LOG(ZKLogTypeProcess, 0, "(topByte & 0x93): %d", *topByte & fixedBits);
-    QUOR_LOG(ZKLogTypeProcess, 0, "(topByte & 0x08): %d", *topByte & offlineBit);
-    if ((*topByte & fixedBits) != fixedValue) {
+    QUOR_LOG(ZKLogTypeProcess, 0, "(topByte & 0x93): %d", *topByte & escPosFixedMask);
+    QUOR_LOG(ZKLogTypeProcess, 0, "(topByte & 0x08): %d", *topByte & escPosOfflineBit);
+    if ((*topByte & escPosFixedMask) != escPosFixedBits) {
       continue;  // no status byte: asked again at once, by design without time-out or pause
     }
-    if (etbCountUp || (*topByte & offlineBit) != 0) {
+    if (etbCountUp || (*topByte & escPosOfflineBit) != 0) {
       return true;
     }
     if (endTimedOut(wait)) {
@@ -268,7 +262,8 @@ bool ExternalAccessoryPort::awaitReport(WholeSecondsWait& wait) {
 
 bool ExternalAccessoryPort::requestRealTimeStatus() {
   constexpr auto selector = endSelector;
-  const ByteBuffer statusRequestData = {0x10, 0x04, 0x01};
+  const ByteBuffer statusRequestData(std::begin(realTimeStatusRequest),
+                                     std::end(realTimeStatusRequest));
   if (!writeWhole(statusRequestData)) {
     QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:statusRequestData]: %p, %p", this,
              &statusRequestData);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cassert>
 
+#include "iphone-IOPort/Commands.h"
 #include "iphone-IOPort/ExternalAccessoryPort.h"
 #include "iphone-IOPort/LogStatement.h"
 #include "iphone-IOPort/LogWriter.h"
@@ -120,7 +121,7 @@ bool ExternalAccessoryPort::getParsedStatusESCPOS(QuorPrinterStatus_2* quorPrint
   quorPrinterStatus->offline = 0;
   quorPrinterStatus->receiptPaperEmpty = 0;
   WholeSecondsWait wait(platform_->clock(), timeout_);  // one for the three queries together
-  const ByteBuffer dataCancelEndCommand = {0x1b, 0x1d, 0x03, 0x04, 0x00, 0x00};
+  const ByteBuffer dataCancelEndCommand(std::begin(dataCancelEnd), std::end(dataCancelEnd));
   if (!writeStatusCommand(dataCancelEndCommand)) {
     return false;
   }

@@ -72,15 +72,11 @@ struct EscPosFlag {
 
 constexpr std::array<EscPosFlag, 5> escPosFlags = {{
     {StatusType::CashDrawer, 0x04, &Status::compulsionSwitch},
-    {StatusType::CashDrawer, 0x08, &Status::offline},
+    {StatusType::CashDrawer, escPosOfflineBit, &Status::offline},
     {StatusType::CoverOpen, 0x04, &Status::coverOpen},
     {StatusType::PaperEmpty, 0x0c, &Status::receiptPaperNearEmptyInner},
     {StatusType::PaperEmpty, 0x60, &Status::receiptPaperEmpty},
 }};
-
-// Fixed bits that tell a status byte from any other.
-constexpr std::uint8_t escPosFixedMask = 0x93;
-constexpr std::uint8_t escPosFixedBits = 0x12;
 
 constexpr std::int32_t lengthMask = 0x3f;
 

@@ -17,6 +17,13 @@ enum class StatusType : std::uint32_t {
   All = 3,         ///< all of them; no single byte answers it
 };
 
+/// The bits that tell an ESC/POS status byte from any other, and their value in one.
+inline constexpr std::uint8_t escPosFixedMask = 0x93;
+inline constexpr std::uint8_t escPosFixedBits = 0x12;
+
+/// The bit of the answer to `CashDrawer` that is set while the printer is off line.
+inline constexpr std::uint8_t escPosOfflineBit = 0x08;
+
 /// The length in bytes, 1 to 63, of the whole line-mode status reply that begins with `firstByte`,
 /// that byte included. Only the low six bits of `firstByte` count; where they are 0 the length
 /// is 1.
