@@ -1,12 +1,12 @@
 #include "tools/quorport/PrintInput.h"
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
+#include <memory>
 #include <system_error>
 
-#include "backends/posix/Descriptor.h"
 #include "tools/quorport/Report.h"
 
 namespace quordalvane::tool {
@@ -47,12 +47,12 @@ std::vector<std::uint8_t> readWhole(const std::string& file, const Streams& stre
     return readToEnd(streams.in, "standard input");
   }
   const std::string what = "the file " + inQuotes(file);
-  const int descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
-  if (descriptor < 0) {
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> opened(std::fopen(file.c_str(), "rbe"),
+                                                               std::fclose);
+  if (opened == nullptr) {
     fail(what, std::generic_category().message(errno));
   }
-  const posix::Descriptor owner(descriptor, posix::Descriptor::Kind::terminal);
-  return readToEnd(descriptor, what);
+  return readToEnd(::fileno(opened.get()), what);
 }
 
 }  // namespace quordalvane::tool
