@@ -15,7 +15,8 @@ namespace {
   throw std::invalid_argument(why);
 }
 
-// The text in quotation marks, cut short and without anything that could upset a terminal.
+// The text in quotation marks, cut short and without anything that could upset a terminal. The
+// simulator has the like for itself: only the virtual back end may look into that room.
 std::string quoted(std::string_view text) {
   constexpr std::size_t longest = 60;
   std::string result = "\"";
