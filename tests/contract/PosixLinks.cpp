@@ -1,12 +1,5 @@
-#include <arpa/inet.h>
-#include <fcntl.h>
 #include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
-#include <cstdlib>
-#include <cstring>
-#include <filesystem>
 #include <utility>
 
 #include "backends/posix/Connect.h"
@@ -15,7 +8,9 @@
 #include "backends/posix/Serial.h"
 #include "tests/contract/DescriptorPeer.h"
 #include "tests/contract/LinkContract.h"
+#include "tests/support/Listener.h"
 #include "tests/support/PseudoTerminal.h"
+#include "tests/support/TemporaryFolder.h"
 
 // The links of the POSIX back end: each has this process at both ends.
 namespace quordalvane::contract {
@@ -60,66 +55,30 @@ class SocketPairMaker : public PosixLinkMaker {
 
 class ListeningMaker : public PosixLinkMaker {
  public:
-  ~ListeningMaker() override { ::close(listener_); }
+  explicit ListeningMaker(test::Listener listener) : listener_(std::move(listener)) {}
 
   std::unique_ptr<Peer> peer() override {
-    const int accepted = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
-    EXPECT_GE(accepted, 0);
-    return std::make_unique<DescriptorPeer>(accepted);
+    return std::make_unique<DescriptorPeer>(listener_.accept());
   }
 
  protected:
-  template <typename Address>
-  void listenAt(Address& address) {
-    auto* const generic = reinterpret_cast<sockaddr*>(&address);
-    socklen_t length = sizeof address;
-    listener_ = ::socket(generic->sa_family, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    EXPECT_EQ(::bind(listener_, generic, length), 0);
-    EXPECT_EQ(::listen(listener_, 8), 0);
-    EXPECT_EQ(::getsockname(listener_, generic, &length), 0);
-  }
-
- private:
-  int listener_ = -1;
+  const test::Listener listener_;
 };
 
 class TcpMaker : public ListeningMaker {
  public:
-  TcpMaker() {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    listenAt(address);
-    port_ = ntohs(address.sin_port);
-  }
+  TcpMaker() : ListeningMaker(test::Listener::onLoopback(8)) {}
 
  protected:
-  Descriptor connect() override { return posix::connectTcp("127.0.0.1", port_); }
-
- private:
-  std::uint16_t port_;
+  Descriptor connect() override { return posix::connectTcp("127.0.0.1", listener_.port()); }
 };
 
-class UnixMaker : public ListeningMaker {
+class UnixMaker : private test::TemporaryFolder, public ListeningMaker {
  public:
-  UnixMaker() {
-    std::string folder = testing::TempDir() + "linkXXXXXX";
-    EXPECT_NE(::mkdtemp(folder.data()), nullptr);
-    folder_ = folder;
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    std::strncpy(address.sun_path, path().c_str(), sizeof address.sun_path - 1);
-    listenAt(address);
-  }
-  ~UnixMaker() override { std::filesystem::remove_all(folder_); }
+  UnixMaker() : ListeningMaker(test::Listener::at(file("socket"), 8)) {}
 
  protected:
-  Descriptor connect() override { return posix::connectUnix(path()); }
-
- private:
-  std::string path() const { return folder_ / "socket"; }
-
-  std::filesystem::path folder_;
+  Descriptor connect() override { return posix::connectUnix(file("socket")); }
 };
 
 class PtyMaker : public PosixLinkMaker {

@@ -1,15 +1,11 @@
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
-#include <cstdlib>
-#include <filesystem>
 #include <stdexcept>
 
 #include "backends/Devices.h"
+#include "tests/support/Listener.h"
 #include "tests/support/PseudoTerminal.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace quordalvane {
 namespace {
@@ -53,19 +49,9 @@ TEST(Devices, AnAccessoryThatCannotBeReachedOpensNoSessionAndTellsWhy) {
 }
 
 TEST(Devices, OpensASocketAndASerialLineAtTheirPlaces) {
-  std::string folder = testing::TempDir() + "devicesXXXXXX";
-  ASSERT_NE(::mkdtemp(folder.data()), nullptr);
-  const std::string path = folder + "/s,1";
-  const posix::Descriptor listener(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0),
-                                   posix::Descriptor::Kind::socket);
-  sockaddr_un address{};
-  address.sun_family = AF_UNIX;
-  path.copy(address.sun_path, sizeof address.sun_path - 1);
-  ASSERT_EQ(::bind(listener.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address),
-            0);
-  ASSERT_EQ(::listen(listener.number(), 1), 0);
-  EXPECT_NE(make("unix:" + folder + "/s\\,1")->openSession(protocol), nullptr);
-  std::filesystem::remove_all(folder);
+  const test::TemporaryFolder folder;
+  const auto listener = test::Listener::at(folder.file("s,1"), 1);
+  EXPECT_NE(make("unix:" + folder.file("s\\,1"))->openSession(protocol), nullptr);
 
   const auto terminal = test::openPseudoTerminal();
   const posix::Descriptor master(terminal.master, posix::Descriptor::Kind::terminal);

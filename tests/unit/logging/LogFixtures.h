@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <mutex>
@@ -12,6 +11,7 @@
 #include <vector>
 
 #include "logging/LogSink.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace quordalvane::test {
 
@@ -51,24 +51,6 @@ class KeepingSink : public LogSink {
  private:
   mutable std::mutex mutex_;
   std::vector<LogRecord> records_;
-};
-
-/// A folder that ends with the test.
-class TemporaryFolder {
- public:
-  TemporaryFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "log-XXXXXX").string();
-    path_ = ::mkdtemp(name.data());
-  }
-  ~TemporaryFolder() { std::filesystem::remove_all(path_); }
-
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-  std::string file(const std::string& name) const { return (path_ / name).string(); }
-
- private:
-  std::filesystem::path path_;
 };
 
 inline std::string contentsOf(const std::string& path) {

@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 
 #include <csignal>
+#include <filesystem>
 #include <limits>
 
 #include "tests/unit/logging/LogFixtures.h"

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <filesystem>
 #include <stdexcept>
 
 #include "logging/CallbackSink.h"

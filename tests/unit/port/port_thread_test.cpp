@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "platform/Forwarding.h"
+#include "tests/support/Eventually.h"
 #include "tests/support/LogCapture.h"
 #include "tests/unit/port/Printer.h"
 
@@ -58,11 +59,7 @@ class PortThread : public testing::Test {
   /// Whether `holders` hold the port. The port thread lets go of it behind its last turn in virtual
   /// time, so that may still be under way on the machine.
   static bool isHeldBy(const std::weak_ptr<ExternalAccessoryPort>& port, long holders) {
-    const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (port.use_count() != holders && std::chrono::steady_clock::now() < giveUp) {
-      std::this_thread::yield();
-    }
-    return port.use_count() == holders;
+    return eventually([&] { return port.use_count() == holders; });
   }
 
   ScriptedWorld world_;

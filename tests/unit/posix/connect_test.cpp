@@ -1,6 +1,5 @@
 #include "backends/posix/Connect.h"
 
-#include <arpa/inet.h>
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,13 +7,11 @@
 #include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
-#include <cstdlib>
-#include <filesystem>
 #include <vector>
 
+#include "tests/support/Listener.h"
+#include "tests/support/TemporaryFolder.h"
 #include "tests/unit/posix/SignalStorm.h"
 #include "tests/unit/posix/Stopwatch.h"
 
@@ -22,53 +19,10 @@ namespace quordalvane::posix {
 namespace {
 
 using namespace std::chrono_literals;
+using test::Listener;
+using test::TemporaryFolder;
 using testing::AllOf;
 using testing::HasSubstr;
-
-/// A TCP listener on the loopback that accepts nobody by itself.
-class Listener {
- public:
-  explicit Listener(int backlog) : number_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    auto* const generic = reinterpret_cast<sockaddr*>(&address);
-    socklen_t length = sizeof address;
-    EXPECT_EQ(::bind(number_, generic, length), 0);
-    EXPECT_EQ(::getsockname(number_, generic, &length), 0);
-    EXPECT_EQ(::listen(number_, backlog), 0);
-    port_ = ntohs(address.sin_port);
-  }
-  ~Listener() { ::close(number_); }
-
-  std::uint16_t port() const { return port_; }
-
- private:
-  int number_;
-  std::uint16_t port_;
-};
-
-/// A folder that is gone with it.
-class TemporaryFolder {
- public:
-  TemporaryFolder() { EXPECT_NE(::mkdtemp(path_.data()), nullptr); }
-  ~TemporaryFolder() { std::filesystem::remove_all(path_); }
-
-  std::string file(const std::string& name) const { return path_ + "/" + name; }
-
- private:
-  std::string path_ = testing::TempDir() + "connectXXXXXX";
-};
-
-int listenAt(const std::string& path, int backlog) {
-  const int number = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  sockaddr_un address{};
-  address.sun_family = AF_UNIX;
-  path.copy(address.sun_path, sizeof address.sun_path - 1);
-  EXPECT_EQ(::bind(number, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-  EXPECT_EQ(::listen(number, backlog), 0);
-  return number;
-}
 
 // Connects until the listener answers no more, and returns how long the last attempt took and why
 // it failed. The time-out is long enough to tell it from a failure at once.
@@ -88,7 +42,7 @@ std::pair<double, std::string> connectUntilSilent(Connect connect) {
 
 // Where somebody listened a moment ago and nobody does now.
 std::uint16_t closedPort() {
-  return Listener(1).port();
+  return Listener::onLoopback(1).port();
 }
 
 SocketAddress at(std::uint16_t port) {
@@ -113,7 +67,7 @@ std::string failure(Connect connect) {
 }
 
 TEST(ConnectTcp, MakesTheConnectionFitForShortExchanges) {
-  const Listener listener(4);
+  const Listener listener = Listener::onLoopback(4);
   const Descriptor socket = connectTcp("127.0.0.1", listener.port());
   EXPECT_EQ(option(socket, IPPROTO_TCP, TCP_NODELAY), 1);
   EXPECT_EQ(option(socket, SOL_SOCKET, SO_KEEPALIVE), 1);
@@ -126,20 +80,20 @@ TEST(ConnectTcp, MakesTheConnectionFitForShortExchanges) {
 }
 
 TEST(ConnectTcp, ResolvesNames) {
-  const Listener listener(4);
+  const Listener listener = Listener::onLoopback(4);
   EXPECT_GE(connectTcp("localhost", listener.port()).number(), 0);
 }
 
 TEST(ConnectToAny, PassesOverAnAddressThatRefuses) {
-  const Listener listener(4);
+  const Listener listener = Listener::onLoopback(4);
   EXPECT_GE(connectToAny({at(closedPort()), at(listener.port())}, SteadyClock::now() + 5s).number(),
             0);
 }
 
 TEST(ConnectToAny, PassesOverAnAddressThatNeverAnswersWithHalfOfItsTimeLeft) {
-  const Listener silent(0);
+  const Listener silent = Listener::onLoopback(0);
   connectUntilSilent([&](auto timeout) { return connectTcp("127.0.0.1", silent.port(), timeout); });
-  const Listener listener(4);
+  const Listener listener = Listener::onLoopback(4);
   const Stopwatch watch;
   EXPECT_GE(
       connectToAny({at(silent.port()), at(listener.port())}, SteadyClock::now() + 4s).number(), 0);
@@ -165,7 +119,7 @@ TEST(ConnectTcp, ARefusalIsAnErrorAtOnceThatNamesThePlace) {
 }
 
 TEST(ConnectTcp, AHostThatNeverAnswersIsGivenUpInTime) {
-  const Listener listener(0);
+  const Listener listener = Listener::onLoopback(0);
   const auto [seconds, why] = connectUntilSilent(
       [&](auto timeout) { return connectTcp("127.0.0.1", listener.port(), timeout); });
   EXPECT_GE(seconds, 0.1);
@@ -175,7 +129,7 @@ TEST(ConnectTcp, AHostThatNeverAnswersIsGivenUpInTime) {
 
 TEST(ConnectTcp, SignalsNeitherStopNorProlongIt) {
   const SignalStorm storm;
-  const Listener listener(0);
+  const Listener listener = Listener::onLoopback(0);
   const auto [seconds, why] = connectUntilSilent(
       [&](auto timeout) { return connectTcp("127.0.0.1", listener.port(), timeout); });
   EXPECT_GE(seconds, 0.1);
@@ -191,7 +145,7 @@ TEST(ConnectTcp, AHostOfNoNameIsAnErrorThatNamesIt) {
 
 TEST(ConnectUnix, ConnectsAndClosesOnExec) {
   const TemporaryFolder folder;
-  const Descriptor listener(listenAt(folder.file("s"), 4), Descriptor::Kind::socket);
+  const Listener listener = Listener::at(folder.file("s"), 4);
   const Descriptor socket = connectUnix(folder.file("s"));
   EXPECT_EQ(::fcntl(socket.number(), F_GETFD), FD_CLOEXEC);
 }
@@ -207,7 +161,7 @@ TEST(ConnectUnix, TakesTheLongestPathThatASocketHasAndNoLongerOne) {
   const TemporaryFolder folder;
   std::string path = folder.file("");
   path += std::string(107 - path.size(), 's');
-  const Descriptor listener(listenAt(path, 4), Descriptor::Kind::socket);
+  const Listener listener = Listener::at(path, 4);
   EXPECT_GE(connectUnix(path).number(), 0);
   EXPECT_THAT(failure([&] { connectUnix(path + "s"); }), HasSubstr("too long"));
 }
@@ -215,7 +169,7 @@ TEST(ConnectUnix, TakesTheLongestPathThatASocketHasAndNoLongerOne) {
 TEST(ConnectUnix, AListenerThatNeverAnswersIsGivenUpInTime) {
   const SignalStorm storm;
   const TemporaryFolder folder;
-  const Descriptor listener(listenAt(folder.file("s"), 0), Descriptor::Kind::socket);
+  const Listener listener = Listener::at(folder.file("s"), 0);
   const auto [seconds, why] =
       connectUntilSilent([&](auto timeout) { return connectUnix(folder.file("s"), timeout); });
   EXPECT_GE(seconds, 0.1);

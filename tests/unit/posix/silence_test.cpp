@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 #include <linux/filter.h>
-#include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -9,6 +8,7 @@
 
 #include "backends/posix/Connect.h"
 #include "backends/posix/Link.h"
+#include "tests/support/Listener.h"
 #include "tests/unit/posix/Stopwatch.h"
 
 // A printer that has no space says so for as long as it likes; one that is gone says nothing.
@@ -23,24 +23,14 @@ constexpr double generously = 20;  // seconds; only a failing test waits so long
 class Printer {
  public:
   Printer() {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    auto* const generic = reinterpret_cast<sockaddr*>(&address);
-    socklen_t length = sizeof address;
     const int room = 4096;
     EXPECT_EQ(::setsockopt(listener_.number(), SOL_SOCKET, SO_RCVBUF, &room, sizeof room), 0);
-    EXPECT_EQ(::bind(listener_.number(), generic, length), 0);
-    EXPECT_EQ(::getsockname(listener_.number(), generic, &length), 0);
-    EXPECT_EQ(::listen(listener_.number(), 1), 0);
-    port_ = ntohs(address.sin_port);
   }
   ~Printer() { ::close(number_); }
 
   Descriptor connect() {
-    Descriptor socket = connectTcp("127.0.0.1", port_);
-    number_ = ::accept4(listener_.number(), nullptr, nullptr, SOCK_CLOEXEC);
-    EXPECT_GE(number_, 0);
+    Descriptor socket = connectTcp("127.0.0.1", listener_.port());
+    number_ = listener_.accept();
     return socket;
   }
 
@@ -52,9 +42,7 @@ class Printer {
   }
 
  private:
-  const Descriptor listener_{::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0),
-                             Descriptor::Kind::socket};
-  std::uint16_t port_ = 0;
+  const test::Listener listener_ = test::Listener::onLoopback(1);
   int number_ = -1;
 };
 

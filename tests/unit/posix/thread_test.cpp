@@ -10,18 +10,13 @@
 #include "backends/posix/PosixPlatform.h"
 #include "backends/posix/PosixThread.h"
 #include "backends/posix/RunLoop.h"
+#include "tests/support/Eventually.h"
 #include "tests/unit/posix/Stopwatch.h"
 
 namespace quordalvane::posix {
 namespace {
 
-bool soon(const std::function<bool()>& condition) {
-  const Stopwatch watch;
-  while (!condition() && watch.seconds() < 10) {
-    std::this_thread::yield();
-  }
-  return condition();
-}
+using test::eventually;
 
 /// A thread that turns its loop until it is told to stop, and is over when this is.
 class TurningThread {
@@ -84,7 +79,7 @@ TEST(PosixThread, TakesRoutinesFromTheMomentThatItIsStarted) {
 TEST(PosixThread, RefusesRoutinesOnceItsBodyHasEnded) {
   PosixThread thread([] {});
   ASSERT_TRUE(thread.start());
-  EXPECT_TRUE(soon([&] { return !thread.performAndWait([] {}); }));
+  EXPECT_TRUE(eventually([&] { return !thread.performAndWait([] {}); }));
   bool ran = false;
   EXPECT_FALSE(thread.performAndWait([&] { ran = true; }));
   EXPECT_FALSE(ran);
@@ -125,7 +120,7 @@ TEST(PosixThread, CallersFromManyThreadsAreAllServedOrRefused) {
     for (std::thread& caller : callers) {
       caller.join();
     }
-    EXPECT_TRUE(soon([&] { return !thread.performAndWait([&] { ++performed, ++ran; }); }));
+    EXPECT_TRUE(eventually([&] { return !thread.performAndWait([&] { ++performed, ++ran; }); }));
     EXPECT_EQ(performed, ran);
   }
 }
@@ -154,7 +149,7 @@ TEST(PosixThread, ReleasesItsBodyWhenItHasEndedThoughTheHandleLives) {
   PosixThread thread([held = std::move(held)] {});
   EXPECT_FALSE(watched.expired());
   ASSERT_TRUE(thread.start());
-  EXPECT_TRUE(soon([&] { return watched.expired(); }));
+  EXPECT_TRUE(eventually([&] { return watched.expired(); }));
 }
 
 TEST(PosixThread, IsReleasedUnstartedWithItsBody) {
@@ -191,7 +186,7 @@ TEST(PosixThread, TheLastReferenceToItsOwnerMayDropOnTheThreadItself) {
     ASSERT_TRUE(owner->thread->start());
     owner.reset();
     released = true;
-    ASSERT_TRUE(soon([&] { return ended.load(); }));
+    ASSERT_TRUE(eventually([&] { return ended.load(); }));
     EXPECT_TRUE(calledItself);
   }
 }
@@ -211,7 +206,7 @@ TEST(PosixThread, ARoutineMayReleaseTheHandleThatCarriesIt) {
     thread.reset();
     stop = true;
   }));
-  EXPECT_TRUE(soon([&] { return over.load(); }));
+  EXPECT_TRUE(eventually([&] { return over.load(); }));
 }
 
 /// Makes the system refuse every new thread for as long as it lives, by a stack beyond all memory.

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <chrono>
+#include <thread>
+
+namespace quordalvane::test {
+
+/// Waits until `condition` holds, for what is still under way on the machine. False if it does not
+/// within a time that even a loaded one needs not.
+template <typename Condition>
+bool eventually(Condition condition) {
+  const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() > giveUp) {
+      return false;
+    }
+    std::this_thread::yield();
+  }
+  return true;
+}
+
+}  // namespace quordalvane::test
