@@ -17,7 +17,8 @@ namespace quordalvane {
 /// it. Its connection identifier is the one given, else a running number of the process: 1, 2, and
 /// on. `clock` must outlive the accessory; the printer that is built in lives by it.
 ///
-/// Raises `std::invalid_argument` with a text for people if the built-in printer refuses an option.
+/// Raises `std::invalid_argument` with a text for people if no back end is of its scheme or the
+/// built-in printer refuses an option.
 /// May be called from any thread.
 QUOR_EXPORT std::shared_ptr<EAAccessory> makeAccessory(const DeviceSpec& spec, Clock& clock);
 

@@ -48,6 +48,18 @@ TEST(Devices, AnAccessoryThatCannotBeReachedOpensNoSessionAndTellsWhy) {
   }
 }
 
+TEST(Devices, ASchemeThatNobodyKnowsIsAnErrorThatNamesIt) {
+  DeviceSpec spec = parseDeviceSpec("unix:/a");
+  spec.scheme = "pigeon";
+  posix::PosixClock clock;
+  try {
+    makeAccessory(spec, clock);
+    FAIL() << "it was made";
+  } catch (const std::invalid_argument& error) {
+    EXPECT_NE(std::string(error.what()).find("pigeon"), std::string::npos);
+  }
+}
+
 TEST(Devices, OpensASocketAndASerialLineAtTheirPlaces) {
   const test::TemporaryFolder folder;
   const auto listener = test::Listener::at(folder.file("s,1"), 1);
