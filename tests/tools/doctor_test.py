@@ -86,22 +86,10 @@ class Causes(Case):
         return printer
 
     def test_nothing_listens(self):
-        bound = socket.socket()  # and nobody listens
-        self.addCleanup(bound.close)
-        bound.bind(("127.0.0.1", 0))
-        self.assertCause("nothing-listens", 3, "-d", f"tcp:127.0.0.1:{bound.getsockname()[1]}")
+        self.assertCause("nothing-listens", 3, "-d", self.refusing_place())
 
     def test_nobody_answers_at_the_address(self):
-        listener = socket.socket()
-        self.addCleanup(listener.close)
-        listener.bind(("127.0.0.1", 0))
-        listener.listen(0)
-        # A full queue: nothing more is answered, and nothing refused.
-        for held in [socket.socket() for _ in range(4)]:
-            self.addCleanup(held.close)
-            held.setblocking(False)
-            held.connect_ex(listener.getsockname())
-        self.assertCause("unreachable", 3, "-d", f"tcp:127.0.0.1:{listener.getsockname()[1]}")
+        self.assertCause("unreachable", 3, "-d", self.silent_place())
 
     def test_the_host_does_not_resolve(self):
         # No part of a name may be so long, so that nobody is asked for it.

@@ -78,6 +78,10 @@ def eventually(condition: Callable[[], object], what: str):
     return answer
 
 
+def place_of(bound: socket.socket) -> str:
+    return f"tcp:127.0.0.1:{bound.getsockname()[1]}"
+
+
 def receive(source: socket.socket, count: int) -> bytes:
     """So many bytes, or fewer if the other side ends."""
     taken = b""
@@ -106,6 +110,28 @@ class Case(unittest.TestCase):
         peer = Peer(handle, room)
         self.addCleanup(peer.close)
         return peer
+
+    def open_socket(self) -> socket.socket:
+        made = socket.socket()
+        self.addCleanup(made.close)
+        return made
+
+    def refusing_place(self) -> str:
+        """Where nobody listens."""
+        bound = self.open_socket()
+        bound.bind(("127.0.0.1", 0))
+        return place_of(bound)
+
+    def silent_place(self) -> str:
+        """Where the queue is full: nothing more is answered, and nothing refused."""
+        listener = self.open_socket()
+        listener.bind(("127.0.0.1", 0))
+        listener.listen(0)
+        for _ in range(4):
+            waiting = self.open_socket()
+            waiting.setblocking(False)
+            waiting.connect_ex(listener.getsockname())
+        return place_of(listener)
 
     def assertExit(self, code: int, result: Result):
         self.assertEqual(result.code, code, result)
@@ -206,7 +232,7 @@ class Peer:
         self.listener = socket.create_server(("127.0.0.1", 0))
         if room > 0:
             self.listener.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, room)
-        self.place = f"tcp:127.0.0.1:{self.listener.getsockname()[1]}"
+        self.place = place_of(self.listener)
         self.thread = threading.Thread(target=self.serve, daemon=True)
         self.thread.start()
 

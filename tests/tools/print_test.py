@@ -362,16 +362,7 @@ class Interrupting(Case):
         return max(collections.Counter(offers).values(), default=0)
 
     def test_a_connection_that_is_being_made_is_given_up(self):
-        listener = socket.socket()
-        self.addCleanup(listener.close)
-        listener.bind(("127.0.0.1", 0))
-        listener.listen(0)
-        waiting = [socket.socket() for _ in range(4)]
-        for held in waiting:
-            self.addCleanup(held.close)
-            held.setblocking(False)
-            held.connect_ex(listener.getsockname())
-        process = start("-d", f"tcp:127.0.0.1:{listener.getsockname()[1]}", "online", "--json")
+        process = start("-d", self.silent_place(), "online", "--json")
         eventually(lambda: self.threads(process) > 2, "the port has its thread and is about to connect")
         self.assertEqual(self.interrupted(process).json(), {"ok": False, "error": "interrupted"})
 

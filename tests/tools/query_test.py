@@ -368,25 +368,11 @@ class AgainstAPeer(Case):
 
 class Opening(Case):
     def test_a_host_that_refuses_is_not_opened(self):
-        bound = socket.socket()  # and nobody listens
-        self.addCleanup(bound.close)
-        bound.bind(("127.0.0.1", 0))
-        place = f"tcp:127.0.0.1:{bound.getsockname()[1]}"
-        result = self.assertFailsInBothForms(3, "-d", place, "online", saying="refused")
+        result = self.assertFailsInBothForms(3, "-d", self.refusing_place(), "online", saying="refused")
         self.assertLess(result.seconds, 5)
 
     def test_a_host_that_never_answers_is_given_up(self):
-        listener = socket.socket()
-        self.addCleanup(listener.close)
-        listener.bind(("127.0.0.1", 0))
-        listener.listen(0)
-        # A full queue: nothing more is answered, and nothing refused.
-        waiting = [socket.socket() for _ in range(4)]
-        for held in waiting:
-            self.addCleanup(held.close)
-            held.setblocking(False)
-            held.connect_ex(listener.getsockname())
-        result = run("-d", f"tcp:127.0.0.1:{listener.getsockname()[1]}", "online")
+        result = run("-d", self.silent_place(), "online")
         self.assertExit(3, result)
         self.assertLess(result.seconds, 10)
 
