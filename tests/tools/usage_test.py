@@ -126,9 +126,9 @@ class Usage(Case):
             self.assertLess(len(result.err), 2000)
             self.assertIs(run("-p", name, "online", "--json").json()["ok"], False)
 
-    def test_port_names_that_are_too_short_match_nothing(self):
+    def test_port_names_that_are_too_short_match_nothing_and_are_told_as_that(self):
         for name in ("", "B", "BT"):
-            self.assertFailsInBothForms(3, "-p", name, "online", saying="BT:")
+            self.assertFailsInBothForms(3, "-p", name, "online", saying="shorter than its prefix of three characters")
 
     def test_hostile_settings_are_only_searched_for_their_option(self):
         for settings in ("%s%n", "d300", "dd5", "x" * 100000, "\x1b"):

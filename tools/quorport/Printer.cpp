@@ -8,6 +8,7 @@
 #include "backends/DeviceSpec.h"
 #include "backends/Devices.h"
 #include "iphone-IOPort/LogWriter.h"
+#include "iphone-IOPort/PortName.h"
 #include "platform/Forwarding.h"
 #include "tools/quorport/Joined.h"
 #include "tools/quorport/LogOutput.h"
@@ -133,9 +134,12 @@ std::shared_ptr<EAAccessory> chosenAccessory(const InterruptiblePlatform& platfo
 }
 
 Failure noneMatches(const InterruptiblePlatform& platform, const Options& options) {
+  const std::string what =
+      prefixLength(options.portName)
+          ? "no accessory matches the port name " + inQuotes(options.portName) + ", which"
+          : printable(tooShort(options.portName)) + "; it";
   return {ExitCode::NoAccessory,
-          "no accessory matches the port name " + inQuotes(options.portName) +
-              ", which takes BT: or BT: and a name, serial number or Bluetooth address; present: " +
+          what + " takes BT: or BT: and a name, serial number or Bluetooth address; present: " +
               namesOf(platform.accessories())};
 }
 
