@@ -183,9 +183,12 @@ class Running:
 class Simulator(Running):
     """`quorport simulate`, with its standard streams for control."""
 
-    def __init__(self, listen: str, *arguments: str, stderr=None):
-        super().__init__("simulate", "--listen", listen, *arguments, stdin=subprocess.PIPE, stderr=stderr)
-        self.place = self.next_place()
+    def __init__(self, listen: str, *arguments: str, **options):
+        self.err = tempfile.TemporaryFile()
+        options = {"stdin": subprocess.PIPE, "stderr": self.err if listen == "pty:" else None} | options
+        super().__init__("simulate", "--listen", listen, *arguments, **options)
+        word, self.place = self.line().split(" ", 1)
+        assert word == "listening", word
 
     def next_place(self) -> str:
         word, place = self.line().split(" ", 1)

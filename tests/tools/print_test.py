@@ -274,13 +274,13 @@ class Interrupting(Case):
     def interrupted(self, process, *, by=signal.SIGINT, data: bytes | None = None):
         process.send_signal(by)
         result = finish(process, time.monotonic(), data)
-        self.assertExit(130, result)
+        self.assertExit(129 if by == signal.SIGHUP else 130, result)
         # Less than a close that waits for the printer takes.
         self.assertLess(result.seconds, 1.9, "a signal takes effect within a second")
         return result
 
     def test_a_job_under_way_is_cancelled_and_the_port_closed(self):
-        for by in (signal.SIGINT, signal.SIGTERM):
+        for by in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
             simulator = self.simulator("tcp:0", "--set", "speed=50")
             process = start("-d", simulator.place, "print", self.file("job", b"line of text\n" * 1000), "--json")
             eventually(lambda: simulator.state()["buffered"] > 1000, "the job is under way")
@@ -311,6 +311,20 @@ class Interrupting(Case):
         process = start("-d", place, "print", "--unchecked", self.file("job", b"x" * 8_000_000))
         self.assertTrue(contact.wait(DEADLINE))
         self.interrupted(process)
+
+    def test_what_became_of_a_job_is_told_also_when_the_signal_comes_while_the_port_closes(self):
+        stop = threading.Event()
+        self.addCleanup(stop.set)
+        place = self.peer(lambda connection: stop.wait(DEADLINE), room=2048).place
+        log = self.folder / "log"
+        process = start("-d", place, "print", "--unchecked", self.file("job", b"x" * 20_000), "--json", "--log", log)
+        eventually(lambda: log.exists() and b'"method":"-[ExternalAccessoryPort close]"' in log.read_bytes(),
+                   "the port closes, and waits for what is under way")
+        process.send_signal(signal.SIGINT)
+        result = finish(process, time.monotonic())
+        self.assertExit(130, result)
+        answer = result.json()
+        self.assertEqual((answer["outcome"], answer["bytesAccepted"]), ("unconfirmed", 20_000))
 
     def test_an_exchange_under_way_ends_and_the_port_is_closed(self):
         contact, closed = threading.Event(), threading.Event()
@@ -362,9 +376,15 @@ class Interrupting(Case):
         return max(collections.Counter(offers).values(), default=0)
 
     def test_a_connection_that_is_being_made_is_given_up(self):
-        process = start("-d", self.silent_place(), "online", "--json")
-        eventually(lambda: self.threads(process) > 2, "the port has its thread and is about to connect")
-        self.assertEqual(self.interrupted(process).json(), {"ok": False, "error": "interrupted"})
+        place, job = self.silent_place(), self.file("job", b"text\n")
+        for command, keys in ((("online",), {}), (("print", job), self.refused(5))):
+            process = start("-d", place, *command, "--json")
+            eventually(lambda: self.threads(process) > 2, "the port has its thread and is about to connect")
+            self.assertEqual(self.interrupted(process).json(), {"ok": False, **keys, "error": "interrupted"})
+
+    @staticmethod
+    def refused(bytes_total: int) -> dict:
+        return {"outcome": "refused", "resultCode": -1, "bytesTotal": bytes_total, "bytesAccepted": 0, "status": None}
 
     @staticmethod
     def threads(process) -> int:
@@ -375,7 +395,7 @@ class Interrupting(Case):
         eventually(lambda: self.threads(process) > 1, "the command waits for signals")
         process.send_signal(signal.SIGINT)
         self.assertEqual(process.wait(DEADLINE), 130)
-        self.assertIs(json.loads(process.stdout.read())["ok"], False)
+        self.assertEqual(json.loads(process.stdout.read()), {"ok": False, **self.refused(0), "error": "interrupted"})
         for stream in (process.stdin, process.stdout, process.stderr):
             stream.close()
 

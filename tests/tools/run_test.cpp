@@ -84,11 +84,11 @@ TEST(Run, CanRunAgainInTheSameProcess) {
 class InterruptionTest : public testing::Test {
  protected:
   int givenUp_ = 0;
-  Interruption interruption_{[this] { ++givenUp_; }};
+  Interruption interruption_{[this](const Report& /*report*/) { ++givenUp_; }};
 };
 
 TEST_F(InterruptionTest, GivesUpWhileNothingIsOpen) {
-  interruption_.interrupt();
+  interruption_.interrupt(ExitCode::Interrupted);
   EXPECT_EQ(givenUp_, 1);
 }
 
@@ -96,14 +96,14 @@ TEST_F(InterruptionTest, EndsASleepOfAnExchange) {
   interruption_.beginExchange();
   test::SleepingThread exchange([this] { EXPECT_THROW(interruption_.sleep(1h), Interrupted); });
   exchange.awaitSleep();
-  interruption_.interrupt();
+  interruption_.interrupt(ExitCode::Interrupted);
   exchange.join();
   EXPECT_EQ(givenUp_, 0);
 }
 
 TEST_F(InterruptionTest, EndsEverySleepThatComesAfterIt) {
   interruption_.beginExchange();
-  interruption_.interrupt();
+  interruption_.interrupt(ExitCode::Interrupted);
   EXPECT_THROW(interruption_.sleep(1h), Interrupted);
   EXPECT_THROW(interruption_.sleep(1h), Interrupted);
 }
@@ -111,7 +111,7 @@ TEST_F(InterruptionTest, EndsEverySleepThatComesAfterIt) {
 TEST_F(InterruptionTest, EndsAnExchangeThatNeverSleeps) {
   interruption_.beginExchange();
   EXPECT_NO_THROW(interruption_.check());
-  interruption_.interrupt();
+  interruption_.interrupt(ExitCode::Interrupted);
   EXPECT_THROW(interruption_.check(), Interrupted);
   interruption_.end();
   EXPECT_NO_THROW(interruption_.check());
@@ -119,7 +119,7 @@ TEST_F(InterruptionTest, EndsAnExchangeThatNeverSleeps) {
 
 TEST_F(InterruptionTest, LetsWhatMustBeDoneAtTheEndSleep) {
   interruption_.beginExchange();
-  interruption_.interrupt();
+  interruption_.interrupt(ExitCode::Interrupted);
   interruption_.end();
   const auto before = std::chrono::steady_clock::now();
   EXPECT_NO_THROW(interruption_.sleep(1ms));
@@ -129,7 +129,7 @@ TEST_F(InterruptionTest, LetsWhatMustBeDoneAtTheEndSleep) {
 TEST_F(InterruptionTest, GivesUpWhenNothingIsOpenAnyMore) {
   interruption_.beginExchange();
   interruption_.end();
-  interruption_.interrupt();
+  interruption_.interrupt(ExitCode::Interrupted);
   EXPECT_EQ(givenUp_, 0);
   interruption_.begin();
   EXPECT_EQ(givenUp_, 1);
@@ -137,7 +137,7 @@ TEST_F(InterruptionTest, GivesUpWhenNothingIsOpenAnyMore) {
 
 TEST_F(InterruptionTest, HasNoEffectAtTheEnd) {
   interruption_.end();
-  interruption_.interrupt();
+  interruption_.interrupt(ExitCode::Interrupted);
   EXPECT_EQ(givenUp_, 0);
 }
 

@@ -56,9 +56,10 @@ class Places(Case):
         self.assertExit(0, run("-d", self.simulator(place).place, "online"))
 
     def test_its_sockets_are_gone_with_it(self):
-        simulator = self.simulator(f"unix:{self.folder}/printer", "--control", f"unix:{self.folder}/control")
-        self.assertEqual(simulator.stop(signal.SIGTERM), 0)
-        self.assertEqual(os.listdir(self.folder), [])
+        for by in (signal.SIGTERM, signal.SIGHUP):
+            simulator = self.simulator(f"unix:{self.folder}/printer", "--control", f"unix:{self.folder}/control")
+            self.assertEqual(simulator.stop(by), 0)
+            self.assertEqual(os.listdir(self.folder), [])
 
     def test_the_control_socket_is_for_its_owner_alone(self):
         self.simulator("tcp:0", "--control", f"unix:{self.folder}/control")
@@ -74,8 +75,8 @@ class Places(Case):
 
 
 class Ending(Case):
-    def test_both_signals_end_it_well(self):
-        for number in (signal.SIGINT, signal.SIGTERM):
+    def test_each_signal_ends_it_well(self):
+        for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
             self.assertEqual(self.simulator().stop(number), 0)
 
     def test_a_signal_ends_it_also_with_a_host_connected(self):
@@ -112,6 +113,15 @@ class Ending(Case):
         self.assertIn(b"listening", process.stdout.readline())
         process.send_signal(signal.SIGINT)
         self.assertEqual(process.wait(DEADLINE), 0)
+
+    def test_it_outlives_its_terminal_where_that_is_wanted(self):
+        def ignore():
+            signal.signal(signal.SIGHUP, signal.SIG_IGN)
+
+        simulator = self.simulator("tcp:0", preexec_fn=ignore)
+        simulator.process.send_signal(signal.SIGHUP)
+        self.assertExit(0, run("-d", simulator.place, "online"))
+        self.assertIsNone(simulator.process.poll())
 
 
 class Hosts(Case):

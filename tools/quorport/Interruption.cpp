@@ -23,12 +23,12 @@ class InterruptibleAccessory : public ForwardingAccessory {
 
 }  // namespace
 
-void Interruption::interrupt() {
+void Interruption::interrupt(ExitCode code) {
   const std::lock_guard lock(mutex_);
-  isWished_ = true;
+  code_ = code_.value_or(code);
   switch (stage_) {
     case Stage::Beginning:
-      giveUp_();
+      giveUp_(reportWithCode());
       return;
     case Stage::Exchange:
       wished_.notify_all();
@@ -41,11 +41,32 @@ void Interruption::interrupt() {
   }
 }
 
+std::optional<ExitCode> Interruption::code() {
+  const std::lock_guard lock(mutex_);
+  return code_;
+}
+
+void Interruption::setReport(Report report) {
+  const std::lock_guard lock(mutex_);
+  report_ = std::move(report);
+}
+
+Report Interruption::report() {
+  const std::lock_guard lock(mutex_);
+  return reportWithCode();
+}
+
+Report Interruption::reportWithCode() const {
+  Report report = report_;
+  report.code = code_.value_or(report.code);
+  return report;
+}
+
 void Interruption::begin() {
   const std::lock_guard lock(mutex_);
   stage_ = Stage::Beginning;
-  if (isWished_) {
-    giveUp_();
+  if (code_) {
+    giveUp_(reportWithCode());
   }
 }
 
@@ -58,7 +79,7 @@ void Interruption::beginJob(PrintJob& job) {
   const std::lock_guard lock(mutex_);
   stage_ = Stage::Job;
   job_ = &job;
-  if (isWished_) {
+  if (code_) {
     job_->cancel();
   }
 }

@@ -5,11 +5,13 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 #include "backends/posix/PosixPlatform.h"
 #include "job/PrintJob.h"
 #include "platform/Forwarding.h"
+#include "tools/quorport/Report.h"
 
 namespace quordalvane::tool {
 
@@ -20,11 +22,23 @@ class Interrupted {};
 /// far the command is. All members may be called from any thread.
 class Interruption {
  public:
-  /// `giveUp` must end the process. It is called while nothing is open that would have to be
-  /// closed: neither a connection being made nor a read from a pipe can be told to stop.
-  explicit Interruption(std::function<void()> giveUp) : giveUp_(std::move(giveUp)) {}
+  using GiveUp = std::function<void(const Report& report)>;
 
-  void interrupt();
+  /// `giveUp` must end the process, with the report that it is handed. It is called while nothing
+  /// is open that would have to be closed: neither a connection being made nor a read from a pipe
+  /// can be told to stop.
+  explicit Interruption(GiveUp giveUp) : giveUp_(std::move(giveUp)) {}
+
+  /// The wish comes. `code` is the exit status of a command that ends by it.
+  void interrupt(ExitCode code);
+
+  /// The code that the wish came with; none if it has not come.
+  std::optional<ExitCode> code();
+
+  /// What the command reports if the wish ends it before it has anything to tell. "interrupted"
+  /// unless a command sets another one.
+  void setReport(Report report);
+  Report report();
 
   /// Nothing is open: as at creation, the wish ends the process when it comes or has come.
   void begin();
@@ -47,14 +61,16 @@ class Interruption {
  private:
   enum class Stage { Beginning, Exchange, Job, End };
 
-  bool mustStop() const { return isWished_ && stage_ == Stage::Exchange; }
+  bool mustStop() const { return code_ && stage_ == Stage::Exchange; }
+  Report reportWithCode() const;
 
   std::mutex mutex_;  // guards what follows
   std::condition_variable wished_;
-  const std::function<void()> giveUp_;
+  const GiveUp giveUp_;
+  Report report_ = failed(ExitCode::Interrupted, "interrupted");
   Stage stage_ = Stage::Beginning;
   PrintJob* job_ = nullptr;
-  bool isWished_ = false;
+  std::optional<ExitCode> code_;  // of the wish, once it has come
 };
 
 /// The platform of the command: this system's, with sleeps that can be interrupted. Not every retry

@@ -164,10 +164,13 @@ Report printData(const std::vector<std::uint8_t>& data, const Options& options,
 }  // namespace
 
 Report print(const Options& options, const Surroundings& surroundings) {
+  const Failure interrupted(ExitCode::Interrupted, "interrupted");
   std::uint64_t bytesTotal = 0;
   try {
+    surroundings.interruption->setReport(reportOn(interrupted, bytesTotal));
     const auto data = readWhole(options.print.file, surroundings.streams);
     bytesTotal = data.size();
+    surroundings.interruption->setReport(reportOn(interrupted, bytesTotal));
     return printData(data, options, surroundings);
   } catch (const Failure& failure) {
     return reportOn(failure, bytesTotal);

@@ -12,6 +12,12 @@ Report done(const std::string& line) {
   return report;
 }
 
+Report failed(ExitCode code, const std::string& error) {
+  Report report;
+  setFailed(report, code, error);
+  return report;
+}
+
 void setFailed(Report& report, ExitCode code, const std::string& error) {
   report.code = code;
   report.json["ok"] = false;

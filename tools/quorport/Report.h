@@ -18,6 +18,7 @@ enum class ExitCode : int {
   NotReady = 4,     ///< the printer answered: off line, or paper in its exit
   LinkLost = 5,
   Unconfirmed = 6,
+  HungUp = 129,  ///< by SIGHUP
   Interrupted = 130,
 };
 
@@ -43,6 +44,9 @@ struct Report {
 
 /// The report of a command that did what was asked, with a line for people.
 Report done(const std::string& line);
+
+/// The report of a command that failed and has nothing else to say.
+Report failed(ExitCode code, const std::string& error);
 
 /// Adds the failure to what the report holds.
 void setFailed(Report& report, ExitCode code, const std::string& error);

@@ -1,5 +1,6 @@
 #include "tools/quorport/Run.h"
 
+#include <csignal>
 #include <cstdlib>
 #include <exception>
 #include <memory>
@@ -15,21 +16,15 @@
 namespace quordalvane::tool {
 namespace {
 
-Report failed(ExitCode code, const std::string& error) {
-  Report report;
-  setFailed(report, code, error);
-  return report;
-}
-
-Report interrupted() {
-  return failed(ExitCode::Interrupted, "interrupted");
+ExitCode codeOf(int signal) {
+  return signal == SIGHUP ? ExitCode::HungUp : ExitCode::Interrupted;
 }
 
 Report reportOf(const Order& order, const Surroundings& surroundings) {
   try {
     return order.command->run(order.options, surroundings);
   } catch (const Interrupted&) {
-    return interrupted();
+    return surroundings.interruption->report();
   } catch (const Failure& failure) {
     return failed(failure.code(), failure.what());
   } catch (const std::exception& error) {
@@ -38,27 +33,30 @@ Report reportOf(const Order& order, const Surroundings& surroundings) {
 }
 
 // For the moment when nothing is open: what the command is doing need not be undone.
-[[noreturn]] void leaveAtOnce(bool asJson, const Streams& streams) {
+[[noreturn]] void leaveAtOnce(const Report& report, bool asJson, const Streams& streams) {
   LiveLine(streams.err).hide();
-  deliver(interrupted(), asJson, streams);
+  deliver(report, asJson, streams);
   LogWriter::sharedInstance().flush();
-  std::_Exit(static_cast<int>(ExitCode::Interrupted));
+  std::_Exit(static_cast<int>(report.code));
 }
 
 ExitCode carryOut(const Order& order, const Streams& streams) {
   const LogOutput log(order.options, streams);
   const bool asJson = order.options.json;
-  const auto interruption =
-      std::make_shared<Interruption>([asJson, streams] { leaveAtOnce(asJson, streams); });
+  const auto interruption = std::make_shared<Interruption>(
+      [asJson, streams](const Report& report) { leaveAtOnce(report, asJson, streams); });
   const bool handlesSignals = order.command->kind == CommandKind::service;
   Report report;
   {
-    const auto watch = handlesSignals ? nullptr : std::make_unique<SignalWatch>([interruption] {
-      interruption->interrupt();
-    });
+    const auto watch =
+        handlesSignals ? nullptr : std::make_unique<SignalWatch>([interruption](int signal) {
+          interruption->interrupt(codeOf(signal));
+        });
     report = reportOf(order, {streams, interruption});
     interruption->end();
   }
+  // What was found out stays in the report; the exit status says that the user wished to stop.
+  report.code = interruption->code().value_or(report.code);
   const bool delivered = deliver(report, asJson, streams);
   // Who asked a question and got no answer must not take it for one. What was printed, on the other
   // hand, is printed, and a script that sends it again would print it twice.

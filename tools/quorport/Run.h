@@ -8,8 +8,8 @@
 namespace quordalvane::tool {
 
 /// Runs the command that `arguments`, without the program's own name, ask for. Returns the exit
-/// code. SIGINT and SIGTERM end the command meanwhile: in an orderly way, with a return, where a
-/// port is open, else by ending the process with the code for that.
+/// code. SIGINT, SIGTERM and SIGHUP end the command meanwhile: in an orderly way, with a return,
+/// where a port is open, else by ending the process with the code for that.
 int run(const std::vector<std::string>& arguments, const Streams& streams);
 
 }  // namespace quordalvane::tool

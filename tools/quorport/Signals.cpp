@@ -12,11 +12,19 @@
 namespace quordalvane::tool {
 namespace {
 
+bool isIgnored(int signal) {
+  struct sigaction now {};
+  return ::sigaction(signal, nullptr, &now) == 0 && now.sa_handler == SIG_IGN;
+}
+
 sigset_t stopSet() {
   sigset_t set;
   sigemptyset(&set);
   sigaddset(&set, SIGINT);
   sigaddset(&set, SIGTERM);
+  if (!isIgnored(SIGHUP)) {
+    sigaddset(&set, SIGHUP);
+  }
   return set;
 }
 
@@ -42,12 +50,15 @@ StopSignals::~StopSignals() {
   ::close(descriptor_);
 }
 
-bool StopSignals::take() {
+std::optional<int> StopSignals::take() {
   signalfd_siginfo info{};
-  return ::read(descriptor_, &info, sizeof info) == sizeof info;
+  if (::read(descriptor_, &info, sizeof info) != sizeof info) {
+    return std::nullopt;
+  }
+  return static_cast<int>(info.ssi_signo);
 }
 
-SignalWatch::SignalWatch(std::function<void()> onSignal)
+SignalWatch::SignalWatch(std::function<void(int)> onSignal)
     : onSignal_(std::move(onSignal)),
       end_(orThrow(::eventfd(0, EFD_CLOEXEC))),
       thread_([this] { watch(); }) {}
@@ -62,8 +73,10 @@ void SignalWatch::watch() {
   pollfd awaited[] = {{.fd = signals_.descriptor(), .events = POLLIN, .revents = 0},
                       {.fd = end_, .events = POLLIN, .revents = 0}};
   while (awaited[1].revents == 0) {
-    if (::poll(awaited, std::size(awaited), -1) > 0 && signals_.take()) {
-      onSignal_();
+    if (::poll(awaited, std::size(awaited), -1) > 0) {
+      if (const auto signal = signals_.take()) {
+        onSignal_(*signal);
+      }
     }
   }
 }

@@ -4,13 +4,15 @@
 
 #include <csignal>
 #include <functional>
+#include <optional>
 #include <thread>
 
 namespace quordalvane::tool {
 
-/// SIGINT and SIGTERM as something to wait for: while this lives, the calling thread and those that
-/// it starts are not disturbed by them. They arrive even where the parent process had them ignored,
-/// as shells do for what runs in the background.
+/// SIGINT, SIGTERM and SIGHUP as something to wait for: while this lives, the calling thread and
+/// those that it starts are not disturbed by them. The first two arrive even where the parent
+/// process had them ignored, as shells do for what runs in the background. SIGHUP does not: who
+/// ignores it, as nohup does, has the command outlive its terminal.
 class StopSignals {
  public:
   /// Raises std::system_error if the system has no descriptor left.
@@ -22,19 +24,19 @@ class StopSignals {
   /// Becomes readable when a signal comes. Never blocks.
   int descriptor() const { return descriptor_; }
 
-  /// Whether a signal has come, which is taken away.
-  bool take();
+  /// The signal that has come, which is taken away; none if none has.
+  std::optional<int> take();
 
  private:
   sigset_t before_{};
   int descriptor_;
 };
 
-/// Calls a function on a thread of its own for every SIGINT and SIGTERM.
+/// Calls a function on a thread of its own for every signal, with its number.
 class SignalWatch {
  public:
   /// Raises std::system_error if the system cannot provide what it takes.
-  explicit SignalWatch(std::function<void()> onSignal);
+  explicit SignalWatch(std::function<void(int)> onSignal);
 
   /// Waits for the function if it is running.
   ~SignalWatch();
@@ -45,7 +47,7 @@ class SignalWatch {
   void watch();
 
   StopSignals signals_;
-  const std::function<void()> onSignal_;
+  const std::function<void(int)> onSignal_;
   int end_;  // becomes readable when the watch is over
   std::thread thread_;
 };

@@ -35,7 +35,7 @@ class Server {
   Server(simulator::PrinterState state, simulator::Faults faults, Places places,
          const Streams& streams);
 
-  /// Serves until SIGINT, SIGTERM or a control line ends it.
+  /// Serves until SIGINT, SIGTERM, SIGHUP or a control line ends it.
   void run();
 
  private:
