@@ -24,6 +24,14 @@ class Usage(Case):
             self.assertExit(0, result)
             self.assertIn(f"quorport {command}", result.out)
 
+    def test_the_help_of_a_command_says_where_the_global_options_are(self):
+        for command in COMMANDS:
+            self.assertIn("--device and --json, are taken here, too: quorport --help", run(command, "--help").out)
+
+    def test_the_help_of_doctor_says_that_it_needs_a_device(self):
+        self.assertExit(2, run("doctor"))
+        self.assertRegex(run("doctor", "--help").out, r"Without one there is\s+nothing to look at, and the exit status is 2")
+
     def test_the_help_of_print_says_what_an_unchecked_job_comes_to(self):
         self.assertIn("unconfirmed at best", " ".join(run("print", "--help").out.split()))
 

@@ -40,9 +40,13 @@ constexpr auto printFooter =
     "               them again may print twice (6)\n"
     "  refused      nothing of the job was sent (1, 3, 4 or 5)\n";
 
+constexpr auto commandFooter =
+    "The global options, such as --device and --json, are taken here, too: quorport --help";
+
 constexpr auto doctorFooter =
-    "Every device that is given is looked at, and nothing is printed. A serial printer that does\n"
-    "not answer is asked at every other speed, too, which may make it print stray characters.\n"
+    "Every --device that is given is looked at, and nothing is printed. Without one there is\n"
+    "nothing to look at, and the exit status is 2. A serial printer that does not answer is asked\n"
+    "at every other speed, too, which may make it print stray characters.\n"
     "The exit status is 0 if all is well, else that of the first thing found: 1, 3, 4 or 5.\n";
 
 constexpr auto monitorFooter =
@@ -269,6 +273,7 @@ class Grammar {
       if (command.addOptions != nullptr) {
         command.addOptions(sub, options_);
       }
+      sub.footer(sub.get_footer() + "\n" + commandFooter);
     }
   }
 
