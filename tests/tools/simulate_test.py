@@ -393,6 +393,12 @@ class Receipts(Case):
         self.assertExit(2, result)
         self.assertIn("--receipts", result.err)
 
+    def test_a_path_that_leads_nowhere_is_refused(self):
+        result = run("simulate", "--listen", "tcp:0", "--receipts", f"{self.folder}/no/such")
+        self.assertExit(2, result)
+        self.assertIn("No such file or directory", result.err)
+        self.assertFalse((self.folder / "no").exists())
+
 
 if __name__ == "__main__":
     main()

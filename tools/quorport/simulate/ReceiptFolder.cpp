@@ -27,7 +27,7 @@ unsigned long numberIn(std::string_view name) {
 
 ReceiptFolder::ReceiptFolder(std::string folder) : folder_(std::move(folder)) {
   try {
-    std::filesystem::create_directories(folder_);
+    std::filesystem::create_directory(folder_);
     for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
       last_ = std::max(last_, numberIn(entry.path().filename().string()));
     }
