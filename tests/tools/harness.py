@@ -7,6 +7,7 @@ reply sleeps for a fixed time, once what it has said has been read.
 import concurrent.futures
 import json
 import os
+import re
 import select
 import socket
 import subprocess
@@ -191,9 +192,9 @@ class Simulator(Running):
         assert word == "listening", word
 
     def next_place(self) -> str:
-        word, place = self.line().split(" ", 1)
-        assert word == "listening", word
-        return place
+        """Where a terminal is found after it was dropped."""
+        said = re.compile(rb"^listening (.*)\n", re.MULTILINE)
+        return eventually(lambda: said.findall(os.pread(self.err.fileno(), 65536, 0)), "it listens again")[-1].decode()
 
     def raw_control(self, line: bytes):
         self.process.stdin.write(line)

@@ -288,6 +288,7 @@ class DroppedLinks(Case):
         terminal = os.open(simulator.place.removeprefix("serial:"), os.O_RDWR | os.O_NOCTTY)
         os.write(terminal, STATUS_REQUEST)
         self.assertEqual(len(os.read(terminal, 9)), 9)
+        self.assertIn("state", simulator.control({"get": "state"}), "it stays out of the answers")
         place = simulator.next_place()
         with self.assertRaises(OSError):
             if os.read(terminal, 1) == b"":

@@ -135,15 +135,17 @@ bool Server::acceptHost(Instant now) {
   return host_.has_value();
 }
 
-// Says where hosts find the printer, unless that has been said.
+// Says where hosts find the printer, unless that has been said. A place that comes later is no
+// answer to a control line, and stays out of their stream.
 void Server::announce() {
   const std::string place = places_.hosts->place();
   if (place == announced_) {
     return;
   }
+  const bool isFirst = announced_.empty();
   announced_ = place;
-  const auto outcome = writeAll(streams_.out, "listening " + place + "\n");
-  if (outcome.error) {
+  const auto outcome = writeAll(isFirst ? streams_.out : streams_.err, "listening " + place + "\n");
+  if (outcome.error && isFirst) {
     complain("standard output does not take where it listens: " + outcome.error.message(),
              streams_);
   }
