@@ -88,6 +88,32 @@ class Faults(Case):
             eventually(lambda: simulator.control({"fault": {"at": "50:coverOpen=true"}})["ok"], "taken")
             eventually(lambda: simulator.state()["coverOpen"], "the cover opens by itself")
 
+    def test_a_fault_that_comes_later_comes_also_where_nobody_is_connected(self):
+        simulator = self.simulator()
+        later = {"at": "60:receiptPaperEmpty=true"}, {"at": "30:coverOpen=true"}, {"at": "90:drop-reply=all"}
+        for fault in later:
+            self.assertEqual(simulator.control({"fault": fault}), {"ok": True})
+        eventually(lambda: simulator.state()["coverOpen"], "the cover opens by itself")
+        eventually(lambda: simulator.state()["receiptPaperEmpty"], "the paper runs out")
+        eventually(lambda: run("-d", simulator.place, "status").code == 1, "no reply comes any more")
+
+    def test_a_fault_that_comes_later_outlives_the_link(self):
+        simulator = self.simulator()
+        with simulator.connect() as host:
+            host.sendall(STATUS_REQUEST)
+            receive(host, 9)
+            self.assertEqual(simulator.control({"fault": {"at": "500:coverOpen=true"}}), {"ok": True})
+        eventually(lambda: simulator.state()["coverOpen"], "the cover opens by itself")
+
+    def test_a_fault_that_is_still_to_come_is_cleared_with_the_others(self):
+        simulator = self.simulator()
+        for fault in ({"at": "300:coverOpen=true"}, {"at": "301:receiptPaperEmpty=true"}):
+            self.assertEqual(simulator.control({"fault": fault}), {"ok": True})
+        self.assertEqual(simulator.control({"clear": "faults"}), {"ok": True})
+        self.assertEqual(simulator.control({"fault": {"at": "302:jamError=true"}}), {"ok": True})
+        eventually(lambda: simulator.state()["jamError"], "the last one comes")
+        self.assertFalse(simulator.state()["coverOpen"] or simulator.state()["receiptPaperEmpty"])
+
 
 class BadLines(Case):
     def refused(self, line: bytes, saying: str):

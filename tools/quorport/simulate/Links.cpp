@@ -1,16 +1,11 @@
 #include "tools/quorport/simulate/Links.h"
 
+#include <algorithm>
+
 namespace quordalvane::tool {
-namespace {
 
 using simulator::Fault;
 using simulator::FaultKind;
-
-bool namesAMoment(const Fault& fault) {
-  return fault.kind == FaultKind::cut || fault.kind == FaultKind::at;
-}
-
-}  // namespace
 
 simulator::PrinterLink& Links::begin(simulator::Instant now) {
   simulator::Faults all = faults_;
@@ -25,15 +20,49 @@ void Links::add(const simulator::Faults& faults, simulator::Instant now) {
     setSeed(*faults.seed);
   }
   for (const Fault& fault : faults.list) {
-    if (link_ != nullptr) {
-      link_->addFault(fault, now);
-    } else if (namesAMoment(fault)) {
-      forNextLink_.push_back(fault);
-    }
-    if (!namesAMoment(fault)) {
-      faults_.list.push_back(fault);
-    }
+    add(fault, now);
   }
+}
+
+void Links::add(const Fault& fault, simulator::Instant now) {
+  if (fault.kind == FaultKind::at) {
+    const auto isLater = [](simulator::Instant due, const Coming& other) {
+      return due < other.due;
+    };
+    const simulator::Instant due = now + fault.time;
+    coming_.insert(std::upper_bound(coming_.begin(), coming_.end(), due, isLater),
+                   {due, fault.key, fault.value});
+    return;
+  }
+  const bool onlyOnce = fault.kind == FaultKind::cut;
+  if (link_ != nullptr) {
+    link_->addFault(fault, now);
+  } else if (onlyOnce) {
+    forNextLink_.push_back(fault);
+  }
+  if (!onlyOnce) {
+    faults_.list.push_back(fault);
+  }
+}
+
+void Links::work(simulator::Instant now) {
+  while (!coming_.empty() && coming_.front().due <= now) {
+    const Coming first = coming_.front();
+    coming_.erase(coming_.begin());
+    bring(first, now);
+  }
+}
+
+void Links::bring(const Coming& coming, simulator::Instant now) {
+  if (simulator::isFault(coming.key)) {
+    add(simulator::parseFault(coming.key, coming.value), now);
+  } else {
+    printer_.set(coming.key, coming.value, now);
+  }
+}
+
+std::optional<simulator::Instant> Links::nextEvent() const {
+  return coming_.empty() ? std::nullopt : std::optional(coming_.front().due);
 }
 
 void Links::setSeed(std::uint64_t seed) {
@@ -46,6 +75,7 @@ void Links::setSeed(std::uint64_t seed) {
 void Links::clear(simulator::Instant now) {
   faults_.list.clear();
   forNextLink_.clear();
+  coming_.clear();
   if (link_ != nullptr) {
     link_->clearFaults(now);
   }

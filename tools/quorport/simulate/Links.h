@@ -1,6 +1,8 @@
 #pragma once
 
 #include <memory>
+#include <optional>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -25,19 +27,34 @@ class Links {
   void end() { link_.reset(); }
 
   /// Adds faults to the link that there is and to all that follow, and sets the seed if it is
-  /// named. Only one link gets the faults that name a moment, `cut` and `at`: the next one where
-  /// there is none now.
+  /// named. Only one link gets a `cut`: the next one where there is none now. What `at` holds comes
+  /// at its time whether there is a link or not.
   void add(const simulator::Faults& faults, simulator::Instant now);
 
-  /// Takes all faults away. The seed stays.
+  /// Takes all faults away, and what was still to come. The seed stays.
   void clear(simulator::Instant now);
 
+  /// Brings what is due.
+  void work(simulator::Instant now);
+
+  /// When something is due; none if nothing is to come.
+  std::optional<simulator::Instant> nextEvent() const;
+
  private:
+  struct Coming {  // a fault of the kind `at`, with its time
+    simulator::Instant due;
+    std::string key;
+    std::string value;
+  };
+
+  void add(const simulator::Fault& fault, simulator::Instant now);
+  void bring(const Coming& coming, simulator::Instant now);
   void setSeed(std::uint64_t seed);
 
   simulator::VirtualPrinter& printer_;
   simulator::Faults faults_;
   std::vector<simulator::Fault> forNextLink_;
+  std::vector<Coming> coming_;  // what is due first stands first
   std::unique_ptr<simulator::PrinterLink> link_;
 };
 

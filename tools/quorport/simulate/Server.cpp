@@ -92,6 +92,7 @@ std::optional<Instant> Server::nextEvent(Instant now) const {
     }
   };
   add(quitAt_);
+  add(links_.nextEvent());
   add(host_ ? host_->nextEvent(now) : printer_.nextEvent());
   if (const auto end = endOfJob(); end && *end > now) {
     add(end);
@@ -102,6 +103,7 @@ std::optional<Instant> Server::nextEvent(Instant now) const {
 
 void Server::work(Instant now) {
   printer_.advance(now);
+  links_.work(now);
   workForControls(now);
   workForHost(now);
   collectPaper(now);
