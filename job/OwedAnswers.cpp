@@ -16,7 +16,7 @@ bool startsBlock(std::uint8_t byte) {
 }
 
 bool isRealTimeStatus(std::uint8_t byte) {
-  return (byte & 0x93) == 0x12;
+  return (byte & escPosFixedMask) == escPosFixedBits;
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <utility>
 
+#include "iphone-IOPort/Commands.h"
 #include "job/Advice.h"
 #include "job/PrintData.h"
 #include "job/Words.h"
@@ -19,7 +20,6 @@ constexpr std::size_t smallestPiece = 256;
 
 // A cancelled job's last word must be out within this time: people wait for it.
 constexpr auto cancelLimit = std::chrono::milliseconds(500);
-constexpr std::uint8_t dataCancel[] = {0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00};
 
 /// Lets a job see the bytes of its port as long as it lasts.
 class Observation {

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <string>
 
+#include "iphone-IOPort/Commands.h"
 #include "iphone-IOPort/PortC.h"
 #include "job/PrintData.h"
 #include "job/PrintJob.h"
@@ -15,13 +16,10 @@ namespace {
 
 constexpr std::uint32_t statusLevel = 2;
 
-constexpr std::uint8_t dataCancelEnd[] = {0x1b, 0x1d, 0x03, 0x04, 0x00, 0x00};
-
 // The signs by which a block is confirmed.
 constexpr std::uint8_t countOfTwoMarks = 2;
 constexpr std::uint8_t countOfOneMark = 1;
 constexpr std::uint32_t lengthWithCounter = 7;
-constexpr std::uint8_t offlineBit = 0x08;
 
 // How long a port may go on once the printer's report has been seen.
 constexpr auto timeToEnd = std::chrono::seconds(2);
@@ -80,7 +78,6 @@ bool PrintJob::synchronise() {
     return false;
   }
   answers_.forgetSurplus();
-  const std::uint8_t realTimeStatusRequest[] = {0x10, 0x04, 0x01};
   std::uint64_t requestBytes = 0;
   return move(isLineMode ? std::span<const std::uint8_t>(escAckSoh) : realTimeStatusRequest,
               requestBytes) &&
@@ -125,7 +122,7 @@ bool PrintJob::isReadyInLineMode() {
 }
 
 bool PrintJob::isReadyInESCPOS() {
-  if ((answers_.last().front() & offlineBit) != 0) {
+  if ((answers_.last().front() & escPosOfflineBit) != 0) {
     return stop(PrintObstacle::PrinterNotReady, "off line");
   }
   return true;

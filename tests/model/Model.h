@@ -104,6 +104,7 @@ class Model {
   bool beginWait(const Log& log, QuorPrinterStatus_2* status, std::int64_t* code);
   bool endInLineMode(const Log& log, QuorPrinterStatus_2* status, std::uint32_t level,
                      std::int64_t start);
+  bool isReported(const Log& log, std::int64_t start);
   bool endInEscPos(const Log& log, QuorPrinterStatus_2* status, std::uint32_t level,
                    std::int64_t start);
   std::optional<std::uint8_t> nextByte(const Log& log, std::int64_t start);

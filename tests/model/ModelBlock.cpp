@@ -167,8 +167,7 @@ std::optional<std::uint8_t> Model::nextByte(const Log& log, std::int64_t start) 
   }
 }
 
-bool Model::endInEscPos(const Log& log, QuorPrinterStatus_2* status, std::uint32_t level,
-                        std::int64_t start) {
+bool Model::isReported(const Log& log, std::int64_t start) {
   const auto limit = static_cast<std::int32_t>(endMillis_ / 1000);
   bool countedUp = false;
   while (true) {
@@ -207,12 +206,19 @@ bool Model::endInEscPos(const Log& log, QuorPrinterStatus_2* status, std::uint32
       continue;
     }
     if (countedUp || (*top & 0x08) != 0) {
-      break;
+      return true;
     }
     if (isLate(log, start, limit, "timeoutSec")) {
       return false;
     }
     platform_.clock().usleep(200000);
+  }
+}
+
+bool Model::endInEscPos(const Log& log, QuorPrinterStatus_2* status, std::uint32_t level,
+                        std::int64_t start) {
+  if (!isReported(log, start)) {
+    return false;
   }
   auto data = read(1, false);
   while (data && !data->empty()) {

@@ -55,8 +55,11 @@ ExitCode carryOut(const Order& order, const Streams& streams) {
     report = reportOf(order, {streams, interruption});
     interruption->end();
   }
-  // What was found out stays in the report; the exit status says that the user wished to stop.
-  report.code = interruption->code().value_or(report.code);
+  // What is done is done, however late the wish to stop came. Of anything else the exit status tells
+  // that wish, and the report what was found out.
+  if (report.code != ExitCode::Done) {
+    report.code = interruption->code().value_or(report.code);
+  }
   const bool delivered = deliver(report, asJson, streams);
   // Who asked a question and got no answer must not take it for one. What was printed, on the other
   // hand, is printed, and a script that sends it again would print it twice.

@@ -3,9 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <utility>
-
 #include "tests/unit/job/Till.h"
 
 namespace quordalvane {
