@@ -55,8 +55,8 @@ ExitCode carryOut(const Order& order, const Streams& streams) {
     report = reportOf(order, {streams, interruption});
     interruption->end();
   }
-  // What is done is done, however late the wish to stop came. Of anything else the exit status tells
-  // that wish, and the report what was found out.
+  // What is done is done, however late the wish to stop came. Of anything else the exit status
+  // tells that wish, and the report what was found out.
   if (report.code != ExitCode::Done) {
     report.code = interruption->code().value_or(report.code);
   }
