@@ -26,7 +26,7 @@ constexpr auto footer =
     "Exit status: 0 done, 1 the exchange with the printer failed, 2 usage, 3 no accessory matched "
     "or\n"
     "it could not be opened, 4 the printer is not ready, 5 the link was lost, 6 unconfirmed,\n"
-    "130 interrupted, 129 hung up.\n"
+    "129 hung up, 130 interrupted.\n"
     "\n"
     "  quorport print receipt.txt                             on the printer that is built in\n"
     "  quorport -d tcp:192.0.2.10:9100 status\n"
