@@ -1,6 +1,7 @@
 #include "backends/virtual/VirtualPlatform.h"
 #include "fuzz/Input.h"
 #include "iphone-IOPort/ExternalAccessoryPort.h"
+#include "iphone-IOPort/PortName.h"
 #include "iphone-IOPort/Util.h"
 #include "tests/support/ScriptedLink.h"
 
@@ -22,10 +23,11 @@ bool isDesignated(const std::string& portName, EAAccessory& accessory) {
   if (inLowerCase(portName) == "bt:") {
     return true;
   }
-  if (portName.size() < 3) {
+  const auto prefix = prefixLength(portName);
+  if (!prefix) {
     return false;
   }
-  const std::string wanted = portName.substr(3);
+  const std::string wanted = portName.substr(*prefix);
   const std::string address = Util::getMACAddressFromString(accessory.description());
   return accessory.name() == wanted || accessory.serialNumber() == wanted ||
          (!address.empty() && inLowerCase(address) == inLowerCase(wanted));
