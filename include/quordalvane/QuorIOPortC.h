@@ -358,7 +358,8 @@ QUOR_EXPORT uint64_t quor_print_job_bytes_total(QuorPrintJob* job);
 /** What the link took of the job, exactly. */
 QUOR_EXPORT uint64_t quor_print_job_bytes_accepted(QuorPrintJob* job);
 
-/** The last status that was obtained; QUOR_NONE if none was. */
+/** The last status that was obtained; QUOR_NONE if none was. Of a job whose data has begun to go
+ * out only one from after the data. */
 QUOR_EXPORT QuorCode quor_print_job_status(QuorPrintJob* job, QuorPrinterStatus_2* status);
 
 /** Why the job was not printed, and what may be done next, for a person; "" when it was printed.
