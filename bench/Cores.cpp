@@ -24,7 +24,7 @@ void bindTo(Core core) {
   static const std::vector<std::size_t> cores = allowedCores();  // asked before the first binding
   cpu_set_t chosen;
   CPU_ZERO(&chosen);
-  CPU_SET(core == Core::first ? cores.front() : cores.back(), &chosen);
+  CPU_SET(core == Core::First ? cores.front() : cores.back(), &chosen);
   ::sched_setaffinity(0, sizeof chosen, &chosen);
 }
 

@@ -5,7 +5,7 @@
 namespace quordalvane::bench {
 
 /// Two of the cores that this process may run on; the same one where there is no other.
-enum class Core { first, second };
+enum class Core { First, Second };
 
 /// Binds the calling thread to a core. Threads that it starts are bound there, too.
 void bindTo(Core core);

@@ -23,7 +23,7 @@ class Crowd {
  private:
   void openAll();
 
-  const std::unique_ptr<Endpoint> endpoint_ = makeEndpoint(Medium::tcp);
+  const std::unique_ptr<Endpoint> endpoint_ = makeEndpoint(Medium::Tcp);
   Peer peer_;
   std::vector<std::shared_ptr<ExternalAccessoryPort>> ports_;
 };

@@ -59,8 +59,8 @@ class DrainingPeer {
 /// A port and a bare link that print to a draining peer each.
 struct Drains {
   explicit Drains(Medium medium)
-      : peer(Core::first),
-        barePeer(Core::first),
+      : peer(Core::First),
+        barePeer(Core::First),
         endpoint(makeEndpoint(medium)),
         bareEndpoint(makeEndpoint(medium)),
         port(endpoint->device(), ZKEmulationESCPOS),
@@ -119,9 +119,9 @@ void printDataOver(Medium medium, const std::string& where, Rows& rows) {
   const std::vector<std::uint8_t> data(64 * mebibyte, ' ');
   const std::span<const std::uint8_t> all(data);
   rows.push_back(comparedRow({"B4", "a job of 64 MiB" + where, ">= 0.75 x", "MiB/s"},
-                             throughput(drains, all), Best::highest));
+                             throughput(drains, all), Best::Highest));
   rows.push_back(comparedRow({"B4", "a job of 1 MiB" + where, ">= 0.75 x", "MiB/s"},
-                             throughput(drains, all.first(mebibyte)), Best::highest));
+                             throughput(drains, all.first(mebibyte)), Best::Highest));
   rows.push_back(copiedBytes(where, drains.port, drains.peer, all));
 }
 
@@ -131,7 +131,7 @@ class ReadAhead {
   static constexpr std::size_t portion = 32 * kibibyte;
 
   ReadAhead()
-      : endpoint_(makeEndpoint(Medium::tcp)),
+      : endpoint_(makeEndpoint(Medium::Tcp)),
         port_(endpoint_->device(), ZKEmulationQuorLine),
         feed_(endpoint_->accept()),
         bare_(endpoint_->connect()),
@@ -196,21 +196,21 @@ Row countedCalls(const Heading& heading, const SystemCalls& ours, const SystemCa
 }  // namespace
 
 Rows printData() {
-  const Bound bound(Core::first);
+  const Bound bound(Core::First);
   Rows rows;
-  printDataOver(Medium::tcp, " over TCP", rows);
-  printDataOver(Medium::local, " over a Unix socket", rows);
+  printDataOver(Medium::Tcp, " over TCP", rows);
+  printDataOver(Medium::Local, " over a Unix socket", rows);
   return rows;
 }
 
 Rows reading() {
-  const Bound bound(Core::first);
+  const Bound bound(Core::First);
   ReadAhead ahead;
   const auto pairs =
       alternate([&] { return readingRate([&] { ahead.feed(); }, [&] { ahead.read(); }); },
                 [&] { return readingRate([&] { ahead.feedBare(); }, [&] { ahead.readBare(); }); });
   Rows rows = {comparedRow({"B5", "1 MiB read, 512 bytes a call", ">= 0.8 x", "MiB/s"}, pairs,
-                           Best::highest)};
+                           Best::Highest)};
   ahead.feed();
   ahead.feedBare();
   const auto ours = systemCallsOf([&] { ahead.read(); });
@@ -225,8 +225,8 @@ Rows reading() {
 }
 
 GrowthTable growingJobs() {
-  const Bound bound(Core::first);
-  Drains drains(Medium::tcp);
+  const Bound bound(Core::First);
+  Drains drains(Medium::Tcp);
   GrowthTable table{.title = "A job over TCP as it grows, until the last byte has come",
                     .columns = {"KiB", "ours, us", "ours, us a MiB", "bare, us a MiB"},
                     .lines = {}};

@@ -135,11 +135,11 @@ class TerminalEndpoint final : public Endpoint {
 
 std::unique_ptr<Endpoint> makeEndpoint(Medium medium) {
   switch (medium) {
-    case Medium::tcp:
+    case Medium::Tcp:
       return std::make_unique<TcpEndpoint>();
-    case Medium::local:
+    case Medium::Local:
       return std::make_unique<LocalEndpoint>();
-    case Medium::terminal:
+    case Medium::Terminal:
       break;
   }
   return std::make_unique<TerminalEndpoint>();

@@ -6,7 +6,7 @@
 
 namespace quordalvane::bench {
 
-enum class Medium { tcp, local, terminal };
+enum class Medium { Tcp, Local, Terminal };
 
 /// A place where a printer can be reached: a listening socket of this machine, or a
 /// pseudo-terminal. What fails raises std::system_error.

@@ -101,7 +101,7 @@ Idle idleWith(Make make, int count) {
 }
 
 Idle idlePortsOf(int count) {
-  return idleWith([=] { return std::make_unique<Crowd>(count, Core::first); }, count);
+  return idleWith([=] { return std::make_unique<Crowd>(count, Core::First); }, count);
 }
 
 Idle idleThreadsOf(int count) {
@@ -112,28 +112,28 @@ Idle idleThreadsOf(int count) {
 
 Rows idlePorts() {
   allowManyDescriptors();
-  const Bound bound(Core::first);
+  const Bound bound(Core::First);
   const auto pairs =
       alternate([] { return idlePortsOf(portCount); }, [] { return idleThreadsOf(portCount); });
   Row memory = comparedRow({"B9", "memory of each port and its thread", "<= limit + 16", "KiB"},
-                           figuresOf(pairs, &Idle::kibibytes), Best::highest);
+                           figuresOf(pairs, &Idle::kibibytes), Best::Highest);
   return {comparedRow({"B9", "1,000 idle ports with their threads", "<= 1.3 x", "% of a core"},
-                      figuresOf(pairs, &Idle::coreShare), Best::lowest),
+                      figuresOf(pairs, &Idle::coreShare), Best::Lowest),
           comparedRow({"B9", "wake-ups of each", "<= 10 a second", "a second"},
-                      figuresOf(pairs, &Idle::wakeUps), Best::lowest),
+                      figuresOf(pairs, &Idle::wakeUps), Best::Lowest),
           memory};
 }
 
 GrowthTable growingPorts() {
   allowManyDescriptors();
-  const Bound bound(Core::first);
+  const Bound bound(Core::First);
   GrowthTable table{
       .title = "Open ports as they grow, each with its thread, asked by turns",
       .columns = {"ports", "a status, us", "idle, % of a core", "idle, % of a core for 1,000"},
       .lines = {}};
   for (const int count : {1, 10, 100, 1000}) {
     constexpr std::size_t statuses = 2000;
-    const Crowd crowd(count, Core::first);
+    const Crowd crowd(count, Core::First);
     std::size_t next = 0;
     const double each = median(secondsOfEach(statuses, [&] {
       QuorPrinterStatus_2 status{};

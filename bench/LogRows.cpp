@@ -25,7 +25,7 @@ using namespace std::chrono_literals;
 
 constexpr double nanosecond = 1e9;
 constexpr double millisecond = 1e3;
-constexpr std::size_t queueSize = LogQueue::kDefaultCapacity;
+constexpr std::size_t queueSize = LogQueue::defaultCapacity;
 
 /// Counts the records that reach it. Takes its time over the first ones where that is asked for.
 class Destination {
@@ -67,7 +67,7 @@ class OurLogger {
   explicit OurLogger(std::size_t capacity = queueSize) {
     auto& writer = LogWriter::sharedInstance();
     writer.setQueueCapacity(capacity);
-    const Bound bound(Core::second);
+    const Bound bound(Core::Second);
     writer.addSink(sink_);
     before_ = writer.statistics();
     LogWriter::setLogging(true);
@@ -102,7 +102,7 @@ class OurLogger {
 class TheirLogger {
  public:
   explicit TheirLogger(std::size_t capacity = queueSize) {
-    const Bound bound(Core::second);
+    const Bound bound(Core::Second);
     pool_ = std::make_shared<spdlog::details::thread_pool>(capacity, 1U);
     logger_ = std::make_shared<spdlog::async_logger>("bench", sink_, pool_,
                                                      spdlog::async_overflow_policy::overrun_oldest);
@@ -207,9 +207,9 @@ void addRowsOf(const Load& load, Rows& rows) {
   const auto pairs =
       alternate([&] { return viewOf<OurLogger>(load); }, [&] { return viewOf<TheirLogger>(load); });
   rows.push_back(comparedRow({"B7", name + ": p50", "<= 300 ns and <= 0.6 x", "ns"},
-                             figuresOf(pairs, &CallerView::middle), Best::lowest, nanosecond));
+                             figuresOf(pairs, &CallerView::middle), Best::Lowest, nanosecond));
   rows.push_back(comparedRow({"B7", name + ": p99", "<= 1 x", "ns"},
-                             figuresOf(pairs, &CallerView::slow), Best::lowest, nanosecond));
+                             figuresOf(pairs, &CallerView::slow), Best::Lowest, nanosecond));
   const auto drops = figuresOf(pairs, &CallerView::dropped);
   rows.push_back({.heading = {"B7", name + ": drops, all runs", "0", "records"},
                   .ours = sum(drops.ours),
@@ -283,7 +283,7 @@ void run(benchmark::State& state, Statement statement) {
 }  // namespace
 
 Rows logStatementOff() {
-  const Bound bound(Core::first);
+  const Bound bound(Core::First);
   const OurLogger ours;
   LogWriter::setLogging(false);
   TheirLogger theirs;
@@ -303,13 +303,13 @@ Rows logStatementOff() {
   ours.log(1);
   const auto built = LogWriter::sharedInstance().statistics().messagesBuilt - builtBefore;
   return {comparedRow({"B6", "a log statement, logging off", "<= 3 ns and <= 4 x", "ns"}, pairs,
-                      Best::lowest, nanosecond),
+                      Best::Lowest, nanosecond),
           {.heading = {"B6", "allocations and messages built by it", "0", "count"},
            .ours = static_cast<double>(taken.count + built)}};
 }
 
 Rows logStatementOn() {
-  const Bound bound(Core::first);
+  const Bound bound(Core::First);
   Rows rows;
   for (const Load& load : loads) {
     addRowsOf(load, rows);
@@ -318,11 +318,11 @@ Rows logStatementOn() {
 }
 
 Rows stalledSink() {
-  const Bound bound(Core::first);
+  const Bound bound(Core::First);
   const auto pairs = alternate(viewOfStall<OurLogger>, viewOfStall<TheirLogger>);
   const auto unaccounted = figuresOf(pairs, &StallView::unaccounted);
   return {comparedRow({"B8", "longest call while the sink stalls for 0.2 s", "<= 1 ms", "ms"},
-                      figuresOf(pairs, &StallView::longest), Best::lowest, millisecond),
+                      figuresOf(pairs, &StallView::longest), Best::Lowest, millisecond),
           {.heading = {"B8", "records neither delivered nor counted as dropped", "0", "records"},
            .ours = sum(unaccounted.ours),
            .limit = sum(unaccounted.limit)}};

@@ -40,8 +40,8 @@ double read(FILE* output) {
 /// What `measure` says of an endpoint whose printer answers each connection.
 template <typename Measure>
 double microsecondsAt(Measure measure) {
-  const auto endpoint = makeEndpoint(Medium::tcp);
-  Peer peer(Core::first);
+  const auto endpoint = makeEndpoint(Medium::Tcp);
+  Peer peer(Core::First);
   peer.answerAll(*endpoint);
   const double seconds = measure(std::to_string(tcpPort(*endpoint)));
   ::close(endpoint->connect());  // a connection without a byte ends the printer

@@ -8,7 +8,7 @@
 namespace quordalvane::bench {
 
 Row comparedRow(Heading heading, const Pairs<double>& pairs, Best best, double scale) {
-  const auto bestOf = best == Best::lowest ? lowest : highest;
+  const auto bestOf = best == Best::Lowest ? lowest : highest;
   Figures ratios;
   for (std::size_t i = 0; i < pairs.ours.size(); ++i) {
     ratios.push_back(pairs.ours[i] / pairs.limit[i]);

@@ -38,7 +38,7 @@ struct Row {
 
 using Rows = std::vector<Row>;
 
-enum class Best { lowest, highest };
+enum class Best { Lowest, Highest };
 
 /// The best figure of each side, times `scale`, and the spread of the pairs.
 Row comparedRow(Heading heading, const Pairs<double>& pairs, Best best, double scale = 1);

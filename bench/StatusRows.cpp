@@ -39,12 +39,12 @@ struct Sides {
 
 Row lineStatusRow(Heading heading, Medium medium, Core peerCore) {
   constexpr int exchanges = 2000;
-  const Bound bound(Core::first);
+  const Bound bound(Core::First);
   Sides sides(medium, ZKEmulationQuorLine, peerCore);
   const auto pairs = alternate(
       [&] { return median(secondsOfEach(exchanges, [&] { sides.port.getStatus(); })); },
       [&] { return median(secondsOfEach(exchanges, [&] { exchangeLineStatus(sides.bare); })); });
-  return comparedRow(std::move(heading), pairs, Best::lowest, microsecond);
+  return comparedRow(std::move(heading), pairs, Best::Lowest, microsecond);
 }
 
 struct Cycles {
@@ -62,33 +62,33 @@ Cycles runCycles(Cycle cycle) {
 }  // namespace
 
 Rows lineStatusOverTcp() {
-  return {lineStatusRow({"B1", "line-mode status over TCP", "<= 1.3 x", "us"}, Medium::tcp,
-                        Core::first)};
+  return {lineStatusRow({"B1", "line-mode status over TCP", "<= 1.3 x", "us"}, Medium::Tcp,
+                        Core::First)};
 }
 
 Rows escposStatusOverTcp() {
-  const Bound bound(Core::first);
-  Sides sides(Medium::tcp, ZKEmulationESCPOS, Core::first);
+  const Bound bound(Core::First);
+  Sides sides(Medium::Tcp, ZKEmulationESCPOS, Core::First);
   const auto pairs =
       alternate([&] { return runCycles([&] { sides.port.getStatus(); }); },
                 [&] { return runCycles([&] { exchangeEscposStatus(sides.bare); }); });
   Row each = comparedRow({"B2", "ESC/POS status over TCP, back to back", "<= 1.3 x", "us"},
-                         figuresOf(pairs, &Cycles::each), Best::lowest, microsecond);
+                         figuresOf(pairs, &Cycles::each), Best::Lowest, microsecond);
   each.peers = measurePeers();
   return {std::move(each),
           comparedRow({"B2", "the longest of 1,000 such cycles", "<= 20 ms", "ms"},
-                      figuresOf(pairs, &Cycles::longest), Best::lowest, millisecond)};
+                      figuresOf(pairs, &Cycles::longest), Best::Lowest, millisecond)};
 }
 
 Rows lineStatusElsewhere() {
   return {lineStatusRow({"B3", "line-mode status over a Unix socket", "<= 1.5 x", "us"},
-                        Medium::local, Core::first),
+                        Medium::Local, Core::First),
           lineStatusRow({"B3", "line-mode status over a pseudo-terminal", "<= 1.2 x", "us"},
-                        Medium::terminal, Core::second)};
+                        Medium::Terminal, Core::Second)};
 }
 
 Rows systemCalls() {
-  Sides sides(Medium::tcp, ZKEmulationQuorLine, Core::first);
+  Sides sides(Medium::Tcp, ZKEmulationQuorLine, Core::First);
   sides.port.getStatus();
   const auto ours = systemCallsOf([&] { sides.port.getStatus(); });
   const auto limit = systemCallsOf([&] { exchangeLineStatus(sides.bare); });

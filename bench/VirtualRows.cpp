@@ -63,13 +63,13 @@ Row jobsRow(const std::string& mode, ZKEmulation emulation, const ByteBuffer& da
     speeds.push_back(speedOfJobs(emulation, data));
   }
   return comparedRow({"B13", mode + " jobs under virtual time", ">= 10,000 x", "s a second"},
-                     {.ours = speeds, .limit = Figures(speeds.size(), 1)}, Best::highest);
+                     {.ours = speeds, .limit = Figures(speeds.size(), 1)}, Best::Highest);
 }
 
 }  // namespace
 
 Rows virtualTime() {
-  const Bound bound(Core::first);
+  const Bound bound(Core::First);
   const ByteBuffer data = receipt();
   return {jobsRow("line-mode", ZKEmulationQuorLine, data),
           jobsRow("ESC/POS", ZKEmulationESCPOS, data)};

@@ -25,10 +25,10 @@ constexpr double millisecond = 1e3;
 Row lateReplyRow(Heading heading, ZKEmulation emulation, std::chrono::microseconds delay,
                  void (*exchange)(BareLink&)) {
   constexpr int exchanges = 11;
-  const Bound bound(Core::first);
-  Peer peer(Core::first);
-  Peer barePeer(Core::first);
-  const auto endpoint = makeEndpoint(Medium::tcp);
+  const Bound bound(Core::First);
+  Peer peer(Core::First);
+  Peer barePeer(Core::First);
+  const auto endpoint = makeEndpoint(Medium::Tcp);
   OpenPort port(endpoint->device(), emulation);
   peer.answer(endpoint->accept(), delay);
   BareLink bare(endpoint->connect());
@@ -36,7 +36,7 @@ Row lateReplyRow(Heading heading, ZKEmulation emulation, std::chrono::microsecon
   const auto pairs =
       alternate([&] { return median(secondsOfEach(exchanges, [&] { port.getStatus(); })); },
                 [&] { return median(secondsOfEach(exchanges, [&] { exchange(bare); })); });
-  return comparedRow(std::move(heading), pairs, Best::lowest, millisecond);
+  return comparedRow(std::move(heading), pairs, Best::Lowest, millisecond);
 }
 
 double processorSeconds() {
@@ -112,8 +112,8 @@ Rows lateReplies() {
 }
 
 Rows silentDevice() {
-  const Bound bound(Core::first);
-  const auto endpoint = makeEndpoint(Medium::tcp);  // it accepts connections by itself
+  const Bound bound(Core::First);
+  const auto endpoint = makeEndpoint(Medium::Tcp);  // it accepts connections by itself
   const auto ours = [&] {
     OpenPort port(endpoint->device(), ZKEmulationQuorLine);
     return silenceOf([&] { askSilentDevice(port); });
@@ -124,16 +124,16 @@ Rows silentDevice() {
   };
   const auto pairs = alternate(ours, limit);
   return {comparedRow({"B11", "line-mode status of a silent device", "<= 1.01 x", "s"},
-                      figuresOf(pairs, &Silence::seconds), Best::lowest),
+                      figuresOf(pairs, &Silence::seconds), Best::Lowest),
           comparedRow({"B11", "processor time meanwhile", "<= 1 % of a core", "% of a core"},
-                      figuresOf(pairs, &Silence::coreShare), Best::lowest)};
+                      figuresOf(pairs, &Silence::coreShare), Best::Lowest)};
 }
 
 Rows openAndClose() {
   constexpr int rounds = 5;
-  const Bound bound(Core::first);
-  const auto endpoint = makeEndpoint(Medium::tcp);
-  Peer peer(Core::first);
+  const Bound bound(Core::First);
+  const auto endpoint = makeEndpoint(Medium::Tcp);
+  Peer peer(Core::First);
   peer.answerAll(*endpoint);
   const auto pairs = alternate([&] { return median(secondsBeyondThePauses(rounds, *endpoint)); },
                                [&] {
@@ -145,7 +145,7 @@ Rows openAndClose() {
   ::close(endpoint->connect());  // a connection without a byte ends the printer
   return {comparedRow(
       {"B12", "open, status and close, beyond their named pauses", "<= limit + 1 ms", "ms"}, pairs,
-      Best::lowest, millisecond)};
+      Best::Lowest, millisecond)};
 }
 
 }  // namespace quordalvane::bench

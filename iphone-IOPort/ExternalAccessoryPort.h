@@ -368,7 +368,7 @@ class QUOR_EXPORT ExternalAccessoryPort
                                          std::span<const std::uint8_t> tempData);
 
   /// Whether a read waits for its first byte in any case, or only where one may come.
-  enum class Patience { always, whereExpected };
+  enum class Patience { Always, WhereExpected };
   std::optional<ByteBuffer> receive(std::size_t bytesToRead, Patience patience);
   std::optional<ByteBuffer> readLeftovers(std::size_t bytesToRead);
   bool readChunk(NSInputStream& stream, ByteBuffer& recvBuffer, std::size_t bytesToRead);

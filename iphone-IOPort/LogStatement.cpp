@@ -24,10 +24,10 @@ class MessageText {
 
   template <typename... Format>
   void appendNumber(auto value, Format... format) {
-    if (buffer_.size() - used_ < kLongestNumber) {
+    if (buffer_.size() - used_ < longestNumber) {
       spill();
     }
-    const char* behind = std::to_chars(end(), end() + kLongestNumber, value, format...).ptr;
+    const char* behind = std::to_chars(end(), end() + longestNumber, value, format...).ptr;
     used_ += static_cast<std::size_t>(behind - end());
   }
 
@@ -40,7 +40,7 @@ class MessageText {
   }
 
  private:
-  static constexpr std::size_t kLongestNumber = 317;  // the lowest double, with six decimals
+  static constexpr std::size_t longestNumber = 317;  // the lowest double, with six decimals
 
   char* end() noexcept { return buffer_.data() + used_; }
 
@@ -116,21 +116,21 @@ const void* addressOf(const LogArgument& argument) {
 
 void appendArgument(MessageText& message, LogConversion conversion, const LogArgument& argument) {
   switch (conversion) {
-    case LogConversion::int32:
+    case LogConversion::Int32:
       return message.appendNumber(static_cast<std::int32_t>(std::get<std::uint64_t>(argument)));
-    case LogConversion::uint32:
+    case LogConversion::Uint32:
       return message.appendNumber(static_cast<std::uint32_t>(std::get<std::uint64_t>(argument)));
-    case LogConversion::int64:
+    case LogConversion::Int64:
       return message.appendNumber(static_cast<std::int64_t>(std::get<std::uint64_t>(argument)));
-    case LogConversion::uint64:
+    case LogConversion::Uint64:
       return message.appendNumber(std::get<std::uint64_t>(argument));
-    case LogConversion::real:
+    case LogConversion::Real:
       return message.appendNumber(std::get<double>(argument), std::chars_format::fixed, 6);
-    case LogConversion::address:
+    case LogConversion::Address:
       return message.append(AddressText(addressOf(argument)).view());
-    case LogConversion::text:
+    case LogConversion::Text:
       return appendText(message, textOf(argument));
-    case LogConversion::none:
+    case LogConversion::None:
       break;  // fits no argument
   }
 }

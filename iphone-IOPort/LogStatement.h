@@ -105,39 +105,39 @@ using Referred = decltype(refer(std::declval<const Argument&>()));
 
 }  // namespace log_argument
 
-enum class LogConversion { none, int32, uint32, int64, uint64, real, address, text };
+enum class LogConversion { None, Int32, Uint32, Int64, Uint64, Real, Address, Text };
 
 /// A stretch of a format: some text, and the conversion behind it.
 struct LogFormatPiece {
   std::string_view text;
-  LogConversion conversion = LogConversion::none;
+  LogConversion conversion = LogConversion::None;
 };
 
 constexpr LogConversion conversionOf(char letter) {
   switch (letter) {
     case 'd':
-      return LogConversion::int32;
+      return LogConversion::Int32;
     case 'u':
-      return LogConversion::uint32;
+      return LogConversion::Uint32;
     case 'f':
-      return LogConversion::real;
+      return LogConversion::Real;
     case 'p':
-      return LogConversion::address;
+      return LogConversion::Address;
     case '@':
-      return LogConversion::text;
+      return LogConversion::Text;
     default:
-      return LogConversion::none;
+      return LogConversion::None;
   }
 }
 
 constexpr LogConversion longConversionOf(char letter) {
   switch (letter) {
     case 'd':
-      return LogConversion::int64;
+      return LogConversion::Int64;
     case 'u':
-      return LogConversion::uint64;
+      return LogConversion::Uint64;
     default:
-      return LogConversion::none;
+      return LogConversion::None;
   }
 }
 
@@ -161,13 +161,13 @@ template <typename Argument>
 constexpr bool fitsConversion(LogConversion conversion) {
   using Referred = log_argument::Referred<Argument>;
   switch (conversion) {
-    case LogConversion::none:
+    case LogConversion::None:
       return false;
-    case LogConversion::real:
+    case LogConversion::Real:
       return std::is_same_v<Referred, double>;
-    case LogConversion::address:
+    case LogConversion::Address:
       return std::is_same_v<Referred, const void*> || std::is_same_v<Referred, const char*>;
-    case LogConversion::text:
+    case LogConversion::Text:
       return std::is_same_v<Referred, LogText> || std::is_same_v<Referred, const char*>;
     default:
       return std::is_same_v<Referred, std::uint64_t>;

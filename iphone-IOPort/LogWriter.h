@@ -47,7 +47,7 @@ class QUOR_EXPORT LogWriter {
   static void setTargetLogLevels(const std::set<std::int32_t>& levels);
 
   /// The logger of this process. It is made at the first call and never destroyed, so that threads
-  /// may log until the very end. A normal exit flushes it, for at most LogDelivery::kFlushTime.
+  /// may log until the very end. A normal exit flushes it, for at most LogDelivery::flushTime.
   static LogWriter& sharedInstance();
 
   /// The bytes as lower-case pairs of hexadecimal digits, parted by blanks, in angle brackets, as
@@ -70,7 +70,7 @@ class QUOR_EXPORT LogWriter {
   void addSink(std::shared_ptr<LogSink> sink);
   void removeSink(const std::shared_ptr<LogSink>& sink);
   void setQueueCapacity(std::size_t records);
-  bool flush(std::chrono::milliseconds timeout = LogDelivery::kFlushTime);
+  bool flush(std::chrono::milliseconds timeout = LogDelivery::flushTime);
   /// @}
 
   /// The counts as they stand; nothing is set back.

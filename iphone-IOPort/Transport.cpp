@@ -135,12 +135,12 @@ std::optional<std::int64_t> ExternalAccessoryPort::writeChunk(
 }
 
 std::optional<ByteBuffer> ExternalAccessoryPort::read(std::size_t bytesToRead) {
-  return receive(bytesToRead, Patience::always);
+  return receive(bytesToRead, Patience::Always);
 }
 
 /// `read`, for what earlier exchanges have left behind. It does not wait where nothing can come.
 std::optional<ByteBuffer> ExternalAccessoryPort::readLeftovers(std::size_t bytesToRead) {
-  return receive(bytesToRead, Patience::whereExpected);
+  return receive(bytesToRead, Patience::WhereExpected);
 }
 
 std::optional<ByteBuffer> ExternalAccessoryPort::receive(std::size_t bytesToRead,
@@ -157,7 +157,7 @@ std::optional<ByteBuffer> ExternalAccessoryPort::receive(std::size_t bytesToRead
     // The writer's text, output stream and all: those who read these logs know it so.
     QUOR_LOG(ZKLogTypeProcess, 0, "_session.outputStream.hasSpaceAvailable == NO, %d",
              hasSpaceAvailable(outputStream()));
-    if (patience == Patience::always || stream == nullptr || stream->expectsBytes()) {
+    if (patience == Patience::Always || stream == nullptr || stream->expectsBytes()) {
       runSlice(stream.get(), 0.1);
     }
   }

@@ -7,14 +7,14 @@
 namespace quordalvane {
 namespace {
 
-constexpr std::size_t kAddressLength = 17;  // "01:23:45:67:89:AB"
+constexpr std::size_t addressLength = 17;  // "01:23:45:67:89:AB"
 
 bool isHexDigit(char c) {
   return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
 }
 
 bool isAddress(std::string_view text) {
-  for (std::size_t i = 0; i < kAddressLength; ++i) {
+  for (std::size_t i = 0; i < addressLength; ++i) {
     const bool fits = i % 3 == 2 ? text[i] == ':' : isHexDigit(text[i]);
     if (!fits) {
       return false;
@@ -30,12 +30,12 @@ bool Util::isUsbDevice(std::string_view modelNumber) {
 }
 
 std::string Util::getMACAddressFromString(std::string_view text) {
-  for (std::size_t i = 0; i + kAddressLength <= text.size(); ++i) {
-    const std::size_t end = i + kAddressLength;
+  for (std::size_t i = 0; i + addressLength <= text.size(); ++i) {
+    const std::size_t end = i + addressLength;
     const bool startsInside = i > 0 && isHexDigit(text[i - 1]);
     const bool goesOn = end < text.size() && isHexDigit(text[end]);
-    if (!startsInside && !goesOn && isAddress(text.substr(i, kAddressLength))) {
-      return std::string(text.substr(i, kAddressLength));
+    if (!startsInside && !goesOn && isAddress(text.substr(i, addressLength))) {
+      return std::string(text.substr(i, addressLength));
     }
   }
   return "";

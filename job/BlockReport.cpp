@@ -3,8 +3,8 @@
 namespace quordalvane {
 namespace {
 
-constexpr std::array<std::uint8_t, 8> kReport = {0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00, 0, 0x00};
-constexpr std::size_t kCountPlace = 6;
+constexpr std::array<std::uint8_t, 8> reportBytes = {0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00, 0, 0x00};
+constexpr std::size_t countPlace = 6;
 
 }  // namespace
 
@@ -19,13 +19,13 @@ void BlockReport::feed(std::span<const std::uint8_t> bytes) {
 }
 
 void BlockReport::feed(std::uint8_t byte) {
-  if (matched_ == kCountPlace) {
+  if (matched_ == countPlace) {
     count_ = byte;
-  } else if (byte != kReport[matched_]) {
-    matched_ = byte == kReport[0] ? 1 : 0;
+  } else if (byte != reportBytes[matched_]) {
+    matched_ = byte == reportBytes[0] ? 1 : 0;
     return;
   }
-  if (++matched_ == kReport.size()) {
+  if (++matched_ == reportBytes.size()) {
     lastCount_ = count_;
     matched_ = 0;
   }

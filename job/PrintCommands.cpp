@@ -38,7 +38,7 @@ struct PlainForms {
 
 using namespace std::string_view_literals;
 
-constexpr PlainForms kPlainForms[] = {
+constexpr PlainForms plainCommandForms[] = {
     {0x10, 3, "\x04\x05"sv},
     {0x1b, 2, "\x0c\x32\x3c\x40\x4c\x53\x69\x6d\x76"sv},
     {0x1b, 3,
@@ -169,7 +169,7 @@ std::optional<PrintCommand> fixed(Bytes) {
 }
 
 // Longer first bytes stand before the shorter ones that they refine.
-const Form kForms[] = {
+const Form commandForms[] = {
     {{0x10, 0x14}, 3, realTimeAction},
     {{0x1b, 0x1d, 0x03}, 3, fixed<6>},
     {{0x1b, 0x23, 0x2a}, 3, fixed<5>},
@@ -209,12 +209,12 @@ std::optional<PrintCommand> printCommandAt(std::span<const std::uint8_t> data) {
   if (data.size() < 2) {
     return plain(2);
   }
-  for (const Form& form : kForms) {
+  for (const Form& form : commandForms) {
     if (mayStartWith(data, form.prefix)) {
       return data.size() < form.header ? plain(form.header) : form.tell(data);
     }
   }
-  for (const PlainForms& forms : kPlainForms) {
+  for (const PlainForms& forms : plainCommandForms) {
     if (forms.lead == data[0] && isOneOf(data[1], forms.selectors)) {
       return plain(forms.length);
     }

@@ -23,7 +23,7 @@ struct Obstacle {
 
 // A request leaves a stray answer in the input. An ESC/POS report cannot be mistaken for one, but a
 // line-mode status can be mixed with one.
-const Obstacle kObstacles[] = {
+const Obstacle obstacles[] = {
     {{0x17}, Matters::Always, "an end-of-block mark (17), which the printer counts"},
     {{0x1b, 0x1d, 0x03}, Matters::Always, "a command of the checked block (1b 1d 03)"},
     {{0x1b, 0x1e, 0x45}, Matters::Always, "a reset of the printer's counter (1b 1e 45)"},
@@ -41,11 +41,11 @@ bool startsWith(Bytes data, std::initializer_list<std::uint8_t> prefix) {
 /// The obstacle that begins with the first byte; null if none does.
 const Obstacle* obstacleAt(Bytes data, ZKEmulation emulation) {
   const auto* const found =
-      std::find_if(std::begin(kObstacles), std::end(kObstacles), [&](const Obstacle& obstacle) {
+      std::find_if(std::begin(obstacles), std::end(obstacles), [&](const Obstacle& obstacle) {
         return (obstacle.matters == Matters::Always || emulation == ZKEmulationQuorLine) &&
                startsWith(data, obstacle.bytes);
       });
-  return found == std::end(kObstacles) ? nullptr : found;
+  return found == std::end(obstacles) ? nullptr : found;
 }
 
 std::string cutShort(std::size_t position) {

@@ -11,7 +11,7 @@ struct Cause {
   std::string_view words;
 };
 
-constexpr Cause kCauses[] = {
+constexpr Cause causes[] = {
     {&QuorPrinterStatus_2::coverOpen, "cover open"},
     {&QuorPrinterStatus_2::receiptPaperEmpty, "paper out"},
     {&QuorPrinterStatus_2::overTemp, "print head too hot"},
@@ -37,7 +37,7 @@ std::string whyOffline(const QuorPrinterStatus_2& status) {
     return "";
   }
   std::string words;
-  for (const Cause& cause : kCauses) {
+  for (const Cause& cause : causes) {
     if (status.*cause.flag != 0) {
       words += (words.empty() ? "" : ", ") + std::string(cause.words);
     }

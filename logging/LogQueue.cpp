@@ -10,7 +10,7 @@ namespace quordalvane {
 
 bool LogQueue::isFull() const noexcept {
   return pending_.records.size() >= std::min(capacity_, pending_.records.capacity()) ||
-         pendingText_ >= kTextLimit || pending_.dropped > 0;
+         pendingText_ >= textLimit || pending_.dropped > 0;
 }
 
 void LogQueue::push(LogRecord&& record) noexcept {
@@ -41,8 +41,8 @@ void LogQueue::push(LogRecord&& record) noexcept {
 }
 
 void LogQueue::setCapacity(std::size_t records) {
-  if (records == 0 || records > kMaximumCapacity) {
-    throw std::invalid_argument("a log queue holds 1 to " + std::to_string(kMaximumCapacity) +
+  if (records == 0 || records > maximumCapacity) {
+    throw std::invalid_argument("a log queue holds 1 to " + std::to_string(maximumCapacity) +
                                 " records, not " + std::to_string(records));
   }
   const std::lock_guard lock(mutex_);

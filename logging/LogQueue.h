@@ -33,20 +33,21 @@ class LogQueue {
   /// How many records may wait at first, and how many at most: room for as many is taken at once,
   /// and again by the writer, and some hundred megabytes are the most that a log may be worth.
   /// @{
-  static constexpr std::size_t kDefaultCapacity = 8192;
-  static constexpr std::size_t kMaximumCapacity = 1048576;
+  static constexpr std::size_t defaultCapacity = 8192;
+  static constexpr std::size_t maximumCapacity = 1048576;
   /// @}
 
   /// The messages that wait may hold this many bytes together before the queue counts as full,
   /// however few they are: dumps of print data are long.
-  static constexpr std::size_t kTextLimit = std::size_t{64} << 20U;
+  static constexpr std::size_t textLimit = std::size_t{64} << 20U;
 
   /// How long `take` gathers records after the first. One wake-up of the writer, which costs more
   /// than many records, then serves them all.
-  static constexpr std::chrono::milliseconds kGatherTime{1};
+  static constexpr std::chrono::milliseconds usualGatherTime{1};
 
   /// A closed queue. With a `gatherTime` of zero `take` gathers nothing.
-  explicit LogQueue(std::chrono::milliseconds gatherTime = kGatherTime) : gatherTime_(gatherTime) {}
+  explicit LogQueue(std::chrono::milliseconds gatherTime = usualGatherTime)
+      : gatherTime_(gatherTime) {}
 
   /// Queues the record, or drops it when the queue is full. What it leaves in `record` is of no
   /// meaning. A full queue stays full until the writer takes it, so that all drops of a batch lie
@@ -99,7 +100,7 @@ class LogQueue {
   std::condition_variable finished_;
   Batch pending_;
   std::size_t pendingText_ = 0;
-  std::size_t capacity_ = kDefaultCapacity;
+  std::size_t capacity_ = defaultCapacity;
   Counts counts_;
   std::uint64_t queuedRecords_ = 0;
   std::uint64_t finishedRecords_ = 0;

@@ -9,16 +9,16 @@
 namespace quordalvane {
 namespace {
 
-enum class Quoting { none, json };
+enum class Quoting { None, Json };
 
-constexpr std::string_view kReplacement = "\xEF\xBF\xBD";  // U+FFFD
+constexpr std::string_view replacement = "\xEF\xBF\xBD";  // U+FFFD
 
 /// Which bytes stand for themselves, one table for each quoting.
 template <Quoting quoting>
-constexpr std::array<bool, 256> kPlain = [] {
+constexpr std::array<bool, 256> plainBytes = [] {
   std::array<bool, 256> plain{};
   for (std::size_t byte = 0x20; byte < 0x7F; ++byte) {
-    plain[byte] = quoting == Quoting::none || (byte != '"' && byte != '\\');
+    plain[byte] = quoting == Quoting::None || (byte != '"' && byte != '\\');
   }
   return plain;
 }();
@@ -26,7 +26,7 @@ constexpr std::array<bool, 256> kPlain = [] {
 template <Quoting quoting>
 std::size_t plainLength(std::string_view text) noexcept {
   std::size_t length = 0;
-  while (length < text.size() && kPlain<quoting>[static_cast<unsigned char>(text[length])]) {
+  while (length < text.size() && plainBytes<quoting>[static_cast<unsigned char>(text[length])]) {
     ++length;
   }
   return length;
@@ -59,7 +59,7 @@ void appendControl(std::string& out, std::uint32_t codePoint) {
 std::size_t appendSpecial(std::string& out, std::string_view text) {
   const Character character = firstCharacter(text);
   if (character.length == 0) {
-    out += kReplacement;
+    out += replacement;
     return 1;
   }
   if (isControl(character.codePoint)) {
@@ -89,18 +89,18 @@ void append(std::string& out, std::string_view text) {
 }  // namespace
 
 void appendPrintable(std::string& out, std::string_view text) {
-  append<Quoting::none>(out, text);
+  append<Quoting::None>(out, text);
 }
 
 void appendJsonString(std::string& out, std::string_view text) {
   out += '"';
-  append<Quoting::json>(out, text);
+  append<Quoting::Json>(out, text);
   out += '"';
 }
 
 bool isPrintable(std::string_view text) noexcept {
   while (true) {
-    text.remove_prefix(plainLength<Quoting::none>(text));
+    text.remove_prefix(plainLength<Quoting::None>(text));
     if (text.empty()) {
       return true;
     }

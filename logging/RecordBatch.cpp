@@ -6,7 +6,7 @@ namespace quordalvane {
 namespace {
 
 // Enough for nearly every message but dumps of print data, which are rare and long.
-constexpr std::size_t kMostMemoryKept = 1024;
+constexpr std::size_t mostMemoryKept = 1024;
 
 }  // namespace
 
@@ -21,7 +21,7 @@ void RecordBatch::add(LogRecord& record) {
 
 void RecordBatch::clear() noexcept {
   for (LogRecord& record : std::span(slots_).first(size_)) {
-    if (record.message.capacity() > kMostMemoryKept) {
+    if (record.message.capacity() > mostMemoryKept) {
       std::string().swap(record.message);  // an assignment would keep the memory
     }
   }

@@ -13,7 +13,7 @@
 namespace quordalvane {
 namespace {
 
-constexpr std::size_t kWriteSize = std::size_t{256} << 10U;
+constexpr std::size_t writeSize = std::size_t{256} << 10U;
 
 std::error_code lastError() noexcept {
   return {errno, std::generic_category()};
@@ -69,7 +69,7 @@ void RotatingFile::append(std::string_view line) {
     rotate();
   }
   buffer_ += line;
-  if (buffer_.size() >= kWriteSize) {
+  if (buffer_.size() >= writeSize) {
     writeBuffer();
   }
 }

@@ -8,14 +8,14 @@
 namespace quordalvane {
 namespace {
 
-constexpr std::size_t kWriteSize = std::size_t{64} << 10U;
+constexpr std::size_t writeSize = std::size_t{64} << 10U;
 
 }  // namespace
 
 void StandardErrorSink::write(std::span<const LogRecord> records) {
   for (const LogRecord& record : records) {
     appendReadableLine(lines_, record);
-    if (lines_.size() >= kWriteSize) {
+    if (lines_.size() >= writeSize) {
       writeOut();
     }
   }

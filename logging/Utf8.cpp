@@ -3,25 +3,25 @@
 namespace quordalvane {
 namespace {
 
-constexpr Character kInvalid{0, 0};
+constexpr Character invalid{0, 0};
 
 /// Reads a character of `length` bytes whose first byte carries the bits `lead`; `smallest` tells
 /// an overlong form.
 Character continuedCharacter(std::string_view text, std::uint32_t lead, std::size_t length,
                              std::uint32_t smallest) noexcept {
   if (text.size() < length) {
-    return kInvalid;
+    return invalid;
   }
   std::uint32_t codePoint = lead;
   for (const char next : text.substr(1, length - 1)) {
     const auto byte = static_cast<unsigned char>(next);
     if ((byte & 0xC0U) != 0x80U) {
-      return kInvalid;
+      return invalid;
     }
     codePoint = codePoint << 6U | (byte & 0x3FU);
   }
   const bool isSurrogate = codePoint >= 0xD800 && codePoint <= 0xDFFF;
-  return codePoint < smallest || codePoint > 0x10FFFF || isSurrogate ? kInvalid
+  return codePoint < smallest || codePoint > 0x10FFFF || isSurrogate ? invalid
                                                                      : Character{codePoint, length};
 }
 
@@ -41,7 +41,7 @@ Character firstCharacter(std::string_view text) noexcept {
   if ((lead & 0xF8U) == 0xF0) {
     return continuedCharacter(text, lead & 0x07U, 4, 0x10000);
   }
-  return kInvalid;
+  return invalid;
 }
 
 }  // namespace quordalvane

@@ -8,13 +8,13 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr Instant kGuardTime = 1s;
-constexpr Instant kTimeToDrop = 300ms;
-constexpr std::uint8_t kEscape = 0x2f;
-constexpr std::size_t kEscapeLength = 3;
+constexpr Instant guardTime = 1s;
+constexpr Instant timeToDrop = 300ms;
+constexpr std::uint8_t escape = 0x2f;
+constexpr std::size_t escapeLength = 3;
 
 // Longer than any command it knows: of more than this it only needs to know that it was too much.
-constexpr std::size_t kLongestCommand = 64;
+constexpr std::size_t longestCommand = 64;
 
 }  // namespace
 
@@ -29,7 +29,7 @@ void BluetoothModule::receive(Bytes bytes, Instant now) {
     for (std::uint8_t byte : bytes)
       receiveCommand(byte, now);
   } else {
-    const bool mayBeEscape = !escape_.empty() || now - lastReceived_ >= kGuardTime;
+    const bool mayBeEscape = !escape_.empty() || now - lastReceived_ >= guardTime;
     lastReceived_ = now;
     receiveData(bytes, mayBeEscape);
   }
@@ -37,8 +37,8 @@ void BluetoothModule::receive(Bytes bytes, Instant now) {
 
 void BluetoothModule::receiveData(Bytes bytes, bool mayBeEscape) {
   const bool onlyEscape =
-      std::all_of(bytes.begin(), bytes.end(), [](std::uint8_t byte) { return byte == kEscape; });
-  if (mayBeEscape && onlyEscape && escape_.size() + bytes.size() <= kEscapeLength) {
+      std::all_of(bytes.begin(), bytes.end(), [](std::uint8_t byte) { return byte == escape; });
+  if (mayBeEscape && onlyEscape && escape_.size() + bytes.size() <= escapeLength) {
     escape_.insert(escape_.end(), bytes.begin(), bytes.end());
     return;
   }
@@ -53,7 +53,7 @@ void BluetoothModule::advance(Instant now) {
   if (dropAt_) {
     dropped_ = true;
     dropAt_.reset();
-  } else if (escape_.size() == kEscapeLength) {
+  } else if (escape_.size() == escapeLength) {
     commandMode_ = true;
     escape_.clear();
   } else {
@@ -65,7 +65,7 @@ std::optional<Instant> BluetoothModule::nextEvent() const {
   if (dropAt_)
     return dropAt_;
   if (!escape_.empty())
-    return lastReceived_ + kGuardTime;
+    return lastReceived_ + guardTime;
   return std::nullopt;
 }
 
@@ -78,7 +78,7 @@ void BluetoothModule::release(Instant now) {
 void BluetoothModule::receiveCommand(std::uint8_t byte, Instant now) {
   if (byte == '\r')
     return obey(now);
-  if (command_.size() <= kLongestCommand)
+  if (command_.size() <= longestCommand)
     command_ += static_cast<char>(byte);
 }
 
@@ -89,7 +89,7 @@ void BluetoothModule::obey(Instant now) {
   } else if (command == "AT*AMWS=10,0,0,0,1,0") {
     reply("\r\nOK\r\n", now);
     if (!dropAt_)
-      dropAt_ = now + kTimeToDrop;
+      dropAt_ = now + timeToDrop;
   } else {
     reply("\r\nERROR\r\n", now);
   }

@@ -11,9 +11,9 @@
 namespace quordalvane::simulator {
 namespace {
 
-constexpr double kCellWidth = 12;
-constexpr double kCellHeight = 24;
-constexpr double kFontSize = 20;  // fills such a cell with most monospaced fonts
+constexpr double defaultCellWidth = 12;
+constexpr double defaultCellHeight = 24;
+constexpr double fontSize = 20;  // fills such a cell with most monospaced fonts
 
 void setColour(cairo_t* context, std::uint32_t colour) {
   cairo_set_source_rgb(context, (colour >> 16U & 0xffU) / 255.0, (colour >> 8U & 0xffU) / 255.0,
@@ -23,7 +23,7 @@ void setColour(cairo_t* context, std::uint32_t colour) {
 void selectFont(cairo_t* context, bool bold) {
   cairo_select_font_face(context, "monospace", CAIRO_FONT_SLANT_NORMAL,
                          bold ? CAIRO_FONT_WEIGHT_BOLD : CAIRO_FONT_WEIGHT_NORMAL);
-  cairo_set_font_size(context, kFontSize);
+  cairo_set_font_size(context, fontSize);
 }
 
 // The font caches live until the program ends. Giving them back then leaves nothing for a leak
@@ -112,16 +112,18 @@ void Canvas::character(char32_t c, const TextStyle& style, double x, double y) {
   const std::string utf8 = toUtf8({&c, 1});
   cairo_save(context);
   cairo_translate(context, x, y);
-  cairo_scale(context, style.cellWidth() / kCellWidth, style.cellHeight() / kCellHeight);
+  cairo_scale(context, style.cellWidth() / defaultCellWidth,
+              style.cellHeight() / defaultCellHeight);
   cairo_font_extents_t font{};
   cairo_font_extents(context, &font);
   cairo_text_extents_t extents{};
   cairo_text_extents(context, utf8.c_str(), &extents);
   // A character that the font lacks comes from another one, and may be wider than its cell.
-  const double spare = kCellWidth - extents.x_advance;
+  const double spare = defaultCellWidth - extents.x_advance;
   if (spare < 0)
-    cairo_scale(context, kCellWidth / extents.x_advance, 1);
-  cairo_move_to(context, std::max(0.0, spare / 2), (kCellHeight + font.ascent - font.descent) / 2);
+    cairo_scale(context, defaultCellWidth / extents.x_advance, 1);
+  cairo_move_to(context, std::max(0.0, spare / 2),
+                (defaultCellHeight + font.ascent - font.descent) / 2);
   cairo_show_text(context, utf8.c_str());
   cairo_restore(context);
 }

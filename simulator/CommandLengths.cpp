@@ -134,7 +134,7 @@ constexpr Form three(std::uint8_t lead, std::uint8_t selector, std::uint8_t thir
 }
 
 // Longer prefixes stand before the shorter ones that they refine.
-constexpr Form kForms[] = {
+constexpr Form commandForms[] = {
     three(0x1b, 0x1d, 0x03, 6),
     three(0x1b, 0x23, 0x2a, 5),
     three(0x1b, 0x23, 0x2c, 6),
@@ -235,7 +235,7 @@ std::uint64_t leastCommandLength(Bytes bytes) {
     return 1;
   if (bytes.size() < 2)
     return 2;
-  for (const Form& form : kForms) {
+  for (const Form& form : commandForms) {
     const std::size_t known = std::min<std::size_t>(bytes.size(), form.prefixLength);
     if (!std::equal(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(known),
                     form.prefix.begin()))

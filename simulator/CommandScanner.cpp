@@ -9,9 +9,9 @@ namespace quordalvane::simulator {
 namespace {
 
 // Two metres of the widest paper, all of it image.
-constexpr std::size_t kLongestKept = std::size_t{2} * 1024 * 1024;
+constexpr std::size_t longestKept = std::size_t{2} * 1024 * 1024;
 
-constexpr int kAny = -1;
+constexpr int any = -1;
 
 struct Pattern {
   CommandKind kind;
@@ -19,7 +19,7 @@ struct Pattern {
   std::array<int, 6> bytes;
 };
 
-constexpr Pattern kPatterns[] = {
+constexpr Pattern patterns[] = {
     {CommandKind::PrepareStatus, 4, {0x1b, 0x2a, 0x72, 0x42}},
     {CommandKind::StatusRequest, 3, {0x1b, 0x06, 0x01}},
     {CommandKind::RealTimeStatus, 3, {0x10, 0x04, 0x01}},
@@ -33,7 +33,7 @@ constexpr Pattern kPatterns[] = {
     {CommandKind::CounterReset, 6, {0x1b, 0x1d, 0x03, 0x02, 0x00, 0x00}},
     {CommandKind::DataCancel, 6, {0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00}},
     {CommandKind::DataCancelEnd, 6, {0x1b, 0x1d, 0x03, 0x04, 0x00, 0x00}},
-    {CommandKind::DataTimeout, 6, {0x1b, 0x1d, 0x03, 0x05, 0x01, kAny}},
+    {CommandKind::DataTimeout, 6, {0x1b, 0x1d, 0x03, 0x05, 0x01, any}},
     {CommandKind::Etb, 1, {0x17}},
     {CommandKind::ReportingEtb, 6, {0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00}},
 };
@@ -45,7 +45,7 @@ bool isText(const std::vector<std::uint8_t>& bytes) {
 
 bool beginsLike(const Pattern& pattern, const std::vector<std::uint8_t>& bytes) {
   return std::equal(bytes.begin(), bytes.end(), pattern.bytes.begin(),
-                    [](std::uint8_t byte, int wanted) { return wanted == kAny || byte == wanted; });
+                    [](std::uint8_t byte, int wanted) { return wanted == any || byte == wanted; });
 }
 
 }  // namespace
@@ -62,7 +62,7 @@ bool CommandScanner::feed(std::uint8_t byte) {
   if (length_ >= needed_)
     restart();
   ++length_;
-  if (bytes_.size() < kLongestKept)
+  if (bytes_.size() < longestKept)
     bytes_.push_back(byte);
   if (length_ < needed_)
     return false;
@@ -75,7 +75,7 @@ bool CommandScanner::feed(std::uint8_t byte) {
 CommandKind CommandScanner::kind() const {
   if (isText(bytes_))
     return CommandKind::Printing;
-  for (const Pattern& pattern : kPatterns)
+  for (const Pattern& pattern : patterns)
     if (length_ == pattern.length && beginsLike(pattern, bytes_))
       return pattern.kind;
   return CommandKind::Printing;
@@ -83,14 +83,14 @@ CommandKind CommandScanner::kind() const {
 
 bool CommandScanner::mayConcernTheMachine() const {
   return !isText(bytes_) &&
-         std::any_of(std::begin(kPatterns), std::end(kPatterns), [&](const Pattern& pattern) {
+         std::any_of(std::begin(patterns), std::end(patterns), [&](const Pattern& pattern) {
            return length_ < pattern.length && beginsLike(pattern, bytes_);
          });
 }
 
 void CommandScanner::restart() {
   bytes_.clear();
-  if (bytes_.capacity() > kLongestKept / 16)
+  if (bytes_.capacity() > longestKept / 16)
     bytes_.shrink_to_fit();
   length_ = 0;
   needed_ = 1;

@@ -15,7 +15,7 @@ namespace {
 using Text = std::string_view;
 
 // A year: times beyond it are a slip, and sums of times stay far from overflow.
-constexpr std::uint64_t kLongestMilliseconds = 365ULL * 24 * 3600 * 1000;
+constexpr std::uint64_t longestMilliseconds = 365ULL * 24 * 3600 * 1000;
 
 std::optional<std::uint64_t> number(
     Text text, int base = 10, std::uint64_t most = std::numeric_limits<std::uint64_t>::max()) {
@@ -48,7 +48,7 @@ bool parsePositiveCount(Text text, Fault& fault) {
 }
 
 bool parseTime(Text text, Fault& fault) {
-  const auto milliseconds = number(text, 10, kLongestMilliseconds);
+  const auto milliseconds = number(text, 10, longestMilliseconds);
   fault.time = std::chrono::milliseconds(milliseconds.value_or(0));
   return milliseconds.has_value();
 }
@@ -65,11 +65,11 @@ bool parseReply(Text text, Fault& fault) {
 
 bool parseEnding(Text text, Fault& fault) {
   if (text == "drain")
-    fault.ending = Ending::drain;
+    fault.ending = Ending::Drain;
   else if (text == "at-once")
-    fault.ending = Ending::atOnce;
+    fault.ending = Ending::AtOnce;
   else if (text == "reset")
-    fault.ending = Ending::reset;
+    fault.ending = Ending::Reset;
   else
     return false;
   return true;
@@ -147,32 +147,32 @@ struct Form {
   bool (*parse)(Text, Fault&);
 };
 
-constexpr Form kForms[] = {
-    {FaultKind::shortWrites, "short-writes", "a count of bytes from 1", parsePositiveCount},
-    {FaultKind::noSpace, "no-space", "BYTES:MS", parseNoSpace},
-    {FaultKind::lateReply, "late-reply", "MS or MS@REPLY", parseLate},
-    {FaultKind::splitReply, "split-reply", "rising offsets like 3/7 or 3/7@REPLY", parseSplit},
-    {FaultKind::duplicateReply, "duplicate-reply", "all or the number of a reply", parseReply},
-    {FaultKind::dropReply, "drop-reply", "all or the number of a reply", parseReply},
-    {FaultKind::corruptReply, "corrupt-reply", "all or the number of a reply", parseReply},
-    {FaultKind::strayByte, "stray-byte", "two hex digits, or two hex digits@REPLY", parseStrayByte},
-    {FaultKind::silence, "silence", "the number of a reply", parseReplyNumber},
-    {FaultKind::cutAfterIn, "cut-after-in", "BYTES or BYTES:drain|at-once|reset", parseCut},
-    {FaultKind::cutAfterOut, "cut-after-out", "BYTES or BYTES:drain|at-once|reset", parseCut},
-    {FaultKind::cut, "cut", "drain, at-once or reset", parseEnding},
-    {FaultKind::printsNothing, "prints-nothing", "true", parseTrue},
-    {FaultKind::at, "at", "MS:KEY=VALUE with a printer setting or another fault", parseAt},
+constexpr Form commandForms[] = {
+    {FaultKind::ShortWrites, "short-writes", "a count of bytes from 1", parsePositiveCount},
+    {FaultKind::NoSpace, "no-space", "BYTES:MS", parseNoSpace},
+    {FaultKind::LateReply, "late-reply", "MS or MS@REPLY", parseLate},
+    {FaultKind::SplitReply, "split-reply", "rising offsets like 3/7 or 3/7@REPLY", parseSplit},
+    {FaultKind::DuplicateReply, "duplicate-reply", "all or the number of a reply", parseReply},
+    {FaultKind::DropReply, "drop-reply", "all or the number of a reply", parseReply},
+    {FaultKind::CorruptReply, "corrupt-reply", "all or the number of a reply", parseReply},
+    {FaultKind::StrayByte, "stray-byte", "two hex digits, or two hex digits@REPLY", parseStrayByte},
+    {FaultKind::Silence, "silence", "the number of a reply", parseReplyNumber},
+    {FaultKind::CutAfterIn, "cut-after-in", "BYTES or BYTES:drain|at-once|reset", parseCut},
+    {FaultKind::CutAfterOut, "cut-after-out", "BYTES or BYTES:drain|at-once|reset", parseCut},
+    {FaultKind::Cut, "cut", "drain, at-once or reset", parseEnding},
+    {FaultKind::PrintsNothing, "prints-nothing", "true", parseTrue},
+    {FaultKind::At, "at", "MS:KEY=VALUE with a printer setting or another fault", parseAt},
 };
 
 const Form* formNamed(Text name) {
-  const auto found = std::find_if(std::begin(kForms), std::end(kForms),
+  const auto found = std::find_if(std::begin(commandForms), std::end(commandForms),
                                   [&](const Form& form) { return form.name == name; });
-  return found == std::end(kForms) ? nullptr : found;
+  return found == std::end(commandForms) ? nullptr : found;
 }
 
 std::string everyName() {
   std::string names = "seed";
-  for (const Form& form : kForms)
+  for (const Form& form : commandForms)
     names.append(", ").append(form.name);
   return names;
 }

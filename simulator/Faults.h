@@ -12,26 +12,26 @@ namespace quordalvane::simulator {
 
 /// What happens to bytes that were sent and not read when a link ends.
 enum class Ending {
-  drain,   ///< they can still be read
-  atOnce,  ///< they are lost
-  reset,   ///< they are lost, and the host sees a reset instead of a close
+  Drain,   ///< they can still be read
+  AtOnce,  ///< they are lost
+  Reset,   ///< they are lost, and the host sees a reset instead of a close
 };
 
 enum class FaultKind {
-  shortWrites,
-  noSpace,
-  lateReply,
-  splitReply,
-  duplicateReply,
-  dropReply,
-  corruptReply,
-  strayByte,
-  silence,
-  cutAfterIn,
-  cutAfterOut,
-  cut,
-  printsNothing,
-  at,
+  ShortWrites,
+  NoSpace,
+  LateReply,
+  SplitReply,
+  DuplicateReply,
+  DropReply,
+  CorruptReply,
+  StrayByte,
+  Silence,
+  CutAfterIn,
+  CutAfterOut,
+  Cut,
+  PrintsNothing,
+  At,
 };
 
 /// One thing that goes wrong on a link. Which members count depends on the kind; see
@@ -42,7 +42,7 @@ struct Fault {
   Instant time{};                      ///< how late, how long, or when
   std::uint64_t reply = 0;             ///< the number of the reply that it befalls, from 1; 0: each
   std::vector<std::uint64_t> offsets;  ///< where a reply is split, rising
-  Ending ending = Ending::drain;
+  Ending ending = Ending::Drain;
   std::string key;  ///< of `at`: the printer setting or fault that it brings
   std::string value;
 };

@@ -8,7 +8,7 @@ namespace {
 using Bytes = std::span<const std::uint8_t>;
 
 // No paper is wider, so that no scale can make an image large out of few bytes.
-constexpr unsigned kWidest = kWidePaperDots;
+constexpr unsigned widest = widePaperDots;
 
 unsigned word(Bytes bytes, std::size_t at) {
   return bytes[at] + 256U * bytes[at + 1];
@@ -22,7 +22,7 @@ Bitmap fromRows(Bytes rows, unsigned width, unsigned height, unsigned scaleX, un
   const std::size_t stride = (std::size_t{width} + 7) / 8;
   if (stride == 0 || rows.size() < stride * height)
     return {};
-  Bitmap image(std::min(width * scaleX, kWidest), height * scaleY);
+  Bitmap image(std::min(width * scaleX, widest), height * scaleY);
   for (unsigned y = 0; y < image.height; ++y)
     for (unsigned x = 0; x < image.width; ++x)
       if (dot(rows, stride, x / scaleX, y / scaleY))
@@ -35,7 +35,7 @@ Bitmap fromColumns(Bytes columns, unsigned count, unsigned tall, unsigned scaleX
   const std::size_t stride = (std::size_t{tall} + 7) / 8;
   if (stride == 0 || columns.size() < stride * count)
     return {};
-  Bitmap image(std::min(count * scaleX, kWidest), tall * scaleY);
+  Bitmap image(std::min(count * scaleX, widest), tall * scaleY);
   for (unsigned y = 0; y < image.height; ++y)
     for (unsigned x = 0; x < image.width; ++x)
       if (dot(columns, stride, y / scaleY, x / scaleX))
@@ -66,18 +66,18 @@ Bitmap columnImage(Bytes command) {
 GraphicsMemory::Outcome GraphicsMemory::apply(Bytes command) {
   const std::size_t header = command[1] == 0x38 ? 7 : 5;
   if (command[2] != 0x4c || command.size() < header + 2)
-    return Outcome::unknown;
+    return Outcome::Unknown;
   const Bytes parameters = command.subspan(header);
   switch (parameters[1]) {
     case 2:
     case 50:
-      return Outcome::print;
+      return Outcome::Print;
     case 112:
-      return store(parameters, false) ? Outcome::stored : Outcome::unknown;
+      return store(parameters, false) ? Outcome::Stored : Outcome::Unknown;
     case 113:
-      return store(parameters, true) ? Outcome::stored : Outcome::unknown;
+      return store(parameters, true) ? Outcome::Stored : Outcome::Unknown;
     default:
-      return Outcome::unknown;
+      return Outcome::Unknown;
   }
 }
 

@@ -18,7 +18,7 @@ Bitmap columnImage(std::span<const std::uint8_t> command);
 /// The image that 1d 28 4c and 1d 38 4c store first and print later.
 class GraphicsMemory {
  public:
-  enum class Outcome { stored, print, unknown };
+  enum class Outcome { Stored, Print, Unknown };
 
   /// Carries out one of the two commands. After `print` the image is to be taken with `image()`.
   Outcome apply(std::span<const std::uint8_t> command);

@@ -9,7 +9,7 @@
 namespace quordalvane::simulator {
 
 /// The longest paper that a picture shows, in dots: two metres. A longer one ends with a remark.
-inline constexpr unsigned kLongestPicture = 16'000;
+inline constexpr unsigned longestPicture = 16'000;
 
 /// The paper as a picture, a pixel a dot, with the margins beside the print and torn edges where it
 /// was cut. A symbol whose data cannot be encoded is named in its place.

@@ -47,8 +47,8 @@ class LineBuilder {
   unsigned paperWidth_;
   Line line_;
   unsigned position_ = 0;
-  Alignment alignment_ = Alignment::left;
-  unsigned spacing_ = kLineSpacing;
+  Alignment alignment_ = Alignment::Left;
+  unsigned spacing_ = lineSpacing;
 };
 
 }  // namespace quordalvane::simulator

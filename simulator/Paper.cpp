@@ -7,8 +7,8 @@
 namespace quordalvane::simulator {
 namespace {
 
-constexpr std::size_t kSkippedKinds = 100;
-constexpr std::size_t kBytesThatName = 3;
+constexpr std::size_t skippedKinds = 100;
+constexpr std::size_t bytesThatName = 3;
 
 std::string hexOf(std::span<const std::uint8_t> bytes) {
   constexpr char digits[] = "0123456789abcdef";
@@ -89,8 +89,8 @@ void Paper::cut(bool partial) {
 }
 
 void Paper::noteSkipped(std::span<const std::uint8_t> command) {
-  const std::string name = hexOf(command.first(std::min(command.size(), kBytesThatName)));
-  const bool room = skipped_.size() < kSkippedKinds || skipped_.contains(name);
+  const std::string name = hexOf(command.first(std::min(command.size(), bytesThatName)));
+  const bool room = skipped_.size() < skippedKinds || skipped_.contains(name);
   ++skipped_[room ? name : "others"];
 }
 

@@ -10,13 +10,13 @@
 namespace quordalvane::simulator {
 
 /// Print heads of 203 dots an inch: eight dots a millimetre.
-inline constexpr unsigned kNarrowPaperDots = 384;  ///< 58 mm paper
-inline constexpr unsigned kWidePaperDots = 576;    ///< 80 mm paper
+inline constexpr unsigned narrowPaperDots = 384;  ///< 58 mm paper
+inline constexpr unsigned widePaperDots = 576;    ///< 80 mm paper
 
 /// The pitch of text lines in dots, unless the job sets another.
-inline constexpr unsigned kLineSpacing = 30;
+inline constexpr unsigned lineSpacing = 30;
 
-enum class Alignment { left, center, right };
+enum class Alignment { Left, Center, Right };
 
 struct TextStyle {
   bool bold = false;
@@ -61,8 +61,8 @@ struct LineItem {
 /// A line of text and small pictures, standing on one base line. An image is a line of its own.
 struct Line {
   std::vector<LineItem> items;
-  Alignment alignment = Alignment::left;
-  unsigned leastHeight = kLineSpacing;
+  Alignment alignment = Alignment::Left;
+  unsigned leastHeight = lineSpacing;
 
   unsigned width() const;
   /// Of the highest item alone, without what the line spacing adds below it.
@@ -70,23 +70,23 @@ struct Line {
   unsigned height() const;
 };
 
-enum class Symbology { upcA, upcE, ean13, ean8, code39, interleaved, codabar, code93, code128 };
+enum class Symbology { UpcA, UpcE, Ean13, Ean8, Code39, Interleaved, Codabar, Code93, Code128 };
 
 struct Barcode {
-  Symbology symbology = Symbology::code128;
+  Symbology symbology = Symbology::Code128;
   std::string data;
   unsigned moduleWidth = 3;
   unsigned height = 162;
   bool textAbove = false;
   bool textBelow = false;
-  Alignment alignment = Alignment::left;
+  Alignment alignment = Alignment::Left;
 };
 
 struct QrCode {
   std::string data;
   unsigned moduleSize = 3;
   unsigned correctionLevel = 0;  ///< 0 to 3: L, M, Q, H
-  Alignment alignment = Alignment::left;
+  Alignment alignment = Alignment::Left;
 };
 
 struct Feed {
@@ -102,7 +102,7 @@ using PaperItem = std::variant<Line, Barcode, QrCode, Feed, Cut>;
 /// What has come out of a printer, from the top. It grows with what is printed and never otherwise.
 class Paper {
  public:
-  explicit Paper(unsigned widthInDots = kWidePaperDots) : width_(widthInDots) {}
+  explicit Paper(unsigned widthInDots = widePaperDots) : width_(widthInDots) {}
 
   unsigned width() const { return width_; }
   const std::vector<PaperItem>& items() const { return items_; }

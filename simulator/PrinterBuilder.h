@@ -24,10 +24,10 @@ class PrinterBuilder {
   PrinterBuilder& etbCounter(std::uint8_t count);
   PrinterBuilder& presenterState(std::uint8_t code);
   PrinterBuilder& connectedInterface(std::uint8_t code);
-  PrinterBuilder& coverOpen() { return with(Flag::coverOpen); }
-  PrinterBuilder& offline() { return with(Flag::offline); }
-  PrinterBuilder& paperOut() { return with(Flag::receiptPaperEmpty); }
-  PrinterBuilder& paperInExit() { return with(Flag::paperPresent); }
+  PrinterBuilder& coverOpen() { return with(Flag::CoverOpen); }
+  PrinterBuilder& offline() { return with(Flag::Offline); }
+  PrinterBuilder& paperOut() { return with(Flag::ReceiptPaperEmpty); }
+  PrinterBuilder& paperInExit() { return with(Flag::PaperPresent); }
 
   /// Remembers the print data that made the paper, for `VirtualPrinter::printed`.
   PrinterBuilder& keepPrinted();

@@ -7,10 +7,10 @@ namespace quordalvane::simulator {
 namespace {
 
 // A host that asks and never reads must not make the printer remember answers without end.
-constexpr std::size_t kMostWaiting = std::size_t{64} * 1024;
+constexpr std::size_t mostWaiting = std::size_t{64} * 1024;
 
 // In command mode nothing goes to the printer, so its buffer does not matter.
-constexpr std::size_t kCommandModeSpace = 256;
+constexpr std::size_t commandModeSpace = 256;
 
 std::optional<Instant> earlier(std::optional<Instant> a, std::optional<Instant> b) {
   if (a && b)
@@ -42,12 +42,12 @@ PrinterLink::PrinterLink(VirtualPrinter& printer, Instant now, const Faults& fau
 
 PrinterLink::~PrinterLink() {
   if (!ended_)
-    drop(Ending::atOnce);
+    drop(Ending::AtOnce);
 }
 
 std::size_t PrinterLink::space(Instant now) {
   settle(now);
-  std::size_t room = kCommandModeSpace;
+  std::size_t room = commandModeSpace;
   if (!module_.inCommandMode()) {
     const std::size_t free = printer_.space();
     room = free - std::min(free, module_.keptBack());
@@ -76,7 +76,7 @@ std::size_t PrinterLink::write(std::span<const std::uint8_t> bytes, Instant now)
   bytesIn_ += count;
   beginStalls();
   receiveReplies();
-  cutIfReached(FaultKind::cutAfterIn);
+  cutIfReached(FaultKind::CutAfterIn);
   return count;
 }
 
@@ -104,7 +104,7 @@ bool PrinterLink::dropped(Instant now) {
 
 bool PrinterLink::wasReset(Instant now) {
   settle(now);
-  return ended_ == Ending::reset;
+  return ended_ == Ending::Reset;
 }
 
 std::optional<Instant> PrinterLink::nextEvent(Instant now) {
@@ -125,7 +125,7 @@ void PrinterLink::settle(Instant now) {
     bringWhatIsComing();
     endStalls();
     if (!printer_.isConnection(connection_) || module_.wantsLinkDropped())
-      drop(Ending::drain);
+      drop(Ending::Drain);
     if (step == now && nextOwnEvent().value_or(Instant::max()) > now)
       return;
   }
@@ -142,19 +142,19 @@ std::optional<Instant> PrinterLink::nextOwnEvent() const {
 }
 
 void PrinterLink::send(std::span<const std::uint8_t> bytes, Instant at) {
-  if (waiting_.size() + replies_.underWay() + bytes.size() <= kMostWaiting)
+  if (waiting_.size() + replies_.underWay() + bytes.size() <= mostWaiting)
     replies_.send(bytes, at);
 }
 
 void PrinterLink::receiveReplies() {
-  cutIfReached(FaultKind::cutAfterOut);
+  cutIfReached(FaultKind::CutAfterOut);
   while (!ended_) {
     const auto byte = replies_.arrive(now_);
     if (!byte)
       return;
     waiting_.push_back(*byte);
     ++bytesOut_;
-    cutIfReached(FaultKind::cutAfterOut);
+    cutIfReached(FaultKind::CutAfterOut);
   }
 }
 
@@ -163,7 +163,7 @@ void PrinterLink::drop(Ending ending) {
     module_.release(now_);
   printer_.disconnect(connection_);
   ended_ = ending;
-  if (ending != Ending::drain)
+  if (ending != Ending::Drain)
     waiting_.clear();
 }
 
@@ -178,33 +178,33 @@ void PrinterLink::setSeed(std::uint64_t seed) {
 
 void PrinterLink::befall(const Fault& fault) {
   switch (fault.kind) {
-    case FaultKind::shortWrites:
+    case FaultKind::ShortWrites:
       mostPerWrite_ = std::min(mostPerWrite_.value_or(fault.count), fault.count);
       return;
-    case FaultKind::noSpace:
+    case FaultKind::NoSpace:
       stalls_.push_back({fault.count, fault.time, std::nullopt});
       return beginStalls();
-    case FaultKind::cutAfterIn:
-    case FaultKind::cutAfterOut:
+    case FaultKind::CutAfterIn:
+    case FaultKind::CutAfterOut:
       cuts_.push_back({fault.kind, fault.count, fault.ending});
       return cutIfReached(fault.kind);
-    case FaultKind::cut:
+    case FaultKind::Cut:
       if (!ended_)
         drop(fault.ending);
       return;
-    case FaultKind::printsNothing:
+    case FaultKind::PrintsNothing:
       printsNothing_ = true;
       return;
-    case FaultKind::at:
+    case FaultKind::At:
       coming_.push_back({now_ + fault.time, fault.key, fault.value});
       return;
-    case FaultKind::lateReply:
-    case FaultKind::splitReply:
-    case FaultKind::duplicateReply:
-    case FaultKind::dropReply:
-    case FaultKind::corruptReply:
-    case FaultKind::strayByte:
-    case FaultKind::silence:
+    case FaultKind::LateReply:
+    case FaultKind::SplitReply:
+    case FaultKind::DuplicateReply:
+    case FaultKind::DropReply:
+    case FaultKind::CorruptReply:
+    case FaultKind::StrayByte:
+    case FaultKind::Silence:
       return replies_.add(fault);
   }
 }
@@ -252,7 +252,7 @@ bool PrinterLink::stalled() const {
 std::uint64_t PrinterLink::bytesBeforeCut() const {
   std::uint64_t most = std::numeric_limits<std::uint64_t>::max();
   for (const Cut& cut : cuts_)
-    if (cut.kind == FaultKind::cutAfterIn)
+    if (cut.kind == FaultKind::CutAfterIn)
       most = std::min(most, cut.afterBytes - bytesIn_);
   for (const Stall& stall : stalls_)
     most = std::min(most, stall.afterBytes - bytesIn_);
@@ -261,7 +261,7 @@ std::uint64_t PrinterLink::bytesBeforeCut() const {
 
 // Of several that are reached with the same byte the one that was named first holds.
 void PrinterLink::cutIfReached(FaultKind afterWhat) {
-  const std::uint64_t bytes = afterWhat == FaultKind::cutAfterIn ? bytesIn_ : bytesOut_;
+  const std::uint64_t bytes = afterWhat == FaultKind::CutAfterIn ? bytesIn_ : bytesOut_;
   const auto reached = std::find_if(cuts_.begin(), cuts_.end(), [&](const Cut& cut) {
     return cut.kind == afterWhat && bytes >= cut.afterBytes;
   });

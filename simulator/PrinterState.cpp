@@ -9,7 +9,7 @@
 
 namespace quordalvane::simulator {
 
-const std::array<std::string_view, kFlagCount> kFlagNames = {
+const std::array<std::string_view, flagCount> flagNames = {
     "coverOpen",
     "offline",
     "compulsionSwitch",
@@ -44,19 +44,19 @@ const std::array<std::string_view, kFlagCount> kFlagNames = {
 
 namespace {
 
-constexpr std::size_t kSmallestBuffer = 16;
-constexpr std::size_t kLongestFirmware = 64;
+constexpr std::size_t smallestBuffer = 16;
+constexpr std::size_t longestFirmware = 64;
 
 constexpr std::uint32_t bit(Flag flag) {
   return 1U << static_cast<unsigned>(flag);
 }
 
 constexpr std::uint32_t errorBits() {
-  return (bit(Flag::voltageError) << 1U) - bit(Flag::overTemp);
+  return (bit(Flag::VoltageError) << 1U) - bit(Flag::OverTemp);
 }
 
-constexpr std::uint32_t kStopsPrinting =
-    bit(Flag::coverOpen) | bit(Flag::offline) | bit(Flag::receiptPaperEmpty) | errorBits();
+constexpr std::uint32_t stopsPrinting =
+    bit(Flag::CoverOpen) | bit(Flag::Offline) | bit(Flag::ReceiptPaperEmpty) | errorBits();
 
 bool isHexDigit(char c) {
   return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
@@ -96,7 +96,7 @@ DipBank bankFrom(std::string_view key, std::string_view value) {
 std::string everyKey() {
   std::string keys =
       "firmware, dip1, dip2, speed, buffer, presenterState, connectedInterface, paper";
-  for (std::string_view name : kFlagNames)
+  for (std::string_view name : flagNames)
     keys.append(", ").append(name);
   return keys;
 }
@@ -104,14 +104,14 @@ std::string everyKey() {
 }  // namespace
 
 std::optional<Flag> flagNamed(std::string_view name) {
-  const auto found = std::find(kFlagNames.begin(), kFlagNames.end(), name);
-  if (found == kFlagNames.end())
+  const auto found = std::find(flagNames.begin(), flagNames.end(), name);
+  if (found == flagNames.end())
     return std::nullopt;
-  return static_cast<Flag>(found - kFlagNames.begin());
+  return static_cast<Flag>(found - flagNames.begin());
 }
 
 bool PrinterState::flag(Flag flag) const {
-  const std::uint32_t causes = flag == Flag::offline ? kStopsPrinting : bit(flag);
+  const std::uint32_t causes = flag == Flag::Offline ? stopsPrinting : bit(flag);
   return (flags_ & causes) != 0;
 }
 
@@ -145,7 +145,7 @@ void PrinterState::set(std::string_view key, std::string_view value) {
 
 void PrinterState::setFirmware(std::string_view text) {
   const auto printable = [](char c) { return c >= 0x20 && c <= 0x7e; };
-  if (text.empty() || text.size() > kLongestFirmware ||
+  if (text.empty() || text.size() > longestFirmware ||
       !std::all_of(text.begin(), text.end(), printable))
     refuse("firmware", text, "1 to 64 printable ASCII characters");
   firmware_ = text;
@@ -158,7 +158,7 @@ void PrinterState::setBluetoothAddress(std::string_view digits) {
 }
 
 void PrinterState::setBufferSize(std::size_t bytes) {
-  if (bytes < kSmallestBuffer)
+  if (bytes < smallestBuffer)
     refuse("buffer", std::to_string(bytes), "a count of bytes, 16 or more");
   bufferSize_ = bytes;
 }

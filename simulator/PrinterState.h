@@ -11,42 +11,42 @@ namespace quordalvane::simulator {
 
 /// The thirty conditions that a printer reports, in the order of its status block.
 enum class Flag : std::uint8_t {
-  coverOpen,
-  offline,
-  compulsionSwitch,
-  overTemp,
-  unrecoverableError,
-  cutterError,
-  mechError,
-  headThermistorError,
-  receiveBufferOverflow,
-  pageModeCmdError,
-  paperDetectionError,
-  blackMarkError,
-  jamError,
-  presenterPaperJamError,
-  headUpError,
-  voltageError,
-  receiptBlackMarkDetection,
-  receiptPaperEmpty,
-  receiptPaperNearEmptyInner,
-  receiptPaperNearEmptyOuter,
-  paperPresent,
-  presenterPaperPresent,
-  peelerPaperPresent,
-  stackerFull,
-  slipTOF,
-  slipCOF,
-  slipBOF,
-  validationPaperPresent,
-  slipPaperPresent,
-  etbAvailable,
+  CoverOpen,
+  Offline,
+  CompulsionSwitch,
+  OverTemp,
+  UnrecoverableError,
+  CutterError,
+  MechError,
+  HeadThermistorError,
+  ReceiveBufferOverflow,
+  PageModeCmdError,
+  PaperDetectionError,
+  BlackMarkError,
+  JamError,
+  PresenterPaperJamError,
+  HeadUpError,
+  VoltageError,
+  ReceiptBlackMarkDetection,
+  ReceiptPaperEmpty,
+  ReceiptPaperNearEmptyInner,
+  ReceiptPaperNearEmptyOuter,
+  PaperPresent,
+  PresenterPaperPresent,
+  PeelerPaperPresent,
+  StackerFull,
+  SlipTOF,
+  SlipCOF,
+  SlipBOF,
+  ValidationPaperPresent,
+  SlipPaperPresent,
+  EtbAvailable,
 };
 
-inline constexpr std::size_t kFlagCount = 30;
+inline constexpr std::size_t flagCount = 30;
 
 /// The names of the flags; element k names flag k.
-extern const std::array<std::string_view, kFlagCount> kFlagNames;
+extern const std::array<std::string_view, flagCount> flagNames;
 
 /// The flag of that name, or none.
 std::optional<Flag> flagNamed(std::string_view name);
@@ -100,7 +100,7 @@ class PrinterState {
   bool keepsPrinted = false;  ///< it remembers its print data, however little paper comes out
 
  private:
-  std::uint32_t flags_ = 1U << static_cast<unsigned>(Flag::etbAvailable);
+  std::uint32_t flags_ = 1U << static_cast<unsigned>(Flag::EtbAvailable);
   std::string firmware_ = "Virtual 1.0";
   std::string bluetoothAddress_ = "001122334455";
   std::size_t bufferSize_ = 4096;

@@ -8,19 +8,19 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr Instant kBetweenPieces = 50ms;
+constexpr Instant betweenPieces = 50ms;
 
 }  // namespace
 
 bool ReplyPath::befalls(const Fault& fault) const {
-  if (fault.kind == FaultKind::silence)
+  if (fault.kind == FaultKind::Silence)
     return count_ >= fault.reply;
   return fault.reply == 0 || fault.reply == count_;
 }
 
 bool ReplyPath::isLost() const {
   return std::any_of(faults_.begin(), faults_.end(), [this](const Fault& fault) {
-    return (fault.kind == FaultKind::dropReply || fault.kind == FaultKind::silence) &&
+    return (fault.kind == FaultKind::DropReply || fault.kind == FaultKind::Silence) &&
            befalls(fault);
   });
 }
@@ -29,14 +29,14 @@ void ReplyPath::distort(Bytes& reply) const {
   for (const Fault& fault : faults_) {
     if (!befalls(fault))
       continue;
-    if (fault.kind == FaultKind::duplicateReply) {
+    if (fault.kind == FaultKind::DuplicateReply) {
       const Bytes once = reply;
       reply.insert(reply.end(), once.begin(), once.end());
-    } else if (fault.kind == FaultKind::corruptReply) {
+    } else if (fault.kind == FaultKind::CorruptReply) {
       std::mt19937_64 chance(seed_ + count_);
       std::uint8_t& byte = reply[chance() % reply.size()];
       byte = static_cast<std::uint8_t>(byte ^ 1U << chance() % 8);
-    } else if (fault.kind == FaultKind::strayByte) {
+    } else if (fault.kind == FaultKind::StrayByte) {
       reply.insert(reply.begin(), static_cast<std::uint8_t>(fault.count));
     }
   }
@@ -57,16 +57,16 @@ void ReplyPath::dispatch(const Bytes& reply, Instant at) {
   for (const Fault& fault : faults_) {
     if (!befalls(fault))
       continue;
-    if (fault.kind == FaultKind::lateReply)
+    if (fault.kind == FaultKind::LateReply)
       due += fault.time;
-    else if (fault.kind == FaultKind::splitReply)
+    else if (fault.kind == FaultKind::SplitReply)
       splits.insert(splits.end(), fault.offsets.begin(), fault.offsets.end());
   }
   if (!underWay_.empty())
     due = std::max(due, underWay_.back().due);
   for (std::size_t i = 0; i < reply.size(); ++i) {
     if (std::find(splits.begin(), splits.end(), i) != splits.end())
-      due += kBetweenPieces;
+      due += betweenPieces;
     underWay_.push_back({reply[i], due});
   }
 }

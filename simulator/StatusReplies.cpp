@@ -3,11 +3,11 @@
 namespace quordalvane::simulator {
 namespace {
 
-constexpr std::uint8_t kStatusBlockLength = 9;
-constexpr std::uint8_t kLayoutVersion = 1;
+constexpr std::uint8_t statusBlockLength = 9;
+constexpr std::uint8_t layoutVersion = 1;
 
 // Bits 1 and 4 are set in every real-time status byte; they tell it from flow control characters.
-constexpr unsigned kRealTimeMark = 0x12;
+constexpr unsigned realTimeMark = 0x12;
 
 Bytes framed(Bytes head, const std::string& text, const Bytes& tail) {
   head.insert(head.end(), text.begin(), text.end());
@@ -18,10 +18,10 @@ Bytes framed(Bytes head, const std::string& text, const Bytes& tail) {
 }  // namespace
 
 Bytes statusBlock(const PrinterState& state) {
-  Bytes block(kStatusBlockLength, 0);
-  block[0] = 0x80U | kStatusBlockLength;
-  block[1] = kLayoutVersion;
-  for (std::size_t k = 0; k < kFlagCount; ++k) {
+  Bytes block(statusBlockLength, 0);
+  block[0] = 0x80U | statusBlockLength;
+  block[1] = layoutVersion;
+  for (std::size_t k = 0; k < flagCount; ++k) {
     if (state.flag(static_cast<Flag>(k))) {
       std::uint8_t& byte = block[2 + k / 8];
       byte = static_cast<std::uint8_t>(byte | 1U << k % 8);
@@ -35,13 +35,13 @@ Bytes statusBlock(const PrinterState& state) {
 
 Bytes realTimeStatus(const PrinterState& state, std::uint8_t query) {
   const auto bits = [&](Flag flag, unsigned mask) { return state.flag(flag) ? mask : 0U; };
-  unsigned byte = kRealTimeMark;
+  unsigned byte = realTimeMark;
   if (query == 1)
-    byte |= bits(Flag::compulsionSwitch, 0x04) | bits(Flag::offline, 0x08);
+    byte |= bits(Flag::CompulsionSwitch, 0x04) | bits(Flag::Offline, 0x08);
   else if (query == 2)
-    byte |= bits(Flag::coverOpen, 0x04);
+    byte |= bits(Flag::CoverOpen, 0x04);
   else
-    byte |= bits(Flag::receiptPaperNearEmptyInner, 0x0c) | bits(Flag::receiptPaperEmpty, 0x60);
+    byte |= bits(Flag::ReceiptPaperNearEmptyInner, 0x0c) | bits(Flag::ReceiptPaperEmpty, 0x60);
   return {static_cast<std::uint8_t>(byte)};
 }
 

@@ -15,22 +15,22 @@ using Symbol = std::unique_ptr<zint_symbol, SymbolDeleter>;
 
 int librarysNumber(Symbology symbology) {
   switch (symbology) {
-    case Symbology::upcA:
+    case Symbology::UpcA:
       return BARCODE_UPCA;
-    case Symbology::upcE:
+    case Symbology::UpcE:
       return BARCODE_UPCE;
-    case Symbology::ean13:
-    case Symbology::ean8:
+    case Symbology::Ean13:
+    case Symbology::Ean8:
       return BARCODE_EANX;
-    case Symbology::code39:
+    case Symbology::Code39:
       return BARCODE_CODE39;
-    case Symbology::interleaved:
+    case Symbology::Interleaved:
       return BARCODE_C25INTER;
-    case Symbology::codabar:
+    case Symbology::Codabar:
       return BARCODE_CODABAR;
-    case Symbology::code93:
+    case Symbology::Code93:
       return BARCODE_CODE93;
-    case Symbology::code128:
+    case Symbology::Code128:
       break;
   }
   return BARCODE_CODE128;
@@ -69,20 +69,20 @@ std::string zeroSuppressed(const std::string& data) {
 
 std::string librarysData(const Barcode& barcode) {
   switch (barcode.symbology) {
-    case Symbology::upcA:
+    case Symbology::UpcA:
       return withoutCheckDigit(barcode.data, 12);
-    case Symbology::upcE:
+    case Symbology::UpcE:
       return zeroSuppressed(barcode.data);
-    case Symbology::ean13:
+    case Symbology::Ean13:
       return withoutCheckDigit(barcode.data, 13);
-    case Symbology::ean8:
+    case Symbology::Ean8:
       return withoutCheckDigit(barcode.data, 8);
-    case Symbology::code39:
+    case Symbology::Code39:
       return withoutStars(barcode.data);
-    case Symbology::code128:
-    case Symbology::interleaved:
-    case Symbology::codabar:
-    case Symbology::code93:
+    case Symbology::Code128:
+    case Symbology::Interleaved:
+    case Symbology::Codabar:
+    case Symbology::Code93:
       break;
   }
   return barcode.data;

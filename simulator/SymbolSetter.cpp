@@ -9,15 +9,15 @@ using Bytes = std::span<const std::uint8_t>;
 
 // The first form of the command numbers the symbologies from 0 and ends its data with a zero byte,
 // the second numbers them from 65 and counts its data.
-constexpr std::uint8_t kLastTerminated = 6;
-constexpr std::uint8_t kFirstCounted = 65;
+constexpr std::uint8_t lastTerminated = 6;
+constexpr std::uint8_t firstCounted = 65;
 
-constexpr std::size_t kMostQrData = 7089;  // digits in the largest code
+constexpr std::size_t mostQrData = 7089;  // digits in the largest code
 
-constexpr Symbology kSymbologies[] = {
-    Symbology::upcA,    Symbology::upcE,   Symbology::ean13,
-    Symbology::ean8,    Symbology::code39, Symbology::interleaved,
-    Symbology::codabar, Symbology::code93, Symbology::code128,
+constexpr Symbology symbologyTable[] = {
+    Symbology::UpcA,    Symbology::UpcE,   Symbology::Ean13,
+    Symbology::Ean8,    Symbology::Code39, Symbology::Interleaved,
+    Symbology::Codabar, Symbology::Code93, Symbology::Code128,
 };
 
 std::string textOf(Bytes bytes) {
@@ -62,17 +62,17 @@ void SymbolSetter::setBarcode(Bytes command) {
 }
 
 std::optional<Barcode> SymbolSetter::barcode(Bytes command) const {
-  const bool counted = command[2] >= kFirstCounted;
-  const std::size_t number = counted ? command[2] - kFirstCounted : command[2];
-  if (number >= std::size(kSymbologies) || (!counted && number > kLastTerminated))
+  const bool counted = command[2] >= firstCounted;
+  const std::size_t number = counted ? command[2] - firstCounted : command[2];
+  if (number >= std::size(symbologyTable) || (!counted && number > lastTerminated))
     return std::nullopt;
   Barcode barcode = settings_;
-  barcode.symbology = kSymbologies[number];
+  barcode.symbology = symbologyTable[number];
   if (counted)
     barcode.data = textOf(command.subspan(4));
   else
     barcode.data = textOf(command.subspan(3, command.size() - 4));
-  if (barcode.symbology == Symbology::code128)
+  if (barcode.symbology == Symbology::Code128)
     barcode.data = code128Text(barcode.data);
   return barcode;
 }
@@ -80,25 +80,25 @@ std::optional<Barcode> SymbolSetter::barcode(Bytes command) const {
 SymbolSetter::Outcome SymbolSetter::applyQr(Bytes command) {
   constexpr std::uint8_t qr = 0x31;
   if (command.size() < 8 || command[2] != 0x6b || command[5] != qr)
-    return Outcome::unknown;
+    return Outcome::Unknown;
   switch (command[6]) {
     case 0x41:  // model
-      return Outcome::stored;
+      return Outcome::Stored;
     case 0x43:
       qr_.moduleSize = std::clamp<unsigned>(command[7], 1, 16);
-      return Outcome::stored;
+      return Outcome::Stored;
     case 0x45:
       qr_.correctionLevel = std::clamp<unsigned>(command[7], '0', '3') - '0';
-      return Outcome::stored;
+      return Outcome::Stored;
     case 0x50:
-      if (command.size() - 8 > kMostQrData)
-        return Outcome::unknown;
+      if (command.size() - 8 > mostQrData)
+        return Outcome::Unknown;
       qr_.data = textOf(command.subspan(8));
-      return Outcome::stored;
+      return Outcome::Stored;
     case 0x51:
-      return Outcome::print;
+      return Outcome::Print;
     default:
-      return Outcome::unknown;
+      return Outcome::Unknown;
   }
 }
 

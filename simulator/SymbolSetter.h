@@ -17,7 +17,7 @@ class SymbolSetter {
   /// The bar code of a command 1d 6b, or none if its symbology cannot be shown.
   std::optional<Barcode> barcode(std::span<const std::uint8_t> command) const;
 
-  enum class Outcome { stored, print, unknown };
+  enum class Outcome { Stored, Print, Unknown };
 
   /// Carries out a QR command 1d 28 6b. After `print` the code is to be taken with `qrCode()`.
   Outcome applyQr(std::span<const std::uint8_t> command);

@@ -8,7 +8,7 @@ namespace {
 
 using UpperHalf = std::array<char16_t, 128>;  // the characters of the bytes from 80 hex up
 
-constexpr UpperHalf kCp437 = {
+constexpr UpperHalf cp437Characters = {
     0x00c7, 0x00fc, 0x00e9, 0x00e2, 0x00e4, 0x00e0, 0x00e5, 0x00e7, 0x00ea, 0x00eb, 0x00e8, 0x00ef,
     0x00ee, 0x00ec, 0x00c4, 0x00c5, 0x00c9, 0x00e6, 0x00c6, 0x00f4, 0x00f6, 0x00f2, 0x00fb, 0x00f9,
     0x00ff, 0x00d6, 0x00dc, 0x00a2, 0x00a3, 0x00a5, 0x20a7, 0x0192, 0x00e1, 0x00ed, 0x00f3, 0x00fa,
@@ -22,7 +22,7 @@ constexpr UpperHalf kCp437 = {
     0x00b0, 0x2219, 0x00b7, 0x221a, 0x207f, 0x00b2, 0x25a0, 0x00a0,
 };
 
-constexpr UpperHalf kCp858 = {
+constexpr UpperHalf cp858Characters = {
     0x00c7, 0x00fc, 0x00e9, 0x00e2, 0x00e4, 0x00e0, 0x00e5, 0x00e7, 0x00ea, 0x00eb, 0x00e8, 0x00ef,
     0x00ee, 0x00ec, 0x00c4, 0x00c5, 0x00c9, 0x00e6, 0x00c6, 0x00f4, 0x00f6, 0x00f2, 0x00fb, 0x00f9,
     0x00ff, 0x00d6, 0x00dc, 0x00f8, 0x00a3, 0x00d8, 0x00d7, 0x0192, 0x00e1, 0x00ed, 0x00f3, 0x00fa,
@@ -36,7 +36,7 @@ constexpr UpperHalf kCp858 = {
     0x00b0, 0x00a8, 0x00b7, 0x00b9, 0x00b3, 0x00b2, 0x25a0, 0x00a0,
 };
 
-constexpr UpperHalf kCp1252 = {
+constexpr UpperHalf cp1252Characters = {
     0x20ac, 0xfffd, 0x201a, 0x0192, 0x201e, 0x2026, 0x2020, 0x2021, 0x02c6, 0x2030, 0x0160, 0x2039,
     0x0152, 0xfffd, 0x017d, 0xfffd, 0xfffd, 0x2018, 0x2019, 0x201c, 0x201d, 0x2022, 0x2013, 0x2014,
     0x02dc, 0x2122, 0x0161, 0x203a, 0x0153, 0xfffd, 0x017e, 0x0178, 0x00a0, 0x00a1, 0x00a2, 0x00a3,
@@ -51,9 +51,9 @@ constexpr UpperHalf kCp1252 = {
 };
 
 // A run is decided at this length at the latest, so that it needs no more memory than this.
-constexpr std::size_t kLongestRun = 256;
+constexpr std::size_t longestRun = 256;
 
-constexpr char32_t kReplacement = 0xfffd;
+constexpr char32_t replacement = 0xfffd;
 
 struct Decoded {
   char32_t character;
@@ -123,7 +123,7 @@ std::size_t wholeCharacters(std::string_view run) {
 Decoded decodeAnything(std::string_view bytes) {
   if (static_cast<std::uint8_t>(bytes[0]) < 0x80)
     return {static_cast<char32_t>(bytes[0]), 1};
-  return decodeUtf8(bytes).value_or(Decoded{kReplacement, 1});
+  return decodeUtf8(bytes).value_or(Decoded{replacement, 1});
 }
 
 }  // namespace
@@ -135,9 +135,9 @@ void TextDecoder::put(std::uint8_t byte, std::u32string& text) {
     return;
   }
   run_ += static_cast<char>(byte);
-  if (page_ != Page::undeclared)
+  if (page_ != Page::Undeclared)
     finish(text);
-  else if (run_.size() >= kLongestRun)
+  else if (run_.size() >= longestRun)
     flush(text, wholeCharacters(run_));
 }
 
@@ -149,7 +149,7 @@ void TextDecoder::finish(std::u32string& text) {
 void TextDecoder::flush(std::u32string& text, std::size_t count) {
   const std::string run = run_.substr(0, count);
   run_.erase(0, count);
-  if (page_ == Page::undeclared) {
+  if (page_ == Page::Undeclared) {
     if (const auto unicode = decodeAllUtf8(run)) {
       text += *unicode;
       return;
@@ -162,13 +162,13 @@ void TextDecoder::flush(std::u32string& text, std::size_t count) {
 bool TextDecoder::select(std::uint8_t number) {
   switch (number) {
     case 0:
-      page_ = Page::cp437;
+      page_ = Page::Cp437;
       return true;
     case 16:
-      page_ = Page::cp1252;
+      page_ = Page::Cp1252;
       return true;
     case 19:
-      page_ = Page::cp858;
+      page_ = Page::Cp858;
       return true;
     default:
       return false;
@@ -178,12 +178,12 @@ bool TextDecoder::select(std::uint8_t number) {
 char32_t TextDecoder::fromPage(std::uint8_t byte) const {
   const std::size_t index = byte - 0x80U;
   switch (page_) {
-    case Page::cp858:
-      return kCp858[index];
-    case Page::cp1252:
-      return kCp1252[index];
+    case Page::Cp858:
+      return cp858Characters[index];
+    case Page::Cp1252:
+      return cp1252Characters[index];
     default:
-      return kCp437[index];
+      return cp437Characters[index];
   }
 }
 
@@ -192,7 +192,7 @@ std::string toUtf8(std::u32string_view text) {
   const auto add = [&](char32_t value) { bytes += static_cast<char>(value); };
   for (char32_t c : text) {
     if (!isCharacter(c))
-      c = kReplacement;
+      c = replacement;
     if (c < 0x80) {
       add(c);
       continue;

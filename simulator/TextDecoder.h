@@ -23,15 +23,15 @@ class TextDecoder {
   bool select(std::uint8_t number);
 
   /// Back to the state in which the job has selected no code page.
-  void reset() { page_ = Page::undeclared; }
+  void reset() { page_ = Page::Undeclared; }
 
  private:
-  enum class Page { undeclared, cp437, cp858, cp1252 };
+  enum class Page { Undeclared, Cp437, Cp858, Cp1252 };
 
   char32_t fromPage(std::uint8_t byte) const;
   void flush(std::u32string& text, std::size_t count);
 
-  Page page_ = Page::undeclared;
+  Page page_ = Page::Undeclared;
   std::string run_;  // bytes from 80 hex up that are not decided yet
 };
 

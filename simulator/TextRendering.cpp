@@ -10,11 +10,11 @@
 namespace quordalvane::simulator {
 namespace {
 
-constexpr unsigned kCell = 12;  // the dots of a column
+constexpr unsigned cell = 12;  // the dots of a column
 
 // A longer feed is told, not shown.
-constexpr unsigned kMostEmptyLines = 12;
-constexpr unsigned kDotsPerMillimetre = 8;
+constexpr unsigned mostEmptyLines = 12;
+constexpr unsigned dotsPerMillimetre = 8;
 
 std::u32string widened(std::string_view ascii) {
   return {ascii.begin(), ascii.end()};
@@ -26,7 +26,7 @@ std::string size(unsigned width, unsigned height) {
 
 class TextPage {
  public:
-  explicit TextPage(unsigned paperWidth) : columns_(paperWidth / kCell) {}
+  explicit TextPage(unsigned paperWidth) : columns_(paperWidth / cell) {}
 
   void show(const Line& line) {
     if (isStripe(line))
@@ -37,7 +37,7 @@ class TextPage {
     unsigned endInDots = 0;
     for (const LineItem& item : line.items) {
       const std::u32string text = textOf(item);
-      const std::size_t column = item.x == endInDots ? end : item.x / kCell;
+      const std::size_t column = item.x == endInDots ? end : item.x / cell;
       if (canvas.size() < column + text.size())
         canvas.resize(column + text.size(), U' ');
       canvas.replace(column, text.size(), text);
@@ -57,10 +57,10 @@ class TextPage {
   }
 
   void show(const Feed& feed) {
-    const unsigned lines = (feed.dots + kLineSpacing / 2) / kLineSpacing;
-    if (lines > kMostEmptyLines)
-      write(widened("[feed " + std::to_string(feed.dots / kDotsPerMillimetre) + " mm]"),
-            Alignment::left);
+    const unsigned lines = (feed.dots + lineSpacing / 2) / lineSpacing;
+    if (lines > mostEmptyLines)
+      write(widened("[feed " + std::to_string(feed.dots / dotsPerMillimetre) + " mm]"),
+            Alignment::Left);
     else
       text_.append(lines, '\n');
   }
@@ -69,7 +69,7 @@ class TextPage {
     std::u32string line = cut.partial ? U"- - partial cut " : U"- - cut ";
     while (line.size() + 2 <= columns_)
       line += U"- ";
-    write(line, Alignment::left);
+    write(line, Alignment::Left);
   }
 
   void listSkipped(const Paper& paper) {
@@ -95,7 +95,7 @@ class TextPage {
   struct Stripes {
     unsigned width = 0;
     unsigned height = 0;
-    Alignment alignment = Alignment::left;
+    Alignment alignment = Alignment::Left;
   };
 
   static bool isStripe(const Line& line) {
@@ -126,9 +126,9 @@ class TextPage {
   void write(std::u32string_view line, Alignment alignment) {
     line = line.substr(0, line.find_last_not_of(U' ') + 1);
     const std::size_t room = columns_ > line.size() ? columns_ - line.size() : 0;
-    if (alignment == Alignment::center)
+    if (alignment == Alignment::Center)
       text_.append(room / 2, ' ');
-    else if (alignment == Alignment::right)
+    else if (alignment == Alignment::Right)
       text_.append(room, ' ');
     text_ += toUtf8(line) + "\n";
   }

@@ -6,9 +6,9 @@ namespace quordalvane::simulator {
 namespace {
 
 // From the print head to the blade: a cut that feeds first moves the last line past it.
-constexpr unsigned kHeadToBlade = 96;
+constexpr unsigned headToBlade = 96;
 
-enum class Spoken { both, escPos };  // which command system a command gives away
+enum class Spoken { Both, EscPos };  // which command system a command gives away
 
 }  // namespace
 
@@ -19,40 +19,40 @@ struct Typesetter::Entry {
   Handler handler;
 };
 
-const Typesetter::Entry Typesetter::kCommands[] = {
-    {0x1b, 0x20, Spoken::escPos, &Typesetter::ignore},  // character spacing
-    {0x1b, 0x21, Spoken::escPos, &Typesetter::printMode},
-    {0x1b, 0x24, Spoken::escPos, &Typesetter::position},
-    {0x1b, 0x2a, Spoken::escPos, &Typesetter::columnImage},
-    {0x1b, 0x2d, Spoken::both, &Typesetter::underline},
-    {0x1b, 0x32, Spoken::both, &Typesetter::defaultSpacing},
-    {0x1b, 0x33, Spoken::escPos, &Typesetter::spacing},
-    {0x1b, 0x40, Spoken::both, &Typesetter::initialise},
-    {0x1b, 0x45, Spoken::escPos, &Typesetter::bold},
-    {0x1b, 0x47, Spoken::escPos, &Typesetter::bold},
-    {0x1b, 0x4a, Spoken::both, &Typesetter::feedDots},
-    {0x1b, 0x4c, Spoken::escPos, &Typesetter::pageMode},
-    {0x1b, 0x4d, Spoken::escPos, &Typesetter::font},
-    {0x1b, 0x52, Spoken::both, &Typesetter::ignore},    // national variants of a few characters
-    {0x1b, 0x53, Spoken::escPos, &Typesetter::ignore},  // leaving page mode
-    {0x1b, 0x5c, Spoken::escPos, &Typesetter::positionFurther},
-    {0x1b, 0x61, Spoken::escPos, &Typesetter::align},
-    {0x1b, 0x64, Spoken::both, &Typesetter::feedLinesOrCut},
-    {0x1b, 0x69, Spoken::escPos, &Typesetter::fullCut},
-    {0x1b, 0x6d, Spoken::escPos, &Typesetter::partialCut},
-    {0x1b, 0x70, Spoken::escPos, &Typesetter::ignore},  // the cash drawer's pulse
-    {0x1b, 0x74, Spoken::escPos, &Typesetter::codePage},
-    {0x1d, 0x21, Spoken::escPos, &Typesetter::characterSize},
-    {0x1d, 0x28, Spoken::escPos, &Typesetter::twoDimensional},
-    {0x1d, 0x38, Spoken::escPos, &Typesetter::graphics},
-    {0x1d, 0x42, Spoken::escPos, &Typesetter::inverse},
-    {0x1d, 0x48, Spoken::escPos, &Typesetter::barcodeSetting},
-    {0x1d, 0x56, Spoken::escPos, &Typesetter::cut},
-    {0x1d, 0x66, Spoken::escPos, &Typesetter::ignore},  // the font of a bar code's text
-    {0x1d, 0x68, Spoken::escPos, &Typesetter::barcodeSetting},
-    {0x1d, 0x6b, Spoken::escPos, &Typesetter::barcode},
-    {0x1d, 0x76, Spoken::escPos, &Typesetter::raster},
-    {0x1d, 0x77, Spoken::escPos, &Typesetter::barcodeSetting},
+const Typesetter::Entry Typesetter::commandTable[] = {
+    {0x1b, 0x20, Spoken::EscPos, &Typesetter::ignore},  // character spacing
+    {0x1b, 0x21, Spoken::EscPos, &Typesetter::printMode},
+    {0x1b, 0x24, Spoken::EscPos, &Typesetter::position},
+    {0x1b, 0x2a, Spoken::EscPos, &Typesetter::columnImage},
+    {0x1b, 0x2d, Spoken::Both, &Typesetter::underline},
+    {0x1b, 0x32, Spoken::Both, &Typesetter::defaultSpacing},
+    {0x1b, 0x33, Spoken::EscPos, &Typesetter::spacing},
+    {0x1b, 0x40, Spoken::Both, &Typesetter::initialise},
+    {0x1b, 0x45, Spoken::EscPos, &Typesetter::bold},
+    {0x1b, 0x47, Spoken::EscPos, &Typesetter::bold},
+    {0x1b, 0x4a, Spoken::Both, &Typesetter::feedDots},
+    {0x1b, 0x4c, Spoken::EscPos, &Typesetter::pageMode},
+    {0x1b, 0x4d, Spoken::EscPos, &Typesetter::font},
+    {0x1b, 0x52, Spoken::Both, &Typesetter::ignore},    // national variants of a few characters
+    {0x1b, 0x53, Spoken::EscPos, &Typesetter::ignore},  // leaving page mode
+    {0x1b, 0x5c, Spoken::EscPos, &Typesetter::positionFurther},
+    {0x1b, 0x61, Spoken::EscPos, &Typesetter::align},
+    {0x1b, 0x64, Spoken::Both, &Typesetter::feedLinesOrCut},
+    {0x1b, 0x69, Spoken::EscPos, &Typesetter::fullCut},
+    {0x1b, 0x6d, Spoken::EscPos, &Typesetter::partialCut},
+    {0x1b, 0x70, Spoken::EscPos, &Typesetter::ignore},  // the cash drawer's pulse
+    {0x1b, 0x74, Spoken::EscPos, &Typesetter::codePage},
+    {0x1d, 0x21, Spoken::EscPos, &Typesetter::characterSize},
+    {0x1d, 0x28, Spoken::EscPos, &Typesetter::twoDimensional},
+    {0x1d, 0x38, Spoken::EscPos, &Typesetter::graphics},
+    {0x1d, 0x42, Spoken::EscPos, &Typesetter::inverse},
+    {0x1d, 0x48, Spoken::EscPos, &Typesetter::barcodeSetting},
+    {0x1d, 0x56, Spoken::EscPos, &Typesetter::cut},
+    {0x1d, 0x66, Spoken::EscPos, &Typesetter::ignore},  // the font of a bar code's text
+    {0x1d, 0x68, Spoken::EscPos, &Typesetter::barcodeSetting},
+    {0x1d, 0x6b, Spoken::EscPos, &Typesetter::barcode},
+    {0x1d, 0x76, Spoken::EscPos, &Typesetter::raster},
+    {0x1d, 0x77, Spoken::EscPos, &Typesetter::barcodeSetting},
 };
 
 Typesetter::Typesetter(unsigned paperWidth) : paper_(paperWidth), line_(paperWidth) {}
@@ -61,12 +61,12 @@ void Typesetter::set(Bytes command) {
   if (command.size() == 1)
     return character(command[0]);
   finishText();
-  const auto found = std::find_if(std::begin(kCommands), std::end(kCommands), [&](const Entry& e) {
-    return e.lead == command[0] && e.selector == command[1];
-  });
-  if (found == std::end(kCommands))
+  const auto found = std::find_if(
+      std::begin(commandTable), std::end(commandTable),
+      [&](const Entry& e) { return e.lead == command[0] && e.selector == command[1]; });
+  if (found == std::end(commandTable))
     return paper_.noteSkipped(command);
-  if (found->spoken == Spoken::escPos)
+  if (found->spoken == Spoken::EscPos)
     sawEscPos_ = true;
   (this->*found->handler)(command);
 }
@@ -89,7 +89,7 @@ void Typesetter::character(std::uint8_t byte) {
     case 0x0c:
       line_.endIfBegun(paper_);
       if (!pageMode_)
-        paper_.feed(kHeadToBlade);
+        paper_.feed(headToBlade);
       pageMode_ = false;
       return;
     default:
@@ -175,7 +175,7 @@ void Typesetter::codePage(Bytes command) {
 }
 
 void Typesetter::defaultSpacing(Bytes) {
-  line_.setSpacing(kLineSpacing);
+  line_.setSpacing(lineSpacing);
 }
 
 void Typesetter::spacing(Bytes command) {
@@ -191,7 +191,7 @@ void Typesetter::feedLinesOrCut(Bytes command) {
   if (sawEscPos_ || n > 3)
     return feed(n * line_.spacing());
   if (n >= 2)
-    feed(kHeadToBlade);
+    feed(headToBlade);
   cutHere(n % 2 == 1);
 }
 
@@ -214,7 +214,7 @@ void Typesetter::pageMode(Bytes) {
 void Typesetter::cut(Bytes command) {
   const unsigned form = command[2];
   if (command.size() == 4)
-    feed(kHeadToBlade + command[3]);
+    feed(headToBlade + command[3]);
   cutHere((form & 1U) == (form >= 0x41 ? 0U : 1U));
 }
 
@@ -259,12 +259,12 @@ void Typesetter::columnImage(Bytes command) {
 
 void Typesetter::graphics(Bytes command) {
   switch (graphics_.apply(command)) {
-    case GraphicsMemory::Outcome::stored:
+    case GraphicsMemory::Outcome::Stored:
       return;
-    case GraphicsMemory::Outcome::print:
+    case GraphicsMemory::Outcome::Print:
       addImage(graphics_.image());
       return graphics_.clear();
-    case GraphicsMemory::Outcome::unknown:
+    case GraphicsMemory::Outcome::Unknown:
       return paper_.noteSkipped(command);
   }
 }
@@ -286,15 +286,15 @@ void Typesetter::twoDimensional(Bytes command) {
   if (command[2] == 0x4c)
     return graphics(command);
   switch (symbols_.applyQr(command)) {
-    case SymbolSetter::Outcome::stored:
+    case SymbolSetter::Outcome::Stored:
       return;
-    case SymbolSetter::Outcome::print: {
+    case SymbolSetter::Outcome::Print: {
       line_.endIfBegun(paper_);
       QrCode code = symbols_.qrCode();
       code.alignment = line_.alignment();
       return paper_.add(std::move(code));
     }
-    case SymbolSetter::Outcome::unknown:
+    case SymbolSetter::Outcome::Unknown:
       return paper_.noteSkipped(command);
   }
 }

@@ -39,7 +39,7 @@ class Typesetter {
   using Bytes = std::span<const std::uint8_t>;
   using Handler = void (Typesetter::*)(Bytes);
   struct Entry;
-  static const Entry kCommands[];
+  static const Entry commandTable[];
 
   void character(std::uint8_t byte);
   void finishText();

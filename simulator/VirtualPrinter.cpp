@@ -9,7 +9,7 @@ namespace quordalvane::simulator {
 namespace {
 
 unsigned dotsAcross(const PrinterState& state) {
-  return state.paperMillimetres() == 58 ? kNarrowPaperDots : kWidePaperDots;
+  return state.paperMillimetres() == 58 ? narrowPaperDots : widePaperDots;
 }
 
 }  // namespace
@@ -36,7 +36,7 @@ void VirtualPrinter::set(std::string_view key, std::string_view value, Instant n
 }
 
 void VirtualPrinter::followState(Instant now) {
-  queue_.run(!state_.flag(Flag::offline), state_.bytesPerSecond, now);
+  queue_.run(!state_.flag(Flag::Offline), state_.bytesPerSecond, now);
   printUntil(now);
 }
 
@@ -105,9 +105,9 @@ void VirtualPrinter::hold(CommandKind kind, std::span<const std::uint8_t> bytes,
   queue_.push(bytes, now);
   queuedEver_ += bytes.size();
   if (kind == CommandKind::Etb)
-    marks_.push_back({Mark::Kind::etb, begin, queuedEver_});
+    marks_.push_back({Mark::Kind::Etb, begin, queuedEver_});
   else if (kind == CommandKind::ReportingEtb)
-    marks_.push_back({Mark::Kind::reportingEtb, begin, queuedEver_});
+    marks_.push_back({Mark::Kind::ReportingEtb, begin, queuedEver_});
 }
 
 void VirtualPrinter::printUntil(Instant now) {
@@ -136,11 +136,11 @@ void VirtualPrinter::passMarks(Instant at) {
 }
 
 void VirtualPrinter::pass(const Mark& mark, Instant at) {
-  if (mark.kind == Mark::Kind::endOfConnection)
+  if (mark.kind == Mark::Kind::EndOfConnection)
     return endJob();
   printing_.endJob();
   ++state_.etbCounter;
-  if (mark.kind == Mark::Kind::reportingEtb)
+  if (mark.kind == Mark::Kind::ReportingEtb)
     reply(etbReport(state_), at);
 }
 
@@ -157,7 +157,7 @@ void VirtualPrinter::endJob() {
 
 void VirtualPrinter::dropHeld() {
   const bool endsJob = std::any_of(marks_.begin(), marks_.end(), [](const Mark& mark) {
-    return mark.kind == Mark::Kind::endOfConnection;
+    return mark.kind == Mark::Kind::EndOfConnection;
   });
   queue_.clear();
   takenEver_ = queuedEver_;
@@ -222,7 +222,7 @@ void VirtualPrinter::endConnection() {
   reception_.restart();
   const bool bringsNothing = !marks_.empty() && marks_.back().begin == queuedEver_;
   if (!bringsNothing)
-    marks_.push_back({Mark::Kind::endOfConnection, queuedEver_, queuedEver_});
+    marks_.push_back({Mark::Kind::EndOfConnection, queuedEver_, queuedEver_});
   passMarks({});
 }
 

@@ -30,7 +30,7 @@ class VirtualPrinter {
 
   const PrinterState& state() const { return state_; }
 
-  /// Sets the flag of that name from `now` on; false if there is none. See `kFlagNames`.
+  /// Sets the flag of that name from `now` on; false if there is none. See `flagNames`.
   bool setFlag(std::string_view name, bool value, Instant now);
 
   /// Changes a setting by its name from `now` on, as `PrinterState::set` does and with its errors.
@@ -100,7 +100,7 @@ class VirtualPrinter {
  private:
   /// What happens when the print position has passed the first `end` bytes that were ever queued.
   struct Mark {
-    enum class Kind { etb, reportingEtb, endOfConnection };
+    enum class Kind { Etb, ReportingEtb, EndOfConnection };
     Kind kind;
     std::uint64_t begin;  // of the bytes of an ETB, which are not for the paper
     std::uint64_t end;

@@ -44,7 +44,7 @@ Descriptor connectUntil(SteadyTime deadline, const SocketAddress& address) {
   if (number < 0) {
     throw std::system_error(errno, std::generic_category());
   }
-  Descriptor socket(number, Descriptor::Kind::socket);
+  Descriptor socket(number, Descriptor::Kind::Socket);
   do {
     boundConnect(socket, deadline);
     // Asked again after a signal, it waits for the end of what it has begun.

@@ -45,7 +45,7 @@ std::ptrdiff_t uninterrupted(Transfer transfer) {
 }  // namespace
 
 Descriptor::Descriptor(int number, Kind kind)
-    : number_(number), kind_(kind), isPatient_(kind == Kind::socket && makePatient(number)) {}
+    : number_(number), kind_(kind), isPatient_(kind == Kind::Socket && makePatient(number)) {}
 
 Descriptor::~Descriptor() {
   if (number_ >= 0) {
@@ -58,7 +58,7 @@ Descriptor::Descriptor(Descriptor&& other) noexcept
 
 std::ptrdiff_t Descriptor::receive(std::uint8_t* buffer, std::size_t maxLength) const {
   return uninterrupted([&] {
-    return kind_ == Kind::socket ? ::recv(number_, buffer, maxLength, MSG_DONTWAIT)
+    return kind_ == Kind::Socket ? ::recv(number_, buffer, maxLength, MSG_DONTWAIT)
                                  : ::read(number_, buffer, maxLength);
   });
 }
@@ -80,7 +80,7 @@ std::ptrdiff_t Descriptor::receiveUntil(std::uint8_t* buffer, std::size_t maxLen
 
 std::ptrdiff_t Descriptor::send(const std::uint8_t* bytes, std::size_t length) const {
   return uninterrupted([&] {
-    return kind_ == Kind::socket ? ::send(number_, bytes, length, MSG_DONTWAIT | MSG_NOSIGNAL)
+    return kind_ == Kind::Socket ? ::send(number_, bytes, length, MSG_DONTWAIT | MSG_NOSIGNAL)
                                  : ::write(number_, bytes, length);
   });
 }
@@ -104,7 +104,7 @@ short Descriptor::pollUntil(short events, SteadyTime deadline) const {
 
 bool Descriptor::hasUnderWay() const {
   int count = 0;
-  return kind_ == Kind::socket && ::ioctl(number_, SIOCOUTQ, &count) == 0 && count > 0;
+  return kind_ == Kind::Socket && ::ioctl(number_, SIOCOUTQ, &count) == 0 && count > 0;
 }
 
 std::chrono::milliseconds Descriptor::silence() const {
@@ -120,13 +120,13 @@ std::chrono::milliseconds Descriptor::silence() const {
 }
 
 void Descriptor::endOutput() const {
-  if (kind_ == Kind::socket) {
+  if (kind_ == Kind::Socket) {
     ::shutdown(number_, SHUT_WR);
   }
 }
 
 void Descriptor::shutdown() const {
-  if (kind_ == Kind::socket) {
+  if (kind_ == Kind::Socket) {
     ::shutdown(number_, SHUT_RDWR);
   }
 }

@@ -14,8 +14,8 @@ class Descriptor {
  public:
   /// What is behind a descriptor.
   enum class Kind {
-    socket,    ///< may be shut down, and may wait by itself for what comes
-    terminal,  ///< a serial line, or what behaves like one
+    Socket,    ///< may be shut down, and may wait by itself for what comes
+    Terminal,  ///< a serial line, or what behaves like one
   };
 
   /// Takes over `number`. A terminal must be in non-blocking mode; a socket may be in either.
@@ -43,7 +43,7 @@ class Descriptor {
   std::ptrdiff_t send(const std::uint8_t* bytes, std::size_t length) const;
 
   /// Whether a `receive` that brought less than it was offered space for has left nothing behind.
-  bool shortReceiveEmpties() const { return kind_ == Kind::socket; }
+  bool shortReceiveEmpties() const { return kind_ == Kind::Socket; }
 
   /// Waits until one of the poll `events`, an error or a hang-up is there; signals do not shorten
   /// the wait. Returns the events, 0 at the deadline. A deadline that has passed asks without

@@ -19,10 +19,10 @@ class PlainRunLoop final : public NSRunLoop {
 
 // A routine on its way. It lives on the stack of the thread that waits for it.
 struct ThreadRunLoop::Carried {
-  enum class State { waiting, ran, refused };
+  enum class State { Waiting, Ran, Refused };
 
   const std::function<void()>& routine;
-  State state = State::waiting;
+  State state = State::Waiting;
   std::exception_ptr error = nullptr;
 };
 
@@ -61,7 +61,7 @@ void ThreadRunLoop::refuse() {
   const std::lock_guard lock(mutex_);
   open_ = false;
   for (Carried* carried : waiting_) {
-    carried->state = Carried::State::refused;
+    carried->state = Carried::State::Refused;
   }
   waiting_.clear();
   settled_.notify_all();
@@ -79,11 +79,11 @@ bool ThreadRunLoop::performAndWait(const std::function<void()>& routine) {
   }
   waiting_.push_back(&carried);
   arrived_.notify_one();
-  settled_.wait(lock, [&] { return carried.state != Carried::State::waiting; });
+  settled_.wait(lock, [&] { return carried.state != Carried::State::Waiting; });
   if (carried.error) {
     std::rethrow_exception(carried.error);
   }
-  return carried.state == Carried::State::ran;
+  return carried.state == Carried::State::Ran;
 }
 
 void ThreadRunLoop::attach() {
@@ -107,7 +107,7 @@ void ThreadRunLoop::runCarried(std::unique_lock<std::mutex>& lock) {
       carried.error = std::current_exception();
     }
     lock.lock();
-    carried.state = Carried::State::ran;
+    carried.state = Carried::State::Ran;
     settled_.notify_all();
   }
 }

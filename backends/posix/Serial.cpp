@@ -66,7 +66,7 @@ Descriptor openSerial(const std::string& path, unsigned baud) {
   if (number < 0) {
     throw std::system_error(errno, std::generic_category(), path);
   }
-  Descriptor line(number, Descriptor::Kind::terminal);
+  Descriptor line(number, Descriptor::Kind::Terminal);
   setRaw(number, speed, path);
   return line;
 }

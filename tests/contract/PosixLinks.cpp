@@ -46,7 +46,7 @@ class SocketPairMaker : public PosixLinkMaker {
     int ends[2];
     EXPECT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends), 0);
     other_ = ends[1];
-    return {ends[0], Descriptor::Kind::socket};
+    return {ends[0], Descriptor::Kind::Socket};
   }
 
  private:

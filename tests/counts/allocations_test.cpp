@@ -53,8 +53,8 @@ TEST(Allocations, ALogStatementOfALevelThatIsNotWantedTakesNothing) {
 
 // Every buffer that a job takes is filled once: what it takes is what it copies.
 TEST(Allocations, AJobCopiesItsBytesAtMostTwice) {
-  for (const bench::Medium medium : {bench::Medium::tcp, bench::Medium::local}) {
-    bench::Peer peer(bench::Core::second);
+  for (const bench::Medium medium : {bench::Medium::Tcp, bench::Medium::Local}) {
+    bench::Peer peer(bench::Core::Second);
     const auto endpoint = bench::makeEndpoint(medium);
     bench::OpenPort port(endpoint->device(), ZKEmulationESCPOS);
     peer.drain(endpoint->accept(), [](std::size_t) {});

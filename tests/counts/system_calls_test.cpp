@@ -32,7 +32,7 @@ using bench::Medium;
 /// A port over a medium whose printer answers at once.
 struct AnsweredPort {
   AnsweredPort(Medium medium, ZKEmulation emulation)
-      : peer(bench::Core::first),
+      : peer(bench::Core::First),
         endpoint(bench::makeEndpoint(medium)),
         port(endpoint->device(), emulation) {
     peer.answer(endpoint->accept());
@@ -83,7 +83,7 @@ std::optional<SystemCalls> callsOfAStatus(AnsweredPort& answered) {
   }
 
 TEST(SystemCalls, AreCountedOneByOne) {
-  const auto endpoint = bench::makeEndpoint(Medium::local);
+  const auto endpoint = bench::makeEndpoint(Medium::Local);
   bench::BareLink link(endpoint->connect());
   const auto calls = systemCallsOf([&] {
     link.write(bench::dataCancelEnd);
@@ -94,7 +94,7 @@ TEST(SystemCalls, AreCountedOneByOne) {
 }
 
 TEST(SystemCalls, ALineModeStatusOverASocketWritesOnceAndReceivesAtMostTwice) {
-  for (const Medium medium : {Medium::tcp, Medium::local}) {
+  for (const Medium medium : {Medium::Tcp, Medium::Local}) {
     AnsweredPort answered(medium, ZKEmulationQuorLine);
     const auto calls = callsOfAStatus(answered);
     ASSERT_TRACED(calls);
@@ -106,7 +106,7 @@ TEST(SystemCalls, ALineModeStatusOverASocketWritesOnceAndReceivesAtMostTwice) {
 }
 
 TEST(SystemCalls, ALineModeStatusOverASerialLineWritesOnceAndWaitsAtMostOnce) {
-  AnsweredPort answered(Medium::terminal, ZKEmulationQuorLine);
+  AnsweredPort answered(Medium::Terminal, ZKEmulationQuorLine);
   const auto calls = callsOfAStatus(answered);
   ASSERT_TRACED(calls);
   EXPECT_EQ(countOf(*calls, SYS_write), 1U);
@@ -115,7 +115,7 @@ TEST(SystemCalls, ALineModeStatusOverASerialLineWritesOnceAndWaitsAtMostOnce) {
 }
 
 TEST(SystemCalls, AnEscposStatusWritesEachCommandAtOnce) {
-  AnsweredPort answered(Medium::tcp, ZKEmulationESCPOS);
+  AnsweredPort answered(Medium::Tcp, ZKEmulationESCPOS);
   const auto calls = callsOfAStatus(answered);
   ASSERT_TRACED(calls);
   EXPECT_EQ(countOf(*calls, SYS_sendto), 4U);
@@ -132,7 +132,7 @@ void awaitArrival(int socket) {
 
 TEST(SystemCalls, BytesThatAreThereAreReadWithoutAWaitAndManyAtATime) {
   constexpr std::size_t size = 16384;
-  const auto endpoint = bench::makeEndpoint(Medium::tcp);
+  const auto endpoint = bench::makeEndpoint(Medium::Tcp);
   bench::OpenPort port(endpoint->device(), ZKEmulationQuorLine);
   const int printer = endpoint->accept();
   ASSERT_TRUE(bench::sendAll(printer, std::vector<std::uint8_t>(size, '*')));

@@ -11,7 +11,7 @@ namespace {
 // One at a time for the whole process: what is carried to another thread runs short there, too.
 struct Plan {
   std::atomic<bool> armed = false;
-  std::atomic<Allocation> which = Allocation::any;
+  std::atomic<Allocation> which = Allocation::Any;
   std::atomic<std::uint64_t> k = 0;
   std::atomic<bool> fromThereOn = false;
   std::atomic<std::uint64_t> count = 0;
@@ -22,7 +22,7 @@ thread_local bool isCovered = false;
 
 bool fails(OnShortage onShortage) {
   if (!isCovered || !plan.armed ||
-      (plan.which == Allocation::answeringNull && onShortage == OnShortage::raises)) {
+      (plan.which == Allocation::AnsweringNull && onShortage == OnShortage::Raises)) {
     return false;
   }
   const std::uint64_t count = ++plan.count;

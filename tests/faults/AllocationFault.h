@@ -5,7 +5,7 @@
 namespace quordalvane::test {
 
 /// Which allocations a fault befalls: all, or those alone that answer null instead of raising.
-enum class Allocation { any, answeringNull };
+enum class Allocation { Any, AnsweringNull };
 
 /// While it lives, the k-th allocation of the threads that are covered fails, alone or with all
 /// that follow. There is one at a time.

@@ -20,7 +20,7 @@ namespace {
 constexpr const char* noMemory = "std::bad_alloc";
 
 /// Where the operation is called.
-enum class On { anotherThread, mainThread };
+enum class On { AnotherThread, MainThread };
 
 struct Circumstances {
   std::int32_t emulation;
@@ -52,7 +52,7 @@ class AnsweredPort {
   explicit AnsweredPort(const Circumstances& given)
       : world_(answeringPrinter(), {shopPrinter()},
                given.layer ? given.layer : portThreadIsCovered) {
-    world_.machine().setMainThread(given.thread == On::mainThread);
+    world_.machine().setMainThread(given.thread == On::MainThread);
     port_ = ExternalAccessoryPort::initWithPortName(
         "BT:", "d9", 1000, static_cast<ZKEmulation>(given.emulation), world_.platform());
     EXPECT_TRUE(port_->open());
@@ -112,7 +112,7 @@ class AllocationSweep : public testing::TestWithParam<std::tuple<std::int32_t, b
       return result.find("std::") == std::string::npos;
     }
     return call.name != "open" && call.name != "close" &&
-           std::get<2>(GetParam()) == Allocation::any;
+           std::get<2>(GetParam()) == Allocation::Any;
   }
 
   static bool runOnce(const Call& call, On thread, std::uint64_t k, bool fromThereOn) {
@@ -126,7 +126,7 @@ class AllocationSweep : public testing::TestWithParam<std::tuple<std::int32_t, b
       result = answered.result(call, which, k, fromThereOn, struck);
     }
     EXPECT_TRUE(isDocumented(call, result)) << result;
-    if (struck && which == Allocation::answeringNull && call.name.starts_with("write")) {
+    if (struck && which == Allocation::AnsweringNull && call.name.starts_with("write")) {
       EXPECT_EQ(result, "-1") << "without memory for its scratch";
     }
     EXPECT_NO_THROW(answered.port().close());
@@ -140,8 +140,8 @@ class AllocationSweep : public testing::TestWithParam<std::tuple<std::int32_t, b
     const auto& [emulation, logs, which] = GetParam();
     const std::string name = std::string("allocation ") + emulationName(emulation) +
                              (logs ? " logged " : " silent ") +
-                             (which == Allocation::any ? "any " : "scratch ") +
-                             (thread == On::mainThread ? "main " : "other ") + call.name +
+                             (which == Allocation::Any ? "any " : "scratch ") +
+                             (thread == On::MainThread ? "main " : "other ") + call.name +
                              (fromThereOn ? " from" : " at");
     return sweepAll(name, [&](std::uint64_t k) { return runOnce(call, thread, k, fromThereOn); });
   }
@@ -157,7 +157,7 @@ TEST(NewPortWithoutMemory, LeavesNoThreadBehind) {
     const auto platform = std::make_shared<CountedThreads>(world.platform());
     std::shared_ptr<ExternalAccessoryPort> port;
     try {
-      const AllocationFault fault(Allocation::any, k, false);
+      const AllocationFault fault(Allocation::Any, k, false);
       port = ExternalAccessoryPort::initWithPortName("BT:00:11:22:33:44:55",
                                                      "a text that is too long for its object, d9",
                                                      1000, ZKEmulationQuorLine, platform);
@@ -183,13 +183,13 @@ class NoMemoryAtAll : public testing::TestWithParam<bool> {
   /// Whether the platform's k-th call was made.
   static bool runOnce(const Call& call, std::uint64_t k) {
     const auto plan = std::make_shared<FaultPlan>(anotherException(), k, GetParam());
-    AnsweredPort answered({lineMode, true, On::anotherThread, [plan](auto next) {
+    AnsweredPort answered({lineMode, true, On::AnotherThread, [plan](auto next) {
                              return std::make_shared<FaultyPlatform>(std::move(next), plan);
                            }});
     const Logging logging(true);
     plan->arm();
     bool struck = false;
-    const std::string result = answered.result(call, Allocation::any, 1, true, struck);
+    const std::string result = answered.result(call, Allocation::Any, 1, true, struck);
     plan->disarm();
     EXPECT_NE(result, noMemory);
     answered.port().close();
@@ -212,9 +212,9 @@ TEST_P(AllocationSweep, EndsEveryOperationInADocumentedWay) {
   std::uint64_t strikes = 0;
   for (const Call& call : allCalls()) {
     for (const bool fromThereOn : {false, true}) {
-      strikes += sweep(call, On::anotherThread, fromThereOn);
+      strikes += sweep(call, On::AnotherThread, fromThereOn);
       if (call.name == "open" || call.name == "close") {
-        strikes += sweep(call, On::mainThread, fromThereOn);
+        strikes += sweep(call, On::MainThread, fromThereOn);
       }
       if (HasFailure()) {
         return;
@@ -228,7 +228,7 @@ TEST_P(AllocationSweep, EndsEveryOperationInADocumentedWay) {
 INSTANTIATE_TEST_SUITE_P(
     EmulationLoggingAndKind, AllocationSweep,
     testing::Combine(testing::Values(unknownEmulation, lineMode, escPos), testing::Bool(),
-                     testing::Values(Allocation::any, Allocation::answeringNull)));
+                     testing::Values(Allocation::Any, Allocation::AnsweringNull)));
 
 }  // namespace
 }  // namespace quordalvane::test

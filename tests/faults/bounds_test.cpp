@@ -17,7 +17,7 @@ std::ptrdiff_t movesAfterTheLoss(const Outcome& outcome) {
     return line.text == "accessory.isConnected 0";
   });
   return std::count_if(seen, outcome.lines.end(),
-                       [](const Line& line) { return line.about == About::bytes; });
+                       [](const Line& line) { return line.about == About::Data; });
 }
 
 /// The call goes on until the link is lost, and not a pass longer.

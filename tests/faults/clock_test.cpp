@@ -41,11 +41,11 @@ double secondsBetween(const Outcome& outcome, std::size_t first, std::size_t las
 
 /// What the printer does while the clock is stepped. Waits that end by their limit alone are those
 /// of a silent one.
-enum class Printer { answers, isSilent, takesNothing };
+enum class Printer { Answers, IsSilent, TakesNothing };
 
 const char* nameOf(Printer printer) {
-  return printer == Printer::answers    ? "answering"
-         : printer == Printer::isSilent ? "silent"
+  return printer == Printer::Answers    ? "answering"
+         : printer == Printer::IsSilent ? "silent"
                                         : "full";
 }
 
@@ -57,9 +57,9 @@ class ClockSweep : public testing::TestWithParam<std::tuple<std::int32_t, Printe
     scenario.creation.portSettings = "d9";
     scenario.holdMillis = 2000;
     scenario.logging = false;
-    if (printer == Printer::answers) {
+    if (printer == Printer::Answers) {
       scenario.script = answeringPrinter();
-    } else if (printer == Printer::takesNothing) {
+    } else if (printer == Printer::TakesNothing) {
       scenario.script.hasNoSpace();
     }
     return scenario;
@@ -163,8 +163,8 @@ TEST_P(ClockSweep, NeverEndsAWaitEarlyNorDelaysItBeyondTheStep) {
 
 INSTANTIATE_TEST_SUITE_P(EmulationAndPrinter, ClockSweep,
                          testing::Combine(testing::Values(unknownEmulation, lineMode, escPos),
-                                          testing::Values(Printer::answers, Printer::isSilent,
-                                                          Printer::takesNothing)));
+                                          testing::Values(Printer::Answers, Printer::IsSilent,
+                                                          Printer::TakesNothing)));
 
 /// A step back by an hour is waited for to its end, once for each kind of wait.
 TEST(ClockStep, DelaysEachWaitByTheStepAndNoMore) {

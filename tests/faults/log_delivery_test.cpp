@@ -44,7 +44,7 @@ class SpoilingSink : public LogSink {
       entered_ = true;
       entered_.notify_all();
       released_.wait(false);
-      fault_.emplace(Allocation::any, k_, fromThereOn_);
+      fault_.emplace(Allocation::Any, k_, fromThereOn_);
     }
   }
 

@@ -15,10 +15,10 @@
 namespace quordalvane::test {
 namespace {
 
-enum class Step { creation, open, close };
+enum class Step { Creation, Open, Close };
 
 const char* nameOf(Step step) {
-  return step == Step::creation ? "creation" : step == Step::open ? "open" : "close";
+  return step == Step::Creation ? "creation" : step == Step::Open ? "open" : "close";
 }
 
 /// The life of one port, with a fault in one of its steps.
@@ -34,10 +34,10 @@ class Life {
 
   /// What came of the step.
   std::string run(Step faulty) {
-    std::string result = take(Step::creation, faulty);
-    if (faulty != Step::creation) {
-      const std::string opened = take(Step::open, faulty);
-      result = faulty == Step::open ? opened : take(Step::close, faulty);
+    std::string result = take(Step::Creation, faulty);
+    if (faulty != Step::Creation) {
+      const std::string opened = take(Step::Open, faulty);
+      result = faulty == Step::Open ? opened : take(Step::Close, faulty);
     }
     return result;
   }
@@ -63,11 +63,11 @@ class Life {
       plan_->arm();
     }
     std::string result = resultOf([&]() -> std::string {
-      if (step == Step::creation) {
+      if (step == Step::Creation) {
         create();
         return port_ == nullptr ? "none" : "a port";
       }
-      if (step == Step::open) {
+      if (step == Step::Open) {
         return shownResult(port_->open());
       }
       port_->close();
@@ -96,10 +96,10 @@ class Life {
 };
 
 bool isDocumented(Step step, const Fault& fault, const std::string& result) {
-  if (step == Step::close) {
+  if (step == Step::Close) {
     return result == "closed";
   }
-  if (step == Step::open) {
+  if (step == Step::Open) {
     return result == "true" || result == "false";
   }
   const bool noThread = fault.name() == "no-thread" || fault.name() == "thread-does-not-start";
@@ -141,7 +141,7 @@ TEST_P(MainThreadSweep, EndsCreationOpenAndCloseInADocumentedWay) {
   std::vector<MakeFault> faults = allFaults();
   faults.insert(faults.end(), threadFaults().begin(), threadFaults().end());
   for (const MakeFault& makeFault : faults) {
-    for (const Step step : {Step::creation, Step::open, Step::close}) {
+    for (const Step step : {Step::Creation, Step::Open, Step::Close}) {
       strikes += sweep(step, makeFault, false);
       strikes += makeFault()->mayLast() ? sweep(step, makeFault, true) : 0;
       if (HasFailure()) {

@@ -154,11 +154,11 @@ class Watch {
     const std::string& text = line.text;
     if (stretch_ == repeat) {
       return text.starts_with("input.") || text.starts_with("select ") ||
-             (line.about == About::wait && text != "usleep 50000" &&
+             (line.about == About::Wait && text != "usleep 50000" &&
               !text.starts_with("slice for output "));
     }
     if (stretch_ == readyForNothing) {
-      return line.about == About::wait;
+      return line.about == About::Wait;
     }
     return text.starts_with("input.read ") ||
            text == (stretch_ == invalidStatus ? "usleep 200000" : "ignoreSigPipe");
@@ -235,7 +235,7 @@ Exemption exemptionOf(const Outcome& outcome, const Call& call) {
   Exemption exemption;
   std::optional<double> exemptSince;
   for (const Line& line : outcome.lines) {
-    if (line.about == About::log) {
+    if (line.about == About::Log) {
       continue;
     }
     exemption.seconds += exemptSince ? line.at - *exemptSince : 0;

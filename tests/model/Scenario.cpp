@@ -60,7 +60,7 @@ Outcome runOn(Port& port, const Scenario& scenario, ScriptedWorld& world, Side s
   }
   Outcome run;
   run.opened = scenario.isOpen && port.open();
-  EXPECT_TRUE(run.opened || !scenario.isOpen || scenario.opens == Scenario::Opens::perhaps);
+  EXPECT_TRUE(run.opened || !scenario.isOpen || scenario.opens == Scenario::Opens::Perhaps);
   world.trace().name(&run.caller.status, "<status>");
   world.trace().name(&run.caller.onlineStatus, "<online>");
   run.caller.trace = &world.trace();

@@ -26,10 +26,10 @@ struct Outcome {
   double seconds = 0;  // of virtual time
 
   /// The bytes that passed and the waits, repetitions folded.
-  std::string wire() const { return view(lines, {About::bytes, About::wait}); }
+  std::string wire() const { return view(lines, {About::Data, About::Wait}); }
 
   /// Also the calls that begin and end things.
-  std::string calls() const { return view(lines, {About::bytes, About::wait, About::lifecycle}); }
+  std::string calls() const { return view(lines, {About::Data, About::Wait, About::Lifecycle}); }
 
   /// The records of one method.
   std::string records(const std::string& method) const { return recordsOf(lines, method); }
@@ -56,7 +56,7 @@ struct Scenario {
   std::optional<std::int64_t> dataTimeoutSeconds{};
   std::optional<std::string> systemVersion{};
   bool isOpen = true;
-  enum class Opens { surely, perhaps } opens = Opens::surely;  // where it is to be open
+  enum class Opens { Surely, Perhaps } opens = Opens::Surely;  // where it is to be open
   bool logging = true;
   std::set<std::int32_t> levels = {0};
 

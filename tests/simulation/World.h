@@ -17,7 +17,7 @@ class Witness : public test::Fault {
  public:
   explicit Witness(const ByteBuffer& data) : Fault("none"), data_(data) {}
 
-  bool befalls(test::PlatformCall call) const override { return call == test::PlatformCall::write; }
+  bool befalls(test::PlatformCall call) const override { return call == test::PlatformCall::Write; }
   std::int64_t write(NSOutputStream& next, const std::uint8_t* buffer, std::size_t count) override;
 
   /// How many bytes of the job the link has taken; not known of a job that makes signs.

@@ -13,7 +13,7 @@ class FixedCount : public Fault {
   FixedCount(std::string name, std::int64_t count) : Fault(std::move(name)), count_(count) {}
 
   bool befalls(PlatformCall call) const override {
-    return call == PlatformCall::write || call == PlatformCall::read;
+    return call == PlatformCall::Write || call == PlatformCall::Read;
   }
   std::int64_t write(NSOutputStream&, const std::uint8_t*, std::size_t) override { return count_; }
   std::int64_t read(NSInputStream&, std::uint8_t*, std::size_t) override { return count_; }
@@ -59,14 +59,14 @@ class MoreThanOffered : public FixedCount {
 class NoSpace : public Fault {
  public:
   NoSpace() : Fault("no-space") {}
-  bool befalls(PlatformCall call) const override { return call == PlatformCall::space; }
+  bool befalls(PlatformCall call) const override { return call == PlatformCall::Space; }
   bool hasSpace(NSOutputStream&) override { return false; }
 };
 
 class NoBytes : public Fault {
  public:
   NoBytes() : Fault("no-bytes") {}
-  bool befalls(PlatformCall call) const override { return call == PlatformCall::bytes; }
+  bool befalls(PlatformCall call) const override { return call == PlatformCall::HasBytes; }
   bool hasBytes(NSInputStream&) override { return false; }
 };
 
@@ -74,14 +74,14 @@ class NoBytes : public Fault {
 class BytesThatAreNotThere : public Fault {
  public:
   BytesThatAreNotThere() : Fault("bytes-that-are-not-there") {}
-  bool befalls(PlatformCall call) const override { return call == PlatformCall::bytes; }
+  bool befalls(PlatformCall call) const override { return call == PlatformCall::HasBytes; }
   bool hasBytes(NSInputStream&) override { return true; }
 };
 
 class NoSession : public Fault {
  public:
   NoSession() : Fault("no-session") {}
-  bool befalls(PlatformCall call) const override { return call == PlatformCall::session; }
+  bool befalls(PlatformCall call) const override { return call == PlatformCall::Session; }
   std::shared_ptr<EASession> openSession(EAAccessory&, const std::string&) override {
     return nullptr;
   }
@@ -90,7 +90,7 @@ class NoSession : public Fault {
 class Disconnected : public Fault {
  public:
   Disconnected() : Fault("disconnect") {}
-  bool befalls(PlatformCall call) const override { return call == PlatformCall::connected; }
+  bool befalls(PlatformCall call) const override { return call == PlatformCall::Connected; }
   bool isConnected(EAAccessory&) override { return false; }
 };
 
@@ -98,7 +98,7 @@ class Disconnected : public Fault {
 class Reconnecting : public Fault {
  public:
   Reconnecting() : Fault("reconnect") {}
-  bool befalls(PlatformCall call) const override { return call == PlatformCall::connected; }
+  bool befalls(PlatformCall call) const override { return call == PlatformCall::Connected; }
   bool isConnected(EAAccessory&) override { return asked_++ % 2 != 0; }
 
  private:
@@ -122,7 +122,7 @@ class RaisesAnother : public Fault {
 class ClockJumps : public Fault {
  public:
   ClockJumps(std::string name, std::int64_t seconds) : Fault(std::move(name)), seconds_(seconds) {}
-  bool befalls(PlatformCall call) const override { return call == PlatformCall::clock; }
+  bool befalls(PlatformCall call) const override { return call == PlatformCall::Clock; }
   std::int64_t clockStep() const override { return seconds_; }
   bool mayLast() const override { return seconds_ > 0; }
 
@@ -133,7 +133,7 @@ class ClockJumps : public Fault {
 class NoThread : public Fault {
  public:
   NoThread() : Fault("no-thread") {}
-  bool befalls(PlatformCall call) const override { return call == PlatformCall::makeThread; }
+  bool befalls(PlatformCall call) const override { return call == PlatformCall::MakeThread; }
   std::shared_ptr<NSThread> makeThread(Platform&, std::function<void()>) override {
     return nullptr;
   }
@@ -142,14 +142,14 @@ class NoThread : public Fault {
 class ThreadDoesNotStart : public Fault {
  public:
   ThreadDoesNotStart() : Fault("thread-does-not-start") {}
-  bool befalls(PlatformCall call) const override { return call == PlatformCall::startThread; }
+  bool befalls(PlatformCall call) const override { return call == PlatformCall::StartThread; }
   bool start(NSThread&) override { return false; }
 };
 
 class ThreadTakesNothing : public Fault {
  public:
   ThreadTakesNothing() : Fault("thread-takes-nothing") {}
-  bool befalls(PlatformCall call) const override { return call == PlatformCall::carry; }
+  bool befalls(PlatformCall call) const override { return call == PlatformCall::Carry; }
   bool performAndWait(NSThread&, std::function<void()>) override { return false; }
 };
 

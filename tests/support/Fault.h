@@ -12,17 +12,17 @@ namespace quordalvane::test {
 
 /// The calls to a platform in which something can go wrong.
 enum class PlatformCall {
-  space,
-  write,
-  bytes,
-  read,
-  connected,
-  session,
-  clock,
-  makeThread,
-  startThread,
-  carry,
-  other
+  Space,
+  Write,
+  HasBytes,
+  Read,
+  Connected,
+  Session,
+  Clock,
+  MakeThread,
+  StartThread,
+  Carry,
+  Other
 };
 
 /// One way in which a platform can fail. Each names the calls that it befalls and overrides what

@@ -30,23 +30,23 @@ class FaultyStream : public Stream {
   FaultyStream(Next next, Plan plan) : Stream(std::move(next)), plan_(std::move(plan)) {}
 
   void setDelegate(std::weak_ptr<const void> delegate) override {
-    strike(PlatformCall::other);
+    strike(PlatformCall::Other);
     Stream::setDelegate(std::move(delegate));
   }
   void scheduleInRunLoop(NSRunLoop& runLoop, std::string_view mode) override {
-    strike(PlatformCall::other);
+    strike(PlatformCall::Other);
     Stream::scheduleInRunLoop(runLoop, mode);
   }
   void removeFromRunLoop(NSRunLoop& runLoop, std::string_view mode) override {
-    strike(PlatformCall::other);
+    strike(PlatformCall::Other);
     Stream::removeFromRunLoop(runLoop, mode);
   }
   void open() override {
-    strike(PlatformCall::other);
+    strike(PlatformCall::Other);
     Stream::open();
   }
   void close() override {
-    strike(PlatformCall::other);
+    strike(PlatformCall::Other);
     Stream::close();
   }
 
@@ -62,15 +62,15 @@ class FaultyInput : public FaultyStream<ForwardingInputStream> {
   using FaultyStream::FaultyStream;
 
   bool hasBytesAvailable() override {
-    Fault* const fault = strike(PlatformCall::bytes);
+    Fault* const fault = strike(PlatformCall::HasBytes);
     return fault ? fault->hasBytes(next()) : next().hasBytesAvailable();
   }
   bool expectsBytes() override {
-    strike(PlatformCall::other);
+    strike(PlatformCall::Other);
     return next().expectsBytes();
   }
   std::int64_t read(std::uint8_t* buffer, std::size_t count) override {
-    Fault* const fault = strike(PlatformCall::read);
+    Fault* const fault = strike(PlatformCall::Read);
     return fault ? fault->read(next(), buffer, count) : next().read(buffer, count);
   }
 };
@@ -80,11 +80,11 @@ class FaultyOutput : public FaultyStream<ForwardingOutputStream> {
   using FaultyStream::FaultyStream;
 
   bool hasSpaceAvailable() override {
-    Fault* const fault = strike(PlatformCall::space);
+    Fault* const fault = strike(PlatformCall::Space);
     return fault ? fault->hasSpace(next()) : next().hasSpaceAvailable();
   }
   std::int64_t write(const std::uint8_t* buffer, std::size_t count) override {
-    Fault* const fault = strike(PlatformCall::write);
+    Fault* const fault = strike(PlatformCall::Write);
     return fault ? fault->write(next(), buffer, count) : next().write(buffer, count);
   }
 };
@@ -98,11 +98,11 @@ class FaultySession : public EASession {
         plan_(plan) {}
 
   std::shared_ptr<NSInputStream> inputStream() override {
-    plan_->strike(PlatformCall::other);
+    plan_->strike(PlatformCall::Other);
     return input_;
   }
   std::shared_ptr<NSOutputStream> outputStream() override {
-    plan_->strike(PlatformCall::other);
+    plan_->strike(PlatformCall::Other);
     return output_;
   }
   void abandon() override { next_->abandon(); }
@@ -130,11 +130,11 @@ class FaultyAccessory : public ForwardingAccessory {
   std::string description() override { return asked(&EAAccessory::description); }
   void noticeLoss() override { asked(&EAAccessory::noticeLoss); }
   bool isConnected() override {
-    Fault* const fault = plan_->strike(PlatformCall::connected);
+    Fault* const fault = plan_->strike(PlatformCall::Connected);
     return fault ? fault->isConnected(*next_) : next_->isConnected();
   }
   std::shared_ptr<EASession> openSession(const std::string& protocol) override {
-    Fault* const fault = plan_->strike(PlatformCall::session);
+    Fault* const fault = plan_->strike(PlatformCall::Session);
     const auto session =
         fault ? fault->openSession(*next_, protocol) : next_->openSession(protocol);
     return session ? std::make_shared<FaultySession>(session, plan_) : nullptr;
@@ -143,7 +143,7 @@ class FaultyAccessory : public ForwardingAccessory {
  private:
   template <typename Answer>
   Answer asked(Answer (EAAccessory::*question)()) {
-    plan_->strike(PlatformCall::other);
+    plan_->strike(PlatformCall::Other);
     return ((*next_).*question)();
   }
 
@@ -157,7 +157,7 @@ class FaultyManager : public ForwardingAccessoryManager {
       : ForwardingAccessoryManager(next), plan_(std::move(plan)) {}
 
   std::vector<std::shared_ptr<EAAccessory>> connectedAccessories() override {
-    plan_->strike(PlatformCall::other);
+    plan_->strike(PlatformCall::Other);
     auto accessories = ForwardingAccessoryManager::connectedAccessories();
     for (auto& accessory : accessories) {
       accessory = std::make_shared<FaultyAccessory>(std::move(accessory), plan_);
@@ -165,11 +165,11 @@ class FaultyManager : public ForwardingAccessoryManager {
     return accessories;
   }
   bool readsAddresses() override {
-    plan_->strike(PlatformCall::other);
+    plan_->strike(PlatformCall::Other);
     return ForwardingAccessoryManager::readsAddresses();
   }
   std::string addressOf(EAAccessory& accessory) override {
-    plan_->strike(PlatformCall::other);
+    plan_->strike(PlatformCall::Other);
     return ForwardingAccessoryManager::addressOf(accessory);
   }
 
@@ -181,7 +181,7 @@ class FaultyDevice : public ForwardingDevice {
  public:
   FaultyDevice(UIDevice& next, Plan plan) : ForwardingDevice(next), plan_(std::move(plan)) {}
   std::string systemVersion() override {
-    plan_->strike(PlatformCall::other);
+    plan_->strike(PlatformCall::Other);
     return ForwardingDevice::systemVersion();
   }
 
@@ -193,21 +193,21 @@ class FaultyClock : public ForwardingClock {
  public:
   FaultyClock(Clock& next, Plan plan) : ForwardingClock(next), plan_(std::move(plan)) {}
   TimeValue gettimeofday() override {
-    plan_->strike(PlatformCall::clock);
+    plan_->strike(PlatformCall::Clock);
     TimeValue now = ForwardingClock::gettimeofday();
     now.tv_sec += plan_->clockStep();
     return now;
   }
   std::chrono::nanoseconds monotonic() override {
-    plan_->strike(PlatformCall::other);
+    plan_->strike(PlatformCall::Other);
     return ForwardingClock::monotonic();
   }
   void usleep(std::uint64_t microseconds) override {
-    plan_->strike(PlatformCall::other);
+    plan_->strike(PlatformCall::Other);
     ForwardingClock::usleep(microseconds);
   }
   void select(std::int32_t microseconds) override {
-    plan_->strike(PlatformCall::other);
+    plan_->strike(PlatformCall::Other);
     ForwardingClock::select(microseconds);
   }
 
@@ -219,11 +219,11 @@ class FaultyRunLoop : public ForwardingRunLoop {
  public:
   FaultyRunLoop(NSRunLoop& next, Plan plan) : ForwardingRunLoop(next), plan_(std::move(plan)) {}
   void runUntilDate(double seconds) override {
-    plan_->strike(PlatformCall::other);
+    plan_->strike(PlatformCall::Other);
     ForwardingRunLoop::runUntilDate(seconds);
   }
   void runUntilDate(double seconds, NSStream& awaited) override {
-    plan_->strike(PlatformCall::other);
+    plan_->strike(PlatformCall::Other);
     ForwardingRunLoop::runUntilDate(seconds, awaited);
   }
 
@@ -237,15 +237,15 @@ class FaultyThread : public ForwardingThread {
       : ForwardingThread(next), next_(std::move(next)), plan_(std::move(plan)) {}
 
   bool start() override {
-    Fault* const fault = plan_->strike(PlatformCall::startThread);
+    Fault* const fault = plan_->strike(PlatformCall::StartThread);
     return fault ? fault->start(*next_) : next_->start();
   }
   void cancel() override {
-    plan_->strike(PlatformCall::other);
+    plan_->strike(PlatformCall::Other);
     next_->cancel();
   }
   bool performAndWait(std::function<void()> routine) override {
-    Fault* const fault = plan_->strike(PlatformCall::carry);
+    Fault* const fault = plan_->strike(PlatformCall::Carry);
     return fault ? fault->performAndWait(*next_, std::move(routine))
                  : next_->performAndWait(std::move(routine));
   }
@@ -300,12 +300,12 @@ Clock& FaultyPlatform::clock() {
 }
 
 NSRunLoop& FaultyPlatform::currentRunLoop() {
-  parts_->plan->strike(PlatformCall::other);
+  parts_->plan->strike(PlatformCall::Other);
   return parts_->runLoop(ForwardingPlatform::currentRunLoop());
 }
 
 std::shared_ptr<NSThread> FaultyPlatform::makeThread(std::function<void()> body) {
-  Fault* const fault = parts_->plan->strike(PlatformCall::makeThread);
+  Fault* const fault = parts_->plan->strike(PlatformCall::MakeThread);
   Platform& below = parts_->below;
   auto thread =
       fault ? fault->makeThread(below, std::move(body)) : below.makeThread(std::move(body));
@@ -313,12 +313,12 @@ std::shared_ptr<NSThread> FaultyPlatform::makeThread(std::function<void()> body)
 }
 
 bool FaultyPlatform::isMainThread() {
-  parts_->plan->strike(PlatformCall::other);
+  parts_->plan->strike(PlatformCall::Other);
   return ForwardingPlatform::isMainThread();
 }
 
 void FaultyPlatform::ignoreSigPipe() {
-  parts_->plan->strike(PlatformCall::other);
+  parts_->plan->strike(PlatformCall::Other);
   ForwardingPlatform::ignoreSigPipe();
 }
 

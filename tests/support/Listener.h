@@ -50,7 +50,7 @@ class Listener {
  private:
   template <typename Address>
   Listener(const Address& address, int family, int backlog)
-      : socket_(::socket(family, SOCK_STREAM | SOCK_CLOEXEC, 0), posix::Descriptor::Kind::socket) {
+      : socket_(::socket(family, SOCK_STREAM | SOCK_CLOEXEC, 0), posix::Descriptor::Kind::Socket) {
     const auto* const generic = reinterpret_cast<const sockaddr*>(&address);
     EXPECT_EQ(::bind(number(), generic, sizeof address), 0);
     EXPECT_EQ(::listen(number(), backlog), 0);

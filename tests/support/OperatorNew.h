@@ -9,7 +9,7 @@
 
 namespace quordalvane::test {
 
-enum class OnShortage { raises, answersNull };
+enum class OnShortage { Raises, AnswersNull };
 
 /// The memory, from std::malloc, or null when there is none.
 void* take(std::size_t size, OnShortage onShortage) noexcept;
@@ -20,7 +20,7 @@ void* take(std::size_t size, OnShortage onShortage) noexcept;
 // forms of its own, and memory must go back the way it came.
 
 void* operator new(std::size_t size) {
-  void* const memory = quordalvane::test::take(size, quordalvane::test::OnShortage::raises);
+  void* const memory = quordalvane::test::take(size, quordalvane::test::OnShortage::Raises);
   if (memory == nullptr) {
     throw std::bad_alloc();
   }
@@ -32,11 +32,11 @@ void* operator new[](std::size_t size) {
 }
 
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  return quordalvane::test::take(size, quordalvane::test::OnShortage::answersNull);
+  return quordalvane::test::take(size, quordalvane::test::OnShortage::AnswersNull);
 }
 
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-  return quordalvane::test::take(size, quordalvane::test::OnShortage::answersNull);
+  return quordalvane::test::take(size, quordalvane::test::OnShortage::AnswersNull);
 }
 
 void operator delete(void* memory) noexcept {

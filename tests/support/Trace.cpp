@@ -86,7 +86,7 @@ void Trace::log(ZKLogType type, std::int32_t level, const std::string& method,
                 const std::string& message) {
   const std::lock_guard lock(mutex_);
   entries_.push_back({LogCapture::handedOver(),
-                      {About::log, method, shownRecord(type, level, method, withNames(message))}});
+                      {About::Log, method, shownRecord(type, level, method, withNames(message))}});
 }
 
 void Trace::clear() {
@@ -124,7 +124,7 @@ std::string Trace::withNames(std::string_view message) const {
 Line Trace::lineOf(const LogRecord& record) const {
   const std::string method = selectorOf(record.method);
   const std::string message = withNames(record.message);
-  return {About::log, method,
+  return {About::Log, method,
           threadPrefix(record.thread) + shownRecord(record.type, record.level, method, message)};
 }
 
@@ -214,7 +214,7 @@ std::string view(const std::vector<Line>& lines, const std::set<About>& about) {
 std::string recordsOf(const std::vector<Line>& lines, const std::string& method) {
   Texts chosen;
   for (const Line& line : lines) {
-    if (line.about == About::log && line.method == method) {
+    if (line.about == About::Log && line.method == method) {
       std::string shown = line.text;
       chosen.push_back(shown.erase(shown.find(" " + method), method.size() + 1));
     }

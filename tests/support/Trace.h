@@ -16,7 +16,7 @@
 namespace quordalvane::test {
 
 /// What a line of a trace is about.
-enum class About { question, bytes, wait, lifecycle, log };
+enum class About { Question, Data, Wait, Lifecycle, Log };
 
 /// One line of a trace.
 struct Line {

@@ -28,23 +28,23 @@ class TracingStream : public Stream {
 
   void setDelegate(std::weak_ptr<const void> delegate) override {
     const auto receiver = delegate.lock();
-    note(About::lifecycle, ".setDelegate " + trace_.nameOf(receiver.get()));
+    note(About::Lifecycle, ".setDelegate " + trace_.nameOf(receiver.get()));
     Stream::setDelegate(std::move(delegate));
   }
   void scheduleInRunLoop(NSRunLoop& runLoop, std::string_view mode) override {
-    note(About::lifecycle, ".scheduleInRunLoop " + std::string(mode));
+    note(About::Lifecycle, ".scheduleInRunLoop " + std::string(mode));
     Stream::scheduleInRunLoop(runLoop, mode);
   }
   void removeFromRunLoop(NSRunLoop& runLoop, std::string_view mode) override {
-    note(About::lifecycle, ".removeFromRunLoop " + std::string(mode));
+    note(About::Lifecycle, ".removeFromRunLoop " + std::string(mode));
     Stream::removeFromRunLoop(runLoop, mode);
   }
   void open() override {
-    note(About::lifecycle, ".open");
+    note(About::Lifecycle, ".open");
     Stream::open();
   }
   void close() override {
-    note(About::lifecycle, ".close");
+    note(About::Lifecycle, ".close");
     Stream::close();
   }
 
@@ -62,13 +62,13 @@ class TracingInput : public TracingStream<ForwardingInputStream> {
 
   bool hasBytesAvailable() override {
     const bool available = ForwardingInputStream::hasBytesAvailable();
-    note(About::question, ".hasBytesAvailable " + std::to_string(available));
+    note(About::Question, ".hasBytesAvailable " + std::to_string(available));
     return available;
   }
   std::int64_t read(std::uint8_t* buffer, std::size_t maxLength) override {
     const std::int64_t count = ForwardingInputStream::read(buffer, maxLength);
     const bool isSound = count >= 0 && static_cast<std::size_t>(count) <= maxLength;
-    note(About::bytes,
+    note(About::Data,
          ".read " + std::to_string(maxLength) + " -> " +
              (isSound ? shown({buffer, static_cast<std::size_t>(count)}) : std::to_string(count)));
     return count;
@@ -81,12 +81,12 @@ class TracingOutput : public TracingStream<ForwardingOutputStream> {
 
   bool hasSpaceAvailable() override {
     const bool available = ForwardingOutputStream::hasSpaceAvailable();
-    note(About::question, ".hasSpaceAvailable " + std::to_string(available));
+    note(About::Question, ".hasSpaceAvailable " + std::to_string(available));
     return available;
   }
   std::int64_t write(const std::uint8_t* buffer, std::size_t maxLength) override {
     const std::int64_t count = ForwardingOutputStream::write(buffer, maxLength);
-    note(About::bytes, ".write " + shown({buffer, maxLength}) + " -> " + std::to_string(count));
+    note(About::Data, ".write " + shown({buffer, maxLength}) + " -> " + std::to_string(count));
     return count;
   }
 };
@@ -100,7 +100,7 @@ class TracingSession : public EASession {
         trace_(trace) {}
   ~TracingSession() override {
     try {
-      trace_.note(About::lifecycle, "session.release");
+      trace_.note(About::Lifecycle, "session.release");
     } catch (const std::bad_alloc&) {
       // Where a test lets memory run short, the note is lost.
     }
@@ -124,11 +124,11 @@ class TracingAccessory : public ForwardingAccessory {
 
   bool isConnected() override {
     const bool connected = ForwardingAccessory::isConnected();
-    trace_.note(About::question, "accessory.isConnected " + std::to_string(connected));
+    trace_.note(About::Question, "accessory.isConnected " + std::to_string(connected));
     return connected;
   }
   std::shared_ptr<EASession> openSession(const std::string& protocol) override {
-    trace_.note(About::lifecycle, "accessory.openSession " + protocol);
+    trace_.note(About::Lifecycle, "accessory.openSession " + protocol);
     auto session = ForwardingAccessory::openSession(protocol);
     return session ? std::make_shared<TracingSession>(std::move(session), trace_) : nullptr;
   }
@@ -143,17 +143,17 @@ class TracingThread : public ForwardingThread {
       : ForwardingThread(std::move(next)), trace_(trace) {}
 
   bool start() override {
-    trace_.note(About::lifecycle, "thread.start");
+    trace_.note(About::Lifecycle, "thread.start");
     return ForwardingThread::start();
   }
   void cancel() override {
-    trace_.note(About::lifecycle, "thread.cancel");
+    trace_.note(About::Lifecycle, "thread.cancel");
     ForwardingThread::cancel();
   }
   bool performAndWait(std::function<void()> routine) override {
-    trace_.note(About::lifecycle, "thread.performAndWait");
+    trace_.note(About::Lifecycle, "thread.performAndWait");
     const bool ran = ForwardingThread::performAndWait(std::move(routine));
-    trace_.note(About::lifecycle, "thread.performAndWait -> " + std::to_string(ran));
+    trace_.note(About::Lifecycle, "thread.performAndWait -> " + std::to_string(ran));
     return ran;
   }
 
@@ -169,7 +169,7 @@ class TracingPlatform::Manager : public ForwardingAccessoryManager {
       : ForwardingAccessoryManager(next), trace_(trace) {}
 
   std::vector<std::shared_ptr<EAAccessory>> connectedAccessories() override {
-    trace_.note(About::lifecycle, "connectedAccessories");
+    trace_.note(About::Lifecycle, "connectedAccessories");
     auto accessories = ForwardingAccessoryManager::connectedAccessories();
     for (auto& accessory : accessories) {
       accessory = std::make_shared<TracingAccessory>(std::move(accessory), trace_);
@@ -187,7 +187,7 @@ class TracingPlatform::Device : public ForwardingDevice {
 
   std::string systemVersion() override {
     std::string version = ForwardingDevice::systemVersion();
-    trace_.note(About::question, "systemVersion " + version);
+    trace_.note(About::Question, "systemVersion " + version);
     return version;
   }
 
@@ -204,15 +204,15 @@ class TracingPlatform::TracedClock : public ForwardingClock {
     std::ostringstream text;
     text << "gettimeofday " << value.tv_sec << '.' << std::setw(6) << std::setfill('0')
          << value.tv_usec;
-    trace_.note(About::question, text.str());
+    trace_.note(About::Question, text.str());
     return value;
   }
   void usleep(std::uint64_t microseconds) override {
-    trace_.note(About::wait, "usleep " + std::to_string(microseconds));
+    trace_.note(About::Wait, "usleep " + std::to_string(microseconds));
     ForwardingClock::usleep(microseconds);
   }
   void select(std::int32_t microseconds) override {
-    trace_.note(About::wait, "select " + std::to_string(microseconds));
+    trace_.note(About::Wait, "select " + std::to_string(microseconds));
     ForwardingClock::select(microseconds);
   }
 
@@ -225,12 +225,12 @@ class TracingPlatform::RunLoop : public ForwardingRunLoop {
   RunLoop(NSRunLoop& next, Trace& trace) : ForwardingRunLoop(next), trace_(trace) {}
 
   void runUntilDate(double seconds) override {
-    trace_.note(About::wait, "slice " + exact(seconds));
+    trace_.note(About::Wait, "slice " + exact(seconds));
     ForwardingRunLoop::runUntilDate(seconds);
   }
   void runUntilDate(double seconds, NSStream& awaited) override {
     const bool input = dynamic_cast<NSInputStream*>(&awaited) != nullptr;
-    trace_.note(About::wait,
+    trace_.note(About::Wait,
                 std::string("slice ") + (input ? "for input " : "for output ") + exact(seconds));
     ForwardingRunLoop::runUntilDate(seconds, awaited);
   }
@@ -279,7 +279,7 @@ std::shared_ptr<NSThread> TracingPlatform::makeThread(std::function<void()> body
 }
 
 void TracingPlatform::ignoreSigPipe() {
-  trace_.note(About::lifecycle, "ignoreSigPipe");
+  trace_.note(About::Lifecycle, "ignoreSigPipe");
   ForwardingPlatform::ignoreSigPipe();
 }
 

@@ -232,7 +232,7 @@ void drawPortAndAccessories(Dice& dice, Scenario& scenario) {
   for (std::uint64_t count = dice.below(4); count > 0; --count) {
     scenario.accessories.push_back(randomAccessory(dice));
   }
-  scenario.opens = Scenario::Opens::perhaps;
+  scenario.opens = Scenario::Opens::Perhaps;
 }
 
 }  // namespace

@@ -242,7 +242,7 @@ constexpr Command commands[] = {
     {"status", "ask for the printer's status", status, addStatusOptions},
     {"online", "ask whether the printer is ready to print", online},
     {"print", "print a file and tell honestly what became of it", print, addPrintOptions,
-     CommandKind::printing},
+     CommandKind::Printing},
     {"cancel", "make the printer drop what it has received and not yet printed", cancel},
     {"firmware", "ask for the firmware text", firmware},
     {"dipswitch", "ask for both banks of DIP switches", dipswitch},
@@ -253,7 +253,7 @@ constexpr Command commands[] = {
     {"doctor", "find out what is wrong with the devices, and what to do about it", doctor,
      addDoctorOptions},
     {"simulate", "serve a virtual printer until stopped", simulate, addSimulateOptions,
-     CommandKind::service},
+     CommandKind::Service},
 };
 
 // The parser of arguments, with places for what it finds.

@@ -41,9 +41,9 @@ Report monitor(const Options& options, const Surroundings& surroundings);
 Report simulate(const Options& options, const Surroundings& surroundings);
 
 enum class CommandKind {
-  question,  ///< whoever lost its answer may ask again
-  printing,  ///< a report that was lost must not make anyone print again
-  service,   ///< handles the signals itself
+  Question,  ///< whoever lost its answer may ask again
+  Printing,  ///< a report that was lost must not make anyone print again
+  Service,   ///< handles the signals itself
 };
 
 struct Command {
@@ -51,7 +51,7 @@ struct Command {
   std::string_view help;
   Report (*run)(const Options& options, const Surroundings& surroundings);
   void (*addOptions)(CLI::App& app, Options& options) = nullptr;  ///< null: it has none of its own
-  CommandKind kind = CommandKind::question;
+  CommandKind kind = CommandKind::Question;
 };
 
 }  // namespace quordalvane::tool

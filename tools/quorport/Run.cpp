@@ -45,7 +45,7 @@ ExitCode carryOut(const Order& order, const Streams& streams) {
   const bool asJson = order.options.json;
   const auto interruption = std::make_shared<Interruption>(
       [asJson, streams](const Report& report) { leaveAtOnce(report, asJson, streams); });
-  const bool handlesSignals = order.command->kind == CommandKind::service;
+  const bool handlesSignals = order.command->kind == CommandKind::Service;
   Report report;
   {
     const auto watch =
@@ -63,7 +63,7 @@ ExitCode carryOut(const Order& order, const Streams& streams) {
   const bool delivered = deliver(report, asJson, streams);
   // Who asked a question and got no answer must not take it for one. What was printed, on the other
   // hand, is printed, and a script that sends it again would print it twice.
-  const bool isLost = !delivered && order.command->kind != CommandKind::printing;
+  const bool isLost = !delivered && order.command->kind != CommandKind::Printing;
   return isLost && report.code == ExitCode::Done ? ExitCode::ExchangeFailed : report.code;
 }
 

@@ -66,7 +66,7 @@ TEST(Devices, OpensASocketAndASerialLineAtTheirPlaces) {
   EXPECT_NE(make("unix:" + folder.file("s\\,1"))->openSession(protocol), nullptr);
 
   const auto terminal = test::openPseudoTerminal();
-  const posix::Descriptor master(terminal.master, posix::Descriptor::Kind::terminal);
+  const posix::Descriptor master(terminal.master, posix::Descriptor::Kind::Terminal);
   EXPECT_NE(make("serial:" + terminal.line)->openSession(protocol), nullptr);
 }
 

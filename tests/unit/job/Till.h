@@ -20,7 +20,7 @@ inline ByteBuffer bytesOf(std::string_view text) {
   return {text.begin(), text.end()};
 }
 
-inline const ByteBuffer kReceipt = bytesOf("Espresso  2.20\nCake      3.80\nTotal     6.00\n");
+inline const ByteBuffer receiptText = bytesOf("Espresso  2.20\nCake      3.80\nTotal     6.00\n");
 
 inline simulator::Faults with(const char* fault, const char* value) {
   simulator::Faults faults;

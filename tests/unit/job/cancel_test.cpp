@@ -45,7 +45,7 @@ TEST_P(Cancelling, AJobThatIsCancelledInAnImageCompletesItSoThatThePrinterHearsT
   const PrintResult result = job.run(data);
   EXPECT_EQ(result.obstacle, PrintObstacle::Cancelled);
   till.port->open();
-  EXPECT_EQ(till.print(kReceipt).outcome, PrintOutcome::Printed);
+  EXPECT_EQ(till.print(receiptText).outcome, PrintOutcome::Printed);
 }
 
 TEST_P(Cancelling, AJobThatIsCancelledInALongImageIsGivenUpInTime) {
@@ -71,7 +71,7 @@ TEST_P(Cancelling, AJobIsCancelledAlsoWhileThePortWritesWithoutEnd) {
   ASSERT_TRUE(till.port->open());
   PrintJob job(till.port);
   till.at(milliseconds(2990), [&job] { job.cancel(); });
-  EXPECT_EQ(job.run(kReceipt).outcome, PrintOutcome::Refused);
+  EXPECT_EQ(job.run(receiptText).outcome, PrintOutcome::Refused);
 }
 
 TEST_P(Cancelling, AJobIsCancelledAlsoWhileThePortOffersWithoutEndWhatTheLinkDoesNotTake) {
@@ -84,7 +84,7 @@ TEST_P(Cancelling, AJobIsCancelledAlsoWhileThePortOffersWithoutEndWhatTheLinkDoe
   PrintJob job(till.port);
   till.at(milliseconds(3000), [&job] { job.cancel(); });
   const auto start = till.platform->clock().monotonic();
-  EXPECT_EQ(job.run(kReceipt).outcome, PrintOutcome::Refused);
+  EXPECT_EQ(job.run(receiptText).outcome, PrintOutcome::Refused);
   EXPECT_LT(till.platform->clock().monotonic() - start, milliseconds(4000));
 }
 
@@ -105,7 +105,7 @@ TEST_P(Cancelling, AJobThatIsCancelledBeforeItBeganSendsNothing) {
   Till till(GetParam());
   PrintJob job(till.port);
   job.cancel();
-  const PrintResult result = job.run(kReceipt);
+  const PrintResult result = job.run(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Refused);
   EXPECT_EQ(result.obstacle, PrintObstacle::Cancelled);
   EXPECT_EQ(till.printed(), ByteBuffer());
@@ -133,7 +133,7 @@ TEST_P(Cancelling, AJobThatIsCancelledOnAClosedPortSaysNoMoreThanThat) {
   till.port->close();
   PrintJob job(till.port);
   job.cancel();
-  const PrintResult result = job.run(kReceipt);
+  const PrintResult result = job.run(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Refused);
   EXPECT_EQ(result.reason, "cancelled");
 }

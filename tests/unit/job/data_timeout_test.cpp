@@ -26,11 +26,11 @@ class DataTimeout : public testing::TestWithParam<ZKEmulation> {
     if (!till.port->isConnected()) {
       EXPECT_TRUE(till.port->open());
     }
-    till.port->write(kReceipt);
+    till.port->write(receiptText);
     till.platform->clock().usleep(5000000);
     const ByteBuffer paper = till.printed();
-    return paper.size() >= kReceipt.size() &&
-           std::equal(kReceipt.rbegin(), kReceipt.rend(), paper.rbegin());
+    return paper.size() >= receiptText.size() &&
+           std::equal(receiptText.rbegin(), receiptText.rend(), paper.rbegin());
   }
 };
 
@@ -63,7 +63,7 @@ TEST_P(DataTimeout, OfACancelledJobEndsWithIt) {
 
 TEST_P(DataTimeout, OfAnEarlierJobEndsWithACancelledOne) {
   Till till = tillWithTimeout(PrinterBuilder().speed(1000));
-  EXPECT_EQ(till.print(kReceipt).outcome, PrintOutcome::Printed);
+  EXPECT_EQ(till.print(receiptText).outcome, PrintOutcome::Printed);
   till.port->setDataTimeoutSeconds(-1);
   PrintJob job(till.port);
   till.at(milliseconds(1000), [&job] { job.cancel(); });
@@ -73,7 +73,7 @@ TEST_P(DataTimeout, OfAnEarlierJobEndsWithACancelledOne) {
 
 TEST_P(DataTimeout, OfARefusedJobEndsWithIt) {
   Till till = tillWithTimeout(PrinterBuilder().coverOpen());
-  EXPECT_EQ(till.print(kReceipt).outcome, PrintOutcome::Refused);
+  EXPECT_EQ(till.print(receiptText).outcome, PrintOutcome::Refused);
   till.set("coverOpen", false);
   EXPECT_TRUE(printsLaterOn(till));
 }

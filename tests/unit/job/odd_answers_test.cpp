@@ -24,13 +24,13 @@ PrintResult printOn(const Script& script, PrintJob::Options options = {},
   return PrintJob(port, std::move(options)).run(test::ascii("receipt\n"));
 }
 
-const test::Bytes kStatusRequest = bytes("1b 06 01");
+const test::Bytes statusRequest = bytes("1b 06 01");
 
 TEST(OddAnswers, OfAnotherKindThanLineModeRefuseTheJob) {
   // Long enough for a counter, but without the mark of the kind; and too short for a block.
   for (const char* const block : {"09 01 00 00 00 00 00 00 05", "01"}) {
     const PrintResult result =
-        printOn(Script().wheneverAsked(kStatusRequest, {{bytes(block), 0.0}}));
+        printOn(Script().wheneverAsked(statusRequest, {{bytes(block), 0.0}}));
     EXPECT_EQ(result.outcome, PrintOutcome::Refused) << block;
     EXPECT_EQ(result.reason, "the printer's answer is not a status of this emulation") << block;
   }
@@ -39,7 +39,7 @@ TEST(OddAnswers, OfAnotherKindThanLineModeRefuseTheJob) {
 TEST(OddAnswers, WithoutACounterRefuseTheJobAndSaySo) {
   for (const char* const block : {"82 01", "86 01 00 00 00 00"}) {
     const PrintResult result =
-        printOn(Script().wheneverAsked(kStatusRequest, {{bytes(block), 0.0}}));
+        printOn(Script().wheneverAsked(statusRequest, {{bytes(block), 0.0}}));
     EXPECT_EQ(result.outcome, PrintOutcome::Refused) << block;
     EXPECT_THAT(result.reason, testing::HasSubstr("holds no counter")) << block;
   }
@@ -47,8 +47,8 @@ TEST(OddAnswers, WithoutACounterRefuseTheJobAndSaySo) {
 
 TEST(OddAnswers, ThatAreOwedForeverRefuseTheJob) {
   Script script;
-  script.whenAsked(kStatusRequest, {});  // asked again, and answered once for two questions
-  script.wheneverAsked(kStatusRequest, {{bytes("89 01 00 00 00 00 00 00 05"), 0.0}});
+  script.whenAsked(statusRequest, {});  // asked again, and answered once for two questions
+  script.wheneverAsked(statusRequest, {{bytes("89 01 00 00 00 00 00 00 05"), 0.0}});
   const PrintResult result = printOn(script);
   EXPECT_EQ(result.outcome, PrintOutcome::Refused);
   EXPECT_EQ(result.reason, "the printer has not answered all that it was asked");
@@ -57,9 +57,9 @@ TEST(OddAnswers, ThatAreOwedForeverRefuseTheJob) {
 TEST(OddAnswers, ThatCameTwiceAreNotTakenForTheNextOne) {
   const auto fresh = bytes("89 01 00 00 00 00 00 00 05");
   Script script;
-  script.whenAsked(kStatusRequest, {{fresh, 0.0}, {fresh, 0.0}});
-  script.whenAsked(kStatusRequest, {{fresh, 0.0}});
-  script.wheneverAsked(kStatusRequest, {{bytes("89 01 00 00 00 00 02 00 05"), 0.0}});
+  script.whenAsked(statusRequest, {{fresh, 0.0}, {fresh, 0.0}});
+  script.whenAsked(statusRequest, {{fresh, 0.0}});
+  script.wheneverAsked(statusRequest, {{bytes("89 01 00 00 00 00 02 00 05"), 0.0}});
   const PrintResult result = printOn(script);
   EXPECT_EQ(result.outcome, PrintOutcome::Refused) << "two ends were counted before the job";
 }
@@ -67,9 +67,9 @@ TEST(OddAnswers, ThatCameTwiceAreNotTakenForTheNextOne) {
 TEST(OddAnswers, ThatChangeTheirKindDuringTheJobConfirmNothing) {
   Script script;
   for (int beforeTheData = 0; beforeTheData < 3; ++beforeTheData) {
-    script.whenAsked(kStatusRequest, {{bytes("89 01 00 00 00 00 00 00 05"), 0.0}});
+    script.whenAsked(statusRequest, {{bytes("89 01 00 00 00 00 00 00 05"), 0.0}});
   }
-  script.wheneverAsked(kStatusRequest, {{bytes("09 01 00 00 00 00 02 00 05"), 0.0}});
+  script.wheneverAsked(statusRequest, {{bytes("09 01 00 00 00 00 02 00 05"), 0.0}});
   const PrintResult result = printOn(script);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
   EXPECT_EQ(result.obstacle, PrintObstacle::NoProof);
@@ -80,7 +80,7 @@ TEST(OddAnswers, ThatChangeTheirKindDuringTheJobConfirmNothing) {
 TEST(OddAnswers, OfAPrinterThatTalksWithoutEndRefuseTheJob) {
   const test::Bytes chatter(std::size_t{2} << 20U, 'x');
   Script script;
-  script.wheneverAsked(kStatusRequest, {{bytes("89 01 00 00 00 00 00 00 05"), 0.0}});
+  script.wheneverAsked(statusRequest, {{bytes("89 01 00 00 00 00 00 00 05"), 0.0}});
   script.wheneverAsked(bytes("1b 1d 03 03 00 00"), {{chatter, 0.0}});
   const PrintResult result = printOn(script);
   EXPECT_EQ(result.outcome, PrintOutcome::Refused);

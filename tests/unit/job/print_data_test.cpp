@@ -18,7 +18,7 @@ struct Case {
   bool confirmableInEscPos;
 };
 
-const Case kCases[] = {
+const Case cases[] = {
     {"nothing", {}, true, true},
     {"text", {'a', 'b', '\n'}, true, true},
     {"a mark", {'a', 0x17}, false, false},
@@ -119,7 +119,7 @@ const Case kCases[] = {
 };
 
 TEST(ConfirmationObstacle, IsFoundOutsideOfCountedPayloadAlone) {
-  for (const Case& row : kCases) {
+  for (const Case& row : cases) {
     EXPECT_EQ(!confirmationObstacle(row.data, ZKEmulationQuorLine), row.confirmableInLineMode)
         << row.what;
     EXPECT_EQ(!confirmationObstacle(row.data, ZKEmulationESCPOS), row.confirmableInEscPos)

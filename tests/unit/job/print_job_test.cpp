@@ -18,15 +18,15 @@ INSTANTIATE_TEST_SUITE_P(Job, InBothEmulations,
 
 TEST_P(InBothEmulations, AJobThatCameOutIsPrinted) {
   Till till(GetParam());
-  const PrintResult result = till.print(kReceipt);
+  const PrintResult result = till.print(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Printed) << result.reason;
   EXPECT_EQ(result.resultCode, ZKQuorIOResultCodeSuccess);
-  EXPECT_EQ(result.bytesTotal, kReceipt.size());
-  EXPECT_EQ(result.bytesAccepted, kReceipt.size());
+  EXPECT_EQ(result.bytesTotal, receiptText.size());
+  EXPECT_EQ(result.bytesAccepted, receiptText.size());
   EXPECT_EQ(result.reason, "");
   EXPECT_EQ(result.advice, "");
   ASSERT_TRUE(result.status);
-  EXPECT_EQ(till.printed(), kReceipt);
+  EXPECT_EQ(till.printed(), receiptText);
 }
 
 TEST_P(InBothEmulations, AnEmptyJobIsPrinted) {
@@ -39,8 +39,8 @@ TEST_P(InBothEmulations, JobsInARowAreEachPrintedOnce) {
   Till till(GetParam());
   ByteBuffer expected;
   for (int i = 0; i < 3; ++i) {
-    EXPECT_EQ(till.print(kReceipt).outcome, PrintOutcome::Printed);
-    expected.insert(expected.end(), kReceipt.begin(), kReceipt.end());
+    EXPECT_EQ(till.print(receiptText).outcome, PrintOutcome::Printed);
+    expected.insert(expected.end(), receiptText.begin(), receiptText.end());
   }
   EXPECT_EQ(till.printed(), expected);
 }
@@ -59,7 +59,7 @@ TEST_P(InBothEmulations, ALongJobOnASlowPrinterWithASmallBufferIsPrintedOnceAndW
 
 TEST_P(InBothEmulations, AnOpenCoverRefusesTheJobAndNothingOfItGoesOut) {
   Till till(PrinterBuilder().coverOpen(), {.emulation = GetParam()});
-  const PrintResult result = till.print(kReceipt);
+  const PrintResult result = till.print(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Refused);
   EXPECT_EQ(result.obstacle, PrintObstacle::PrinterNotReady);
   EXPECT_EQ(result.reason, "cover open");
@@ -73,20 +73,20 @@ TEST_P(InBothEmulations, AnOpenCoverRefusesTheJobAndNothingOfItGoesOut) {
 TEST_P(InBothEmulations, PaperThatRunsOutInMidJobLeavesItUnconfirmedWithCountAndCause) {
   Till till(PrinterBuilder().speed(10), {.emulation = GetParam()});
   till.after(milliseconds(2000), "receiptPaperEmpty", true);
-  const PrintResult result = till.print(kReceipt);
+  const PrintResult result = till.print(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
   EXPECT_EQ(result.obstacle, PrintObstacle::PrinterNotReady);
   EXPECT_EQ(result.reason, "paper out after all 45 bytes");
-  EXPECT_EQ(result.bytesAccepted, kReceipt.size());
+  EXPECT_EQ(result.bytesAccepted, receiptText.size());
   ASSERT_TRUE(result.status);
   EXPECT_EQ(result.status->receiptPaperEmpty, 1U);
-  EXPECT_LT(till.printed().size(), kReceipt.size());
+  EXPECT_LT(till.printed().size(), receiptText.size());
 }
 
 TEST_P(InBothEmulations, AJobThatPrintsLongerThanTheEndTimeoutIsUnconfirmed) {
   Till till(PrinterBuilder().speed(1), {.emulation = GetParam()});
   till.port->setEndCheckedBlockTimeoutMillis(3000);
-  const PrintResult result = till.print(kReceipt);
+  const PrintResult result = till.print(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
   EXPECT_EQ(result.reason, "no confirmation within 3 s after all 45 bytes");
 }
@@ -96,7 +96,7 @@ TEST_P(InBothEmulations, AJobWhoseEndIsNotAnsweredTellsNoStatusFromBeforeIt) {
   till.port->close();
   till.accessory->setFaults(with("at", "2000:drop-reply=all"));
   ASSERT_TRUE(till.port->open());
-  const PrintResult result = till.print(kReceipt);
+  const PrintResult result = till.print(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
   EXPECT_EQ(result.reason, "no confirmation within 10 s after all 45 bytes");
   // In line mode it was asked, and answered, between the data and the fault.
@@ -104,7 +104,7 @@ TEST_P(InBothEmulations, AJobWhoseEndIsNotAnsweredTellsNoStatusFromBeforeIt) {
 }
 
 TEST_P(InBothEmulations, AnEndOfBlockMarkInTheDataIsNeverTakenForTheJobs) {
-  ByteBuffer data = kReceipt;
+  ByteBuffer data = receiptText;
   data.insert(data.begin() + 5, {0x17, 0x17, 0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00});
   Till till(PrinterBuilder().speed(10), {.emulation = GetParam()});
   till.after(milliseconds(2500), "mechError", true);  // stops for good behind the stray marks
@@ -114,7 +114,7 @@ TEST_P(InBothEmulations, AnEndOfBlockMarkInTheDataIsNeverTakenForTheJobs) {
 }
 
 TEST_P(InBothEmulations, AJobWithAStrayMarkThatWasPrintedSaysWhyItIsNotConfirmed) {
-  ByteBuffer data = kReceipt;
+  ByteBuffer data = receiptText;
   data.push_back(0x17);
   Till till(GetParam());
   till.port->setEndCheckedBlockTimeoutMillis(0);
@@ -154,7 +154,7 @@ TEST_P(InBothEmulations, AJobWhoseAnswersAreLateIsPrintedAllTheSame) {
   till.accessory->setFaults(with("late-reply", "2000"));
   ASSERT_TRUE(till.port->open());
   till.port->setEndCheckedBlockTimeoutMillis(60000);
-  const PrintResult result = till.print(kReceipt);
+  const PrintResult result = till.print(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Printed) << result.reason;
 }
 
@@ -189,7 +189,7 @@ TEST_P(InBothEmulations, ALinkLostAnywhereIsALostLinkThoughAnswersAreUnread) {
       till.port->close();
       till.accessory->setFaults(with(kind, std::to_string(bytes).c_str()));
       ASSERT_TRUE(till.port->open());
-      const PrintResult result = till.print(kReceipt);
+      const PrintResult result = till.print(receiptText);
       if (result.outcome != PrintOutcome::Printed) {
         EXPECT_EQ(result.obstacle, PrintObstacle::LinkLost) << kind << bytes << result.reason;
         EXPECT_FALSE(till.port->isConnected()) << kind << bytes;
@@ -201,7 +201,7 @@ TEST_P(InBothEmulations, ALinkLostAnywhereIsALostLinkThoughAnswersAreUnread) {
 TEST_P(InBothEmulations, APortThatIsNotOpenRefusesTheJob) {
   Till till(GetParam());
   till.port->close();
-  const PrintResult result = till.print(kReceipt);
+  const PrintResult result = till.print(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Refused);
   EXPECT_EQ(result.obstacle, PrintObstacle::LinkLost);
 }
@@ -222,11 +222,11 @@ TEST_P(InBothEmulations, APrinterThatTakesNothingMoreFailsTheJobAtTheTimeout) {
 TEST_P(InBothEmulations, AJobWithoutABlockIsNeverCalledPrinted) {
   Till till(GetParam());
   PrintJob job(till.port, {.checked = false});
-  const PrintResult result = job.run(kReceipt);
+  const PrintResult result = job.run(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
   EXPECT_EQ(result.obstacle, PrintObstacle::NoProof);
-  EXPECT_EQ(result.bytesAccepted, kReceipt.size());
-  EXPECT_EQ(till.printed(), kReceipt);
+  EXPECT_EQ(result.bytesAccepted, receiptText.size());
+  EXPECT_EQ(till.printed(), receiptText);
 }
 
 TEST_P(InBothEmulations, AnEmptyJobWithoutABlockHadNothingToSend) {
@@ -242,11 +242,11 @@ TEST_P(InBothEmulations, ProgressTellsEachStage) {
   PrintJob job(till.port, {.progress = [&seen](const PrintProgress& progress) {
                  seen.emplace_back(progress.stage, progress.bytesAccepted);
                }});
-  job.run(kReceipt);
+  job.run(receiptText);
   EXPECT_THAT(seen, testing::ElementsAre(testing::Pair(PrintStage::Begin, 0U),
                                          testing::Pair(PrintStage::Data, 0U),
-                                         testing::Pair(PrintStage::Data, kReceipt.size()),
-                                         testing::Pair(PrintStage::End, kReceipt.size())));
+                                         testing::Pair(PrintStage::Data, receiptText.size()),
+                                         testing::Pair(PrintStage::End, receiptText.size())));
 }
 
 TEST_P(InBothEmulations, ProgressGrowsFromNothingToTheWholeJob) {
@@ -267,9 +267,9 @@ TEST(EscPosJob, ThatWasOffLineForAWhileIsNotPrintedWithoutItsReport) {
   Till till(PrinterBuilder().speed(10), {.emulation = ZKEmulationESCPOS});
   till.after(milliseconds(2000), "coverOpen", true);
   till.after(milliseconds(2250), "coverOpen", false);
-  const PrintResult result = till.print(kReceipt);
+  const PrintResult result = till.print(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
-  EXPECT_LT(till.printed().size(), kReceipt.size());
+  EXPECT_LT(till.printed().size(), receiptText.size());
 }
 
 TEST(EscPosJob, WhoseReportCountsAnothersEndTooSaysSo) {
@@ -282,7 +282,7 @@ TEST(EscPosJob, WhoseReportCountsAnothersEndTooSaysSo) {
                    till.platform->clock().usleep(500000);
                  }
                }});
-  const PrintResult result = job.run(kReceipt);
+  const PrintResult result = job.run(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
   EXPECT_EQ(result.reason,
             "the printer reported 2 ends of jobs instead of this one's after all 45 bytes");
@@ -293,7 +293,7 @@ TEST(EscPosJob, WhoseLastStatusIsSpoiltSaysSo) {
   till.port->close();
   till.accessory->setFaults(with("stray-byte", "00"));
   ASSERT_TRUE(till.port->open());
-  const PrintResult result = till.print(kReceipt);
+  const PrintResult result = till.print(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
   EXPECT_EQ(result.reason, "the printer's last status could not be had after all 45 bytes");
 }
@@ -301,9 +301,9 @@ TEST(EscPosJob, WhoseLastStatusIsSpoiltSaysSo) {
 TEST(EscPosJob, IsNotConfirmedByTheLateReportOfAnEarlierOne) {
   Till till(PrinterBuilder().speed(10), {.emulation = ZKEmulationESCPOS});
   till.port->setEndCheckedBlockTimeoutMillis(1000);
-  EXPECT_EQ(till.print(kReceipt).outcome, PrintOutcome::Unconfirmed);
+  EXPECT_EQ(till.print(receiptText).outcome, PrintOutcome::Unconfirmed);
   till.platform->clock().usleep(10000000);  // the earlier one prints on, and its report waits
-  const PrintResult result = till.print(kReceipt);
+  const PrintResult result = till.print(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed) << "printed in no time";
 }
 
@@ -314,7 +314,7 @@ TEST(EscPosJob, IsConfirmedSoonByAReportThatComesInPieces) {
     till.accessory->setFaults(with("split-reply", places));
     ASSERT_TRUE(till.port->open());
     const auto start = till.platform->clock().monotonic();
-    const PrintResult result = till.print(kReceipt);
+    const PrintResult result = till.print(receiptText);
     EXPECT_EQ(result.outcome, PrintOutcome::Printed) << "split at " << places << result.reason;
     EXPECT_EQ(result.status->offline, 0U);
     EXPECT_LT(till.platform->clock().monotonic() - start, std::chrono::seconds(5)) << places;
@@ -323,7 +323,7 @@ TEST(EscPosJob, IsConfirmedSoonByAReportThatComesInPieces) {
 
 TEST(EscPosJob, WithAStatusRequestInItsDataIsConfirmedByItsReport) {
   Till till(ZKEmulationESCPOS);
-  ByteBuffer data = kReceipt;
+  ByteBuffer data = receiptText;
   data.insert(data.end(), {0x10, 0x04, 0x01});
   EXPECT_EQ(till.print(data).outcome, PrintOutcome::Printed);
 }
@@ -331,7 +331,7 @@ TEST(EscPosJob, WithAStatusRequestInItsDataIsConfirmedByItsReport) {
 TEST(LineModeJob, IsRefusedWhilePaperIsLeftInTheExit) {
   Till till(PrinterBuilder().paperInExit(), {});
   till.port->setHoldPrintTimeoutMillis(2000);
-  const PrintResult result = till.print(kReceipt);
+  const PrintResult result = till.print(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Refused);
   EXPECT_EQ(result.obstacle, PrintObstacle::PrinterNotReady);
   EXPECT_EQ(result.resultCode, ZKQuorIOResultCodePaperPresentError);
@@ -340,7 +340,7 @@ TEST(LineModeJob, IsRefusedWhilePaperIsLeftInTheExit) {
 
 TEST(LineModeJob, WithAStatusRequestInItsDataSaysWhyItCannotBeConfirmed) {
   Till till(ZKEmulationQuorLine);
-  ByteBuffer data = kReceipt;
+  ByteBuffer data = receiptText;
   data.insert(data.end(), {0x1b, 0x06, 0x01});
   const PrintResult result = till.print(data);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
@@ -351,10 +351,10 @@ TEST(LineModeJob, WithAStatusRequestInItsDataSaysWhyItCannotBeConfirmed) {
 
 TEST(AnyJob, OfUnknownEmulationIsSentAndNeverConfirmed) {
   Till till(PrinterBuilder(), {.emulation = ZKEmulationUnknown, .timeoutMillis = 1000});
-  const PrintResult result = till.print(kReceipt);
+  const PrintResult result = till.print(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
   EXPECT_EQ(result.reason, "no job can be confirmed without a known emulation after all 45 bytes");
-  EXPECT_EQ(till.printed(), kReceipt);
+  EXPECT_EQ(till.printed(), receiptText);
 }
 
 }  // namespace

@@ -88,7 +88,7 @@ TEST(LoggingContract, BuildsNoMessageAndNoDescriptionWhenLoggingIsOff) {
   for (Scenario scenario : manyScenarios()) {
     scenario.logging = false;
     for (const Call& call : allCalls()) {
-      EXPECT_EQ(view(scenario.run(call).lines, {About::log}), "");
+      EXPECT_EQ(view(scenario.run(call).lines, {About::Log}), "");
     }
   }
   const LogStatistics after = LogWriter::sharedInstance().statistics();
@@ -185,7 +185,7 @@ TEST(LoggingContract, LeavesAccessorsAndDestructionSilent) {
   port->firmwareInformation();
   port->thread71();
   port.reset();
-  EXPECT_EQ(view(world.trace().lines(), {About::log}), "");
+  EXPECT_EQ(view(world.trace().lines(), {About::Log}), "");
 }
 
 }  // namespace

@@ -126,7 +126,7 @@ TEST_F(PortThread, TurnsItsLoopInSlicesWithOneTraceEach) {
     pass(0.35);
     return created;
   }();
-  EXPECT_EQ(view(world_.trace().lines(), {About::log}), text(R"(
+  EXPECT_EQ(view(world_.trace().lines(), {About::Log}), text(R"(
     4 x port thread: Process(1) runLoop71 | [NSRunLoop.currentRunLoop runUntilDate:[NSDate dateWithTimeIntervalSinceNow:0.1]
   )"));
   port->close();

@@ -227,7 +227,7 @@ struct Progress {
 
 std::size_t pausesIn(const Outcome& run) {
   return static_cast<std::size_t>(
-      std::count(run.lines.begin(), run.lines.end(), Line{About::wait, "", "usleep 50000"}));
+      std::count(run.lines.begin(), run.lines.end(), Line{About::Wait, "", "usleep 50000"}));
 }
 
 /// Runs the attempts, of which a further one fails, and holds the port against the progress.

@@ -223,13 +223,13 @@ TEST(Session, IsAbandonedWithTheOutputWhereThereIsOne) {
 /// What a platform may raise that no exception handler for standard exceptions sees.
 struct Surprise {};
 
-enum class Raise { standard, port, other };
+enum class Raise { Standard, Port, Other };
 
 [[noreturn]] void raise(Raise kind) {
   switch (kind) {
-    case Raise::standard:
+    case Raise::Standard:
       throw std::runtime_error("the radio is off");
-    case Raise::port:
+    case Raise::Port:
       throw PortException("the port is tired");
     default:
       throw Surprise();
@@ -310,15 +310,15 @@ TEST_P(SessionThatRaises, IsClosedAllTheSame) {
 
 INSTANTIATE_TEST_SUITE_P(
     Kind, SessionThatRaises,
-    testing::Values(Raised{Raise::standard, "the radio is off"},
-                    Raised{Raise::port, "the port is tired"},
-                    Raised{Raise::other,
+    testing::Values(Raised{Raise::Standard, "the radio is off"},
+                    Raised{Raise::Port, "the port is tired"},
+                    Raised{Raise::Other,
                            "Throws exception, class: quordalvane::test::(anonymous "
                            "namespace)::Surprise"}));
 
 TEST(Session, ClearsItsPropertiesAlsoWhenClosingRaises) {
   Scenario scenario = closed();
-  scenario.layer = raising(false, Raise::other);
+  scenario.layer = raising(false, Raise::Other);
   const Outcome run = scenario.runOnPort(inTurn({open(), close()}));
   EXPECT_NE(run.properties.find("name none\nserialNumber none\nconnectionID 0\n"),
             std::string::npos)

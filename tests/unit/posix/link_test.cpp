@@ -41,7 +41,7 @@ class LinkTest : public testing::Test {
   std::int64_t ask() { return output->write(&byte, 1); }
 
   LinkAccessory accessory{AccessoryIdentity{},
-                          [this] { return Descriptor(ends_[0], Descriptor::Kind::socket); }};
+                          [this] { return Descriptor(ends_[0], Descriptor::Kind::Socket); }};
   std::shared_ptr<EASession> session;
   std::shared_ptr<NSInputStream> input;
   std::shared_ptr<NSOutputStream> output;
@@ -205,7 +205,7 @@ TEST(LinkAccessory, TellsWhyItCouldNotConnectUntilItCan) {
     if (!reachable) {
       throw std::system_error(ENODEV, std::generic_category(), "the cable is out");
     }
-    return Descriptor(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0), Descriptor::Kind::socket);
+    return Descriptor(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0), Descriptor::Kind::Socket);
   });
   EXPECT_EQ(accessory.lastError(), "");
   EXPECT_EQ(accessory.openSession(protocol), nullptr);

@@ -26,7 +26,7 @@ class Line {
 
  private:
   const test::PseudoTerminal terminal_ = test::openPseudoTerminal();
-  const Descriptor master_{terminal_.master, Descriptor::Kind::terminal};
+  const Descriptor master_{terminal_.master, Descriptor::Kind::Terminal};
 };
 
 termios settingsOf(const Descriptor& line) {
@@ -103,7 +103,7 @@ TEST(Serial, DoesNotBecomeTheControllingTerminal) {
 
 TEST(Serial, APlainFileIsAnErrorThatSaysSo) {
   std::string path = testing::TempDir() + "plainXXXXXX";
-  const Descriptor file(::mkstemp(path.data()), Descriptor::Kind::terminal);
+  const Descriptor file(::mkstemp(path.data()), Descriptor::Kind::Terminal);
   EXPECT_THAT(failure(path), AllOf(HasSubstr(path), HasSubstr("not a serial line")));
   ::unlink(path.c_str());
 }

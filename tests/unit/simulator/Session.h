@@ -94,9 +94,9 @@ inline Faults with(std::string_view name, std::string_view value) {
   return faults;
 }
 
-inline constexpr std::string_view kStatusRequest = "1b 06 01";
-inline constexpr std::string_view kDataCancel = "1b 1d 03 03 00 00";
-inline constexpr std::string_view kDataCancelEnd = "1b 1d 03 04 00 00";
+inline constexpr std::string_view statusRequest = "1b 06 01";
+inline constexpr std::string_view dataCancel = "1b 1d 03 03 00 00";
+inline constexpr std::string_view dataCancelEnd = "1b 1d 03 04 00 00";
 
 inline std::uint8_t etbCounterOf(const Bytes& statusBlock) {
   return statusBlock.at(6);

@@ -63,7 +63,7 @@ TEST(ArbitraryBytes, CanBeDrawn) {
     session.send(randomBytes(chance, 400));
     const Picture picture = renderPicture(session.printer.paper());
     EXPECT_GT(picture.height, 0U) << "run " << run;
-    EXPECT_LE(picture.height, kLongestPicture + 100) << "run " << run;
+    EXPECT_LE(picture.height, longestPicture + 100) << "run " << run;
   }
 }
 
@@ -103,7 +103,7 @@ TEST(ArbitraryBytes, ThatMoveNoPaperTakeNoMemoryForIt) {
     for (const PaperItem& item : session.printer.paper().items())
       pieces += std::holds_alternative<Line>(item) ? std::get<Line>(item).items.size() : 1;
     EXPECT_GT(pieces, 0U) << command;
-    EXPECT_LE(pieces, 8U * kWidePaperDots) << command;
+    EXPECT_LE(pieces, 8U * widePaperDots) << command;
   }
 }
 

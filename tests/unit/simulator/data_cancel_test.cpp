@@ -6,8 +6,8 @@
 namespace quordalvane::simulator {
 namespace {
 
-constexpr std::string_view kFiveSeconds = "1b 1d 03 05 01 05";
-constexpr std::string_view kNever = "1b 1d 03 05 01 00";
+constexpr std::string_view fiveSeconds = "1b 1d 03 05 01 05";
+constexpr std::string_view never = "1b 1d 03 05 01 00";
 
 PrinterBuilder slow() {
   return PrinterBuilder().speed(10);
@@ -17,9 +17,9 @@ TEST(DataCancel, DropsWhatIsReceivedAndNotYetPrintedWithItsEtbs) {
   Session session(slow());
   session.send(ascii("0123456789") + hex("17 1b1d03010000"));
   session.wait(300ms);
-  session.send(kDataCancel);
+  session.send(dataCancel);
   EXPECT_EQ(session.printer.buffered(), 0U);
-  session.send(kDataCancelEnd);
+  session.send(dataCancelEnd);
   session.send(ascii("x") + hex("17"));
   EXPECT_EQ(session.link->nextEvent(session.now), session.now + 200ms);
   session.wait(1h);
@@ -31,7 +31,7 @@ TEST(DataCancel, DropsWhatIsReceivedAndNotYetPrintedWithItsEtbs) {
 TEST(DataCancel, ActsWhereverItStandsAndHoweverItIsSplit) {
   for (std::size_t at = 0; at <= 6; ++at) {
     Session session(slow());
-    const Bytes command = hex(kDataCancel);
+    const Bytes command = hex(dataCancel);
     const auto middle = command.begin() + static_cast<std::ptrdiff_t>(at);
     session.send(ascii("abc") + Bytes(command.begin(), middle));
     session.send(Bytes(middle, command.end()) + ascii("xy"));
@@ -44,7 +44,7 @@ TEST(DataCancel, ActsWhereverItStandsAndHoweverItIsSplit) {
 TEST(DataCancel, FreesTheBufferOfAnOffLinePrinter) {
   Session session(PrinterBuilder().buffer(20).coverOpen());
   session.send(Bytes(14, 'x'));
-  session.send(kDataCancel);
+  session.send(dataCancel);
   EXPECT_EQ(session.link->space(session.now), 20U);
 }
 
@@ -52,7 +52,7 @@ TEST(DataCancel, EndsTheLineThatWasBegun) {
   Session session(slow());
   session.send(ascii("012345"));
   session.wait(300ms);
-  session.send(hex(kDataCancel) + hex(kDataCancelEnd) + ascii("new\n"));
+  session.send(hex(dataCancel) + hex(dataCancelEnd) + ascii("new\n"));
   session.wait(1s);
   session.link->available(session.now);
   EXPECT_EQ(renderText(session.printer.paper()), "012\nnew\n");
@@ -62,8 +62,8 @@ TEST(DataCancel, LeavesThePrintSideAtTheStartOfACommand) {
   Session session(slow());
   session.send("1d7630 00 0a00 0100 00000000000000000000");
   session.wait(1s);
-  session.send(kDataCancel);
-  session.send(hex(kDataCancelEnd) + ascii("hello\n"));
+  session.send(dataCancel);
+  session.send(hex(dataCancelEnd) + ascii("hello\n"));
   session.wait(10s);
   session.link->available(session.now);
   const auto& items = session.printer.paper().items();
@@ -73,7 +73,7 @@ TEST(DataCancel, LeavesThePrintSideAtTheStartOfACommand) {
 
 TEST(DataTimeout, DropsWhatIsHeldAndAllThatFollowsUntilTheEndOfTheDataCancel) {
   Session session(slow().coverOpen());
-  session.send(hex(kFiveSeconds) + hex(kDataCancel) + ascii("held") + hex("17"));
+  session.send(hex(fiveSeconds) + hex(dataCancel) + ascii("held") + hex("17"));
   EXPECT_EQ(session.link->nextEvent(session.now), session.now + 5s);
   session.wait(5s);
   EXPECT_EQ(session.link->available(session.now), 0U);
@@ -82,15 +82,15 @@ TEST(DataTimeout, DropsWhatIsHeldAndAllThatFollowsUntilTheEndOfTheDataCancel) {
   session.send(ascii("late") + hex("17 1b1d03010000"));
   session.wait(10s);
   EXPECT_EQ(session.receive(), Bytes{});
-  session.send(hex(kDataCancelEnd) + ascii("new") + hex("17"));
+  session.send(hex(dataCancelEnd) + ascii("new") + hex("17"));
   session.wait(10s);
-  EXPECT_EQ(etbCounterOf(session.ask(kStatusRequest)), 1);
+  EXPECT_EQ(etbCounterOf(session.ask(statusRequest)), 1);
   EXPECT_EQ(session.printer.printed(), ascii("new"));
 }
 
 TEST(DataTimeout, CountsFromTheLastByteReceived) {
   Session session(slow().coverOpen());
-  session.send(hex(kFiveSeconds) + hex(kDataCancel));
+  session.send(hex(fiveSeconds) + hex(dataCancel));
   for (int i = 0; i < 3; ++i) {
     session.wait(4999ms);
     session.send(ascii("x"));
@@ -105,7 +105,7 @@ TEST(DataTimeout, CountsFromTheLastByteReceived) {
 
 TEST(DataTimeout, WhatWasPrintedBeforeItStruckStaysPrinted) {
   Session session(slow());
-  session.send(hex(kFiveSeconds) + hex(kDataCancel) + Bytes(100, 'x'));
+  session.send(hex(fiveSeconds) + hex(dataCancel) + Bytes(100, 'x'));
   session.wait(1h);
   session.link->available(session.now);
   EXPECT_EQ(session.printer.printed().size(), 50U);
@@ -113,17 +113,17 @@ TEST(DataTimeout, WhatWasPrintedBeforeItStruckStaysPrinted) {
 
 TEST(DataTimeout, AnotherDataCancelDoesNotEndTheDropping) {
   Session session;
-  session.send(hex(kFiveSeconds) + hex(kDataCancel));
+  session.send(hex(fiveSeconds) + hex(dataCancel));
   session.wait(5s);
-  session.send(hex(kDataCancel) + ascii("lost"));
+  session.send(hex(dataCancel) + ascii("lost"));
   EXPECT_EQ(session.printer.printed(), Bytes{});
-  session.send(hex(kDataCancelEnd) + ascii("kept"));
+  session.send(hex(dataCancelEnd) + ascii("kept"));
   EXPECT_EQ(session.printer.printed(), ascii("kept"));
 }
 
 TEST(DataTimeout, DoesNothingOutsideAGuardedStretchNorWhenItIsZero) {
-  const std::string_view commands[] = {kFiveSeconds, "1b1d03050105 1b1d03030000 1b1d03040000",
-                                       "1b1d03050100 1b1d03030000", kDataCancel, kNever};
+  const std::string_view commands[] = {fiveSeconds, "1b1d03050105 1b1d03030000 1b1d03040000",
+                                       "1b1d03050100 1b1d03030000", dataCancel, never};
   for (std::string_view before : commands) {
     Session session(slow().coverOpen());
     session.send(hex(before) + ascii("held"));
@@ -136,7 +136,7 @@ TEST(DataTimeout, DoesNothingOutsideAGuardedStretchNorWhenItIsZero) {
 
 TEST(DataTimeout, StatusIsAnsweredWhileThePrinterDrops) {
   Session session;
-  session.send(hex(kFiveSeconds) + hex(kDataCancel));
+  session.send(hex(fiveSeconds) + hex(dataCancel));
   session.wait(6s);
   EXPECT_EQ(session.ask("100401"), hex("12"));
   EXPECT_EQ(etbCounterOf(session.ask("17 1b0601")), 0);
@@ -144,7 +144,7 @@ TEST(DataTimeout, StatusIsAnsweredWhileThePrinterDrops) {
 
 TEST(DataCancelEnd, IsHarmlessOutsideAGuardedStretch) {
   Session session(slow());
-  session.send(ascii("ab") + hex(kDataCancelEnd) + ascii("cd"));
+  session.send(ascii("ab") + hex(dataCancelEnd) + ascii("cd"));
   session.wait(1s);
   session.link->available(session.now);
   EXPECT_EQ(session.printer.printed(), ascii("abcd"));

@@ -14,7 +14,7 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::ThrowsMessage;
 
-const Bytes kBlock = hex("89 01 00000020 00 00 05");
+const Bytes statusBlock = hex("89 01 00000020 00 00 05");
 
 Faults also(Faults faults, std::string_view name, std::string_view value) {
   faults.add(name, value);
@@ -25,8 +25,8 @@ TEST(Faults, AreToldToTheBuilderByTheirOwnWordOrAsASetting) {
   const PrinterBuilder builder =
       PrinterBuilder().fault("short-writes", "3").seed(5).set("late-reply", "20").set("seed", "7");
   ASSERT_EQ(builder.faults().list.size(), 2U);
-  EXPECT_EQ(builder.faults().list[0].kind, FaultKind::shortWrites);
-  EXPECT_EQ(builder.faults().list[1].kind, FaultKind::lateReply);
+  EXPECT_EQ(builder.faults().list[0].kind, FaultKind::ShortWrites);
+  EXPECT_EQ(builder.faults().list[1].kind, FaultKind::LateReply);
   EXPECT_EQ(builder.faults().seed, 7U);
   EXPECT_EQ(PrinterBuilder().seed(5).faults().seed, 5U);
   EXPECT_THROW(PrinterBuilder().fault("no-such-fault", "1"), std::invalid_argument);
@@ -54,27 +54,27 @@ TEST(Faults, ThereIsNoSpaceForAWhileAfterTheGivenByte) {
 
 TEST(Faults, ALateReplyComesExactlySoMuchLater) {
   Session session(with("late-reply", "700"));
-  EXPECT_EQ(session.ask(kStatusRequest), Bytes{});
+  EXPECT_EQ(session.ask(statusRequest), Bytes{});
   EXPECT_EQ(session.link->nextEvent(session.now), session.now + 700ms);
   session.wait(699ms);
   EXPECT_EQ(session.receive(), Bytes{});
   session.wait(1ms);
-  EXPECT_EQ(session.receive(), kBlock);
+  EXPECT_EQ(session.receive(), statusBlock);
 }
 
 TEST(Faults, ALateReplyHoldsUpTheOnesBehindIt) {
   Session session(with("late-reply", "700@1"));
   session.send("100401");
   session.wait(100ms);
-  EXPECT_EQ(session.ask(kStatusRequest), Bytes{});
+  EXPECT_EQ(session.ask(statusRequest), Bytes{});
   session.wait(600ms);
-  EXPECT_EQ(session.receive(), hex("12") + kBlock);
+  EXPECT_EQ(session.receive(), hex("12") + statusBlock);
   EXPECT_EQ(session.ask("100401"), hex("12"));
 }
 
 TEST(Faults, ASplitReplyComesInPiecesAtTheGivenOffsets) {
   Session session(with("split-reply", "1/8"));
-  EXPECT_EQ(session.ask(kStatusRequest), hex("89"));
+  EXPECT_EQ(session.ask(statusRequest), hex("89"));
   session.wait(50ms);
   EXPECT_EQ(session.receive(), hex("01 00000020 00 00"));
   session.wait(50ms);
@@ -83,18 +83,18 @@ TEST(Faults, ASplitReplyComesInPiecesAtTheGivenOffsets) {
 
 TEST(Faults, ADuplicateReplyComesTwice) {
   Session session(with("duplicate-reply", "2"));
-  EXPECT_EQ(session.ask(kStatusRequest), kBlock);
-  EXPECT_EQ(session.ask(kStatusRequest), kBlock + kBlock);
-  EXPECT_EQ(session.ask(kStatusRequest), kBlock);
+  EXPECT_EQ(session.ask(statusRequest), statusBlock);
+  EXPECT_EQ(session.ask(statusRequest), statusBlock + statusBlock);
+  EXPECT_EQ(session.ask(statusRequest), statusBlock);
 }
 
 TEST(Faults, ADroppedReplyDoesNotCome) {
   Session once(with("drop-reply", "1"));
-  EXPECT_EQ(once.ask(kStatusRequest), Bytes{});
-  EXPECT_EQ(once.ask(kStatusRequest), kBlock);
+  EXPECT_EQ(once.ask(statusRequest), Bytes{});
+  EXPECT_EQ(once.ask(statusRequest), statusBlock);
   Session all(with("drop-reply", "all"));
-  EXPECT_EQ(all.ask(kStatusRequest), Bytes{});
-  EXPECT_EQ(all.ask(kStatusRequest), Bytes{});
+  EXPECT_EQ(all.ask(statusRequest), Bytes{});
+  EXPECT_EQ(all.ask(statusRequest), Bytes{});
 }
 
 int wrongBits(const Bytes& a, const Bytes& b) {
@@ -108,9 +108,9 @@ TEST(Faults, ACorruptReplyHasOneWrongBitThatTheSeedDecides) {
   std::vector<Bytes> replies;
   for (const char* seed : {"1", "2", "3", "4", "5", "6", "1"}) {
     Session session(also(with("corrupt-reply", "all"), "seed", seed));
-    replies.push_back(session.ask(kStatusRequest));
-    ASSERT_EQ(replies.back().size(), kBlock.size());
-    EXPECT_EQ(wrongBits(replies.back(), kBlock), 1);
+    replies.push_back(session.ask(statusRequest));
+    ASSERT_EQ(replies.back().size(), statusBlock.size());
+    EXPECT_EQ(wrongBits(replies.back(), statusBlock), 1);
   }
   EXPECT_EQ(replies.front(), replies.back());
   EXPECT_NE(std::adjacent_find(replies.begin(), replies.end(), std::not_equal_to<>()),
@@ -168,10 +168,11 @@ TEST(Faults, AResetLinkSaysThatItWasReset) {
 }
 
 TEST(Faults, TheLinkIsCutAfterExactlySoManyBytesOut) {
-  for (std::size_t count = 0; count <= kBlock.size(); ++count) {
+  for (std::size_t count = 0; count <= statusBlock.size(); ++count) {
     Session session(with("cut-after-out", std::to_string(count)));
-    session.send(kStatusRequest);
-    EXPECT_EQ(session.receive(), Bytes(kBlock.begin(), kBlock.begin() + static_cast<int>(count)));
+    session.send(statusRequest);
+    EXPECT_EQ(session.receive(),
+              Bytes(statusBlock.begin(), statusBlock.begin() + static_cast<int>(count)));
     EXPECT_FALSE(session.link->connected(session.now)) << count;
   }
 }
@@ -182,7 +183,7 @@ TEST(Faults, OfSeveralCutsTheOneThatIsReachedFirstEndsTheLink) {
     EXPECT_EQ(in.link->write(ascii("abcdef"), in.now), 3U);
     EXPECT_TRUE(in.link->wasReset(in.now));
     Session out(also(with("cut-after-out", first), "cut-after-out", second));
-    out.send(kStatusRequest);
+    out.send(statusRequest);
     EXPECT_TRUE(out.link->wasReset(out.now));
   }
   Session same(also(with("cut-after-in", "3:drain"), "cut-after-in", "3:reset"));
@@ -207,7 +208,7 @@ TEST(Faults, ALinkCutBeforeTheFirstByteIsThereAndGoneAtOnce) {
 TEST(Faults, ThePrinterThatPrintsNothingTakesEverythingAnswersAndDoesNotCount) {
   Session session(with("prints-nothing", "true"));
   EXPECT_TRUE(session.send(ascii("a job") + hex("17 1b1d03010000")));
-  EXPECT_EQ(session.ask(kStatusRequest), kBlock);
+  EXPECT_EQ(session.ask(statusRequest), statusBlock);
   EXPECT_EQ(session.printer.printed(), Bytes{});
   EXPECT_EQ(session.link->space(session.now), session.printer.state().bufferSize());
 }

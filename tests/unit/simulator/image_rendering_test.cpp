@@ -11,8 +11,8 @@
 namespace quordalvane::simulator {
 namespace {
 
-constexpr unsigned kLeft = 48;  // from the picture's edge to the print
-constexpr unsigned kTop = 36;   // to the first line
+constexpr unsigned leftEdge = 48;  // from the picture's edge to the print
+constexpr unsigned paperTop = 36;  // to the first line
 
 class Print {
  public:
@@ -23,7 +23,7 @@ class Print {
   }
 
   bool dark(unsigned x, unsigned y) const {
-    return (picture_.pixels.at((kTop + y) * picture_.width + kLeft + x) & 0xffU) < 0x80;
+    return (picture_.pixels.at((paperTop + y) * picture_.width + leftEdge + x) & 0xffU) < 0x80;
   }
 
   std::size_t darkIn(unsigned x, unsigned y, unsigned width, unsigned height) const {
@@ -50,8 +50,8 @@ class Print {
 };
 
 TEST(Picture, IsAsWideAsThePaperWithItsMargins) {
-  EXPECT_EQ(Print(ascii("x\n")).picture().width, 384U + 2 * kLeft);
-  EXPECT_EQ(Print(ascii("x\n"), PrinterBuilder()).picture().width, 576U + 2 * kLeft);
+  EXPECT_EQ(Print(ascii("x\n")).picture().width, 384U + 2 * leftEdge);
+  EXPECT_EQ(Print(ascii("x\n"), PrinterBuilder()).picture().width, 576U + 2 * leftEdge);
 }
 
 TEST(Picture, GoesOnBehindABarcodeWithLettersBeyondAscii) {
@@ -189,7 +189,7 @@ TEST(Picture, ShowsTheTextOfABarCodeWhereItIsWanted) {
 TEST(Symbols, ACheckDigitIsFoundAndAWrongOneIsPutRight) {
   const auto ean = [](const char* data) {
     Barcode barcode;
-    barcode.symbology = Symbology::ean13;
+    barcode.symbology = Symbology::Ean13;
     barcode.data = data;
     return encode(barcode).value().text;
   };
@@ -200,12 +200,12 @@ TEST(Symbols, ACheckDigitIsFoundAndAWrongOneIsPutRight) {
 
 TEST(Symbols, EachSymbologyTakesDataOfItsKind) {
   const std::pair<Symbology, const char*> cases[] = {
-      {Symbology::upcA, "01234567890"},    {Symbology::upcE, "0123456"},
-      {Symbology::upcE, "01234567890"},    {Symbology::upcE, "01234567"},
-      {Symbology::ean13, "4006381333931"}, {Symbology::ean8, "0123456"},
-      {Symbology::code39, "*ABC 12*"},     {Symbology::interleaved, "0123456789"},
-      {Symbology::codabar, "A012345A"},    {Symbology::code93, "012abcd"},
-      {Symbology::code128, "Ab1234{"},
+      {Symbology::UpcA, "01234567890"},    {Symbology::UpcE, "0123456"},
+      {Symbology::UpcE, "01234567890"},    {Symbology::UpcE, "01234567"},
+      {Symbology::Ean13, "4006381333931"}, {Symbology::Ean8, "0123456"},
+      {Symbology::Code39, "*ABC 12*"},     {Symbology::Interleaved, "0123456789"},
+      {Symbology::Codabar, "A012345A"},    {Symbology::Code93, "012abcd"},
+      {Symbology::Code128, "Ab1234{"},
   };
   for (const auto& [symbology, data] : cases) {
     Barcode barcode;
@@ -221,7 +221,7 @@ TEST(Symbols, EachSymbologyTakesDataOfItsKind) {
 
 TEST(Symbols, DataThatASymbologyCannotHoldGivesNone) {
   Barcode barcode;
-  barcode.symbology = Symbology::ean13;
+  barcode.symbology = Symbology::Ean13;
   barcode.data = "12a";
   EXPECT_FALSE(encode(barcode).has_value());
   barcode.data = "";
@@ -258,13 +258,13 @@ TEST(Picture, OfALongPaperEndsAfterTwoMetres) {
   Bytes job;
   for (int i = 0; i < 2'000; ++i)
     job = std::move(job) + ascii("line\n");
-  EXPECT_LE(Print(job).picture().height, kLongestPicture + 100);
-  EXPECT_GE(Print(job).picture().height, kLongestPicture);
+  EXPECT_LE(Print(job).picture().height, longestPicture + 100);
+  EXPECT_GE(Print(job).picture().height, longestPicture);
   Bytes cuts;
   for (int i = 0; i < 2'000; ++i)
     cuts = std::move(cuts) + hex("0a 1d5600");
-  EXPECT_LE(Print(cuts).picture().height, kLongestPicture + 100);
-  EXPECT_GE(Print(cuts).picture().height, kLongestPicture);
+  EXPECT_LE(Print(cuts).picture().height, longestPicture + 100);
+  EXPECT_GE(Print(cuts).picture().height, longestPicture);
 }
 
 TEST(Picture, OfEmptyPaperIsSmallAndThere) {

@@ -7,7 +7,7 @@ namespace {
 
 TEST(PrinterLink, ReadsNoMoreThanIsAskedFor) {
   Session session;
-  session.send(kStatusRequest);
+  session.send(statusRequest);
   Bytes two(2);
   EXPECT_EQ(session.link->read(two, session.now), 2U);
   EXPECT_EQ(two, hex("8901"));
@@ -17,7 +17,7 @@ TEST(PrinterLink, ReadsNoMoreThanIsAskedFor) {
 
 TEST(PrinterLink, ANewLinkEndsTheOneBeforeIt) {
   Session session;
-  session.send(kStatusRequest);
+  session.send(statusRequest);
   const auto other = session.connect();
   EXPECT_TRUE(session.link->dropped(session.now));
   EXPECT_EQ(session.link->write(Bytes{'x'}, session.now), 0U);
@@ -83,7 +83,7 @@ TEST(AFullPrinter, HearsNoRequestInTheMiddleOfAnImage) {
 TEST(AFullPrinter, HearsADataCancelAndHasSpaceAgain) {
   Session session(standing());
   ASSERT_TRUE(session.send(Bytes(16, 'x')));
-  EXPECT_TRUE(session.send(kDataCancel));
+  EXPECT_TRUE(session.send(dataCancel));
   EXPECT_EQ(session.link->space(session.now), 16U);
 }
 

@@ -150,11 +150,11 @@ TEST(Printing, AnEtbCountsWhenEverythingBeforeItHasBeenPrinted) {
   Session session(slow());
   session.send(ascii("0123") + hex("17 17"));
   session.wait(499ms);
-  EXPECT_EQ(etbCounterOf(session.ask(kStatusRequest)), 0);
+  EXPECT_EQ(etbCounterOf(session.ask(statusRequest)), 0);
   session.wait(1ms);
-  EXPECT_EQ(etbCounterOf(session.ask(kStatusRequest)), 1);
+  EXPECT_EQ(etbCounterOf(session.ask(statusRequest)), 1);
   session.wait(100ms);
-  EXPECT_EQ(etbCounterOf(session.ask(kStatusRequest)), 2);
+  EXPECT_EQ(etbCounterOf(session.ask(statusRequest)), 2);
 }
 
 TEST(Printing, TheReportOfAnEtbComesUnaskedAtItsTime) {
@@ -180,7 +180,7 @@ TEST(Printing, StatusIsAnsweredWhileDataIsHeld) {
   Session session(slow());
   session.send(ascii("0123456789"));
   EXPECT_EQ(session.ask("100401"), hex("12"));
-  EXPECT_EQ(session.ask(kStatusRequest).size(), 9U);
+  EXPECT_EQ(session.ask(statusRequest).size(), 9U);
   EXPECT_EQ(session.printer.buffered(), 10U);
 }
 
@@ -197,7 +197,7 @@ TEST(Printing, AnOffLinePrinterKeepsWhatItHoldsCountsNoEtbAndPrintsOnWhenItIsRea
   session.printer.setFlag("coverOpen", false, session.now);
   EXPECT_EQ(session.link->nextEvent(session.now), session.now + 800ms);
   session.wait(800ms);
-  EXPECT_EQ(etbCounterOf(session.ask(kStatusRequest)), 1);
+  EXPECT_EQ(etbCounterOf(session.ask(statusRequest)), 1);
   EXPECT_EQ(session.printer.printed(), ascii("0123456789"));
 }
 
@@ -288,7 +288,7 @@ TEST(Printing, AJobThatIsDroppedEndsAllTheSame) {
   session.send(ascii("a line\n"));
   session.wait(200ms);
   session.reconnect();
-  session.send(kDataCancel);
+  session.send(dataCancel);
   EXPECT_EQ(jobs, std::vector<std::string>{"a\n"});
 }
 

@@ -26,7 +26,7 @@ std::vector<Exchange> exchanges() {
        hex("89 01 00001020 00 00 05")},
       {"state bytes",
        PrinterBuilder().etbCounter(0xab).presenterState(2).connectedInterface(3).with(
-           Flag::etbAvailable, false),
+           Flag::EtbAvailable, false),
        "1b0601", hex("89 01 00000000 ab 02 03")},
       {"preparing has no reply", plain, "1b2a7242", {}},
       {"firmware in line mode", plain, "1b232a0a00", hex("1b232a 4631 0a00")},
@@ -35,12 +35,12 @@ std::vector<Exchange> exchanges() {
       {"bank 2", PrinterBuilder().dipBank2({0x1b, 0xff}), "1b232c320a00", hex("1b232c32 1bff 0a")},
       {"there is no bank 3", plain, "1b232c330a00", {}},
       {"drawer, nothing set", plain, "100401", hex("12")},
-      {"drawer open", PrinterBuilder().with(Flag::compulsionSwitch), "100401", hex("16")},
+      {"drawer open", PrinterBuilder().with(Flag::CompulsionSwitch), "100401", hex("16")},
       {"off line", PrinterBuilder().offline(), "100401", hex("1a")},
       {"cover shut", plain, "100402", hex("12")},
       {"cover open", PrinterBuilder().coverOpen(), "100402", hex("16")},
       {"paper there", plain, "100404", hex("12")},
-      {"paper near its end", PrinterBuilder().with(Flag::receiptPaperNearEmptyInner), "100404",
+      {"paper near its end", PrinterBuilder().with(Flag::ReceiptPaperNearEmptyInner), "100404",
        hex("1e")},
       {"paper out", PrinterBuilder().paperOut(), "100404", hex("72")},
       {"no such query", plain, "100403", {}},
@@ -81,35 +81,35 @@ TEST(Replies, AreTheSameWhereverTheRequestIsSplit) {
 }
 
 TEST(Replies, EveryFlagHasItsOwnBit) {
-  for (std::size_t k = 0; k < kFlagCount; ++k) {
+  for (std::size_t k = 0; k < flagCount; ++k) {
     PrinterState state;
-    for (std::size_t other = 0; other < kFlagCount; ++other)
+    for (std::size_t other = 0; other < flagCount; ++other)
       state.setFlag(static_cast<Flag>(other), other == k);
-    Session session(PrinterBuilder().with(Flag::etbAvailable, false).with(static_cast<Flag>(k)));
-    Bytes block = session.ask(kStatusRequest);
+    Session session(PrinterBuilder().with(Flag::EtbAvailable, false).with(static_cast<Flag>(k)));
+    Bytes block = session.ask(statusRequest);
     ASSERT_EQ(block.size(), 9U);
     const std::uint8_t bit = static_cast<std::uint8_t>(1U << k % 8);
-    EXPECT_TRUE((block[2 + k / 8] & bit) != 0) << kFlagNames[k];
+    EXPECT_TRUE((block[2 + k / 8] & bit) != 0) << flagNames[k];
     block[2 + k / 8] = static_cast<std::uint8_t>(block[2 + k / 8] & ~bit);
     block[2] = static_cast<std::uint8_t>(block[2] & ~2U);  // off line may follow from the flag
-    EXPECT_EQ(block, hex("89 01 00000000 00 00 05")) << kFlagNames[k];
+    EXPECT_EQ(block, hex("89 01 00000000 00 00 05")) << flagNames[k];
   }
 }
 
 TEST(Replies, CoverPaperAndErrorsMakeThePrinterOffLineByThemselvesAndNothingElseDoes) {
-  for (std::size_t k = 0; k < kFlagCount; ++k) {
+  for (std::size_t k = 0; k < flagCount; ++k) {
     const auto flag = static_cast<Flag>(k);
-    const bool error = flag >= Flag::overTemp && flag <= Flag::voltageError;
-    const bool stops = error || flag == Flag::coverOpen || flag == Flag::offline ||
-                       flag == Flag::receiptPaperEmpty;
-    EXPECT_EQ(PrinterBuilder().with(flag).state().flag(Flag::offline), stops) << kFlagNames[k];
+    const bool error = flag >= Flag::OverTemp && flag <= Flag::VoltageError;
+    const bool stops = error || flag == Flag::CoverOpen || flag == Flag::Offline ||
+                       flag == Flag::ReceiptPaperEmpty;
+    EXPECT_EQ(PrinterBuilder().with(flag).state().flag(Flag::Offline), stops) << flagNames[k];
   }
 }
 
 TEST(Replies, AHostThatNeverReadsCannotMakeThePrinterRememberWithoutEnd) {
   Session session;
   for (int i = 0; i < 20'000; ++i)
-    session.send(kStatusRequest);
+    session.send(statusRequest);
   EXPECT_LE(session.link->available(session.now), 64U * 1024U);
   EXPECT_EQ(session.receive().size() % 9, 0U) << "a reply is kept whole or not at all";
 }

@@ -25,7 +25,7 @@ TEST(Settings, EachKeyChangesWhatItNames) {
   state.set("presenterState", "3");
   state.set("connectedInterface", "2");
   state.set("paper", "58");
-  EXPECT_TRUE(state.flag(Flag::coverOpen));
+  EXPECT_TRUE(state.flag(Flag::CoverOpen));
   EXPECT_EQ(state.firmware(), "Ver 2.10");
   EXPECT_EQ(state.dipBanks[0], (DipBank{0xc0, 0x0a}));
   EXPECT_EQ(state.dipBanks[1], (DipBank{0x00, 0xff}));
@@ -38,13 +38,13 @@ TEST(Settings, EachKeyChangesWhatItNames) {
 }
 
 TEST(Settings, EveryFlagIsSetByItsName) {
-  for (std::size_t k = 0; k < kFlagCount; ++k) {
+  for (std::size_t k = 0; k < flagCount; ++k) {
     PrinterState state;
     const auto flag = static_cast<Flag>(k);
-    state.set(kFlagNames[k], "true");
-    EXPECT_TRUE(state.flag(flag)) << kFlagNames[k];
-    state.set(kFlagNames[k], "false");
-    EXPECT_FALSE(state.flag(flag)) << kFlagNames[k];
+    state.set(flagNames[k], "true");
+    EXPECT_TRUE(state.flag(flag)) << flagNames[k];
+    state.set(flagNames[k], "false");
+    EXPECT_FALSE(state.flag(flag)) << flagNames[k];
   }
 }
 

@@ -128,8 +128,8 @@ void Control::addFaults(const Json& faults, simulator::Instant now) {
 Json Control::state() const {
   const simulator::PrinterState& state = printer_.state();
   Json json;
-  for (std::size_t i = 0; i < simulator::kFlagCount; ++i) {
-    json[simulator::kFlagNames[i]] = state.flag(static_cast<simulator::Flag>(i));
+  for (std::size_t i = 0; i < simulator::flagCount; ++i) {
+    json[simulator::flagNames[i]] = state.flag(static_cast<simulator::Flag>(i));
   }
   json["firmware"] = state.firmware();
   json["dip1"] = hexOf(state.dipBanks[0]);

@@ -25,7 +25,7 @@ void Links::add(const simulator::Faults& faults, simulator::Instant now) {
 }
 
 void Links::add(const Fault& fault, simulator::Instant now) {
-  if (fault.kind == FaultKind::at) {
+  if (fault.kind == FaultKind::At) {
     const auto isLater = [](simulator::Instant due, const Coming& other) {
       return due < other.due;
     };
@@ -34,7 +34,7 @@ void Links::add(const Fault& fault, simulator::Instant now) {
                    {due, fault.key, fault.value});
     return;
   }
-  const bool onlyOnce = fault.kind == FaultKind::cut;
+  const bool onlyOnce = fault.kind == FaultKind::Cut;
   if (link_ != nullptr) {
     link_->addFault(fault, now);
   } else if (onlyOnce) {

@@ -28,7 +28,7 @@ int orThrow(int result) {
 }
 
 Descriptor terminal(int number) {
-  return {orThrow(number), Descriptor::Kind::terminal};
+  return {orThrow(number), Descriptor::Kind::Terminal};
 }
 
 // Opens the other side of the terminal. Bytes pass as they are from then on, whatever program opens
@@ -53,7 +53,7 @@ class PtyLine : public Line {
 
   bool hasSettled() override {
     const Descriptor other(::open(path_.c_str(), O_RDONLY | O_NOCTTY | O_NONBLOCK | O_CLOEXEC),
-                           Descriptor::Kind::terminal);
+                           Descriptor::Kind::Terminal);
     int unread = 0;
     const bool isEmpty = ::ioctl(other.number(), FIONREAD, &unread) != 0 || unread == 0;
     emptyLooks_ = isEmpty ? emptyLooks_ + 1 : 0;

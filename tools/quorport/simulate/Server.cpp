@@ -125,7 +125,7 @@ void Server::workForHost(Instant now) {
 // A host that has left keeps its place while the printer works through what it sent. Where the
 // printer stands still that may take for ever, and the next host comes first.
 bool Server::hostMakesWay() const {
-  return host_->hostEnded() && printer_.state().flag(simulator::Flag::offline);
+  return host_->hostEnded() && printer_.state().flag(simulator::Flag::Offline);
 }
 
 bool Server::acceptHost(Instant now) {
@@ -170,7 +170,7 @@ void Server::workForControls(Instant now) {
 
 void Server::collectPaper(Instant now) {
   const bool isWorking = printer_.buffered() > 0 &&
-                         (printer_.nextEvent() || printer_.state().flag(simulator::Flag::offline));
+                         (printer_.nextEvent() || printer_.state().flag(simulator::Flag::Offline));
   const auto end = endOfJob();
   if (!isWorking && end && now >= *end) {
     keep(printer_.tearOff());

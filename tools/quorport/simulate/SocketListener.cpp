@@ -34,7 +34,7 @@ void check(bool succeeded) {
 Descriptor makeSocket(int family) {
   const int number = ::socket(family, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
   check(number >= 0);
-  return {number, Descriptor::Kind::socket};
+  return {number, Descriptor::Kind::Socket};
 }
 
 class SocketLine : public Line {
@@ -73,7 +73,7 @@ class SocketListener : public Listener {
     }
     const int on = 1;  // answers are short and awaited; a local socket refuses this and has no need
     ::setsockopt(number, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-    return std::make_unique<SocketLine>(Descriptor(number, Descriptor::Kind::socket));
+    return std::make_unique<SocketLine>(Descriptor(number, Descriptor::Kind::Socket));
   }
 
   void resume(bool /*dropped*/) override {}

@@ -116,8 +116,8 @@ TEST_F(LogQueueTest, KeepsWhatWaitsWhenTheCapacityFallsBelowIt) {
 
 TEST_F(LogQueueTest, RefusesACapacityOfZeroOrBeyondTheMaximumWhetherOpenOrNot) {
   for (const bool open : {false, true}) {
-    for (const std::size_t records : {std::size_t{0}, LogQueue::kMaximumCapacity + 1,
-                                      std::numeric_limits<std::size_t>::max()}) {
+    for (const std::size_t records :
+         {std::size_t{0}, LogQueue::maximumCapacity + 1, std::numeric_limits<std::size_t>::max()}) {
       try {
         queue_.setCapacity(records);
         FAIL() << records << " was taken";
@@ -143,7 +143,7 @@ TEST_F(LogQueueTest, Holds8192RecordsUnlessToldOtherwise) {
 
 TEST_F(LogQueueTest, IsFullWhenItsMessagesHoldTooMuchTextHoweverFewTheyAre) {
   queue_.open();
-  push(std::string(LogQueue::kTextLimit, 'x'));
+  push(std::string(LogQueue::textLimit, 'x'));
   push("dropped");
   EXPECT_EQ(queue_.counts().dropped, 1U);
   EXPECT_EQ(take().records.size(), 1U);
@@ -181,29 +181,29 @@ class OneTake {
   test::SleepingThread taker_;
 };
 
-constexpr std::chrono::hours kForEver{1};
-constexpr std::chrono::milliseconds kPatience{30'000};
+constexpr std::chrono::hours forEver{1};
+constexpr std::chrono::milliseconds patience{30'000};
 
 TEST(GatheringLogQueue, IsTakenOnceItIsHalfFull) {
-  LogQueue queue(kForEver);
+  LogQueue queue(forEver);
   queue.setCapacity(4);
   queue.open();
   queue.push(recordOf("a"));
   const OneTake take(queue);
   EXPECT_FALSE(queue.waitUntilFinished(0ms)) << "nothing was gathered";
   queue.push(recordOf("b"));
-  EXPECT_TRUE(queue.waitUntilFinished(kPatience));
+  EXPECT_TRUE(queue.waitUntilFinished(patience));
   queue.close();  // lets go of a taker that still gathers
 }
 
 TEST(GatheringLogQueue, IsTakenWhenItIsClosed) {
-  LogQueue queue(kForEver);
+  LogQueue queue(forEver);
   queue.open();
   queue.push(recordOf("a"));
   const OneTake take(queue);
   EXPECT_FALSE(queue.waitUntilFinished(0ms)) << "nothing was gathered";
   queue.close();
-  EXPECT_TRUE(queue.waitUntilFinished(kPatience));
+  EXPECT_TRUE(queue.waitUntilFinished(patience));
 }
 
 TEST_F(LogQueueTest, GivesOutWhatWaitsAfterItIsClosedAndThenEnds) {

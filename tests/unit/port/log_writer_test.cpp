@@ -126,7 +126,7 @@ TEST_F(LogWriterTest, CountsRecordsAndDrops) {
   released.notify_all();
   ASSERT_TRUE(writer.flush(1min));
   writer.removeSink(sink);
-  writer.setQueueCapacity(LogQueue::kDefaultCapacity);
+  writer.setQueueCapacity(LogQueue::defaultCapacity);
 }
 
 /// Processes of their own, since they end.

@@ -18,8 +18,8 @@ using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-enum Plain { kPlainOne = 1 };
-enum class Scoped : std::int8_t { negative = -2 };
+enum Plain { plainOne = 1 };
+enum class Scoped : std::int8_t { Negative = -2 };
 
 // What does not fit must not compile; the check behind that is asked here.
 template <typename... Arguments>
@@ -61,7 +61,7 @@ TEST(FormatMessage, ShowsTheLow32BitsOfAnInteger) {
   EXPECT_EQ(formatMessage("%u", -1), "4294967295");
   EXPECT_EQ(formatMessage("%u", std::uint8_t{200}), "200");
   EXPECT_EQ(formatMessage("%d, %d", true, false), "1, 0");
-  EXPECT_EQ(formatMessage("%d, %d", kPlainOne, Scoped::negative), "1, -2");
+  EXPECT_EQ(formatMessage("%d, %d", plainOne, Scoped::Negative), "1, -2");
 }
 
 TEST(FormatMessage, ShowsAll64BitsOfALongInteger) {

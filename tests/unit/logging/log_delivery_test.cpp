@@ -23,7 +23,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 
 /// Long enough that only a defect reaches it.
-constexpr std::chrono::milliseconds kPatience{30'000};
+constexpr std::chrono::milliseconds patience{30'000};
 
 /// Lets nobody pass until it is opened.
 class Gate {
@@ -72,7 +72,7 @@ TEST(LogDelivery, GivesEverySinkEveryRecordInOrder) {
   delivery.addSink(second);
   log(delivery, "a");
   log(delivery, "b");
-  ASSERT_TRUE(delivery.flush(kPatience));
+  ASSERT_TRUE(delivery.flush(patience));
   EXPECT_THAT(first->messages(), ElementsAre("a", "b"));
   EXPECT_THAT(second->messages(), ElementsAre("a", "b"));
 }
@@ -83,7 +83,7 @@ TEST(LogDelivery, DiscardsWhatWasHandedOverBeforeTheFirstSink) {
   const auto sink = std::make_shared<KeepingSink>();
   delivery.addSink(sink);
   log(delivery, "kept");
-  ASSERT_TRUE(delivery.flush(kPatience));
+  ASSERT_TRUE(delivery.flush(patience));
   EXPECT_THAT(sink->messages(), ElementsAre("kept"));
 }
 
@@ -118,9 +118,9 @@ TEST(LogDelivery, LetsNoCallerWaitForASinkAndTellsInTheStreamHowManyWereDropped)
   }
   EXPECT_EQ(delivery.counts().dropped, 2U);
   sink->release();
-  ASSERT_TRUE(delivery.flush(kPatience));
+  ASSERT_TRUE(delivery.flush(patience));
   log(delivery, "d");
-  ASSERT_TRUE(delivery.flush(kPatience));
+  ASSERT_TRUE(delivery.flush(patience));
   EXPECT_THAT(
       sink->messages(),
       ElementsAre("taken", "a", "b", "c", "log records dropped here, the queue was full: 2", "d"));
@@ -141,7 +141,7 @@ TEST(LogDelivery, TellsDropsByAnErrorRecordOfTheTimeOfTheFirst) {
     delivery.handOver(std::move(record));
   }
   sink->release();
-  ASSERT_TRUE(delivery.flush(kPatience));
+  ASSERT_TRUE(delivery.flush(patience));
   const LogRecord drop = sink->records().back();
   EXPECT_EQ(drop.type, ZKLogTypeError);
   EXPECT_EQ(drop.time.time_since_epoch(), 2s);
@@ -149,17 +149,17 @@ TEST(LogDelivery, TellsDropsByAnErrorRecordOfTheTimeOfTheFirst) {
 }
 
 TEST(LogDelivery, AccountsForEveryRecordOfManyThreads) {
-  constexpr int kThreads = 8;
-  constexpr int kRecords = 2000;
+  constexpr int threadCount = 8;
+  constexpr int recordCount = 2000;
   LogDelivery delivery;
   const auto sink = std::make_shared<KeepingSink>();
   delivery.setQueueCapacity(100);
   delivery.addSink(sink);
   {
     std::vector<std::jthread> threads;
-    for (int thread = 0; thread < kThreads; ++thread) {
+    for (int thread = 0; thread < threadCount; ++thread) {
       threads.emplace_back([&delivery, thread] {
-        for (int line = 0; line < kRecords; ++line) {
+        for (int line = 0; line < recordCount; ++line) {
           LogRecord record = recordOf("counted");
           record.thread = thread;
           record.line = line;
@@ -168,10 +168,10 @@ TEST(LogDelivery, AccountsForEveryRecordOfManyThreads) {
       });
     }
   }
-  ASSERT_TRUE(delivery.flush(kPatience));
+  ASSERT_TRUE(delivery.flush(patience));
   std::uint64_t delivered = 0;
   std::uint64_t dropped = 0;
-  std::array<std::int64_t, kThreads> next{};
+  std::array<std::int64_t, threadCount> next{};
   for (const LogRecord& record : sink->records()) {
     if (record.message == "counted") {
       ++delivered;
@@ -182,7 +182,7 @@ TEST(LogDelivery, AccountsForEveryRecordOfManyThreads) {
       dropped += std::stoull(record.message.substr(record.message.rfind(' ')));
     }
   }
-  EXPECT_EQ(delivered + dropped, std::uint64_t{kThreads} * kRecords);
+  EXPECT_EQ(delivered + dropped, std::uint64_t{threadCount} * recordCount);
   EXPECT_EQ(delivery.counts().dropped, dropped);
 }
 
@@ -195,7 +195,7 @@ TEST(LogDelivery, GivesUpAFlushWhenASinkHangs) {
   EXPECT_FALSE(delivery.flush(1ms));
   EXPECT_FALSE(delivery.flush(0ms));
   sink->release();
-  EXPECT_TRUE(delivery.flush(kPatience));
+  EXPECT_TRUE(delivery.flush(patience));
   EXPECT_TRUE(delivery.flush(0ms));
 }
 
@@ -213,12 +213,12 @@ TEST(LogDelivery, LetsASinkLogAndFlush) {
     seen.push_back(record.message);
     if (record.message == "first") {
       log(delivery, "from the sink");
-      flushed = delivery.flush(kPatience);
+      flushed = delivery.flush(patience);
     }
   }));
   log(delivery, "first");
-  ASSERT_TRUE(delivery.flush(kPatience));
-  ASSERT_TRUE(delivery.flush(kPatience));
+  ASSERT_TRUE(delivery.flush(patience));
+  ASSERT_TRUE(delivery.flush(patience));
   EXPECT_THAT(seen, ElementsAre("first", "from the sink"));
   EXPECT_EQ(flushed, false) << "a sink cannot wait for itself";
 }
@@ -231,9 +231,9 @@ TEST(LogDelivery, CallsARemovedSinkNoMoreOnceItWasFlushed) {
   sink->waitUntilItHangs();
   delivery.removeSink(sink);
   sink->release();
-  ASSERT_TRUE(delivery.flush(kPatience));
+  ASSERT_TRUE(delivery.flush(patience));
   log(delivery, "b");
-  ASSERT_TRUE(delivery.flush(kPatience));
+  ASSERT_TRUE(delivery.flush(patience));
   EXPECT_THAT(sink->messages(), ElementsAre("a"));
   EXPECT_EQ(sink.use_count(), 1);
 }
@@ -244,7 +244,7 @@ TEST(LogDelivery, IgnoresTheRemovalOfASinkThatWasNeverAdded) {
   delivery.addSink(sink);
   delivery.removeSink(std::make_shared<KeepingSink>());
   log(delivery, "a");
-  ASSERT_TRUE(delivery.flush(kPatience));
+  ASSERT_TRUE(delivery.flush(patience));
   EXPECT_THAT(sink->messages(), ElementsAre("a"));
 }
 
@@ -256,7 +256,7 @@ TEST(LogDelivery, ReportsAFailingSinkOnceAndGoesOnWithTheOthers) {
   delivery.addSink(healthy);
   for (const char* message : {"a", "b"}) {
     log(delivery, message);
-    ASSERT_TRUE(delivery.flush(kPatience));
+    ASSERT_TRUE(delivery.flush(patience));
   }
   EXPECT_THAT(healthy->messages(), ElementsAre("a", "b"));
   EXPECT_EQ(redirected.text(),
@@ -269,7 +269,7 @@ TEST(LogDelivery, ReportsEachFailingSink) {
   delivery.addSink(std::make_shared<ThrowingSink>());
   delivery.addSink(std::make_shared<CallbackSink>([](const LogRecord&) { throw 1; }));
   log(delivery, "a");
-  ASSERT_TRUE(delivery.flush(kPatience));
+  ASSERT_TRUE(delivery.flush(patience));
   EXPECT_THAT(redirected.text(), HasSubstr("no room"));
   EXPECT_THAT(redirected.text(), HasSubstr("an exception that tells nothing of itself"));
 }
@@ -286,7 +286,7 @@ TEST(LogDelivery, OutlivesAStandardErrorWithoutAReader) {
   delivery.addSink(std::make_shared<StandardErrorSink>());
   delivery.addSink(healthy);
   log(delivery, "a");
-  ASSERT_TRUE(delivery.flush(kPatience));
+  ASSERT_TRUE(delivery.flush(patience));
   EXPECT_THAT(healthy->messages(), ElementsAre("a"));
 }
 

@@ -17,14 +17,14 @@ namespace {
 using test::recordOf;
 using testing::ElementsAre;
 
-const std::array<LogRecord, 2> kRecords{recordOf("one"), recordOf("two\x1b[2J")};
+const std::array<LogRecord, 2> recordCount{recordOf("one"), recordOf("two\x1b[2J")};
 
 TEST(JsonFileSink, WritesOneJsonObjectALine) {
   const test::TemporaryFolder folder;
-  JsonFileSink(folder.file("port.log")).write(kRecords);
+  JsonFileSink(folder.file("port.log")).write(recordCount);
   std::string expected;
-  appendJsonLine(expected, kRecords[0]);
-  appendJsonLine(expected, kRecords[1]);
+  appendJsonLine(expected, recordCount[0]);
+  appendJsonLine(expected, recordCount[1]);
   EXPECT_EQ(test::contentsOf(folder.file("port.log")), expected);
 }
 
@@ -32,7 +32,7 @@ TEST(JsonFileSink, NeverPartsALineBetweenFiles) {
   const test::TemporaryFolder folder;
   JsonFileSink sink(folder.file("port.log"), {.maximumBytes = 500, .keptFiles = 50});
   for (int count = 0; count < 20; ++count) {
-    sink.write(kRecords);
+    sink.write(recordCount);
   }
   int lines = 0;
   int files = 0;
@@ -50,10 +50,10 @@ TEST(JsonFileSink, NeverPartsALineBetweenFiles) {
 
 TEST(StandardErrorSink, WritesOneReadableLineForEachRecord) {
   std::string expected;
-  appendReadableLine(expected, kRecords[0]);
-  appendReadableLine(expected, kRecords[1]);
+  appendReadableLine(expected, recordCount[0]);
+  appendReadableLine(expected, recordCount[1]);
   const test::RedirectedStandardError redirected;
-  StandardErrorSink().write(kRecords);
+  StandardErrorSink().write(recordCount);
   EXPECT_EQ(redirected.text(), expected);
 }
 
@@ -71,12 +71,12 @@ TEST(StandardErrorSink, WritesMoreThanItGathersAtOnce) {
 TEST(StandardErrorSink, SaysThatStandardErrorTakesNoMore) {
   const test::RedirectedStandardError redirected;
   ::close(STDERR_FILENO);
-  EXPECT_THROW(StandardErrorSink().write(kRecords), std::system_error);
+  EXPECT_THROW(StandardErrorSink().write(recordCount), std::system_error);
 }
 
 TEST(CallbackSink, CallsTheFunctionForEachRecordInOrder) {
   std::vector<std::string> seen;
-  CallbackSink([&](const LogRecord& record) { seen.push_back(record.message); }).write(kRecords);
+  CallbackSink([&](const LogRecord& record) { seen.push_back(record.message); }).write(recordCount);
   EXPECT_THAT(seen, ElementsAre("one", "two\\u001b[2J"));
 }
 
@@ -110,7 +110,7 @@ TEST(CallbackSink, GoesOnAfterAnExceptionAndRaisesTheFirst) {
     throw std::runtime_error(record.message);
   });
   try {
-    sink.write(kRecords);
+    sink.write(recordCount);
     FAIL() << "nothing was thrown";
   } catch (const std::runtime_error& failure) {
     EXPECT_STREQ(failure.what(), "one");

@@ -7,7 +7,7 @@ namespace {
 
 using namespace std::string_view_literals;
 
-constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
+constexpr std::string_view replacement = "\xEF\xBF\xBD";
 
 std::string printable(std::string_view text) {
   std::string out;
@@ -27,7 +27,7 @@ struct Case {
   std::string_view shown;
 };
 
-constexpr Case kCases[] = {
+constexpr Case cases[] = {
     {"nothing", "", ""},
     {"plain text", "XQ-200 [1] ~", "XQ-200 [1] ~"},
     {"valid text of two, three and four bytes", "ä € 𐍈", "ä € 𐍈"},
@@ -39,8 +39,8 @@ constexpr Case kCases[] = {
     {"the eight-bit escape", "\xC2\x9B", "\\u009b"},
     {"the first and the last eight-bit control", "\xC2\x80\xC2\x9F", "\\u0080\\u009f"},
     {"the character after them", "\xC2\xA0", "\xC2\xA0"},
-    {"a continuation byte alone", "\x80", kReplacement},
-    {"a byte that no text holds", "\xFF", kReplacement},
+    {"a continuation byte alone", "\x80", replacement},
+    {"a byte that no text holds", "\xFF", replacement},
     {"a character cut short at the end", "a\xE2\x82", "a\xEF\xBF\xBD\xEF\xBF\xBD"},
     {"a character cut short by another", "\xE2(", "\xEF\xBF\xBD("},
     {"an overlong slash", "\xC0\xAF", "\xEF\xBF\xBD\xEF\xBF\xBD"},
@@ -52,14 +52,14 @@ constexpr Case kCases[] = {
 };
 
 TEST(PrintableText, ShowsControlCharactersAsEscapesAndInvalidBytesAsReplacements) {
-  for (const Case& c : kCases) {
+  for (const Case& c : cases) {
     EXPECT_EQ(printable(c.text), c.shown) << c.what;
     EXPECT_EQ(json(c.text), '"' + std::string(c.shown) + '"') << c.what;
   }
 }
 
 TEST(PrintableText, IsPrintableExactlyWhenNothingWouldChange) {
-  for (const Case& c : kCases) {
+  for (const Case& c : cases) {
     EXPECT_EQ(isPrintable(c.text), c.text == c.shown) << c.what;
     EXPECT_TRUE(isPrintable(c.shown)) << c.what;
   }
