@@ -22,12 +22,14 @@ BluetoothModule::BluetoothModule(std::string address, Outlets outlets, Instant n
     : address_(std::move(address)), outlets_(std::move(outlets)), lastReceived_(now) {}
 
 void BluetoothModule::receive(Bytes bytes, Instant now) {
-  if (bytes.empty())
+  if (bytes.empty()) {
     return;
+  }
   advance(now);
   if (commandMode_) {
-    for (std::uint8_t byte : bytes)
+    for (std::uint8_t byte : bytes) {
       receiveCommand(byte, now);
+    }
   } else {
     const bool mayBeEscape = !escape_.empty() || now - lastReceived_ >= guardTime;
     lastReceived_ = now;
@@ -48,8 +50,9 @@ void BluetoothModule::receiveData(Bytes bytes, bool mayBeEscape) {
 
 void BluetoothModule::advance(Instant now) {
   const auto due = nextEvent();
-  if (!due || *due > now)
+  if (!due || *due > now) {
     return;
+  }
   if (dropAt_) {
     dropped_ = true;
     dropAt_.reset();
@@ -62,24 +65,29 @@ void BluetoothModule::advance(Instant now) {
 }
 
 std::optional<Instant> BluetoothModule::nextEvent() const {
-  if (dropAt_)
+  if (dropAt_) {
     return dropAt_;
-  if (!escape_.empty())
+  }
+  if (!escape_.empty()) {
     return lastReceived_ + guardTime;
+  }
   return std::nullopt;
 }
 
 void BluetoothModule::release(Instant now) {
   const auto kept = std::exchange(escape_, {});
-  if (!kept.empty())
+  if (!kept.empty()) {
     outlets_.toPrinter(kept, now);
+  }
 }
 
 void BluetoothModule::receiveCommand(std::uint8_t byte, Instant now) {
-  if (byte == '\r')
+  if (byte == '\r') {
     return obey(now);
-  if (command_.size() <= longestCommand)
+  }
+  if (command_.size() <= longestCommand) {
     command_ += static_cast<char>(byte);
+  }
 }
 
 void BluetoothModule::obey(Instant now) {
@@ -88,8 +96,9 @@ void BluetoothModule::obey(Instant now) {
     reply("\r\n*AILBA:" + address_ + "\r\n\r\nOK\r\n", now);
   } else if (command == "AT*AMWS=10,0,0,0,1,0") {
     reply("\r\nOK\r\n", now);
-    if (!dropAt_)
+    if (!dropAt_) {
       dropAt_ = now + timeToDrop;
+    }
   } else {
     reply("\r\nERROR\r\n", now);
   }

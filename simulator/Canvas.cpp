@@ -74,8 +74,9 @@ void Canvas::fill(double x, double y, double width, double height, std::uint32_t
 
 void Canvas::fillPolygon(const std::vector<Point>& corners, std::uint32_t colour) {
   setColour(cairo_->context, colour);
-  for (const Point& corner : corners)
+  for (const Point& corner : corners) {
     cairo_line_to(cairo_->context, corner.x, corner.y);
+  }
   cairo_close_path(cairo_->context);
   cairo_fill(cairo_->context);
 }
@@ -86,11 +87,13 @@ void Canvas::dots(const Bitmap& bitmap, double x, double y, unsigned scaleX, uns
   for (unsigned row = 0; row < bitmap.height; ++row) {
     for (unsigned begin = 0, end = 0; begin < bitmap.width; begin = end + 1) {
       end = begin;
-      while (end < bitmap.width && bitmap.black(end, row))
+      while (end < bitmap.width && bitmap.black(end, row)) {
         ++end;
-      if (end > begin)
+      }
+      if (end > begin) {
         cairo_rectangle(cairo_->context, x + begin * scaleX, y + row * scaleY,
                         (end - begin) * scaleX, scaleY);
+      }
     }
     cairo_fill(cairo_->context);
   }
@@ -101,8 +104,9 @@ void Canvas::text(std::u32string_view characters, const TextStyle& style, double
   setColour(cairo_->context, colour);
   selectFont(cairo_->context, style.bold);
   for (char32_t c : characters) {
-    if (c != U' ')
+    if (c != U' ') {
       character(c, style, x, y);
+    }
     x += style.cellWidth();
   }
 }
@@ -120,8 +124,9 @@ void Canvas::character(char32_t c, const TextStyle& style, double x, double y) {
   cairo_text_extents(context, utf8.c_str(), &extents);
   // A character that the font lacks comes from another one, and may be wider than its cell.
   const double spare = defaultCellWidth - extents.x_advance;
-  if (spare < 0)
+  if (spare < 0) {
     cairo_scale(context, defaultCellWidth / extents.x_advance, 1);
+  }
   cairo_move_to(context, std::max(0.0, spare / 2),
                 (defaultCellHeight + font.ascent - font.descent) / 2);
   cairo_show_text(context, utf8.c_str());
@@ -136,8 +141,9 @@ bool Canvas::failed() const {
 Picture Canvas::picture() const {
   cairo_surface_flush(cairo_->surface);
   const unsigned char* data = cairo_image_surface_get_data(cairo_->surface);
-  if (data == nullptr || failed())
+  if (data == nullptr || failed()) {
     return {};
+  }
   Picture picture;
   picture.width = static_cast<unsigned>(cairo_image_surface_get_width(cairo_->surface));
   picture.height = static_cast<unsigned>(cairo_image_surface_get_height(cairo_->surface));
@@ -157,8 +163,9 @@ Picture Canvas::picture() const {
 std::vector<std::uint8_t> Canvas::png() const {
   std::vector<std::uint8_t> bytes;
   if (failed() ||
-      cairo_surface_write_to_png_stream(cairo_->surface, append, &bytes) != CAIRO_STATUS_SUCCESS)
+      cairo_surface_write_to_png_stream(cairo_->surface, append, &bytes) != CAIRO_STATUS_SUCCESS) {
     bytes.clear();
+  }
   return bytes;
 }
 

@@ -35,10 +35,12 @@ std::uint64_t countedByDoubleWord(Bytes bytes) {
 std::uint64_t bitImage(Bytes bytes) {
   const std::uint8_t mode = bytes[2];
   const bool legal = mode <= 1 || mode == 32 || mode == 33;
-  if (!legal)
+  if (!legal) {
     return 3;
-  if (bytes.size() < 5)
+  }
+  if (bytes.size() < 5) {
     return 5;
+  }
   return 5 + word(bytes, 3) * (mode >= 32 ? 3 : 1);
 }
 
@@ -52,10 +54,12 @@ std::uint64_t downloadedImage(Bytes bytes) {
 
 std::uint64_t barcode(Bytes bytes) {
   const std::uint8_t symbology = bytes[2];
-  if (symbology <= 6)
+  if (symbology <= 6) {
     return untilNul(bytes, 3, 256);
-  if (symbology < 65 || symbology > 79)
+  }
+  if (symbology < 65 || symbology > 79) {
     return 3;
+  }
   return bytes.size() < 4 ? 4 : std::uint64_t{4} + bytes[3];
 }
 
@@ -98,8 +102,9 @@ std::uint64_t userCharacters(Bytes bytes) {
   const int count = bytes[4] - bytes[3] + 1;
   std::size_t length = 5;
   for (int i = 0; i < count; ++i) {
-    if (bytes.size() <= length)
+    if (bytes.size() <= length) {
       return length + 1;
+    }
     length += 1 + rows * bytes[length];
   }
   return length;
@@ -109,8 +114,9 @@ std::uint64_t userCharacters(Bytes bytes) {
 std::uint64_t storedImages(Bytes bytes) {
   std::uint64_t length = 3;
   for (int i = 0; i < bytes[2]; ++i) {
-    if (bytes.size() < length + 4)
+    if (bytes.size() < length + 4) {
       return length + 4;
+    }
     length += 4 + 8 * word(bytes, length) * word(bytes, length + 2);
   }
   return length;
@@ -231,17 +237,21 @@ bool startsCommand(std::uint8_t byte) {
 }  // namespace
 
 std::uint64_t leastCommandLength(Bytes bytes) {
-  if (!startsCommand(bytes[0]))
+  if (!startsCommand(bytes[0])) {
     return 1;
-  if (bytes.size() < 2)
+  }
+  if (bytes.size() < 2) {
     return 2;
+  }
   for (const Form& form : commandForms) {
     const std::size_t known = std::min<std::size_t>(bytes.size(), form.prefixLength);
     if (!std::equal(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(known),
-                    form.prefix.begin()))
+                    form.prefix.begin())) {
       continue;
-    if (bytes.size() < form.header)
+    }
+    if (bytes.size() < form.header) {
       return known < form.prefixLength ? form.prefixLength : form.header;
+    }
     return form.rule ? form.rule(bytes) : form.header;
   }
   return bytes.size();

@@ -59,25 +59,32 @@ bool isEtb(CommandKind kind) {
 }
 
 bool CommandScanner::feed(std::uint8_t byte) {
-  if (length_ >= needed_)
+  if (length_ >= needed_) {
     restart();
+  }
   ++length_;
-  if (bytes_.size() < longestKept)
+  if (bytes_.size() < longestKept) {
     bytes_.push_back(byte);
-  if (length_ < needed_)
+  }
+  if (length_ < needed_) {
     return false;
-  if (isText(bytes_))
+  }
+  if (isText(bytes_)) {
     return true;
+  }
   needed_ = leastCommandLength(bytes_);
   return length_ >= needed_;
 }
 
 CommandKind CommandScanner::kind() const {
-  if (isText(bytes_))
+  if (isText(bytes_)) {
     return CommandKind::Printing;
-  for (const Pattern& pattern : patterns)
-    if (length_ == pattern.length && beginsLike(pattern, bytes_))
+  }
+  for (const Pattern& pattern : patterns) {
+    if (length_ == pattern.length && beginsLike(pattern, bytes_)) {
       return pattern.kind;
+    }
+  }
   return CommandKind::Printing;
 }
 
@@ -90,8 +97,9 @@ bool CommandScanner::mayConcernTheMachine() const {
 
 void CommandScanner::restart() {
   bytes_.clear();
-  if (bytes_.capacity() > longestKept / 16)
+  if (bytes_.capacity() > longestKept / 16) {
     bytes_.shrink_to_fit();
+  }
   length_ = 0;
   needed_ = 1;
 }

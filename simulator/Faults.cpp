@@ -22,16 +22,18 @@ std::optional<std::uint64_t> number(
   std::uint64_t value = 0;
   const char* end = text.data() + text.size();
   const auto [stop, error] = std::from_chars(text.data(), end, value, base);
-  if (text.empty() || error != std::errc() || stop != end || value > most)
+  if (text.empty() || error != std::errc() || stop != end || value > most) {
     return std::nullopt;
+  }
   return value;
 }
 
 // Takes what stands after the last `mark` off the text; none if there is no mark.
 std::optional<Text> takeTail(Text& text, char mark) {
   const std::size_t at = text.rfind(mark);
-  if (at == Text::npos)
+  if (at == Text::npos) {
     return std::nullopt;
+  }
   const Text tail = text.substr(at + 1);
   text = text.substr(0, at);
   return tail;
@@ -64,14 +66,15 @@ bool parseReply(Text text, Fault& fault) {
 }
 
 bool parseEnding(Text text, Fault& fault) {
-  if (text == "drain")
+  if (text == "drain") {
     fault.ending = Ending::Drain;
-  else if (text == "at-once")
+  } else if (text == "at-once") {
     fault.ending = Ending::AtOnce;
-  else if (text == "reset")
+  } else if (text == "reset") {
     fault.ending = Ending::Reset;
-  else
+  } else {
     return false;
+  }
   return true;
 }
 
@@ -100,8 +103,9 @@ bool parseSplit(Text text, Fault& fault) {
       more = slash != Text::npos;
       const auto offset = number(offsets.substr(0, slash));
       const std::uint64_t before = into.offsets.empty() ? 0 : into.offsets.back();
-      if (!offset || *offset <= before)
+      if (!offset || *offset <= before) {
         return false;
+      }
       into.offsets.push_back(*offset);
       offsets.remove_prefix(more ? slash + 1 : 0);
     }
@@ -127,16 +131,19 @@ bool parseTrue(Text text, Fault&) {
 bool parseAt(Text text, Fault& fault) {
   const std::size_t colon = text.find(':');
   const std::size_t equals = text.find('=', colon == Text::npos ? 0 : colon);
-  if (colon == Text::npos || equals == Text::npos || !parseTime(text.substr(0, colon), fault))
+  if (colon == Text::npos || equals == Text::npos || !parseTime(text.substr(0, colon), fault)) {
     return false;
+  }
   fault.key = text.substr(colon + 1, equals - colon - 1);
   fault.value = text.substr(equals + 1);
-  if (fault.key == "at")
+  if (fault.key == "at") {
     return false;
-  if (isFault(fault.key))
+  }
+  if (isFault(fault.key)) {
     parseFault(fault.key, fault.value);
-  else
+  } else {
     PrinterState().set(fault.key, fault.value);
+  }
   return true;
 }
 
@@ -172,8 +179,9 @@ const Form* formNamed(Text name) {
 
 std::string everyName() {
   std::string names = "seed";
-  for (const Form& form : commandForms)
+  for (const Form& form : commandForms) {
     names.append(", ").append(form.name);
+  }
   return names;
 }
 
@@ -190,12 +198,14 @@ bool isFault(Text name) {
 
 Fault parseFault(Text name, Text value) {
   const Form* form = formNamed(name);
-  if (form == nullptr)
+  if (form == nullptr) {
     throw std::invalid_argument("there is no fault " + quoted(name) + "; there are " + everyName());
+  }
   Fault fault;
   fault.kind = form->kind;
-  if (!form->parse(value, fault))
+  if (!form->parse(value, fault)) {
     refuse(name, value, form->takes);
+  }
   return fault;
 }
 
@@ -205,8 +215,9 @@ void Faults::add(Text name, Text value) {
     return;
   }
   const auto parsed = number(value);
-  if (!parsed)
+  if (!parsed) {
     refuse(name, value, "a whole number");
+  }
   seed = *parsed;
 }
 

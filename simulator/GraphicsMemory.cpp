@@ -20,42 +20,52 @@ bool dot(Bytes rows, std::size_t stride, std::size_t x, std::size_t y) {
 
 Bitmap fromRows(Bytes rows, unsigned width, unsigned height, unsigned scaleX, unsigned scaleY) {
   const std::size_t stride = (std::size_t{width} + 7) / 8;
-  if (stride == 0 || rows.size() < stride * height)
+  if (stride == 0 || rows.size() < stride * height) {
     return {};
+  }
   Bitmap image(std::min(width * scaleX, widest), height * scaleY);
-  for (unsigned y = 0; y < image.height; ++y)
-    for (unsigned x = 0; x < image.width; ++x)
-      if (dot(rows, stride, x / scaleX, y / scaleY))
+  for (unsigned y = 0; y < image.height; ++y) {
+    for (unsigned x = 0; x < image.width; ++x) {
+      if (dot(rows, stride, x / scaleX, y / scaleY)) {
         image.blacken(x, y);
+      }
+    }
+  }
   return image;
 }
 
 // Columns of `tall` dots, the topmost in the highest bit of a column's first byte.
 Bitmap fromColumns(Bytes columns, unsigned count, unsigned tall, unsigned scaleX, unsigned scaleY) {
   const std::size_t stride = (std::size_t{tall} + 7) / 8;
-  if (stride == 0 || columns.size() < stride * count)
+  if (stride == 0 || columns.size() < stride * count) {
     return {};
+  }
   Bitmap image(std::min(count * scaleX, widest), tall * scaleY);
-  for (unsigned y = 0; y < image.height; ++y)
-    for (unsigned x = 0; x < image.width; ++x)
-      if (dot(columns, stride, y / scaleY, x / scaleX))
+  for (unsigned y = 0; y < image.height; ++y) {
+    for (unsigned x = 0; x < image.width; ++x) {
+      if (dot(columns, stride, y / scaleY, x / scaleX)) {
         image.blacken(x, y);
+      }
+    }
+  }
   return image;
 }
 
 }  // namespace
 
 Bitmap rasterImage(Bytes command) {
-  if (command.size() < 8)
+  if (command.size() < 8) {
     return {};
+  }
   const unsigned mode = command[3];
   return fromRows(command.subspan(8), word(command, 4) * 8, word(command, 6), mode & 1U ? 2 : 1,
                   mode & 2U ? 2 : 1);
 }
 
 Bitmap columnImage(Bytes command) {
-  if (command.size() < 5)
+  if (command.size() < 5) {
     return {};
+  }
   const bool tall = command[2] >= 32;
   const bool dense = (command[2] & 1U) != 0;
   // A stripe of eight dots is as high as one of 24; single density is half as fine as the head.
@@ -65,8 +75,9 @@ Bitmap columnImage(Bytes command) {
 
 GraphicsMemory::Outcome GraphicsMemory::apply(Bytes command) {
   const std::size_t header = command[1] == 0x38 ? 7 : 5;
-  if (command[2] != 0x4c || command.size() < header + 2)
+  if (command[2] != 0x4c || command.size() < header + 2) {
     return Outcome::Unknown;
+  }
   const Bytes parameters = command.subspan(header);
   switch (parameters[1]) {
     case 2:
@@ -83,8 +94,9 @@ GraphicsMemory::Outcome GraphicsMemory::apply(Bytes command) {
 
 // Parameters: m fn tone scaleX scaleY colour xL xH yL yH, then the dots of one colour.
 bool GraphicsMemory::store(Bytes parameters, bool byColumns) {
-  if (parameters.size() < 10)
+  if (parameters.size() < 10) {
     return false;
+  }
   const unsigned scaleX = std::clamp<unsigned>(parameters[3], 1, 2);
   const unsigned scaleY = std::clamp<unsigned>(parameters[4], 1, 2);
   const unsigned width = word(parameters, 6);

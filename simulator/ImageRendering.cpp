@@ -72,13 +72,15 @@ class Layout {
         endsEarly_ = true;
         break;
       }
-      if (isFullCut(item))
+      if (isFullCut(item)) {
         endPiece(true);
-      else
+      } else {
         place(item);
+      }
     }
-    if (endsEarly_)
+    if (endsEarly_) {
       y_ += plainBytes.cellHeight();
+    }
     endPiece(false);
   }
 
@@ -96,8 +98,9 @@ class Layout {
 
   void endPiece(bool cut) {
     const bool empty = y_ == begin_ + endMargin;
-    if (empty)
+    if (empty) {
       return;
+    }
     pieces_.push_back({begin_, y_ + endMargin, cut});
     begin_ = y_ + endMargin + gap;
     y_ = begin_ + endMargin;
@@ -115,14 +118,17 @@ class Painter {
   Painter(const Paper& paper, const Layout& layout)
       : paperWidth_(paper.width()),
         canvas_(paper.width() + 2 * (sideMargin + tableMargin), layout.height(), tableColour) {
-    for (const Piece& piece : layout.pieces())
+    for (const Piece& piece : layout.pieces()) {
       paintPiece(piece);
+    }
     canvas_.clipTo(leftEdge, 0, paper.width(), layout.height());
-    for (const Placed& placed : layout.placed())
+    for (const Placed& placed : layout.placed()) {
       std::visit([&](const auto& item) { paint(item, placed.y); }, *placed.item);
-    if (layout.endsEarly())
+    }
+    if (layout.endsEarly()) {
       remark("... and the paper goes on", Alignment::Left,
              layout.pieces().back().bottom - endMargin - plainBytes.cellHeight());
+    }
   }
 
   const Canvas& canvas() const { return canvas_; }
@@ -136,8 +142,9 @@ class Painter {
     const unsigned teeth = (paperWidth_ + 2 * sideMargin) / tooth;
     const double step = static_cast<double>(paperWidth_ + 2 * sideMargin) / teeth;
     std::vector<Canvas::Point> corners;
-    for (unsigned i = 0; i <= teeth; ++i)
+    for (unsigned i = 0; i <= teeth; ++i) {
       corners.push_back({left + i * step, piece.top + shift + (i % 2 == 0 ? 0 : tooth)});
+    }
     for (unsigned i = teeth + 1; i-- > 0;) {
       const bool notch = piece.cutBelow && i % 2 != 0;
       corners.push_back({left + i * step, piece.bottom + shift - (notch ? tooth : 0)});
@@ -152,8 +159,9 @@ class Painter {
 
   double leftOf(unsigned width, Alignment alignment) const {
     const unsigned room = paperWidth_ > width ? paperWidth_ - width : 0;
-    if (alignment == Alignment::Left)
+    if (alignment == Alignment::Left) {
       return leftEdge;
+    }
     return leftEdge + (alignment == Alignment::Center ? room / 2 : room);
   }
 
@@ -167,29 +175,33 @@ class Painter {
     const double left = leftOf(line.width(), line.alignment);
     for (const LineItem& item : line.items) {
       const double top = y + line.contentHeight() - item.height();
-      if (const auto* dots = std::get_if<Bitmap>(&item.content))
+      if (const auto* dots = std::get_if<Bitmap>(&item.content)) {
         canvas_.dots(*dots, left + item.x, top, 1, 1, inkColour);
-      else
+      } else {
         paint(std::get<TextRun>(item.content), left + item.x, top);
+      }
     }
   }
 
   void paint(const TextRun& run, double x, double y) {
     const TextStyle& style = run.style;
     const double width = static_cast<double>(run.text.size()) * style.cellWidth();
-    if (style.inverse)
+    if (style.inverse) {
       canvas_.fill(x, y, width, style.cellHeight(), inkColour);
+    }
     const std::uint32_t ink = style.inverse ? paperColour : inkColour;
-    if (style.underline > 0)
+    if (style.underline > 0) {
       canvas_.fill(x, y + style.cellHeight() - 2, width, style.underline, ink);
+    }
     canvas_.text(run.text, style, x, y, ink);
   }
 
   void paint(const Barcode& barcode, unsigned y) {
     const auto symbol = encode(barcode);
-    if (!symbol)
+    if (!symbol) {
       return remark("[no " + symbologyName(barcode.symbology) + " of this data]", barcode.alignment,
                     y);
+    }
     const unsigned width = symbol->modules.width * barcode.moduleWidth;
     const double left = leftOf(width, barcode.alignment);
     double top = y + symbolSpace;
@@ -198,8 +210,9 @@ class Painter {
       top += plainBytes.cellHeight() + symbolSpace;
     }
     canvas_.dots(symbol->modules, left, top, barcode.moduleWidth, barcode.height, inkColour);
-    if (barcode.textBelow)
+    if (barcode.textBelow) {
       beside(symbol->text, left + width / 2.0, top + barcode.height + symbolSpace);
+    }
   }
 
   void beside(const std::string& text, double middle, double y) {
@@ -211,8 +224,9 @@ class Painter {
 
   void paint(const QrCode& code, unsigned y) {
     const auto symbol = encode(code);
-    if (!symbol)
+    if (!symbol) {
       return remark("[no QR code of this data]", code.alignment, y);
+    }
     const double left = leftOf(symbol->modules.width * code.moduleSize, code.alignment);
     canvas_.dots(symbol->modules, left, y + symbolSpace, code.moduleSize, code.moduleSize,
                  inkColour);
@@ -221,8 +235,9 @@ class Painter {
   void paint(const Feed&, unsigned) {}
 
   void paint(const Cut&, unsigned y) {  // a partial one: the pieces still hang together
-    for (unsigned x = 0; x < paperWidth_; x += 2 * tooth)
+    for (unsigned x = 0; x < paperWidth_; x += 2 * tooth) {
       canvas_.fill(leftEdge + x, y + partialCut / 2.0, tooth, 1, remarkSize);
+    }
   }
 
   unsigned paperWidth_;

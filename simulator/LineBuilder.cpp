@@ -5,16 +5,18 @@
 namespace quordalvane::simulator {
 
 LineItem& LineBuilder::begin(LineItem item) {
-  if (line_.items.empty())
+  if (line_.items.empty()) {
     line_.alignment = alignment_;
+  }
   line_.items.push_back(std::move(item));
   return line_.items.back();
 }
 
 void LineBuilder::add(std::u32string_view text, const TextStyle& style, Paper& paper) {
   for (char32_t character : text) {
-    if (position_ > 0 && position_ + style.cellWidth() > paperWidth_)
+    if (position_ > 0 && position_ + style.cellWidth() > paperWidth_) {
       end(paper);
+    }
     addCharacter(character, style);
   }
 }
@@ -33,29 +35,34 @@ void LineBuilder::addCharacter(char32_t character, const TextStyle& style) {
     run = std::get_if<TextRun>(&last.content);
     const bool continues = run != nullptr && run->style == style &&
                            last.x + run->text.size() * style.cellWidth() == position_;
-    if (!continues)
+    if (!continues) {
       run = nullptr;
+    }
   }
-  if (run == nullptr && !isFull())
+  if (run == nullptr && !isFull()) {
     run = &std::get<TextRun>(begin({position_, TextRun{{}, style}}).content);
-  if (run != nullptr)
+  }
+  if (run != nullptr) {
     run->text += character;
+  }
   position_ += style.cellWidth();
 }
 
 void LineBuilder::add(Bitmap dots) {
   const unsigned room = paperWidth_ - std::min(position_, paperWidth_);
   const unsigned width = std::min(dots.width, room);
-  if (width == 0 || isFull())
+  if (width == 0 || isFull()) {
     return;
+  }
   const unsigned x = position_;
   position_ += width;
   begin({x, std::move(dots)});
 }
 
 void LineBuilder::moveTo(unsigned x) {
-  if (x < paperWidth_)
+  if (x < paperWidth_) {
     position_ = x;
+  }
 }
 
 void LineBuilder::tab(unsigned cellWidth) {
@@ -75,8 +82,9 @@ void LineBuilder::end(Paper& paper) {
 }
 
 void LineBuilder::endIfBegun(Paper& paper) {
-  if (!line_.items.empty())
+  if (!line_.items.empty()) {
     end(paper);
+  }
   position_ = 0;
 }
 

@@ -14,8 +14,9 @@ std::string hexOf(std::span<const std::uint8_t> bytes) {
   constexpr char digits[] = "0123456789abcdef";
   std::string text;
   for (std::uint8_t byte : bytes) {
-    if (!text.empty())
+    if (!text.empty()) {
       text += ' ';
+    }
     text += digits[byte >> 4U];
     text += digits[byte & 0x0fU];
   }
@@ -37,28 +38,32 @@ void Bitmap::blacken(unsigned x, unsigned y) {
 }
 
 unsigned LineItem::width() const {
-  if (const auto* run = std::get_if<TextRun>(&content))
+  if (const auto* run = std::get_if<TextRun>(&content)) {
     return static_cast<unsigned>(run->text.size()) * run->style.cellWidth();
+  }
   return std::get<Bitmap>(content).width;
 }
 
 unsigned LineItem::height() const {
-  if (const auto* run = std::get_if<TextRun>(&content))
+  if (const auto* run = std::get_if<TextRun>(&content)) {
     return run->style.cellHeight();
+  }
   return std::get<Bitmap>(content).height;
 }
 
 unsigned Line::width() const {
   unsigned most = 0;
-  for (const LineItem& item : items)
+  for (const LineItem& item : items) {
     most = std::max(most, item.x + item.width());
+  }
   return most;
 }
 
 unsigned Line::contentHeight() const {
   unsigned most = 0;
-  for (const LineItem& item : items)
+  for (const LineItem& item : items) {
     most = std::max(most, item.height());
+  }
   return most;
 }
 
@@ -71,21 +76,24 @@ void Paper::add(PaperItem item) {
 }
 
 void Paper::feed(unsigned dots) {
-  if (dots == 0)
+  if (dots == 0) {
     return;
+  }
   Feed* last = items_.empty() ? nullptr : std::get_if<Feed>(&items_.back());
-  if (last == nullptr)
+  if (last == nullptr) {
     items_.emplace_back(Feed{dots});
-  else
+  } else {
     last->dots += std::min(dots, std::numeric_limits<unsigned>::max() - last->dots);
+  }
 }
 
 void Paper::cut(bool partial) {
   Cut* last = items_.empty() ? nullptr : std::get_if<Cut>(&items_.back());
-  if (last == nullptr)
+  if (last == nullptr) {
     items_.emplace_back(Cut{partial});
-  else
+  } else {
     last->partial = last->partial && partial;
+  }
 }
 
 void Paper::noteSkipped(std::span<const std::uint8_t> command) {

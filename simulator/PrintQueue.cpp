@@ -3,17 +3,20 @@
 namespace quordalvane::simulator {
 
 void PrintQueue::push(std::span<const std::uint8_t> bytes, Instant now) {
-  if (bytes_.empty())
+  if (bytes_.empty()) {
     startCountingAt(now);
+  }
   bytes_.insert(bytes_.end(), bytes.begin(), bytes.end());
 }
 
 std::optional<PrintQueue::Taken> PrintQueue::take(Instant now) {
-  if (bytes_.empty())
+  if (bytes_.empty()) {
     return std::nullopt;
+  }
   const auto done = doneWith(1);
-  if (!done || *done > now)
+  if (!done || *done > now) {
     return std::nullopt;
+  }
   const Taken taken{bytes_.front(), *done};
   bytes_.pop_front();
   ++doneSince_;
@@ -21,10 +24,12 @@ std::optional<PrintQueue::Taken> PrintQueue::take(Instant now) {
 }
 
 std::optional<Instant> PrintQueue::doneWith(std::size_t count) const {
-  if (!running_)
+  if (!running_) {
     return std::nullopt;
-  if (bytesPerSecond_ == 0)
+  }
+  if (bytesPerSecond_ == 0) {
     return start_;
+  }
   constexpr std::uint64_t second = 1'000'000'000;
   const std::uint64_t total = doneSince_ + count;
   // Whole seconds apart, so that a long day's work does not overflow.
@@ -36,8 +41,9 @@ std::optional<Instant> PrintQueue::doneWith(std::size_t count) const {
 }
 
 void PrintQueue::run(bool running, std::uint32_t bytesPerSecond, Instant now) {
-  if (running == running_ && bytesPerSecond == bytesPerSecond_)
+  if (running == running_ && bytesPerSecond == bytesPerSecond_) {
     return;
+  }
   running_ = running;
   bytesPerSecond_ = bytesPerSecond;
   startCountingAt(now);

@@ -78,8 +78,9 @@ PrinterBuilder& PrinterBuilder::seed(std::uint64_t number) {
 }
 
 PrinterBuilder& PrinterBuilder::set(std::string_view key, std::string_view value) {
-  if (isFault(key) || key == "seed")
+  if (isFault(key) || key == "seed") {
     return fault(key, value);
+  }
   state_.set(key, value);
   return *this;
 }

@@ -13,8 +13,9 @@ constexpr std::size_t mostWaiting = std::size_t{64} * 1024;
 constexpr std::size_t commandModeSpace = 256;
 
 std::optional<Instant> earlier(std::optional<Instant> a, std::optional<Instant> b) {
-  if (a && b)
+  if (a && b) {
     return std::min(*a, *b);
+  }
   return a ? a : b;
 }
 
@@ -25,8 +26,9 @@ PrinterLink::PrinterLink(VirtualPrinter& printer, Instant now, const Faults& fau
       connection_(printer.connect([this](std::span<const std::uint8_t> bytes, Instant at) {
         // The module has one radio channel: while it answers commands itself, the printer is not
         // heard.
-        if (!module_.inCommandMode())
+        if (!module_.inCommandMode()) {
           send(bytes, at);
+        }
       })),
       module_(printer.state().bluetoothAddress(),
               {[this](std::span<const std::uint8_t> bytes, Instant at) {
@@ -36,13 +38,15 @@ PrinterLink::PrinterLink(VirtualPrinter& printer, Instant now, const Faults& fau
               now),
       replies_(faults.seed.value_or(0)),
       now_(now) {
-  for (const Fault& fault : faults.list)
+  for (const Fault& fault : faults.list) {
     befall(fault);
+  }
 }
 
 PrinterLink::~PrinterLink() {
-  if (!ended_)
+  if (!ended_) {
     drop(Ending::AtOnce);
+  }
 }
 
 std::size_t PrinterLink::space(Instant now) {
@@ -57,8 +61,9 @@ std::size_t PrinterLink::space(Instant now) {
 
 // What the link itself lets through.
 std::size_t PrinterLink::mostTaken() const {
-  if (ended_ || stalled())
+  if (ended_ || stalled()) {
     return 0;
+  }
   const std::uint64_t most = std::numeric_limits<std::size_t>::max();
   return std::min(mostPerWrite_.value_or(most), bytesBeforeCut());
 }
@@ -70,8 +75,9 @@ std::size_t PrinterLink::heardWithoutSpace(std::span<const std::uint8_t> bytes) 
 
 std::size_t PrinterLink::write(std::span<const std::uint8_t> bytes, Instant now) {
   std::size_t count = std::min(bytes.size(), space(now));
-  if (count == 0)
+  if (count == 0) {
     count = heardWithoutSpace(bytes);
+  }
   module_.receive(bytes.first(count), now);
   bytesIn_ += count;
   beginStalls();
@@ -109,8 +115,9 @@ bool PrinterLink::wasReset(Instant now) {
 
 std::optional<Instant> PrinterLink::nextEvent(Instant now) {
   settle(now);
-  if (ended_)
+  if (ended_) {
     return std::nullopt;
+  }
   return earlier(nextOwnEvent(), printer_.nextEvent());
 }
 
@@ -124,34 +131,40 @@ void PrinterLink::settle(Instant now) {
     module_.advance(now_);
     bringWhatIsComing();
     endStalls();
-    if (!printer_.isConnection(connection_) || module_.wantsLinkDropped())
+    if (!printer_.isConnection(connection_) || module_.wantsLinkDropped()) {
       drop(Ending::Drain);
-    if (step == now && nextOwnEvent().value_or(Instant::max()) > now)
+    }
+    if (step == now && nextOwnEvent().value_or(Instant::max()) > now) {
       return;
+    }
   }
   printer_.advance(now);
 }
 
 std::optional<Instant> PrinterLink::nextOwnEvent() const {
   auto next = earlier(module_.nextEvent(), replies_.nextArrival());
-  for (const Coming& coming : coming_)
+  for (const Coming& coming : coming_) {
     next = earlier(next, coming.due);
-  for (const Stall& stall : stalls_)
+  }
+  for (const Stall& stall : stalls_) {
     next = earlier(next, stall.until);
+  }
   return next;
 }
 
 void PrinterLink::send(std::span<const std::uint8_t> bytes, Instant at) {
-  if (waiting_.size() + replies_.underWay() + bytes.size() <= mostWaiting)
+  if (waiting_.size() + replies_.underWay() + bytes.size() <= mostWaiting) {
     replies_.send(bytes, at);
+  }
 }
 
 void PrinterLink::receiveReplies() {
   cutIfReached(FaultKind::CutAfterOut);
   while (!ended_) {
     const auto byte = replies_.arrive(now_);
-    if (!byte)
+    if (!byte) {
       return;
+    }
     waiting_.push_back(*byte);
     ++bytesOut_;
     cutIfReached(FaultKind::CutAfterOut);
@@ -159,12 +172,14 @@ void PrinterLink::receiveReplies() {
 }
 
 void PrinterLink::drop(Ending ending) {
-  if (printer_.isConnection(connection_))
+  if (printer_.isConnection(connection_)) {
     module_.release(now_);
+  }
   printer_.disconnect(connection_);
   ended_ = ending;
-  if (ending != Ending::Drain)
+  if (ending != Ending::Drain) {
     waiting_.clear();
+  }
 }
 
 void PrinterLink::addFault(const Fault& fault, Instant now) {
@@ -189,8 +204,9 @@ void PrinterLink::befall(const Fault& fault) {
       cuts_.push_back({fault.kind, fault.count, fault.ending});
       return cutIfReached(fault.kind);
     case FaultKind::Cut:
-      if (!ended_)
+      if (!ended_) {
         drop(fault.ending);
+      }
       return;
     case FaultKind::PrintsNothing:
       printsNothing_ = true;
@@ -222,20 +238,24 @@ void PrinterLink::clearFaults(Instant now) {
 void PrinterLink::bringWhatIsComing() {
   const auto isDue = [this](const Coming& coming) { return coming.due <= now_; };
   const auto due = std::find_if(coming_.begin(), coming_.end(), isDue);
-  if (ended_ || due == coming_.end())
+  if (ended_ || due == coming_.end()) {
     return;
+  }
   const Coming brought = *due;
   coming_.erase(due);
-  if (isFault(brought.key))
+  if (isFault(brought.key)) {
     befall(parseFault(brought.key, brought.value));
-  else
+  } else {
     printer_.set(brought.key, brought.value, now_);
+  }
 }
 
 void PrinterLink::beginStalls() {
-  for (Stall& stall : stalls_)
-    if (!stall.until && bytesIn_ >= stall.afterBytes)
+  for (Stall& stall : stalls_) {
+    if (!stall.until && bytesIn_ >= stall.afterBytes) {
       stall.until = now_ + stall.length;
+    }
+  }
 }
 
 void PrinterLink::endStalls() {
@@ -251,11 +271,14 @@ bool PrinterLink::stalled() const {
 // The byte counts of stalls and cuts are exact: no write goes past one.
 std::uint64_t PrinterLink::bytesBeforeCut() const {
   std::uint64_t most = std::numeric_limits<std::uint64_t>::max();
-  for (const Cut& cut : cuts_)
-    if (cut.kind == FaultKind::CutAfterIn)
+  for (const Cut& cut : cuts_) {
+    if (cut.kind == FaultKind::CutAfterIn) {
       most = std::min(most, cut.afterBytes - bytesIn_);
-  for (const Stall& stall : stalls_)
+    }
+  }
+  for (const Stall& stall : stalls_) {
     most = std::min(most, stall.afterBytes - bytesIn_);
+  }
   return most;
 }
 
@@ -265,8 +288,9 @@ void PrinterLink::cutIfReached(FaultKind afterWhat) {
   const auto reached = std::find_if(cuts_.begin(), cuts_.end(), [&](const Cut& cut) {
     return cut.kind == afterWhat && bytes >= cut.afterBytes;
   });
-  if (!ended_ && reached != cuts_.end())
+  if (!ended_ && reached != cuts_.end()) {
     drop(reached->ending);
+  }
 }
 
 }  // namespace quordalvane::simulator

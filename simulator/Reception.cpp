@@ -6,15 +6,18 @@ namespace quordalvane::simulator {
 
 void Reception::take(std::span<const std::uint8_t> bytes, bool vanish, const OnPiece& onPiece) {
   for (std::uint8_t byte : bytes) {
-    if (!scanner_.insideCommand())
+    if (!scanner_.insideCommand()) {
       vanishes_ = vanish;
+    }
     const bool complete = scanner_.feed(byte);
     undecided_.push_back(byte);
-    if (!complete && scanner_.mayConcernTheMachine())
+    if (!complete && scanner_.mayConcernTheMachine()) {
       continue;
+    }
     const CommandKind kind = complete ? scanner_.kind() : CommandKind::Printing;
-    if (actsOnReception(kind) || !vanishes_)
+    if (actsOnReception(kind) || !vanishes_) {
       passOn(kind, onPiece);
+    }
     undecided_.clear();
   }
   passOnForPrinting(onPiece);
@@ -30,15 +33,17 @@ void Reception::passOn(CommandKind kind, const OnPiece& onPiece) {
 }
 
 void Reception::passOnForPrinting(const OnPiece& onPiece) {
-  if (!forPrinting_.empty())
+  if (!forPrinting_.empty()) {
     onPiece(CommandKind::Printing, forPrinting_);
+  }
   forPrinting_.clear();
 }
 
 std::size_t Reception::actingAtOnce(std::span<const std::uint8_t> bytes) const {
   const bool isInPrintData = scanner_.insideCommand() && undecided_.empty();
-  if (isInPrintData)
+  if (isInPrintData) {
     return 0;
+  }
   CommandScanner scanner = scanner_.insideCommand() ? scanner_ : CommandScanner();
   const auto other = std::find_if(bytes.begin(), bytes.end(), [&](std::uint8_t byte) {
     return scanner.feed(byte) ? !actsOnReception(scanner.kind()) : !scanner.mayConcernTheMachine();

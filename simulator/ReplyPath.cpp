@@ -13,8 +13,9 @@ constexpr Instant betweenPieces = 50ms;
 }  // namespace
 
 bool ReplyPath::befalls(const Fault& fault) const {
-  if (fault.kind == FaultKind::Silence)
+  if (fault.kind == FaultKind::Silence) {
     return count_ >= fault.reply;
+  }
   return fault.reply == 0 || fault.reply == count_;
 }
 
@@ -27,8 +28,9 @@ bool ReplyPath::isLost() const {
 
 void ReplyPath::distort(Bytes& reply) const {
   for (const Fault& fault : faults_) {
-    if (!befalls(fault))
+    if (!befalls(fault)) {
       continue;
+    }
     if (fault.kind == FaultKind::DuplicateReply) {
       const Bytes once = reply;
       reply.insert(reply.end(), once.begin(), once.end());
@@ -44,8 +46,9 @@ void ReplyPath::distort(Bytes& reply) const {
 
 void ReplyPath::send(std::span<const std::uint8_t> reply, Instant at) {
   ++count_;
-  if (isLost() || reply.empty())
+  if (isLost() || reply.empty()) {
     return;
+  }
   Bytes bytes(reply.begin(), reply.end());
   distort(bytes);
   dispatch(bytes, at);
@@ -55,31 +58,37 @@ void ReplyPath::dispatch(const Bytes& reply, Instant at) {
   Instant due = at;
   std::vector<std::uint64_t> splits;
   for (const Fault& fault : faults_) {
-    if (!befalls(fault))
+    if (!befalls(fault)) {
       continue;
-    if (fault.kind == FaultKind::LateReply)
+    }
+    if (fault.kind == FaultKind::LateReply) {
       due += fault.time;
-    else if (fault.kind == FaultKind::SplitReply)
+    } else if (fault.kind == FaultKind::SplitReply) {
       splits.insert(splits.end(), fault.offsets.begin(), fault.offsets.end());
+    }
   }
-  if (!underWay_.empty())
+  if (!underWay_.empty()) {
     due = std::max(due, underWay_.back().due);
+  }
   for (std::size_t i = 0; i < reply.size(); ++i) {
-    if (std::find(splits.begin(), splits.end(), i) != splits.end())
+    if (std::find(splits.begin(), splits.end(), i) != splits.end()) {
       due += betweenPieces;
+    }
     underWay_.push_back({reply[i], due});
   }
 }
 
 std::optional<Instant> ReplyPath::nextArrival() const {
-  if (underWay_.empty())
+  if (underWay_.empty()) {
     return std::nullopt;
+  }
   return underWay_.front().due;
 }
 
 std::optional<std::uint8_t> ReplyPath::arrive(Instant now) {
-  if (underWay_.empty() || underWay_.front().due > now)
+  if (underWay_.empty() || underWay_.front().due > now) {
     return std::nullopt;
+  }
   const std::uint8_t byte = underWay_.front().byte;
   underWay_.pop_front();
   return byte;

@@ -36,12 +36,13 @@ Bytes statusBlock(const PrinterState& state) {
 Bytes realTimeStatus(const PrinterState& state, std::uint8_t query) {
   const auto bits = [&](Flag flag, unsigned mask) { return state.flag(flag) ? mask : 0U; };
   unsigned byte = realTimeMark;
-  if (query == 1)
+  if (query == 1) {
     byte |= bits(Flag::CompulsionSwitch, 0x04) | bits(Flag::Offline, 0x08);
-  else if (query == 2)
+  } else if (query == 2) {
     byte |= bits(Flag::CoverOpen, 0x04);
-  else
+  } else {
     byte |= bits(Flag::ReceiptPaperNearEmptyInner, 0x0c) | bits(Flag::ReceiptPaperEmpty, 0x60);
+  }
   return {static_cast<std::uint8_t>(byte)};
 }
 

@@ -33,10 +33,11 @@ std::string code128Text(const std::string& data) {
     const char c = data[i];
     if (c == '{' && i + 1 < data.size()) {
       const char next = data[++i];
-      if (next == '{')
+      if (next == '{') {
         text += '{';
-      else if (next == 'A' || next == 'B' || next == 'C')
+      } else if (next == 'A' || next == 'B' || next == 'C') {
         pairs = next == 'C';
+      }
     } else if (pairs && c >= 0 && c < 100) {
       text += static_cast<char>('0' + c / 10);
       text += static_cast<char>('0' + c % 10);
@@ -51,11 +52,11 @@ std::string code128Text(const std::string& data) {
 
 void SymbolSetter::setBarcode(Bytes command) {
   const unsigned value = command[2];
-  if (command[1] == 0x68)
+  if (command[1] == 0x68) {
     settings_.height = std::max(value, 1U);
-  else if (command[1] == 0x77)
+  } else if (command[1] == 0x77) {
     settings_.moduleWidth = std::clamp(value, 1U, 8U);
-  else {
+  } else {
     settings_.textAbove = (value & 1U) != 0;
     settings_.textBelow = (value & 2U) != 0;
   }
@@ -64,23 +65,27 @@ void SymbolSetter::setBarcode(Bytes command) {
 std::optional<Barcode> SymbolSetter::barcode(Bytes command) const {
   const bool counted = command[2] >= firstCounted;
   const std::size_t number = counted ? command[2] - firstCounted : command[2];
-  if (number >= std::size(symbologyTable) || (!counted && number > lastTerminated))
+  if (number >= std::size(symbologyTable) || (!counted && number > lastTerminated)) {
     return std::nullopt;
+  }
   Barcode barcode = settings_;
   barcode.symbology = symbologyTable[number];
-  if (counted)
+  if (counted) {
     barcode.data = textOf(command.subspan(4));
-  else
+  } else {
     barcode.data = textOf(command.subspan(3, command.size() - 4));
-  if (barcode.symbology == Symbology::Code128)
+  }
+  if (barcode.symbology == Symbology::Code128) {
     barcode.data = code128Text(barcode.data);
+  }
   return barcode;
 }
 
 SymbolSetter::Outcome SymbolSetter::applyQr(Bytes command) {
   constexpr std::uint8_t qr = 0x31;
-  if (command.size() < 8 || command[2] != 0x6b || command[5] != qr)
+  if (command.size() < 8 || command[2] != 0x6b || command[5] != qr) {
     return Outcome::Unknown;
+  }
   switch (command[6]) {
     case 0x41:  // model
       return Outcome::Stored;
@@ -91,8 +96,9 @@ SymbolSetter::Outcome SymbolSetter::applyQr(Bytes command) {
       qr_.correctionLevel = std::clamp<unsigned>(command[7], '0', '3') - '0';
       return Outcome::Stored;
     case 0x50:
-      if (command.size() - 8 > mostQrData)
+      if (command.size() - 8 > mostQrData) {
         return Outcome::Unknown;
+      }
       qr_.data = textOf(command.subspan(8));
       return Outcome::Stored;
     case 0x51:

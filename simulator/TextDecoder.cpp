@@ -61,10 +61,12 @@ struct Decoded {
 };
 
 std::size_t sequenceLength(std::uint8_t lead) {
-  if (lead >= 0xc2 && lead <= 0xdf)
+  if (lead >= 0xc2 && lead <= 0xdf) {
     return 2;
-  if (lead >= 0xe0 && lead <= 0xef)
+  }
+  if (lead >= 0xe0 && lead <= 0xef) {
     return 3;
+  }
   return lead >= 0xf0 && lead <= 0xf4 ? 4 : 0;
 }
 
@@ -83,17 +85,20 @@ bool isTextOfLength(char32_t c, std::size_t length) {
 std::optional<Decoded> decodeUtf8(std::string_view bytes) {
   const auto lead = static_cast<std::uint8_t>(bytes[0]);
   const std::size_t length = sequenceLength(lead);
-  if (length == 0 || bytes.size() < length)
+  if (length == 0 || bytes.size() < length) {
     return std::nullopt;
+  }
   char32_t c = lead & (0x7fU >> length);
   for (std::size_t i = 1; i < length; ++i) {
     const auto byte = static_cast<std::uint8_t>(bytes[i]);
-    if ((byte & 0xc0U) != 0x80)
+    if ((byte & 0xc0U) != 0x80) {
       return std::nullopt;
+    }
     c = c << 6U | (byte & 0x3fU);
   }
-  if (!isTextOfLength(c, length))
+  if (!isTextOfLength(c, length)) {
     return std::nullopt;
+  }
   return Decoded{c, length};
 }
 
@@ -101,8 +106,9 @@ std::optional<std::u32string> decodeAllUtf8(std::string_view bytes) {
   std::u32string text;
   while (!bytes.empty()) {
     const auto next = decodeUtf8(bytes);
-    if (!next)
+    if (!next) {
       return std::nullopt;
+    }
     text += next->character;
     bytes.remove_prefix(next->bytes);
   }
@@ -113,16 +119,18 @@ std::optional<std::u32string> decodeAllUtf8(std::string_view bytes) {
 std::size_t wholeCharacters(std::string_view run) {
   for (std::size_t tail = 1; tail <= 3 && tail < run.size(); ++tail) {
     const std::size_t length = sequenceLength(static_cast<std::uint8_t>(run[run.size() - tail]));
-    if (length != 0)
+    if (length != 0) {
       return length > tail ? run.size() - tail : run.size();
+    }
   }
   return run.size();
 }
 
 // Text at the start of `bytes`, whatever they are.
 Decoded decodeAnything(std::string_view bytes) {
-  if (static_cast<std::uint8_t>(bytes[0]) < 0x80)
+  if (static_cast<std::uint8_t>(bytes[0]) < 0x80) {
     return {static_cast<char32_t>(bytes[0]), 1};
+  }
   return decodeUtf8(bytes).value_or(Decoded{replacement, 1});
 }
 
@@ -135,15 +143,17 @@ void TextDecoder::put(std::uint8_t byte, std::u32string& text) {
     return;
   }
   run_ += static_cast<char>(byte);
-  if (page_ != Page::Undeclared)
+  if (page_ != Page::Undeclared) {
     finish(text);
-  else if (run_.size() >= longestRun)
+  } else if (run_.size() >= longestRun) {
     flush(text, wholeCharacters(run_));
+  }
 }
 
 void TextDecoder::finish(std::u32string& text) {
-  if (!run_.empty())
+  if (!run_.empty()) {
     flush(text, run_.size());
+  }
 }
 
 void TextDecoder::flush(std::u32string& text, std::size_t count) {
@@ -155,8 +165,9 @@ void TextDecoder::flush(std::u32string& text, std::size_t count) {
       return;
     }
   }
-  for (char byte : run)
+  for (char byte : run) {
     text += fromPage(static_cast<std::uint8_t>(byte));
+  }
 }
 
 bool TextDecoder::select(std::uint8_t number) {
@@ -191,8 +202,9 @@ std::string toUtf8(std::u32string_view text) {
   std::string bytes;
   const auto add = [&](char32_t value) { bytes += static_cast<char>(value); };
   for (char32_t c : text) {
-    if (!isCharacter(c))
+    if (!isCharacter(c)) {
       c = replacement;
+    }
     if (c < 0x80) {
       add(c);
       continue;

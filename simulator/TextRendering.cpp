@@ -29,8 +29,9 @@ class TextPage {
   explicit TextPage(unsigned paperWidth) : columns_(paperWidth / cell) {}
 
   void show(const Line& line) {
-    if (isStripe(line))
+    if (isStripe(line)) {
       return addStripe(line);
+    }
     endStripes();
     std::u32string canvas;
     std::size_t end = 0;  // the column after what was written last
@@ -38,8 +39,9 @@ class TextPage {
     for (const LineItem& item : line.items) {
       const std::u32string text = textOf(item);
       const std::size_t column = item.x == endInDots ? end : item.x / cell;
-      if (canvas.size() < column + text.size())
+      if (canvas.size() < column + text.size()) {
         canvas.resize(column + text.size(), U' ');
+      }
       canvas.replace(column, text.size(), text);
       end = column + text.size();
       endInDots = item.x + item.width();
@@ -58,32 +60,37 @@ class TextPage {
 
   void show(const Feed& feed) {
     const unsigned lines = (feed.dots + lineSpacing / 2) / lineSpacing;
-    if (lines > mostEmptyLines)
+    if (lines > mostEmptyLines) {
       write(widened("[feed " + std::to_string(feed.dots / dotsPerMillimetre) + " mm]"),
             Alignment::Left);
-    else
+    } else {
       text_.append(lines, '\n');
+    }
   }
 
   void show(const Cut& cut) {
     std::u32string line = cut.partial ? U"- - partial cut " : U"- - cut ";
-    while (line.size() + 2 <= columns_)
+    while (line.size() + 2 <= columns_) {
       line += U"- ";
+    }
     write(line, Alignment::Left);
   }
 
   void listSkipped(const Paper& paper) {
-    if (paper.skipped().empty())
+    if (paper.skipped().empty()) {
       return;
+    }
     text_ += "[not shown:";
-    for (const auto& [command, times] : paper.skipped())
+    for (const auto& [command, times] : paper.skipped()) {
       text_ += " " + command + " (" + std::to_string(times) + ")";
+    }
     text_ += "]\n";
   }
 
   void endStripes() {
-    if (stripes_.height == 0)
+    if (stripes_.height == 0) {
       return;
+    }
     const Stripes done = std::exchange(stripes_, {});
     write(widened("[image " + size(done.width, done.height) + "]"), done.alignment);
   }
@@ -104,32 +111,37 @@ class TextPage {
 
   void addStripe(const Line& line) {
     const auto& dots = std::get<Bitmap>(line.items[0].content);
-    if (dots.width != stripes_.width || line.alignment != stripes_.alignment)
+    if (dots.width != stripes_.width || line.alignment != stripes_.alignment) {
       endStripes();
+    }
     stripes_ = {dots.width, stripes_.height + dots.height, line.alignment};
   }
 
   static std::u32string textOf(const LineItem& item) {
-    if (const auto* run = std::get_if<TextRun>(&item.content))
+    if (const auto* run = std::get_if<TextRun>(&item.content)) {
       return run->text;
+    }
     const auto& dots = std::get<Bitmap>(item.content);
     return widened("[image " + size(dots.width, dots.height) + "]");
   }
 
   static std::string printable(std::string data) {
-    for (char& c : data)
-      if (c < 0x20 || c > 0x7e)
+    for (char& c : data) {
+      if (c < 0x20 || c > 0x7e) {
         c = '.';
+      }
+    }
     return data;
   }
 
   void write(std::u32string_view line, Alignment alignment) {
     line = line.substr(0, line.find_last_not_of(U' ') + 1);
     const std::size_t room = columns_ > line.size() ? columns_ - line.size() : 0;
-    if (alignment == Alignment::Center)
+    if (alignment == Alignment::Center) {
       text_.append(room / 2, ' ');
-    else if (alignment == Alignment::Right)
+    } else if (alignment == Alignment::Right) {
       text_.append(room, ' ');
+    }
     text_ += toUtf8(line) + "\n";
   }
 
@@ -143,8 +155,9 @@ class TextPage {
 std::string renderText(const Paper& paper) {
   TextPage page(paper.width());
   for (const PaperItem& item : paper.items()) {
-    if (!std::holds_alternative<Line>(item))
+    if (!std::holds_alternative<Line>(item)) {
       page.endStripes();
+    }
     std::visit([&](const auto& what) { page.show(what); }, item);
   }
   page.endStripes();

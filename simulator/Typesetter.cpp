@@ -58,16 +58,19 @@ const Typesetter::Entry Typesetter::commandTable[] = {
 Typesetter::Typesetter(unsigned paperWidth) : paper_(paperWidth), line_(paperWidth) {}
 
 void Typesetter::set(Bytes command) {
-  if (command.size() == 1)
+  if (command.size() == 1) {
     return character(command[0]);
+  }
   finishText();
   const auto found = std::find_if(
       std::begin(commandTable), std::end(commandTable),
       [&](const Entry& e) { return e.lead == command[0] && e.selector == command[1]; });
-  if (found == std::end(commandTable))
+  if (found == std::end(commandTable)) {
     return paper_.noteSkipped(command);
-  if (found->spoken == Spoken::EscPos)
+  }
+  if (found->spoken == Spoken::EscPos) {
     sawEscPos_ = true;
+  }
   (this->*found->handler)(command);
 }
 
@@ -88,8 +91,9 @@ void Typesetter::character(std::uint8_t byte) {
       return line_.end(paper_);
     case 0x0c:
       line_.endIfBegun(paper_);
-      if (!pageMode_)
+      if (!pageMode_) {
         paper_.feed(headToBlade);
+      }
       pageMode_ = false;
       return;
     default:
@@ -145,8 +149,9 @@ void Typesetter::bold(Bytes command) {
 
 void Typesetter::underline(Bytes command) {
   const unsigned thickness = command[2] & 0x0fU;  // 0 to 2, as a number or as a digit
-  if (thickness <= 2)
+  if (thickness <= 2) {
     style_.underline = static_cast<std::uint8_t>(thickness);
+  }
 }
 
 void Typesetter::inverse(Bytes command) {
@@ -165,13 +170,15 @@ void Typesetter::characterSize(Bytes command) {
 
 void Typesetter::align(Bytes command) {
   const unsigned where = command[2] & 0x0fU;  // 0 to 2, as a number or as a digit
-  if (where <= 2)
+  if (where <= 2) {
     line_.setAlignment(static_cast<Alignment>(where));
+  }
 }
 
 void Typesetter::codePage(Bytes command) {
-  if (!decoder_.select(command[2]))
+  if (!decoder_.select(command[2])) {
     paper_.noteSkipped(command);
+  }
 }
 
 void Typesetter::defaultSpacing(Bytes) {
@@ -188,10 +195,12 @@ void Typesetter::feedDots(Bytes command) {
 
 void Typesetter::feedLinesOrCut(Bytes command) {
   const unsigned n = command[2];
-  if (sawEscPos_ || n > 3)
+  if (sawEscPos_ || n > 3) {
     return feed(n * line_.spacing());
-  if (n >= 2)
+  }
+  if (n >= 2) {
     feed(headToBlade);
+  }
   cutHere(n % 2 == 1);
 }
 
@@ -202,8 +211,9 @@ void Typesetter::position(Bytes command) {
 void Typesetter::positionFurther(Bytes command) {
   const auto distance = static_cast<std::int16_t>(command[2] + 256 * command[3]);
   const int target = static_cast<int>(line_.position()) + distance;
-  if (target >= 0)
+  if (target >= 0) {
     line_.moveTo(static_cast<unsigned>(target));
+  }
 }
 
 void Typesetter::pageMode(Bytes) {
@@ -213,8 +223,9 @@ void Typesetter::pageMode(Bytes) {
 
 void Typesetter::cut(Bytes command) {
   const unsigned form = command[2];
-  if (command.size() == 4)
+  if (command.size() == 4) {
     feed(headToBlade + command[3]);
+  }
   cutHere((form & 1U) == (form >= 0x41 ? 0U : 1U));
 }
 
@@ -238,22 +249,25 @@ void Typesetter::cutHere(bool partial) {
 
 void Typesetter::addImage(Bitmap dots) {
   line_.endIfBegun(paper_);
-  if (dots.width == 0 || dots.height == 0)
+  if (dots.width == 0 || dots.height == 0) {
     return;
+  }
   Line line{{}, line_.alignment(), 0};
   line.items.push_back({0, std::move(dots)});
   paper_.add(std::move(line));
 }
 
 void Typesetter::raster(Bytes command) {
-  if (command[2] != 0x30)
+  if (command[2] != 0x30) {
     return paper_.noteSkipped(command);
+  }
   addImage(rasterImage(command));
 }
 
 void Typesetter::columnImage(Bytes command) {
-  if (command.size() < 5)
+  if (command.size() < 5) {
     return paper_.noteSkipped(command);
+  }
   line_.add(simulator::columnImage(command));
 }
 
@@ -271,8 +285,9 @@ void Typesetter::graphics(Bytes command) {
 
 void Typesetter::barcode(Bytes command) {
   auto barcode = symbols_.barcode(command);
-  if (!barcode)
+  if (!barcode) {
     return paper_.noteSkipped(command);
+  }
   line_.endIfBegun(paper_);
   barcode->alignment = line_.alignment();
   paper_.add(std::move(*barcode));
@@ -283,8 +298,9 @@ void Typesetter::barcodeSetting(Bytes command) {
 }
 
 void Typesetter::twoDimensional(Bytes command) {
-  if (command[2] == 0x4c)
+  if (command[2] == 0x4c) {
     return graphics(command);
+  }
   switch (symbols_.applyQr(command)) {
     case SymbolSetter::Outcome::Stored:
       return;

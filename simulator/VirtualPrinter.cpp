@@ -21,8 +21,9 @@ VirtualPrinter::VirtualPrinter(PrinterState state)
 
 bool VirtualPrinter::setFlag(std::string_view name, bool value, Instant now) {
   const auto flag = flagNamed(name);
-  if (!flag)
+  if (!flag) {
     return false;
+  }
   advance(now);
   state_.setFlag(*flag, value);
   followState(now);
@@ -51,15 +52,17 @@ void VirtualPrinter::advance(Instant now) {
 }
 
 void VirtualPrinter::receive(std::span<const std::uint8_t> bytes, Instant now, bool vanish) {
-  if (bytes.empty())
+  if (bytes.empty()) {
     return;
+  }
   advance(now);
   lastReceived_ = now;
   reception_.take(bytes, vanish, [&](CommandKind kind, std::span<const std::uint8_t> piece) {
-    if (actsOnReception(kind))
+    if (actsOnReception(kind)) {
       obey(kind, piece, now);
-    else if (!dropping_)
+    } else if (!dropping_) {
       hold(kind, piece, now);
+    }
   });
   printUntil(now);
 }
@@ -104,18 +107,20 @@ void VirtualPrinter::hold(CommandKind kind, std::span<const std::uint8_t> bytes,
   const std::uint64_t begin = queuedEver_;
   queue_.push(bytes, now);
   queuedEver_ += bytes.size();
-  if (kind == CommandKind::Etb)
+  if (kind == CommandKind::Etb) {
     marks_.push_back({Mark::Kind::Etb, begin, queuedEver_});
-  else if (kind == CommandKind::ReportingEtb)
+  } else if (kind == CommandKind::ReportingEtb) {
     marks_.push_back({Mark::Kind::ReportingEtb, begin, queuedEver_});
+  }
 }
 
 void VirtualPrinter::printUntil(Instant now) {
   while (const auto taken = queue_.take(now)) {
     const bool isOfAnEtb = !marks_.empty() && marks_.front().begin <= takenEver_;
     ++takenEver_;
-    if (!isOfAnEtb)
+    if (!isOfAnEtb) {
       print(taken->byte);
+    }
     passMarks(taken->at);
   }
 }
@@ -123,8 +128,9 @@ void VirtualPrinter::printUntil(Instant now) {
 void VirtualPrinter::print(std::uint8_t byte) {
   printing_.pass(byte);
   ++printedBytes_;
-  if (state_.keepsPrinted)
+  if (state_.keepsPrinted) {
     printed_.push_back(byte);
+  }
 }
 
 void VirtualPrinter::passMarks(Instant at) {
@@ -136,23 +142,27 @@ void VirtualPrinter::passMarks(Instant at) {
 }
 
 void VirtualPrinter::pass(const Mark& mark, Instant at) {
-  if (mark.kind == Mark::Kind::EndOfConnection)
+  if (mark.kind == Mark::Kind::EndOfConnection) {
     return endJob();
+  }
   printing_.endJob();
   ++state_.etbCounter;
-  if (mark.kind == Mark::Kind::ReportingEtb)
+  if (mark.kind == Mark::Kind::ReportingEtb) {
     reply(etbReport(state_), at);
+  }
 }
 
 // The host that wrote all this is gone.
 void VirtualPrinter::endJob() {
   printing_.leaveUnfinishedCommand();
-  if (!keepJob_)
+  if (!keepJob_) {
     return;
+  }
   printing_.endJob();
   Paper paper = tearOff();
-  if (!paper.items().empty())
+  if (!paper.items().empty()) {
     keepJob_(std::move(paper));
+  }
 }
 
 void VirtualPrinter::dropHeld() {
@@ -164,8 +174,9 @@ void VirtualPrinter::dropHeld() {
   marks_.clear();
   printing_.leaveUnfinishedCommand();
   printing_.endLine();
-  if (endsJob)
+  if (endsJob) {
     endJob();
+  }
 }
 
 Paper VirtualPrinter::tearOff() {
@@ -174,8 +185,9 @@ Paper VirtualPrinter::tearOff() {
 }
 
 std::optional<Instant> VirtualPrinter::dataTimeoutDue() const {
-  if (!guarded_ || dropping_ || dataTimeoutSeconds_ == 0)
+  if (!guarded_ || dropping_ || dataTimeoutSeconds_ == 0) {
     return std::nullopt;
+  }
   return lastReceived_ + std::chrono::seconds(dataTimeoutSeconds_);
 }
 
@@ -194,15 +206,18 @@ std::optional<Instant> VirtualPrinter::nextEvent() const {
   std::optional<Instant> printed;
   if (queue_.size() > 0) {
     std::size_t count = queue_.size();
-    if (!marks_.empty())
+    if (!marks_.empty()) {
       count = marks_.front().end - takenEver_;
-    if (space() == 0)
+    }
+    if (space() == 0) {
       count = std::min(count, buffered() + readyAgain() - state_.bufferSize());
+    }
     printed = queue_.doneWith(count);
   }
   const auto timeout = dataTimeoutDue();
-  if (printed && timeout)
+  if (printed && timeout) {
     return std::min(*printed, *timeout);
+  }
   return printed ? printed : timeout;
 }
 
@@ -213,22 +228,25 @@ std::uint64_t VirtualPrinter::connect(Sink sink) {
 }
 
 void VirtualPrinter::disconnect(std::uint64_t connection) {
-  if (isConnection(connection))
+  if (isConnection(connection)) {
     endConnection();
+  }
 }
 
 void VirtualPrinter::endConnection() {
   sink_ = nullptr;
   reception_.restart();
   const bool bringsNothing = !marks_.empty() && marks_.back().begin == queuedEver_;
-  if (!bringsNothing)
+  if (!bringsNothing) {
     marks_.push_back({Mark::Kind::EndOfConnection, queuedEver_, queuedEver_});
+  }
   passMarks({});
 }
 
 void VirtualPrinter::reply(std::span<const std::uint8_t> bytes, Instant at) {
-  if (sink_)
+  if (sink_) {
     sink_(bytes, at);
+  }
 }
 
 }  // namespace quordalvane::simulator
