@@ -13,8 +13,9 @@ namespace {
 
 class Host {
  public:
-  explicit Host(std::uint32_t speed)
-      : printer_(simulator::PrinterBuilder().speed(speed).keepPrinted().state()),
+  Host(std::uint32_t speed, std::string_view proofs)
+      : printer_(
+            simulator::PrinterBuilder().speed(speed).set("proofs", proofs).keepPrinted().state()),
         link_(printer_, 0s) {}
 
   void send(std::span<const std::uint8_t> bytes) {
@@ -40,16 +41,11 @@ class Host {
   std::size_t sent_ = 0;
 };
 
-}  // namespace
-
-/// Whatever a host sends: in one piece and byte by byte it gives the same replies and the same
-/// paper; a slow printer takes it too, and prints no more than it was sent.
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::span<const std::uint8_t> bytes(data, size);
-  Host whole(0);
+void check(std::span<const std::uint8_t> bytes, std::string_view proofs) {
+  Host whole(0, proofs);
   whole.send(bytes);
-  Host single(0);
-  Host slow(200);
+  Host single(0, proofs);
+  Host slow(200, proofs);
   for (const std::uint8_t byte : bytes) {
     single.send({&byte, 1});
     slow.send({&byte, 1});
@@ -59,5 +55,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   require(whole.printer().printed() == single.printer().printed());
   const std::string text = renderText(whole.printer().paper());
   require(text == renderText(single.printer().paper()));
+}
+
+}  // namespace
+
+/// Whatever a host sends: in one piece and byte by byte it gives the same replies and the same
+/// paper; a slow printer takes it, and prints no more than it was sent. The same holds for a
+/// printer that knows no checked block.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::span<const std::uint8_t> bytes(data, size);
+  check(bytes, "block+process-id+in-order");
+  check(bytes, "process-id+in-order");
   return 0;
 }

@@ -126,7 +126,8 @@ struct Form {
   std::uint8_t prefixLength;
   std::array<std::uint8_t, 3> prefix;
   std::uint8_t header;  // so many bytes must be there before the rule can be asked
-  LengthRule rule;      // none: the header is the whole command
+  LengthRule rule;      // null: the header is the whole command
+  KnownWith knownWith = KnownWith::Always;
 };
 
 constexpr Form two(std::uint8_t lead, std::uint8_t selector, std::uint8_t header,
@@ -139,12 +140,17 @@ constexpr Form three(std::uint8_t lead, std::uint8_t selector, std::uint8_t thir
   return {3, {lead, selector, third}, header, rule};
 }
 
+constexpr Form only(KnownWith with, Form form) {
+  form.knownWith = with;
+  return form;
+}
+
 // Longer prefixes stand before the shorter ones that they refine.
 constexpr Form commandForms[] = {
-    three(0x1b, 0x1d, 0x03, 6),
-    three(0x1b, 0x23, 0x2a, 5),
-    three(0x1b, 0x23, 0x2c, 6),
-    three(0x1b, 0x2a, 0x72, 4),
+    only(KnownWith::Block, three(0x1b, 0x1d, 0x03, 6)),
+    only(KnownWith::LineMode, three(0x1b, 0x23, 0x2a, 5)),
+    only(KnownWith::LineMode, three(0x1b, 0x23, 0x2c, 6)),
+    only(KnownWith::LineMode, three(0x1b, 0x2a, 0x72, 4)),
     three(0x1d, 0x76, 0x30, 8, raster),
     three(0x1d, 0x51, 0x30, 8, raster),
 
@@ -152,12 +158,12 @@ constexpr Form commandForms[] = {
     two(0x10, 0x05, 3),
     two(0x10, 0x14, 3, realTimeAction),
 
-    two(0x1b, 0x06, 3),
-    two(0x1b, 0x1d, 4),
-    two(0x1b, 0x1e, 4),
+    only(KnownWith::LineMode, two(0x1b, 0x06, 3)),
+    only(KnownWith::Block, two(0x1b, 0x1d, 4)),
+    only(KnownWith::LineMode, two(0x1b, 0x1e, 4)),
     two(0x1b, 0x20, 3),
     two(0x1b, 0x21, 3),
-    two(0x1b, 0x23, 3),
+    only(KnownWith::LineMode, two(0x1b, 0x23, 3)),
     two(0x1b, 0x24, 4),
     two(0x1b, 0x25, 3),
     two(0x1b, 0x26, 5, userCharacters),
@@ -236,7 +242,7 @@ bool startsCommand(std::uint8_t byte) {
 
 }  // namespace
 
-std::uint64_t leastCommandLength(Bytes bytes) {
+std::uint64_t leastCommandLength(Bytes bytes, const Dialect& dialect) {
   if (!startsCommand(bytes[0])) {
     return 1;
   }
@@ -245,7 +251,8 @@ std::uint64_t leastCommandLength(Bytes bytes) {
   }
   for (const Form& form : commandForms) {
     const std::size_t known = std::min<std::size_t>(bytes.size(), form.prefixLength);
-    if (!std::equal(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(known),
+    if (!knows(dialect, form.knownWith) ||
+        !std::equal(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(known),
                     form.prefix.begin())) {
       continue;
     }

@@ -3,12 +3,15 @@
 #include <cstdint>
 #include <span>
 
+#include "simulator/Dialect.h"
+
 namespace quordalvane::simulator {
 
 /// How long the command is that starts with `bytes` (at least one), as far as they tell: the least
 /// total length in bytes. A command is complete when this equals the count of its bytes; a larger
 /// value means that so many must come before more can be said. A byte that starts no command is a
-/// command of length one. An unknown command ends with the byte that shows it to be unknown.
-std::uint64_t leastCommandLength(std::span<const std::uint8_t> bytes);
+/// command of length one. An unknown command ends with the byte that shows it to be unknown. A
+/// command that a printer of that dialect does not know is unknown.
+std::uint64_t leastCommandLength(std::span<const std::uint8_t> bytes, const Dialect& dialect);
 
 }  // namespace quordalvane::simulator

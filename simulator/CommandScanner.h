@@ -3,45 +3,26 @@
 #include <cstdint>
 #include <vector>
 
+#include "simulator/MachineCommand.h"
+
 namespace quordalvane::simulator {
-
-/// What a complete command is to the machine. Everything that only matters to the paper is
-/// `Printing`, single characters included.
-enum class CommandKind {
-  Printing,
-  PrepareStatus,
-  StatusRequest,
-  RealTimeStatus,
-  Firmware,
-  FirmwareEscPos,
-  DipSwitches,
-  CounterReset,
-  DataCancel,
-  DataCancelEnd,
-  DataTimeout,
-  Etb,
-  ReportingEtb,
-};
-
-/// True for what acts when it is received, ahead of the print data that is still held.
-bool actsOnReception(CommandKind kind);
-
-/// True for the two ETBs, which act when the print position passes them.
-bool isEtb(CommandKind kind);
 
 /// Cuts a byte stream into commands, a byte at a time, so that packets make no difference. Bytes
 /// inside the counted payload of a command are data and nothing else. Uses memory bounded by the
 /// longest command that can be printed: of a longer one the end is counted and not kept.
 class CommandScanner {
  public:
+  /// From the next command on the printer knows the commands of this dialect.
+  void setDialect(const Dialect& dialect) { nextDialect_ = dialect; }
+
   /// Takes the next byte; true if it completes a command.
   bool feed(std::uint8_t byte);
 
   /// The bytes of the command so far. A complete command stays readable until the next byte.
   const std::vector<std::uint8_t>& bytes() const { return bytes_; }
 
-  /// What the complete command is.
-  CommandKind kind() const;
+  /// The meaning of the complete command.
+  MachineCommand command() const;
 
   /// True while an unfinished command may still turn out to be more than print data.
   bool mayConcernTheMachine() const;
@@ -53,6 +34,8 @@ class CommandScanner {
   void restart();
 
  private:
+  Dialect dialect_;      // of the command that has begun
+  Dialect nextDialect_;  // of those that follow
   std::vector<std::uint8_t> bytes_;
   std::uint64_t length_ = 0;  // bytes of the command that have come, kept or not
   std::uint64_t needed_ = 1;  // bytes that must have come before it can be complete

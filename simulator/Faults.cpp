@@ -5,6 +5,7 @@
 #include <limits>
 #include <optional>
 #include <stdexcept>
+#include <utility>
 
 #include "simulator/PrinterState.h"
 #include "simulator/Quoted.h"
@@ -61,8 +62,27 @@ bool parseReplyNumber(Text text, Fault& fault) {
   return fault.reply > 0;
 }
 
+bool parseReplyKind(Text text, Fault& fault) {
+  fault.replyKind = replyKindNamed(text);
+  return fault.replyKind.has_value();
+}
+
+bool parseOneReply(Text text, Fault& fault) {
+  return parseReplyKind(text, fault) || parseReplyNumber(text, fault);
+}
+
 bool parseReply(Text text, Fault& fault) {
+  return text == "all" || parseOneReply(text, fault);
+}
+
+bool parseIdReply(Text text, Fault& fault) {
   return text == "all" || parseReplyNumber(text, fault);
+}
+
+bool parseProof(Text text, Fault& fault) {
+  return parseReplyKind(text, fault) &&
+         (fault.replyKind == ReplyKind::Block || fault.replyKind == ReplyKind::ProcessId ||
+          fault.replyKind == ReplyKind::InOrder);
 }
 
 bool parseEnding(Text text, Fault& fault) {
@@ -78,10 +98,11 @@ bool parseEnding(Text text, Fault& fault) {
   return true;
 }
 
-// VALUE or VALUE@K: the fault befalls each reply, or the K-th.
+// VALUE or VALUE@REPLY: the fault befalls each reply, the one of that number, or those of that
+// kind.
 bool parseAtReply(Text text, Fault& fault, bool (*parseValue)(Text, Fault&)) {
   const auto reply = takeTail(text, '@');
-  return (!reply || parseReplyNumber(*reply, fault)) && parseValue(text, fault);
+  return (!reply || parseOneReply(*reply, fault)) && parseValue(text, fault);
 }
 
 bool parseLate(Text text, Fault& fault) {
@@ -147,6 +168,9 @@ bool parseAt(Text text, Fault& fault) {
   return true;
 }
 
+constexpr Text everyReply =
+    "all, the number of a reply, or block, process-id, in-order, unasked or cleared";
+
 struct Form {
   FaultKind kind;
   Text name;
@@ -157,12 +181,15 @@ struct Form {
 constexpr Form commandForms[] = {
     {FaultKind::ShortWrites, "short-writes", "a count of bytes from 1", parsePositiveCount},
     {FaultKind::NoSpace, "no-space", "BYTES:MS", parseNoSpace},
-    {FaultKind::LateReply, "late-reply", "MS or MS@REPLY", parseLate},
+    {FaultKind::LateReply, "late-reply",
+     "MS or MS@REPLY, REPLY being a number or a kind like process-id", parseLate},
     {FaultKind::SplitReply, "split-reply", "rising offsets like 3/7 or 3/7@REPLY", parseSplit},
-    {FaultKind::DuplicateReply, "duplicate-reply", "all or the number of a reply", parseReply},
-    {FaultKind::DropReply, "drop-reply", "all or the number of a reply", parseReply},
-    {FaultKind::CorruptReply, "corrupt-reply", "all or the number of a reply", parseReply},
+    {FaultKind::DuplicateReply, "duplicate-reply", everyReply, parseReply},
+    {FaultKind::DropReply, "drop-reply", everyReply, parseReply},
+    {FaultKind::CorruptReply, "corrupt-reply", everyReply, parseReply},
     {FaultKind::StrayByte, "stray-byte", "two hex digits, or two hex digits@REPLY", parseStrayByte},
+    {FaultKind::WrongId, "wrong-id", "all or the number of a reply", parseIdReply},
+    {FaultKind::ForeignReply, "foreign-reply", "block, process-id or in-order", parseProof},
     {FaultKind::Silence, "silence", "the number of a reply", parseReplyNumber},
     {FaultKind::CutAfterIn, "cut-after-in", "BYTES or BYTES:drain|at-once|reset", parseCut},
     {FaultKind::CutAfterOut, "cut-after-out", "BYTES or BYTES:drain|at-once|reset", parseCut},
@@ -191,6 +218,17 @@ std::string everyName() {
 }
 
 }  // namespace
+
+std::optional<ReplyKind> replyKindNamed(Text name) {
+  constexpr std::pair<Text, ReplyKind> kinds[] = {
+      {"block", ReplyKind::Block},      {"process-id", ReplyKind::ProcessId},
+      {"in-order", ReplyKind::InOrder}, {"unasked", ReplyKind::Unasked},
+      {"cleared", ReplyKind::Cleared},
+  };
+  const auto found = std::find_if(std::begin(kinds), std::end(kinds),
+                                  [&](const auto& kind) { return kind.first == name; });
+  return found == std::end(kinds) ? std::nullopt : std::optional(found->second);
+}
 
 bool isFault(Text name) {
   return formNamed(name) != nullptr;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "simulator/Instant.h"
+#include "simulator/ReplyKind.h"
 
 namespace quordalvane::simulator {
 
@@ -26,6 +27,8 @@ enum class FaultKind {
   DropReply,
   CorruptReply,
   StrayByte,
+  WrongId,
+  ForeignReply,
   Silence,
   CutAfterIn,
   CutAfterOut,
@@ -38,9 +41,10 @@ enum class FaultKind {
 /// docs/virtual-printer.md.
 struct Fault {
   FaultKind kind{};
-  std::uint64_t count = 0;             ///< bytes; of `strayByte` the byte
+  std::uint64_t count = 0;             ///< bytes; of `StrayByte` the byte
   Instant time{};                      ///< how late, how long, or when
   std::uint64_t reply = 0;             ///< the number of the reply that it befalls, from 1; 0: each
+  std::optional<ReplyKind> replyKind;  ///< it befalls replies of this kind only; empty: of each
   std::vector<std::uint64_t> offsets;  ///< where a reply is split, rising
   Ending ending = Ending::Drain;
   std::string key;  ///< of `at`: the printer setting or fault that it brings

@@ -23,18 +23,21 @@ std::optional<Instant> earlier(std::optional<Instant> a, std::optional<Instant> 
 
 PrinterLink::PrinterLink(VirtualPrinter& printer, Instant now, const Faults& faults)
     : printer_(printer),
-      connection_(printer.connect([this](std::span<const std::uint8_t> bytes, Instant at) {
-        // The module has one radio channel: while it answers commands itself, the printer is not
-        // heard.
-        if (!module_.inCommandMode()) {
-          send(bytes, at);
-        }
-      })),
+      connection_(
+          printer.connect([this](std::span<const std::uint8_t> bytes, Instant at, ReplyKind kind) {
+            // The module has one radio channel: while it answers commands itself, the printer is
+            // not heard.
+            if (!module_.inCommandMode()) {
+              send(bytes, at, kind);
+            }
+          })),
       module_(printer.state().bluetoothAddress(),
               {[this](std::span<const std::uint8_t> bytes, Instant at) {
                  printer_.receive(bytes, at, printsNothing_);
                },
-               [this](std::span<const std::uint8_t> bytes, Instant at) { send(bytes, at); }},
+               [this](std::span<const std::uint8_t> bytes, Instant at) {
+                 send(bytes, at, ReplyKind::Other);
+               }},
               now),
       replies_(faults.seed.value_or(0)),
       now_(now) {
@@ -152,9 +155,9 @@ std::optional<Instant> PrinterLink::nextOwnEvent() const {
   return next;
 }
 
-void PrinterLink::send(std::span<const std::uint8_t> bytes, Instant at) {
+void PrinterLink::send(std::span<const std::uint8_t> bytes, Instant at, ReplyKind kind) {
   if (waiting_.size() + replies_.underWay() + bytes.size() <= mostWaiting) {
-    replies_.send(bytes, at);
+    replies_.send(bytes, at, kind);
   }
 }
 
@@ -220,6 +223,8 @@ void PrinterLink::befall(const Fault& fault) {
     case FaultKind::DropReply:
     case FaultKind::CorruptReply:
     case FaultKind::StrayByte:
+    case FaultKind::WrongId:
+    case FaultKind::ForeignReply:
     case FaultKind::Silence:
       return replies_.add(fault);
   }

@@ -86,7 +86,7 @@ class PrinterLink {
   };
 
   void settle(Instant now);
-  void send(std::span<const std::uint8_t> reply, Instant at);
+  void send(std::span<const std::uint8_t> reply, Instant at, ReplyKind kind);
   void befall(const Fault& fault);
   void receiveReplies();
   void bringWhatIsComing();

@@ -99,7 +99,8 @@ DipBank bankFrom(std::string_view key, std::string_view value) {
 
 std::string everyKey() {
   std::string keys =
-      "firmware, dip1, dip2, speed, buffer, presenterState, connectedInterface, paper";
+      "firmware, dip1, dip2, speed, buffer, presenterState, connectedInterface, paper, "
+      "proofs";
   for (std::string_view name : flagNames) {
     keys.append(", ").append(name);
   }
@@ -144,6 +145,8 @@ void PrinterState::set(std::string_view key, std::string_view value) {
     connectedInterface = numberFrom<std::uint8_t>(key, value, "a code from 0 to 5", 5);
   } else if (key == "paper") {
     setPaperWidth(numberFrom<unsigned>(key, value, "58 or 80 (mm)"));
+  } else if (key == "proofs") {
+    dialect.proofs = Proofs::parse(value);
   } else {
     throw std::invalid_argument("there is no printer setting " + quoted(key) + "; there are " +
                                 everyKey());

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "simulator/Dialect.h"
+
 namespace quordalvane::simulator {
 
 /// The thirty conditions that a printer reports, in the order of its status block.
@@ -65,9 +67,9 @@ class PrinterState {
   /// Changes one setting by its name from text: any flag (`true` or `false`), `firmware`, `dip1`
   /// and `dip2` (two bytes as four hex digits), `speed` (bytes a second, 0: unlimited), `buffer`
   /// (bytes), `presenterState` and `connectedInterface` (their codes), `paper` (58 or 80 mm; the
-  /// paper that is in the printer keeps its width). Throws std::invalid_argument, with a text for
-  /// people that names the key and the values it takes, printable whatever was given, and then
-  /// changes nothing.
+  /// paper that is in the printer keeps its width), `proofs` (see `Proofs::parse`). Throws
+  /// std::invalid_argument, with a text for people that names the key and the values it takes,
+  /// printable whatever was given, and then changes nothing.
   void set(std::string_view key, std::string_view value);
 
   /// 1 to 64 printable ASCII characters; throws std::invalid_argument on anything else.
@@ -91,6 +93,7 @@ class PrinterState {
   void setButtonSecurity(unsigned setting);
   unsigned buttonSecurity() const { return dipBanks[0][0] >> 6U; }
 
+  Dialect dialect;
   std::array<DipBank, 2> dipBanks{};
   std::uint8_t etbCounter = 0;
   std::uint8_t presenterState = 0;  ///< 0 idle, 1 holding paper, 2 retracted, 3 ejected

@@ -12,6 +12,9 @@ class Printing {
  public:
   explicit Printing(unsigned paperWidth) : typesetter_(paperWidth) {}
 
+  /// From the next command on the printer knows the commands of this dialect.
+  void setDialect(const Dialect& dialect) { scanner_.setDialect(dialect); }
+
   /// Works through one byte of print data.
   void pass(std::uint8_t byte);
 

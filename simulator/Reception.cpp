@@ -14,27 +14,27 @@ void Reception::take(std::span<const std::uint8_t> bytes, bool vanish, const OnP
     if (!complete && scanner_.mayConcernTheMachine()) {
       continue;
     }
-    const CommandKind kind = complete ? scanner_.kind() : CommandKind::Printing;
-    if (actsOnReception(kind) || !vanishes_) {
-      passOn(kind, onPiece);
+    const MachineCommand command = complete ? scanner_.command() : MachineCommand::Printing;
+    if (actsOnReception(command) || !vanishes_) {
+      passOn(command, onPiece);
     }
     undecided_.clear();
   }
   passOnForPrinting(onPiece);
 }
 
-void Reception::passOn(CommandKind kind, const OnPiece& onPiece) {
-  if (kind == CommandKind::Printing) {
+void Reception::passOn(MachineCommand command, const OnPiece& onPiece) {
+  if (command == MachineCommand::Printing) {
     forPrinting_.insert(forPrinting_.end(), undecided_.begin(), undecided_.end());
   } else {
     passOnForPrinting(onPiece);
-    onPiece(kind, undecided_);
+    onPiece(command, undecided_);
   }
 }
 
 void Reception::passOnForPrinting(const OnPiece& onPiece) {
   if (!forPrinting_.empty()) {
-    onPiece(CommandKind::Printing, forPrinting_);
+    onPiece(MachineCommand::Printing, forPrinting_);
   }
   forPrinting_.clear();
 }
@@ -46,7 +46,8 @@ std::size_t Reception::actingAtOnce(std::span<const std::uint8_t> bytes) const {
   }
   CommandScanner scanner = scanner_.insideCommand() ? scanner_ : CommandScanner();
   const auto other = std::find_if(bytes.begin(), bytes.end(), [&](std::uint8_t byte) {
-    return scanner.feed(byte) ? !actsOnReception(scanner.kind()) : !scanner.mayConcernTheMachine();
+    return scanner.feed(byte) ? !actsOnReception(scanner.command())
+                              : !scanner.mayConcernTheMachine();
   });
   return static_cast<std::size_t>(other - bytes.begin());
 }

@@ -13,10 +13,14 @@ namespace quordalvane::simulator {
 /// passes everything else on for printing, in order.
 class Reception {
  public:
-  using OnPiece = std::function<void(CommandKind, std::span<const std::uint8_t>)>;
+  /// From the next command on the printer knows the commands of this dialect.
+  void setDialect(const Dialect& dialect) { scanner_.setDialect(dialect); }
+
+  using OnPiece = std::function<void(MachineCommand, std::span<const std::uint8_t>)>;
 
   /// Works through `bytes`; calls back in the order of the stream, with whole commands that act at
-  /// once, whole ETBs, and everything else in pieces of any size as `CommandKind::Printing`. With
+  /// once, whole ones that act in their turn, and everything else in pieces of any size as
+  /// `MachineCommand::Printing`. With
   /// `vanish`, commands that begin in `bytes` are lost, to their ends, unless they act at once.
   void take(std::span<const std::uint8_t> bytes, bool vanish, const OnPiece& onPiece);
 
@@ -31,7 +35,7 @@ class Reception {
   void restart();
 
  private:
-  void passOn(CommandKind kind, const OnPiece& onPiece);
+  void passOn(MachineCommand command, const OnPiece& onPiece);
   void passOnForPrinting(const OnPiece& onPiece);
 
   CommandScanner scanner_;

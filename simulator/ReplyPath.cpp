@@ -10,13 +10,35 @@ using namespace std::chrono_literals;
 
 constexpr Instant betweenPieces = 50ms;
 
+using Bytes = std::vector<std::uint8_t>;
+
+// One of the four characters of the ID becomes another printable one.
+void changeId(Bytes& report, std::mt19937_64& chance) {
+  constexpr std::uint8_t first = 0x20;
+  constexpr std::uint8_t last = 0x7e;
+  std::uint8_t& character = report[2 + chance() % 4];
+  character = character == last ? first : static_cast<std::uint8_t>(character + 1);
+}
+
+// The reply of that kind that belongs to a job of another host.
+Bytes anothers(ReplyKind kind, Bytes reply, std::mt19937_64& chance) {
+  if (kind == ReplyKind::ProcessId) {
+    changeId(reply, chance);
+  } else if (kind == ReplyKind::Block) {
+    std::uint8_t& counter = reply[6];
+    counter = static_cast<std::uint8_t>(counter + 1 + chance() % 255);
+  }
+  return reply;  // an in-order status does not say whose it is
+}
+
 }  // namespace
 
 bool ReplyPath::befalls(const Fault& fault) const {
   if (fault.kind == FaultKind::Silence) {
     return count_ >= fault.reply;
   }
-  return fault.reply == 0 || fault.reply == count_;
+  const bool isOfItsKind = !fault.replyKind || fault.replyKind == kind_;
+  return isOfItsKind && (fault.reply == 0 || fault.reply == count_);
 }
 
 bool ReplyPath::isLost() const {
@@ -28,24 +50,33 @@ bool ReplyPath::isLost() const {
 
 void ReplyPath::distort(Bytes& reply) const {
   for (const Fault& fault : faults_) {
-    if (!befalls(fault)) {
-      continue;
-    }
-    if (fault.kind == FaultKind::DuplicateReply) {
-      const Bytes once = reply;
-      reply.insert(reply.end(), once.begin(), once.end());
-    } else if (fault.kind == FaultKind::CorruptReply) {
-      std::mt19937_64 chance(seed_ + count_);
-      std::uint8_t& byte = reply[chance() % reply.size()];
-      byte = static_cast<std::uint8_t>(byte ^ 1U << chance() % 8);
-    } else if (fault.kind == FaultKind::StrayByte) {
-      reply.insert(reply.begin(), static_cast<std::uint8_t>(fault.count));
+    if (befalls(fault)) {
+      distort(reply, fault);
     }
   }
 }
 
-void ReplyPath::send(std::span<const std::uint8_t> reply, Instant at) {
+void ReplyPath::distort(Bytes& reply, const Fault& fault) const {
+  std::mt19937_64 chance(seed_ + count_);
+  const Bytes original = reply;
+  if (fault.kind == FaultKind::DuplicateReply) {
+    reply.insert(reply.end(), original.begin(), original.end());
+  } else if (fault.kind == FaultKind::CorruptReply) {
+    std::uint8_t& byte = reply[chance() % reply.size()];
+    byte = static_cast<std::uint8_t>(byte ^ 1U << chance() % 8);
+  } else if (fault.kind == FaultKind::StrayByte) {
+    reply.insert(reply.begin(), static_cast<std::uint8_t>(fault.count));
+  } else if (fault.kind == FaultKind::WrongId && kind_ == ReplyKind::ProcessId) {
+    changeId(reply, chance);
+  } else if (fault.kind == FaultKind::ForeignReply) {
+    const Bytes foreign = anothers(kind_, original, chance);
+    reply.insert(reply.begin(), foreign.begin(), foreign.end());
+  }
+}
+
+void ReplyPath::send(std::span<const std::uint8_t> reply, Instant at, ReplyKind kind) {
   ++count_;
+  kind_ = kind;
   if (isLost() || reply.empty()) {
     return;
   }

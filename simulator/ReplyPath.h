@@ -27,7 +27,7 @@ class ReplyPath {
   void clear() { faults_.clear(); }
 
   /// Takes a reply that the printer gives at `at`.
-  void send(std::span<const std::uint8_t> reply, Instant at);
+  void send(std::span<const std::uint8_t> reply, Instant at, ReplyKind kind = ReplyKind::Other);
 
   /// When the next byte arrives; none while nothing is under way.
   std::optional<Instant> nextArrival() const;
@@ -48,10 +48,12 @@ class ReplyPath {
   bool befalls(const Fault& fault) const;
   bool isLost() const;
   void distort(Bytes& reply) const;
+  void distort(Bytes& reply, const Fault& fault) const;
   void dispatch(const Bytes& reply, Instant at);
 
   std::uint64_t seed_;
-  std::uint64_t count_ = 0;  // replies so far
+  std::uint64_t count_ = 0;            // replies so far
+  ReplyKind kind_ = ReplyKind::Other;  // of the latest
   std::vector<Fault> faults_;
   std::deque<Travelling> underWay_;
 };

@@ -15,6 +15,20 @@ Bytes framed(Bytes head, const std::string& text, const Bytes& tail) {
   return head;
 }
 
+unsigned bits(const PrinterState& state, Flag flag, unsigned mask) {
+  return state.flag(flag) ? mask : 0U;
+}
+
+std::uint8_t byteOf(unsigned bits) {
+  return static_cast<std::uint8_t>(bits);
+}
+
+// As the in-order and the unasked status report the paper.
+unsigned paperBits(const PrinterState& state) {
+  return bits(state, Flag::ReceiptPaperNearEmptyInner, 0x03) |
+         bits(state, Flag::ReceiptPaperEmpty, 0x0c);
+}
+
 }  // namespace
 
 Bytes statusBlock(const PrinterState& state) {
@@ -34,16 +48,16 @@ Bytes statusBlock(const PrinterState& state) {
 }
 
 Bytes realTimeStatus(const PrinterState& state, std::uint8_t query) {
-  const auto bits = [&](Flag flag, unsigned mask) { return state.flag(flag) ? mask : 0U; };
   unsigned byte = realTimeMark;
   if (query == 1) {
-    byte |= bits(Flag::CompulsionSwitch, 0x04) | bits(Flag::Offline, 0x08);
+    byte |= bits(state, Flag::CompulsionSwitch, 0x04) | bits(state, Flag::Offline, 0x08);
   } else if (query == 2) {
-    byte |= bits(Flag::CoverOpen, 0x04);
+    byte |= bits(state, Flag::CoverOpen, 0x04);
   } else {
-    byte |= bits(Flag::ReceiptPaperNearEmptyInner, 0x0c) | bits(Flag::ReceiptPaperEmpty, 0x60);
+    byte |= bits(state, Flag::ReceiptPaperNearEmptyInner, 0x0c) |
+            bits(state, Flag::ReceiptPaperEmpty, 0x60);
   }
-  return {static_cast<std::uint8_t>(byte)};
+  return {byteOf(byte)};
 }
 
 Bytes firmwareReply(const PrinterState& state) {
@@ -61,6 +75,26 @@ Bytes dipSwitchReply(const PrinterState& state, std::uint8_t digit) {
 
 Bytes etbReport(const PrinterState& state) {
   return {0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00, state.etbCounter, 0x00};
+}
+
+Bytes processIdReport(std::span<const std::uint8_t> command) {
+  return {0x37, 0x22, command[7], command[8], command[9], command[10], 0x00};
+}
+
+Bytes inOrderStatus(const PrinterState& state, std::uint8_t query) {
+  const bool asksForPaper = query == 1 || query == '1';
+  return {byteOf(asksForPaper ? paperBits(state) : bits(state, Flag::CompulsionSwitch, 0x01))};
+}
+
+Bytes unaskedStatus(const PrinterState& state) {
+  constexpr unsigned mark = 0x10;
+  const unsigned first = mark | bits(state, Flag::CompulsionSwitch, 0x04) |
+                         bits(state, Flag::Offline, 0x08) | bits(state, Flag::CoverOpen, 0x20);
+  return {byteOf(first), 0x00, byteOf(paperBits(state)), 0x00};
+}
+
+Bytes clearedReport() {
+  return {0x37, 0x25, 0x00};
 }
 
 }  // namespace quordalvane::simulator

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "simulator/PrinterState.h"
@@ -25,7 +26,21 @@ Bytes firmwareReplyEscPos(const PrinterState& state);
 /// The settings of DIP-switch bank `digit`, the ASCII digit 1 or 2 that also stands in the request.
 Bytes dipSwitchReply(const PrinterState& state, std::uint8_t digit);
 
-/// What ESC/POS sends unasked when the print position has passed an ETB: the counter's new value.
+/// The report that ESC/POS sends unasked when the print position has passed an ETB: the counter's
+/// new value.
 Bytes etbReport(const PrinterState& state);
+
+/// The report of a process-ID command, given whole: its four characters come back.
+Bytes processIdReport(std::span<const std::uint8_t> command);
+
+/// The one byte that answers an in-order status request 1d 72 `query`: of the paper (1 or the digit
+/// 1) or of the drawer (2 or the digit 2).
+Bytes inOrderStatus(const PrinterState& state, std::uint8_t query);
+
+/// The four bytes that report a change unasked.
+Bytes unaskedStatus(const PrinterState& state);
+
+/// The answer to a clearing of the buffer.
+Bytes clearedReport();
 
 }  // namespace quordalvane::simulator

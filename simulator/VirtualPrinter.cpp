@@ -37,8 +37,11 @@ void VirtualPrinter::set(std::string_view key, std::string_view value, Instant n
 }
 
 void VirtualPrinter::followState(Instant now) {
+  reception_.setDialect(state_.dialect);
+  printing_.setDialect(state_.dialect);
   queue_.run(!state_.flag(Flag::Offline), state_.bytesPerSecond, now);
   printUntil(now);
+  reportChange(now);
 }
 
 void VirtualPrinter::advance(Instant now) {
@@ -57,68 +60,90 @@ void VirtualPrinter::receive(std::span<const std::uint8_t> bytes, Instant now, b
   }
   advance(now);
   lastReceived_ = now;
-  reception_.take(bytes, vanish, [&](CommandKind kind, std::span<const std::uint8_t> piece) {
-    if (actsOnReception(kind)) {
-      obey(kind, piece, now);
+  reception_.take(bytes, vanish, [&](MachineCommand command, std::span<const std::uint8_t> piece) {
+    if (actsOnReception(command)) {
+      obey(command, piece, now);
     } else if (!dropping_) {
-      hold(kind, piece, now);
+      hold(command, piece, now);
     }
   });
   printUntil(now);
 }
 
-void VirtualPrinter::obey(CommandKind kind, std::span<const std::uint8_t> command, Instant now) {
+void VirtualPrinter::obey(MachineCommand command, std::span<const std::uint8_t> bytes,
+                          Instant now) {
   // A printer that takes no time over its data has printed what came before in the same packet.
   printUntil(now);
-  switch (kind) {
-    case CommandKind::StatusRequest:
-      return reply(statusBlock(state_), now);
-    case CommandKind::RealTimeStatus:
-      return reply(realTimeStatus(state_, command[2]), now);
-    case CommandKind::Firmware:
-      return reply(firmwareReply(state_), now);
-    case CommandKind::FirmwareEscPos:
-      return reply(firmwareReplyEscPos(state_), now);
-    case CommandKind::DipSwitches:
-      return reply(dipSwitchReply(state_, command[3]), now);
-    case CommandKind::CounterReset:
+  switch (command) {
+    case MachineCommand::CounterReset:
       state_.etbCounter = 0;
       return;
-    case CommandKind::DataTimeout:
-      dataTimeoutSeconds_ = command[5];
+    case MachineCommand::DataTimeout:
+      dataTimeoutSeconds_ = bytes[5];
       return;
-    case CommandKind::DataCancel:
+    case MachineCommand::DataCancel:
       dropHeld();
       guarded_ = true;
       return;
-    case CommandKind::DataCancelEnd:
+    case MachineCommand::DataCancelEnd:
       guarded_ = false;
       dropping_ = false;
       return;
-    case CommandKind::PrepareStatus:  // a request that follows is answered in any case
-    case CommandKind::Printing:
-    case CommandKind::Etb:
-    case CommandKind::ReportingEtb:
+    case MachineCommand::ClearBuffer:
+      dropHeld();
+      return reply(clearedReport(), now, ReplyKind::Cleared);
+    case MachineCommand::UnaskedStatus:
+      reported_ = bytes[2] == 0 ? std::nullopt : std::optional(Bytes());
+      return reportChange(now);
+    default:
+      return answer(command, bytes, now);
+  }
+}
+
+void VirtualPrinter::answer(MachineCommand command, std::span<const std::uint8_t> bytes,
+                            Instant now) {
+  switch (command) {
+    case MachineCommand::StatusRequest:
+      return reply(statusBlock(state_), now);
+    case MachineCommand::RealTimeStatus:
+      return reply(realTimeStatus(state_, bytes[2]), now);
+    case MachineCommand::Firmware:
+      return reply(firmwareReply(state_), now);
+    case MachineCommand::FirmwareEscPos:
+      return reply(firmwareReplyEscPos(state_), now);
+    case MachineCommand::DipSwitches:
+      return reply(dipSwitchReply(state_, bytes[3]), now);
+    default:  // preparing has no reply: a request that follows is answered in any case
       return;
   }
 }
 
-void VirtualPrinter::hold(CommandKind kind, std::span<const std::uint8_t> bytes, Instant now) {
+void VirtualPrinter::reportChange(Instant now) {
+  if (!reported_) {
+    return;
+  }
+  const Bytes current = unaskedStatus(state_);
+  if (current != *reported_) {
+    reported_ = current;
+    reply(current, now, ReplyKind::Unasked);
+  }
+}
+
+void VirtualPrinter::hold(MachineCommand command, std::span<const std::uint8_t> bytes,
+                          Instant now) {
   const std::uint64_t begin = queuedEver_;
   queue_.push(bytes, now);
   queuedEver_ += bytes.size();
-  if (kind == CommandKind::Etb) {
-    marks_.push_back({Mark::Kind::Etb, begin, queuedEver_});
-  } else if (kind == CommandKind::ReportingEtb) {
-    marks_.push_back({Mark::Kind::ReportingEtb, begin, queuedEver_});
+  if (actsInTurn(command)) {
+    marks_.push_back({command, Bytes(bytes.begin(), bytes.end()), begin, queuedEver_});
   }
 }
 
 void VirtualPrinter::printUntil(Instant now) {
   while (const auto taken = queue_.take(now)) {
-    const bool isOfAnEtb = !marks_.empty() && marks_.front().begin <= takenEver_;
+    const bool isOfAMark = !marks_.empty() && marks_.front().begin <= takenEver_;
     ++takenEver_;
-    if (!isOfAnEtb) {
+    if (!isOfAMark) {
       print(taken->byte);
     }
     passMarks(taken->at);
@@ -142,14 +167,25 @@ void VirtualPrinter::passMarks(Instant at) {
 }
 
 void VirtualPrinter::pass(const Mark& mark, Instant at) {
-  if (mark.kind == Mark::Kind::EndOfConnection) {
+  if (!mark.command) {
     return endJob();
   }
+  switch (*mark.command) {
+    case MachineCommand::ReportingEtb:
+      countEtb();
+      return reply(etbReport(state_), at, ReplyKind::Block);
+    case MachineCommand::ReturnProcessId:
+      return reply(processIdReport(mark.bytes), at, ReplyKind::ProcessId);
+    case MachineCommand::InOrderStatus:
+      return reply(inOrderStatus(state_, mark.bytes[2]), at, ReplyKind::InOrder);
+    default:
+      return countEtb();
+  }
+}
+
+void VirtualPrinter::countEtb() {
   printing_.endJob();
   ++state_.etbCounter;
-  if (mark.kind == Mark::Kind::ReportingEtb) {
-    reply(etbReport(state_), at);
-  }
 }
 
 // The host that wrote all this is gone.
@@ -166,9 +202,8 @@ void VirtualPrinter::endJob() {
 }
 
 void VirtualPrinter::dropHeld() {
-  const bool endsJob = std::any_of(marks_.begin(), marks_.end(), [](const Mark& mark) {
-    return mark.kind == Mark::Kind::EndOfConnection;
-  });
+  const bool endsJob =
+      std::any_of(marks_.begin(), marks_.end(), [](const Mark& mark) { return !mark.command; });
   queue_.clear();
   takenEver_ = queuedEver_;
   marks_.clear();
@@ -235,17 +270,18 @@ void VirtualPrinter::disconnect(std::uint64_t connection) {
 
 void VirtualPrinter::endConnection() {
   sink_ = nullptr;
+  reported_.reset();
   reception_.restart();
   const bool bringsNothing = !marks_.empty() && marks_.back().begin == queuedEver_;
   if (!bringsNothing) {
-    marks_.push_back({Mark::Kind::EndOfConnection, queuedEver_, queuedEver_});
+    marks_.push_back({std::nullopt, {}, queuedEver_, queuedEver_});
   }
   passMarks({});
 }
 
-void VirtualPrinter::reply(std::span<const std::uint8_t> bytes, Instant at) {
+void VirtualPrinter::reply(std::span<const std::uint8_t> bytes, Instant at, ReplyKind kind) {
   if (sink_) {
-    sink_(bytes, at);
+    sink_(bytes, at, kind);
   }
 }
 

@@ -14,6 +14,7 @@
 #include "simulator/PrinterState.h"
 #include "simulator/Printing.h"
 #include "simulator/Reception.h"
+#include "simulator/ReplyKind.h"
 
 namespace quordalvane::simulator {
 
@@ -63,8 +64,8 @@ class VirtualPrinter {
 
   // ---- For the link ----
 
-  /// Where replies go, with the instant at which the printer gives them.
-  using Sink = std::function<void(std::span<const std::uint8_t>, Instant)>;
+  /// The way of replies to the host, with the instant at which the printer gives them.
+  using Sink = std::function<void(std::span<const std::uint8_t>, Instant, ReplyKind)>;
 
   /// Begins a connection, which ends the one before it: from now on replies go to `sink`. Returns a
   /// number that tells this connection from all others.
@@ -91,28 +92,34 @@ class VirtualPrinter {
   void receive(std::span<const std::uint8_t> bytes, Instant now, bool vanish = false);
 
   /// Sends bytes to the host, if there is one: an answer, or something of its own accord.
-  void reply(std::span<const std::uint8_t> bytes, Instant at);
+  void reply(std::span<const std::uint8_t> bytes, Instant at, ReplyKind kind = ReplyKind::Other);
 
   /// When, after the latest instant given, it next does something that can be noticed from outside:
   /// has space again, passes an ETB, has printed all, or drops data. None while nothing is due.
   std::optional<Instant> nextEvent() const;
 
  private:
-  /// What happens when the print position has passed the first `end` bytes that were ever queued.
+  using Bytes = std::vector<std::uint8_t>;
+
+  /// A command, or the end of a connection, that waits until the print position has passed the
+  /// first `end` bytes that were ever queued.
   struct Mark {
-    enum class Kind { Etb, ReportingEtb, EndOfConnection };
-    Kind kind;
-    std::uint64_t begin;  // of the bytes of an ETB, which are not for the paper
+    std::optional<MachineCommand> command;  // empty: the end of a connection
+    Bytes bytes;                            // of the command, which are not for the paper
+    std::uint64_t begin;
     std::uint64_t end;
   };
 
   std::size_t readyAgain() const;
-  void obey(CommandKind kind, std::span<const std::uint8_t> command, Instant now);
-  void hold(CommandKind kind, std::span<const std::uint8_t> bytes, Instant now);
+  void obey(MachineCommand command, std::span<const std::uint8_t> bytes, Instant now);
+  void answer(MachineCommand command, std::span<const std::uint8_t> bytes, Instant now);
+  void hold(MachineCommand command, std::span<const std::uint8_t> bytes, Instant now);
   void printUntil(Instant now);
   void print(std::uint8_t byte);
   void passMarks(Instant at);
   void pass(const Mark& mark, Instant at);
+  void countEtb();
+  void reportChange(Instant now);
   void dropHeld();
   void endJob();
   std::optional<Instant> dataTimeoutDue() const;
@@ -133,6 +140,7 @@ class VirtualPrinter {
   bool guarded_ = false;   // between a data cancel and its end
   bool dropping_ = false;  // the data time-out struck, and no end of the data cancel has come since
   Instant lastReceived_{};
+  std::optional<Bytes> reported_;  // the latest unasked status; empty: none is wanted
 
   JobKeeper keepJob_;
   Sink sink_;

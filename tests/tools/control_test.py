@@ -6,7 +6,7 @@ import threading
 
 from harness import DEADLINE, FLAGS, STATUS_REQUEST, Case, eventually, main, receive, run
 
-STATE_KEYS = {*FLAGS, "firmware", "dip1", "dip2", "speed", "etbCounter", "buffered", "printedBytes"}
+STATE_KEYS = {*FLAGS, "firmware", "dip1", "dip2", "speed", "proofs", "etbCounter", "buffered", "printedBytes"}
 
 
 class State(Case):
@@ -19,7 +19,8 @@ class State(Case):
 
     def test_every_setting_is_found_again(self):
         simulator = self.simulator()
-        wanted = {"firmware": "X 9", "dip1": "0a1b", "dip2": "ffff", "speed": 1234}
+        wanted = {"firmware": "X 9", "dip1": "0a1b", "dip2": "ffff", "speed": 1234,
+                  "proofs": "process-id+in-order"}
         simulator.set(**wanted)
         self.assertLessEqual(wanted.items(), simulator.state().items())
 

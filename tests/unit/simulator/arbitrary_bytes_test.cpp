@@ -70,13 +70,14 @@ TEST(ArbitraryBytes, CanBeDrawn) {
 TEST(ArbitraryBytes, ACommandNeverNeedsLessThanItHasUnlessItIsComplete) {
   std::mt19937_64 chance(5);
   for (int run = 0; run < 100'000; ++run) {
+    const Dialect dialect = run % 2 == 0 ? Dialect() : Dialect{Proofs(), false};
     Bytes bytes = randomBytes(chance, 12);
     bytes.push_back(static_cast<std::uint8_t>(chance()));
     std::uint64_t needed = 1;
     for (std::size_t count = 1; count <= bytes.size(); ++count) {
       if (count < needed)
         continue;
-      needed = leastCommandLength(std::span(bytes).first(count));
+      needed = leastCommandLength(std::span(bytes).first(count), dialect);
       ASSERT_GE(needed, count) << "run " << run;
       if (needed == count)
         break;

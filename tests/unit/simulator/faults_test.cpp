@@ -309,10 +309,12 @@ TEST(Faults, AWrongValueIsRefusedWithTheNameAndTheValuesItTakes) {
       {"split-reply", "3/2", "rising offsets"},
       {"split-reply", "0", "rising offsets"},
       {"split-reply", "1/", "rising offsets"},
-      {"duplicate-reply", "0", "all or the number"},
-      {"drop-reply", "every", "all or the number"},
-      {"corrupt-reply", "-1", "all or the number"},
+      {"duplicate-reply", "0", "all, the number"},
+      {"drop-reply", "every", "all, the number"},
+      {"corrupt-reply", "-1", "all, the number"},
       {"stray-byte", "100", "two hex digits"},
+      {"wrong-id", "block", "all or the number"},
+      {"foreign-reply", "1", "block, process-id or in-order"},
       {"silence", "all", "the number of a reply"},
       {"cut-after-in", "12:softly", "drain|at-once|reset"},
       {"cut-after-out", "", "drain|at-once|reset"},
@@ -338,7 +340,7 @@ TEST(Faults, AreKnownByTheirNames) {
   for (const char* name :
        {"short-writes", "no-space", "late-reply", "split-reply", "duplicate-reply", "drop-reply",
         "corrupt-reply", "stray-byte", "silence", "cut-after-in", "cut-after-out", "cut",
-        "prints-nothing", "at"}) {
+        "prints-nothing", "at", "wrong-id", "foreign-reply"}) {
     EXPECT_TRUE(isFault(name)) << name;
   }
   EXPECT_FALSE(isFault("seed"));

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "simulator/Proofs.h"
+
+namespace quordalvane::simulator {
+
+/// Which of the commands that not every printer knows a printer knows. A plain value.
+struct Dialect {
+  Proofs proofs = Proofs::all();
+  bool lineMode = true;  ///< the maker's own commands besides ESC/POS
+
+  bool operator==(const Dialect&) const = default;
+};
+
+/// What a command takes to be known.
+enum class KnownWith { Always, LineMode, Block, ProcessId, InOrder };
+
+bool knows(const Dialect& dialect, KnownWith with);
+
+}  // namespace quordalvane::simulator

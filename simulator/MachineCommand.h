@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "simulator/Dialect.h"
+
+namespace quordalvane::simulator {
+
+/// The meaning of a complete command for the machine. Everything that only matters to the paper is
+/// `Printing`, single characters included.
+enum class MachineCommand {
+  Printing,
+  PrepareStatus,
+  StatusRequest,
+  RealTimeStatus,
+  UnaskedStatus,
+  Firmware,
+  FirmwareEscPos,
+  DipSwitches,
+  CounterReset,
+  DataCancel,
+  DataCancelEnd,
+  DataTimeout,
+  ClearBuffer,
+  Etb,
+  ReportingEtb,
+  ReturnProcessId,
+  InOrderStatus,
+};
+
+/// True for commands that act when they are received, ahead of the print data that is still held.
+bool actsOnReception(MachineCommand command);
+
+/// True for commands that wait for their turn: they act when the print position passes them.
+bool actsInTurn(MachineCommand command);
+
+/// The meaning of these bytes, one whole command, for a printer of that dialect.
+MachineCommand machineCommand(std::span<const std::uint8_t> bytes, const Dialect& dialect);
+
+/// True if more bytes may make these a command other than `Printing`.
+bool mayBecomeMachineCommand(std::span<const std::uint8_t> bytes, const Dialect& dialect);
+
+}  // namespace quordalvane::simulator

@@ -1,0 +1,222 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "simulator/TextRendering.h"
+#include "tests/unit/simulator/Session.h"
+
+namespace quordalvane::simulator {
+namespace {
+
+using testing::HasSubstr;
+using testing::ThrowsMessage;
+
+constexpr std::string_view askId = "1d 28 48 06 00 30 30 41 42 43 44";
+constexpr std::string_view clearBuffer = "10 14 08 01 03 14 01 06 02 08";
+const Bytes idReport = hex("37 22 41 42 43 44 00");
+
+PrinterBuilder proving(std::string_view proofs) {
+  return PrinterBuilder().set("proofs", proofs);
+}
+
+TEST(Proofs, AreNamedInAnyOrderAndReadBackInOne) {
+  EXPECT_EQ(Proofs::parse("in-order+block").text(), "block+in-order");
+  EXPECT_EQ(Proofs::parse("process-id").text(), "process-id");
+  EXPECT_EQ(Proofs::parse(Proofs::all().text()), Proofs::all());
+  EXPECT_EQ(Proofs::parse("").text(), "none");
+  EXPECT_EQ(Proofs::parse("none"), Proofs());
+}
+
+TEST(Proofs, OfNoSuchNameAreRefusedWithThoseThereAre) {
+  for (const auto* wrong : {"x", "block+", "+", "block,in-order", "none+block", "Block"}) {
+    EXPECT_THAT([&] { PrinterState().set("proofs", wrong); },
+                ThrowsMessage<std::invalid_argument>(HasSubstr("block, process-id and in-order")))
+        << wrong;
+  }
+}
+
+TEST(Proofs, AreAllKnownUnlessOthersAreNamed) {
+  Session session;
+  EXPECT_EQ(session.ask("1b1d03010000"), hex("1b1d03010000 01 00"));
+  EXPECT_EQ(session.ask(askId), idReport);
+  EXPECT_EQ(session.ask("1d7201"), hex("00"));
+}
+
+TEST(Proofs, ThatAreNotKnownAreNotAnsweredAndPrintNothing) {
+  Session session(proving("none"));
+  EXPECT_EQ(session.ask("1b1d03020000"), Bytes{});
+  EXPECT_EQ(session.ask("1b1d03010000"), Bytes{});
+  EXPECT_EQ(session.ask(askId), Bytes{});
+  EXPECT_EQ(session.ask("1d7201"), Bytes{});
+  EXPECT_TRUE(session.printer.paper().items().empty());
+  EXPECT_EQ(session.printer.state().etbCounter, 0);
+}
+
+TEST(Proofs, AnUnknownBlockTakesOneByteAfterItsEscapeAndPrintsTheTextThatFollows) {
+  Session session(proving("process-id"));
+  session.send(hex("1b1d03010000") + ascii("Hello\n"));
+  EXPECT_THAT(renderText(session.printer.paper()), HasSubstr("Hello\n"));
+}
+
+TEST(Proofs, AnUnknownDataCancelDropsNothing) {
+  Session session(proving("process-id").coverOpen());
+  session.send(ascii("kept\n"));
+  session.send(dataCancel);
+  session.printer.setFlag("coverOpen", false, session.now);
+  EXPECT_THAT(renderText(session.printer.paper()), HasSubstr("kept"));
+}
+
+TEST(ProcessId, ComesBackAfterAllThatWasSentBeforeItWasPrinted) {
+  Session session(PrinterBuilder().speed(10));
+  session.send(ascii("0123456789\n"));
+  EXPECT_EQ(session.ask(askId), Bytes{});
+  session.wait(2'199ms);
+  EXPECT_EQ(session.receive(), Bytes{});
+  session.wait(1ms);
+  EXPECT_EQ(session.receive(), idReport);
+}
+
+TEST(ProcessId, OfCharactersThatAreNotPrintableIsNotAnswered) {
+  Session session;
+  EXPECT_EQ(session.ask("1d 28 48 06 00 30 30 1f 42 43 44"), Bytes{});
+  EXPECT_EQ(session.ask("1d 28 48 06 00 30 30 41 42 43 7f"), Bytes{});
+  EXPECT_EQ(session.ask("1d 28 48 06 00 30 30 20 7e 20 7e"), hex("37 22 20 7e 20 7e 00"));
+}
+
+TEST(ProcessId, IsAnsweredWhereverItsCommandIsSplit) {
+  const Bytes command = hex(askId);
+  for (std::size_t at = 1; at < command.size(); ++at) {
+    Session session;
+    const auto middle = command.begin() + static_cast<std::ptrdiff_t>(at);
+    session.send(Bytes(command.begin(), middle));
+    session.send(Bytes(middle, command.end()));
+    EXPECT_EQ(session.receive(), idReport) << "split at " << at;
+  }
+}
+
+TEST(ProcessId, InsideTheDotsOfAnImageIsData) {
+  Session session;
+  EXPECT_EQ(session.ask("1d 76 30 00 0b 00 01 00 1d 28 48 06 00 30 30 41 42 43 44"), Bytes{});
+  EXPECT_EQ(session.ask("1d 76 30 00 03 00 01 00 1d 72 01"), Bytes{});
+  EXPECT_EQ(session.ask("1d 76 30 00 0a 00 01 00 10 14 08 01 03 14 01 06 02 08"), Bytes{});
+}
+
+TEST(InOrderStatus, IsAnsweredInItsTurnAndReportsPaperAndDrawer) {
+  Session slow(PrinterBuilder().speed(10));
+  slow.send(ascii("1234567\n"));
+  EXPECT_EQ(slow.ask("1d7231"), Bytes{});
+  slow.wait(1'100ms);
+  EXPECT_EQ(slow.receive(), hex("00"));
+  Session session(
+      PrinterBuilder().with(Flag::ReceiptPaperNearEmptyInner).with(Flag::CompulsionSwitch));
+  EXPECT_EQ(session.ask("1d7201 1d7231 1d7202 1d7232"), hex("03 03 01 01"));
+  EXPECT_EQ(session.ask("1d7203"), Bytes{}) << "there is no such query";
+}
+
+TEST(InOrderStatus, WaitsWhileThePrinterIsOffLine) {
+  Session session(PrinterBuilder().coverOpen());
+  EXPECT_EQ(session.ask("1d7201"), Bytes{});
+  EXPECT_EQ(session.ask("100402"), hex("16"));
+  session.printer.setFlag("coverOpen", false, session.now);
+  EXPECT_EQ(session.receive(), hex("00"));
+}
+
+TEST(UnaskedStatus, ComesAtOnceAndAtEachChangeUntilItIsEnded) {
+  Session session;
+  EXPECT_EQ(session.ask("1d61ff"), hex("10 00 00 00"));
+  session.printer.setFlag("coverOpen", true, session.now);
+  EXPECT_EQ(session.receive(), hex("38 00 00 00"));
+  session.printer.setFlag("coverOpen", true, session.now);
+  session.printer.setFlag("slipTOF", true, session.now);
+  EXPECT_EQ(session.receive(), Bytes{}) << "neither is a change of it";
+  session.printer.setFlag("coverOpen", false, session.now);
+  session.printer.setFlag("receiptPaperEmpty", true, session.now);
+  session.printer.setFlag("receiptPaperNearEmptyInner", true, session.now);
+  session.printer.setFlag("compulsionSwitch", true, session.now);
+  EXPECT_EQ(session.receive(), hex("10000000 18000c00 18000f00 1c000f00"));
+  EXPECT_EQ(session.ask("1d6100"), Bytes{});
+  session.printer.setFlag("compulsionSwitch", false, session.now);
+  EXPECT_EQ(session.receive(), Bytes{});
+}
+
+TEST(UnaskedStatus, EndsWithItsConnection) {
+  Session session;
+  session.ask("1d6101");
+  session.reconnect();
+  session.printer.setFlag("coverOpen", true, session.now);
+  EXPECT_EQ(session.receive(), Bytes{});
+}
+
+TEST(ClearBuffer, DropsWhatIsHeldAndSaysSo) {
+  Session session(PrinterBuilder().coverOpen());
+  session.send(ascii("dropped\n"));
+  session.send(askId);
+  EXPECT_EQ(session.ask(clearBuffer), hex("37 25 00"));
+  EXPECT_EQ(session.printer.buffered(), 0U);
+  session.printer.setFlag("coverOpen", false, session.now);
+  EXPECT_EQ(session.receive(), Bytes{}) << "the process ID was dropped, too";
+  EXPECT_TRUE(session.printer.paper().items().empty());
+}
+
+TEST(ProofFaults, BefallTheRepliesOfOneKindAlone) {
+  Session session(with("drop-reply", "process-id"));
+  EXPECT_EQ(session.ask(std::string(askId) + "1d7201 100401"), hex("00 12"));
+  Session twice(with("duplicate-reply", "in-order"));
+  EXPECT_EQ(twice.ask(std::string(askId) + "1d7201"), idReport + hex("00 00"));
+  Session unasked(with("stray-byte", "13@unasked"));
+  EXPECT_EQ(unasked.ask("1d6101 1d7201"), hex("13 10000000 00"));
+  Session cleared(with("drop-reply", "cleared"));
+  EXPECT_EQ(cleared.ask(clearBuffer), Bytes{});
+}
+
+TEST(ProofFaults, MakeOneKindOfReplyLateOrCutIt) {
+  Session late(with("late-reply", "700@process-id"));
+  EXPECT_EQ(late.ask("1d7201" + std::string(askId)), hex("00"));
+  late.wait(700ms);
+  EXPECT_EQ(late.receive(), idReport);
+  Session split(with("split-reply", "1/3@process-id"));
+  EXPECT_EQ(split.ask(askId), hex("37"));
+  split.wait(50ms);
+  EXPECT_EQ(split.receive(), hex("22 41"));
+  split.wait(50ms);
+  EXPECT_EQ(split.receive(), hex("42 43 44 00"));
+}
+
+TEST(ProofFaults, AWrongIdIsWellFormedAndNotTheOneThatWasSent) {
+  for (unsigned seed = 0; seed < 20; ++seed) {
+    Faults faults = with("wrong-id", "all");
+    faults.seed = seed;
+    Session session(faults);
+    const Bytes reply = session.ask("1d 28 48 06 00 30 30 7e 7e 7e 7e");
+    ASSERT_EQ(reply.size(), idReport.size());
+    EXPECT_NE(reply, hex("37 22 7e 7e 7e 7e 00"));
+    for (std::size_t i = 2; i < 6; ++i) {
+      EXPECT_TRUE(reply[i] >= 0x20 && reply[i] <= 0x7e);
+    }
+  }
+}
+
+TEST(ProofFaults, AForeignReplyComesBeforeTheRightOne) {
+  Session id(with("foreign-reply", "process-id"));
+  const Bytes both = id.ask(askId);
+  ASSERT_EQ(both.size(), 2 * idReport.size());
+  EXPECT_EQ(Bytes(both.begin() + 7, both.end()), idReport);
+  EXPECT_NE(Bytes(both.begin(), both.begin() + 7), idReport);
+  Session block(with("foreign-reply", "block"));
+  const Bytes reports = block.ask("1b1d03010000");
+  ASSERT_EQ(reports.size(), 16U);
+  EXPECT_NE(reports[6], 1);
+  EXPECT_EQ(reports[14], 1);
+  Session status(with("foreign-reply", "in-order"));
+  EXPECT_EQ(status.ask("1d7201"), hex("00 00"));
+}
+
+TEST(ProofFaults, TakeNoKindThatTheyCannotBefall) {
+  EXPECT_THROW(parseFault("foreign-reply", "unasked"), std::invalid_argument);
+  EXPECT_THROW(parseFault("wrong-id", "in-order"), std::invalid_argument);
+  EXPECT_THROW(parseFault("drop-reply", "status"), std::invalid_argument);
+}
+
+}  // namespace
+}  // namespace quordalvane::simulator
