@@ -6,3 +6,13 @@ pkg_check_modules(CAIRO REQUIRED IMPORTED_TARGET cairo)
 # The drawing library chooses fonts through fontconfig, which comes with it.
 pkg_check_modules(FONTCONFIG REQUIRED IMPORTED_TARGET fontconfig)
 find_library(ZINT_LIBRARY zint REQUIRED)
+
+# The journal of jobs is built if its libraries are there.
+pkg_check_modules(SQLITE IMPORTED_TARGET sqlite3)
+pkg_check_modules(NETTLE IMPORTED_TARGET nettle)
+if(SQLITE_FOUND AND NETTLE_FOUND)
+  set(QUOR_JOURNAL ON)
+else()
+  set(QUOR_JOURNAL OFF)
+  message(STATUS "Left out: the journal of jobs (print --job, jobs), which needs libsqlite3-dev and nettle-dev")
+endif()

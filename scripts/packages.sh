@@ -3,7 +3,7 @@
 
 # shellcheck disable=SC2034  # the lists are used by ./dev
 build_packages=(cmake ninja-build g++ pkg-config libgtest-dev libgmock-dev libcli11-dev
-  nlohmann-json3-dev libcairo2-dev libfontconfig-dev libzint-dev)
+  nlohmann-json3-dev libcairo2-dev libfontconfig-dev libsqlite3-dev libzint-dev nettle-dev)
 demo_packages=(fonts-dejavu-core python3)
 test_packages=(bash-completion fonts-dejavu-core groff-base python3)
 check_packages=(clang-format clang-tidy doxygen python3)

@@ -56,6 +56,10 @@ RULES = (
     Rule("backends/virtual", ("platform", "backends/*", "simulator"), STANDARD | {"csignal"}, NO_CLOCK),
     Rule("backends/posix", ("platform", "backends/*", PUBLIC), EVERY_SYSTEM_HEADER),
     Rule("job", ("iphone-IOPort", PUBLIC), STANDARD, NO_CLOCK),
+    # A kernel's lock on a byte of a file; it waits by itself, as other processes do not live by a port's clock.
+    Rule("locks", (PUBLIC,), STANDARD | DESCRIPTORS),
+    Rule("journal", ("job", "locks", "logging", "iphone-IOPort", PUBLIC),
+         STANDARD | DESCRIPTORS | {"sys/vfs.h", "sqlite3.h", "nettle/sha2.h"}),
     Rule("c-interface", ("job", "iphone-IOPort", "logging", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
     # The command also serves the simulator to others, without a port.
     Rule("tools", ("job", "iphone-IOPort", "logging", "backends", "platform", "simulator", PUBLIC),

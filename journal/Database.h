@@ -1,0 +1,80 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace quordalvane {
+
+/// A prepared statement, whose parameters are bound in their order.
+class Statement {
+ public:
+  Statement& with(std::int64_t value);
+  Statement& with(std::optional<std::int64_t> value);
+  Statement& with(std::string_view text);
+  Statement& withBlob(std::string_view bytes);
+
+  /// Goes on to the next row; false after the last one. Raises `JournalError`.
+  bool step();
+
+  std::int64_t number(int column) const;
+  bool isNull(int column) const;
+  std::string text(int column) const;  ///< of a text or a blob, all its bytes
+
+ private:
+  friend class Database;
+  Statement(class Database& database, const char* sql);
+  void check(int code);
+
+  class Database& database_;
+  std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> handle_;
+  int bound_ = 0;
+};
+
+/// One connection to a file of SQLite, which is a file of this machine and may be written. Whatever
+/// fails raises `JournalError`, with the file and the reason.
+class Database {
+ public:
+  explicit Database(std::filesystem::path file);
+
+  void execute(const char* sql);
+  Statement prepare(const char* sql) { return {*this, sql}; }
+
+  /// The one number that `sql` asks for.
+  std::int64_t number(const char* sql);
+
+  const std::filesystem::path& file() const { return file_; }
+  [[noreturn]] void fail(int code) const;
+
+ private:
+  friend class Statement;
+  const std::filesystem::path file_;
+  std::unique_ptr<sqlite3, int (*)(sqlite3*)> handle_;
+};
+
+/// Changes that are made all or not at all: taken back unless `commit` has returned.
+class Transaction {
+ public:
+  /// Waits for other writers, ten seconds at most.
+  explicit Transaction(Database& database) : database_(database) {
+    database_.execute("BEGIN IMMEDIATE");
+  }
+  ~Transaction();
+  Transaction(const Transaction&) = delete;
+  Transaction& operator=(const Transaction&) = delete;
+
+  /// They are on disk when it returns.
+  void commit();
+
+ private:
+  Database& database_;
+  bool isOpen_ = true;
+};
+
+}  // namespace quordalvane

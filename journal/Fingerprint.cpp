@@ -1,0 +1,14 @@
+#include "journal/Fingerprint.h"
+
+#include "journal/Sha256.h"
+
+namespace quordalvane {
+
+Fingerprint fingerprintOf(std::span<const std::uint8_t> data) {
+  Sha256 hash;
+  hash.add(data);
+  const auto digest = hash.digest();
+  return {data.size(), std::string(digest.begin(), digest.end())};
+}
+
+}  // namespace quordalvane

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "job/PrintJob.h"
+#include "journal/Attempt.h"
+#include "journal/Journal.h"
+
+namespace quordalvane {
+
+// What the attempts at one job add up to.
+
+/// As a row tells an outcome.
+std::string nameOf(PrintOutcome outcome);
+
+/// The attempt that decides what is known of a job: the one that printed it; otherwise the last one
+/// of which bytes may be on paper; otherwise the last one. The attempts must not be empty.
+const Attempt& decisive(const std::vector<Attempt>& attempts);
+
+/// What an attempt left: Printing is only known of its process, and never said here.
+JobState stateOf(const Attempt& attempt);
+
+/// Why it was not printed, for a person.
+std::string reasonOf(const Attempt& attempt);
+
+/// The job of these attempts, whose process may live.
+JobRecord recordOf(const std::vector<Attempt>& attempts, bool isBeingPrinted);
+
+/// Milliseconds since 1970, UTC.
+std::int64_t millisecondsNow();
+
+}  // namespace quordalvane

@@ -1,0 +1,121 @@
+#include "journal/Journal.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <map>
+#include <system_error>
+
+#include "journal/Database.h"
+#include "journal/History.h"
+#include "journal/JournalFile.h"
+#include "journal/Rows.h"
+#include "journal/Schema.h"
+#include "journal/Seal.h"
+#include "locks/ByteLock.h"
+
+namespace quordalvane {
+namespace {
+
+constexpr auto longestOpening = std::chrono::seconds(10);
+
+ByteLock takenForOpening(const std::filesystem::path& file) {
+  auto lock = ByteLock::take(lockFileOf(file), offsetOfOpening, modeOfLocks, longestOpening, {});
+  if (!lock) {
+    throw JournalError(file, "another program has been opening it for ten seconds");
+  }
+  return std::move(*lock);
+}
+
+std::unique_ptr<Database> opened(const std::filesystem::path& file) {
+  try {
+    const ByteLock lock = takenForOpening(file);  // only one may make or change the tables
+    if (!std::filesystem::exists(file)) {
+      makeJournal(file);
+    }
+    auto database = std::make_unique<Database>(file);
+    bringUpToDate(*database);
+    database->execute("PRAGMA synchronous = FULL");
+    checkSeal(*database);
+    return database;
+  } catch (const std::system_error& error) {
+    throw JournalError(file, error.code().message());
+  }
+}
+
+}  // namespace
+
+Journal::Journal(const std::filesystem::path& file)
+    : file_(preparedPath(file)), database_(opened(file_)) {}
+
+Journal::~Journal() = default;
+
+std::filesystem::path Journal::defaultFile() {
+  const char* const state = std::getenv("XDG_STATE_HOME");
+  if (state != nullptr && *state == '/') {  // any other value is as good as none
+    return std::filesystem::path(state) / "quorport/jobs.db";
+  }
+  const char* const home = std::getenv("HOME");
+  if (home == nullptr || *home == '\0') {
+    throw JournalError("jobs.db", "neither XDG_STATE_HOME nor HOME says where it lies");
+  }
+  return std::filesystem::path(home) / ".local/state/quorport/jobs.db";
+}
+
+std::vector<JobRecord> Journal::jobs() {
+  std::map<std::string, std::vector<Attempt>> jobs;
+  for (Attempt& attempt : allRows(*database_)) {
+    jobs[attempt.name].push_back(std::move(attempt));
+  }
+  std::vector<JobRecord> records;
+  for (const auto& [name, attempts] : jobs) {
+    records.push_back(recordOf(attempts, isBeingPrinted(name)));
+  }
+  return records;
+}
+
+Forgetting Journal::forget(const std::string& name) {
+  const auto lock = ByteLock::tryTake(lockFileOf(file_), lockOffset(name), modeOfLocks);
+  if (!lock) {
+    return Forgetting::BeingPrinted;
+  }
+  Transaction transaction(*database_);
+  const auto rows = rowsOf(*database_, name);
+  for (const Attempt& row : rows) {
+    deleteRow(*database_, row);
+  }
+  transaction.commit();
+  return rows.empty() ? Forgetting::Unknown : Forgetting::Forgotten;
+}
+
+std::size_t Journal::forgetOlderThan(std::uint32_t days) {
+  const std::int64_t oldest = millisecondsNow() - std::int64_t{days} * 24 * 60 * 60 * 1000;
+  std::size_t count = 0;
+  for (const JobRecord& job : jobs()) {
+    if (job.begun < oldest && forget(job.name) == Forgetting::Forgotten) {
+      ++count;
+    }
+  }
+  return count;
+}
+
+std::vector<Attempt> Journal::attemptsOf(std::string_view name) {
+  return rowsOf(*database_, name);
+}
+
+void Journal::insert(const Attempt& attempt) {
+  Transaction transaction(*database_);
+  insertRow(*database_, attempt);
+  transaction.commit();
+}
+
+void Journal::replace(const Attempt& before, const Attempt& after) {
+  Transaction transaction(*database_);
+  replaceRow(*database_, before, after);
+  transaction.commit();
+}
+
+bool Journal::isBeingPrinted(const std::string& name) const {
+  return ByteLock::isTaken(lockFileOf(file_), lockOffset(name));
+}
+
+}  // namespace quordalvane

@@ -1,0 +1,94 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <quordalvane/QuorExport.h>
+
+#include "journal/JournalError.h"
+
+namespace quordalvane {
+
+class Database;
+struct Attempt;
+
+/// What a journal knows of a job.
+enum class JobState {
+  Refused,      ///< nothing of it went out in any attempt
+  Unconfirmed,  ///< nobody knows whether it is on paper
+  Printing,     ///< a process that lives prints it
+  Printed,      ///< the printer confirmed it
+};
+
+/// One job of a journal, as its latest attempt left it.
+struct JobRecord {
+  std::string name;
+  std::string device;                 ///< the text of the device that it was for
+  std::uint64_t bytes = 0;            ///< the length of its data
+  std::int64_t attempts = 0;          ///< so many there were
+  std::int64_t begun = 0;             ///< milliseconds since 1970, UTC, by the clock of then
+  std::optional<std::int64_t> ended;  ///< likewise; empty if its end was not recorded
+  JobState state = JobState::Refused;
+  std::string reason;  ///< why it was not printed, for a person; "" when it was
+};
+
+/// What became of the wish to forget a job.
+enum class Forgetting {
+  Forgotten,     ///< the journal knows nothing of it any more
+  Unknown,       ///< there was no such job
+  BeingPrinted,  ///< a process prints it; the journal is as it was
+};
+
+/// The file in which jobs are recorded under their names, so that what became of them outlives the
+/// process: a database of SQLite. Of a job's data it keeps the length and the SHA-256.
+///
+/// What a function has written is on disk when it returns. Many processes may use one file at once.
+/// A `Journal` is for one thread at a time. Whatever cannot be done raises `JournalError`, and the
+/// file is then as it was.
+class QUOR_EXPORT Journal {
+ public:
+  /// Opens `file`, and checks all that is in it. A file that is not there is made, readable and
+  /// writable for this user alone, and so are the folders above it. Beside the file lies one whose
+  /// name ends in `.locks`. Raises `JournalError` if the file cannot be written, is damaged, empty,
+  /// no journal or of a later version of this library, or lies on a network file system.
+  explicit Journal(const std::filesystem::path& file);
+
+  ~Journal();
+  Journal(const Journal&) = delete;
+  Journal& operator=(const Journal&) = delete;
+
+  /// `quorport/jobs.db` in `$XDG_STATE_HOME`, or in `~/.local/state` if that is not set. Raises
+  /// `JournalError` if `$HOME` is not set either.
+  static std::filesystem::path defaultFile();
+
+  /// The file, by its one path through all links.
+  const std::filesystem::path& file() const { return file_; }
+
+  /// What is known, by name.
+  std::vector<JobRecord> jobs();
+
+  /// Takes a job out. A later call under its name prints it, even if it is on paper.
+  Forgetting forget(const std::string& name);
+
+  /// Takes out the jobs whose last attempt began more than `days` days ago by the present clock,
+  /// whatever became of them, except those that are being printed. Returns how many.
+  std::size_t forgetOlderThan(std::uint32_t days);
+
+ private:
+  friend class NamedJob;
+
+  std::vector<Attempt> attemptsOf(std::string_view name);
+  void insert(const Attempt& attempt);
+  void replace(const Attempt& before, const Attempt& after);
+  bool isBeingPrinted(const std::string& name) const;
+
+  const std::filesystem::path file_;
+  const std::unique_ptr<Database> database_;
+};
+
+}  // namespace quordalvane

@@ -1,0 +1,165 @@
+#include "journal/NamedJob.h"
+
+#include <stdexcept>
+#include <system_error>
+#include <utility>
+
+#include "job/Advice.h"
+#include "job/Words.h"
+#include "journal/Attempt.h"
+#include "journal/History.h"
+#include "journal/JobName.h"
+#include "journal/JournalFile.h"
+
+namespace quordalvane {
+namespace {
+
+std::optional<ByteLock> claimed(const Journal& journal, const NamedJobRequest& request) {
+  checkJobName(request.name);
+  try {
+    return ByteLock::take(lockFileOf(journal.file()), lockOffset(request.name), modeOfLocks,
+                          request.timeout, request.onWait);
+  } catch (const std::system_error& error) {
+    throw JournalError(journal.file(), "its locks: " + std::string(error.what()));
+  }
+}
+
+PrintResult unconfirmed(const Attempt& attempt, const std::string& reason) {
+  PrintResult result;
+  result.outcome = PrintOutcome::Unconfirmed;
+  result.obstacle = PrintObstacle::NoProof;
+  result.bytesTotal = attempt.data.bytes;
+  // How many went out of an attempt that has no end is not known, except that all may have.
+  result.bytesAccepted = attempt.ended ? attempt.bytesAccepted : attempt.data.bytes;
+  result.reason = reason;
+  result.advice = adviceFor(result);
+  return result;
+}
+
+PrintResult printed(const Attempt& attempt) {
+  PrintResult result;
+  result.outcome = PrintOutcome::Printed;
+  result.resultCode = ZKQuorIOResultCodeSuccess;
+  result.bytesTotal = attempt.data.bytes;
+  result.bytesAccepted = attempt.bytesAccepted;
+  return result;
+}
+
+}  // namespace
+
+NamedJob::NamedJob(Journal& journal, NamedJobRequest request, std::span<const std::uint8_t> data)
+    : journal_(journal),
+      request_(std::move(request)),
+      data_(data),
+      lock_(claimed(journal_, request_)),
+      attempt_(std::make_unique<Attempt>()) {
+  attempt_->name = request_.name;
+  attempt_->device = request_.device;
+  attempt_->data = fingerprintOf(data);
+  attempt_->begun = millisecondsNow();
+  const auto attempts = journal_.attemptsOf(request_.name);
+  checkData(attempts);
+  attempt_->number = attempts.empty() ? 1 : attempts.back().number + 1;
+  answer_ = lock_ ? answerOf(attempts) : beingPrinted(attempts);
+}
+
+NamedJob::~NamedJob() = default;
+
+void NamedJob::checkData(const std::vector<Attempt>& attempts) const {
+  if (!attempts.empty() && attempts.front().data != attempt_->data) {
+    throw std::invalid_argument("the name of the job is that of other data, of " +
+                                grouped(attempts.front().data.bytes) +
+                                " bytes; each job takes a name of its own");
+  }
+}
+
+std::optional<NamedJobResult> NamedJob::answerOf(const std::vector<Attempt>& attempts) const {
+  if (attempts.empty()) {
+    return std::nullopt;
+  }
+  const Attempt& last = decisive(attempts);
+  switch (stateOf(last)) {
+    case JobState::Printed:
+      return NamedJobResult{.result = printed(last), .attempt = last.number, .isRepeated = true};
+    case JobState::Unconfirmed:
+      return request_.again
+                 ? std::nullopt
+                 : std::optional(NamedJobResult{.result = unconfirmed(last, reasonOf(last)),
+                                                .attempt = last.number});
+    case JobState::Refused:
+    case JobState::Printing:
+      break;
+  }
+  return std::nullopt;
+}
+
+/// It may be on paper a moment from now: Refused would be untrue.
+NamedJobResult NamedJob::beingPrinted(const std::vector<Attempt>& attempts) const {
+  const auto millis = static_cast<std::uint32_t>(request_.timeout.count());
+  return {.result = unconfirmed(*attempt_,
+                                "another process is printing this job, and has not "
+                                "ended within " +
+                                    inSeconds(millis)),
+          .attempt = attempts.empty() ? 0 : attempts.back().number};
+}
+
+PrintJob::Options NamedJob::recorded(PrintJob::Options options) {
+  options.progress = [this, next = std::move(options.progress)](const PrintProgress& progress) {
+    if (progress.stage == PrintStage::Data && !hasBegun_) {
+      recordBegin();
+    }
+    if (next) {
+      next(progress);
+    }
+  };
+  return options;
+}
+
+/// Runs in the middle of a block. The job is cancelled, and not left by an exception, so that the
+/// printer is not left inside the block.
+void NamedJob::recordBegin() {
+  if (failure_) {
+    return;
+  }
+  try {
+    journal_.insert(*attempt_);
+    hasBegun_ = true;
+  } catch (const JournalError& error) {
+    failure_ = error;
+    job_->cancel();
+  }
+}
+
+NamedJobResult NamedJob::run(PrintJob& job) {
+  job_ = &job;
+  const PrintResult result = job.run(data_);
+  if (failure_) {
+    throw *failure_;
+  }
+  return recordEnd(result);
+}
+
+NamedJobResult NamedJob::refuse(const PrintResult& result) {
+  return recordEnd(result);
+}
+
+NamedJobResult NamedJob::recordEnd(const PrintResult& result) {
+  Attempt ended = *attempt_;
+  ended.ended = millisecondsNow();
+  ended.outcome = nameOf(result.outcome);
+  ended.bytesAccepted = result.bytesAccepted;
+  ended.reason = result.reason;
+  NamedJobResult named{.result = result, .attempt = ended.number};
+  try {
+    if (hasBegun_) {
+      journal_.replace(*attempt_, ended);
+    } else {
+      journal_.insert(ended);
+    }
+  } catch (const JournalError& error) {
+    named.notRecorded = error.what();
+  }
+  return named;
+}
+
+}  // namespace quordalvane

@@ -1,0 +1,114 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+
+#include <quordalvane/QuorExport.h>
+
+#include "job/PrintJob.h"
+#include "journal/Journal.h"
+#include "locks/ByteLock.h"
+
+namespace quordalvane {
+
+/// What a job is called, and how it is to be treated.
+struct NamedJobRequest {
+  std::string name;    ///< 1 to 255 bytes of UTF-8 without control characters
+  std::string device;  ///< the text of the device, for those who read the journal
+
+  /// True: print a job again of which nobody knows whether it is on paper. Somebody has looked.
+  bool again = false;
+
+  /// How long to wait for another process that prints the job; zero: not at all.
+  std::chrono::milliseconds timeout = std::chrono::seconds(10);
+
+  /// Called once, on the thread of the constructor, if another process prints the job. May be
+  /// empty.
+  std::function<void()> onWait = {};
+};
+
+/// What came of a job under a name.
+struct NamedJobResult {
+  PrintResult result;        ///< of the attempt that decides
+  std::int64_t attempt = 0;  ///< its number, 1 for the first; 0 if there was none
+  bool isRepeated = false;   ///< true: it was printed by an earlier call, and this one sent nothing
+
+  /// Why the outcome could not be recorded, for a person; "" if it was. The outcome is true all the
+  /// same, and the next call under the name answers that nobody knows.
+  std::string notRecorded = {};
+};
+
+/// A job under a name, which is on paper once, or a person is asked.
+///
+///     Journal journal(Journal::defaultFile());
+///     NamedJob named(journal, {.name = "receipt 4711", .device = device}, data);
+///     if (!named.answer()) {
+///       PrintJob job(port, named.recorded());
+///       const NamedJobResult result = named.run(job);
+///     }
+///
+/// "Begun" is on disk before the first byte of the job goes out, and the outcome is before it is
+/// returned. A process that ends in between leaves a job of which nobody knows whether it is on
+/// paper, and it is not sent again unless `again` is asked for.
+///
+/// As long as this lives, no other one has the same name in the same journal; the kernel gives the
+/// name back when the process ends, whatever ends it. It must not outlive its journal or its data.
+class QUOR_EXPORT NamedJob {
+ public:
+  /// Claims the name, waiting as long as the request says. Raises `std::invalid_argument`, with a
+  /// text for people, if the name is none or is known with other data (length or SHA-256);
+  /// `JournalError` if the journal cannot be read or locked. Nothing is sent or recorded here.
+  NamedJob(Journal& journal, NamedJobRequest request, std::span<const std::uint8_t> data);
+
+  ~NamedJob();
+  NamedJob(const NamedJob&) = delete;
+  NamedJob& operator=(const NamedJob&) = delete;
+
+  /// What the journal answers without printing; empty if the job must be run:
+  ///
+  /// | known of the name | answer |
+  /// |---|---|
+  /// | nothing, or refused | empty |
+  /// | printed | Printed, with `isRepeated` |
+  /// | unconfirmed, or begun by a process that is gone | Unconfirmed with the cause; with `again`
+  /// empty | | being printed by a process that has not ended in time | Unconfirmed, which says so |
+  const std::optional<NamedJobResult>& answer() const { return answer_; }
+
+  /// The options of a `PrintJob` that is handed to `run`: those given, with a progress function
+  /// that also records that the job has begun.
+  PrintJob::Options recorded(PrintJob::Options options = {});
+
+  /// Runs `job`, which was made with the options of `recorded`, and records what came of it. Called
+  /// once, if there is no answer. Raises `JournalError` if its beginning could not be recorded;
+  /// nothing of the job was sent then, and the port is closed. What `PrintJob::run` raises passes
+  /// through.
+  NamedJobResult run(PrintJob& job);
+
+  /// Records instead that nothing was sent, because of `result`: the printer could not be reached,
+  /// for example. Called once, if there is no answer.
+  NamedJobResult refuse(const PrintResult& result);
+
+ private:
+  std::optional<NamedJobResult> answerOf(const std::vector<Attempt>& attempts) const;
+  NamedJobResult beingPrinted(const std::vector<Attempt>& attempts) const;
+  void checkData(const std::vector<Attempt>& attempts) const;
+  void recordBegin();
+  NamedJobResult recordEnd(const PrintResult& result);
+
+  Journal& journal_;
+  const NamedJobRequest request_;
+  const std::span<const std::uint8_t> data_;
+  std::optional<ByteLock> lock_;
+  std::unique_ptr<Attempt> attempt_;
+  std::optional<NamedJobResult> answer_;
+  PrintJob* job_ = nullptr;  // that runs
+  bool hasBegun_ = false;
+  std::optional<JournalError> failure_;
+};
+
+}  // namespace quordalvane

@@ -1,0 +1,76 @@
+#include "journal/Seal.h"
+
+#include <cstring>
+#include <span>
+#include <string_view>
+
+#include "journal/JournalError.h"
+#include "journal/Rows.h"
+#include "journal/Sha256.h"
+
+namespace quordalvane {
+namespace {
+
+std::span<const std::uint8_t> bytesOf(std::string_view text) {
+  return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+}
+
+void add(Sha256& hash, std::string_view text) {
+  hash.add(bytesOf(std::to_string(text.size()) + ":"));  // where each text ends must count
+  hash.add(bytesOf(text));
+}
+
+Sha256::Digest digestOf(const Attempt& row) {
+  Sha256 hash;
+  for (const std::string& text :
+       {row.name, std::to_string(row.number), std::to_string(row.data.bytes), row.data.sha256,
+        row.device, std::to_string(row.begun), row.ended ? std::to_string(*row.ended) : "",
+        row.outcome, std::to_string(row.bytesAccepted), row.reason}) {
+    add(hash, text);
+  }
+  return hash.digest();
+}
+
+std::string combined(std::string seal, const Attempt& row) {
+  const auto digest = digestOf(row);
+  seal.resize(digest.size(), '\0');
+  for (std::size_t i = 0; i < digest.size(); ++i) {
+    seal[i] = static_cast<char>(static_cast<unsigned char>(seal[i]) ^ digest[i]);
+  }
+  return seal;
+}
+
+std::string sealOf(Database& database) {
+  Statement found = database.prepare("SELECT digest FROM seal");
+  if (!found.step()) {
+    throw JournalError(database.file(), "it is damaged: it has lost its seal");
+  }
+  return found.text(0);
+}
+
+std::string soundnessOf(Database& database) {
+  Statement found = database.prepare("PRAGMA integrity_check(1)");
+  return found.step() ? found.text(0) : "no answer";
+}
+
+}  // namespace
+
+void changeSeal(Database& database, const Attempt& row) {
+  const std::string seal = combined(sealOf(database), row);
+  database.prepare("UPDATE seal SET digest = ?").withBlob(seal).step();
+}
+
+void checkSeal(Database& database) {
+  if (const std::string found = soundnessOf(database); found != "ok") {
+    throw JournalError(database.file(), "it is damaged: " + found);
+  }
+  std::string seal(Sha256::Digest().size(), '\0');
+  for (const Attempt& row : allRows(database)) {
+    seal = combined(std::move(seal), row);
+  }
+  if (seal != sealOf(database)) {
+    throw JournalError(database.file(), "it is damaged: its rows are not those that were written");
+  }
+}
+
+}  // namespace quordalvane

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <nettle/sha2.h>
+
+#include <array>
+#include <cstdint>
+#include <span>
+
+namespace quordalvane {
+
+/// The SHA-256 of bytes that come in pieces.
+class Sha256 {
+ public:
+  using Digest = std::array<std::uint8_t, SHA256_DIGEST_SIZE>;
+
+  Sha256() { sha256_init(&state_); }
+
+  void add(std::span<const std::uint8_t> bytes) {
+    sha256_update(&state_, bytes.size(), bytes.data());
+  }
+
+  /// The digest of all that was added; the state is then as at creation.
+  Digest digest() {
+    Digest result = {};
+    sha256_digest(&state_, result.size(), result.data());
+    return result;
+  }
+
+ private:
+  sha256_ctx state_;
+};
+
+}  // namespace quordalvane

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+
+#include "journal/Journal.h"
+#include "journal/NamedJob.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/unit/job/Till.h"
+
+namespace quordalvane {
+
+/// A journal in a folder of its own, and what a till does with it.
+class JournalCase : public testing::Test {
+ protected:
+  const test::TemporaryFolder folder;
+  const std::string file = folder.file("jobs.db");
+
+  static NamedJobRequest request(const std::string& name, bool again = false) {
+    return {.name = name,
+            .device = "virtual:",
+            .again = again,
+            .timeout = std::chrono::milliseconds(0)};
+  }
+
+  /// As a program prints under a name, from the opening of the journal to the outcome.
+  NamedJobResult print(Till& till, const std::string& name, bool again = false,
+                       const ByteBuffer& data = receiptText) {
+    Journal journal(file);
+    NamedJob named(journal, request(name, again), data);
+    if (named.answer()) {
+      return *named.answer();
+    }
+    PrintJob job(till.port, named.recorded());
+    return named.run(job);
+  }
+
+  JobRecord onlyJob() {
+    const auto jobs = Journal(file).jobs();
+    EXPECT_EQ(jobs.size(), 1U);
+    return jobs.empty() ? JobRecord{} : jobs.front();
+  }
+};
+
+/// The text with which something raises an error; "" if it raises none.
+template <typename Error>
+std::string errorOf(const std::function<void()>& action) {
+  try {
+    action();
+  } catch (const Error& error) {
+    return error.what();
+  }
+  return "";
+}
+
+}  // namespace quordalvane
