@@ -1,4 +1,4 @@
-"""Ten places of the port are broken on purpose, one at a time: the tests of a commit must catch each.
+"""Chosen places of the product are broken on purpose, one at a time: the tests of a commit must catch each.
 
 Prints a row for each break: its name, the place, and the first test that failed. Fails when one is not
 caught.
@@ -7,6 +7,7 @@ caught.
 import sys
 from dataclasses import dataclass
 
+import areas
 import scratch
 
 
@@ -43,17 +44,33 @@ BREAKS = (
           "  const auto chosen"),
     Break("a close leaves the port thread running", PORT + "PortThread.cpp",
           "    stopThread71 = true;\n", ""),
+    Break("a record that finds the queue full is dropped and not counted", "logging/LogQueue.cpp",
+          "      ++counts_.dropped;\n", ""),
+    Break("control characters of eight-bit terminals reach a sink", "logging/PrintableText.cpp",
+          "(codePoint >= 0x7F && codePoint < 0xA0)", "codePoint == 0x7F"),
+    Break("a byte of the link is read twice", "backends/posix/Link.cpp",
+          "    next_ += count;\n", "    next_ += count - 1;\n"),
+    Break("the end of a connection does not wait for the last bytes", "backends/posix/Link.cpp",
+          "isAwaited ? now + lingerLimit : now", "now"),
+    Break("a write that failed leaves the caller's count as it was", "c-interface/Port.cpp",
+          'given(written, "the count") = 0;', 'given(written, "the count");'),
+    Break("a reply that cannot be read has the code of a wrong argument", "c-interface/Failures.cpp",
+          "keep(QUOR_UNREADABLE,", "keep(QUOR_USAGE,"),
+    Break("the flags of the virtual printer lie one bit further", "simulator/StatusReplies.cpp",
+          "1U << k % 8", "1U << (k + 1) % 8"),
+    Break("the virtual printer's report names no count", "simulator/StatusReplies.cpp",
+          "0x00, state.etbCounter, 0x00}", "0x00, 0x00, 0x00}"),
 )
 
 
 def main() -> int:
-    scratch.prepare()
+    scratch.prepare(tuple(area for area in areas.AREAS if any(areas.area_of(one.path) == area for one in BREAKS)))
     missed = 0
     for number, one in enumerate(BREAKS, 1):
         text = (scratch.TREE / one.path).read_text()
         if text.count(one.old) != 1:
             raise SystemExit(f"{one.path} does not hold this once: {one.old}")
-        caught = scratch.try_text(one.path, text.replace(one.old, one.new))
+        caught = scratch.try_text(areas.area_of(one.path), one.path, text.replace(one.old, one.new))
         if caught in (None, "compiler"):
             missed += 1
         print(f"| {number} | {one.what} | `{one.path}` | {f'`{caught}`' if caught else '**not caught**'} |", flush=True)

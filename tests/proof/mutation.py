@@ -1,21 +1,28 @@
-"""Changes small things in the port and its parsers, one at a time, and sees whether a test notices.
+"""Changes small things in the product, one at a time, and sees whether a test notices.
 
-Usage: mutation.py COUNT [SEED]. Of all mutants that the operators make of the sources, COUNT are drawn
-by SEED (1 unless given); 0 is all of them. A mutant that does not compile is drawn again. Survivors must
-be explained in survivors.md; fails when one is not, or when fewer than 95 of 100 are killed.
+Usage: mutation.py COUNT [--seed SEED] [AREA …]. Of all mutants that the operators make of an area's sources
+COUNT are drawn by SEED (1 unless given); 0 is all of them. A mutant that does not compile is drawn again.
+
+What each mutant met is kept in build/proof/mutants.json while neither the sources nor the tests of its area
+change, so that a run that was stopped (SIGINT, SIGTERM) goes on where it was.
+
+Survivors must be explained in survivors.md; fails when one is not, or when fewer than 95 of 100 are killed.
 """
 
+import argparse
 import random
 import re
+import signal
 import sys
+from collections import Counter
 from dataclasses import dataclass
-from pathlib import Path
 
+import areas
 import scratch
+from ledger import Ledger, digest
 
-SOURCES = sorted([*Path(scratch.ROOT, "iphone-IOPort").glob("*.cpp"), *Path(scratch.ROOT, "parsers").glob("*.cpp"),
-                  scratch.ROOT / "iphone-IOPort/WholeSeconds.h", scratch.ROOT / "iphone-IOPort/Subrange.h"])
 ENOUGH = 0.95
+AT_ONCE = 40  # mutants of one file follow each other, as far as they are in the same handful
 
 # What becomes of what. Blanks around an operator keep templates, arrows and includes out.
 OPERATORS = (
@@ -71,52 +78,106 @@ def is_code(text: str, place: int) -> bool:
                 or "static_assert" in statement or "constexpr auto selector" in statement)
 
 
-def mutants() -> list[Mutant]:
+def mutants(area: areas.Area) -> list[Mutant]:
     found = []
-    for source in SOURCES:
+    for source in area.files():
         text = source.read_text()
         for pattern, new in OPERATORS:
             for match in re.finditer(pattern, text):
                 if is_code(text, match.start()):
                     replacement = new(match) if callable(new) else new
-                    found.append(Mutant(str(source.relative_to(scratch.ROOT)), *match.span(), replacement))
+                    found.append(Mutant(str(source.relative_to(areas.ROOT)), *match.span(), replacement))
     return found
 
 
 def explanations() -> dict[str, str]:
     """Each survivor that is known, by its file and both lines."""
-    rows = (Path(__file__).parent / "survivors.md").read_text().splitlines()
+    rows = (areas.ROOT / "tests/proof/survivors.md").read_text().splitlines()
     cells = [[cell.strip(" `") for cell in re.split(r"(?<!\\)\|", row)[1:-1]] for row in rows if row.startswith("| `")]
     return {"|".join(row[:3]): row[3] for row in cells}
 
 
+class Tried:
+    """The mutants of one area, in the order in which they are drawn, and what became of them."""
+
+    def __init__(self, area: areas.Area, seed: int, ledger: Ledger):
+        self.area, self.ledger = area, ledger
+        self.drawn = mutants(area)
+        random.Random(seed).shuffle(self.drawn)
+        self.answers = ledger.of(area.name, digest(area.everything()))
+
+    def key(self, mutant: Mutant) -> str:
+        return f"{mutant.path}:{mutant.start}:{mutant.new}"
+
+    def counted(self, count: int) -> list[Mutant]:
+        """The first COUNT mutants that were tried and do compile."""
+        tried = [one for one in self.drawn if self.answers.get(self.key(one), "compiler") != "compiler"]
+        return tried[: count or None]
+
+    def missing(self, count: int) -> list[Mutant]:
+        """The next to try, as many as are missing, those of one file side by side."""
+        wanting = len(self.drawn) if count == 0 else count - len(self.counted(count))
+        untried = [one for one in self.drawn if self.key(one) not in self.answers]
+        return sorted(untried[: min(wanting, AT_ONCE)], key=lambda one: (one.path, one.start))
+
+    def run(self, count: int):
+        while handful := self.missing(count):
+            for mutant in handful:
+                text = (scratch.TREE / mutant.path).read_text()
+                caught = scratch.try_text(self.area, mutant.path, mutant.apply(text)) or "survived"
+                self.answers[self.key(mutant)] = caught
+                self.ledger.keep()
+                print(f"{mutant.path}: {mutant.describe(text)[1]}: {caught}", file=sys.stderr, flush=True)
+
+    def survivors(self, count: int, known: dict[str, str]) -> list[tuple[str, str]]:
+        """A row of the table for each, and its explanation or nothing."""
+        rows = []
+        for mutant in self.counted(count):
+            if self.answers[self.key(mutant)] == "survived":
+                lines = mutant.describe((areas.ROOT / mutant.path).read_text())
+                old, new = (line.replace("|", r"\|") for line in lines)
+                why = known.get(f"{mutant.path}|{old}|{new}", "")
+                rows.append((f"| `{mutant.path}` | `{old}` | `{new}` | {why or '**not explained**'} |", why))
+        return rows
+
+
+def stop(_signal, _frame):
+    raise KeyboardInterrupt
+
+
 def main() -> int:
-    count, seed = int(sys.argv[1]), int(sys.argv[2]) if len(sys.argv) > 2 else 1
-    everything = mutants()
-    random.Random(seed).shuffle(everything)
-    scratch.prepare()
-    known = explanations()
-    killed, survivors, unexplained = 0, [], 0
-    for mutant in everything:
-        tried = killed + len(survivors)
-        if count and tried == count:
-            break
-        text = (scratch.TREE / mutant.path).read_text()
-        caught = scratch.try_text(mutant.path, mutant.apply(text))
-        if caught == "compiler":
-            continue
-        killed += caught is not None
-        old, new = (line.replace("|", r"\|") for line in mutant.describe(text))
-        if caught is None:
-            why = known.get(f"{mutant.path}|{old}|{new}", "")
-            unexplained += not why
-            survivors.append(f"| `{mutant.path}` | `{old}` | `{new}` | {why or '**not explained**'} |")
-        print(f"{tried + 1}: {mutant.path}: {new}: {caught or 'SURVIVED'}", file=sys.stderr, flush=True)
-    tried = killed + len(survivors)
-    print("\n".join(survivors))
-    print(f"{tried} cases: of {len(everything)} mutants, {tried} drawn by seed {seed}; {killed} killed "
-          f"({killed / tried:.1%}), {len(survivors)} survived")
-    return 1 if unexplained or killed < ENOUGH * tried else 0
+    parser = argparse.ArgumentParser()
+    parser.add_argument("count", type=int)
+    parser.add_argument("--seed", type=int, default=1)
+    parser.add_argument("areas", nargs="*", choices=[*areas.NAMES, []], metavar="AREA")
+    options = parser.parse_args()
+    signal.signal(signal.SIGTERM, stop)
+    chosen = tuple(area for area in areas.AREAS if not options.areas or area.name in options.areas)
+    ledger = Ledger("mutants")
+    tried = [Tried(area, options.seed, ledger) for area in chosen]
+    try:
+        if waiting := tuple(one.area for one in tried if one.missing(options.count)):
+            scratch.prepare(waiting)
+        for one in tried:
+            one.run(options.count)
+    except KeyboardInterrupt:
+        pass  # what was tried counts
+    return report(tried, options.count, options.seed)
+
+
+def report(tried: list[Tried], count: int, seed: int) -> int:
+    known, total, isGood = explanations(), Counter(), True
+    for one in tried:
+        counted, survivors = one.counted(count), one.survivors(count, known)
+        goal = sum(one.answers.get(one.key(mutant)) != "compiler" for mutant in one.drawn)
+        killed = len(counted) - len(survivors)
+        total.update(counted=len(counted), killed=killed, goal=min(count, goal) if count else goal)
+        print("\n".join(row for row, _ in survivors))
+        print(f"{one.area.name}: {killed} of {len(counted)} killed"
+              + (f" ({killed / len(counted):.1%})" if counted else "") + f", of {goal} mutants")
+        isGood = isGood and all(why for _, why in survivors) and killed >= ENOUGH * len(counted)
+    print(f"{total['counted']} of {total['goal']} cases: {total['killed']} killed, drawn by seed {seed}")
+    return 0 if isGood else 1
 
 
 if __name__ == "__main__":

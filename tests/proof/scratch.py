@@ -1,67 +1,110 @@
 """A second copy of the tree in which a source is broken on purpose, built and tested."""
 
 import os
+import re
 import shutil
 import subprocess
+from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
+
+from areas import Area
 
 ROOT = Path(__file__).resolve().parents[2]
 FOLDER = ROOT / "build-scratch"
 TREE = FOLDER / "tree"
 BUILD = FOLDER / "build"
 
-# What a break of the port is caught by, the quickest first. Few scripts: each mutant runs them all.
-PROGRAMS = ("unit_parsers_tests", "unit_port_tests", "unit_job_tests", "trace_tests")
-ENVIRONMENT = os.environ | {"QUOR_SCRIPTS": "4000", "GTEST_FAIL_FAST": "1", "GTEST_BRIEF": "1"}
-LONGEST_RUN = 60  # seconds; a test that hangs has seen the break, too
+ENVIRONMENT = os.environ | {
+    "QUOR_SCRIPTS": "4000", "QUOR_SIMULATED_JOBS": "2000", "QUOR_PORT_CYCLES": "100", "QUOR_PORT_RELEASES": "50",
+    "QUOR_PROPERTY_WRITES": "1000", "QUOR_LOG_RECORDS": "1000", "GTEST_FAIL_FAST": "1", "GTEST_BRIEF": "1",
+}
+LONGEST_RUN = 60  # seconds; a test that hangs has noticed the break
+SHARDS = 4  # of a program that waits more than it works
 
 
 def quietly(*command, **options) -> subprocess.CompletedProcess:
-    return subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, **options)
+    return subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, errors="replace", **options)
 
 
-def prepare():
-    """Copies the tree as it is now, and builds it. Unoptimised: a mutant is compiled once and run once."""
+def prepare(areas: tuple[Area, ...]):
+    """Copies the tree as it is now, and builds it without optimisation: a mutant is compiled once and run once."""
     files = quietly("git", "-C", ROOT, "ls-files", "--cached", "--others", "--exclude-standard").stdout.split("\n")
     for name in filter(None, files):
         source, target = ROOT / name, TREE / name
         if source.is_file() and not (target.is_file() and target.read_bytes() == source.read_bytes()):
             target.parent.mkdir(parents=True, exist_ok=True)
             shutil.copy(source, target)
-    done = quietly("cmake", "-S", TREE, "-B", BUILD, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=None",
-                   "-DCMAKE_CXX_FLAGS=-O1 -w")
-    if done.returncode == 0:
-        done = build()
+    for target in [file for file in TREE.rglob("*") if file.is_file() and not (ROOT / file.relative_to(TREE)).exists()]:
+        target.unlink()
+    done = quietly("cmake", "-S", TREE, "-B", BUILD, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=None", "-DCMAKE_CXX_FLAGS=-O0 -w -D_GLIBCXX_ASSERTIONS",
+                   "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST")
+    for area in areas if done.returncode == 0 else ():
+        done = build(area)
+        if done.returncode == 0 and (caught := failure(area)):
+            raise SystemExit(f"the unbroken tree fails {caught}")
     if done.returncode != 0:
         raise SystemExit(f"the unbroken tree does not build:\n{done.stdout[-4000:]}")
-    if caught := failure():
-        raise SystemExit(f"the unbroken tree fails {caught}")
 
 
-def build() -> subprocess.CompletedProcess:
-    return quietly("cmake", "--build", BUILD, "--target", *PROGRAMS)
+def build(area: Area) -> subprocess.CompletedProcess:
+    return quietly("cmake", "--build", BUILD, "--target", *area.programs)
 
 
-def failure() -> str | None:
-    """The first test that fails, or None."""
-    for program in PROGRAMS:
-        try:
-            done = quietly(BUILD / "bin" / program, cwd=BUILD, env=ENVIRONMENT, timeout=LONGEST_RUN)
-        except subprocess.TimeoutExpired:
-            return f"{program} does not end"
-        if done.returncode != 0:
-            failed = [line.split("]", 1)[1].split()[0].rstrip(",") for line in done.stdout.splitlines()
-                      if line.startswith("[  FAILED  ]")]
-            return failed[0] if failed else f"{program} ends with status {done.returncode}"
+def failure(area: Area) -> str | None:
+    """The first test that fails, also when it is run alone; or None."""
+    for program in area.programs:
+        run = run_sentences if program == "c_interface_tests" else run_tests
+        if caught := run(program, area.waits):
+            return caught
     return None
 
 
-def try_text(path: str, text: str) -> str | None:
-    """What catches the tree with this text in the place of a file's; "compiler" where it does not build."""
+def run_tests(program: str, waits: bool) -> str | None:
+    shards = SHARDS if waits else 1
+    with ThreadPoolExecutor(shards) as pool:
+        answers = list(pool.map(lambda shard: run_shard(program, shards, shard), range(shards)))
+    return next((f"{program} {answer}" if answer.startswith(("ends ", "does ")) else answer for answer in answers
+                 if answer and is_repeated(program, answer)), None)
+
+
+def run_shard(program: str, shards: int, shard: int) -> str | None:
+    return ended(BUILD / "bin" / program, {"GTEST_TOTAL_SHARDS": str(shards), "GTEST_SHARD_INDEX": str(shard)})
+
+
+def is_repeated(program: str, answer: str) -> bool:
+    """A test that has noticed a break notices it each time; one that a busy machine disturbed does not."""
+    if answer.startswith(("ends ", "does ")):
+        return True
+    return ended(BUILD / "bin" / program, {"GTEST_FILTER": answer}) is not None
+
+
+def ended(program: Path, environment: dict[str, str], *arguments: str) -> str | None:
+    """How the program failed: a test's name, its status, or that it does not end; None when it did not."""
+    try:
+        done = quietly(program, *arguments, cwd=BUILD, env=ENVIRONMENT | environment, timeout=LONGEST_RUN)
+    except subprocess.TimeoutExpired:
+        return "does not end"
+    if done.returncode == 0:
+        return None
+    failed = re.search(r"^\[  FAILED  \] ([\w./]+)", done.stdout, re.M)
+    return failed.group(1) if failed else f"ends with status {done.returncode}"
+
+
+def run_sentences(program: str, _waits: bool) -> str | None:
+    """The tests in C, each in a process of its own."""
+    names = [name for source in sorted((TREE / "tests/c-interface").glob("*.c"))
+             for name in re.findall(r"^static void ([A-Z][A-Za-z]*)\(void\)", source.read_text(), re.M)]
+    with ThreadPoolExecutor(SHARDS) as pool:
+        answers = pool.map(lambda name: ended(BUILD / "bin" / program, {}, name) and name, names)
+        return next(filter(None, answers), None)
+
+
+def try_text(area: Area, path: str, text: str) -> str | None:
+    """What catches the tree with this text in the place of a file's; "compiler" when it does not build."""
     file = TREE / path
     original = file.read_text()
     file.write_text(text)
     try:
-        return "compiler" if build().returncode != 0 else failure()
+        return "compiler" if build(area).returncode != 0 else failure(area)
     finally:
         file.write_text(original)

@@ -1,0 +1,57 @@
+"""The parts of the product that are broken on purpose, each with the test programs that must notice.
+
+An area's programs are run in order, the quickest first, and their cases are few: each mutant runs them all.
+"""
+
+from dataclasses import dataclass
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parents[2]
+
+
+@dataclass(frozen=True)
+class Area:
+    name: str
+    sources: tuple[str, ...]  # patterns, from the root
+    tests: tuple[str, ...]  # the folders of the tests that must notice
+    programs: tuple[str, ...]  # what these folders become
+    waits: bool = False  # the tests wait for real time, so several processes share them
+
+    def files(self) -> list[Path]:
+        return sorted(file for pattern in self.sources for file in ROOT.glob(pattern))
+
+    def everything(self) -> list[Path]:
+        """All that an answer of the tests depends on."""
+        tests = [file for folder in self.tests for file in (ROOT / folder).rglob("*.*") if file.suffix in (".cpp", ".h", ".c")]
+        return sorted({*self.files(), *tests})
+
+
+AREAS = (
+    Area("port", ("iphone-IOPort/*.cpp", "iphone-IOPort/WholeSeconds.h", "iphone-IOPort/Subrange.h", "parsers/*.cpp"),
+         ("tests/unit/parsers", "tests/unit/port", "tests/trace", "tests/model"),
+         ("unit_parsers_tests", "unit_port_tests", "unit_job_tests", "trace_tests")),
+    Area("job", ("job/*.cpp",), ("tests/unit/job", "tests/simulation"), ("unit_job_tests", "simulation_tests")),
+    Area("logging", ("logging/*.cpp",), ("tests/unit/logging", "tests/lifecycle"),
+         ("unit_logging_tests", "lifecycle_tests")),
+    Area("backends", ("backends/*.cpp", "backends/virtual/*.cpp"),
+         ("tests/unit/backends", "tests/unit/virtual", "tests/contract"),
+         ("unit_virtual_tests", "unit_backends_tests", "contract_tests"), waits=True),
+    Area("posix", ("backends/posix/*.cpp",), ("tests/unit/posix", "tests/contract", "tests/counts"),
+         ("unit_posix_tests", "contract_tests", "counts_tests"), waits=True),
+    Area("c-interface", ("c-interface/*.cpp",), ("tests/unit/c-interface", "tests/c-interface"),
+         ("unit_c-interface_tests", "c_interface_tests")),
+    # What the virtual printer answers, and when; what it draws is compared elsewhere.
+    Area("replies", tuple(f"simulator/{name}.cpp" for name in
+                          ("StatusReplies", "ReplyPath", "BluetoothModule", "PrinterLink", "CommandScanner", "Reception")),
+         ("tests/unit/simulator",), ("unit_simulator_tests",)),
+)
+NAMES = tuple(area.name for area in AREAS)
+
+
+def area(name: str) -> Area:
+    return AREAS[NAMES.index(name)]
+
+
+def area_of(path: str) -> Area:
+    """The area whose sources hold this file."""
+    return next(one for one in AREAS if ROOT / path in one.files())

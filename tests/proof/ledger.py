@@ -1,0 +1,39 @@
+"""What was run so far, kept in build/proof/ so that a run that is stopped goes on where it was."""
+
+import hashlib
+import json
+import os
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parents[2]
+FOLDER = ROOT / "build/proof"
+
+
+def digest(files: list[Path]) -> str:
+    """Of the files' names and texts. An answer is good while it is the same."""
+    total = hashlib.sha256()
+    for file in files:
+        text = file.read_bytes()
+        total.update(f"{file.relative_to(ROOT)} {len(text)}\n".encode() + text)
+    return total.hexdigest()[:16]
+
+
+class Ledger:
+    """A table of answers for each subject, in one file. One process writes it at a time."""
+
+    def __init__(self, name: str, folder: Path = FOLDER):
+        self.file = folder / f"{name}.json"
+        self.subjects = json.loads(self.file.read_text()) if self.file.exists() else {}
+
+    def of(self, subject: str, state: str) -> dict:
+        """The answers so far; empty when they were found in another state of the sources."""
+        if self.subjects.get(subject, {}).get("state") != state:
+            self.subjects[subject] = {"state": state, "answers": {}}
+        return self.subjects[subject]["answers"]
+
+    def keep(self):
+        """Writes the file anew; a process that ends meanwhile leaves the old one or the new one."""
+        self.file.parent.mkdir(parents=True, exist_ok=True)
+        new = self.file.with_suffix(f".{os.getpid()}")
+        new.write_text(json.dumps(self.subjects, indent=1) + "\n")
+        new.replace(self.file)
