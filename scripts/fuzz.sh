@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # fuzz.sh BUILD LIMIT [TARGET …]: runs the named fuzz targets of the build folder, or all of them, as
 # many at once as there are cores. LIMIT is an option of the fuzzing engine, -max_total_time=SECONDS or
-# -runs=INPUTS, and counts for each target. New inputs gather in BUILD/corpus; an input that breaks
-# something lies in BUILD/found, beside the target's log, and fails the run.
+# -runs=INPUTS, and counts for each target; QUOR_SEED is the seed of the inputs (0: any). New inputs
+# gather in BUILD/corpus; an input that breaks something lies in BUILD/found, beside the target's log,
+# and fails the run.
 set -euo pipefail
 build=$1
 limit=$2
@@ -21,7 +22,7 @@ dictionary_of() {
 fuzz_one() {
   local target=$1 log=$build/found/$1.log
   mkdir -p "$build/corpus/$target"
-  if "$build/bin/fuzz_$target" "$limit" -max_len=512 -timeout=20 -print_final_stats=1 \
+  if "$build/bin/fuzz_$target" "$limit" -seed="${QUOR_SEED:-0}" -max_len=512 -timeout=20 -print_final_stats=1 \
     -dict="fuzz/dictionaries/$(dictionary_of "$target").dict" \
     -artifact_prefix="$build/found/$target-" \
     "$build/corpus/$target" "fuzz/corpus/$target" >"$log" 2>&1; then

@@ -1,10 +1,15 @@
 #!/usr/bin/env bash
-# prove_builds.sh [--nightly|--release] [ROW …]: builds what these rows of the proof run, or all of them.
+# prove_builds.sh [OPTIONS of prove] [ROW …]: builds what these rows of the proof run, or all of them.
 set -euo pipefail
 
 rows=()
-for word in "$@"; do
-  [[ $word == -* ]] || rows+=("$word")
+while (($#)); do
+  case $1 in
+    --minutes) shift ;; # and its value
+    -*) ;;
+    *) rows+=("$1") ;;
+  esac
+  shift || true
 done
 
 wanted() { # wanted ROW …: whether one of them is to be run

@@ -1,63 +1,153 @@
-"""What the page of the proof may be trusted in: no row without a case, and the tree that was really run."""
+"""What the summary of the proof may be trusted in: no row without a case, the tree that was really run, no unit twice."""
 
+import os
 import shutil
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 from pathlib import Path
+from unittest import mock
 
+import ledger
+import page
 import prove
+import rows
+import steps
 
 
-def printing(text: str, kind: type[prove.Step] = prove.Step) -> prove.Step:
-    return kind((sys.executable, "-c", f"print({text!r})"))
+def printing(text: str, cases_of=steps.plainly) -> steps.Step:
+    return steps.Step((sys.executable, "-c", f"print({text!r})"), {}, cases_of)
 
 
-class Rows(unittest.TestCase):
-    def run_row(self, *steps: prove.Step) -> dict:
-        return prove.run(prove.Row("key", "Title", "what it shows", steps, prove.WHOLE_ROW), prove.COMMIT)
-
-    def test_the_cases_of_all_steps_are_added(self):
-        fuzzing = printing("a: 7 inputs, nothing found\nb: 5 inputs, nothing found", prove.Fuzzing)
-        self.assertEqual(self.run_row(printing("30 jobs in 10 s"), fuzzing)["cases"], 42)
-
-    def test_a_step_without_a_case_fails_its_row(self):
-        for idle in (printing("0 cases"), printing("all is well"), printing("a: 0 inputs", prove.Fuzzing)):
-            with self.assertRaisesRegex(prove.Failed, "no case was run"):
-                self.run_row(printing("3 cases"), idle)
-
-    def test_each_row_says_what_of_it_runs_at_each_commit(self):
-        for row in prove.ROWS:
-            self.assertIn(f"| {row.shows} | {row.suite} | not run |", prove.page({}))
-
-
-@unittest.skipUnless(shutil.which("git"), "needs git")
-class DescribedTree(unittest.TestCase):
+class Folder(unittest.TestCase):
     def setUp(self):
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
-        self.root = Path(folder.name)
-        (self.root / "docs").mkdir()
+        self.folder = Path(folder.name)
+
+
+@unittest.skipUnless(shutil.which("git"), "needs git")
+class Rows(Folder):
+    def setUp(self):
+        super().setUp()
+        patch = mock.patch.object(prove, "described_tree", return_value="a1b2c3d")
+        patch.start()
+        self.addCleanup(patch.stop)
+        self.addCleanup(setattr, steps.Clock, "end", float("inf"))
+
+    def row(self, *its_steps) -> rows.Row:
+        return rows.Row("key", "Title", "what it shows", its_steps, rows.WHOLE_ROW)
+
+    def run_row(self, *its_steps, state: str = "state") -> dict[str, str]:
+        row = self.row(*its_steps)
+        done = prove.run(row, steps.COMMIT, ledger.Ledger("units", self.folder), state)
+        return prove.summary(row, steps.COMMIT, done)
+
+    def counting(self, count: int, text: str = "1 cases") -> steps.Portions:
+        """A program in so many portions, each of which leaves a line in a file."""
+        code = f"import os; open({str(self.folder / 'runs')!r}, 'a').write(os.environ['PORTION'] + '\\n'); print({text!r})"
+        return steps.Portions((sys.executable, "-c", code.replace("{", "{{").replace("}", "}}")), (count,) * 3, (1, 1, 1),
+                              lambda number, _: {"PORTION": str(number)})
+
+    def runs(self) -> list[str]:
+        return (self.folder / "runs").read_text().split()
+
+    def test_the_cases_of_all_steps_are_added(self):
+        fuzzing = printing("a: 7 inputs, nothing found\nb: 5 inputs, nothing found", steps.fuzzing)
+        self.assertEqual(self.run_row(printing("30 jobs in 10 s"), fuzzing)["cases"], "42")
+
+    def test_a_step_without_a_case_fails_its_row(self):
+        for idle in (printing("0 cases"), printing("all is well"), printing("a: 0 inputs", steps.fuzzing)):
+            with self.assertRaisesRegex(prove.Failed, "no case was run"):
+                self.run_row(printing("3 cases"), idle)
+
+    def test_a_portion_that_was_run_is_not_run_again(self):
+        for _ in range(2):
+            self.assertEqual(self.run_row(self.counting(3))["cases"], "3")
+        self.assertEqual(self.runs(), ["0", "1", "2"])
+
+    def test_a_larger_size_runs_the_portions_that_are_missing(self):
+        self.run_row(self.counting(2))
+        self.assertEqual(self.run_row(self.counting(4))["cases"], "4")
+        self.assertEqual(self.runs(), ["0", "1", "2", "3"])
+
+    def test_a_portion_that_fails_is_run_again(self):
+        with self.assertRaises(prove.Failed):
+            self.run_row(self.counting(1, "0 cases"))
+        self.assertEqual(self.run_row(self.counting(1))["far"], "100%")
+
+    def test_other_sources_begin_anew(self):
+        self.run_row(self.counting(2))
+        self.run_row(self.counting(2), state="another state")
+        self.assertEqual(self.runs(), ["0", "1", "0", "1"])
+
+    def test_a_run_that_is_over_says_how_far_it_is(self):
+        self.run_row(self.counting(1))
+        steps.Clock.end = 0
+        self.assertEqual(self.run_row(self.counting(4))["far"], "25.0%")
+
+    def test_a_program_that_runs_at_the_end_is_ended_and_not_counted(self):
+        steps.Clock.end = time.monotonic() + 0.2
+        sleeper = steps.Step((sys.executable, "-c", "import time; time.sleep(600); print('1 cases')"))
+        with self.assertRaises(steps.Stopped):
+            self.run_row(sleeper)
+
+    def test_a_program_that_keeps_its_own_cases_counts_as_far_as_it_is(self):
+        begun = self.folder / "begun"
+        os.mkfifo(begun)
+        code = f"import signal, time\ntry:\n    signal.signal(signal.SIGTERM, lambda *_: 1 / 0); open({str(begun)!r}, 'w').close()\n" \
+               "    time.sleep(600)\nexcept ZeroDivisionError: print('port: 3 of 3 killed\\n3 of 12 cases')"
+        with mock.patch.object(steps.Clock, "left", side_effect=lambda: len(begun.read_text())):
+            figures = self.run_row(steps.Step((sys.executable, "-c", code), ends_itself=True))
+        self.assertEqual((figures["cases"], figures["far"], figures["result"]), ("3", "25.0%", "port: 3 of 3 killed"))
+
+
+class Page(unittest.TestCase):
+    FIGURES = {"size": "nightly", "far": "12.5%", "cases": "1,000", "time": "3.0 min", "result": "nothing found",
+               "run at": "a1b2c3d, 2026-11-21"}
+
+    def test_each_row_says_what_of_it_runs_at_each_commit(self):
+        for row in rows.ROWS:
+            self.assertIn(f"| {row.shows} | {row.suite} | not run |", page.written({}))
+
+    def test_the_figures_of_a_row_outlive_a_run_of_another(self):
+        text = page.written({"Soak": self.FIGURES})
+        self.assertEqual(page.figures(text), {"Soak": self.FIGURES})
+
+    def test_the_page_of_the_tree_is_one_that_was_written(self):
+        text = page.PAGE.read_text()
+        self.assertEqual(page.written(page.figures(text)), text, "./dev prove --page writes it anew")
+
+    def test_each_title_is_one_rows(self):
+        titles = [row.title for row in rows.ROWS]
+        self.assertEqual(len(set(titles)), len(titles))
+
+
+@unittest.skipUnless(shutil.which("git"), "needs git")
+class DescribedTree(Folder):
+    def setUp(self):
+        super().setUp()
+        (self.folder / "docs").mkdir()
         self.write("source.cpp", "1")
         for words in (("init", "--quiet"), ("add", "."),
                       ("-c", "user.name=n", "-c", "user.email=e", "commit", "--quiet", "-m", "first")):
-            subprocess.run(["git", *words], cwd=self.root, check=True)
+            subprocess.run(["git", *words], cwd=self.folder, check=True)
 
     def write(self, file: str, text: str):
-        (self.root / file).write_text(text)
+        (self.folder / file).write_text(text)
 
     def test_it_is_the_commit_also_when_the_run_has_written_its_page(self):
-        for file in ("docs/proof.json", "docs/proof.md"):
-            self.write(file, "new")
-        self.assertRegex(prove.described_tree(self.root), "^[0-9a-f]+$")
+        self.write("docs/proof.md", "new")
+        self.assertRegex(prove.described_tree(self.folder), "^[0-9a-f]+$")
 
-    def test_it_is_dirty_where_a_file_is_changed_or_new(self):
+    def test_it_is_dirty_when_a_file_is_changed_or_new(self):
         for file in ("source.cpp", "more.cpp"):
             with self.subTest(file):
                 self.write(file, "2")
-                self.assertRegex(prove.described_tree(self.root), "^[0-9a-f]+-dirty$")
-                subprocess.run(["git", "stash", "--quiet", "--include-untracked"], cwd=self.root, check=True)
+                self.assertRegex(prove.described_tree(self.folder), "^[0-9a-f]+-dirty$")
+                subprocess.run(["git", "stash", "--quiet", "--include-untracked"], cwd=self.folder, check=True)
 
 
 if __name__ == "__main__":

@@ -109,7 +109,7 @@ class SimulatedJobs : public testing::TestWithParam<std::uint64_t> {
 
 TEST_P(SimulatedJobs, AreNeverCalledPrintedWithoutThePaper) {
   const auto replayed = test::replayedSeed("job");
-  const std::uint64_t first = replayed.value_or(1);
+  const std::uint64_t first = replayed.value_or(test::firstSeed());
   const std::uint64_t count = replayed ? 1 : test::caseCount("QUOR_SIMULATED_JOBS", 20000);
   std::map<PrintOutcome, std::uint64_t> outcomes;
   for (std::uint64_t seed = first + GetParam(); seed < first + count && !HasFailure();

@@ -33,6 +33,10 @@ void showReplay(const std::string& text) {
   }
 }
 
+std::uint64_t firstSeed() {
+  return caseCount("QUOR_FIRST_SEED", 1);
+}
+
 std::uint64_t caseCount(const char* variable, std::uint64_t otherwise) {
   const char* const value = std::getenv(variable);
   return value == nullptr ? otherwise : std::stoull(value);

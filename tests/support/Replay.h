@@ -25,6 +25,9 @@ std::string howToReplay(const std::string& name);
 /// Shows what happened in the case that is replayed, and its name; the same text each time.
 void showReplay(const std::string& text);
 
+/// The seed of the first case: QUOR_FIRST_SEED, or 1. A long run can thus be done in portions.
+std::uint64_t firstSeed();
+
 /// How many cases to run: a number from the environment, or `otherwise`.
 std::uint64_t caseCount(const char* variable, std::uint64_t otherwise);
 

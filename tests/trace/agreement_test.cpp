@@ -32,7 +32,7 @@ class SeededScripts : public testing::TestWithParam<std::uint64_t> {
 
 TEST_P(SeededScripts, RunAlikeOnPortAndModel) {
   const auto replayed = replayedSeed("script");
-  const std::uint64_t first = replayed.value_or(1);
+  const std::uint64_t first = replayed.value_or(firstSeed());
   const std::uint64_t count = replayed ? 1 : caseCount("QUOR_SCRIPTS", usualScripts);
   for (std::uint64_t seed = first + GetParam(); seed < first + count; seed += parts) {
     SCOPED_TRACE(howToReplay("script " + std::to_string(seed)));

@@ -1,0 +1,76 @@
+"""docs/proof.md, the summary: one line for each row, which keeps the figures of the row's last run."""
+
+import re
+from pathlib import Path
+
+from rows import ROWS, Row
+from steps import CORES, ROOT
+
+PROOF = Path(__file__).parent
+PAGE = ROOT / "docs/proof.md"
+HEAD = "| row | what it shows | at each commit | size | how far | cases | time | result | found and mended | run at |"
+FIGURES = ("size", "far", "cases", "time", "result", "run at")
+
+
+def shown(seconds: float) -> str:
+    return f"{seconds / 3600:.1f} h" if seconds >= 5400 else f"{seconds / 60:.1f} min" if seconds >= 90 else f"{seconds:.0f} s"
+
+
+def cells(line: str) -> list[str]:
+    return [cell.strip() for cell in re.split(r"(?<!\\)\|", line)[1:-1]]
+
+
+def table(name: str) -> list[str]:
+    return [line for line in (PROOF / name).read_text().splitlines() if line.startswith("|")]
+
+
+def figures(page: str) -> dict[str, dict[str, str]]:
+    """What a page says of each row that was run, by the row's title."""
+    lines = page.splitlines()
+    if HEAD not in lines:
+        return {}
+    rows = [cells(line) for line in lines[lines.index(HEAD) + 2:] if line.startswith("| ")]
+    return {row[0]: dict(zip(FIGURES, [*row[3:8], row[9]])) for row in rows if len(row) == 10 and row[3] != "not run"}
+
+
+def written(figures: dict[str, dict[str, str]]) -> str:
+    lines = [
+        "# The proof", "",
+        "Written by `./dev prove`. A row's figures are those of its last run, at the size that is named: `commit`,",
+        "`nightly` or `release`, each larger than the one before. A run that is stopped goes on where it was; *how",
+        "far* is the share of the size that is done. A row that was not run says so. The third column says which part",
+        "of a row `./dev test` runs at each commit, at the size `commit`; the rest is run by `./dev prove` alone.", "",
+        HEAD, "|" + "---|" * 10,
+    ]
+    defects = [cells(line) for line in table("defects.md")[2:]]
+    for row in ROWS:
+        found = sum(row.key in one[0].split(", ") for one in defects) or "nothing"
+        figure = figures.get(row.title, dict.fromkeys(FIGURES, "") | {"size": "not run"})
+        values = [row.title, row.shows, row.suite, *(figure[name] for name in FIGURES[:5]), str(found), figure["run at"]]
+        lines.append("| " + " | ".join(values) + " |")
+    lines += [
+        "", f"Times are of a machine with {CORES} cores that others used as well. The commands, the figures of each program",
+        "and the tables of mutants, branches and breaks lie in `build/proof/details.md` after a run.", "",
+        "The defects that were found, each with the test that would find it again, are listed in",
+        "[tests/proof/defects.md](../tests/proof/defects.md); the branches that no test takes and the mutants that none can",
+        "kill, each with the reason, in the two tables beside it.",
+    ]
+    return "\n".join(lines) + "\n"
+
+
+HEADS = {
+    "coverage": ["| file | line | never | why |", "|---|---|---|---|"],
+    "mutation": ["| file | line | changed line | why it survives |", "|---|---|---|---|"],
+    "breaks": ["| | what is broken | in | caught by |", "|---|---|---|---|"],
+}
+
+
+def details(row: Row, units: dict[str, dict]) -> str:
+    """The commands of a row that were run, and what each printed."""
+    lines = [f"## {row.title}", ""]
+    for key, unit in units.items():
+        lines.append(f"    {key}")
+    told = [line for unit in units.values() for line in unit["told"] if line]
+    rows = [line for line in told if line.startswith("|")]
+    lines += ["", *(f"- {line}" for line in told if not line.startswith("|"))]
+    return "\n".join(lines + (["", *HEADS[row.key], *rows] if rows else []) + [""])

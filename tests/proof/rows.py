@@ -1,0 +1,103 @@
+"""The rows of the proof: what each shows, and what it runs at each of the three sizes."""
+
+import sys
+from dataclasses import dataclass
+
+from steps import ROOT, Portions, Step, fuzzing, seeds, testing
+
+
+@dataclass(frozen=True)
+class Row:
+    key: str
+    title: str
+    shows: str
+    steps: tuple
+    suite: str  # what the ordinary tests, which run at each commit, do of it
+
+
+def python(script: str, *arguments) -> tuple:
+    return (sys.executable, "-B", f"tests/proof/{script}", *arguments)
+
+
+def tests(program: str, **environment) -> Step:
+    return Step((program,), environment, testing)
+
+
+def faults(*filters: str) -> Step:
+    return Step(("build/bin/faults_tests", "--gtest_filter=" + ":".join(filters)), {}, testing)
+
+
+def lifecycle(build: str, cycles: tuple, releases: tuple, writes: tuple) -> Step:
+    return tests(f"{build}/bin/lifecycle_tests", QUOR_PORT_CYCLES=cycles, QUOR_PORT_RELEASES=releases,
+                 QUOR_PROPERTY_WRITES=writes, QUOR_LOG_RECORDS=writes)
+
+
+def exits(build: str) -> Step:
+    # The thread sanitizer delays each exit by a second otherwise.
+    return Step((sys.executable, "-B", "tests/lifecycle/exits_test.py", f"{build}/bin/exit_with_live_port"),
+                {"QUOR_EXITS": 1000, "TSAN_OPTIONS": "atexit_sleep_ms=100"})
+
+
+def soak() -> Portions:
+    # Long enough that a leak shows, short enough that a run that is stopped loses little.
+    def settings(number: int, seconds: int) -> dict[str, str]:
+        return {"QUOR_SOAK_SECONDS": str(seconds), "QUOR_SEED": str(1 + number), "QUORPORT": str(ROOT / "build/bin/quorport")}
+
+    return Portions((sys.executable, "-B", "tests/soak/soak_test.py", "build/bin/till"), (10, 600, 28_800),
+                    (10, 600, 1_800), settings)
+
+
+PARSERS = ("status_length", "line_status", "escpos_status", "firmware_reply", "dip_switch_reply")
+TEXTS = ("port_name", "port_settings", "bluetooth_address", "network_address", "device_spec", "log_record",
+         "simulator_input", "control_line")
+WHOLE = ("at_reply", "operation", "print_job")
+
+
+def fuzz(targets: tuple[str, ...], runs: tuple) -> Portions:
+    # Each portion begins with the corpus that the earlier ones have gathered.
+    return Portions(("scripts/fuzz.sh", "build-fuzz", "-runs={amount}", *targets), runs, tuple(min(one, runs[1]) for one in runs),
+                    lambda number, _amount: {"QUOR_SEED": str(1 + number)}, fuzzing)
+
+
+WHOLE_ROW, REPLAYS, NOTHING = "all of it", "the corpora, replayed", "nothing"
+
+ROWS = (
+    Row("model", "Independent model", "random scripts of link behaviour run alike, in everything, on the port and on a "
+        "model written from its contracts alone",
+        (seeds("build/bin/trace_tests", "QUOR_SCRIPTS", (100_000, 1_000_000, 10_000_000)),), WHOLE_ROW),
+    Row("faults", "Fault sweep", "every call to the platform fails, in every way, once and from there on: each "
+        "operation ends as its contract says", (faults("*FaultSweep*", "*MainThreadSweep*"),), WHOLE_ROW),
+    Row("allocations", "Allocation sweep", "every allocation fails in turn: nothing but std::bad_alloc, nothing out of "
+        "open and close", (faults("*AllocationSweep*", "*WithoutMemory*", "*NoMemoryAtAll*"),), WHOLE_ROW),
+    Row("torture", "Link torture", "every reply and command is split, stalled, cut, doubled and preceded by a stray byte "
+        "at each of its bytes", (faults("*LinkTorture*"),), WHOLE_ROW),
+    Row("jobs", "Job simulation", "seeded print jobs on a truthful printer with everything going wrong: `printed` never "
+        "without the paper",
+        (seeds("build/bin/simulation_tests", "QUOR_SIMULATED_JOBS", (20_000, 1_000_000, 10_000_000)),), WHOLE_ROW),
+    Row("clocks", "Clocks", "the wall clock steps at every reading: no early time-out, no delay beyond the step",
+        (faults("*Clock*"),), WHOLE_ROW),
+    Row("bounds", "Bounds", "every operation ends within its limit, and what has none ends with the link",
+        (faults("Bounds.*"),), WHOLE_ROW),
+    Row("fuzz", "Fuzzing", "arbitrary input to parsers, texts, the virtual printer and whole operations",
+        (fuzz(PARSERS, (100_000, 10_000_000, 10_000_000)), fuzz(TEXTS, (20_000, 1_000_000, 10_000_000)),
+         fuzz(WHOLE, (1_000, 100_000, 1_000_000))), REPLAYS),
+    Row("threads", "Threads", "ports opened, closed and released by the thousand, properties and the logger from many "
+        "threads, processes that end with a live port thread",
+        (lifecycle("build", (10_000, 100_000, 100_000), (1_000, 10_000, 10_000), (20_000, 200_000, 1_000_000)),
+         exits("build")), WHOLE_ROW),
+    Row("sanitizers", "Threads, under the sanitizers", "the same, silent under the thread sanitizer, and under the "
+        "address, leak and undefined-behaviour sanitizers, without suppressions",
+        tuple(step for build in ("build-tsan", "build-asan")
+              for step in (lifecycle(build, (2_000, 100_000, 100_000), (500, 10_000, 10_000), (5_000, 50_000, 200_000)),
+                           exits(build))), NOTHING),
+    Row("soak", "Soak", "tills in real time over a local socket and a terminal, through a relay that slices, throttles, "
+        "delays and cuts: no failed clean job, no descriptor, thread or memory left behind", (soak(),), WHOLE_ROW),
+    Row("coverage", "Branch coverage", "of the port, the parsers, the print job, the logger, the back ends, the C interface "
+        "and the virtual printer's replies", (Step(python("coverage.py", "build-coverage")),), NOTHING),
+    Row("mutation", "Mutation", "small changes of the same rooms, drawn by a seed, are noticed",
+        (Step(python("mutation.py", (10, 60, 0)), ends_itself=True),), NOTHING),
+    Row("breaks", "Chosen breaks", "each of ten breaks of the port, and of as many of the other rooms together, fails a "
+        "test of the commit tier", (Step(python("breaks.py")),), NOTHING),
+    Row("audit", "Untrusted input", "the tests that [security.md](security.md) names",
+        (Step(python("audit.py", "build")),), WHOLE_ROW),
+)

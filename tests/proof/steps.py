@@ -1,0 +1,160 @@
+"""The programs that a row of the proof runs, parted into units. A unit that was run is not run again."""
+
+import os
+import re
+import signal
+import subprocess
+import sys
+import time
+import xml.etree.ElementTree as xml
+from concurrent.futures import ThreadPoolExecutor
+from dataclasses import dataclass, field
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parents[2]
+COMMIT, NIGHTLY, RELEASE = SIZES = ("commit", "nightly", "release")
+CORES = os.cpu_count() or 1
+
+
+class Failed(Exception):
+    """What a program printed when it failed."""
+
+
+class Stopped(Exception):
+    """The run was to end before the program did; holds what the program printed."""
+
+
+class Clock:
+    """When the run is to end: at a time of its own, or when it is interrupted."""
+
+    end = float("inf")
+
+    @classmethod
+    def left(cls) -> float | None:
+        return None if cls.end == float("inf") else max(0, cls.end - time.monotonic())
+
+    @classmethod
+    def is_over(cls) -> bool:
+        return time.monotonic() >= cls.end
+
+    @classmethod
+    def interrupt(cls, _signal=None, _frame=None):
+        cls.end = 0
+        raise KeyboardInterrupt
+
+
+def execute(command: list[str], environment: dict[str, str], ends_itself: bool = False) -> str:
+    """What the program prints. At the end of the run it is ended, with all that it started unless it does that itself."""
+    process = subprocess.Popen(command, cwd=ROOT, env=os.environ | environment, stdout=subprocess.PIPE,
+                               stderr=subprocess.STDOUT, text=True, errors="replace", start_new_session=True)
+    try:
+        output, _ = process.communicate(timeout=Clock.left())
+    except (subprocess.TimeoutExpired, KeyboardInterrupt):
+        (os.kill if ends_itself else os.killpg)(process.pid, signal.SIGTERM)
+        raise Stopped(process.communicate()[0]) from None
+    if process.returncode != 0:
+        raise Failed(f"{' '.join(map(str, command))}\n{output[-6000:]}")
+    return output
+
+
+@dataclass(frozen=True)
+class Unit:
+    """One run of a program: what is done or not done."""
+
+    command: list[str]
+    environment: dict[str, str]
+    cases_of: object
+    ends_itself: bool = False
+
+    def key(self) -> str:
+        settings = [f"{name}={value}" for name, value in self.environment.items() if name != "QUORPORT"]
+        return " ".join([*settings, *("python3" if word == sys.executable else word for word in self.command)])
+
+    def run(self) -> dict:
+        """How many cases it ran, which share of the unit that is, and its report. Its last lines name both."""
+        began, share = time.monotonic(), 1
+        try:
+            cases, lines = self.cases_of(self)
+        except Stopped as stopped:
+            if not self.ends_itself:
+                raise
+            lines, share = str(stopped).strip().splitlines(), 0
+            cases = counted(lines)
+        if told := re.search(r"^(\d+) of (\d+) cases\b", "\n".join(lines), re.M):
+            share = int(told.group(1)) / max(1, int(told.group(2)))
+        return {"cases": cases, "share": share, "seconds": round(time.monotonic() - began, 1), "told": lines}
+
+
+def counted(lines: list[str]) -> int:
+    found = [re.match(r"(\d+) (?:of \d+ )?(?:cases|jobs|exits)\b", line) for line in lines]
+    return next((int(match.group(1)) for match in reversed(found) if match), 0)
+
+
+def plainly(unit: Unit) -> tuple[int, list[str]]:
+    lines = execute(unit.command, unit.environment, unit.ends_itself).strip().splitlines()
+    return counted(lines), lines
+
+
+def fuzzing(unit: Unit) -> tuple[int, list[str]]:
+    """The fuzzing engine counts the inputs of each target."""
+    lines = execute(unit.command, unit.environment).strip().splitlines()
+    return sum(int(match.group(1)) for line in lines if (match := re.search(r": (\d+) inputs", line))), lines
+
+
+def testing(unit: Unit) -> tuple[int, list[str]]:
+    """A test program, in as many processes as there are cores. Its tests count their cases in their report."""
+    with ThreadPoolExecutor(CORES) as pool:
+        return sum(pool.map(lambda shard: run_shard(unit, shard), range(CORES))), []
+
+
+def run_shard(unit: Unit, shard: int) -> int:
+    report = ROOT / f"build/proof/{shard}-{os.getpid()}.xml"
+    report.parent.mkdir(parents=True, exist_ok=True)
+    shards = {"GTEST_TOTAL_SHARDS": str(CORES), "GTEST_SHARD_INDEX": str(shard), "GTEST_OUTPUT": f"xml:{report}"}
+    execute(unit.command, unit.environment | shards)
+    suites = xml.parse(report).getroot()
+    report.unlink()
+    tests = [test for test in suites.iter("testcase") if test.get("status") == "run"]
+    cases = [int(entry.get("value")) for entry in suites.iter("property") if entry.get("name") == "cases"]
+    return sum(cases) if cases else len(tests)
+
+
+@dataclass(frozen=True)
+class Step:
+    """A program that is run whole. A value that differs from size to size is a tuple of three."""
+
+    command: tuple
+    environment: dict = field(default_factory=dict)
+    cases_of: object = plainly
+    ends_itself: bool = False
+
+    def units(self, size: str) -> list[Unit]:
+        command = [self.chosen(word, size) for word in self.command]
+        return [Unit(command, {name: self.chosen(value, size) for name, value in self.environment.items()}, self.cases_of,
+                     self.ends_itself)]
+
+    @staticmethod
+    def chosen(value, size: str) -> str:
+        return str(value[SIZES.index(size)] if isinstance(value, tuple) else value)
+
+
+@dataclass(frozen=True)
+class Portions:
+    """A program whose work is parted: each run does one portion, and its settings say which."""
+
+    command: tuple
+    counts: tuple  # how much of it there is, size by size
+    portion: tuple  # how much of it one run does, size by size
+    settings: object  # of the number and the amount of a portion: its part of the environment
+    cases_of: object = plainly
+
+    def units(self, size: str) -> list[Unit]:
+        count, portion = (values[SIZES.index(size)] for values in (self.counts, self.portion))
+        return [Unit([word.format(amount=portion) for word in map(str, self.command)], self.settings(number, portion),
+                     self.cases_of) for number in range(count // portion)]
+
+
+def seeds(program: str, variable: str, counts: tuple) -> Portions:
+    portion = min(counts)
+    return Portions((program,), counts, (portion,) * len(counts),
+                    lambda number, amount: {variable: str(amount), "QUOR_FIRST_SEED": str(1 + number * amount)}, testing)
