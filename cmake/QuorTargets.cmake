@@ -1,5 +1,6 @@
-# How every target of the project is built: one language level, warnings as errors, and log records
-# that name their source by its path below the project, wherever it was built.
+# How every target of the project is built: one language level, one set of warnings, and log records
+# that name their source by its path below the project, wherever it was built. A warning is an error only
+# for developers (QUOR_WARNINGS_ARE_ERRORS, in the preset "developer"): a newer compiler must not break a package or a first build.
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
@@ -19,7 +20,7 @@ find_package(Threads REQUIRED)
 
 add_library(quor_flags INTERFACE)
 target_compile_options(quor_flags INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Werror
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion $<$<BOOL:${QUOR_WARNINGS_ARE_ERRORS}>:-Werror>
   $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Wold-style-cast -Woverloaded-virtual>
   -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
 
