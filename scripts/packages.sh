@@ -8,14 +8,15 @@ demo_packages=(fonts-dejavu-core python3)
 test_packages=(bash-completion fonts-dejavu-core groff-base python3)
 check_packages=(clang-format clang-tidy doxygen python3)
 docs_packages=(doxygen)
-package_packages=(debhelper dpkg-dev lintian)
+package_packages=(build-essential debhelper lintian)
 trial_packages=(debootstrap)
+real_packages=()
 fuzz_packages=(clang libclang-rt-dev)
 prove_packages=(llvm)
 bench_packages=(libbenchmark-dev libspdlog-dev python3)
 
-# need_packages NAME …: returns when all are there. Where some are missing, root gets them installed;
-# anybody else is told the command and the script ends.
+# need_packages NAME …: returns when all are installed. Root gets the missing ones installed; anybody
+# else is told the command, and the script ends.
 need_packages() {
   command -v dpkg-query >/dev/null || return 0 # not Debian: what is missing will show in the build
   local package missing=()
@@ -26,13 +27,23 @@ need_packages() {
 
   if ((EUID != 0)); then
     echo "Missing Debian packages. This installs them:" >&2
-    echo "  sudo apt-get install --no-install-recommends ${missing[*]}" >&2
+    echo "  $(command_for_others "${missing[@]}")" >&2
     exit 1
   fi
-  echo "Installing missing Debian packages: ${missing[*]}"
-  apt-get update --quiet
-  DEBIAN_FRONTEND=noninteractive \
-    apt-get install --quiet --yes --no-install-recommends "${missing[@]}"
+  quietly "installing ${missing[*]}" build/log/packages.txt \
+    env DEBIAN_FRONTEND=noninteractive sh -c "$(installation "${missing[@]}")"
+}
+
+# installation NAME …: the commands that root runs. A fresh system has no package lists yet.
+installation() {
+  echo "apt-get update && apt-get install --yes --no-install-recommends $*"
+}
+
+# command_for_others NAME …: how somebody who is not root runs them.
+command_for_others() {
+  local run_as_root="su -c"
+  command -v sudo >/dev/null && run_as_root="sudo sh -c"
+  echo "$run_as_root '$(installation "$@")'"
 }
 
 is_installed() {

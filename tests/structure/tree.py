@@ -10,9 +10,10 @@ OUTSIDE = (".git", "build", "__pycache__")
 def files(root: Path, *suffixes: str) -> Iterator[Path]:
     """The project's files below root, by path; with suffixes, only those that end in one."""
     for entry in sorted(root.iterdir()):
+        if entry.name in OUTSIDE or entry.name.startswith("build-"):
+            continue
         if entry.is_dir():
-            if entry.name not in OUTSIDE and not entry.name.startswith("build-"):
-                yield from files(entry, *suffixes)
+            yield from files(entry, *suffixes)
         elif not suffixes or entry.name.endswith(suffixes):
             yield entry
 

@@ -1,0 +1,101 @@
+"""./dev tells its user what it takes, and what to install. Usage: dev_test.py ROOT"""
+
+import os
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+ROOT = Path(sys.argv.pop()).resolve()
+
+
+def dev(*words: str) -> subprocess.CompletedProcess:
+    return subprocess.run([ROOT / "dev", *words], capture_output=True, text=True, timeout=60)
+
+
+class Help(unittest.TestCase):
+    def test_help_is_a_command_and_an_option(self):
+        for words in (["help"], ["--help"], ["-h"], []):
+            with self.subTest(words):
+                done = dev(*words)
+                self.assertEqual(done.returncode, 0, done.stderr)
+                self.assertTrue(done.stdout.startswith("usage: ./dev COMMAND\n"), done.stdout)
+
+    def test_an_unknown_command_is_refused_with_the_list(self):
+        done = dev("fly")
+        self.assertEqual(done.returncode, 2)
+        self.assertIn("no command 'fly'", done.stderr)
+        self.assertIn("usage: ./dev", done.stderr)
+
+    def test_an_unknown_argument_is_refused_before_anything_is_done(self):
+        for words, takes in ((("test", "--fast"), "--real"), (("demo", "--help"), "no argument"),
+                             (("check", "all"), "--all"), (("package", "--try", "me"), "--try")):
+            with self.subTest(words):
+                done = dev(*words)
+                self.assertEqual(done.returncode, 2)
+                self.assertIn(f"./dev: {words[0]} takes {takes}, not '{words[-1]}'", done.stderr)
+                self.assertEqual(done.stdout, "")
+
+
+class Packages(unittest.TestCase):
+    """The functions of scripts/packages.sh, on a system of which the test says what it has."""
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.bin = Path(folder.name)
+
+    def has(self, program: str, text: str = "exit 0"):
+        file = self.bin / program
+        file.write_text(f"#!/bin/sh\n{text}\n")
+        file.chmod(0o755)
+
+    def shell(self, command: str) -> subprocess.CompletedProcess:
+        script = f"set -eu; source scripts/quietly.sh; source scripts/packages.sh; {command}"
+        return subprocess.run([shutil.which("bash"), "-c", script], cwd=ROOT, capture_output=True, text=True,
+                              env={**os.environ, "PATH": str(self.bin)}, timeout=60)
+
+    def test_the_command_that_is_shown_fetches_the_package_lists_first(self):
+        self.has("sudo")
+        self.assertEqual(self.shell("command_for_others cmake g++").stdout,
+                         "sudo sh -c 'apt-get update && apt-get install --yes --no-install-recommends cmake g++'\n")
+
+    def test_the_command_that_is_shown_works_without_sudo(self):
+        self.assertTrue(self.shell("command_for_others cmake").stdout.startswith("su -c 'apt-get update && "))
+
+    def test_nothing_is_asked_of_a_system_that_has_everything(self):
+        self.has("dpkg-query", "echo installed")
+        done = self.shell("need_packages cmake g++")
+        self.assertEqual((done.returncode, done.stdout, done.stderr), (0, "", ""))
+
+    def test_the_packages_of_each_door_hold_a_compiler(self):
+        """dpkg-buildpackage refuses to start without build-essential, whatever else is there."""
+        self.assertIn("g++", self.shell('echo "${build_packages[@]}"').stdout)
+        self.assertIn("build-essential", self.shell('echo "${package_packages[@]}"').stdout)
+
+
+class Quietly(unittest.TestCase):
+    def quietly(self, command: str) -> tuple[subprocess.CompletedProcess, str]:
+        with tempfile.TemporaryDirectory() as folder:
+            log = Path(folder) / "log/step.txt"
+            script = f"set -euo pipefail; source scripts/quietly.sh; quietly compiling {log} sh -c '{command}'; echo after"
+            done = subprocess.run(["bash", "-c", script], cwd=ROOT, capture_output=True, text=True, timeout=60)
+            return done, log.read_text()
+
+    def test_a_step_that_succeeds_shows_its_name_alone(self):
+        done, log = self.quietly("seq 1000")
+        self.assertEqual((done.returncode, len(done.stdout.splitlines())), (0, 2), done.stdout)
+        self.assertEqual(len(log.splitlines()), 1000)
+
+    def test_a_step_that_fails_shows_its_end_and_ends_the_script(self):
+        done, log = self.quietly("seq 1000; echo the error >&2; exit 3")
+        self.assertEqual((done.returncode, len(log.splitlines())), (1, 1001))
+        self.assertIn("the error\n./dev: compiling failed; the whole log is ", done.stderr)
+        self.assertNotIn("\n900\n", done.stderr)
+        self.assertNotIn("after", done.stdout)
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,97 @@
+"""The lint reads what changed since it passed, and nothing else. Usage: lint_test.py ROOT
+
+clang-tidy is a stand-in that notes which sources it is given, and objects to those that hold the word BAD.
+"""
+
+import json
+import os
+import subprocess
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+LINT = Path(sys.argv.pop()).resolve() / "scripts/lint.py"
+
+CLANG_TIDY = """#!/bin/sh
+[ "$1" = --version ] && exec cat version
+for source; do :; done
+echo "${source##*/}" >> read
+! grep -H BAD "$source"
+"""
+
+
+class Lint(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.root = Path(folder.name).resolve()
+        self.write("bin/clang-tidy", CLANG_TIDY).chmod(0o755)
+        self.write("version", "clang-tidy 1")
+        self.write(".clang-tidy", "Checks: a\n")
+        self.write("job/Job.h", '#include "deep.h"\n')
+        self.write("job/deep.h", "#pragma once\n")
+        self.write("job/Job.cpp", '#include "job/Job.h"\n')
+        self.write("job/Other.cpp", "#include <vector>\n")
+        self.write("include/own/Public.h", "#pragma once\n")
+        self.write("job/Third.cpp", "#include <own/Public.h>\n")
+        self.write("tests/a_test.cpp", "BAD\n")
+        self.commands({"job/Job.cpp": "-O2", "job/Other.cpp": "-O2", "job/Third.cpp": "-O2", "tests/a_test.cpp": ""})
+        self.lint()
+
+    def write(self, path: str, text: str) -> Path:
+        file = self.root / path
+        file.parent.mkdir(parents=True, exist_ok=True)
+        file.write_text(text)
+        return file
+
+    def commands(self, options: dict[str, str]):
+        self.write("build/compile_commands.json", json.dumps(
+            [{"directory": str(self.root), "file": file, "command": f"g++ {words} {file}"}
+             for file, words in options.items()]))
+
+    def lint(self, *options: str) -> tuple[bool, set[str]]:
+        """Whether it passed, and which sources were read."""
+        (self.root / "read").write_text("")
+        path = f"{self.root}/bin:{os.environ['PATH']}"
+        self.done = subprocess.run([sys.executable, "-B", LINT, *options, "build"], cwd=self.root, text=True,
+                                   env={**os.environ, "PATH": path}, capture_output=True, timeout=60)
+        return self.done.returncode == 0, set((self.root / "read").read_text().split())
+
+    def test_a_source_that_passed_is_not_read_again(self):
+        self.assertEqual(self.lint(), (True, set()))
+
+    def test_all_reads_every_source_of_the_product(self):
+        self.assertEqual(self.lint("--all"), (True, {"Job.cpp", "Other.cpp", "Third.cpp"}))
+
+    def test_a_source_that_changed_is_read(self):
+        self.write("job/Other.cpp", "int other;\n")
+        self.assertEqual(self.lint(), (True, {"Other.cpp"}))
+
+    def test_a_header_that_changed_is_read_with_all_that_include_it(self):
+        self.write("job/deep.h", "#pragma once\nint deep;\n")
+        self.assertEqual(self.lint(), (True, {"Job.cpp"}))
+        self.write("include/own/Public.h", "#pragma once\nint own;\n")
+        self.assertEqual(self.lint(), (True, {"Third.cpp"}))
+
+    def test_other_rules_or_another_version_read_everything(self):
+        for file in (".clang-tidy", "version"):
+            with self.subTest(file):
+                self.write(file, "b\n")
+                self.assertEqual(len(self.lint()[1]), 3)
+
+    def test_another_compile_command_reads_its_source(self):
+        self.commands({"job/Job.cpp": "-O2", "job/Other.cpp": "-O0", "job/Third.cpp": "-O2"})
+        self.assertEqual(self.lint(), (True, {"Other.cpp"}))
+
+    def test_a_source_that_fails_is_shown_and_read_until_it_passes(self):
+        self.write("job/Other.cpp", "BAD\n")
+        for _ in range(2):
+            self.assertEqual(self.lint(), (False, {"Other.cpp"}))
+            self.assertIn("job/Other.cpp:BAD", self.done.stdout)
+        self.write("job/Other.cpp", "good\n")
+        self.assertEqual(self.lint(), (True, {"Other.cpp"}))
+
+
+if __name__ == "__main__":
+    unittest.main()
