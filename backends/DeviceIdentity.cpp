@@ -1,0 +1,36 @@
+#include "backends/DeviceIdentity.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+
+namespace quordalvane {
+namespace {
+
+std::string inSmallLetters(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(), [](char letter) {
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+  });
+  return text;
+}
+
+// A path that leads nowhere yet may lead to the device when it is plugged in.
+std::string throughLinks(const std::string& path) {
+  std::error_code error;
+  const auto absolute = std::filesystem::absolute(path, error);
+  const auto whole = std::filesystem::weakly_canonical(absolute, error);
+  return error ? path : whole.string();
+}
+
+}  // namespace
+
+std::string deviceIdentity(const DeviceSpec& spec) {
+  if (spec.scheme == "virtual") {
+    return "";
+  }
+  const bool isPath =
+      spec.scheme == "unix" || spec.scheme == "serial" || spec.place.starts_with('/');
+  return spec.scheme + ":" + (isPath ? throughLinks(spec.place) : inSmallLetters(spec.place));
+}
+
+}  // namespace quordalvane

@@ -1,0 +1,41 @@
+#include "backends/DeviceIdentity.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "tests/support/TemporaryFolder.h"
+
+namespace quordalvane {
+namespace {
+
+std::string identityOf(const std::string& text) {
+  return deviceIdentity(parseDeviceSpec(text));
+}
+
+TEST(DeviceIdentity, IsTheSchemeAndThePlaceWhateverTheKeys) {
+  EXPECT_EQ(identityOf("tcp:192.0.2.10:9100,name=Kitchen"), "tcp:192.0.2.10:9100");
+  EXPECT_NE(identityOf("tcp:192.0.2.10:9100"), identityOf("tcp:192.0.2.10:9101"));
+}
+
+TEST(DeviceIdentity, OfAHostKnowsNoCapitals) {
+  EXPECT_EQ(identityOf("tcp:Till-1.Shop:9100"), identityOf("tcp:till-1.shop:9100"));
+}
+
+TEST(DeviceIdentity, OfAPathIsThatOfTheFileBehindEveryLink) {
+  const test::TemporaryFolder folder;
+  std::ofstream(folder.file("ttyUSB0")) << "";
+  std::filesystem::create_symlink(folder.file("ttyUSB0"), folder.file("printer"));
+  const std::string direct = "serial:" + folder.file("ttyUSB0");
+  EXPECT_EQ(identityOf(direct), identityOf("serial:" + folder.file("printer") + ",baud=9600"));
+  EXPECT_EQ(identityOf(direct), identityOf("serial:" + folder.file("./x/../ttyUSB0")));
+  EXPECT_NE(identityOf(direct), identityOf("unix:" + folder.file("ttyUSB0")));
+}
+
+TEST(DeviceIdentity, OfTheBuiltInPrinterIsEmpty) {
+  EXPECT_EQ(identityOf("virtual:"), "");
+}
+
+}  // namespace
+}  // namespace quordalvane
