@@ -34,7 +34,7 @@ std::unique_ptr<Database> opened(const std::filesystem::path& file) {
     }
     auto database = std::make_unique<Database>(file);
     bringUpToDate(*database);
-    database->execute("PRAGMA synchronous = FULL");
+    database->execute("PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL");
     checkSeal(*database);
     return database;
   } catch (const std::system_error& error) {

@@ -61,7 +61,7 @@ std::int64_t schemaVersion() {
 }
 
 void makeTables(Database& database) {
-  database.execute("PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL");
+  database.execute("PRAGMA synchronous = FULL");
   migrate(database, 0);
 }
 

@@ -7,8 +7,8 @@ namespace quordalvane {
 /// The version of the tables that this program keeps.
 std::int64_t schemaVersion();
 
-/// Makes the tables in a database that is empty and nobody else's, and has it keep its changes in a
-/// log until they are copied over (WAL). Raises `JournalError`.
+/// Makes the tables in a database that is empty and nobody else's. When it returns, all of them are
+/// in that one file, on disk. Raises `JournalError`.
 void makeTables(Database& database);
 
 /// Takes the tables of an older version over, with all that they hold. Raises `JournalError` for a

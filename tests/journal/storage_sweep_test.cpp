@@ -1,0 +1,88 @@
+// Every open, write, sync and truncation below the journal fails in turn.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+
+#include "tests/journal/FaultyStorage.h"
+#include "tests/unit/journal/JournalCase.h"
+
+namespace quordalvane {
+namespace {
+
+struct Setting {
+  ZKEmulation emulation;
+  bool andAllLater;
+};
+
+class StorageSweep : public JournalCase, public testing::WithParamInterface<Setting> {
+ protected:
+  /// What a till prints under a name on a disk that fails at that call; and then, on a sound disk,
+  /// what the next start makes of it. False when the call was never made.
+  bool failAt(std::uint64_t call) {
+    Till till(GetParam().emulation);
+    std::filesystem::remove_all(folder.file(""));
+    std::filesystem::create_directory(folder.file(""));
+    std::optional<NamedJobResult> told;
+    bool isReached = false;
+    {
+      const test::FaultyStorage disk(call, GetParam().andAllLater);
+      try {
+        told = print(till, "receipt 1");
+      } catch (const JournalError& error) {
+        EXPECT_THAT(error.what(), testing::HasSubstr(file));
+        EXPECT_EQ(till.printed(), ByteBuffer()) << "an error, and yet it was sent";
+      }
+      isReached = disk.calls() >= call;
+    }
+    checkNextStart(till, told);
+    return isReached;
+  }
+
+ private:
+  void checkNextStart(Till& till, const std::optional<NamedJobResult>& told) {
+    if (told) {
+      EXPECT_EQ(told->result.outcome, PrintOutcome::Printed) << "the true outcome";
+      EXPECT_EQ(till.printed(), receiptText);
+    }
+    till.port->open();  // a job whose beginning could not be recorded has closed it
+    const auto next = print(till, "receipt 1");
+    EXPECT_EQ(next.notRecorded, "") << "a sound disk";
+    if (told && told->notRecorded.empty()) {
+      EXPECT_TRUE(next.isRepeated) << "recorded, and forgotten";
+    }
+    if (next.result.outcome == PrintOutcome::Printed) {
+      EXPECT_EQ(till.printed(), receiptText) << "printed is on paper, once";
+    } else {
+      EXPECT_EQ(next.result.outcome, PrintOutcome::Unconfirmed);
+      ++unconfirmed;
+    }
+  }
+
+ protected:
+  int unconfirmed = 0;
+};
+
+TEST_P(StorageSweep, EndsWithAnErrorAndNothingSentOrWithTheTrueOutcome) {
+  std::uint64_t call = 1;
+  while (failAt(call) && !HasFailure()) {
+    ++call;
+  }
+  EXPECT_FALSE(HasFailure()) << "at call " << call;
+  EXPECT_GT(call, 20U);
+  EXPECT_GT(unconfirmed, 0) << "no failure between the first byte and the outcome was tried";
+  RecordProperty("cases", std::to_string(call - 1));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Disks, StorageSweep,
+    testing::Values(Setting{ZKEmulationQuorLine, false}, Setting{ZKEmulationQuorLine, true},
+                    Setting{ZKEmulationESCPOS, false}, Setting{ZKEmulationESCPOS, true}),
+    [](const auto& setting) {
+      return std::string(setting.param.emulation == ZKEmulationQuorLine ? "Line" : "EscPos") +
+             (setting.param.andAllLater ? "FromThereOn" : "Once");
+    });
+
+}  // namespace
+}  // namespace quordalvane
