@@ -2,42 +2,21 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <set>
 #include <stdexcept>
 
-#include "backends/posix/Serial.h"
+#include "backends/Schemes.h"
+#include "backends/SpecText.h"
 
 namespace quordalvane {
 namespace {
 
-[[noreturn]] void fail(const std::string& why) {
-  throw std::invalid_argument(why);
-}
-
-// The text in quotation marks, cut short and without anything that could upset a terminal. The
-// simulator has the like for itself: only the virtual back end may look into that room.
-std::string quoted(std::string_view text) {
-  constexpr std::size_t longest = 60;
-  std::string result = "\"";
-  for (const char c : text.substr(0, longest)) {
-    const bool printable = c >= ' ' && c <= '~';
-    result += printable ? c : '?';
-  }
-  return result + (text.size() > longest ? "...\"" : "\"");
-}
+using spec::inQuotes;
+using spec::refuse;
 
 void append(std::string& list, std::string_view item) {
   list += list.empty() ? "" : ", ";
   list += item;
-}
-
-template <typename Number>
-std::optional<Number> number(std::string_view text) {
-  Number value{};
-  const char* const end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, value);
-  return error == std::errc() && stop == end ? std::optional(value) : std::nullopt;
 }
 
 // The pieces between the commas, with the backslashes resolved.
@@ -49,38 +28,12 @@ std::vector<std::string> splitAtCommas(std::string_view text) {
       continue;
     }
     if (text[i] == '\\' && ++i == text.size()) {
-      fail("device " + quoted(text) + ": nothing follows the backslash at its end");
+      refuse("device " + inQuotes(text) + ": nothing follows the backslash at its end");
     }
     pieces.back() += text[i];
   }
   return pieces;
 }
-
-void takeAnyPlace(const std::string& /*place*/) {}
-
-void checkHostAndPort(const std::string& place) {
-  parseHostAndPort(place);
-}
-
-template <std::size_t longest>
-void checkPath(const std::string& place) {
-  if (place.empty() || place.size() > longest || place.find('\0') != std::string::npos) {
-    fail("path " + quoted(place) + ": takes 1 to " + std::to_string(longest) + " bytes, none zero");
-  }
-}
-
-struct Scheme {
-  std::string_view name;
-  void (*checkPlace)(const std::string& place);
-};
-
-constexpr std::string_view builtIn = "virtual";
-
-constexpr std::array schemes = {
-    Scheme{builtIn, takeAnyPlace}, Scheme{"tcp", checkHostAndPort},
-    Scheme{"unix", checkPath<107>},     // what a socket's address holds
-    Scheme{"serial", checkPath<4095>},  // what the system takes
-};
 
 void setName(DeviceSpec& spec, const std::string& value) {
   spec.identity.name = value;
@@ -107,8 +60,8 @@ bool isAddress(std::string_view text) {
 
 void setAddress(DeviceSpec& spec, const std::string& value) {
   if (!value.empty() && !isAddress(value)) {
-    fail("address=" + quoted(value) +
-         ": takes six pairs of hex digits joined by colons, such as 01:23:45:67:89:AB");
+    refuse("address=" + inQuotes(value) +
+           ": takes six pairs of hex digits joined by colons, such as 01:23:45:67:89:AB");
   }
   spec.identity.address = value;
 }
@@ -118,119 +71,156 @@ void addProtocol(DeviceSpec& spec, const std::string& value) {
 }
 
 void setId(DeviceSpec& spec, const std::string& value) {
-  spec.id = number<std::uint64_t>(value);
+  spec.id = spec::number<std::uint64_t>(value);
   if (!spec.id) {
-    fail("id=" + quoted(value) + ": takes a number from 0 to 18446744073709551615");
+    refuse("id=" + inQuotes(value) + ": takes a number from 0 to 18446744073709551615");
   }
 }
 
-void setBaud(DeviceSpec& spec, const std::string& value) {
-  const auto rates = posix::baudRates();
-  const auto baud = number<unsigned>(value);
-  if (!baud || std::find(rates.begin(), rates.end(), *baud) == rates.end()) {
-    std::string listed;
-    for (const unsigned rate : rates) {
-      append(listed, std::to_string(rate));
-    }
-    fail("baud=" + quoted(value) + ": takes one of " + listed);
-  }
-  spec.baud = *baud;
-}
-
-struct Key {
+// A key that every scheme takes.
+struct CommonKey {
   std::string_view name;
-  std::string_view onlyOn;  // a scheme; empty for all of them
   void (*set)(DeviceSpec& spec, const std::string& value);
-
-  bool isFor(const std::string& scheme) const { return onlyOn.empty() || onlyOn == scheme; }
 };
 
 constexpr std::string_view repeatable = "protocol";
 
-constexpr std::array keys = {
-    Key{"name", "", setName},
-    Key{"serial", "", setSerial},
-    Key{"model", "", setModel},
-    Key{"manufacturer", "", setMaker},
-    Key{repeatable, "", addProtocol},
-    Key{"address", "", setAddress},
-    Key{"id", "", setId},
-    Key{"baud", "serial", setBaud},
+constexpr std::array commonKeys = {
+    CommonKey{"name", setName},
+    CommonKey{"serial", setSerial},
+    CommonKey{"model", setModel},
+    CommonKey{"manufacturer", setMaker},
+    CommonKey{repeatable, addProtocol},
+    CommonKey{"address", setAddress},
+    CommonKey{"id", setId},
 };
 
-const Key* findKey(const std::string& name, const std::string& scheme) {
-  const auto* const found = std::find_if(keys.begin(), keys.end(), [&](const Key& key) {
-    return key.name == name && key.isFor(scheme);
-  });
-  return found == keys.end() ? nullptr : found;
+template <typename Keys>
+auto findKey(const Keys& keys, std::string_view name) {
+  const auto found =
+      std::find_if(keys.begin(), keys.end(), [&](const auto& key) { return key.name == name; });
+  return found == keys.end() ? nullptr : &*found;
 }
 
-[[noreturn]] void failUnknown(const std::string& name, const std::string& scheme) {
+[[noreturn]] void refuseKey(const std::string& name, const Scheme& scheme) {
   std::string listed;
-  for (const Key& key : keys) {
-    if (key.isFor(scheme)) {
-      append(listed, key.name);
-    }
+  for (const CommonKey& key : commonKeys) {
+    append(listed, key.name);
   }
-  fail("key " + quoted(name) + ": " + scheme + ": takes " + listed);
+  for (const SchemeKey& key : scheme.keys) {
+    append(listed, key.name);
+  }
+  refuse("key " + inQuotes(name) + ": " + std::string(scheme.name) + ": takes " + listed);
 }
 
 // Sets the keys in the order in which they were given.
 class KeySetter {
  public:
-  explicit KeySetter(DeviceSpec& spec) : spec_(spec) {}
+  KeySetter(const Scheme& scheme, DeviceSpec& spec) : scheme_(scheme), spec_(spec) {}
 
   void set(const std::string& assignment) {
     const std::size_t equals = assignment.find('=');
     const std::string name = assignment.substr(0, equals);
     if (equals == std::string::npos || name.empty()) {
-      fail(quoted(assignment) + ": takes key=value");
+      refuse(inQuotes(assignment) + ": takes key=value");
     }
     set(name, assignment.substr(equals + 1));
   }
 
  private:
   void set(const std::string& name, const std::string& value) {
-    const Key* const key = findKey(name, spec_.scheme);
-    if (key == nullptr && spec_.scheme == builtIn) {
-      spec_.options.emplace_back(name, value);
-      return;
+    if (const CommonKey* const key = findKey(commonKeys, name)) {
+      const bool isFirst = isFirstOf(name);
+      if (name == repeatable && isFirst) {
+        spec_.identity.protocolStrings.clear();
+      }
+      key->set(spec_, value);
+    } else {
+      setOption(name, value);
     }
-    if (key == nullptr) {
-      failUnknown(name, spec_.scheme);
-    }
-    const bool first = seen_.insert(name).second;
-    if (name == repeatable && first) {
-      spec_.identity.protocolStrings.clear();
-    } else if (!first && name != repeatable) {
-      fail("key " + quoted(name) + ": takes one value, and was given twice");
-    }
-    key->set(spec_, value);
   }
 
+  void setOption(const std::string& name, const std::string& value) {
+    const SchemeKey* const key = findKey(scheme_.keys, name);
+    if (key == nullptr && scheme_.moreKeys.empty()) {
+      refuseKey(name, scheme_);
+    }
+    if (key != nullptr) {
+      isFirstOf(name);
+      if (!key->takes(value)) {
+        refuse(name + "=" + inQuotes(value) + ": takes " + std::string(key->values));
+      }
+    }
+    spec_.options.emplace_back(name, value);
+  }
+
+  bool isFirstOf(const std::string& name) {
+    const bool isFirst = seen_.insert(name).second;
+    if (!isFirst && name != repeatable) {
+      refuse("key " + inQuotes(name) + ": takes one value, and was given twice");
+    }
+    return isFirst;
+  }
+
+  const Scheme& scheme_;
   DeviceSpec& spec_;
   std::set<std::string> seen_;
 };
 
-const Scheme& schemeOf(std::string_view text) {
-  const std::size_t colon = text.find(':');
-  const auto* const found = std::find_if(schemes.begin(), schemes.end(), [&](const Scheme& known) {
-    return colon != std::string_view::npos && known.name == text.substr(0, colon);
-  });
-  if (found == schemes.end()) {
-    fail("device " + quoted(text) +
-         ": takes virtual:, tcp:HOST:PORT, unix:PATH or serial:PATH, then ,key=value");
+bool takesPlace(const Scheme& scheme, const std::string& place) {
+  try {
+    scheme.checkPlace(place);
+    return true;
+  } catch (const std::invalid_argument&) {
+    return false;
   }
-  return *found;
+}
+
+// The devices that a text without a scheme may mean.
+std::string offers(const std::string& place) {
+  std::string listed;
+  const bool isPath = place.starts_with('/');
+  for (const Scheme* const scheme : schemes()) {
+    const bool isLikely = !scheme->place.empty() && isPath == (scheme->place == "PATH");
+    if (isLikely && takesPlace(*scheme, place)) {
+      append(listed, inQuotes(std::string(scheme->name) + ":" + place));
+    }
+  }
+  return listed.empty() ? "" : "; perhaps " + listed;
+}
+
+[[noreturn]] void refuseScheme(std::string_view text, const std::string& place) {
+  std::string listed;
+  for (const Scheme* const scheme : schemes()) {
+    append(listed, std::string(scheme->name) + ":" + std::string(scheme->place));
+  }
+  refuse("device " + inQuotes(text) + ": takes " + listed + ", then ,key=value" + offers(place));
+}
+
+// Takes the scheme and its place from a place that may be written without its scheme.
+const Scheme& schemeOf(std::string_view text, std::string& place) {
+  const std::size_t colon = place.find(':');
+  if (const Scheme* const named =
+          colon == std::string::npos ? nullptr : findScheme(place.substr(0, colon))) {
+    place.erase(0, colon + 1);
+    return *named;
+  }
+  for (const Scheme* const scheme : schemes()) {
+    const auto meant = scheme->placeMeantBy == nullptr ? std::nullopt : scheme->placeMeantBy(place);
+    if (meant && findScheme(place) == nullptr) {
+      place = *meant;
+      return *scheme;
+    }
+  }
+  refuseScheme(text, place);
 }
 
 }  // namespace
 
 DeviceSpec parseDeviceSpec(std::string_view text) {
-  const Scheme& scheme = schemeOf(text);
-  auto pieces = splitAtCommas(text.substr(scheme.name.size() + 1));
-  // The printer in this process needs no place: its keys may follow the colon at once.
-  if (scheme.name == builtIn && pieces.front().find('=') != std::string::npos) {
+  auto pieces = splitAtCommas(text);
+  const Scheme& scheme = schemeOf(text, pieces.front());
+  if (!scheme.moreKeys.empty() && pieces.front().find('=') != std::string::npos) {
     pieces.insert(pieces.begin(), "");
   }
 
@@ -238,30 +228,10 @@ DeviceSpec parseDeviceSpec(std::string_view text) {
   spec.scheme = scheme.name;
   spec.place = pieces.front();
   scheme.checkPlace(spec.place);
-  spec.identity.name = spec.place.empty() ? "virtual printer" : spec.place;
-  KeySetter setter(spec);
+  spec.identity.name = spec.place.empty() ? std::string(scheme.nameWithoutPlace) : spec.place;
+  KeySetter setter(scheme, spec);
   std::for_each(pieces.begin() + 1, pieces.end(), [&](const auto& piece) { setter.set(piece); });
   return spec;
-}
-
-HostAndPort parseHostAndPort(std::string_view text) {
-  const std::size_t colon = text.rfind(':');
-  const std::string_view written = text.substr(0, colon);
-  const bool bracketed = written.size() > 2 && written.front() == '[' && written.back() == ']';
-  const std::string_view host = bracketed ? written.substr(1, written.size() - 2) : written;
-  const auto port = colon == std::string_view::npos
-                        ? std::uint16_t{0}
-                        : number<std::uint16_t>(text.substr(colon + 1)).value_or(0);
-
-  constexpr std::size_t longestHost = 253;
-  const bool plain =
-      std::all_of(host.begin(), host.end(), [](char c) { return c > ' ' && c <= '~'; });
-  const bool ambiguous = !bracketed && host.find_first_of(":[]") != std::string_view::npos;
-  if (host.empty() || host.size() > longestHost || !plain || ambiguous || port == 0) {
-    fail("address " + quoted(text) +
-         ": takes HOST:PORT, the port from 1 to 65535, and an IPv6 address in brackets");
-  }
-  return {.host = std::string(host), .port = port};
 }
 
 }  // namespace quordalvane

@@ -10,11 +10,10 @@
 #include <quordalvane/QuorExport.h>
 
 #include "backends/AccessoryIdentity.h"
-#include "backends/posix/Serial.h"
 
 namespace quordalvane {
 
-/// How to reach one device, and what it presents itself as.
+/// How to reach one device, and the texts of its accessory.
 ///
 /// Its text is `SCHEME:PLACE[,key=value...]`:
 ///
@@ -25,39 +24,33 @@ namespace quordalvane {
 /// | `unix:PATH` | a local socket |
 /// | `serial:PATH` | a serial line |
 ///
-/// Every scheme takes `name`, `serial`, `model`, `manufacturer`, `protocol`, `address` and `id`.
-/// `serial:` also takes `baud`, and `virtual:` takes the printer's own keys. Only `protocol` and
-/// the printer's own keys may be given more than once. A value may be empty, and is then the empty
-/// text. `address` takes six pairs of hex digits joined by colons.
+/// `HOST` alone is `tcp:HOST:9100`, and a path below `/dev` whose kind its name shows is a device
+/// of that kind: `/dev/ttyUSB0` is `serial:/dev/ttyUSB0`.
 ///
-/// A backslash stands for the character after it, whatever that is: `\,` is a comma inside a place
-/// or a value, `\\` a backslash.
+/// Every scheme takes `name`, `serial`, `model`, `manufacturer`, `protocol`, `address` and `id`.
+/// `serial:` also takes `baud`, `bits`, `parity`, `stop` and `flow`; `virtual:` takes the printer's
+/// own keys. Only `protocol` and the printer's own keys may be given more than once. A value may be
+/// empty, and is then the empty text. `address` takes six pairs of hex digits joined by colons.
+///
+/// A backslash takes the character after it as it is: `\,` is a comma inside a place or a value,
+/// `\\` a backslash.
 struct DeviceSpec {
-  std::string scheme;  ///< "virtual", "tcp", "unix" or "serial"
-  std::string place;   ///< what follows the scheme; empty on `virtual:` alone
+  std::string scheme;  ///< "tcp", for example
+  std::string place;   ///< the text after the scheme
 
   /// The texts that were given, and the usual ones otherwise; the name is the place unless given.
   /// Its connection identifier is not set.
   AccessoryIdentity identity;
 
-  std::optional<std::uint64_t> id;         ///< the connection identifier, if it was given
-  unsigned baud = posix::defaultBaudRate;  ///< bits a second; for `serial:` alone
+  std::optional<std::uint64_t> id;  ///< the connection identifier, if it was given
 
-  /// The keys that only the scheme's own back end understands, as given and in order.
+  /// The keys that this scheme alone takes, as given and in order.
   std::vector<std::pair<std::string, std::string>> options;
 };
 
-/// Reads the text of a device. Raises `std::invalid_argument` if it is none, with a text for people
-/// that names what is wrong and what may stand there; the text is printable whatever was read.
+/// Reads the text of a device. Throws `std::invalid_argument` for any other text, with a message
+/// for people that names the mistake and what is right; it is printable whatever was read. May be
+/// called from any thread.
 QUOR_EXPORT DeviceSpec parseDeviceSpec(std::string_view text);
-
-/// A place on the network.
-struct HostAndPort {
-  std::string host;    ///< a name or an address, without brackets
-  std::uint16_t port;  ///< 1 to 65535
-};
-
-/// Reads `HOST:PORT`. Raises as above.
-QUOR_EXPORT HostAndPort parseHostAndPort(std::string_view text);
 
 }  // namespace quordalvane

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include <quordalvane/QuorExport.h>
@@ -36,5 +37,9 @@ QUOR_EXPORT std::shared_ptr<posix::PosixPlatform> connectDevices(
 /// Why the latest session on `accessory` could not be opened, as a text for people; "" if it could,
 /// or if the accessory's back end gives no reasons.
 QUOR_EXPORT std::string lastOpenError(EAAccessory& accessory);
+
+/// The error code of the same reason; 0 if it has none. `std::errc::device_or_resource_busy` means
+/// that another program uses the device.
+QUOR_EXPORT std::error_code lastOpenErrorCode(EAAccessory& accessory);
 
 }  // namespace quordalvane

@@ -4,11 +4,11 @@ set(QUOR_PUBLIC_HEADERS
   backends/AccessoryIdentity.h
   backends/DeviceSpec.h
   backends/Devices.h
+  backends/HostAndPort.h
   backends/posix/Deadline.h
   backends/posix/Descriptor.h
   backends/posix/PosixClock.h
   backends/posix/PosixPlatform.h
-  backends/posix/Serial.h
   iphone-IOPort/AtomicProperty.h
   iphone-IOPort/ExternalAccessoryPort.h
   iphone-IOPort/LogWriter.h

@@ -1,7 +1,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "backends/DeviceSpec.h"
+#include "backends/HostAndPort.h"
 #include "fuzz/FuzzTarget.h"
 #include "fuzz/Text.h"
 #include "tools/quorport/simulate/SocketListener.h"

@@ -49,12 +49,18 @@ Descriptor::Descriptor(int number, Kind kind)
 
 Descriptor::~Descriptor() {
   if (number_ >= 0) {
+    if (beforeClose_ != nullptr) {
+      beforeClose_(number_);
+    }
     ::close(number_);
   }
 }
 
 Descriptor::Descriptor(Descriptor&& other) noexcept
-    : number_(std::exchange(other.number_, -1)), kind_(other.kind_), isPatient_(other.isPatient_) {}
+    : number_(std::exchange(other.number_, -1)),
+      kind_(other.kind_),
+      isPatient_(other.isPatient_),
+      beforeClose_(other.beforeClose_) {}
 
 std::ptrdiff_t Descriptor::receive(std::uint8_t* buffer, std::size_t maxLength) const {
   return uninterrupted([&] {

@@ -26,6 +26,9 @@ class Descriptor {
   Descriptor(Descriptor&& other) noexcept;
   Descriptor& operator=(Descriptor&&) = delete;
 
+  /// Lets `act` run on the descriptor right before it is closed.
+  void setBeforeClose(void (*act)(int number)) { beforeClose_ = act; }
+
   /// The descriptor, which stays owned; -1 for none.
   int number() const { return number_; }
 
@@ -69,6 +72,7 @@ class Descriptor {
   int number_;
   Kind kind_;
   bool isPatient_;  // receiving may itself wait, for a limited time
+  void (*beforeClose_)(int number) = nullptr;
 };
 
 }  // namespace quordalvane::posix

@@ -1,73 +1,138 @@
 #include "backends/posix/Serial.h"
 
+// The numbered speeds of the usual header leave out every other one; the kernel's own structure has
+// a field for the number itself. The two headers exclude each other.
+#include <asm/termbits.h>
 #include <fcntl.h>
-#include <termios.h>
+#include <sys/file.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <array>
 #include <cerrno>
-#include <stdexcept>
 #include <system_error>
+#include <utility>
+
+#include "backends/posix/Holders.h"
 
 namespace quordalvane::posix {
 namespace {
 
-struct Rate {
-  unsigned baud;
-  speed_t code;
-};
-
-constexpr std::array rates = {
-    Rate{1200, B1200},     Rate{2400, B2400},     Rate{4800, B4800},     Rate{9600, B9600},
-    Rate{19200, B19200},   Rate{38400, B38400},   Rate{57600, B57600},   Rate{115200, B115200},
-    Rate{230400, B230400}, Rate{460800, B460800}, Rate{921600, B921600},
-};
-
-speed_t codeOf(unsigned baud) {
-  const auto* const found =
-      std::find_if(rates.begin(), rates.end(), [=](const Rate& rate) { return rate.baud == baud; });
-  if (found == rates.end()) {
-    throw std::invalid_argument(std::to_string(baud) + " is not a baud rate");
-  }
-  return found->code;
+[[noreturn]] void fail(int code, const std::string& text) {
+  throw std::system_error(code, std::generic_category(), text);
 }
 
-void setRaw(int number, speed_t speed, const std::string& path) {
-  termios settings{};
-  if (::tcgetattr(number, &settings) != 0) {
-    throw std::system_error(ENOTTY, std::generic_category(), path + ": not a serial line");
+// The speeds that have a number of their own are set by it, so that every program can read them.
+tcflag_t speedFlag(unsigned baud) {
+  constexpr std::pair<unsigned, tcflag_t> numbered[] = {
+      {1200, B1200},     {2400, B2400},     {4800, B4800},     {9600, B9600},
+      {19200, B19200},   {38400, B38400},   {57600, B57600},   {115200, B115200},
+      {230400, B230400}, {460800, B460800}, {921600, B921600},
+  };
+  for (const auto& [speed, flag] : numbered) {
+    if (speed == baud) {
+      return flag;
+    }
   }
-  ::cfmakeraw(&settings);  // 8 data bits and no parity included
-  settings.c_cflag |= CLOCAL | CREAD;
-  settings.c_cflag &= ~static_cast<tcflag_t>(CSTOPB | CRTSCTS);
-  settings.c_iflag &= ~static_cast<tcflag_t>(IXOFF | IXANY);
+  return BOTHER;
+}
+
+tcflag_t sizeFlag(unsigned bits) {
+  constexpr tcflag_t sizes[] = {CS5, CS6, CS7, CS8};
+  return bits >= 5 && bits <= 8 ? sizes[bits - 5] : sizes[3];
+}
+
+tcflag_t parityFlags(Parity parity) {
+  switch (parity) {
+    case Parity::None:
+      return 0;
+    case Parity::Even:
+      return PARENB;
+    case Parity::Odd:
+      return PARENB | PARODD;
+    case Parity::Mark:
+      return PARENB | PARODD | CMSPAR;
+    case Parity::Space:
+      return PARENB | CMSPAR;
+  }
+  return 0;
+}
+
+termios2 rawSettings(const SerialSettings& wanted) {
+  termios2 raw{};
+  raw.c_cflag = CREAD | CLOCAL | HUPCL | speedFlag(wanted.baud) | sizeFlag(wanted.bits) |
+                parityFlags(wanted.parity) | (wanted.stop == 2 ? CSTOPB : 0U) |
+                (wanted.flow == Flow::RtsCts ? CRTSCTS : 0U);
+  raw.c_iflag = wanted.flow == Flow::XonXoff ? IXON : 0U;
+  raw.c_cc[VSTART] = 0x11;
+  raw.c_cc[VSTOP] = 0x13;
   // With a minimum of one byte a read of none means a hang-up, not an empty input.
-  settings.c_cc[VMIN] = 1;
-  settings.c_cc[VTIME] = 0;
-  ::cfsetspeed(&settings, speed);
-  if (::tcsetattr(number, TCSANOW, &settings) != 0) {
-    throw std::system_error(errno, std::generic_category(), path);
+  raw.c_cc[VMIN] = 1;
+  raw.c_ispeed = wanted.baud;
+  raw.c_ospeed = wanted.baud;
+  return raw;
+}
+
+// A printer samples the middle of each bit and loses a byte of ten bits at a difference of 5 %.
+bool isCloseTo(unsigned baud, unsigned wanted) {
+  const double difference = static_cast<double>(baud) - wanted;
+  return difference < 0.03 * wanted && -difference < 0.03 * wanted;
+}
+
+void configure(int number, const SerialSettings& wanted, const std::string& path) {
+  termios2 settings = rawSettings(wanted);
+  if (::ioctl(number, TCSETS2, &settings) != 0 || ::ioctl(number, TCGETS2, &settings) != 0) {
+    fail(errno, path);
+  }
+  if (!isCloseTo(settings.c_ospeed, wanted.baud)) {
+    fail(EINVAL, path + ": the line does not run at " + std::to_string(wanted.baud) + " baud");
+  }
+  if (wanted.flow == Flow::RtsCts && (settings.c_cflag & CRTSCTS) == 0) {
+    fail(EINVAL, path + ": the line has no flow control by RTS and CTS");
+  }
+}
+
+[[noreturn]] void failInUse(const std::string& path) {
+  fail(EBUSY, path + ": in use by " + holderInWords(path));
+}
+
+void giveBack(int number) {
+  ::ioctl(number, TIOCNXCL);
+}
+
+// Makes the line this program's own, or throws. An exclusive mode that nobody is left to have set
+// is left over from a program that was killed.
+void reserve(Descriptor& line, const std::string& path) {
+  int isExclusive = 0;
+  if (::flock(line.number(), LOCK_EX | LOCK_NB) != 0 ||
+      (::ioctl(line.number(), TIOCGEXCL, &isExclusive) == 0 && isExclusive != 0 &&
+       !holdersOf(path).empty())) {
+    failInUse(path);
+  }
+  if (::ioctl(line.number(), TIOCEXCL) == 0) {
+    line.setBeforeClose(giveBack);
   }
 }
 
 }  // namespace
 
-std::vector<unsigned> baudRates() {
-  std::vector<unsigned> result(rates.size());
-  std::transform(rates.begin(), rates.end(), result.begin(),
-                 [](const Rate& rate) { return rate.baud; });
-  return result;
+std::vector<unsigned> usualBaudRates() {
+  return {1200, 2400, 4800, 9600, 19200, 38400, 57600, 115200, 230400, 460800, 921600};
 }
 
-Descriptor openSerial(const std::string& path, unsigned baud) {
-  const speed_t speed = codeOf(baud);
+Descriptor openSerial(const std::string& path, const SerialSettings& settings) {
   const int number = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+  if (number < 0 && errno == EBUSY) {
+    failInUse(path);
+  }
   if (number < 0) {
-    throw std::system_error(errno, std::generic_category(), path);
+    fail(errno, path);
   }
   Descriptor line(number, Descriptor::Kind::Terminal);
-  setRaw(number, speed, path);
+  if (::isatty(number) == 0) {
+    fail(ENOTTY, path + ": not a serial line");
+  }
+  reserve(line, path);
+  configure(number, settings, path);
   return line;
 }
 

@@ -121,7 +121,13 @@ class Causes(Case):
         printer = self.serial_printer(termios.B9600)
         os.chmod(printer.path, 0o666)
         fcntl.ioctl(printer.line, termios.TIOCEXCL)
-        self.assertCause("in-use", 3, "-d", f"serial:{printer.path}", process=self.run_without_rights)
+        self.assertCause("in-use", 4, "-d", f"serial:{printer.path}", process=self.run_without_rights)
+
+    def test_the_program_that_has_locked_the_serial_line_is_named(self):
+        printer = self.serial_printer(termios.B9600)
+        fcntl.flock(printer.line, fcntl.LOCK_EX)
+        self.assertCause("in-use", 4, "-d", f"serial:{printer.path}")
+        self.assertIn(f"(process {os.getpid()})", run("-d", f"serial:{printer.path}", "doctor").out)
 
     def test_the_printer_talks_at_another_speed(self):
         printer = self.serial_printer(termios.B19200)

@@ -84,7 +84,9 @@ class Usage(Case):
 
     def test_a_device_that_is_none_is_refused_with_what_is_right(self):
         for spec, saying in [
-            ("printer", "tcp:HOST:PORT"),
+            ("udp:h:1", "tcp:HOST:PORT"),
+            ("kitchen:9100", "tcp:kitchen:9100"),
+            ("serial:/dev/x,flow=dsr", "rtscts"),
             ("tcp:nowhere", "HOST:PORT"),
             ("tcp:h:0", "65535"),
             ("tcp:h:1,bad=1", "serial, model"),

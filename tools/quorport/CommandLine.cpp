@@ -7,6 +7,7 @@
 #include <map>
 #include <utility>
 
+#include "backends/Schemes.h"
 #include "tools/quorport/Joined.h"
 
 namespace quordalvane::tool {
@@ -18,11 +19,7 @@ constexpr std::uint32_t highestLogLevel = 63;
 constexpr auto description =
     "Talks to receipt printers: asks for their state, prints, and says honestly what became of it.";
 
-constexpr auto footer =
-    "A SPEC is virtual:, tcp:HOST:PORT, unix:PATH or serial:PATH, then any number of ,key=value:\n"
-    "name, serial, model, manufacturer, protocol (repeatable), address, id; on serial: also baud;\n"
-    "on virtual: also the printer's state and faults.\n"
-    "\n"
+constexpr auto statusesAndExamples =
     "Exit status: 0 done, 1 the exchange with the printer failed, 2 usage, 3 no accessory matched "
     "or\n"
     "it could not be opened, 4 the printer is not ready, 5 the link was lost, 6 unconfirmed,\n"
@@ -32,6 +29,34 @@ constexpr auto footer =
     "  quorport -d tcp:192.0.2.10:9100 status\n"
     "  quorport -d tcp:192.0.2.10:9100 doctor                 when something does not work\n"
     "  quorport simulate --listen tcp:127.0.0.1:9100\n";
+
+std::string schemeHelp(const Scheme& scheme) {
+  constexpr std::size_t column = 18;
+  std::string line = "  " + std::string(scheme.name) + ":" + std::string(scheme.place);
+  line += std::string(column > line.size() ? column - line.size() : 1, ' ');
+  line += std::string(scheme.about) + "\n";
+  for (const SchemeKey& key : scheme.keys) {
+    line +=
+        std::string(column, ' ') + std::string(key.name) + ": " + std::string(key.values) + "\n";
+  }
+  if (!scheme.moreKeys.empty()) {
+    line += std::string(column, ' ') + std::string(scheme.moreKeys) + "\n";
+  }
+  return line;
+}
+
+std::string footer() {
+  std::string text = "A SPEC is one of these, then any number of ,key=value:\n";
+  for (const Scheme* const scheme : schemes()) {
+    text += schemeHelp(*scheme);
+  }
+  return text +
+         "Every one takes the keys name, serial, model, manufacturer, protocol (repeatable), "
+         "address "
+         "and\nid. A host alone is tcp:HOST:9100; a path such as /dev/ttyUSB0 needs no "
+         "scheme.\n\n" +
+         statusesAndExamples;
+}
 
 constexpr auto printFooter =
     "The outcome is one of\n"
@@ -260,7 +285,7 @@ constexpr Command commands[] = {
 class Grammar {
  public:
   Grammar() {
-    app_.footer(footer);
+    app_.footer(footer());
     app_.get_formatter()->label("SUBCOMMAND", "COMMAND");
     app_.set_version_flag("--version", "quorport " QUOR_VERSION, "show the version");
     app_.set_help_flag("-h,--help", "show this text");

@@ -12,6 +12,7 @@
 #include "platform/Forwarding.h"
 #include "tools/quorport/Joined.h"
 #include "tools/quorport/LogOutput.h"
+#include "tools/quorport/doctor/OpeningFindings.h"
 
 namespace quordalvane::tool {
 namespace {
@@ -81,7 +82,8 @@ std::string namesOf(const Accessories& accessories) {
 Failure whyNotOpen(const InterruptiblePlatform& platform, const Options& options) {
   for (const auto& accessory : platform.accessories()) {
     if (const std::string why = lastOpenError(*accessory); !why.empty()) {
-      return {ExitCode::NoAccessory, "the printer cannot be reached: " + printable(why)};
+      return {codeOfOpening(lastOpenErrorCode(*accessory)),
+              "the printer cannot be reached: " + printable(why)};
     }
   }
   return noneMatches(platform, options);

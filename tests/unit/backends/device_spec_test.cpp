@@ -3,9 +3,12 @@
 
 #include <algorithm>
 #include <limits>
+#include <set>
 #include <stdexcept>
 
 #include "backends/DeviceSpec.h"
+#include "backends/HostAndPort.h"
+#include "backends/Schemes.h"
 
 namespace quordalvane {
 namespace {
@@ -116,14 +119,79 @@ TEST(DeviceSpec, TakesTheIdentifiersOfSixtyFourBits) {
   }
 }
 
-TEST(DeviceSpec, ASerialLineTakesTheRatesThatTheSystemHas) {
-  EXPECT_EQ(parseDeviceSpec("serial:/dev/x").baud, 9600U);
-  EXPECT_EQ(parseDeviceSpec("serial:/dev/x,baud=115200").baud, 115200U);
-  for (const char* wrong : {"", "9601", "-9600", "fast", "99999999999999999999"}) {
+TEST(DeviceSpec, ASerialLineTakesAnySpeedThatALineMayHave) {
+  EXPECT_TRUE(parseDeviceSpec("serial:/dev/x").options.empty());
+  for (const char* right : {"50", "9601", "115200", "4000000"}) {
+    EXPECT_THAT(parseDeviceSpec("serial:/dev/x,baud="s + right).options,
+                ElementsAre(Pair("baud", right)));
+  }
+  for (const char* wrong : {"", "49", "4000001", "-9600", "fast", "99999999999999999999"}) {
     EXPECT_THAT(failure("serial:/dev/x,baud="s + wrong),
                 AllOf(HasSubstr("baud="), HasSubstr("9600"), HasSubstr("115200")))
         << wrong;
   }
+}
+
+TEST(DeviceSpec, ASerialLineTakesItsFramingAndFlowControl) {
+  EXPECT_THAT(parseDeviceSpec("serial:/dev/x,bits=7,parity=even,stop=2,flow=rtscts").options,
+              ElementsAre(Pair("bits", "7"), Pair("parity", "even"), Pair("stop", "2"),
+                          Pair("flow", "rtscts")));
+  EXPECT_THAT(failure("serial:/dev/x,bits=9"), HasSubstr("bits=\"9\": takes the data bits"));
+  EXPECT_THAT(failure("serial:/dev/x,parity=yes"), HasSubstr("none, even, odd, mark or space"));
+  EXPECT_THAT(failure("serial:/dev/x,stop=0"), HasSubstr("the stop bits, 1 or 2"));
+  EXPECT_THAT(failure("serial:/dev/x,flow=hardware"), HasSubstr("none, rtscts or xonxoff"));
+  EXPECT_THAT(failure("tcp:h:1,flow=none"), HasSubstr("\"flow\""));
+}
+
+TEST(DeviceSpec, AHostAloneIsAPrinterOnTheNetworkAtTheUsualPort) {
+  for (const char* host : {"kitchen", "printer.example", "192.0.2.10", "[2001:db8::1]"}) {
+    const DeviceSpec spec = parseDeviceSpec(host + ",name=Till"s);
+    EXPECT_EQ(spec.scheme, "tcp");
+    EXPECT_EQ(spec.place, host + ":9100"s);
+    EXPECT_EQ(spec.identity.name, "Till");
+  }
+}
+
+TEST(DeviceSpec, APathWhoseNameShowsItsKindNeedsNoScheme) {
+  for (const char* path : {"/dev/ttyUSB0", "/dev/ttyS1", "/dev/serial/by-id/usb-x", "/dev/pts/3"}) {
+    EXPECT_EQ(parseDeviceSpec(path).scheme, "serial");
+    EXPECT_EQ(parseDeviceSpec(path).place, path);
+  }
+}
+
+TEST(DeviceSpec, WhatATextWithoutASchemeMayMeanIsOffered) {
+  EXPECT_THAT(failure("/run/printer"),
+              AllOf(HasSubstr("\"unix:/run/printer\""), HasSubstr("\"serial:/run/printer\"")));
+  EXPECT_THAT(failure("kitchen:9100"), HasSubstr("perhaps \"tcp:kitchen:9100\""));
+  EXPECT_THAT(failure("tcp"), testing::Not(HasSubstr("perhaps")));
+}
+
+TEST(Schemes, EachHasWhatAHelpTextAndADoctorSay) {
+  for (const Scheme* const scheme : schemes()) {
+    EXPECT_EQ(findScheme(scheme->name), scheme);
+    EXPECT_NE(scheme->about, "") << scheme->name;
+    EXPECT_NE(scheme->ifSilent, "") << scheme->name;
+    EXPECT_NE(scheme->ifNotUnderstood, "") << scheme->name;
+    for (const SchemeKey& key : scheme->keys) {
+      EXPECT_NE(key.values, "") << key.name;
+    }
+  }
+  EXPECT_EQ(findScheme("pigeon"), nullptr);
+}
+
+TEST(Schemes, EveryWayToSetASerialLineIsWrittenAsItIsTaken) {
+  const DeviceSpec given = parseDeviceSpec("serial:/dev/x,baud=38400,flow=rtscts,name=Till");
+  const auto variants = findScheme("serial")->variants(given);
+  EXPECT_EQ(variants.front().keys, "");
+  EXPECT_EQ(variants.front().words, "at 38400 baud, flow control rtscts");
+  std::set<std::string> seen;
+  for (const SchemeVariant& variant : variants) {
+    EXPECT_TRUE(seen.insert(variant.keys).second) << variant.keys;
+    EXPECT_EQ(variant.spec.identity.name, "Till");
+    EXPECT_NO_THROW(parseDeviceSpec("serial:/dev/x" + variant.keys)) << variant.keys;
+  }
+  EXPECT_THAT(seen, testing::IsSupersetOf(
+                        {",baud=9600", ",parity=even", ",bits=7,parity=odd", ",flow=none"}));
 }
 
 TEST(DeviceSpec, ThePrinterThatIsBuiltInKeepsItsOwnKeysInOrder) {
@@ -137,7 +205,8 @@ TEST(DeviceSpec, ThePrinterThatIsBuiltInKeepsItsOwnKeysInOrder) {
 }
 
 TEST(DeviceSpec, AnUnknownSchemeIsAnErrorThatNamesTheSchemes) {
-  for (const char* wrong : {"", ":", "tcp", "udp:h:1", "TCP:h:1", " tcp:h:1", "tcp,:", "pty:"}) {
+  for (const char* wrong :
+       {"", ":", "tcp", "virtual", "udp:h:1", "h h", "TCP:h:1", " tcp:h:1", "tcp,:", "pty:"}) {
     EXPECT_THAT(failure(wrong), AllOf(HasSubstr("virtual:"), HasSubstr("tcp:HOST:PORT"),
                                       HasSubstr("unix:PATH"), HasSubstr("serial:PATH")))
         << wrong;

@@ -3,15 +3,23 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/file.h>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
+#include <system_error>
 
+#include "backends/posix/Holders.h"
+#include "tests/support/Eventually.h"
 #include "tests/support/PseudoTerminal.h"
+#include "tests/unit/posix/LineSpeed.h"
 
 namespace quordalvane::posix {
 namespace {
@@ -35,9 +43,9 @@ termios settingsOf(const Descriptor& line) {
   return settings;
 }
 
-std::string failure(const std::string& path, unsigned baud = defaultBaudRate) {
+std::string failure(const std::string& path, const SerialSettings& settings = {}) {
   try {
-    openSerial(path, baud);
+    openSerial(path, settings);
   } catch (const std::exception& error) {
     return error.what();
   }
@@ -57,27 +65,144 @@ TEST(Serial, OpensALineRawWithEightBitsNoParityAndOneStopBit) {
 
 TEST(Serial, SetsTheRateThatIsAskedForAndItsOwnOtherwise) {
   const Line line;
-  const termios usual = settingsOf(openSerial(line.path()));
-  EXPECT_EQ(::cfgetospeed(&usual), static_cast<speed_t>(B9600));
-  const termios fast = settingsOf(openSerial(line.path(), 115200));
-  EXPECT_EQ(::cfgetospeed(&fast), static_cast<speed_t>(B115200));
-  EXPECT_EQ(::cfgetispeed(&fast), static_cast<speed_t>(B115200));
+  EXPECT_EQ(speedOf(openSerial(line.path()).number()), 9600U);
+  EXPECT_EQ(speedOf(openSerial(line.path(), {.baud = 115200}).number()), 115200U);
 }
 
-TEST(Serial, OpensALineAtEveryRateThatItNames) {
+TEST(Serial, OpensALineAtAnySpeedNumberedOrNot) {
   const Line line;
-  const auto rates = baudRates();
-  EXPECT_TRUE(std::is_sorted(rates.begin(), rates.end()));
-  EXPECT_GE(rates.size(), 8U);
-  for (const unsigned rate : rates) {
-    EXPECT_EQ(failure(line.path(), rate), "it opened") << rate;
+  for (const unsigned baud : {1200U, 9601U, 74880U, 250000U, 921600U}) {
+    EXPECT_EQ(speedOf(openSerial(line.path(), {.baud = baud}).number()), baud);
   }
 }
 
-TEST(Serial, RefusesARateThatItDoesNotName) {
+TEST(Serial, SetsTheFlowControlThatIsAskedFor) {
   const Line line;
-  EXPECT_THAT(failure(line.path(), 9601), HasSubstr("9601"));
-  EXPECT_THAT(failure(line.path(), 0), HasSubstr("0"));
+  EXPECT_NE(settingsOf(openSerial(line.path(), {.flow = Flow::RtsCts})).c_cflag & CRTSCTS, 0U);
+  const termios soft = settingsOf(openSerial(line.path(), {.flow = Flow::XonXoff}));
+  EXPECT_NE(soft.c_iflag & IXON, 0U);
+  EXPECT_EQ(soft.c_iflag & IXOFF, 0U);
+  EXPECT_EQ(soft.c_cc[VSTART], 0x11);
+  EXPECT_EQ(soft.c_cc[VSTOP], 0x13);
+  EXPECT_EQ(settingsOf(openSerial(line.path())).c_cflag & CRTSCTS, 0U);
+}
+
+TEST(Serial, SetsTwoStopBits) {
+  const Line line;
+  EXPECT_NE(settingsOf(openSerial(line.path(), {.stop = 2})).c_cflag & CSTOPB, 0U);
+}
+
+TEST(Serial, APrinterThatStopsTheFlowLosesNothing) {
+  const auto terminal = test::openPseudoTerminal();
+  const Descriptor printer(terminal.master, Descriptor::Kind::Terminal);
+  const Descriptor line = openSerial(terminal.line, {.flow = Flow::XonXoff});
+  const std::uint8_t stop = 0x13;
+  const std::uint8_t go = 0x11;
+  const std::string job = "0123456789";
+  ASSERT_EQ(printer.send(&stop, 1), 1);
+  std::uint8_t heard = 0;
+  const auto send = [&](char c) {
+    const auto byte = static_cast<std::uint8_t>(c);
+    return line.send(&byte, 1);
+  };
+  ASSERT_TRUE(test::eventually([&] { return line.pollUntil(POLLOUT, SteadyTime{}) == 0; }));
+  EXPECT_EQ(send(job.front()), -1);
+  EXPECT_EQ(errno, EAGAIN);
+  EXPECT_EQ(line.receive(&heard, 1), -1) << "the stop itself is not for the reader";
+  ASSERT_EQ(printer.send(&go, 1), 1);
+  ASSERT_NE(line.pollUntil(POLLOUT, deadlineIn(10)), 0);
+  std::string printed;
+  for (const char c : job) {
+    ASSERT_EQ(send(c), 1);
+    ASSERT_EQ(printer.receiveUntil(&heard, 1, deadlineIn(10)), 1);
+    printed += static_cast<char>(heard);
+  }
+  EXPECT_EQ(printed, job);
+}
+
+TEST(Serial, ASecondUserIsRefusedAndToldSo) {
+  const Line line;
+  const Descriptor first = openSerial(line.path());
+  EXPECT_THAT(failure(line.path()), AllOf(HasSubstr(line.path()), HasSubstr("in use by")));
+  try {
+    openSerial(line.path());
+  } catch (const std::system_error& error) {
+    EXPECT_EQ(error.code(), std::errc::device_or_resource_busy);
+  }
+}
+
+TEST(Serial, ARefusedUserLeavesTheLineToTheFirst) {
+  const Line line;
+  const Descriptor first = openSerial(line.path());
+  failure(line.path());
+  int isExclusive = 0;
+  EXPECT_EQ(::ioctl(first.number(), TIOCGEXCL, &isExclusive), 0);
+  EXPECT_NE(isExclusive, 0);
+  EXPECT_THAT(failure(line.path()), HasSubstr("in use by"));
+}
+
+TEST(Serial, LockAndExclusiveModeAreGivenBackAtTheClose) {
+  const Line line;
+  { const Descriptor first = openSerial(line.path()); }
+  const Descriptor watcher(::open(line.path().c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC),
+                           Descriptor::Kind::Terminal);
+  int isExclusive = 1;
+  EXPECT_EQ(::ioctl(watcher.number(), TIOCGEXCL, &isExclusive), 0);
+  EXPECT_EQ(isExclusive, 0);
+  EXPECT_EQ(failure(line.path()), "it opened");
+}
+
+/// A process that holds the line, as another program would, until it is destroyed.
+class OtherProgram {
+ public:
+  explicit OtherProgram(const std::string& path) {
+    int ready[2];
+    EXPECT_EQ(::pipe2(ready, O_CLOEXEC), 0);
+    process_ = ::fork();
+    if (process_ == 0) {
+      const int line = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+      const bool isHeld = ::flock(line, LOCK_EX) == 0 && ::write(ready[1], "x", 1) == 1;
+      while (isHeld) {
+        ::pause();
+      }
+      ::_exit(1);
+    }
+    char byte = 0;
+    EXPECT_EQ(::read(ready[0], &byte, 1), 1);
+    ::close(ready[0]);
+    ::close(ready[1]);
+  }
+  ~OtherProgram() {
+    ::kill(process_, SIGKILL);
+    ::waitpid(process_, nullptr, 0);
+  }
+
+  pid_t process() const { return process_; }
+
+ private:
+  pid_t process_ = -1;
+};
+
+TEST(Serial, TheProgramThatUsesTheLineIsNamed) {
+  const Line line;
+  const OtherProgram other(line.path());
+  EXPECT_THAT(holdersOf(line.path()), testing::Contains(other.process()));
+  EXPECT_THAT(failure(line.path()),
+              AllOf(HasSubstr("in use by another program: unit_posix_test"),
+                    HasSubstr("(process " + std::to_string(other.process()) + ")")));
+}
+
+TEST(Serial, AnExclusiveModeThatAKilledProgramLeftIsNoObstacleForThoseWhoMayOpen) {
+  const Line line;
+  const int left = ::open(line.path().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+  ASSERT_EQ(::ioctl(left, TIOCEXCL), 0);
+  ::close(left);
+  const Descriptor again(::open(line.path().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC),
+                         Descriptor::Kind::Terminal);
+  if (again.number() < 0) {
+    GTEST_SKIP() << "the system keeps an ordinary user out, who cannot clear it";
+  }
+  EXPECT_EQ(failure(line.path()), "it opened");
 }
 
 TEST(Serial, ClosesOnExecAndDoesNotBlock) {

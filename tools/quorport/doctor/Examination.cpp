@@ -8,7 +8,7 @@
 
 #include "backends/DeviceSpec.h"
 #include "backends/Devices.h"
-#include "backends/posix/Serial.h"
+#include "backends/Schemes.h"
 #include "tools/quorport/HeardBytes.h"
 #include "tools/quorport/Hex.h"
 #include "tools/quorport/Printer.h"
@@ -66,17 +66,17 @@ class Examination {
   }
 
   Diagnosis run() {
-    for (const unsigned baud : speeds()) {
+    for (const SchemeVariant& variant : variants()) {
       for (const ZKEmulation emulation : emulations()) {
-        line_.show(diagnosis_.device + ": asking in " + nameOf(emulation).text +
-                   speedInWords(baud));
-        const Answer answer = ask(baud, emulation);
-        if (answer.notOpened && !isLinkLost_) {
+        line_.show(diagnosis_.device + ": asking in " + nameOf(emulation).text + inWords(variant));
+        const Answer answer = ask(variant.spec, emulation);
+        if (answer.notOpened && !isLinkLost_ && !wasOpened_) {
           diagnosis_.findings.push_back(*answer.notOpened);
           return diagnosis_;
         }
+        wasOpened_ = wasOpened_ || !answer.notOpened;
         if (answer.status) {
-          note(*answer.status, baud, emulation);
+          note(*answer.status, variant, emulation);
           return diagnosis_;
         }
         isLinkLost_ = isLinkLost_ || answer.isLinkLost;
@@ -88,18 +88,16 @@ class Examination {
   }
 
  private:
-  // The one that was given, and on a serial line all others.
-  std::vector<unsigned> speeds() const {
-    std::vector<unsigned> all = {spec_.baud};
-    if (spec_.scheme == "serial") {
-      const auto rates = posix::baudRates();
-      std::remove_copy(rates.begin(), rates.end(), std::back_inserter(all), spec_.baud);
+  // The device as it was given, and as it may be set otherwise.
+  std::vector<SchemeVariant> variants() const {
+    if (scheme_.variants != nullptr) {
+      return scheme_.variants(spec_);
     }
-    return all;
+    return {{.spec = spec_, .words = "", .keys = "", .cause = ""}};
   }
 
-  std::string speedInWords(unsigned baud) const {
-    return spec_.scheme == "serial" ? " at " + std::to_string(baud) + " baud" : "";
+  static std::string inWords(const SchemeVariant& variant) {
+    return variant.words.empty() ? "" : " " + variant.words;
   }
 
   std::array<ZKEmulation, 2> emulations() const {
@@ -108,9 +106,7 @@ class Examination {
                : std::array{ZKEmulationQuorLine, ZKEmulationESCPOS};
   }
 
-  Answer ask(unsigned baud, ZKEmulation emulation) {
-    DeviceSpec spec = spec_;
-    spec.baud = baud;
+  Answer ask(const DeviceSpec& spec, ZKEmulation emulation) {
     const auto platform = std::make_shared<InterruptiblePlatform>(surroundings_.interruption);
     const auto accessory = makeAccessory(spec, platform->clock());
     platform->attach(accessory);
@@ -122,7 +118,7 @@ class Examination {
       answer = answerOf(printer);
     } catch (const Failure& failure) {
       answer.isLinkLost = failure.code() == ExitCode::LinkLost;
-      if (failure.code() == ExitCode::NoAccessory) {
+      if (failure.code() == ExitCode::NoAccessory || !lastOpenError(*accessory).empty()) {
         answer.notOpened = whyNotOpened(spec, *accessory);
       }
     }
@@ -145,18 +141,18 @@ class Examination {
     return answer;
   }
 
-  void note(const QuorPrinterStatus_2& status, unsigned baud, ZKEmulation emulation) {
+  void note(const QuorPrinterStatus_2& status, const SchemeVariant& variant,
+            ZKEmulation emulation) {
     diagnosis_.status = status;
     diagnosis_.remarks = remarks(status);
     diagnosis_.remarks.insert(
         diagnosis_.remarks.begin(),
-        std::string("answers in ") + nameOf(emulation).text + speedInWords(baud));
-    if (baud != spec_.baud) {
-      const std::string given = std::to_string(spec_.baud);
-      const std::string found = std::to_string(baud);
+        std::string("answers in ") + nameOf(emulation).text + inWords(variant));
+    if (!variant.keys.empty()) {
       diagnosis_.findings.push_back(failedExchange(
-          "wrong-speed", "the printer talks at " + found + " baud, and was asked at " + given,
-          "write ,baud=" + found + " behind the path, or set the printer to " + given));
+          variant.cause,
+          "the printer talks " + variant.words + ", and was asked " + variants().front().words,
+          "write " + variant.keys + " after the path, or set the printer to the other values"));
     }
     if (emulation != options_.emulation && options_.emulation != ZKEmulationUnknown) {
       const EmulationName found = nameOf(emulation);
@@ -178,27 +174,23 @@ class Examination {
               "is none, switch the printer off and on"};
     }
     if (!bytes_.empty()) {
-      return failedExchange(
-          "not-understood", "it answers what no printer of this kind answers: " + hexOf(bytes_),
-          spec_.scheme == "serial" ? "set the printer to 8 data bits, no parity, 1 stop bit; check "
-                                     "that it is the printer's line"
-                                   : "check that it is the printer's address and port");
+      return failedExchange("not-understood",
+                            "it answers what no printer of this kind answers: " + hexOf(bytes_),
+                            std::string(scheme_.ifNotUnderstood));
     }
     return failedExchange("silent", "it can be opened, and nothing answers",
-                          spec_.scheme == "serial"
-                              ? "switch the printer on; check the cable at both ends"
-                              : "end the other program that may hold the printer, which serves one "
-                                "at a time; check that it is the printer's address; switch the "
-                                "printer off and on only if nobody prints on it");
+                          std::string(scheme_.ifSilent));
   }
 
   const DeviceSpec spec_;
+  const Scheme& scheme_ = *findScheme(spec_.scheme);
   Options options_;
   const Surroundings& surroundings_;
   LiveLine& line_;
   Diagnosis diagnosis_;
   bool isLinkLost_ = false;
-  ByteBuffer bytes_;  // that came instead of a status
+  bool wasOpened_ = false;  // a line may refuse some settings
+  ByteBuffer bytes_;        // that came instead of a status
 };
 
 }  // namespace

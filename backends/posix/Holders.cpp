@@ -1,0 +1,105 @@
+#include "backends/posix/Holders.h"
+
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
+
+#include <charconv>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <set>
+#include <sstream>
+
+namespace quordalvane::posix {
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path processes = "/proc";
+
+std::optional<pid_t> processNumber(const std::string& name) {
+  pid_t number = 0;
+  const char* const end = name.data() + name.size();
+  const auto [stop, error] = std::from_chars(name.data(), end, number);
+  return error == std::errc() && stop == end ? std::optional(number) : std::nullopt;
+}
+
+bool isSameFile(const struct stat& one, const struct stat& other) {
+  return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
+bool hasOpen(const fs::path& process, const struct stat& file) {
+  std::error_code error;
+  for (fs::directory_iterator entry(process / "fd", error), end; !error && entry != end;
+       entry.increment(error)) {
+    struct stat opened {};
+    if (::stat(entry->path().c_str(), &opened) == 0 && isSameFile(opened, file)) {
+      return true;
+    }
+  }
+  return false;
+}
+
+void addThoseThatHaveItOpen(const struct stat& file, std::set<pid_t>& found) {
+  std::error_code error;
+  for (fs::directory_iterator entry(processes, error), end; !error && entry != end;
+       entry.increment(error)) {
+    const auto process = processNumber(entry->path().filename().string());
+    if (process && hasOpen(entry->path(), file)) {
+      found.insert(*process);
+    }
+  }
+}
+
+// A line is "1: FLOCK ADVISORY WRITE 412 00:05:337 0 EOF", with the device in hex.
+void addThoseThatLockedIt(const struct stat& file, std::set<pid_t>& found) {
+  std::ifstream locks(processes / "locks");
+  std::ostringstream device;
+  device << std::hex;
+  device.width(2);
+  device.fill('0');
+  device << major(file.st_dev) << ':';
+  device.width(2);
+  device << minor(file.st_dev) << ':' << std::dec << file.st_ino;
+  for (std::string line; std::getline(locks, line);) {
+    std::istringstream words(line);
+    std::string number, kind, mode, access, process, inode;
+    if (words >> number >> kind >> mode >> access >> process >> inode && inode == device.str()) {
+      if (const auto holder = processNumber(process)) {
+        found.insert(*holder);
+      }
+    }
+  }
+}
+
+std::string nameOf(pid_t process) {
+  std::ifstream file(processes / std::to_string(process) / "comm");
+  std::string name;
+  std::getline(file, name);
+  return name.empty() ? "a program" : name;
+}
+
+}  // namespace
+
+std::vector<pid_t> holdersOf(const std::string& path) {
+  struct stat file {};
+  std::set<pid_t> found;
+  if (::stat(path.c_str(), &file) == 0) {
+    addThoseThatHaveItOpen(file, found);
+    addThoseThatLockedIt(file, found);
+  }
+  found.erase(::getpid());
+  return {found.begin(), found.end()};
+}
+
+std::string holderInWords(const std::string& path) {
+  std::string text;
+  for (const pid_t process : holdersOf(path)) {
+    text += (text.empty() ? ": " : ", ") + nameOf(process) + " (process " +
+            std::to_string(process) + ")";
+  }
+  return "another program" + text;
+}
+
+}  // namespace quordalvane::posix

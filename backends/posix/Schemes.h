@@ -1,0 +1,11 @@
+#pragma once
+
+#include "backends/Scheme.h"
+
+namespace quordalvane::posix {
+
+extern const Scheme tcpScheme;     ///< a printer on the network
+extern const Scheme unixScheme;    ///< a local socket
+extern const Scheme serialScheme;  ///< a serial line
+
+}  // namespace quordalvane::posix

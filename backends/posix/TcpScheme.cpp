@@ -1,0 +1,73 @@
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+#include "backends/HostAndPort.h"
+#include "backends/posix/Connect.h"
+#include "backends/posix/LinkAccessory.h"
+#include "backends/posix/Resolve.h"
+#include "backends/posix/Schemes.h"
+
+namespace quordalvane::posix {
+namespace {
+
+// Most printers on a network listen there.
+constexpr std::string_view usualPort = ":9100";
+
+constexpr std::string_view noListener =
+    "switch the printer on and check the port, which is 9100 for most printers; another device may "
+    "have the address";
+constexpr std::string_view noRoute =
+    "check the address, the cable and the printer's power; ping the address";
+
+constexpr OpenCause causes[] = {
+    {ECONNREFUSED, "nothing-listens", "nothing listens there", noListener},
+    {ETIMEDOUT, "unreachable", "nobody answers at the address", noRoute},
+    {EHOSTUNREACH, "unreachable", "nobody answers at the address", noRoute},
+    {ENETUNREACH, "unreachable", "there is no route to the address", noRoute},
+    {OpenCause::anyCode, "not-resolved", "the host name cannot be resolved",
+     "check its spelling; give the address in figures, as the printer's self-test prints it",
+     resolverCategory},
+};
+
+void checkPlace(const std::string& place) {
+  parseHostAndPort(place);
+}
+
+// A host alone: a name or an address in figures, with nothing that would make it a path or a key.
+std::optional<std::string> placeMeantBy(std::string_view text) {
+  const bool isBracketed = text.starts_with('[') && text.ends_with(']');
+  const bool isHost = std::all_of(text.begin(), text.end(), [](char c) {
+    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '.' ||
+           c == '-' || c == '_';
+  });
+  return !text.empty() && (isBracketed || isHost)
+             ? std::optional(std::string(text) + std::string(usualPort))
+             : std::nullopt;
+}
+
+std::shared_ptr<EAAccessory> make(const DeviceSpec& spec, AccessoryIdentity identity,
+                                  Clock& /*clock*/) {
+  return std::make_shared<LinkAccessory>(std::move(identity), [at = parseHostAndPort(spec.place)] {
+    return connectTcp(at.host, at.port);
+  });
+}
+
+}  // namespace
+
+constinit const Scheme tcpScheme = {
+    .name = "tcp",
+    .place = "HOST:PORT",
+    .about = "a printer on the network",
+    .checkPlace = checkPlace,
+    .make = make,
+    .ifSilent =
+        "end the other program that may hold the printer, which serves one at a time; check "
+        "that it is the printer's address; switch the printer off and on only if nobody "
+        "prints on it",
+    .ifNotUnderstood = "check that it is the printer's address and port",
+    .causes = causes,
+    .placeMeantBy = placeMeantBy,
+};
+
+}  // namespace quordalvane::posix

@@ -1,0 +1,51 @@
+#include <cerrno>
+#include <utility>
+
+#include "backends/SpecText.h"
+#include "backends/posix/Connect.h"
+#include "backends/posix/LinkAccessory.h"
+#include "backends/posix/Schemes.h"
+
+namespace quordalvane::posix {
+namespace {
+
+constexpr std::size_t longestPath = 107;  // what a socket's address holds
+
+constexpr std::string_view noServer = "start the program that serves the socket";
+
+constexpr OpenCause causes[] = {
+    {ECONNREFUSED, "nothing-listens", "nothing listens at the socket", noServer},
+    {ENOENT, "no-such-path", "there is no such socket", noServer},
+};
+
+void checkPlace(const std::string& place) {
+  spec::checkPath(place, longestPath);
+}
+
+std::string fileOf(const DeviceSpec& spec) {
+  return spec.place;
+}
+
+std::shared_ptr<EAAccessory> make(const DeviceSpec& spec, AccessoryIdentity identity,
+                                  Clock& /*clock*/) {
+  return std::make_shared<LinkAccessory>(std::move(identity),
+                                         [path = spec.place] { return connectUnix(path); });
+}
+
+}  // namespace
+
+constinit const Scheme unixScheme = {
+    .name = "unix",
+    .place = "PATH",
+    .about = "a local socket",
+    .checkPlace = checkPlace,
+    .make = make,
+    .ifSilent =
+        "end the other program that may hold the printer, which serves one at a time; check "
+        "that it is the printer's socket",
+    .ifNotUnderstood = "check that it is the printer's socket",
+    .causes = causes,
+    .fileOf = fileOf,
+};
+
+}  // namespace quordalvane::posix

@@ -1,0 +1,31 @@
+#include "backends/virtual/VirtualScheme.h"
+
+#include <utility>
+
+#include "backends/virtual/VirtualAccessory.h"
+
+namespace quordalvane::virtuals {
+namespace {
+
+void takeAnyPlace(const std::string& /*place*/) {}
+
+std::shared_ptr<EAAccessory> make(const DeviceSpec& spec, AccessoryIdentity identity,
+                                  Clock& clock) {
+  return makePrinterAccessory(std::move(identity), spec.options, clock);
+}
+
+}  // namespace
+
+constinit const Scheme virtualScheme = {
+    .name = "virtual",
+    .place = "",
+    .about = "the printer that is built in",
+    .checkPlace = takeAnyPlace,
+    .make = make,
+    .ifSilent = "take its faults out of the device's text",
+    .ifNotUnderstood = "take its faults out of the device's text",
+    .moreKeys = "the printer's state and faults",
+    .nameWithoutPlace = "virtual printer",
+};
+
+}  // namespace quordalvane::virtuals

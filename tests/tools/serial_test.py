@@ -1,0 +1,31 @@
+"""Two programs and one serial line, behind which the virtual printer is."""
+
+from harness import Case, eventually, main, run, start
+
+
+class SerialLine(Case):
+    def slow_printer(self):
+        return self.simulator("pty:", "--set", "speed=2000")
+
+    def test_a_second_program_is_refused_before_anything_is_sent(self):
+        printer = self.slow_printer()
+        long = self.file("long", b"".join(b"line %03d of the first\n" % i for i in range(200)))
+        short = self.file("short", b"the second\n")
+        first = start("-d", printer.place, "print", long, "--json")
+        eventually(lambda: printer.state()["printedBytes"] > 100, "the first job prints")
+        second = run("-d", printer.place, "print", short, "--json")
+        self.assertExit(4, second)
+        answer = second.json()
+        self.assertEqual(answer["outcome"], "refused")
+        self.assertEqual(answer["bytesAccepted"], 0)
+        self.assertIn(f"in use by another program: quorport (process {first.pid})", answer["error"])
+        self.assertEqual(first.wait(60), 0)
+
+    def test_the_line_is_given_back_with_the_end_of_the_command(self):
+        printer = self.simulator("pty:")
+        for _ in range(3):
+            self.assertExit(0, run("-d", printer.place, "online"))
+
+
+if __name__ == "__main__":
+    main()

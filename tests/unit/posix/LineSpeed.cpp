@@ -1,0 +1,14 @@
+#include "tests/unit/posix/LineSpeed.h"
+
+// In a source of its own: it excludes the usual header for terminals.
+#include <asm/termbits.h>
+#include <sys/ioctl.h>
+
+namespace quordalvane::posix {
+
+unsigned speedOf(int descriptor) {
+  termios2 settings{};
+  return ::ioctl(descriptor, TCGETS2, &settings) == 0 ? settings.c_ospeed : 0;
+}
+
+}  // namespace quordalvane::posix
