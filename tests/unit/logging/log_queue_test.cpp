@@ -151,6 +151,42 @@ TEST_F(LogQueueTest, IsFullWhenItsMessagesHoldTooMuchTextHoweverFewTheyAre) {
   EXPECT_EQ(queue_.counts().dropped, 1U);
 }
 
+TEST_F(LogQueueTest, HoldsMoreFromTheMomentThatItsCapacityGrows) {
+  queue_.setCapacity(1);
+  queue_.open();
+  push("a");
+  queue_.setCapacity(3);
+  push("b");
+  push("c");
+  EXPECT_EQ(queue_.counts().dropped, 0U);
+  EXPECT_THAT(messages(take()), ElementsAre("a", "b", "c"));
+}
+
+TEST_F(LogQueueTest, CountsWhatIsLostAsFinishedAndAsDropped) {
+  queue_.open();
+  push("a");
+  take();
+  queue_.lose(1);
+  EXPECT_TRUE(queue_.waitUntilFinished(0ms));
+  EXPECT_EQ(queue_.counts().dropped, 1U);
+}
+
+TEST_F(LogQueueTest, WakesWhoWaitsUntilItIsFinishedWhetherARecordIsGivenOutOrLost) {
+  queue_.open();
+  for (const bool isLost : {false, true}) {
+    push("a");
+    take();
+    test::SleepingThread waiting([&] {
+      const auto start = std::chrono::steady_clock::now();
+      EXPECT_TRUE(queue_.waitUntilFinished(1h));
+      EXPECT_LT(std::chrono::steady_clock::now() - start, 30s);
+    });
+    waiting.awaitSleep();
+    isLost ? queue_.lose(1) : queue_.finish(1);
+    waiting.join();
+  }
+}
+
 TEST_F(LogQueueTest, IsFinishedWhenAllThatWasQueuedIsFinished) {
   queue_.open();
   EXPECT_TRUE(queue_.waitUntilFinished(0ms));

@@ -8,6 +8,7 @@
 #include <csignal>
 #include <filesystem>
 #include <limits>
+#include <ranges>
 
 #include "tests/unit/logging/LogFixtures.h"
 
@@ -134,6 +135,27 @@ TEST_F(RotatingFileTest, IsNotInheritedByExecutedPrograms) {
   ::close(next);
   const RotatingFile file(path_, {});
   EXPECT_EQ(::fcntl(next, F_GETFD), FD_CLOEXEC);
+}
+
+std::ptrdiff_t openDescriptors() {
+  return std::ranges::distance(std::filesystem::directory_iterator("/proc/self/fd"));
+}
+
+TEST_F(RotatingFileTest, HoldsOneDescriptorHoweverOftenItRotatesAndNoneAfterItsEnd) {
+  const auto before = openDescriptors();
+  {
+    RotatingFile file(path_, {.maximumBytes = 4, .keptFiles = 1});
+    put(file, {"aaa\n", "bbb\n", "ccc\n"});
+    EXPECT_EQ(openDescriptors(), before + 1);
+  }
+  EXPECT_EQ(openDescriptors(), before);
+}
+
+TEST_F(RotatingFileTest, RotatesAtEachLineWhenTheMaximumIsOneByte) {
+  RotatingFile file(path_, {.maximumBytes = 1, .keptFiles = 5});
+  put(file, {"aaa\n", "bbb\n"});
+  EXPECT_EQ(contents(".1"), "aaa\n");
+  EXPECT_EQ(contents(), "bbb\n");
 }
 
 TEST_F(RotatingFileTest, MakesAFileAnewThatWasMovedAway) {

@@ -188,6 +188,37 @@ TEST_F(LinkTest, AWaiterThatTurnsInALoopSeesEachByteAtOnceThoughNobodyWasAsked) 
   EXPECT_TRUE(input->hasBytesAvailable());
 }
 
+TEST_F(LinkTest, AReadTakesWhatIsThereThoughNobodyAskedWhetherThereIsAnything) {
+  deviceWrites(1);
+  EXPECT_EQ(input->read(&byte, 1), 1);
+  EXPECT_EQ(byte, 'd');
+}
+
+TEST_F(LinkTest, ALossIsSeenByTheFirstWhoAsksThoughNobodyReads) {
+  ASSERT_EQ(::shutdown(device(), SHUT_WR), 0);
+  EXPECT_FALSE(accessory.isConnected());
+}
+
+TEST_F(LinkTest, AWriteErrorLeavesNothingOfWhatWasKnownOfTheInput) {
+  EXPECT_FALSE(input->hasBytesAvailable());
+  deviceWrites(3);
+  ASSERT_EQ(::shutdown(device(), SHUT_RD), 0);
+  EXPECT_EQ(ask(), -1);
+  EXPECT_TRUE(input->hasBytesAvailable());
+}
+
+TEST_F(LinkTest, AnAccessoryAnswersWhileTheEndOfItsSessionWaits) {
+  while (ask() == 1) {
+  }
+  SleepingThread ending([this] { session.reset(); });
+  ending.awaitSleep();
+  const Stopwatch watch;
+  accessory.isConnected();
+  EXPECT_FALSE(input->hasBytesAvailable());
+  EXPECT_LT(watch.seconds(), 1);  // the end waits for two
+  ending.join();
+}
+
 TEST(LinkAccessory, RefusesAProtocolThatItDoesNotAnnounceWithoutConnecting) {
   bool connected = false;
   LinkAccessory accessory(AccessoryIdentity{}, [&]() -> Descriptor {

@@ -1,0 +1,187 @@
+#include "backends/posix/Descriptor.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "backends/posix/Connect.h"
+#include "tests/support/Listener.h"
+#include "tests/support/PseudoTerminal.h"
+#include "tests/unit/posix/SignalStorm.h"
+#include "tests/unit/posix/Stopwatch.h"
+
+namespace quordalvane::posix {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr double atOnce = 20;  // seconds; a wait that does not end lasts an hour
+
+SteadyTime inAnHour() {
+  return SteadyClock::now() + 1h;
+}
+
+/// Both ends of a connection over the loopback.
+class TcpDescriptor : public testing::Test {
+ protected:
+  ~TcpDescriptor() override {
+    if (device_ >= 0) {
+      ::close(device_);
+    }
+  }
+
+  void deviceWrites(const char* text, std::size_t size) const {
+    ASSERT_EQ(::write(device_, text, size), static_cast<ssize_t>(size));
+  }
+
+  /// The rude end of a connection: the other side is sent a reset.
+  void deviceResets() {
+    const linger none{.l_onoff = 1, .l_linger = 0};
+    ASSERT_EQ(::setsockopt(device_, SOL_SOCKET, SO_LINGER, &none, sizeof none), 0);
+    ::close(std::exchange(device_, -1));
+  }
+
+  std::ptrdiff_t receiveUntil(SteadyTime deadline) {
+    return socket_.receiveUntil(buffer_, sizeof buffer_, deadline);
+  }
+
+  const test::Listener listener_ = test::Listener::onLoopback(1);
+  const Descriptor socket_ = connectTcp("127.0.0.1", listener_.port());
+  int device_ = listener_.accept();
+  std::uint8_t buffer_[16] = {};
+};
+
+TEST_F(TcpDescriptor, ReceivesWhatIsThereAndSaysWhenNothingIs) {
+  EXPECT_EQ(socket_.receive(buffer_, sizeof buffer_), -1);
+  EXPECT_EQ(errno, EAGAIN);
+  deviceWrites("abc", 3);
+  EXPECT_EQ(receiveUntil(inAnHour()), 3);
+}
+
+TEST_F(TcpDescriptor, AWaitEndsAtItsDeadlineAndSaysThatNothingIsThere) {
+  for (const auto length : {0ms, 10ms, 120ms}) {
+    const Stopwatch watch;
+    EXPECT_EQ(receiveUntil(SteadyClock::now() + length), -1);
+    EXPECT_EQ(errno, EAGAIN);
+    EXPECT_GE(watch.seconds(), std::chrono::duration<double>(length).count());
+    EXPECT_LT(watch.seconds(), atOnce);
+  }
+}
+
+TEST_F(TcpDescriptor, AShortWaitIsNotProlongedToATickOfTheSystem) {
+  double shortest = atOnce;
+  for (int i = 0; i < 20; ++i) {
+    const Stopwatch watch;
+    receiveUntil(SteadyClock::now() + 2ms);
+    shortest = std::min(shortest, watch.seconds());
+  }
+  EXPECT_LT(shortest, 0.025);  // the wait of a socket by itself takes thirty
+}
+
+TEST_F(TcpDescriptor, ASignalEndsNoWait) {
+  const SignalStorm storm;
+  const Stopwatch watch;
+  EXPECT_EQ(receiveUntil(SteadyClock::now() + 100ms), -1);
+  EXPECT_EQ(errno, EAGAIN);
+  EXPECT_GE(watch.seconds(), 0.1);
+  EXPECT_GT(storm.strikes(), 0);
+}
+
+TEST_F(TcpDescriptor, TheEndOfTheStreamEndsAWait) {
+  ::close(std::exchange(device_, -1));
+  const Stopwatch watch;
+  EXPECT_EQ(receiveUntil(inAnHour()), 0);
+  EXPECT_LT(watch.seconds(), atOnce);
+}
+
+TEST_F(TcpDescriptor, AResetEndsAWaitAndIsReportedAsOne) {
+  deviceResets();
+  const Stopwatch watch;
+  EXPECT_EQ(receiveUntil(inAnHour()), -1);
+  EXPECT_EQ(errno, ECONNRESET);
+  EXPECT_LT(watch.seconds(), atOnce);
+}
+
+TEST_F(TcpDescriptor, PollingReturnsTheEventsThatAreThereAndNoOthers) {
+  EXPECT_EQ(socket_.pollUntil(POLLIN, SteadyTime{}), 0);
+  EXPECT_EQ(socket_.pollUntil(POLLOUT, inAnHour()), POLLOUT);
+  deviceWrites("a", 1);
+  EXPECT_EQ(socket_.pollUntil(POLLIN, inAnHour()), POLLIN);
+}
+
+TEST_F(TcpDescriptor, TheEndOfTheOutputIsTheEndOfTheStreamForTheDeviceAlone) {
+  socket_.endOutput();
+  char byte = 0;
+  EXPECT_EQ(::read(device_, &byte, 1), 0);
+  deviceWrites("still", 5);
+  EXPECT_EQ(receiveUntil(inAnHour()), 5);
+}
+
+TEST_F(TcpDescriptor, AShutdownEndsBothDirections) {
+  socket_.shutdown();
+  EXPECT_EQ(receiveUntil(inAnHour()), 0);
+  const std::uint8_t byte = 'x';
+  EXPECT_EQ(socket_.send(&byte, 1), -1);
+  EXPECT_EQ(errno, EPIPE);
+}
+
+TEST_F(TcpDescriptor, ASideThatAcknowledgesIsNotSilent) {
+  const std::uint8_t byte = 'x';
+  ASSERT_EQ(socket_.send(&byte, 1), 1);
+  EXPECT_EQ(socket_.silence(), 0ms);
+}
+
+TEST(LocalDescriptor, HasBytesUnderWayUntilTheDeviceHasReadThem) {
+  int ends[2] = {-1, -1};
+  ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends), 0);
+  const Descriptor link(ends[0], Descriptor::Kind::Socket);
+  const Descriptor device(ends[1], Descriptor::Kind::Socket);
+  EXPECT_FALSE(link.hasUnderWay());
+  std::uint8_t byte = 'x';
+  ASSERT_EQ(link.send(&byte, 1), 1);
+  EXPECT_TRUE(link.hasUnderWay());
+  EXPECT_EQ(device.receive(&byte, 1), 1);
+  EXPECT_FALSE(link.hasUnderWay());
+}
+
+TEST(LocalDescriptor, KnowsNothingOfSilence) {
+  int ends[2] = {-1, -1};
+  ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends), 0);
+  const Descriptor link(ends[0], Descriptor::Kind::Socket);
+  const Descriptor device(ends[1], Descriptor::Kind::Socket);
+  EXPECT_EQ(link.silence(), 0ms);
+}
+
+TEST(TerminalDescriptor, HasNothingUnderWayThatItKnowsOf) {
+  const auto [master, line] = test::openPseudoTerminal();
+  const Descriptor device(master, Descriptor::Kind::Terminal);
+  const Descriptor link(::open(line.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC),
+                        Descriptor::Kind::Terminal);
+  const std::uint8_t byte = 'x';
+  ASSERT_EQ(link.send(&byte, 1), 1);
+  EXPECT_FALSE(link.hasUnderWay());
+}
+
+TEST(Descriptor, IsClosedAtTheEndOfTheOneThatTookItOver) {
+  int number = -1;
+  {
+    int ends[2] = {-1, -1};
+    ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
+    ::close(ends[1]);
+    number = ends[0];
+    Descriptor first(number, Descriptor::Kind::Terminal);
+    const Descriptor second(std::move(first));
+    EXPECT_EQ(first.number(), -1);  // NOLINT(bugprone-use-after-move): it says that it has none
+    EXPECT_EQ(second.number(), number);
+    EXPECT_GE(::fcntl(number, F_GETFD), 0);
+  }
+  EXPECT_EQ(::fcntl(number, F_GETFD), -1);
+}
+
+}  // namespace
+}  // namespace quordalvane::posix
