@@ -190,17 +190,31 @@ static void TheAccessorysTextsCanBeSet(void) {
   done(port);
 }
 
-const Sentence informationSentences[] = {SENTENCE(TheFirmwareIsNoneUntilItWasRetrieved),
-                                         SENTENCE(ABufferThatIsTooSmallIsLeftAloneAndTheLengthTold),
-                                         SENTENCE(APrinterOffLineDoesNotTellItsFirmware),
-                                         SENTENCE(DipSwitchBanksGather),
-                                         SENTENCE(OneDipSwitchBankIsAnsweredAndNotKept),
-                                         SENTENCE(TheButtonSecurityTimeoutHoldsTheCreationTimeout),
-                                         SENTENCE(WhatASilentPrinterDoesNotTellIsAFailure),
-                                         SENTENCE(TheBluetoothModuleAnswersAndDropsTheLink),
-                                         SENTENCE(TheModulesAddressIsReadByItsTitle),
-                                         SENTENCE(PropertiesAreWhatTheyWereSetTo),
-                                         SENTENCE(TheSettingsStringSetsTheDataTimeout),
-                                         SENTENCE(TheAccessorysTextsAreThereWhileThePortIsOpen),
-                                         SENTENCE(TheAccessorysTextsCanBeSet),
-                                         {NULL, NULL}};
+static void AnAnswerThatHasNoPlaceIsAUsageErrorAndThePrinterIsNotAsked(void) {
+  QuorPort* port = openPortTo("virtual:,dip1=8000", QUOR_EMULATION_LINE);
+  uint32_t milliseconds = 0;
+  EXPECT_FAILURE(quor_port_result71(port, NULL), QUOR_USAGE, "result");
+  EXPECT_FAILURE(quor_port_retrieve_dip_switch_bank(port, 1, NULL), QUOR_USAGE, "settings");
+  EXPECT_FAILURE(quor_port_retrieve_button_security_timeout(port, NULL), QUOR_USAGE, "time-out");
+  /* An answer to one of them would be taken for the next one's. */
+  EXPECT(quor_port_retrieve_button_security_timeout(port, &milliseconds) == QUOR_OK);
+  EXPECT(milliseconds == 5000 + 3000);
+  done(port);
+}
+
+const Sentence informationSentences[] = {
+    SENTENCE(TheFirmwareIsNoneUntilItWasRetrieved),
+    SENTENCE(ABufferThatIsTooSmallIsLeftAloneAndTheLengthTold),
+    SENTENCE(APrinterOffLineDoesNotTellItsFirmware),
+    SENTENCE(DipSwitchBanksGather),
+    SENTENCE(OneDipSwitchBankIsAnsweredAndNotKept),
+    SENTENCE(TheButtonSecurityTimeoutHoldsTheCreationTimeout),
+    SENTENCE(WhatASilentPrinterDoesNotTellIsAFailure),
+    SENTENCE(TheBluetoothModuleAnswersAndDropsTheLink),
+    SENTENCE(TheModulesAddressIsReadByItsTitle),
+    SENTENCE(PropertiesAreWhatTheyWereSetTo),
+    SENTENCE(TheSettingsStringSetsTheDataTimeout),
+    SENTENCE(TheAccessorysTextsAreThereWhileThePortIsOpen),
+    SENTENCE(TheAccessorysTextsCanBeSet),
+    SENTENCE(AnAnswerThatHasNoPlaceIsAUsageErrorAndThePrinterIsNotAsked),
+    {NULL, NULL}};

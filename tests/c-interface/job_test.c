@@ -172,6 +172,38 @@ static void AJobKeepsItsPortWhenTheHandleIsFreed(void) {
   quor_print_job_free(job);
 }
 
+static int32_t countWrite(void* context, size_t count) {
+  unsigned* calls = context;
+  (void)count;
+  return (int32_t)++ * calls;
+}
+
+static int32_t countRead(void* context, const uint8_t* bytes, size_t count) {
+  (void)bytes;
+  return countWrite(context, count);
+}
+
+static void AFreedPortsObserverIsNotCalledByTheJobThatKeepsThePort(void) {
+  QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
+  QuorPrintJob* job = jobOn(port);
+  unsigned calls = 0;
+  EXPECT(quor_port_set_transfer_observer(port, countWrite, countRead, &calls) == QUOR_OK);
+  quor_port_free(port);
+  EXPECT(quor_print_job_run(job, receipt, receiptSize) == QUOR_OK);
+  EXPECT(calls == 0);
+  quor_print_job_free(job);
+}
+
+static void AJobsStatusNeedsAPlace(void) {
+  QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
+  QuorPrintJob* job = jobOn(port);
+  EXPECT_FAILURE(quor_print_job_status(job, NULL), QUOR_USAGE, "status");
+  EXPECT(quor_print_job_run(job, receipt, receiptSize) == QUOR_OK);
+  EXPECT_FAILURE(quor_print_job_status(job, NULL), QUOR_USAGE, "status");
+  quor_print_job_free(job);
+  done(port);
+}
+
 static void AJobNeedsAPortAndItsData(void) {
   QuorPrintJob* job = NULL;
   EXPECT_FAILURE(quor_print_job_create(NULL, 1, NULL, NULL, &job), QUOR_USAGE, "port");
@@ -196,5 +228,7 @@ const Sentence jobSentences[] = {SENTENCE(AJobThatCameOutIsPrinted),
                                  SENTENCE(AJobIsCancelledFromAnotherThread),
                                  SENTENCE(AJobThatIsCancelledBeforeItBeganSendsNothing),
                                  SENTENCE(AJobKeepsItsPortWhenTheHandleIsFreed),
+                                 SENTENCE(AFreedPortsObserverIsNotCalledByTheJobThatKeepsThePort),
+                                 SENTENCE(AJobsStatusNeedsAPlace),
                                  SENTENCE(AJobNeedsAPortAndItsData),
                                  {NULL, NULL}};

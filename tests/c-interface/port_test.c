@@ -97,6 +97,14 @@ static void NullIsAnsweredAndNotFollowed(void) {
   EXPECT_FAILURE(quor_port_write(port, "a", 1, NULL), QUOR_USAGE, "count must not be null");
   EXPECT_FAILURE(quor_port_get_parsed_status(port, NULL, 0), QUOR_USAGE, "status");
   EXPECT_FAILURE(quor_port_get_online_status(port, NULL), QUOR_USAGE, "answer");
+  QuorPrinterStatus_2 status = {0};
+  int64_t code = 7;
+  EXPECT_FAILURE(quor_port_begin_checked_block(port, &status, 0, NULL), QUOR_USAGE, "result code");
+  EXPECT_FAILURE(quor_port_begin_checked_block(port, NULL, 0, &code), QUOR_USAGE, "status");
+  EXPECT(code == QUOR_RESULT_FAILED);
+  EXPECT_FAILURE(quor_port_end_checked_block(port, NULL, 0), QUOR_USAGE, "status");
+  EXPECT_FAILURE(quor_port_start_data_cancel(NULL), QUOR_USAGE, "port");
+  EXPECT_FAILURE(quor_port_set_transfer_observer(NULL, NULL, NULL, NULL), QUOR_USAGE, "port");
   done(port);
 }
 

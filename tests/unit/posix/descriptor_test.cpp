@@ -99,6 +99,13 @@ TEST_F(TcpDescriptor, TheEndOfTheStreamEndsAWait) {
   EXPECT_LT(watch.seconds(), atOnce);
 }
 
+TEST_F(TcpDescriptor, TheEndOfTheStreamIsNoInterruptionWhateverTheLastErrorWas) {
+  ::close(std::exchange(device_, -1));
+  ASSERT_EQ(receiveUntil(inAnHour()), 0);
+  errno = EINTR;
+  EXPECT_EQ(socket_.receive(buffer_, sizeof buffer_), 0);
+}
+
 TEST_F(TcpDescriptor, AResetEndsAWaitAndIsReportedAsOne) {
   deviceResets();
   const Stopwatch watch;
