@@ -108,6 +108,15 @@ static void NullIsAnsweredAndNotFollowed(void) {
   done(port);
 }
 
+static void MoreBytesThanCanBeCountedAreNotEvenLookedAt(void) {
+  QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
+  size_t count = 99;
+  EXPECT_FAILURE(quor_port_write(port, "a", (size_t)INT32_MAX + 1, &count), QUOR_USAGE, "counted");
+  EXPECT_FAILURE(quor_port_write_with_retry(port, "a", SIZE_MAX, &count), QUOR_USAGE, "counted");
+  EXPECT(count == 0);
+  done(port);
+}
+
 static size_t readWhole(QuorPort* port, uint8_t* bytes, size_t wanted) {
   size_t gathered = 0;
   for (int attempt = 0; attempt < 20 && gathered < wanted; ++attempt) {
@@ -282,6 +291,7 @@ const Sentence portSentences[] = {SENTENCE(APortNeedsDevices),
                                   SENTENCE(TheReasonIsThatOfThePrinterThatThePortNameChooses),
                                   SENTENCE(APortNameThatIsTooShortIsToldAsThat),
                                   SENTENCE(NullIsAnsweredAndNotFollowed),
+                                  SENTENCE(MoreBytesThanCanBeCountedAreNotEvenLookedAt),
                                   SENTENCE(BytesGoOutAndComeBack),
                                   SENTENCE(ALostLinkFailsWithoutACount),
                                   SENTENCE(TheStatusSaysWhatIsWrong),

@@ -3,6 +3,7 @@
 An area's programs are run in order, the quickest first, and their cases are few: each mutant runs them all.
 """
 
+import re
 from dataclasses import dataclass
 from pathlib import Path
 
@@ -46,6 +47,12 @@ AREAS = (
          ("tests/unit/simulator",), ("unit_simulator_tests",)),
 )
 NAMES = tuple(area.name for area in AREAS)
+
+
+def sentences(root: Path) -> list[str]:
+    """The tests in C, each of which runs in a process of its own."""
+    return [name for source in sorted((root / "tests/c-interface").glob("*.c"))
+            for name in re.findall(r"^static void ([A-Z][A-Za-z]*)\(void\)", source.read_text(), re.M)]
 
 
 def area(name: str) -> Area:

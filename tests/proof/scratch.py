@@ -7,7 +7,7 @@ import subprocess
 from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
-from areas import Area
+from areas import Area, sentences
 
 ROOT = Path(__file__).resolve().parents[2]
 FOLDER = ROOT / "build-scratch"
@@ -91,9 +91,8 @@ def ended(program: Path, environment: dict[str, str], *arguments: str) -> str | 
 
 
 def run_sentences(program: str, _waits: bool) -> str | None:
-    """The tests in C, each in a process of its own."""
-    names = [name for source in sorted((TREE / "tests/c-interface").glob("*.c"))
-             for name in re.findall(r"^static void ([A-Z][A-Za-z]*)\(void\)", source.read_text(), re.M)]
+    """The tests in C."""
+    names = sentences(TREE)
     with ThreadPoolExecutor(SHARDS) as pool:
         answers = pool.map(lambda name: ended(BUILD / "bin" / program, {}, name) and name, names)
         return next(filter(None, answers), None)
