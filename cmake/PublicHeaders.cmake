@@ -16,9 +16,10 @@ set(QUOR_PUBLIC_HEADERS
   iphone-IOPort/ZKQuorIOResultCode.h
   iphone-IOPort/enum.h
   iphone-IOPort/exceptions/PortException.h
-  job/BlockReport.h
-  job/OwedAnswers.h
+  job/ByteView.h
   job/PrintJob.h
+  job/PrintResult.h
+  job/PrinterInquiry.h
   logging/CallbackSink.h
   logging/JsonFileSink.h
   logging/LogDelivery.h

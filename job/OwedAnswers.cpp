@@ -1,6 +1,7 @@
 #include "job/OwedAnswers.h"
 
 #include "iphone-IOPort/PortC.h"
+#include "job/StatusBlock.h"
 
 namespace quordalvane {
 namespace {
@@ -9,11 +10,6 @@ constexpr std::uint32_t lineModeRequest = 0x1b0601;
 constexpr std::uint32_t realTimeRequest = 0x1004;  // and the number of the query
 constexpr std::uint8_t reportStart = 0x1b;
 constexpr std::size_t reportSize = 8;
-
-// A header and the layout's version are the least of a block.
-bool startsBlock(std::uint8_t byte) {
-  return (byte & 0xc0) == 0x80 && CalculateStatusLength(byte) >= 2;
-}
 
 bool isRealTimeStatus(std::uint8_t byte) {
   return (byte & escPosFixedMask) == escPosFixedBits;
@@ -39,7 +35,7 @@ void OwedAnswers::read(std::span<const std::uint8_t> bytes) {
 }
 
 void OwedAnswers::readLineMode(std::uint8_t byte) {
-  if (block_.empty() && !startsBlock(byte)) {
+  if (block_.empty() && !startsStatusBlock(byte)) {
     isAnyOdd_ = true;
     return;
   }

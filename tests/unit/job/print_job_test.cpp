@@ -231,7 +231,7 @@ TEST_P(InBothEmulations, AJobWithoutABlockIsNeverCalledPrinted) {
 
 TEST_P(InBothEmulations, AnEmptyJobWithoutABlockHadNothingToSend) {
   Till till(GetParam());
-  const PrintResult result = PrintJob(till.port, {.checked = false}).run({});
+  const PrintResult result = PrintJob(till.port, {.checked = false}).run("");
   EXPECT_EQ(result.outcome, PrintOutcome::Refused);
   EXPECT_EQ(result.reason, "there was nothing to send");
 }

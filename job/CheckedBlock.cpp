@@ -1,0 +1,171 @@
+#include "job/CheckedBlock.h"
+
+#include <algorithm>
+
+#include "iphone-IOPort/Commands.h"
+#include "job/DropCommand.h"
+#include "job/PrintData.h"
+#include "job/StatusText.h"
+#include "job/Words.h"
+
+namespace quordalvane {
+namespace {
+
+constexpr std::uint32_t statusLevel = 2;
+
+// The port's own waits end within whole seconds of the wall clock, and with an exchange that has
+// begun before. Those that would go on for ever are left a little later.
+constexpr auto timeToLeave = std::chrono::seconds(4);
+
+}  // namespace
+
+CheckedBlock::CheckedBlock(PortLink& link, PrintResult& result)
+    : Proof(link, result), answers_(link.port().emulation()) {}
+
+void CheckedBlock::bytesWritten(ByteView bytes) {
+  if (isBeginning_) {
+    answers_.written(bytes);
+  }
+}
+
+void CheckedBlock::bytesRead(ByteView bytes) {
+  if (isBeginning_) {
+    answers_.read(bytes);
+  }
+}
+
+MaybeSetback CheckedBlock::begin() {
+  if (auto setback = beginOnPort()) {
+    return setback;
+  }
+  auto setback = synchronise();
+  isBeginning_ = false;
+  return setback;
+}
+
+MaybeSetback CheckedBlock::beginOnPort() {
+  ExternalAccessoryPort& port = link().port();
+  const auto limit =
+      std::max(link().timeout(), std::chrono::milliseconds(port.holdPrintTimeoutMillis()));
+  bool isExchanged = false;
+  try {
+    isExchanged = link().within(limit + timeToLeave, [&] {
+      return port.beginCheckedBlock(&status_, statusLevel, &result().resultCode);
+    });
+  } catch (const PortException&) {
+    return link().failedExchange("the link did not take a request");
+  } catch (const PortLink::TimeUp&) {
+    return link().failedExchange("the exchange with the printer did not end in time");
+  }
+  keepStatus();
+  if (result().resultCode == ZKQuorIOResultCodePaperPresentError) {
+    return Setback{PrintObstacle::PrinterNotReady, "paper was left in the printer's exit"};
+  }
+  if (!isExchanged) {
+    return link().failedExchange(
+        "the printer gave no status, or did not reset its counter, within " +
+        inSeconds(port.timeoutMillis()));
+  }
+  if (status_.offline != 0) {
+    return Setback{PrintObstacle::PrinterNotReady, whyOffline(status_)};
+  }
+  return judgeBeginning();
+}
+
+/// One exchange after the block's data cancel, once all earlier questions are answered. Its answer
+/// follows everything that the printer had to report of earlier jobs, and in line mode shows that
+/// none of them was counted since: every later sign is this job's.
+MaybeSetback CheckedBlock::synchronise() {
+  link().drain();
+  if (auto setback = awaitAnswers()) {
+    return setback;
+  }
+  answers_.forgetSurplus();
+  if (auto setback = link().send(request())) {
+    return setback;
+  }
+  if (auto setback = awaitAnswers()) {
+    return setback;
+  }
+  return judgeReadiness();
+}
+
+/// Reads until the printer owes no answer.
+MaybeSetback CheckedBlock::awaitAnswers() {
+  if (link().await([this] { return !answers_.isAnyOwed(); }, link().timeout())) {
+    return std::nullopt;
+  }
+  return link().failedExchange(whyNoAnswer());
+}
+
+std::string CheckedBlock::whyNoAnswer() const {
+  if (!answers_.last().empty()) {
+    return "the printer has not answered all that it was asked";
+  }
+  return answers_.isAnyOdd() ? "the printer's answer is not a status of this emulation"
+                             : "the printer does not answer";
+}
+
+/// Ends the guarded stretch of a block that is not gone on with. A printer that was given a data
+/// time-out, now or by an earlier job, would otherwise drop what others send it later.
+void CheckedBlock::leave() {
+  link().port().write(dataCancelEnd);
+}
+
+ByteView CheckedBlock::dropCommand() const {
+  return dropAll;
+}
+
+MaybeSetback CheckedBlock::end(ByteView data) {
+  link().drain();
+  status_ = {};
+  const std::string failure = endBlock();
+  keepStatus();
+  return judgeEnd(data, failure);
+}
+
+MaybeSetback CheckedBlock::judgeEnd(ByteView data, const std::string& failure) {
+  const auto obstacle = confirmationObstacle(data, link().port().emulation());
+  // A mark in the data can itself be why the wait for the sign timed out.
+  if (!failure.empty() && (!obstacle || link().isLost())) {
+    return link().failedExchange(failure);
+  }
+  if (obstacle) {
+    return Setback{PrintObstacle::NoProof, "cannot be confirmed: " + *obstacle};
+  }
+  if (isProven()) {
+    return std::nullopt;
+  }
+  if (status_.offline != 0) {
+    return Setback{PrintObstacle::PrinterNotReady, whyOffline(status_)};
+  }
+  return Setback{PrintObstacle::NoProof, whyUnproven()};
+}
+
+/// Returns why the block did not end; "" if it did.
+std::string CheckedBlock::endBlock() {
+  const auto limit = std::chrono::milliseconds(link().port().endCheckedBlockTimeoutMillis());
+  const auto start = link().now();
+  bool hasEnded = false;
+  try {
+    hasEnded = link().within(limit + timeToLeave, [this] { return endOnPort(); });
+  } catch (const PortException&) {
+    return "the link did not take a request";
+  } catch (const PortLink::TimeUp&) {
+  }
+  return hasEnded ? "" : whyNotEnded(link().now() - start);
+}
+
+std::string CheckedBlock::whyNotEnded(std::chrono::nanoseconds waited) const {
+  const std::uint32_t limit = link().port().endCheckedBlockTimeoutMillis();
+  return waited < std::chrono::milliseconds(limit) ? "the printer's last status could not be had"
+                                                   : "no confirmation within " + inSeconds(limit);
+}
+
+void CheckedBlock::keepStatus() {
+  if (status_.rawLength > 0) {
+    result().status = status_;
+  }
+}
+
+}  // namespace quordalvane

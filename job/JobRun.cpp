@@ -1,0 +1,104 @@
+#include "job/JobRun.h"
+
+#include <chrono>
+
+#include "job/Advice.h"
+#include "job/PrintData.h"
+#include "job/Words.h"
+
+namespace quordalvane {
+namespace {
+
+// A cancelled job's last words must be out within this time: people wait for it.
+constexpr auto cancelLimit = std::chrono::milliseconds(500);
+
+}  // namespace
+
+JobRun::JobRun(const std::shared_ptr<ExternalAccessoryPort>& port, const PrintJob::Options& options,
+               const std::atomic<bool>& cancelled)
+    : options_(options),
+      link_(port, cancelled),
+      proof_(makeProof(options.checked, link_, result_)) {
+  link_.setListener(proof_.get());
+}
+
+PrintResult JobRun::run(ByteView data) {
+  result_.bytesTotal = data.size();
+  try {
+    print(data);
+  } catch (const PortLink::Cancelled&) {
+    finishCancelled(data);
+  }
+  result_.advice = adviceFor(result_);
+  return result_;
+}
+
+void JobRun::print(ByteView data) {
+  link_.goOn();
+  enter(PrintStage::Begin);
+  if (const auto setback = proof_->begin()) {
+    proof_->leave();
+    return stop(*setback);
+  }
+  enter(PrintStage::Data);
+  result_.status.reset();  // an earlier status says nothing of the data's fate
+  if (const auto setback = link_.move(data, result_.bytesAccepted, [this] { reportProgress(); })) {
+    return stop(*setback);
+  }
+  enter(PrintStage::End);
+  if (const auto setback = proof_->end(data)) {
+    return stop(*setback);
+  }
+  result_.outcome = PrintOutcome::Printed;
+}
+
+void JobRun::enter(PrintStage stage) {
+  stage_ = stage;
+  reportProgress();
+}
+
+void JobRun::reportProgress() const {
+  if (options_.progress) {
+    options_.progress({stage_, result_.bytesAccepted, result_.bytesTotal});
+  }
+}
+
+/// Makes the printer drop the rest. The command inside which the job was stopped is completed
+/// first: the printer would otherwise take the last words for its payload.
+void JobRun::finishCancelled(ByteView data) {
+  link_.ignoreCancel();
+  const std::size_t end = commandEnd(data, result_.bytesAccepted);
+  bool isTold = false;
+  try {
+    isTold = link_.within(cancelLimit, [&] {
+      return link_.port().isConnected() && !link_.move(data.first(end), result_.bytesAccepted) &&
+             !link_.send(proof_->dropCommand());
+    });
+  } catch (const PortLink::TimeUp&) {
+  }
+  const bool isInCommand = result_.bytesAccepted < end;
+  link_.port().abandonOutput();  // nobody waits for the rest of a job that is not wanted
+  link_.port().close();
+  stop({PrintObstacle::Cancelled,
+        isTold        ? "cancelled, and the printer was told to drop the rest"
+        : isInCommand ? "cancelled inside a command whose rest the printer still waits for"
+                      : "cancelled"});
+}
+
+/// Ends the job without a confirmation.
+void JobRun::stop(const Setback& setback) {
+  const bool isAnyOut = result_.bytesAccepted > 0;
+  result_.outcome = isAnyOut ? PrintOutcome::Unconfirmed : PrintOutcome::Refused;
+  result_.obstacle = setback.obstacle;
+  result_.reason = setback.reason + (isAnyOut ? progressInWords() : "");
+}
+
+std::string JobRun::progressInWords() const {
+  if (result_.bytesAccepted == result_.bytesTotal) {
+    return " after all " + grouped(result_.bytesTotal) + " bytes";
+  }
+  return " after " + grouped(result_.bytesAccepted) + " of " + grouped(result_.bytesTotal) +
+         " bytes";
+}
+
+}  // namespace quordalvane

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <string>
+
+#include "job/PortLink.h"
+#include "job/PrintJob.h"
+#include "job/Proof.h"
+
+namespace quordalvane {
+
+/// A print job while it runs: moves the data, counts it, and lets a proof begin, end and judge.
+class JobRun {
+ public:
+  /// All three must outlive it.
+  JobRun(const std::shared_ptr<ExternalAccessoryPort>& port, const PrintJob::Options& options,
+         const std::atomic<bool>& cancelled);
+
+  PrintResult run(ByteView data);
+
+ private:
+  void print(ByteView data);
+  void enter(PrintStage stage);
+  void reportProgress() const;
+  void finishCancelled(ByteView data);
+  void stop(const Setback& setback);
+  std::string progressInWords() const;
+
+  const PrintJob::Options& options_;
+  PortLink link_;
+  PrintResult result_;
+  const std::unique_ptr<Proof> proof_;
+  PrintStage stage_ = PrintStage::Begin;
+};
+
+}  // namespace quordalvane

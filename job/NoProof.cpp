@@ -1,0 +1,20 @@
+#include "job/NoProof.h"
+
+#include <utility>
+
+#include "job/DropCommand.h"
+
+namespace quordalvane {
+
+NoProof::NoProof(std::string why, PortLink& link, PrintResult& result)
+    : Proof(link, result), why_(std::move(why)) {}
+
+MaybeSetback NoProof::end(ByteView data) {
+  return Setback{PrintObstacle::NoProof, data.empty() ? "there was nothing to send" : why_};
+}
+
+ByteView NoProof::dropCommand() const {
+  return dropAll;
+}
+
+}  // namespace quordalvane

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+
+#include "job/Proof.h"
+
+namespace quordalvane {
+
+/// Asks the printer nothing, and proves nothing.
+class NoProof final : public Proof {
+ public:
+  /// `why` there is none, for a person.
+  NoProof(std::string why, PortLink& link, PrintResult& result);
+
+  MaybeSetback begin() override { return std::nullopt; }
+  MaybeSetback end(ByteView data) override;
+  void leave() override {}
+  ByteView dropCommand() const override;
+
+ private:
+  const std::string why_;
+};
+
+}  // namespace quordalvane

@@ -1,0 +1,105 @@
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+
+#include "iphone-IOPort/ExternalAccessoryPort.h"
+#include "job/ByteView.h"
+#include "job/Setback.h"
+
+namespace quordalvane {
+
+/// A port as jobs and inquiries use it: every wait has a limit, can be cancelled, and every byte is
+/// counted. It is the port's only observer as long as it lives.
+class PortLink final : private TransferObserver {
+ public:
+  /// Thrown out of an operation of the port that was cancelled, or took too long.
+  /// @{
+  struct Cancelled {};
+  struct TimeUp {};
+  /// @}
+
+  /// Reported for each group of bytes that the link took.
+  using Progress = std::function<void()>;
+
+  /// `cancelled` makes every operation throw Cancelled once it is true; it must outlive this.
+  PortLink(std::shared_ptr<ExternalAccessoryPort> port, const std::atomic<bool>& cancelled);
+  ~PortLink() override;
+  PortLink(const PortLink&) = delete;
+  PortLink& operator=(const PortLink&) = delete;
+
+  ExternalAccessoryPort& port() const { return *port_; }
+  std::chrono::nanoseconds now() const { return port_->platform().clock().monotonic(); }
+
+  /// The port's input/output time-out; one below a second counts as a second.
+  std::chrono::milliseconds timeout() const;
+
+  /// Lets `listener` see the bytes; null for nobody. It must outlive its use.
+  void setListener(TransferObserver* listener) { listener_ = listener; }
+
+  /// Calls `operation` and returns its result; TimeUp leaves it at the next look at the link after
+  /// `limit`. An outer limit that ends earlier still holds.
+  template <typename Operation>
+  auto within(std::chrono::nanoseconds limit, Operation operation) {
+    const Limited limited(*this, now() + limit);
+    return operation();
+  }
+
+  /// Throws Cancelled or TimeUp if there is reason to.
+  void goOn() const;
+
+  /// From now on a cancelled job's last words may go out.
+  void ignoreCancel() { isCancelIgnored_ = true; }
+
+  /// Hands all of `data` to the link, each byte once, and counts in `accepted` how many bytes it
+  /// took. Fails when the link is lost or takes nothing for as long as the time-out.
+  MaybeSetback move(ByteView data, std::uint64_t& accepted, const Progress& progress = {});
+
+  /// The same for a short command of nobody's data.
+  MaybeSetback send(ByteView command);
+
+  /// Reads until `isDone` answers true, looking at the link again and again. False when it does not
+  /// within `limit` or the link is lost.
+  bool await(const std::function<bool()>& isDone, std::chrono::nanoseconds limit);
+
+  /// Throws away what waits in the input; of a printer that never stops talking, a second of it and
+  /// at most a mebibyte.
+  void drain();
+
+  /// Whether the link is lost. Throws away what waits in the input: bytes from before the loss keep
+  /// a link connected until they are read.
+  bool isLost();
+
+  /// The setback of an exchange that failed: because the link is lost, or as `otherwise` says.
+  Setback failedExchange(const std::string& otherwise);
+
+ private:
+  /// A deadline for as long as it lives.
+  class Limited {
+   public:
+    Limited(PortLink& link, std::chrono::nanoseconds deadline);
+    ~Limited() { link_.deadline_ = before_; }
+    Limited(const Limited&) = delete;
+    Limited& operator=(const Limited&) = delete;
+
+   private:
+    PortLink& link_;
+    const std::chrono::nanoseconds before_;
+  };
+
+  void bytesWritten(ByteView bytes) override;
+  void bytesRead(ByteView bytes) override;
+  void pause();
+
+  const std::shared_ptr<ExternalAccessoryPort> port_;
+  const std::atomic<bool>& cancelled_;
+  bool isCancelIgnored_ = false;
+  TransferObserver* listener_ = nullptr;
+  std::uint64_t* accepted_ = nullptr;  // counts the bytes that go out now; null: nothing does
+  std::chrono::nanoseconds deadline_ = std::chrono::nanoseconds::max();
+};
+
+}  // namespace quordalvane

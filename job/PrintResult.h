@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include <quordalvane/QuorIOPort.h>
+
+#include "iphone-IOPort/ZKQuorIOResultCode.h"
+
+namespace quordalvane {
+
+/// How a job ended.
+enum class PrintOutcome {
+  Printed,      ///< the printer confirmed that it has printed all of it
+  Unconfirmed,  ///< bytes went out, and nothing proves that they were printed, or that they were
+                ///< not
+  Refused,      ///< no byte of the job went out: to send it again is safe
+};
+
+/// Why a job was not printed, as far as a program must tell the cases apart.
+enum class PrintObstacle {
+  None,             ///< printed, or not run to its end
+  PrinterNotReady,  ///< the printer answered and is off line, or paper is in its exit
+  LinkLost,         ///< the link ended before the job did
+  Cancelled,        ///< `PrintJob::cancel` was called
+  ExchangeFailed,   ///< no answer, no space for too long, or a failed write
+  NoProof,  ///< all went out, and the sign that it was printed is missing or could be another's
+};
+
+/// The result of a job, for the program and for the person before it.
+struct PrintResult {
+  PrintOutcome outcome = PrintOutcome::Refused;  ///< how the job ended
+  PrintObstacle obstacle = PrintObstacle::None;  ///< why it was not printed; None when it was
+
+  /// The result code of the block's beginning; failed without a block.
+  std::int64_t resultCode = ZKQuorIOResultCodeFailedError;
+
+  std::uint64_t bytesTotal = 0;     ///< the size of the job
+  std::uint64_t bytesAccepted = 0;  ///< how many bytes of the job the link took, exactly
+
+  /// The last status that was obtained; empty if there was none. Once data has begun to go out,
+  /// only a status from after the data: an earlier one says nothing of the data's fate.
+  std::optional<QuorPrinterStatus_2> status;
+
+  /// Why, for a person: "cover open", "link lost after 1,204 of 3,800 bytes". "" when printed.
+  std::string reason;
+
+  /// What the caller may do next, for a person. "" when printed.
+  std::string advice;
+};
+
+}  // namespace quordalvane

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <memory>
+
+#include "iphone-IOPort/TransferObserver.h"
+#include "job/ByteView.h"
+#include "job/PortLink.h"
+#include "job/PrintResult.h"
+#include "job/Setback.h"
+
+namespace quordalvane {
+
+/// One way to learn from a printer whether it has printed a job. The job moves and counts the data;
+/// the proof begins before the data, ends after it, and judges. It sees every byte that passes
+/// meanwhile.
+///
+/// A wait that a proof begins has a limit. Cancelled passes through.
+class Proof : public TransferObserver {
+ public:
+  /// Makes the printer ready. After success the data may go out, after a setback nothing of the job
+  /// may.
+  virtual MaybeSetback begin() = 0;
+
+  /// Ends the job and waits for the printer's sign. Success is the proof that the printer has
+  /// printed all of `data`.
+  virtual MaybeSetback end(ByteView data) = 0;
+
+  /// Gives the printer back after a `begin` that had a setback.
+  virtual void leave() = 0;
+
+  /// The command that makes the printer drop what it has not printed yet.
+  virtual ByteView dropCommand() const = 0;
+
+  void bytesWritten(ByteView /*bytes*/) override {}
+  void bytesRead(ByteView /*bytes*/) override {}
+
+ protected:
+  /// A proof fills the result code and the status of `result`. Both arguments must outlive it.
+  Proof(PortLink& link, PrintResult& result) : link_(link), result_(result) {}
+
+  PortLink& link() const { return link_; }
+  PrintResult& result() const { return result_; }
+
+ private:
+  PortLink& link_;
+  PrintResult& result_;
+};
+
+/// The proof for a job on that port, and none for one that is not checked.
+std::unique_ptr<Proof> makeProof(bool isChecked, PortLink& link, PrintResult& result);
+
+}  // namespace quordalvane
