@@ -7,7 +7,6 @@
 #include "tools/quorport/Joined.h"
 #include "tools/quorport/LiveLine.h"
 #include "tools/quorport/Printer.h"
-#include "tools/quorport/StatusAnswer.h"
 #include "tools/quorport/StatusFields.h"
 #include "tools/quorport/TimeText.h"
 
@@ -78,7 +77,8 @@ class Monitor {
       if (!printer_) {
         printer_.emplace(platform_, options_, surroundings_);
       }
-      const QuorPrinterStatus_2 status = askForStatus(*printer_, 0);
+      const QuorPrinterStatus_2 status =
+          printer_->ask([](PrinterInquiry& inquiry) { return inquiry.status(); });
       return {status.offline != 0 ? "not-ready" : "ready", joined(remarks(status), "; "),
               jsonOf(status), ExitCode::Done};
     } catch (const Failure& failure) {

@@ -175,6 +175,7 @@ void Printer::close() {
   }
 }
 
+/// Bytes from before the loss that nobody has read do not hide it.
 bool Printer::isLinkLost() {
   for (const auto& accessory : platform_->accessories()) {
     accessory->noticeLoss();
@@ -182,11 +183,15 @@ bool Printer::isLinkLost() {
   return !port_->isConnected();
 }
 
-Failure Printer::failure(const std::string& otherwise) {
-  if (isLinkLost()) {
+Failure Printer::failure(const InquiryError& error) {
+  if (error.cause() == InquiryCause::LinkLost || isLinkLost()) {
     return {ExitCode::LinkLost, "the link to the printer was lost"};
   }
-  return {ExitCode::ExchangeFailed, printable(otherwise)};
+  if (error.cause() == InquiryCause::UnknownEmulation) {
+    return {ExitCode::ExchangeFailed, error.what() + std::string(": --emulation line or escpos")};
+  }
+  return {error.cause() == InquiryCause::NotReady ? ExitCode::NotReady : ExitCode::ExchangeFailed,
+          error.what()};
 }
 
 }  // namespace quordalvane::tool

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <exception>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "iphone-IOPort/ExternalAccessoryPort.h"
+#include "job/PrinterInquiry.h"
 #include "tools/quorport/Commands.h"
 #include "tools/quorport/Interruption.h"
 #include "tools/quorport/Options.h"
@@ -45,29 +45,24 @@ class Printer {
 
   const std::shared_ptr<ExternalAccessoryPort>& port() { return port_; }
 
-  /// Runs `operation` on the port and returns what it returns. What the port raises becomes the
-  /// Failure of `failure`; its own word for a write that failed is not for people.
-  template <typename Operation>
-  auto exchange(Operation operation) {
+  /// Asks the printer by `question`, which is given an inquiry, and returns its answer. Throws the
+  /// Failure of one that has none.
+  template <typename Asker>
+  auto ask(Asker question) {
+    PrinterInquiry inquiry(port_);
     try {
-      return operation(*port_);
-    } catch (const Failure&) {
-      throw;
-    } catch (const PortException&) {
-      throw failure("the link did not take the request");
-    } catch (const std::exception& error) {
-      throw failure(error.what());
+      return question(inquiry);
+    } catch (const InquiryError& error) {
+      throw failure(error);
     }
   }
 
-  /// Whether the link is gone. Bytes that came before the loss and are unread do not hide it.
-  bool isLinkLost();
-
-  /// A failed exchange: a lost link where the link is gone, else what `otherwise` says.
-  Failure failure(const std::string& otherwise);
+  /// The Failure of a question without an answer.
+  Failure failure(const InquiryError& error);
 
  private:
   void close();
+  bool isLinkLost();
 
   std::shared_ptr<Interruption> interruption_;
   std::shared_ptr<InterruptiblePlatform> platform_;

@@ -1,12 +1,13 @@
 #include "tools/quorport/Commands.h"
-#include "tools/quorport/StatusAnswer.h"
+#include "tools/quorport/Printer.h"
 #include "tools/quorport/StatusFields.h"
 
 namespace quordalvane::tool {
 
 Report status(const Options& options, const Surroundings& surroundings) {
   Printer printer(options, surroundings);
-  const QuorPrinterStatus_2 record = askForStatus(printer, options.status.level);
+  const QuorPrinterStatus_2 record = printer.ask(
+      [&options](PrinterInquiry& inquiry) { return inquiry.status(options.status.level); });
   Report report;
   report.json["ok"] = true;
   report.json["status"] = jsonOf(record);

@@ -9,10 +9,8 @@
 #include "backends/DeviceSpec.h"
 #include "backends/Devices.h"
 #include "backends/Schemes.h"
-#include "tools/quorport/HeardBytes.h"
 #include "tools/quorport/Hex.h"
 #include "tools/quorport/Printer.h"
-#include "tools/quorport/StatusAnswer.h"
 #include "tools/quorport/StatusFields.h"
 #include "tools/quorport/doctor/OpeningFindings.h"
 #include "tools/quorport/doctor/StatusFindings.h"
@@ -30,13 +28,6 @@ struct Answer {
   ByteBuffer bytes;  // the first that came, whether understood or not
   bool isLinkLost = false;
 };
-
-// Noise may begin like a block, too.
-bool isStatus(const QuorPrinterStatus_2& status, ZKEmulation emulation) {
-  constexpr std::uint8_t layout = 1;
-  return emulation != ZKEmulationQuorLine ||
-         (isStatusBlock(status) && (status.rawLength < 2 || status.raw[1] == layout));
-}
 
 struct EmulationName {
   const char* text;
@@ -127,17 +118,15 @@ class Examination {
 
   static Answer answerOf(Printer& printer) {
     constexpr std::size_t mostBytes = 16;
-    const HeardBytes heard(printer.port());
-    QuorPrinterStatus_2 status = {};
-    const bool answered = printer.exchange(
-        [&status](ExternalAccessoryPort& port) { return port.getParsedStatus(&status, 0); });
     Answer answer;
-    answer.bytes = heard.bytes();
-    answer.bytes.resize(std::min(answer.bytes.size(), mostBytes));
-    if (answered && isStatus(status, printer.port()->emulation())) {
-      answer.status = status;
+    PrinterInquiry inquiry(printer.port());
+    try {
+      answer.status = inquiry.status();
+    } catch (const InquiryError& error) {
+      answer.isLinkLost = error.cause() == InquiryCause::LinkLost;
     }
-    answer.isLinkLost = !answered && !printer.port()->isConnected();
+    answer.bytes = inquiry.heard();
+    answer.bytes.resize(std::min(answer.bytes.size(), mostBytes));
     return answer;
   }
 

@@ -1,0 +1,151 @@
+#include "job/PrinterInquiry.h"
+
+#include <gtest/gtest.h>
+
+#include <optional>
+
+#include "job/StatusBlock.h"
+#include "tests/support/ScriptedWorld.h"
+#include "tests/unit/job/Till.h"
+
+namespace quordalvane {
+namespace {
+
+using simulator::PrinterBuilder;
+using test::bytes;
+using test::Script;
+
+const test::Bytes statusRequest = bytes("1b 06 01");
+const test::Bytes onLine = bytes("89 01 00 00 00 00 00 00 05");
+const test::Bytes offLine = bytes("89 01 02 00 00 00 00 00 05");
+
+/// A port over a scripted link, and an inquiry on it.
+class Asked {
+ public:
+  explicit Asked(const Script& script, ZKEmulation emulation = ZKEmulationQuorLine)
+      : world_(script),
+        port_(
+            ExternalAccessoryPort::initWithPortName("BT:", "", 2000, emulation, world_.platform())),
+        inquiry(port_) {
+    EXPECT_TRUE(port_->open());
+    world_.start();
+  }
+
+ private:
+  test::ScriptedWorld world_;
+  std::shared_ptr<ExternalAccessoryPort> port_;
+
+ public:
+  PrinterInquiry inquiry;
+};
+
+/// Why a question has no answer; empty if it has one.
+template <typename Ask>
+std::optional<InquiryCause> causeOf(Ask question) {
+  try {
+    question();
+  } catch (const InquiryError& error) {
+    return error.cause();
+  }
+  return std::nullopt;
+}
+
+TEST(StatusBlockHead, HasTheTwoFixedBitsAndRoomForTheLayout) {
+  for (int byte = 0; byte < 256; ++byte) {
+    EXPECT_EQ(startsStatusBlock(static_cast<std::uint8_t>(byte)), byte >= 0x82 && byte <= 0xbf)
+        << byte;
+  }
+}
+
+TEST(PrinterInquiry, ReturnsTheStatusOfAPrinterThatAnswers) {
+  Asked asked(Script().wheneverAsked(statusRequest, {{offLine, 0.0}}));
+  EXPECT_EQ(asked.inquiry.status().offline, 1U);
+  EXPECT_EQ(asked.inquiry.heard(), offLine);
+}
+
+TEST(PrinterInquiry, TakesNoOtherAnswerForAStatus) {
+  for (const char* const answer : {"09 01 00 00 00 00 00 00 05", "48 54 54 50 2f 31 2e 31 20", "81",
+                                   "89 02 00 00 00 00 00 00 05"}) {
+    const test::Bytes long63(63, 0);
+    Script script;
+    auto reply = bytes(answer);
+    reply.insert(reply.end(), long63.begin(), long63.end());
+    script.wheneverAsked(statusRequest, {{reply, 0.0}});
+    Asked asked(script);
+    EXPECT_EQ(causeOf([&] { asked.inquiry.status(); }), InquiryCause::NotUnderstood) << answer;
+  }
+}
+
+TEST(PrinterInquiry, TellsSilenceFromALostLink) {
+  Asked silent{Script()};
+  EXPECT_EQ(causeOf([&] { silent.inquiry.status(); }), InquiryCause::NoAnswer);
+  Asked lost(Script().isLost(0.5));
+  EXPECT_EQ(causeOf([&] { lost.inquiry.status(); }), InquiryCause::LinkLost);
+}
+
+TEST(PrinterInquiry, AsksNothingWithoutAKnownEmulation) {
+  Asked asked(Script(), ZKEmulationUnknown);
+  EXPECT_EQ(causeOf([&] { asked.inquiry.status(); }), InquiryCause::UnknownEmulation);
+  EXPECT_EQ(causeOf([&] { asked.inquiry.isOnline(); }), InquiryCause::UnknownEmulation);
+  EXPECT_EQ(causeOf([&] { asked.inquiry.firmware(); }), InquiryCause::UnknownEmulation);
+}
+
+TEST(PrinterInquiry, HearsAPrinterOutWhoseFirstAnswerArrivesInPieces) {
+  Script script;
+  const test::Bytes head(offLine.begin(), offLine.begin() + 1);
+  const test::Bytes rest(offLine.begin() + 1, offLine.end());
+  // The rest of the first answer, taken for a block by its length alone, is on line.
+  script.whenAsked(statusRequest, {{head, 0.0}, {rest, 0.15}});
+  script.wheneverAsked(statusRequest, {{offLine, 0.0}});
+  Asked asked(script);
+  EXPECT_FALSE(asked.inquiry.isOnline());
+}
+
+TEST(PrinterInquiry, ReturnsTheOnlineStateInEscPos) {
+  Script script;
+  script.wheneverAsked(statusRequest, {{onLine, 0.0}});
+  for (const char* const query : {"10 04 01", "10 04 02", "10 04 04"}) {
+    script.wheneverAsked(bytes(query), {{bytes("12"), 0.0}});
+  }
+  Asked asked(script, ZKEmulationESCPOS);
+  EXPECT_TRUE(asked.inquiry.isOnline());
+}
+
+TEST(PrinterInquiry, TakesNoPartOfAnAnswerForTheFirmwareInEscPos) {
+  for (const char* const answer : {"12 5f 56 31 00", "5f 56 31", "5f"}) {
+    Script script;
+    for (const char* const query : {"10 04 01", "10 04 02", "10 04 04"}) {
+      script.wheneverAsked(bytes(query), {{bytes("12"), 0.0}});
+    }
+    script.wheneverAsked(bytes("1d 49 41"), {{bytes(answer), 0.0}});
+    Asked asked(script, ZKEmulationESCPOS);
+    EXPECT_EQ(causeOf([&] { asked.inquiry.firmware(); }), InquiryCause::NoAnswer) << answer;
+  }
+}
+
+TEST(PrinterInquiry, SaysThatAnOffLinePrinterIsNotAskedForItsFirmware) {
+  Asked asked(Script().wheneverAsked(statusRequest, {{offLine, 0.0}}));
+  EXPECT_EQ(causeOf([&] { asked.inquiry.firmware(); }), InquiryCause::NotReady);
+}
+
+TEST(PrinterInquiry, SaysThatTheLinkDidNotTakeAWholeCommand) {
+  Asked asked(Script().hasNoSpace());
+  EXPECT_EQ(causeOf([&] { asked.inquiry.dropAll(); }), InquiryCause::NoAnswer);
+}
+
+// The port's writer repeats itself without a time-out once the link has taken a part of a command.
+TEST(PrinterInquiry, LeavesAPortThatWritesWithoutEnd) {
+  Till till(PrinterBuilder(), {.timeoutMillis = 2000});
+  till.port->close();
+  simulator::Faults full = with("no-space", "4:120");
+  full.add("no-space", "6:600000");
+  till.accessory->setFaults(full);
+  ASSERT_TRUE(till.port->open());
+  PrinterInquiry inquiry(till.port);
+  const auto start = till.platform->clock().monotonic();
+  EXPECT_EQ(causeOf([&] { inquiry.dropAll(); }), InquiryCause::NoAnswer);
+  EXPECT_LT(till.platform->clock().monotonic() - start, std::chrono::seconds(10));
+}
+
+}  // namespace
+}  // namespace quordalvane
