@@ -1,5 +1,6 @@
 // Sends the library's diagnostic records through the application's own logger. Usage:
 // application_log DEVICE
+#include <exception>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -7,6 +8,7 @@
 #include "backends/Devices.h"
 #include "iphone-IOPort/ExternalAccessoryPort.h"
 #include "iphone-IOPort/LogWriter.h"
+#include "job/PrinterInquiry.h"
 #include "logging/CallbackSink.h"
 
 using namespace quordalvane;
@@ -25,7 +27,7 @@ void passOn(const LogRecord& record) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
   if (argc != 2) {
     std::cerr << "usage: application_log DEVICE\n";
     return 2;
@@ -38,14 +40,22 @@ int main(int argc, char** argv) {
 
   connectDevices({argv[1]});
   const auto port = ExternalAccessoryPort::initWithPortName("BT:", "", 3000, ZKEmulationQuorLine);
-  bool online = false;
-  const bool answered = port && port->open() && port->getOnlineStatus(&online);
-  std::cout << (!answered ? "no answer" : online ? "on line" : "off line") << '\n';
+  std::string state = "no answer";
+  try {
+    if (port && port->open()) {
+      state = PrinterInquiry(port).isOnline() ? "on line" : "off line";
+    }
+  } catch (const InquiryError&) {  // the log says why
+  }
+  std::cout << state << '\n';
   if (port) {
     port->close();
   }
 
   logger.flush();  // whatever was logged has reached the application
   logger.removeSink(sink);
-  return answered && online ? 0 : 1;
+  return state == "on line" ? 0 : 1;
+} catch (const std::exception& error) {  // a DEVICE that does not exist, for example
+  std::cerr << error.what() << '\n';
+  return 2;
 }

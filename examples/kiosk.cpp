@@ -1,6 +1,7 @@
 // Prints each line of its input as a receipt, and goes on when the printer's cable was pulled and
 // put back. Usage: kiosk DEVICE
 #include <chrono>
+#include <exception>
 #include <iostream>
 #include <string>
 #include <thread>
@@ -19,7 +20,7 @@ PrintResult attempt(const std::string& receipt) {
   PrintResult result;
   result.reason = "cannot be reached";
   if (port && port->open()) {
-    result = PrintJob(port).run(ByteBuffer(receipt.begin(), receipt.end()));
+    result = PrintJob(port).run(receipt);
   }
   if (port) {
     port->close();
@@ -47,7 +48,7 @@ void print(const std::string& receipt) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
   if (argc != 2) {
     std::cerr << "usage: kiosk DEVICE\n";
     return 2;
@@ -56,4 +57,7 @@ int main(int argc, char** argv) {
   for (std::string line; std::getline(std::cin, line);) {
     print(line + "\n");
   }
+} catch (const std::exception& error) {  // a DEVICE that does not exist, for example
+  std::cerr << error.what() << '\n';
+  return 2;
 }

@@ -1,7 +1,9 @@
 // Prints a file and says what to do next. Usage: print_with_confirmation DEVICE FILE
+#include <exception>
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <string>
 
 #include "backends/Devices.h"
 #include "iphone-IOPort/ExternalAccessoryPort.h"
@@ -9,13 +11,17 @@
 
 using namespace quordalvane;
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
   if (argc != 3) {
     std::cerr << "usage: print_with_confirmation DEVICE FILE\n";
     return 2;
   }
   std::ifstream file(argv[2], std::ios::binary);
-  const ByteBuffer receipt{std::istreambuf_iterator<char>(file), {}};
+  if (!file) {
+    std::cerr << "cannot read " << argv[2] << '\n';
+    return 2;
+  }
+  const std::string receipt{std::istreambuf_iterator<char>(file), {}};
 
   connectDevices({argv[1]});
   const auto port = ExternalAccessoryPort::initWithPortName("BT:", "", 10000, ZKEmulationQuorLine);
@@ -39,4 +45,7 @@ int main(int argc, char** argv) {
       std::cout << "unconfirmed: " << result.reason << "; " << result.advice << '\n';
       return 6;
   }
+} catch (const std::exception& error) {  // a DEVICE that does not exist, for example
+  std::cerr << error.what() << '\n';
+  return 2;
 }

@@ -1,11 +1,13 @@
 // Tells, until it is stopped, what changes about a printer. Usage: status_monitor DEVICE
 #include <chrono>
+#include <exception>
 #include <iostream>
 #include <string>
 #include <thread>
 
 #include "backends/Devices.h"
 #include "iphone-IOPort/ExternalAccessoryPort.h"
+#include "job/PrinterInquiry.h"
 
 using namespace quordalvane;
 
@@ -27,17 +29,19 @@ std::string ask(ExternalAccessoryPort& port) {
       port.close();
       return "cannot be reached";
     }
-    QuorPrinterStatus_2 status = {};
-    return port.getParsedStatus(&status, 0) ? inWords(status) : "does not answer";
-  } catch (const PortException&) {
-    port.close();
-    return "link lost";
+    return inWords(PrinterInquiry(port.shared_from_this()).status());
+  } catch (const InquiryError& error) {
+    if (error.cause() == InquiryCause::LinkLost) {
+      port.close();
+      return "link lost";
+    }
+    return error.what();
   }
 }
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
   if (argc != 2) {
     std::cerr << "usage: status_monitor DEVICE\n";
     return 2;
@@ -49,4 +53,7 @@ int main(int argc, char** argv) {
       std::cout << (last = now) << std::endl;
     }
   }
+} catch (const std::exception& error) {  // a DEVICE that does not exist, for example
+  std::cerr << error.what() << '\n';
+  return 2;
 }

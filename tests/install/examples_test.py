@@ -35,6 +35,20 @@ class Confirmation(ProgramTest):
         code, text = self.outcome(f"unix:{self.folder}/nobody")
         self.assertEqual((code, text), (1, "no printer: nothing was sent, try again later\n"))
 
+    def test_a_receipt_that_cannot_be_read_is_a_message(self):
+        result = self.run_program(EXAMPLES / "print_with_confirmation", "virtual:", self.folder / "missing")
+        self.assertEqual(result.returncode, 2)
+        self.assertIn("cannot read", result.stderr)
+
+
+class BadDevice(ProgramTest):
+    def test_is_a_message_in_every_program(self):
+        for program, more in (("print_with_confirmation", ["/dev/null"]), ("kiosk", []), ("status_monitor", []),
+                              ("application_log", [])):
+            result = self.run_program(EXAMPLES / program, "nonsense:", *more)
+            self.assertEqual(result.returncode, 2, program)
+            self.assertIn("nonsense", result.stderr, program)
+
 
 class Monitor(ProgramTest):
     def test_changes_are_told_as_they_come(self):
