@@ -4,7 +4,7 @@ import re
 from pathlib import Path
 
 from rows import ROWS, Row
-from steps import CORES, ROOT
+from steps import ROOT
 
 PROOF = Path(__file__).parent
 PAGE = ROOT / "docs/proof.md"
@@ -49,8 +49,8 @@ def written(figures: dict[str, dict[str, str]]) -> str:
         values = [row.title, row.shows, row.suite, *(figure[name] for name in FIGURES[:5]), str(found), figure["run at"]]
         lines.append("| " + " | ".join(values) + " |")
     lines += [
-        "", f"Times are of a machine with {CORES} cores that others used as well. The commands, the figures of each program",
-        "and the tables of mutants, branches and breaks lie in `build/proof/details.md` after a run.", "",
+        "", "Others used the machines as well. The commands, the output of each program and the tables of mutants, branches",
+        "and breaks are in `build/proof/details.md` after a run.", "",
         "The defects that were found, each with the test that would find it again, are listed in",
         "[tests/proof/defects.md](../tests/proof/defects.md); the branches that no test takes and the mutants that none can",
         "kill, each with the reason, in the two tables beside it.",

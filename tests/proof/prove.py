@@ -16,7 +16,7 @@ from pathlib import Path
 from ledger import FOLDER, Ledger, digest
 from page import FIGURES, PAGE, details, figures, shown, table, written
 from rows import ROWS, Row
-from steps import COMMIT, NIGHTLY, RELEASE, ROOT, Clock, Failed, Stopped
+from steps import COMMIT, CORES, NIGHTLY, RELEASE, ROOT, Clock, Failed, Stopped
 
 NOT_PRODUCT = ("docs", "examples", "debian", ".ci")
 
@@ -63,7 +63,7 @@ def summary(row: Row, size: str, done: dict[str, dict]) -> dict[str, str]:
     return {"size": size, "far": f"{share:.0%}" if share in (0, 1) else f"{share:.1%}",
             "cases": f"{sum(unit['cases'] for unit in done.values()):,}",
             "time": shown(sum(unit["seconds"] for unit in done.values())), "result": "; ".join(results) or "nothing found",
-            "run at": f"{last['commit']}, {last['date']}"}
+            "run at": f"{last['commit']}, {last['date']}, {CORES} cores"}
 
 
 def check_defects():

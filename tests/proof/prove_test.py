@@ -10,6 +10,8 @@ import unittest
 from pathlib import Path
 from unittest import mock
 
+import areas
+import breaks
 import ledger
 import page
 import prove
@@ -106,7 +108,7 @@ class Rows(Folder):
 
 class Page(unittest.TestCase):
     FIGURES = {"size": "nightly", "far": "12.5%", "cases": "1,000", "time": "3.0 min", "result": "nothing found",
-               "run at": "a1b2c3d, 2026-11-21"}
+               "run at": "a1b2c3d, 2026-11-21, 2 cores"}
 
     def test_each_row_says_what_of_it_runs_at_each_commit(self):
         for row in rows.ROWS:
@@ -116,13 +118,34 @@ class Page(unittest.TestCase):
         text = page.written({"Soak": self.FIGURES})
         self.assertEqual(page.figures(text), {"Soak": self.FIGURES})
 
-    def test_the_page_of_the_tree_is_one_that_was_written(self):
-        text = page.PAGE.read_text()
-        self.assertEqual(page.written(page.figures(text)), text, "./dev prove --page writes it anew")
+    def test_the_page_of_the_tree_has_a_line_for_each_row(self):
+        lines = page.PAGE.read_text().splitlines()
+        titles = [page.cells(line)[0] for line in lines[lines.index(page.HEAD) + 2:] if line.startswith("| ")]
+        self.assertEqual(titles, [row.title for row in rows.ROWS], "./dev prove --page writes it anew")
 
     def test_each_title_is_one_rows(self):
         titles = [row.title for row in rows.ROWS]
         self.assertEqual(len(set(titles)), len(titles))
+
+
+class Tables(unittest.TestCase):
+    """A line that is changed takes its explanation or its break with it."""
+
+    def assert_line(self, file: str, line: str):
+        lines = [" ".join(one.split()) for one in (steps.ROOT / file).read_text().splitlines()]
+        self.assertIn(line.replace(r"\|", "|"), lines, file)
+
+    def test_each_explanation_is_of_a_line_that_is_there(self):
+        for table in ("survivors.md", "uncovered.md"):
+            for file, line, *_ in (page.cells(row) for row in page.table(table)[2:]):
+                with self.subTest(table=table):
+                    self.assert_line(file.strip("`"), line.strip("`"))
+
+    def test_each_break_is_of_a_place_that_is_there_once(self):
+        for one in breaks.BREAKS:
+            with self.subTest(one.what):
+                self.assertEqual((steps.ROOT / one.path).read_text().count(one.old), 1)
+                self.assertIn(steps.ROOT / one.path, areas.area_of(one.path).files())
 
 
 @unittest.skipUnless(shutil.which("git"), "needs git")
