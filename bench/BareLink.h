@@ -5,7 +5,7 @@
 
 namespace quordalvane::bench {
 
-/// One side of a connection by nothing but system calls: the limit of what a library can reach.
+/// One side of a connection by bare system calls: the limit that a library can reach.
 class BareLink {
  public:
   /// Takes over a connected descriptor and makes it non-blocking.
@@ -17,7 +17,7 @@ class BareLink {
   /// Write, poll, read: until `reply` has been filled.
   void exchange(std::span<const std::uint8_t> request, std::span<std::uint8_t> reply);
 
-  /// Writes as much at once as is taken, and polls where nothing is.
+  /// Writes as much at once as the system takes, and polls if it takes nothing.
   void write(std::span<const std::uint8_t> bytes);
 
   /// Waits for bytes as long as that; true if there are any.

@@ -4,10 +4,10 @@
 
 namespace quordalvane::bench {
 
-/// Two of the cores that this process may run on; the same one where there is no other.
+/// Two of the cores that this process may run on; the same one twice if there is no other.
 enum class Core { First, Second };
 
-/// Binds the calling thread to a core. Threads that it starts are bound there, too.
+/// Binds the calling thread to a core, and with it the threads that it starts.
 void bindTo(Core core);
 
 /// Binds the calling thread to a core for as long as it lives.

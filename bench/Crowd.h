@@ -28,7 +28,7 @@ class Crowd {
   std::vector<std::shared_ptr<ExternalAccessoryPort>> ports_;
 };
 
-/// Lets this process have as many descriptors as the system allows.
+/// Raises the limit of this process's descriptors as far as the system allows.
 void allowManyDescriptors();
 
 }  // namespace quordalvane::bench

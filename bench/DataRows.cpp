@@ -23,7 +23,7 @@ namespace {
 constexpr std::size_t kibibyte = 1024;
 constexpr std::size_t mebibyte = 1024 * kibibyte;
 
-/// A peer that takes all there is, and tells when it has counted what was to come.
+/// A peer that takes everything, and signals when it has counted the expected bytes.
 class DrainingPeer {
  public:
   explicit DrainingPeer(Core core) : peer_(core) {}
@@ -39,7 +39,7 @@ class DrainingPeer {
     });
   }
 
-  /// How long it takes from the begin of `send`, which sends so many bytes, until all have come.
+  /// Seconds from the beginning of `send`, which sends so many bytes, until all have arrived.
   template <typename Send>
   double secondsFor(std::size_t bytes, Send send) {
     missing_ = bytes;
@@ -104,7 +104,7 @@ Pairs<double> throughput(Drains& drains, std::span<const std::uint8_t> data) {
   return alternate([&] { return rate(ours); }, [&] { return rate(limit); });
 }
 
-/// Every buffer that a job takes is filled once, so that what it takes is what it copies.
+/// A job fills every buffer that it allocates once, so the bytes allocated are the bytes copied.
 Row copiedBytes(const std::string& where, OpenPort& port, DrainingPeer& peer,
                 std::span<const std::uint8_t> data) {
   Allocations taken;
@@ -125,7 +125,7 @@ void printDataOver(Medium medium, const std::string& where, Rows& rows) {
   rows.push_back(copiedBytes(where, drains.port, drains.peer, all));
 }
 
-/// Reads what a peer has sent before, so that there is never anything to wait for.
+/// Reads bytes that a peer has sent before, so that no read waits.
 class ReadAhead {
  public:
   static constexpr std::size_t portion = 32 * kibibyte;

@@ -9,7 +9,7 @@ namespace quordalvane::bench {
 enum class Medium { Tcp, Local, Terminal };
 
 /// A place where a printer can be reached: a listening socket of this machine, or a
-/// pseudo-terminal. What fails raises std::system_error.
+/// pseudo-terminal. Failures throw std::system_error.
 class Endpoint {
  public:
   virtual ~Endpoint() = default;

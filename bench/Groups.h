@@ -4,8 +4,8 @@
 
 namespace quordalvane::bench {
 
-// What is measured, each function on its own and in any order. See docs/performance.md for what the
-// rows mean.
+// The groups of rows, each a function that may be called alone and in any order.
+// docs/performance.md explains the rows.
 
 Rows lineStatusOverTcp();    // B1
 Rows escposStatusOverTcp();  // B2

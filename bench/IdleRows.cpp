@@ -1,4 +1,4 @@
-// What many open ports cost while nothing happens, and what a status costs among them.
+// The cost of many open ports while nothing happens, and of a status among them.
 
 #include <malloc.h>
 #include <sys/resource.h>
@@ -20,7 +20,7 @@ using namespace std::chrono_literals;
 
 constexpr int portCount = 1000;
 
-/// Threads that do nothing but what a port thread cannot do without: they wait in slices of 0.1 s.
+/// Threads that do the least that a port thread must do: they wait in slices of 0.1 s.
 class BareThreads {
  public:
   explicit BareThreads(int count) {
@@ -64,7 +64,7 @@ Usage usageOfThisProcess() {
           .wakeUps = static_cast<double>(usage.ru_nvcsw)};
 }
 
-/// The memory of this process that lies in the machine's, in KiB.
+/// The resident memory of this process, in KiB.
 double residentKibibytes() {
   std::ifstream file("/proc/self/smaps_rollup");
   for (std::string word; file >> word;) {
@@ -83,7 +83,7 @@ struct Idle {
   double kibibytes;  // of one thread, or one port and its thread
 };
 
-/// What a crowd costs that is made by `make`: nothing but its threads is awake meanwhile.
+/// The cost of the crowd that `make` makes; only its threads run meanwhile.
 template <typename Make>
 Idle idleWith(Make make, int count) {
   constexpr double seconds = 1;

@@ -1,4 +1,4 @@
-// What a log statement costs the one who makes it.
+// The cost of a log statement for its caller.
 
 #include <benchmark/benchmark.h>
 #include <spdlog/async.h>
@@ -27,7 +27,7 @@ constexpr double nanosecond = 1e9;
 constexpr double millisecond = 1e3;
 constexpr std::size_t queueSize = LogQueue::defaultCapacity;
 
-/// Counts the records that reach it. Takes its time over the first ones where that is asked for.
+/// Counts the records that reach it. Handles the first ones slowly if that is asked for.
 class Destination {
  public:
   void take(std::size_t records) {
@@ -45,7 +45,7 @@ class Destination {
 
 class OurSink final : public LogSink, public Destination {
  public:
-  /// The delivery's own records, which tell of drops, are not among those that were logged.
+  /// The delivery's own records, which report drops, are not among those that were logged.
   void write(std::span<const LogRecord> records) override {
     const auto logged = std::count_if(records.begin(), records.end(), [](const LogRecord& record) {
       return record.type != ZKLogTypeError;
@@ -98,7 +98,7 @@ class OurLogger {
 };
 
 /// The same text with the same fields by an asynchronous logger of good name that keeps its newest
-/// records when it is overrun; its writer on the second core, too.
+/// records when it is overrun; its writer is on the second core as well.
 class TheirLogger {
  public:
   explicit TheirLogger(std::size_t capacity = queueSize) {
@@ -114,7 +114,7 @@ class TheirLogger {
                  number, 10);
   }
 
-  /// The cheapest that can be had: nothing of the call is touched before the level was asked.
+  /// The cheapest form: no argument is evaluated before the level is checked.
   void logIfWanted(std::int64_t number) const {
     if (logger_->should_log(spdlog::level::info)) {
       log(number);
@@ -138,7 +138,7 @@ class TheirLogger {
   std::shared_ptr<spdlog::async_logger> logger_;
 };
 
-/// When the records of a load come: `bursts` times `size` at once, each burst `every` after the
+/// The schedule of a load: `bursts` times `size` records at once, each burst `every` after the
 /// last.
 struct Load {
   const char* name;
@@ -159,7 +159,7 @@ void awaitInstant(SteadyClock::time_point instant) {
   }
 }
 
-/// What it costs to look at the clock before and after a call.
+/// The cost of reading the clock before and after a call.
 double secondsOfMeasuring() {
   constexpr int looks = 10'000;
   return median(secondsOfEach(looks, [] {}));
@@ -238,13 +238,13 @@ CallerView viewOfMany(const Load& load, int count) {
 
 struct StallView {
   double longest;
-  double unaccounted;  // records that neither came nor were counted as dropped
+  double unaccounted;  // records neither delivered nor counted as dropped
 };
 
 template <typename Logger>
 StallView viewOfStall() {
   constexpr Load load{"", 8000, 1, 50us};   // 20,000 a second, for twice the stall
-  constexpr std::size_t smallQueue = 1024;  // overrun by what comes during the stall
+  constexpr std::size_t smallQueue = 1024;  // overrun during the stall
   Logger logger(smallQueue);
   logger.destination().stallOnce(200ms);
   const double longest = highest(secondsOfCalls(load, logger));

@@ -19,7 +19,7 @@ double lowest(const Figures& figures);
 double highest(const Figures& figures);
 double sum(const Figures& figures);
 
-/// What was measured on either side, one result a pair.
+/// The results of both sides, one for each pair.
 template <typename Result>
 struct Pairs {
   std::vector<Result> ours;
@@ -27,7 +27,7 @@ struct Pairs {
 };
 
 /// Runs both sides in turn, each first as often as the other as far as the count allows, so that
-/// what else the machine does meanwhile falls on both.
+/// other work of the machine affects both.
 template <typename Ours, typename Limit>
 auto alternate(Ours measureOurs, Limit measureLimit) {
   Pairs<std::invoke_result_t<Ours>> pairs;

@@ -10,13 +10,13 @@ namespace quordalvane::bench {
 /// A port that is open as long as this lives. Its time-out is ten seconds.
 class OpenPort {
  public:
-  /// Raises std::runtime_error when the port cannot be opened.
+  /// Throws std::runtime_error when the port cannot be opened.
   OpenPort(const std::string& device, ZKEmulation emulation);
   ~OpenPort();
   OpenPort(const OpenPort&) = delete;
   OpenPort& operator=(const OpenPort&) = delete;
 
-  /// One status; raises std::runtime_error when there is none.
+  /// One status; throws std::runtime_error if the printer gives none.
   void getStatus();
 
   ExternalAccessoryPort& operator*() { return *port_; }

@@ -17,7 +17,7 @@ const std::vector<std::uint8_t> escposQueries[3] = {
 
 namespace {
 
-/// The last three bytes that came, which is all that an answer depends on.
+/// The last three bytes that arrived; an answer depends on them alone.
 class Requests {
  public:
   /// The reply to the request that `byte` completes; empty if it completes none.
@@ -50,7 +50,7 @@ bool answerOnce(int descriptor, Requests& requests, std::chrono::microseconds de
   return true;
 }
 
-/// Whether anything came before the other side ended the connection.
+/// Whether anything arrived before the other side ended the connection.
 bool answerUntilItsEnd(int descriptor, std::chrono::microseconds delay) {
   Requests requests;
   bool anyCame = false;

@@ -29,7 +29,7 @@ class Peer {
   Peer(const Peer&) = delete;
   Peer& operator=(const Peer&) = delete;
 
-  /// Answers status requests of both emulations, each `delay` after it came.
+  /// Answers status requests of both emulations, each `delay` after it arrived.
   void answer(int descriptor, std::chrono::microseconds delay = {});
 
   /// Takes all connections that are made to the endpoint, which must outlive this, one after the
@@ -39,7 +39,7 @@ class Peer {
   /// Answers on many connections by turns.
   void answerEach(std::vector<int> descriptors);
 
-  /// Takes what comes and calls `taken` with the size of each piece.
+  /// Takes all that arrives and calls `taken` with the size of each piece.
   void drain(int descriptor, std::function<void(std::size_t)> taken);
 
  private:

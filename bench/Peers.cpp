@@ -37,7 +37,7 @@ double read(FILE* output) {
   return seconds;
 }
 
-/// What `measure` says of an endpoint whose printer answers each connection.
+/// The result of `measure` for an endpoint whose printer answers each connection.
 template <typename Measure>
 double microsecondsAt(Measure measure) {
   const auto endpoint = makeEndpoint(Medium::Tcp);

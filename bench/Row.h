@@ -9,7 +9,7 @@
 
 namespace quordalvane::bench {
 
-/// What a row is about, as it stands in the report.
+/// The subject of a row, as the report shows it.
 struct Heading {
   std::string id;
   std::string what;
@@ -29,10 +29,10 @@ struct Row {
   Heading heading;
   double ours = 0;
   double limit = 0;
-  std::optional<Spread> spread = std::nullopt;  // none where the figures do not vary
+  std::optional<Spread> spread = std::nullopt;  // empty if the figures do not vary
   std::map<std::string, double> peers = {};     // other ways to the same end, in the row's unit
 
-  /// 1 where there is nothing on either side.
+  /// 1 if both sides are zero.
   double ratio() const { return ours == limit ? 1 : ours / limit; }
 };
 

@@ -1,4 +1,4 @@
-// What a status costs beyond the exchange of its bytes.
+// The cost of a status beyond the exchange of its bytes.
 
 #include <string>
 #include <utility>

@@ -1,4 +1,4 @@
-// How fast whole jobs run where time is virtual.
+// The speed of whole jobs in virtual time.
 
 #include <fstream>
 #include <iterator>
@@ -15,7 +15,7 @@
 namespace quordalvane::bench {
 namespace {
 
-// What a thermal printer works through while it feeds some thirty lines a second.
+// The bytes a second of a thermal printer that feeds some thirty lines a second.
 constexpr std::uint32_t bytesPerSecond = 1000;
 
 ByteBuffer receipt() {

@@ -1,4 +1,4 @@
-// The waits: for a reply that comes late, for one that never comes, and those around a connection.
+// The waits: for a late reply, for a reply that is never sent, and those around a connection.
 
 #include <sys/resource.h>
 #include <unistd.h>
@@ -78,7 +78,7 @@ void askSilentDevice(OpenPort& port) {
   }
 }
 
-/// What `open` and `close` pause for by their contracts: 0.1 s each, `close` on newer systems
+/// The pauses of `open` and `close` by their contracts: 0.1 s each, in `close` on newer systems
 /// alone.
 double namedPauses(const ExternalAccessoryPort& port) {
   const bool closePauses = std::stof(port.platform().currentDevice().systemVersion()) >= 10;

@@ -18,7 +18,7 @@ struct Group {
   Rows (*measure)();
 };
 
-// What asks for memory comes first, while there is none to be used again.
+// The rows that measure memory run first, while no freed memory can be used again.
 constexpr std::array groups = {
     Group{"B9", idlePorts},           Group{"B1", lineStatusOverTcp},
     Group{"B2", escposStatusOverTcp}, Group{"B3", lineStatusElsewhere},

@@ -5,10 +5,9 @@
 
 namespace quordalvane::fuzz {
 
-/// A link whose printer answers anything. The rest of the input is pieces, each of two bytes, a
-/// length of up to 63 and so many bytes: which request the piece answers (or none: it comes by
-/// itself), how late it comes, and what it is. The next piece for the same request is the next
-/// answer to it.
+/// A link whose printer answers anything. The rest of the input is a list of pieces. A piece begins
+/// with a byte for its request (or for no request: it is sent unasked) and its delay, and a byte
+/// for its length of up to 63. A second piece for a request is the answer to its second sending.
 inline test::Script arbitraryLink(Input& input) {
   using test::bytes;
   static const Bytes requests[] = {

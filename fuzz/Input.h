@@ -10,7 +10,7 @@
 
 namespace quordalvane::fuzz {
 
-/// Takes an input apart from its front. What is not there is zero or empty.
+/// Takes an input apart from its front. After its end, numbers are zero and texts are empty.
 class Input {
  public:
   Input(const std::uint8_t* data, std::size_t size) : left_(data, size) {}
@@ -31,7 +31,7 @@ class Input {
 
   Bytes rest() { return bytes(left_.size()); }
 
-  /// Up to the next zero byte, which is taken too.
+  /// The text up to the next zero byte; takes the zero as well.
   std::string text() {
     const auto length = std::find(left_.begin(), left_.end(), 0) - left_.begin();
     const Bytes taken = bytes(static_cast<std::size_t>(length));

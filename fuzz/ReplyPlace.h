@@ -22,7 +22,7 @@ inline Bytes joined(Bytes one, const Bytes& other) {
   return one;
 }
 
-/// The parser's answer on a heap copy of the exact size; none if it found nothing.
+/// The parser's answer on a heap copy of the exact size; empty if it found nothing.
 template <typename Parser>
 std::optional<Place> placeIn(Parser parser, const Bytes& bytes) {
   const auto exact = std::make_unique<std::uint8_t[]>(bytes.size());
@@ -37,8 +37,8 @@ std::optional<Place> placeIn(Parser parser, const Bytes& bytes) {
   return place;
 }
 
-/// What does not depend on the place: a NUL in front moves the field by one, one behind leaves it
-/// where it is, and with a whole reply behind the bytes there is always something to find.
+/// Requires that the surroundings do not matter: a NUL before the bytes moves the field by one, a
+/// NUL after them does not move it, and the parser always finds a whole reply after them.
 template <typename Parser>
 void requireSteady(Parser parser, const Bytes& bytes, const Bytes& wholeReply) {
   auto place = placeIn(parser, bytes);

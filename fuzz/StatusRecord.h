@@ -11,7 +11,7 @@ namespace quordalvane::fuzz {
 
 inline constexpr std::size_t flagCount = 30;
 
-/// A record whose memory is the input's, as far as that reaches; zeroes behind it.
+/// A record whose memory begins with the input; the rest is zero.
 inline QuorPrinterStatus_2 recordFrom(const std::uint8_t* data, std::size_t size) {
   QuorPrinterStatus_2 record = {};
   std::memcpy(&record, data, std::min(size, sizeof record));

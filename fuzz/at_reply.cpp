@@ -3,9 +3,9 @@
 
 using namespace quordalvane;
 
-/// What the Bluetooth module answers. The first byte is how many characters are wanted and whether
-/// behind a title; the rest is the reply, in pieces where a byte 80 parts them. Port and model must
-/// agree in everything.
+/// The reply of the Bluetooth module. The first byte says how many characters are wanted, and
+/// whether they follow a title. The rest is the reply; bytes 80 divide it into pieces. Port and
+/// model must agree in everything.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::Input input(data, size);
   const std::uint8_t how = input.byte();

@@ -7,8 +7,8 @@
 using namespace quordalvane;
 using fuzz::require;
 
-/// The input is a text in which an address may stand: what is found is what a regular expression
-/// for it finds first.
+/// The input is a text that may hold an address. The search must find the first match of a regular
+/// expression for addresses.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const std::regex address(
       "(?:^|[^0-9A-Fa-f])((?:[0-9A-Fa-f]{2}:){5}[0-9A-Fa-f]{2})(?![0-9A-Fa-f])");

@@ -5,7 +5,8 @@
 using namespace quordalvane;
 using fuzz::require;
 
-/// Whatever the record holds, its length included: the reply stays, and every field is made of it.
+/// The record may hold anything, also as its length. Every field is derived from the reply, which
+/// does not change.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const QuorPrinterStatus_2 before = fuzz::recordFrom(data, size);
   QuorPrinterStatus_2 record = before;

@@ -7,8 +7,8 @@
 using namespace quordalvane;
 using fuzz::require;
 
-/// The texts of a record, each up to a zero, and the rest as the message: one line in both forms,
-/// without a control character; a text that is valid comes back from the JSON line as it was.
+/// The input is the texts of a record, each up to a zero; the rest is the message. Both forms are
+/// one line without a control character, and the JSON line gives a valid text back unchanged.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::Input input(data, size);
   const std::string method = input.text();

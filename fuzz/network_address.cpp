@@ -18,8 +18,8 @@ std::string written(const std::string& host, std::uint16_t port) {
 
 }  // namespace
 
-/// The input is an address as a user types it, to call or to listen at. What is read can be written
-/// and read again; what is not is answered with a text that can be shown.
+/// The input is an address that a user types, to connect to or to listen at. An address that is
+/// read can be written and read again; the text of a refusal is printable.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string text(data, data + size);
   try {

@@ -42,7 +42,7 @@ bool isPrinter(EAAccessory& accessory) {
 }  // namespace
 
 /// Texts, each up to a zero: the port name, and an accessory's name, serial number, model, maker
-/// and address. The accessory is opened when it is designated and a printer, and never else.
+/// and address. The accessory is opened if it is designated and a printer, and never otherwise.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::Input input(data, size);
   const std::string portName = input.text();

@@ -9,7 +9,7 @@ using fuzz::require;
 
 namespace {
 
-/// The number behind the first d that has one, if it is 0 to 255; -1 otherwise.
+/// The number after the first d that has one, if it is 0 to 255; -1 otherwise.
 std::int64_t expectedDataTimeout(const std::string& settings) {
   constexpr auto digits = "0123456789";
   std::size_t start = settings.find('d');

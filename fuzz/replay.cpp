@@ -1,5 +1,5 @@
 // Feeds a fuzz target the files of the folders given, for compilers without a fuzzing engine. Fails
-// when there is no file, so that a lost corpus does not pass for a good one.
+// if there is no file, so that a lost corpus is not taken for a good one.
 
 #include <algorithm>
 #include <filesystem>

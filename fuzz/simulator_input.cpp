@@ -59,9 +59,9 @@ void check(std::span<const std::uint8_t> bytes, std::string_view proofs) {
 
 }  // namespace
 
-/// Whatever a host sends: in one piece and byte by byte it gives the same replies and the same
-/// paper; a slow printer takes it, and prints no more than it was sent. The same holds for a
-/// printer that knows no checked block.
+/// A host sends anything. In one piece and byte by byte it gives the same replies and the same
+/// paper. A slow printer takes it as well, and prints no more than it was sent. The same holds for
+/// a printer that knows no checked block.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::span<const std::uint8_t> bytes(data, size);
   check(bytes, "block+process-id+in-order");

@@ -1,4 +1,4 @@
-"""What lies between a till and its printer in real life: a link that slices, throttles, delays and cuts."""
+"""A link between a till and its printer as in real life: it slices, throttles, delays and cuts."""
 
 import os
 import pty
@@ -17,7 +17,7 @@ FULL = 65536  # bytes under way, from which on the sender has to wait
 
 @dataclass(frozen=True)
 class Weather:
-    """What a link does until it is told otherwise."""
+    """The behaviour of a link until the next setting."""
 
     slice: int = READ_SIZE  # bytes that arrive together
     rate: float = 0  # bytes a second; 0 is all at once
@@ -45,7 +45,7 @@ class Direction:
         self.last = due
 
     def deliver(self) -> int:
-        """Hands over what is due; the count of its bytes."""
+        """Hands over the bytes that are due; returns their count."""
         count = 0
         while self.under_way and self.under_way[0][0] <= time.monotonic():
             due, piece = self.under_way.popleft()

@@ -1,7 +1,7 @@
 """Tills that print for long in real time, over a local socket and a terminal, through bad weather.
 
 Arguments: the till program. In the environment: QUORPORT, the command; QUOR_SOAK_SECONDS, how long (10
-unless it says otherwise); QUOR_SEED, the seed of the first job. The last line tells what was done.
+unless it says otherwise); QUOR_SEED, the seed of the first job. The last line is a summary.
 
 No job fails on a link that was not cut; the paper holds the jobs in turn, each once, what is called printed
 whole and of any other the beginning; the till holds no more descriptors and threads in the end than in the
@@ -142,7 +142,7 @@ class Soak:
                 raise Failure(f"{self.name}: {drift} bytes more are {kind}")
 
     def check_paper(self):
-        """Where lines end is the printer's affair; a last line that has no end it still keeps to itself."""
+        """The printer wraps lines as it likes, and keeps a last line without an end."""
         expected, whole_lines = ("".join(text.split()) for text in (self.paper, self.paper.rpartition("\n")[0]))
 
         def torn_off() -> str:

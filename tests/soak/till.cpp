@@ -1,5 +1,5 @@
-// A till that runs for long: a process that does what its standard input says and tells of each job
-// what came of it, and of itself what it holds of the system.
+// A till that runs for long: a process that obeys its standard input, and answers with the outcome
+// of each job and with the resources that it holds.
 //
 //     till DEVICE LOG-FILE line|escpos
 //     print BYTES keep|anew     a job of the bytes that follow this line, so many, on the port that
@@ -37,7 +37,7 @@ std::ptrdiff_t entriesOf(const char* folder) {
   return std::distance(files::directory_iterator(folder), {});
 }
 
-/// The memory that the process has in use, in bytes: what its pages hold, and what it allocated.
+/// The resident memory of the process, in bytes.
 std::uint64_t residentMemory() {
   std::uint64_t pages = 0;
   std::ifstream("/proc/self/statm") >> pages >> pages;
@@ -62,7 +62,7 @@ Json resources(std::ptrdiff_t threads) {
           {"resident", residentMemory()}};
 }
 
-/// The line that asks for it is read up to its end; the data begins behind that.
+/// The line of the request is read up to its end; the data begins after it.
 ByteBuffer receivedData(std::size_t size) {
   std::string text(size, '\0');
   std::cin.ignore();
