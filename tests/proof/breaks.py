@@ -44,6 +44,8 @@ BREAKS = (
           "  const auto chosen"),
     Break("a close leaves the port thread running", PORT + "PortThread.cpp",
           "    stopThread71 = true;\n", ""),
+    Break("a job is called printed without its proof", "job/CheckedBlock.cpp", "if (isProven()) {", "if (true) {"),
+    Break("the report of an earlier job confirms a later one", "job/EscPosBlock.cpp", "  report_.clear();\n", ""),
     Break("a record that finds the queue full is dropped and not counted", "logging/LogQueue.cpp",
           "      ++counts_.dropped;\n", ""),
     Break("control characters of eight-bit terminals reach a sink", "logging/PrintableText.cpp",

@@ -117,10 +117,12 @@ TEST_F(RotatingFileTest, CountsWhatTheFileHeldBefore) {
 }
 
 TEST_F(RotatingFileTest, BeginsANewLineBehindATornOne) {
-  std::ofstream(path_) << "tor";
-  RotatingFile file(path_, {});
-  put(file, {"whole\n"});
-  EXPECT_EQ(contents(), "tor\nwhole\n");
+  for (const std::string torn : {"t", "tor"}) {
+    std::ofstream(path_) << torn;
+    RotatingFile file(path_, {});
+    put(file, {"whole\n"});
+    EXPECT_EQ(contents(), torn + "\nwhole\n");
+  }
 }
 
 TEST_F(RotatingFileTest, IsReadableForItsOwnerAlone) {

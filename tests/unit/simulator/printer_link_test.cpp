@@ -36,6 +36,15 @@ TEST(PrinterLink, AReplyThatNobodyReadDoesNotReachTheNextLink) {
   EXPECT_EQ(session.receive(), hex("1b1d03010000 01 00")) << "a report goes to whoever is there";
 }
 
+TEST(PrinterLink, APrinterPrintsOnWhileALinkThatWasCutIsAsked) {
+  Session session(PrinterBuilder().speed(10), with("cut-after-in", "20"));
+  ASSERT_TRUE(session.send(Bytes(20, 'x')));
+  EXPECT_TRUE(session.link->dropped(session.now));
+  session.wait(1s);
+  EXPECT_TRUE(session.link->dropped(session.now));
+  EXPECT_EQ(session.printer.buffered(), 10U);
+}
+
 TEST(PrinterLink, AnIdleLinkHasNothingDue) {
   Session session;
   EXPECT_EQ(session.link->nextEvent(session.now), std::nullopt);
