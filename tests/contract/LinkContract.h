@@ -26,9 +26,18 @@ class LinkContract : public testing::TestWithParam<LinkKind> {
     ASSERT_NE(session, nullptr);
     input = session->inputStream();
     output = session->outputStream();
-    input->open();
-    output->open();
+    maker->onStreamThread([this] {
+      schedule(*input);
+      schedule(*output);
+    });
     peer = maker->peer();
+  }
+
+  /// As a port does it before it uses a stream.
+  void schedule(NSStream& stream) {
+    stream.setDelegate(receiver_);
+    stream.scheduleInRunLoop(maker->platform().currentRunLoop(), NSDefaultRunLoopMode);
+    stream.open();
   }
 
   double now() const {
@@ -100,6 +109,9 @@ class LinkContract : public testing::TestWithParam<LinkKind> {
   std::shared_ptr<NSInputStream> input;
   std::shared_ptr<NSOutputStream> output;
   std::unique_ptr<Peer> peer;
+
+ private:
+  const std::shared_ptr<const void> receiver_ = std::make_shared<int>();
 };
 
 inline std::string kindName(const testing::TestParamInfo<LinkKind>& info) {

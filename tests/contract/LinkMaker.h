@@ -50,6 +50,7 @@ struct LinkTraits {
   bool resets = true;
   bool linksAnew = true;         ///< each session has a link of its own
   bool standsSideBySide = true;  ///< a new session leaves the one before it alone
+  bool knowsWhatIsOwed = true;   ///< it can say that no reply is on its way
 };
 
 /// One kind of link: the accessory under test and the other side of its sessions.
@@ -63,6 +64,9 @@ class LinkMaker {
 
   /// The other side of the session that was opened last; called once for each.
   virtual std::unique_ptr<Peer> peer() = 0;
+
+  /// Runs `routine` on the thread on whose run loop the streams are scheduled.
+  virtual void onStreamThread(const std::function<void()>& routine) { routine(); }
 };
 
 /// A parameter of the suite.

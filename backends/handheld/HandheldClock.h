@@ -1,0 +1,16 @@
+#pragma once
+
+#include "platform/Clock.h"
+
+namespace quordalvane::handheld {
+
+/// The clocks and sleeps that every system of this family has.
+class HandheldClock final : public Clock {
+ public:
+  TimeValue gettimeofday() override;
+  std::chrono::nanoseconds monotonic() override;
+  void usleep(std::uint64_t microseconds) override;
+  void select(std::int32_t microseconds) override;
+};
+
+}  // namespace quordalvane::handheld

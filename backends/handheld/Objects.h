@@ -1,0 +1,88 @@
+#pragma once
+
+#import <Foundation/Foundation.h>
+
+#include <optional>
+#include <string>
+#include <type_traits>
+#include <utility>
+
+#include "backends/handheld/FrameworkError.h"
+
+// For Objective-C++ alone: how the C++ objects of this folder own and ask objects of the frameworks.
+
+#if __has_feature(objc_arc)
+#error "This folder retains and releases by itself: compile it without automatic reference counting."
+#endif
+
+namespace quordalvane::handheld {
+
+/// Owns one reference to an object of a framework, or to nil.
+template <typename Object>
+class Retained {
+ public:
+  /// Takes a reference of its own.
+  explicit Retained(Object* object = nil) : object_([object retain]) {}
+
+  /// Takes over the reference that `alloc` or `copy` gave.
+  static Retained adopting(Object* object) {
+    Retained adopted;
+    adopted.object_ = object;
+    return adopted;
+  }
+
+  Retained(Retained&& other) noexcept : object_(std::exchange(other.object_, nil)) {}
+  Retained& operator=(Retained&& other) noexcept {
+    std::swap(object_, other.object_);
+    return *this;
+  }
+  Retained(const Retained&) = delete;
+  Retained& operator=(const Retained&) = delete;
+  ~Retained() { [object_ release]; }
+
+  Object* get() const { return object_; }
+
+ private:
+  Object* object_;
+};
+
+/// The text, or nothing for nil.
+inline std::optional<std::string> textOf(NSString* text) {
+  const char* const characters = [text UTF8String];
+  return characters != nullptr ? std::optional<std::string>(characters) : std::nullopt;
+}
+
+/// What a framework raised, for people; never empty.
+inline std::string textOf(NSException* exception) {
+  return textOf([exception name]).value_or("exception") + ": " +
+         textOf([exception reason]).value_or("no reason given");
+}
+
+/// `text` as the frameworks take it, owned by the current pool.
+inline NSString* stringOf(const std::string& text) {
+  return [NSString stringWithUTF8String:text.c_str()];
+}
+
+/// Runs `question`, which asks a framework, in a pool of its own and returns its answer. Throws a
+/// `FrameworkError` if the framework raised; no exception of one language crosses the other.
+template <typename Question>
+auto ask(Question question) {
+  using Answer = std::invoke_result_t<Question>;
+  std::conditional_t<std::is_void_v<Answer>, bool, Answer> answer{};
+  std::string raised;
+  @autoreleasepool {
+    @try {
+      if constexpr (std::is_void_v<Answer>) {
+        question();
+      } else {
+        answer = question();
+      }
+    } @catch (NSException* exception) {
+      raised = textOf(exception);
+    }
+  }
+  throwIfRaised(raised);
+  return static_cast<Answer>(std::move(answer));
+}
+
+}  // namespace quordalvane::handheld

@@ -1,0 +1,41 @@
+#include <algorithm>
+#include <thread>
+
+#include "backends/handheld/Frameworks.h"
+#include "backends/handheld/Objects.h"
+
+namespace quordalvane::handheld {
+namespace {
+
+// A loop without a source returns at once, where a port expects a slice to last its time.
+void sleepUntil(NSDate* date) {
+  const double left = [date timeIntervalSinceNow];
+  std::this_thread::sleep_for(std::chrono::duration<double>(std::max(left, 0.0)));
+}
+
+/// The framework's loop of the thread that calls; it has nothing of its own.
+class HandheldRunLoop final : public NSRunLoop {
+ public:
+  void runUntilDate(double seconds) override {
+    ask([seconds] {
+      NSDate* const end = [NSDate dateWithTimeIntervalSinceNow:seconds];
+      [[::NSRunLoop currentRunLoop] runUntilDate:end];
+      sleepUntil(end);
+    });
+  }
+
+  void runUntilDate(double seconds, NSStream& awaited) override {
+    ask([] { [[::NSRunLoop currentRunLoop] runUntilDate:[NSDate date]]; });
+    awaited.waitUntilReady(seconds);
+  }
+};
+
+}  // namespace
+
+NSRunLoop& currentRunLoop() {
+  // Never destroyed: threads may go on turning it while the process ends.
+  static auto* const loop = new HandheldRunLoop;
+  return *loop;
+}
+
+}  // namespace quordalvane::handheld

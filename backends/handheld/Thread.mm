@@ -1,0 +1,175 @@
+#include <condition_variable>
+#include <mutex>
+
+#include "backends/handheld/Frameworks.h"
+#include "backends/handheld/Objects.h"
+#include "backends/handheld/Routine.h"
+
+namespace {
+
+/// Where a thread is in its life. Its handle and the thread itself share it.
+class Life {
+ public:
+  enum class Stage { NotStarted, Turning, Ended };
+
+  void enter(Stage stage) {
+    const std::lock_guard lock(mutex_);
+    stage_ = stage;
+    changed_.notify_all();
+  }
+
+  bool isTurning() {
+    const std::lock_guard lock(mutex_);
+    return stage_ == Stage::Turning;
+  }
+
+  void awaitStart() {
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [this] { return stage_ != Stage::NotStarted; });
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  Stage stage_ = Stage::NotStarted;  // guarded by mutex_
+};
+
+/// What a thread runs, and what it tells of itself.
+struct Body {
+  quordalvane::handheld::Routine routine;
+  std::shared_ptr<Life> life;
+};
+
+}  // namespace
+
+/// What the framework's thread runs. It owns `body`.
+@interface QuorThreadBody : NSObject {
+ @public
+  Body* body;
+}
+- (void)live;
+@end
+
+@implementation QuorThreadBody
+
+- (void)live {
+  @autoreleasepool {
+    // Without a source the loop would not wait, and what is carried to it would never run.
+    NSPort* const source = [NSPort port];
+    NSRunLoop* const loop = [NSRunLoop currentRunLoop];
+    [loop addPort:source forMode:NSDefaultRunLoopMode];
+    body->life->enter(Life::Stage::Turning);
+    body->routine.run();
+    body->life->enter(Life::Stage::Ended);
+    // What was accepted until then still runs.
+    [loop runUntilDate:[NSDate date]];
+    [loop removePort:source forMode:NSDefaultRunLoopMode];
+  }
+}
+
+- (void)dealloc {
+  delete body;
+  [super dealloc];
+}
+
+@end
+
+/// A routine that one thread carries to another.
+@interface QuorCarriedRoutine : NSObject {
+ @public
+  quordalvane::handheld::Routine* routine;
+}
+- (void)run;
+@end
+
+@implementation QuorCarriedRoutine
+
+- (void)run {
+  routine->run();
+}
+
+@end
+
+namespace quordalvane::handheld {
+namespace {
+
+class HandheldThread final : public NSThread {
+ public:
+  explicit HandheldThread(std::function<void()> body)
+      : body_(Retained<QuorThreadBody>::adopting([[QuorThreadBody alloc] init])) {
+    body_.get()->body = new Body{Routine(std::move(body)), life_};
+  }
+
+  bool start() override {
+    const bool isStarted = begin();
+    body_ = Retained<QuorThreadBody>();  // the thread keeps it now, and lets it go with its end
+    if (isStarted) {
+      life_->awaitStart();
+    }
+    return isStarted;
+  }
+
+  void cancel() override {
+    ask([this] { [thread_.get() cancel]; });
+  }
+
+  bool performAndWait(std::function<void()> routine) override {
+    Routine carried(std::move(routine));
+    const Retained<::NSThread> thread(thread_.get());  // the routine may release this handle
+    if (thread.get() != nil && [thread.get() isEqual:[::NSThread currentThread]]) {
+      carried.run();
+    } else if (life_->isTurning()) {
+      carry(carried, thread.get());
+    }
+    carried.throwIfFailed();
+    return carried.hasRun();
+  }
+
+ private:
+  bool begin() {
+    @autoreleasepool {
+      @try {
+        thread_ = Retained<::NSThread>::adopting([[::NSThread alloc] initWithTarget:body_.get()
+                                                                          selector:@selector(live)
+                                                                            object:nil]);
+        [thread_.get() start];
+        return true;
+      } @catch (NSException*) {
+        return false;
+      }
+    }
+  }
+
+  /// A thread that ends before it has run the routine makes the framework raise; `carried` then
+  /// says that it has not run.
+  static void carry(Routine& carried, ::NSThread* thread) {
+    @autoreleasepool {
+      const auto carrier =
+          Retained<QuorCarriedRoutine>::adopting([[QuorCarriedRoutine alloc] init]);
+      carrier.get()->routine = &carried;
+      @try {
+        [carrier.get() performSelector:@selector(run)
+                              onThread:thread
+                            withObject:nil
+                         waitUntilDone:YES];
+      } @catch (NSException*) {
+      }
+    }
+  }
+
+  const std::shared_ptr<Life> life_ = std::make_shared<Life>();
+  Retained<QuorThreadBody> body_;  // nil once started
+  Retained<::NSThread> thread_;    // nil before
+};
+
+}  // namespace
+
+std::shared_ptr<NSThread> makeThread(std::function<void()> body) {
+  return std::make_shared<HandheldThread>(std::move(body));
+}
+
+bool isMainThread() {
+  return [::NSThread isMainThread] == YES;
+}
+
+}  // namespace quordalvane::handheld

@@ -1,0 +1,30 @@
+# Objective-C++ over GNUstep: sets GNUSTEP_FOUND, and then the target `gnustep` has all that its
+# sources need. Only clang compiles the language that the device's compiler takes.
+find_program(QUOR_OBJCXX_COMPILER NAMES clang++)
+find_path(GNUSTEP_INCLUDE_DIR Foundation/Foundation.h PATH_SUFFIXES GNUstep)
+find_library(GNUSTEP_LIBRARY gnustep-base)
+execute_process(COMMAND ${CMAKE_C_COMPILER} -print-file-name=include
+                OUTPUT_VARIABLE QUOR_COMPILER_INCLUDE_DIR OUTPUT_STRIP_TRAILING_WHITESPACE)
+find_path(OBJC_INCLUDE_DIR objc/objc.h PATHS ${QUOR_COMPILER_INCLUDE_DIR})
+get_filename_component(QUOR_COMPILER_DIR ${QUOR_COMPILER_INCLUDE_DIR} DIRECTORY)
+find_library(OBJC_LIBRARY NAMES objc PATHS ${QUOR_COMPILER_DIR})
+
+set(GNUSTEP_FOUND FALSE)
+if(NOT (QUOR_OBJCXX_COMPILER AND GNUSTEP_INCLUDE_DIR AND GNUSTEP_LIBRARY AND OBJC_INCLUDE_DIR
+        AND OBJC_LIBRARY))
+  return()
+endif()
+set(GNUSTEP_FOUND TRUE)
+set(CMAKE_OBJCXX_COMPILER ${QUOR_OBJCXX_COMPILER})
+set(CMAKE_OBJCXX_STANDARD 20)
+enable_language(OBJCXX)
+
+add_library(gnustep INTERFACE)
+target_include_directories(gnustep SYSTEM INTERFACE ${GNUSTEP_INCLUDE_DIR} ${OBJC_INCLUDE_DIR})
+target_link_libraries(gnustep INTERFACE ${GNUSTEP_LIBRARY} ${OBJC_LIBRARY})
+target_compile_definitions(gnustep INTERFACE
+  $<$<COMPILE_LANGUAGE:OBJCXX>:_NATIVE_OBJC_EXCEPTIONS GNUSTEP GNU_RUNTIME=1
+  GNUSTEP_BASE_LIBRARY=1>)
+target_compile_options(gnustep INTERFACE
+  $<$<COMPILE_LANGUAGE:OBJCXX>:-fobjc-runtime=gcc -fobjc-exceptions -fexceptions
+  -fconstant-string-class=NSConstantString>)

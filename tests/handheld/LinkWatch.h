@@ -1,0 +1,35 @@
+#pragma once
+
+#import <Foundation/Foundation.h>
+
+#include <atomic>
+#include <memory>
+
+#include "tests/handheld/SocketLink.h"
+
+/// Watches one direction of a socket on a run loop for a stream and tells the stream's delegate. An
+/// event is told once; `rearm` asks for the next.
+@interface QuorLinkWatch : NSObject <RunLoopEvents> {
+ @public
+  std::shared_ptr<quordalvane::test::SocketLink>* link;  // owned
+  NSStream* stream;                                      // not retained: it owns the watch
+  RunLoopEventType type;
+  std::atomic<NSStreamStatus> status;
+
+ @private
+  id<NSStreamDelegate> delegate_;
+  NSThread* thread_;  // on which it is scheduled; nil where it is not
+  std::atomic<bool> isTold_;
+}
+
+- (instancetype)initWithLink:(std::shared_ptr<quordalvane::test::SocketLink>)link
+                      stream:(NSStream*)stream
+                        type:(RunLoopEventType)type;
+- (void)setDelegate:(id<NSStreamDelegate>)delegate;
+- (id<NSStreamDelegate>)delegate;
+- (void)scheduleInRunLoop:(NSRunLoop*)loop forMode:(NSString*)mode;
+- (void)removeFromRunLoop:(NSRunLoop*)loop forMode:(NSString*)mode;
+- (void)rearm;
+- (void)close;
+- (NSStreamStatus)currentStatus;
+@end

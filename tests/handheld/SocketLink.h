@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <mutex>
+
+namespace quordalvane::test {
+
+/// One end of a connected pair of sockets, as the streams and the accessory of a session share it.
+/// All calls may be made from any thread; none blocks.
+class SocketLink {
+ public:
+  /// Takes over `number`.
+  explicit SocketLink(int number);
+  ~SocketLink();
+  SocketLink(const SocketLink&) = delete;
+  SocketLink& operator=(const SocketLink&) = delete;
+
+  /// For a run loop to watch; the number stays valid as long as the link.
+  int number() const { return number_; }
+
+  bool hasBytes();
+  bool hasSpace();
+  std::int64_t read(std::uint8_t* buffer, std::size_t maxLength);
+  std::int64_t write(const std::uint8_t* bytes, std::size_t length);
+
+  /// Ends the connection for both sides.
+  void end();
+
+  /// True once the other side has ended it, whatever is left to read.
+  bool isHungUp();
+
+  /// True once the other side has ended it and all that came before has been read.
+  bool isLost();
+
+  /// True if a write can only fail.
+  bool isOutputBroken();
+
+ private:
+  short eventsNow(short asked) const;
+
+  const int number_;
+  std::mutex mutex_;
+  bool isEnded_ = false;   // by this side
+  bool isBroken_ = false;  // an error was seen
+};
+
+}  // namespace quordalvane::test

@@ -1,0 +1,24 @@
+#pragma once
+
+#import <Foundation/Foundation.h>
+
+#include <memory>
+
+#include "tests/handheld/SocketLink.h"
+
+@class QuorLinkWatch;
+
+/// The input of a socket, as a stream of the framework. Its events are delivered on the run loop
+/// on which it is scheduled, one for each change.
+@interface QuorSocketInputStream : NSInputStream {
+  QuorLinkWatch* watch_;
+}
+- (instancetype)initWithLink:(std::shared_ptr<quordalvane::test::SocketLink>)link;
+@end
+
+/// The output of a socket, likewise.
+@interface QuorSocketOutputStream : NSOutputStream {
+  QuorLinkWatch* watch_;
+}
+- (instancetype)initWithLink:(std::shared_ptr<quordalvane::test::SocketLink>)link;
+@end

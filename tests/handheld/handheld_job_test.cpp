@@ -1,0 +1,158 @@
+// Ports and jobs over the framework's own threads and loops, with a virtual printer at the other end.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <regex>
+#include <string_view>
+
+#include "backends/handheld/HandheldPlatform.h"
+#include "backends/posix/LinkAccessory.h"
+#include "backends/posix/PosixPlatform.h"
+#include "job/PrintJob.h"
+#include "platform/Forwarding.h"
+#include "tests/handheld/Accessories.h"
+#include "tests/handheld/ServedPrinter.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/Replay.h"
+#include "tests/support/Trace.h"
+
+namespace quordalvane::test {
+namespace {
+
+constexpr std::string_view receipt = "TOTAL 12.50\n";
+
+std::vector<std::uint8_t> bytesOf(std::string_view text) {
+  return {text.begin(), text.end()};
+}
+
+std::shared_ptr<ExternalAccessoryPort> portOn(std::shared_ptr<Platform> platform,
+                                              ZKEmulation emulation) {
+  return ExternalAccessoryPort::initWithPortName("BT:", "", 10000, emulation, std::move(platform));
+}
+
+/// Late enough that every answer is waited for, so that no race decides what is logged.
+simulator::PrinterBuilder lateAnswers() {
+  return simulator::PrinterBuilder().fault("late-reply", "20");
+}
+
+class HandheldJob : public testing::TestWithParam<ZKEmulation> {
+ protected:
+  HandheldJob() {
+    plugIn({.connect = [this] { return printer.connect(); }});
+  }
+  ~HandheldJob() override { unplug(); }
+
+  PrintOutcome print(std::shared_ptr<Platform> platform) {
+    const auto port = portOn(std::move(platform), GetParam());
+    EXPECT_TRUE(port->open());
+    const auto result = PrintJob(port).run(bytesOf(receipt));
+    port->close();
+    EXPECT_EQ(result.reason, "");
+    return result.outcome;
+  }
+
+  ServedPrinter printer{lateAnswers()};
+};
+
+TEST_P(HandheldJob, FromTheMainThreadIsPrinted) {
+  EXPECT_EQ(print(std::make_shared<handheld::HandheldPlatform>()), PrintOutcome::Printed);
+  EXPECT_EQ(printer.printed(), bytesOf(receipt));
+}
+
+TEST_P(HandheldJob, FromAnotherThreadIsPrinted) {
+  std::thread([this] {
+    EXPECT_EQ(print(std::make_shared<handheld::HandheldPlatform>()), PrintOutcome::Printed);
+  }).join();
+  EXPECT_EQ(printer.printed(), bytesOf(receipt));
+}
+
+/// The records of what has happened, with blanks for addresses, which differ from run to run.
+std::vector<std::string> recordsWithoutAddresses() {
+  static const std::regex address("0x[0-9a-f]+");
+  std::vector<std::string> lines;
+  for (const LogRecord& record : LogCapture::instance().take()) {
+    lines.push_back(shownRecord(record.type, record.level, record.method,
+                                std::regex_replace(record.message, address, "<address>")));
+  }
+  return lines;
+}
+
+/// What the accessory of the stand-in service says of itself.
+AccessoryIdentity asPluggedIn() {
+  AccessoryIdentity identity;
+  identity.name = "Virtual";
+  identity.serialNumber = "0001";
+  identity.modelNumber = "V1";
+  identity.connectionID = 7;
+  return identity;
+}
+
+/// Every record names the version that both platforms are given here.
+class SameVersion : public ForwardingPlatform, private UIDevice {
+ public:
+  using ForwardingPlatform::ForwardingPlatform;
+  UIDevice& currentDevice() override { return *this; }
+
+ private:
+  std::string systemVersion() override { return "12.5.7"; }
+};
+
+TEST_P(HandheldJob, LogsRecordForRecordWhatItLogsOverDescriptors) {
+  const auto handheld = std::make_shared<handheld::HandheldPlatform>();
+  const auto descriptors = std::make_shared<posix::PosixPlatform>();
+  ServedPrinter another{lateAnswers()};
+  descriptors->attach(std::make_shared<posix::LinkAccessory>(asPluggedIn(), [&another] {
+    return posix::Descriptor(another.connect(), posix::Descriptor::Kind::Socket);
+  }));
+  const Logging logging(true);
+  std::vector<std::vector<std::string>> traces;
+  for (const std::shared_ptr<Platform>& platform :
+       std::initializer_list<std::shared_ptr<Platform>>{handheld, descriptors}) {
+    LogCapture::instance().clear();
+    // A port thread would mix its own records in at any place, so there is none.
+    std::thread([&] {
+      EXPECT_EQ(print(std::make_shared<SameVersion>(platform)), PrintOutcome::Printed);
+    }).join();
+    traces.push_back(recordsWithoutAddresses());
+  }
+  EXPECT_GT(traces[0].size(), 100U);
+  EXPECT_EQ(traces[0], traces[1]);
+}
+
+INSTANTIATE_TEST_SUITE_P(Emulation, HandheldJob,
+                         testing::Values(ZKEmulationQuorLine, ZKEmulationESCPOS));
+
+/// The same platform without the pauses of a port's open and close.
+class SleeplessPlatform : public ForwardingPlatform {
+ public:
+  using ForwardingPlatform::ForwardingPlatform;
+  Clock& clock() override { return clock_; }
+
+ private:
+  class Sleepless : public ForwardingClock {
+   public:
+    using ForwardingClock::ForwardingClock;
+    void usleep(std::uint64_t /*microseconds*/) override {}
+  };
+  Sleepless clock_{ForwardingPlatform::clock()};
+};
+
+TEST(HandheldCycles, OpenAndCloseOnTheMainThreadAsOftenAsTheyLike) {
+  ServedPrinter printer;
+  plugIn({.connect = [&printer] { return printer.connect(); }});
+  const auto platform =
+      std::make_shared<SleeplessPlatform>(std::make_shared<handheld::HandheldPlatform>());
+  const std::uint64_t count = caseCount("QUOR_HANDHELD_CYCLES", 10000);
+  RecordProperty("cases", std::to_string(count));
+  for (std::uint64_t i = 0; i < count; ++i) {
+    const auto port = portOn(platform, ZKEmulationESCPOS);
+    ASSERT_TRUE(port->open()) << i;
+    ASSERT_TRUE(port->isConnected()) << i;
+    port->close();
+  }
+  unplug();
+}
+
+}  // namespace
+}  // namespace quordalvane::test
