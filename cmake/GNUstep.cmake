@@ -3,7 +3,8 @@
 find_program(QUOR_OBJCXX_COMPILER NAMES clang++)
 find_path(GNUSTEP_INCLUDE_DIR Foundation/Foundation.h PATH_SUFFIXES GNUstep)
 find_library(GNUSTEP_LIBRARY gnustep-base)
-execute_process(COMMAND ${CMAKE_C_COMPILER} -print-file-name=include
+# The language's runtime lies in gcc's own folder, whichever compiler builds the rest.
+execute_process(COMMAND gcc -print-file-name=include
                 OUTPUT_VARIABLE QUOR_COMPILER_INCLUDE_DIR OUTPUT_STRIP_TRAILING_WHITESPACE)
 find_path(OBJC_INCLUDE_DIR objc/objc.h PATHS ${QUOR_COMPILER_INCLUDE_DIR})
 get_filename_component(QUOR_COMPILER_DIR ${QUOR_COMPILER_INCLUDE_DIR} DIRECTORY)

@@ -57,6 +57,8 @@ RULES = (
     Rule("backends/Schemes*", ("platform", "backends", PUBLIC), STANDARD, NO_CLOCK),
     Rule("backends/virtual", ("platform", "backends/*", "simulator"), STANDARD | {"csignal"}, NO_CLOCK),
     Rule("backends/posix", ("platform", "backends/*", PUBLIC), EVERY_SYSTEM_HEADER),
+    # On the device the frameworks' own headers; here those of the same names in its sub-folder.
+    Rule("backends/handheld", ("platform", PUBLIC), EVERY_SYSTEM_HEADER),
     Rule("job", ("iphone-IOPort", PUBLIC), STANDARD, NO_CLOCK),
     # A kernel's lock on a byte of a file; it waits by itself, as other processes do not live by a port's clock.
     Rule("locks", (PUBLIC,), STANDARD | DESCRIPTORS),
