@@ -85,8 +85,8 @@ class HandheldAccessory final : public EAAccessory {
 
   std::shared_ptr<EASession> openSession(const std::string& protocol) override {
     auto session = ask([&] {
-      return Retained<::EASession>::adopting([[::EASession alloc] initWithAccessory:accessory_.get()
-                                                                      forProtocol:stringOf(protocol)]);
+      return Retained<::EASession>::adopting(
+          [[::EASession alloc] initWithAccessory:accessory_.get() forProtocol:stringOf(protocol)]);
     });
     if (session.get() == nil) {
       return nullptr;

@@ -3,8 +3,8 @@
 #include <csignal>
 #include <utility>
 
-#include "backends/handheld/HandheldClock.h"
 #include "backends/handheld/Frameworks.h"
+#include "backends/handheld/HandheldClock.h"
 
 namespace quordalvane::handheld {
 

@@ -9,10 +9,12 @@
 
 #include "backends/handheld/FrameworkError.h"
 
-// For Objective-C++ alone: how the C++ objects of this folder own and ask objects of the frameworks.
+// For Objective-C++ alone: how the C++ objects of this folder own and ask objects of the
+// frameworks.
 
 #if __has_feature(objc_arc)
-#error "This folder retains and releases by itself: compile it without automatic reference counting."
+#error \
+    "This folder retains and releases by itself: compile it without automatic reference counting."
 #endif
 
 namespace quordalvane::handheld {

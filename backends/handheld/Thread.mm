@@ -130,8 +130,8 @@ class HandheldThread final : public NSThread {
     @autoreleasepool {
       @try {
         thread_ = Retained<::NSThread>::adopting([[::NSThread alloc] initWithTarget:body_.get()
-                                                                          selector:@selector(live)
-                                                                            object:nil]);
+                                                                           selector:@selector(live)
+                                                                             object:nil]);
         [thread_.get() start];
         return true;
       } @catch (NSException*) {

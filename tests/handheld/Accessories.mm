@@ -83,8 +83,9 @@ struct Inside {
 }
 
 - (NSString*)description {
-  return [NSString stringWithFormat:@"<accessory 7: %@, model %@, serial %@, maker %@>", [self name],
-                                    [self modelNumber], [self serialNumber], [self manufacturer]];
+  return
+      [NSString stringWithFormat:@"<accessory 7: %@, model %@, serial %@, maker %@>", [self name],
+                                 [self modelNumber], [self serialNumber], [self manufacturer]];
 }
 
 @end
@@ -121,9 +122,8 @@ struct Inside {
 - (instancetype)initWithAccessory:(EAAccessory*)accessory forProtocol:(NSString*)protocolString {
   [self release];
   auto* const inside = static_cast<QuorPluggedAccessory*>(accessory)->inside;
-  const int socket = [[accessory protocolStrings] containsObject:protocolString]
-                         ? inside->plugged.connect()
-                         : -1;
+  const int socket =
+      [[accessory protocolStrings] containsObject:protocolString] ? inside->plugged.connect() : -1;
   if (socket < 0) {
     return nil;
   }

@@ -58,10 +58,7 @@ using quordalvane::test::SocketLink;
   if (thread == nil || [thread isFinished]) {
     return;
   }
-  [self performSelector:@selector(leaveMode:)
-               onThread:thread
-             withObject:mode
-          waitUntilDone:YES];
+  [self performSelector:@selector(leaveMode:) onThread:thread withObject:mode waitUntilDone:YES];
 }
 
 - (void)leaveMode:(NSString*)mode {

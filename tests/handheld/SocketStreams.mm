@@ -5,31 +5,31 @@
 using quordalvane::test::SocketLink;
 
 // What both kinds answer alike. Their base classes leave all of it to a subclass.
-#define QUOR_COMMON_STREAM_METHODS                                         \
-  -(void)dealloc {                                                         \
-    [watch_ release];                                                      \
-    [super dealloc];                                                       \
-  }                                                                        \
-  -(void)open {                                                            \
-    watch_->status = NSStreamStatusOpen;                                   \
-  }                                                                        \
-  -(void)close {                                                           \
-    [watch_ close];                                                        \
-  }                                                                        \
-  -(id<NSStreamDelegate>)delegate {                                        \
-    return [watch_ delegate];                                              \
-  }                                                                        \
-  -(void)setDelegate : (id<NSStreamDelegate>)delegate {                    \
-    [watch_ setDelegate:delegate];                                         \
-  }                                                                        \
-  -(NSStreamStatus)streamStatus {                                          \
-    return [watch_ currentStatus];                                         \
-  }                                                                        \
-  -(void)scheduleInRunLoop : (NSRunLoop*)loop forMode : (NSString*)mode {  \
-    [watch_ scheduleInRunLoop:loop forMode:mode];                          \
-  }                                                                        \
-  -(void)removeFromRunLoop : (NSRunLoop*)loop forMode : (NSString*)mode {  \
-    [watch_ removeFromRunLoop:loop forMode:mode];                          \
+#define QUOR_COMMON_STREAM_METHODS                                        \
+  -(void)dealloc {                                                        \
+    [watch_ release];                                                     \
+    [super dealloc];                                                      \
+  }                                                                       \
+  -(void)open {                                                           \
+    watch_->status = NSStreamStatusOpen;                                  \
+  }                                                                       \
+  -(void)close {                                                          \
+    [watch_ close];                                                       \
+  }                                                                       \
+  -(id<NSStreamDelegate>)delegate {                                       \
+    return [watch_ delegate];                                             \
+  }                                                                       \
+  -(void)setDelegate : (id<NSStreamDelegate>)delegate {                   \
+    [watch_ setDelegate:delegate];                                        \
+  }                                                                       \
+  -(NSStreamStatus)streamStatus {                                         \
+    return [watch_ currentStatus];                                        \
+  }                                                                       \
+  -(void)scheduleInRunLoop : (NSRunLoop*)loop forMode : (NSString*)mode { \
+    [watch_ scheduleInRunLoop:loop forMode:mode];                         \
+  }                                                                       \
+  -(void)removeFromRunLoop : (NSRunLoop*)loop forMode : (NSString*)mode { \
+    [watch_ removeFromRunLoop:loop forMode:mode];                         \
   }
 
 @implementation QuorSocketInputStream

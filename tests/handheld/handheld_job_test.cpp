@@ -1,4 +1,5 @@
-// Ports and jobs over the framework's own threads and loops, with a virtual printer at the other end.
+// Ports and jobs over the framework's own threads and loops, with a virtual printer at the other
+// end.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -79,9 +79,8 @@ TEST(HandheldThread, RunsARoutineThatItCarriesToItselfDirectly) {
   TurningThread thread(platform);
   ASSERT_TRUE(thread.handle().start());
   bool hasRun = false;
-  EXPECT_TRUE(thread.handle().performAndWait([&] {
-    EXPECT_TRUE(thread.handle().performAndWait([&] { hasRun = true; }));
-  }));
+  EXPECT_TRUE(thread.handle().performAndWait(
+      [&] { EXPECT_TRUE(thread.handle().performAndWait([&] { hasRun = true; })); }));
   EXPECT_TRUE(hasRun);
 }
 
