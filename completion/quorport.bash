@@ -32,7 +32,7 @@ _quorport_command() {
 }
 
 _quorport() {
-  local commands="list status online print cancel firmware dipswitch button-security disconnect monitor doctor simulate"
+  local commands="list status online print cancel firmware dipswitch button-security disconnect monitor doctor simulate help"
   local cur prev words cword command
   # A colon or an equals sign is part of a word here.
   _init_completion -n := || return

@@ -10,8 +10,8 @@ mkdir -p "$folder"
 show() {
   local paper=$folder/receipt-$1
   echo "== $2, printed with --emulation $1"
-  "$quorport" --emulation "$1" print --receipt "$paper.png" "$2"
-  "$quorport" --emulation "$1" print --receipt "$paper.txt" "$2" >/dev/null
+  "$quorport" --device virtual: --emulation "$1" print --receipt "$paper.png" "$2"
+  "$quorport" --device virtual: --emulation "$1" print --receipt "$paper.txt" "$2" >/dev/null
   cat "$paper.txt"
   echo "as a picture: $paper.png"
 }

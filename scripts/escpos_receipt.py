@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Writes an ESC/POS receipt to standard output: a logo, bold and large type, alignment, a cut.
 
-    scripts/escpos_receipt.py | quorport --emulation escpos print -
+    scripts/escpos_receipt.py | quorport --device virtual: --emulation escpos print -
 """
 
 import sys

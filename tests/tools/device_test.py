@@ -35,9 +35,12 @@ class Asking(Case):
     """Each peer serves one run of the command; the runs go on side by side."""
 
     def answer(self, replies: dict, *arguments: str):
-        result = run("-d", self.peer(answering(replies)).place, *arguments, "--json")
+        place = self.peer(answering(replies)).place
+        result = run("-d", place, *arguments, "--json")
         self.assertExit(0, result)
-        return result.json()
+        answer = result.json()
+        self.assertEqual(answer.pop("device"), place)
+        return answer
 
     def failure(self, code: int, replies: dict, *arguments: str) -> str:
         result = run("-d", self.peer(answering(replies)).place, *arguments, "--json")
@@ -104,7 +107,7 @@ class DipSwitches(Asking):
         for timeout in (0, 1, 999):
             result = run("-d", "virtual:,dip1=4a0a", "-t", str(timeout), "button-security", "--json")
             self.assertExit(0, result)
-            self.assertEqual(result.json(), {"ok": True, "milliseconds": 10000 + timeout})
+            self.assertAnswers("virtual:,dip1=4a0a", {"ok": True, "milliseconds": 10000 + timeout}, result)
 
     def test_button_security_is_told_by_a_reply_in_two_pieces(self):
         def check(pieces):

@@ -48,7 +48,9 @@ class Result:
 
 def start(*arguments, **options) -> subprocess.Popen:
     """Starts the command; an argument is bytes, or becomes a text."""
-    options = {"stdin": subprocess.DEVNULL, "stdout": subprocess.PIPE, "stderr": subprocess.PIPE} | options
+    environment = {name: value for name, value in os.environ.items() if name != "QUORPORT_DEVICE"}
+    options = {"stdin": subprocess.DEVNULL, "stdout": subprocess.PIPE, "stderr": subprocess.PIPE,
+               "env": environment | options.pop("env", {})} | options
     return subprocess.Popen([QUORPORT, *(a if isinstance(a, bytes) else str(a) for a in arguments)], **options)
 
 
@@ -136,6 +138,10 @@ class Case(unittest.TestCase):
 
     def assertExit(self, code: int, result: Result):
         self.assertEqual(result.code, code, result)
+
+    def assertAnswers(self, device: str, answer: dict, result: Result):
+        """The answer is this one, and names the device that was spoken to."""
+        self.assertEqual(result.json(), answer | {"device": device})
 
     def assertFailsInBothForms(self, code: int, *arguments: str, saying: str = "") -> Result:
         """The error is told on standard error, and with --json as an object, too."""

@@ -22,7 +22,7 @@ class Log(Case):
             self.assertEqual(record["level"], 0)
 
     def test_every_method_that_is_entered_is_left(self):
-        for code, arguments in ((0, ("print", self.file("job", b"text\n"))), (0, ("status",)),
+        for code, arguments in ((0, ("-d", "virtual:", "print", self.file("job", b"text\n"))), (0, ("status",)),
                                 (3, ("-d", f"unix:{self.folder}/none", "status"))):
             depth = {}
             for record in self.logged(*arguments, code=code):
@@ -39,7 +39,7 @@ class Log(Case):
 
     def test_a_job_with_a_receipt_is_the_work_of_one_port_and_without_an_error(self):
         job = self.file("job", b"text\n")
-        records = self.logged("print", "--receipt", self.folder / "receipt.txt", job)
+        records = self.logged("-d", "virtual:", "print", "--receipt", self.folder / "receipt.txt", job)
         self.assertEqual({record["object"] for record in records}, {record["object"] for record in records[:1]})
         self.assertEqual([record for record in records if record["typeName"] == "Error"], [])
 
@@ -52,9 +52,9 @@ class Log(Case):
         self.assertEqual({record["level"] for record in both}, {0, 1})
 
     def test_a_dash_is_standard_error(self):
-        result = run("online", "--log", "-")
+        result = run("-d", "virtual:", "online", "--log", "-")
         self.assertExit(0, result)
-        self.assertEqual(result.out, "on line\n")
+        self.assertEqual(result.out, "virtual: on line\n")
         for line in result.err.splitlines():
             self.assertEqual(set(json.loads(line)), KEYS)
 
@@ -90,7 +90,7 @@ class Log(Case):
     def test_a_full_disk_does_not_touch_the_exchange(self):
         result = run("online", "--log", "/dev/full")
         self.assertExit(0, result)
-        self.assertEqual(result.out, "on line\n")
+        self.assertEqual(result.out, "virtual: on line\n")
 
 
 if __name__ == "__main__":

@@ -25,7 +25,8 @@ class Changes(Case):
         simulator = self.simulator("tcp:0", "--set", "connectedInterface=0")
         monitor = self.monitor("-d", simulator.place, "--json")
         first = self.change(monitor)
-        self.assertEqual(set(first), {"time", "ok", "state", "text", "status", "changed"})
+        self.assertEqual(set(first), {"time", "ok", "device", "state", "text", "status", "changed"})
+        self.assertEqual(first["device"], simulator.place)
         self.assertEqual((first["ok"], first["state"], first["text"]), (True, "ready", "ready to print"))
         self.assertEqual(set(first["status"]), STATUS_KEYS)
         self.assertEqual(set(first["changed"]), STATUS_KEYS - {"raw", "rawLength"})
@@ -39,11 +40,11 @@ class Changes(Case):
     def test_each_change_is_a_line_for_people(self):
         simulator = self.simulator("tcp:0", "--set", "connectedInterface=0")
         monitor = self.monitor("-d", simulator.place)
-        self.assertRegex(monitor.line(), r"^\d{4}-\d\d-\d\d \d\d:\d\d:\d\d  ready to print$")
+        self.assertRegex(monitor.line(), r"^\d{4}-\d\d-\d\d \d\d:\d\d:\d\d  tcp:127.0.0.1:\d+: ready to print$")
         simulator.set(receiptPaperNearEmptyInner=True)
-        self.assertRegex(monitor.line(), r"  ready to print; the paper is near its end$")
+        self.assertRegex(monitor.line(), r": ready to print; the paper is near its end$")
         simulator.set(receiptPaperEmpty=True)
-        self.assertRegex(monitor.line(), r"  not ready: paper out; the paper is near its end$")
+        self.assertRegex(monitor.line(), r": not ready: paper out; the paper is near its end$")
 
     def test_a_lost_link_is_told_and_opened_again(self):
         place = f"unix:{self.folder}/printer"

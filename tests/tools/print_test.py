@@ -1,6 +1,7 @@
 """The print command: what goes out, what is said of it, and how it is stopped."""
 
 import collections
+import fcntl
 import json
 import os
 import pty
@@ -13,9 +14,22 @@ import time
 from harness import (DEADLINE, STATUS_KEYS, STATUS_REQUEST, Case, eventually, finish, main, receive, run, start,
                      status_block)
 
-KEYS = {"ok", "outcome", "resultCode", "bytesTotal", "bytesAccepted", "status", "error"}
+KEYS = {"ok", "device", "outcome", "resultCode", "bytesTotal", "bytesAccepted", "status", "error"}
 EVERY_BYTE = bytes(range(256))
 RESET_COUNTER = b"\x1b\x1e\x45\x00"
+
+
+def count_etbs(connection: socket.socket) -> bytes:
+    """A printer in line mode that counts, until the host leaves. Returns all that it received."""
+    seen, unread = bytearray(), b""
+    while more := connection.recv(4096):
+        seen.extend(more)
+        unread += more
+        counter = seen[seen.rfind(RESET_COUNTER) + 4:].count(b"\x17") if RESET_COUNTER in seen else 0
+        while STATUS_REQUEST in unread:
+            unread = unread.split(STATUS_REQUEST, 1)[1]
+            connection.sendall(status_block(counter=counter))
+    return bytes(seen)
 
 
 class Printing(Case):
@@ -36,15 +50,42 @@ class Printing(Case):
                 self.assertEqual(set(answer["status"]), STATUS_KEYS)
 
     def test_people_read_that_it_was_printed(self):
-        result = run("print", "-", data=b"x" * 1203 + b"\n")
+        result = run("-d", "virtual:", "print", "-", data=b"x" * 1203 + b"\n")
         self.assertExit(0, result)
-        self.assertEqual((result.out, result.err), ("printed: the printer confirmed all 1,204 bytes\n", ""))
+        self.assertEqual((result.out, result.err), ("virtual: printed: the printer confirmed all 1,204 bytes\n", ""))
 
-    def test_nothing_is_printed_and_confirmed_too(self):
-        for emulation in ("line", "escpos"):
-            result = run("-e", emulation, "print", "-", "--json", data=b"")
-            self.assertExit(0, result)
-            self.assertEqual(result.json()["bytesTotal"], 0)
+    def test_an_empty_job_is_a_usage_error(self):
+        contacted = []
+        place = self.peer(contacted.append).place
+        for job in ("-", self.file("empty", b"")):
+            result = run("-d", place, "print", job, "--json", data=b"")
+            self.assertExit(2, result)
+            answer = result.json()
+            self.assertEqual(set(answer), KEYS)
+            self.assertEqual((answer["ok"], answer["outcome"], answer["bytesAccepted"]), (False, "refused", 0))
+            self.assertIn("there is nothing to print", answer["error"])
+        self.assertEqual(contacted, [])
+
+    def test_a_job_whose_device_was_forgotten_is_refused(self):
+        result = run("print", "-", "--json", data=b"text\n")
+        self.assertExit(2, result)
+        answer = result.json()
+        self.assertEqual(set(answer), KEYS)
+        self.assertEqual((answer["outcome"], answer["bytesAccepted"], answer["device"]), ("refused", 0, None))
+        for way in ("--device tcp:HOST:PORT", "QUORPORT_DEVICE", "--device virtual:"):
+            self.assertIn(way, answer["error"])
+
+    def test_the_answer_names_the_device(self):
+        for device, code in (("virtual:", 0), ("virtual:,coverOpen=true", 4), (f"unix:{self.folder}/none", 3)):
+            result = run("-d", device, "print", "-", "--json", data=b"text\n")
+            self.assertExit(code, result)
+            self.assertEqual(result.json()["device"], device)
+
+    def test_an_error_at_the_start_has_an_outcome(self):
+        for arguments in (("--log", self.folder), ("-p", "BT:nobody"), ("--receipt", self.folder / "no" / "a.txt")):
+            result = run("-d", "virtual:", "print", "-", *arguments, "--json", data=b"text\n")
+            self.assertEqual(set(result.json()), KEYS)
+            self.assertEqual((result.json()["outcome"], result.json()["bytesAccepted"]), ("refused", 0))
 
     def test_an_unchecked_job_is_unconfirmed_at_best(self):
         for simulator in self.each_link():
@@ -97,7 +138,7 @@ class Printing(Case):
     def test_a_terminal_sees_the_bytes_go_out_and_a_file_does_not(self):
         job = self.file("job", b"text\n" * 200)
         ours, theirs = pty.openpty()
-        process = start("print", job, stderr=theirs)
+        process = start("-d", "virtual:", "print", job, stderr=theirs)
         os.close(theirs)
         finish(process, 0)
         shown = b""
@@ -109,23 +150,23 @@ class Printing(Case):
         os.close(ours)
         self.assertIn(b"1,000 of 1,000 bytes", shown)
         self.assertTrue(shown.endswith(b"\r\x1b[K"), shown)
-        self.assertEqual(run("print", job).err, "")
+        self.assertEqual(run("-d", "virtual:", "print", job).err, "")
 
 
 class Receipts(Case):
     def test_a_receipt_is_what_came_out_as_text(self):
         target = self.folder / "receipt.txt"
-        self.assertExit(0, run("print", "-", "--receipt", target, data=b"Bread  4.20\n"))
+        self.assertExit(0, run("-d", "virtual:", "print", "-", "--receipt", target, data=b"Bread  4.20\n"))
         self.assertEqual(target.read_text().strip(), "Bread  4.20")
 
     def test_a_receipt_holds_no_control_character_of_the_job(self):
         target = self.folder / "receipt.txt"
-        self.assertExit(0, run("print", "-", "--receipt", target, data=bytes(range(0x80, 0xa0)) + b"a\x7f\x05\x07\xc2\x9b\n"))
+        self.assertExit(0, run("-d", "virtual:", "print", "-", "--receipt", target, data=bytes(range(0x80, 0xa0)) + b"a\x7f\x05\x07\xc2\x9b\n"))
         self.assertTrue(target.read_text().replace("\n", "").isprintable(), target.read_text())
 
     def test_a_receipt_is_what_came_out_as_a_picture(self):
         target = self.folder / "receipt.png"
-        self.assertExit(0, run("print", "-", "--receipt", target, data=b"Bread  4.20\n"))
+        self.assertExit(0, run("-d", "virtual:", "print", "-", "--receipt", target, data=b"Bread  4.20\n"))
         self.assertTrue(target.read_bytes().startswith(b"\x89PNG\r\n\x1a\n"))
 
     def test_only_the_printer_that_is_built_in_has_a_receipt(self):
@@ -144,9 +185,19 @@ class Receipts(Case):
         self.assertEqual(target.read_text().strip(), "text")
 
     def test_a_receipt_that_cannot_be_written_is_said_before_anything_is_sent(self):
-        result = run("print", "-", "--receipt", self.folder / "none" / "a.txt", "--json", data=b"text\n")
+        result = run("-d", "virtual:", "print", "-", "--receipt", self.folder / "none" / "a.txt", "--json", data=b"text\n")
         self.assertExit(2, result)
         self.assertEqual(result.json()["bytesAccepted"], 0)
+
+    def test_a_receipt_that_does_not_fit_on_the_disk_is_a_failure_of_a_printed_job(self):
+        target = self.folder / "receipt.txt"
+        target.symlink_to("/dev/full")
+        result = run("-d", "virtual:", "print", "-", "--receipt", target, "--json", data=b"text\n")
+        self.assertExit(1, result)
+        answer = result.json()
+        self.assertEqual((answer["ok"], answer["outcome"], answer["bytesAccepted"]), (False, "printed", 5))
+        self.assertIn("No space left on device", answer["error"])
+        self.assertIn("No space left on device", result.err)
 
     def test_an_older_receipt_stays_when_nothing_could_be_printed(self):
         target = self.folder / "receipt.txt"
@@ -192,21 +243,12 @@ class ByteForByte(Case):
 
     def test_a_checked_job_reaches_a_peer_whole_and_is_confirmed_by_its_count(self):
         job = b"A checked job\n"
-        seen = bytearray()
-
-        def handle(connection):
-            unread, counter = b"", 0
-            while more := connection.recv(4096):
-                seen.extend(more)
-                unread += more
-                counter = seen[seen.rfind(RESET_COUNTER) + 4:].count(b"\x17") if RESET_COUNTER in seen else counter
-                while STATUS_REQUEST in unread:
-                    unread = unread.split(STATUS_REQUEST, 1)[1]
-                    connection.sendall(status_block(counter=counter))
-
-        result = run("-d", self.peer(handle).place, "print", "-", "--json", data=job)
+        seen = []
+        peer = self.peer(lambda connection: seen.append(count_etbs(connection)))
+        result = run("-d", peer.place, "print", "-", "--json", data=job)
         self.assertExit(0, result)
-        self.assertEqual(seen.count(job), 1)
+        peer.wait_until_idle()
+        self.assertEqual(seen[0].count(job), 1)
 
     def test_a_printer_that_takes_everything_and_counts_nothing_is_never_believed(self):
         def handle(connection):
@@ -274,7 +316,7 @@ class Interrupting(Case):
     def interrupted(self, process, *, by=signal.SIGINT, data: bytes | None = None):
         process.send_signal(by)
         result = finish(process, time.monotonic(), data)
-        self.assertExit(129 if by == signal.SIGHUP else 130, result)
+        self.assertExit(128 + by, result)
         # Less than a close that waits for the printer takes.
         self.assertLess(result.seconds, 1.9, "a signal takes effect within a second")
         return result
@@ -326,6 +368,24 @@ class Interrupting(Case):
         answer = result.json()
         self.assertEqual((answer["outcome"], answer["bytesAccepted"]), ("unconfirmed", 20_000))
 
+    def test_a_job_that_was_printed_stays_printed_when_a_signal_comes_while_the_port_closes(self):
+        """Nobody takes the log meanwhile, which holds up the end of the command, but not that of the connection."""
+        closed = threading.Event()
+        job = self.file("job", b"text\n")
+        peer = self.peer(lambda connection: (count_etbs(connection), closed.set()))
+        reader, writer = os.pipe()
+        fcntl.fcntl(writer, fcntl.F_SETPIPE_SZ, 4096)
+        process = start("-d", peer.place, "print", job, "--json", "--log", "-", stderr=writer)
+        os.close(writer)
+        self.assertTrue(closed.wait(DEADLINE))
+        process.send_signal(signal.SIGINT)
+        self.assertIsNone(process.poll(), "the command is still at its end")
+        with open(reader, "rb") as log:
+            log.read()
+        result = finish(process, time.monotonic())
+        self.assertExit(0, result)
+        self.assertEqual(result.json()["outcome"], "printed")
+
     def test_an_exchange_under_way_ends_and_the_port_is_closed(self):
         contact, closed = threading.Event(), threading.Event()
 
@@ -341,7 +401,8 @@ class Interrupting(Case):
             closed.clear()
             process = start("-d", self.peer(handle).place, command, "--json")
             self.assertTrue(contact.wait(DEADLINE))
-            self.assertEqual(self.interrupted(process).json(), {"ok": False, "error": "interrupted"})
+            answer = self.interrupted(process).json()
+            self.assertEqual(answer, {"ok": False, "error": "interrupted", "device": answer["device"]})
             self.assertTrue(closed.wait(DEADLINE), "the port is closed")
 
     def test_a_retry_that_goes_on_and_on_is_given_up(self):
@@ -352,7 +413,7 @@ class Interrupting(Case):
                                 ("cancel", "no-space=4:120"), ("status", "no-space=2:120")):
             process = start("-t", "1000", "-d", f"virtual:,{faults}", command, "--json", "--log", log)
             eventually(lambda: self.most_offers(log) > 5, "the retry goes on and on")
-            self.assertEqual(self.interrupted(process).json(), {"ok": False, "error": "interrupted"})
+            self.assertAnswers(f"virtual:,{faults}", {"ok": False, "error": "interrupted"}, self.interrupted(process))
             log.unlink()
 
     def test_a_job_whose_beginning_is_retried_on_and_on_is_given_up(self):
@@ -380,7 +441,7 @@ class Interrupting(Case):
         for command, keys in ((("online",), {}), (("print", job), self.refused(5))):
             process = start("-d", place, *command, "--json")
             eventually(lambda: self.threads(process) > 2, "the port has its thread and is about to connect")
-            self.assertEqual(self.interrupted(process).json(), {"ok": False, **keys, "error": "interrupted"})
+            self.assertAnswers(place, {"ok": False, **keys, "error": "interrupted"}, self.interrupted(process))
 
     @staticmethod
     def refused(bytes_total: int) -> dict:
@@ -390,12 +451,21 @@ class Interrupting(Case):
     def threads(process) -> int:
         return len(os.listdir(f"/proc/{process.pid}/task"))
 
+    def test_a_signal_before_the_command_has_begun_loses_no_outcome(self):
+        """A log that nobody reads holds up the beginning for as long as it takes."""
+        log = self.folder / "log"
+        os.mkfifo(log)
+        process = start("-d", "virtual:", "print", self.file("job", b"text\n"), "--json", "--log", log)
+        eventually(lambda: self.threads(process) > 1, "the command waits for signals")
+        result = self.interrupted(process)
+        self.assertEqual(result.json(), {"ok": False, "device": None, **self.refused(0), "error": "interrupted"})
+
     def test_a_read_from_a_pipe_is_given_up(self):
-        process = start("print", "-", "--json", stdin=-1)
+        process = start("-d", "virtual:", "print", "-", "--json", stdin=-1)
         eventually(lambda: self.threads(process) > 1, "the command waits for signals")
         process.send_signal(signal.SIGINT)
         self.assertEqual(process.wait(DEADLINE), 130)
-        self.assertEqual(json.loads(process.stdout.read()), {"ok": False, **self.refused(0), "error": "interrupted"})
+        self.assertEqual(json.loads(process.stdout.read()), {"ok": False, "device": None, **self.refused(0), "error": "interrupted"})
         for stream in (process.stdin, process.stdout, process.stderr):
             stream.close()
 

@@ -21,7 +21,7 @@ class OverEveryLink(Case):
             result = run("-d", simulator.place, "status", "--json")
             self.assertExit(0, result)
             answer = result.json()
-            self.assertEqual(set(answer), {"ok", "status"})
+            self.assertEqual(set(answer), {"ok", "device", "status"})
             self.assertIs(answer["ok"], True)
             self.assertEqual(set(answer["status"]), STATUS_KEYS)
             up = {name for name in FLAGS if answer["status"][name] == 1}
@@ -31,11 +31,11 @@ class OverEveryLink(Case):
 
     def test_a_change_of_the_printer_shows_in_the_next_status(self):
         for simulator in self.each_link():
-            self.assertTrue(run("-d", simulator.place, "status").out.startswith("Ready to print.\n"))
+            self.assertTrue(run("-d", simulator.place, "status").out.startswith(f"{simulator.place}: Ready to print.\n"))
             simulator.set(coverOpen=True, receiptPaperEmpty=True)
             result = run("-d", simulator.place, "status")
             self.assertExit(0, result)
-            self.assertTrue(result.out.startswith("Not ready: cover open, paper out.\n"), result)
+            self.assertTrue(result.out.startswith(f"{simulator.place}: Not ready: cover open, paper out.\n"), result)
 
     def test_online_answers_with_text_object_and_exit_code(self):
         for simulator in self.each_link():
@@ -44,10 +44,10 @@ class OverEveryLink(Case):
                     simulator.set(offline=offline)
                     plain = run("-d", simulator.place, "-e", emulation, "online")
                     self.assertExit(code, plain)
-                    self.assertEqual(plain.out, text)
+                    self.assertEqual(plain.out, f"{simulator.place}: {text}")
                     result = run("-d", simulator.place, "-e", emulation, "online", "--json")
                     self.assertExit(code, result)
-                    self.assertEqual(result.json(), {"ok": True, "online": not offline})
+                    self.assertAnswers(simulator.place, {"ok": True, "online": not offline}, result)
 
     def test_firmware_is_told_in_both_emulations(self):
         for simulator in self.each_link():
@@ -57,16 +57,17 @@ class OverEveryLink(Case):
             for emulation in ("line", "escpos"):
                 result = run("-d", simulator.place, "-e", emulation, "firmware", "--json")
                 self.assertExit(0, result)
-                self.assertEqual(result.json(), {"ok": True, "firmware": text})
-                self.assertEqual(run("-d", simulator.place, "-e", emulation, "firmware").out, text + "\n")
+                self.assertAnswers(simulator.place, {"ok": True, "firmware": text}, result)
+                self.assertEqual(run("-d", simulator.place, "-e", emulation, "firmware").out, f"{simulator.place}: {text}\n")
 
     def test_dip_switches_are_two_banks_in_hex(self):
         for simulator in self.each_link():
             simulator.set(dip1="0a1b", dip2="00FF")
             result = run("-d", simulator.place, "dipswitch", "--json")
             self.assertExit(0, result)
-            self.assertEqual(result.json(), {"ok": True, "banks": ["0a1b", "00ff"]})
-            self.assertEqual(run("-d", simulator.place, "dipswitch").out, "bank 1: 0a 1b (hex)\nbank 2: 00 ff (hex)\n")
+            self.assertAnswers(simulator.place, {"ok": True, "banks": ["0a1b", "00ff"]}, result)
+            self.assertEqual(run("-d", simulator.place, "dipswitch").out,
+                             f"{simulator.place}: DIP switches\n  bank 1: 0a 1b (hex)\n  bank 2: 00 ff (hex)\n")
 
     def test_button_security_is_a_time_in_milliseconds(self):
         for simulator in self.each_link():
@@ -75,16 +76,16 @@ class OverEveryLink(Case):
                 simulator.set(dip1=bank)
                 result = run("-d", simulator.place, "-t", "1234", "button-security", "--json")
                 self.assertExit(0, result)
-                self.assertEqual(set(result.json()), {"ok", "milliseconds"})
+                self.assertEqual(set(result.json()), {"ok", "device", "milliseconds"})
                 times[bank] = result.json()["milliseconds"]
             self.assertEqual(sorted(times.values()), [0, 6234, 11234, 21234])
-            self.assertRegex(run("-d", simulator.place, "button-security").out, r"^(off|[\d,]+ ms)\n$")
+            self.assertRegex(run("-d", simulator.place, "button-security").out, r": (off|[\d,]+ ms)\n$")
 
     def test_disconnect_has_the_printers_module_drop_the_link(self):
         for simulator in self.each_link():
             result = run("-d", simulator.place, "disconnect", "--json")
             self.assertExit(0, result)
-            self.assertEqual(result.json(), {"ok": True})
+            self.assertAnswers(simulator.place, {"ok": True}, result)
             place = simulator.next_place() if simulator.place.startswith("serial:") else simulator.place
             self.assertExit(0, run("-d", place, "status"))
 
@@ -94,7 +95,7 @@ class OverEveryLink(Case):
             eventually(lambda: simulator.state()["buffered"] > 0, "the printer to hold what was sent")
             result = run("-d", simulator.place, "cancel", "--json")
             self.assertExit(0, result)
-            self.assertEqual(result.json(), {"ok": True})
+            self.assertAnswers(simulator.place, {"ok": True}, result)
             eventually(lambda: simulator.state()["buffered"] == 0, "the printer to drop it")
 
     def test_the_place_that_is_printed_is_a_device_for_list(self):
@@ -110,7 +111,7 @@ class Listing(Case):
     def listed(self, *arguments: str):
         result = run(*arguments, "list", "--json")
         self.assertExit(0, result)
-        self.assertEqual(set(result.json()), {"accessories"})
+        self.assertEqual(set(result.json()), {"device", "accessories"})
         return result.json()["accessories"]
 
     def chosen(self, *arguments: str) -> list[str]:
@@ -132,7 +133,7 @@ class Listing(Case):
             self.assertTrue(result.out.rstrip("\n").replace("\n", "").isprintable(), result)
 
     def test_what_a_device_did_not_say_is_null(self):
-        (accessory,) = self.listed()
+        (accessory,) = self.listed("-d", "virtual:")
         self.assertIsNone(accessory["serialNumber"])
         self.assertIsNone(accessory["modelNumber"])
 
@@ -159,10 +160,15 @@ class Listing(Case):
         self.assertEqual(self.listed("-d", peer.place)[0]["chosen"], True)
         self.assertFalse(self.contacted)
 
+    def test_the_answer_names_the_device_of_the_chosen_one(self):
+        two = ("-d", "virtual:A", "-d", "virtual:B,id=7")
+        self.assertEqual(run(*two, "-p", "BT:B", "list", "--json").json()["device"], "virtual:B,id=7")
+        self.assertIsNone(run(*two, "-p", "BT:C", "list", "--json").json()["device"])
+
     def test_people_see_which_one_is_chosen(self):
         out = run("list", "-d", "virtual:A", "-d", "virtual:B", "-p", "BT:B").out
-        self.assertRegex(out, r'(?m)^  "A"')
-        self.assertRegex(out, r'(?m)^\* "B"')
+        self.assertRegex(out, r'(?m)^  virtual:A  "A"')
+        self.assertRegex(out, r'(?m)^\* virtual:B  "B"')
 
 
 class AgainstAPeer(Case):
@@ -210,9 +216,10 @@ class AgainstAPeer(Case):
                     for _ in range(request.count(STATUS_REQUEST)):
                         next(answers, in_pieces(block, pause=0))(connection)
 
-            result = run("-d", self.peer(handle).place, "online", "--json")
+            place = self.peer(handle).place
+            result = run("-d", place, "online", "--json")
             self.assertExit(4, result)
-            self.assertEqual(result.json(), {"ok": True, "online": False})
+            self.assertAnswers(place, {"ok": True, "online": False}, result)
 
         at_once((online_of_a_printer_that_pauses_behind, count) for count in range(1, len(block)))
 
@@ -237,7 +244,7 @@ class AgainstAPeer(Case):
             peer = self.peer(answering({STATUS_REQUEST: first, **queries}))
             result = run("-d", peer.place, "-e", "escpos", "online", "--json")
             self.assertExit(4, result)
-            self.assertEqual(result.json(), {"ok": True, "online": False})
+            self.assertAnswers(peer.place, {"ok": True, "online": False}, result)
 
         at_once((online_of_a_printer_that_pauses_behind, count) for count in range(len(block) + 1))
 
@@ -246,7 +253,7 @@ class AgainstAPeer(Case):
             place = self.simulator("tcp:0", "--set", fault, "--set", f"offline={str(offline).lower()}").place
             result = run("-d", place, "-e", emulation, "online", "--json")
             self.assertExit(4 if offline else 0, result)
-            self.assertEqual(result.json(), {"ok": True, "online": not offline})
+            self.assertAnswers(place, {"ok": True, "online": not offline}, result)
 
         faults = ("late-reply=150", "late-reply=1300", *(f"split-reply={offset}" for offset in range(1, 9)))
         at_once((check, fault, offline, emulation)
@@ -364,6 +371,44 @@ class AgainstAPeer(Case):
         self.assertExit(0, result)
         self.assertIsNone(re.search(r"[\x00-\x09\x0b-\x1f]", result.out), result)
         self.assertEqual(run("-d", place, "-e", "escpos", "firmware", "--json").json()["firmware"], "a\x1b[2J\ufffd")
+
+
+class Devices(Case):
+    """Which device a command speaks to, and that it says so."""
+
+    QUERIES = ("list", "status", "online", "firmware", "dipswitch", "button-security", "disconnect", "cancel")
+
+    def test_without_a_device_a_query_looks_at_the_virtual_printer_and_says_so(self):
+        for command in self.QUERIES:
+            result = run(command, "--json")
+            self.assertExit(0, result)
+            self.assertEqual(result.json()["device"], "virtual:")
+            self.assertIn("no device is given: this is the virtual printer", result.err)
+            self.assertEqual(run("-d", "virtual:", command).err, "")
+
+    def test_devices_may_stand_in_a_variable_and_those_of_the_command_line_count_alone(self):
+        devices = {"QUORPORT_DEVICE": "  virtual:A   virtual:B,coverOpen=true "}
+        result = run("-p", "BT:B", "online", "--json", env=devices)
+        self.assertExit(4, result)
+        self.assertAnswers("virtual:B,coverOpen=true", {"ok": True, "online": False}, result)
+        self.assertEqual(run("-d", "virtual:C", "online", "--json", env=devices).json()["device"], "virtual:C")
+        self.assertEqual(run("online", "--json", env={"QUORPORT_DEVICE": "  "}).json()["device"], "virtual:")
+        wrong = run("online", env={"QUORPORT_DEVICE": "pigeon:"})
+        self.assertExit(2, wrong)
+        self.assertIn("QUORPORT_DEVICE: ", wrong.err)
+
+    def test_a_failure_names_the_device_too(self):
+        for command in ("status", "online", "firmware", "dipswitch", "button-security", "disconnect", "cancel"):
+            place = self.refusing_place()
+            self.assertEqual(run("-d", place, command, "--json").json()["device"], place)
+            self.assertIn(f"quorport: {place}: the printer cannot be reached", run("-d", place, command).err)
+
+    def test_an_empty_device_is_a_usage_error(self):
+        for command in (*self.QUERIES, "print", "monitor", "doctor"):
+            for form in (("--device", ""), ("--device=",), ("-d", "")):
+                result = run(*form, command, *(("-",) if command == "print" else ()), data=b"text\n")
+                self.assertExit(2, result)
+                self.assertIn("--device", result.err)
 
 
 class Opening(Case):

@@ -48,23 +48,25 @@ struct Ran {
   std::string err;
 };
 
-Ran runWith(const std::vector<std::string>& arguments) {
+Ran runWith(const std::vector<std::string>& arguments, const std::string& input = "") {
   const Capture in, out, err;
+  EXPECT_EQ(::pwrite(in.descriptor(), input.data(), input.size(), 0),
+            static_cast<ssize_t>(input.size()));
   const int code = run(arguments, {in.descriptor(), out.descriptor(), err.descriptor()});
   return {code, out.text(), err.text()};
 }
 
 TEST(Run, WritesToTheStreamsThatItIsGiven) {
-  const Ran ran = runWith({"online"});
+  const Ran ran = runWith({"-d", "virtual:", "online"});
   EXPECT_EQ(ran.code, 0);
-  EXPECT_EQ(ran.out, "on line\n");
+  EXPECT_EQ(ran.out, "virtual: on line\n");
   EXPECT_EQ(ran.err, "");
 }
 
 TEST(Run, ReadsFromTheStreamThatItIsGiven) {
-  const Ran ran = runWith({"print", "-"});
+  const Ran ran = runWith({"-d", "virtual:", "print", "-"}, "text\n");
   EXPECT_EQ(ran.code, 0);
-  EXPECT_EQ(ran.out, "printed: the printer confirmed all 0 bytes\n");
+  EXPECT_EQ(ran.out, "virtual: printed: the printer confirmed all 5 bytes\n");
 }
 
 TEST(Run, TakesAZeroByteInAnyArgumentAsData) {
@@ -84,12 +86,25 @@ TEST(Run, CanRunAgainInTheSameProcess) {
 class InterruptionTest : public testing::Test {
  protected:
   int givenUp_ = 0;
-  Interruption interruption_{[this](const Report& /*report*/) { ++givenUp_; }};
+  std::string toldAtLast_;
+  Interruption interruption_{failed(ExitCode::Interrupted, "interrupted"),
+                             [this](const Report& report) {
+                               ++givenUp_;
+                               toldAtLast_ = report.error;
+                             }};
 };
 
 TEST_F(InterruptionTest, GivesUpWhileNothingIsOpen) {
   interruption_.interrupt(ExitCode::Interrupted);
   EXPECT_EQ(givenUp_, 1);
+}
+
+TEST_F(InterruptionTest, TellsTheDeviceThatTheCommandSpokeTo) {
+  EXPECT_EQ(interruption_.device(), std::nullopt);
+  interruption_.speakTo("tcp:192.0.2.10:9100");
+  interruption_.interrupt(ExitCode::Interrupted);
+  EXPECT_EQ(interruption_.device(), "tcp:192.0.2.10:9100");
+  EXPECT_EQ(toldAtLast_, "tcp:192.0.2.10:9100: interrupted");
 }
 
 TEST_F(InterruptionTest, EndsASleepOfAnExchange) {

@@ -7,7 +7,7 @@ import subprocess
 from harness import Case, main, run
 
 COMMANDS = """list status online print cancel firmware dipswitch button-security disconnect monitor doctor
-    simulate""".split()
+    simulate help""".split()
 
 
 class Usage(Case):
@@ -25,15 +25,15 @@ class Usage(Case):
             self.assertIn(f"quorport {command}", result.out)
 
     def test_the_help_of_a_command_says_where_the_global_options_are(self):
-        for command in COMMANDS:
-            self.assertIn("--device and --json, are taken here, too: quorport --help", run(command, "--help").out)
+        for command in set(COMMANDS) - {"help"}:
+            self.assertIn("--device and --json, are taken here as well: quorport --help", run(command, "--help").out)
 
     def test_the_help_of_doctor_says_that_it_needs_a_device(self):
         self.assertExit(2, run("doctor"))
         self.assertRegex(run("doctor", "--help").out, r"Without one there is\s+nothing to look at, and the exit status is 2")
 
     def test_the_help_of_print_says_what_an_unchecked_job_comes_to(self):
-        self.assertIn("unconfirmed at best", " ".join(run("print", "--help").out.split()))
+        self.assertIn("unconfirmed at best", " ".join(run("-d", "virtual:", "print", "--help").out.split()))
 
     def test_the_version_is_one_line(self):
         result = run("--version")
@@ -41,7 +41,7 @@ class Usage(Case):
         self.assertRegex(result.out, r"^quorport \d+\.\d+\.\d+\n$")
 
     def test_a_command_is_needed(self):
-        for command in COMMANDS:
+        for command in set(COMMANDS) - {"help"}:
             self.assertFailsInBothForms(2, saying=command)
 
     def test_an_unknown_command_is_named_and_the_known_ones_listed(self):
@@ -50,6 +50,30 @@ class Usage(Case):
 
     def test_an_unknown_option_is_named(self):
         self.assertFailsInBothForms(2, "status", "--tiemout", "3", saying="--tiemout")
+
+    def test_who_mistypes_a_name_is_asked_whether_another_was_meant(self):
+        for arguments, meant in ((("statsu",), "status"), (("firm",), "firmware"), (("help", "prnt"), "print"),
+                                 (("--tiemout=3", "online"), "--timeout"), (("online", "--devcie", "x"), "--device"),
+                                 (("print", "-", "--reciept", "a.txt"), "--receipt")):
+            self.assertFailsInBothForms(2, *arguments, saying=f"did you mean {meant}?")
+        for arguments in (("xyzzy",), ("online", "--xyzzy"), ("x" * 100000,)):
+            self.assertNotIn("did you mean", self.assertFailsInBothForms(2, *arguments).err)
+
+    def test_words_that_were_not_expected_are_told_in_their_order(self):
+        self.assertFailsInBothForms(2, "status", "a", "b", "c", saying='"a", "b", "c"')
+
+    def test_help_is_a_command_as_well(self):
+        self.assertEqual(run("help").out, run("--help").out)
+        for command in COMMANDS:
+            self.assertEqual(run("help", command).out, run(command, "--help").out, command)
+            self.assertExit(0, run("help", command))
+
+    def test_a_usage_error_of_print_has_an_outcome(self):
+        for arguments in (("print",), ("print", "-"), ("print", "a", "b"), ("-d", "virtual:", "print", "-", "--tiemout"),
+                          ("-t", "x", "print", "-"), ("-d", "pigeon:", "print", "-"), ("print", "-", "-e", "pcl")):
+            answer = run(*arguments, "--json", data=b"text\n").json()
+            self.assertEqual((answer["ok"], answer["outcome"], answer["bytesAccepted"]), (False, "refused", 0), arguments)
+            self.assertTrue(answer["error"])
 
     def test_an_option_without_its_value_is_named(self):
         self.assertFailsInBothForms(2, "online", "--timeout=", saying="--timeout")
@@ -71,6 +95,10 @@ class Usage(Case):
     def test_times_at_both_ends_of_the_range_are_taken(self):
         for right in ("0", "4294967295", "0010"):
             self.assertExit(0, run("online", "--timeout", right))
+
+    def test_an_emulation_is_taken_in_any_letter_case(self):
+        for name in ("line", "LINE", "EscPos"):
+            self.assertExit(0, run("online", "-e", name))
 
     def test_an_unknown_emulation_is_refused_with_those_there_are(self):
         self.assertFailsInBothForms(2, "online", "-e", "pcl", saying="line, escpos or unknown")
@@ -119,13 +147,13 @@ class Usage(Case):
 
     def test_what_stands_behind_a_double_dash_is_no_option(self):
         odd = self.file("--json", b"text\n")
-        result = run("print", "--", os.path.basename(odd), cwd=self.folder)
+        result = run("-d", "virtual:", "print", "--", os.path.basename(odd), cwd=self.folder)
         self.assertExit(0, result)
         self.assertIn("printed", result.out)
 
     def test_a_file_may_be_named_like_a_command(self):
         self.file("status", b"text\n")
-        self.assertExit(0, run("print", "status", cwd=self.folder))
+        self.assertExit(0, run("-d", "virtual:", "print", "status", cwd=self.folder))
 
     def test_control_characters_and_invalid_bytes_are_shown_and_not_passed_on(self):
         for name in (b"BT:a\x1b[2J\x07", b"BT:\xff\xfe", b"BT:%s%n%d", b"BT:" + b"x" * 100000):
@@ -164,7 +192,7 @@ class StandardStreams(Case):
 
     def test_what_was_printed_stays_printed_when_nobody_can_read_it(self):
         with open("/dev/full", "wb") as full:
-            result = run("print", "-", data=b"text\n", stdout=full)
+            result = run("-d", "virtual:", "print", "-", data=b"text\n", stdout=full)
         self.assertExit(0, result)
         self.assertIn("standard output", result.err)
 

@@ -20,6 +20,10 @@ struct Order {
 /// would be right.
 std::variant<Order, std::string> parseCommandLine(const std::vector<std::string>& arguments);
 
+/// The command that the arguments name, even if the rest of them makes no sense: null, or the first
+/// argument that is a command's name.
+const Command* commandNamedIn(const std::vector<std::string>& arguments);
+
 /// Whether the arguments ask for JSON, also where the rest of them makes no sense.
 bool askForJson(const std::vector<std::string>& arguments);
 

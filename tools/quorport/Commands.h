@@ -1,6 +1,9 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <span>
+#include <string>
 #include <string_view>
 
 #include "tools/quorport/Interruption.h"
@@ -33,6 +36,10 @@ Report dipswitch(const Options& options, const Surroundings& surroundings);
 Report buttonSecurity(const Options& options, const Surroundings& surroundings);
 Report disconnect(const Options& options, const Surroundings& surroundings);
 
+/// The answer of a print job that never began: refused, with every key of an answer of `print`.
+/// `bytesTotal` is the size of the job, 0 if it is not known.
+Report refusedJob(ExitCode code, const std::string& error, std::uint64_t bytesTotal);
+
 Report doctor(const Options& options, const Surroundings& surroundings);
 
 // These run until they are told to stop, and what they have to say goes to the streams meanwhile.
@@ -53,5 +60,11 @@ struct Command {
   void (*addOptions)(CLI::App& app, Options& options) = nullptr;  ///< null: it has none of its own
   CommandKind kind = CommandKind::Question;
 };
+
+/// All commands, in the order of the help.
+std::span<const Command> everyCommand();
+
+/// The command of this name; null if there is none.
+const Command* commandNamed(std::string_view name);
 
 }  // namespace quordalvane::tool

@@ -9,16 +9,27 @@ namespace {
 class InterruptibleAccessory : public ForwardingAccessory {
  public:
   InterruptibleAccessory(std::shared_ptr<EAAccessory> next,
-                         std::shared_ptr<Interruption> interruption)
-      : ForwardingAccessory(std::move(next)), interruption_(std::move(interruption)) {}
+                         std::shared_ptr<Interruption> interruption,
+                         std::optional<std::string> device)
+      : ForwardingAccessory(std::move(next)),
+        interruption_(std::move(interruption)),
+        device_(std::move(device)) {}
 
   bool isConnected() override {
     interruption_->check();
     return ForwardingAccessory::isConnected();
   }
 
+  std::shared_ptr<EASession> openSession(const std::string& protocol) override {
+    if (device_) {
+      interruption_->speakTo(*device_);
+    }
+    return ForwardingAccessory::openSession(protocol);
+  }
+
  private:
   const std::shared_ptr<Interruption> interruption_;
+  const std::optional<std::string> device_;
 };
 
 }  // namespace
@@ -28,7 +39,7 @@ void Interruption::interrupt(ExitCode code) {
   code_ = code_.value_or(code);
   switch (stage_) {
     case Stage::Beginning:
-      giveUp_(reportWithCode());
+      giveUp();
       return;
     case Stage::Exchange:
       wished_.notify_all();
@@ -56,17 +67,33 @@ Report Interruption::report() {
   return reportWithCode();
 }
 
+void Interruption::speakTo(const std::string& device) {
+  const std::lock_guard lock(mutex_);
+  device_ = device;
+}
+
+std::optional<std::string> Interruption::device() {
+  const std::lock_guard lock(mutex_);
+  return device_;
+}
+
 Report Interruption::reportWithCode() const {
   Report report = report_;
   report.code = code_.value_or(report.code);
   return report;
 }
 
+void Interruption::giveUp() const {
+  Report report = reportWithCode();
+  nameDevice(report, device_);
+  giveUp_(report);
+}
+
 void Interruption::begin() {
   const std::lock_guard lock(mutex_);
   stage_ = Stage::Beginning;
   if (code_) {
-    giveUp_(reportWithCode());
+    giveUp();
   }
 }
 
@@ -114,9 +141,11 @@ InterruptiblePlatform::InterruptiblePlatform(std::shared_ptr<posix::PosixPlatfor
       interruption_(std::move(interruption)),
       clock_(system_->clock(), interruption_) {}
 
-void InterruptiblePlatform::attach(const std::shared_ptr<EAAccessory>& accessory) {
+void InterruptiblePlatform::attach(const std::shared_ptr<EAAccessory>& accessory,
+                                   std::optional<std::string> device) {
   accessories_.push_back(accessory);
-  system_->attach(std::make_shared<InterruptibleAccessory>(accessory, interruption_));
+  system_->attach(
+      std::make_shared<InterruptibleAccessory>(accessory, interruption_, std::move(device)));
 }
 
 void InterruptiblePlatform::SleepsUntilInterrupted::usleep(std::uint64_t microseconds) {

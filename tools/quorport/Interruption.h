@@ -6,6 +6,8 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "backends/posix/PosixPlatform.h"
@@ -27,7 +29,10 @@ class Interruption {
   /// `giveUp` must end the process, with the report that it is handed. It is called while nothing
   /// is open that would have to be closed: neither a connection being made nor a read from a pipe
   /// can be told to stop.
-  explicit Interruption(GiveUp giveUp) : giveUp_(std::move(giveUp)) {}
+  ///
+  /// `report` is what the command reports if the wish ends it before it has anything to tell.
+  explicit Interruption(Report report, GiveUp giveUp)
+      : giveUp_(std::move(giveUp)), report_(std::move(report)) {}
 
   /// The wish comes. `code` is the exit status of a command that ends by it.
   void interrupt(ExitCode code);
@@ -35,10 +40,17 @@ class Interruption {
   /// The code that the wish came with; none if it has not come.
   std::optional<ExitCode> code();
 
-  /// What the command reports if the wish ends it before it has anything to tell. "interrupted"
-  /// unless a command sets another one.
+  /// Replaces what the command reports if the wish ends it.
   void setReport(Report report);
+
+  /// That report, with the code of the wish.
   Report report();
+
+  /// The command speaks to this device from now on.
+  void speakTo(const std::string& device);
+
+  /// The device that the command spoke to last; null if it has spoken to none.
+  std::optional<std::string> device();
 
   /// Nothing is open: as at creation, the wish ends the process when it comes or has come.
   void begin();
@@ -63,11 +75,13 @@ class Interruption {
 
   bool mustStop() const { return code_ && stage_ == Stage::Exchange; }
   Report reportWithCode() const;
+  void giveUp() const;
 
   std::mutex mutex_;  // guards what follows
   std::condition_variable wished_;
   const GiveUp giveUp_;
-  Report report_ = failed(ExitCode::Interrupted, "interrupted");
+  Report report_;
+  std::optional<std::string> device_;
   Stage stage_ = Stage::Beginning;
   PrintJob* job_ = nullptr;
   std::optional<ExitCode> code_;  // of the wish, once it has come
@@ -82,7 +96,9 @@ class InterruptiblePlatform : public ForwardingPlatform {
 
   Clock& clock() override { return clock_; }
 
-  void attach(const std::shared_ptr<EAAccessory>& accessory);
+  /// `device` is the text that the accessory was made from. A command that opens a session on it
+  /// speaks to that device; null keeps it out of the command's report.
+  void attach(const std::shared_ptr<EAAccessory>& accessory, std::optional<std::string> device);
 
   /// The accessories as they were attached, in that order.
   const std::vector<std::shared_ptr<EAAccessory>>& accessories() const { return accessories_; }

@@ -21,8 +21,8 @@ Json jsonOf(EAAccessory& accessory, bool isChosen) {
           {"chosen", isChosen}};
 }
 
-std::string lineOf(EAAccessory& accessory, bool isChosen) {
-  std::string line = isChosen ? "* " : "  ";
+std::string lineOf(EAAccessory& accessory, const std::string& device, bool isChosen) {
+  std::string line = (isChosen ? "* " : "  ") + printable(device) + "  ";
   line += inQuotes(accessory.name().value_or(""));
   const auto append = [&line](const char* label, const std::optional<std::string>& value) {
     if (value) {
@@ -38,14 +38,20 @@ std::string lineOf(EAAccessory& accessory, bool isChosen) {
 }  // namespace
 
 Report list(const Options& options, const Surroundings& surroundings) {
-  const auto platform = presentDevices(options, surroundings.interruption);
+  const auto platform = presentDevices(options, surroundings);
   const auto chosen = chosenAccessory(*platform, options);
+  const auto devices = devicesOf(options);
   Report report;
+  report.json["device"] = nullptr;
   report.json["accessories"] = Json::array();
-  for (const auto& accessory : platform->accessories()) {
+  for (std::size_t i = 0; i < devices.size(); ++i) {
+    const auto& accessory = platform->accessories()[i];
     const bool isChosen = accessory == chosen;
     report.json["accessories"].push_back(jsonOf(*accessory, isChosen));
-    report.text += lineOf(*accessory, isChosen);
+    report.text += lineOf(*accessory, devices[i], isChosen);
+    if (isChosen) {
+      report.json["device"] = devices[i];
+    }
   }
   report.text +=
       chosen ? "(* is the one that the port name " + inQuotes(options.portName) + " chooses)\n"

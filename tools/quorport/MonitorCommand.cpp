@@ -49,7 +49,7 @@ class Monitor {
   Monitor(const Options& options, const Surroundings& surroundings)
       : options_(options),
         surroundings_(surroundings),
-        platform_(presentDevices(options, surroundings.interruption)),
+        platform_(presentDevices(options, surroundings)),
         line_(surroundings.streams.err) {
     if (chosenAccessory(*platform_, options_) == nullptr) {
       throw noneMatches(*platform_, options_);
@@ -113,8 +113,10 @@ class Monitor {
   }
 
   void tell(const Look& now, SystemTime time) {
+    const auto device = surroundings_.interruption->device();
     Json object = {{"time", utcText(time)},
                    {"ok", now.code == ExitCode::Done},
+                   {"device", device ? Json(*device) : Json(nullptr)},
                    {"state", now.state},
                    {"text", now.text},
                    {"status", now.status},
@@ -122,7 +124,8 @@ class Monitor {
     if (now.code != ExitCode::Done) {
       object["error"] = now.text;
     }
-    const std::string told = options_.json ? inOneLine(object) : localText(time) + "  " + now.text;
+    const std::string told =
+        options_.json ? inOneLine(object) : localText(time) + "  " + labelOf(device) + now.text;
     if (const WriteOutcome outcome = writeAll(surroundings_.streams.out, told + "\n");
         outcome.error) {
       throw Failure(ExitCode::ExchangeFailed,

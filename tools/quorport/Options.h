@@ -43,6 +43,7 @@ struct SimulateOptions {
 /// named hold their defaults.
 struct Options {
   std::vector<std::string> devices;
+  std::string devicesFrom = "--device";  ///< where they were named, for people
   std::string portName = "BT:";
   std::string settings;
   std::uint32_t timeout = 10000;  ///< milliseconds

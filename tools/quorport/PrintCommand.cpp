@@ -60,6 +60,7 @@ ExitCode codeOf(const PrintResult& result) {
 Report reportOn(const PrintResult& result) {
   Report report;
   report.json = {{"ok", result.outcome == PrintOutcome::Printed},
+                 {"device", nullptr},
                  {"outcome", nameOf(result.outcome)},
                  {"resultCode", result.resultCode},
                  {"bytesTotal", result.bytesTotal},
@@ -73,17 +74,6 @@ Report reportOn(const PrintResult& result) {
     report.error = nameOf(result.outcome) + ": " + printable(result.reason) +
                    "\n  next: " + printable(result.advice);
   }
-  return report;
-}
-
-// The job never began.
-Report reportOn(const Failure& failure, std::uint64_t bytesTotal) {
-  PrintResult result;
-  result.bytesTotal = bytesTotal;
-  result.reason = failure.what();
-  Report report = reportOn(result);
-  report.code = failure.code();
-  report.error = failure.what();
   return report;
 }
 
@@ -143,9 +133,18 @@ std::optional<Receipt> receiptFor(const Options& options, const InterruptiblePla
                 : std::nullopt;
 }
 
+// A job that was printed stays printed; the command has not done all that was asked.
+void noteMissingReceipt(Report& report, const std::string& why) {
+  if (report.code == ExitCode::Done) {
+    report.code = ExitCode::ExchangeFailed;
+    report.json["ok"] = false;
+    report.json["error"] = why;
+  }
+}
+
 Report printData(const std::vector<std::uint8_t>& data, const Options& options,
                  const Surroundings& surroundings) {
-  const auto platform = presentDevices(options, surroundings.interruption);
+  const auto platform = presentDevices(options, surroundings);
   auto receipt = receiptFor(options, *platform);
   PrintResult result;
   {
@@ -153,27 +152,45 @@ Report printData(const std::vector<std::uint8_t>& data, const Options& options,
     Printer printer(platform, options, surroundings);
     result = runJob(data, printer, line, options.print, surroundings);
   }
-  if (receipt) {
-    if (const std::string why = receipt->write(); !why.empty()) {
-      complain(why, surroundings.streams);
-    }
+  Report report = reportOn(result);
+  if (const std::string why = receipt ? receipt->write() : ""; !why.empty()) {
+    complain(why, surroundings.streams);
+    noteMissingReceipt(report, why);
   }
-  return reportOn(result);
+  return report;
+}
+
+// A job that "prints" on the virtual printer because its device was forgotten would be lost.
+void requireDevice(const Options& options) {
+  if (options.devices.empty()) {
+    throw Failure(ExitCode::Usage,
+                  "no printer is named, and nothing was sent: name one, such as --device "
+                  "tcp:HOST:PORT, or set the variable QUORPORT_DEVICE; --device virtual: tries the "
+                  "printer that is built in");
+  }
 }
 
 }  // namespace
 
+Report refusedJob(ExitCode code, const std::string& error, std::uint64_t bytesTotal) {
+  PrintResult result;
+  result.bytesTotal = bytesTotal;
+  result.reason = error;
+  Report report = reportOn(result);
+  report.code = code;
+  report.error = error;
+  return report;
+}
+
 Report print(const Options& options, const Surroundings& surroundings) {
-  const Failure interrupted(ExitCode::Interrupted, "interrupted");
-  std::uint64_t bytesTotal = 0;
+  requireDevice(options);
+  const auto data = readJob(options.print.file, surroundings.streams);
+  surroundings.interruption->setReport(
+      refusedJob(ExitCode::Interrupted, "interrupted", data.size()));
   try {
-    surroundings.interruption->setReport(reportOn(interrupted, bytesTotal));
-    const auto data = readWhole(options.print.file, surroundings.streams);
-    bytesTotal = data.size();
-    surroundings.interruption->setReport(reportOn(interrupted, bytesTotal));
     return printData(data, options, surroundings);
   } catch (const Failure& failure) {
-    return reportOn(failure, bytesTotal);
+    return refusedJob(failure.code(), failure.what(), data.size());
   }
 }
 

@@ -20,7 +20,7 @@ constexpr std::size_t pieceSize = std::size_t{64} << 10U;
   throw Failure(ExitCode::Usage, what + " cannot be read: " + why + "; nothing was sent");
 }
 
-std::vector<std::uint8_t> readToEnd(int descriptor, const std::string& what) {
+std::vector<std::uint8_t> readAll(int descriptor, const std::string& what) {
   std::vector<std::uint8_t> data;
   while (true) {
     const std::size_t size = data.size();
@@ -40,9 +40,17 @@ std::vector<std::uint8_t> readToEnd(int descriptor, const std::string& what) {
   }
 }
 
+std::vector<std::uint8_t> readToEnd(int descriptor, const std::string& what) {
+  auto data = readAll(descriptor, what);
+  if (data.empty()) {
+    throw Failure(ExitCode::Usage, what + " is empty: there is nothing to print");
+  }
+  return data;
+}
+
 }  // namespace
 
-std::vector<std::uint8_t> readWhole(const std::string& file, const Streams& streams) {
+std::vector<std::uint8_t> readJob(const std::string& file, const Streams& streams) {
   if (file == "-") {
     return readToEnd(streams.in, "standard input");
   }

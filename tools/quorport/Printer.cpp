@@ -100,16 +100,22 @@ void awaitRelease(const std::weak_ptr<ExternalAccessoryPort>& port) {
 
 }  // namespace
 
+std::vector<std::string> devicesOf(const Options& options) {
+  return options.devices.empty() ? std::vector<std::string>{"virtual:"} : options.devices;
+}
+
 std::shared_ptr<InterruptiblePlatform> presentDevices(const Options& options,
-                                                      std::shared_ptr<Interruption> interruption) {
-  auto platform = std::make_shared<InterruptiblePlatform>(std::move(interruption));
-  const auto specs =
-      options.devices.empty() ? std::vector<std::string>{"virtual:"} : options.devices;
-  for (const std::string& spec : specs) {
+                                                      const Surroundings& surroundings) {
+  auto platform = std::make_shared<InterruptiblePlatform>(surroundings.interruption);
+  if (options.devices.empty()) {
+    complain("no device is given: this is the virtual printer; --device names another",
+             surroundings.streams);
+  }
+  for (const std::string& spec : devicesOf(options)) {
     try {
-      platform->attach(makeAccessory(parseDeviceSpec(spec), platform->clock()));
+      platform->attach(makeAccessory(parseDeviceSpec(spec), platform->clock()), spec);
     } catch (const std::invalid_argument& error) {
-      throw Failure(ExitCode::Usage, std::string("--device: ") + printable(error.what()));
+      throw Failure(ExitCode::Usage, options.devicesFrom + ": " + printable(error.what()));
     }
   }
   return platform;
@@ -146,7 +152,7 @@ Failure noneMatches(const InterruptiblePlatform& platform, const Options& option
 }
 
 Printer::Printer(const Options& options, const Surroundings& surroundings)
-    : Printer(presentDevices(options, surroundings.interruption), options, surroundings) {}
+    : Printer(presentDevices(options, surroundings), options, surroundings) {}
 
 Printer::Printer(const std::shared_ptr<InterruptiblePlatform>& platform, const Options& options,
                  const Surroundings& surroundings)

@@ -13,10 +13,14 @@
 
 namespace quordalvane::tool {
 
-/// Presents the devices of the options, in their order. Throws a Failure with ExitCode::Usage for a
-/// SPEC that is none.
+/// The devices of the options, in their order; the virtual printer if there are none.
+std::vector<std::string> devicesOf(const Options& options);
+
+/// Presents these devices, and says on standard error if it is the virtual
+/// printer because there are none. Throws a Failure with ExitCode::Usage for a SPEC that is no
+/// device.
 std::shared_ptr<InterruptiblePlatform> presentDevices(const Options& options,
-                                                      std::shared_ptr<Interruption> interruption);
+                                                      const Surroundings& surroundings);
 
 /// The accessory that a port with these options would choose among those of the platform; null if
 /// none. Connects nothing, and leaves nothing in the diagnostic records.

@@ -31,14 +31,13 @@ Report firmware(const Options& options, const Surroundings& surroundings) {
 Report dipswitch(const Options& options, const Surroundings& surroundings) {
   Printer printer(options, surroundings);
   const auto banks = printer.ask([](PrinterInquiry& inquiry) { return inquiry.dipSwitches(); });
-  Report report = done("");
-  report.text.clear();
+  Report report = done("DIP switches");
   report.json["banks"] = Json::array();
   for (const auto& bank : banks) {
     const std::string hex = hexOf(bank);
     report.json["banks"].push_back(hex);
     report.text +=
-        "bank " + std::to_string(report.json["banks"].size()) + ": " + spaced(hex) + " (hex)\n";
+        "  bank " + std::to_string(report.json["banks"].size()) + ": " + spaced(hex) + " (hex)\n";
   }
   return report;
 }

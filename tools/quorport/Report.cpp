@@ -25,6 +25,24 @@ void setFailed(Report& report, ExitCode code, const std::string& error) {
   report.error = error;
 }
 
+std::string labelOf(const std::optional<std::string>& device) {
+  if (!device) {
+    return "";
+  }
+  return printable(*device) + (device->ends_with(':') ? " " : ": ");  // virtual: has its colon
+}
+
+void nameDevice(Report& report, const std::optional<std::string>& device) {
+  if (device && !report.json.empty()) {
+    report.json["device"] = *device;
+  }
+  for (std::string* const text : {&report.text, &report.error}) {
+    if (!text->empty()) {
+      text->insert(0, labelOf(device));
+    }
+  }
+}
+
 bool deliver(const Report& report, bool asJson, const Streams& streams) {
   const bool hasObject = asJson && !report.json.empty();
   const std::string object = hasObject ? inOneLine(report.json) + "\n" : "";

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -15,12 +16,16 @@ enum class ExitCode : int {
   ExchangeFailed = 1,
   Usage = 2,
   NoAccessory = 3,  ///< none matched, or it could not be opened
-  NotReady = 4,     ///< the printer answered: off line, or paper in its exit
+  NotReady = 4,     ///< the printer is off line, has paper in its exit or is in use
   LinkLost = 5,
   Unconfirmed = 6,
-  HungUp = 129,  ///< by SIGHUP
-  Interrupted = 130,
+  Interrupted = 130,  ///< by SIGINT; any other signal that ends a command is 128 + its number, too
 };
+
+/// The exit status of a command that a signal ended, as shells have it.
+constexpr ExitCode codeOfSignal(int signal) {
+  return static_cast<ExitCode>(128 + signal);
+}
 
 using Json = nlohmann::ordered_json;
 
@@ -50,6 +55,13 @@ Report failed(ExitCode code, const std::string& error);
 
 /// Adds the failure to what the report holds.
 void setFailed(Report& report, ExitCode code, const std::string& error);
+
+/// The device in front of a text for people: "tcp:192.0.2.10:9100: "; "" for null.
+std::string labelOf(const std::optional<std::string>& device);
+
+/// Writes the name of the device into a report that says anything: as `device` of the object, and
+/// in front of the texts for people. Null changes nothing.
+void nameDevice(Report& report, const std::optional<std::string>& device);
 
 /// Writes the report: its text, or with `asJson` its object, to standard output; its error to
 /// standard error. False if standard output did not take it, which standard error is then told.

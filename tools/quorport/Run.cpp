@@ -1,9 +1,9 @@
 #include "tools/quorport/Run.h"
 
-#include <csignal>
 #include <cstdlib>
 #include <exception>
 #include <memory>
+#include <string>
 #include <variant>
 
 #include "iphone-IOPort/LogWriter.h"
@@ -16,20 +16,15 @@
 namespace quordalvane::tool {
 namespace {
 
-ExitCode codeOf(int signal) {
-  return signal == SIGHUP ? ExitCode::HungUp : ExitCode::Interrupted;
-}
+struct Answer {
+  Report report;
+  bool asJson;
+  CommandKind kind;
+};
 
-Report reportOf(const Order& order, const Surroundings& surroundings) {
-  try {
-    return order.command->run(order.options, surroundings);
-  } catch (const Interrupted&) {
-    return surroundings.interruption->report();
-  } catch (const Failure& failure) {
-    return failed(failure.code(), failure.what());
-  } catch (const std::exception& error) {
-    return failed(ExitCode::ExchangeFailed, printable(error.what()));
-  }
+// What a command answers that did not begin.
+Report refusal(CommandKind kind, ExitCode code, const std::string& error) {
+  return kind == CommandKind::Printing ? refusedJob(code, error, 0) : failed(code, error);
 }
 
 // For the moment when nothing is open: what the command is doing need not be undone.
@@ -40,51 +35,78 @@ Report reportOf(const Order& order, const Surroundings& surroundings) {
   std::_Exit(static_cast<int>(report.code));
 }
 
-ExitCode carryOut(const Order& order, const Streams& streams) {
-  const LogOutput log(order.options, streams);
+Report reportOf(const Order& order, const Surroundings& surroundings) {
+  try {
+    const LogOutput log(order.options, surroundings.streams);
+    return order.command->run(order.options, surroundings);
+  } catch (const Interrupted&) {
+    return surroundings.interruption->report();
+  } catch (const Failure& failure) {
+    return refusal(order.command->kind, failure.code(), failure.what());
+  } catch (const std::exception& error) {
+    return refusal(order.command->kind, ExitCode::ExchangeFailed, printable(error.what()));
+  }
+}
+
+Report reportOf(const Order& order, const Streams& streams) {
   const bool asJson = order.options.json;
+  const CommandKind kind = order.command->kind;
   const auto interruption = std::make_shared<Interruption>(
+      refusal(kind, ExitCode::Interrupted, "interrupted"),
       [asJson, streams](const Report& report) { leaveAtOnce(report, asJson, streams); });
-  const bool handlesSignals = order.command->kind == CommandKind::Service;
   Report report;
   {
-    const auto watch =
-        handlesSignals ? nullptr : std::make_unique<SignalWatch>([interruption](int signal) {
-          interruption->interrupt(codeOf(signal));
-        });
+    const auto watch = kind == CommandKind::Service
+                           ? nullptr
+                           : std::make_unique<SignalWatch>([interruption](int signal) {
+                               interruption->interrupt(codeOfSignal(signal));
+                             });
     report = reportOf(order, {streams, interruption});
     interruption->end();
   }
+  nameDevice(report, interruption->device());
   // What is done is done, however late the wish to stop came. Of anything else the exit status
   // tells that wish, and the report what was found out.
   if (report.code != ExitCode::Done) {
     report.code = interruption->code().value_or(report.code);
   }
-  const bool delivered = deliver(report, asJson, streams);
-  // Who asked a question and got no answer must not take it for one. What was printed, on the other
-  // hand, is printed, and a script that sends it again would print it twice.
-  const bool isLost = !delivered && order.command->kind != CommandKind::Printing;
-  return isLost && report.code == ExitCode::Done ? ExitCode::ExchangeFailed : report.code;
+  return report;
+}
+
+Answer answerTo(const std::vector<std::string>& arguments, const Streams& streams) {
+  ExitCode code = ExitCode::Done;
+  std::string error;
+  try {
+    const StopSignals held;  // a signal waits until the command can answer for what it interrupts
+    const auto parsed = parseCommandLine(arguments);
+    if (const auto* order = std::get_if<Order>(&parsed)) {
+      return {reportOf(*order, streams), order->options.json, order->command->kind};
+    }
+    Report report;
+    report.text = std::get<std::string>(parsed);
+    return {report, false, CommandKind::Question};
+  } catch (const Failure& failure) {
+    code = failure.code();
+    error = failure.what();
+  } catch (const std::exception& problem) {
+    code = ExitCode::ExchangeFailed;
+    error = printable(problem.what());
+  }
+  const Command* const command = commandNamedIn(arguments);
+  const CommandKind kind = command == nullptr ? CommandKind::Question : command->kind;
+  return {refusal(kind, code, error), askForJson(arguments), kind};
 }
 
 }  // namespace
 
 int run(const std::vector<std::string>& arguments, const Streams& streams) {
-  Report report;
-  try {
-    const auto parsed = parseCommandLine(arguments);
-    if (const auto* order = std::get_if<Order>(&parsed)) {
-      return static_cast<int>(carryOut(*order, streams));
-    }
-    report.text = std::get<std::string>(parsed);
-    return deliver(report, false, streams) ? 0 : static_cast<int>(ExitCode::ExchangeFailed);
-  } catch (const Failure& failure) {
-    report = failed(failure.code(), failure.what());
-  } catch (const std::exception& error) {
-    report = failed(ExitCode::ExchangeFailed, printable(error.what()));
-  }
-  deliver(report, askForJson(arguments), streams);
-  return static_cast<int>(report.code);
+  const Answer answer = answerTo(arguments, streams);
+  const bool delivered = deliver(answer.report, answer.asJson, streams);
+  // Who asked a question and got no answer must not take it for one. What was printed, on the other
+  // hand, is printed, and a script that sends it again would print it twice.
+  const bool isLost = !delivered && answer.kind != CommandKind::Printing;
+  const bool isDone = answer.report.code == ExitCode::Done;
+  return static_cast<int>(isLost && isDone ? ExitCode::ExchangeFailed : answer.report.code);
 }
 
 }  // namespace quordalvane::tool

@@ -100,7 +100,7 @@ class Examination {
   Answer ask(const DeviceSpec& spec, ZKEmulation emulation) {
     const auto platform = std::make_shared<InterruptiblePlatform>(surroundings_.interruption);
     const auto accessory = makeAccessory(spec, platform->clock());
-    platform->attach(accessory);
+    platform->attach(accessory, std::nullopt);
     Options options = options_;
     options.emulation = emulation;
     Answer answer;
@@ -189,7 +189,7 @@ Diagnosis examine(const std::string& device, const Options& options,
   try {
     return Examination(device, options, surroundings, line).run();
   } catch (const std::invalid_argument& error) {
-    throw Failure(ExitCode::Usage, std::string("--device: ") + printable(error.what()));
+    throw Failure(ExitCode::Usage, options.devicesFrom + ": " + printable(error.what()));
   }
 }
 

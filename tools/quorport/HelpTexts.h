@@ -1,0 +1,59 @@
+#pragma once
+
+// The prose of --help: what the lists of commands and options do not say.
+
+namespace quordalvane::tool::help {
+
+inline constexpr auto description =
+    "Talks to receipt printers: asks for their state, prints, and says honestly what became of it.";
+
+inline constexpr auto statusesAndExamples =
+    "Exit status: 0 done, 1 the exchange with the printer failed, 2 usage, 3 no accessory matched "
+    "or\n"
+    "it could not be opened, 4 the printer is not ready, 5 the link was lost, 6 unconfirmed,\n"
+    "128 and its number on a signal: 129 hung up, 130 interrupted, 143 terminated.\n"
+    "\n"
+    "Without a device print refuses, and every other command looks at the virtual printer and "
+    "says\n"
+    "so. The variable QUORPORT_DEVICE names devices, parted by blanks.\n"
+    "\n"
+    "  quorport -d virtual: print receipt.txt                 on the printer that is built in\n"
+    "  quorport -d tcp:192.0.2.10:9100 status\n"
+    "  quorport -d tcp:192.0.2.10:9100 doctor                 when something does not work\n"
+    "  quorport simulate --listen tcp:127.0.0.1:9100\n";
+
+inline constexpr auto printFooter =
+    "The outcome is one of\n"
+    "  printed      the printer confirmed that it printed all of this job (exit status 0)\n"
+    "  unconfirmed  bytes were handed over, and nothing proves that they were printed: sending\n"
+    "               them again may print twice (6)\n"
+    "  refused      nothing of the job was sent (1, 3, 4 or 5)\n";
+
+inline constexpr auto commandFooter =
+    "The global options, such as --device and --json, are taken here as well: quorport --help";
+
+inline constexpr auto doctorFooter =
+    "Every --device that is given is looked at, and nothing is printed. Without one there is\n"
+    "nothing to look at, and the exit status is 2. A serial printer that does not answer is asked\n"
+    "at every other speed, too, which may make it print stray characters.\n"
+    "The exit status is 0 if all is well, else that of the first thing found: 1, 3, 4 or 5.\n";
+
+inline constexpr auto monitorFooter =
+    "Each change is one line on standard output, with --json one JSON object: time, ok (whether\n"
+    "the printer answered), device, state (ready, not-ready, no-answer, link-lost or "
+    "unreachable),\n"
+    "text, status (null if there is none), changed, the names of its fields, and error where ok is "
+    "false.\n"
+    "A lost link is opened again. The printer is kept for itself meanwhile, where it serves one\n"
+    "host at a time. With --count the exit status tells how the last look came out: 0, 1, 3 or "
+    "5.\n";
+
+inline constexpr auto simulateFooter =
+    "Where it listens is the first line on standard output: the word listening, a blank, and a\n"
+    "SPEC for --device. A terminal that was dropped comes back under another path, which standard\n"
+    "error is told in the same words.\n"
+    "On standard input and on the control socket it takes one JSON object a line and answers one:\n"
+    "  {\"set\": {\"coverOpen\": true, \"speed\": 200}}   {\"get\": \"state\"}   {\"quit\": true}\n"
+    "  {\"fault\": {\"late-reply\": 300}}               {\"clear\": \"faults\"}\n";
+
+}  // namespace quordalvane::tool::help

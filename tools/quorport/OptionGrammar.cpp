@@ -1,0 +1,197 @@
+#include "tools/quorport/OptionGrammar.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <charconv>
+#include <limits>
+#include <map>
+#include <utility>
+
+#include "tools/quorport/HelpTexts.h"
+#include "tools/quorport/Report.h"
+
+namespace quordalvane::tool {
+namespace {
+
+constexpr std::uint32_t longestTime = std::numeric_limits<std::uint32_t>::max();
+constexpr std::uint32_t highestLogLevel = 63;
+
+struct Range {
+  std::uint32_t least;
+  std::uint32_t largest;
+};
+
+std::uint32_t number(const std::string& text, Range range, const std::string& unit) {
+  std::uint32_t value = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, value);
+  if (error != std::errc() || stop != end || value < range.least || value > range.largest) {
+    throw CLI::ValidationError("takes " + unit + " from " + std::to_string(range.least) + " to " +
+                               std::to_string(range.largest) + ", not " + inQuotes(text));
+  }
+  return value;
+}
+
+ZKEmulation emulation(const std::string& text) {
+  static const std::map<std::string, ZKEmulation> names = {
+      {"line", ZKEmulationQuorLine},
+      {"escpos", ZKEmulationESCPOS},
+      {"unknown", ZKEmulationUnknown},
+  };
+  std::string name = text;
+  std::ranges::transform(name, name.begin(), [](char letter) {
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+  });
+  const auto found = names.find(name);
+  if (found == names.end()) {
+    throw CLI::ValidationError("takes line, escpos or unknown, not " + inQuotes(text));
+  }
+  return found->second;
+}
+
+// A `take` of which what it finds wrong with a value is told behind the option's name.
+template <typename Take>
+auto toldBehind(std::string name, Take take) {
+  return [name = std::move(name), take](const auto& value) {
+    try {
+      take(value);
+    } catch (const CLI::ValidationError& error) {
+      throw CLI::ValidationError(name + " " + error.what());
+    }
+  };
+}
+
+// Adds an option that takes a text and hands it to `take`; of several the last one counts.
+template <typename Take>
+CLI::Option* addText(CLI::App& app, const std::string& names, const std::string& type,
+                     const std::string& help, Take take) {
+  return app
+      .add_option_function<std::string>(names, toldBehind(names.substr(names.find("--")), take),
+                                        help)
+      ->type_name(type)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+}
+
+template <typename Time>
+void addTime(CLI::App& app, const std::string& names, const std::string& help, Time& time) {
+  addText(app, names, "MS", help, [&time](const std::string& text) {
+    time = number(text, {0, longestTime}, "milliseconds");
+  });
+}
+
+CLI::Option* addTexts(CLI::App& app, const std::string& names, const std::string& type,
+                      const std::string& help, std::vector<std::string>& texts) {
+  return app.add_option(names, texts, help)->type_name(type)->allow_extra_args(false);
+}
+
+}  // namespace
+
+void addGlobalOptions(CLI::App& app, Options& options) {
+  addTexts(app, "-d,--device", "SPEC",
+           "a link to present as a connected accessory; may be repeated (default: the variable "
+           "QUORPORT_DEVICE)",
+           options.devices);
+  app.add_option("-p,--port-name", options.portName,
+                 "BT: for the first accessory, BT:NAME for a certain one (default BT:)")
+      ->type_name("NAME")
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+  app.add_option("-s,--settings", options.settings, "the port's settings")
+      ->type_name("TEXT")
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+  addTime(app, "-t,--timeout", "the input/output time-out (default 10000)", options.timeout);
+  addText(app, "-e,--emulation", "NAME", "line, escpos or unknown (default line)",
+          [&options](const std::string& text) { options.emulation = emulation(text); });
+  app.add_option("--log", options.log,
+                 "write the diagnostic records to this file, a JSON object a line; - is standard "
+                 "error")
+      ->type_name("FILE")
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+  app.add_option_function<std::vector<std::string>>(
+         "--log-level",
+         toldBehind("--log-level",
+                    [&options](const std::vector<std::string>& texts) {
+                      options.logLevels.clear();
+                      for (const std::string& text : texts) {
+                        options.logLevels.insert(static_cast<std::int32_t>(
+                            number(text, {0, highestLogLevel}, "a level")));
+                      }
+                    }),
+         "a level of records that is wanted; may be repeated (default 0)")
+      ->type_name("N")
+      ->allow_extra_args(false);
+  app.add_flag("--json", options.json, "print the result as one JSON object");
+}
+
+void addStatusOptions(CLI::App& app, Options& all) {
+  StatusOptions& options = all.status;
+  addText(app, "--level", "N", "the level of the status, which is only logged (default 0)",
+          [&options](const std::string& text) {
+            options.level = number(text, {0, longestTime}, "a number");
+          });
+  app.add_flag("-v,--verbose", options.verbose, "show every field, also those that say nothing");
+}
+
+void addPrintOptions(CLI::App& app, Options& all) {
+  PrintOptions& options = all.print;
+  app.add_option("FILE", options.file, "what to print; - is standard input")->required();
+  app.add_flag("--unchecked", options.unchecked,
+               "send without a checked block: the printer is not asked before or after, and the "
+               "outcome is unconfirmed at best");
+  addTime(app, "--end-timeout",
+          "how long to wait for the confirmation (default: the input/output time-out)",
+          options.endTimeout);
+  addTime(app, "--hold-print-timeout", "how long to wait for paper to be taken from the exit",
+          options.holdPrintTimeout);
+  addText(app, "--receipt", "FILE.png|.txt", "show what came out, on virtual: only",
+          [&options](const std::string& text) {
+            if (!text.ends_with(".png") && !text.ends_with(".txt")) {
+              throw CLI::ValidationError("takes a name that ends in .png or .txt, not " +
+                                         inQuotes(text));
+            }
+            options.receipt = text;
+          });
+  app.footer(help::printFooter);
+}
+
+void addDoctorOptions(CLI::App& app, Options& all) {
+  DoctorOptions& options = all.doctor;
+  app.add_option("--bundle", options.bundle,
+                 "write versions, findings, status and diagnostic records to this new file, which "
+                 "can be sent on")
+      ->type_name("FILE")
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+  app.footer(help::doctorFooter);
+}
+
+void addMonitorOptions(CLI::App& app, Options& all) {
+  MonitorOptions& options = all.monitor;
+  addText(app, "--interval", "MS", "the pause between two looks (default 1000)",
+          [&options](const std::string& text) {
+            options.interval = number(text, {100, longestTime}, "milliseconds");
+          });
+  addText(app, "--count", "N", "end after so many looks (default: when interrupted)",
+          [&options](const std::string& text) {
+            options.count = number(text, {1, longestTime}, "a number");
+          });
+  app.footer(help::monitorFooter);
+}
+
+void addSimulateOptions(CLI::App& app, Options& all) {
+  SimulateOptions& options = all.simulate;
+  app.add_option("--listen", options.listen,
+                 "tcp:, tcp:PORT or tcp:HOST:PORT (none or 0: any free port; this machine alone "
+                 "unless a HOST says otherwise), unix:PATH, or pty:")
+      ->type_name("SPEC")
+      ->required();
+  addTexts(app, "--set", "KEY=VALUE",
+           "the printer's state or a fault, as on virtual: devices; may be repeated",
+           options.settings);
+  app.add_option("--receipts", options.receipts,
+                 "write what comes out for each job into this folder, as text and as a picture")
+      ->type_name("FOLDER");
+  app.add_option("--control", options.control, "take control lines on this socket, too")
+      ->type_name("unix:PATH");
+  app.footer(help::simulateFooter);
+}
+
+}  // namespace quordalvane::tool

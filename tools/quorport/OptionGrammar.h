@@ -1,0 +1,21 @@
+#pragma once
+
+#include "tools/quorport/Options.h"
+
+namespace CLI {
+class App;
+}
+
+namespace quordalvane::tool {
+
+// Each function adds options to the parser, which writes what it reads into `options`, and raises
+// CLI::ValidationError for a value that is none. Both must live as long as the parser is used.
+
+void addGlobalOptions(CLI::App& app, Options& options);
+void addStatusOptions(CLI::App& app, Options& options);
+void addPrintOptions(CLI::App& app, Options& options);
+void addMonitorOptions(CLI::App& app, Options& options);
+void addDoctorOptions(CLI::App& app, Options& options);
+void addSimulateOptions(CLI::App& app, Options& options);
+
+}  // namespace quordalvane::tool
