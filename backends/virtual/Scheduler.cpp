@@ -20,8 +20,8 @@ thread_local Place place;
 
 Scheduler::Scheduler() {
   Thread& first = adopt();
-  first.due.reset();
-  first.hasTurn = true;
+  first.due_.reset();
+  first.hasTurn_ = true;
   place = {this, &first};
 }
 
@@ -33,7 +33,7 @@ Instant Scheduler::now() const {
 Scheduler::Thread& Scheduler::adopt() {
   const std::lock_guard lock(mutex_);
   auto thread = std::make_unique<Thread>();
-  thread->due = {now_, sequence_++};
+  thread->due_ = {now_, sequence_++};
   Thread& adopted = *thread;
   threads_.emplace(&adopted, std::move(thread));
   return adopted;
@@ -42,7 +42,7 @@ Scheduler::Thread& Scheduler::adopt() {
 void Scheduler::begin(Thread& self) {
   place = {this, &self};
   std::unique_lock lock(mutex_);
-  self.turn.wait(lock, [&self] { return self.hasTurn; });
+  self.turn_.wait(lock, [&self] { return self.hasTurn_; });
 }
 
 void Scheduler::end(Thread& self) {
@@ -73,21 +73,21 @@ Scheduler::Thread& Scheduler::waiter() const {
 void Scheduler::waitUntil(Instant instant) {
   Thread& self = waiter();
   std::unique_lock lock(mutex_);
-  self.due = {std::max(instant, now_), sequence_++};
+  self.due_ = {std::max(instant, now_), sequence_++};
   wait(lock, self);
 }
 
 void Scheduler::waitUntilWoken() {
   Thread& self = waiter();
   std::unique_lock lock(mutex_);
-  self.due.reset();
+  self.due_.reset();
   wait(lock, self);
 }
 
 void Scheduler::wake(Thread& thread) {
   const std::lock_guard lock(mutex_);
-  if (!thread.hasTurn) {
-    thread.due = {now_, sequence_++};
+  if (!thread.hasTurn_) {
+    thread.due_ = {now_, sequence_++};
   }
 }
 
@@ -97,9 +97,9 @@ void Scheduler::at(Instant instant, std::function<void()> event) {
 }
 
 void Scheduler::wait(std::unique_lock<std::mutex>& lock, Thread& self) {
-  self.hasTurn = false;
+  self.hasTurn_ = false;
   passTurn(lock);
-  self.turn.wait(lock, [&self] { return self.hasTurn; });
+  self.turn_.wait(lock, [&self] { return self.hasTurn_; });
 }
 
 /// Moves time to what is due first. Events are run here, without the lock; the first thread that is
@@ -107,7 +107,7 @@ void Scheduler::wait(std::unique_lock<std::mutex>& lock, Thread& self) {
 void Scheduler::passTurn(std::unique_lock<std::mutex>& lock) {
   while (true) {
     Thread* const next = nextThread();
-    if (!events_.empty() && (next == nullptr || events_.begin()->first <= next->due->first)) {
+    if (!events_.empty() && (next == nullptr || events_.begin()->first <= next->due_->first)) {
       auto event = events_.extract(events_.begin());
       now_ = std::max(now_, event.key());
       lock.unlock();
@@ -116,10 +116,10 @@ void Scheduler::passTurn(std::unique_lock<std::mutex>& lock) {
       continue;
     }
     if (next != nullptr) {
-      now_ = std::max(now_, next->due->first);
-      next->due.reset();
-      next->hasTurn = true;
-      next->turn.notify_one();
+      now_ = std::max(now_, next->due_->first);
+      next->due_.reset();
+      next->hasTurn_ = true;
+      next->turn_.notify_one();
     } else if (!threads_.empty()) {
       std::fputs("virtual time stands still: every thread waits and no event is to come\n", stderr);
       std::abort();
@@ -131,7 +131,7 @@ void Scheduler::passTurn(std::unique_lock<std::mutex>& lock) {
 Scheduler::Thread* Scheduler::nextThread() {
   Thread* next = nullptr;
   for (const auto& [thread, owner] : threads_) {
-    if (thread->due && (next == nullptr || *thread->due < *next->due)) {
+    if (thread->due_ && (next == nullptr || *thread->due_ < *next->due_)) {
       next = thread;
     }
   }

@@ -23,9 +23,9 @@ class Scheduler {
   /// One thread that takes turns; made by `adopt`, valid as long as the scheduler.
   class Thread {
     friend class Scheduler;
-    std::condition_variable turn;
-    bool hasTurn = false;
-    std::optional<std::pair<Instant, std::uint64_t>> due;  // none: it waits until it is woken
+    std::condition_variable turn_;
+    bool hasTurn_ = false;
+    std::optional<std::pair<Instant, std::uint64_t>> due_;  // empty: it waits until it is woken
   };
 
   /// The calling thread becomes the first one and has the turn.
