@@ -62,15 +62,20 @@ def sources(build: Path) -> dict[Path, str]:
 class Lint:
     def __init__(self, build: Path):
         self.build = build
-        version = subprocess.run(["clang-tidy", "--version"], check=True, capture_output=True).stdout
-        self.common = version + content(ROOT / RULES)
+        self.version = subprocess.run(["clang-tidy", "--version"], check=True, capture_output=True).stdout
+
+    @staticmethod
+    def rules(source: Path) -> list[Path]:
+        """The files that say what is checked in the source's folder."""
+        folders = [folder for folder in source.parents if folder.is_relative_to(ROOT)]
+        return [folder / RULES for folder in folders if (folder / RULES).is_file()]
 
     def stamp(self, source: Path) -> Path:
         return self.build / "lint" / f"{source.relative_to(ROOT)}.stamp"
 
     def digest(self, source: Path, command: str) -> str:
-        parts = [self.common, command.encode()]
-        for file in closure(source):
+        parts = [self.version, command.encode()]
+        for file in [*self.rules(source), *closure(source)]:
             parts += [str(file).encode(), content(file)]
         return hashlib.sha256(b"\0".join(parts)).hexdigest()
 

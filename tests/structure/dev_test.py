@@ -1,4 +1,4 @@
-"""./dev tells its user what it takes, and what to install. Usage: dev_test.py ROOT"""
+"""./dev says what it takes and what to install; the hook says what a message lacks. Usage: dev_test.py ROOT"""
 
 import os
 import shutil
@@ -95,6 +95,31 @@ class Quietly(unittest.TestCase):
         self.assertIn("the error\n./dev: compiling failed; the whole log is ", done.stderr)
         self.assertNotIn("\n900\n", done.stderr)
         self.assertNotIn("after", done.stdout)
+
+
+class CommitMessage(unittest.TestCase):
+    """The hook for messages, which reminds and never refuses."""
+
+    def reminders(self, message: str) -> list[str]:
+        with tempfile.NamedTemporaryFile("w") as file:
+            file.write(message)
+            file.flush()
+            done = subprocess.run([ROOT / "scripts/hooks/commit-msg", file.name], capture_output=True, text=True)
+        self.assertEqual((done.returncode, done.stdout), (0, ""))
+        return done.stderr.splitlines()
+
+    def test_a_good_message_passes_in_silence(self):
+        self.assertEqual(self.reminders("job: do this\n\nFor that reason.\n# a comment\n"), [])
+        self.assertEqual(self.reminders("Merge branch 'x'\n"), [])
+
+    def test_each_fault_of_a_message_is_named(self):
+        for message, fault in (("Do this\n\nWhy.\n", "area"), ("Job: do this\n\nWhy.\n", "area"),
+                               ("job: do this\n\n# only a comment\n", "body"),
+                               ("job: " + "x" * 68 + "\n\nWhy.\n", "73 characters")):
+            with self.subTest(message):
+                reminders = self.reminders(message)
+                self.assertEqual(len(reminders), 1, reminders)
+                self.assertIn(fault, reminders[0])
 
 
 if __name__ == "__main__":

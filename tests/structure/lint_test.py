@@ -80,6 +80,13 @@ class Lint(unittest.TestCase):
                 self.write(file, "b\n")
                 self.assertEqual(len(self.lint()[1]), 3)
 
+    def test_rules_of_a_folder_count_for_its_sources_alone(self):
+        self.write("tools/Tool.cpp", "int tool;\n")
+        self.commands({"job/Other.cpp": "-O2", "tools/Tool.cpp": "-O2"})
+        self.lint()
+        self.write("tools/.clang-tidy", "Checks: b\n")
+        self.assertEqual(self.lint(), (True, {"Tool.cpp"}))
+
     def test_another_compile_command_reads_its_source(self):
         self.commands({"job/Job.cpp": "-O2", "job/Other.cpp": "-O0", "job/Third.cpp": "-O2"})
         self.assertEqual(self.lint(), (True, {"Other.cpp"}))
