@@ -14,5 +14,6 @@ if(SQLITE_FOUND AND NETTLE_FOUND)
   set(QUOR_JOURNAL ON)
 else()
   set(QUOR_JOURNAL OFF)
-  message(STATUS "Left out: the journal of jobs (print --job, jobs), which needs libsqlite3-dev and nettle-dev")
+  quor_left_out("the journal of jobs (print --job, jobs)" "libsqlite3-dev and nettle-dev"
+                tests/journal tests/unit/journal)
 endif()

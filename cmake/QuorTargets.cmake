@@ -40,3 +40,13 @@ function(quor_interface name)
   target_include_directories(${name} INTERFACE ${PROJECT_SOURCE_DIR})
   target_link_libraries(${name} INTERFACE ${ARG_LINKS})
 endfunction()
+
+# quor_left_out(WHAT PACKAGES FOLDER …): says that a part is not built because packages are missing. The
+# file names the folders of tests that are not built with it, so that they do not count as forgotten.
+file(REMOVE ${PROJECT_BINARY_DIR}/left_out.txt)
+function(quor_left_out what packages)
+  message(STATUS "Left out: ${what}, which needs ${packages}")
+  foreach(folder ${ARGN})
+    file(APPEND ${PROJECT_BINARY_DIR}/left_out.txt "${folder}\n")
+  endforeach()
+endfunction()
