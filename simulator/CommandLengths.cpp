@@ -68,11 +68,20 @@ std::uint64_t cut(Bytes bytes) {
   return std::find(withFeed.begin(), withFeed.end(), bytes[2]) != withFeed.end() ? 4 : 3;
 }
 
+// The queries for ink and for the other devices have one more parameter.
+std::uint64_t realTimeStatus(Bytes bytes) {
+  return bytes[2] == 7 || bytes[2] == 8 || bytes[2] == 18 ? 4 : 3;
+}
+
 std::uint64_t realTimeAction(Bytes bytes) {
   switch (bytes[2]) {
     case 1:
     case 2:
       return 5;
+    case 3:
+      return 8;
+    case 7:
+      return 4;
     case 8:
       return 10;
     default:
@@ -80,16 +89,45 @@ std::uint64_t realTimeAction(Bytes bytes) {
   }
 }
 
-std::uint64_t counterMode(Bytes bytes) {
+// 1d 43 3b sa 3b sb 3b sn 3b sr 3b sc 3b: numbers in digits. What else comes ends it.
+std::uint64_t counterInDigits(Bytes bytes) {
+  constexpr std::size_t mostDigits = 5 * 5;
+  const auto numbers = bytes.subspan(3);
+  const auto separators = std::count(numbers.begin(), numbers.end(), ';');
+  const bool goesOn =
+      numbers.empty() || numbers.back() == ';' || (numbers.back() >= '0' && numbers.back() <= '9');
+  const bool isOver = separators == 5 || !goesOn || numbers.size() >= mostDigits + 5;
+  return isOver ? bytes.size() : bytes.size() + 1;
+}
+
+std::uint64_t counter(Bytes bytes) {
   switch (bytes[2]) {
     case '0':
     case '2':
       return 5;
     case '1':
       return 9;
+    case ';':
+      return counterInDigits(bytes);
     default:
       return 3;
   }
+}
+
+// 1d 44 m fn a kc1 kc2 b c, then a bitmap file that says its own size.
+std::uint64_t bitmapFile(Bytes bytes) {
+  const bool isBitmap = bytes[9] == 'B' && bytes[10] == 'M';
+  return isBitmap ? std::max<std::uint64_t>(15, 9 + (word(bytes, 11) | word(bytes, 13) << 16U))
+                  : 15;
+}
+
+std::uint64_t cheque(Bytes bytes) {
+  return bytes[2] == '0' ? 4 : 3;
+}
+
+// 1b 5a: version, correction and size, then the count of the data.
+std::uint64_t countedSymbol(Bytes bytes) {
+  return 7 + word(bytes, 5);
 }
 
 std::uint64_t userMemory(Bytes bytes) {
@@ -152,9 +190,9 @@ constexpr Form commandForms[] = {
     only(KnownWith::LineMode, three(0x1b, 0x23, 0x2c, 6)),
     only(KnownWith::LineMode, three(0x1b, 0x2a, 0x72, 4)),
     three(0x1d, 0x76, 0x30, 8, raster),
-    three(0x1d, 0x51, 0x30, 8, raster),
+    two(0x1d, 0x51, 8, raster),
 
-    two(0x10, 0x04, 3),
+    two(0x10, 0x04, 3, realTimeStatus),
     two(0x10, 0x05, 3),
     two(0x10, 0x14, 3, realTimeAction),
 
@@ -173,22 +211,28 @@ constexpr Form commandForms[] = {
     two(0x1b, 0x33, 3),
     two(0x1b, 0x3d, 3),
     two(0x1b, 0x3f, 3),
+    two(0x1b, 0x42, 4),
     two(0x1b, 0x44, 2, tabStops),
     two(0x1b, 0x45, 3),
     two(0x1b, 0x47, 3),
     two(0x1b, 0x4a, 3),
     two(0x1b, 0x4b, 3),
     two(0x1b, 0x4d, 3),
+    two(0x1b, 0x4f, 3),
+    two(0x1b, 0x51, 3),
     two(0x1b, 0x52, 3),
     two(0x1b, 0x54, 3),
     two(0x1b, 0x55, 3),
     two(0x1b, 0x56, 3),
     two(0x1b, 0x57, 10),
+    two(0x1b, 0x5a, 7, countedSymbol),
     two(0x1b, 0x5c, 4),
     two(0x1b, 0x61, 3),
     two(0x1b, 0x63, 4),
     two(0x1b, 0x64, 3),
     two(0x1b, 0x65, 3),
+    two(0x1b, 0x66, 4),
+    two(0x1b, 0x6c, 3),
     two(0x1b, 0x70, 5),
     two(0x1b, 0x72, 3),
     two(0x1b, 0x74, 3),
@@ -203,9 +247,11 @@ constexpr Form commandForms[] = {
     two(0x1c, 0x43, 3),
     two(0x1c, 0x53, 4),
     two(0x1c, 0x57, 3),
+    two(0x1c, 0x61, 3, cheque),
     two(0x1c, 0x67, 10, userMemory),
     two(0x1c, 0x70, 4),
     two(0x1c, 0x71, 3, storedImages),
+    two(0x1c, 0x7d, 4),
 
     two(0x1d, 0x21, 3),
     two(0x1d, 0x24, 4),
@@ -213,9 +259,12 @@ constexpr Form commandForms[] = {
     two(0x1d, 0x2a, 4, downloadedImage),
     two(0x1d, 0x2f, 3),
     two(0x1d, 0x38, 7, countedByDoubleWord),
+    two(0x1d, 0x41, 4),
     two(0x1d, 0x42, 3),
-    two(0x1d, 0x43, 3, counterMode),
+    two(0x1d, 0x43, 3, counter),
+    two(0x1d, 0x44, 15, bitmapFile),
     two(0x1d, 0x45, 3),
+    two(0x1d, 0x46, 6),
     two(0x1d, 0x48, 3),
     two(0x1d, 0x49, 3),
     two(0x1d, 0x4c, 4),
@@ -223,6 +272,7 @@ constexpr Form commandForms[] = {
     two(0x1d, 0x54, 3),
     two(0x1d, 0x56, 3, cut),
     two(0x1d, 0x57, 4),
+    two(0x1d, 0x5a, 3),
     two(0x1d, 0x5c, 4),
     two(0x1d, 0x5e, 5),
     two(0x1d, 0x61, 3),
@@ -230,10 +280,12 @@ constexpr Form commandForms[] = {
     two(0x1d, 0x66, 3),
     two(0x1d, 0x67, 6),
     two(0x1d, 0x68, 3),
+    two(0x1d, 0x6a, 3),
     two(0x1d, 0x6b, 3, barcode),
     two(0x1d, 0x72, 3),
     two(0x1d, 0x77, 3),
     two(0x1d, 0x7a, 5),
+    two(0x1d, 0x7c, 3),
 };
 
 bool startsCommand(std::uint8_t byte) {

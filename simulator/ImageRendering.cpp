@@ -63,10 +63,22 @@ bool isFullCut(const PaperItem& item) {
   return cut != nullptr && !cut->partial;
 }
 
+// What the paper does not show is written below it.
+std::vector<std::string> remarkLines(const Paper& paper) {
+  const std::size_t columns = paper.width() / plainBytes.cellWidth();
+  std::vector<std::string> lines;
+  for (const std::string& remark : remarksOn(paper)) {
+    for (std::size_t begin = 0; begin < remark.size(); begin += columns) {
+      lines.push_back(remark.substr(begin, columns));
+    }
+  }
+  return lines;
+}
+
 /// Where everything goes.
 class Layout {
  public:
-  explicit Layout(const Paper& paper) {
+  explicit Layout(const Paper& paper) : remarks_(remarkLines(paper)) {
     for (const PaperItem& item : paper.items()) {
       if (y_ >= longestPicture) {
         endsEarly_ = true;
@@ -88,7 +100,16 @@ class Layout {
   const std::vector<Piece>& pieces() const { return pieces_; }
   bool endsEarly() const { return endsEarly_; }
 
-  unsigned height() const { return (pieces_.empty() ? y_ : pieces_.back().bottom) + tableMargin; }
+  const std::vector<std::string>& remarks() const { return remarks_; }
+  unsigned remarksTop() const {
+    const unsigned paperEnd = pieces_.empty() ? y_ : pieces_.back().bottom;
+    return paperEnd + (remarks_.empty() ? 0 : symbolSpace);
+  }
+
+  unsigned height() const {
+    const auto lines = static_cast<unsigned>(remarks_.size());
+    return remarksTop() + lines * plainBytes.cellHeight() + tableMargin;
+  }
 
  private:
   void place(const PaperItem& item) {
@@ -106,6 +127,7 @@ class Layout {
     y_ = begin_ + endMargin;
   }
 
+  std::vector<std::string> remarks_;
   std::vector<Placed> placed_;
   std::vector<Piece> pieces_;
   unsigned begin_ = tableMargin;
@@ -128,6 +150,11 @@ class Painter {
     if (layout.endsEarly()) {
       remark("... and the paper goes on", Alignment::Left,
              layout.pieces().back().bottom - endMargin - plainBytes.cellHeight());
+    }
+    unsigned y = layout.remarksTop();
+    for (const std::string& line : layout.remarks()) {
+      remark(line, Alignment::Left, y);
+      y += plainBytes.cellHeight();
     }
   }
 

@@ -23,6 +23,22 @@ std::string hexOf(std::span<const std::uint8_t> bytes) {
   return text;
 }
 
+struct Weight {
+  std::size_t operator()(const Line& line) const {
+    std::size_t sum = 0;
+    for (const LineItem& item : line.items) {
+      const auto* run = std::get_if<TextRun>(&item.content);
+      sum += sizeof item + (run != nullptr ? run->text.size() * sizeof(char32_t)
+                                           : std::get<Bitmap>(item.content).rows.size());
+    }
+    return sum;
+  }
+  std::size_t operator()(const Barcode& barcode) const { return barcode.data.size(); }
+  std::size_t operator()(const QrCode& code) const { return code.data.size(); }
+  std::size_t operator()(const Feed&) const { return 0; }
+  std::size_t operator()(const Cut&) const { return 0; }
+};
+
 }  // namespace
 
 Bitmap::Bitmap(unsigned widthInDots, unsigned heightInDots)
@@ -72,6 +88,7 @@ unsigned Line::height() const {
 }
 
 void Paper::add(PaperItem item) {
+  weight_ += sizeof item + std::visit(Weight{}, item);
   items_.push_back(std::move(item));
 }
 
@@ -81,7 +98,7 @@ void Paper::feed(unsigned dots) {
   }
   Feed* last = items_.empty() ? nullptr : std::get_if<Feed>(&items_.back());
   if (last == nullptr) {
-    items_.emplace_back(Feed{dots});
+    add(Feed{dots});
   } else {
     last->dots += std::min(dots, std::numeric_limits<unsigned>::max() - last->dots);
   }
@@ -90,7 +107,7 @@ void Paper::feed(unsigned dots) {
 void Paper::cut(bool partial) {
   Cut* last = items_.empty() ? nullptr : std::get_if<Cut>(&items_.back());
   if (last == nullptr) {
-    items_.emplace_back(Cut{partial});
+    add(Cut{partial});
   } else {
     last->partial = last->partial && partial;
   }

@@ -99,7 +99,11 @@ struct Cut {
 
 using PaperItem = std::variant<Line, Barcode, QrCode, Feed, Cut>;
 
-/// What has come out of a printer, from the top. It grows with what is printed and never otherwise.
+/// The most that a paper may weigh before a printer tears it off: no job, however long, takes more
+/// memory. It holds some five thousand lines of text, or seven metres of image.
+inline constexpr std::size_t heaviestPaper = std::size_t{4} * 1024 * 1024;
+
+/// The output of a printer, from the top. It grows with what is printed and never otherwise.
 class Paper {
  public:
   explicit Paper(unsigned widthInDots = widePaperDots) : width_(widthInDots) {}
@@ -121,10 +125,19 @@ class Paper {
 
   void noteSkipped(std::span<const std::uint8_t> command);
 
+  /// About how many bytes of memory its items take.
+  std::size_t weight() const { return weight_; }
+
+  /// True if it was torn off because it grew too heavy: the job goes on on the next paper.
+  bool goesOn() const { return goesOn_; }
+  void setGoesOn() { goesOn_ = true; }
+
  private:
   unsigned width_;
   std::vector<PaperItem> items_;
   std::map<std::string, std::size_t> skipped_;
+  std::size_t weight_ = 0;
+  bool goesOn_ = false;
 };
 
 }  // namespace quordalvane::simulator

@@ -29,6 +29,7 @@ class Printing {
 
   const Paper& paper() const { return typesetter_.paper(); }
   Paper tearOff() { return typesetter_.tearOff(); }
+  Paper tearOffFinishedLines() { return typesetter_.tearOffFinishedLines(); }
 
  private:
   CommandScanner scanner_;

@@ -76,15 +76,10 @@ class TextPage {
     write(line, Alignment::Left);
   }
 
-  void listSkipped(const Paper& paper) {
-    if (paper.skipped().empty()) {
-      return;
+  void addRemarks(const Paper& paper) {
+    for (const std::string& remark : remarksOn(paper)) {
+      text_ += "[" + remark + "]\n";
     }
-    text_ += "[not shown:";
-    for (const auto& [command, times] : paper.skipped()) {
-      text_ += " " + command + " (" + std::to_string(times) + ")";
-    }
-    text_ += "]\n";
   }
 
   void endStripes() {
@@ -161,8 +156,23 @@ std::string renderText(const Paper& paper) {
     std::visit([&](const auto& what) { page.show(what); }, item);
   }
   page.endStripes();
-  page.listSkipped(paper);
+  page.addRemarks(paper);
   return page.takeText();
+}
+
+std::vector<std::string> remarksOn(const Paper& paper) {
+  std::vector<std::string> remarks;
+  if (!paper.skipped().empty()) {
+    std::string text = "not shown:";
+    for (const auto& [command, times] : paper.skipped()) {
+      text += " " + command + " (" + std::to_string(times) + ")";
+    }
+    remarks.push_back(std::move(text));
+  }
+  if (paper.goesOn()) {
+    remarks.emplace_back("torn off: the paper grew too long, and the job goes on on the next one");
+  }
+  return remarks;
 }
 
 std::string symbologyName(Symbology symbology) {

@@ -119,6 +119,10 @@ void Typesetter::endJob() {
 
 Paper Typesetter::tearOff() {
   endLine();
+  return tearOffFinishedLines();
+}
+
+Paper Typesetter::tearOffFinishedLines() {
   Paper clean(paper_.width());
   std::swap(clean, paper_);
   return clean;

@@ -35,6 +35,10 @@ class Typesetter {
   /// clean one.
   Paper tearOff();
 
+  /// Gives away the paper so far and goes on with a clean one in the middle of the job; a line that
+  /// has begun goes on there.
+  Paper tearOffFinishedLines();
+
  private:
   using Bytes = std::span<const std::uint8_t>;
   using Handler = void (Typesetter::*)(Bytes);

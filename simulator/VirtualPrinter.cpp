@@ -156,6 +156,17 @@ void VirtualPrinter::print(std::uint8_t byte) {
   if (state_.keepsPrinted) {
     printed_.push_back(byte);
   }
+  if (printing_.paper().weight() > heaviestPaper) {
+    tearOffHeavyPaper();
+  }
+}
+
+void VirtualPrinter::tearOffHeavyPaper() {
+  Paper paper = printing_.tearOffFinishedLines();
+  paper.setGoesOn();
+  if (keepJob_) {
+    keepJob_(std::move(paper));
+  }
 }
 
 void VirtualPrinter::passMarks(Instant at) {

@@ -58,7 +58,8 @@ class VirtualPrinter {
   Paper tearOff();
 
   /// From now on each connection is a job: when all that it brought has been printed or dropped,
-  /// the paper is torn off and given to `keep`, unless there is none.
+  /// the paper is torn off and given to `keep`, unless there is none. A paper that grows heavier
+  /// than `heaviestPaper` is torn off and given before; without a keeper it is lost.
   using JobKeeper = std::function<void(Paper)>;
   void keepJobs(JobKeeper keep) { keepJob_ = std::move(keep); }
 
@@ -122,6 +123,7 @@ class VirtualPrinter {
   void reportChange(Instant now);
   void dropHeld();
   void endJob();
+  void tearOffHeavyPaper();
   std::optional<Instant> dataTimeoutDue() const;
   void endConnection();
   void followState(Instant now);

@@ -1,10 +1,14 @@
 """The virtual printer as a server: where it listens, whom it serves, what it leaves behind."""
 
+import contextlib
+import json
 import os
+import resource
 import select
 import signal
 import socket
 import stat
+import subprocess
 
 from harness import DEADLINE, STATUS_REQUEST, Case, eventually, main, receive, run, start, finish, status_block
 
@@ -13,6 +17,13 @@ class Places(Case):
     def test_over_tcp_it_says_the_port_that_it_got(self):
         for listen in ("tcp:", "tcp:0", "tcp::0", "tcp:127.0.0.1:0", "tcp:localhost:0"):
             self.assertRegex(self.simulator(listen).place, r"^tcp:(127\.0\.0\.1|\[::1\]):[1-9]\d*$")
+
+    def test_with_json_its_first_line_is_an_object(self):
+        process = start("--json", "simulate", "--listen", "tcp:0")
+        self.addCleanup(finish, process, 0)
+        self.addCleanup(process.terminate)
+        place = json.loads(process.stdout.readline())["listening"][0]
+        self.assertExit(0, run("-d", place, "online"))
 
     def test_only_this_machine_reaches_it_unless_told_otherwise(self):
         for listen in ("tcp:", "tcp:0"):
@@ -169,6 +180,32 @@ class Hosts(Case):
                 self.assertExit(0, result)
                 self.assertIn("cover open", result.out)
             self.assertEqual(simulator.state()["buffered"], 100)
+
+    def test_a_host_that_left_much_unread_makes_way_for_the_next(self):
+        for simulator in self.everywhere("--set", "coverOpen=true"):
+            if simulator.place.startswith("serial:"):
+                continue  # a terminal holds a few kilobytes only
+            with simulator.connect() as host:
+                host.setsockopt(socket.SOL_SOCKET, socket.SO_SNDBUF, 4 << 20)
+                host.setblocking(False)
+                sent = 0
+                with contextlib.suppress(BlockingIOError):
+                    while sent < 400_000:
+                        sent += host.send(b"x" * 50_000)
+            result = run("-d", simulator.place, "status")
+            self.assertExit(0, result)
+            self.assertIn("cover open", result.out)
+
+    def test_a_host_that_stays_keeps_its_place_and_all_its_data_while_another_waits(self):
+        simulator = self.simulator("tcp:", "--set", "coverOpen=true", "--set", "buffer=1000")
+        with simulator.connect() as first, simulator.connect() as second:
+            first.sendall(b"x" * 300_000)
+            second.sendall(STATUS_REQUEST)
+            simulator.set(coverOpen=False)
+            eventually(lambda: simulator.state()["printedBytes"] == 300_000, "all has been printed")
+            self.assertEqual(select.select([second], [], [], 0)[0], [])
+            first.close()
+            self.assertEqual(len(receive(second, 9)), 9)
 
     def test_what_a_host_sent_before_it_left_is_printed_where_nobody_else_comes(self):
         for simulator in self.everywhere("--set", "coverOpen=true", "--set", "buffer=100"):
@@ -388,6 +425,49 @@ class Receipts(Case):
         simulator = self.serve()
         self.assertExit(0, run("-d", simulator.place, "print", "-", data=b"newer\n"))
         eventually(lambda: "receipt-0042.txt" in self.names(), "the receipt is written")
+
+    def test_a_job_without_end_takes_bounded_memory_and_its_paper_is_torn_off(self):
+        simulator = self.simulator("tcp:0")
+        with simulator.connect() as host:
+            host.sendall(b"text of a long job\n" * 600_000)
+            eventually(lambda: simulator.state()["printedBytes"] == 11_400_000, "all of it is printed")
+        with open(f"/proc/{simulator.process.pid}/status") as file:
+            peak = next(int(line.split()[1]) for line in file if line.startswith("VmHWM"))
+        self.assertLess(peak, 64 << 10, "kilobytes")
+
+    def test_the_pieces_of_a_paper_that_grew_too_long_are_receipts(self):
+        simulator = self.serve()
+        count = 120_000
+        with simulator.connect() as host:
+            for number in range(0, count, 1000):
+                host.sendall(b"".join(b"line %d\n" % n for n in range(number, number + 1000)))
+        eventually(lambda: simulator.state()["printedBytes"] >= count * 7 and len(self.names()) > 2, "the paper was torn off")
+        simulator.stop(signal.SIGTERM)
+        texts = [name for name in self.names() if name.endswith(".txt")]
+        self.assertGreater(len(texts), 1)
+        lines = [line for name in texts for line in (self.folder / "out" / name).read_text().splitlines()
+                 if not line.startswith("[")]
+        self.assertEqual(lines, [f"line {n}" for n in range(count)])
+        self.assertIn("torn off", self.text(1).splitlines()[-1])
+
+    def test_a_print_whose_receipt_finds_no_space_does_not_end_as_done(self):
+        full = self.folder / "full.txt"
+        full.symlink_to("/dev/full")
+        result = run("print", "-d", "virtual:", "--receipt", full, "--json", "-", data=b"text\n")
+        self.assertExit(1, result)
+        self.assertEqual((result.json()["ok"], result.json()["outcome"]), (False, "printed"))
+        self.assertIn("full.txt", result.json()["error"])
+
+    def test_a_receipt_beyond_the_largest_file_is_reported_and_the_printer_serves_on(self):
+        def limit():
+            resource.setrlimit(resource.RLIMIT_FSIZE, (100, 100))
+
+        simulator = self.simulator("tcp:0", "--receipts", str(self.folder / "out"), preexec_fn=limit,
+                                   stderr=subprocess.PIPE)
+        with simulator.connect() as host:
+            host.sendall(b"a line of text\n" * 20)
+        self.assertIn(b"cannot be written", simulator.process.stderr.readline())
+        self.assertExit(0, run("-d", simulator.place, "online"))
 
     def test_a_folder_that_cannot_be_one_is_refused(self):
         result = run("simulate", "--listen", "tcp:0", "--receipts", self.file("plain", b""))

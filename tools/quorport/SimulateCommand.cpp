@@ -43,7 +43,8 @@ Report simulate(const Options& options, const Surroundings& surroundings) {
     places.controls = listenPrivatelyAt(*options.simulate.control, "--control");
   }
   places.hosts = listenAt(options.simulate.listen);
-  Server(printer.state(), printer.faults(), std::move(places), surroundings.streams).run();
+  Server(printer.state(), printer.faults(), std::move(places), surroundings.streams, options.json)
+      .run();
   return {};
 }
 

@@ -23,5 +23,6 @@ void occupyStandardDescriptors() {
 int main(int argc, char** argv) {
   occupyStandardDescriptors();
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);  // a file that grows too large is an error of its write
   return quordalvane::tool::run({argv + 1, argv + argc}, {});
 }

@@ -108,6 +108,25 @@ TEST(ArbitraryBytes, ThatMoveNoPaperTakeNoMemoryForIt) {
   }
 }
 
+TEST(ArbitraryBytes, WithoutEndAreTornOffInPapersOfBoundedWeight) {
+  const std::pair<const char*, Bytes> jobs[] = {
+      {"text", Bytes(100, 'x') + ascii("\n")},
+      {"images", hex("1d7630 00 4800 0a00") + Bytes(720, 0xaa)},
+      {"bar codes", hex("1d6b49 0a 41424344454647484940")},
+  };
+  for (const auto& [what, piece] : jobs) {
+    Session session;
+    std::vector<Paper> papers;
+    session.printer.keepJobs([&](Paper paper) { papers.push_back(std::move(paper)); });
+    while (papers.empty()) {
+      session.send(piece);
+    }
+    EXPECT_TRUE(papers[0].goesOn()) << what;
+    EXPECT_LT(papers[0].weight(), heaviestPaper + 10'000) << what;
+    EXPECT_LT(session.printer.paper().weight(), 10'000U) << what;
+  }
+}
+
 TEST(ArbitraryBytes, ThatWouldMoveThePaperForMilesAreStillReadable) {
   Session session;
   Bytes job = hex("1d2100");

@@ -254,6 +254,12 @@ TEST(Picture, OfAQrCodeHasModulesOfTheSizeThatIsAskedFor) {
   EXPECT_EQ(print.darkIn(28, 6, 4, 4), 0U);
 }
 
+TEST(Picture, NamesBelowThePaperTheCommandsThatItLeavesOut) {
+  const unsigned without = Print(ascii("text\n")).picture().height;
+  const Print with(hex("1c99") + ascii("text\n"));
+  EXPECT_EQ(with.picture().height, without + 24 + 6);
+}
+
 TEST(Picture, OfALongPaperEndsAfterTwoMetres) {
   Bytes job;
   for (int i = 0; i < 2'000; ++i)

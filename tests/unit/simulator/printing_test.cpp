@@ -54,6 +54,38 @@ TEST(Printing, BytesInsideACountedPayloadAreDataAndNothingElse) {
   }
 }
 
+TEST(Printing, NoParameterOfACommandIsPrintedAsText) {
+  const char* commands[] = {
+      "1d43 30 30 30",
+      "1d43 31 30 30 31 31 30 30",
+      "1d43 32 30 30",
+      "1d43 3b 31 3b 32 3b 33 3b 34 3b 35 3b",
+      "1d51 00 30 0100 0100 41",
+      "1b66 30 31",
+      "1d7c 30",
+      "1b42 33 34",
+      "1c7d 36 31",
+      "1d44 30 43 30 41 42 30 30 424d 10000000 4141 4242 4343 4444 4545",
+      "1c61 30 31",
+      "1d5a 32",
+      "1b5a 41 42 43 0200 3031",
+      "1d41 30 31",
+      "1d46 31 31 31 31",
+      "1b4f 41",
+      "1b51 41",
+      "1b6c 41",
+      "1d6a 31",
+      "1014 07 31",
+      "1004 07 31",
+  };
+  for (const char* command : commands) {
+    Session session;
+    session.send(hex(command) + ascii("x\n"));
+    const std::string text = renderText(session.printer.paper());
+    EXPECT_EQ(text.substr(0, text.find('\n')), "x") << command;
+  }
+}
+
 TEST(Printing, ABitImageHasOneByteAColumnOrThree) {
   for (const char* mode : {"00", "01", "20", "21"}) {
     Session session;

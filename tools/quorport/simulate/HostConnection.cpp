@@ -15,6 +15,11 @@ using simulator::Instant;
 // What is taken from a host while the printer has no space: room for requests, which are short.
 constexpr std::size_t reserve = 64;
 
+constexpr std::size_t pieceSize = 4096;
+
+// More than the system holds for a connection by itself: a host that has left is always noticed.
+constexpr std::size_t mostReadAhead = std::size_t{16} << 20U;
+
 constexpr std::size_t mostOutgoing = std::size_t{64} << 10U;
 
 // How long a host may take to notice that the printer has dropped the link before bytes on their
@@ -63,13 +68,19 @@ void HostConnection::noticeHangUp() {
   if (wouldBeRead || (line_->descriptor().pollUntil(POLLRDHUP, {}) & hangUp) == 0) {
     return;
   }
-  std::array<std::uint8_t, 4096> bytes;
+  std::array<std::uint8_t, pieceSize> bytes;
   std::ptrdiff_t count = line_->descriptor().receive(bytes.data(), bytes.size());
   for (; count > 0; count = line_->descriptor().receive(bytes.data(), bytes.size())) {
     incoming_.insert(incoming_.end(), bytes.begin(), bytes.begin() + count);
   }
+  noteHostEnded();
+}
+
+void HostConnection::noteHostEnded() {
   hostEnded_ = true;
-  line_->noteHostEnded();
+  if (!incoming_.empty()) {
+    line_->noteHostEnded();
+  }
 }
 
 void HostConnection::passOn(Instant now) {
@@ -81,31 +92,40 @@ void HostConnection::passOn(Instant now) {
   if (passedOn_ == incoming_.size()) {
     incoming_.clear();
     passedOn_ = 0;
+    readsAhead_ = false;
   }
 }
 
+bool HostConnection::wantsBytes() const {
+  const std::size_t most = readsAhead_ ? mostReadAhead : 1;
+  return !hostEnded_ && incoming_.size() < most;
+}
+
+std::size_t HostConnection::wantedBytes(Instant now) const {
+  return readsAhead_ ? pieceSize : std::clamp(link_.space(now), reserve, pieceSize);
+}
+
 void HostConnection::takeFromHost(Instant now) {
-  std::array<std::uint8_t, 4096> bytes;
+  std::array<std::uint8_t, pieceSize> bytes;
   passOn(now);
   while (wantsBytes()) {
-    const std::size_t most = std::clamp(link_.space(now), reserve, bytes.size());
-    const std::ptrdiff_t count = line_->descriptor().receive(bytes.data(), most);
+    const std::ptrdiff_t count = line_->descriptor().receive(bytes.data(), wantedBytes(now));
     if (count > 0) {
-      incoming_.assign(bytes.begin(), bytes.begin() + count);
+      incoming_.insert(incoming_.end(), bytes.begin(), bytes.begin() + count);
       passOn(now);
       line_->noteHost();
       lastReceived_ = now;
     } else if (count < 0 && errno == EAGAIN) {
       break;
     } else {
-      hostEnded_ = true;
+      noteHostEnded();
     }
   }
   over_ = over_ || line_->wasReset();
 }
 
 void HostConnection::giveToHost(Instant now) {
-  std::array<std::uint8_t, 4096> bytes;
+  std::array<std::uint8_t, pieceSize> bytes;
   while (outgoing_.size() < mostOutgoing) {
     const std::size_t count = link_.read(bytes, now);
     if (count == 0) {

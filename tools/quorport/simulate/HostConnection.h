@@ -32,6 +32,11 @@ class HostConnection {
 
   bool isOver() const { return over_; }
 
+  /// Takes from the line, up to a limit, also what the printer has no space for, until the printer
+  /// has taken all of it. Bytes under way hide from us whether the host has left.
+  void readAhead() { readsAhead_ = true; }
+  bool readsAhead() const { return readsAhead_; }
+
   /// Whether the host will send nothing more, and all that it sent has been taken from the line.
   bool hostEnded() const { return hostEnded_; }
 
@@ -42,8 +47,10 @@ class HostConnection {
   std::optional<simulator::Instant> lastReceived() const { return lastReceived_; }
 
  private:
-  bool wantsBytes() const { return !hostEnded_ && incoming_.empty(); }
+  bool wantsBytes() const;
+  std::size_t wantedBytes(simulator::Instant now) const;
   void noticeHangUp();
+  void noteHostEnded();
   void passOn(simulator::Instant now);
   void takeFromHost(simulator::Instant now);
   void giveToHost(simulator::Instant now);
@@ -54,6 +61,7 @@ class HostConnection {
   std::vector<std::uint8_t> outgoing_;
   std::vector<std::uint8_t> incoming_;  // what the printer has not taken yet
   std::size_t passedOn_ = 0;            // of these: what it has taken
+  bool readsAhead_ = false;
   bool hostEnded_ = false;
   bool over_ = false;
   std::optional<simulator::Instant> lastReceived_;

@@ -18,6 +18,10 @@ class Listener {
   /// Becomes readable when a host comes.
   virtual int descriptor() const = 0;
 
+  /// True if the descriptor becomes readable only when a host waits for its turn, and not when the
+  /// present one sends.
+  virtual bool hostsQueue() const = 0;
+
   /// The connection of the next host; null if there is none yet. Does not wait. Throws
   /// std::system_error if the place is of no use any more.
   virtual std::unique_ptr<Line> accept() = 0;

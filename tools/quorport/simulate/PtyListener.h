@@ -20,6 +20,7 @@ class PtyListener : public Listener {
 
   std::string place() const override { return "serial:" + path_; }
   int descriptor() const override { return terminal_->number(); }
+  bool hostsQueue() const override { return false; }
   std::unique_ptr<Line> accept() override;
   void resume(bool dropped) override;
 

@@ -44,8 +44,9 @@ bool endsInCut(const simulator::Paper& paper) {
 }  // namespace
 
 Server::Server(simulator::PrinterState state, simulator::Faults faults, Places places,
-               const Streams& streams)
+               const Streams& streams, bool asJson)
     : streams_(streams),
+      asJson_(asJson),
       places_(std::move(places)),
       printer_(std::move(state)),
       links_(printer_, std::move(faults)),
@@ -70,7 +71,7 @@ void Server::sleep(Instant now) {
   if (host_) {
     host_->await(awaited);
   }
-  if (!host_ || hostMakesWay()) {
+  if (!host_ || hostMakesWay() || hostMayHaveLeft()) {
     awaited.push_back({.fd = places_.hosts->descriptor(), .events = POLLIN, .revents = 0});
   }
   if (places_.controls != nullptr && channels_.size() < mostChannels) {
@@ -112,6 +113,10 @@ void Server::work(Instant now) {
 void Server::workForHost(Instant now) {
   while (host_ || acceptHost(now)) {
     host_->work(now);
+    if (hostMayHaveLeft() && isReadable(places_.hosts->descriptor())) {
+      host_->readAhead();
+      host_->work(now);
+    }
     if (!host_->isOver() && !(hostMakesWay() && isReadable(places_.hosts->descriptor()))) {
       return;
     }
@@ -126,6 +131,13 @@ void Server::workForHost(Instant now) {
 // printer stands still that may take for ever, and the next host comes first.
 bool Server::hostMakesWay() const {
   return host_->hostEnded() && printer_.state().flag(simulator::Flag::Offline);
+}
+
+// While the printer stands still the end of a host is hidden after bytes that nobody reads. It is
+// looked for as soon as the next host waits.
+bool Server::hostMayHaveLeft() const {
+  return places_.hosts->hostsQueue() && !host_->hostEnded() && !host_->readsAhead() &&
+         printer_.state().flag(simulator::Flag::Offline);
 }
 
 bool Server::acceptHost(Instant now) {
@@ -146,11 +158,16 @@ void Server::announce() {
   }
   const bool isFirst = announced_.empty();
   announced_ = place;
-  const auto outcome = writeAll(isFirst ? streams_.out : streams_.err, "listening " + place + "\n");
+  const auto outcome = writeAll(isFirst ? streams_.out : streams_.err, announcement(place));
   if (outcome.error && isFirst) {
     complain("standard output does not take where it listens: " + outcome.error.message(),
              streams_);
   }
+}
+
+std::string Server::announcement(const std::string& place) const {
+  return asJson_ ? inOneLine({{"listening", Json::array({place})}}) + "\n"
+                 : "listening " + place + "\n";
 }
 
 void Server::workForControls(Instant now) {
@@ -188,6 +205,9 @@ std::optional<Instant> Server::endOfJob() const {
 }
 
 void Server::keep(const simulator::Paper& paper) {
+  if (paper.goesOn()) {
+    complain("the paper grew too long and was torn off; the job goes on on the next one", streams_);
+  }
   if (places_.receipts == nullptr || paper.items().empty()) {
     return;
   }

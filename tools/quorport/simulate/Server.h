@@ -33,7 +33,7 @@ class Server {
   };
 
   Server(simulator::PrinterState state, simulator::Faults faults, Places places,
-         const Streams& streams);
+         const Streams& streams, bool asJson);
 
   /// Serves until SIGINT, SIGTERM, SIGHUP or a control line ends it.
   void run();
@@ -45,7 +45,9 @@ class Server {
   void workForHost(simulator::Instant now);
   bool acceptHost(simulator::Instant now);
   bool hostMakesWay() const;
+  bool hostMayHaveLeft() const;
   void announce();
+  std::string announcement(const std::string& place) const;
   void workForControls(simulator::Instant now);
   void collectPaper(simulator::Instant now);
   std::optional<simulator::Instant> endOfJob() const;
@@ -53,6 +55,7 @@ class Server {
   bool isDone(simulator::Instant now);
 
   const Streams streams_;
+  const bool asJson_;
   StopSignals signals_;
   Places places_;  // outlives the printer, which ends its last job at its end
   simulator::VirtualPrinter printer_;

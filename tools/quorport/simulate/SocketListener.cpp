@@ -65,6 +65,7 @@ class SocketListener : public Listener {
   explicit SocketListener(Descriptor socket) : socket_(std::move(socket)) {}
 
   int descriptor() const override { return socket_.number(); }
+  bool hostsQueue() const override { return true; }
 
   std::unique_ptr<Line> accept() override {
     const int number = ::accept4(socket_.number(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
