@@ -24,10 +24,15 @@ target_compile_options(quor_flags INTERFACE
   $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Wold-style-cast -Woverloaded-virtual>
   -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
 
-# quor_library(NAME SOURCES … [LINKS …] [PRIVATE_LINKS …])
-# The static library of one folder. Includes are written from the project's root.
+# quor_library(NAME [SOURCES …] [LINKS …] [PRIVATE_LINKS …])
+# The static library of one folder: of all its sources but main.cpp. Only a folder that holds two libraries
+# names them. Includes are written from the project's root.
 function(quor_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
+  if(NOT ARG_SOURCES)
+    file(GLOB_RECURSE ARG_SOURCES CONFIGURE_DEPENDS *.cpp)
+    list(FILTER ARG_SOURCES EXCLUDE REGEX "/main\\.cpp$")
+  endif()
   add_library(${name} STATIC ${ARG_SOURCES})
   target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR})
   target_link_libraries(${name} PUBLIC ${ARG_LINKS} PRIVATE quor_flags ${ARG_PRIVATE_LINKS})

@@ -22,7 +22,7 @@ formatting() {
 step "clang-format" formatting
 step "clang-tidy" python3 -B scripts/lint.py "${@:2}" "$build"
 step "reference" scripts/docs.sh "$build/docs"
-for rule in include_rules documentation wording; do
+for rule in include_rules files documentation wording; do
   step "$rule" python3 -B "tests/structure/$rule.py" .
 done
 

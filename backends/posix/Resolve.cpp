@@ -32,7 +32,12 @@ LookupResult askResolver(const std::string& host, std::uint16_t port) {
   hints.ai_socktype = SOCK_STREAM;
   hints.ai_flags = AI_NUMERICSERV;
   addrinfo* found = nullptr;
-  const int error = ::getaddrinfo(host.c_str(), std::to_string(port).c_str(), &hints, &found);
+  const std::string service = std::to_string(port);
+  int error = ::getaddrinfo(host.c_str(), service.c_str(), &hints, &found);
+  if (error != 0 && host == "localhost") {
+    // A system without a hosts file does not know the name, which everywhere means this machine.
+    error = ::getaddrinfo(nullptr, service.c_str(), &hints, &found);
+  }
   if (error != 0) {
     return {.addresses = {}, .error = error};
   }

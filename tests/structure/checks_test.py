@@ -8,6 +8,7 @@ from pathlib import Path
 
 import built_tests
 import documentation
+import files
 import include_rules
 import wording
 
@@ -129,6 +130,32 @@ class BuiltTests(SmallTree):
 
     def test_a_file_without_a_test_is_seen(self):
         self.assertTrue(self.objections("int nothing;\n", True, []))
+
+
+class Files(SmallTree):
+    def objects_to(self, path: str, text: str = "") -> bool:
+        self.write(path, text)
+        return bool(files.violations(self.root))
+
+    def test_the_usual_names_are_accepted(self):
+        for path in ("job/PrintJob.h", "tools/quorport/main.cpp", "tests/soak/till.cpp", "iphone-IOPort/enum.h"):
+            self.assertFalse(self.objects_to(path), path)
+        self.assertFalse(self.objects_to("tests/unit/job/print_job_test.cpp", "TEST(A, B) {}\n"))
+
+    def test_a_source_in_lower_case_is_seen(self):
+        self.assertTrue(self.objects_to("job/print_job.cpp"))
+
+    def test_a_test_that_is_named_as_its_class_is_seen(self):
+        self.assertTrue(self.objects_to("tests/unit/job/PrintJob_test.cpp", "TEST_F(A, B) {}\n"))
+        self.assertTrue(self.objects_to("tests/unit/job/print_job.cpp", "TEST(A, B) {}\n"))
+
+    def test_a_room_that_lists_its_sources_is_seen(self):
+        self.assertFalse(self.objects_to("job/CMakeLists.txt", "quor_library(quor_job LINKS quor_port)\n"))
+        self.assertTrue(self.objects_to("job/CMakeLists.txt", "quor_library(quor_job SOURCES A.cpp LINKS quor_port)\n"))
+
+    def test_a_folder_with_two_libraries_lists_theirs(self):
+        self.assertFalse(self.objects_to(
+            "job/CMakeLists.txt", "quor_library(a SOURCES A.cpp)\nquor_library(b\n  SOURCES B.cpp)\n"))
 
 
 class Wording(SmallTree):

@@ -1,0 +1,49 @@
+"""How files are named, and that a room's library is made of all of them. Usage: files.py ROOT
+
+A reader finds the class Foo in Foo.h and Foo.cpp and its test in foo_test.cpp; a source that lies in a room
+is part of the room's library without being listed anywhere.
+"""
+
+import re
+import sys
+from pathlib import Path
+
+import tree
+
+TESTS = ("tests", "fuzz", "examples")
+PRODUCT_NAME = re.compile(r"([A-Z][A-Za-z0-9]*\.(h|cpp)|main\.cpp)")
+TEST_NAME = re.compile(r"[a-z0-9]+(_[a-z0-9]+)*_test\.cpp")
+TEST = re.compile(r"^(TEST|TEST_F|TEST_P|TYPED_TEST|TYPED_TEST_P)\(", re.M)
+# The port has this header on every platform; the public headers in C keep the form of C++.
+KEPT_NAMES = ("iphone-IOPort/enum.h",)
+LIBRARY = re.compile(r"^quor_library\((.*?)\)$", re.M | re.S)
+
+
+def badly_named(path: Path, text: str) -> str | None:
+    if path.parts[0] in TESTS:
+        return "a file with tests is named foo_test.cpp" if TEST.search(text) and not TEST_NAME.fullmatch(path.name) else None
+    if str(path) in KEPT_NAMES or PRODUCT_NAME.fullmatch(path.name):
+        return None
+    return "a file of the product is named Foo.h or Foo.cpp"
+
+
+def lists_its_sources(text: str) -> bool:
+    """Whether a folder with a single library names the sources, which are all of the folder's."""
+    libraries = LIBRARY.findall(text)
+    return len(libraries) == 1 and bool(re.search(r"\bSOURCES\s[^)]*\.cpp", libraries[0]))
+
+
+def violations(root: Path) -> list[str]:
+    found = []
+    for file in tree.files(root, ".h", ".cpp"):
+        path = file.relative_to(root)
+        if reason := badly_named(path, file.read_text()):
+            found.append(f"{path}: {reason}")
+    for file in tree.files(root, "CMakeLists.txt"):
+        if lists_its_sources(file.read_text()):
+            found.append(f"{file.relative_to(root)}: lists its sources; the library takes all of the folder")
+    return found
+
+
+if __name__ == "__main__":
+    tree.report(violations, *sys.argv[1:])
