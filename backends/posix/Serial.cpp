@@ -6,6 +6,8 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -95,6 +97,17 @@ void configure(int number, const SerialSettings& wanted, const std::string& path
   fail(EBUSY, path + ": in use by " + holderInWords(path));
 }
 
+// A pseudo-terminal stays in exclusive mode as long as its other end is open, also after the
+// program that set it was killed, and would then keep everybody out. Its lock ends with the
+// program.
+bool isPseudoTerminal(int number) {
+  constexpr unsigned first = 136;
+  constexpr unsigned last = 143;
+  struct stat facts {};
+  return ::fstat(number, &facts) == 0 && major(facts.st_rdev) >= first &&
+         major(facts.st_rdev) <= last;
+}
+
 void giveBack(int number) {
   ::ioctl(number, TIOCNXCL);
 }
@@ -108,7 +121,7 @@ void reserve(Descriptor& line, const std::string& path) {
        !holdersOf(path).empty())) {
     failInUse(path);
   }
-  if (::ioctl(line.number(), TIOCEXCL) == 0) {
+  if (!isPseudoTerminal(line.number()) && ::ioctl(line.number(), TIOCEXCL) == 0) {
     line.setBeforeClose(giveBack);
   }
 }

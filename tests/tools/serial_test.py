@@ -21,6 +21,16 @@ class SerialLine(Case):
         self.assertIn(f"in use by another program: quorport (process {first.pid})", answer["error"])
         self.assertEqual(first.wait(60), 0)
 
+    def test_a_program_that_is_killed_leaves_the_line_to_the_next(self):
+        printer = self.slow_printer()
+        long = self.file("long", b"a line of the first\n" * 200)
+        killed = start("-d", printer.place, "print", long)
+        eventually(lambda: printer.state()["printedBytes"] > 100, "the first job prints")
+        killed.kill()
+        killed.communicate()
+        self.assertExit(0, run("-d", printer.place, "status"))
+        self.assertTrue(printer.state())
+
     def test_the_line_is_given_back_with_the_end_of_the_command(self):
         printer = self.simulator("pty:")
         for _ in range(3):

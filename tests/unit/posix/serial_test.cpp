@@ -135,21 +135,43 @@ TEST(Serial, ARefusedUserLeavesTheLineToTheFirst) {
   const Line line;
   const Descriptor first = openSerial(line.path());
   failure(line.path());
-  int isExclusive = 0;
-  EXPECT_EQ(::ioctl(first.number(), TIOCGEXCL, &isExclusive), 0);
-  EXPECT_NE(isExclusive, 0);
   EXPECT_THAT(failure(line.path()), HasSubstr("in use by"));
 }
 
-TEST(Serial, LockAndExclusiveModeAreGivenBackAtTheClose) {
+bool isExclusive(const Descriptor& line) {
+  int answer = -1;
+  EXPECT_EQ(::ioctl(line.number(), TIOCGEXCL, &answer), 0);
+  return answer != 0;
+}
+
+Descriptor watcherOf(const std::string& path) {
+  return {::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC),
+          Descriptor::Kind::Terminal};
+}
+
+TEST(Serial, APseudoTerminalIsLockedAloneSinceItsExclusiveModeWouldOutliveAKilledProgram) {
+  const Line line;
+  const Descriptor first = openSerial(line.path());
+  EXPECT_FALSE(isExclusive(first));
+}
+
+TEST(Serial, TheLockIsGivenBackAtTheClose) {
   const Line line;
   { const Descriptor first = openSerial(line.path()); }
-  const Descriptor watcher(::open(line.path().c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC),
-                           Descriptor::Kind::Terminal);
-  int isExclusive = 1;
-  EXPECT_EQ(::ioctl(watcher.number(), TIOCGEXCL, &isExclusive), 0);
-  EXPECT_EQ(isExclusive, 0);
   EXPECT_EQ(failure(line.path()), "it opened");
+}
+
+TEST(Serial, ATerminalOfTheMachineIsExclusiveUntilItIsClosed) {
+  const std::string console = "/dev/tty63";  // which hardly anything uses
+  const Descriptor watcher = watcherOf(console);
+  if (watcher.number() < 0 || isExclusive(watcher)) {
+    GTEST_SKIP() << "this user cannot open " << console;
+  }
+  {
+    const Descriptor first = openSerial(console, {.baud = 38400});  // its only speed
+    EXPECT_TRUE(isExclusive(watcher));
+  }
+  EXPECT_FALSE(isExclusive(watcher));
 }
 
 /// A process that holds the line, as another program would, until it is destroyed.
