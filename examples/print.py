@@ -1,5 +1,8 @@
 #!/usr/bin/env python3
-"""Prints a text and reads the printer's state. Usage: print.py DEVICE TEXT"""
+"""Prints a text and reads the printer's state. Usage: print.py DEVICE TEXT
+
+Exits with 0 if the text was printed, 6 if that is not proven, and 1 otherwise.
+"""
 import ctypes
 import sys
 
@@ -12,6 +15,9 @@ def check(code: int) -> None:
         sys.exit(quor.quor_last_error().decode())
 
 
+if len(sys.argv) != 3:
+    print("usage: print.py DEVICE TEXT", file=sys.stderr)
+    sys.exit(2)
 device, text = (argument.encode() for argument in sys.argv[1:])
 port, job, online = ctypes.c_void_p(), ctypes.c_void_p(), ctypes.c_int32()
 check(quor.quor_connect_devices((ctypes.c_char_p * 1)(device), ctypes.c_size_t(1)))
@@ -25,5 +31,7 @@ check(quor.quor_print_job_create(port, 1, None, None, ctypes.byref(job)))
 check(quor.quor_print_job_run(job, text, ctypes.c_size_t(len(text))))
 reason = ctypes.create_string_buffer(256)
 check(quor.quor_print_job_reason(job, reason, ctypes.c_size_t(256), None))
-print(("printed", "unconfirmed", "refused")[quor.quor_print_job_outcome(job)], reason.value.decode())
+outcome = quor.quor_print_job_outcome(job)
+print(("printed", "unconfirmed", "refused")[outcome], reason.value.decode())
 check(quor.quor_port_close(port))
+sys.exit((0, 6, 1)[outcome])

@@ -126,11 +126,16 @@ class C(ProgramTest):
 class Python(ProgramTest):
     def test_it_prints_and_reads_the_state(self):
         result = self.run_program(sys.executable, PRINT_PY, "virtual:", "text\n")
-        self.assertEqual((result.stdout, result.stderr), ("on line\nprinted \n", ""))
+        self.assertEqual((result.returncode, result.stdout, result.stderr), (0, "on line\nprinted \n", ""))
 
     def test_it_tells_why_a_job_was_refused(self):
         result = self.run_program(sys.executable, PRINT_PY, "virtual:,coverOpen=true", "text\n")
-        self.assertEqual(result.stdout, "off line\nrefused cover open\n")
+        self.assertEqual((result.returncode, result.stdout), (1, "off line\nrefused cover open\n"))
+
+    def test_a_job_that_is_not_proven_has_an_exit_status_of_its_own(self):
+        result = self.run_program(sys.executable, PRINT_PY, "virtual:,cut-after-in=300", "text\n" * 100)
+        self.assertEqual(result.returncode, 6)
+        self.assertIn("unconfirmed link lost", result.stdout)
 
     def test_it_tells_why_it_failed(self):
         result = self.run_program(sys.executable, PRINT_PY, f"unix:{self.folder}/nobody", "text\n")
