@@ -15,12 +15,19 @@ step() {
 
 formatting() {
   find . \( -name .git -o -name build -o -name 'build-*' \) -prune -o \
-    \( -name '*.cpp' -o -name '*.h' -o -name '*.c' \) -print0 |
+    \( -name '*.cpp' -o -name '*.h' -o -name '*.c' -o -name '*.mm' \) -print0 |
     xargs -0 --max-args=40 --max-procs="$(nproc)" clang-format --dry-run --Werror
+}
+
+# The back end over the handheld platform's frameworks compiles in two ways from the same sources.
+handheld() {
+  cmake --build "$build" --target quor_handheld -- --quiet &&
+    ctest --test-dir "$build" --quiet --output-on-failure --no-tests=error --tests-regex CompileForTheDevice
 }
 
 step "clang-format" formatting
 step "clang-tidy" python3 -B scripts/lint.py "${@:2}" "$build"
+step "handheld" handheld
 step "reference" scripts/docs.sh "$build/docs"
 for rule in include_rules files documentation wording; do
   step "$rule" python3 -B "tests/structure/$rule.py" .

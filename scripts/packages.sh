@@ -6,7 +6,7 @@ build_packages=(cmake ninja-build g++ pkg-config libgtest-dev libgmock-dev libcl
   nlohmann-json3-dev libcairo2-dev libfontconfig-dev libsqlite3-dev libzint-dev nettle-dev)
 demo_packages=(fonts-dejavu-core python3)
 test_packages=(bash-completion fonts-dejavu-core groff-base python3)
-check_packages=(clang-format clang-tidy doxygen python3)
+check_packages=(clang clang-format clang-tidy doxygen gobjc libgnustep-base-dev python3)
 docs_packages=(doxygen)
 package_packages=(build-essential debhelper lintian)
 trial_packages=(debootstrap)
