@@ -4,6 +4,8 @@
 #include <charconv>
 #include <utility>
 
+#include "logging/Hex.h"
+
 namespace quordalvane {
 namespace {
 
@@ -61,7 +63,7 @@ class AddressText {
   explicit AddressText(const void* address) {
     auto rest = reinterpret_cast<std::uintptr_t>(address);
     do {
-      *--begin_ = "0123456789abcdef"[rest & 0xFU];
+      *--begin_ = hexDigits[rest & 0xFU];
       rest >>= 4U;
     } while (rest != 0);
     *--begin_ = 'x';

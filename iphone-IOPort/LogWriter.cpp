@@ -5,6 +5,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "logging/Hex.h"
+
 namespace quordalvane {
 
 void LogWriter::setLogging(bool on) noexcept {
@@ -35,7 +37,6 @@ std::string LogWriter::createByteArrayDescription(const std::vector<std::uint8_t
 }
 
 std::string LogWriter::createByteArrayDescription(const std::uint8_t* bytes, std::uint64_t size) {
-  constexpr char digits[] = "0123456789abcdef";
   descriptionsMade_.fetch_add(1, std::memory_order_relaxed);
   if (size == 0) {
     return "<>";
@@ -44,8 +45,8 @@ std::string LogWriter::createByteArrayDescription(const std::uint8_t* bytes, std
   char* end = description.data();
   *end++ = '<';
   for (std::uint64_t index = 0; index < size; ++index, end += 3) {
-    end[0] = digits[bytes[index] >> 4U];
-    end[1] = digits[bytes[index] & 0xFU];
+    end[0] = hexDigits[bytes[index] >> 4U];
+    end[1] = hexDigits[bytes[index] & 0xFU];
   }
   description.back() = '>';
   return description;

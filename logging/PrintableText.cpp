@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "logging/Hex.h"
 #include "logging/Utf8.h"
 
 namespace quordalvane {
@@ -48,10 +49,9 @@ void appendControl(std::string& out, std::uint32_t codePoint) {
       out += "\\t";
       return;
     default:
-      constexpr std::string_view digits = "0123456789abcdef";
       out += "\\u00";
-      out += digits[codePoint >> 4U];
-      out += digits[codePoint & 0xFU];
+      out += hexDigits[codePoint >> 4U];
+      out += hexDigits[codePoint & 0xFU];
   }
 }
 

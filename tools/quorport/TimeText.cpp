@@ -3,6 +3,8 @@
 #include <array>
 #include <ctime>
 
+#include "logging/UtcText.h"
+
 namespace quordalvane::tool {
 namespace {
 
@@ -14,14 +16,10 @@ std::string formatted(const char* format, const std::tm& time) {
 }  // namespace
 
 std::string utcText(std::chrono::system_clock::time_point time) {
-  using std::chrono::milliseconds;
-  const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
-  std::tm fields{};
-  ::gmtime_r(&seconds, &fields);
-  const auto rest =
-      std::chrono::floor<milliseconds>(time.time_since_epoch()) % std::chrono::seconds(1);
-  const std::string fraction = std::to_string(1000 + rest.count()).substr(1);
-  return formatted("%FT%T.", fields) + fraction + "Z";
+  constexpr int milliseconds = 3;
+  std::string text;
+  appendUtc(text, time, milliseconds);
+  return text;
 }
 
 std::string localText(std::chrono::system_clock::time_point time) {
