@@ -3,7 +3,7 @@ find_package(PkgConfig REQUIRED)
 find_package(CLI11 REQUIRED)
 find_package(nlohmann_json REQUIRED)
 pkg_check_modules(CAIRO REQUIRED IMPORTED_TARGET cairo)
-# The drawing library chooses fonts through fontconfig, which comes with it.
+# The drawing library chooses fonts through fontconfig, which is installed with it.
 pkg_check_modules(FONTCONFIG REQUIRED IMPORTED_TARGET fontconfig)
 find_library(ZINT_LIBRARY zint REQUIRED)
 

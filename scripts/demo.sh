@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# demo.sh QUORPORT FOLDER: prints a text receipt and an ESC/POS receipt on the built-in printer. What came out of it
-# is shown as text, and lies in FOLDER as text and as a picture.
+# demo.sh QUORPORT FOLDER: prints a text receipt and an ESC/POS receipt on the built-in printer. It shows the
+# printed receipts as text, and writes them to FOLDER as text and as pictures.
 set -euo pipefail
 quorport=$1
 folder=$2

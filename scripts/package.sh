@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# package.sh FOLDER: builds the Debian packages from a copy of the sources, so that nothing is left in
-# the tree or beside it, and looks them over. They lie in FOLDER.
+# package.sh FOLDER: builds the Debian packages in FOLDER, from a copy of the sources, so that nothing is left
+# in the tree or beside it. Then it checks them with lintian.
 set -euo pipefail
 folder=$1
 sources=$folder/sources

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# prove_builds.sh [OPTIONS of prove] [ROW …]: builds what these rows of the proof run, or all of them.
+# prove_builds.sh [OPTIONS of prove] [ROW …]: builds the programs that these rows of the proof run; without a row, all.
 set -euo pipefail
 
 rows=()
@@ -12,7 +12,7 @@ while (($#)); do
   shift || true
 done
 
-wanted() { # wanted ROW …: whether one of them is to be run
+wanted() { # wanted ROW …: whether one of these rows was asked for
   ((${#rows[@]})) || return 0
   local row
   for row in "${rows[@]}"; do

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# trial.sh FOLDER: does what a stranger does, in a bare Debian system FOLDER/bare that is made for it:
-# installs the packages that lie in FOLDER, compiles the README's program as it stands there, runs it
-# against a served printer, and shows the receipt. Needs root, debootstrap and the network. Inside,
-# nothing of this system is seen. Each step tells how long it took.
+# trial.sh FOLDER: does what a new user does, in a bare Debian system that it makes in FOLDER/bare: installs
+# the packages of FOLDER, compiles the program of the README as it is printed there, runs it against a
+# served printer, and shows the receipt. It needs root, debootstrap and the network. The bare system sees
+# nothing of this one. Each step shows how long it took.
 set -euo pipefail
 folder=$1
 root=$folder/bare
@@ -13,7 +13,7 @@ inside() {
     DEBIAN_FRONTEND=noninteractive bash -ec "cd /root; $1"
 }
 
-# step NAME COMMAND …: runs it; what it says is shown if it fails.
+# step NAME COMMAND …: runs the command; shows its output if it fails.
 step() {
   local began=${EPOCHREALTIME/./}
   if ! "${@:2}" >"$folder/trial.log" 2>&1; then
@@ -31,7 +31,7 @@ cp "$folder"/*.deb "$root/root/"
 step "the packages, a compiler and pkg-config installed" \
   inside "apt-get install --quiet --yes --no-install-recommends g++ pkg-config ./*.deb"
 sed -n '/^```cpp$/,/^```$/{//!p}' README.md >"$root/root/program.cpp"
-step "the README's program compiled as it stands there" \
+step "the README's program compiled as it is printed there" \
   inside "$(sed -n 's/^\$ \(g++ .*\)/\1/p' README.md)"
 step "its receipt printed by a served printer" \
   inside 'quorport simulate --listen tcp:9100 --receipts paper >listening & trap "kill $!" EXIT

@@ -115,20 +115,20 @@ class C(ProgramTest):
             self.assertEqual(result.returncode, code)
             self.assertTrue(result.stdout.startswith(word), result.stdout)
 
-    def test_a_failure_tells_its_reason(self):
+    def test_a_failure_names_its_reason(self):
         result = self.run_program(EXAMPLES / "print", "pigeon:", "text\n")
         self.assertEqual(result.returncode, 1)
         self.assertIn("pigeon", result.stderr)
 
 
-# A library with a sanitizer in it cannot be loaded into an interpreter that has none.
+# An interpreter without a sanitizer cannot load a library with one.
 @unittest.skipIf("-fsanitize" in os.environ["CXXFLAGS"], "the library is built with a sanitizer")
 class Python(ProgramTest):
     def test_it_prints_and_reads_the_state(self):
         result = self.run_program(sys.executable, PRINT_PY, "virtual:", "text\n")
         self.assertEqual((result.returncode, result.stdout, result.stderr), (0, "on line\nprinted \n", ""))
 
-    def test_it_tells_why_a_job_was_refused(self):
+    def test_it_says_why_a_job_was_refused(self):
         result = self.run_program(sys.executable, PRINT_PY, "virtual:,coverOpen=true", "text\n")
         self.assertEqual((result.returncode, result.stdout), (1, "off line\nrefused cover open\n"))
 
@@ -137,7 +137,7 @@ class Python(ProgramTest):
         self.assertEqual(result.returncode, 6)
         self.assertIn("unconfirmed link lost", result.stdout)
 
-    def test_it_tells_why_it_failed(self):
+    def test_it_says_why_it_failed(self):
         result = self.run_program(sys.executable, PRINT_PY, f"unix:{self.folder}/nobody", "text\n")
         self.assertEqual(result.returncode, 1)
         self.assertIn("cannot be reached", result.stderr)

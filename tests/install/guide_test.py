@@ -1,8 +1,8 @@
-"""The guides and the README say what happens: each command in them is run, and prints what stands there.
+"""The guides and the README tell the truth: each command in them is run, and prints what they show.
 
 A block of kind "console" is run in a shell of its own, in a folder that holds the examples; a line that
-begins with "$ " is a command, the lines behind it are what it prints. A "…" stands for anything. A command
-that ends in "&" goes on until the block ends, and has printed its first lines before the next begins.
+begins with "$ " is a command; the lines after it are its output. A "…" stands for anything. A command
+that ends in "&" runs until the block ends, and has printed its first lines before the next begins.
 """
 
 import os
@@ -24,7 +24,7 @@ BLOCK = re.compile(r"^```(\w*)\n(.*?)^```", re.M | re.S)
 INDENTED = re.compile(r"^ {4}(?:sudo )?((?:\./dev|git|cd|cmake|g\+\+|build/bin/quorport|quorport)\b.*)", re.M)
 ROW = re.compile(r"^\| (?P<says>[^|]+) \| (?P<code>\d) \| (?P<record>[^|]+) \|.*\| `(?P<device>\w+:[^`]*)` \|$", re.M)
 
-# What is run elsewhere, or needs what a test must not do: a clone, an installation as root, a build in a build.
+# Commands that other tests run, or that no test may run: a clone, an installation as root, a build in a build.
 ELSEWHERE = re.compile(r"\./dev \w+|git clone |cd |cmake --install |quorport --device YOUR-PRINTER ")
 
 WAIT_FOR_LINES = "until [ -s {0} ]; do sleep 0.01; done; cat {0}"
@@ -89,7 +89,7 @@ class Guides(ProgramTest):
             self.assertRegex(actual, re.compile(rf"\A{pattern(expected)}\Z", re.S), f"of: {command}")
         self.assertEqual(len(shown), len(wanted) + 1)
 
-    def test_each_command_prints_what_stands_behind_it(self):
+    def test_each_command_prints_the_lines_after_it(self):
         count = 0
         for page in PAGES:
             program = ""
@@ -104,7 +104,7 @@ class Guides(ProgramTest):
                         self.run_block(block, program)
         self.assertGreater(count, 10)
 
-    def test_no_command_stands_where_it_is_not_run(self):
+    def test_no_command_is_shown_that_is_not_run(self):
         for page in PAGES:
             text = page.read_text()
             for kind, block in BLOCK.findall(text):
@@ -123,7 +123,7 @@ class DecisionTable(ProgramTest):
         for number, row in enumerate(rows):
             with self.subTest(row.group("says")):
                 job = unconfirmable if row.group("says").endswith("cannot be confirmed") else RECEIPT
-                # Where something happens in mid-job the time-out must not come before it.
+                # If something happens in the middle of the job, the time-out must not be earlier.
                 timeout = [] if "at=" in row.group("device") else ["-t", "2000"]
                 log = self.folder / f"log{number}"
                 result = self.run_program(QUORPORT, "-d", row.group("device"), *timeout, "--log", log, "print", job)

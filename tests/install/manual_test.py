@@ -37,20 +37,20 @@ class Manual(ProgramTest):
         self.assertEqual(rendered.stderr, "")
         return re.sub(".\b", "", rendered.stdout).replace("‐", "-").replace("−", "-")
 
-    def test_it_tells_of_every_command_and_every_option_and_of_no_others(self):
+    def test_it_names_every_command_and_every_option_and_no_others(self):
         text = self.text()
         self.assertEqual(all_options(), set(re.findall(r"(?<!\S)\[?(--[a-z-]+)", text)))
         for command in commands():
             self.assertRegex(text, rf"(?m)^ +{command}\b")
 
-    def test_it_tells_of_every_fault_and_no_other(self):
+    def test_it_names_every_fault_and_no_other(self):
         listed = re.findall(r'FaultKind::\w+, "([\w-]+)"', (SOURCES / "simulator/Faults.cpp").read_text())
         self.assertGreater(len(listed), 10)
         text = " ".join(self.text().split())
         told = re.search(r"And it takes faults: (.*?), which brings", text).group(1)
         self.assertEqual(sorted(re.split(r", and |, | and ", told)), sorted([*listed, "seed"]))
 
-    def test_it_tells_of_every_exit_status(self):
+    def test_it_names_every_exit_status(self):
         told = re.findall(r"(?m)^ {7}(\d+) ", self.text().partition("EXIT STATUS")[2].partition("ENVIRONMENT")[0])
         self.assertEqual(told, "0 1 2 3 4 5 6 129 130 143".split())
 
@@ -81,7 +81,7 @@ class BashCompletion(ProgramTest):
     def test_it_offers_the_emulations(self):
         self.assertEqual(self.offered("quorport -e "), ["line", "escpos", "unknown"])
 
-    def test_it_offers_nothing_where_a_free_value_stands(self):
+    def test_it_offers_nothing_in_place_of_a_free_value(self):
         for line in ("quorport -d ", "quorport --timeout ", "quorport simulate --listen "):
             self.assertEqual(self.offered(line), [], line)
 

@@ -27,7 +27,7 @@ def run_names(build: Path, ctest: Path) -> list[str]:
 
 
 def runs(kind: str, suite: str, name: str, names: list[str]) -> bool:
-    # Behind an optional folder and instance come the suite, a type's number, the name, a parameter.
+    # An optional folder and instance, then the suite, a type's number, the name, a parameter.
     typed = r"/\w+" if kind.startswith("TYPED") else ""
     parameter = "/.+" if kind == "TEST_P" else ""
     pattern = re.compile(rf"(.*/)?{suite}{typed}\.{name}{parameter}")

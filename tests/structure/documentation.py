@@ -1,4 +1,4 @@
-"""What the documentation points at is there. Usage: documentation.py ROOT
+"""The documentation points at nothing that is missing. Usage: documentation.py ROOT
 
 Links between pages and to headings, files of the project named in `code`, commands of ./dev, and the
 sources that the page on the architecture names for the operations of the port: for each of them.
@@ -53,7 +53,7 @@ def text_of(file: Path) -> str:
 
 
 def operations(header: str) -> set[str]:
-    """What the port offers and does not define in its class."""
+    """The operations that the port declares and does not define in its class."""
     parts = PUBLIC_PART.findall(COMMENT.sub("", header))
     return {name for part in parts for name in DECLARATION.findall(part)} - {PORT}
 

@@ -12,7 +12,7 @@ from pathlib import Path
 
 import tree
 
-# Every header of the C++ standard library that the project uses, by what it is good for.
+# Every header of the C++ standard library that the project uses, by its purpose.
 PLAIN = set(
     """algorithm any array atomic bit cassert cctype charconv climits cmath compare concepts cstddef
     cstdint cstdio cstdlib cstring deque exception functional initializer_list iterator limits list map
@@ -44,7 +44,7 @@ NO_CLOCK = r"\b\w+_clock\b"
 RULES = (
     Rule("include", (), {"stdint.h"}),
     Rule("include/quordalvane/QuorIOPortC.h", (PUBLIC,), {"stddef.h"}),
-    # Waiting, time and threads come from the platform alone; <chrono> is there for its units.
+    # The platform alone gives time, waiting and threads; <chrono> is allowed for its units.
     Rule("iphone-IOPort", ("iphone-IOPort", "platform", "logging", PUBLIC), PLAIN | TIME, NO_CLOCK),
     Rule("iphone-IOPort/PortC.h", ("parsers",), set()),
     Rule("platform", (PUBLIC,), STANDARD | {"cxxabi.h"}),

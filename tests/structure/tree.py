@@ -1,4 +1,4 @@
-"""What the checks of the tree share: which files belong to it, and how a check reports."""
+"""Shared by the checks of the tree: which files belong to it, and how a check reports."""
 
 import sys
 from collections.abc import Callable, Iterator

@@ -1,7 +1,7 @@
-"""What a text of the project may not hold. Usage: wording.py ROOT
+"""Words that no text of the project holds. Usage: wording.py ROOT
 
-A text says its reason itself. It does not send the reader to a paper, a tracker or a machine that he
-does not have. And every text file ends with one line feed.
+A text gives its reason itself. It does not send the reader to a paper, a tracker or a machine that the reader
+does not have. Every text file ends with one line feed.
 """
 
 import re
@@ -36,7 +36,7 @@ def objections(data: bytes) -> list[tuple[int, str]]:
 
 
 def is_data(path: Path) -> bool:
-    """Receipts and what the fuzzers feed on are bytes, whatever they look like."""
+    """Receipts and the fuzzers' inputs are bytes, whatever they look like."""
     return "corpus" in path.parts or (path.parts[0] == "examples" and path.suffix in (".txt", ".bin"))
 
 
