@@ -26,10 +26,18 @@ constexpr Pattern patterns[] = {
     {StatusRequest, LineMode, 3, {0x1b, 0x06, 0x01}},
     {RealTimeStatus, Always, 3, {0x10, 0x04, 0x01}},
     {RealTimeStatus, Always, 3, {0x10, 0x04, 0x02}},
+    {RealTimeStatus, Always, 3, {0x10, 0x04, 0x03}},
     {RealTimeStatus, Always, 3, {0x10, 0x04, 0x04}},
+    {RealTimeStatus, Always, 3, {0x10, 0x04, 0x05}},
+    {RealTimeStatus, Always, 3, {0x10, 0x04, 0x06}},
+    {RealTimeStatus, Always, 4, {0x10, 0x04, 0x07, any}},
+    {RealTimeStatus, Always, 4, {0x10, 0x04, 0x08, any}},
+    {RealTimeStatus, Always, 4, {0x10, 0x04, 0x12, any}},
+    {Recover, Always, 3, {0x10, 0x05, 0x01}},
+    {Recover, Always, 3, {0x10, 0x05, 0x02}},
     {UnaskedStatus, Always, 3, {0x1d, 0x61, any}},
     {Firmware, LineMode, 5, {0x1b, 0x23, 0x2a, 0x0a, 0x00}},
-    {FirmwareEscPos, Always, 3, {0x1d, 0x49, 0x41}},
+    {Identify, Always, 3, {0x1d, 0x49, any}},
     {DipSwitches, LineMode, 6, {0x1b, 0x23, 0x2c, 0x31, 0x0a, 0x00}},
     {DipSwitches, LineMode, 6, {0x1b, 0x23, 0x2c, 0x32, 0x0a, 0x00}},
     {CounterReset, LineMode, 4, {0x1b, 0x1e, 0x45, 0x00}},
@@ -48,6 +56,11 @@ constexpr Pattern patterns[] = {
     {InOrderStatus, InOrder, 3, {0x1d, 0x72, 0x02}},
     {InOrderStatus, InOrder, 3, {0x1d, 0x72, 0x31}},
     {InOrderStatus, InOrder, 3, {0x1d, 0x72, 0x32}},
+    {InOrderStatus, Always, 3, {0x1b, 0x75, 0x00}},
+    {InOrderStatus, Always, 3, {0x1b, 0x75, 0x30}},
+    {InOrderStatus, Always, 2, {0x1b, 0x76}},
+    {AskSetting, Always, 7, {0x1d, 0x28, 0x45, 0x02, 0x00, 0x04, any}},
+    {AskSetting, Always, 7, {0x1d, 0x28, 0x45, 0x02, 0x00, 0x06, any}},
 };
 
 // Every pattern begins with a control character, and most of a job is text.
@@ -72,7 +85,7 @@ bool actsOnReception(MachineCommand command) {
 
 bool actsInTurn(MachineCommand command) {
   return command == Etb || command == ReportingEtb || command == ReturnProcessId ||
-         command == InOrderStatus;
+         command == InOrderStatus || command == AskSetting;
 }
 
 MachineCommand machineCommand(Bytes bytes, const Dialect& dialect) {

@@ -16,17 +16,19 @@ enum class MachineCommand {
   RealTimeStatus,
   UnaskedStatus,
   Firmware,
-  FirmwareEscPos,
+  Identify,
   DipSwitches,
   CounterReset,
   DataCancel,
   DataCancelEnd,
   DataTimeout,
   ClearBuffer,
+  Recover,
   Etb,
   ReportingEtb,
   ReturnProcessId,
   InOrderStatus,
+  AskSetting,
 };
 
 /// True for commands that act when they are received, ahead of the print data that is still held.

@@ -5,6 +5,7 @@
 #include <limits>
 #include <stdexcept>
 
+#include "simulator/Profile.h"
 #include "simulator/Quoted.h"
 
 namespace quordalvane::simulator {
@@ -45,7 +46,7 @@ const std::array<std::string_view, flagCount> flagNames = {
 namespace {
 
 constexpr std::size_t smallestBuffer = 16;
-constexpr std::size_t longestFirmware = 64;
+constexpr std::size_t longestText = 64;
 
 constexpr std::uint32_t bit(Flag flag) {
   return 1U << static_cast<unsigned>(flag);
@@ -97,10 +98,73 @@ DipBank bankFrom(std::string_view key, std::string_view value) {
   return bank;
 }
 
+std::string textFrom(std::string_view key, std::string_view value) {
+  const auto printable = [](char c) { return c >= 0x20 && c <= 0x7e; };
+  if (value.empty() || value.size() > longestText ||
+      !std::all_of(value.begin(), value.end(), printable)) {
+    refuse(key, value, "1 to 64 printable ASCII characters");
+  }
+  return std::string(value);
+}
+
+struct Setting {
+  std::string_view key;
+  void (*set)(PrinterState&, std::string_view);
+};
+
+using State = PrinterState;
+using Text = std::string_view;
+
+constexpr Setting settings[] = {
+    {"firmware", [](State& state, Text value) { state.setFirmware(value); }},
+    {"dip1", [](State& state, Text value) { state.dipBanks[0] = bankFrom("dip1", value); }},
+    {"dip2", [](State& state, Text value) { state.dipBanks[1] = bankFrom("dip2", value); }},
+    {"speed",
+     [](State& state, Text value) {
+       state.bytesPerSecond =
+           numberFrom<std::uint32_t>("speed", value, "bytes a second, 0 for unlimited");
+     }},
+    {"buffer",
+     [](State& state, Text value) {
+       state.setBufferSize(
+           numberFrom<std::uint32_t>("buffer", value, "a count of bytes, 16 or more"));
+     }},
+    {"presenterState",
+     [](State& state, Text value) {
+       state.presenterState =
+           numberFrom<std::uint8_t>("presenterState", value, "a code from 0 to 3", 3);
+     }},
+    {"connectedInterface",
+     [](State& state, Text value) {
+       state.connectedInterface =
+           numberFrom<std::uint8_t>("connectedInterface", value, "a code from 0 to 5", 5);
+     }},
+    {"paper",
+     [](State& state, Text value) {
+       state.setPaperWidth(numberFrom<unsigned>("paper", value, "58 or 80 (mm)"));
+     }},
+    {"proofs", [](State& state, Text value) { state.dialect.proofs = Proofs::parse(value); }},
+    {"lineMode",
+     [](State& state, Text value) { state.dialect.lineMode = truthFrom("lineMode", value); }},
+    {"maker", [](State& state, Text value) { state.setMaker(value); }},
+    {"modelName", [](State& state, Text value) { state.setModelName(value); }},
+    {"serialNumber", [](State& state, Text value) { state.setSerialNumber(value); }},
+    {"modelId",
+     [](State& state, Text value) {
+       state.modelId = numberFrom<std::uint8_t>("modelId", value, "a number from 0 to 255");
+     }},
+    {"typeId",
+     [](State& state, Text value) {
+       state.typeId = numberFrom<std::uint8_t>("typeId", value, "a number from 0 to 255");
+     }},
+    {"profile", [](State& state, Text value) { applyProfile(value, state); }},
+};
+
 std::string everyKey() {
-  std::string keys =
-      "firmware, dip1, dip2, speed, buffer, presenterState, connectedInterface, paper, "
-      "proofs";
+  std::string keys;
+  for (const Setting& setting : settings) {
+    keys.append(keys.empty() ? "" : ", ").append(setting.key);
+  }
   for (std::string_view name : flagNames) {
     keys.append(", ").append(name);
   }
@@ -128,38 +192,31 @@ void PrinterState::setFlag(Flag flag, bool value) {
 
 void PrinterState::set(std::string_view key, std::string_view value) {
   if (const auto flag = flagNamed(key)) {
-    setFlag(*flag, truthFrom(key, value));
-  } else if (key == "firmware") {
-    setFirmware(value);
-  } else if (key == "dip1") {
-    dipBanks[0] = bankFrom(key, value);
-  } else if (key == "dip2") {
-    dipBanks[1] = bankFrom(key, value);
-  } else if (key == "speed") {
-    bytesPerSecond = numberFrom<std::uint32_t>(key, value, "bytes a second, 0 for unlimited");
-  } else if (key == "buffer") {
-    setBufferSize(numberFrom<std::uint32_t>(key, value, "a count of bytes, 16 or more"));
-  } else if (key == "presenterState") {
-    presenterState = numberFrom<std::uint8_t>(key, value, "a code from 0 to 3", 3);
-  } else if (key == "connectedInterface") {
-    connectedInterface = numberFrom<std::uint8_t>(key, value, "a code from 0 to 5", 5);
-  } else if (key == "paper") {
-    setPaperWidth(numberFrom<unsigned>(key, value, "58 or 80 (mm)"));
-  } else if (key == "proofs") {
-    dialect.proofs = Proofs::parse(value);
-  } else {
+    return setFlag(*flag, truthFrom(key, value));
+  }
+  const auto found = std::find_if(std::begin(settings), std::end(settings),
+                                  [&](const Setting& setting) { return setting.key == key; });
+  if (found == std::end(settings)) {
     throw std::invalid_argument("there is no printer setting " + quoted(key) + "; there are " +
                                 everyKey());
   }
+  found->set(*this, value);
 }
 
 void PrinterState::setFirmware(std::string_view text) {
-  const auto printable = [](char c) { return c >= 0x20 && c <= 0x7e; };
-  if (text.empty() || text.size() > longestFirmware ||
-      !std::all_of(text.begin(), text.end(), printable)) {
-    refuse("firmware", text, "1 to 64 printable ASCII characters");
-  }
-  firmware_ = text;
+  firmware_ = textFrom("firmware", text);
+}
+
+void PrinterState::setMaker(std::string_view text) {
+  maker_ = textFrom("maker", text);
+}
+
+void PrinterState::setModelName(std::string_view text) {
+  modelName_ = textFrom("modelName", text);
+}
+
+void PrinterState::setSerialNumber(std::string_view text) {
+  serialNumber_ = textFrom("serialNumber", text);
 }
 
 void PrinterState::setBluetoothAddress(std::string_view digits) {

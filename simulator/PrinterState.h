@@ -67,7 +67,9 @@ class PrinterState {
   /// Changes one setting by its name from text: any flag (`true` or `false`), `firmware`, `dip1`
   /// and `dip2` (two bytes as four hex digits), `speed` (bytes a second, 0: unlimited), `buffer`
   /// (bytes), `presenterState` and `connectedInterface` (their codes), `paper` (58 or 80 mm; the
-  /// paper that is in the printer keeps its width), `proofs` (see `Proofs::parse`). Throws
+  /// paper that is in the printer keeps its width), `proofs` (see `Proofs::parse`), `lineMode`
+  /// (`true` or `false`), `maker`, `modelName` and `serialNumber` (texts), `modelId` and `typeId`
+  /// (numbers to 255), `profile` (see `applyProfile`). Throws
   /// std::invalid_argument, with a text for people that names the key and the values it takes,
   /// printable whatever was given, and then changes nothing.
   void set(std::string_view key, std::string_view value);
@@ -75,6 +77,15 @@ class PrinterState {
   /// 1 to 64 printable ASCII characters; throws std::invalid_argument on anything else.
   void setFirmware(std::string_view text);
   const std::string& firmware() const { return firmware_; }
+
+  /// The texts that ESC/POS programs ask for, each 1 to 64 printable ASCII characters; throw
+  /// std::invalid_argument on anything else.
+  void setMaker(std::string_view text);
+  void setModelName(std::string_view text);
+  void setSerialNumber(std::string_view text);
+  const std::string& maker() const { return maker_; }
+  const std::string& modelName() const { return modelName_; }
+  const std::string& serialNumber() const { return serialNumber_; }
 
   /// 12 hex digits; throws std::invalid_argument on anything else.
   void setBluetoothAddress(std::string_view digits);
@@ -94,6 +105,9 @@ class PrinterState {
   unsigned buttonSecurity() const { return dipBanks[0][0] >> 6U; }
 
   Dialect dialect;
+  std::string profile = "both";  ///< the name of the profile that was applied last
+  std::uint8_t modelId = 0x20;
+  std::uint8_t typeId = 0x02;  ///< a cutter, and no characters of two bytes
   std::array<DipBank, 2> dipBanks{};
   std::uint8_t etbCounter = 0;
   std::uint8_t presenterState = 0;  ///< 0 idle, 1 holding paper, 2 retracted, 3 ejected
@@ -105,6 +119,9 @@ class PrinterState {
  private:
   std::uint32_t flags_ = 1U << static_cast<unsigned>(Flag::EtbAvailable);
   std::string firmware_ = "Virtual 1.0";
+  std::string maker_ = "quor dalvane";
+  std::string modelName_ = "Virtual";
+  std::string serialNumber_ = "000001";
   std::string bluetoothAddress_ = "001122334455";
   std::size_t bufferSize_ = 4096;
   unsigned paperMillimetres_ = 80;

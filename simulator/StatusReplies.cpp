@@ -1,10 +1,14 @@
 #include "simulator/StatusReplies.h"
 
+#include <algorithm>
+#include <initializer_list>
+
 namespace quordalvane::simulator {
 namespace {
 
 constexpr std::uint8_t statusBlockLength = 9;
 constexpr std::uint8_t layoutVersion = 1;
+constexpr std::uint8_t romVersion = 1;
 
 // Bits 1 and 4 are set in every real-time status byte; they tell it from flow control characters.
 constexpr unsigned realTimeMark = 0x12;
@@ -27,6 +31,23 @@ std::uint8_t byteOf(unsigned bits) {
 unsigned paperBits(const PrinterState& state) {
   return bits(state, Flag::ReceiptPaperNearEmptyInner, 0x03) |
          bits(state, Flag::ReceiptPaperEmpty, 0x0c);
+}
+
+bool hasAny(const PrinterState& state, std::initializer_list<Flag> flags) {
+  return std::any_of(flags.begin(), flags.end(), [&](Flag flag) { return state.flag(flag); });
+}
+
+// As the real-time status reports errors: that an operator can clear, of the cutter, that nobody
+// can clear, that pass by themselves.
+unsigned errorBits(const PrinterState& state) {
+  const bool isRecoverable =
+      hasAny(state, {Flag::MechError, Flag::ReceiveBufferOverflow, Flag::PageModeCmdError,
+                     Flag::PaperDetectionError, Flag::BlackMarkError, Flag::JamError,
+                     Flag::PresenterPaperJamError, Flag::HeadUpError});
+  const bool isFinal =
+      hasAny(state, {Flag::UnrecoverableError, Flag::HeadThermistorError, Flag::VoltageError});
+  return (isRecoverable ? 0x04U : 0U) | bits(state, Flag::CutterError, 0x08) |
+         (isFinal ? 0x20U : 0U) | bits(state, Flag::OverTemp, 0x40);
 }
 
 }  // namespace
@@ -52,8 +73,11 @@ Bytes realTimeStatus(const PrinterState& state, std::uint8_t query) {
   if (query == 1) {
     byte |= bits(state, Flag::CompulsionSwitch, 0x04) | bits(state, Flag::Offline, 0x08);
   } else if (query == 2) {
-    byte |= bits(state, Flag::CoverOpen, 0x04);
-  } else {
+    byte |= bits(state, Flag::CoverOpen, 0x04) | bits(state, Flag::ReceiptPaperEmpty, 0x20) |
+            (errorBits(state) != 0 ? 0x40U : 0U);
+  } else if (query == 3) {
+    byte |= errorBits(state);
+  } else if (query == 4) {
     byte |= bits(state, Flag::ReceiptPaperNearEmptyInner, 0x0c) |
             bits(state, Flag::ReceiptPaperEmpty, 0x60);
   }
@@ -64,8 +88,31 @@ Bytes firmwareReply(const PrinterState& state) {
   return framed({0x1b, 0x23, 0x2a}, state.firmware(), {0x0a, 0x00});
 }
 
-Bytes firmwareReplyEscPos(const PrinterState& state) {
-  return framed({0x5f}, state.firmware(), {0x00});
+Bytes identityReply(const PrinterState& state, std::uint8_t query) {
+  const auto text = [](const std::string& words) { return framed({0x5f}, words, {0x00}); };
+  switch (query) {
+    case 0x01:
+    case 0x31:
+      return {state.modelId};
+    case 0x02:
+    case 0x32:
+      return {state.typeId};
+    case 0x03:
+    case 0x33:
+      return {romVersion};
+    case 0x41:
+      return text(state.firmware());
+    case 0x42:
+      return text(state.maker());
+    case 0x43:
+      return text(state.modelName());
+    case 0x44:
+      return text(state.serialNumber());
+    case 0x45:
+      return text("");  // no font for another language
+    default:
+      return {};
+  }
 }
 
 Bytes dipSwitchReply(const PrinterState& state, std::uint8_t digit) {
@@ -81,9 +128,20 @@ Bytes processIdReport(std::span<const std::uint8_t> command) {
   return {0x37, 0x22, command[7], command[8], command[9], command[10], 0x00};
 }
 
-Bytes inOrderStatus(const PrinterState& state, std::uint8_t query) {
-  const bool asksForPaper = query == 1 || query == '1';
+Bytes inOrderStatus(const PrinterState& state, std::span<const std::uint8_t> command) {
+  constexpr std::uint8_t askPaperOnly = 0x76;
+  constexpr std::uint8_t askInOrder = 0x72;
+  const bool asksForPaper = command[1] == askPaperOnly ||
+                            (command[1] == askInOrder && (command[2] == 1 || command[2] == '1'));
   return {byteOf(asksForPaper ? paperBits(state) : bits(state, Flag::CompulsionSwitch, 0x01))};
+}
+
+Bytes settingReply(std::span<const std::uint8_t> command) {
+  constexpr std::uint8_t askSwitch = 4;
+  if (command[5] == askSwitch) {
+    return framed({0x37, 0x21}, "00000000", {0x00});
+  }
+  return framed({0x37, 0x27}, std::to_string(command[6]) + "\x1f" + "0", {0x00});
 }
 
 Bytes unaskedStatus(const PrinterState& state) {

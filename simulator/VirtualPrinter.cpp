@@ -92,12 +92,25 @@ void VirtualPrinter::obey(MachineCommand command, std::span<const std::uint8_t> 
     case MachineCommand::ClearBuffer:
       dropHeld();
       return reply(clearedReport(), now, ReplyKind::Cleared);
+    case MachineCommand::Recover:
+      return recover(bytes[2], now);
     case MachineCommand::UnaskedStatus:
       reported_ = bytes[2] == 0 ? std::nullopt : std::optional(Bytes());
       return reportChange(now);
     default:
       return answer(command, bytes, now);
   }
+}
+
+void VirtualPrinter::recover(std::uint8_t how, Instant now) {
+  constexpr std::uint8_t withoutTheRest = 2;
+  if (how == withoutTheRest) {
+    dropHeld();
+  }
+  for (const Flag flag : {Flag::CutterError, Flag::MechError, Flag::JamError}) {
+    state_.setFlag(flag, false);
+  }
+  followState(now);
 }
 
 void VirtualPrinter::answer(MachineCommand command, std::span<const std::uint8_t> bytes,
@@ -109,8 +122,8 @@ void VirtualPrinter::answer(MachineCommand command, std::span<const std::uint8_t
       return reply(realTimeStatus(state_, bytes[2]), now);
     case MachineCommand::Firmware:
       return reply(firmwareReply(state_), now);
-    case MachineCommand::FirmwareEscPos:
-      return reply(firmwareReplyEscPos(state_), now);
+    case MachineCommand::Identify:
+      return reply(identityReply(state_, bytes[2]), now);
     case MachineCommand::DipSwitches:
       return reply(dipSwitchReply(state_, bytes[3]), now);
     default:  // preparing has no reply: a request that follows is answered in any case
@@ -188,7 +201,9 @@ void VirtualPrinter::pass(const Mark& mark, Instant at) {
     case MachineCommand::ReturnProcessId:
       return reply(processIdReport(mark.bytes), at, ReplyKind::ProcessId);
     case MachineCommand::InOrderStatus:
-      return reply(inOrderStatus(state_, mark.bytes[2]), at, ReplyKind::InOrder);
+      return reply(inOrderStatus(state_, mark.bytes), at, ReplyKind::InOrder);
+    case MachineCommand::AskSetting:
+      return reply(settingReply(mark.bytes), at);
     default:
       return countEtb();
   }
@@ -291,7 +306,7 @@ void VirtualPrinter::endConnection() {
 }
 
 void VirtualPrinter::reply(std::span<const std::uint8_t> bytes, Instant at, ReplyKind kind) {
-  if (sink_) {
+  if (sink_ && !bytes.empty()) {
     sink_(bytes, at, kind);
   }
 }

@@ -114,6 +114,7 @@ class VirtualPrinter {
   std::size_t readyAgain() const;
   void obey(MachineCommand command, std::span<const std::uint8_t> bytes, Instant now);
   void answer(MachineCommand command, std::span<const std::uint8_t> bytes, Instant now);
+  void recover(std::uint8_t how, Instant now);
   void hold(MachineCommand command, std::span<const std::uint8_t> bytes, Instant now);
   void printUntil(Instant now);
   void print(std::uint8_t byte);

@@ -6,7 +6,7 @@ import threading
 
 from harness import DEADLINE, FLAGS, STATUS_REQUEST, Case, eventually, main, receive, run
 
-STATE_KEYS = {*FLAGS, "firmware", "dip1", "dip2", "speed", "proofs", "etbCounter", "buffered", "printedBytes"}
+STATE_KEYS = {*FLAGS, "firmware", "dip1", "dip2", "speed", "profile", "proofs", "etbCounter", "buffered", "printedBytes"}
 
 
 class State(Case):

@@ -43,7 +43,29 @@ std::vector<Exchange> exchanges() {
       {"paper near its end", PrinterBuilder().with(Flag::ReceiptPaperNearEmptyInner), "100404",
        hex("1e")},
       {"paper out", PrinterBuilder().paperOut(), "100404", hex("72")},
-      {"no such query", plain, "100403", {}},
+      {"paper out is a cause of being off line", PrinterBuilder().paperOut(), "100402", hex("32")},
+      {"an error is one", PrinterBuilder().with(Flag::JamError), "100402", hex("52")},
+      {"no error", plain, "100403", hex("12")},
+      {"an error that an operator clears", PrinterBuilder().with(Flag::JamError), "100403",
+       hex("16")},
+      {"a cutter error", PrinterBuilder().with(Flag::CutterError), "100403", hex("1a")},
+      {"an error that nobody clears", PrinterBuilder().with(Flag::UnrecoverableError), "100403",
+       hex("32")},
+      {"an error that passes", PrinterBuilder().with(Flag::OverTemp), "100403", hex("52")},
+      {"devices that it lacks", PrinterBuilder().coverOpen(), "100405 100406 10040701 10040801",
+       hex("12 12 12 12")},
+      {"no such query", plain, "100400 100409", {}},
+      {"identity in numbers", plain, "1d4901 1d4902 1d4903 1d4931", hex("20 02 01 20")},
+      {"identity in texts", PrinterBuilder().set("maker", "M").set("modelName", "N"),
+       "1d4942 1d4943", hex("5f 4d 00 5f 4e 00")},
+      {"serial number and font", PrinterBuilder().set("serialNumber", "S7"), "1d4944 1d4945",
+       hex("5f 5337 00 5f 00")},
+      {"no such identity", plain, "1d4999", {}},
+      {"drawer and paper in turn",
+       PrinterBuilder().with(Flag::CompulsionSwitch).with(Flag::ReceiptPaperNearEmptyInner),
+       "1b7500 1b76", hex("01 03")},
+      {"settings", plain, "1d28450200 0401 1d28450200 0605",
+       hex("37 21 3030303030303030 00 37 27 35 1f 30 00")},
       {"cancel, its end and its time-out are silent",
        plain,
        "1b1d03050105 1b1d03030000 1b1d03040000",
@@ -78,6 +100,21 @@ TEST(Replies, AreTheSameWhereverTheRequestIsSplit) {
       EXPECT_TRUE(session.printer.paper().items().empty()) << exchange.what << ", split at " << at;
     }
   }
+}
+
+TEST(Replies, ARequestToRecoverClearsTheErrorsThatCanBeClearedAndMayDropTheRest) {
+  Session session(PrinterBuilder().with(Flag::CutterError));
+  session.send(ascii("kept\n"));
+  session.send("100501");
+  EXPECT_EQ(session.printer.printed(), ascii("kept\n"));
+  session.printer.setFlag("jamError", true, session.now);
+  session.send(ascii("dropped\n"));
+  session.send("100502");
+  EXPECT_EQ(session.printer.printed(), ascii("kept\n"));
+  EXPECT_FALSE(session.printer.state().flag(Flag::Offline));
+  session.printer.setFlag("voltageError", true, session.now);
+  session.send("100501");
+  EXPECT_TRUE(session.printer.state().flag(Flag::Offline));
 }
 
 TEST(Replies, EveryFlagHasItsOwnBit) {

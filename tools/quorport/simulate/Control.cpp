@@ -38,7 +38,9 @@ std::string textOf(const std::string& key, const Json& value) {
 
 // A flag is no text and a text is no number, although both are written the same on a command line.
 void checkKind(const std::string& key, const Json& value) {
-  const bool isText = key == "firmware" || key == "dip1" || key == "dip2" || key == "proofs";
+  const bool isText = key == "firmware" || key == "dip1" || key == "dip2" || key == "proofs" ||
+                      key == "profile" || key == "maker" || key == "modelName" ||
+                      key == "serialNumber";
   if (simulator::flagNamed(key) && !value.is_boolean()) {
     refuse(key + " takes true or false, not " + shortened(value));
   }
@@ -135,6 +137,7 @@ Json Control::state() const {
   json["dip1"] = hexOf(state.dipBanks[0]);
   json["dip2"] = hexOf(state.dipBanks[1]);
   json["speed"] = state.bytesPerSecond;
+  json["profile"] = printable(state.profile);
   json["proofs"] = state.dialect.proofs.text();
   json["etbCounter"] = state.etbCounter;
   json["buffered"] = printer_.buffered();

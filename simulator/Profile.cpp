@@ -1,0 +1,122 @@
+#include "simulator/Profile.h"
+
+#include <algorithm>
+#include <fstream>
+#include <stdexcept>
+
+#include "simulator/PrinterState.h"
+#include "simulator/Quoted.h"
+
+namespace quordalvane::simulator {
+namespace {
+
+constexpr std::size_t longestFile = std::size_t{64} * 1024;
+
+struct BuiltIn {
+  std::string_view name;
+  std::string_view text;
+};
+
+constexpr BuiltIn builtIn[] = {
+    {"both", R"(# Line mode and ESC/POS at once, and every proof.
+lineMode=true
+proofs=block+process-id+in-order
+paper=80
+modelName=Virtual
+)"},
+    {"escpos-80", R"(# A common ESC/POS printer for 80 mm paper.
+lineMode=false
+proofs=process-id+in-order
+paper=80
+modelName=Virtual-80
+)"},
+    {"escpos-58",
+     R"(# A small ESC/POS printer for 58 mm paper that answers in order and knows no process ID.
+lineMode=false
+proofs=in-order
+paper=58
+modelName=Virtual-58
+typeId=0
+)"},
+    {"silent-58", R"(# A small ESC/POS printer that confirms nothing.
+lineMode=false
+proofs=none
+paper=58
+modelName=Virtual-58S
+typeId=0
+)"},
+};
+
+std::string everyName() {
+  std::string names;
+  for (const BuiltIn& profile : builtIn) {
+    names.append(names.empty() ? "" : ", ").append(profile.name);
+  }
+  return names;
+}
+
+std::string readFile(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  std::string text(longestFile + 1, '\0');
+  file.read(text.data(), static_cast<std::streamsize>(text.size()));
+  text.resize(static_cast<std::size_t>(std::max<std::streamsize>(file.gcount(), 0)));
+  if (file.bad() || (!file.is_open()) || text.size() > longestFile) {
+    throw std::invalid_argument("profile: the file " + quoted(path) +
+                                " cannot be read, or is longer than 64 KiB");
+  }
+  return text;
+}
+
+std::string textOf(std::string_view name) {
+  for (const BuiltIn& profile : builtIn) {
+    if (profile.name == name) {
+      return std::string(profile.text);
+    }
+  }
+  if (name.find('/') == std::string_view::npos) {
+    throw std::invalid_argument("profile takes " + everyName() +
+                                ", or the path of a file with a slash in it, not " + quoted(name));
+  }
+  return readFile(std::string(name));
+}
+
+void applyLine(std::string_view line, PrinterState& state) {
+  if (line.empty() || line.front() == '#') {
+    return;
+  }
+  const std::size_t equals = line.find('=');
+  if (equals == std::string_view::npos || line.substr(0, equals) == "profile") {
+    throw std::invalid_argument("takes KEY=VALUE of a printer setting, not " + quoted(line));
+  }
+  state.set(line.substr(0, equals), line.substr(equals + 1));
+}
+
+}  // namespace
+
+void applyProfile(std::string_view name, PrinterState& state) {
+  const std::string text = textOf(name);
+  PrinterState changed = state;
+  std::size_t number = 1;
+  for (std::size_t begin = 0; begin < text.size(); ++number) {
+    const std::size_t end = std::min(text.find('\n', begin), text.size());
+    try {
+      applyLine(std::string_view(text).substr(begin, end - begin), changed);
+    } catch (const std::invalid_argument& error) {
+      throw std::invalid_argument("profile " + quoted(name) + ", line " + std::to_string(number) +
+                                  ": " + error.what());
+    }
+    begin = end + 1;
+  }
+  changed.profile = name;
+  state = changed;
+}
+
+std::vector<std::string> profileNames() {
+  std::vector<std::string> names;
+  for (const BuiltIn& profile : builtIn) {
+    names.emplace_back(profile.name);
+  }
+  return names;
+}
+
+}  // namespace quordalvane::simulator

@@ -1,0 +1,65 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+#include <stdexcept>
+
+#include "simulator/Profile.h"
+#include "tests/unit/simulator/Session.h"
+
+namespace quordalvane::simulator {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::ThrowsMessage;
+
+std::string fileOf(const std::string& text) {
+  std::string path = testing::TempDir() + "/printer.profile";
+  std::ofstream(path) << text;
+  return path;
+}
+
+TEST(Profile, ThatIsBuiltInChangesAPrinterAndIsNamed) {
+  for (const std::string& name : profileNames()) {
+    PrinterState state;
+    applyProfile(name, state);
+    EXPECT_EQ(state.profile, name);
+  }
+  PrinterState state;
+  state.set("profile", "escpos-58");
+  EXPECT_EQ(state.paperMillimetres(), 58U);
+  EXPECT_EQ(state.dialect.proofs.text(), "in-order");
+  EXPECT_FALSE(state.dialect.lineMode);
+}
+
+TEST(Profile, OfACommonPrinterKnowsNoLineMode) {
+  Session session(PrinterBuilder().set("profile", "escpos-80"));
+  EXPECT_EQ(session.ask("1b0601 1b232a0a00"), Bytes{});
+  EXPECT_EQ(session.ask("100401 1d7201"), hex("12 00"));
+}
+
+TEST(Profile, OfAFileIsReadLineByLine) {
+  PrinterState state;
+  applyProfile(fileOf("# mine\n\nmaker=Mine\npaper=58\n"), state);
+  EXPECT_EQ(state.maker(), "Mine");
+  EXPECT_EQ(state.paperMillimetres(), 58U);
+}
+
+TEST(Profile, ThatIsWrongIsRefusedWithItsLineAndChangesNothing) {
+  PrinterState state;
+  const std::string path = fileOf("maker=Mine\npaper=59\n");
+  EXPECT_THAT([&] { applyProfile(path, state); }, ThrowsMessage<std::invalid_argument>(AllOf(
+                                                      HasSubstr("line 2"), HasSubstr("58 or 80"))));
+  EXPECT_EQ(state.maker(), PrinterState().maker());
+  EXPECT_THROW(applyProfile(fileOf("profile=both"), state), std::invalid_argument);
+  EXPECT_THROW(applyProfile(fileOf(std::string(70'000, '#')), state), std::invalid_argument);
+  EXPECT_THROW(applyProfile("/", state), std::invalid_argument);
+  EXPECT_THROW(applyProfile("/no/such/file", state), std::invalid_argument);
+  EXPECT_THAT([&] { applyProfile("nobody", state); },
+              ThrowsMessage<std::invalid_argument>(HasSubstr("escpos-80")));
+}
+
+}  // namespace
+}  // namespace quordalvane::simulator
