@@ -5,7 +5,8 @@ _quorport_options() {
   case $1 in
     "") echo "$global --version" ;;
     status) echo "$global --level --verbose" ;;
-    print) echo "$global --unchecked --end-timeout --hold-print-timeout --receipt" ;;
+    print) echo "$global --unchecked --end-timeout --hold-print-timeout --receipt --job --journal --again" ;;
+    jobs) echo "$global --journal --forget --older-than" ;;
     monitor) echo "$global --interval --count" ;;
     doctor) echo "$global --bundle" ;;
     simulate) echo "$global --listen --set --receipts --control" ;;
@@ -32,17 +33,17 @@ _quorport_command() {
 }
 
 _quorport() {
-  local commands="list status online print cancel firmware dipswitch button-security disconnect monitor doctor simulate help"
+  local commands="list status online print jobs cancel firmware dipswitch button-security disconnect monitor doctor simulate help"
   local cur prev words cword command
   # A colon or an equals sign is part of a word here.
   _init_completion -n := || return
   command=$(_quorport_command "${words[@]:1:cword-1}")
   case $prev in
     -e | --emulation) mapfile -t COMPREPLY < <(compgen -W "line escpos unknown" -- "$cur") ;;
-    --log | --receipt | --bundle) _filedir ;;
+    --log | --receipt | --bundle | --journal) _filedir ;;
     --receipts) _filedir -d ;;
     -[dpst] | --device | --port-name | --settings | --timeout | --log-level) ;;
-    --level | --end-timeout | --hold-print-timeout | --listen | --set | --control | --interval | --count) ;;
+    --level | --end-timeout | --hold-print-timeout | --listen | --set | --control | --interval | --count | --job | --forget | --older-than) ;;
     *)
       if [[ $cur == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$(_quorport_options "$command")" -- "$cur")

@@ -66,7 +66,7 @@ RULES = (
          STANDARD | DESCRIPTORS | {"sys/vfs.h", "sqlite3.h", "nettle/sha2.h"}),
     Rule("c-interface", ("job", "iphone-IOPort", "logging", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
     # The command also serves the simulator to others, without a port.
-    Rule("tools", ("job", "iphone-IOPort", "logging", "backends", "platform", "simulator", PUBLIC),
+    Rule("tools", ("job", "journal", "locks", "iphone-IOPort", "logging", "backends", "platform", "simulator", PUBLIC),
          EVERY_SYSTEM_HEADER),
 )
 

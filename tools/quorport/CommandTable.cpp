@@ -2,6 +2,7 @@
 #include <iterator>
 
 #include "tools/quorport/Commands.h"
+#include "tools/quorport/JournalGrammar.h"
 #include "tools/quorport/OptionGrammar.h"
 
 namespace quordalvane::tool {
@@ -13,6 +14,8 @@ constexpr Command commands[] = {
     {"online", "ask whether the printer is ready to print", online},
     {"print", "print a file and tell honestly what became of it", print, addPrintOptions,
      CommandKind::Printing},
+    {"jobs", "show the jobs that were printed under a name, and what became of them", jobs,
+     addJobsOptions},
     {"cancel", "make the printer drop what it has received and not yet printed", cancel},
     {"firmware", "ask for the firmware text", firmware},
     {"dipswitch", "ask for both banks of DIP switches", dipswitch},

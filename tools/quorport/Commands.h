@@ -30,6 +30,7 @@ Report list(const Options& options, const Surroundings& surroundings);
 Report status(const Options& options, const Surroundings& surroundings);
 Report online(const Options& options, const Surroundings& surroundings);
 Report print(const Options& options, const Surroundings& surroundings);
+Report jobs(const Options& options, const Surroundings& surroundings);
 Report cancel(const Options& options, const Surroundings& surroundings);
 Report firmware(const Options& options, const Surroundings& surroundings);
 Report dipswitch(const Options& options, const Surroundings& surroundings);

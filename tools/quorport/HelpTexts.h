@@ -11,6 +11,7 @@ inline constexpr auto statusesAndExamples =
     "Exit status: 0 done, 1 the exchange with the printer failed, 2 usage, 3 no accessory matched "
     "or\n"
     "it could not be opened, 4 the printer is not ready, 5 the link was lost, 6 unconfirmed,\n"
+    "7 the journal of jobs cannot be kept, and nothing was sent,\n"
     "128 and its number on a signal: 129 hung up, 130 interrupted, 143 terminated.\n"
     "\n"
     "Without a device print refuses, and every other command looks at the virtual printer and "

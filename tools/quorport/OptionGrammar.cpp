@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "tools/quorport/HelpTexts.h"
+#include "tools/quorport/JournalGrammar.h"
 #include "tools/quorport/Report.h"
 
 namespace quordalvane::tool {
@@ -150,6 +151,7 @@ void addPrintOptions(CLI::App& app, Options& all) {
             }
             options.receipt = text;
           });
+  addJournalOptions(app, options);
   app.footer(help::printFooter);
 }
 

@@ -21,6 +21,15 @@ struct PrintOptions {
   std::optional<std::uint32_t> endTimeout;        ///< milliseconds
   std::optional<std::uint32_t> holdPrintTimeout;  ///< milliseconds
   std::optional<std::string> receipt;             ///< a file
+  std::optional<std::string> job;                 ///< a name
+  std::optional<std::string> journal;             ///< a file
+  bool again = false;
+};
+
+struct JobsOptions {
+  std::optional<std::string> journal;      ///< a file
+  std::optional<std::string> forget;       ///< a name
+  std::optional<std::uint32_t> olderThan;  ///< days
 };
 
 struct DoctorOptions {
@@ -54,6 +63,7 @@ struct Options {
 
   StatusOptions status;
   PrintOptions print;
+  JobsOptions jobs;
   DoctorOptions doctor;
   MonitorOptions monitor;
   SimulateOptions simulate;

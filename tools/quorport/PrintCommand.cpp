@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -7,8 +8,10 @@
 #include "job/Words.h"
 #include "tools/quorport/Commands.h"
 #include "tools/quorport/LiveLine.h"
+#include "tools/quorport/NamedPrinting.h"
 #include "tools/quorport/PrintInput.h"
 #include "tools/quorport/Printer.h"
+#include "tools/quorport/PrinterTurn.h"
 #include "tools/quorport/Receipt.h"
 #include "tools/quorport/StatusFields.h"
 
@@ -100,19 +103,25 @@ std::string inWords(const PrintProgress& progress) {
          " bytes (" + std::to_string(percent) + " %)";
 }
 
+// `named` is null for a job without a name.
 PrintResult runJob(const std::vector<std::uint8_t>& data, Printer& printer, LiveLine& line,
-                   const PrintOptions& options, const Surroundings& surroundings) {
+                   const PrintOptions& options, NamedPrinting* named,
+                   const Surroundings& surroundings) {
   setTimeouts(*printer.port(), options);
   std::uint64_t bytesAccepted = 0;
-  PrintJob job(printer.port(),
-               {.checked = !options.unchecked, .progress = [&](const PrintProgress& progress) {
-                  bytesAccepted = progress.bytesAccepted;
-                  line.show(inWords(progress));
-                }});
+  PrintJob::Options plain;
+  plain.checked = !options.unchecked;
+  plain.progress = [&](const PrintProgress& progress) {
+    bytesAccepted = progress.bytesAccepted;
+    line.show(inWords(progress));
+  };
+  PrintJob job(printer.port(), named == nullptr ? plain : named->recorded(plain));
   surroundings.interruption->beginJob(job);
   PrintResult result;
   try {
-    result = job.run(data);
+    result = named == nullptr ? job.run(data) : named->run(job);
+  } catch (const Failure&) {
+    throw;
   } catch (const std::exception& error) {
     // How much had gone out of the piece that was under way is not known.
     result.outcome = PrintOutcome::Unconfirmed;
@@ -142,17 +151,60 @@ void noteMissingReceipt(Report& report, const std::string& why) {
   }
 }
 
+// The text of the device that the port will choose.
+std::string chosenDevice(const Options& options, const InterruptiblePlatform& platform) {
+  const auto devices = devicesOf(options);
+  if (devices.size() == 1) {
+    return devices.front();
+  }
+  const auto& accessories = platform.accessories();
+  const auto chosen =
+      std::find(accessories.begin(), accessories.end(), chosenAccessory(platform, options));
+  if (chosen == accessories.end()) {
+    throw noneMatches(platform, options);
+  }
+  return devices[static_cast<std::size_t>(chosen - accessories.begin())];
+}
+
+// From the turn on the printer to the outcome.
+PrintResult sendData(const std::vector<std::uint8_t>& data,
+                     const std::shared_ptr<InterruptiblePlatform>& platform,
+                     const std::string& device, NamedPrinting* named, const Options& options,
+                     const Surroundings& surroundings) {
+  const auto turn = takePrinter(device, options, surroundings);
+  LiveLine line(surroundings.streams.err);
+  Printer printer(platform, options, surroundings);
+  return runJob(data, printer, line, options.print, named, surroundings);
+}
+
+// The same under a name.
+Report printNamed(const std::vector<std::uint8_t>& data,
+                  const std::shared_ptr<InterruptiblePlatform>& platform, const std::string& device,
+                  const Options& options, const Surroundings& surroundings) {
+  NamedPrinting named(options, device, data, surroundings);
+  Report report;
+  try {
+    report = reportOn(named.answer() != nullptr
+                          ? *named.answer()
+                          : sendData(data, platform, device, &named, options, surroundings));
+  } catch (const Failure& failure) {
+    if (failure.code() != ExitCode::NoJournal) {
+      named.refuse(failure.what());
+    }
+    report = refusedJob(failure.code(), failure.what(), data.size());
+  }
+  named.addTo(report);
+  return report;
+}
+
 Report printData(const std::vector<std::uint8_t>& data, const Options& options,
                  const Surroundings& surroundings) {
   const auto platform = presentDevices(options, surroundings);
   auto receipt = receiptFor(options, *platform);
-  PrintResult result;
-  {
-    LiveLine line(surroundings.streams.err);
-    Printer printer(platform, options, surroundings);
-    result = runJob(data, printer, line, options.print, surroundings);
-  }
-  Report report = reportOn(result);
+  const std::string device = chosenDevice(options, *platform);
+  Report report = options.print.job
+                      ? printNamed(data, platform, device, options, surroundings)
+                      : reportOn(sendData(data, platform, device, nullptr, options, surroundings));
   if (const std::string why = receipt ? receipt->write() : ""; !why.empty()) {
     complain(why, surroundings.streams);
     noteMissingReceipt(report, why);
@@ -168,6 +220,18 @@ void requireDevice(const Options& options) {
                   "tcp:HOST:PORT, or set the variable QUORPORT_DEVICE; --device virtual: tries the "
                   "printer that is built in");
   }
+}
+
+// Nothing came of it: under a name, no attempt either.
+Report unsent(ExitCode code, const std::string& error, std::uint64_t bytesTotal,
+              const PrintOptions& options) {
+  Report report = refusedJob(code, error, bytesTotal);
+  if (options.job) {
+    report.json["job"] = *options.job;
+    report.json["attempt"] = 0;
+    report.json["repeated"] = false;
+  }
+  return report;
 }
 
 }  // namespace
@@ -186,11 +250,11 @@ Report print(const Options& options, const Surroundings& surroundings) {
   requireDevice(options);
   const auto data = readJob(options.print.file, surroundings.streams);
   surroundings.interruption->setReport(
-      refusedJob(ExitCode::Interrupted, "interrupted", data.size()));
+      unsent(ExitCode::Interrupted, "interrupted", data.size(), options.print));
   try {
     return printData(data, options, surroundings);
   } catch (const Failure& failure) {
-    return refusedJob(failure.code(), failure.what(), data.size());
+    return unsent(failure.code(), failure.what(), data.size(), options.print);
   }
 }
 

@@ -19,6 +19,7 @@ enum class ExitCode : int {
   NotReady = 4,     ///< the printer is off line, has paper in its exit or is in use
   LinkLost = 5,
   Unconfirmed = 6,
+  NoJournal = 7,      ///< the journal of jobs cannot be kept, and nothing was sent
   Interrupted = 130,  ///< by SIGINT; any other signal that ends a command is 128 + its number, too
 };
 

@@ -1,0 +1,86 @@
+"""A process that prints under a name is killed at each of its system calls; then it is started again.
+
+QUOR_KILL_POINTS is how many calls are tried for each printer, evenly spread; "all" tries each one.
+"""
+
+import os
+import subprocess
+
+from harness import DEADLINE, QUORPORT, Case, eventually, main, run
+
+KILL_AT = os.environ["KILL_AT"]
+POINTS = os.environ.get("QUOR_KILL_POINTS", "16")
+KILLED = 137
+RECEIPT = b"Espresso  2.20\nCake  3.80\n"
+
+
+def proofs(emulation: str) -> list[str]:
+    """Those that this command can be told to use."""
+    if emulation == "line" or "--proof" not in run("print", "--help").out:
+        return [""]
+    return ["block", "process-id", "in-order"]
+
+
+class KillSweep(Case):
+    def sweep(self, emulation: str, proof: str):
+        simulator = self.simulator("tcp:0")
+        receipt = self.file("receipt", RECEIPT)
+        job = 0
+
+        def arguments() -> list[str]:
+            more = ["--proof", proof] if proof else []
+            return ["-d", simulator.place, "-e", emulation, "print", receipt, "--json", "--job", f"job {job}", "--journal",
+                    f"{self.folder}/{emulation}{proof}.db", *more]
+
+        def on_paper() -> int:
+            state = eventually(lambda: (now := simulator.state())["buffered"] == 0 and now, "the printer has printed")
+            return state["printedBytes"]
+
+        def killed_at(call: int) -> bool:
+            process = subprocess.run([KILL_AT, str(call), f"{emulation}{proof}.db", QUORPORT,
+                                      *arguments()], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=DEADLINE)
+            self.assertIn(process.returncode, (0, KILLED))
+            return process.returncode == KILLED
+
+        def calls() -> int:
+            """How many there are in a whole run, to a few."""
+            nonlocal job
+            low, high = 1, 4096
+            while high - low > 8:
+                job += 1
+                middle = (low + high) // 2
+                low, high = (middle, high) if killed_at(middle) else (low, middle)
+            return high
+
+        before = on_paper()
+        self.assertExit(0, run(*arguments()))
+        whole = on_paper() - before
+        self.assertGreater(whole, 0)
+        count = calls()
+        step = 1 if POINTS == "all" else max(1, count // int(POINTS))
+        outcomes = {"printed": 0, "unconfirmed": 0}
+        for call in range(1, count + 1, step):
+            with self.subTest(emulation=emulation, proof=proof, call=call):
+                job += 1
+                before = on_paper()
+                killed_at(call)
+                next_start = run(*arguments())
+                paper = on_paper() - before
+                self.assertIn(next_start.code, (0, 6), "the journal opens, and says printed or unconfirmed")
+                self.assertLessEqual(paper, whole, "never more than a copy")
+                outcome = next_start.json()["outcome"]
+                if outcome == "printed":
+                    self.assertEqual(paper, whole, "never printed without paper")
+                outcomes[outcome] += 1
+        self.assertGreater(outcomes["printed"], 0)
+        self.assertGreater(outcomes["unconfirmed"], 0, "no call between the first byte and the outcome was tried")
+        print(f"{emulation} {proof or 'auto'}: killed at {sum(outcomes.values())} of {count} calls: {outcomes}")
+
+    def test_never_two_copies_and_never_printed_without_paper(self):
+        for emulation in ("line", "escpos"):
+            for proof in proofs(emulation):
+                self.sweep(emulation, proof)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,99 @@
+#include <chrono>
+#include <filesystem>
+
+#include "job/Words.h"
+#include "journal/Journal.h"
+#include "tools/quorport/Commands.h"
+#include "tools/quorport/TimeText.h"
+
+namespace quordalvane::tool {
+namespace {
+
+std::chrono::system_clock::time_point timeOf(std::int64_t milliseconds) {
+  return std::chrono::system_clock::time_point(std::chrono::milliseconds(milliseconds));
+}
+
+std::string nameOf(JobState state) {
+  switch (state) {
+    case JobState::Printed:
+      return "printed";
+    case JobState::Unconfirmed:
+      return "unconfirmed";
+    case JobState::Printing:
+      return "printing";
+    case JobState::Refused:
+      break;
+  }
+  return "refused";
+}
+
+Json jsonOf(const JobRecord& job) {
+  return {{"job", job.name},
+          {"device", job.device},
+          {"bytes", job.bytes},
+          {"attempts", job.attempts},
+          {"begun", utcText(timeOf(job.begun))},
+          {"ended", job.ended ? Json(utcText(timeOf(*job.ended))) : Json(nullptr)},
+          {"outcome", nameOf(job.state)},
+          {"reason", job.reason}};
+}
+
+std::string lineOf(const JobRecord& job) {
+  std::string line = localText(timeOf(job.begun)) + "  " + nameOf(job.state) + "  " +
+                     printable(job.name) + "  " + grouped(job.bytes) + " bytes on " +
+                     printable(job.device);
+  if (job.attempts > 1) {
+    line += ", " + grouped(static_cast<std::uint64_t>(job.attempts)) + " attempts";
+  }
+  return line + (job.reason.empty() ? "" : ": " + printable(job.reason)) + "\n";
+}
+
+void forget(Journal& journal, const std::string& name) {
+  switch (journal.forget(name)) {
+    case Forgetting::Forgotten:
+      return;
+    case Forgetting::Unknown:
+      throw Failure(ExitCode::Usage, "--forget: the journal knows no job " + inQuotes(name));
+    case Forgetting::BeingPrinted:
+      throw Failure(ExitCode::NotReady, "--forget: the job " + inQuotes(name) +
+                                            " is being printed; it can be forgotten when it ends");
+  }
+}
+
+Report reportOn(const std::vector<JobRecord>& jobs) {
+  Report report;
+  report.json = {{"ok", true}, {"jobs", Json::array()}};
+  for (const JobRecord& job : jobs) {
+    report.json["jobs"].push_back(jsonOf(job));
+    report.text += lineOf(job);
+  }
+  return report;
+}
+
+Report lookInto(const std::filesystem::path& file, const JobsOptions& options) {
+  if (!options.forget && !options.olderThan && !std::filesystem::exists(file)) {
+    return reportOn({});  // a question makes no file
+  }
+  Journal journal(file);
+  if (options.forget) {
+    forget(journal, *options.forget);
+  }
+  if (options.olderThan) {
+    journal.forgetOlderThan(*options.olderThan);
+  }
+  return reportOn(journal.jobs());
+}
+
+}  // namespace
+
+Report jobs(const Options& options, const Surroundings& /*surroundings*/) {
+  try {
+    return lookInto(options.jobs.journal ? std::filesystem::path(*options.jobs.journal)
+                                         : Journal::defaultFile(),
+                    options.jobs);
+  } catch (const JournalError& error) {
+    throw Failure(ExitCode::NoJournal, printable(error.what()));
+  }
+}
+
+}  // namespace quordalvane::tool

@@ -1,0 +1,51 @@
+#include "tools/quorport/JournalGrammar.h"
+
+#include <CLI/CLI.hpp>
+#include <limits>
+
+namespace quordalvane::tool {
+namespace {
+
+constexpr auto jobsFooter =
+    "A job is in the journal if it was printed with --job. Its outcome is printed, unconfirmed\n"
+    "(also if the process that printed it has ended in the middle), refused, or printing while a\n"
+    "process does. A forgotten job is printed if it is handed over again, even if it is on "
+    "paper.\n";
+
+void addJournal(CLI::App& app, std::optional<std::string>& journal) {
+  app.add_option("--journal", journal,
+                 "the file that knows the names (default $XDG_STATE_HOME/quorport/jobs.db)")
+      ->type_name("FILE")
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+}
+
+}  // namespace
+
+void addJournalOptions(CLI::App& app, PrintOptions& options) {
+  CLI::Option* const job =
+      app.add_option("--job", options.job,
+                     "print under this name: once, and not again however often it is asked for")
+          ->type_name("NAME")
+          ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+  addJournal(app, options.journal);
+  app.add_flag("--again", options.again,
+               "print a job of the name again of which nobody knows whether it is on paper")
+      ->needs(job);
+  app.get_option("--journal")->needs(job);
+}
+
+void addJobsOptions(CLI::App& app, Options& all) {
+  JobsOptions& options = all.jobs;
+  addJournal(app, options.journal);
+  app.add_option("--forget", options.forget, "take the job of this name out of the journal")
+      ->type_name("NAME")
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+  app.add_option("--older-than", options.olderThan,
+                 "take out the jobs whose last attempt is more days ago")
+      ->type_name("DAYS")
+      ->check(CLI::Range(0U, std::numeric_limits<std::uint32_t>::max()))
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+  app.footer(jobsFooter);
+}
+
+}  // namespace quordalvane::tool
