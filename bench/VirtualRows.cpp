@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "backends/virtual/VirtualAccessory.h"
-#include "backends/virtual/VirtualPlatform.h"
+#include "tests/support/VirtualPlatform.h"
 #include "bench/Cores.h"
 #include "bench/Groups.h"
 #include "job/PrintJob.h"
@@ -23,7 +23,7 @@ ByteBuffer receipt() {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-void printOnce(const std::shared_ptr<virtuals::VirtualPlatform>& platform, ZKEmulation emulation,
+void printOnce(const std::shared_ptr<test::VirtualPlatform>& platform, ZKEmulation emulation,
                const ByteBuffer& data) {
   const auto port = ExternalAccessoryPort::initWithPortName("BT:", "", 10000, emulation, platform);
   if (!port->open() || PrintJob(port).run(data).outcome != PrintOutcome::Printed) {
@@ -36,7 +36,7 @@ void printOnce(const std::shared_ptr<virtuals::VirtualPlatform>& platform, ZKEmu
 double speedOfJobs(ZKEmulation emulation, const ByteBuffer& data) {
   constexpr int batches = 25;
   constexpr int jobs = 10;
-  const auto platform = std::make_shared<virtuals::VirtualPlatform>();
+  const auto platform = std::make_shared<test::VirtualPlatform>();
   const auto printer = simulator::PrinterBuilder().speed(bytesPerSecond);
   const auto accessory = std::make_shared<virtuals::VirtualAccessory>(
       AccessoryIdentity{}, std::make_unique<simulator::VirtualPrinter>(printer.state()),

@@ -5,9 +5,6 @@ set(QUOR_PUBLIC_HEADERS
   backends/DeviceSpec.h
   backends/Devices.h
   backends/HostAndPort.h
-  backends/posix/Deadline.h
-  backends/posix/Descriptor.h
-  backends/posix/PosixClock.h
   backends/posix/PosixPlatform.h
   iphone-IOPort/AtomicProperty.h
   iphone-IOPort/ExternalAccessoryPort.h

@@ -3,9 +3,9 @@
 
 #include "backends/DeviceSpec.h"
 #include "backends/Devices.h"
-#include "backends/virtual/VirtualPlatform.h"
 #include "fuzz/FuzzTarget.h"
 #include "fuzz/Text.h"
+#include "tests/support/VirtualPlatform.h"
 
 using namespace quordalvane;
 using fuzz::require;
@@ -48,7 +48,7 @@ void requireSame(const DeviceSpec& one, const DeviceSpec& other) {
 /// The input is a device as a user types it. It is read and presented, or refused with a text that
 /// can be shown; nothing is connected.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static virtuals::VirtualPlatform platform;
+  static test::VirtualPlatform platform;
   const std::string text(data, data + size);
   try {
     const DeviceSpec spec = parseDeviceSpec(text);

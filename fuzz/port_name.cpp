@@ -1,9 +1,9 @@
-#include "backends/virtual/VirtualPlatform.h"
 #include "fuzz/Input.h"
 #include "iphone-IOPort/ExternalAccessoryPort.h"
 #include "iphone-IOPort/PortName.h"
 #include "iphone-IOPort/Util.h"
 #include "tests/support/ScriptedLink.h"
+#include "tests/support/VirtualPlatform.h"
 
 using namespace quordalvane;
 using fuzz::require;
@@ -55,7 +55,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   identity.address = input.text();
 
-  const auto platform = std::make_shared<virtuals::VirtualPlatform>();
+  const auto platform = std::make_shared<test::VirtualPlatform>();
   const auto link = std::make_shared<test::ScriptedLink>(test::Script(), platform->virtualClock());
   const auto accessory = std::make_shared<test::ScriptedAccessory>(identity, link);
   platform->attach(accessory);

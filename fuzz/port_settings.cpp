@@ -1,8 +1,8 @@
 #include <string>
 
-#include "backends/virtual/VirtualPlatform.h"
 #include "fuzz/FuzzTarget.h"
 #include "iphone-IOPort/ExternalAccessoryPort.h"
+#include "tests/support/VirtualPlatform.h"
 
 using namespace quordalvane;
 using fuzz::require;
@@ -34,7 +34,7 @@ std::int64_t expectedDataTimeout(const std::string& settings) {
 
 /// The input is the settings.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const auto platform = std::make_shared<virtuals::VirtualPlatform>();
+  static const auto platform = std::make_shared<test::VirtualPlatform>();
   const std::string settings(data, data + size);
   const auto port =
       ExternalAccessoryPort::initWithPortName("BT:", settings, 1000, ZKEmulationESCPOS, platform);

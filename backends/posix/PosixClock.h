@@ -1,7 +1,5 @@
 #pragma once
 
-#include <quordalvane/QuorExport.h>
-
 #include "backends/posix/Deadline.h"
 #include "platform/Clock.h"
 
@@ -11,7 +9,7 @@ namespace quordalvane::posix {
 void sleepUntil(SteadyTime deadline);
 
 /// The system's own clocks and sleeps.
-class QUOR_EXPORT PosixClock final : public Clock {
+class PosixClock final : public Clock {
  public:
   TimeValue gettimeofday() override;
   std::chrono::nanoseconds monotonic() override;

@@ -4,37 +4,72 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <mutex>
 #include <utility>
 
+#include "backends/posix/PosixClock.h"
 #include "backends/posix/PosixThread.h"
 #include "backends/posix/RunLoop.h"
 
 namespace quordalvane::posix {
+namespace {
 
-AttachedAccessories::AttachedAccessories(std::vector<std::shared_ptr<EAAccessory>> accessories)
-    : accessories_(std::move(accessories)) {}
+class AttachedAccessories final : public EAAccessoryManager {
+ public:
+  explicit AttachedAccessories(std::vector<std::shared_ptr<EAAccessory>> accessories)
+      : accessories_(std::move(accessories)) {}
 
-std::vector<std::shared_ptr<EAAccessory>> AttachedAccessories::connectedAccessories() {
-  const std::lock_guard lock(mutex_);
-  return accessories_;
-}
+  std::vector<std::shared_ptr<EAAccessory>> connectedAccessories() override {
+    const std::lock_guard lock(mutex_);
+    return accessories_;
+  }
 
-void AttachedAccessories::attach(std::shared_ptr<EAAccessory> accessory) {
-  const std::lock_guard lock(mutex_);
-  accessories_.push_back(std::move(accessory));
-}
+  void attach(std::shared_ptr<EAAccessory> accessory) {
+    const std::lock_guard lock(mutex_);
+    accessories_.push_back(std::move(accessory));
+  }
 
-std::string ThisMachine::systemVersion() {
-  utsname names{};
-  ::uname(&names);
-  return names.release;
-}
+ private:
+  std::mutex mutex_;
+  std::vector<std::shared_ptr<EAAccessory>> accessories_;
+};
+
+class ThisMachine final : public UIDevice {
+ public:
+  std::string systemVersion() override {
+    utsname names{};
+    ::uname(&names);
+    return names.release;
+  }
+};
+
+}  // namespace
+
+struct PosixPlatform::Parts {
+  AttachedAccessories accessories;
+  ThisMachine device;
+  PosixClock clock;
+};
 
 PosixPlatform::PosixPlatform(std::vector<std::shared_ptr<EAAccessory>> accessories)
-    : accessories_(std::move(accessories)) {}
+    : parts_(new Parts{AttachedAccessories(std::move(accessories)), {}, {}}) {}
+
+PosixPlatform::~PosixPlatform() = default;
 
 void PosixPlatform::attach(std::shared_ptr<EAAccessory> accessory) {
-  accessories_.attach(std::move(accessory));
+  parts_->accessories.attach(std::move(accessory));
+}
+
+EAAccessoryManager& PosixPlatform::sharedAccessoryManager() {
+  return parts_->accessories;
+}
+
+UIDevice& PosixPlatform::currentDevice() {
+  return parts_->device;
+}
+
+Clock& PosixPlatform::clock() {
+  return parts_->clock;
 }
 
 NSRunLoop& PosixPlatform::currentRunLoop() {

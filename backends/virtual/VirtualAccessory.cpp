@@ -77,11 +77,6 @@ VirtualAccessory::VirtualAccessory(AccessoryIdentity identity,
   inside_->faults = std::move(faults);
 }
 
-void VirtualAccessory::setFaults(simulator::Faults faults) {
-  const std::lock_guard lock(inside_->mutex);
-  inside_->faults = std::move(faults);
-}
-
 bool VirtualAccessory::isConnected() {
   const std::lock_guard lock(mutex_);
   const auto link = link_.lock();

@@ -28,13 +28,12 @@ class VirtualAccessory : public IdentifiedAccessory {
   /// the accessory's.
   std::shared_ptr<EASession> openSession(const std::string& protocol) override;
 
-  /// Exchanges the faults with which later sessions begin; the present one keeps its own. Any
-  /// thread.
-  void setFaults(simulator::Faults faults);
-
   /// Lets the printer work up to now and `look` at it or change it; `look` must not call back here.
   /// Any thread.
   void withPrinter(const std::function<void(simulator::VirtualPrinter&, simulator::Instant)>& look);
+
+ protected:
+  PrinterInside& inside() { return *inside_; }
 
  private:
   const std::shared_ptr<PrinterInside> inside_;

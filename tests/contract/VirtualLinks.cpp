@@ -1,9 +1,9 @@
 #include <utility>
 
 #include "backends/virtual/VirtualAccessory.h"
-#include "backends/virtual/VirtualPlatform.h"
 #include "simulator/PrinterBuilder.h"
 #include "tests/contract/LinkContract.h"
+#include "tests/support/VirtualPlatform.h"
 
 // The link to the printer in this process, under virtual time.
 namespace quordalvane::contract {
@@ -73,7 +73,7 @@ class VirtualLinkMaker : public LinkMaker {
   std::unique_ptr<Peer> peer() override { return std::make_unique<VirtualPeer>(accessory_); }
 
  private:
-  virtuals::VirtualPlatform platform_;
+  test::VirtualPlatform platform_;
   const std::shared_ptr<VirtualAccessory> accessory_ = std::make_shared<VirtualAccessory>(
       AccessoryIdentity{},
       std::make_unique<VirtualPrinter>(simulator::PrinterBuilder().speed(0).keepPrinted().state()),

@@ -24,9 +24,9 @@ simulator::PrinterBuilder printerOf(const Case& given) {
   return builder;
 }
 
-std::shared_ptr<virtuals::VirtualAccessory> accessoryOf(const Case& given, Clock& clock) {
+std::shared_ptr<test::FaultyAccessory> accessoryOf(const Case& given, Clock& clock) {
   const auto printer = printerOf(given);
-  return std::make_shared<virtuals::VirtualAccessory>(
+  return std::make_shared<test::FaultyAccessory>(
       AccessoryIdentity{}, std::make_unique<simulator::VirtualPrinter>(printer.state()), clock,
       printer.faults());
 }
@@ -55,7 +55,7 @@ std::int64_t Witness::write(NSOutputStream& next, const std::uint8_t* buffer, st
 World::World(const Case& given)
     : trace_(test::replayedCase() ? std::make_unique<test::Trace>() : nullptr),
       given_(given),
-      platform_(std::make_shared<virtuals::VirtualPlatform>()),
+      platform_(std::make_shared<test::VirtualPlatform>()),
       accessory_(accessoryOf(given, platform_->clock())),
       witness_(std::make_shared<Witness>(given.data)) {
   platform_->attach(accessory_);

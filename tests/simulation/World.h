@@ -3,12 +3,12 @@
 #include <memory>
 #include <string>
 
-#include "backends/virtual/VirtualAccessory.h"
-#include "backends/virtual/VirtualPlatform.h"
 #include "job/PrintJob.h"
 #include "tests/simulation/Case.h"
 #include "tests/support/Fault.h"
+#include "tests/support/FaultyAccessory.h"
 #include "tests/support/Trace.h"
+#include "tests/support/VirtualPlatform.h"
 
 namespace quordalvane::simulation {
 
@@ -62,8 +62,8 @@ class World {
 
   std::unique_ptr<test::Trace> trace_;  // first, as the platforms write to it to the very end
   const Case& given_;
-  const std::shared_ptr<virtuals::VirtualPlatform> platform_;
-  const std::shared_ptr<virtuals::VirtualAccessory> accessory_;
+  const std::shared_ptr<test::VirtualPlatform> platform_;
+  const std::shared_ptr<test::FaultyAccessory> accessory_;
   const std::shared_ptr<Witness> witness_;
   Port port_;
 };

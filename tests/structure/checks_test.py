@@ -35,7 +35,7 @@ class IncludeRules(SmallTree):
         super().setUp()
         for header in ("include/quordalvane/QuorIOPort.h", "platform/Clock.h", "parsers/ReplyParsers.h",
                        "simulator/Printer.h", "backends/Devices.h", "backends/posix/TcpLink.h",
-                       "backends/virtual/VirtualPlatform.h", "iphone-IOPort/Util.h", "job/PrintJob.h"):
+                       "backends/virtual/VirtualAccessory.h", "iphone-IOPort/Util.h", "job/PrintJob.h"):
             self.write(header, "#pragma once\n")
 
     def test_a_tidy_tree_is_accepted(self):
@@ -75,7 +75,7 @@ class IncludeRules(SmallTree):
 
     def test_the_back_ends_do_not_know_each_other(self):
         self.assertTrue(
-            self.objects_to("backends/posix/TcpLink.cpp", '#include "backends/virtual/VirtualPlatform.h"'))
+            self.objects_to("backends/posix/TcpLink.cpp", '#include "backends/virtual/VirtualAccessory.h"'))
 
     def test_what_the_back_ends_share_does_not_know_any_of_them(self):
         self.assertTrue(self.objects_to("backends/Identity.cpp", '#include "backends/posix/TcpLink.h"'))

@@ -6,9 +6,9 @@
 
 namespace quordalvane::test {
 
-using virtuals::Instant;
+using test::Instant;
 
-ScriptedLink::ScriptedLink(Script script, virtuals::VirtualClock& clock)
+ScriptedLink::ScriptedLink(Script script, test::VirtualClock& clock)
     : script_(std::move(script)), clock_(clock) {}
 
 Instant ScriptedLink::instant(double seconds) const {

@@ -6,15 +6,15 @@
 #include <span>
 
 #include "backends/AccessoryIdentity.h"
-#include "backends/virtual/VirtualPlatform.h"
 #include "tests/support/Script.h"
+#include "tests/support/VirtualPlatform.h"
 
 namespace quordalvane::test {
 
 /// A link that does what its script says, in virtual time.
 class ScriptedLink {
  public:
-  ScriptedLink(Script script, virtuals::VirtualClock& clock);
+  ScriptedLink(Script script, test::VirtualClock& clock);
 
   /// The operation under test begins: times and counts start here.
   void start();
@@ -35,18 +35,18 @@ class ScriptedLink {
   void waitForBytes(double seconds);
 
  private:
-  virtuals::Instant instant(double seconds) const;
+  test::Instant instant(double seconds) const;
   bool isLost() const;
-  void arriveLater(const Reply& reply, virtuals::Instant from);
+  void arriveLater(const Reply& reply, test::Instant from);
   void answer(std::span<const std::uint8_t> data);
   Script::Answer* nextAnswer();
-  void waitUntil(virtuals::Instant ready, double seconds);
+  void waitUntil(test::Instant ready, double seconds);
 
   Script script_;
-  virtuals::VirtualClock& clock_;
-  virtuals::Instant start_{0};
+  test::VirtualClock& clock_;
+  test::Instant start_{0};
   bool started_ = false;
-  std::multimap<virtuals::Instant, Bytes> arriving_;
+  std::multimap<test::Instant, Bytes> arriving_;
   Bytes unanswered_;
   std::optional<std::size_t> budget_;  // what this attempt may still get rid of; none: everything
   std::size_t attempt_ = 0;

@@ -52,7 +52,7 @@ AccessoryIdentity shopPrinter() {
 ScriptedWorld::ScriptedWorld(const Script& script,
                              const std::vector<AccessoryIdentity>& accessories, const Layer& layer)
     : startMicroseconds_(script.startMicroseconds),
-      machine_(std::make_shared<virtuals::VirtualPlatform>()),
+      machine_(std::make_shared<test::VirtualPlatform>()),
       link_(std::make_shared<ScriptedLink>(script, machine_->virtualClock())) {
   // What is released with the machine is still noted, at no time.
   trace_.measureBy([clockOf = std::weak_ptr(machine_)] {

@@ -4,9 +4,9 @@
 #include <memory>
 #include <vector>
 
-#include "backends/virtual/VirtualPlatform.h"
 #include "tests/support/ScriptedLink.h"
 #include "tests/support/Trace.h"
+#include "tests/support/VirtualPlatform.h"
 
 namespace quordalvane::test {
 
@@ -31,13 +31,13 @@ class ScriptedWorld {
   void start();
 
   const std::shared_ptr<Platform>& platform() const { return platform_; }
-  virtuals::VirtualPlatform& machine() { return *machine_; }
+  test::VirtualPlatform& machine() { return *machine_; }
   Trace& trace() { return trace_; }
 
  private:
   Trace trace_;  // first, as everything else writes to it to the very end
   const std::int64_t startMicroseconds_;
-  const std::shared_ptr<virtuals::VirtualPlatform> machine_;
+  const std::shared_ptr<test::VirtualPlatform> machine_;
   const std::shared_ptr<ScriptedLink> link_;
   std::shared_ptr<Platform> platform_;
 };

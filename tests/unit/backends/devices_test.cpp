@@ -3,6 +3,8 @@
 #include <stdexcept>
 
 #include "backends/Devices.h"
+#include "backends/posix/Descriptor.h"
+#include "backends/posix/PosixClock.h"
 #include "tests/support/Listener.h"
 #include "tests/support/PseudoTerminal.h"
 #include "tests/support/TemporaryFolder.h"

@@ -8,11 +8,11 @@
 #include <string_view>
 #include <vector>
 
-#include "backends/virtual/VirtualAccessory.h"
-#include "backends/virtual/VirtualPlatform.h"
 #include "iphone-IOPort/ExternalAccessoryPort.h"
 #include "job/PrintJob.h"
 #include "simulator/PrinterBuilder.h"
+#include "tests/support/FaultyAccessory.h"
+#include "tests/support/VirtualPlatform.h"
 
 namespace quordalvane {
 
@@ -43,8 +43,8 @@ class Till {
   };
 
   Till(simulator::PrinterBuilder printer, Setting setting)
-      : platform(std::make_shared<virtuals::VirtualPlatform>()),
-        accessory(std::make_shared<virtuals::VirtualAccessory>(
+      : platform(std::make_shared<test::VirtualPlatform>()),
+        accessory(std::make_shared<test::FaultyAccessory>(
             AccessoryIdentity{},
             std::make_unique<simulator::VirtualPrinter>(printer.keepPrinted().state()),
             platform->clock())) {
@@ -82,8 +82,8 @@ class Till {
     return bytes;
   }
 
-  const std::shared_ptr<virtuals::VirtualPlatform> platform;
-  const std::shared_ptr<virtuals::VirtualAccessory> accessory;
+  const std::shared_ptr<test::VirtualPlatform> platform;
+  const std::shared_ptr<test::FaultyAccessory> accessory;
   std::shared_ptr<ExternalAccessoryPort> port;
 };
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "backends/virtual/VirtualAccessory.h"
-#include "backends/virtual/VirtualPlatform.h"
+#include "tests/support/VirtualPlatform.h"
 #include "iphone-IOPort/ExternalAccessoryPort.h"
 
 namespace quordalvane {
@@ -106,8 +106,8 @@ class SharedPort : public testing::Test {
     port_ = Port::initWithPortName("BT:", "", 1000, ZKEmulationQuorLine, machine_);
   }
 
-  const std::shared_ptr<virtuals::VirtualPlatform> machine_ =
-      std::make_shared<virtuals::VirtualPlatform>();
+  const std::shared_ptr<test::VirtualPlatform> machine_ =
+      std::make_shared<test::VirtualPlatform>();
   std::shared_ptr<Port> port_;
 };
 

@@ -8,10 +8,10 @@
 #include <string>
 #include <vector>
 
-#include "backends/virtual/Scheduler.h"
 #include "platform/Platform.h"
+#include "tests/support/Scheduler.h"
 
-namespace quordalvane::virtuals {
+namespace quordalvane::test {
 
 /// Virtual time as a Clock. The wall clock starts at `epoch` and may be stepped.
 class VirtualClock : public Clock {
@@ -83,4 +83,4 @@ class VirtualPlatform : public Platform {
   const std::unique_ptr<Device> device_;
 };
 
-}  // namespace quordalvane::virtuals
+}  // namespace quordalvane::test

@@ -1,10 +1,10 @@
-#include "backends/virtual/VirtualPlatform.h"
+#include "tests/support/VirtualPlatform.h"
 
 #include <gtest/gtest.h>
 
 #include <csignal>
 
-namespace quordalvane::virtuals {
+namespace quordalvane::test {
 namespace {
 
 TEST(VirtualPlatform, IgnoresTheSignalOfABrokenPipeEachTimeItIsTold) {
@@ -17,4 +17,4 @@ TEST(VirtualPlatform, IgnoresTheSignalOfABrokenPipeEachTimeItIsTold) {
 }
 
 }  // namespace
-}  // namespace quordalvane::virtuals
+}  // namespace quordalvane::test

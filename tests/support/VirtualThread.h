@@ -5,11 +5,11 @@
 #include <memory>
 #include <mutex>
 
-#include "backends/virtual/Scheduler.h"
 #include "platform/NSRunLoop.h"
 #include "platform/NSThread.h"
+#include "tests/support/Scheduler.h"
 
-namespace quordalvane::virtuals {
+namespace quordalvane::test {
 
 /// The run loop of one thread under virtual time.
 class VirtualRunLoop : public NSRunLoop {
@@ -55,4 +55,4 @@ class VirtualThread : public NSThread {
 /// The run loop of the calling thread, made at first need.
 VirtualRunLoop& currentVirtualRunLoop(Scheduler& scheduler);
 
-}  // namespace quordalvane::virtuals
+}  // namespace quordalvane::test

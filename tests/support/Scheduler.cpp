@@ -1,11 +1,11 @@
-#include "backends/virtual/Scheduler.h"
+#include "tests/support/Scheduler.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
 
-namespace quordalvane::virtuals {
+namespace quordalvane::test {
 namespace {
 
 /// Which thread the calling thread is, and in which scheduler.
@@ -138,4 +138,4 @@ Scheduler::Thread* Scheduler::nextThread() {
   return next;
 }
 
-}  // namespace quordalvane::virtuals
+}  // namespace quordalvane::test

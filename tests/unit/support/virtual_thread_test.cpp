@@ -4,9 +4,9 @@
 #include <stdexcept>
 #include <thread>
 
-#include "backends/virtual/VirtualPlatform.h"
+#include "tests/support/VirtualPlatform.h"
 
-namespace quordalvane::virtuals {
+namespace quordalvane::test {
 namespace {
 
 /// A platform with a thread that turns its loop for a second once it is started.
@@ -56,4 +56,4 @@ TEST_F(VirtualThreads, TellACallerThatTakesNoTurnsThatItCannotWait) {
 }
 
 }  // namespace
-}  // namespace quordalvane::virtuals
+}  // namespace quordalvane::test

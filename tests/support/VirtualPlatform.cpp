@@ -1,11 +1,11 @@
-#include "backends/virtual/VirtualPlatform.h"
+#include "tests/support/VirtualPlatform.h"
 
 #include <csignal>
 #include <utility>
 
-#include "backends/virtual/VirtualThread.h"
+#include "tests/support/VirtualThread.h"
 
-namespace quordalvane::virtuals {
+namespace quordalvane::test {
 namespace {
 
 constexpr std::int64_t microsecondsPerSecond = 1000000;
@@ -117,4 +117,4 @@ void VirtualPlatform::ignoreSigPipe() {
   std::signal(SIGPIPE, SIG_IGN);
 }
 
-}  // namespace quordalvane::virtuals
+}  // namespace quordalvane::test

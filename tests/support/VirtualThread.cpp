@@ -1,4 +1,4 @@
-#include "backends/virtual/VirtualThread.h"
+#include "tests/support/VirtualThread.h"
 
 #include <exception>
 #include <thread>
@@ -6,7 +6,7 @@
 
 #include "platform/NSStream.h"
 
-namespace quordalvane::virtuals {
+namespace quordalvane::test {
 namespace {
 
 /// The calling thread's loop, kept apart by scheduler: a test may use several platforms in turn.
@@ -143,4 +143,4 @@ bool VirtualThread::performAndWait(std::function<void()> routine) {
   return true;
 }
 
-}  // namespace quordalvane::virtuals
+}  // namespace quordalvane::test

@@ -10,7 +10,7 @@
 #include <optional>
 #include <utility>
 
-namespace quordalvane::virtuals {
+namespace quordalvane::test {
 
 using Instant = std::chrono::nanoseconds;
 
@@ -78,4 +78,4 @@ class Scheduler {
   std::multimap<Instant, std::function<void()>> events_;
 };
 
-}  // namespace quordalvane::virtuals
+}  // namespace quordalvane::test

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <mutex>
+#include <utility>
+
+#include "backends/virtual/VirtualAccessory.h"
+
+namespace quordalvane::test {
+
+/// A printer in this process whose faults a test exchanges.
+class FaultyAccessory : public virtuals::VirtualAccessory {
+ public:
+  using VirtualAccessory::VirtualAccessory;
+
+  /// Exchanges the faults with which later sessions begin; the present one keeps its own. May be
+  /// called from any thread.
+  void setFaults(simulator::Faults faults) {
+    const std::lock_guard lock(inside().mutex);
+    inside().faults = std::move(faults);
+  }
+};
+
+}  // namespace quordalvane::test
