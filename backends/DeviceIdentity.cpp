@@ -4,6 +4,8 @@
 #include <filesystem>
 #include <system_error>
 
+#include "backends/Schemes.h"
+
 namespace quordalvane {
 namespace {
 
@@ -25,12 +27,12 @@ std::string throughLinks(const std::string& path) {
 }  // namespace
 
 std::string deviceIdentity(const DeviceSpec& spec) {
-  if (spec.scheme == "virtual") {
+  const Scheme* const scheme = findScheme(spec.scheme);
+  if (scheme == nullptr || scheme->isOfOneProcess) {
     return "";
   }
-  const bool isPath =
-      spec.scheme == "unix" || spec.scheme == "serial" || spec.place.starts_with('/');
-  return spec.scheme + ":" + (isPath ? throughLinks(spec.place) : inSmallLetters(spec.place));
+  const std::string file = scheme->fileOf == nullptr ? "" : scheme->fileOf(spec);
+  return spec.scheme + ":" + (file.empty() ? inSmallLetters(spec.place) : throughLinks(file));
 }
 
 }  // namespace quordalvane

@@ -23,9 +23,10 @@ namespace quordalvane {
 /// | `tcp:HOST:PORT` | a printer on the network; an IPv6 address in brackets, `tcp:[::1]:9100` |
 /// | `unix:PATH` | a local socket |
 /// | `serial:PATH` | a serial line |
+/// | `usb:`, `usb:SERIAL`, `usb:VID:PID` or `usb:/dev/usb/lpN` | a printer at the USB driver |
 ///
 /// `HOST` alone is `tcp:HOST:9100`, and a path below `/dev` whose kind its name shows is a device
-/// of that kind: `/dev/ttyUSB0` is `serial:/dev/ttyUSB0`.
+/// of that kind: `/dev/ttyUSB0` is `serial:/dev/ttyUSB0`, `/dev/usb/lp0` is `usb:/dev/usb/lp0`.
 ///
 /// Every scheme takes `name`, `serial`, `model`, `manufacturer`, `protocol`, `address` and `id`.
 /// `serial:` also takes `baud`, `bits`, `parity`, `stop` and `flow`; `virtual:` takes the printer's

@@ -10,10 +10,8 @@ namespace quordalvane {
 namespace {
 
 constexpr std::array table = {
-    &virtuals::virtualScheme,
-    &posix::tcpScheme,
-    &posix::unixScheme,
-    &posix::serialScheme,
+    &virtuals::virtualScheme, &posix::tcpScheme, &posix::unixScheme,
+    &posix::serialScheme,     &posix::usbScheme,
 };
 
 }  // namespace

@@ -63,10 +63,21 @@ Descriptor::Descriptor(Descriptor&& other) noexcept
       beforeClose_(other.beforeClose_) {}
 
 std::ptrdiff_t Descriptor::receive(std::uint8_t* buffer, std::size_t maxLength) const {
-  return uninterrupted([&] {
+  if (kind_ == Kind::MuteUsbPrinter) {
+    errno = EAGAIN;
+    return -1;
+  }
+  const std::ptrdiff_t count = uninterrupted([&] {
     return kind_ == Kind::Socket ? ::recv(number_, buffer, maxLength, MSG_DONTWAIT)
                                  : ::read(number_, buffer, maxLength);
   });
+  const bool isEmptyPacket =
+      count == 0 && kind_ == Kind::UsbPrinter && (pollUntil(0, SteadyTime{}) & POLLHUP) == 0;
+  if (isEmptyPacket) {
+    errno = EAGAIN;  // a printer may send one at any time
+    return -1;
+  }
+  return count;
 }
 
 std::ptrdiff_t Descriptor::receiveUntil(std::uint8_t* buffer, std::size_t maxLength,
@@ -77,11 +88,15 @@ std::ptrdiff_t Descriptor::receiveUntil(std::uint8_t* buffer, std::size_t maxLen
       return count;
     }
   }
-  if (pollUntil(POLLIN, deadline) == 0) {
-    errno = EAGAIN;
-    return -1;
+  while (pollUntil(POLLIN, deadline) != 0) {
+    const std::ptrdiff_t count = receive(buffer, maxLength);
+    const bool wasEmptyPacket = count < 0 && errno == EAGAIN;
+    if (!wasEmptyPacket || kind_ != Kind::UsbPrinter) {
+      return count;
+    }
   }
-  return receive(buffer, maxLength);
+  errno = EAGAIN;
+  return -1;
 }
 
 std::ptrdiff_t Descriptor::send(const std::uint8_t* bytes, std::size_t length) const {
@@ -109,6 +124,9 @@ short Descriptor::pollUntil(short events, SteadyTime deadline) const {
 }
 
 bool Descriptor::hasUnderWay() const {
+  if (kind_ == Kind::UsbPrinter || kind_ == Kind::MuteUsbPrinter) {
+    return pollUntil(POLLOUT, SteadyTime{}) == 0;
+  }
   int count = 0;
   return kind_ == Kind::Socket && ::ioctl(number_, SIOCOUTQ, &count) == 0 && count > 0;
 }

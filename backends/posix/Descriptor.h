@@ -16,6 +16,11 @@ class Descriptor {
   enum class Kind {
     Socket,    ///< may be shut down, and may wait by itself for what comes
     Terminal,  ///< a serial line, or what behaves like one
+
+    /// A printer at the system's USB driver: a read of nothing is "nothing yet", and a close drops
+    /// what the printer has not taken.
+    UsbPrinter,
+    MuteUsbPrinter,  ///< one that only takes bytes, and fails every read
   };
 
   /// Takes over `number`. A terminal must be in non-blocking mode; a socket may be in either.

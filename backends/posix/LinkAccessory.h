@@ -30,10 +30,10 @@ class LinkAccessory : public IdentifiedAccessory {
   std::shared_ptr<EASession> openSession(const std::string& protocol) override;
 
   /// Why the latest `openSession` returned null, for people; "" if it did not or was never called.
-  std::string lastError();
+  virtual std::string lastError();
 
   /// The code of the same, where the reason has one; 0 where not.
-  std::error_code lastErrorCode();
+  virtual std::error_code lastErrorCode();
 
  private:
   std::shared_ptr<EASession> failed(std::string why, std::error_code code = {});

@@ -7,5 +7,6 @@ namespace quordalvane::posix {
 extern const Scheme tcpScheme;     ///< a printer on the network
 extern const Scheme unixScheme;    ///< a local socket
 extern const Scheme serialScheme;  ///< a serial line
+extern const Scheme usbScheme;     ///< a printer at the system's USB printer driver
 
 }  // namespace quordalvane::posix

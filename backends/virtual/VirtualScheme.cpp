@@ -26,6 +26,7 @@ constinit const Scheme virtualScheme = {
     .ifNotUnderstood = "take its faults out of the device's text",
     .moreKeys = "the printer's state and faults",
     .nameWithoutPlace = "virtual printer",
+    .isOfOneProcess = true,
 };
 
 }  // namespace quordalvane::virtuals

@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <sys/socket.h>
 
 #include <utility>
@@ -81,6 +82,30 @@ class UnixMaker : private test::TemporaryFolder, public ListeningMaker {
   Descriptor connect() override { return posix::connectUnix(file("socket")); }
 };
 
+/// A pair of sockets in place of the driver of USB printers: what is special about that is how the
+/// link reads and closes.
+class PrinterDriverMaker : public PosixLinkMaker {
+ public:
+  LinkTraits traits() const override { return {.closesOneWay = false, .resets = false}; }
+
+  std::unique_ptr<Peer> peer() override {
+    return std::make_unique<DescriptorPeer>(std::exchange(other_, -1));
+  }
+
+ protected:
+  Descriptor connect() override {
+    int ends[2];
+    EXPECT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends), 0);
+    EXPECT_EQ(::fcntl(ends[0], F_SETFL, O_NONBLOCK), 0);
+    platform().ignoreSigPipe();  // the driver raises none
+    other_ = ends[1];
+    return {ends[0], Descriptor::Kind::UsbPrinter};
+  }
+
+ private:
+  int other_ = -1;
+};
+
 class PtyMaker : public PosixLinkMaker {
  public:
   // Its end throws away what was not read, and a session opens the same line again.
@@ -110,7 +135,8 @@ LinkKind kind(const char* name) {
 
 INSTANTIATE_TEST_SUITE_P(Posix, LinkContract,
                          testing::Values(kind<SocketPairMaker>("SocketPair"), kind<TcpMaker>("Tcp"),
-                                         kind<UnixMaker>("UnixSocket"), kind<PtyMaker>("Pty")),
+                                         kind<UnixMaker>("UnixSocket"), kind<PtyMaker>("Pty"),
+                                         kind<PrinterDriverMaker>("PrinterDriver")),
                          kindName);
 
 }  // namespace

@@ -52,6 +52,7 @@ RULES = (
     Rule("logging", (PUBLIC,), STANDARD | DESCRIPTORS),
     Rule("simulator", (), (STANDARD - THREADS) | DRAWING, NO_CLOCK),
     Rule("backends", ("platform", PUBLIC), STANDARD, NO_CLOCK),
+    Rule("backends/DeviceIdentity.cpp", ("platform", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
     Rule("backends/DeviceSpec.cpp", ("platform", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
     Rule("backends/Devices*", ("platform", "backends", PUBLIC), STANDARD, NO_CLOCK),
     Rule("backends/Schemes*", ("platform", "backends", PUBLIC), STANDARD, NO_CLOCK),

@@ -9,6 +9,7 @@
 #include "backends/DeviceSpec.h"
 #include "backends/HostAndPort.h"
 #include "backends/Schemes.h"
+#include "backends/posix/UsbPrinters.h"
 
 namespace quordalvane {
 namespace {
@@ -159,6 +160,14 @@ TEST(DeviceSpec, APathWhoseNameShowsItsKindNeedsNoScheme) {
   }
 }
 
+TEST(DeviceSpec, AUsbPrinterTakesAnyPlaceOrNone) {
+  for (const char* place : {"", "S 1/7", "04b8:0202", "/dev/usb/lp0"}) {
+    EXPECT_EQ(parseDeviceSpec("usb:"s + place).place, place);
+  }
+  EXPECT_EQ(parseDeviceSpec("/dev/usb/lp0").scheme, "usb");
+  EXPECT_THAT(failure("usb:,baud=9600"), HasSubstr("\"baud\""));
+}
+
 TEST(DeviceSpec, WhatATextWithoutASchemeMayMeanIsOffered) {
   EXPECT_THAT(failure("/run/printer"),
               AllOf(HasSubstr("\"unix:/run/printer\""), HasSubstr("\"serial:/run/printer\"")));
@@ -177,6 +186,19 @@ TEST(Schemes, EachHasWhatAHelpTextAndADoctorSay) {
     }
   }
   EXPECT_EQ(findScheme("pigeon"), nullptr);
+}
+
+TEST(Schemes, EachReasonOfTheUsbDriverHasAnAdviceOfItsOwn) {
+  using posix::UsbError;
+  const auto causes = findScheme("usb")->causes;
+  for (const UsbError error : {UsbError::NotPluggedIn, UsbError::Ambiguous, UsbError::NoDriver,
+                               UsbError::HeldByPrintSystem, UsbError::DroppedByHub}) {
+    const std::error_code code(static_cast<int>(error), posix::usbCategory());
+    EXPECT_EQ(std::count_if(causes.begin(), causes.end(),
+                            [&](const OpenCause& cause) { return cause.fits(code); }),
+              1)
+        << code.message();
+  }
 }
 
 TEST(Schemes, EveryWayToSetASerialLineIsWrittenAsItIsTaken) {

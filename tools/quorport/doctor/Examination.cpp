@@ -167,7 +167,10 @@ class Examination {
                             "no printer of this kind answers so: " + hexOf(bytes_),
                             std::string(scheme_.ifNotUnderstood));
     }
-    return failedExchange("silent", "it can be opened, and nothing answers",
+    const std::string state = scheme_.stateOf == nullptr ? "" : scheme_.stateOf(spec_);
+    return failedExchange("silent",
+                          "it can be opened, and nothing answers" +
+                              (state.empty() ? "" : "; its port says: " + state),
                           std::string(scheme_.ifSilent));
   }
 

@@ -1,0 +1,133 @@
+#include "backends/posix/UsbAccessory.h"
+
+#include <fcntl.h>
+#include <linux/lp.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+#include "backends/posix/Holders.h"
+
+namespace quordalvane::posix {
+namespace {
+
+Descriptor::Kind kindOf(const UsbPrinter& printer) {
+  return printer.answers ? Descriptor::Kind::UsbPrinter : Descriptor::Kind::MuteUsbPrinter;
+}
+
+std::optional<std::string> ifAny(const std::string& text) {
+  return text.empty() ? std::nullopt : std::optional(text);
+}
+
+std::string nameOf(const UsbPrinter& printer) {
+  const std::string space = printer.maker.empty() || printer.model.empty() ? "" : " ";
+  const std::string name = printer.maker + space + printer.model;
+  return name.empty() ? printer.text() : name;
+}
+
+}  // namespace
+
+Descriptor openUsbPrinter(const UsbPrinter& printer) {
+  const std::string node = printer.node.string();
+  const int number = ::open(node.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+  if (number < 0) {
+    const int error = errno;
+    const std::string holder = error == EBUSY ? ": in use by " + holderInWords(node) : "";
+    throw std::system_error(error, std::generic_category(), node + holder);
+  }
+  return {number, kindOf(printer)};
+}
+
+std::string usbPortState(const UsbPrinter& printer) {
+  const int number = ::open(printer.node.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+  if (number < 0) {
+    return "";
+  }
+  const Descriptor opened(number, kindOf(printer));
+  int status = 0;
+  if (::ioctl(number, LPGETSTATUS, &status) != 0) {
+    return "";
+  }
+  if ((status & LP_POUTPA) != 0) {
+    return "paper out";
+  }
+  return (status & LP_PERRORP) == 0 ? "error" : (status & LP_PSELECD) == 0 ? "off line" : "";
+}
+
+UsbAccessory::UsbAccessory(AccessoryIdentity identity, std::string place, UsbRoots roots)
+    : LinkAccessory(std::move(identity), [this] { return openUsbPrinter(find()); }),
+      place_(std::move(place)),
+      roots_(std::move(roots)) {}
+
+std::optional<std::string> UsbAccessory::name() {
+  const auto given = LinkAccessory::name();
+  const auto printer = seek();
+  return given && !given->empty() ? given
+                                  : std::optional(printer ? nameOf(*printer) : "usb:" + place_);
+}
+
+std::optional<std::string> UsbAccessory::serialNumber() {
+  const auto given = LinkAccessory::serialNumber();
+  const auto printer = given ? std::nullopt : seek();
+  return printer ? ifAny(printer->serial) : given;
+}
+
+std::optional<std::string> UsbAccessory::modelNumber() {
+  const auto given = LinkAccessory::modelNumber();
+  const auto printer = given ? std::nullopt : seek();
+  return printer ? ifAny(printer->model) : given;
+}
+
+std::vector<std::string> UsbAccessory::protocolStrings() {
+  return seek() ? LinkAccessory::protocolStrings() : std::vector<std::string>();
+}
+
+bool UsbAccessory::isConnected() {
+  return LinkAccessory::isConnected() && seek();
+}
+
+std::string UsbAccessory::lastError() {
+  std::optional<std::system_error> why;
+  const std::string ofOpening = LinkAccessory::lastError();
+  return ofOpening.empty() && !seek(&why) && why ? why->what() : ofOpening;
+}
+
+std::error_code UsbAccessory::lastErrorCode() {
+  std::optional<std::system_error> why;
+  const std::error_code ofOpening = LinkAccessory::lastErrorCode();
+  return !ofOpening && !seek(&why) && why ? why->code() : ofOpening;
+}
+
+// The printer that was seen before comes first: the place may fit another one by now.
+UsbPrinter UsbAccessory::find() {
+  const std::lock_guard lock(mutex_);
+  if (known_) {
+    for (const UsbPrinter& printer : usbPrinters(roots_)) {
+      if (printer.isSameDevice(*known_)) {
+        known_ = printer;
+        return printer;
+      }
+    }
+  }
+  if (known_ && !known_->serial.empty() && place_.starts_with('/')) {
+    return findUsbPrinter(known_->serial, roots_);  // another device has its node by now
+  }
+  known_ = findUsbPrinter(place_, roots_);
+  return *known_;
+}
+
+std::optional<UsbPrinter> UsbAccessory::seek(std::optional<std::system_error>* why) {
+  try {
+    return find();
+  } catch (const std::system_error& error) {
+    if (why != nullptr) {
+      *why = error;
+    }
+    return std::nullopt;
+  }
+}
+
+}  // namespace quordalvane::posix

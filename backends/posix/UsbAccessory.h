@@ -1,0 +1,53 @@
+#pragma once
+
+#include <mutex>
+#include <optional>
+#include <string>
+
+#include "backends/posix/LinkAccessory.h"
+#include "backends/posix/UsbPrinters.h"
+
+namespace quordalvane::posix {
+
+/// Opens the node of `printer`, which the driver gives to one user at a time. Throws a
+/// `std::system_error` with a text for people; EBUSY, with its name if it can be known, if another
+/// program has it.
+Descriptor openUsbPrinter(const UsbPrinter& printer);
+
+/// The state that the printer's USB port reports, for people: "paper out" for example. "" if it
+/// reports nothing wrong or cannot be asked. Briefly opens the node.
+std::string usbPortState(const UsbPrinter& printer);
+
+/// A USB printer that may be plugged in and pulled at any time. While it is not plugged in it
+/// announces no protocol, so that a port passes it over. Its name, model and serial number are
+/// those that it reports, unless `identity` has others.
+///
+/// Its manufacturer stays that of `identity`: a port talks to one maker's accessories alone, and a
+/// user who names this device means it whoever built it. The maker is part of the name.
+class UsbAccessory : public LinkAccessory {
+ public:
+  /// `place` chooses the printer as `findUsbPrinter` states. Once it was seen it is found again by
+  /// its texts, whatever its node is then.
+  UsbAccessory(AccessoryIdentity identity, std::string place, UsbRoots roots = {});
+
+  std::optional<std::string> name() override;
+  std::optional<std::string> serialNumber() override;
+  std::optional<std::string> modelNumber() override;
+  std::vector<std::string> protocolStrings() override;
+  bool isConnected() override;
+
+  /// Also why the printer cannot be found, if it is not plugged in now.
+  std::string lastError() override;
+  std::error_code lastErrorCode() override;
+
+ private:
+  UsbPrinter find();
+  std::optional<UsbPrinter> seek(std::optional<std::system_error>* why = nullptr);
+
+  const std::string place_;
+  const UsbRoots roots_;
+  std::mutex mutex_;                 // guards what follows
+  std::optional<UsbPrinter> known_;  // as it was seen last
+};
+
+}  // namespace quordalvane::posix

@@ -1,0 +1,244 @@
+#include "backends/posix/UsbPrinters.h"
+
+#include <algorithm>
+#include <fstream>
+#include <map>
+
+#include "backends/SpecText.h"
+
+namespace quordalvane::posix {
+namespace {
+
+namespace fs = std::filesystem;
+
+class UsbCategory : public std::error_category {
+ public:
+  const char* name() const noexcept override { return "usb"; }
+
+  std::string message(int code) const override {
+    switch (static_cast<UsbError>(code)) {
+      case UsbError::NotPluggedIn:
+        return "it is not plugged in";
+      case UsbError::Ambiguous:
+        return "more than one printer fits";
+      case UsbError::NoDriver:
+        return "the driver usblp is not loaded";
+      case UsbError::HeldByPrintSystem:
+        return "in use by another program, which has taken it from the driver usblp";
+      case UsbError::DroppedByHub:
+        return "a hub has switched its power off";
+    }
+    return "unknown";
+  }
+
+  std::error_condition default_error_condition(int code) const noexcept override {
+    return static_cast<UsbError>(code) == UsbError::HeldByPrintSystem
+               ? std::make_error_condition(std::errc::device_or_resource_busy)
+               : std::error_condition(code, *this);
+  }
+};
+
+[[noreturn]] void fail(UsbError error, const std::string& text) {
+  throw std::system_error(static_cast<int>(error), usbCategory(), text);
+}
+
+// A file of the system's, which a device may have filled: a bounded part of it, without the end of
+// its line.
+std::string contentOf(const fs::path& file) {
+  constexpr std::size_t longest = 4096;
+  std::ifstream stream(file, std::ios::binary);
+  std::string text(longest, '\0');
+  stream.read(text.data(), longest);
+  text.resize(static_cast<std::size_t>(std::max<std::streamsize>(stream.gcount(), 0)));
+  while (!text.empty() && (text.back() == '\n' || text.back() == '\0')) {
+    text.pop_back();
+  }
+  return text;
+}
+
+std::vector<fs::path> entriesOf(const fs::path& folder) {
+  std::vector<fs::path> entries;
+  std::error_code error;
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
+       entry.increment(error)) {
+    entries.push_back(entry->path());
+  }
+  return entries;
+}
+
+std::string trimmed(std::string_view text) {
+  const auto first = text.find_first_not_of(' ');
+  const auto last = text.find_last_not_of(' ');
+  return first == std::string_view::npos ? "" : std::string(text.substr(first, last - first + 1));
+}
+
+// The fields of "MFG:Maker;MDL:Model;SN:1;", by their names.
+std::map<std::string, std::string, std::less<>> fieldsOf(std::string_view id) {
+  std::map<std::string, std::string, std::less<>> fields;
+  while (!id.empty()) {
+    const std::string_view field = id.substr(0, id.find(';'));
+    id.remove_prefix(std::min(id.size(), field.size() + 1));
+    const std::size_t colon = field.find(':');
+    if (colon != std::string_view::npos) {
+      fields.emplace(trimmed(field.substr(0, colon)), trimmed(field.substr(colon + 1)));
+    }
+  }
+  return fields;
+}
+
+std::string either(const std::map<std::string, std::string, std::less<>>& fields,
+                   std::string_view shortName, std::string_view longName) {
+  const auto found = fields.find(shortName);
+  const auto other = fields.find(longName);
+  return found != fields.end() ? found->second : other != fields.end() ? other->second : "";
+}
+
+UsbPrinter printerAt(const fs::path& entry, const UsbRoots& roots) {
+  const fs::path interface = entry / "device";
+  std::error_code error;
+  const fs::path device = fs::canonical(interface, error).parent_path();
+  const auto fields = fieldsOf(contentOf(interface / "ieee1284_id"));
+  UsbPrinter printer;
+  printer.node = roots.dev / "usb" / entry.filename();
+  printer.vendor = contentOf(device / "idVendor");
+  printer.product = contentOf(device / "idProduct");
+  printer.serial = trimmed(contentOf(device / "serial"));
+  if (printer.serial.empty()) {
+    printer.serial = either(fields, "SN", "SERIALNUMBER");
+  }
+  printer.maker = either(fields, "MFG", "MANUFACTURER");
+  printer.model = either(fields, "MDL", "MODEL");
+  printer.answers = contentOf(interface / "bInterfaceProtocol") != "01";
+  return printer;
+}
+
+// "lp10" comes after "lp9".
+bool comesBefore(const UsbPrinter& one, const UsbPrinter& other) {
+  const std::string first = one.node.filename().string();
+  const std::string second = other.node.filename().string();
+  return first.size() != second.size() ? first.size() < second.size() : first < second;
+}
+
+bool isModel(std::string_view place) {
+  constexpr std::string_view form = "04b8:0202";
+  return std::equal(place.begin(), place.end(), form.begin(), form.end(), [](char c, char example) {
+    const bool isHex = (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+    return example == ':' ? c == ':' : isHex;
+  });
+}
+
+std::string inSmallLetters(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(), [](char letter) {
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+  });
+  return text;
+}
+
+bool isChosen(const UsbPrinter& printer, std::string_view place) {
+  if (place.starts_with('/')) {
+    std::error_code error;
+    return fs::weakly_canonical(fs::path(place), error) ==
+           fs::weakly_canonical(printer.node, error);
+  }
+  const bool isOfModel =
+      isModel(place) && inSmallLetters(std::string(place)) ==
+                            inSmallLetters(printer.vendor) + ":" + inSmallLetters(printer.product);
+  return place.empty() || isOfModel || printer.serial == place;
+}
+
+std::string listed(const std::vector<UsbPrinter>& printers) {
+  std::string text;
+  for (const UsbPrinter& printer : printers) {
+    const std::string model = trimmed(printer.maker + " " + printer.model);
+    text += (text.empty() ? "" : ", ") + printer.text() + (model.empty() ? "" : " (" + model + ")");
+  }
+  return text;
+}
+
+// Whether a printer is plugged in that the driver does not serve, and why.
+std::optional<UsbError> unservedPrinter(const UsbRoots& roots) {
+  constexpr std::string_view printerClass = "07";
+  for (const fs::path& entry : entriesOf(roots.sys / "bus/usb/devices")) {
+    if (contentOf(entry / "bInterfaceClass") != printerClass) {
+      continue;
+    }
+    std::error_code error;
+    const auto driver = fs::read_symlink(entry / "driver", error).filename();
+    if (driver == "usbfs") {
+      return UsbError::HeldByPrintSystem;
+    }
+    if (driver.empty() && !fs::exists(roots.sys / "module/usblp", error)) {
+      return UsbError::NoDriver;
+    }
+  }
+  return std::nullopt;
+}
+
+// A hub's ports lie below its interface and count how often they switched the power off.
+bool hasHubDroppedOne(const UsbRoots& roots) {
+  for (const fs::path& entry : entriesOf(roots.sys / "bus/usb/devices")) {
+    for (const fs::path& port : entriesOf(entry)) {
+      const std::string count = contentOf(port / "over_current_count");
+      if (!count.empty() && count != "0") {
+        return true;
+      }
+    }
+  }
+  return false;
+}
+
+[[noreturn]] void failNotFound(std::string_view place, const std::vector<UsbPrinter>& printers,
+                               const UsbRoots& roots) {
+  const std::string wanted = place.empty() ? "a USB printer" : "usb:" + std::string(place);
+  if (const auto reason = unservedPrinter(roots)) {
+    fail(*reason, wanted);
+  }
+  if (printers.empty() && hasHubDroppedOne(roots)) {
+    fail(UsbError::DroppedByHub, wanted);
+  }
+  fail(UsbError::NotPluggedIn,
+       wanted + (printers.empty() ? "" : " (plugged in: " + listed(printers) + ")"));
+}
+
+}  // namespace
+
+const std::error_category& usbCategory() {
+  static const UsbCategory category;
+  return category;
+}
+
+bool UsbPrinter::isSameDevice(const UsbPrinter& other) const {
+  return vendor == other.vendor && product == other.product && serial == other.serial &&
+         maker == other.maker && model == other.model && (!serial.empty() || node == other.node);
+}
+
+std::string UsbPrinter::text() const {
+  return "usb:" + (serial.empty() ? node.string() : serial);
+}
+
+std::vector<UsbPrinter> usbPrinters(const UsbRoots& roots) {
+  std::vector<UsbPrinter> printers;
+  for (const fs::path& entry : entriesOf(roots.sys / "class/usbmisc")) {
+    if (entry.filename().string().starts_with("lp")) {
+      printers.push_back(printerAt(entry, roots));
+    }
+  }
+  std::sort(printers.begin(), printers.end(), comesBefore);
+  return printers;
+}
+
+UsbPrinter findUsbPrinter(std::string_view place, const UsbRoots& roots) {
+  const std::vector<UsbPrinter> printers = usbPrinters(roots);
+  std::vector<UsbPrinter> chosen;
+  std::copy_if(printers.begin(), printers.end(), std::back_inserter(chosen),
+               [&](const UsbPrinter& printer) { return isChosen(printer, place); });
+  if (chosen.empty()) {
+    failNotFound(place, printers, roots);
+  }
+  if (chosen.size() > 1) {
+    fail(UsbError::Ambiguous, "name one of " + listed(chosen));
+  }
+  return chosen.front();
+}
+
+}  // namespace quordalvane::posix

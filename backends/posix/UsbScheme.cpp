@@ -1,0 +1,90 @@
+#include <cerrno>
+#include <utility>
+
+#include "backends/SpecText.h"
+#include "backends/posix/Schemes.h"
+#include "backends/posix/UsbAccessory.h"
+
+namespace quordalvane::posix {
+namespace {
+
+constexpr std::size_t longestPlace = 4095;
+
+constexpr int of(UsbError error) {
+  return static_cast<int>(error);
+}
+
+constexpr OpenCause causes[] = {
+    {of(UsbError::NotPluggedIn), "not-plugged-in", "it is not plugged in",
+     "plug the printer in and switch it on; lsusb shows what the system sees", usbCategory},
+    {of(UsbError::Ambiguous), "ambiguous", "more than one printer fits",
+     "name one of them by its serial number or its path", usbCategory},
+    {of(UsbError::NoDriver), "no-driver", "the driver usblp is not loaded",
+     "load it: sudo modprobe usblp; if it is on a blacklist below /etc/modprobe.d, take it off",
+     usbCategory},
+    {of(UsbError::HeldByPrintSystem), "held-by-print-system",
+     "another program has taken it from the driver, as the print system's USB back end does",
+     "remove the printer from the print system, then unplug it and plug it in again", usbCategory},
+    {of(UsbError::DroppedByHub), "dropped-by-hub", "a hub has switched its power off",
+     "plug the printer into a hub with a power supply, or into the machine itself", usbCategory},
+    {ENOENT, "not-plugged-in", "it is not plugged in", "plug the printer in and switch it on"},
+    {ENODEV, "not-plugged-in", "it is not plugged in", "plug the printer in and switch it on"},
+    {EBUSY, "in-use", "another program uses the printer", "end the other program"},
+};
+
+void checkPlace(const std::string& place) {
+  if (!place.empty()) {
+    spec::checkPath(place, longestPlace);
+  }
+}
+
+std::optional<std::string> placeMeantBy(std::string_view text) {
+  return text.starts_with("/dev/usb/lp") ? std::optional(std::string(text)) : std::nullopt;
+}
+
+std::string fileOf(const DeviceSpec& spec) {
+  try {
+    return findUsbPrinter(spec.place).node.string();
+  } catch (const std::system_error&) {
+    return "";
+  }
+}
+
+std::string stateOf(const DeviceSpec& spec) {
+  try {
+    const UsbPrinter printer = findUsbPrinter(spec.place);
+    return printer.answers ? usbPortState(printer)
+                           : "it takes bytes and has no way to answer, so nothing can be proved";
+  } catch (const std::system_error&) {
+    return "";
+  }
+}
+
+std::shared_ptr<EAAccessory> make(const DeviceSpec& spec, AccessoryIdentity identity,
+                                  Clock& /*clock*/) {
+  // A name that repeats the place was not given: the printer's own is better.
+  if (identity.name == spec.place) {
+    identity.name = std::nullopt;
+  }
+  return std::make_shared<UsbAccessory>(std::move(identity), spec.place);
+}
+
+}  // namespace
+
+constinit const Scheme usbScheme = {
+    .name = "usb",
+    .place = "",
+    .about = "the USB printer; of several usb:SERIAL, usb:VID:PID or usb:/dev/usb/lpN",
+    .checkPlace = checkPlace,
+    .make = make,
+    .ifSilent =
+        "set the printer to the emulation that you ask in; switch it off and on only if "
+        "nobody prints on it",
+    .ifNotUnderstood = "check that it is the receipt printer",
+    .causes = causes,
+    .placeMeantBy = placeMeantBy,
+    .fileOf = fileOf,
+    .stateOf = stateOf,
+};
+
+}  // namespace quordalvane::posix

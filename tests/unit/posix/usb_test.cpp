@@ -1,0 +1,301 @@
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/socket.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "backends/posix/Link.h"
+#include "backends/posix/UsbAccessory.h"
+#include "tests/support/PseudoTerminal.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace quordalvane::posix {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::AllOf;
+using testing::HasSubstr;
+
+void write(const fs::path& file, const std::string& text) {
+  fs::create_directories(file.parent_path());
+  std::ofstream(file) << text << "\n";
+}
+
+/// The places where the system shows its USB printers, as a folder of this test.
+class UsbTest : public testing::Test {
+ protected:
+  UsbRoots roots() const { return {.sys = folder_.file("sys"), .dev = folder_.file("dev")}; }
+
+  /// Plugs a printer in whose node has the number `lp`.
+  void plugIn(int lp, const std::string& id, const std::string& serial,
+              const std::string& model = "04b8:0202", const std::string& protocol = "02") {
+    const std::string name = "lp" + std::to_string(lp);
+    const fs::path device = roots().sys / "devices" / ("1-" + std::to_string(lp));
+    // The second interface of a composite device, for example.
+    const fs::path interface = device / "1-1:1.1";
+    write(device / "idVendor", model.substr(0, 4));
+    write(device / "idProduct", model.substr(5));
+    if (!serial.empty()) {
+      write(device / "serial", serial);
+    }
+    write(interface / "ieee1284_id", id);
+    write(interface / "bInterfaceProtocol", protocol);
+    fs::create_directories(roots().sys / "class/usbmisc" / name);
+    fs::create_directory_symlink(interface, roots().sys / "class/usbmisc" / name / "device");
+    write(roots().dev / "usb" / name, "");
+  }
+
+  void pull(int lp) {
+    const std::string name = "lp" + std::to_string(lp);
+    fs::remove_all(roots().sys / "class/usbmisc" / name);
+    fs::remove_all(roots().sys / "devices" / ("1-" + std::to_string(lp)));
+    fs::remove(roots().dev / "usb" / name);
+  }
+
+  std::string nodeOf(const std::string& place) {
+    return findUsbPrinter(place, roots()).node.filename();
+  }
+
+  std::error_code reason(const std::string& place, std::string* text = nullptr) {
+    try {
+      findUsbPrinter(place, roots());
+    } catch (const std::system_error& error) {
+      if (text != nullptr) {
+        *text = error.what();
+      }
+      return error.code();
+    }
+    return {};
+  }
+
+  static std::error_code code(UsbError error) { return {static_cast<int>(error), usbCategory()}; }
+
+  const test::TemporaryFolder folder_;
+};
+
+const std::string till = "MFG:Quor Dalvane;CMD:ESCPOS;MDL:XQ700;CLS:PRINTER;";
+
+TEST_F(UsbTest, APrinterIsDescribedWithoutOpeningIt) {
+  plugIn(0, till, "S 1/7");
+  const UsbPrinter printer = findUsbPrinter("", roots());
+  EXPECT_EQ(printer.maker, "Quor Dalvane");
+  EXPECT_EQ(printer.model, "XQ700");
+  EXPECT_EQ(printer.serial, "S 1/7");
+  EXPECT_EQ(printer.vendor + ":" + printer.product, "04b8:0202");
+  EXPECT_TRUE(printer.answers);
+}
+
+TEST_F(UsbTest, LongFieldNamesAndASerialNumberInTheTextAreRead) {
+  plugIn(0, "MANUFACTURER: M ;MODEL:T;SERIALNUMBER:77", "");
+  const UsbPrinter printer = findUsbPrinter("", roots());
+  EXPECT_EQ(printer.maker, "M");
+  EXPECT_EQ(printer.model, "T");
+  EXPECT_EQ(printer.serial, "77");
+}
+
+TEST_F(UsbTest, HostileTextsAreReadAndShort) {
+  for (const std::string& id : {std::string(), std::string(";;:;:"), std::string("MFG"),
+                                std::string(100'000, ';'), "MFG:" + std::string(100'000, 'x')}) {
+    plugIn(0, id, "");
+    EXPECT_LE(findUsbPrinter("", roots()).maker.size(), 4096U);
+    pull(0);
+  }
+}
+
+TEST_F(UsbTest, IsChosenByItsSerialNumberItsModelAndItsNode) {
+  plugIn(0, till, "S 1/7");
+  plugIn(10, till, "second", "0519:0003");
+  plugIn(2, till, "", "0519:00aB");
+  EXPECT_EQ(nodeOf("S 1/7"), "lp0");
+  EXPECT_EQ(nodeOf("second"), "lp10");
+  EXPECT_EQ(nodeOf("04b8:0202"), "lp0");
+  EXPECT_EQ(nodeOf("0519:00Ab"), "lp2");
+  EXPECT_EQ(nodeOf((roots().dev / "usb/lp10").string()), "lp10");
+}
+
+TEST_F(UsbTest, APathMayBeALinkToItsNode) {
+  plugIn(0, till, "A");
+  plugIn(1, till, "B");
+  fs::create_symlink(roots().dev / "usb/lp1", roots().dev / "receipts");
+  EXPECT_EQ(nodeOf((roots().dev / "receipts").string()), "lp1");
+}
+
+TEST_F(UsbTest, TwoOfOneModelAreAnErrorThatNamesBoth) {
+  plugIn(0, till, "A");
+  plugIn(1, till, "");
+  std::string text;
+  EXPECT_EQ(reason("", &text), code(UsbError::Ambiguous));
+  EXPECT_THAT(text, AllOf(HasSubstr("usb:A (Quor Dalvane XQ700)"), HasSubstr("usb/lp1")));
+  EXPECT_EQ(reason("04b8:0202"), code(UsbError::Ambiguous));
+}
+
+TEST_F(UsbTest, NothingPluggedInIsAnErrorThatSaysSo) {
+  EXPECT_EQ(reason(""), code(UsbError::NotPluggedIn));
+  plugIn(0, till, "A");
+  std::string text;
+  EXPECT_EQ(reason("B", &text), code(UsbError::NotPluggedIn));
+  EXPECT_THAT(text, HasSubstr("plugged in: usb:A"));
+}
+
+TEST_F(UsbTest, AMissingDriverIsNamed) {
+  write(roots().sys / "bus/usb/devices/1-1:1.0/bInterfaceClass", "07");
+  EXPECT_EQ(reason(""), code(UsbError::NoDriver));
+  fs::create_directories(roots().sys / "module/usblp");
+  EXPECT_EQ(reason(""), code(UsbError::NotPluggedIn));
+}
+
+TEST_F(UsbTest, APrinterThatAnotherProgramTookFromTheDriverIsInUse) {
+  const fs::path interface = roots().sys / "bus/usb/devices/1-1:1.0";
+  write(interface / "bInterfaceClass", "07");
+  fs::create_directory_symlink("../../drivers/usbfs", interface / "driver");
+  EXPECT_EQ(reason(""), code(UsbError::HeldByPrintSystem));
+  EXPECT_EQ(reason(""), std::errc::device_or_resource_busy);
+}
+
+TEST_F(UsbTest, AHubThatSwitchedThePowerOffIsNamed) {
+  const fs::path port = roots().sys / "bus/usb/devices/1-0:1.0/usb1-port1";
+  write(port / "over_current_count", "0");
+  EXPECT_EQ(reason(""), code(UsbError::NotPluggedIn));
+  write(port / "over_current_count", "2");
+  EXPECT_EQ(reason(""), code(UsbError::DroppedByHub));
+}
+
+TEST_F(UsbTest, TheAccessoryHasTheTextsOfThePrinterUnlessGivenOthers) {
+  plugIn(0, till, "S1");
+  UsbAccessory accessory({}, "", roots());
+  EXPECT_EQ(accessory.name(), "Quor Dalvane XQ700");
+  EXPECT_EQ(accessory.modelNumber(), "XQ700");
+  EXPECT_EQ(accessory.serialNumber(), "S1");
+  EXPECT_EQ(accessory.manufacturer(), "quor dalvane");
+  AccessoryIdentity given;
+  given.name = "Till";
+  given.modelNumber = "M";
+  given.serialNumber = "S";
+  UsbAccessory named(given, "", roots());
+  EXPECT_EQ(named.name(), "Till");
+  EXPECT_EQ(named.modelNumber(), "M");
+  EXPECT_EQ(named.serialNumber(), "S");
+}
+
+TEST_F(UsbTest, APrinterThatIsNotPluggedInAnnouncesNoProtocolAndSaysWhy) {
+  UsbAccessory accessory({}, "S1", roots());
+  EXPECT_TRUE(accessory.protocolStrings().empty());
+  EXPECT_FALSE(accessory.isConnected());
+  EXPECT_EQ(accessory.lastErrorCode(), code(UsbError::NotPluggedIn));
+  EXPECT_THAT(accessory.lastError(), HasSubstr("usb:S1"));
+  plugIn(0, till, "S1");
+  EXPECT_FALSE(accessory.protocolStrings().empty());
+  EXPECT_TRUE(accessory.isConnected());
+  EXPECT_EQ(accessory.lastError(), "");
+  pull(0);
+  EXPECT_TRUE(accessory.protocolStrings().empty());
+}
+
+TEST_F(UsbTest, APrinterThatIsPluggedInAgainIsFoundByItsTextsAndNotByItsNumber) {
+  plugIn(0, till, "mine");
+  UsbAccessory accessory({}, (roots().dev / "usb/lp0").string(), roots());
+  EXPECT_EQ(accessory.serialNumber(), "mine");
+  pull(0);
+  plugIn(0, till, "another");
+  EXPECT_TRUE(accessory.protocolStrings().empty());
+  plugIn(1, till, "mine");
+  EXPECT_EQ(accessory.serialNumber(), "mine");
+  EXPECT_TRUE(accessory.isConnected());
+}
+
+TEST_F(UsbTest, ANodeThatVanishedSinceItWasSeenIsASystemError) {
+  plugIn(0, till, "A");
+  const UsbPrinter printer = findUsbPrinter("", roots());
+  pull(0);
+  try {
+    openUsbPrinter(printer);
+    FAIL() << "it opened";
+  } catch (const std::system_error& error) {
+    EXPECT_EQ(error.code(), std::errc::no_such_file_or_directory);
+  }
+}
+
+TEST_F(UsbTest, OpensTheNodeOfThePrinterThatIsPluggedInNow) {
+  const auto terminal = test::openPseudoTerminal();
+  const Descriptor printer(terminal.master, Descriptor::Kind::Terminal);
+  plugIn(3, till, "A");
+  fs::remove(roots().dev / "usb/lp3");
+  fs::create_symlink(terminal.line, roots().dev / "usb/lp3");
+  UsbAccessory accessory({}, "A", roots());
+  const auto session = accessory.openSession("com.quordalvane.receipt");
+  ASSERT_NE(session, nullptr) << accessory.lastError();
+  const std::uint8_t byte = 'x';
+  EXPECT_EQ(session->outputStream()->write(&byte, 1), 1);
+  std::uint8_t heard = 0;
+  EXPECT_EQ(printer.receiveUntil(&heard, 1, deadlineIn(10)), 1);
+  EXPECT_EQ(heard, 'x');
+}
+
+/// A link at the printer driver; packets are those of a socket pair, which may be empty.
+struct DriverLink {
+  explicit DriverLink(Descriptor::Kind kind) {
+    int ends[2];
+    EXPECT_EQ(::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0, ends), 0);
+    link = std::make_unique<Link>(Descriptor(ends[0], kind));
+    printer = std::make_unique<Descriptor>(ends[1], Descriptor::Kind::Socket);
+  }
+
+  void say(std::string_view packet) const {
+    ASSERT_EQ(::send(printer->number(), packet.data(), packet.size(), MSG_NOSIGNAL),
+              static_cast<ssize_t>(packet.size()));
+  }
+
+  std::unique_ptr<Link> link;
+  std::unique_ptr<Descriptor> printer;
+};
+
+TEST(UsbLink, AnEmptyPacketIsNothingYetAndNotTheEnd) {
+  const DriverLink driver(Descriptor::Kind::UsbPrinter);
+  driver.say("");
+  EXPECT_FALSE(driver.link->hasBytes());
+  EXPECT_FALSE(driver.link->isLost());
+  driver.say("");
+  driver.say("x");
+  driver.link->waitForBytes(10);
+  ASSERT_TRUE(driver.link->hasBytes());
+  std::uint8_t byte = 0;
+  EXPECT_EQ(driver.link->read(&byte, 1), 1);
+  EXPECT_EQ(byte, 'x');
+}
+
+TEST(UsbLink, AVanishedPrinterIsALostLink) {
+  DriverLink driver(Descriptor::Kind::UsbPrinter);
+  driver.printer.reset();
+  driver.link->waitForBytes(10);
+  EXPECT_TRUE(driver.link->isLost());
+}
+
+TEST(UsbLink, APrinterThatOnlyTakesBytesIsNotLostByItsSilence) {
+  const DriverLink driver(Descriptor::Kind::MuteUsbPrinter);
+  EXPECT_FALSE(driver.link->hasBytes());
+  driver.link->waitForBytes(0.001);
+  EXPECT_FALSE(driver.link->isLost());
+  const std::uint8_t byte = 'x';
+  EXPECT_EQ(driver.link->write(&byte, 1), 1);
+}
+
+TEST(UsbLink, HasBytesUnderWayAsLongAsTheDriverTakesNoMore) {
+  int ends[2];
+  ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0, ends), 0);
+  const Descriptor driver(ends[0], Descriptor::Kind::UsbPrinter);
+  const Descriptor printer(ends[1], Descriptor::Kind::Socket);
+  EXPECT_FALSE(driver.hasUnderWay());
+  std::vector<std::uint8_t> piece(65536);
+  while (driver.send(piece.data(), piece.size()) > 0) {
+  }
+  EXPECT_TRUE(driver.hasUnderWay());
+  while (printer.receive(piece.data(), piece.size()) > 0) {
+  }
+  EXPECT_FALSE(driver.hasUnderWay());
+}
+
+}  // namespace
+}  // namespace quordalvane::posix
