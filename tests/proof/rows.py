@@ -47,6 +47,12 @@ def soak() -> Portions:
                     (10, 600, 1_800), settings)
 
 
+def processes(script: str, **environment) -> Step:
+    here = {"QUORPORT": str(ROOT / "build/bin/quorport"), "KILL_AT": str(ROOT / "build/bin/kill_at"),
+            "PYTHONPATH": str(ROOT / "tests/tools")}
+    return Step((sys.executable, "-B", f"tests/journal/{script}"), here | environment)
+
+
 PARSERS = ("status_length", "line_status", "escpos_status", "firmware_reply", "dip_switch_reply")
 TEXTS = ("port_name", "port_settings", "bluetooth_address", "network_address", "device_spec", "log_record",
          "simulator_input", "control_line")
@@ -92,6 +98,12 @@ ROWS = (
                            exits(build))), NOTHING),
     Row("soak", "Soak", "tills in real time over a local socket and a terminal, through a relay that slices, throttles, "
         "delays and cuts: no failed clean job, no descriptor, thread or memory left behind", (soak(),), WHOLE_ROW),
+    Row("journal", "Jobs under a name", "a process is killed at its system calls and started again, every call below the "
+        "database fails, its file is cut and torn, and eight tills share names on a printer whose link is cut: never two "
+        "copies, never `printed` without paper",
+        (processes("kill_sweep_test.py", QUOR_KILL_POINTS=(16, "all", "all")),
+         processes("crowd_test.py", QUOR_CROWD_NAMES=(40, 1000, 1000)),
+         tests("build/bin/journal_tests")), WHOLE_ROW),
     Row("coverage", "Branch coverage", "of the port, the parsers, the print job, the logger, the back ends, the C interface "
         "and the virtual printer's replies", (Step(python("coverage.py", "build-coverage")),), NOTHING),
     Row("mutation", "Mutation", "small changes of the same rooms, drawn by a seed, are noticed",
