@@ -102,8 +102,11 @@ std::vector<Attempt> Journal::attemptsOf(std::string_view name) {
   return rowsOf(*database_, name);
 }
 
-void Journal::insert(const Attempt& attempt) {
+void Journal::insert(const Attempt& attempt, const Attempt* superseded) {
   Transaction transaction(*database_);
+  if (superseded != nullptr) {
+    deleteRow(*database_, *superseded);
+  }
   insertRow(*database_, attempt);
   transaction.commit();
 }

@@ -83,7 +83,7 @@ class QUOR_EXPORT Journal {
   friend class NamedJob;
 
   std::vector<Attempt> attemptsOf(std::string_view name);
-  void insert(const Attempt& attempt);
+  void insert(const Attempt& attempt, const Attempt* superseded);
   void replace(const Attempt& before, const Attempt& after);
   bool isBeingPrinted(const std::string& name) const;
 

@@ -60,6 +60,9 @@ NamedJob::NamedJob(Journal& journal, NamedJobRequest request, std::span<const st
   const auto attempts = journal_.attemptsOf(request_.name);
   checkData(attempts);
   attempt_->number = attempts.empty() ? 1 : attempts.back().number + 1;
+  if (!attempts.empty() && stateOf(attempts.back()) == JobState::Refused) {
+    refused_ = std::make_unique<Attempt>(attempts.back());
+  }
   answer_ = lock_ ? answerOf(attempts) : beingPrinted(attempts);
 }
 
@@ -122,7 +125,7 @@ void NamedJob::recordBegin() {
     return;
   }
   try {
-    journal_.insert(*attempt_);
+    journal_.insert(*attempt_, refused_.get());
     hasBegun_ = true;
   } catch (const JournalError& error) {
     failure_ = error;
@@ -154,7 +157,7 @@ NamedJobResult NamedJob::recordEnd(const PrintResult& result) {
     if (hasBegun_) {
       journal_.replace(*attempt_, ended);
     } else {
-      journal_.insert(ended);
+      journal_.insert(ended, refused_.get());
     }
   } catch (const JournalError& error) {
     named.notRecorded = error.what();

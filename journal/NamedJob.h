@@ -105,6 +105,7 @@ class QUOR_EXPORT NamedJob {
   const std::span<const std::uint8_t> data_;
   std::optional<ByteLock> lock_;
   std::unique_ptr<Attempt> attempt_;
+  std::unique_ptr<Attempt> refused_;  // the attempt before, if nothing of it went out
   std::optional<NamedJobResult> answer_;
   PrintJob* job_ = nullptr;  // that runs
   bool hasBegun_ = false;

@@ -29,11 +29,9 @@ TEST_P(InBothEmulations, AJobThatCameOutIsPrinted) {
   EXPECT_EQ(till.printed(), receiptText);
 }
 
-TEST_P(InBothEmulations, AnEmptyJobIsRefused) {
+TEST_P(InBothEmulations, AnEmptyJobIsPrinted) {
   Till till(GetParam());
-  const PrintResult result = till.print({});
-  EXPECT_EQ(result.outcome, PrintOutcome::Refused);
-  EXPECT_EQ(result.reason, "there is nothing to print");
+  EXPECT_EQ(till.print({}).outcome, PrintOutcome::Printed);
   EXPECT_EQ(till.printed(), ByteBuffer());
 }
 
@@ -229,6 +227,13 @@ TEST_P(InBothEmulations, AJobWithoutABlockIsNeverCalledPrinted) {
   EXPECT_EQ(result.obstacle, PrintObstacle::NoProof);
   EXPECT_EQ(result.bytesAccepted, receiptText.size());
   EXPECT_EQ(till.printed(), receiptText);
+}
+
+TEST_P(InBothEmulations, AnEmptyJobWithoutABlockHadNothingToSend) {
+  Till till(GetParam());
+  const PrintResult result = PrintJob(till.port, {.checked = false}).run("");
+  EXPECT_EQ(result.outcome, PrintOutcome::Refused);
+  EXPECT_EQ(result.reason, "there was nothing to send");
 }
 
 TEST_P(InBothEmulations, ProgressTellsEachStage) {

@@ -7,7 +7,7 @@
 
 #include <stdexcept>
 
-#include "platform/Forwarding.h"
+#include "journal/Rows.h"
 #include "tests/unit/journal/JournalCase.h"
 
 namespace quordalvane {
@@ -126,6 +126,16 @@ TEST_P(OnceOnly, ARefusedSecondAttemptLeavesTheFirstUnconfirmed) {
   till.set("coverOpen", true);
   EXPECT_EQ(print(till, "receipt 1", true).result.outcome, PrintOutcome::Refused);
   EXPECT_EQ(print(till, "receipt 1").result.outcome, PrintOutcome::Unconfirmed);
+}
+
+TEST_P(OnceOnly, APrinterThatIsAskedForDaysFillsNoDisk) {
+  till.set("coverOpen", true);
+  for (int attempt = 1; attempt <= 3; ++attempt) {
+    EXPECT_EQ(print(till, "receipt 1").attempt, attempt);
+  }
+  EXPECT_EQ(onlyJob().attempts, 3);
+  Database database(file);
+  EXPECT_EQ(allRows(database).size(), 1U);
 }
 
 TEST_P(OnceOnly, OtherDataUnderTheNameIsAUsageErrorAndSendsNothing) {
