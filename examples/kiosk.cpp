@@ -1,5 +1,6 @@
-// Prints each line of its input as a receipt, and goes on when the printer's cable was pulled and
-// put back. Usage: kiosk DEVICE
+// Prints each line of its input as a receipt, under the name that is its first word: once, although
+// it may be killed at any moment and is then started again with the same input. It also goes on
+// when the printer's cable was pulled and put back. Usage: kiosk DEVICE [JOURNAL]
 #include <chrono>
 #include <exception>
 #include <iostream>
@@ -9,31 +10,40 @@
 #include "backends/Devices.h"
 #include "iphone-IOPort/ExternalAccessoryPort.h"
 #include "job/PrintJob.h"
+#include "journal/NamedJob.h"
 
 using namespace quordalvane;
 
 namespace {
 
-// One attempt over a link of its own, so that an attempt never meets what an earlier one left.
-PrintResult attempt(const std::string& receipt) {
+// Over a link of its own, so that an attempt never meets what an earlier one left.
+NamedJobResult printNow(NamedJob& named) {
   const auto port = ExternalAccessoryPort::initWithPortName("BT:", "", 3000, ZKEmulationQuorLine);
-  PrintResult result;
-  result.reason = "cannot be reached";
-  if (port && port->open()) {
-    result = PrintJob(port).run(receipt);
+  if (!port || !port->open()) {
+    PrintResult unreachable;
+    unreachable.reason = "cannot be reached";
+    return named.refuse(unreachable);
   }
-  if (port) {
-    port->close();
-  }
+  PrintJob job(port, named.recorded());
+  const NamedJobResult result = named.run(job);
+  port->close();
   return result;
 }
 
+NamedJobResult attempt(Journal& journal, const std::string& device, const std::string& receipt) {
+  const ByteBuffer data(receipt.begin(), receipt.end());
+  const std::string name = receipt.substr(0, receipt.find_first_of(" \n"));
+  NamedJob named(journal, {.name = name, .device = device}, data);
+  return named.answer() ? *named.answer() : printNow(named);
+}
+
 // A refused receipt is tried until it goes out. One that may be on paper is never sent again.
-void print(const std::string& receipt) {
+void print(Journal& journal, const std::string& device, const std::string& receipt) {
   for (std::string last;; std::this_thread::sleep_for(std::chrono::milliseconds(500))) {
-    const PrintResult result = attempt(receipt);
+    const NamedJobResult named = attempt(journal, device, receipt);
+    const PrintResult& result = named.result;
     if (result.outcome == PrintOutcome::Printed) {
-      std::cout << "printed" << std::endl;
+      std::cout << (named.isRepeated ? "printed before" : "printed") << std::endl;
       return;
     }
     if (result.outcome == PrintOutcome::Unconfirmed) {
@@ -49,15 +59,16 @@ void print(const std::string& receipt) {
 }  // namespace
 
 int main(int argc, char** argv) try {
-  if (argc != 2) {
-    std::cerr << "usage: kiosk DEVICE\n";
+  if (argc != 2 && argc != 3) {
+    std::cerr << "usage: kiosk DEVICE [JOURNAL]\n";
     return 2;
   }
   connectDevices({argv[1]});
+  Journal journal(argc == 3 ? argv[2] : Journal::defaultFile());
   for (std::string line; std::getline(std::cin, line);) {
-    print(line + "\n");
+    print(journal, argv[1], line + "\n");
   }
-} catch (const std::exception& error) {  // a DEVICE that does not exist, for example
+} catch (const std::exception& error) {  // a DEVICE that does not exist, or a JOURNAL that is none
   std::cerr << error.what() << '\n';
   return 2;
 }

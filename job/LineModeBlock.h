@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "job/CheckedBlock.h"
 
 namespace quordalvane {
@@ -11,18 +13,11 @@ class LineModeBlock final : public CheckedBlock {
 
  private:
   ByteView request() const override;
-  MaybeSetback prepare() override { return std::nullopt; }
+  MaybeSetback judgeBeginning() override { return std::nullopt; }
   MaybeSetback judgeReadiness() override;
-  MaybeSetback markBeginning() override;
-  bool endInTime() override;
-  MaybeSetback judgeProof() const override;
-
-  void takeStatus();
-  bool awaitCount();
-  bool confirm();
-
-  bool isFirstMarkCounted_ = false;
-  bool isConfirmed_ = true;  // by a second status
+  bool endOnPort() override;
+  bool isProven() const override;
+  std::string whyUnproven() const override;
 };
 
 }  // namespace quordalvane

@@ -111,22 +111,17 @@ MaybeSetback PortLink::send(ByteView command) {
   return move(command, accepted);
 }
 
-bool PortLink::await(const std::function<bool(ByteView)>& isDone, std::chrono::nanoseconds limit) {
+bool PortLink::await(const std::function<bool()>& isDone, std::chrono::nanoseconds limit) {
   const auto start = now();
-  if (isDone({})) {
-    return true;
-  }
-  while (now() - start <= limit) {
-    const auto bytes = port_->read(128);
-    if (!bytes) {
-      return false;
+  while (!isDone()) {
+    if (!port_->read(128) || now() - start > limit) {
+      return isDone();
     }
-    if (isDone(*bytes)) {
-      return true;
+    if (!isDone()) {
+      pause();
     }
-    pause();
   }
-  return false;
+  return true;
 }
 
 void PortLink::pause() {

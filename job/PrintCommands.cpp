@@ -64,11 +64,8 @@ struct Form {
   std::optional<PrintCommand> (*tell)(Bytes data);
 };
 
-// The functions of these are named by letters. After any other byte printers disagree about what
-// follows, an end-of-block mark for example.
 std::optional<PrintCommand> countedInTwoBytes(Bytes data) {
-  const bool isLetter = (data[2] | 0x20) >= 'a' && (data[2] | 0x20) <= 'z';
-  return isLetter ? counted(5, littleEndian(data, 3, 2)) : std::nullopt;
+  return counted(5, littleEndian(data, 3, 2));
 }
 
 std::optional<PrintCommand> countedInFourBytes(Bytes data) {

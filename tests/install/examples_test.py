@@ -4,7 +4,7 @@ import os
 import sys
 import unittest
 
-from programs import EXAMPLES, SOURCES, Program, ProgramTest
+from programs import DEADLINE, EXAMPLES, QUORPORT, SOURCES, Program, ProgramTest
 
 PRINT_PY = SOURCES / "examples/print.py"
 
@@ -72,7 +72,7 @@ class Kiosk(ProgramTest):
     def test_it_goes_on_when_the_cable_is_back(self):
         place = f"unix:{self.folder}/printer"
         printer, device = self.printer(place)
-        kiosk = Program(self, EXAMPLES / "kiosk", device)
+        kiosk = Program(self, EXAMPLES / "kiosk", device, self.folder / "jobs.db")
         kiosk.write("first receipt")
         self.assertEqual(kiosk.line(), "printed")
         printer.end()
@@ -82,9 +82,37 @@ class Kiosk(ProgramTest):
         self.assertEqual(kiosk.line(), "printed")
 
     def test_a_receipt_that_may_be_on_paper_is_not_sent_again(self):
-        kiosk = Program(self, EXAMPLES / "kiosk", "virtual:,prints-nothing=true")
+        kiosk = Program(self, EXAMPLES / "kiosk", "virtual:,prints-nothing=true", self.folder / "jobs.db")
         kiosk.write("receipt")
         self.assertIn("call the staff", kiosk.line())
+
+    def test_it_is_killed_and_started_again_and_prints_each_receipt_once(self):
+        paper = self.folder / "paper"
+        printer = Program(self, QUORPORT, "simulate", "--listen", f"unix:{self.folder}/printer", "--receipts", paper)
+        device = printer.line().removeprefix("listening ")
+        receipts = [f"receipt-{number}." for number in range(4)]
+        for killed_after in range(len(receipts)):  # lines: the process dies while the next one is under way
+            kiosk = Program(self, EXAMPLES / "kiosk", device, self.folder / "jobs.db")
+            for receipt in receipts:
+                kiosk.write(receipt)
+            for _ in range(killed_after):
+                kiosk.line()
+            kiosk.end()
+        kiosk = Program(self, EXAMPLES / "kiosk", device, self.folder / "jobs.db")
+        told = {}
+        for receipt in receipts:
+            kiosk.write(receipt)
+            told[receipt] = kiosk.line()
+        kiosk.end()
+        printer.write('{"quit": true}')
+        printer.process.wait(DEADLINE)
+        text = "".join(found.read_text() for found in paper.glob("*.txt"))
+        for receipt, words in told.items():
+            self.assertLessEqual(text.count(receipt), 1, words)
+            if words.startswith("printed"):
+                self.assertEqual(text.count(receipt), 1, words)
+            else:
+                self.assertIn("call the staff: a process that printed this ended in the middle", words)
 
 
 class ApplicationLog(ProgramTest):

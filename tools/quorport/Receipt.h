@@ -12,18 +12,18 @@ class VirtualAccessory;
 
 namespace quordalvane::tool {
 
-/// Writes what is on the paper to a file: as a picture if its name ends in .png, otherwise as text.
+/// Writes what is on the paper to a file: as a picture if its name ends in .png, else as text.
 /// Returns "" or why it could not.
 std::string writePaper(const simulator::Paper& paper, const std::string& file);
 
-/// The file that shows the paper of a job on the virtual printer.
+/// The file that a job on the printer that is built in leaves behind.
 class Receipt {
  public:
   /// Throws a Failure with ExitCode::Usage if the accessory, which must not be null, is another
   /// printer or the file cannot be written.
   Receipt(std::string file, const std::shared_ptr<EAAccessory>& accessory);
 
-  /// Writes the paper that the printer has put out by now. Returns "" or why it could not.
+  /// Writes what has come out of the printer by now. Returns "" or why it could not.
   std::string write();
 
  private:

@@ -1,0 +1,20 @@
+# The journal as programs get it: a library of its own, so that a program without it loads no database.
+add_library(QuorJournal SHARED $<TARGET_OBJECTS:quor_journal> $<TARGET_OBJECTS:quor_locks>
+            # What the library of the port keeps to itself.
+            $<FILTER:$<TARGET_OBJECTS:quor_job>,INCLUDE,/Advice|/Words>
+            $<FILTER:$<TARGET_OBJECTS:quor_backends>,INCLUDE,/DeviceIdentity>)
+add_library(QuorIOPort::QuorJournal ALIAS QuorJournal)
+set_target_properties(QuorJournal PROPERTIES LINKER_LANGUAGE CXX VERSION ${PROJECT_VERSION}
+                      SOVERSION ${PROJECT_VERSION_MAJOR}
+                      LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
+target_link_options(QuorJournal PRIVATE LINKER:--no-undefined)
+target_link_libraries(QuorJournal PUBLIC QuorIOPort PRIVATE PkgConfig::SQLITE PkgConfig::NETTLE)
+
+install(TARGETS QuorJournal EXPORT QuorIOPortTargets
+        LIBRARY COMPONENT journal NAMELINK_COMPONENT development)
+foreach(header backends/DeviceIdentity.h journal/Journal.h journal/JournalError.h journal/NamedJob.h
+               locks/ByteLock.h locks/DeviceLock.h)
+  cmake_path(GET header PARENT_PATH folder)
+  install(FILES ${PROJECT_SOURCE_DIR}/${header}
+          DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/quordalvane/${folder} COMPONENT development)
+endforeach()
