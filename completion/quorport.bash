@@ -32,18 +32,42 @@ _quorport_command() {
   done
 }
 
+# The keys of a printer's state and of its faults.
+_quorport_settings="
+  firmware= dip1= dip2= speed= buffer= presenterState= connectedInterface= paper= proofs= lineMode= maker=
+  modelName= serialNumber= modelId= typeId= profile= coverOpen= offline= compulsionSwitch= overTemp=
+  unrecoverableError= cutterError= mechError= headThermistorError= receiveBufferOverflow=
+  pageModeCmdError= paperDetectionError= blackMarkError= jamError= presenterPaperJamError= headUpError=
+  voltageError= receiptBlackMarkDetection= receiptPaperEmpty= receiptPaperNearEmptyInner=
+  receiptPaperNearEmptyOuter= paperPresent= presenterPaperPresent= peelerPaperPresent= stackerFull=
+  slipTOF= slipCOF= slipBOF= validationPaperPresent= slipPaperPresent= etbAvailable= short-writes=
+  no-space= late-reply= split-reply= duplicate-reply= drop-reply= corrupt-reply= stray-byte= wrong-id=
+  foreign-reply= silence= cut-after-in= cut-after-out= cut= prints-nothing= at= seed=
+"
+
+# Offers those of the words that begin as the current one does. A colon or an equals sign at the end of a word
+# is followed by its rest.
+_quorport_offer() {
+  mapfile -t COMPREPLY < <(compgen -W "$1" -- "$cur")
+  [[ ${COMPREPLY-} == *[:=] ]] && compopt -o nospace 2> /dev/null
+  __ltrim_colon_completions "$cur"
+}
+
 _quorport() {
   local commands="list status online print jobs cancel firmware dipswitch button-security disconnect monitor doctor simulate help"
-  local cur prev words cword command
-  # A colon or an equals sign is part of a word here.
-  _init_completion -n := || return
+  local cur prev words cword split command
+  # A colon or an equals sign is part of a word here; of --option=value the value is completed.
+  _init_completion -s -n := || return
   command=$(_quorport_command "${words[@]:1:cword-1}")
   case $prev in
+    -d | --device) _quorport_offer "virtual: tcp: unix: serial: usb:" ;;
+    --listen) _quorport_offer "tcp: unix: pty:" ;;
+    --set) _quorport_offer "$_quorport_settings" ;;
     -e | --emulation) mapfile -t COMPREPLY < <(compgen -W "line escpos unknown" -- "$cur") ;;
     --log | --receipt | --bundle | --journal) _filedir ;;
     --receipts) _filedir -d ;;
-    -[dpst] | --device | --port-name | --settings | --timeout | --log-level) ;;
-    --level | --end-timeout | --hold-print-timeout | --listen | --set | --control | --interval | --count | --job | --forget | --older-than) ;;
+    -[pst] | --port-name | --settings | --timeout | --log-level) ;;
+    --level | --end-timeout | --hold-print-timeout | --control | --interval | --count | --job | --forget | --older-than) ;;
     *)
       if [[ $cur == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$(_quorport_options "$command")" -- "$cur")

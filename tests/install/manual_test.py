@@ -31,6 +31,19 @@ def all_options() -> set[str]:
     return options(help_of()).union(*(options(help_of(command)) for command in commands()))
 
 
+def schemes() -> list[str]:
+    listing = help_of().partition("A SPEC is one of these")[2].partition("Every one takes")[0]
+    return sorted(set(re.findall(r"^  (\w+:)", listing, re.M)))
+
+
+def settings() -> list[str]:
+    """The keys that a served printer takes, each with its equals sign: its state, its faults and their seed."""
+    refusal = subprocess.run([QUORPORT, "simulate", "--listen", "tcp:", "--set", "nonsense=1"], capture_output=True, text=True)
+    state = refusal.stderr.partition("; there are ")[2].strip().split(", ")
+    faults = re.findall(r'FaultKind::\w+, "([\w-]+)"', (SOURCES / "simulator/Faults.cpp").read_text())
+    return sorted(f"{key}=" for key in {*state, *faults, "seed"})
+
+
 class Manual(ProgramTest):
     def text(self) -> str:
         rendered = self.run_program("groff", "-man", "-ww", "-Tutf8", "-P-c", MANUAL)
@@ -81,8 +94,21 @@ class BashCompletion(ProgramTest):
     def test_it_offers_the_emulations(self):
         self.assertEqual(self.offered("quorport -e "), ["line", "escpos", "unknown"])
 
-    def test_it_offers_nothing_in_place_of_a_free_value(self):
-        for line in ("quorport -d ", "quorport --timeout ", "quorport simulate --listen "):
+    def test_it_offers_the_schemes_of_devices(self):
+        for option in ("-d ", "--device ", "--device="):
+            self.assertEqual(sorted(self.offered(f"quorport {option}")), schemes())
+        self.assertEqual(self.offered("quorport -d v"), ["virtual:"])
+
+    def test_it_offers_the_places_and_the_settings_of_a_served_printer(self):
+        self.assertEqual(self.offered("quorport simulate --listen "), ["tcp:", "unix:", "pty:"])
+        self.assertEqual(sorted(self.offered("quorport simulate --set ")), settings())
+        self.assertEqual(self.offered("quorport simulate --set=coverO"), ["coverOpen="])
+
+    def test_it_offers_the_value_of_an_option_with_an_equals_sign(self):
+        self.assertEqual(self.offered("quorport --emulation=es"), ["escpos"])
+
+    def test_it_offers_nothing_for_a_free_value(self):
+        for line in ("quorport -p ", "quorport --timeout ", "quorport --timeout=", "quorport simulate --control "):
             self.assertEqual(self.offered(line), [], line)
 
 
@@ -92,6 +118,12 @@ class ZshCompletion(ProgramTest):
         self.assertEqual(set(re.findall(r"--[a-z][a-z-]*", text)), all_options())
         listed = text.partition("commands=(")[2].partition("\n  )")[0]
         self.assertEqual(re.findall(r"'([\w-]+):", listed), commands())
+
+    def test_it_knows_the_schemes_of_devices_and_the_settings_of_a_served_printer(self):
+        text = ZSH.read_text()
+        listed = re.search(r":device:\((.*?)\)", text).group(1)
+        self.assertEqual(sorted(listed.replace("\\", "").split()), schemes())
+        self.assertEqual(sorted(text.partition('settings="')[2].partition('"')[0].split()), settings())
 
 
 if __name__ == "__main__":
