@@ -316,7 +316,8 @@ void Model::close71() {
   session_ = nullptr;
   accessory_ = nullptr;
   connectionID_ = 0;
-  name_ = serialNumber_ = std::nullopt;
+  name_.reset();
+  serialNumber_.reset();
   log.end("");
 }
 
