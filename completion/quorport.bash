@@ -9,7 +9,7 @@ _quorport_options() {
     jobs) echo "$global --journal --forget --older-than" ;;
     monitor) echo "$global --interval --count" ;;
     doctor) echo "$global --bundle" ;;
-    simulate) echo "$global --listen --set --receipts --control" ;;
+    simulate) echo "$global --listen --set --receipts --per --strict --control" ;;
     *) echo "$global" ;;
   esac
 }

@@ -289,6 +289,17 @@ constexpr Form commandForms[] = {
     two(0x1d, 0x7c, 3),
 };
 
+const Form* formOf(Bytes bytes, const Dialect& dialect) {
+  const auto begins = [&](const Form& form) {
+    const auto known =
+        static_cast<std::ptrdiff_t>(std::min<std::size_t>(bytes.size(), form.prefixLength));
+    return knows(dialect, form.knownWith) &&
+           std::equal(bytes.begin(), bytes.begin() + known, form.prefix.begin());
+  };
+  const auto found = std::find_if(std::begin(commandForms), std::end(commandForms), begins);
+  return found == std::end(commandForms) ? nullptr : found;
+}
+
 bool startsCommand(std::uint8_t byte) {
   return byte == 0x10 || byte == 0x1b || byte == 0x1c || byte == 0x1d;
 }
@@ -302,19 +313,29 @@ std::uint64_t leastCommandLength(Bytes bytes, const Dialect& dialect) {
   if (bytes.size() < 2) {
     return 2;
   }
-  for (const Form& form : commandForms) {
-    const std::size_t known = std::min<std::size_t>(bytes.size(), form.prefixLength);
-    if (!knows(dialect, form.knownWith) ||
-        !std::equal(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(known),
-                    form.prefix.begin())) {
-      continue;
-    }
-    if (bytes.size() < form.header) {
-      return known < form.prefixLength ? form.prefixLength : form.header;
-    }
-    return form.rule ? form.rule(bytes) : form.header;
+  const Form* form = formOf(bytes, dialect);
+  if (form == nullptr) {
+    return bytes.size();
   }
-  return bytes.size();
+  if (bytes.size() < form->header) {
+    return bytes.size() < form->prefixLength ? form->prefixLength : form->header;
+  }
+  return form->rule ? form->rule(bytes) : form->header;
+}
+
+bool isKnownCommand(Bytes bytes, const Dialect& dialect) {
+  constexpr std::uint8_t withoutParameters[][2] = {
+      {0x1b, 0x0c}, {0x1b, 0x32}, {0x1b, 0x3c}, {0x1b, 0x40}, {0x1b, 0x4c},
+      {0x1b, 0x53}, {0x1b, 0x69}, {0x1b, 0x6d}, {0x1b, 0x6f}, {0x1b, 0x71},
+      {0x1c, 0x26}, {0x1c, 0x2e}, {0x1c, 0x62}, {0x1c, 0x63}, {0x1d, 0x05},
+      {0x1d, 0x0c}, {0x1d, 0x3a}, {0x1d, 0x3c}, {0x1d, 0x63},
+  };
+  if (bytes.size() < 2 || formOf(bytes, dialect) != nullptr) {
+    return true;
+  }
+  return std::any_of(
+      std::begin(withoutParameters), std::end(withoutParameters),
+      [&](const auto& known) { return known[0] == bytes[0] && known[1] == bytes[1]; });
 }
 
 }  // namespace quordalvane::simulator

@@ -14,4 +14,7 @@ namespace quordalvane::simulator {
 /// command that a printer of that dialect does not know is unknown.
 std::uint64_t leastCommandLength(std::span<const std::uint8_t> bytes, const Dialect& dialect);
 
+/// True if a printer of that dialect knows a command that begins like this whole one.
+bool isKnownCommand(std::span<const std::uint8_t> bytes, const Dialect& dialect);
+
 }  // namespace quordalvane::simulator

@@ -33,6 +33,10 @@ MachineCommand CommandScanner::command() const {
   return isWhole ? machineCommand(bytes_, dialect_) : MachineCommand::Printing;
 }
 
+bool CommandScanner::isKnown() const {
+  return isKnownCommand(bytes_, dialect_);
+}
+
 bool CommandScanner::mayConcernTheMachine() const {
   return mayBecomeMachineCommand(bytes_, dialect_);
 }

@@ -24,6 +24,9 @@ class CommandScanner {
   /// The meaning of the complete command.
   MachineCommand command() const;
 
+  /// True if the printer knows the complete command, be it only by its length.
+  bool isKnown() const;
+
   /// True while an unfinished command may still turn out to be more than print data.
   bool mayConcernTheMachine() const;
 

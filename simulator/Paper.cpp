@@ -4,24 +4,13 @@
 #include <limits>
 #include <utility>
 
+#include "simulator/HexText.h"
+
 namespace quordalvane::simulator {
 namespace {
 
 constexpr std::size_t skippedKinds = 100;
 constexpr std::size_t bytesThatName = 3;
-
-std::string hexOf(std::span<const std::uint8_t> bytes) {
-  constexpr char digits[] = "0123456789abcdef";
-  std::string text;
-  for (std::uint8_t byte : bytes) {
-    if (!text.empty()) {
-      text += ' ';
-    }
-    text += digits[byte >> 4U];
-    text += digits[byte & 0x0fU];
-  }
-  return text;
-}
 
 struct Weight {
   std::size_t operator()(const Line& line) const {
@@ -113,8 +102,31 @@ void Paper::cut(bool partial) {
   }
 }
 
+std::vector<Paper> piecesOf(const Paper& paper) {
+  std::vector<Paper> pieces;
+  Paper piece(paper.width());
+  bool hasPrint = false;
+  const auto endPiece = [&] {
+    if (hasPrint) {
+      pieces.push_back(std::move(piece));
+    }
+    piece = Paper(paper.width());
+    hasPrint = false;
+  };
+  for (const PaperItem& item : paper.items()) {
+    const bool isCut = std::holds_alternative<Cut>(item);
+    hasPrint = hasPrint || (!isCut && !std::holds_alternative<Feed>(item));
+    piece.add(item);
+    if (isCut) {
+      endPiece();
+    }
+  }
+  endPiece();
+  return pieces;
+}
+
 void Paper::noteSkipped(std::span<const std::uint8_t> command) {
-  const std::string name = hexOf(command.first(std::min(command.size(), bytesThatName)));
+  const std::string name = hexText(command.first(std::min(command.size(), bytesThatName)));
   const bool room = skipped_.size() < skippedKinds || skipped_.contains(name);
   ++skipped_[room ? name : "others"];
 }

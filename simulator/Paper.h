@@ -7,6 +7,8 @@
 #include <variant>
 #include <vector>
 
+#include "simulator/JobRecord.h"
+
 namespace quordalvane::simulator {
 
 /// Print heads of 203 dots an inch: eight dots a millimetre.
@@ -125,6 +127,10 @@ class Paper {
 
   void noteSkipped(std::span<const std::uint8_t> command);
 
+  /// The events of the job that left no ink.
+  const JobRecord& record() const { return record_; }
+  JobRecord& record() { return record_; }
+
   /// About how many bytes of memory its items take.
   std::size_t weight() const { return weight_; }
 
@@ -136,8 +142,12 @@ class Paper {
   unsigned width_;
   std::vector<PaperItem> items_;
   std::map<std::string, std::size_t> skipped_;
+  JobRecord record_;
   std::size_t weight_ = 0;
   bool goesOn_ = false;
 };
+
+/// The pieces into which its cuts divide the paper, in order; pieces without print are left out.
+std::vector<Paper> piecesOf(const Paper& paper);
 
 }  // namespace quordalvane::simulator

@@ -15,11 +15,11 @@ class Printing {
   /// From the next command on the printer knows the commands of this dialect.
   void setDialect(const Dialect& dialect) { scanner_.setDialect(dialect); }
 
-  /// Works through one byte of print data.
-  void pass(std::uint8_t byte);
+  /// Works through one byte of print data, the one at `offset` of the job.
+  void pass(std::uint8_t byte, std::uint64_t offset);
 
   /// No end will come for a command that has begun; the next byte starts a new one.
-  void leaveUnfinishedCommand() { scanner_.restart(); }
+  void leaveUnfinishedCommand();
 
   /// Nothing more will come for a line that has begun.
   void endLine() { typesetter_.endLine(); }
@@ -27,12 +27,14 @@ class Printing {
   /// The job is over.
   void endJob() { typesetter_.endJob(); }
 
+  JobRecord& record() { return typesetter_.record(); }
   const Paper& paper() const { return typesetter_.paper(); }
   Paper tearOff() { return typesetter_.tearOff(); }
   Paper tearOffFinishedLines() { return typesetter_.tearOffFinishedLines(); }
 
  private:
   CommandScanner scanner_;
+  std::uint64_t begin_ = 0;  // the offset of the command that has begun
   Typesetter typesetter_;
 };
 

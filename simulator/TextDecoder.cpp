@@ -170,7 +170,13 @@ void TextDecoder::flush(std::u32string& text, std::size_t count) {
   }
 }
 
+void TextDecoder::reset() {
+  page_ = Page::Undeclared;
+  number_ = 0;
+}
+
 bool TextDecoder::select(std::uint8_t number) {
+  number_ = number;
   switch (number) {
     case 0:
       page_ = Page::Cp437;

@@ -22,8 +22,11 @@ class TextDecoder {
   /// number selects nothing and returns false.
   bool select(std::uint8_t number);
 
+  /// The number of the page that is selected; 0 if none is.
+  std::uint8_t page() const { return number_; }
+
   /// Back to the state in which the job has selected no code page.
-  void reset() { page_ = Page::Undeclared; }
+  void reset();
 
  private:
   enum class Page { Undeclared, Cp437, Cp858, Cp1252 };
@@ -32,6 +35,7 @@ class TextDecoder {
   void flush(std::u32string& text, std::size_t count);
 
   Page page_ = Page::Undeclared;
+  std::uint8_t number_ = 0;
   std::string run_;  // bytes from 80 hex up that are not decided yet
 };
 

@@ -8,6 +8,8 @@ namespace {
 // From the print head to the blade: a cut that feeds first moves the last line past it.
 constexpr unsigned headToBlade = 96;
 
+constexpr char32_t noCharacter = 0xfffd;
+
 enum class Spoken { Both, EscPos };  // which command system a command gives away
 
 }  // namespace
@@ -20,6 +22,7 @@ struct Typesetter::Entry {
 };
 
 const Typesetter::Entry Typesetter::commandTable[] = {
+    {0x10, 0x14, Spoken::EscPos, &Typesetter::pulse},
     {0x1b, 0x20, Spoken::EscPos, &Typesetter::ignore},  // character spacing
     {0x1b, 0x21, Spoken::EscPos, &Typesetter::printMode},
     {0x1b, 0x24, Spoken::EscPos, &Typesetter::position},
@@ -28,6 +31,8 @@ const Typesetter::Entry Typesetter::commandTable[] = {
     {0x1b, 0x32, Spoken::Both, &Typesetter::defaultSpacing},
     {0x1b, 0x33, Spoken::EscPos, &Typesetter::spacing},
     {0x1b, 0x40, Spoken::Both, &Typesetter::initialise},
+    {0x1b, 0x28, Spoken::EscPos, &Typesetter::beepOrSkip},
+    {0x1b, 0x42, Spoken::EscPos, &Typesetter::beep},
     {0x1b, 0x45, Spoken::EscPos, &Typesetter::bold},
     {0x1b, 0x47, Spoken::EscPos, &Typesetter::bold},
     {0x1b, 0x4a, Spoken::Both, &Typesetter::feedDots},
@@ -40,7 +45,7 @@ const Typesetter::Entry Typesetter::commandTable[] = {
     {0x1b, 0x64, Spoken::Both, &Typesetter::feedLinesOrCut},
     {0x1b, 0x69, Spoken::EscPos, &Typesetter::fullCut},
     {0x1b, 0x6d, Spoken::EscPos, &Typesetter::partialCut},
-    {0x1b, 0x70, Spoken::EscPos, &Typesetter::ignore},  // the cash drawer's pulse
+    {0x1b, 0x70, Spoken::EscPos, &Typesetter::drawer},
     {0x1b, 0x74, Spoken::EscPos, &Typesetter::codePage},
     {0x1d, 0x21, Spoken::EscPos, &Typesetter::characterSize},
     {0x1d, 0x28, Spoken::EscPos, &Typesetter::twoDimensional},
@@ -78,6 +83,9 @@ void Typesetter::character(std::uint8_t byte) {
   if (byte >= 0x20) {
     std::u32string text;
     decoder_.put(byte, text);
+    if (!text.empty() && text.back() == noCharacter) {
+      record().noteMissing(byte, decoder_.page());
+    }
     return line_.add(text, style_, paper_);
   }
   finishText();
@@ -180,9 +188,30 @@ void Typesetter::align(Bytes command) {
 }
 
 void Typesetter::codePage(Bytes command) {
+  record().noteCodePage(command[2]);
   if (!decoder_.select(command[2])) {
     paper_.noteSkipped(command);
   }
+}
+
+void Typesetter::beepOrSkip(Bytes command) {
+  constexpr std::uint8_t buzzer = 0x41;
+  if (command[2] == buzzer) {
+    return beep(command);
+  }
+  paper_.noteSkipped(command);
+}
+
+void Typesetter::pulse(Bytes command) {
+  constexpr std::uint8_t toDrawer = 1;
+  constexpr std::uint8_t toBuzzer = 3;
+  if (command[2] == toDrawer) {
+    return drawer(command);
+  }
+  if (command[2] == toBuzzer) {
+    return beep(command);
+  }
+  paper_.noteSkipped(command);
 }
 
 void Typesetter::defaultSpacing(Bytes) {
@@ -249,6 +278,7 @@ void Typesetter::feed(unsigned dots) {
 void Typesetter::cutHere(bool partial) {
   line_.endIfBegun(paper_);
   paper_.cut(partial);
+  ++record().cuts;
 }
 
 void Typesetter::addImage(Bitmap dots) {

@@ -21,6 +21,7 @@ class Typesetter {
   explicit Typesetter(unsigned paperWidth);
 
   const Paper& paper() const { return paper_; }
+  JobRecord& record() { return paper_.record(); }
 
   /// Takes one complete command, or one character.
   void set(std::span<const std::uint8_t> command);
@@ -73,6 +74,10 @@ class Typesetter {
   void barcodeSetting(Bytes command);
   void twoDimensional(Bytes command);
   void ignore(Bytes) {}
+  void beepOrSkip(Bytes command);
+  void pulse(Bytes command);
+  void drawer(Bytes) { ++record().drawer; }
+  void beep(Bytes) { ++record().beeps; }
 
   void feed(unsigned dots);
   void cutHere(bool partial);

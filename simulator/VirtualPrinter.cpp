@@ -60,10 +60,13 @@ void VirtualPrinter::receive(std::span<const std::uint8_t> bytes, Instant now, b
   }
   advance(now);
   lastReceived_ = now;
+  receivedEver_ += bytes.size();
   reception_.take(bytes, vanish, [&](MachineCommand command, std::span<const std::uint8_t> piece) {
     if (actsOnReception(command)) {
       obey(command, piece, now);
-    } else if (!dropping_) {
+    } else if (dropping_) {
+      setAside(piece.size());
+    } else {
       hold(command, piece, now);
     }
   });
@@ -74,6 +77,28 @@ void VirtualPrinter::obey(MachineCommand command, std::span<const std::uint8_t> 
                           Instant now) {
   // A printer that takes no time over its data has printed what came before in the same packet.
   printUntil(now);
+  setAside(bytes.size());
+  question_.assign(bytes.begin(), bytes.end());
+  act(command, bytes, now);
+  question_.clear();
+}
+
+// The bytes keep their place in the job, though they are not queued.
+void VirtualPrinter::setAside(std::size_t count) {
+  if (asides_.empty() || asides_.back().before != queuedEver_) {
+    asides_.push_back({queuedEver_, 0});
+  }
+  asides_.back().bytes += count;
+}
+
+void VirtualPrinter::passAsides() {
+  while (!asides_.empty() && asides_.front().before <= takenEver_) {
+    asidesPassed_ += asides_.front().bytes;
+    asides_.pop_front();
+  }
+}
+
+void VirtualPrinter::act(MachineCommand command, std::span<const std::uint8_t> bytes, Instant now) {
   switch (command) {
     case MachineCommand::CounterReset:
       state_.etbCounter = 0;
@@ -148,13 +173,15 @@ void VirtualPrinter::hold(MachineCommand command, std::span<const std::uint8_t> 
   queue_.push(bytes, now);
   queuedEver_ += bytes.size();
   if (actsInTurn(command)) {
-    marks_.push_back({command, Bytes(bytes.begin(), bytes.end()), begin, queuedEver_});
+    marks_.push_back(
+        {command, Bytes(bytes.begin(), bytes.end()), begin, queuedEver_, receivedEver_});
   }
 }
 
 void VirtualPrinter::printUntil(Instant now) {
   while (const auto taken = queue_.take(now)) {
     const bool isOfAMark = !marks_.empty() && marks_.front().begin <= takenEver_;
+    passAsides();
     ++takenEver_;
     if (!isOfAMark) {
       print(taken->byte);
@@ -164,7 +191,7 @@ void VirtualPrinter::printUntil(Instant now) {
 }
 
 void VirtualPrinter::print(std::uint8_t byte) {
-  printing_.pass(byte);
+  printing_.pass(byte, takenEver_ - 1 + asidesPassed_ - jobBegin_);
   ++printedBytes_;
   if (state_.keepsPrinted) {
     printed_.push_back(byte);
@@ -192,8 +219,14 @@ void VirtualPrinter::passMarks(Instant at) {
 
 void VirtualPrinter::pass(const Mark& mark, Instant at) {
   if (!mark.command) {
-    return endJob();
+    return endJob(mark.received);
   }
+  question_ = mark.bytes;
+  answerInTurn(mark, at);
+  question_.clear();
+}
+
+void VirtualPrinter::answerInTurn(const Mark& mark, Instant at) {
   switch (*mark.command) {
     case MachineCommand::ReportingEtb:
       countEtb();
@@ -215,14 +248,15 @@ void VirtualPrinter::countEtb() {
 }
 
 // The host that wrote all this is gone.
-void VirtualPrinter::endJob() {
+void VirtualPrinter::endJob(std::uint64_t received) {
   printing_.leaveUnfinishedCommand();
   if (!keepJob_) {
     return;
   }
   printing_.endJob();
   Paper paper = tearOff();
-  if (!paper.items().empty()) {
+  jobBegin_ = received;
+  if (!paper.items().empty() || !paper.record().isEmpty()) {
     keepJob_(std::move(paper));
   }
 }
@@ -232,16 +266,18 @@ void VirtualPrinter::dropHeld() {
       std::any_of(marks_.begin(), marks_.end(), [](const Mark& mark) { return !mark.command; });
   queue_.clear();
   takenEver_ = queuedEver_;
+  passAsides();
   marks_.clear();
   printing_.leaveUnfinishedCommand();
   printing_.endLine();
   if (endsJob) {
-    endJob();
+    endJob(receivedEver_);
   }
 }
 
 Paper VirtualPrinter::tearOff() {
   printed_.clear();
+  jobBegin_ = takenEver_ + asidesPassed_;
   return printing_.tearOff();
 }
 
@@ -300,12 +336,15 @@ void VirtualPrinter::endConnection() {
   reception_.restart();
   const bool bringsNothing = !marks_.empty() && marks_.back().begin == queuedEver_;
   if (!bringsNothing) {
-    marks_.push_back({std::nullopt, {}, queuedEver_, queuedEver_});
+    marks_.push_back({std::nullopt, {}, queuedEver_, queuedEver_, receivedEver_});
   }
   passMarks({});
 }
 
 void VirtualPrinter::reply(std::span<const std::uint8_t> bytes, Instant at, ReplyKind kind) {
+  if (!question_.empty() && !bytes.empty()) {
+    printing_.record().noteQuestion(question_, bytes);
+  }
   if (sink_ && !bytes.empty()) {
     sink_(bytes, at, kind);
   }

@@ -109,10 +109,18 @@ class VirtualPrinter {
     Bytes bytes;                            // of the command, which are not for the paper
     std::uint64_t begin;
     std::uint64_t end;
+    std::uint64_t received = 0;  // how many bytes had been received ever
+  };
+
+  /// Bytes that acted at once, before the byte that was queued as number `before`.
+  struct Aside {
+    std::uint64_t before;
+    std::uint64_t bytes;
   };
 
   std::size_t readyAgain() const;
   void obey(MachineCommand command, std::span<const std::uint8_t> bytes, Instant now);
+  void act(MachineCommand command, std::span<const std::uint8_t> bytes, Instant now);
   void answer(MachineCommand command, std::span<const std::uint8_t> bytes, Instant now);
   void recover(std::uint8_t how, Instant now);
   void hold(MachineCommand command, std::span<const std::uint8_t> bytes, Instant now);
@@ -120,10 +128,13 @@ class VirtualPrinter {
   void print(std::uint8_t byte);
   void passMarks(Instant at);
   void pass(const Mark& mark, Instant at);
+  void answerInTurn(const Mark& mark, Instant at);
   void countEtb();
   void reportChange(Instant now);
   void dropHeld();
-  void endJob();
+  void endJob(std::uint64_t received);
+  void setAside(std::size_t count);
+  void passAsides();
   void tearOffHeavyPaper();
   std::optional<Instant> dataTimeoutDue() const;
   void endConnection();
@@ -135,7 +146,12 @@ class VirtualPrinter {
   Printing printing_;
   std::uint64_t queuedEver_ = 0;
   std::uint64_t takenEver_ = 0;  // of those queued: printed or dropped
-  std::deque<Mark> marks_;       // of what is queued, in its order
+  std::uint64_t receivedEver_ = 0;
+  std::uint64_t jobBegin_ = 0;  // of the bytes received: where the job on the paper begins
+  std::deque<Aside> asides_;    // that the print position has not passed
+  std::uint64_t asidesPassed_ = 0;
+  Bytes question_;          // the command that is being answered
+  std::deque<Mark> marks_;  // of what is queued, in its order
   std::uint64_t printedBytes_ = 0;
   std::vector<std::uint8_t> printed_;
 

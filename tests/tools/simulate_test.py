@@ -356,7 +356,7 @@ class DroppedLinks(Case):
 class Receipts(Case):
     def names(self):
         folder = self.folder / "out"
-        return sorted(os.listdir(folder)) if folder.exists() else []
+        return sorted(name for name in os.listdir(folder) if not name.endswith(".json")) if folder.exists() else []
 
     def text(self, number: int) -> str:
         return (self.folder / "out" / f"receipt-{number:04}.txt").read_text()
@@ -479,6 +479,75 @@ class Receipts(Case):
         self.assertExit(2, result)
         self.assertIn("No such file or directory", result.err)
         self.assertFalse((self.folder / "no").exists())
+
+
+class Records(Case):
+    """What `--json` says of each job."""
+
+    def record_of(self, job: bytes, *arguments: str, replies: int = 0, listen: str = "tcp:0"):
+        process = start("--json", "simulate", "--listen", listen, *arguments)
+        self.addCleanup(process.kill)
+        for stream in (process.stdout, process.stderr):
+            self.addCleanup(stream.close)
+        place = json.loads(process.stdout.readline())["listening"][0]
+        host, port = place.removeprefix("tcp:").rsplit(":", 1)
+        with socket.create_connection((host, int(port)), DEADLINE) as connection:
+            connection.sendall(job)
+            receive(connection, replies)
+        record = json.loads(process.stdout.readline())
+        process.terminate()
+        return record, process.wait(DEADLINE), place
+
+    def test_a_plain_job_has_every_key(self):
+        record, code, place = self.record_of(b"text\n")
+        self.assertEqual(record, {"job": 1, "printer": place, "ok": True, "files": [], "cuts": 0, "drawer": 0, "beeps": 0,
+                                  "codePages": [], "asked": [], "unknown": [], "missing": []})
+        self.assertEqual(code, 0)
+
+    def test_what_is_not_ink_is_counted(self):
+        job = b"\x1bt\x13a\n\x1bp\0\x19\xfa\x10\x14\1\0\1\x1bB\2\3\x1b(A\4\0\x30\1\1\1\x1dV\0b\n\x1dV\1"
+        record, _, _ = self.record_of(job)
+        self.assertEqual((record["cuts"], record["drawer"], record["beeps"], record["codePages"]), (2, 2, 2, [19]))
+        self.assertEqual(record["unknown"], [])
+
+    def test_a_drawer_that_is_opened_without_paper_is_a_job(self):
+        record, _, _ = self.record_of(b"\x1bp\0\x19\xfa")
+        self.assertEqual((record["drawer"], record["files"]), (1, []))
+
+    def test_questions_have_their_answers(self):
+        record, _, _ = self.record_of(b"a\n\x10\x04\1\x1dr\1\x1d(H\6\x0000ABCD", replies=9)
+        self.assertEqual(record["asked"], [{"command": "100401", "answer": "12"}, {"command": "1d7201", "answer": "00"},
+                                           {"command": "1d284806003030" + "41424344", "answer": "37224142434400"}])
+
+    def test_an_unknown_command_has_its_offset_bytes_and_name(self):
+        record, code, _ = self.record_of(b"a\n\x10\x04\1\x1dy\n\x1b\x99", replies=1)
+        self.assertEqual(record["unknown"], [{"offset": 5, "bytes": "1d79", "name": "GS y"},
+                                             {"offset": 8, "bytes": "1b99", "name": "ESC 99"}])
+        self.assertEqual((record["ok"], code), (True, 0))
+
+    def test_strict_judges_unknown_commands_missing_characters_and_cut_off_data(self):
+        for job, key in ((b"a\x1dy\n", "unknown"), (b"\x1bt\x10\x81\n", "missing"), (b"a\n\x1dv0\0\x09\0", "unknown")):
+            record, code, _ = self.record_of(job, "--strict")
+            self.assertEqual((record["ok"], code), (False, 1), job)
+            self.assertEqual(len(record[key]), 1, job)
+        record, code, _ = self.record_of(b"\x1bt\x10\x80\n\x1dV\0", "--strict")
+        self.assertEqual((record["ok"], code), (True, 0))
+
+    def test_a_receipt_for_each_cut_if_wanted(self):
+        job = b"one\n\x1dV\0two\n\x1dV\0\n\n"
+        for per, count in (("cut", 2), ("job", 1), ("connection", 1)):
+            folder = self.folder / per
+            record, _, _ = self.record_of(job, "--receipts", str(folder), "--per", per)
+            self.assertEqual(len(record["files"]), 2 * count, per)
+            self.assertTrue(all(os.path.exists(file) for file in record["files"]))
+            self.assertEqual(json.loads((folder / "receipt-0001.json").read_text()), record)
+            self.assertIn("one", (folder / "receipt-0001.txt").read_text())
+        self.assertIn("two", (self.folder / "cut" / "receipt-0002.txt").read_text())
+
+    def test_another_division_is_refused(self):
+        result = run("simulate", "--listen", "tcp:0", "--per", "day")
+        self.assertExit(2, result)
+        self.assertIn("cut, job or connection", result.err)
 
 
 if __name__ == "__main__":

@@ -53,6 +53,7 @@ inline constexpr auto simulateFooter =
     "Where it listens is the first line on standard output: the word listening, a blank, and a\n"
     "SPEC for --device. A terminal that was dropped comes back under another path, which standard\n"
     "error is told in the same words.\n"
+    "With --json that line is an object, and each job is another one when it ends.\n"
     "On standard input and on the control socket it takes one JSON object a line and answers one:\n"
     "  {\"set\": {\"coverOpen\": true, \"speed\": 200}}   {\"get\": \"state\"}   {\"quit\": true}\n"
     "  {\"fault\": {\"late-reply\": 300}}               {\"clear\": \"faults\"}\n";

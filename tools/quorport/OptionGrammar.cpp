@@ -178,6 +178,23 @@ void addMonitorOptions(CLI::App& app, Options& all) {
   app.footer(help::monitorFooter);
 }
 
+namespace {
+
+ReceiptPer receiptPer(const std::string& text) {
+  if (text == "cut") {
+    return ReceiptPer::Cut;
+  }
+  if (text == "job") {
+    return ReceiptPer::Job;
+  }
+  if (text == "connection") {
+    return ReceiptPer::Connection;
+  }
+  throw CLI::ValidationError("takes cut, job or connection, not " + inQuotes(text));
+}
+
+}  // namespace
+
 void addSimulateOptions(CLI::App& app, Options& all) {
   SimulateOptions& options = all.simulate;
   app.add_option("--listen", options.listen,
@@ -191,6 +208,12 @@ void addSimulateOptions(CLI::App& app, Options& all) {
   app.add_option("--receipts", options.receipts,
                  "write what comes out for each job into this folder, as text and as a picture")
       ->type_name("FOLDER");
+  addText(app, "--per", "cut|job|connection",
+          "how the output is divided into receipts (default: job)",
+          [&options](const std::string& text) { options.per = receiptPer(text); });
+  app.add_flag("--strict", options.strict,
+               "end with status 1 if a job held an unknown command, a character that its code page "
+               "lacks, or a command that was cut off");
   app.add_option("--control", options.control, "take control lines on this socket, too")
       ->type_name("unix:PATH");
   app.footer(help::simulateFooter);

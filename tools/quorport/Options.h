@@ -41,10 +41,15 @@ struct MonitorOptions {
   std::uint32_t count = 0;        ///< of looks; 0 is without end
 };
 
+/// How the output of a virtual printer is divided into receipts.
+enum class ReceiptPer { Cut, Job, Connection };
+
 struct SimulateOptions {
   std::string listen;
   std::vector<std::string> settings;    ///< key=value each
   std::optional<std::string> receipts;  ///< a folder
+  ReceiptPer per = ReceiptPer::Job;
+  bool strict = false;
   std::optional<std::string> control;
 };
 

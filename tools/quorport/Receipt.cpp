@@ -38,6 +38,10 @@ std::string writePaper(const simulator::Paper& paper, const std::string& file) {
   if (bytes.empty() && isPicture(file)) {
     return "the receipt " + inQuotes(file) + " cannot be drawn";
   }
+  return writeFile(bytes, file);
+}
+
+std::string writeFile(const std::string& bytes, const std::string& file) {
   std::ofstream out(file, std::ios::binary | std::ios::trunc);
   out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   out.close();

@@ -16,6 +16,9 @@ namespace quordalvane::tool {
 /// Returns "" or why it could not.
 std::string writePaper(const simulator::Paper& paper, const std::string& file);
 
+/// Writes the bytes to a file. Returns an empty text, or the reason if it could not.
+std::string writeFile(const std::string& bytes, const std::string& file);
+
 /// The file that a job on the printer that is built in leaves behind.
 class Receipt {
  public:

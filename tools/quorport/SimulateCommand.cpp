@@ -43,9 +43,19 @@ Report simulate(const Options& options, const Surroundings& surroundings) {
     places.controls = listenPrivatelyAt(*options.simulate.control, "--control");
   }
   places.hosts = listenAt(options.simulate.listen);
-  Server(printer.state(), printer.faults(), std::move(places), surroundings.streams, options.json)
-      .run();
-  return {};
+  const unsigned long notOk =
+      Server(
+          printer.state(), printer.faults(), std::move(places),
+          {.asJson = options.json, .strict = options.simulate.strict, .per = options.simulate.per},
+          surroundings.streams)
+          .run();
+  Report report;
+  if (notOk > 0) {
+    report.code = ExitCode::ExchangeFailed;
+    report.error = std::to_string(notOk) +
+                   " of the jobs held something that this printer does not know, or was cut off";
+  }
+  return report;
 }
 
 }  // namespace quordalvane::tool

@@ -37,12 +37,34 @@ ReceiptFolder::ReceiptFolder(std::string folder) : folder_(std::move(folder)) {
   }
 }
 
-std::string ReceiptFolder::add(const simulator::Paper& paper) {
+std::string ReceiptFolder::nextName() {
   std::string digits = std::to_string(++last_);
   digits.insert(0, leastDigits - std::min(leastDigits, digits.size()), '0');
-  const std::string file = folder_ + "/" + std::string(prefix) + digits;
-  const std::string why = writePaper(paper, file + ".txt");
-  return why.empty() ? writePaper(paper, file + ".png") : why;
+  return folder_ + "/" + std::string(prefix) + digits;
+}
+
+ReceiptFolder::Written ReceiptFolder::add(const std::vector<simulator::Paper>& papers) {
+  Written written;
+  for (const simulator::Paper& paper : papers) {
+    const std::string name = nextName();
+    for (const char* const ending : {".txt", ".png"}) {
+      written.error = writePaper(paper, name + ending);
+      if (!written.error.empty()) {
+        return written;
+      }
+      written.files.push_back(name + ending);
+    }
+  }
+  return written;
+}
+
+std::string ReceiptFolder::addBeside(const std::vector<std::string>& files,
+                                     const std::string& text) {
+  if (files.empty()) {
+    return "";
+  }
+  const auto file = std::filesystem::path(files.front()).replace_extension(".json").string();
+  return writeFile(text, file);
 }
 
 }  // namespace quordalvane::tool

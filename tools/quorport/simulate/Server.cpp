@@ -7,6 +7,7 @@
 
 #include "logging/DescriptorOutput.h"
 #include "tools/quorport/Report.h"
+#include "tools/quorport/simulate/JobReport.h"
 
 namespace quordalvane::tool {
 namespace {
@@ -44,9 +45,9 @@ bool endsInCut(const simulator::Paper& paper) {
 }  // namespace
 
 Server::Server(simulator::PrinterState state, simulator::Faults faults, Places places,
-               const Streams& streams, bool asJson)
+               Habits habits, const Streams& streams)
     : streams_(streams),
-      asJson_(asJson),
+      habits_(habits),
       places_(std::move(places)),
       printer_(std::move(state)),
       links_(printer_, std::move(faults)),
@@ -55,7 +56,7 @@ Server::Server(simulator::PrinterState state, simulator::Faults faults, Places p
   printer_.keepJobs([this](const simulator::Paper& paper) { keep(paper); });
 }
 
-void Server::run() {
+unsigned long Server::run() {
   workForHost(readClock());  // where it listens is the first line, before any answer
   for (Instant now = readClock(); !isDone(now); now = readClock()) {
     work(now);
@@ -64,6 +65,7 @@ void Server::run() {
   host_.reset();
   links_.end();
   keep(printer_.tearOff());
+  return jobsNotOk_;
 }
 
 void Server::sleep(Instant now) {
@@ -166,8 +168,8 @@ void Server::announce() {
 }
 
 std::string Server::announcement(const std::string& place) const {
-  return asJson_ ? inOneLine({{"listening", Json::array({place})}}) + "\n"
-                 : "listening " + place + "\n";
+  return habits_.asJson ? inOneLine({{"listening", Json::array({place})}, {"web", nullptr}}) + "\n"
+                        : "listening " + place + "\n";
 }
 
 void Server::workForControls(Instant now) {
@@ -198,7 +200,7 @@ void Server::collectPaper(Instant now) {
 // follows ends it. None while its end cannot be told.
 std::optional<Instant> Server::endOfJob() const {
   const auto lastReceived = host_ ? host_->lastReceived() : std::nullopt;
-  if (!lastReceived || !endsInCut(printer_.paper())) {
+  if (habits_.per == ReceiptPer::Connection || !lastReceived || !endsInCut(printer_.paper())) {
     return std::nullopt;
   }
   return *lastReceived + quietTime;
@@ -208,11 +210,32 @@ void Server::keep(const simulator::Paper& paper) {
   if (paper.goesOn()) {
     complain("the paper grew too long and was torn off; the job goes on on the next one", streams_);
   }
-  if (places_.receipts == nullptr || paper.items().empty()) {
+  if (paper.items().empty() && paper.record().isEmpty()) {
     return;
   }
-  if (const std::string why = places_.receipts->add(paper); !why.empty()) {
+  ReceiptFolder::Written written;
+  if (places_.receipts != nullptr && !paper.items().empty()) {
+    written = places_.receipts->add(habits_.per == ReceiptPer::Cut ? piecesOf(paper)
+                                                                   : std::vector{paper});
+  }
+  if (!written.error.empty()) {
+    complain(written.error, streams_);
+  }
+  report(paper, std::move(written.files));
+}
+
+void Server::report(const simulator::Paper& paper, std::vector<std::string> files) {
+  const JobReport job{.job = ++jobs_,
+                      .printer = announced_,
+                      .ok = !habits_.strict || paper.record().isClean(),
+                      .files = std::move(files)};
+  jobsNotOk_ += job.ok ? 0 : 1;
+  const std::string line = inOneLine(inJson(job, paper.record())) + "\n";
+  if (const std::string why = ReceiptFolder::addBeside(job.files, line); !why.empty()) {
     complain(why, streams_);
+  }
+  if (habits_.asJson) {
+    writeAll(streams_.out, line);
   }
 }
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "simulator/VirtualPrinter.h"
+#include "tools/quorport/Options.h"
 #include "tools/quorport/Signals.h"
 #include "tools/quorport/Streams.h"
 #include "tools/quorport/simulate/Control.h"
@@ -32,11 +33,18 @@ class Server {
     std::unique_ptr<ReceiptFolder> receipts;  ///< null for none
   };
 
-  Server(simulator::PrinterState state, simulator::Faults faults, Places places,
-         const Streams& streams, bool asJson);
+  struct Habits {
+    bool asJson = false;
+    bool strict = false;  ///< a job that could not be printed as it was meant is not ok
+    ReceiptPer per = ReceiptPer::Job;
+  };
 
-  /// Serves until SIGINT, SIGTERM, SIGHUP or a control line ends it.
-  void run();
+  Server(simulator::PrinterState state, simulator::Faults faults, Places places, Habits habits,
+         const Streams& streams);
+
+  /// Serves until SIGINT, SIGTERM, SIGHUP or a control line ends it. Returns how many jobs were not
+  /// ok.
+  unsigned long run();
 
  private:
   void sleep(simulator::Instant now);
@@ -52,16 +60,19 @@ class Server {
   void collectPaper(simulator::Instant now);
   std::optional<simulator::Instant> endOfJob() const;
   void keep(const simulator::Paper& paper);
+  void report(const simulator::Paper& paper, std::vector<std::string> files);
   bool isDone(simulator::Instant now);
 
   const Streams streams_;
-  const bool asJson_;
+  const Habits habits_;
   StopSignals signals_;
   Places places_;  // outlives the printer, which ends its last job at its end
   simulator::VirtualPrinter printer_;
   Links links_;
   Control control_;
   std::string announced_;
+  unsigned long jobs_ = 0;
+  unsigned long jobsNotOk_ = 0;
   std::optional<HostConnection> host_;
   std::list<ControlChannel> channels_;
   std::optional<simulator::Instant> quitAt_;  // since a line asked for the end: at the latest

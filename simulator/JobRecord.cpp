@@ -1,0 +1,68 @@
+#include "simulator/JobRecord.h"
+
+#include <algorithm>
+
+#include "simulator/HexText.h"
+
+namespace quordalvane::simulator {
+namespace {
+
+constexpr std::size_t mostBytes = 16;
+
+JobRecord::Bytes beginningOf(JobRecord::ByteView bytes) {
+  const auto shown = bytes.first(std::min(bytes.size(), mostBytes));
+  return {shown.begin(), shown.end()};
+}
+
+std::string nameOf(std::uint8_t byte) {
+  switch (byte) {
+    case 0x10:
+      return "DLE";
+    case 0x1b:
+      return "ESC";
+    case 0x1c:
+      return "FS";
+    case 0x1d:
+      return "GS";
+    default:
+      return byte > 0x20 && byte < 0x7f ? std::string(1, static_cast<char>(byte))
+                                        : hexText({&byte, 1});
+  }
+}
+
+}  // namespace
+
+bool JobRecord::isEmpty() const {
+  return cuts == 0 && drawer == 0 && beeps == 0 && codePages_.empty() && isClean();
+}
+
+void JobRecord::noteCodePage(std::uint8_t number) {
+  if (std::find(codePages_.begin(), codePages_.end(), number) == codePages_.end()) {
+    codePages_.push_back(number);
+  }
+}
+
+void JobRecord::noteQuestion(ByteView command, ByteView answer) {
+  if (asked_.size() < longestList) {
+    asked_.push_back({beginningOf(command), Bytes(answer.begin(), answer.end())});
+  }
+}
+
+void JobRecord::noteUnknown(std::uint64_t offset, ByteView command) {
+  if (unknown_.size() < longestList) {
+    const std::string name = nameOf(command[0]) + " " + nameOf(command[1]);
+    unknown_.push_back({offset, beginningOf(command), name});
+  }
+}
+
+void JobRecord::noteCutOff(std::uint64_t offset, ByteView command) {
+  if (unknown_.size() < longestList) {
+    unknown_.push_back({offset, beginningOf(command), "cut off"});
+  }
+}
+
+void JobRecord::noteMissing(std::uint8_t byte, std::uint8_t page) {
+  missing_.insert(hexText({&byte, 1}) + " in page " + std::to_string(page));
+}
+
+}  // namespace quordalvane::simulator

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstdint>
+#include <set>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace quordalvane::simulator {
+
+/// The events of a job that leave no ink, and the parts of it that the printer could not print.
+/// Each list is cut short after `longestList` entries, so that no job makes it grow without end.
+class JobRecord {
+ public:
+  using Bytes = std::vector<std::uint8_t>;
+  using ByteView = std::span<const std::uint8_t>;
+
+  struct Question {
+    Bytes command;
+    Bytes answer;
+  };
+
+  struct Unknown {
+    std::uint64_t offset;  ///< of its first byte in the job as it was received
+    Bytes bytes;           ///< the first of them
+    std::string name;      ///< like "GS y"; "cut off" for a command without its end
+  };
+
+  static constexpr std::size_t longestList = 1000;
+
+  unsigned cuts = 0;
+  unsigned drawer = 0;  ///< pulses
+  unsigned beeps = 0;
+
+  const std::vector<std::uint8_t>& codePages() const { return codePages_; }
+  const std::vector<Question>& asked() const { return asked_; }
+  const std::vector<Unknown>& unknown() const { return unknown_; }
+
+  /// Bytes that the selected code page has no character for, like "81 in page 16".
+  const std::set<std::string>& missing() const { return missing_; }
+
+  /// True if the printer could print all of the job as it was meant.
+  bool isClean() const { return unknown_.empty() && missing_.empty(); }
+
+  /// True if nothing happened but questions.
+  bool isEmpty() const;
+
+  void noteCodePage(std::uint8_t number);
+  void noteQuestion(ByteView command, ByteView answer);
+  void noteUnknown(std::uint64_t offset, ByteView command);
+  void noteCutOff(std::uint64_t offset, ByteView command);
+  void noteMissing(std::uint8_t byte, std::uint8_t page);
+
+ private:
+  std::vector<std::uint8_t> codePages_;
+  std::vector<Question> asked_;
+  std::vector<Unknown> unknown_;
+  std::set<std::string> missing_;
+};
+
+}  // namespace quordalvane::simulator
