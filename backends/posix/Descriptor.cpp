@@ -100,10 +100,14 @@ std::ptrdiff_t Descriptor::receiveUntil(std::uint8_t* buffer, std::size_t maxLen
 }
 
 std::ptrdiff_t Descriptor::send(const std::uint8_t* bytes, std::size_t length) const {
-  return uninterrupted([&] {
+  const std::ptrdiff_t count = uninterrupted([&] {
     return kind_ == Kind::Socket ? ::send(number_, bytes, length, MSG_DONTWAIT | MSG_NOSIGNAL)
                                  : ::write(number_, bytes, length);
   });
+  const bool isUsb = kind_ == Kind::UsbPrinter || kind_ == Kind::MuteUsbPrinter;
+  // The driver reports a transfer that broke off as if nothing had been sent. The printer may have
+  // got any part of it, so all of it counts as taken; the next call fails.
+  return count < 0 && errno == EIO && isUsb ? static_cast<std::ptrdiff_t>(length) : count;
 }
 
 short Descriptor::pollUntil(short events, SteadyTime deadline) const {

@@ -282,6 +282,17 @@ TEST(UsbLink, APrinterThatOnlyTakesBytesIsNotLostByItsSilence) {
   EXPECT_EQ(driver.link->write(&byte, 1), 1);
 }
 
+TEST(UsbLink, ATransferThatBrokeOffCountsAsTakenBecauseItMayHaveArrived) {
+  const auto pulled = test::openPseudoTerminal();
+  const int line = ::open(pulled.line.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+  ::close(pulled.master);  // a write fails with EIO from now on, as that of the driver does
+  const Descriptor driver(line, Descriptor::Kind::UsbPrinter);
+  const std::uint8_t bytes[] = {1, 2, 3};
+  EXPECT_EQ(driver.send(bytes, 3), 3);
+  std::uint8_t heard = 0;
+  EXPECT_EQ(driver.receive(&heard, 1), 0) << "the end is seen by the next call";
+}
+
 TEST(UsbLink, HasBytesUnderWayAsLongAsTheDriverTakesNoMore) {
   int ends[2];
   ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0, ends), 0);
