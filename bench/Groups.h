@@ -21,6 +21,7 @@ Rows silentDevice();         // B11
 Rows openAndClose();         // B12
 Rows virtualTime();          // B13
 Rows systemCalls();          // B14
+Rows journal();              // B19
 
 GrowthTable growingPorts();
 GrowthTable growingJobs();

@@ -27,6 +27,7 @@ constexpr std::array groups = {
     Group{"B8", stalledSink},         Group{"B10", lateReplies},
     Group{"B11", silentDevice},       Group{"B12", openAndClose},
     Group{"B13", virtualTime},        Group{"B14", systemCalls},
+    Group{"B19", journal},
 };
 
 constexpr std::array growths = {growingPorts, growingJobs, growingLoggers};
