@@ -1,5 +1,8 @@
 """Two programs and one serial line, behind which the virtual printer is."""
 
+import fcntl
+import os
+
 from harness import Case, eventually, main, run, start
 
 
@@ -9,17 +12,27 @@ class SerialLine(Case):
 
     def test_a_second_program_is_refused_before_anything_is_sent(self):
         printer = self.slow_printer()
+        line = os.open(printer.place.removeprefix("serial:"), os.O_RDWR | os.O_NOCTTY)
+        self.addCleanup(os.close, line)
+        fcntl.flock(line, fcntl.LOCK_EX)
+        result = run("-d", printer.place, "print", self.file("job", b"a line\n"), "--json")
+        self.assertExit(4, result)
+        answer = result.json()
+        self.assertEqual((answer["outcome"], answer["bytesAccepted"]), ("refused", 0))
+        self.assertIn("in use by another program: ", answer["error"])
+        self.assertIn(f"(process {os.getpid()})", answer["error"])
+        self.assertEqual(printer.state()["printedBytes"], 0)
+
+    def test_a_query_is_refused_while_a_job_prints_and_the_job_goes_on(self):
+        printer = self.slow_printer()
         long = self.file("long", b"".join(b"line %03d of the first\n" % i for i in range(200)))
-        short = self.file("short", b"the second\n")
         first = start("-d", printer.place, "print", long, "--json")
         eventually(lambda: printer.state()["printedBytes"] > 100, "the first job prints")
-        second = run("-d", printer.place, "print", short, "--json")
+        second = run("-d", printer.place, "online", "--json")
         self.assertExit(4, second)
-        answer = second.json()
-        self.assertEqual(answer["outcome"], "refused")
-        self.assertEqual(answer["bytesAccepted"], 0)
-        self.assertIn(f"in use by another program: quorport (process {first.pid})", answer["error"])
-        self.assertEqual(first.wait(60), 0)
+        self.assertIn(f"in use by another program: quorport (process {first.pid})", second.json()["error"])
+        first.communicate()
+        self.assertEqual(first.returncode, 0)
 
     def test_a_program_that_is_killed_leaves_the_line_to_the_next(self):
         printer = self.slow_printer()
