@@ -35,10 +35,16 @@ void CheckedBlock::bytesRead(ByteView bytes) {
 }
 
 MaybeSetback CheckedBlock::begin() {
+  if (auto setback = prepare()) {
+    return setback;
+  }
   if (auto setback = beginOnPort()) {
     return setback;
   }
-  auto setback = synchronise();
+  if (auto setback = synchronise()) {
+    return setback;
+  }
+  auto setback = markBeginning();
   isBeginning_ = false;
   return setback;
 }
@@ -62,14 +68,19 @@ MaybeSetback CheckedBlock::beginOnPort() {
     return Setback{PrintObstacle::PrinterNotReady, "paper was left in the printer's exit"};
   }
   if (!isExchanged) {
-    return link().failedExchange(
-        "the printer gave no status, or did not reset its counter, within " +
-        inSeconds(port.timeoutMillis()));
+    return link().failedExchange(whyNotBegun());
   }
   if (status_.offline != 0) {
     return Setback{PrintObstacle::PrinterNotReady, whyOffline(status_)};
   }
-  return judgeBeginning();
+  return std::nullopt;
+}
+
+std::string CheckedBlock::whyNotBegun() const {
+  if (status_.rawLength == 0 || status_.etbCounter == 0) {
+    return whyNoAnswer();
+  }
+  return "the printer did not reset its counter within " + inSeconds(link().port().timeoutMillis());
 }
 
 /// One exchange after the block's data cancel, once all earlier questions are answered. Its answer
@@ -81,18 +92,20 @@ MaybeSetback CheckedBlock::synchronise() {
     return setback;
   }
   answers_.forgetSurplus();
-  if (auto setback = link().send(request())) {
-    return setback;
-  }
-  if (auto setback = awaitAnswers()) {
+  if (auto setback = exchange(request())) {
     return setback;
   }
   return judgeReadiness();
 }
 
+MaybeSetback CheckedBlock::exchange(ByteView command) {
+  auto setback = link().send(command);
+  return setback ? setback : awaitAnswers();
+}
+
 /// Reads until the printer owes no answer.
 MaybeSetback CheckedBlock::awaitAnswers() {
-  if (link().await([this] { return !answers_.isAnyOwed(); }, link().timeout())) {
+  if (link().await([this](ByteView) { return !answers_.isAnyOwed(); }, link().timeout())) {
     return std::nullopt;
   }
   return link().failedExchange(whyNoAnswer());
@@ -102,8 +115,10 @@ std::string CheckedBlock::whyNoAnswer() const {
   if (!answers_.last().empty()) {
     return "the printer has not answered all that it was asked";
   }
-  return answers_.isAnyOdd() ? "the printer's answer is not a status of this emulation"
-                             : "the printer does not answer";
+  return answers_.isAnyOdd()
+             ? "the printer's answer is not a status of this emulation"
+             : "the printer does not answer; it may be switched off, set to another "
+               "emulation, or in use by another program";
 }
 
 /// Ends the guarded stretch of a block that is not gone on with. A printer that was given a data
@@ -133,13 +148,7 @@ MaybeSetback CheckedBlock::judgeEnd(ByteView data, const std::string& failure) {
   if (obstacle) {
     return Setback{PrintObstacle::NoProof, "cannot be confirmed: " + *obstacle};
   }
-  if (isProven()) {
-    return std::nullopt;
-  }
-  if (status_.offline != 0) {
-    return Setback{PrintObstacle::PrinterNotReady, whyOffline(status_)};
-  }
-  return Setback{PrintObstacle::NoProof, whyUnproven()};
+  return judgeProof();
 }
 
 /// Returns why the block did not end; "" if it did.
@@ -148,7 +157,7 @@ std::string CheckedBlock::endBlock() {
   const auto start = link().now();
   bool hasEnded = false;
   try {
-    hasEnded = link().within(limit + timeToLeave, [this] { return endOnPort(); });
+    hasEnded = link().within(limit + timeToLeave, [this] { return endInTime(); });
   } catch (const PortException&) {
     return "the link did not take a request";
   } catch (const PortLink::TimeUp&) {

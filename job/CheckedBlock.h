@@ -25,32 +25,37 @@ class CheckedBlock : public Proof {
   CheckedBlock(PortLink& link, PrintResult& result);
 
   const OwedAnswers& answers() const { return answers_; }
+
+  /// Sends `command`, which ends in a request, and waits until the printer owes no answer.
+  MaybeSetback exchange(ByteView command);
+  MaybeSetback awaitAnswers();
   QuorPrinterStatus_2& status() { return status_; }
   const QuorPrinterStatus_2& status() const { return status_; }
 
  private:
+  /// Refuses a printer on which no block may begin.
+  virtual MaybeSetback prepare() = 0;
+
   /// A request for one status answer.
   virtual ByteView request() const = 0;
 
-  /// Judges the status after the block has begun, and after all questions were answered.
-  /// @{
-  virtual MaybeSetback judgeBeginning() = 0;
+  /// Judges the status after all questions were answered.
   virtual MaybeSetback judgeReadiness() = 0;
-  /// @}
 
-  /// Ends the block on the port. Returns the port's result.
-  virtual bool endOnPort() = 0;
+  /// Sends a mark before the data, so that a printer that is switched off and on during the job,
+  /// and counts from 0 again, misses it at the end.
+  virtual MaybeSetback markBeginning() = 0;
 
-  /// Whether the printer's sign for this job was seen. The end of the block alone proves nothing:
-  /// an off-line printer ends it as well.
-  virtual bool isProven() const = 0;
+  /// Ends the block and waits. False if it did not end.
+  virtual bool endInTime() = 0;
 
-  /// Why a block that ended on a printer that is on line proves nothing.
-  virtual std::string whyUnproven() const = 0;
+  /// Judges a block that has ended. The end alone proves nothing: an off-line printer ends it as
+  /// well.
+  virtual MaybeSetback judgeProof() const = 0;
 
   MaybeSetback beginOnPort();
+  std::string whyNotBegun() const;
   MaybeSetback synchronise();
-  MaybeSetback awaitAnswers();
   std::string whyNoAnswer() const;
   std::string endBlock();
   std::string whyNotEnded(std::chrono::nanoseconds waited) const;

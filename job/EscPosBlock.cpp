@@ -1,15 +1,21 @@
 #include "job/EscPosBlock.h"
 
-#include <utility>
+#include <string>
 
 #include "iphone-IOPort/Commands.h"
 #include "iphone-IOPort/PortC.h"
+#include "job/RealTimeStatus.h"
+#include "job/StatusText.h"
 
 namespace quordalvane {
 namespace {
 
 constexpr std::uint32_t statusLevel = 2;
 constexpr std::uint8_t countOfOneMark = 1;
+constexpr std::uint8_t countOfTwoMarks = 2;
+
+// A mark, and a question whose answer follows the mark's report or shows that there is none.
+constexpr std::uint8_t markAndRequest[] = {0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00, 0x10, 0x04, 0x01};
 
 // How long a port may go on once the printer's report has been seen.
 constexpr auto timeToEnd = std::chrono::seconds(2);
@@ -20,11 +26,10 @@ ByteView EscPosBlock::request() const {
   return realTimeStatusRequest;
 }
 
-MaybeSetback EscPosBlock::judgeBeginning() {
-  if (!result().status) {
-    return link().failedExchange("the printer does not answer");
-  }
-  return std::nullopt;
+/// The port's beginning drops what the printer holds. A printer that is off line may hold an
+/// earlier job that it will print, so it is asked before.
+MaybeSetback EscPosBlock::prepare() {
+  return refuseUnready(link(), result());
 }
 
 MaybeSetback EscPosBlock::judgeReadiness() {
@@ -34,14 +39,33 @@ MaybeSetback EscPosBlock::judgeReadiness() {
   return std::nullopt;
 }
 
+MaybeSetback EscPosBlock::markBeginning() {
+  report_.clear();
+  if (auto setback = exchange(markAndRequest)) {
+    return setback;
+  }
+  link().await([this](ByteView) { return report_.lastCount().has_value(); }, link().timeout());
+  isFirstMarkReported_ = report_.lastCount() == countOfOneMark;
+  if (report_.lastCount() && !isFirstMarkReported_) {
+    return Setback{PrintObstacle::ExchangeFailed,
+                   "the end of an earlier job was counted for this one before it began"};
+  }
+  return std::nullopt;
+}
+
+/// A printer that has not reported the first mark will not report the second: nothing to wait for.
 MaybeSetback EscPosBlock::end(ByteView data) {
+  if (!isFirstMarkReported_) {
+    leave();
+    return Setback{PrintObstacle::NoProof, "this printer does not report the end of a job"};
+  }
   link().drain();
   report_.clear();
   return CheckedBlock::end(data);
 }
 
 /// As the port ends a block; with a last status also if the port had to be left before.
-bool EscPosBlock::endOnPort() {
+bool EscPosBlock::endInTime() {
   awaitsReport_ = true;
   try {
     const bool hasEnded = link().port().endCheckedBlock(&status(), statusLevel);
@@ -60,7 +84,7 @@ void EscPosBlock::bytesRead(ByteView bytes) {
 
 /// A port counts only a report in one piece, and would wait for another to its time-out.
 void EscPosBlock::stopIfReported() {
-  if (!awaitsReport_ || report_.lastCount() != countOfOneMark) {
+  if (!awaitsReport_ || report_.lastCount() != countOfTwoMarks) {
     return;
   }
   reportedAt_ = reportedAt_.value_or(link().now());
@@ -70,16 +94,25 @@ void EscPosBlock::stopIfReported() {
   }
 }
 
-bool EscPosBlock::isProven() const {
-  return report_.lastCount() == countOfOneMark;
-}
-
-std::string EscPosBlock::whyUnproven() const {
-  if (const auto count = report_.lastCount()) {
-    return "the printer reported " + std::to_string(*count) + " ends of jobs instead of this one's";
+MaybeSetback EscPosBlock::judgeProof() const {
+  const auto count = report_.lastCount();
+  if (count == countOfTwoMarks) {
+    return std::nullopt;
   }
-  return "the printer was off line for a while or garbled its report, and has not reported the end "
-         "of the job";
+  if (status().offline != 0) {
+    return Setback{PrintObstacle::PrinterNotReady, whyOffline(status())};
+  }
+  if (!count) {
+    return Setback{PrintObstacle::NoProof,
+                   "the printer was off line for a while or garbled its report, and has not "
+                   "reported the end of the job"};
+  }
+  if (*count < countOfTwoMarks) {
+    return Setback{PrintObstacle::NoProof,
+                   "the printer lost its count during the job, as one that is switched off and on"};
+  }
+  return Setback{PrintObstacle::NoProof, "the printer reported " + std::to_string(*count - 1) +
+                                             " ends of jobs instead of this one's"};
 }
 
 }  // namespace quordalvane

@@ -2,14 +2,13 @@
 
 #include <chrono>
 #include <optional>
-#include <string>
 
 #include "job/BlockReport.h"
 #include "job/CheckedBlock.h"
 
 namespace quordalvane {
 
-/// The checked block of ESC/POS: the printer reports the end of the job by itself.
+/// The checked block of ESC/POS: the printer reports each mark by itself.
 class EscPosBlock final : public CheckedBlock {
  public:
   EscPosBlock(PortLink& link, PrintResult& result) : CheckedBlock(link, result) {}
@@ -21,14 +20,15 @@ class EscPosBlock final : public CheckedBlock {
   struct Reported {};
 
   ByteView request() const override;
-  MaybeSetback judgeBeginning() override;
+  MaybeSetback prepare() override;
   MaybeSetback judgeReadiness() override;
-  bool endOnPort() override;
-  bool isProven() const override;
-  std::string whyUnproven() const override;
+  MaybeSetback markBeginning() override;
+  bool endInTime() override;
+  MaybeSetback judgeProof() const override;
   void stopIfReported();
 
   BlockReport report_;
+  bool isFirstMarkReported_ = false;
   bool awaitsReport_ = false;
   std::optional<std::chrono::nanoseconds> reportedAt_;  // when the report was first seen
 };

@@ -35,6 +35,9 @@ PrintResult JobRun::run(ByteView data) {
 
 void JobRun::print(ByteView data) {
   link_.goOn();
+  if (data.empty()) {
+    return stop({PrintObstacle::NoProof, "there is nothing to print"});
+  }
   enter(PrintStage::Begin);
   if (const auto setback = proof_->begin()) {
     proof_->leave();

@@ -1,6 +1,7 @@
 #include "job/LineModeBlock.h"
 
 #include <algorithm>
+#include <chrono>
 
 #include "iphone-IOPort/PortC.h"
 #include "job/StatusBlock.h"
@@ -14,6 +15,18 @@ constexpr std::uint32_t statusLevel = 2;
 constexpr std::uint8_t countOfTwoMarks = 2;
 constexpr std::uint32_t lengthWithCounter = 7;
 
+constexpr std::uint8_t mark[] = {0x17};
+constexpr std::uint8_t markAndEnd[] = {0x17, 0x1b, 0x1d, 0x03, 0x04, 0x00, 0x00};
+constexpr auto earlierJobCounted =
+    "the end of an earlier job was counted for this one before it began";
+
+// A printer that holds nothing counts a mark as soon as it receives it.
+constexpr auto timeToCount = std::chrono::seconds(1);
+
+// As the port: limits count in whole seconds, and may pass by the rest of one.
+constexpr auto wholeSecond = std::chrono::seconds(1);
+constexpr std::uint64_t endPollMicroseconds = 100000;
+
 bool hasCounter(const QuorPrinterStatus_2& status) {
   return isStatusBlock(status) && status.rawLength >= lengthWithCounter;
 }
@@ -24,38 +37,101 @@ ByteView LineModeBlock::request() const {
   return escAckSoh;
 }
 
-MaybeSetback LineModeBlock::judgeReadiness() {
+/// Fills the record from the last answer.
+void LineModeBlock::takeStatus() {
   const auto& block = answers().last();
   QuorPrinterStatus_2& now = status();
   now.rawLength = static_cast<std::uint32_t>(block.size());
   std::copy(block.begin(), block.end(), now.raw);
   BuildParsedStatus(&now);
   result().status = now;
-  if (!hasCounter(now)) {
+}
+
+MaybeSetback LineModeBlock::judgeReadiness() {
+  takeStatus();
+  if (!hasCounter(status())) {
     return Setback{PrintObstacle::ExchangeFailed,
-                   "the printer's status of " + grouped(block.size()) +
+                   "the printer's status of " + grouped(status().rawLength) +
                        " bytes holds no counter, without which no job can be confirmed"};
   }
-  if (now.offline != 0) {
-    return Setback{PrintObstacle::PrinterNotReady, whyOffline(now)};
+  if (status().offline != 0) {
+    return Setback{PrintObstacle::PrinterNotReady, whyOffline(status())};
   }
-  if (now.etbCounter != 0) {
-    return Setback{PrintObstacle::ExchangeFailed,
-                   "the end of an earlier job was counted for this one before it began"};
+  if (status().etbCounter != 0) {
+    return Setback{PrintObstacle::ExchangeFailed, earlierJobCounted};
   }
   return std::nullopt;
 }
 
-bool LineModeBlock::endOnPort() {
-  return link().port().endCheckedBlock(&status(), statusLevel);
+/// A printer that does not count the mark soon is trusted to count both marks of the port's end.
+MaybeSetback LineModeBlock::markBeginning() {
+  if (auto setback = link().send(mark)) {
+    return setback;
+  }
+  const auto start = link().now();
+  do {
+    if (auto setback = exchange(request())) {
+      return setback;
+    }
+    takeStatus();
+    if (hasCounter(status()) && status().etbCounter > 1) {
+      return Setback{PrintObstacle::ExchangeFailed, earlierJobCounted};
+    }
+    isFirstMarkCounted_ = hasCounter(status()) && status().etbCounter == 1;
+    if (!isFirstMarkCounted_) {
+      link().pause();
+    }
+  } while (!isFirstMarkCounted_ && link().now() - start < timeToCount);
+  return std::nullopt;
 }
 
-bool LineModeBlock::isProven() const {
-  return hasCounter(status()) && status().offline == 0 && status().etbCounter == countOfTwoMarks;
+bool LineModeBlock::endInTime() {
+  const bool hasEnded = isFirstMarkCounted_ ? !link().send(markAndEnd) && awaitCount()
+                                            : link().port().endCheckedBlock(&status(), statusLevel);
+  return hasEnded && confirm();
 }
 
-std::string LineModeBlock::whyUnproven() const {
-  return "the printer's last answer is not a status with a counter";
+/// The wait of the port's own end, for one mark.
+bool LineModeBlock::awaitCount() {
+  const auto limit = std::chrono::milliseconds(link().port().endCheckedBlockTimeoutMillis());
+  const auto start = link().now();
+  while (true) {
+    const bool isAnswered = link().port().getParsedStatus(&status(), statusLevel);
+    if (isAnswered && (status().offline != 0 || status().etbCounter == countOfTwoMarks)) {
+      return true;
+    }
+    if (link().now() - start > limit + wholeSecond) {
+      return false;
+    }
+    link().port().platform().clock().usleep(endPollMicroseconds);
+  }
+}
+
+/// Asks once more after the sign: one answer may be garbled, or another exchange's.
+bool LineModeBlock::confirm() {
+  if (status().offline != 0 || status().etbCounter != countOfTwoMarks) {
+    return true;
+  }
+  isConfirmed_ = link().port().getParsedStatus(&status(), statusLevel) && hasCounter(status()) &&
+                 status().etbCounter == countOfTwoMarks;
+  return true;
+}
+
+MaybeSetback LineModeBlock::judgeProof() const {
+  if (status().offline != 0) {
+    return Setback{PrintObstacle::PrinterNotReady, whyOffline(status())};
+  }
+  if (!isConfirmed_) {
+    return Setback{PrintObstacle::NoProof, "the printer's last two answers do not agree"};
+  }
+  if (!hasCounter(status())) {
+    return Setback{PrintObstacle::NoProof,
+                   "the printer's last answer is not a status with a counter"};
+  }
+  if (const std::string errors = errorsIn(status()); !errors.empty()) {
+    return Setback{PrintObstacle::PrinterNotReady, errors};
+  }
+  return std::nullopt;
 }
 
 }  // namespace quordalvane

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <string>
-
 #include "job/CheckedBlock.h"
 
 namespace quordalvane {
@@ -13,11 +11,18 @@ class LineModeBlock final : public CheckedBlock {
 
  private:
   ByteView request() const override;
-  MaybeSetback judgeBeginning() override { return std::nullopt; }
+  MaybeSetback prepare() override { return std::nullopt; }
   MaybeSetback judgeReadiness() override;
-  bool endOnPort() override;
-  bool isProven() const override;
-  std::string whyUnproven() const override;
+  MaybeSetback markBeginning() override;
+  bool endInTime() override;
+  MaybeSetback judgeProof() const override;
+
+  void takeStatus();
+  bool awaitCount();
+  bool confirm();
+
+  bool isFirstMarkCounted_ = false;
+  bool isConfirmed_ = true;  // by a second status
 };
 
 }  // namespace quordalvane

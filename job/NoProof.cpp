@@ -9,8 +9,8 @@ namespace quordalvane {
 NoProof::NoProof(std::string why, PortLink& link, PrintResult& result)
     : Proof(link, result), why_(std::move(why)) {}
 
-MaybeSetback NoProof::end(ByteView data) {
-  return Setback{PrintObstacle::NoProof, data.empty() ? "there was nothing to send" : why_};
+MaybeSetback NoProof::end(ByteView /*data*/) {
+  return Setback{PrintObstacle::NoProof, why_};
 }
 
 ByteView NoProof::dropCommand() const {

@@ -111,17 +111,22 @@ MaybeSetback PortLink::send(ByteView command) {
   return move(command, accepted);
 }
 
-bool PortLink::await(const std::function<bool()>& isDone, std::chrono::nanoseconds limit) {
+bool PortLink::await(const std::function<bool(ByteView)>& isDone, std::chrono::nanoseconds limit) {
   const auto start = now();
-  while (!isDone()) {
-    if (!port_->read(128) || now() - start > limit) {
-      return isDone();
-    }
-    if (!isDone()) {
-      pause();
-    }
+  if (isDone({})) {
+    return true;
   }
-  return true;
+  while (now() - start <= limit) {
+    const auto bytes = port_->read(128);
+    if (!bytes) {
+      return false;
+    }
+    if (isDone(*bytes)) {
+      return true;
+    }
+    pause();
+  }
+  return false;
 }
 
 void PortLink::pause() {

@@ -61,9 +61,12 @@ class PortLink final : private TransferObserver {
   /// The same for a short command of nobody's data.
   MaybeSetback send(ByteView command);
 
-  /// Reads until `isDone` answers true, looking at the link again and again. False when it does not
-  /// within `limit` or the link is lost.
-  bool await(const std::function<bool()>& isDone, std::chrono::nanoseconds limit);
+  /// Sleeps a little before another look at a link that has nothing.
+  void pause();
+
+  /// Reads until `isDone` answers true, which is given the bytes of each read, at first none. False
+  /// when it does not within `limit` or the link is lost.
+  bool await(const std::function<bool(ByteView)>& isDone, std::chrono::nanoseconds limit);
 
   /// Throws away what waits in the input; of a printer that never stops talking, a second of it and
   /// at most a mebibyte.
@@ -92,7 +95,6 @@ class PortLink final : private TransferObserver {
 
   void bytesWritten(ByteView bytes) override;
   void bytesRead(ByteView bytes) override;
-  void pause();
 
   const std::shared_ptr<ExternalAccessoryPort> port_;
   const std::atomic<bool>& cancelled_;

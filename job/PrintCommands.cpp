@@ -64,8 +64,11 @@ struct Form {
   std::optional<PrintCommand> (*tell)(Bytes data);
 };
 
+// The functions of these are named by letters. After any other byte printers disagree about what
+// follows, an end-of-block mark for example.
 std::optional<PrintCommand> countedInTwoBytes(Bytes data) {
-  return counted(5, littleEndian(data, 3, 2));
+  const bool isLetter = (data[2] | 0x20) >= 'a' && (data[2] | 0x20) <= 'z';
+  return isLetter ? counted(5, littleEndian(data, 3, 2)) : std::nullopt;
 }
 
 std::optional<PrintCommand> countedInFourBytes(Bytes data) {

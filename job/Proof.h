@@ -21,8 +21,8 @@ class Proof : public TransferObserver {
   /// may.
   virtual MaybeSetback begin() = 0;
 
-  /// Ends the job and waits for the printer's sign. Success is the proof that the printer has
-  /// printed all of `data`.
+  /// Ends the job, whose `data` is never empty, and waits for the printer's sign. Success is the
+  /// proof that the printer has printed all of `data`.
   virtual MaybeSetback end(ByteView data) = 0;
 
   /// Gives the printer back after a `begin` that had a setback.

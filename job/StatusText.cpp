@@ -36,13 +36,18 @@ std::string whyOffline(const QuorPrinterStatus_2& status) {
   if (status.offline == 0) {
     return "";
   }
+  const std::string words = errorsIn(status);
+  return words.empty() ? "off line" : words;
+}
+
+std::string errorsIn(const QuorPrinterStatus_2& status) {
   std::string words;
   for (const Cause& cause : causes) {
     if (status.*cause.flag != 0) {
       words += (words.empty() ? "" : ", ") + std::string(cause.words);
     }
   }
-  return words.empty() ? "off line" : words;
+  return words;
 }
 
 }  // namespace quordalvane

@@ -10,4 +10,8 @@ namespace quordalvane {
 /// line" when the printer says no more than that; "" for a printer that is on line.
 std::string whyOffline(const QuorPrinterStatus_2& status);
 
+/// The errors that the status reports, in the same words, whether the printer is on line or not; ""
+/// for a status without an error.
+std::string errorsIn(const QuorPrinterStatus_2& status);
+
 }  // namespace quordalvane

@@ -66,15 +66,15 @@ TEST(OddAnswers, ThatCameTwiceAreNotTakenForTheNextOne) {
 
 TEST(OddAnswers, ThatChangeTheirKindDuringTheJobConfirmNothing) {
   Script script;
-  for (int beforeTheData = 0; beforeTheData < 3; ++beforeTheData) {
+  for (int beforeTheMark = 0; beforeTheMark < 3; ++beforeTheMark) {
     script.whenAsked(statusRequest, {{bytes("89 01 00 00 00 00 00 00 05"), 0.0}});
   }
+  script.whenAsked(statusRequest, {{bytes("89 01 00 00 00 00 01 00 05"), 0.0}});
   script.wheneverAsked(statusRequest, {{bytes("09 01 00 00 00 00 02 00 05"), 0.0}});
   const PrintResult result = printOn(script);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
   EXPECT_EQ(result.obstacle, PrintObstacle::NoProof);
-  EXPECT_EQ(result.reason,
-            "the printer's last answer is not a status with a counter after all 8 bytes");
+  EXPECT_EQ(result.reason, "the printer's last two answers do not agree after all 8 bytes");
 }
 
 TEST(OddAnswers, OfAPrinterThatTalksWithoutEndRefuseTheJob) {
@@ -91,8 +91,11 @@ TEST(OddAnswers, OfAPrinterThatWasOffLineForAMomentOnlyConfirmNothing) {
   const auto onLine = bytes("12");
   const auto request = bytes("10 04 01");
   Script script;
-  script.whenAsked(request, {{onLine, 0.0}}).whenAsked(request, {{onLine, 0.0}});
+  for (int beforeTheData = 0; beforeTheData < 4; ++beforeTheData) {
+    script.whenAsked(request, {{onLine, 0.0}});
+  }
   script.whenAsked(request, {{bytes("1a"), 0.0}});
+  script.whenAsked(bytes("1b 1d 03 01 00 00"), {{bytes("1b 1d 03 01 00 00 01 00"), 0.0}});
   for (const char* const any : {"10 04 01", "10 04 02", "10 04 04"}) {
     script.wheneverAsked(bytes(any), {{onLine, 0.0}});
   }
@@ -101,6 +104,21 @@ TEST(OddAnswers, OfAPrinterThatWasOffLineForAMomentOnlyConfirmNothing) {
   EXPECT_EQ(result.reason,
             "the printer was off line for a while or garbled its report, and has not reported the "
             "end of the job after all 8 bytes");
+}
+
+TEST(OddAnswers, ThatAreNoneAreToldWithoutATimeThatDidNotPass) {
+  const PrintResult result = printOn(Script());
+  EXPECT_EQ(result.outcome, PrintOutcome::Refused);
+  EXPECT_EQ(result.reason,
+            "the printer does not answer; it may be switched off, set to another emulation, or in "
+            "use by another program");
+}
+
+TEST(OddAnswers, WithACounterThatIsNotResetSaySo) {
+  const PrintResult result =
+      printOn(Script().wheneverAsked(statusRequest, {{bytes("89 01 00 00 00 00 03 00 05"), 0.0}}));
+  EXPECT_EQ(result.outcome, PrintOutcome::Refused);
+  EXPECT_EQ(result.reason, "the printer did not reset its counter within 2 s");
 }
 
 TEST(OddAnswers, AFullLinkThatIsLostIsALostLink) {

@@ -29,9 +29,11 @@ TEST_P(InBothEmulations, AJobThatCameOutIsPrinted) {
   EXPECT_EQ(till.printed(), receiptText);
 }
 
-TEST_P(InBothEmulations, AnEmptyJobIsPrinted) {
+TEST_P(InBothEmulations, AnEmptyJobIsRefused) {
   Till till(GetParam());
-  EXPECT_EQ(till.print({}).outcome, PrintOutcome::Printed);
+  const PrintResult result = till.print({});
+  EXPECT_EQ(result.outcome, PrintOutcome::Refused);
+  EXPECT_EQ(result.reason, "there is nothing to print");
   EXPECT_EQ(till.printed(), ByteBuffer());
 }
 
@@ -227,13 +229,6 @@ TEST_P(InBothEmulations, AJobWithoutABlockIsNeverCalledPrinted) {
   EXPECT_EQ(result.obstacle, PrintObstacle::NoProof);
   EXPECT_EQ(result.bytesAccepted, receiptText.size());
   EXPECT_EQ(till.printed(), receiptText);
-}
-
-TEST_P(InBothEmulations, AnEmptyJobWithoutABlockHadNothingToSend) {
-  Till till(GetParam());
-  const PrintResult result = PrintJob(till.port, {.checked = false}).run("");
-  EXPECT_EQ(result.outcome, PrintOutcome::Refused);
-  EXPECT_EQ(result.reason, "there was nothing to send");
 }
 
 TEST_P(InBothEmulations, ProgressTellsEachStage) {

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "job/ByteView.h"
+
+namespace quordalvane {
+
+/// The four characters by which a printer names a job whose end it has reached.
+using ProcessId = std::array<std::uint8_t, 4>;
+
+/// Tells the answers of an ESC/POS printer apart, however they are cut into pieces and in whatever
+/// order they arrive. Each is known by its whole form, since the bytes of one may look like
+/// another:
+///
+/// - real-time status, one byte with (b AND 93) = 12;
+/// - in-order status, one byte with (b AND 90) = 00;
+/// - unasked status, four bytes: (b AND 93) = 10, then three with (b AND 90) = 00;
+/// - process ID, 37 22, four characters, 00; drop confirmed, 37 25 00;
+/// - report of a mark, 1b 1d 03 01 00 00 count 00;
+/// - text, 5f, printable characters, 00;
+/// - flow control, 11 and 13, anywhere.
+class EscPosAnswers {
+ public:
+  /// Takes the next bytes that arrived.
+  void feed(ByteView bytes);
+
+  /// The newest answer of each kind; empty if there was none.
+  /// @{
+  std::optional<std::uint8_t> lastRealTimeStatus() const { return realTimeStatus_; }
+  std::optional<std::uint8_t> lastReport() const { return report_; }
+  /// @}
+
+  /// How many in-order answers there were.
+  std::uint64_t inOrderCount() const { return inOrderCount_; }
+
+  /// Whether the printer has named this process ID.
+  bool hasNamed(const ProcessId& id) const;
+
+ private:
+  /// How many bytes the answer at the beginning has: 0 if more must arrive before it is known.
+  std::size_t take();
+  std::size_t takeUnasked() const;
+  std::size_t takeProcessId();
+  std::size_t takeReport();
+  std::size_t takeText() const;
+
+  std::vector<std::uint8_t> bytes_;  // of an answer that has begun
+  std::optional<std::uint8_t> realTimeStatus_;
+  std::optional<std::uint8_t> report_;
+  std::uint64_t inOrderCount_ = 0;
+  std::vector<ProcessId> ids_;
+};
+
+}  // namespace quordalvane

@@ -1,0 +1,97 @@
+// Printers, or other devices, that never stop talking.
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+
+#include "job/PrintJob.h"
+#include "job/PrinterInquiry.h"
+#include "tests/support/ScriptedWorld.h"
+
+namespace quordalvane {
+namespace {
+
+using test::bytes;
+using test::Script;
+
+constexpr const char* patterns[] = {
+    "00",
+    "11 13",
+    "12",
+    "1a",
+    "10 00 00 00",
+    "17",
+    "1b",
+    "37 22 41 41 41 41 00",
+    "48",
+    "89 01 00 00 00 00 00 00 05",
+    "89 01 00 00 00 00 02 00 05",
+    "1b 1d 03 01 00 00 02 00",
+};
+
+/// A byte of the pattern every 30 ms, for longer than anything may take.
+Script chatter(const char* pattern) {
+  const test::Bytes all = bytes(pattern);
+  Script script;
+  for (std::size_t i = 0; i < 4000; ++i) {
+    script.delivers({all[i % all.size()]}, 0.03 * static_cast<double>(i));
+  }
+  return script;
+}
+
+class EndlessBytes : public testing::TestWithParam<std::tuple<const char*, ZKEmulation>> {
+ protected:
+  /// How long `operation` takes on a port with 2 s to each exchange.
+  static std::chrono::nanoseconds timeOf(
+      const std::function<void(const std::shared_ptr<ExternalAccessoryPort>&)>& operation) {
+    const auto& [pattern, emulation] = GetParam();
+    test::ScriptedWorld world(chatter(pattern));
+    const auto port =
+        ExternalAccessoryPort::initWithPortName("BT:", "", 2000, emulation, world.platform());
+    EXPECT_TRUE(port->open());
+    world.start();
+    const auto start = world.platform()->clock().monotonic();
+    operation(port);
+    return world.platform()->clock().monotonic() - start;
+  }
+};
+
+INSTANTIATE_TEST_SUITE_P(Job, EndlessBytes,
+                         testing::Combine(testing::ValuesIn(patterns),
+                                          testing::Values(ZKEmulationQuorLine, ZKEmulationESCPOS)));
+
+TEST_P(EndlessBytes, EndAJobInTimeAndConfirmNothing) {
+  PrintResult result;
+  EXPECT_LT(timeOf([&result](const auto& port) { result = PrintJob(port).run("receipt\n"); }),
+            std::chrono::seconds(25));
+  EXPECT_NE(result.outcome, PrintOutcome::Printed);
+  EXPECT_EQ(result.outcome == PrintOutcome::Refused, result.bytesAccepted == 0);
+  EXPECT_NE(result.reason, "");
+}
+
+TEST_P(EndlessBytes, EndEveryQuestionInTime) {
+  const std::function<void(PrinterInquiry&)> questions[] = {
+      [](PrinterInquiry& inquiry) { inquiry.status(); },
+      [](PrinterInquiry& inquiry) { inquiry.isOnline(); },
+      [](PrinterInquiry& inquiry) { inquiry.firmware(); },
+      [](PrinterInquiry& inquiry) { inquiry.dipSwitches(); },
+      [](PrinterInquiry& inquiry) { inquiry.buttonSecurityTimeout(); },
+      [](PrinterInquiry& inquiry) { inquiry.dropAll(); },
+      [](PrinterInquiry& inquiry) { inquiry.disconnect(); },
+  };
+  for (const auto& question : questions) {
+    const auto time = timeOf([&question](const auto& port) {
+      PrinterInquiry inquiry(port);
+      try {
+        question(inquiry);
+      } catch (const InquiryError& error) {
+        EXPECT_NE(error.what(), std::string());
+      }
+    });
+    EXPECT_LT(time, std::chrono::seconds(22)) << "question " << (&question - questions);
+  }
+}
+
+}  // namespace
+}  // namespace quordalvane
