@@ -78,7 +78,7 @@ struct Drains {
 };
 
 void print(OpenPort& port, std::span<const std::uint8_t> data) {
-  PrintJob job(port.shared(), {.checked = false});
+  PrintJob job(port.shared(), {.proof = ProofKind::None});
   if (job.run(data).bytesAccepted != data.size()) {
     throw std::runtime_error("a job was not sent whole");
   }

@@ -41,7 +41,7 @@ QuorCode quor_print_job_create(QuorPort* port, int32_t checked, QuorProgress pro
                                void* context, QuorPrintJob** job) {
   return guarded([&] {
     given(job, "the place for the job") = nullptr;
-    PrintJob::Options options{.checked = checked != 0};
+    PrintJob::Options options{.proof = checked != 0 ? ProofKind::Auto : ProofKind::None};
     if (progress != nullptr) {
       options.progress = [progress, context](const PrintProgress& now) {
         progress(context, now.bytesAccepted, now.bytesTotal);

@@ -17,6 +17,7 @@ set(QUOR_PUBLIC_HEADERS
   job/PrintJob.h
   job/PrintResult.h
   job/PrinterInquiry.h
+  job/ProofKind.h
   logging/CallbackSink.h
   logging/JsonFileSink.h
   logging/LogDelivery.h

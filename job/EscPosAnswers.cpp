@@ -32,7 +32,7 @@ bool isIdCharacter(std::uint8_t byte) {
 
 }  // namespace
 
-bool EscPosAnswers::hasNamed(const ProcessId& id) const {
+bool EscPosAnswers::hasNamed(const JobId& id) const {
   return std::find(ids_.begin(), ids_.end(), id) != ids_.end();
 }
 

@@ -11,7 +11,7 @@
 namespace quordalvane {
 
 /// The four characters by which a printer names a job whose end it has reached.
-using ProcessId = std::array<std::uint8_t, 4>;
+using JobId = std::array<std::uint8_t, 4>;
 
 /// Tells the answers of an ESC/POS printer apart, however they are cut into pieces and in whatever
 /// order they arrive. Each is known by its whole form, since the bytes of one may look like
@@ -39,7 +39,7 @@ class EscPosAnswers {
   std::uint64_t inOrderCount() const { return inOrderCount_; }
 
   /// Whether the printer has named this process ID.
-  bool hasNamed(const ProcessId& id) const;
+  bool hasNamed(const JobId& id) const;
 
  private:
   /// How many bytes the answer at the beginning has: 0 if more must arrive before it is known.
@@ -53,7 +53,7 @@ class EscPosAnswers {
   std::optional<std::uint8_t> realTimeStatus_;
   std::optional<std::uint8_t> report_;
   std::uint64_t inOrderCount_ = 0;
-  std::vector<ProcessId> ids_;
+  std::vector<JobId> ids_;
 };
 
 }  // namespace quordalvane

@@ -16,9 +16,10 @@ constexpr auto cancelLimit = std::chrono::milliseconds(500);
 
 JobRun::JobRun(const std::shared_ptr<ExternalAccessoryPort>& port, const PrintJob::Options& options,
                const std::atomic<bool>& cancelled)
-    : options_(options),
-      link_(port, cancelled),
-      proof_(makeProof(options.checked, link_, result_)) {
+    : options_(options), link_(port, cancelled), proof_(makeProof(options.proof, link_, result_)) {
+  const bool isLineMode = port->emulation() == ZKEmulationQuorLine;
+  result_.proof = options.proof == ProofKind::Auto && isLineMode ? ProofKind::Block : options.proof;
+  proof_->setWaiting([this](const std::string& reason) { reportWaiting(reason); });
   link_.setListener(proof_.get());
 }
 
@@ -62,7 +63,14 @@ void JobRun::enter(PrintStage stage) {
 
 void JobRun::reportProgress() const {
   if (options_.progress) {
-    options_.progress({stage_, result_.bytesAccepted, result_.bytesTotal});
+    options_.progress({stage_, result_.bytesAccepted, result_.bytesTotal, waitsFor_});
+  }
+}
+
+void JobRun::reportWaiting(const std::string& reason) {
+  if (reason != waitsFor_) {
+    waitsFor_ = reason;
+    reportProgress();
   }
 }
 

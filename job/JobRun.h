@@ -23,6 +23,7 @@ class JobRun {
   void print(ByteView data);
   void enter(PrintStage stage);
   void reportProgress() const;
+  void reportWaiting(const std::string& reason);
   void finishCancelled(ByteView data);
   void stop(const Setback& setback);
   std::string progressInWords() const;
@@ -32,6 +33,7 @@ class JobRun {
   PrintResult result_;
   const std::unique_ptr<Proof> proof_;
   PrintStage stage_ = PrintStage::Begin;
+  std::string waitsFor_;
 };
 
 }  // namespace quordalvane

@@ -112,4 +112,43 @@ std::optional<std::string> confirmationObstacle(std::span<const std::uint8_t> da
   return std::nullopt;
 }
 
+std::optional<std::string> endSignObstacle(std::span<const std::uint8_t> data) {
+  constexpr std::uint8_t clearBuffer[] = {0x10, 0x14, 0x08};
+  constexpr std::uint8_t blockCommand[] = {0x1b, 0x1d, 0x03};
+  const auto holds = [&](Bytes command) { return !std::ranges::search(data, command).empty(); };
+  if (holds(clearBuffer) || holds(blockCommand)) {
+    return "the data itself holds a command at which a printer drops data";
+  }
+  for (std::size_t next = 0; next < data.size();) {
+    const auto command = printCommandAt(data.subspan(next));
+    if (!command) {
+      return std::nullopt;
+    }
+    if (command->length > data.size() - next) {
+      return cutShort(next);
+    }
+    next += command->length;
+  }
+  return std::nullopt;
+}
+
+std::optional<std::uint64_t> inOrderRequestsIn(std::span<const std::uint8_t> data) {
+  std::uint64_t count = 0;
+  for (std::size_t next = 0; next < data.size();) {
+    const Bytes rest = data.subspan(next);
+    const auto command = printCommandAt(rest);
+    if (startsWith(rest, {0x1d, 0x49})) {  // its answer has bytes of the same form
+      return std::nullopt;
+    }
+    if (!command) {
+      const std::uint8_t lead[] = {0x1d};  // an unknown command may hide where the others begin
+      return std::ranges::search(rest.subspan(1), lead).empty() ? std::optional(count)
+                                                                : std::nullopt;
+    }
+    count += startsWith(rest, {0x1d, 0x72}) ? 1U : 0U;
+    next += std::min(command->length, rest.size());
+  }
+  return count;
+}
+
 }  // namespace quordalvane

@@ -26,4 +26,12 @@ std::optional<std::string> confirmationObstacle(std::span<const std::uint8_t> da
 /// A printer takes all that comes before that place for the command's own.
 std::size_t commandEnd(std::span<const std::uint8_t> data, std::size_t position);
 
+/// Why a question after the data could not be told from the data, or its answer would prove
+/// nothing: the data ends inside a command, or holds a command that makes a printer drop data.
+/// Empty if neither.
+std::optional<std::string> endSignObstacle(std::span<const std::uint8_t> data);
+
+/// How many in-order answers the data itself asks for; empty if that cannot be counted.
+std::optional<std::uint64_t> inOrderRequestsIn(std::span<const std::uint8_t> data);
+
 }  // namespace quordalvane

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -27,10 +28,13 @@ struct PrintProgress {
   PrintStage stage;             ///< the current one
   std::uint64_t bytesAccepted;  ///< how many bytes of the job the link has taken
   std::uint64_t bytesTotal;     ///< the size of the job
+
+  /// Why a printer that keeps the job does not go on, "cover open" for example; "" while it does.
+  std::string waitsFor = {};
 };
 
-/// One print job over an open port: begins a checked block, moves the data, ends the block, and
-/// reports the outcome honestly. A job is sent once and never again by itself:
+/// One print job over an open port: begins a proof, moves the data, ends the proof, and reports
+/// the outcome honestly. A job is sent once and never again by itself:
 ///
 ///     const PrintResult result = PrintJob(port).run("1 Espresso   1.80\n");
 ///
@@ -41,15 +45,16 @@ class QUOR_EXPORT PrintJob {
  public:
   /// How a job is run.
   struct Options {
-    /// False: no block, hence no look at the printer and no proof. The best outcome is Unconfirmed.
-    bool checked = true;
+    /// How the printer is to confirm the job. None: the printer is not asked anything, and the best
+    /// outcome is Unconfirmed. In line mode ProcessId and InOrder prove nothing, either.
+    ProofKind proof = ProofKind::Auto;
 
-    /// Called on the thread of `run` when a stage begins, and after each piece that went out.
+    /// Called on the thread of `run` when a stage begins, after each piece that went out, and when
+    /// the reason changes for which the printer does not go on.
     std::function<void(const PrintProgress&)> progress = {};
   };
 
-  /// A job for `port`, never null, which it keeps alive; a checked one unless `options` say
-  /// otherwise. Nothing is asked or sent before `run`.
+  /// A job for `port`, never null, which it keeps alive. Nothing is asked or sent before `run`.
   /// @{
   PrintJob(std::shared_ptr<ExternalAccessoryPort> port, Options options)
       : port_(std::move(port)), options_(std::move(options)) {}

@@ -7,6 +7,7 @@
 #include <quordalvane/QuorIOPort.h>
 
 #include "iphone-IOPort/ZKQuorIOResultCode.h"
+#include "job/ProofKind.h"
 
 namespace quordalvane {
 
@@ -32,6 +33,9 @@ enum class PrintObstacle {
 struct PrintResult {
   PrintOutcome outcome = PrintOutcome::Refused;  ///< how the job ended
   PrintObstacle obstacle = PrintObstacle::None;  ///< why it was not printed; None when it was
+
+  /// The proof that was used: Auto while none was chosen, None for a printer that gives none.
+  ProofKind proof = ProofKind::None;
 
   /// The result code of the block's beginning; failed without a block.
   std::int64_t resultCode = ZKQuorIOResultCodeFailedError;

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <string>
+#include <utility>
 
 #include "iphone-IOPort/TransferObserver.h"
 #include "job/ByteView.h"
@@ -31,6 +34,10 @@ class Proof : public TransferObserver {
   /// The command that makes the printer drop what it has not printed yet.
   virtual ByteView dropCommand() const = 0;
 
+  /// Called with why a printer that keeps the job does not go on, and with "" when it does.
+  using Waiting = std::function<void(const std::string&)>;
+  void setWaiting(Waiting waiting) { waiting_ = std::move(waiting); }
+
   void bytesWritten(ByteView /*bytes*/) override {}
   void bytesRead(ByteView /*bytes*/) override {}
 
@@ -40,13 +47,21 @@ class Proof : public TransferObserver {
 
   PortLink& link() const { return link_; }
   PrintResult& result() const { return result_; }
+  const Waiting& waiting() const { return waiting_; }
+  void reportWaiting(const std::string& reason) const {
+    if (waiting_) {
+      waiting_(reason);
+    }
+  }
 
  private:
+  Waiting waiting_;
   PortLink& link_;
   PrintResult& result_;
 };
 
-/// The proof for a job on that port, and none for one that is not checked.
-std::unique_ptr<Proof> makeProof(bool isChecked, PortLink& link, PrintResult& result);
+/// The proof of that kind on the link's port; one that proves nothing if the port's emulation has
+/// no such proof.
+std::unique_ptr<Proof> makeProof(ProofKind kind, PortLink& link, PrintResult& result);
 
 }  // namespace quordalvane

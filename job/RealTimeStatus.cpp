@@ -24,26 +24,27 @@ constexpr auto silent =
     "the printer does not answer; it may be switched off, set to another emulation, or in use by "
     "another program";
 
-/// The answer to the query; empty if there is none within the time-out.
-std::optional<std::uint8_t> answerTo(const Query& query, PortLink& link) {
+/// The answer to the query; empty if there is none within the limit.
+std::optional<std::uint8_t> answerTo(const Query& query, PortLink& link,
+                                     std::chrono::nanoseconds limit) {
   EscPosAnswers answers;
   const auto isAnswered = [&answers](ByteView bytes) {
     answers.feed(bytes);
     return answers.lastRealTimeStatus().has_value();
   };
   if (!link.send(query.command)) {
-    link.await(isAnswered, link.timeout());
+    link.await(isAnswered, limit);
   }
   return answers.lastRealTimeStatus();
 }
 
 }  // namespace
 
-MaybeSetback askRealTimeStatus(PortLink& link, PrintResult& result) {
-  link.drain();
+MaybeSetback askRealTimeStatus(PortLink& link, PrintResult& result,
+                               std::chrono::nanoseconds limit) {
   QuorPrinterStatus_2 status = {};
   for (const Query& query : queries) {
-    const auto answer = answerTo(query, link);
+    const auto answer = answerTo(query, link, limit);
     if (!answer) {
       return link.failedExchange(silent);
     }
@@ -56,7 +57,8 @@ MaybeSetback askRealTimeStatus(PortLink& link, PrintResult& result) {
 }
 
 MaybeSetback refuseUnready(PortLink& link, PrintResult& result) {
-  if (auto setback = askRealTimeStatus(link, result)) {
+  link.drain();
+  if (auto setback = askRealTimeStatus(link, result, link.timeout())) {
     return setback;
   }
   const std::string errors = errorsIn(*result.status);

@@ -59,7 +59,7 @@ TEST(Allocations, AJobCopiesItsBytesAtMostTwice) {
     bench::OpenPort port(endpoint->device(), ZKEmulationESCPOS);
     peer.drain(endpoint->accept(), [](std::size_t) {});
     const std::vector<std::uint8_t> data(std::size_t{8} << 20U, ' ');
-    PrintJob job(port.shared(), {.checked = false});
+    PrintJob job(port.shared(), {.proof = ProofKind::None});
     PrintResult result;
     const auto taken = allocationsOf([&] { result = job.run(data); });
     EXPECT_EQ(result.bytesAccepted, data.size());

@@ -35,7 +35,7 @@ PrintResult printOn(const std::shared_ptr<ExternalAccessoryPort>& port, const By
                     std::uint32_t endTimeoutMillis) {
   port->setEndCheckedBlockTimeoutMillis(endTimeoutMillis);
   port->open();
-  PrintResult result = PrintJob(port).run(data);
+  PrintResult result = PrintJob(port, {.proof = ProofKind::Block}).run(data);
   port->close();
   return result;
 }

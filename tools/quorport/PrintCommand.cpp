@@ -110,7 +110,7 @@ PrintResult runJob(const std::vector<std::uint8_t>& data, Printer& printer, Live
   setTimeouts(*printer.port(), options);
   std::uint64_t bytesAccepted = 0;
   PrintJob::Options plain;
-  plain.checked = !options.unchecked;
+  plain.proof = options.unchecked ? ProofKind::None : ProofKind::Auto;
   plain.progress = [&](const PrintProgress& progress) {
     bytesAccepted = progress.bytesAccepted;
     line.show(inWords(progress));

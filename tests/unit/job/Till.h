@@ -73,7 +73,10 @@ class Till {
     });
   }
 
-  PrintResult print(const ByteBuffer& data) { return PrintJob(port).run(data); }
+  /// Prints by the checked block.
+  PrintResult print(const ByteBuffer& data) {
+    return PrintJob(port, {.proof = ProofKind::Block}).run(data);
+  }
 
   ByteBuffer printed() {
     ByteBuffer bytes;

@@ -93,7 +93,7 @@ TEST_P(Cancelling, AJobThatIsCancelledTwiceIsCancelled) {
   till.port->close();
   till.accessory->setFaults(with("no-space", "300:60000"));
   ASSERT_TRUE(till.port->open());
-  PrintJob job(till.port, {.checked = false});
+  PrintJob job(till.port, {.proof = ProofKind::None});
   for (const int at : {1000, 1050, 1100, 1150, 1200}) {
     till.at(milliseconds(at), [&job] { job.cancel(); });
   }
@@ -117,7 +117,7 @@ TEST_P(Cancelling, AJobThatIsCancelledOnAFullLinkGivesItsLastWordUp) {
     till.port->close();
     till.accessory->setFaults(with("no-space", noSpace));
     ASSERT_TRUE(till.port->open());
-    PrintJob job(till.port, {.checked = false});
+    PrintJob job(till.port, {.proof = ProofKind::None});
     till.at(milliseconds(1000), [&job] { job.cancel(); });
     const auto start = till.platform->clock().monotonic();
     ByteBuffer image = {0x1d, 0x76, 0x30, 0, 100, 0, 100, 0};

@@ -14,7 +14,7 @@ namespace {
 using test::bytes;
 using test::Script;
 
-PrintResult printOn(const Script& script, PrintJob::Options options = {},
+PrintResult printOn(const Script& script, PrintJob::Options options = {.proof = ProofKind::Block},
                     ZKEmulation emulation = ZKEmulationQuorLine) {
   test::ScriptedWorld world(script);
   const auto port =
@@ -99,7 +99,7 @@ TEST(OddAnswers, OfAPrinterThatWasOffLineForAMomentOnlyConfirmNothing) {
   for (const char* const any : {"10 04 01", "10 04 02", "10 04 04"}) {
     script.wheneverAsked(bytes(any), {{onLine, 0.0}});
   }
-  const PrintResult result = printOn(script, {}, ZKEmulationESCPOS);
+  const PrintResult result = printOn(script, {.proof = ProofKind::Block}, ZKEmulationESCPOS);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
   EXPECT_EQ(result.reason,
             "the printer was off line for a while or garbled its report, and has not reported the "
@@ -122,7 +122,7 @@ TEST(OddAnswers, WithACounterThatIsNotResetSaySo) {
 }
 
 TEST(OddAnswers, AFullLinkThatIsLostIsALostLink) {
-  const PrintResult result = printOn(Script().hasNoSpace().isLost(1.0), {.checked = false});
+  const PrintResult result = printOn(Script().hasNoSpace().isLost(1.0), {.proof = ProofKind::None});
   EXPECT_EQ(result.outcome, PrintOutcome::Refused);
   EXPECT_EQ(result.obstacle, PrintObstacle::LinkLost);
   EXPECT_EQ(result.reason, "link lost");

@@ -223,7 +223,7 @@ TEST_P(InBothEmulations, APrinterThatTakesNothingMoreFailsTheJobAtTheTimeout) {
 
 TEST_P(InBothEmulations, AJobWithoutABlockIsNeverCalledPrinted) {
   Till till(GetParam());
-  PrintJob job(till.port, {.checked = false});
+  PrintJob job(till.port, {.proof = ProofKind::None});
   const PrintResult result = job.run(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
   EXPECT_EQ(result.obstacle, PrintObstacle::NoProof);

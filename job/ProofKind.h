@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string_view>
+
+#include <quordalvane/QuorExport.h>
+
+namespace quordalvane {
+
+/// How a printer proves that it has printed a job, the strongest first; `docs/checked-block.md`
+/// says what each can and cannot see.
+enum class ProofKind {
+  Auto,       ///< asks the printer which of the others it gives
+  Block,      ///< the checked block: the printer counts marks before and after the data
+  ProcessId,  ///< the printer names four random characters that end the job
+  InOrder,    ///< the printer answers a question that ends the job, in its turn
+  None,       ///< no proof
+};
+
+/// "auto", "block", "process-id", "in-order", "none".
+QUOR_EXPORT std::string_view nameOf(ProofKind kind);
+
+}  // namespace quordalvane

@@ -1,0 +1,164 @@
+// Which proof a job uses, and what each confirms.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "job/EscPosAnswers.h"
+#include "tests/support/Bytes.h"
+#include "tests/unit/job/Till.h"
+
+namespace quordalvane {
+namespace {
+
+using simulator::PrinterBuilder;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+struct Choice {
+  const char* gives;
+  ProofKind chosen;
+};
+
+class ChosenProof : public testing::TestWithParam<Choice> {};
+
+INSTANTIATE_TEST_SUITE_P(Job, ChosenProof,
+                         testing::Values(Choice{"block+process-id+in-order", ProofKind::Block},
+                                         Choice{"block", ProofKind::Block},
+                                         Choice{"process-id+in-order", ProofKind::ProcessId},
+                                         Choice{"process-id", ProofKind::ProcessId},
+                                         Choice{"in-order", ProofKind::InOrder}));
+
+PrinterBuilder printerWith(const char* proofs) {
+  PrinterBuilder builder;
+  builder.set("proofs", proofs);
+  return builder;
+}
+
+Till tillWith(PrinterBuilder printer) {
+  return {std::move(printer), {.emulation = ZKEmulationESCPOS}};
+}
+
+TEST_P(ChosenProof, IsTheStrongestThatThePrinterGives) {
+  Till till = tillWith(printerWith(GetParam().gives));
+  for (int i = 0; i < 2; ++i) {  // the second job need not ask
+    const PrintResult result = PrintJob(till.port).run(receiptText);
+    EXPECT_EQ(result.outcome, PrintOutcome::Printed) << result.reason;
+    EXPECT_EQ(result.proof, GetParam().chosen) << nameOf(result.proof);
+  }
+}
+
+TEST_P(ChosenProof, ConfirmsAJobOnlyAfterThePrinterHasPrintedIt) {
+  Till till = tillWith(printerWith(GetParam().gives).speed(100));
+  const PrintResult result = PrintJob(till.port).run(receiptText);
+  EXPECT_EQ(result.outcome, PrintOutcome::Printed) << result.reason;
+  const ByteBuffer paper = till.printed();
+  EXPECT_FALSE(std::ranges::search(paper, receiptText).empty());
+}
+
+TEST(NoChosenProof, LeavesTheJobUnconfirmedAtOnceAfterTheData) {
+  Till till = tillWith(printerWith("none"));
+  const auto start = till.platform->clock().monotonic();
+  const PrintResult result = PrintJob(till.port).run(receiptText);
+  EXPECT_LT(till.platform->clock().monotonic() - start, seconds(4));
+  EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
+  EXPECT_EQ(result.proof, ProofKind::None);
+  EXPECT_THAT(result.reason, testing::StartsWith("this printer confirms nothing"));
+}
+
+class EndSignProof : public testing::TestWithParam<ProofKind> {
+ protected:
+  static PrintResult printBy(Till& till, PrintJob::Options options = {}) {
+    options.proof = GetParam();
+    return PrintJob(till.port, std::move(options)).run(receiptText);
+  }
+  static const char* name() {
+    return GetParam() == ProofKind::ProcessId ? "process-id" : "in-order";
+  }
+};
+
+INSTANTIATE_TEST_SUITE_P(Job, EndSignProof,
+                         testing::Values(ProofKind::ProcessId, ProofKind::InOrder));
+
+TEST_P(EndSignProof, WaitsForAPrinterThatPausesAndSaysWhy) {
+  Till till = tillWith(printerWith(name()).speed(10));
+  till.after(milliseconds(2000), "coverOpen", true);
+  till.after(milliseconds(5000), "coverOpen", false);
+  std::vector<std::string> waits;
+  const PrintResult result = printBy(till, {.progress = [&waits](const PrintProgress& progress) {
+                                       waits.push_back(progress.waitsFor);
+                                     }});
+  EXPECT_EQ(result.outcome, PrintOutcome::Printed) << result.reason;
+  EXPECT_THAT(waits, testing::Contains("cover open"));
+}
+
+TEST_P(EndSignProof, IsGivenUpAtTheEndTimeoutWithTheCause) {
+  Till till = tillWith(printerWith(name()).speed(10));
+  till.port->setEndCheckedBlockTimeoutMillis(5000);
+  till.after(milliseconds(2000), "coverOpen", true);
+  const auto start = till.platform->clock().monotonic();
+  const PrintResult result = printBy(till);
+  EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
+  EXPECT_THAT(result.reason, testing::StartsWith("cover open"));
+  EXPECT_LT(till.platform->clock().monotonic() - start, seconds(12));
+}
+
+TEST_P(EndSignProof, RefusesAPrinterThatIsNotReady) {
+  Till till = tillWith(printerWith(name()).coverOpen());
+  const PrintResult result = printBy(till);
+  EXPECT_EQ(result.outcome, PrintOutcome::Refused);
+  EXPECT_EQ(result.reason, "cover open");
+}
+
+TEST_P(EndSignProof, IsNotGivenByAPrinterThatDoesNotKnowIt) {
+  Till till = tillWith(printerWith("none"));
+  EXPECT_EQ(printBy(till).outcome, PrintOutcome::Unconfirmed);
+}
+
+TEST_P(EndSignProof, IsNeitherFakedNorSpoiltByTheSameCommandsInTheData) {
+  for (const char* const question : {"1d 28 48 06 00 30 30 41 42 43 44", "1d 72 01"}) {
+    for (const char* const wrapped : {"", "1d 76 30 00 0b 00 01 00 "}) {
+      ByteBuffer data = test::bytes(std::string(wrapped) + question);
+      data.resize(*wrapped == 0 ? data.size() : 8 + 11, 0x55);
+      data.insert(data.end(), 200, 'x');
+      Till till = tillWith(printerWith("process-id+in-order").speed(100));
+      PrintJob job(till.port, {.proof = GetParam()});
+      const PrintResult result = job.run(data);
+      EXPECT_EQ(result.outcome, PrintOutcome::Printed) << wrapped << question << result.reason;
+      const ByteBuffer paper = till.printed();
+      EXPECT_EQ(std::count(paper.begin(), paper.end(), 'x'), 200) << wrapped << question;
+    }
+  }
+}
+
+TEST_P(EndSignProof, IsNotTrustedWithDataThatMakesThePrinterDropData) {
+  Till till = tillWith(printerWith(name()));
+  ByteBuffer data = receiptText;
+  data.insert(data.end(), {0x10, 0x14, 0x08, 0x01, 0x03, 0x14, 0x01, 0x06, 0x02, 0x08});
+  EXPECT_EQ(PrintJob(till.port, {.proof = GetParam()}).run(data).outcome,
+            PrintOutcome::Unconfirmed);
+}
+
+TEST(EscPosAnswers, AreToldApartByTheirWholeFormHoweverTheyArePieced) {
+  const auto stream = test::bytes(
+      "12 10 00 00 00 13 37 22 36 32 11 41 7e 00 05 1b 1d 03 01 00 00 13 00 37 25 00 5f 41 42 00");
+  for (std::size_t piece = 1; piece <= stream.size(); ++piece) {
+    EscPosAnswers answers;
+    for (std::size_t at = 0; at < stream.size(); at += piece) {
+      answers.feed(ByteView(stream).subspan(at, std::min(piece, stream.size() - at)));
+    }
+    EXPECT_EQ(answers.lastRealTimeStatus(), 0x12);
+    EXPECT_EQ(answers.inOrderCount(), 1U) << "05 alone";
+    EXPECT_EQ(answers.lastReport(), 0x13);
+    EXPECT_TRUE(answers.hasNamed({0x36, 0x32, 0x41, 0x7e}));
+  }
+}
+
+TEST(EscPosAnswers, KnowAnotherJobsIdFromThisOnes) {
+  EscPosAnswers answers;
+  answers.feed(test::bytes("37 22 41 42 43 44 00"));
+  EXPECT_TRUE(answers.hasNamed({'A', 'B', 'C', 'D'}));
+  EXPECT_FALSE(answers.hasNamed({'A', 'B', 'C', 'E'}));
+}
+
+}  // namespace
+}  // namespace quordalvane
