@@ -21,7 +21,7 @@ constexpr std::size_t longestCommand = 64;
 BluetoothModule::BluetoothModule(std::string address, Outlets outlets, Instant now)
     : address_(std::move(address)), outlets_(std::move(outlets)), lastReceived_(now) {}
 
-void BluetoothModule::receive(Bytes bytes, Instant now) {
+void BluetoothModule::receive(ByteView bytes, Instant now) {
   if (bytes.empty()) {
     return;
   }
@@ -37,7 +37,7 @@ void BluetoothModule::receive(Bytes bytes, Instant now) {
   }
 }
 
-void BluetoothModule::receiveData(Bytes bytes, bool mayBeEscape) {
+void BluetoothModule::receiveData(ByteView bytes, bool mayBeEscape) {
   const bool onlyEscape =
       std::all_of(bytes.begin(), bytes.end(), [](std::uint8_t byte) { return byte == escape; });
   if (mayBeEscape && onlyEscape && escape_.size() + bytes.size() <= escapeLength) {
@@ -105,7 +105,7 @@ void BluetoothModule::obey(Instant now) {
 }
 
 void BluetoothModule::reply(const std::string& text, Instant now) {
-  const std::vector<std::uint8_t> bytes(text.begin(), text.end());
+  const Bytes bytes(text.begin(), text.end());
   outlets_.toHost(bytes, now);
 }
 

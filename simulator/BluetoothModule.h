@@ -3,10 +3,9 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
-#include <span>
 #include <string>
-#include <vector>
 
+#include "simulator/Bytes.h"
 #include "simulator/Instant.h"
 
 namespace quordalvane::simulator {
@@ -16,20 +15,18 @@ namespace quordalvane::simulator {
 /// One module serves one link.
 class BluetoothModule {
  public:
-  using Bytes = std::span<const std::uint8_t>;
-
   /// What the module hands on: data for the printer, and its own replies to the host. Each comes
   /// with the instant at which it goes out.
   struct Outlets {
-    std::function<void(Bytes, Instant)> toPrinter;
-    std::function<void(Bytes, Instant)> toHost;
+    std::function<void(ByteView, Instant)> toPrinter;
+    std::function<void(ByteView, Instant)> toHost;
   };
 
   /// A module whose link begins at `now`, in data mode.
   BluetoothModule(std::string address, Outlets outlets, Instant now);
 
   /// Takes bytes from the host.
-  void receive(Bytes bytes, Instant now);
+  void receive(ByteView bytes, Instant now);
 
   /// Lets time pass: to be called with every due instant, in order.
   void advance(Instant now);
@@ -49,7 +46,7 @@ class BluetoothModule {
   bool wantsLinkDropped() const { return dropped_; }
 
  private:
-  void receiveData(Bytes bytes, bool mayBeEscape);
+  void receiveData(ByteView bytes, bool mayBeEscape);
   void receiveCommand(std::uint8_t byte, Instant now);
   void obey(Instant now);
   void reply(const std::string& text, Instant now);
@@ -59,7 +56,7 @@ class BluetoothModule {
   Instant lastReceived_;
   bool commandMode_ = false;
   bool dropped_ = false;
-  std::vector<std::uint8_t> escape_;  // what may be the escape sequence, while it stands alone
+  Bytes escape_;  // what may be the escape sequence, while it stands alone
   std::string command_;
   std::optional<Instant> dropAt_;
 };

@@ -36,7 +36,7 @@ struct FontCaches {
 };
 
 cairo_status_t append(void* closure, const unsigned char* data, unsigned length) {
-  auto& bytes = *static_cast<std::vector<std::uint8_t>*>(closure);
+  auto& bytes = *static_cast<Bytes*>(closure);
   bytes.insert(bytes.end(), data, data + length);
   return CAIRO_STATUS_SUCCESS;
 }
@@ -160,8 +160,8 @@ Picture Canvas::picture() const {
   return picture;
 }
 
-std::vector<std::uint8_t> Canvas::png() const {
-  std::vector<std::uint8_t> bytes;
+Bytes Canvas::png() const {
+  Bytes bytes;
   if (failed() ||
       cairo_surface_write_to_png_stream(cairo_->surface, append, &bytes) != CAIRO_STATUS_SUCCESS) {
     bytes.clear();

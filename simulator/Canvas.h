@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "simulator/Bytes.h"
 #include "simulator/Paper.h"
 
 namespace quordalvane::simulator {
@@ -49,7 +50,7 @@ class Canvas {
   /// What was drawn, and the same as a PNG file. Both are empty if anything of it failed, as
   /// without memory.
   Picture picture() const;
-  std::vector<std::uint8_t> png() const;
+  Bytes png() const;
 
  private:
   struct Cairo;

@@ -6,33 +6,32 @@
 namespace quordalvane::simulator {
 namespace {
 
-using Bytes = std::span<const std::uint8_t>;
-using LengthRule = std::uint64_t (*)(Bytes);
+using LengthRule = std::uint64_t (*)(ByteView);
 
-std::uint64_t word(Bytes bytes, std::size_t at) {
+std::uint64_t word(ByteView bytes, std::size_t at) {
   return static_cast<std::uint64_t>(bytes[at]) | static_cast<std::uint64_t>(bytes[at + 1]) << 8U;
 }
 
 // A terminator that never comes must not swallow the rest of the job.
-std::uint64_t untilNul(Bytes bytes, std::size_t from, std::size_t most) {
+std::uint64_t untilNul(ByteView bytes, std::size_t from, std::size_t most) {
   const bool ended = bytes.size() > from && bytes.back() == 0;
   return ended || bytes.size() >= from + most ? bytes.size() : bytes.size() + 1;
 }
 
-std::uint64_t tabStops(Bytes bytes) {
+std::uint64_t tabStops(ByteView bytes) {
   return untilNul(bytes, 2, 33);
 }
 
 // The length stands in two bytes after the selector: 1d 28 4c pL pH ...
-std::uint64_t countedByWord(Bytes bytes) {
+std::uint64_t countedByWord(ByteView bytes) {
   return 5 + word(bytes, 3);
 }
 
-std::uint64_t countedByDoubleWord(Bytes bytes) {
+std::uint64_t countedByDoubleWord(ByteView bytes) {
   return 7 + word(bytes, 3) + (word(bytes, 5) << 16U);
 }
 
-std::uint64_t bitImage(Bytes bytes) {
+std::uint64_t bitImage(ByteView bytes) {
   const std::uint8_t mode = bytes[2];
   const bool legal = mode <= 1 || mode == 32 || mode == 33;
   if (!legal) {
@@ -44,15 +43,15 @@ std::uint64_t bitImage(Bytes bytes) {
   return 5 + word(bytes, 3) * (mode >= 32 ? 3 : 1);
 }
 
-std::uint64_t raster(Bytes bytes) {
+std::uint64_t raster(ByteView bytes) {
   return 8 + word(bytes, 4) * word(bytes, 6);
 }
 
-std::uint64_t downloadedImage(Bytes bytes) {
+std::uint64_t downloadedImage(ByteView bytes) {
   return 4 + std::uint64_t{8} * bytes[2] * bytes[3];
 }
 
-std::uint64_t barcode(Bytes bytes) {
+std::uint64_t barcode(ByteView bytes) {
   const std::uint8_t symbology = bytes[2];
   if (symbology <= 6) {
     return untilNul(bytes, 3, 256);
@@ -63,17 +62,17 @@ std::uint64_t barcode(Bytes bytes) {
   return bytes.size() < 4 ? 4 : std::uint64_t{4} + bytes[3];
 }
 
-std::uint64_t cut(Bytes bytes) {
+std::uint64_t cut(ByteView bytes) {
   constexpr std::array<std::uint8_t, 6> withFeed = {65, 66, 97, 98, 103, 104};
   return std::find(withFeed.begin(), withFeed.end(), bytes[2]) != withFeed.end() ? 4 : 3;
 }
 
 // The queries for ink and for the other devices have one more parameter.
-std::uint64_t realTimeStatus(Bytes bytes) {
+std::uint64_t realTimeStatus(ByteView bytes) {
   return bytes[2] == 7 || bytes[2] == 8 || bytes[2] == 18 ? 4 : 3;
 }
 
-std::uint64_t realTimeAction(Bytes bytes) {
+std::uint64_t realTimeAction(ByteView bytes) {
   switch (bytes[2]) {
     case 1:
     case 2:
@@ -90,7 +89,7 @@ std::uint64_t realTimeAction(Bytes bytes) {
 }
 
 // 1d 43 3b sa 3b sb 3b sn 3b sr 3b sc 3b: numbers in digits. What else comes ends it.
-std::uint64_t counterInDigits(Bytes bytes) {
+std::uint64_t counterInDigits(ByteView bytes) {
   constexpr std::size_t mostDigits = 5 * 5;
   const auto numbers = bytes.subspan(3);
   const auto separators = std::count(numbers.begin(), numbers.end(), ';');
@@ -100,7 +99,7 @@ std::uint64_t counterInDigits(Bytes bytes) {
   return isOver ? bytes.size() : bytes.size() + 1;
 }
 
-std::uint64_t counter(Bytes bytes) {
+std::uint64_t counter(ByteView bytes) {
   switch (bytes[2]) {
     case '0':
     case '2':
@@ -115,27 +114,27 @@ std::uint64_t counter(Bytes bytes) {
 }
 
 // 1d 44 m fn a kc1 kc2 b c, then a bitmap file that says its own size.
-std::uint64_t bitmapFile(Bytes bytes) {
+std::uint64_t bitmapFile(ByteView bytes) {
   const bool isBitmap = bytes[9] == 'B' && bytes[10] == 'M';
   return isBitmap ? std::max<std::uint64_t>(15, 9 + (word(bytes, 11) | word(bytes, 13) << 16U))
                   : 15;
 }
 
-std::uint64_t cheque(Bytes bytes) {
+std::uint64_t cheque(ByteView bytes) {
   return bytes[2] == '0' ? 4 : 3;
 }
 
 // 1b 5a: version, correction and size, then the count of the data.
-std::uint64_t countedSymbol(Bytes bytes) {
+std::uint64_t countedSymbol(ByteView bytes) {
   return 7 + word(bytes, 5);
 }
 
-std::uint64_t userMemory(Bytes bytes) {
+std::uint64_t userMemory(ByteView bytes) {
   return bytes[2] == '1' ? 10 + word(bytes, 8) : 10;
 }
 
 // 1b 26 y c1 c2, then for each character its width x and y times x bytes.
-std::uint64_t userCharacters(Bytes bytes) {
+std::uint64_t userCharacters(ByteView bytes) {
   const std::size_t rows = bytes[2];
   const int count = bytes[4] - bytes[3] + 1;
   std::size_t length = 5;
@@ -149,7 +148,7 @@ std::uint64_t userCharacters(Bytes bytes) {
 }
 
 // 1c 71 n, then n images: their size xL xH yL yH in units of eight dots, and the dots.
-std::uint64_t storedImages(Bytes bytes) {
+std::uint64_t storedImages(ByteView bytes) {
   std::uint64_t length = 3;
   for (int i = 0; i < bytes[2]; ++i) {
     if (bytes.size() < length + 4) {
@@ -289,7 +288,7 @@ constexpr Form commandForms[] = {
     two(0x1d, 0x7c, 3),
 };
 
-const Form* formOf(Bytes bytes, const Dialect& dialect) {
+const Form* formOf(ByteView bytes, const Dialect& dialect) {
   const auto begins = [&](const Form& form) {
     const auto known =
         static_cast<std::ptrdiff_t>(std::min<std::size_t>(bytes.size(), form.prefixLength));
@@ -306,7 +305,7 @@ bool startsCommand(std::uint8_t byte) {
 
 }  // namespace
 
-std::uint64_t leastCommandLength(Bytes bytes, const Dialect& dialect) {
+std::uint64_t leastCommandLength(ByteView bytes, const Dialect& dialect) {
   if (!startsCommand(bytes[0])) {
     return 1;
   }
@@ -323,7 +322,7 @@ std::uint64_t leastCommandLength(Bytes bytes, const Dialect& dialect) {
   return form->rule ? form->rule(bytes) : form->header;
 }
 
-bool isKnownCommand(Bytes bytes, const Dialect& dialect) {
+bool isKnownCommand(ByteView bytes, const Dialect& dialect) {
   constexpr std::uint8_t withoutParameters[][2] = {
       {0x1b, 0x0c}, {0x1b, 0x32}, {0x1b, 0x3c}, {0x1b, 0x40}, {0x1b, 0x4c},
       {0x1b, 0x53}, {0x1b, 0x69}, {0x1b, 0x6d}, {0x1b, 0x6f}, {0x1b, 0x71},

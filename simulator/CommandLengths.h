@@ -1,8 +1,8 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
 
+#include "simulator/Bytes.h"
 #include "simulator/Dialect.h"
 
 namespace quordalvane::simulator {
@@ -12,9 +12,9 @@ namespace quordalvane::simulator {
 /// value means that so many must come before more can be said. A byte that starts no command is a
 /// command of length one. An unknown command ends with the byte that shows it to be unknown. A
 /// command that a printer of that dialect does not know is unknown.
-std::uint64_t leastCommandLength(std::span<const std::uint8_t> bytes, const Dialect& dialect);
+std::uint64_t leastCommandLength(ByteView bytes, const Dialect& dialect);
 
 /// True if a printer of that dialect knows a command that begins like this whole one.
-bool isKnownCommand(std::span<const std::uint8_t> bytes, const Dialect& dialect);
+bool isKnownCommand(ByteView bytes, const Dialect& dialect);
 
 }  // namespace quordalvane::simulator

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <cstdint>
-#include <vector>
 
+#include "simulator/Bytes.h"
 #include "simulator/MachineCommand.h"
 
 namespace quordalvane::simulator {
@@ -19,7 +19,7 @@ class CommandScanner {
   bool feed(std::uint8_t byte);
 
   /// The bytes of the command so far. A complete command stays readable until the next byte.
-  const std::vector<std::uint8_t>& bytes() const { return bytes_; }
+  const Bytes& bytes() const { return bytes_; }
 
   /// The meaning of the complete command.
   MachineCommand command() const;
@@ -39,7 +39,7 @@ class CommandScanner {
  private:
   Dialect dialect_;      // of the command that has begun
   Dialect nextDialect_;  // of those that follow
-  std::vector<std::uint8_t> bytes_;
+  Bytes bytes_;
   std::uint64_t length_ = 0;  // bytes of the command that have come, kept or not
   std::uint64_t needed_ = 1;  // bytes that must have come before it can be complete
 };

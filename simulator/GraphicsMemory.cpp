@@ -5,20 +5,18 @@
 namespace quordalvane::simulator {
 namespace {
 
-using Bytes = std::span<const std::uint8_t>;
-
 // No paper is wider, so that no scale can make an image large out of few bytes.
 constexpr unsigned widest = widePaperDots;
 
-unsigned word(Bytes bytes, std::size_t at) {
+unsigned word(ByteView bytes, std::size_t at) {
   return bytes[at] + 256U * bytes[at + 1];
 }
 
-bool dot(Bytes rows, std::size_t stride, std::size_t x, std::size_t y) {
+bool dot(ByteView rows, std::size_t stride, std::size_t x, std::size_t y) {
   return (rows[y * stride + x / 8] & 0x80U >> x % 8U) != 0;
 }
 
-Bitmap fromRows(Bytes rows, unsigned width, unsigned height, unsigned scaleX, unsigned scaleY) {
+Bitmap fromRows(ByteView rows, unsigned width, unsigned height, unsigned scaleX, unsigned scaleY) {
   const std::size_t stride = (std::size_t{width} + 7) / 8;
   if (stride == 0 || rows.size() < stride * height) {
     return {};
@@ -35,7 +33,8 @@ Bitmap fromRows(Bytes rows, unsigned width, unsigned height, unsigned scaleX, un
 }
 
 // Columns of `tall` dots, the topmost in the highest bit of a column's first byte.
-Bitmap fromColumns(Bytes columns, unsigned count, unsigned tall, unsigned scaleX, unsigned scaleY) {
+Bitmap fromColumns(ByteView columns, unsigned count, unsigned tall, unsigned scaleX,
+                   unsigned scaleY) {
   const std::size_t stride = (std::size_t{tall} + 7) / 8;
   if (stride == 0 || columns.size() < stride * count) {
     return {};
@@ -53,7 +52,7 @@ Bitmap fromColumns(Bytes columns, unsigned count, unsigned tall, unsigned scaleX
 
 }  // namespace
 
-Bitmap rasterImage(Bytes command) {
+Bitmap rasterImage(ByteView command) {
   if (command.size() < 8) {
     return {};
   }
@@ -62,7 +61,7 @@ Bitmap rasterImage(Bytes command) {
                   mode & 2U ? 2 : 1);
 }
 
-Bitmap columnImage(Bytes command) {
+Bitmap columnImage(ByteView command) {
   if (command.size() < 5) {
     return {};
   }
@@ -73,12 +72,12 @@ Bitmap columnImage(Bytes command) {
                      tall ? 1 : 3);
 }
 
-GraphicsMemory::Outcome GraphicsMemory::apply(Bytes command) {
+GraphicsMemory::Outcome GraphicsMemory::apply(ByteView command) {
   const std::size_t header = command[1] == 0x38 ? 7 : 5;
   if (command[2] != 0x4c || command.size() < header + 2) {
     return Outcome::Unknown;
   }
-  const Bytes parameters = command.subspan(header);
+  const ByteView parameters = command.subspan(header);
   switch (parameters[1]) {
     case 2:
     case 50:
@@ -93,7 +92,7 @@ GraphicsMemory::Outcome GraphicsMemory::apply(Bytes command) {
 }
 
 // Parameters: m fn tone scaleX scaleY colour xL xH yL yH, then the dots of one colour.
-bool GraphicsMemory::store(Bytes parameters, bool byColumns) {
+bool GraphicsMemory::store(ByteView parameters, bool byColumns) {
   if (parameters.size() < 10) {
     return false;
   }
@@ -101,7 +100,7 @@ bool GraphicsMemory::store(Bytes parameters, bool byColumns) {
   const unsigned scaleY = std::clamp<unsigned>(parameters[4], 1, 2);
   const unsigned width = word(parameters, 6);
   const unsigned height = word(parameters, 8);
-  const Bytes dots = parameters.subspan(10);
+  const ByteView dots = parameters.subspan(10);
   stored_ = byColumns ? fromColumns(dots, width, height, scaleX, scaleY)
                       : fromRows(dots, width, height, scaleX, scaleY);
   return stored_.width > 0 && stored_.height > 0;

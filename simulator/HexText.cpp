@@ -2,7 +2,7 @@
 
 namespace quordalvane::simulator {
 
-std::string hexText(std::span<const std::uint8_t> bytes) {
+std::string hexText(ByteView bytes) {
   constexpr char digits[] = "0123456789abcdef";
   std::string text;
   for (std::uint8_t byte : bytes) {

@@ -1,12 +1,13 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
 #include <string>
+
+#include "simulator/Bytes.h"
 
 namespace quordalvane::simulator {
 
 /// Each byte as two lower-case hex digits, with blanks between them.
-std::string hexText(std::span<const std::uint8_t> bytes);
+std::string hexText(ByteView bytes);
 
 }  // namespace quordalvane::simulator

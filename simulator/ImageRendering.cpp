@@ -277,7 +277,7 @@ Picture renderPicture(const Paper& paper) {
   return Painter(paper, Layout(paper)).canvas().picture();
 }
 
-std::vector<std::uint8_t> renderPng(const Paper& paper) {
+Bytes renderPng(const Paper& paper) {
   return Painter(paper, Layout(paper)).canvas().png();
 }
 

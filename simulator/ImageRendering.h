@@ -1,8 +1,8 @@
 #pragma once
 
 #include <cstdint>
-#include <vector>
 
+#include "simulator/Bytes.h"
 #include "simulator/Canvas.h"
 #include "simulator/Paper.h"
 
@@ -17,6 +17,6 @@ inline constexpr unsigned longestPicture = 16'000;
 Picture renderPicture(const Paper& paper);
 
 /// The same as a PNG file. Empty if it cannot be drawn, as without memory.
-std::vector<std::uint8_t> renderPng(const Paper& paper);
+Bytes renderPng(const Paper& paper);
 
 }  // namespace quordalvane::simulator

@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::size_t mostBytes = 16;
 
-JobRecord::Bytes beginningOf(JobRecord::ByteView bytes) {
+Bytes beginningOf(ByteView bytes) {
   const auto shown = bytes.first(std::min(bytes.size(), mostBytes));
   return {shown.begin(), shown.end()};
 }

@@ -2,9 +2,10 @@
 
 #include <cstdint>
 #include <set>
-#include <span>
 #include <string>
 #include <vector>
+
+#include "simulator/Bytes.h"
 
 namespace quordalvane::simulator {
 
@@ -12,9 +13,6 @@ namespace quordalvane::simulator {
 /// Each list is cut short after `longestList` entries, so that no job makes it grow without end.
 class JobRecord {
  public:
-  using Bytes = std::vector<std::uint8_t>;
-  using ByteView = std::span<const std::uint8_t>;
-
   struct Question {
     Bytes command;
     Bytes answer;
@@ -32,7 +30,7 @@ class JobRecord {
   unsigned drawer = 0;  ///< pulses
   unsigned beeps = 0;
 
-  const std::vector<std::uint8_t>& codePages() const { return codePages_; }
+  const Bytes& codePages() const { return codePages_; }
   const std::vector<Question>& asked() const { return asked_; }
   const std::vector<Unknown>& unknown() const { return unknown_; }
 
@@ -52,7 +50,7 @@ class JobRecord {
   void noteMissing(std::uint8_t byte, std::uint8_t page);
 
  private:
-  std::vector<std::uint8_t> codePages_;
+  Bytes codePages_;
   std::vector<Question> asked_;
   std::vector<Unknown> unknown_;
   std::set<std::string> missing_;

@@ -6,8 +6,6 @@
 namespace quordalvane::simulator {
 namespace {
 
-using Bytes = std::span<const std::uint8_t>;
-
 constexpr int any = -1;
 constexpr int printable = -2;
 
@@ -64,7 +62,7 @@ constexpr Pattern patterns[] = {
 };
 
 // Every pattern begins with a control character, and most of a job is text.
-bool isText(Bytes bytes) {
+bool isText(ByteView bytes) {
   return bytes[0] >= 0x20;
 }
 
@@ -72,7 +70,7 @@ bool isByte(std::uint8_t byte, int wanted) {
   return wanted == any || (wanted == printable ? byte >= 0x20 && byte <= 0x7e : byte == wanted);
 }
 
-bool beginsLike(const Pattern& pattern, Bytes bytes, const Dialect& dialect) {
+bool beginsLike(const Pattern& pattern, ByteView bytes, const Dialect& dialect) {
   return knows(dialect, pattern.knownWith) &&
          std::equal(bytes.begin(), bytes.end(), pattern.bytes.begin(), isByte);
 }
@@ -88,7 +86,7 @@ bool actsInTurn(MachineCommand command) {
          command == InOrderStatus || command == AskSetting;
 }
 
-MachineCommand machineCommand(Bytes bytes, const Dialect& dialect) {
+MachineCommand machineCommand(ByteView bytes, const Dialect& dialect) {
   if (isText(bytes)) {
     return Printing;
   }
@@ -100,7 +98,7 @@ MachineCommand machineCommand(Bytes bytes, const Dialect& dialect) {
   return Printing;
 }
 
-bool mayBecomeMachineCommand(Bytes bytes, const Dialect& dialect) {
+bool mayBecomeMachineCommand(ByteView bytes, const Dialect& dialect) {
   return !isText(bytes) &&
          std::any_of(std::begin(patterns), std::end(patterns), [&](const Pattern& pattern) {
            return bytes.size() < pattern.length && beginsLike(pattern, bytes, dialect);

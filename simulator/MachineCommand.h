@@ -1,8 +1,8 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
 
+#include "simulator/Bytes.h"
 #include "simulator/Dialect.h"
 
 namespace quordalvane::simulator {
@@ -38,9 +38,9 @@ bool actsOnReception(MachineCommand command);
 bool actsInTurn(MachineCommand command);
 
 /// The meaning of these bytes, one whole command, for a printer of that dialect.
-MachineCommand machineCommand(std::span<const std::uint8_t> bytes, const Dialect& dialect);
+MachineCommand machineCommand(ByteView bytes, const Dialect& dialect);
 
 /// True if more bytes may make these a command other than `Printing`.
-bool mayBecomeMachineCommand(std::span<const std::uint8_t> bytes, const Dialect& dialect);
+bool mayBecomeMachineCommand(ByteView bytes, const Dialect& dialect);
 
 }  // namespace quordalvane::simulator

@@ -125,7 +125,7 @@ std::vector<Paper> piecesOf(const Paper& paper) {
   return pieces;
 }
 
-void Paper::noteSkipped(std::span<const std::uint8_t> command) {
+void Paper::noteSkipped(ByteView command) {
   const std::string name = hexText(command.first(std::min(command.size(), bytesThatName)));
   const bool room = skipped_.size() < skippedKinds || skipped_.contains(name);
   ++skipped_[room ? name : "others"];

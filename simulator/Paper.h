@@ -2,11 +2,11 @@
 
 #include <cstdint>
 #include <map>
-#include <span>
 #include <string>
 #include <variant>
 #include <vector>
 
+#include "simulator/Bytes.h"
 #include "simulator/JobRecord.h"
 
 namespace quordalvane::simulator {
@@ -42,7 +42,7 @@ struct TextRun {
 struct Bitmap {
   unsigned width = 0;
   unsigned height = 0;
-  std::vector<std::uint8_t> rows;
+  Bytes rows;
 
   Bitmap() = default;
   Bitmap(unsigned widthInDots, unsigned heightInDots);
@@ -125,7 +125,7 @@ class Paper {
   /// Cuts the paper; where it is cut already, only a full cut of a partial one adds to that.
   void cut(bool partial);
 
-  void noteSkipped(std::span<const std::uint8_t> command);
+  void noteSkipped(ByteView command);
 
   /// The events of the job that left no ink.
   const JobRecord& record() const { return record_; }

@@ -2,7 +2,7 @@
 
 namespace quordalvane::simulator {
 
-void PrintQueue::push(std::span<const std::uint8_t> bytes, Instant now) {
+void PrintQueue::push(ByteView bytes, Instant now) {
   if (bytes_.empty()) {
     startCountingAt(now);
   }

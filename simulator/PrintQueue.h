@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <deque>
 #include <optional>
-#include <span>
 
+#include "simulator/Bytes.h"
 #include "simulator/Instant.h"
 
 namespace quordalvane::simulator {
@@ -20,7 +20,7 @@ class PrintQueue {
 
   std::size_t size() const { return bytes_.size(); }
 
-  void push(std::span<const std::uint8_t> bytes, Instant now);
+  void push(ByteView bytes, Instant now);
   void clear() { bytes_.clear(); }
 
   /// Takes the front byte if the printer is done with it by `now`.

@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "simulator/Bytes.h"
 #include "simulator/Faults.h"
 #include "simulator/VirtualPrinter.h"
 

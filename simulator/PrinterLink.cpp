@@ -23,21 +23,16 @@ std::optional<Instant> earlier(std::optional<Instant> a, std::optional<Instant> 
 
 PrinterLink::PrinterLink(VirtualPrinter& printer, Instant now, const Faults& faults)
     : printer_(printer),
-      connection_(
-          printer.connect([this](std::span<const std::uint8_t> bytes, Instant at, ReplyKind kind) {
-            // The module has one radio channel: while it answers commands itself, the printer is
-            // not heard.
-            if (!module_.inCommandMode()) {
-              send(bytes, at, kind);
-            }
-          })),
+      connection_(printer.connect([this](ByteView bytes, Instant at, ReplyKind kind) {
+        // The module has one radio channel: while it answers commands itself, the printer is
+        // not heard.
+        if (!module_.inCommandMode()) {
+          send(bytes, at, kind);
+        }
+      })),
       module_(printer.state().bluetoothAddress(),
-              {[this](std::span<const std::uint8_t> bytes, Instant at) {
-                 printer_.receive(bytes, at, printsNothing_);
-               },
-               [this](std::span<const std::uint8_t> bytes, Instant at) {
-                 send(bytes, at, ReplyKind::Other);
-               }},
+              {[this](ByteView bytes, Instant at) { printer_.receive(bytes, at, printsNothing_); },
+               [this](ByteView bytes, Instant at) { send(bytes, at, ReplyKind::Other); }},
               now),
       replies_(faults.seed.value_or(0)),
       now_(now) {
@@ -71,12 +66,12 @@ std::size_t PrinterLink::mostTaken() const {
   return std::min(mostPerWrite_.value_or(most), bytesBeforeCut());
 }
 
-std::size_t PrinterLink::heardWithoutSpace(std::span<const std::uint8_t> bytes) const {
+std::size_t PrinterLink::heardWithoutSpace(ByteView bytes) const {
   const bool goesStraightToThePrinter = !module_.inCommandMode() && module_.keptBack() == 0;
   return goesStraightToThePrinter ? std::min(mostTaken(), printer_.actingAtOnce(bytes)) : 0;
 }
 
-std::size_t PrinterLink::write(std::span<const std::uint8_t> bytes, Instant now) {
+std::size_t PrinterLink::write(ByteView bytes, Instant now) {
   std::size_t count = std::min(bytes.size(), space(now));
   if (count == 0) {
     count = heardWithoutSpace(bytes);
@@ -155,7 +150,7 @@ std::optional<Instant> PrinterLink::nextOwnEvent() const {
   return next;
 }
 
-void PrinterLink::send(std::span<const std::uint8_t> bytes, Instant at, ReplyKind kind) {
+void PrinterLink::send(ByteView bytes, Instant at, ReplyKind kind) {
   if (waiting_.size() + replies_.underWay() + bytes.size() <= mostWaiting) {
     replies_.send(bytes, at, kind);
   }

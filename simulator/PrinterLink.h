@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "simulator/BluetoothModule.h"
+#include "simulator/Bytes.h"
 #include "simulator/Faults.h"
 #include "simulator/Instant.h"
 #include "simulator/ReplyPath.h"
@@ -36,7 +37,7 @@ class PrinterLink {
 
   /// Hands bytes to the printer; returns how many of the first it took, at most `space(now)`. A
   /// printer whose buffer is full still takes requests, as long as nothing else comes before them.
-  std::size_t write(std::span<const std::uint8_t> bytes, Instant now);
+  std::size_t write(ByteView bytes, Instant now);
 
   /// How many bytes a read would return now.
   std::size_t available(Instant now);
@@ -86,7 +87,7 @@ class PrinterLink {
   };
 
   void settle(Instant now);
-  void send(std::span<const std::uint8_t> reply, Instant at, ReplyKind kind);
+  void send(ByteView reply, Instant at, ReplyKind kind);
   void befall(const Fault& fault);
   void receiveReplies();
   void bringWhatIsComing();
@@ -94,7 +95,7 @@ class PrinterLink {
   void endStalls();
   bool stalled() const;
   std::size_t mostTaken() const;
-  std::size_t heardWithoutSpace(std::span<const std::uint8_t> bytes) const;
+  std::size_t heardWithoutSpace(ByteView bytes) const;
   std::uint64_t bytesBeforeCut() const;
   void cutIfReached(FaultKind afterWhat);
   std::optional<Instant> nextOwnEvent() const;

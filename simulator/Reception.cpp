@@ -4,7 +4,7 @@
 
 namespace quordalvane::simulator {
 
-void Reception::take(std::span<const std::uint8_t> bytes, bool vanish, const OnPiece& onPiece) {
+void Reception::take(ByteView bytes, bool vanish, const OnPiece& onPiece) {
   for (std::uint8_t byte : bytes) {
     if (!scanner_.insideCommand()) {
       vanishes_ = vanish;
@@ -39,7 +39,7 @@ void Reception::passOnForPrinting(const OnPiece& onPiece) {
   forPrinting_.clear();
 }
 
-std::size_t Reception::actingAtOnce(std::span<const std::uint8_t> bytes) const {
+std::size_t Reception::actingAtOnce(ByteView bytes) const {
   const bool isInPrintData = scanner_.insideCommand() && undecided_.empty();
   if (isInPrintData) {
     return 0;

@@ -2,9 +2,8 @@
 
 #include <cstdint>
 #include <functional>
-#include <span>
-#include <vector>
 
+#include "simulator/Bytes.h"
 #include "simulator/CommandScanner.h"
 
 namespace quordalvane::simulator {
@@ -16,20 +15,20 @@ class Reception {
   /// From the next command on the printer knows the commands of this dialect.
   void setDialect(const Dialect& dialect) { scanner_.setDialect(dialect); }
 
-  using OnPiece = std::function<void(MachineCommand, std::span<const std::uint8_t>)>;
+  using OnPiece = std::function<void(MachineCommand, ByteView)>;
 
   /// Works through `bytes`; calls back in the order of the stream, with whole commands that act at
   /// once, whole ones that act in their turn, and everything else in pieces of any size as
   /// `MachineCommand::Printing`. With
   /// `vanish`, commands that begin in `bytes` are lost, to their ends, unless they act at once.
-  void take(std::span<const std::uint8_t> bytes, bool vanish, const OnPiece& onPiece);
+  void take(ByteView bytes, bool vanish, const OnPiece& onPiece);
 
   /// How many bytes are kept back because they may begin a command that acts at once.
   std::size_t undecided() const { return undecided_.size(); }
 
   /// How many of the first of `bytes` are requests and other commands that act at once, the last of
   /// them perhaps unfinished: these need no room among the print data.
-  std::size_t actingAtOnce(std::span<const std::uint8_t> bytes) const;
+  std::size_t actingAtOnce(ByteView bytes) const;
 
   /// Forgets an unfinished command: the next byte starts one.
   void restart();
@@ -40,8 +39,8 @@ class Reception {
 
   CommandScanner scanner_;
   bool vanishes_ = false;  // of the command that has begun: whether it is lost
-  std::vector<std::uint8_t> undecided_;
-  std::vector<std::uint8_t> forPrinting_;  // gathered to be passed on at once
+  Bytes undecided_;
+  Bytes forPrinting_;  // gathered to be passed on at once
 };
 
 }  // namespace quordalvane::simulator

@@ -10,8 +10,6 @@ using namespace std::chrono_literals;
 
 constexpr Instant betweenPieces = 50ms;
 
-using Bytes = std::vector<std::uint8_t>;
-
 // One of the four characters of the ID becomes another printable one.
 void changeId(Bytes& report, std::mt19937_64& chance) {
   constexpr std::uint8_t first = 0x20;
@@ -74,7 +72,7 @@ void ReplyPath::distort(Bytes& reply, const Fault& fault) const {
   }
 }
 
-void ReplyPath::send(std::span<const std::uint8_t> reply, Instant at, ReplyKind kind) {
+void ReplyPath::send(ByteView reply, Instant at, ReplyKind kind) {
   ++count_;
   kind_ = kind;
   if (isLost() || reply.empty()) {

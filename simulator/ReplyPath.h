@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <deque>
 #include <optional>
-#include <span>
 #include <vector>
 
+#include "simulator/Bytes.h"
 #include "simulator/Faults.h"
 #include "simulator/Instant.h"
 
@@ -27,7 +27,7 @@ class ReplyPath {
   void clear() { faults_.clear(); }
 
   /// Takes a reply that the printer gives at `at`.
-  void send(std::span<const std::uint8_t> reply, Instant at, ReplyKind kind = ReplyKind::Other);
+  void send(ByteView reply, Instant at, ReplyKind kind = ReplyKind::Other);
 
   /// When the next byte arrives; none while nothing is under way.
   std::optional<Instant> nextArrival() const;
@@ -43,7 +43,6 @@ class ReplyPath {
     std::uint8_t byte;
     Instant due;
   };
-  using Bytes = std::vector<std::uint8_t>;
 
   bool befalls(const Fault& fault) const;
   bool isLost() const;

@@ -124,11 +124,11 @@ Bytes etbReport(const PrinterState& state) {
   return {0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00, state.etbCounter, 0x00};
 }
 
-Bytes processIdReport(std::span<const std::uint8_t> command) {
+Bytes processIdReport(ByteView command) {
   return {0x37, 0x22, command[7], command[8], command[9], command[10], 0x00};
 }
 
-Bytes inOrderStatus(const PrinterState& state, std::span<const std::uint8_t> command) {
+Bytes inOrderStatus(const PrinterState& state, ByteView command) {
   constexpr std::uint8_t askPaperOnly = 0x76;
   constexpr std::uint8_t askInOrder = 0x72;
   const bool asksForPaper = command[1] == askPaperOnly ||
@@ -136,7 +136,7 @@ Bytes inOrderStatus(const PrinterState& state, std::span<const std::uint8_t> com
   return {byteOf(asksForPaper ? paperBits(state) : bits(state, Flag::CompulsionSwitch, 0x01))};
 }
 
-Bytes settingReply(std::span<const std::uint8_t> command) {
+Bytes settingReply(ByteView command) {
   constexpr std::uint8_t askSwitch = 4;
   if (command[5] == askSwitch) {
     return framed({0x37, 0x21}, "00000000", {0x00});

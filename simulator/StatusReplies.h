@@ -1,14 +1,11 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
-#include <vector>
 
+#include "simulator/Bytes.h"
 #include "simulator/PrinterState.h"
 
 namespace quordalvane::simulator {
-
-using Bytes = std::vector<std::uint8_t>;
 
 /// The line-mode status block: a header that tells the length, the layout's version, the thirty
 /// flags a bit each, the counter and the two state bytes. Always nine bytes.
@@ -34,15 +31,15 @@ Bytes dipSwitchReply(const PrinterState& state, std::uint8_t digit);
 Bytes etbReport(const PrinterState& state);
 
 /// The report of a process-ID command, given whole: its four characters come back.
-Bytes processIdReport(std::span<const std::uint8_t> command);
+Bytes processIdReport(ByteView command);
 
 /// The one byte that answers a whole status request 1d 72, 1b 75 or 1b 76: of the paper or of the
 /// drawer.
-Bytes inOrderStatus(const PrinterState& state, std::span<const std::uint8_t> command);
+Bytes inOrderStatus(const PrinterState& state, ByteView command);
 
 /// The answer to a whole command 1d 28 45 that asks for a memory switch or a customised value: each
 /// is 0.
-Bytes settingReply(std::span<const std::uint8_t> command);
+Bytes settingReply(ByteView command);
 
 /// The four bytes that report a change unasked.
 Bytes unaskedStatus(const PrinterState& state);

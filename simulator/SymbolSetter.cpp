@@ -5,8 +5,6 @@
 namespace quordalvane::simulator {
 namespace {
 
-using Bytes = std::span<const std::uint8_t>;
-
 // The first form of the command numbers the symbologies from 0 and ends its data with a zero byte,
 // the second numbers them from 65 and counts its data.
 constexpr std::uint8_t lastTerminated = 6;
@@ -20,7 +18,7 @@ constexpr Symbology symbologyTable[] = {
     Symbology::Codabar, Symbology::Code93, Symbology::Code128,
 };
 
-std::string textOf(Bytes bytes) {
+std::string textOf(ByteView bytes) {
   return {bytes.begin(), bytes.end()};
 }
 
@@ -50,7 +48,7 @@ std::string code128Text(const std::string& data) {
 
 }  // namespace
 
-void SymbolSetter::setBarcode(Bytes command) {
+void SymbolSetter::setBarcode(ByteView command) {
   const unsigned value = command[2];
   if (command[1] == 0x68) {
     settings_.height = std::max(value, 1U);
@@ -62,7 +60,7 @@ void SymbolSetter::setBarcode(Bytes command) {
   }
 }
 
-std::optional<Barcode> SymbolSetter::barcode(Bytes command) const {
+std::optional<Barcode> SymbolSetter::barcode(ByteView command) const {
   const bool counted = command[2] >= firstCounted;
   const std::size_t number = counted ? command[2] - firstCounted : command[2];
   if (number >= std::size(symbologyTable) || (!counted && number > lastTerminated)) {
@@ -81,7 +79,7 @@ std::optional<Barcode> SymbolSetter::barcode(Bytes command) const {
   return barcode;
 }
 
-SymbolSetter::Outcome SymbolSetter::applyQr(Bytes command) {
+SymbolSetter::Outcome SymbolSetter::applyQr(ByteView command) {
   constexpr std::uint8_t qr = 0x31;
   if (command.size() < 8 || command[2] != 0x6b || command[5] != qr) {
     return Outcome::Unknown;

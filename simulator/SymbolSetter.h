@@ -2,8 +2,8 @@
 
 #include <cstdint>
 #include <optional>
-#include <span>
 
+#include "simulator/Bytes.h"
 #include "simulator/Paper.h"
 
 namespace quordalvane::simulator {
@@ -12,15 +12,15 @@ namespace quordalvane::simulator {
 class SymbolSetter {
  public:
   /// Takes a setting: height 1d 68, module width 1d 77, place of the text 1d 48.
-  void setBarcode(std::span<const std::uint8_t> command);
+  void setBarcode(ByteView command);
 
   /// The bar code of a command 1d 6b, or none if its symbology cannot be shown.
-  std::optional<Barcode> barcode(std::span<const std::uint8_t> command) const;
+  std::optional<Barcode> barcode(ByteView command) const;
 
   enum class Outcome { Stored, Print, Unknown };
 
   /// Carries out a QR command 1d 28 6b. After `print` the code is to be taken with `qrCode()`.
-  Outcome applyQr(std::span<const std::uint8_t> command);
+  Outcome applyQr(ByteView command);
 
   const QrCode& qrCode() const { return qr_; }
 

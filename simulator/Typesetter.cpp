@@ -62,7 +62,7 @@ const Typesetter::Entry Typesetter::commandTable[] = {
 
 Typesetter::Typesetter(unsigned paperWidth) : paper_(paperWidth), line_(paperWidth) {}
 
-void Typesetter::set(Bytes command) {
+void Typesetter::set(ByteView command) {
   if (command.size() == 1) {
     return character(command[0]);
   }
@@ -136,7 +136,7 @@ Paper Typesetter::tearOffFinishedLines() {
   return clean;
 }
 
-void Typesetter::initialise(Bytes) {
+void Typesetter::initialise(ByteView) {
   line_.endIfBegun(paper_);
   line_ = LineBuilder(paper_.width());
   style_ = {};
@@ -146,7 +146,7 @@ void Typesetter::initialise(Bytes) {
   pageMode_ = false;
 }
 
-void Typesetter::printMode(Bytes command) {
+void Typesetter::printMode(ByteView command) {
   const unsigned bits = command[2];
   style_.smallFont = (bits & 0x01U) != 0;
   style_.bold = (bits & 0x08U) != 0;
@@ -155,46 +155,46 @@ void Typesetter::printMode(Bytes command) {
   style_.underline = bits & 0x80U ? 1 : 0;
 }
 
-void Typesetter::bold(Bytes command) {
+void Typesetter::bold(ByteView command) {
   style_.bold = (command[2] & 1U) != 0;
 }
 
-void Typesetter::underline(Bytes command) {
+void Typesetter::underline(ByteView command) {
   const unsigned thickness = command[2] & 0x0fU;  // 0 to 2, as a number or as a digit
   if (thickness <= 2) {
     style_.underline = static_cast<std::uint8_t>(thickness);
   }
 }
 
-void Typesetter::inverse(Bytes command) {
+void Typesetter::inverse(ByteView command) {
   style_.inverse = (command[2] & 1U) != 0;
 }
 
-void Typesetter::font(Bytes command) {
+void Typesetter::font(ByteView command) {
   style_.smallFont = (command[2] & 1U) != 0;
 }
 
-void Typesetter::characterSize(Bytes command) {
+void Typesetter::characterSize(ByteView command) {
   const unsigned factors = command[2];
   style_.widthFactor = static_cast<std::uint8_t>((factors >> 4U & 7U) + 1);
   style_.heightFactor = static_cast<std::uint8_t>((factors & 7U) + 1);
 }
 
-void Typesetter::align(Bytes command) {
+void Typesetter::align(ByteView command) {
   const unsigned where = command[2] & 0x0fU;  // 0 to 2, as a number or as a digit
   if (where <= 2) {
     line_.setAlignment(static_cast<Alignment>(where));
   }
 }
 
-void Typesetter::codePage(Bytes command) {
+void Typesetter::codePage(ByteView command) {
   record().noteCodePage(command[2]);
   if (!decoder_.select(command[2])) {
     paper_.noteSkipped(command);
   }
 }
 
-void Typesetter::beepOrSkip(Bytes command) {
+void Typesetter::beepOrSkip(ByteView command) {
   constexpr std::uint8_t buzzer = 0x41;
   if (command[2] == buzzer) {
     return beep(command);
@@ -202,7 +202,7 @@ void Typesetter::beepOrSkip(Bytes command) {
   paper_.noteSkipped(command);
 }
 
-void Typesetter::pulse(Bytes command) {
+void Typesetter::pulse(ByteView command) {
   constexpr std::uint8_t toDrawer = 1;
   constexpr std::uint8_t toBuzzer = 3;
   if (command[2] == toDrawer) {
@@ -214,19 +214,19 @@ void Typesetter::pulse(Bytes command) {
   paper_.noteSkipped(command);
 }
 
-void Typesetter::defaultSpacing(Bytes) {
+void Typesetter::defaultSpacing(ByteView) {
   line_.setSpacing(lineSpacing);
 }
 
-void Typesetter::spacing(Bytes command) {
+void Typesetter::spacing(ByteView command) {
   line_.setSpacing(command[2]);
 }
 
-void Typesetter::feedDots(Bytes command) {
+void Typesetter::feedDots(ByteView command) {
   feed(command[2]);
 }
 
-void Typesetter::feedLinesOrCut(Bytes command) {
+void Typesetter::feedLinesOrCut(ByteView command) {
   const unsigned n = command[2];
   if (sawEscPos_ || n > 3) {
     return feed(n * line_.spacing());
@@ -237,11 +237,11 @@ void Typesetter::feedLinesOrCut(Bytes command) {
   cutHere(n % 2 == 1);
 }
 
-void Typesetter::position(Bytes command) {
+void Typesetter::position(ByteView command) {
   line_.moveTo(command[2] + 256U * command[3]);
 }
 
-void Typesetter::positionFurther(Bytes command) {
+void Typesetter::positionFurther(ByteView command) {
   const auto distance = static_cast<std::int16_t>(command[2] + 256 * command[3]);
   const int target = static_cast<int>(line_.position()) + distance;
   if (target >= 0) {
@@ -249,12 +249,12 @@ void Typesetter::positionFurther(Bytes command) {
   }
 }
 
-void Typesetter::pageMode(Bytes) {
+void Typesetter::pageMode(ByteView) {
   // A page is set line by line, as if it were none: what it says can still be read.
   pageMode_ = true;
 }
 
-void Typesetter::cut(Bytes command) {
+void Typesetter::cut(ByteView command) {
   const unsigned form = command[2];
   if (command.size() == 4) {
     feed(headToBlade + command[3]);
@@ -262,11 +262,11 @@ void Typesetter::cut(Bytes command) {
   cutHere((form & 1U) == (form >= 0x41 ? 0U : 1U));
 }
 
-void Typesetter::fullCut(Bytes) {
+void Typesetter::fullCut(ByteView) {
   cutHere(false);
 }
 
-void Typesetter::partialCut(Bytes) {
+void Typesetter::partialCut(ByteView) {
   cutHere(true);
 }
 
@@ -291,21 +291,21 @@ void Typesetter::addImage(Bitmap dots) {
   paper_.add(std::move(line));
 }
 
-void Typesetter::raster(Bytes command) {
+void Typesetter::raster(ByteView command) {
   if (command[2] != 0x30) {
     return paper_.noteSkipped(command);
   }
   addImage(rasterImage(command));
 }
 
-void Typesetter::columnImage(Bytes command) {
+void Typesetter::columnImage(ByteView command) {
   if (command.size() < 5) {
     return paper_.noteSkipped(command);
   }
   line_.add(simulator::columnImage(command));
 }
 
-void Typesetter::graphics(Bytes command) {
+void Typesetter::graphics(ByteView command) {
   switch (graphics_.apply(command)) {
     case GraphicsMemory::Outcome::Stored:
       return;
@@ -317,7 +317,7 @@ void Typesetter::graphics(Bytes command) {
   }
 }
 
-void Typesetter::barcode(Bytes command) {
+void Typesetter::barcode(ByteView command) {
   auto barcode = symbols_.barcode(command);
   if (!barcode) {
     return paper_.noteSkipped(command);
@@ -327,11 +327,11 @@ void Typesetter::barcode(Bytes command) {
   paper_.add(std::move(*barcode));
 }
 
-void Typesetter::barcodeSetting(Bytes command) {
+void Typesetter::barcodeSetting(ByteView command) {
   symbols_.setBarcode(command);
 }
 
-void Typesetter::twoDimensional(Bytes command) {
+void Typesetter::twoDimensional(ByteView command) {
   if (command[2] == 0x4c) {
     return graphics(command);
   }

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
 
+#include "simulator/Bytes.h"
 #include "simulator/GraphicsMemory.h"
 #include "simulator/LineBuilder.h"
 #include "simulator/Paper.h"
@@ -24,7 +24,7 @@ class Typesetter {
   JobRecord& record() { return paper_.record(); }
 
   /// Takes one complete command, or one character.
-  void set(std::span<const std::uint8_t> command);
+  void set(ByteView command);
 
   /// Ends a line that has begun: nothing more will come for it.
   void endLine();
@@ -41,43 +41,42 @@ class Typesetter {
   Paper tearOffFinishedLines();
 
  private:
-  using Bytes = std::span<const std::uint8_t>;
-  using Handler = void (Typesetter::*)(Bytes);
+  using Handler = void (Typesetter::*)(ByteView);
   struct Entry;
   static const Entry commandTable[];
 
   void character(std::uint8_t byte);
   void finishText();
-  void initialise(Bytes);
-  void printMode(Bytes command);
-  void bold(Bytes command);
-  void underline(Bytes command);
-  void inverse(Bytes command);
-  void font(Bytes command);
-  void characterSize(Bytes command);
-  void align(Bytes command);
-  void codePage(Bytes command);
-  void defaultSpacing(Bytes);
-  void spacing(Bytes command);
-  void feedDots(Bytes command);
-  void feedLinesOrCut(Bytes command);
-  void position(Bytes command);
-  void positionFurther(Bytes command);
-  void pageMode(Bytes);
-  void cut(Bytes command);
-  void fullCut(Bytes);
-  void partialCut(Bytes);
-  void raster(Bytes command);
-  void columnImage(Bytes command);
-  void graphics(Bytes command);
-  void barcode(Bytes command);
-  void barcodeSetting(Bytes command);
-  void twoDimensional(Bytes command);
-  void ignore(Bytes) {}
-  void beepOrSkip(Bytes command);
-  void pulse(Bytes command);
-  void drawer(Bytes) { ++record().drawer; }
-  void beep(Bytes) { ++record().beeps; }
+  void initialise(ByteView);
+  void printMode(ByteView command);
+  void bold(ByteView command);
+  void underline(ByteView command);
+  void inverse(ByteView command);
+  void font(ByteView command);
+  void characterSize(ByteView command);
+  void align(ByteView command);
+  void codePage(ByteView command);
+  void defaultSpacing(ByteView);
+  void spacing(ByteView command);
+  void feedDots(ByteView command);
+  void feedLinesOrCut(ByteView command);
+  void position(ByteView command);
+  void positionFurther(ByteView command);
+  void pageMode(ByteView);
+  void cut(ByteView command);
+  void fullCut(ByteView);
+  void partialCut(ByteView);
+  void raster(ByteView command);
+  void columnImage(ByteView command);
+  void graphics(ByteView command);
+  void barcode(ByteView command);
+  void barcodeSetting(ByteView command);
+  void twoDimensional(ByteView command);
+  void ignore(ByteView) {}
+  void beepOrSkip(ByteView command);
+  void pulse(ByteView command);
+  void drawer(ByteView) { ++record().drawer; }
+  void beep(ByteView) { ++record().beeps; }
 
   void feed(unsigned dots);
   void cutHere(bool partial);

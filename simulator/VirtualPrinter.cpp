@@ -54,14 +54,14 @@ void VirtualPrinter::advance(Instant now) {
   printUntil(now);
 }
 
-void VirtualPrinter::receive(std::span<const std::uint8_t> bytes, Instant now, bool vanish) {
+void VirtualPrinter::receive(ByteView bytes, Instant now, bool vanish) {
   if (bytes.empty()) {
     return;
   }
   advance(now);
   lastReceived_ = now;
   receivedEver_ += bytes.size();
-  reception_.take(bytes, vanish, [&](MachineCommand command, std::span<const std::uint8_t> piece) {
+  reception_.take(bytes, vanish, [&](MachineCommand command, ByteView piece) {
     if (actsOnReception(command)) {
       obey(command, piece, now);
     } else if (dropping_) {
@@ -73,8 +73,7 @@ void VirtualPrinter::receive(std::span<const std::uint8_t> bytes, Instant now, b
   printUntil(now);
 }
 
-void VirtualPrinter::obey(MachineCommand command, std::span<const std::uint8_t> bytes,
-                          Instant now) {
+void VirtualPrinter::obey(MachineCommand command, ByteView bytes, Instant now) {
   // A printer that takes no time over its data has printed what came before in the same packet.
   printUntil(now);
   setAside(bytes.size());
@@ -98,7 +97,7 @@ void VirtualPrinter::passAsides() {
   }
 }
 
-void VirtualPrinter::act(MachineCommand command, std::span<const std::uint8_t> bytes, Instant now) {
+void VirtualPrinter::act(MachineCommand command, ByteView bytes, Instant now) {
   switch (command) {
     case MachineCommand::CounterReset:
       state_.etbCounter = 0;
@@ -138,8 +137,7 @@ void VirtualPrinter::recover(std::uint8_t how, Instant now) {
   followState(now);
 }
 
-void VirtualPrinter::answer(MachineCommand command, std::span<const std::uint8_t> bytes,
-                            Instant now) {
+void VirtualPrinter::answer(MachineCommand command, ByteView bytes, Instant now) {
   switch (command) {
     case MachineCommand::StatusRequest:
       return reply(statusBlock(state_), now);
@@ -167,8 +165,7 @@ void VirtualPrinter::reportChange(Instant now) {
   }
 }
 
-void VirtualPrinter::hold(MachineCommand command, std::span<const std::uint8_t> bytes,
-                          Instant now) {
+void VirtualPrinter::hold(MachineCommand command, ByteView bytes, Instant now) {
   const std::uint64_t begin = queuedEver_;
   queue_.push(bytes, now);
   queuedEver_ += bytes.size();
@@ -341,7 +338,7 @@ void VirtualPrinter::endConnection() {
   passMarks({});
 }
 
-void VirtualPrinter::reply(std::span<const std::uint8_t> bytes, Instant at, ReplyKind kind) {
+void VirtualPrinter::reply(ByteView bytes, Instant at, ReplyKind kind) {
   if (!question_.empty() && !bytes.empty()) {
     printing_.record().noteQuestion(question_, bytes);
   }

@@ -4,11 +4,10 @@
 #include <deque>
 #include <functional>
 #include <optional>
-#include <span>
 #include <string_view>
 #include <utility>
-#include <vector>
 
+#include "simulator/Bytes.h"
 #include "simulator/Instant.h"
 #include "simulator/PrintQueue.h"
 #include "simulator/PrinterState.h"
@@ -46,7 +45,7 @@ class VirtualPrinter {
   /// The print data that made it, byte for byte: without ETBs and without the commands that act on
   /// reception. Its whole commands are on the paper; a line may still be open. Only of a printer
   /// that `PrinterState::keepsPrinted`; empty else.
-  const std::vector<std::uint8_t>& printed() const { return printed_; }
+  const Bytes& printed() const { return printed_; }
 
   /// How many bytes of print data have been printed ever.
   std::uint64_t printedBytes() const { return printedBytes_; }
@@ -66,7 +65,7 @@ class VirtualPrinter {
   // ---- For the link ----
 
   /// The way of replies to the host, with the instant at which the printer gives them.
-  using Sink = std::function<void(std::span<const std::uint8_t>, Instant, ReplyKind)>;
+  using Sink = std::function<void(ByteView, Instant, ReplyKind)>;
 
   /// Begins a connection, which ends the one before it: from now on replies go to `sink`. Returns a
   /// number that tells this connection from all others.
@@ -83,25 +82,21 @@ class VirtualPrinter {
 
   /// How many of the first of `bytes` it can take also without space, as they act on reception and
   /// are not held.
-  std::size_t actingAtOnce(std::span<const std::uint8_t> bytes) const {
-    return reception_.actingAtOnce(bytes);
-  }
+  std::size_t actingAtOnce(ByteView bytes) const { return reception_.actingAtOnce(bytes); }
 
   /// Takes all of `bytes`, at most `space()` or `actingAtOnce(bytes)`. With `vanish`, print data is
   /// lost on the way: commands that act on reception are obeyed and nothing is printed. A command
   /// whose first bytes came before shares their fate.
-  void receive(std::span<const std::uint8_t> bytes, Instant now, bool vanish = false);
+  void receive(ByteView bytes, Instant now, bool vanish = false);
 
   /// Sends bytes to the host, if there is one: an answer, or something of its own accord.
-  void reply(std::span<const std::uint8_t> bytes, Instant at, ReplyKind kind = ReplyKind::Other);
+  void reply(ByteView bytes, Instant at, ReplyKind kind = ReplyKind::Other);
 
   /// When, after the latest instant given, it next does something that can be noticed from outside:
   /// has space again, passes an ETB, has printed all, or drops data. None while nothing is due.
   std::optional<Instant> nextEvent() const;
 
  private:
-  using Bytes = std::vector<std::uint8_t>;
-
   /// A command, or the end of a connection, that waits until the print position has passed the
   /// first `end` bytes that were ever queued.
   struct Mark {
@@ -119,11 +114,11 @@ class VirtualPrinter {
   };
 
   std::size_t readyAgain() const;
-  void obey(MachineCommand command, std::span<const std::uint8_t> bytes, Instant now);
-  void act(MachineCommand command, std::span<const std::uint8_t> bytes, Instant now);
-  void answer(MachineCommand command, std::span<const std::uint8_t> bytes, Instant now);
+  void obey(MachineCommand command, ByteView bytes, Instant now);
+  void act(MachineCommand command, ByteView bytes, Instant now);
+  void answer(MachineCommand command, ByteView bytes, Instant now);
   void recover(std::uint8_t how, Instant now);
-  void hold(MachineCommand command, std::span<const std::uint8_t> bytes, Instant now);
+  void hold(MachineCommand command, ByteView bytes, Instant now);
   void printUntil(Instant now);
   void print(std::uint8_t byte);
   void passMarks(Instant at);
@@ -153,7 +148,7 @@ class VirtualPrinter {
   Bytes question_;          // the command that is being answered
   std::deque<Mark> marks_;  // of what is queued, in its order
   std::uint64_t printedBytes_ = 0;
-  std::vector<std::uint8_t> printed_;
+  Bytes printed_;
 
   std::uint8_t dataTimeoutSeconds_ = 0;
   bool guarded_ = false;   // between a data cancel and its end
