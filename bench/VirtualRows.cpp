@@ -6,11 +6,11 @@
 #include <utility>
 
 #include "backends/virtual/VirtualAccessory.h"
-#include "tests/support/VirtualPlatform.h"
 #include "bench/Cores.h"
 #include "bench/Groups.h"
 #include "job/PrintJob.h"
 #include "simulator/PrinterBuilder.h"
+#include "tests/support/VirtualPlatform.h"
 
 namespace quordalvane::bench {
 namespace {

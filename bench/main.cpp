@@ -20,13 +20,20 @@ struct Group {
 
 // The rows that measure memory run first, while no freed memory can be used again.
 constexpr std::array groups = {
-    Group{"B9", idlePorts},           Group{"B1", lineStatusOverTcp},
-    Group{"B2", escposStatusOverTcp}, Group{"B3", lineStatusElsewhere},
-    Group{"B4", printData},           Group{"B5", reading},
-    Group{"B6", logStatementOff},     Group{"B7", logStatementOn},
-    Group{"B8", stalledSink},         Group{"B10", lateReplies},
-    Group{"B11", silentDevice},       Group{"B12", openAndClose},
-    Group{"B13", virtualTime},        Group{"B14", systemCalls},
+    Group{"B9", idlePorts},
+    Group{"B1", lineStatusOverTcp},
+    Group{"B2", escposStatusOverTcp},
+    Group{"B3", lineStatusElsewhere},
+    Group{"B4", printData},
+    Group{"B5", reading},
+    Group{"B6", logStatementOff},
+    Group{"B7", logStatementOn},
+    Group{"B8", stalledSink},
+    Group{"B10", lateReplies},
+    Group{"B11", silentDevice},
+    Group{"B12", openAndClose},
+    Group{"B13", virtualTime},
+    Group{"B14", systemCalls},
     Group{"B19", journal},
 };
 
