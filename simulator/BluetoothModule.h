@@ -15,7 +15,7 @@ namespace quordalvane::simulator {
 /// One module serves one link.
 class BluetoothModule {
  public:
-  /// What the module hands on: data for the printer, and its own replies to the host. Each comes
+  /// The ways out of the module: data to the printer, and its own replies to the host, each
   /// with the instant at which it goes out.
   struct Outlets {
     std::function<void(ByteView, Instant)> toPrinter;
@@ -56,7 +56,7 @@ class BluetoothModule {
   Instant lastReceived_;
   bool commandMode_ = false;
   bool dropped_ = false;
-  Bytes escape_;  // what may be the escape sequence, while it stands alone
+  Bytes escape_;  // a possible escape sequence
   std::string command_;
   std::optional<Instant> dropAt_;
 };

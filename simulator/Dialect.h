@@ -12,7 +12,7 @@ struct Dialect {
   bool operator==(const Dialect&) const = default;
 };
 
-/// What a command takes to be known.
+/// The condition under which a printer knows a command.
 enum class KnownWith { Always, LineMode, Block, ProcessId, InOrder };
 
 bool knows(const Dialect& dialect, KnownWith with);

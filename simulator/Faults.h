@@ -11,7 +11,7 @@
 
 namespace quordalvane::simulator {
 
-/// What happens to bytes that were sent and not read when a link ends.
+/// The fate of bytes that were sent and not read when a link ends.
 enum class Ending {
   Drain,   ///< they can still be read
   AtOnce,  ///< they are lost
@@ -62,7 +62,7 @@ Fault parseFault(std::string_view name, std::string_view value);
 /// The faults of a link, in the order in which they were named. A plain value.
 struct Faults {
   std::vector<Fault> list;
-  std::optional<std::uint64_t> seed;  ///< decides whatever a fault leaves to chance; none: as 0
+  std::optional<std::uint64_t> seed;  ///< decides whatever a fault leaves to chance; empty: as 0
 
   /// Adds the fault that is named, or sets the seed for the name `seed`. Errors as in `parseFault`.
   void add(std::string_view name, std::string_view value);

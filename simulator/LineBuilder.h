@@ -12,10 +12,10 @@ class LineBuilder {
  public:
   explicit LineBuilder(unsigned paperWidth) : paperWidth_(paperWidth) {}
 
-  /// Adds text; what does not fit starts a new line on `paper`.
+  /// Adds text; the part that does not fit starts a new line on `paper`.
   void add(std::u32string_view text, const TextStyle& style, Paper& paper);
 
-  /// Adds dots at the current position, cut off where the paper ends.
+  /// Adds dots at the current position, cut off at the edge of the paper.
   void add(Bitmap dots);
 
   /// Goes on `x` dots from the left end; beyond the paper it does nothing.
@@ -33,7 +33,7 @@ class LineBuilder {
   bool empty() const { return line_.items.empty(); }
   unsigned position() const { return position_; }
 
-  /// Holds for the current line if nothing is on it yet, else from the next line on.
+  /// Holds for the current line if nothing is on it yet, otherwise from the next line on.
   void setAlignment(Alignment alignment) { alignment_ = alignment; }
   Alignment alignment() const { return alignment_; }
   void setSpacing(unsigned dots) { spacing_ = dots; }

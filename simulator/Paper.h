@@ -122,7 +122,7 @@ class Paper {
   /// Moves the paper; feeds that follow one another are one.
   void feed(unsigned dots);
 
-  /// Cuts the paper; where it is cut already, only a full cut of a partial one adds to that.
+  /// Cuts the paper; if it is cut already, only a full cut of a partial one adds to that.
   void cut(bool partial);
 
   void noteSkipped(ByteView command);

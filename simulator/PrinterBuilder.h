@@ -8,9 +8,10 @@
 
 namespace quordalvane::simulator {
 
-/// Describes a printer, and what goes wrong on the links to it, in a sentence:
-/// `PrinterBuilder().speed(200).coverOpen().fault("late-reply", "300")`. What is not said is as in
-/// `PrinterState`, and nothing goes wrong. A value that cannot be throws std::invalid_argument.
+/// Describes a printer, and the faults of the links to it, in a sentence:
+/// `PrinterBuilder().speed(200).coverOpen().fault("late-reply", "300")`. A setting that is not
+/// named is as in `PrinterState`, and nothing goes wrong. A value that cannot be throws
+/// std::invalid_argument.
 class PrinterBuilder {
  public:
   /// Bytes of print data worked through in a second; 0: no time at all.
@@ -42,8 +43,8 @@ class PrinterBuilder {
   /// Decides whatever a fault leaves to chance.
   PrinterBuilder& seed(std::uint64_t number);
 
-  /// A setting by its name, as `PrinterState::set` takes it, or a fault, or the seed: what users
-  /// write behind `virtual:` and `--set`.
+  /// A setting by its name, as `PrinterState::set` takes it, or a fault, or the seed, as users
+  /// write them after `virtual:` and `--set`.
   PrinterBuilder& set(std::string_view key, std::string_view value);
 
   const PrinterState& state() const { return state_; }

@@ -18,8 +18,8 @@ namespace quordalvane::simulator {
 
 /// One connection to a printer, as the host sees it: bytes go in while there is space, bytes come
 /// out while there are any, and it can drop. A printer has one connection at a time: a new one ends
-/// the one before it. The printer must outlive the link. Destroying the link hangs up; what was
-/// taken stays with the printer.
+/// the one before it. The printer must outlive the link. Destroying the link hangs up; data that
+/// was taken stays with the printer.
 ///
 /// Every call first lets the printer work up to `now`. Instants must not go back. No call blocks.
 /// Not for use by two threads at once.
@@ -43,7 +43,7 @@ class PrinterLink {
   std::size_t available(Instant now);
 
   /// Moves up to `out.size()` bytes from the printer into `out`; returns their count, 0 if there
-  /// are none. What was there when the link dropped can still be read.
+  /// are none. Bytes that had arrived before the link dropped can still be read.
   std::size_t read(std::span<std::uint8_t> out, Instant now);
 
   /// True until the link has dropped and nothing that came before is left to read.
@@ -52,7 +52,7 @@ class PrinterLink {
   /// True once the link has dropped, whatever is left to read.
   bool dropped(Instant now);
 
-  /// True once the link has ended by a reset, which a host can tell from a close.
+  /// True once the link has ended by a reset, which a host can distinguish from a close.
   bool wasReset(Instant now);
 
   /// Lets a fault befall the link from `now` on, besides those that it has. Bytes and replies are
@@ -66,7 +66,7 @@ class PrinterLink {
   void clearFaults(Instant now);
 
   /// When, after `now`, something may change without any call: space, bytes to read, the link
-  /// itself. None while nothing is due.
+  /// itself. Empty while nothing is due.
   std::optional<Instant> nextEvent(Instant now);
 
  private:
@@ -78,7 +78,7 @@ class PrinterLink {
   struct Stall {  // no space from a count of bytes on, for a while
     std::uint64_t afterBytes;
     Instant length;
-    std::optional<Instant> until;  // none until so many bytes have come
+    std::optional<Instant> until;  // empty until so many bytes have arrived
   };
   struct Cut {
     FaultKind kind;  // after bytes in, or after bytes out

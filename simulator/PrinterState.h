@@ -50,12 +50,12 @@ inline constexpr std::size_t flagCount = 30;
 /// The names of the flags; element k names flag k.
 extern const std::array<std::string_view, flagCount> flagNames;
 
-/// The flag of that name, or none.
+/// The flag of that name; empty if there is no such flag.
 std::optional<Flag> flagNamed(std::string_view name);
 
 using DipBank = std::array<std::uint8_t, 2>;
 
-/// Everything about a printer that can be set: what it senses, what it is set to, how fast it is.
+/// Everything about a printer that can be set: its sensors, its settings, its speed.
 /// A plain value; it knows nothing of bytes on a link or of time.
 class PrinterState {
  public:

@@ -7,7 +7,7 @@
 
 namespace quordalvane::simulator {
 
-/// The print side of the machine: what happens to print data when the print position reaches it.
+/// The print side of the machine: carries out print data when the print position reaches it.
 class Printing {
  public:
   explicit Printing(unsigned paperWidth) : typesetter_(paperWidth) {}
@@ -21,7 +21,7 @@ class Printing {
   /// No end will come for a command that has begun; the next byte starts a new one.
   void leaveUnfinishedCommand();
 
-  /// Nothing more will come for a line that has begun.
+  /// Ends a line that has begun.
   void endLine() { typesetter_.endLine(); }
 
   /// The job is over.

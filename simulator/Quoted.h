@@ -5,9 +5,9 @@
 
 namespace quordalvane::simulator {
 
-/// A user's text in quotation marks, for an error: what is not printable ASCII, and could upset a
-/// terminal, becomes a question mark. The device texts have the like for themselves: the simulator
-/// looks into no other room.
+/// A user's text in quotation marks, for an error: a byte that is not printable ASCII, and could
+/// upset a terminal, becomes a question mark. The device texts have the like for themselves: the
+/// simulator looks into no other room.
 inline std::string quoted(std::string_view text) {
   std::string result = "\"";
   for (const char c : text) {

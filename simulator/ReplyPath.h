@@ -11,7 +11,7 @@
 
 namespace quordalvane::simulator {
 
-/// The way of the replies from a printer to its host, and what faults do to them on it. Replies
+/// The way of the replies from a printer to its host, on which faults befall them. Replies
 /// never overtake one another.
 class ReplyPath {
  public:
@@ -23,13 +23,13 @@ class ReplyPath {
   /// Adds a fault that befalls replies.
   void add(const Fault& fault) { faults_.push_back(fault); }
 
-  /// Takes all faults away. What is under way keeps its fate.
+  /// Takes all faults away. Replies under way keep their fate.
   void clear() { faults_.clear(); }
 
   /// Takes a reply that the printer gives at `at`.
   void send(ByteView reply, Instant at, ReplyKind kind = ReplyKind::Other);
 
-  /// When the next byte arrives; none while nothing is under way.
+  /// When the next byte arrives; empty while nothing is under way.
   std::optional<Instant> nextArrival() const;
 
   /// Takes the next byte off the way if it has arrived by `now`.

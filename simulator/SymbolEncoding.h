@@ -13,7 +13,7 @@ struct EncodedSymbol {
   std::string text;
 };
 
-/// None if the data cannot be written in that symbology.
+/// Empty if the data cannot be written in that symbology.
 std::optional<EncodedSymbol> encode(const Barcode& barcode);
 std::optional<EncodedSymbol> encode(const QrCode& code);
 

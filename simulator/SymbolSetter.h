@@ -8,13 +8,13 @@
 
 namespace quordalvane::simulator {
 
-/// The settings that bar codes and QR codes are printed with, and what the commands say of both.
+/// The settings that bar codes and QR codes are printed with, as the commands set them.
 class SymbolSetter {
  public:
   /// Takes a setting: height 1d 68, module width 1d 77, place of the text 1d 48.
   void setBarcode(ByteView command);
 
-  /// The bar code of a command 1d 6b, or none if its symbology cannot be shown.
+  /// The bar code of a command 1d 6b, empty if its symbology cannot be shown.
   std::optional<Barcode> barcode(ByteView command) const;
 
   enum class Outcome { Stored, Print, Unknown };

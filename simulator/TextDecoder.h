@@ -39,7 +39,7 @@ class TextDecoder {
   std::string run_;  // bytes from 80 hex up that are not decided yet
 };
 
-/// The text in UTF-8. What is no character is the replacement character, U+FFFD.
+/// The text in UTF-8. A value that is not a character becomes the replacement character, U+FFFD.
 std::string toUtf8(std::u32string_view text);
 
 /// The characters of a text in UTF-8. Each byte that belongs to none is the replacement character.

@@ -19,8 +19,8 @@ namespace quordalvane::simulator {
 
 /// A printer. It lives across connections: a `PrinterLink` stands for one of them.
 ///
-/// It is a state machine over bytes and time, with no thread, clock or input of its own: what it
-/// does follows from the bytes and the instants that it is given, and not from how often it is
+/// It is a state machine over bytes and time, with no thread, clock or input of its own: its
+/// behaviour follows from the bytes and the instants that it is given, and not from how often it is
 /// looked at. Instants must not go back. Not for use by two threads at once.
 class VirtualPrinter {
  public:
@@ -36,15 +36,15 @@ class VirtualPrinter {
   /// Changes a setting by its name from `now` on, as `PrinterState::set` does and with its errors.
   void set(std::string_view key, std::string_view value, Instant now);
 
-  /// Works up to `now`. Everything below tells how things stood at the latest instant given.
+  /// Works up to `now`. Everything below is as it was at the latest instant given.
   void advance(Instant now);
 
-  /// What has come out since the paper was last torn off.
+  /// The output since the paper was last torn off.
   const Paper& paper() const { return printing_.paper(); }
 
   /// The print data that made it, byte for byte: without ETBs and without the commands that act on
   /// reception. Its whole commands are on the paper; a line may still be open. Only of a printer
-  /// that `PrinterState::keepsPrinted`; empty else.
+  /// that `PrinterState::keepsPrinted`; empty otherwise.
   const Bytes& printed() const { return printed_; }
 
   /// How many bytes of print data have been printed ever.
@@ -57,8 +57,8 @@ class VirtualPrinter {
   Paper tearOff();
 
   /// From now on each connection is a job: when all that it brought has been printed or dropped,
-  /// the paper is torn off and given to `keep`, unless there is none. A paper that grows heavier
-  /// than `heaviestPaper` is torn off and given before; without a keeper it is lost.
+  /// the paper is torn off and given to `keep`, unless the paper is empty. A paper that grows
+  /// heavier than `heaviestPaper` is torn off and given before; without a keeper it is lost.
   using JobKeeper = std::function<void(Paper)>;
   void keepJobs(JobKeeper keep) { keepJob_ = std::move(keep); }
 
@@ -93,7 +93,7 @@ class VirtualPrinter {
   void reply(ByteView bytes, Instant at, ReplyKind kind = ReplyKind::Other);
 
   /// When, after the latest instant given, it next does something that can be noticed from outside:
-  /// has space again, passes an ETB, has printed all, or drops data. None while nothing is due.
+  /// has space again, passes an ETB, has printed all, or drops data. Empty while nothing is due.
   std::optional<Instant> nextEvent() const;
 
  private:

@@ -12,7 +12,7 @@
 
 namespace quordalvane::tool {
 
-/// Carries bytes between a line to a host and the printer's link, as long as both stand. Takes from
+/// Carries bytes between a line to a host and the printer's link, as long as both last. Takes from
 /// the line only what the printer has space for, so that a slow printer holds its host up, and a
 /// few bytes more, among which the printer hears requests. What a host that has left sent before
 /// still goes to the printer, as it has space again.
@@ -24,7 +24,7 @@ class HostConnection {
   /// Adds what the connection waits for.
   void await(std::vector<pollfd>& awaited) const;
 
-  /// When it must work without anything that was waited for; none if never.
+  /// When it must work without anything that was waited for; empty if never.
   std::optional<simulator::Instant> nextEvent(simulator::Instant now) const;
 
   /// Does all that can be done now.
@@ -43,7 +43,7 @@ class HostConnection {
   /// Whether it was the printer that ended it.
   bool wasDropped() const { return lastSettling_.has_value(); }
 
-  /// When the host last sent bytes; none if never.
+  /// When the host last sent bytes; empty if never.
   std::optional<simulator::Instant> lastReceived() const { return lastReceived_; }
 
  private:

@@ -17,14 +17,14 @@ class Line {
 
   const posix::Descriptor& descriptor() const { return descriptor_; }
 
-  /// To be called when the host's first bytes have come.
+  /// To be called when the host's first bytes have arrived.
   virtual void noteHost() {}
 
   /// To be called when the host has left and the line is kept all the same: from now on the
   /// listener shows the next one.
   virtual void noteHostEnded() {}
 
-  /// Tells the host that nothing follows, where the line has a way to.
+  /// Tells the host that nothing follows, if the line has a way to.
   virtual void endOutput() = 0;
 
   /// After `endOutput`: whether the host has taken everything, so that closing loses nothing. To be
@@ -32,7 +32,7 @@ class Line {
   /// not wait.
   virtual bool hasSettled() = 0;
 
-  /// Makes the closing a reset, where the line has a way to.
+  /// Makes the closing a reset, if the line has a way to.
   virtual void resetOnClose() = 0;
 
   /// Whether the host has reset the connection.

@@ -34,10 +34,10 @@ class Links {
   /// Takes all faults away, and what was still to come. The seed stays.
   void clear(simulator::Instant now);
 
-  /// Brings what is due.
+  /// Applies the faults and settings that are due.
   void work(simulator::Instant now);
 
-  /// When something is due; none if nothing is to come.
+  /// When something is due; empty if nothing is pending.
   std::optional<simulator::Instant> nextEvent() const;
 
  private:
@@ -54,7 +54,7 @@ class Links {
   simulator::VirtualPrinter& printer_;
   simulator::Faults faults_;
   std::vector<simulator::Fault> forNextLink_;
-  std::vector<Coming> coming_;  // what is due first stands first
+  std::vector<Coming> coming_;  // in the order of their times
   std::unique_ptr<simulator::PrinterLink> link_;
 };
 

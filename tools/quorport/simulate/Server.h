@@ -29,8 +29,8 @@ class Server {
  public:
   struct Places {
     std::unique_ptr<Listener> hosts;
-    std::unique_ptr<Listener> controls;       ///< null for none
-    std::unique_ptr<ReceiptFolder> receipts;  ///< null for none
+    std::unique_ptr<Listener> controls;       ///< may be null
+    std::unique_ptr<ReceiptFolder> receipts;  ///< may be null
   };
 
   struct Habits {

@@ -19,7 +19,7 @@ struct ListenAddress {
 };
 
 /// Reads HOST:PORT, PORT or nothing; without a host it is this machine alone, without a port any
-/// that is free. None if the text is none of these.
+/// that is free. Empty if the text is none of these.
 std::optional<ListenAddress> parseListenAddress(std::string_view text);
 
 /// Throws a std::exception if the system refuses.
