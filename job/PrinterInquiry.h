@@ -28,9 +28,11 @@ enum class InquiryCause {
 /// An inquiry without an answer; its text is for a person.
 class QUOR_EXPORT InquiryError : public std::runtime_error {
  public:
+  /// `cause` says why there is no answer, `text` says it to a person.
   InquiryError(InquiryCause cause, const std::string& text)
       : std::runtime_error(text), cause_(cause) {}
 
+  /// Why there is no answer.
   InquiryCause cause() const { return cause_; }
 
  private:

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "backends/virtual/VirtualAccessory.h"
-#include "tests/support/VirtualPlatform.h"
 #include "iphone-IOPort/ExternalAccessoryPort.h"
+#include "tests/support/VirtualPlatform.h"
 
 namespace quordalvane {
 namespace {
@@ -106,8 +106,7 @@ class SharedPort : public testing::Test {
     port_ = Port::initWithPortName("BT:", "", 1000, ZKEmulationQuorLine, machine_);
   }
 
-  const std::shared_ptr<test::VirtualPlatform> machine_ =
-      std::make_shared<test::VirtualPlatform>();
+  const std::shared_ptr<test::VirtualPlatform> machine_ = std::make_shared<test::VirtualPlatform>();
   std::shared_ptr<Port> port_;
 };
 
