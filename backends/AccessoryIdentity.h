@@ -11,7 +11,8 @@
 
 namespace quordalvane {
 
-/// What an accessory says of itself. The defaults are those of a printer of the maker's own.
+/// The texts with which an accessory describes itself. The defaults are those of a printer of the
+/// maker's own.
 struct AccessoryIdentity {
   std::optional<std::string> name;          ///< a port name may designate it by this
   std::optional<std::string> serialNumber;  ///< or by this

@@ -15,7 +15,7 @@ inline constexpr std::chrono::milliseconds connectTimeout{5000};
 
 /// Connects to the first of `addresses` that answers. Each gets an equal share of the time that is
 /// left until `deadline`, so that a silent one leaves some to the next. There must be at least one.
-/// Raises what the last of them failed with.
+/// Throws the error of the last one.
 Descriptor connectToAny(const std::vector<SocketAddress>& addresses, SteadyTime deadline);
 
 /// Connects to `host`, a name or an address (IPv6 without brackets), and makes the link fit for

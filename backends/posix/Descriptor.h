@@ -12,13 +12,13 @@ namespace quordalvane::posix {
 /// moves may be made from any thread.
 class Descriptor {
  public:
-  /// What is behind a descriptor.
+  /// The kind of file.
   enum class Kind {
-    Socket,    ///< may be shut down, and may wait by itself for what comes
-    Terminal,  ///< a serial line, or what behaves like one
+    Socket,    ///< may be shut down, and may itself wait for input
+    Terminal,  ///< a serial line or a pseudo-terminal
 
     /// A printer at the system's USB driver: a read of nothing is "nothing yet", and a close drops
-    /// what the printer has not taken.
+    /// the bytes that the printer has not taken.
     UsbPrinter,
     MuteUsbPrinter,  ///< one that only takes bytes, and fails every read
   };
@@ -50,7 +50,7 @@ class Descriptor {
   /// or -1 with `errno` set: EAGAIN if there is no space now.
   std::ptrdiff_t send(const std::uint8_t* bytes, std::size_t length) const;
 
-  /// Whether a `receive` that brought less than it was offered space for has left nothing behind.
+  /// Whether the input is empty after a `receive` that filled less than its buffer.
   bool shortReceiveEmpties() const { return kind_ == Kind::Socket; }
 
   /// Waits until one of the poll `events`, an error or a hang-up is there; signals do not shorten

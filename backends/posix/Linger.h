@@ -5,7 +5,7 @@
 namespace quordalvane::posix {
 
 /// Ends the output and stays until the other side has taken what is under way, has ended its own
-/// direction, or `deadline` has passed. What it says meanwhile is thrown away.
+/// direction, or `deadline` has passed. Input is thrown away meanwhile.
 ///
 /// A socket that is closed answers whatever still comes with a reset, which also takes back what
 /// the system has not sent yet. So a printer that reads slowly and reports now and then would lose

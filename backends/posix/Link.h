@@ -15,8 +15,8 @@ namespace quordalvane::posix {
 /// milliseconds apart. To read it costs a fraction of an exact reading.
 using Tick = std::chrono::nanoseconds;
 
-/// One open connection: its descriptor, the bytes that were read ahead, and what is known of the
-/// rest. A session, its two streams and its accessory share it.
+/// One open connection: its descriptor, the bytes that were read ahead, and the state of both
+/// directions. A session, its two streams and its accessory share it.
 ///
 /// The questions that a port asks before every transfer are answered from the last look at the
 /// input wherever possible, so that a whole exchange costs a handful of system calls. A look is one
@@ -32,7 +32,7 @@ class Link {
   /// `silenceLimit` is another one than that.
   explicit Link(Descriptor descriptor, std::chrono::milliseconds silenceLimit = givenUpAfter);
 
-  /// Lets `release` wait for nothing: what is under way is not wanted any more.
+  /// Lets `release` return at once: the bytes under way are not wanted any more.
   void abandon();
 
   /// Ends the connection. From then on there are no bytes and no space. Returns when the device has
@@ -96,7 +96,7 @@ class Link {
   std::size_t end_ = 0;
 
   bool ended_ = false;        // nothing more will be received, and all that was has been read
-  bool dry_ = false;          // the last look left nothing behind
+  bool dry_ = false;          // the last look emptied the input
   Tick dryAt_{};              // when that was
   bool beingWaited_ = false;  // a thread waits for input, and may fill ahead_ without the lock
 
@@ -105,7 +105,7 @@ class Link {
 
   bool mayBeFull_ = false;     // the last write was not taken whole
   bool outputBroken_ = false;  // a write has failed, or would come to nothing
-  bool abandoned_ = false;     // nobody wants what is under way
+  bool abandoned_ = false;     // nobody wants the bytes under way
 
   Tick nextSilenceLook_{};  // when the system is asked for signs of life again
 };

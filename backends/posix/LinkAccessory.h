@@ -16,8 +16,9 @@ namespace quordalvane::posix {
 /// why there is none.
 using Connector = std::function<Descriptor()>;
 
-/// An accessory behind a descriptor. It counts as attached before anything is connected; each
-/// session makes a connection of its own, and `isConnected` speaks of the newest one.
+/// An accessory that is reached through a descriptor. It counts as attached before anything is
+/// connected; each session makes a connection of its own, and `isConnected` speaks of the newest
+/// one.
 class LinkAccessory : public IdentifiedAccessory {
  public:
   /// `connect` is called by `openSession`, on its thread.
@@ -32,7 +33,7 @@ class LinkAccessory : public IdentifiedAccessory {
   /// Why the latest `openSession` returned null, for people; "" if it did not or was never called.
   virtual std::string lastError();
 
-  /// The code of the same, where the reason has one; 0 where not.
+  /// The code of the same, if the reason has one; otherwise 0.
   virtual std::error_code lastErrorCode();
 
  private:

@@ -90,7 +90,7 @@ as_kiosk() { su kiosk -c "$*"; }
 field() { sed -n "s/.*\"$1\":\"\{0,1\}\([^\",}]*\).*/\1/p" /run/answer; }
 
 seq 1 40 | sed 's/^/a line of the receipt, number /' >/run/receipt
-seq 1 400 | sed 's/^/a line of the long receipt, number /' >/run/long
+seq 1 200 | sed 's/^/a line of the long receipt, number /' >/run/long
 
 echo >/run/answer
 check doctor-names-a-printer-that-is-not-plugged-in answers 3 not-plugged-in quorport -d usb: doctor --json
@@ -109,9 +109,9 @@ chmod 660 /dev/usb/lp0
 check doctor-names-the-group-of-the-node answers 3 'usermod -aG lp' as_kiosk quorport -d usb: doctor --json
 
 pull
-serve --set speed=2000
+serve --set speed=1000
 plug_in
-quorport -d usb: -t 60000 print /run/long --json >/run/first &
+quorport -d usb: -t 60000 print /run/long --json >/run/first 2>/dev/null &
 first=$!
 within 20 test -s /run/carried
 check second-program-is-refused answers 4 'in use by another program: quorport' quorport -d usb: status --json
@@ -146,7 +146,7 @@ done
 
 serve
 plug_in
-quorport -d usb: monitor --interval 200 --json >/run/seen &
+quorport -d usb: monitor --interval 200 --json >/run/seen 2>/dev/null &
 monitor=$!
 within 20 grep -q '"state":"ready"' /run/seen
 pull
