@@ -1,38 +1,12 @@
 // The port thread, and the carrying of open and close to it.
 
-#include <algorithm>
-#include <charconv>
-#include <cstdlib>
-#include <string>
-#include <string_view>
-#include <system_error>
-
 #include "iphone-IOPort/ExternalAccessoryPort.h"
 #include "iphone-IOPort/Guarded.h"
+#include "iphone-IOPort/LeadingNumber.h"
 #include "iphone-IOPort/LogStatement.h"
 #include "iphone-IOPort/Microseconds.h"
 
 namespace quordalvane {
-namespace {
-
-/// The number that a version text begins with, behind white space, whatever the locale; 0 if it
-/// begins with none, or with one below zero.
-float leadingNumber(std::string_view text) {
-  text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
-  text.remove_prefix(text.starts_with('+') ? 1 : 0);
-  if (text.find_first_of(".0123456789") != 0) {  // "inf" and "nan" are no numbers here
-    return 0.0F;
-  }
-  float number = 0.0F;
-  const auto read = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (read.ec == std::errc::result_out_of_range) {
-    // That leaves open whether it is too large or too small for a float.
-    number = std::strtof(std::string(text).c_str(), nullptr);
-  }
-  return number;
-}
-
-}  // namespace
 
 bool ExternalAccessoryPort::startPortThread() {
   // The thread keeps the port alive while it runs, and its handle lets go of the body at its end: a
@@ -85,8 +59,9 @@ bool ExternalAccessoryPort::open() {
     }
   };
   const bool ran = guarded(openOnItsThread, tell);
-  guarded([this] { usleep(100000); }, tell);
-  const bool result = ran && result71().value_or(false);
+  // The session stays as it is if the pause raises: the caller learns of a failed open and closes.
+  const bool paused = guarded([this] { usleep(100000); }, tell);
+  const bool result = ran && paused && result71().value_or(false);
   QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", result);
   return result;
 }

@@ -83,13 +83,14 @@ typedef struct QuorPort QuorPort;
  * its first three characters are, they count as the prefix. `port_settings`, which
  * may be null, may hold a d and 0 to 255: the data time-out in seconds. `timeout` is the
  * input/output time-out; 0 ends a wait when the clock's second changes. On the main thread it also
- * starts the port's own thread. QUOR_FAILED when quor_connect_devices was not called before or
- * there can be no thread; `*port` is then null. */
+ * starts the port's own thread, which runs until quor_port_close. QUOR_FAILED when
+ * quor_connect_devices was not called before or there can be no thread; `*port` is then null. */
 QUOR_EXPORT QuorCode quor_port_create(const char* port_name, const char* port_settings,
                                       uint32_t timeout, int32_t emulation, QuorPort** port);
 
-/** Gives the handle back; not inside of the port's own observer functions. A port that was opened
- * is to be closed before: freeing does not end its thread. */
+/** Gives the handle back; not inside of the port's own observer functions. Close the port before,
+ * also one that was created on the main thread and never opened: freeing does not end its thread,
+ * and the thread keeps the port. */
 QUOR_EXPORT void quor_port_free(QuorPort* port);
 
 /** Chooses the accessory that the port name designates and opens a session on it. Takes 0.1 s and
@@ -97,9 +98,10 @@ QUOR_EXPORT void quor_port_free(QuorPort* port);
  * characters, when no accessory matches, or when the one that does cannot be reached. */
 QUOR_EXPORT QuorCode quor_port_open(QuorPort* port);
 
-/** Ends the session and, on the main thread, the port's thread; 0.1 s to 0.2 s, and then as long as
- * the session waits for the printer to take what is under way: at most two seconds over a socket,
- * and not at all where nothing is. Harmless on a port that is not open. */
+/** Ends the session and, on the main thread, the port's thread. Pauses 0.1 s before if the system
+ * version is 10.0 or more; it is the kernel's, which is lower today. Waits for the printer to take
+ * what is under way: at most two seconds over a socket, and not at all if nothing is. Harmless on a
+ * port that is not open. */
 QUOR_EXPORT QuorCode quor_port_close(QuorPort* port);
 
 /** 1 while the chosen accessory is attached, also when an open found it and got no session; 0

@@ -133,8 +133,8 @@ bool Model::open() {
     platform_.isMainThread();
     open71();
   });
-  survives(log, [this] { platform_.clock().usleep(100000); });
-  opened = opened && result_.value_or(false);
+  const bool paused = survives(log, [this] { platform_.clock().usleep(100000); });
+  opened = opened && paused && result_.value_or(false);
   log.end("-> " + number(opened));
   return opened;
 }

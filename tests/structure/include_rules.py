@@ -40,15 +40,17 @@ class Rule:
 
 
 NO_CLOCK = r"\b\w+_clock\b"
+# Nor may a host program's locale change what is read, or what a record shows.
+NO_CLOCK_OR_LOCALE = NO_CLOCK + r"|\b(strto\w+|ato[fil]+|sto[fdil]+|s?n?(print|scan)f|setlocale)\b"
 
 RULES = (
     Rule("include", (), {"stdint.h"}),
     Rule("include/quordalvane/QuorIOPortC.h", (PUBLIC,), {"stddef.h"}),
     # The platform alone gives time, waiting and threads; <chrono> is allowed for its units.
-    Rule("iphone-IOPort", ("iphone-IOPort", "platform", "logging", PUBLIC), PLAIN | TIME, NO_CLOCK),
+    Rule("iphone-IOPort", ("iphone-IOPort", "platform", "logging", PUBLIC), PLAIN | TIME, NO_CLOCK_OR_LOCALE),
     Rule("iphone-IOPort/PortC.h", ("parsers",), set()),
     Rule("platform", (PUBLIC,), STANDARD | {"cxxabi.h"}),
-    Rule("parsers", (PUBLIC,), PLAIN, NO_CLOCK),
+    Rule("parsers", (PUBLIC,), PLAIN, NO_CLOCK_OR_LOCALE),
     Rule("logging", (PUBLIC,), STANDARD | DESCRIPTORS),
     Rule("simulator", (), (STANDARD - THREADS) | DRAWING, NO_CLOCK),
     Rule("backends", ("platform", PUBLIC), STANDARD, NO_CLOCK),

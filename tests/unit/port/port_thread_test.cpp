@@ -331,8 +331,12 @@ INSTANTIATE_TEST_SUITE_P(
                     Version{"100e-2", false, ""}, Version{".5e2", true, "50.000000"},
                     Version{"9999999999999999999999999999999999999999", true, "inf"},
                     Version{"1e99", true, "inf"}, Version{"1e-99", false, ""},
-                    Version{"inf", false, ""}, Version{"infinity", false, ""},
-                    Version{"0x10", false, ""}, Version{" ", false, ""}, Version{".", false, ""}));
+                    Version{"1.0e39", true, "inf"}, Version{"1.0e+39.5", true, "inf"},
+                    Version{"0.1e40 beta", true, "inf"}, Version{"0.001e-44", false, ""},
+                    Version{"1e99999999999999999999", true, "inf"},
+                    Version{"1e-99999999999999999999", false, ""}, Version{"inf", false, ""},
+                    Version{"infinity", false, ""}, Version{"0x10", false, ""},
+                    Version{" ", false, ""}, Version{".", false, ""}));
 
 class Surprise {};
 
@@ -371,6 +375,39 @@ TEST_F(PortThreadWithoutList, TurnsWhatIsRaisedIntoAFailedOpen) {
             std::string::npos)
       << all;
   port->close();
+}
+
+/// A platform whose clock raises instead of sleeping.
+class SleepRaises : public ForwardingPlatform {
+ public:
+  explicit SleepRaises(std::shared_ptr<Platform> next)
+      : ForwardingPlatform(std::move(next)), clock_(ForwardingPlatform::clock()) {}
+  Clock& clock() override { return clock_; }
+
+ private:
+  class SleeplessClock : public ForwardingClock {
+   public:
+    using ForwardingClock::ForwardingClock;
+    void usleep(std::uint64_t) override { throw Surprise(); }
+  };
+
+  SleeplessClock clock_;
+};
+
+class PortThatCannotPause : public PortThread {
+ protected:
+  PortThatCannotPause()
+      : PortThread([](std::shared_ptr<Platform> next) -> std::shared_ptr<Platform> {
+          return std::make_shared<SleepRaises>(std::move(next));
+        }) {}
+};
+
+TEST_F(PortThatCannotPause, FailsToOpenThoughTheSessionIsThere) {
+  const Port port = create();
+  EXPECT_FALSE(port->open());
+  EXPECT_EQ(port->result71(), true);
+  port->close();
+  EXPECT_FALSE(port->isConnected());
 }
 
 /// A thread that raises instead of carrying a routine.
