@@ -58,7 +58,7 @@ std::string noSuchOption(const std::string& word, const std::vector<const CLI::A
   return "there is no option " + inQuotes(name) + didYouMean(name, names);
 }
 
-// The parser of arguments, with places for what it finds.
+// The parser of arguments, with places for their values.
 class Grammar {
  public:
   Grammar() {
@@ -170,7 +170,7 @@ void addDevicesOfEnvironment(Options& options) {
   options.devicesFrom = "QUORPORT_DEVICE";
 }
 
-// The library takes the argument behind "--name=" for the value.
+// The library takes the argument after "--name=" for the value.
 std::vector<std::string> withEmptyValuesApart(const std::vector<std::string>& arguments) {
   std::vector<std::string> result;
   bool onlyPlain = false;

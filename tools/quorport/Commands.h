@@ -43,7 +43,7 @@ Report refusedJob(ExitCode code, const std::string& error, std::uint64_t bytesTo
 
 Report doctor(const Options& options, const Surroundings& surroundings);
 
-// These run until they are told to stop, and what they have to say goes to the streams meanwhile.
+// These run until they are stopped, and write their output to the streams meanwhile.
 
 Report monitor(const Options& options, const Surroundings& surroundings);
 Report simulate(const Options& options, const Surroundings& surroundings);

@@ -47,7 +47,7 @@ std::string inLines(const Diagnosis& diagnosis) {
 }
 
 // What is wrong with the port name, which has to choose one of the devices. It is not to blame
-// where no port name would choose one.
+// if no port name would choose one.
 Findings examinePortName(const Options& options, const Surroundings& surroundings) {
   const auto platform = presentDevices(options, surroundings);
   Options anyPrinter = options;

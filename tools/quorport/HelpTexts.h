@@ -1,6 +1,6 @@
 #pragma once
 
-// The prose of --help: what the lists of commands and options do not say.
+// The prose of --help, beside the lists of commands and options.
 
 namespace quordalvane::tool::help {
 
@@ -34,25 +34,25 @@ inline constexpr auto commandFooter =
     "The global options, such as --device and --json, are taken here as well: quorport --help";
 
 inline constexpr auto doctorFooter =
-    "Every --device that is given is looked at, and nothing is printed. Without one there is\n"
+    "It examines every --device that is given, and prints nothing. Without one there is\n"
     "nothing to look at, and the exit status is 2. A serial printer that does not answer is asked\n"
-    "at every other speed, too, which may make it print stray characters.\n"
-    "The exit status is 0 if all is well, else that of the first thing found: 1, 3, 4 or 5.\n";
+    "at every other speed as well, which may make it print stray characters.\n"
+    "The exit status is 0 if all is well, otherwise that of the first finding: 1, 3, 4 or 5.\n";
 
 inline constexpr auto monitorFooter =
     "Each change is one line on standard output, with --json one JSON object: time, ok (whether\n"
     "the printer answered), device, state (ready, not-ready, no-answer, link-lost or "
     "unreachable),\n"
-    "text, status (null if there is none), changed, the names of its fields, and error where ok is "
+    "text, status (null if there is none), changed, the names of its fields, and error if ok is "
     "false.\n"
-    "A lost link is opened again. The printer is kept for itself meanwhile, where it serves one\n"
-    "host at a time. With --count the exit status tells how the last look came out: 0, 1, 3 or "
-    "5.\n";
+    "A lost link is opened again. Meanwhile a printer that serves one host at a time serves no\n"
+    "other. With --count the exit status is that of the last look: 0, 1, 3 or 5.\n";
 
 inline constexpr auto simulateFooter =
     "Where it listens is the first line on standard output: the word listening, a blank, and a\n"
-    "SPEC for --device. A terminal that was dropped comes back under another path, which standard\n"
-    "error is told in the same words.\n"
+    "SPEC for --device. A terminal that was dropped is replaced by one with another path, which "
+    "is\n"
+    "written to standard error in the same words.\n"
     "With --json that line is an object, and each job is another one when it ends.\n"
     "On standard input and on the control socket it takes one JSON object a line and answers one:\n"
     "  {\"set\": {\"coverOpen\": true, \"speed\": 200}}   {\"get\": \"state\"}   {\"quit\": true}\n"

@@ -17,30 +17,30 @@
 
 namespace quordalvane::tool {
 
-/// Raised out of an exchange that was interrupted.
+/// Thrown out of an exchange that was interrupted.
 class Interrupted {};
 
-/// The user's wish to stop, from the moment it comes to where it takes effect, which depends on how
-/// far the command is. All members may be called from any thread.
+/// The user's wish to stop, from its arrival to its effect, which depends on how far the command
+/// is. All members may be called from any thread.
 class Interruption {
  public:
   using GiveUp = std::function<void(const Report& report)>;
 
   /// `giveUp` must end the process, with the report that it is handed. It is called while nothing
   /// is open that would have to be closed: neither a connection being made nor a read from a pipe
-  /// can be told to stop.
+  /// can be stopped.
   ///
-  /// `report` is what the command reports if the wish ends it before it has anything to tell.
+  /// `report` is the command's report if the wish ends it before it has one of its own.
   explicit Interruption(Report report, GiveUp giveUp)
       : giveUp_(std::move(giveUp)), report_(std::move(report)) {}
 
-  /// The wish comes. `code` is the exit status of a command that ends by it.
+  /// The wish arrives. `code` is the exit status of a command that ends by it.
   void interrupt(ExitCode code);
 
-  /// The code that the wish came with; none if it has not come.
+  /// The code that arrived with the wish; null if none has arrived.
   std::optional<ExitCode> code();
 
-  /// Replaces what the command reports if the wish ends it.
+  /// Replaces the command's report for the case that the wish ends it.
   void setReport(Report report);
 
   /// That report, with the code of the wish.
@@ -52,22 +52,21 @@ class Interruption {
   /// The device that the command spoke to last; null if it has spoken to none.
   std::optional<std::string> device();
 
-  /// Nothing is open: as at creation, the wish ends the process when it comes or has come.
+  /// Nothing is open: as at creation, the wish ends the process, be it early or late.
   void begin();
 
-  /// A port is open: from now on `sleep` and `check` raise Interrupted when the wish comes or has
-  /// come.
+  /// A port is open: from now on `sleep` and `check` throw Interrupted once the wish has arrived.
   void beginExchange();
 
-  /// A job runs, which is cancelled when the wish comes or has come. It must live until `end`.
+  /// A job runs, and the wish cancels it, be it early or late. The job must live until `end`.
   void beginJob(PrintJob& job);
 
-  /// Only what must be done in any case follows: the wish has no effect any more.
+  /// Only the steps that are always done follow: the wish has no effect any more.
   void end();
 
   void sleep(std::chrono::microseconds time);
 
-  /// The same without a sleep, for what goes on and on.
+  /// The same without a sleep, for a retry that never sleeps.
   void check();
 
  private:
@@ -77,14 +76,14 @@ class Interruption {
   Report reportWithCode() const;
   void giveUp() const;
 
-  std::mutex mutex_;  // guards what follows
+  std::mutex mutex_;  // guards the members below
   std::condition_variable wished_;
   const GiveUp giveUp_;
   Report report_;
   std::optional<std::string> device_;
   Stage stage_ = Stage::Beginning;
   PrintJob* job_ = nullptr;
-  std::optional<ExitCode> code_;  // of the wish, once it has come
+  std::optional<ExitCode> code_;  // of the wish, once it has arrived
 };
 
 /// The platform of the command: this system's, with sleeps that can be interrupted. Not every retry

@@ -6,7 +6,7 @@
 
 namespace quordalvane::tool {
 
-/// The texts, one behind the other, with the separator between them.
+/// The texts, one after the other, with the separator between them.
 std::string joined(const std::vector<std::string>& texts, std::string_view separator);
 
 }  // namespace quordalvane::tool

@@ -39,7 +39,7 @@ class Unrecorded {
   const bool wasLogging_;
 };
 
-/// The diagnostic records of a command, where the options want them, as long as this lives.
+/// Writes the diagnostic records of a command, if the options want them, as long as this lives.
 class LogOutput {
  public:
   /// Throws a Failure with ExitCode::Usage if the file cannot be opened.

@@ -15,14 +15,14 @@ namespace {
 
 using SystemTime = std::chrono::system_clock::time_point;
 
-// What one look at the printer came to.
+// The result of one look at the printer.
 struct Look {
   std::string state;  // for programs
   std::string text;   // for people
   Json status;        // null if there was none
   ExitCode code;
 
-  // The reply as it came says nothing that the fields do not.
+  // The raw reply holds nothing that the fields do not.
   Json fields() const {
     Json result = status;
     if (result.is_object()) {
@@ -33,7 +33,7 @@ struct Look {
   }
 };
 
-// The names of the fields in which two looks differ; all of them where only one has a status.
+// The names of the fields in which two looks differ; all of them if only one has a status.
 Json changedFields(const Json& before, const Json& now) {
   Json names = Json::array();
   for (const auto& [name, value] : now.items()) {

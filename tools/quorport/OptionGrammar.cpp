@@ -50,9 +50,9 @@ ZKEmulation emulation(const std::string& text) {
   return found->second;
 }
 
-// A `take` of which what it finds wrong with a value is told behind the option's name.
+// Wraps `take`; prefixes its errors with the option's name.
 template <typename Take>
-auto toldBehind(std::string name, Take take) {
+auto prefixedErrors(std::string name, Take take) {
   return [name = std::move(name), take](const auto& value) {
     try {
       take(value);
@@ -67,7 +67,7 @@ template <typename Take>
 CLI::Option* addText(CLI::App& app, const std::string& names, const std::string& type,
                      const std::string& help, Take take) {
   return app
-      .add_option_function<std::string>(names, toldBehind(names.substr(names.find("--")), take),
+      .add_option_function<std::string>(names, prefixedErrors(names.substr(names.find("--")), take),
                                         help)
       ->type_name(type)
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
@@ -109,14 +109,14 @@ void addGlobalOptions(CLI::App& app, Options& options) {
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
   app.add_option_function<std::vector<std::string>>(
          "--log-level",
-         toldBehind("--log-level",
-                    [&options](const std::vector<std::string>& texts) {
-                      options.logLevels.clear();
-                      for (const std::string& text : texts) {
-                        options.logLevels.insert(static_cast<std::int32_t>(
-                            number(text, {0, highestLogLevel}, "a level")));
-                      }
-                    }),
+         prefixedErrors("--log-level",
+                        [&options](const std::vector<std::string>& texts) {
+                          options.logLevels.clear();
+                          for (const std::string& text : texts) {
+                            options.logLevels.insert(static_cast<std::int32_t>(
+                                number(text, {0, highestLogLevel}, "a level")));
+                          }
+                        }),
          "a level of records that is wanted; may be repeated (default 0)")
       ->type_name("N")
       ->allow_extra_args(false);
@@ -129,7 +129,7 @@ void addStatusOptions(CLI::App& app, Options& all) {
           [&options](const std::string& text) {
             options.level = number(text, {0, longestTime}, "a number");
           });
-  app.add_flag("-v,--verbose", options.verbose, "show every field, also those that say nothing");
+  app.add_flag("-v,--verbose", options.verbose, "show every field, also the empty ones");
 }
 
 void addPrintOptions(CLI::App& app, Options& all) {
@@ -143,7 +143,7 @@ void addPrintOptions(CLI::App& app, Options& all) {
           options.endTimeout);
   addTime(app, "--hold-print-timeout", "how long to wait for paper to be taken from the exit",
           options.holdPrintTimeout);
-  addText(app, "--receipt", "FILE.png|.txt", "show what came out, on virtual: only",
+  addText(app, "--receipt", "FILE.png|.txt", "write the paper of virtual: to this file",
           [&options](const std::string& text) {
             if (!text.ends_with(".png") && !text.ends_with(".txt")) {
               throw CLI::ValidationError("takes a name that ends in .png or .txt, not " +
@@ -198,15 +198,15 @@ ReceiptPer receiptPer(const std::string& text) {
 void addSimulateOptions(CLI::App& app, Options& all) {
   SimulateOptions& options = all.simulate;
   app.add_option("--listen", options.listen,
-                 "tcp:, tcp:PORT or tcp:HOST:PORT (none or 0: any free port; this machine alone "
-                 "unless a HOST says otherwise), unix:PATH, or pty:")
+                 "tcp:, tcp:PORT or tcp:HOST:PORT (no port or 0: any free one; for this machine "
+                 "alone unless HOST is given), unix:PATH, or pty:")
       ->type_name("SPEC")
       ->required();
   addTexts(app, "--set", "KEY=VALUE",
            "the printer's state or a fault, as on virtual: devices; may be repeated",
            options.settings);
   app.add_option("--receipts", options.receipts,
-                 "write what comes out for each job into this folder, as text and as a picture")
+                 "write the paper of each job into this folder, as text and as a picture")
       ->type_name("FOLDER");
   addText(app, "--per", "cut|job|connection",
           "how the output is divided into receipts (default: job)",
@@ -214,7 +214,7 @@ void addSimulateOptions(CLI::App& app, Options& all) {
   app.add_flag("--strict", options.strict,
                "end with status 1 if a job held an unknown command, a character that its code page "
                "lacks, or a command that was cut off");
-  app.add_option("--control", options.control, "take control lines on this socket, too")
+  app.add_option("--control", options.control, "take control lines on this socket as well")
       ->type_name("unix:PATH");
   app.footer(help::simulateFooter);
 }

@@ -8,8 +8,8 @@ class App;
 
 namespace quordalvane::tool {
 
-// Each function adds options to the parser, which writes what it reads into `options`, and raises
-// CLI::ValidationError for a value that is none. Both must live as long as the parser is used.
+// Each function adds options to the parser, which writes their values into `options`, and throws
+// CLI::ValidationError for a wrong value. Both must live as long as the parser is used.
 
 void addGlobalOptions(CLI::App& app, Options& options);
 void addStatusOptions(CLI::App& app, Options& options);

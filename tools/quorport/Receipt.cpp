@@ -53,7 +53,7 @@ Receipt::Receipt(std::string file, const std::shared_ptr<EAAccessory>& accessory
       accessory_(std::dynamic_pointer_cast<virtuals::VirtualAccessory>(accessory)) {
   if (accessory_ == nullptr) {
     throw Failure(ExitCode::Usage,
-                  "--receipt shows what comes out of the printer that is built in, and the port "
+                  "--receipt shows the paper of the virtual printer, and the port "
                   "name chooses another device; it takes --device virtual:");
   }
   // Appending nothing leaves an older receipt as it is until there is a new one.

@@ -58,7 +58,7 @@ bool deliver(const Report& report, bool asJson, const Streams& streams) {
 }
 
 void complain(const std::string& line, const Streams& streams) {
-  writeAll(streams.err, "quorport: " + line + "\n");  // there is no one left to tell if this fails
+  writeAll(streams.err, "quorport: " + line + "\n");  // if this fails, nobody can learn it
 }
 
 std::string inOneLine(const Json& json) {

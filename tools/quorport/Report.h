@@ -30,7 +30,7 @@ constexpr ExitCode codeOfSignal(int signal) {
 
 using Json = nlohmann::ordered_json;
 
-/// How a command ends when it cannot do what was asked.
+/// Ends a command that cannot do its task.
 class Failure : public std::runtime_error {
  public:
   Failure(ExitCode code, const std::string& text) : std::runtime_error(text), code_(code) {}
@@ -43,18 +43,18 @@ class Failure : public std::runtime_error {
 /// The result of a command in both forms.
 struct Report {
   ExitCode code = ExitCode::Done;
-  Json json = Json::object();  ///< empty where nothing is left to say
+  Json json = Json::object();  ///< empty if nothing is left to report
   std::string text;            ///< for people, lines that end in a line feed
   std::string error;           ///< why it failed, for people; "" if it did not
 };
 
-/// The report of a command that did what was asked, with a line for people.
+/// The report of a command that did its task, with a line for people.
 Report done(const std::string& line);
 
-/// The report of a command that failed and has nothing else to say.
+/// The report of a command that failed, with nothing else in it.
 Report failed(ExitCode code, const std::string& error);
 
-/// Adds the failure to what the report holds.
+/// Adds the failure to the report.
 void setFailed(Report& report, ExitCode code, const std::string& error);
 
 /// The device in front of a text for people: "tcp:192.0.2.10:9100: "; "" for null.
@@ -65,10 +65,10 @@ std::string labelOf(const std::optional<std::string>& device);
 void nameDevice(Report& report, const std::optional<std::string>& device);
 
 /// Writes the report: its text, or with `asJson` its object, to standard output; its error to
-/// standard error. False if standard output did not take it, which standard error is then told.
+/// standard error. False if standard output did not take it; standard error then names the cause.
 bool deliver(const Report& report, bool asJson, const Streams& streams);
 
-/// Writes a line for people to standard error, behind the command's name.
+/// Writes a line for people to standard error, after the command's name.
 void complain(const std::string& line, const Streams& streams);
 
 /// The object as JSON without a line feed; no control character is in it raw, invalid bytes are

@@ -27,7 +27,7 @@ Report refusal(CommandKind kind, ExitCode code, const std::string& error) {
   return kind == CommandKind::Printing ? refusedJob(code, error, 0) : failed(code, error);
 }
 
-// For the moment when nothing is open: what the command is doing need not be undone.
+// For the moment when nothing is open: nothing need be undone.
 [[noreturn]] void leaveAtOnce(const Report& report, bool asJson, const Streams& streams) {
   LiveLine(streams.err).hide();
   deliver(report, asJson, streams);
@@ -65,8 +65,8 @@ Report reportOf(const Order& order, const Streams& streams) {
     interruption->end();
   }
   nameDevice(report, interruption->device());
-  // What is done is done, however late the wish to stop came. Of anything else the exit status
-  // tells that wish, and the report what was found out.
+  // A task that is done stays done, however late the wish to stop arrived. Otherwise the exit
+  // status shows that wish, and the report shows the result.
   if (report.code != ExitCode::Done) {
     report.code = interruption->code().value_or(report.code);
   }

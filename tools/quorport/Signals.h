@@ -10,21 +10,21 @@
 namespace quordalvane::tool {
 
 /// SIGINT, SIGTERM and SIGHUP as something to wait for: while this lives, the calling thread and
-/// those that it starts are not disturbed by them. The first two arrive even where the parent
-/// process had them ignored, as shells do for what runs in the background. SIGHUP does not: who
-/// ignores it, as nohup does, has the command outlive its terminal.
+/// those that it starts are not disturbed by them. The first two arrive even if the parent
+/// process ignored them, as shells do for commands in the background. SIGHUP does not: a parent
+/// that ignores it, as nohup does, wants the command to outlive its terminal.
 class StopSignals {
  public:
-  /// Raises std::system_error if the system has no descriptor left.
+  /// Throws std::system_error if the system has no descriptor left.
   StopSignals();
   ~StopSignals();
   StopSignals(const StopSignals&) = delete;
   StopSignals& operator=(const StopSignals&) = delete;
 
-  /// Becomes readable when a signal comes. Never blocks.
+  /// Becomes readable when a signal arrives. Never blocks.
   int descriptor() const { return descriptor_; }
 
-  /// The signal that has come, which is taken away; none if none has.
+  /// Takes the next signal; null if none has arrived.
   std::optional<int> take();
 
  private:
@@ -35,7 +35,7 @@ class StopSignals {
 /// Calls a function on a thread of its own for every signal, with its number.
 class SignalWatch {
  public:
-  /// Raises std::system_error if the system cannot provide what it takes.
+  /// Throws std::system_error if the system has no descriptor or thread left.
   explicit SignalWatch(std::function<void(int)> onSignal);
 
   /// Waits for the function if it is running.

@@ -14,8 +14,7 @@ namespace {
 
 using Status = QuorPrinterStatus_2;
 
-// A flag's name, and what is said of it when it is up; "" where the summary says it, or nobody
-// needs to know.
+// A flag's name, and the remark when it is up; "" if the summary has it, or nobody needs to know.
 struct FlagField {
   std::string_view name;
   std::uint32_t Status::*flag;

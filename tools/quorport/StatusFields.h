@@ -12,7 +12,7 @@ namespace quordalvane::tool {
 /// The record, every field by its name and in its order; `raw` as hex, as many bytes as there are.
 Json jsonOf(const QuorPrinterStatus_2& status);
 
-/// What is to be known of the printer, a remark each: first whether it can print and what is wrong.
+/// Remarks about the printer: first whether it can print and why not.
 std::vector<std::string> remarks(const QuorPrinterStatus_2& status);
 
 /// The same in lines.

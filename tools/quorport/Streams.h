@@ -2,7 +2,7 @@
 
 namespace quordalvane::tool {
 
-/// The descriptors that a command reads from and writes to. They stay the caller's.
+/// The descriptors that a command reads from and writes to. They remain the caller's.
 struct Streams {
   int in = 0;
   int out = 1;

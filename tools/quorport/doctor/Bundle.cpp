@@ -80,7 +80,7 @@ Bundle::Bundle(const Options& options)
     throw Failure(ExitCode::Usage, "--bundle: the file " + inQuotes(path_) + " cannot be made: " +
                                        std::generic_category().message(errno));
   }
-  // An examination that is interrupted leaves nothing behind.
+  // An examination that is interrupted leaves no file.
   ::close(file);
   ::unlink(path_.c_str());
   recording_.emplace(records_, options.logLevels);

@@ -9,7 +9,7 @@
 
 namespace quordalvane::tool {
 
-/// The file for support: versions, the options, what was found, and the diagnostic records of the
+/// The file for support: versions, the options, the findings, and the diagnostic records of the
 /// whole examination, as one JSON object. Records are gathered as long as this lives.
 class Bundle {
  public:

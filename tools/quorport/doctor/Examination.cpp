@@ -21,11 +21,11 @@ namespace {
 // Nobody waits for a doctor as long as for a receipt; printers answer within some milliseconds.
 constexpr std::uint32_t longestTimeout = 1000;
 
-// What came of one question for the status.
+// The result of one question for the status.
 struct Answer {
   std::optional<Finding> notOpened;
   std::optional<QuorPrinterStatus_2> status;
-  ByteBuffer bytes;  // the first that came, whether understood or not
+  ByteBuffer bytes;  // the first that arrived, understood or not
   bool isLinkLost = false;
 };
 
@@ -164,7 +164,7 @@ class Examination {
     }
     if (!bytes_.empty()) {
       return failedExchange("not-understood",
-                            "it answers what no printer of this kind answers: " + hexOf(bytes_),
+                            "no printer of this kind answers so: " + hexOf(bytes_),
                             std::string(scheme_.ifNotUnderstood));
     }
     const std::string state = scheme_.stateOf == nullptr ? "" : scheme_.stateOf(spec_);
@@ -182,7 +182,7 @@ class Examination {
   Diagnosis diagnosis_;
   bool isLinkLost_ = false;
   bool wasOpened_ = false;  // a line may refuse some settings
-  ByteBuffer bytes_;        // that came instead of a status
+  ByteBuffer bytes_;        // that arrived instead of a status
 };
 
 }  // namespace

@@ -13,18 +13,18 @@
 
 namespace quordalvane::tool {
 
-/// What came of looking at one device.
+/// The result of looking at one device.
 struct Diagnosis {
   std::string device;  ///< its text
-  Findings findings;   ///< none if the printer is well
+  Findings findings;   ///< empty if the printer is well
   std::vector<std::string> remarks;
-  std::optional<QuorPrinterStatus_2> status;  ///< none if none was obtained
+  std::optional<QuorPrinterStatus_2> status;  ///< null if none was obtained
 };
 
 /// Looks at the device whose text is `device`, whatever the port name is. Nothing is printed, and
-/// what the printer holds stays as it is; a serial printer that does not answer is asked at every
-/// other speed too, which may make it print stray characters. Throws a Failure with
-/// ExitCode::Usage for a text that is no device. `line` shows what is going on.
+/// the printer keeps the data that it holds; a serial printer that does not answer is asked at
+/// every other speed as well, which may make it print stray characters. Throws a Failure with
+/// ExitCode::Usage for a text that is no device. `line` shows the progress.
 Diagnosis examine(const std::string& device, const Options& options,
                   const Surroundings& surroundings, LiveLine& line);
 

@@ -8,12 +8,12 @@
 
 namespace quordalvane::tool {
 
-/// One thing that is wrong, and what to do about it.
+/// One fault, and the advice about it.
 struct Finding {
   std::string_view cause;  ///< its name, on which scripts rely
   ExitCode code;           ///< how a command ends because of it
-  std::string text;        ///< what is wrong, for people
-  std::string advice;      ///< what to do, for people
+  std::string text;        ///< the fault, for people
+  std::string advice;      ///< the next step, for people
 };
 
 using Findings = std::vector<Finding>;

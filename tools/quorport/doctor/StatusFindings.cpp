@@ -9,7 +9,7 @@ Finding notReady(std::string_view cause, const std::string& text, const std::str
   return {cause, ExitCode::NotReady, text, advice};
 }
 
-// What the status says besides that which has a finding of its own.
+// The reasons in the status that have no finding of their own.
 std::string otherReasons(QuorPrinterStatus_2 status) {
   status.coverOpen = 0;
   status.receiptPaperEmpty = 0;
@@ -24,8 +24,9 @@ std::string otherReasons(QuorPrinterStatus_2 status) {
 Findings findingsIn(const QuorPrinterStatus_2& status) {
   Findings findings;
   if (status.coverOpen != 0) {
-    findings.push_back(notReady("cover-open", "the cover is open",
-                                "close the cover; what the printer still holds is printed then"));
+    findings.push_back(
+        notReady("cover-open", "the cover is open",
+                 "close the cover; the printer then prints the data that it still holds"));
   }
   if (status.receiptPaperEmpty != 0) {
     findings.push_back(notReady("paper-out", "the paper is out",
@@ -40,7 +41,7 @@ Findings findingsIn(const QuorPrinterStatus_2& status) {
                                 "mend that at the printer, then switch it off and on"));
   }
   if (status.offline != 0 && findings.empty()) {
-    findings.push_back(notReady("off-line", "the printer is off line and does not say why",
+    findings.push_back(notReady("off-line", "the printer is off line and gives no reason",
                                 "look at its lamps; press its on-line or feed button"));
   }
   return findings;

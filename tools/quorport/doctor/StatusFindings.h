@@ -9,7 +9,7 @@
 
 namespace quordalvane::tool {
 
-/// What keeps a printer that answers from printing.
+/// The reasons that keep a printer that answers from printing.
 Findings findingsIn(const QuorPrinterStatus_2& status);
 
 }  // namespace quordalvane::tool
