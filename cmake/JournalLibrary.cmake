@@ -1,8 +1,7 @@
 # The journal as programs get it: a library of its own, so that a program without it loads no database.
 add_library(QuorJournal SHARED $<TARGET_OBJECTS:quor_journal> $<TARGET_OBJECTS:quor_locks>
             # What the library of the port keeps to itself.
-            $<FILTER:$<TARGET_OBJECTS:quor_job>,INCLUDE,/Advice|/Words>
-            $<FILTER:$<TARGET_OBJECTS:quor_backends>,INCLUDE,/DeviceIdentity>)
+            $<FILTER:$<TARGET_OBJECTS:quor_job>,INCLUDE,/Advice|/Words>)
 add_library(QuorIOPort::QuorJournal ALIAS QuorJournal)
 set_target_properties(QuorJournal PROPERTIES LINKER_LANGUAGE CXX VERSION ${PROJECT_VERSION}
                       SOVERSION ${PROJECT_VERSION_MAJOR}
@@ -12,7 +11,7 @@ target_link_libraries(QuorJournal PUBLIC QuorIOPort PRIVATE PkgConfig::SQLITE Pk
 
 install(TARGETS QuorJournal EXPORT QuorIOPortTargets
         LIBRARY COMPONENT journal NAMELINK_COMPONENT development)
-foreach(header backends/DeviceIdentity.h journal/Journal.h journal/JournalError.h journal/NamedJob.h
+foreach(header journal/Journal.h journal/JournalError.h journal/NamedJob.h
                locks/ByteLock.h locks/DeviceLock.h)
   cmake_path(GET header PARENT_PATH folder)
   install(FILES ${PROJECT_SOURCE_DIR}/${header}

@@ -2,6 +2,7 @@
 # includes in turn.
 set(QUOR_PUBLIC_HEADERS
   backends/AccessoryIdentity.h
+  backends/DeviceIdentity.h
   backends/DeviceSpec.h
   backends/Devices.h
   backends/HostAndPort.h
