@@ -7,7 +7,7 @@ import subprocess
 from harness import Case, main, run
 
 COMMANDS = """list status online print cancel firmware dipswitch button-security disconnect monitor doctor
-    simulate help""".split()
+    simulate help jobs""".split()
 
 
 class Usage(Case):
@@ -58,6 +58,10 @@ class Usage(Case):
             self.assertFailsInBothForms(2, *arguments, saying=f"did you mean {meant}?")
         for arguments in (("xyzzy",), ("online", "--xyzzy"), ("x" * 100000,)):
             self.assertNotIn("did you mean", self.assertFailsInBothForms(2, *arguments).err)
+
+    def test_an_option_before_its_command_is_answered_with_its_place(self):
+        self.assertFailsInBothForms(2, "--end-timeout", "2000", "print", "-", saying='"--end-timeout" belongs after the command print')
+        self.assertFailsInBothForms(2, "-v", "status", saying='"-v" belongs after the command status')
 
     def test_words_that_were_not_expected_are_told_in_their_order(self):
         self.assertFailsInBothForms(2, "status", "a", "b", "c", saying='"a", "b", "c"')

@@ -44,8 +44,18 @@ std::string noSuchCommand(const std::string& word) {
          " The commands are " + joined(namesOfCommands(), ", ");
 }
 
-// Of an option "--name=value" the name is looked up.
+bool hasOption(const CLI::App* parser, const std::string& name) {
+  return parser->get_option_no_throw(name) != nullptr;
+}
+
+// Of an option "--name=value" the name is looked up. One that is right elsewhere was not mistyped.
 std::string noSuchOption(const std::string& word, const std::vector<const CLI::App*>& parsers) {
+  const std::string given = word.substr(0, word.find('='));
+  const auto owner = std::ranges::find_if(
+      parsers, [&given](const CLI::App* parser) { return hasOption(parser, given); });
+  if (owner != parsers.end()) {
+    return "the option " + inQuotes(given) + " belongs after the command " + (*owner)->get_name();
+  }
   std::vector<std::string> names;
   for (const CLI::App* const parser : parsers) {
     for (const CLI::Option* const option : parser->get_options()) {
@@ -54,8 +64,7 @@ std::string noSuchOption(const std::string& word, const std::vector<const CLI::A
       }
     }
   }
-  const std::string name = word.substr(0, word.find('='));
-  return "there is no option " + inQuotes(name) + didYouMean(name, names);
+  return "there is no option " + inQuotes(given) + didYouMean(given, names);
 }
 
 // The parser of arguments, with places for their values.
