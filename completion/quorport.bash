@@ -5,7 +5,7 @@ _quorport_options() {
   case $1 in
     "") echo "$global --version" ;;
     status) echo "$global --level --verbose" ;;
-    print) echo "$global --unchecked --end-timeout --hold-print-timeout --receipt --job --journal --again" ;;
+    print) echo "$global --proof --unchecked --end-timeout --hold-print-timeout --receipt --job --journal --again" ;;
     jobs) echo "$global --journal --forget --older-than" ;;
     monitor) echo "$global --interval --count" ;;
     doctor) echo "$global --bundle" ;;
@@ -63,6 +63,7 @@ _quorport() {
     -d | --device) _quorport_offer "virtual: tcp: unix: serial: usb:" ;;
     --listen) _quorport_offer "tcp: unix: pty:" ;;
     --set) _quorport_offer "$_quorport_settings" ;;
+    --proof) mapfile -t COMPREPLY < <(compgen -W "auto block process-id in-order none" -- "$cur") ;;
     -e | --emulation) mapfile -t COMPREPLY < <(compgen -W "line escpos unknown" -- "$cur") ;;
     --log | --receipt | --bundle | --journal) _filedir ;;
     --receipts) _filedir -d ;;

@@ -95,7 +95,7 @@ class Soak:
 
     def job(self):
         weather = weather_for(self.dice)
-        size = self.dice.choice([0, 1, 32, 500, 2000])
+        size = self.dice.choice([1, 32, 500, 2000])
         port = self.dice.choice(["keep", "keep", "anew"])
         before = self.printed_bytes()
         cuts = self.relay.cuts

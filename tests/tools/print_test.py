@@ -14,7 +14,7 @@ import time
 from harness import (DEADLINE, STATUS_KEYS, STATUS_REQUEST, Case, eventually, finish, main, receive, run, start,
                      status_block)
 
-KEYS = {"ok", "device", "outcome", "resultCode", "bytesTotal", "bytesAccepted", "status", "error"}
+KEYS = {"ok", "device", "outcome", "proof", "resultCode", "bytesTotal", "bytesAccepted", "status", "error"}
 EVERY_BYTE = bytes(range(256))
 RESET_COUNTER = b"\x1b\x1e\x45\x00"
 
@@ -95,6 +95,28 @@ class Printing(Case):
             self.assertEqual(set(answer), KEYS)
             self.assertEqual((answer["ok"], answer["outcome"], answer["status"]), (False, "unconfirmed", None))
             self.assertEqual((answer["bytesTotal"], answer["bytesAccepted"]), (5, 5))
+
+    def test_the_answer_names_the_proof_that_was_used(self):
+        for proofs, used in (("block", "block"), ("process-id+in-order", "process-id"), ("in-order", "in-order")):
+            device = f"virtual:,proofs={proofs}"
+            answer = run("-d", device, "-e", "escpos", "print", "-", "--json", data=b"text\n").json()
+            self.assertEqual((answer["outcome"], answer["proof"]), ("printed", used))
+
+    def test_a_named_proof_is_the_one_that_is_used(self):
+        for proof in ("block", "process-id", "in-order"):
+            answer = run("-d", "virtual:", "-e", "escpos", "print", "--proof", proof, "-", "--json", data=b"text\n").json()
+            self.assertEqual((answer["outcome"], answer["proof"]), ("printed", proof))
+
+    def test_a_job_without_a_proof_is_unconfirmed_at_best(self):
+        for option in (("--proof", "none"), ("--unchecked",)):
+            result = run("-d", "virtual:", "print", *option, "-", "--json", data=b"text\n")
+            self.assertExit(6, result)
+            self.assertEqual((result.json()["outcome"], result.json()["proof"]), ("unconfirmed", "none"))
+
+    def test_a_proof_that_there_is_not_is_a_usage_error(self):
+        result = run("-d", "virtual:", "print", "--proof", "hope", "-", data=b"text\n")
+        self.assertExit(2, result)
+        self.assertIn("auto, block, process-id, in-order or none", result.err)
 
     def test_a_printer_that_is_not_ready_is_refused_with_the_cause(self):
         for simulator in self.each_link("--set", "coverOpen=true"):
@@ -440,25 +462,35 @@ class Interrupting(Case):
         place, job = self.silent_place(), self.file("job", b"text\n")
         for command, keys in ((("online",), {}), (("print", job), self.refused(5))):
             process = start("-d", place, *command, "--json")
-            eventually(lambda: self.threads(process) > 2, "the port has its thread and is about to connect")
+            eventually(lambda: self.has_socket(process), "the port is about to connect")
             self.assertAnswers(place, {"ok": False, **keys, "error": "interrupted"}, self.interrupted(process))
 
     @staticmethod
     def refused(bytes_total: int) -> dict:
-        return {"outcome": "refused", "resultCode": -1, "bytesTotal": bytes_total, "bytesAccepted": 0, "status": None}
+        return {"outcome": "refused", "proof": "none", "resultCode": -1, "bytesTotal": bytes_total, "bytesAccepted": 0, "status": None}
+
+    @staticmethod
+    def has_socket(process) -> bool:
+        folder = f"/proc/{process.pid}/fd"
+        try:
+            return any(os.readlink(f"{folder}/{number}").startswith("socket:") for number in os.listdir(folder))
+        except FileNotFoundError:  # it was closed while this looked
+            return False
 
     @staticmethod
     def threads(process) -> int:
         return len(os.listdir(f"/proc/{process.pid}/task"))
 
     def test_a_signal_before_the_command_has_begun_loses_no_outcome(self):
-        """A log that nobody reads holds up the beginning for as long as it takes."""
+        """A log that nobody reads holds up the beginning; whether the job was read by then is left to chance."""
         log = self.folder / "log"
         os.mkfifo(log)
         process = start("-d", "virtual:", "print", self.file("job", b"text\n"), "--json", "--log", log)
         eventually(lambda: self.threads(process) > 1, "the command waits for signals")
-        result = self.interrupted(process)
-        self.assertEqual(result.json(), {"ok": False, "device": None, **self.refused(0), "error": "interrupted"})
+        answer = self.interrupted(process).json()
+        self.assertIn(answer["bytesTotal"], (0, 5))
+        self.assertEqual(answer, {"ok": False, "device": answer["device"], **self.refused(answer["bytesTotal"]),
+                                  "error": "interrupted"})
 
     def test_a_read_from_a_pipe_is_given_up(self):
         process = start("-d", "virtual:", "print", "-", "--json", stdin=-1)

@@ -33,6 +33,17 @@ std::uint32_t number(const std::string& text, Range range, const std::string& un
   return value;
 }
 
+ProofKind proof(const std::string& text) {
+  for (const ProofKind kind : {ProofKind::Auto, ProofKind::Block, ProofKind::ProcessId,
+                               ProofKind::InOrder, ProofKind::None}) {
+    if (text == nameOf(kind)) {
+      return kind;
+    }
+  }
+  throw CLI::ValidationError("takes auto, block, process-id, in-order or none, not " +
+                             inQuotes(text));
+}
+
 ZKEmulation emulation(const std::string& text) {
   static const std::map<std::string, ZKEmulation> names = {
       {"line", ZKEmulationQuorLine},
@@ -135,9 +146,14 @@ void addStatusOptions(CLI::App& app, Options& all) {
 void addPrintOptions(CLI::App& app, Options& all) {
   PrintOptions& options = all.print;
   app.add_option("FILE", options.file, "what to print; - is standard input")->required();
-  app.add_flag("--unchecked", options.unchecked,
-               "send without a checked block: the printer is not asked before or after, and the "
-               "outcome is unconfirmed at best");
+  addText(app, "--proof", "NAME",
+          "how the printer confirms the job: auto, block, process-id, in-order or none (default "
+          "auto: it is asked which of them it gives)",
+          [&options](const std::string& text) { options.proof = proof(text); });
+  app.add_flag_callback(
+      "--unchecked", [&options] { options.proof = ProofKind::None; },
+      "send without a proof, as --proof none: the printer is not asked before or after, and the "
+      "outcome is unconfirmed at best");
   addTime(app, "--end-timeout",
           "how long to wait for the confirmation (default: the input/output time-out)",
           options.endTimeout);

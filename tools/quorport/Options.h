@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "iphone-IOPort/enum.h"
+#include "job/ProofKind.h"
 
 namespace quordalvane::tool {
 
@@ -17,7 +18,7 @@ struct StatusOptions {
 
 struct PrintOptions {
   std::string file;  ///< "-" is standard input
-  bool unchecked = false;
+  ProofKind proof = ProofKind::Auto;
   std::optional<std::uint32_t> endTimeout;        ///< milliseconds
   std::optional<std::uint32_t> holdPrintTimeout;  ///< milliseconds
   std::optional<std::string> receipt;             ///< a file

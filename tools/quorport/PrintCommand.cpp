@@ -65,6 +65,7 @@ Report reportOn(const PrintResult& result) {
   report.json = {{"ok", result.outcome == PrintOutcome::Printed},
                  {"device", nullptr},
                  {"outcome", nameOf(result.outcome)},
+                 {"proof", nameOf(result.proof)},
                  {"resultCode", result.resultCode},
                  {"bytesTotal", result.bytesTotal},
                  {"bytesAccepted", result.bytesAccepted},
@@ -110,10 +111,11 @@ PrintResult runJob(const std::vector<std::uint8_t>& data, Printer& printer, Live
   setTimeouts(*printer.port(), options);
   std::uint64_t bytesAccepted = 0;
   PrintJob::Options plain;
-  plain.proof = options.unchecked ? ProofKind::None : ProofKind::Auto;
+  plain.proof = options.proof;
   plain.progress = [&](const PrintProgress& progress) {
     bytesAccepted = progress.bytesAccepted;
-    line.show(inWords(progress));
+    line.show(progress.waitsFor.empty() ? inWords(progress)
+                                        : printable(progress.waitsFor) + ": waiting");
   };
   PrintJob job(printer.port(), named == nullptr ? plain : named->recorded(plain));
   surroundings.interruption->beginJob(job);
