@@ -11,15 +11,24 @@ list(TRANSFORM rooms REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>" OUTPUT_VARIABLE obje
 # Pictures of the paper are the command's alone: programs do not need the drawing library.
 list(APPEND objects $<FILTER:$<TARGET_OBJECTS:quor_simulator>,EXCLUDE,/Canvas|/ImageRendering>)
 
-# The linker is told which names to export: those of the list.
-set(export_list ${PROJECT_SOURCE_DIR}/cmake/exported_symbols.txt)
+# QUOR_EXPORT decides which names are exported; the rooms are compiled with all others hidden. What the
+# linker is told besides: to give them the library's version, and to keep to itself what the headers
+# of others leave visible, such as instances of the standard library's templates.
 set(export_map ${PROJECT_BINARY_DIR}/exports.map)
-set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${export_list})
-file(STRINGS ${export_list} exports REGEX "^[^#]")
-list(TRANSFORM exports REPLACE " .*" "")
-list(JOIN exports ";\n" exports)
-file(CONFIGURE OUTPUT ${export_map}
-     CONTENT "QUORIOPORT_@PROJECT_VERSION_MAJOR@ {\nglobal:\n@exports@;\nlocal: *;\n};\n" @ONLY)
+file(CONFIGURE OUTPUT ${export_map} @ONLY CONTENT [[
+QUORIOPORT_@PROJECT_VERSION_MAJOR@ {
+global:
+  quor_*;
+  extern "C++" {
+    quordalvane::*;
+    typeinfo?for?quordalvane::*;
+    typeinfo?name?for?quordalvane::*;
+    vtable?for?quordalvane::*;
+  };
+local:
+  *;
+};
+]])
 
 # quor_product(NAME TYPE): the library of that type.
 function(quor_product name type)

@@ -1,7 +1,9 @@
-"""What the library exports is what was agreed upon. Usage: exported_symbols.py ROOT LIBRARY
+"""The library exports the names in exported_symbols.txt and no others. Usage: exported_symbols.py ROOT LIBRARY
 
-The list in the tree is agreed upon: a name that is on it and not in the library breaks programs, and a
-function of the C header that is not on it cannot be called.
+What is marked QUOR_EXPORT is exported. The list shows each change of that: a name that goes away breaks
+programs that are built already. After a change that is meant, write the list anew with
+
+    tests/install/exported_symbols.py --write ROOT LIBRARY
 """
 
 import re
@@ -9,32 +11,42 @@ import subprocess
 import sys
 from pathlib import Path
 
-
-def listed(root: Path) -> set[str]:
-    lines = (root / "cmake/exported_symbols.txt").read_text().splitlines()
-    return {line.split()[0] for line in lines if line and not line.startswith("#")}
+LIST = Path(__file__).with_name("exported_symbols.txt")
 
 
-def exported(library: Path) -> set[str]:
+def exported(library: Path) -> list[str]:
+    """The names as programs link them; each C++ name with its meaning."""
     table = subprocess.run(["nm", "-D", "--defined-only", library], check=True, capture_output=True, text=True)
     rows = [row.split() for row in table.stdout.splitlines()]
-    return {name.split("@")[0] for _, kind, name in rows if kind != "A"}  # A: the version itself
+    names = sorted(name.split("@")[0] for _, kind, name in rows if kind != "A")  # A: the version itself
+    readable = subprocess.run(["c++filt"], input="\n".join(names), check=True, capture_output=True, text=True)
+    meanings = readable.stdout.splitlines()
+    return [name if name == meaning else f"{name}  # {meaning}" for name, meaning in zip(names, meanings, strict=True)]
 
 
-def declared(root: Path) -> set[str]:
+def declared_for_c(root: Path) -> set[str]:
     header = (root / "include/quordalvane/QuorIOPortC.h").read_text()
     return set(re.findall(r"^QUOR_EXPORT [^;(]*\b(\w+)\(", header, re.M))
 
 
 def objections(root: Path, library: Path) -> list[str]:
-    agreed, there, callable_from_c = listed(root), exported(library), declared(root)
-    found = [f"{name} is gone" for name in sorted(agreed - there)]
-    found += [f"{name} is exported and not listed" for name in sorted(there - agreed)]
-    found += [f"{name} is declared for C and not listed" for name in sorted(callable_from_c - agreed)]
-    return found or ([] if callable_from_c else ["the C header declares nothing"])
+    agreed, there, for_c = set(LIST.read_text().splitlines()), set(exported(library)), declared_for_c(root)
+    found = [f"is gone: {name}" for name in sorted(agreed - there)]
+    found += [f"is exported and not listed: {name}" for name in sorted(there - agreed)]
+    found += [f"is declared for C and not exported: {name}" for name in sorted(for_c - there)]
+    return found or ([] if for_c else ["the C header declares nothing"])
+
+
+def main(arguments: list[str]) -> int:
+    writes = arguments[:1] == ["--write"]
+    root, library = map(Path, arguments[1:] if writes else arguments)
+    if writes:
+        LIST.write_text("\n".join(exported(library)) + "\n")
+        return 0
+    complaints = objections(root, library)
+    print("\n".join(complaints + ([__doc__.strip()] if complaints else [])))
+    return 1 if complaints else 0
 
 
 if __name__ == "__main__":
-    complaints = objections(*map(Path, sys.argv[1:]))
-    print("\n".join(complaints))
-    sys.exit(1 if complaints else 0)
+    sys.exit(main(sys.argv[1:]))
