@@ -5,10 +5,11 @@
 namespace quordalvane {
 
 /// Tells whether a reply of the device may still be on its way, so that nobody waits for leftovers
-/// that cannot come. A link does not know which writes ask for a reply, so it errs to the safe
-/// side.
+/// that cannot arrive. A writer says of each write whether it may be answered. How many answers it
+/// gets is not known, so the count errs to the safe side:
 ///
-/// - A write may be answered until bytes came after it and the input ran dry again.
+/// - A write that is never answered changes nothing.
+/// - Any other write may be answered until bytes arrived after it and the input ran dry again.
 /// - A write that was followed by a silent wait and then by another write stays owed: what comes
 ///   next may be its late reply, and the reply to the later write is then still to come.
 /// - A silent wait of a whole slice after a reply settles everything.
@@ -18,7 +19,14 @@ class ReplyExpectation {
  public:
   bool replyMayCome() const { return pending_; }
 
+  /// Of the writes that follow; they may be answered until it is said otherwise.
+  void setMayBeAnswered(bool mayBeAnswered) { mayBeAnswered_ = mayBeAnswered; }
+  bool mayBeAnswered() const { return mayBeAnswered_; }
+
   void wrote() {
+    if (!mayBeAnswered_) {
+      return;
+    }
     if (pending_ && silentSinceWrite_) {
       ++owed_;
     }
@@ -49,6 +57,7 @@ class ReplyExpectation {
   }
 
  private:
+  bool mayBeAnswered_ = true;
   bool pending_ = false;
   bool silentSinceWrite_ = false;
   bool repliedSinceWrite_ = false;

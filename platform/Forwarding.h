@@ -97,6 +97,7 @@ class ForwardingOutputStream : public ForwardingStream<NSOutputStream> {
   using ForwardingStream::ForwardingStream;
 
   bool hasSpaceAvailable() override { return next().hasSpaceAvailable(); }
+  void setMayBeAnswered(bool mayBeAnswered) override { next().setMayBeAnswered(mayBeAnswered); }
   std::int64_t write(const std::uint8_t* buffer, std::size_t maxLength) override {
     return next().write(buffer, maxLength);
   }

@@ -51,9 +51,9 @@ class QUOR_EXPORT NSInputStream : public NSStream {
   /// True if a read would return at least one byte now. False from the end of the stream on.
   virtual bool hasBytesAvailable() = 0;
 
-  /// False if it is known that nothing can come before something is written, since all that was
-  /// asked has been answered: who only clears away leftovers need not wait for them then. True
-  /// where it is not known.
+  /// False if nothing can arrive before something more is written, since everything that may be
+  /// answered has been answered: a reader that only clears away leftovers need not wait then. True
+  /// if that is not known.
   virtual bool expectsBytes() { return true; }
 
   /// Reads at most `maxLength` bytes into `buffer`. Returns the count read, 0 if there was nothing,
@@ -68,6 +68,11 @@ class QUOR_EXPORT NSOutputStream : public NSStream {
   /// link is lost. A writer thus learns of a loss also while bytes that came before are left to
   /// read, which keep the accessory connected. False for a closed stream.
   virtual bool hasSpaceAvailable() = 0;
+
+  /// Says whether the accessory may answer the bytes of the writes that follow; until it is said,
+  /// it may. Called before each write. A stream that keeps count of the answers that are owed, for
+  /// `expectsBytes`, leaves out bytes that are never answered; others have nothing to do.
+  virtual void setMayBeAnswered(bool /*mayBeAnswered*/) {}
 
   /// Writes at most `maxLength` bytes. Returns the count taken, which may be fewer, or -1 on an
   /// error.

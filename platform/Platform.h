@@ -11,6 +11,14 @@
 #include "platform/NSRunLoop.h"
 #include "platform/NSThread.h"
 
+// The port is specified on the interfaces of a handheld platform, and this folder keeps their
+// names, so that whoever knows those interfaces finds each call again. EAAccessoryManager,
+// EAAccessory and EASession are its service for accessories that are attached by Bluetooth or by
+// cable; NSStream, NSRunLoop and NSThread are its streams, event loops and threads; UIDevice is the
+// device that a program runs on. "BT:", with which a port name begins, says there that the
+// accessory is attached by Bluetooth. Here an accessory is whatever a back end presents as one: a
+// printer on a network address, at the end of a serial line, or simulated.
+
 namespace quordalvane {
 
 /// What there is to know of the device itself.

@@ -122,6 +122,11 @@ void Link::waitForBytes(double seconds) {
   noteReceived(count, error);
 }
 
+void Link::setMayBeAnswered(bool mayBeAnswered) {
+  const std::lock_guard lock(mutex_);
+  expectation_.setMayBeAnswered(mayBeAnswered);
+}
+
 bool Link::hasSpace() {
   const std::lock_guard lock(mutex_);
   return hasSpaceLocked();
@@ -159,7 +164,7 @@ std::int64_t Link::write(const std::uint8_t* bytes, std::size_t length) {
     return 0;
   }
   expectation_.wrote();
-  cameSinceWrite_ = false;
+  cameSinceWrite_ = cameSinceWrite_ && !expectation_.mayBeAnswered();
   return count;
 }
 

@@ -66,6 +66,9 @@ class Link {
   /// True if a write would take at least one byte, or fails at once and so tells of a loss.
   bool hasSpace();
 
+  /// Whether the other side may answer what is written from now on; it may until this is called.
+  void setMayBeAnswered(bool mayBeAnswered);
+
   /// Writes at most `length` bytes. Returns the count taken, 0 if there is no space, -1 on an error
   /// and after `release`.
   std::int64_t write(const std::uint8_t* bytes, std::size_t length);
@@ -101,7 +104,7 @@ class Link {
   bool beingWaited_ = false;  // a thread waits for input, and may fill ahead_ without the lock
 
   ReplyExpectation expectation_;
-  bool cameSinceWrite_ = false;  // bytes were received after the last write
+  bool cameSinceWrite_ = false;  // bytes were received after the last write that may be answered
 
   bool mayBeFull_ = false;     // the last write was not taken whole
   bool outputBroken_ = false;  // a write has failed, or would come to nothing

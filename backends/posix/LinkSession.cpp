@@ -46,6 +46,12 @@ class LinkOutputStream final : public LinkStream<NSOutputStream> {
 
   bool hasSpaceAvailable() override { return link_ && link_->hasSpace(); }
 
+  void setMayBeAnswered(bool mayBeAnswered) override {
+    if (link_) {
+      link_->setMayBeAnswered(mayBeAnswered);
+    }
+  }
+
   std::int64_t write(const std::uint8_t* buffer, std::size_t maxLength) override {
     return link_ ? link_->write(buffer, maxLength) : -1;
   }

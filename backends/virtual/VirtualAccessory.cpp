@@ -40,6 +40,7 @@ class VirtualOutputStream : public NSOutputStream {
   void close() override { link_->close(); }
   void waitUntilReady(double seconds) override { link_->waitForSpace(seconds); }
   bool hasSpaceAvailable() override { return link_->hasSpace(); }
+  void setMayBeAnswered(bool mayBeAnswered) override { link_->setMayBeAnswered(mayBeAnswered); }
   std::int64_t write(const std::uint8_t* buffer, std::size_t maxLength) override {
     return link_->write({buffer, maxLength});
   }

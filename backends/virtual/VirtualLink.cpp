@@ -58,6 +58,11 @@ bool VirtualLink::expectsBytes() {
   return expectation_.replyMayCome();
 }
 
+void VirtualLink::setMayBeAnswered(bool mayBeAnswered) {
+  const std::lock_guard lock(inside_->mutex);
+  expectation_.setMayBeAnswered(mayBeAnswered);
+}
+
 bool VirtualLink::isReady(Awaited awaited) {
   if (link_ == nullptr) {
     return false;

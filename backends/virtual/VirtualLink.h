@@ -42,6 +42,9 @@ class VirtualLink {
 
   /// False while no reply can be on its way.
   bool expectsBytes();
+
+  /// Whether the printer may answer what is written from now on; it may until this is called.
+  void setMayBeAnswered(bool mayBeAnswered);
   std::int64_t write(std::span<const std::uint8_t> bytes);
   std::int64_t read(std::span<std::uint8_t> bytes);
 

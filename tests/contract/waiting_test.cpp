@@ -27,6 +27,21 @@ TEST_P(LinkContract, NoBytesAreExpectedBeforeAnybodyWasAskedNorWhenEverythingIsA
   EXPECT_FALSE(input->expectsBytes());
 }
 
+TEST_P(LinkContract, NoBytesAreExpectedOfWhatIsNeverAnswered) {
+  output->setMayBeAnswered(false);
+  ASSERT_EQ(write({1}), 1);
+  EXPECT_FALSE(input->expectsBytes());
+  output->setMayBeAnswered(true);
+  ASSERT_EQ(write({1}), 1);
+  output->setMayBeAnswered(false);
+  ASSERT_EQ(write({1}), 1);
+  EXPECT_TRUE(input->expectsBytes()) << "the write between the two is still unanswered";
+  peer->write({2});
+  EXPECT_EQ(receive(1), (Bytes{2}));
+  EXPECT_FALSE(input->hasBytesAvailable());
+  EXPECT_FALSE(input->expectsBytes());
+}
+
 TEST_P(LinkContract, AWaitForTheRestOfAnAnswerLastsItsTime) {
   ASSERT_EQ(write({1}), 1);
   peer->write({2});

@@ -37,7 +37,10 @@ struct Script {
   std::vector<Answer> answers;
   std::optional<std::size_t> mostPerRead;
   std::map<std::size_t, std::int64_t> readResults;  // of the n-th read of the stream, from 1
-  bool expectsBytes = true;
+  /// What the link says of bytes that may still arrive: that they may, that they may not, or that
+  /// they may from a write that may be answered to the next read that brings bytes.
+  enum class Expects { Always, Never, WhereAsked };
+  Expects expects = Expects::Always;
 
   // -- What is taken ------------------------------------------------------------------------------
   std::vector<std::size_t> attempts;  // how many bytes each `write:` gets rid of; then all

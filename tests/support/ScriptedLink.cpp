@@ -92,6 +92,7 @@ std::int64_t ScriptedLink::write(std::span<const std::uint8_t> data) {
     *budget_ -= taken;
   }
   written_ += taken;
+  isAsked_ = isAsked_ || (mayBeAnswered_ && taken > 0);
   answer(data.first(taken));
   return static_cast<std::int64_t>(taken);
 }
@@ -144,7 +145,14 @@ std::int64_t ScriptedLink::read(std::span<std::uint8_t> buffer) {
       arriving_.erase(arriving_.begin());
     }
   }
+  isAsked_ = isAsked_ && taken == 0;
   return static_cast<std::int64_t>(taken);
+}
+
+bool ScriptedLink::expectsBytes() const {
+  return script_.expects == Script::Expects::WhereAsked
+             ? isAsked_
+             : script_.expects == Script::Expects::Always;
 }
 
 void ScriptedLink::waitForSpace(double seconds) {
@@ -204,6 +212,7 @@ class ScriptedOutput : public ScriptedStream<NSOutputStream> {
  public:
   using ScriptedStream::ScriptedStream;
   bool hasSpaceAvailable() override { return !isClosed() && link().hasSpace(); }
+  void setMayBeAnswered(bool mayBeAnswered) override { link().setMayBeAnswered(mayBeAnswered); }
   std::int64_t write(const std::uint8_t* buffer, std::size_t maxLength) override {
     return link().write({buffer, maxLength});
   }

@@ -28,7 +28,8 @@ class ScriptedLink {
   bool isConnected();
   bool hasSpace();
   bool hasBytes();
-  bool expectsBytes() const { return script_.expectsBytes; }
+  bool expectsBytes() const;
+  void setMayBeAnswered(bool mayBeAnswered) { mayBeAnswered_ = mayBeAnswered; }
   std::int64_t write(std::span<const std::uint8_t> data);
   std::int64_t read(std::span<std::uint8_t> buffer);
   void waitForSpace(double seconds);
@@ -48,6 +49,8 @@ class ScriptedLink {
   bool started_ = false;
   std::multimap<test::Instant, Bytes> arriving_;
   Bytes unanswered_;
+  bool mayBeAnswered_ = true;
+  bool isAsked_ = false;  // something that may be answered was written after the last bytes
   std::optional<std::size_t> budget_;  // what this attempt may still get rid of; none: everything
   std::size_t attempt_ = 0;
   std::size_t written_ = 0;

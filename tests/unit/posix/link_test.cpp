@@ -151,6 +151,24 @@ TEST_F(LinkTest, AnAnswerIsExpectedFromARequestToItsAnswer) {
   }
 }
 
+TEST_F(LinkTest, AnAnswerThatIsReadAfterWritesThatAreNeverAnsweredIsStillTheAnswer) {
+  ASSERT_EQ(ask(), 1);
+  deviceWrites(1);
+  input->waitUntilReady(1);
+  output->setMayBeAnswered(false);
+  ASSERT_EQ(ask(), 1);
+  ASSERT_EQ(input->read(&byte, 1), 1);
+  EXPECT_FALSE(input->expectsBytes());
+}
+
+TEST_F(LinkTest, AWriteThatIsNeverAnsweredSettlesNoUnansweredRequest) {
+  ASSERT_EQ(ask(), 1);
+  input->waitUntilReady(0.01);
+  output->setMayBeAnswered(false);
+  ASSERT_EQ(ask(), 1);
+  EXPECT_TRUE(input->expectsBytes());
+}
+
 TEST_F(LinkTest, AfterAnUnansweredRequestTheReplyMayBeALateOneUntilAWaitBroughtNoMore) {
   ASSERT_EQ(ask(), 1);
   input->waitUntilReady(0.01);
