@@ -120,9 +120,6 @@ QuorCode quor_log_set_queue_capacity(size_t records) {
 QuorCode quor_log_statistics(QuorLogStatistics* statistics) {
   return guarded([&] {
     const LogStatistics now = LogWriter::sharedInstance().statistics();
-    given(statistics, "the statistics") = {.handed_over = now.handedOver,
-                                           .dropped = now.dropped,
-                                           .messages_built = now.messagesBuilt,
-                                           .descriptions_made = now.descriptionsMade};
+    given(statistics, "the statistics") = {.handed_over = now.handedOver, .dropped = now.dropped};
   });
 }

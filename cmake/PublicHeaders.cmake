@@ -21,12 +21,9 @@ set(QUOR_PUBLIC_HEADERS
   job/ProofKind.h
   logging/CallbackSink.h
   logging/JsonFileSink.h
-  logging/LogDelivery.h
-  logging/LogQueue.h
   logging/LogRecord.h
   logging/LogSink.h
   logging/PrintableText.h
-  logging/RecordBatch.h
   logging/RecordText.h
   logging/RotatingFile.h
   logging/StandardErrorSink.h

@@ -147,7 +147,6 @@ std::string buildMessage(std::span<const LogFormatPiece> pieces, std::string_vie
     appendArgument(message, pieces[i].conversion, arguments[i]);
   }
   message.append(rest);
-  LogWriter::countMessage();
   return std::move(message).take();
 }
 
@@ -162,8 +161,8 @@ LogStatement::LogStatement(ZKLogType type, std::int32_t level, const void* objec
       method_(method) {}
 
 void LogStatement::write(std::string&& message) && {
-  writer_.outputLogAsync(type_, level_, std::move(object_), file_, line_, method_,
-                         std::move(message));
+  writer_.outputLogAsyncWithLogType(type_, level_, std::move(object_), file_, line_, method_,
+                                    std::move(message));
 }
 
 }  // namespace quordalvane

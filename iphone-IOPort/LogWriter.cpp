@@ -6,8 +6,11 @@
 #include <utility>
 
 #include "logging/Hex.h"
+#include "logging/LogDelivery.h"
 
 namespace quordalvane {
+
+LogWriter::LogWriter() : delivery_(*new LogDelivery) {}
 
 void LogWriter::setLogging(bool on) noexcept {
   logging_.store(on, std::memory_order_relaxed);
@@ -37,7 +40,6 @@ std::string LogWriter::createByteArrayDescription(const std::vector<std::uint8_t
 }
 
 std::string LogWriter::createByteArrayDescription(const std::uint8_t* bytes, std::uint64_t size) {
-  descriptionsMade_.fetch_add(1, std::memory_order_relaxed);
   if (size == 0) {
     return "<>";
   }
@@ -52,9 +54,10 @@ std::string LogWriter::createByteArrayDescription(const std::uint8_t* bytes, std
   return description;
 }
 
-void LogWriter::outputLogAsync(ZKLogType logType, std::int32_t logLevel, std::string objectAddress,
-                               const char* fileName, std::int64_t lineNumber,
-                               const char* methodName, std::string anyString) noexcept {
+void LogWriter::outputLogAsyncWithLogType(ZKLogType logType, std::int32_t logLevel,
+                                          std::string objectAddress, const char* fileName,
+                                          std::int64_t lineNumber, const char* methodName,
+                                          std::string anyString) noexcept {
   delivery_.handOver({.time = currentTime(),
                       .thread = currentThreadId(),
                       .type = logType,
@@ -84,10 +87,7 @@ bool LogWriter::flush(std::chrono::milliseconds timeout) {
 
 LogStatistics LogWriter::statistics() const {
   const LogQueue::Counts counts = delivery_.counts();
-  return {.handedOver = counts.handedOver,
-          .dropped = counts.dropped,
-          .messagesBuilt = messagesBuilt_.load(std::memory_order_relaxed),
-          .descriptionsMade = descriptionsMade_.load(std::memory_order_relaxed)};
+  return {.handedOver = counts.handedOver, .dropped = counts.dropped};
 }
 
 }  // namespace quordalvane

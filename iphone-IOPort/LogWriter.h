@@ -10,24 +10,26 @@
 
 #include <quordalvane/QuorExport.h>
 
-#include "logging/LogDelivery.h"
 #include "logging/LogRecord.h"
 #include "logging/LogSink.h"
 
 namespace quordalvane {
 
+class LogDelivery;
+
 /// What the logger has done since the process began.
 struct LogStatistics {
-  std::uint64_t handedOver;        ///< records that were given to outputLogAsync
-  std::uint64_t dropped;           ///< those of them that found no room or no memory
-  std::uint64_t messagesBuilt;     ///< messages that log statements formatted
-  std::uint64_t descriptionsMade;  ///< byte descriptions, those inside of messages included
+  std::uint64_t handedOver;  ///< records that were given to outputLogAsyncWithLogType
+  std::uint64_t dropped;     ///< those of them that found no room or no memory
 };
 
 /// The library's logger: it decides which records are wanted and passes them to the sinks that the
 /// application has added. All members may be called from any thread at once, a sink's included.
 class QUOR_EXPORT LogWriter {
  public:
+  /// How long `flush` waits if it is given no time-out.
+  static constexpr std::chrono::milliseconds flushTime{2000};
+
   /// Whether logging is switched on. Off until the application switches it on. Takes no lock.
   static bool isLogging() noexcept { return logging_.load(std::memory_order_relaxed); }
 
@@ -47,7 +49,7 @@ class QUOR_EXPORT LogWriter {
   static void setTargetLogLevels(const std::set<std::int32_t>& levels);
 
   /// The logger of this process. It is made at the first call and never destroyed, so that threads
-  /// may log until the very end. A normal exit flushes it, for at most LogDelivery::flushTime.
+  /// may log until the very end. A normal exit flushes it, for at most `flushTime`.
   static LogWriter& sharedInstance();
 
   /// The bytes as lower-case pairs of hexadecimal digits, parted by blanks, in angle brackets, as
@@ -61,38 +63,45 @@ class QUOR_EXPORT LogWriter {
   /// waiting for any sink. It asks no gate: that is done before the record is built. When the queue
   /// is full the record is dropped, which is counted and told in the stream; without a sink it is
   /// discarded. `fileName` and `methodName` must not be null and must last as long as the process.
-  void outputLogAsync(ZKLogType logType, std::int32_t logLevel, std::string objectAddress,
-                      const char* fileName, std::int64_t lineNumber, const char* methodName,
-                      std::string anyString) noexcept;
+  void outputLogAsyncWithLogType(ZKLogType logType, std::int32_t logLevel,
+                                 std::string objectAddress, const char* fileName,
+                                 std::int64_t lineNumber, const char* methodName,
+                                 std::string anyString) noexcept;
 
-  /// As LogDelivery's members of the same names, which see.
-  /// @{
+  /// Gives `sink`, never null and shared from now on, every record from now on and those that still
+  /// wait. The first sink starts the thread that writes. Throws std::system_error if that thread
+  /// cannot be started and std::bad_alloc if memory is short; nothing has changed then.
   void addSink(std::shared_ptr<LogSink> sink);
+
+  /// Takes the sink away; one that was never added is ignored. Does not wait: records that are
+  /// being delivered at this moment may still reach it. After a `flush` that returned true it is
+  /// not called again and no longer shared.
   void removeSink(const std::shared_ptr<LogSink>& sink);
+
+  /// How many records may wait for the sinks; 8,192 at first. Throws std::invalid_argument for zero
+  /// and for more than 1,048,576, and std::bad_alloc if memory is short; nothing has changed then.
   void setQueueCapacity(std::size_t records);
-  bool flush(std::chrono::milliseconds timeout = LogDelivery::flushTime);
-  /// @}
+
+  /// Waits until the sinks have been given every record so far, or until `timeout` has passed. True
+  /// if they have. Zero asks without waiting. A sink that calls it gets false at once if anything
+  /// is left, since it would wait for itself.
+  bool flush(std::chrono::milliseconds timeout = flushTime);
 
   /// The counts as they stand; nothing is set back.
   LogStatistics statistics() const;
-
-  /// Counts a message in the statistics; for those who format one.
-  static void countMessage() noexcept { messagesBuilt_.fetch_add(1, std::memory_order_relaxed); }
 
   LogWriter(const LogWriter&) = delete;
   LogWriter& operator=(const LogWriter&) = delete;
 
  private:
-  LogWriter() = default;
+  LogWriter();
 
   static bool isKnownLevel(std::int32_t level) noexcept { return level >= 0 && level < 64; }
 
   static inline std::atomic<bool> logging_{false};
   static inline std::atomic<std::uint64_t> targetLevels_{1};  // bit n: level n is wanted
-  static inline std::atomic<std::uint64_t> messagesBuilt_{0};
-  static inline std::atomic<std::uint64_t> descriptionsMade_{0};
 
-  LogDelivery delivery_;
+  LogDelivery& delivery_;  // never destroyed, as the logger
 };
 
 }  // namespace quordalvane

@@ -21,9 +21,6 @@ namespace quordalvane {
 /// All members may be called from any thread at once, and from a sink.
 class LogDelivery {
  public:
-  /// How long `flush` waits unless it is told otherwise.
-  static constexpr std::chrono::milliseconds flushTime{2000};
-
   LogDelivery() = default;
 
   /// Gives the sinks what still waits and ends the writer thread; waits for a sink as long as it
@@ -57,7 +54,7 @@ class LogDelivery {
   /// Waits until the sinks have been given every record queued so far, or until `timeout` has
   /// passed, as it does when a sink hangs. True when they have. Zero asks without waiting. A sink
   /// that calls it has false at once when anything is left, since it would wait for itself.
-  bool flush(std::chrono::milliseconds timeout = flushTime);
+  bool flush(std::chrono::milliseconds timeout);
 
   /// How many records were handed over, and how many of them were dropped.
   LogQueue::Counts counts() const { return queue_.counts(); }

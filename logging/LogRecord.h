@@ -9,8 +9,8 @@
 
 namespace quordalvane {
 
-/// The kind of a log record.
-enum ZKLogType : std::int32_t {
+/// The kind of a log record. The tag is the one under which C and debuggers know the enumeration.
+enum _ZKLogType : std::int32_t {     // NOLINT(bugprone-reserved-identifier)
   ZKLogTypeQuorIOAPIStart = 0,       ///< a public call begins
   ZKLogTypeQuorIOAPIEnd = 1,         ///< and ends
   ZKLogTypeInternalMethodStart = 2,  ///< an internal method begins
@@ -20,6 +20,7 @@ enum ZKLogType : std::int32_t {
   ZKLogTypeProcess = 6,              ///< a step on the way
   ZKLogTypeError = 7,                ///< something failed
 };
+using ZKLogType = _ZKLogType;
 
 /// The enumerator's name without its prefix, as in "InternalMethodStart"; "Unknown" for any other
 /// value.

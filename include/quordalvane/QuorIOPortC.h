@@ -442,10 +442,8 @@ QUOR_EXPORT QuorCode quor_log_set_queue_capacity(size_t records);
 
 /** What the logger has done since the process began. */
 typedef struct QuorLogStatistics {
-  uint64_t handed_over;       /**< records that were given to the logger */
-  uint64_t dropped;           /**< those of them that found no room or no memory */
-  uint64_t messages_built;    /**< messages that log statements formatted */
-  uint64_t descriptions_made; /**< byte descriptions, those inside of messages included */
+  uint64_t handed_over; /**< records that were given to the logger */
+  uint64_t dropped;     /**< those of them that found no room or no memory */
 } QuorLogStatistics;
 
 /** Stores the counts in `*statistics`; nothing is set back. */

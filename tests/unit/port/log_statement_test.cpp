@@ -10,6 +10,7 @@
 #include <memory>
 
 #include "tests/unit/logging/LogFixtures.h"
+#include "tests/unit/port/Descriptions.h"
 
 namespace quordalvane {
 namespace {
@@ -239,22 +240,20 @@ TEST_F(LogStatementTest, HandsOverEveryFieldOfItsPlace) {
 
 TEST_F(LogStatementTest, EvaluatesAndBuildsNothingWhenLoggingIsOff) {
   LogWriter::setLogging(false);
-  const LogStatistics before = LogWriter::sharedInstance().statistics();
+  const std::uint64_t handedOver = LogWriter::sharedInstance().statistics().handedOver;
+  const std::uint64_t descriptions = test::descriptionsMade();
   EXPECT_EQ(speaker_.countedArguments(0), 0);
-  const LogStatistics after = LogWriter::sharedInstance().statistics();
-  EXPECT_EQ(after.messagesBuilt, before.messagesBuilt);
-  EXPECT_EQ(after.descriptionsMade, before.descriptionsMade);
-  EXPECT_EQ(after.handedOver, before.handedOver);
+  EXPECT_EQ(test::descriptionsMade(), descriptions);
+  EXPECT_EQ(LogWriter::sharedInstance().statistics().handedOver, handedOver);
   EXPECT_THAT(messages(), IsEmpty());
 }
 
 TEST_F(LogStatementTest, EvaluatesAndBuildsOnceWhenLoggingIsOn) {
-  const LogStatistics before = LogWriter::sharedInstance().statistics();
+  const std::uint64_t handedOver = LogWriter::sharedInstance().statistics().handedOver;
+  const std::uint64_t descriptions = test::descriptionsMade();
   EXPECT_EQ(speaker_.countedArguments(0), 1);
-  const LogStatistics after = LogWriter::sharedInstance().statistics();
-  EXPECT_EQ(after.messagesBuilt, before.messagesBuilt + 1);
-  EXPECT_EQ(after.descriptionsMade, before.descriptionsMade + 1);
-  EXPECT_EQ(after.handedOver, before.handedOver + 1);
+  EXPECT_EQ(test::descriptionsMade(), descriptions + 1);
+  EXPECT_EQ(LogWriter::sharedInstance().statistics().handedOver, handedOver + 1);
   EXPECT_THAT(messages(), ElementsAre("1, <1b>"));
 }
 

@@ -18,8 +18,8 @@ namespace {
 using namespace std::chrono_literals;
 
 void output(std::string message) {
-  LogWriter::sharedInstance().outputLogAsync(ZKLogTypeRead, 3, "0xabc", "Port.cpp", 12,
-                                             "-[Port read:]", std::move(message));
+  LogWriter::sharedInstance().outputLogAsyncWithLogType(ZKLogTypeRead, 3, "0xabc", "Port.cpp", 12,
+                                                        "-[Port read:]", std::move(message));
 }
 
 /// Leaves the gates of the process as they were.
@@ -126,7 +126,7 @@ TEST_F(LogWriterTest, CountsRecordsAndDrops) {
   released.notify_all();
   ASSERT_TRUE(writer.flush(1min));
   writer.removeSink(sink);
-  writer.setQueueCapacity(LogQueue::defaultCapacity);
+  writer.setQueueCapacity(8192);
 }
 
 /// Processes of their own, since they end.
