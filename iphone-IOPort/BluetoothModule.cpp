@@ -17,6 +17,7 @@ constexpr auto responseSelector =
     "getPrinterResponseWithSettingTitle:settingLength:timeoutMillis:]";
 constexpr std::string_view responseOK2 = "\r\nOK\r\n";
 constexpr std::string_view responseNG2 = "\r\nERROR\r\n";
+constexpr std::string_view getMACAddr = "AT*AILBA?\r";
 constexpr std::size_t maxResponseSize = 512;
 constexpr std::int32_t guardTimeBefore = 1000000;  // microseconds of silence that frame the escape
 constexpr std::int32_t guardTimeAfter = 1500000;
@@ -37,15 +38,15 @@ bool ExternalAccessoryPort::enterATMode() {
   QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@", "");
   usleep(guardTimeBefore);
   const ByteBuffer enterATModeCmd = {0x2f, 0x2f, 0x2f};
-  if (!writeWhole(enterATModeCmd)) {
+  if (!writeWhole(enterATModeCmd, Reply::Possible)) {
     QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:enterATModeCmd]: %p, %p", this,
              &enterATModeCmd);
     QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", false);
     return false;
   }
   usleep(guardTimeAfter);
-  const ByteBuffer getMACAddrCmd = asciiBytes("AT*AILBA?\r");
-  if (!writeWhole(getMACAddrCmd)) {
+  const ByteBuffer getMACAddrCmd = asciiBytes(getMACAddr);
+  if (!writeWhole(getMACAddrCmd, Reply::Possible)) {
     QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:getMACAddrCmd]: %p, %p", this,
              &getMACAddrCmd);
     QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", false);
@@ -146,8 +147,10 @@ std::string ExternalAccessoryPort::settingIn(const std::string& printerResponse,
   const std::size_t length = settingLength == 0
                                  ? printerResponse.size() - settingPos
                                  : settingTitle.size() + static_cast<std::size_t>(settingLength);
-  return asciiText(subrange(printerResponse, static_cast<std::int64_t>(settingPos),
-                            static_cast<std::int64_t>(length)));
+  const std::string settingString =
+      subrange(printerResponse, {.location = static_cast<std::int64_t>(settingPos),
+                                 .length = static_cast<std::int64_t>(length)});
+  return asciiText(settingString);
 }
 
 bool ExternalAccessoryPort::disconnect() {
@@ -171,7 +174,7 @@ bool ExternalAccessoryPort::disconnectBluetoothConnection() {
   constexpr auto selector = "-[ExternalAccessoryPort disconnectBluetoothConnection]";
   QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@", "");
   const ByteBuffer disconnectData = asciiBytes("AT*AMWS=10,0,0,0,1,0\r");
-  if (!writeWhole(disconnectData)) {
+  if (!writeWhole(disconnectData, Reply::Possible)) {
     QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:disconnectData]: %p, %p", this,
              &disconnectData);
     QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", false);
@@ -191,7 +194,7 @@ bool ExternalAccessoryPort::disconnectBluetoothConnection() {
     }
     if (wait.isOver()) {
       QUOR_LOG(ZKLogTypeError, 0, "end.tv_sec - start.tv_sec > timeout_ / 1000, %ld, %ld, %d",
-               wait.end(), wait.start(), wait.limit());
+               wait.end(), wait.start(), wait.timeoutSec());
       QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", false);
       return false;
     }

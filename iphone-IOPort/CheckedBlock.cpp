@@ -18,6 +18,14 @@ namespace {
 constexpr auto beginSelector = "-[ExternalAccessoryPort beginCheckedBlock:level:resultCode:]";
 constexpr auto endSelector = "-[ExternalAccessoryPort endCheckedBlock:level:]";
 
+// The end of a job: the marks are counted as the printer works through them.
+constexpr std::uint8_t etb[] = {0x17, 0x17};
+constexpr std::uint8_t etbEscPos[] = {0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00};
+
+// Sets the count of the marks to zero.
+constexpr std::uint8_t etbReset[] = {0x1b, 0x1e, 0x45, 0x00};
+constexpr std::uint8_t etbResetEscPos[] = {0x1b, 0x1d, 0x03, 0x02, 0x00, 0x00};
+
 constexpr std::uint8_t reportStart = 0x1b;
 constexpr std::size_t restDataSize = 7;
 constexpr std::size_t reportedCount = 5;  // the count's place behind the first byte
@@ -59,7 +67,7 @@ bool ExternalAccessoryPort::prepareBlock(QuorPrinterStatus_2* status, std::uint3
   }
   setDataTimeout(status, level);
   const ByteBuffer dataCancelCommand(std::begin(dataCancel), std::end(dataCancel));
-  if (!writeWhole(dataCancelCommand)) {
+  if (!writeWhole(dataCancelCommand, Reply::None)) {
     QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:dataCancelCommand]: %p, %p", this,
              &dataCancelCommand);
     return false;
@@ -70,10 +78,11 @@ bool ExternalAccessoryPort::prepareBlock(QuorPrinterStatus_2* status, std::uint3
 
 bool ExternalAccessoryPort::resetCounter() {
   constexpr auto selector = beginSelector;
-  const ByteBuffer etbResetCommand = p_emulation == ZKEmulationQuorLine
-                                         ? ByteBuffer{0x1b, 0x1e, 0x45, 0x00}
-                                         : ByteBuffer{0x1b, 0x1d, 0x03, 0x02, 0x00, 0x00};
-  if (!writeWhole(etbResetCommand)) {
+  const ByteBuffer etbResetCommand =
+      p_emulation == ZKEmulationQuorLine
+          ? ByteBuffer(std::begin(etbReset), std::end(etbReset))
+          : ByteBuffer(std::begin(etbResetEscPos), std::end(etbResetEscPos));
+  if (!writeWhole(etbResetCommand, Reply::None)) {
     QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:etbResetCommand]: %p, %p", this,
              &etbResetCommand);
     return false;
@@ -91,7 +100,7 @@ bool ExternalAccessoryPort::awaitClearPath(QuorPrinterStatus_2* status, std::int
     if (!getParsedStatus(status, 2)) {
       if (wait.isOver()) {
         QUOR_LOG(ZKLogTypeError, 0, "end.tv_sec - start.tv_sec > timeoutSec, %ld, %ld, %d",
-                 wait.end(), wait.start(), wait.limit());
+                 wait.end(), wait.start(), wait.timeoutSec());
         return false;
       }
       usleep(microseconds(secInterval1()));
@@ -101,7 +110,7 @@ bool ExternalAccessoryPort::awaitClearPath(QuorPrinterStatus_2* status, std::int
       return true;
     }
     // The limit is chosen anew in each pass: paper that goes late leaves the shorter one at once.
-    std::int32_t waitTimeoutSec = wait.limit();
+    std::int32_t waitTimeoutSec = wait.timeoutSec();
     std::int64_t errorCode = ZKQuorIOResultCodeFailedError;
     if (status->paperPresent == 1) {
       waitTimeoutSec = static_cast<std::int32_t>(holdPrintTimeoutMillis() / 1000);
@@ -138,8 +147,10 @@ void ExternalAccessoryPort::setDataTimeout(QuorPrinterStatus_2* status, std::uin
   // Not an error, but this is the type under which the record is known.
   QUOR_LOG(ZKLogTypeError, 0, "self.dataTimeoutSeconds: %ld", dataTimeoutSeconds());
   const auto timeout = static_cast<std::uint8_t>(dataTimeoutSeconds() & 0xff);
-  const ByteBuffer setDataTimeoutCommandData = {0x1b, 0x1d, 0x03, 0x05, 0x01, timeout};
-  if (!writeWhole(setDataTimeoutCommandData)) {
+  const std::uint8_t setDataTimeoutCommand[] = {0x1b, 0x1d, 0x03, 0x05, 0x01, timeout};
+  const ByteBuffer setDataTimeoutCommandData(std::begin(setDataTimeoutCommand),
+                                             std::end(setDataTimeoutCommand));
+  if (!writeWhole(setDataTimeoutCommandData, Reply::None)) {
     QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:setDataTimeoutCommandData]: %p, %p",
              this, &setDataTimeoutCommandData);
     QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%p, %d", status, level);
@@ -165,10 +176,11 @@ bool ExternalAccessoryPort::endCheckedBlock(QuorPrinterStatus_2* quorPrinterStat
 
 bool ExternalAccessoryPort::markEnd() {
   constexpr auto selector = endSelector;
-  const ByteBuffer etbCommand = p_emulation == ZKEmulationQuorLine
-                                    ? ByteBuffer{0x17, 0x17}
-                                    : ByteBuffer{0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00};
-  if (!writeWhole(etbCommand)) {
+  const bool lineMode = p_emulation == ZKEmulationQuorLine;
+  const ByteBuffer etbCommand = lineMode ? ByteBuffer(std::begin(etb), std::end(etb))
+                                         : ByteBuffer(std::begin(etbEscPos), std::end(etbEscPos));
+  // In line mode the printer only counts; in ESC/POS its report answers.
+  if (!writeWhole(etbCommand, lineMode ? Reply::None : Reply::Possible)) {
     QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:etbCommand]: %p, %p", this,
              &etbCommand);
     return false;
@@ -179,7 +191,7 @@ bool ExternalAccessoryPort::markEnd() {
 bool ExternalAccessoryPort::writeDataCancelEnd() {
   constexpr auto selector = endSelector;
   const ByteBuffer dataCancelEndCommand(std::begin(dataCancelEnd), std::end(dataCancelEnd));
-  if (!writeWhole(dataCancelEndCommand)) {
+  if (!writeWhole(dataCancelEndCommand, Reply::None)) {
     QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:dataCancelEndCommand]: %p, %p", this,
              &dataCancelEndCommand);
     return false;
@@ -191,7 +203,7 @@ bool ExternalAccessoryPort::endTimedOut(WholeSecondsWait& wait) {
   constexpr auto selector = endSelector;
   if (wait.isOver()) {
     QUOR_LOG(ZKLogTypeError, 0, "end.tv_sec - start.tv_sec > timeoutSec, %ld, %ld, %d", wait.end(),
-             wait.start(), wait.limit());
+             wait.start(), wait.timeoutSec());
     return true;
   }
   return false;
@@ -262,9 +274,8 @@ bool ExternalAccessoryPort::awaitReport(WholeSecondsWait& wait) {
 
 bool ExternalAccessoryPort::requestRealTimeStatus() {
   constexpr auto selector = endSelector;
-  const ByteBuffer statusRequestData(std::begin(realTimeStatusRequest),
-                                     std::end(realTimeStatusRequest));
-  if (!writeWhole(statusRequestData)) {
+  const ByteBuffer statusRequestData(std::begin(statusRequest), std::end(statusRequest));
+  if (!writeWhole(statusRequestData, Reply::Possible)) {
     QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:statusRequestData]: %p, %p", this,
              &statusRequestData);
     return false;
@@ -334,7 +345,7 @@ bool ExternalAccessoryPort::startDataCancel() {
   constexpr auto selector = "-[ExternalAccessoryPort startDataCancel]";
   QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@", "");
   const ByteBuffer dataCancelCommand(std::begin(dataCancel), std::end(dataCancel));
-  if (!writeWhole(dataCancelCommand)) {
+  if (!writeWhole(dataCancelCommand, Reply::None)) {
     QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:dataCancelCommand], %p, %p", this,
              &dataCancelCommand);
     QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", false);

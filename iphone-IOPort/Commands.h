@@ -11,6 +11,6 @@ inline constexpr std::uint8_t dataCancel[] = {0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00
 inline constexpr std::uint8_t dataCancelEnd[] = {0x1b, 0x1d, 0x03, 0x04, 0x00, 0x00};
 
 /// Asks an ESC/POS printer whether it is ready.
-inline constexpr std::uint8_t realTimeStatusRequest[] = {0x10, 0x04, 0x01};
+inline constexpr std::uint8_t statusRequest[] = {0x10, 0x04, 0x01};
 
 }  // namespace quordalvane

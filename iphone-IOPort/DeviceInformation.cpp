@@ -18,21 +18,22 @@ namespace {
 constexpr std::size_t maxReplySize = 128;
 constexpr std::int32_t modelPollMicroseconds = 100000;
 
-/// What a parser of the replies found in one chunk.
-struct Field {
-  std::int32_t location = 0;
-  std::int32_t length = 0;
-};
+constexpr std::uint8_t fwRequestBytes[] = {0x1b, 0x23, 0x2a, 0x0a, 0x00};
+constexpr std::uint8_t MODEL_REQUEST_COMMAND[] = {0x1d, 0x49, 0x41};
+constexpr std::uint8_t dipswRequestBytes[] = {0x1b, 0x23, 0x2c, 0x00, 0x0a, 0x00};
+constexpr std::size_t bankDigit = 3;  // the place of the bank's number in the request above
+constexpr std::uint8_t writeBuf[] = {0x1b, 0x23, 0x2c, 0x31, 0x0a, 0x00};
 
 using ReplyParser = decltype(&parseFirmwareInfo);
 
-/// Looks for a complete field in `data`. No data reaches the parser as null and 0.
-std::optional<Field> findField(ReplyParser parse, const std::optional<ByteBuffer>& data) {
-  Field field;
+/// Where `parse` found a complete field in `data`. No data reaches the parser as null and 0.
+std::optional<Range> findField(ReplyParser parse, const std::optional<ByteBuffer>& data) {
+  std::int32_t location = 0;
+  std::int32_t length = 0;
   const std::uint8_t* bytes = data && !data->empty() ? data->data() : nullptr;
   const auto count = static_cast<std::int32_t>(data ? data->size() : 0);
-  return parse(bytes, count, &field.location, &field.length) == 0 ? std::optional(field)
-                                                                  : std::nullopt;
+  return parse(bytes, count, &location, &length) == 0 ? std::optional(Range{location, length})
+                                                      : std::nullopt;
 }
 
 }  // namespace
@@ -68,8 +69,8 @@ bool ExternalAccessoryPort::retrieveFirmwareInformation() {
 bool ExternalAccessoryPort::retrieveFirmwareInformation2() {
   constexpr auto selector = "-[ExternalAccessoryPort retrieveFirmwareInformation2]";
   QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@", "");
-  const ByteBuffer fwRequest = {0x1b, 0x23, 0x2a, 0x0a, 0x00};
-  if (!writeWhole(fwRequest)) {
+  const ByteBuffer fwRequest(std::begin(fwRequestBytes), std::end(fwRequestBytes));
+  if (!writeWhole(fwRequest, Reply::Possible)) {
     QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:fwRequest], %p, %p", this,
              &fwRequest);
     QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", false);
@@ -81,7 +82,7 @@ bool ExternalAccessoryPort::retrieveFirmwareInformation2() {
   while (!field) {
     if (wait.isOver()) {
       QUOR_LOG(ZKLogTypeError, 0, "end.tv_sec - start.tv_sec > timeout_ / 1000, %ld, %ld, %d",
-               wait.end(), wait.start(), wait.limit());
+               wait.end(), wait.start(), wait.timeoutSec());
       QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", false);
       return false;
     }
@@ -89,8 +90,7 @@ bool ExternalAccessoryPort::retrieveFirmwareInformation2() {
     data = read(maxReplySize);
     field = findField(parseFirmwareInfo, data);
   }
-  const ByteBuffer fwInfoData =
-      subrange(data.value_or(ByteBuffer()), field->location, field->length);
+  const ByteBuffer fwInfoData = subrange(data.value_or(ByteBuffer()), *field);
   QUOR_LOG(ZKLogTypeProcess, 0, "Find FW Info, Position: %d, Raw: %@", field->location,
            LogWriter::createByteArrayDescription(fwInfoData));
   _firmwareInformation.set(asciiText(fwInfoData));
@@ -101,8 +101,9 @@ bool ExternalAccessoryPort::retrieveFirmwareInformation2() {
 bool ExternalAccessoryPort::retrieveESCPOSFirmwareInformation() {
   constexpr auto selector = "-[ExternalAccessoryPort retrieveESCPOSFirmwareInformation]";
   QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@", "");
-  const ByteBuffer modelRequestCommand = {0x1d, 0x49, 0x41};
-  if (!writeWhole(modelRequestCommand)) {
+  const ByteBuffer modelRequestCommand(std::begin(MODEL_REQUEST_COMMAND),
+                                       std::end(MODEL_REQUEST_COMMAND));
+  if (!writeWhole(modelRequestCommand, Reply::Possible)) {
     QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:modelRequestCommand], %p, %p", this,
              &modelRequestCommand);
     QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", false);
@@ -113,16 +114,18 @@ bool ExternalAccessoryPort::retrieveESCPOSFirmwareInformation() {
   while (!receivedData || receivedData->empty()) {
     if (wait.isOver()) {
       QUOR_LOG(ZKLogTypeError, 0, "end.tv_sec - start.tv_sec > timeout_ / 1000, %ld, %ld, %d",
-               wait.end(), wait.start(), wait.limit());
+               wait.end(), wait.start(), wait.timeoutSec());
       QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", false);
       return false;
     }
     usleep(modelPollMicroseconds);
     receivedData = read(maxReplySize);
   }
-  // Without the header byte in front and the NUL behind; a lone byte has no such range and raises.
-  const auto length = static_cast<std::int64_t>(receivedData->size());
-  const std::string trimmedString = asciiText(subrange(*receivedData, 1, length - 2));
+  // Without the header byte before the text and the NUL after it; a lone byte has no such range.
+  const std::string rawString(receivedData->begin(), receivedData->end());
+  const Range trimRange = {.location = 1,
+                           .length = static_cast<std::int64_t>(rawString.length()) - 2};
+  const std::string trimmedString = asciiText(subrange(rawString, trimRange));
   _firmwareInformation.set(trimmedString);
   QUOR_LOG(ZKLogTypeProcess, 0, "_firmwareInformation: %@", trimmedString);
   QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", true);
@@ -163,9 +166,9 @@ std::optional<ByteBuffer> ExternalAccessoryPort::retrieveDipSwitchInformation(
 
 std::optional<ByteBuffer> ExternalAccessoryPort::queryDipSwitchBank(std::uint8_t dipSwNumber) {
   constexpr auto selector = "-[ExternalAccessoryPort retrieveDipSwitchInformation:]";
-  const auto digit = static_cast<std::uint8_t>(0x30 + dipSwNumber);
-  const ByteBuffer dipswRequest = {0x1b, 0x23, 0x2c, digit, 0x0a, 0x00};
-  if (!writeWhole(dipswRequest)) {
+  ByteBuffer dipswRequest(std::begin(dipswRequestBytes), std::end(dipswRequestBytes));
+  dipswRequest[bankDigit] = static_cast<std::uint8_t>(0x30 + dipSwNumber);
+  if (!writeWhole(dipswRequest, Reply::Possible)) {
     QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:dipswRequest], %p, %p", this,
              &dipswRequest);
     return std::nullopt;
@@ -176,7 +179,7 @@ std::optional<ByteBuffer> ExternalAccessoryPort::queryDipSwitchBank(std::uint8_t
   while (!field) {
     if (wait.isOver()) {
       QUOR_LOG(ZKLogTypeError, 0, "end.tv_sec - start.tv_sec > timeout_ / 1000, %ld, %ld, %d",
-               wait.end(), wait.start(), wait.limit());
+               wait.end(), wait.start(), wait.timeoutSec());
       return std::nullopt;
     }
     usleep(replyPollMicroseconds);
@@ -186,8 +189,9 @@ std::optional<ByteBuffer> ExternalAccessoryPort::queryDipSwitchBank(std::uint8_t
   const ByteBuffer chunk = data.value_or(ByteBuffer());
   // The record shows the chunk from its start, not from the field: so it has always been read.
   QUOR_LOG(ZKLogTypeProcess, 0, "Find DIPSW Info, Position: %d, Raw: %@", field->location,
-           LogWriter::createByteArrayDescription(subrange(chunk, 0, field->length)));
-  auto parsedData = subrange(chunk, field->location, field->length);
+           LogWriter::createByteArrayDescription(
+               subrange(chunk, {.location = 0, .length = field->length})));
+  auto parsedData = subrange(chunk, *field);
   if (parsedData.size() != 2) {
     QUOR_LOG(ZKLogTypeError, 0, "[parsedData length] != 2, %lu", parsedData.size());
     return std::nullopt;
@@ -199,8 +203,8 @@ std::int64_t ExternalAccessoryPort::retrieveButtonSecurityTimeout() {
   constexpr auto selector = "-[ExternalAccessoryPort retrieveButtonSecurityTimeout]";
   constexpr std::size_t EXPECTED_RECV_SIZE = 7;
   QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@", "");
-  const ByteBuffer data = {0x1b, 0x23, 0x2c, 0x31, 0x0a, 0x00};
-  if (!writeWhole(data)) {
+  const ByteBuffer data(std::begin(writeBuf), std::end(writeBuf));
+  if (!writeWhole(data, Reply::Possible)) {
     QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:data], %p, %p", this, &data);
     QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", -1);
     return -1;
@@ -217,14 +221,16 @@ std::int64_t ExternalAccessoryPort::retrieveButtonSecurityTimeout() {
     if (wait.isOver()) {
       // Unsigned here, unlike in the other queries.
       QUOR_LOG(ZKLogTypeError, 0, "end.tv_sec - start.tv_sec > timeout_ / 1000, %ld, %ld, %u",
-               wait.end(), wait.start(), wait.limit());
+               wait.end(), wait.start(), wait.timeoutSec());
       QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", -1);
       return -1;
     }
     usleep(replyPollMicroseconds);
   }
   constexpr std::uint32_t settings[] = {20000, 10000, 5000, 0};
-  const std::uint32_t setting = settings[recvBuf[4] >> 6];
+  const std::uint8_t dipSwSettingByte = recvBuf[4];
+  const std::size_t timeoutByte = dipSwSettingByte >> 6;
+  const std::uint32_t setting = settings[timeoutByte];
   QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", setting);
   // The port's own time-out comes on top, in 32 bits, unless the security is off.
   return setting == 0 ? 0 : std::int64_t{static_cast<std::uint32_t>(setting + timeout_)};

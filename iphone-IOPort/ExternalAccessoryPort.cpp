@@ -42,7 +42,7 @@ std::int32_t saturatedNumber(std::string_view digits) {
 struct ExternalAccessoryPort::Arguments {
   std::optional<std::string> portName;
   std::optional<std::string> portSettings;
-  std::uint32_t timeout;
+  std::uint32_t ioTimeoutMillis;
   ZKEmulation emulation;
   std::shared_ptr<Platform> platform;
 };
@@ -51,15 +51,16 @@ ExternalAccessoryPort::ExternalAccessoryPort(Arguments arguments)
     : platform_(std::move(arguments.platform)),
       portName_(std::move(arguments.portName)),
       portSettings_(std::move(arguments.portSettings)),
-      timeout_(arguments.timeout),
+      timeout_(arguments.ioTimeoutMillis),
       p_emulation(arguments.emulation),
-      _endCheckedBlockTimeoutMillis(arguments.timeout) {}
+      _endCheckedBlockTimeoutMillis(arguments.ioTimeoutMillis) {}
 
 std::shared_ptr<ExternalAccessoryPort> ExternalAccessoryPort::initWithPortName(
     std::optional<std::string> portName, std::optional<std::string> portSettings,
-    std::uint32_t timeout, ZKEmulation emulation, std::shared_ptr<Platform> platform) {
-  auto port = std::make_shared<ExternalAccessoryPort>(Arguments{
-      std::move(portName), std::move(portSettings), timeout, emulation, std::move(platform)});
+    std::uint32_t ioTimeoutMillis, ZKEmulation emulation, std::shared_ptr<Platform> platform) {
+  auto port = std::make_shared<ExternalAccessoryPort>(
+      Arguments{std::move(portName), std::move(portSettings), ioTimeoutMillis, emulation,
+                std::move(platform)});
   // A port that nobody gets and could close: its thread ends, and neither holds the other.
   const auto abandon = [&port] {
     port->stopThread71 = true;

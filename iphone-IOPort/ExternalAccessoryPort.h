@@ -67,15 +67,15 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// (the name is UTF-8; a byte that is no part of a valid character counts as one), and a shorter
   /// name cannot be opened; names are compared byte by byte. `portSettings` may hold a data
   /// time-out option, the letter d and 0 to 255 (seconds), anywhere; other values are logged and
-  /// ignored. `timeout` is the input/output time-out in milliseconds; zero is legal and means that
-  /// a wait ends when the clock's second changes. `platform` is kept alive by the port; null stands
-  /// for no platform at all.
+  /// ignored. `ioTimeoutMillis` is the input/output time-out in milliseconds; zero is legal and
+  /// means that a wait ends when the clock's second changes. `platform` is kept alive by the port;
+  /// null means that there is no platform at all.
   ///
   /// Created on the main thread, the port starts its port thread. Returns null when there is no
   /// platform or the thread cannot be created. Any thread.
   static std::shared_ptr<ExternalAccessoryPort> initWithPortName(
       std::optional<std::string> portName, std::optional<std::string> portSettings,
-      std::uint32_t timeout, ZKEmulation emulation,
+      std::uint32_t ioTimeoutMillis, ZKEmulation emulation,
       std::shared_ptr<Platform> platform = processPlatform());
 
   /// For `initWithPortName` alone, which is the only one that can name the argument's type.
@@ -100,9 +100,10 @@ class QUOR_EXPORT ExternalAccessoryPort
 
   /// Ends the session: closes the streams and releases the session and the accessory; on the main
   /// thread also ends the port thread, within about 0.1 s. Never fails and never raises; harmless
-  /// on a port that is not open. Pauses 0.1 s first where the system version is 10.0 or more, and
-  /// then waits as long as the session does for the printer to take what is under way: at most two
-  /// seconds over a socket, and not at all where nothing is.
+  /// on a port that is not open. Pauses 0.1 s first if the system version is 10.0 or more; over
+  /// real links that is the kernel's version, which is lower today. Then waits as long as the
+  /// session does for the printer to take what is under way: at most two seconds over a socket, and
+  /// not at all if nothing is.
   void close();
 
   /// Whether the selected accessory is still attached. False before `open` and after `close`. True
@@ -117,13 +118,22 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// `data` had gone out by then is not told. Sets the process to ignore SIGPIPE.
   std::int32_t write(const ByteBuffer& data);
 
-  /// The same for bytes that lie in no buffer of their own, such as a piece of a large job.
-  std::int32_t write(std::span<const std::uint8_t> data);
+  /// Whether the printer may answer bytes that are written. If all of them are never answered, no
+  /// later operation waits for their answers before it asks a question of its own.
+  enum class Reply { Possible, None };
+
+  /// The same for bytes that lie in no buffer of their own, such as a piece of a large job, and for
+  /// bytes that are known to be answered by nothing.
+  std::int32_t write(std::span<const std::uint8_t> data, Reply reply = Reply::Possible);
 
   /// Takes what the link holds, at most `bytesToRead` bytes, waiting at most 0.1 s for the first of
   /// them. Returns the bytes, an empty buffer when there were none or `bytesToRead` is 0, or none
   /// when the link is lost or reports an error: bytes gathered before are then dropped.
   std::optional<ByteBuffer> read(std::size_t bytesToRead);
+
+  /// As `read`, to clear away what earlier exchanges have left behind: it does not wait if nothing
+  /// can arrive because everything that was asked has been answered.
+  std::optional<ByteBuffer> readLeftovers(std::size_t bytesToRead);
 
   /// Sends a whole command, in as many attempts as it takes, 50 ms apart, until it is out, the link
   /// is lost or the creation time-out has passed. Returns the count written, or -1 on a lost link,
@@ -363,16 +373,16 @@ class QUOR_EXPORT ExternalAccessoryPort
   std::shared_ptr<NSInputStream> inputStream() const;
   std::shared_ptr<NSOutputStream> outputStream() const;
   void runSlice(NSStream* awaited, double seconds);
-  std::int32_t offer(std::span<const std::uint8_t> data, const void* object);
+  std::int32_t offer(std::span<const std::uint8_t> data, const void* object, Reply reply);
   std::optional<std::int64_t> writeChunk(NSOutputStream& stream,
-                                         std::span<const std::uint8_t> tempData);
+                                         std::span<const std::uint8_t> tempData, Reply reply);
+  std::int32_t retryWrite(const ByteBuffer& command, Reply reply);
 
   /// Whether a read waits for its first byte in any case, or only where one may come.
   enum class Patience { Always, WhereExpected };
   std::optional<ByteBuffer> receive(std::size_t bytesToRead, Patience patience);
-  std::optional<ByteBuffer> readLeftovers(std::size_t bytesToRead);
   bool readChunk(NSInputStream& stream, ByteBuffer& recvBuffer, std::size_t bytesToRead);
-  bool writeWhole(const ByteBuffer& command);
+  bool writeWhole(const ByteBuffer& command, Reply reply);
   void usleep(std::int32_t microseconds);
 
   // Status.
@@ -380,7 +390,7 @@ class QUOR_EXPORT ExternalAccessoryPort
   bool collectStatus(QuorPrinterStatus_2* quorPrinterStatus, std::uint32_t level);
   bool readStatusPiece(ByteBuffer& buffer, QuorPrinterStatus_2* quorPrinterStatus);
   bool getParsedStatusESCPOS(QuorPrinterStatus_2* quorPrinterStatus, std::uint32_t level);
-  bool writeStatusCommand(const ByteBuffer& command);
+  bool writeStatusCommand(const ByteBuffer& command, Reply reply);
   bool awaitStatusByte(QuorPrinterStatus_2* quorPrinterStatus, std::uint32_t level,
                        WholeSecondsWait& wait);
   bool applyStatusByte(QuorPrinterStatus_2* quorPrinterStatus, StatusType type,
@@ -423,9 +433,9 @@ class QUOR_EXPORT ExternalAccessoryPort
   const std::optional<std::string> portName_;
   const std::optional<std::string> portSettings_;
   const std::uint32_t timeout_;
-  const ZKEmulation p_emulation;
   AtomicProperty<std::shared_ptr<EAAccessory>> _selectedAccessory;
   AtomicProperty<std::shared_ptr<EASession>> _session;
+  const ZKEmulation p_emulation;
   std::atomic<bool> stopThread71 = false;
   TransferObserver* observer_ = nullptr;
 

@@ -21,8 +21,12 @@ constexpr int RETRY_COUNT = 10;
 constexpr std::size_t MAX_STATUS_SIZE = 128;
 constexpr auto lostConnection = "GetParsedStatus detected bluetooth disconnection";
 
+constexpr std::uint8_t queryCashDrawerStatusCommand[] = {0x10, 0x04, 0x01};
+constexpr std::uint8_t queryCoverOpenStatusCommand[] = {0x10, 0x04, 0x02};
+constexpr std::uint8_t queryPaperEmptyStatusCommand[] = {0x10, 0x04, 0x04};
+
 struct StatusQuery {
-  ByteBuffer command;
+  std::span<const std::uint8_t> command;
   StatusType type;
   std::string_view name;
 };
@@ -55,7 +59,7 @@ bool ExternalAccessoryPort::getParsedStatusQuorLine(QuorPrinterStatus_2* quorPri
                                   0x1b, 0x1d, 0x03, 0x04, 0x00, 0x00,  // data-cancel end
                                   0x1b, 0x06, 0x01};                   // send the block
   for (int i = 0; i < statusAttempts; ++i) {
-    if (!writeWhole(commandData)) {
+    if (!writeWhole(commandData, Reply::Possible)) {
       QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:commandData], %p, %p", this,
                &commandData);
       QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%p, %d", quorPrinterStatus, level);
@@ -102,13 +106,14 @@ bool ExternalAccessoryPort::readStatusPiece(ByteBuffer& buffer,
     return false;
   }
   buffer.insert(buffer.end(), readBuffer->begin(), readBuffer->end());
-  const std::int32_t expectedSize = CalculateStatusLength(buffer.front());
+  const std::uint8_t* const statusBytes = buffer.data();
+  const std::int32_t expectedSize = CalculateStatusLength(statusBytes[0]);
   if (expectedSize > static_cast<std::int32_t>(buffer.size())) {
     QUOR_LOG(ZKLogTypeProcess, 0, "buffer.length < expectedSize: %lu, %d", buffer.size(),
              expectedSize);
     return false;
   }
-  std::copy_n(buffer.begin(), expectedSize, quorPrinterStatus->raw);
+  std::copy_n(statusBytes, expectedSize, quorPrinterStatus->raw);
   quorPrinterStatus->rawLength = static_cast<std::uint32_t>(expectedSize);
   BuildParsedStatus(quorPrinterStatus);
   logReceivedStatus(*quorPrinterStatus);
@@ -122,23 +127,25 @@ bool ExternalAccessoryPort::getParsedStatusESCPOS(QuorPrinterStatus_2* quorPrint
   quorPrinterStatus->receiptPaperEmpty = 0;
   WholeSecondsWait wait(platform_->clock(), timeout_);  // one for the three queries together
   const ByteBuffer dataCancelEndCommand(std::begin(dataCancelEnd), std::end(dataCancelEnd));
-  if (!writeStatusCommand(dataCancelEndCommand)) {
+  if (!writeStatusCommand(dataCancelEndCommand, Reply::None)) {
     return false;
   }
   const StatusQuery queries[] = {
-      {{0x10, 0x04, 0x01}, StatusType::CashDrawer, "CashDrawer"},
-      {{0x10, 0x04, 0x02}, StatusType::CoverOpen, "CoverOpen"},
-      {{0x10, 0x04, 0x04}, StatusType::PaperEmpty, "PaperEmpty"},
+      {queryCashDrawerStatusCommand, StatusType::CashDrawer, "CashDrawer"},
+      {queryCoverOpenStatusCommand, StatusType::CoverOpen, "CoverOpen"},
+      {queryPaperEmptyStatusCommand, StatusType::PaperEmpty, "PaperEmpty"},
   };
   return std::all_of(std::begin(queries), std::end(queries), [&](const StatusQuery& query) {
-    return writeStatusCommand(query.command) && awaitStatusByte(quorPrinterStatus, level, wait) &&
+    const ByteBuffer command(query.command.begin(), query.command.end());
+    return writeStatusCommand(command, Reply::Possible) &&
+           awaitStatusByte(quorPrinterStatus, level, wait) &&
            applyStatusByte(quorPrinterStatus, query.type, query.name);
   });
 }
 
-bool ExternalAccessoryPort::writeStatusCommand(const ByteBuffer& command) {
+bool ExternalAccessoryPort::writeStatusCommand(const ByteBuffer& command, Reply reply) {
   constexpr auto selector = statusSelector;
-  if (!writeWhole(command)) {
+  if (!writeWhole(command, reply)) {
     QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:command], %p, %p", this, &command);
     return false;
   }
@@ -152,7 +159,8 @@ bool ExternalAccessoryPort::awaitStatusByte(QuorPrinterStatus_2* quorPrinterStat
   while (isConnected()) {
     const auto receivedData = read(1);
     if (receivedData && !receivedData->empty()) {
-      quorPrinterStatus->raw[0] = receivedData->front();
+      const std::uint8_t statusByte = receivedData->front();
+      quorPrinterStatus->raw[0] = statusByte;
       quorPrinterStatus->rawLength = 1;
       logReceivedStatus(*quorPrinterStatus);
       return true;
@@ -163,7 +171,7 @@ bool ExternalAccessoryPort::awaitStatusByte(QuorPrinterStatus_2* quorPrinterStat
     }
     if (wait.isOver()) {
       QUOR_LOG(ZKLogTypeError, 0, "end.tv_sec - start.tv_sec > TIMEOUT_SEC, %ld, %ld, %d",
-               wait.end(), wait.start(), wait.limit());
+               wait.end(), wait.start(), wait.timeoutSec());
       return false;
     }
     usleep(replyPollMicroseconds);
@@ -195,13 +203,14 @@ bool ExternalAccessoryPort::getOnlineStatus(bool* onlineStatus) {
   assert(onlineStatus != nullptr);
   QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%p", onlineStatus);
   const ByteBuffer escAckSohCommand(std::begin(escAckSoh), std::end(escAckSoh));
-  if (!writeWhole(escAckSohCommand)) {
+  if (!writeWhole(escAckSohCommand, Reply::Possible)) {
     QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:escAckSohCommand], %p, %p", this,
              &escAckSohCommand);
     QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%p, -> %d", onlineStatus, false);
     return false;
   }
-  QuorPrinterStatus_2 quorStatus = {};
+  // Nobody clears it: a status that was obtained has set the one field that is read here.
+  QuorPrinterStatus_2 quorStatus;
   if (!getParsedStatus(&quorStatus, 2)) {
     QUOR_LOG(ZKLogTypeError, 0, "Fail to [self getParsedStatus:&quorStatus level:2], %p, %p, %d",
              this, &quorStatus, 2);

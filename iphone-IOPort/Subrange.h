@@ -6,10 +6,17 @@
 
 namespace quordalvane {
 
-/// The `length` elements of `sequence` (a string or a byte buffer) from `location` on. Raises
-/// std::out_of_range when they do not all exist: a range is never shortened silently.
+/// `length` elements of a sequence, from the one at `location` on.
+struct Range {
+  std::int64_t location = 0;
+  std::int64_t length = 0;
+};
+
+/// The elements of `sequence` (a string or a byte buffer) in `range`. Throws std::out_of_range if
+/// they do not all exist: a range is never shortened silently.
 template <typename Sequence>
-Sequence subrange(const Sequence& sequence, std::int64_t location, std::int64_t length) {
+Sequence subrange(const Sequence& sequence, Range range) {
+  const auto [location, length] = range;
   const auto size = static_cast<std::int64_t>(sequence.size());
   if (location < 0 || length < 0 || location > size || length > size - location) {
     throw std::out_of_range("range {" + std::to_string(location) + ", " + std::to_string(length) +

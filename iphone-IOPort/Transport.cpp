@@ -10,6 +10,7 @@
 #include "iphone-IOPort/LogStatement.h"
 #include "iphone-IOPort/LogWriter.h"
 #include "iphone-IOPort/Microseconds.h"
+#include "iphone-IOPort/Subrange.h"
 #include "iphone-IOPort/WholeSeconds.h"
 
 namespace quordalvane {
@@ -61,15 +62,16 @@ void ExternalAccessoryPort::runSlice(NSStream* awaited, double seconds) {
 }
 
 std::int32_t ExternalAccessoryPort::write(const ByteBuffer& data) {
-  return offer(data, &data);
+  return offer(data, &data, Reply::Possible);
 }
 
-std::int32_t ExternalAccessoryPort::write(std::span<const std::uint8_t> data) {
-  return offer(data, data.data());
+std::int32_t ExternalAccessoryPort::write(std::span<const std::uint8_t> data, Reply reply) {
+  return offer(data, data.data(), reply);
 }
 
 /// `write`; the records name the data by the address of the caller's object.
-std::int32_t ExternalAccessoryPort::offer(std::span<const std::uint8_t> data, const void* object) {
+std::int32_t ExternalAccessoryPort::offer(std::span<const std::uint8_t> data, const void* object,
+                                          Reply reply) {
   constexpr auto selector = writeSelector;
   QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@",
            LogWriter::createByteArrayDescription(data.data(), data.size()));
@@ -83,7 +85,7 @@ std::int32_t ExternalAccessoryPort::offer(std::span<const std::uint8_t> data, co
   std::span<const std::uint8_t> tempData = data;
   bool hasSpace = hasSpaceAvailable(stream);
   while (hasSpace && !tempData.empty()) {
-    const auto bytesWritten = writeChunk(*stream, tempData);
+    const auto bytesWritten = writeChunk(*stream, tempData, reply);
     if (!bytesWritten) {
       QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%p, -> %d", object, -1);
       return -1;
@@ -104,7 +106,7 @@ std::int32_t ExternalAccessoryPort::offer(std::span<const std::uint8_t> data, co
 /// none when the write as a whole has failed; a negative count other than -1 is the stream's own
 /// business.
 std::optional<std::int64_t> ExternalAccessoryPort::writeChunk(
-    NSOutputStream& stream, std::span<const std::uint8_t> tempData) {
+    NSOutputStream& stream, std::span<const std::uint8_t> tempData, Reply reply) {
   constexpr auto selector = writeSelector;
   if (!isConnected()) {
     QUOR_LOG(ZKLogTypeError, 0, "self.isConnected, %d", 0);
@@ -117,6 +119,7 @@ std::optional<std::int64_t> ExternalAccessoryPort::writeChunk(
     return std::nullopt;
   }
   std::memcpy(writeBuffer.get(), tempData.data(), tempData.size());
+  stream.setMayBeAnswered(reply == Reply::Possible);
   const std::int64_t bytesWritten = stream.write(writeBuffer.get(), tempData.size());
   if (bytesWritten == -1) {
     QUOR_LOG(ZKLogTypeError, 0,
@@ -138,7 +141,6 @@ std::optional<ByteBuffer> ExternalAccessoryPort::read(std::size_t bytesToRead) {
   return receive(bytesToRead, Patience::Always);
 }
 
-/// `read`, for what earlier exchanges have left behind. It does not wait where nothing can come.
 std::optional<ByteBuffer> ExternalAccessoryPort::readLeftovers(std::size_t bytesToRead) {
   return receive(bytesToRead, Patience::WhereExpected);
 }
@@ -203,7 +205,12 @@ bool ExternalAccessoryPort::readChunk(NSInputStream& stream, ByteBuffer& recvBuf
   return true;
 }
 
-std::int32_t ExternalAccessoryPort::writeWithRetry(const ByteBuffer& givenCommand) {
+std::int32_t ExternalAccessoryPort::writeWithRetry(const ByteBuffer& command) {
+  return retryWrite(command, Reply::Possible);
+}
+
+/// `writeWithRetry`, of a command that is known to be answered or not.
+std::int32_t ExternalAccessoryPort::retryWrite(const ByteBuffer& givenCommand, Reply reply) {
   constexpr auto selector = "-[ExternalAccessoryPort writeWithRetry:]";
   QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%p", &givenCommand);
   WholeSecondsWait wait(platform_->clock(), timeout_);
@@ -211,7 +218,7 @@ std::int32_t ExternalAccessoryPort::writeWithRetry(const ByteBuffer& givenComman
   ByteBuffer tail;
   std::int32_t amountWritten = 0;
   while (isConnected()) {
-    const std::int32_t writtenSize = write(*command);
+    const std::int32_t writtenSize = offer(*command, command, reply);
     if (writtenSize == -1) {
       QUOR_LOG(ZKLogTypeError, 0, "Fail to [self write:command]: %p, %p", this, command);
       QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%p, -> %d", command, -1);
@@ -226,13 +233,15 @@ std::int32_t ExternalAccessoryPort::writeWithRetry(const ByteBuffer& givenComman
     if (amountWritten < length) {
       if (wait.isOver()) {
         QUOR_LOG(ZKLogTypeError, 0, "end.tv_sec - start.tv_sec > timeoutSec, %ld, %ld, %d",
-                 wait.end(), wait.start(), wait.limit());
+                 wait.end(), wait.start(), wait.timeoutSec());
         QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%p, -> %d", command, -1);
         return -1;
       }
       usleep(microseconds(secInterval1()));
       // The total is the offset into the narrowed command: kept as it is, see the declaration.
-      tail = ByteBuffer(command->begin() + std::max(amountWritten, 0), command->end());
+      const std::int32_t offset = std::max(amountWritten, 0);
+      const Range subDataRange = {.location = offset, .length = length - offset};
+      tail = subrange(*command, subDataRange);
       command = &tail;
     }
   }
@@ -245,8 +254,8 @@ void ExternalAccessoryPort::usleep(std::int32_t microseconds) {
   platform_->clock().usleep(static_cast<std::uint64_t>(microseconds));
 }
 
-bool ExternalAccessoryPort::writeWhole(const ByteBuffer& command) {
-  return writeWithRetry(command) >= static_cast<std::int32_t>(command.size());
+bool ExternalAccessoryPort::writeWhole(const ByteBuffer& command, Reply reply) {
+  return retryWrite(command, reply) >= static_cast<std::int32_t>(command.size());
 }
 
 }  // namespace quordalvane

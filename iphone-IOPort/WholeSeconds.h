@@ -12,25 +12,25 @@ class WholeSecondsWait {
  public:
   WholeSecondsWait(Clock& clock, std::uint32_t timeoutMillis)
       : clock_(clock),
-        limit_(static_cast<std::int32_t>(timeoutMillis / 1000)),
+        timeoutSec_(static_cast<std::int32_t>(timeoutMillis / 1000)),
         start_(clock.gettimeofday().tv_sec) {}
 
   /// Takes a new reading. True once the seconds have moved on by more than the limit.
-  bool isOver() { return isOver(limit_); }
-  bool isOver(std::int32_t limit) {
+  bool isOver() { return isOver(timeoutSec_); }
+  bool isOver(std::int32_t timeoutSec) {
     end_ = clock_.gettimeofday().tv_sec;
-    return end_ - start_ > limit;
+    return end_ - start_ > timeoutSec;
   }
 
   void restart() { start_ = clock_.gettimeofday().tv_sec; }
 
   std::int64_t start() const { return start_; }
   std::int64_t end() const { return end_; }  ///< the last reading of `isOver`
-  std::int32_t limit() const { return limit_; }
+  std::int32_t timeoutSec() const { return timeoutSec_; }
 
  private:
   Clock& clock_;
-  const std::int32_t limit_;
+  const std::int32_t timeoutSec_;
   std::int64_t start_;
   std::int64_t end_ = 0;
 };

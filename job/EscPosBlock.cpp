@@ -23,7 +23,7 @@ constexpr auto timeToEnd = std::chrono::seconds(2);
 }  // namespace
 
 ByteView EscPosBlock::request() const {
-  return realTimeStatusRequest;
+  return statusRequest;
 }
 
 /// The port's beginning drops what the printer holds. A printer that is off line may hold an

@@ -52,8 +52,9 @@ TEST(Logger, TakesRecordsFromEightThreadsAndLosesNoneUncounted) {
   for (std::uint64_t writer = 0; writer < writers; ++writer) {
     threads.emplace_back([&, writer] {
       for (std::uint64_t i = 0; i < count; ++i) {
-        logger.outputLogAsync(ZKLogTypeProcess, 0, "0x1", "file", static_cast<std::int64_t>(i),
-                              "counted", std::to_string(writer));
+        logger.outputLogAsyncWithLogType(ZKLogTypeProcess, 0, "0x1", "file",
+                                         static_cast<std::int64_t>(i), "counted",
+                                         std::to_string(writer));
       }
     });
   }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/Platform.h"
+#include "tests/model/ModelReplies.h"
 #include "tests/support/Bytes.h"
 #include "tests/support/Trace.h"
 
@@ -39,9 +40,9 @@ class Model {
   bool open();
   void close();
   bool isConnected();
-  std::int32_t write(const Bytes& data);
+  std::int32_t write(const Bytes& data, bool mayBeAnswered = true);
   std::optional<Bytes> read(std::size_t bytesToRead, bool waitsInAnyCase = true);
-  std::int32_t writeWithRetry(const Bytes& command);
+  std::int32_t writeWithRetry(const Bytes& command, bool mayBeAnswered = true);
   bool getParsedStatus(QuorPrinterStatus_2* status, std::uint32_t level);
   bool getOnlineStatus(bool* onlineStatus);
   bool beginCheckedBlock(QuorPrinterStatus_2* status, std::uint32_t level, std::int64_t* code);
@@ -94,7 +95,8 @@ class Model {
   void slice(NSStream* awaited, double seconds);
 
   bool sends(const Bytes& command) {
-    return writeWithRetry(command) >= static_cast<std::int32_t>(command.size());
+    return writeWithRetry(command, isAnswered(command)) >=
+           static_cast<std::int32_t>(command.size());
   }
   bool lineStatus(const Log& log, QuorPrinterStatus_2* status, const std::string& entry);
   bool lineReply(const Log& log, QuorPrinterStatus_2* status, const std::string& entry);

@@ -72,6 +72,15 @@ bool decodeRealTimeStatus(QuorPrinterStatus_2& status, unsigned query) {
   return true;
 }
 
+bool isAnswered(const Bytes& command) {
+  const std::vector<Bytes> silent = {bytes("17 17"), bytes("1b 1e 45 00"),
+                                     bytes("1b 1d 03 02 00 00"), bytes("1b 1d 03 03 00 00"),
+                                     bytes("1b 1d 03 04 00 00")};
+  const bool setsDataTimeout = command.size() == 6 && std::equal(command.begin(), command.end() - 1,
+                                                                 bytes("1b 1d 03 05 01").begin());
+  return !setsDataTimeout && std::find(silent.begin(), silent.end(), command) == silent.end();
+}
+
 bool findFirmware(const Bytes& reply, std::int32_t& location, std::int32_t& length) {
   const Bytes head = bytes("1b 23 2a");
   const Bytes tail = bytes("0a 00");

@@ -27,6 +27,10 @@ void decodeStatus(QuorPrinterStatus_2& status);
 /// Applies the answer `raw[0]` to real-time query 0, 1 or 2; false when it is none.
 bool decodeRealTimeStatus(QuorPrinterStatus_2& status, unsigned query);
 
+/// Whether a printer ever answers a command of the port: the settings and marks that it takes
+/// without a word are told here.
+bool isAnswered(const Bytes& command);
+
 /// Where the firmware text, or a bank's settings, stand in a reply; false when it is not complete.
 bool findFirmware(const Bytes& reply, std::int32_t& location, std::int32_t& length);
 bool findDipSwitches(const Bytes& reply, std::int32_t& location, std::int32_t& length);

@@ -34,7 +34,7 @@ std::ptrdiff_t moved(std::int64_t said, std::size_t offered) {
 
 }  // namespace
 
-std::int32_t Model::write(const Bytes& data) {
+std::int32_t Model::write(const Bytes& data, bool mayBeAnswered) {
   const Log log(*this, "write:");
   const std::string failed = log.at(&data) + ", -> -1";
   log.start(shown(data));
@@ -53,6 +53,7 @@ std::int32_t Model::write(const Bytes& data) {
       log.end(failed);
       return -1;
     }
+    stream->setMayBeAnswered(mayBeAnswered);
     const std::int64_t written = stream->write(tail.data(), tail.size());
     if (written == -1) {
       log.error("Fail to [_session.outputStream write:writeBuffer maxLength:tempData.length], " +
@@ -119,7 +120,7 @@ std::optional<Bytes> Model::read(std::size_t bytesToRead, bool waitsInAnyCase) {
   return received;
 }
 
-std::int32_t Model::writeWithRetry(const Bytes& whole) {
+std::int32_t Model::writeWithRetry(const Bytes& whole, bool mayBeAnswered) {
   const Log log(*this, "writeWithRetry:");
   std::string address = log.at(&whole);
   log.start(address);
@@ -133,7 +134,7 @@ std::int32_t Model::writeWithRetry(const Bytes& whole) {
   };
   while (isConnected()) {
     const Bytes& command = tail ? *tail : whole;
-    const std::int32_t written = write(command);
+    const std::int32_t written = write(command, mayBeAnswered);
     if (written == -1) {
       return fail("Fail to [self write:command]: <self>, " + address);
     }

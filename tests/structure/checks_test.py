@@ -10,6 +10,7 @@ import built_tests
 import documentation
 import files
 import include_rules
+import known_names
 import wording
 
 
@@ -61,6 +62,9 @@ class IncludeRules(SmallTree):
     def test_the_port_has_no_clock(self):
         self.assertTrue(self.objects_to("iphone-IOPort/Status.cpp", "auto t = steady_clock::now();"))
 
+    def test_the_port_reads_no_number_by_the_locale(self):
+        self.assertTrue(self.objects_to("iphone-IOPort/Port.cpp", "float version = std::strtof(text, nullptr);"))
+
     def test_the_port_knows_no_back_end(self):
         self.assertTrue(self.objects_to("iphone-IOPort/Session.cpp", '#include "backends/Devices.h"'))
 
@@ -97,6 +101,27 @@ class IncludeRules(SmallTree):
 
     def test_a_job_does_not_know_the_back_ends(self):
         self.assertTrue(self.objects_to("job/PrintJob.cpp", '#include "backends/Devices.h"'))
+
+
+class KnownNames(SmallTree):
+    def objections(self, *members: str) -> list[str]:
+        names = [name for name in known_names.LIST.read_text().split() if name not in members]
+        for room in known_names.ROOMS:
+            self.write(f"{room}/Names.h", f"int {', '.join(names)};\n")
+        self.write("iphone-IOPort/ExternalAccessoryPort.h", "".join(f"  int {member};\n" for member in members))
+        return known_names.violations(self.root)
+
+    def test_the_names_in_their_order_are_accepted(self):
+        self.assertEqual(self.objections(*known_names.MEMBERS), [])
+
+    def test_a_name_in_a_comment_or_a_text_alone_is_missing(self):
+        self.objections(*known_names.MEMBERS)
+        for room in known_names.ROOMS:
+            (self.root / room / "Names.h").write_text('// etb\nconst char* text = "etb";\n')
+        self.assertIn("etb: no name of the code", known_names.violations(self.root))
+
+    def test_members_in_another_order_are_seen(self):
+        self.assertEqual(len(self.objections(*reversed(known_names.MEMBERS))), 1)
 
 
 class BuiltTests(SmallTree):

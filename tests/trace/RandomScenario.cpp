@@ -248,7 +248,8 @@ RandomCase randomCase(std::uint64_t seed) {
   scenario.levels = dice.oneIn(10) ? std::set<std::int32_t>{1} : std::set<std::int32_t>{0};
   Script& script = scenario.script;
   script.lostAfterCalls = 2000;
-  script.expectsBytes = !dice.oneIn(4);
+  script.expects = dice.among({Script::Expects::Always, Script::Expects::Always,
+                               Script::Expects::Never, Script::Expects::WhereAsked});
   script.startMicroseconds = static_cast<std::int64_t>(dice.below(1000000));
   if (dice.oneIn(6)) {
     script.delivers(dice.bytes(1 + dice.below(300)), dice.oneIn(2) ? 0 : dice.seconds(3));

@@ -34,6 +34,15 @@ TEST(BeginBlockInLineMode, GoesThroughAllStepsWithoutASleep) {
       << "line mode asks for level 2 whatever the caller's";
 }
 
+TEST(BeginBlockInLineMode, WaitsForNoAnswerToCommandsThatHaveNone) {
+  Scenario scenario = lineModePrinter();
+  scenario.dataTimeoutSeconds = 10;
+  scenario.script.expects = Script::Expects::WhereAsked;
+  const Outcome run = scenario.run(inTurn({beginCheckedBlock(), getParsedStatus()}));
+  EXPECT_EQ(run.result, "true; true");
+  EXPECT_EQ(run.wire().find("slice"), std::string::npos) << run.wire();
+}
+
 TEST(BeginBlockInLineMode, SendsNothingToAPrinterThatIsOffLine) {
   const Outcome run = lineModePrinter(lineStatus({offlineFlag})).run(beginCheckedBlock());
   EXPECT_EQ(run.result, "true");

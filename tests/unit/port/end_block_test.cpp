@@ -27,6 +27,22 @@ TEST(EndBlockInLineMode, IsTrueWithoutASleepWhenTheCounterIs2AtOnce) {
   EXPECT_EQ(run.records("getParsedStatus:level:").substr(0, 20), "Start | <status>, 5\n");
 }
 
+TEST(EndBlockInLineMode, WaitsForNoAnswerToItsMarks) {
+  Scenario scenario = lineModePrinter(lineStatus({}, 2));
+  scenario.script.expects = Script::Expects::WhereAsked;
+  const Outcome run = scenario.run(inTurn({startDataCancel(), endCheckedBlock()}));
+  EXPECT_EQ(run.result, "true; true");
+  EXPECT_EQ(run.wire().find("slice"), std::string::npos) << run.wire();
+}
+
+TEST(EndBlockInLineMode, WaitsForLeftoversOfWhatWasAskedBefore) {
+  Scenario scenario = lineModePrinter(lineStatus({}, 2));
+  scenario.script.expects = Script::Expects::WhereAsked;
+  const Outcome run = scenario.run(inTurn({write(bytes("41")), endCheckedBlock()}));
+  EXPECT_EQ(run.result, "1; true");
+  EXPECT_NE(run.wire().find("slice for input 0.1"), std::string::npos) << run.wire();
+}
+
 TEST(EndBlockInLineMode, IsTrueWhenThePrinterIsOffLine) {
   const Outcome run = lineModePrinter(lineStatus({offlineFlag}, 1)).run(endCheckedBlock());
   EXPECT_EQ(run.result, "true");

@@ -40,7 +40,7 @@ TEST(LineStatus, ThrowsAwayWhatWasPendingBeforeTheRequest) {
 
 TEST(LineStatus, WaitsForNoLeftoversWhereNothingCanCome) {
   Scenario scenario = lineModePrinter();
-  scenario.script.expectsBytes = false;
+  scenario.script.expects = Script::Expects::Never;
   const Outcome run = scenario.run(getParsedStatus());
   EXPECT_EQ(run.result, "true");
   EXPECT_EQ(run.wire().find("slice"), std::string::npos);

@@ -107,7 +107,7 @@ TEST(Read, StopsAsSoonAsTheStreamHasNothingMore) {
 
 TEST(Read, WaitsItsSliceAlsoWhereNothingCanCome) {
   Scenario scenario = Scenario::in(lineMode);
-  scenario.script.expectsBytes = false;
+  scenario.script.expects = Script::Expects::Never;
   EXPECT_EQ(scenario.run(read(3)).wire(), "slice for input 0.1\n");
 }
 

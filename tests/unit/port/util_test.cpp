@@ -49,13 +49,13 @@ TEST(BluetoothAddress, IsFoundInALongText) {
 
 TEST(Subrange, IsTheGivenPart) {
   const std::string text = "abcdef";
-  EXPECT_EQ(subrange(text, 0, 6), "abcdef");
-  EXPECT_EQ(subrange(text, 2, 3), "cde");
-  EXPECT_EQ(subrange(text, 6, 0), "");
-  EXPECT_EQ(subrange(test::bytes("01 02 03"), 1, 2), test::bytes("02 03"));
+  EXPECT_EQ(subrange(text, {0, 6}), "abcdef");
+  EXPECT_EQ(subrange(text, {2, 3}), "cde");
+  EXPECT_EQ(subrange(text, {6, 0}), "");
+  EXPECT_EQ(subrange(test::bytes("01 02 03"), {1, 2}), test::bytes("02 03"));
 }
 
-TEST(Subrange, IsNeverShortenedButRaises) {
+TEST(Subrange, ThrowsWhenTheRangeIsNotWholeInside) {
   const std::string text = "abcdef";
   for (const auto& [location, length] :
        std::initializer_list<std::pair<std::int64_t, std::int64_t>>{{0, 7},
@@ -70,9 +70,10 @@ TEST(Subrange, IsNeverShortenedButRaises) {
                                                                     {INT64_MAX, INT64_MAX},
                                                                     {INT64_MIN, INT64_MIN},
                                                                     {INT64_MIN, 1}}) {
-    EXPECT_THROW(subrange(text, location, length), std::out_of_range) << location << ", " << length;
+    EXPECT_THROW(subrange(text, {location, length}), std::out_of_range)
+        << location << ", " << length;
   }
-  EXPECT_THROW(subrange(std::string(), 1, -2), std::out_of_range)
+  EXPECT_THROW(subrange(std::string(), {1, -2}), std::out_of_range)
       << "a header and an end of one byte";
 }
 

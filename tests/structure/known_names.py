@@ -1,0 +1,36 @@
+"""The port keeps the names by which it is known. Usage: known_names.py ROOT
+
+Logs, the printers' papers and the programs of many years speak of the port's operations, members, commands
+and steps by these names. Whoever follows a record into the source must find the same word there, so a name
+that is on the list stays in the code, and the members stay in their order.
+"""
+
+import re
+import sys
+from pathlib import Path
+
+import tree
+
+ROOMS = ("include", "iphone-IOPort", "logging", "parsers", "platform")
+LIST = Path(__file__).with_name("known_names.txt")
+MEMBERS = """portName_ portSettings_ timeout_ _selectedAccessory _session p_emulation stopThread71 _isBrondel
+    _endCheckedBlockTimeoutMillis _holdPrintTimeoutMillis _secInterval1 _secInterval2 _dataTimeoutSeconds
+    _firmwareInformation _dipSwitchInformation _thread71 _result71 _name _serialNumber _connectionID""".split()
+
+
+def code(text: str) -> str:
+    """The source without its comments and texts."""
+    return re.sub(r'//[^\n]*|/\*.*?\*/|"(?:\\.|[^"\\\n])*"', " ", text, flags=re.S)
+
+
+def violations(root: Path) -> list[str]:
+    sources = [file for room in ROOMS for file in tree.files(root / room, ".h", ".cpp")]
+    words = {word for file in sources for word in re.findall(r"\w+", code(file.read_text()))}
+    found = [f"{name}: no name of the code" for name in LIST.read_text().split() if name not in words]
+    port = code((root / "iphone-IOPort/ExternalAccessoryPort.h").read_text())
+    declared = [name for name in re.findall(r"^  (?! )[\w:<>* ]+ (\w+)(?: = [\w.-]+)?;$", port, re.M) if name in MEMBERS]
+    return found + ([] if declared == MEMBERS else [f"the members are declared in another order: {declared}"])
+
+
+if __name__ == "__main__":
+    tree.report(violations, sys.argv[1])
