@@ -124,7 +124,7 @@ std::string CheckedBlock::whyNoAnswer() const {
 /// Ends the guarded stretch of a block that is not gone on with. A printer that was given a data
 /// time-out, now or by an earlier job, would otherwise drop what others send it later.
 void CheckedBlock::leave() {
-  link().port().write(dataCancelEnd);
+  link().port().write(dataCancelEnd, PortLink::Reply::None);
 }
 
 ByteView CheckedBlock::dropCommand() const {

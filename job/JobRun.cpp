@@ -46,7 +46,10 @@ void JobRun::print(ByteView data) {
   }
   enter(PrintStage::Data);
   result_.status.reset();  // an earlier status says nothing of the data's fate
-  if (const auto setback = link_.move(data, result_.bytesAccepted, [this] { reportProgress(); })) {
+  const auto reply =
+      options_.checked && isNeverAnswered(data) ? PortLink::Reply::None : PortLink::Reply::Possible;
+  if (const auto setback = link_.move(
+          data, result_.bytesAccepted, [this] { reportProgress(); }, reply)) {
     return stop(*setback);
   }
   enter(PrintStage::End);

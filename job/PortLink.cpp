@@ -9,9 +9,8 @@
 namespace quordalvane {
 namespace {
 
-// A port copies what it is given once more for each look at the link. Pieces of at most this size
-// keep that cheap for jobs of many megabytes, and pieces of twice what the link took last on slow
-// links. Smaller ones cost more in system calls than they save in copies.
+// Between two pieces a job looks whether it is cancelled and reports its progress, so they are not
+// larger, and on slow links twice what the link took last. Smaller ones cost system calls.
 constexpr std::size_t largestPiece = std::size_t{128} * 1024;
 constexpr std::size_t smallestPiece = 256;
 
@@ -79,14 +78,15 @@ void PortLink::bytesRead(ByteView bytes) {
   goOn();
 }
 
-MaybeSetback PortLink::move(ByteView data, std::uint64_t& accepted, const Progress& progress) {
+MaybeSetback PortLink::move(ByteView data, std::uint64_t& accepted, const Progress& progress,
+                            Reply reply) {
   const Counting counting(accepted_, accepted);
   auto lastProgress = now();
   std::size_t pieceSize = largestPiece;
   while (accepted < data.size()) {
     goOn();
     const ByteView rest = data.subspan(accepted);
-    const std::int32_t written = port_->write(rest.first(std::min(rest.size(), pieceSize)));
+    const std::int32_t written = port_->write(rest.first(std::min(rest.size(), pieceSize)), reply);
     if (written < 0 || (written == 0 && !port_->isConnected())) {
       return failedExchange("the link failed");
     }
@@ -136,7 +136,7 @@ void PortLink::pause() {
 void PortLink::drain() {
   const auto start = now();
   for (std::size_t left = largestDrain; left > 0 && now() - start < longestDrain;) {
-    const auto bytes = port_->read(std::min<std::size_t>(left, 256));
+    const auto bytes = port_->readLeftovers(std::min<std::size_t>(left, 256));
     if (!bytes || bytes->empty()) {
       return;
     }

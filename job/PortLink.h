@@ -22,6 +22,8 @@ class PortLink final : private TransferObserver {
   struct TimeUp {};
   /// @}
 
+  using Reply = ExternalAccessoryPort::Reply;
+
   /// Reported for each group of bytes that the link took.
   using Progress = std::function<void()>;
 
@@ -56,7 +58,9 @@ class PortLink final : private TransferObserver {
 
   /// Hands all of `data` to the link, each byte once, and counts in `accepted` how many bytes it
   /// took. Fails when the link is lost or takes nothing for as long as the time-out.
-  MaybeSetback move(ByteView data, std::uint64_t& accepted, const Progress& progress = {});
+  /// `reply` says whether the printer may answer the data.
+  MaybeSetback move(ByteView data, std::uint64_t& accepted, const Progress& progress = {},
+                    Reply reply = Reply::Possible);
 
   /// The same for a short command of nobody's data.
   MaybeSetback send(ByteView command);
@@ -68,8 +72,8 @@ class PortLink final : private TransferObserver {
   /// when it does not within `limit` or the link is lost.
   bool await(const std::function<bool(ByteView)>& isDone, std::chrono::nanoseconds limit);
 
-  /// Throws away what waits in the input; of a printer that never stops talking, a second of it and
-  /// at most a mebibyte.
+  /// Throws away what waits in the input, and waits for more only if an answer may be on its way.
+  /// Of a printer that never stops talking it takes a second's worth, and at most a mebibyte.
   void drain();
 
   /// Whether the link is lost. Throws away what waits in the input: bytes from before the loss keep

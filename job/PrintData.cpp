@@ -67,7 +67,48 @@ bool isText(std::uint8_t byte) {
   return byte >= 0x20;
 }
 
+constexpr std::size_t mostLookedThrough = std::size_t{1} << 20U;
+
+/// How commands begin that printers answer, or that have functions which they answer.
+const std::initializer_list<std::uint8_t> answeredCommands[] = {
+    {0x05},       {0x10},       {0x1b, 0x06}, {0x1b, 0x1d, 0x03}, {0x1b, 0x23},
+    {0x1b, 0x75}, {0x1b, 0x76}, {0x1c, 0x28}, {0x1c, 0x67},       {0x1d, 0x28},
+    {0x1d, 0x49}, {0x1d, 0x61}, {0x1d, 0x67}, {0x1d, 0x72},
+};
+
+/// A two-dimensional barcode, but for the function that asks for its size.
+bool isSilentSymbol(Bytes command) {
+  constexpr std::size_t function = 6;
+  return startsWith(command, {0x1d, 0x28, 0x6b}) && command.size() > function &&
+         command[function] != 0x52;
+}
+
+bool mayBeAnswered(Bytes command) {
+  return !isSilentSymbol(command) &&
+         std::any_of(std::begin(answeredCommands), std::end(answeredCommands),
+                     [&](const auto& prefix) { return startsWith(command, prefix); });
+}
+
 }  // namespace
+
+bool isNeverAnswered(std::span<const std::uint8_t> data) {
+  if (data.size() > mostLookedThrough) {
+    return false;
+  }
+  for (std::size_t position = 0; position < data.size();) {
+    const Bytes rest = data.subspan(position);
+    if (isText(rest.front())) {
+      ++position;
+      continue;
+    }
+    const auto command = printCommandAt(rest);
+    if (!command || command->length > rest.size() || mayBeAnswered(rest)) {
+      return false;
+    }
+    position += command->length;
+  }
+  return true;
+}
 
 std::size_t commandEnd(std::span<const std::uint8_t> data, std::size_t position) {
   std::size_t end = 0;

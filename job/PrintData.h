@@ -21,6 +21,11 @@ namespace quordalvane {
 std::optional<std::string> confirmationObstacle(std::span<const std::uint8_t> data,
                                                 ZKEmulation emulation);
 
+/// Whether the printer answers nothing in `data`: it holds known commands alone, and none that asks
+/// for an answer. False if that is not certain, and for more than a mebibyte, where the look would
+/// cost more than it saves.
+bool isNeverAnswered(std::span<const std::uint8_t> data);
+
 /// Where the print command ends inside which `position` lies; `position` itself outside of one or
 /// behind a command that is not known, and the end of the data when the command does not end in it.
 /// A printer takes all that comes before that place for the command's own.

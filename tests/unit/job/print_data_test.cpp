@@ -156,6 +156,42 @@ TEST(ConfirmationObstacle, BehindACommandThatIsNotKnownNamesThatOne) {
       HasSubstr("the command at byte 1 is not known"));
 }
 
+TEST(IsNeverAnswered, IsTrueOfTextImagesAndUsualCommands) {
+  const Bytes quiet[] = {
+      {},
+      {'a', '\n'},
+      {0x1b, 0x40, 'a', 0x0a, 0x1d, 0x56, 0x00},
+      {0x1d, 0x76, 0x30, 0, 1, 0, 3, 0, 0x10, 0x04, 0x01},  // an image of a request's bytes
+      {0x1d, 0x28, 0x6b, 4, 0, 0x31, 0x50, 0x30, 0x05},     // a symbol's text
+      {0x1b, 0x1d, 0x61, 0x01, 'a'},
+  };
+  for (const Bytes& data : quiet) {
+    EXPECT_TRUE(isNeverAnswered(data)) << testing::PrintToString(data);
+  }
+}
+
+TEST(IsNeverAnswered, IsFalseOfRequestsAndOfWhatIsNotKnown) {
+  const Bytes answered[] = {
+      {'a', 0x10, 0x04, 0x01},
+      {0x1d, 0x72, 0x01},
+      {0x1d, 0x49, 0x41},
+      {0x1d, 0x61, 0xff},
+      {0x1b, 0x06, 0x01},
+      {0x1b, 0x23, 0x2a, 0x0a, 0x00},
+      {0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00},
+      {0x1d, 0x28, 0x48, 6, 0, 0x30, 0x30, 1, 2, 3, 4},
+      {0x1d, 0x28, 0x6b, 3, 0, 0x31, 0x52, 0x30},  // asks for a symbol's size
+      {0x05},
+      {0x1b, 0xff, 'a'},                       // not known
+      {0x1d, 0x76, 0x30, 0, 1, 0, 9, 0, 'a'},  // its rest may follow from elsewhere
+  };
+  for (const Bytes& data : answered) {
+    EXPECT_FALSE(isNeverAnswered(data)) << testing::PrintToString(data);
+  }
+  EXPECT_TRUE(isNeverAnswered(Bytes(std::size_t{1} << 20U, 'a')));
+  EXPECT_FALSE(isNeverAnswered(Bytes((std::size_t{1} << 20U) + 1, 'a')));
+}
+
 TEST(CommandEnd, IsWhereTheCommandAroundAPlaceEnds) {
   const Bytes data = {'a',  0x1d, 0x76, 0x30, 0,    1,  0, 2,  0,
                       0x55, 0x55, 'b',  0x1d, 0x6b, 73, 9, 'x'};

@@ -29,6 +29,21 @@ TEST_P(InBothEmulations, AJobThatCameOutIsPrinted) {
   EXPECT_EQ(till.printed(), receiptText);
 }
 
+TEST_P(InBothEmulations, AJobWaitsForNoAnswerThatCannotArrive) {
+  Till till(GetParam());
+  Clock& clock = till.platform->clock();
+  const auto start = clock.monotonic();
+  std::chrono::nanoseconds firstByte{};
+  const auto look = [&](const PrintProgress& progress) {
+    if (progress.stage == PrintStage::Data && progress.bytesAccepted == 0) {
+      firstByte = clock.monotonic() - start;
+    }
+  };
+  EXPECT_EQ(PrintJob(till.port, {.progress = look}).run(receiptText).outcome,
+            PrintOutcome::Printed);
+  EXPECT_LT(firstByte, milliseconds(100)) << "not even one slice";
+}
+
 TEST_P(InBothEmulations, AnEmptyJobIsRefused) {
   Till till(GetParam());
   const PrintResult result = till.print({});
