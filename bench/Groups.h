@@ -22,6 +22,8 @@ Rows openAndClose();         // B12
 Rows virtualTime();          // B13
 Rows systemCalls();          // B14
 Rows journal();              // B19
+Rows confirmedReceipts();    // B15, B16
+Rows signsOfSlowPrinters();  // B18
 
 GrowthTable growingPorts();
 GrowthTable growingJobs();

@@ -35,6 +35,8 @@ constexpr std::array groups = {
     Group{"B13", virtualTime},
     Group{"B14", systemCalls},
     Group{"B19", journal},
+    Group{"B15", confirmedReceipts},
+    Group{"B18", signsOfSlowPrinters},
 };
 
 constexpr std::array growths = {growingPorts, growingJobs, growingLoggers};
@@ -95,7 +97,8 @@ int main(int count, char** arguments) {
   CLI::App app("Measures the library beside the bare limit of this machine.");
   app.add_flag("--json", options.json, "print the rows as JSON");
   app.add_option("--picture", options.picture, "also draw the rows into this SVG file");
-  app.add_option("--only", options.only, "measure these alone: B1 to B14, growth");
+  app.add_option("--only", options.only,
+                 "measure these alone: B1 to B18, growth; B16 comes with B15");
   CLI11_PARSE(app, count, arguments);
   standBackForNobody();
   report(options, measure(options));

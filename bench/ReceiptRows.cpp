@@ -1,0 +1,164 @@
+// A receipt that the printer confirms, beside the bare exchange of the same bytes.
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include "bench/BareLink.h"
+#include "bench/Groups.h"
+#include "bench/OpenPort.h"
+#include "bench/ReceiptPrinter.h"
+#include "job/PrintJob.h"
+
+namespace quordalvane::bench {
+namespace {
+
+using namespace std::chrono_literals;
+using Confirms = ReceiptPrinter::Confirms;
+
+constexpr double millisecond = 1e3;
+constexpr std::size_t receiptSize = 450;
+
+struct Kind {
+  const char* name;
+  Confirms confirms;
+  ZKEmulation emulation;
+};
+
+constexpr Kind kinds[] = {
+    {"line mode", Confirms::Count, ZKEmulationQuorLine},
+    {"ESC/POS, checked block", Confirms::Report, ZKEmulationESCPOS},
+};
+
+std::vector<std::uint8_t> receipt() {
+  std::vector<std::uint8_t> data(receiptSize, 'e');
+  data.front() = firstOfReceipt;
+  data.back() = '\n';
+  return data;
+}
+
+/// An open port to a printer, and a bare link to another one of its kind.
+struct Counters {
+  explicit Counters(const Kind& kind, std::chrono::milliseconds printingTime = {})
+      : endpoint(makeEndpoint(Medium::Tcp)),
+        bareEndpoint(makeEndpoint(Medium::Tcp)),
+        port(endpoint->device(), kind.emulation),
+        bare(bareEndpoint->connect()) {
+    const auto made = [&](Endpoint& place) {
+      return std::make_unique<ReceiptPrinter>(place.accept(), Core::First, kind.confirms,
+                                              printingTime);
+    };
+    printer = made(*endpoint);
+    barePrinter = made(*bareEndpoint);
+  }
+
+  const std::unique_ptr<Endpoint> endpoint;
+  const std::unique_ptr<Endpoint> bareEndpoint;
+  // Joined last: a printer goes on until its other side has gone.
+  std::unique_ptr<ReceiptPrinter> printer;
+  std::unique_ptr<ReceiptPrinter> barePrinter;
+  OpenPort port;
+  BareLink bare;
+};
+
+void print(OpenPort& port, std::span<const std::uint8_t> data) {
+  if (PrintJob(port.shared()).run(data).outcome != PrintOutcome::Printed) {
+    throw std::runtime_error("a receipt was not confirmed");
+  }
+}
+
+/// The turns up to the receipt's first byte.
+std::vector<ReceiptPrinter::Turn> questionsOf(std::vector<ReceiptPrinter::Turn> turns) {
+  std::size_t count = 0;
+  for (const auto& turn : turns) {
+    if (std::find(turn.heard.begin(), turn.heard.end(), firstOfReceipt) != turn.heard.end()) {
+      break;
+    }
+    ++count;
+  }
+  turns.resize(count);
+  return turns;
+}
+
+/// The same bytes by system calls alone: each turn is one write, and the wait for its answer.
+void exchange(BareLink& bare, const std::vector<ReceiptPrinter::Turn>& turns) {
+  std::array<std::uint8_t, 64> answer;
+  for (const auto& turn : turns) {
+    if (turn.answer.empty()) {
+      bare.write(turn.heard);
+    } else {
+      bare.exchange(turn.heard, std::span(answer).first(turn.answer.size()));
+    }
+  }
+}
+
+/// How long after the begin of `run` the printer hears the first byte.
+double secondsToFirstByte(Counters& counters, std::span<const std::uint8_t> data) {
+  const auto start = std::chrono::steady_clock::now();
+  print(counters.port, data);
+  return std::chrono::duration<double>(counters.printer->heardDataAt() - start).count();
+}
+
+void addRowsOf(const Kind& kind, Rows& confirmed, Rows& firstByte) {
+  constexpr int jobs = 21;
+  const Bound bound(Core::First);
+  Counters counters(kind);
+  const auto data = receipt();
+  print(counters.port, data);  // once, so that nothing is measured that is made but once
+  counters.printer->forget();
+  print(counters.port, data);
+  const auto turns = counters.printer->turns();
+  const auto questions = questionsOf(turns);
+  const auto whole = alternate(
+      [&] { return median(secondsOfEach(jobs, [&] { print(counters.port, data); })); },
+      [&] { return median(secondsOfEach(jobs, [&] { exchange(counters.bare, turns); })); });
+  confirmed.push_back(
+      comparedRow({"B15", std::string("a confirmed receipt of 450 bytes, ") + kind.name,
+                   "<= limit + 5 ms", "ms"},
+                  whole, Best::Lowest, millisecond));
+  const auto beginnings = alternate(
+      [&] {
+        Figures seconds;
+        for (int i = 0; i < jobs; ++i) {
+          seconds.push_back(secondsToFirstByte(counters, data));
+        }
+        return median(seconds);
+      },
+      [&] { return median(secondsOfEach(jobs, [&] { exchange(counters.bare, questions); })); });
+  firstByte.push_back(comparedRow(
+      {"B16", std::string("from run to its first byte, ") + kind.name, "<= limit + 2 ms", "ms"},
+      beginnings, Best::Lowest, millisecond));
+}
+
+Row signRow(const Kind& kind, const char* goal) {
+  constexpr auto printingTime = 3s;
+  const Bound bound(Core::First);
+  Counters counters(kind, printingTime);
+  print(counters.port, receipt());
+  const auto waited = std::chrono::steady_clock::now() - counters.printer->confirmedAt();
+  return {.heading = {"B18", std::string("from the printer's sign to the outcome, ") + kind.name,
+                      goal, "ms"},
+          .ours = std::chrono::duration<double>(waited).count() * millisecond,
+          .limit = 0};
+}
+
+}  // namespace
+
+Rows confirmedReceipts() {
+  Rows rows;
+  Rows firstByte;
+  for (const Kind& kind : kinds) {
+    addRowsOf(kind, rows, firstByte);
+  }
+  rows.insert(rows.end(), firstByte.begin(), firstByte.end());
+  return rows;
+}
+
+Rows signsOfSlowPrinters() {
+  return {signRow(kinds[0], "<= 100 ms"), signRow(kinds[1], "<= 200 ms")};
+}
+
+}  // namespace quordalvane::bench
