@@ -10,7 +10,7 @@
 namespace quordalvane {
 
 /// The kind of a log record. The tag is the one under which C and debuggers know the enumeration.
-enum _ZKLogType : std::int32_t {     // NOLINT(bugprone-reserved-identifier)
+enum _ZKLogType : std::int32_t {     // NOLINT: the name is given
   ZKLogTypeQuorIOAPIStart = 0,       ///< a public call begins
   ZKLogTypeQuorIOAPIEnd = 1,         ///< and ends
   ZKLogTypeInternalMethodStart = 2,  ///< an internal method begins
