@@ -46,8 +46,9 @@ void JobRun::print(ByteView data) {
   }
   enter(PrintStage::Data);
   result_.status.reset();  // an earlier status says nothing of the data's fate
+  const bool isChecked = options_.proof != ProofKind::None;
   const auto reply =
-      options_.checked && isNeverAnswered(data) ? PortLink::Reply::None : PortLink::Reply::Possible;
+      isChecked && isNeverAnswered(data) ? PortLink::Reply::None : PortLink::Reply::Possible;
   if (const auto setback = link_.move(
           data, result_.bytesAccepted, [this] { reportProgress(); }, reply)) {
     return stop(*setback);

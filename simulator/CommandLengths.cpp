@@ -90,7 +90,7 @@ std::uint64_t realTimeAction(ByteView bytes) {
 
 // 1d 43 3b sa 3b sb 3b sn 3b sr 3b sc 3b: numbers in digits. What else comes ends it.
 std::uint64_t counterInDigits(ByteView bytes) {
-  constexpr std::size_t mostDigits = 5 * 5;
+  constexpr std::size_t mostDigits = std::size_t{5} * 5;
   const auto numbers = bytes.subspan(3);
   const auto separators = std::count(numbers.begin(), numbers.end(), ';');
   const bool goesOn =
