@@ -156,7 +156,9 @@ std::optional<std::string> confirmationObstacle(std::span<const std::uint8_t> da
 std::optional<std::string> endSignObstacle(std::span<const std::uint8_t> data) {
   constexpr std::uint8_t clearBuffer[] = {0x10, 0x14, 0x08};
   constexpr std::uint8_t blockCommand[] = {0x1b, 0x1d, 0x03};
-  const auto holds = [&](Bytes command) { return !std::ranges::search(data, command).empty(); };
+  const auto holds = [&](Bytes command) {
+    return std::search(data.begin(), data.end(), command.begin(), command.end()) != data.end();
+  };
   if (holds(clearBuffer) || holds(blockCommand)) {
     return "the data itself holds a command at which a printer drops data";
   }
@@ -182,9 +184,9 @@ std::optional<std::uint64_t> inOrderRequestsIn(std::span<const std::uint8_t> dat
       return std::nullopt;
     }
     if (!command) {
-      const std::uint8_t lead[] = {0x1d};  // an unknown command may hide where the others begin
-      return std::ranges::search(rest.subspan(1), lead).empty() ? std::optional(count)
-                                                                : std::nullopt;
+      // An unknown command may hide where the others begin.
+      const bool mayHoldAnother = std::find(rest.begin() + 1, rest.end(), 0x1d) != rest.end();
+      return mayHoldAnother ? std::nullopt : std::optional(count);
     }
     count += startsWith(rest, {0x1d, 0x72}) ? 1U : 0U;
     next += std::min(command->length, rest.size());

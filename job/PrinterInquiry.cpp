@@ -201,12 +201,13 @@ std::string PrinterInquiry::firmware() {
 std::array<std::vector<std::uint8_t>, 2> PrinterInquiry::dipSwitches() {
   Question question(port_, reads_);
   std::array<Bytes, 2> banks;
-  for (std::uint8_t number = 1; number <= banks.size(); ++number) {
+  for (std::size_t place = 0; place < banks.size(); ++place) {
+    const auto number = static_cast<std::uint8_t>(place + 1);
     auto bank = question.ask([&](Port& port) { return port.retrieveDipSwitchInformation(number); });
     if (!bank) {
       question.fail(InquiryCause::NoAnswer, "the printer did not report its DIP switches");
     }
-    banks.at(number - std::size_t{1}) = std::move(*bank);
+    banks.at(place) = std::move(*bank);
   }
   return banks;
 }

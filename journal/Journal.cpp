@@ -67,6 +67,7 @@ std::vector<JobRecord> Journal::jobs() {
     jobs[attempt.name].push_back(std::move(attempt));
   }
   std::vector<JobRecord> records;
+  records.reserve(jobs.size());
   for (const auto& [name, attempts] : jobs) {
     records.push_back(recordOf(attempts, isBeingPrinted(name)));
   }

@@ -112,7 +112,7 @@ std::filesystem::path preparedPath(const std::filesystem::path& file) {
     throw JournalError(file, "its name is empty");
   }
   try {
-    const auto whole = std::filesystem::weakly_canonical(std::filesystem::absolute(file));
+    auto whole = std::filesystem::weakly_canonical(std::filesystem::absolute(file));
     makeFolder(whole.parent_path(), whole);
     refuseNetwork(whole.parent_path());
     return whole;

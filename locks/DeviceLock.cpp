@@ -26,7 +26,7 @@ bool isShared(const std::filesystem::path& folder) {
 // Somebody else may have made it before, to look at what is in it.
 std::filesystem::path privateFolder() {
   const char* const temporary = std::getenv("TMPDIR");
-  const std::filesystem::path folder =
+  std::filesystem::path folder =
       std::filesystem::path(temporary == nullptr || *temporary == '\0' ? "/tmp" : temporary) /
       ("quorport-" + std::to_string(::geteuid()));
   struct stat found = {};
