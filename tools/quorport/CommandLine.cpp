@@ -26,6 +26,7 @@ std::vector<std::string> namesOfCommands() {
 
 std::string eachInQuotes(const std::vector<std::string>& words) {
   std::vector<std::string> quoted;
+  quoted.reserve(words.size());
   for (const std::string& word : words) {
     quoted.push_back(inQuotes(word));
   }
