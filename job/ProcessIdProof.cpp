@@ -14,9 +14,7 @@ JobId randomProcessId() {
 }
 
 std::vector<std::uint8_t> processIdCommand(const JobId& id) {
-  std::vector<std::uint8_t> command = {0x1d, 0x28, 0x48, 0x06, 0x00, 0x30, 0x30};
-  command.insert(command.end(), id.begin(), id.end());
-  return command;
+  return {0x1d, 0x28, 0x48, 0x06, 0x00, 0x30, 0x30, id[0], id[1], id[2], id[3]};
 }
 
 /// An ID that stands in the data could be named before the job's end.
