@@ -20,6 +20,7 @@ enum _ZKLogType : std::int32_t {     // NOLINT: the name is given
   ZKLogTypeProcess = 6,              ///< a step on the way
   ZKLogTypeError = 7,                ///< something failed
 };
+/// The name under which everything here knows it.
 using ZKLogType = _ZKLogType;
 
 /// The enumerator's name without its prefix, as in "InternalMethodStart"; "Unknown" for any other
