@@ -47,7 +47,7 @@ class HandheldJob : public testing::TestWithParam<ZKEmulation> {
   PrintOutcome print(std::shared_ptr<Platform> platform) {
     const auto port = portOn(std::move(platform), GetParam());
     EXPECT_TRUE(port->open());
-    const auto result = PrintJob(port).run(bytesOf(receipt));
+    const auto result = PrintJob(port, {.proof = ProofKind::Block}).run(bytesOf(receipt));
     port->close();
     EXPECT_EQ(result.reason, "");
     return result.outcome;

@@ -18,7 +18,8 @@ def exported(library: Path) -> list[str]:
     """The names as programs link them; each C++ name with its meaning."""
     table = subprocess.run(["nm", "-D", "--defined-only", library], check=True, capture_output=True, text=True)
     rows = [row.split() for row in table.stdout.splitlines()]
-    names = sorted(name.split("@")[0] for _, kind, name in rows if kind != "A")  # A: the version itself
+    # A is the version itself; what is weak comes and goes with what the compiler inlines.
+    names = sorted(name.split("@")[0] for _, kind, name in rows if kind not in "AVWu")
     readable = subprocess.run(["c++filt"], input="\n".join(names), check=True, capture_output=True, text=True)
     meanings = readable.stdout.splitlines()
     return [name if name == meaning else f"{name}  # {meaning}" for name, meaning in zip(names, meanings, strict=True)]

@@ -36,7 +36,7 @@ BREAKS = (
     Break("a report that counts nothing ends the block", PORT + "CheckedBlock.cpp",
           "if (afterBytes[reportedCount] != 0) {", "if (afterBytes[reportedCount] == 0) {"),
     Break("a time-out ends a second early", PORT + "WholeSeconds.h",
-          "return end_ - start_ > limit;", "return end_ - start_ >= limit;"),
+          "return end_ - start_ > timeoutSec;", "return end_ - start_ >= timeoutSec;"),
     Break("an address is found inside a longer one", PORT + "Util.cpp",
           "if (!startsInside && !goesOn && isAddress", "if (!startsInside && isAddress"),
     Break("a session that was not closed outlives a new choice", PORT + "Session.cpp",
