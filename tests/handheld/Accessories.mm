@@ -128,8 +128,10 @@ struct Inside {
     return nil;
   }
   const auto link = std::make_shared<SocketLink>(socket);
-  const std::lock_guard lock(inside->mutex);
-  inside->newest = link;
+  {
+    const std::lock_guard lock(inside->mutex);
+    inside->newest = link;
+  }
   return static_cast<id>([[QuorSocketSession alloc] initWithLink:link]);
 }
 

@@ -1,5 +1,5 @@
-// What the leak sanitizer finds in GNUstep and the language's runtime, and in nothing of ours: an
-// object of ours that is lost is still reported.
+// What the sanitizers find in GNUstep and the language's runtime, and in nothing of ours: an object
+// of ours that is lost, or a race of ours, is still reported.
 
 #import <Foundation/Foundation.h>
 
@@ -8,6 +8,7 @@
 // The sanitizer's own names; without it the two functions are null.
 extern "C" {
 const char* __lsan_default_suppressions();
+const char* __tsan_default_suppressions();
 __attribute__((weak)) void __lsan_disable();
 __attribute__((weak)) void __lsan_enable();
 }
@@ -15,6 +16,12 @@ __attribute__((weak)) void __lsan_enable();
 // Tables that the runtime fills while classes are loaded, and keeps until the process ends.
 const char* __lsan_default_suppressions() {
   return "leak:objc_malloc\nleak:class_copyMethodList\n";
+}
+
+// The runtime and GNUstep take two locks of their own in either order while a class is used for the
+// first time.
+const char* __tsan_default_suppressions() {
+  return "deadlock:objc_mutex_lock\ndeadlock:libgnustep-base.so\n";
 }
 
 namespace {
