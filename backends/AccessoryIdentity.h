@@ -24,8 +24,8 @@ struct AccessoryIdentity {
   /// The protocols that it speaks. A port chooses accessories that speak this one.
   std::vector<std::string> protocolStrings = {"com.quordalvane.receipt"};
 
-  std::string address;             ///< Bluetooth address for the description; "" for none
-  std::uint64_t connectionID = 0;  ///< tells it from the other accessories of the process
+  std::string address;             ///< Bluetooth address for the description; may be ""
+  std::uint64_t connectionID = 0;  ///< distinguishes it from the other accessories of the process
 };
 
 /// An accessory whose texts are an identity given at creation: the part that all back ends share.

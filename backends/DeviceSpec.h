@@ -19,7 +19,7 @@ namespace quordalvane {
 ///
 /// | text | device |
 /// |---|---|
-/// | `virtual:`, `virtual:NAME` or `virtual:KEY=VALUE` | the printer that is built in |
+/// | `virtual:`, `virtual:NAME` or `virtual:KEY=VALUE` | the virtual printer |
 /// | `tcp:HOST:PORT` | a printer on the network; an IPv6 address in brackets, `tcp:[::1]:9100` |
 /// | `unix:PATH` | a local socket |
 /// | `serial:PATH` | a serial line |

@@ -15,12 +15,11 @@
 namespace quordalvane {
 
 /// Makes the accessory that `spec` describes. Nothing is connected before a session is opened on
-/// it. Its connection identifier is the one given, else a running number of the process: 1, 2, and
-/// on. `clock` must outlive the accessory; the printer that is built in lives by it.
+/// it. Its connection identifier is the one given, otherwise a running number of the process: 1, 2,
+/// and so on. `clock` must outlive the accessory; the virtual printer uses it.
 ///
-/// Raises `std::invalid_argument` with a text for people if no back end is of its scheme or the
-/// built-in printer refuses an option.
-/// May be called from any thread.
+/// Throws `std::invalid_argument` with a text for people if no back end is of its scheme or the
+/// virtual printer refuses an option. May be called from any thread.
 QUOR_EXPORT std::shared_ptr<EAAccessory> makeAccessory(const DeviceSpec& spec, Clock& clock);
 
 /// Makes the platform of an ordinary program, with the devices of these texts attached in their
@@ -28,9 +27,9 @@ QUOR_EXPORT std::shared_ptr<EAAccessory> makeAccessory(const DeviceSpec& spec, C
 ///
 ///     quordalvane::connectDevices({"tcp:192.0.2.10:9100,name=Kitchen"});
 ///
-/// Nothing is connected before a port is opened. Returns the platform, for attaching more. Raises
-/// `std::invalid_argument` as `parseDeviceSpec` and `makeAccessory` do; the process's platform is
-/// then as it was.
+/// Nothing is connected before a port is opened. Returns the platform, for attaching more. Throws
+/// `std::invalid_argument` as `parseDeviceSpec` and `makeAccessory` do; the process's platform does
+/// not change then.
 QUOR_EXPORT std::shared_ptr<posix::PosixPlatform> connectDevices(
     const std::vector<std::string>& specs);
 

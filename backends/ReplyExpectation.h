@@ -4,14 +4,14 @@
 
 namespace quordalvane {
 
-/// Tells whether a reply of the device may still be on its way, so that nobody waits for leftovers
-/// that cannot arrive. A writer says of each write whether it may be answered. How many answers it
-/// gets is not known, so the count errs to the safe side:
+/// Knows whether a reply of the device may still be on its way, so that no reader waits for
+/// leftovers that cannot arrive. A writer says of each write whether it may be answered. How many
+/// answers it gets is not known, so the count errs to the safe side:
 ///
 /// - A write that is never answered changes nothing.
 /// - Any other write may be answered until bytes arrived after it and the input ran dry again.
-/// - A write that was followed by a silent wait and then by another write stays owed: what comes
-///   next may be its late reply, and the reply to the later write is then still to come.
+/// - A write that was followed by a silent wait and then by another write remains owed: the next
+///   bytes may be its late reply, and the reply to the later write is then still on its way.
 /// - A silent wait of a whole slice after a reply settles everything.
 ///
 /// Not thread-safe; the link that owns it guards it.
@@ -19,7 +19,7 @@ class ReplyExpectation {
  public:
   bool replyMayCome() const { return pending_; }
 
-  /// Of the writes that follow; they may be answered until it is said otherwise.
+  /// Says whether the writes that follow may be answered; until it is called, they may.
   void setMayBeAnswered(bool mayBeAnswered) { mayBeAnswered_ = mayBeAnswered; }
   bool mayBeAnswered() const { return mayBeAnswered_; }
 
@@ -35,7 +35,7 @@ class ReplyExpectation {
     repliedSinceWrite_ = false;
   }
 
-  /// Bytes came and all of them have been taken: the input is dry.
+  /// Bytes arrived and all of them have been taken: the input is dry.
   void ranDryAfterBytes() {
     repliedSinceWrite_ = true;
     silentSinceWrite_ = false;

@@ -26,7 +26,7 @@ struct OpenCause {
   static constexpr int anyCode = 0;
 
   int code;               ///< of the system, or of the category
-  std::string_view name;  ///< what scripts know the cause by
+  std::string_view name;  ///< the name of the cause for scripts
   std::string_view text;  ///< the cause, for people
   std::string_view advice;
 
@@ -54,7 +54,7 @@ struct Scheme {
   std::string_view place;  ///< how its place is written, "HOST:PORT"
   std::string_view about;  ///< the device, "a printer on the network"
 
-  /// Throws `std::invalid_argument` for a place that cannot be one.
+  /// Throws `std::invalid_argument` for an invalid place.
   void (*checkPlace)(const std::string& place);
 
   /// Makes the accessory. Throws `std::invalid_argument` for an option that it refuses.
@@ -62,7 +62,7 @@ struct Scheme {
                                        Clock& clock);
 
   std::string_view ifSilent;         ///< advice for a device that opens and never answers
-  std::string_view ifNotUnderstood;  ///< advice for one that answers what no printer answers
+  std::string_view ifNotUnderstood;  ///< advice for one whose answers are not a printer's
 
   std::span<const OpenCause> causes = {};
   std::span<const SchemeKey> keys = {};

@@ -20,22 +20,22 @@ struct Buffer {
   std::size_t* length;
 };
 
-/// The buffer, if what is found can be copied into it. Raises QUOR_USAGE for null bytes with a
-/// capacity: asked before an exchange, whose result would be lost.
+/// The buffer, if a result can be copied into it. Throws QUOR_USAGE for null bytes with a capacity:
+/// called before an exchange, whose result would otherwise be lost.
 const Buffer& usable(const Buffer& buffer);
 
-/// Copies and stores the length. Raises QUOR_BUFFER_TOO_SMALL, with the length stored, when there
-/// are more bytes than the buffer takes.
+/// Copies and stores the length. Throws QUOR_BUFFER_TOO_SMALL, with the length stored, if there are
+/// more bytes than the buffer takes.
 void copyBytes(std::span<const std::uint8_t> bytes, const Buffer& buffer);
 
-/// Copies a text with the NUL behind it; the same otherwise. Without a text the answer is QUOR_NONE
-/// and the length 0.
+/// Copies a text and a NUL after it; otherwise the same. Without a text the answer is QUOR_NONE and
+/// the length 0.
 QuorCode copyText(const std::optional<std::string>& text, const Buffer& buffer);
 
-/// A copy of what the caller hands in. Raises QUOR_USAGE when `bytes` is null and `size` is not 0.
+/// A copy of the caller's bytes. Throws QUOR_USAGE if `bytes` is null and `size` is not 0.
 std::vector<std::uint8_t> copyOf(const void* bytes, std::size_t size);
 
-/// The text; none for null.
+/// The text; empty for null.
 inline std::optional<std::string> textOrNone(const char* text) {
   return text == nullptr ? std::nullopt : std::optional<std::string>(text);
 }

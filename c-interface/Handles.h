@@ -8,8 +8,8 @@
 
 namespace quordalvane::c {
 
-/// Lets functions of the caller's see the bytes of a port. They cannot raise: one that returns
-/// other than 0 is made to stop the operation here.
+/// Lets functions of the caller's see the bytes of a port. They cannot throw: if one returns other
+/// than 0, this class stops the operation.
 class FunctionObserver : public TransferObserver {
  public:
   FunctionObserver(QuorBytesWritten written, QuorBytesRead read, void* context)

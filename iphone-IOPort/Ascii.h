@@ -5,7 +5,7 @@
 
 namespace quordalvane {
 
-/// The bytes as text, one character a byte: what is not ASCII becomes U+FFFD, in UTF-8.
+/// The bytes as text, one character a byte: a byte that is not ASCII becomes U+FFFD, in UTF-8.
 template <typename Bytes>
 std::string asciiText(const Bytes& bytes) {
   std::string text;

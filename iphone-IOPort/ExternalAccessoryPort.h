@@ -20,13 +20,14 @@
 #include "iphone-IOPort/exceptions/PortException.h"
 #include "platform/Platform.h"
 
-/// Ports to receipt printers, jobs on them, their log, and what they need of a system.
+/// Ports to receipt printers, jobs on them, their log, and the services of the system that they
+/// need.
 namespace quordalvane {
 
 class WholeSecondsWait;
 enum class StatusType : std::uint32_t;
 
-/// Bytes that the port owns, or hands to its caller.
+/// Bytes that the port owns, or returns to its caller.
 using ByteBuffer = std::vector<std::uint8_t>;
 
 /// The accessory protocol of the printers: an accessory must announce it, and sessions are opened
@@ -36,7 +37,7 @@ inline constexpr std::string_view quorProtocol = "com.quordalvane.receipt";
 /// The command that asks a line-mode printer for a status block by itself.
 QUOR_EXPORT extern const std::uint8_t escAckSoh[3];
 
-/// One connection to one receipt printer, or to the maker's Bluetooth cash-drawer unit, behind an
+/// One connection to one receipt printer, or to the maker's Bluetooth cash-drawer unit, through an
 /// accessory session.
 ///
 /// **Threads.** `open` and `close` may be called from the main thread or any other; every other
@@ -45,13 +46,13 @@ QUOR_EXPORT extern const std::uint8_t escAckSoh[3];
 /// `isConnected` may be called from any thread at any time. A port created on the main thread owns
 /// a port thread, which keeps the port alive until `close` is called on the main thread.
 ///
-/// **Time.** Time-outs are in milliseconds but count as whole seconds: a limit of n seconds gives
-/// up once the seconds field of the wall clock has moved on by more than n, that is n to n + 1
-/// seconds later. A limit below 1000 ms is 0 seconds: it ends when the clock's second has changed.
+/// **Time.** Time-outs are in milliseconds but count as whole seconds: a limit of n seconds ends
+/// once the seconds field of the wall clock has advanced by more than n, that is n to n + 1 seconds
+/// later. A limit below 1000 ms is 0 seconds: it ends when the clock's second has changed.
 ///
-/// **Errors.** Counts are -1, buffers and strings are none, and booleans are false on failure.
-/// Exceptions are raised only where an operation says so; beyond that, what a platform raises and
-/// std::bad_alloc pass through every operation but `open` and `close`.
+/// **Errors.** On failure, counts are -1, buffers and strings are null, and booleans are false. An
+/// operation throws only the exceptions that it names; besides, std::bad_alloc and the exceptions
+/// of the platform pass through every operation except `open` and `close`.
 ///
 /// Every operation writes diagnostic records through LogWriter.
 class QUOR_EXPORT ExternalAccessoryPort
@@ -61,28 +62,28 @@ class QUOR_EXPORT ExternalAccessoryPort
  public:
   /// Creates a port. Nothing is checked and nothing is opened.
   ///
-  /// `portName` designates the accessory: "BT:" (any letter case) or none for the first printer
+  /// `portName` designates the accessory: "BT:" (any letter case) or null for the first printer
   /// that is attached, or "BT:" followed by an accessory's name, serial number or Bluetooth
-  /// address. Of any other name the first three characters count as the prefix, whatever they are
-  /// (the name is UTF-8; a byte that is no part of a valid character counts as one), and a shorter
-  /// name cannot be opened; names are compared byte by byte. `portSettings` may hold a data
-  /// time-out option, the letter d and 0 to 255 (seconds), anywhere; other values are logged and
-  /// ignored. `ioTimeoutMillis` is the input/output time-out in milliseconds; zero is legal and
-  /// means that a wait ends when the clock's second changes. `platform` is kept alive by the port;
-  /// null means that there is no platform at all.
+  /// address. The first three characters of any other name count as the prefix (the name is UTF-8;
+  /// a byte that is no part of a valid character counts as one), and a shorter name cannot be
+  /// opened; names are compared byte by byte. `portSettings` may hold a data time-out option, the
+  /// letter d and 0 to 255 (seconds), anywhere; other values are logged and ignored.
+  /// `ioTimeoutMillis` is the input/output time-out in milliseconds; zero is legal and means that a
+  /// wait ends when the clock's second changes. `platform` is kept alive by the port; null means no
+  /// platform.
   ///
-  /// Created on the main thread, the port starts its port thread. Returns null when there is no
+  /// Created on the main thread, the port starts its port thread. Returns null if there is no
   /// platform or the thread cannot be created. Any thread.
   static std::shared_ptr<ExternalAccessoryPort> initWithPortName(
       std::optional<std::string> portName, std::optional<std::string> portSettings,
       std::uint32_t ioTimeoutMillis, ZKEmulation emulation,
       std::shared_ptr<Platform> platform = processPlatform());
 
-  /// For `initWithPortName` alone, which is the only one that can name the argument's type.
+  /// For `initWithPortName` alone: no other caller can name the argument's type.
   explicit ExternalAccessoryPort(Arguments arguments);
 
-  /// Neither closes the session in an orderly way nor ends the port thread: `close` does. The link
-  /// is released.
+  /// Releases the link. It neither closes the session in an orderly way nor ends the port thread:
+  /// `close` does.
   ~ExternalAccessoryPort() = default;
 
   ExternalAccessoryPort(const ExternalAccessoryPort&) = delete;
@@ -92,18 +93,18 @@ class QUOR_EXPORT ExternalAccessoryPort
 
   /// Chooses, among the accessories attached now, the first that the port name designates, that is
   /// made by "quor dalvane" and that announces `quorProtocol`; opens a session on it and starts
-  /// opening its streams, without waiting for them. Always pauses 0.1 s. True when the session is
-  /// open, false when nothing matched, the session was refused, or the platform raised (which is
-  /// logged); never raises. An earlier session that was not closed is released. On the main thread
-  /// the work is carried to the port thread, where there is one that no close has ended.
+  /// opening its streams, without waiting for them. Always pauses 0.1 s. True if the session is
+  /// open; false if nothing matched, the session was refused, or the platform threw (which is
+  /// logged). Never throws. An earlier session that was not closed is released. On the main thread
+  /// the work is carried to the port thread, if there is one that no `close` has ended.
   bool open();
 
   /// Ends the session: closes the streams and releases the session and the accessory; on the main
-  /// thread also ends the port thread, within about 0.1 s. Never fails and never raises; harmless
+  /// thread also ends the port thread, within about 0.1 s. Never fails and never throws; harmless
   /// on a port that is not open. Pauses 0.1 s first if the system version is 10.0 or more; over
-  /// real links that is the kernel's version, which is lower today. Then waits as long as the
-  /// session does for the printer to take what is under way: at most two seconds over a socket, and
-  /// not at all if nothing is.
+  /// real links that is the kernel's version, which is lower today. Then waits for the printer to
+  /// take the bytes that are under way: at most two seconds over a socket, and not at all if there
+  /// are none.
   void close();
 
   /// Whether the selected accessory is still attached. False before `open` and after `close`. True
@@ -113,9 +114,9 @@ class QUOR_EXPORT ExternalAccessoryPort
   // -- Bytes --------------------------------------------------------------------------------------
 
   /// Offers `data` to the link, waiting at most `secInterval2` once for space. Returns how many
-  /// bytes the link took, which may be fewer than given and is 0 when there was no space or `data`
-  /// is empty; -1 when the link is lost, reports an error, or memory is short: how many bytes of
-  /// `data` had gone out by then is not told. Sets the process to ignore SIGPIPE.
+  /// bytes the link took, which may be fewer than given, and is 0 if there was no space or `data`
+  /// is empty; -1 if the link is lost or reports an error, or memory is short; the number of bytes
+  /// sent by then is unknown. Sets the process to ignore SIGPIPE.
   std::int32_t write(const ByteBuffer& data);
 
   /// Whether the printer may answer bytes that are written. If all of them are never answered, no
@@ -123,26 +124,26 @@ class QUOR_EXPORT ExternalAccessoryPort
   enum class Reply { Possible, None };
 
   /// The same for bytes that lie in no buffer of their own, such as a piece of a large job, and for
-  /// bytes that are known to be answered by nothing.
+  /// bytes that the printer is known not to answer.
   std::int32_t write(std::span<const std::uint8_t> data, Reply reply = Reply::Possible);
 
-  /// Takes what the link holds, at most `bytesToRead` bytes, waiting at most 0.1 s for the first of
-  /// them. Returns the bytes, an empty buffer when there were none or `bytesToRead` is 0, or none
-  /// when the link is lost or reports an error: bytes gathered before are then dropped.
+  /// Takes the bytes that the link holds, at most `bytesToRead`, waiting at most 0.1 s for the
+  /// first of them. Returns the bytes; an empty buffer if there were none or `bytesToRead` is 0;
+  /// null if the link is lost or reports an error, and bytes gathered before are then dropped.
   std::optional<ByteBuffer> read(std::size_t bytesToRead);
 
-  /// As `read`, to clear away what earlier exchanges have left behind: it does not wait if nothing
-  /// can arrive because everything that was asked has been answered.
+  /// As `read`, to clear away the rest of earlier exchanges: it does not wait if no byte can arrive
+  /// because every question has been answered.
   std::optional<ByteBuffer> readLeftovers(std::size_t bytesToRead);
 
-  /// Sends a whole command, in as many attempts as it takes, 50 ms apart, until it is out, the link
-  /// is lost or the creation time-out has passed. Returns the count written, or -1 on a lost link,
-  /// a failed write or the time-out, when part of the command may have gone out. An empty command
-  /// returns 0.
+  /// Sends a whole command, in attempts 50 ms apart, until all of it is sent, the link is lost or
+  /// the creation time-out has passed. Returns the count written, or -1 on a lost link, a failed
+  /// write or the time-out; part of the command may then have been sent. An empty command returns
+  /// 0.
   ///
   /// The count is kept over all attempts while the command is narrowed to its unsent tail, and both
-  /// the test for completion and the next cut hold the one against the other. Printers in the field
-  /// are served by this arithmetic, so it stays; its consequences after a first partial attempt
+  /// the test for completion and the next cut compare the one with the other. Printers in the field
+  /// are served by this arithmetic, so it is kept; its consequences after a first partial attempt
   /// are: (a) a total that equals the tail's length is returned as success, although bytes are
   /// unsent; (b) a total below the tail's length cuts the tail at the total, so that bytes are
   /// skipped; (c) a total above the tail's length, for example when the second attempt sends the
@@ -153,102 +154,101 @@ class QUOR_EXPORT ExternalAccessoryPort
 
   // -- Status -------------------------------------------------------------------------------------
 
-  /// Asks the printer for its status and fills `quorPrinterStatus`, which must not be null. What
-  /// the input holds is thrown away first. True when the record was filled from a complete reply.
-  /// False when the printer did not answer (line mode: the request is sent twice, about 1.5 s each;
-  /// ESC/POS: within the time-out), answered nonsense (ESC/POS), a query could not be written
-  /// (ESC/POS), or the emulation is unknown. On false the record is untouched in line mode and may
-  /// be partly written in ESC/POS. `level` is only logged.
+  /// Asks the printer for its status and fills `quorPrinterStatus`, which must not be null. Bytes
+  /// that wait in the input are thrown away first. True if the record was filled from a complete
+  /// reply. False if the printer did not answer (line mode: the request is sent twice, about 1.5 s
+  /// each; ESC/POS: within the time-out), did not answer with a status (ESC/POS), a query could not
+  /// be written (ESC/POS), or the emulation is unknown. On false the record is untouched in line
+  /// mode and may be partly written in ESC/POS. `level` is only logged.
   ///
-  /// Raises PortException: "Native WritePort failed" when the request cannot be written (line
-  /// mode), "GetParsedStatus detected bluetooth disconnection" when the link is lost during the
-  /// wait.
+  /// Throws PortException: "Native WritePort failed" if the request cannot be written (line mode),
+  /// "GetParsedStatus detected bluetooth disconnection" if the link is lost during the wait.
   bool getParsedStatus(QuorPrinterStatus_2* quorPrinterStatus, std::uint32_t level);
 
-  /// Asks whether the printer is ready to print. True when its state was obtained: `*onlineStatus`
-  /// (never null) says whether it is on line. False when it was not: `*onlineStatus` is set to
-  /// false, or, when the question could not even be written, left alone. Raises what
-  /// `getParsedStatus` raises, with `*onlineStatus` left alone.
+  /// Asks whether the printer is ready to print. True if its state was obtained: `*onlineStatus`
+  /// (never null) says whether it is on line. Otherwise false: `*onlineStatus` is set to false, or
+  /// not changed if the question could not even be written. Throws as `getParsedStatus` does, and
+  /// does not change `*onlineStatus` then.
   bool getOnlineStatus(bool* onlineStatus);
 
   // -- Checked block ------------------------------------------------------------------------------
 
   /// Prepares the printer for a job whose printing `endCheckedBlock` will verify: resets its
-  /// counter, sets its data time-out where one is configured, and cancels what it still holds. In
-  /// line mode it first makes sure that the printer is on line, and then waits until the counter
-  /// reads 0 (up to the creation time-out) and no paper is left in the exit (up to
+  /// counter, sets its data time-out if one is configured, and cancels the data that it still
+  /// holds. In line mode it first makes sure that the printer is on line, and then waits until the
+  /// counter reads 0 (up to the creation time-out) and no paper is left in the exit (up to
   /// `holdPrintTimeoutMillis`).
   ///
-  /// `status` and `resultCode` must not be null; `status` receives every status acquired. True says
-  /// that the exchange worked and `*resultCode` what came of it: success, or failed when a
-  /// line-mode printer was off line and nothing was sent. False, with failed or paper present in
-  /// `*resultCode`, says that the exchange or a wait failed. `level` goes to the ESC/POS status.
-  /// Raises what `getParsedStatus` raises, and PortException "[beginCheckedBlock] Failed to set
-  /// data cancel timeout"; `*resultCode` is then failed.
+  /// `status` and `resultCode` must not be null; `status` receives every status acquired. True if
+  /// the exchange worked: `*resultCode` is then success, or failed if a line-mode printer was off
+  /// line and nothing was sent. False, with failed or paper present in `*resultCode`, if the
+  /// exchange or a wait failed. `level` is passed to the ESC/POS status. Throws as
+  /// `getParsedStatus` does, and PortException "[beginCheckedBlock] Failed to set data cancel
+  /// timeout"; `*resultCode` is then failed.
   bool beginCheckedBlock(QuorPrinterStatus_2* status, std::uint32_t level,
                          std::int64_t* resultCode);
 
   /// Ends the block: marks the end of the job and waits, up to `endCheckedBlockTimeoutMillis`,
-  /// until the printer shows that it has worked through everything. True when it did, and also when
-  /// the printer went off line, which ends the wait: `quorPrinterStatus` (never null) then shows
-  /// off line, and judging that is the caller's. In ESC/POS an off-line printer may be on line
-  /// again by the time the final status is taken, so a true result alone does not prove that the
-  /// job was printed. False when a write failed or the time-out passed. Raises what
-  /// `getParsedStatus` raises. Everything that waits in the input is consumed in ESC/POS.
+  /// until the printer shows that it has worked through everything. True if it did, and also if it
+  /// became off line, which ends the wait: `quorPrinterStatus` (never null) then shows off line,
+  /// and the caller judges that. In ESC/POS an off-line printer may be on line again by the time
+  /// the final status is taken, so a true result alone does not prove that the job was printed.
+  /// False if a write failed or the time-out passed. Throws as `getParsedStatus` does. In ESC/POS
+  /// all bytes that wait in the input are consumed.
   bool endCheckedBlock(QuorPrinterStatus_2* quorPrinterStatus, std::uint32_t level);
 
-  /// Tells the printer to drop what it has received and not yet printed. True when the command was
-  /// written whole.
+  /// Makes the printer drop the data that it has received and not yet printed. True if the command
+  /// was written whole.
   bool startDataCancel();
 
-  // -- What the printer says of itself ------------------------------------------------------------
+  // -- Facts about the printer --------------------------------------------------------------------
 
-  /// Asks for the firmware text and keeps it in `firmwareInformation`; a failure leaves the earlier
-  /// value. False when the printer gave no status, is off line, or did not answer within the
-  /// time-out, which a lost link does not cut short. Raises std::out_of_range on an ESC/POS reply
+  /// Asks for the firmware text and keeps it in `firmwareInformation`; a failure keeps the earlier
+  /// value. False if the printer gave no status, is off line, or did not answer within the
+  /// time-out, which a lost link does not cut short. Throws std::out_of_range on an ESC/POS reply
   /// of one byte.
   bool retrieveFirmwareInformation();
 
-  /// The line-mode query alone, without the look at the status first.
+  /// The line-mode query alone, without the check of the status first.
   bool retrieveFirmwareInformation2();
 
-  /// The ESC/POS query alone, without the look at the status first.
+  /// The ESC/POS query alone, without the check of the status first.
   bool retrieveESCPOSFirmwareInformation();
 
   /// Asks for both DIP-switch banks and appends them, bank 1 then bank 2, to
-  /// `dipSwitchInformation`, which is never emptied. False when one of them failed: bank 1 stays
-  /// appended when bank 2 fails.
+  /// `dipSwitchInformation`, which is never emptied. False if one of them failed; bank 1 remains
+  /// appended if bank 2 fails.
   bool retrieveDipSwitchInformation();
 
-  /// Asks for one bank (1 or 2) and returns its two setting bytes, or none when the request could
-  /// not be written, no complete reply came within the time-out (a lost link does not cut it
-  /// short), or the field was not two bytes long.
+  /// Asks for one bank (1 or 2) and returns its two setting bytes, or null if the request could not
+  /// be written, no complete reply arrived within the time-out (a lost link does not cut it short),
+  /// or the field was not two bytes long.
   std::optional<ByteBuffer> retrieveDipSwitchInformation(std::uint8_t dipSwNumber);
 
-  /// The button-security time-out in milliseconds: 0 when it is off, otherwise the printer's 5, 10
-  /// or 20 seconds plus the creation time-out, summed modulo 2^32. -1 when the request could not be
-  /// written or no 7 bytes came within the time-out, which a lost link does not cut short.
+  /// The button-security time-out in milliseconds: 0 if it is off, otherwise the printer's 5, 10 or
+  /// 20 seconds plus the creation time-out, summed modulo 2^32. -1 if the request could not be
+  /// written or no 7 bytes arrived within the time-out, which a lost link does not cut short.
   std::int64_t retrieveButtonSecurityTimeout();
 
   // -- The printer's Bluetooth module -------------------------------------------------------------
 
   /// Puts the module into command mode and proves it by asking for its address. Takes 2.5 s of
-  /// guard time and up to 11 s for the answer. False when a write failed or the module did not
-  /// answer or answered an error. Raises std::out_of_range on an OK without a whole address.
+  /// guard time and up to 11 s for the answer. False if a write failed, or the module did not
+  /// answer or answered with an error. Throws std::out_of_range on an OK without a whole address.
   bool enterATMode();
 
   /// Waits for the module's result. Returns "\r\nERROR\r\n" or, without `settingTitle`,
-  /// "\r\nOK\r\n" as it came; with a title, the title and the `settingLength` characters after it,
-  /// or, with a `settingLength` of 0, the reply from the title to its end. None when the link is
-  /// lost or nothing came within `timeoutMillis`, which counts as whole seconds and at least one. A
-  /// result line that comes in two pieces is not recognised. Raises std::out_of_range when an OK
+  /// "\r\nOK\r\n" as received; with a title, the title and the `settingLength` characters after it,
+  /// or, with a `settingLength` of 0, the reply from the title to its end. Null if the link is lost
+  /// or nothing arrived within `timeoutMillis`, which counts as whole seconds and at least one. A
+  /// result line that arrives in two pieces is not recognised. Throws std::out_of_range if an OK
   /// does not hold the title and that many characters, or the length is negative.
   std::optional<std::string> getPrinterResponseWithSettingTitle(
       std::optional<std::string> settingTitle, std::int32_t settingLength,
       std::int32_t timeoutMillis);
 
-  /// Asks the module to drop the link and waits, up to the creation time-out, until it is gone.
-  /// True when it is; the port stays open and is not connected. Raises what `enterATMode` raises.
+  /// Asks the module to drop the link and waits, up to the creation time-out, until it is lost.
+  /// True if it is; the port remains open and is not connected. Throws as `enterATMode` does.
   bool disconnect();
 
   /// The second half of `disconnect`, with the module in command mode already.
@@ -260,12 +260,12 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// ends that. To be set and cleared by the thread that uses the port.
   void setTransferObserver(TransferObserver* observer) { observer_ = observer; }
 
-  /// Lets the next `close` wait for nothing: what is under way to the printer is not wanted any
+  /// Makes the next `close` wait for nothing: the bytes under way to the printer are not wanted any
   /// more. No effect on a port that is not open.
   void abandonOutput();
 
-  /// What the port was created with: the time-out in milliseconds, the platform alive with the
-  /// port.
+  /// The values that the port was created with: the time-out in milliseconds; the platform lives as
+  /// long as the port.
   /// @{
   std::optional<std::string> portName() const { return portName_; }
   ZKEmulation emulation() const { return p_emulation; }
@@ -292,13 +292,14 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// @}
 
   /// After how many seconds without data the printer drops an unfinished job; 0 is never, a
-  /// negative value leaves the printer's own setting alone. Of other values the low byte is sent.
+  /// negative value does not change the printer's own setting. Of other values the low byte is
+  /// sent.
   /// @{
   std::int64_t dataTimeoutSeconds() const { return _dataTimeoutSeconds; }
   void setDataTimeoutSeconds(std::int64_t seconds) { _dataTimeoutSeconds = seconds; }
   /// @}
 
-  /// The last firmware text obtained; none before the first.
+  /// The last firmware text obtained; null before the first.
   std::optional<std::string> firmwareInformation() const { return _firmwareInformation.get(); }
 
   /// Every bank read so far, two bytes each, oldest first.
@@ -307,13 +308,13 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// True once an accessory of the model "XQ700" was opened; never false again.
   bool isBrondel() const { return _isBrondel; }
 
-  /// The port thread's handle; none for a port created off the main thread.
+  /// The port thread's handle; null for a port created off the main thread.
   /// @{
   std::shared_ptr<NSThread> thread71() const { return _thread71.get(); }
   void setThread71(std::shared_ptr<NSThread> thread) { _thread71.set(std::move(thread)); }
   /// @}
 
-  /// What the last open came to; none before the first.
+  /// The result of the last `open`; null before the first.
   /// @{
   std::optional<bool> result71() const { return _result71.get(); }
   void setResult71(std::optional<bool> result) { _result71.set(result); }
@@ -325,14 +326,15 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// The writer's wait for space and the pause before a close, in seconds.
   float secInterval2() const { return _secInterval2; }
 
-  /// The selected accessory's name; none while the port is closed. Who sets it changes what is told
-  /// here until the port is opened or closed, and nothing else.
+  /// The selected accessory's name; null while the port is closed. Setting it changes only the
+  /// value returned here, until the port is opened or closed.
   /// @{
   std::optional<std::string> name() const { return _name.get(); }
   void setName(std::optional<std::string> name) { _name.set(std::move(name)); }
   /// @}
 
-  /// The selected accessory's serial number; none while the port is closed. Set, it is as the name.
+  /// The selected accessory's serial number; null while the port is closed. Setting it has the
+  /// effect that setting the name has.
   /// @{
   std::optional<std::string> serialNumber() const { return _serialNumber.get(); }
   void setSerialNumber(std::optional<std::string> serialNumber) {
@@ -340,8 +342,8 @@ class QUOR_EXPORT ExternalAccessoryPort
   }
   /// @}
 
-  /// The selected accessory's connection identifier; 0 while the port is closed. Set, it is as the
-  /// name.
+  /// The selected accessory's connection identifier; 0 while the port is closed. Setting it has the
+  /// effect that setting the name has.
   /// @{
   std::uint64_t connectionID() const { return _connectionID; }
   void setConnectionID(std::uint64_t connectionID) { _connectionID = connectionID; }
@@ -378,7 +380,7 @@ class QUOR_EXPORT ExternalAccessoryPort
                                          std::span<const std::uint8_t> tempData, Reply reply);
   std::int32_t retryWrite(const ByteBuffer& command, Reply reply);
 
-  /// Whether a read waits for its first byte in any case, or only where one may come.
+  /// Whether a read always waits for its first byte, or only if one may arrive.
   enum class Patience { Always, WhereExpected };
   std::optional<ByteBuffer> receive(std::size_t bytesToRead, Patience patience);
   bool readChunk(NSInputStream& stream, ByteBuffer& recvBuffer, std::size_t bytesToRead);

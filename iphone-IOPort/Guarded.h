@@ -4,19 +4,19 @@
 
 namespace quordalvane {
 
-/// What the exception that is being handled says of itself.
+/// The text of the exception that is being handled.
 std::string raisedText();
 
-/// Runs `work`, which may raise. False when it did, after `tell` was called to log it. Raises
+/// Runs `work`, which may throw. False if it did, after `report` was called to log it. Throws
 /// nothing itself: a record for which there is no memory is lost.
-template <typename Work, typename Tell>
-bool guarded(Work work, Tell tell) noexcept {
+template <typename Work, typename Report>
+bool guarded(Work work, Report report) noexcept {
   try {
     work();
     return true;
   } catch (...) {
     try {
-      tell();
+      report();
     } catch (...) {
     }
     return false;

@@ -20,7 +20,7 @@
 ///     constexpr const char* selector = "-[ExternalAccessoryPort write:]";
 ///     QUOR_LOG(ZKLogTypeRead, 0, "%lu, -> %@", size, data);
 ///
-/// Unless logging is on and the level wanted, nothing else is evaluated. Otherwise the address of
+/// If logging is off or the level is not wanted, no argument is evaluated. Otherwise the address of
 /// the object is built, then the message, outside of every lock, so that an argument may itself
 /// log.
 ///
@@ -31,10 +31,9 @@
 ///     %ld  likewise, all 64 bits, signed
 ///     %lu  likewise, unsigned
 ///     %f   floating-point number with six decimals and a full stop, whatever the locale
-///     %p   raw or smart pointer: 0x and lower-case hexadecimal digits; none is 0x0
-///     %@   string, "(null)" for none: std::string, a view, a C string, an optional of them;
-///          list of strings: "(one, two)"; byte buffer or optional one: "<1b 06>"; nullptr: none
-/// A per cent sign inside of an argument is text.
+/// %p raw or smart pointer: 0x and lower-case hexadecimal digits; null is 0x0 %@ string, "(null)"
+/// if empty: std::string, a view, a C string, an optional of them; list of strings: "(one, two)";
+/// byte buffer or optional one: "<1b 06>" A per cent sign inside of an argument is text.
 #define QUOR_LOG(logType, logLevel, ...)                                                 \
   do {                                                                                   \
     if (::quordalvane::LogWriter::isLogging() &&                                         \
@@ -46,12 +45,12 @@
 
 namespace quordalvane {
 
-/// A text, a list of texts or a byte buffer, or none.
+/// A text, a list of texts or a byte buffer, or nothing.
 using LogText = std::variant<std::monostate, std::string_view, std::span<const std::string>,
                              std::span<const std::uint8_t>>;
 
-/// An argument of a message while its statement runs; it refers to what the caller owns. An integer
-/// is its 64 bits. A C string, or nullptr, is its address, of which %p follows nothing.
+/// An argument of a message while its statement runs; it refers to an object of the caller's. An
+/// integer is its 64 bits. A C string, or nullptr, is its address, which %p does not follow.
 using LogArgument = std::variant<std::uint64_t, double, const void*, const char*, LogText>;
 
 /// Which alternative of LogArgument an argument becomes.
@@ -107,7 +106,7 @@ using Referred = decltype(refer(std::declval<const Argument&>()));
 
 enum class LogConversion { None, Int32, Uint32, Int64, Uint64, Real, Address, Text };
 
-/// A stretch of a format: some text, and the conversion behind it.
+/// A part of a format: some text, and the conversion after it.
 struct LogFormatPiece {
   std::string_view text;
   LogConversion conversion = LogConversion::None;
@@ -141,8 +140,8 @@ constexpr LogConversion longConversionOf(char letter) {
   }
 }
 
-/// Takes the format up to and with its next conversion off its beginning. `none`: there is none, or
-/// what follows the next per cent sign is no conversion.
+/// Takes the format up to and with its next conversion off its beginning. The conversion is `None`
+/// if no per cent sign is left, or if no conversion follows the next one.
 constexpr LogFormatPiece takePiece(std::string_view& format) {
   const std::size_t sign = format.find('%');
   if (sign == std::string_view::npos) {
@@ -174,8 +173,8 @@ constexpr bool fitsConversion(LogConversion conversion) {
   }
 }
 
-/// A format in its pieces, one for each argument, and the text behind them: what can be found out
-/// when the program is compiled is not found out at each call.
+/// A format in its pieces, one for each argument, and the text after them: parsed when the program
+/// is compiled, not at each call.
 template <typename... Arguments>
 struct LogFormatPieces {
   std::array<LogFormatPiece, sizeof...(Arguments)> pieces;

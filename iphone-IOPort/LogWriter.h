@@ -17,7 +17,7 @@ namespace quordalvane {
 
 class LogDelivery;
 
-/// What the logger has done since the process began.
+/// The counts of the logger since the process began.
 struct LogStatistics {
   std::uint64_t handedOver;  ///< records that were given to outputLogAsyncWithLogType
   std::uint64_t dropped;     ///< those of them that found no room or no memory
@@ -44,50 +44,51 @@ class QUOR_EXPORT LogWriter {
   /// the former state. Records already handed over are delivered all the same.
   static void setLogging(bool on) noexcept;
 
-  /// Names the wanted levels, all others become unwanted; an empty set wants none. Throws
-  /// std::out_of_range, and changes nothing, when one is outside of 0 to 63.
+  /// Names the wanted levels, all others become unwanted; with an empty set no level is wanted.
+  /// Throws std::out_of_range, and changes nothing, if one is outside of 0 to 63.
   static void setTargetLogLevels(const std::set<std::int32_t>& levels);
 
   /// The logger of this process. It is made at the first call and never destroyed, so that threads
   /// may log until the very end. A normal exit flushes it, for at most `flushTime`.
   static LogWriter& sharedInstance();
 
-  /// The bytes as lower-case pairs of hexadecimal digits, parted by blanks, in angle brackets, as
-  /// in "<1b 06 01>"; all of them, and "<>" for none.
+  /// The bytes as lower-case pairs of hexadecimal digits, separated by blanks, in angle brackets,
+  /// as in "<1b 06 01>"; all of them, and "<>" for no bytes.
   /// @{
   static std::string createByteArrayDescription(const std::vector<std::uint8_t>& data);
   static std::string createByteArrayDescription(const std::uint8_t* bytes, std::uint64_t size);
   /// @}
 
   /// Hands one record over, stamped with the time and the calling thread, and returns without
-  /// waiting for any sink. It asks no gate: that is done before the record is built. When the queue
-  /// is full the record is dropped, which is counted and told in the stream; without a sink it is
-  /// discarded. `fileName` and `methodName` must not be null and must last as long as the process.
+  /// waiting for any sink. It asks no gate: the caller does so before it builds the record. If the
+  /// queue is full, the record is dropped, counted, and the count is reported in the stream;
+  /// without a sink it is discarded. `fileName` and `methodName` must not be null and must last as
+  /// long as the process.
   void outputLogAsyncWithLogType(ZKLogType logType, std::int32_t logLevel,
                                  std::string objectAddress, const char* fileName,
                                  std::int64_t lineNumber, const char* methodName,
                                  std::string anyString) noexcept;
 
-  /// Gives `sink`, never null and shared from now on, every record from now on and those that still
-  /// wait. The first sink starts the thread that writes. Throws std::system_error if that thread
-  /// cannot be started and std::bad_alloc if memory is short; nothing has changed then.
+  /// Gives `sink`, never null and shared from now on, every record from now on and those that are
+  /// still queued. The first sink starts the thread that writes. Throws std::system_error if that
+  /// thread cannot be started and std::bad_alloc if memory is short; nothing has changed then.
   void addSink(std::shared_ptr<LogSink> sink);
 
-  /// Takes the sink away; one that was never added is ignored. Does not wait: records that are
-  /// being delivered at this moment may still reach it. After a `flush` that returned true it is
-  /// not called again and no longer shared.
+  /// Removes the sink; one that was never added is ignored. Does not wait: records that are being
+  /// delivered at this moment may still reach it. After a `flush` that returned true it is not
+  /// called again and no longer shared.
   void removeSink(const std::shared_ptr<LogSink>& sink);
 
   /// How many records may wait for the sinks; 8,192 at first. Throws std::invalid_argument for zero
   /// and for more than 1,048,576, and std::bad_alloc if memory is short; nothing has changed then.
   void setQueueCapacity(std::size_t records);
 
-  /// Waits until the sinks have been given every record so far, or until `timeout` has passed. True
-  /// if they have. Zero asks without waiting. A sink that calls it gets false at once if anything
-  /// is left, since it would wait for itself.
+  /// Waits until the sinks have received every record so far, or until `timeout` has passed. True
+  /// if they have. Zero asks without waiting. If a sink calls it and records are left, it returns
+  /// false at once, since the sink would wait for itself.
   bool flush(std::chrono::milliseconds timeout = flushTime);
 
-  /// The counts as they stand; nothing is set back.
+  /// The counts as they are now; they are not reset.
   LogStatistics statistics() const;
 
   LogWriter(const LogWriter&) = delete;

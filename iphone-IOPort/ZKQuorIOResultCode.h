@@ -4,7 +4,7 @@
 
 namespace quordalvane {
 
-/// What became of a checked block's beginning. The port itself produces success, failed and paper
+/// How the beginning of a checked block ended. The port itself produces success, failed and paper
 /// present; the other two belong to the layers above it.
 enum ZKQuorIOResultCode : std::int64_t {
   ZKQuorIOResultCodeSuccess = 0,             ///< the block has begun

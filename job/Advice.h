@@ -6,7 +6,7 @@
 
 namespace quordalvane {
 
-/// What a person may do after a job that ended so. "" when it was printed.
+/// The next step for a person after a job that ended so. "" if it was printed.
 std::string adviceFor(const PrintResult& result);
 
 }  // namespace quordalvane

@@ -8,17 +8,17 @@
 
 namespace quordalvane {
 
-/// Looks for the reports that an ESC/POS printer sends when it has passed an end-of-block mark,
-/// 1b 1d 03 01 00 00 count 00, in the bytes that come from it, however they are cut into pieces.
+/// Looks for the reports that an ESC/POS printer sends when it has passed an end-of-block mark, 1b
+/// 1d 03 01 00 00 count 00, in the bytes that it sends, however they are cut into pieces.
 class BlockReport {
  public:
-  /// Takes the next bytes that came; none is as good as not called.
+  /// Takes the next bytes that arrived, which may be empty.
   void feed(std::span<const std::uint8_t> bytes);
 
-  /// Forgets everything, a report that has begun included.
+  /// Forgets everything, including a report that has begun.
   void clear();
 
-  /// The count of the last whole report; none while there was none.
+  /// The count of the last whole report; empty before the first.
   std::optional<std::uint8_t> lastCount() const { return lastCount_; }
 
  private:

@@ -11,9 +11,9 @@
 namespace quordalvane {
 
 /// The common part of the proofs of ordinary ESC/POS printers: the job ends with a question that
-/// the printer answers when it has printed all before it. Such a printer keeps its job while it is
-/// off line, and prints on: it is waited for up to the end-of-block time-out. Nothing of a checked
-/// block is sent.
+/// the printer answers after it has printed everything before it. Such a printer keeps its job
+/// while it is off line, and then continues: it is waited for up to the end-of-block time-out.
+/// Nothing of a checked block is sent.
 class EndSign : public Proof {
  public:
   MaybeSetback begin() override;

@@ -9,7 +9,7 @@ namespace quordalvane {
 /// Asks the printer nothing, and proves nothing.
 class NoProof final : public Proof {
  public:
-  /// `why` there is none, for a person.
+  /// `why` there is no proof, for a person.
   NoProof(std::string why, PortLink& link, PrintResult& result);
 
   MaybeSetback begin() override { return std::nullopt; }

@@ -9,30 +9,31 @@
 
 namespace quordalvane {
 
-/// Counts what a printer owes: an answer to each status request that went out, less those that have
-/// come. A printer answers in the order in which it was asked, so that an answer can be told from
-/// one to an earlier question by counting alone.
+/// Counts the answers that a printer owes: one to each status request that was sent, less those
+/// that have arrived. A printer answers in the order in which it was asked, so that counting alone
+/// shows to which question an answer belongs.
 class OwedAnswers {
  public:
-  /// Counts by the requests and answers of line mode, or else by those of ESC/POS.
+  /// Counts the requests and answers of line mode, or otherwise those of ESC/POS.
   explicit OwedAnswers(ZKEmulation emulation) : isLineMode_(emulation == ZKEmulationQuorLine) {}
 
-  /// Takes the next bytes that went out, and the next that came; however they are cut into pieces.
+  /// Takes the next bytes that were sent, and the next that arrived, however they are cut into
+  /// pieces.
   /// @{
   void written(std::span<const std::uint8_t> bytes);
   void read(std::span<const std::uint8_t> bytes);
   /// @}
 
-  /// True if an answer is still to come.
+  /// True if an answer is still owed.
   bool isAnyOwed() const { return owed_ > 0; }
 
-  /// Forgets what came unasked: the rest of an earlier exchange.
+  /// Forgets the unasked bytes: the rest of an earlier exchange.
   void forgetSurplus() { owed_ = owed_ > 0 ? owed_ : 0; }
 
-  /// True if something came that is no answer of this kind of printer.
+  /// True if bytes arrived that are no answer of this kind of printer.
   bool isAnyOdd() const { return isAnyOdd_; }
 
-  /// The last whole answer, a status block or a real-time status byte; empty while there was none.
+  /// The last whole answer, a status block or a real-time status byte; empty before the first.
   const std::vector<std::uint8_t>& last() const { return last_; }
 
  private:
@@ -44,9 +45,9 @@ class OwedAnswers {
   const bool isLineMode_;
   bool isAnyOdd_ = false;
   std::int64_t owed_ = 0;
-  std::uint32_t lastWritten_ = 0;    // the last bytes that went out, the newest lowest
+  std::uint32_t lastWritten_ = 0;    // the last bytes that were sent, the newest lowest
   std::vector<std::uint8_t> block_;  // a status block that has begun
-  std::size_t restOfReport_ = 0;     // bytes of an end-of-block report that are still to come
+  std::size_t restOfReport_ = 0;     // bytes of an end-of-block report that have not arrived yet
   std::vector<std::uint8_t> last_;
 };
 

@@ -53,7 +53,7 @@ class PortLink final : private TransferObserver {
   /// Throws Cancelled or TimeUp if there is reason to.
   void goOn() const;
 
-  /// From now on a cancelled job's last words may go out.
+  /// From now on a cancelled job's last commands may be sent.
   void ignoreCancel() { isCancelIgnored_ = true; }
 
   /// Hands all of `data` to the link, each byte once, and counts in `accepted` how many bytes it
@@ -62,22 +62,23 @@ class PortLink final : private TransferObserver {
   MaybeSetback move(ByteView data, std::uint64_t& accepted, const Progress& progress = {},
                     Reply reply = Reply::Possible);
 
-  /// The same for a short command of nobody's data.
+  /// The same for a short command that is no data of the job.
   MaybeSetback send(ByteView command);
 
-  /// Sleeps a little before another look at a link that has nothing.
+  /// Sleeps a little before another look at a silent link.
   void pause();
 
-  /// Reads until `isDone` answers true, which is given the bytes of each read, at first none. False
-  /// when it does not within `limit` or the link is lost.
+  /// Reads until `isDone`, which is given the bytes of each read, at first no bytes, returns true.
+  /// False if it does not within `limit`, or if the link is lost.
   bool await(const std::function<bool(ByteView)>& isDone, std::chrono::nanoseconds limit);
 
-  /// Throws away what waits in the input, and waits for more only if an answer may be on its way.
-  /// Of a printer that never stops talking it takes a second's worth, and at most a mebibyte.
+  /// Throws away the bytes that wait in the input, and waits for more only if an answer may be on
+  /// its way. From a printer that never stops sending it takes the bytes of one second, and at most
+  /// a mebibyte.
   void drain();
 
-  /// Whether the link is lost. Throws away what waits in the input: bytes from before the loss keep
-  /// a link connected until they are read.
+  /// Whether the link is lost. Throws away the bytes that wait in the input: those from before the
+  /// loss keep a link connected until they are read.
   bool isLost();
 
   /// The setback of an exchange that failed: because the link is lost, or as `otherwise` says.
@@ -104,7 +105,7 @@ class PortLink final : private TransferObserver {
   const std::atomic<bool>& cancelled_;
   bool isCancelIgnored_ = false;
   TransferObserver* listener_ = nullptr;
-  std::uint64_t* accepted_ = nullptr;  // counts the bytes that go out now; null: nothing does
+  std::uint64_t* accepted_ = nullptr;  // counts the bytes that are being sent; null: no data is
   std::chrono::nanoseconds deadline_ = std::chrono::nanoseconds::max();
 };
 

@@ -7,19 +7,19 @@
 
 namespace quordalvane {
 
-/// A command in print data, or a byte that is none.
+/// A command in print data, or a byte that is no command.
 struct PrintCommand {
-  /// All of it. More than there is when the data ends inside it.
+  /// Its length; more than there are bytes if the data ends inside it.
   std::size_t length;
 
-  /// True if it says itself how many bytes follow it as its payload: an image, a barcode, a stored
-  /// graphic. Those are data whatever their values.
+  /// True if it contains the length of its payload: an image, a barcode, a stored graphic. The
+  /// bytes of the payload are data whatever their values.
   bool isCounted;
 };
 
-/// What stands at the beginning of `data`, which must not be empty. None for a command that is not
-/// known, or with parameters on which printers differ: where it ends cannot be told then, and
-/// neither what all behind it is.
+/// The command at the beginning of `data`, which must not be empty. Empty for a command that is not
+/// known, or on whose parameters printers differ: its end, and so everything after it, is then
+/// unknown.
 std::optional<PrintCommand> printCommandAt(std::span<const std::uint8_t> data);
 
 }  // namespace quordalvane

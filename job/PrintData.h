@@ -11,24 +11,23 @@
 namespace quordalvane {
 
 /// Why print data cannot be confirmed although every byte of it may be printed: a command in it
-/// makes the very signs by which a printer of that emulation confirms a job, or ends inside a
-/// command. In words, with the place; none when the signs can only be the block's own.
+/// makes the very signs by which a printer of that emulation confirms a job, or the data ends
+/// inside a command. In words, with the place; empty if the signs can only be the block's own.
 ///
 /// Bytes inside the counted payload of a print command (an image, a barcode, a stored graphic) are
-/// data whatever their values, as long as all commands before it are known. Bytes that are a
-/// command's parameters are not told from commands, since a printer need not tell them apart
-/// either.
+/// data whatever their values, as long as all commands before it are known. The parameters of a
+/// command are not distinguished from commands, since a printer need not distinguish them either.
 std::optional<std::string> confirmationObstacle(std::span<const std::uint8_t> data,
                                                 ZKEmulation emulation);
 
-/// Whether the printer answers nothing in `data`: it holds known commands alone, and none that asks
-/// for an answer. False if that is not certain, and for more than a mebibyte, where the look would
-/// cost more than it saves.
+/// Whether the printer answers nothing in `data`: it holds known commands alone, and no command
+/// that asks for an answer. False if that is not certain, and for more than a mebibyte, of which
+/// the search would cost more than it saves.
 bool isNeverAnswered(std::span<const std::uint8_t> data);
 
-/// Where the print command ends inside which `position` lies; `position` itself outside of one or
-/// behind a command that is not known, and the end of the data when the command does not end in it.
-/// A printer takes all that comes before that place for the command's own.
+/// The end of the print command that contains `position`; `position` itself outside of a command or
+/// after one that is not known, and the end of the data if the command does not end in it. A
+/// printer takes all bytes before that place for the command's own.
 std::size_t commandEnd(std::span<const std::uint8_t> data, std::size_t position);
 
 /// Why a question after the data could not be told from the data, or its answer would prove

@@ -19,7 +19,7 @@ namespace quordalvane {
 /// The stages of a job, in their order.
 enum class PrintStage {
   Begin,  ///< the block begins: the printer is asked and made ready
-  Data,   ///< the data goes out
+  Data,   ///< the data is sent
   End,    ///< the block ends: the printer is asked until it has printed all
 };
 
@@ -29,7 +29,7 @@ struct PrintProgress {
   std::uint64_t bytesAccepted;  ///< how many bytes of the job the link has taken
   std::uint64_t bytesTotal;     ///< the size of the job
 
-  /// Why a printer that keeps the job does not go on, "cover open" for example; "" while it does.
+  /// Why a printer that keeps the job has paused, "cover open" for example; "" while it prints.
   std::string waitsFor = {};
 };
 
@@ -38,19 +38,19 @@ struct PrintProgress {
 ///
 ///     const PrintResult result = PrintJob(port).run("1 Espresso   1.80\n");
 ///
-/// The data goes out by `write:` in pieces, under the port's time-out: as long without progress
-/// fails the job. A job whose data could itself make the printer's signs is printed, but not
-/// confirmed, see `confirmationObstacle`.
+/// The data is sent by `write:` in pieces, under the port's time-out: if there is no progress for
+/// so long, the job fails. A job whose data could itself make the printer's signs is printed, but
+/// not confirmed, see `confirmationObstacle`.
 class QUOR_EXPORT PrintJob {
  public:
   /// How a job is run.
   struct Options {
-    /// How the printer is to confirm the job. None: the printer is not asked anything, and the best
-    /// outcome is Unconfirmed. In line mode ProcessId and InOrder prove nothing, either.
+    /// How the printer is to confirm the job. With None the printer is asked nothing, and the best
+    /// outcome is Unconfirmed. In line mode ProcessId and InOrder prove nothing either.
     ProofKind proof = ProofKind::Auto;
 
-    /// Called on the thread of `run` when a stage begins, after each piece that went out, and when
-    /// the reason changes for which the printer does not go on.
+    /// Called on the thread of `run` when a stage begins, after each piece that was sent, and when
+    /// the reason changes for which the printer has paused.
     std::function<void(const PrintProgress&)> progress = {};
   };
 
@@ -63,9 +63,9 @@ class QUOR_EXPORT PrintJob {
 
   /// Prints `data` and returns the result; called once. Blocks for the block's beginning, for the
   /// data, up to the time-out without progress, and up to the port's end-of-block time-out, however
-  /// much the printer talks meanwhile. The job is the port's only observer until it returns, and
-  /// leaves none. The port stays open, except after a cancel. Exceptions of the platform and the
-  /// progress function pass through.
+  /// much the printer sends meanwhile. The job is the port's only observer until it returns, and
+  /// removes itself then. The port remains open, except after a cancel. Exceptions of the platform
+  /// and the progress function pass through.
   /// @{
   PrintResult run(ByteView data);
   PrintResult run(std::string_view text);

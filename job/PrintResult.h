@@ -14,27 +14,27 @@ namespace quordalvane {
 /// How a job ended.
 enum class PrintOutcome {
   Printed,      ///< the printer confirmed that it has printed all of it
-  Unconfirmed,  ///< bytes went out, and nothing proves that they were printed, or that they were
+  Unconfirmed,  ///< bytes were sent, and nothing proves that they were printed, or that they were
                 ///< not
-  Refused,      ///< no byte of the job went out: to send it again is safe
+  Refused,      ///< no byte of the job was sent: sending it again is safe
 };
 
-/// Why a job was not printed, as far as a program must tell the cases apart.
+/// Why a job was not printed, as far as a program must distinguish the cases.
 enum class PrintObstacle {
   None,             ///< printed, or not run to its end
   PrinterNotReady,  ///< the printer answered and is off line, or paper is in its exit
   LinkLost,         ///< the link ended before the job did
   Cancelled,        ///< `PrintJob::cancel` was called
   ExchangeFailed,   ///< no answer, no space for too long, or a failed write
-  NoProof,  ///< all went out, and the sign that it was printed is missing or could be another's
+  NoProof,  ///< all was sent; the sign that it was printed is missing, or could be another job's
 };
 
-/// The result of a job, for the program and for the person before it.
+/// The result of a job, for the program and for the person who uses it.
 struct PrintResult {
   PrintOutcome outcome = PrintOutcome::Refused;  ///< how the job ended
-  PrintObstacle obstacle = PrintObstacle::None;  ///< why it was not printed; None when it was
+  PrintObstacle obstacle = PrintObstacle::None;  ///< why it was not printed; None if it was
 
-  /// The proof that was used: Auto while none was chosen, None for a printer that gives none.
+  /// The proof that was used: Auto before one was chosen, None for a printer that gives no proof.
   ProofKind proof = ProofKind::None;
 
   /// The result code of the block's beginning; failed without a block.
@@ -43,14 +43,14 @@ struct PrintResult {
   std::uint64_t bytesTotal = 0;     ///< the size of the job
   std::uint64_t bytesAccepted = 0;  ///< how many bytes of the job the link took, exactly
 
-  /// The last status that was obtained; empty if there was none. Once data has begun to go out,
-  /// only a status from after the data: an earlier one says nothing of the data's fate.
+  /// The last status that was obtained; empty if there was none. Once data was sent, only a status
+  /// from after the data counts: an earlier one says nothing about the data.
   std::optional<QuorPrinterStatus_2> status;
 
-  /// Why, for a person: "cover open", "link lost after 1,204 of 3,800 bytes". "" when printed.
+  /// Why, for a person: "cover open", "link lost after 1,204 of 3,800 bytes". "" if printed.
   std::string reason;
 
-  /// What the caller may do next, for a person. "" when printed.
+  /// The next step, for a person. "" if printed.
   std::string advice;
 };
 

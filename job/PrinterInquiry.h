@@ -19,7 +19,7 @@ namespace quordalvane {
 /// Why an inquiry has no answer.
 enum class InquiryCause {
   NoAnswer,          ///< the printer did not answer in time, or the link did not take the question
-  NotUnderstood,     ///< something answered, and it was not what a printer answers
+  NotUnderstood,     ///< something answered, and not as a printer does
   NotReady,          ///< the printer is off line, and is not asked this then
   LinkLost,          ///< the link ended
   UnknownEmulation,  ///< the port's emulation is not known, so that there is no way to ask
@@ -40,16 +40,16 @@ class QUOR_EXPORT InquiryError : public std::runtime_error {
 };
 
 /// Questions to a printer over an open port, with answers that are judged: the port's own queries
-/// may take the rest of one answer, or the words of another device, for the next answer. Nothing is
+/// may take the rest of one answer, or the bytes of another device, for the next answer. Nothing is
 /// printed.
 ///
 ///     std::cout << (PrinterInquiry(port).isOnline() ? "on line" : "off line");
 ///
 /// Each question throws an InquiryError if it has no answer. It ends within twice the port's
-/// input/output time-out and five seconds, also on a printer that never stops talking; `disconnect`
-/// ten seconds later. What waits in the port's input is thrown away. The inquiry is the port's only
-/// observer during a question, and leaves none. Exceptions of the platform pass through. Blocks the
-/// calling thread, which must be the port's only caller.
+/// input/output time-out and five seconds, even on a printer that never stops sending; `disconnect`
+/// ends ten seconds later. Bytes that wait in the port's input are thrown away. The inquiry is the
+/// port's only observer during a question, and removes itself then. Exceptions of the platform pass
+/// through. Blocks the calling thread, which must be the port's only caller.
 class QUOR_EXPORT PrinterInquiry {
  public:
   /// `port`, never null, is kept alive.
@@ -71,20 +71,20 @@ class QUOR_EXPORT PrinterInquiry {
   /// input/output time-out.
   std::chrono::milliseconds buttonSecurityTimeout();
 
-  /// Makes the printer drop what it has not printed yet. There is no answer: returns after the link
-  /// has taken the command.
+  /// Makes the printer drop the data that it has not printed yet. There is no answer: returns after
+  /// the link has taken the command.
   void dropAll();
 
   /// Makes the printer's Bluetooth module drop the link; the port stays open.
   void disconnect();
 
-  /// What the printer said during the last question, whether understood or not.
+  /// The bytes that the printer sent during the last question, whether understood or not.
   std::vector<std::uint8_t> heard() const;
 
  private:
   const std::shared_ptr<ExternalAccessoryPort> port_;
   std::vector<std::vector<std::uint8_t>>
-      reads_;  // of the last question; an empty one heard nothing
+      reads_;  // of the last question; an empty one received nothing
 };
 
 }  // namespace quordalvane

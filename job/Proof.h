@@ -20,8 +20,8 @@ namespace quordalvane {
 /// A wait that a proof begins has a limit. Cancelled passes through.
 class Proof : public TransferObserver {
  public:
-  /// Makes the printer ready. After success the data may go out, after a setback nothing of the job
-  /// may.
+  /// Makes the printer ready. After success the data may be sent; after a setback nothing of the
+  /// job may.
   virtual MaybeSetback begin() = 0;
 
   /// Ends the job, whose `data` is never empty, and waits for the printer's sign. Success is the
@@ -31,10 +31,11 @@ class Proof : public TransferObserver {
   /// Gives the printer back after a `begin` that had a setback.
   virtual void leave() = 0;
 
-  /// The command that makes the printer drop what it has not printed yet.
+  /// The command that makes the printer drop the data that it has not printed yet.
   virtual ByteView dropCommand() const = 0;
 
-  /// Called with why a printer that keeps the job does not go on, and with "" when it does.
+  /// Called with the reason for which a printer that keeps the job has paused, and with "" when it
+  /// continues.
   using Waiting = std::function<void(const std::string&)>;
   void setWaiting(Waiting waiting) { waiting_ = std::move(waiting); }
 

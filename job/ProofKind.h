@@ -7,7 +7,7 @@
 namespace quordalvane {
 
 /// How a printer proves that it has printed a job, the strongest first; `docs/checked-block.md`
-/// says what each can and cannot see.
+/// says what each of them can and cannot detect.
 enum class ProofKind {
   Auto,       ///< asks the printer which of the others it gives
   Block,      ///< the checked block: the printer counts marks before and after the data

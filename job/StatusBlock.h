@@ -14,8 +14,8 @@ inline bool startsStatusBlock(std::uint8_t byte) {
   return (byte & 0xc0) == 0x80 && CalculateStatusLength(byte) >= 2;
 }
 
-/// Whether the record was filled from a status block. The port itself goes by the length alone, so
-/// that the words of another device may pass for a block.
+/// Whether the record was filled from a status block. The port itself checks the length alone, so
+/// that the bytes of another device may pass for a block.
 inline bool isStatusBlock(const QuorPrinterStatus_2& status) {
   constexpr std::uint8_t layout = 1;
   return status.rawLength >= 2 && startsStatusBlock(status.raw[0]) && status.raw[1] == layout;

@@ -6,8 +6,8 @@
 
 namespace quordalvane {
 
-/// What keeps the printer from printing, in words: "cover open", "paper out, cutter error". "off
-/// line" when the printer says no more than that; "" for a printer that is on line.
+/// The reasons that keep the printer from printing, in words: "cover open", "paper out, cutter
+/// error". "off line" if the printer gives no reason; "" for a printer that is on line.
 std::string whyOffline(const QuorPrinterStatus_2& status);
 
 /// The errors that the status reports, in the same words, whether the printer is on line or not; ""

@@ -15,12 +15,12 @@ namespace quordalvane {
 ///
 /// The kernel gives it back when the process ends, whatever ends it, and no number of a process is
 /// asked that could be another's by now. It excludes every other `ByteLock` on the same byte, of
-/// this process and of others, and tells nothing to programs that do not ask for it. A process that
+/// this process and of others, and has no effect on programs that do not ask for it. A process that
 /// is forked off shares it, and keeps it until it ends or starts another program.
 class QUOR_EXPORT ByteLock {
  public:
   /// Takes the lock on byte `offset` of `file`, which is made with `mode` if it is not there. Empty
-  /// if somebody holds it. Raises `std::system_error` if the file cannot be opened or locked.
+  /// if it is held. Throws `std::system_error` if the file cannot be opened or locked.
   static std::optional<ByteLock> tryTake(const std::filesystem::path& file, std::int64_t offset,
                                          unsigned mode);
 
@@ -30,8 +30,8 @@ class QUOR_EXPORT ByteLock {
                                       unsigned mode, std::chrono::milliseconds limit,
                                       const std::function<void()>& onWait);
 
-  /// Whether somebody holds that lock, this process included. False if there is no such file.
-  /// Raises as above.
+  /// Whether that lock is held, by this process included. False if there is no such file. Throws as
+  /// above.
   static bool isTaken(const std::filesystem::path& file, std::int64_t offset);
 
   ByteLock(ByteLock&& other) noexcept;

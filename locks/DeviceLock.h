@@ -16,15 +16,16 @@ namespace quordalvane {
 /// `limit` until no other job has it, and calls `onWait` once if it has to wait. Empty when the
 /// time is over. The printer is given back when the lock ends or the process does.
 ///
-/// `identity` tells one device from others, see `deviceIdentity`. Programs that do not ask for the
-/// lock are not held up. Raises `std::system_error` if the file of the locks cannot be used.
+/// `identity` distinguishes the device from others, see `deviceIdentity`. Programs that do not ask
+/// for the lock are not held up. Throws `std::system_error` if the file of the locks cannot be
+/// used.
 QUOR_EXPORT std::optional<ByteLock> takeDevice(std::string_view identity,
                                                std::chrono::milliseconds limit,
                                                const std::function<void()>& onWait = {});
 
 /// The file on which these locks lie. In `/run/lock`, where it is one for all users of the machine;
-/// without such a folder in `$XDG_RUNTIME_DIR`, or else in a private folder among the temporary
-/// files, and then users do not wait for each other.
+/// without such a folder in `$XDG_RUNTIME_DIR`, or otherwise in a private folder among the
+/// temporary files, and then users do not wait for each other.
 QUOR_EXPORT std::filesystem::path deviceLockFile();
 
 /// The same, with `shared` instead of `/run/lock`.

@@ -6,7 +6,7 @@
 
 namespace quordalvane {
 
-/// How far a write came: the bytes that the system took, and the error that ended it early, if any.
+/// The bytes of a write that the system took, and the error that ended it early, if any.
 struct WriteOutcome {
   std::size_t written = 0;
   std::error_code error;

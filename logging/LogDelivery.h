@@ -23,44 +23,45 @@ class LogDelivery {
  public:
   LogDelivery() = default;
 
-  /// Gives the sinks what still waits and ends the writer thread; waits for a sink as long as it
-  /// takes. Nobody may use the delivery meanwhile but a sink that logs: such records are discarded.
+  /// Gives the sinks the records that are still queued and ends the writer thread; waits for a sink
+  /// as long as it takes. Meanwhile only a sink that logs may use the delivery: such records are
+  /// discarded.
   ~LogDelivery();
 
   LogDelivery(const LogDelivery&) = delete;
   LogDelivery& operator=(const LogDelivery&) = delete;
 
-  /// Queues the record and returns without waiting for a sink. When the queue is full the record is
-  /// dropped: the sinks are told how many were, by a record of type Error in the place where they
-  /// are missing. So are records that memory was too short to deliver. Until the first sink is
-  /// added records are discarded.
+  /// Queues the record and returns without waiting for a sink. If the queue is full, the record is
+  /// dropped: a record of type Error reports how many were, in the place of the missing ones.
+  /// Records that could not be delivered for lack of memory are reported in the same way. Until the
+  /// first sink is added records are discarded.
   void handOver(LogRecord&& record) noexcept { queue_.push(std::move(record)); }
 
-  /// Gives `sink`, never null and shared from now on, every record that is handed over hereafter,
-  /// and those that still wait. Throws std::system_error when the writer thread cannot be started
-  /// and std::bad_alloc where memory is short; nothing has changed then.
+  /// Gives `sink`, never null and shared from now on, every record that is handed over from now on,
+  /// and those that are still queued. Throws std::system_error if the writer thread cannot be
+  /// started and std::bad_alloc if memory is short; nothing has changed then.
   void addSink(std::shared_ptr<LogSink> sink);
 
-  /// Takes the sink away; one that was never added is ignored. Does not wait: records being
-  /// delivered at this moment may still reach it. Once a flush has returned true it is called no
-  /// more, and the delivery's share in it is released.
+  /// Removes the sink; one that was never added is ignored. Does not wait: records being delivered
+  /// at this moment may still reach it. After a flush has returned true it is not called again, and
+  /// the delivery's share in it is released.
   void removeSink(const std::shared_ptr<LogSink>& sink);
 
-  /// How many records may wait for the sinks; 8,192 at first. Those that the sinks are being given
-  /// count no more. Throws std::invalid_argument for zero and for more than 1,048,576, and
-  /// std::bad_alloc where memory is short; nothing has changed then.
+  /// How many records may wait for the sinks; 8,192 at first. Those that are being given to the
+  /// sinks are not counted. Throws std::invalid_argument for zero and for more than 1,048,576, and
+  /// std::bad_alloc if memory is short; nothing has changed then.
   void setQueueCapacity(std::size_t records);
 
-  /// Waits until the sinks have been given every record queued so far, or until `timeout` has
-  /// passed, as it does when a sink hangs. True when they have. Zero asks without waiting. A sink
-  /// that calls it has false at once when anything is left, since it would wait for itself.
+  /// Waits until the sinks have received every record queued so far, or until `timeout` has passed,
+  /// for example because a sink hangs. True if they have. Zero asks without waiting. If a sink
+  /// calls it and records are left, it returns false at once, since the sink would wait for itself.
   bool flush(std::chrono::milliseconds timeout);
 
   /// How many records were handed over, and how many of them were dropped.
   LogQueue::Counts counts() const { return queue_.counts(); }
 
  private:
-  /// A sink and whether its failing was reported, which the writer thread alone reads and sets.
+  /// A sink, and whether its failure was reported, which the writer thread alone reads and sets.
   struct AttachedSink {
     std::shared_ptr<LogSink> sink;
     bool failureReported = false;
@@ -81,7 +82,7 @@ class LogDelivery {
   static void give(AttachedSink& attached, std::span<const LogRecord> records) noexcept;
 
   LogQueue queue_;
-  Missing undelivered_;  // what the sinks have not been told of yet; the writer thread's alone
+  Missing undelivered_;  // not yet reported to the sinks; the writer thread's alone
 
   mutable std::mutex sinksMutex_;  // guards sinks_ and writer_; never held while a sink is called
   AttachedSinks sinks_;

@@ -15,23 +15,23 @@ namespace quordalvane {
 /// All members may be called from any thread, `take` and `finish` by the writer alone.
 class LogQueue {
  public:
-  /// What the writer takes at once: records in stream order, and how many were dropped after the
-  /// last of them and before the next batch, the first of these at `firstDropTime`. Records were
-  /// dropped only where some were queued.
+  /// The records that the writer takes at once, and the number that were dropped after the last of
+  /// them and before the next batch, the first at `firstDropTime`. Records are dropped only if some
+  /// are queued.
   struct Batch {
     RecordBatch records;                                  ///< in stream order
     std::uint64_t dropped = 0;                            ///< after the last of them
-    std::chrono::system_clock::time_point firstDropTime;  ///< without meaning when none was
+    std::chrono::system_clock::time_point firstDropTime;  ///< without meaning if none was
   };
 
-  /// What the queue has seen since it was made.
+  /// The counts of the queue since it was made.
   struct Counts {
-    std::uint64_t handedOver = 0;  ///< records that were pushed, on a closed queue too
+    std::uint64_t handedOver = 0;  ///< records that were pushed, also on a closed queue
     std::uint64_t dropped = 0;     ///< those that found it full, or were lost
   };
 
   /// How many records may wait at first, and how many at most: room for as many is taken at once,
-  /// and again by the writer, and some hundred megabytes are the most that a log may be worth.
+  /// and again by the writer, and a log is worth some hundred megabytes at most.
   /// @{
   static constexpr std::size_t defaultCapacity = 8192;
   static constexpr std::size_t maximumCapacity = 1048576;
@@ -49,41 +49,43 @@ class LogQueue {
   explicit LogQueue(std::chrono::milliseconds gatherTime = usualGatherTime)
       : gatherTime_(gatherTime) {}
 
-  /// Queues the record, or drops it when the queue is full. What it leaves in `record` is of no
-  /// meaning. A full queue stays full until the writer takes it, so that all drops of a batch lie
-  /// in one place of the stream. A queue that is not open discards the record, which is no drop:
-  /// there is nobody to miss it.
+  /// Queues the record, or drops it if the queue is full. `record` then has no particular value. A
+  /// full queue stays full until the writer takes it, so that all drops of a batch lie in one place
+  /// of the stream. A queue that is not open discards the record without counting a drop: no sink
+  /// misses it.
   void push(LogRecord&& record) noexcept;
 
-  /// How many records may wait; those that the writer has taken count no more. When more wait
-  /// already they stay, and the queue is full. Throws std::invalid_argument for zero and for more
-  /// than the maximum, and std::bad_alloc where memory is short; nothing has changed then.
+  /// How many records may wait; those that the writer has taken are not counted. If more are queued
+  /// already, they remain, and the queue is full. Throws std::invalid_argument for zero and for
+  /// more than the maximum, and std::bad_alloc if memory is short; nothing has changed then.
   void setCapacity(std::size_t records);
 
   /// From `open` to `close` the queue takes records. It begins closed, and holds no memory until it
-  /// is opened. Opening an open queue changes nothing. What waits when it is closed may be taken.
+  /// is opened. Opening an open queue changes nothing. Records that are queued when it is closed
+  /// may still be taken.
   /// @{
   void open();
   void close() noexcept;
   /// @}
 
   /// Waits for a record, gathers more for at most the gather time, and swaps them for the empty
-  /// `batch`. It gathers no longer than until the queue is half full or closed. False, at once,
-  /// when the queue is closed and nothing waits.
+  /// `batch`. It stops gathering once the queue is half full or closed. False, at once, if the
+  /// queue is closed and empty.
   ///
-  /// The queue goes on with the room of `batch`, which it enlarges to its capacity. Where memory is
-  /// too short for that it holds no more than `batch` has room for, which must be one record.
+  /// The queue then uses the room of `batch`, which it enlarges to its capacity. If memory is too
+  /// short for that, it holds only as many records as `batch` has room for, which must be at least
+  /// one.
   bool take(Batch& batch);
 
-  /// Says that the sinks have been given `records` more of the records taken.
+  /// Says that the sinks have received `records` more of the records taken.
   void finish(std::size_t records);
 
   /// Says that `records` more of the records taken are finished and were given to nobody, which
   /// counts as a drop.
   void lose(std::size_t records);
 
-  /// Waits until every record queued so far is finished; false when that takes longer than
-  /// `timeout`. Zero asks without waiting.
+  /// Waits until every record queued so far is finished; false if that takes longer than `timeout`.
+  /// Zero asks without waiting.
   bool waitUntilFinished(std::chrono::milliseconds timeout);
 
   /// Both counts, of one moment.

@@ -9,14 +9,14 @@
 
 namespace quordalvane {
 
-/// The kind of a log record. The tag is the one under which C and debuggers know the enumeration.
+/// The kind of a log record. C programs and debuggers know the enumeration by its tag.
 enum _ZKLogType : std::int32_t {     // NOLINT: the name is given
   ZKLogTypeQuorIOAPIStart = 0,       ///< a public call begins
   ZKLogTypeQuorIOAPIEnd = 1,         ///< and ends
   ZKLogTypeInternalMethodStart = 2,  ///< an internal method begins
   ZKLogTypeInternalMethodEnd = 3,    ///< and ends
   ZKLogTypeWrite = 4,                ///< bytes that went to the printer
-  ZKLogTypeRead = 5,                 ///< bytes that came from it
+  ZKLogTypeRead = 5,                 ///< bytes that it sent
   ZKLogTypeProcess = 6,              ///< a step on the way
   ZKLogTypeError = 7,                ///< something failed
 };
@@ -44,7 +44,7 @@ struct LogRecord {
   const char* file = "";                       ///< the name of its source file
   const char* method = "";                     ///< the function that it is in
   std::string object;                          ///< the address of the object that logged, as text
-  std::string message;                         ///< what there is to tell
+  std::string message;                         ///< the text
 };
 
 }  // namespace quordalvane

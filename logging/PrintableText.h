@@ -8,9 +8,9 @@
 namespace quordalvane {
 
 // Text from printers and ports may hold anything. Both functions append it as valid UTF-8 without
-// any control character: each becomes an escape (\n, \r, \t, else \u and four hexadecimal digits),
-// DEL and U+0080 to U+009F included, and each byte that belongs to no valid character becomes
-// U+FFFD.
+// any control character: each becomes an escape (\n, \r, \t, otherwise \u and four hexadecimal
+// digits), DEL and U+0080 to U+009F included, and each byte that belongs to no valid character
+// becomes U+FFFD.
 
 /// For people: nothing else is changed.
 QUOR_EXPORT void appendPrintable(std::string& out, std::string_view text);

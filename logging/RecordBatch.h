@@ -8,9 +8,9 @@
 
 namespace quordalvane {
 
-/// The records that the sinks are given together. It keeps the memory of those that it has given
-/// up and hands it to whoever adds the next one: threads that log would otherwise allocate what the
-/// writer frees, which costs either of them several times as much.
+/// The records that the sinks are given together. It keeps the memory of the records that it has
+/// given up and hands it to the caller that adds the next one: threads that log would otherwise
+/// allocate the memory that the writer frees, which costs both of them several times as much.
 class RecordBatch {
  public:
   /// The records that were added, in their order. The span is valid until the batch is changed.
@@ -33,7 +33,7 @@ class RecordBatch {
   void clear() noexcept;
 
  private:
-  std::vector<LogRecord> slots_;  // those behind the first size_ are given up
+  std::vector<LogRecord> slots_;  // those after the first size_ are given up
   std::size_t size_ = 0;
 };
 

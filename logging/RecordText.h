@@ -14,8 +14,8 @@ namespace quordalvane {
 /// texts hold.
 QUOR_EXPORT void appendJsonLine(std::string& out, const LogRecord& record);
 
-/// Appends the record as one line for people, with the same fields in the same order but the type's
-/// number, control characters escaped.
+/// Appends the record as one line for people: the same fields in the same order, without the number
+/// of the type, with control characters escaped.
 QUOR_EXPORT void appendReadableLine(std::string& out, const LogRecord& record);
 
 }  // namespace quordalvane

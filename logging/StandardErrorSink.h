@@ -11,8 +11,8 @@ namespace quordalvane {
 /// Writes records to the process's standard error, one readable line each.
 class QUOR_EXPORT StandardErrorSink : public LogSink {
  public:
-  /// Throws std::system_error when standard error takes no more; the rest of the records is lost
-  /// then.
+  /// Throws std::system_error if standard error takes no more; the rest of the records is then
+  /// lost.
   void write(std::span<const LogRecord> records) override;
 
  private:

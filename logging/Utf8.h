@@ -9,11 +9,11 @@ namespace quordalvane {
 /// A character of a text in UTF-8.
 struct Character {
   std::uint32_t codePoint;
-  std::size_t length;  ///< in bytes; 0 when it is not valid
+  std::size_t length;  ///< in bytes; 0 if it is not valid
 };
 
-/// The first character of a text, which must not be empty. Not valid are a byte that begins none, a
-/// character that is cut short, an overlong form and a surrogate.
+/// The first character of a text, which must not be empty. Not valid are a byte that begins no
+/// character, a character that is cut short, an overlong form and a surrogate.
 Character firstCharacter(std::string_view text) noexcept;
 
 }  // namespace quordalvane

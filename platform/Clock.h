@@ -13,7 +13,7 @@ struct TimeValue {
   std::int64_t tv_usec;  ///< and microseconds, 0 to 999999
 };
 
-/// Time and every way of letting it pass. All calls may be made from any thread at once.
+/// Time, and every way to wait. All calls may be made from any thread at once.
 class QUOR_EXPORT Clock {
  public:
   virtual ~Clock() = default;
@@ -21,7 +21,7 @@ class QUOR_EXPORT Clock {
   /// The wall clock. It may be stepped in either direction between two readings.
   virtual TimeValue gettimeofday() = 0;
 
-  /// A clock that only goes forward, from an origin of its own; for measuring, never for dates.
+  /// A clock that never moves backwards, from an origin of its own; for measuring, never for dates.
   virtual std::chrono::nanoseconds monotonic() = 0;
 
   /// Sleeps for at least `microseconds`; a signal does not shorten it. Zero returns at once.

@@ -13,8 +13,8 @@
 namespace quordalvane {
 
 /// An open conversation with an accessory: its two streams. Destroying the session ends the
-/// conversation and releases the link; that may wait for the device to take what is under way, for
-/// a few seconds at most.
+/// conversation and releases the link; that may wait for the device to take the bytes that are
+/// under way, for a few seconds at most.
 class QUOR_EXPORT EASession {
  public:
   virtual ~EASession() = default;
@@ -26,13 +26,13 @@ class QUOR_EXPORT EASession {
   virtual std::shared_ptr<NSOutputStream> outputStream() = 0;
   /// @}
 
-  /// Lets the end of the session wait for nothing: what is under way is not wanted any more. A back
-  /// end whose sessions end at once has nothing to do here.
+  /// Makes the end of the session wait for nothing: the bytes under way are not wanted any more. A
+  /// back end whose sessions end at once does nothing here.
   virtual void abandon() {}
 };
 
-/// One accessory that the device has attached. The identifying texts do not change; none is an
-/// empty optional. All calls may be made from any thread.
+/// One accessory that the device has attached. The identifying texts do not change; a missing one
+/// is an empty optional. All calls may be made from any thread.
 class QUOR_EXPORT EAAccessory {
  public:
   virtual ~EAAccessory() = default;
@@ -53,22 +53,22 @@ class QUOR_EXPORT EAAccessory {
   /// "com.quordalvane.receipt" among them, and opens its session on that one.
   virtual std::vector<std::string> protocolStrings() = 0;
 
-  /// A number that tells it from the other accessories of the process, for programs: a port only
-  /// hands it on. 0 where none was given.
+  /// A number that distinguishes it from the other accessories of the process, for programs: a port
+  /// only hands it on. 0 if it has no number.
   virtual std::uint64_t connectionID() = 0;
 
-  /// A text for people that names the accessory and shows its Bluetooth address, where it has one.
-  /// The first text in it that looks like an address is taken for the accessory's, so the address
-  /// stands before everything that could.
+  /// A text for people that names the accessory and shows its Bluetooth address, if it has one. The
+  /// first text in it that looks like an address is taken for the accessory's, so the address
+  /// precedes everything that could look like one.
   virtual std::string description() = 0;
 
-  /// False once the link is lost (end of stream, error or hang-up) and nothing that came before is
-  /// left to read. True for an accessory without a session.
+  /// False once the link is lost (end of stream, error or hang-up) and no byte that arrived before
+  /// is left to read. True for an accessory without a session.
   virtual bool isConnected() = 0;
 
   /// For a caller that waits for the link's end and reads nothing: if the link is lost by now,
-  /// bytes that are still unread no longer make `isConnected` say true. Has no effect on a link
-  /// that stands. A back end that never keeps bytes beyond the end has nothing to do here.
+  /// bytes that are still unread no longer make `isConnected` return true. Has no effect on a link
+  /// that works. A back end that never keeps bytes beyond the end does nothing here.
   virtual void noticeLoss() {}
 
   /// Opens a session on `protocol`, or returns null when the accessory cannot be reached or
@@ -81,14 +81,14 @@ class QUOR_EXPORT EAAccessoryManager {
  public:
   virtual ~EAAccessoryManager() = default;
 
-  /// The accessories, none of them null; empty when there are none. Their order counts: a port
+  /// The accessories, never null; empty if there are no accessories. Their order counts: a port
   /// takes the first that suits it.
   virtual std::vector<std::shared_ptr<EAAccessory>> connectedAccessories() = 0;
 
   /// Whether the platform has a way of its own to read an accessory's Bluetooth address.
   virtual bool readsAddresses() { return false; }
 
-  /// The accessory's Bluetooth address, or "". Asked only where `readsAddresses` says true.
+  /// The accessory's Bluetooth address, or "". Asked only if `readsAddresses` returns true.
   virtual std::string addressOf(EAAccessory& /*accessory*/) { return ""; }
 };
 

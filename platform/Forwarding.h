@@ -40,7 +40,7 @@ class ForwardingRunLoop : public NSRunLoop {
   NSRunLoop& next_;
 };
 
-/// What both directions have in common; `Stream` is NSInputStream or NSOutputStream.
+/// The common part of both directions; `Stream` is NSInputStream or NSOutputStream.
 template <typename Stream>
 class ForwardingStream : public Stream {
  public:

@@ -12,7 +12,7 @@ class QUOR_EXPORT NSRunLoop {
   virtual ~NSRunLoop() = default;
 
   /// Runs the routines that are carried to this thread, and waits for more, until `seconds` from
-  /// now on a steady clock. Zero or less runs what is waiting and returns.
+  /// now on a steady clock. Zero or less runs the routines that wait, and returns.
   virtual void runUntilDate(double seconds) = 0;
 
   /// The same, but returns as soon as `awaited` is ready or its link is lost. It never returns

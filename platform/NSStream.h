@@ -25,12 +25,12 @@ class QUOR_EXPORT NSStream {
   virtual void setDelegate(std::weak_ptr<const void> delegate) = 0;
 
   /// Ties the stream to `runLoop`, in `mode`. A port does this before `open`, on the thread whose
-  /// loop it is. A stream that moves its bytes or tells its events by a loop does so by this one; a
-  /// stream that needs no loop has nothing to do.
+  /// loop it is. A stream that moves its bytes or reports its events by a loop uses this one; a
+  /// stream that needs no loop does nothing.
   virtual void scheduleInRunLoop(NSRunLoop& runLoop, std::string_view mode) = 0;
 
-  /// Unties the stream from `runLoop` in `mode`: nothing of it runs there any more. A port does
-  /// this after `close`. On a loop that it is not tied to it has no effect. A stream may be
+  /// Unties the stream from `runLoop` in `mode`: none of its work runs there any more. A port does
+  /// this after `close`. It has no effect on a loop that the stream is not tied to. A stream may be
   /// destroyed without it, when a port is given up open, and then unties itself.
   virtual void removeFromRunLoop(NSRunLoop& runLoop, std::string_view mode) = 0;
 
@@ -51,9 +51,9 @@ class QUOR_EXPORT NSInputStream : public NSStream {
   /// True if a read would return at least one byte now. False from the end of the stream on.
   virtual bool hasBytesAvailable() = 0;
 
-  /// False if nothing can arrive before something more is written, since everything that may be
-  /// answered has been answered: a reader that only clears away leftovers need not wait then. True
-  /// if that is not known.
+  /// False if nothing can arrive before more is written, since everything that may be answered has
+  /// been answered: a reader that only clears away leftovers need not wait then. True if that is
+  /// not known.
   virtual bool expectsBytes() { return true; }
 
   /// Reads at most `maxLength` bytes into `buffer`. Returns the count read, 0 if there was nothing,
@@ -65,13 +65,13 @@ class QUOR_EXPORT NSInputStream : public NSStream {
 class QUOR_EXPORT NSOutputStream : public NSStream {
  public:
   /// True if a write need not wait: it takes at least one byte now, or fails at once because the
-  /// link is lost. A writer thus learns of a loss also while bytes that came before are left to
+  /// link is lost. A writer thus learns of a loss even while bytes that arrived before are left to
   /// read, which keep the accessory connected. False for a closed stream.
   virtual bool hasSpaceAvailable() = 0;
 
   /// Says whether the accessory may answer the bytes of the writes that follow; until it is said,
   /// it may. Called before each write. A stream that keeps count of the answers that are owed, for
-  /// `expectsBytes`, leaves out bytes that are never answered; others have nothing to do.
+  /// `expectsBytes`, leaves out bytes that are never answered; other streams do nothing.
   virtual void setMayBeAnswered(bool /*mayBeAnswered*/) {}
 
   /// Writes at most `maxLength` bytes. Returns the count taken, which may be fewer, or -1 on an

@@ -12,7 +12,7 @@ class QUOR_EXPORT NSThread {
  public:
   virtual ~NSThread() = default;
 
-  /// Starts the thread; called once. False when the system cannot create it: the body then never
+  /// Starts the thread; called once. False if the system cannot create it: the body then never
   /// runs, and is released before this returns. The body is released when it has ended.
   virtual bool start() = 0;
 
@@ -20,8 +20,8 @@ class QUOR_EXPORT NSThread {
   virtual void cancel() = 0;
 
   /// Runs `routine` on the thread's run loop and returns true when it has finished there. Returns
-  /// false, without having run it, when the thread has not started or turns its loop no more. An
-  /// exception that leaves `routine` is raised again here. Called on the thread itself, it runs
+  /// false, without having run it, if the thread has not started or no longer runs its loop. An
+  /// exception that leaves `routine` is thrown again here. Called on the thread itself, it runs
   /// `routine` directly.
   virtual bool performAndWait(std::function<void()> routine) = 0;
 };

@@ -12,16 +12,17 @@
 #include "platform/NSThread.h"
 
 // The port is specified on the interfaces of a handheld platform, and this folder keeps their
-// names, so that whoever knows those interfaces finds each call again. EAAccessoryManager,
-// EAAccessory and EASession are its service for accessories that are attached by Bluetooth or by
-// cable; NSStream, NSRunLoop and NSThread are its streams, event loops and threads; UIDevice is the
-// device that a program runs on. "BT:", with which a port name begins, says there that the
-// accessory is attached by Bluetooth. Here an accessory is whatever a back end presents as one: a
-// printer on a network address, at the end of a serial line, or simulated.
+// names, so that a reader who knows those interfaces finds each call again, and one who does not
+// need only this page. EAAccessoryManager, EAAccessory and EASession are its service for
+// accessories that are attached by Bluetooth or by cable; NSStream, NSRunLoop and NSThread are its
+// streams, event loops and threads; UIDevice is the device that a program runs on. "BT:", with
+// which a port name begins, says there that the accessory is attached by Bluetooth. Here an
+// accessory is any printer that a back end presents as one: on a network address, at the end of a
+// serial line, or simulated.
 
 namespace quordalvane {
 
-/// What there is to know of the device itself.
+/// The device that the program runs on.
 class QUOR_EXPORT UIDevice {
  public:
   virtual ~UIDevice() = default;
@@ -30,13 +31,13 @@ class QUOR_EXPORT UIDevice {
   virtual std::string systemVersion() = 0;
 };
 
-/// All that a port needs of the system. A port keeps its platform alive. The references that the
-/// calls return are valid as long as the platform; all calls may be made from any thread.
+/// Everything that a port needs of the system. A port keeps its platform alive. The references that
+/// the calls return are valid as long as the platform; all calls may be made from any thread.
 class QUOR_EXPORT Platform {
  public:
   virtual ~Platform() = default;
 
-  /// The accessories that there are, the same for all ports of the platform.
+  /// The accessories that are attached, the same for all ports of the platform.
   virtual EAAccessoryManager& sharedAccessoryManager() = 0;
 
   /// The device that the program runs on.
@@ -48,7 +49,7 @@ class QUOR_EXPORT Platform {
   /// The run loop of the calling thread, valid on that thread until it ends.
   virtual NSRunLoop& currentRunLoop() = 0;
 
-  /// A thread that will run `body`; it is not started yet. Null when there can be none.
+  /// A thread that will run `body`; it is not started yet. Null if the system has no thread left.
   virtual std::shared_ptr<NSThread> makeThread(std::function<void()> body) = 0;
 
   /// Whether the calling thread is the application's main thread.

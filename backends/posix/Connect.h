@@ -20,16 +20,16 @@ Descriptor connectToAny(const std::vector<SocketAddress>& addresses, SteadyTime 
 
 /// Connects to `host`, a name or an address (IPv6 without brackets), and makes the link fit for
 /// short exchanges: nothing is held back to be sent together with more, and an idle connection
-/// whose other side has vanished without a word fails after two minutes. A printer that stops the
+/// whose other side has vanished without a sign fails after two minutes. A printer that stops the
 /// flow, out of paper for example, may do so for as long as it likes.
 ///
-/// Raises a `std::system_error` with a text for people when nothing answers within `timeout`, which
+/// Throws a `std::system_error` with a text for people if nothing answers within `timeout`, which
 /// is above zero; its code is one of the system's or, for a name, of `resolverCategory()`. A lookup
 /// that the resolver has not finished by then is left to end on its own.
 Descriptor connectTcp(const std::string& host, std::uint16_t port,
                       std::chrono::milliseconds timeout = connectTimeout);
 
-/// Connects to the socket at `path`. Raises as above; also when the path is too long for a socket.
+/// Connects to the socket at `path`. Throws as above; also if the path is too long for a socket.
 Descriptor connectUnix(const std::string& path, std::chrono::milliseconds timeout = connectTimeout);
 
 }  // namespace quordalvane::posix

@@ -7,8 +7,8 @@
 
 namespace quordalvane::posix {
 
-/// Owns one open descriptor of a connection and closes it at its end; one that was moved from holds
-/// none. Transfers never block. It keeps no state of the connection, so all calls but the
+/// Owns one open descriptor of a connection and closes it at its end; a moved-from object owns no
+/// descriptor. Transfers never block. It keeps no state of the connection, so all calls but the
 /// moves may be made from any thread.
 class Descriptor {
  public:
@@ -34,7 +34,7 @@ class Descriptor {
   /// Lets `act` run on the descriptor right before it is closed.
   void setBeforeClose(void (*act)(int number)) { beforeClose_ = act; }
 
-  /// The descriptor, which stays owned; -1 for none.
+  /// The descriptor, which remains owned; -1 if there is none.
   int number() const { return number_; }
 
   /// Takes at most `maxLength` bytes. Returns the count, 0 at the end of the stream, or -1 with
@@ -58,16 +58,16 @@ class Descriptor {
   /// waiting.
   short pollUntil(short events, SteadyTime deadline) const;
 
-  /// Whether bytes that were handed over have not reached the other side. False where the kind
-  /// cannot tell.
+  /// Whether bytes that were handed over have not reached the other side. False if the kind cannot
+  /// report it.
   bool hasUnderWay() const;
 
-  /// How long the other side has acknowledged nothing, although it was asked more than once what
-  /// became of the bytes under way. Zero while it acknowledges that it has no space, and where the
-  /// kind cannot tell.
+  /// How long the other side has acknowledged nothing, although it was asked more than once about
+  /// the bytes under way. Zero while it acknowledges that it has no space, and if the kind cannot
+  /// report it.
   std::chrono::milliseconds silence() const;
 
-  /// Tells the other side that nothing follows, where the kind allows it.
+  /// Tells the other side that no more bytes follow, if the kind allows it.
   void endOutput() const;
 
   /// The same for both directions; wakes whoever polls.

@@ -8,7 +8,7 @@
 namespace quordalvane::posix {
 
 /// The other processes that have the file at `path` open, as far as this one may know: those of
-/// other users show themselves only by a lock on it. In rising order.
+/// other users are visible only by a lock on it. In rising order.
 std::vector<pid_t> holdersOf(const std::string& path);
 
 /// Those processes for a text: "another program: lpd (process 412)", or "another program" alone if

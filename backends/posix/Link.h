@@ -11,8 +11,8 @@
 
 namespace quordalvane::posix {
 
-/// An instant on a steady clock that stands still between the ticks of the system, some
-/// milliseconds apart. To read it costs a fraction of an exact reading.
+/// An instant on a steady clock that changes only at the ticks of the system, some milliseconds
+/// apart. To read it costs a fraction of an exact reading.
 using Tick = std::chrono::nanoseconds;
 
 /// One open connection: its descriptor, the bytes that were read ahead, and the state of both
@@ -20,7 +20,7 @@ using Tick = std::chrono::nanoseconds;
 ///
 /// The questions that a port asks before every transfer are answered from the last look at the
 /// input wherever possible, so that a whole exchange costs a handful of system calls. A look is one
-/// `receive`, which tells bytes, emptiness, the end of the stream and errors at once.
+/// `receive`, which detects bytes, emptiness, the end of the stream and errors at once.
 ///
 /// All calls may be made from any thread. Nothing is locked while a wait blocks.
 class Link {
@@ -36,17 +36,19 @@ class Link {
   void abandon();
 
   /// Ends the connection. From then on there are no bytes and no space. Returns when the device has
-  /// taken what is under way, at once if nothing is, and after two seconds in any case; what it has
-  /// not taken by then is lost if it says anything from then on. Waits in progress end at its end,
-  /// on a terminal at their deadline at the latest. A second call does nothing more.
+  /// taken the bytes under way, at once if there are none, and after two seconds at the latest; the
+  /// bytes that it has not taken by then are lost if it sends anything afterwards. Waits in
+  /// progress end at its end, on a terminal at their deadline at the latest. A second call does
+  /// nothing more.
   void release();
 
   /// True once the end of the stream, a hang-up or an error was seen, or the other side was silent
-  /// for too long, and all that came before has been read. False after `release`: a link that was
-  /// given up is not lost.
+  /// for too long, and all bytes that arrived before have been read. False after `release`: a link
+  /// that was given up is not lost.
   bool isLost();
 
-  /// If the end is there, drops what came before it and was not read, so that `isLost` says true.
+  /// If the end was seen, drops the unread bytes that arrived before it, so that `isLost` returns
+  /// true.
   void noticeLoss();
 
   /// True if a read would return at least one byte. "No" may be as old as a tick of the system's
@@ -63,10 +65,11 @@ class Link {
   /// Blocks until there are bytes, the link is lost or `seconds` have passed.
   void waitForBytes(double seconds);
 
-  /// True if a write would take at least one byte, or fails at once and so tells of a loss.
+  /// True if a write would take at least one byte, or fails at once and so shows a loss.
   bool hasSpace();
 
-  /// Whether the other side may answer what is written from now on; it may until this is called.
+  /// Whether the other side may answer the bytes that are written from now on; it may until this is
+  /// called.
   void setMayBeAnswered(bool mayBeAnswered);
 
   /// Writes at most `length` bytes. Returns the count taken, 0 if there is no space, -1 on an error
@@ -88,9 +91,9 @@ class Link {
 
   const std::chrono::milliseconds silenceLimit_;
 
-  std::mutex mutex_;  // guards all that follows
+  std::mutex mutex_;  // guards the members below
 
-  // None once released. A wait holds a share of its own, so that the number is not given to another
+  // Null once released. A wait holds a share of its own, so that the number is not given to another
   // file while it is being polled.
   std::shared_ptr<const Descriptor> descriptor_;
 
@@ -98,7 +101,7 @@ class Link {
   std::size_t next_ = 0;
   std::size_t end_ = 0;
 
-  bool ended_ = false;        // nothing more will be received, and all that was has been read
+  bool ended_ = false;        // no more will be received, and all that was received has been read
   bool dry_ = false;          // the last look emptied the input
   Tick dryAt_{};              // when that was
   bool beingWaited_ = false;  // a thread waits for input, and may fill ahead_ without the lock
@@ -107,7 +110,7 @@ class Link {
   bool cameSinceWrite_ = false;  // bytes were received after the last write that may be answered
 
   bool mayBeFull_ = false;     // the last write was not taken whole
-  bool outputBroken_ = false;  // a write has failed, or would come to nothing
+  bool outputBroken_ = false;  // a write has failed, or would have no effect
   bool abandoned_ = false;     // nobody wants the bytes under way
 
   Tick nextSilenceLook_{};  // when the system is asked for signs of life again

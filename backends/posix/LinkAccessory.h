@@ -12,12 +12,12 @@
 
 namespace quordalvane::posix {
 
-/// Makes a connection and returns its descriptor; raises a `std::exception` whose text tells people
-/// why there is none.
+/// Makes a connection and returns its descriptor; throws a `std::exception` whose text explains to
+/// people why there is none.
 using Connector = std::function<Descriptor()>;
 
 /// An accessory that is reached through a descriptor. It counts as attached before anything is
-/// connected; each session makes a connection of its own, and `isConnected` speaks of the newest
+/// connected; each session makes a connection of its own, and `isConnected` is about the newest
 /// one.
 class LinkAccessory : public IdentifiedAccessory {
  public:
@@ -27,7 +27,7 @@ class LinkAccessory : public IdentifiedAccessory {
   bool isConnected() override;
   void noticeLoss() override;
 
-  /// Connects. Null when that fails or when the accessory does not announce `protocol`.
+  /// Connects. Null if that fails or the accessory does not announce `protocol`.
   std::shared_ptr<EASession> openSession(const std::string& protocol) override;
 
   /// Why the latest `openSession` returned null, for people; "" if it did not or was never called.
@@ -41,8 +41,8 @@ class LinkAccessory : public IdentifiedAccessory {
 
   const Connector connect_;
 
-  std::mutex mutex_;              // guards what follows
-  std::shared_ptr<Link> newest_;  // of the newest session, and kept when it has ended
+  std::mutex mutex_;              // guards the members below
+  std::shared_ptr<Link> newest_;  // of the newest session, and kept after its end
   std::string lastError_;
   std::error_code lastErrorCode_;
 };

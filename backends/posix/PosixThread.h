@@ -9,9 +9,9 @@ namespace quordalvane::posix {
 
 class ThreadRunLoop;
 
-/// A thread that nobody joins: it ends by itself, or with the process. It keeps nothing of its
-/// handle, so a body that holds the handle's owner makes no cycle once the thread has started.
-/// An exception that leaves the body ends the process.
+/// A detached thread: it ends by itself, or with the process. It does not refer to its handle, so a
+/// body that holds the handle's owner makes no cycle once the thread has started. An exception that
+/// leaves the body ends the process.
 class PosixThread final : public NSThread {
  public:
   explicit PosixThread(std::function<void()> body);

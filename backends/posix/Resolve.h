@@ -20,22 +20,22 @@ struct SocketAddress {
 /// The codes of the system's resolver, with its texts.
 const std::error_category& resolverCategory();
 
-/// What a lookup has come to: addresses, or the resolver's code of why there are none.
+/// The result of a lookup: addresses, or the resolver's error code.
 struct LookupResult {
   std::vector<SocketAddress> addresses;
   int error = 0;
 };
 
-/// A search for addresses, which may block for as long as it likes.
+/// A search for addresses, which may block for any time.
 using Lookup = std::function<LookupResult()>;
 
-/// Returns the addresses that `lookup` finds; raises `std::system_error` with the code of a failed
-/// one, and with EAI_AGAIN if it has not ended at `deadline`: it then goes on by itself on a thread
-/// of its own, which keeps a copy.
+/// Returns the addresses that `lookup` finds; throws `std::system_error` with the code of a failed
+/// one, and with EAI_AGAIN if it has not ended at `deadline`: it then continues on a thread of its
+/// own, which keeps a copy.
 std::vector<SocketAddress> lookUpUntil(SteadyTime deadline, Lookup lookup);
 
 /// The addresses of `host`, at least one, in the order in which to try them. An address in figures
-/// is read as such and never looked up. Raises `std::system_error` with a code of
+/// is read as such and never looked up. Throws `std::system_error` with a code of
 /// `resolverCategory()` if there is none by `deadline`.
 std::vector<SocketAddress> resolve(const std::string& host, std::uint16_t port,
                                    SteadyTime deadline);

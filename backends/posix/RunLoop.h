@@ -22,10 +22,10 @@ class ThreadRunLoop final : public NSRunLoop {
   /// Lets routines in, before the thread is started.
   void open();
 
-  /// Runs what is waiting and lets nothing more in. For the loop's thread, at its end.
+  /// Runs the routines that wait and refuses later ones. For the loop's thread, at its end.
   void finish();
 
-  /// Lets nothing more in and refuses what is waiting, when there will be no thread.
+  /// Refuses the routines that wait and all later ones, if there will be no thread.
   void refuse();
 
   /// Runs `routine` on the loop's thread, as `NSThread::performAndWait` states.
@@ -40,7 +40,7 @@ class ThreadRunLoop final : public NSRunLoop {
 
   void runCarried(std::unique_lock<std::mutex>& lock);
 
-  std::mutex mutex_;  // guards what follows
+  std::mutex mutex_;  // guards the members below
   std::condition_variable arrived_;
   std::condition_variable settled_;
   std::deque<Carried*> waiting_;

@@ -14,7 +14,7 @@
 
 namespace quordalvane::virtuals {
 
-/// An accessory whose printer is in this process and lives by a clock of the caller's choice.
+/// An accessory whose printer is in this process and uses a clock of the caller's choice.
 class VirtualAccessory : public IdentifiedAccessory {
  public:
   /// `clock` must outlive the accessory and its sessions. Each session's link begins with `faults`.
@@ -24,12 +24,12 @@ class VirtualAccessory : public IdentifiedAccessory {
   bool isConnected() override;
   void noticeLoss() override;
 
-  /// A new connection to the printer, which ends the one before. Null unless `protocol` is one of
+  /// A new connection to the printer, which ends the previous one. Null unless `protocol` is one of
   /// the accessory's.
   std::shared_ptr<EASession> openSession(const std::string& protocol) override;
 
-  /// Lets the printer work up to now and `look` at it or change it; `look` must not call back here.
-  /// Any thread.
+  /// Lets the printer work up to now, then lets `look` read or change it; `look` must not call back
+  /// here. Any thread.
   void withPrinter(const std::function<void(simulator::VirtualPrinter&, simulator::Instant)>& look);
 
  protected:
@@ -43,7 +43,7 @@ class VirtualAccessory : public IdentifiedAccessory {
 };
 
 /// Makes an accessory of a printer that `options` describe: its state by the names of the status
-/// record's flags, and its settings and faults. Raises std::invalid_argument, with a text that
+/// record's flags, and its settings and faults. Throws std::invalid_argument, with a text that
 /// names the key and the values it takes.
 std::shared_ptr<VirtualAccessory> makePrinterAccessory(
     AccessoryIdentity identity, const std::vector<std::pair<std::string, std::string>>& options,

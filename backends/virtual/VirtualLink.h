@@ -12,8 +12,8 @@
 
 namespace quordalvane::virtuals {
 
-/// The printer that an accessory stands for, and what goes wrong on the way to it. All that touches
-/// the printer or a link to it holds the mutex.
+/// The printer that an accessory represents, and the faults of the links to it. The mutex guards
+/// the printer and its links.
 struct PrinterInside {
   std::mutex mutex;
   std::unique_ptr<simulator::VirtualPrinter> printer;
@@ -21,8 +21,8 @@ struct PrinterInside {
 };
 
 /// One connection to a printer in this process, shared by a session, its streams and its accessory.
-/// The printer lives by `clock`: whoever calls lets it work up to now. All calls may be made from
-/// any thread.
+/// The printer uses `clock`: each call lets it work up to now. All calls may be made from any
+/// thread.
 class VirtualLink {
  public:
   VirtualLink(std::shared_ptr<PrinterInside> inside, Clock& clock);
@@ -30,7 +30,7 @@ class VirtualLink {
   VirtualLink(const VirtualLink&) = delete;
   VirtualLink& operator=(const VirtualLink&) = delete;
 
-  /// True once the link has dropped and nothing that came before is left to read. False after
+  /// True once the link has dropped and no byte that arrived before is left to read. False after
   /// `close`: a link that was given up is not lost.
   bool isLost();
 

@@ -4,7 +4,7 @@
 #include <stdint.h>
 
 /**
- * What is known of a printer at one moment, as its last status reply told it.
+ * The state of a printer at one moment, as its last status reply reported it.
  *
  * The record belongs to the caller; the port writes into it and keeps nothing of it. A flag is 0
  * when the condition is absent and 1 when it is present. A line-mode reply fills every field; an
@@ -20,7 +20,7 @@ typedef struct QuorPrinterStatus_2_ {
   uint32_t compulsionSwitch; /**< the switch input; in ESC/POS the level at the drawer connector */
 
   /* Errors. */
-  uint32_t overTemp;               /**< it is too hot to go on */
+  uint32_t overTemp;               /**< it is too hot to print */
   uint32_t unrecoverableError;     /**< one that the printer cannot end by itself */
   uint32_t cutterError;            /**< the paper cutter failed */
   uint32_t mechError;              /**< the mechanism failed */
@@ -37,8 +37,8 @@ typedef struct QuorPrinterStatus_2_ {
   /* Sensors on the receipt paper. */
   uint32_t receiptBlackMarkDetection;  /**< a black mark is at the sensor */
   uint32_t receiptPaperEmpty;          /**< the paper has run out */
-  uint32_t receiptPaperNearEmptyInner; /**< near its end, as the inner sensor says */
-  uint32_t receiptPaperNearEmptyOuter; /**< near its end, as the outer sensor says */
+  uint32_t receiptPaperNearEmptyInner; /**< near its end, by the inner sensor */
+  uint32_t receiptPaperNearEmptyOuter; /**< near its end, by the outer sensor */
 
   /* Sensors along the paper path. */
   uint32_t paperPresent;           /**< paper left in the exit */
@@ -51,9 +51,9 @@ typedef struct QuorPrinterStatus_2_ {
   uint32_t validationPaperPresent; /**< paper for validation printing is in place */
   uint32_t slipPaperPresent;       /**< slip paper is in place */
 
-  uint32_t etbAvailable; /**< the printer tells its ETB counter */
+  uint32_t etbAvailable; /**< the printer reports its ETB counter */
 
-  /** How many ETB commands the printer has worked through, modulo 256; meaningful where
+  /** How many ETB commands the printer has worked through, modulo 256; meaningful if
    * etbAvailable is 1. */
   uint8_t etbCounter;
 

@@ -9,21 +9,21 @@
  * The library for programs that are not written in C++. No exception crosses this interface.
  *
  * Errors. A function that can fail returns a code: 0 or more when it has done its work, below 0
- * when it has not; quor_last_error then says why. Where a null pointer is not spoken of there must
- * be none: functions that return a code answer QUOR_USAGE to it, the others 0.
+ * when it has not; quor_last_error then says why. A pointer must not be null unless its function
+ * says so: to a null one, functions that return a code answer QUOR_USAGE, and the others 0.
  *
  * Texts and bytes. The library hands out no memory: it copies into the caller's buffer of
  * `capacity` bytes, and stores in `*length`, which may be null, how many bytes there are. Texts end
  * in a NUL that `length` does not count and `capacity` must have room for. When the buffer is too
- * small, nothing is copied, `*length` is set all the same, and the code is QUOR_BUFFER_TOO_SMALL;
- * a capacity of 0, for which the buffer may be null, thus asks for the length. What is handed in is
- * copied or used during the call alone, functions and their contexts excepted.
+ * small, nothing is copied, `*length` is set all the same, and the code is QUOR_BUFFER_TOO_SMALL; a
+ * capacity of 0, for which the buffer may be null, thus asks for the length. The library copies its
+ * input or uses it during the call alone, except functions and their contexts.
  *
  * Handles. Who creates one frees it; freeing null does nothing.
  *
- * Threads. A port and what is done with it belong to one thread at a time; its properties and
- * quor_port_is_connected may be asked and set from any thread at any time. All other functions may
- * be called from any thread, where nothing else is said.
+ * Threads. One thread at a time may use a port; its properties and quor_port_is_connected may be
+ * asked and set from any thread at any time. All other functions may be called from any thread
+ * unless their text says otherwise.
  *
  * Time-outs are in milliseconds. Those of a port count as whole seconds of the wall clock: n
  * seconds end n to n + 1 seconds later, less than 1000 ms when the clock's second has changed.
@@ -42,10 +42,10 @@ enum {
   QUOR_NONE = 1,              /**< done, but there is nothing to hand out; nothing is copied */
   QUOR_FAILED = -1,           /**< tried, and it did not succeed */
   QUOR_PORT_EXCEPTION = -2,   /**< the port gave up: a failed write or a lost link */
-  QUOR_UNREADABLE = -3,       /**< the printer's answer is not what it must be */
+  QUOR_UNREADABLE = -3,       /**< the printer's answer does not have the form that it must have */
   QUOR_STOPPED = -4,          /**< the transfer observer stopped the operation */
   QUOR_USAGE = -5,            /**< called with something that is not allowed; nothing was done */
-  QUOR_BUFFER_TOO_SMALL = -6, /**< `*length` tells how many bytes there are */
+  QUOR_BUFFER_TOO_SMALL = -6, /**< `*length` is the number of bytes that there are */
   QUOR_NO_MEMORY = -7,        /**< memory ran out */
   QUOR_UNEXPECTED = -8        /**< the system or a function of the caller's failed */
 };
@@ -63,7 +63,7 @@ QUOR_EXPORT const char* quor_version(void);
  * ports that are created from then on find them, earlier ones keep theirs. A text is
  * SCHEME:PLACE[,key=value...]: "virtual:", "tcp:192.0.2.10:9100", "unix:PATH", "serial:PATH". 0
  * texts are no devices, and `specs` may then be null. Nothing is connected before a port is opened.
- * QUOR_USAGE for a text that is none; the devices are then as they were. */
+ * QUOR_USAGE for a text that is no device; the devices do not change then. */
 QUOR_EXPORT QuorCode quor_connect_devices(const char* const* specs, size_t count);
 
 /* ---- Port: creation and connection ----------------------------------------------------------- */
@@ -79,12 +79,12 @@ enum {
 typedef struct QuorPort QuorPort;
 
 /** Creates a port; nothing is opened. `port_name` is "BT:", or null, for the first printer that is
- * attached, or "BT:" followed by a name, serial number or Bluetooth address. It is UTF-8; whatever
- * its first three characters are, they count as the prefix. `port_settings`, which
- * may be null, may hold a d and 0 to 255: the data time-out in seconds. `timeout` is the
- * input/output time-out; 0 ends a wait when the clock's second changes. On the main thread it also
- * starts the port's own thread, which runs until quor_port_close. QUOR_FAILED when
- * quor_connect_devices was not called before or there can be no thread; `*port` is then null. */
+ * attached, or "BT:" followed by a name, serial number or Bluetooth address. It is UTF-8; its first
+ * three characters count as the prefix, even if they are not "BT:". `port_settings`, which may be
+ * null, may hold a d and 0 to 255: the data time-out in seconds. `timeout` is the input/output
+ * time-out; 0 ends a wait when the clock's second changes. On the main thread it also starts the
+ * port's own thread, which runs until quor_port_close. QUOR_FAILED when quor_connect_devices was
+ * not called before or there can be no thread; `*port` is then null. */
 QUOR_EXPORT QuorCode quor_port_create(const char* port_name, const char* port_settings,
                                       uint32_t timeout, int32_t emulation, QuorPort** port);
 
@@ -100,19 +100,19 @@ QUOR_EXPORT QuorCode quor_port_open(QuorPort* port);
 
 /** Ends the session and, on the main thread, the port's thread. Pauses 0.1 s before if the system
  * version is 10.0 or more; it is the kernel's, which is lower today. Waits for the printer to take
- * what is under way: at most two seconds over a socket, and not at all if nothing is. Harmless on a
- * port that is not open. */
+ * the bytes that are under way: at most two seconds over a socket, and not at all if there are
+ * none. Harmless on a port that is not open. */
 QUOR_EXPORT QuorCode quor_port_close(QuorPort* port);
 
-/** 1 while the chosen accessory is attached, also when an open found it and got no session; 0
- * before quor_port_open and after quor_port_close. */
+/** 1 while the chosen accessory is attached, even if an open found it and got no session; 0 before
+ * quor_port_open and after quor_port_close. */
 QUOR_EXPORT int32_t quor_port_is_connected(QuorPort* port);
 
 /* ---- Port: bytes ----------------------------------------------------------------------------- */
 
 /** Offers `size` bytes to the link and waits at most 0.1 s once for space. `*written` is how many
- * it took, which may be fewer, and 0. QUOR_FAILED when the link is lost or reports an error: how
- * many bytes had gone out is then not told, and `*written` is 0. */
+ * it took, which may be fewer, and 0. QUOR_FAILED when the link is lost or reports an error: the
+ * number of bytes sent is then unknown, and `*written` is 0. */
 QUOR_EXPORT QuorCode quor_port_write(QuorPort* port, const void* data, size_t size,
                                      size_t* written);
 
@@ -128,17 +128,18 @@ QUOR_EXPORT QuorCode quor_port_read(QuorPort* port, void* buffer, size_t capacit
 QUOR_EXPORT QuorCode quor_port_write_with_retry(QuorPort* port, const void* command, size_t size,
                                                 size_t* written);
 
-/** Functions that see every byte that passes, on the thread that moves it: `bytes_written` how many
- * the link took, `bytes_read` what a read is about to return; both may be nothing. One that returns
- * other than 0 stops the operation that moves the bytes, with QUOR_STOPPED. `context` is the one
- * that was set with them. Neither may free the port, nor set its observers.
+/** Functions that see every byte that passes, on the thread that moves it: `bytes_written` gets the
+ * number that the link took, which may be 0, and `bytes_read` the bytes that a read is about to
+ * return, which may be empty. A function that returns other than 0 stops the operation that moves
+ * the bytes, with QUOR_STOPPED. `context` is the one that was set with them. Neither may free the
+ * port, nor set its observers.
  * @{ */
 typedef int32_t (*QuorBytesWritten)(void* context, size_t count);
 typedef int32_t (*QuorBytesRead)(void* context, const uint8_t* bytes, size_t count);
 /** @} */
 
-/** Sets the observers of a port; each may be null for none. `context` must outlive their use. A
- * print job takes their place while it runs and leaves none behind. */
+/** Sets the observers of a port; null removes one. `context` must outlive their use. A print job
+ * replaces them while it runs, and removes them at its end. */
 QUOR_EXPORT QuorCode quor_port_set_transfer_observer(QuorPort* port, QuorBytesWritten bytes_written,
                                                      QuorBytesRead bytes_read, void* context);
 
@@ -146,8 +147,8 @@ QUOR_EXPORT QuorCode quor_port_set_transfer_observer(QuorPort* port, QuorBytesWr
 
 /** Asks the printer for its status; `level` is only logged. QUOR_FAILED when there was no usable
  * answer: after about 3 s in line mode, the record then untouched; within the time-out in ESC/POS,
- * the record then perhaps partly written. QUOR_PORT_EXCEPTION when the link is lost. What waits in
- * the input is thrown away. */
+ * the record then perhaps partly written. QUOR_PORT_EXCEPTION when the link is lost. Bytes that
+ * wait in the input are thrown away. */
 QUOR_EXPORT QuorCode quor_port_get_parsed_status(QuorPort* port, QuorPrinterStatus_2* status,
                                                  uint32_t level);
 
@@ -157,7 +158,7 @@ QUOR_EXPORT QuorCode quor_port_get_online_status(QuorPort* port, int32_t* online
 
 /* ---- Port: checked block --------------------------------------------------------------------- */
 
-/** What became of a block's beginning. The port itself gives success, failed and paper present; the
+/** How the beginning of a block ended. The port itself gives success, failed and paper present; the
  * other two are for layers above it. */
 enum {
   QUOR_RESULT_SUCCESS = 0,        /**< the block has begun */
@@ -168,39 +169,40 @@ enum {
 };
 
 /** Prepares the printer for a job whose printing quor_port_end_checked_block will verify. `status`
- * receives every status acquired. QUOR_OK says that the exchange worked and `*result_code` what
- * came of it: success, or failed when a line-mode printer was off line and nothing was sent.
- * QUOR_FAILED, with failed or paper present in `*result_code`, when the exchange failed, or a wait:
- * for the counter (the time-out), or for paper to be taken (the hold-print time-out).
- * QUOR_PORT_EXCEPTION when the link is lost. */
+ * receives every status acquired. QUOR_OK says that the exchange worked; `*result_code` is then
+ * success, or failed if a line-mode printer was off line and nothing was sent. QUOR_FAILED, with
+ * failed or paper present in `*result_code`, when the exchange failed, or a wait: for the counter
+ * (the time-out), or for paper to be taken (the hold-print time-out). QUOR_PORT_EXCEPTION when the
+ * link is lost. */
 QUOR_EXPORT QuorCode quor_port_begin_checked_block(QuorPort* port, QuorPrinterStatus_2* status,
                                                    uint32_t level, int64_t* result_code);
 
 /** Marks the end of the job and waits, up to the end-of-block time-out, until the printer has
- * worked through everything, or is off line: `status` says so, and judging it is the caller's. In
+ * worked through everything, or is off line: `status` shows which, and the caller judges it. In
  * ESC/POS QUOR_OK alone does not prove that the job was printed; a print job knows. QUOR_FAILED
  * when a write failed or the time passed, QUOR_PORT_EXCEPTION when the link is lost. */
 QUOR_EXPORT QuorCode quor_port_end_checked_block(QuorPort* port, QuorPrinterStatus_2* status,
                                                  uint32_t level);
 
-/** Tells the printer to drop what it has received and not printed. QUOR_FAILED unless the command
- * was written whole. */
+/** Makes the printer drop the data that it has received and not printed. QUOR_FAILED unless the
+ * command was written whole. */
 QUOR_EXPORT QuorCode quor_port_start_data_cancel(QuorPort* port);
 
-/* ---- Port: what the printer says of itself --------------------------------------------------- */
+/* ---- Port: facts about the printer ----------------------------------------------------------- */
 
-/** Ask for the firmware text, for quor_port_firmware_information to tell; a failure leaves the
- * earlier one. The first looks at the status before and fails on a printer that is off line; the
- * others are the queries of line mode and of ESC/POS alone. QUOR_FAILED without an answer within
- * the time-out, QUOR_UNREADABLE on an ESC/POS reply of one byte.
+/** Ask for the firmware text, which quor_port_firmware_information then returns; a failure leaves
+ * the earlier one. The first looks at the status before and fails on a printer that is off line;
+ * the others are the queries of line mode and of ESC/POS alone. QUOR_FAILED without an answer
+ * within the time-out, QUOR_UNREADABLE on an ESC/POS reply of one byte.
  * @{ */
 QUOR_EXPORT QuorCode quor_port_retrieve_firmware_information(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_retrieve_firmware_information2(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_retrieve_escpos_firmware_information(QuorPort* port);
 /** @} */
 
-/** Asks for both DIP-switch banks and appends them to what quor_port_dip_switch_information tells.
- * QUOR_FAILED when one gave no answer within the time-out; bank 1 stays when bank 2 fails. */
+/** Asks for both DIP-switch banks and appends them to the banks that
+ * quor_port_dip_switch_information returns. QUOR_FAILED when one gave no answer within the
+ * time-out; if bank 2 fails, bank 1 remains appended. */
 QUOR_EXPORT QuorCode quor_port_retrieve_dip_switch_information(QuorPort* port);
 
 /** Asks for the two setting bytes of `bank`, 1 or 2, and appends them to nothing. QUOR_FAILED
@@ -208,8 +210,9 @@ QUOR_EXPORT QuorCode quor_port_retrieve_dip_switch_information(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_retrieve_dip_switch_bank(QuorPort* port, uint8_t bank,
                                                         uint8_t settings[2]);
 
-/** Stores the button-security time-out: 0 when it is off, else the printer's 5, 10 or 20 seconds
- * plus the creation time-out, modulo 2^32. QUOR_FAILED without an answer within the time-out. */
+/** Stores the button-security time-out: 0 when it is off, otherwise the printer's 5, 10 or 20
+ * seconds plus the creation time-out, modulo 2^32. QUOR_FAILED without an answer within the
+ * time-out. */
 QUOR_EXPORT QuorCode quor_port_retrieve_button_security_timeout(QuorPort* port,
                                                                 uint32_t* milliseconds);
 
@@ -221,14 +224,15 @@ QUOR_EXPORT QuorCode quor_port_enter_at_mode(QuorPort* port);
 
 /** Waits up to `timeout`, at least a second, for the module's result, and copies the text: its OK
  * or ERROR line, or, with `setting_title`, which may be null, the title and the `setting_length`
- * characters after it, 0 meaning all of them. QUOR_FAILED when none came, QUOR_UNREADABLE when the
- * title and so many characters are not in it. A text that the buffer cannot hold is lost. */
+ * characters after it, 0 meaning all of them. QUOR_FAILED when none arrived, QUOR_UNREADABLE when
+ * the title and so many characters are not in it. A text that the buffer cannot hold is lost. */
 QUOR_EXPORT QuorCode quor_port_get_printer_response(QuorPort* port, const char* setting_title,
                                                     int32_t setting_length, int32_t timeout,
                                                     char* text, size_t capacity, size_t* length);
 
-/** Asks the module to drop the link and waits up to the time-out until it is gone; the port stays
- * open. QUOR_FAILED when it is not. The second takes a module in command mode already.
+/** Asks the module to drop the link and waits up to the time-out until it is lost; the port remains
+ * open. QUOR_FAILED when it is not lost. The second is for a module that is in command mode
+ * already.
  * @{ */
 QUOR_EXPORT QuorCode quor_port_disconnect(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_disconnect_bluetooth_connection(QuorPort* port);
@@ -236,7 +240,7 @@ QUOR_EXPORT QuorCode quor_port_disconnect_bluetooth_connection(QuorPort* port);
 
 /* ---- Port: properties ------------------------------------------------------------------------ */
 
-/** What the port was created with; the time-out in milliseconds.
+/** The values that the port was created with; the time-out in milliseconds.
  * @{ */
 QUOR_EXPORT int32_t quor_port_emulation(QuorPort* port);
 QUOR_EXPORT uint32_t quor_port_timeout(QuorPort* port);
@@ -255,7 +259,8 @@ QUOR_EXPORT QuorCode quor_port_set_hold_print_timeout(QuorPort* port, uint32_t m
 /** @} */
 
 /** After how many seconds without data the printer drops an unfinished job: 0 is never, and a
- * negative value, as at first, leaves its own setting alone. Of others the low byte is sent.
+ * negative value, as at first, does not change the printer's own setting. Of other values the low
+ * byte is sent.
  * @{ */
 QUOR_EXPORT int64_t quor_port_data_timeout_seconds(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_set_data_timeout_seconds(QuorPort* port, int64_t seconds);
@@ -270,7 +275,7 @@ QUOR_EXPORT QuorCode quor_port_dip_switch_information(QuorPort* port, uint8_t* b
                                                       size_t capacity, size_t* length);
 
 /** The name, the serial number and the connection identifier of the chosen accessory; QUOR_NONE and
- * 0 while the port is closed. Setting null makes a text none.
+ * 0 while the port is closed. Setting null removes a text.
  * @{ */
 QUOR_EXPORT QuorCode quor_port_name(QuorPort* port, char* text, size_t capacity, size_t* length);
 QUOR_EXPORT QuorCode quor_port_set_name(QuorPort* port, const char* name);
@@ -284,11 +289,10 @@ QUOR_EXPORT QuorCode quor_port_set_connection_id(QuorPort* port, uint64_t connec
 /** 1 once an accessory of the model "XQ700" was opened; never 0 again. */
 QUOR_EXPORT int32_t quor_port_is_brondel(QuorPort* port);
 
-/** 1 when the port has a thread of its own, which one that was created off the main thread has
- * not. */
+/** 1 if the port has a thread of its own; a port that was created off the main thread has none. */
 QUOR_EXPORT int32_t quor_port_has_thread71(QuorPort* port);
 
-/** What the last open came to, 1 or 0; QUOR_NONE before the first. Negative sets it to none.
+/** The result of the last open, 1 or 0; QUOR_NONE before the first. A negative value removes it.
  * @{ */
 QUOR_EXPORT QuorCode quor_port_result71(QuorPort* port, int32_t* result);
 QUOR_EXPORT QuorCode quor_port_set_result71(QuorPort* port, int32_t result);
@@ -303,29 +307,29 @@ QUOR_EXPORT float quor_port_sec_interval2(QuorPort* port);
 
 /* ---- Print job ------------------------------------------------------------------------------- */
 
-/** What became of a job. */
+/** The outcome of a job. */
 enum {
   QUOR_PRINTED = 0, /**< the printer confirmed that it has printed all of it */
   QUOR_UNCONFIRMED =
-      1,           /**< bytes went out, and nothing proves that they were printed or were not */
-  QUOR_REFUSED = 2 /**< no byte of the job went out: to send it again is safe */
+      1,           /**< bytes were sent, and nothing proves that they were printed or were not */
+  QUOR_REFUSED = 2 /**< no byte of the job was sent: sending it again is safe */
 };
 
-/** Why a job was not printed, as far as a program must tell the cases apart. */
+/** Why a job was not printed, as far as a program must distinguish the cases. */
 enum {
   QUOR_OBSTACLE_NONE = 0,              /**< printed, or not run to its end */
   QUOR_OBSTACLE_PRINTER_NOT_READY = 1, /**< off line, or paper in its exit */
   QUOR_OBSTACLE_LINK_LOST = 2,         /**< the link ended before the job did */
   QUOR_OBSTACLE_CANCELLED = 3,         /**< quor_print_job_cancel was called */
   QUOR_OBSTACLE_EXCHANGE_FAILED = 4,   /**< no answer, no space for too long, or a failed write */
-  QUOR_OBSTACLE_NO_PROOF = 5           /**< all went out; the sign that it was printed is missing */
+  QUOR_OBSTACLE_NO_PROOF = 5 /**< all bytes were sent; the sign that they were printed is missing */
 };
 
 /** One print job over an open port. It is sent once and never again by itself. */
 typedef struct QuorPrintJob QuorPrintJob;
 
-/** Called on the thread that runs the job: when its block begins, when its data is about to go out,
- * after each piece that went out, and when its block ends. */
+/** Called on the thread that runs the job: when its block begins, before its data is sent, after
+ * each piece that was sent, and when its block ends. */
 typedef void (*QuorProgress)(void* context, uint64_t bytes_accepted, uint64_t bytes_total);
 
 /** Creates a job, which keeps the port for itself as long as it lives. `checked` 0: the printer is
@@ -334,22 +338,23 @@ typedef void (*QuorProgress)(void* context, uint64_t bytes_accepted, uint64_t by
 QUOR_EXPORT QuorCode quor_print_job_create(QuorPort* port, int32_t checked, QuorProgress progress,
                                            void* context, QuorPrintJob** job);
 
-/** Frees the handle and lets go of the port; not while the job runs. */
+/** Frees the handle and releases the port; not while the job runs. */
 QUOR_EXPORT void quor_print_job_free(QuorPrintJob* job);
 
-/** Prints `size` bytes and returns when it is known what became of them, which the functions below
- * tell; called once, QUOR_USAGE the second time. QUOR_OK says nothing of the outcome. Blocks up to
- * the time-outs of the port. The port stays open, except after a cancel. A failure, of memory or of
- * the system, leaves the outcome unconfirmed and the count untold. */
+/** Prints `size` bytes and returns when their outcome is known, which the functions below return;
+ * may be called once, QUOR_USAGE the second time. QUOR_OK says nothing about the outcome. Blocks up
+ * to the time-outs of the port. The port remains open, except after a cancel. After a failure of
+ * memory or of the system the outcome is unconfirmed and the count unknown. */
 QUOR_EXPORT QuorCode quor_print_job_run(QuorPrintJob* job, const void* data, size_t size);
 
-/** Abandons the job: within 0.3 s the printer is told to drop what it holds, if the link takes
- * that, and the port is closed. Any thread, also before the run; safe in a signal handler. */
+/** Abandons the job: within 0.3 s the printer gets the command to drop the data that it holds, if
+ * the link takes that, and the port is closed. Any thread, also before the run; safe in a signal
+ * handler. */
 QUOR_EXPORT void quor_print_job_cancel(QuorPrintJob* job);
 
-/** What became of the job, for the thread that ran it. Before the run: refused, and nothing. The
- * result code is that of the block's beginning, failed without one; the total is how many bytes the
- * job has.
+/** The outcome of the job, for the thread that ran it. Before the run it is refused, with no
+ * obstacle. The result code is that of the block's beginning, or failed without a block; the total
+ * is how many bytes the job has.
  * @{ */
 QUOR_EXPORT int32_t quor_print_job_outcome(QuorPrintJob* job);
 QUOR_EXPORT int32_t quor_print_job_obstacle(QuorPrintJob* job);
@@ -357,14 +362,14 @@ QUOR_EXPORT int64_t quor_print_job_result_code(QuorPrintJob* job);
 QUOR_EXPORT uint64_t quor_print_job_bytes_total(QuorPrintJob* job);
 /** @} */
 
-/** What the link took of the job, exactly. */
+/** The exact number of bytes of the job that the link took. */
 QUOR_EXPORT uint64_t quor_print_job_bytes_accepted(QuorPrintJob* job);
 
-/** The last status that was obtained; QUOR_NONE if none was. Of a job whose data has begun to go
- * out only one from after the data. */
+/** The last status that was obtained; QUOR_NONE if none was. Once data of the job has been sent,
+ * only a status from after the data counts. */
 QUOR_EXPORT QuorCode quor_print_job_status(QuorPrintJob* job, QuorPrinterStatus_2* status);
 
-/** Why the job was not printed, and what may be done next, for a person; "" when it was printed.
+/** Why the job was not printed, and the next step to take, for a person; "" when it was printed.
  * @{ */
 QUOR_EXPORT QuorCode quor_print_job_reason(QuorPrintJob* job, char* text, size_t capacity,
                                            size_t* length);
@@ -374,15 +379,16 @@ QUOR_EXPORT QuorCode quor_print_job_advice(QuorPrintJob* job, char* text, size_t
 
 /* ---- Logging --------------------------------------------------------------------------------- */
 
-/** Whether records are made at all; off at first. What was handed over is delivered all the same.
+/** Whether records are made at all; off at first. Records that were handed over before are still
+ * delivered.
  * @{ */
 QUOR_EXPORT int32_t quor_log_is_logging(void);
 QUOR_EXPORT void quor_log_set_logging(int32_t on);
 /** @} */
 
-/** Which levels, 0 to 63, are wanted: 0 alone at first, and exactly the `count` given afterwards. 0
- * levels are none, and `levels` may then be null. QUOR_USAGE, and nothing changes, for another
- * level.
+/** Which levels, 0 to 63, are wanted: 0 alone at first, and exactly the `count` given afterwards.
+ * With a `count` of 0 no level is wanted, and `levels` may be null. QUOR_USAGE, and nothing
+ * changes, for another level.
  * @{ */
 QUOR_EXPORT int32_t quor_log_is_target_level(int32_t level);
 QUOR_EXPORT QuorCode quor_log_set_target_levels(const int32_t* levels, size_t count);
@@ -402,51 +408,50 @@ typedef struct QuorLogRecord {
   const char* file;    /**< the name of its source file */
   const char* method;  /**< the function that it is in */
   const char* object;  /**< the address of the object that logged */
-  const char* message; /**< what there is to tell */
+  const char* message; /**< the text */
 } QuorLogRecord;
 
-/** Is given one record, with the context that it was added with. */
+/** Receives one record, with the context that the function was added with. */
 typedef void (*QuorLogFunction)(void* context, const QuorLogRecord* record);
 
-/** Where records go, until it is removed. */
+/** A destination of records, until it is removed. */
 typedef struct QuorLogSink QuorLogSink;
 
-/** Gives records to a function of the caller's, on the library's writer thread, never twice at
- * once. It may take its time, since nobody who logs waits for it, and may itself log. `context`
- * must live until the sink was removed with QUOR_OK. */
+/** Gives records to a function of the caller's, on the library's writer thread, never two at once.
+ * It may take its time, since no thread that logs waits for it, and may itself log. `context` must
+ * live until the sink was removed with QUOR_OK. */
 QUOR_EXPORT QuorCode quor_log_add_function(QuorLogFunction function, void* context,
                                            QuorLogSink** sink);
 
-/** Writes records to a file, a JSON object a line, behind what it holds. A file that would grow
- * beyond `maximum_bytes` (0: none does) makes room: FILE becomes FILE.1, and so on, `kept_files` of
- * them. QUOR_UNEXPECTED when it cannot be opened. */
+/** Appends records to a file, one JSON object a line. A file that would grow beyond `maximum_bytes`
+ * (0: no limit) makes room: FILE becomes FILE.1, and so on, `kept_files` of them. QUOR_UNEXPECTED
+ * when it cannot be opened. */
 QUOR_EXPORT QuorCode quor_log_add_file(const char* path, uint64_t maximum_bytes,
                                        uint32_t kept_files, QuorLogSink** sink);
 
 /** Writes records to standard error, one readable line each. */
 QUOR_EXPORT QuorCode quor_log_add_standard_error(QuorLogSink** sink);
 
-/** Takes the sink away, once it has been given what was logged before, and frees it, whatever the
- * code. QUOR_FAILED when it was still at work after 2 s, or is the caller: then it may be used
- * until quor_log_flush has said QUOR_OK. */
+/** Removes the sink, after it has received the records logged before, and frees it, whatever the
+ * code. QUOR_FAILED when it was still at work after 2 s, or is itself the caller: then it may be
+ * called until quor_log_flush has returned QUOR_OK. */
 QUOR_EXPORT QuorCode quor_log_remove_sink(QuorLogSink* sink);
 
-/** Waits until every record so far has been given to the sinks; QUOR_FAILED when that takes longer
- * than `timeout`, and at once when a sink calls it and something is left. 0 asks without
- * waiting. */
+/** Waits until the sinks have received every record so far; QUOR_FAILED when that takes longer than
+ * `timeout`, and at once when a sink calls it and something is left. 0 asks without waiting. */
 QUOR_EXPORT QuorCode quor_log_flush(uint32_t timeout);
 
-/** How many records may wait for the sinks, 8192 at first; what finds no room is dropped and
- * counted. QUOR_USAGE for 0 and for more than 1048576. */
+/** How many records may wait for the sinks, 8192 at first; a record that finds no room is dropped
+ * and counted. QUOR_USAGE for 0 and for more than 1048576. */
 QUOR_EXPORT QuorCode quor_log_set_queue_capacity(size_t records);
 
-/** What the logger has done since the process began. */
+/** The counts of the logger since the process began. */
 typedef struct QuorLogStatistics {
   uint64_t handed_over; /**< records that were given to the logger */
   uint64_t dropped;     /**< those of them that found no room or no memory */
 } QuorLogStatistics;
 
-/** Stores the counts in `*statistics`; nothing is set back. */
+/** Stores the counts in `*statistics`; they are not reset. */
 QUOR_EXPORT QuorCode quor_log_statistics(QuorLogStatistics* statistics);
 
 #ifdef __cplusplus

@@ -8,7 +8,7 @@
 
 namespace quordalvane {
 
-/// Raised where an exchange with the printer must be abandoned. It carries no user information.
+/// Thrown if an exchange with the printer must be abandoned. It carries no user information.
 class QUOR_EXPORT PortException : public std::exception {
  public:
   /// `reason` says, for a person, why the exchange was abandoned.
