@@ -12,7 +12,7 @@ void BlockReport::clear() {
   *this = {};
 }
 
-void BlockReport::feed(std::span<const std::uint8_t> bytes) {
+void BlockReport::feed(ByteView bytes) {
   for (const std::uint8_t byte : bytes) {
     feed(byte);
   }

@@ -4,7 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <span>
+
+#include "job/ByteView.h"
 
 namespace quordalvane {
 
@@ -13,7 +14,7 @@ namespace quordalvane {
 class BlockReport {
  public:
   /// Takes the next bytes that arrived, which may be empty.
-  void feed(std::span<const std::uint8_t> bytes);
+  void feed(ByteView bytes);
 
   /// Forgets everything, including a report that has begun.
   void clear();

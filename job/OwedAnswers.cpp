@@ -17,7 +17,7 @@ bool isRealTimeStatus(std::uint8_t byte) {
 
 }  // namespace
 
-void OwedAnswers::written(std::span<const std::uint8_t> bytes) {
+void OwedAnswers::written(ByteView bytes) {
   for (const std::uint8_t byte : bytes) {
     lastWritten_ = (lastWritten_ << 8U | byte) & 0xffffff;
     owed_ += isRequestEnd() ? 1 : 0;
@@ -28,7 +28,7 @@ bool OwedAnswers::isRequestEnd() const {
   return isLineMode_ ? lastWritten_ == lineModeRequest : lastWritten_ >> 8U == realTimeRequest;
 }
 
-void OwedAnswers::read(std::span<const std::uint8_t> bytes) {
+void OwedAnswers::read(ByteView bytes) {
   for (const std::uint8_t byte : bytes) {
     isLineMode_ ? readLineMode(byte) : readESCPOS(byte);
   }

@@ -2,10 +2,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <span>
 #include <vector>
 
 #include "iphone-IOPort/enum.h"
+#include "job/ByteView.h"
 
 namespace quordalvane {
 
@@ -20,8 +20,8 @@ class OwedAnswers {
   /// Takes the next bytes that were sent, and the next that arrived, however they are cut into
   /// pieces.
   /// @{
-  void written(std::span<const std::uint8_t> bytes);
-  void read(std::span<const std::uint8_t> bytes);
+  void written(ByteView bytes);
+  void read(ByteView bytes);
   /// @}
 
   /// True if an answer is still owed.

@@ -7,9 +7,7 @@
 namespace quordalvane {
 namespace {
 
-using Bytes = std::span<const std::uint8_t>;
-
-std::size_t littleEndian(Bytes data, std::size_t at, std::size_t width) {
+std::size_t littleEndian(ByteView data, std::size_t at, std::size_t width) {
   std::size_t value = 0;
   for (std::size_t i = width; i > 0; --i) {
     value = value << 8U | data[at + i - 1];
@@ -61,21 +59,21 @@ constexpr PlainForms plainCommandForms[] = {
 struct Form {
   std::initializer_list<std::uint8_t> prefix;
   std::size_t header;
-  std::optional<PrintCommand> (*tell)(Bytes data);
+  std::optional<PrintCommand> (*tell)(ByteView data);
 };
 
 // The functions of these are named by letters. After any other byte printers disagree about what
 // follows, an end-of-block mark for example.
-std::optional<PrintCommand> countedInTwoBytes(Bytes data) {
+std::optional<PrintCommand> countedInTwoBytes(ByteView data) {
   const bool isLetter = (data[2] | 0x20) >= 'a' && (data[2] | 0x20) <= 'z';
   return isLetter ? counted(5, littleEndian(data, 3, 2)) : std::nullopt;
 }
 
-std::optional<PrintCommand> countedInFourBytes(Bytes data) {
+std::optional<PrintCommand> countedInFourBytes(ByteView data) {
   return counted(7, littleEndian(data, 3, 4));
 }
 
-std::optional<PrintCommand> bitImage(Bytes data) {
+std::optional<PrintCommand> bitImage(ByteView data) {
   const std::size_t columns = littleEndian(data, 3, 2);
   switch (data[2]) {
     case 0:
@@ -89,19 +87,19 @@ std::optional<PrintCommand> bitImage(Bytes data) {
   }
 }
 
-std::optional<PrintCommand> raster(Bytes data) {
+std::optional<PrintCommand> raster(ByteView data) {
   if (!isOneOf(data[3], "\0\1\2\3\x30\x31\x32\x33"sv)) {
     return std::nullopt;
   }
   return counted(8, littleEndian(data, 4, 2) * littleEndian(data, 6, 2));
 }
 
-std::optional<PrintCommand> downloadedImage(Bytes data) {
+std::optional<PrintCommand> downloadedImage(ByteView data) {
   return counted(4, std::size_t{8} * data[2] * data[3]);
 }
 
 // 1b 26 y c1 c2, then for each character its width x and y times x bytes.
-std::optional<PrintCommand> userCharacters(Bytes data) {
+std::optional<PrintCommand> userCharacters(ByteView data) {
   const std::size_t rows = data[2];
   const std::uint8_t first = data[3];
   const std::uint8_t last = data[4];
@@ -116,11 +114,11 @@ std::optional<PrintCommand> userCharacters(Bytes data) {
 }
 
 // 1c 71 n, then n images: their size xL xH yL yH in units of eight dots, and the dots.
-std::optional<PrintCommand> storedImages(Bytes data) {
+std::optional<PrintCommand> storedImages(ByteView data) {
   std::size_t length = 3;
   for (int i = 0; i < data[2]; ++i) {
     const bool isThere = data.size() >= length + 4;
-    const auto image = isThere ? data.subspan(length, 4) : Bytes();
+    const auto image = isThere ? data.subspan(length, 4) : ByteView();
     length += 4 + (isThere ? 8 * littleEndian(image, 0, 2) * littleEndian(image, 2, 2) : 0);
   }
   return counted(length, 0);
@@ -128,7 +126,7 @@ std::optional<PrintCommand> storedImages(Bytes data) {
 
 /// A command that ends with a zero: printers agree on its end while nothing in it is odd to any of
 /// them. A command that is not ended by the end of the data is longer than that.
-std::optional<PrintCommand> terminated(Bytes data, std::size_t header, std::size_t most,
+std::optional<PrintCommand> terminated(ByteView data, std::size_t header, std::size_t most,
                                        bool (*isOdd)(std::uint8_t before, std::uint8_t byte)) {
   const auto content = data.subspan(header);
   const auto end = std::find(content.begin(), content.end(), std::uint8_t{0});
@@ -138,13 +136,13 @@ std::optional<PrintCommand> terminated(Bytes data, std::size_t header, std::size
   return isEven && count <= most ? plain(header + count + 1) : std::nullopt;
 }
 
-std::optional<PrintCommand> tabStops(Bytes data) {
+std::optional<PrintCommand> tabStops(ByteView data) {
   constexpr std::size_t most = 32;
   return terminated(data, 2, most,
                     [](std::uint8_t before, std::uint8_t byte) { return byte <= before; });
 }
 
-std::optional<PrintCommand> barcode(Bytes data) {
+std::optional<PrintCommand> barcode(ByteView data) {
   constexpr std::size_t most = 255;
   const std::uint8_t kind = data[2];
   if (kind <= 6) {
@@ -158,16 +156,16 @@ std::optional<PrintCommand> barcode(Bytes data) {
 }
 
 // Pulses and the like, of which these have two parameters more.
-std::optional<PrintCommand> realTimeAction(Bytes data) {
+std::optional<PrintCommand> realTimeAction(ByteView data) {
   return data[2] == 1 || data[2] == 2 ? plain(5) : std::nullopt;
 }
 
-std::optional<PrintCommand> cut(Bytes data) {
+std::optional<PrintCommand> cut(ByteView data) {
   return plain(isOneOf(data[2], "\x41\x42\x61\x62\x67\x68"sv) ? 4 : 3);
 }
 
 template <std::size_t length>
-std::optional<PrintCommand> fixed(Bytes) {
+std::optional<PrintCommand> fixed(ByteView) {
   return plain(length);
 }
 
@@ -198,14 +196,14 @@ bool startsCommand(std::uint8_t byte) {
 }
 
 /// Whether all that is there of the first bytes is alike.
-bool mayStartWith(Bytes data, std::initializer_list<std::uint8_t> prefix) {
+bool mayStartWith(ByteView data, std::initializer_list<std::uint8_t> prefix) {
   const auto known = std::min(data.size(), prefix.size());
   return std::equal(prefix.begin(), prefix.begin() + known, data.begin());
 }
 
 }  // namespace
 
-std::optional<PrintCommand> printCommandAt(std::span<const std::uint8_t> data) {
+std::optional<PrintCommand> printCommandAt(ByteView data) {
   if (!startsCommand(data.front())) {
     return plain(1);
   }

@@ -3,7 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <span>
+
+#include "job/ByteView.h"
 
 namespace quordalvane {
 
@@ -20,6 +21,6 @@ struct PrintCommand {
 /// The command at the beginning of `data`, which must not be empty. Empty for a command that is not
 /// known, or on whose parameters printers differ: its end, and so everything after it, is then
 /// unknown.
-std::optional<PrintCommand> printCommandAt(std::span<const std::uint8_t> data);
+std::optional<PrintCommand> printCommandAt(ByteView data);
 
 }  // namespace quordalvane

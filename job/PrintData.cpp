@@ -10,8 +10,6 @@
 namespace quordalvane {
 namespace {
 
-using Bytes = std::span<const std::uint8_t>;
-
 /// In which emulation a command in the data stands in the way of a confirmation.
 enum class Matters { Always, InLineMode };
 
@@ -34,12 +32,12 @@ const Obstacle obstacles[] = {
     {{0x1d, 0x49}, Matters::InLineMode, "a request for the printer's name (1d 49)"},
 };
 
-bool startsWith(Bytes data, std::initializer_list<std::uint8_t> prefix) {
+bool startsWith(ByteView data, std::initializer_list<std::uint8_t> prefix) {
   return data.size() >= prefix.size() && std::equal(prefix.begin(), prefix.end(), data.begin());
 }
 
 /// The obstacle that begins with the first byte; null if none does.
-const Obstacle* obstacleAt(Bytes data, ZKEmulation emulation) {
+const Obstacle* obstacleAt(ByteView data, ZKEmulation emulation) {
   const auto* const found =
       std::find_if(std::begin(obstacles), std::end(obstacles), [&](const Obstacle& obstacle) {
         return (obstacle.matters == Matters::Always || emulation == ZKEmulationQuorLine) &&
@@ -77,13 +75,13 @@ const std::initializer_list<std::uint8_t> answeredCommands[] = {
 };
 
 /// A two-dimensional barcode, but for the function that asks for its size.
-bool isSilentSymbol(Bytes command) {
+bool isSilentSymbol(ByteView command) {
   constexpr std::size_t function = 6;
   return startsWith(command, {0x1d, 0x28, 0x6b}) && command.size() > function &&
          command[function] != 0x52;
 }
 
-bool mayBeAnswered(Bytes command) {
+bool mayBeAnswered(ByteView command) {
   return !isSilentSymbol(command) &&
          std::any_of(std::begin(answeredCommands), std::end(answeredCommands),
                      [&](const auto& prefix) { return startsWith(command, prefix); });
@@ -91,12 +89,12 @@ bool mayBeAnswered(Bytes command) {
 
 }  // namespace
 
-bool isNeverAnswered(std::span<const std::uint8_t> data) {
+bool isNeverAnswered(ByteView data) {
   if (data.size() > mostLookedThrough) {
     return false;
   }
   for (std::size_t position = 0; position < data.size();) {
-    const Bytes rest = data.subspan(position);
+    const ByteView rest = data.subspan(position);
     if (isText(rest.front())) {
       ++position;
       continue;
@@ -110,7 +108,7 @@ bool isNeverAnswered(std::span<const std::uint8_t> data) {
   return true;
 }
 
-std::size_t commandEnd(std::span<const std::uint8_t> data, std::size_t position) {
+std::size_t commandEnd(ByteView data, std::size_t position) {
   std::size_t end = 0;
   while (end < position) {
     const auto command = printCommandAt(data.subspan(end));
@@ -122,8 +120,7 @@ std::size_t commandEnd(std::span<const std::uint8_t> data, std::size_t position)
   return end;
 }
 
-std::optional<std::string> confirmationObstacle(std::span<const std::uint8_t> data,
-                                                ZKEmulation emulation) {
+std::optional<std::string> confirmationObstacle(ByteView data, ZKEmulation emulation) {
   std::optional<std::size_t> unknown;  // where the commands cannot be told apart any more
   std::size_t next = 0;                // where the command after this one begins
   for (std::size_t position = 0; position < data.size(); ++position) {
@@ -131,7 +128,7 @@ std::optional<std::string> confirmationObstacle(std::span<const std::uint8_t> da
       next = std::max(next, position + 1);
       continue;
     }
-    const Bytes rest = data.subspan(position);
+    const ByteView rest = data.subspan(position);
     if (position == next && !unknown) {
       const auto command = printCommandAt(rest);
       if (!command) {
@@ -153,10 +150,10 @@ std::optional<std::string> confirmationObstacle(std::span<const std::uint8_t> da
   return std::nullopt;
 }
 
-std::optional<std::string> endSignObstacle(std::span<const std::uint8_t> data) {
+std::optional<std::string> endSignObstacle(ByteView data) {
   constexpr std::uint8_t clearBuffer[] = {0x10, 0x14, 0x08};
   constexpr std::uint8_t blockCommand[] = {0x1b, 0x1d, 0x03};
-  const auto holds = [&](Bytes command) {
+  const auto holds = [&](ByteView command) {
     return std::search(data.begin(), data.end(), command.begin(), command.end()) != data.end();
   };
   if (holds(clearBuffer) || holds(blockCommand)) {
@@ -175,10 +172,10 @@ std::optional<std::string> endSignObstacle(std::span<const std::uint8_t> data) {
   return std::nullopt;
 }
 
-std::optional<std::uint64_t> inOrderRequestsIn(std::span<const std::uint8_t> data) {
+std::optional<std::uint64_t> inOrderRequestsIn(ByteView data) {
   std::uint64_t count = 0;
   for (std::size_t next = 0; next < data.size();) {
-    const Bytes rest = data.subspan(next);
+    const ByteView rest = data.subspan(next);
     const auto command = printCommandAt(rest);
     if (startsWith(rest, {0x1d, 0x49})) {  // its answer has bytes of the same form
       return std::nullopt;

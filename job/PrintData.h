@@ -3,10 +3,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <span>
 #include <string>
 
 #include "iphone-IOPort/enum.h"
+#include "job/ByteView.h"
 
 namespace quordalvane {
 
@@ -17,25 +17,24 @@ namespace quordalvane {
 /// Bytes inside the counted payload of a print command (an image, a barcode, a stored graphic) are
 /// data whatever their values, as long as all commands before it are known. The parameters of a
 /// command are not distinguished from commands, since a printer need not distinguish them either.
-std::optional<std::string> confirmationObstacle(std::span<const std::uint8_t> data,
-                                                ZKEmulation emulation);
+std::optional<std::string> confirmationObstacle(ByteView data, ZKEmulation emulation);
 
 /// Whether the printer answers nothing in `data`: it holds known commands alone, and no command
 /// that asks for an answer. False if that is not certain, and for more than a mebibyte, of which
 /// the search would cost more than it saves.
-bool isNeverAnswered(std::span<const std::uint8_t> data);
+bool isNeverAnswered(ByteView data);
 
 /// The end of the print command that contains `position`; `position` itself outside of a command or
 /// after one that is not known, and the end of the data if the command does not end in it. A
 /// printer takes all bytes before that place for the command's own.
-std::size_t commandEnd(std::span<const std::uint8_t> data, std::size_t position);
+std::size_t commandEnd(ByteView data, std::size_t position);
 
 /// Why a question after the data could not be told from the data, or its answer would prove
 /// nothing: the data ends inside a command, or holds a command that makes a printer drop data.
 /// Empty if neither.
-std::optional<std::string> endSignObstacle(std::span<const std::uint8_t> data);
+std::optional<std::string> endSignObstacle(ByteView data);
 
 /// How many in-order answers the data itself asks for; empty if that cannot be counted.
-std::optional<std::uint64_t> inOrderRequestsIn(std::span<const std::uint8_t> data);
+std::optional<std::uint64_t> inOrderRequestsIn(ByteView data);
 
 }  // namespace quordalvane

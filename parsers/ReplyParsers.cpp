@@ -9,7 +9,7 @@
 namespace quordalvane {
 namespace {
 
-using Bytes = std::span<const std::uint8_t>;
+using ByteView = std::span<const std::uint8_t>;
 
 struct Field {
   std::size_t location;
@@ -25,11 +25,11 @@ constexpr std::size_t dipSwitchSettingsOffset = 4;  // behind the head and the b
 constexpr std::uint8_t dipSwitchEnd = 0x0a;
 constexpr std::size_t fewestSettings = 2;
 
-Bytes given(const std::uint8_t* bytes, std::int32_t count) {
-  return count > 0 ? Bytes(bytes, static_cast<std::size_t>(count)) : Bytes();
+ByteView given(const std::uint8_t* bytes, std::int32_t count) {
+  return count > 0 ? ByteView(bytes, static_cast<std::size_t>(count)) : ByteView();
 }
 
-bool startsWith(Bytes bytes, Bytes head) {
+bool startsWith(ByteView bytes, ByteView head) {
   return bytes.size() >= head.size() && std::equal(head.begin(), head.end(), bytes.begin());
 }
 
@@ -38,12 +38,12 @@ bool isPrintableAscii(std::uint8_t byte) {
   return byte >= 0x20 && byte <= 0x7e;
 }
 
-std::optional<Field> firmwareTextAt(Bytes bytes, std::size_t start) {
+std::optional<Field> firmwareTextAt(ByteView bytes, std::size_t start) {
   if (!startsWith(bytes.subspan(start), firmwareHead)) {
     return std::nullopt;
   }
   const std::size_t location = start + firmwareHead.size();
-  const Bytes rest = bytes.subspan(location);
+  const ByteView rest = bytes.subspan(location);
   const auto textEnd = std::find_if_not(rest.begin(), rest.end(), isPrintableAscii);
   const auto length = static_cast<std::size_t>(textEnd - rest.begin());
   if (length < 1 || length > longestFirmwareText ||
@@ -53,7 +53,7 @@ std::optional<Field> firmwareTextAt(Bytes bytes, std::size_t start) {
   return Field{location, length};
 }
 
-std::optional<Field> firstFirmwareText(Bytes bytes) {
+std::optional<Field> firstFirmwareText(ByteView bytes) {
   for (std::size_t start = 0; start < bytes.size(); ++start) {
     if (const auto text = firmwareTextAt(bytes, start)) {
       return text;
@@ -62,12 +62,12 @@ std::optional<Field> firstFirmwareText(Bytes bytes) {
   return std::nullopt;
 }
 
-bool isDipSwitchReply(Bytes bytes) {
+bool isDipSwitchReply(ByteView bytes) {
   return bytes.size() >= dipSwitchSettingsOffset && startsWith(bytes, dipSwitchHead) &&
          (bytes[dipSwitchHead.size()] == '1' || bytes[dipSwitchHead.size()] == '2');
 }
 
-std::optional<Field> dipSwitchSettings(Bytes bytes) {
+std::optional<Field> dipSwitchSettings(ByteView bytes) {
   std::size_t start = 0;
   while (start < bytes.size() && !isDipSwitchReply(bytes.subspan(start))) {
     ++start;
@@ -75,7 +75,7 @@ std::optional<Field> dipSwitchSettings(Bytes bytes) {
   if (start == bytes.size()) {
     return std::nullopt;
   }
-  const Bytes rest = bytes.subspan(start + dipSwitchSettingsOffset);
+  const ByteView rest = bytes.subspan(start + dipSwitchSettingsOffset);
   const auto end = std::find(rest.rbegin(), rest.rend(), dipSwitchEnd);
   if (end == rest.rend()) {
     return std::nullopt;
