@@ -7,11 +7,11 @@
 
 #include "backends/Schemes.h"
 #include "backends/SpecText.h"
+#include "logging/Quoted.h"
 
 namespace quordalvane {
 namespace {
 
-using spec::inQuotes;
 using spec::refuse;
 
 void append(std::string& list, std::string_view item) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "backends/SpecText.h"
+#include "logging/Quoted.h"
 
 namespace quordalvane {
 
@@ -20,7 +21,7 @@ HostAndPort parseHostAndPort(std::string_view text) {
       std::all_of(host.begin(), host.end(), [](char c) { return c > ' ' && c <= '~'; });
   const bool ambiguous = !bracketed && host.find_first_of(":[]") != std::string_view::npos;
   if (host.empty() || host.size() > longestHost || !plain || ambiguous || port == 0) {
-    spec::refuse("address " + spec::inQuotes(text) +
+    spec::refuse("address " + inQuotes(text) +
                  ": takes HOST:PORT, the port from 1 to 65535, and an IPv6 address in brackets");
   }
   return {.host = std::string(host), .port = port};

@@ -11,10 +11,6 @@ namespace quordalvane::spec {
 /// Throws `std::invalid_argument` with `why`, a text for people.
 [[noreturn]] void refuse(const std::string& why);
 
-/// `text` in quotation marks, cut short and without anything that could upset a terminal. The
-/// simulator has a function like it, because only the virtual back end may look into that room.
-std::string inQuotes(std::string_view text);
-
 /// The number that all of `text` is, or nothing.
 template <typename Number>
 std::optional<Number> number(std::string_view text) {

@@ -11,8 +11,8 @@ void copy(const void* source, std::size_t size, std::size_t told, const Buffer& 
     *buffer.length = told;
   }
   if (size > buffer.capacity) {
-    throw Failure(QUOR_BUFFER_TOO_SMALL, "the buffer takes " + std::to_string(buffer.capacity) +
-                                             " bytes; " + std::to_string(size) + " are needed");
+    throw CallFailure(QUOR_BUFFER_TOO_SMALL, "the buffer takes " + std::to_string(buffer.capacity) +
+                                                 " bytes; " + std::to_string(size) + " are needed");
   }
   if (size > 0) {
     std::memcpy(buffer.bytes, source, size);

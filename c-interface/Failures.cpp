@@ -25,7 +25,7 @@ QuorCode keep(QuorCode code, const char* text) noexcept {
 QuorCode codeOfCurrentException() noexcept {
   try {
     throw;
-  } catch (const Failure& failure) {
+  } catch (const CallFailure& failure) {
     return keep(failure.code(), failure.what());
   } catch (const PortException& failure) {
     return keep(QUOR_PORT_EXCEPTION, failure.what());

@@ -10,9 +10,9 @@
 namespace quordalvane::c {
 
 /// Ends a function of the interface with a code below 0 and the text for quor_last_error.
-class Failure : public std::runtime_error {
+class CallFailure : public std::runtime_error {
  public:
-  Failure(QuorCode code, const std::string& text) : std::runtime_error(text), code_(code) {}
+  CallFailure(QuorCode code, const std::string& text) : std::runtime_error(text), code_(code) {}
   QuorCode code() const noexcept { return code_; }
 
  private:
@@ -52,7 +52,7 @@ auto answered(Body body) noexcept -> decltype(body()) {
 /// Raises QUOR_FAILED with `text` unless `done`.
 inline void succeed(bool done, const char* text) {
   if (!done) {
-    throw Failure(QUOR_FAILED, text);
+    throw CallFailure(QUOR_FAILED, text);
   }
 }
 
@@ -60,7 +60,7 @@ inline void succeed(bool done, const char* text) {
 template <typename Pointer>
 auto& given(Pointer* pointer, const char* name) {
   if (pointer == nullptr) {
-    throw Failure(QUOR_USAGE, std::string(name) + " must not be null");
+    throw CallFailure(QUOR_USAGE, std::string(name) + " must not be null");
   }
   return *pointer;
 }

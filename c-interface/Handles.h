@@ -29,7 +29,7 @@ class FunctionObserver : public TransferObserver {
  private:
   static void goOnIf(bool wanted) {
     if (!wanted) {
-      throw Failure(QUOR_STOPPED, "the transfer observer stopped the operation");
+      throw CallFailure(QUOR_STOPPED, "the transfer observer stopped the operation");
     }
   }
 

@@ -66,7 +66,7 @@ QuorCode quor_log_set_target_levels(const int32_t* levels, size_t count) {
     try {
       LogWriter::setTargetLogLevels(wanted);
     } catch (const std::out_of_range& unknown) {
-      throw Failure(QUOR_USAGE, unknown.what());
+      throw CallFailure(QUOR_USAGE, unknown.what());
     }
   });
 }

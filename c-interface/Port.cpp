@@ -25,7 +25,7 @@ static_assert(sameNumber(QUOR_RESULT_IN_USE, ZKQuorIOResultCodeInUseError));
 
 ZKEmulation emulationOf(int32_t number) {
   if (number < ZKEmulationUnknown || number > ZKEmulationESCPOS) {
-    throw Failure(QUOR_USAGE, "there is no emulation " + std::to_string(number));
+    throw CallFailure(QUOR_USAGE, "there is no emulation " + std::to_string(number));
   }
   return static_cast<ZKEmulation>(number);
 }
@@ -56,7 +56,7 @@ QuorCode writeBy(Writer writer, QuorPort* port, const void* data, size_t size, s
   return guarded([&] {
     given(written, "the count") = 0;
     if (size > size_t{std::numeric_limits<std::int32_t>::max()}) {
-      throw Failure(QUOR_USAGE, "more bytes than can be counted");
+      throw CallFailure(QUOR_USAGE, "more bytes than can be counted");
     }
     const std::int32_t count = (given(port).*writer)(copyOf(data, size));
     succeed(count >= 0, "the bytes could not be written");
@@ -88,7 +88,7 @@ void quor_port_free(QuorPort* port) {
 QuorCode quor_port_open(QuorPort* port) {
   return guarded([&] {
     if (!given(port).open()) {
-      throw Failure(QUOR_FAILED, whyNotOpen(given(port)));
+      throw CallFailure(QUOR_FAILED, whyNotOpen(given(port)));
     }
   });
 }

@@ -59,7 +59,7 @@ QuorCode quor_print_job_run(QuorPrintJob* job, const void* data, size_t size) {
   return guarded([&] {
     const auto bytes = copyOf(data, size);
     if (given(job, "the job").hasRun.exchange(true)) {
-      throw Failure(QUOR_USAGE, "a job runs once");
+      throw CallFailure(QUOR_USAGE, "a job runs once");
     }
     // What a run that is broken off has sent is not told.
     job->result.outcome = PrintOutcome::Unconfirmed;

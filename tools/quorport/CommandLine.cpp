@@ -7,6 +7,8 @@
 #include <sstream>
 #include <utility>
 
+#include "logging/Quoted.h"
+#include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/HelpTexts.h"
 #include "tools/quorport/Joined.h"
 #include "tools/quorport/OptionGrammar.h"
@@ -157,7 +159,7 @@ class Grammar {
     return "more words than " + parsed.front()->get_name() + " takes: " + eachInQuotes(words);
   }
 
-  Failure usage(const std::string& what) const {
+  CommandFailure usage(const std::string& what) const {
     const Command* const command = chosen();
     const std::string about = command == nullptr ? "" : " " + std::string(command->name);
     return {ExitCode::Usage, printable(what) + " (quorport" + about + " --help tells more)"};

@@ -16,8 +16,8 @@ struct Order {
 };
 
 /// Reads the arguments that follow the command's own name. Returns the command to run, or the text
-/// of --help or --version. Throws a Failure with ExitCode::Usage that names the fault and the right
-/// form.
+/// of --help or --version. Throws a CommandFailure with ExitCode::Usage that names the fault and
+/// the right form.
 std::variant<Order, std::string> parseCommandLine(const std::vector<std::string>& arguments);
 
 /// The command that the arguments name, even if the rest of them makes no sense: null, or the first

@@ -6,9 +6,9 @@
 #include <string>
 #include <string_view>
 
+#include "tools/quorport/ExitCode.h"
 #include "tools/quorport/Interruption.h"
 #include "tools/quorport/Options.h"
-#include "tools/quorport/Report.h"
 #include "tools/quorport/Streams.h"
 
 namespace CLI {
@@ -17,14 +17,17 @@ class App;
 
 namespace quordalvane::tool {
 
-/// What a command works with besides its options.
+struct Report;
+
+/// The surroundings of a command, besides its options.
 struct Surroundings {
   Streams streams;
   std::shared_ptr<Interruption> interruption;
 };
 
-// Each command does its work and returns the report of it. What it raises ends the command: a
-// Failure with its exit code, Interrupted, and any other std::exception as a failed exchange.
+// Each command does its work and returns the report of it. An exception ends the command: a
+// CommandFailure with its exit code, Interrupted, and any other std::exception as a failed
+// exchange.
 
 Report list(const Options& options, const Surroundings& surroundings);
 Report status(const Options& options, const Surroundings& surroundings);

@@ -1,9 +1,12 @@
 #include <optional>
 
+#include "logging/Quoted.h"
+#include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/Commands.h"
 #include "tools/quorport/Joined.h"
 #include "tools/quorport/LiveLine.h"
 #include "tools/quorport/Printer.h"
+#include "tools/quorport/Report.h"
 #include "tools/quorport/StatusFields.h"
 #include "tools/quorport/doctor/Bundle.h"
 #include "tools/quorport/doctor/Examination.h"
@@ -90,7 +93,8 @@ Report examineAll(const Options& options, const Surroundings& surroundings) {
 
 Report doctor(const Options& options, const Surroundings& surroundings) {
   if (options.devices.empty()) {
-    throw Failure(ExitCode::Usage, "doctor looks at devices: name at least one with --device");
+    throw CommandFailure(ExitCode::Usage,
+                         "doctor looks at devices: name at least one with --device");
   }
   std::optional<Bundle> bundle;
   if (options.doctor.bundle) {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "tools/quorport/Report.h"
+
 namespace quordalvane::tool {
 namespace {
 
@@ -34,6 +36,11 @@ class InterruptibleAccessory : public ForwardingAccessory {
 
 }  // namespace
 
+Interruption::Interruption(Report report, GiveUp giveUp)
+    : giveUp_(std::move(giveUp)), report_(std::make_unique<Report>(std::move(report))) {}
+
+Interruption::~Interruption() = default;
+
 void Interruption::interrupt(ExitCode code) {
   const std::lock_guard lock(mutex_);
   code_ = code_.value_or(code);
@@ -59,7 +66,7 @@ std::optional<ExitCode> Interruption::code() {
 
 void Interruption::setReport(Report report) {
   const std::lock_guard lock(mutex_);
-  report_ = std::move(report);
+  *report_ = std::move(report);
 }
 
 Report Interruption::report() {
@@ -78,7 +85,7 @@ std::optional<std::string> Interruption::device() {
 }
 
 Report Interruption::reportWithCode() const {
-  Report report = report_;
+  Report report = *report_;
   report.code = code_.value_or(report.code);
   return report;
 }

@@ -13,9 +13,11 @@
 #include "backends/posix/PosixPlatform.h"
 #include "job/PrintJob.h"
 #include "platform/Forwarding.h"
-#include "tools/quorport/Report.h"
+#include "tools/quorport/ExitCode.h"
 
 namespace quordalvane::tool {
+
+struct Report;
 
 /// Thrown out of an exchange that was interrupted.
 class Interrupted {};
@@ -31,8 +33,8 @@ class Interruption {
   /// can be stopped.
   ///
   /// `report` is the command's report if the wish ends it before it has one of its own.
-  explicit Interruption(Report report, GiveUp giveUp)
-      : giveUp_(std::move(giveUp)), report_(std::move(report)) {}
+  Interruption(Report report, GiveUp giveUp);
+  ~Interruption();
 
   /// The wish arrives. `code` is the exit status of a command that ends by it.
   void interrupt(ExitCode code);
@@ -79,7 +81,7 @@ class Interruption {
   std::mutex mutex_;  // guards the members below
   std::condition_variable wished_;
   const GiveUp giveUp_;
-  Report report_;
+  std::unique_ptr<Report> report_;  // never null
   std::optional<std::string> device_;
   Stage stage_ = Stage::Beginning;
   PrintJob* job_ = nullptr;

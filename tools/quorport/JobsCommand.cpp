@@ -3,7 +3,10 @@
 
 #include "job/Words.h"
 #include "journal/Journal.h"
+#include "logging/Quoted.h"
+#include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/Commands.h"
+#include "tools/quorport/Report.h"
 #include "tools/quorport/TimeText.h"
 
 namespace quordalvane::tool {
@@ -53,10 +56,11 @@ void forget(Journal& journal, const std::string& name) {
     case Forgetting::Forgotten:
       return;
     case Forgetting::Unknown:
-      throw Failure(ExitCode::Usage, "--forget: the journal knows no job " + inQuotes(name));
+      throw CommandFailure(ExitCode::Usage, "--forget: the journal knows no job " + inQuotes(name));
     case Forgetting::BeingPrinted:
-      throw Failure(ExitCode::NotReady, "--forget: the job " + inQuotes(name) +
-                                            " is being printed; it can be forgotten when it ends");
+      throw CommandFailure(ExitCode::NotReady,
+                           "--forget: the job " + inQuotes(name) +
+                               " is being printed; it can be forgotten when it ends");
   }
 }
 
@@ -92,7 +96,7 @@ Report jobs(const Options& options, const Surroundings& /*surroundings*/) {
                                          : Journal::defaultFile(),
                     options.jobs);
   } catch (const JournalError& error) {
-    throw Failure(ExitCode::NoJournal, printable(error.what()));
+    throw CommandFailure(ExitCode::NoJournal, printable(error.what()));
   }
 }
 

@@ -1,7 +1,9 @@
 #include <string>
 
+#include "logging/Quoted.h"
 #include "tools/quorport/Commands.h"
 #include "tools/quorport/Printer.h"
+#include "tools/quorport/Report.h"
 
 namespace quordalvane::tool {
 namespace {

@@ -7,8 +7,9 @@
 #include "iphone-IOPort/LogWriter.h"
 #include "logging/DescriptorOutput.h"
 #include "logging/JsonFileSink.h"
+#include "logging/Quoted.h"
 #include "logging/RecordText.h"
-#include "tools/quorport/Report.h"
+#include "tools/quorport/CommandFailure.h"
 
 namespace quordalvane::tool {
 namespace {
@@ -39,8 +40,8 @@ std::shared_ptr<LogSink> makeSink(const std::string& name, const Streams& stream
   try {
     return std::make_shared<JsonFileSink>(name);
   } catch (const std::system_error& error) {
-    throw Failure(ExitCode::Usage, "--log: the file " + inQuotes(name) +
-                                       " cannot be opened: " + error.code().message());
+    throw CommandFailure(ExitCode::Usage, "--log: the file " + inQuotes(name) +
+                                              " cannot be opened: " + error.code().message());
   }
 }
 

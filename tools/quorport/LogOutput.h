@@ -42,7 +42,7 @@ class Unrecorded {
 /// Writes the diagnostic records of a command, if the options want them, as long as this lives.
 class LogOutput {
  public:
-  /// Throws a Failure with ExitCode::Usage if the file cannot be opened.
+  /// Throws a CommandFailure with ExitCode::Usage if the file cannot be opened.
   LogOutput(const Options& options, const Streams& streams);
 
  private:

@@ -3,10 +3,12 @@
 
 #include "job/Words.h"
 #include "logging/DescriptorOutput.h"
+#include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/Commands.h"
 #include "tools/quorport/Joined.h"
 #include "tools/quorport/LiveLine.h"
 #include "tools/quorport/Printer.h"
+#include "tools/quorport/Report.h"
 #include "tools/quorport/StatusFields.h"
 #include "tools/quorport/TimeText.h"
 
@@ -81,12 +83,12 @@ class Monitor {
           printer_->ask([](PrinterInquiry& inquiry) { return inquiry.status(); });
       return {status.offline != 0 ? "not-ready" : "ready", joined(remarks(status), "; "),
               jsonOf(status), ExitCode::Done};
-    } catch (const Failure& failure) {
+    } catch (const CommandFailure& failure) {
       return lookOf(failure);
     }
   }
 
-  Look lookOf(const Failure& failure) {
+  Look lookOf(const CommandFailure& failure) {
     if (failure.code() == ExitCode::ExchangeFailed) {
       return {"no-answer", failure.what(), nullptr, failure.code()};
     }
@@ -128,8 +130,8 @@ class Monitor {
         options_.json ? inOneLine(object) : localText(time) + "  " + labelOf(device) + now.text;
     if (const WriteOutcome outcome = writeAll(surroundings_.streams.out, told + "\n");
         outcome.error) {
-      throw Failure(ExitCode::ExchangeFailed,
-                    "standard output takes no more: " + outcome.error.message());
+      throw CommandFailure(ExitCode::ExchangeFailed,
+                           "standard output takes no more: " + outcome.error.message());
     }
   }
 

@@ -6,6 +6,9 @@
 
 #include "job/Advice.h"
 #include "journal/NamedJob.h"
+#include "logging/Quoted.h"
+#include "tools/quorport/CommandFailure.h"
+#include "tools/quorport/Report.h"
 
 namespace quordalvane::tool {
 namespace {
@@ -16,9 +19,10 @@ auto told(Action action) {
   try {
     return action();
   } catch (const JournalError& error) {
-    throw Failure(ExitCode::NoJournal, printable(error.what()) + "; nothing was sent");
+    throw CommandFailure(ExitCode::NoJournal, printable(error.what()) + "; nothing was sent");
   } catch (const std::invalid_argument& error) {
-    throw Failure(ExitCode::Usage, "--job: " + printable(error.what()) + "; nothing was sent");
+    throw CommandFailure(ExitCode::Usage,
+                         "--job: " + printable(error.what()) + "; nothing was sent");
   }
 }
 

@@ -15,8 +15,8 @@ namespace quordalvane::tool {
 class NamedPrinting {
  public:
   /// Opens the journal and claims the name, waiting for another process that prints the job. Throws
-  /// a Failure: ExitCode::Usage for a name that is none or that of other data, ExitCode::NoJournal
-  /// if the journal cannot be kept.
+  /// a CommandFailure: ExitCode::Usage for a name that is none or that of other data,
+  /// ExitCode::NoJournal if the journal cannot be kept.
   NamedPrinting(const Options& options, const std::string& device,
                 std::span<const std::uint8_t> data, const Surroundings& surroundings);
   ~NamedPrinting();
@@ -29,8 +29,8 @@ class NamedPrinting {
   /// The options of the job that `run` takes.
   PrintJob::Options recorded(PrintJob::Options options);
 
-  /// Runs the job and records what came of it. Throws a Failure with ExitCode::NoJournal if its
-  /// beginning could not be recorded; nothing was sent then.
+  /// Runs the job and records what came of it. Throws a CommandFailure with ExitCode::NoJournal if
+  /// its beginning could not be recorded; nothing was sent then.
   PrintResult run(PrintJob& job);
 
   /// Records that nothing was sent, for this reason.

@@ -1,5 +1,7 @@
 #include "tools/quorport/Commands.h"
+#include "tools/quorport/ExitCode.h"
 #include "tools/quorport/Printer.h"
+#include "tools/quorport/Report.h"
 
 namespace quordalvane::tool {
 

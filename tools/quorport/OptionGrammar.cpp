@@ -7,9 +7,9 @@
 #include <map>
 #include <utility>
 
+#include "logging/Quoted.h"
 #include "tools/quorport/HelpTexts.h"
 #include "tools/quorport/JournalGrammar.h"
-#include "tools/quorport/Report.h"
 
 namespace quordalvane::tool {
 namespace {

@@ -6,6 +6,8 @@
 #include "job/Advice.h"
 #include "job/PrintJob.h"
 #include "job/Words.h"
+#include "logging/Quoted.h"
+#include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/Commands.h"
 #include "tools/quorport/LiveLine.h"
 #include "tools/quorport/NamedPrinting.h"
@@ -13,6 +15,7 @@
 #include "tools/quorport/Printer.h"
 #include "tools/quorport/PrinterTurn.h"
 #include "tools/quorport/Receipt.h"
+#include "tools/quorport/Report.h"
 #include "tools/quorport/StatusFields.h"
 
 namespace quordalvane::tool {
@@ -122,7 +125,7 @@ PrintResult runJob(const std::vector<std::uint8_t>& data, Printer& printer, Live
   PrintResult result;
   try {
     result = named == nullptr ? job.run(data) : named->run(job);
-  } catch (const Failure&) {
+  } catch (const CommandFailure&) {
     throw;
   } catch (const std::exception& error) {
     // How much had gone out of the piece that was under way is not known.
@@ -189,7 +192,7 @@ Report printNamed(const std::vector<std::uint8_t>& data,
     report = reportOn(named.answer() != nullptr
                           ? *named.answer()
                           : sendData(data, platform, device, &named, options, surroundings));
-  } catch (const Failure& failure) {
+  } catch (const CommandFailure& failure) {
     if (failure.code() != ExitCode::NoJournal) {
       named.refuse(failure.what());
     }
@@ -217,10 +220,11 @@ Report printData(const std::vector<std::uint8_t>& data, const Options& options,
 // A job that "prints" on the virtual printer because its device was forgotten would be lost.
 void requireDevice(const Options& options) {
   if (options.devices.empty()) {
-    throw Failure(ExitCode::Usage,
-                  "no printer is named, and nothing was sent: name one, such as --device "
-                  "tcp:HOST:PORT, or set the variable QUORPORT_DEVICE; --device virtual: tries the "
-                  "printer that is built in");
+    throw CommandFailure(
+        ExitCode::Usage,
+        "no printer is named, and nothing was sent: name one, such as --device "
+        "tcp:HOST:PORT, or set the variable QUORPORT_DEVICE; --device virtual: tries the "
+        "printer that is built in");
   }
 }
 
@@ -255,7 +259,7 @@ Report print(const Options& options, const Surroundings& surroundings) {
       unsent(ExitCode::Interrupted, "interrupted", data.size(), options.print));
   try {
     return printData(data, options, surroundings);
-  } catch (const Failure& failure) {
+  } catch (const CommandFailure& failure) {
     return unsent(failure.code(), failure.what(), data.size(), options.print);
   }
 }

@@ -7,7 +7,8 @@
 #include <memory>
 #include <system_error>
 
-#include "tools/quorport/Report.h"
+#include "logging/Quoted.h"
+#include "tools/quorport/CommandFailure.h"
 
 namespace quordalvane::tool {
 namespace {
@@ -17,7 +18,7 @@ constexpr std::size_t largestJob = std::size_t{256} << 20U;
 constexpr std::size_t pieceSize = std::size_t{64} << 10U;
 
 [[noreturn]] void fail(const std::string& what, const std::string& why) {
-  throw Failure(ExitCode::Usage, what + " cannot be read: " + why + "; nothing was sent");
+  throw CommandFailure(ExitCode::Usage, what + " cannot be read: " + why + "; nothing was sent");
 }
 
 std::vector<std::uint8_t> readAll(int descriptor, const std::string& what) {
@@ -43,7 +44,7 @@ std::vector<std::uint8_t> readAll(int descriptor, const std::string& what) {
 std::vector<std::uint8_t> readToEnd(int descriptor, const std::string& what) {
   auto data = readAll(descriptor, what);
   if (data.empty()) {
-    throw Failure(ExitCode::Usage, what + " is empty: there is nothing to print");
+    throw CommandFailure(ExitCode::Usage, what + " is empty: there is nothing to print");
   }
   return data;
 }

@@ -9,9 +9,11 @@
 #include "backends/Devices.h"
 #include "iphone-IOPort/LogWriter.h"
 #include "iphone-IOPort/PortName.h"
+#include "logging/Quoted.h"
 #include "platform/Forwarding.h"
 #include "tools/quorport/Joined.h"
 #include "tools/quorport/LogOutput.h"
+#include "tools/quorport/Streams.h"
 #include "tools/quorport/doctor/OpeningFindings.h"
 
 namespace quordalvane::tool {
@@ -24,7 +26,7 @@ std::shared_ptr<ExternalAccessoryPort> makePort(const Options& options,
   auto port = ExternalAccessoryPort::initWithPortName(
       options.portName, options.settings, options.timeout, options.emulation, std::move(platform));
   if (port == nullptr) {
-    throw Failure(ExitCode::NoAccessory, "the system cannot start a thread for the port");
+    throw CommandFailure(ExitCode::NoAccessory, "the system cannot start a thread for the port");
   }
   return port;
 }
@@ -79,7 +81,7 @@ std::string namesOf(const Accessories& accessories) {
   return joined(names, ", ");
 }
 
-Failure whyNotOpen(const InterruptiblePlatform& platform, const Options& options) {
+CommandFailure whyNotOpen(const InterruptiblePlatform& platform, const Options& options) {
   for (const auto& accessory : platform.accessories()) {
     if (const std::string why = lastOpenError(*accessory); !why.empty()) {
       return {codeOfOpening(lastOpenErrorCode(*accessory)),
@@ -115,7 +117,7 @@ std::shared_ptr<InterruptiblePlatform> presentDevices(const Options& options,
     try {
       platform->attach(makeAccessory(parseDeviceSpec(spec), platform->clock()), spec);
     } catch (const std::invalid_argument& error) {
-      throw Failure(ExitCode::Usage, options.devicesFrom + ": " + printable(error.what()));
+      throw CommandFailure(ExitCode::Usage, options.devicesFrom + ": " + printable(error.what()));
     }
   }
   return platform;
@@ -141,7 +143,7 @@ std::shared_ptr<EAAccessory> chosenAccessory(const InterruptiblePlatform& platfo
   return nullptr;
 }
 
-Failure noneMatches(const InterruptiblePlatform& platform, const Options& options) {
+CommandFailure noneMatches(const InterruptiblePlatform& platform, const Options& options) {
   const std::string what =
       prefixLength(options.portName)
           ? "no accessory matches the port name " + inQuotes(options.portName) + ", which"
@@ -189,7 +191,7 @@ bool Printer::isLinkLost() {
   return !port_->isConnected();
 }
 
-Failure Printer::failure(const InquiryError& error) {
+CommandFailure Printer::failure(const InquiryError& error) {
   if (error.cause() == InquiryCause::LinkLost || isLinkLost()) {
     return {ExitCode::LinkLost, "the link to the printer was lost"};
   }

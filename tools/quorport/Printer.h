@@ -6,19 +6,18 @@
 
 #include "iphone-IOPort/ExternalAccessoryPort.h"
 #include "job/PrinterInquiry.h"
+#include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/Commands.h"
 #include "tools/quorport/Interruption.h"
 #include "tools/quorport/Options.h"
-#include "tools/quorport/Report.h"
 
 namespace quordalvane::tool {
 
 /// The devices of the options, in their order; the virtual printer if there are none.
 std::vector<std::string> devicesOf(const Options& options);
 
-/// Presents these devices, and says on standard error if it is the virtual
-/// printer because there are none. Throws a Failure with ExitCode::Usage for a SPEC that is no
-/// device.
+/// Presents these devices, and says on standard error if it is the virtual printer because there
+/// are none. Throws a CommandFailure with ExitCode::Usage for a SPEC that is no device.
 std::shared_ptr<InterruptiblePlatform> presentDevices(const Options& options,
                                                       const Surroundings& surroundings);
 
@@ -28,13 +27,13 @@ std::shared_ptr<EAAccessory> chosenAccessory(const InterruptiblePlatform& platfo
                                              const Options& options);
 
 /// The failure of a port whose name chooses none of the platform's accessories.
-Failure noneMatches(const InterruptiblePlatform& platform, const Options& options);
+CommandFailure noneMatches(const InterruptiblePlatform& platform, const Options& options);
 
 /// The port of a command, open as long as this lives.
 class Printer {
  public:
-  /// Opens the port. Throws a Failure with ExitCode::NoAccessory that tells why there is none. No
-  /// other port of the command may be open.
+  /// Opens the port. Throws a CommandFailure with ExitCode::NoAccessory that tells why there is
+  /// none. No other port of the command may be open.
   Printer(const Options& options, const Surroundings& surroundings);
 
   /// The same on a platform that presents the devices already.
@@ -50,7 +49,7 @@ class Printer {
   const std::shared_ptr<ExternalAccessoryPort>& port() { return port_; }
 
   /// Asks the printer by `question`, which is given an inquiry, and returns its answer. Throws the
-  /// Failure of one that has none.
+  /// CommandFailure of one that has none.
   template <typename Asker>
   auto ask(Asker question) {
     PrinterInquiry inquiry(port_);
@@ -61,8 +60,8 @@ class Printer {
     }
   }
 
-  /// The Failure of a question without an answer.
-  Failure failure(const InquiryError& error);
+  /// The CommandFailure of a question without an answer.
+  CommandFailure failure(const InquiryError& error);
 
  private:
   void close();

@@ -6,6 +6,9 @@
 #include "backends/DeviceIdentity.h"
 #include "job/Words.h"
 #include "locks/DeviceLock.h"
+#include "logging/Quoted.h"
+#include "tools/quorport/CommandFailure.h"
+#include "tools/quorport/Streams.h"
 
 namespace quordalvane::tool {
 
@@ -26,8 +29,9 @@ std::optional<ByteLock> takePrinter(const std::string& device, const Options& op
     return std::nullopt;
   }
   if (!lock) {
-    throw Failure(ExitCode::NotReady, "another job is on this printer, and has not ended within " +
-                                          inSeconds(options.timeout) + "; nothing was sent");
+    throw CommandFailure(ExitCode::NotReady,
+                         "another job is on this printer, and has not ended within " +
+                             inSeconds(options.timeout) + "; nothing was sent");
   }
   return lock;
 }

@@ -11,7 +11,7 @@ namespace quordalvane::tool {
 /// Takes the printer behind `device` for a job. Waits, and says so on standard error, while another
 /// job of this machine has it. Empty if there is nothing to wait for: the printer is the built-in
 /// one, or the locks cannot be used, which standard error is told; printing matters more. Throws a
-/// Failure with ExitCode::NotReady when the time-out of the options is over.
+/// CommandFailure with ExitCode::NotReady when the time-out of the options is over.
 std::optional<ByteLock> takePrinter(const std::string& device, const Options& options,
                                     const Surroundings& surroundings);
 

@@ -1,9 +1,11 @@
 // The commands that are one exchange with the printer, but for the status.
 
 #include "job/Words.h"
+#include "logging/Quoted.h"
 #include "tools/quorport/Commands.h"
 #include "tools/quorport/Hex.h"
 #include "tools/quorport/Printer.h"
+#include "tools/quorport/Report.h"
 
 namespace quordalvane::tool {
 namespace {

@@ -7,9 +7,10 @@
 #include <vector>
 
 #include "backends/virtual/VirtualAccessory.h"
+#include "logging/Quoted.h"
 #include "simulator/ImageRendering.h"
 #include "simulator/TextRendering.h"
-#include "tools/quorport/Report.h"
+#include "tools/quorport/CommandFailure.h"
 
 namespace quordalvane::tool {
 namespace {
@@ -52,13 +53,14 @@ Receipt::Receipt(std::string file, const std::shared_ptr<EAAccessory>& accessory
     : file_(std::move(file)),
       accessory_(std::dynamic_pointer_cast<virtuals::VirtualAccessory>(accessory)) {
   if (accessory_ == nullptr) {
-    throw Failure(ExitCode::Usage,
-                  "--receipt shows the paper of the virtual printer, and the port "
-                  "name chooses another device; it takes --device virtual:");
+    throw CommandFailure(ExitCode::Usage,
+                         "--receipt shows the paper of the virtual printer, and the port "
+                         "name chooses another device; it takes --device virtual:");
   }
   // Appending nothing leaves an older receipt as it is until there is a new one.
   if (!std::ofstream(file_, std::ios::app)) {
-    throw Failure(ExitCode::Usage, "--receipt: " + whyNotWritten(file_) + "; nothing was sent");
+    throw CommandFailure(ExitCode::Usage,
+                         "--receipt: " + whyNotWritten(file_) + "; nothing was sent");
   }
 }
 

@@ -22,8 +22,8 @@ std::string writeFile(const std::string& bytes, const std::string& file);
 /// The receipt file of a job on the printer that is built in.
 class Receipt {
  public:
-  /// Throws a Failure with ExitCode::Usage if the accessory, which must not be null, is another
-  /// printer or the file cannot be written.
+  /// Throws a CommandFailure with ExitCode::Usage if the accessory, which must not be null, is
+  /// another printer or the file cannot be written.
   Receipt(std::string file, const std::shared_ptr<EAAccessory>& accessory);
 
   /// Writes the output of the printer so far. Returns an empty text, or the reason if it could not.

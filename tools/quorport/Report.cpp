@@ -1,7 +1,7 @@
 #include "tools/quorport/Report.h"
 
 #include "logging/DescriptorOutput.h"
-#include "logging/PrintableText.h"
+#include "logging/Quoted.h"
 
 namespace quordalvane::tool {
 
@@ -55,26 +55,6 @@ bool deliver(const Report& report, bool asJson, const Streams& streams) {
              streams);
   }
   return !outcome.error;
-}
-
-void complain(const std::string& line, const Streams& streams) {
-  writeAll(streams.err, "quorport: " + line + "\n");  // if this fails, nobody can learn it
-}
-
-std::string inOneLine(const Json& json) {
-  // The library escapes the control characters of ASCII; those of terminals with eight bits remain.
-  return printable(json.dump(-1, ' ', false, Json::error_handler_t::replace));
-}
-
-std::string printable(std::string_view text) {
-  std::string result;
-  appendPrintable(result, text);
-  return result;
-}
-
-std::string inQuotes(std::string_view text) {
-  constexpr std::size_t longest = 60;
-  return '"' + printable(text.substr(0, longest)) + (text.size() > longest ? "...\"" : "\"");
 }
 
 }  // namespace quordalvane::tool

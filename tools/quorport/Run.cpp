@@ -7,10 +7,13 @@
 #include <variant>
 
 #include "iphone-IOPort/LogWriter.h"
+#include "logging/Quoted.h"
+#include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/CommandLine.h"
 #include "tools/quorport/Commands.h"
 #include "tools/quorport/LiveLine.h"
 #include "tools/quorport/LogOutput.h"
+#include "tools/quorport/Report.h"
 #include "tools/quorport/Signals.h"
 
 namespace quordalvane::tool {
@@ -41,7 +44,7 @@ Report reportOf(const Order& order, const Surroundings& surroundings) {
     return order.command->run(order.options, surroundings);
   } catch (const Interrupted&) {
     return surroundings.interruption->report();
-  } catch (const Failure& failure) {
+  } catch (const CommandFailure& failure) {
     return refusal(order.command->kind, failure.code(), failure.what());
   } catch (const std::exception& error) {
     return refusal(order.command->kind, ExitCode::ExchangeFailed, printable(error.what()));
@@ -85,7 +88,7 @@ Answer answerTo(const std::vector<std::string>& arguments, const Streams& stream
     Report report;
     report.text = std::get<std::string>(parsed);
     return {report, false, CommandKind::Question};
-  } catch (const Failure& failure) {
+  } catch (const CommandFailure& failure) {
     code = failure.code();
     error = failure.what();
   } catch (const std::exception& problem) {

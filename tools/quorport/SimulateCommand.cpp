@@ -2,8 +2,11 @@
 #include <stdexcept>
 #include <utility>
 
+#include "logging/Quoted.h"
 #include "simulator/PrinterBuilder.h"
+#include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/Commands.h"
+#include "tools/quorport/Report.h"
 #include "tools/quorport/simulate/Server.h"
 
 namespace quordalvane::tool {
@@ -23,7 +26,7 @@ simulator::PrinterBuilder printerOf(const SimulateOptions& options) {
     try {
       set(printer, assignment);
     } catch (const std::invalid_argument& error) {
-      throw Failure(ExitCode::Usage, std::string("--set: ") + printable(error.what()));
+      throw CommandFailure(ExitCode::Usage, std::string("--set: ") + printable(error.what()));
     }
   }
   return printer;

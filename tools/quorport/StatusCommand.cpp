@@ -1,5 +1,6 @@
 #include "tools/quorport/Commands.h"
 #include "tools/quorport/Printer.h"
+#include "tools/quorport/Report.h"
 #include "tools/quorport/StatusFields.h"
 
 namespace quordalvane::tool {

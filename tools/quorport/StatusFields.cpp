@@ -4,6 +4,7 @@
 #include <array>
 #include <cctype>
 #include <cstdint>
+#include <nlohmann/json.hpp>
 #include <string_view>
 
 #include "job/StatusText.h"

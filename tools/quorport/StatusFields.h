@@ -5,7 +5,7 @@
 
 #include <quordalvane/QuorIOPort.h>
 
-#include "tools/quorport/Report.h"
+#include "tools/quorport/Json.h"
 
 namespace quordalvane::tool {
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 namespace quordalvane::tool {
 
 /// The descriptors that a command reads from and writes to. They remain the caller's.
@@ -8,5 +10,8 @@ struct Streams {
   int out = 1;
   int err = 2;
 };
+
+/// Writes a line for people to standard error, after the command's name.
+void complain(const std::string& line, const Streams& streams);
 
 }  // namespace quordalvane::tool

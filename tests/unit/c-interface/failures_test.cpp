@@ -16,7 +16,7 @@ QuorCode codeOf(const Exception& exception) {
 }
 
 TEST(CInterface, GivesEachKindOfExceptionItsCode) {
-  EXPECT_EQ(codeOf(Failure(QUOR_STOPPED, "stopped")), QUOR_STOPPED);
+  EXPECT_EQ(codeOf(CallFailure(QUOR_STOPPED, "stopped")), QUOR_STOPPED);
   EXPECT_EQ(codeOf(PortException("lost")), QUOR_PORT_EXCEPTION);
   EXPECT_EQ(codeOf(std::out_of_range("cut")), QUOR_UNREADABLE);
   EXPECT_EQ(codeOf(std::invalid_argument("none")), QUOR_USAGE);

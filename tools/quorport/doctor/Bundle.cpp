@@ -4,6 +4,7 @@
 #include <gnu/libc-version.h>
 #include <sys/utsname.h>
 #include <unistd.h>
+#include <nlohmann/json.hpp>
 
 #include <cerrno>
 #include <chrono>
@@ -11,7 +12,9 @@
 #include <utility>
 
 #include "logging/DescriptorOutput.h"
+#include "logging/Quoted.h"
 #include "logging/RecordText.h"
+#include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/TimeText.h"
 
 namespace quordalvane::tool {
@@ -77,8 +80,9 @@ Bundle::Bundle(const Options& options)
     : options_(options), path_(*options.doctor.bundle), records_(std::make_shared<Records>()) {
   const int file = createNew(path_);
   if (file < 0) {
-    throw Failure(ExitCode::Usage, "--bundle: the file " + inQuotes(path_) + " cannot be made: " +
-                                       std::generic_category().message(errno));
+    throw CommandFailure(ExitCode::Usage,
+                         "--bundle: the file " + inQuotes(path_) +
+                             " cannot be made: " + std::generic_category().message(errno));
   }
   // An examination that is interrupted leaves no file.
   ::close(file);

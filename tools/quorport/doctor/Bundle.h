@@ -3,9 +3,9 @@
 #include <memory>
 #include <string>
 
+#include "tools/quorport/Json.h"
 #include "tools/quorport/LogOutput.h"
 #include "tools/quorport/Options.h"
-#include "tools/quorport/Report.h"
 
 namespace quordalvane::tool {
 
@@ -13,7 +13,8 @@ namespace quordalvane::tool {
 /// whole examination, as one JSON object. Records are gathered as long as this lives.
 class Bundle {
  public:
-  /// Throws a Failure with ExitCode::Usage if there is such a file already, or there cannot be one.
+  /// Throws a CommandFailure with ExitCode::Usage if there is such a file already, or there cannot
+  /// be one.
   explicit Bundle(const Options& options);
   ~Bundle();
   Bundle(const Bundle&) = delete;

@@ -9,6 +9,8 @@
 #include "backends/DeviceSpec.h"
 #include "backends/Devices.h"
 #include "backends/Schemes.h"
+#include "logging/Quoted.h"
+#include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/Hex.h"
 #include "tools/quorport/Printer.h"
 #include "tools/quorport/StatusFields.h"
@@ -107,7 +109,7 @@ class Examination {
     try {
       Printer printer(platform, options, surroundings_);
       answer = answerOf(printer);
-    } catch (const Failure& failure) {
+    } catch (const CommandFailure& failure) {
       answer.isLinkLost = failure.code() == ExitCode::LinkLost;
       if (failure.code() == ExitCode::NoAccessory || !lastOpenError(*accessory).empty()) {
         answer.notOpened = whyNotOpened(spec, *accessory);
@@ -192,7 +194,7 @@ Diagnosis examine(const std::string& device, const Options& options,
   try {
     return Examination(device, options, surroundings, line).run();
   } catch (const std::invalid_argument& error) {
-    throw Failure(ExitCode::Usage, options.devicesFrom + ": " + printable(error.what()));
+    throw CommandFailure(ExitCode::Usage, options.devicesFrom + ": " + printable(error.what()));
   }
 }
 

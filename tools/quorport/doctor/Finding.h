@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/quorport/Report.h"
+#include "tools/quorport/ExitCode.h"
 
 namespace quordalvane::tool {
 

@@ -4,6 +4,7 @@
 
 #include "backends/DeviceSpec.h"
 #include "platform/EAAccessory.h"
+#include "tools/quorport/ExitCode.h"
 #include "tools/quorport/doctor/Finding.h"
 
 namespace quordalvane::tool {

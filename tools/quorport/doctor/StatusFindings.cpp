@@ -1,6 +1,7 @@
 #include "tools/quorport/doctor/StatusFindings.h"
 
 #include "job/StatusText.h"
+#include "tools/quorport/ExitCode.h"
 
 namespace quordalvane::tool {
 namespace {

@@ -1,9 +1,11 @@
 #include "tools/quorport/simulate/Control.h"
 
+#include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <utility>
 #include <vector>
 
+#include "logging/Quoted.h"
 #include "simulator/Faults.h"
 #include "simulator/PrinterState.h"
 #include "tools/quorport/Hex.h"

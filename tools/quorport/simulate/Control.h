@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "simulator/VirtualPrinter.h"
-#include "tools/quorport/Report.h"
+#include "tools/quorport/Json.h"
 #include "tools/quorport/simulate/Links.h"
 
 namespace quordalvane::tool {

@@ -1,5 +1,7 @@
 #include "tools/quorport/simulate/JobReport.h"
 
+#include <nlohmann/json.hpp>
+
 #include "tools/quorport/Hex.h"
 
 namespace quordalvane::tool {

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "simulator/JobRecord.h"
-#include "tools/quorport/Report.h"
+#include "tools/quorport/Json.h"
 
 namespace quordalvane::tool {
 

@@ -2,7 +2,8 @@
 
 #include <system_error>
 
-#include "tools/quorport/Report.h"
+#include "logging/Quoted.h"
+#include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/simulate/PtyListener.h"
 #include "tools/quorport/simulate/SocketListener.h"
 
@@ -15,7 +16,7 @@ constexpr std::string_view ptyScheme = "pty:";
 
 [[noreturn]] void refuse(const std::string& option, const std::string& text,
                          const std::string& takes) {
-  throw Failure(ExitCode::Usage, option + " takes " + takes + ", not " + inQuotes(text));
+  throw CommandFailure(ExitCode::Usage, option + " takes " + takes + ", not " + inQuotes(text));
 }
 
 // As in a SPEC, a backslash stands for the character after it, and a comma would begin a key.
@@ -40,8 +41,8 @@ std::unique_ptr<Listener> opened(const std::string& text, Open open) {
   try {
     return open();
   } catch (const std::exception& error) {
-    throw Failure(ExitCode::ExchangeFailed,
-                  "cannot listen at " + inQuotes(text) + ": " + printable(error.what()));
+    throw CommandFailure(ExitCode::ExchangeFailed,
+                         "cannot listen at " + inQuotes(text) + ": " + printable(error.what()));
   }
 }
 

@@ -32,8 +32,9 @@ class Listener {
   virtual void resume(bool dropped) = 0;
 };
 
-/// Opens the place that a text like tcp:HOST:PORT, unix:PATH or pty: names. Throws a Failure: with
-/// ExitCode::Usage if the text names none, with ExitCode::ExchangeFailed if it cannot be opened.
+/// Opens the place that a text like tcp:HOST:PORT, unix:PATH or pty: names. Throws a
+/// CommandFailure: with ExitCode::Usage if the text names none, with ExitCode::ExchangeFailed if it
+/// cannot be opened.
 std::unique_ptr<Listener> listenAt(const std::string& text);
 
 /// The same for a socket that is for its owner alone; takes unix:PATH only. `option` is what the

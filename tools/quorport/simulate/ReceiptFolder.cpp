@@ -6,8 +6,9 @@
 #include <string_view>
 #include <utility>
 
+#include "logging/Quoted.h"
+#include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/Receipt.h"
-#include "tools/quorport/Report.h"
 
 namespace quordalvane::tool {
 namespace {
@@ -32,8 +33,8 @@ ReceiptFolder::ReceiptFolder(std::string folder) : folder_(std::move(folder)) {
       last_ = std::max(last_, numberIn(entry.path().filename().string()));
     }
   } catch (const std::filesystem::filesystem_error& error) {
-    throw Failure(ExitCode::Usage, "--receipts takes a folder, and " + inQuotes(folder_) +
-                                       " cannot be one: " + error.code().message());
+    throw CommandFailure(ExitCode::Usage, "--receipts takes a folder, and " + inQuotes(folder_) +
+                                              " cannot be one: " + error.code().message());
   }
 }
 

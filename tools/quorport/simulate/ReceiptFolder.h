@@ -11,7 +11,7 @@ namespace quordalvane::tool {
 class ReceiptFolder {
  public:
   /// Makes the folder if there is none. The numbers go on from the highest that is there. Throws a
-  /// Failure with ExitCode::Usage if the folder cannot be made or read.
+  /// CommandFailure with ExitCode::Usage if the folder cannot be made or read.
   explicit ReceiptFolder(std::string folder);
 
   struct Written {

@@ -2,11 +2,12 @@
 
 #include <algorithm>
 #include <chrono>
+#include <nlohmann/json.hpp>
 #include <utility>
 #include <variant>
 
 #include "logging/DescriptorOutput.h"
-#include "tools/quorport/Report.h"
+#include "tools/quorport/Json.h"
 #include "tools/quorport/simulate/JobReport.h"
 
 namespace quordalvane::tool {

@@ -1,12 +1,14 @@
 // Takes the place of JobsCommand.cpp and NamedPrinting.cpp where the journal's libraries are
 // missing.
+#include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/NamedPrinting.h"
+#include "tools/quorport/Report.h"
 
 namespace quordalvane::tool {
 namespace {
 
 [[noreturn]] void refuseJournal() {
-  throw Failure(
+  throw CommandFailure(
       ExitCode::NoJournal,
       "this quorport was built without the journal of jobs, which takes SQLite and Nettle; "
       "nothing was sent");

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+#include "tools/quorport/ExitCode.h"
+
+namespace quordalvane::tool {
+
+/// Ends a command that cannot do its task.
+class CommandFailure : public std::runtime_error {
+ public:
+  CommandFailure(ExitCode code, const std::string& text) : std::runtime_error(text), code_(code) {}
+  ExitCode code() const { return code_; }
+
+ private:
+  ExitCode code_;
+};
+
+}  // namespace quordalvane::tool
