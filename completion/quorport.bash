@@ -54,7 +54,7 @@ _quorport_offer() {
 }
 
 _quorport() {
-  local commands="list status online print jobs cancel firmware dipswitch button-security disconnect monitor doctor simulate help"
+  local commands="find list status online print jobs cancel firmware dipswitch button-security disconnect monitor doctor simulate help"
   local cur prev words cword split command
   # A colon or an equals sign is part of a word here; of --option=value the value is completed.
   _init_completion -s -n := || return

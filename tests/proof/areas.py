@@ -39,6 +39,7 @@ AREAS = (
          ("unit_backends_tests", "contract_tests"), waits=True),
     Area("posix", ("backends/posix/*.cpp",), ("tests/unit/posix", "tests/contract", "tests/counts"),
          ("unit_posix_tests", "contract_tests", "counts_tests"), waits=True),
+    Area("discovery", ("discovery/*.cpp",), ("tests/unit/discovery",), ("unit_discovery_tests",)),
     Area("c-interface", ("c-interface/*.cpp",), ("tests/unit/c-interface", "tests/c-interface"),
          ("unit_c-interface_tests", "c_interface_tests")),
     # What the virtual printer answers, and when; what it draws is compared elsewhere.

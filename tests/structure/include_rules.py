@@ -62,6 +62,7 @@ RULES = (
     Rule("backends/posix", ("platform", "backends/*", PUBLIC), EVERY_SYSTEM_HEADER),
     # On the device the frameworks' own headers; here those of the same names in its sub-folder.
     Rule("backends/handheld", ("platform", PUBLIC), EVERY_SYSTEM_HEADER),
+    Rule("discovery", ("backends", "logging", PUBLIC), EVERY_SYSTEM_HEADER),
     Rule("job", ("iphone-IOPort", PUBLIC), STANDARD, NO_CLOCK),
     # A kernel's lock on a byte of a file; it waits by itself, as other processes do not live by a port's clock.
     Rule("locks", (PUBLIC,), STANDARD | DESCRIPTORS),
@@ -69,8 +70,8 @@ RULES = (
          STANDARD | DESCRIPTORS | {"sys/vfs.h", "sqlite3.h", "nettle/sha2.h"}),
     Rule("c-interface", ("job", "iphone-IOPort", "logging", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
     # The command also serves the simulator to others, without a port.
-    Rule("tools", ("job", "journal", "locks", "iphone-IOPort", "logging", "backends", "platform", "simulator", PUBLIC),
-         EVERY_SYSTEM_HEADER),
+    Rule("tools", ("job", "journal", "locks", "iphone-IOPort", "logging", "backends", "discovery", "platform", "simulator",
+                   PUBLIC), EVERY_SYSTEM_HEADER),
 )
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')

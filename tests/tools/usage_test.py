@@ -7,7 +7,7 @@ import subprocess
 from harness import Case, main, run
 
 COMMANDS = """list status online print cancel firmware dipswitch button-security disconnect monitor doctor
-    simulate help jobs""".split()
+    simulate help jobs find""".split()
 
 
 class Usage(Case):

@@ -9,6 +9,7 @@ namespace quordalvane::tool {
 namespace {
 
 constexpr Command commands[] = {
+    {"find", "look for what could be printed on", find},
     {"list", "show the accessories, and which one the port name chooses", list},
     {"status", "ask for the printer's status", status, addStatusOptions},
     {"online", "ask whether the printer is ready to print", online},

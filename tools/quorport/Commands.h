@@ -29,6 +29,7 @@ struct Surroundings {
 // CommandFailure with its exit code, Interrupted, and any other std::exception as a failed
 // exchange.
 
+Report find(const Options& options, const Surroundings& surroundings);
 Report list(const Options& options, const Surroundings& surroundings);
 Report status(const Options& options, const Surroundings& surroundings);
 Report online(const Options& options, const Surroundings& surroundings);

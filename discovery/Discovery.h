@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "discovery/SerialLines.h"
+#include "discovery/UsbDevices.h"
+
+namespace quordalvane {
+
+/// Where a search looks for devices of this machine; a test has folders of its own.
+struct DiscoveryRoots {
+  posix::UsbRoots usb;
+  SerialRoots serial;
+};
+
+/// What a search has come to.
+struct Discovery {
+  std::vector<FoundDevice> devices;
+
+  /// The ways that could not be searched, each a line for people that says why.
+  std::vector<std::string> unsearched;
+};
+
+/// Finds what could be printed on: USB printers and serial lines, in this order. Opens none of
+/// them and sends nothing to any of them.
+///
+///     for (const FoundDevice& found : discoverDevices().devices) {
+///       std::cout << found.device << " is " << found.name << "\n";
+///     }
+///
+/// May be called from any thread.
+Discovery discoverDevices(const DiscoveryRoots& roots = {});
+
+}  // namespace quordalvane

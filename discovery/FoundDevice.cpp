@@ -1,0 +1,56 @@
+#include "discovery/FoundDevice.h"
+
+#include "logging/PrintableText.h"
+
+namespace quordalvane {
+namespace {
+
+constexpr std::size_t longest = 100;
+
+// The most bytes of valid UTF-8 up to `longest` that end with a whole character.
+std::size_t wholeCharacters(std::string_view text) {
+  std::size_t end = longest;
+  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xc0U) == 0x80U) {
+    --end;
+  }
+  return end;
+}
+
+}  // namespace
+
+std::string_view nameOf(Via via) {
+  switch (via) {
+    case Via::Usb:
+      return "usb";
+    case Via::Bluetooth:
+      return "bluetooth";
+    case Via::Network:
+      return "network";
+    case Via::Serial:
+      break;
+  }
+  return "serial";
+}
+
+std::string shownText(std::string_view text) {
+  std::string shown;
+  appendPrintable(shown, text.substr(0, 4 * longest));
+  if (shown.size() > longest) {
+    shown.resize(wholeCharacters(shown));
+    shown += "...";
+  }
+  return shown;
+}
+
+std::string deviceText(std::string_view scheme, std::string_view place) {
+  std::string text = std::string(scheme) + ":";
+  for (const char letter : place) {
+    if (letter == ',' || letter == '\\') {
+      text += '\\';
+    }
+    text += letter;
+  }
+  return text;
+}
+
+}  // namespace quordalvane

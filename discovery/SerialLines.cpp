@@ -1,0 +1,98 @@
+#include "discovery/SerialLines.h"
+
+#include <algorithm>
+#include <fstream>
+
+namespace quordalvane {
+namespace {
+
+namespace fs = std::filesystem;
+
+// How far above a line its USB device may be: an interface and a port lie between them.
+constexpr int highest = 4;
+
+std::vector<fs::path> entriesOf(const fs::path& folder) {
+  std::vector<fs::path> entries;
+  std::error_code error;
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
+       entry.increment(error)) {
+    entries.push_back(entry->path());
+  }
+  return entries;
+}
+
+// The first line of a file of the system's.
+std::string lineOf(const fs::path& file) {
+  std::ifstream stream(file);
+  std::string line;
+  std::getline(stream, line);
+  return line;
+}
+
+// The console and pseudo-terminals have no hardware, and the driver of the classic lines makes some
+// whether or not there is any.
+bool hasHardware(const fs::path& entry) {
+  constexpr auto noHardware = "0";
+  std::error_code error;
+  return fs::exists(entry / "device", error) && lineOf(entry / "type") != noHardware;
+}
+
+// The folder of the USB device that the line is part of; empty if it is of none.
+fs::path usbDeviceOf(const fs::path& entry) {
+  std::error_code error;
+  fs::path folder = fs::canonical(entry / "device", error);
+  for (int level = 0; !error && level < highest; ++level, folder = folder.parent_path()) {
+    if (fs::exists(folder / "idVendor", error)) {
+      return folder;
+    }
+  }
+  return {};
+}
+
+// The link to `node` that stays the same when the line is plugged in elsewhere; or `node` itself.
+fs::path lastingNameOf(const fs::path& node, const SerialRoots& roots) {
+  std::vector<fs::path> links = entriesOf(roots.dev / "serial/by-id");
+  std::sort(links.begin(), links.end());
+  for (const fs::path& link : links) {
+    std::error_code error;
+    if (fs::equivalent(link, node, error)) {
+      return link;
+    }
+  }
+  return node;
+}
+
+FoundDevice found(const fs::path& entry, const SerialRoots& roots) {
+  const fs::path node = roots.dev / entry.filename();
+  const fs::path device = usbDeviceOf(entry);
+  FoundDevice line{.device = deviceText("serial", lastingNameOf(node, roots).string()),
+                   .name = "serial line " + shownText(entry.filename().string()),
+                   .serialNumber = "",
+                   .maker = "",
+                   .model = "",
+                   .via = Via::Serial,
+                   .reachable = std::nullopt};
+  if (!device.empty()) {
+    line.maker = shownText(lineOf(device / "manufacturer"));
+    line.model = shownText(lineOf(device / "product"));
+    line.serialNumber = shownText(lineOf(device / "serial"));
+    line.name += line.model.empty() ? "" : " at " + line.model;
+  }
+  return line;
+}
+
+}  // namespace
+
+std::vector<FoundDevice> serialLines(const SerialRoots& roots) {
+  std::vector<fs::path> entries = entriesOf(roots.sys / "class/tty");
+  std::sort(entries.begin(), entries.end());
+  std::vector<FoundDevice> lines;
+  for (const fs::path& entry : entries) {
+    if (hasHardware(entry)) {
+      lines.push_back(found(entry, roots));
+    }
+  }
+  return lines;
+}
+
+}  // namespace quordalvane

@@ -1,0 +1,22 @@
+"""`quorport find`: what could be printed on."""
+
+from harness import Case, main, run
+
+
+class Finding(Case):
+    def test_it_answers_in_both_forms_whatever_is_there(self):
+        result = run("find", "--json")
+        self.assertExit(0, result)
+        answer = result.json()
+        self.assertEqual(set(answer), {"ok", "found"})
+        self.assertIs(answer["ok"], True)
+        for found in answer["found"]:
+            self.assertEqual(set(found), {"device", "name", "serialNumber", "via", "reachable"})
+        plain = run("find")
+        self.assertExit(0, plain)
+        self.assertTrue(plain.out.strip())
+        self.assertEqual(plain.err, "")
+
+
+if __name__ == "__main__":
+    main()

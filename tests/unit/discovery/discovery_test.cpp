@@ -1,0 +1,150 @@
+#include "discovery/Discovery.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "tests/support/TemporaryFolder.h"
+
+namespace quordalvane {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+
+void write(const fs::path& file, const std::string& text) {
+  fs::create_directories(file.parent_path());
+  std::ofstream(file) << text << "\n";
+}
+
+/// The places where the system shows its devices, as a folder of this test.
+class DiscoveryTest : public testing::Test {
+ protected:
+  DiscoveryTest() {
+    fs::create_directories(sys_);
+    fs::create_directories(dev_);
+  }
+
+  void plugInPrinter(int number, const std::string& id, const std::string& serial) {
+    const std::string node = "lp" + std::to_string(number);
+    const fs::path device = sys_ / "devices" / ("1-" + std::to_string(number));
+    write(device / "idVendor", "04b8");
+    write(device / "idProduct", "0202");
+    write(device / "serial", serial);
+    write(device / "1-1:1.0/ieee1284_id", id);
+    link(sys_ / "class/usbmisc" / node / "device", device / "1-1:1.0");
+    write(dev_ / "usb" / node, "");
+  }
+
+  /// A line of the machine itself; a type of 0 is one without hardware.
+  void addLine(const std::string& name, const std::string& type) {
+    write(sys_ / "class/tty" / name / "type", type);
+    fs::create_directories(sys_ / "devices/platform");
+    link(sys_ / "class/tty" / name / "device", sys_ / "devices/platform");
+    write(dev_ / name, "");
+  }
+
+  void plugInLine(const std::string& name, const std::string& product) {
+    const fs::path device = sys_ / "devices/2-1";
+    write(device / "idVendor", "0403");
+    write(device / "manufacturer", "Quor Dalvane");
+    write(device / "product", product);
+    write(device / "serial", "A1");
+    fs::create_directories(device / "2-1:1.0" / name);
+    link(sys_ / "class/tty" / name / "device", device / "2-1:1.0" / name);
+    write(dev_ / name, "");
+  }
+
+  static void link(const fs::path& from, const fs::path& to) {
+    fs::create_directories(from.parent_path());
+    fs::create_symlink(to, from);
+  }
+
+  std::vector<FoundDevice> found() const {
+    return discoverDevices(
+               {.usb = {.sys = sys_, .dev = dev_}, .serial = {.sys = sys_, .dev = dev_}})
+        .devices;
+  }
+
+  std::vector<std::string> texts() const {
+    std::vector<std::string> texts;
+    for (const FoundDevice& device : found()) {
+      texts.push_back(device.device);
+    }
+    return texts;
+  }
+
+  const test::TemporaryFolder folder_;
+  const fs::path sys_ = folder_.file("sys");
+  const fs::path dev_ = folder_.file("dev");
+};
+
+TEST_F(DiscoveryTest, NothingIsThereOnABareMachine) {
+  EXPECT_TRUE(found().empty());
+}
+
+TEST_F(DiscoveryTest, AUsbPrinterIsFoundWithItsTextsAndReachable) {
+  plugInPrinter(0, "MFG:Quor Dalvane;MDL:XQ700;", "S 1/7");
+  const FoundDevice printer = found().at(0);
+  EXPECT_EQ(printer.device, "usb:S 1/7");
+  EXPECT_EQ(printer.name, "Quor Dalvane XQ700");
+  EXPECT_EQ(printer.maker, "Quor Dalvane");
+  EXPECT_EQ(printer.model, "XQ700");
+  EXPECT_EQ(printer.serialNumber, "S 1/7");
+  EXPECT_EQ(printer.via, Via::Usb);
+  EXPECT_EQ(printer.reachable, true);
+}
+
+TEST_F(DiscoveryTest, AUsbPrinterWithoutItsNodeIsNotReachable) {
+  plugInPrinter(0, "MFG:M;MDL:T;", "1");
+  fs::remove(dev_ / "usb/lp0");
+  EXPECT_EQ(found().at(0).reachable, false);
+}
+
+TEST_F(DiscoveryTest, AUsbPrinterWithoutTextsIsNamedByItsNumbers) {
+  plugInPrinter(0, "", "");
+  EXPECT_EQ(found().at(0).name, "USB printer 04b8:0202");
+}
+
+TEST_F(DiscoveryTest, ASerialNumberThatCannotBeNamedGivesWayToTheNode) {
+  plugInPrinter(0, "", "twice");
+  plugInPrinter(1, "", "twice");
+  plugInPrinter(2, "", "\x1b]0;gone");
+  plugInPrinter(3, "", "once");
+  const std::string node = "usb:" + (dev_ / "usb/lp").string();
+  EXPECT_THAT(texts(), ElementsAre(node + "0", node + "1", node + "2", "usb:once"));
+}
+
+TEST_F(DiscoveryTest, ASerialLineIsNamedAndNotOpened) {
+  fs::create_directories(sys_ / "class/tty/tty1");  // a console: no hardware
+  addLine("ttyS0", "4");
+  addLine("ttyS1", "0");
+  const auto lines = found();
+  ASSERT_EQ(lines.size(), 1U);
+  EXPECT_EQ(lines[0].device, "serial:" + (dev_ / "ttyS0").string());
+  EXPECT_EQ(lines[0].name, "serial line ttyS0");
+  EXPECT_EQ(lines[0].via, Via::Serial);
+  EXPECT_EQ(lines[0].reachable, std::nullopt);
+}
+
+TEST_F(DiscoveryTest, ASerialLineAtUsbHasTheTextsOfItsDevice) {
+  plugInLine("ttyUSB0", "UART \x1b[1m");
+  const FoundDevice line = found().at(0);
+  EXPECT_EQ(line.name, "serial line ttyUSB0 at UART \\u001b[1m");
+  EXPECT_EQ(line.maker, "Quor Dalvane");
+  EXPECT_EQ(line.serialNumber, "A1");
+}
+
+TEST_F(DiscoveryTest, ASerialLineIsNamedByTheNameThatLasts) {
+  plugInLine("ttyUSB0", "UART");
+  addLine("ttyS0", "4");
+  const fs::path lasting = dev_ / "serial/by-id/usb-UART_A1";
+  link(lasting, "../../ttyUSB0");
+  EXPECT_THAT(texts(),
+              ElementsAre("serial:" + (dev_ / "ttyS0").string(), "serial:" + lasting.string()));
+}
+
+}  // namespace
+}  // namespace quordalvane
