@@ -57,6 +57,18 @@ bool areWholeAnswers(const Bytes& bytes, ZKEmulation emulation) {
                                            bytes.end(), isRealTimeStatus);
 }
 
+/// Two settings, in the form in which a printer reports a bank of its DIP switches, and nothing
+/// else.
+bool areOneBank(const Bytes& bytes) {
+  constexpr std::int32_t header = 4;
+  constexpr std::int32_t settings = 2;
+  std::int32_t location = 0;
+  std::int32_t length = 0;
+  return parseDipSwitchInfo(bytes.data(), static_cast<std::int32_t>(bytes.size()), &location,
+                            &length) == 0 &&
+         location == header && length == settings;
+}
+
 /// One question over a port: hears each read, has a limit, and turns failures into errors.
 class Question final : private TransferObserver {
  public:
@@ -219,6 +231,11 @@ std::chrono::milliseconds PrinterInquiry::buttonSecurityTimeout() {
   if (milliseconds < 0) {
     question.fail(InquiryCause::NoAnswer,
                   "the printer did not report its button-security time-out");
+  }
+  // The port decodes whatever seven bytes arrive.
+  if (!areOneBank(joined(reads_))) {
+    question.fail(InquiryCause::NotUnderstood,
+                  "what answered is not a printer's report of its button-security time-out");
   }
   return std::chrono::milliseconds(milliseconds);
 }

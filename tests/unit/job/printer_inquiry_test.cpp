@@ -128,6 +128,21 @@ TEST(PrinterInquiry, SaysThatAnOffLinePrinterIsNotAskedForItsFirmware) {
   EXPECT_EQ(causeOf([&] { asked.inquiry.firmware(); }), InquiryCause::NotReady);
 }
 
+TEST(PrinterInquiry, ReturnsTheButtonSecurityTimeout) {
+  const auto report = bytes("1b 23 2c 31 40 0a 0a");
+  Asked asked(Script().wheneverAsked(bytes("1b 23 2c 31 0a 00"), {{report, 0.0}}));
+  EXPECT_EQ(asked.inquiry.buttonSecurityTimeout(), std::chrono::milliseconds(12'000));
+}
+
+TEST(PrinterInquiry, TakesNoOtherAnswerForAButtonSecurityTimeout) {
+  for (const char* const answer : {"00 00 00 00 00 00 00", "1b 23 2c 33 40 00 0a",
+                                   "00 1b 23 2c 31 40 0a", "1b 23 2c 31 40 00 00"}) {
+    Asked asked(Script().wheneverAsked(bytes("1b 23 2c 31 0a 00"), {{bytes(answer), 0.0}}));
+    EXPECT_EQ(causeOf([&] { asked.inquiry.buttonSecurityTimeout(); }), InquiryCause::NotUnderstood)
+        << answer;
+  }
+}
+
 TEST(PrinterInquiry, SaysThatTheLinkDidNotTakeAWholeCommand) {
   Asked asked(Script().hasNoSpace());
   EXPECT_EQ(causeOf([&] { asked.inquiry.dropAll(); }), InquiryCause::NoAnswer);
