@@ -1,5 +1,6 @@
 """./dev says what it takes and what to install; the hook says what a message lacks. Usage: dev_test.py ROOT"""
 
+import json
 import os
 import shutil
 import subprocess
@@ -95,6 +96,25 @@ class Quietly(unittest.TestCase):
         self.assertIn("the error\n./dev: compiling failed; the whole log is ", done.stderr)
         self.assertNotIn("\n900\n", done.stderr)
         self.assertNotIn("after", done.stdout)
+
+
+class Warnings(unittest.TestCase):
+    """A newer compiler warns of more; that must not end the build of somebody who only wants the program."""
+
+    def commands(self, preset: str) -> list[str]:
+        """The compiler's commands for the project's own sources."""
+        with tempfile.TemporaryDirectory() as folder:
+            done = subprocess.run(["cmake", "--preset", preset, "-B", folder], cwd=ROOT, capture_output=True, text=True,
+                                  timeout=110)
+            self.assertEqual(done.returncode, 0, done.stderr)
+            return [entry["command"] for entry in json.loads((Path(folder) / "compile_commands.json").read_text())]
+
+    def test_are_shown_to_everybody_and_are_errors_for_developers_alone(self):
+        for preset, are_errors in (("default", False), ("developer", True)):
+            with self.subTest(preset):
+                commands = self.commands(preset)
+                self.assertTrue(any(" -Wall " in command for command in commands))
+                self.assertEqual(any(" -Werror" in command for command in commands), are_errors)
 
 
 class CommitMessage(unittest.TestCase):

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <termios.h>
 
 #include <stdexcept>
 
@@ -70,6 +71,18 @@ TEST(Devices, OpensASocketAndASerialLineAtTheirPlaces) {
   const auto terminal = test::openPseudoTerminal();
   const posix::Descriptor master(terminal.master, posix::Descriptor::Kind::Terminal);
   EXPECT_NE(make("serial:" + terminal.line)->openSession(protocol), nullptr);
+}
+
+TEST(Devices, ASerialLineHasTheSettingsOfItsKeys) {
+  const auto terminal = test::openPseudoTerminal();
+  const posix::Descriptor master(terminal.master, posix::Descriptor::Kind::Terminal);
+  const auto session =
+      make("serial:" + terminal.line + ",baud=19200,stop=2,flow=rtscts")->openSession(protocol);
+  ASSERT_NE(session, nullptr);
+  termios settings{};
+  ASSERT_EQ(::tcgetattr(terminal.master, &settings), 0);
+  EXPECT_EQ(::cfgetospeed(&settings), speed_t{B19200});
+  EXPECT_EQ(settings.c_cflag & (CSTOPB | CRTSCTS), CSTOPB | CRTSCTS);
 }
 
 TEST(Devices, ConnectingThemSetsThePlatformOfTheProcess) {
