@@ -6,7 +6,8 @@
 #include <algorithm>
 #include <string>
 
-#include "simulator/TextDecoder.h"
+#include "simulator/Utf8.h"
+
 
 namespace quordalvane::simulator {
 namespace {

@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "simulator/SymbolEncoding.h"
-#include "simulator/TextDecoder.h"
 #include "simulator/TextRendering.h"
+#include "simulator/Utf8.h"
 
 namespace quordalvane::simulator {
 namespace {

@@ -61,8 +61,14 @@ void JobRecord::noteCutOff(std::uint64_t offset, ByteView command) {
   }
 }
 
-void JobRecord::noteMissing(std::uint8_t byte, std::uint8_t page) {
-  missing_.insert(hexText({&byte, 1}) + " in page " + std::to_string(page));
+void JobRecord::noteMissing(ByteView bytes, const std::string& page) {
+  if (missing_.size() < longestList) {
+    missing_.insert(hexText(bytes) + " in " + page);
+  }
+}
+
+void JobRecord::noteMissingPage(std::uint8_t number) {
+  missing_.insert("page " + std::to_string(number));
 }
 
 }  // namespace quordalvane::simulator

@@ -34,7 +34,8 @@ class JobRecord {
   const std::vector<Question>& asked() const { return asked_; }
   const std::vector<Unknown>& unknown() const { return unknown_; }
 
-  /// Bytes that the selected code page has no character for, like "81 in page 16".
+  /// Bytes that the selected code page has no character for, like "81 in page 16", and pages that
+  /// the printer lacks, like "page 200".
   const std::set<std::string>& missing() const { return missing_; }
 
   /// True if the printer could print all of the job as it was meant.
@@ -47,7 +48,8 @@ class JobRecord {
   void noteQuestion(ByteView command, ByteView answer);
   void noteUnknown(std::uint64_t offset, ByteView command);
   void noteCutOff(std::uint64_t offset, ByteView command);
-  void noteMissing(std::uint8_t byte, std::uint8_t page);
+  void noteMissing(ByteView bytes, const std::string& page);
+  void noteMissingPage(std::uint8_t number);
 
  private:
   Bytes codePages_;

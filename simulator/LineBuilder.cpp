@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "simulator/TextDecoder.h"
+
 namespace quordalvane::simulator {
 
 LineItem& LineBuilder::begin(LineItem item) {
@@ -13,11 +15,13 @@ LineItem& LineBuilder::begin(LineItem item) {
 }
 
 void LineBuilder::add(std::u32string_view text, const TextStyle& style, Paper& paper) {
+  TextStyle own = style;
   for (char32_t character : text) {
-    if (position_ > 0 && position_ + style.cellWidth() > paperWidth_) {
+    own.wide = style.wide || isWide(character);
+    if (position_ > 0 && position_ + own.cellWidth() > paperWidth_) {
       end(paper);
     }
-    addCharacter(character, style);
+    addCharacter(character, own);
   }
 }
 

@@ -24,12 +24,13 @@ struct TextStyle {
   bool bold = false;
   bool inverse = false;
   bool smallFont = false;         ///< cells of 9 x 17 dots, not 12 x 24
+  bool wide = false;              ///< of the scripts whose characters take the room of two letters
   std::uint8_t underline = 0;     ///< thickness in dots, 0 to 2
   std::uint8_t widthFactor = 1;   ///< 1 to 8
   std::uint8_t heightFactor = 1;  ///< 1 to 8
 
   bool operator==(const TextStyle&) const = default;
-  unsigned cellWidth() const { return (smallFont ? 9U : 12U) * widthFactor; }
+  unsigned cellWidth() const { return (smallFont ? 9U : 12U) * (wide ? 2U : 1U) * widthFactor; }
   unsigned cellHeight() const { return (smallFont ? 17U : 24U) * heightFactor; }
 };
 

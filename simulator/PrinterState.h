@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "simulator/CharacterSets.h"
 #include "simulator/Dialect.h"
 
 namespace quordalvane::simulator {
@@ -68,7 +69,8 @@ class PrinterState {
   /// and `dip2` (two bytes as four hex digits), `speed` (bytes a second, 0: unlimited), `buffer`
   /// (bytes), `presenterState` and `connectedInterface` (their codes), `paper` (58 or 80 mm; the
   /// paper that is in the printer keeps its width), `proofs` (see `Proofs::parse`), `lineMode`
-  /// (`true` or `false`), `maker`, `modelName` and `serialNumber` (texts), `modelId` and `typeId`
+  /// (`true` or `false`), `codePages` and `multiByte` (see `CharacterSets`), `utf8` (`true` or
+  /// `false`), `maker`, `modelName` and `serialNumber` (texts), `modelId` and `typeId`
   /// (numbers to 255), `profile` (see `applyProfile`). Throws
   /// std::invalid_argument, with a text for people that names the key and the values it takes,
   /// printable whatever was given, and then changes nothing.
@@ -105,6 +107,7 @@ class PrinterState {
   unsigned buttonSecurity() const { return dipBanks[0][0] >> 6U; }
 
   Dialect dialect;
+  CharacterSets characters;
   std::string profile = "both";  ///< the name of the profile that was applied last
   std::uint8_t modelId = 0x20;
   std::uint8_t typeId = 0x02;  ///< a cutter, and no characters of two bytes

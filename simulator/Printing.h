@@ -15,6 +15,9 @@ class Printing {
   /// From the next command on the printer knows the commands of this dialect.
   void setDialect(const Dialect& dialect) { scanner_.setDialect(dialect); }
 
+  /// The characters that the printer has from now on.
+  void setCharacterSets(const CharacterSets& sets) { typesetter_.setCharacterSets(sets); }
+
   /// Works through one byte of print data, the one at `offset` of the job.
   void pass(std::uint8_t byte, std::uint64_t offset);
 

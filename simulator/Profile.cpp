@@ -21,19 +21,68 @@ constexpr BuiltIn builtIn[] = {
     {"both", R"(# Line mode and ESC/POS at once, and every proof.
 lineMode=true
 proofs=block+process-id+in-order
+codePages=common
+multiByte=shift-jis
+utf8=true
 paper=80
 modelName=Virtual
 )"},
     {"escpos-80", R"(# A common ESC/POS printer for 80 mm paper.
 lineMode=false
 proofs=process-id+in-order
+codePages=common
+multiByte=none
+utf8=false
 paper=80
 modelName=Virtual-80
+)"},
+    {"escpos-80-japan", R"(# A common ESC/POS printer with Japanese characters.
+lineMode=false
+proofs=process-id+in-order
+codePages=common
+multiByte=shift-jis
+utf8=false
+paper=80
+modelName=Virtual-80
+typeId=3
+)"},
+    {"escpos-80-china", R"(# A common ESC/POS printer with simplified Chinese characters.
+lineMode=false
+proofs=process-id+in-order
+codePages=common
+multiByte=gb18030
+utf8=false
+paper=80
+modelName=Virtual-80
+typeId=3
+)"},
+    {"escpos-80-taiwan", R"(# A common ESC/POS printer with traditional Chinese characters.
+lineMode=false
+proofs=process-id+in-order
+codePages=common
+multiByte=big5
+utf8=false
+paper=80
+modelName=Virtual-80
+typeId=3
+)"},
+    {"escpos-80-korea", R"(# A common ESC/POS printer with Korean characters.
+lineMode=false
+proofs=process-id+in-order
+codePages=common
+multiByte=euc-kr
+utf8=false
+paper=80
+modelName=Virtual-80
+typeId=3
 )"},
     {"escpos-58",
      R"(# A small ESC/POS printer for 58 mm paper that answers in order and knows no process ID.
 lineMode=false
 proofs=in-order
+codePages=small
+multiByte=none
+utf8=false
 paper=58
 modelName=Virtual-58
 typeId=0
@@ -41,6 +90,9 @@ typeId=0
     {"silent-58", R"(# A small ESC/POS printer that confirms nothing.
 lineMode=false
 proofs=none
+codePages=small
+multiByte=none
+utf8=false
 paper=58
 modelName=Virtual-58S
 typeId=0

@@ -1,48 +1,82 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
-#include <string_view>
+
+#include "simulator/Bytes.h"
+#include "simulator/CharacterSets.h"
+#include "simulator/CodePages.h"
+#include "simulator/MultiByteText.h"
 
 namespace quordalvane::simulator {
 
-/// Turns the text bytes of a job into characters. Until the job selects a code page, an unbroken
-/// run of bytes from 80 hex up is UTF-8 if all of it is valid UTF-8, and code page 437 otherwise: a
-/// job's author rarely tells the printer which, and box drawing rarely happens to be valid UTF-8.
-/// Once a code page is selected it is taken at its word.
+/// Characters that a part of the text bytes has turned out to be.
+struct DecodedText {
+  std::u32string characters;
+  bool isWide = false;  ///< each takes the room of two letters
+  Bytes missing;        ///< bytes that have no character, if there are any
+};
+
+/// Turns the text bytes of a job into characters, as the commands of the job select them among the
+/// characters that the printer has.
+///
+/// Of a printer that knows UTF-8, an unbroken run of bytes from 80 hex up is UTF-8 if all of it is
+/// valid UTF-8, until the job selects a code page. Every other byte is of the page that is
+/// selected, which is number 0 at first.
 class TextDecoder {
  public:
-  /// Takes one byte and appends to `text` what is decided by now.
-  void put(std::uint8_t byte, std::u32string& text);
+  TextDecoder() { reset(); }
 
-  /// Decides what is still open. To be called before anything that is not text.
-  void finish(std::u32string& text);
+  /// From now on the printer has these. What the job has selected stays.
+  void setCharacterSets(const CharacterSets& sets);
 
-  /// Selects code page `number` of the command 1b 74: 0 is 437, 16 is 1252, 19 is 858. Any other
-  /// number selects nothing and returns false.
-  bool select(std::uint8_t number);
+  /// Takes one byte from 20 hex up, and gives what is decided by now.
+  DecodedText put(std::uint8_t byte);
 
-  /// The number of the page that is selected; 0 if none is.
-  std::uint8_t page() const { return number_; }
+  /// Decides the rest. To be called before anything that is not text.
+  DecodedText finish();
 
-  /// Back to the state in which the job has selected no code page.
+  /// Selects the page of the command 1b 74. Of a number that the printer has no page for it selects
+  /// nothing and returns false.
+  bool selectPage(std::uint8_t number);
+
+  /// Selects the international set of the command 1b 52; false if there is none.
+  bool selectNationalSet(std::uint8_t number);
+
+  /// Turns characters of several bytes on or off; false if the printer has none.
+  bool setMultiByte(bool on);
+
+  /// Turns them on and selects their code of the command 1c 43: 0 is of seven bits, 1 is the
+  /// printer's own. False if the printer has none.
+  bool selectMultiByteCode(std::uint8_t number);
+
+  /// Reads UTF-8 again, or the selected page, by the command 1c 28 43; false if the printer knows
+  /// no UTF-8.
+  bool setUtf8(bool on);
+
+  /// For people: the number of the page, or the name of the encoding of several bytes.
+  std::string selection() const;
+
+  /// Back to the state in which the job has selected nothing.
   void reset();
 
  private:
-  enum class Page { Undeclared, Cp437, Cp858, Cp1252 };
+  char32_t single(std::uint8_t byte) const;
+  DecodedText decide(std::size_t count);
+  DecodedText putMultiByte(std::uint8_t byte);
+  void startMultiByte(bool sevenBit);
 
-  char32_t fromPage(std::uint8_t byte) const;
-  void flush(std::u32string& text, std::size_t count);
-
-  Page page_ = Page::Undeclared;
+  CharacterSets sets_;
+  const UpperHalf* page_ = nullptr;
   std::uint8_t number_ = 0;
-  std::string run_;  // bytes from 80 hex up that are not decided yet
+  std::uint8_t nationalSet_ = 0;
+  bool guessesUtf8_ = false;
+  std::shared_ptr<MultiByteText> multiByte_;  // null while they are off
+  std::string run_;                           // bytes that are not decided yet
 };
 
-/// The text in UTF-8. A value that is not a character becomes the replacement character, U+FFFD.
-std::string toUtf8(std::u32string_view text);
-
-/// The characters of a text in UTF-8. Each byte that belongs to none is the replacement character.
-std::u32string fromUtf8(std::string_view bytes);
+/// True if a character takes the room of two letters wherever it stands.
+bool isWide(char32_t character);
 
 }  // namespace quordalvane::simulator

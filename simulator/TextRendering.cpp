@@ -5,7 +5,8 @@
 #include <string_view>
 #include <utility>
 
-#include "simulator/TextDecoder.h"
+#include "simulator/Utf8.h"
+
 
 namespace quordalvane::simulator {
 namespace {
@@ -15,6 +16,9 @@ constexpr unsigned cell = 12;  // the dots of a column
 // A longer feed is told, not shown.
 constexpr unsigned mostEmptyLines = 12;
 constexpr unsigned dotsPerMillimetre = 8;
+
+// The second column of a character that takes two.
+constexpr char32_t secondColumn = 0xffffffff;
 
 std::u32string widened(std::string_view ascii) {
   return {ascii.begin(), ascii.end()};
@@ -114,10 +118,18 @@ class TextPage {
 
   static std::u32string textOf(const LineItem& item) {
     if (const auto* run = std::get_if<TextRun>(&item.content)) {
-      return run->text;
+      return run->style.wide ? inTwoColumns(run->text) : run->text;
     }
     const auto& dots = std::get<Bitmap>(item.content);
     return widened("[image " + size(dots.width, dots.height) + "]");
+  }
+
+  static std::u32string inTwoColumns(const std::u32string& characters) {
+    std::u32string columns;
+    for (const char32_t character : characters) {
+      columns += {character, secondColumn};
+    }
+    return columns;
   }
 
   static std::string printable(std::string data) {
@@ -137,7 +149,9 @@ class TextPage {
     } else if (alignment == Alignment::Right) {
       text_.append(room, ' ');
     }
-    text_ += toUtf8(line) + "\n";
+    std::u32string characters(line);
+    std::erase(characters, secondColumn);
+    text_ += toUtf8(characters) + "\n";
   }
 
   std::size_t columns_;

@@ -8,8 +8,6 @@ namespace {
 // From the print head to the blade: a cut that feeds first moves the last line past it.
 constexpr unsigned headToBlade = 96;
 
-constexpr char32_t noCharacter = 0xfffd;
-
 enum class Spoken { Both, EscPos };  // which command system a command gives away
 
 }  // namespace
@@ -38,7 +36,7 @@ const Typesetter::Entry Typesetter::commandTable[] = {
     {0x1b, 0x4a, Spoken::Both, &Typesetter::feedDots},
     {0x1b, 0x4c, Spoken::EscPos, &Typesetter::pageMode},
     {0x1b, 0x4d, Spoken::EscPos, &Typesetter::font},
-    {0x1b, 0x52, Spoken::Both, &Typesetter::ignore},    // national variants of a few characters
+    {0x1b, 0x52, Spoken::Both, &Typesetter::nationalSet},
     {0x1b, 0x53, Spoken::EscPos, &Typesetter::ignore},  // leaving page mode
     {0x1b, 0x5c, Spoken::EscPos, &Typesetter::positionFurther},
     {0x1b, 0x61, Spoken::EscPos, &Typesetter::align},
@@ -47,6 +45,10 @@ const Typesetter::Entry Typesetter::commandTable[] = {
     {0x1b, 0x6d, Spoken::EscPos, &Typesetter::partialCut},
     {0x1b, 0x70, Spoken::EscPos, &Typesetter::drawer},
     {0x1b, 0x74, Spoken::EscPos, &Typesetter::codePage},
+    {0x1c, 0x26, Spoken::EscPos, &Typesetter::multiByte},
+    {0x1c, 0x28, Spoken::EscPos, &Typesetter::characterEncoding},
+    {0x1c, 0x2e, Spoken::EscPos, &Typesetter::multiByte},
+    {0x1c, 0x43, Spoken::EscPos, &Typesetter::multiByteCode},
     {0x1d, 0x21, Spoken::EscPos, &Typesetter::characterSize},
     {0x1d, 0x28, Spoken::EscPos, &Typesetter::twoDimensional},
     {0x1d, 0x38, Spoken::EscPos, &Typesetter::graphics},
@@ -81,12 +83,7 @@ void Typesetter::set(ByteView command) {
 
 void Typesetter::character(std::uint8_t byte) {
   if (byte >= 0x20) {
-    std::u32string text;
-    decoder_.put(byte, text);
-    if (!text.empty() && text.back() == noCharacter) {
-      record().noteMissing(byte, decoder_.page());
-    }
-    return line_.add(text, style_, paper_);
+    return add(decoder_.put(byte));
   }
   finishText();
   switch (byte) {
@@ -110,9 +107,16 @@ void Typesetter::character(std::uint8_t byte) {
 }
 
 void Typesetter::finishText() {
-  std::u32string text;
-  decoder_.finish(text);
-  line_.add(text, style_, paper_);
+  add(decoder_.finish());
+}
+
+void Typesetter::add(const DecodedText& text) {
+  if (!text.missing.empty()) {
+    record().noteMissing(text.missing, decoder_.selection());
+  }
+  TextStyle style = style_;
+  style.wide = text.isWide;
+  line_.add(text.characters, style, paper_);
 }
 
 void Typesetter::endLine() {
@@ -189,7 +193,35 @@ void Typesetter::align(ByteView command) {
 
 void Typesetter::codePage(ByteView command) {
   record().noteCodePage(command[2]);
-  if (!decoder_.select(command[2])) {
+  if (!decoder_.selectPage(command[2])) {
+    record().noteMissingPage(command[2]);
+    paper_.noteSkipped(command);
+  }
+}
+
+void Typesetter::nationalSet(ByteView command) {
+  if (!decoder_.selectNationalSet(command[2])) {
+    paper_.noteSkipped(command);
+  }
+}
+
+void Typesetter::multiByte(ByteView command) {
+  constexpr std::uint8_t on = 0x26;
+  if (!decoder_.setMultiByte(command[1] == on)) {
+    paper_.noteSkipped(command);
+  }
+}
+
+void Typesetter::multiByteCode(ByteView command) {
+  if (!decoder_.selectMultiByteCode(command[2])) {
+    paper_.noteSkipped(command);
+  }
+}
+
+// 1c 28 43 02 00 30 m: 1 is the code page, 2 is UTF-8.
+void Typesetter::characterEncoding(ByteView command) {
+  const bool selects = command.size() == 7 && command[2] == 0x43 && command[5] == 0x30;
+  if (!selects || !decoder_.setUtf8((command[6] & 0x0fU) == 2)) {
     paper_.noteSkipped(command);
   }
 }

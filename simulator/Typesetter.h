@@ -20,6 +20,9 @@ class Typesetter {
  public:
   explicit Typesetter(unsigned paperWidth);
 
+  /// The characters that the printer has from now on.
+  void setCharacterSets(const CharacterSets& sets) { decoder_.setCharacterSets(sets); }
+
   const Paper& paper() const { return paper_; }
   JobRecord& record() { return paper_.record(); }
 
@@ -46,6 +49,7 @@ class Typesetter {
   static const Entry commandTable[];
 
   void character(std::uint8_t byte);
+  void add(const DecodedText& text);
   void finishText();
   void initialise(ByteView);
   void printMode(ByteView command);
@@ -56,6 +60,10 @@ class Typesetter {
   void characterSize(ByteView command);
   void align(ByteView command);
   void codePage(ByteView command);
+  void nationalSet(ByteView command);
+  void multiByte(ByteView command);
+  void multiByteCode(ByteView command);
+  void characterEncoding(ByteView command);
   void defaultSpacing(ByteView);
   void spacing(ByteView command);
   void feedDots(ByteView command);

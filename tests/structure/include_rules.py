@@ -52,7 +52,7 @@ RULES = (
     Rule("platform", (PUBLIC,), STANDARD | {"cxxabi.h"}),
     Rule("parsers", (PUBLIC,), PLAIN, NO_CLOCK_OR_LOCALE),
     Rule("logging", (PUBLIC,), STANDARD | DESCRIPTORS),
-    Rule("simulator", (), (STANDARD - THREADS) | DRAWING, NO_CLOCK),
+    Rule("simulator", (), (STANDARD - THREADS) | DRAWING | {"iconv.h"}, NO_CLOCK),
     Rule("backends", ("platform", "logging", PUBLIC), STANDARD, NO_CLOCK),
     Rule("backends/DeviceIdentity.cpp", ("platform", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
     Rule("backends/DeviceSpec.cpp", ("platform", "logging", "backends/*", PUBLIC), STANDARD, NO_CLOCK),

@@ -1,8 +1,8 @@
-#include "simulator/TextDecoder.h"
 #include "simulator/TextRendering.h"
 
 #include <gtest/gtest.h>
 
+#include "simulator/Utf8.h"
 #include "tests/unit/simulator/Session.h"
 
 namespace quordalvane::simulator {
@@ -83,8 +83,8 @@ std::vector<Job> jobs() {
       {"bytes that would act on a terminal are data", hex("1d6b 49 03 1b 5b 4d"),
        "[Code 128 .[M]\n"},
       {"what cannot be shown is skipped and listed",
-       hex("1b7201") + ascii("a\n") + hex("1b7200 1c2e"),
-       "a\n[not shown: 1b 72 00 (1) 1b 72 01 (1) 1c 2e (1)]\n"},
+       hex("1b7201") + ascii("a\n") + hex("1b7200 1c62"),
+       "a\n[not shown: 1b 72 00 (1) 1b 72 01 (1) 1c 62 (1)]\n"},
   };
 }
 
