@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <limits>
 #include <set>
 #include <stdexcept>
@@ -10,6 +9,7 @@
 #include "backends/HostAndPort.h"
 #include "backends/Schemes.h"
 #include "backends/posix/UsbPrinters.h"
+#include "logging/PrintableText.h"
 
 namespace quordalvane {
 namespace {
@@ -282,7 +282,7 @@ TEST(HostAndPort, IsSplitAtTheLastColonAndLosesItsBrackets) {
   EXPECT_EQ(parseHostAndPort("[::1]:65535").port, 65535);
 }
 
-TEST(DeviceSpec, WhateverIsReadTheErrorIsShortAndPrintable) {
+TEST(DeviceSpec, TheErrorIsShortAndPrintableWhateverTheText) {
   const std::string odd = "\0\x1b[31m%s%n\r\n\xff"s;
   const std::string huge(10'000'000, '%');
   for (const std::string& wrong :
@@ -292,7 +292,7 @@ TEST(DeviceSpec, WhateverIsReadTheErrorIsShortAndPrintable) {
     const std::string why = failure(wrong);
     EXPECT_NE(why, "it was taken");
     EXPECT_LT(why.size(), 300U);
-    EXPECT_TRUE(std::all_of(why.begin(), why.end(), [](char c) { return c >= ' ' && c <= '~'; }));
+    EXPECT_TRUE(isPrintable(why));
   }
 }
 
