@@ -13,7 +13,7 @@
 
 namespace quordalvane::c {
 
-/// The caller's buffer. `length` may be null, and so may `bytes` where `capacity` is 0.
+/// The caller's buffer. `length` may be null, and so may `bytes` if `capacity` is 0.
 struct Buffer {
   void* bytes;
   std::size_t capacity;

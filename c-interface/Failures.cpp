@@ -10,7 +10,7 @@
 namespace quordalvane::c {
 namespace {
 
-// A text that needs no memory, so that the want of it can be told, too.
+// A text that needs no memory, so that even a lack of memory can be reported.
 thread_local std::array<char, 512> lastError{};
 
 QuorCode keep(QuorCode code, const char* text) noexcept {
@@ -40,7 +40,7 @@ QuorCode codeOfCurrentException() noexcept {
   } catch (const std::exception& failure) {
     return keep(QUOR_UNEXPECTED, failure.what());
   } catch (...) {
-    return keep(QUOR_UNEXPECTED, "an exception that tells nothing of itself");
+    return keep(QUOR_UNEXPECTED, "an exception without a text");
   }
 }
 

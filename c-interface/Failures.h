@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <string>
 
-// How what goes wrong in C++ becomes a code and a text.
+// Turns the exceptions of C++ into a code and a text.
 
 namespace quordalvane::c {
 
@@ -22,8 +22,8 @@ class CallFailure : public std::runtime_error {
 /// Keeps the text of the exception that is being handled for quor_last_error and returns its code.
 QuorCode codeOfCurrentException() noexcept;
 
-/// Runs the body of a function of the interface, which returns when it has done its work and raises
-/// when it has not.
+/// Runs the body of a function of the interface, which returns if it has done its work and throws
+/// otherwise.
 template <typename Body>
 QuorCode guarded(Body body) noexcept {
   try {
@@ -49,14 +49,14 @@ auto answered(Body body) noexcept -> decltype(body()) {
   }
 }
 
-/// Raises QUOR_FAILED with `text` unless `done`.
+/// Throws QUOR_FAILED with `text` unless `done`.
 inline void succeed(bool done, const char* text) {
   if (!done) {
     throw CallFailure(QUOR_FAILED, text);
   }
 }
 
-/// What a pointer leads to; raises QUOR_USAGE when it is null.
+/// The object of a pointer; throws QUOR_USAGE if it is null.
 template <typename Pointer>
 auto& given(Pointer* pointer, const char* name) {
   if (pointer == nullptr) {

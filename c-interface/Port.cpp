@@ -30,8 +30,8 @@ ZKEmulation emulationOf(int32_t number) {
   return static_cast<ZKEmulation>(number);
 }
 
-// An open that failed has still chosen its accessory where one matched, and then tells of it. Two
-// may have the same identifier.
+// An open that failed has still chosen its accessory if one matched, and the port then has its
+// texts. Two accessories may have the same identifier.
 bool hasChosen(const ExternalAccessoryPort& port, EAAccessory& accessory) {
   return accessory.connectionID() == port.connectionID() && accessory.name() == port.name() &&
          accessory.serialNumber() == port.serialNumber();

@@ -61,7 +61,7 @@ QuorCode quor_print_job_run(QuorPrintJob* job, const void* data, size_t size) {
     if (given(job, "the job").hasRun.exchange(true)) {
       throw CallFailure(QUOR_USAGE, "a job runs once");
     }
-    // What a run that is broken off has sent is not told.
+    // The number of bytes that an aborted run has sent is unknown.
     job->result.outcome = PrintOutcome::Unconfirmed;
     job->result.obstacle = PrintObstacle::ExchangeFailed;
     job->result.bytesTotal = size;

@@ -1,4 +1,4 @@
-// What the printer says of itself, and its Bluetooth module.
+// Facts about the printer, and its Bluetooth module.
 
 #include <algorithm>
 
@@ -16,8 +16,8 @@ QuorCode run(Exchange exchange, QuorPort* port, const char* failure) {
   return guarded([&] { succeed((given(port).*exchange)(), failure); });
 }
 
-constexpr auto noFirmware = "the printer did not tell its firmware";
-constexpr auto noDipSwitches = "the printer did not tell its DIP switches";
+constexpr auto noFirmware = "the printer did not answer with its firmware text";
+constexpr auto noDipSwitches = "the printer did not answer with its DIP switches";
 constexpr auto noDisconnection = "the Bluetooth module did not drop the link";
 
 }  // namespace
@@ -51,14 +51,14 @@ QuorCode quor_port_retrieve_button_security_timeout(QuorPort* port, uint32_t* mi
   return guarded([&] {
     given(milliseconds, "the time-out");
     const std::int64_t timeout = given(port).retrieveButtonSecurityTimeout();
-    succeed(timeout >= 0, "the printer did not tell its button-security time-out");
+    succeed(timeout >= 0, "the printer did not answer with its button-security time-out");
     *milliseconds = static_cast<uint32_t>(timeout);
   });
 }
 
 QuorCode quor_port_enter_at_mode(QuorPort* port) {
   return run(&ExternalAccessoryPort::enterATMode, port,
-             "the Bluetooth module did not go into command mode");
+             "the Bluetooth module did not enter command mode");
 }
 
 QuorCode quor_port_get_printer_response(QuorPort* port, const char* setting_title,

@@ -108,7 +108,7 @@ std::optional<std::string> ExternalAccessoryPort::awaitResponse(
   }
 }
 
-/// What one chunk of bytes says, or none if it holds no result. An error counts before a success.
+/// The result in one chunk of bytes; null if it holds none. An error precedes a success.
 std::optional<std::string> ExternalAccessoryPort::responseIn(
     const std::string& printerResponse, const std::optional<std::string>& settingTitle,
     std::int32_t settingLength) {
@@ -183,7 +183,7 @@ bool ExternalAccessoryPort::disconnectBluetoothConnection() {
   WholeSecondsWait wait(platform_->clock(), timeout_);
   while (true) {
     platform_->currentRunLoop().runUntilDate(0.1);
-    // The module may say something before it drops the link, and nobody reads that.
+    // The module may send bytes before it drops the link, which nobody reads.
     if (const auto accessory = _selectedAccessory.get()) {
       accessory->noticeLoss();
     }

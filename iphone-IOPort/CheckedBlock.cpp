@@ -28,7 +28,7 @@ constexpr std::uint8_t etbResetEscPos[] = {0x1b, 0x1d, 0x03, 0x02, 0x00, 0x00};
 
 constexpr std::uint8_t reportStart = 0x1b;
 constexpr std::size_t restDataSize = 7;
-constexpr std::size_t reportedCount = 5;  // the count's place behind the first byte
+constexpr std::size_t reportedCount = 5;  // the place of the count after the first byte
 
 }  // namespace
 
@@ -109,7 +109,7 @@ bool ExternalAccessoryPort::awaitClearPath(QuorPrinterStatus_2* status, std::int
     if (status->offline == 1 || (status->etbCounter == 0 && status->paperPresent == 0)) {
       return true;
     }
-    // The limit is chosen anew in each pass: paper that goes late leaves the shorter one at once.
+    // The limit is chosen anew in each pass: paper that is taken late ends the shorter one at once.
     std::int32_t waitTimeoutSec = wait.timeoutSec();
     std::int64_t errorCode = ZKQuorIOResultCodeFailedError;
     if (status->paperPresent == 1) {
@@ -128,7 +128,7 @@ bool ExternalAccessoryPort::awaitClearPath(QuorPrinterStatus_2* status, std::int
   return false;
 }
 
-/// ESC/POS: a fresh status for the caller's record; the block goes on without one, too.
+/// ESC/POS: a fresh status for the caller's record; without one the block continues as well.
 bool ExternalAccessoryPort::refreshStatus(QuorPrinterStatus_2* status, std::uint32_t level) {
   constexpr auto selector = beginSelector;
   if (!isConnected()) {
@@ -221,7 +221,7 @@ bool ExternalAccessoryPort::awaitCount(QuorPrinterStatus_2* quorPrinterStatus, s
       usleep(microseconds(secInterval2()));
     }
     if (quorPrinterStatus->offline == 1) {
-      // What an off-line printer means for the job is for the caller to judge.
+      // The caller judges the meaning of an off-line printer for the job.
       QUOR_LOG(ZKLogTypeProcess, 0, "quorPrinterStatus->offline: %d", quorPrinterStatus->offline);
       return true;
     }
@@ -283,7 +283,7 @@ bool ExternalAccessoryPort::requestRealTimeStatus() {
   return true;
 }
 
-/// The next byte of the input, or none at the time-out.
+/// The next byte of the input; null at the time-out.
 std::optional<std::uint8_t> ExternalAccessoryPort::awaitByte(WholeSecondsWait& wait) {
   auto data = read(1);
   while (!data || data->empty()) {
@@ -305,8 +305,8 @@ void ExternalAccessoryPort::logEmptyRead(const std::optional<ByteBuffer>& data) 
   }
 }
 
-/// What follows the first byte of a report. False when it cannot be read; a report that is cut
-/// short counts nothing.
+/// Reads the bytes after the first one of a report. False if they cannot be read; a report that is
+/// cut short does not count.
 bool ExternalAccessoryPort::readReport(bool& etbCountUp) {
   constexpr auto selector = endSelector;
   const auto rest = read(restDataSize);

@@ -1,4 +1,4 @@
-// What the printer says of itself: firmware, DIP switches, button security.
+// Facts about the printer: firmware, DIP switches, button security.
 
 #include <cstdint>
 #include <utility>
@@ -26,7 +26,8 @@ constexpr std::uint8_t writeBuf[] = {0x1b, 0x23, 0x2c, 0x31, 0x0a, 0x00};
 
 using ReplyParser = decltype(&parseFirmwareInfo);
 
-/// Where `parse` found a complete field in `data`. No data reaches the parser as null and 0.
+/// The place of the complete field that `parse` finds in `data`. The parser gets null and 0 if
+/// there is no data.
 std::optional<Range> findField(ReplyParser parse, const std::optional<ByteBuffer>& data) {
   std::int32_t location = 0;
   std::int32_t length = 0;
@@ -187,7 +188,7 @@ std::optional<ByteBuffer> ExternalAccessoryPort::queryDipSwitchBank(std::uint8_t
     field = findField(parseDipSwitchInfo, data);
   }
   const ByteBuffer chunk = data.value_or(ByteBuffer());
-  // The record shows the chunk from its start, not from the field: so it has always been read.
+  // The record shows the chunk from its start, not from the field: readers of the log expect that.
   QUOR_LOG(ZKLogTypeProcess, 0, "Find DIPSW Info, Position: %d, Raw: %@", field->location,
            LogWriter::createByteArrayDescription(
                subrange(chunk, {.location = 0, .length = field->length})));
@@ -210,7 +211,7 @@ std::int64_t ExternalAccessoryPort::retrieveButtonSecurityTimeout() {
     return -1;
   }
   WholeSecondsWait wait(platform_->clock(), timeout_);
-  wait.isOver();  // the end is taken with the start, too, unlike in the other queries
+  wait.isOver();  // unlike the other queries, this one reads the end together with the start
   ByteBuffer recvBuf;
   while (true) {
     const auto recvData = read(EXPECTED_RECV_SIZE - recvBuf.size()).value_or(ByteBuffer());
@@ -232,7 +233,7 @@ std::int64_t ExternalAccessoryPort::retrieveButtonSecurityTimeout() {
   const std::size_t timeoutByte = dipSwSettingByte >> 6;
   const std::uint32_t setting = settings[timeoutByte];
   QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", setting);
-  // The port's own time-out comes on top, in 32 bits, unless the security is off.
+  // The port's own time-out is added, in 32 bits, unless the security is off.
   return setting == 0 ? 0 : std::int64_t{static_cast<std::uint32_t>(setting + timeout_)};
 }
 

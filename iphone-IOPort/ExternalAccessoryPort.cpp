@@ -61,7 +61,8 @@ std::shared_ptr<ExternalAccessoryPort> ExternalAccessoryPort::initWithPortName(
   auto port = std::make_shared<ExternalAccessoryPort>(
       Arguments{std::move(portName), std::move(portSettings), ioTimeoutMillis, emulation,
                 std::move(platform)});
-  // A port that nobody gets and could close: its thread ends, and neither holds the other.
+  // The caller never gets this port, so nobody can close it: its thread ends, and neither keeps the
+  // other.
   const auto abandon = [&port] {
     port->stopThread71 = true;
     port->setThread71(nullptr);
@@ -89,7 +90,7 @@ bool ExternalAccessoryPort::initialise() {
              timeout_, p_emulation, nullptr);
     return false;
   }
-  // The members are set by now, so the thread never sees a port in the making.
+  // The members are set by now, so the thread never sees an unfinished port.
   if (platform_->isMainThread()) {
     QUOR_LOG(ZKLogTypeProcess, 0, "NSThread.isMainThread, %d", 1);
     if (!startPortThread()) {

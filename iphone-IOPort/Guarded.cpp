@@ -6,7 +6,7 @@
 
 namespace quordalvane {
 
-std::string raisedText() {
+std::string thrownText() {
   try {
     throw;
   } catch (const std::exception& exception) {

@@ -5,7 +5,7 @@
 namespace quordalvane {
 
 /// The text of the exception that is being handled.
-std::string raisedText();
+std::string thrownText();
 
 /// Runs `work`, which may throw. False if it did, after `report` was called to log it. Throws
 /// nothing itself: a record for which there is no memory is lost.

@@ -9,7 +9,7 @@
 namespace quordalvane {
 namespace {
 
-/// A message in the making. Most fit its buffer, so that they take memory once, and what they need.
+/// Builds a message. Most fit into its buffer, so that they allocate once, exactly what they need.
 class MessageText {
  public:
   void append(std::string_view text) {

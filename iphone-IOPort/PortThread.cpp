@@ -1,4 +1,4 @@
-// The port thread, and the carrying of open and close to it.
+// The port thread, and the passing of open and close to it.
 
 #include "iphone-IOPort/ExternalAccessoryPort.h"
 #include "iphone-IOPort/Guarded.h"
@@ -9,8 +9,8 @@
 namespace quordalvane {
 
 bool ExternalAccessoryPort::startPortThread() {
-  // The thread keeps the port alive while it runs, and its handle lets go of the body at its end: a
-  // handle that kept it would tie port and handle together for good.
+  // The thread keeps the port alive while it runs, and its handle releases the body at its end: a
+  // handle that kept it would keep the port, and the port the handle, for ever.
   const auto thread = platform_->makeThread([self = shared_from_this()] { self->runLoop71(); });
   setThread71(thread);
   return thread != nullptr && thread->start();
@@ -19,25 +19,25 @@ bool ExternalAccessoryPort::startPortThread() {
 void ExternalAccessoryPort::runLoop71() {
   constexpr auto selector = "-[ExternalAccessoryPort runLoop71]";
   QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@", "");
-  // A loop that raises ends the thread and not the process: what would be carried to the thread
-  // then runs on the caller, as after a close.
+  // A loop that throws ends the thread and not the process: later routines run on the caller, as
+  // after a close.
   guarded(
       [this] {
         while (!stopThread71) {
-          // The text lacks its final bracket; those who search logs for it rely on that.
+          // The text lacks its final bracket; programs that search logs for it rely on that.
           QUOR_LOG(
               ZKLogTypeProcess, 1,
               "[NSRunLoop.currentRunLoop runUntilDate:[NSDate dateWithTimeIntervalSinceNow:0.1]");
           platform_->currentRunLoop().runUntilDate(0.1);
         }
       },
-      [this] { QUOR_LOG(ZKLogTypeError, 0, "%@", raisedText()); });
+      [this] { QUOR_LOG(ZKLogTypeError, 0, "%@", thrownText()); });
   QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%@", "");
 }
 
-/// Runs the routine here when there is no port thread that could: a port made off the main thread
-/// has none, and after a close it has ended or is about to. One that is about to end would still
-/// take the routine, but nobody would turn the loop that the streams are scheduled on.
+/// Runs the routine here if no port thread could: a port made off the main thread has none, and
+/// after a close it has ended or is about to end. A thread that is about to end would still take
+/// the routine, but the loop that the streams are scheduled on would no longer run.
 void ExternalAccessoryPort::performOnPortThread(void (ExternalAccessoryPort::*routine)()) {
   const auto thread = thread71();
   const bool runs = thread != nullptr && !stopThread71;
@@ -48,7 +48,7 @@ void ExternalAccessoryPort::performOnPortThread(void (ExternalAccessoryPort::*ro
 
 bool ExternalAccessoryPort::open() {
   constexpr auto selector = "-[ExternalAccessoryPort open]";
-  const auto tell = [this] { QUOR_LOG(ZKLogTypeError, 0, "%@", raisedText()); };
+  const auto tell = [this] { QUOR_LOG(ZKLogTypeError, 0, "%@", thrownText()); };
   QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@", "");
   const auto openOnItsThread = [this] {
     if (platform_->isMainThread()) {
@@ -59,7 +59,7 @@ bool ExternalAccessoryPort::open() {
     }
   };
   const bool ran = guarded(openOnItsThread, tell);
-  // The session stays as it is if the pause raises: the caller learns of a failed open and closes.
+  // The session does not change if the pause throws: the caller learns of a failed open and closes.
   const bool paused = guarded([this] { usleep(100000); }, tell);
   const bool result = ran && paused && result71().value_or(false);
   QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", result);
@@ -68,7 +68,7 @@ bool ExternalAccessoryPort::open() {
 
 void ExternalAccessoryPort::close() {
   constexpr auto selector = "-[ExternalAccessoryPort close]";
-  const auto tell = [this] { QUOR_LOG(ZKLogTypeError, 0, "%@", raisedText()); };
+  const auto tell = [this] { QUOR_LOG(ZKLogTypeError, 0, "%@", thrownText()); };
   QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@", "");
   const auto pauseOnNewerSystems = [this] {
     const float version = leadingNumber(platform_->currentDevice().systemVersion());
@@ -90,7 +90,7 @@ void ExternalAccessoryPort::close() {
   };
   guarded(pauseOnNewerSystems, tell);
   if (!guarded(closeOnItsThread, tell)) {
-    close71();  // what the platform raises must not leave the session open
+    close71();  // an exception of the platform must not leave the session open
   }
   if (isMain) {
     stopThread71 = true;

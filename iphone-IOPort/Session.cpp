@@ -23,7 +23,7 @@ bool equalIgnoringCase(std::string_view a, std::string_view b) {
                     [](char x, char y) { return lowerCase(x) == lowerCase(y); });
 }
 
-/// The designation of the accessory in a port name; none designates any.
+/// The designation of the accessory in a port name; an empty one designates any.
 std::optional<std::string> designationIn(const std::optional<std::string>& portName) {
   if (!portName || equalIgnoringCase(*portName, "BT:")) {
     return std::nullopt;
@@ -46,7 +46,7 @@ void ExternalAccessoryPort::open71() {
         selectAccessory();
         isOpen = openSession();
       },
-      [this] { QUOR_LOG(ZKLogTypeError, 0, "%@", raisedText()); });
+      [this] { QUOR_LOG(ZKLogTypeError, 0, "%@", thrownText()); });
   setResult71(isOpen);
   QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%@", "");
 }
@@ -56,7 +56,7 @@ void ExternalAccessoryPort::selectAccessory() {
   const auto specifiedPortName = designationIn(portName_);
   QUOR_LOG(ZKLogTypeProcess, 0, "specifiedPortName: %@", specifiedPortName);
   const auto accessoryArray = platform_->sharedAccessoryManager().connectedAccessories();
-  // A session that was not closed goes with its accessory: nothing of it may be used any more.
+  // A session that was not closed is released with its accessory: it must not be used any more.
   _session.set(nullptr);
   _selectedAccessory.set(nullptr);
   const auto chosen = std::find_if(
@@ -210,8 +210,8 @@ void ExternalAccessoryPort::close71() {
           closeStream(*session->inputStream());
         }
       },
-      [this] { QUOR_LOG(ZKLogTypeError, 0, "%@", raisedText()); });
-  // Whatever a stream raised, the port is closed from here on.
+      [this] { QUOR_LOG(ZKLogTypeError, 0, "%@", thrownText()); });
+  // The port is closed from here on, even if a stream threw.
   _session.set(nullptr);
   _selectedAccessory.set(nullptr);
   setConnectionID(0);

@@ -40,7 +40,7 @@ bool ExternalAccessoryPort::getParsedStatus(QuorPrinterStatus_2* quorPrinterStat
   constexpr auto selector = statusSelector;
   assert(quorPrinterStatus != nullptr);
   QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%p, %d", quorPrinterStatus, level);
-  readLeftovers(drainSize);  // whatever comes of it
+  readLeftovers(drainSize);  // its result does not matter
   QUOR_LOG(ZKLogTypeProcess, 0, "p_emulation: %d", p_emulation);
   bool result = false;
   if (p_emulation == ZKEmulationESCPOS) {
@@ -91,8 +91,8 @@ bool ExternalAccessoryPort::collectStatus(QuorPrinterStatus_2* quorPrinterStatus
   return false;
 }
 
-/// One read. True when it completed the reply: the record is then filled, and what came behind the
-/// reply is dropped.
+/// One read. True if it completed the reply: the record is then filled, and bytes after the reply
+/// are dropped.
 bool ExternalAccessoryPort::readStatusPiece(ByteBuffer& buffer,
                                             QuorPrinterStatus_2* quorPrinterStatus) {
   constexpr auto selector = statusSelector;
@@ -209,7 +209,7 @@ bool ExternalAccessoryPort::getOnlineStatus(bool* onlineStatus) {
     QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%p, -> %d", onlineStatus, false);
     return false;
   }
-  // Nobody clears it: a status that was obtained has set the one field that is read here.
+  // Not cleared: a status that was obtained has set the one field that is read here.
   QuorPrinterStatus_2 quorStatus;
   if (!getParsedStatus(&quorStatus, 2)) {
     QUOR_LOG(ZKLogTypeError, 0, "Fail to [self getParsedStatus:&quorStatus level:2], %p, %p, %d",

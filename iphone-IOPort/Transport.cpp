@@ -29,7 +29,7 @@ bool hasBytesAvailable(const std::shared_ptr<NSInputStream>& stream) {
   return stream != nullptr && stream->hasBytesAvailable();
 }
 
-/// The count that a stream claims to have moved, held to what there is: a stream may claim
+/// The count that a stream claims to have moved, limited to the possible: a stream may claim
 /// anything.
 std::uint64_t movedBytes(std::int64_t claimed, std::size_t offered) {
   return claimed < 0 ? 0 : std::min(static_cast<std::uint64_t>(claimed), std::uint64_t{offered});
@@ -103,8 +103,7 @@ std::int32_t ExternalAccessoryPort::offer(std::span<const std::uint8_t> data, co
 }
 
 /// Offers the whole tail to the stream through a copy of its own. Returns the stream's count, or
-/// none when the write as a whole has failed; a negative count other than -1 is the stream's own
-/// business.
+/// null if the write as a whole has failed; a negative count other than -1 is not an error.
 std::optional<std::int64_t> ExternalAccessoryPort::writeChunk(
     NSOutputStream& stream, std::span<const std::uint8_t> tempData, Reply reply) {
   constexpr auto selector = writeSelector;
@@ -156,7 +155,7 @@ std::optional<ByteBuffer> ExternalAccessoryPort::receive(std::size_t bytesToRead
   }
   const auto stream = inputStream();
   if (!hasBytesAvailable(stream)) {
-    // The writer's text, output stream and all: those who read these logs know it so.
+    // The writer's text, although this is a read: readers of these logs know it so.
     QUOR_LOG(ZKLogTypeProcess, 0, "_session.outputStream.hasSpaceAvailable == NO, %d",
              hasSpaceAvailable(outputStream()));
     if (patience == Patience::Always || stream == nullptr || stream->expectsBytes()) {
@@ -180,7 +179,7 @@ std::optional<ByteBuffer> ExternalAccessoryPort::receive(std::size_t bytesToRead
   return recvBuffer;
 }
 
-/// Appends what one stream call brings. False when the read as a whole has failed.
+/// Appends the bytes of one stream call. False if the read as a whole has failed.
 bool ExternalAccessoryPort::readChunk(NSInputStream& stream, ByteBuffer& recvBuffer,
                                       std::size_t bytesToRead) {
   constexpr auto selector = readSelector;

@@ -12,7 +12,7 @@ std::string adviceFor(const PrintResult& result) {
       break;
   }
   if (result.obstacle == PrintObstacle::PrinterNotReady) {
-    return "the printer keeps what it holds and prints on when it is ready again; look at the "
+    return "the printer keeps its data and continues when it is ready again; look at the "
            "paper before sending the job again, which may print it twice";
   }
   return "look at the paper before sending the job again, which may print it twice";

@@ -14,7 +14,7 @@ namespace {
 constexpr std::uint32_t statusLevel = 2;
 
 // The port's own waits end within whole seconds of the wall clock, and with an exchange that has
-// begun before. Those that would go on for ever are left a little later.
+// begun before. Those that would never end are left a little later.
 constexpr auto timeToLeave = std::chrono::seconds(4);
 
 }  // namespace
@@ -121,8 +121,8 @@ std::string CheckedBlock::whyNoAnswer() const {
                "emulation, or in use by another program";
 }
 
-/// Ends the guarded stretch of a block that is not gone on with. A printer that was given a data
-/// time-out, now or by an earlier job, would otherwise drop what others send it later.
+/// Ends the guarded section of a block that is abandoned. A printer that was given a data time-out,
+/// now or by an earlier job, would otherwise drop the data of later jobs.
 void CheckedBlock::leave() {
   link().port().write(dataCancelEnd, PortLink::Reply::None);
 }

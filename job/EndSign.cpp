@@ -10,7 +10,7 @@
 namespace quordalvane {
 namespace {
 
-// What is received and not printed is dropped; the printer confirms it by 37 25 00.
+// Drops the data that is received and not printed; the printer confirms it by 37 25 00.
 constexpr std::uint8_t clearBuffer[] = {0x10, 0x14, 0x08, 0x01, 0x03, 0x14, 0x01, 0x06, 0x02, 0x08};
 
 // Between looks at the state of a printer that has not finished.
@@ -49,7 +49,7 @@ MaybeSetback EndSign::end(ByteView data) {
   return whyUnseen();
 }
 
-/// Waits for the sign, and reports meanwhile why the printer does not go on.
+/// Waits for the sign, and reports meanwhile why the printer has paused.
 bool EndSign::awaitSign() {
   const auto limit =
       std::chrono::milliseconds(link().port().endCheckedBlockTimeoutMillis()) + wholeSecond;

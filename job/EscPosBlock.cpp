@@ -14,10 +14,10 @@ constexpr std::uint32_t statusLevel = 2;
 constexpr std::uint8_t countOfOneMark = 1;
 constexpr std::uint8_t countOfTwoMarks = 2;
 
-// A mark, and a question whose answer follows the mark's report or shows that there is none.
+// A mark, and a question whose answer follows the mark's report or shows that there is no report.
 constexpr std::uint8_t markAndRequest[] = {0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00, 0x10, 0x04, 0x01};
 
-// How long a port may go on once the printer's report has been seen.
+// How long the port's operation may last once the printer's report has been seen.
 constexpr auto timeToEnd = std::chrono::seconds(2);
 
 }  // namespace
@@ -26,8 +26,8 @@ ByteView EscPosBlock::request() const {
   return statusRequest;
 }
 
-/// The port's beginning drops what the printer holds. A printer that is off line may hold an
-/// earlier job that it will print, so it is asked before.
+/// The port's beginning drops the data that the printer holds. A printer that is off line may hold
+/// an earlier job that it will print, so it is asked before.
 MaybeSetback EscPosBlock::prepare() {
   return refuseUnready(link(), result());
 }

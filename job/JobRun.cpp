@@ -45,7 +45,7 @@ void JobRun::print(ByteView data) {
     return stop(*setback);
   }
   enter(PrintStage::Data);
-  result_.status.reset();  // an earlier status says nothing of the data's fate
+  result_.status.reset();  // an earlier status says nothing about the data
   const bool isChecked = options_.proof != ProofKind::None;
   const auto reply =
       isChecked && isNeverAnswered(data) ? PortLink::Reply::None : PortLink::Reply::Possible;
@@ -79,7 +79,7 @@ void JobRun::reportWaiting(const std::string& reason) {
 }
 
 /// Makes the printer drop the rest. The command inside which the job was stopped is completed
-/// first: the printer would otherwise take the last words for its payload.
+/// first: the printer would otherwise take the next commands for its payload.
 void JobRun::finishCancelled(ByteView data) {
   link_.ignoreCancel();
   const std::size_t end = commandEnd(data, result_.bytesAccepted);
@@ -92,10 +92,10 @@ void JobRun::finishCancelled(ByteView data) {
   } catch (const PortLink::TimeUp&) {
   }
   const bool isInCommand = result_.bytesAccepted < end;
-  link_.port().abandonOutput();  // nobody waits for the rest of a job that is not wanted
+  link_.port().abandonOutput();  // the rest of a cancelled job is not worth a wait
   link_.port().close();
   stop({PrintObstacle::Cancelled,
-        isTold        ? "cancelled, and the printer was told to drop the rest"
+        isTold        ? "cancelled, and the printer was made to drop the rest"
         : isInCommand ? "cancelled inside a command whose rest the printer still waits for"
                       : "cancelled"});
 }

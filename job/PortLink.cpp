@@ -10,7 +10,8 @@ namespace quordalvane {
 namespace {
 
 // Between two pieces a job looks whether it is cancelled and reports its progress, so they are not
-// larger, and on slow links twice what the link took last. Smaller ones cost system calls.
+// larger, and on slow links twice the number of bytes that the link took last. Smaller ones cost
+// system calls.
 constexpr std::size_t largestPiece = std::size_t{128} * 1024;
 constexpr std::size_t smallestPiece = 256;
 

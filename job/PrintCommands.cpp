@@ -55,15 +55,15 @@ constexpr PlainForms plainCommandForms[] = {
     {0x1d, 6, "\x67"sv},
 };
 
-/// Other commands: their first bytes, how long their header is, and what it tells.
+/// Other commands: their first bytes, the length of their header, and a function that reads it.
 struct Form {
   std::initializer_list<std::uint8_t> prefix;
   std::size_t header;
-  std::optional<PrintCommand> (*tell)(ByteView data);
+  std::optional<PrintCommand> (*read)(ByteView data);
 };
 
-// The functions of these are named by letters. After any other byte printers disagree about what
-// follows, an end-of-block mark for example.
+// The functions of these are named by letters. After any other byte printers disagree about the
+// bytes that follow, an end-of-block mark for example.
 std::optional<PrintCommand> countedInTwoBytes(ByteView data) {
   const bool isLetter = (data[2] | 0x20) >= 'a' && (data[2] | 0x20) <= 'z';
   return isLetter ? counted(5, littleEndian(data, 3, 2)) : std::nullopt;
@@ -124,8 +124,8 @@ std::optional<PrintCommand> storedImages(ByteView data) {
   return counted(length, 0);
 }
 
-/// A command that ends with a zero: printers agree on its end while nothing in it is odd to any of
-/// them. A command that is not ended by the end of the data is longer than that.
+/// A command that ends with a zero: printers agree on its end if all of them accept its content. A
+/// command without its zero is longer than the data.
 std::optional<PrintCommand> terminated(ByteView data, std::size_t header, std::size_t most,
                                        bool (*isOdd)(std::uint8_t before, std::uint8_t byte)) {
   const auto content = data.subspan(header);
@@ -169,7 +169,7 @@ std::optional<PrintCommand> fixed(ByteView) {
   return plain(length);
 }
 
-// Longer first bytes stand before the shorter ones that they refine.
+// Longer first bytes precede the shorter ones that they refine.
 const Form commandForms[] = {
     {{0x10, 0x14}, 3, realTimeAction},
     {{0x1b, 0x1d, 0x03}, 3, fixed<6>},
@@ -195,7 +195,7 @@ bool startsCommand(std::uint8_t byte) {
   return byte == 0x10 || (byte >= 0x1b && byte <= 0x1d);
 }
 
-/// Whether all that is there of the first bytes is alike.
+/// Whether the first bytes, as far as there are any, match.
 bool mayStartWith(ByteView data, std::initializer_list<std::uint8_t> prefix) {
   const auto known = std::min(data.size(), prefix.size());
   return std::equal(prefix.begin(), prefix.begin() + known, data.begin());
@@ -212,7 +212,7 @@ std::optional<PrintCommand> printCommandAt(ByteView data) {
   }
   for (const Form& form : commandForms) {
     if (mayStartWith(data, form.prefix)) {
-      return data.size() < form.header ? plain(form.header) : form.tell(data);
+      return data.size() < form.header ? plain(form.header) : form.read(data);
     }
   }
   for (const PlainForms& forms : plainCommandForms) {

@@ -10,7 +10,7 @@
 namespace quordalvane {
 namespace {
 
-/// In which emulation a command in the data stands in the way of a confirmation.
+/// The emulation in which a command in the data prevents a confirmation.
 enum class Matters { Always, InLineMode };
 
 struct Obstacle {
@@ -56,7 +56,7 @@ std::string obstructed(const Obstacle& obstacle, std::size_t position,
   return "the data itself holds " + std::string(obstacle.what) + " at byte " + grouped(position) +
          ", so that the printer's sign could be the data's own" +
          (unknown ? " (the command at byte " + grouped(*unknown) +
-                        " is not known, so that nothing behind it is sure to be an image's)"
+                        " is not known, so that no byte after it is certain to be an image's)"
                   : "");
 }
 
@@ -121,8 +121,8 @@ std::size_t commandEnd(ByteView data, std::size_t position) {
 }
 
 std::optional<std::string> confirmationObstacle(ByteView data, ZKEmulation emulation) {
-  std::optional<std::size_t> unknown;  // where the commands cannot be told apart any more
-  std::size_t next = 0;                // where the command after this one begins
+  std::optional<std::size_t> unknown;  // the first command that is not known
+  std::size_t next = 0;                // the beginning of the command after this one
   for (std::size_t position = 0; position < data.size(); ++position) {
     if (isText(data[position])) {
       next = std::max(next, position + 1);
@@ -181,7 +181,7 @@ std::optional<std::uint64_t> inOrderRequestsIn(ByteView data) {
       return std::nullopt;
     }
     if (!command) {
-      // An unknown command may hide where the others begin.
+      // An unknown command may hide the beginning of others.
       const bool mayHoldAnother = std::find(rest.begin() + 1, rest.end(), 0x1d) != rest.end();
       return mayHoldAnother ? std::nullopt : std::optional(count);
     }

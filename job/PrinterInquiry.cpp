@@ -28,7 +28,7 @@ Bytes joined(const std::vector<Bytes>& reads) {
   return all;
 }
 
-/// Where the status blocks end that the bytes begin with; after the last byte if that block is not
+/// The end of the status blocks that the bytes begin with; after the last byte if that block is not
 /// whole.
 std::size_t endOfBlocks(const Bytes& bytes) {
   std::size_t next = 0;
@@ -108,8 +108,8 @@ class Question final : private TransferObserver {
 
   bool isLost() { return link_.isLost(); }
 
-  /// Waits until the printer falls silent after a whole answer. One that never does is not waited
-  /// for.
+  /// Waits until the printer falls silent after a whole answer. One that never falls silent is not
+  /// waited for.
   void hearOut() {
     constexpr int patience = 20;
     Port& port = link_.port();

@@ -17,7 +17,7 @@ std::vector<std::uint8_t> processIdCommand(const JobId& id) {
   return {0x1d, 0x28, 0x48, 0x06, 0x00, 0x30, 0x30, id[0], id[1], id[2], id[3]};
 }
 
-/// An ID that stands in the data could be named before the job's end.
+/// An ID that occurs in the data could be named before the job's end.
 MaybeSetback ProcessIdProof::makeQuestion(ByteView data, std::vector<std::uint8_t>& question) {
   do {
     id_ = randomProcessId();

@@ -17,8 +17,7 @@ std::unique_ptr<Proof> make(PortLink& link, PrintResult& result) {
 }
 
 std::unique_ptr<Proof> makeUnasked(PortLink& link, PrintResult& result) {
-  return std::make_unique<NoProof>(
-      "sent without a checked block; nothing proves that it was printed", link, result);
+  return std::make_unique<NoProof>("no confirmation was asked for", link, result);
 }
 
 std::unique_ptr<Proof> makeUnknown(PortLink& link, PrintResult& result) {

@@ -15,7 +15,8 @@ namespace {
 
 constexpr auto lookPause = std::chrono::milliseconds(10);
 
-// Where anybody may write, the kernel refuses to open another user's file with the wish to make it.
+// In a folder where anybody may write, the kernel refuses to open another user's file with the flag
+// that makes it.
 int openOrMake(const std::filesystem::path& file, unsigned mode) {
   constexpr int flags = O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
   const int there = ::open(file.c_str(), flags);
@@ -24,7 +25,9 @@ int openOrMake(const std::filesystem::path& file, unsigned mode) {
   }
   const int made = ::open(file.c_str(), flags | O_CREAT, mode);
   if (made >= 0) {
-    ::fchmod(made, mode);  // whatever the process's mask; another user's file is as it should be
+    ::fchmod(
+        made,
+        mode);  // independent of the process's mask; another user's file has its rights already
   }
   return made;
 }

@@ -15,7 +15,7 @@ constexpr unsigned everyUser = 0666;
 constexpr unsigned thisUser = 0600;
 constexpr mode_t thisUsersFolder = 0700;
 
-// A folder where everybody may make files, and nobody may remove those of others.
+// A folder in which every user may make files, and no user may remove those of others.
 bool isShared(const std::filesystem::path& folder) {
   struct stat found = {};
   return ::stat(folder.c_str(), &found) == 0 && S_ISDIR(found.st_mode) &&
@@ -23,7 +23,7 @@ bool isShared(const std::filesystem::path& folder) {
          ::access(folder.c_str(), W_OK | X_OK) == 0;
 }
 
-// Somebody else may have made it before, to look at what is in it.
+// Another user may have made it before, to read its content.
 std::filesystem::path privateFolder() {
   const char* const temporary = std::getenv("TMPDIR");
   std::filesystem::path folder =

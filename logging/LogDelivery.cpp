@@ -21,7 +21,7 @@ constexpr const char* memoryWasShort = "log records dropped here, memory was sho
 constexpr std::string_view sinkFailed = "logging: a sink failed, records are missing from it: ";
 
 void reportToStandardError(std::string_view reason) noexcept {
-  // There is no one left to tell when this fails.
+  // If this fails, nobody can learn it.
   try {
     std::string line(sinkFailed);
     appendPrintable(line, reason);
@@ -104,8 +104,8 @@ void LogDelivery::runWriter(LogQueue::Batch& batch) {
   }
 }
 
-/// Gives every sink the batch, with word of what is missing before and behind it. False when memory
-/// is too short for that: no sink has been given anything then.
+/// Gives every sink the batch, with reports of the records that are missing before and after it.
+/// False if memory is too short for that: no sink has received a record then.
 bool LogDelivery::deliver(LogQueue::Batch& batch) {
   try {
     const AttachedSinks sinks = attachedSinks();
@@ -137,7 +137,7 @@ void LogDelivery::noteUndelivered(const LogQueue::Batch& batch) noexcept {
   undelivered_.records += batch.records.size() + batch.dropped;
 }
 
-/// Stands in the stream where records are missing.
+/// The record that replaces missing ones in the stream.
 LogRecord LogDelivery::recordOf(const Missing& missing, const char* why) {
   return {.time = missing.since,
           .thread = currentThreadId(),
@@ -166,7 +166,7 @@ void LogDelivery::give(AttachedSink& attached, std::span<const LogRecord> record
   } catch (const std::exception& failure) {
     reportOnce(failure.what());
   } catch (...) {
-    reportOnce("an exception that tells nothing of itself");
+    reportOnce("an exception without a text");
   }
 }
 

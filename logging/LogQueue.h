@@ -50,9 +50,9 @@ class LogQueue {
       : gatherTime_(gatherTime) {}
 
   /// Queues the record, or drops it if the queue is full. `record` then has no particular value. A
-  /// full queue stays full until the writer takes it, so that all drops of a batch lie in one place
-  /// of the stream. A queue that is not open discards the record without counting a drop: no sink
-  /// misses it.
+  /// full queue remains full until the writer takes it, so that all drops of a batch lie in one
+  /// place of the stream. A queue that is not open discards the record without counting a drop: no
+  /// sink misses it.
   void push(LogRecord&& record) noexcept;
 
   /// How many records may wait; those that the writer has taken are not counted. If more are queued

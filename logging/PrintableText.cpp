@@ -14,7 +14,7 @@ enum class Quoting { None, Json };
 
 constexpr std::string_view replacement = "\xEF\xBF\xBD";  // U+FFFD
 
-/// Which bytes stand for themselves, one table for each quoting.
+/// The bytes that need no escape, one table for each quoting.
 template <Quoting quoting>
 constexpr std::array<bool, 256> plainBytes = [] {
   std::array<bool, 256> plain{};

@@ -12,7 +12,7 @@ namespace quordalvane {
 // digits), DEL and U+0080 to U+009F included, and each byte that belongs to no valid character
 // becomes U+FFFD.
 
-/// For people: nothing else is changed.
+/// For people: no other character is changed.
 QUOR_EXPORT void appendPrintable(std::string& out, std::string_view text);
 
 /// For JSON: a string with its quotation marks, from which a reader gets back all valid text

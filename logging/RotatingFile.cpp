@@ -86,7 +86,7 @@ void RotatingFile::writeBuffer() {
     return;
   }
   std::string lines;
-  lines.swap(buffer_);  // so that they are gone when this throws
+  lines.swap(buffer_);  // so that they are lost if this throws
   if (!isStillInPlace()) {
     open();
   }
@@ -100,7 +100,7 @@ void RotatingFile::writeBuffer() {
   buffer_.swap(lines);  // keeps the memory
 }
 
-/// Shortens the file by what `written` holds of a line that found no room as a whole.
+/// Removes the part of a line that `written` ends with, which found no room as a whole.
 void RotatingFile::dropTornLine(std::string_view written) {
   const std::size_t torn = written.size() - (written.rfind('\n') + 1);  // rfind's "none" is -1
   if (torn > 0 && isRegular_ && ::ftruncate(descriptor_, static_cast<off_t>(size_ - torn)) == 0) {
@@ -109,7 +109,7 @@ void RotatingFile::dropTornLine(std::string_view written) {
 }
 
 void RotatingFile::rotate() {
-  // Only the files that there are need to move: the number that may be kept can be immense.
+  // Only existing files need to move: the number that may be kept can be immense.
   unsigned free = 1;
   while (free < rotation_.keptFiles && ::access(keptName(free).c_str(), F_OK) == 0) {
     ++free;

@@ -14,7 +14,7 @@ namespace quordalvane {
 /// The size at which a log file makes room for a new one, and the number of old ones kept.
 struct LogRotation {
   std::uint64_t maximumBytes = 10U << 20U;  ///< of one file; zero: no limit
-  unsigned keptFiles = 5;                   ///< beside the file itself; zero: none is kept
+  unsigned keptFiles = 5;                   ///< beside the file itself; may be zero
 };
 
 /// A file of lines that grows at its end. A line that would exceed the maximum begins a new file:

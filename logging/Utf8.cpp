@@ -5,7 +5,7 @@ namespace {
 
 constexpr Character invalid{0, 0};
 
-/// Reads a character of `length` bytes whose first byte carries the bits `lead`; `smallest` tells
+/// Reads a character of `length` bytes whose first byte carries the bits `lead`; `smallest` reveals
 /// an overlong form.
 Character continuedCharacter(std::string_view text, std::uint32_t lead, std::size_t length,
                              std::uint32_t smallest) noexcept {

@@ -21,7 +21,7 @@ constexpr std::array<std::uint8_t, 2> firmwareTail = {0x0a, 0x00};
 constexpr std::size_t longestFirmwareText = 64;
 
 constexpr std::array<std::uint8_t, 3> dipSwitchHead = {0x1b, 0x23, 0x2c};
-constexpr std::size_t dipSwitchSettingsOffset = 4;  // behind the head and the bank's digit
+constexpr std::size_t dipSwitchSettingsOffset = 4;  // after the head and the bank's digit
 constexpr std::uint8_t dipSwitchEnd = 0x0a;
 constexpr std::size_t fewestSettings = 2;
 

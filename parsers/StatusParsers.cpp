@@ -11,8 +11,8 @@ using Status = QuorPrinterStatus_2;
 using Flag = std::uint32_t Status::*;
 using StateByte = std::uint8_t Status::*;
 
-// The line-mode reply. Byte 0 tells the length and byte 1 the version of the layout; then come the
-// flags, eight to a byte from the lowest bit up, and behind them the state bytes.
+// The line-mode reply. Byte 0 holds the length and byte 1 the version of the layout; the flags
+// follow, eight to a byte from the lowest bit up, and then the state bytes.
 constexpr std::size_t firstFlagByte = 2;
 constexpr std::size_t firstStateByte = 6;
 
@@ -59,7 +59,7 @@ constexpr std::array<StateByte, 3> lineStateBytes = {
     &Status::connectedInterface,
 };
 
-// The decoder never reaches behind these bytes, so no rawLength can lead it out of raw.
+// The decoder never reads beyond these bytes, so no rawLength can lead it out of raw.
 static_assert(firstFlagByte + (lineFlags.size() + 7) / 8 == firstStateByte);
 static_assert(firstStateByte + lineStateBytes.size() <= sizeof Status::raw);
 

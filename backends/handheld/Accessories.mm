@@ -68,7 +68,7 @@ class HandheldAccessory final : public EAAccessory {
     });
   }
 
-  // The service reports the end at once; bytes that came before it are still to be read.
+  // The service reports the end at once; bytes that arrived before it must still be read.
   bool isConnected() override {
     const bool stands = ask([this] { return [accessory_.get() isConnected] == YES; });
     const std::lock_guard lock(mutex_);
@@ -101,7 +101,7 @@ class HandheldAccessory final : public EAAccessory {
  private:
   const Retained<::EAAccessory> accessory_;
 
-  std::mutex mutex_;  // guards what follows
+  std::mutex mutex_;  // guards the members below
   std::weak_ptr<NSInputStream> newestInput_;
   bool isLossNoticed_ = false;
 };

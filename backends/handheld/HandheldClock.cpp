@@ -8,7 +8,7 @@
 namespace quordalvane::handheld {
 namespace {
 
-// Added to any reading of the steady clock it stays in range.
+// Its sum with any reading of the steady clock is in range.
 constexpr std::chrono::microseconds longestSleep = std::chrono::hours(24) * 365;
 
 }  // namespace

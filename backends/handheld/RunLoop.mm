@@ -7,7 +7,7 @@
 namespace quordalvane::handheld {
 namespace {
 
-// A loop without a source returns at once, where a port expects a slice to last its time.
+// A loop without a source returns at once, but a port expects a slice to last its time.
 void sleepUntil(NSDate* date) {
   const double left = [date timeIntervalSinceNow];
   std::this_thread::sleep_for(std::chrono::duration<double>(std::max(left, 0.0)));
@@ -33,7 +33,7 @@ class HandheldRunLoop final : public NSRunLoop {
 }  // namespace
 
 NSRunLoop& currentRunLoop() {
-  // Never destroyed: threads may go on turning it while the process ends.
+  // Never destroyed: threads may still run it while the process ends.
   static auto* const loop = new HandheldRunLoop;
   return *loop;
 }

@@ -41,7 +41,8 @@ NSString* frameworkMode(std::string_view mode) {
   return mode == NSDefaultRunLoopMode ? ::NSDefaultRunLoopMode : stringOf(std::string(mode));
 }
 
-/// What both directions share. Whether a stream is ready is asked each time and never remembered.
+/// The common part of both directions. Each call asks the stream whether it is ready; the answer is
+/// never remembered.
 template <typename Interface, typename Framework>
 class HandheldStream : public Interface {
  public:
@@ -147,7 +148,7 @@ class HandheldStream : public Interface {
   const std::shared_ptr<StreamEvents> events_ = std::make_shared<StreamEvents>();
   const Retained<QuorStreamDelegate> delegate_ =
       Retained<QuorStreamDelegate>::adopting([[QuorStreamDelegate alloc] init]);
-  Retained<::NSRunLoop> loop_;  // where it is scheduled; nil where it is not
+  Retained<::NSRunLoop> loop_;  // the loop on which it is scheduled, or nil
   Retained<NSString> mode_;     // and in which mode
 };
 

@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Where a thread is in its life. Its handle and the thread itself share it.
+/// The state of a thread, which its handle and the thread itself share.
 class Life {
  public:
   enum class Stage { NotStarted, Turning, Ended };
@@ -34,7 +34,7 @@ class Life {
   Stage stage_ = Stage::NotStarted;  // guarded by mutex_
 };
 
-/// What a thread runs, and what it tells of itself.
+/// The body of a thread, and the state that it reports.
 struct Body {
   quordalvane::handheld::Routine routine;
   std::shared_ptr<Life> life;
@@ -42,7 +42,7 @@ struct Body {
 
 }  // namespace
 
-/// What the framework's thread runs. It owns `body`.
+/// The routine of the framework's thread. It owns `body`.
 @interface QuorThreadBody : NSObject {
  @public
   Body* body;
@@ -54,14 +54,15 @@ struct Body {
 
 - (void)live {
   @autoreleasepool {
-    // Without a source the loop would not wait, and what is carried to it would never run.
+    // Without a source the loop would not wait, and the routines that are carried to it would never
+    // run.
     NSPort* const source = [NSPort port];
     NSRunLoop* const loop = [NSRunLoop currentRunLoop];
     [loop addPort:source forMode:NSDefaultRunLoopMode];
     body->life->enter(Life::Stage::Turning);
     body->routine.run();
     body->life->enter(Life::Stage::Ended);
-    // What was accepted until then still runs.
+    // Routines that were accepted until then still run.
     [loop runUntilDate:[NSDate date]];
     [loop removePort:source forMode:NSDefaultRunLoopMode];
   }
@@ -102,7 +103,7 @@ class HandheldThread final : public NSThread {
 
   bool start() override {
     const bool isStarted = begin();
-    body_ = Retained<QuorThreadBody>();  // the thread keeps it now, and lets it go with its end
+    body_ = Retained<QuorThreadBody>();  // the thread keeps it now, and releases it at its end
     if (isStarted) {
       life_->awaitStart();
     }
@@ -140,7 +141,7 @@ class HandheldThread final : public NSThread {
     }
   }
 
-  /// A thread that ends before it has run the routine makes the framework raise; `carried` then
+  /// A thread that ends before it has run the routine makes the framework throw; `carried` then
   /// says that it has not run.
   static void carry(Routine& carried, ::NSThread* thread) {
     @autoreleasepool {

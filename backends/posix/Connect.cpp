@@ -31,7 +31,7 @@ void setOption(const Descriptor& socket, int level, int name, const Value& value
 
 void boundConnect(const Descriptor& socket, SteadyTime deadline) {
   using namespace std::chrono;
-  // A time-out of zero would mean none at all.
+  // A time-out of zero would mean no limit.
   const auto left = std::max(ceil<microseconds>(deadline - SteadyClock::now()), 1us);
   const auto whole = floor<seconds>(left);
   const timeval timeout{.tv_sec = whole.count(), .tv_usec = microseconds(left - whole).count()};
@@ -47,7 +47,7 @@ Descriptor connectUntil(SteadyTime deadline, const SocketAddress& address) {
   Descriptor socket(number, Descriptor::Kind::Socket);
   do {
     boundConnect(socket, deadline);
-    // Asked again after a signal, it waits for the end of what it has begun.
+    // Called again after a signal, it waits for the end of the attempt that it has begun.
     if (::connect(number, reinterpret_cast<const sockaddr*>(&address.storage), address.length) ==
         0) {
       return socket;
@@ -79,7 +79,7 @@ SocketAddress unixAddress(const std::string& path) {
   return result;
 }
 
-// Runs `connect` and puts the place before the text of what goes wrong; a code is kept.
+// Runs `connect` and prefixes the text of an error with the place; a code is kept.
 template <typename Connect>
 Descriptor connectNamed(const std::string& place, Connect connect) {
   try {

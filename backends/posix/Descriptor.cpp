@@ -14,9 +14,8 @@
 namespace quordalvane::posix {
 namespace {
 
-// How long a socket waits by itself for what it is to receive. Its limit is counted in coarse
-// ticks, a hundredth of a second at most, so a wait that could end within two of them is left to
-// `poll`, which is exact.
+// How long a socket waits by itself for bytes. Its limit is counted in coarse ticks, a hundredth of
+// a second at most, so a wait that could end within two of them is left to `poll`, which is exact.
 constexpr std::chrono::milliseconds patience{30};
 constexpr std::chrono::milliseconds patienceAtMost{50};
 
@@ -32,7 +31,7 @@ timespec timeLeft(SteadyTime deadline) {
   return {.tv_sec = whole.count(), .tv_nsec = nanoseconds(left - whole).count()};
 }
 
-// Calls `transfer` until it ends by something else than a signal.
+// Calls `transfer` until something other than a signal ends it.
 template <typename Transfer>
 std::ptrdiff_t uninterrupted(Transfer transfer) {
   std::ptrdiff_t count = transfer();
@@ -141,7 +140,7 @@ std::chrono::milliseconds Descriptor::silence() const {
   if (::getsockopt(number_, IPPROTO_TCP, TCP_INFO, &info, &length) != 0) {
     return {};
   }
-  // One question may have gone out this instant: while a printer has no space the pauses between
+  // One question may have been sent at this moment: while a printer has no space the pauses between
   // them grow to two minutes.
   const bool askedInVain = info.tcpi_retransmits + info.tcpi_probes > 1;
   return std::chrono::milliseconds(askedInVain ? info.tcpi_last_ack_recv : 0);

@@ -9,14 +9,14 @@
 namespace quordalvane::posix {
 namespace {
 
-// The system tells nobody when the last byte has been taken, so it is asked again this often.
+// The system does not report when the last byte has been taken, so it is asked again this often.
 constexpr std::chrono::milliseconds lookInterval{5};
 
 // How many buffers full of bytes are thrown away between two looks, so that a device that never
 // stops talking cannot hold up the end.
 constexpr int discardedAtOnce = 16;
 
-// Throws away what has come. True while more may come.
+// Throws away the bytes that have arrived. True while more may arrive.
 bool discardInput(const Descriptor& connection) {
   std::array<std::uint8_t, 4096> discarded;
   for (int i = 0; i < discardedAtOnce; ++i) {
@@ -31,7 +31,7 @@ bool discardInput(const Descriptor& connection) {
 }  // namespace
 
 void linger(const Descriptor& connection, SteadyTime deadline) {
-  // Unread bytes make a reset of the close, too.
+  // Unread bytes also turn the close into a reset.
   bool mayComeMore = discardInput(connection);
   if (!mayComeMore || !connection.hasUnderWay()) {
     return;

@@ -21,8 +21,8 @@ Tick currentTick() {
   return std::chrono::seconds(now.tv_sec) + Tick(now.tv_nsec);
 }
 
-// How long the end of a connection may wait for the device: long enough for a slow one to empty
-// what the system holds of a receipt, short enough for whoever waits for the close.
+// How long the end of a connection may wait for the device: long enough for a slow one to empty the
+// bytes of a receipt that the system holds, short enough for a caller that waits for the close.
 constexpr std::chrono::seconds lingerLimit{2};
 
 // To ask the system for signs of life is cheap, but not free.
@@ -66,7 +66,7 @@ bool Link::isLost() {
 void Link::noticeLoss() {
   const std::lock_guard lock(mutex_);
   if (!descriptor_ || beingWaited_) {
-    return;  // a thread that waits for input takes what comes
+    return;  // a thread that waits for input takes the bytes that arrive
   }
   if (descriptor_->pollUntil(POLLRDHUP, SteadyTime{}) != 0) {
     next_ = end_ = 0;
@@ -188,7 +188,7 @@ void Link::waitForSpace(double seconds) {
   }
 }
 
-// Finds out what the input holds, unless it is known or about to be found out by a wait.
+// Looks for bytes in the input, unless that is known or a wait is about to find it out.
 void Link::look() {
   const bool known = unread() > 0 || ended_ || !descriptor_ || beingWaited_;
   if (known || (dry_ && currentTick() == dryAt_)) {
@@ -197,13 +197,13 @@ void Link::look() {
   receive();
 }
 
-// Fills the empty buffer with what there is.
+// Fills the empty buffer with the bytes that have arrived.
 void Link::receive() {
   const std::ptrdiff_t count = descriptor_->receive(ahead_.data(), ahead_.size());
   noteReceived(count, errno);
 }
 
-// What a receive into the empty buffer has brought, or why it has not.
+// The result of a receive into the empty buffer.
 void Link::noteReceived(std::ptrdiff_t count, int error) {
   const bool nothingYet = count < 0 && wouldBlock(error);
   if (nothingYet && hasFallenSilent()) {
@@ -225,8 +225,8 @@ void Link::noteReceived(std::ptrdiff_t count, int error) {
   }
 }
 
-// Whether the other side has gone without a word while something was on its way to it. Asked of the
-// system now and then; in between it is taken for granted that it has not.
+// Whether the other side has vanished without a sign while bytes were on their way to it. Asked of
+// the system now and then; in between it is taken for granted that it has not.
 bool Link::hasFallenSilent() {
   const Tick now = currentTick();
   if (now < nextSilenceLook_) {

@@ -5,8 +5,8 @@
 namespace quordalvane::posix {
 namespace {
 
-// What both directions share. Streams are asked and raise no events, so there is nothing that a
-// delegate could be told, and a run loop learns of the stream when it is given one to wait for.
+// The common part of both directions. Streams are asked and report no events: a delegate would
+// never be called, and a run loop learns of a stream when it must wait for it.
 template <typename Stream>
 class LinkStream : public Stream {
  public:
@@ -19,7 +19,7 @@ class LinkStream : public Stream {
   void close() override { link_ = nullptr; }
 
  protected:
-  std::shared_ptr<Link> link_;  // none once closed
+  std::shared_ptr<Link> link_;  // null once closed
 };
 
 class LinkInputStream final : public LinkStream<NSInputStream> {

@@ -8,7 +8,7 @@
 namespace quordalvane::posix {
 namespace {
 
-// Added to any reading of the steady clock it stays in range; nobody sees the end of it.
+// Its sum with any reading of the steady clock is in range, and no process lives so long.
 constexpr std::chrono::microseconds longestSleep = std::chrono::hours(24) * 365 * 100;
 
 }  // namespace

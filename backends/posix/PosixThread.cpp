@@ -14,7 +14,8 @@ void live(const std::shared_ptr<ThreadRunLoop>& loop, std::function<void()> body
   loop->attach();
   body();
   loop->finish();
-  // What the body held may end with it and call this thread once more, so the loop is let go last.
+  // Objects that the body held may end with it and call this thread once more, so the loop is
+  // released last.
   body = nullptr;
   loop->detach();
 }

@@ -94,8 +94,8 @@ void ThreadRunLoop::detach() {
   attached = nullptr;
 }
 
-// Runs what is waiting, in order, unlocked. What arrives meanwhile is left for the next turn, so
-// that callers who never cease cannot keep a slice from ending.
+// Runs the routines that wait, in order, unlocked. Those that arrive meanwhile are left for the
+// next turn, so that a caller that never stops cannot keep a slice from ending.
 void ThreadRunLoop::runCarried(std::unique_lock<std::mutex>& lock) {
   for (auto left = waiting_.size(); left > 0 && !waiting_.empty(); --left) {
     Carried& carried = *waiting_.front();
@@ -113,7 +113,7 @@ void ThreadRunLoop::runCarried(std::unique_lock<std::mutex>& lock) {
 }
 
 NSRunLoop& currentRunLoop() {
-  // Never destroyed: threads may go on turning it while the process ends.
+  // Never destroyed: threads may still run it while the process ends.
   static auto* const plain = new PlainRunLoop;
   return attached != nullptr ? static_cast<NSRunLoop&>(*attached) : *plain;
 }

@@ -67,7 +67,7 @@ termios2 rawSettings(const SerialSettings& wanted) {
   raw.c_iflag = wanted.flow == Flow::XonXoff ? IXON : 0U;
   raw.c_cc[VSTART] = 0x11;
   raw.c_cc[VSTOP] = 0x13;
-  // With a minimum of one byte a read of none means a hang-up, not an empty input.
+  // With a minimum of one byte, a read of 0 bytes means a hang-up, not an empty input.
   raw.c_cc[VMIN] = 1;
   raw.c_ispeed = wanted.baud;
   raw.c_ospeed = wanted.baud;
@@ -97,7 +97,7 @@ void configure(int number, const SerialSettings& wanted, const std::string& path
   fail(EBUSY, path + ": in use by " + holderInWords(path));
 }
 
-// A pseudo-terminal stays in exclusive mode as long as its other end is open, also after the
+// A pseudo-terminal remains in exclusive mode as long as its other end is open, even after the
 // program that set it was killed, and would then keep everybody out. Its lock ends with the
 // program.
 bool isPseudoTerminal(int number) {
@@ -112,8 +112,8 @@ void giveBack(int number) {
   ::ioctl(number, TIOCNXCL);
 }
 
-// Makes the line this program's own, or throws. An exclusive mode that nobody is left to have set
-// is left over from a program that was killed.
+// Makes the line this program's own, or throws. An exclusive mode whose owner has ended is left
+// over from a program that was killed.
 void reserve(Descriptor& line, const std::string& path) {
   int isExclusive = 0;
   if (::flock(line.number(), LOCK_EX | LOCK_NB) != 0 ||

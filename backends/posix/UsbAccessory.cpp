@@ -101,7 +101,7 @@ std::error_code UsbAccessory::lastErrorCode() {
   return !ofOpening && !seek(&why) && why ? why->code() : ofOpening;
 }
 
-// The printer that was seen before comes first: the place may fit another one by now.
+// The printer that was seen before has priority: the place may fit another one by now.
 UsbPrinter UsbAccessory::find() {
   const std::lock_guard lock(mutex_);
   if (known_) {

@@ -112,7 +112,7 @@ UsbPrinter printerAt(const fs::path& entry, const UsbRoots& roots) {
   return printer;
 }
 
-// "lp10" comes after "lp9".
+// "lp10" follows "lp9".
 bool comesBefore(const UsbPrinter& one, const UsbPrinter& other) {
   const std::string first = one.node.filename().string();
   const std::string second = other.node.filename().string();

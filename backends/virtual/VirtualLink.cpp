@@ -9,7 +9,7 @@ namespace {
 
 using simulator::Instant;
 
-/// Never too short: a wait that ends before its event would only be repeated.
+/// Never too short: a wait that ends before its event would have to be repeated.
 std::uint64_t microsecondsUntil(Instant now, Instant then) {
   return static_cast<std::uint64_t>(
       std::chrono::ceil<std::chrono::microseconds>(then - now).count());

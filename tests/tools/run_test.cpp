@@ -14,6 +14,7 @@
 
 #include "tests/support/SleepingThread.h"
 #include "tools/quorport/Interruption.h"
+#include "tools/quorport/Report.h"
 
 namespace quordalvane::tool {
 namespace {

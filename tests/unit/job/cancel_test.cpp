@@ -29,7 +29,7 @@ TEST_P(Cancelling, ACancelledJobTellsThePrinterToDropTheRestAndClosesThePort) {
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
   EXPECT_EQ(result.obstacle, PrintObstacle::Cancelled);
   EXPECT_THAT(result.reason,
-              testing::StartsWith("cancelled, and the printer was told to drop the rest after 4,"));
+              testing::StartsWith("cancelled, and the printer was made to drop the rest after 4,"));
   EXPECT_FALSE(till.port->isConnected());
   till.platform->clock().usleep(60000000);
   EXPECT_LT(till.printed().size(), 1000U);
