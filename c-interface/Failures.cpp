@@ -6,6 +6,7 @@
 #include <new>
 
 #include "iphone-IOPort/exceptions/PortException.h"
+#include "job/PrinterInquiry.h"
 
 namespace quordalvane::c {
 namespace {
@@ -20,6 +21,22 @@ QuorCode keep(QuorCode code, const char* text) noexcept {
   return code;
 }
 
+QuorCode codeOf(InquiryCause cause) noexcept {
+  switch (cause) {
+    case InquiryCause::NoAnswer:
+      return QUOR_FAILED;
+    case InquiryCause::NotUnderstood:
+      return QUOR_UNREADABLE;
+    case InquiryCause::NotReady:
+      return QUOR_NOT_READY;
+    case InquiryCause::LinkLost:
+      return QUOR_PORT_EXCEPTION;
+    case InquiryCause::UnknownEmulation:
+      return QUOR_USAGE;
+  }
+  return QUOR_UNEXPECTED;
+}
+
 }  // namespace
 
 QuorCode codeOfCurrentException() noexcept {
@@ -27,6 +44,8 @@ QuorCode codeOfCurrentException() noexcept {
     throw;
   } catch (const CallFailure& failure) {
     return keep(failure.code(), failure.what());
+  } catch (const InquiryError& failure) {
+    return keep(codeOf(failure.cause()), failure.what());
   } catch (const PortException& failure) {
     return keep(QUOR_PORT_EXCEPTION, failure.what());
   } catch (const std::out_of_range& failure) {

@@ -24,7 +24,7 @@ check(quor.quor_connect_devices((ctypes.c_char_p * 1)(device), ctypes.c_size_t(1
 check(quor.quor_port_create(b"BT:", None, 10000, 1, ctypes.byref(port)))
 check(quor.quor_port_open(port))
 
-check(quor.quor_port_get_online_status(port, ctypes.byref(online)))
+check(quor.quor_printer_is_online(port, ctypes.byref(online)))
 print("on line" if online else "off line")
 
 check(quor.quor_print_job_create(port, 1, None, None, ctypes.byref(job)))

@@ -235,7 +235,7 @@ std::chrono::milliseconds PrinterInquiry::buttonSecurityTimeout() {
   // The port decodes whatever seven bytes arrive.
   if (!areOneBank(joined(reads_))) {
     question.fail(InquiryCause::NotUnderstood,
-                  "what answered is not a printer's report of its button-security time-out");
+                  "the answer is not a printer's report of its button-security time-out");
   }
   return std::chrono::milliseconds(milliseconds);
 }

@@ -47,7 +47,8 @@ enum {
   QUOR_USAGE = -5,            /**< called with something that is not allowed; nothing was done */
   QUOR_BUFFER_TOO_SMALL = -6, /**< `*length` is the number of bytes that there are */
   QUOR_NO_MEMORY = -7,        /**< memory ran out */
-  QUOR_UNEXPECTED = -8        /**< the system or a function of the caller's failed */
+  QUOR_UNEXPECTED = -8,       /**< the system or a function of the caller's failed */
+  QUOR_NOT_READY = -9         /**< the printer is off line, and was not asked */
 };
 
 /** Why the calling thread's latest failed call failed, for a person; "" before the first. Never
@@ -304,6 +305,46 @@ QUOR_EXPORT QuorCode quor_port_set_result71(QuorPort* port, int32_t result);
 QUOR_EXPORT float quor_port_sec_interval1(QuorPort* port);
 QUOR_EXPORT float quor_port_sec_interval2(QuorPort* port);
 /** @} */
+
+/* ---- Questions with judged answers ----------------------------------------------------------- */
+
+/** Ask a printer over an open port, and judge the answers. The queries of the port itself, above,
+ * may take the rest of one answer, or the bytes of another device, for the next answer; these do
+ * not. Nothing is printed.
+ *
+ * QUOR_FAILED when there was no answer or the link did not take the question, QUOR_UNREADABLE when
+ * something answered and not as a printer does, QUOR_PORT_EXCEPTION when the link is lost,
+ * QUOR_USAGE when the emulation is unknown. Results are then untouched.
+ *
+ * Each ends within twice the time-out of the port and five seconds, even on a printer that never
+ * stops sending; quor_printer_disconnect ends ten seconds later. Bytes that wait in the input are
+ * thrown away. A question removes the observers of the port. For the thread that uses the port.
+ */
+
+/** The printer's status; `level` is only logged. */
+QUOR_EXPORT QuorCode quor_printer_status(QuorPort* port, QuorPrinterStatus_2* status,
+                                         uint32_t level);
+
+/** Stores 1 in `*online` if the printer is ready to print, and 0 if it is not. */
+QUOR_EXPORT QuorCode quor_printer_is_online(QuorPort* port, int32_t* online);
+
+/** Copies the firmware text, as it was received. QUOR_NOT_READY from a printer that is off line. */
+QUOR_EXPORT QuorCode quor_printer_firmware(QuorPort* port, char* text, size_t capacity,
+                                           size_t* length);
+
+/** Stores the two setting bytes of bank 1 and then those of bank 2. */
+QUOR_EXPORT QuorCode quor_printer_dip_switches(QuorPort* port, uint8_t settings[4]);
+
+/** Stores the button-security time-out in milliseconds: 0 if it is off, otherwise the printer's
+ * time and the time-out of the port. */
+QUOR_EXPORT QuorCode quor_printer_button_security_timeout(QuorPort* port, uint32_t* milliseconds);
+
+/** Makes the printer drop the data that it has not printed yet. There is no answer: returns after
+ * the link has taken the command. */
+QUOR_EXPORT QuorCode quor_printer_drop_all(QuorPort* port);
+
+/** Makes the printer's Bluetooth module drop the link; the port remains open. */
+QUOR_EXPORT QuorCode quor_printer_disconnect(QuorPort* port);
 
 /* ---- Print job ------------------------------------------------------------------------------- */
 

@@ -18,6 +18,7 @@ typedef struct Sentence {
  * compile. Each table ends in an empty sentence. */
 extern const Sentence portSentences[];
 extern const Sentence informationSentences[];
+extern const Sentence inquirySentences[];
 extern const Sentence jobSentences[];
 extern const Sentence loggingSentences[];
 

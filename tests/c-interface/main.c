@@ -49,8 +49,8 @@ void done(QuorPort* port) {
 }
 
 int main(int argc, char** argv) {
-  const Sentence* const tables[] = {portSentences, informationSentences, jobSentences,
-                                    loggingSentences};
+  const Sentence* const tables[] = {portSentences, informationSentences, inquirySentences,
+                                    jobSentences, loggingSentences};
   for (size_t i = 0; argc == 2 && i < sizeof tables / sizeof *tables; ++i) {
     for (const Sentence* sentence = tables[i]; sentence->name != NULL; ++sentence) {
       if (strcmp(sentence->name, argv[1]) == 0) {
