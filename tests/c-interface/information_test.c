@@ -2,7 +2,7 @@
 
 #include "Sentences.h"
 
-static void TheFirmwareIsNoneUntilItWasRetrieved(void) {
+static void TheFirmwareIsNullUntilItWasRetrieved(void) {
   QuorPort* port = openPortTo("virtual:,firmware=Till 4.2", QUOR_EMULATION_LINE);
   char text[32] = "before";
   size_t length = 99;
@@ -15,7 +15,7 @@ static void TheFirmwareIsNoneUntilItWasRetrieved(void) {
   done(port);
 }
 
-static void ABufferThatIsTooSmallIsLeftAloneAndTheLengthTold(void) {
+static void ATooSmallBufferIsNotTouchedAndTheLengthIsStored(void) {
   QuorPort* port = openPortTo("virtual:,firmware=Till 4.2", QUOR_EMULATION_ESCPOS);
   char text[9] = "before";
   size_t length = 0;
@@ -32,7 +32,7 @@ static void ABufferThatIsTooSmallIsLeftAloneAndTheLengthTold(void) {
   done(port);
 }
 
-static void APrinterOffLineDoesNotTellItsFirmware(void) {
+static void AnOffLinePrinterGivesNoFirmwareText(void) {
   QuorPort* port = openPortTo("virtual:,offline=true", QUOR_EMULATION_LINE);
   EXPECT_FAILURE(quor_port_retrieve_firmware_information(port), QUOR_FAILED, "firmware");
   done(port);
@@ -72,7 +72,7 @@ static void TheButtonSecurityTimeoutHoldsTheCreationTimeout(void) {
   done(port);
 }
 
-static void WhatASilentPrinterDoesNotTellIsAFailure(void) {
+static void AQuestionToASilentPrinterFails(void) {
   QuorPort* port = openPortTo("virtual:,drop-reply=all", QUOR_EMULATION_LINE);
   uint32_t milliseconds = 7;
   uint8_t settings[2] = {7, 7};
@@ -123,7 +123,7 @@ static void TheModulesAddressIsReadByItsTitle(void) {
   done(port);
 }
 
-static void PropertiesAreWhatTheyWereSetTo(void) {
+static void PropertiesKeepTheValuesThatWereSet(void) {
   QuorPort* port = portTo("virtual:", QUOR_EMULATION_ESCPOS);
   EXPECT(quor_port_emulation(port) == QUOR_EMULATION_ESCPOS);
   EXPECT(quor_port_timeout(port) == 3000);
@@ -203,16 +203,16 @@ static void AnAnswerThatHasNoPlaceIsAUsageErrorAndThePrinterIsNotAsked(void) {
 }
 
 const Sentence informationSentences[] = {
-    SENTENCE(TheFirmwareIsNoneUntilItWasRetrieved),
-    SENTENCE(ABufferThatIsTooSmallIsLeftAloneAndTheLengthTold),
-    SENTENCE(APrinterOffLineDoesNotTellItsFirmware),
+    SENTENCE(TheFirmwareIsNullUntilItWasRetrieved),
+    SENTENCE(ATooSmallBufferIsNotTouchedAndTheLengthIsStored),
+    SENTENCE(AnOffLinePrinterGivesNoFirmwareText),
     SENTENCE(DipSwitchBanksGather),
     SENTENCE(OneDipSwitchBankIsAnsweredAndNotKept),
     SENTENCE(TheButtonSecurityTimeoutHoldsTheCreationTimeout),
-    SENTENCE(WhatASilentPrinterDoesNotTellIsAFailure),
+    SENTENCE(AQuestionToASilentPrinterFails),
     SENTENCE(TheBluetoothModuleAnswersAndDropsTheLink),
     SENTENCE(TheModulesAddressIsReadByItsTitle),
-    SENTENCE(PropertiesAreWhatTheyWereSetTo),
+    SENTENCE(PropertiesKeepTheValuesThatWereSet),
     SENTENCE(TheSettingsStringSetsTheDataTimeout),
     SENTENCE(TheAccessorysTextsAreThereWhileThePortIsOpen),
     SENTENCE(TheAccessorysTextsCanBeSet),

@@ -12,7 +12,7 @@ static QuorPrintJob* jobOn(QuorPort* port) {
   return job;
 }
 
-static void AJobThatCameOutIsPrinted(void) {
+static void AJobThatIsOnPaperIsPrinted(void) {
   QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
   QuorPrintJob* job = jobOn(port);
   QuorPrinterStatus_2 status = {0};
@@ -72,7 +72,7 @@ static void AnOpenCoverRefusesTheJobWithReasonAndAdvice(void) {
   done(port);
 }
 
-static void ALinkLostInMidJobIsToldWithTheExactCount(void) {
+static void ALinkLostInMidJobIsReportedWithTheExactCount(void) {
   QuorPort* port = openPortTo("virtual:,cut-after-in=300", QUOR_EMULATION_LINE);
   QuorPrintJob* job = jobOn(port);
   static char data[1000];
@@ -219,11 +219,11 @@ static void AJobNeedsAPortAndItsData(void) {
   done(port);
 }
 
-const Sentence jobSentences[] = {SENTENCE(AJobThatCameOutIsPrinted),
+const Sentence jobSentences[] = {SENTENCE(AJobThatIsOnPaperIsPrinted),
                                  SENTENCE(AJobRunsOnce),
                                  SENTENCE(AnUncheckedJobIsUnconfirmed),
                                  SENTENCE(AnOpenCoverRefusesTheJobWithReasonAndAdvice),
-                                 SENTENCE(ALinkLostInMidJobIsToldWithTheExactCount),
+                                 SENTENCE(ALinkLostInMidJobIsReportedWithTheExactCount),
                                  SENTENCE(ProgressGrowsToTheWholeJob),
                                  SENTENCE(AJobIsCancelledFromAnotherThread),
                                  SENTENCE(AJobThatIsCancelledBeforeItBeganSendsNothing),

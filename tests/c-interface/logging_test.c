@@ -165,7 +165,7 @@ static void waitAtTheGate(void* context, const QuorLogRecord* record) {
   pthread_mutex_unlock(&gate->mutex);
 }
 
-static void ASinkAtWorkIsRemovedAndToldSo(void) {
+static void TheRemovalOfASinkAtWorkIsReported(void) {
   Gate gate = {.mutex = PTHREAD_MUTEX_INITIALIZER, .changed = PTHREAD_COND_INITIALIZER};
   QuorLogSink* sink = NULL;
   REQUIRE(quor_log_add_function(waitAtTheGate, &gate, &sink) == QUOR_OK);
@@ -186,7 +186,7 @@ static void ASinkAtWorkIsRemovedAndToldSo(void) {
   EXPECT(quor_log_flush(60000) == QUOR_OK);
 }
 
-static void TheQueueTakesNoCapacityOfNothingAndNoneBeyondItsMaximum(void) {
+static void TheQueueRefusesACapacityOfZeroOrAboveItsMaximum(void) {
   EXPECT_FAILURE(quor_log_set_queue_capacity(0), QUOR_USAGE, "1 to 1048576");
   EXPECT_FAILURE(quor_log_set_queue_capacity(1048577), QUOR_USAGE, "1 to 1048576");
   EXPECT_FAILURE(quor_log_set_queue_capacity(SIZE_MAX), QUOR_USAGE, "1 to 1048576");
@@ -195,14 +195,13 @@ static void TheQueueTakesNoCapacityOfNothingAndNoneBeyondItsMaximum(void) {
   EXPECT_FAILURE(quor_log_statistics(NULL), QUOR_USAGE, "statistics");
 }
 
-const Sentence loggingSentences[] = {
-    SENTENCE(RecordsReachTheFunctionUntilItIsRemoved),
-    SENTENCE(NothingIsLoggedUntilItIsSwitchedOn),
-    SENTENCE(AnOpenThatFailsLogsNothingThatNobodyAsked),
-    SENTENCE(OnlyWantedLevelsAreLogged),
-    SENTENCE(AFileHoldsAnObjectALine),
-    SENTENCE(AFileThatCannotBeOpenedIsRefused),
-    SENTENCE(StandardErrorIsASink),
-    SENTENCE(ASinkAtWorkIsRemovedAndToldSo),
-    SENTENCE(TheQueueTakesNoCapacityOfNothingAndNoneBeyondItsMaximum),
-    {NULL, NULL}};
+const Sentence loggingSentences[] = {SENTENCE(RecordsReachTheFunctionUntilItIsRemoved),
+                                     SENTENCE(NothingIsLoggedUntilItIsSwitchedOn),
+                                     SENTENCE(AnOpenThatFailsLogsNothingThatNobodyAsked),
+                                     SENTENCE(OnlyWantedLevelsAreLogged),
+                                     SENTENCE(AFileHoldsAnObjectALine),
+                                     SENTENCE(AFileThatCannotBeOpenedIsRefused),
+                                     SENTENCE(StandardErrorIsASink),
+                                     SENTENCE(TheRemovalOfASinkAtWorkIsReported),
+                                     SENTENCE(TheQueueRefusesACapacityOfZeroOrAboveItsMaximum),
+                                     {NULL, NULL}};

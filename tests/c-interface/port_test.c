@@ -13,7 +13,7 @@ static void APortNeedsDevices(void) {
   EXPECT(port == NULL);
 }
 
-static void ADeviceTextThatIsNoneLeavesTheDevicesAsTheyWere(void) {
+static void AnInvalidDeviceTextDoesNotChangeTheDevices(void) {
   const char* const good = "virtual:,name=Till";
   const char* const bad[] = {"virtual:", "carrier-pigeon:"};
   const char* const null[] = {NULL};
@@ -27,7 +27,7 @@ static void ADeviceTextThatIsNoneLeavesTheDevicesAsTheyWere(void) {
   done(port);
 }
 
-static void NoDevicesAreDevicesOfWhichNoneMatches(void) {
+static void WithoutDevicesNoAccessoryMatches(void) {
   EXPECT(quor_connect_devices(NULL, 0) == QUOR_OK);
   QuorPort* port = NULL;
   REQUIRE(quor_port_create(NULL, NULL, 1000, QUOR_EMULATION_LINE, &port) == QUOR_OK);
@@ -56,7 +56,7 @@ static void APortIsConnectedFromOpenToClose(void) {
   quor_port_free(NULL);
 }
 
-static void APrinterThatCannotBeReachedIsToldWithItsPlace(void) {
+static void TheErrorOfAnUnreachablePrinterNamesItsPlace(void) {
   QuorPort* port = portTo("unix:/no/such/place", QUOR_EMULATION_LINE);
   EXPECT_FAILURE(quor_port_open(port), QUOR_FAILED, "cannot be reached");
   EXPECT(strstr(quor_last_error(), "/no/such/place") != NULL);
@@ -77,7 +77,7 @@ static void TheReasonIsThatOfThePrinterThatThePortNameChooses(void) {
   }
 }
 
-static void APortNameThatIsTooShortIsToldAsThat(void) {
+static void APortNameThatIsTooShortIsReported(void) {
   const char* const spec = "virtual:";
   REQUIRE(quor_connect_devices(&spec, 1) == QUOR_OK);
   QuorPort* port = NULL;
@@ -127,7 +127,7 @@ static size_t readWhole(QuorPort* port, uint8_t* bytes, size_t wanted) {
   return gathered;
 }
 
-static void BytesGoOutAndComeBack(void) {
+static void BytesAreWrittenAndRead(void) {
   QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
   uint8_t reply[4] = {0};
   size_t count = 99;
@@ -159,7 +159,7 @@ static void ALostLinkFailsWithoutACount(void) {
   done(port);
 }
 
-static void TheStatusSaysWhatIsWrong(void) {
+static void TheStatusReportsTheFault(void) {
   QuorPort* port = openPortTo("virtual:,coverOpen=true", QUOR_EMULATION_LINE);
   QuorPrinterStatus_2 status = {0};
   int32_t online = 1;
@@ -215,7 +215,7 @@ static void ABlockOnAPrinterOffLineIsRefusedInItsResultCode(void) {
   done(port);
 }
 
-static void PaperInTheExitIsToldInTheResultCode(void) {
+static void TheResultCodeReportsPaperInTheExit(void) {
   QuorPort* port = openPortTo("virtual:,paperPresent=true", QUOR_EMULATION_LINE);
   QuorPrinterStatus_2 status = {0};
   int64_t result = QUOR_RESULT_SUCCESS;
@@ -283,23 +283,23 @@ static void TheVersionIsThatOfTheProject(void) {
 }
 
 const Sentence portSentences[] = {SENTENCE(APortNeedsDevices),
-                                  SENTENCE(ADeviceTextThatIsNoneLeavesTheDevicesAsTheyWere),
-                                  SENTENCE(NoDevicesAreDevicesOfWhichNoneMatches),
+                                  SENTENCE(AnInvalidDeviceTextDoesNotChangeTheDevices),
+                                  SENTENCE(WithoutDevicesNoAccessoryMatches),
                                   SENTENCE(AnEmulationThatThereIsNotIsRefused),
                                   SENTENCE(APortIsConnectedFromOpenToClose),
-                                  SENTENCE(APrinterThatCannotBeReachedIsToldWithItsPlace),
+                                  SENTENCE(TheErrorOfAnUnreachablePrinterNamesItsPlace),
                                   SENTENCE(TheReasonIsThatOfThePrinterThatThePortNameChooses),
-                                  SENTENCE(APortNameThatIsTooShortIsToldAsThat),
+                                  SENTENCE(APortNameThatIsTooShortIsReported),
                                   SENTENCE(NullIsAnsweredAndNotFollowed),
                                   SENTENCE(MoreBytesThanCanBeCountedAreNotEvenLookedAt),
-                                  SENTENCE(BytesGoOutAndComeBack),
+                                  SENTENCE(BytesAreWrittenAndRead),
                                   SENTENCE(ALostLinkFailsWithoutACount),
-                                  SENTENCE(TheStatusSaysWhatIsWrong),
+                                  SENTENCE(TheStatusReportsTheFault),
                                   SENTENCE(APrinterOnLineIsOnLine),
                                   SENTENCE(ASilentPrinterGivesNoStatus),
                                   SENTENCE(ACheckedBlockBeginsAndEnds),
                                   SENTENCE(ABlockOnAPrinterOffLineIsRefusedInItsResultCode),
-                                  SENTENCE(PaperInTheExitIsToldInTheResultCode),
+                                  SENTENCE(TheResultCodeReportsPaperInTheExit),
                                   SENTENCE(ObserversSeeEveryByteAndStopAnOperation),
                                   SENTENCE(TheLastErrorIsEachThreadsOwn),
                                   SENTENCE(TheVersionIsThatOfTheProject),

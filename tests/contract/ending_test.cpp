@@ -16,7 +16,7 @@ TEST_P(LinkContract, ALinkThatTheDeviceClosedIsLostAndEmpty) {
   EXPECT_LE(input->read(&byte, 1), 0);
 }
 
-TEST_P(LinkContract, WhatWasSeenBeforeTheDeviceClosedIsReadBeforeTheLinkIsLost) {
+TEST_P(LinkContract, SeenBytesAreReadBeforeTheLinkOfAClosedDeviceIsLost) {
   peer->write({1, 2, 3});
   ASSERT_TRUE(eventually([this] { return input->hasBytesAvailable(); }));
   peer->close();
@@ -27,7 +27,7 @@ TEST_P(LinkContract, WhatWasSeenBeforeTheDeviceClosedIsReadBeforeTheLinkIsLost) 
   EXPECT_FALSE(input->hasBytesAvailable());
 }
 
-TEST_P(LinkContract, WhatCameUnseenBeforeTheDeviceClosedIsReadBeforeTheLinkIsLost) {
+TEST_P(LinkContract, UnseenBytesAreReadBeforeTheLinkOfAClosedDeviceIsLost) {
   if (!maker->traits().keepsUnreadBytes) {
     GTEST_SKIP() << "the system throws away what was not read before the end";
   }
@@ -73,7 +73,7 @@ TEST_P(LinkContract, WritesToAClosedLinkFailBeforeLong) {
   EXPECT_TRUE(isLost());
 }
 
-TEST_P(LinkContract, AWriteErrorLeavesWhatCameBeforeToBeRead) {
+TEST_P(LinkContract, BytesThatArrivedBeforeAWriteErrorCanBeRead) {
   peer->write({1, 2, 3});
   ASSERT_TRUE(eventually([this] { return input->hasBytesAvailable(); }));
   peer->close();
@@ -96,7 +96,7 @@ TEST_P(LinkContract, ALossThatACallerWaitsForCountsThoughBytesAreUnread) {
   }));
 }
 
-TEST_P(LinkContract, NoLossIsNoticedOfALinkThatStands) {
+TEST_P(LinkContract, NoLossIsNoticedOfALinkThatWorks) {
   accessory->noticeLoss();
   peer->write({1, 2, 3});
   ASSERT_TRUE(eventually([this] { return input->hasBytesAvailable(); }));
@@ -161,7 +161,7 @@ TEST_P(LinkContract, TheEndOfAnAbandonedSessionWaitsForNothing) {
   EXPECT_LT(now() - start, instantly);
 }
 
-TEST_P(LinkContract, TheEndOfASessionThatOwesNothingComesAtOnce) {
+TEST_P(LinkContract, ASessionWithoutBytesUnderWayEndsAtOnce) {
   ASSERT_EQ(write({'a'}), 1);
   EXPECT_EQ(peer->read(1), (Bytes{'a'}));
   const double start = now();

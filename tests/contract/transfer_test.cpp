@@ -47,7 +47,7 @@ TEST_P(LinkContract, TenThousandBytesInPiecesOfSevenArriveOnceAndInOrder) {
   EXPECT_FALSE(input->hasBytesAvailable());
 }
 
-TEST_P(LinkContract, ReadsWhatIsAskedForAndKeepsTheRest) {
+TEST_P(LinkContract, ReadsTheNumberAskedForAndKeepsTheRest) {
   peer->write({1, 2, 3, 4, 5});
   EXPECT_EQ(receive(2), (Bytes{1, 2}));
   EXPECT_TRUE(input->hasBytesAvailable());
@@ -55,7 +55,7 @@ TEST_P(LinkContract, ReadsWhatIsAskedForAndKeepsTheRest) {
   EXPECT_FALSE(input->hasBytesAvailable());
 }
 
-TEST_P(LinkContract, AReadThatAsksForMoreThanThereIsReturnsWhatThereIs) {
+TEST_P(LinkContract, AReadReturnsFewerBytesIfThereAreFewer) {
   peer->write({1, 2, 3});
   ASSERT_TRUE(eventually([this] { return input->hasBytesAvailable(); }));
   Bytes received = receive(1);
@@ -82,7 +82,7 @@ TEST_P(LinkContract, TransfersOfNoBytesReturnZeroAndChangeNothing) {
   EXPECT_EQ(receive(1), (Bytes{7}));
 }
 
-TEST_P(LinkContract, AStalledDeviceTakesWhatFitsAndThenThereIsNoSpace) {
+TEST_P(LinkContract, AStalledDeviceTakesBytesUntilThereIsNoSpace) {
   peer->stall();
   const Bytes taken = fill();
   EXPECT_FALSE(taken.empty());

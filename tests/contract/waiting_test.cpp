@@ -27,7 +27,7 @@ TEST_P(LinkContract, NoBytesAreExpectedBeforeAnybodyWasAskedNorWhenEverythingIsA
   EXPECT_FALSE(input->expectsBytes());
 }
 
-TEST_P(LinkContract, NoBytesAreExpectedOfWhatIsNeverAnswered) {
+TEST_P(LinkContract, NoBytesAreExpectedAfterACommandThatIsNeverAnswered) {
   if (!maker->traits().knowsWhatIsOwed) {
     GTEST_SKIP() << "the link never knows";
   }
@@ -55,7 +55,7 @@ TEST_P(LinkContract, AWaitForTheRestOfAnAnswerLastsItsTime) {
   EXPECT_GE(now() - start, 0.02);
 }
 
-TEST_P(LinkContract, AWaitForAnAnswerThatDoesNotComeLastsItsTimeEveryTime) {
+TEST_P(LinkContract, AWaitForAMissingAnswerAlwaysLastsItsWholeTime) {
   peer->stall();
   ASSERT_EQ(write({1}), 1);
   for (int i = 0; i < 2; ++i) {

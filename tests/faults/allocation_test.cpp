@@ -147,7 +147,7 @@ class AllocationSweep : public testing::TestWithParam<std::tuple<std::int32_t, b
   }
 };
 
-TEST(NewPortWithoutMemory, LeavesNoThreadBehind) {
+TEST(NewPortWithoutMemory, LeavesNoThread) {
   const Logging logging(true);
   std::uint64_t failures = 0;
   bool struck = true;
@@ -199,7 +199,7 @@ class NoMemoryAtAll : public testing::TestWithParam<bool> {
   }
 };
 
-TEST_P(NoMemoryAtAll, LetsOpenAndCloseRaiseNothing) {
+TEST_P(NoMemoryAtAll, MakesOpenAndCloseThrowNothing) {
   for (const Call& call : {open(), close()}) {
     for (std::uint64_t k = 1; runOnce(call, k) && !HasFailure(); ++k) {
     }

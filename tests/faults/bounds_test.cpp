@@ -81,7 +81,7 @@ TEST(Bounds, OfTheDrainAreTheLinks) {
   EXPECT_NEAR(outcome.seconds, 90, 2);
 }
 
-TEST(Bounds, HoldWhatIsNotExemptAlsoInARunWithAnExemptStretch) {
+TEST(Bounds, HoldForTheRestOfARunWithAnExemptPart) {
   Scenario scenario = Scenario::in(escPos, 1000);
   scenario.script.wheneverAsked(bytes("10 04 01"), {{bytes("00"), 0.05}}).isLost(100);
   const Call call = endCheckedBlock();
@@ -92,7 +92,7 @@ TEST(Bounds, HoldWhatIsNotExemptAlsoInARunWithAnExemptStretch) {
   EXPECT_NE(overrun(scenario, call, outcome), "") << "as if it had gone on without the link";
 }
 
-TEST(Bounds, AreNearWhatAPrinterThatNeverAnswersTakes) {
+TEST(Bounds, AreNearTheTimesOfAPrinterThatNeverAnswers) {
   for (const std::int32_t emulation : {unknownEmulation, lineMode, escPos}) {
     for (const Call& call : allCalls()) {
       Scenario scenario = Scenario::in(emulation, 3000);

@@ -78,7 +78,7 @@ void log(LogDelivery& delivery, const char* message) {
   delivery.handOver(std::move(record));
 }
 
-TEST(LogDeliveryWithoutMemory, CountsWhatItCouldNotDeliverAndGoesOn) {
+TEST(LogDeliveryWithoutMemory, CountsUndeliveredRecordsAndContinues) {
   bool struck = true;
   std::uint64_t losses = 0;
   for (std::uint64_t k = 1; struck; ++k) {
@@ -104,7 +104,7 @@ TEST(LogDeliveryWithoutMemory, CountsWhatItCouldNotDeliverAndGoesOn) {
   EXPECT_GT(losses, 0U) << "no allocation that failed cost a record";
 }
 
-TEST(LogDeliveryWithoutMemory, TellsAllThatWasLostByOneRecordWhenMemoryIsBack) {
+TEST(LogDeliveryWithoutMemory, ReportsAllLossesByOneRecordWhenMemoryIsBack) {
   LogDelivery delivery;
   const auto sink = std::make_shared<SpoilingSink>(1, true);
   delivery.addSink(sink);

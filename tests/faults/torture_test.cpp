@@ -211,7 +211,7 @@ TEST_P(LinkTorture, OfRepliesEndsAsTheModelSays) {
   expectCases(1000);
 }
 
-TEST_P(LinkTorture, OfWhatComesUnaskedEndsAsTheModelSays) {
+TEST_P(LinkTorture, OfUnaskedBytesEndsAsTheModelSays) {
   std::vector<Call> calls = {read(200), getPrinterResponse("*AILBA:", 12, limitMillis),
                              getPrinterResponse(std::nullopt, 0, limitMillis)};
   calls.back().name += "-untitled";

@@ -111,7 +111,7 @@ std::vector<std::string> HandheldJob::recordsOf(const std::shared_ptr<Platform>&
   return recordsWithoutAddresses();
 }
 
-TEST_P(HandheldJob, LogsRecordForRecordWhatItLogsOverDescriptors) {
+TEST_P(HandheldJob, LogsTheSameRecordsAsOverDescriptors) {
   const auto handheld = std::make_shared<handheld::HandheldPlatform>();
   const auto descriptors = std::make_shared<posix::PosixPlatform>();
   ServedPrinter another{lateAnswers()};

@@ -65,7 +65,7 @@ TEST(HandheldThread, RunsACarriedRoutineOnItsOwnThreadBeforeTheCallReturns) {
   EXPECT_TRUE(ranOn != std::this_thread::get_id());
 }
 
-TEST(HandheldThread, RaisesTheExceptionOfACarriedRoutineInTheCaller) {
+TEST(HandheldThread, ThrowsTheExceptionOfACarriedRoutineInTheCaller) {
   HandheldPlatform platform;
   TurningThread thread(platform);
   ASSERT_TRUE(thread.handle().start());
@@ -127,7 +127,7 @@ TEST(HandheldRunLoop, LastsItsTimeOnAThreadThatHasNothingToServe) {
   }).join();
 }
 
-TEST(HandheldRunLoop, WaitsWhereThereIsNothingToDoInsteadOfTurningWithoutEnd) {
+TEST(HandheldRunLoop, WaitsIfThereIsNothingToDo) {
   HandheldPlatform platform;
   TurningThread thread(platform);
   ASSERT_TRUE(thread.handle().start());
@@ -158,7 +158,7 @@ TEST(HandheldAccessory, HasTheTextsOfTheServicesAccessory) {
   EXPECT_TRUE(platform.sharedAccessoryManager().connectedAccessories().empty());
 }
 
-TEST(HandheldAccessory, GivesNoSessionWhereTheServiceRefuses) {
+TEST(HandheldAccessory, GivesNoSessionIfTheServiceRefuses) {
   HandheldPlatform platform;
   plugIn({.connect = [] { return -1; }});
   const auto accessory = platform.sharedAccessoryManager().connectedAccessories().front();
@@ -167,7 +167,7 @@ TEST(HandheldAccessory, GivesNoSessionWhereTheServiceRefuses) {
   unplug();
 }
 
-TEST(HandheldService, ThatRaisesReachesACallerAsAnErrorWithItsText) {
+TEST(HandheldService, ThatThrowsGivesItsCallerAnErrorWithItsText) {
   HandheldPlatform platform;
   letServiceRaise(true);
   try {
@@ -179,7 +179,7 @@ TEST(HandheldService, ThatRaisesReachesACallerAsAnErrorWithItsText) {
   letServiceRaise(false);
 }
 
-TEST(HandheldService, ThatRaisesMakesAPortsOpenFail) {
+TEST(HandheldService, ThatThrowsMakesAPortsOpenFail) {
   const auto platform = std::make_shared<HandheldPlatform>();
   letServiceRaise(true);
   const auto port =

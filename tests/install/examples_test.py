@@ -51,7 +51,7 @@ class BadDevice(ProgramTest):
 
 
 class Monitor(ProgramTest):
-    def test_changes_are_told_as_they_come(self):
+    def test_each_change_is_reported_at_once(self):
         monitor = Program(self, EXAMPLES / "status_monitor", "virtual:,at=3000:coverOpen=true")
         self.assertEqual(monitor.line(), "on line")
         self.assertEqual(monitor.line(), "off line, cover open")
@@ -69,7 +69,7 @@ class Monitor(ProgramTest):
 
 
 class Kiosk(ProgramTest):
-    def test_it_goes_on_when_the_cable_is_back(self):
+    def test_it_continues_when_the_cable_is_back(self):
         place = f"unix:{self.folder}/printer"
         printer, device = self.printer(place)
         kiosk = Program(self, EXAMPLES / "kiosk", device, self.folder / "jobs.db")
@@ -116,7 +116,7 @@ class Kiosk(ProgramTest):
 
 
 class ApplicationLog(ProgramTest):
-    def test_records_go_through_the_applications_logger(self):
+    def test_the_applications_logger_gets_the_records(self):
         result = self.run_program(EXAMPLES / "application_log", "virtual:")
         self.assertEqual((result.returncode, result.stdout), (0, "on line\n"))
         records = result.stderr.splitlines()
@@ -124,7 +124,7 @@ class ApplicationLog(ProgramTest):
         for record in records:
             self.assertRegex(record, r"^shop\[(debug|error)\]: [-+]\[\w+ .*\]")
 
-    def test_what_goes_wrong_is_an_error_there(self):
+    def test_a_failure_is_an_error_in_that_logger(self):
         result = self.run_program(EXAMPLES / "application_log", "virtual:,drop-reply=all")
         self.assertEqual((result.returncode, result.stdout), (1, "no answer\n"))
         self.assertIn("shop[error]: ", result.stderr)

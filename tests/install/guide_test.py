@@ -115,7 +115,7 @@ class Guides(ProgramTest):
 
 
 class DecisionTable(ProgramTest):
-    def test_each_row_is_what_the_printer_of_its_last_column_leads_to(self):
+    def test_the_printer_in_the_last_column_causes_each_row(self):
         rows = list(ROW.finditer((SOURCES / "docs/did-not-print.md").read_text()))
         self.assertGreater(len(rows), 10)
         unconfirmable = self.folder / "job"

@@ -39,7 +39,7 @@ class Chaos:
 
 
 class Crowd(Case):
-    def test_each_name_is_on_paper_once_or_told_as_unconfirmed(self):
+    def test_each_name_is_on_paper_once_or_reported_as_unconfirmed(self):
         simulator = self.simulator("tcp:0", "--set", f"speed={SPEED}", "--receipts", str(self.folder / "paper"))
         journal = self.folder / "jobs.db"
         told = collections.defaultdict(set)

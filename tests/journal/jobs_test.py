@@ -51,7 +51,7 @@ class Jobs(Case):
         simulator.kill()
         self.assertExit(0, self.print_job(simulator.place, "one"))
 
-    def test_what_a_killed_process_began_is_unconfirmed_until_somebody_asks_for_it_again(self):
+    def test_a_job_of_a_killed_process_is_unconfirmed_until_a_user_asks_for_it_again(self):
         simulator = self.simulator("tcp:0", "--set", "speed=5")
         process = start("-d", simulator.place, "print", self.file("receipt", RECEIPT), "--job", "one", "--journal", self.journal)
         eventually(lambda: simulator.state()["printedBytes"] > 0, "it prints")
@@ -95,7 +95,7 @@ class Jobs(Case):
         self.assertEqual((other.json()["outcome"], other.json()["bytesAccepted"]), ("refused", 0))
         self.assertEqual(self.receipts(simulator), printed)
 
-    def test_a_name_that_is_none_is_a_usage_error(self):
+    def test_an_invalid_name_is_a_usage_error(self):
         for name in ("", "n" * 256, "a\nb", b"\xff"):
             result = run("-d", "virtual:", "print", "-", "--json", "--job", name, "--journal", self.journal, data=RECEIPT)
             self.assertExit(2, result)
@@ -154,7 +154,7 @@ class Jobs(Case):
         self.assertEqual(self.jobs("--older-than", "0"), [])
         self.assertExit(2, run("jobs", "--older-than", "soon"))
 
-    def test_the_file_is_the_users_own_and_where_state_lies(self):
+    def test_the_file_belongs_to_the_user_and_is_in_the_state_folder(self):
         environment = {**os.environ, "XDG_STATE_HOME": str(self.folder / "state")}
         self.assertExit(0, run("-d", "virtual:", "print", "-", "--job", "one", data=RECEIPT, env=environment))
         folder = self.folder / "state" / "quorport"

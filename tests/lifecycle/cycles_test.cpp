@@ -17,7 +17,7 @@ namespace {
 /// How often main lets port threads go before it counts them: each lives on for a slice.
 constexpr std::uint64_t cyclesBetweenCounts = 500;
 
-TEST(PortCycles, OnTheMainThreadLeaveNoThreadBehind) {
+TEST(PortCycles, OnTheMainThreadLeaveNoThread) {
   const auto platform = std::make_shared<SleeplessPlatform>();
   ASSERT_TRUE(platform->isMainThread());
   const auto before = threadsAtRest();
@@ -55,7 +55,7 @@ TEST(PortCycles, OpenedOnOneThreadAndClosedOnAnother) {
   EXPECT_TRUE(threadsComeBackTo(before));
 }
 
-TEST(PortCycles, AReleasedPortIsGoneSoonAfterItsClose) {
+TEST(PortCycles, AReleasedPortIsDestroyedSoonAfterItsClose) {
   const auto platform = std::make_shared<SleeplessPlatform>();
   auto port = makePort(platform);
   const std::weak_ptr<ExternalAccessoryPort> weak = port;

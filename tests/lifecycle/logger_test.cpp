@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::uint64_t writers = 8;
 
-TEST(Logger, TakesRecordsFromEightThreadsAndLosesNoneUncounted) {
+TEST(Logger, CountsEachRecordOfEightThreadsThatItLoses) {
   LogWriter& logger = LogWriter::sharedInstance();
   const std::uint64_t count = caseCount("QUOR_LOG_RECORDS", 20000);
   RecordProperty("cases", std::to_string(writers * count));

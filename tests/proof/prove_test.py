@@ -110,7 +110,7 @@ class Page(unittest.TestCase):
     FIGURES = {"size": "nightly", "far": "12.5%", "cases": "1,000", "time": "3.0 min", "result": "nothing found",
                "run at": "a1b2c3d, 2026-11-21, 2 cores"}
 
-    def test_each_row_says_what_of_it_runs_at_each_commit(self):
+    def test_each_row_names_its_part_that_runs_at_each_commit(self):
         for row in rows.ROWS:
             self.assertIn(f"| {row.shows} | {row.suite} | not run |", page.written({}))
 

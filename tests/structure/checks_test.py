@@ -81,7 +81,7 @@ class IncludeRules(SmallTree):
         self.assertTrue(
             self.objects_to("backends/posix/TcpLink.cpp", '#include "backends/virtual/VirtualAccessory.h"'))
 
-    def test_what_the_back_ends_share_does_not_know_any_of_them(self):
+    def test_the_common_part_of_the_back_ends_includes_none_of_them(self):
         self.assertTrue(self.objects_to("backends/Identity.cpp", '#include "backends/posix/TcpLink.h"'))
 
     def test_only_the_virtual_back_end_knows_the_simulator(self):
@@ -93,7 +93,7 @@ class IncludeRules(SmallTree):
     def test_the_simulator_reads_no_clock_of_its_own(self):
         self.assertTrue(self.objects_to("simulator/Printer.cpp", "std::chrono::steady_clock::now();"))
 
-    def test_the_public_header_stands_on_stdint_alone(self):
+    def test_the_public_header_includes_stdint_alone(self):
         self.assertTrue(self.objects_to("include/quordalvane/QuorIOPort.h", "#include <stddef.h>"))
 
     def test_the_c_interface_knows_no_single_back_end(self):
@@ -225,7 +225,7 @@ class Documentation(SmallTree):
         self.write("README.md", text)
         return bool(documentation.violations(self.root))
 
-    def test_what_is_there_may_be_pointed_at(self):
+    def test_a_link_to_an_existing_file_passes(self):
         self.assertFalse(self.objects_to(
             "[a](docs/threads.md) [b](docs/threads.md#who-runs-what) [c](#top) [d](https://example.org)"
             "`docs/threads.md` `docs/` `a/b` `build/bin/quorport` ./dev test\n\n# Top\n"))
@@ -281,7 +281,7 @@ class ExternalAccessoryPort {
         self.assertEqual(self.objections_to_rows("| `open`, `read` | `iphone-IOPort/Session.cpp` | |"),
                          ["docs/architecture.md: read is not in iphone-IOPort/Session.cpp"])
 
-    def test_an_operation_that_is_none_is_seen(self):
+    def test_an_unknown_operation_is_seen(self):
         self.assertIn("docs/architecture.md: the port has no open71",
                       self.objections_to_rows("| `open`, `open71` | `iphone-IOPort/Session.cpp` | |",
                                               "| `read` | `iphone-IOPort/Transport.cpp` | |"))

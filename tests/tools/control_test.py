@@ -32,7 +32,7 @@ class State(Case):
             simulator.set(**{flag: False})
             self.assertIs(simulator.state()[flag], False)
 
-    def test_what_stops_a_printer_makes_it_off_line_by_itself(self):
+    def test_a_fault_that_stops_a_printer_makes_it_off_line(self):
         simulator = self.simulator()
         for flag in ["coverOpen", "receiptPaperEmpty", *FLAGS[3:16]]:
             simulator.set(**{flag: True})
@@ -40,7 +40,7 @@ class State(Case):
             simulator.set(**{flag: False})
             self.assertIs(simulator.state()["offline"], False, flag)
 
-    def test_what_was_printed_is_counted(self):
+    def test_printed_bytes_are_counted(self):
         simulator = self.simulator()
         self.assertExit(0, run("-d", simulator.place, "print", "-", data=b"12345\n"))
         state = simulator.state()
@@ -64,7 +64,7 @@ class Faults(Case):
         self.assertExit(6, run("-d", simulator.place, "print", "--unchecked", "-", data=b"lost\n"))
         self.assertEqual(simulator.state()["printedBytes"], 0)
 
-    def test_the_seed_decides_what_is_left_to_chance_on_this_link_and_the_next(self):
+    def test_the_seed_decides_random_choices_on_this_link_and_the_next(self):
         simulator = self.simulator()
         self.assertEqual(simulator.control({"fault": {"corrupt-reply": "all"}}), {"ok": True})
 
@@ -83,13 +83,13 @@ class Faults(Case):
             self.assertEqual(second_reply(), replies[-1])
         self.assertGreater(len(set(replies)), 1)
 
-    def test_a_fault_that_comes_later_comes(self):
+    def test_a_delayed_fault_takes_effect(self):
         simulator = self.simulator()
         with simulator.connect():
             eventually(lambda: simulator.control({"fault": {"at": "50:coverOpen=true"}})["ok"], "taken")
             eventually(lambda: simulator.state()["coverOpen"], "the cover opens by itself")
 
-    def test_a_fault_that_comes_later_comes_also_where_nobody_is_connected(self):
+    def test_a_delayed_fault_takes_effect_without_a_host(self):
         simulator = self.simulator()
         later = {"at": "60:receiptPaperEmpty=true"}, {"at": "30:coverOpen=true"}, {"at": "90:drop-reply=all"}
         for fault in later:
@@ -98,7 +98,7 @@ class Faults(Case):
         eventually(lambda: simulator.state()["receiptPaperEmpty"], "the paper runs out")
         eventually(lambda: run("-d", simulator.place, "status").code == 1, "no reply comes any more")
 
-    def test_a_fault_that_comes_later_outlives_the_link(self):
+    def test_a_delayed_fault_outlives_the_link(self):
         simulator = self.simulator()
         with simulator.connect() as host:
             host.sendall(STATUS_REQUEST)
@@ -106,7 +106,7 @@ class Faults(Case):
             self.assertEqual(simulator.control({"fault": {"at": "500:coverOpen=true"}}), {"ok": True})
         eventually(lambda: simulator.state()["coverOpen"], "the cover opens by itself")
 
-    def test_a_fault_that_is_still_to_come_is_cleared_with_the_others(self):
+    def test_a_delayed_fault_is_cleared_with_the_others(self):
         simulator = self.simulator()
         for fault in ({"at": "300:coverOpen=true"}, {"at": "301:receiptPaperEmpty=true"}):
             self.assertEqual(simulator.control({"fault": fault}), {"ok": True})
@@ -123,7 +123,7 @@ class BadLines(Case):
         self.assertIs(answer["ok"], False)
         self.assertIn(saying, answer["error"], line)
 
-    def test_a_bad_line_says_what_is_right_and_changes_nothing(self):
+    def test_the_answer_to_a_bad_line_names_the_right_form_and_nothing_changes(self):
         self.printer = self.simulator()
         before = self.printer.state()
         for line, saying in [
@@ -197,7 +197,7 @@ class Socket(Case):
             self.assertEqual(self.ask(file, {"get": "state"})["state"]["speed"], 5)
         self.assertEqual(simulator.state()["speed"], 5)
 
-    def test_who_leaves_before_the_answer_disturbs_nobody(self):
+    def test_a_client_that_leaves_before_the_answer_disturbs_no_other(self):
         simulator = self.simulator("tcp:0", "--control", f"unix:{self.folder}/control")
         simulator.state()
         before = simulator.descriptors()
@@ -209,7 +209,7 @@ class Socket(Case):
             connection.close()
         eventually(lambda: simulator.descriptors() == before, "all descriptors are closed")
 
-    def test_who_never_reads_holds_nobody_up(self):
+    def test_a_client_that_never_reads_blocks_no_other(self):
         simulator = self.simulator("tcp:0", "--control", f"unix:{self.folder}/control")
         connection, _ = self.connect()
         connection.setblocking(False)
@@ -227,7 +227,7 @@ class Socket(Case):
         self.assertEqual(self.ask(self.connect()[1], {"quit": True}), {"ok": True})
         self.assertEqual(simulator.process.wait(DEADLINE), 0)
 
-    def test_a_control_place_that_is_none_is_refused(self):
+    def test_an_invalid_control_place_is_refused(self):
         for wrong in ("tcp:1", "/tmp/x", "unix:", ""):
             result = run("simulate", "--listen", "tcp:0", f"--control={wrong}")
             self.assertExit(2, result)

@@ -54,7 +54,7 @@ class Firmware(Asking):
         replies = ON_LINE | {FIRMWARE[emulation][0]: reply}
         self.assertEqual(self.answer(replies, "-e", emulation, "firmware"), {"ok": True, "firmware": text})
 
-    def test_texts_of_every_length_are_told_in_both_emulations(self):
+    def test_texts_of_every_length_are_read_in_both_emulations(self):
         letters = (string.ascii_letters + string.digits + string.punctuation)[:64]
         at_once((self.assertTold, letters[:length], emulation, reply % letters[:length].encode())
                 for emulation, (_, reply) in FIRMWARE.items() for length in range(1, 65))
@@ -102,21 +102,21 @@ class DipSwitches(Asking):
                 for timeout in (1001, 12345, 4294967295) for setting, time in enumerate((20000, 10000, 5000)))
         at_once((check, timeout, 3, 0) for timeout in (1001, 4294967295))
 
-    def test_button_security_adds_a_time_out_below_a_second_too(self):
+    def test_button_security_also_adds_a_time_out_below_a_second(self):
         """Such a time-out may be over at once: then only the printer that is built in answers soon enough."""
         for timeout in (0, 1, 999):
             result = run("-d", "virtual:,dip1=4a0a", "-t", str(timeout), "button-security", "--json")
             self.assertExit(0, result)
             self.assertAnswers("virtual:,dip1=4a0a", {"ok": True, "milliseconds": 10000 + timeout}, result)
 
-    def test_button_security_is_told_by_a_reply_in_two_pieces(self):
+    def test_button_security_is_read_from_a_reply_in_two_pieces(self):
         def check(pieces):
             replies = {bank_request(1): in_pieces(*pieces)}
             self.assertEqual(self.answer(replies, "-t", "2007", "button-security")["milliseconds"], 12007)
 
         at_once((check, pieces) for pieces in pieces_of(bank_reply(1, b"\x45\x02")))
 
-    def test_button_security_in_a_reply_that_is_cut_off_is_none(self):
+    def test_button_security_in_a_cut_reply_is_an_error(self):
         at_once((self.failure, 5, {bank_request(1): last_words(words)}, "-t", "1000", "button-security")
                 for words, _ in pieces_of(bank_reply(1, b"\x45\x02")))
 
@@ -130,7 +130,7 @@ class BluetoothModule(Asking):
     def assertStays(self, replies: dict):
         self.failure(1, replies, "-t", "1000", "disconnect")
 
-    def test_a_link_that_the_module_drops_is_a_success_whatever_it_says_first(self):
+    def test_a_dropped_link_is_a_success_even_if_the_module_answers_first(self):
         at_once((self.assertDrops, {ADDRESS_REQUEST: ADDRESS, DROP_REQUEST: last_words(words)})
                 for words in (b"", b"\r\nOK\r\n", b"\r\nO", bytes(5000)))
 
@@ -144,14 +144,14 @@ class BluetoothModule(Asking):
             {ADDRESS_REQUEST: ADDRESS, DROP_REQUEST: b"\r\nOK\r\n"},
             {ADDRESS_REQUEST: ADDRESS, DROP_REQUEST: b"\r\nERROR\r\n"}))
 
-    def test_an_answer_without_a_whole_address_is_told_in_plain_words(self):
+    def test_an_answer_without_a_whole_address_is_reported(self):
         def check(answer: bytes):
             error = self.failure(1, {ADDRESS_REQUEST: answer}, "-t", "1000", "disconnect")
             self.assertEqual(error, "the Bluetooth module answered without its address")
 
         at_once((check, answer) for answer in (b"\r\nOK\r\n", b"\r\n*AILBA:0011\r\nOK\r\n"))
 
-    def test_a_result_that_comes_in_two_reads_is_no_result(self):
+    def test_a_result_in_two_reads_is_no_result(self):
         self.assertStays({ADDRESS_REQUEST: in_pieces(ADDRESS[:-3], ADDRESS[-3:], pause=0.5)})
 
     def test_a_link_that_is_lost_before_the_module_has_answered_is_a_lost_link(self):

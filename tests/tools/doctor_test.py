@@ -151,7 +151,7 @@ class Causes(Case):
         # Another till's job may be on its way, which switching the printer off would lose.
         self.assertIn("  do:    end the other program", run("-d", place, "doctor").out)
 
-    def test_what_answers_is_no_printer(self):
+    def test_an_answer_that_is_not_a_printers_is_found(self):
         for greeting in (b"SSH-2.0-door\r\n", NOISE):
             peer = self.peer(lambda c, greeting=greeting: (receive(c, 7), c.sendall(greeting), say_nothing(c)))
             self.assertCause("not-understood", 1, "-d", peer.place)
@@ -172,11 +172,11 @@ class Causes(Case):
         named = self.assertCause("cover-open", 4, "-d", "virtual:coverOpen=true,receiptPaperEmpty=true,jamError=true")
         self.assertEqual(named, ["cover-open", "paper-out", "printer-error"])
 
-    def test_what_the_device_says_of_itself_is_no_printer(self):
+    def test_a_device_with_another_maker_or_protocol_is_found(self):
         named = self.assertCause("no-printer", 3, "-d", "virtual:manufacturer=somebody")
         self.assertEqual(named, ["no-printer"])
 
-    def test_the_port_name_chooses_none(self):
+    def test_a_port_name_that_chooses_no_device_is_found(self):
         self.assertCause("port-name", 3, "-d", "virtual:Bar", "-p", "BT:Till")
 
     def test_the_first_of_several_devices_that_is_ill_decides(self):
@@ -185,7 +185,7 @@ class Causes(Case):
 
 
 class Health(Case):
-    def test_a_printer_that_is_well_is_told_so(self):
+    def test_a_printer_without_a_fault_is_well(self):
         for listen in ("tcp:0", f"unix:{self.folder}/printer", "pty:"):
             simulator = self.simulator(listen, "--set", "receiptPaperNearEmptyInner=true")
             result = run("-d", simulator.place, "doctor")
@@ -197,7 +197,7 @@ class Health(Case):
             self.assertEqual(device["device"], simulator.place)
             self.assertEqual(set(device["status"]), STATUS_KEYS)
 
-    def test_nothing_is_printed_and_what_the_printer_holds_stays(self):
+    def test_nothing_is_printed_and_the_printer_keeps_its_data(self):
         simulator = self.simulator("tcp:0", "--set", "offline=true")
         self.assertExit(6, run("-d", simulator.place, "print", "--unchecked", "-", data=b"kept\n"))
         held = simulator.state()["buffered"]
@@ -230,7 +230,7 @@ class Bundles(Case):
         self.assertEqual(device["status"]["coverOpen"], 1)
         self.assertTrue(any("getParsedStatus" in record["method"] for record in bundle["log"]))
 
-    def test_it_goes_with_a_log_of_the_users_own(self):
+    def test_it_works_together_with_a_log_of_the_user(self):
         log = self.folder / "log"
         _, bundle = self.bundle("-d", "virtual:", "--log", log)
         self.assertEqual(len(log.read_text().splitlines()), len(bundle["log"]))
@@ -250,14 +250,14 @@ class Bundles(Case):
             self.assertFailsInBothForms(2, "-d", "virtual:", "doctor", "--bundle", str(place), saying="exists")
         self.assertEqual(Path(path).read_bytes(), b"keep me")
 
-    def test_where_no_file_can_be_nothing_is_examined(self):
+    def test_nothing_is_examined_if_the_file_cannot_be_made(self):
         asked = []
         peer = self.peer(asked.append)
         self.assertFailsInBothForms(2, "-d", peer.place, "doctor", "--bundle", f"{self.folder}/no/file",
                                     saying="No such file")
         self.assertEqual(asked, [])
 
-    def test_a_device_that_is_none_leaves_no_file(self):
+    def test_an_invalid_device_leaves_no_file(self):
         path = self.folder / "bundle.json"
         self.assertExit(2, run("-d", "pigeon:", "doctor", "--bundle", path))
         self.assertFalse(path.exists())

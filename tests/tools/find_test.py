@@ -4,7 +4,7 @@ from harness import Case, main, run
 
 
 class Finding(Case):
-    def test_it_answers_in_both_forms_whatever_is_there(self):
+    def test_it_always_answers_in_both_forms(self):
         result = run("find", "--json")
         self.assertExit(0, result)
         answer = result.json()

@@ -43,7 +43,7 @@ class Log(Case):
         self.assertEqual({record["object"] for record in records}, {record["object"] for record in records[:1]})
         self.assertEqual([record for record in records if record["typeName"] == "Error"], [])
 
-    def test_what_opens_no_port_is_not_recorded(self):
+    def test_a_command_that_opens_no_port_is_not_recorded(self):
         self.assertEqual(self.logged("list"), [])
 
     def test_other_levels_are_logged_when_asked_for(self):

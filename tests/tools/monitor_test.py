@@ -46,7 +46,7 @@ class Changes(Case):
         simulator.set(receiptPaperEmpty=True)
         self.assertRegex(monitor.line(), r": not ready: paper out; the paper is near its end$")
 
-    def test_a_lost_link_is_told_and_opened_again(self):
+    def test_a_lost_link_is_reported_and_opened_again(self):
         place = f"unix:{self.folder}/printer"
         simulator = self.simulator(place)
         monitor = self.monitor("-d", place, "--json")
@@ -59,14 +59,14 @@ class Changes(Case):
         self.simulator(place)
         self.assertEqual(self.change(monitor)["state"], "ready")
 
-    def test_a_printer_that_comes_later_is_waited_for(self):
+    def test_it_waits_for_a_printer_that_appears_later(self):
         place = f"unix:{self.folder}/printer"
         monitor = self.monitor("-d", place, "--json")
         self.assertEqual(self.change(monitor)["state"], "unreachable")
         self.simulator(place)
         self.assertEqual(self.change(monitor)["state"], "ready")
 
-    def test_a_printer_that_falls_silent_is_told(self):
+    def test_a_printer_that_falls_silent_is_reported(self):
         answers = threading.Event()
         answers.set()
 
@@ -128,14 +128,14 @@ class Ends(Case):
             self.assertEqual("error" in result.json(), code != 0, result)
             self.assertEqual(result.err, "")
 
-    def test_a_port_name_that_chooses_none_ends_it_at_once(self):
+    def test_a_port_name_that_chooses_no_device_ends_it_at_once(self):
         self.assertFailsInBothForms(3, "monitor", "-d", "virtual:Bar", "-p", "BT:Till", saying="Bar")
 
     def test_numbers_out_of_range_are_refused(self):
         for option, value in (("--interval", "99"), ("--interval", "x"), ("--count", "0"), ("--count", "-1")):
             self.assertFailsInBothForms(2, "monitor", option, value, saying=option)
 
-    def test_it_ends_when_nobody_takes_what_it_says(self):
+    def test_it_ends_when_nobody_reads_its_output(self):
         simulator = self.simulator()
         process = start("monitor", *QUICK, "-d", simulator.place, stdout=subprocess.PIPE)
         process.stdout.readline()

@@ -157,7 +157,7 @@ class Printing(Case):
             self.assertExit(2, run("-d", peer.place, "print", "-", stdin=unreadable))
         self.assertEqual(contacted, [])
 
-    def test_a_terminal_sees_the_bytes_go_out_and_a_file_does_not(self):
+    def test_a_terminal_shows_the_progress_and_a_file_does_not(self):
         job = self.file("job", b"text\n" * 200)
         ours, theirs = pty.openpty()
         process = start("-d", "virtual:", "print", job, stderr=theirs)
@@ -176,7 +176,7 @@ class Printing(Case):
 
 
 class Receipts(Case):
-    def test_a_receipt_is_what_came_out_as_text(self):
+    def test_a_receipt_is_the_paper_as_text(self):
         target = self.folder / "receipt.txt"
         self.assertExit(0, run("-d", "virtual:", "print", "-", "--receipt", target, data=b"Bread  4.20\n"))
         self.assertEqual(target.read_text().strip(), "Bread  4.20")
@@ -186,7 +186,7 @@ class Receipts(Case):
         self.assertExit(0, run("-d", "virtual:", "print", "-", "--receipt", target, data=bytes(range(0x80, 0xa0)) + b"a\x7f\x05\x07\xc2\x9b\n"))
         self.assertTrue(target.read_text().replace("\n", "").isprintable(), target.read_text())
 
-    def test_a_receipt_is_what_came_out_as_a_picture(self):
+    def test_a_receipt_is_the_paper_as_a_picture(self):
         target = self.folder / "receipt.png"
         self.assertExit(0, run("-d", "virtual:", "print", "-", "--receipt", target, data=b"Bread  4.20\n"))
         self.assertTrue(target.read_bytes().startswith(b"\x89PNG\r\n\x1a\n"))
@@ -221,7 +221,7 @@ class Receipts(Case):
         self.assertIn("No space left on device", answer["error"])
         self.assertIn("No space left on device", result.err)
 
-    def test_an_older_receipt_stays_when_nothing_could_be_printed(self):
+    def test_an_older_receipt_is_kept_when_nothing_was_printed(self):
         target = self.folder / "receipt.txt"
         target.write_text("older")
         self.assertExit(3, run("-d", "virtual:A", "-p", "BT:B", "print", "-", "--receipt", target, data=b"text\n"))
@@ -287,7 +287,7 @@ class ByteForByte(Case):
 
 
 class LostLinks(Case):
-    def test_a_link_cut_anywhere_is_never_a_printed_job_unless_it_came_out(self):
+    def test_a_job_on_a_cut_link_is_printed_only_if_it_is_on_paper(self):
         job = self.file("job", b"0123456789" * 5)
         seen = set()
         for count in range(0, 140, 7):
@@ -303,7 +303,7 @@ class LostLinks(Case):
             simulator.kill()
         self.assertLessEqual({"refused", "unconfirmed"}, seen)
 
-    def test_a_reset_in_mid_job_is_told_from_success(self):
+    def test_a_reset_in_mid_job_is_not_a_success(self):
         def handle(connection):
             receive(connection, 1000)
             connection.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, b"\1\0\0\0\0\0\0\0")
@@ -354,7 +354,7 @@ class Interrupting(Case):
             self.assertGreater(answer["bytesAccepted"], 0)
             self.assertIn("cancelled", answer["error"])
 
-    def test_the_printer_is_told_to_drop_the_rest(self):
+    def test_the_printer_drops_the_rest(self):
         simulator = self.simulator("tcp:0", "--set", "speed=20")
         process = start("-d", simulator.place, "print", self.file("job", b"line of text\n" * 100))
         eventually(lambda: simulator.state()["buffered"] > 1000, "the whole job is in the printer")
@@ -376,7 +376,7 @@ class Interrupting(Case):
         self.assertTrue(contact.wait(DEADLINE))
         self.interrupted(process)
 
-    def test_what_became_of_a_job_is_told_also_when_the_signal_comes_while_the_port_closes(self):
+    def test_the_outcome_is_reported_even_if_the_signal_arrives_while_the_port_closes(self):
         stop = threading.Event()
         self.addCleanup(stop.set)
         place = self.peer(lambda connection: stop.wait(DEADLINE), room=2048).place
@@ -390,7 +390,7 @@ class Interrupting(Case):
         answer = result.json()
         self.assertEqual((answer["outcome"], answer["bytesAccepted"]), ("unconfirmed", 20_000))
 
-    def test_a_job_that_was_printed_stays_printed_when_a_signal_comes_while_the_port_closes(self):
+    def test_a_printed_job_remains_printed_if_a_signal_arrives_while_the_port_closes(self):
         """Nobody takes the log meanwhile, which holds up the end of the command, but not that of the connection."""
         closed = threading.Event()
         job = self.file("job", b"text\n")
@@ -427,7 +427,7 @@ class Interrupting(Case):
             self.assertEqual(answer, {"ok": False, "error": "interrupted", "device": answer["device"]})
             self.assertTrue(closed.wait(DEADLINE), "the port is closed")
 
-    def test_a_retry_that_goes_on_and_on_is_given_up(self):
+    def test_an_endless_retry_is_abandoned(self):
         """A port that has lost count of a command offers its rest without end: to a link that takes it each time,
         and to one that never does."""
         log = self.folder / "log"

@@ -16,7 +16,7 @@ class OverEveryLink(Case):
             with self.subTest(listen=listen):
                 yield self.simulator(listen, *arguments)
 
-    def test_status_has_every_field_and_nothing_else(self):
+    def test_status_has_every_field_and_no_other(self):
         for simulator in self.each_link("--set", "receiptPaperNearEmptyInner=true", "--set", "connectedInterface=2"):
             result = run("-d", simulator.place, "status", "--json")
             self.assertExit(0, result)
@@ -49,7 +49,7 @@ class OverEveryLink(Case):
                     self.assertExit(code, result)
                     self.assertAnswers(simulator.place, {"ok": True, "online": not offline}, result)
 
-    def test_firmware_is_told_in_both_emulations(self):
+    def test_firmware_is_read_in_both_emulations(self):
         for simulator in self.each_link():
             text = '"Quor" 1.2 <' + "z" * 52
             self.assertEqual(len(text), 64)
@@ -89,7 +89,7 @@ class OverEveryLink(Case):
             place = simulator.next_place() if simulator.place.startswith("serial:") else simulator.place
             self.assertExit(0, run("-d", place, "status"))
 
-    def test_cancel_makes_the_printer_drop_what_it_holds(self):
+    def test_cancel_makes_the_printer_drop_its_data(self):
         for simulator in self.each_link("--set", "offline=true"):
             self.assertExit(6, run("-d", simulator.place, "print", "--unchecked", "-", data=b"never printed\n"))
             eventually(lambda: simulator.state()["buffered"] > 0, "the printer to hold what was sent")
@@ -117,7 +117,7 @@ class Listing(Case):
     def chosen(self, *arguments: str) -> list[str]:
         return [accessory["name"] for accessory in self.listed(*arguments) if accessory["chosen"]]
 
-    def test_an_accessory_has_every_key_with_what_its_device_said(self):
+    def test_an_accessory_has_every_key_with_its_devices_value(self):
         (accessory,) = self.listed("-d", "virtual:Till,serial=7,model=M1,protocol=a,protocol=b,id=18446744073709551615")
         self.assertEqual(set(accessory), self.KEYS)
         self.assertEqual(accessory, {
@@ -132,7 +132,7 @@ class Listing(Case):
             self.assertExit(0, result)
             self.assertTrue(result.out.rstrip("\n").replace("\n", "").isprintable(), result)
 
-    def test_what_a_device_did_not_say_is_null(self):
+    def test_a_value_that_a_device_lacks_is_null(self):
         (accessory,) = self.listed("-d", "virtual:")
         self.assertIsNone(accessory["serialNumber"])
         self.assertIsNone(accessory["modelNumber"])
@@ -338,7 +338,7 @@ class AgainstAPeer(Case):
             self.assertExit(1, result)
             self.assertIn("--emulation line or escpos", result.json()["error"])
 
-    def test_what_answers_like_no_printer_is_not_ready(self):
+    def test_a_device_that_is_not_a_printer_is_not_ready(self):
         def check(words: bytes, *command: str):
             def handle(connection):
                 while connection.recv(4096):
@@ -386,7 +386,7 @@ class Devices(Case):
             self.assertIn("no device is given: this is the virtual printer", result.err)
             self.assertEqual(run("-d", "virtual:", command).err, "")
 
-    def test_devices_may_stand_in_a_variable_and_those_of_the_command_line_count_alone(self):
+    def test_a_variable_may_hold_devices_and_the_command_line_overrides_it(self):
         devices = {"QUORPORT_DEVICE": "  virtual:A   virtual:B,coverOpen=true "}
         result = run("-p", "BT:B", "online", "--json", env=devices)
         self.assertExit(4, result)
@@ -397,7 +397,7 @@ class Devices(Case):
         self.assertExit(2, wrong)
         self.assertIn("QUORPORT_DEVICE: ", wrong.err)
 
-    def test_a_failure_names_the_device_too(self):
+    def test_a_failure_also_names_the_device(self):
         for command in ("status", "online", "firmware", "dipswitch", "button-security", "disconnect", "cancel"):
             place = self.refusing_place()
             self.assertEqual(run("-d", place, command, "--json").json()["device"], place)

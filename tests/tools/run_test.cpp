@@ -100,7 +100,7 @@ TEST_F(InterruptionTest, GivesUpWhileNothingIsOpen) {
   EXPECT_EQ(givenUp_, 1);
 }
 
-TEST_F(InterruptionTest, TellsTheDeviceThatTheCommandSpokeTo) {
+TEST_F(InterruptionTest, NamesTheDeviceThatTheCommandUsed) {
   EXPECT_EQ(interruption_.device(), std::nullopt);
   interruption_.speakTo("tcp:192.0.2.10:9100");
   interruption_.interrupt(ExitCode::Interrupted);
@@ -117,7 +117,7 @@ TEST_F(InterruptionTest, EndsASleepOfAnExchange) {
   EXPECT_EQ(givenUp_, 0);
 }
 
-TEST_F(InterruptionTest, EndsEverySleepThatComesAfterIt) {
+TEST_F(InterruptionTest, EndsEveryLaterSleep) {
   interruption_.beginExchange();
   interruption_.interrupt(ExitCode::Interrupted);
   EXPECT_THROW(interruption_.sleep(1h), Interrupted);
@@ -133,7 +133,7 @@ TEST_F(InterruptionTest, EndsAnExchangeThatNeverSleeps) {
   EXPECT_NO_THROW(interruption_.check());
 }
 
-TEST_F(InterruptionTest, LetsWhatMustBeDoneAtTheEndSleep) {
+TEST_F(InterruptionTest, DoesNotEndTheSleepsOfTheFinalSteps) {
   interruption_.beginExchange();
   interruption_.interrupt(ExitCode::Interrupted);
   interruption_.end();

@@ -25,12 +25,12 @@ class Places(Case):
         place = json.loads(process.stdout.readline())["listening"][0]
         self.assertExit(0, run("-d", place, "online"))
 
-    def test_only_this_machine_reaches_it_unless_told_otherwise(self):
+    def test_only_this_machine_reaches_it_by_default(self):
         for listen in ("tcp:", "tcp:0"):
             self.assertTrue(self.simulator(listen).place.startswith("tcp:127.0.0.1:"))
         self.assertTrue(self.simulator("tcp:0.0.0.0:0").place.startswith("tcp:0.0.0.0:"))
 
-    def test_a_place_that_is_none_is_refused_with_those_there_are(self):
+    def test_an_invalid_place_is_refused_with_the_valid_ones(self):
         for wrong in ("", "tcp::", "tcp:x", "tcp:h:65536", "tcp:a:b:1", "usb:1", "pty:x", "unix:", "unix:/a,b=c",
                       "unix:/" + "x" * 200, "tcp:127.0.0.1:-1"):
             result = run("simulate", "--listen", wrong)
@@ -60,13 +60,13 @@ class Places(Case):
         self.assertExit(1, run("simulate", "--listen", place))
         self.assertExit(0, run("-d", place, "online"))
 
-    def test_a_socket_whose_listener_is_gone_is_replaced(self):
+    def test_a_socket_without_a_listener_is_replaced(self):
         place = f"unix:{self.folder}/printer"
         self.simulator(place).kill()
         self.assertTrue((self.folder / "printer").exists())
         self.assertExit(0, run("-d", self.simulator(place).place, "online"))
 
-    def test_its_sockets_are_gone_with_it(self):
+    def test_it_removes_its_sockets_at_its_end(self):
         for by in (signal.SIGTERM, signal.SIGHUP):
             simulator = self.simulator(f"unix:{self.folder}/printer", "--control", f"unix:{self.folder}/control")
             self.assertEqual(simulator.stop(by), 0)
@@ -76,7 +76,7 @@ class Places(Case):
         self.simulator("tcp:0", "--control", f"unix:{self.folder}/control")
         self.assertEqual(stat.S_IMODE(os.stat(self.folder / "control").st_mode), 0o600)
 
-    def test_settings_that_are_none_are_refused(self):
+    def test_invalid_settings_are_refused(self):
         for wrong, saying in [("coverOpen", "KEY=VALUE"), ("coverOpen=1", "true or false"), ("x=1", "firmware"),
                               ("late-reply=x", "MS"), ("speed=-1", "bytes a second")]:
             result = run("simulate", "--listen", "tcp:0", "--set", wrong)
@@ -125,7 +125,7 @@ class Ending(Case):
         process.send_signal(signal.SIGINT)
         self.assertEqual(process.wait(DEADLINE), 0)
 
-    def test_it_outlives_its_terminal_where_that_is_wanted(self):
+    def test_it_outlives_its_terminal_if_that_is_wanted(self):
         def ignore():
             signal.signal(signal.SIGHUP, signal.SIG_IGN)
 
@@ -172,7 +172,7 @@ class Hosts(Case):
         for listen in ("tcp:", f"unix:{self.folder}/printer", "pty:"):
             yield self.simulator(listen, *arguments)
 
-    def test_a_host_that_leaves_a_printer_that_stands_still_makes_way_for_the_next(self):
+    def test_a_host_that_leaves_a_stopped_printer_makes_way_for_the_next(self):
         for simulator in self.everywhere("--set", "coverOpen=true", "--set", "buffer=100"):
             for _ in range(3):
                 self.leave_behind(simulator, b"x" * 93000)
@@ -196,7 +196,7 @@ class Hosts(Case):
             self.assertExit(0, result)
             self.assertIn("cover open", result.out)
 
-    def test_a_host_that_stays_keeps_its_place_and_all_its_data_while_another_waits(self):
+    def test_a_host_keeps_its_place_and_its_data_while_another_waits(self):
         simulator = self.simulator("tcp:", "--set", "coverOpen=true", "--set", "buffer=1000")
         with simulator.connect() as first, simulator.connect() as second:
             first.sendall(b"x" * 300_000)
@@ -207,7 +207,7 @@ class Hosts(Case):
             first.close()
             self.assertEqual(len(receive(second, 9)), 9)
 
-    def test_what_a_host_sent_before_it_left_is_printed_where_nobody_else_comes(self):
+    def test_the_data_of_a_host_that_left_is_printed_if_no_other_connects(self):
         for simulator in self.everywhere("--set", "coverOpen=true", "--set", "buffer=100"):
             sent = self.leave_behind(simulator, b"x" * 2000)
             self.assertEqual(sent, 2000)
@@ -259,7 +259,7 @@ class Hosts(Case):
         simulator.set(offline=False)
         self.assertExit(0, run("-d", simulator.place, "online"))
 
-    def test_a_hundred_connections_leave_no_descriptor_behind(self):
+    def test_a_hundred_connections_leave_no_descriptor(self):
         for listen in ("tcp:0", f"unix:{self.folder}/printer"):
             simulator = self.simulator(listen)
             simulator.state()
@@ -273,7 +273,7 @@ class Hosts(Case):
                         self.assertEqual(len(receive(host, 9)), 9)
             eventually(lambda: simulator.descriptors() == before, "all descriptors are closed")
 
-    def test_a_hundred_users_of_a_terminal_leave_no_descriptor_behind(self):
+    def test_a_hundred_users_of_a_terminal_leave_no_descriptor(self):
         simulator = self.simulator("pty:")
         simulator.state()
         before = simulator.descriptors()
@@ -306,7 +306,7 @@ class Hosts(Case):
 
 
 class DroppedLinks(Case):
-    def test_a_cut_link_is_closed_after_what_came_before(self):
+    def test_a_cut_link_is_closed_after_the_earlier_bytes(self):
         simulator = self.simulator("tcp:0", "--set", "cut-after-in=6:drain")
         with simulator.connect() as host:
             host.sendall(STATUS_REQUEST * 2 + b"more")
@@ -320,7 +320,7 @@ class DroppedLinks(Case):
             with self.assertRaises(ConnectionResetError):
                 receive(host, 100)
 
-    def test_a_terminal_that_dropped_its_user_comes_back_under_a_name_that_is_said(self):
+    def test_a_terminal_that_dropped_its_user_is_replaced_and_its_name_reported(self):
         simulator = self.simulator("pty:", "--set", "cut-after-in=3:drain")
         terminal = os.open(simulator.place.removeprefix("serial:"), os.O_RDWR | os.O_NOCTTY)
         os.write(terminal, STATUS_REQUEST)
@@ -403,7 +403,7 @@ class Receipts(Case):
         eventually(lambda: len(self.names()) == 4, "both receipts are written")
         self.assertEqual((self.text(1), self.text(2)), ("first\n", "second, without an end\n"))
 
-    def test_on_a_connection_that_stays_a_cut_ends_a_job(self):
+    def test_on_a_connection_that_remains_a_cut_ends_a_job(self):
         simulator = self.serve()
         with simulator.connect() as host:
             for count in (1, 2):
@@ -411,7 +411,7 @@ class Receipts(Case):
                 eventually(lambda: len(self.names()) == 2 * count, "the receipt is written")
                 self.assertIn(f"job {count}", self.text(count))
 
-    def test_what_is_on_the_paper_at_the_end_is_kept(self):
+    def test_the_last_paper_is_kept_at_the_end(self):
         simulator = self.serve()
         with simulator.connect() as host:
             host.sendall(b"half a job\n" + STATUS_REQUEST)
@@ -419,7 +419,7 @@ class Receipts(Case):
             self.assertEqual(simulator.stop(signal.SIGTERM), 0)
         self.assertIn("half a job", self.text(1))
 
-    def test_numbers_go_on_from_those_that_are_there(self):
+    def test_numbers_continue_after_existing_ones(self):
         (self.folder / "out").mkdir()
         (self.folder / "out" / "receipt-0041.txt").write_text("older")
         simulator = self.serve()
@@ -435,7 +435,7 @@ class Receipts(Case):
             peak = next(int(line.split()[1]) for line in file if line.startswith("VmHWM"))
         self.assertLess(peak, 64 << 10, "kilobytes")
 
-    def test_the_pieces_of_a_paper_that_grew_too_long_are_receipts(self):
+    def test_the_pieces_of_a_paper_that_is_too_long_are_receipts(self):
         simulator = self.serve()
         count = 120_000
         with simulator.connect() as host:
@@ -504,7 +504,7 @@ class Records(Case):
                                   "codePages": [], "asked": [], "unknown": [], "missing": []})
         self.assertEqual(code, 0)
 
-    def test_what_is_not_ink_is_counted(self):
+    def test_cuts_pulses_and_beeps_are_counted(self):
         job = b"\x1bt\x13a\n\x1bp\0\x19\xfa\x10\x14\1\0\1\x1bB\2\3\x1b(A\4\0\x30\1\1\1\x1dV\0b\n\x1dV\1"
         record, _, _ = self.record_of(job)
         self.assertEqual((record["cuts"], record["drawer"], record["beeps"], record["codePages"]), (2, 2, 2, [19]))

@@ -18,7 +18,7 @@ class Turns(Case):
         self.assertIn("another job is on this printer: waiting", second.err)
         self.assertExit(0, finish(first, time.monotonic()))
 
-    def test_a_job_whose_turn_does_not_come_is_refused(self):
+    def test_a_job_that_waits_too_long_for_its_turn_is_refused(self):
         simulator = self.simulator("tcp:0", "--set", "speed=2")
         job = self.file("receipt", RECEIPT)
         first = start("-d", simulator.place, "print", job)

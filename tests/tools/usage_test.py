@@ -24,7 +24,7 @@ class Usage(Case):
             self.assertExit(0, result)
             self.assertIn(f"quorport {command}", result.out)
 
-    def test_the_help_of_a_command_says_where_the_global_options_are(self):
+    def test_the_help_of_a_command_names_the_place_of_the_global_options(self):
         for command in set(COMMANDS) - {"help"}:
             self.assertIn("--device and --json, are taken here as well: quorport --help", run(command, "--help").out)
 
@@ -32,7 +32,7 @@ class Usage(Case):
         self.assertExit(2, run("doctor"))
         self.assertRegex(run("doctor", "--help").out, r"Without one there is\s+nothing to look at, and the exit status is 2")
 
-    def test_the_help_of_print_says_what_an_unchecked_job_comes_to(self):
+    def test_the_help_of_print_names_the_outcome_of_an_unchecked_job(self):
         self.assertIn("unconfirmed at best", " ".join(run("-d", "virtual:", "print", "--help").out.split()))
 
     def test_the_version_is_one_line(self):
@@ -51,7 +51,7 @@ class Usage(Case):
     def test_an_unknown_option_is_named(self):
         self.assertFailsInBothForms(2, "status", "--tiemout", "3", saying="--tiemout")
 
-    def test_who_mistypes_a_name_is_asked_whether_another_was_meant(self):
+    def test_a_mistyped_name_is_answered_with_a_similar_one(self):
         for arguments, meant in ((("statsu",), "status"), (("firm",), "firmware"), (("help", "prnt"), "print"),
                                  (("--tiemout=3", "online"), "--timeout"), (("online", "--devcie", "x"), "--device"),
                                  (("print", "-", "--reciept", "a.txt"), "--receipt")):
@@ -63,7 +63,7 @@ class Usage(Case):
         self.assertFailsInBothForms(2, "--end-timeout", "2000", "print", "-", saying='"--end-timeout" belongs after the command print')
         self.assertFailsInBothForms(2, "-v", "status", saying='"-v" belongs after the command status')
 
-    def test_words_that_were_not_expected_are_told_in_their_order(self):
+    def test_unexpected_words_are_named_in_their_order(self):
         self.assertFailsInBothForms(2, "status", "a", "b", "c", saying='"a", "b", "c"')
 
     def test_help_is_a_command_as_well(self):
@@ -89,7 +89,7 @@ class Usage(Case):
     def test_print_needs_a_file(self):
         self.assertFailsInBothForms(2, "print", saying="FILE")
 
-    def test_a_time_that_is_none_is_refused_with_the_values_it_takes(self):
+    def test_an_invalid_time_is_refused_with_the_valid_values(self):
         for wrong in ("abc", "-1", "4294967296", "1.5", "", "0x10", "99999999999999999999"):
             result = self.assertFailsInBothForms(2, "online", "--timeout", wrong, saying="4294967295")
             self.assertIn("--timeout", result.err)
@@ -114,7 +114,7 @@ class Usage(Case):
     def test_a_receipt_is_a_picture_or_a_text(self):
         self.assertFailsInBothForms(2, "print", "-", "--receipt", "a.pdf", saying=".png or .txt")
 
-    def test_a_device_that_is_none_is_refused_with_what_is_right(self):
+    def test_an_invalid_device_is_refused_with_the_right_form(self):
         for spec, saying in [
             ("udp:h:1", "tcp:HOST:PORT"),
             ("kitchen:9100", "tcp:kitchen:9100"),
@@ -146,10 +146,10 @@ class Usage(Case):
     def test_a_value_may_be_empty(self):
         self.assertExit(0, run("online", "--settings=", "--settings", ""))
 
-    def test_a_device_does_not_swallow_the_command_behind_it(self):
+    def test_a_device_does_not_swallow_the_command_after_it(self):
         self.assertExit(0, run("-d", "virtual:A", "-d", "virtual:B", "online"))
 
-    def test_what_stands_behind_a_double_dash_is_no_option(self):
+    def test_a_word_after_a_double_dash_is_no_option(self):
         odd = self.file("--json", b"text\n")
         result = run("-d", "virtual:", "print", "--", os.path.basename(odd), cwd=self.folder)
         self.assertExit(0, result)
@@ -168,7 +168,7 @@ class Usage(Case):
             self.assertLess(len(result.err), 2000)
             self.assertIs(run("-p", name, "online", "--json").json()["ok"], False)
 
-    def test_port_names_that_are_too_short_match_nothing_and_are_told_as_that(self):
+    def test_port_names_that_are_too_short_match_nothing_and_are_reported(self):
         for name in ("", "B", "BT"):
             self.assertFailsInBothForms(3, "-p", name, "online", saying="shorter than its prefix of three characters")
 
@@ -194,7 +194,7 @@ class StandardStreams(Case):
                 self.assertExit(1, result)
                 self.assertIn("standard output", result.err)
 
-    def test_what_was_printed_stays_printed_when_nobody_can_read_it(self):
+    def test_a_printed_job_remains_printed_if_nobody_reads_the_answer(self):
         with open("/dev/full", "wb") as full:
             result = run("-d", "virtual:", "print", "-", data=b"text\n", stdout=full)
         self.assertExit(0, result)

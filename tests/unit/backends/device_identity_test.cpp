@@ -14,7 +14,7 @@ std::string identityOf(const std::string& text) {
   return deviceIdentity(parseDeviceSpec(text));
 }
 
-TEST(DeviceIdentity, IsTheSchemeAndThePlaceWhateverTheKeys) {
+TEST(DeviceIdentity, IsTheSchemeAndThePlaceForAllKeys) {
   EXPECT_EQ(identityOf("tcp:192.0.2.10:9100,name=Kitchen"), "tcp:192.0.2.10:9100");
   EXPECT_NE(identityOf("tcp:192.0.2.10:9100"), identityOf("tcp:192.0.2.10:9101"));
 }
@@ -23,7 +23,7 @@ TEST(DeviceIdentity, OfAHostKnowsNoCapitals) {
   EXPECT_EQ(identityOf("tcp:Till-1.Shop:9100"), identityOf("tcp:till-1.shop:9100"));
 }
 
-TEST(DeviceIdentity, OfAPathIsThatOfTheFileBehindEveryLink) {
+TEST(DeviceIdentity, OfAPathIsThatOfTheFileAtTheEndOfAllLinks) {
   const test::TemporaryFolder folder;
   std::ofstream(folder.file("ttyUSB0")) << "";
   std::filesystem::create_symlink(folder.file("ttyUSB0"), folder.file("printer"));

@@ -50,7 +50,7 @@ TEST(DeviceSpec, ThePrinterThatIsBuiltInNeedsNoPlaceAndHasANameOfItsOwn) {
   EXPECT_EQ(spec.identity.name, "virtual printer");
 }
 
-TEST(DeviceSpec, PresentsAPrinterOfTheMakersOwnUnlessToldOtherwise) {
+TEST(DeviceSpec, PresentsAPrinterOfTheMakerByDefault) {
   const AccessoryIdentity identity = parseDeviceSpec("unix:p").identity;
   EXPECT_EQ(identity.manufacturer, "quor dalvane");
   EXPECT_THAT(identity.protocolStrings, ElementsAre("com.quordalvane.receipt"));
@@ -160,7 +160,7 @@ TEST(DeviceSpec, APathWhoseNameShowsItsKindNeedsNoScheme) {
   }
 }
 
-TEST(DeviceSpec, AUsbPrinterTakesAnyPlaceOrNone) {
+TEST(DeviceSpec, AUsbPrinterTakesAnyPlaceAndAnEmptyOne) {
   for (const char* place : {"", "S 1/7", "04b8:0202", "/dev/usb/lp0"}) {
     EXPECT_EQ(parseDeviceSpec("usb:"s + place).place, place);
   }
@@ -168,14 +168,14 @@ TEST(DeviceSpec, AUsbPrinterTakesAnyPlaceOrNone) {
   EXPECT_THAT(failure("usb:,baud=9600"), HasSubstr("\"baud\""));
 }
 
-TEST(DeviceSpec, WhatATextWithoutASchemeMayMeanIsOffered) {
+TEST(DeviceSpec, AMeaningIsOfferedForATextWithoutAScheme) {
   EXPECT_THAT(failure("/run/printer"),
               AllOf(HasSubstr("\"unix:/run/printer\""), HasSubstr("\"serial:/run/printer\"")));
   EXPECT_THAT(failure("kitchen:9100"), HasSubstr("perhaps \"tcp:kitchen:9100\""));
   EXPECT_THAT(failure("tcp"), testing::Not(HasSubstr("perhaps")));
 }
 
-TEST(Schemes, EachHasWhatAHelpTextAndADoctorSay) {
+TEST(Schemes, EachHasItsHelpTextAndItsAdvice) {
   for (const Scheme* const scheme : schemes()) {
     EXPECT_EQ(findScheme(scheme->name), scheme);
     EXPECT_NE(scheme->about, "") << scheme->name;
@@ -261,7 +261,7 @@ TEST(DeviceSpec, ABackslashAtTheEndIsAnError) {
   EXPECT_THAT(failure(R"(unix:p,name=\\\)"), HasSubstr("backslash"));
 }
 
-TEST(DeviceSpec, APlaceThatCannotBeIsAnErrorThatSaysWhatCan) {
+TEST(DeviceSpec, TheErrorOfAnInvalidPlaceNamesTheValidOnes) {
   for (const std::string& wrong :
        {""s, "h"s, "h:"s, ":1"s, "h:0"s, "h:65536"s, "h:-1"s, "h:1 "s, "h h:1"s, "::1:9100"s,
         "[]:1"s, "h\0i:1"s, "h:1\0"s, std::string(254, 'h') + ":1"}) {

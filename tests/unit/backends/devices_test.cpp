@@ -41,7 +41,7 @@ TEST(Devices, AccessoriesWithoutAnIdentifierAreNumbered) {
   EXPECT_EQ(make("serial:/a")->connectionID(), first + 2);
 }
 
-TEST(Devices, AnAccessoryThatCannotBeReachedOpensNoSessionAndTellsWhy) {
+TEST(Devices, AnUnreachableAccessoryOpensNoSessionAndGivesTheReason) {
   for (const std::string place : {"/none/there", "/tmp"}) {
     for (const std::string scheme : {"unix:", "serial:"}) {
       const auto accessory = make(scheme + place);

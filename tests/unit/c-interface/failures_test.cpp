@@ -26,7 +26,7 @@ TEST(CInterface, GivesEachKindOfExceptionItsCode) {
   EXPECT_EQ(codeOf(7), QUOR_UNEXPECTED);
 }
 
-TEST(CInterface, TellsTheTextOfAnExceptionWhole) {
+TEST(CInterface, KeepsTheWholeTextOfAnException) {
   codeOf(PortException("the link is lost"));
   EXPECT_STREQ(quor_last_error(), "the link is lost");
 }

@@ -8,7 +8,7 @@
 namespace quordalvane {
 namespace {
 
-TEST(ShownText, IsPrintableWhateverADeviceSays) {
+TEST(ShownText, IsPrintableForEveryTextOfADevice) {
   EXPECT_EQ(shownText("XQ700"), "XQ700");
   for (const std::string& text : {std::string("\x1b[2J"), std::string("\xff\xfe"),
                                   std::string("a\0b", 3), std::string("\n")}) {
@@ -27,7 +27,7 @@ TEST(ShownText, IsShortAndEndsWithAWholeCharacter) {
   EXPECT_EQ(shownText(std::string(100, 'x')), std::string(100, 'x'));
 }
 
-TEST(DeviceText, IsReadBackWhateverThePlaceHolds) {
+TEST(DeviceText, IsReadBackForEveryPlace) {
   for (const std::string place : {"S 1/7", "a,b", "a\\b", "\\", ",baud=9600"}) {
     EXPECT_EQ(parseDeviceSpec(deviceText("usb", place)).place, place);
   }

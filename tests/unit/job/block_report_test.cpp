@@ -19,13 +19,13 @@ TEST(BlockReport, IsSeenHoweverItIsCut) {
   }
 }
 
-TEST(BlockReport, ThatLacksItsEndIsNone) {
+TEST(BlockReport, WithoutItsEndIsIgnored) {
   BlockReport report;
   report.feed(Bytes{0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00, 0x01});
   EXPECT_FALSE(report.lastCount());
 }
 
-TEST(BlockReport, WithAnotherByteInItIsNone) {
+TEST(BlockReport, WithAnotherByteInItIsIgnored) {
   for (std::size_t place : {1U, 2U, 3U, 4U, 5U, 7U}) {
     Bytes bytes = {0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00, 0x01, 0x00};
     bytes[place] ^= 0x40;
@@ -35,7 +35,7 @@ TEST(BlockReport, WithAnotherByteInItIsNone) {
   }
 }
 
-TEST(BlockReport, TellsTheLastOfSeveralCounts) {
+TEST(BlockReport, GivesTheLastOfSeveralCounts) {
   BlockReport report;
   report.feed(Bytes{0x1b, 0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00, 0x01, 0x00});
   EXPECT_EQ(report.lastCount(), 1);

@@ -18,7 +18,7 @@ class Cancelling : public testing::TestWithParam<ZKEmulation> {};
 INSTANTIATE_TEST_SUITE_P(Job, Cancelling, testing::Values(ZKEmulationQuorLine, ZKEmulationESCPOS),
                          emulationName);
 
-TEST_P(Cancelling, ACancelledJobTellsThePrinterToDropTheRestAndClosesThePort) {
+TEST_P(Cancelling, ACancelledJobMakesThePrinterDropTheRestAndClosesThePort) {
   const ByteBuffer data(5000, 'x');
   Till till(PrinterBuilder().speed(200), {.emulation = GetParam()});
   PrintJob job(till.port);
@@ -74,7 +74,7 @@ TEST_P(Cancelling, AJobIsCancelledAlsoWhileThePortWritesWithoutEnd) {
   EXPECT_EQ(job.run(receiptText).outcome, PrintOutcome::Refused);
 }
 
-TEST_P(Cancelling, AJobIsCancelledAlsoWhileThePortOffersWithoutEndWhatTheLinkDoesNotTake) {
+TEST_P(Cancelling, AJobIsCancelledEvenWhileThePortRepeatsAWriteWithoutEnd) {
   Till till(GetParam());
   till.port->close();
   simulator::Faults full = with("no-space", "4:120");

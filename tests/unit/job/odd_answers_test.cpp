@@ -54,7 +54,7 @@ TEST(OddAnswers, ThatAreOwedForeverRefuseTheJob) {
   EXPECT_EQ(result.reason, "the printer has not answered all that it was asked");
 }
 
-TEST(OddAnswers, ThatCameTwiceAreNotTakenForTheNextOne) {
+TEST(OddAnswers, ThatArriveTwiceAreNotTakenForTheNextOne) {
   const auto fresh = bytes("89 01 00 00 00 00 00 00 05");
   Script script;
   script.whenAsked(statusRequest, {{fresh, 0.0}, {fresh, 0.0}});
@@ -106,7 +106,7 @@ TEST(OddAnswers, OfAPrinterThatWasOffLineForAMomentOnlyConfirmNothing) {
             "end of the job after all 8 bytes");
 }
 
-TEST(OddAnswers, ThatAreNoneAreToldWithoutATimeThatDidNotPass) {
+TEST(OddAnswers, ThatAreInvalidAreReportedWithoutAWaitingTime) {
   const PrintResult result = printOn(Script());
   EXPECT_EQ(result.outcome, PrintOutcome::Refused);
   EXPECT_EQ(result.reason,

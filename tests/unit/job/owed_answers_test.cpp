@@ -38,7 +38,7 @@ TEST(OwedAnswers, AreCountedOneByOne) {
   EXPECT_FALSE(answers.isAnyOwed());
 }
 
-TEST(OwedAnswers, ThatCameUnaskedPayForNothingOnceForgotten) {
+TEST(OwedAnswers, ThatArrivedUnaskedDoNotCountOnceForgotten) {
   OwedAnswers answers(ZKEmulationQuorLine);
   answers.read(statusBlock);
   answers.written(lineModeRequest);

@@ -106,7 +106,7 @@ std::string nameOf(const testing::TestParamInfo<Command>& info) {
 
 class PrintCommands : public testing::TestWithParam<Command> {};
 
-TEST_P(PrintCommands, EndWhereTheirParametersEndAndHaveNoPayload) {
+TEST_P(PrintCommands, EndAfterTheirParametersAndHaveNoPayload) {
   auto data = GetParam().bytes;
   const std::size_t length = data.size();
   data.insert(data.end(), 16, 'x');
@@ -116,7 +116,7 @@ TEST_P(PrintCommands, EndWhereTheirParametersEndAndHaveNoPayload) {
   EXPECT_FALSE(command->isCounted);
 }
 
-TEST_P(PrintCommands, AreLongerThanWhatIsThereWhenTheirEndIsMissing) {
+TEST_P(PrintCommands, AreLongerThanTheDataIfTheirEndIsMissing) {
   auto data = GetParam().bytes;
   data.pop_back();
   const auto command = printCommandAt(data);

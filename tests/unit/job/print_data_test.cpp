@@ -130,7 +130,7 @@ TEST(ConfirmationObstacle, IsFoundOutsideOfCountedPayloadAlone) {
   }
 }
 
-TEST(ConfirmationObstacle, IsWhatStandsBehindMoreTabStopsThanThereAre) {
+TEST(ConfirmationObstacle, IsFoundAfterTooManyTabStops) {
   const Bytes image = {0x1d, 0x76, 0x30, 0, 1, 0, 1, 0, 0x17};
   for (const int count : {32, 33}) {
     Bytes data = {0x1b, 0x44};
@@ -143,14 +143,14 @@ TEST(ConfirmationObstacle, IsWhatStandsBehindMoreTabStopsThanThereAre) {
   }
 }
 
-TEST(ConfirmationObstacle, SaysWhatItIsAndWhere) {
+TEST(ConfirmationObstacle, NamesItsKindAndItsPlace) {
   Bytes data(1500, 'x');
   data[1204] = 0x17;
   EXPECT_THAT(confirmationObstacle(data, ZKEmulationESCPOS).value_or(""),
               HasSubstr("an end-of-block mark (17), which the printer counts at byte 1,204"));
 }
 
-TEST(ConfirmationObstacle, BehindACommandThatIsNotKnownNamesThatOne) {
+TEST(ConfirmationObstacle, AfterAnUnknownCommandNamesThatCommand) {
   EXPECT_THAT(
       confirmationObstacle(Bytes{'a', 0x1b, 0xff, 'b', 0x17}, ZKEmulationESCPOS).value_or(""),
       HasSubstr("the command at byte 1 is not known"));
@@ -170,7 +170,7 @@ TEST(IsNeverAnswered, IsTrueOfTextImagesAndUsualCommands) {
   }
 }
 
-TEST(IsNeverAnswered, IsFalseOfRequestsAndOfWhatIsNotKnown) {
+TEST(IsNeverAnswered, IsFalseForRequestsAndUnknownCommands) {
   const Bytes answered[] = {
       {'a', 0x10, 0x04, 0x01},
       {0x1d, 0x72, 0x01},
@@ -192,7 +192,7 @@ TEST(IsNeverAnswered, IsFalseOfRequestsAndOfWhatIsNotKnown) {
   EXPECT_FALSE(isNeverAnswered(Bytes((std::size_t{1} << 20U) + 1, 'a')));
 }
 
-TEST(CommandEnd, IsWhereTheCommandAroundAPlaceEnds) {
+TEST(CommandEnd, IsTheEndOfTheCommandAroundAPlace) {
   const Bytes data = {'a',  0x1d, 0x76, 0x30, 0,    1,  0, 2,  0,
                       0x55, 0x55, 'b',  0x1d, 0x6b, 73, 9, 'x'};
   for (std::size_t place : {0U, 1U, 11U, 12U}) {

@@ -16,7 +16,7 @@ class InBothEmulations : public testing::TestWithParam<ZKEmulation> {};
 INSTANTIATE_TEST_SUITE_P(Job, InBothEmulations,
                          testing::Values(ZKEmulationQuorLine, ZKEmulationESCPOS), emulationName);
 
-TEST_P(InBothEmulations, AJobThatCameOutIsPrinted) {
+TEST_P(InBothEmulations, AJobThatIsOnPaperIsPrinted) {
   Till till(GetParam());
   const PrintResult result = till.print(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Printed) << result.reason;
@@ -74,7 +74,7 @@ TEST_P(InBothEmulations, ALongJobOnASlowPrinterWithASmallBufferIsPrintedOnceAndW
   EXPECT_EQ(till.printed(), data);
 }
 
-TEST_P(InBothEmulations, AnOpenCoverRefusesTheJobAndNothingOfItGoesOut) {
+TEST_P(InBothEmulations, AnOpenCoverRefusesTheJobAndNoByteOfItIsSent) {
   Till till(PrinterBuilder().coverOpen(), {.emulation = GetParam()});
   const PrintResult result = till.print(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Refused);
@@ -108,7 +108,7 @@ TEST_P(InBothEmulations, AJobThatPrintsLongerThanTheEndTimeoutIsUnconfirmed) {
   EXPECT_EQ(result.reason, "no confirmation within 3 s after all 45 bytes");
 }
 
-TEST_P(InBothEmulations, AJobWhoseEndIsNotAnsweredTellsNoStatusFromBeforeIt) {
+TEST_P(InBothEmulations, AJobWithoutAnAnswerToItsEndReportsNoEarlierStatus) {
   Till till(PrinterBuilder().speed(10), {.emulation = GetParam()});
   till.port->close();
   till.accessory->setFaults(with("at", "2000:drop-reply=all"));
@@ -143,7 +143,7 @@ TEST_P(InBothEmulations, AJobWithAStrayMarkThatWasPrintedSaysWhyItIsNotConfirmed
 
 // The ends of an earlier job are still in the printer, and answers come so late that those to
 // earlier questions pass for the newest one's.
-TEST_P(InBothEmulations, AJobIsNotConfirmedByThoseBeforeItHoweverLateAnswersCome) {
+TEST_P(InBothEmulations, AJobIsNotConfirmedByLateAnswersToEarlierJobs) {
   const ByteBuffer data(520, 'n');
   for (const char* const delay : {"400", "1600", "2000", "4000"}) {
     for (std::size_t size = 40; size <= 90; size += 5) {
@@ -183,7 +183,7 @@ TEST_P(InBothEmulations, AnImageWhosePayloadHoldsAMarkIsAnHonestJob) {
   EXPECT_EQ(till.printed(), data);
 }
 
-TEST_P(InBothEmulations, ALinkLostInMidJobIsToldWithTheExactCount) {
+TEST_P(InBothEmulations, ALinkLostInMidJobIsReportedWithTheExactCount) {
   const ByteBuffer data(3000, 'x');
   Till till(PrinterBuilder().speed(500).buffer(1000), {.emulation = GetParam()});
   till.port->close();
@@ -246,7 +246,7 @@ TEST_P(InBothEmulations, AJobWithoutABlockIsNeverCalledPrinted) {
   EXPECT_EQ(till.printed(), receiptText);
 }
 
-TEST_P(InBothEmulations, ProgressTellsEachStage) {
+TEST_P(InBothEmulations, ProgressReportsEachStage) {
   Till till(GetParam());
   std::vector<std::pair<PrintStage, std::uint64_t>> seen;
   PrintJob job(till.port, {.progress = [&seen](const PrintProgress& progress) {
@@ -282,7 +282,7 @@ TEST(EscPosJob, ThatWasOffLineForAWhileIsNotPrintedWithoutItsReport) {
   EXPECT_LT(till.printed().size(), receiptText.size());
 }
 
-TEST(EscPosJob, WhoseReportCountsAnothersEndTooSaysSo) {
+TEST(EscPosJob, WhoseReportAlsoCountsAnothersEndSaysSo) {
   Till till(ZKEmulationESCPOS);
   PrintJob job(till.port, {.progress = [&till](const PrintProgress& progress) {
                  if (progress.stage == PrintStage::Data && progress.bytesAccepted == 0) {
@@ -317,7 +317,7 @@ TEST(EscPosJob, IsNotConfirmedByTheLateReportOfAnEarlierOne) {
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed) << "printed in no time";
 }
 
-TEST(EscPosJob, IsConfirmedSoonByAReportThatComesInPieces) {
+TEST(EscPosJob, IsConfirmedSoonByAReportInPieces) {
   Till till(ZKEmulationESCPOS);
   for (const char* const places : {"1", "2", "6", "7", "1/2/3/4/5/6/7"}) {
     till.port->close();

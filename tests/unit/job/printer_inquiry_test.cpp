@@ -76,7 +76,7 @@ TEST(PrinterInquiry, TakesNoOtherAnswerForAStatus) {
   }
 }
 
-TEST(PrinterInquiry, TellsSilenceFromALostLink) {
+TEST(PrinterInquiry, DistinguishesSilenceFromALostLink) {
   Asked silent{Script()};
   EXPECT_EQ(causeOf([&] { silent.inquiry.status(); }), InquiryCause::NoAnswer);
   Asked lost(Script().isLost(0.5));

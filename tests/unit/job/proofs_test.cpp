@@ -138,7 +138,7 @@ TEST_P(EndSignProof, IsNotTrustedWithDataThatMakesThePrinterDropData) {
             PrintOutcome::Unconfirmed);
 }
 
-TEST(EscPosAnswers, AreToldApartByTheirWholeFormHoweverTheyArePieced) {
+TEST(EscPosAnswers, AreDistinguishedByTheirWholeFormInAnyPieces) {
   const auto stream = test::bytes(
       "12 10 00 00 00 13 37 22 36 32 11 41 7e 00 05 1b 1d 03 01 00 00 13 00 37 25 00 5f 41 42 00");
   for (std::size_t piece = 1; piece <= stream.size(); ++piece) {

@@ -64,7 +64,7 @@ TEST_F(AJournal, IsMadeWithItsFoldersForThisUserAlone) {
   EXPECT_TRUE(journal.jobs().empty());
 }
 
-TEST_F(AJournal, LiesByDefaultWhereStateLies) {
+TEST_F(AJournal, IsInTheStateFolderByDefault) {
   ::setenv("XDG_STATE_HOME", "/somewhere/state", 1);
   EXPECT_EQ(Journal::defaultFile(), "/somewhere/state/quorport/jobs.db");
   ::setenv("XDG_STATE_HOME", "relative", 1);
@@ -96,7 +96,7 @@ TEST_F(AJournal, OfALaterVersionIsRefusedAndLeftAsItIs) {
   EXPECT_EQ(contentOf(file), before);
 }
 
-TEST_F(AJournal, IsNotMadeOfAFileThatIsNone) {
+TEST_F(AJournal, IsNotMadeOfAForeignFile) {
   setContent(file, std::string(5000, 'x'));
   EXPECT_THAT(openError(), AllOf(HasSubstr(file), HasSubstr("not a journal")));
   EXPECT_EQ(contentOf(file), std::string(5000, 'x'));
@@ -107,7 +107,7 @@ TEST_F(AJournal, IsNotMadeOfAFileThatIsNone) {
   EXPECT_THAT(openError(), HasSubstr("another program's database"));
 }
 
-TEST_F(AJournal, ThatCannotBeOpenedIsToldWithItsFileAndWhy) {
+TEST_F(AJournal, ThatCannotBeOpenedIsReportedWithItsFileAndTheReason) {
   std::filesystem::create_directory(file);
   EXPECT_THAT(openError(), HasSubstr(file));
   setContent(folder.file("plain"), "");
@@ -155,13 +155,13 @@ TEST_F(AJournal, ForgetsAJobByItsName) {
   EXPECT_FALSE(print(till, "receipt 1").isRepeated);
 }
 
-TEST_F(AJournal, DoesNotForgetWhatIsBeingPrinted) {
+TEST_F(AJournal, DoesNotForgetAJobThatIsBeingPrinted) {
   Journal journal(file);
   const NamedJob held(journal, request("receipt 1"), receiptText);
   EXPECT_EQ(Journal(file).forget("receipt 1"), Forgetting::BeingPrinted);
 }
 
-TEST_F(AJournal, ForgetsWhatIsOlder) {
+TEST_F(AJournal, ForgetsOlderJobs) {
   Till till(ZKEmulationQuorLine);
   print(till, "receipt 1");
   {

@@ -109,7 +109,7 @@ TEST_P(OnceOnly, AnUnconfirmedNameIsPrintedAgainIfThatIsAskedFor) {
   EXPECT_TRUE(print(till, "receipt 1").isRepeated);
 }
 
-TEST_P(OnceOnly, WhatAProcessLeftInTheMiddleIsUnconfirmedWithThatCause) {
+TEST_P(OnceOnly, AJobThatAProcessAbandonedIsUnconfirmedWithThatCause) {
   dieInTheMiddle("receipt 1");
   const auto next = print(till, "receipt 1");
   EXPECT_EQ(next.result.outcome, PrintOutcome::Unconfirmed);
@@ -151,7 +151,7 @@ TEST_P(OnceOnly, OtherDataUnderTheNameIsAUsageErrorAndSendsNothing) {
   EXPECT_EQ(till.printed(), ByteBuffer());
 }
 
-TEST_P(OnceOnly, BegunIsOnDiskBeforeTheFirstByteGoesOut) {
+TEST_P(OnceOnly, BegunIsOnDiskBeforeTheFirstByteIsSent) {
   Journal journal(file);
   NamedJob named(journal, request("receipt 1"), receiptText);
   std::vector<std::string> seen;
@@ -167,7 +167,7 @@ TEST_P(OnceOnly, BegunIsOnDiskBeforeTheFirstByteGoesOut) {
   EXPECT_EQ(seen, std::vector<std::string>{"it is being printed"});
 }
 
-TEST_P(OnceOnly, WhatIsPrintedByAProcessThatLivesIsWaitedForAndThenTold) {
+TEST_P(OnceOnly, AJobOfALivingProcessIsWaitedForAndThenReported) {
   Journal journal(file);
   const NamedJob held(journal, request("receipt 1"), receiptText);
   int waits = 0;
@@ -214,7 +214,7 @@ TEST_P(OnceOnly, APrinterThatCannotBeReachedIsRecordedAsRefused) {
 INSTANTIATE_TEST_SUITE_P(Emulations, OnceOnly,
                          testing::Values(ZKEmulationQuorLine, ZKEmulationESCPOS), emulationName);
 
-TEST_F(JournalCase, ANameThatIsNoneIsAUsageErrorAndSendsNothing) {
+TEST_F(JournalCase, AnInvalidNameIsAUsageErrorAndSendsNothing) {
   Till till(ZKEmulationQuorLine);
   for (const std::string& name :
        {std::string(), std::string(256, 'n'), std::string("a\nb"), std::string("\x7f"),

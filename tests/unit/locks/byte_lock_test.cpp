@@ -83,7 +83,7 @@ TEST_F(ALock, OfAnotherProcessIsGivenBackAtItsDeath) {
   EXPECT_TRUE(ByteLock::tryTake(file, 7, mode));
 }
 
-TEST_F(ALock, IsWaitedForAndTheWaitIsTold) {
+TEST_F(ALock, IsWaitedForAndTheWaitIsReported) {
   Holder holder(file, 7);
   int waits = 0;
   const auto lock = ByteLock::take(file, 7, mode, 60s, [&] {

@@ -77,7 +77,7 @@ TEST(LogDelivery, GivesEverySinkEveryRecordInOrder) {
   EXPECT_THAT(second->messages(), ElementsAre("a", "b"));
 }
 
-TEST(LogDelivery, DiscardsWhatWasHandedOverBeforeTheFirstSink) {
+TEST(LogDelivery, DiscardsRecordsFromBeforeTheFirstSink) {
   LogDelivery delivery;
   log(delivery, "lost");
   const auto sink = std::make_shared<KeepingSink>();
@@ -87,7 +87,7 @@ TEST(LogDelivery, DiscardsWhatWasHandedOverBeforeTheFirstSink) {
   EXPECT_THAT(sink->messages(), ElementsAre("kept"));
 }
 
-TEST(LogDelivery, DeliversWhatStillWaitsWhenItEnds) {
+TEST(LogDelivery, DeliversQueuedRecordsAtItsEnd) {
   const auto sink = std::make_shared<KeepingSink>();
   {
     LogDelivery delivery;
@@ -106,7 +106,7 @@ TEST(LogDelivery, DeliversWithoutBeingAskedToFlush) {
   arrived.pass();
 }
 
-TEST(LogDelivery, LetsNoCallerWaitForASinkAndTellsInTheStreamHowManyWereDropped) {
+TEST(LogDelivery, MakesNoCallerWaitForASinkAndReportsDropsInTheStream) {
   LogDelivery delivery;
   const auto sink = std::make_shared<HangingSink>();
   delivery.setQueueCapacity(3);
@@ -128,7 +128,7 @@ TEST(LogDelivery, LetsNoCallerWaitForASinkAndTellsInTheStreamHowManyWereDropped)
   EXPECT_EQ(delivery.counts().dropped, 2U);
 }
 
-TEST(LogDelivery, TellsDropsByAnErrorRecordOfTheTimeOfTheFirst) {
+TEST(LogDelivery, ReportsDropsByAnErrorRecordWithTheTimeOfTheFirst) {
   const auto sink = std::make_shared<HangingSink>();
   LogDelivery delivery;
   delivery.setQueueCapacity(1);
@@ -248,7 +248,7 @@ TEST(LogDelivery, IgnoresTheRemovalOfASinkThatWasNeverAdded) {
   EXPECT_THAT(sink->messages(), ElementsAre("a"));
 }
 
-TEST(LogDelivery, ReportsAFailingSinkOnceAndGoesOnWithTheOthers) {
+TEST(LogDelivery, ReportsAFailingSinkOnceAndContinuesWithTheOthers) {
   const test::RedirectedStandardError redirected;
   LogDelivery delivery;
   const auto healthy = std::make_shared<KeepingSink>();

@@ -57,7 +57,7 @@ TEST_F(LogQueueTest, IsTakenWholeAndInOrder) {
   EXPECT_THAT(messages(take()), ElementsAre("c"));
 }
 
-TEST_F(LogQueueTest, DropsWhatFindsItFullAndCountsEachDrop) {
+TEST_F(LogQueueTest, DropsRecordsWhileFullAndCountsEachDrop) {
   queue_.setCapacity(2);
   queue_.open();
   for (const char* message : {"a", "b", "c", "d", "e"}) {
@@ -70,7 +70,7 @@ TEST_F(LogQueueTest, DropsWhatFindsItFullAndCountsEachDrop) {
   EXPECT_EQ(queue_.counts().dropped, 3U);
 }
 
-TEST_F(LogQueueTest, TellsTheTimeOfTheFirstDrop) {
+TEST_F(LogQueueTest, KeepsTheTimeOfTheFirstDrop) {
   queue_.setCapacity(1);
   queue_.open();
   for (const auto second : {1s, 2s, 3s}) {
@@ -81,7 +81,7 @@ TEST_F(LogQueueTest, TellsTheTimeOfTheFirstDrop) {
   EXPECT_EQ(take().firstDropTime.time_since_epoch(), 2s);
 }
 
-TEST_F(LogQueueTest, TellsADropInTheBatchThatItFollowsAndInNoOther) {
+TEST_F(LogQueueTest, CountsADropOnlyInTheBatchThatItFollows) {
   queue_.setCapacity(1);
   queue_.open();
   push("a");
@@ -91,7 +91,7 @@ TEST_F(LogQueueTest, TellsADropInTheBatchThatItFollowsAndInNoOther) {
   EXPECT_EQ(take().dropped, 0U);
 }
 
-TEST_F(LogQueueTest, StaysFullUntilItIsTaken) {
+TEST_F(LogQueueTest, RemainsFullUntilItIsTaken) {
   queue_.setCapacity(1);
   queue_.open();
   push("a");
@@ -103,7 +103,7 @@ TEST_F(LogQueueTest, StaysFullUntilItIsTaken) {
   EXPECT_EQ(batch.dropped, 2U);
 }
 
-TEST_F(LogQueueTest, KeepsWhatWaitsWhenTheCapacityFallsBelowIt) {
+TEST_F(LogQueueTest, KeepsQueuedRecordsBeyondASmallerCapacity) {
   queue_.open();
   push("a");
   push("b");
@@ -132,7 +132,7 @@ TEST_F(LogQueueTest, RefusesACapacityOfZeroOrBeyondTheMaximumWhetherOpenOrNot) {
   }
 }
 
-TEST_F(LogQueueTest, Holds8192RecordsUnlessToldOtherwise) {
+TEST_F(LogQueueTest, Holds8192RecordsByDefault) {
   queue_.open();
   for (int count = 0; count < 8193; ++count) {
     push("");
@@ -141,7 +141,7 @@ TEST_F(LogQueueTest, Holds8192RecordsUnlessToldOtherwise) {
   EXPECT_EQ(take().records.size(), 8192U);
 }
 
-TEST_F(LogQueueTest, IsFullWhenItsMessagesHoldTooMuchTextHoweverFewTheyAre) {
+TEST_F(LogQueueTest, IsFullWhenAFewMessagesHoldTooMuchText) {
   queue_.open();
   push(std::string(LogQueue::textLimit, 'x'));
   push("dropped");
@@ -162,7 +162,7 @@ TEST_F(LogQueueTest, HoldsMoreFromTheMomentThatItsCapacityGrows) {
   EXPECT_THAT(messages(take()), ElementsAre("a", "b", "c"));
 }
 
-TEST_F(LogQueueTest, CountsWhatIsLostAsFinishedAndAsDropped) {
+TEST_F(LogQueueTest, CountsLostRecordsAsFinishedAndAsDropped) {
   queue_.open();
   push("a");
   take();
@@ -171,7 +171,7 @@ TEST_F(LogQueueTest, CountsWhatIsLostAsFinishedAndAsDropped) {
   EXPECT_EQ(queue_.counts().dropped, 1U);
 }
 
-TEST_F(LogQueueTest, WakesWhoWaitsUntilItIsFinishedWhetherARecordIsGivenOutOrLost) {
+TEST_F(LogQueueTest, WakesAWaiterWhenARecordIsDeliveredOrLost) {
   queue_.open();
   for (const bool isLost : {false, true}) {
     push("a");
@@ -242,7 +242,7 @@ TEST(GatheringLogQueue, IsTakenWhenItIsClosed) {
   EXPECT_TRUE(queue.waitUntilFinished(patience));
 }
 
-TEST_F(LogQueueTest, GivesOutWhatWaitsAfterItIsClosedAndThenEnds) {
+TEST_F(LogQueueTest, GivesOutQueuedRecordsAfterItsCloseAndThenEnds) {
   queue_.open();
   push("a");
   queue_.close();

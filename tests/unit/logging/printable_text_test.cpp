@@ -76,7 +76,7 @@ TEST(PrintableText, EscapesQuotationMarksAndBackslashesForJson) {
   EXPECT_EQ(json(R"(a"b\c)"), R"("a\"b\\c")");
 }
 
-TEST(PrintableText, LetsNoControlByteThroughWhateverTwoBytesComeTogether) {
+TEST(PrintableText, PassesNoControlByteOfAnyTwoBytes) {
   for (unsigned pair = 0; pair < 0x10000; ++pair) {
     const std::string text{static_cast<char>(pair >> 8U), static_cast<char>(pair & 0xFFU)};
     for (const std::string& shown : {printable(text), json(text)}) {
@@ -88,7 +88,7 @@ TEST(PrintableText, LetsNoControlByteThroughWhateverTwoBytesComeTogether) {
   }
 }
 
-TEST(PrintableText, AppendsBehindWhatIsThere) {
+TEST(PrintableText, AppendsToTheText) {
   std::string out = "x";
   appendPrintable(out, "y");
   appendJsonString(out, "z");

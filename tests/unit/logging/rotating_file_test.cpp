@@ -71,7 +71,7 @@ TEST_F(RotatingFileTest, RotatesAtOnceHoweverManyFilesAreToBeKept) {
   EXPECT_EQ(contents(".2"), "aaa\n");
 }
 
-TEST_F(RotatingFileTest, MovesNoFileBehindAFreeNumber) {
+TEST_F(RotatingFileTest, MovesNoFileAfterAFreeNumber) {
   std::ofstream(path_ + ".2") << "old\n";
   RotatingFile file(path_, {.maximumBytes = 4, .keptFiles = 3});
   put(file, {"aaa\n", "bbb\n"});
@@ -80,7 +80,7 @@ TEST_F(RotatingFileTest, MovesNoFileBehindAFreeNumber) {
   EXPECT_FALSE(exists(".3"));
 }
 
-TEST_F(RotatingFileTest, KeepsNoOldFileWhenNoneIsWanted) {
+TEST_F(RotatingFileTest, KeepsNoOldFileIfZeroAreWanted) {
   RotatingFile file(path_, {.maximumBytes = 4, .keptFiles = 0});
   put(file, {"aaa\n", "bbb\n"});
   EXPECT_EQ(contents(), "bbb\n");
@@ -93,7 +93,7 @@ TEST_F(RotatingFileTest, GrowsForEverWhenTheMaximumIsZero) {
   EXPECT_EQ(contents(), "aaa\nbbb\n");
 }
 
-TEST_F(RotatingFileTest, GivesALineThatIsTooLongAFileOfItsOwn) {
+TEST_F(RotatingFileTest, WritesALineThatIsTooLongToAFileOfItsOwn) {
   RotatingFile file(path_, {.maximumBytes = 4, .keptFiles = 5});
   put(file, {"a\n", "bbbbbbbb\n", "c\n"});
   EXPECT_EQ(contents(".2"), "a\n");
@@ -108,7 +108,7 @@ TEST_F(RotatingFileTest, KeepsNoEmptyFileWhenItsFirstLineIsTooLong) {
   EXPECT_FALSE(exists(".1"));
 }
 
-TEST_F(RotatingFileTest, CountsWhatTheFileHeldBefore) {
+TEST_F(RotatingFileTest, CountsTheEarlierContentOfTheFile) {
   std::ofstream(path_) << "aaa\n";
   RotatingFile file(path_, {.maximumBytes = 6, .keptFiles = 5});
   put(file, {"bbb\n"});
@@ -116,7 +116,7 @@ TEST_F(RotatingFileTest, CountsWhatTheFileHeldBefore) {
   EXPECT_EQ(contents(), "bbb\n");
 }
 
-TEST_F(RotatingFileTest, BeginsANewLineBehindATornOne) {
+TEST_F(RotatingFileTest, CompletesATornLineFirst) {
   for (const std::string torn : {"t", "tor"}) {
     std::ofstream(path_) << torn;
     RotatingFile file(path_, {});
@@ -143,7 +143,7 @@ std::ptrdiff_t openDescriptors() {
   return std::ranges::distance(std::filesystem::directory_iterator("/proc/self/fd"));
 }
 
-TEST_F(RotatingFileTest, HoldsOneDescriptorHoweverOftenItRotatesAndNoneAfterItsEnd) {
+TEST_F(RotatingFileTest, HoldsOneDescriptorWhileItRotatesAndNoDescriptorAfterItsEnd) {
   const auto before = openDescriptors();
   {
     RotatingFile file(path_, {.maximumBytes = 4, .keptFiles = 1});
@@ -169,7 +169,7 @@ TEST_F(RotatingFileTest, MakesAFileAnewThatWasMovedAway) {
   EXPECT_EQ(contents(), "two\n");
 }
 
-TEST_F(RotatingFileTest, GoesOnInAnotherFileThatTookItsPlace) {
+TEST_F(RotatingFileTest, ContinuesInAFileThatReplacedItsOwn) {
   RotatingFile file(path_, {});
   put(file, {"one\n"});
   std::filesystem::rename(path_, path_ + ".moved");
@@ -179,7 +179,7 @@ TEST_F(RotatingFileTest, GoesOnInAnotherFileThatTookItsPlace) {
   EXPECT_EQ(contents(), "another's\ntwo\n");
 }
 
-TEST_F(RotatingFileTest, SaysThatItsFolderIsGoneAndWritesAgainWhenItIsBack) {
+TEST_F(RotatingFileTest, ReportsAMissingFolderAndWritesAgainWhenItIsBack) {
   const std::string inner = folder_.file("inner");
   std::filesystem::create_directory(inner);
   RotatingFile file(inner + "/port.log", {});
@@ -225,7 +225,7 @@ class FileSizeLimit {
   void (*handler_)(int);
 };
 
-TEST_F(RotatingFileTest, LeavesNoHalfALineWhereRoomRanOut) {
+TEST_F(RotatingFileTest, LeavesNoHalfLineWhenTheDiskIsFull) {
   RotatingFile file(path_, {});
   put(file, {"first\n"});
   {
@@ -245,7 +245,7 @@ TEST_F(RotatingFileTest, GrowsOnAndSaysSoOnceWhenItCannotBeRotated) {
   EXPECT_EQ(contents(), "aaa\nbbb\nccc\n");
 }
 
-TEST_F(RotatingFileTest, NeverRotatesWhatIsNoRegularFile) {
+TEST_F(RotatingFileTest, RotatesRegularFilesOnly) {
   ASSERT_EQ(::mkfifo(path_.c_str(), 0600), 0);
   RotatingFile file(path_, {.maximumBytes = 4, .keptFiles = 1});
   put(file, {"aaa\n", "bbb\n"});

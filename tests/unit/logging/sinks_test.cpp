@@ -95,7 +95,7 @@ TEST(CallbackSink, ShowsTheOtherFieldsAsTheyAre) {
   }).write(std::span(&record, 1));
 }
 
-TEST(CallbackSink, EscapesTheObjectWhereTheMessageNeedsNothing) {
+TEST(CallbackSink, EscapesTheObjectBesideAPlainMessage) {
   LogRecord record = recordOf("plain");
   record.object = "c\nd";
   std::string seen;
@@ -103,7 +103,7 @@ TEST(CallbackSink, EscapesTheObjectWhereTheMessageNeedsNothing) {
   EXPECT_EQ(seen, "c\\nd");
 }
 
-TEST(CallbackSink, GoesOnAfterAnExceptionAndRaisesTheFirst) {
+TEST(CallbackSink, ContinuesAfterAnExceptionAndThrowsTheFirst) {
   std::vector<std::string> seen;
   CallbackSink sink([&](const LogRecord& record) {
     seen.push_back(record.message);

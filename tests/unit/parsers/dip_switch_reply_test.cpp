@@ -59,11 +59,11 @@ TEST(DipSwitchReply, RunsToTheLastLineFeedOfAllTheBytes) {
   EXPECT_EQ(settings(reply('1', {0x12, 0x34}) + reply('2', {0x56, 0x78})), (Place{4, 9}));
 }
 
-TEST(DipSwitchReply, DoesNotReachIntoBytesBehindTheLastLineFeed) {
+TEST(DipSwitchReply, EndsAtTheLastLineFeed) {
   EXPECT_EQ(settings(reply('2', {0x12, 0x34}) + Bytes{0x00, 0x89}), (Place{4, 2}));
 }
 
-TEST(DipSwitchReply, IsFoundBehindNoise) {
+TEST(DipSwitchReply, IsFoundAfterNoise) {
   for (const Bytes& noise : {Bytes{0x0a}, Bytes{0x1b}, Bytes{0x1b, 0x23, 0x2c},
                              Bytes{0x1b, 0x23, 0x2c, 0x33}, Bytes{0x1b, 0x23, 0x2a, 0x41, 0x0a}}) {
     EXPECT_EQ(settings(noise + reply('1', {0x01, 0x02})),
@@ -91,7 +91,7 @@ TEST(DipSwitchReply, IsNotFoundInNoBytes) {
   EXPECT_EQ(place, (Place{-1, -2}));
 }
 
-TEST(DipSwitchReply, LiesWhereTextSearchSeesItInRandomBytes) {
+TEST(DipSwitchReply, AgreesWithATextSearchInRandomBytes) {
   std::mt19937 random(52);
   int hits = 0;
   for (int round = 0; round < 20000; ++round) {

@@ -43,7 +43,7 @@ QuorPrinterStatus_2 afterAnswer(QuorPrinterStatus_2 record, StatusType query, in
   return record;
 }
 
-TEST(EscPosStatus, AppliesEveryValidByteToTheFieldsOfItsQueryAndChangesNothingElse) {
+TEST(EscPosStatus, AppliesEveryValidByteToTheFieldsOfItsQueryAlone) {
   for (const StatusType query : answeredByAByte) {
     int valid = 0;
     for (int byte = 0; byte < 256; ++byte) {
@@ -103,7 +103,7 @@ TEST(EscPosStatus, TakesEitherBitForPaperOutAndEitherForNearEnd) {
   }
 }
 
-TEST(EscPosStatus, ReadsTheByteWhateverTheLengthSays) {
+TEST(EscPosStatus, ReadsTheByteForAnyLength) {
   QuorPrinterStatus_2 status = recordAnswering(0x1a);
   status.rawLength = 0;
   EXPECT_NE(BuildParsedStatusESCPOS(&status, StatusType::CashDrawer), 0);

@@ -47,7 +47,7 @@ TEST(FirmwareReply, IsNotFoundWithNoTextOrMoreThanSixtyFourCharacters) {
   }
 }
 
-TEST(FirmwareReply, HoldsPrintableAsciiAndNothingElse) {
+TEST(FirmwareReply, HoldsPrintableAsciiOnly) {
   for (int byte = 0; byte < 256; ++byte) {
     const bool printable = byte >= 0x20 && byte <= 0x7e;
     const Bytes reply = head + Bytes{'a', static_cast<std::uint8_t>(byte), 'b'} + tail;
@@ -55,7 +55,7 @@ TEST(FirmwareReply, HoldsPrintableAsciiAndNothingElse) {
   }
 }
 
-TEST(FirmwareReply, IsFoundBehindNoise) {
+TEST(FirmwareReply, IsFoundAfterNoise) {
   const Bytes reply = head + ascii("QD-80 1.4") + tail;
   for (const Bytes& noise : {Bytes{0x00}, Bytes{0x1b}, Bytes{0x1b, 0x23}, Bytes{0x89, 0x01, 0xff},
                              Bytes{0x1b, 0x1b, 0x23}, Bytes(100, 0x0a)}) {
@@ -63,7 +63,7 @@ TEST(FirmwareReply, IsFoundBehindNoise) {
   }
 }
 
-TEST(FirmwareReply, IsFoundBehindADamagedOne) {
+TEST(FirmwareReply, IsFoundAfterADamagedOne) {
   const Bytes good = head + ascii("2.0") + tail;
   for (const Bytes& damaged :
        {head, head + tail, head + ascii("1."), head + ascii("1.9") + Bytes{0x0a},
@@ -95,7 +95,7 @@ TEST(FirmwareReply, IsNotFoundInNoBytes) {
   EXPECT_EQ(place, (Place{-1, -2}));
 }
 
-TEST(FirmwareReply, LiesWhereTryingEveryPlaceFindsItInRandomBytes) {
+TEST(FirmwareReply, AgreesWithASearchAtEveryPlaceInRandomBytes) {
   std::mt19937 random(51);
   int hits = 0;
   for (int round = 0; round < 2000; ++round) {

@@ -26,7 +26,7 @@ QuorPrinterStatus_2 parsed(const Bytes& bytes) {
   return status;
 }
 
-TEST(StatusLength, IsTheLowSixBitsOfTheFirstByteAndOneWhereTheyAreZero) {
+TEST(StatusLength, IsTheLowSixBitsOfTheFirstByteOr1IfTheyAre0) {
   for (std::int32_t top = 0; top < 256; top += 64) {
     EXPECT_EQ(CalculateStatusLength(top), 1) << top;
     for (std::int32_t length = 1; length <= 63; ++length) {
@@ -71,7 +71,7 @@ TEST(LineStatus, NamesTheFlagsThatTheBlockBits) {
   EXPECT_EQ(parsed(reply({0, 0, 0, 0x20})).etbAvailable, 1U);
 }
 
-TEST(LineStatus, IgnoresTheTwoBitsBehindTheLastFlag) {
+TEST(LineStatus, IgnoresTheTwoBitsAfterTheLastFlag) {
   EXPECT_THAT(flagsSet(parsed(reply({0, 0, 0, 0xc0}))), IsEmpty());
 }
 
@@ -88,7 +88,7 @@ TEST(LineStatus, TakesTheThreeStateBytesWhole) {
   }
 }
 
-TEST(LineStatus, ReadsZeroForWhatAShortBlockDoesNotCarryAndIgnoresWhatALongOneAdds) {
+TEST(LineStatus, ReadsZeroForTheMissingBytesOfAShortBlockAndIgnoresTheRestOfALongOne) {
   for (std::uint32_t length = 0; length <= 63; ++length) {
     QuorPrinterStatus_2 status = recordHolding(Bytes(63, allBits));
     status.rawLength = length;
@@ -119,7 +119,7 @@ TEST(LineStatus, LeavesTheRawReplyAndItsLengthAsTheyWere) {
 
 // The records lie on the heap in their exact size, so that the address sanitizer sees a byte too
 // far.
-TEST(LineStatus, StaysInsideTheRecordWhateverItHolds) {
+TEST(LineStatus, ReadsNoByteBeyondTheRecord) {
   std::mt19937 random(3);
   for (int round = 0; round < 20000; ++round) {
     const auto status = std::make_unique<QuorPrinterStatus_2>();

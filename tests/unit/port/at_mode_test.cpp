@@ -79,7 +79,7 @@ TEST(AtMode, FailsWhenTheModuleDoesNotAnswer) {
   EXPECT_NE(run.records(reader).find("Error | interval > TIMEOUT_SEC, "), std::string::npos);
 }
 
-TEST(AtMode, RaisesARangeErrorOnAnOkWithoutAWholeAddress) {
+TEST(AtMode, ThrowsARangeErrorOnAnOkWithoutAWholeAddress) {
   for (const Bytes& reply : {fine, ascii("\r\n*AILBA:0011") + fine}) {
     const Outcome run = replying(reply).run(enterATMode());
     EXPECT_EQ(run.result, "std::out_of_range");
@@ -98,7 +98,7 @@ TEST(ModuleReply, IsTheTitleAndTheCharactersAfterIt) {
             "End | *AILBA:, 12, 10000, -> *AILBA:0011223344FF\n");
 }
 
-TEST(ModuleReply, IsTheErrorWhereverItStands) {
+TEST(ModuleReply, IsTheErrorAtAnyPlace) {
   const Outcome run = receiving(fine + ascii("x") + failed).run(getPrinterResponse("T", 1, 1000));
   EXPECT_EQ(run.result, "\"\r\nERROR\r\n\"") << "the error is looked for first";
   EXPECT_NE(run.records(reader).find("[printerResponse rangeOfString:responseNG2].location != "
@@ -123,7 +123,7 @@ TEST(ModuleReply, IsTheRestFromTheTitleWithALengthOf0) {
       "Process | settingLength == 0, 0\nEnd | TITLE, 0, 1000, -> TITLE=7\r\nOK\r\n\n"));
 }
 
-TEST(ModuleReply, RaisesARangeErrorRatherThanCutASettingShort) {
+TEST(ModuleReply, ThrowsARangeErrorIfASettingIsCutShort) {
   const auto result = [](const std::string& text, const char* title, std::int32_t length) {
     return receiving(ascii(text) + fine).run(getPrinterResponse(title, length, 1000)).result;
   };
@@ -161,7 +161,7 @@ TEST(ModuleReply, IsFoundInALaterChunk) {
   EXPECT_EQ(run.result, "\"\r\nOK\r\n\"");
 }
 
-TEST(ModuleReply, IsNoneAtOnceWhenAReadFails) {
+TEST(ModuleReply, IsNullAtOnceWhenAReadFails) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.isLost();
   const Outcome run = scenario.run(getPrinterResponse("T", 1, 10000));
@@ -174,7 +174,7 @@ TEST(ModuleReply, IsNoneAtOnceWhenAReadFails) {
   )"));
 }
 
-TEST(ModuleReply, IsNoneWhenALaterReadFails) {
+TEST(ModuleReply, IsNullWhenALaterReadFails) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.isLost(0.4);
   const Outcome run = scenario.run(getPrinterResponse("T", 1, 10000));
@@ -210,7 +210,7 @@ TEST(ModuleReply, MeasuresItsTimeInFractions) {
       << run.records(reader);
 }
 
-TEST(ModuleReply, GoesOnWhenExactlyTheLimitHasPassed) {
+TEST(ModuleReply, ContinuesWhenExactlyTheLimitHasPassed) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.readReturns(1, 0);
   scenario.script.delivers(ascii("x")).delivers(fine, 1.2).stepsClock(2, 1);

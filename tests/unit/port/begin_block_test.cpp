@@ -7,7 +7,7 @@ namespace {
 
 const std::string method = "beginCheckedBlock:level:resultCode:";
 
-TEST(BeginBlockInLineMode, GoesThroughAllStepsWithoutASleep) {
+TEST(BeginBlockInLineMode, TakesAllStepsWithoutASleep) {
   Scenario scenario = lineModePrinter();
   scenario.dataTimeoutSeconds = 10;
   const Outcome run = scenario.run(beginCheckedBlock(5));
@@ -34,7 +34,7 @@ TEST(BeginBlockInLineMode, GoesThroughAllStepsWithoutASleep) {
       << "line mode asks for level 2 whatever the caller's";
 }
 
-TEST(BeginBlockInLineMode, WaitsForNoAnswerToCommandsThatHaveNone) {
+TEST(BeginBlockInLineMode, WaitsForNoAnswerToCommandsWithoutOne) {
   Scenario scenario = lineModePrinter();
   scenario.dataTimeoutSeconds = 10;
   scenario.script.expects = Script::Expects::WhereAsked;
@@ -68,7 +68,7 @@ TEST(BeginBlockInLineMode, FailsWithoutAFirstStatus) {
   )"));
 }
 
-TEST(BeginBlockInLineMode, KeepsTheCodeAtFailedWhenTheStatusRaises) {
+TEST(BeginBlockInLineMode, KeepsTheCodeFailedWhenTheStatusThrows) {
   Scenario scenario = lineModePrinter();
   scenario.script.isLost();
   const Outcome run = scenario.run(beginCheckedBlock());
@@ -99,7 +99,7 @@ TEST(BeginBlockInLineMode, LooksAtTheConnectionBeforeTheWaitsFirstStatus) {
       run.records(method).ends_with("Error | self.isConnected: 0\nEnd | <status>, 5, -> 0\n"));
 }
 
-TEST(BeginBlockInLineMode, TellsOfALostLinkWhatAFreshQuestionAnswers) {
+TEST(BeginBlockInLineMode, LogsTheConnectionOfALostLinkByAFreshQuestion) {
   Scenario scenario = lineModePrinter();
   std::vector<bool> answers(6 + 2, true);  // the first status, and the reset
   answers.push_back(false);
@@ -123,7 +123,7 @@ TEST(BeginBlockInLineMode, WaitsUntilTheCounterIs0) {
   EXPECT_NE(run.wire().find("select 50000\n"), std::string::npos);
 }
 
-TEST(BeginBlockInLineMode, FailsWhenTheCounterStaysPastTheTimeout) {
+TEST(BeginBlockInLineMode, FailsWhenTheCounterIsNot0WithinTheTimeout) {
   const Outcome run = lineModePrinter(lineStatus({}, 1), 1000).run(beginCheckedBlock());
   EXPECT_EQ(run.result, "false");
   EXPECT_EQ(run.caller.resultCode, -1);
@@ -133,7 +133,7 @@ TEST(BeginBlockInLineMode, FailsWhenTheCounterStaysPastTheTimeout) {
       << run.records(method);
 }
 
-TEST(BeginBlockInLineMode, FailsWithItsOwnCodeWhenPaperStaysPastTheHoldPrintTimeout) {
+TEST(BeginBlockInLineMode, FailsWithItsOwnCodeWhenPaperRemainsPastTheHoldPrintTimeout) {
   Scenario scenario = lineModePrinter(lineStatus({paperPresentFlag}), 60000);
   scenario.holdMillis = 2999;
   const Outcome run = scenario.run(beginCheckedBlock());
@@ -171,7 +171,7 @@ TEST(BeginBlockInLineMode, ChoosesTheLimitAnewInEachPass) {
       << run.records(method);
 }
 
-TEST(BeginBlockInLineMode, IsEndedWithoutErrorByAPrinterThatGoesOffLine) {
+TEST(BeginBlockInLineMode, IsEndedWithoutErrorByAPrinterThatBecomesOffLine) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.whenAsked(lineRequest, whole(lineStatus({}, 1)))
       .whenAsked(lineRequest, whole(lineStatus({offlineFlag, paperPresentFlag}, 1)));
@@ -266,7 +266,7 @@ TEST_P(BeginBlock, SendsTheLowByteOfTheDataTimeout) {
   }
 }
 
-TEST_P(BeginBlock, RaisesWhenTheDataTimeoutCannotBeSet) {
+TEST_P(BeginBlock, ThrowsWhenTheDataTimeoutCannotBeSet) {
   Scenario scenario = printer();
   scenario.dataTimeoutSeconds = 7;
   scenario.script.writeReturns(writesBefore() + 1, -1);
@@ -291,7 +291,7 @@ TEST_P(BeginBlock, FailsWhenTheDataCancelCannotBeSent) {
 
 INSTANTIATE_TEST_SUITE_P(Emulation, BeginBlock, testing::Values(lineMode, escPos));
 
-TEST(BeginBlockInEscPos, GoesThroughAllSteps) {
+TEST(BeginBlockInEscPos, TakesAllSteps) {
   const Outcome run = escPosPrinter().run(beginCheckedBlock(5));
   EXPECT_EQ(run.result, "true");
   EXPECT_EQ(run.caller.resultCode, 0);
@@ -360,7 +360,7 @@ TEST(BeginBlockInEscPos, FailsWhenTheCounterCannotBeReset) {
       "End | <status>, 5, -> 0\n"));
 }
 
-TEST(BeginBlockOfAnUnknownEmulation, GoesThroughTheStepsOfEscPos) {
+TEST(BeginBlockOfAnUnknownEmulation, TakesTheStepsOfEscPos) {
   const Outcome run = Scenario::in(unknownEmulation).run(beginCheckedBlock());
   EXPECT_EQ(run.result, "true");
   EXPECT_EQ(run.caller.resultCode, 0);

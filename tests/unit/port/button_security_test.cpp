@@ -15,7 +15,7 @@ Scenario withSetting(unsigned setting, std::uint32_t timeout = 10000) {
   return scenario;
 }
 
-TEST(ButtonSecurity, IsTheTopTwoBitsOfTheFifthByteWhateverTheOthersAre) {
+TEST(ButtonSecurity, IsTheTopTwoBitsOfTheFifthByteAlone) {
   const std::int64_t times[] = {20000 + 1234, 10000 + 1234, 5000 + 1234, 0};
   const char* const shownTimes[] = {"20000", "10000", "5000", "0"};
   for (unsigned setting = 0; setting < 256; ++setting) {
@@ -50,7 +50,7 @@ TEST(ButtonSecurity, ReadsTheClockForTheStartAndForTheEndBeforeItReadsTheReply) 
       << between;
 }
 
-TEST(ButtonSecurity, JoinsAReplyThatComesInPieces) {
+TEST(ButtonSecurity, JoinsAReplyInPieces) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.whenAsked(request, {{bytes("1b 23 2c")}, {bytes("31 85 00 0a"), 0.1}});
   const Outcome run = scenario.run(retrieveButtonSecurityTimeout());
@@ -77,7 +77,7 @@ TEST(ButtonSecurity, WrapsItsSumAt32Bits) {
   EXPECT_EQ(withSetting(0xc0, 4294967295U).run(retrieveButtonSecurityTimeout()).result, "0");
 }
 
-TEST(ButtonSecurity, FailsWhenTheReplyStaysTooShort) {
+TEST(ButtonSecurity, FailsWhenTheReplyRemainsTooShort) {
   Scenario scenario = Scenario::in(lineMode, 1000);
   scenario.script.whenAsked(request, whole(bytes("1b 23 2c 31 45 00")));
   const Outcome run = scenario.run(retrieveButtonSecurityTimeout());

@@ -55,7 +55,7 @@ TEST_F(NewPort, OnTheMainThreadStartsThePortThread) {
   port->close();
 }
 
-TEST_F(NewPort, WithoutAPlatformReturnsNone) {
+TEST_F(NewPort, WithoutAPlatformIsNull) {
   EXPECT_EQ(ExternalAccessoryPort::initWithPortName("BT:", "", 1000, ZKEmulationQuorLine, nullptr),
             nullptr);
   EXPECT_EQ(records(), text(R"(
@@ -87,7 +87,7 @@ class WithoutThreads : public ForwardingPlatform {
   const bool makes_;
 };
 
-TEST_F(NewPort, ReturnsNoneWhenThePortThreadCannotBeMadeOrStarted) {
+TEST_F(NewPort, IsNullWhenThePortThreadCannotBeMadeOrStarted) {
   for (const bool makes : {false, true}) {
     world_.trace().clear();
     EXPECT_EQ(ExternalAccessoryPort::initWithPortName(
@@ -100,7 +100,7 @@ TEST_F(NewPort, ReturnsNoneWhenThePortThreadCannotBeMadeOrStarted) {
   }
 }
 
-TEST_F(NewPort, KeepsWhatItIsGivenAndHasItsDefaults) {
+TEST_F(NewPort, KeepsItsArgumentsAndHasItsDefaults) {
   const Port port = create("BT:", "", 4321, ZKEmulationESCPOS);
   EXPECT_EQ(port->endCheckedBlockTimeoutMillis(), 4321U);
   EXPECT_EQ(port->holdPrintTimeoutMillis(), 0U);
@@ -147,7 +147,7 @@ TEST_F(NewPort, LetsTheOtherWritablePropertiesBeSetWhole) {
   EXPECT_EQ(port->result71(), std::nullopt);
 }
 
-TEST_F(NewPort, TakesNamesAndSettingsOfNone) {
+TEST_F(NewPort, TakesNullForNameAndSettings) {
   const Port port = create(std::nullopt, std::nullopt, 0);
   EXPECT_EQ(port->dataTimeoutSeconds(), -1);
   EXPECT_TRUE(records().starts_with("Start | (null), (null), 0, 1\n"));
@@ -190,7 +190,7 @@ TEST_F(NewPort, ReleasesAnOpenSessionWithThePortAndDoesNotCloseIt) {
   EXPECT_EQ(whole(world_.trace().lines()), "session.release\n");
 }
 
-TEST_F(NewPort, TakesTheProcessesPlatformWhenNoneIsGiven) {
+TEST_F(NewPort, TakesTheProcessesPlatformByDefault) {
   setProcessPlatform(world_.platform());
   const Port port = ExternalAccessoryPort::initWithPortName("BT:", "", 0, ZKEmulationQuorLine);
   setProcessPlatform(nullptr);

@@ -99,7 +99,7 @@ TEST(DipSwitchBank, FailsWithTheLengthErrorWhenTheFieldIsNotTwoBytes) {
   )"));
 }
 
-TEST(DipSwitchBank, WaitsForMoreWhenTheFieldIsTooShort) {
+TEST(DipSwitchBank, WaitsForMoreBytesWhenTheFieldIsTooShort) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.whenAsked(bank1Request,
                             {{bytes("1b 23 2c 31 c0 0a")}, {bytes("1b 23 2c 31 c1 02 0a"), 0.15}});

@@ -32,7 +32,7 @@ TEST(Disconnect, DoesNotSendTheDropCommandWithoutCommandMode) {
   )"));
 }
 
-TEST(Disconnect, FailsWhenTheLinkStays) {
+TEST(Disconnect, FailsWhenTheLinkIsNotDropped) {
   Scenario scenario = Scenario::in(lineMode, 1000);
   scenario.script.whenAsked(addressQuery, whole(ascii("\r\n*AILBA:0011223344FF\r\n\r\nOK\r\n")));
   const Outcome run = scenario.run(disconnect());
@@ -52,7 +52,7 @@ TEST(Disconnect, LetsARangeErrorOfTheReplyPass) {
   EXPECT_EQ(run.records("disconnect"), "Start |\n");
 }
 
-TEST(DroppingTheLink, EndsAfterOneSliceWithoutASleepWhenTheLinkGoesAtOnce) {
+TEST(DroppingTheLink, EndsAfterOneSliceWithoutASleepWhenTheLinkIsLostAtOnce) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.isLost(0.05);
   const Outcome run = scenario.run(disconnectBluetoothConnection());
@@ -65,7 +65,7 @@ TEST(DroppingTheLink, EndsAfterOneSliceWithoutASleepWhenTheLinkGoesAtOnce) {
   )"));
 }
 
-TEST(DroppingTheLink, TellsWhatASecondQuestionAnswers) {
+TEST(DroppingTheLink, LogsTheConnectionByASecondQuestion) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.saysConnected({true, true, false, true});
   const Outcome run = scenario.run(disconnectBluetoothConnection());

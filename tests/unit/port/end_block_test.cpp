@@ -35,7 +35,7 @@ TEST(EndBlockInLineMode, WaitsForNoAnswerToItsMarks) {
   EXPECT_EQ(run.wire().find("slice"), std::string::npos) << run.wire();
 }
 
-TEST(EndBlockInLineMode, WaitsForLeftoversOfWhatWasAskedBefore) {
+TEST(EndBlockInLineMode, WaitsForLeftoversOfEarlierQuestions) {
   Scenario scenario = lineModePrinter(lineStatus({}, 2));
   scenario.script.expects = Script::Expects::WhereAsked;
   const Outcome run = scenario.run(inTurn({write(bytes("41")), endCheckedBlock()}));
@@ -176,7 +176,7 @@ Scenario reporting(const char* firstAnswer) {
   return scenario;
 }
 
-TEST(EndBlockInEscPos, EndsWithTheReportAndTellsEveryStep) {
+TEST(EndBlockInEscPos, EndsWithTheReportAndLogsEveryStep) {
   const Outcome run = reporting("12").run(endCheckedBlock(5));
   EXPECT_EQ(run.result, "true");
   EXPECT_EQ(run.wire(), text(R"(
@@ -216,7 +216,7 @@ TEST(EndBlockInEscPos, WaitsForTheReportOverSeveralPasses) {
   EXPECT_NE(run.records(method).find("etbCountUp: 1\n"), std::string::npos);
 }
 
-TEST(EndBlockInEscPos, IsFalseWhenNoReportComes) {
+TEST(EndBlockInEscPos, IsFalseWhenNoReportArrives) {
   Scenario scenario = escPosPrinter();
   scenario.endMillis = 1000;
   const Outcome run = scenario.run(endCheckedBlock());
@@ -323,7 +323,7 @@ TEST(EndBlockInEscPos, TakesAReportThatIsCutOffForOneWithoutACount) {
   }
 }
 
-TEST(EndBlockInEscPos, TakesWhatIsLeftOfAReportForTheStatus) {
+TEST(EndBlockInEscPos, TakesTheRestOfAReportForTheStatus) {
   Scenario scenario = escPosPrinter();
   scenario.script.whenAsked(escPosEtb, {{bytes("1b 1d 03")}, {bytes("1a"), 0.15}});
   const Outcome run = scenario.run(endCheckedBlock());

@@ -9,7 +9,7 @@ namespace {
 
 const std::string method = "getParsedStatus:level:";
 
-TEST(EscPosStatus, AsksThreeQueriesInAFixedOrderAndTellsEveryStep) {
+TEST(EscPosStatus, AsksThreeQueriesInAFixedOrderAndLogsEveryStep) {
   const Outcome run = escPosPrinter("12", "16", "72").run(getParsedStatus(9));
   EXPECT_EQ(run.result, "true");
   EXPECT_EQ(run.wire(), text(R"(
@@ -157,7 +157,7 @@ TEST(EscPosStatus, IsNotTimedOutByAClockThatStepsBack) {
   EXPECT_EQ(scenario.run(getParsedStatus()).result, "true");
 }
 
-TEST(EscPosStatus, TellsAFailedReadAndPollsOn) {
+TEST(EscPosStatus, LogsAFailedReadAndPollsAgain) {
   Scenario scenario = escPosPrinter();
   scenario.script.readReturns(1, -1);
   const Outcome run = scenario.run(getParsedStatus());
@@ -171,7 +171,7 @@ TEST(EscPosStatus, TellsAFailedReadAndPollsOn) {
   )")) << "without a length, as there is no buffer";
 }
 
-TEST(EscPosStatus, RaisesWhenTheLinkIsLostDuringAnyPoll) {
+TEST(EscPosStatus, ThrowsWhenTheLinkIsLostDuringAnyPoll) {
   for (const std::size_t answered : {0U, 1U, 2U}) {
     Scenario scenario = Scenario::in(escPos);
     const Bytes queries[] = {drawerQuery, coverQuery, paperQuery};
@@ -185,7 +185,7 @@ TEST(EscPosStatus, RaisesWhenTheLinkIsLostDuringAnyPoll) {
   }
 }
 
-TEST(EscPosStatus, TellsOfALostLinkWhatASecondQuestionAnswers) {
+TEST(EscPosStatus, LogsTheConnectionOfALostLinkByASecondQuestion) {
   Scenario scenario = Scenario::in(escPos);
   // The discarding read, and two questions before each of the two writes.
   scenario.script.saysConnected({true, true, true, true, true, false, true});

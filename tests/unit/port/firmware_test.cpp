@@ -169,7 +169,7 @@ TEST(LineFirmware, IsNeverFoundWhenItIsSplitOverTwoChunks) {
   }
 }
 
-TEST(LineFirmware, IsFoundBehindOtherBytes) {
+TEST(LineFirmware, IsFoundAfterOtherBytes) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.whenAsked(lineQuery, whole(bytes("00 1b 23") + lineReply("V9")));
   const Outcome run = scenario.run(retrieveFirmwareInformation2());
@@ -231,7 +231,7 @@ TEST(EscPosFirmware, MayBeEmpty) {
   EXPECT_TRUE(hasFirmware(run, "\"\""));
 }
 
-TEST(EscPosFirmware, RaisesARangeErrorOnAReplyOfOneByteAndKeepsTheEarlierText) {
+TEST(EscPosFirmware, ThrowsARangeErrorOnAReplyOfOneByteAndKeepsTheEarlierText) {
   Scenario scenario = escPosPrinter();
   scenario.script.whenAsked(escPosQuery, whole(bytes("5f 41 00")))
       .whenAsked(escPosQuery, whole(bytes("5f")));

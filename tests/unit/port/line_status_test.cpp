@@ -10,7 +10,7 @@ namespace {
 
 const std::string method = "getParsedStatus:level:";
 
-TEST(LineStatus, IsAskedForWithOneRequestAndTellsEveryStep) {
+TEST(LineStatus, IsAskedForWithOneRequestAndLogsEveryStep) {
   const Outcome run = lineModePrinter(lineStatus({}, 3)).run(getParsedStatus(9));
   EXPECT_EQ(run.result, "true");
   EXPECT_EQ(run.caller.status.etbCounter, 3);
@@ -28,7 +28,7 @@ TEST(LineStatus, IsAskedForWithOneRequestAndTellsEveryStep) {
   )"));
 }
 
-TEST(LineStatus, ThrowsAwayWhatWasPendingBeforeTheRequest) {
+TEST(LineStatus, ThrowsAwayPendingBytesBeforeTheRequest) {
   Scenario scenario = lineModePrinter();
   scenario.script.delivers(Bytes(300, 0x41));
   const Outcome run = scenario.run(getParsedStatus());
@@ -38,7 +38,7 @@ TEST(LineStatus, ThrowsAwayWhatWasPendingBeforeTheRequest) {
             "2 x input.read 128 -> " + shown(Bytes(128, 0x41)) + "\n");
 }
 
-TEST(LineStatus, WaitsForNoLeftoversWhereNothingCanCome) {
+TEST(LineStatus, WaitsForNoLeftoversIfNoneCanArrive) {
   Scenario scenario = lineModePrinter();
   scenario.script.expects = Script::Expects::Never;
   const Outcome run = scenario.run(getParsedStatus());
@@ -148,7 +148,7 @@ TEST(LineStatus, TakesALateFirstReplyForTheBeginningOfTheSecond) {
   EXPECT_EQ(run.caller.status.etbCounter, 1);
 }
 
-TEST(LineStatus, RaisesWhenTheRequestCannotBeWritten) {
+TEST(LineStatus, ThrowsWhenTheRequestCannotBeWritten) {
   Scenario scenario = lineModePrinter();
   scenario.script.writeReturns(1, -1);
   const Outcome run = scenario.run(getParsedStatus(7));
@@ -171,13 +171,13 @@ TEST(LineStatus, TakesACountBelowTheLengthForAFailedWrite) {
   EXPECT_EQ(scenario.run(getParsedStatus()).result, "PortException: Native WritePort failed");
 }
 
-TEST(LineStatus, RaisesWhenTheLinkIsLostBeforeTheRequest) {
+TEST(LineStatus, ThrowsWhenTheLinkIsLostBeforeTheRequest) {
   Scenario scenario = lineModePrinter();
   scenario.script.isLost();
   EXPECT_EQ(scenario.run(getParsedStatus()).result, "PortException: Native WritePort failed");
 }
 
-TEST(LineStatus, RaisesWhenTheLinkIsLostDuringTheWait) {
+TEST(LineStatus, ThrowsWhenTheLinkIsLostDuringTheWait) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.isLost(0.3);
   const Outcome run = scenario.run(getParsedStatus());
@@ -191,7 +191,7 @@ TEST(LineStatus, RaisesWhenTheLinkIsLostDuringTheWait) {
   )"));
 }
 
-TEST(LineStatus, TellsOfALostLinkWhatASecondQuestionAnswers) {
+TEST(LineStatus, LogsTheConnectionOfALostLinkByASecondQuestion) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.saysConnected({true, true, true, false, true});
   const Outcome run = scenario.run(getParsedStatus());
@@ -208,7 +208,7 @@ TEST(LineStatus, TellsOfALostLinkWhatASecondQuestionAnswers) {
   )")) << "its own records come before the one that shows it";
 }
 
-TEST(LineStatus, AsksASecondTimeOnlyToTellIt) {
+TEST(LineStatus, AsksASecondTimeOnlyForTheLog) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.logging = false;
   scenario.script.saysConnected({true, true, true, false, true});
@@ -216,7 +216,7 @@ TEST(LineStatus, AsksASecondTimeOnlyToTellIt) {
   EXPECT_TRUE(run.all().ends_with("accessory.isConnected 0\n"));
 }
 
-TEST(LineStatus, TellsAReadThatFailedAndGoesOn) {
+TEST(LineStatus, LogsAReadThatFailedAndContinues) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.whenAsked(lineRequest, whole(lineStatus())).readReturns(1, -1);
   const Outcome run = scenario.run(getParsedStatus());

@@ -92,7 +92,7 @@ class DecimalComma : public std::numpunct<char> {
   char do_decimal_point() const override { return ','; }
 };
 
-TEST(FormatMessage, ShowsAFullStopWhateverTheLocale) {
+TEST(FormatMessage, ShowsAFullStopInAnyLocale) {
   std::setlocale(LC_NUMERIC,
                  "de_DE.UTF-8");  // changes nothing where the machine has no such locale
   const std::locale former =
@@ -130,7 +130,7 @@ TEST(FormatMessage, ShowsTexts) {
   EXPECT_EQ(formatMessage("%@", ""), "");
 }
 
-TEST(FormatMessage, TellsNoTextFromAnEmptyOne) {
+TEST(FormatMessage, DistinguishesANullTextFromAnEmptyOne) {
   const char* noText = nullptr;
   EXPECT_EQ(formatMessage("%@", noText), "(null)");
   EXPECT_EQ(formatMessage("%@", nullptr), "(null)");

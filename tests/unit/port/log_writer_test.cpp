@@ -37,7 +37,7 @@ TEST_F(LogWriterTest, IsOffUntilItIsSwitchedOn) {
   EXPECT_TRUE(LogWriter::isLogging());
 }
 
-TEST_F(LogWriterTest, WantsLevelZeroAloneUnlessToldOtherwise) {
+TEST_F(LogWriterTest, WantsLevelZeroAloneByDefault) {
   EXPECT_TRUE(LogWriter::isTargetLogLevel(0));
   EXPECT_FALSE(LogWriter::isTargetLogLevel(1));
 }
@@ -76,7 +76,7 @@ TEST_F(LogWriterTest, DescribesNoBytesByEmptyBrackets) {
   EXPECT_EQ(LogWriter::createByteArrayDescription(nullptr, 0), "<>");
 }
 
-TEST_F(LogWriterTest, DescribesAsManyBytesAsItIsTold) {
+TEST_F(LogWriterTest, DescribesTheGivenNumberOfBytes) {
   const std::array<std::uint8_t, 3> bytes{1, 2, 3};
   EXPECT_EQ(LogWriter::createByteArrayDescription(bytes.data(), 2), "<01 02>");
 }
@@ -139,7 +139,7 @@ std::ptrdiff_t linesOf(const std::string& text) {
   return std::count(text.begin(), text.end(), '\n');
 }
 
-TEST_F(LogWriterAtExit, WritesWhatStillWaits) {
+TEST_F(LogWriterAtExit, WritesQueuedRecords) {
   EXPECT_EXIT(
       {
         LogWriter::sharedInstance().addSink(std::make_shared<StandardErrorSink>());

@@ -86,7 +86,7 @@ TEST(OnlineStatus, SetsTheFlagToFalseWhenThereIsNoStatus) {
   )"));
 }
 
-TEST(OnlineStatus, LeavesTheFlagWhenTheStatusRaises) {
+TEST(OnlineStatus, DoesNotChangeTheFlagWhenTheStatusThrows) {
   Scenario scenario = lineModePrinter();
   scenario.script.isLostAfterBytes(3);
   const Outcome run = scenario.run(getOnlineStatus());

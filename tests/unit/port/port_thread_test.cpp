@@ -132,7 +132,7 @@ TEST_F(PortThread, TurnsItsLoopInSlicesWithOneTraceEach) {
   port->close();
 }
 
-TEST_F(PortThread, TellsItsBeginAndItsEndOnce) {
+TEST_F(PortThread, LogsItsBeginAndItsEndOnce) {
   const std::string all = during([&] {
     const Port port = create();
     pass(0.3);
@@ -182,7 +182,7 @@ TEST_F(PortThread, EndsAlsoWhenAnApplicationHoldsItsHandle) {
   EXPECT_TRUE(isHeldBy(weak, 0)) << "there is no cycle through the handle";
 }
 
-TEST_F(PortThread, LeavesItRunningWhenTheCloseComesFromElsewhere) {
+TEST_F(PortThread, RunsOnAfterACloseOnAnotherThread) {
   const Port port = create();
   const std::weak_ptr<ExternalAccessoryPort> weak = port;
   port->open();
@@ -194,7 +194,7 @@ TEST_F(PortThread, LeavesItRunningWhenTheCloseComesFromElsewhere) {
   EXPECT_TRUE(isHeldBy(weak, 1));
 }
 
-TEST_F(PortThread, TakesACloseOnTheMainThreadOfWhatWasOpenedElsewhere) {
+TEST_F(PortThread, ClosesOnTheMainThreadAPortThatWasOpenedOnAnother) {
   const Port port = create();
   elsewhere([&port] { EXPECT_TRUE(port->open()); });
   EXPECT_TRUE(port->isConnected());
@@ -366,7 +366,7 @@ class PortThreadWithoutList : public PortThread {
         }) {}
 };
 
-TEST_F(PortThreadWithoutList, TurnsWhatIsRaisedIntoAFailedOpen) {
+TEST_F(PortThreadWithoutList, TurnsAnExceptionIntoAFailedOpen) {
   const Port port = create();
   const std::string all = during([&] { EXPECT_FALSE(port->open()); });
   EXPECT_NE(all.find("port thread: Error open71 | Throws exception, class: "
@@ -434,7 +434,7 @@ class PortThreadThatCarriesNothing : public PortThread {
         }) {}
 };
 
-TEST_F(PortThreadThatCarriesNothing, NeverLetsOpenOrCloseRaise) {
+TEST_F(PortThreadThatCarriesNothing, NeverMakesOpenOrCloseThrow) {
   const Port port = create();
   bool opened = true;
   const std::string all = during([&] {

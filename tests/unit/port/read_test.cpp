@@ -11,7 +11,7 @@ Scenario delivering(const Bytes& what) {
   return scenario;
 }
 
-TEST(Read, TakesWhatTheStreamHoldsAndTellsEveryStep) {
+TEST(Read, TakesTheBytesOfTheStreamAndLogsEveryStep) {
   const Outcome run = delivering(bytes("10 20")).run(read(128));
   EXPECT_EQ(run.result, "<10 20>");
   EXPECT_EQ(run.all(), text(R"(
@@ -31,7 +31,7 @@ TEST(Read, TakesWhatTheStreamHoldsAndTellsEveryStep) {
   )"));
 }
 
-TEST(Read, WaitsOneSliceAndReturnsAnEmptyBufferWhenNothingCame) {
+TEST(Read, WaitsOneSliceAndReturnsAnEmptyBufferIfNoByteArrives) {
   const Outcome run = Scenario::in(lineMode).run(read(5));
   EXPECT_EQ(run.result, "<>");
   EXPECT_EQ(run.all(), text(R"(
@@ -48,7 +48,7 @@ TEST(Read, WaitsOneSliceAndReturnsAnEmptyBufferWhenNothingCame) {
   )"));
 }
 
-TEST(Read, AsksForTheOutputsSpaceOnlyToTellIt) {
+TEST(Read, AsksForTheOutputsSpaceOnlyForTheLog) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.logging = false;
   const Outcome run = scenario.run(read(5));
@@ -60,7 +60,7 @@ TEST(Read, AsksForTheOutputsSpaceOnlyToTellIt) {
   )"));
 }
 
-TEST(Read, TellsThatTheOutputIsFullWhenItIs) {
+TEST(Read, LogsThatTheOutputIsFull) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.hasNoSpace();
   const Outcome run = scenario.run(read(5));
@@ -78,7 +78,7 @@ TEST(Read, Of0BytesReturnsAnEmptyBufferWithoutReading) {
   )"));
 }
 
-TEST(Read, Of0BytesWhenNotConnectedReturnsNone) {
+TEST(Read, Of0BytesWhenNotConnectedReturnsNull) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.isLost();
   EXPECT_EQ(scenario.run(read(0)).result, "none");
@@ -105,13 +105,13 @@ TEST(Read, StopsAsSoonAsTheStreamHasNothingMore) {
   EXPECT_EQ(run.wire(), "input.read 3 -> <01 02>\n");
 }
 
-TEST(Read, WaitsItsSliceAlsoWhereNothingCanCome) {
+TEST(Read, WaitsItsSliceEvenIfNoByteCanArrive) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.expects = Script::Expects::Never;
   EXPECT_EQ(scenario.run(read(3)).wire(), "slice for input 0.1\n");
 }
 
-TEST(Read, ReturnsWhatArrivesWithinTheSliceAtOnce) {
+TEST(Read, ReturnsBytesThatArriveWithinTheSliceAtOnce) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.delivers(bytes("01"), 0.05);
   const Outcome run = scenario.run(inTurn({read(3), writeWithRetry({})}));
@@ -119,7 +119,7 @@ TEST(Read, ReturnsWhatArrivesWithinTheSliceAtOnce) {
   EXPECT_NE(run.all().find("gettimeofday 1000000.050000"), std::string::npos);
 }
 
-TEST(Read, ReturnsNoneWhenNotConnected) {
+TEST(Read, ReturnsNullWhenNotConnected) {
   Scenario scenario = delivering(bytes("01"));
   scenario.script.isLost();
   const Outcome run = scenario.run(read(9));
@@ -131,7 +131,7 @@ TEST(Read, ReturnsNoneWhenNotConnected) {
   )"));
 }
 
-TEST(Read, DropsWhatItGatheredWhenTheLinkIsLostMeanwhile) {
+TEST(Read, DropsGatheredBytesWhenTheLinkIsLostMeanwhile) {
   Scenario scenario = delivering(bytes("01 02 03 04"));
   scenario.script.givesAtMost(2).isLostAfterReads(1);
   const Outcome run = scenario.run(read(4));
@@ -144,7 +144,7 @@ TEST(Read, DropsWhatItGatheredWhenTheLinkIsLostMeanwhile) {
   )"));
 }
 
-TEST(Read, ReturnsNoneOnEveryNegativeCount) {
+TEST(Read, ReturnsNullOnEveryNegativeCount) {
   for (const std::int64_t count : {std::int64_t{-1}, std::int64_t{-2}, INT64_MIN}) {
     Scenario scenario = delivering(bytes("01"));
     scenario.script.readReturns(1, count);
@@ -167,7 +167,7 @@ TEST(Read, AppendsNothingForACountOf0) {
             std::string::npos);
 }
 
-TEST(Read, StaysInsideItsBuffersWhateverTheStreamSaysItGave) {
+TEST(Read, ReadsNoByteBeyondItsBuffersForAnyCountOfTheStream) {
   for (const std::int64_t count :
        {std::int64_t{2}, std::int64_t{129}, std::int64_t{1000000}, INT64_MAX}) {
     Scenario scenario = delivering(bytes("01"));
@@ -176,7 +176,7 @@ TEST(Read, StaysInsideItsBuffersWhateverTheStreamSaysItGave) {
   }
 }
 
-TEST(Read, WithoutAnAccessoryReturnsNone) {
+TEST(Read, WithoutAnAccessoryReturnsNull) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.isOpen = false;
   EXPECT_EQ(scenario.run(read(1)).result, "none");

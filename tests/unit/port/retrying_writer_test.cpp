@@ -16,7 +16,7 @@ Scenario takingInAttempts(std::vector<std::size_t> counts, std::uint32_t timeout
   return scenario;
 }
 
-TEST(RetryingWriter, SendsTheCommandInOneAttemptAndTellsEveryStep) {
+TEST(RetryingWriter, SendsTheCommandInOneAttemptAndLogsEveryStep) {
   const Outcome run = Scenario::in(lineMode).run(writeWithRetry(bytes("1b 06")));
   EXPECT_EQ(run.result, "2");
   EXPECT_EQ(run.all(), text(R"(
@@ -262,7 +262,7 @@ void checkEverySplit(const Bytes& whole, const std::vector<std::size_t>& counts,
   }
 }
 
-TEST(RetryingWriter, DoesForEverySplitOfEveryCommandWhatItsContractSays) {
+TEST(RetryingWriter, KeepsItsContractForEverySplitOfEveryCommand) {
   for (std::size_t length = 0; length <= 13; ++length) {
     Bytes whole(length);
     std::iota(whole.begin(), whole.end(), std::uint8_t{1});

@@ -51,7 +51,7 @@ TEST(Selection, TakesTheFirstPrinterWithoutAPortName) {
   EXPECT_EQ(chosen(choosing(std::nullopt, {printer(1), printer(2)})), 1U);
 }
 
-TEST(Selection, TellsWhatItTakes) {
+TEST(Selection, LogsItsChoice) {
   const Outcome run = choosing("BT:", {printer(1)}).run(open());
   EXPECT_EQ(run.records("open71"), text(R"(
     Start |
@@ -139,7 +139,7 @@ TEST(Selection, FindsTheAddressOfAnAccessoryWhoseOtherTextsLookLikeOne) {
   EXPECT_EQ(chosen(choosing("BT:12:34:56:78:9A:BC", {odd})), 0U);
 }
 
-TEST(Selection, TellsWhyAnAddressDoesNotFit) {
+TEST(Selection, LogsWhyAnAddressDoesNotFit) {
   AccessoryIdentity other = printer(1);
   other.address = "00:11:22:33:44:55";
   const Outcome run = choosing("BT:00:11:22:33:44:66", {other, printer(2)}).run(open());
@@ -164,7 +164,7 @@ TEST(Selection, TellsWhyAnAddressDoesNotFit) {
   )"));
 }
 
-TEST(Selection, TakesOnlyADesignationThatIsAnAddressAndNothingElse) {
+TEST(Selection, TakesADesignationThatIsAnAddressOnly) {
   AccessoryIdentity addressed = printer(1);
   addressed.address = "00:11:22:33:44:55";
   const Outcome run = choosing("BT:x 00:11:22:33:44:55", {addressed}).run(open());
@@ -231,7 +231,7 @@ TEST(Selection, TakesOnlyAccessoriesThatAnnounceTheProtocol) {
   EXPECT_NE(run.calls().find("accessory.openSession com.quordalvane.receipt\n"), std::string::npos);
 }
 
-TEST(Selection, GoesOnBehindADesignatedAccessoryThatDoesNotQualify) {
+TEST(Selection, ContinuesAfterADesignatedAccessoryThatDoesNotQualify) {
   AccessoryIdentity foreign = printer(1);
   foreign.name = "Twin";
   foreign.manufacturer = "other";

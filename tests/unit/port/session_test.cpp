@@ -78,7 +78,7 @@ TEST(Session, IsConnectedOnlyFromOpenToClose) {
   EXPECT_EQ(run.result, "false; true; true; true; false");
 }
 
-TEST(Session, TellsThatItIsNotConnectedWithoutAnAccessory) {
+TEST(Session, IsNotConnectedWithoutAnAccessory) {
   const Outcome run = closed().run(isConnected());
   EXPECT_EQ(run.all(), text(R"(
     Start isConnected |
@@ -102,7 +102,7 @@ TEST(Session, IsReplacedByOpeningAgainWithoutAClose) {
   EXPECT_NE(calls.find("session.release"), std::string::npos) << "the old one is not leaked";
 }
 
-TEST(Session, BehavesAsNoneAfterAReopenThatMatchedNothing) {
+TEST(Session, IsMissingAfterAReopenThatMatchedNothing) {
   ScriptedWorld world;
   const auto port =
       ExternalAccessoryPort::initWithPortName("BT:", "", 0, ZKEmulationQuorLine, world.platform());
@@ -202,7 +202,7 @@ class CountingSession : public ForwardingSession {
   int& abandoned_;
 };
 
-TEST(Session, IsAbandonedWithTheOutputWhereThereIsOne) {
+TEST(Session, IsAbandonedWithTheOutputIfThereIsASession) {
   int abandoned = 0;
   ScriptedWorld world({}, {shopPrinter()},
                       SessionsChanged::layer([&abandoned](std::shared_ptr<EASession> next) {
@@ -285,7 +285,7 @@ struct Raised {
 
 class SessionThatRaises : public testing::TestWithParam<Raised> {};
 
-TEST_P(SessionThatRaises, MakesOpenFalseAndIsTold) {
+TEST_P(SessionThatRaises, MakesOpenFalseAndIsLogged) {
   Scenario scenario = closed();
   scenario.layer = raising(true, GetParam().kind);
   const Outcome run = scenario.runOnPort(open());
@@ -316,7 +316,7 @@ INSTANTIATE_TEST_SUITE_P(
                            "Throws exception, class: quordalvane::test::(anonymous "
                            "namespace)::Surprise"}));
 
-TEST(Session, ClearsItsPropertiesAlsoWhenClosingRaises) {
+TEST(Session, ClearsItsPropertiesEvenIfClosingThrows) {
   Scenario scenario = closed();
   scenario.layer = raising(false, Raise::Other);
   const Outcome run = scenario.runOnPort(inTurn({open(), close()}));

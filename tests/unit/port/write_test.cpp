@@ -9,7 +9,7 @@ Scenario open() {
   return Scenario::in(lineMode);
 }
 
-TEST(Write, OffersTheWholeBufferAndTellsEveryStep) {
+TEST(Write, OffersTheWholeBufferAndLogsEveryStep) {
   const Outcome run = open().run(write(bytes("1b 06 01")));
   EXPECT_EQ(run.result, "3");
   EXPECT_EQ(run.all(), text(R"(
@@ -27,7 +27,7 @@ TEST(Write, OffersTheWholeBufferAndTellsEveryStep) {
   )"));
 }
 
-TEST(Write, WaitsOneSliceForSpaceAndReturns0WhenThereIsNone) {
+TEST(Write, WaitsOneSliceForSpaceAndReturns0WithoutAny) {
   Scenario scenario = open();
   scenario.script.hasNoSpace();
   const Outcome run = scenario.run(write(bytes("41")));
@@ -43,7 +43,7 @@ TEST(Write, WaitsOneSliceForSpaceAndReturns0WhenThereIsNone) {
   )"));
 }
 
-TEST(Write, GoesOnAsSoonAsThereIsSpaceWithinTheSlice) {
+TEST(Write, ContinuesAsSoonAsThereIsSpaceWithinTheSlice) {
   Scenario scenario = open();
   scenario.script.hasNoSpace(0.03);
   const Outcome run = scenario.run(inTurn({write(bytes("41")), getOnlineStatus()}));
@@ -134,7 +134,7 @@ TEST(Write, ReturnsMinus1WhenTheStreamReportsAnError) {
   )"));
 }
 
-TEST(Write, TellsTheRestOfTheBufferWhenALaterChunkFails) {
+TEST(Write, LogsTheRestOfTheBufferWhenALaterChunkFails) {
   Scenario scenario = open();
   scenario.script.takesAtMost(2).writeReturns(2, -1);
   const Outcome run = scenario.run(write(bytes("41 42 43 44 45")));
@@ -164,7 +164,7 @@ TEST(Write, TakesEveryByteValue) {
   EXPECT_EQ(run.sent(), all);
 }
 
-TEST(Write, StaysInsideItsBuffersWhateverTheStreamSaysItTook) {
+TEST(Write, ReadsNoByteBeyondItsBuffersForAnyCountTaken) {
   for (const std::int64_t count : {std::int64_t{-2}, std::int64_t{-100}, std::int64_t{4},
                                    std::int64_t{1000000}, INT64_MAX, INT64_MIN}) {
     Scenario scenario = open();

@@ -11,7 +11,7 @@
 namespace quordalvane::posix {
 namespace {
 
-TEST(PosixClock, TellsTheTimeOfDay) {
+TEST(PosixClock, GivesTheTimeOfDay) {
   const std::time_t before = std::time(nullptr);
   const TimeValue now = PosixClock().gettimeofday();
   EXPECT_GE(now.tv_sec + 1, before);  // the coarse clock may be a moment behind or ahead

@@ -101,7 +101,7 @@ TEST(ConnectToAny, PassesOverAnAddressThatNeverAnswersWithHalfOfItsTimeLeft) {
   EXPECT_LT(watch.seconds(), 4);
 }
 
-TEST(ConnectToAny, RaisesWhatTheLastAddressFailedWith) {
+TEST(ConnectToAny, ThrowsTheErrorOfTheLastAddress) {
   const SocketAddress refusing = at(closedPort());
   EXPECT_THAT(failure([=] {
                 connectToAny({refusing, refusing}, SteadyClock::now() + 5s);

@@ -56,7 +56,7 @@ class TcpDescriptor : public testing::Test {
   std::uint8_t buffer_[16] = {};
 };
 
-TEST_F(TcpDescriptor, ReceivesWhatIsThereAndSaysWhenNothingIs) {
+TEST_F(TcpDescriptor, ReceivesTheBytesThatArrivedAndReportsIfThereAreNone) {
   EXPECT_EQ(socket_.receive(buffer_, sizeof buffer_), -1);
   EXPECT_EQ(errno, EAGAIN);
   deviceWrites("abc", 3);
@@ -99,7 +99,7 @@ TEST_F(TcpDescriptor, TheEndOfTheStreamEndsAWait) {
   EXPECT_LT(watch.seconds(), atOnce);
 }
 
-TEST_F(TcpDescriptor, TheEndOfTheStreamIsNoInterruptionWhateverTheLastErrorWas) {
+TEST_F(TcpDescriptor, TheEndOfTheStreamIsNoInterruptionAfterAnyError) {
   ::close(std::exchange(device_, -1));
   ASSERT_EQ(receiveUntil(inAnHour()), 0);
   errno = EINTR;

@@ -106,7 +106,7 @@ TEST_F(LingerTest, EndsAtTheDeadlineAndNotBefore) {
   EXPECT_LT(watch.seconds(), atOnce);
 }
 
-TEST_F(LingerTest, ThrowsAwayWhatTheDeviceSaid) {
+TEST_F(LingerTest, ThrowsAwayTheDevicesBytes) {
   const std::vector<std::uint8_t> words(10'000, 'd');
   ASSERT_EQ(::write(device(), words.data(), words.size()), static_cast<ssize_t>(words.size()));
   lingered();

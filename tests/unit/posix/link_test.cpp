@@ -51,7 +51,7 @@ class LinkTest : public testing::Test {
   int ends_[2] = {-1, -1};
 };
 
-TEST_F(LinkTest, AReplyEndsTheWaitForItWhenItComes) {
+TEST_F(LinkTest, AReplyEndsTheWaitForIt) {
   ASSERT_EQ(ask(), 1);
   SleepingThread waiting([this] {
     const Stopwatch watch;
@@ -189,7 +189,7 @@ TEST_F(LinkTest, AWriteErrorEndsTheLinkThoughTheDeviceCouldStillSend) {
   EXPECT_EQ(ask(), -1);
 }
 
-TEST_F(LinkTest, WhatWasReadAheadBeforeARequestIsNotTakenForItsAnswer) {
+TEST_F(LinkTest, BytesReadAheadBeforeARequestAreNotTakenForItsAnswer) {
   deviceWrites(3);
   ASSERT_TRUE(input->hasBytesAvailable());
   ASSERT_EQ(ask(), 1);
@@ -206,18 +206,18 @@ TEST_F(LinkTest, AWaiterThatTurnsInALoopSeesEachByteAtOnceThoughNobodyWasAsked) 
   EXPECT_TRUE(input->hasBytesAvailable());
 }
 
-TEST_F(LinkTest, AReadTakesWhatIsThereThoughNobodyAskedWhetherThereIsAnything) {
+TEST_F(LinkTest, AReadTakesBytesWithoutAQuestionForThem) {
   deviceWrites(1);
   EXPECT_EQ(input->read(&byte, 1), 1);
   EXPECT_EQ(byte, 'd');
 }
 
-TEST_F(LinkTest, ALossIsSeenByTheFirstWhoAsksThoughNobodyReads) {
+TEST_F(LinkTest, ALossIsSeenByTheFirstQuestionWithoutARead) {
   ASSERT_EQ(::shutdown(device(), SHUT_WR), 0);
   EXPECT_FALSE(accessory.isConnected());
 }
 
-TEST_F(LinkTest, AWriteErrorLeavesNothingOfWhatWasKnownOfTheInput) {
+TEST_F(LinkTest, AWriteErrorForgetsTheStateOfTheInput) {
   EXPECT_FALSE(input->hasBytesAvailable());
   deviceWrites(3);
   ASSERT_EQ(::shutdown(device(), SHUT_RD), 0);
@@ -248,7 +248,7 @@ TEST(LinkAccessory, RefusesAProtocolThatItDoesNotAnnounceWithoutConnecting) {
   EXPECT_NE(accessory.lastError().find("com.example.other"), std::string::npos);
 }
 
-TEST(LinkAccessory, TellsWhyItCouldNotConnectUntilItCan) {
+TEST(LinkAccessory, GivesTheReasonOfItsFailureUntilItConnects) {
   bool reachable = false;
   LinkAccessory accessory(AccessoryIdentity{}, [&] {
     if (!reachable) {
@@ -267,7 +267,7 @@ TEST(LinkAccessory, TellsWhyItCouldNotConnectUntilItCan) {
   EXPECT_FALSE(accessory.lastErrorCode());
 }
 
-TEST(LinkAccessory, TellsAReasonWithoutACodeAsSuch) {
+TEST(LinkAccessory, GivesAReasonWithoutACode) {
   LinkAccessory accessory(AccessoryIdentity{}, []() -> Descriptor {
     throw std::runtime_error("no reason in particular");
   });

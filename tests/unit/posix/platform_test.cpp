@@ -47,7 +47,7 @@ TEST(PosixPlatform, KnowsTheMainThread) {
   std::thread([&] { EXPECT_FALSE(platform.isMainThread()); }).join();
 }
 
-TEST(PosixPlatform, IgnoresTheSignalOfABrokenPipeEachTimeItIsTold) {
+TEST(PosixPlatform, IgnoresTheSignalOfABrokenPipeAtEachCall) {
   PosixPlatform platform;
   for (int i = 0; i < 2; ++i) {
     std::signal(SIGPIPE, SIG_DFL);

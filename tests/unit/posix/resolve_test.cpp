@@ -29,7 +29,7 @@ TEST(Resolve, AnAddressInFiguresIsTakenAsItIs) {
   EXPECT_EQ(asIPv4(addresses[0]).sin_port, htons(9100));
 }
 
-TEST(Resolve, TakesLongAddressesToo) {
+TEST(Resolve, AlsoTakesLongAddresses) {
   const auto addresses = resolve("::1", 9100, SteadyClock::now() + 5s);
   ASSERT_EQ(addresses.size(), 1U);
   EXPECT_EQ(addresses[0].storage.ss_family, AF_INET6);
@@ -45,7 +45,7 @@ TEST(Resolve, ANameThatCanBelongToNobodyIsAnError) {
   }
 }
 
-TEST(Resolve, ALookupThatDoesNotEndIsLeftBehindAtTheDeadline) {
+TEST(Resolve, ALookupThatDoesNotEndIsAbandonedAtTheDeadline) {
   std::promise<void> release;
   std::promise<void> left;
   const Stopwatch watch;
@@ -62,7 +62,7 @@ TEST(Resolve, ALookupThatDoesNotEndIsLeftBehindAtTheDeadline) {
   left.get_future().wait();
 }
 
-TEST(Resolve, WhatALookupHasComeToIsReturnedOrRaised) {
+TEST(Resolve, TheResultOfALookupIsReturnedOrThrown) {
   const SteadyTime deadline = SteadyClock::now() + 5s;
   EXPECT_EQ(
       lookUpUntil(deadline, [] { return LookupResult{std::vector<SocketAddress>(3)}; }).size(), 3U);

@@ -74,7 +74,7 @@ TEST(RunLoop, ASliceOfNoTimeOrLessReturnsAtOnce) {
   onThread(slices);
 }
 
-TEST(RunLoop, AwaitsTheStreamForWhatIsLeftOfTheSlice) {
+TEST(RunLoop, AwaitsTheStreamForTheRestOfTheSlice) {
   const auto slice = [] {
     RecordingStream stream;
     const Stopwatch watch;
@@ -87,7 +87,7 @@ TEST(RunLoop, AwaitsTheStreamForWhatIsLeftOfTheSlice) {
   onThread(slice);
 }
 
-TEST(RunLoop, RunsWhatWasCarriedBeforeItAwaitsTheStream) {
+TEST(RunLoop, RunsCarriedRoutinesBeforeItAwaitsTheStream) {
   bool ran = false;
   std::atomic<bool> carried = false;
   std::atomic<bool> turned = false;
@@ -132,7 +132,7 @@ TEST(RunLoop, ACarriedRoutineWakesALongSlice) {
   }
 }
 
-TEST(RunLoop, ASliceThatIsOverLeavesWhatArrivedMeanwhileToTheNext) {
+TEST(RunLoop, AFinishedSliceLeavesLaterRoutinesToTheNext) {
   std::atomic<bool> secondRan = false;
   bool secondRanInFirstSlice = false;
   PosixThread thread([&] {

@@ -120,7 +120,7 @@ TEST(Serial, APrinterThatStopsTheFlowLosesNothing) {
   EXPECT_EQ(printed, job);
 }
 
-TEST(Serial, ASecondUserIsRefusedAndToldSo) {
+TEST(Serial, ASecondUserIsRefusedWithTheReason) {
   const Line line;
   const Descriptor first = openSerial(line.path());
   EXPECT_THAT(failure(line.path()), AllOf(HasSubstr(line.path()), HasSubstr("in use by")));
@@ -214,7 +214,7 @@ TEST(Serial, TheProgramThatUsesTheLineIsNamed) {
                     HasSubstr("(process " + std::to_string(other.process()) + ")")));
 }
 
-TEST(Serial, AnExclusiveModeThatAKilledProgramLeftIsNoObstacleForThoseWhoMayOpen) {
+TEST(Serial, TheExclusiveModeOfAKilledProgramIsNoObstacleForRoot) {
   const Line line;
   const int left = ::open(line.path().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
   ASSERT_EQ(::ioctl(left, TIOCEXCL), 0);

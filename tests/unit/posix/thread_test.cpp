@@ -135,7 +135,7 @@ TEST(PosixThread, RunsARoutineDirectlyWhenItIsCalledOnItself) {
   }));
 }
 
-TEST(PosixThread, CarriesAnExceptionBackAndGoesOn) {
+TEST(PosixThread, CarriesAnExceptionBackAndContinues) {
   TurningThread turning;
   EXPECT_THROW(turning.thread.performAndWait([] { throw std::out_of_range("far"); }),
                std::out_of_range);
@@ -244,7 +244,7 @@ TEST(PosixThread, ThatTheSystemCannotCreateSaysSoAndReleasesItsBody) {
   EXPECT_FALSE(ran);
 }
 
-TEST(PosixThread, ThatCannotBeCreatedStrandsNobodyWhoCallsItMeanwhile) {
+TEST(PosixThread, ThatCannotBeCreatedReturnsToEveryCaller) {
   std::atomic<PosixThread*> target = nullptr;
   std::atomic<bool> stop = false;
   std::atomic<int> performed = 0;

@@ -21,7 +21,7 @@ Bytes randomBytes(std::mt19937_64& chance, std::size_t most) {
   return bytes;
 }
 
-TEST(ArbitraryBytes, AreTakenAndThePaperStaysAsLongAsWhatWasPrinted) {
+TEST(ArbitraryBytes, AreTakenAndThePaperIsAsLongAsItsPrint) {
   std::mt19937_64 chance(1);
   for (int run = 0; run < 5'000; ++run) {
     Session session;
@@ -46,7 +46,7 @@ TEST(ArbitraryBytes, GiveTheSamePaperAndRepliesInOnePieceAndByteByByte) {
   }
 }
 
-TEST(ArbitraryBytes, ANewLinkIsAnsweredWhateverTheLastOneLeft) {
+TEST(ArbitraryBytes, ANewLinkIsAnsweredAfterAnyLastOne) {
   std::mt19937_64 chance(3);
   for (int run = 0; run < 2'000; ++run) {
     Session session(PrinterBuilder().speed(100));
@@ -85,7 +85,7 @@ TEST(ArbitraryBytes, ACommandNeverNeedsLessThanItHasUnlessItIsComplete) {
   }
 }
 
-TEST(ArbitraryBytes, AHugeCountTakesNoMemoryUntilItsBytesCome) {
+TEST(ArbitraryBytes, AHugeCountTakesNoMemoryUntilItsBytesArrive) {
   Session session;
   session.send("1d384c ffffffff 30 70");
   session.send("1d7630 00 ffff ffff");

@@ -21,7 +21,7 @@ TEST(BluetoothModule, AnswersCommandsAfterTheEscapeSequenceBetweenItsGuardTimes)
   EXPECT_TRUE(session.printer.printed().empty());
 }
 
-TEST(BluetoothModule, ACommandMayComeInPieces) {
+TEST(BluetoothModule, ACommandMayArriveInPieces) {
   Session session;
   enterCommandMode(session);
   session.send(ascii("AT*AI"));
@@ -74,7 +74,7 @@ struct Near {
   const char* printed;
 };
 
-TEST(BluetoothModule, TakesForDataWhatIsNotQuiteTheEscapeSequence) {
+TEST(BluetoothModule, TakesAnIncompleteEscapeSequenceForData) {
   const Near cases[] = {
       {"too little silence before", 999ms, "///", 2s, "", "x///"},
       {"too little silence after", 1s, "///", 999ms, "y", "x///y"},
@@ -97,7 +97,7 @@ TEST(BluetoothModule, TakesForDataWhatIsNotQuiteTheEscapeSequence) {
   }
 }
 
-TEST(BluetoothModule, TheEscapeSequenceMayComeInPieces) {
+TEST(BluetoothModule, TheEscapeSequenceMayArriveInPieces) {
   Session session;
   session.wait(1s);
   session.send(ascii("/"));

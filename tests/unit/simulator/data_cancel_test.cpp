@@ -13,7 +13,7 @@ PrinterBuilder slow() {
   return PrinterBuilder().speed(10);
 }
 
-TEST(DataCancel, DropsWhatIsReceivedAndNotYetPrintedWithItsEtbs) {
+TEST(DataCancel, DropsReceivedDataThatIsNotPrintedWithItsEtbs) {
   Session session(slow());
   session.send(ascii("0123456789") + hex("17 1b1d03010000"));
   session.wait(300ms);
@@ -28,7 +28,7 @@ TEST(DataCancel, DropsWhatIsReceivedAndNotYetPrintedWithItsEtbs) {
   EXPECT_EQ(session.printer.state().etbCounter, 1);
 }
 
-TEST(DataCancel, ActsWhereverItStandsAndHoweverItIsSplit) {
+TEST(DataCancel, ActsAtAnyPlaceAndInAnyPieces) {
   for (std::size_t at = 0; at <= 6; ++at) {
     Session session(slow());
     const Bytes command = hex(dataCancel);
@@ -71,7 +71,7 @@ TEST(DataCancel, LeavesThePrintSideAtTheStartOfACommand) {
   EXPECT_EQ(std::get<TextRun>(std::get<Line>(items[0]).items[0].content).text, U"hello");
 }
 
-TEST(DataTimeout, DropsWhatIsHeldAndAllThatFollowsUntilTheEndOfTheDataCancel) {
+TEST(DataTimeout, DropsAllDataUntilTheEndOfTheDataCancel) {
   Session session(slow().coverOpen());
   session.send(hex(fiveSeconds) + hex(dataCancel) + ascii("held") + hex("17"));
   EXPECT_EQ(session.link->nextEvent(session.now), session.now + 5s);
@@ -103,7 +103,7 @@ TEST(DataTimeout, CountsFromTheLastByteReceived) {
   EXPECT_EQ(session.printer.buffered(), 0U);
 }
 
-TEST(DataTimeout, WhatWasPrintedBeforeItStruckStaysPrinted) {
+TEST(DataTimeout, EarlierPrintRemainsOnPaper) {
   Session session(slow());
   session.send(hex(fiveSeconds) + hex(dataCancel) + Bytes(100, 'x'));
   session.wait(1h);

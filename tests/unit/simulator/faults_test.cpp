@@ -21,7 +21,7 @@ Faults also(Faults faults, std::string_view name, std::string_view value) {
   return faults;
 }
 
-TEST(Faults, AreToldToTheBuilderByTheirOwnWordOrAsASetting) {
+TEST(Faults, AreGivenToTheBuilderByTheirOwnCallOrAsASetting) {
   const PrinterBuilder builder =
       PrinterBuilder().fault("short-writes", "3").seed(5).set("late-reply", "20").set("seed", "7");
   ASSERT_EQ(builder.faults().list.size(), 2U);
@@ -52,7 +52,7 @@ TEST(Faults, ThereIsNoSpaceForAWhileAfterTheGivenByte) {
   EXPECT_EQ(session.link->nextEvent(session.now), std::nullopt);
 }
 
-TEST(Faults, ALateReplyComesExactlySoMuchLater) {
+TEST(Faults, ALateReplyArrivesExactlySoMuchLater) {
   Session session(with("late-reply", "700"));
   EXPECT_EQ(session.ask(statusRequest), Bytes{});
   EXPECT_EQ(session.link->nextEvent(session.now), session.now + 700ms);
@@ -62,7 +62,7 @@ TEST(Faults, ALateReplyComesExactlySoMuchLater) {
   EXPECT_EQ(session.receive(), statusBlock);
 }
 
-TEST(Faults, ALateReplyHoldsUpTheOnesBehindIt) {
+TEST(Faults, ALateReplyDelaysTheLaterOnes) {
   Session session(with("late-reply", "700@1"));
   session.send("100401");
   session.wait(100ms);
@@ -72,7 +72,7 @@ TEST(Faults, ALateReplyHoldsUpTheOnesBehindIt) {
   EXPECT_EQ(session.ask("100401"), hex("12"));
 }
 
-TEST(Faults, ASplitReplyComesInPiecesAtTheGivenOffsets) {
+TEST(Faults, ASplitReplyArrivesInPiecesAtTheGivenOffsets) {
   Session session(with("split-reply", "1/8"));
   EXPECT_EQ(session.ask(statusRequest), hex("89"));
   session.wait(50ms);
@@ -81,14 +81,14 @@ TEST(Faults, ASplitReplyComesInPiecesAtTheGivenOffsets) {
   EXPECT_EQ(session.receive(), hex("05"));
 }
 
-TEST(Faults, ADuplicateReplyComesTwice) {
+TEST(Faults, ADuplicateReplyArrivesTwice) {
   Session session(with("duplicate-reply", "2"));
   EXPECT_EQ(session.ask(statusRequest), statusBlock);
   EXPECT_EQ(session.ask(statusRequest), statusBlock + statusBlock);
   EXPECT_EQ(session.ask(statusRequest), statusBlock);
 }
 
-TEST(Faults, ADroppedReplyDoesNotCome) {
+TEST(Faults, ADroppedReplyDoesNotArrive) {
   Session once(with("drop-reply", "1"));
   EXPECT_EQ(once.ask(statusRequest), Bytes{});
   EXPECT_EQ(once.ask(statusRequest), statusBlock);
@@ -117,7 +117,7 @@ TEST(Faults, ACorruptReplyHasOneWrongBitThatTheSeedDecides) {
             replies.end());
 }
 
-TEST(Faults, AStrayByteComesBeforeAReply) {
+TEST(Faults, AStrayByteArrivesBeforeAReply) {
   Session session(with("stray-byte", "1b@2"));
   EXPECT_EQ(session.ask("100401"), hex("12"));
   EXPECT_EQ(session.ask("100401"), hex("1b 12"));
@@ -139,7 +139,7 @@ TEST(Faults, FaultsOnOneReplyAddUp) {
   EXPECT_EQ(session.receive(), hex("ff12 ff12"));
 }
 
-TEST(Faults, TheLinkIsCutAfterExactlySoManyBytesInAndWhatWasAnsweredCanBeRead) {
+TEST(Faults, TheLinkIsCutAfterExactlySoManyBytesInAndItsAnswersCanBeRead) {
   Session session(with("cut-after-in", "5"));
   EXPECT_EQ(session.link->write(hex("100401") + ascii("abc"), session.now), 5U);
   EXPECT_TRUE(session.link->dropped(session.now));
@@ -151,7 +151,7 @@ TEST(Faults, TheLinkIsCutAfterExactlySoManyBytesInAndWhatWasAnsweredCanBeRead) {
   EXPECT_EQ(session.printer.printed(), ascii("ab"));
 }
 
-TEST(Faults, ALinkCutAtOnceLosesWhatWasNotRead) {
+TEST(Faults, ALinkCutAtOnceLosesUnreadBytes) {
   Session session(with("cut-after-in", "3:at-once"));
   session.send("100401");
   EXPECT_FALSE(session.link->connected(session.now));
@@ -199,7 +199,7 @@ TEST(Faults, OfSeveralShortWritesTheShortestHolds) {
   }
 }
 
-TEST(Faults, ALinkCutBeforeTheFirstByteIsThereAndGoneAtOnce) {
+TEST(Faults, ALinkCutBeforeTheFirstByteEndsAtOnce) {
   Session session(with("cut-after-in", "0"));
   EXPECT_FALSE(session.link->connected(session.now));
   EXPECT_EQ(session.link->space(session.now), 0U);
@@ -213,7 +213,7 @@ TEST(Faults, ThePrinterThatPrintsNothingTakesEverythingAnswersAndDoesNotCount) {
   EXPECT_EQ(session.link->space(session.now), session.printer.state().bufferSize());
 }
 
-TEST(Faults, WhatIsLostIsDecidedForACommandWhereItBegins) {
+TEST(Faults, TheBeginningOfACommandDecidesWhetherItIsLost) {
   const Bytes image = hex("1d7630 00 0a00 0a00") + Bytes(100, 0x17);
   const std::span<const std::uint8_t> bytes(image);
   const struct {
@@ -239,7 +239,7 @@ TEST(Faults, WhatIsLostIsDecidedForACommandWhereItBegins) {
   }
 }
 
-TEST(Faults, ALinkThatEndsInAnImageThatIsLostLeavesNothingBehind) {
+TEST(Faults, ALinkThatEndsInALostImageLeavesNoState) {
   Session session(with("prints-nothing", "true"));
   session.send(hex("1d7630 00 0a00 0a00") + Bytes(50, 0x17));
   session.faults = {};
@@ -276,7 +276,7 @@ TEST(Faults, AScriptRunsTheSameWhenNobodyLooks) {
   EXPECT_EQ(session.printer.printed().size(), 30U);
 }
 
-TEST(Faults, AFaultCanComeWhileTheLinkLivesAndAllCanBeTakenAway) {
+TEST(Faults, FaultsCanBeAddedAndClearedDuringALink) {
   Session session;
   for (const auto& [name, value] : {std::pair{"silence", "1"},
                                     {"short-writes", "1"},

@@ -54,7 +54,7 @@ TEST(Picture, IsAsWideAsThePaperWithItsMargins) {
   EXPECT_EQ(Print(ascii("x\n"), PrinterBuilder()).picture().width, 576U + 2 * leftEdge);
 }
 
-TEST(Picture, GoesOnBehindABarcodeWithLettersBeyondAscii) {
+TEST(Picture, ContinuesAfterABarcodeWithLettersBeyondAscii) {
   const Print print(ascii("text\n") + hex("1d4802 1d6b49 04 7b42e941") + ascii("text\n") +
                     hex("1d6b04 41 42 00") + ascii("last line\n"));
   constexpr unsigned barcode = 162 + 24 + 3 * 6;  // with its text, and the space around both
@@ -64,7 +64,7 @@ TEST(Picture, GoesOnBehindABarcodeWithLettersBeyondAscii) {
   EXPECT_GT(print.darkIn(0, 60 + 2 * barcode, 120, 24), 50U) << "the last line";
 }
 
-TEST(Canvas, DrawsOnBehindWhatIsNoCharacter) {
+TEST(Canvas, ContinuesAfterAnInvalidCharacter) {
   Canvas canvas(100, 24, 0xffffff);
   canvas.text(std::u32string{0xd800, 0xffffffe9, 0x110000, U'\0'}, TextStyle{}, 0, 0, 0);
   canvas.fill(90, 0, 10, 24, 0);
@@ -99,7 +99,7 @@ TEST(Picture, OfABitImageReadsItsColumnsFromTheTop) {
   EXPECT_EQ(print.row(23, 0, 4), "#...");
 }
 
-TEST(Picture, OfAStoredImageComesWhenItIsPrintedAndStandsWhereItIsAligned) {
+TEST(Picture, OfAStoredImageIsDrawnWhenPrintedAndAligned) {
   const Print print(hex("1b6101 1d284c 0b00 30 70 30 01 01 31 0800 0100 99 1d284c 0200 30 32"));
   EXPECT_EQ(print.row(0, 188, 8), "#..##..#");
   EXPECT_EQ(print.darkIn(0, 0, 384, 4), 4U);
@@ -149,7 +149,7 @@ TEST(Picture, FeedsByTheDotsThatAreAskedFor) {
   EXPECT_EQ(print.darkIn(0, 7, 384, 1), 8U);
 }
 
-TEST(Picture, TakesThePaperApartWhereItWasCut) {
+TEST(Picture, DividesThePaperAtEachCut) {
   const unsigned whole = Print(ascii("a\nb\n")).picture().height;
   const unsigned partly = Print(ascii("a\n") + hex("1d5601") + ascii("b\n")).picture().height;
   const unsigned apart = Print(ascii("a\n") + hex("1d5600") + ascii("b\n")).picture().height;
@@ -169,7 +169,7 @@ TEST(Picture, OfABarCodeHasItsBarsHeightAndPlace) {
   EXPECT_EQ(print.darkIn(0, top + 16, 384, 4), 0U);
 }
 
-TEST(Picture, ShowsTheTextOfABarCodeWhereItIsWanted) {
+TEST(Picture, ShowsTheTextOfABarCodeAtTheWantedPlace) {
   const auto inkAround = [](const char* place) {
     const Print print(hex(place) + hex("1d6840 1d6b 45 03 41 42 43"));
     return std::pair{print.picture().height, print.darkIn(0, 6, 384, 24)};
@@ -219,7 +219,7 @@ TEST(Symbols, EachSymbologyTakesDataOfItsKind) {
   }
 }
 
-TEST(Symbols, DataThatASymbologyCannotHoldGivesNone) {
+TEST(Symbols, DataThatASymbologyCannotHoldGivesNoSymbol) {
   Barcode barcode;
   barcode.symbology = Symbology::Ean13;
   barcode.data = "12a";
@@ -287,7 +287,7 @@ TEST(Picture, BecomesAPngFile) {
   EXPECT_EQ(Bytes(png.begin(), png.begin() + 8), hex("89504e47 0d0a1a0a"));
 }
 
-TEST(PictureDeathTest, ComesOutOnAMachineWithoutFonts) {
+TEST(PictureDeathTest, IsDrawnOnAMachineWithoutFonts) {
 #if defined(__SANITIZE_THREAD__)
   GTEST_SKIP() << "the drawing library takes its own locks in another order where it finds no font";
 #endif

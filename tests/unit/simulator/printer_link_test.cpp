@@ -71,7 +71,7 @@ TEST(AFullPrinter, HearsRequestsInOnePieceAndByteByByte) {
   }
 }
 
-TEST(AFullPrinter, TakesNoPrintDataAndNothingBehindIt) {
+TEST(AFullPrinter, TakesNoPrintDataAndNoLaterByte) {
   for (const char* data : {"78 100402", "17 100402", "1b45 01 100402"}) {
     Session session(standing());
     ASSERT_TRUE(session.send(Bytes(16, 'x')));
@@ -96,7 +96,7 @@ TEST(AFullPrinter, HearsADataCancelAndHasSpaceAgain) {
   EXPECT_EQ(session.link->space(session.now), 16U);
 }
 
-TEST(AFullPrinter, IsStillBehindALinkWithItsFaults) {
+TEST(AFullPrinter, HasTheFaultsOfItsLink) {
   Session slow(standing(), with("short-writes", "2"));
   while (slow.send(ascii("xx"))) {
   }

@@ -11,7 +11,7 @@ PrinterBuilder slow() {
   return PrinterBuilder().speed(10).buffer(100);
 }
 
-TEST(Printing, WhatIsSentIsPrintedOnceAndInOrder) {
+TEST(Printing, DataIsPrintedOnceAndInOrder) {
   Session session;
   Bytes job = ascii("A line\n") + hex("1d7630 00 0100 0200 1b17") + hex("1b45 01") + ascii("x\n");
   for (std::uint8_t byte : job)
@@ -27,7 +27,7 @@ TEST(Printing, CommandsToTheMachineAreNotPrintData) {
   EXPECT_EQ(session.printer.printed(), ascii("abcd"));
 }
 
-TEST(Printing, BytesInsideACountedPayloadAreDataAndNothingElse) {
+TEST(Printing, BytesInsideACountedPayloadAreDataOnly) {
   const char* trap = "17 100401 1b0601 1b1d03030000 1b1d03010000 1d4941 100402";
   const Bytes payload = hex(trap);
   ASSERT_EQ(payload.size(), 25U);
@@ -103,13 +103,13 @@ TEST(Printing, BytesInsideABarcodeThatEndsWithAZeroAreData) {
   EXPECT_EQ(session.printer.state().etbCounter, 1);
 }
 
-TEST(Printing, TheMakersCommandIsToldFromABitImage) {
+TEST(Printing, TheMakersCommandIsDistinguishedFromABitImage) {
   Session session;
   EXPECT_EQ(session.ask("1b2a 21 0100 1b0601 1b2a7242 1b0601").size(), 9U)
       << "the first request is image data";
 }
 
-TEST(Printing, PrintDataIsRememberedOnlyWhereThatIsWanted) {
+TEST(Printing, PrintDataIsKeptOnlyIfThatIsWanted) {
   VirtualPrinter printer(PrinterBuilder().state());
   PrinterLink link(printer, 0s);
   EXPECT_EQ(link.write(hex("1b401b40") + ascii("text\n"), 0s), 9U);
@@ -189,7 +189,7 @@ TEST(Printing, AnEtbCountsWhenEverythingBeforeItHasBeenPrinted) {
   EXPECT_EQ(etbCounterOf(session.ask(statusRequest)), 2);
 }
 
-TEST(Printing, TheReportOfAnEtbComesUnaskedAtItsTime) {
+TEST(Printing, TheReportOfAnEtbIsSentUnaskedAtItsTime) {
   Session session(slow());
   session.send(ascii("0123") + hex("1b1d03010000"));
   EXPECT_EQ(session.link->nextEvent(session.now), session.now + 1s);
@@ -216,7 +216,7 @@ TEST(Printing, StatusIsAnsweredWhileDataIsHeld) {
   EXPECT_EQ(session.printer.buffered(), 10U);
 }
 
-TEST(Printing, AnOffLinePrinterKeepsWhatItHoldsCountsNoEtbAndPrintsOnWhenItIsReady) {
+TEST(Printing, AnOffLinePrinterKeepsItsDataAndPrintsItWhenItIsReady) {
   Session session(slow());
   session.send(ascii("0123456789") + hex("17"));
   session.wait(300ms);
@@ -253,7 +253,7 @@ TEST(Printing, ANewSpeedHoldsFromItsInstantOn) {
   EXPECT_EQ(session.link->space(session.now), 100U);
 }
 
-TEST(Printing, WhatAHostLeftGoesOnPrintingAfterItHungUp) {
+TEST(Printing, TheDataOfAHostIsPrintedAfterItHungUp) {
   Session session(slow());
   session.send(ascii("0123456789"));
   session.wait(200ms);

@@ -67,7 +67,7 @@ TEST(Proofs, AnUnknownDataCancelDropsNothing) {
   EXPECT_THAT(renderText(session.printer.paper()), HasSubstr("kept"));
 }
 
-TEST(ProcessId, ComesBackAfterAllThatWasSentBeforeItWasPrinted) {
+TEST(ProcessId, IsReturnedAfterAllEarlierDataIsPrinted) {
   Session session(PrinterBuilder().speed(10));
   session.send(ascii("0123456789\n"));
   EXPECT_EQ(session.ask(askId), Bytes{});
@@ -122,7 +122,7 @@ TEST(InOrderStatus, WaitsWhileThePrinterIsOffLine) {
   EXPECT_EQ(session.receive(), hex("00"));
 }
 
-TEST(UnaskedStatus, ComesAtOnceAndAtEachChangeUntilItIsEnded) {
+TEST(UnaskedStatus, IsSentAtOnceAndAtEachChangeUntilItIsEnded) {
   Session session;
   EXPECT_EQ(session.ask("1d61ff"), hex("10 00 00 00"));
   session.printer.setFlag("coverOpen", true, session.now);
@@ -148,7 +148,7 @@ TEST(UnaskedStatus, EndsWithItsConnection) {
   EXPECT_EQ(session.receive(), Bytes{});
 }
 
-TEST(ClearBuffer, DropsWhatIsHeldAndSaysSo) {
+TEST(ClearBuffer, DropsTheDataAndConfirmsIt) {
   Session session(PrinterBuilder().coverOpen());
   session.send(ascii("dropped\n"));
   session.send(askId);
@@ -197,7 +197,7 @@ TEST(ProofFaults, AWrongIdIsWellFormedAndNotTheOneThatWasSent) {
   }
 }
 
-TEST(ProofFaults, AForeignReplyComesBeforeTheRightOne) {
+TEST(ProofFaults, AForeignReplyPrecedesTheRightOne) {
   Session id(with("foreign-reply", "process-id"));
   const Bytes both = id.ask(askId);
   ASSERT_EQ(both.size(), 2 * idReport.size());

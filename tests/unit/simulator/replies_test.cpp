@@ -133,7 +133,7 @@ TEST(Replies, EveryFlagHasItsOwnBit) {
   }
 }
 
-TEST(Replies, CoverPaperAndErrorsMakeThePrinterOffLineByThemselvesAndNothingElseDoes) {
+TEST(Replies, OnlyCoverPaperAndErrorsMakeThePrinterOffLine) {
   for (std::size_t k = 0; k < flagCount; ++k) {
     const auto flag = static_cast<Flag>(k);
     const bool error = flag >= Flag::OverTemp && flag <= Flag::VoltageError;

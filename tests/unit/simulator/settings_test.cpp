@@ -14,7 +14,7 @@ namespace {
 using testing::HasSubstr;
 using testing::ThrowsMessage;
 
-TEST(Settings, EachKeyChangesWhatItNames) {
+TEST(Settings, EachKeyChangesItsValue) {
   PrinterState state;
   state.set("coverOpen", "true");
   state.set("firmware", "Ver 2.10");
@@ -79,7 +79,7 @@ TEST(Settings, AWrongValueIsRefusedWithTheKeyAndTheValuesItTakes) {
   }
 }
 
-TEST(Settings, WhatIsRefusedIsToldInATextThatCanBeShown) {
+TEST(Settings, ARefusalHasAPrintableText) {
   const std::string odd = "\x1b[31m\a\x7f\xc2\x9b\n";
   const auto printable = [](char c) { return c >= ' ' && c <= '~'; };
   const auto expectShown = [&](const auto& refused) {

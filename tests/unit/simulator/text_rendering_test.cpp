@@ -110,7 +110,7 @@ TEST(TextRendering, WidePaperHas48Columns) {
             std::string(48, 'x') + "\nx\n");
 }
 
-TEST(TextRendering, InitialisingForgetsWhatTheLastJobSet) {
+TEST(TextRendering, InitialisingForgetsTheSettingsOfTheLastJob) {
   EXPECT_EQ(printed(hex("1b6102 1d2111 1b3300") + hex("1b40") + ascii("a\n\nb\n")), "a\n\nb\n");
 }
 
@@ -133,13 +133,13 @@ TEST(TextRendering, ACutInTheSamePlaceIsOneCut) {
   EXPECT_NE(printed(ascii("a\n") + hex("1d56 01 1d56 01")), once);
 }
 
-TEST(Text, IsUtf8WhereItIsValidAndCodePage437WhereItIsNot) {
+TEST(Text, IsUtf8IfItIsValidAndOtherwiseCodePage437) {
   EXPECT_EQ(printed(ascii("Caf\xc3\xa9 5 \xe2\x82\xac\n")), "Café 5 €\n");
   EXPECT_EQ(printed(hex("43 61 66 82 20 9c 35 0a")), "Café £5\n");
   EXPECT_EQ(printed(hex("da c4 c4 bf 0a c0 c4 c4 d9 0a c9 cd cd bb 0a")), "┌──┐\n└──┘\n╔══╗\n");
 }
 
-TEST(Text, IsReadFromUtf8AndWrittenInItWhateverStandsThere) {
+TEST(Text, IsReadAndWrittenInUtf8ForAnyBytes) {
   EXPECT_EQ(fromUtf8("A\x7f\u00e9\u20ac\U0001f600"), U"A\x7f\u00e9\u20ac\U0001f600");
   EXPECT_EQ(fromUtf8("\xe9"
                      "A\xe2\x82"),

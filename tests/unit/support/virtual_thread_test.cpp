@@ -46,7 +46,7 @@ TEST_F(VirtualThreads, TakeNothingWhenTheyHaveEnded) {
   EXPECT_FALSE(thread_->performAndWait([] { FAIL() << "was performed"; }));
 }
 
-TEST_F(VirtualThreads, TellACallerThatTakesNoTurnsThatItCannotWait) {
+TEST_F(VirtualThreads, RefuseAWaitOfACallerThatTakesNoTurns) {
   ASSERT_TRUE(thread_->start());
   std::thread([&] {
     EXPECT_THROW(thread_->performAndWait([] { FAIL() << "was performed"; }), std::logic_error);
