@@ -3,7 +3,9 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
+#include <quordalvane/QuorExport.h>
 #include <quordalvane/QuorIOPort.h>
 
 #include "iphone-IOPort/ZKQuorIOResultCode.h"
@@ -18,6 +20,9 @@ enum class PrintOutcome {
                 ///< not
   Refused,      ///< no byte of the job was sent: sending it again is safe
 };
+
+/// "printed", "unconfirmed", "refused".
+QUOR_EXPORT std::string_view nameOf(PrintOutcome outcome);
 
 /// Why a job was not printed, as far as a program must distinguish the cases.
 enum class PrintObstacle {

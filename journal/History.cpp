@@ -3,21 +3,10 @@
 #include <algorithm>
 #include <chrono>
 
+#include "job/PrintResult.h"
 #include "job/Words.h"
 
 namespace quordalvane {
-
-std::string nameOf(PrintOutcome outcome) {
-  switch (outcome) {
-    case PrintOutcome::Printed:
-      return "printed";
-    case PrintOutcome::Unconfirmed:
-      return "unconfirmed";
-    case PrintOutcome::Refused:
-      break;
-  }
-  return "refused";
-}
 
 const Attempt& decisive(const std::vector<Attempt>& attempts) {
   for (const JobState state : {JobState::Printed, JobState::Unconfirmed}) {

@@ -4,16 +4,12 @@
 #include <string>
 #include <vector>
 
-#include "job/PrintJob.h"
 #include "journal/Attempt.h"
 #include "journal/Journal.h"
 
 namespace quordalvane {
 
 // What the attempts at one job add up to.
-
-/// As a row tells an outcome.
-std::string nameOf(PrintOutcome outcome);
 
 /// The attempt that decides what is known of a job: the one that printed it; otherwise the last one
 /// of which bytes may be on paper; otherwise the last one. The attempts must not be empty.

@@ -21,18 +21,6 @@
 namespace quordalvane::tool {
 namespace {
 
-std::string nameOf(PrintOutcome outcome) {
-  switch (outcome) {
-    case PrintOutcome::Printed:
-      return "printed";
-    case PrintOutcome::Unconfirmed:
-      return "unconfirmed";
-    case PrintOutcome::Refused:
-      break;
-  }
-  return "refused";
-}
-
 ExitCode codeOfRefusal(PrintObstacle obstacle) {
   switch (obstacle) {
     case PrintObstacle::PrinterNotReady:
@@ -78,7 +66,7 @@ Report reportOn(const PrintResult& result) {
     report.text = "printed: the printer confirmed all " + grouped(result.bytesTotal) + " bytes\n";
   } else {
     setFailed(report, codeOf(result), printable(result.reason));
-    report.error = nameOf(result.outcome) + ": " + printable(result.reason) +
+    report.error = std::string(nameOf(result.outcome)) + ": " + printable(result.reason) +
                    "\n  next: " + printable(result.advice);
   }
   return report;
