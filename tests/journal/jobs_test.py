@@ -106,6 +106,20 @@ class Jobs(Case):
         self.assertExit(2, run("-d", "virtual:", "print", "-", "--again", data=RECEIPT))
         self.assertExit(2, run("-d", "virtual:", "print", "-", "--journal", self.journal, data=RECEIPT))
 
+    def test_every_answer_of_a_print_under_a_name_has_its_keys(self):
+        for arguments in (("-d", "virtual:", "print", "--job", "one"),  # no file
+                          ("print", "-", "--job", "one"),  # no device
+                          ("-d", "virtual:", "print", self.folder / "missing", "--job", "one"),
+                          ("-d", "virtual:", "print", "-", "--job=one", "--no-such-option"),
+                          ("-d", "pigeon:", "print", "-", "--job", "two", "--job", "one")):
+            result = run(*arguments, "--json", data=RECEIPT)
+            self.assertExit(2, result)
+            answer = result.json()
+            self.assertEqual({key: answer[key] for key in KEYS}, {"job": "one", "attempt": 0, "repeated": False}, arguments)
+            self.assertEqual((answer["outcome"], answer["bytesAccepted"]), ("refused", 0))
+        self.assertEqual(run("print", "--json", "--job").json()["job"], "")
+        self.assertNotIn("job", run("print", "--json").json())
+
     def test_a_journal_that_cannot_be_kept_sends_nothing(self):
         simulator = self.simulator()
         for journal in (self.file("other", b"no database at all\n" * 100), self.file("empty", b""), "/proc/jobs.db",

@@ -194,11 +194,16 @@ class StandardStreams(Case):
                 self.assertExit(1, result)
                 self.assertIn("standard output", result.err)
 
-    def test_a_printed_job_remains_printed_if_nobody_reads_the_answer(self):
+    def test_a_printed_job_whose_result_nobody_can_read_ends_as_unconfirmed(self):
+        for options in ((), ("--json",)):
+            with open("/dev/full", "wb") as full:
+                result = run("-d", "virtual:", "print", "-", *options, data=b"text\n", stdout=full)
+            self.assertExit(6, result)
+            self.assertIn("the result could not be written to standard output: No space left", result.err)
+
+    def test_a_job_that_was_not_printed_keeps_its_status_when_nobody_can_read_it(self):
         with open("/dev/full", "wb") as full:
-            result = run("-d", "virtual:", "print", "-", data=b"text\n", stdout=full)
-        self.assertExit(0, result)
-        self.assertIn("standard output", result.err)
+            self.assertExit(4, run("-d", "virtual:coverOpen=true", "print", "-", data=b"text\n", stdout=full))
 
     def test_a_reader_that_has_left_does_not_kill_the_command(self):
         reader, writer = os.pipe()

@@ -223,4 +223,18 @@ bool askForJson(const std::vector<std::string>& arguments) {
   return std::find(arguments.begin(), end, "--json") != end;
 }
 
+std::optional<std::string> jobNamedIn(const std::vector<std::string>& arguments) {
+  constexpr std::string_view option = "--job";
+  std::optional<std::string> job;  // the last one counts
+  const auto end = std::find(arguments.begin(), arguments.end(), "--");
+  for (auto argument = arguments.begin(); argument != end; ++argument) {
+    if (argument->starts_with("--job=")) {
+      job = argument->substr(option.size() + 1);
+    } else if (*argument == option) {
+      job = std::next(argument) == end ? "" : *std::next(argument);
+    }
+  }
+  return job;
+}
+
 }  // namespace quordalvane::tool

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -26,5 +27,9 @@ const Command* commandNamedIn(const std::vector<std::string>& arguments);
 
 /// Whether the arguments ask for JSON, even if the rest of them makes no sense.
 bool askForJson(const std::vector<std::string>& arguments);
+
+/// The name of the job that the arguments give, even if the rest of them makes no sense; null if
+/// they give none.
+std::optional<std::string> jobNamedIn(const std::vector<std::string>& arguments);
 
 }  // namespace quordalvane::tool

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -42,8 +43,9 @@ Report buttonSecurity(const Options& options, const Surroundings& surroundings);
 Report disconnect(const Options& options, const Surroundings& surroundings);
 
 /// The answer of a print job that never began: refused, with every key of an answer of `print`.
-/// `bytesTotal` is the size of the job, 0 if it is not known.
-Report refusedJob(ExitCode code, const std::string& error, std::uint64_t bytesTotal);
+/// `bytesTotal` is the size of the job, 0 if it is not known; `job` its name, null without one.
+Report refusedJob(ExitCode code, const std::string& error, std::uint64_t bytesTotal,
+                  const std::optional<std::string>& job);
 
 Report doctor(const Options& options, const Surroundings& surroundings);
 

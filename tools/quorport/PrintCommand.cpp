@@ -184,7 +184,7 @@ Report printNamed(const std::vector<std::uint8_t>& data,
     if (failure.code() != ExitCode::NoJournal) {
       named.refuse(failure.what());
     }
-    report = refusedJob(failure.code(), failure.what(), data.size());
+    report = refusedJob(failure.code(), failure.what(), data.size(), options.print.job);
   }
   named.addTo(report);
   return report;
@@ -216,27 +216,21 @@ void requireDevice(const Options& options) {
   }
 }
 
-// Nothing came of it: under a name, no attempt either.
-Report unsent(ExitCode code, const std::string& error, std::uint64_t bytesTotal,
-              const PrintOptions& options) {
-  Report report = refusedJob(code, error, bytesTotal);
-  if (options.job) {
-    report.json["job"] = *options.job;
-    report.json["attempt"] = 0;
-    report.json["repeated"] = false;
-  }
-  return report;
-}
-
 }  // namespace
 
-Report refusedJob(ExitCode code, const std::string& error, std::uint64_t bytesTotal) {
+Report refusedJob(ExitCode code, const std::string& error, std::uint64_t bytesTotal,
+                  const std::optional<std::string>& job) {
   PrintResult result;
   result.bytesTotal = bytesTotal;
   result.reason = error;
   Report report = reportOn(result);
   report.code = code;
   report.error = error;
+  if (job) {
+    report.json["job"] = *job;
+    report.json["attempt"] = 0;
+    report.json["repeated"] = false;
+  }
   return report;
 }
 
@@ -244,11 +238,11 @@ Report print(const Options& options, const Surroundings& surroundings) {
   requireDevice(options);
   const auto data = readJob(options.print.file, surroundings.streams);
   surroundings.interruption->setReport(
-      unsent(ExitCode::Interrupted, "interrupted", data.size(), options.print));
+      refusedJob(ExitCode::Interrupted, "interrupted", data.size(), options.print.job));
   try {
     return printData(data, options, surroundings);
   } catch (const CommandFailure& failure) {
-    return unsent(failure.code(), failure.what(), data.size(), options.print);
+    return refusedJob(failure.code(), failure.what(), data.size(), options.print.job);
   }
 }
 

@@ -43,7 +43,7 @@ void nameDevice(Report& report, const std::optional<std::string>& device) {
   }
 }
 
-bool deliver(const Report& report, bool asJson, const Streams& streams) {
+std::error_code deliver(const Report& report, bool asJson, const Streams& streams) {
   const bool hasObject = asJson && !report.json.empty();
   const std::string object = hasObject ? inOneLine(report.json) + "\n" : "";
   const WriteOutcome outcome = writeAll(streams.out, asJson ? object : report.text);
@@ -54,7 +54,7 @@ bool deliver(const Report& report, bool asJson, const Streams& streams) {
     complain("the result could not be written to standard output: " + outcome.error.message(),
              streams);
   }
-  return !outcome.error;
+  return outcome.error;
 }
 
 }  // namespace quordalvane::tool

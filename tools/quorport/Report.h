@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
+#include <system_error>
 
 #include "tools/quorport/ExitCode.h"
 #include "tools/quorport/Json.h"
@@ -35,7 +36,8 @@ std::string labelOf(const std::optional<std::string>& device);
 void nameDevice(Report& report, const std::optional<std::string>& device);
 
 /// Writes the report: its text, or with `asJson` its object, to standard output; its error to
-/// standard error. False if standard output did not take it; standard error then names the cause.
-bool deliver(const Report& report, bool asJson, const Streams& streams);
+/// standard error. The error is why standard output did not take it, which standard error also
+/// says.
+std::error_code deliver(const Report& report, bool asJson, const Streams& streams);
 
 }  // namespace quordalvane::tool

@@ -3,7 +3,9 @@
 #include <cstdlib>
 #include <exception>
 #include <memory>
+#include <optional>
 #include <string>
+#include <system_error>
 #include <variant>
 
 #include "iphone-IOPort/LogWriter.h"
@@ -25,9 +27,10 @@ struct Answer {
   CommandKind kind;
 };
 
-// What a command answers that did not begin.
-Report refusal(CommandKind kind, ExitCode code, const std::string& error) {
-  return kind == CommandKind::Printing ? refusedJob(code, error, 0) : failed(code, error);
+// What a command answers that did not begin; `job` is the name of a job, null without one.
+Report refusal(CommandKind kind, ExitCode code, const std::string& error,
+               const std::optional<std::string>& job) {
+  return kind == CommandKind::Printing ? refusedJob(code, error, 0, job) : failed(code, error);
 }
 
 // For the moment when nothing is open: nothing need be undone.
@@ -39,15 +42,16 @@ Report refusal(CommandKind kind, ExitCode code, const std::string& error) {
 }
 
 Report reportOf(const Order& order, const Surroundings& surroundings) {
+  const auto& job = order.options.print.job;
   try {
     const LogOutput log(order.options, surroundings.streams);
     return order.command->run(order.options, surroundings);
   } catch (const Interrupted&) {
     return surroundings.interruption->report();
   } catch (const CommandFailure& failure) {
-    return refusal(order.command->kind, failure.code(), failure.what());
+    return refusal(order.command->kind, failure.code(), failure.what(), job);
   } catch (const std::exception& error) {
-    return refusal(order.command->kind, ExitCode::ExchangeFailed, printable(error.what()));
+    return refusal(order.command->kind, ExitCode::ExchangeFailed, printable(error.what()), job);
   }
 }
 
@@ -55,7 +59,7 @@ Report reportOf(const Order& order, const Streams& streams) {
   const bool asJson = order.options.json;
   const CommandKind kind = order.command->kind;
   const auto interruption = std::make_shared<Interruption>(
-      refusal(kind, ExitCode::Interrupted, "interrupted"),
+      refusal(kind, ExitCode::Interrupted, "interrupted", order.options.print.job),
       [asJson, streams](const Report& report) { leaveAtOnce(report, asJson, streams); });
   Report report;
   {
@@ -97,19 +101,27 @@ Answer answerTo(const std::vector<std::string>& arguments, const Streams& stream
   }
   const Command* const command = commandNamedIn(arguments);
   const CommandKind kind = command == nullptr ? CommandKind::Question : command->kind;
-  return {refusal(kind, code, error), askForJson(arguments), kind};
+  return {refusal(kind, code, error, jobNamedIn(arguments)), askForJson(arguments), kind};
+}
+
+// The exit status of a command that is done, and whose result nobody could read. Who asked a
+// question must not take silence for an answer. Who prints must not print again, and must not take
+// the job for printed unseen, either; unless the result was never wanted.
+ExitCode codeOfLostResult(CommandKind kind, const std::error_code& error) {
+  if (kind != CommandKind::Printing) {
+    return ExitCode::ExchangeFailed;
+  }
+  const bool isClosed = error == std::errc::bad_file_descriptor;
+  return isClosed ? ExitCode::Done : ExitCode::Unconfirmed;
 }
 
 }  // namespace
 
 int run(const std::vector<std::string>& arguments, const Streams& streams) {
   const Answer answer = answerTo(arguments, streams);
-  const bool delivered = deliver(answer.report, answer.asJson, streams);
-  // Who asked a question and got no answer must not take it for one. What was printed, on the other
-  // hand, is printed, and a script that sends it again would print it twice.
-  const bool isLost = !delivered && answer.kind != CommandKind::Printing;
-  const bool isDone = answer.report.code == ExitCode::Done;
-  return static_cast<int>(isLost && isDone ? ExitCode::ExchangeFailed : answer.report.code);
+  const std::error_code error = deliver(answer.report, answer.asJson, streams);
+  const bool isLost = error && answer.report.code == ExitCode::Done;
+  return static_cast<int>(isLost ? codeOfLostResult(answer.kind, error) : answer.report.code);
 }
 
 }  // namespace quordalvane::tool
