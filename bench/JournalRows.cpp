@@ -96,7 +96,7 @@ void execute(const Database& database, const std::string& sql) {
 
 std::string rowOf(int job, const std::string& ended) {
   return "INSERT INTO attempt VALUES ('receipt " + std::to_string(job) +
-         "', 1, 450, zeroblob(32), 'virtual:', 1700000000000, " + ended + ", '');";
+         "', 1, 450, zeroblob(32), 'virtual:', 1700000000000, " + ended + ", '', 'block', 0);";
 }
 
 /// The same two commits for each job: the row that begins it with its seal, then both replaced.

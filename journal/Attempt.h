@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "job/PrintResult.h"
 #include "journal/Fingerprint.h"
 
 namespace quordalvane {
@@ -19,6 +20,11 @@ struct Attempt {
   std::string outcome = {};                ///< "" until it is known, then a `PrintOutcome`'s name
   std::uint64_t bytesAccepted = 0;         ///< as in `PrintResult`
   std::string reason = {};                 ///< as in `PrintResult`
+
+  /// The name of the proof that was used, as in `PrintResult`; "" of an attempt of a time when the
+  /// journal did not keep it, and the obstacle is then NoProof.
+  std::string proof = {};
+  PrintObstacle obstacle = PrintObstacle::NoProof;  ///< as in `PrintResult`, once it has ended
 };
 
 }  // namespace quordalvane

@@ -35,6 +35,16 @@ std::string reasonOf(const Attempt& attempt) {
                                  : attempt.reason;
 }
 
+ProofKind proofOf(const Attempt& attempt) {
+  for (const ProofKind kind :
+       {ProofKind::Block, ProofKind::ProcessId, ProofKind::InOrder, ProofKind::None}) {
+    if (attempt.proof == nameOf(kind)) {
+      return kind;
+    }
+  }
+  return ProofKind::Auto;
+}
+
 JobRecord recordOf(const std::vector<Attempt>& attempts, bool isBeingPrinted) {
   const Attempt& decided = isBeingPrinted ? attempts.back() : decisive(attempts);
   JobRecord record;

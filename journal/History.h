@@ -21,6 +21,9 @@ JobState stateOf(const Attempt& attempt);
 /// Why it was not printed, for a person.
 std::string reasonOf(const Attempt& attempt);
 
+/// The proof that it used; Auto as long as it has chosen none, and if that was not kept.
+ProofKind proofOf(const Attempt& attempt);
+
 /// The job of these attempts, whose process may live.
 JobRecord recordOf(const std::vector<Attempt>& attempts, bool isBeingPrinted);
 

@@ -27,7 +27,8 @@ std::optional<ByteLock> claimed(const Journal& journal, const NamedJobRequest& r
 PrintResult unconfirmed(const Attempt& attempt, const std::string& reason) {
   PrintResult result;
   result.outcome = PrintOutcome::Unconfirmed;
-  result.obstacle = PrintObstacle::NoProof;
+  result.obstacle = attempt.obstacle;
+  result.proof = proofOf(attempt);
   result.bytesTotal = attempt.data.bytes;
   // How many went out of an attempt that has no end is not known, except that all may have.
   result.bytesAccepted = attempt.ended ? attempt.bytesAccepted : attempt.data.bytes;
@@ -39,6 +40,7 @@ PrintResult unconfirmed(const Attempt& attempt, const std::string& reason) {
 PrintResult printed(const Attempt& attempt) {
   PrintResult result;
   result.outcome = PrintOutcome::Printed;
+  result.proof = proofOf(attempt);
   result.resultCode = ZKQuorIOResultCodeSuccess;
   result.bytesTotal = attempt.data.bytes;
   result.bytesAccepted = attempt.bytesAccepted;
@@ -57,6 +59,7 @@ NamedJob::NamedJob(Journal& journal, NamedJobRequest request, std::span<const st
   attempt_->device = request_.device;
   attempt_->data = fingerprintOf(data);
   attempt_->begun = millisecondsNow();
+  attempt_->proof = nameOf(ProofKind::Auto);
   const auto attempts = journal_.attemptsOf(request_.name);
   checkData(attempts);
   attempt_->number = attempts.empty() ? 1 : attempts.back().number + 1;
@@ -152,6 +155,8 @@ NamedJobResult NamedJob::recordEnd(const PrintResult& result) {
   ended.outcome = nameOf(result.outcome);
   ended.bytesAccepted = result.bytesAccepted;
   ended.reason = result.reason;
+  ended.proof = nameOf(result.proof);
+  ended.obstacle = result.obstacle;
   NamedJobResult named{.result = result, .attempt = ended.number};
   try {
     if (hasBegun_) {

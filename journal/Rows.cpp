@@ -6,12 +6,12 @@ namespace quordalvane {
 namespace {
 
 constexpr auto everyRow =
-    "SELECT name, number, bytes, sha256, device, begun, ended, outcome, accepted, reason "
-    "FROM attempt ORDER BY name, number";
+    "SELECT name, number, bytes, sha256, device, begun, ended, outcome, accepted, reason, proof, "
+    "obstacle FROM attempt ORDER BY name, number";
 
 constexpr auto rowsOfOneName =
-    "SELECT name, number, bytes, sha256, device, begun, ended, outcome, accepted, reason "
-    "FROM attempt WHERE name = ? ORDER BY number";
+    "SELECT name, number, bytes, sha256, device, begun, ended, outcome, accepted, reason, proof, "
+    "obstacle FROM attempt WHERE name = ? ORDER BY number";
 
 Attempt rowAt(const Statement& found) {
   Attempt row;
@@ -26,6 +26,8 @@ Attempt rowAt(const Statement& found) {
   row.outcome = found.text(7);
   row.bytesAccepted = static_cast<std::uint64_t>(found.number(8));
   row.reason = found.text(9);
+  row.proof = found.text(10);
+  row.obstacle = static_cast<PrintObstacle>(found.number(11));
   return row;
 }
 
@@ -53,7 +55,7 @@ void insertRow(Database& database, const Attempt& row) {
   database
       .prepare(
           "INSERT INTO attempt (name, number, bytes, sha256, device, begun, ended, outcome, "
-          "accepted, reason) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)")
+          "accepted, reason, proof, obstacle) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)")
       .with(row.name)
       .with(row.number)
       .with(static_cast<std::int64_t>(row.data.bytes))
@@ -64,6 +66,8 @@ void insertRow(Database& database, const Attempt& row) {
       .with(row.outcome)
       .with(static_cast<std::int64_t>(row.bytesAccepted))
       .with(row.reason)
+      .with(row.proof)
+      .with(static_cast<std::int64_t>(row.obstacle))
       .step();
   changeSeal(database, row);
 }

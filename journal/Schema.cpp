@@ -3,6 +3,7 @@
 #include <iterator>
 
 #include "journal/JournalError.h"
+#include "journal/Seal.h"
 
 namespace quordalvane {
 namespace {
@@ -31,14 +32,23 @@ constexpr const char* steps[] = {
     INSERT INTO seal VALUES (zeroblob(32));
     PRAGMA application_id = 0x71756f72;
     )",
+    // An answer from the journal names the proof and the obstacle of the attempt that it tells of.
+    // The numbers of obstacles are those of the C interface; 5 is "no proof".
+    R"(
+    ALTER TABLE attempt ADD COLUMN proof TEXT NOT NULL DEFAULT '';
+    ALTER TABLE attempt ADD COLUMN obstacle INTEGER NOT NULL DEFAULT 5;
+    )",
 };
 
+// A journal that is found to be damaged is left as it was.
 void migrate(Database& database, std::int64_t version) {
+  database.execute("PRAGMA synchronous = FULL");
   Transaction transaction(database);
   for (; version < schemaVersion(); ++version) {
     database.execute(steps[version]);
   }
   database.execute(("PRAGMA user_version = " + std::to_string(version)).c_str());
+  checkSeal(database);
   transaction.commit();
 }
 
@@ -61,7 +71,6 @@ std::int64_t schemaVersion() {
 }
 
 void makeTables(Database& database) {
-  database.execute("PRAGMA synchronous = FULL");
   migrate(database, 0);
 }
 

@@ -28,6 +28,10 @@ Sha256::Digest digestOf(const Attempt& row) {
         row.outcome, std::to_string(row.bytesAccepted), row.reason}) {
     add(hash, text);
   }
+  if (!row.proof.empty()) {  // a row of the first version is sealed as that version did it
+    add(hash, row.proof);
+    add(hash, std::to_string(static_cast<int>(row.obstacle)));
+  }
   return hash.digest();
 }
 

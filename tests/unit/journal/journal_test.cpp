@@ -76,14 +76,14 @@ TEST_F(AJournal, IsInTheStateFolderByDefault) {
   EXPECT_THROW(Journal::defaultFile(), JournalError);
 }
 
-TEST_F(AJournal, HasItsVersionFromTheFirstDay) {
+TEST_F(AJournal, HasItsVersion) {
   { const Journal journal(file); }
   sqlite3* database = nullptr;
   ASSERT_EQ(sqlite3_open(file.c_str(), &database), SQLITE_OK);
   sqlite3_stmt* statement = nullptr;
   sqlite3_prepare_v2(database, "PRAGMA user_version", -1, &statement, nullptr);
   EXPECT_EQ(sqlite3_step(statement), SQLITE_ROW);
-  EXPECT_EQ(sqlite3_column_int(statement, 0), 1);
+  EXPECT_EQ(sqlite3_column_int(statement, 0), 2);
   sqlite3_finalize(statement);
   sqlite3_close(database);
 }

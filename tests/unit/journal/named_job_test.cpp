@@ -66,6 +66,25 @@ TEST_P(OnceOnly, APrintedNameIsAnsweredAtOnceAndSendsNothing) {
   EXPECT_EQ(till.printed(), receiptText);
 }
 
+TEST_P(OnceOnly, AnAnswerNamesTheProofAndTheObstacleOfItsAttempt) {
+  const auto first = print(till, "receipt 1");
+  ASSERT_NE(first.result.proof, ProofKind::Auto);
+  EXPECT_EQ(print(till, "receipt 1").result.proof, first.result.proof);
+  EXPECT_EQ(print(till, "receipt 1").result.obstacle, PrintObstacle::None);
+  const ByteBuffer data(3000, 'x');
+  Till cut(simulator::PrinterBuilder().speed(500).buffer(1000), {.emulation = GetParam()});
+  cut.port->close();
+  cut.accessory->setFaults(with("at", "2000:cut=drain"));
+  ASSERT_TRUE(cut.port->open());
+  const auto lost = print(cut, "receipt 2", false, data);
+  ASSERT_EQ(lost.result.outcome, PrintOutcome::Unconfirmed);
+  ASSERT_EQ(lost.result.obstacle, PrintObstacle::LinkLost);
+  const auto second = print(till, "receipt 2", false, data);
+  EXPECT_EQ(second.result.obstacle, PrintObstacle::LinkLost);
+  EXPECT_EQ(second.result.proof, lost.result.proof);
+  EXPECT_EQ(second.result.advice, lost.result.advice);
+}
+
 TEST_P(OnceOnly, APrintedNameIsNotPrintedAgainEvenIfThatIsAskedFor) {
   print(till, "receipt 1");
   EXPECT_TRUE(print(till, "receipt 1", true).isRepeated);
