@@ -49,7 +49,7 @@ def soak() -> Portions:
 
 def processes(script: str, **environment) -> Step:
     here = {"QUORPORT": str(ROOT / "build/bin/quorport"), "KILL_AT": str(ROOT / "build/bin/kill_at"),
-            "PYTHONPATH": str(ROOT / "tests/tools")}
+            "FAULTY_STORAGE": str(ROOT / "build/bin/libfaulty_storage.so"), "PYTHONPATH": str(ROOT / "tests/tools")}
     return Step((sys.executable, "-B", f"tests/journal/{script}"), here | environment)
 
 
@@ -103,7 +103,7 @@ ROWS = (
         "copies, never `printed` without paper",
         (processes("kill_sweep_test.py", QUOR_KILL_POINTS=(16, "all", "all")),
          processes("crowd_test.py", QUOR_CROWD_NAMES=(40, 1000, 1000)),
-         tests("build/bin/journal_tests")), WHOLE_ROW),
+         processes("command_storage_test.py"), tests("build/bin/journal_tests")), WHOLE_ROW),
     Row("coverage", "Branch coverage", "of the port, the parsers, the print job, the logger, the back ends, the C interface "
         "and the virtual printer's replies", (Step(python("coverage.py", "build-coverage")),), NOTHING),
     Row("mutation", "Mutation", "small changes of the same rooms, drawn by a seed, are noticed",
