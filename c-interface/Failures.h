@@ -5,12 +5,13 @@
 #include <stdexcept>
 #include <string>
 
-// Turns the exceptions of C++ into a code and a text.
+// Turns the exceptions of C++ into a code and a text. The library of the journal uses it as well, so
+// that quor_last_error tells of the latest call of either.
 
 namespace quordalvane::c {
 
 /// Ends a function of the interface with a code below 0 and the text for quor_last_error.
-class CallFailure : public std::runtime_error {
+class QUOR_EXPORT CallFailure : public std::runtime_error {
  public:
   CallFailure(QuorCode code, const std::string& text) : std::runtime_error(text), code_(code) {}
   QuorCode code() const noexcept { return code_; }
@@ -20,7 +21,7 @@ class CallFailure : public std::runtime_error {
 };
 
 /// Keeps the text of the exception that is being handled for quor_last_error and returns its code.
-QuorCode codeOfCurrentException() noexcept;
+QUOR_EXPORT QuorCode codeOfCurrentException() noexcept;
 
 /// Runs the body of a function of the interface, which returns if it has done its work and throws
 /// otherwise.

@@ -1,10 +1,14 @@
 #pragma once
 
+#include <atomic>
+#include <functional>
 #include <memory>
 #include <span>
+#include <utility>
 
 #include "c-interface/Failures.h"
 #include "iphone-IOPort/ExternalAccessoryPort.h"
+#include "job/PrintJob.h"
 
 namespace quordalvane::c {
 
@@ -43,6 +47,35 @@ class FunctionObserver : public TransferObserver {
 struct QuorPort {
   const std::shared_ptr<quordalvane::ExternalAccessoryPort> port;
   std::unique_ptr<quordalvane::c::FunctionObserver> observer;
+};
+
+struct QuorPrintJob {
+  using Progress = std::function<void(const quordalvane::PrintProgress&)>;
+
+  QuorPrintJob(std::shared_ptr<quordalvane::ExternalAccessoryPort> port,
+               quordalvane::ProofKind proof, Progress told)
+      : progress(std::move(told)),
+        job(std::move(port), {.proof = proof, .progress = [this](const auto& now) {
+                                if (progress) {
+                                  progress(now);
+                                }
+                              }}) {}
+
+  /// Before it runs. Raises QUOR_USAGE the second time. The number of bytes that an aborted run has
+  /// sent is unknown.
+  void begin(std::size_t size) {
+    if (hasRun.exchange(true)) {
+      throw quordalvane::c::CallFailure(QUOR_USAGE, "a job runs once");
+    }
+    result.outcome = quordalvane::PrintOutcome::Unconfirmed;
+    result.obstacle = quordalvane::PrintObstacle::ExchangeFailed;
+    result.bytesTotal = size;
+  }
+
+  Progress progress;  // empty if nobody wants it; a name adds to it before the run
+  quordalvane::PrintJob job;
+  quordalvane::PrintResult result;
+  std::atomic<bool> hasRun = false;
 };
 
 namespace quordalvane::c {

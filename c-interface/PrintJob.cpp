@@ -1,6 +1,3 @@
-#include "job/PrintJob.h"
-
-#include <atomic>
 #include <utility>
 
 #include "c-interface/Buffers.h"
@@ -9,15 +6,6 @@
 
 using namespace quordalvane;
 using namespace quordalvane::c;
-
-struct QuorPrintJob {
-  QuorPrintJob(std::shared_ptr<ExternalAccessoryPort> port, PrintJob::Options options)
-      : job(std::move(port), std::move(options)) {}
-
-  PrintJob job;
-  PrintResult result;
-  std::atomic<bool> hasRun = false;
-};
 
 namespace {
 
@@ -41,13 +29,14 @@ QuorCode quor_print_job_create(QuorPort* port, int32_t checked, QuorProgress pro
                                void* context, QuorPrintJob** job) {
   return guarded([&] {
     given(job, "the place for the job") = nullptr;
-    PrintJob::Options options{.proof = checked != 0 ? ProofKind::Auto : ProofKind::None};
+    QuorPrintJob::Progress told;
     if (progress != nullptr) {
-      options.progress = [progress, context](const PrintProgress& now) {
+      told = [progress, context](const PrintProgress& now) {
         progress(context, now.bytesAccepted, now.bytesTotal);
       };
     }
-    *job = new QuorPrintJob(given(port, "the port").port, std::move(options));
+    *job = new QuorPrintJob(given(port, "the port").port,
+                            checked != 0 ? ProofKind::Auto : ProofKind::None, std::move(told));
   });
 }
 
@@ -58,13 +47,7 @@ void quor_print_job_free(QuorPrintJob* job) {
 QuorCode quor_print_job_run(QuorPrintJob* job, const void* data, size_t size) {
   return guarded([&] {
     const auto bytes = copyOf(data, size);
-    if (given(job, "the job").hasRun.exchange(true)) {
-      throw CallFailure(QUOR_USAGE, "a job runs once");
-    }
-    // The number of bytes that an aborted run has sent is unknown.
-    job->result.outcome = PrintOutcome::Unconfirmed;
-    job->result.obstacle = PrintObstacle::ExchangeFailed;
-    job->result.bytesTotal = size;
+    given(job, "the job").begin(size);
     job->result = job->job.run(bytes);
   });
 }

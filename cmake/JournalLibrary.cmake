@@ -1,12 +1,15 @@
 # The journal as programs get it: a library of its own, so that a program without it loads no database.
 add_library(QuorJournal SHARED $<TARGET_OBJECTS:quor_journal> $<TARGET_OBJECTS:quor_locks>
+            $<TARGET_OBJECTS:quor_journal_c_interface>
             # What the library of the port keeps to itself.
-            $<FILTER:$<TARGET_OBJECTS:quor_job>,INCLUDE,/Advice|/Words>)
+            $<FILTER:$<TARGET_OBJECTS:quor_job>,INCLUDE,/Advice|/Words>
+            $<FILTER:$<TARGET_OBJECTS:quor_c_interface>,INCLUDE,/Buffers>)
 add_library(QuorIOPort::QuorJournal ALIAS QuorJournal)
 set_target_properties(QuorJournal PROPERTIES LINKER_LANGUAGE CXX VERSION ${PROJECT_VERSION}
                       SOVERSION ${PROJECT_VERSION_MAJOR}
-                      LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
-target_link_options(QuorJournal PRIVATE LINKER:--no-undefined)
+                      LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib
+                      LINK_DEPENDS ${export_map})
+target_link_options(QuorJournal PRIVATE LINKER:--version-script=${export_map} LINKER:--no-undefined)
 target_link_libraries(QuorJournal PUBLIC QuorIOPort PRIVATE PkgConfig::SQLITE PkgConfig::NETTLE)
 
 install(TARGETS QuorJournal EXPORT QuorIOPortTargets
@@ -17,3 +20,5 @@ foreach(header journal/Journal.h journal/JournalError.h journal/NamedJob.h
   install(FILES ${PROJECT_SOURCE_DIR}/${header}
           DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/quordalvane/${folder} COMPONENT development)
 endforeach()
+install(FILES include/quordalvane/QuorJournalC.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/quordalvane
+        COMPONENT development)

@@ -48,7 +48,8 @@ enum {
   QUOR_BUFFER_TOO_SMALL = -6, /**< `*length` is the number of bytes that there are */
   QUOR_NO_MEMORY = -7,        /**< memory ran out */
   QUOR_UNEXPECTED = -8,       /**< the system or a function of the caller's failed */
-  QUOR_NOT_READY = -9         /**< the printer is off line, and was not asked */
+  QUOR_NOT_READY = -9,        /**< the printer is off line, and was not asked */
+  QUOR_NO_JOURNAL = -10       /**< a journal of jobs cannot be kept, see QuorJournalC.h */
 };
 
 /** Why the calling thread's latest failed call failed, for a person; "" before the first. Never

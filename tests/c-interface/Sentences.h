@@ -14,13 +14,10 @@ typedef struct Sentence {
 #define SENTENCE(name) \
   { #name, name }
 
-/* A further function in a table's file that stands in no table is an unused one: it does not
- * compile. Each table ends in an empty sentence. */
-extern const Sentence portSentences[];
-extern const Sentence informationSentences[];
-extern const Sentence inquirySentences[];
-extern const Sentence jobSentences[];
-extern const Sentence loggingSentences[];
+/* Proves the sentence that the only argument names, one of those in `count` tables, and returns the
+ * exit status. A further function in a table's file that stands in no table is an unused one: it
+ * does not compile. Each table ends in an empty sentence. */
+int proveSentence(int argc, char** argv, const Sentence* const* tables, size_t count);
 
 /* Counts a failure, and tells it, unless the condition holds. */
 #define EXPECT(condition) expectThat((condition), #condition, __FILE__, __LINE__)

@@ -149,6 +149,35 @@ class C(ProgramTest):
         self.assertIn("pigeon", result.stderr)
 
 
+class Once(ProgramTest):
+    def outcome(self, device: str, name: str, text: str = "text\n") -> tuple[int, str, str]:
+        result = self.run_program(EXAMPLES / "print_once", device, name, text, self.folder / "jobs.db")
+        return result.returncode, result.stdout, result.stderr
+
+    def test_a_name_is_printed_once(self):
+        self.assertEqual(self.outcome("virtual:", "receipt 1"), (0, "printed\n", ""))
+        self.assertEqual(self.outcome("virtual:", "receipt 1"), (0, "printed before\n", ""))
+
+    def test_what_may_be_on_paper_is_not_sent_again(self):
+        for _ in range(2):
+            code, text, _ = self.outcome("virtual:,cut-after-in=300", "receipt 1", "text\n" * 100)
+            self.assertEqual(code, 6)
+            self.assertRegex(text, r"^call the staff: link lost after \d+ of 500 bytes")
+
+    def test_a_refused_name_is_printed_later(self):
+        code, text, _ = self.outcome("virtual:,coverOpen=true", "receipt 1")
+        self.assertEqual((code, text), (1, "refused: cover open\n"))
+        code, _, error = self.outcome(f"unix:{self.folder}/nobody", "receipt 1")
+        self.assertEqual(code, 1)
+        self.assertIn("cannot be reached", error)
+        self.assertEqual(self.outcome("virtual:", "receipt 1"), (0, "printed\n", ""))
+
+    def test_a_journal_that_cannot_be_kept_is_a_message(self):
+        result = self.run_program(EXAMPLES / "print_once", "virtual:", "receipt 1", "text\n", "/proc/jobs.db")
+        self.assertEqual(result.returncode, 2)
+        self.assertIn("the journal /proc/jobs.db: ", result.stderr)
+
+
 # An interpreter without a sanitizer cannot load a library with one.
 @unittest.skipIf("-fsanitize" in os.environ["CXXFLAGS"], "the library is built with a sanitizer")
 class Python(ProgramTest):

@@ -1,17 +1,16 @@
-"""The library exports the names in exported_symbols.txt and no others. Usage: exported_symbols.py ROOT LIBRARY
+"""A library exports the names in its list and no others. Usage: exported_symbols.py LIST HEADER LIBRARY
 
 What is marked QUOR_EXPORT is exported. The list shows each change of that: a name that goes away breaks
-programs that are built already. After a change that is meant, write the list anew with
+programs that are built already. HEADER is that of the library for C. After a change that is meant, write the
+list anew with
 
-    tests/install/exported_symbols.py --write ROOT LIBRARY
+    tests/install/exported_symbols.py --write LIST HEADER LIBRARY
 """
 
 import re
 import subprocess
 import sys
 from pathlib import Path
-
-LIST = Path(__file__).with_name("exported_symbols.txt")
 
 
 def exported(library: Path) -> list[str]:
@@ -25,13 +24,12 @@ def exported(library: Path) -> list[str]:
     return [name if name == meaning else f"{name}  # {meaning}" for name, meaning in zip(names, meanings, strict=True)]
 
 
-def declared_for_c(root: Path) -> set[str]:
-    header = (root / "include/quordalvane/QuorIOPortC.h").read_text()
-    return set(re.findall(r"^QUOR_EXPORT [^;(]*\b(\w+)\(", header, re.M))
+def declared_for_c(header: Path) -> set[str]:
+    return set(re.findall(r"^QUOR_EXPORT [^;(]*\b(\w+)\(", header.read_text(), re.M))
 
 
-def objections(root: Path, library: Path) -> list[str]:
-    agreed, there, for_c = set(LIST.read_text().splitlines()), set(exported(library)), declared_for_c(root)
+def objections(names: Path, header: Path, library: Path) -> list[str]:
+    agreed, there, for_c = set(names.read_text().splitlines()), set(exported(library)), declared_for_c(header)
     found = [f"is gone: {name}" for name in sorted(agreed - there)]
     found += [f"is exported and not listed: {name}" for name in sorted(there - agreed)]
     found += [f"is declared for C and not exported: {name}" for name in sorted(for_c - there)]
@@ -40,11 +38,11 @@ def objections(root: Path, library: Path) -> list[str]:
 
 def main(arguments: list[str]) -> int:
     writes = arguments[:1] == ["--write"]
-    root, library = map(Path, arguments[1:] if writes else arguments)
+    names, header, library = map(Path, arguments[1:] if writes else arguments)
     if writes:
-        LIST.write_text("\n".join(exported(library)) + "\n")
+        names.write_text("\n".join(exported(library)) + "\n")
         return 0
-    complaints = objections(root, library)
+    complaints = objections(names, header, library)
     print("\n".join(complaints + ([__doc__.strip()] if complaints else [])))
     return 1 if complaints else 0
 

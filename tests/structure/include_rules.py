@@ -45,7 +45,7 @@ NO_CLOCK_OR_LOCALE = NO_CLOCK + r"|\b(strto\w+|ato[fil]+|sto[fdil]+|s?n?(print|s
 
 RULES = (
     Rule("include", (), {"stdint.h"}),
-    Rule("include/quordalvane/QuorIOPortC.h", (PUBLIC,), {"stddef.h"}),
+    Rule("include/quordalvane/Quor*C.h", (PUBLIC,), {"stddef.h"}),
     # The platform alone gives time, waiting and threads; <chrono> is allowed for its units.
     Rule("iphone-IOPort", ("iphone-IOPort", "platform", "logging", PUBLIC), PLAIN | TIME, NO_CLOCK_OR_LOCALE),
     Rule("iphone-IOPort/PortC.h", ("parsers",), set()),
@@ -69,6 +69,8 @@ RULES = (
     Rule("journal", ("job", "locks", "logging", "iphone-IOPort", PUBLIC),
          STANDARD | DESCRIPTORS | {"sys/vfs.h", "sqlite3.h", "nettle/sha2.h"}),
     Rule("c-interface", ("job", "iphone-IOPort", "logging", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
+    # A part of the journal's library, so that a program without names for its jobs loads no database.
+    Rule("c-interface/journal", ("c-interface/*", "journal", "locks", "job", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
     # The command also serves the simulator to others, without a port.
     Rule("tools", ("job", "journal", "locks", "iphone-IOPort", "logging", "backends", "discovery", "platform", "simulator",
                    PUBLIC), EVERY_SYSTEM_HEADER),
