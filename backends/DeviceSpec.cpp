@@ -77,6 +77,14 @@ void setId(DeviceSpec& spec, const std::string& value) {
   }
 }
 
+void setProof(DeviceSpec& spec, const std::string& value) {
+  constexpr std::string_view names[] = {"auto", "block", "process-id", "in-order", "none"};
+  if (std::find(std::begin(names), std::end(names), value) == std::end(names)) {
+    refuse("proof=" + inQuotes(value) + ": takes auto, block, process-id, in-order or none");
+  }
+  spec.identity.proof = value;
+}
+
 // A key that every scheme takes.
 struct CommonKey {
   std::string_view name;
@@ -93,6 +101,7 @@ constexpr std::array commonKeys = {
     CommonKey{repeatable, addProtocol},
     CommonKey{"address", setAddress},
     CommonKey{"id", setId},
+    CommonKey{"proof", setProof},
 };
 
 template <typename Keys>

@@ -28,10 +28,12 @@ namespace quordalvane {
 /// `HOST` alone is `tcp:HOST:9100`, and a path below `/dev` whose kind its name shows is a device
 /// of that kind: `/dev/ttyUSB0` is `serial:/dev/ttyUSB0`, `/dev/usb/lp0` is `usb:/dev/usb/lp0`.
 ///
-/// Every scheme takes `name`, `serial`, `model`, `manufacturer`, `protocol`, `address` and `id`.
+/// Every scheme takes `name`, `serial`, `model`, `manufacturer`, `protocol`, `address`, `id` and
+/// `proof`.
 /// `serial:` also takes `baud`, `bits`, `parity`, `stop` and `flow`; `virtual:` takes the printer's
 /// own keys. Only `protocol` and the printer's own keys may be given more than once. A value may be
-/// empty, and is then the empty text. `address` takes six pairs of hex digits joined by colons.
+/// empty, and is then the empty text. `address` takes six pairs of hex digits joined by colons,
+/// `proof` the name of a proof: `auto`, `block`, `process-id`, `in-order` or `none`.
 ///
 /// A backslash takes the character after it as it is: `\,` is a comma inside a place or a value,
 /// `\\` a backslash.

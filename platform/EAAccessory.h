@@ -57,6 +57,10 @@ class QUOR_EXPORT EAAccessory {
   /// only hands it on. 0 if it has no number.
   virtual std::uint64_t connectionID() = 0;
 
+  /// How its printer confirms print jobs, if its owner has said so: the name of a proof, as print
+  /// jobs know it. "" otherwise. A port does not ask for it.
+  virtual std::string proof() { return ""; }
+
   /// A text for people that names the accessory and shows its Bluetooth address, if it has one. The
   /// first text in it that looks like an address is taken for the accessory's, so the address
   /// precedes everything that could look like one.

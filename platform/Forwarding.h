@@ -129,6 +129,7 @@ class ForwardingAccessory : public EAAccessory {
   std::optional<std::string> manufacturer() override { return next_->manufacturer(); }
   std::vector<std::string> protocolStrings() override { return next_->protocolStrings(); }
   std::uint64_t connectionID() override { return next_->connectionID(); }
+  std::string proof() override { return next_->proof(); }
   std::string description() override { return next_->description(); }
   bool isConnected() override { return next_->isConnected(); }
   void noticeLoss() override { next_->noticeLoss(); }
@@ -199,6 +200,7 @@ class ForwardingPlatform : public Platform {
   }
   bool isMainThread() override { return next_->isMainThread(); }
   void ignoreSigPipe() override { next_->ignoreSigPipe(); }
+  std::uint32_t randomNumber() override { return next_->randomNumber(); }
 
  private:
   const std::shared_ptr<Platform> next_;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -57,6 +58,10 @@ class QUOR_EXPORT Platform {
 
   /// Sets the process to ignore SIGPIPE.
   virtual void ignoreSigPipe() = 0;
+
+  /// A number that nobody can foresee, any of its 32 bits; from the system's generator unless a
+  /// platform has one of its own. A port does not ask for it, jobs do.
+  virtual std::uint32_t randomNumber();
 };
 
 /// The platform of ports that are created without one; null until one is set.

@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -72,11 +73,15 @@ class VirtualPlatform : public Platform {
   bool isMainThread() override;
   void ignoreSigPipe() override;
 
+  /// The next number of a seed that is always the same, so that runs are alike.
+  std::uint32_t randomNumber() override { return static_cast<std::uint32_t>(chance_()); }
+
  private:
   class Manager;
   class Device;
 
   VirtualClock clock_;
+  std::mt19937 chance_;
   Scheduler::Thread* const firstThread_;
   std::atomic<bool> constructedOnMain_ = false;
   const std::unique_ptr<Manager> manager_;

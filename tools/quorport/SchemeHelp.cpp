@@ -29,7 +29,8 @@ std::string schemeHelp() {
   }
   return text +
          "Every one takes the keys name, serial, model, manufacturer, protocol (repeatable),\n"
-         "address and id. A host alone is tcp:HOST:9100; a path such as /dev/ttyUSB0 needs no\n"
+         "address, id and proof (auto, block, process-id, in-order or none: how the printer\n"
+         "confirms jobs). A host alone is tcp:HOST:9100; a path such as /dev/ttyUSB0 needs no\n"
          "scheme.\n";
 }
 

@@ -62,7 +62,8 @@ TEST(DeviceSpec, PresentsAPrinterOfTheMakerByDefault) {
 TEST(DeviceSpec, TakesTheTextsOfTheAccessory) {
   const DeviceSpec spec = parseDeviceSpec(
       "unix:p,name=Till "
-      "1,serial=S7,model=XQ700,manufacturer=Other,protocol=a.b,address=01:23:45:67:89:ab,id=9");
+      "1,serial=S7,model=XQ700,manufacturer=Other,protocol=a.b,address=01:23:45:67:89:ab,id=9,"
+      "proof=in-order");
   EXPECT_EQ(spec.identity.name, "Till 1");
   EXPECT_EQ(spec.identity.serialNumber, "S7");
   EXPECT_EQ(spec.identity.modelNumber, "XQ700");
@@ -70,12 +71,13 @@ TEST(DeviceSpec, TakesTheTextsOfTheAccessory) {
   EXPECT_THAT(spec.identity.protocolStrings, ElementsAre("a.b"));
   EXPECT_EQ(spec.identity.address, "01:23:45:67:89:ab");
   EXPECT_EQ(spec.id, 9U);
+  EXPECT_EQ(spec.identity.proof, "in-order");
 }
 
 TEST(DeviceSpec, TakesTheSameKeysOnEveryScheme) {
   for (const char* start : {"virtual:", "tcp:h:1", "unix:p", "serial:/dev/x"}) {
     const std::string text =
-        start + ",name=n,serial=,model=,manufacturer=,protocol=,address=,id=0"s;
+        start + ",name=n,serial=,model=,manufacturer=,protocol=,address=,id=0,proof=none"s;
     EXPECT_EQ(parseDeviceSpec(text).identity.name, "n");
     EXPECT_TRUE(parseDeviceSpec(text).options.empty());
   }
@@ -87,6 +89,18 @@ TEST(DeviceSpec, TakesNoAddressThatCouldNeverBeFound) {
         " 01:23:45:67:89:AB", "01:23:45:67:89:AB:CD", "01:23:45:67:89:", "x"}) {
     EXPECT_THAT(failure("unix:p,address="s + wrong),
                 AllOf(HasSubstr("address=\""s + wrong), HasSubstr("01:23:45:67:89:AB")))
+        << wrong;
+  }
+}
+
+TEST(DeviceSpec, TakesTheNamesOfProofsAlone) {
+  EXPECT_EQ(parseDeviceSpec("unix:p").identity.proof, "");
+  for (const char* right : {"auto", "block", "process-id", "in-order", "none"}) {
+    EXPECT_EQ(parseDeviceSpec("unix:p,proof="s + right).identity.proof, right);
+  }
+  for (const char* wrong : {"", "Block", "process", "all"}) {
+    EXPECT_THAT(failure("unix:p,proof="s + wrong),
+                AllOf(HasSubstr("proof=\""s + wrong), HasSubstr("process-id")))
         << wrong;
   }
 }
