@@ -3,15 +3,16 @@
 #include <memory>
 
 #include "job/EscPosAnswers.h"
+#include "job/PortMemory.h"
 #include "job/Proof.h"
 
 namespace quordalvane {
 
 /// Asks an ESC/POS printer which proof it gives, and then is that proof. The answer is kept for the
-/// port's life.
+/// port's life, unless a printer that seemed to give none answers after all.
 class AutoProof final : public Proof {
  public:
-  AutoProof(PortLink& link, PrintResult& result) : Proof(link, result) {}
+  AutoProof(PortLink& link, PrintResult& result);
 
   MaybeSetback begin() override;
   MaybeSetback end(ByteView data) override { return chosen_->end(data); }
@@ -21,8 +22,10 @@ class AutoProof final : public Proof {
   void bytesRead(ByteView bytes) override;
 
  private:
-  MaybeSetback ask(ProofKind& found);
+  MaybeSetback find();
+  MaybeSetback ask();
 
+  PortMemory& memory_;
   EscPosAnswers answers_;
   std::unique_ptr<Proof> chosen_;  // null until the printer has answered
 };

@@ -10,4 +10,8 @@ namespace quordalvane {
 inline constexpr std::uint8_t dropAll[] = {0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00,
                                            0x1b, 0x1d, 0x03, 0x04, 0x00, 0x00};
 
+/// What an ESC/POS printer without a checked block drops its buffer at; it answers 37 25 00.
+inline constexpr std::uint8_t clearBuffer[] = {0x10, 0x14, 0x08, 0x01, 0x03,
+                                               0x14, 0x01, 0x06, 0x02, 0x08};
+
 }  // namespace quordalvane

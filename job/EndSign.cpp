@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "job/DropCommand.h"
 #include "job/PrintData.h"
 #include "job/RealTimeStatus.h"
 #include "job/StatusText.h"
@@ -9,9 +10,6 @@
 
 namespace quordalvane {
 namespace {
-
-// Drops the data that is received and not printed; the printer confirms it by 37 25 00.
-constexpr std::uint8_t clearBuffer[] = {0x10, 0x14, 0x08, 0x01, 0x03, 0x14, 0x01, 0x06, 0x02, 0x08};
 
 // Between looks at the state of a printer that has not finished.
 constexpr auto statusPause = std::chrono::seconds(1);
@@ -26,7 +24,7 @@ ByteView EndSign::dropCommand() const {
 }
 
 MaybeSetback EndSign::begin() {
-  if (auto setback = refuseUnready(link(), result())) {
+  if (auto setback = refuseUnready(link(), answers_, result())) {
     return setback;
   }
   return prepare();
@@ -40,13 +38,14 @@ MaybeSetback EndSign::end(ByteView data) {
   if (auto setback = makeQuestion(data, question)) {
     return setback;
   }
+  return askAndAwait(question);
+}
+
+MaybeSetback EndSign::askAndAwait(ByteView question) {
   if (auto setback = link().send(question)) {
     return setback;
   }
-  if (awaitSign()) {
-    return std::nullopt;
-  }
-  return whyUnseen();
+  return awaitSign() ? std::nullopt : whyUnseen();
 }
 
 /// Waits for the sign, and reports meanwhile why the printer has paused.
@@ -65,7 +64,8 @@ bool EndSign::awaitSign() {
 }
 
 void EndSign::noteStatus() {
-  if (askRealTimeStatus(link(), result(), statusPause)) {
+  const auto isDecided = [this] { return isSeen() || !isPossible(); };
+  if (askRealTimeStatus(link(), answers_, result(), statusPause, isDecided)) {
     return;
   }
   const std::string errors = errorsIn(*result().status);
@@ -85,8 +85,7 @@ MaybeSetback EndSign::whyUnseen() {
     }
   }
   const auto limit = link().port().endCheckedBlockTimeoutMillis();
-  Setback setback = link().failedExchange("no confirmation within " + inSeconds(limit));
-  return setback;
+  return link().failedExchange("no confirmation within " + inSeconds(limit));
 }
 
 }  // namespace quordalvane

@@ -27,6 +27,9 @@ class EndSign : public Proof {
 
   const EscPosAnswers& answers() const { return answers_; }
 
+  /// Sends a question, and waits until the sign is seen. Success is the proof.
+  MaybeSetback askAndAwait(ByteView question);
+
  private:
   /// Makes sure that no sign but this job's can be on its way.
   virtual MaybeSetback prepare() { return std::nullopt; }

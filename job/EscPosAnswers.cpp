@@ -1,11 +1,12 @@
 #include "job/EscPosAnswers.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace quordalvane {
 namespace {
 
-constexpr std::size_t odd = 1;  // a byte that begins nothing is thrown away alone
+constexpr std::size_t odd = std::numeric_limits<std::size_t>::max();
 constexpr std::size_t more = 0;
 constexpr std::size_t mostIds = 16;
 constexpr std::size_t longestText = 80;
@@ -55,10 +56,18 @@ void EscPosAnswers::feed(ByteView bytes) {
   }
 }
 
+/// A byte that begins nothing is thrown away alone.
 std::size_t EscPosAnswers::take() {
+  const std::size_t taken = takeAnswer();
+  isAnyOdd_ = isAnyOdd_ || taken == odd;
+  return taken == odd ? 1 : taken;
+}
+
+std::size_t EscPosAnswers::takeAnswer() {
   const std::uint8_t first = bytes_.front();
   if (isRealTimeStatus(first)) {
     realTimeStatus_ = first;
+    ++realTimeCount_;
     return 1;
   }
   if (isInOrderStatus(first)) {

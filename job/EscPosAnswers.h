@@ -35,15 +35,27 @@ class EscPosAnswers {
   std::optional<std::uint8_t> lastReport() const { return report_; }
   /// @}
 
-  /// How many in-order answers there were.
+  /// How many of these answers there were.
+  /// @{
+  std::uint64_t realTimeCount() const { return realTimeCount_; }
   std::uint64_t inOrderCount() const { return inOrderCount_; }
+  /// @}
+
+  /// Whether there was an answer of a kind that proves a job: a process ID, a report or an in-order
+  /// status.
+  bool isAnyProof() const { return !ids_.empty() || report_ || inOrderCount_ > 0; }
+
+  /// Whether there was a byte that belongs to no answer.
+  bool isAnyOdd() const { return isAnyOdd_; }
 
   /// Whether the printer has named this process ID.
   bool hasNamed(const JobId& id) const;
 
  private:
-  /// How many bytes the answer at the beginning has: 0 if more must arrive before it is known.
+  // Each tells how many bytes the answer at the beginning has: 0 if more must arrive before it is
+  // known.
   std::size_t take();
+  std::size_t takeAnswer();
   std::size_t takeUnasked() const;
   std::size_t takeProcessId();
   std::size_t takeReport();
@@ -52,7 +64,9 @@ class EscPosAnswers {
   std::vector<std::uint8_t> bytes_;  // of an answer that has begun
   std::optional<std::uint8_t> realTimeStatus_;
   std::optional<std::uint8_t> report_;
+  std::uint64_t realTimeCount_ = 0;
   std::uint64_t inOrderCount_ = 0;
+  bool isAnyOdd_ = false;
   std::vector<JobId> ids_;
 };
 

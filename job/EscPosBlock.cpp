@@ -29,7 +29,7 @@ ByteView EscPosBlock::request() const {
 /// The port's beginning drops the data that the printer holds. A printer that is off line may hold
 /// an earlier job that it will print, so it is asked before.
 MaybeSetback EscPosBlock::prepare() {
-  return refuseUnready(link(), result());
+  return refuseUnready(link(), answers().escPos(), result());
 }
 
 MaybeSetback EscPosBlock::judgeReadiness() {

@@ -16,9 +16,12 @@ constexpr auto cancelLimit = std::chrono::milliseconds(500);
 
 JobRun::JobRun(const std::shared_ptr<ExternalAccessoryPort>& port, const PrintJob::Options& options,
                const std::atomic<bool>& cancelled)
-    : options_(options), link_(port, cancelled), proof_(makeProof(options.proof, link_, result_)) {
+    : options_(options),
+      link_(port, cancelled),
+      kind_(options.proof ? *options.proof : proofOf(*port)),
+      proof_(makeProof(kind_, link_, result_)) {
   const bool isLineMode = port->emulation() == ZKEmulationQuorLine;
-  result_.proof = options.proof == ProofKind::Auto && isLineMode ? ProofKind::Block : options.proof;
+  result_.proof = kind_ == ProofKind::Auto && isLineMode ? ProofKind::Block : kind_;
   proof_->setWaiting([this](const std::string& reason) { reportWaiting(reason); });
   link_.setListener(proof_.get());
 }
@@ -46,7 +49,7 @@ void JobRun::print(ByteView data) {
   }
   enter(PrintStage::Data);
   result_.status.reset();  // an earlier status says nothing about the data
-  const bool isChecked = options_.proof != ProofKind::None;
+  const bool isChecked = kind_ != ProofKind::None;
   const auto reply =
       isChecked && isNeverAnswered(data) ? PortLink::Reply::None : PortLink::Reply::Possible;
   if (const auto setback = link_.move(

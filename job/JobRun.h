@@ -31,6 +31,7 @@ class JobRun {
   const PrintJob::Options& options_;
   PortLink link_;
   PrintResult result_;
+  const ProofKind kind_;
   const std::unique_ptr<Proof> proof_;
   PrintStage stage_ = PrintStage::Begin;
   std::string waitsFor_;

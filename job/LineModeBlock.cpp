@@ -13,7 +13,6 @@ namespace {
 
 constexpr std::uint32_t statusLevel = 2;
 constexpr std::uint8_t countOfTwoMarks = 2;
-constexpr std::uint32_t lengthWithCounter = 7;
 
 constexpr std::uint8_t mark[] = {0x17};
 constexpr std::uint8_t markAndEnd[] = {0x17, 0x1b, 0x1d, 0x03, 0x04, 0x00, 0x00};
@@ -26,10 +25,6 @@ constexpr auto timeToCount = std::chrono::seconds(1);
 // As the port: limits count in whole seconds, and may pass by the rest of one.
 constexpr auto wholeSecond = std::chrono::seconds(1);
 constexpr std::uint64_t endPollMicroseconds = 100000;
-
-bool hasCounter(const QuorPrinterStatus_2& status) {
-  return isStatusBlock(status) && status.rawLength >= lengthWithCounter;
-}
 
 }  // namespace
 

@@ -8,12 +8,6 @@ namespace {
 
 constexpr std::uint32_t lineModeRequest = 0x1b0601;
 constexpr std::uint32_t realTimeRequest = 0x1004;  // and the number of the query
-constexpr std::uint8_t reportStart = 0x1b;
-constexpr std::size_t reportSize = 8;
-
-bool isRealTimeStatus(std::uint8_t byte) {
-  return (byte & escPosFixedMask) == escPosFixedBits;
-}
 
 }  // namespace
 
@@ -47,15 +41,12 @@ void OwedAnswers::readLineMode(std::uint8_t byte) {
 }
 
 void OwedAnswers::readESCPOS(std::uint8_t byte) {
-  if (restOfReport_ > 0) {
-    --restOfReport_;
-  } else if (byte == reportStart) {
-    restOfReport_ = reportSize - 1;
-  } else if (isRealTimeStatus(byte)) {
-    take({byte});
-  } else {
-    isAnyOdd_ = true;
+  const std::uint64_t before = escPos_.realTimeCount();
+  escPos_.feed({&byte, 1});
+  if (escPos_.realTimeCount() > before) {
+    take({*escPos_.lastRealTimeStatus()});
   }
+  isAnyOdd_ = escPos_.isAnyOdd();
 }
 
 void OwedAnswers::take(const std::vector<std::uint8_t>& answer) {

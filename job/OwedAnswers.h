@@ -6,6 +6,7 @@
 
 #include "iphone-IOPort/enum.h"
 #include "job/ByteView.h"
+#include "job/EscPosAnswers.h"
 
 namespace quordalvane {
 
@@ -36,6 +37,9 @@ class OwedAnswers {
   /// The last whole answer, a status block or a real-time status byte; empty before the first.
   const std::vector<std::uint8_t>& last() const { return last_; }
 
+  /// All answers of ESC/POS, of whatever kind.
+  const EscPosAnswers& escPos() const { return escPos_; }
+
  private:
   bool isRequestEnd() const;
   void readLineMode(std::uint8_t byte);
@@ -43,11 +47,11 @@ class OwedAnswers {
   void take(const std::vector<std::uint8_t>& answer);
 
   const bool isLineMode_;
+  EscPosAnswers escPos_;
   bool isAnyOdd_ = false;
   std::int64_t owed_ = 0;
   std::uint32_t lastWritten_ = 0;    // the last bytes that were sent, the newest lowest
   std::vector<std::uint8_t> block_;  // a status block that has begun
-  std::size_t restOfReport_ = 0;     // bytes of an end-of-block report that have not arrived yet
   std::vector<std::uint8_t> last_;
 };
 

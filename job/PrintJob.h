@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -45,9 +46,10 @@ class QUOR_EXPORT PrintJob {
  public:
   /// How a job is run.
   struct Options {
-    /// How the printer is to confirm the job. With None the printer is asked nothing, and the best
-    /// outcome is Unconfirmed. In line mode ProcessId and InOrder prove nothing either.
-    ProofKind proof = ProofKind::Auto;
+    /// How the printer is to confirm the job; if empty, as `proof=` of its device says, and
+    /// otherwise Auto. With None the printer is asked nothing, and the best outcome is Unconfirmed.
+    /// In line mode ProcessId and InOrder prove nothing either.
+    std::optional<ProofKind> proof = std::nullopt;
 
     /// Called on the thread of `run` when a stage begins, after each piece that was sent, and when
     /// the reason changes for which the printer has paused.

@@ -42,6 +42,10 @@ struct PrintResult {
   /// The proof that was used: Auto before one was chosen, None for a printer that gives no proof.
   ProofKind proof = ProofKind::None;
 
+  /// Whether the printer was asked before the data which proof it gives. To name the proof, in the
+  /// job's options or by `proof=` of the device, saves the question.
+  bool hasAskedForProof = false;
+
   /// The result code of the block's beginning; failed without a block.
   std::int64_t resultCode = ZKQuorIOResultCodeFailedError;
 

@@ -5,7 +5,9 @@
 #include <cstddef>
 
 #include "iphone-IOPort/PortC.h"
+#include "job/EscPosAnswers.h"
 #include "job/PortLink.h"
+#include "job/ProofSearch.h"
 #include "job/StatusBlock.h"
 
 namespace quordalvane {
@@ -106,6 +108,16 @@ class Question final : private TransferObserver {
     }
   }
 
+  /// Asks a printer in ESC/POS for the proof that it gives.
+  ProofKind askForProof() {
+    link_.drain();
+    FoundProof found;
+    if (findProof(link_, escPos_, found)) {
+      fail(InquiryCause::NoAnswer, "the link did not take the request");
+    }
+    return found.kind;
+  }
+
   bool isLost() { return link_.isLost(); }
 
   /// Waits until the printer falls silent after a whole answer. One that never falls silent is not
@@ -141,9 +153,13 @@ class Question final : private TransferObserver {
   }
 
   void bytesWritten(ByteView /*bytes*/) override {}
-  void bytesRead(ByteView bytes) override { reads_.emplace_back(bytes.begin(), bytes.end()); }
+  void bytesRead(ByteView bytes) override {
+    reads_.emplace_back(bytes.begin(), bytes.end());
+    escPos_.feed(bytes);
+  }
 
   PortLink link_;
+  EscPosAnswers escPos_;
   std::vector<Bytes>& reads_;
 };
 
@@ -238,6 +254,16 @@ std::chrono::milliseconds PrinterInquiry::buttonSecurityTimeout() {
                   "the answer is not a printer's report of its button-security time-out");
   }
   return std::chrono::milliseconds(milliseconds);
+}
+
+ProofKind PrinterInquiry::proof() {
+  Question question(port_, reads_);
+  question.requireEmulation();
+  if (port_->emulation() == ZKEmulationESCPOS) {
+    return question.ask([&](Port&) { return question.askForProof(); });
+  }
+  const auto status = statusFor(question, 2, port_->emulation());
+  return hasCounter(status) ? ProofKind::Block : ProofKind::None;
 }
 
 void PrinterInquiry::dropAll() {

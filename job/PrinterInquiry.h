@@ -13,6 +13,7 @@
 #include <quordalvane/QuorIOPort.h>
 
 #include "iphone-IOPort/ExternalAccessoryPort.h"
+#include "job/ProofKind.h"
 
 namespace quordalvane {
 
@@ -70,6 +71,11 @@ class QUOR_EXPORT PrinterInquiry {
   /// The button-security time-out: zero if it is off, otherwise the printer's time and the port's
   /// input/output time-out.
   std::chrono::milliseconds buttonSecurityTimeout();
+
+  /// The strongest proof of a job that the printer gives; None if it gives none. A printer that is
+  /// off line may keep its answers in ESC/POS, and then seems to give none. The printer's count of
+  /// marks begins anew: do not ask while another program prints on it.
+  ProofKind proof();
 
   /// Makes the printer drop the data that it has not printed yet. There is no answer: returns after
   /// the link has taken the command.

@@ -1,15 +1,18 @@
 #include "job/ProcessIdProof.h"
 
 #include <algorithm>
-#include <random>
 
 namespace quordalvane {
 
-JobId randomProcessId() {
-  std::random_device system;
-  std::uniform_int_distribution<int> character(0x20, 0x7e);
+JobId randomProcessId(Platform& platform) {
+  constexpr std::uint32_t first = 0x20;
+  constexpr std::uint32_t count = 0x7e - first + 1;
+  std::uint32_t number = platform.randomNumber();
   JobId id;
-  std::generate(id.begin(), id.end(), [&] { return static_cast<std::uint8_t>(character(system)); });
+  for (std::uint8_t& character : id) {
+    character = static_cast<std::uint8_t>(first + number % count);
+    number /= count;
+  }
   return id;
 }
 
@@ -20,7 +23,7 @@ std::vector<std::uint8_t> processIdCommand(const JobId& id) {
 /// An ID that occurs in the data could be named before the job's end.
 MaybeSetback ProcessIdProof::makeQuestion(ByteView data, std::vector<std::uint8_t>& question) {
   do {
-    id_ = randomProcessId();
+    id_ = randomProcessId(link().port().platform());
   } while (std::search(data.begin(), data.end(), id_.begin(), id_.end()) != data.end() ||
            answers().hasNamed(id_));
   question = processIdCommand(id_);

@@ -18,7 +18,7 @@ class ProcessIdProof final : public EndSign {
 };
 
 /// Four characters that nobody can foresee.
-JobId randomProcessId();
+JobId randomProcessId(Platform& platform);
 
 /// The command at which a printer names `id`.
 std::vector<std::uint8_t> processIdCommand(const JobId& id);

@@ -61,6 +61,9 @@ class Proof : public TransferObserver {
   PrintResult& result_;
 };
 
+/// The proof that the owner of the port's accessory has named; Auto if none was.
+ProofKind proofOf(ExternalAccessoryPort& port);
+
 /// The proof of that kind on the link's port; one that proves nothing if the port's emulation has
 /// no such proof.
 std::unique_ptr<Proof> makeProof(ProofKind kind, PortLink& link, PrintResult& result);

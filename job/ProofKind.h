@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string_view>
 
 #include <quordalvane/QuorExport.h>
@@ -18,5 +19,8 @@ enum class ProofKind {
 
 /// "auto", "block", "process-id", "in-order", "none".
 QUOR_EXPORT std::string_view nameOf(ProofKind kind);
+
+/// The proof of that name; empty if there is none.
+QUOR_EXPORT std::optional<ProofKind> proofNamed(std::string_view name);
 
 }  // namespace quordalvane

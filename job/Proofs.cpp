@@ -1,6 +1,10 @@
 // Which proof a job uses.
 
+#include <algorithm>
+#include <iterator>
+
 #include "job/AutoProof.h"
+#include "job/DropCommand.h"
 #include "job/EscPosBlock.h"
 #include "job/InOrderProof.h"
 #include "job/LineModeBlock.h"
@@ -17,11 +21,11 @@ std::unique_ptr<Proof> make(PortLink& link, PrintResult& result) {
 }
 
 std::unique_ptr<Proof> makeUnasked(PortLink& link, PrintResult& result) {
-  return std::make_unique<NoProof>("no confirmation was asked for", link, result);
+  return std::make_unique<NoProof>("no confirmation was asked for", dropAll, link, result);
 }
 
 std::unique_ptr<Proof> makeUnknown(PortLink& link, PrintResult& result) {
-  return std::make_unique<NoProof>("line mode has no such proof", link, result);
+  return std::make_unique<NoProof>("line mode has no such proof", dropAll, link, result);
 }
 
 /// A row a proof: how it is made in each emulation.
@@ -50,11 +54,27 @@ std::string_view nameOf(ProofKind kind) {
   return rowOf(kind).name;
 }
 
+std::optional<ProofKind> proofNamed(std::string_view name) {
+  const auto* const row = std::find_if(std::begin(rows), std::end(rows), [&](const Row& candidate) {
+    return candidate.name == name;
+  });
+  return row == std::end(rows) ? std::nullopt : std::optional(row->kind);
+}
+
+ProofKind proofOf(ExternalAccessoryPort& port) {
+  for (const auto& accessory : port.platform().sharedAccessoryManager().connectedAccessories()) {
+    if (accessory->connectionID() == port.connectionID()) {
+      return proofNamed(accessory->proof()).value_or(ProofKind::Auto);
+    }
+  }
+  return ProofKind::Auto;
+}
+
 std::unique_ptr<Proof> makeProof(ProofKind kind, PortLink& link, PrintResult& result) {
   const ZKEmulation emulation = link.port().emulation();
   if (emulation == ZKEmulationUnknown && kind != ProofKind::None) {
-    return std::make_unique<NoProof>("no job can be confirmed without a known emulation", link,
-                                     result);
+    return std::make_unique<NoProof>("no job can be confirmed without a known emulation", dropAll,
+                                     link, result);
   }
   const Row& row = rowOf(kind);
   return emulation == ZKEmulationQuorLine ? row.inLineMode(link, result)

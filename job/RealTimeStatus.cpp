@@ -3,7 +3,6 @@
 #include <optional>
 
 #include "iphone-IOPort/PortC.h"
-#include "job/EscPosAnswers.h"
 #include "job/StatusText.h"
 
 namespace quordalvane {
@@ -24,31 +23,30 @@ constexpr auto silent =
     "the printer does not answer; it may be switched off, set to another emulation, or in use by "
     "another program";
 
-/// The answer to the query; empty if there is none within the limit.
-std::optional<std::uint8_t> answerTo(const Query& query, PortLink& link,
-                                     std::chrono::nanoseconds limit) {
-  EscPosAnswers answers;
-  const auto isAnswered = [&answers](ByteView bytes) {
-    answers.feed(bytes);
-    return answers.lastRealTimeStatus().has_value();
+/// Whether `answers` then holds the answer to the query.
+bool isAnswered(const Query& query, PortLink& link, const EscPosAnswers& answers,
+                std::chrono::nanoseconds limit, const std::function<bool()>& isEnough) {
+  const std::uint64_t before = answers.realTimeCount();
+  const auto isDone = [&](ByteView) {
+    return answers.realTimeCount() > before || (isEnough && isEnough());
   };
   if (!link.send(query.command)) {
-    link.await(isAnswered, limit);
+    link.await(isDone, limit);
   }
-  return answers.lastRealTimeStatus();
+  return answers.realTimeCount() > before;
 }
 
 }  // namespace
 
-MaybeSetback askRealTimeStatus(PortLink& link, PrintResult& result,
-                               std::chrono::nanoseconds limit) {
+MaybeSetback askRealTimeStatus(PortLink& link, const EscPosAnswers& answers, PrintResult& result,
+                               std::chrono::nanoseconds limit,
+                               const std::function<bool()>& isEnough) {
   QuorPrinterStatus_2 status = {};
   for (const Query& query : queries) {
-    const auto answer = answerTo(query, link, limit);
-    if (!answer) {
+    if (!isAnswered(query, link, answers, limit, isEnough)) {
       return link.failedExchange(silent);
     }
-    status.raw[0] = *answer;
+    status.raw[0] = *answers.lastRealTimeStatus();
     status.rawLength = 1;
     BuildParsedStatusESCPOS(&status, query.type);
   }
@@ -56,9 +54,9 @@ MaybeSetback askRealTimeStatus(PortLink& link, PrintResult& result,
   return std::nullopt;
 }
 
-MaybeSetback refuseUnready(PortLink& link, PrintResult& result) {
+MaybeSetback refuseUnready(PortLink& link, const EscPosAnswers& answers, PrintResult& result) {
   link.drain();
-  if (auto setback = askRealTimeStatus(link, result, link.timeout())) {
+  if (auto setback = askRealTimeStatus(link, answers, result, link.timeout())) {
     return setback;
   }
   const std::string errors = errorsIn(*result.status);

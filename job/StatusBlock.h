@@ -21,4 +21,10 @@ inline bool isStatusBlock(const QuorPrinterStatus_2& status) {
   return status.rawLength >= 2 && startsStatusBlock(status.raw[0]) && status.raw[1] == layout;
 }
 
+/// Whether it is one with the counter of marks: a printer without it confirms no job in line mode.
+inline bool hasCounter(const QuorPrinterStatus_2& status) {
+  constexpr std::uint32_t lengthWithCounter = 7;
+  return isStatusBlock(status) && status.rawLength >= lengthWithCounter;
+}
+
 }  // namespace quordalvane

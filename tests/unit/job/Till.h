@@ -40,12 +40,13 @@ class Till {
     ZKEmulation emulation = ZKEmulationQuorLine;
     std::string portSettings = {};
     std::uint32_t timeoutMillis = 10000;
+    std::string proof = {};  ///< of the device
   };
 
   Till(simulator::PrinterBuilder printer, Setting setting)
       : platform(std::make_shared<test::VirtualPlatform>()),
         accessory(std::make_shared<test::FaultyAccessory>(
-            AccessoryIdentity{},
+            identityWith(setting.proof),
             std::make_unique<simulator::VirtualPrinter>(printer.keepPrinted().state()),
             platform->clock())) {
     platform->attach(accessory);
@@ -73,6 +74,13 @@ class Till {
     });
   }
 
+  /// Opens the port again, over a link with these faults.
+  void reopenWith(simulator::Faults faults) {
+    port->close();
+    accessory->setFaults(std::move(faults));
+    port->open();
+  }
+
   /// Prints by the checked block.
   PrintResult print(const ByteBuffer& data) {
     return PrintJob(port, {.proof = ProofKind::Block}).run(data);
@@ -83,6 +91,12 @@ class Till {
     accessory->withPrinter(
         [&bytes](simulator::VirtualPrinter& printer, auto) { bytes = printer.printed(); });
     return bytes;
+  }
+
+  static AccessoryIdentity identityWith(const std::string& proof) {
+    AccessoryIdentity identity;
+    identity.proof = proof;
+    return identity;
   }
 
   const std::shared_ptr<test::VirtualPlatform> platform;

@@ -70,12 +70,26 @@ TEST(OwedAnswers, InESCPOSAreSingleBytesOutsideOfReports) {
     answers.written(Bytes{0x10, 0x04, query});
   }
   answers.read(Bytes{0x12, 0x1b, 0x1d, 0x03, 0x01});
-  answers.read(Bytes{0x00, 0x00, 0x12, 0x12, 0x16});
+  answers.read(Bytes{0x00, 0x00, 0x12, 0x00, 0x16});
   EXPECT_TRUE(answers.isAnyOwed());
   EXPECT_FALSE(answers.isAnyOdd());
   answers.read(Bytes{0x1a});
   EXPECT_FALSE(answers.isAnyOwed());
   EXPECT_EQ(answers.last(), Bytes{0x1a});
+}
+
+TEST(OwedAnswers, InESCPOSAreNotPaidByTheCharactersOfAProcessId) {
+  OwedAnswers answers(ZKEmulationESCPOS);
+  answers.written(Bytes{0x10, 0x04, 0x01});
+  for (const std::uint8_t byte : Bytes{0x37, 0x22, '2', '6', '2', '6', 0x00}) {
+    answers.read(Bytes{byte});
+    EXPECT_TRUE(answers.isAnyOwed());
+  }
+  answers.read(Bytes{0x10, 0x00, 0x0c, 0x00});
+  EXPECT_TRUE(answers.isAnyOwed()) << "nor by a status that was not asked for";
+  answers.read(Bytes{0x12});
+  EXPECT_FALSE(answers.isAnyOwed());
+  EXPECT_FALSE(answers.isAnyOdd());
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "job/EscPosAnswers.h"
+#include "job/ProcessIdProof.h"
 #include "tests/support/Bytes.h"
 #include "tests/unit/job/Till.h"
 
@@ -63,6 +64,70 @@ TEST(NoChosenProof, LeavesTheJobUnconfirmedAtOnceAfterTheData) {
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
   EXPECT_EQ(result.proof, ProofKind::None);
   EXPECT_THAT(result.reason, testing::StartsWith("this printer confirms nothing"));
+}
+
+TEST(NoChosenProof, IsNotAskedForAgainOnThePort) {
+  Till till = tillWith(printerWith("none"));
+  EXPECT_TRUE(PrintJob(till.port).run(receiptText).hasAskedForProof);
+  const auto start = till.platform->clock().monotonic();
+  const PrintResult second = PrintJob(till.port).run(receiptText);
+  EXPECT_FALSE(second.hasAskedForProof);
+  EXPECT_LT(till.platform->clock().monotonic() - start, milliseconds(500));
+  EXPECT_EQ(second.outcome, PrintOutcome::Unconfirmed);
+}
+
+TEST(NoChosenProof, IsAskedForAgainAfterALateAnswer) {
+  Till till = tillWith(printerWith("process-id"));
+  till.reopenWith(with("late-reply", "1500@process-id"));
+  EXPECT_EQ(PrintJob(till.port).run(receiptText).proof, ProofKind::None);
+  till.platform->clock().usleep(2000000);
+  till.reopenWith({});
+  EXPECT_EQ(PrintJob(till.port).run(receiptText).proof, ProofKind::None) << "nothing was heard";
+  till.reopenWith(with("stray-byte", "00@1"));
+  EXPECT_EQ(PrintJob(till.port).run(receiptText).proof, ProofKind::ProcessId);
+}
+
+TEST(NoChosenProof, IsNotAskedForOfAPrinterThatIsNotReady) {
+  Till till = tillWith(printerWith("none"));
+  PrintJob(till.port).run(receiptText);
+  till.set("coverOpen", true);
+  const PrintResult result = PrintJob(till.port).run(receiptText);
+  EXPECT_EQ(result.outcome, PrintOutcome::Refused);
+  EXPECT_EQ(result.reason, "cover open");
+}
+
+TEST(NamedProof, OfTheDeviceSavesTheQuestion) {
+  Till till(printerWith("process-id+in-order"),
+            {.emulation = ZKEmulationESCPOS, .proof = "in-order"});
+  const PrintResult result = PrintJob(till.port).run(receiptText);
+  EXPECT_EQ(result.outcome, PrintOutcome::Printed) << result.reason;
+  EXPECT_EQ(result.proof, ProofKind::InOrder);
+  EXPECT_FALSE(result.hasAskedForProof);
+}
+
+TEST(NamedProof, OfTheJobBeatsThatOfTheDevice) {
+  Till till(printerWith("process-id+in-order"),
+            {.emulation = ZKEmulationESCPOS, .proof = "in-order"});
+  EXPECT_EQ(PrintJob(till.port, {.proof = ProofKind::ProcessId}).run(receiptText).proof,
+            ProofKind::ProcessId);
+  const PrintResult asked = PrintJob(till.port, {.proof = ProofKind::Auto}).run(receiptText);
+  EXPECT_EQ(asked.proof, ProofKind::ProcessId);
+  EXPECT_TRUE(asked.hasAskedForProof);
+}
+
+TEST(NamedProof, OfNoneLeavesThePrinterUnasked) {
+  Till till(printerWith("block"), {.emulation = ZKEmulationESCPOS, .proof = "none"});
+  const PrintResult result = PrintJob(till.port).run(receiptText);
+  EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
+  EXPECT_EQ(result.proof, ProofKind::None);
+}
+
+TEST(Proofs, HaveNamesByWhichTheyAreFound) {
+  for (const ProofKind kind : {ProofKind::Auto, ProofKind::Block, ProofKind::ProcessId,
+                               ProofKind::InOrder, ProofKind::None}) {
+    EXPECT_EQ(proofNamed(nameOf(kind)), kind);
+  }
+  EXPECT_EQ(proofNamed("Block"), std::nullopt);
 }
 
 class EndSignProof : public testing::TestWithParam<ProofKind> {
@@ -136,6 +201,93 @@ TEST_P(EndSignProof, IsNotTrustedWithDataThatMakesThePrinterDropData) {
   data.insert(data.end(), {0x10, 0x14, 0x08, 0x01, 0x03, 0x14, 0x01, 0x06, 0x02, 0x08});
   EXPECT_EQ(PrintJob(till.port, {.proof = GetParam()}).run(data).outcome,
             PrintOutcome::Unconfirmed);
+}
+
+/// A fault of the printer's sign, and whether the job is confirmed all the same.
+struct SignFault {
+  ProofKind proof;
+  const char* name;
+  const char* value;
+  bool isConfirmed;
+};
+
+std::ostream& operator<<(std::ostream& out, const SignFault& fault) {
+  return out << nameOf(fault.proof) << ", " << fault.name << "=" << fault.value;
+}
+
+class FaultySign : public testing::TestWithParam<SignFault> {};
+
+INSTANTIATE_TEST_SUITE_P(
+    Job, FaultySign,
+    testing::Values(SignFault{ProofKind::ProcessId, "wrong-id", "all", false},
+                    SignFault{ProofKind::ProcessId, "late-reply", "3000@process-id", true},
+                    SignFault{ProofKind::ProcessId, "late-reply", "30000@process-id", false},
+                    SignFault{ProofKind::ProcessId, "duplicate-reply", "process-id", true},
+                    SignFault{ProofKind::ProcessId, "foreign-reply", "process-id", true},
+                    SignFault{ProofKind::ProcessId, "split-reply", "1/2/3/4/5/6@process-id", true},
+                    SignFault{ProofKind::ProcessId, "drop-reply", "process-id", false},
+                    SignFault{ProofKind::InOrder, "late-reply", "3000@in-order", true},
+                    SignFault{ProofKind::InOrder, "late-reply", "30000@in-order", false},
+                    SignFault{ProofKind::InOrder, "duplicate-reply", "in-order", false},
+                    SignFault{ProofKind::InOrder, "foreign-reply", "in-order", false},
+                    SignFault{ProofKind::InOrder, "drop-reply", "in-order", false}));
+
+TEST_P(FaultySign, IsNeverTakenForProofNorLostAsOne) {
+  Till till = tillWith(printerWith("process-id+in-order"));
+  till.reopenWith(with(GetParam().name, GetParam().value));
+  const PrintResult result = PrintJob(till.port, {.proof = GetParam().proof}).run(receiptText);
+  EXPECT_EQ(result.outcome == PrintOutcome::Printed, GetParam().isConfirmed) << result.reason;
+  EXPECT_NE(result.outcome, PrintOutcome::Refused);
+}
+
+TEST(InOrderSign, IsNotFakedByAStrayByteBeforeThePrinterHasPrinted) {
+  for (int reply = 4; reply <= 12; ++reply) {
+    Till till = tillWith(printerWith("in-order").speed(10));
+    till.reopenWith(with("stray-byte", ("00@" + std::to_string(reply)).c_str()));
+    const PrintResult result = PrintJob(till.port, {.proof = ProofKind::InOrder}).run(receiptText);
+    if (result.outcome == PrintOutcome::Printed) {
+      EXPECT_EQ(till.printed().size(), receiptText.size()) << "before reply " << reply;
+    }
+  }
+}
+
+TEST(InOrderSign, IsNotFakedByAnswersThatAnEarlierJobHasLeftOwed) {
+  Till till = tillWith(printerWith("in-order").speed(10));
+  till.port->setEndCheckedBlockTimeoutMillis(1000);
+  PrintJob::Options options{.proof = ProofKind::InOrder};
+  ByteBuffer asking = receiptText;
+  asking.insert(asking.end(), {0x1d, 0x72, 0x01, 0x1d, 0x72, 0x01});
+  EXPECT_EQ(PrintJob(till.port, options).run(asking).outcome, PrintOutcome::Unconfirmed);
+  till.port->setEndCheckedBlockTimeoutMillis(20000);
+  const std::size_t both = receiptText.size() + asking.size() - 6;
+  const PrintResult second = PrintJob(till.port, options).run(receiptText);
+  EXPECT_EQ(second.outcome, PrintOutcome::Printed) << second.reason;
+  EXPECT_GE(till.printed().size(), both);
+}
+
+TEST(CancelledJob, WithoutABlockClearsThePrintersBuffer) {
+  for (const char* const proofs : {"process-id", "in-order", "none"}) {
+    Till till = tillWith(printerWith(proofs).speed(200));
+    PrintJob job(till.port);
+    till.at(seconds(4), [&job] { job.cancel(); });
+    const PrintResult result = job.run(ByteBuffer(5000, 'x'));
+    EXPECT_EQ(result.obstacle, PrintObstacle::Cancelled);
+    till.platform->clock().usleep(60000000);
+    EXPECT_LT(till.printed().size(), 1500U) << proofs;
+  }
+}
+
+TEST(ProcessIds, AreNewEachTimeAndAlikeInEachRunOfVirtualTime) {
+  test::VirtualPlatform one;
+  test::VirtualPlatform other;
+  const JobId first = randomProcessId(one);
+  EXPECT_NE(first, randomProcessId(one));
+  EXPECT_EQ(first, randomProcessId(other));
+  for (int i = 0; i < 1000; ++i) {
+    for (const std::uint8_t character : randomProcessId(one)) {
+      EXPECT_TRUE(character >= 0x20 && character <= 0x7e);
+    }
+  }
 }
 
 TEST(EscPosAnswers, AreDistinguishedByTheirWholeFormInAnyPieces) {

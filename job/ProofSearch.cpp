@@ -1,0 +1,50 @@
+#include "job/ProofSearch.h"
+
+#include "job/InOrderProof.h"
+#include "job/ProcessIdProof.h"
+
+namespace quordalvane {
+namespace {
+
+// A printer that knows any of the three answers within a round trip.
+constexpr auto longestSilence = std::chrono::seconds(1);
+constexpr auto grace = std::chrono::milliseconds(100);
+
+constexpr std::uint8_t resetAndMark[] = {0x1b, 0x1d, 0x03, 0x02, 0x00, 0x00,
+                                         0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00};
+constexpr std::uint8_t countOfOneMark = 1;
+
+/// All three questions in one write: their answers differ in form, and the in-order one is last.
+std::vector<std::uint8_t> questionWith(const JobId& id) {
+  auto question = processIdCommand(id);
+  question.insert(question.end(), std::begin(resetAndMark), std::end(resetAndMark));
+  question.insert(question.end(), std::begin(inOrderRequest), std::end(inOrderRequest));
+  return question;
+}
+
+}  // namespace
+
+MaybeSetback findProof(PortLink& link, const EscPosAnswers& answers, FoundProof& found) {
+  const JobId id = randomProcessId(link.port().platform());
+  const std::uint64_t before = answers.inOrderCount();
+  if (auto setback = link.send(questionWith(id))) {
+    return setback;
+  }
+  const auto strongest = [&] {
+    return answers.lastReport() == countOfOneMark ? ProofKind::Block
+           : answers.hasNamed(id)                 ? ProofKind::ProcessId
+           : answers.inOrderCount() > before      ? ProofKind::InOrder
+                                                  : ProofKind::None;
+  };
+  const auto isAny = [&](ByteView) { return strongest() != ProofKind::None; };
+  const auto isDecided = [&](ByteView) {
+    return strongest() == ProofKind::Block || answers.inOrderCount() > before;
+  };
+  if (link.await(isAny, longestSilence)) {
+    link.await(isDecided, grace);
+  }
+  found = {strongest(), answers.inOrderCount() == before};
+  return std::nullopt;
+}
+
+}  // namespace quordalvane
