@@ -3,7 +3,9 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
+#include <string>
 #include <utility>
 
 #include "c-interface/Failures.h"
@@ -53,9 +55,10 @@ struct QuorPrintJob {
   using Progress = std::function<void(const quordalvane::PrintProgress&)>;
 
   QuorPrintJob(std::shared_ptr<quordalvane::ExternalAccessoryPort> port,
-               quordalvane::ProofKind proof, Progress told)
+               std::optional<quordalvane::ProofKind> proof, Progress told)
       : progress(std::move(told)),
         job(std::move(port), {.proof = proof, .progress = [this](const auto& now) {
+                                waitsFor = now.waitsFor;
                                 if (progress) {
                                   progress(now);
                                 }
@@ -72,7 +75,8 @@ struct QuorPrintJob {
     result.bytesTotal = size;
   }
 
-  Progress progress;  // empty if nobody wants it; a name adds to it before the run
+  std::string waitsFor;  // while it runs
+  Progress progress;     // empty if nobody wants it; a name adds to it before the run
   quordalvane::PrintJob job;
   quordalvane::PrintResult result;
   std::atomic<bool> hasRun = false;

@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "c-interface/Buffers.h"
@@ -19,14 +21,39 @@ static_assert(sameNumber(QUOR_OBSTACLE_CANCELLED, PrintObstacle::Cancelled));
 static_assert(sameNumber(QUOR_OBSTACLE_EXCHANGE_FAILED, PrintObstacle::ExchangeFailed));
 static_assert(sameNumber(QUOR_OBSTACLE_NO_PROOF, PrintObstacle::NoProof));
 
+struct ProofNumber {
+  std::int32_t number;
+  ProofKind kind;
+};
+
+constexpr ProofNumber proofs[] = {
+    {QUOR_PROOF_NONE, ProofKind::None},        {QUOR_PROOF_AUTO, ProofKind::Auto},
+    {QUOR_PROOF_BLOCK, ProofKind::Block},      {QUOR_PROOF_PROCESS_ID, ProofKind::ProcessId},
+    {QUOR_PROOF_IN_ORDER, ProofKind::InOrder},
+};
+
+/// Auto leaves the choice to the device, if its text names a proof.
+std::optional<ProofKind> proofOf(std::int32_t number) {
+  for (const ProofNumber& proof : proofs) {
+    if (proof.number == number) {
+      return number == QUOR_PROOF_AUTO ? std::nullopt : std::optional(proof.kind);
+    }
+  }
+  throw CallFailure(QUOR_USAGE, "there is no proof " + std::to_string(number));
+}
+
+std::int32_t numberOf(ProofKind kind) {
+  return std::ranges::find(proofs, kind, &ProofNumber::kind)->number;
+}
+
 const PrintResult& resultOf(QuorPrintJob* job) {
   return given(job, "the job").result;
 }
 
 }  // namespace
 
-QuorCode quor_print_job_create(QuorPort* port, int32_t checked, QuorProgress progress,
-                               void* context, QuorPrintJob** job) {
+QuorCode quor_print_job_create(QuorPort* port, int32_t proof, QuorProgress progress, void* context,
+                               QuorPrintJob** job) {
   return guarded([&] {
     given(job, "the place for the job") = nullptr;
     QuorPrintJob::Progress told;
@@ -35,8 +62,7 @@ QuorCode quor_print_job_create(QuorPort* port, int32_t checked, QuorProgress pro
         progress(context, now.bytesAccepted, now.bytesTotal);
       };
     }
-    *job = new QuorPrintJob(given(port, "the port").port,
-                            checked != 0 ? ProofKind::Auto : ProofKind::None, std::move(told));
+    *job = new QuorPrintJob(given(port, "the port").port, proofOf(proof), std::move(told));
   });
 }
 
@@ -72,6 +98,16 @@ int64_t quor_print_job_result_code(QuorPrintJob* job) {
 
 uint64_t quor_print_job_bytes_total(QuorPrintJob* job) {
   return answered([&] { return resultOf(job).bytesTotal; });
+}
+
+int32_t quor_print_job_proof(QuorPrintJob* job) {
+  return answered([&] { return numberOf(resultOf(job).proof); });
+}
+
+QuorCode quor_print_job_waits_for(QuorPrintJob* job, char* text, size_t capacity, size_t* length) {
+  return guarded([&] {
+    return copyText(given(job, "the job").waitsFor, {text, capacity, length});
+  });
 }
 
 uint64_t quor_print_job_bytes_accepted(QuorPrintJob* job) {

@@ -25,7 +25,7 @@ static int print(QuorPort* port, const char* text) {
   QuorPrintJob* job = NULL;
   int code = 1;
   if (quor_port_open(port) == QUOR_OK &&
-      quor_print_job_create(port, 1, NULL, NULL, &job) == QUOR_OK &&
+      quor_print_job_create(port, QUOR_PROOF_AUTO, NULL, NULL, &job) == QUOR_OK &&
       quor_print_job_run(job, text, strlen(text)) == QUOR_OK) {
     code = tell(job);
   } else {

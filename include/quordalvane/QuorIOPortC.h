@@ -367,17 +367,28 @@ enum {
   QUOR_OBSTACLE_NO_PROOF = 5 /**< all bytes were sent; the sign that they were printed is missing */
 };
 
+/** How a printer confirms a job. */
+enum {
+  QUOR_PROOF_NONE = 0,  /**< not at all: it is not asked, and the job is unconfirmed at best */
+  QUOR_PROOF_AUTO = 1,  /**< as proof= of its device says; otherwise it is asked before the job */
+  QUOR_PROOF_BLOCK = 2, /**< it counts marks before and after the data */
+  QUOR_PROOF_PROCESS_ID = 3, /**< it names four random characters that end the job; ESC/POS alone */
+  QUOR_PROOF_IN_ORDER =
+      4 /**< it answers a question that ends the job, in its turn; ESC/POS alone */
+};
+
 /** One print job over an open port. It is sent once and never again by itself. */
 typedef struct QuorPrintJob QuorPrintJob;
 
 /** Called on the thread that runs the job: when its block begins, before its data is sent, after
- * each piece that was sent, and when its block ends. */
+ * each piece that was sent, when its block ends, and when the reason changes for which the printer
+ * has paused, see quor_print_job_waits_for. */
 typedef void (*QuorProgress)(void* context, uint64_t bytes_accepted, uint64_t bytes_total);
 
-/** Creates a job, which keeps the port for itself as long as it lives. `checked` 0: the printer is
- * not asked, and the best outcome is unconfirmed. `progress` may be null; `context` must outlive
+/** Creates a job, which keeps the port for itself as long as it lives. `proof` says how the printer
+ * is to confirm it; QUOR_USAGE for another number. `progress` may be null; `context` must outlive
  * the run. */
-QUOR_EXPORT QuorCode quor_print_job_create(QuorPort* port, int32_t checked, QuorProgress progress,
+QUOR_EXPORT QuorCode quor_print_job_create(QuorPort* port, int32_t proof, QuorProgress progress,
                                            void* context, QuorPrintJob** job);
 
 /** Frees the handle and releases the port; not while the job runs. */
@@ -403,6 +414,14 @@ QUOR_EXPORT int32_t quor_print_job_obstacle(QuorPrintJob* job);
 QUOR_EXPORT int64_t quor_print_job_result_code(QuorPrintJob* job);
 QUOR_EXPORT uint64_t quor_print_job_bytes_total(QuorPrintJob* job);
 /** @} */
+
+/** The proof that was used: none for a printer that gives none, auto while it was not found. */
+QUOR_EXPORT int32_t quor_print_job_proof(QuorPrintJob* job);
+
+/** Why a printer that keeps the job has paused, "cover open" for example; "" while it has not. For
+ * the progress function, on its thread. */
+QUOR_EXPORT QuorCode quor_print_job_waits_for(QuorPrintJob* job, char* text, size_t capacity,
+                                              size_t* length);
 
 /** The exact number of bytes of the job that the link took. */
 QUOR_EXPORT uint64_t quor_print_job_bytes_accepted(QuorPrintJob* job);

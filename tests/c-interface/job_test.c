@@ -8,7 +8,7 @@ static const size_t receiptSize = sizeof receipt - 1;
 
 static QuorPrintJob* jobOn(QuorPort* port) {
   QuorPrintJob* job = NULL;
-  REQUIRE(quor_print_job_create(port, 1, NULL, NULL, &job) == QUOR_OK);
+  REQUIRE(quor_print_job_create(port, QUOR_PROOF_AUTO, NULL, NULL, &job) == QUOR_OK);
   return job;
 }
 
@@ -46,7 +46,7 @@ static void AnUncheckedJobIsUnconfirmed(void) {
   QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
   QuorPrintJob* job = NULL;
   QuorPrinterStatus_2 status = {0};
-  REQUIRE(quor_print_job_create(port, 0, NULL, NULL, &job) == QUOR_OK);
+  REQUIRE(quor_print_job_create(port, QUOR_PROOF_NONE, NULL, NULL, &job) == QUOR_OK);
   EXPECT(quor_print_job_run(job, receipt, receiptSize) == QUOR_OK);
   EXPECT(quor_print_job_outcome(job) == QUOR_UNCONFIRMED);
   EXPECT(quor_print_job_obstacle(job) == QUOR_OBSTACLE_NO_PROOF);
@@ -87,6 +87,66 @@ static void ALinkLostInMidJobIsReportedWithTheExactCount(void) {
   done(port);
 }
 
+static void AJobSaysWhichProofWasUsed(void) {
+  static const struct {
+    const char* device;
+    int32_t emulation;
+    int32_t chosen;
+    int32_t used;
+  } rows[] = {
+      {"virtual:", QUOR_EMULATION_LINE, QUOR_PROOF_AUTO, QUOR_PROOF_BLOCK},
+      {"virtual:proofs=in-order", QUOR_EMULATION_ESCPOS, QUOR_PROOF_AUTO, QUOR_PROOF_IN_ORDER},
+      {"virtual:", QUOR_EMULATION_ESCPOS, QUOR_PROOF_PROCESS_ID, QUOR_PROOF_PROCESS_ID},
+      {"virtual:,proof=process-id", QUOR_EMULATION_ESCPOS, QUOR_PROOF_AUTO, QUOR_PROOF_PROCESS_ID},
+      {"virtual:,proof=process-id", QUOR_EMULATION_ESCPOS, QUOR_PROOF_BLOCK, QUOR_PROOF_BLOCK},
+  };
+  for (size_t i = 0; i < sizeof rows / sizeof rows[0]; ++i) {
+    QuorPort* port = openPortTo(rows[i].device, rows[i].emulation);
+    QuorPrintJob* job = NULL;
+    REQUIRE(quor_print_job_create(port, rows[i].chosen, NULL, NULL, &job) == QUOR_OK);
+    EXPECT(quor_print_job_run(job, receipt, receiptSize) == QUOR_OK);
+    EXPECT(quor_print_job_outcome(job) == QUOR_PRINTED);
+    EXPECT(quor_print_job_proof(job) == rows[i].used);
+    quor_print_job_free(job);
+    done(port);
+  }
+}
+
+static void AProofThatThereIsNotIsRefused(void) {
+  QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
+  QuorPrintJob* job = NULL;
+  EXPECT_FAILURE(quor_print_job_create(port, 5, NULL, NULL, &job), QUOR_USAGE, "no proof 5");
+  EXPECT(job == NULL);
+  done(port);
+}
+
+typedef struct Waits {
+  QuorPrintJob* job;
+  bool hasWaited;
+} Waits;
+
+static void noteWait(void* context, uint64_t accepted, uint64_t total) {
+  Waits* waits = context;
+  char text[64] = "";
+  (void)accepted;
+  (void)total;
+  EXPECT(quor_print_job_waits_for(waits->job, text, sizeof text, NULL) == QUOR_OK);
+  waits->hasWaited = waits->hasWaited || strcmp(text, "cover open") == 0;
+}
+
+static void ProgressSaysWhatAPausedPrinterWaitsFor(void) {
+  QuorPort* port = openPortTo("virtual:speed=40,at=300:coverOpen=true,at=2500:coverOpen=false",
+                              QUOR_EMULATION_ESCPOS);
+  Waits waits = {NULL, false};
+  REQUIRE(quor_print_job_create(port, QUOR_PROOF_PROCESS_ID, noteWait, &waits, &waits.job) ==
+          QUOR_OK);
+  EXPECT(quor_print_job_run(waits.job, receipt, receiptSize) == QUOR_OK);
+  EXPECT(quor_print_job_outcome(waits.job) == QUOR_PRINTED);
+  EXPECT(waits.hasWaited);
+  quor_print_job_free(waits.job);
+  done(port);
+}
+
 typedef struct Steps {
   unsigned calls;
   uint64_t accepted;
@@ -105,7 +165,7 @@ static void ProgressGrowsToTheWholeJob(void) {
   QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
   QuorPrintJob* job = NULL;
   Steps steps = {0, 0, 0};
-  REQUIRE(quor_print_job_create(port, 1, note, &steps, &job) == QUOR_OK);
+  REQUIRE(quor_print_job_create(port, QUOR_PROOF_AUTO, note, &steps, &job) == QUOR_OK);
   EXPECT(quor_print_job_run(job, receipt, receiptSize) == QUOR_OK);
   EXPECT(steps.calls >= 1);
   EXPECT(steps.accepted == receiptSize && steps.total == receiptSize);
@@ -138,8 +198,8 @@ static void AJobIsCancelledFromAnotherThread(void) {
   Canceller canceller = {.job = NULL, .started = false};
   static char data[100000];
   memset(data, '\n', sizeof data);
-  REQUIRE(quor_print_job_create(port, 1, cancelFromAnotherThread, &canceller, &canceller.job) ==
-          QUOR_OK);
+  REQUIRE(quor_print_job_create(port, QUOR_PROOF_AUTO, cancelFromAnotherThread, &canceller,
+                                &canceller.job) == QUOR_OK);
   EXPECT(quor_print_job_run(canceller.job, data, sizeof data) == QUOR_OK);
   REQUIRE(canceller.started);
   pthread_join(canceller.thread, NULL);
@@ -206,7 +266,8 @@ static void AJobsStatusNeedsAPlace(void) {
 
 static void AJobNeedsAPortAndItsData(void) {
   QuorPrintJob* job = NULL;
-  EXPECT_FAILURE(quor_print_job_create(NULL, 1, NULL, NULL, &job), QUOR_USAGE, "port");
+  EXPECT_FAILURE(quor_print_job_create(NULL, QUOR_PROOF_AUTO, NULL, NULL, &job), QUOR_USAGE,
+                 "port");
   EXPECT(job == NULL);
   EXPECT_FAILURE(quor_print_job_run(NULL, receipt, receiptSize), QUOR_USAGE, "job");
   EXPECT(quor_print_job_bytes_total(NULL) == 0);
@@ -224,6 +285,9 @@ const Sentence jobSentences[] = {SENTENCE(AJobThatIsOnPaperIsPrinted),
                                  SENTENCE(AnUncheckedJobIsUnconfirmed),
                                  SENTENCE(AnOpenCoverRefusesTheJobWithReasonAndAdvice),
                                  SENTENCE(ALinkLostInMidJobIsReportedWithTheExactCount),
+                                 SENTENCE(AJobSaysWhichProofWasUsed),
+                                 SENTENCE(AProofThatThereIsNotIsRefused),
+                                 SENTENCE(ProgressSaysWhatAPausedPrinterWaitsFor),
                                  SENTENCE(ProgressGrowsToTheWholeJob),
                                  SENTENCE(AJobIsCancelledFromAnotherThread),
                                  SENTENCE(AJobThatIsCancelledBeforeItBeganSendsNothing),
