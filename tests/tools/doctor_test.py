@@ -196,6 +196,24 @@ class Health(Case):
             (device,) = answer["devices"]
             self.assertEqual(device["device"], simulator.place)
             self.assertEqual(set(device["status"]), STATUS_KEYS)
+            self.assertEqual(device["proof"], "block")
+            self.assertIn("  proof: block: it counts marks", result.out)
+
+    def test_it_says_how_an_escpos_printer_confirms_jobs_or_that_it_does_not(self):
+        for proofs, found in (("block+in-order", "block"), ("process-id+in-order", "process-id"), ("in-order", "in-order"),
+                              ("none", "none")):
+            simulator = self.simulator("tcp:0", "--set", f"proofs={proofs}")
+            result = run("-d", simulator.place, "-e", "escpos", "doctor")
+            self.assertExit(0, result)
+            self.assertIn(f"  proof: {found}: it ", result.out)
+            self.assertIn(f",proof={found} saves", result.out)
+            (device,) = run("-d", simulator.place, "-e", "escpos", "doctor", "--json").json()["devices"]
+            self.assertEqual(device["proof"], found)
+        self.assertIn("unconfirmed at best", result.out)
+
+    def test_a_printer_that_is_off_line_is_not_asked_how_it_confirms_jobs(self):
+        result = run("-d", "virtual:coverOpen=true", "-e", "escpos", "doctor", "--json")
+        self.assertIsNone(result.json()["devices"][0]["proof"])
 
     def test_nothing_is_printed_and_the_printer_keeps_its_data(self):
         simulator = self.simulator("tcp:0", "--set", "offline=true")

@@ -107,6 +107,19 @@ class Printing(Case):
             answer = run("-d", "virtual:", "-e", "escpos", "print", "--proof", proof, "-", "--json", data=b"text\n").json()
             self.assertEqual((answer["outcome"], answer["proof"]), ("printed", proof))
 
+    def test_the_proof_of_the_device_is_used_and_the_option_beats_it(self):
+        for options, used in (((), "in-order"), (("--proof", "process-id"), "process-id"), (("--proof", "auto"), "block")):
+            result = run("-d", "virtual:,proof=in-order", "-e", "escpos", "print", *options, "-", "--json", data=b"text\n")
+            self.assertEqual((result.json()["outcome"], result.json()["proof"]), ("printed", used))
+
+    def test_a_proof_that_had_to_be_asked_for_is_told_with_what_saves_the_question(self):
+        asked = run("-d", "virtual:proofs=process-id", "-e", "escpos", "print", "-", data=b"text\n")
+        self.assertIn("hint: ,proof=process-id after the device saves", asked.out)
+        silent = run("-d", "virtual:proofs=none", "-e", "escpos", "print", "-", data=b"text\n")
+        self.assertIn("hint: ,proof=none after the device saves", silent.err)
+        for options in (("-d", "virtual:"), ("-d", "virtual:,proof=block", "-e", "escpos")):
+            self.assertNotIn("hint", run(*options, "print", "-", data=b"text\n").out)
+
     def test_a_job_without_a_proof_is_unconfirmed_at_best(self):
         for option in (("--proof", "none"), ("--unchecked",)):
             result = run("-d", "virtual:", "print", *option, "-", "--json", data=b"text\n")

@@ -30,6 +30,7 @@ Json jsonOf(const Diagnosis& diagnosis) {
           {"ok", diagnosis.findings.empty()},
           {"findings", jsonOf(diagnosis.findings)},
           {"remarks", diagnosis.remarks},
+          {"proof", diagnosis.proof ? Json(nameOf(*diagnosis.proof)) : Json(nullptr)},
           {"status", diagnosis.status ? tool::jsonOf(*diagnosis.status) : Json(nullptr)}};
 }
 
@@ -42,11 +43,38 @@ std::string inLines(const Findings& findings) {
   return text;
 }
 
+// How the printer confirms jobs, and the consequence.
+std::string inWords(ProofKind proof) {
+  switch (proof) {
+    case ProofKind::Block:
+      return "block: it counts marks before and after each job";
+    case ProofKind::ProcessId:
+      return "process-id: it names the characters that end each job";
+    case ProofKind::InOrder:
+      return "in-order: it answers the question that ends each job, in its turn";
+    case ProofKind::Auto:
+    case ProofKind::None:
+      break;
+  }
+  return "none: it confirms no job, so that each is unconfirmed at best";
+}
+
+std::string proofLine(const Diagnosis& diagnosis) {
+  if (!diagnosis.proof) {
+    return "";
+  }
+  return "  proof: " + inWords(*diagnosis.proof) +
+         (diagnosis.emulation == ZKEmulationESCPOS
+              ? "; ,proof=" + std::string(nameOf(*diagnosis.proof)) + " saves jobs the question"
+              : "") +
+         "\n";
+}
+
 std::string inLines(const Diagnosis& diagnosis) {
   std::string text = printable(diagnosis.device) + "\n" + inLines(diagnosis.findings);
   const std::string words = joined(diagnosis.remarks, "; ");
   const std::string label = diagnosis.findings.empty() ? "  well:  " : "  seen:  ";
-  return words.empty() ? text : text + label + words + "\n";
+  return (words.empty() ? text : text + label + words + "\n") + proofLine(diagnosis);
 }
 
 // What is wrong with the port name, which has to choose one of the devices. It is not to blame

@@ -34,11 +34,8 @@ std::uint32_t number(const std::string& text, Range range, const std::string& un
 }
 
 ProofKind proof(const std::string& text) {
-  for (const ProofKind kind : {ProofKind::Auto, ProofKind::Block, ProofKind::ProcessId,
-                               ProofKind::InOrder, ProofKind::None}) {
-    if (text == nameOf(kind)) {
-      return kind;
-    }
+  if (const auto kind = proofNamed(text)) {
+    return *kind;
   }
   throw CLI::ValidationError("takes auto, block, process-id, in-order or none, not " +
                              inQuotes(text));
@@ -148,7 +145,7 @@ void addPrintOptions(CLI::App& app, Options& all) {
   app.add_option("FILE", options.file, "what to print; - is standard input")->required();
   addText(app, "--proof", "NAME",
           "how the printer confirms the job: auto, block, process-id, in-order or none (default "
-          "auto: it is asked which of them it gives)",
+          "proof= of the device, or auto: it is asked which of them it gives)",
           [&options](const std::string& text) { options.proof = proof(text); });
   app.add_flag_callback(
       "--unchecked", [&options] { options.proof = ProofKind::None; },

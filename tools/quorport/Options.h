@@ -17,8 +17,8 @@ struct StatusOptions {
 };
 
 struct PrintOptions {
-  std::string file;  ///< "-" is standard input
-  ProofKind proof = ProofKind::Auto;
+  std::string file;                               ///< "-" is standard input
+  std::optional<ProofKind> proof;                 ///< empty: as the device says
   std::optional<std::uint32_t> endTimeout;        ///< milliseconds
   std::optional<std::uint32_t> holdPrintTimeout;  ///< milliseconds
   std::optional<std::string> receipt;             ///< a file

@@ -51,6 +51,13 @@ ExitCode codeOf(const PrintResult& result) {
   return codeOfRefusal(result.obstacle);
 }
 
+// How the next job is spared the question; "" if this one was.
+std::string hintOf(const PrintResult& result) {
+  return result.hasAskedForProof ? "\n  hint: ,proof=" + std::string(nameOf(result.proof)) +
+                                       " after the device saves asking how the printer confirms"
+                                 : "";
+}
+
 Report reportOn(const PrintResult& result) {
   Report report;
   report.json = {{"ok", result.outcome == PrintOutcome::Printed},
@@ -63,11 +70,12 @@ Report reportOn(const PrintResult& result) {
                  {"status", result.status ? jsonOf(*result.status) : Json(nullptr)},
                  {"error", nullptr}};
   if (result.outcome == PrintOutcome::Printed) {
-    report.text = "printed: the printer confirmed all " + grouped(result.bytesTotal) + " bytes\n";
+    report.text = "printed: the printer confirmed all " + grouped(result.bytesTotal) + " bytes" +
+                  hintOf(result) + "\n";
   } else {
     setFailed(report, codeOf(result), printable(result.reason));
     report.error = std::string(nameOf(result.outcome)) + ": " + printable(result.reason) +
-                   "\n  next: " + printable(result.advice);
+                   "\n  next: " + printable(result.advice) + hintOf(result);
   }
   return report;
 }

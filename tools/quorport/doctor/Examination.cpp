@@ -27,6 +27,7 @@ constexpr std::uint32_t longestTimeout = 1000;
 struct Answer {
   std::optional<Finding> notOpened;
   std::optional<QuorPrinterStatus_2> status;
+  std::optional<ProofKind> proof;
   ByteBuffer bytes;  // the first that arrived, understood or not
   bool isLinkLost = false;
 };
@@ -69,6 +70,8 @@ class Examination {
         }
         wasOpened_ = wasOpened_ || !answer.notOpened;
         if (answer.status) {
+          diagnosis_.proof = answer.proof;
+          diagnosis_.emulation = emulation;
           note(*answer.status, variant, emulation);
           return diagnosis_;
         }
@@ -124,6 +127,9 @@ class Examination {
     PrinterInquiry inquiry(printer.port());
     try {
       answer.status = inquiry.status();
+      if (answer.status->offline == 0) {  // another one may keep its answers
+        answer.proof = inquiry.proof();
+      }
     } catch (const InquiryError& error) {
       answer.isLinkLost = error.cause() == InquiryCause::LinkLost;
     }

@@ -6,6 +6,8 @@
 
 #include <quordalvane/QuorIOPort.h>
 
+#include "iphone-IOPort/enum.h"
+#include "job/ProofKind.h"
 #include "tools/quorport/Commands.h"
 #include "tools/quorport/LiveLine.h"
 #include "tools/quorport/Options.h"
@@ -18,7 +20,9 @@ struct Diagnosis {
   std::string device;  ///< its text
   Findings findings;   ///< empty if the printer is well
   std::vector<std::string> remarks;
-  std::optional<QuorPrinterStatus_2> status;  ///< null if none was obtained
+  std::optional<QuorPrinterStatus_2> status;   ///< null if none was obtained
+  std::optional<ProofKind> proof;              ///< null if it was not asked
+  ZKEmulation emulation = ZKEmulationUnknown;  ///< in which it answered
 };
 
 /// Looks at the device whose text is `device`, whatever the port name is. Nothing is printed, and
