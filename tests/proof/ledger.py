@@ -1,4 +1,4 @@
-"""What was run so far, kept in build/proof/ so that a run that is stopped goes on where it was."""
+"""The steps that were run so far, kept in build/proof/ so that a run that was stopped continues at the same point."""
 
 import hashlib
 import json

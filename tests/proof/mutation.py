@@ -4,7 +4,7 @@ Usage: mutation.py COUNT [--seed SEED] [AREA …]. Of all mutants that the opera
 COUNT are drawn by SEED (1 unless given); 0 is all of them. A mutant that does not compile is drawn again.
 
 What each mutant met is kept in build/proof/mutants.json while neither the sources nor the tests of its area
-change, so that a run that was stopped (SIGINT, SIGTERM) goes on where it was.
+change, so that a run that was stopped (SIGINT, SIGTERM) continues at the same point.
 
 Survivors must be explained in survivors.md; fails when one is not, or when fewer than 95 of 100 are killed.
 """

@@ -37,7 +37,7 @@ def written(figures: dict[str, dict[str, str]]) -> str:
     lines = [
         "# The proof", "",
         "Written by `./dev prove`. A row's figures are those of its last run, at the size that is named: `commit`,",
-        "`nightly` or `release`, each larger than the one before. A run that is stopped goes on where it was; *how",
+        "`nightly` or `release`, each larger than the one before. A run that was stopped continues at the same point; *how",
         "far* is the share of the size that is done. A row that was not run says so. The third column says which part",
         "of a row `./dev test` runs at each commit, at the size `commit`; the rest is run by `./dev prove` alone.", "",
         HEAD, "|" + "---|" * 10,

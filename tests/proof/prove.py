@@ -1,7 +1,7 @@
 """Runs the proof, row by row, and writes its summary, docs/proof.md. See `./dev prove --help`.
 
 Each row is parted into units. A unit that was run is kept in build/proof/ with its figures, and is not run again
-while the product and its tests are the same: a run that was stopped goes on where it was.
+while the product and its tests are the same: a run that was stopped continues at the same point.
 """
 
 import argparse
@@ -78,7 +78,7 @@ def check_defects():
 
 def options() -> argparse.Namespace:
     parser = argparse.ArgumentParser(prog="./dev prove", description="Run the proof and write docs/proof.md. A run that is "
-                                     "stopped, by --minutes or by Ctrl-C, goes on where it was the next time.")
+                                     "stopped, by --minutes or by Ctrl-C, continues at the same point next time.")
     size = parser.add_mutually_exclusive_group()
     size.add_argument("--nightly", action="store_const", dest="size", const=NIGHTLY, default=COMMIT)
     size.add_argument("--release", action="store_const", dest="size", const=RELEASE)

@@ -73,16 +73,16 @@ ROWS = (
         (seeds("build/bin/trace_tests", "QUOR_SCRIPTS", (100_000, 1_000_000, 10_000_000)),), WHOLE_ROW),
     Row("faults", "Fault sweep", "every call to the platform fails, in every way, once and from there on: each "
         "operation ends as its contract says", (faults("*FaultSweep*", "*MainThreadSweep*"),), WHOLE_ROW),
-    Row("allocations", "Allocation sweep", "every allocation fails in turn: nothing but std::bad_alloc, nothing out of "
+    Row("allocations", "Allocation sweep", "every allocation fails in turn: no exception but std::bad_alloc, and none from "
         "open and close", (faults("*AllocationSweep*", "*WithoutMemory*", "*NoMemoryAtAll*"),), WHOLE_ROW),
     Row("torture", "Link torture", "every reply and command is split, stalled, cut, doubled and preceded by a stray byte "
         "at each of its bytes", (faults("*LinkTorture*"),), WHOLE_ROW),
-    Row("jobs", "Job simulation", "seeded print jobs on a truthful printer with everything going wrong: `printed` never "
+    Row("jobs", "Job simulation", "seeded print jobs on a truthful printer with faults of every kind: `printed` never "
         "without the paper",
         (seeds("build/bin/simulation_tests", "QUOR_SIMULATED_JOBS", (20_000, 1_000_000, 10_000_000)),), WHOLE_ROW),
     Row("clocks", "Clocks", "the wall clock steps at every reading: no early time-out, no delay beyond the step",
         (faults("*Clock*"),), WHOLE_ROW),
-    Row("bounds", "Bounds", "every operation ends within its limit, and what has none ends with the link",
+    Row("bounds", "Bounds", "every operation ends within its limit, and one without a limit ends with the link",
         (faults("Bounds.*"),), WHOLE_ROW),
     Row("fuzz", "Fuzzing", "arbitrary input to parsers, texts, the virtual printer and whole operations",
         (fuzz(PARSERS, (100_000, 10_000_000, 10_000_000)), fuzz(TEXTS, (20_000, 1_000_000, 10_000_000)),
@@ -97,7 +97,7 @@ ROWS = (
               for step in (lifecycle(build, (2_000, 100_000, 100_000), (500, 10_000, 10_000), (5_000, 50_000, 200_000)),
                            exits(build))), NOTHING),
     Row("soak", "Soak", "tills in real time over a local socket and a terminal, through a relay that slices, throttles, "
-        "delays and cuts: no failed clean job, no descriptor, thread or memory left behind", (soak(),), WHOLE_ROW),
+        "delays and cuts: no failed clean job, no descriptor, thread or memory left", (soak(),), WHOLE_ROW),
     Row("journal", "Jobs under a name", "a process is killed at its system calls and started again, every call below the "
         "database fails, its file is cut and torn, and eight tills share names on a printer whose link is cut: never two "
         "copies, never `printed` without paper",
