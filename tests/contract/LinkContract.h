@@ -62,7 +62,7 @@ class LinkContract : public testing::TestWithParam<LinkKind> {
     return eventually([this] { return !accessory->isConnected(); });
   }
 
-  /// Reads until `count` bytes have come, or fewer if no more do.
+  /// Reads until `count` bytes have arrived, or fewer if no more do.
   Bytes receive(std::size_t count) {
     Bytes bytes(count);
     std::size_t got = 0;
@@ -77,8 +77,9 @@ class LinkContract : public testing::TestWithParam<LinkKind> {
     return bytes;
   }
 
-  /// Writes text until the link takes no more, or has taken `limit`; returns what it took. The
-  /// system moves what a terminal holds on by itself, a moment later, and that makes space again.
+  /// Writes text until the link takes no more, or has taken `limit`; returns the number that it
+  /// took. The system moves the bytes of a terminal on by itself, a moment later, and that makes
+  /// space again.
   Bytes fill(std::size_t limit = SIZE_MAX) {
     constexpr double moment = 0.1;
     Bytes taken;

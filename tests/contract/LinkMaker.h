@@ -26,7 +26,7 @@ class Peer {
   /// Sends one byte, whether or not anybody is there to hear it.
   virtual void say(std::uint8_t byte) = 0;
 
-  /// Takes `count` bytes, or as many as come before the link ends or a generous time has passed.
+  /// Takes `count` bytes, or as many as arrive before the link ends or a generous time has passed.
   virtual Bytes read(std::size_t count) = 0;
 
   /// Takes nothing more until the next `read`.
@@ -35,17 +35,17 @@ class Peer {
   /// Ends the link in good order.
   virtual void close() = 0;
 
-  /// Ends the direction from the device alone. Only where the link has two.
+  /// Ends the direction from the device alone. Only if the link has two.
   virtual void closeWriting() = 0;
 
-  /// Ends the link without any order. Only where the link can.
+  /// Ends the link abruptly. Only if the link can.
   virtual void reset() = 0;
 };
 
-/// What not every kind of link can do.
+/// Abilities that not every kind of link has.
 struct LinkTraits {
   bool takesEveryByte = true;    ///< the device obeys none of them
-  bool keepsUnreadBytes = true;  ///< what came before the end can be read after it
+  bool keepsUnreadBytes = true;  ///< bytes from before the end can be read after it
   bool closesOneWay = true;
   bool resets = true;
   bool linksAnew = true;         ///< each session has a link of its own

@@ -97,7 +97,7 @@ class PrinterDriverMaker : public PosixLinkMaker {
     int ends[2];
     EXPECT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends), 0);
     EXPECT_EQ(::fcntl(ends[0], F_SETFL, O_NONBLOCK), 0);
-    platform().ignoreSigPipe();  // the driver raises none
+    platform().ignoreSigPipe();  // the driver reports none
     other_ = ends[1];
     return {ends[0], Descriptor::Kind::UsbPrinter};
   }
@@ -108,7 +108,7 @@ class PrinterDriverMaker : public PosixLinkMaker {
 
 class PtyMaker : public PosixLinkMaker {
  public:
-  // Its end throws away what was not read, and a session opens the same line again.
+  // Its end throws away unread bytes, and a session opens the same line again.
   LinkTraits traits() const override {
     return {.keepsUnreadBytes = false,
             .closesOneWay = false,

@@ -14,7 +14,7 @@ using simulator::Instant;
 using simulator::VirtualPrinter;
 using virtuals::VirtualAccessory;
 
-/// The printer, as the device that it is: off line it stalls, and what it has printed it has read.
+/// The printer as a device: off line it stalls, and it has read the bytes that it printed.
 class VirtualPeer : public Peer {
  public:
   explicit VirtualPeer(std::shared_ptr<VirtualAccessory> accessory)

@@ -5,7 +5,7 @@
 namespace quordalvane::contract {
 namespace {
 
-/// Seconds, for what must not last: the end of a session that waits for a device in vain takes two.
+/// Seconds, for an end without a wait: a session that waits for a device in vain ends after two.
 constexpr double instantly = 1.9;
 
 TEST_P(LinkContract, ALinkThatTheDeviceClosedIsLostAndEmpty) {
@@ -29,7 +29,7 @@ TEST_P(LinkContract, SeenBytesAreReadBeforeTheLinkOfAClosedDeviceIsLost) {
 
 TEST_P(LinkContract, UnseenBytesAreReadBeforeTheLinkOfAClosedDeviceIsLost) {
   if (!maker->traits().keepsUnreadBytes) {
-    GTEST_SKIP() << "the system throws away what was not read before the end";
+    GTEST_SKIP() << "the system throws away bytes that were not read before the end";
   }
   const Bytes bytes(10'000, 9);
   peer->write(bytes);

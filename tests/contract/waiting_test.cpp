@@ -3,7 +3,7 @@
 namespace quordalvane::contract {
 namespace {
 
-constexpr double instantly = generously / 2;  // for what must not last
+constexpr double instantly = generously / 2;  // for an end without a wait
 
 TEST_P(LinkContract, AWaitForBytesEndsAtOnceWhenBytesAreThere) {
   ASSERT_EQ(write({1}), 1);  // it may be answered, so the wait would last
@@ -88,7 +88,7 @@ TEST_P(LinkContract, AWaitForSpaceLastsItsTimeWhileTheDeviceStalls) {
   fill();
   const double start = now();
   output->waitUntilReady(0.02);
-  EXPECT_GE(now() - start, 0.02 - 1e-6);  // less what a difference of seconds is rounded by
+  EXPECT_GE(now() - start, 0.02 - 1e-6);  // less the rounding of a difference of seconds
   EXPECT_LT(now() - start, instantly);
 }
 

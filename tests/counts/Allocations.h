@@ -9,11 +9,11 @@ struct Allocations {
   std::uint64_t bytes = 0;
 };
 
-/// What the calling thread has taken from the heap so far, by `new` in all its forms. A program
-/// that is linked with this counts from its beginning.
+/// The memory that the calling thread has taken from the heap so far, by `new` in all its forms. A
+/// program that is linked with this counts from its beginning.
 Allocations allocationsOfThisThread();
 
-/// What `body` takes from the heap on this thread.
+/// The memory that `body` takes from the heap on this thread.
 template <typename Body>
 Allocations allocationsOf(Body body) {
   const Allocations before = allocationsOfThisThread();

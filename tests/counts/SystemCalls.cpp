@@ -12,7 +12,7 @@
 namespace quordalvane {
 namespace {
 
-// A call that nothing else makes stands at the beginning and at the end of what is counted.
+// A call that no other code makes marks the beginning and the end of the count.
 constexpr long mark = SYS_getppid;
 
 void* asPointer(std::uintptr_t value) {
@@ -35,7 +35,7 @@ bool isStopped(pid_t child) {
   return ::waitpid(child, &state, 0) == child && WIFSTOPPED(state);
 }
 
-/// The number of the call that the stopped process is about to make; none at its other stops.
+/// The number of the call that the stopped process is about to make; empty at its other stops.
 std::optional<long> callBegun(pid_t child) {
   __ptrace_syscall_info info{};
   ::ptrace(PTRACE_GET_SYSCALL_INFO, child, asPointer(sizeof info), &info);

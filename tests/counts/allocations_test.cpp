@@ -10,7 +10,7 @@
 #include "iphone-IOPort/LogStatement.h"
 #include "job/PrintJob.h"
 
-// What is taken from the heap, and so how often bytes are copied from one buffer into another.
+// The memory taken from the heap, and so the number of copies from one buffer into another.
 
 namespace quordalvane {
 namespace {
@@ -47,7 +47,8 @@ TEST(Allocations, ALogStatementOfALevelThatIsNotWantedTakesNothing) {
   EXPECT_EQ(taken.count, 0U);
 }
 
-// Every buffer that a job takes is filled once: what it takes is what it copies.
+// Every buffer that a job takes is filled once: the memory that it takes is the number of bytes
+// that it copies.
 TEST(Allocations, AJobCopiesItsBytesAtMostTwice) {
   for (const bench::Medium medium : {bench::Medium::Tcp, bench::Medium::Local}) {
     bench::Peer peer(bench::Core::Second);

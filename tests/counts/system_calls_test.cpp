@@ -20,7 +20,7 @@
 #include "bench/OpenPort.h"
 #include "bench/Peer.h"
 
-// What a port asks of the system for one exchange. Only the ticks of the system's clock touch these
+// The system calls of a port for one exchange. Only the ticks of the system's clock touch these
 // counts, each by a call or two: a program that makes a hundred calls where three would do shows it
 // here first.
 
@@ -99,7 +99,8 @@ TEST(SystemCalls, ALineModeStatusOverASocketWritesOnceAndReceivesAtMostTwice) {
     const auto calls = callsOfAStatus(answered);
     ASSERT_TRACED(calls);
     EXPECT_EQ(countOf(*calls, SYS_sendto), 1U);
-    EXPECT_LE(countOf(*calls, SYS_recvfrom), 2U);  // what may have come meanwhile, and the answer
+    EXPECT_LE(countOf(*calls, SYS_recvfrom),
+              2U);  // bytes that may have arrived meanwhile, and the answer
     EXPECT_EQ(countOf(*calls, SYS_rt_sigaction), 1U);
     EXPECT_LE(exchangeCallsIn(*calls), 7U);
   }

@@ -8,7 +8,8 @@
 namespace quordalvane::test {
 namespace {
 
-// One at a time for the whole process: what is carried to another thread runs short there, too.
+// One at a time for the whole process: a routine that is carried to another thread also runs short
+// there.
 struct Plan {
   std::atomic<bool> armed = false;
   std::atomic<Allocation> which = Allocation::Any;

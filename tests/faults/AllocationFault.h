@@ -4,7 +4,7 @@
 
 namespace quordalvane::test {
 
-/// Which allocations a fault befalls: all, or those alone that answer null instead of raising.
+/// Which allocations a fault befalls: all, or only those that return null instead of throwing.
 enum class Allocation { Any, AnsweringNull };
 
 /// While it lives, the k-th allocation of the threads that are covered fails, alone or with all

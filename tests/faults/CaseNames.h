@@ -6,7 +6,7 @@
 
 namespace quordalvane::test {
 
-/// As it stands in the name of a case.
+/// The form in the name of a case.
 inline const char* emulationName(std::int32_t emulation) {
   return emulation == lineMode ? "line" : emulation == escPos ? "escpos" : "unknown";
 }

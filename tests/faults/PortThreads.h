@@ -13,7 +13,7 @@
 
 namespace quordalvane::test {
 
-/// Waits until nobody else holds the platform. A port thread lets go of its port behind its last
+/// Waits until no other thread holds the platform. A port thread releases its port after its last
 /// turn in virtual time, so that may still be under way on the machine.
 template <typename Kind>
 void waitUntilReleased(const std::shared_ptr<Kind>& platform) {

@@ -10,8 +10,7 @@
 namespace quordalvane::test {
 
 /// Calls `strikes(k)` for k = 1, 2, … until the k-th does not strike any more or a test has failed;
-/// where one case is replayed, for that one alone. `name` and k name a case. Returns how many
-/// struck.
+/// if one case is replayed, for that one alone. `name` and k name a case. Returns how many struck.
 template <typename Strikes>
 std::uint64_t sweepAll(const std::string& name, Strikes strikes) {
   const auto replayed = replayedSeed(name);

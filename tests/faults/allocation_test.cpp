@@ -19,7 +19,7 @@ namespace {
 
 constexpr const char* noMemory = "std::bad_alloc";
 
-/// Where the operation is called.
+/// The thread on which the operation is called.
 enum class On { AnotherThread, MainThread };
 
 struct Circumstances {
@@ -29,7 +29,7 @@ struct Circumstances {
   Layer layer = {};
 };
 
-/// Memory is short on the threads that it makes, too.
+/// Memory is also short on the threads that it makes.
 class CoveredThreads : public ForwardingPlatform {
  public:
   using ForwardingPlatform::ForwardingPlatform;
@@ -69,7 +69,7 @@ class AnsweredPort {
 
   ExternalAccessoryPort& port() { return *port_; }
 
-  /// What an operation comes to, and whether the fault struck.
+  /// The result of an operation, and whether the fault struck.
   std::string result(const Call& call, Allocation which, std::uint64_t k, bool fromThereOn,
                      bool& struck) {
     Caller caller;
@@ -82,7 +82,7 @@ class AnsweredPort {
  private:
   std::string resultOrRaised(const Call& call, Caller& caller) {
     try {
-      // These two never raise, so nothing around them may take memory either.
+      // These two never throw, so the code around them may take no memory either.
       if (call.name == "open") {
         return shownResult(port_->open());
       }
@@ -177,7 +177,7 @@ TEST(NewPortWithoutMemory, LeavesNoThread) {
   EXPECT_GT(failures, 5U);
 }
 
-/// With a platform that raises, and no memory to say so.
+/// With a platform that throws, and no memory to report it.
 class NoMemoryAtAll : public testing::TestWithParam<bool> {
  protected:
   /// Whether the platform's k-th call was made.

@@ -1,5 +1,5 @@
 // How long operations may take. Every comparison of a port with the model holds the run against its
-// bound; here is what is exempt from it, and that a lost link ends it within one pass.
+// bound; here are the exemptions from it, each ended by a lost link within one pass.
 
 #include <gtest/gtest.h>
 
@@ -20,7 +20,7 @@ std::ptrdiff_t movesAfterTheLoss(const Outcome& outcome) {
                        [](const Line& line) { return line.about == About::Data; });
 }
 
-/// The call goes on until the link is lost, and not a pass longer.
+/// The call lasts until the link is lost, and not a pass longer.
 Outcome expectEndWithTheLink(const Scenario& scenario, const Call& call,
                              const std::string& exemption) {
   const Outcome outcome = scenario.run(call);
@@ -89,7 +89,7 @@ TEST(Bounds, HoldForTheRestOfARunWithAnExemptPart) {
   EXPECT_EQ(overrun(scenario, call, outcome), "");
   EXPECT_GT(exemptionOf(outcome, call).seconds, 90);
   outcome.seconds += mostSeconds(scenario, call);
-  EXPECT_NE(overrun(scenario, call, outcome), "") << "as if it had gone on without the link";
+  EXPECT_NE(overrun(scenario, call, outcome), "") << "as if it had continued without the link";
 }
 
 TEST(Bounds, AreNearTheTimesOfAPrinterThatNeverAnswers) {

@@ -39,8 +39,8 @@ double secondsBetween(const Outcome& outcome, std::size_t first, std::size_t las
   return to - from;
 }
 
-/// What the printer does while the clock is stepped. Waits that end by their limit alone are those
-/// of a silent one.
+/// The printer's behaviour while the clock is stepped. Waits that end by their limit alone are
+/// those of a silent one.
 enum class Printer { Answers, IsSilent, TakesNothing };
 
 const char* nameOf(Printer printer) {
@@ -72,7 +72,7 @@ class ClockSweep : public testing::TestWithParam<std::tuple<std::int32_t, Printe
            call.name + " " + std::to_string(seconds) + " at " + std::to_string(reading);
   }
 
-  /// Runs the call with the steps of the script. None when the case is not the one to be replayed.
+  /// Runs the call with the steps of the script. Empty if the case is not the one to be replayed.
   static std::optional<Outcome> run(const std::string& name, const Scenario& stepped,
                                     const Call& call) {
     if (!isChosen(name)) {
@@ -97,7 +97,7 @@ class ClockSweep : public testing::TestWithParam<std::tuple<std::int32_t, Printe
     }
   }
 
-  /// A step back makes no wait end early, and none last longer than by the step.
+  /// A step back makes no wait end early, nor last longer than by the step.
   static void stepBack(const Call& call, const Outcome& undisturbed, std::int64_t seconds) {
     for (std::size_t reading = 1; reading <= readingsOf(undisturbed); ++reading) {
       Scenario stepped = scenario();
@@ -123,18 +123,18 @@ class ClockSweep : public testing::TestWithParam<std::tuple<std::int32_t, Printe
       if (const auto outcome = run(name(call, -seconds, reading), stepped, call)) {
         EXPECT_TRUE(outcome->seconds >= undisturbed.seconds - tolerance ||
                     readingsOf(*outcome) >= reading + readings)
-            << call.name << " ended early while the clock stood back";
+            << call.name << " ended early while the clock was back";
         EXPECT_LE(outcome->seconds, undisturbed.seconds + onePass(call) +
                                         secondsBetween(*outcome, reading, reading + readings))
-            << call.name << " went on after the clock was right again";
+            << call.name << " continued after the clock was right again";
       }
     }
   }
 
   static constexpr double tolerance = 1e-6;
 
-  /// What lies between two looks at the clock of one wait: a pause and a slice, and where the wait
-  /// is for a state of the printer, the question for it.
+  /// The time between two looks at the clock of one wait: a pause and a slice, and if the wait is
+  /// for a state of the printer, the question for it.
   static double onePass(const Call& call) {
     const bool asksForStatus = call.name == "beginCheckedBlock" || call.name == "endCheckedBlock";
     return 0.2 + 0.1 + (asksForStatus ? scenario().run(getParsedStatus()).seconds : 0);
@@ -187,7 +187,7 @@ TEST(ClockStep, DelaysEachWaitByTheStepAndNoMore) {
     if (call.name == "writeWithRetry") {
       scenario.script.hasNoSpace();
     }
-    if (call.name == "beginCheckedBlock") {  // a printer on line whose counter does not go to 0
+    if (call.name == "beginCheckedBlock") {  // a printer on line whose counter does not become 0
       scenario.script.wheneverAsked(bytes("1b 06 01"), {{bytes("89 01 00 00 00 00 01 00 05")}});
     }
     const Outcome undisturbed = scenario.runOnPort(call);

@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::chrono::minutes patience{1};
 
-/// Counts the records that it is given and those that it is told are missing. Its first write waits
+/// Counts the records that it receives and those that are reported missing. Its first write waits
 /// until it is released and then lets the k-th allocation of the next turn fail, alone or with all
 /// that follow until memory is back. It allocates nothing itself.
 class SpoilingSink : public LogSink {
@@ -60,7 +60,7 @@ class SpoilingSink : public LogSink {
   // The writer's while it has records.
   std::uint64_t given = 0;
   std::uint64_t told = 0;
-  std::uint64_t words = 0;  // by which it was told
+  std::uint64_t words = 0;  // of the report
   bool struck = false;
 
  private:
@@ -88,7 +88,7 @@ TEST(LogDeliveryWithoutMemory, CountsUndeliveredRecordsAndContinues) {
     delivery.addSink(sink);
     log(delivery, "taken");
     sink->waitUntilItHangs();
-    delivery.setQueueCapacity(2);  // so that the turn makes room for it, too
+    delivery.setQueueCapacity(2);  // so that the turn also makes room for it
     for (const char* message : {"a", "b", "dropped"}) {
       log(delivery, message);
     }
@@ -112,7 +112,7 @@ TEST(LogDeliveryWithoutMemory, ReportsAllLossesByOneRecordWhenMemoryIsBack) {
   sink->waitUntilItHangs();
   sink->release();
   ASSERT_TRUE(delivery.flush(patience));
-  for (const char* message : {"lost", "lost, too"}) {
+  for (const char* message : {"lost", "also lost"}) {
     log(delivery, message);
     ASSERT_TRUE(delivery.flush(patience));
   }

@@ -32,7 +32,7 @@ class Life {
     threads_ = std::make_shared<CountedThreads>(world_.platform());
   }
 
-  /// What came of the step.
+  /// The result of the step.
   std::string run(Step faulty) {
     std::string result = take(Step::Creation, faulty);
     if (faulty != Step::Creation) {
@@ -42,7 +42,7 @@ class Life {
     return result;
   }
 
-  /// Closes what there is, after which nothing may be left of it, and makes a port that works.
+  /// Closes the port, of which nothing may be left then, and makes a port that works.
   void expectGoodEnd() {
     if (port_ != nullptr) {
       port_->close();

@@ -16,7 +16,7 @@
 namespace quordalvane::test {
 namespace {
 
-/// Which exceptions may leave an operation besides those that the platform raises.
+/// The exceptions that may leave an operation besides those of the platform.
 std::set<std::string> ownExceptions(const std::string& operation) {
   std::set<std::string> raised;
   if (operation == "getParsedStatus" || operation == "getOnlineStatus" ||
@@ -54,7 +54,7 @@ class FaultyRun {
   FaultyRun(Call call, MakeFault makeFault, bool fromThereOn)
       : call_(std::move(call)), makeFault_(std::move(makeFault)), fromThereOn_(fromThereOn) {}
 
-  /// Fails the k-th call. False when there was none.
+  /// Fails the k-th call. False if there was none.
   bool run(Scenario scenario, std::uint64_t k) {
     scenario.layerStepsBack = std::max<std::int64_t>(0, -makeFault_()->clockStep());
     scenario.layer = [this, k, below = scenario.layer](std::shared_ptr<Platform> next) {

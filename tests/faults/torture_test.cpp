@@ -1,5 +1,5 @@
 // Every reply and every command is split, held up, cut, repeated and disturbed, at each of its
-// bytes. The model says what is to come of it.
+// bytes. The model predicts the result.
 
 #include <gtest/gtest.h>
 
@@ -17,7 +17,7 @@ constexpr std::uint32_t limitMillis = 1000;
 constexpr std::size_t longestForPairs = 20;
 constexpr double instant = 0.01;  // later: what came before has been read by then
 
-/// Seconds by which a link may stand still; the last is beyond every limit of the operation.
+/// Seconds for which a link may stall; the last is beyond every limit of the operation.
 std::vector<double> stalls(const Bytes& reply) {
   const bool isModule = reply.size() > longestForPairs;  // which has a limit of ten seconds
   return {0.2, 1, (isModule ? 10.0 : 1.0) + 2};
@@ -83,7 +83,7 @@ std::vector<ReplyTorture> torturesOf(const Bytes& reply) {
 using CommandTorture = Torture<Script>;
 
 /// All that can befall the command before whose first byte `before` bytes in `attempts` attempts
-/// have gone out.
+/// were sent.
 std::vector<CommandTorture> torturesOf(const Bytes& command, std::size_t before,
                                        std::size_t attempts) {
   constexpr std::size_t all = 100000;

@@ -61,7 +61,7 @@ inline int threadsAtRest() {
   pid_t id = 0;
   std::thread([&id] { id = gettid(); }).join();
   while (std::filesystem::exists("/proc/self/task/" + std::to_string(id))) {
-    std::this_thread::yield();  // joined, and for the kernel not yet gone
+    std::this_thread::yield();  // joined, but not yet ended for the kernel
   }
   return threadCount();
 }

@@ -14,7 +14,7 @@
 namespace quordalvane::test {
 namespace {
 
-/// How often main lets port threads go before it counts them: each lives on for a slice.
+/// How often main releases port threads before it counts them: each lives on for a slice.
 constexpr std::uint64_t cyclesBetweenCounts = 500;
 
 TEST(PortCycles, OnTheMainThreadLeaveNoThread) {
@@ -69,7 +69,7 @@ TEST(PortCycles, AReleasedPortIsDestroyedSoonAfterItsClose) {
   EXPECT_TRUE(weak.expired());
 }
 
-/// What one port's end looked like, kept by those who watch it.
+/// The end of one port, as its watchers saw it.
 struct Release {
   std::atomic<bool> mainHasLetGo = false;
   std::atomic<std::thread::id> releasedOn;
@@ -77,7 +77,7 @@ struct Release {
 };
 
 /// A port's own platform, which ends with the port and notes on which thread. The port thread ends
-/// only after main has let go of the port, so that the last reference is the thread's.
+/// only after main has released the port, so that the last reference is the thread's.
 class NotingPlatform : public ForwardingPlatform {
  public:
   NotingPlatform(std::shared_ptr<Platform> next, std::shared_ptr<Release> release)

@@ -1,4 +1,4 @@
-// The process's logger from eight threads at once, with sinks that come and go.
+// The process's logger from eight threads at once, with sinks that are added and removed.
 
 #include <gtest/gtest.h>
 

@@ -16,7 +16,7 @@ constexpr double moduleLimit = 10;
 constexpr int commandAttempts = 2;
 constexpr int statusReads = 10;
 
-/// The bounds of one port's operations, each the sum of what it waits for and what it calls.
+/// The bounds of one port's operations, each the sum of its waits and its calls.
 class Bounds {
  public:
   explicit Bounds(const Scenario& scenario)
@@ -55,7 +55,7 @@ class Bounds {
     const double mark = 2 * command();
     return emulation_ == lineMode ? mark + wait(end_, endPause) + status()
                                   : mark + 2 * command() + wait(end_, pollPause) + status() +
-                                        3 * slice;  // for a report, the byte behind it, the drain
+                                        3 * slice;  // for a report, the byte after it, the drain
   }
 
   /// In fractions of a second, hence without the second of whole ones.
@@ -122,7 +122,7 @@ double stepsBack(const Scenario& scenario) {
   return static_cast<double>(seconds);
 }
 
-/// How many bytes stand between the brackets of a trace's line.
+/// The number of bytes between the brackets of a trace's line.
 std::int64_t bytesIn(const std::string& line) {
   const std::size_t begin = line.find('<') + 1;
   return static_cast<std::int64_t>((line.find('>', begin) - begin + 1) / 3);
@@ -138,7 +138,7 @@ class Watch {
  public:
   explicit Watch(bool endsBlockInEscPos) : endsBlockInEscPos_(endsBlockInEscPos) {}
 
-  /// The exempt stretch that the run is in behind this line, or "".
+  /// The exempt part that the run is in after this line, or "".
   std::string see(const Line& line) {
     if (endsStretch(line)) {
       stretch_ = "";

@@ -11,24 +11,24 @@ namespace quordalvane::test {
 /// slice, and what it calls. A step back of the clock makes it longer by the step.
 double mostSeconds(const Scenario& scenario, const Call& call);
 
-/// What of a run no limit holds.
+/// The parts of a run that no limit holds.
 struct Exemption {
-  std::string name;    // of the first that the run made use of, "" for none
+  std::string name;    // of the first that the run used, or ""
   double seconds = 0;  // that such stretches took, all together
 };
 
 /// The stretches of a run that are not held to the bound; each ends within one pass of a lost link:
 /// - the retrying writer's repeat, after an attempt that moved a part of the command, until the
 ///   command is done with;
-/// - a stream that says that it is ready and then moves nothing, or claims what cannot be, until
-///   the port waits for something;
+/// - a stream that says that it is ready and then moves no byte, or claims an impossible count,
+///   until the port waits for something;
 /// - the invalid-status loop: in ESC/POS a block's end asks again at once after a byte that is no
 ///   status, until the next byte or the next look at the time-out;
-/// - the drain: in ESC/POS a block's end reads on as long as bytes keep coming, until none does.
+/// - the drain: in ESC/POS a block's end reads as long as bytes arrive.
 Exemption exemptionOf(const Outcome& outcome, const Call& call);
 
-/// "" when the run, its exempt stretches apart, took no longer than it may; otherwise what it took
-/// and what it may take.
+/// "" if the run, without its exempt parts, took no longer than it may; otherwise its time and its
+/// limit.
 std::string overrun(const Scenario& scenario, const Call& call, const Outcome& outcome);
 
 }  // namespace quordalvane::test

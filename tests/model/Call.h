@@ -9,7 +9,7 @@
 
 namespace quordalvane::test {
 
-/// What the caller of an operation owns and hands in.
+/// The objects that the caller of an operation owns and hands in.
 struct Caller {
   Caller();
 
@@ -23,14 +23,14 @@ struct Caller {
   bool onlineStatus = true;
 };
 
-/// An operation by its name, with its own limit where it is given one.
+/// An operation by its name, with its own limit if it is given one.
 struct Operation {
   std::string name;
   std::int32_t timeoutMillis = 0;
 };
 
 /// One use of a port's operation: the same for a port and for the model. It returns the result as
-/// text: "true", "-1", "none", "<1b 06>", "\"text\"", or what was raised.
+/// text: "true", "-1", "none", "<1b 06>", "\"text\"", or the exception.
 struct Call {
   std::string name;
   std::function<std::string(ExternalAccessoryPort&, Caller&)> onPort;
@@ -45,7 +45,7 @@ std::string shownResult(std::int64_t result);
 std::string shownResult(const std::optional<Bytes>& result);
 std::string shownResult(const std::optional<std::string>& result);
 
-/// Runs `operation` and tells what it raised, if it did.
+/// Runs `operation` and returns the text of its exception, if it throws.
 std::string resultOf(const std::function<std::string()>& operation);
 
 /// `body` takes a port or a model, and the caller's things.

@@ -23,15 +23,16 @@ struct Creation {
   std::int32_t emulation = 1;
 };
 
-/// An exception that an operation raises, as text.
+/// An exception that an operation throws, as text.
 struct Raised {
   std::string what;
 };
 
 /// What each operation of a port is documented to do, a second time: written from the promises
 /// alone, without a look at the port's sources and without any of its helpers or parsers. It makes
-/// the calls that a port makes to the platform and says what a port logs, so that a run of the one
-/// can be held against a run of the other. It lives on one thread that is not the main thread.
+/// the calls that a port makes to the platform and lists the records of a port, so that a run of
+/// the one can be held against a run of the other. It lives on one thread that is not the main
+/// thread.
 class Model {
  public:
   /// As a port: the platform and the trace must outlive it.

@@ -31,7 +31,7 @@ bool Model::retrieveFirmwareInformation() {
   return done;
 }
 
-/// Reads chunks until one of them holds the field; none after the time-out.
+/// Reads chunks until one of them holds the field; null after the time-out.
 std::optional<Bytes> Model::askForField(const Log& log, const char* header, std::int32_t& location,
                                         bool (*find)(const Bytes&, std::int32_t&, std::int32_t&),
                                         std::int32_t& length) {

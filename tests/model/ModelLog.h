@@ -13,7 +13,7 @@ inline std::string number(std::int64_t value) {
   return std::to_string(value);
 }
 
-/// What "%d" makes of an unsigned value.
+/// The form of an unsigned value by "%d".
 inline std::string signed32(std::uint32_t value) {
   return std::to_string(static_cast<std::int32_t>(value));
 }

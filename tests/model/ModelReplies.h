@@ -7,7 +7,7 @@
 
 #include "tests/support/Bytes.h"
 
-// What the printers' replies mean, read a second time from the description of their commands.
+// The meaning of the printers' replies, read a second time from the description of their commands.
 
 namespace quordalvane::test {
 
@@ -24,14 +24,15 @@ std::size_t statusLength(std::uint8_t firstByte);
 /// Fills the record from its `raw`.
 void decodeStatus(QuorPrinterStatus_2& status);
 
-/// Applies the answer `raw[0]` to real-time query 0, 1 or 2; false when it is none.
+/// Applies the answer `raw[0]` to real-time query 0, 1 or 2; false if it is no answer.
 bool decodeRealTimeStatus(QuorPrinterStatus_2& status, unsigned query);
 
 /// Whether a printer ever answers a command of the port: the settings and marks that it takes
-/// without a word are told here.
+/// without a sign are listed here.
 bool isAnswered(const Bytes& command);
 
-/// Where the firmware text, or a bank's settings, stand in a reply; false when it is not complete.
+/// The place of the firmware text, or of a bank's settings, in a reply; false if it is not
+/// complete.
 bool findFirmware(const Bytes& reply, std::int32_t& location, std::int32_t& length);
 bool findDipSwitches(const Bytes& reply, std::int32_t& location, std::int32_t& length);
 

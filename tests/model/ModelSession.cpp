@@ -55,7 +55,7 @@ bool isCharacter(const std::string& bytes) {
          fits({{0xF4, 0xF4}, {0x80, 0x8F}, more, more});
 }
 
-/// The text behind its first three characters; a byte that belongs to none is one.
+/// The text after its first three characters; a byte that belongs to no character counts as one.
 std::string withoutThreeCharacters(std::string text) {
   for (int count = 0; count < 3; ++count) {
     std::size_t length = 4;
@@ -171,7 +171,7 @@ bool Model::openSession(const Log& log) {
   return true;
 }
 
-/// Does what may raise. False when it did, which is logged.
+/// Runs code that may throw. False if it did, which is logged.
 bool Model::survives(const Log& log, const std::function<void()>& work) {
   try {
     work();

@@ -27,7 +27,7 @@ bool hasBytes(const std::shared_ptr<NSInputStream>& stream) {
   return stream && stream->hasBytesAvailable();
 }
 
-/// What a stream can have moved of what it was offered, whatever it says.
+/// The number of the offered bytes that a stream can have moved, whatever it claims.
 std::ptrdiff_t moved(std::int64_t said, std::size_t offered) {
   return std::clamp<std::int64_t>(said, 0, static_cast<std::int64_t>(offered));
 }
@@ -74,7 +74,7 @@ std::int32_t Model::write(const Bytes& data, bool mayBeAnswered) {
   return result;
 }
 
-/// A read that only clears away leftovers does not wait where the stream expects nothing.
+/// A read that only clears away leftovers does not wait if the stream expects no bytes.
 std::optional<Bytes> Model::read(std::size_t bytesToRead, bool waitsInAnyCase) {
   const Log log(*this, "read:");
   const std::string asked = std::to_string(bytesToRead);

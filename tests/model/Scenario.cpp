@@ -76,7 +76,7 @@ Outcome runOn(Port& port, const Scenario& scenario, ScriptedWorld& world, Side s
   return run;
 }
 
-/// Where two texts first differ, with what stands before; "" when they do not.
+/// The first difference of two texts, with the lines before it; "" if there is none.
 std::string firstDifference(const char* firstName, const std::string& first, const char* secondName,
                             const std::string& second) {
   if (first == second) {
@@ -93,8 +93,8 @@ std::string firstDifference(const char* firstName, const std::string& first, con
     return std::string(text.begin() + place, text.begin() + end);
   };
   return "both: ..." + std::string(first.begin() + common, first.begin() + place) + "\n--- " +
-         firstName + " goes on: " + rest(first) + "\n--- " + secondName +
-         " goes on: " + rest(second) + "\n";
+         firstName + " continues: " + rest(first) + "\n--- " + secondName +
+         " continues: " + rest(second) + "\n";
 }
 
 }  // namespace

@@ -16,7 +16,7 @@ inline constexpr std::int32_t lineMode = 1;
 inline constexpr std::int32_t escPos = 2;
 inline constexpr std::int32_t unknownEmulation = 0;
 
-/// What came of a call.
+/// The result of a call.
 struct Outcome {
   bool opened = false;  // before the call
   std::string result;
@@ -50,13 +50,13 @@ struct Scenario {
   Script script{};
   std::vector<AccessoryIdentity> accessories = {shopPrinter()};
   Layer layer{};
-  std::int64_t layerStepsBack = 0;  // by how many seconds a clock in the layer goes back
+  std::int64_t layerStepsBack = 0;  // the seconds by which a clock in the layer steps back
   std::optional<std::uint32_t> endMillis{};
   std::optional<std::uint32_t> holdMillis{};
   std::optional<std::int64_t> dataTimeoutSeconds{};
   std::optional<std::string> systemVersion{};
   bool isOpen = true;
-  enum class Opens { Surely, Perhaps } opens = Opens::Surely;  // where it is to be open
+  enum class Opens { Surely, Perhaps } opens = Opens::Surely;  // if it is to be open
   bool logging = true;
   std::set<std::int32_t> levels = {0};
 

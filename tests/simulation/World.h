@@ -12,7 +12,7 @@
 
 namespace quordalvane::simulation {
 
-/// Watches what the link takes of a job, and does no harm.
+/// Watches the bytes of a job that the link takes, and changes nothing.
 class Witness : public test::Fault {
  public:
   explicit Witness(const ByteBuffer& data) : Fault("none"), data_(data) {}
@@ -40,18 +40,18 @@ class World {
   /// Prints the case's job.
   PrintResult printJob();
 
-  /// Prints `data` with ample limits, on the same port opened again, or on a new one where the old
+  /// Prints `data` with ample limits, on the same port opened again, or on a new one if the old
   /// one's time-out is so short that even a sound printer may be too slow for it.
   PrintResult printAgain(const ByteBuffer& data);
 
-  /// Ends all trouble, and gives the printer time to print what it holds.
+  /// Ends all faults, and gives the printer time to print its data.
   void recover();
 
   ByteBuffer paper();
   const Witness& witness() const { return *witness_; }
   simulator::Instant now() { return platform_->clock().monotonic(); }
 
-  /// What was asked of the platform, for a case that is replayed; "" otherwise.
+  /// The calls to the platform, for a case that is replayed; "" otherwise.
   std::string trace();
 
  private:

@@ -1,5 +1,5 @@
-// Seeded print jobs on a printer that never lies, with everything going wrong on the way to it and
-// in it.
+// Seeded print jobs on a printer that never lies, with faults of every kind on the way to it and in
+// it.
 
 #include <gtest/gtest.h>
 
@@ -28,7 +28,8 @@ void expectHonestOutcome(const Case& given, const PrintResult& result, World& wo
   EXPECT_EQ(result.reason.empty(), result.outcome == PrintOutcome::Printed);
   EXPECT_LE(result.bytesAccepted, result.bytesTotal);
   if (!given.dataMakesSigns) {
-    EXPECT_EQ(result.bytesAccepted, world.witness().taken()) << "not what the link took of the job";
+    EXPECT_EQ(result.bytesAccepted, world.witness().taken())
+        << "not the bytes of the job that the link took";
   }
   switch (result.outcome) {
     case PrintOutcome::Printed:
@@ -46,7 +47,7 @@ void expectHonestOutcome(const Case& given, const PrintResult& result, World& wo
   }
 }
 
-/// Nothing drops bytes that the link took: then all of them come out in the end.
+/// No fault drops bytes that the link took: then all of them are printed in the end.
 bool losesNothing(const Case& given) {
   return given.portSettings.empty() || given.portSettings == "d0"
              ? std::none_of(given.faults.begin(), given.faults.end(),
@@ -57,7 +58,7 @@ bool losesNothing(const Case& given) {
              : false;
 }
 
-/// Whatever the outcome: the job was sent once, so its beginning stands on the paper once.
+/// For every outcome: the job was sent once, so its beginning is on the paper once.
 void expectCopyOfTheBeginning(const Case& given, const PrintResult& result,
                               const ByteBuffer& paper) {
   EXPECT_TRUE(isPrefix(paper, given.onPaper)) << "not a copy of the job's beginning, once";

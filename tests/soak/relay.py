@@ -22,7 +22,7 @@ class Weather:
     slice: int = READ_SIZE  # bytes that arrive together
     rate: float = 0  # bytes a second; 0 is all at once
     delay: float = 0  # seconds
-    cut_after: int | None = None  # bytes of either direction, from the moment it is told; None is never
+    cut_after: int | None = None  # bytes of either direction, counted from the command; None means never
 
 
 class Direction:

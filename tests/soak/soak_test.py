@@ -3,7 +3,7 @@
 Arguments: the till program. In the environment: QUORPORT, the command; QUOR_SOAK_SECONDS, how long (10
 unless it says otherwise); QUOR_SEED, the seed of the first job. The last line is a summary.
 
-No job fails on a link that was not cut; the paper holds the jobs in turn, each once, what is called printed
+No job fails on a link that was not cut; the paper holds the jobs in turn, each once, every job called printed
 whole and of any other the beginning; the till holds no more descriptors and threads in the end than in the
 beginning, and less than 1 MiB more memory than after its fourth job.
 """
@@ -26,7 +26,7 @@ from relay import Relay, SocketRelay, TerminalRelay, Weather  # noqa: E402
 SECONDS = float(os.environ.get("QUOR_SOAK_SECONDS", "10"))
 SEED = int(os.environ.get("QUOR_SEED", "1"))
 MOST_DRIFT = 1 << 20
-WARM_JOBS = 4  # by then the till has what it keeps
+WARM_JOBS = 4  # by then the till has allocated the memory that it keeps
 NOT_MEASURED = "not measured"
 
 
@@ -81,7 +81,7 @@ class Soak:
         self.till = Till(program, self.relay.device, folder / "log", emulation)
         self.counts = Counter()
         self.jobs = 0
-        self.paper = ""  # what must be on it
+        self.paper = ""  # the jobs that must be on it
         self.error: str | None = None
         self.drift: dict[str, int | str] = {"allocated": NOT_MEASURED, "resident": NOT_MEASURED}
         self.warm: dict | None = None
@@ -90,7 +90,7 @@ class Soak:
     def printed_bytes(self) -> int:
         """Of a printer that has taken all that reached it, and prints at once."""
         if not self.relay.cut_done.wait(30):
-            raise Failure(f"{self.name}: the relay does not come back after a cut")
+            raise Failure(f"{self.name}: the relay does not listen again after a cut")
         return self.printer.state()["printedBytes"]
 
     def job(self):

@@ -4,7 +4,7 @@
 //     till DEVICE LOG-FILE line|escpos
 //     print BYTES keep|anew     a job of the bytes that follow this line, so many, on the port that
 //                               there is or on a new one
-//     resources                 after the port is closed and gone
+// resources after the port is closed and released
 
 #include <malloc.h>
 

@@ -10,7 +10,7 @@ namespace quordalvane::test {
 
 using Bytes = std::vector<std::uint8_t>;
 
-/// The bytes that a text of hexadecimal pairs stands for: bytes("1b 06 01").
+/// The bytes of a text of hexadecimal pairs: bytes("1b 06 01").
 Bytes bytes(std::string_view pairs);
 
 /// The characters of a text as bytes.

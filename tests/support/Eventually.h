@@ -5,8 +5,8 @@
 
 namespace quordalvane::test {
 
-/// Waits until `condition` holds, for what is still under way on the machine. False if it does not
-/// within a time that even a loaded one needs not.
+/// Waits until `condition` holds, for work that is still under way on the machine. False if it does
+/// not within a time that even a loaded one needs not.
 template <typename Condition>
 bool eventually(Condition condition) {
   const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(30);

@@ -7,7 +7,7 @@
 namespace quordalvane::test {
 namespace {
 
-/// The streams tell a count of their own, whatever they are offered.
+/// The streams return a fixed count, whatever they are offered.
 class FixedCount : public Fault {
  public:
   FixedCount(std::string name, std::int64_t count) : Fault(std::move(name)), count_(count) {}
@@ -94,7 +94,7 @@ class Disconnected : public Fault {
   bool isConnected(EAAccessory&) override { return false; }
 };
 
-/// Gone, back, gone, back.
+/// Lost, back, lost, back.
 class Reconnecting : public Fault {
  public:
   Reconnecting() : Fault("reconnect") {}

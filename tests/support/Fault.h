@@ -10,7 +10,7 @@
 
 namespace quordalvane::test {
 
-/// The calls to a platform in which something can go wrong.
+/// The calls to a platform that can fail.
 enum class PlatformCall {
   Space,
   Write,
@@ -25,8 +25,8 @@ enum class PlatformCall {
   Other
 };
 
-/// One way in which a platform can fail. Each names the calls that it befalls and overrides what
-/// becomes of them; all others go on to the platform.
+/// One way in which a platform can fail. Each names the calls that it affects and overrides their
+/// results; all others are passed on to the platform.
 class Fault {
  public:
   explicit Fault(std::string name) : name_(std::move(name)) {}
@@ -36,14 +36,14 @@ class Fault {
 
   virtual bool befalls(PlatformCall call) const = 0;
 
-  /// Whether it may befall every call from one on. A clock that goes back at every reading would
+  /// Whether it may affect every call from one on. A clock that steps back at every reading would
   /// let no wait end, and nothing promises otherwise.
   virtual bool mayLast() const { return true; }
 
   /// By how many seconds the wall clock jumps at each call that it befalls.
   virtual std::int64_t clockStep() const { return 0; }
 
-  /// Before the call is made; may raise.
+  /// Before the call is made; may throw.
   virtual void before() {}
 
   virtual bool hasSpace(NSOutputStream& next) { return next.hasSpaceAvailable(); }
@@ -76,13 +76,13 @@ using MakeFault = std::function<std::shared_ptr<Fault>()>;
 /// Every way in which a link, its accessory and its clock can fail.
 const std::vector<MakeFault>& allFaults();
 
-/// The ways in which threads can fail, besides raising: for ports that have one.
+/// The ways in which threads can fail, besides throwing: for ports that have one.
 const std::vector<MakeFault>& threadFaults();
 
-/// Raises what is no standard exception at every call that it befalls.
+/// Throws an exception that is not a standard one at every call that it affects.
 std::shared_ptr<Fault> anotherException();
 
-/// What a FaultyPlatform raises that is no standard exception.
+/// An exception of a FaultyPlatform that is not a standard one.
 struct Surprise {};
 
 }  // namespace quordalvane::test

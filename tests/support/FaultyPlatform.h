@@ -20,7 +20,7 @@ class FaultPlan {
   /// Whether the k-th call was ever made.
   bool hasStruck() const { return calls_ >= k_; }
 
-  /// The fault, when it befalls this call; null otherwise. May raise, as the fault does.
+  /// The fault, if it affects this call; null otherwise. May throw, as the fault does.
   Fault* strike(PlatformCall call);
 
   /// By how many seconds the wall clock has jumped so far.

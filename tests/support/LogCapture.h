@@ -16,7 +16,7 @@ class LogCapture {
   static LogCapture& instance();
 
   /// How many records have been handed over so far. Whoever notes this beside an event knows which
-  /// records came before it, although they are delivered later.
+  /// records precede it, although they are delivered later.
   static std::uint64_t handedOver() { return LogWriter::sharedInstance().statistics().handedOver; }
 
   /// Forgets all records so far.
@@ -31,7 +31,7 @@ class LogCapture {
   LogCapture();
 
   const std::shared_ptr<Sink> sink_;
-  LogStatistics seen_{};  // how things stood at the last call
+  LogStatistics seen_{};  // the state at the last call
 };
 
 /// Logging is as given for as long as this lives, and off after it.

@@ -11,13 +11,13 @@ namespace quordalvane::test {
 
 enum class OnShortage { Raises, AnswersNull };
 
-/// The memory, from std::malloc, or null when there is none.
+/// The memory, from std::malloc, or null if there is none.
 void* take(std::size_t size, OnShortage onShortage) noexcept;
 
 }  // namespace quordalvane::test
 
 // Every form but those of extended alignment, which the project does not use: a sanitizer brings
-// forms of its own, and memory must go back the way it came.
+// forms of its own, and memory must be returned as it was taken.
 
 void* operator new(std::size_t size) {
   void* const memory = quordalvane::test::take(size, quordalvane::test::OnShortage::Raises);

@@ -16,7 +16,8 @@ struct PseudoTerminal {
   std::string line;
 };
 
-/// Throws std::system_error where the system has none, as a bare file tree without /dev/pts.
+/// Throws std::system_error if the system has no pseudo-terminals, as a bare file tree without
+/// /dev/pts.
 inline PseudoTerminal openPseudoTerminal() {
   const int master = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
   const bool isReady = master >= 0 && ::grantpt(master) == 0 && ::unlockpt(master) == 0;

@@ -9,11 +9,11 @@ namespace quordalvane::test {
 // Tests that run very many cases name each of them: "script 4711", "fault line-mode …". A failure
 // prints the command that repeats its case alone; the same case always runs alike.
 
-/// The case that this run is to repeat; none when it is to run them all.
+/// The case that this run is to repeat; empty if it is to run them all.
 std::optional<std::string> replayedCase();
 
-/// The number behind `kind` in the replayed case, a seed; none when another kind is replayed, or
-/// none at all.
+/// The number after `kind` in the replayed case, a seed; empty if another kind or no case is
+/// replayed.
 std::optional<std::uint64_t> replayedSeed(const std::string& kind);
 
 /// Whether this run is to run the case: all of them, or this one alone.
@@ -22,7 +22,7 @@ bool isChosen(const std::string& name);
 /// "repeat with: ./dev replay NAME", for failure messages.
 std::string howToReplay(const std::string& name);
 
-/// Shows what happened in the case that is replayed, and its name; the same text each time.
+/// Shows the steps of the replayed case, and its name; the same text each time.
 void showReplay(const std::string& text);
 
 /// The seed of the first case: QUOR_FIRST_SEED, or 1. A long run can thus be done in portions.

@@ -102,8 +102,8 @@ void Scheduler::wait(std::unique_lock<std::mutex>& lock, Thread& self) {
   self.turn_.wait(lock, [&self] { return self.hasTurn_; });
 }
 
-/// Moves time to what is due first. Events are run here, without the lock; the first thread that is
-/// due gets the turn.
+/// Moves time to the next wait or event that is due. Events are run here, without the lock; the
+/// first thread that is due gets the turn.
 void Scheduler::passTurn(std::unique_lock<std::mutex>& lock) {
   while (true) {
     Thread* const next = nextThread();
@@ -121,7 +121,7 @@ void Scheduler::passTurn(std::unique_lock<std::mutex>& lock) {
       next->hasTurn_ = true;
       next->turn_.notify_one();
     } else if (!threads_.empty()) {
-      std::fputs("virtual time stands still: every thread waits and no event is to come\n", stderr);
+      std::fputs("virtual time has stopped: every thread waits and no event is due\n", stderr);
       std::abort();
     }
     return;

@@ -14,10 +14,10 @@ namespace quordalvane::test {
 
 using Instant = std::chrono::nanoseconds;
 
-/// Virtual time for several threads, of which one runs at a time. Time stands still while a thread
+/// Virtual time for several threads, of which one runs at a time. Time does not pass while a thread
 /// runs, and moves to the next event when all of them wait: nothing sleeps for real, and the order
 /// of events depends on nothing but the calls made. Threads take turns in the order in which their
-/// waits end; equal instants go by the order in which the waits began.
+/// waits end; equal instants end in the order in which the waits began.
 class Scheduler {
  public:
   /// One thread that takes turns; made by `adopt`, valid as long as the scheduler.
@@ -41,22 +41,22 @@ class Scheduler {
   void begin(Thread& self);
   void end(Thread& self);
 
-  /// Takes an adopted thread back that never came to begin.
+  /// Removes an adopted thread that never began.
   void disown(Thread& thread);
 
   /// The calling thread; null if it takes no turns here.
   Thread* current() const;
 
-  /// The calling thread. Raises std::logic_error if it takes no turns here, and so cannot wait.
+  /// The calling thread. Throws std::logic_error if it takes no turns here, and so cannot wait.
   Thread& waiter() const;
 
   /// Waits until `instant`, or until another thread wakes this one. An instant that is past gives
-  /// way to the threads and events that are due by now. Raises std::logic_error on a thread that
+  /// way to the threads and events that are due by now. Throws std::logic_error on a thread that
   /// takes no turns here.
   void waitUntil(Instant instant);
 
   /// Waits until another thread wakes this one. Ends the process with a message when nothing can:
-  /// every thread waits and no event is to come. Raises as `waitUntil`.
+  /// every thread waits and no event is due. Throws as `waitUntil`.
   void waitUntilWoken();
 
   /// Makes a waiting thread due now.

@@ -22,9 +22,9 @@ struct Piece {
 /// A reply, in the pieces in which it arrives.
 using Reply = std::vector<Piece>;
 
-/// All that a link will do, told in advance: the same script gives the same run. Times are seconds
+/// All actions of a link, given in advance: the same script gives the same run. Times are seconds
 /// after the start of the operation under test. What is not told works: every byte is taken at once
-/// and the link stays.
+/// and the link remains.
 struct Script {
   struct Answer {
     Bytes request;
@@ -32,17 +32,17 @@ struct Script {
     bool always;
   };
 
-  // -- What arrives -------------------------------------------------------------------------------
+  // -- Input --------------------------------------------------------------------------------------
   Reply deliveries;
   std::vector<Answer> answers;
   std::optional<std::size_t> mostPerRead;
   std::map<std::size_t, std::int64_t> readResults;  // of the n-th read of the stream, from 1
-  /// What the link says of bytes that may still arrive: that they may, that they may not, or that
+  /// The link's answer about bytes that may still arrive: that they may, that they may not, or that
   /// they may from a write that may be answered to the next read that brings bytes.
   enum class Expects { Always, Never, WhereAsked };
   Expects expects = Expects::Always;
 
-  // -- What is taken ------------------------------------------------------------------------------
+  // -- Output -------------------------------------------------------------------------------------
   std::vector<std::size_t> attempts;  // how many bytes each `write:` gets rid of; then all
   std::optional<std::size_t> mostPerWrite;
   double noSpaceUntil = 0;
@@ -54,13 +54,13 @@ struct Script {
   std::optional<double> backAt;
   std::optional<std::size_t> lostAfterBytes;       // written
   std::optional<std::size_t> lostAfterReads;       // of the stream
-  std::size_t lostAfterCalls = 100000;             // so that what would go on for ever ends
+  std::size_t lostAfterCalls = 100000;             // so that an endless run ends
   std::map<std::size_t, std::int64_t> clockSteps;  // seconds, before the n-th reading, from 1
   std::int64_t startMicroseconds = 0;              // past the full second
 
   // -- The same as sentences ----------------------------------------------------------------------
   Script& delivers(Bytes what, double at = 0);
-  /// The next time, after earlier ones like this, that `request` has gone out.
+  /// The next time, after earlier ones like this, that `request` was sent.
   Script& whenAsked(Bytes request, Reply reply);
   /// Every time that is not one of those.
   Script& wheneverAsked(Bytes request, Reply reply);

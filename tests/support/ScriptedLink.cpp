@@ -110,8 +110,8 @@ void ScriptedLink::answer(std::span<const std::uint8_t> data) {
   }
 }
 
-/// Of the answers to what has just gone out, the one to the longest request; among those, one that
-/// is given once before one that is always given, and the earlier first.
+/// Of the answers to the bytes just sent, the one to the longest request; among those, one that is
+/// given once before one that is always given, and the earlier first.
 Script::Answer* ScriptedLink::nextAnswer() {
   const auto rank = [](const Script::Answer& answer) {
     return std::pair(answer.request.size(), !answer.always);
@@ -176,7 +176,7 @@ void ScriptedLink::waitUntil(Instant ready, double seconds) {
 
 namespace {
 
-/// What both directions of a scripted session have in common.
+/// The common part of both directions of a scripted session.
 template <typename Stream>
 class ScriptedStream : public Stream {
  public:

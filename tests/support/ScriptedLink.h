@@ -11,7 +11,7 @@
 
 namespace quordalvane::test {
 
-/// A link that does what its script says, in virtual time.
+/// A link that follows its script, in virtual time.
 class ScriptedLink {
  public:
   ScriptedLink(Script script, test::VirtualClock& clock);

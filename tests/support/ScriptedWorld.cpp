@@ -8,7 +8,7 @@
 namespace quordalvane::test {
 namespace {
 
-/// The wall clock steps where the script says so.
+/// The wall clock steps at the readings that the script names.
 class SteppingClock : public ForwardingClock {
  public:
   SteppingClock(Clock& next, ScriptedLink& link) : ForwardingClock(next), link_(link) {}
@@ -22,7 +22,8 @@ class SteppingClock : public ForwardingClock {
   ScriptedLink& link_;
 };
 
-/// Tells the link what it cannot see of itself: the clock's readings, and where a `write:` begins.
+/// Reports to the link the events that it cannot see: the clock's readings, and the beginning of a
+/// `write:`.
 class ScriptedPlatform : public ForwardingPlatform {
  public:
   ScriptedPlatform(std::shared_ptr<Platform> next, std::shared_ptr<ScriptedLink> link)
@@ -54,7 +55,7 @@ ScriptedWorld::ScriptedWorld(const Script& script,
     : startMicroseconds_(script.startMicroseconds),
       machine_(std::make_shared<test::VirtualPlatform>()),
       link_(std::make_shared<ScriptedLink>(script, machine_->virtualClock())) {
-  // What is released with the machine is still noted, at no time.
+  // Objects that are released with the machine are still noted, without a time.
   trace_.measureBy([clockOf = std::weak_ptr(machine_)] {
     const auto machine = clockOf.lock();
     return machine ? std::chrono::duration<double>(machine->virtualClock().monotonic()).count() : 0;

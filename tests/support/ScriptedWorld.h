@@ -16,15 +16,15 @@ AccessoryIdentity shopPrinter();
 /// Puts something between a port and its platform, a fault for example.
 using Layer = std::function<std::shared_ptr<Platform>(std::shared_ptr<Platform>)>;
 
-/// A platform under virtual time with accessories behind a scripted link, and a trace of what is
-/// asked of it. While it is used, no other virtual platform may be made on the thread.
+/// A platform under virtual time with accessories on a scripted link, and a trace of the calls that
+/// are asked of it. While it is used, no other virtual platform may be made on the thread.
 class ScriptedWorld {
  public:
   explicit ScriptedWorld(const Script& script = {},
                          const std::vector<AccessoryIdentity>& accessories = {shopPrinter()},
                          const Layer& layer = {});
 
-  /// The second at which the wall clock stands when the operation under test begins.
+  /// The second of the wall clock at which the operation under test begins.
   static constexpr std::int64_t startSecond = 1000000;
 
   /// The operation under test begins: the script, the clock and the trace start here.
@@ -35,7 +35,7 @@ class ScriptedWorld {
   Trace& trace() { return trace_; }
 
  private:
-  Trace trace_;  // first, as everything else writes to it to the very end
+  Trace trace_;  // first, as all other members write to it to the very end
   const std::int64_t startMicroseconds_;
   const std::shared_ptr<test::VirtualPlatform> machine_;
   const std::shared_ptr<ScriptedLink> link_;

@@ -11,7 +11,7 @@
 
 namespace quordalvane::test {
 
-/// A thread of which one can tell that it has come to rest in a system call.
+/// A thread that shows when it waits in a system call.
 class SleepingThread {
  public:
   explicit SleepingThread(std::function<void()> body)

@@ -8,7 +8,7 @@
 
 namespace quordalvane::test {
 
-/// A folder that is gone with it.
+/// A folder that is removed with the object.
 class TemporaryFolder {
  public:
   TemporaryFolder() { EXPECT_NE(::mkdtemp(path_.data()), nullptr); }

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::string_view methodBegin = "-[ExternalAccessoryPort ";
 
-/// The selector of a port's method; any other name stays whole.
+/// The selector of a port's method; any other name is not shortened.
 std::string selectorOf(const std::string& method) {
   if (!method.starts_with(methodBegin) || !method.ends_with("]")) {
     return method;
@@ -98,7 +98,7 @@ void Trace::clear() {
 }
 
 std::string Trace::withNames(std::string_view message) const {
-  constexpr std::uint64_t leastAddress = 0x10000;  // what is less is a number in a text
+  constexpr std::uint64_t leastAddress = 0x10000;  // a smaller number is part of a text
   std::string result;
   while (true) {
     const std::size_t place = message.find("0x");
@@ -152,7 +152,7 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-/// How often the `length` lines at `place` stand there in a row.
+/// How often the `length` lines at `place` are repeated there in a row.
 std::size_t repetitions(const Texts& lines, std::size_t place, std::size_t length) {
   std::size_t count = 1;
   while (place + (count + 1) * length <= lines.size() &&

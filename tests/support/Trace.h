@@ -15,7 +15,7 @@
 
 namespace quordalvane::test {
 
-/// What a line of a trace is about.
+/// The subject of a line of a trace.
 enum class About { Question, Data, Wait, Lifecycle, Log };
 
 /// One line of a trace.
@@ -31,11 +31,11 @@ struct Line {
   }
 };
 
-/// What happened, in order: calls to the platform and log records. Addresses are shown by the names
-/// that they were given; "<address>" stands for any other, and "0x0" for none.
+/// The events, in order: calls to the platform and log records. Addresses are shown by the names
+/// that they were given; any other is "<address>", and null is "0x0".
 class Trace {
  public:
-  /// Begins with what is logged from now on.
+  /// Begins with the records that are logged from now on.
   Trace();
 
   /// Reads a clock for each call to the platform; lines have no time before it is set.
@@ -43,7 +43,7 @@ class Trace {
 
   void name(const void* object, std::string name);
 
-  /// The name of an address as it stands in a record.
+  /// The name of an address as a record shows it.
   std::string nameOf(const void* object) const;
 
   /// A call to the platform, made now.
@@ -56,10 +56,10 @@ class Trace {
   /// Lines noted by the calling thread begin with `name` and ": ".
   void nameThread(const std::string& name);
 
-  /// Forgets what happened so far.
+  /// Forgets the events so far.
   void clear();
 
-  /// What happened, with the records of the LogWriter in their places.
+  /// The events, with the records of the LogWriter in their places.
   std::vector<Line> lines();
 
  private:
@@ -85,8 +85,8 @@ class Trace {
 std::string shownRecord(ZKLogType type, std::int32_t level, const std::string& method,
                         const std::string& message);
 
-/// The lines that are about one of these, one below the other. What comes several times in a row is
-/// shown once, behind "3 x" or, for several lines, between "3 x {" and "}".
+/// The lines about one of these, one below the other. A line that is repeated in a row is shown
+/// once, after "3 x" or, for several lines, between "3 x {" and "}".
 std::string view(const std::vector<Line>& lines, const std::set<About>& about);
 
 /// The records of one method, without its name.
@@ -96,7 +96,7 @@ std::string recordsOf(const std::vector<Line>& lines, const std::string& method)
 std::string whole(const std::vector<Line>& lines);
 
 /// A text of several lines without the indentation of its first one and without empty lines at its
-/// ends, so that an expectation may stand indented in a test.
+/// ends, so that an expectation may be indented in a test.
 std::string text(std::string_view indented);
 
 }  // namespace quordalvane::test

@@ -18,7 +18,7 @@ std::string exact(double value) {
   return {text.data(), std::to_chars(text.data(), text.data() + text.size(), value).ptr};
 }
 
-/// What the tracing of both directions has in common.
+/// The common part of the tracing of both directions.
 template <typename Stream>
 class TracingStream : public Stream {
  public:
@@ -102,7 +102,7 @@ class TracingSession : public EASession {
     try {
       trace_.note(About::Lifecycle, "session.release");
     } catch (const std::bad_alloc&) {
-      // Where a test lets memory run short, the note is lost.
+      // If a test makes memory run short, the note is lost.
     }
   }
 

@@ -9,7 +9,7 @@
 
 namespace quordalvane::test {
 
-/// Notes the calls that go through it, with their arguments and results.
+/// Notes the calls that pass through it, with their arguments and results.
 class TracingPlatform : public ForwardingPlatform {
  public:
   /// `trace` must outlive this and all threads made by it.

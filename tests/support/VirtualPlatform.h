@@ -28,8 +28,8 @@ class VirtualClock : public Clock {
   /// Steps the wall clock by `difference`, back or forth; monotonic time does not notice.
   void stepWallClock(std::chrono::microseconds difference) { stepped_ += difference.count(); }
 
-  /// Runs `event` when the clock has reached `instant`, counted from its start, in the middle of
-  /// whatever wait is going on then. The event must not wait itself.
+  /// Runs `event` when the clock has reached `instant`, counted from its start, in the middle of in
+  /// the middle of any wait. The event must not wait itself.
   void at(Instant instant, std::function<void()> event) {
     scheduler_.at(instant, std::move(event));
   }
@@ -43,8 +43,8 @@ class VirtualClock : public Clock {
 
 /// A platform on which no time passes but by its own clock: a sleep, a slice or a wait moves time
 /// to the next event, and the same calls give the same run. The thread that makes the platform
-/// takes the first turn; others come from `makeThread`. Threads that the platform did not make may
-/// ask, but not wait.
+/// takes the first turn; others are made by `makeThread`. Threads that the platform did not make
+/// may ask, but not wait.
 class VirtualPlatform : public Platform {
  public:
   VirtualPlatform();
@@ -60,7 +60,7 @@ class VirtualPlatform : public Platform {
   /// not, so that ports need no thread of their own.
   void setMainThread(bool isMain) { constructedOnMain_ = isMain; }
 
-  /// The text that `currentDevice` tells; "9.0" at first.
+  /// The version of `currentDevice`; "9.0" at first.
   void setSystemVersion(std::string version);
 
   VirtualClock& virtualClock() { return clock_; }

@@ -22,7 +22,7 @@ class VirtualRunLoop : public NSRunLoop {
   /// Hands a routine over; false, without taking it, once the loop is closed.
   bool post(std::function<void()> routine);
 
-  /// Runs what is still waiting, and closes the loop when nothing is.
+  /// Runs the routines that still wait, and closes the loop when there are none.
   void drainAndClose();
 
  private:
@@ -42,7 +42,7 @@ class VirtualThread : public NSThread {
   bool start() override;
   void cancel() override {}
 
-  /// As promised, for callers that take turns in virtual time; raises std::logic_error on others.
+  /// As promised, for callers that take turns in virtual time; throws std::logic_error on others.
   bool performAndWait(std::function<void()> routine) override;
 
  private:

@@ -13,7 +13,8 @@ struct RandomCase {
 };
 
 /// The case of this number: always the same one. Its printer answers rightly, wrongly, late, in
-/// pieces or not at all; its link takes what it likes and may be lost; its clock may be stepped.
+/// pieces or not at all; its link takes any number of bytes and may be lost; its clock may be
+/// stepped.
 RandomCase randomCase(std::uint64_t seed);
 
 }  // namespace quordalvane::test
