@@ -227,7 +227,7 @@ Rows reading() {
 GrowthTable growingJobs() {
   const Bound bound(Core::First);
   Drains drains(Medium::Tcp);
-  GrowthTable table{.title = "A job over TCP as it grows, until the last byte has come",
+  GrowthTable table{.title = "A job over TCP as it grows, until the last byte has arrived",
                     .columns = {"KiB", "ours, us", "ours, us a MiB", "bare, us a MiB"},
                     .lines = {}};
   const std::vector<std::uint8_t> data(64 * mebibyte, ' ');

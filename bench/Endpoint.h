@@ -8,7 +8,7 @@ namespace quordalvane::bench {
 
 enum class Medium { Tcp, Local, Terminal };
 
-/// A place where a printer can be reached: a listening socket of this machine, or a
+/// A place at which a printer can be reached: a listening socket of this machine, or a
 /// pseudo-terminal. Failures throw std::system_error.
 class Endpoint {
  public:

@@ -1,4 +1,4 @@
-// What a name costs a job: the journal's share, beside the same rows committed by SQLite alone.
+// The cost of a job's name: the journal's share, beside the same rows committed by SQLite alone.
 
 #include <sqlite3.h>
 

@@ -20,7 +20,7 @@ namespace {
 /// The last three bytes that arrived; an answer depends on them alone.
 class Requests {
  public:
-  /// The reply to the request that `byte` completes; empty if it completes none.
+  /// The reply to the request that `byte` completes; empty if it completes no request.
   std::span<const std::uint8_t> replyTo(std::uint8_t byte) {
     last_ = (last_ << 8U | byte) & 0xffffffU;
     if (last_ == 0x1b0601) {

@@ -19,9 +19,8 @@ extern const std::vector<std::uint8_t> dataCancelEnd;      // 6 bytes, without a
 extern const std::vector<std::uint8_t> escposQueries[3];   // 3 bytes each
 inline constexpr std::uint8_t escposReply = 0x12;          // to each of them
 
-/// A printer's end of one connection, on a thread of its own that blocks in `read`. It goes on
-/// until the other side ends the connection, and is waited for at the end: it must outlive that
-/// side.
+/// A printer's end of one connection, on a thread of its own that blocks in `read`. It runs until
+/// the other side ends the connection, and is waited for at the end: it must outlive that side.
 class Peer {
  public:
   explicit Peer(Core core) : core_(core) {}
@@ -49,7 +48,7 @@ class Peer {
   std::thread thread_;
 };
 
-/// Sends all of `bytes` by blocking calls; false when the other side has gone.
+/// Sends all of `bytes` by blocking calls; false if the other side has ended.
 bool sendAll(int descriptor, std::span<const std::uint8_t> bytes);
 
 }  // namespace quordalvane::bench

@@ -13,7 +13,7 @@ constexpr int rowHeight = 22;
 constexpr int top = 56;
 constexpr int textWidth = 430;
 constexpr int stepWidth = 40;
-constexpr int stepsDown = 4;  // the scale goes from 1/16 of the limit
+constexpr int stepsDown = 4;  // the scale begins at 1/16 of the limit
 constexpr int stepsUp = 4;    // to sixteen times it
 constexpr int width = textWidth + stepWidth * (stepsDown + stepsUp) + 190;
 

@@ -12,9 +12,9 @@
 
 namespace quordalvane::bench {
 
-/// A printer's end of one connection that prints at once, or after a while, and confirms what it
-/// has printed. It goes on until the other side ends the connection, and is waited for at the end:
-/// it must outlive that side.
+/// A printer's end of one connection that prints at once, or after a while, and confirms its print.
+/// It runs until the other side ends the connection, and is waited for at the end: it must outlive
+/// that side.
 class ReceiptPrinter {
  public:
   using Instant = std::chrono::steady_clock::time_point;
@@ -22,7 +22,8 @@ class ReceiptPrinter {
   /// By which it confirms a job; a printer that counts marks (17) is in line mode.
   enum class Confirms { Count, Report, ProcessId, InOrder };
 
-  /// What it heard up to an answer, and the answer. The last turn of a job may have none.
+  /// The bytes that it received up to an answer, and the answer, which the last turn of a job may
+  /// lack.
   struct Turn {
     std::vector<std::uint8_t> heard;
     std::vector<std::uint8_t> answer;
@@ -37,7 +38,7 @@ class ReceiptPrinter {
   /// Begins the record of a job anew.
   void forget();
 
-  /// What was heard and answered since.
+  /// The bytes received and the answers since then.
   std::vector<Turn> turns() const;
 
   /// When the first byte of a receipt was heard, and when the printer was done with the job.

@@ -57,7 +57,7 @@ struct Counters {
 
   const std::unique_ptr<Endpoint> endpoint;
   const std::unique_ptr<Endpoint> bareEndpoint;
-  // Joined last: a printer goes on until its other side has gone.
+  // Joined last: a printer runs until its other side has ended.
   std::unique_ptr<ReceiptPrinter> printer;
   std::unique_ptr<ReceiptPrinter> barePrinter;
   OpenPort port;

@@ -1,7 +1,7 @@
 # The journal as programs get it: a library of its own, so that a program without it loads no database.
 add_library(QuorJournal SHARED $<TARGET_OBJECTS:quor_journal> $<TARGET_OBJECTS:quor_locks>
             $<TARGET_OBJECTS:quor_journal_c_interface>
-            # What the library of the port keeps to itself.
+            # The parts that the library of the port does not export.
             $<FILTER:$<TARGET_OBJECTS:quor_job>,INCLUDE,/Advice|/Words>
             $<FILTER:$<TARGET_OBJECTS:quor_c_interface>,INCLUDE,/Buffers>)
 add_library(QuorIOPort::QuorJournal ALIAS QuorJournal)

@@ -1,5 +1,5 @@
-# The headers that are installed, from the project's root: what a program includes, and what that
-# includes in turn.
+# The headers that are installed, from the project's root: those that a program includes, and those
+# that they include in turn.
 set(QUOR_PUBLIC_HEADERS
   backends/AccessoryIdentity.h
   backends/DeviceIdentity.h

@@ -1,6 +1,7 @@
-# The library as programs get it: every room but the command in one libQuorIOPort, shared and static,
-# and what is installed with it. Headers are installed below include/quordalvane/ as they lie in the
-# tree, and that folder is searched, too, so that a program includes what the project's own sources do.
+# The library as programs get it: every room but the command in one libQuorIOPort, shared and
+# static, and what is installed with it. Headers are installed below include/quordalvane/ in the
+# folders of the tree, and that folder is also searched, so that a program includes them as the
+# project's own sources do.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 include(PublicHeaders)
@@ -78,7 +79,7 @@ install(EXPORT QuorIOPortTargets NAMESPACE QuorIOPort:: DESTINATION ${package_fo
         COMPONENT development)
 configure_package_config_file(cmake/QuorIOPortConfig.cmake.in QuorIOPortConfig.cmake
                               INSTALL_DESTINATION ${package_folder})
-# Before 1.0 any version may change what programs rely on.
+# Before 1.0 any version may change the interface of programs.
 write_basic_package_version_file(QuorIOPortConfigVersion.cmake COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/QuorIOPortConfig.cmake
               ${PROJECT_BINARY_DIR}/QuorIOPortConfigVersion.cmake

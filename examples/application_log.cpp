@@ -15,7 +15,7 @@ using namespace quordalvane;
 
 namespace {
 
-// What the application has anyway; calls come from the library's writer thread.
+// The application's own logger; the library's writer thread calls it.
 void applicationLog(const char* severity, const std::string& text) {
   std::clog << "shop[" << severity << "]: " << text << '\n';
 }
@@ -52,7 +52,7 @@ int main(int argc, char** argv) try {
     port->close();
   }
 
-  logger.flush();  // whatever was logged has reached the application
+  logger.flush();  // every record has reached the application
   logger.removeSink(sink);
   return state == "on line" ? 0 : 1;
 } catch (const std::exception& error) {  // a DEVICE that does not exist, for example

@@ -1,5 +1,5 @@
 // Prints each line of its input as a receipt, under the name that is its first word: once, although
-// it may be killed at any moment and is then started again with the same input. It also goes on
+// it may be killed at any moment and is then started again with the same input. It also continues
 // when the printer's cable was pulled and put back. Usage: kiosk DEVICE [JOURNAL]
 #include <chrono>
 #include <exception>
@@ -16,7 +16,7 @@ using namespace quordalvane;
 
 namespace {
 
-// Over a link of its own, so that an attempt never meets what an earlier one left.
+// Over a link of its own, so that an attempt never meets the rest of an earlier one.
 NamedJobResult printNow(NamedJob& named) {
   const auto port = ExternalAccessoryPort::initWithPortName("BT:", "", 3000, ZKEmulationQuorLine);
   if (!port || !port->open()) {
@@ -37,7 +37,7 @@ NamedJobResult attempt(Journal& journal, const std::string& device, const std::s
   return named.answer() ? *named.answer() : printNow(named);
 }
 
-// A refused receipt is tried until it goes out. One that may be on paper is never sent again.
+// A refused receipt is tried until it is sent. One that may be on paper is never sent again.
 void print(Journal& journal, const std::string& device, const std::string& receipt) {
   for (std::string last;; std::this_thread::sleep_for(std::chrono::milliseconds(500))) {
     const NamedJobResult named = attempt(journal, device, receipt);
@@ -68,7 +68,7 @@ int main(int argc, char** argv) try {
   for (std::string line; std::getline(std::cin, line);) {
     print(journal, argv[1], line + "\n");
   }
-} catch (const std::exception& error) {  // a DEVICE that does not exist, or a JOURNAL that is none
+} catch (const std::exception& error) {  // an invalid DEVICE, or a file that is no JOURNAL
   std::cerr << error.what() << '\n';
   return 2;
 }

@@ -1,9 +1,9 @@
-/* Prints a text and says what to do next. Usage: print DEVICE TEXT */
+/* Prints a text and names the next step. Usage: print DEVICE TEXT */
 #include <quordalvane/QuorIOPortC.h>
 #include <stdio.h>
 #include <string.h>
 
-static int tell(QuorPrintJob* job) {
+static int report(QuorPrintJob* job) {
   char reason[256] = "";
   char advice[256] = "";
   quor_print_job_reason(job, reason, sizeof reason, NULL);
@@ -27,7 +27,7 @@ static int print(QuorPort* port, const char* text) {
   if (quor_port_open(port) == QUOR_OK &&
       quor_print_job_create(port, QUOR_PROOF_AUTO, NULL, NULL, &job) == QUOR_OK &&
       quor_print_job_run(job, text, strlen(text)) == QUOR_OK) {
-    code = tell(job);
+    code = report(job);
   } else {
     fprintf(stderr, "%s\n", quor_last_error());
   }

@@ -1,4 +1,4 @@
-// Prints a file and says what to do next. Usage: print_with_confirmation DEVICE FILE
+// Prints a file and names the next step. Usage: print_with_confirmation DEVICE FILE
 #include <exception>
 #include <fstream>
 #include <iostream>
@@ -37,11 +37,11 @@ int main(int argc, char** argv) try {
       std::cout << "printed: hand the receipt over\n";
       return 0;
     case PrintOutcome::Refused:
-      // Nothing went out. Mend what is wrong and send the very same job again.
+      // Nothing was sent. Remove the cause and send the very same job again.
       std::cout << "refused: " << result.reason << "; " << result.advice << '\n';
       return 1;
     case PrintOutcome::Unconfirmed:
-      // It may be on paper. Only somebody who looks can tell: a program must not send it again.
+      // It may be on paper. Only a person who looks can find out: a program must not send it again.
       std::cout << "unconfirmed: " << result.reason << "; " << result.advice << '\n';
       return 6;
   }

@@ -1,4 +1,4 @@
-// Tells, until it is stopped, what changes about a printer. Usage: status_monitor DEVICE
+// Reports the changes of a printer until it is stopped. Usage: status_monitor DEVICE
 #include <chrono>
 #include <exception>
 #include <iostream>

@@ -9,7 +9,7 @@
 
 namespace quordalvane::fuzz {
 
-/// Where a reply parser sees its field.
+/// The place of a reply parser's field.
 struct Place {
   std::int32_t location;
   std::int32_t length;

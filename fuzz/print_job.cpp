@@ -7,7 +7,7 @@ using namespace quordalvane;
 using fuzz::require;
 
 /// A job of any data, on a printer that answers anything: it ends, counts right, and is called
-/// printed only when all of it went out and nothing in it could make the printer's sign itself. The
+/// printed only if all of it was sent and no byte of it could make the printer's sign itself. The
 /// first byte is the emulation, the second the length of the data.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::Input input(data, size);

@@ -3,7 +3,7 @@
 BUILD is a configured build folder; its compile_commands.json says how each source is compiled. A source
 that passed leaves a stamp in BUILD/lint: a digest of everything that decided the result (the source, the
 project's headers that it includes, its compile command, the rules, the version of clang-tidy). A source
-with a current stamp is left out; with --all none is. The tests and fuzz targets are not linted: the macros
+with a current stamp is omitted; with --all no source is. The tests and fuzz targets are not linted: the macros
 of the test framework break many of the rules.
 """
 
@@ -66,7 +66,7 @@ class Lint:
 
     @staticmethod
     def rules(source: Path) -> list[Path]:
-        """The files that say what is checked in the source's folder."""
+        """The files that configure the checks of the source's folder."""
         folders = [folder for folder in source.parents if folder.is_relative_to(ROOT)]
         return [folder / RULES for folder in folders if (folder / RULES).is_file()]
 

@@ -18,7 +18,7 @@ bench_packages=(libbenchmark-dev libspdlog-dev python3)
 # need_packages NAME …: returns when all are installed. Root gets the missing ones installed; anybody
 # else is told the command, and the script ends.
 need_packages() {
-  command -v dpkg-query >/dev/null || return 0 # not Debian: what is missing will show in the build
+  command -v dpkg-query >/dev/null || return 0 # not Debian: the build will show the missing packages
   local package missing=()
   for package in "$@"; do
     is_installed "$package" || missing+=("$package")

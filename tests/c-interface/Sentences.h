@@ -15,11 +15,11 @@ typedef struct Sentence {
   { #name, name }
 
 /* Proves the sentence that the only argument names, one of those in `count` tables, and returns the
- * exit status. A further function in a table's file that stands in no table is an unused one: it
- * does not compile. Each table ends in an empty sentence. */
+ * exit status. A function that is missing from its file's table is unused, and does not compile.
+ * Each table ends in an empty sentence. */
 int proveSentence(int argc, char** argv, const Sentence* const* tables, size_t count);
 
-/* Counts a failure, and tells it, unless the condition holds. */
+/* Counts and reports a failure unless the condition holds. */
 #define EXPECT(condition) expectThat((condition), #condition, __FILE__, __LINE__)
 void expectThat(bool holds, const char* condition, const char* file, int line);
 

@@ -143,7 +143,8 @@ static void StandardErrorIsASink(void) {
   remove("c_interface_stderr.txt");
 }
 
-/* A sink that is at work until it is let go, and what it is told when it waits for itself. */
+/* A sink that is at work until it is released, and the answer that it gets when it waits for
+ * itself. */
 typedef struct Gate {
   pthread_mutex_t mutex;
   pthread_cond_t changed;

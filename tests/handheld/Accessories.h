@@ -9,7 +9,7 @@
 
 namespace quordalvane::test {
 
-/// What an accessory says of itself, and how a session connects to it.
+/// The texts of an accessory, and how a session connects to it.
 struct PluggedAccessory {
   std::string name = "Virtual";
   std::string serialNumber = "0001";
@@ -22,10 +22,10 @@ struct PluggedAccessory {
 /// The service's only accessory is from now on this one.
 void plugIn(PluggedAccessory accessory);
 
-/// It has none from now on.
+/// It has no accessories from now on.
 void unplug();
 
-/// The service raises an exception of the framework at every question, or does not any more.
+/// The service throws an exception of the framework at every question, or no longer does.
 void letServiceRaise(bool raises);
 
 }  // namespace quordalvane::test

@@ -22,7 +22,7 @@ NSString* stringOf(const std::string& text) {
   return [NSString stringWithUTF8String:text.c_str()];
 }
 
-/// What an accessory of the stand-in service keeps.
+/// The members of an accessory of the stand-in service.
 struct Inside {
   PluggedAccessory plugged;
   std::mutex mutex;

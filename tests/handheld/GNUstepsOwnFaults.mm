@@ -26,7 +26,7 @@ const char* __tsan_default_suppressions() {
 
 namespace {
 
-/// Lets GNUstep make what it makes once and keeps, before the sanitizer looks.
+/// Makes GNUstep allocate the objects that it keeps, before the sanitizer checks.
 class ThingsThatGNUstepKeeps : public testing::Environment {
  public:
   void SetUp() override {

@@ -7,8 +7,8 @@
 
 #include "tests/handheld/SocketLink.h"
 
-/// Watches one direction of a socket on a run loop for a stream and tells the stream's delegate. An
-/// event is told once; `rearm` asks for the next.
+/// Watches one direction of a socket on a run loop for a stream and calls the stream's delegate. An
+/// event is reported once; `rearm` asks for the next.
 @interface QuorLinkWatch : NSObject <RunLoopEvents> {
  @public
   std::shared_ptr<quordalvane::test::SocketLink>* link;  // owned
@@ -18,7 +18,7 @@
 
  @private
   id<NSStreamDelegate> delegate_;
-  NSThread* thread_;  // on which it is scheduled; nil where it is not
+  NSThread* thread_;  // on which it is scheduled, or nil
   std::atomic<bool> isTold_;
 }
 

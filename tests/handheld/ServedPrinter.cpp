@@ -18,7 +18,7 @@ simulator::Instant now() {
   return std::chrono::steady_clock::now().time_since_epoch();
 }
 
-/// Moves bytes both ways between the host and the printer, as much as goes now.
+/// Moves bytes both ways between the host and the printer, as many as possible now.
 void relay(int number, simulator::PrinterLink& link) {
   std::array<std::uint8_t, 512> bytes{};
   const std::size_t room = std::min(link.space(now()), bytes.size());
@@ -62,7 +62,7 @@ void ServedPrinter::hangUp() {
   }
 }
 
-// Ends when the host has hung up, or when it is told to.
+// Ends when the host has hung up, or on request.
 void ServedPrinter::serve(int number) {
   std::unique_lock lock(mutex_);
   simulator::PrinterLink link(printer_, now(), faults_);

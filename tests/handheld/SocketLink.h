@@ -8,7 +8,7 @@
 namespace quordalvane::test {
 
 /// One end of a connected pair of sockets, as the streams and the accessory of a session share it.
-/// All calls may be made from any thread; none blocks.
+/// All calls may be made from any thread; no call blocks.
 class SocketLink {
  public:
   /// Takes over `number`.
@@ -17,7 +17,7 @@ class SocketLink {
   SocketLink(const SocketLink&) = delete;
   SocketLink& operator=(const SocketLink&) = delete;
 
-  /// For a run loop to watch; the number stays valid as long as the link.
+  /// For a run loop to watch; the number is valid as long as the link.
   int number() const { return number_; }
 
   bool hasBytes();
@@ -28,10 +28,10 @@ class SocketLink {
   /// Ends the connection for both sides.
   void end();
 
-  /// True once the other side has ended it, whatever is left to read.
+  /// True once the other side has ended it, even if bytes are left to read.
   bool isHungUp();
 
-  /// True once the other side has ended it and all that came before has been read.
+  /// True once the other side has ended it and all earlier bytes have been read.
   bool isLost();
 
   /// True if a write can only fail.

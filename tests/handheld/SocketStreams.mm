@@ -4,7 +4,7 @@
 
 using quordalvane::test::SocketLink;
 
-// What both kinds answer alike. Their base classes leave all of it to a subclass.
+// The common answers of both kinds. Their base classes leave all of them to a subclass.
 #define QUOR_COMMON_STREAM_METHODS                                        \
   -(void)dealloc {                                                        \
     [watch_ release];                                                     \

@@ -32,7 +32,7 @@ std::shared_ptr<ExternalAccessoryPort> portOn(std::shared_ptr<Platform> platform
   return ExternalAccessoryPort::initWithPortName("BT:", "", 10000, emulation, std::move(platform));
 }
 
-/// Late enough that every answer is waited for, so that no race decides what is logged.
+/// Late enough that every answer is waited for, so that no race decides the records.
 simulator::PrinterBuilder lateAnswers() {
   return simulator::PrinterBuilder().fault("late-reply", "20");
 }
@@ -71,7 +71,7 @@ TEST_P(HandheldJob, FromAnotherThreadIsPrinted) {
   EXPECT_EQ(printer.printed(), bytesOf(receipt));
 }
 
-/// The records of what has happened, with blanks for addresses, which differ from run to run.
+/// The records of the run, with blanks for addresses, which differ from run to run.
 std::vector<std::string> recordsWithoutAddresses() {
   static const std::regex address("0x[0-9a-f]+");
   std::vector<std::string> lines;
@@ -82,7 +82,7 @@ std::vector<std::string> recordsWithoutAddresses() {
   return lines;
 }
 
-/// What the accessory of the stand-in service says of itself.
+/// The texts of the accessory of the stand-in service.
 AccessoryIdentity asPluggedIn() {
   AccessoryIdentity identity;
   identity.name = "Virtual";
@@ -104,7 +104,7 @@ class SameVersion : public ForwardingPlatform, private UIDevice {
 
 std::vector<std::string> HandheldJob::recordsOf(const std::shared_ptr<Platform>& platform) {
   LogCapture::instance().clear();
-  // A port thread would mix its own records in at any place, so there is none.
+  // A port thread would add its own records at any place, so there is no port thread.
   std::thread([&] {
     EXPECT_EQ(print(std::make_shared<SameVersion>(platform)), PrintOutcome::Printed);
   }).join();

@@ -22,7 +22,7 @@ double now(HandheldPlatform& platform) {
   return std::chrono::duration<double>(platform.clock().monotonic()).count();
 }
 
-/// A thread that turns its loop until it is told to stop.
+/// A thread that runs its loop until it is stopped.
 class TurningThread {
  public:
   explicit TurningThread(HandheldPlatform& platform)
@@ -71,7 +71,7 @@ TEST(HandheldThread, ThrowsTheExceptionOfACarriedRoutineInTheCaller) {
   ASSERT_TRUE(thread.handle().start());
   EXPECT_THROW(thread.handle().performAndWait([] { throw std::out_of_range("carried"); }),
                std::out_of_range);
-  EXPECT_TRUE(thread.handle().performAndWait([] {})) << "the loop goes on";
+  EXPECT_TRUE(thread.handle().performAndWait([] {})) << "the loop continues";
 }
 
 TEST(HandheldThread, RunsARoutineThatItCarriesToItselfDirectly) {

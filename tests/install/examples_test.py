@@ -1,4 +1,4 @@
-"""Each example, built against the installed package, does what it says."""
+"""Each example, built against the installed package, does its task."""
 
 import os
 import sys

@@ -1,6 +1,6 @@
 """A library exports the names in its list and no others. Usage: exported_symbols.py LIST HEADER LIBRARY
 
-What is marked QUOR_EXPORT is exported. The list shows each change of that: a name that goes away breaks
+Names that are marked QUOR_EXPORT are exported. The list shows each change of them: a name that is removed breaks
 programs that are built already. HEADER is that of the library for C. After a change that is meant, write the
 list anew with
 
@@ -17,7 +17,7 @@ def exported(library: Path) -> list[str]:
     """The names as programs link them; each C++ name with its meaning."""
     table = subprocess.run(["nm", "-D", "--defined-only", library], check=True, capture_output=True, text=True)
     rows = [row.split() for row in table.stdout.splitlines()]
-    # A is the version itself; what is weak comes and goes with what the compiler inlines.
+    # A is the version itself; weak names depend on the code that the compiler inlines.
     names = sorted(name.split("@")[0] for _, kind, name in rows if kind not in "AVWu")
     readable = subprocess.run(["c++filt"], input="\n".join(names), check=True, capture_output=True, text=True)
     meanings = readable.stdout.splitlines()
@@ -30,7 +30,7 @@ def declared_for_c(header: Path) -> set[str]:
 
 def objections(names: Path, header: Path, library: Path) -> list[str]:
     agreed, there, for_c = set(names.read_text().splitlines()), set(exported(library)), declared_for_c(header)
-    found = [f"is gone: {name}" for name in sorted(agreed - there)]
+    found = [f"is missing: {name}" for name in sorted(agreed - there)]
     found += [f"is exported and not listed: {name}" for name in sorted(there - agreed)]
     found += [f"is declared for C and not exported: {name}" for name in sorted(for_c - there)]
     return found or ([] if for_c else ["the C header declares nothing"])

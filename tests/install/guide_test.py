@@ -1,7 +1,7 @@
-"""The guides and the README tell the truth: each command in them is run, and prints what they show.
+"""The guides and the README are true: each command in them is run, and prints the output that they show.
 
 A block of kind "console" is run in a shell of its own, in a folder that holds the examples; a line that
-begins with "$ " is a command; the lines after it are its output. A "…" stands for anything. A command
+begins with "$ " is a command; the lines after it are its output. A "…" matches any text. A command
 that ends in "&" runs until the block ends, and has printed its first lines before the next begins.
 """
 
@@ -15,7 +15,7 @@ from pathlib import Path
 
 from programs import DEADLINE, QUORPORT, SOURCES, ProgramTest
 
-PORT = "9100"  # as the pages say; here it may belong to somebody else
+PORT = "9100"  # as the pages say; here another program may use it
 READERS_PRINTER = "192.0.2.10"  # an address that nobody has
 RECEIPT = SOURCES / "examples/receipt.txt"
 PAGES = [SOURCES / "README.md", *sorted((SOURCES / "docs").glob("*.md"))]
@@ -37,14 +37,14 @@ def free_port() -> str:
 
 
 def pieces(block: str) -> list[tuple[str, str]]:
-    """The commands and what each prints."""
+    """The commands and the output of each."""
     parts = re.split(r"^\$ (.*)\n", block, flags=re.M)
     assert parts[0] == "", f"output before the first command: {parts[0]}"
     return list(zip(parts[1::2], parts[2::2]))
 
 
 def script(commands: list[str]) -> str:
-    """Runs the commands, each with the exit status of the one before it in $?, and marks where each ends."""
+    """Runs the commands, each with the exit status of the one before it in $?, and marks the end of each."""
     lines = ["last=0"]
     for number, command in enumerate(commands):
         if command.endswith("&"):

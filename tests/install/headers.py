@@ -1,6 +1,6 @@
 """Every installed header compiles by itself. Usage: headers.py INCLUDE CC CXX
 
-The headers for C do so in C, too, and need nothing but <quordalvane/…>.
+The headers for C also do so in C, and need only <quordalvane/…>.
 """
 
 import os
@@ -19,7 +19,7 @@ def compiles(compiler: str, language: str, standard: str, include: Path, header:
         command.insert(-1, f"-I{include / 'quordalvane'}")
     result = subprocess.run(command, input=f"#include <{name}>\nint used;\n", text=True, stderr=subprocess.PIPE)
     if result.returncode != 0:
-        print(f"{name} does not stand alone in {language}:\n{result.stderr}")
+        print(f"{name} does not compile alone in {language}:\n{result.stderr}")
     return result.returncode == 0
 
 

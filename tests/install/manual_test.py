@@ -1,4 +1,4 @@
-"""The manual page and the completions say what the command itself says, and nothing else."""
+"""The manual page and the completions agree with the command's own help."""
 
 import re
 import subprocess
@@ -23,7 +23,7 @@ def commands() -> list[str]:
 
 
 def options(help_text: str) -> set[str]:
-    """The long options, which stand at the beginning of their lines."""
+    """The long options, which begin their lines."""
     return set(re.findall(r"^  (?:-\w,)?(--[\w-]+)", help_text, re.M))
 
 

@@ -1,4 +1,4 @@
-"""What the tests of installed programs share: running one, reading it line by line, a printer to talk to.
+"""Shared by the tests of installed programs: running one, reading it line by line, a printer to connect to.
 
 Nothing here sleeps for a fixed time: everything waits for a line or an end, and gives up at a deadline.
 """
@@ -14,7 +14,7 @@ from pathlib import Path
 QUORPORT = os.environ["QUORPORT"]
 EXAMPLES = Path(os.environ["EXAMPLES"])
 SOURCES = Path(os.environ["SOURCES"])
-DEADLINE = 30  # seconds; far beyond what anything here takes
+DEADLINE = 30  # seconds; far beyond the time of any test here
 
 
 class Program:

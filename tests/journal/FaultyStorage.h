@@ -8,8 +8,8 @@ namespace quordalvane::test {
 /// database of the process lies on it. One at a time.
 class FaultyStorage {
  public:
-  /// What fails: the call of this number, counted from 1 over all opens, writes, syncs and
-  /// truncations; 0 fails none. With `andAllLater` also every one after it.
+  /// The call that fails: that of this number, counted from 1 over all opens, writes, syncs and
+  /// truncations; 0 means no call. With `andAllLater` also every one after it.
   explicit FaultyStorage(std::uint64_t failing, bool andAllLater = false);
   ~FaultyStorage();
   FaultyStorage(const FaultyStorage&) = delete;

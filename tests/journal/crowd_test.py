@@ -70,11 +70,11 @@ class Crowd(Case):
         counts = collections.Counter()
         for name, outcomes in told.items():
             copies = paper.count(name)
-            self.assertLessEqual(copies, 1, f"{name} twice; it was told as {outcomes}")
+            self.assertLessEqual(copies, 1, f"{name} twice; it was reported as {outcomes}")
             if "printed" in outcomes:
                 self.assertEqual(copies, 1, f"{name} printed without paper")
             else:
-                self.assertIn("unconfirmed", outcomes, f"{name} is neither on paper nor told as unconfirmed")
+                self.assertIn("unconfirmed", outcomes, f"{name} is neither on paper nor reported as unconfirmed")
             counts["printed" if "printed" in outcomes else "unconfirmed"] += 1
         self.assertGreater(counts["printed"], 0)
         self.assertGreater(counts["unconfirmed"], 0, "no link was cut in the middle of a job")

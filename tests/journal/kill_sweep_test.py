@@ -15,7 +15,7 @@ RECEIPT = b"Espresso  2.20\nCake  3.80\n"
 
 
 def proofs(emulation: str) -> list[str]:
-    """Those that this command can be told to use."""
+    """Those that this command can use."""
     if emulation == "line" or "--proof" not in run("print", "--help").out:
         return [""]
     return ["block", "process-id", "in-order"]

@@ -18,8 +18,8 @@ struct Setting {
 
 class StorageSweep : public JournalCase, public testing::WithParamInterface<Setting> {
  protected:
-  /// What a till prints under a name on a disk that fails at that call; and then, on a sound disk,
-  /// what the next start makes of it. False when the call was never made.
+  /// The job of a till under a name on a disk that fails at that call; and then, on a sound disk,
+  /// the result of the next start. False if the call was never made.
   bool failAt(std::uint64_t call) {
     Till till(GetParam().emulation);
     std::filesystem::remove_all(folder.file(""));

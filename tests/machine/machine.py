@@ -1,7 +1,7 @@
 """A virtual machine with a kernel of its own: makes its file system, boots it, and counts the cases that ran in it.
 
 The kernel is Debian's, downloaded into FOLDER and not installed. init.sh is the machine's first program; it loads the
-modules and runs the CASES, a shell script. Everything else that the cases need is named by the options.
+modules and runs the CASES, a shell script. The options name the other files that the cases need.
 """
 
 import argparse
@@ -20,11 +20,11 @@ LIBRARY = re.compile(r"(/\S+) \(0x")
 
 def options() -> argparse.Namespace:
     parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("folder", type=Path, help="where the kernel and the machines are kept")
+    parser.add_argument("folder", type=Path, help="the folder of the kernel and the machines")
     parser.add_argument("cases", type=Path, help="the shell script that runs in the machine")
-    parser.add_argument("--modules", nargs="+", default=[], help="modules of the kernel; those that they need come along")
+    parser.add_argument("--modules", nargs="+", default=[], help="modules of the kernel; those that they need are added")
     parser.add_argument("--programs", nargs="+", default=[], metavar="NAME=PATH",
-                        help="programs for /bin of the machine; their libraries come along")
+                        help="programs for /bin of the machine; their libraries are added")
     parser.add_argument("--files", nargs="+", default=[], metavar="PATH",
                         help="files and folders of this system that have the same path in the machine")
     return parser.parse_args()
@@ -108,7 +108,7 @@ def packed(root: Path, archive: Path) -> Path:
 
 
 def boot(unpacked: Path, archive: Path, console: Path) -> str:
-    """What the machine said; it is also in `console` while it runs."""
+    """The output of the machine; it is also in `console` while it runs."""
     command = ["qemu-system-x86_64", "-accel", "tcg,thread=single", "-cpu", "max", "-m", "512", "-smp", "1",
                "-nodefaults", "-display", "none", "-serial", f"file:{console}", "-no-reboot",
                "-kernel", str(next((unpacked / "boot").glob("vmlinuz-*"))), "-initrd", str(archive),

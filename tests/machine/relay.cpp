@@ -27,7 +27,7 @@ int connectTo(const std::string& path) {
   return ::connect(number, generic, sizeof address) == 0 ? number : -1;
 }
 
-// Writes all of it, waiting for space; false when the other side is gone.
+// Writes all of it, waiting for space; false if the other side has ended.
 bool writeAll(int to, const char* bytes, std::size_t length) {
   while (length > 0) {
     const ssize_t count = ::write(to, bytes, length);

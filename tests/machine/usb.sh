@@ -28,7 +28,8 @@ plug_in() { # [PULL_AFTER]
   relay=$!
 }
 
-# The gadget is made anew each time: the kernel's keeps what was under way when it was pulled.
+# The gadget is made anew each time: the kernel's keeps the bytes that were under way when it was
+# pulled.
 pull() {
   kill $relay 2>/dev/null
   wait $relay 2>/dev/null

@@ -15,7 +15,7 @@ class Area:
     name: str
     sources: tuple[str, ...]  # patterns, from the root
     tests: tuple[str, ...]  # the folders of the tests that must notice
-    programs: tuple[str, ...]  # what these folders become
+    programs: tuple[str, ...]  # the areas of these folders
     waits: bool = False  # the tests wait for real time, so several processes share them
 
     def files(self) -> list[Path]:
@@ -42,7 +42,7 @@ AREAS = (
     Area("discovery", ("discovery/*.cpp",), ("tests/unit/discovery",), ("unit_discovery_tests",)),
     Area("c-interface", ("c-interface/*.cpp",), ("tests/unit/c-interface", "tests/c-interface"),
          ("unit_c-interface_tests", "c_interface_tests")),
-    # What the virtual printer answers, and when; what it draws is compared elsewhere.
+    # The virtual printer's answers and their times; its drawings are compared elsewhere.
     Area("replies", tuple(f"simulator/{name}.cpp" for name in
                           ("StatusReplies", "ReplyPath", "BluetoothModule", "PrinterLink", "CommandScanner", "Reception")),
          ("tests/unit/simulator",), ("unit_simulator_tests",)),

@@ -15,7 +15,7 @@ NAMED = re.compile(r"`([\w/]+\.(?:cpp|py))`(?::((?: `\w+`,?)+))?")
 
 
 def named_tests() -> list[tuple[str, list[str]]]:
-    """The files of the page's table, each with the tests in it that are named; none is all of them."""
+    """The files of the page's table, each with its named tests; without names, all of its tests."""
     rows = [row for row in (ROOT / "docs/security.md").read_text().splitlines() if row.startswith("| **")]
     return [(file, re.findall(r"\w+", tests)) for row in rows for file, tests in NAMED.findall(row)]
 

@@ -23,10 +23,10 @@ PORT = "iphone-IOPort/"
 BREAKS = (
     Break("a failed write is counted as written", PORT + "Transport.cpp",
           "if (bytesWritten == -1) {", "if (bytesWritten == -2) {"),
-    Break("a read appends a stream's claim, not what there is", PORT + "Transport.cpp",
+    Break("a read appends as many bytes as a stream claims", PORT + "Transport.cpp",
           "const auto received = movedBytes(readSize, recvSize);",
           "const auto received = static_cast<std::uint64_t>(readSize);"),
-    Break("the status is taken before all of it has come", PORT + "Status.cpp",
+    Break("the status is taken before all of it has arrived", PORT + "Status.cpp",
           "if (expectedSize > static_cast<std::int32_t>(buffer.size())) {",
           "if (expectedSize > static_cast<std::int32_t>(buffer.size()) + 1) {"),
     Break("leftovers of an earlier exchange are not thrown away", PORT + "Status.cpp",

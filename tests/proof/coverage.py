@@ -2,9 +2,9 @@
 ends, the C interface and the virtual printer's replies.
 
 Usage: coverage.py BUILD, a folder built by the coverage preset. Runs its test programs and counts each way
-that a condition in the sources can go. It is clang's count of the sources, not of the machine code: what a
+that a condition in the sources can take. It is clang's count of the sources, not of the machine code: what a
 compiler adds for exceptions and for the cleaning up of temporaries is not in it. Conditions that are
-constants, as in `while (true)`, are left out: they go one way.
+constants, as in `while (true)`, are omitted: they have one outcome.
 
 Prints each branch that no test takes, with its explanation from uncovered.md. Fails when one of the first four
 rooms is not explained or they take fewer than 98 of 100 together, when an explanation is of no such branch, or
@@ -67,7 +67,7 @@ def measure(build: Path) -> list[dict]:
 
 
 def source_of(file: dict, build: Path) -> Path:
-    """Its path from the root. The build tells paths from there, which the compiler takes for the build's own."""
+    """Its path from the root. The build gives paths from there, which the compiler takes for the build's own."""
     path = Path(file["filename"])
     base = ROOT if path.is_absolute() else Path(build.name)
     return path.relative_to(base) if path.is_relative_to(base) else path
@@ -80,7 +80,7 @@ def room_of(path: Path) -> str | None:
 
 
 def branches(file: dict) -> dict[tuple[int, int], list[int]]:
-    """How often each condition came out true and false, by its place; all instances of a template together."""
+    """How often each condition was true and false, by its place; all instances of a template together."""
     found: dict[tuple[int, int], list[int]] = {}
     for line, column, _, _, taken, not_taken, *_ in file["branches"]:
         counts = found.setdefault((line, column), [0, 0])

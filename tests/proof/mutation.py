@@ -3,7 +3,7 @@
 Usage: mutation.py COUNT [--seed SEED] [AREA …]. Of all mutants that the operators make of an area's sources
 COUNT are drawn by SEED (1 unless given); 0 is all of them. A mutant that does not compile is drawn again.
 
-What each mutant met is kept in build/proof/mutants.json while neither the sources nor the tests of its area
+The result of each mutant is kept in build/proof/mutants.json while neither the sources nor the tests of its area
 change, so that a run that was stopped (SIGINT, SIGTERM) continues at the same point.
 
 Survivors must be explained in survivors.md; fails when one is not, or when fewer than 95 of 100 are killed.
@@ -24,7 +24,7 @@ from ledger import Ledger, digest
 ENOUGH = 0.95
 AT_ONCE = 40  # mutants of one file follow each other, as far as they are in the same handful
 
-# What becomes of what. Blanks around an operator keep templates, arrows and includes out.
+# The replacements. Blanks around an operator keep templates, arrows and includes out.
 OPERATORS = (
     (r" == ", " != "),
     (r" != ", " == "),
@@ -47,7 +47,7 @@ OPERATORS = (
     (r"\bbreak;", "continue;"),
     (r"\b(?<![.\w])([0-9]+)(?![.\w])", lambda number: str(int(number.group()) + 1)),
     (r"\b0x[0-9a-f]{2}\b", lambda number: f"0x{int(number.group(), 16) ^ 1:02x}"),
-    # A statement that stands alone on its line: a call whose result nobody wants.
+    # A statement alone on its line: a call whose result is not used.
     (r"(?m)^ +(?!return|throw|const|auto|QUOR_LOG)[\w.>:-]+\([^;{}]*\);$", ""),
 )
 
@@ -71,7 +71,7 @@ class Mutant:
 
 
 def is_code(text: str, place: int) -> bool:
-    """Neither in a comment nor in a text, an include or a record: what a log says is compared elsewhere."""
+    """Neither in a comment nor in a text, an include or a record: the records are compared elsewhere."""
     line = text[text.rfind("\n", 0, place) + 1 : place]
     statement = text[max(text.rfind(mark, 0, place) for mark in ";{}") + 1 : place]
     return not ("//" in line or line.count('"') % 2 or line.lstrip().startswith("#") or "QUOR_LOG" in statement
@@ -98,7 +98,7 @@ def explanations() -> dict[str, str]:
 
 
 class Tried:
-    """The mutants of one area, in the order in which they are drawn, and what became of them."""
+    """The mutants of one area, in the order in which they are drawn, and their results."""
 
     def __init__(self, area: areas.Area, seed: int, ledger: Ledger):
         self.area, self.ledger = area, ledger
@@ -161,7 +161,7 @@ def main() -> int:
         for one in tried:
             one.run(options.count)
     except KeyboardInterrupt:
-        pass  # what was tried counts
+        pass  # only mutants that were tried count
     return report(tried, options.count, options.seed)
 
 

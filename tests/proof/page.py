@@ -25,7 +25,7 @@ def table(name: str) -> list[str]:
 
 
 def figures(page: str) -> dict[str, dict[str, str]]:
-    """What a page says of each row that was run, by the row's title."""
+    """The page's text about each row that was run, by the row's title."""
     lines = page.splitlines()
     if HEAD not in lines:
         return {}
@@ -52,7 +52,7 @@ def written(figures: dict[str, dict[str, str]]) -> str:
         "", "Others used the machines as well. The commands, the output of each program and the tables of mutants, branches",
         "and breaks are in `build/proof/details.md` after a run.", "",
         "The defects that were found, each with the test that would find it again, are listed in",
-        "[tests/proof/defects.md](../tests/proof/defects.md); the branches that no test takes and the mutants that none can",
+        "[tests/proof/defects.md](../tests/proof/defects.md); the branches that no test takes and the mutants that no test can",
         "kill, each with the reason, in the two tables beside it.",
     ]
     return "\n".join(lines) + "\n"
@@ -66,7 +66,7 @@ HEADS = {
 
 
 def details(row: Row, units: dict[str, dict]) -> str:
-    """The commands of a row that were run, and what each printed."""
+    """The commands of a row that were run, and the output of each."""
     lines = [f"## {row.title}", ""]
     for key, unit in units.items():
         lines.append(f"    {key}")

@@ -1,4 +1,4 @@
-"""What the summary of the proof may be trusted in: no row without a case, the tree that was really run, no unit twice."""
+"""The summary of the proof can be trusted: no row without a case, the tree that was really run, no unit twice."""
 
 import os
 import shutil

@@ -1,4 +1,4 @@
-"""The rows of the proof: what each shows, and what it runs at each of the three sizes."""
+"""The rows of the proof: the claim of each, and its programs at each of the three sizes."""
 
 import sys
 from dataclasses import dataclass
@@ -12,7 +12,7 @@ class Row:
     title: str
     shows: str
     steps: tuple
-    suite: str  # what the ordinary tests, which run at each commit, do of it
+    suite: str  # its part in the ordinary tests, which run at each commit
 
 
 def python(script: str, *arguments) -> tuple:

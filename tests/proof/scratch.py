@@ -51,7 +51,7 @@ def build(area: Area) -> subprocess.CompletedProcess:
 
 
 def failure(area: Area) -> str | None:
-    """The first test that fails, also when it is run alone; or None."""
+    """The first test that fails, and fails again when it is run alone; or None."""
     for program in area.programs:
         run = run_sentences if program == "c_interface_tests" else run_tests
         if caught := run(program, area.waits):
@@ -99,7 +99,7 @@ def run_sentences(program: str, _waits: bool) -> str | None:
 
 
 def try_text(area: Area, path: str, text: str) -> str | None:
-    """What catches the tree with this text in the place of a file's; "compiler" when it does not build."""
+    """The test that fails on the tree with this text instead of a file's; "compiler" if it does not build."""
     file = TREE / path
     original = file.read_text()
     file.write_text(text)

@@ -17,11 +17,11 @@ CORES = os.cpu_count() or 1
 
 
 class Failed(Exception):
-    """What a program printed when it failed."""
+    """The output of a program that failed."""
 
 
 class Stopped(Exception):
-    """The run was to end before the program did; holds what the program printed."""
+    """The run had to end before the program did; holds the program's output."""
 
 
 class Clock:
@@ -44,7 +44,7 @@ class Clock:
 
 
 def execute(command: list[str], environment: dict[str, str], ends_itself: bool = False) -> str:
-    """What the program prints. At the end of the run it is ended, with all that it started unless it does that itself."""
+    """The program's output. At the end of the run it is ended, with all processes that it started unless it ends them itself."""
     process = subprocess.Popen(command, cwd=ROOT, env=os.environ | environment, stdout=subprocess.PIPE,
                                stderr=subprocess.STDOUT, text=True, errors="replace", start_new_session=True)
     try:
@@ -59,7 +59,7 @@ def execute(command: list[str], environment: dict[str, str], ends_itself: bool =
 
 @dataclass(frozen=True)
 class Unit:
-    """One run of a program: what is done or not done."""
+    """One run of a program, done or not."""
 
     command: list[str]
     environment: dict[str, str]

@@ -1,4 +1,4 @@
-"""./dev says what it takes and what to install; the hook says what a message lacks. Usage: dev_test.py ROOT"""
+"""./dev names its arguments and the missing packages; the hook names the faults of a message. Usage: dev_test.py ROOT"""
 
 import json
 import os
@@ -41,7 +41,7 @@ class Help(unittest.TestCase):
 
 
 class Packages(unittest.TestCase):
-    """The functions of scripts/packages.sh, on a system of which the test says what it has."""
+    """The functions of scripts/packages.sh, on a system whose packages the test chooses."""
 
     def setUp(self):
         folder = tempfile.TemporaryDirectory()
@@ -72,7 +72,7 @@ class Packages(unittest.TestCase):
         self.assertEqual((done.returncode, done.stdout, done.stderr), (0, "", ""))
 
     def test_the_packages_of_each_door_hold_a_compiler(self):
-        """dpkg-buildpackage refuses to start without build-essential, whatever else is there."""
+        """dpkg-buildpackage refuses to start without build-essential, whatever other packages are there."""
         self.assertIn("g++", self.shell('echo "${build_packages[@]}"').stdout)
         self.assertIn("build-essential", self.shell('echo "${package_packages[@]}"').stdout)
 

@@ -1,4 +1,4 @@
-"""Who may include what. Usage: include_rules.py ROOT
+"""Checks the includes of each room. Usage: include_rules.py ROOT
 
 Each folder is a room of its own; RULES says into which others it may look. A room that is not named
 there may look everywhere.
@@ -34,13 +34,13 @@ EVERY_SYSTEM_HEADER = None
 @dataclass(frozen=True)
 class Rule:
     place: str  # a folder or files, from the root; the longest place that fits a file rules it
-    rooms: tuple[str, ...]  # what it may include besides what lies in the same place
+    rooms: tuple[str, ...]  # the rooms that it may include besides its own place
     headers: set[str] | None  # the headers in angle brackets that it may include
     forbidden: str = ""  # a pattern that its lines must not hold
 
 
 NO_CLOCK = r"\b\w+_clock\b"
-# Nor may a host program's locale change what is read, or what a record shows.
+# Nor may a host program's locale change the reading of a text, or a record.
 NO_CLOCK_OR_LOCALE = NO_CLOCK + r"|\b(strto\w+|ato[fil]+|sto[fdil]+|s?n?(print|scan)f|setlocale)\b"
 
 RULES = (

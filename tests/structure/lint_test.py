@@ -1,6 +1,6 @@
-"""The lint reads what changed since it passed, and nothing else. Usage: lint_test.py ROOT
+"""The lint reads only the sources that changed since they passed. Usage: lint_test.py ROOT
 
-clang-tidy is a stand-in that notes which sources it is given, and objects to those that hold the word BAD.
+clang-tidy is a stand-in that notes its sources, and objects to those that hold the word BAD.
 """
 
 import json

@@ -19,7 +19,7 @@ def files(root: Path, *suffixes: str) -> Iterator[Path]:
 
 
 def report(check: Callable[..., list[str]], *arguments: str) -> None:
-    """Runs a check, prints what it objects to, and ends the program: 0 when that is nothing."""
+    """Runs a check, prints its objections, and ends the program: 0 if there are none."""
     objections = check(*map(Path, arguments))
     for objection in objections:
         print(objection)

@@ -36,7 +36,7 @@ def objections(data: bytes) -> list[tuple[int, str]]:
 
 
 def is_data(path: Path) -> bool:
-    """Receipts and the fuzzers' inputs are bytes, whatever they look like."""
+    """Receipts and the fuzzers' inputs are bytes and not texts."""
     return "corpus" in path.parts or (path.parts[0] == "examples" and path.suffix in (".txt", ".bin"))
 
 

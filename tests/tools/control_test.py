@@ -96,7 +96,7 @@ class Faults(Case):
             self.assertEqual(simulator.control({"fault": fault}), {"ok": True})
         eventually(lambda: simulator.state()["coverOpen"], "the cover opens by itself")
         eventually(lambda: simulator.state()["receiptPaperEmpty"], "the paper runs out")
-        eventually(lambda: run("-d", simulator.place, "status").code == 1, "no reply comes any more")
+        eventually(lambda: run("-d", simulator.place, "status").code == 1, "no reply arrives any more")
 
     def test_a_delayed_fault_outlives_the_link(self):
         simulator = self.simulator()
@@ -112,7 +112,7 @@ class Faults(Case):
             self.assertEqual(simulator.control({"fault": fault}), {"ok": True})
         self.assertEqual(simulator.control({"clear": "faults"}), {"ok": True})
         self.assertEqual(simulator.control({"fault": {"at": "302:jamError=true"}}), {"ok": True})
-        eventually(lambda: simulator.state()["jamError"], "the last one comes")
+        eventually(lambda: simulator.state()["jamError"], "the last one arrives")
         self.assertFalse(simulator.state()["coverOpen"] or simulator.state()["receiptPaperEmpty"])
 
 

@@ -1,4 +1,4 @@
-"""What a printer and its Bluetooth module say of themselves, against peers that say it in every way."""
+"""The facts that a printer and its Bluetooth module report, from peers that report them in every way."""
 
 import itertools
 import string
@@ -32,7 +32,7 @@ def pieces_of(reply: bytes):
 
 
 class Asking(Case):
-    """Each peer serves one run of the command; the runs go on side by side."""
+    """Each peer serves one run of the command; the runs are parallel."""
 
     def answer(self, replies: dict, *arguments: str):
         place = self.peer(answering(replies)).place

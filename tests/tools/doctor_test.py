@@ -1,4 +1,4 @@
-"""`quorport doctor` names the cause of each failure, and what it gathers for support."""
+"""`quorport doctor` names the cause of each failure, and gathers a bundle for support."""
 
 import fcntl
 import json
@@ -16,7 +16,7 @@ from pathlib import Path
 from harness import (QUORPORT, STATUS_KEYS, STATUS_REQUEST, Case, answer_status, finish, main, receive, run, start,
                      status_block)
 
-NOISE = b"\x05\xff\x1b\x80\x00"  # what arrives when the speeds differ; as long as its first byte says
+NOISE = b"\x05\xff\x1b\x80\x00"  # the bytes that arrive if the speeds differ; as many as the first byte announces
 
 
 class SerialPrinter:
@@ -109,7 +109,7 @@ class Causes(Case):
         self.assertCause("no-permission", 3, "-d", f"serial:{printer.path}", process=self.run_without_rights)
 
     def run_without_rights(self, *arguments: str):
-        """To root nothing is forbidden: then as somebody else, who can reach a copy of the command."""
+        """Root may open every file: the test then runs as another user, who can reach a copy of the command."""
         if os.geteuid() != 0:
             return run(*arguments)
         self.folder.chmod(0o755)

@@ -1,4 +1,4 @@
-"""Devices that never stop talking: every command ends in time, and none of them is deceived."""
+"""Devices that never stop sending: every command ends in time, and none of them is deceived."""
 
 import concurrent.futures
 import itertools
@@ -20,7 +20,7 @@ AT_ONCE = 60  # nearly all the time each of them waits
 
 
 def chatter(pattern: str):
-    """Sends the pattern byte by byte until the host leaves, and reads what the host sends."""
+    """Sends the pattern byte by byte until the host leaves, and reads the bytes of the host."""
     endless = itertools.cycle(bytes([value]) for value in bytes.fromhex(pattern))
 
     def handle(connection: socket.socket):

@@ -1,4 +1,4 @@
-"""`quorport find`: what could be printed on."""
+"""`quorport find`: the devices that could be printers."""
 
 from harness import Case, main, run
 

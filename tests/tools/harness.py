@@ -1,7 +1,7 @@
-"""What the tests of the command share: running it, a virtual printer that it serves, peers of our own.
+"""Shared by the tests of the command: running it, a virtual printer that it serves, peers of our own.
 
 Everything waits for a line, a byte or an end, and gives up at a deadline. Only a printer that pauses within a
-reply sleeps for a fixed time, once what it has said has been read.
+reply sleeps for a fixed time, after the host has read its bytes.
 """
 
 import concurrent.futures
@@ -19,7 +19,7 @@ from collections.abc import Callable, Iterable
 from pathlib import Path
 
 QUORPORT = os.environ["QUORPORT"]
-DEADLINE = 30  # seconds; far beyond what anything here takes
+DEADLINE = 30  # seconds; far beyond the time of any test here
 
 FLAGS = """coverOpen offline compulsionSwitch overTemp unrecoverableError cutterError mechError
     headThermistorError receiveBufferOverflow pageModeCmdError paperDetectionError blackMarkError jamError
@@ -120,13 +120,13 @@ class Case(unittest.TestCase):
         return made
 
     def refusing_place(self) -> str:
-        """Where nobody listens."""
+        """A place at which no program listens."""
         bound = self.open_socket()
         bound.bind(("127.0.0.1", 0))
         return place_of(bound)
 
     def silent_place(self) -> str:
-        """Where the queue is full: nothing more is answered, and nothing refused."""
+        """A place whose queue is full: a further connection is neither answered nor refused."""
         listener = self.open_socket()
         listener.bind(("127.0.0.1", 0))
         listener.listen(0)
@@ -144,7 +144,7 @@ class Case(unittest.TestCase):
         self.assertEqual(result.json(), answer | {"device": device})
 
     def assertFailsInBothForms(self, code: int, *arguments: str, saying: str = "") -> Result:
-        """The error is told on standard error, and with --json as an object, too."""
+        """The error is on standard error, and with --json also in an object."""
         plain = run(*arguments)
         self.assertExit(code, plain)
         self.assertEqual(plain.out, "", plain)
@@ -158,7 +158,7 @@ class Case(unittest.TestCase):
 
 
 class Running:
-    """A run of the command that goes on, read line by line."""
+    """A run of the command that lasts, read line by line."""
 
     def __init__(self, *arguments: str, **options):
         self.process = start(*arguments, **options)
@@ -198,7 +198,7 @@ class Simulator(Running):
         assert word == "listening", word
 
     def next_place(self) -> str:
-        """Where a terminal is found after it was dropped."""
+        """The place of a terminal after it was dropped."""
         said = re.compile(rb"^listening (.*)\n", re.MULTILINE)
         return eventually(lambda: said.findall(os.pread(self.err.fileno(), 65536, 0)), "it listens again")[-1].decode()
 
@@ -272,8 +272,8 @@ class Peer:
         self.thread.join(DEADLINE)
 
 
-# What printers answer, written down once more: the command must not be tested by its own simulator
-# alone.
+# The answers of printers, written down once more: the command must not be tested by its own
+# simulator alone.
 STATUS_REQUEST = b"\x1b\x06\x01"
 
 
@@ -308,7 +308,7 @@ def answering(replies: dict[bytes, bytes | Callable[[socket.socket], None]]):
 
 
 def wait_until_taken(connection: socket.socket):
-    """Waits until the other side, on TCP and this machine, has read all that was sent to it, or has gone."""
+    """Waits until the other side, on TCP and this machine, has read all bytes that were sent to it, or has ended."""
     ends = tuple(f":{end[1]:04X}" for end in (connection.getsockname(), connection.getpeername()))
 
     def is_taken():
@@ -318,11 +318,11 @@ def wait_until_taken(connection: socket.socket):
         _, unread = queues.get(ends[::-1], (0, 0))
         return on_its_way + unread == 0
 
-    eventually(is_taken, "the other side to read what was sent")
+    eventually(is_taken, "the other side to read the bytes")
 
 
 def in_pieces(*pieces: bytes, pause: float = 0.05):
-    """A reply that comes bit by bit: each is read before the printer pauses, and goes on."""
+    """A reply that arrives bit by bit: each is read before the printer pauses and continues."""
 
     def send(connection: socket.socket):
         for piece in pieces:
@@ -334,7 +334,7 @@ def in_pieces(*pieces: bytes, pause: float = 0.05):
 
 
 def last_words(words: bytes = b""):
-    """A reply after which the printer is gone."""
+    """A reply after which the printer ends the link."""
 
     def send(connection: socket.socket):
         connection.sendall(words)

@@ -1,4 +1,4 @@
-"""`quorport monitor` tells each change of the printer, outlives its links, and ends when it is told to."""
+"""`quorport monitor` reports each change of the printer, outlives its links, and ends on request."""
 
 import json
 import os

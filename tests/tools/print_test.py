@@ -1,4 +1,4 @@
-"""The print command: what goes out, what is said of it, and how it is stopped."""
+"""The print command: its bytes, its answers, and its end by a signal."""
 
 import collections
 import fcntl
@@ -242,7 +242,7 @@ class Receipts(Case):
 
 
 class ByteForByte(Case):
-    """What a peer receives is the job, once and whole."""
+    """A peer receives the job, once and whole."""
 
     def collect(self, data: bytes, read: int, *arguments: str) -> bytes:
         received = bytearray()
@@ -337,7 +337,7 @@ class LostLinks(Case):
                     time.sleep(0.01)
                     connection.sendall(b"\x14")
             except OSError:
-                pass  # a word after the last byte may come too late
+                pass  # a line after the last byte may arrive too late
             ended.set()
 
         data = b"a line of the receipt\n" * 1000
@@ -396,7 +396,7 @@ class Interrupting(Case):
         log = self.folder / "log"
         process = start("-d", place, "print", "--unchecked", self.file("job", b"x" * 20_000), "--json", "--log", log)
         eventually(lambda: log.exists() and b'"method":"-[ExternalAccessoryPort close]"' in log.read_bytes(),
-                   "the port closes, and waits for what is under way")
+                   "the port closes, and waits for the bytes under way")
         process.send_signal(signal.SIGINT)
         result = finish(process, time.monotonic())
         self.assertExit(130, result)
@@ -447,7 +447,7 @@ class Interrupting(Case):
         for command, faults in (("dipswitch", "no-space=4:120"), ("dipswitch", "no-space=4:120,no-space=8:600000"),
                                 ("cancel", "no-space=4:120"), ("status", "no-space=2:120")):
             process = start("-t", "1000", "-d", f"virtual:,{faults}", command, "--json", "--log", log)
-            eventually(lambda: self.most_offers(log) > 5, "the retry goes on and on")
+            eventually(lambda: self.most_offers(log) > 5, "the retry does not end")
             self.assertAnswers(f"virtual:,{faults}", {"ok": False, "error": "interrupted"}, self.interrupted(process))
             log.unlink()
 
@@ -455,14 +455,14 @@ class Interrupting(Case):
         log, job = self.folder / "log", self.file("job", b"text\n")
         for faults in ("no-space=4:120", "no-space=4:120,no-space=6:600000"):
             process = start("-t", "1000", "-d", f"virtual:,{faults}", "print", job, "--json", "--log", log)
-            eventually(lambda: self.most_offers(log) > 5, "the retry goes on and on")
+            eventually(lambda: self.most_offers(log) > 5, "the retry does not end")
             answer = self.interrupted(process).json()
             self.assertEqual((answer["outcome"], answer["bytesAccepted"]), ("refused", 0))
             log.unlink()
 
     @staticmethod
     def most_offers(log) -> int:
-        """How many times the same bytes were written, by what the end of the log has of it."""
+        """How many times the same bytes were written, by the end of the log."""
         if not log.exists():
             return 0
         with log.open("rb") as file:

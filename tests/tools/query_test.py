@@ -92,7 +92,7 @@ class OverEveryLink(Case):
     def test_cancel_makes_the_printer_drop_its_data(self):
         for simulator in self.each_link("--set", "offline=true"):
             self.assertExit(6, run("-d", simulator.place, "print", "--unchecked", "-", data=b"never printed\n"))
-            eventually(lambda: simulator.state()["buffered"] > 0, "the printer to hold what was sent")
+            eventually(lambda: simulator.state()["buffered"] > 0, "the printer to hold the bytes")
             result = run("-d", simulator.place, "cancel", "--json")
             self.assertExit(0, result)
             self.assertAnswers(simulator.place, {"ok": True}, result)
@@ -311,7 +311,7 @@ class AgainstAPeer(Case):
             self.assertExit(5, result)
             self.assertIn("lost", result.json()["error"])
 
-        patient = (("dipswitch",), ("disconnect",))  # whatever comes, these wait longer than a reset takes
+        patient = (("dipswitch",), ("disconnect",))  # in every case these wait longer than a reset takes
         hasty = (("firmware",), ("-e", "escpos", "firmware"))
         at_once((check, end, words, *arguments)
                 for end, commands in ((closes, patient + hasty), (resets, patient))

@@ -1,5 +1,5 @@
-// What a process cannot show of the command: arguments that no shell can pass, and the moments of
-// an interruption one by one.
+// The parts of the command that no process can show: arguments that no shell can pass, and the
+// moments of an interruption one by one.
 
 #include "tools/quorport/Run.h"
 
@@ -23,7 +23,7 @@ using namespace std::chrono_literals;
 using testing::HasSubstr;
 using testing::Not;
 
-// A file without a name that takes what a command writes.
+// A file without a name that takes the output of a command.
 class Capture {
  public:
   Capture() : file_(std::tmpfile()) {}

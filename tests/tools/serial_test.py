@@ -1,4 +1,4 @@
-"""Two programs and one serial line, behind which the virtual printer is."""
+"""Two programs and one serial line, with the virtual printer at its end."""
 
 import fcntl
 import os

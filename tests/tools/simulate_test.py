@@ -1,4 +1,4 @@
-"""The virtual printer as a server: where it listens, whom it serves, what it leaves behind."""
+"""The virtual printer as a server: its places, its hosts, its receipts."""
 
 import contextlib
 import json
@@ -157,7 +157,7 @@ class Hosts(Case):
             eventually(lambda: simulator.state()["printedBytes"] == sent, "all has been printed once and whole")
 
     def leave_behind(self, simulator, data: bytes) -> int:
-        """A host that sends what it can without waiting, and leaves. Returns how much it sent."""
+        """A host that sends as many bytes as it can without waiting, and leaves. Returns their number."""
         if simulator.place.startswith("serial:"):
             terminal = os.open(simulator.place.removeprefix("serial:"), os.O_RDWR | os.O_NOCTTY | os.O_NONBLOCK)
             sent = os.write(terminal, data)
@@ -219,7 +219,8 @@ class Hosts(Case):
     def test_a_host_that_left_a_slow_printer_is_printed_before_the_next_one(self):
         for simulator in self.everywhere("--set", "speed=4000", "--set", "buffer=100"):
             sent = self.leave_behind(simulator, b"x" * 2000)
-            # A checked job begins by a data cancel, which drops what the printer still holds of the first.
+            # A checked job begins by a data cancel, which drops the data of the first that the
+            # printer still holds.
             self.assertExit(6, run("-d", simulator.place, "print", "--unchecked", "-", data=b"second\n"))
             eventually(lambda: simulator.state()["printedBytes"] == sent + 7, "both are printed")
 
@@ -325,7 +326,7 @@ class DroppedLinks(Case):
         terminal = os.open(simulator.place.removeprefix("serial:"), os.O_RDWR | os.O_NOCTTY)
         os.write(terminal, STATUS_REQUEST)
         self.assertEqual(len(os.read(terminal, 9)), 9)
-        self.assertIn("state", simulator.control({"get": "state"}), "it stays out of the answers")
+        self.assertIn("state", simulator.control({"get": "state"}), "it is not among the answers")
         place = simulator.next_place()
         with self.assertRaises(OSError):
             if os.read(terminal, 1) == b"":
@@ -482,7 +483,7 @@ class Receipts(Case):
 
 
 class Records(Case):
-    """What `--json` says of each job."""
+    """The record of each job by `--json`."""
 
     def record_of(self, job: bytes, *arguments: str, replies: int = 0, listen: str = "tcp:0"):
         process = start("--json", "simulate", "--listen", listen, *arguments)

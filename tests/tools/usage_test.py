@@ -1,4 +1,4 @@
-"""What the command makes of its arguments."""
+"""The command's reading of its arguments."""
 
 import os
 import re

@@ -1,8 +1,8 @@
 // Runs a program and kills it at one of its system calls. Usage: kill_at K PLACE COMMAND …
 //
 // Calls of all its threads are counted from the first open of a path that holds PLACE. The program
-// is killed where it enters call K, before the call has any effect. If it ends before that, its
-// exit status is passed on.
+// is killed when it enters call K, before the call has any effect. If it ends before that, its exit
+// status is passed on.
 #include <fcntl.h>
 #include <sys/ptrace.h>
 #include <sys/syscall.h>
@@ -30,7 +30,7 @@ std::string textAt(pid_t thread, std::uint64_t address) {
   iovec here{text.data(), text.size() - 1};
   iovec there{reinterpret_cast<void*>(address), text.size() - 1};
   if (::process_vm_readv(thread, &here, 1, &there, 1, 0) < 0) {
-    there.iov_len = here.iov_len = 64;  // the text may lie at the end of what is mapped
+    there.iov_len = here.iov_len = 64;  // the text may be at the end of the mapping
     ::process_vm_readv(thread, &here, 1, &there, 1, 0);
   }
   return text.data();

@@ -19,7 +19,7 @@ void write(const fs::path& file, const std::string& text) {
   std::ofstream(file) << text << "\n";
 }
 
-/// The places where the system shows its devices, as a folder of this test.
+/// The places in which the system shows its devices, as a folder of this test.
 class DiscoveryTest : public testing::Test {
  protected:
   DiscoveryTest() {

@@ -28,7 +28,7 @@ inline simulator::Faults with(const char* fault, const char* value) {
   return faults;
 }
 
-/// How the instances of a test for both emulations are told apart.
+/// The name of an instance of a test for both emulations.
 inline std::string emulationName(const testing::TestParamInfo<ZKEmulation>& emulation) {
   return emulation.param == ZKEmulationQuorLine ? "Line" : "EscPos";
 }
@@ -58,7 +58,7 @@ class Till {
   explicit Till(ZKEmulation emulation)
       : Till(simulator::PrinterBuilder(), {.emulation = emulation}) {}
 
-  /// Sets a flag of the printer `delay` from now, in the middle of whatever goes on then.
+  /// Sets a flag of the printer `delay` from now, in the middle of any wait.
   void after(std::chrono::milliseconds delay, std::string_view flag, bool value) {
     at(delay, [this, flag, value] { set(flag, value); });
   }

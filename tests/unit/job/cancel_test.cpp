@@ -62,8 +62,8 @@ TEST_P(Cancelling, AJobThatIsCancelledInALongImageIsGivenUpInTime) {
   EXPECT_FALSE(till.port->isConnected());
 }
 
-// The time-out of the block must not drop what others send to the printer afterwards.
-// The port's writer repeats itself without a pause once the link has taken a part of a command.
+// The time-out of the block must not drop the data of later jobs. The port's writer repeats itself
+// without a pause once the link has taken a part of a command.
 TEST_P(Cancelling, AJobIsCancelledAlsoWhileThePortWritesWithoutEnd) {
   Till till(GetParam());
   till.port->close();

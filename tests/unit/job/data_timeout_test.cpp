@@ -1,5 +1,5 @@
-// The data time-out: a printer that was given one drops what comes too late, and all that follows,
-// until a block ends.
+// The data time-out: a printer that was given one drops bytes that arrive too late, and all that
+// follow, until a block ends.
 
 #include <gtest/gtest.h>
 
@@ -20,7 +20,7 @@ class DataTimeout : public testing::TestWithParam<ZKEmulation> {
     return {std::move(printer), {.emulation = GetParam(), .portSettings = "d1"}};
   }
 
-  /// Whether the printer prints what comes after a pause that is longer than the time-out.
+  /// Whether the printer prints data after a pause that is longer than the time-out.
   static bool printsLaterOn(Till& till) {
     till.platform->clock().usleep(5000000);
     if (!till.port->isConnected()) {

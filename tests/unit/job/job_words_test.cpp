@@ -15,7 +15,7 @@ TEST(GroupedCount, HasACommaBetweenThousands) {
 
 TEST(WhyOffline, IsNothingForAPrinterThatIsOnLine) {
   QuorPrinterStatus_2 status = {};
-  status.coverOpen = 1;  // what it says beside that is no matter
+  status.coverOpen = 1;  // the rest of its text does not matter
   EXPECT_EQ(whyOffline(status), "");
 }
 

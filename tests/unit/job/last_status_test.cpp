@@ -1,4 +1,4 @@
-// Line-mode jobs: what the printer's last answers must show before a job is called printed.
+// Line-mode jobs: the last answers that a printer must give before a job is called printed.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

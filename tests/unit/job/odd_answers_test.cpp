@@ -1,4 +1,4 @@
-// Jobs on printers that answer what a printer should not.
+// Jobs on printers that give wrong answers.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -45,7 +45,7 @@ TEST(OwedAnswers, ThatArrivedUnaskedDoNotCountOnceForgotten) {
   EXPECT_FALSE(answers.isAnyOwed());
   answers.written(lineModeRequest);
   answers.forgetSurplus();
-  EXPECT_TRUE(answers.isAnyOwed()) << "what is owed is not forgotten";
+  EXPECT_TRUE(answers.isAnyOwed()) << "owed answers are not forgotten";
   answers.read(statusBlock);
   answers.read(statusBlock);
   answers.forgetSurplus();

@@ -14,7 +14,7 @@ struct Command {
   std::vector<std::uint8_t> bytes;
 };
 
-// Each is followed by more data in the tests, and must end where it ends here.
+// More data follows each in the tests, and each must end as it does here.
 const Command commands[] = {
     {"real-time status", {0x10, 0x04, 1}},
     {"real-time request", {0x10, 0x05, 1}},

@@ -124,7 +124,7 @@ TEST_P(InBothEmulations, AnEndOfBlockMarkInTheDataIsNeverTakenForTheJobs) {
   ByteBuffer data = receiptText;
   data.insert(data.begin() + 5, {0x17, 0x17, 0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00});
   Till till(PrinterBuilder().speed(10), {.emulation = GetParam()});
-  till.after(milliseconds(2500), "mechError", true);  // stops for good behind the stray marks
+  till.after(milliseconds(2500), "mechError", true);  // stops for ever after the stray marks
   const PrintResult result = till.print(data);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
   EXPECT_EQ(result.bytesAccepted, data.size());
@@ -141,7 +141,7 @@ TEST_P(InBothEmulations, AJobWithAStrayMarkThatWasPrintedSaysWhyItIsNotConfirmed
   EXPECT_EQ(result.reason.find("cannot be confirmed: "), 0U) << result.reason;
 }
 
-// The ends of an earlier job are still in the printer, and answers come so late that those to
+// The ends of an earlier job are still in the printer, and answers arrive so late that those to
 // earlier questions pass for the newest one's.
 TEST_P(InBothEmulations, AJobIsNotConfirmedByLateAnswersToEarlierJobs) {
   const ByteBuffer data(520, 'n');

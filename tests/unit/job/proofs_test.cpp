@@ -1,4 +1,4 @@
-// Which proof a job uses, and what each confirms.
+// The choice of a job's proof, and the confirmation by each.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -17,7 +17,7 @@ class Restart : public testing::TestWithParam<ZKEmulation> {};
 INSTANTIATE_TEST_SUITE_P(Job, Restart, testing::Values(ZKEmulationQuorLine, ZKEmulationESCPOS),
                          emulationName);
 
-// Behind a link that outlives it: what it held is gone, and its count begins at 0 again.
+// The link lasts longer: the printer's data is lost, and its count begins at 0 again.
 void switchOffAndOn(Till& till) {
   till.accessory->withPrinter([](simulator::VirtualPrinter& printer, auto now) {
     printer.receive(ByteBuffer{0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00, 0x1b, 0x1d, 0x03, 0x04, 0x00,

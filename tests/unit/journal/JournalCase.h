@@ -12,7 +12,7 @@
 
 namespace quordalvane {
 
-/// A journal in a folder of its own, and what a till does with it.
+/// A journal in a folder of its own, and a till's use of it.
 class JournalCase : public testing::Test {
  protected:
   const test::TemporaryFolder folder;
@@ -44,7 +44,7 @@ class JournalCase : public testing::Test {
   }
 };
 
-/// The text with which something raises an error; "" if it raises none.
+/// The text of the error that a function throws; "" if it throws none.
 template <typename Error>
 std::string errorOf(const std::function<void()>& action) {
   try {

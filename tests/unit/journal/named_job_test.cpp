@@ -19,7 +19,7 @@ class OnceOnly : public JournalCase, public testing::WithParamInterface<ZKEmulat
  protected:
   Till till{GetParam()};
 
-  /// A process that begins to print under the name, and is gone after its first byte.
+  /// A process that begins to print under the name, and ends after its first byte.
   void dieInTheMiddle(const std::string& name) {
     const pid_t process = ::fork();
     if (process == 0) {

@@ -27,7 +27,7 @@ inline LogRecord recordOf(std::string message) {
           .message = std::move(message)};
 }
 
-/// Keeps what it is given.
+/// Keeps the records that it receives.
 class KeepingSink : public LogSink {
  public:
   void write(std::span<const LogRecord> records) override {
@@ -58,7 +58,7 @@ inline std::string contentsOf(const std::string& path) {
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-/// Standard error goes into a file for as long as this lives.
+/// Standard error is a file as long as this lives.
 class RedirectedStandardError {
  public:
   RedirectedStandardError() : saved_(::dup(STDERR_FILENO)) {

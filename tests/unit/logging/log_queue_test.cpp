@@ -20,7 +20,7 @@ class LogQueueTest : public testing::Test {
  protected:
   void push(std::string message) { queue_.push(recordOf(std::move(message))); }
 
-  /// Takes what waits; the queue must hold something.
+  /// Takes the queued records; there must be at least one.
   LogQueue::Batch take() {
     LogQueue::Batch batch;
     queue_.take(batch);
@@ -97,7 +97,7 @@ TEST_F(LogQueueTest, RemainsFullUntilItIsTaken) {
   push("a");
   push("dropped");
   queue_.setCapacity(2);
-  push("would stand before the gap");
+  push("would precede the gap");
   const LogQueue::Batch batch = take();
   EXPECT_THAT(messages(batch), ElementsAre("a"));
   EXPECT_EQ(batch.dropped, 2U);
@@ -229,7 +229,7 @@ TEST(GatheringLogQueue, IsTakenOnceItIsHalfFull) {
   EXPECT_FALSE(queue.waitUntilFinished(0ms)) << "nothing was gathered";
   queue.push(recordOf("b"));
   EXPECT_TRUE(queue.waitUntilFinished(patience));
-  queue.close();  // lets go of a taker that still gathers
+  queue.close();  // releases a taker that still gathers
 }
 
 TEST(GatheringLogQueue, IsTakenWhenItIsClosed) {

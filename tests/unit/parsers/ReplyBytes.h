@@ -9,7 +9,7 @@
 
 #include "tests/unit/parsers/ExactBytes.h"
 
-// What the tests of the two reply parsers share.
+// Shared by the tests of the two reply parsers.
 
 namespace quordalvane::test {
 
@@ -26,7 +26,7 @@ inline std::ostream& operator<<(std::ostream& out, const Place& place) {
   return out << place.length << " bytes at " << place.location;
 }
 
-/// A parser's answer as one value: none if it found nothing. Fails the test if the parser then
+/// A parser's answer as one value: null if it found nothing. Fails the test if the parser then
 /// touched the place it was given.
 template <typename Parser>
 std::optional<Place> found(Parser parser, const Bytes& bytes) {

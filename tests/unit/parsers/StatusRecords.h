@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-// What the status tests share: records, and the flags by number.
+// Shared by the status tests: records, and the flags by number.
 
 namespace quordalvane::test {
 

@@ -4,7 +4,7 @@
 
 #include "tests/model/Scenario.h"
 
-// What printers are asked and what they answer, for the tests of the port.
+// The questions to printers and their answers, for the tests of the port.
 
 namespace quordalvane::test {
 

@@ -31,7 +31,7 @@ TEST(BeginBlockInLineMode, TakesAllStepsWithoutASleep) {
     End | <status>, 5, -> 1
   )"));
   EXPECT_NE(run.records("getParsedStatus:level:").find("Start | <status>, 2\n"), std::string::npos)
-      << "line mode asks for level 2 whatever the caller's";
+      << "line mode always asks for level 2";
 }
 
 TEST(BeginBlockInLineMode, WaitsForNoAnswerToCommandsWithoutOne) {
@@ -166,7 +166,8 @@ TEST(BeginBlockInLineMode, ChoosesTheLimitAnewInEachPass) {
   scenario.script.wheneverAsked(lineRequest, whole(lineStatus({}, 1)));
   const Outcome run = scenario.run(beginCheckedBlock());
   EXPECT_EQ(run.result, "false");
-  EXPECT_EQ(run.caller.resultCode, -1) << "the paper went late, and the counter was not 0 then";
+  EXPECT_EQ(run.caller.resultCode, -1)
+      << "the paper was taken late, and the counter was not 0 then";
   EXPECT_NE(run.records(method).find("> waitTimeout, 1000003, 1000000, 1\n"), std::string::npos)
       << run.records(method);
 }
@@ -235,7 +236,7 @@ class BeginBlock : public testing::TestWithParam<std::int32_t> {
  protected:
   static Scenario printer() { return GetParam() == lineMode ? lineModePrinter() : escPosPrinter(); }
 
-  /// How many writes come before the data time-out.
+  /// The number of writes before the data time-out.
   static std::size_t writesBefore() { return GetParam() == lineMode ? 3 : 5; }
 };
 

@@ -17,7 +17,7 @@ TEST(Disconnect, EntersCommandModeAndDropsTheLink) {
   EXPECT_EQ(run.result, "true; false");
   EXPECT_EQ(run.records("disconnect"), "Start |\nEnd | -> 1\n");
   EXPECT_EQ(run.sent(), bytes("2f 2f 2f") + addressQuery + dropCommand);
-  EXPECT_EQ(run.calls().find("close"), std::string::npos) << "the port stays open";
+  EXPECT_EQ(run.calls().find("close"), std::string::npos) << "the port remains open";
 }
 
 TEST(Disconnect, DoesNotSendTheDropCommandWithoutCommandMode) {

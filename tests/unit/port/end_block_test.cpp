@@ -165,7 +165,7 @@ TEST_P(EndBlock, FailsWhenTheDataCancelEndCannotBeSent) {
 
 INSTANTIATE_TEST_SUITE_P(Emulation, EndBlock, testing::Values(unknownEmulation, lineMode, escPos));
 
-/// The printer sends its report behind the ETB; what it answers at once to 10 04 01 follows.
+/// The printer sends its report after the ETB; its immediate answer to 10 04 01 follows.
 Scenario reporting(const char* firstAnswer) {
   Scenario scenario = Scenario::in(escPos);
   scenario.script.whenAsked(escPosEtb, whole(report))
@@ -232,7 +232,7 @@ TEST(EndBlockInEscPos, IsFalseWhenNoReportArrives) {
     }
     output.write <10 04 01> -> 3
     input.read 1 -> <12>
-  )")) << "the first of each pass follows the one behind the ETB";
+  )")) << "the first of each pass follows the one after the ETB";
   EXPECT_TRUE(run.records(method).ends_with(
       "Error | end.tv_sec - start.tv_sec > timeoutSec, 1000002, 1000000, 1\n"
       "End | <status>, 5, -> 0\n"));
@@ -299,7 +299,7 @@ TEST(EndBlockInEscPos, TakesOnlyOneReportInAPass) {
     Process | (topByte & 0x08): 8
   )")),
             std::string::npos)
-      << "the second 1b stands in the place of the status";
+      << "the second 1b is in the place of the status";
 }
 
 TEST(EndBlockInEscPos, FailsWhenNothingReadableFollowsThe1b) {

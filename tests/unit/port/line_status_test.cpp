@@ -67,7 +67,7 @@ TEST(LineStatus, IsPutTogetherFromSeveralPieces) {
 TEST(LineStatus, IsFilledWithExactlyTheAnnouncedLength) {
   Scenario scenario = lineModePrinter(lineStatus() + Bytes(100, 0x77));
   const Outcome run = scenario.run(inTurn({getParsedStatus(), read(200)}));
-  EXPECT_EQ(run.result, "true; <>") << "what was longer is dropped";
+  EXPECT_EQ(run.result, "true; <>") << "bytes beyond it are dropped";
   EXPECT_EQ(run.caller.status.rawLength, 9U);
   EXPECT_EQ(run.caller.status.raw[9], 0xee);
 }
@@ -205,7 +205,7 @@ TEST(LineStatus, LogsTheConnectionOfALostLinkByASecondQuestion) {
     End isConnected | -> 1
     Error getParsedStatus:level: | self.isConnected, 1
     End getParsedStatus:level: | <status>, 2
-  )")) << "its own records come before the one that shows it";
+  )")) << "its own records precede the one that shows it";
 }
 
 TEST(LineStatus, AsksASecondTimeOnlyForTheLog) {

@@ -22,7 +22,7 @@ using testing::IsEmpty;
 enum Plain { plainOne = 1 };
 enum class Scoped : std::int8_t { Negative = -2 };
 
-// What does not fit must not compile; the check behind that is asked here.
+// A format that does not fit must not compile; here is the check for that.
 template <typename... Arguments>
 constexpr bool fitsFormat(std::string_view format) {
   return LogFormatPieces<Arguments...>(format).fits;
@@ -94,7 +94,7 @@ class DecimalComma : public std::numpunct<char> {
 
 TEST(FormatMessage, ShowsAFullStopInAnyLocale) {
   std::setlocale(LC_NUMERIC,
-                 "de_DE.UTF-8");  // changes nothing where the machine has no such locale
+                 "de_DE.UTF-8");  // changes nothing if the machine has no such locale
   const std::locale former =
       std::locale::global(std::locale(std::locale::classic(), new DecimalComma));
   const std::string text = formatMessage("%f", 1.5);

@@ -71,8 +71,7 @@ TEST(LoggingContract, GivesEveryEntryItsOneExit) {
 }
 
 TEST(LoggingContract, LeavesNoExitForAnExceptionThatPassesThrough) {
-  // The link is lost after so many bytes: sooner, what the call writes itself fails and raises
-  // nothing.
+  // The link is lost after so many bytes: sooner, the call's own write fails and throws nothing.
   const std::pair<Call, std::size_t> losses[] = {
       {beginCheckedBlock(), 0}, {endCheckedBlock(), 7}, {getOnlineStatus(), 3}};
   for (const auto& [call, bytes] : losses) {
@@ -80,7 +79,7 @@ TEST(LoggingContract, LeavesNoExitForAnExceptionThatPassesThrough) {
     scenario.script.isLostAfterBytes(bytes);
     const Outcome run = scenario.run(call);
     ASSERT_TRUE(isException(run.result)) << call.name << ": " << run.result;
-    EXPECT_EQ(leftOpen(run.lines).size(), 1U) << "the caller's; what raised has its exit";
+    EXPECT_EQ(leftOpen(run.lines).size(), 1U) << "the caller's; the call that threw has its exit";
   }
 }
 

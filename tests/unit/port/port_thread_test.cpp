@@ -28,7 +28,7 @@ class PortThread : public testing::Test {
     return port;
   }
 
-  /// What happened while logging was on and the slices were not told.
+  /// The events while logging was on, without the slices.
   template <typename Body>
   std::string during(Body body) {
     const Logging logging(true);
@@ -56,7 +56,7 @@ class PortThread : public testing::Test {
     return std::chrono::duration<double>(world_.machine().clock().monotonic()).count();
   }
 
-  /// Whether `holders` hold the port. The port thread lets go of it behind its last turn in virtual
+  /// Whether `holders` hold the port. The port thread releases it after its last pass in virtual
   /// time, so that may still be under way on the machine.
   static bool isHeldBy(const std::weak_ptr<ExternalAccessoryPort>& port, long holders) {
     return eventually([&] { return port.use_count() == holders; });
@@ -377,7 +377,7 @@ TEST_F(PortThreadWithoutList, TurnsAnExceptionIntoAFailedOpen) {
   port->close();
 }
 
-/// A platform whose clock raises instead of sleeping.
+/// A platform whose clock throws instead of sleeping.
 class SleepRaises : public ForwardingPlatform {
  public:
   explicit SleepRaises(std::shared_ptr<Platform> next)
@@ -410,7 +410,7 @@ TEST_F(PortThatCannotPause, FailsToOpenThoughTheSessionIsThere) {
   EXPECT_FALSE(port->isConnected());
 }
 
-/// A thread that raises instead of carrying a routine.
+/// A thread that throws instead of carrying a routine.
 class CarryingRaises : public ForwardingPlatform {
  public:
   using ForwardingPlatform::ForwardingPlatform;

@@ -26,7 +26,7 @@ constexpr bool isGetter(Result (Port::*)() const) {
   return true;
 }
 
-// Every operation, with what it takes and gives.
+// Every operation, with its arguments and results.
 static_assert(std::is_same_v<decltype(Port::initWithPortName("", "", 0U, ZKEmulationUnknown)),
                              std::shared_ptr<Port>>);
 static_assert(isOperation<bool>(&Port::open));

@@ -62,7 +62,7 @@ TEST(RetryingWriter, SendsTheWholeCommandAfterAttemptsThatTookNothing) {
 TEST(RetryingWriter, TakesATotalThatEqualsTheTailForTheWhole) {
   const Outcome run = takingInAttempts({3, 2}).run(writeWithRetry(command));
   EXPECT_EQ(run.result, "5");
-  EXPECT_EQ(run.sent(), bytes("01 02 03 04 05")) << "three bytes stay unsent";
+  EXPECT_EQ(run.sent(), bytes("01 02 03 04 05")) << "three bytes remain unsent";
 }
 
 TEST(RetryingWriter, CutsTheTailAtTheTotalAndSkipsBytes) {

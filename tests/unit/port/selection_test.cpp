@@ -23,7 +23,7 @@ Scenario choosing(std::optional<std::string> portName, std::vector<AccessoryIden
   return scenario;
 }
 
-/// Without the blank that stands where an empty text was shown.
+/// Without the blank beside an empty text.
 std::string withoutEmptyTexts(std::string records) {
   for (std::size_t blank; (blank = records.find(" \n")) != std::string::npos;) {
     records.erase(blank, 1);
@@ -31,7 +31,7 @@ std::string withoutEmptyTexts(std::string records) {
   return records;
 }
 
-/// The identifier of the accessory that an open chose; 0 when it chose none.
+/// The identifier of the accessory that an open chose; 0 if it chose no accessory.
 std::uint64_t chosen(const Scenario& scenario) {
   const Outcome run = scenario.run(open());
   const std::string label = "connectionID ";
@@ -88,7 +88,7 @@ TEST(Selection, ComparesNamesExactly) {
 
 TEST(Selection, TakesTheFirstWithTheDesignatedSerialNumber) {
   EXPECT_EQ(chosen(choosing("xx!SN2", {printer(1), printer(2)})), 2U)
-      << "the first three characters are dropped whatever they are";
+      << "the first three characters are always dropped";
 }
 
 TEST(Selection, DropsThreeCharactersHoweverManyBytesTheyTake) {
@@ -250,7 +250,7 @@ TEST(Selection, TakesAnEmptyDesignationForAnEmptyNameOrSerialNumber) {
   none.serialNumber.reset();
   EXPECT_EQ(chosen(choosing("abc", {printer(1), nameless})), 2U);
   EXPECT_EQ(chosen(choosing("abc", {printer(1), unnumbered})), 3U);
-  EXPECT_EQ(chosen(choosing("abc", {printer(1), none})), 0U) << "none equals nothing";
+  EXPECT_EQ(chosen(choosing("abc", {printer(1), none})), 0U) << "null equals no text";
 }
 
 TEST(Selection, FindsNothingAmongNoAccessories) {

@@ -220,7 +220,7 @@ TEST(Session, IsAbandonedWithTheOutputIfThereIsASession) {
   EXPECT_EQ(abandoned, 1);
 }
 
-/// What a platform may raise that no exception handler for standard exceptions sees.
+/// An exception of a platform that no handler for standard exceptions catches.
 struct Surprise {};
 
 enum class Raise { Standard, Port, Other };

@@ -14,7 +14,7 @@ namespace {
 TEST(PosixClock, GivesTheTimeOfDay) {
   const std::time_t before = std::time(nullptr);
   const TimeValue now = PosixClock().gettimeofday();
-  EXPECT_GE(now.tv_sec + 1, before);  // the coarse clock may be a moment behind or ahead
+  EXPECT_GE(now.tv_sec + 1, before);  // the coarse clock may be a moment late or early
   EXPECT_LE(now.tv_sec, std::time(nullptr) + 1);
   EXPECT_GE(now.tv_usec, 0);
   EXPECT_LT(now.tv_usec, 1'000'000);

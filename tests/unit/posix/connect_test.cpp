@@ -25,7 +25,7 @@ using testing::AllOf;
 using testing::HasSubstr;
 
 // Connects until the listener answers no more, and returns how long the last attempt took and why
-// it failed. The time-out is long enough to tell it from a failure at once.
+// it failed. The time-out is long enough to distinguish it from an immediate failure.
 template <typename Connect>
 std::pair<double, std::string> connectUntilSilent(Connect connect) {
   std::vector<Descriptor> waiting;
@@ -40,7 +40,7 @@ std::pair<double, std::string> connectUntilSilent(Connect connect) {
   return {0, "the listener took everyone"};
 }
 
-// Where somebody listened a moment ago and nobody does now.
+// A place at which a program listened a moment ago and none does now.
 std::uint16_t closedPort() {
   return Listener::onLoopback(1).port();
 }

@@ -11,7 +11,7 @@
 #include "tests/support/Listener.h"
 #include "tests/unit/posix/Stopwatch.h"
 
-// A printer that has no space says so for as long as it likes; one that is gone says nothing.
+// A printer without space acknowledges for any time; one that has vanished acknowledges nothing.
 namespace quordalvane::posix {
 namespace {
 

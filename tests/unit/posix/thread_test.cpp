@@ -18,7 +18,7 @@ namespace {
 
 using test::eventually;
 
-/// A thread that turns its loop until it is told to stop, and is over when this is.
+/// A thread that runs its loop until it is stopped, and ends with this object.
 class TurningThread {
  public:
   TurningThread() { EXPECT_TRUE(thread.start()); }

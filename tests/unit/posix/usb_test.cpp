@@ -24,7 +24,7 @@ void write(const fs::path& file, const std::string& text) {
   std::ofstream(file) << text << "\n";
 }
 
-/// The places where the system shows its USB printers, as a folder of this test.
+/// The places in which the system shows its USB printers, as a folder of this test.
 class UsbTest : public testing::Test {
  protected:
   UsbRoots roots() const { return {.sys = folder_.file("sys"), .dev = folder_.file("dev")}; }

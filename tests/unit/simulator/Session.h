@@ -16,7 +16,7 @@ using namespace std::chrono_literals;
 
 using Bytes = std::vector<std::uint8_t>;
 
-/// The bytes of pairs of hex digits; anything else between them is for the eye.
+/// The bytes of pairs of hex digits; other characters between them are for the reader.
 inline Bytes hex(std::string_view text) {
   Bytes bytes;
   int half = -1;
@@ -64,7 +64,7 @@ class Session {
     return bytes;
   }
 
-  /// Sends, and reads what is answered at once.
+  /// Sends, and reads the immediate answer.
   Bytes ask(std::string_view hexText) {
     send(hexText);
     return receive();

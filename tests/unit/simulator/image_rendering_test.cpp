@@ -34,7 +34,7 @@ class Print {
     return count;
   }
 
-  /// A row of dots as text, '#' where it is dark.
+  /// A row of dots as text, '#' for a dark one.
   std::string row(unsigned y, unsigned x, unsigned width) const {
     std::string dots;
     for (unsigned i = x; i < x + width; ++i)
@@ -59,7 +59,7 @@ TEST(Picture, ContinuesAfterABarcodeWithLettersBeyondAscii) {
                     hex("1d6b04 41 42 00") + ascii("last line\n"));
   constexpr unsigned barcode = 162 + 24 + 3 * 6;  // with its text, and the space around both
   EXPECT_GT(print.darkIn(0, 30 + 174, 100, 24), 30U) << "the first barcode's text";
-  EXPECT_GT(print.darkIn(0, 30 + barcode, 60, 24), 50U) << "the text behind it";
+  EXPECT_GT(print.darkIn(0, 30 + barcode, 60, 24), 50U) << "the text after it";
   EXPECT_GT(print.darkIn(0, 60 + barcode + 6, 100, 162), 1'000U) << "the second barcode";
   EXPECT_GT(print.darkIn(0, 60 + 2 * barcode, 120, 24), 50U) << "the last line";
 }
@@ -289,7 +289,7 @@ TEST(Picture, BecomesAPngFile) {
 
 TEST(PictureDeathTest, IsDrawnOnAMachineWithoutFonts) {
 #if defined(__SANITIZE_THREAD__)
-  GTEST_SKIP() << "the drawing library takes its own locks in another order where it finds no font";
+  GTEST_SKIP() << "the drawing library takes its own locks in another order if it finds no font";
 #endif
   testing::FLAGS_gtest_death_test_style = "threadsafe";
   const std::string config = testing::TempDir() + "no_fonts.conf";

@@ -21,7 +21,7 @@ TEST(PrinterLink, ANewLinkEndsTheOneBeforeIt) {
   const auto other = session.connect();
   EXPECT_TRUE(session.link->dropped(session.now));
   EXPECT_EQ(session.link->write(Bytes{'x'}, session.now), 0U);
-  EXPECT_EQ(session.receive().size(), 9U) << "what came before can be read";
+  EXPECT_EQ(session.receive().size(), 9U) << "earlier bytes can be read";
   EXPECT_FALSE(session.link->connected(session.now));
   EXPECT_EQ(other->write(hex("100401"), session.now), 3U);
   EXPECT_EQ(other->available(session.now), 1U);
@@ -33,7 +33,8 @@ TEST(PrinterLink, AReplyThatNobodyReadDoesNotReachTheNextLink) {
   session.reconnect();
   EXPECT_EQ(session.receive(), Bytes{});
   session.wait(6s);
-  EXPECT_EQ(session.receive(), hex("1b1d03010000 01 00")) << "a report goes to whoever is there";
+  EXPECT_EQ(session.receive(), hex("1b1d03010000 01 00"))
+      << "a report is sent to any host that is connected";
 }
 
 TEST(PrinterLink, APrinterPrintsOnWhileALinkThatWasCutIsAsked) {
@@ -51,7 +52,7 @@ TEST(PrinterLink, AnIdleLinkHasNothingDue) {
   EXPECT_TRUE(session.link->connected(session.now));
 }
 
-// A printer that stands still, with a buffer that is soon full.
+// A printer that has stopped, with a buffer that is soon full.
 PrinterBuilder standing() {
   return PrinterBuilder().coverOpen().buffer(16);
 }

@@ -155,7 +155,7 @@ TEST(ClearBuffer, DropsTheDataAndConfirmsIt) {
   EXPECT_EQ(session.ask(clearBuffer), hex("37 25 00"));
   EXPECT_EQ(session.printer.buffered(), 0U);
   session.printer.setFlag("coverOpen", false, session.now);
-  EXPECT_EQ(session.receive(), Bytes{}) << "the process ID was dropped, too";
+  EXPECT_EQ(session.receive(), Bytes{}) << "the process ID was also dropped";
   EXPECT_TRUE(session.printer.paper().items().empty());
 }
 
