@@ -275,6 +275,7 @@ class Peer:
 # The answers of printers, written down once more: the command must not be tested by its own
 # simulator alone.
 STATUS_REQUEST = b"\x1b\x06\x01"
+RESET_COUNTER = b"\x1b\x1e\x45\x00"
 
 
 def status_block(*flags: str, counter: int = 0, presenter: int = 0, interface: int = 3) -> bytes:
@@ -290,6 +291,19 @@ def answer_status(connection: socket.socket, block: bytes):
         requests = unread.count(STATUS_REQUEST)
         connection.sendall(block * requests)
         unread = unread[-2:] if not requests else b""
+
+
+def count_etbs(connection: socket.socket) -> bytes:
+    """A printer in line mode that counts, until the host leaves. Returns all that it received."""
+    seen, unread = bytearray(), b""
+    while more := connection.recv(4096):
+        seen.extend(more)
+        unread += more
+        counter = seen[seen.rfind(RESET_COUNTER) + 4:].count(b"\x17") if RESET_COUNTER in seen else 0
+        while STATUS_REQUEST in unread:
+            unread = unread.split(STATUS_REQUEST, 1)[1]
+            connection.sendall(status_block(counter=counter))
+    return bytes(seen)
 
 
 def answering(replies: dict[bytes, bytes | Callable[[socket.socket], None]]):

@@ -1,0 +1,211 @@
+"""The virtual printer as a server: its receipts, and the record of each job."""
+
+import json
+import os
+import resource
+import signal
+import socket
+import subprocess
+
+from harness import DEADLINE, STATUS_REQUEST, Case, eventually, main, receive, run, start
+
+
+class Receipts(Case):
+    def names(self):
+        folder = self.folder / "out"
+        return sorted(name for name in os.listdir(folder) if not name.endswith(".json")) if folder.exists() else []
+
+    def text(self, number: int) -> str:
+        return (self.folder / "out" / f"receipt-{number:04}.txt").read_text()
+
+    def serve(self, *arguments: str, listen: str = "tcp:0"):
+        return self.simulator(listen, "--receipts", str(self.folder / "out"), *arguments)
+
+    def test_each_job_is_a_numbered_text_and_picture(self):
+        for listen in ("tcp:0", "pty:"):
+            simulator = self.serve(listen=listen)
+            before = len(self.names()) // 2
+            for count in (1, 2):
+                self.assertExit(0, run("-d", simulator.place, "print", "-", data=b"job %d on %s\n" % (count, listen.encode())))
+                self.assertExit(0, run("-d", simulator.place, "online"))  # which leaves nothing
+                eventually(lambda: len(self.names()) == 2 * (before + count), "the receipt is written")
+                self.assertIn(f"job {count} on {listen}", self.text(before + count))
+            simulator.kill()
+        self.assertEqual(self.names()[:2], ["receipt-0001.png", "receipt-0001.txt"])
+
+    def test_a_job_that_is_printed_slowly_is_complete(self):
+        simulator = self.serve("--set", "speed=200")
+        with simulator.connect() as host:
+            host.sendall(b"first line\nsecond line\nlast line\n")
+        eventually(self.names, "the receipt is written")
+        self.assertIn("last line", self.text(1))
+
+    def test_each_of_many_quick_connections_is_a_job(self):
+        simulator = self.serve()
+        for count in range(1, 21):
+            with simulator.connect() as host:
+                host.sendall(b"job %d\n" % count + (b"\x1dV\x00" if count % 2 else b""))
+        eventually(lambda: len(self.names()) == 40, "all receipts are written")
+        for count in range(1, 21):
+            self.assertEqual([line for line in self.text(count).splitlines() if "job" in line], [f"job {count}"])
+
+    def test_a_job_that_waits_in_the_printer_is_one_of_its_own(self):
+        simulator = self.serve("--set", "coverOpen=true")
+        for text in (b"first\n", b"", STATUS_REQUEST, b"second, without an end"):
+            with simulator.connect() as host:
+                host.sendall(text)
+        eventually(lambda: simulator.state()["buffered"] == 28, "the printer holds both")
+        self.assertEqual(self.names(), [])
+        simulator.set(coverOpen=False)
+        eventually(lambda: len(self.names()) == 4, "both receipts are written")
+        self.assertEqual((self.text(1), self.text(2)), ("first\n", "second, without an end\n"))
+
+    def test_on_a_connection_that_remains_a_cut_ends_a_job(self):
+        simulator = self.serve()
+        with simulator.connect() as host:
+            for count in (1, 2):
+                host.sendall(b"job %d\n\x1dV\x00" % count)
+                eventually(lambda: len(self.names()) == 2 * count, "the receipt is written")
+                self.assertIn(f"job {count}", self.text(count))
+
+    def test_the_last_paper_is_kept_at_the_end(self):
+        simulator = self.serve()
+        with simulator.connect() as host:
+            host.sendall(b"half a job\n" + STATUS_REQUEST)
+            receive(host, 9)
+            self.assertEqual(simulator.stop(signal.SIGTERM), 0)
+        self.assertIn("half a job", self.text(1))
+
+    def test_numbers_continue_after_existing_ones(self):
+        (self.folder / "out").mkdir()
+        (self.folder / "out" / "receipt-0041.txt").write_text("older")
+        simulator = self.serve()
+        self.assertExit(0, run("-d", simulator.place, "print", "-", data=b"newer\n"))
+        eventually(lambda: "receipt-0042.txt" in self.names(), "the receipt is written")
+
+    def test_a_job_without_end_takes_bounded_memory_and_its_paper_is_torn_off(self):
+        simulator = self.simulator("tcp:0")
+        with simulator.connect() as host:
+            host.sendall(b"text of a long job\n" * 600_000)
+            eventually(lambda: simulator.state()["printedBytes"] == 11_400_000, "all of it is printed")
+        with open(f"/proc/{simulator.process.pid}/status") as file:
+            peak = next(int(line.split()[1]) for line in file if line.startswith("VmHWM"))
+        self.assertLess(peak, 64 << 10, "kilobytes")
+
+    def test_the_pieces_of_a_paper_that_is_too_long_are_receipts(self):
+        simulator = self.serve()
+        count = 120_000
+        with simulator.connect() as host:
+            for number in range(0, count, 1000):
+                host.sendall(b"".join(b"line %d\n" % n for n in range(number, number + 1000)))
+        eventually(lambda: simulator.state()["printedBytes"] >= count * 7 and len(self.names()) > 2, "the paper was torn off")
+        simulator.stop(signal.SIGTERM)
+        texts = [name for name in self.names() if name.endswith(".txt")]
+        self.assertGreater(len(texts), 1)
+        lines = [line for name in texts for line in (self.folder / "out" / name).read_text().splitlines()
+                 if not line.startswith("[")]
+        self.assertEqual(lines, [f"line {n}" for n in range(count)])
+        self.assertIn("torn off", self.text(1).splitlines()[-1])
+
+    def test_a_print_whose_receipt_finds_no_space_does_not_end_as_done(self):
+        full = self.folder / "full.txt"
+        full.symlink_to("/dev/full")
+        result = run("print", "-d", "virtual:", "--receipt", full, "--json", "-", data=b"text\n")
+        self.assertExit(1, result)
+        self.assertEqual((result.json()["ok"], result.json()["outcome"]), (False, "printed"))
+        self.assertIn("full.txt", result.json()["error"])
+
+    def test_a_receipt_beyond_the_largest_file_is_reported_and_the_printer_serves_on(self):
+        def limit():
+            resource.setrlimit(resource.RLIMIT_FSIZE, (100, 100))
+
+        simulator = self.simulator("tcp:0", "--receipts", str(self.folder / "out"), preexec_fn=limit,
+                                   stderr=subprocess.PIPE)
+        with simulator.connect() as host:
+            host.sendall(b"a line of text\n" * 20)
+        self.assertIn(b"cannot be written", simulator.process.stderr.readline())
+        self.assertExit(0, run("-d", simulator.place, "online"))
+
+    def test_a_folder_that_cannot_be_one_is_refused(self):
+        result = run("simulate", "--listen", "tcp:0", "--receipts", self.file("plain", b""))
+        self.assertExit(2, result)
+        self.assertIn("--receipts", result.err)
+
+    def test_a_path_that_leads_nowhere_is_refused(self):
+        result = run("simulate", "--listen", "tcp:0", "--receipts", f"{self.folder}/no/such")
+        self.assertExit(2, result)
+        self.assertIn("No such file or directory", result.err)
+        self.assertFalse((self.folder / "no").exists())
+
+
+class Records(Case):
+    """The record of each job by `--json`."""
+
+    def record_of(self, job: bytes, *arguments: str, replies: int = 0, listen: str = "tcp:0"):
+        process = start("--json", "simulate", "--listen", listen, *arguments)
+        self.addCleanup(process.kill)
+        for stream in (process.stdout, process.stderr):
+            self.addCleanup(stream.close)
+        place = json.loads(process.stdout.readline())["listening"][0]
+        host, port = place.removeprefix("tcp:").rsplit(":", 1)
+        with socket.create_connection((host, int(port)), DEADLINE) as connection:
+            connection.sendall(job)
+            receive(connection, replies)
+        record = json.loads(process.stdout.readline())
+        process.terminate()
+        return record, process.wait(DEADLINE), place
+
+    def test_a_plain_job_has_every_key(self):
+        record, code, place = self.record_of(b"text\n")
+        self.assertEqual(record, {"job": 1, "printer": place, "ok": True, "files": [], "cuts": 0, "drawer": 0, "beeps": 0,
+                                  "codePages": [], "asked": [], "unknown": [], "missing": []})
+        self.assertEqual(code, 0)
+
+    def test_cuts_pulses_and_beeps_are_counted(self):
+        job = b"\x1bt\x13a\n\x1bp\0\x19\xfa\x10\x14\1\0\1\x1bB\2\3\x1b(A\4\0\x30\1\1\1\x1dV\0b\n\x1dV\1"
+        record, _, _ = self.record_of(job)
+        self.assertEqual((record["cuts"], record["drawer"], record["beeps"], record["codePages"]), (2, 2, 2, [19]))
+        self.assertEqual(record["unknown"], [])
+
+    def test_a_drawer_that_is_opened_without_paper_is_a_job(self):
+        record, _, _ = self.record_of(b"\x1bp\0\x19\xfa")
+        self.assertEqual((record["drawer"], record["files"]), (1, []))
+
+    def test_questions_have_their_answers(self):
+        record, _, _ = self.record_of(b"a\n\x10\x04\1\x1dr\1\x1d(H\6\x0000ABCD", replies=9)
+        self.assertEqual(record["asked"], [{"command": "100401", "answer": "12"}, {"command": "1d7201", "answer": "00"},
+                                           {"command": "1d284806003030" + "41424344", "answer": "37224142434400"}])
+
+    def test_an_unknown_command_has_its_offset_bytes_and_name(self):
+        record, code, _ = self.record_of(b"a\n\x10\x04\1\x1dy\n\x1b\x99", replies=1)
+        self.assertEqual(record["unknown"], [{"offset": 5, "bytes": "1d79", "name": "GS y"},
+                                             {"offset": 8, "bytes": "1b99", "name": "ESC 99"}])
+        self.assertEqual((record["ok"], code), (True, 0))
+
+    def test_strict_judges_unknown_commands_missing_characters_and_cut_off_data(self):
+        for job, key in ((b"a\x1dy\n", "unknown"), (b"\x1bt\x10\x81\n", "missing"), (b"a\n\x1dv0\0\x09\0", "unknown")):
+            record, code, _ = self.record_of(job, "--strict")
+            self.assertEqual((record["ok"], code), (False, 1), job)
+            self.assertEqual(len(record[key]), 1, job)
+        record, code, _ = self.record_of(b"\x1bt\x10\x80\n\x1dV\0", "--strict")
+        self.assertEqual((record["ok"], code), (True, 0))
+
+    def test_a_receipt_for_each_cut_if_wanted(self):
+        job = b"one\n\x1dV\0two\n\x1dV\0\n\n"
+        for per, count in (("cut", 2), ("job", 1), ("connection", 1)):
+            folder = self.folder / per
+            record, _, _ = self.record_of(job, "--receipts", str(folder), "--per", per)
+            self.assertEqual(len(record["files"]), 2 * count, per)
+            self.assertTrue(all(os.path.exists(file) for file in record["files"]))
+            self.assertEqual(json.loads((folder / "receipt-0001.json").read_text()), record)
+            self.assertIn("one", (folder / "receipt-0001.txt").read_text())
+        self.assertIn("two", (self.folder / "cut" / "receipt-0002.txt").read_text())
+
+    def test_another_division_is_refused(self):
+        result = run("simulate", "--listen", "tcp:0", "--per", "day")
+        self.assertExit(2, result)
+        self.assertIn("cut, job or connection", result.err)
+
+
+if __name__ == "__main__":
+    main()
