@@ -129,16 +129,18 @@ std::int64_t Database::number(const char* sql) {
   return question.step() ? question.number(0) : 0;
 }
 
+void Database::rollBack() noexcept {
+  // SQLite may have done it by itself, which is an error then.
+  sqlite3_exec(handle_.get(), "ROLLBACK", nullptr, nullptr, nullptr);
+}
+
 void Database::fail(int code) const {
   throw JournalError(file_, reasonOf(code, handle_.get()));
 }
 
 Transaction::~Transaction() {
   if (isOpen_) {
-    try {
-      database_.execute("ROLLBACK");
-    } catch (const JournalError&) {  // SQLite has taken it back by itself
-    }
+    database_.rollBack();
   }
 }
 

@@ -49,6 +49,9 @@ class Database {
   /// The one number that `sql` asks for.
   std::int64_t number(const char* sql);
 
+  /// Ends what is open, and takes its changes back.
+  void rollBack() noexcept;
+
   const std::filesystem::path& file() const { return file_; }
   [[noreturn]] void fail(int code) const;
 
@@ -56,6 +59,19 @@ class Database {
   friend class Statement;
   const std::filesystem::path file_;
   std::unique_ptr<sqlite3, int (*)(sqlite3*)> handle_;
+};
+
+/// The database of one moment, for all that is read as long as this exists: others may write
+/// meanwhile.
+class Snapshot {
+ public:
+  explicit Snapshot(Database& database) : database_(database) { database_.execute("BEGIN"); }
+  ~Snapshot() { database_.rollBack(); }
+  Snapshot(const Snapshot&) = delete;
+  Snapshot& operator=(const Snapshot&) = delete;
+
+ private:
+  Database& database_;
 };
 
 /// Changes that are made all or not at all: taken back unless `commit` has returned.

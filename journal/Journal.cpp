@@ -35,6 +35,7 @@ std::unique_ptr<Database> opened(const std::filesystem::path& file) {
     auto database = std::make_unique<Database>(file);
     bringUpToDate(*database);
     database->execute("PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL");
+    const Snapshot snapshot(*database);  // others print meanwhile
     checkSeal(*database);
     return database;
   } catch (const std::system_error& error) {
@@ -68,14 +69,30 @@ std::vector<JobRecord> Journal::jobs() {
   }
   std::vector<JobRecord> records;
   records.reserve(jobs.size());
-  for (const auto& [name, attempts] : jobs) {
-    records.push_back(recordOf(attempts, isBeingPrinted(name)));
+  for (auto& [name, attempts] : jobs) {
+    records.push_back(jobOf(std::move(attempts)));
   }
   return records;
 }
 
+// A process may end its job between the reading of the rows and the look at its lock.
+JobRecord Journal::jobOf(std::vector<Attempt> attempts) {
+  while (!attempts.back().ended && !isBeingPrinted(attempts.back().name)) {
+    auto later = attemptsOf(attempts.back().name);
+    const bool isTheSame = later.empty() || (later.back().number == attempts.back().number &&
+                                             later.back().ended == attempts.back().ended);
+    if (isTheSame) {
+      return recordOf(attempts, false);
+    }
+    attempts = std::move(later);
+  }
+  return recordOf(attempts, !attempts.back().ended || isBeingPrinted(attempts.back().name));
+}
+
 Forgetting Journal::forget(const std::string& name) {
-  const auto lock = ByteLock::tryTake(lockFileOf(file_), lockOffset(name), modeOfLocks);
+  const auto lock = withLocksOf(file_, [&](const auto& locks) {
+    return ByteLock::tryTake(locks, lockOffset(name), modeOfLocks);
+  });
   if (!lock) {
     return Forgetting::BeingPrinted;
   }
@@ -119,7 +136,8 @@ void Journal::replace(const Attempt& before, const Attempt& after) {
 }
 
 bool Journal::isBeingPrinted(const std::string& name) const {
-  return ByteLock::isTaken(lockFileOf(file_), lockOffset(name));
+  return withLocksOf(file_,
+                     [&](const auto& locks) { return ByteLock::isTaken(locks, lockOffset(name)); });
 }
 
 }  // namespace quordalvane

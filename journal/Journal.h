@@ -85,6 +85,7 @@ class QUOR_EXPORT Journal {
   std::vector<Attempt> attemptsOf(std::string_view name);
   void insert(const Attempt& attempt, const Attempt* superseded);
   void replace(const Attempt& before, const Attempt& after);
+  JobRecord jobOf(std::vector<Attempt> attempts);
   bool isBeingPrinted(const std::string& name) const;
 
   const std::filesystem::path file_;

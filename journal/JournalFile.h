@@ -3,7 +3,11 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <string>
 #include <string_view>
+#include <system_error>
+
+#include "journal/JournalError.h"
 
 namespace quordalvane {
 
@@ -27,5 +31,16 @@ std::filesystem::path lockFileOf(const std::filesystem::path& journal);
 constexpr std::int64_t offsetOfOpening = 0;
 constexpr unsigned modeOfLocks = 0600;
 /// @}
+
+/// The answer of `action`, which is given that file; raises `JournalError` if it raises a
+/// `std::system_error`.
+template <typename Action>
+auto withLocksOf(const std::filesystem::path& journal, Action action) {
+  try {
+    return action(lockFileOf(journal));
+  } catch (const std::system_error& error) {
+    throw JournalError(journal, "its locks: " + std::string(error.what()));
+  }
+}
 
 }  // namespace quordalvane

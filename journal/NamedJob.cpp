@@ -16,12 +16,10 @@ namespace {
 
 std::optional<ByteLock> claimed(const Journal& journal, const NamedJobRequest& request) {
   checkJobName(request.name);
-  try {
-    return ByteLock::take(lockFileOf(journal.file()), lockOffset(request.name), modeOfLocks,
-                          request.timeout, request.onWait);
-  } catch (const std::system_error& error) {
-    throw JournalError(journal.file(), "its locks: " + std::string(error.what()));
-  }
+  return withLocksOf(journal.file(), [&](const auto& locks) {
+    return ByteLock::take(locks, lockOffset(request.name), modeOfLocks, request.timeout,
+                          request.onWait);
+  });
 }
 
 PrintResult unconfirmed(const Attempt& attempt, const std::string& reason) {

@@ -13,6 +13,7 @@
 #include "journal/JournalFile.h"
 #include "journal/Rows.h"
 #include "tests/unit/journal/JournalCase.h"
+#include "tests/unit/journal/StatementHook.h"
 
 namespace quordalvane {
 namespace {
@@ -143,6 +144,50 @@ TEST_F(AJournal, WhoseRowsAreNotThoseThatWereWrittenIsDamaged) {
     setContent(file, whole);
     EXPECT_EQ(openError(), "");
   }
+}
+
+TEST_F(AJournal, IsSoundForAProgramThatOpensItWhileAnotherOnePrints) {
+  Till till(ZKEmulationQuorLine);
+  print(till, "receipt 1");
+  Journal other(file);
+  StatementHook hook(StatementHook::Moment::Begin, "SELECT digest");
+  hook.callOnce([&] {
+    NamedJob named(other, request("receipt 2"), receiptText);
+    PrintJob job(till.port, named.recorded());
+    EXPECT_EQ(named.run(job).notRecorded, "");
+  });
+  EXPECT_EQ(openError(), "");
+  EXPECT_TRUE(hook.hasCalled());
+}
+
+TEST_F(AJournal, ShowsTheOutcomeOfAJobThatEndsWhileItIsRead) {
+  { const Journal made(file); }
+  Database other(file);
+  const Attempt begun{.name = "receipt 1", .number = 1, .begun = 1};
+  insertRow(other, begun);
+  auto lock = ByteLock::tryTake(lockFileOf(file), lockOffset(begun.name), modeOfLocks);
+  StatementHook hook(StatementHook::Moment::End, "ORDER BY name");
+  Journal journal(file);
+  hook.callOnce([&] {
+    Attempt ended = begun;
+    ended.ended = 2;
+    ended.outcome = nameOf(PrintOutcome::Printed);
+    replaceRow(other, begun, ended);
+    lock.reset();
+  });
+  EXPECT_EQ(journal.jobs().front().state, JobState::Printed);
+}
+
+TEST_F(AJournal, WhoseLocksCannotBeUsedIsToldWithItsFile) {
+  Till till(ZKEmulationQuorLine);
+  print(till, "receipt 1");
+  Journal journal(file);
+  std::filesystem::remove(lockFileOf(file));
+  std::filesystem::create_symlink("elsewhere", lockFileOf(file));
+  EXPECT_THAT(errorOf<JournalError>([&] { journal.forget("receipt 1"); }),
+              HasSubstr(file + ": its locks: "));
+  EXPECT_THAT(errorOf<JournalError>([&] { NamedJob(journal, request("receipt 2"), receiptText); }),
+              HasSubstr(file + ": its locks: "));
 }
 
 TEST_F(AJournal, ForgetsAJobByItsName) {
