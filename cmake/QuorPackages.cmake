@@ -17,3 +17,14 @@ else()
   quor_left_out("the journal of jobs (print --job, jobs)" "libsqlite3-dev and nettle-dev"
                 tests/journal tests/unit/journal)
 endif()
+
+# Text in any script, and pictures, are drawn if their libraries are there.
+pkg_check_modules(PANGOCAIRO IMPORTED_TARGET pangocairo)
+pkg_check_modules(JPEG IMPORTED_TARGET libjpeg)
+if(PANGOCAIRO_FOUND AND JPEG_FOUND)
+  set(QUOR_RENDER ON)
+else()
+  set(QUOR_RENDER OFF)
+  quor_left_out("text in any script and pictures (print --text, print --image)"
+                "libpango1.0-dev and libjpeg-dev" tests/render tests/unit/render)
+endif()

@@ -3,14 +3,16 @@
 
 # shellcheck disable=SC2034  # the lists are used by ./dev
 build_packages=(cmake ninja-build g++ pkg-config libgtest-dev libgmock-dev libcli11-dev
-  nlohmann-json3-dev libcairo2-dev libfontconfig-dev libsqlite3-dev libzint-dev nettle-dev)
+  nlohmann-json3-dev libcairo2-dev libfontconfig-dev libjpeg-dev libpango1.0-dev libsqlite3-dev
+  libzint-dev nettle-dev)
 demo_packages=(fonts-dejavu-core python3)
 test_packages=(bash-completion fonts-dejavu-core groff-base python3)
 check_packages=(clang clang-format clang-tidy doxygen gobjc libgnustep-base-dev python3)
 docs_packages=(doxygen)
 package_packages=(build-essential debhelper lintian)
 trial_packages=(debootstrap)
-real_packages=(busybox-static clang gobjc kmod libgnustep-base-dev qemu-system-x86)
+real_packages=(busybox-static clang fonts-freefont-ttf fonts-wqy-microhei gobjc kmod libgnustep-base-dev
+  qemu-system-x86)
 fuzz_packages=(clang libclang-rt-dev)
 prove_packages=(llvm)
 bench_packages=(libbenchmark-dev libspdlog-dev python3)

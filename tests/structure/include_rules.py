@@ -68,12 +68,13 @@ RULES = (
     Rule("locks", (PUBLIC,), STANDARD | DESCRIPTORS),
     Rule("journal", ("job", "locks", "logging", "iphone-IOPort", PUBLIC),
          STANDARD | DESCRIPTORS | {"sys/vfs.h", "sqlite3.h", "nettle/sha2.h"}),
+    Rule("render", ("logging",), STANDARD | {"cairo.h", "csetjmp", "glib.h", "iconv.h", "jpeglib.h", "pango/pangocairo.h"}, NO_CLOCK),
     Rule("c-interface", ("job", "iphone-IOPort", "logging", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
     # A part of the journal's library, so that a program without names for its jobs loads no database.
     Rule("c-interface/journal", ("c-interface/*", "journal", "locks", "job", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
     # The command also serves the simulator to others, without a port.
-    Rule("tools", ("job", "journal", "locks", "iphone-IOPort", "logging", "backends", "discovery", "platform", "simulator",
-                   PUBLIC), EVERY_SYSTEM_HEADER),
+    Rule("tools", ("job", "journal", "locks", "iphone-IOPort", "logging", "backends", "discovery", "platform", "render",
+                   "simulator", PUBLIC), EVERY_SYSTEM_HEADER),
 )
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')

@@ -1,0 +1,70 @@
+#include "render/Dither.h"
+
+#include <algorithm>
+
+namespace quordalvane::render {
+namespace {
+
+constexpr int white = 255;
+constexpr int middle = 128;
+constexpr std::size_t patternSize = 8;
+
+// The order in which the dots of a square of 8 by 8 become black: the bits of x and of x XOR y
+// woven together, the lowest first, so that neighbours are as far apart as can be.
+constexpr int rank(std::size_t x, std::size_t y) {
+  std::size_t value = 0;
+  for (unsigned bit = 0; bit < 3; ++bit) {
+    value = value << 2U | ((x ^ y) >> bit & 1U) << 1U | (y >> bit & 1U);
+  }
+  return static_cast<int>(value);
+}
+
+}  // namespace
+
+Dither::Dither(DitherKind kind, unsigned width)
+    : kind_(kind), width_(width), dots_(width / 8), errors_(width + 2), nextErrors_(width + 2) {}
+
+ByteView Dither::dots(ByteView grey) {
+  std::ranges::fill(dots_, std::uint8_t{0});
+  const ByteView shown = grey.first(std::min(grey.size(), width_));
+  if (kind_ == DitherKind::FloydSteinberg) {
+    spreadErrors(shown);
+  } else {
+    compareWithPattern(shown);
+  }
+  ++row_;
+  return dots_;
+}
+
+void Dither::spreadErrors(ByteView grey) {
+  std::ranges::fill(nextErrors_, 0);
+  for (std::size_t x = 0; x < grey.size(); ++x) {
+    const int wanted = grey[x] + errors_[x + 1] / 16;
+    const bool isBlack = wanted < middle;
+    if (isBlack) {
+      blacken(x);
+    }
+    const int error = wanted - (isBlack ? 0 : white);
+    errors_[x + 2] += error * 7;
+    nextErrors_[x] += error * 3;
+    nextErrors_[x + 1] += error * 5;
+    nextErrors_[x + 2] += error;
+  }
+  errors_.swap(nextErrors_);
+}
+
+void Dither::compareWithPattern(ByteView grey) {
+  for (std::size_t x = 0; x < grey.size(); ++x) {
+    // Thresholds from 2 to 254: white leaves no dot, and black no gap.
+    const int threshold = rank(x % patternSize, row_ % patternSize) * 4 + 2;
+    if (grey[x] < threshold) {
+      blacken(x);
+    }
+  }
+}
+
+void Dither::blacken(std::size_t x) {
+  dots_[x / 8] = static_cast<std::uint8_t>(dots_[x / 8] | 0x80U >> x % 8);
+}
+
+}  // namespace quordalvane::render

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <span>
+
+namespace quordalvane::render {
+
+using ByteView = std::span<const std::uint8_t>;
+
+/// Takes the next bytes for the printer; they are valid during the call. What it throws leaves the
+/// renderer, which must then not be used any more.
+using Output = std::function<void(ByteView)>;
+
+}  // namespace quordalvane::render

@@ -1,0 +1,121 @@
+#include "render/Picture.h"
+
+#include <gtest/gtest.h>
+
+#include "render/PicturePrinting.h"
+#include "render/RenderError.h"
+#include "tests/unit/render/Files.h"
+
+namespace quordalvane::render {
+namespace {
+
+constexpr std::uint32_t black = 0xff000000;
+constexpr std::uint32_t white = 0xffffffff;
+
+Bytes printed(const Bytes& file, unsigned width = 384) {
+  Job job;
+  printPicture(file, width, DitherKind::FloydSteinberg, job.output());
+  return job.all();
+}
+
+std::string refusalOf(const Bytes& file) {
+  try {
+    printed(file);
+  } catch (const RenderError& error) {
+    return error.what();
+  }
+  return "";
+}
+
+Bytes greyRow(const Bytes& file) {
+  const auto picture = openPicture(file, 1);
+  Bytes row(picture->width());
+  picture->read(row);
+  return row;
+}
+
+// Black to the left of `edge`.
+Bytes halfBlack(int width, int height, int edge) {
+  return pngFile(width, height, [=](int x, int) { return x < edge ? black : white; });
+}
+
+TEST(Picture, IsPrintedInBandsAtTheLeft) {
+  Bytes expected = {0x1d, 0x76, 0x30, 0, 48, 0, 2, 0};
+  for (int row = 0; row < 2; ++row) {
+    Bytes dots(48);
+    dots[0] = 0xff;
+    dots[1] = 0xf0;
+    expected.insert(expected.end(), dots.begin(), dots.end());
+  }
+  EXPECT_EQ(printed(halfBlack(16, 2, 12)), expected);
+}
+
+TEST(Picture, ThatIsWiderThanThePaperIsMadeAsNarrow) {
+  const Bytes job = printed(halfBlack(1920, 20, 960));
+  ASSERT_EQ(job.size(), 8U + 4 * 48);
+  for (std::size_t x = 0; x < 48; ++x) {
+    EXPECT_EQ(job[8 + x], x < 24 ? 0xff : 0) << x;
+  }
+}
+
+TEST(Picture, InPngLiesOnWhiteWhereItIsTransparent) {
+  EXPECT_EQ(greyRow(pngFile(3, 1, [](int x, int) { return x == 0   ? 0U
+                                                          : x == 1 ? black
+                                                                   : white; })),
+            (Bytes{255, 0, 255}));
+}
+
+TEST(Picture, InPngHasTheBrightnessOfItsColours) {
+  const Bytes row =
+      greyRow(pngFile(3, 1, [](int x, int) { return black | 0xffU << (16 - 8 * x); }));
+  EXPECT_NEAR(row[0], 76, 2);
+  EXPECT_NEAR(row[1], 150, 2);
+  EXPECT_NEAR(row[2], 28, 2);
+}
+
+TEST(Picture, InJpegIsReadRowByRow) {
+  const Bytes file = jpegFile(64, 16);
+  const auto picture = openPicture(file, 384);
+  ASSERT_EQ(picture->width(), 64U);
+  ASSERT_EQ(picture->height(), 16U);
+  Bytes row(64);
+  for (int y = 0; y < 16; ++y) {
+    picture->read(row);
+    EXPECT_LT(row[0], 10);
+    EXPECT_GT(row[63], 245);
+  }
+}
+
+TEST(Picture, InJpegIsReadAtASmallerScaleButNotBelowThePaper) {
+  const Bytes file = jpegFile(4000, 16);
+  EXPECT_EQ(openPicture(file, 384)->width(), 500U);
+  EXPECT_EQ(openPicture(file, 576)->width(), 1000U);
+  EXPECT_EQ(openPicture(file, 4000)->width(), 4000U);
+}
+
+TEST(Picture, ThatClaimsToBeHugeIsRefusedBeforeMemoryIsTaken) {
+  Bytes file = halfBlack(16, 2, 8);
+  for (const std::size_t at : {16U, 20U}) {
+    file[at + 2] = 0xff;  // 65,280 pixels and a few
+  }
+  EXPECT_NE(refusalOf(file).find("the most is 64000000 in all"), std::string::npos);
+  EXPECT_NE(refusalOf(jpegFile(9000, 8000)).find("the most is 64000000"), std::string::npos);
+}
+
+TEST(Picture, ThatIsNoneOrIsCutShortIsRefused) {
+  EXPECT_EQ(refusalOf(ascii("%PDF-1.4")), "this is no picture in PNG or JPEG");
+  EXPECT_EQ(refusalOf({}), "this is no picture in PNG or JPEG");
+  for (const Bytes& whole : {halfBlack(64, 64, 20), jpegFile(64, 64)}) {
+    for (std::size_t size = 8; size < whole.size() * 2 / 3; size += 7) {
+      const Bytes file(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
+      EXPECT_NE(refusalOf(file), "") << size << " of " << whole.size();
+    }
+  }
+}
+
+TEST(Picture, ThatIsWhiteIsNoBytes) {
+  EXPECT_EQ(printed(halfBlack(16, 300, 0)), Bytes());
+}
+
+}  // namespace
+}  // namespace quordalvane::render
