@@ -5,7 +5,7 @@ _quorport_options() {
   case $1 in
     "") echo "$global --version" ;;
     status) echo "$global --level --verbose" ;;
-    print) echo "$global --proof --unchecked --end-timeout --hold-print-timeout --receipt --job --journal --again" ;;
+    print) echo "$global --proof --unchecked --end-timeout --hold-print-timeout --receipt --job --journal --again --text --image --width --codepage --ordered --cut --drawer --drawer-after" ;;
     jobs) echo "$global --journal --forget --older-than" ;;
     monitor) echo "$global --interval --count" ;;
     doctor) echo "$global --bundle" ;;
@@ -64,11 +64,13 @@ _quorport() {
     --listen) _quorport_offer "tcp: unix: pty:" ;;
     --set) _quorport_offer "$_quorport_settings" ;;
     --proof) mapfile -t COMPREPLY < <(compgen -W "auto block process-id in-order none" -- "$cur") ;;
+    --width) mapfile -t COMPREPLY < <(compgen -W "384 512 576 832" -- "$cur") ;;
+    --drawer) mapfile -t COMPREPLY < <(compgen -W "1 2" -- "$cur") ;;
     -e | --emulation) mapfile -t COMPREPLY < <(compgen -W "line escpos unknown" -- "$cur") ;;
     --log | --receipt | --bundle | --journal) _filedir ;;
     --receipts) _filedir -d ;;
     -[pst] | --port-name | --settings | --timeout | --log-level) ;;
-    --level | --end-timeout | --hold-print-timeout | --control | --interval | --count | --job | --forget | --older-than) ;;
+    --level | --end-timeout | --hold-print-timeout | --control | --interval | --count | --codepage | --job | --forget | --older-than) ;;
     *)
       if [[ $cur == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$(_quorport_options "$command")" -- "$cur")

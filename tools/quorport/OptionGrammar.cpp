@@ -10,6 +10,7 @@
 #include "logging/Quoted.h"
 #include "tools/quorport/HelpTexts.h"
 #include "tools/quorport/JournalGrammar.h"
+#include "tools/quorport/RenderGrammar.h"
 
 namespace quordalvane::tool {
 namespace {
@@ -165,6 +166,7 @@ void addPrintOptions(CLI::App& app, Options& all) {
             options.receipt = text;
           });
   addJournalOptions(app, options);
+  addRenderOptions(app, options.render);
   app.footer(help::printFooter);
 }
 

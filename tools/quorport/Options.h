@@ -8,6 +8,7 @@
 
 #include "iphone-IOPort/enum.h"
 #include "job/ProofKind.h"
+#include "tools/quorport/RenderOptions.h"
 
 namespace quordalvane::tool {
 
@@ -25,6 +26,7 @@ struct PrintOptions {
   std::optional<std::string> job;                 ///< a name
   std::optional<std::string> journal;             ///< a file
   bool again = false;
+  RenderOptions render;
 };
 
 struct JobsOptions {

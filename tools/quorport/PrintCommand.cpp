@@ -15,6 +15,7 @@
 #include "tools/quorport/Printer.h"
 #include "tools/quorport/PrinterTurn.h"
 #include "tools/quorport/Receipt.h"
+#include "tools/quorport/Rendering.h"
 #include "tools/quorport/Report.h"
 #include "tools/quorport/StatusFields.h"
 
@@ -244,7 +245,8 @@ Report refusedJob(ExitCode code, const std::string& error, std::uint64_t bytesTo
 
 Report print(const Options& options, const Surroundings& surroundings) {
   requireDevice(options);
-  const auto data = readJob(options.print.file, surroundings.streams);
+  const auto data = rendered(readJob(options.print.file, surroundings.streams),
+                             options.print.render, surroundings.streams);
   surroundings.interruption->setReport(
       refusedJob(ExitCode::Interrupted, "interrupted", data.size(), options.print.job));
   try {

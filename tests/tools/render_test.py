@@ -1,0 +1,89 @@
+"""`quorport print` of text in any script and of pictures, and what is printed around them."""
+
+import struct
+import zlib
+
+from harness import Case, main, run
+
+
+
+def png(width: int, height: int, grey: int) -> bytes:
+    def chunk(name: bytes, data: bytes) -> bytes:
+        return struct.pack(">I", len(data)) + name + data + struct.pack(">I", zlib.crc32(name + data))
+
+    rows = (b"\0" + bytes([grey]) * width) * height
+    return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, 8, 0, 0, 0, 0))
+            + chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b""))
+
+
+class Rendering(Case):
+    def printed(self, contents: bytes, *options: str) -> str:
+        """The receipt of the built-in printer, as text."""
+        receipt = self.folder / "receipt.txt"
+        result = run("-d", "virtual:", "print", self.file("job", contents), "--receipt", str(receipt), "--json",
+                     *options)
+        self.assertExit(0, result)
+        self.assertEqual(result.json()["bytesTotal"], result.json()["bytesAccepted"])
+        return receipt.read_text()
+
+    def assertRefused(self, saying: str, contents: bytes, *options: str):
+        result = run("-d", "virtual:", "print", self.file("job", contents), "--json", *options)
+        self.assertExit(2, result)
+        answer = result.json()
+        self.assertEqual((answer["outcome"], answer["bytesAccepted"]), ("refused", 0))
+        self.assertIn(saying, answer["error"])
+
+    def test_text_of_the_code_page_is_text_and_any_other_line_is_drawn(self):
+        text = "Total 3.00\nCafé 2 €\nСпасибо\n".encode()
+        self.assertRegex(self.printed(text, "--text"), r"\ATotal 3\.00\n\[image 576 x \d+ dots\]\n\Z")
+        self.assertRegex(self.printed(text, "--text", "--codepage", "16"),
+                         r"\ATotal 3\.00\nCafé 2 €\n\[image 576 x \d+ dots\]\n\Z")
+
+    def test_a_picture_is_as_wide_as_the_paper_at_most(self):
+        for width in ("384", "512", "576"):
+            self.assertEqual(self.printed(png(1000, 500, 0), "--image", "--width", width).split("\n")[0],
+                             f"[image {width} x {500 * int(width) // 1000} dots]")
+
+    def test_plain_bytes_are_sent_as_they_are(self):
+        for job in (b"\x1b@text\n", b"\x80\xff\n", "Café\n".encode()):
+            result = run("-d", "virtual:", "print", "-", "--json", data=job)
+            self.assertEqual(result.json()["bytesTotal"], len(job))
+
+    def test_the_drawer_opens_before_or_after_and_the_cut_is_the_end(self):
+        pulse, cut = b"\x1bp\1\x32\xfa", b"\x1dVB\0"
+        for options, job in ((("--drawer", "2", "--cut"), pulse + b"x" + cut),
+                             (("--drawer", "2", "--drawer-after", "--cut"), b"x" + cut + pulse)):
+            taken = []
+            peer = self.peer(lambda connection: taken.append(connection.makefile("rb").read()))
+            run("-d", peer.place, "print", "-", "--unchecked", *options, data=b"x")
+            peer.wait_until_idle()
+            self.assertEqual(taken[0], job)
+
+    def test_utf8_text_that_is_printed_as_bytes_gets_a_hint(self):
+        hint = "with --text it is printed as it reads"
+        self.assertIn(hint, run("-d", "virtual:", "print", "-", data="Café\n".encode()).err)
+        for job, options in ((b"Cafe\n", ()), ("\x1b@Café\n".encode(), ()), (b"Caf\xe9\n", ()),
+                             ("Café\n".encode(), ("--text",))):
+            self.assertNotIn(hint, run("-d", "virtual:", "print", "-", *options, data=job).err, job)
+
+    def test_characters_without_a_glyph_are_named(self):
+        result = run("-d", "virtual:", "print", "--text", "-", data="\U0010fffd\n".encode())
+        self.assertExit(0, result)
+        self.assertIn("U+10FFFD", result.err)
+
+    def test_what_is_no_text_or_no_picture_is_refused_and_nothing_is_sent(self):
+        self.assertRefused("no UTF-8 at byte 3", b"Caf\xe9\n", "--text")
+        self.assertRefused("a control character at byte 0", b"\x1b@", "--text")
+        self.assertRefused("no picture in PNG or JPEG", b"%PDF-1.4", "--image")
+        self.assertRefused("64000000", png(60000, 2, 0).replace(struct.pack(">II", 60000, 2), b"\0\0\xea\x60" * 2),
+                           "--image")
+
+    def test_wrong_options_are_told_before_anything_is_sent(self):
+        for saying, options in (("--width", ("--text", "--width", "500")), ("--drawer", ("--drawer", "3")),
+                                ("--text", ("--codepage", "16")), ("--image", ("--text", "--image")),
+                                ("16:1252", ("--text", "--codepage", "200"))):
+            self.assertRefused(saying, b"text", *options)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace quordalvane::tool {
+
+/// What a file is, and what is printed around it.
+struct RenderOptions {
+  enum class Content { Bytes, Text, Picture };
+
+  Content content = Content::Bytes;
+  std::uint32_t width = 576;            ///< of the paper, in dots
+  std::optional<std::string> codePage;  ///< as render::CodePage takes it; ASCII alone without
+  bool isOrdered = false;               ///< grey by a pattern, not by spreading errors
+  bool cut = false;
+  std::optional<std::uint32_t> drawer;  ///< 1 or 2
+  bool drawerAfter = false;
+};
+
+}  // namespace quordalvane::tool

@@ -1,0 +1,40 @@
+#include "tools/quorport/TextHint.h"
+
+#include <string_view>
+
+#include "logging/Utf8.h"
+
+namespace quordalvane::tool {
+namespace {
+
+bool isOfText(std::uint32_t codePoint) {
+  const bool isControl = codePoint < 0x20 || (codePoint >= 0x7f && codePoint < 0xa0);
+  return !isControl || codePoint == '\t' || codePoint == '\n' || codePoint == '\r';
+}
+
+// True for UTF-8 without commands that holds a character beyond ASCII.
+bool isTextBeyondAscii(std::string_view text) {
+  bool isBeyond = false;
+  while (!text.empty()) {
+    const Character character = firstCharacter(text);
+    if (character.length == 0 || !isOfText(character.codePoint)) {
+      return false;
+    }
+    isBeyond = isBeyond || character.length > 1;
+    text.remove_prefix(character.length);
+  }
+  return isBeyond;
+}
+
+}  // namespace
+
+void hintAtText(std::span<const std::uint8_t> job, const Streams& streams) {
+  if (isTextBeyondAscii({reinterpret_cast<const char*>(job.data()), job.size()})) {
+    complain(
+        "this is text in UTF-8, which most printers take for other characters: with --text "
+        "it is printed as it reads",
+        streams);
+  }
+}
+
+}  // namespace quordalvane::tool
