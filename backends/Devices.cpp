@@ -27,10 +27,26 @@ std::shared_ptr<EAAccessory> makeAccessory(const DeviceSpec& spec, Clock& clock)
   return scheme->make(spec, std::move(identity), clock);
 }
 
+std::vector<std::string> devicesMeantBy(const std::string& text) {
+  const std::size_t colon = text.find(':');
+  const Scheme* const scheme = findScheme(text.substr(0, colon));
+  const std::string rest = colon == std::string::npos ? "" : text.substr(colon + 1);
+  const bool hasPlace = !rest.empty() && rest.front() != ',';
+  std::vector<std::string> devices;
+  if (scheme != nullptr && scheme->places != nullptr && !hasPlace) {
+    for (const std::string& place : scheme->places()) {
+      devices.push_back(std::string(scheme->name) + ":" + place + rest);
+    }
+  }
+  return devices.empty() ? std::vector{text} : devices;
+}
+
 std::shared_ptr<posix::PosixPlatform> connectDevices(const std::vector<std::string>& specs) {
   auto platform = std::make_shared<posix::PosixPlatform>();
   for (const std::string& spec : specs) {
-    platform->attach(makeAccessory(parseDeviceSpec(spec), platform->clock()));
+    for (const std::string& device : devicesMeantBy(spec)) {
+      platform->attach(makeAccessory(parseDeviceSpec(device), platform->clock()));
+    }
   }
   setProcessPlatform(platform);
   return platform;

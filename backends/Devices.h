@@ -22,8 +22,13 @@ namespace quordalvane {
 /// virtual printer refuses an option. May be called from any thread.
 QUOR_EXPORT std::shared_ptr<EAAccessory> makeAccessory(const DeviceSpec& spec, Clock& clock);
 
-/// Makes the platform of an ordinary program, with the devices of these texts attached in their
-/// order, and sets it as the process's own: ports that are created from then on find them.
+/// The texts of the devices that `text` means: for `bluetooth:` one for each printer that is paired
+/// now, with the keys of `text`; otherwise, and if none is paired, `text` itself. May be called from
+/// any thread.
+QUOR_EXPORT std::vector<std::string> devicesMeantBy(const std::string& text);
+
+/// Makes the platform of an ordinary program, with the devices that these texts mean attached in
+/// their order, and sets it as the process's own: ports that are created from then on find them.
 ///
 ///     quordalvane::connectDevices({"tcp:192.0.2.10:9100,name=Kitchen"});
 ///

@@ -78,6 +78,10 @@ struct Scheme {
   /// scheme.
   std::optional<std::string> (*placeMeantBy)(std::string_view text) = nullptr;
 
+  /// The places of all devices that an empty place means now, none with a comma or a backslash.
+  /// Null if an empty place means one device, or is none.
+  std::vector<std::string> (*places)() = nullptr;
+
   /// Whether each process has such a device of its own.
   bool isOfOneProcess = false;
 

@@ -1,7 +1,7 @@
 #include "backends/Schemes.h"
 
 #include <algorithm>
-#include <array>
+#include <vector>
 
 #include "backends/posix/Schemes.h"
 #include "backends/virtual/VirtualScheme.h"
@@ -9,10 +9,13 @@
 namespace quordalvane {
 namespace {
 
-constexpr std::array table = {
-    &virtuals::virtualScheme, &posix::tcpScheme, &posix::unixScheme,
-    &posix::serialScheme,     &posix::usbScheme,
-};
+std::vector<const Scheme*>& table() {
+  static std::vector<const Scheme*> schemes = {
+      &virtuals::virtualScheme, &posix::tcpScheme, &posix::unixScheme,
+      &posix::serialScheme,     &posix::usbScheme,
+  };
+  return schemes;
+}
 
 }  // namespace
 
@@ -23,14 +26,20 @@ bool OpenCause::fits(const std::error_code& error) const {
   return sameCategory && (code == anyCode || code == error.value());
 }
 
+void addScheme(const Scheme& scheme) {
+  if (findScheme(scheme.name) == nullptr) {
+    table().push_back(&scheme);
+  }
+}
+
 std::span<const Scheme* const> schemes() {
-  return table;
+  return table();
 }
 
 const Scheme* findScheme(std::string_view name) {
-  const auto* const found = std::find_if(
-      table.begin(), table.end(), [&](const Scheme* scheme) { return scheme->name == name; });
-  return found == table.end() ? nullptr : *found;
+  const auto found = std::find_if(
+      table().begin(), table().end(), [&](const Scheme* scheme) { return scheme->name == name; });
+  return found == table().end() ? nullptr : *found;
 }
 
 }  // namespace quordalvane

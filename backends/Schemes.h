@@ -3,9 +3,15 @@
 #include <span>
 #include <string_view>
 
+#include <quordalvane/QuorExport.h>
+
 #include "backends/Scheme.h"
 
 namespace quordalvane {
+
+/// Adds the scheme, which must last, behind those that there are; one that is there is not added
+/// again. For the beginning of a program, before it has threads.
+QUOR_EXPORT void addScheme(const Scheme& scheme);
 
 /// All schemes, in the order in which a help text lists them.
 std::span<const Scheme* const> schemes();

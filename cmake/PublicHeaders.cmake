@@ -6,6 +6,8 @@ set(QUOR_PUBLIC_HEADERS
   backends/DeviceSpec.h
   backends/Devices.h
   backends/HostAndPort.h
+  backends/Scheme.h
+  backends/Schemes.h
   backends/posix/PosixPlatform.h
   iphone-IOPort/AtomicProperty.h
   iphone-IOPort/ExternalAccessoryPort.h

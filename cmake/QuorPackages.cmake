@@ -28,3 +28,12 @@ else()
   quor_left_out("text in any script and pictures (print --text, print --image)"
                 "libpango1.0-dev and libjpeg-dev" tests/render tests/unit/render)
 endif()
+
+# Bluetooth printers, and the network's in a search, are reached over D-Bus.
+find_package(sdbus-c++ 1 QUIET)
+if(sdbus-c++_FOUND)
+  set(QUOR_BLUETOOTH ON)
+else()
+  set(QUOR_BLUETOOTH OFF)
+  quor_left_out("Bluetooth printers (bluetooth:)" libsdbus-c++-dev tests/bluez)
+endif()

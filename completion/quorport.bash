@@ -60,7 +60,7 @@ _quorport() {
   _init_completion -s -n := || return
   command=$(_quorport_command "${words[@]:1:cword-1}")
   case $prev in
-    -d | --device) _quorport_offer "virtual: tcp: unix: serial: usb:" ;;
+    -d | --device) _quorport_offer "virtual: tcp: unix: serial: usb: bluetooth:" ;;
     --listen) _quorport_offer "tcp: unix: pty:" ;;
     --set) _quorport_offer "$_quorport_settings" ;;
     --proof) mapfile -t COMPREPLY < <(compgen -W "auto block process-id in-order none" -- "$cur") ;;

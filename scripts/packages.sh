@@ -3,10 +3,10 @@
 
 # shellcheck disable=SC2034  # the lists are used by ./dev
 build_packages=(cmake ninja-build g++ pkg-config libgtest-dev libgmock-dev libcli11-dev
-  nlohmann-json3-dev libcairo2-dev libfontconfig-dev libjpeg-dev libpango1.0-dev libsqlite3-dev
-  libzint-dev nettle-dev)
+  nlohmann-json3-dev libcairo2-dev libfontconfig-dev libjpeg-dev libpango1.0-dev libsdbus-c++-dev
+  libsqlite3-dev libzint-dev nettle-dev)
 demo_packages=(fonts-dejavu-core python3)
-test_packages=(bash-completion fonts-dejavu-core groff-base python3)
+test_packages=(bash-completion dbus-daemon fonts-dejavu-core groff-base python3)
 check_packages=(clang clang-format clang-tidy doxygen gobjc libgnustep-base-dev python3)
 docs_packages=(doxygen)
 package_packages=(build-essential debhelper lintian)

@@ -44,7 +44,9 @@ std::ptrdiff_t uninterrupted(Transfer transfer) {
 }  // namespace
 
 Descriptor::Descriptor(int number, Kind kind)
-    : number_(number), kind_(kind), isPatient_(kind == Kind::Socket && makePatient(number)) {}
+    : number_(number), kind_(kind), isPatient_(kind == Kind::Socket && makePatient(number)) {
+  idleOutputCount_ = kind == Kind::Bluetooth ? outputCount() : 0;
+}
 
 Descriptor::~Descriptor() {
   if (number_ >= 0) {
@@ -58,6 +60,7 @@ Descriptor::~Descriptor() {
 Descriptor::Descriptor(Descriptor&& other) noexcept
     : number_(std::exchange(other.number_, -1)),
       kind_(other.kind_),
+      idleOutputCount_(other.idleOutputCount_),
       isPatient_(other.isPatient_),
       beforeClose_(other.beforeClose_) {}
 
@@ -67,8 +70,8 @@ std::ptrdiff_t Descriptor::receive(std::uint8_t* buffer, std::size_t maxLength) 
     return -1;
   }
   const std::ptrdiff_t count = uninterrupted([&] {
-    return kind_ == Kind::Socket ? ::recv(number_, buffer, maxLength, MSG_DONTWAIT)
-                                 : ::read(number_, buffer, maxLength);
+    return isSocket() ? ::recv(number_, buffer, maxLength, MSG_DONTWAIT)
+                      : ::read(number_, buffer, maxLength);
   });
   const bool isEmptyPacket =
       count == 0 && kind_ == Kind::UsbPrinter && (pollUntil(0, SteadyTime{}) & POLLHUP) == 0;
@@ -100,8 +103,8 @@ std::ptrdiff_t Descriptor::receiveUntil(std::uint8_t* buffer, std::size_t maxLen
 
 std::ptrdiff_t Descriptor::send(const std::uint8_t* bytes, std::size_t length) const {
   const std::ptrdiff_t count = uninterrupted([&] {
-    return kind_ == Kind::Socket ? ::send(number_, bytes, length, MSG_DONTWAIT | MSG_NOSIGNAL)
-                                 : ::write(number_, bytes, length);
+    return isSocket() ? ::send(number_, bytes, length, MSG_DONTWAIT | MSG_NOSIGNAL)
+                      : ::write(number_, bytes, length);
   });
   const bool isUsb = kind_ == Kind::UsbPrinter || kind_ == Kind::MuteUsbPrinter;
   // The driver reports a transfer that broke off as if nothing had been sent. The printer may have
@@ -130,8 +133,13 @@ bool Descriptor::hasUnderWay() const {
   if (kind_ == Kind::UsbPrinter || kind_ == Kind::MuteUsbPrinter) {
     return pollUntil(POLLOUT, SteadyTime{}) == 0;
   }
+  return isSocket() && outputCount() != idleOutputCount_;
+}
+
+// Of a Bluetooth socket the system counts the space that is left, of any other the bytes.
+int Descriptor::outputCount() const {
   int count = 0;
-  return kind_ == Kind::Socket && ::ioctl(number_, SIOCOUTQ, &count) == 0 && count > 0;
+  return ::ioctl(number_, SIOCOUTQ, &count) == 0 ? count : idleOutputCount_;
 }
 
 std::chrono::milliseconds Descriptor::silence() const {
@@ -153,7 +161,7 @@ void Descriptor::endOutput() const {
 }
 
 void Descriptor::shutdown() const {
-  if (kind_ == Kind::Socket) {
+  if (isSocket()) {
     ::shutdown(number_, SHUT_RDWR);
   }
 }

@@ -14,8 +14,9 @@ class Descriptor {
  public:
   /// The kind of file.
   enum class Kind {
-    Socket,    ///< may be shut down, and may itself wait for input
-    Terminal,  ///< a serial line or a pseudo-terminal
+    Socket,     ///< may be shut down, and may itself wait for input
+    Bluetooth,  ///< a socket whose directions end together
+    Terminal,   ///< a serial line or a pseudo-terminal
 
     /// A printer at the system's USB driver: a read of nothing is "nothing yet", and a close drops
     /// the bytes that the printer has not taken.
@@ -23,7 +24,8 @@ class Descriptor {
     MuteUsbPrinter,  ///< one that only takes bytes, and fails every read
   };
 
-  /// Takes over `number`. A terminal must be in non-blocking mode; a socket may be in either.
+  /// Takes over `number`. A Bluetooth socket is new: nothing was sent. A terminal must be in
+  /// non-blocking mode; a socket may be in either.
   Descriptor(int number, Kind kind);
   ~Descriptor();
 
@@ -51,7 +53,7 @@ class Descriptor {
   std::ptrdiff_t send(const std::uint8_t* bytes, std::size_t length) const;
 
   /// Whether the input is empty after a `receive` that filled less than its buffer.
-  bool shortReceiveEmpties() const { return kind_ == Kind::Socket; }
+  bool shortReceiveEmpties() const { return isSocket(); }
 
   /// Waits until one of the poll `events`, an error or a hang-up is there; signals do not shorten
   /// the wait. Returns the events, 0 at the deadline. A deadline that has passed asks without
@@ -74,9 +76,13 @@ class Descriptor {
   void shutdown() const;
 
  private:
+  bool isSocket() const { return kind_ == Kind::Socket || kind_ == Kind::Bluetooth; }
+  int outputCount() const;
+
   int number_;
   Kind kind_;
-  bool isPatient_;  // receiving may itself wait, for a limited time
+  int idleOutputCount_ = 0;  // what the system answers if nothing is under way
+  bool isPatient_;           // receiving may itself wait, for a limited time
   void (*beforeClose_)(int number) = nullptr;
 };
 

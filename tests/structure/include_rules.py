@@ -60,6 +60,9 @@ RULES = (
     Rule("backends/Schemes*", ("platform", "backends", PUBLIC), STANDARD, NO_CLOCK),
     Rule("backends/virtual", ("platform", "backends/*", "simulator"), STANDARD | {"csignal"}, NO_CLOCK),
     Rule("backends/posix", ("platform", "backends/*", PUBLIC), EVERY_SYSTEM_HEADER),
+    # A connection that the Bluetooth service has made is handed to the links of the system.
+    Rule("backends/bluez", ("platform", "backends", PUBLIC), EVERY_SYSTEM_HEADER),
+    Rule("backends/bluez/BluetoothScheme.h", (PUBLIC,), set()),
     # On the device the frameworks' own headers; here those of the same names in its sub-folder.
     Rule("backends/handheld", ("platform", PUBLIC), EVERY_SYSTEM_HEADER),
     Rule("discovery", ("backends", "logging", PUBLIC), EVERY_SYSTEM_HEADER),

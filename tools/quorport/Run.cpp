@@ -1,13 +1,17 @@
 #include "tools/quorport/Run.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <exception>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <variant>
 
+#include "backends/Devices.h"
 #include "iphone-IOPort/LogWriter.h"
 #include "logging/Quoted.h"
 #include "tools/quorport/CommandFailure.h"
@@ -41,11 +45,21 @@ Report refusal(CommandKind kind, ExitCode code, const std::string& error,
   std::_Exit(static_cast<int>(report.code));
 }
 
+// With a device for each that a text means.
+Options meant(Options options) {
+  std::vector<std::string> devices;
+  for (const std::string& text : options.devices) {
+    std::ranges::move(devicesMeantBy(text), std::back_inserter(devices));
+  }
+  options.devices = std::move(devices);
+  return options;
+}
+
 Report reportOf(const Order& order, const Surroundings& surroundings) {
   const auto& job = order.options.print.job;
   try {
     const LogOutput log(order.options, surroundings.streams);
-    return order.command->run(order.options, surroundings);
+    return order.command->run(meant(order.options), surroundings);
   } catch (const Interrupted&) {
     return surroundings.interruption->report();
   } catch (const CommandFailure& failure) {

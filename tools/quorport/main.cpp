@@ -3,6 +3,7 @@
 
 #include <csignal>
 
+#include "backends/bluez/BluetoothScheme.h"
 #include "tools/quorport/Run.h"
 
 namespace {
@@ -24,5 +25,6 @@ int main(int argc, char** argv) {
   occupyStandardDescriptors();
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);  // a file that grows too large is an error of its write
+  quordalvane::addBluetoothScheme();
   return quordalvane::tool::run({argv + 1, argv + argc}, {});
 }

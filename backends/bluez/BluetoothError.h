@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+#include <system_error>
+
+namespace quordalvane::bluez {
+
+/// Why a Bluetooth printer cannot be reached.
+enum class BluetoothError {
+  NoBus = 1,      ///< the system's message bus is not there, or has gone
+  NoService,      ///< the Bluetooth service does not run
+  NoAnswer,       ///< the Bluetooth service does not answer
+  NoAdapter,      ///< the machine has no Bluetooth adapter
+  AdapterOff,     ///< the adapter is switched off
+  NotPaired,      ///< no printer of that address or name is paired
+  Ambiguous,      ///< more than one paired printer fits
+  NoSerialPort,   ///< the device offers no serial port, so it is no printer of this kind
+  Rejected,       ///< the printer turned the connection down
+  NotAuthorized,  ///< nobody authorised the connection in time
+  HostDown,       ///< the printer does not hear: it is off or out of range
+  InUse,          ///< another program, or another session, holds the printer
+  ProfileTaken,   ///< another program holds the serial port profile
+  Denied,         ///< this user may not use the Bluetooth service
+  Failed,         ///< any other error of the service
+};
+
+/// The category of those codes. `InUse` and `ProfileTaken` are
+/// `std::errc::device_or_resource_busy`.
+const std::error_category& bluetoothCategory();
+
+/// Throws a `std::system_error` of that code, with `text` for people in front of its words.
+[[noreturn]] void fail(BluetoothError error, const std::string& text);
+
+}  // namespace quordalvane::bluez

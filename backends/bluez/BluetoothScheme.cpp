@@ -1,0 +1,115 @@
+#include "backends/bluez/BluetoothScheme.h"
+
+#include <stdexcept>
+#include <utility>
+
+#include "backends/Schemes.h"
+#include "backends/SpecText.h"
+#include "backends/bluez/BluetoothAccessory.h"
+
+namespace quordalvane {
+namespace {
+
+using bluez::bluetoothCategory;
+using bluez::BluetoothError;
+
+constexpr std::size_t longestPlace = 248;  // the longest name that a device may have, in bytes
+
+constexpr int of(BluetoothError error) {
+  return static_cast<int>(error);
+}
+
+constexpr OpenCause causes[] = {
+    {of(BluetoothError::NoBus), "no-bus", "the system's message bus cannot be used",
+     "start it: sudo systemctl start dbus; in a container, hand in /run/dbus", bluetoothCategory},
+    {of(BluetoothError::NoService), "no-service", "the Bluetooth service does not run",
+     "install the package bluez and start it: sudo systemctl start bluetooth", bluetoothCategory},
+    {of(BluetoothError::NoAnswer), "no-answer-of-service", "the Bluetooth service does not answer",
+     "start it again: sudo systemctl restart bluetooth", bluetoothCategory},
+    {of(BluetoothError::NoAdapter), "no-adapter", "the machine has no Bluetooth adapter",
+     "plug one in; bluetoothctl list shows those that the system sees", bluetoothCategory},
+    {of(BluetoothError::AdapterOff), "adapter-off", "the Bluetooth adapter is switched off",
+     "switch it on: rfkill unblock bluetooth, then bluetoothctl power on", bluetoothCategory},
+    {of(BluetoothError::NotPaired), "not-paired", "no such printer is paired",
+     "pair it: bluetoothctl scan on, then bluetoothctl pair ADDRESS and bluetoothctl trust ADDRESS",
+     bluetoothCategory},
+    {of(BluetoothError::Ambiguous), "ambiguous", "more than one paired printer fits",
+     "name one of them by its address", bluetoothCategory},
+    {of(BluetoothError::NoSerialPort), "no-serial-port", "the device offers no serial port",
+     "check that it is the printer; if it is, switch it on, then bluetoothctl remove ADDRESS, and pair it again",
+     bluetoothCategory},
+    {of(BluetoothError::Rejected), "rejected", "the printer turned the connection down",
+     "remove it and pair it again: bluetoothctl remove ADDRESS, then bluetoothctl pair ADDRESS; "
+     "end another host's connection to it",
+     bluetoothCategory},
+    {of(BluetoothError::NotAuthorized), "not-authorized",
+     "the connection was not authorised in time",
+     "confirm the printer's question on its screen or this one; bluetoothctl trust ADDRESS spares "
+     "the question",
+     bluetoothCategory},
+    {of(BluetoothError::HostDown), "out-of-range", "the printer does not answer over the air",
+     "switch the printer on and bring it nearer; end another host's connection to it",
+     bluetoothCategory},
+    {of(BluetoothError::InUse), "in-use", "another program uses the printer",
+     "end the other program", bluetoothCategory},
+    {of(BluetoothError::ProfileTaken), "profile-taken",
+     "another program holds the serial port profile of the Bluetooth service",
+     "end the other program, which may be a terminal or a modem manager", bluetoothCategory},
+    {of(BluetoothError::Denied), "no-permission", "this user may not use the Bluetooth service",
+     "join the group and log in again: sudo usermod -aG bluetooth $USER", bluetoothCategory},
+    {of(BluetoothError::Failed), "not-connected", "the Bluetooth service cannot connect to it",
+     "switch the printer off and on only if nobody prints on it; journalctl -u bluetooth tells "
+     "more",
+     bluetoothCategory},
+};
+
+void checkPlace(const std::string& place) {
+  if (!place.empty()) {
+    spec::checkPath(place, longestPlace);
+  }
+}
+
+std::shared_ptr<EAAccessory> make(const DeviceSpec& spec, AccessoryIdentity identity,
+                                  Clock& /*clock*/) {
+  // A name that repeats the place was not given: the printer's own is better.
+  if (identity.name == spec.place) {
+    identity.name = std::nullopt;
+  }
+  return std::make_shared<bluez::BluetoothAccessory>(std::move(identity), spec.place);
+}
+
+std::vector<std::string> places() {
+  std::vector<std::string> addresses;
+  try {
+    const auto deadline = bluez::SteadyClock::now() + std::chrono::seconds(3);
+    bluez::Bus bus(deadline);
+    for (const auto& printer : pairedPrinters(askService(bus, deadline))) {
+      addresses.push_back(printer.address);
+    }
+  } catch (const std::system_error&) {
+    // The accessory of the empty place says why.
+  }
+  return addresses;
+}
+
+constinit const Scheme bluetoothScheme = {
+    .name = "bluetooth",
+    .place = "",
+    .about = "the paired Bluetooth printers; one of them bluetooth:ADDRESS or bluetooth:NAME",
+    .checkPlace = checkPlace,
+    .make = make,
+    .ifSilent =
+        "end the other host's connection to the printer, if there is one; set it to the emulation "
+        "that you ask in; switch it off and on only if nobody prints on it",
+    .ifNotUnderstood = "check that it is the receipt printer",
+    .causes = causes,
+    .places = places,
+};
+
+}  // namespace
+
+void addBluetoothScheme() {
+  addScheme(bluetoothScheme);
+}
+
+}  // namespace quordalvane

@@ -1,0 +1,126 @@
+#include "backends/bluez/Bus.h"
+
+#include <poll.h>
+
+#include <cerrno>
+#include <future>
+#include <optional>
+#include <thread>
+#include <utility>
+
+#include "backends/bluez/BluetoothError.h"
+
+namespace quordalvane::bluez {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto noReply = "org.freedesktop.DBus.Error.NoReply";
+
+// What an attempt to connect has come to: no exception crosses the threads.
+struct Attempt {
+  std::unique_ptr<sdbus::IConnection> connection;
+  std::string error;
+};
+
+Attempt connectToBus() {
+  try {
+    return {.connection = sdbus::createSystemBusConnection(), .error = ""};
+  } catch (const sdbus::Error& error) {
+    return {.connection = nullptr, .error = error.getMessage()};
+  }
+}
+
+[[noreturn]] void throwBusGone(const sdbus::Error& error) {
+  fail(BluetoothError::NoBus, "the connection has ended: " + error.getMessage());
+}
+
+int millisecondsUntil(SteadyTime deadline) {
+  const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - SteadyClock::now());
+  return static_cast<int>(std::clamp<std::chrono::milliseconds>(left, 0ms, 1h).count());
+}
+
+}  // namespace
+
+// A bus that accepts and then says nothing would hold up its caller for a minute and a half.
+Bus::Bus(SteadyTime deadline) {
+  std::packaged_task<Attempt()> task(connectToBus);
+  auto attempt = task.get_future();
+  std::thread(std::move(task)).detach();
+  if (attempt.wait_until(deadline) != std::future_status::ready) {
+    fail(BluetoothError::NoBus, "it does not answer");
+  }
+  Attempt made = attempt.get();
+  if (!made.connection) {
+    fail(BluetoothError::NoBus, made.error);
+  }
+  connection_ = std::move(made.connection);
+  // For the few calls that the library makes by itself.
+  connection_->setMethodCallTimeout(2s);
+}
+
+sdbus::MethodReply Bus::answerTo(const sdbus::MethodCall& message, sdbus::IProxy& proxy,
+                                 SteadyTime deadline) {
+  std::optional<sdbus::MethodReply> answer;
+  std::optional<sdbus::Error> refusal;
+  const auto note = [&](sdbus::MethodReply& reply, const sdbus::Error* error) {
+    error == nullptr ? void(answer = reply) : void(refusal = *error);
+  };
+  sdbus::PendingAsyncCall pending = proxy.callMethod(message, note, 1h);
+  if (!handleUntil(deadline, [&] { return answer || refusal; })) {
+    pending.cancel();
+    throw sdbus::Error(noReply, "no answer within the time limit");
+  }
+  if (refusal) {
+    throw sdbus::Error(*refusal);
+  }
+  return *answer;
+}
+
+bool Bus::handleUntil(SteadyTime deadline, const std::function<bool()>& isDone) {
+  constexpr int noFile = -1;
+  handlePending();
+  while (!isDone()) {
+    if (waitForNews(deadline, noFile) == Woken::ByTheClock && SteadyClock::now() >= deadline) {
+      return false;
+    }
+    handlePending();
+  }
+  return true;
+}
+
+void Bus::handleWhileOpen(int watched, const std::function<bool()>& isDone) {
+  handlePending();
+  while (!isDone() && waitForNews(SteadyClock::now() + 1h, watched) != Woken::ByTheFile) {
+    handlePending();
+  }
+}
+
+Bus::Woken Bus::waitForNews(SteadyTime deadline, int watched) {
+  const auto bus = connection_->getEventLoopPollData();
+  const int ofTheBus = bus.getPollTimeout();
+  const int ofTheCaller = millisecondsUntil(deadline);
+  pollfd files[] = {{.fd = bus.fd, .events = bus.events, .revents = 0},
+                    {.fd = watched, .events = POLLRDHUP, .revents = 0}};
+  const int count = ::poll(files, 2, ofTheBus < 0 ? ofTheCaller : std::min(ofTheBus, ofTheCaller));
+  if (count > 0 && files[1].revents != 0) {
+    return Woken::ByTheFile;
+  }
+  return count > 0 ? Woken::ByTheBus : Woken::ByTheClock;
+}
+
+void Bus::handlePending() {
+  try {
+    while (connection_->processPendingRequest()) {
+    }
+  } catch (const sdbus::Error& error) {
+    throwBusGone(error);
+  }
+}
+
+bool isSilence(const sdbus::Error& error) {
+  return error.getName() == noReply || error.getName() == "System.Error.ETIMEDOUT" ||
+         error.getName() == "org.freedesktop.DBus.Error.Timeout";
+}
+
+}  // namespace quordalvane::bluez

@@ -1,0 +1,89 @@
+#include "backends/bluez/Connection.h"
+
+#include <fcntl.h>
+#include <sys/socket.h>
+
+#include <cerrno>
+#include <memory>
+#include <thread>
+#include <utility>
+
+#include "backends/bluez/Bus.h"
+#include "backends/bluez/SerialPortProfile.h"
+#include "backends/bluez/Service.h"
+
+namespace quordalvane::bluez {
+namespace {
+
+using posix::Descriptor;
+
+void shutDown(int number) {
+  ::shutdown(number, SHUT_RDWR);
+}
+
+// Notices when the service leaves the bus.
+class ServiceWatch {
+ public:
+  explicit ServiceWatch(Bus& bus) {
+    const std::string rule =
+        "type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
+        "member='NameOwnerChanged',arg0='" +
+        std::string(serviceName) + "'";
+    try {
+      match_ = bus.connection().addMatch(rule, [this](sdbus::Message&) { hasLeft_ = true; });
+    } catch (const sdbus::Error& error) {
+      failAs(error, "");
+    }
+  }
+
+  bool hasLeft() const { return hasLeft_; }
+
+ private:
+  bool hasLeft_ = false;
+  sdbus::Slot match_;
+};
+
+/// A connection under care: the bus on which it was made, and what it looks out for.
+struct Care {
+  explicit Care(SteadyTime deadline) : bus(deadline), watch(bus) {}
+
+  Bus bus;
+  ServiceWatch watch;
+};
+
+// A copy by which the connection can be ended. The connection does not outlive its owner by it: it
+// is shut down before it is closed.
+Descriptor handleOn(Descriptor& connection) {
+  connection.setBeforeClose(shutDown);
+  const int copy = ::fcntl(connection.number(), F_DUPFD_CLOEXEC, 0);
+  if (copy < 0) {
+    throw std::system_error(errno, std::generic_category());
+  }
+  return {copy, Descriptor::Kind::Bluetooth};
+}
+
+// The thread owns all that it uses: a process that forks has a copy without it and needs none.
+void lookAfter(std::unique_ptr<Care> care, Descriptor connection) {
+  try {
+    care->bus.handleWhileOpen(connection.number(), [&] { return care->watch.hasLeft(); });
+  } catch (const std::system_error&) {
+    // The bus has gone, and the service with it.
+  }
+  connection.shutdown();
+}
+
+}  // namespace
+
+Descriptor connectBluetooth(const std::string& place, std::chrono::milliseconds timeout) {
+  const SteadyTime deadline = SteadyClock::now() + timeout;
+  auto care = std::make_unique<Care>(deadline);
+  const KnownDevice printer = choosePrinter(askService(care->bus, deadline), place);
+  if (!printer.isAdapterOn) {
+    fail(BluetoothError::AdapterOff, printer.address);
+  }
+  Descriptor connection = SerialPortProfile(care->bus, deadline).connect(printer, deadline);
+  std::thread(lookAfter, std::move(care), handleOn(connection)).detach();
+  return connection;
+}
+
+}  // namespace quordalvane::bluez

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+#include "backends/posix/Descriptor.h"
+
+namespace quordalvane::bluez {
+
+/// How long a connection may take in all. The service itself gives up a printer that does not hear
+/// after some six seconds, and says so.
+inline constexpr std::chrono::milliseconds connectTimeout{10'000};
+
+/// Connects to the serial port of the paired printer that `place` chooses, as `choosePrinter`
+/// states. From then on a thread looks after the connection: it ends it when the Bluetooth service
+/// leaves the bus, as the next one resets the adapter at some time. The thread ends with the
+/// connection.
+///
+/// Throws a `std::system_error` with a code of `bluetoothCategory()` if that does not succeed
+/// within `timeout`.
+posix::Descriptor connectBluetooth(const std::string& place,
+                                   std::chrono::milliseconds timeout = connectTimeout);
+
+}  // namespace quordalvane::bluez

@@ -1,0 +1,126 @@
+#include "backends/bluez/SerialPortProfile.h"
+
+#include <fcntl.h>
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <map>
+#include <utility>
+
+namespace quordalvane::bluez {
+namespace {
+
+using namespace std::chrono_literals;
+using Options = std::map<std::string, sdbus::Variant>;
+
+constexpr auto ownPath = "/com/quordalvane/serialport";
+constexpr auto profileInterface = "org.bluez.Profile1";
+constexpr auto rejected = "org.bluez.Error.Rejected";
+
+// Another program holds the profile for as long as it connects.
+constexpr auto retryInterval = 50ms;
+
+Method ofManager(const std::string& name) {
+  return {serviceName, "/org/bluez", "org.bluez.ProfileManager1", name};
+}
+
+bool isHeldByAnother(const sdbus::Error& error) {
+  return error.getName() == "org.bluez.Error.NotPermitted" ||
+         error.getName() == "org.bluez.Error.AlreadyExists";
+}
+
+// A copy of our own: the message takes its descriptor with it.
+posix::Descriptor copyOf(const sdbus::UnixFd& file) {
+  const int copy = ::fcntl(file.get(), F_DUPFD_CLOEXEC, 0);
+  if (copy < 0) {
+    throw sdbus::Error(rejected, "the process has no descriptor left");
+  }
+  posix::Descriptor connection(copy, posix::Descriptor::Kind::Bluetooth);
+  ::fcntl(copy, F_SETFL, ::fcntl(copy, F_GETFL) | O_NONBLOCK);
+  return connection;
+}
+
+}  // namespace
+
+SerialPortProfile::SerialPortProfile(Bus& bus, SteadyTime deadline) : bus_(bus) {
+  serve();
+  takeRegistration(deadline);
+}
+
+SerialPortProfile::~SerialPortProfile() {
+  try {
+    bus_.call(SteadyClock::now() + 1s, ofManager("UnregisterProfile"), sdbus::ObjectPath(ownPath));
+  } catch (const std::exception&) {
+    // The service has gone, or gives it back when this program leaves the bus.
+  }
+}
+
+posix::Descriptor SerialPortProfile::connect(const KnownDevice& printer, SteadyTime deadline) {
+  awaited_ = printer.path;
+  callConnect(printer, deadline);
+  // The service may answer before or after it hands over the connection.
+  const bool isThere = bus_.handleUntil(deadline, [this] { return taken_.has_value(); });
+  awaited_.clear();
+  if (!isThere) {
+    fail(BluetoothError::NoAnswer, printer.address);
+  }
+  posix::Descriptor connection = *std::exchange(taken_, std::nullopt);
+  return connection;
+}
+
+void SerialPortProfile::serve() {
+  object_ = sdbus::createObject(bus_.connection(), ownPath);
+  object_->registerMethod("NewConnection")
+      .onInterface(profileInterface)
+      .implementedAs([this](const sdbus::ObjectPath& device, const sdbus::UnixFd& file,
+                            const Options& /*properties*/) { take(device, file); });
+  // The link itself ends when the service disconnects the printer or leaves.
+  object_->registerMethod("RequestDisconnection")
+      .onInterface(profileInterface)
+      .implementedAs([](const sdbus::ObjectPath& /*device*/) {});
+  object_->registerMethod("Release").onInterface(profileInterface).implementedAs([] {});
+  object_->finishRegistration();
+}
+
+void SerialPortProfile::takeRegistration(SteadyTime deadline) {
+  const Options options = {{"Name", std::string("receipt printer")},
+                           {"Role", std::string("client")},
+                           {"RequireAuthorization", false}};
+  while (true) {
+    try {
+      bus_.call(deadline, ofManager("RegisterProfile"), sdbus::ObjectPath(ownPath),
+                std::string(serialPort), options);
+      return;
+    } catch (const sdbus::Error& error) {
+      const SteadyTime next = SteadyClock::now() + retryInterval;
+      if (!isHeldByAnother(error) || next >= deadline) {
+        failAs(error, "the serial port profile");
+      }
+      bus_.handleUntil(next, [] { return false; });
+    }
+  }
+}
+
+void SerialPortProfile::take(const sdbus::ObjectPath& device, const sdbus::UnixFd& file) {
+  if (device != awaited_ || taken_) {
+    throw sdbus::Error(rejected, "no connection of this device is awaited");
+  }
+  taken_.emplace(copyOf(file));
+}
+
+void SerialPortProfile::callConnect(const KnownDevice& printer, SteadyTime deadline) {
+  const std::string about = printer.address + " (" + printer.name + ")";
+  try {
+    bus_.call(deadline, {serviceName, printer.path, "org.bluez.Device1", "ConnectProfile"},
+              std::string(serialPort));
+  } catch (const sdbus::Error& error) {
+    taken_.reset();
+    if (isSilence(error)) {
+      fail(BluetoothError::NotAuthorized, about);
+    }
+    failAs(error, about);
+  }
+}
+
+}  // namespace quordalvane::bluez

@@ -1,0 +1,169 @@
+"""Bluetooth printers and the command: what is printed, and what is said when it is not."""
+
+import os
+import signal
+import socket
+import subprocess
+import time
+import unittest
+from pathlib import Path
+
+from harness import DEADLINE, QUORPORT, eventually, main
+from private_bus import BusCase
+
+ADDRESS = "01:23:45:67:89:AB"
+DEVICE = f"bluetooth:{ADDRESS}"
+
+
+class Printing(BusCase):
+    def printer(self, *settings: str) -> str:
+        """The socket of a virtual printer."""
+        options = [part for setting in settings for part in ("--set", setting)]
+        self.served = self.simulator(f"unix:{self.folder}/printer", *options)
+        return self.served.place.partition(":")[2]
+
+    def receipt(self, lines: int) -> str:
+        return self.file("receipt", b"a line of the receipt\n" * lines)
+
+    def test_a_receipt_is_printed_whichever_way_the_printer_is_named(self):
+        self.bluetooth(printer=self.printer())
+        for device in (DEVICE, DEVICE.lower(), "bluetooth:Kitchen", "bluetooth:"):
+            result = self.run_command("-d", device, "print", self.receipt(9), "--json")
+            self.assertExit(0, result)
+            self.assertEqual(result.json()["outcome"], "printed")
+
+    def test_a_port_name_with_the_address_chooses_the_printer(self):
+        self.bluetooth("another=01:23:45:67:89:AC", printer=self.printer())
+        for name in (f"BT:{ADDRESS}", "BT:Kitchen"):
+            self.assertExit(0, self.run_command("-d", "bluetooth:", "-p", name, "status"))
+
+    def test_all_paired_printers_are_listed_and_nothing_else(self):
+        self.bluetooth("another=01:23:45:67:89:AC", "alias=Bar", "another=01:23:45:67:89:AD", "paired=no",
+                       "another=01:23:45:67:89:AE", "class=5a020c")
+        answer = self.run_command("-d", "bluetooth:", "list", "--json").json()
+        self.assertEqual([found["name"] for found in answer["accessories"]], ["Kitchen", "Bar"])
+
+    def test_a_service_that_ends_in_mid_job_is_a_lost_link_and_the_next_job_works(self):
+        printer = self.printer("speed=500")
+        service = self.bluetooth(printer=printer)
+        process = self.start_command("-d", DEVICE, "print", self.receipt(400), "--json")
+        self.addCleanup(process.kill)
+        eventually(lambda: self.served.state()["printedBytes"] > 0, "the job is under way")
+        service.kill()
+        began = time.monotonic()
+        out, _ = process.communicate(timeout=DEADLINE)
+        self.assertLess(time.monotonic() - began, 2 + 2, out)  # two seconds, and the end of the command
+        self.assertIn(process.returncode, (5, 6), out)
+        self.assertIn(b"lost", out)
+        self.bluetooth(printer=printer)
+        self.served.set(speed=0)
+        self.assertExit(0, self.run_command("-d", DEVICE, "print", self.receipt(9)))
+
+    def test_a_bus_that_dies_in_mid_job_is_a_lost_link(self):
+        self.bluetooth(printer=self.printer("speed=500"))
+        process = self.start_command("-d", DEVICE, "print", self.receipt(400), "--json")
+        self.addCleanup(process.kill)
+        eventually(lambda: self.served.state()["printedBytes"] > 0, "the job is under way")
+        self.bus.kill()
+        out, _ = process.communicate(timeout=DEADLINE)
+        self.assertIn(process.returncode, (5, 6), out)
+        self.assertIn(b"lost", out)
+
+    def test_a_printer_out_of_range_in_mid_job_is_a_lost_link_with_the_count(self):
+        listener = self.open_local(self.folder / "printer")
+        self.bluetooth(printer=str(self.folder / "printer"))
+        process = self.start_command("-d", DEVICE, "print", "--unchecked", self.receipt(400), "--json")
+        self.addCleanup(process.kill)
+        connection, _ = listener.accept()
+        self.assertTrue(connection.recv(1024))
+        connection.close()
+        out, _ = process.communicate(timeout=DEADLINE)
+        self.assertIn(process.returncode, (5, 6), out)
+
+    def test_disconnect_has_the_printers_module_drop_the_link(self):
+        self.bluetooth(printer=self.printer())
+        result = self.run_command("-d", DEVICE, "disconnect", "--json")
+        self.assertAnswers(DEVICE, {"ok": True}, result)
+
+    def open_local(self, path: Path) -> socket.socket:
+        listener = socket.socket(socket.AF_UNIX)
+        self.addCleanup(listener.close)
+        listener.bind(str(path))
+        listener.listen()
+        listener.settimeout(DEADLINE)
+        return listener
+
+
+# What is wrong, the exit code, words of the answer, and words of the doctor's advice.
+FAILURES = {
+    "no adapter": (["adapter=none"], 3, "no Bluetooth adapter", "plug one in"),
+    "adapter off": (["adapter=off"], 3, "adapter is switched off", "bluetoothctl power on"),
+    "not paired": (["paired=no"], 3, "not paired", "bluetoothctl pair"),
+    "no serial port": (["services=0000110a-0000-1000-8000-00805f9b34fb"], 3, "offers no serial port", "bluetoothctl remove"),
+    "rejected": (["error=org.bluez.Error.Failed Connection refused (111)"], 3, "turned the connection down", "pair it again"),
+    "host down": (["error=org.bluez.Error.Failed Host is down (112)"], 3, "does not answer over the air", "bring it nearer"),
+    "out of range": (["error=org.bluez.Error.Failed br-connection-page-timeout"], 3, "does not answer over the air", "bring it nearer"),
+    "in use": (["error=org.bluez.Error.Failed Device or resource busy (16)"], 4, "in use by another program", "end the other program"),
+    "second session": (["error=org.bluez.Error.InProgress In Progress"], 4, "in use by another program", "end the other program"),
+    "not allowed": (["error=org.freedesktop.DBus.Error.AccessDenied Rejected"], 3, "this user may not use", "usermod -aG bluetooth"),
+}
+
+
+class Failing(BusCase):
+    def assertTold(self, code: int, text: str):
+        result = self.run_command("-d", DEVICE, "status", "--json")
+        self.assertExit(code, result)
+        self.assertIn(text, result.json()["error"])
+
+    def test_each_failure_has_its_text_its_exit_code_and_advice(self):
+        for name, (settings, code, text, advice) in FAILURES.items():
+            service = self.bluetooth(*settings)
+            with self.subTest(name):
+                self.assertTold(code, text)
+                doctor = self.run_command("-d", DEVICE, "doctor")
+                self.assertExit(code, doctor)
+                self.assertIn(advice, doctor.out)
+            self.end(service)
+
+    def test_a_missing_bus_is_told(self):
+        self.assertTold(3, "the system's message bus cannot be used")
+
+    def test_a_missing_service_is_told(self):
+        self.start_bus()
+        self.assertTold(3, "the Bluetooth service does not run")
+
+    def test_a_service_that_hangs_is_told_in_time(self):
+        service = self.bluetooth()
+        service.send_signal(signal.SIGSTOP)
+        self.addCleanup(service.send_signal, signal.SIGCONT)
+        result = self.run_command("-d", DEVICE, "status", "--json")
+        self.assertExit(3, result)
+        self.assertIn("does not answer", result.json()["error"])
+        self.assertLess(result.seconds, 12)
+
+    def test_an_authorisation_that_never_arrives_is_told_in_time(self):
+        self.bluetooth("never=yes")
+        result = self.run_command("-d", DEVICE, "status", "--json")
+        self.assertExit(3, result)
+        self.assertIn("not authorised in time", result.json()["error"])
+        self.assertLess(result.seconds, 15)
+
+    def test_what_a_name_holds_does_not_reach_the_terminal(self):
+        self.bluetooth("alias=\x1b[2J" + "x" * 200, "error=org.bluez.Error.Failed \x1b[2J")
+        result = self.run_command("-d", DEVICE, "status")
+        self.assertExit(3, result)
+        self.assertNotIn("\x1b", result.err + result.out)
+
+
+class Loading(unittest.TestCase):
+    def libraries(self, program: str) -> str:
+        return subprocess.run(["ldd", program], check=True, capture_output=True, text=True).stdout
+
+    def test_a_program_without_bluetooth_loads_no_message_bus(self):
+        library = Path(os.environ["LIBRARIES"], "libQuorIOPort.so")
+        self.assertNotRegex(self.libraries(str(library)), r"dbus|systemd")
+        self.assertRegex(self.libraries(QUORPORT), r"libsdbus-c\+\+")
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,92 @@
+#pragma once
+
+#include <sdbus-c++/sdbus-c++.h>
+
+#include <atomic>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace quordalvane::test {
+
+/// A device as the stand-in presents it.
+struct StandInDevice {
+  std::string address = "01:23:45:67:89:AB";
+  std::string alias = "Kitchen";
+  bool isPaired = true;
+  bool isConnected = false;
+  std::uint32_t deviceClass = 0x040680;  // a printer
+  std::vector<std::string> services = {"00001101-0000-1000-8000-00805F9B34FB"};
+};
+
+/// How the stand-in connects.
+enum class Connecting {
+  InOrder,       ///< hands over the connection, and answers when that was taken
+  AnswersEarly,  ///< answers before it hands over the connection
+  OfAnother,     ///< hands over one of a device that nobody has asked for, then the right one
+  Refuses,       ///< answers with an error
+  Never,         ///< does not answer
+};
+
+struct StandInPlan {
+  std::optional<bool> isAdapterOn = true;  ///< null: there is no adapter
+  std::vector<StandInDevice> devices = {StandInDevice{}};
+  Connecting connecting = Connecting::InOrder;
+  std::string errorName = "org.bluez.Error.Failed";
+  std::string errorText = "Host is down (112)";
+  int profilesTaken =
+      0;  ///< so many registrations are refused first, as another program's is there
+
+  /// The service's end of a new connection, which the stand-in gives away.
+  std::function<int()> connect = nullptr;
+};
+
+/// The part of the Bluetooth service that printers need, on the system's bus: the objects of
+/// adapters and devices, and profiles. It serves on a thread of its own until its end.
+class StandInBluetooth {
+ public:
+  explicit StandInBluetooth(StandInPlan plan);
+  ~StandInBluetooth();
+  StandInBluetooth(const StandInBluetooth&) = delete;
+  StandInBluetooth& operator=(const StandInBluetooth&) = delete;
+
+  /// How many programs have the profile registered.
+  int profiles() const { return static_cast<int>(profileCount_); }
+
+  /// How many connections of others were turned down.
+  int turnedDown() const { return turnedDown_; }
+
+ private:
+  struct Profile {
+    std::string owner;
+    std::string path;
+  };
+
+  void addAdapter(bool isOn);
+  void addDevice(const StandInDevice& device);
+  void addManager();
+  void registerProfile(const std::string& path);
+  void unregister(const std::string& owner);
+  void connect(sdbus::Result<>&& result, const std::string& device);
+  void handOver(const std::string& device, std::function<void(const sdbus::Error*)> then);
+
+  const StandInPlan plan_;
+  std::unique_ptr<sdbus::IConnection> connection_;
+  std::vector<std::unique_ptr<sdbus::IObject>> objects_;
+  std::unique_ptr<sdbus::IObject> manager_;
+  std::vector<std::unique_ptr<sdbus::IProxy>> owners_;
+  std::vector<std::shared_ptr<sdbus::Result<>>> unanswered_;
+  sdbus::Slot departures_;
+  std::optional<Profile> profile_;
+  std::atomic<int> profileCount_ = 0;
+  std::atomic<int> turnedDown_ = 0;
+  int toRefuse_ = plan_.profilesTaken;
+  std::thread thread_;
+};
+
+}  // namespace quordalvane::test

@@ -1,0 +1,40 @@
+// Takes the place of the Bluetooth back end if its library is missing: the scheme is known, and says
+// why it cannot be had.
+#include "backends/Schemes.h"
+#include "backends/SpecText.h"
+#include "backends/bluez/BluetoothScheme.h"
+
+namespace quordalvane {
+namespace {
+
+[[noreturn]] void refuse() {
+  spec::refuse(
+      "bluetooth: this quorport was built without Bluetooth, which takes libsdbus-c++-dev");
+}
+
+void checkPlace(const std::string& /*place*/) {
+  refuse();
+}
+
+std::shared_ptr<EAAccessory> make(const DeviceSpec& /*spec*/, AccessoryIdentity /*identity*/,
+                                  Clock& /*clock*/) {
+  refuse();
+}
+
+constinit const Scheme bluetoothScheme = {
+    .name = "bluetooth",
+    .place = "",
+    .about = "paired Bluetooth printers; this quorport was built without them",
+    .checkPlace = checkPlace,
+    .make = make,
+    .ifSilent = "",
+    .ifNotUnderstood = "",
+};
+
+}  // namespace
+
+void addBluetoothScheme() {
+  addScheme(bluetoothScheme);
+}
+
+}  // namespace quordalvane
