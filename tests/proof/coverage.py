@@ -27,7 +27,7 @@ ROOMS = (*EXPLAINED, "backends", "c-interface", "simulator")
 ENOUGH, ENOUGH_OF_A_ROOM = 0.98, 0.95
 REPLIES = {file.relative_to(areas.ROOT) for file in areas.area("replies").files()}
 PROGRAMS = ("unit_parsers", "unit_port", "unit_job", "unit_logging", "trace", "faults", "simulation", "lifecycle",
-            "unit_posix", "unit_virtual", "unit_backends", "contract", "unit_c-interface", "unit_simulator")
+            "unit_posix", "unit_backends", "contract", "unit_c-interface", "unit_simulator")
 SENTENCES = "c_interface_tests"  # each in a process of its own
 SIZES = {"QUOR_SCRIPTS": "20000", "QUOR_SIMULATED_JOBS": "4000",
          "QUOR_PORT_CYCLES": "500", "QUOR_PORT_RELEASES": "200"}

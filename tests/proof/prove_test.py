@@ -1,5 +1,6 @@
 """The summary of the proof can be trusted: no row without a case, the tree that was really run, no unit twice."""
 
+import json
 import os
 import shutil
 import subprocess
@@ -12,6 +13,7 @@ from unittest import mock
 
 import areas
 import breaks
+import coverage
 import ledger
 import page
 import prove
@@ -146,6 +148,14 @@ class Tables(unittest.TestCase):
             with self.subTest(one.what):
                 self.assertEqual((steps.ROOT / one.path).read_text().count(one.old), 1)
                 self.assertIn(steps.ROOT / one.path, areas.area_of(one.path).files())
+
+
+    def test_the_coverage_runs_the_programs_that_its_preset_builds_and_there_are_tests_for_each(self):
+        presets = json.loads((steps.ROOT / "CMakePresets.json").read_text())["buildPresets"]
+        targets = next(one["targets"] for one in presets if one["name"] == "coverage")
+        self.assertCountEqual(targets, [*(f"{name}_tests" for name in coverage.PROGRAMS), coverage.SENTENCES])
+        for name in coverage.PROGRAMS:
+            self.assertTrue((steps.ROOT / "tests" / name.replace("_", "/", 1)).is_dir(), name)
 
 
 @unittest.skipUnless(shutil.which("git"), "needs git")
