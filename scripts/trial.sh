@@ -1,7 +1,8 @@
-# !/usr/bin/env bash trial.sh FOLDER: acts as a new user, in a bare Debian system that it makes in
-# FOLDER/bare: installs the packages of FOLDER, compiles the program of the README as it is printed
-# there, runs it against a served printer, and shows the receipt. It needs root, debootstrap and the
-# network. The bare system sees nothing of this one. Each step shows how long it took.
+#!/usr/bin/env bash
+# trial.sh FOLDER: acts as a new user, in a bare Debian system that it makes in FOLDER/bare: installs the
+# packages of FOLDER, compiles the program of the README as it is printed there, runs it against a served
+# printer, and shows the receipt. It needs root, debootstrap and the network. The bare system sees nothing
+# of this one. Each step shows how long it took.
 set -euo pipefail
 folder=$1
 root=$folder/bare
