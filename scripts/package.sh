@@ -10,7 +10,8 @@ mkdir -p "$sources"
 tar --create --exclude=./.git --exclude=./build --exclude='./build-*' . |
   tar --extract --directory "$sources"
 (cd "$sources" && dpkg-buildpackage --build=binary --no-sign)
+(cd "$sources/python" && python3 -c 'import setuptools.build_meta as build; build.build_wheel("../..")')
 rm -rf "$sources"
 lintian --allow-root --fail-on error,warning --tag-display-limit 0 "$folder"/*.changes
 echo "The packages:"
-ls "$folder"/*.deb
+ls "$folder"/*.deb "$folder"/*.whl
