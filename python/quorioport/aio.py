@@ -1,0 +1,197 @@
+"""The same port for asyncio. Nothing blocks the loop: each call runs on the port's own thread."""
+
+from __future__ import annotations
+
+import asyncio
+from collections.abc import AsyncIterator, Callable, Sequence
+from types import TracebackType
+from typing import Self
+
+from quorioport.errors import UsageError
+from quorioport.job import PrintResult, Progress, Proof, RunningJob, bytes_of
+from quorioport.port import Emulation, Port
+from quorioport.status import Status
+
+
+class AsyncPort:
+    """A Port whose operations are coroutines. What they do and raise is said there.
+
+        async with AsyncPort("tcp:192.0.2.10:9100") as port:
+            result = await port.print(receipt)
+
+    A task that is cancelled while it prints cancels the job, and ends after the job has.
+    """
+
+    def __init__(
+        self,
+        device: str | Sequence[str],
+        *,
+        port_name: str = "BT:",
+        settings: str = "",
+        timeout: float = 10,
+        emulation: Emulation = Emulation.LINE,
+        end_timeout: float | None = None,
+        hold_print_timeout: float | None = None,
+        data_timeout: int | None = None,
+    ) -> None:
+        """As Port."""
+        self._port = Port(
+            device,
+            port_name=port_name,
+            settings=settings,
+            timeout=timeout,
+            emulation=emulation,
+            end_timeout=end_timeout,
+            hold_print_timeout=hold_print_timeout,
+            data_timeout=data_timeout,
+        )
+        self._wait = self._port.worker.wait
+        self._handle = self._port.handle
+
+    async def __aenter__(self) -> Self:
+        """Opens the port."""
+        await self.open()
+        return self
+
+    async def __aexit__(
+        self, kind: type[BaseException] | None, error: BaseException | None, trace: TracebackType | None
+    ) -> None:
+        """Closes the port."""
+        await self.close()
+
+    @property
+    def port(self) -> Port:
+        """The port itself; its operations block."""
+        return self._port
+
+    @property
+    def is_open(self) -> bool:
+        """As Port.is_open."""
+        return self._port.is_open
+
+    async def open(self) -> None:
+        """As Port.open."""
+        await self._wait(self._handle.open)
+
+    async def close(self) -> None:
+        """As Port.close."""
+        await self._wait(self._handle.close)
+
+    async def is_connected(self) -> bool:
+        """As Port.is_connected."""
+        return await self._wait(self._handle.is_connected)
+
+    async def name(self) -> str:
+        """As Port.name."""
+        return await self._wait(self._handle.name)
+
+    async def serial_number(self) -> str:
+        """As Port.serial_number."""
+        return await self._wait(self._handle.serial_number)
+
+    async def connection_id(self) -> int:
+        """As Port.connection_id."""
+        return await self._wait(self._handle.connection_id)
+
+    async def print(
+        self,
+        data: bytes | bytearray | memoryview,
+        *,
+        proof: Proof = Proof.AUTO,
+        progress: Callable[[Progress], object] | None = None,
+    ) -> PrintResult:
+        """As Port.print; `progress` is called in the loop."""
+        return await AsyncPrintJob(self, proof=proof, progress=progress).run(data)
+
+    async def status(self) -> Status:
+        """As Port.status."""
+        return await self._wait(self._handle.status)
+
+    async def is_online(self) -> bool:
+        """As Port.is_online."""
+        return await self._wait(self._handle.is_online)
+
+    async def firmware(self) -> str:
+        """As Port.firmware."""
+        return await self._wait(self._handle.firmware)
+
+    async def dip_switches(self) -> tuple[bytes, bytes]:
+        """As Port.dip_switches."""
+        return await self._wait(self._handle.dip_switches)
+
+    async def button_security_timeout(self) -> float:
+        """As Port.button_security_timeout."""
+        return await self._wait(self._handle.button_security_timeout)
+
+    async def drop_all(self) -> None:
+        """As Port.drop_all."""
+        await self._wait(self._handle.drop_all)
+
+    async def disconnect(self) -> None:
+        """As Port.disconnect."""
+        await self._wait(self._handle.disconnect)
+
+    async def write(self, data: bytes) -> int:
+        """As Port.write."""
+        return await self._wait(self._handle.write, data)
+
+    async def read(self, size: int) -> bytes:
+        """As Port.read."""
+        return await self._wait(self._handle.read, size)
+
+    async def send_command(self, command: bytes) -> None:
+        """As Port.send_command."""
+        await self._wait(self._handle.send_command, command)
+
+
+class AsyncPrintJob:
+    """A PrintJob for asyncio; its `steps` are for `async for`."""
+
+    def __init__(
+        self, port: AsyncPort, *, proof: Proof = Proof.AUTO, progress: Callable[[Progress], object] | None = None
+    ) -> None:
+        """As PrintJob; `progress` is called in the loop."""
+        self._port = port.port
+        self._proof = proof
+        self._progress = progress
+        self._running: RunningJob | None = None
+        self._is_cancelled = False
+        #: What became of the job; None before its end.
+        self.result: PrintResult | None = None
+
+    async def run(self, data: bytes | bytearray | memoryview) -> PrintResult:
+        """As PrintJob.run."""
+        async for progress in self.steps(data):
+            if self._progress is not None:
+                self._progress(progress)
+        assert self.result is not None
+        return self.result
+
+    async def steps(self, data: bytes | bytearray | memoryview) -> AsyncIterator[Progress]:
+        """As PrintJob.steps."""
+        loop = asyncio.get_running_loop()
+        told: asyncio.Queue[Progress | None] = asyncio.Queue()
+        if self._running is not None:
+            raise UsageError("the job was run already: a job is sent once")
+        self._running = RunningJob(
+            lambda progress: loop.call_soon_threadsafe(told.put_nowait, progress), self._proof
+        )
+        if self._is_cancelled:
+            self._running.cancel()
+        job = asyncio.wrap_future(self._port.start_job(self._running, bytes_of(data)))
+        job.add_done_callback(lambda _: told.put_nowait(None))
+        is_left = True
+        try:
+            while (progress := await told.get()) is not None:
+                yield progress
+            is_left = False
+        finally:
+            if is_left:
+                self.cancel()
+            self.result = await asyncio.shield(job)
+
+    def cancel(self) -> None:
+        """As PrintJob.cancel."""
+        self._is_cancelled = True
+        if self._running is not None:
+            self._running.cancel()

@@ -1,0 +1,49 @@
+"""The errors of the package. Each has a text that says what was wrong."""
+
+from __future__ import annotations
+
+from typing import TYPE_CHECKING
+
+if TYPE_CHECKING:
+    from quorioport.job import PrintResult
+
+
+class QuorError(Exception):
+    """Base of all errors of this package."""
+
+
+class OperationError(QuorError):
+    """The operation was tried and did not succeed: no accessory, no answer, no space."""
+
+
+class LinkLostError(QuorError):
+    """The link to the printer was lost, or a write failed."""
+
+
+class UnreadableAnswerError(QuorError):
+    """Something answered, and not in the form of a printer's answer."""
+
+
+class NotReadyError(QuorError):
+    """The printer is off line and was not asked."""
+
+
+class UsageError(QuorError, ValueError):
+    """A value that is not allowed. Nothing was done."""
+
+
+class SystemFailureError(QuorError, OSError):
+    """The system failed, or the library could not be loaded."""
+
+
+class JournalError(QuorError):
+    """The journal of jobs cannot be kept. Nothing was sent."""
+
+
+class NotPrintedError(QuorError):
+    """A job was not printed; `result` says what is known."""
+
+    def __init__(self, result: PrintResult) -> None:
+        """Keeps the result."""
+        super().__init__(f"{result.outcome.value}: {result.reason}; {result.advice}")
+        self.result = result

@@ -1,0 +1,267 @@
+"""One print job: what became of it, and how far it is meanwhile."""
+
+from __future__ import annotations
+
+import ctypes
+import queue
+import threading
+from collections.abc import Callable, Iterator
+from concurrent.futures import Future
+from dataclasses import dataclass
+from enum import Enum
+from typing import TYPE_CHECKING
+
+from quorioport import _library as c
+from quorioport._handle import Handle
+from quorioport.errors import NotPrintedError, UsageError
+from quorioport.status import Status, StatusRecord, status_of
+
+if TYPE_CHECKING:
+    from quorioport.port import Port
+
+
+class Outcome(Enum):
+    """What became of a job."""
+
+    #: The printer confirmed that it has printed all of it.
+    PRINTED = "printed"
+    #: Bytes were sent, and nothing proves that they were printed: sending them again may print twice.
+    UNCONFIRMED = "unconfirmed"
+    #: Nothing of the job was sent: sending it again is safe.
+    REFUSED = "refused"
+
+
+class Proof(Enum):
+    """How a printer confirms a job."""
+
+    #: Not at all: it is not asked, and the job is unconfirmed at best.
+    NONE = "none"
+    #: As `proof=` of the device says; otherwise the printer is asked before the job.
+    AUTO = "auto"
+    #: It counts marks before and after the data.
+    BLOCK = "block"
+    #: It returns four random characters that end the job; ESC/POS alone.
+    PROCESS_ID = "process-id"
+    #: It answers a question that ends the job, in its turn; ESC/POS alone.
+    IN_ORDER = "in-order"
+
+
+class Obstacle(Enum):
+    """Why a job was not printed."""
+
+    NONE = "none"
+    PRINTER_NOT_READY = "printer not ready"
+    LINK_LOST = "link lost"
+    CANCELLED = "cancelled"
+    EXCHANGE_FAILED = "exchange failed"
+    NO_PROOF = "no proof"
+
+
+# By the numbers of the C interface.
+OUTCOMES = (Outcome.PRINTED, Outcome.UNCONFIRMED, Outcome.REFUSED)
+OBSTACLES = tuple(Obstacle)
+PROOFS = tuple(Proof)
+
+
+@dataclass(frozen=True)
+class Progress:
+    """How far a job is: told as it begins, after each piece, as it ends, and when the printer pauses or goes on."""
+
+    #: How many bytes the link has taken.
+    bytes_accepted: int
+    bytes_total: int
+    #: Why the printer has paused, "cover open" for example; "" while it has not.
+    waits_for: str
+
+
+@dataclass(frozen=True)
+class PrintResult:
+    """What is known of a job that has ended."""
+
+    outcome: Outcome
+    obstacle: Obstacle
+    #: The proof that was used; NONE for a printer that gives none, AUTO while it was not found.
+    proof: Proof
+    #: Why it was not printed, for a person; "" if it was.
+    reason: str
+    #: What to do next, for a person; "" if it was printed.
+    advice: str
+    #: The exact number of bytes of the job that the link took.
+    bytes_accepted: int
+    bytes_total: int
+    #: The last status, None if there was none.
+    status: Status | None
+
+    @property
+    def printed(self) -> bool:
+        """The printer confirmed the job."""
+        return self.outcome is Outcome.PRINTED
+
+    def raise_unless_printed(self) -> None:
+        """Raises NotPrintedError unless the job was printed."""
+        if not self.printed:
+            raise NotPrintedError(self)
+
+
+def bytes_of(data: bytes | bytearray | memoryview) -> bytes:
+    """The data to print; raises TypeError for a text."""
+    if isinstance(data, str):
+        raise TypeError("a printer takes bytes: encode the text in the printer's code page")
+    return bytes(data)
+
+
+class RunningJob:
+    """A job of the library: it runs once, on the thread that uses the port, and any thread may cancel it."""
+
+    def __init__(self, progress: Callable[[Progress], object] | None, proof: Proof) -> None:
+        """`progress` is called on the thread that runs the job."""
+        self._proof = PROOFS.index(Proof(proof))
+        self._progress = progress
+        self._failure: BaseException | None = None
+        self._lock = threading.Lock()
+        self._job = c.HANDLE()
+        self._is_cancelled = False
+
+    def cancel(self) -> None:
+        """Abandons the job, also before it runs."""
+        with self._lock:
+            self._is_cancelled = True
+            if self._job:
+                c.function("print_job_cancel")(self._job)
+
+    def run(self, handle: Handle, data: bytes) -> PrintResult:
+        """Prints the data over an open port.
+
+        An error of the progress function cancels the job and is raised after its end.
+        """
+        handle.require_open()
+        return self.run_with(handle, lambda job: c.call("print_job_run", job, data, len(data)))
+
+    def run_with(self, handle: Handle, run: Callable[[ctypes.c_void_p], object]) -> PrintResult:
+        """Has `run` print with the library's job."""
+        observer = c.PROGRESS(self._report)
+        self._create(handle, observer)
+        try:
+            run(self._job)
+            if self._failure is not None:
+                raise self._failure
+            return self._result()
+        finally:
+            self._free()
+
+    def _create(self, handle: Handle, observer: object) -> None:
+        with self._lock:
+            if self._job:
+                raise UsageError("the job runs already")
+            c.call("print_job_create", handle.created, self._proof, observer, None, ctypes.byref(self._job))
+            if self._is_cancelled:
+                c.function("print_job_cancel")(self._job)
+
+    def _free(self) -> None:
+        with self._lock:
+            c.function("print_job_free")(self._job)
+            self._job = c.HANDLE()
+
+    def _report(self, _context: object, accepted: int, total: int) -> None:
+        if self._progress is None or self._failure is not None:
+            return
+        try:
+            self._progress(Progress(accepted, total, c.text_of("print_job_waits_for", self._job)))
+        except BaseException as failure:  # noqa: B902 - nothing may pass through the library
+            self._failure = failure
+            self.cancel()
+
+    def _result(self) -> PrintResult:
+        record = StatusRecord()
+        has_status = c.call("print_job_status", self._job, ctypes.byref(record)) == 0
+        return PrintResult(
+            outcome=OUTCOMES[c.integer("print_job_outcome", self._job)],
+            obstacle=OBSTACLES[c.integer("print_job_obstacle", self._job)],
+            proof=PROOFS[c.integer("print_job_proof", self._job)],
+            reason=c.text_of("print_job_reason", self._job),
+            advice=c.text_of("print_job_advice", self._job),
+            bytes_accepted=c.integer("print_job_bytes_accepted", self._job),
+            bytes_total=c.integer("print_job_bytes_total", self._job),
+            status=status_of(record) if has_status else None,
+        )
+
+
+class PrintJob:
+    """One job for an open port. It is sent once, and never again by itself.
+
+        job = PrintJob(port)
+        for progress in job.steps(receipt):
+            print(progress.bytes_accepted, "of", progress.bytes_total)
+        print(job.result.outcome)
+    """
+
+    def __init__(
+        self, port: Port, *, proof: Proof = Proof.AUTO, progress: Callable[[Progress], object] | None = None
+    ) -> None:
+        """`proof` is how the printer is to confirm the job.
+
+        `progress` is called on the thread of the port; an error that it raises cancels the job.
+        """
+        self._port = port
+        self._proof = proof
+        self._progress = progress
+        self._running: RunningJob | None = None
+        self._is_cancelled = False
+        #: What became of the job; None before its end.
+        self.result: PrintResult | None = None
+
+    def run(self, data: bytes | bytearray | memoryview) -> PrintResult:
+        """Prints the data and returns what became of it, within the time-outs of the port.
+
+        Ctrl-C cancels the job and is raised after the job has ended; `result` then says how. Raises OperationError
+        if the port is not open, UsageError if the job was run before.
+        """
+        return self._finish(self._start(data, self._progress))
+
+    def steps(self, data: bytes | bytearray | memoryview) -> Iterator[Progress]:
+        """Prints the data, and yields how far it is; then `result` is set. Leaving the loop early cancels the job."""
+        told: queue.SimpleQueue[Progress | None] = queue.SimpleQueue()
+
+        def report(progress: Progress) -> None:
+            told.put(progress)
+            if self._progress is not None:
+                self._progress(progress)
+
+        job = self._start(data, report)
+        job.add_done_callback(lambda _: told.put(None))
+        try:
+            while (progress := told.get()) is not None:
+                yield progress
+        except GeneratorExit:
+            self.cancel()
+            raise
+        finally:
+            self._finish(job)
+
+    def cancel(self) -> None:
+        """Abandons the job within 0.3 s, also before it runs; any thread may do so.
+
+        The printer drops what it holds of the job, and the link is closed.
+        """
+        self._is_cancelled = True
+        if self._running is not None:
+            self._running.cancel()
+
+    def _start(
+        self, data: bytes | bytearray | memoryview, progress: Callable[[Progress], object] | None
+    ) -> Future[PrintResult]:
+        if self._running is not None:
+            raise UsageError("the job was run already: a job is sent once")
+        self._running = RunningJob(progress, self._proof)
+        if self._is_cancelled:
+            self._running.cancel()
+        return self._port.start_job(self._running, bytes_of(data))
+
+    def _finish(self, job: Future[PrintResult]) -> PrintResult:
+        try:
+            self.result = job.result()
+        except KeyboardInterrupt:
+            self.cancel()
+            self.result = job.result()
+            raise
+        return self.result

@@ -1,0 +1,87 @@
+"""A printer's status: the library's record, and what Python programs get."""
+
+from __future__ import annotations
+
+import ctypes
+from dataclasses import dataclass
+
+FLAGS = (
+    "coverOpen",
+    "offline",
+    "compulsionSwitch",
+    "overTemp",
+    "unrecoverableError",
+    "cutterError",
+    "mechError",
+    "headThermistorError",
+    "receiveBufferOverflow",
+    "pageModeCmdError",
+    "paperDetectionError",
+    "blackMarkError",
+    "jamError",
+    "presenterPaperJamError",
+    "headUpError",
+    "voltageError",
+    "receiptBlackMarkDetection",
+    "receiptPaperEmpty",
+    "receiptPaperNearEmptyInner",
+    "receiptPaperNearEmptyOuter",
+    "paperPresent",
+    "presenterPaperPresent",
+    "peelerPaperPresent",
+    "stackerFull",
+    "slipTOF",
+    "slipCOF",
+    "slipBOF",
+    "validationPaperPresent",
+    "slipPaperPresent",
+    "etbAvailable",
+)
+LONGEST_REPLY = 63
+
+
+class StatusRecord(ctypes.Structure):
+    """The record of the C interface."""
+
+    _fields_ = [
+        *((flag, ctypes.c_uint32) for flag in FLAGS),
+        ("etbCounter", ctypes.c_uint8),
+        ("presenterState", ctypes.c_uint8),
+        ("connectedInterface", ctypes.c_uint8),
+        ("rawLength", ctypes.c_uint32),
+        ("raw", ctypes.c_uint8 * LONGEST_REPLY),
+    ]
+
+
+@dataclass(frozen=True)
+class Status:
+    """The state of a printer at one moment. In ESC/POS most flags are unknown and False."""
+
+    #: The printer is ready to print.
+    online: bool
+    cover_open: bool
+    paper_empty: bool
+    paper_near_empty: bool
+    #: Paper was left in the exit.
+    paper_present: bool
+    #: The level at the drawer connector.
+    drawer_switch: bool
+    #: The names of all conditions that hold, as the C interface names them.
+    conditions: frozenset[str]
+    #: The reply as it was received.
+    raw: bytes
+
+
+def status_of(record: StatusRecord) -> Status:
+    """The record as a program of Python wants it."""
+    conditions = frozenset(flag for flag in FLAGS if getattr(record, flag))
+    return Status(
+        online="offline" not in conditions,
+        cover_open="coverOpen" in conditions,
+        paper_empty="receiptPaperEmpty" in conditions,
+        paper_near_empty=not conditions.isdisjoint({"receiptPaperNearEmptyInner", "receiptPaperNearEmptyOuter"}),
+        paper_present="paperPresent" in conditions,
+        drawer_switch="compulsionSwitch" in conditions,
+        conditions=conditions,
+        raw=bytes(record.raw[: record.rawLength]),
+    )

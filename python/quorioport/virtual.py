@@ -1,0 +1,170 @@
+"""The virtual printer, for programs and tests: a printer that says what it printed."""
+
+from __future__ import annotations
+
+import json
+import os
+import queue
+import re
+import subprocess
+import tempfile
+import threading
+from collections.abc import Mapping
+from dataclasses import dataclass
+from pathlib import Path
+from types import TracebackType
+from typing import Any, Self
+
+from quorioport.errors import OperationError, SystemFailureError, UsageError
+
+PATIENCE = 10.0  # seconds for an answer of the printer's own process
+
+
+@dataclass(frozen=True)
+class Receipt:
+    """One job as it came out of the printer."""
+
+    #: The paper as text.
+    text: str
+    #: The paper as a picture, a PNG.
+    picture: bytes
+    #: What the printer noted: cuts, drawer pulses, questions, unknown commands and more.
+    record: Mapping[str, Any]
+
+
+def key_of(name: str) -> str:
+    """cover_open, or coverOpen, as the printer calls it."""
+    return re.sub(r"_(\w)", lambda letter: letter.group(1).upper(), name)
+
+
+class VirtualPrinter:
+    """A receipt printer without hardware, in a process of its own.
+
+        with VirtualPrinter() as printer, Port(printer.device) as port:
+            port.print(b"hello\\n")
+        print(printer.next_receipt().text)
+
+    Settings and faults have the names that docs/virtual-printer.md lists, in either spelling: cover_open, coverOpen.
+    """
+
+    def __init__(self, command: str | None = None, **settings: object) -> None:
+        """Starts it. `command` is the program quorport, by default the one in QUORPORT or in the path."""
+        self._folder = tempfile.TemporaryDirectory(prefix="quorport-")
+        self._answers: queue.SimpleQueue[dict[str, Any] | None] = queue.SimpleQueue()
+        self._jobs: queue.SimpleQueue[dict[str, Any]] = queue.SimpleQueue()
+        self._control = threading.Lock()
+        given = [word for name, value in settings.items() for word in ("--set", f"{key_of(name)}={_text(value)}")]
+        self._errors = tempfile.TemporaryFile("w+")  # noqa: SIM115 - closed with the printer
+        program = command or os.environ.get("QUORPORT") or "quorport"
+        try:
+            self._process = subprocess.Popen(
+                [program, "--json", "simulate", "--listen", "tcp:", "--receipts", self._folder.name, *given],
+                stdin=subprocess.PIPE,
+                stdout=subprocess.PIPE,
+                stderr=self._errors,
+                text=True,
+            )
+        except OSError as error:
+            self._errors.close()
+            self._folder.cleanup()
+            raise SystemFailureError(f"{error}; install the package quorport, or name the program") from error
+        assert self._process.stdout is not None
+        first = self._process.stdout.readline()
+        if not first or "listening" not in json.loads(first):
+            raise UsageError(self._last_words(first))
+        #: The text that a Port takes.
+        self.device: str = json.loads(first)["listening"][0]
+        self._listener = threading.Thread(target=self._listen, daemon=True)
+        self._listener.start()
+
+    def __enter__(self) -> Self:
+        """The printer runs already."""
+        return self
+
+    def __exit__(
+        self, kind: type[BaseException] | None, error: BaseException | None, trace: TracebackType | None
+    ) -> None:
+        """Stops it."""
+        self.close()
+
+    def close(self) -> None:
+        """Stops the printer; its receipts are gone. Harmless if it was stopped."""
+        if self._process.poll() is None:
+            self._process.terminate()
+        self._process.wait()
+        self._listener.join()
+        self._forget()
+
+    def set(self, **settings: object) -> None:
+        """Changes its state: `set(cover_open=True)`. Raises UsageError for a name or a value that it does not know."""
+        self._ask({"set": {key_of(name): value for name, value in settings.items()}})
+
+    def state(self) -> dict[str, Any]:
+        """Its state: flags, firmware, counters and more, by their names."""
+        state = self._ask({"get": "state"})["state"]
+        assert isinstance(state, dict)
+        return state
+
+    def fault(self, **faults: object) -> None:
+        """Adds faults: `fault(late_reply=300)`."""
+        self._ask({"fault": {name.replace("_", "-"): value for name, value in faults.items()}})
+
+    def clear_faults(self) -> None:
+        """Takes all faults away."""
+        self._ask({"clear": "faults"})
+
+    def next_receipt(self, timeout: float = PATIENCE) -> Receipt:
+        """The next job that has ended, oldest first; waits for it, and raises OperationError if there is none.
+
+        A job ends when its port is closed.
+        """
+        try:
+            record = self._jobs.get(timeout=timeout)
+        except queue.Empty:
+            raise OperationError(f"no job ended within {timeout} s; one ends when its port is closed") from None
+        files = [Path(name) for name in record["files"]]
+        text = "".join(file.read_text() for file in files if file.suffix == ".txt")
+        pictures = [file.read_bytes() for file in files if file.suffix == ".png"]
+        return Receipt(text, pictures[0] if pictures else b"", record)
+
+    def _listen(self) -> None:
+        assert self._process.stdout is not None
+        for line in self._process.stdout:
+            said = json.loads(line)
+            if "job" in said:
+                self._jobs.put(said)
+            else:
+                self._answers.put(said)
+        self._answers.put(None)
+
+    def _ask(self, request: dict[str, Any]) -> dict[str, Any]:
+        assert self._process.stdin is not None
+        with self._control:
+            try:
+                self._process.stdin.write(json.dumps(request) + "\n")
+                self._process.stdin.flush()
+                answer = self._answers.get(timeout=PATIENCE)
+            except (OSError, ValueError, queue.Empty) as error:
+                raise OperationError("the virtual printer does not run any more") from error
+        if answer is None:
+            raise OperationError("the virtual printer does not run any more")
+        if not answer["ok"]:
+            raise UsageError(answer["error"])
+        return answer
+
+    def _last_words(self, first: str) -> str:
+        self._process.wait()
+        self._errors.seek(0)
+        said = str(json.loads(first)["error"]) if first else self._errors.read().strip()
+        self._forget()
+        return said
+
+    def _forget(self) -> None:
+        for stream in (self._process.stdin, self._process.stdout, self._errors):
+            if stream is not None:
+                stream.close()
+        self._folder.cleanup()
+
+
+def _text(value: object) -> str:
+    return str(value).lower() if isinstance(value, bool) else str(value)

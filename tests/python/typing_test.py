@@ -1,0 +1,25 @@
+"""The package's types hold, strictly. Needs mypy; and ruff's rules hold where there is a ruff."""
+
+import shutil
+import subprocess
+import unittest
+from pathlib import Path
+
+PACKAGE = Path(__file__).resolve().parents[2] / "python"
+
+
+class Typing(unittest.TestCase):
+    def assertSilent(self, *command: str):
+        done = subprocess.run(command, cwd=PACKAGE, capture_output=True, text=True, timeout=300)
+        self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
+
+    def test_mypy_finds_nothing(self):
+        self.assertSilent("mypy", "--config-file", "pyproject.toml", "--cache-dir", "/dev/null", "quorioport")
+
+    @unittest.skipUnless(shutil.which("ruff"), "needs ruff")
+    def test_ruff_finds_nothing(self):
+        self.assertSilent("ruff", "check", "--no-cache", ".")
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,67 @@
+"""The virtual printer for programs and tests in Python."""
+
+import os
+import unittest
+from pathlib import Path
+
+import quorioport
+from quorioport import Port, VirtualPrinter
+
+
+class Virtual(unittest.TestCase):
+    def test_a_receipt_is_text_picture_and_record(self):
+        with VirtualPrinter() as printer:
+            with Port(printer.device, emulation=quorioport.Emulation.ESCPOS) as port:
+                port.print(b"Caf\x82\n\x1d\x56\x00")
+            receipt = printer.next_receipt()
+        self.assertIn("Café", receipt.text)
+        self.assertTrue(receipt.picture.startswith(b"\x89PNG"))
+        self.assertEqual(receipt.record["cuts"], 1)
+
+    def test_each_receipt_is_handed_out_once_and_in_order(self):
+        with VirtualPrinter() as printer:
+            for number in range(3):
+                with Port(printer.device) as port:
+                    port.print(b"receipt %d\n" % number)
+            texts = [printer.next_receipt().text.strip() for _ in range(3)]
+            self.assertEqual(texts, ["receipt 0", "receipt 1", "receipt 2"])
+            with self.assertRaisesRegex(quorioport.OperationError, "no job ended within 0.01 s"):
+                printer.next_receipt(timeout=0.01)
+
+    def test_its_state_is_set_in_either_spelling(self):
+        with VirtualPrinter(cover_open=True, speed=200) as printer:
+            self.assertEqual((printer.state()["coverOpen"], printer.state()["speed"]), (True, 200))
+            printer.set(cover_open=False, receiptPaperEmpty=True)
+            self.assertEqual((printer.state()["coverOpen"], printer.state()["receiptPaperEmpty"]), (False, True))
+
+    def test_faults_are_given_and_taken_away(self):
+        with VirtualPrinter() as printer, Port(printer.device, timeout=2) as port:
+            printer.fault(drop_reply="all")
+            with self.assertRaises(quorioport.OperationError):
+                port.firmware()
+            printer.clear_faults()
+            self.assertNotEqual(port.firmware(), "")
+
+    def test_what_it_does_not_know_is_an_error_that_says_so(self):
+        with VirtualPrinter() as printer:
+            with self.assertRaisesRegex(quorioport.UsageError, "coverAjar"):
+                printer.set(cover_ajar=True)
+            printer.set(cover_open=True)
+        with self.assertRaisesRegex(quorioport.UsageError, "coverAjar"):
+            VirtualPrinter(cover_ajar=True)
+        with self.assertRaisesRegex(quorioport.SystemFailureError, "install"):
+            VirtualPrinter(command="/nowhere/quorport")
+
+    def test_nothing_is_left_of_one_that_was_stopped(self):
+        printer = VirtualPrinter()
+        folder, process = Path(printer._folder.name), printer._process.pid
+        printer.close()
+        printer.close()
+        self.assertFalse(folder.exists())
+        self.assertFalse(os.path.exists(f"/proc/{process}"))
+        with self.assertRaisesRegex(quorioport.OperationError, "does not run"):
+            printer.state()
+
+
+if __name__ == "__main__":
+    unittest.main()
