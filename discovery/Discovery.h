@@ -22,8 +22,8 @@ struct Discovery {
   std::vector<std::string> unsearched;
 };
 
-/// Finds what could be printed on: USB printers and serial lines, in this order. Opens none of
-/// them and sends nothing to any of them.
+/// Finds the devices that could be printers: USB printers and serial lines, in this order. Opens
+/// none of them and sends nothing to any of them.
 ///
 ///     for (const FoundDevice& found : discoverDevices().devices) {
 ///       std::cout << found.device << " is " << found.name << "\n";

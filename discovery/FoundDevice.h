@@ -12,7 +12,7 @@ enum class Via { Usb, Bluetooth, Network, Serial };
 /// "usb", "bluetooth", "network" or "serial".
 std::string_view nameOf(Via via);
 
-/// A device that could be printed on. Its texts about itself are the device's own and so may be
+/// A device that could be a printer. Its texts about itself are the device's own and so may be
 /// lies, but they are short, valid UTF-8 and without control characters.
 struct FoundDevice {
   std::string device;        ///< the text that `parseDeviceSpec` takes

@@ -12,7 +12,7 @@ namespace quordalvane {
 /// One attempt to print the job of a name, a row of the journal.
 struct Attempt {
   std::string name;         ///< of the job
-  std::int64_t number = 0;  ///< 1 for the first, and on: the order, whatever the clock says
+  std::int64_t number = 0;  ///< 1 for the first, and so on: the order, independent of the clock
   Fingerprint data = {};
   std::string device = {};                 ///< the text of the device
   std::int64_t begun = 0;                  ///< milliseconds since 1970, UTC

@@ -20,7 +20,7 @@ class Statement {
   Statement& with(std::string_view text);
   Statement& withBlob(std::string_view bytes);
 
-  /// Goes on to the next row; false after the last one. Raises `JournalError`.
+  /// Moves to the next row; false after the last one. Throws `JournalError`.
   bool step();
 
   std::int64_t number(int column) const;
@@ -37,8 +37,8 @@ class Statement {
   int bound_ = 0;
 };
 
-/// One connection to a file of SQLite, which is a file of this machine and may be written. Whatever
-/// fails raises `JournalError`, with the file and the reason.
+/// One connection to a file of SQLite, which is a file of this machine and may be written. Every
+/// failure throws `JournalError`, with the file and the reason.
 class Database {
  public:
   explicit Database(std::filesystem::path file);

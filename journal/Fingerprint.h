@@ -6,7 +6,7 @@
 
 namespace quordalvane {
 
-/// What the journal keeps of a job's data, which is nobody else's business.
+/// The journal keeps this of a job's data, which itself is private.
 struct Fingerprint {
   std::uint64_t bytes = 0;  ///< its length
   std::string sha256;       ///< its SHA-256, 32 bytes

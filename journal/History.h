@@ -9,19 +9,19 @@
 
 namespace quordalvane {
 
-// What the attempts at one job add up to.
+// The state of a job after all its attempts.
 
-/// The attempt that decides what is known of a job: the one that printed it; otherwise the last one
-/// of which bytes may be on paper; otherwise the last one. The attempts must not be empty.
+/// The attempt that decides the state of a job: the one that printed it; otherwise the last one of
+/// which bytes may be on paper; otherwise the last one. The attempts must not be empty.
 const Attempt& decisive(const std::vector<Attempt>& attempts);
 
-/// What an attempt left: Printing is only known of its process, and never said here.
+/// The outcome of an attempt. Only its process knows Printing, which is never returned here.
 JobState stateOf(const Attempt& attempt);
 
 /// Why it was not printed, for a person.
 std::string reasonOf(const Attempt& attempt);
 
-/// The proof that it used; Auto as long as it has chosen none, and if that was not kept.
+/// The proof that it used; Auto before it has chosen one, and if that was not kept.
 ProofKind proofOf(const Attempt& attempt);
 
 /// The job of these attempts, whose process may live.

@@ -52,12 +52,12 @@ Journal::~Journal() = default;
 
 std::filesystem::path Journal::defaultFile() {
   const char* const state = std::getenv("XDG_STATE_HOME");
-  if (state != nullptr && *state == '/') {  // any other value is as good as none
+  if (state != nullptr && *state == '/') {  // any other value is ignored
     return std::filesystem::path(state) / "quorport/jobs.db";
   }
   const char* const home = std::getenv("HOME");
   if (home == nullptr || *home == '\0') {
-    throw JournalError("jobs.db", "neither XDG_STATE_HOME nor HOME says where it lies");
+    throw JournalError("jobs.db", "neither XDG_STATE_HOME nor HOME gives its folder");
   }
   return std::filesystem::path(home) / ".local/state/quorport/jobs.db";
 }

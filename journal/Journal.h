@@ -17,9 +17,9 @@ namespace quordalvane {
 class Database;
 struct Attempt;
 
-/// What a journal knows of a job.
+/// The facts that a journal holds about a job.
 enum class JobState {
-  Refused,      ///< nothing of it went out in any attempt
+  Refused,      ///< no byte of it was sent in any attempt
   Unconfirmed,  ///< nobody knows whether it is on paper
   Printing,     ///< a process that lives prints it
   Printed,      ///< the printer confirmed it
@@ -37,24 +37,24 @@ struct JobRecord {
   std::string reason;  ///< why it was not printed, for a person; "" when it was
 };
 
-/// What became of the wish to forget a job.
+/// The result of a wish to forget a job.
 enum class Forgetting {
   Forgotten,     ///< the journal knows nothing of it any more
   Unknown,       ///< there was no such job
   BeingPrinted,  ///< a process prints it; the journal is as it was
 };
 
-/// The file in which jobs are recorded under their names, so that what became of them outlives the
+/// The file in which jobs are recorded under their names, so that their outcomes outlive the
 /// process: a database of SQLite. Of a job's data it keeps the length and the SHA-256.
 ///
-/// What a function has written is on disk when it returns. Many processes may use one file at once.
-/// A `Journal` is for one thread at a time. Whatever cannot be done raises `JournalError`, and the
-/// file is then as it was.
+/// The changes of a function are on disk when it returns. Many processes may use one file at once.
+/// A `Journal` is for one thread at a time. Every failure throws `JournalError`, and the file is
+/// then as it was.
 class QUOR_EXPORT Journal {
  public:
   /// Opens `file`, and checks all that is in it. A file that is not there is made, readable and
   /// writable for this user alone, and so are the folders above it. Beside the file lies one whose
-  /// name ends in `.locks`. Raises `JournalError` if the file cannot be written, is damaged, empty,
+  /// name ends in `.locks`. Throws `JournalError` if the file cannot be written, is damaged, empty,
   /// no journal or of a later version of this library, or lies on a network file system.
   explicit Journal(const std::filesystem::path& file);
 
@@ -62,21 +62,21 @@ class QUOR_EXPORT Journal {
   Journal(const Journal&) = delete;
   Journal& operator=(const Journal&) = delete;
 
-  /// `quorport/jobs.db` in `$XDG_STATE_HOME`, or in `~/.local/state` if that is not set. Raises
+  /// `quorport/jobs.db` in `$XDG_STATE_HOME`, or in `~/.local/state` if that is not set. Throws
   /// `JournalError` if `$HOME` is not set either.
   static std::filesystem::path defaultFile();
 
   /// The file, by its one path through all links.
   const std::filesystem::path& file() const { return file_; }
 
-  /// What is known, by name.
+  /// All jobs, by name.
   std::vector<JobRecord> jobs();
 
   /// Takes a job out. A later call under its name prints it, even if it is on paper.
   Forgetting forget(const std::string& name);
 
   /// Takes out the jobs whose last attempt began more than `days` days ago by the present clock,
-  /// whatever became of them, except those that are being printed. Returns how many.
+  /// with any outcome, except those that are being printed. Returns how many.
   std::size_t forgetOlderThan(std::uint32_t days);
 
  private:

@@ -74,7 +74,7 @@ void makeFolder(const std::filesystem::path& folder, const std::filesystem::path
 
 void removeIfThere(const std::filesystem::path& file, const std::filesystem::path& journal) {
   if (::unlink(file.c_str()) != 0 && errno != ENOENT) {
-    fail(journal, "what is left of an earlier attempt to make it cannot be removed");
+    fail(journal, "the rest of an earlier attempt to make it cannot be removed");
   }
 }
 
@@ -91,8 +91,9 @@ void refuseNetwork(const std::filesystem::path& file) {
     fail(file, "its file system cannot be asked");
   }
   if (const auto name = networkFileSystem(static_cast<unsigned long>(found.f_type))) {
-    throw JournalError(file, "it lies on a network file system (" + std::string(*name) +
-                                 "), where locks do not hold; it takes a disk of this machine");
+    throw JournalError(file,
+                       "it lies on a network file system (" + std::string(*name) +
+                           "), on which locks do not hold; it must be on a disk of this machine");
   }
 }
 

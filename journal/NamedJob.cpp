@@ -28,7 +28,7 @@ PrintResult unconfirmed(const Attempt& attempt, const std::string& reason) {
   result.obstacle = attempt.obstacle;
   result.proof = proofOf(attempt);
   result.bytesTotal = attempt.data.bytes;
-  // How many went out of an attempt that has no end is not known, except that all may have.
+  // The number of bytes that an attempt without an end has sent is unknown: it may be all.
   result.bytesAccepted = attempt.ended ? attempt.bytesAccepted : attempt.data.bytes;
   result.reason = reason;
   result.advice = adviceFor(result);

@@ -16,7 +16,7 @@
 
 namespace quordalvane {
 
-/// What a job is called, and how it is to be treated.
+/// The name of a job, and the way to treat it.
 struct NamedJobRequest {
   std::string name;    ///< 1 to 255 bytes of UTF-8 without control characters
   std::string device;  ///< the text of the device, for those who read the journal
@@ -32,10 +32,10 @@ struct NamedJobRequest {
   std::function<void()> onWait = {};
 };
 
-/// What came of a job under a name.
+/// The result of a job under a name.
 struct NamedJobResult {
   PrintResult result;        ///< of the attempt that decides
-  std::int64_t attempt = 0;  ///< its number, 1 for the first; 0 if there was none
+  std::int64_t attempt = 0;  ///< its number, 1 for the first; 0 if there was no attempt
   bool isRepeated = false;   ///< true: it was printed by an earlier call, and this one sent nothing
 
   /// Why the outcome could not be recorded, for a person; "" if it was. The outcome is true all the
@@ -52,16 +52,16 @@ struct NamedJobResult {
 ///       const NamedJobResult result = named.run(job);
 ///     }
 ///
-/// "Begun" is on disk before the first byte of the job goes out, and the outcome is before it is
+/// "Begun" is on disk before the first byte of the job is sent, and the outcome is before it is
 /// returned. A process that ends in between leaves a job of which nobody knows whether it is on
 /// paper, and it is not sent again unless `again` is asked for.
 ///
 /// As long as this lives, no other one has the same name in the same journal; the kernel gives the
-/// name back when the process ends, whatever ends it. It must not outlive its journal or its data.
+/// name back when the process ends in any way. It must not outlive its journal or its data.
 class QUOR_EXPORT NamedJob {
  public:
-  /// Claims the name, waiting as long as the request says. Raises `std::invalid_argument`, with a
-  /// text for people, if the name is none or is known with other data (length or SHA-256);
+  /// Claims the name, waiting as long as the request says. Throws `std::invalid_argument`, with a
+  /// text for people, if the name is invalid or is known with other data (length or SHA-256);
   /// `JournalError` if the journal cannot be read or locked. Nothing is sent or recorded here.
   NamedJob(Journal& journal, NamedJobRequest request, std::span<const std::uint8_t> data);
 
@@ -69,13 +69,13 @@ class QUOR_EXPORT NamedJob {
   NamedJob(const NamedJob&) = delete;
   NamedJob& operator=(const NamedJob&) = delete;
 
-  /// What the journal answers without printing; empty if the job must be run:
+  /// The journal's answer without printing; empty if the job must be run:
   ///
   /// | known of the name | answer |
   /// |---|---|
   /// | nothing, or refused | empty |
   /// | printed | Printed, with `isRepeated` |
-  /// | unconfirmed, or begun by a process that is gone | Unconfirmed with the cause; with `again`
+  /// | unconfirmed, or begun by a process that has ended | Unconfirmed with the cause; with `again`
   /// empty | | being printed by a process that has not ended in time | Unconfirmed, which says so |
   const std::optional<NamedJobResult>& answer() const { return answer_; }
 
@@ -83,9 +83,9 @@ class QUOR_EXPORT NamedJob {
   /// that also records that the job has begun.
   PrintJob::Options recorded(PrintJob::Options options = {});
 
-  /// Runs `job`, which was made with the options of `recorded`, and records what came of it. Called
-  /// once, if there is no answer. Raises `JournalError` if its beginning could not be recorded;
-  /// nothing of the job was sent then, and the port is closed. What `PrintJob::run` raises passes
+  /// Runs `job`, which was made with the options of `recorded`, and records its outcome. Called
+  /// once, if there is no answer. Throws `JournalError` if its beginning could not be recorded;
+  /// nothing of the job was sent then, and the port is closed. Exceptions of `PrintJob::run` pass
   /// through.
   NamedJobResult run(PrintJob& job);
 
@@ -105,7 +105,7 @@ class QUOR_EXPORT NamedJob {
   const std::span<const std::uint8_t> data_;
   std::optional<ByteLock> lock_;
   std::unique_ptr<Attempt> attempt_;
-  std::unique_ptr<Attempt> refused_;  // the attempt before, if nothing of it went out
+  std::unique_ptr<Attempt> refused_;  // the attempt before, if no byte of it was sent
   std::optional<NamedJobResult> answer_;
   PrintJob* job_ = nullptr;  // that runs
   bool hasBegun_ = false;

@@ -8,7 +8,7 @@
 namespace quordalvane {
 namespace {
 
-// What tells a journal from other databases, in the file's head.
+// The mark that distinguishes a journal from other databases, in the file's head.
 constexpr std::int64_t applicationId = 0x71756f72;
 
 // Each step leads from the version of its place to the next. Steps are added and never changed:
@@ -32,8 +32,8 @@ constexpr const char* steps[] = {
     INSERT INTO seal VALUES (zeroblob(32));
     PRAGMA application_id = 0x71756f72;
     )",
-    // An answer from the journal names the proof and the obstacle of the attempt that it tells of.
-    // The numbers of obstacles are those of the C interface; 5 is "no proof".
+    // An answer from the journal names the proof and the obstacle of its attempt. The numbers of
+    // obstacles are those of the C interface; 5 is "no proof".
     R"(
     ALTER TABLE attempt ADD COLUMN proof TEXT NOT NULL DEFAULT '';
     ALTER TABLE attempt ADD COLUMN obstacle INTEGER NOT NULL DEFAULT 5;

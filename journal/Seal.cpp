@@ -16,7 +16,7 @@ std::span<const std::uint8_t> bytesOf(std::string_view text) {
 }
 
 void add(Sha256& hash, std::string_view text) {
-  hash.add(bytesOf(std::to_string(text.size()) + ":"));  // where each text ends must count
+  hash.add(bytesOf(std::to_string(text.size()) + ":"));  // the end of each text must count
   hash.add(bytesOf(text));
 }
 

@@ -13,7 +13,7 @@ namespace quordalvane {
 /// Takes a row into the digest of all rows, or out of it; in a transaction.
 void changeSeal(Database& database, const Attempt& row);
 
-/// Raises `JournalError` unless the file is sound and holds exactly the rows that were written.
+/// Throws `JournalError` unless the file is sound and holds exactly the rows that were written.
 /// Reads all of it.
 void checkSeal(Database& database);
 

@@ -8,7 +8,7 @@
 
 namespace quordalvane {
 
-/// The SHA-256 of bytes that come in pieces.
+/// The SHA-256 of bytes that are added in pieces.
 class Sha256 {
  public:
   using Digest = std::array<std::uint8_t, SHA256_DIGEST_SIZE>;

@@ -15,8 +15,8 @@ namespace quordalvane::simulator {
 /// One module serves one link.
 class BluetoothModule {
  public:
-  /// The ways out of the module: data to the printer, and its own replies to the host, each
-  /// with the instant at which it goes out.
+  /// The ways out of the module: data to the printer, and its own replies to the host, each with
+  /// the instant at which it is sent.
   struct Outlets {
     std::function<void(ByteView, Instant)> toPrinter;
     std::function<void(ByteView, Instant)> toHost;
@@ -34,7 +34,7 @@ class BluetoothModule {
   /// When it next does something by itself.
   std::optional<Instant> nextEvent() const;
 
-  /// Gives what it keeps back to the printer: the host is gone.
+  /// Passes the bytes that it keeps to the printer: the host has left.
   void release(Instant now);
 
   bool inCommandMode() const { return commandMode_; }
@@ -42,7 +42,7 @@ class BluetoothModule {
   /// How many bytes it keeps back because they may be the escape sequence.
   std::size_t keptBack() const { return escape_.size(); }
 
-  /// True once a command has asked for the link to end and its time has come.
+  /// True once a command has asked for the link to end and its time has passed.
   bool wantsLinkDropped() const { return dropped_; }
 
  private:

@@ -8,7 +8,6 @@
 
 #include "simulator/Utf8.h"
 
-
 namespace quordalvane::simulator {
 namespace {
 
@@ -123,7 +122,7 @@ void Canvas::character(char32_t c, const TextStyle& style, double x, double y) {
   cairo_font_extents(context, &font);
   cairo_text_extents_t extents{};
   cairo_text_extents(context, utf8.c_str(), &extents);
-  // A character that the font lacks comes from another one, and may be wider than its cell.
+  // A character that the font lacks is taken from another one, and may be wider than its cell.
   const double spare = defaultCellWidth - extents.x_advance;
   if (spare < 0) {
     cairo_scale(context, defaultCellWidth / extents.x_advance, 1);

@@ -17,8 +17,8 @@ struct Picture {
   std::vector<std::uint32_t> pixels;
 };
 
-/// A surface to draw a picture on. What lies outside it is cut off. Text needs a monospaced font on
-/// the machine; without one each character is a small block, so that a picture comes out in any
+/// A surface to draw a picture on. Drawings outside it are cut off. Text needs a monospaced font on
+/// the machine; without one each character is a small block, so that a picture is drawn in any
 /// case.
 class Canvas {
  public:
@@ -47,8 +47,8 @@ class Canvas {
   void text(std::u32string_view characters, const TextStyle& style, double x, double y,
             std::uint32_t colour);
 
-  /// What was drawn, and the same as a PNG file. Both are empty if anything of it failed, as
-  /// without memory.
+  /// The drawing, and the same as a PNG file. Both are empty if any part of it failed, as without
+  /// memory.
   Picture picture() const;
   Bytes png() const;
 

@@ -7,7 +7,7 @@
 
 namespace quordalvane::simulator {
 
-/// The characters of the bytes from 80 to ff hex; `noCharacter` where a page has none.
+/// The characters of the bytes from 80 to ff hex; `noCharacter` if a page has none.
 using UpperHalf = std::array<char32_t, 128>;
 
 /// The name of a code page, like `858`, `iso8859-2` or `katakana`, as a text that lasts; empty if

@@ -12,7 +12,7 @@ std::uint64_t word(ByteView bytes, std::size_t at) {
   return static_cast<std::uint64_t>(bytes[at]) | static_cast<std::uint64_t>(bytes[at + 1]) << 8U;
 }
 
-// A terminator that never comes must not swallow the rest of the job.
+// A missing terminator must not swallow the rest of the job.
 std::uint64_t untilNul(ByteView bytes, std::size_t from, std::size_t most) {
   const bool ended = bytes.size() > from && bytes.back() == 0;
   return ended || bytes.size() >= from + most ? bytes.size() : bytes.size() + 1;
@@ -22,7 +22,7 @@ std::uint64_t tabStops(ByteView bytes) {
   return untilNul(bytes, 2, 33);
 }
 
-// The length stands in two bytes after the selector: 1d 28 4c pL pH ...
+// Two bytes after the selector hold the length: 1d 28 4c pL pH ...
 std::uint64_t countedByWord(ByteView bytes) {
   return 5 + word(bytes, 3);
 }
@@ -88,7 +88,7 @@ std::uint64_t realTimeAction(ByteView bytes) {
   }
 }
 
-// 1d 43 3b sa 3b sb 3b sn 3b sr 3b sc 3b: numbers in digits. What else comes ends it.
+// 1d 43 3b sa 3b sb 3b sn 3b sr 3b sc 3b: numbers in digits. Any other byte ends it.
 std::uint64_t counterInDigits(ByteView bytes) {
   constexpr std::size_t mostDigits = std::size_t{5} * 5;
   const auto numbers = bytes.subspan(3);
@@ -182,7 +182,7 @@ constexpr Form only(KnownWith with, Form form) {
   return form;
 }
 
-// Longer prefixes stand before the shorter ones that they refine.
+// Longer prefixes precede the shorter ones that they refine.
 constexpr Form commandForms[] = {
     only(KnownWith::Block, three(0x1b, 0x1d, 0x03, 6)),
     only(KnownWith::LineMode, three(0x1b, 0x23, 0x2a, 5)),

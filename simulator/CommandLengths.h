@@ -7,10 +7,10 @@
 
 namespace quordalvane::simulator {
 
-/// How long the command is that starts with `bytes` (at least one), as far as they tell: the least
-/// total length in bytes. A command is complete when this equals the count of its bytes; a larger
-/// value means that so many must come before more can be said. A byte that starts no command is a
-/// command of length one. An unknown command ends with the byte that shows it to be unknown. A
+/// How long the command is that starts with `bytes` (at least one), as far as they show it: the
+/// least total length in bytes. A command is complete when this equals the count of its bytes; a
+/// larger value means that so many must arrive before more is known. A byte that starts no command
+/// is a command of length one. An unknown command ends with the byte that shows it to be unknown. A
 /// command that a printer of that dialect does not know is unknown.
 std::uint64_t leastCommandLength(ByteView bytes, const Dialect& dialect);
 

@@ -8,8 +8,8 @@
 namespace quordalvane::simulator {
 
 /// Cuts a byte stream into commands, a byte at a time, so that packets make no difference. Bytes
-/// inside the counted payload of a command are data and nothing else. Uses memory bounded by the
-/// longest command that can be printed: of a longer one the end is counted and not kept.
+/// inside the counted payload of a command are data only. Uses memory bounded by the longest
+/// command that can be printed: of a longer one the end is counted and not kept.
 class CommandScanner {
  public:
   /// From the next command on the printer knows the commands of this dialect.
@@ -18,7 +18,7 @@ class CommandScanner {
   /// Takes the next byte; true if it completes a command.
   bool feed(std::uint8_t byte);
 
-  /// The bytes of the command so far. A complete command stays readable until the next byte.
+  /// The bytes of the command so far. A complete command is readable until the next byte.
   const Bytes& bytes() const { return bytes_; }
 
   /// The meaning of the complete command.
@@ -40,8 +40,8 @@ class CommandScanner {
   Dialect dialect_;      // of the command that has begun
   Dialect nextDialect_;  // of those that follow
   Bytes bytes_;
-  std::uint64_t length_ = 0;  // bytes of the command that have come, kept or not
-  std::uint64_t needed_ = 1;  // bytes that must have come before it can be complete
+  std::uint64_t length_ = 0;  // bytes of the command that have arrived, kept or not
+  std::uint64_t needed_ = 1;  // bytes that must have arrived before it can be complete
 };
 
 }  // namespace quordalvane::simulator

@@ -6,7 +6,7 @@
 
 namespace quordalvane::simulator {
 
-/// Stands for bytes that are no character.
+/// Replaces bytes that are no character.
 inline constexpr char32_t noCharacter = 0xfffd;
 
 /// The system's converter from one encoding to Unicode, a character at a time. Not for use by two
@@ -16,8 +16,8 @@ class Conversion {
   /// Of an encoding that the system does not know every character is missing.
   explicit Conversion(const char* encoding);
 
-  /// The one character that these bytes are; `noCharacter` if they are none, several, or a control
-  /// character.
+  /// The one character that these bytes are; `noCharacter` if they are no character, several, or a
+  /// control character.
   char32_t characterOf(ByteView bytes);
 
  private:

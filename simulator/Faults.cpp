@@ -15,7 +15,7 @@ namespace {
 
 using Text = std::string_view;
 
-// A year: times beyond it are a slip, and sums of times stay far from overflow.
+// A year: longer times are a mistake, and sums of times are far from overflow.
 constexpr std::uint64_t longestMilliseconds = 365ULL * 24 * 3600 * 1000;
 
 std::optional<std::uint64_t> number(
@@ -29,7 +29,7 @@ std::optional<std::uint64_t> number(
   return value;
 }
 
-// Takes what stands after the last `mark` off the text; none if there is no mark.
+// Takes the text after the last `mark` off the end; null if there is no mark.
 std::optional<Text> takeTail(Text& text, char mark) {
   const std::size_t at = text.rfind(mark);
   if (at == Text::npos) {
@@ -148,7 +148,7 @@ bool parseTrue(Text text, Fault&) {
   return text == "true";
 }
 
-// MS:KEY=VALUE. What it brings must itself be right, so that it cannot fail when its time comes.
+// MS:KEY=VALUE. The delayed assignment must itself be valid, so that it cannot fail later.
 bool parseAt(Text text, Fault& fault) {
   const std::size_t colon = text.find(':');
   const std::size_t equals = text.find('=', colon == Text::npos ? 0 : colon);

@@ -37,15 +37,14 @@ enum class FaultKind {
   At,
 };
 
-/// One thing that goes wrong on a link. Which members count depends on the kind; see
-/// docs/virtual-printer.md.
+/// One fault of a link. Which members count depends on the kind; see docs/virtual-printer.md.
 struct Fault {
   FaultKind kind{};
   std::uint64_t count = 0;             ///< bytes; of `StrayByte` the byte
   Instant time{};                      ///< how late, how long, or when
   std::uint64_t reply = 0;             ///< the number of the reply that it befalls, from 1; 0: each
   std::optional<ReplyKind> replyKind;  ///< it befalls replies of this kind only; empty: of each
-  std::vector<std::uint64_t> offsets;  ///< where a reply is split, rising
+  std::vector<std::uint64_t> offsets;  ///< the places at which a reply is split, rising
   Ending ending = Ending::Drain;
   std::string key;  ///< of `at`: the printer setting or fault that it brings
   std::string value;
@@ -54,15 +53,15 @@ struct Fault {
 /// True if there is a fault of that name.
 bool isFault(std::string_view name);
 
-/// The fault `name` with the value `value`, as docs/virtual-printer.md describes them.
-/// Throws std::invalid_argument, with a text for people that names the fault and the values it
-/// takes, printable whatever was given.
+/// The fault `name` with the value `value`, as docs/virtual-printer.md describes them. Throws
+/// std::invalid_argument, with a text for people that names the fault and the values it takes; it
+/// is always printable.
 Fault parseFault(std::string_view name, std::string_view value);
 
 /// The faults of a link, in the order in which they were named. A plain value.
 struct Faults {
   std::vector<Fault> list;
-  std::optional<std::uint64_t> seed;  ///< decides whatever a fault leaves to chance; empty: as 0
+  std::optional<std::uint64_t> seed;  ///< decides the random choices of faults; empty: as 0
 
   /// Adds the fault that is named, or sets the seed for the name `seed`. Errors as in `parseFault`.
   void add(std::string_view name, std::string_view value);

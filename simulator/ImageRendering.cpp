@@ -63,7 +63,7 @@ bool isFullCut(const PaperItem& item) {
   return cut != nullptr && !cut->partial;
 }
 
-// What the paper does not show is written below it.
+// The parts that the paper does not show are listed below it.
 std::vector<std::string> remarkLines(const Paper& paper) {
   const std::size_t columns = paper.width() / plainBytes.cellWidth();
   std::vector<std::string> lines;
@@ -75,7 +75,7 @@ std::vector<std::string> remarkLines(const Paper& paper) {
   return lines;
 }
 
-/// Where everything goes.
+/// The place of each part.
 class Layout {
  public:
   explicit Layout(const Paper& paper) : remarks_(remarkLines(paper)) {
@@ -148,7 +148,7 @@ class Painter {
       std::visit([&](const auto& item) { paint(item, placed.y); }, *placed.item);
     }
     if (layout.endsEarly()) {
-      remark("... and the paper goes on", Alignment::Left,
+      remark("... and the paper continues", Alignment::Left,
              layout.pieces().back().bottom - endMargin - plainBytes.cellHeight());
     }
     unsigned y = layout.remarksTop();

@@ -26,7 +26,7 @@ void LineBuilder::add(std::u32string_view text, const TextStyle& style, Paper& p
 }
 
 // Of the pieces of a line at most one a dot lie side by side. The rest lies on top of others, and a
-// job may go on with that for ever; after some layers nothing more shows.
+// job may continue with that for ever; after some layers no more is visible.
 bool LineBuilder::isFull() const {
   constexpr std::size_t mostLayers = 8;
   return line_.items.size() >= mostLayers * paperWidth_;

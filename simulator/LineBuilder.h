@@ -18,10 +18,10 @@ class LineBuilder {
   /// Adds dots at the current position, cut off at the edge of the paper.
   void add(Bitmap dots);
 
-  /// Goes on `x` dots from the left end; beyond the paper it does nothing.
+  /// Continues `x` dots from the left end; beyond the paper it does nothing.
   void moveTo(unsigned x);
 
-  /// Goes to the next tab stop, one every eight characters of `cellWidth` dots.
+  /// Moves to the next tab stop, one every eight characters of `cellWidth` dots.
   void tab(unsigned cellWidth);
 
   /// Ends the line: moves the paper on, whether or not there is anything on it.

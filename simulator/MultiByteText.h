@@ -21,7 +21,7 @@ class MultiByteText {
   /// How many bytes the character has that begins with these, at least one; 0 if there is none.
   std::size_t lengthOf(ByteView bytes) const;
 
-  /// The character of so many bytes; `noCharacter` if the encoding has none there.
+  /// The character of so many bytes; `noCharacter` if the encoding has no such character.
   char32_t characterOf(ByteView bytes);
 
  private:

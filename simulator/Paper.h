@@ -61,14 +61,14 @@ struct LineItem {
   unsigned height() const;
 };
 
-/// A line of text and small pictures, standing on one base line. An image is a line of its own.
+/// A line of text and small pictures, on one base line. An image is a line of its own.
 struct Line {
   std::vector<LineItem> items;
   Alignment alignment = Alignment::Left;
   unsigned leastHeight = lineSpacing;
 
   unsigned width() const;
-  /// Of the highest item alone, without what the line spacing adds below it.
+  /// Of the highest item alone, without the line spacing below it.
   unsigned contentHeight() const;
   unsigned height() const;
 };
@@ -106,7 +106,7 @@ using PaperItem = std::variant<Line, Barcode, QrCode, Feed, Cut>;
 /// memory. It holds some five thousand lines of text, or seven metres of image.
 inline constexpr std::size_t heaviestPaper = std::size_t{4} * 1024 * 1024;
 
-/// The output of a printer, from the top. It grows with what is printed and never otherwise.
+/// The output of a printer, from the top. It grows only by printing.
 class Paper {
  public:
   explicit Paper(unsigned widthInDots = widePaperDots) : width_(widthInDots) {}
@@ -115,7 +115,7 @@ class Paper {
   const std::vector<PaperItem>& items() const { return items_; }
 
   /// The commands that were skipped because they cannot be shown: their first bytes in hex, and how
-  /// often each came. Past a hundred kinds the rest is counted as "others".
+  /// often each occurred. Past a hundred kinds the rest is counted as "others".
   const std::map<std::string, std::size_t>& skipped() const { return skipped_; }
 
   void add(PaperItem item);
@@ -135,7 +135,7 @@ class Paper {
   /// About how many bytes of memory its items take.
   std::size_t weight() const { return weight_; }
 
-  /// True if it was torn off because it grew too heavy: the job goes on on the next paper.
+  /// True if it was torn off because it grew too long: the job continues on the next paper.
   bool goesOn() const { return goesOn_; }
   void setGoesOn() { goesOn_ = true; }
 

@@ -26,8 +26,8 @@ class PrintQueue {
   /// Takes the front byte if the printer is done with it by `now`.
   std::optional<Taken> take(Instant now);
 
-  /// When the printer is done with the first `count` bytes (1 to `size()`); none while it stands
-  /// still.
+  /// When the printer is done with the first `count` bytes (1 to `size()`); empty while it is
+  /// stopped still.
   std::optional<Instant> doneWith(std::size_t count) const;
 
   /// Starts or stops the work, or changes its speed in bytes a second (0: no time at all). What was

@@ -10,7 +10,7 @@ namespace quordalvane::simulator {
 
 /// Describes a printer, and the faults of the links to it, in a sentence:
 /// `PrinterBuilder().speed(200).coverOpen().fault("late-reply", "300")`. A setting that is not
-/// named is as in `PrinterState`, and nothing goes wrong. A value that cannot be throws
+/// named is as in `PrinterState`, and there are no faults. An invalid value throws
 /// std::invalid_argument.
 class PrinterBuilder {
  public:
@@ -40,7 +40,7 @@ class PrinterBuilder {
   /// A fault of every link, as `parseFault` takes it; they add up.
   PrinterBuilder& fault(std::string_view name, std::string_view value);
 
-  /// Decides whatever a fault leaves to chance.
+  /// Decides the random choices of faults.
   PrinterBuilder& seed(std::uint64_t number);
 
   /// A setting by its name, as `PrinterState::set` takes it, or a fault, or the seed, as users

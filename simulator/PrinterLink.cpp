@@ -9,7 +9,7 @@ namespace {
 // A host that asks and never reads must not make the printer remember answers without end.
 constexpr std::size_t mostWaiting = std::size_t{64} * 1024;
 
-// In command mode nothing goes to the printer, so its buffer does not matter.
+// In command mode the printer gets no bytes, so its buffer does not matter.
 constexpr std::size_t commandModeSpace = 256;
 
 std::optional<Instant> earlier(std::optional<Instant> a, std::optional<Instant> b) {
@@ -57,7 +57,7 @@ std::size_t PrinterLink::space(Instant now) {
   return std::min(room, mostTaken());
 }
 
-// What the link itself lets through.
+// The number of bytes that the link itself passes.
 std::size_t PrinterLink::mostTaken() const {
   if (ended_ || stalled()) {
     return 0;
@@ -268,7 +268,7 @@ bool PrinterLink::stalled() const {
                      [](const Stall& stall) { return stall.until.has_value(); });
 }
 
-// The byte counts of stalls and cuts are exact: no write goes past one.
+// The byte counts of stalls and cuts are exact: no write exceeds one.
 std::uint64_t PrinterLink::bytesBeforeCut() const {
   std::uint64_t most = std::numeric_limits<std::uint64_t>::max();
   for (const Cut& cut : cuts_) {

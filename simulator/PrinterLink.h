@@ -16,12 +16,12 @@
 
 namespace quordalvane::simulator {
 
-/// One connection to a printer, as the host sees it: bytes go in while there is space, bytes come
-/// out while there are any, and it can drop. A printer has one connection at a time: a new one ends
-/// the one before it. The printer must outlive the link. Destroying the link hangs up; data that
-/// was taken stays with the printer.
+/// One connection to a printer, as the host sees it: bytes are written while there is space, bytes
+/// come out while there are any, and it can drop. A printer has one connection at a time: a new one
+/// ends the one before it. The printer must outlive the link. Destroying the link hangs up; data
+/// that was taken remains with the printer.
 ///
-/// Every call first lets the printer work up to `now`. Instants must not go back. No call blocks.
+/// Every call first lets the printer work up to `now`. Instants must not decrease. No call blocks.
 /// Not for use by two threads at once.
 class PrinterLink {
  public:
@@ -36,7 +36,7 @@ class PrinterLink {
   std::size_t space(Instant now);
 
   /// Hands bytes to the printer; returns how many of the first it took, at most `space(now)`. A
-  /// printer whose buffer is full still takes requests, as long as nothing else comes before them.
+  /// printer whose buffer is full still takes requests, as long as no other bytes precede them.
   std::size_t write(ByteView bytes, Instant now);
 
   /// How many bytes a read would return now.
@@ -46,10 +46,10 @@ class PrinterLink {
   /// are none. Bytes that had arrived before the link dropped can still be read.
   std::size_t read(std::span<std::uint8_t> out, Instant now);
 
-  /// True until the link has dropped and nothing that came before is left to read.
+  /// True until the link has dropped and no earlier byte is left to read.
   bool connected(Instant now);
 
-  /// True once the link has dropped, whatever is left to read.
+  /// True once the link has dropped, even if bytes are left to read.
   bool dropped(Instant now);
 
   /// True once the link has ended by a reset, which a host can distinguish from a close.
@@ -59,10 +59,10 @@ class PrinterLink {
   /// counted from the link's beginning.
   void addFault(const Fault& fault, Instant now);
 
-  /// Decides whatever a fault leaves to chance, for replies that are yet to be given.
+  /// Decides the random choices of faults, for later replies.
   void setSeed(std::uint64_t seed);
 
-  /// Takes all faults away. Replies that are under way keep their delay; an ended link stays so.
+  /// Removes all faults. Replies that are under way keep their delay; an ended link remains ended.
   void clearFaults(Instant now);
 
   /// When, after `now`, something may change without any call: space, bytes to read, the link

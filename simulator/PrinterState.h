@@ -61,7 +61,7 @@ using DipBank = std::array<std::uint8_t, 2>;
 class PrinterState {
  public:
   /// The condition as the printer reports it. `offline` is also true while the cover is open, the
-  /// paper is out or any error is present, whatever was set directly.
+  /// paper is out or any error is present, even if it was set on line.
   bool flag(Flag flag) const;
   void setFlag(Flag flag, bool value);
 
@@ -70,18 +70,17 @@ class PrinterState {
   /// (bytes), `presenterState` and `connectedInterface` (their codes), `paper` (58 or 80 mm; the
   /// paper that is in the printer keeps its width), `proofs` (see `Proofs::parse`), `lineMode`
   /// (`true` or `false`), `codePages` and `multiByte` (see `CharacterSets`), `utf8` (`true` or
-  /// `false`), `maker`, `modelName` and `serialNumber` (texts), `modelId` and `typeId`
-  /// (numbers to 255), `profile` (see `applyProfile`). Throws
-  /// std::invalid_argument, with a text for people that names the key and the values it takes,
-  /// printable whatever was given, and then changes nothing.
+  /// `false`), `maker`, `modelName` and `serialNumber` (texts), `modelId` and `typeId` (numbers to
+  /// 255), `profile` (see `applyProfile`). Throws std::invalid_argument, with a text for people
+  /// that names the key and the values it takes, always printable, and then changes nothing.
   void set(std::string_view key, std::string_view value);
 
-  /// 1 to 64 printable ASCII characters; throws std::invalid_argument on anything else.
+  /// 1 to 64 printable ASCII characters; throws std::invalid_argument for any other value.
   void setFirmware(std::string_view text);
   const std::string& firmware() const { return firmware_; }
 
   /// The texts that ESC/POS programs ask for, each 1 to 64 printable ASCII characters; throw
-  /// std::invalid_argument on anything else.
+  /// std::invalid_argument for any other value.
   void setMaker(std::string_view text);
   void setModelName(std::string_view text);
   void setSerialNumber(std::string_view text);
@@ -89,7 +88,7 @@ class PrinterState {
   const std::string& modelName() const { return modelName_; }
   const std::string& serialNumber() const { return serialNumber_; }
 
-  /// 12 hex digits; throws std::invalid_argument on anything else.
+  /// 12 hex digits; throws std::invalid_argument for any other value.
   void setBluetoothAddress(std::string_view digits);
   const std::string& bluetoothAddress() const { return bluetoothAddress_; }
 
@@ -98,7 +97,7 @@ class PrinterState {
   void setBufferSize(std::size_t bytes);
   std::size_t bufferSize() const { return bufferSize_; }
 
-  /// 58 or 80; throws std::invalid_argument on anything else.
+  /// 58 or 80; throws std::invalid_argument for any other value.
   void setPaperWidth(unsigned millimetres);
   unsigned paperMillimetres() const { return paperMillimetres_; }
 
@@ -117,7 +116,7 @@ class PrinterState {
   std::uint8_t connectedInterface =
       5;  ///< 0 unknown, 1 serial, 2 USB, 3 Ethernet, 4 WLAN, 5 Bluetooth
   std::uint32_t bytesPerSecond = 0;  ///< how fast print data is worked through; 0: at once
-  bool keepsPrinted = false;  ///< it remembers its print data, however little paper comes out
+  bool keepsPrinted = false;         ///< it keeps its print data, even if little is printed
 
  private:
   std::uint32_t flags_ = 1U << static_cast<unsigned>(Flag::EtbAvailable);

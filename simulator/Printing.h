@@ -21,7 +21,7 @@ class Printing {
   /// Works through one byte of print data, the one at `offset` of the job.
   void pass(std::uint8_t byte, std::uint64_t offset);
 
-  /// No end will come for a command that has begun; the next byte starts a new one.
+  /// A command that has begun will have no end; the next byte starts a new one.
   void leaveUnfinishedCommand();
 
   /// Ends a line that has begun.

@@ -17,7 +17,7 @@ enum class Proof : std::uint8_t {
 class Proofs {
  public:
   /// Reads the names `block`, `process-id` and `in-order`, joined by `+`; an empty text or `none`
-  /// is the empty set. Throws std::invalid_argument, with a text for people, on anything else.
+  /// is the empty set. Throws std::invalid_argument, with a text for people, for any other text.
   static Proofs parse(std::string_view text);
 
   static Proofs all();

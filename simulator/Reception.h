@@ -9,7 +9,7 @@
 namespace quordalvane::simulator {
 
 /// The receiving side of the machine: picks out of the stream the commands that act at once, and
-/// passes everything else on for printing, in order.
+/// passes all other bytes on for printing, in order.
 class Reception {
  public:
   /// From the next command on the printer knows the commands of this dialect.
@@ -18,9 +18,9 @@ class Reception {
   using OnPiece = std::function<void(MachineCommand, ByteView)>;
 
   /// Works through `bytes`; calls back in the order of the stream, with whole commands that act at
-  /// once, whole ones that act in their turn, and everything else in pieces of any size as
-  /// `MachineCommand::Printing`. With
-  /// `vanish`, commands that begin in `bytes` are lost, to their ends, unless they act at once.
+  /// once, whole ones that act in their turn, and all other bytes in pieces of any size as
+  /// `MachineCommand::Printing`. With `vanish`, commands that begin in `bytes` are lost, to their
+  /// ends, unless they act at once.
   void take(ByteView bytes, bool vanish, const OnPiece& onPiece);
 
   /// How many bytes are kept back because they may begin a command that acts at once.

@@ -5,11 +5,11 @@
 
 namespace quordalvane::simulator {
 
-/// The question that a printer answers with a reply, as far as faults tell replies apart.
+/// The question that a printer answers with a reply, as far as faults distinguish replies.
 enum class ReplyKind {
   Other,
   Block,      ///< the report of an ETB
-  ProcessId,  ///< a process ID that comes back
+  ProcessId,  ///< a process ID that is returned
   InOrder,    ///< a status in its turn among the print data
   Unasked,    ///< the four bytes that report a change
   Cleared,    ///< the buffer was cleared

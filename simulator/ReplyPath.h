@@ -17,7 +17,7 @@ class ReplyPath {
  public:
   explicit ReplyPath(std::uint64_t seed) : seed_(seed) {}
 
-  /// Decides whatever a fault leaves to chance, from the next reply on.
+  /// Decides the random choices of faults, from the next reply on.
   void setSeed(std::uint64_t seed) { seed_ = seed; }
 
   /// Adds a fault that befalls replies.

@@ -52,8 +52,7 @@ std::string withoutCheckDigit(const std::string& data, std::size_t digits) {
   return data.size() == digits ? data.substr(0, digits - 1) : data;
 }
 
-// The six digits of UPC-E that stand for an eleven-digit UPC-A number; the number itself if none
-// do.
+// The six digits of UPC-E for an eleven-digit UPC-A number; the number itself if none do.
 std::string zeroSuppressed(const std::string& data) {
   if (data.size() != 11 && data.size() != 12) {
     return withoutCheckDigit(data, 8);

@@ -28,10 +28,10 @@ class TextDecoder {
  public:
   TextDecoder() { reset(); }
 
-  /// From now on the printer has these. What the job has selected stays.
+  /// From now on the printer has these. The job's selection does not change.
   void setCharacterSets(const CharacterSets& sets);
 
-  /// Takes one byte from 20 hex up, and gives what is decided by now.
+  /// Takes one byte from 20 hex up, and returns the characters that are decided by now.
   DecodedText put(std::uint8_t byte);
 
   /// Decides the rest. To be called before anything that is not text.
@@ -76,7 +76,7 @@ class TextDecoder {
   std::string run_;                           // bytes that are not decided yet
 };
 
-/// True if a character takes the room of two letters wherever it stands.
+/// True if a character always takes the room of two letters.
 bool isWide(char32_t character);
 
 }  // namespace quordalvane::simulator

@@ -7,13 +7,12 @@
 
 #include "simulator/Utf8.h"
 
-
 namespace quordalvane::simulator {
 namespace {
 
 constexpr unsigned cell = 12;  // the dots of a column
 
-// A longer feed is told, not shown.
+// A longer feed is described, not shown.
 constexpr unsigned mostEmptyLines = 12;
 constexpr unsigned dotsPerMillimetre = 8;
 
@@ -38,7 +37,7 @@ class TextPage {
     }
     endStripes();
     std::u32string canvas;
-    std::size_t end = 0;  // the column after what was written last
+    std::size_t end = 0;  // the column after the last text
     unsigned endInDots = 0;
     for (const LineItem& item : line.items) {
       const std::u32string text = textOf(item);
@@ -97,7 +96,7 @@ class TextPage {
   std::string takeText() { return std::move(text_); }
 
  private:
-  // An image often comes as many lines of one stripe each.
+  // An image often consists of many lines of one stripe each.
   struct Stripes {
     unsigned width = 0;
     unsigned height = 0;
@@ -184,7 +183,8 @@ std::vector<std::string> remarksOn(const Paper& paper) {
     remarks.push_back(std::move(text));
   }
   if (paper.goesOn()) {
-    remarks.emplace_back("torn off: the paper grew too long, and the job goes on on the next one");
+    remarks.emplace_back(
+        "torn off: the paper grew too long, and the job continues on the next one");
   }
   return remarks;
 }

@@ -12,8 +12,8 @@ namespace quordalvane::simulator {
 /// Last is a line in brackets for each remark on it.
 std::string renderText(const Paper& paper);
 
-/// Sentences about what a reader of the paper cannot see: the commands that cannot be shown, if
-/// there were any, and that it was torn off before its job's end.
+/// Sentences about the parts that a reader of the paper cannot see: the commands that cannot be
+/// shown, if there were any, and that it was torn off before its job's end.
 std::vector<std::string> remarksOn(const Paper& paper);
 
 /// "EAN-13" and the like.

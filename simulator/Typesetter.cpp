@@ -282,7 +282,7 @@ void Typesetter::positionFurther(ByteView command) {
 }
 
 void Typesetter::pageMode(ByteView) {
-  // A page is set line by line, as if it were none: what it says can still be read.
+  // A page is set line by line, as if it were no page: its text can still be read.
   pageMode_ = true;
 }
 

@@ -29,18 +29,18 @@ class Typesetter {
   /// Takes one complete command, or one character.
   void set(ByteView command);
 
-  /// Ends a line that has begun: nothing more will come for it.
+  /// Ends a line that has begun: no more will be added to it.
   void endLine();
 
   /// The job is over; the next one may be of the other command system.
   void endJob();
 
-  /// Ends a line that has begun, gives away the paper so far, as if torn off, and goes on with a
+  /// Ends a line that has begun, gives away the paper so far, as if torn off, and continues with a
   /// clean one.
   Paper tearOff();
 
-  /// Gives away the paper so far and goes on with a clean one in the middle of the job; a line that
-  /// has begun goes on there.
+  /// Gives away the paper so far and continues with a clean one in the middle of the job; a line
+  /// that has begun continues there.
   Paper tearOffFinishedLines();
 
  private:

@@ -34,7 +34,7 @@ bool isTextOfLength(char32_t c, std::size_t length) {
   return c >= least[length] && isCharacter(c);
 }
 
-// The multi-byte character at the start of `bytes`, or none.
+// The multi-byte character at the start of `bytes`, if there is one.
 std::optional<Decoded> decodeUtf8(std::string_view bytes) {
   const auto lead = static_cast<std::uint8_t>(bytes[0]);
   const std::size_t length = sequenceLength(lead);
@@ -55,7 +55,7 @@ std::optional<Decoded> decodeUtf8(std::string_view bytes) {
   return Decoded{c, length};
 }
 
-// Text at the start of `bytes`, whatever they are.
+// Text at the start of any `bytes`.
 Decoded decodeAnything(std::string_view bytes) {
   if (static_cast<std::uint8_t>(bytes[0]) < 0x80) {
     return {static_cast<char32_t>(bytes[0]), 1};

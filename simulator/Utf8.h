@@ -10,7 +10,8 @@ namespace quordalvane::simulator {
 /// The text in UTF-8. A value that is not a character becomes the replacement character, U+FFFD.
 std::string toUtf8(std::u32string_view text);
 
-/// The characters of a text in UTF-8. Each byte that belongs to none is the replacement character.
+/// The characters of a text in UTF-8. Each byte that belongs to no character becomes the
+/// replacement character.
 std::u32string fromUtf8(std::string_view bytes);
 
 /// The characters of bytes from 80 hex up; empty unless all of them are valid UTF-8 and none is a

@@ -75,7 +75,7 @@ void VirtualPrinter::receive(ByteView bytes, Instant now, bool vanish) {
 }
 
 void VirtualPrinter::obey(MachineCommand command, ByteView bytes, Instant now) {
-  // A printer that takes no time over its data has printed what came before in the same packet.
+  // A printer that takes no time for its data has printed the earlier bytes of the same packet.
   printUntil(now);
   setAside(bytes.size());
   question_.assign(bytes.begin(), bytes.end());
@@ -245,7 +245,7 @@ void VirtualPrinter::countEtb() {
   ++state_.etbCounter;
 }
 
-// The host that wrote all this is gone.
+// The host that wrote these bytes has left.
 void VirtualPrinter::endJob(std::uint64_t received) {
   printing_.leaveUnfinishedCommand();
   if (!keepJob_) {

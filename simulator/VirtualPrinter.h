@@ -17,11 +17,11 @@
 
 namespace quordalvane::simulator {
 
-/// A printer. It lives across connections: a `PrinterLink` stands for one of them.
+/// A printer. It outlives its connections: a `PrinterLink` is one of them.
 ///
 /// It is a state machine over bytes and time, with no thread, clock or input of its own: its
 /// behaviour follows from the bytes and the instants that it is given, and not from how often it is
-/// looked at. Instants must not go back. Not for use by two threads at once.
+/// looked at. Instants must not decrease. Not for use by two threads at once.
 class VirtualPrinter {
  public:
   explicit VirtualPrinter(PrinterState state);
@@ -67,17 +67,17 @@ class VirtualPrinter {
   /// The way of replies to the host, with the instant at which the printer gives them.
   using Sink = std::function<void(ByteView, Instant, ReplyKind)>;
 
-  /// Begins a connection, which ends the one before it: from now on replies go to `sink`. Returns a
-  /// number that tells this connection from all others.
+  /// Begins a connection, which ends the one before it: from now on replies are sent to `sink`.
+  /// Returns a number that distinguishes this connection from all others.
   std::uint64_t connect(Sink sink);
 
-  /// Ends the connection, unless another one has begun: a command that it left unfinished stays so.
-  /// Replies go nowhere until the next.
+  /// Ends the connection, unless another one has begun: a command that it left unfinished remains
+  /// unfinished. Replies are dropped until the next.
   void disconnect(std::uint64_t connection);
   bool isConnection(std::uint64_t connection) const { return connection == connection_; }
 
-  /// How many bytes it can take: what is free of its buffer, or 0 while that is less than a command
-  /// may need (64 bytes, or a quarter of a small buffer).
+  /// How many bytes it can take: the free part of its buffer, or 0 while that is less than a
+  /// command may need (64 bytes, or a quarter of a small buffer).
   std::size_t space() const;
 
   /// How many of the first of `bytes` it can take also without space, as they act on reception and
@@ -86,7 +86,7 @@ class VirtualPrinter {
 
   /// Takes all of `bytes`, at most `space()` or `actingAtOnce(bytes)`. With `vanish`, print data is
   /// lost on the way: commands that act on reception are obeyed and nothing is printed. A command
-  /// whose first bytes came before shares their fate.
+  /// whose first bytes arrived before shares their fate.
   void receive(ByteView bytes, Instant now, bool vanish = false);
 
   /// Sends bytes to the host, if there is one: an answer, or something of its own accord.
@@ -142,19 +142,20 @@ class VirtualPrinter {
   std::uint64_t queuedEver_ = 0;
   std::uint64_t takenEver_ = 0;  // of those queued: printed or dropped
   std::uint64_t receivedEver_ = 0;
-  std::uint64_t jobBegin_ = 0;  // of the bytes received: where the job on the paper begins
+  std::uint64_t jobBegin_ = 0;  // of the bytes received: the beginning of the job on the paper
   std::deque<Aside> asides_;    // that the print position has not passed
   std::uint64_t asidesPassed_ = 0;
   Bytes question_;          // the command that is being answered
-  std::deque<Mark> marks_;  // of what is queued, in its order
+  std::deque<Mark> marks_;  // of the queued bytes, in their order
   std::uint64_t printedBytes_ = 0;
   Bytes printed_;
 
   std::uint8_t dataTimeoutSeconds_ = 0;
-  bool guarded_ = false;   // between a data cancel and its end
-  bool dropping_ = false;  // the data time-out struck, and no end of the data cancel has come since
+  bool guarded_ = false;  // between a data cancel and its end
+  bool dropping_ =
+      false;  // the data time-out struck, and no end of the data cancel has arrived since
   Instant lastReceived_{};
-  std::optional<Bytes> reported_;  // the latest unasked status; empty: none is wanted
+  std::optional<Bytes> reported_;  // the latest unasked status; empty: not wanted
 
   JobKeeper keepJob_;
   Sink sink_;

@@ -162,7 +162,7 @@ class Grammar {
   CommandFailure usage(const std::string& what) const {
     const Command* const command = chosen();
     const std::string about = command == nullptr ? "" : " " + std::string(command->name);
-    return {ExitCode::Usage, printable(what) + " (quorport" + about + " --help tells more)"};
+    return {ExitCode::Usage, printable(what) + " (quorport" + about + " --help explains more)"};
   }
 
   Options options_;
@@ -171,7 +171,7 @@ class Grammar {
   CLI::App* help_;  // one of those in app_
 };
 
-// The devices of the variable, parted by blanks, if the arguments name none.
+// The devices of the variable, separated by blanks, if the arguments name no device.
 void addDevicesOfEnvironment(Options& options) {
   const char* const value = std::getenv("QUORPORT_DEVICE");
   if (!options.devices.empty() || value == nullptr) {

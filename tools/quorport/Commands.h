@@ -64,7 +64,8 @@ struct Command {
   std::string_view name;
   std::string_view help;
   Report (*run)(const Options& options, const Surroundings& surroundings);
-  void (*addOptions)(CLI::App& app, Options& options) = nullptr;  ///< null: it has none of its own
+  void (*addOptions)(CLI::App& app,
+                     Options& options) = nullptr;  ///< null: it has no options of its own
   CommandKind kind = CommandKind::Question;
 };
 

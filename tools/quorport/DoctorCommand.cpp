@@ -77,8 +77,8 @@ std::string inLines(const Diagnosis& diagnosis) {
   return (words.empty() ? text : text + label + words + "\n") + proofLine(diagnosis);
 }
 
-// What is wrong with the port name, which has to choose one of the devices. It is not to blame
-// if no port name would choose one.
+// The fault of the port name, which has to choose one of the devices. It is not to blame if no port
+// name would choose one.
 Findings examinePortName(const Options& options, const Surroundings& surroundings) {
   const auto platform = presentDevices(options, surroundings);
   Options anyPrinter = options;

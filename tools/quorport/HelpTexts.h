@@ -5,7 +5,7 @@
 namespace quordalvane::tool::help {
 
 inline constexpr auto description =
-    "Talks to receipt printers: asks for their state, prints, and says honestly what became of it.";
+    "Talks to receipt printers: asks for their state, prints, and reports the outcome honestly.";
 
 inline constexpr auto statusesAndExamples =
     "Exit status: 0 done, 1 the exchange with the printer failed, 2 usage, 3 no accessory matched "
@@ -49,10 +49,9 @@ inline constexpr auto monitorFooter =
     "other. With --count the exit status is that of the last look: 0, 1, 3 or 5.\n";
 
 inline constexpr auto simulateFooter =
-    "Where it listens is the first line on standard output: the word listening, a blank, and a\n"
-    "SPEC for --device. A terminal that was dropped is replaced by one with another path, which "
-    "is\n"
-    "written to standard error in the same words.\n"
+    "The first line on standard output is the place where it listens: the word listening, a\n"
+    "blank, and a SPEC for --device. A terminal that was dropped is replaced by one with another\n"
+    "path, which is written to standard error in the same words.\n"
     "With --json that line is an object, and each job is another one when it ends.\n"
     "On standard input and on the control socket it takes one JSON object a line and answers one:\n"
     "  {\"set\": {\"coverOpen\": true, \"speed\": 200}}   {\"get\": \"state\"}   {\"quit\": true}\n"

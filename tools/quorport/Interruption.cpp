@@ -156,7 +156,7 @@ void InterruptiblePlatform::attach(const std::shared_ptr<EAAccessory>& accessory
 }
 
 void InterruptiblePlatform::SleepsUntilInterrupted::usleep(std::uint64_t microseconds) {
-  constexpr std::uint64_t aYear = 365ULL * 24 * 3600 * 1'000'000;  // stays in range in any sum
+  constexpr std::uint64_t aYear = 365ULL * 24 * 3600 * 1'000'000;  // in range in any sum
   interruption_->sleep(std::chrono::microseconds(std::min(microseconds, aYear)));
 }
 

@@ -4,7 +4,7 @@
 
 namespace quordalvane::tool {
 
-/// One line on a terminal that is rewritten in place, and is gone at the end. Where the descriptor
+/// One line on a terminal that is rewritten in place, and is removed at the end. If the descriptor
 /// is no terminal nothing is shown.
 class LiveLine {
  public:
@@ -13,10 +13,10 @@ class LiveLine {
   LiveLine(const LiveLine&) = delete;
   LiveLine& operator=(const LiveLine&) = delete;
 
-  /// Shows `text` instead of what was shown, cut short at the terminal's width.
+  /// Shows `text` instead of the previous text, cut short at the terminal's width.
   void show(const std::string& text);
 
-  /// Takes the line away, so that something else can be written.
+  /// Removes the line, so that other text can be written.
   void hide();
 
  private:

@@ -13,7 +13,7 @@
 namespace quordalvane::tool {
 namespace {
 
-// What the journal raises, as the command tells it.
+// The journal's exceptions, as the command reports them.
 template <typename Action>
 auto told(Action action) {
   try {

@@ -143,7 +143,7 @@ void addStatusOptions(CLI::App& app, Options& all) {
 
 void addPrintOptions(CLI::App& app, Options& all) {
   PrintOptions& options = all.print;
-  app.add_option("FILE", options.file, "what to print; - is standard input")->required();
+  app.add_option("FILE", options.file, "the file to print; - is standard input")->required();
   addText(app, "--proof", "NAME",
           "how the printer confirms the job: auto, block, process-id, in-order or none (default "
           "proof= of the device, or auto: it is asked which of them it gives)",

@@ -56,11 +56,11 @@ struct SimulateOptions {
   std::optional<std::string> control;
 };
 
-/// What the user said on the command line. The members of other commands than the one that was
+/// The user's options on the command line. The members of other commands than the one that was
 /// named hold their defaults.
 struct Options {
   std::vector<std::string> devices;
-  std::string devicesFrom = "--device";  ///< where they were named, for people
+  std::string devicesFrom = "--device";  ///< the place where they were named, for people
   std::string portName = "BT:";
   std::string settings;
   std::uint32_t timeout = 10000;  ///< milliseconds

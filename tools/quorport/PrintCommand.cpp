@@ -125,7 +125,7 @@ PrintResult runJob(const std::vector<std::uint8_t>& data, Printer& printer, Live
   } catch (const CommandFailure&) {
     throw;
   } catch (const std::exception& error) {
-    // How much had gone out of the piece that was under way is not known.
+    // The number of bytes sent of the piece under way is unknown.
     result.outcome = PrintOutcome::Unconfirmed;
     result.obstacle = PrintObstacle::ExchangeFailed;
     result.bytesTotal = data.size();
@@ -144,7 +144,7 @@ std::optional<Receipt> receiptFor(const Options& options, const InterruptiblePla
                 : std::nullopt;
 }
 
-// A job that was printed stays printed; the command has not done all that was asked.
+// A job that was printed remains printed; the command has not done its whole task.
 void noteMissingReceipt(Report& report, const std::string& why) {
   if (report.code == ExitCode::Done) {
     report.code = ExitCode::ExchangeFailed;

@@ -13,7 +13,7 @@
 namespace quordalvane::tool {
 namespace {
 
-// Far above any receipt; below what would trouble the machine if the file has no end.
+// Far above any receipt; small enough for the machine if the file has no end.
 constexpr std::size_t largestJob = std::size_t{256} << 20U;
 constexpr std::size_t pieceSize = std::size_t{64} << 10U;
 

@@ -47,8 +47,8 @@ class Candidate : public ForwardingAccessory {
   bool chosen_ = false;
 };
 
-// Where a port makes its choice: without a thread of its own, as off the main thread, and without
-// the pauses around a session, as there is none.
+// The platform of a port that only makes its choice: without a thread of its own, as off the main
+// thread, and without the pauses around a session, as there is no session.
 class Trial : public ForwardingPlatform {
  public:
   Trial() : Trial(std::make_shared<posix::PosixPlatform>()) {}

@@ -32,8 +32,8 @@ CommandFailure noneMatches(const InterruptiblePlatform& platform, const Options&
 /// The port of a command, open as long as this lives.
 class Printer {
  public:
-  /// Opens the port. Throws a CommandFailure with ExitCode::NoAccessory that tells why there is
-  /// none. No other port of the command may be open.
+  /// Opens the port. Throws a CommandFailure with ExitCode::NoAccessory and the reason if that
+  /// fails. No other port of the command may be open.
   Printer(const Options& options, const Surroundings& surroundings);
 
   /// The same on a platform that presents the devices already.
@@ -49,7 +49,7 @@ class Printer {
   const std::shared_ptr<ExternalAccessoryPort>& port() { return port_; }
 
   /// Asks the printer by `question`, which is given an inquiry, and returns its answer. Throws the
-  /// CommandFailure of one that has none.
+  /// CommandFailure of a question without an answer.
   template <typename Asker>
   auto ask(Asker question) {
     PrinterInquiry inquiry(port_);

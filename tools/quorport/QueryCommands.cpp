@@ -19,7 +19,7 @@ std::string spaced(const std::string& hex) {
 Report cancel(const Options& options, const Surroundings& surroundings) {
   Printer printer(options, surroundings);
   printer.ask([](PrinterInquiry& inquiry) { inquiry.dropAll(); });
-  return done("The printer was told to drop the data that it has not yet printed.");
+  return done("The printer got the command to drop the data that it has not yet printed.");
 }
 
 Report firmware(const Options& options, const Surroundings& surroundings) {

@@ -22,7 +22,7 @@ struct Report {
 /// The report of a command that did its task, with a line for people.
 Report done(const std::string& line);
 
-/// The report of a command that failed, with nothing else in it.
+/// The report of a command that failed, with the failure alone in it.
 Report failed(ExitCode code, const std::string& error);
 
 /// Adds the failure to the report.

@@ -31,7 +31,7 @@ struct Answer {
   CommandKind kind;
 };
 
-// What a command answers that did not begin; `job` is the name of a job, null without one.
+// The answer of a command that did not begin; `job` is the name of a job, null without one.
 Report refusal(CommandKind kind, ExitCode code, const std::string& error,
                const std::optional<std::string>& job) {
   return kind == CommandKind::Printing ? refusedJob(code, error, 0, job) : failed(code, error);
@@ -86,7 +86,7 @@ Report reportOf(const Order& order, const Streams& streams) {
     interruption->end();
   }
   nameDevice(report, interruption->device());
-  // A task that is done stays done, however late the wish to stop arrived. Otherwise the exit
+  // A task that is done remains done, however late the wish to stop arrived. Otherwise the exit
   // status shows that wish, and the report shows the result.
   if (report.code != ExitCode::Done) {
     report.code = interruption->code().value_or(report.code);
@@ -98,7 +98,7 @@ Answer answerTo(const std::vector<std::string>& arguments, const Streams& stream
   ExitCode code = ExitCode::Done;
   std::string error;
   try {
-    const StopSignals held;  // a signal waits until the command can answer for what it interrupts
+    const StopSignals held;  // a signal waits until the command can report the interruption
     const auto parsed = parseCommandLine(arguments);
     if (const auto* order = std::get_if<Order>(&parsed)) {
       return {reportOf(*order, streams), order->options.json, order->command->kind};

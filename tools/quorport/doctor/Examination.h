@@ -25,10 +25,10 @@ struct Diagnosis {
   ZKEmulation emulation = ZKEmulationUnknown;  ///< in which it answered
 };
 
-/// Looks at the device whose text is `device`, whatever the port name is. Nothing is printed, and
-/// the printer keeps the data that it holds; a serial printer that does not answer is asked at
-/// every other speed as well, which may make it print stray characters. Throws a CommandFailure
-/// with ExitCode::Usage for a text that is no device. `line` shows the progress.
+/// Examines the device whose text is `device`, for any port name. Nothing is printed, and the
+/// printer keeps the data that it holds; a serial printer that does not answer is asked at every
+/// other speed as well, which may make it print stray characters. Throws a CommandFailure with
+/// ExitCode::Usage for a text that is no device. `line` shows the progress.
 Diagnosis examine(const std::string& device, const Options& options,
                   const Surroundings& surroundings, LiveLine& line);
 

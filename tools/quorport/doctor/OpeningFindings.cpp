@@ -18,7 +18,8 @@ Finding notOpened(std::string_view cause, std::string_view text, std::string_vie
   return {cause, code, std::string(text), std::string(advice)};
 }
 
-// The group that has more rights to the file than everybody; "" if none has, or only the system's.
+// The group that has more rights to the file than all users; "" if there is none, or only the
+// system's.
 std::string groupOf(const std::string& path) {
   struct stat file {};
   if (path.empty() || ::stat(path.c_str(), &file) != 0 || file.st_gid == 0 ||

@@ -16,20 +16,20 @@ namespace quordalvane::tool {
 /// not taken no more lines are.
 class ControlChannel {
  public:
-  /// On descriptors that stay the caller's, which may be blocking ones. `control` must outlive
+  /// On descriptors that remain the caller's, which may be blocking ones. `control` must outlive
   /// this.
   ControlChannel(int in, int out, Control& control) : in_(in), out_(out), control_(control) {}
 
   /// On a line, both ways.
   ControlChannel(std::unique_ptr<Line> line, Control& control);
 
-  /// Adds what the channel waits for.
+  /// Adds the descriptors that the channel waits for.
   void await(std::vector<pollfd>& awaited) const;
 
   /// Does all that can be done now.
   void work(simulator::Instant now);
 
-  /// Whether nothing more will come of it: no lines, no answers.
+  /// Whether it has ended: no more lines, no more answers.
   bool isOver() const { return inputEnded_ && answers_.empty(); }
 
   bool hasAnswers() const { return !answers_.empty(); }
@@ -44,7 +44,7 @@ class ControlChannel {
   const int out_;
   Control& control_;
   std::string unread_;
-  bool skipsLine_ = false;  // of a line that is too long, the rest is yet to come
+  bool skipsLine_ = false;  // the rest of a line that is too long has not arrived yet
   std::string answers_;
   bool inputEnded_ = false;
 };

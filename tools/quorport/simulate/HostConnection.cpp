@@ -12,7 +12,7 @@ namespace {
 using namespace std::chrono_literals;
 using simulator::Instant;
 
-// What is taken from a host while the printer has no space: room for requests, which are short.
+// The bytes taken from a host while the printer has no space: room for requests, which are short.
 constexpr std::size_t reserve = 64;
 
 constexpr std::size_t pieceSize = 4096;
@@ -37,7 +37,7 @@ void HostConnection::await(std::vector<pollfd>& awaited) const {
   const int wantsSpace = outgoing_.empty() ? 0 : POLLOUT;
   const int wantsEnd = hostEnded_ ? 0 : POLLRDHUP;
   const auto events = static_cast<short>(wantsInput | wantsSpace | wantsEnd);
-  // Waiting for nothing, a line whose host has gone would be ready without end.
+  // Without anything to wait for, a line whose host has left would be ready without end.
   if (events != 0 && !wasDropped()) {
     awaited.push_back({.fd = line_->descriptor().number(), .events = events, .revents = 0});
   }
@@ -144,12 +144,12 @@ void HostConnection::giveToHost(Instant now) {
   }
 }
 
-// Everything has been sent: ends the connection where one of the two sides has ended it.
+// All bytes have been sent: ends the connection if one of the two sides has ended it.
 void HostConnection::followDrop(Instant now) {
   if (link_.wasReset(now)) {
     line_->resetOnClose();
-    // Not over at once: on a terminal the next host is there at once, and where each is dropped so
-    // nobody else would get a turn.
+    // Not ended at once: on a terminal the next host is there at once, and if each were dropped so,
+    // no other would get a turn.
     lastSettling_ = now;
   } else if (link_.dropped(now)) {
     line_->endOutput();

@@ -14,14 +14,14 @@ namespace quordalvane::tool {
 
 /// Carries bytes between a line to a host and the printer's link, as long as both last. Takes from
 /// the line only what the printer has space for, so that a slow printer holds its host up, and a
-/// few bytes more, among which the printer hears requests. What a host that has left sent before
-/// still goes to the printer, as it has space again.
+/// few bytes more, among which the printer hears requests. The bytes of a host that has left are
+/// still passed to the printer, as it has space again.
 class HostConnection {
  public:
   /// The link must outlive this.
   HostConnection(std::unique_ptr<Line> line, simulator::PrinterLink& link);
 
-  /// Adds what the connection waits for.
+  /// Adds the descriptors that the connection waits for.
   void await(std::vector<pollfd>& awaited) const;
 
   /// When it must work without anything that was waited for; empty if never.
@@ -32,8 +32,8 @@ class HostConnection {
 
   bool isOver() const { return over_; }
 
-  /// Takes from the line, up to a limit, also what the printer has no space for, until the printer
-  /// has taken all of it. Bytes under way hide from us whether the host has left.
+  /// Takes from the line, up to a limit, even if the printer has no space, until the printer has
+  /// taken all of it. Bytes under way hide from us whether the host has left.
   void readAhead() { readsAhead_ = true; }
   bool readsAhead() const { return readsAhead_; }
 
@@ -59,8 +59,8 @@ class HostConnection {
   const std::unique_ptr<Line> line_;
   simulator::PrinterLink& link_;
   std::vector<std::uint8_t> outgoing_;
-  std::vector<std::uint8_t> incoming_;  // what the printer has not taken yet
-  std::size_t passedOn_ = 0;            // of these: what it has taken
+  std::vector<std::uint8_t> incoming_;  // the bytes that the printer has not taken yet
+  std::size_t passedOn_ = 0;            // of these: the number that it has taken
   bool readsAhead_ = false;
   bool hostEnded_ = false;
   bool over_ = false;

@@ -24,11 +24,11 @@ class Line {
   /// listener shows the next one.
   virtual void noteHostEnded() {}
 
-  /// Tells the host that nothing follows, if the line has a way to.
+  /// Tells the host that no bytes follow, if the line has a way to.
   virtual void endOutput() = 0;
 
   /// After `endOutput`: whether the host has taken everything, so that closing loses nothing. To be
-  /// asked again and again, some milliseconds apart. What the host still sends is thrown away. Does
+  /// asked again and again, some milliseconds apart. Later bytes of the host are thrown away. Does
   /// not wait.
   virtual bool hasSettled() = 0;
 

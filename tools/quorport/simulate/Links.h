@@ -27,11 +27,11 @@ class Links {
   void end() { link_.reset(); }
 
   /// Adds faults to the link that there is and to all that follow, and sets the seed if it is
-  /// named. Only one link gets a `cut`: the next one where there is none now. What `at` holds comes
-  /// at its time whether there is a link or not.
+  /// named. Only one link gets a `cut`: the next one if there is none now. The change of `at` is
+  /// made at its time whether there is a link or not.
   void add(const simulator::Faults& faults, simulator::Instant now);
 
-  /// Takes all faults away, and what was still to come. The seed stays.
+  /// Removes all faults, even delayed ones. The seed is kept.
   void clear(simulator::Instant now);
 
   /// Applies the faults and settings that are due.

@@ -19,7 +19,8 @@ constexpr std::string_view ptyScheme = "pty:";
   throw CommandFailure(ExitCode::Usage, option + " takes " + takes + ", not " + inQuotes(text));
 }
 
-// As in a SPEC, a backslash stands for the character after it, and a comma would begin a key.
+// As in a SPEC, a backslash makes the next character a part of the text, and a comma would begin a
+// key.
 std::string pathIn(const std::string& text, const std::string& option) {
   std::string path;
   for (std::size_t i = unixScheme.size(); i < text.size(); ++i) {

@@ -7,7 +7,7 @@
 
 namespace quordalvane::tool {
 
-/// A place where hosts find the printer.
+/// A place at which hosts find the printer.
 class Listener {
  public:
   virtual ~Listener() = default;
@@ -15,7 +15,7 @@ class Listener {
   /// The place as a SPEC of a device.
   virtual std::string place() const = 0;
 
-  /// Becomes readable when a host comes.
+  /// Becomes readable when a host connects.
   virtual int descriptor() const = 0;
 
   /// True if the descriptor becomes readable only when a host waits for its turn, and not when the
@@ -26,9 +26,9 @@ class Listener {
   /// std::system_error if the place is of no use any more.
   virtual std::unique_ptr<Line> accept() = 0;
 
-  /// The connection that was accepted last is over, and its Line is gone. `dropped`: the printer
-  /// ended it, and the host must see that; the place may then be another. Throws std::system_error
-  /// if the place cannot be opened again.
+  /// The connection that was accepted last has ended, and its Line is destroyed. `dropped`: the
+  /// printer ended it, and the host must see that; the place may then be another. Throws
+  /// std::system_error if the place cannot be opened again.
   virtual void resume(bool dropped) = 0;
 };
 

@@ -31,7 +31,7 @@ Descriptor terminal(int number) {
   return {orThrow(number), Descriptor::Kind::Terminal};
 }
 
-// Opens the other side of the terminal. Bytes pass as they are from then on, whatever program opens
+// Opens the other side of the terminal. Bytes pass unchanged from then on, whatever program opens
 // it next.
 Descriptor openOtherSide(const std::string& path) {
   Descriptor other = terminal(::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));

@@ -10,8 +10,8 @@ namespace quordalvane::tool {
 /// A folder for receipts: receipt-0001.txt and receipt-0001.png, and so on.
 class ReceiptFolder {
  public:
-  /// Makes the folder if there is none. The numbers go on from the highest that is there. Throws a
-  /// CommandFailure with ExitCode::Usage if the folder cannot be made or read.
+  /// Makes the folder if there is none. The numbers continue after the highest existing one. Throws
+  /// a CommandFailure with ExitCode::Usage if the folder cannot be made or read.
   explicit ReceiptFolder(std::string folder);
 
   struct Written {

@@ -58,7 +58,7 @@ Server::Server(simulator::PrinterState state, simulator::Faults faults, Places p
 }
 
 unsigned long Server::run() {
-  workForHost(readClock());  // where it listens is the first line, before any answer
+  workForHost(readClock());  // its place is the first line, before any answer
   for (Instant now = readClock(); !isDone(now); now = readClock()) {
     work(now);
     sleep(readClock());
@@ -130,13 +130,13 @@ void Server::workForHost(Instant now) {
   }
 }
 
-// A host that has left keeps its place while the printer works through what it sent. Where the
-// printer stands still that may take for ever, and the next host comes first.
+// A host that has left keeps its place while the printer prints its data. If the printer is stopped
+// that may take for ever, and the next host has priority.
 bool Server::hostMakesWay() const {
   return host_->hostEnded() && printer_.state().flag(simulator::Flag::Offline);
 }
 
-// While the printer stands still the end of a host is hidden after bytes that nobody reads. It is
+// While the printer is stopped the end of a host is hidden after bytes that nobody reads. It is
 // looked for as soon as the next host waits.
 bool Server::hostMayHaveLeft() const {
   return places_.hosts->hostsQueue() && !host_->hostEnded() && !host_->readsAhead() &&
@@ -152,8 +152,8 @@ bool Server::acceptHost(Instant now) {
   return host_.has_value();
 }
 
-// Says where hosts find the printer, unless that has been said. A place that comes later is no
-// answer to a control line, and stays out of their stream.
+// Reports the place at which hosts find the printer, unless that has been done. A later place is no
+// answer to a control line, and is not written to their stream.
 void Server::announce() {
   const std::string place = places_.hosts->place();
   if (place == announced_) {
@@ -163,7 +163,7 @@ void Server::announce() {
   announced_ = place;
   const auto outcome = writeAll(isFirst ? streams_.out : streams_.err, announcement(place));
   if (outcome.error && isFirst) {
-    complain("standard output does not take where it listens: " + outcome.error.message(),
+    complain("standard output does not take the place where it listens: " + outcome.error.message(),
              streams_);
   }
 }
@@ -197,8 +197,8 @@ void Server::collectPaper(Instant now) {
   }
 }
 
-// The printer knows that a job ends with its connection; on one that stays a cut that nothing
-// follows ends it. None while its end cannot be told.
+// The printer knows that a job ends with its connection; on one that remains open a cut that
+// nothing follows ends it. Empty while its end is unknown.
 std::optional<Instant> Server::endOfJob() const {
   const auto lastReceived = host_ ? host_->lastReceived() : std::nullopt;
   if (habits_.per == ReceiptPer::Connection || !lastReceived || !endsInCut(printer_.paper())) {
@@ -209,7 +209,8 @@ std::optional<Instant> Server::endOfJob() const {
 
 void Server::keep(const simulator::Paper& paper) {
   if (paper.goesOn()) {
-    complain("the paper grew too long and was torn off; the job goes on on the next one", streams_);
+    complain("the paper grew too long and was torn off; the job continues on the next one",
+             streams_);
   }
   if (paper.items().empty() && paper.record().isEmpty()) {
     return;

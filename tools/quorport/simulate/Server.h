@@ -24,7 +24,7 @@ namespace quordalvane::tool {
 /// Serves one printer to hosts, one after the other, and to those who control it.
 ///
 /// One thread, one loop: it sleeps until a descriptor is ready or the printer does something by
-/// itself, and then lets everyone do what can be done without waiting.
+/// itself, and then lets each do its work that needs no waiting.
 class Server {
  public:
   struct Places {

@@ -148,7 +148,7 @@ bool somebodyListensAt(const sockaddr_un& address) {
          errno != ECONNREFUSED;
 }
 
-// Clears the path of a socket whose listener is gone.
+// Removes a socket whose listener has ended from the path.
 void removeStaleSocket(const std::string& path) {
   struct stat found {};
   if (::lstat(path.c_str(), &found) != 0) {

@@ -19,7 +19,7 @@ struct ListenAddress {
 };
 
 /// Reads HOST:PORT, PORT or nothing; without a host it is this machine alone, without a port any
-/// that is free. Empty if the text is none of these.
+/// that is free. Empty if the text has none of these forms.
 std::optional<ListenAddress> parseListenAddress(std::string_view text);
 
 /// Throws a std::exception if the system refuses.
@@ -28,8 +28,8 @@ std::unique_ptr<Listener> listenOnTcp(const ListenAddress& address);
 enum class SocketAccess { AsUsual, OwnerAlone };
 
 /// Makes the socket at `path`, in the place of one that nobody listens to any more, and removes it
-/// at its end. Anything else at that path is left alone. Throws a std::exception if the system
-/// refuses or there is something.
+/// at its end. A file of another kind at that path is not touched. Throws a std::exception if the
+/// system refuses or there is something.
 std::unique_ptr<Listener> listenOnUnix(const std::string& path, SocketAccess access);
 
 }  // namespace quordalvane::tool

@@ -1,5 +1,4 @@
-// Takes the place of JobsCommand.cpp and NamedPrinting.cpp where the journal's libraries are
-// missing.
+// Replaces JobsCommand.cpp and NamedPrinting.cpp if the journal's libraries are missing.
 #include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/NamedPrinting.h"
 #include "tools/quorport/Report.h"
