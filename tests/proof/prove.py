@@ -16,7 +16,7 @@ from pathlib import Path
 from ledger import FOLDER, Ledger, digest
 from page import FIGURES, PAGE, details, figures, shown, table, written
 from rows import ROWS, Row
-from steps import COMMIT, CORES, NIGHTLY, RELEASE, ROOT, Clock, Failed, Stopped
+from steps import COMMIT, CORES, NIGHTLY, RELEASE, ROOT, Clock, Failed, Stopped, merged
 
 NOT_PRODUCT = ("docs", "examples", "debian", ".ci")
 
@@ -59,7 +59,7 @@ def summary(row: Row, size: str, done: dict[str, dict]) -> dict[str, str]:
     units = sum(len(step.units(size)) for step in row.steps)
     share = sum(unit["share"] for unit in done.values()) / units
     last = list(done.values())[-1]
-    results = [line for unit in done.values() for line in unit["told"] if re.match(r"[\w-]+: \d+ of \d+ ", line)]
+    results = merged(line for unit in done.values() for line in unit["told"] if re.match(r"[\w-]+: [\d,]+ of [\d,]+ ", line))
     return {"size": size, "far": f"{share:.0%}" if share in (0, 1) else f"{share:.1%}",
             "cases": f"{sum(unit['cases'] for unit in done.values()):,}",
             "time": shown(sum(unit["seconds"] for unit in done.values())), "result": "; ".join(results) or "nothing found",

@@ -79,7 +79,16 @@ ROWS = (
         "at each of its bytes", (faults("*LinkTorture*"),), WHOLE_ROW),
     Row("jobs", "Job simulation", "seeded print jobs on a truthful printer with faults of every kind: `printed` never "
         "without the paper",
-        (seeds("build/bin/simulation_tests", "QUOR_SIMULATED_JOBS", (20_000, 1_000_000, 10_000_000)),), WHOLE_ROW),
+        (seeds("build/bin/simulation_tests", "QUOR_SIMULATED_JOBS", (20_000, 1_000_000, 10_000_000),
+               "--gtest_filter=*SimulatedJobs*"),), WHOLE_ROW),
+    Row("proofs", "Proof simulation", "seeded jobs on ESC/POS printers of every set of proofs, with every fault of their "
+        "answers, another host's job before them and answers to one job during the next: `printed` never without the paper; "
+        "the share of jobs without trouble that are confirmed",
+        (seeds("build/bin/simulation_tests", "QUOR_SIMULATED_PROOFS", (20_000, 1_000_000, 10_000_000),
+               "--gtest_filter=*SimulatedProofs*"),), WHOLE_ROW),
+    Row("schedules", "Fault schedules", "all schedules of at most two faults over a job of three commands, for each proof "
+        "of ESC/POS: `printed` never without the paper",
+        (Step(("build/bin/simulation_tests", "--gtest_filter=*EverySchedule*"), {}, testing),), WHOLE_ROW),
     Row("clocks", "Clocks", "the wall clock steps at every reading: no early time-out, no delay beyond the step",
         (faults("*Clock*"),), WHOLE_ROW),
     Row("bounds", "Bounds", "every operation ends within its limit, and one without a limit ends with the link",

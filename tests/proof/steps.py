@@ -104,10 +104,21 @@ def fuzzing(unit: Unit) -> tuple[int, list[str]]:
 def testing(unit: Unit) -> tuple[int, list[str]]:
     """A test program, in as many processes as there are cores. Its tests count their cases in their report."""
     with ThreadPoolExecutor(CORES) as pool:
-        return sum(pool.map(lambda shard: run_shard(unit, shard), range(CORES))), []
+        reports = list(pool.map(lambda shard: run_shard(unit, shard), range(CORES)))
+    return sum(cases for cases, _ in reports), merged(line for _, lines in reports for line in lines)
 
 
-def run_shard(unit: Unit, shard: int) -> int:
+def merged(lines) -> list[str]:
+    """Counts of one name and meaning, "NAME: N of M MEANING", are added up."""
+    sums: dict[tuple[str, str], tuple[int, int]] = {}
+    for line in lines:
+        name, done, total, meaning = re.match(r"([\w-]+): ([\d,]+) of ([\d,]+) (.*)", line).groups()
+        before = sums.get((name, meaning), (0, 0))
+        sums[name, meaning] = tuple(one + int(count.replace(",", "")) for one, count in zip(before, (done, total)))
+    return [f"{name}: {done:,} of {total:,} {meaning}" for (name, meaning), (done, total) in sums.items()]
+
+
+def run_shard(unit: Unit, shard: int) -> tuple[int, list[str]]:
     report = ROOT / f"build/proof/{shard}-{os.getpid()}.xml"
     report.parent.mkdir(parents=True, exist_ok=True)
     shards = {"GTEST_TOTAL_SHARDS": str(CORES), "GTEST_SHARD_INDEX": str(shard), "GTEST_OUTPUT": f"xml:{report}"}
@@ -116,7 +127,9 @@ def run_shard(unit: Unit, shard: int) -> int:
     report.unlink()
     tests = [test for test in suites.iter("testcase") if test.get("status") == "run"]
     cases = [int(entry.get("value")) for entry in suites.iter("property") if entry.get("name") == "cases"]
-    return sum(cases) if cases else len(tests)
+    told = [f"{entry.get('name')}: {entry.get('value')}" for entry in suites.iter("property")
+            if re.match(r"\d+ of \d+ ", entry.get("value"))]
+    return sum(cases) if cases else len(tests), told
 
 
 @dataclass(frozen=True)
@@ -154,7 +167,7 @@ class Portions:
                      self.cases_of) for number in range(count // portion)]
 
 
-def seeds(program: str, variable: str, counts: tuple) -> Portions:
+def seeds(program: str, variable: str, counts: tuple, *options: str) -> Portions:
     portion = min(counts)
-    return Portions((program,), counts, (portion,) * len(counts),
+    return Portions((program, *options), counts, (portion,) * len(counts),
                     lambda number, amount: {variable: str(amount), "QUOR_FIRST_SEED": str(1 + number * amount)}, testing)

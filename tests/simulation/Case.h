@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "iphone-IOPort/ExternalAccessoryPort.h"
+#include "job/ProofKind.h"
 #include "simulator/PrinterState.h"
 
 namespace quordalvane::simulation {
@@ -25,6 +26,7 @@ struct Case {
   ZKEmulation emulation = ZKEmulationQuorLine;
   std::uint32_t timeoutMillis = 2000;
   std::uint32_t endTimeoutMillis = 5000;
+  ProofKind proof = ProofKind::Block;
   std::string portSettings;
   std::vector<std::pair<std::string, std::string>> printer;  // settings by name
   std::vector<std::pair<std::string, std::string>> faults;

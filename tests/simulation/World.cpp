@@ -32,10 +32,10 @@ std::shared_ptr<test::FaultyAccessory> accessoryOf(const Case& given, Clock& clo
 }
 
 PrintResult printOn(const std::shared_ptr<ExternalAccessoryPort>& port, const ByteBuffer& data,
-                    std::uint32_t endTimeoutMillis) {
+                    std::uint32_t endTimeoutMillis, ProofKind proof) {
   port->setEndCheckedBlockTimeoutMillis(endTimeoutMillis);
   port->open();
-  PrintResult result = PrintJob(port, {.proof = ProofKind::Block}).run(data);
+  PrintResult result = PrintJob(port, {.proof = proof}).run(data);
   port->close();
   return result;
 }
@@ -77,13 +77,26 @@ World::Port World::newPort(std::uint32_t timeoutMillis, std::shared_ptr<Platform
 }
 
 PrintResult World::printJob() {
-  return printOn(port_, given_.data, given_.endTimeoutMillis);
+  return printOn(port_, given_.data, given_.endTimeoutMillis, given_.proof);
+}
+
+void World::openPort() {
+  port_->setEndCheckedBlockTimeoutMillis(given_.endTimeoutMillis);
+  port_->open();
+}
+
+PrintResult World::printOnOpenPort(const ByteBuffer& data) {
+  return PrintJob(port_, {.proof = given_.proof}).run(data);
+}
+
+void World::printForAnotherHost(const ByteBuffer& data) {
+  printOn(newPort(given_.timeoutMillis, platform_), data, 0, ProofKind::None);
 }
 
 PrintResult World::printAgain(const ByteBuffer& data) {
   constexpr std::uint32_t ample = 10000;
   const bool isPatient = given_.timeoutMillis >= 2000;
-  return printOn(isPatient ? port_ : newPort(ample, platform_), data, ample);
+  return printOn(isPatient ? port_ : newPort(ample, platform_), data, ample, given_.proof);
 }
 
 void World::recover() {

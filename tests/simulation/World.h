@@ -40,6 +40,15 @@ class World {
   /// Prints the case's job.
   PrintResult printJob();
 
+  /// Opens the port, and prints on it: answers to one job may arrive during the next.
+  /// @{
+  void openPort();
+  PrintResult printOnOpenPort(const ByteBuffer& data);
+  /// @}
+
+  /// Lets another host send `data` and leave before the printer has printed it.
+  void printForAnotherHost(const ByteBuffer& data);
+
   /// Prints `data` with ample limits, on the same port opened again, or on a new one if the old
   /// one's time-out is so short that even a sound printer may be too slow for it.
   PrintResult printAgain(const ByteBuffer& data);

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tests/simulation/Case.h"
+
+namespace quordalvane::simulation {
+
+/// A job whose parts are found again on the paper, whatever the printer prints between them.
+struct Receipt {
+  ByteBuffer data;
+  std::vector<ByteBuffer> parts;  ///< in their order
+};
+
+/// Jobs over ESC/POS on one port, by one proof, on a printer that gives some proofs or none.
+struct ProofCase {
+  Case common;
+  std::string gives;                        ///< the proofs that the printer knows
+  std::optional<ByteBuffer> ofAnotherHost;  ///< still in the printer when the port opens
+  std::vector<Receipt> receipts;
+
+  /// Nothing goes wrong, and there is time for everything: such a job is to be confirmed.
+  bool isHonest = false;
+};
+
+/// The case of a seed.
+ProofCase makeProofCase(std::uint64_t seed);
+
+/// Whether the printer gives `proof`; of Auto, whether it gives any.
+bool gives(const ProofCase& given, ProofKind proof);
+
+/// Whether all parts of the receipt are on the paper, in their order.
+bool isOn(const ByteBuffer& paper, const Receipt& receipt);
+
+/// Whether none of its parts is.
+bool isNotOn(const ByteBuffer& paper, const Receipt& receipt);
+
+std::ostream& operator<<(std::ostream& out, const ProofCase& given);
+
+}  // namespace quordalvane::simulation
