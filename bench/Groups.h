@@ -23,6 +23,7 @@ Rows virtualTime();          // B13
 Rows systemCalls();          // B14
 Rows journal();              // B19
 Rows confirmedReceipts();    // B15, B16
+Rows wholeCommands();        // B17
 Rows signsOfSlowPrinters();  // B18
 
 GrowthTable growingPorts();

@@ -126,7 +126,9 @@ void ReceiptPrinter::confirm(std::vector<std::uint8_t> sign) {
 void ReceiptPrinter::signWhenPrinted() {
   printedAt_ = Instant::max();
   counter_ = static_cast<std::uint8_t>(counter_ + std::exchange(marks_, 0));
-  confirmedAt_ = std::chrono::steady_clock::now();
+  if (heardDataAt_.load() > confirmedAt_.load()) {
+    confirmedAt_ = std::chrono::steady_clock::now();
+  }
   if (const auto sign = std::exchange(sign_, {}); !sign.empty()) {
     answer(sign);
   }

@@ -41,7 +41,7 @@ class ReceiptPrinter {
   /// The bytes received and the answers since then.
   std::vector<Turn> turns() const;
 
-  /// When the first byte of a receipt was heard, and when the printer was done with the job.
+  /// When the first byte of a receipt was heard, and when the printer was first done with the job.
   /// @{
   Instant heardDataAt() const { return heardDataAt_; }
   Instant confirmedAt() const { return confirmedAt_; }

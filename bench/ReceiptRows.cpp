@@ -10,28 +10,16 @@
 #include "bench/BareLink.h"
 #include "bench/Groups.h"
 #include "bench/OpenPort.h"
-#include "bench/ReceiptPrinter.h"
+#include "bench/ReceiptKinds.h"
 #include "job/PrintJob.h"
 
 namespace quordalvane::bench {
 namespace {
 
 using namespace std::chrono_literals;
-using Confirms = ReceiptPrinter::Confirms;
 
 constexpr double millisecond = 1e3;
 constexpr std::size_t receiptSize = 450;
-
-struct Kind {
-  const char* name;
-  Confirms confirms;
-  ZKEmulation emulation;
-};
-
-constexpr Kind kinds[] = {
-    {"line mode", Confirms::Count, ZKEmulationQuorLine},
-    {"ESC/POS, checked block", Confirms::Report, ZKEmulationESCPOS},
-};
 
 std::vector<std::uint8_t> receipt() {
   std::vector<std::uint8_t> data(receiptSize, 'e');
@@ -42,7 +30,7 @@ std::vector<std::uint8_t> receipt() {
 
 /// An open port to a printer, and a bare link to another one of its kind.
 struct Counters {
-  explicit Counters(const Kind& kind, std::chrono::milliseconds printingTime = {})
+  explicit Counters(const ReceiptKind& kind, std::chrono::milliseconds printingTime = {})
       : endpoint(makeEndpoint(Medium::Tcp)),
         bareEndpoint(makeEndpoint(Medium::Tcp)),
         port(endpoint->device(), kind.emulation),
@@ -102,7 +90,7 @@ double secondsToFirstByte(Counters& counters, std::span<const std::uint8_t> data
   return std::chrono::duration<double>(counters.printer->heardDataAt() - start).count();
 }
 
-void addRowsOf(const Kind& kind, Rows& confirmed, Rows& firstByte) {
+void addRowsOf(const ReceiptKind& kind, Rows& confirmed, Rows& firstByte) {
   constexpr int jobs = 21;
   const Bound bound(Core::First);
   Counters counters(kind);
@@ -133,14 +121,14 @@ void addRowsOf(const Kind& kind, Rows& confirmed, Rows& firstByte) {
       beginnings, Best::Lowest, millisecond));
 }
 
-Row signRow(const Kind& kind, const char* goal) {
+Row signRow(const ReceiptKind& kind) {
   constexpr auto printingTime = 3s;
   const Bound bound(Core::First);
   Counters counters(kind, printingTime);
   print(counters.port, receipt());
   const auto waited = std::chrono::steady_clock::now() - counters.printer->confirmedAt();
   return {.heading = {"B18", std::string("from the printer's sign to the outcome, ") + kind.name,
-                      goal, "ms"},
+                      kind.goalOfSign, "ms"},
           .ours = std::chrono::duration<double>(waited).count() * millisecond,
           .limit = 0};
 }
@@ -150,7 +138,7 @@ Row signRow(const Kind& kind, const char* goal) {
 Rows confirmedReceipts() {
   Rows rows;
   Rows firstByte;
-  for (const Kind& kind : kinds) {
+  for (const ReceiptKind& kind : kinds) {
     addRowsOf(kind, rows, firstByte);
   }
   rows.insert(rows.end(), firstByte.begin(), firstByte.end());
@@ -158,7 +146,11 @@ Rows confirmedReceipts() {
 }
 
 Rows signsOfSlowPrinters() {
-  return {signRow(kinds[0], "<= 100 ms"), signRow(kinds[1], "<= 200 ms")};
+  Rows rows;
+  for (const ReceiptKind& kind : receiptKinds) {
+    rows.push_back(signRow(kind));
+  }
+  return rows;
 }
 
 }  // namespace quordalvane::bench

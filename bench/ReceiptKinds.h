@@ -1,0 +1,27 @@
+#pragma once
+
+#include "bench/ReceiptPrinter.h"
+#include "iphone-IOPort/enum.h"
+
+namespace quordalvane::bench {
+
+/// A kind of printer, by the way in which it confirms a receipt.
+struct ReceiptKind {
+  const char* name;
+  ReceiptPrinter::Confirms confirms;
+  ZKEmulation emulation;
+  const char* keys;        ///< of a device whose printer is known
+  const char* goalOfSign;  ///< how soon the sign is to be seen
+};
+
+inline constexpr ReceiptKind receiptKinds[] = {
+    {"line mode", ReceiptPrinter::Confirms::Count, ZKEmulationQuorLine, "", "<= 100 ms"},
+    {"ESC/POS, checked block", ReceiptPrinter::Confirms::Report, ZKEmulationESCPOS, ",proof=block",
+     "<= 200 ms"},
+    {"ESC/POS, process ID", ReceiptPrinter::Confirms::ProcessId, ZKEmulationESCPOS,
+     ",proof=process-id", "<= 20 ms"},
+    {"ESC/POS, in-order status", ReceiptPrinter::Confirms::InOrder, ZKEmulationESCPOS,
+     ",proof=in-order", "<= 20 ms"},
+};
+
+}  // namespace quordalvane::bench
