@@ -1,9 +1,9 @@
-#include <algorithm>
 #include <optional>
 #include <utility>
 
 #include "c-interface/Buffers.h"
 #include "c-interface/Handles.h"
+#include "c-interface/ProofNumbers.h"
 #include "c-interface/SameNumber.h"
 
 using namespace quordalvane;
@@ -21,29 +21,14 @@ static_assert(sameNumber(QUOR_OBSTACLE_CANCELLED, PrintObstacle::Cancelled));
 static_assert(sameNumber(QUOR_OBSTACLE_EXCHANGE_FAILED, PrintObstacle::ExchangeFailed));
 static_assert(sameNumber(QUOR_OBSTACLE_NO_PROOF, PrintObstacle::NoProof));
 
-struct ProofNumber {
-  std::int32_t number;
-  ProofKind kind;
-};
-
-constexpr ProofNumber proofs[] = {
-    {QUOR_PROOF_NONE, ProofKind::None},        {QUOR_PROOF_AUTO, ProofKind::Auto},
-    {QUOR_PROOF_BLOCK, ProofKind::Block},      {QUOR_PROOF_PROCESS_ID, ProofKind::ProcessId},
-    {QUOR_PROOF_IN_ORDER, ProofKind::InOrder},
-};
-
 /// Auto leaves the choice to the device, if its text names a proof.
 std::optional<ProofKind> proofOf(std::int32_t number) {
-  for (const ProofNumber& proof : proofs) {
+  for (const ProofNumber& proof : proofNumbers) {
     if (proof.number == number) {
       return number == QUOR_PROOF_AUTO ? std::nullopt : std::optional(proof.kind);
     }
   }
   throw CallFailure(QUOR_USAGE, "there is no proof " + std::to_string(number));
-}
-
-std::int32_t numberOf(ProofKind kind) {
-  return std::ranges::find(proofs, kind, &ProofNumber::kind)->number;
 }
 
 const PrintResult& resultOf(QuorPrintJob* job) {

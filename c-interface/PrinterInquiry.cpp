@@ -6,6 +6,7 @@
 
 #include "c-interface/Buffers.h"
 #include "c-interface/Handles.h"
+#include "c-interface/ProofNumbers.h"
 
 using namespace quordalvane;
 using namespace quordalvane::c;
@@ -47,6 +48,10 @@ QuorCode quor_printer_button_security_timeout(QuorPort* port, uint32_t* millisec
     given(milliseconds, "the time-out") =
         static_cast<uint32_t>(inquiry(port).buttonSecurityTimeout().count());
   });
+}
+
+QuorCode quor_printer_proof(QuorPort* port, int32_t* proof) {
+  return guarded([&] { given(proof, "the proof") = numberOf(inquiry(port).proof()); });
 }
 
 QuorCode quor_printer_drop_all(QuorPort* port) {

@@ -340,6 +340,11 @@ QUOR_EXPORT QuorCode quor_printer_dip_switches(QuorPort* port, uint8_t settings[
  * time and the time-out of the port. */
 QUOR_EXPORT QuorCode quor_printer_button_security_timeout(QuorPort* port, uint32_t* milliseconds);
 
+/** Stores the strongest proof of a job that the printer gives, one of the numbers below, none if it
+ * gives none. A printer that is off line may keep its answers in ESC/POS, and then seems to give
+ * none. Its count of marks begins anew: do not ask while another program prints on it. */
+QUOR_EXPORT QuorCode quor_printer_proof(QuorPort* port, int32_t* proof);
+
 /** Makes the printer drop the data that it has not printed yet. There is no answer: returns after
  * the link has taken the command. */
 QUOR_EXPORT QuorCode quor_printer_drop_all(QuorPort* port);

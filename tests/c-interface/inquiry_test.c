@@ -16,6 +16,25 @@ static void AJudgedStatusIsThePrinters(void) {
   done(port);
 }
 
+static void APrinterSaysWhichProofItGives(void) {
+  static const struct {
+    const char* device;
+    int32_t emulation;
+    int32_t proof;
+  } rows[] = {
+      {"virtual:", QUOR_EMULATION_LINE, QUOR_PROOF_BLOCK},
+      {"virtual:proofs=process-id+in-order", QUOR_EMULATION_ESCPOS, QUOR_PROOF_PROCESS_ID},
+      {"virtual:proofs=none", QUOR_EMULATION_ESCPOS, QUOR_PROOF_NONE},
+  };
+  for (size_t i = 0; i < sizeof rows / sizeof rows[0]; ++i) {
+    QuorPort* port = openPortTo(rows[i].device, rows[i].emulation);
+    int32_t proof = 7;
+    EXPECT(quor_printer_proof(port, &proof) == QUOR_OK);
+    EXPECT(proof == rows[i].proof);
+    done(port);
+  }
+}
+
 static void TheRestOfOneAnswerIsNotTakenForTheNext(void) {
   QuorPort* port = openPortTo("virtual:,offline=true,split-reply=3@1", QUOR_EMULATION_LINE);
   int32_t online = 7;
@@ -76,6 +95,7 @@ static void AQuestionWithoutAnAnswerHasItsCause(void) {
 }
 
 const Sentence inquirySentences[] = {SENTENCE(AJudgedStatusIsThePrinters),
+                                     SENTENCE(APrinterSaysWhichProofItGives),
                                      SENTENCE(TheRestOfOneAnswerIsNotTakenForTheNext),
                                      SENTENCE(AnAnswerThatIsNotAPrintersIsUnreadable),
                                      SENTENCE(JudgedQuestionsGiveEveryFactAboutThePrinter),
