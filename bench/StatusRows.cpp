@@ -81,7 +81,7 @@ Rows escposStatusOverTcp() {
 }
 
 Rows lineStatusElsewhere() {
-  return {lineStatusRow({"B3", "line-mode status over a Unix socket", "<= 1.5 x", "us"},
+  return {lineStatusRow({"B3", "line-mode status over a Unix socket", "<= 1.4 x", "us"},
                         Medium::Local, Core::First),
           lineStatusRow({"B3", "line-mode status over a pseudo-terminal", "<= 1.2 x", "us"},
                         Medium::Terminal, Core::Second)};
