@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -22,14 +23,16 @@ struct Discovery {
   std::vector<std::string> unsearched;
 };
 
-/// Finds the devices that could be printers: USB printers and serial lines, in this order. Opens
-/// none of them and sends nothing to any of them.
+/// Finds the devices that could be printers: USB printers, paired Bluetooth printers, printers that
+/// announce themselves on the network, and serial lines, in this order. Opens none of them and sends
+/// nothing to any of them. It takes as long as it listens to the network, two seconds, and no longer
+/// than that for Bluetooth.
 ///
 ///     for (const FoundDevice& found : discoverDevices().devices) {
 ///       std::cout << found.device << " is " << found.name << "\n";
 ///     }
 ///
-/// May be called from any thread.
+/// May be called from any thread; uses two of its own meanwhile.
 Discovery discoverDevices(const DiscoveryRoots& roots = {});
 
 }  // namespace quordalvane

@@ -43,6 +43,14 @@ class Printing(BusCase):
         answer = self.run_command("-d", "bluetooth:", "list", "--json").json()
         self.assertEqual([found["name"] for found in answer["accessories"]], ["Kitchen", "Bar"])
 
+    def test_find_shows_the_printer_and_names_the_way_that_it_could_not_search(self):
+        self.bluetooth()
+        result = self.run_command("find", "--json")
+        self.assertExit(0, result)
+        self.assertIn({"device": DEVICE, "name": "Kitchen", "serialNumber": None, "via": "bluetooth", "reachable": None},
+                      result.json()["found"])
+        self.assertIn("the network was not searched", result.err)
+
     def test_a_service_that_ends_in_mid_job_is_a_lost_link_and_the_next_job_works(self):
         printer = self.printer("speed=500")
         service = self.bluetooth(printer=printer)

@@ -140,7 +140,8 @@ void StandInBluetooth::handOver(const std::string& device,
                                 std::function<void(const sdbus::Error*)> then) {
   const sdbus::UnixFd connection(plan_.connect(), sdbus::adopt_fd);
   owners_.push_back(sdbus::createProxy(*connection_, profile_->owner, profile_->path));
-  owners_.back()->callMethodAsync("NewConnection")
+  owners_.back()
+      ->callMethodAsync("NewConnection")
       .onInterface("org.bluez.Profile1")
       .withArguments(sdbus::ObjectPath(device), connection, std::map<std::string, sdbus::Variant>{})
       .uponReplyInvoke([then = std::move(then)](const sdbus::Error* error) { then(error); });

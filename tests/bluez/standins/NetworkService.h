@@ -1,0 +1,53 @@
+#pragma once
+
+#include <sdbus-c++/sdbus-c++.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace quordalvane::test {
+
+/// A service of the network as the stand-in announces it.
+struct StandInAnnouncement {
+  std::string name = "Bar";
+  std::string address = "192.0.2.10";  ///< "" is never resolved
+  std::uint16_t port = 9100;
+  std::vector<std::string> texts = {};
+  std::string type = "_pdl-datastream._tcp";
+};
+
+/// The part of the network's discovery service that a search needs, on the system's bus. It
+/// announces everything before it answers who browses. It serves on a thread of its own until its
+/// end.
+class StandInAvahi {
+ public:
+  explicit StandInAvahi(std::vector<StandInAnnouncement> announcements);
+  ~StandInAvahi();
+  StandInAvahi(const StandInAvahi&) = delete;
+  StandInAvahi& operator=(const StandInAvahi&) = delete;
+
+  /// The types that were asked for.
+  std::vector<std::string> askedFor() const { return askedFor_; }
+
+ private:
+  using Texts = std::vector<std::vector<std::uint8_t>>;
+  using Resolved =
+      sdbus::Result<std::int32_t, std::int32_t, std::string, std::string, std::string, std::string,
+                    std::int32_t, std::string, std::uint16_t, Texts, std::uint32_t>;
+
+  void announceAll();
+  void resolve(Resolved&& result, const std::string& name);
+
+  const std::vector<StandInAnnouncement> announcements_;
+  const std::unique_ptr<sdbus::IConnection> connection_;
+  std::unique_ptr<sdbus::IObject> server_;
+  std::unique_ptr<sdbus::IObject> browser_;
+  std::vector<std::shared_ptr<Resolved>> unanswered_;
+  std::vector<std::string> askedFor_;
+  std::thread thread_;
+};
+
+}  // namespace quordalvane::test
