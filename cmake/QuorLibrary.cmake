@@ -10,7 +10,7 @@ set(rooms quor_parsers quor_logging quor_platform quor_port quor_backend_common 
           quor_posix quor_backends quor_job quor_c_interface)
 list(TRANSFORM rooms REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>" OUTPUT_VARIABLE objects)
 # Pictures of the paper are the command's alone: programs do not need the drawing library.
-list(APPEND objects $<FILTER:$<TARGET_OBJECTS:quor_simulator>,EXCLUDE,/Canvas|/ImageRendering>)
+list(APPEND objects $<FILTER:$<TARGET_OBJECTS:quor_simulator>,EXCLUDE,/drawing/>)
 
 # QUOR_EXPORT decides which names are exported; the rooms are compiled with all others hidden. What the
 # linker is told besides: to give them the library's version, and to keep to itself what the headers

@@ -6,6 +6,7 @@ pkg_check_modules(CAIRO REQUIRED IMPORTED_TARGET cairo)
 # The drawing library chooses fonts through fontconfig, which is installed with it.
 pkg_check_modules(FONTCONFIG REQUIRED IMPORTED_TARGET fontconfig)
 find_library(ZINT_LIBRARY zint REQUIRED)
+find_package(ZLIB REQUIRED)
 
 # The journal of jobs is built if its libraries are there.
 pkg_check_modules(SQLITE IMPORTED_TARGET sqlite3)

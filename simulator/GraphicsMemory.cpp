@@ -1,6 +1,7 @@
 #include "simulator/GraphicsMemory.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace quordalvane::simulator {
 namespace {
@@ -10,6 +11,27 @@ constexpr unsigned widest = widePaperDots;
 
 unsigned word(ByteView bytes, std::size_t at) {
   return bytes[at] + 256U * bytes[at + 1];
+}
+
+// Which memory an image lies in, above the two bytes or the number that name it there.
+constexpr unsigned keptMemory = 1U << 16U;       // of graphics, outlives an initialisation
+constexpr unsigned downloadMemory = 2U << 16U;   // of graphics
+constexpr unsigned numberedMemory = 3U << 16U;   // of 1c 71, outlives an initialisation
+constexpr unsigned downloadedImage = 4U << 16U;  // the one of 1d 2a
+constexpr unsigned memorySize = 1U << 16U;
+
+constexpr std::uint8_t firstColour = 49;
+
+unsigned scaleIn(std::uint8_t mode, unsigned bit) {
+  return (mode & bit) != 0 ? 2 : 1;
+}
+
+std::size_t weightOf(const std::vector<Bitmap>& image) {
+  std::size_t sum = 0;
+  for (const Bitmap& layer : image) {
+    sum += sizeof layer + layer.rows.size();
+  }
+  return sum;
 }
 
 bool dot(ByteView rows, std::size_t stride, std::size_t x, std::size_t y) {
@@ -32,7 +54,8 @@ Bitmap fromRows(ByteView rows, unsigned width, unsigned height, unsigned scaleX,
   return image;
 }
 
-// Columns of `tall` dots, the topmost in the highest bit of a column's first byte.
+}  // namespace
+
 Bitmap fromColumns(ByteView columns, unsigned count, unsigned tall, unsigned scaleX,
                    unsigned scaleY) {
   const std::size_t stride = (std::size_t{tall} + 7) / 8;
@@ -49,8 +72,6 @@ Bitmap fromColumns(ByteView columns, unsigned count, unsigned tall, unsigned sca
   }
   return image;
 }
-
-}  // namespace
 
 Bitmap rasterImage(ByteView command) {
   if (command.size() < 8) {
@@ -72,38 +93,183 @@ Bitmap columnImage(ByteView command) {
                      tall ? 1 : 3);
 }
 
-GraphicsMemory::Outcome GraphicsMemory::apply(ByteView command) {
-  const std::size_t header = command[1] == 0x38 ? 7 : 5;
-  if (command[2] != 0x4c || command.size() < header + 2) {
-    return Outcome::Unknown;
+Bitmap tallColumnImage(ByteView command) {
+  if (command.size() < 8 || command[2] != '0') {
+    return {};
   }
-  const ByteView parameters = command.subspan(header);
-  switch (parameters[1]) {
+  return fromColumns(command.subspan(8), word(command, 4), word(command, 6) * 8,
+                     scaleIn(command[3], 1), scaleIn(command[3], 2));
+}
+
+Bitmap enlarged(const Bitmap& image, unsigned scaleX, unsigned scaleY) {
+  Bitmap large = fromRows(image.rows, image.width, image.height, scaleX, scaleY);
+  large.grey = image.grey;
+  return large;
+}
+
+GraphicsMemory::Outcome GraphicsMemory::apply(ByteView command) {
+  const unsigned name = command[0] * 256U + command[1];
+  switch (name) {
+    case 0x1c70:
+      return print(numberedMemory + command[2], scaleIn(command[3], 1), scaleIn(command[3], 2));
+    case 0x1c71:
+      return storeNumbered(command);
+    case 0x1d2a:
+      return store(downloadedImage, {fromColumns(command.subspan(4), command[2] * 8U,
+                                                 command[3] * 8U, 1, 1)});
+    case 0x1d2f:
+      return print(downloadedImage, scaleIn(command[2], 1), scaleIn(command[2], 2));
+    default:
+      break;
+  }
+  const std::size_t header = command[1] == 0x38 ? 7 : 5;
+  const bool isGraphics = command[2] == 0x4c && command.size() >= header + 2;
+  return isGraphics ? applyGraphics(command.subspan(header)) : Outcome::Unknown;
+}
+
+GraphicsMemory::Outcome GraphicsMemory::applyGraphics(ByteView parameters) {
+  const std::uint8_t function = parameters[1];
+  const bool isKept = function >= 64 && function <= 69;
+  const unsigned memory = isKept ? keptMemory : downloadMemory;
+  switch (function) {
+    case 1:
+    case 49:  // the density, which is the same
+      return Outcome::Stored;
     case 2:
     case 50:
-      return Outcome::Print;
+      image_ = std::exchange(buffer_, {});
+      return image_.empty() ? Outcome::Stored : Outcome::Print;
+    case 65:
+    case 81:
+      return erase(memory, memory + memorySize);
+    case 66:
+    case 82:
+      return parameters.size() < 4 ? Outcome::Unknown
+                                   : erase(memory + word(parameters, 2), memory + word(parameters, 2) + 1);
+    case 67:
+    case 68:
+    case 83:
+    case 84:
+      return define(parameters, memory, function % 16 == 4);
+    case 69:
+    case 85:
+      return parameters.size() < 6
+                 ? Outcome::Unknown
+                 : print(memory + word(parameters, 2), parameters[4], parameters[5]);
     case 112:
-      return store(parameters, false) ? Outcome::Stored : Outcome::Unknown;
     case 113:
-      return store(parameters, true) ? Outcome::Stored : Outcome::Unknown;
+      return addToBuffer(parameters, function == 113);
     default:
       return Outcome::Unknown;
   }
 }
 
-// Parameters: m fn tone scaleX scaleY colour xL xH yL yH, then the dots of one colour.
-bool GraphicsMemory::store(ByteView parameters, bool byColumns) {
+GraphicsMemory::Outcome GraphicsMemory::store(unsigned key, Image image) {
+  std::size_t weight = weightOf(image);
+  if (image.empty() || image[0].width == 0 || image[0].height == 0) {
+    return Outcome::Unknown;
+  }
+  stored_.erase(key);
+  for (const auto& [other, kept] : stored_) {
+    weight += weightOf(kept);
+  }
+  if (weight > mostBytes) {
+    return Outcome::Unknown;
+  }
+  stored_[key] = std::move(image);
+  return Outcome::Stored;
+}
+
+GraphicsMemory::Outcome GraphicsMemory::print(unsigned key, unsigned scaleX, unsigned scaleY) {
+  const auto found = stored_.find(key);
+  if (found == stored_.end()) {
+    return Outcome::Unknown;
+  }
+  image_.clear();
+  for (const Bitmap& layer : found->second) {
+    image_.push_back(
+        enlarged(layer, std::clamp(scaleX, 1U, 2U), std::clamp(scaleY, 1U, 2U)));
+  }
+  return Outcome::Print;
+}
+
+GraphicsMemory::Outcome GraphicsMemory::erase(unsigned first, unsigned last) {
+  stored_.erase(stored_.lower_bound(first), stored_.lower_bound(last));
+  return Outcome::Stored;
+}
+
+// 1c 71 n, then each image: its size in units of eight dots, and its columns. They replace all
+// that were there.
+GraphicsMemory::Outcome GraphicsMemory::storeNumbered(ByteView command) {
+  erase(numberedMemory, numberedMemory + memorySize);
+  std::size_t at = 3;
+  for (unsigned number = 1; number <= command[2] && at + 4 <= command.size(); ++number) {
+    const unsigned width = word(command, at) * 8;
+    const unsigned height = word(command, at + 2) * 8;
+    const std::size_t bytes = std::size_t{width} * height / 8;
+    at += 4;
+    if (bytes > command.size() - at ||
+        store(numberedMemory + number,
+              {fromColumns(command.subspan(at, bytes), width, height, 1, 1)}) != Outcome::Stored) {
+      return Outcome::Unknown;
+    }
+    at += bytes;
+  }
+  return Outcome::Stored;
+}
+
+// m fn tone scaleX scaleY colour xL xH yL yH, then the dots of one colour.
+GraphicsMemory::Outcome GraphicsMemory::addToBuffer(ByteView parameters, bool byColumns) {
   if (parameters.size() < 10) {
-    return false;
+    return Outcome::Unknown;
   }
   const unsigned scaleX = std::clamp<unsigned>(parameters[3], 1, 2);
   const unsigned scaleY = std::clamp<unsigned>(parameters[4], 1, 2);
   const unsigned width = word(parameters, 6);
   const unsigned height = word(parameters, 8);
   const ByteView dots = parameters.subspan(10);
-  stored_ = byColumns ? fromColumns(dots, width, height, scaleX, scaleY)
-                      : fromRows(dots, width, height, scaleX, scaleY);
-  return stored_.width > 0 && stored_.height > 0;
+  Bitmap layer = byColumns ? fromColumns(dots, width, height, scaleX, scaleY)
+                           : fromRows(dots, width, height, scaleX, scaleY);
+  layer.grey = parameters[5] > firstColour;
+  if (layer.width == 0 || layer.height == 0 || weightOf(buffer_) > mostBytes) {
+    return Outcome::Unknown;
+  }
+  if (!layer.grey) {
+    buffer_.clear();
+  }
+  buffer_.push_back(std::move(layer));
+  return Outcome::Stored;
+}
+
+// m fn tone key key colours xL xH yL yH, then each colour and its dots.
+GraphicsMemory::Outcome GraphicsMemory::define(ByteView parameters, unsigned memory,
+                                               bool byColumns) {
+  if (parameters.size() < 10) {
+    return Outcome::Unknown;
+  }
+  const unsigned width = word(parameters, 6);
+  const unsigned height = word(parameters, 8);
+  const std::size_t bytes = byColumns ? std::size_t{(height + 7) / 8} * width
+                                      : std::size_t{(width + 7) / 8} * height;
+  Image image;
+  std::size_t at = 10;
+  for (unsigned colour = 0; colour < parameters[5]; ++colour) {
+    if (parameters.size() < at + 1 + bytes) {
+      return Outcome::Unknown;
+    }
+    const ByteView dots = parameters.subspan(at + 1, bytes);
+    image.push_back(byColumns ? fromColumns(dots, width, height, 1, 1)
+                              : fromRows(dots, width, height, 1, 1));
+    image.back().grey = parameters[at] > firstColour;
+    at += 1 + bytes;
+  }
+  return store(memory + word(parameters, 3), std::move(image));
+}
+
+void GraphicsMemory::initialise() {
+  buffer_.clear();
+  erase(downloadMemory, downloadMemory + memorySize);
+  erase(downloadedImage, downloadedImage + 1);
 }
 
 }  // namespace quordalvane::simulator

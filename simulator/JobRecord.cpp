@@ -1,6 +1,7 @@
 #include "simulator/JobRecord.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "simulator/HexText.h"
 
@@ -33,7 +34,43 @@ std::string nameOf(std::uint8_t byte) {
 }  // namespace
 
 bool JobRecord::isEmpty() const {
-  return cuts == 0 && drawer == 0 && beeps == 0 && codePages_.empty() && isClean();
+  const bool onlyQuestions = std::all_of(events_.begin(), events_.end(), [](const Event& event) {
+    return event.kind == EventKind::Question;
+  });
+  return onlyQuestions && codePages_.empty() && isClean();
+}
+
+void JobRecord::noteEvent(EventKind kind, std::string text) {
+  if (events_.size() < longestList) {
+    events_.push_back({kind, std::move(text)});
+  }
+}
+
+void JobRecord::noteCut() {
+  ++cuts_;
+  noteEvent(EventKind::Cut);
+}
+
+void JobRecord::noteDrawer() {
+  ++drawer_;
+  noteEvent(EventKind::Drawer);
+}
+
+void JobRecord::noteBeep() {
+  ++beeps_;
+  noteEvent(EventKind::Beep);
+}
+
+// Letters that follow one another are one event.
+void JobRecord::noteDisplay(std::uint8_t byte) {
+  constexpr std::size_t longestText = 1000;
+  if (events_.empty() || events_.back().kind != EventKind::Display) {
+    noteEvent(EventKind::Display);
+  }
+  std::string& text = events_.back().text;
+  if (events_.back().kind == EventKind::Display && text.size() < longestText) {
+    text += byte >= 0x20 && byte < 0x7f ? static_cast<char>(byte) : '.';
+  }
 }
 
 void JobRecord::noteCodePage(std::uint8_t number) {
@@ -46,6 +83,7 @@ void JobRecord::noteQuestion(ByteView command, ByteView answer) {
   if (asked_.size() < longestList) {
     asked_.push_back({beginningOf(command), Bytes(answer.begin(), answer.end())});
   }
+  noteEvent(EventKind::Question, hexText(beginningOf(command)));
 }
 
 void JobRecord::noteUnknown(std::uint64_t offset, ByteView command) {

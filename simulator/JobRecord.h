@@ -24,11 +24,25 @@ class JobRecord {
     std::string name;      ///< like "GS y"; "cut off" for a command without its end
   };
 
+  enum class EventKind : std::uint8_t { Cut, Drawer, Beep, Display, Question };
+
+  /// An event that leaves no ink, in the order in which the printer carried it out.
+  struct Event {
+    EventKind kind;
+    std::string text;  ///< of the display: its words; of a question: the command in hex
+  };
+
   static constexpr std::size_t longestList = 1000;
 
-  unsigned cuts = 0;
-  unsigned drawer = 0;  ///< pulses
-  unsigned beeps = 0;
+  unsigned cuts() const { return cuts_; }
+  unsigned drawer() const { return drawer_; }  ///< pulses
+  unsigned beeps() const { return beeps_; }
+  const std::vector<Event>& events() const { return events_; }
+
+  void noteCut();
+  void noteDrawer();
+  void noteBeep();
+  void noteDisplay(std::uint8_t byte);
 
   const Bytes& codePages() const { return codePages_; }
   const std::vector<Question>& asked() const { return asked_; }
@@ -52,6 +66,12 @@ class JobRecord {
   void noteMissingPage(std::uint8_t number);
 
  private:
+  void noteEvent(EventKind kind, std::string text = "");
+
+  unsigned cuts_ = 0;
+  unsigned drawer_ = 0;
+  unsigned beeps_ = 0;
+  std::vector<Event> events_;
   Bytes codePages_;
   std::vector<Question> asked_;
   std::vector<Unknown> unknown_;

@@ -6,9 +6,18 @@
 
 namespace quordalvane::simulator {
 
+// A margin that leaves no room for a letter is none.
+unsigned LineBuilder::room() const {
+  constexpr unsigned least = 12;
+  const unsigned left = std::min(left_, paperWidth_ - least);
+  const unsigned rest = paperWidth_ - left;
+  return width_ == 0 ? rest : std::clamp(width_, least, rest);
+}
+
 LineItem& LineBuilder::begin(LineItem item) {
   if (line_.items.empty()) {
-    line_.alignment = alignment_;
+    line_.place = place();
+    line_.upsideDown = upsideDown_;
   }
   line_.items.push_back(std::move(item));
   return line_.items.back();
@@ -18,7 +27,7 @@ void LineBuilder::add(std::u32string_view text, const TextStyle& style, Paper& p
   TextStyle own = style;
   for (char32_t character : text) {
     own.wide = style.wide || isWide(character);
-    if (position_ > 0 && position_ + own.cellWidth() > paperWidth_) {
+    if (position_ > 0 && position_ + own.cellWidth() > room()) {
       end(paper);
     }
     addCharacter(character, own);
@@ -53,8 +62,8 @@ void LineBuilder::addCharacter(char32_t character, const TextStyle& style) {
 }
 
 void LineBuilder::add(Bitmap dots) {
-  const unsigned room = paperWidth_ - std::min(position_, paperWidth_);
-  const unsigned width = std::min(dots.width, room);
+  const unsigned rest = room() - std::min(position_, room());
+  const unsigned width = std::min(dots.width, rest);
   if (width == 0 || isFull()) {
     return;
   }
@@ -64,14 +73,19 @@ void LineBuilder::add(Bitmap dots) {
 }
 
 void LineBuilder::moveTo(unsigned x) {
-  if (x < paperWidth_) {
+  if (x < room()) {
     position_ = x;
   }
 }
 
 void LineBuilder::tab(unsigned cellWidth) {
-  const unsigned stop = 8 * cellWidth;
-  moveTo((position_ / stop + 1) * stop);
+  const auto next = std::upper_bound(tabs_.begin(), tabs_.end(), position_);
+  if (next != tabs_.end()) {
+    moveTo(*next);
+  } else if (tabs_.empty()) {
+    const unsigned stop = 8 * cellWidth;
+    moveTo((position_ / stop + 1) * stop);
+  }
 }
 
 void LineBuilder::end(Paper& paper) {

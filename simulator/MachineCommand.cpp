@@ -59,6 +59,7 @@ constexpr Pattern patterns[] = {
     {InOrderStatus, Always, 2, {0x1b, 0x76}},
     {AskSetting, Always, 7, {0x1d, 0x28, 0x45, 0x02, 0x00, 0x04, any}},
     {AskSetting, Always, 7, {0x1d, 0x28, 0x45, 0x02, 0x00, 0x06, any}},
+    {AskSymbolSize, Always, 8, {0x1d, 0x28, 0x6b, 0x03, 0x00, any, 0x52, any}},
 };
 
 // Every pattern begins with a control character, and most of a job is text.
@@ -83,7 +84,7 @@ bool actsOnReception(MachineCommand command) {
 
 bool actsInTurn(MachineCommand command) {
   return command == Etb || command == ReportingEtb || command == ReturnProcessId ||
-         command == InOrderStatus || command == AskSetting;
+         command == InOrderStatus || command == AskSetting || command == AskSymbolSize;
 }
 
 MachineCommand machineCommand(ByteView bytes, const Dialect& dialect) {

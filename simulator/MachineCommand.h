@@ -29,6 +29,7 @@ enum class MachineCommand {
   ReturnProcessId,
   InOrderStatus,
   AskSetting,
+  AskSymbolSize,
 };
 
 /// True for commands that act when they are received, ahead of the print data that is still held.

@@ -1,7 +1,6 @@
 #include "simulator/Paper.h"
 
 #include <algorithm>
-#include <limits>
 #include <utility>
 
 #include "simulator/HexText.h"
@@ -11,6 +10,7 @@ namespace {
 
 constexpr std::size_t skippedKinds = 100;
 constexpr std::size_t bytesThatName = 3;
+constexpr unsigned mostFeed = 1U << 29U;
 
 struct Weight {
   std::size_t operator()(const Line& line) const {
@@ -22,10 +22,33 @@ struct Weight {
     }
     return sum;
   }
-  std::size_t operator()(const Barcode& barcode) const { return barcode.data.size(); }
-  std::size_t operator()(const QrCode& code) const { return code.data.size(); }
-  std::size_t operator()(const Feed&) const { return 0; }
-  std::size_t operator()(const Cut&) const { return 0; }
+  std::size_t operator()(const Symbol& symbol) const { return symbol.data.size(); }
+  std::size_t operator()(const Page& page) const {
+    std::size_t sum = 0;
+    for (const PageArea& area : page.areas) {
+      sum += sizeof area + area.content->weight();
+    }
+    return sum;
+  }
+  std::size_t operator()(const auto&) const { return 0; }
+};
+
+/// At most how many dots an item moves the paper.
+struct Length {
+  std::uint64_t operator()(const Line& line) const { return line.height(); }
+  std::uint64_t operator()(const Symbol& symbol) const {
+    constexpr unsigned mostRows = 200;
+    const bool isBarCode = symbol.symbology < Symbology::Pdf417;
+    return std::uint64_t{symbol.rowHeight} * (isBarCode ? 1 : mostRows) + 4 * lineSpacing;
+  }
+  std::uint64_t operator()(const Page& page) const {
+    std::uint64_t end = 0;
+    for (const PageArea& area : page.areas) {
+      end = std::max<std::uint64_t>(end, std::uint64_t{area.y} + area.height);
+    }
+    return end;
+  }
+  std::uint64_t operator()(const auto&) const { return 0; }
 };
 
 }  // namespace
@@ -78,6 +101,7 @@ unsigned Line::height() const {
 
 void Paper::add(PaperItem item) {
   weight_ += sizeof item + std::visit(Weight{}, item);
+  length_ += std::visit(Length{}, item);
   items_.push_back(std::move(item));
 }
 
@@ -85,11 +109,19 @@ void Paper::feed(unsigned dots) {
   if (dots == 0) {
     return;
   }
+  length_ += dots;
+  const int more = static_cast<int>(std::min(dots, mostFeed));
   Feed* last = items_.empty() ? nullptr : std::get_if<Feed>(&items_.back());
-  if (last == nullptr) {
-    add(Feed{dots});
+  if (last == nullptr || last->dots < 0) {
+    add(Feed{more});
   } else {
-    last->dots += std::min(dots, std::numeric_limits<unsigned>::max() - last->dots);
+    last->dots = std::min(last->dots + more, static_cast<int>(mostFeed));
+  }
+}
+
+void Paper::feedBack(unsigned dots) {
+  if (dots > 0) {
+    add(Feed{-static_cast<int>(std::min(dots, mostFeed))});
   }
 }
 

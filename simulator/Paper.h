@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <string>
 #include <variant>
 #include <vector>
@@ -25,13 +26,22 @@ struct TextStyle {
   bool inverse = false;
   bool smallFont = false;         ///< cells of 9 x 17 dots, not 12 x 24
   bool wide = false;              ///< of the scripts whose characters take the room of two letters
+  bool rotated = false;           ///< each character a quarter turn clockwise
+  bool grey = false;              ///< of the second colour
   std::uint8_t underline = 0;     ///< thickness in dots, 0 to 2
   std::uint8_t widthFactor = 1;   ///< 1 to 8
   std::uint8_t heightFactor = 1;  ///< 1 to 8
+  std::uint8_t spacing = 0;       ///< dots to the right of each character, of single width
 
   bool operator==(const TextStyle&) const = default;
-  unsigned cellWidth() const { return (smallFont ? 9U : 12U) * (wide ? 2U : 1U) * widthFactor; }
-  unsigned cellHeight() const { return (smallFont ? 17U : 24U) * heightFactor; }
+  unsigned glyphWidth() const {
+    return (smallFont ? 9U : 12U) * (wide ? 2U : 1U) * widthFactor;
+  }
+  unsigned glyphHeight() const { return (smallFont ? 17U : 24U) * heightFactor; }
+  unsigned cellWidth() const {
+    return (rotated ? glyphHeight() : glyphWidth()) + spacing * widthFactor;
+  }
+  unsigned cellHeight() const { return rotated ? glyphWidth() : glyphHeight(); }
 };
 
 struct TextRun {
@@ -44,6 +54,7 @@ struct Bitmap {
   unsigned width = 0;
   unsigned height = 0;
   Bytes rows;
+  bool grey = false;  ///< of the second colour
 
   Bitmap() = default;
   Bitmap(unsigned widthInDots, unsigned heightInDots);
@@ -61,11 +72,20 @@ struct LineItem {
   unsigned height() const;
 };
 
-/// A line of text and small pictures, on one base line. An image is a line of its own.
+/// Where something stands across the paper: within `room` dots that begin `left` dots from the left
+/// end of the print, or within all the rest of it if `room` is 0.
+struct Place {
+  Alignment alignment = Alignment::Left;
+  unsigned left = 0;
+  unsigned room = 0;
+};
+
+/// A line of text and small pictures, standing on one base line. An image is a line of its own.
 struct Line {
   std::vector<LineItem> items;
-  Alignment alignment = Alignment::Left;
+  Place place{};
   unsigned leastHeight = lineSpacing;
+  bool upsideDown = false;
 
   unsigned width() const;
   /// Of the highest item alone, without the line spacing below it.
@@ -73,26 +93,53 @@ struct Line {
   unsigned height() const;
 };
 
-enum class Symbology { UpcA, UpcE, Ean13, Ean8, Code39, Interleaved, Codabar, Code93, Code128 };
+enum class Symbology {
+  UpcA,
+  UpcE,
+  Ean13,
+  Ean8,
+  Code39,
+  Interleaved,
+  Codabar,
+  Code93,
+  Code128,
+  Gs1Code128,
+  DataBar,
+  DataBarTruncated,
+  DataBarLimited,
+  DataBarExpanded,
+  Pdf417,
+  TruncatedPdf417,
+  Qr,
+  MicroQr,
+  MaxiCode,
+  DataBarStacked,
+  DataBarStackedOmnidirectional,
+  DataBarExpandedStacked,
+  Aztec,
+  DataMatrix,
+};
 
-struct Barcode {
+/// A bar code or a two-dimensional one.
+struct Symbol {
   Symbology symbology = Symbology::Code128;
   std::string data;
   unsigned moduleWidth = 3;
-  unsigned height = 162;
+  unsigned rowHeight = 162;   ///< of a bar code the whole height
+  unsigned level = 0;         ///< of error correction, 0: the symbology's own choice
+  unsigned columns = 0;       ///< 0: the symbology's own choice
   bool textAbove = false;
   bool textBelow = false;
-  Alignment alignment = Alignment::Left;
-};
-
-struct QrCode {
-  std::string data;
-  unsigned moduleSize = 3;
-  unsigned correctionLevel = 0;  ///< 0 to 3: L, M, Q, H
-  Alignment alignment = Alignment::Left;
+  bool smallText = false;
+  Place place{};
 };
 
 struct Feed {
+  int dots = 0;  ///< negative: backwards
+};
+
+/// In a page: what follows goes on so far from its beginning.
+struct MoveTo {
   unsigned dots = 0;
 };
 
@@ -100,13 +147,37 @@ struct Cut {
   bool partial = false;
 };
 
-using PaperItem = std::variant<Line, Barcode, QrCode, Feed, Cut>;
+class Paper;
+
+/// A part of a page: a paper of its own, laid on the page after so many quarter turns to the left.
+struct PageArea {
+  unsigned x = 0;
+  unsigned y = 0;
+  unsigned width = 0;
+  unsigned height = 0;
+  unsigned direction = 0;
+  std::shared_ptr<const Paper> content;
+
+  bool operator==(const PageArea&) const = default;
+};
+
+/// What was set in page mode, printed at once. It ends with its last area, or, if that was never
+/// set, with its last print.
+struct Page {
+  std::vector<PageArea> areas;
+  bool endsWithPrint = true;
+};
+
+using PaperItem = std::variant<Line, Symbol, Feed, MoveTo, Page, Cut>;
 
 /// The most that a paper may weigh before a printer tears it off: no job, however long, takes more
 /// memory. It holds some five thousand lines of text, or seven metres of image.
 inline constexpr std::size_t heaviestPaper = std::size_t{4} * 1024 * 1024;
 
-/// The output of a printer, from the top. It grows only by printing.
+/// The longest paper in dots: fifty metres, a roll.
+inline constexpr std::uint64_t longestPaper = 400'000;
+
+/// The output of a printer, from the top. It grows with what is printed and never otherwise.
 class Paper {
  public:
   explicit Paper(unsigned widthInDots = widePaperDots) : width_(widthInDots) {}
@@ -123,6 +194,9 @@ class Paper {
   /// Moves the paper; feeds that follow one another are one.
   void feed(unsigned dots);
 
+  /// Moves it back; not beyond its beginning or a cut.
+  void feedBack(unsigned dots);
+
   /// Cuts the paper; if it is cut already, only a full cut of a partial one adds to that.
   void cut(bool partial);
 
@@ -135,7 +209,13 @@ class Paper {
   /// About how many bytes of memory its items take.
   std::size_t weight() const { return weight_; }
 
-  /// True if it was torn off because it grew too long: the job continues on the next paper.
+  /// At most how many dots long it is.
+  std::uint64_t length() const { return length_; }
+
+  /// True if a printer tears it off before anything more comes.
+  bool isTooLong() const { return weight_ > heaviestPaper || length_ > longestPaper; }
+
+  /// True if it was torn off because it grew too heavy: the job goes on on the next paper.
   bool goesOn() const { return goesOn_; }
   void setGoesOn() { goesOn_ = true; }
 
@@ -145,6 +225,7 @@ class Paper {
   std::map<std::string, std::size_t> skipped_;
   JobRecord record_;
   std::size_t weight_ = 0;
+  std::uint64_t length_ = 0;
   bool goesOn_ = false;
 };
 

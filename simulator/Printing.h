@@ -30,6 +30,9 @@ class Printing {
   /// The job is over.
   void endJob() { typesetter_.endJob(); }
 
+  /// The answer to a command that asks for the size of a symbol, when its turn comes.
+  Bytes sizeReply(ByteView command) const { return typesetter_.sizeReply(command); }
+
   JobRecord& record() { return typesetter_.record(); }
   const Paper& paper() const { return typesetter_.paper(); }
   Paper tearOff() { return typesetter_.tearOff(); }

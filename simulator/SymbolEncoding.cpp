@@ -11,29 +11,47 @@ namespace {
 struct SymbolDeleter {
   void operator()(zint_symbol* symbol) const { ZBarcode_Delete(symbol); }
 };
-using Symbol = std::unique_ptr<zint_symbol, SymbolDeleter>;
+using Library = std::unique_ptr<zint_symbol, SymbolDeleter>;
 
-int librarysNumber(Symbology symbology) {
-  switch (symbology) {
-    case Symbology::UpcA:
-      return BARCODE_UPCA;
-    case Symbology::UpcE:
-      return BARCODE_UPCE;
-    case Symbology::Ean13:
-    case Symbology::Ean8:
-      return BARCODE_EANX;
-    case Symbology::Code39:
-      return BARCODE_CODE39;
-    case Symbology::Interleaved:
-      return BARCODE_C25INTER;
-    case Symbology::Codabar:
-      return BARCODE_CODABAR;
-    case Symbology::Code93:
-      return BARCODE_CODE93;
-    case Symbology::Code128:
-      break;
-  }
-  return BARCODE_CODE128;
+struct Family {
+  Symbology symbology;
+  const char* name;
+  int librarysNumber;
+};
+
+constexpr Family families[] = {
+    {Symbology::UpcA, "UPC-A", BARCODE_UPCA},
+    {Symbology::UpcE, "UPC-E", BARCODE_UPCE},
+    {Symbology::Ean13, "EAN-13", BARCODE_EANX},
+    {Symbology::Ean8, "EAN-8", BARCODE_EANX},
+    {Symbology::Code39, "Code 39", BARCODE_CODE39},
+    {Symbology::Interleaved, "Interleaved 2 of 5", BARCODE_C25INTER},
+    {Symbology::Codabar, "Codabar", BARCODE_CODABAR},
+    {Symbology::Code93, "Code 93", BARCODE_CODE93},
+    {Symbology::Code128, "Code 128", BARCODE_CODE128},
+    {Symbology::Gs1Code128, "GS1-128", BARCODE_GS1_128},
+    {Symbology::DataBar, "GS1 DataBar", BARCODE_DBAR_OMN},
+    {Symbology::DataBarTruncated, "GS1 DataBar Truncated", BARCODE_DBAR_OMN},
+    {Symbology::DataBarLimited, "GS1 DataBar Limited", BARCODE_DBAR_LTD},
+    {Symbology::DataBarExpanded, "GS1 DataBar Expanded", BARCODE_DBAR_EXP},
+    {Symbology::Pdf417, "PDF417", BARCODE_PDF417},
+    {Symbology::TruncatedPdf417, "PDF417", BARCODE_PDF417COMP},
+    {Symbology::Qr, "QR code", BARCODE_QRCODE},
+    {Symbology::MicroQr, "Micro QR code", BARCODE_MICROQR},
+    {Symbology::MaxiCode, "MaxiCode", BARCODE_MAXICODE},
+    {Symbology::DataBarStacked, "GS1 DataBar Stacked", BARCODE_DBAR_STK},
+    {Symbology::DataBarStackedOmnidirectional, "GS1 DataBar Stacked", BARCODE_DBAR_OMNSTK},
+    {Symbology::DataBarExpandedStacked, "GS1 DataBar Expanded", BARCODE_DBAR_EXPSTK},
+    {Symbology::Aztec, "Aztec code", BARCODE_AZTEC},
+    {Symbology::DataMatrix, "DataMatrix", BARCODE_DATAMATRIX},
+};
+
+const Family& familyOf(Symbology symbology) {
+  return families[static_cast<std::size_t>(symbology)];
+}
+
+bool isBarCode(Symbology symbology) {
+  return symbology < Symbology::Pdf417;
 }
 
 std::string withoutStars(std::string data) {
@@ -72,67 +90,122 @@ std::string zeroSuppressed(const std::string& data) {
   return system + maker + item.substr(4);
 }
 
-std::string librarysData(const Barcode& barcode) {
-  switch (barcode.symbology) {
-    case Symbology::UpcA:
-      return withoutCheckDigit(barcode.data, 12);
-    case Symbology::UpcE:
-      return zeroSuppressed(barcode.data);
-    case Symbology::Ean13:
-      return withoutCheckDigit(barcode.data, 13);
-    case Symbology::Ean8:
-      return withoutCheckDigit(barcode.data, 8);
-    case Symbology::Code39:
-      return withoutStars(barcode.data);
-    case Symbology::Code128:
-    case Symbology::Interleaved:
-    case Symbology::Codabar:
-    case Symbology::Code93:
-      break;
-  }
-  return barcode.data;
+bool isGs1(Symbology symbology) {
+  return symbology == Symbology::Gs1Code128 || symbology == Symbology::DataBarExpanded ||
+         symbology == Symbology::DataBarExpandedStacked;
 }
 
-std::optional<EncodedSymbol> encode(zint_symbol& symbol, const std::string& data, int rows) {
-  if (data.empty()) {
-    return std::nullopt;
+// The encoder wants the application identifier in parentheses; it is two digits where the job does
+// not tell.
+std::string withIdentifier(const std::string& data) {
+  const bool tells = data.find('(') != std::string::npos || data.size() < 3;
+  return tells ? data : "(" + data.substr(0, 2) + ")" + data.substr(2);
+}
+
+std::string librarysData(const Symbol& symbol) {
+  switch (symbol.symbology) {
+    case Symbology::UpcA:
+      return withoutCheckDigit(symbol.data, 12);
+    case Symbology::UpcE:
+      return zeroSuppressed(symbol.data);
+    case Symbology::Ean13:
+      return withoutCheckDigit(symbol.data, 13);
+    case Symbology::Ean8:
+      return withoutCheckDigit(symbol.data, 8);
+    case Symbology::Code39:
+      return withoutStars(symbol.data);
+    default:
+      return isGs1(symbol.symbology) ? withIdentifier(symbol.data) : symbol.data;
   }
-  const auto bytes = std::basic_string<unsigned char>(data.begin(), data.end());
-  if (ZBarcode_Encode(&symbol, bytes.data(), static_cast<int>(bytes.size())) >= ZINT_ERROR) {
-    return std::nullopt;
+}
+
+void setOptions(zint_symbol& library, const Symbol& symbol) {
+  library.symbology = familyOf(symbol.symbology).librarysNumber;
+  if (isGs1(symbol.symbology)) {
+    library.input_mode = GS1_MODE | GS1PARENS_MODE | GS1NOCHECK_MODE;
   }
-  const int height = rows > 0 ? rows : symbol.rows;
-  EncodedSymbol encoded{Bitmap(static_cast<unsigned>(symbol.width), static_cast<unsigned>(height)),
-                        reinterpret_cast<const char*>(symbol.text)};
-  for (unsigned y = 0; y < encoded.modules.height; ++y) {
-    for (unsigned x = 0; x < encoded.modules.width; ++x) {
-      if ((symbol.encoded_data[y][x / 8] & 1U << x % 8) != 0) {
-        encoded.modules.blacken(x, y);
+  const int level = static_cast<int>(symbol.level);
+  const int columns = static_cast<int>(symbol.columns);
+  switch (symbol.symbology) {
+    case Symbology::Pdf417:
+    case Symbology::TruncatedPdf417:
+      library.option_1 = level > 0 && level <= 9 ? level - 1 : -1;
+      library.option_2 = columns;
+      return;
+    case Symbology::Qr:
+    case Symbology::MicroQr:
+      library.option_1 = std::clamp(level, 1, 4);
+      return;
+    case Symbology::MaxiCode:
+      library.option_1 = columns >= 4 && columns <= 6 ? columns : 4;
+      return;
+    default:
+      return;
+  }
+}
+
+void copyModules(const zint_symbol& library, Bitmap& modules) {
+  for (unsigned y = 0; y < modules.height; ++y) {
+    for (unsigned x = 0; x < modules.width; ++x) {
+      if ((library.encoded_data[y][x / 8] & 1U << x % 8) != 0) {
+        modules.blacken(x, y);
       }
     }
+  }
+}
+
+EncodedSymbol encodedFrom(const zint_symbol& library, Symbology symbology) {
+  const int rows = isBarCode(symbology) ? 1 : library.rows;
+  EncodedSymbol encoded{
+      Bitmap(static_cast<unsigned>(library.width), static_cast<unsigned>(rows)),
+      {},
+      reinterpret_cast<const char*>(library.text)};
+  copyModules(library, encoded.modules);
+  const bool hasUnevenRows = symbology >= Symbology::DataBarStacked &&
+                             symbology <= Symbology::DataBarExpandedStacked;
+  for (int row = 0; hasUnevenRows && row < rows; ++row) {
+    encoded.rowHeights.push_back(
+        std::max(1U, static_cast<unsigned>(library.row_height[row] + 0.5F)));
   }
   return encoded;
 }
 
 }  // namespace
 
-std::optional<EncodedSymbol> encode(const Barcode& barcode) {
-  const Symbol symbol(ZBarcode_Create());
-  if (!symbol) {
-    return std::nullopt;
-  }
-  symbol->symbology = librarysNumber(barcode.symbology);
-  return encode(*symbol, librarysData(barcode), 1);
+unsigned EncodedSymbol::rowHeightIn(const Symbol& symbol, unsigned row) const {
+  return rowHeights.empty() ? symbol.rowHeight : rowHeights[row] * symbol.moduleWidth;
 }
 
-std::optional<EncodedSymbol> encode(const QrCode& code) {
-  const Symbol symbol(ZBarcode_Create());
-  if (!symbol) {
+unsigned EncodedSymbol::heightIn(const Symbol& symbol) const {
+  unsigned sum = 0;
+  for (unsigned row = 0; row < modules.height; ++row) {
+    sum += rowHeightIn(symbol, row);
+  }
+  return sum;
+}
+
+std::optional<EncodedSymbol> encode(const Symbol& symbol) {
+  const Library library(ZBarcode_Create());
+  const std::string data = librarysData(symbol);
+  if (!library || data.empty()) {
     return std::nullopt;
   }
-  symbol->symbology = BARCODE_QRCODE;
-  symbol->option_1 = static_cast<int>(code.correctionLevel) + 1;
-  return encode(*symbol, code.data, 0);
+  setOptions(*library, symbol);
+  const auto bytes = std::basic_string<unsigned char>(data.begin(), data.end());
+  if (ZBarcode_Encode(library.get(), bytes.data(), static_cast<int>(bytes.size())) >= ZINT_ERROR) {
+    return std::nullopt;
+  }
+  return encodedFrom(*library, symbol.symbology);
+}
+
+std::string symbologyName(Symbology symbology) {
+  return familyOf(symbology).name;
+}
+
+std::string readableData(const Symbol& symbol, const EncodedSymbol& encoded) {
+  const bool addsDigits = symbol.symbology <= Symbology::Ean8 || isGs1(symbol.symbology) ||
+                          (symbol.symbology >= Symbology::DataBar && isBarCode(symbol.symbology));
+  return addsDigits && !encoded.text.empty() ? encoded.text : symbol.data;
 }
 
 }  // namespace quordalvane::simulator

@@ -1,6 +1,10 @@
 #include "simulator/SymbolSetter.h"
 
 #include <algorithm>
+#include <iterator>
+#include <string>
+
+#include "simulator/SymbolEncoding.h"
 
 namespace quordalvane::simulator {
 namespace {
@@ -10,20 +14,58 @@ namespace {
 constexpr std::uint8_t lastTerminated = 6;
 constexpr std::uint8_t firstCounted = 65;
 
-constexpr std::size_t mostQrData = 7089;  // digits in the largest code
+constexpr std::size_t mostData = 7089;  // digits in the largest symbol of all
 
 constexpr Symbology symbologyTable[] = {
-    Symbology::UpcA,    Symbology::UpcE,   Symbology::Ean13,
-    Symbology::Ean8,    Symbology::Code39, Symbology::Interleaved,
-    Symbology::Codabar, Symbology::Code93, Symbology::Code128,
+    Symbology::UpcA,       Symbology::UpcE,
+    Symbology::Ean13,      Symbology::Ean8,
+    Symbology::Code39,     Symbology::Interleaved,
+    Symbology::Codabar,    Symbology::Code93,
+    Symbology::Code128,    Symbology::Gs1Code128,
+    Symbology::DataBar,    Symbology::DataBarTruncated,
+    Symbology::DataBarLimited, Symbology::DataBarExpanded,
+    Symbology::Code128,  // the printer chooses the code sets
 };
+
+// The functions of 1d 28 6b.
+constexpr std::uint8_t setFirst = 65;
+constexpr std::uint8_t setSecond = 66;
+constexpr std::uint8_t setModule = 67;
+constexpr std::uint8_t setRowHeight = 68;
+constexpr std::uint8_t setCorrection = 69;
+constexpr std::uint8_t setOptions = 70;
+constexpr std::uint8_t setLongestRow = 71;
+constexpr std::uint8_t storeSymbol = 80;
+constexpr std::uint8_t printSymbol = 81;
+constexpr std::uint8_t askSize = 82;
+
+/// A two-dimensional code as 1d 28 6b names it.
+struct Kind {
+  std::uint8_t number;
+  Symbology symbology;
+  unsigned moduleWidth;
+  unsigned rowHeight;
+  std::uint8_t replyId;  // 0: its size is not asked for
+};
+
+constexpr Kind kinds[] = {
+    {48, Symbology::Pdf417, 3, 9, 0x2f},   {49, Symbology::Qr, 3, 3, 0x36},
+    {50, Symbology::MaxiCode, 7, 6, 0x37}, {51, Symbology::DataBarStacked, 2, 2, 0x4f},
+    {53, Symbology::Aztec, 3, 3, 0},       {54, Symbology::DataMatrix, 3, 3, 0},
+};
+
+const Kind* kindOf(std::uint8_t number) {
+  const auto found = std::find_if(std::begin(kinds), std::end(kinds),
+                                  [&](const Kind& kind) { return kind.number == number; });
+  return found == std::end(kinds) ? nullptr : found;
+}
 
 std::string textOf(ByteView bytes) {
   return {bytes.begin(), bytes.end()};
 }
 
 // Code 128 data names its code sets: {A, {B and {C; in set C a byte is a pair of digits. The
-// encoder chooses sets by itself, so only the text matters.
+// encoder chooses sets by itself, so only the text matters. {1 stands for a mark of GS1.
 std::string code128Text(const std::string& data) {
   std::string text;
   bool pairs = false;
@@ -46,64 +88,156 @@ std::string code128Text(const std::string& data) {
   return text;
 }
 
+// From digits or from a number, as both are in use.
+unsigned numberOf(std::uint8_t byte) {
+  return byte >= '0' && byte <= '9' ? byte - '0' : byte;
+}
+
+// A row stays as many modules high as it was.
+void setModuleWidth(Symbol& symbol, unsigned dots) {
+  const unsigned rowInModules = std::max(symbol.rowHeight / symbol.moduleWidth, 1U);
+  symbol.moduleWidth = dots;
+  symbol.rowHeight = dots * rowInModules;
+}
+
 }  // namespace
 
-void SymbolSetter::setBarcode(ByteView command) {
-  const unsigned value = command[2];
-  if (command[1] == 0x68) {
-    settings_.height = std::max(value, 1U);
-  } else if (command[1] == 0x77) {
-    settings_.moduleWidth = std::clamp(value, 1U, 8U);
-  } else {
-    settings_.textAbove = (value & 1U) != 0;
-    settings_.textBelow = (value & 2U) != 0;
+SymbolSetter::SymbolSetter() {
+  for (std::size_t i = 0; i < std::size(kinds); ++i) {
+    stored_[i].symbology = kinds[i].symbology;
+    stored_[i].moduleWidth = kinds[i].moduleWidth;
+    stored_[i].rowHeight = kinds[i].rowHeight;
   }
 }
 
-std::optional<Barcode> SymbolSetter::barcode(ByteView command) const {
+void SymbolSetter::setBarcode(ByteView command) {
+  const unsigned value = command[2];
+  switch (command[1]) {
+    case 0x66:
+      barcode_.smallText = (value & 1U) != 0;
+      return;
+    case 0x68:
+      barcode_.rowHeight = std::max(value, 1U);
+      return;
+    case 0x77:
+      barcode_.moduleWidth = std::clamp(value, 1U, 8U);
+      return;
+    default:
+      barcode_.textAbove = (value & 1U) != 0;
+      barcode_.textBelow = (value & 2U) != 0;
+  }
+}
+
+std::optional<Symbol> SymbolSetter::barcode(ByteView command) const {
   const bool counted = command[2] >= firstCounted;
   const std::size_t number = counted ? command[2] - firstCounted : command[2];
   if (number >= std::size(symbologyTable) || (!counted && number > lastTerminated)) {
     return std::nullopt;
   }
-  Barcode barcode = settings_;
+  Symbol barcode = barcode_;
   barcode.symbology = symbologyTable[number];
   if (counted) {
     barcode.data = textOf(command.subspan(4));
   } else {
     barcode.data = textOf(command.subspan(3, command.size() - 4));
   }
-  if (barcode.symbology == Symbology::Code128) {
+  if (barcode.symbology == Symbology::Code128 || barcode.symbology == Symbology::Gs1Code128) {
     barcode.data = code128Text(barcode.data);
   }
   return barcode;
 }
 
-SymbolSetter::Outcome SymbolSetter::applyQr(ByteView command) {
-  constexpr std::uint8_t qr = 0x31;
-  if (command.size() < 8 || command[2] != 0x6b || command[5] != qr) {
+Symbol* SymbolSetter::storedFor(std::uint8_t number) {
+  const Kind* kind = kindOf(number);
+  return kind == nullptr ? nullptr : &stored_[static_cast<std::size_t>(kind - kinds)];
+}
+
+SymbolSetter::Outcome SymbolSetter::applyTwoDimensional(ByteView command) {
+  if (command.size() < 8 || command[2] != 0x6b) {
+    return Outcome::Unknown;
+  }
+  Symbol* symbol = storedFor(command[5]);
+  if (symbol == nullptr) {
     return Outcome::Unknown;
   }
   switch (command[6]) {
-    case 0x41:  // model
-      return Outcome::Stored;
-    case 0x43:
-      qr_.moduleSize = std::clamp<unsigned>(command[7], 1, 16);
-      return Outcome::Stored;
-    case 0x45:
-      qr_.correctionLevel = std::clamp<unsigned>(command[7], '0', '3') - '0';
-      return Outcome::Stored;
-    case 0x50:
-      if (command.size() - 8 > mostQrData) {
-        return Outcome::Unknown;
-      }
-      qr_.data = textOf(command.subspan(8));
-      return Outcome::Stored;
-    case 0x51:
+    case storeSymbol:
+      return storeData(*symbol, command);
+    case printSymbol:
+      chosen_ = symbol;
       return Outcome::Print;
+    default:
+      return set(*symbol, command);
+  }
+}
+
+SymbolSetter::Outcome SymbolSetter::storeData(Symbol& symbol, ByteView command) {
+  // A DataBar symbol names its form before the data.
+  const bool isDataBar = command[5] == 51;
+  const std::size_t begin = isDataBar ? 9 : 8;
+  if (command.size() < begin || command.size() - begin > mostData) {
+    return Outcome::Unknown;
+  }
+  if (isDataBar) {
+    symbol.symbology = command[8] == 76   ? Symbology::DataBarExpandedStacked
+                       : command[8] == 73 ? Symbology::DataBarStackedOmnidirectional
+                                          : Symbology::DataBarStacked;
+  }
+  symbol.data = textOf(command.subspan(begin));
+  return Outcome::Stored;
+}
+
+SymbolSetter::Outcome SymbolSetter::set(Symbol& symbol, ByteView command) {
+  const Kind& kind = *kindOf(command[5]);
+  const unsigned value = command[7];
+  const bool isPdf417 = kind.symbology == Symbology::Pdf417;
+  switch (command[6]) {
+    case setFirst:
+      if (kind.symbology == Symbology::Qr) {
+        constexpr unsigned micro = 3;
+        symbol.symbology = numberOf(command[7]) == micro ? Symbology::MicroQr : Symbology::Qr;
+      } else {  // the columns of PDF417, the mode of MaxiCode
+        symbol.columns = isPdf417 ? std::min(value, 30U) : numberOf(command[7]);
+      }
+      return Outcome::Stored;
+    case setSecond:
+    case setLongestRow:
+      return Outcome::Stored;  // rows and layers: the encoder chooses them
+    case setModule:
+      setModuleWidth(symbol, std::clamp(value, 1U, 16U));
+      return Outcome::Stored;
+    case setRowHeight:
+      symbol.rowHeight = symbol.moduleWidth * std::clamp(value, 1U, 8U);
+      return Outcome::Stored;
+    case setCorrection:
+      // PDF417 and Aztec say first how they count; a level of PDF417 is a digit.
+      symbol.level = isPdf417 && command.size() > 8 ? numberOf(command[8]) + 1 : numberOf(command[7]) + 1;
+      return Outcome::Stored;
+    case setOptions:
+      symbol.symbology = numberOf(command[7]) == 1 ? Symbology::TruncatedPdf417 : Symbology::Pdf417;
+      return Outcome::Stored;
+    case askSize:
+      return Outcome::Stored;
     default:
       return Outcome::Unknown;
   }
+}
+
+Bytes SymbolSetter::sizeReply(ByteView command) const {
+  const bool asks = command.size() == 8 && command[2] == 0x6b && command[6] == askSize;
+  const Kind* kind = asks ? kindOf(command[5]) : nullptr;
+  if (kind == nullptr || kind->replyId == 0) {
+    return {};
+  }
+  const Symbol& symbol = stored_[static_cast<std::size_t>(kind - kinds)];
+  const auto encoded = encode(symbol);
+  const std::string width = std::to_string(encoded ? encoded->modules.width * symbol.moduleWidth : 0);
+  const std::string height = std::to_string(encoded ? encoded->heightIn(symbol) : 0);
+  const std::string text = width + '\x1f' + height + "\x1f" "1\x1f" + (encoded ? '0' : '1');
+  Bytes reply = {0x37, kind->replyId};
+  reply.insert(reply.end(), text.begin(), text.end());
+  reply.push_back(0);
+  return reply;
 }
 
 }  // namespace quordalvane::simulator

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 
@@ -8,25 +9,36 @@
 
 namespace quordalvane::simulator {
 
-/// The settings that bar codes and QR codes are printed with, as the commands set them.
+/// The bar codes and two-dimensional codes of a job, with the settings that its commands make.
 class SymbolSetter {
  public:
-  /// Takes a setting: height 1d 68, module width 1d 77, place of the text 1d 48.
+  SymbolSetter();
+
+  /// Takes a setting: height 1d 68, module width 1d 77, place of the text 1d 48, its font 1d 66.
   void setBarcode(ByteView command);
 
-  /// The bar code of a command 1d 6b, empty if its symbology cannot be shown.
-  std::optional<Barcode> barcode(ByteView command) const;
+  /// The bar code of a command 1d 6b; empty if it has no known symbology or no end.
+  std::optional<Symbol> barcode(ByteView command) const;
 
   enum class Outcome { Stored, Print, Unknown };
 
-  /// Carries out a QR command 1d 28 6b. After `print` the code is to be taken with `qrCode()`.
-  Outcome applyQr(ByteView command);
+  /// Carries out a command 1d 28 6b. After `Print` the symbol is to be taken with `symbol()`.
+  Outcome applyTwoDimensional(ByteView command);
 
-  const QrCode& qrCode() const { return qr_; }
+  const Symbol& symbol() const { return *chosen_; }
+
+  /// The answer to a command 1d 28 6b that asks for the size of the symbol that is stored: in dots,
+  /// and whether it can be printed. Empty if it asks nothing.
+  Bytes sizeReply(ByteView command) const;
 
  private:
-  Barcode settings_;
-  QrCode qr_;
+  Symbol* storedFor(std::uint8_t kind);
+  Outcome set(Symbol& symbol, ByteView command);
+  Outcome storeData(Symbol& symbol, ByteView command);
+
+  Symbol barcode_;
+  std::array<Symbol, 6> stored_;  // one a kind of 1d 28 6b
+  const Symbol* chosen_ = nullptr;
 };
 
 }  // namespace quordalvane::simulator

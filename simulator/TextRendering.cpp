@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "simulator/SymbolEncoding.h"
 #include "simulator/Utf8.h"
 
 namespace quordalvane::simulator {
@@ -49,22 +50,31 @@ class TextPage {
       end = column + text.size();
       endInDots = item.x + item.width();
     }
-    write(canvas, line.alignment);
+    write(canvas, line.place.alignment);
   }
 
-  void show(const Barcode& barcode) {
-    const std::string data = printable(barcode.data);
-    write(widened("[" + symbologyName(barcode.symbology) + " " + data + "]"), barcode.alignment);
+  void show(const Symbol& symbol) {
+    const std::string name = symbologyName(symbol.symbology);
+    const auto encoded = encode(symbol);
+    const std::string words = encoded
+                                  ? name + " " + printable(readableData(symbol, *encoded))
+                                  : "no " + name + " of " + printable(symbol.data);
+    write(widened("[" + words + "]"), symbol.place.alignment);
   }
 
-  void show(const QrCode& code) {
-    write(widened("[QR code " + printable(code.data) + "]"), code.alignment);
+  void show(const Page& page) {
+    for (const PageArea& area : page.areas) {
+      text_ += renderText(*area.content);
+    }
   }
+
+  void show(const MoveTo&) {}
 
   void show(const Feed& feed) {
-    const unsigned lines = (feed.dots + lineSpacing / 2) / lineSpacing;
+    const auto dots = static_cast<unsigned>(std::max(feed.dots, 0));
+    const unsigned lines = (dots + lineSpacing / 2) / lineSpacing;
     if (lines > mostEmptyLines) {
-      write(widened("[feed " + std::to_string(feed.dots / dotsPerMillimetre) + " mm]"),
+      write(widened("[feed " + std::to_string(dots / dotsPerMillimetre) + " mm]"),
             Alignment::Left);
     } else {
       text_.append(lines, '\n');
@@ -104,15 +114,18 @@ class TextPage {
   };
 
   static bool isStripe(const Line& line) {
-    return line.items.size() == 1 && std::holds_alternative<Bitmap>(line.items[0].content);
+    return !line.items.empty() &&
+           std::all_of(line.items.begin(), line.items.end(), [&](const LineItem& item) {
+             return item.x == line.items[0].x && std::holds_alternative<Bitmap>(item.content);
+           });
   }
 
   void addStripe(const Line& line) {
     const auto& dots = std::get<Bitmap>(line.items[0].content);
-    if (dots.width != stripes_.width || line.alignment != stripes_.alignment) {
+    if (dots.width != stripes_.width || line.place.alignment != stripes_.alignment) {
       endStripes();
     }
-    stripes_ = {dots.width, stripes_.height + dots.height, line.alignment};
+    stripes_ = {dots.width, stripes_.height + dots.height, line.place.alignment};
   }
 
   static std::u32string textOf(const LineItem& item) {
@@ -187,13 +200,6 @@ std::vector<std::string> remarksOn(const Paper& paper) {
         "torn off: the paper grew too long, and the job continues on the next one");
   }
   return remarks;
-}
-
-std::string symbologyName(Symbology symbology) {
-  constexpr std::array<std::string_view, 9> names = {"UPC-A",   "UPC-E",   "EAN-13",
-                                                     "EAN-8",   "Code 39", "Interleaved 2 of 5",
-                                                     "Codabar", "Code 93", "Code 128"};
-  return std::string(names[static_cast<std::size_t>(symbology)]);
 }
 
 }  // namespace quordalvane::simulator

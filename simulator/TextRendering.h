@@ -16,7 +16,4 @@ std::string renderText(const Paper& paper);
 /// shown, if there were any, and that it was torn off before its job's end.
 std::vector<std::string> remarksOn(const Paper& paper);
 
-/// "EAN-13" and the like.
-std::string symbologyName(Symbology symbology);
-
 }  // namespace quordalvane::simulator

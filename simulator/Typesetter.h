@@ -1,10 +1,13 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "simulator/Bytes.h"
+#include "simulator/CharacterMemory.h"
 #include "simulator/GraphicsMemory.h"
 #include "simulator/LineBuilder.h"
+#include "simulator/PageBuilder.h"
 #include "simulator/Paper.h"
 #include "simulator/SymbolSetter.h"
 #include "simulator/TextDecoder.h"
@@ -25,6 +28,9 @@ class Typesetter {
 
   const Paper& paper() const { return paper_; }
   JobRecord& record() { return paper_.record(); }
+
+  /// The answer to a command 1d 28 6b that asks for the size of a symbol.
+  Bytes sizeReply(ByteView command) const { return symbols_.sizeReply(command); }
 
   /// Takes one complete command, or one character.
   void set(ByteView command);
@@ -48,56 +54,101 @@ class Typesetter {
   struct Entry;
   static const Entry commandTable[];
 
+  void obey(ByteView command);
+
+  // Characters.
   void character(std::uint8_t byte);
+  void control(std::uint8_t byte);
+  bool addUserCharacter(std::uint8_t byte);
   void add(const DecodedText& text);
   void finishText();
+
+  // The style and the script of text: TextCommands.cpp.
   void initialise(ByteView);
   void printMode(ByteView command);
+  void kanjiMode(ByteView command);
   void bold(ByteView command);
   void underline(ByteView command);
   void inverse(ByteView command);
   void font(ByteView command);
   void characterSize(ByteView command);
-  void align(ByteView command);
+  void characterSpacing(ByteView command);
+  void colour(ByteView command);
+  void rotation(ByteView command);
+  void upsideDown(ByteView command);
   void codePage(ByteView command);
   void nationalSet(ByteView command);
   void multiByte(ByteView command);
   void multiByteCode(ByteView command);
+  void kanjiDoubled(ByteView command);
   void characterEncoding(ByteView command);
+  void userCharacters(ByteView command);
+  void userCharactersOn(ByteView command);
+  void eraseUserCharacter(ByteView command);
+
+  // Where things go: PlaceCommands.cpp.
+  void align(ByteView command);
+  void leftMargin(ByteView command);
+  void printWidth(ByteView command);
+  void tabStops(ByteView command);
   void defaultSpacing(ByteView);
   void spacing(ByteView command);
   void feedDots(ByteView command);
   void feedLinesOrCut(ByteView command);
+  void feedDotsBack(ByteView command);
+  void feedLinesBack(ByteView command);
   void position(ByteView command);
   void positionFurther(ByteView command);
-  void pageMode(ByteView);
   void cut(ByteView command);
   void fullCut(ByteView);
   void partialCut(ByteView);
+  void pageMode(ByteView);
+  void standardMode(ByteView);
+  void printPageAndStay(ByteView);
+  void pageArea(ByteView command);
+  void pageDirection(ByteView command);
+  void pagePosition(ByteView command);
+  void pagePositionFurther(ByteView command);
+
+  // Pictures and symbols: PictureCommands.cpp.
   void raster(ByteView command);
   void columnImage(ByteView command);
+  void tallColumnImage(ByteView command);
   void graphics(ByteView command);
   void barcode(ByteView command);
   void barcodeSetting(ByteView command);
   void twoDimensional(ByteView command);
+
+  // Whatever leaves no ink: DeviceCommands.cpp.
   void ignore(ByteView) {}
+  void peripheral(ByteView command);
   void beepOrSkip(ByteView command);
   void pulse(ByteView command);
-  void drawer(ByteView) { ++record().drawer; }
-  void beep(ByteView) { ++record().beeps; }
+  void drawer(ByteView);
+  void beep(ByteView);
+  bool isForDisplay(ByteView command);
 
+  Paper& target() { return page_ ? page_->paper() : paper_; }
   void feed(unsigned dots);
   void cutHere(bool partial);
-  void addImage(Bitmap dots);
+  void addSymbol(Symbol symbol);
+  void addImage(std::vector<Bitmap> layers);
+  void endPage();
+  void printPage();
 
   Paper paper_;
   LineBuilder line_;
+  std::optional<PageBuilder> page_;  // in page mode
   TextDecoder decoder_;
   TextStyle style_;
   GraphicsMemory graphics_;
   SymbolSetter symbols_;
+  CharacterMemory userCharacters_;
+  std::uint8_t kanjiWidth_ = 1;  // factors for characters of several bytes alone
+  std::uint8_t kanjiHeight_ = 1;
   bool sawEscPos_ = false;
-  bool pageMode_ = false;
+  bool printerListens_ = true;  // not deselected by 1b 3d
+  bool displayListens_ = false;
 };
 
 }  // namespace quordalvane::simulator

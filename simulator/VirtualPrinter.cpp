@@ -194,7 +194,7 @@ void VirtualPrinter::print(std::uint8_t byte) {
   if (state_.keepsPrinted) {
     printed_.push_back(byte);
   }
-  if (printing_.paper().weight() > heaviestPaper) {
+  if (printing_.paper().isTooLong()) {
     tearOffHeavyPaper();
   }
 }
@@ -233,6 +233,8 @@ void VirtualPrinter::answerInTurn(const Mark& mark, Instant at) {
       return reply(processIdReport(mark.bytes), at, ReplyKind::ProcessId);
     case MachineCommand::InOrderStatus:
       return reply(inOrderStatus(state_, mark.bytes), at, ReplyKind::InOrder);
+    case MachineCommand::AskSymbolSize:
+      return reply(printing_.sizeReply(mark.bytes), at);
     case MachineCommand::AskSetting:
       return reply(settingReply(mark.bytes), at);
     default:

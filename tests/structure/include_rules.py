@@ -25,7 +25,7 @@ THREADS = {"condition_variable", "thread"}
 STREAMS = {"cerrno", "filesystem", "fstream", "iomanip", "iostream", "istream", "ostream", "sstream"}
 STANDARD = PLAIN | TIME | THREADS | STREAMS
 DESCRIPTORS = {"fcntl.h", "poll.h", "signal.h", "sys/stat.h", "sys/types.h", "unistd.h"}
-DRAWING = {"cairo.h", "fontconfig/fontconfig.h", "zint.h"}
+DRAWING = {"cairo.h", "fontconfig/fontconfig.h", "zlib.h"}
 
 PUBLIC = "include"
 EVERY_SYSTEM_HEADER = None
@@ -52,7 +52,8 @@ RULES = (
     Rule("platform", (PUBLIC,), STANDARD | {"cxxabi.h"}),
     Rule("parsers", (PUBLIC,), PLAIN, NO_CLOCK_OR_LOCALE),
     Rule("logging", (PUBLIC,), STANDARD | DESCRIPTORS),
-    Rule("simulator", (), (STANDARD - THREADS) | DRAWING | {"iconv.h"}, NO_CLOCK),
+    Rule("simulator", (), (STANDARD - THREADS) | {"iconv.h", "zint.h"}, NO_CLOCK),
+    Rule("simulator/drawing", ("simulator/*",), (STANDARD - THREADS) | DRAWING, NO_CLOCK),
     Rule("backends", ("platform", "logging", PUBLIC), STANDARD, NO_CLOCK),
     Rule("backends/DeviceIdentity.cpp", ("platform", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
     Rule("backends/DeviceSpec.cpp", ("platform", "logging", "backends/*", PUBLIC), STANDARD, NO_CLOCK),

@@ -8,7 +8,7 @@
 
 #include "backends/virtual/VirtualAccessory.h"
 #include "logging/Quoted.h"
-#include "simulator/ImageRendering.h"
+#include "simulator/drawing/ImageRendering.h"
 #include "simulator/TextRendering.h"
 #include "tools/quorport/CommandFailure.h"
 

@@ -5,7 +5,7 @@
 #include <stdexcept>
 
 #include "simulator/CodePages.h"
-#include "simulator/ImageRendering.h"
+#include "simulator/drawing/ImageRendering.h"
 #include "simulator/TextRendering.h"
 #include "simulator/Utf8.h"
 #include "tests/unit/simulator/Session.h"

@@ -1,22 +1,27 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "simulator/Bytes.h"
-#include "simulator/Canvas.h"
 #include "simulator/Paper.h"
 
 namespace quordalvane::simulator {
 
-/// The longest paper that a picture shows, in dots: two metres. A longer one ends with a remark.
-inline constexpr unsigned longestPicture = 16'000;
+/// A picture: rows of pixels 0x00RRGGBB from the top left.
+struct Picture {
+  unsigned width = 0;
+  unsigned height = 0;
+  std::vector<std::uint32_t> pixels;
+};
 
 /// The paper as a picture, a pixel a dot, with the margins beside the print and torn edges where it
 /// was cut. A symbol whose data cannot be encoded is named in its place; the remarks on the paper
-/// are below it.
+/// are below it. May be called from any thread.
 Picture renderPicture(const Paper& paper);
 
-/// The same as a PNG file. Empty if it cannot be drawn, as without memory.
+/// The same as a PNG file, whose making takes little more memory than the file, however long the
+/// paper is. Empty if it cannot be made, as without memory.
 Bytes renderPng(const Paper& paper);
 
 }  // namespace quordalvane::simulator

@@ -1,0 +1,50 @@
+// What leaves no ink: the drawer, the buzzer, the display.
+
+#include "simulator/Typesetter.h"
+
+namespace quordalvane::simulator {
+
+// 1b 3d n: bit 0 selects the printer, bit 1 the display.
+void Typesetter::peripheral(ByteView command) {
+  displayListens_ = (command[2] & 2U) != 0;
+  printerListens_ = (command[2] & 1U) != 0 || !displayListens_;
+}
+
+// What the display alone is sent does not reach the paper, until the printer is selected again.
+bool Typesetter::isForDisplay(ByteView command) {
+  const bool selects = command.size() == 3 && command[0] == 0x1b && command[1] == 0x3d;
+  if (displayListens_ && command.size() == 1 && command[0] >= 0x20) {
+    record().noteDisplay(command[0]);
+  }
+  return !printerListens_ && !selects;
+}
+
+void Typesetter::beepOrSkip(ByteView command) {
+  constexpr std::uint8_t buzzer = 0x41;
+  if (command[2] == buzzer) {
+    return beep(command);
+  }
+  paper_.noteSkipped(command);
+}
+
+void Typesetter::pulse(ByteView command) {
+  constexpr std::uint8_t toDrawer = 1;
+  constexpr std::uint8_t toBuzzer = 3;
+  if (command[2] == toDrawer) {
+    return drawer(command);
+  }
+  if (command[2] == toBuzzer) {
+    return beep(command);
+  }
+  paper_.noteSkipped(command);
+}
+
+void Typesetter::drawer(ByteView) {
+  record().noteDrawer();
+}
+
+void Typesetter::beep(ByteView) {
+  record().noteBeep();
+}
+
+}  // namespace quordalvane::simulator

@@ -1,0 +1,88 @@
+// Pictures and symbols.
+
+#include <utility>
+
+#include "simulator/Typesetter.h"
+
+namespace quordalvane::simulator {
+
+void Typesetter::addImage(std::vector<Bitmap> layers) {
+  line_.endIfBegun(target());
+  Line line{{}, line_.place(), 0};
+  for (Bitmap& layer : layers) {
+    if (layer.width > 0 && layer.height > 0) {
+      line.items.push_back({0, std::move(layer)});
+    }
+  }
+  if (!line.items.empty()) {
+    target().add(std::move(line));
+  }
+}
+
+void Typesetter::addSymbol(Symbol symbol) {
+  line_.endIfBegun(target());
+  symbol.place = line_.place();
+  target().add(std::move(symbol));
+}
+
+void Typesetter::raster(ByteView command) {
+  if (command[2] != 0x30) {
+    return paper_.noteSkipped(command);
+  }
+  addImage({rasterImage(command)});
+}
+
+void Typesetter::columnImage(ByteView command) {
+  if (command.size() < 5) {
+    return paper_.noteSkipped(command);
+  }
+  line_.add(simulator::columnImage(command));
+}
+
+void Typesetter::tallColumnImage(ByteView command) {
+  addImage({simulator::tallColumnImage(command)});
+}
+
+void Typesetter::graphics(ByteView command) {
+  switch (graphics_.apply(command)) {
+    case GraphicsMemory::Outcome::Stored:
+      return;
+    case GraphicsMemory::Outcome::Print:
+      return addImage(graphics_.image());
+    case GraphicsMemory::Outcome::Unknown:
+      return paper_.noteSkipped(command);
+  }
+}
+
+void Typesetter::barcode(ByteView command) {
+  auto barcode = symbols_.barcode(command);
+  if (!barcode) {
+    return paper_.noteSkipped(command);
+  }
+  addSymbol(*std::move(barcode));
+}
+
+void Typesetter::barcodeSetting(ByteView command) {
+  symbols_.setBarcode(command);
+}
+
+void Typesetter::twoDimensional(ByteView command) {
+  constexpr std::uint8_t graphicsForm = 0x4c;
+  constexpr std::uint8_t symbolForm = 0x6b;
+  if (command[2] == graphicsForm) {
+    return graphics(command);
+  }
+  if (command[2] != symbolForm) {
+    return paper_.noteSkipped(command);
+  }
+  switch (symbols_.applyTwoDimensional(command)) {
+    case SymbolSetter::Outcome::Stored:
+      return;
+    case SymbolSetter::Outcome::Print:
+      return addSymbol(symbols_.symbol());
+    case SymbolSetter::Outcome::Unknown:
+      return paper_.noteSkipped(command);
+  }
+}
+
+}  // namespace quordalvane::simulator

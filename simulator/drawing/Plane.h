@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstdint>
+
+#include "simulator/Bytes.h"
+#include "simulator/Paper.h"
+
+namespace quordalvane::simulator {
+
+/// A rectangle of paper: how dark each of its dots is, from 0 to `ink`. What is drawn outside of it
+/// is lost.
+class Plane {
+ public:
+  static constexpr std::uint8_t bare = 0;
+  static constexpr std::uint8_t grey = 140;
+  static constexpr std::uint8_t ink = 255;
+
+  Plane(unsigned width, unsigned height)
+      : width_(width), height_(height), dots_(std::size_t{width} * height, bare) {}
+
+  unsigned width() const { return width_; }
+  unsigned height() const { return height_; }
+  ByteView row(unsigned y) const {
+    return ByteView(dots_).subspan(std::size_t{y} * width_, width_);
+  }
+
+  void fill(int x, int y, unsigned width, unsigned height, std::uint8_t darkness);
+
+  /// Each black dot becomes a box of `scaleX` by `scaleY`.
+  void dots(const Bitmap& bitmap, int x, int y, unsigned scaleX, unsigned scaleY,
+            std::uint8_t darkness);
+
+  /// Draws towards `darkness`, as far as `stencil` is dark.
+  void draw(const Plane& stencil, int x, int y, std::uint8_t darkness);
+
+  /// The same after so many quarter turns clockwise.
+  Plane turned(unsigned quarters) const;
+
+  /// To be written by whoever draws from outside.
+  std::uint8_t* data() { return dots_.data(); }
+
+ private:
+  unsigned width_;
+  unsigned height_;
+  Bytes dots_;
+};
+
+}  // namespace quordalvane::simulator

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <string>
+
+#include "simulator/TextRendering.h"
+#include "simulator/drawing/ImageRendering.h"
+#include "tests/unit/simulator/Session.h"
+
+namespace quordalvane::simulator {
+
+/// A job on narrow paper, as text and as dots.
+class Print {
+ public:
+  explicit Print(const Bytes& job, const PrinterBuilder& printer = PrinterBuilder().narrowPaper())
+      : session_(printer) {
+    session_.send(job);
+    picture_ = renderPicture(session_.printer.paper());
+  }
+  explicit Print(std::string_view hexText) : Print(hex(hexText)) {}
+
+  const Paper& paper() const { return session_.printer.paper(); }
+  const Picture& picture() const { return picture_; }
+  std::string text() const { return renderText(paper()); }
+
+  /// How dark a dot of the print is, counted from the first line: 0 to 255.
+  unsigned darkness(unsigned x, unsigned y) const {
+    return 0xffU - (picture_.pixels.at((paperTop + y) * picture_.width + leftEdge + x) & 0xffU);
+  }
+
+  bool dark(unsigned x, unsigned y) const { return darkness(x, y) > 0x7f; }
+
+  std::size_t darkIn(unsigned x, unsigned y, unsigned width, unsigned height) const {
+    std::size_t count = 0;
+    for (unsigned row = y; row < y + height; ++row)
+      for (unsigned column = x; column < x + width; ++column)
+        count += dark(column, row) ? 1U : 0U;
+    return count;
+  }
+
+  /// A row of dots as text, '#' where it is dark.
+  std::string row(unsigned y, unsigned x, unsigned width) const {
+    std::string dots;
+    for (unsigned i = x; i < x + width; ++i)
+      dots += dark(i, y) ? '#' : '.';
+    return dots;
+  }
+
+  static constexpr unsigned leftEdge = 48;  // from the picture's edge to the print
+  static constexpr unsigned paperTop = 36;  // to the first line
+
+ private:
+  Session session_;
+  Picture picture_;
+};
+
+}  // namespace quordalvane::simulator
