@@ -78,7 +78,11 @@ RULES = (
     Rule("c-interface/journal", ("c-interface/*", "journal", "locks", "job", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
     # The command also serves the simulator to others, without a port.
     Rule("tools", ("job", "journal", "locks", "iphone-IOPort", "logging", "backends", "discovery", "platform", "render",
-                   "simulator", PUBLIC), EVERY_SYSTEM_HEADER),
+                   "simulator", "tools/process", PUBLIC), EVERY_SYSTEM_HEADER),
+    Rule("tools/process", (), EVERY_SYSTEM_HEADER),
+    # The print system's door to the same jobs: it knows no printer of its own.
+    Rule("tools/cups-backend", ("job", "journal", "locks", "iphone-IOPort", "logging", "backends", "discovery", "platform",
+                                "tools/process", PUBLIC), EVERY_SYSTEM_HEADER),
 )
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')

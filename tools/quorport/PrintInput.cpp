@@ -1,43 +1,29 @@
 #include "tools/quorport/PrintInput.h"
 
-#include <unistd.h>
-
 #include <cerrno>
 #include <cstdio>
 #include <memory>
+#include <stdexcept>
 #include <system_error>
 
 #include "logging/Quoted.h"
+#include "tools/process/WholeInput.h"
 #include "tools/quorport/CommandFailure.h"
 
 namespace quordalvane::tool {
 namespace {
-
-// Far above any receipt; small enough for the machine if the file has no end.
-constexpr std::size_t largestJob = std::size_t{256} << 20U;
-constexpr std::size_t pieceSize = std::size_t{64} << 10U;
 
 [[noreturn]] void fail(const std::string& what, const std::string& why) {
   throw CommandFailure(ExitCode::Usage, what + " cannot be read: " + why + "; nothing was sent");
 }
 
 std::vector<std::uint8_t> readAll(int descriptor, const std::string& what) {
-  std::vector<std::uint8_t> data;
-  while (true) {
-    const std::size_t size = data.size();
-    data.resize(size + pieceSize);
-    const ssize_t count = ::read(descriptor, data.data() + size, pieceSize);
-    const int error = errno;
-    data.resize(size + (count > 0 ? static_cast<std::size_t>(count) : 0));
-    if (count == 0) {
-      return data;
-    }
-    if (count < 0 && error != EINTR) {
-      fail(what, std::generic_category().message(error));
-    }
-    if (data.size() > largestJob) {
-      fail(what, "it is larger than 256 MiB");
-    }
+  try {
+    return readWhole(descriptor);
+  } catch (const std::system_error& error) {
+    fail(what, error.code().message());
+  } catch (const std::length_error& error) {
+    fail(what, error.what());
   }
 }
 

@@ -14,13 +14,13 @@
 #include "backends/Devices.h"
 #include "iphone-IOPort/LogWriter.h"
 #include "logging/Quoted.h"
+#include "tools/process/Signals.h"
 #include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/CommandLine.h"
 #include "tools/quorport/Commands.h"
 #include "tools/quorport/LiveLine.h"
 #include "tools/quorport/LogOutput.h"
 #include "tools/quorport/Report.h"
-#include "tools/quorport/Signals.h"
 
 namespace quordalvane::tool {
 namespace {

@@ -10,7 +10,7 @@
 
 #include "simulator/VirtualPrinter.h"
 #include "tools/quorport/Options.h"
-#include "tools/quorport/Signals.h"
+#include "tools/process/Signals.h"
 #include "tools/quorport/Streams.h"
 #include "tools/quorport/simulate/Control.h"
 #include "tools/quorport/simulate/ControlChannel.h"

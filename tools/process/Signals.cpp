@@ -1,4 +1,4 @@
-#include "tools/quorport/Signals.h"
+#include "tools/process/Signals.h"
 
 #include <poll.h>
 #include <sys/eventfd.h>
