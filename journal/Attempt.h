@@ -25,6 +25,10 @@ struct Attempt {
   /// journal did not keep it, and the obstacle is then NoProof.
   std::string proof = {};
   PrintObstacle obstacle = PrintObstacle::NoProof;  ///< as in `PrintResult`, once it has ended
+
+  /// When a person was told that nobody knows whether it is on paper, likewise; empty if nobody
+  /// was.
+  std::optional<std::int64_t> told = {};
 };
 
 }  // namespace quordalvane

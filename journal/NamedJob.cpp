@@ -70,7 +70,7 @@ NamedJob::NamedJob(Journal& journal, NamedJobRequest request, std::span<const st
 NamedJob::~NamedJob() = default;
 
 void NamedJob::checkData(const std::vector<Attempt>& attempts) const {
-  if (!attempts.empty() && attempts.front().data != attempt_->data) {
+  if (!request_.isNameEnough && !attempts.empty() && attempts.front().data != attempt_->data) {
     throw std::invalid_argument("the name of the job is that of other data, of " +
                                 grouped(attempts.front().data.bytes) +
                                 " bytes; each job takes a name of its own");
@@ -84,12 +84,18 @@ std::optional<NamedJobResult> NamedJob::answerOf(const std::vector<Attempt>& att
   const Attempt& last = decisive(attempts);
   switch (stateOf(last)) {
     case JobState::Printed:
-      return NamedJobResult{.result = printed(last), .attempt = last.number, .isRepeated = true};
+      return NamedJobResult{.result = printed(last),
+                            .attempt = last.number,
+                            .isRepeated = true,
+                            .begun = last.begun,
+                            .told = last.told};
     case JobState::Unconfirmed:
       return request_.again
                  ? std::nullopt
                  : std::optional(NamedJobResult{.result = unconfirmed(last, reasonOf(last)),
-                                                .attempt = last.number});
+                                                .attempt = last.number,
+                                                .begun = last.begun,
+                                                .told = last.told});
     case JobState::Refused:
     case JobState::Printing:
       break;
@@ -141,6 +147,16 @@ NamedJobResult NamedJob::run(PrintJob& job) {
     throw *failure_;
   }
   return recordEnd(result);
+}
+
+void NamedJob::tell() {
+  const auto attempts = journal_.attemptsOf(request_.name);
+  if (attempts.empty()) {
+    return;
+  }
+  Attempt told = decisive(attempts);
+  told.told = millisecondsNow();
+  journal_.replace(decisive(attempts), told);
 }
 
 NamedJobResult NamedJob::refuse(const PrintResult& result) {

@@ -24,6 +24,10 @@ struct NamedJobRequest {
   /// True: print a job again of which nobody knows whether it is on paper. Somebody has looked.
   bool again = false;
 
+  /// True: the name alone tells the job, as its data may differ from call to call; a filter that
+  /// makes them writes the time into them, for example.
+  bool isNameEnough = false;
+
   /// How long to wait for another process that prints the job; zero: not at all.
   std::chrono::milliseconds timeout = std::chrono::seconds(10);
 
@@ -37,6 +41,13 @@ struct NamedJobResult {
   PrintResult result;        ///< of the attempt that decides
   std::int64_t attempt = 0;  ///< its number, 1 for the first; 0 if there was no attempt
   bool isRepeated = false;   ///< true: it was printed by an earlier call, and this one sent nothing
+
+  /// Of an answer without printing: when that attempt began, and when a person was told that nobody
+  /// knows, see `NamedJob::tell`. Milliseconds since 1970, UTC.
+  /// @{
+  std::int64_t begun = 0;
+  std::optional<std::int64_t> told = {};
+  /// @}
 
   /// Why the outcome could not be recorded, for a person; "" if it was. The outcome is true all the
   /// same, and the next call under the name answers that nobody knows.
@@ -88,6 +99,11 @@ class QUOR_EXPORT NamedJob {
   /// nothing of the job was sent then, and the port is closed. Exceptions of `PrintJob::run` pass
   /// through.
   NamedJobResult run(PrintJob& job);
+
+  /// Records that a person is being told, now, that nobody knows whether the job is on paper. A
+  /// later call answers with that moment. No effect on a name of which nothing is known. Raises
+  /// `JournalError`.
+  void tell();
 
   /// Records instead that nothing was sent, because of `result`: the printer could not be reached,
   /// for example. Called once, if there is no answer.

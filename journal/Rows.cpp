@@ -7,11 +7,11 @@ namespace {
 
 constexpr auto everyRow =
     "SELECT name, number, bytes, sha256, device, begun, ended, outcome, accepted, reason, proof, "
-    "obstacle FROM attempt ORDER BY name, number";
+    "obstacle, told FROM attempt ORDER BY name, number";
 
 constexpr auto rowsOfOneName =
     "SELECT name, number, bytes, sha256, device, begun, ended, outcome, accepted, reason, proof, "
-    "obstacle FROM attempt WHERE name = ? ORDER BY number";
+    "obstacle, told FROM attempt WHERE name = ? ORDER BY number";
 
 Attempt rowAt(const Statement& found) {
   Attempt row;
@@ -28,6 +28,9 @@ Attempt rowAt(const Statement& found) {
   row.reason = found.text(9);
   row.proof = found.text(10);
   row.obstacle = static_cast<PrintObstacle>(found.number(11));
+  if (!found.isNull(12)) {
+    row.told = found.number(12);
+  }
   return row;
 }
 
@@ -55,7 +58,7 @@ void insertRow(Database& database, const Attempt& row) {
   database
       .prepare(
           "INSERT INTO attempt (name, number, bytes, sha256, device, begun, ended, outcome, "
-          "accepted, reason, proof, obstacle) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)")
+          "accepted, reason, proof, obstacle, told) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)")
       .with(row.name)
       .with(row.number)
       .with(static_cast<std::int64_t>(row.data.bytes))
@@ -68,6 +71,7 @@ void insertRow(Database& database, const Attempt& row) {
       .with(row.reason)
       .with(row.proof)
       .with(static_cast<std::int64_t>(row.obstacle))
+      .with(row.told)
       .step();
   changeSeal(database, row);
 }

@@ -38,6 +38,8 @@ constexpr const char* steps[] = {
     ALTER TABLE attempt ADD COLUMN proof TEXT NOT NULL DEFAULT '';
     ALTER TABLE attempt ADD COLUMN obstacle INTEGER NOT NULL DEFAULT 5;
     )",
+    // A queue that has told a person that nobody knows prints when the person says so.
+    "ALTER TABLE attempt ADD COLUMN told INTEGER;",
 };
 
 // A journal that is found to be damaged is left as it was.

@@ -32,6 +32,9 @@ Sha256::Digest digestOf(const Attempt& row) {
     add(hash, row.proof);
     add(hash, std::to_string(static_cast<int>(row.obstacle)));
   }
+  if (row.told) {
+    add(hash, "told " + std::to_string(*row.told));
+  }
   return hash.digest();
 }
 

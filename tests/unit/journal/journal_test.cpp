@@ -84,7 +84,7 @@ TEST_F(AJournal, HasItsVersion) {
   sqlite3_stmt* statement = nullptr;
   sqlite3_prepare_v2(database, "PRAGMA user_version", -1, &statement, nullptr);
   EXPECT_EQ(sqlite3_step(statement), SQLITE_ROW);
-  EXPECT_EQ(sqlite3_column_int(statement, 0), 2);
+  EXPECT_EQ(sqlite3_column_int(statement, 0), 3);
   sqlite3_finalize(statement);
   sqlite3_close(database);
 }

@@ -230,6 +230,54 @@ TEST_P(OnceOnly, APrinterThatCannotBeReachedIsRecordedAsRefused) {
   EXPECT_EQ(print(till, "receipt 1").result.outcome, PrintOutcome::Printed);
 }
 
+TEST_P(OnceOnly, AnAnswerSaysWhetherAPersonWasToldThatNobodyKnows) {
+  dieInTheMiddle("receipt 1");
+  Journal journal(file);
+  const std::int64_t begun = onlyJob().begun;
+  {
+    NamedJob named(journal, request("receipt 1"), receiptText);
+    ASSERT_TRUE(named.answer());
+    EXPECT_EQ(named.answer()->begun, begun);
+    EXPECT_FALSE(named.answer()->told);
+    named.tell();
+  }
+  const auto before = onlyJob();
+  NamedJob named(journal, request("receipt 1"), receiptText);
+  ASSERT_TRUE(named.answer() && named.answer()->told);
+  EXPECT_GE(*named.answer()->told, begun);
+  EXPECT_EQ(named.answer()->result.outcome, PrintOutcome::Unconfirmed);
+  EXPECT_EQ(before.state, JobState::Unconfirmed) << "and nothing else has changed";
+  EXPECT_FALSE(before.ended);
+}
+
+TEST_P(OnceOnly, NobodyWasToldOfALaterAttempt) {
+  dieInTheMiddle("receipt 1");
+  {
+    Journal journal(file);
+    NamedJob(journal, request("receipt 1"), receiptText).tell();
+  }
+  EXPECT_EQ(print(till, "receipt 1", true).result.outcome, PrintOutcome::Printed);
+  Journal journal(file);
+  EXPECT_FALSE(NamedJob(journal, request("receipt 1"), receiptText).answer()->told);
+}
+
+TEST_P(OnceOnly, TellingOfAnUnknownNameChangesNothing) {
+  Journal journal(file);
+  NamedJob(journal, request("receipt 1"), receiptText).tell();
+  EXPECT_TRUE(journal.jobs().empty());
+}
+
+TEST_P(OnceOnly, ANameMayBeEnoughToTellAJob) {
+  print(till, "receipt 1");
+  Journal journal(file);
+  auto asked = request("receipt 1");
+  asked.isNameEnough = true;
+  const ByteBuffer other = {'a'};
+  const NamedJob named(journal, asked, other);
+  ASSERT_TRUE(named.answer());
+  EXPECT_TRUE(named.answer()->isRepeated);
+}
+
 INSTANTIATE_TEST_SUITE_P(Emulations, OnceOnly,
                          testing::Values(ZKEmulationQuorLine, ZKEmulationESCPOS), emulationName);
 
