@@ -1,5 +1,5 @@
-// Takes the place of the Bluetooth back end if its library is missing: the scheme is known, and says
-// why it cannot be had.
+// Takes the place of the Bluetooth back end if its library is missing: the scheme is known, and
+// says why it cannot be had.
 #include "backends/Schemes.h"
 #include "backends/SpecText.h"
 #include "backends/bluez/BluetoothScheme.h"
@@ -8,8 +8,7 @@ namespace quordalvane {
 namespace {
 
 [[noreturn]] void refuse() {
-  spec::refuse(
-      "bluetooth: this quorport was built without Bluetooth, which takes libsdbus-c++-dev");
+  spec::refuse("bluetooth: this program was built without Bluetooth, which takes libsdbus-c++-dev");
 }
 
 void checkPlace(const std::string& /*place*/) {
@@ -24,7 +23,7 @@ std::shared_ptr<EAAccessory> make(const DeviceSpec& /*spec*/, AccessoryIdentity 
 constinit const Scheme bluetoothScheme = {
     .name = "bluetooth",
     .place = "",
-    .about = "paired Bluetooth printers; this quorport was built without them",
+    .about = "paired Bluetooth printers; this program was built without them",
     .checkPlace = checkPlace,
     .make = make,
     .ifSilent = "",
