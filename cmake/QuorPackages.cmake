@@ -38,3 +38,13 @@ else()
   set(QUOR_BLUETOOTH OFF)
   quor_left_out("Bluetooth printers (bluetooth:)" libsdbus-c++-dev tests/bluez)
 endif()
+
+# The print system's back end keeps a journal.
+find_package(Cups)
+if(CUPS_FOUND AND QUOR_JOURNAL)
+  set(QUOR_CUPS ON)
+else()
+  set(QUOR_CUPS OFF)
+  quor_left_out("the print system's back end (quor)" "libcups2-dev and the journal"
+                tests/cups tests/unit/cups)
+endif()

@@ -1,0 +1,158 @@
+"""Every process that has to do with a job is killed at every moment of it, under every error policy of the queue.
+
+QUOR_CRASH_MOMENTS is how many moments of a job are tried for each victim and policy; 20 by night.
+"""
+
+import collections
+import concurrent.futures
+import os
+import signal
+import tempfile
+import time
+import unittest
+from pathlib import Path
+
+import ipp
+from harness import Simulator, eventually, main
+from peer import socket_back_end
+from queues import QUOR, SETTLED
+from scheduler import Scheduler
+
+MOMENTS = int(os.environ.get("QUOR_CRASH_MOMENTS", "2"))
+POLICIES = ("retry-job", "retry-current-job", "abort-job", "stop-printer")
+VICTIMS = ("worker", "guard", "both", "scheduler stopped", "scheduler killed")
+COPY = b"".join(b"%03d a receipt that takes its time\n" % line for line in range(12))
+SPEED = 1000  # bytes a second
+LENGTH = 0.9  # seconds of a job, from its arrival to its end
+
+
+class Lane:
+    """A scheduler, a queue and a printer, on which one case after another is tried."""
+
+    def __init__(self, policy: str, back_end: str, program: Path):
+        self.folder = tempfile.TemporaryDirectory()
+        folder = Path(self.folder.name)
+        folder.chmod(0o755)
+        self.scheduler = Scheduler(folder / "cups", {back_end: program}, settings="DirtyCleanInterval 0")
+        self.printer = Simulator("tcp:0", "--set", f"speed={SPEED}")
+        place = self.printer.place.removeprefix("tcp:")
+        self.scheduler.add_queue("till", f"quor:/tcp/{place}" if back_end == "quor" else f"socket://{place}", policy)
+        self.exe = folder / "cups/bin/backend" / back_end
+
+    def close(self):
+        self.scheduler.end(signal.SIGKILL)
+        for process in self.back_ends():
+            os.kill(process, signal.SIGKILL)
+        self.printer.kill()
+        self.folder.cleanup()
+
+    def back_ends(self) -> list[int]:
+        found = []
+        for entry in Path("/proc").iterdir():
+            try:
+                if entry.name.isdigit() and os.readlink(entry / "exe") == str(self.exe):
+                    found.append(int(entry.name))
+            except OSError:
+                continue  # it has ended meanwhile, or is another user's
+        return found
+
+    def guard_and_worker(self) -> tuple[int | None, int | None]:
+        parents = {process: parent_of(process) for process in self.back_ends()}
+        guard = next((process for process, parent in parents.items() if parent == self.scheduler.process.pid), None)
+        worker = next((process for process, parent in parents.items() if guard is not None and parent == guard), None)
+        return guard, worker
+
+    def strike(self, victim: str):
+        if victim.startswith("scheduler"):
+            self.scheduler.end(signal.SIGTERM if victim.endswith("stopped") else signal.SIGKILL)
+            self.scheduler.start()
+            return
+        guard, worker = self.guard_and_worker()
+        for process in {"guard": (guard,), "worker": (worker or guard,), "both": (guard, worker)}[victim]:
+            if process is not None:
+                try:
+                    os.kill(process, signal.SIGKILL)
+                except ProcessLookupError:
+                    continue  # it has just ended
+
+    def state(self, job: int) -> str | None:
+        """Where nothing happens any more without a person; null while something does."""
+        state = self.scheduler.state(job)
+        if self.back_ends():
+            return None
+        if state == "pending" and self.scheduler.printer("till")["printer-state"] == [5]:
+            return "queue stopped"
+        return state if state in SETTLED else None
+
+    def paper(self) -> int:
+        return eventually(lambda: (now := self.printer.state())["buffered"] == 0 and now, "the printer has printed")["printedBytes"]
+
+    def tidy(self, job: int, state: str):
+        """What a person does before the next case."""
+        if state not in ("completed", "canceled", "aborted"):
+            self.scheduler.on_job(ipp.CANCEL_JOB, job)
+        if self.scheduler.printer("till")["printer-state"] == [5]:
+            self.scheduler.resume("till")
+        eventually(lambda: not self.back_ends(), "no back end runs")
+
+    def crash(self, victim: str, moment: float) -> tuple[str, float]:
+        """The state in which the job stays, and how many copies lie on paper."""
+        before = self.paper()
+        began = time.monotonic()
+        job = self.scheduler.print_job("till", COPY)
+        time.sleep(max(0.0, began + moment - time.monotonic()))  # the moment is what the case is about
+        self.strike(victim)
+        state = eventually(lambda: self.state(job), f"job {job} stays as it is")
+        copies = (self.paper() - before) / len(COPY)
+        self.tidy(job, state)
+        return state, copies
+
+
+def parent_of(process: int) -> int:
+    try:
+        return int(Path(f"/proc/{process}/stat").read_text().rsplit(")", 1)[1].split()[1])
+    except (FileNotFoundError, ProcessLookupError):
+        return 0
+
+
+def moments(count: int) -> list[float]:
+    return [LENGTH * (number + 0.5) / count for number in range(count)]
+
+
+class Crashes(unittest.TestCase):
+    def run_lane(self, policy: str, back_end: str, program: Path, victims: tuple) -> list[tuple[str, float, str, float]]:
+        lane = Lane(policy, back_end, program)
+        try:
+            return [(victim, moment, *lane.crash(victim, moment)) for victim in victims for moment in moments(MOMENTS)]
+        finally:
+            lane.close()
+
+    def test_no_job_is_printed_twice_and_none_is_completed_without_paper(self):
+        states = collections.Counter()
+        with concurrent.futures.ThreadPoolExecutor(len(POLICIES)) as lanes:
+            results = lanes.map(lambda policy: self.run_lane(policy, "quor", QUOR, VICTIMS), POLICIES)
+            for policy, cases in zip(POLICIES, results):
+                for victim, moment, state, copies in cases:
+                    with self.subTest(policy=policy, victim=victim, moment=moment):
+                        self.assertLessEqual(copies, 1, f"{state}, and {copies} copies")
+                        if state == "completed":
+                            self.assertEqual(copies, 1, "completed without paper")
+                    states[state] += 1
+        self.assertGreater(states["completed"], 0)
+        self.assertGreater(states["held"], 0, "nothing was struck in its middle")
+        print(f"quor: {dict(states)}")
+        print(f"{sum(states.values())} cases")
+
+    def test_the_print_systems_own_back_end_beside_it(self):
+        """Nothing is asserted of it: its figures are what ours are compared with."""
+        program = socket_back_end(Path(tempfile.gettempdir()) / "quor-peer")
+        victims = ("worker", "scheduler stopped", "scheduler killed")
+        with concurrent.futures.ThreadPoolExecutor(len(POLICIES)) as lanes:
+            cases = sum(lanes.map(lambda policy: self.run_lane(policy, "socket", program, victims), POLICIES), [])
+        twice = sum(copies > 1 for _, _, _, copies in cases)
+        claimed = sum(state == "completed" and copies < 1 for _, _, state, copies in cases)
+        print(f"socket: of {len(cases)} jobs {twice} more than once on paper, {claimed} completed without all of it")
+
+
+if __name__ == "__main__":
+    main()

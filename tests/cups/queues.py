@@ -1,0 +1,82 @@
+"""What the tests of the back end share: a private scheduler, queues, and printers of which every byte is counted."""
+
+import os
+import shutil
+import time
+from pathlib import Path
+
+import ipp
+from harness import Case, Simulator, eventually
+from scheduler import ENDED, Scheduler
+
+QUOR = Path(os.environ["QUOR"])
+RECEIPT = b"Espresso  2.20\nCake  3.80\n"
+SETTLED = (*ENDED, "held", "stopped")
+
+
+class QueueCase(Case):
+    """`self.scheduler` runs, and no queue is there yet."""
+
+    back_ends = {"quor": QUOR}
+
+    def setUp(self):
+        super().setUp()
+        self.folder.chmod(0o755)
+        self.scheduler = Scheduler(self.folder / "cups", self.back_ends)
+        self.addCleanup(self.end_scheduler)
+
+    def end_scheduler(self):
+        """A failure says what the scheduler saw."""
+        self.scheduler.end()
+        if (log := os.environ.get("QUOR_CUPS_LOG")) is not None:
+            shutil.copy(self.scheduler.folder / "error_log", log)
+
+    def queue(self, printer: Simulator | str, name: str = "till", query: str = "", policy: str = "retry-job") -> str:
+        """A queue for the printer, or for the place of one."""
+        place = printer if isinstance(printer, str) else printer.place
+        self.scheduler.add_queue(name, f"quor:/tcp/{place.removeprefix('tcp:')}{query}", policy)
+        return name
+
+    def print_job(self, queue: str, data: bytes = RECEIPT, *attributes: bytes) -> int:
+        return self.scheduler.print_job(queue, data, *attributes)
+
+    def assertSettles(self, job: int, state: str):
+        """The job ends, or is held, in that state."""
+        settled = self.scheduler.await_state(job, *SETTLED)
+        self.assertEqual(settled, state, self.story(job))
+
+    def assertWaits(self, job: int, queue: str, message: str, *reasons: str):
+        """It is neither printed nor given up, and the queue says why."""
+        eventually(lambda: self.scheduler.message(queue) == message, f"the queue says {message}")
+        self.assertEqual(self.scheduler.state(job), "processing", self.story(job))
+        self.assertEqual(self.scheduler.reasons(queue), set(reasons))
+
+    def story(self, job: int) -> str:
+        """What the scheduler wrote about the job."""
+        return "\n".join(line for line in self.scheduler.log().splitlines() if f"[Job {job}]" in line and "envp" not in line)
+
+    def back_end_is_gone(self) -> bool:
+        return not self.children(self.scheduler.process.pid)
+
+    @staticmethod
+    def children(process: int) -> list[int]:
+        found = []
+        for entry in Path("/proc").iterdir():
+            try:
+                fields = (entry / "stat").read_text().rsplit(")", 1)[1].split() if entry.name.isdigit() else []
+            except (FileNotFoundError, ProcessLookupError):
+                continue  # it has ended meanwhile
+            if fields and int(fields[1]) == process and fields[0] != "Z":
+                found.append(int(entry.name))
+        return found
+
+    def copies(self, printer: Simulator, size: int = len(RECEIPT)) -> float:
+        """How many copies of a job of that size lie on paper."""
+        state = eventually(lambda: (now := printer.state())["buffered"] == 0 and now, "the printer has printed")
+        return state["printedBytes"] / size
+
+    def seconds_since(self, began: float) -> float:
+        return time.monotonic() - began
+
+
+__all__ = ["QUOR", "RECEIPT", "SETTLED", "QueueCase", "eventually", "ipp"]

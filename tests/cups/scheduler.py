@@ -1,0 +1,159 @@
+"""A print scheduler of the test's own: every file of it lies in the test's folder, and it runs as any user."""
+
+import os
+import shutil
+import signal
+import socket
+import subprocess
+import time
+from collections.abc import Callable
+from pathlib import Path
+
+import ipp
+from harness import DEADLINE, eventually
+
+DAEMON, HELPER = Path("/usr/sbin/cupsd"), Path("/usr/lib/cups/daemon/cups-exec")
+NOBODY = 65534  # root's scheduler would run back ends as another user than itself
+
+STATES = {3: "pending", 4: "held", 5: "processing", 6: "stopped", 7: "canceled", 8: "aborted", 9: "completed"}
+ENDED = ("canceled", "aborted", "completed")
+
+SETTINGS = """
+LogLevel debug
+MaxLogSize 0
+Listen {folder}/socket
+Browsing Off
+WebInterface No
+DefaultAuthType None
+JobRetryInterval 1
+JobRetryLimit 3
+{more}
+<Location />
+  Order deny,allow
+</Location>
+<Policy default>
+  JobPrivateValues none
+  SubscriptionPrivateValues none
+  <Limit All>
+    Order deny,allow
+  </Limit>
+</Policy>
+"""
+
+FILES = """
+ServerRoot {folder}/etc
+ServerBin {folder}/bin
+DataDir {folder}/data
+DocumentRoot {folder}/data
+StateDir {folder}/state
+CacheDir {folder}/cache
+RequestRoot {folder}/spool
+TempDir {folder}/temp
+AccessLog {folder}/access_log
+ErrorLog {folder}/error_log
+PageLog {folder}/page_log
+"""
+
+
+def as_nobody() -> dict:
+    """How a process is started, for tests that root runs."""
+    return {"user": NOBODY, "group": NOBODY, "extra_groups": []} if os.geteuid() == 0 else {}
+
+
+class Scheduler:
+    def __init__(self, folder: Path, back_ends: dict[str, Path], settings: str = ""):
+        self.folder, self.process = folder, None
+        self.socket = folder / "socket"
+        for name in ("etc", "bin/backend", "bin/daemon", "bin/filter", "data", "state/certs", "cache", "spool/tmp", "temp"):
+            (folder / name).mkdir(parents=True)
+        shutil.copytree("/usr/share/cups/mime", folder / "data/mime")
+        shutil.copy(HELPER, folder / "bin/daemon")
+        for name, program in back_ends.items():
+            shutil.copy(program, folder / "bin/backend" / name)
+            (folder / "bin/backend" / name).chmod(0o755)
+        (folder / "etc/cupsd.conf").write_text(SETTINGS.format(folder=folder, more=settings))
+        (folder / "etc/cups-files.conf").write_text(FILES.format(folder=folder))
+        if os.geteuid() == 0:
+            for path in (folder, *folder.rglob("*")):
+                os.chown(path, NOBODY, NOBODY)
+        self.start()
+
+    # -- The process --------------------------------------------------------------------------------------------------
+
+    def start(self):
+        self.socket.unlink(missing_ok=True)
+        log = (self.folder / "said").open("ab")
+        self.process = subprocess.Popen(
+            [DAEMON, "-f", "-c", self.folder / "etc/cupsd.conf", "-s", self.folder / "etc/cups-files.conf"],
+            stdin=subprocess.DEVNULL, stdout=log, stderr=log, **as_nobody())
+        log.close()
+        eventually(self.answers, "the scheduler answers")
+
+    def answers(self) -> bool:
+        assert self.process.poll() is None, f"the scheduler ended: {(self.folder / 'said').read_text()}"
+        try:
+            with socket.socket(socket.AF_UNIX) as connection:
+                connection.connect(str(self.socket))
+                return True
+        except OSError:
+            return False
+
+    def end(self, with_signal: int = signal.SIGTERM):
+        if self.process.poll() is None:
+            self.process.send_signal(with_signal)
+        self.process.wait(DEADLINE)
+
+    def log(self) -> str:
+        return (self.folder / "error_log").read_text(errors="replace")
+
+    # -- Queues and jobs ----------------------------------------------------------------------------------------------
+
+    def ask(self, operation: int, *attributes: bytes, resource: str = "/", data: bytes = b"", **groups) -> list[dict]:
+        return ipp.ask(self.socket, ipp.request(operation, *attributes, **groups), data, resource)
+
+    def add_queue(self, name: str, uri: str, policy: str = "retry-job"):
+        self.ask(ipp.ADD_PRINTER, printer_uri(name), resource="/admin/", printer=(
+            ipp.attribute(ipp.URI, "device-uri", uri), ipp.attribute(ipp.NAME, "printer-error-policy", policy),
+            ipp.attribute(ipp.ENUM, "printer-state", 3), ipp.attribute(ipp.BOOLEAN, "printer-is-accepting-jobs", True)))
+
+    def print_job(self, queue: str, data: bytes, *job_attributes: bytes) -> int:
+        answer = self.ask(ipp.PRINT_JOB, printer_uri(queue), user(), ipp.attribute(ipp.NAME, "job-name", "receipt"),
+                          ipp.attribute(ipp.FORMAT, "document-format", "application/vnd.cups-raw"),
+                          resource=f"/printers/{queue}", job=job_attributes, data=data)
+        return answer[0]["job-id"][0]
+
+    def on_job(self, operation: int, job: int):
+        self.ask(operation, ipp.attribute(ipp.URI, "job-uri", f"ipp://localhost/jobs/{job}"), user(), resource="/jobs/")
+
+    def resume(self, queue: str):
+        self.ask(ipp.RESUME_PRINTER, printer_uri(queue), user(), resource="/admin/")
+
+    def move(self, job: int, queue: str):
+        self.ask(ipp.MOVE_JOB, ipp.attribute(ipp.URI, "job-uri", f"ipp://localhost/jobs/{job}"), user(), resource="/jobs/",
+                 job=(ipp.attribute(ipp.URI, "job-printer-uri", f"ipp://localhost/printers/{queue}"),))
+
+    def job(self, job: int) -> dict:
+        return self.ask(ipp.GET_JOB, ipp.attribute(ipp.URI, "job-uri", f"ipp://localhost/jobs/{job}"), user())[0]
+
+    def state(self, job: int) -> str:
+        return STATES[self.job(job)["job-state"][0]]
+
+    def printer(self, name: str) -> dict:
+        return self.ask(ipp.GET_PRINTER, printer_uri(name), user())[0]
+
+    def reasons(self, name: str) -> set[str]:
+        return set(self.printer(name)["printer-state-reasons"]) - {"none"}
+
+    def message(self, name: str) -> str:
+        return self.printer(name)["printer-state-message"][0]
+
+    def await_state(self, job: int, *states: str) -> str:
+        return eventually(lambda: (now := self.state(job)) in states and now, f"job {job} is {' or '.join(states)}")
+
+
+def printer_uri(name: str) -> bytes:
+    return ipp.attribute(ipp.URI, "printer-uri", f"ipp://localhost/printers/{name}")
+
+
+def user() -> bytes:
+    return ipp.attribute(ipp.NAME, "requesting-user-name", "till")

@@ -1,0 +1,64 @@
+#include "tools/cups-backend/BackEnd.h"
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <exception>
+
+#include "tools/cups-backend/Aftermath.h"
+#include "tools/cups-backend/BackEndJob.h"
+#include "tools/cups-backend/DeviceUri.h"
+#include "tools/cups-backend/Guard.h"
+#include "tools/cups-backend/Listing.h"
+#include "tools/cups-backend/Release.h"
+#include "tools/cups-backend/StatusLines.h"
+#include "tools/cups-backend/Witness.h"
+#include "tools/cups-backend/Worker.h"
+
+namespace quordalvane::cups {
+namespace {
+
+std::string variable(const char* name) {
+  const char* const text = std::getenv(name);
+  return text == nullptr ? "" : text;
+}
+
+// A stopped queue keeps its jobs, and what it shows as its reason is what happened.
+void stopQueue() {
+  StatusLines lines("");
+  lines.setReasons(unconfirmedJob);
+  lines.complain("unconfirmed: the back end was ended in mid-job");
+  lines.stopQueue();
+}
+
+ExitCode printJob(const BackEndJob& job, const DeviceUri& uri, StatusLines& lines) {
+  const Witness witness(stopQueue);
+  const auto scheduler = schedulerStart(::getppid());
+  const ExitCode code =
+      guarded([&] { return work(job, uri, scheduler, [&] { witness.dismiss(); }); },
+              [&](const BrokenOff& end) { return judgeBrokenOff(job, uri, end, lines); });
+  witness.dismiss();
+  return code;
+}
+
+}  // namespace
+
+int run(const std::vector<std::string>& arguments) {
+  StatusLines lines(variable("PRINTER_STATE_REASONS"));
+  if (arguments.size() == 1) {
+    listPrinters(STDOUT_FILENO, lines);
+    return static_cast<int>(ExitCode::Done);
+  }
+  try {
+    const BackEndJob job = parseBackEndJob(arguments, variable);
+    return static_cast<int>(printJob(job, parseDeviceUri(job.uri), lines));
+  } catch (const std::invalid_argument& error) {
+    lines.complain(error.what());
+    return static_cast<int>(ExitCode::QueueStopped);
+  } catch (const std::exception& error) {
+    lines.complain(error.what());
+    return static_cast<int>(ExitCode::Held);
+  }
+}
+
+}  // namespace quordalvane::cups

@@ -1,0 +1,185 @@
+#include "tools/cups-backend/DeviceUri.h"
+
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
+#include "backends/DeviceSpec.h"
+#include "backends/Schemes.h"
+#include "backends/SpecText.h"
+#include "logging/Quoted.h"
+#include "tools/cups-backend/Escapes.h"
+
+namespace quordalvane::cups {
+namespace {
+
+using spec::refuse;
+
+constexpr std::string_view ownScheme = "quor:";
+
+bool isNoData(char /*c*/) {
+  return false;
+}
+
+bool isAllData(char /*c*/) {
+  return true;
+}
+
+std::uint32_t milliseconds(const std::string& key, const std::string& value) {
+  const auto millis = spec::number<std::uint32_t>(value);
+  if (!millis) {
+    refuse(key + "=" + inQuotes(value) + ": takes milliseconds, from 0 to 4294967295");
+  }
+  return *millis;
+}
+
+bool isSecondOf(const std::string& key, const std::string& value, std::string_view first,
+                std::string_view second) {
+  if (value != first && value != second) {
+    refuse(key + "=" + inQuotes(value) + ": takes " + std::string(first) + " or " +
+           std::string(second));
+  }
+  return value == second;
+}
+
+// False for a key that is not the back end's own.
+bool setOwnKey(DeviceUri& uri, const std::string& key, const std::string& value) {
+  if (key == "emulation") {
+    uri.emulation =
+        isSecondOf(key, value, "line", "escpos") ? ZKEmulationESCPOS : ZKEmulationQuorLine;
+  } else if (key == "timeout") {
+    uri.timeout = milliseconds(key, value);
+  } else if (key == "end-timeout") {
+    uri.endTimeout = milliseconds(key, value);
+  } else if (key == "copies") {
+    uri.areCopiesTogether = isSecondOf(key, value, "separate", "together");
+  } else {
+    return false;
+  }
+  return true;
+}
+
+void addQuery(DeviceUri& uri, std::string_view query) {
+  while (!query.empty()) {
+    const std::string_view pair = query.substr(0, query.find('&'));
+    query.remove_prefix(std::min(query.size(), pair.size() + 1));
+    const std::size_t equals = pair.find('=');
+    if (equals == std::string_view::npos) {
+      refuse("a URI's query takes key=value, joined by &");
+    }
+    const std::string key = deviceTextOf(pair.substr(0, equals), isAllData);
+    const std::string value = deviceTextOf(pair.substr(equals + 1), isAllData);
+    if (!setOwnKey(uri, key, value)) {
+      uri.device += "," + key + "=" + value;
+    }
+  }
+}
+
+// A host with a user and a password before it.
+void refuseCredentials(std::string_view path, const Scheme* scheme) {
+  const bool mayHoldAt = scheme != nullptr && scheme->name != "tcp";
+  if (!mayHoldAt && path.find('@') != std::string_view::npos) {
+    refuse("a user or a password is in the URI; the printers take neither");
+  }
+}
+
+// A path of the system begins where the scheme ends: /serial/dev/ttyUSB0.
+bool isSystemPath(const Scheme& scheme, std::string_view place) {
+  return !place.starts_with('/') && (scheme.place == "PATH" || place.starts_with("dev/"));
+}
+
+std::string deviceIn(std::string_view path) {
+  const std::string_view inside = path.substr(path.starts_with('/') ? 1 : 0);
+  const std::string_view name = inside.substr(0, inside.find_first_of("/:"));
+  const Scheme* const scheme = findScheme(name);
+  const std::string whole = deviceTextOf(path, isNoData);
+  refuseCredentials(whole, scheme);
+  if (scheme == nullptr) {
+    return whole;  // it may name its device without a scheme
+  }
+  const std::string_view rest = inside.substr(name.size());
+  if (rest.starts_with(':')) {
+    return deviceTextOf(inside, isNoData);
+  }
+  const std::string_view place = rest.substr(rest.empty() ? 0 : 1);
+  return std::string(name) + (isSystemPath(*scheme, place) ? ":/" : ":") +
+         deviceTextOf(place, isNoData);
+}
+
+std::string_view withoutAuthority(std::string_view text) {
+  if (!text.starts_with("//")) {
+    return text;
+  }
+  if (!text.starts_with("///")) {
+    refuse(
+        "the URI of a queue is quor:/tcp/HOST:PORT, for example, with one slash first; a host, "
+        "a user or a password is not taken there");
+  }
+  return text.substr(2);
+}
+
+// The pieces of the text of a device, with the backslashes resolved.
+std::vector<std::string> piecesOf(std::string_view device) {
+  std::vector<std::string> pieces(1);
+  for (std::size_t i = 0; i < device.size(); ++i) {
+    if (device[i] == ',') {
+      pieces.emplace_back();
+      continue;
+    }
+    if (device[i] == '\\' && i + 1 < device.size()) {
+      ++i;
+    }
+    pieces.back() += device[i];
+  }
+  return pieces;
+}
+
+bool isPlainInPlace(char c) {
+  return std::string_view("-._~:[]/").find(c) != std::string_view::npos;
+}
+
+bool isPlainInQuery(char c) {
+  return std::string_view("-._~:").find(c) != std::string_view::npos;
+}
+
+std::string placeInUri(const Scheme* scheme, std::string_view place) {
+  const bool isPath = scheme != nullptr && scheme->place == "PATH" && place.starts_with('/');
+  const std::string text = uriTextOf(place.substr(isPath ? 1 : 0), isPlainInPlace);
+  return text.starts_with('/') ? "%2F" + text.substr(1) : text;
+}
+
+}  // namespace
+
+DeviceUri parseDeviceUri(std::string_view uri) {
+  if (!uri.starts_with(ownScheme)) {
+    refuse("the URI of a queue of this back end begins with quor:");
+  }
+  const std::string_view text = withoutAuthority(uri.substr(ownScheme.size()));
+  const std::size_t question = text.find('?');
+  DeviceUri result;
+  result.device = deviceIn(text.substr(0, question));
+  addQuery(result, question == std::string_view::npos ? "" : text.substr(question + 1));
+  if (findScheme(parseDeviceSpec(result.device).scheme)->isOfOneProcess) {
+    refuse(
+        "the printer that is built in has no paper; a queue takes a real one, such as "
+        "quor:/tcp/HOST:9100");
+  }
+  return result;
+}
+
+std::string uriOf(std::string_view device) {
+  const auto pieces = piecesOf(device);
+  const std::size_t colon = pieces.front().find(':');
+  const std::string scheme = pieces.front().substr(0, colon);
+  std::string uri =
+      std::string(ownScheme) + "/" + scheme + "/" +
+      placeInUri(findScheme(scheme), std::string_view(pieces.front()).substr(colon + 1));
+  for (std::size_t i = 1; i < pieces.size(); ++i) {
+    const std::size_t equals = pieces[i].find('=');
+    uri += (i == 1 ? "?" : "&") + uriTextOf(pieces[i].substr(0, equals), isPlainInQuery) + "=" +
+           uriTextOf(pieces[i].substr(equals + 1), isPlainInQuery);
+  }
+  return uri;
+}
+
+}  // namespace quordalvane::cups

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cups/backend.h>
+
+namespace quordalvane::cups {
+
+/// What the end of a process tells the one that started it: the scheduler takes all but the last.
+enum class ExitCode : int {
+  Done = CUPS_BACKEND_OK,             ///< printed, or not wanted any more
+  NextPrinter = CUPS_BACKEND_FAILED,  ///< nothing was sent, and another printer may take the job
+  Held = CUPS_BACKEND_HOLD,           ///< a person must decide
+  QueueStopped = CUPS_BACKEND_STOP,   ///< no job of this queue can be printed
+  JobCanceled = CUPS_BACKEND_CANCEL,  ///< this job can never be printed
+  CutOff = 100,  ///< the worker was told to stop; its guard judges what that is
+};
+
+}  // namespace quordalvane::cups

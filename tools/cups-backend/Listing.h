@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+
+#include "discovery/FoundDevice.h"
+#include "tools/cups-backend/StatusLines.h"
+
+namespace quordalvane::cups {
+
+/// A printer that was found, in the line in which the print system reads it: the class of its link,
+/// its URI, its make and model, what people call it, its device ID and an empty place.
+std::string listingOf(const FoundDevice& found);
+
+/// Writes the printers that can be found to `descriptor`, a line each, and to `lines` where nothing
+/// could be looked for.
+void listPrinters(int descriptor, StatusLines& lines);
+
+}  // namespace quordalvane::cups

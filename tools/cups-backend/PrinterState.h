@@ -1,0 +1,48 @@
+#pragma once
+
+#include <mutex>
+#include <optional>
+
+#include <quordalvane/QuorIOPort.h>
+
+namespace quordalvane::cups {
+
+/// What is known of the printer and of the job's data, for those who ask while the job is printed.
+/// Any thread.
+class PrinterState {
+ public:
+  /// How far the data of the job are.
+  enum class Data {
+    Collected,  ///< they still arrive, or are under way
+    Printed,    ///< the printer has confirmed them all
+    Lost,       ///< it will not
+  };
+
+  void setStatus(const QuorPrinterStatus_2& status) {
+    const std::lock_guard lock(mutex_);
+    status_ = status;
+  }
+
+  void setData(Data data) {
+    const std::lock_guard lock(mutex_);
+    data_ = data;
+  }
+
+  /// The last status; empty while there is none.
+  std::optional<QuorPrinterStatus_2> status() const {
+    const std::lock_guard lock(mutex_);
+    return status_;
+  }
+
+  Data data() const {
+    const std::lock_guard lock(mutex_);
+    return data_;
+  }
+
+ private:
+  mutable std::mutex mutex_;  // guards what follows
+  std::optional<QuorPrinterStatus_2> status_;
+  Data data_ = Data::Collected;
+};
+
+}  // namespace quordalvane::cups

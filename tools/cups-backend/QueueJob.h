@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "journal/NamedJob.h"
+#include "tools/cups-backend/BackEndJob.h"
+#include "tools/cups-backend/DeviceUri.h"
+#include "tools/cups-backend/ExitCode.h"
+#include "tools/cups-backend/JobBlocks.h"
+#include "tools/cups-backend/PrinterState.h"
+#include "tools/cups-backend/QueuePrinter.h"
+#include "tools/cups-backend/StatusLines.h"
+#include "tools/cups-backend/StopWish.h"
+
+namespace quordalvane::cups {
+
+/// One job of a queue, from its data to the exit code that tells what became of it.
+///
+/// As long as nothing of a block went out it waits for the printer and asks again. Once something
+/// did, the block is printed, or a person decides: it is never sent again by itself.
+class QueueJob {
+ public:
+  /// What it works with, all of which must outlive it.
+  struct Surroundings {
+    StatusLines& lines;
+    StopWish& wish;
+    PrinterState& state;
+    std::optional<std::int64_t> schedulerStart;  ///< milliseconds since 1970
+  };
+
+  /// Throws `std::invalid_argument`, with a text for people, if the device cannot be one.
+  QueueJob(const BackEndJob& job, const DeviceUri& uri, const Surroundings& surroundings);
+
+  /// Prints `copy` as often as the job wants it. `onConfirmed` is called when all of it is.
+  ExitCode print(const std::vector<std::uint8_t>& copy, const std::function<void()>& onConfirmed);
+
+  const QueuePrinter& printer() const { return printer_; }
+
+ private:
+  // Empty: nothing was sent, and the block is tried again.
+  using Verdict = std::optional<ExitCode>;
+
+  ExitCode printBlock(const JobBlock& block, const std::vector<std::uint8_t>& data);
+  Verdict tryBlock(const JobBlock& block, const std::vector<std::uint8_t>& data);
+  Verdict answered(NamedJob& named, const JobBlock& block);
+  Verdict run(NamedJob& named, const JobBlock& block);
+  Verdict judge(NamedJob& named, const NamedJobResult& result, const JobBlock& block);
+  bool isWantedAgain(const NamedJobResult& known) const;
+  ExitCode hold(NamedJob& named, const PrintResult& result);
+  ExitCode confirm(const JobBlock& block, const PrintResult& result);
+  Verdict postpone(const std::string& why, const StateReasons& reasons);
+  void awaitReady(const PrintResult& refused);
+  PrintJob::Options options();
+
+  const BackEndJob& job_;
+  const DeviceUri& uri_;
+  const Surroundings with_;
+  QueuePrinter printer_;
+};
+
+}  // namespace quordalvane::cups

@@ -1,0 +1,74 @@
+#include "tools/cups-backend/Release.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <ctime>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "journal/History.h"
+
+namespace quordalvane::cups {
+namespace {
+
+constexpr std::int64_t millisInSecond = 1000;
+
+// A record that is written in this time may be from just before the scheduler held the job.
+constexpr std::int64_t leastDelay = 1000;
+
+std::int64_t millisSinceBoot() {
+  timespec now{};
+  ::clock_gettime(CLOCK_BOOTTIME, &now);
+  return std::int64_t{now.tv_sec} * millisInSecond + now.tv_nsec / 1'000'000;
+}
+
+// The 22nd field, which is in ticks since the machine was started. The second is the program's name
+// in parentheses, and may hold anything.
+std::optional<std::int64_t> startInTicks(int process) {
+  std::ifstream file("/proc/" + std::to_string(process) + "/stat");
+  std::string text;
+  std::getline(file, text);
+  const std::size_t name = text.rfind(')');
+  if (name == std::string::npos) {
+    return std::nullopt;
+  }
+  std::istringstream fields(text.substr(name + 1));
+  std::string skipped;
+  for (int field = 3; field < 22; ++field) {
+    fields >> skipped;
+  }
+  std::int64_t ticks = 0;
+  return fields >> ticks ? std::optional(ticks) : std::nullopt;
+}
+
+}  // namespace
+
+std::optional<std::int64_t> schedulerStart(int scheduler) {
+  const auto ticks = startInTicks(scheduler);
+  if (!ticks) {
+    return std::nullopt;
+  }
+  const std::int64_t start = *ticks * millisInSecond / ::sysconf(_SC_CLK_TCK);
+  return millisecondsNow() - (millisSinceBoot() - start);
+}
+
+bool isReleased(std::int64_t told, std::optional<std::int64_t> schedulerStart,
+                const std::filesystem::path& controlFile) {
+  if (!schedulerStart) {
+    return false;
+  }
+  if (*schedulerStart <= told) {
+    return true;
+  }
+  struct stat record {};
+  if (controlFile.empty() || ::stat(controlFile.c_str(), &record) != 0) {
+    return false;
+  }
+  const std::int64_t written =
+      std::int64_t{record.st_mtim.tv_sec} * millisInSecond + record.st_mtim.tv_nsec / 1'000'000;
+  return written >= told + leastDelay && written < *schedulerStart;
+}
+
+}  // namespace quordalvane::cups

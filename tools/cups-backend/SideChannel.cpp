@@ -1,0 +1,90 @@
+#include "tools/cups-backend/SideChannel.h"
+
+#include <sys/stat.h>
+
+#include <array>
+#include <utility>
+
+#include "job/StatusText.h"
+
+namespace quordalvane::cups {
+namespace {
+
+// The longest that the protocol knows.
+constexpr int longestMessage = 65535;
+
+// The filter that asked reads at once, or is gone.
+constexpr double answerSeconds = 1.0;
+
+// By hand a back end is started without one, and the descriptor may then be anything.
+int channelIfGiven() {
+  struct stat found {};
+  return ::fstat(CUPS_SC_FD, &found) == 0 && S_ISSOCK(found.st_mode) ? CUPS_SC_FD : -1;
+}
+
+}  // namespace
+
+SideChannel::SideChannel(const PrinterState& state, std::string deviceId)
+    : state_(state), deviceId_(std::move(deviceId)), descriptor_(channelIfGiven()) {}
+
+bool SideChannel::serve() {
+  cups_sc_command_t command = CUPS_SC_CMD_NONE;
+  cups_sc_status_t status = CUPS_SC_STATUS_NONE;
+  std::array<char, longestMessage> data{};
+  int length = longestMessage;
+  if (cupsSideChannelRead(&command, &status, data.data(), &length, 0.0) != 0) {
+    return false;
+  }
+  answer(command);
+  return true;
+}
+
+void SideChannel::answer(cups_sc_command_t command) {
+  switch (command) {
+    case CUPS_SC_CMD_DRAIN_OUTPUT:
+      isDrainOwed_ = true;
+      answerOwed();
+      return;
+    case CUPS_SC_CMD_GET_BIDI:
+      return write(command, CUPS_SC_STATUS_OK, {CUPS_SC_BIDI_SUPPORTED});
+    case CUPS_SC_CMD_GET_DEVICE_ID:
+      return write(command, CUPS_SC_STATUS_OK, deviceId_);
+    case CUPS_SC_CMD_GET_STATE:
+      if (const auto status = state_.status()) {
+        return write(command, CUPS_SC_STATUS_OK, {stateBitsOf(*status)});
+      }
+      return write(command, CUPS_SC_STATUS_NO_RESPONSE);
+    default:
+      return write(command, CUPS_SC_STATUS_NOT_IMPLEMENTED);
+  }
+}
+
+void SideChannel::answerOwed() {
+  if (!isDrainOwed_ || state_.data() == PrinterState::Data::Collected) {
+    return;
+  }
+  isDrainOwed_ = false;
+  write(CUPS_SC_CMD_DRAIN_OUTPUT,
+        state_.data() == PrinterState::Data::Printed ? CUPS_SC_STATUS_OK : CUPS_SC_STATUS_IO_ERROR);
+}
+
+void SideChannel::write(cups_sc_command_t command, cups_sc_status_t status,
+                        const std::string& data) {
+  cupsSideChannelWrite(command, status, data.data(), static_cast<int>(data.size()), answerSeconds);
+}
+
+char stateBitsOf(const QuorPrinterStatus_2& status) {
+  int bits = status.offline != 0 ? CUPS_SC_STATE_OFFLINE : CUPS_SC_STATE_ONLINE;
+  if (!errorsIn(status).empty()) {
+    bits |= CUPS_SC_STATE_ERROR;
+  }
+  if (status.receiptPaperNearEmptyInner != 0 || status.receiptPaperNearEmptyOuter != 0) {
+    bits |= CUPS_SC_STATE_MEDIA_LOW;
+  }
+  if (status.receiptPaperEmpty != 0) {
+    bits |= CUPS_SC_STATE_MEDIA_EMPTY;
+  }
+  return static_cast<char>(bits);
+}
+
+}  // namespace quordalvane::cups

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <set>
+#include <string>
+
+#include <quordalvane/QuorIOPort.h>
+
+namespace quordalvane::cups {
+
+/// Keywords of the print system for the state of a printer.
+using StateReasons = std::set<std::string>;
+
+/// The printer cannot be reached or does not answer.
+inline const StateReasons outOfReach = {"offline-report"};
+
+/// Nobody knows whether the last job is on paper.
+inline const StateReasons unconfirmedJob = {"quor-unconfirmed-warning"};
+
+/// The keywords for what the status reports.
+StateReasons reasonsIn(const QuorPrinterStatus_2& status);
+
+/// All keywords that this back end may have set, in this process or in one before it.
+const StateReasons& everyReason();
+
+}  // namespace quordalvane::cups

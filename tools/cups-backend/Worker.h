@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+
+#include "tools/cups-backend/BackEndJob.h"
+#include "tools/cups-backend/DeviceUri.h"
+#include "tools/cups-backend/ExitCode.h"
+
+namespace quordalvane::cups {
+
+/// Prints the job, in a process of its own whose first thread this is. SIGTERM cuts the job off
+/// within a second. `onConfirmed` is called as soon as all of it is on paper.
+ExitCode work(const BackEndJob& job, const DeviceUri& uri,
+              std::optional<std::int64_t> schedulerStart, const std::function<void()>& onConfirmed);
+
+}  // namespace quordalvane::cups
