@@ -82,8 +82,8 @@ TEST_F(RotatingFileTest, MovesNoFileAfterAFreeNumber) {
 
 TEST_F(RotatingFileTest, KeepsNoOldFileIfZeroAreWanted) {
   RotatingFile file(path_, {.maximumBytes = 4, .keptFiles = 0});
-  put(file, {"aaa\n", "bbb\n"});
-  EXPECT_EQ(contents(), "bbb\n");
+  put(file, {"aaa\n", "bbb\n", "ccc\n"});
+  EXPECT_EQ(contents(), "ccc\n");
   EXPECT_FALSE(exists(".1"));
 }
 
