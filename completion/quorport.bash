@@ -1,40 +1,50 @@
-# Completion of quorport for bash; needs the package bash-completion, which loads it.
+# Completion of quorport for bash; needs the package bash-completion, which loads it. It reads the help of the
+# command, and so offers the commands, options and values that the command itself takes.
 
+# Reads a help text and writes its options, a line each: short form, long form, type of the value ("-" if there
+# is none), description.
 _quorport_options() {
-  local global="--device --port-name --settings --timeout --emulation --log --log-level --json --help"
+  awk '
+    /^[^ ]/ { isOption = /^Options:/ }
+    isOption && match($0, /^  (-.,)?--[a-z-]+/) {
+      names = substr($0, 3, RLENGTH - 2)
+      rest = substr($0, RLENGTH + 1)
+      type = match(rest, /^ [^ ]*[^ :]( |$)/) ? substr(rest, 2, RLENGTH - 1) : "-"
+      sub(/ $/, "", type)
+      print (names ~ /,/ ? substr(names, 1, 2) : "-"), substr(names, index(names, "--")), type, rest
+    }'
+}
+
+# The values of an option of that type and description, as far as the help lists them.
+_quorport_values() {
   case $1 in
-    "") echo "$global --version" ;;
-    status) echo "$global --level --verbose" ;;
-    print) echo "$global --proof --unchecked --end-timeout --hold-print-timeout --receipt --job --journal --again --text --image --width --codepage --ordered --cut --drawer --drawer-after" ;;
-    jobs) echo "$global --journal --forget --older-than" ;;
-    monitor) echo "$global --interval --count" ;;
-    doctor) echo "$global --bundle" ;;
-    simulate) echo "$global --listen --set --receipts --per --strict --control" ;;
-    *) echo "$global" ;;
+    *"|"*) echo "${1//|/ }" ;;
+    *) grep -oE '([a-z0-9-]+, )+[a-z0-9-]+ or [a-z0-9-]+' <<< "$2" | head -1 | sed 's/,//g; s/ or / /' ;;
   esac
 }
 
-# The command among the words given: the first that is neither an option nor an option's value.
+# The command among the words after a program whose general help is $1: the first that is neither an option nor
+# an option's value.
 _quorport_command() {
-  local word takes_value=
+  local word takes_value= with_value
+  with_value=" $(_quorport_options <<< "$1" | awk '$3 != "-" { print $1, $2 }' | tr '\n' ' ')"
+  shift
   for word; do
-    case $takes_value$word in
-      -[dpste] | --device | --port-name | --settings | --timeout | --emulation | --log | --log-level)
-        takes_value=value:
-        ;;
-      value:*) takes_value= ;;
-      -*) ;;
-      *)
-        echo "$word"
-        return
-        ;;
-    esac
+    if [[ $takes_value ]]; then
+      takes_value=
+    elif [[ $word != -* ]]; then
+      echo "$word"
+      return
+    elif [[ $with_value == *" $word "* ]]; then
+      takes_value=yes
+    fi
   done
 }
 
 # The keys of a printer's state and of its faults.
 _quorport_settings="
-  firmware= dip1= dip2= speed= buffer= presenterState= connectedInterface= paper= proofs= lineMode= maker=
+  firmware= dip1= dip2= speed= buffer= presenterState= connectedInterface= paper= proofs= lineMode=
+  codePages= multiByte= utf8= maker=
   modelName= serialNumber= modelId= typeId= profile= coverOpen= offline= compulsionSwitch= overTemp=
   unrecoverableError= cutterError= mechError= headThermistorError= receiveBufferOverflow=
   pageModeCmdError= paperDetectionError= blackMarkError= jamError= presenterPaperJamError= headUpError=
@@ -54,33 +64,37 @@ _quorport_offer() {
 }
 
 _quorport() {
-  local commands="find list status online print jobs cancel firmware dipswitch button-security disconnect monitor doctor simulate help"
-  local cur prev words cword split command
+  local cur prev words cword split command general own short long type text
   # A colon or an equals sign is part of a word here; of --option=value the value is completed.
   _init_completion -s -n := || return
-  command=$(_quorport_command "${words[@]:1:cword-1}")
-  case $prev in
-    -d | --device) _quorport_offer "virtual: tcp: unix: serial: usb: bluetooth:" ;;
-    --listen) _quorport_offer "tcp: unix: pty:" ;;
-    --set) _quorport_offer "$_quorport_settings" ;;
-    --proof) mapfile -t COMPREPLY < <(compgen -W "auto block process-id in-order none" -- "$cur") ;;
-    --width) mapfile -t COMPREPLY < <(compgen -W "384 512 576 832" -- "$cur") ;;
-    --drawer) mapfile -t COMPREPLY < <(compgen -W "1 2" -- "$cur") ;;
-    -e | --emulation) mapfile -t COMPREPLY < <(compgen -W "line escpos unknown" -- "$cur") ;;
-    --log | --receipt | --bundle | --journal) _filedir ;;
-    --receipts) _filedir -d ;;
-    -[pst] | --port-name | --settings | --timeout | --log-level) ;;
-    --level | --end-timeout | --hold-print-timeout | --control | --interval | --count | --codepage | --job | --forget | --older-than) ;;
-    *)
-      if [[ $cur == -* ]]; then
-        mapfile -t COMPREPLY < <(compgen -W "$(_quorport_options "$command")" -- "$cur")
-      elif [[ ! $command ]]; then
-        mapfile -t COMPREPLY < <(compgen -W "$commands" -- "$cur")
-      elif [[ $command == print ]]; then
-        _filedir
-      fi
-      ;;
-  esac
+  general=$("$1" --help 2> /dev/null)
+  command=$(_quorport_command "$general" "${words[@]:1:cword-1}")
+  own=$([[ ! $command ]] || "$1" "$command" --help 2> /dev/null)
+  while read -r short long type text; do
+    [[ $prev == "$short" || $prev == "$long" ]] && [[ $type != - ]] || continue
+    case $type in
+      FILE*) _filedir ;;
+      FOLDER) _filedir -d ;;
+      KEY=VALUE) _quorport_offer "$_quorport_settings" ;;
+      SPEC)
+        if [[ $long == --device ]]; then
+          _quorport_offer "$(sed -n '/^A SPEC is/,/^Every/s/^  \([a-z]*:\).*/\1/p' <<< "$general" | sort -u)"
+        else
+          _quorport_offer "$(grep -oE '\b[a-z]+:' <<< "$text" | awk '!seen[$0]++')"
+        fi
+        ;;
+      *) _quorport_offer "$(_quorport_values "$type" "$text")" ;;
+    esac
+    return
+  done < <(_quorport_options <<< "$general"$'\n'"$own")
+  if [[ $cur == -* ]]; then
+    _quorport_offer "$(_quorport_options <<< "$general"$'\n'"$own" | awk -v isCommand="$command" \
+      '!seen[$2]++ && (isCommand == "" || $2 != "--version") { print $2 }')"
+  elif [[ ! $command ]]; then
+    _quorport_offer "$(awk '/^[^ ]/ { isCommand = /^Commands:/; next } isCommand { print $1 }' <<< "$general")"
+  elif [[ $own == *"[OPTIONS] FILE"* ]]; then
+    _filedir
+  fi
 }
 
 complete -F _quorport quorport

@@ -6,7 +6,7 @@ build_packages=(cmake ninja-build g++ pkg-config libgtest-dev libgmock-dev libcl
   nlohmann-json3-dev libcairo2-dev libfontconfig-dev libjpeg-dev libpango1.0-dev libsdbus-c++-dev
   libsqlite3-dev libzint-dev nettle-dev zlib1g-dev)
 demo_packages=(fonts-dejavu-core python3)
-test_packages=(bash-completion dbus-daemon fonts-dejavu-core groff-base python3)
+test_packages=(bash-completion dbus-daemon fonts-dejavu-core groff-base python3 zsh)
 check_packages=(clang clang-format clang-tidy doxygen gobjc libgnustep-base-dev python3)
 docs_packages=(doxygen)
 package_packages=(build-essential debhelper dh-python libcups2-dev lintian pybuild-plugin-pyproject python3-all

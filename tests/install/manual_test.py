@@ -1,5 +1,6 @@
-"""The manual page and the completions agree with the command's own help."""
+"""The manual page and the completions agree with the command's help."""
 
+import os
 import re
 import subprocess
 import unittest
@@ -11,6 +12,7 @@ SHARE = Path(QUORPORT).parent.parent / "share"
 MANUAL = SHARE / "man/man1/quorport.1"
 BASH = SHARE / "bash-completion/completions/quorport"
 ZSH = SHARE / "zsh/vendor-completions/_quorport"
+IN_PATH = f"PATH={Path(QUORPORT).parent}:{os.environ['PATH']}"  # the completions ask the command
 
 
 def help_of(*command: str) -> str:
@@ -60,7 +62,7 @@ class Manual(ProgramTest):
         listed = re.findall(r'FaultKind::\w+, "([\w-]+)"', (SOURCES / "simulator/Faults.cpp").read_text())
         self.assertGreater(len(listed), 10)
         text = " ".join(self.text().split())
-        told = re.search(r"And it takes faults: (.*?), which brings", text).group(1)
+        told = re.search(r"And it takes faults: (.*?), which causes", text).group(1)
         self.assertEqual(sorted(re.split(r", and |, | and ", told)), sorted([*listed, "seed"]))
 
     def test_it_names_every_exit_status(self):
@@ -75,7 +77,7 @@ class Manual(ProgramTest):
 class BashCompletion(ProgramTest):
     def offered(self, line: str) -> list[str]:
         script = SOURCES / "tests/install/complete.bash"
-        result = self.run_program("bash", script, BASH, line)
+        result = self.run_program("env", IN_PATH, "bash", script, BASH, line)
         self.assertEqual(result.stderr, "")
         return result.stdout.split()
 
@@ -91,8 +93,10 @@ class BashCompletion(ProgramTest):
             expected = top - {"--version"} | options(help_of(command))
             self.assertEqual(set(self.offered(f"quorport {command} --")), expected, command)
 
-    def test_it_offers_the_emulations(self):
+    def test_it_offers_the_values_that_the_help_lists(self):
         self.assertEqual(self.offered("quorport -e "), ["line", "escpos", "unknown"])
+        self.assertEqual(self.offered("quorport print --proof "), ["auto", "block", "process-id", "in-order", "none"])
+        self.assertEqual(self.offered("quorport simulate --per "), ["cut", "job", "connection"])
 
     def test_it_offers_the_schemes_of_devices(self):
         for option in ("-d ", "--device ", "--device="):
@@ -113,17 +117,31 @@ class BashCompletion(ProgramTest):
 
 
 class ZshCompletion(ProgramTest):
-    def test_it_knows_every_command_and_every_option_and_no_others(self):
-        text = ZSH.read_text()
-        self.assertEqual(set(re.findall(r"--[a-z][a-z-]*", text)), all_options())
-        listed = text.partition("commands=(")[2].partition("\n  )")[0]
-        self.assertEqual(re.findall(r"'([\w-]+):", listed), commands())
+    def specifications(self, *command: str) -> list[str]:
+        script = SOURCES / "tests/install/complete.zsh"
+        result = self.run_program("env", IN_PATH, "zsh", "-f", script, ZSH, *command)
+        self.assertEqual(result.stderr, "")
+        return result.stdout.splitlines()
 
-    def test_it_knows_the_schemes_of_devices_and_the_settings_of_a_served_printer(self):
-        text = ZSH.read_text()
-        listed = re.search(r":device:\((.*?)\)", text).group(1)
-        self.assertEqual(sorted(listed.replace("\\", "").split()), schemes())
-        self.assertEqual(sorted(text.partition('settings="')[2].partition('"')[0].split()), settings())
+    def values(self, option: str, *command: str) -> list[str]:
+        found, = (line for line in self.specifications(*command) if line.startswith(f"*{option}=["))
+        return re.search(r":\((.*)\)$", found).group(1).replace("\\", "").split()
+
+    def test_it_offers_the_commands(self):
+        self.assertEqual([line.partition(":")[0] for line in self.specifications()], commands())
+
+    def test_it_offers_each_command_its_options(self):
+        top = options(help_of())
+        for command in commands():
+            offered = set(re.findall(r"(?m)^\*?(--[a-z-]+)", "\n".join(self.specifications(command))))
+            self.assertEqual(offered, top - {"--version"} | options(help_of(command)), command)
+
+    def test_it_offers_values(self):
+        self.assertEqual(sorted(self.values("--device", "list")), schemes())
+        self.assertEqual(self.values("--emulation", "list"), ["line", "escpos", "unknown"])
+        self.assertEqual(self.values("--proof", "print"), ["auto", "block", "process-id", "in-order", "none"])
+        self.assertEqual(self.values("--listen", "simulate"), ["tcp:", "unix:", "pty:"])
+        self.assertEqual(sorted(self.values("--set", "simulate")), settings())
 
 
 if __name__ == "__main__":
