@@ -62,4 +62,9 @@ std::error_code lastOpenErrorCode(EAAccessory& accessory) {
   return link != nullptr ? link->lastErrorCode() : std::error_code();
 }
 
+std::string portState(EAAccessory& accessory) {
+  auto* const link = dynamic_cast<posix::LinkAccessory*>(&accessory);
+  return link != nullptr ? link->portState() : "";
+}
+
 }  // namespace quordalvane

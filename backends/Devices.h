@@ -46,4 +46,9 @@ QUOR_EXPORT std::string lastOpenError(EAAccessory& accessory);
 /// that another program uses the device.
 QUOR_EXPORT std::error_code lastOpenErrorCode(EAAccessory& accessory);
 
+/// What keeps the printer of the open session on `accessory` from printing, as far as its USB port
+/// reports it without an answer of the printer, as a text for people: "paper out" for example. ""
+/// if it reports nothing, without an open session, and for all other devices.
+QUOR_EXPORT std::string portState(EAAccessory& accessory);
+
 }  // namespace quordalvane

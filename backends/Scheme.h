@@ -88,10 +88,6 @@ struct Scheme {
   /// The file that is opened for the device; "" if it cannot be known now. Null if there is none.
   std::string (*fileOf)(const DeviceSpec& spec) = nullptr;
 
-  /// The state that the device's port reports if the printer itself answers nothing, for people; ""
-  /// if it reports none. Null if such ports report nothing.
-  std::string (*stateOf)(const DeviceSpec& spec) = nullptr;
-
   /// The ways in which such a device may be set, the one of `spec` first. Null if there is one way.
   std::vector<SchemeVariant> (*variants)(const DeviceSpec& spec) = nullptr;
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <ctime>
 
 namespace quordalvane::posix {
 
@@ -24,6 +25,14 @@ inline SteadyTime deadlineIn(double seconds) {
 inline double secondsUntil(SteadyTime deadline) {
   const std::chrono::duration<double> left = deadline - SteadyClock::now();
   return std::max(left.count(), 0.0);
+}
+
+/// The same for a call of the system.
+inline timespec timeLeft(SteadyTime deadline) {
+  using namespace std::chrono;
+  const auto left = std::max(deadline - SteadyClock::now(), SteadyClock::duration::zero());
+  const auto whole = duration_cast<seconds>(left);
+  return {.tv_sec = whole.count(), .tv_nsec = nanoseconds(left - whole).count()};
 }
 
 }  // namespace quordalvane::posix

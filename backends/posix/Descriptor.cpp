@@ -1,5 +1,6 @@
 #include "backends/posix/Descriptor.h"
 
+#include <linux/lp.h>
 #include <linux/sockios.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
@@ -24,13 +25,6 @@ bool makePatient(int socket) {
   return ::setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit) == 0;
 }
 
-timespec timeLeft(SteadyTime deadline) {
-  using namespace std::chrono;
-  const auto left = std::max(deadline - SteadyClock::now(), SteadyClock::duration::zero());
-  const auto whole = duration_cast<seconds>(left);
-  return {.tv_sec = whole.count(), .tv_nsec = nanoseconds(left - whole).count()};
-}
-
 // Calls `transfer` until something other than a signal ends it.
 template <typename Transfer>
 std::ptrdiff_t uninterrupted(Transfer transfer) {
@@ -39,6 +33,19 @@ std::ptrdiff_t uninterrupted(Transfer transfer) {
     count = transfer();
   }
   return count;
+}
+
+bool isUsb(Descriptor::Kind kind) {
+  return kind == Descriptor::Kind::UsbPrinter || kind == Descriptor::Kind::MuteUsbPrinter;
+}
+
+std::string inWords(int portStatus) {
+  if ((portStatus & LP_POUTPA) != 0) {
+    return "paper out";
+  }
+  return (portStatus & LP_PERRORP) == 0   ? "error"
+         : (portStatus & LP_PSELECD) == 0 ? "off line"
+                                          : "";
 }
 
 }  // namespace
@@ -102,14 +109,19 @@ std::ptrdiff_t Descriptor::receiveUntil(std::uint8_t* buffer, std::size_t maxLen
 }
 
 std::ptrdiff_t Descriptor::send(const std::uint8_t* bytes, std::size_t length) const {
+  if (isUsb(kind_) && (pollUntil(0, SteadyTime{}) & POLLHUP) != 0) {
+    errno = ENODEV;  // pulled before anything was handed over
+    return -1;
+  }
   const std::ptrdiff_t count = uninterrupted([&] {
     return isSocket() ? ::send(number_, bytes, length, MSG_DONTWAIT | MSG_NOSIGNAL)
                       : ::write(number_, bytes, length);
   });
-  const bool isUsb = kind_ == Kind::UsbPrinter || kind_ == Kind::MuteUsbPrinter;
-  // The driver reports a transfer that broke off as if nothing had been sent. The printer may have
-  // got any part of it, so all of it counts as taken; the next call fails.
-  return count < 0 && errno == EIO && isUsb ? static_cast<std::ptrdiff_t>(length) : count;
+  // The driver reports a transfer that broke off as if nothing had been sent: with EIO, or with
+  // ENODEV if it has noticed by then that the printer is gone. The printer may have got any part of
+  // it, so all of it counts as taken; the next call fails.
+  const bool brokeOff = isUsb(kind_) && count < 0 && (errno == EIO || errno == ENODEV);
+  return brokeOff ? static_cast<std::ptrdiff_t>(length) : count;
 }
 
 short Descriptor::pollUntil(short events, SteadyTime deadline) const {
@@ -130,7 +142,7 @@ short Descriptor::pollUntil(short events, SteadyTime deadline) const {
 }
 
 bool Descriptor::hasUnderWay() const {
-  if (kind_ == Kind::UsbPrinter || kind_ == Kind::MuteUsbPrinter) {
+  if (isUsb(kind_)) {
     return pollUntil(POLLOUT, SteadyTime{}) == 0;
   }
   return isSocket() && outputCount() != idleOutputCount_;
@@ -152,6 +164,19 @@ std::chrono::milliseconds Descriptor::silence() const {
   // them grow to two minutes.
   const bool askedInVain = info.tcpi_retransmits + info.tcpi_probes > 1;
   return std::chrono::milliseconds(askedInVain ? info.tcpi_last_ack_recv : 0);
+}
+
+std::string Descriptor::portState() const {
+  int status = 0;
+  if (!isUsb(kind_) || ::ioctl(number_, LPGETSTATUS, &status) != 0) {
+    return "";
+  }
+  const std::string state = inWords(status);
+  if (kind_ == Kind::UsbPrinter) {
+    return state;
+  }
+  return (state.empty() ? "" : state + "; ") +
+         "it takes bytes and has no way to answer, so nothing can be proved";
 }
 
 void Descriptor::endOutput() const {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 #include "backends/posix/Deadline.h"
 
@@ -49,7 +50,8 @@ class Descriptor {
                               SteadyTime deadline) const;
 
   /// Hands over at most `length` bytes and raises no signal. Returns the count, which may be fewer,
-  /// or -1 with `errno` set: EAGAIN if there is no space now.
+  /// or -1 with `errno` set: EAGAIN if there is no space now. It never fails if a part of the bytes
+  /// may have arrived.
   std::ptrdiff_t send(const std::uint8_t* bytes, std::size_t length) const;
 
   /// Whether the input is empty after a `receive` that filled less than its buffer.
@@ -68,6 +70,10 @@ class Descriptor {
   /// the bytes under way. Zero while it acknowledges that it has no space, and if the kind cannot
   /// report it.
   std::chrono::milliseconds silence() const;
+
+  /// What keeps a USB printer from printing as far as its port reports it, for people: "paper out"
+  /// for example. "" if it reports nothing, and for the other kinds.
+  std::string portState() const;
 
   /// Tells the other side that no more bytes follow, if the kind allows it.
   void endOutput() const;

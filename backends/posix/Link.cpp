@@ -188,6 +188,11 @@ void Link::waitForSpace(double seconds) {
   }
 }
 
+std::string Link::portState() {
+  const std::lock_guard lock(mutex_);
+  return descriptor_ ? descriptor_->portState() : "";
+}
+
 // Looks for bytes in the input, unless that is known or a wait is about to find it out.
 void Link::look() {
   const bool known = unread() > 0 || ended_ || !descriptor_ || beingWaited_;

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <string>
 
 #include "backends/ReplyExpectation.h"
 #include "backends/posix/Descriptor.h"
@@ -78,6 +79,9 @@ class Link {
 
   /// Blocks until there is space, the link is lost or `seconds` have passed.
   void waitForSpace(double seconds);
+
+  /// What the device's port reports, see `Descriptor::portState`; "" after `release`.
+  std::string portState();
 
  private:
   std::size_t unread() const { return end_ - next_; }

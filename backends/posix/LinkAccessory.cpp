@@ -52,6 +52,11 @@ std::error_code LinkAccessory::lastErrorCode() {
   return lastErrorCode_;
 }
 
+std::string LinkAccessory::portState() {
+  const std::lock_guard lock(mutex_);
+  return newest_ ? newest_->portState() : "";
+}
+
 std::shared_ptr<EASession> LinkAccessory::failed(std::string why, std::error_code code) {
   const std::lock_guard lock(mutex_);
   lastError_ = std::move(why);

@@ -36,6 +36,10 @@ class LinkAccessory : public IdentifiedAccessory {
   /// The code of the same, if the reason has one; otherwise 0.
   virtual std::error_code lastErrorCode();
 
+  /// What keeps the device of the newest session from printing, as its port reports it, for people;
+  /// "" if it reports nothing or the session has ended.
+  std::string portState();
+
  private:
   std::shared_ptr<EASession> failed(std::string why, std::error_code code = {});
 

@@ -1,8 +1,6 @@
 #include "backends/posix/UsbAccessory.h"
 
 #include <fcntl.h>
-#include <linux/lp.h>
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -13,10 +11,6 @@
 
 namespace quordalvane::posix {
 namespace {
-
-Descriptor::Kind kindOf(const UsbPrinter& printer) {
-  return printer.answers ? Descriptor::Kind::UsbPrinter : Descriptor::Kind::MuteUsbPrinter;
-}
 
 std::optional<std::string> ifAny(const std::string& text) {
   return text.empty() ? std::nullopt : std::optional(text);
@@ -38,23 +32,13 @@ Descriptor openUsbPrinter(const UsbPrinter& printer) {
     const std::string holder = error == EBUSY ? ": in use by " + holderInWords(node) : "";
     throw std::system_error(error, std::generic_category(), node + holder);
   }
-  return {number, kindOf(printer)};
+  return {number, usbKindOf(number)};
 }
 
-std::string usbPortState(const UsbPrinter& printer) {
-  const int number = ::open(printer.node.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-  if (number < 0) {
-    return "";
-  }
-  const Descriptor opened(number, kindOf(printer));
-  int status = 0;
-  if (::ioctl(number, LPGETSTATUS, &status) != 0) {
-    return "";
-  }
-  if ((status & LP_POUTPA) != 0) {
-    return "paper out";
-  }
-  return (status & LP_PERRORP) == 0 ? "error" : (status & LP_PSELECD) == 0 ? "off line" : "";
+Descriptor::Kind usbKindOf(int number) {
+  std::uint8_t nothing = 0;
+  const bool isRefused = ::read(number, &nothing, 0) < 0 && errno == EINVAL;
+  return isRefused ? Descriptor::Kind::MuteUsbPrinter : Descriptor::Kind::UsbPrinter;
 }
 
 UsbAccessory::UsbAccessory(AccessoryIdentity identity, std::string place, UsbRoots roots)
@@ -83,10 +67,6 @@ std::optional<std::string> UsbAccessory::modelNumber() {
 
 std::vector<std::string> UsbAccessory::protocolStrings() {
   return seek() ? LinkAccessory::protocolStrings() : std::vector<std::string>();
-}
-
-bool UsbAccessory::isConnected() {
-  return LinkAccessory::isConnected() && seek();
 }
 
 std::string UsbAccessory::lastError() {

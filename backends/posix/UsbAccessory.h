@@ -14,9 +14,9 @@ namespace quordalvane::posix {
 /// program has it.
 Descriptor openUsbPrinter(const UsbPrinter& printer);
 
-/// The state that the printer's USB port reports, for people: "paper out" for example. "" if it
-/// reports nothing wrong or cannot be asked. Briefly opens the node.
-std::string usbPortState(const UsbPrinter& printer);
+/// Whether the printer at the open node answers. The driver refuses each read of one that has no
+/// way to answer, or is known to answer badly.
+Descriptor::Kind usbKindOf(int number);
 
 /// A USB printer that may be plugged in and pulled at any time. While it is not plugged in it
 /// announces no protocol, so that a port passes it over. Its name, model and serial number are
@@ -34,7 +34,6 @@ class UsbAccessory : public LinkAccessory {
   std::optional<std::string> serialNumber() override;
   std::optional<std::string> modelNumber() override;
   std::vector<std::string> protocolStrings() override;
-  bool isConnected() override;
 
   /// Also why the printer cannot be found, if it is not plugged in now.
   std::string lastError() override;

@@ -4,7 +4,7 @@
 #include <fstream>
 #include <map>
 
-#include "backends/SpecText.h"
+#include "backends/posix/Holders.h"
 
 namespace quordalvane::posix {
 namespace {
@@ -24,7 +24,9 @@ class UsbCategory : public std::error_category {
       case UsbError::NoDriver:
         return "the driver usblp is not loaded";
       case UsbError::HeldByPrintSystem:
-        return "in use by another program, which has taken it from the driver usblp";
+        return "it was taken from the driver usblp";
+      case UsbError::TakenFromDriver:
+        return "it was taken from the driver usblp and not given back";
       case UsbError::DroppedByHub:
         return "a hub has switched its power off";
     }
@@ -108,7 +110,6 @@ UsbPrinter printerAt(const fs::path& entry, const UsbRoots& roots) {
   }
   printer.maker = either(fields, "MFG", "MANUFACTURER");
   printer.model = either(fields, "MDL", "MODEL");
-  printer.answers = contentOf(interface / "bInterfaceProtocol") != "01";
   return printer;
 }
 
@@ -146,6 +147,15 @@ bool isChosen(const UsbPrinter& printer, std::string_view place) {
   return place.empty() || isOfModel || printer.serial == place;
 }
 
+// As it is written in a device text.
+std::string escaped(const std::string& place) {
+  std::string text;
+  for (const char letter : place) {
+    text += letter == ',' || letter == '\\' ? std::string{'\\', letter} : std::string(1, letter);
+  }
+  return text;
+}
+
 std::string listed(const std::vector<UsbPrinter>& printers) {
   std::string text;
   for (const UsbPrinter& printer : printers) {
@@ -155,23 +165,35 @@ std::string listed(const std::vector<UsbPrinter>& printers) {
   return text;
 }
 
-// Whether a printer is plugged in that the driver does not serve, and why.
-std::optional<UsbError> unservedPrinter(const UsbRoots& roots) {
+// The node by which programs reach a USB device without a driver: "/dev/bus/usb/001/004".
+fs::path ownNodeOf(const fs::path& device, const UsbRoots& roots) {
+  const auto number = [&device](const char* file) {
+    const std::string text = contentOf(device / file);
+    return std::string(3 - std::min<std::size_t>(text.size(), 3), '0') + text;
+  };
+  return roots.dev / "bus/usb" / number("busnum") / number("devnum");
+}
+
+// Throws the reason if a printer is plugged in that the driver does not serve.
+void failIfUnserved(const std::string& wanted, const UsbRoots& roots) {
   constexpr std::string_view printerClass = "07";
+  constexpr std::string_view networkPrinting = "04";  // a protocol that the driver leaves to others
   for (const fs::path& entry : entriesOf(roots.sys / "bus/usb/devices")) {
-    if (contentOf(entry / "bInterfaceClass") != printerClass) {
+    if (contentOf(entry / "bInterfaceClass") != printerClass ||
+        contentOf(entry / "bInterfaceProtocol") == networkPrinting) {
       continue;
     }
     std::error_code error;
     const auto driver = fs::read_symlink(entry / "driver", error).filename();
     if (driver == "usbfs") {
-      return UsbError::HeldByPrintSystem;
+      const fs::path node = ownNodeOf(fs::canonical(entry, error).parent_path(), roots);
+      fail(UsbError::HeldByPrintSystem, wanted + ": in use by " + holderInWords(node));
     }
-    if (driver.empty() && !fs::exists(roots.sys / "module/usblp", error)) {
-      return UsbError::NoDriver;
+    if (driver.empty()) {
+      const bool isLoaded = fs::exists(roots.sys / "module/usblp", error);
+      fail(isLoaded ? UsbError::TakenFromDriver : UsbError::NoDriver, wanted);
     }
   }
-  return std::nullopt;
 }
 
 // A hub's ports lie below its interface and count how often they switched the power off.
@@ -190,9 +212,7 @@ bool hasHubDroppedOne(const UsbRoots& roots) {
 [[noreturn]] void failNotFound(std::string_view place, const std::vector<UsbPrinter>& printers,
                                const UsbRoots& roots) {
   const std::string wanted = place.empty() ? "a USB printer" : "usb:" + std::string(place);
-  if (const auto reason = unservedPrinter(roots)) {
-    fail(*reason, wanted);
-  }
+  failIfUnserved(wanted, roots);
   if (printers.empty() && hasHubDroppedOne(roots)) {
     fail(UsbError::DroppedByHub, wanted);
   }
@@ -213,7 +233,8 @@ bool UsbPrinter::isSameDevice(const UsbPrinter& other) const {
 }
 
 std::string UsbPrinter::text() const {
-  return "usb:" + (serial.empty() ? node.string() : serial);
+  const std::string place = serial.empty() || serial.starts_with('/') ? node.string() : serial;
+  return "usb:" + escaped(place);
 }
 
 std::vector<UsbPrinter> usbPrinters(const UsbRoots& roots) {

@@ -17,13 +17,13 @@ struct UsbPrinter {
   std::string serial;          ///< "" if it reports none
   std::string maker;           ///< "" if it reports none
   std::string model;           ///< "" if it reports none
-  bool answers = true;         ///< false if its interface only takes bytes
 
   /// Whether `other` is the same device as far as its texts show. Two of one model without serial
   /// numbers are told apart by nothing but their nodes.
   bool isSameDevice(const UsbPrinter& other) const;
 
-  /// The device text that chooses this printer: by its serial number, if it has one.
+  /// The device text that chooses this printer: by its serial number, if it has one that cannot be
+  /// taken for a path.
   std::string text() const;
 };
 
@@ -33,6 +33,7 @@ enum class UsbError {
   Ambiguous,
   NoDriver,           ///< it is plugged in, and the system's driver is not loaded
   HeldByPrintSystem,  ///< a program has taken it from the driver, as the print system does
+  TakenFromDriver,    ///< a program has done so and has not given it back
   DroppedByHub,       ///< a hub has switched its power off
 };
 

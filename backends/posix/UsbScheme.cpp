@@ -25,6 +25,9 @@ constexpr OpenCause causes[] = {
     {of(UsbError::HeldByPrintSystem), "held-by-print-system",
      "another program has taken it from the driver, as the print system's USB back end does",
      "remove the printer from the print system, then unplug it and plug it in again", usbCategory},
+    {of(UsbError::TakenFromDriver), "taken-from-driver",
+     "a program has taken it from the driver usblp and not given it back",
+     "unplug it and plug it in again", usbCategory},
     {of(UsbError::DroppedByHub), "dropped-by-hub", "a hub has switched its power off",
      "plug the printer into a hub with a power supply, or into the machine itself", usbCategory},
     {ENOENT, "not-plugged-in", "it is not plugged in", "plug the printer in and switch it on"},
@@ -45,16 +48,6 @@ std::optional<std::string> placeMeantBy(std::string_view text) {
 std::string fileOf(const DeviceSpec& spec) {
   try {
     return findUsbPrinter(spec.place).node.string();
-  } catch (const std::system_error&) {
-    return "";
-  }
-}
-
-std::string stateOf(const DeviceSpec& spec) {
-  try {
-    const UsbPrinter printer = findUsbPrinter(spec.place);
-    return printer.answers ? usbPortState(printer)
-                           : "it takes bytes and has no way to answer, so nothing can be proved";
   } catch (const std::system_error&) {
     return "";
   }
@@ -84,7 +77,6 @@ constinit const Scheme usbScheme = {
     .causes = causes,
     .placeMeantBy = placeMeantBy,
     .fileOf = fileOf,
-    .stateOf = stateOf,
 };
 
 }  // namespace quordalvane::posix

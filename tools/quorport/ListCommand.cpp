@@ -12,6 +12,11 @@ Json orNull(const std::optional<std::string>& text) {
   return text ? Json(*text) : Json(nullptr);
 }
 
+// One that is not plugged in announces no protocol.
+bool isThere(EAAccessory& accessory) {
+  return !accessory.protocolStrings().empty() && accessory.isConnected();
+}
+
 Json jsonOf(EAAccessory& accessory, bool isChosen) {
   return {{"name", orNull(accessory.name())},
           {"serialNumber", orNull(accessory.serialNumber())},
@@ -19,7 +24,7 @@ Json jsonOf(EAAccessory& accessory, bool isChosen) {
           {"manufacturer", orNull(accessory.manufacturer())},
           {"protocolStrings", accessory.protocolStrings()},
           {"connectionID", accessory.connectionID()},
-          {"connected", accessory.isConnected()},
+          {"connected", isThere(accessory)},
           {"chosen", isChosen}};
 }
 

@@ -133,6 +133,9 @@ PrintResult runJob(const std::vector<std::uint8_t>& data, Printer& printer, Live
     result.reason = error.what();
     result.advice = adviceFor(result);
   }
+  if (result.outcome != PrintOutcome::Printed && !result.status) {
+    result.reason += printer.portReport();
+  }
   surroundings.interruption->end();
   line.show("closes the port");
   return result;

@@ -198,8 +198,19 @@ CommandFailure Printer::failure(const InquiryError& error) {
   if (error.cause() == InquiryCause::UnknownEmulation) {
     return {ExitCode::ExchangeFailed, error.what() + std::string(": --emulation line or escpos")};
   }
-  return {error.cause() == InquiryCause::NotReady ? ExitCode::NotReady : ExitCode::ExchangeFailed,
-          error.what()};
+  if (error.cause() == InquiryCause::NotReady) {
+    return {ExitCode::NotReady, error.what()};
+  }
+  return {ExitCode::ExchangeFailed, error.what() + portReport()};
+}
+
+std::string Printer::portReport() const {
+  for (const auto& accessory : platform_->accessories()) {
+    if (const std::string state = portState(*accessory); !state.empty()) {
+      return "; its port reports: " + state;
+    }
+  }
+  return "";
 }
 
 }  // namespace quordalvane::tool

@@ -63,6 +63,10 @@ class Printer {
   /// The CommandFailure of a question without an answer.
   CommandFailure failure(const InquiryError& error);
 
+  /// For a text about a printer that gives no answer: "; its port reports: paper out". "" if the
+  /// port reports nothing.
+  std::string portReport() const;
+
  private:
   void close();
   bool isLinkLost();

@@ -2,7 +2,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <signal.h>
+#include <sys/eventfd.h>
 #include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -85,7 +89,6 @@ TEST_F(UsbTest, APrinterIsDescribedWithoutOpeningIt) {
   EXPECT_EQ(printer.model, "XQ700");
   EXPECT_EQ(printer.serial, "S 1/7");
   EXPECT_EQ(printer.vendor + ":" + printer.product, "04b8:0202");
-  EXPECT_TRUE(printer.answers);
 }
 
 TEST_F(UsbTest, LongFieldNamesAndASerialNumberInTheTextAreRead) {
@@ -123,6 +126,15 @@ TEST_F(UsbTest, APathMayBeALinkToItsNode) {
   EXPECT_EQ(nodeOf((roots().dev / "receipts").string()), "lp1");
 }
 
+TEST_F(UsbTest, IsNamedByATextThatChoosesIt) {
+  plugIn(0, till, "a, b\\c");
+  plugIn(1, till, "/slash");
+  const auto printers = usbPrinters(roots());
+  EXPECT_EQ(printers.front().text(), "usb:a\\, b\\\\c");
+  EXPECT_EQ(printers.back().text(), "usb:" + (roots().dev / "usb/lp1").string());
+  EXPECT_EQ(nodeOf("a, b\\c"), "lp0");
+}
+
 TEST_F(UsbTest, TwoOfOneModelAreAnErrorThatNamesBoth) {
   plugIn(0, till, "A");
   plugIn(1, till, "");
@@ -143,16 +155,40 @@ TEST_F(UsbTest, NothingPluggedInIsAnErrorThatSaysSo) {
 TEST_F(UsbTest, AMissingDriverIsNamed) {
   write(roots().sys / "bus/usb/devices/1-1:1.0/bInterfaceClass", "07");
   EXPECT_EQ(reason(""), code(UsbError::NoDriver));
-  fs::create_directories(roots().sys / "module/usblp");
-  EXPECT_EQ(reason(""), code(UsbError::NotPluggedIn));
+  write(roots().sys / "bus/usb/devices/1-1:1.0/bInterfaceProtocol", "04");
+  EXPECT_EQ(reason(""), code(UsbError::NotPluggedIn)) << "the driver leaves that one to others";
 }
 
-TEST_F(UsbTest, APrinterThatAnotherProgramTookFromTheDriverIsInUse) {
-  const fs::path interface = roots().sys / "bus/usb/devices/1-1:1.0";
+TEST_F(UsbTest, APrinterThatWasNotGivenBackToTheDriverIsNamed) {
+  write(roots().sys / "bus/usb/devices/1-1:1.0/bInterfaceClass", "07");
+  fs::create_directories(roots().sys / "module/usblp");
+  EXPECT_EQ(reason(""), code(UsbError::TakenFromDriver));
+}
+
+TEST_F(UsbTest, TheProgramThatTookAPrinterFromTheDriverIsNamed) {
+  const fs::path device = roots().sys / "bus/usb/devices/1-1";
+  const fs::path interface = device / "1-1:1.0";
+  write(device / "busnum", "1");
+  write(device / "devnum", "14");
   write(interface / "bInterfaceClass", "07");
   fs::create_directory_symlink("../../drivers/usbfs", interface / "driver");
+  fs::create_directory_symlink(interface, roots().sys / "bus/usb/devices/1-1:1.0");
   EXPECT_EQ(reason(""), code(UsbError::HeldByPrintSystem));
   EXPECT_EQ(reason(""), std::errc::device_or_resource_busy);
+  const fs::path node = roots().dev / "bus/usb/001/014";
+  write(node, "");
+  const pid_t other = ::fork();
+  if (other == 0) {
+    ::open(node.c_str(), O_RDWR);
+    ::raise(SIGSTOP);
+    ::_exit(0);
+  }
+  ASSERT_EQ(::waitpid(other, nullptr, WUNTRACED), other);
+  std::string text;
+  reason("", &text);
+  ::kill(other, SIGKILL);
+  ::waitpid(other, nullptr, 0);
+  EXPECT_THAT(text, HasSubstr("(process " + std::to_string(other) + ")"));
 }
 
 TEST_F(UsbTest, AHubThatSwitchedThePowerOffIsNamed) {
@@ -183,12 +219,10 @@ TEST_F(UsbTest, TheAccessoryHasTheTextsOfThePrinterUnlessGivenOthers) {
 TEST_F(UsbTest, APrinterThatIsNotPluggedInAnnouncesNoProtocolAndSaysWhy) {
   UsbAccessory accessory({}, "S1", roots());
   EXPECT_TRUE(accessory.protocolStrings().empty());
-  EXPECT_FALSE(accessory.isConnected());
   EXPECT_EQ(accessory.lastErrorCode(), code(UsbError::NotPluggedIn));
   EXPECT_THAT(accessory.lastError(), HasSubstr("usb:S1"));
   plugIn(0, till, "S1");
   EXPECT_FALSE(accessory.protocolStrings().empty());
-  EXPECT_TRUE(accessory.isConnected());
   EXPECT_EQ(accessory.lastError(), "");
   pull(0);
   EXPECT_TRUE(accessory.protocolStrings().empty());
@@ -203,7 +237,7 @@ TEST_F(UsbTest, APrinterThatIsPluggedInAgainIsFoundByItsTextsAndNotByItsNumber) 
   EXPECT_TRUE(accessory.protocolStrings().empty());
   plugIn(1, till, "mine");
   EXPECT_EQ(accessory.serialNumber(), "mine");
-  EXPECT_TRUE(accessory.isConnected());
+  EXPECT_FALSE(accessory.protocolStrings().empty());
 }
 
 TEST_F(UsbTest, ANodeThatVanishedSinceItWasSeenIsASystemError) {
@@ -283,14 +317,37 @@ TEST(UsbLink, APrinterThatOnlyTakesBytesIsNotLostByItsSilence) {
 }
 
 TEST(UsbLink, ATransferThatBrokeOffCountsAsTakenBecauseItMayHaveArrived) {
-  const auto pulled = test::openPseudoTerminal();
-  const int line = ::open(pulled.line.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-  ::close(pulled.master);  // a write fails with EIO from now on, as that of the driver does
-  const Descriptor driver(line, Descriptor::Kind::UsbPrinter);
+  // Writing to the page at address 0 fails with EIO, as a transfer of the driver does that breaks
+  // off.
+  const Descriptor driver(::open("/proc/self/mem", O_RDWR | O_CLOEXEC),
+                          Descriptor::Kind::UsbPrinter);
   const std::uint8_t bytes[] = {1, 2, 3};
   EXPECT_EQ(driver.send(bytes, 3), 3);
+}
+
+TEST(UsbLink, NothingGoesToAPrinterThatWasPulledBefore) {
+  const auto pulled = test::openPseudoTerminal();
+  const int line = ::open(pulled.line.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+  ::close(pulled.master);  // it hangs up, as the driver does
+  const Descriptor driver(line, Descriptor::Kind::UsbPrinter);
+  const std::uint8_t bytes[] = {1, 2, 3};
+  EXPECT_EQ(driver.send(bytes, 3), -1);
+  EXPECT_EQ(errno, ENODEV);
   std::uint8_t heard = 0;
-  EXPECT_EQ(driver.receive(&heard, 1), 0) << "the end is seen by the next call";
+  EXPECT_EQ(driver.receive(&heard, 1), 0);
+}
+
+TEST(UsbLink, APrinterWhoseReadsTheDriverRefusesOnlyTakesBytes) {
+  const Descriptor refusing(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK), Descriptor::Kind::Terminal);
+  EXPECT_EQ(usbKindOf(refusing.number()), Descriptor::Kind::MuteUsbPrinter);
+  const auto terminal = test::openPseudoTerminal();
+  const Descriptor answering(terminal.master, Descriptor::Kind::Terminal);
+  EXPECT_EQ(usbKindOf(answering.number()), Descriptor::Kind::UsbPrinter);
+}
+
+TEST(UsbLink, OnlyUsbPrintersHaveAPortThatReports) {
+  const DriverLink driver(Descriptor::Kind::Socket);
+  EXPECT_EQ(driver.link->portState(), "");
 }
 
 TEST(UsbLink, HasBytesUnderWayAsLongAsTheDriverTakesNoMore) {

@@ -28,7 +28,8 @@ struct Answer {
   std::optional<Finding> notOpened;
   std::optional<QuorPrinterStatus_2> status;
   std::optional<ProofKind> proof;
-  ByteBuffer bytes;  // the first that arrived, understood or not
+  ByteBuffer bytes;        // the first that arrived, understood or not
+  std::string portReport;  // of one without a status
   bool isLinkLost = false;
 };
 
@@ -77,6 +78,7 @@ class Examination {
         }
         isLinkLost_ = isLinkLost_ || answer.isLinkLost;
         bytes_ = bytes_.empty() ? answer.bytes : bytes_;
+        portReport_ = answer.portReport;
       }
     }
     diagnosis_.findings.push_back(whyNoStatus());
@@ -132,6 +134,7 @@ class Examination {
       }
     } catch (const InquiryError& error) {
       answer.isLinkLost = error.cause() == InquiryCause::LinkLost;
+      answer.portReport = printer.portReport();
     }
     answer.bytes = inquiry.heard();
     answer.bytes.resize(std::min(answer.bytes.size(), mostBytes));
@@ -175,10 +178,7 @@ class Examination {
                             "no printer of this kind answers so: " + hexOf(bytes_),
                             std::string(scheme_.ifNotUnderstood));
     }
-    const std::string state = scheme_.stateOf == nullptr ? "" : scheme_.stateOf(spec_);
-    return failedExchange("silent",
-                          "it can be opened, and nothing answers" +
-                              (state.empty() ? "" : "; its port says: " + state),
+    return failedExchange("silent", "it can be opened, and nothing answers" + portReport_,
                           std::string(scheme_.ifSilent));
   }
 
@@ -191,6 +191,7 @@ class Examination {
   bool isLinkLost_ = false;
   bool wasOpened_ = false;  // a line may refuse some settings
   ByteBuffer bytes_;        // that arrived instead of a status
+  std::string portReport_;
 };
 
 }  // namespace
