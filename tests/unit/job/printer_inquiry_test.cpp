@@ -101,6 +101,25 @@ TEST(PrinterInquiry, HearsAPrinterOutWhoseFirstAnswerArrivesInPieces) {
   EXPECT_FALSE(asked.inquiry.isOnline());
 }
 
+TEST(PrinterInquiry, TakesNoPartOfAnAnswerForTheOnlineStateHoweverLateItArrives) {
+  // Bytes within the block look like the answers of a printer that is on line.
+  const test::Bytes head = bytes("8c 01");
+  const test::Bytes soon = bytes("12 12 12");
+  const test::Bytes late = bytes("12 12 12 12 12 12 12");
+  for (double delay = 0.2; delay < 4; delay += 0.1) {
+    Script script;
+    script.whenAsked(statusRequest, {{head, 0.0}, {soon, 0.15}, {late, delay}});
+    for (const char* const query : {"10 04 01", "10 04 02", "10 04 04"}) {
+      script.wheneverAsked(bytes(query), {{bytes("1a"), 1.9}});
+    }
+    Asked asked(script, ZKEmulationESCPOS);
+    bool isOnline = false;
+    const auto cause = causeOf([&] { isOnline = asked.inquiry.isOnline(); });
+    EXPECT_FALSE(isOnline) << delay;
+    EXPECT_EQ(cause.value_or(InquiryCause::NoAnswer), InquiryCause::NoAnswer) << delay;
+  }
+}
+
 TEST(PrinterInquiry, ReturnsTheOnlineStateInEscPos) {
   Script script;
   script.wheneverAsked(statusRequest, {{onLine, 0.0}});
