@@ -2,6 +2,13 @@
 
 import fcntl
 import os
+import pty
+import select
+import socket
+import struct
+import termios
+import threading
+import tty
 
 from harness import Case, eventually, main, run, start
 
@@ -48,6 +55,83 @@ class SerialLine(Case):
         printer = self.simulator("pty:")
         for _ in range(3):
             self.assertExit(0, run("-d", printer.place, "online"))
+
+
+class FlowPrinter:
+    """A printer on a serial line, ahead of a virtual one, that stops the flow once it has got some bytes."""
+
+    MOMENT = 0.3  # seconds; what is on its way arrives sooner
+
+    def __init__(self, place: str, hold_back):
+        self.hold_back = hold_back
+        self.received, self.held_back_after = b"", None
+        self.virtual = socket.socket(socket.AF_UNIX)
+        self.virtual.connect(place.removeprefix("unix:"))
+        self.master, self.line = pty.openpty()
+        tty.setraw(self.line)
+        self.path = os.ttyname(self.line)
+        threading.Thread(target=self.answer, daemon=True).start()
+        threading.Thread(target=self.take, daemon=True).start()
+
+    def answer(self):
+        while more := self.virtual.recv(4096):
+            os.write(self.master, more)
+
+    def take(self):
+        while self.take_some():
+            if len(self.received) > 5000 and self.held_back_after is None:
+                self.held_back_after = self.hold_back(self)
+
+    def take_some(self) -> bool:
+        try:
+            more = os.read(self.master, 512)
+        except OSError:
+            return False
+        self.received += more
+        self.virtual.sendall(more)
+        return True
+
+    def stop_by_bytes(self) -> int:
+        """Takes all that arrives until nothing does any more; after how many bytes that was."""
+        os.write(self.master, b"\x13")
+        while select.select([self.master], [], [], self.MOMENT)[0] and self.take_some():
+            pass
+        count = len(self.received)
+        os.write(self.master, b"\x11")
+        return count
+
+    def take_nothing(self) -> int:
+        """Waits until the line holds all that it can; how many bytes had been sent then."""
+        waiting, before = self.waiting(), -1
+        while waiting != before:
+            select.select([], [], [], self.MOMENT)
+            waiting, before = self.waiting(), waiting
+        return len(self.received) + waiting
+
+    def waiting(self) -> int:
+        return struct.unpack("i", fcntl.ioctl(self.master, termios.FIONREAD, bytes(4)))[0]
+
+    def close(self):
+        os.close(self.line)
+        self.virtual.close()
+
+
+class FlowControl(Case):
+    def assertPrintsAll(self, flow: str, hold_back):
+        printer = FlowPrinter(self.simulator(f"unix:{self.folder}/printer").place, hold_back)
+        self.addCleanup(printer.close)
+        job = b"".join(b"line %05d of a long receipt\n" % i for i in range(8000))
+        result = run("-d", f"serial:{printer.path},flow={flow}", "print", self.file(flow, job), "--json")
+        self.assertExit(0, result)
+        self.assertEqual(result.json()["outcome"], "printed")
+        self.assertIn(job, printer.received)
+        self.assertLess(printer.held_back_after, len(job), "the job waited for the printer")
+
+    def test_a_job_loses_nothing_on_a_printer_that_stops_the_flow_by_bytes(self):
+        self.assertPrintsAll("xonxoff", FlowPrinter.stop_by_bytes)
+
+    def test_a_job_loses_nothing_on_a_printer_that_takes_nothing_for_a_while(self):
+        self.assertPrintsAll("rtscts", FlowPrinter.take_nothing)
 
 
 if __name__ == "__main__":
