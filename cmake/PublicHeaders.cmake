@@ -8,6 +8,7 @@ set(QUOR_PUBLIC_HEADERS
   backends/HostAndPort.h
   backends/Scheme.h
   backends/Schemes.h
+  backends/posix/AccessoryNotices.h
   backends/posix/PosixPlatform.h
   iphone-IOPort/AtomicProperty.h
   iphone-IOPort/ExternalAccessoryPort.h

@@ -5,9 +5,9 @@
 #include <exception>
 #include <iostream>
 #include <string>
-#include <thread>
 
 #include "backends/Devices.h"
+#include "backends/posix/AccessoryNotices.h"
 #include "iphone-IOPort/ExternalAccessoryPort.h"
 #include "job/PrintJob.h"
 #include "journal/NamedJob.h"
@@ -37,9 +37,11 @@ NamedJobResult attempt(Journal& journal, const std::string& device, const std::s
   return named.answer() ? *named.answer() : printNow(named);
 }
 
-// A refused receipt is tried until it is sent. One that may be on paper is never sent again.
+// A refused receipt is tried until it is sent, at once if the printer is plugged in again. One that
+// may be on paper is never sent again.
 void print(Journal& journal, const std::string& device, const std::string& receipt) {
-  for (std::string last;; std::this_thread::sleep_for(std::chrono::milliseconds(500))) {
+  posix::AccessoryNotices notices;
+  for (std::string last;; notices.await(std::chrono::milliseconds(500))) {
     const NamedJobResult named = attempt(journal, device, receipt);
     const PrintResult& result = named.result;
     if (result.outcome == PrintOutcome::Printed) {

@@ -20,8 +20,10 @@ class AttachedAccessories final : public EAAccessoryManager {
       : accessories_(std::move(accessories)) {}
 
   std::vector<std::shared_ptr<EAAccessory>> connectedAccessories() override {
-    const std::lock_guard lock(mutex_);
-    return accessories_;
+    auto accessories = attached();
+    std::erase_if(accessories,
+                  [](const auto& accessory) { return accessory->protocolStrings().empty(); });
+    return accessories;
   }
 
   void attach(std::shared_ptr<EAAccessory> accessory) {
@@ -30,6 +32,11 @@ class AttachedAccessories final : public EAAccessoryManager {
   }
 
  private:
+  std::vector<std::shared_ptr<EAAccessory>> attached() {
+    const std::lock_guard lock(mutex_);
+    return accessories_;
+  }
+
   std::mutex mutex_;
   std::vector<std::shared_ptr<EAAccessory>> accessories_;
 };

@@ -23,8 +23,9 @@ class QUOR_EXPORT PosixPlatform final : public Platform {
   PosixPlatform(const PosixPlatform&) = delete;
   PosixPlatform& operator=(const PosixPlatform&) = delete;
 
-  /// Presents one more accessory, never null, after those that there are. It is never removed. May
-  /// be called from any thread.
+  /// Presents one more accessory, never null, after those that there are. It is never removed. The
+  /// list of accessories leaves it out as long as it announces no protocol, as a USB printer does
+  /// that is not plugged in. May be called from any thread.
   void attach(std::shared_ptr<EAAccessory> accessory);
 
   EAAccessoryManager& sharedAccessoryManager() override;

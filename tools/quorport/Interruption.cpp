@@ -1,8 +1,15 @@
 #include "tools/quorport/Interruption.h"
 
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
+#include <system_error>
 #include <utility>
 
+#include "backends/posix/Deadline.h"
 #include "tools/quorport/Report.h"
 
 namespace quordalvane::tool {
@@ -37,23 +44,30 @@ class InterruptibleAccessory : public ForwardingAccessory {
 }  // namespace
 
 Interruption::Interruption(Report report, GiveUp giveUp)
-    : giveUp_(std::move(giveUp)), report_(std::make_unique<Report>(std::move(report))) {}
+    : giveUp_(std::move(giveUp)),
+      wish_(::eventfd(0, EFD_CLOEXEC)),
+      report_(std::make_unique<Report>(std::move(report))) {
+  if (wish_ < 0) {
+    throw std::system_error(errno, std::generic_category(), "cannot wait for signals");
+  }
+}
 
-Interruption::~Interruption() = default;
+Interruption::~Interruption() {
+  ::close(wish_);
+}
 
 void Interruption::interrupt(ExitCode code) {
   const std::lock_guard lock(mutex_);
   code_ = code_.value_or(code);
+  ::eventfd_write(wish_, 1);
   switch (stage_) {
     case Stage::Beginning:
       giveUp();
       return;
-    case Stage::Exchange:
-      wished_.notify_all();
-      return;
     case Stage::Job:
       job_->cancel();
       return;
+    case Stage::Exchange:
     case Stage::End:
       return;
   }
@@ -123,19 +137,29 @@ void Interruption::end() {
   stage_ = Stage::End;
 }
 
-void Interruption::sleep(std::chrono::microseconds time) {
-  const auto deadline = std::chrono::steady_clock::now() + time;
-  std::unique_lock lock(mutex_);
-  if (wished_.wait_until(lock, deadline, [this] { return mustStop(); })) {
-    throw Interrupted();
+void Interruption::sleep(std::chrono::microseconds time, int noticed) {
+  const auto deadline = posix::SteadyClock::now() + time;
+  pollfd awaited[] = {{.fd = -1, .events = POLLIN, .revents = 0},
+                      {.fd = noticed, .events = POLLIN, .revents = 0}};
+  int ready = -1;
+  while (ready < 0 || awaited[0].revents != 0) {
+    awaited[0].fd = canStop() ? wish_ : -1;
+    const timespec left = posix::timeLeft(deadline);
+    ready = ::ppoll(awaited, std::size(awaited), &left, nullptr);
+    check();
   }
 }
 
 void Interruption::check() {
   const std::lock_guard lock(mutex_);
-  if (mustStop()) {
+  if (code_ && stage_ == Stage::Exchange) {
     throw Interrupted();
   }
+}
+
+bool Interruption::canStop() {
+  const std::lock_guard lock(mutex_);
+  return stage_ == Stage::Exchange;
 }
 
 InterruptiblePlatform::InterruptiblePlatform(std::shared_ptr<Interruption> interruption)

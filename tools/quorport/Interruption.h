@@ -1,7 +1,6 @@
 #pragma once
 
 #include <chrono>
-#include <condition_variable>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -35,6 +34,8 @@ class Interruption {
   /// `report` is the command's report if the wish ends it before it has one of its own.
   Interruption(Report report, GiveUp giveUp);
   ~Interruption();
+  Interruption(const Interruption&) = delete;
+  Interruption& operator=(const Interruption&) = delete;
 
   /// The wish arrives. `code` is the exit status of a command that ends by it.
   void interrupt(ExitCode code);
@@ -66,7 +67,8 @@ class Interruption {
   /// Only the steps that are always done follow: the wish has no effect any more.
   void end();
 
-  void sleep(std::chrono::microseconds time);
+  /// Also ends as soon as `noticed` is readable, if that is a descriptor.
+  void sleep(std::chrono::microseconds time, int noticed = -1);
 
   /// The same without a sleep, for a retry that never sleeps.
   void check();
@@ -74,13 +76,13 @@ class Interruption {
  private:
   enum class Stage { Beginning, Exchange, Job, End };
 
-  bool mustStop() const { return code_ && stage_ == Stage::Exchange; }
+  bool canStop();
   Report reportWithCode() const;
   void giveUp() const;
 
-  std::mutex mutex_;  // guards the members below
-  std::condition_variable wished_;
   const GiveUp giveUp_;
+  const int wish_;                  // becomes readable when the wish arrives
+  std::mutex mutex_;                // guards the members below
   std::unique_ptr<Report> report_;  // never null
   std::optional<std::string> device_;
   Stage stage_ = Stage::Beginning;

@@ -1,6 +1,8 @@
+#include <algorithm>
 #include <chrono>
 #include <optional>
 
+#include "backends/posix/AccessoryNotices.h"
 #include "job/Words.h"
 #include "logging/DescriptorOutput.h"
 #include "tools/quorport/CommandFailure.h"
@@ -68,11 +70,24 @@ class Monitor {
         report.code = now.code;
         return report;
       }
-      surroundings_.interruption->sleep(std::chrono::milliseconds(options_.monitor.interval));
+      pause();
     }
   }
 
  private:
+  // Until the next look is due, or a printer was plugged in or pulled.
+  void pause() {
+    using namespace std::chrono;
+    const auto deadline = steady_clock::now() + milliseconds(options_.monitor.interval);
+    auto now = steady_clock::now();
+    do {
+      const auto left =
+          ceil<microseconds>(std::max(deadline - now, steady_clock::duration::zero()));
+      surroundings_.interruption->sleep(left, notices_.descriptor());
+      now = steady_clock::now();
+    } while (!notices_.await({}) && now < deadline);
+  }
+
   // A port whose link is lost is closed, so that the next look opens another.
   Look look() {
     try {
@@ -137,6 +152,7 @@ class Monitor {
 
   const Options& options_;
   const Surroundings& surroundings_;
+  posix::AccessoryNotices notices_;
   const std::shared_ptr<InterruptiblePlatform> platform_;
   LiveLine line_;
   std::optional<Printer> printer_;

@@ -6,6 +6,7 @@
 
 #include "backends/posix/LinkAccessory.h"
 #include "backends/posix/PosixPlatform.h"
+#include "platform/Forwarding.h"
 
 namespace quordalvane::posix {
 namespace {
@@ -25,6 +26,27 @@ TEST(PosixPlatform, PresentsItsAccessoriesInTheOrderInWhichTheyWereAttached) {
   platform.attach(third);
   EXPECT_EQ(before, (std::vector{first, second}));
   EXPECT_EQ(manager.connectedAccessories(), (std::vector{first, second, third}));
+}
+
+TEST(PosixPlatform, LeavesOutAnAccessoryAsLongAsItAnnouncesNoProtocol) {
+  class Pulled : public ForwardingAccessory {
+   public:
+    using ForwardingAccessory::ForwardingAccessory;
+    std::vector<std::string> protocolStrings() override {
+      return isPluggedIn ? ForwardingAccessory::protocolStrings() : std::vector<std::string>();
+    }
+    bool isPluggedIn = false;
+  };
+  const auto first = accessory();
+  const auto pulled = std::make_shared<Pulled>(accessory());
+  PosixPlatform platform({first, pulled});
+  auto& manager = platform.sharedAccessoryManager();
+  EXPECT_EQ(manager.connectedAccessories(), (std::vector{first}));
+  pulled->isPluggedIn = true;
+  EXPECT_EQ(manager.connectedAccessories(),
+            (std::vector<std::shared_ptr<EAAccessory>>{first, pulled}));
+  pulled->isPluggedIn = false;
+  EXPECT_EQ(manager.connectedAccessories(), (std::vector{first}));
 }
 
 TEST(PosixPlatform, HasNoAccessoriesUnlessTheyAreGiven) {

@@ -1,0 +1,81 @@
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <string_view>
+
+#include "backends/posix/AccessoryNotices.h"
+#include "backends/posix/Descriptor.h"
+#include "tests/unit/posix/Stopwatch.h"
+
+namespace quordalvane::posix {
+namespace {
+
+using namespace std::chrono_literals;
+using namespace std::string_view_literals;
+
+constexpr auto printerIsThere =
+    "add@/devices/usb1/1-1:1.0/usbmisc/lp0\0ACTION=add\0SUBSYSTEM=usbmisc\0DEVNAME=usb/lp0\0"sv;
+constexpr auto lineIsThere = "add@/devices/ttyUSB0\0ACTION=add\0SUBSYSTEM=tty\0DEVNAME=ttyUSB0\0"sv;
+constexpr auto printerIsGone =
+    "libudev\0\xfe\xed\xca\xfe\0ACTION=remove\0SUBSYSTEM=usbmisc\0DEVNAME=/dev/usb/lp0\0"sv;
+constexpr auto diskIsThere = "add@/devices/sda\0ACTION=add\0SUBSYSTEM=block\0"sv;
+
+class Notices : public testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_EQ(::socketpair(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0, ends_), 0);
+    notices.emplace(ends_[0]);
+  }
+
+  void TearDown() override { ::close(ends_[1]); }
+
+  void say(std::string_view notice) const {
+    ASSERT_EQ(::send(ends_[1], notice.data(), notice.size(), 0),
+              static_cast<ssize_t>(notice.size()));
+  }
+
+  std::optional<AccessoryNotices> notices;
+
+ private:
+  int ends_[2] = {-1, -1};
+};
+
+TEST_F(Notices, OfPrintersAndSerialLinesEndAWaitAtOnce) {
+  for (const auto notice : {printerIsThere, lineIsThere, printerIsGone}) {
+    say(notice);
+    EXPECT_TRUE(notices->await(10s));
+    EXPECT_FALSE(notices->await(0s)) << "each is told once";
+  }
+}
+
+TEST_F(Notices, ThatArrivedBeforeTheWaitCount) {
+  say(diskIsThere);
+  say(printerIsThere);
+  say(diskIsThere);
+  EXPECT_TRUE(notices->await(0s));
+}
+
+TEST_F(Notices, OfOtherDevicesDoNotShortenAWait) {
+  say(diskIsThere);
+  say("SUBSYSTEM=usbmisc"sv);
+  say(""sv);
+  const Stopwatch watch;
+  EXPECT_FALSE(notices->await(20ms));
+  EXPECT_GE(watch.seconds(), 0.02);
+}
+
+TEST(NoNotices, LetAWaitLastItsTime) {
+  AccessoryNotices notices(-1);
+  const Stopwatch watch;
+  EXPECT_FALSE(notices.await(20ms));
+  EXPECT_GE(watch.seconds(), 0.02);
+}
+
+TEST(SystemNotices, CanBeWaitedForByAnyUser) {
+  AccessoryNotices notices;
+  notices.await(0s);
+}
+
+}  // namespace
+}  // namespace quordalvane::posix
