@@ -21,6 +21,13 @@ class LinkContract : public testing::TestWithParam<LinkKind> {
     open();
   }
 
+  // A device that stalls is waited for only by the tests of that.
+  void TearDown() override {
+    if (session) {
+      session->abandon();
+    }
+  }
+
   void open() {
     session = accessory->openSession(accessory->protocolStrings().front());
     ASSERT_NE(session, nullptr);

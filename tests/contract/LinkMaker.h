@@ -51,6 +51,7 @@ struct LinkTraits {
   bool linksAnew = true;         ///< each session has a link of its own
   bool standsSideBySide = true;  ///< a new session leaves the one before it alone
   bool knowsWhatIsOwed = true;   ///< it can say that no reply is on its way
+  bool endsForTheDevice = true;  ///< the device learns of the end of a session
 };
 
 /// One kind of link: the accessory under test and the other side of its sessions.

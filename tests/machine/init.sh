@@ -9,7 +9,7 @@ mount -t devtmpfs devtmpfs /dev
 echo "root:x:0:0::/:/bin/sh" >/etc/passwd
 echo "kiosk:x:1000:1000::/:/bin/sh" >>/etc/passwd
 printf 'root:x:0:\nlp:x:7:\nkiosk:x:1000:\n' >/etc/group
-while read -r module; do insmod "$module"; done </modules/order
+while read -r module parameter; do insmod "$module" $parameter; done </modules/order
 
 check() { # NAME CONDITION …: one case
   name=$1

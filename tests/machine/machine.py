@@ -14,7 +14,7 @@ import time
 from pathlib import Path
 
 HERE = Path(__file__).resolve().parent
-LONGEST = 300  # seconds
+LONGEST = 600  # seconds; on an idle machine a tenth of that is enough
 LIBRARY = re.compile(r"(/\S+) \(0x")
 
 
@@ -22,7 +22,8 @@ def options() -> argparse.Namespace:
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("folder", type=Path, help="the folder of the kernel and the machines")
     parser.add_argument("cases", type=Path, help="the shell script that runs in the machine")
-    parser.add_argument("--modules", nargs="+", default=[], help="modules of the kernel; those that they need are added")
+    parser.add_argument("--modules", nargs="+", default=[], metavar="NAME[:KEY=VALUE]",
+                        help="modules of the kernel, which may have a parameter; those that they need are added")
     parser.add_argument("--programs", nargs="+", default=[], metavar="NAME=PATH",
                         help="programs for /bin of the machine; their libraries are added")
     parser.add_argument("--files", nargs="+", default=[], metavar="PATH",
@@ -52,14 +53,15 @@ def kernel(folder: Path) -> Path:
     return unpacked
 
 
-def modules_in_order(unpacked: Path, names: list[str]) -> list[Path]:
+def modules_in_order(unpacked: Path, wanted: list[str]) -> dict[Path, str]:
+    """The modules and their parameters."""
     version = next((unpacked / "lib/modules").iterdir()).name
-    found: list[Path] = []
-    for name in names:
+    found: dict[Path, str] = {}
+    for text in wanted:
+        name, _, parameter = text.partition(":")
         lines = output("modprobe", "-d", str(unpacked), "-S", version, "--show-depends", name).splitlines()
         for path in (Path(line.split()[1]) for line in lines if line.startswith("insmod ")):
-            if path not in found:
-                found.append(path)
+            found.setdefault(path, parameter if path.stem.replace("-", "_") == name else "")
     return found
 
 
@@ -95,7 +97,7 @@ def file_system(machine: Path, unpacked: Path, wanted: argparse.Namespace) -> Pa
     order = modules_in_order(unpacked, wanted.modules)
     for module in order:
         install(root, module, f"modules/{module.name}")
-    (root / "modules/order").write_text("".join(f"/modules/{module.name}\n" for module in order))
+    (root / "modules/order").write_text("".join(f"/modules/{path.name} {order[path]}\n" for path in order))
     return packed(root, machine / "root.cpio")
 
 

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <thread>
+
+#include "tests/contract/LinkMaker.h"
+#include "tests/machine/gadget/UsbGadget.h"
+
+namespace quordalvane::machine {
+
+/// A printer at a USB cable for a test that reads and writes in one thread: what the printer says
+/// waits in a queue until the host has taken what it said before.
+class Cable {
+ public:
+  explicit Cable(const UsbIdentity& identity)
+      : gadget_(identity, "dummy_udc.0"), speaker_([this] { speak(); }) {}
+  ~Cable();
+  Cable(const Cable&) = delete;
+  Cable& operator=(const Cable&) = delete;
+
+  void plugIn() { gadget_.plugIn(); }
+
+  /// Also forgets what the printer has not said yet.
+  void pull();
+
+  void say(contract::Bytes bytes);
+
+  /// Takes `count` bytes from the host, or those that come before the cable is out. It is pulled
+  /// after a generous time.
+  contract::Bytes take(std::size_t count);
+
+ private:
+  contract::Bytes takeUntilPulled(std::size_t count);
+  void speak();
+
+  UsbGadget gadget_;
+  contract::Bytes taken_;  // of a packet, and not asked for yet
+  std::mutex mutex_;       // guards what follows
+  std::condition_variable changed_;
+  std::deque<contract::Bytes> unsaid_;
+  bool isOver_ = false;
+  std::thread speaker_;
+};
+
+}  // namespace quordalvane::machine

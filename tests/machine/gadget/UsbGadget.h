@@ -1,0 +1,80 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <mutex>
+#include <span>
+#include <string>
+#include <thread>
+
+namespace quordalvane::machine {
+
+/// A printer as its USB descriptors and its IEEE 1284 text show it.
+struct UsbIdentity {
+  std::string vendor = "04b8";
+  std::string product = "0202";
+  std::string serial;  ///< "" if it reports none
+  std::string id = "MFG:Quor Dalvane;CMD:ESCPOS;MDL:XQ700;CLS:PRINTER;";
+  std::uint8_t protocol = 2;       ///< 1 only takes bytes, 2 answers as well
+  bool isSecondInterface = false;  ///< its first one is then of the maker's own class
+};
+
+/// The printer's end of a USB cable: a gadget of this kernel, whose endpoints are in the hands of
+/// the program. Needs root, configfs and the modules dummy_hcd and usb_f_fs. The cable is out at
+/// the beginning; at the end everything is taken away again. Calls may be made from any thread.
+class UsbGadget {
+ public:
+  /// `controller` is the name of the cable's end, "dummy_udc.0" for example. Throws a
+  /// `std::system_error` if the system refuses a step.
+  UsbGadget(const UsbIdentity& identity, const std::string& controller);
+  ~UsbGadget();
+  UsbGadget(const UsbGadget&) = delete;
+  UsbGadget& operator=(const UsbGadget&) = delete;
+
+  /// Puts the cable in, and waits until the host has set the printer up; its driver takes it over
+  /// some milliseconds later.
+  void plugIn();
+
+  /// Pulls the cable; on one that is out it has no effect. Transfers under way end.
+  void pull();
+
+  /// Waits for the next packet from the host. Returns its length, at most `packetSize`, or -1 when
+  /// the cable is out.
+  std::ptrdiff_t take(std::uint8_t* buffer);
+
+  /// Sends `bytes` and waits until the host has taken them; no bytes are a zero-length packet.
+  /// False if the cable is out.
+  bool say(std::span<const std::uint8_t> bytes);
+
+  /// Stalls the endpoint to which the host writes: its transfers fail until it clears that.
+  void stall();
+
+  /// Sets the answer to the question for the port status: 18 ready, 38 paper out, 10 error (hex).
+  void setPortStatus(std::uint8_t status) { portStatus_ = status; }
+
+  static constexpr std::size_t packetSize = 512;
+
+ private:
+  void describe(const UsbIdentity& identity);
+  void removeAll();
+  void serveControl();
+  void answer(std::uint8_t request, std::uint16_t longest);
+
+  const std::string controller_;
+  const std::filesystem::path gadget_;
+  const std::filesystem::path function_;
+  const std::filesystem::path files_;
+  std::string deviceId_;
+  std::atomic<std::uint8_t> portStatus_ = 0x18;
+  std::atomic<bool> isSetUp_ = false;
+  std::mutex cable_;  // one hand at a time plugs it in or pulls it
+  int control_ = -1;
+  int fromHost_ = -1;
+  int toHost_ = -1;
+  int end_ = -1;  // becomes readable when the control requests are served no more
+  std::thread server_;
+};
+
+}  // namespace quordalvane::machine
