@@ -123,9 +123,9 @@ class Question final : private TransferObserver {
   /// Waits until the printer falls silent after a whole answer. One that never falls silent is not
   /// waited for.
   void hearOut() {
-    constexpr int patience = 20;
+    constexpr std::chrono::milliseconds slice(100);  // of a read that nothing arrives for
     Port& port = link_.port();
-    for (int i = 0; i < patience; ++i) {
+    for (auto waited = slice; waited <= link_.timeout() + slice; waited += slice) {
       const auto data = port.read(512);
       if (!data || (data->empty() && areWholeAnswers(joined(reads_), port.emulation()))) {
         return;
@@ -191,21 +191,14 @@ QuorPrinterStatus_2 PrinterInquiry::status(std::uint32_t level) {
 }
 
 /// If the two answers of the online test were mixed up, the printer is heard out and asked again.
-/// The rest of an answer may be so late that the new one is mixed up with it.
 bool PrinterInquiry::isOnline() {
-  constexpr int attempts = 3;
   Question question(port_, reads_);
   question.requireEmulation();
   bool isOnline = false;
-  bool isAnswered = question.ask([&](Port& port) { return port.getOnlineStatus(&isOnline); });
-  for (int i = 0; i < attempts && question.isMixedUp(isAnswered); ++i) {
-    question.hearOut();
-    reads_.clear();
-    isOnline = statusFor(question, 2, port_->emulation()).offline == 0;
-    isAnswered = true;
-  }
+  const bool isAnswered = question.ask([&](Port& port) { return port.getOnlineStatus(&isOnline); });
   if (question.isMixedUp(isAnswered)) {
-    question.fail(InquiryCause::NoAnswer, "the printer's answers arrive too late to be told apart");
+    question.hearOut();
+    return statusFor(question, 2, port_->emulation()).offline == 0;
   }
   if (!isAnswered) {
     question.fail(InquiryCause::NoAnswer, "the printer did not answer");
