@@ -112,6 +112,7 @@ TEST(PrinterInquiry, TakesNoPartOfAnAnswerForTheOnlineStateWhenItArrivesWithinTh
     script.whenAsked(statusRequest, {{head, 0.0}, {soon, 0.15}, {late, delay}});
     for (const char* const query : {"10 04 01", "10 04 02", "10 04 04"}) {
       script.whenAsked(bytes(query), {{bytes("1a"), delay}});
+      script.whenAsked(bytes(query), {{bytes("1a"), delay}});
       script.wheneverAsked(bytes(query), {{bytes("1a"), 0.0}});
     }
     Asked asked(script, ZKEmulationESCPOS, 5000);
