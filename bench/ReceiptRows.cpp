@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "bench/BareLink.h"
+#include "bench/Endpoint.h"
 #include "bench/Groups.h"
 #include "bench/OpenPort.h"
 #include "bench/ReceiptKinds.h"
