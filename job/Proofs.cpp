@@ -11,6 +11,7 @@
 #include "job/NoProof.h"
 #include "job/ProcessIdProof.h"
 #include "job/Proof.h"
+#include "job/ProofTexts.h"
 
 namespace quordalvane {
 namespace {
@@ -28,20 +29,27 @@ std::unique_ptr<Proof> makeUnknown(PortLink& link, PrintResult& result) {
   return std::make_unique<NoProof>("line mode has no such proof", dropAll, link, result);
 }
 
-/// A row a proof: how it is made in each emulation.
+/// A row a proof: its texts, and how it is made in each emulation.
 struct Row {
   ProofKind kind;
   std::string_view name;
+  std::string_view about;
   std::unique_ptr<Proof> (*inLineMode)(PortLink& link, PrintResult& result);
   std::unique_ptr<Proof> (*inEscPos)(PortLink& link, PrintResult& result);
 };
 
+constexpr std::string_view confirmsNothing =
+    "it confirms no job, so that each is unconfirmed at best";
+
 constexpr Row rows[] = {
-    {ProofKind::Auto, "auto", make<LineModeBlock>, make<AutoProof>},
-    {ProofKind::Block, "block", make<LineModeBlock>, make<EscPosBlock>},
-    {ProofKind::ProcessId, "process-id", makeUnknown, make<ProcessIdProof>},
-    {ProofKind::InOrder, "in-order", makeUnknown, make<InOrderProof>},
-    {ProofKind::None, "none", makeUnasked, makeUnasked},
+    {ProofKind::Auto, "auto", "it is asked for its proof", make<LineModeBlock>, make<AutoProof>},
+    {ProofKind::Block, "block", "it counts marks before and after each job", make<LineModeBlock>,
+     make<EscPosBlock>},
+    {ProofKind::ProcessId, "process-id", "it names the characters that end each job", makeUnknown,
+     make<ProcessIdProof>},
+    {ProofKind::InOrder, "in-order", "it answers the question that ends each job, in its turn",
+     makeUnknown, make<InOrderProof>},
+    {ProofKind::None, "none", confirmsNothing, makeUnasked, makeUnasked},
 };
 
 const Row& rowOf(ProofKind kind) {
@@ -52,6 +60,19 @@ const Row& rowOf(ProofKind kind) {
 
 std::string_view nameOf(ProofKind kind) {
   return rowOf(kind).name;
+}
+
+std::string_view aboutOf(ProofKind kind) {
+  return rowOf(kind).about;
+}
+
+std::string proofNames() {
+  std::string names;
+  for (const Row& row : rows) {
+    names += &row == std::begin(rows) ? "" : &row == std::end(rows) - 1 ? " or " : ", ";
+    names += row.name;
+  }
+  return names;
 }
 
 std::optional<ProofKind> proofNamed(std::string_view name) {

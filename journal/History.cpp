@@ -36,13 +36,7 @@ std::string reasonOf(const Attempt& attempt) {
 }
 
 ProofKind proofOf(const Attempt& attempt) {
-  for (const ProofKind kind :
-       {ProofKind::Block, ProofKind::ProcessId, ProofKind::InOrder, ProofKind::None}) {
-    if (attempt.proof == nameOf(kind)) {
-      return kind;
-    }
-  }
-  return ProofKind::Auto;
+  return proofNamed(attempt.proof).value_or(ProofKind::Auto);
 }
 
 JobRecord recordOf(const std::vector<Attempt>& attempts, bool isBeingPrinted) {

@@ -1,5 +1,6 @@
 #include <optional>
 
+#include "job/ProofTexts.h"
 #include "logging/Quoted.h"
 #include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/Commands.h"
@@ -45,18 +46,8 @@ std::string inLines(const Findings& findings) {
 
 // How the printer confirms jobs, and the consequence.
 std::string inWords(ProofKind proof) {
-  switch (proof) {
-    case ProofKind::Block:
-      return "block: it counts marks before and after each job";
-    case ProofKind::ProcessId:
-      return "process-id: it names the characters that end each job";
-    case ProofKind::InOrder:
-      return "in-order: it answers the question that ends each job, in its turn";
-    case ProofKind::Auto:
-    case ProofKind::None:
-      break;
-  }
-  return "none: it confirms no job, so that each is unconfirmed at best";
+  const ProofKind found = proof == ProofKind::Auto ? ProofKind::None : proof;
+  return std::string(nameOf(found)) + ": " + std::string(aboutOf(found));
 }
 
 std::string proofLine(const Diagnosis& diagnosis) {

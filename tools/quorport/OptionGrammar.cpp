@@ -7,6 +7,7 @@
 #include <map>
 #include <utility>
 
+#include "job/ProofTexts.h"
 #include "logging/Quoted.h"
 #include "tools/quorport/HelpTexts.h"
 #include "tools/quorport/JournalGrammar.h"
@@ -38,8 +39,7 @@ ProofKind proof(const std::string& text) {
   if (const auto kind = proofNamed(text)) {
     return *kind;
   }
-  throw CLI::ValidationError("takes auto, block, process-id, in-order or none, not " +
-                             inQuotes(text));
+  throw CLI::ValidationError("takes " + proofNames() + ", not " + inQuotes(text));
 }
 
 ZKEmulation emulation(const std::string& text) {
@@ -145,8 +145,8 @@ void addPrintOptions(CLI::App& app, Options& all) {
   PrintOptions& options = all.print;
   app.add_option("FILE", options.file, "the file to print; - is standard input")->required();
   addText(app, "--proof", "NAME",
-          "how the printer confirms the job: auto, block, process-id, in-order or none (default "
-          "proof= of the device, or auto: it is asked which of them it gives)",
+          "how the printer confirms the job: " + proofNames() +
+              " (default proof= of the device, or auto: it is asked which of them it gives)",
           [&options](const std::string& text) { options.proof = proof(text); });
   app.add_flag_callback(
       "--unchecked", [&options] { options.proof = ProofKind::None; },

@@ -1,6 +1,7 @@
 #include "tools/quorport/SchemeHelp.h"
 
 #include "backends/Schemes.h"
+#include "job/ProofTexts.h"
 
 namespace quordalvane::tool {
 namespace {
@@ -29,7 +30,9 @@ std::string schemeHelp() {
   }
   return text +
          "Every one takes the keys name, serial, model, manufacturer, protocol (repeatable),\n"
-         "address, id and proof (auto, block, process-id, in-order or none: how the printer\n"
+         "address, id and proof (" +
+         proofNames() +
+         ": how the printer\n"
          "confirms jobs). A host alone is tcp:HOST:9100; a path such as /dev/ttyUSB0 needs no\n"
          "scheme.\n";
 }
