@@ -48,3 +48,13 @@ else()
   quor_left_out("the print system's back end (quor)" "libcups2-dev and the journal"
                 tests/cups tests/unit/cups)
 endif()
+
+# The printer application takes both, and the framework.
+pkg_check_modules(PAPPL IMPORTED_TARGET pappl>=1.3)
+if(PAPPL_FOUND AND QUOR_JOURNAL AND QUOR_RENDER)
+  set(QUOR_PRINTER_APP ON)
+else()
+  set(QUOR_PRINTER_APP OFF)
+  quor_left_out("the printer application (quorport-printer-app)" "libpappl-dev, the journal and drawing"
+                tests/printer-app)
+endif()

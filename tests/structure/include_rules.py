@@ -81,6 +81,8 @@ RULES = (
                    "simulator", "tools/process", PUBLIC), EVERY_SYSTEM_HEADER),
     Rule("tools/process", (), EVERY_SYSTEM_HEADER),
     # The print system's door to the same jobs: it knows no printer of its own.
+    Rule("tools/printer-app", ("render", "job", "journal", "locks", "iphone-IOPort", "logging", "backends", "discovery",
+                               "platform", PUBLIC), EVERY_SYSTEM_HEADER),
     Rule("tools/cups-backend", ("job", "journal", "locks", "iphone-IOPort", "logging", "backends", "discovery", "platform",
                                 "tools/process", PUBLIC), EVERY_SYSTEM_HEADER),
 )

@@ -1,0 +1,145 @@
+#include "tools/printer-app/Application.h"
+
+#include <array>
+#include <cstdlib>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "tools/printer-app/DeviceUri.h"
+#include "tools/printer-app/Documents.h"
+#include "tools/printer-app/JobDelivery.h"
+#include "tools/printer-app/Model.h"
+#include "tools/printer-app/Reasons.h"
+#include "tools/printer-app/SavedState.h"
+
+namespace quordalvane::printer_app {
+namespace {
+
+constexpr auto thisMachine = "localhost";
+
+std::string optionOf(int count, cups_option_t* options, const char* name, const char* usual) {
+  const char* const value = cupsGetOption(name, count, options);
+  return value == nullptr ? usual : value;
+}
+
+bool fail(const std::string& why) {
+  std::cerr << "quorport-printer-app: " << why << '\n';
+  return false;
+}
+
+bool describePrinter(pappl_system_t* /*system*/, const char* driver, const char* /*uri*/,
+                     const char* /*id*/, pappl_pr_driver_data_t* data, ipp_t** attributes,
+                     void* /*data*/) {
+  const Model* const model = modelNamed(driver);
+  if (model == nullptr) {
+    return false;
+  }
+  describe(*model, *data, *attributes);
+  addRasterDocuments(*data);
+  data->status_cb = updateReasons;
+  data->identify_cb = beep;
+  return true;
+}
+
+void addModels(pappl_system_t* system) {
+  static std::vector<pappl_pr_driver_t> drivers;
+  for (const Model& model : everyModel()) {
+    drivers.push_back({model.name, model.description, nullptr, nullptr});
+  }
+  papplSystemSetPrinterDrivers(system, static_cast<int>(drivers.size()), drivers.data(), nullptr,
+                               nullptr, describePrinter, nullptr);
+}
+
+bool saveState(pappl_system_t* system, void* file) {
+  return papplSystemSaveState(system, static_cast<const std::string*>(file)->c_str());
+}
+
+bool setPassword(pappl_system_t* system, const std::string& file) {
+  std::string password;
+  if (file.empty() || !std::getline(std::ifstream(file), password) || password.empty()) {
+    return fail(
+        "to listen to other machines takes -o password-file=FILE, a file with the password "
+        "of the web page in its first line");
+  }
+  std::array<char, 256> hash{};
+  papplSystemHashPassword(system, nullptr, password.c_str(), hash.data(), hash.size());
+  papplSystemSetPassword(system, hash.data());
+  return true;
+}
+
+// The framework loads jobs that wait, and leaves them waiting until a new one arrives.
+bool startWaitingJobs(pappl_system_t* system, void* /*data*/) {
+  papplSystemIteratePrinters(
+      system,
+      [](pappl_printer_t* printer, void* /*data*/) {
+        if (papplPrinterGetState(printer) == IPP_PSTATE_IDLE) {
+          papplPrinterResume(printer);
+        }
+      },
+      nullptr);
+  return false;  // once
+}
+
+pappl_loglevel_t levelNamed(const std::string& name) {
+  return name == "debug"   ? PAPPL_LOGLEVEL_DEBUG
+         : name == "info"  ? PAPPL_LOGLEVEL_INFO
+         : name == "error" ? PAPPL_LOGLEVEL_ERROR
+                           : PAPPL_LOGLEVEL_WARN;
+}
+
+}  // namespace
+
+pappl_system_t* makeSystem(int count, cups_option_t* options, void* /*data*/) {
+  const std::string host = optionOf(count, options, "listen-hostname", thisMachine);
+  const std::string port = optionOf(count, options, "server-port", "8631");
+  static const std::filesystem::path folder =
+      optionOf(count, options, "state-directory", "/var/lib/quorport-printer-app");
+  static std::string stateFile = folder / "printers.conf";
+  std::error_code error;
+  std::filesystem::create_directories(folder / "jobs", error);
+  if (error) {
+    fail("the folder " + folder.string() + " cannot be made: " + error.message());
+    return nullptr;
+  }
+  keepJobsIn(folder / "journal.db", stateFile);
+  const bool isForOthers = host != thisMachine;
+  pappl_system_t* const system = papplSystemCreate(
+      PAPPL_SOPTIONS_MULTI_QUEUE | PAPPL_SOPTIONS_WEB_INTERFACE |
+          (isForOthers ? PAPPL_SOPTIONS_WEB_REMOTE | PAPPL_SOPTIONS_WEB_SECURITY
+                       : PAPPL_SOPTIONS_NO_TLS),
+      "Receipt printers", std::atoi(port.c_str()), isForOthers ? "_print,_universal" : nullptr,
+      (folder / "jobs").c_str(), optionOf(count, options, "log-file", "-").c_str(),
+      levelNamed(optionOf(count, options, "log-level", "warn")), nullptr, false);
+  if (system == nullptr) {
+    return nullptr;
+  }
+  papplSystemSetFooterHTML(system, "QuorIOPort");
+  papplSystemAddListeners(system, host == "*" ? nullptr : host.c_str());
+  if (isForOthers) {
+    if (!setPassword(system, optionOf(count, options, "password-file", ""))) {
+      return nullptr;
+    }
+    papplSystemSetDNSSDName(system, "Receipt printers");
+  } else {
+    papplSystemSetHostName(system, thisMachine);
+  }
+  addModels(system);
+  addTextDocuments(system);
+  papplSystemSetSaveCallback(system, saveState, &stateFile);
+  try {
+    letJobsWaitAgain(stateFile);
+  } catch (const std::system_error& unwritten) {
+    fail(unwritten.what());
+    return nullptr;
+  }
+  papplSystemLoadState(system, stateFile.c_str());
+  papplSystemAddTimerCallback(system, std::time(nullptr), 0, startWaitingJobs, nullptr);
+  return system;
+}
+
+}  // namespace quordalvane::printer_app

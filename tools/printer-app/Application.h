@@ -1,0 +1,23 @@
+#pragma once
+
+#include "tools/printer-app/JobDelivery.h"
+#include "tools/printer-app/Pappl.h"
+
+namespace quordalvane::printer_app {
+
+/// Makes the framework's system for the options of the command `server`, with its printers and
+/// waiting jobs as they were when it last ended. Null after an error, which is on standard error.
+///
+/// | option | meaning | default |
+/// |---|---|---|
+/// | `listen-hostname` | the address to listen at | localhost: this machine alone |
+/// | `server-port` | the port | 8631 |
+/// | `state-directory` | where printers, jobs and the journal are kept |
+/// /var/lib/quorport-printer-app | | `password-file` | a file with the password of the web page,
+/// needed to listen to others | | | `log-file`, `log-level` | the framework's log | standard error,
+/// warn |
+///
+/// The journal of its jobs is made here and lives until the process ends.
+pappl_system_t* makeSystem(int optionCount, cups_option_t* options, void* data);
+
+}  // namespace quordalvane::printer_app

@@ -1,0 +1,117 @@
+#include "tools/printer-app/Reasons.h"
+
+#include <chrono>
+#include <cstring>
+#include <exception>
+#include <map>
+#include <mutex>
+#include <string>
+
+#include "job/PrintJob.h"
+#include "job/PrinterInquiry.h"
+#include "tools/printer-app/DeviceUri.h"
+#include "tools/printer-app/PrinterLink.h"
+
+namespace quordalvane::printer_app {
+namespace {
+
+constexpr pappl_preason_t ours = PAPPL_PREASON_COVER_OPEN | PAPPL_PREASON_MEDIA_EMPTY |
+                                 PAPPL_PREASON_MEDIA_LOW | PAPPL_PREASON_OFFLINE |
+                                 PAPPL_PREASON_OTHER;
+
+pappl_preason_t reasonsOf(const QuorPrinterStatus_2& status) {
+  pappl_preason_t reasons = PAPPL_PREASON_NONE;
+  if (status.coverOpen != 0) {
+    reasons |= PAPPL_PREASON_COVER_OPEN;
+  }
+  if (status.receiptPaperEmpty != 0) {
+    reasons |= PAPPL_PREASON_MEDIA_EMPTY;
+  }
+  if (status.receiptPaperNearEmptyInner != 0 || status.receiptPaperNearEmptyOuter != 0) {
+    reasons |= PAPPL_PREASON_MEDIA_LOW;
+  }
+  if (status.cutterError != 0 || status.mechError != 0 || status.unrecoverableError != 0) {
+    reasons |= PAPPL_PREASON_OTHER;
+  }
+  // Off line for a reason that is known says nothing more.
+  constexpr pappl_preason_t causes =
+      PAPPL_PREASON_COVER_OPEN | PAPPL_PREASON_MEDIA_EMPTY | PAPPL_PREASON_OTHER;
+  return status.offline != 0 && (reasons & causes) == 0 ? reasons | PAPPL_PREASON_OFFLINE : reasons;
+}
+
+void show(pappl_printer_t* printer, pappl_preason_t reasons) {
+  papplPrinterSetReasons(printer, reasons, ours & ~reasons);
+  pappl_supply_t roll{};
+  roll.color = PAPPL_SUPPLY_COLOR_NO_COLOR;
+  std::strcpy(roll.description, "Paper roll");
+  roll.is_consumed = true;
+  roll.type = PAPPL_SUPPLY_TYPE_OTHER;
+  // In percent; a printer tells no more than near its end and empty.
+  roll.level = (reasons & PAPPL_PREASON_MEDIA_EMPTY) != 0 ? 0
+               : (reasons & PAPPL_PREASON_MEDIA_LOW) != 0 ? 10
+                                                          : 100;
+  papplPrinterSetSupplies(printer, 1, &roll);
+}
+
+// True at most every two seconds for a printer.
+bool isDue(pappl_printer_t* printer) {
+  using Clock = std::chrono::steady_clock;
+  static std::mutex mutex;
+  static std::map<int, Clock::time_point> asked;
+  const std::scoped_lock lock(mutex);
+  auto& last = asked[papplPrinterGetID(printer)];
+  const auto now = Clock::now();
+  if (last != Clock::time_point() && now - last < std::chrono::seconds(2)) {
+    return false;
+  }
+  last = now;
+  return true;
+}
+
+// Has `use` talk to the printer over its port, unless somebody else has the printer.
+template <typename Use>
+void withIdle(pappl_printer_t* printer, Use use) {
+  try {
+    const std::string device = deviceOf(papplPrinterGetDeviceURI(printer));
+    const Turn turn = takeTurn(device, std::chrono::milliseconds(0));
+    if (!turn.isTaken) {
+      return;
+    }
+    PrinterLink link(device, papplPrinterGetDriverName(printer));
+    if (link.isOpen()) {
+      use(link.port());
+    } else {
+      show(printer, PAPPL_PREASON_OFFLINE);
+    }
+  } catch (const std::exception&) {
+    show(printer, PAPPL_PREASON_OFFLINE);
+  }
+}
+
+}  // namespace
+
+void showReasons(pappl_printer_t* printer, const PrintResult& result) {
+  if (result.status) {
+    show(printer, reasonsOf(*result.status));
+  } else if (result.outcome == PrintOutcome::Refused) {
+    show(printer, PAPPL_PREASON_OFFLINE);
+  }
+}
+
+bool updateReasons(pappl_printer_t* printer) {
+  if (papplPrinterGetState(printer) == IPP_PSTATE_PROCESSING || !isDue(printer)) {
+    return true;
+  }
+  withIdle(printer,
+           [&](const auto& port) { show(printer, reasonsOf(PrinterInquiry(port).status())); });
+  return true;
+}
+
+void beep(pappl_printer_t* printer, pappl_identify_actions_t /*actions*/, const char* /*message*/) {
+  constexpr std::uint8_t threeTimes[] = {0x1b, 0x42, 3, 2};
+  withIdle(printer, [&](const auto& port) {
+    PrintJob(port, {.proof = ProofKind::None}).run(ByteView(threeTimes));
+  });
+}
+
+}  // namespace quordalvane::printer_app

@@ -1,0 +1,36 @@
+#include <string>
+#include <vector>
+
+#include "tools/printer-app/Application.h"
+#include "tools/printer-app/DeviceUri.h"
+
+namespace {
+
+using quordalvane::printer_app::deviceOf;
+using quordalvane::printer_app::uriOf;
+
+// People name a device as they do for quorport; the framework wants a URI.
+std::vector<std::string> withUris(int argc, char** argv) {
+  std::vector<std::string> arguments(argv, argv + argc);
+  for (std::size_t i = 1; i + 1 < arguments.size(); ++i) {
+    if (arguments[i] == "-v" && deviceOf(arguments[i + 1]).empty()) {
+      arguments[i + 1] = uriOf(arguments[i + 1]);
+    }
+  }
+  return arguments;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  quordalvane::printer_app::addDeviceScheme();
+  std::vector<std::string> arguments = withUris(argc, argv);
+  std::vector<char*> pointers;
+  for (std::string& argument : arguments) {
+    pointers.push_back(argument.data());
+  }
+  pointers.push_back(nullptr);
+  return papplMainloop(argc, pointers.data(), QUOR_VERSION, "QuorIOPort", 0, nullptr, nullptr,
+                       nullptr, nullptr, nullptr, quordalvane::printer_app::makeSystem, nullptr,
+                       nullptr);
+}
