@@ -126,10 +126,14 @@ UpperHalf converted(const char* encoding) {
 }
 
 UpperHalf load(const Source& source) {
-  if (source.table == nullptr) {
-    return converted(source.encoding);
-  }
   UpperHalf characters{};
+  if (source.table == nullptr) {
+    characters = converted(source.encoding);
+    if (source.page == "857") {
+      characters[0xd5 - upperHalf] = 0x20ac;  // printers have the euro sign there
+    }
+    return characters;
+  }
   std::copy(source.table->begin(), source.table->end(), characters.begin());
   return characters;
 }

@@ -1,6 +1,7 @@
 #include "simulator/drawing/ImageRendering.h"
 
 #include <algorithm>
+#include <cstring>
 #include <functional>
 #include <string>
 
@@ -91,6 +92,7 @@ class BandedPicture {
   /// Gives each row, in order.
   void draw(const std::function<void(ByteView)>& take) const {
     Bytes row(width());
+    const Bytes bare(paperWidth_, Plane::bare);  // most rows of a receipt are
     for (unsigned top = 0; top < height(); top += bandHeight) {
       const unsigned rows = std::min(bandHeight, height() - top);
       Plane print(paperWidth_, rows);
@@ -98,7 +100,9 @@ class BandedPicture {
       paintRemarks(print, top);
       for (unsigned y = 0; y < rows; ++y) {
         drawBackground(row, top + y);
-        drawPrint(row, print.row(y));
+        if (std::memcmp(print.row(y).data(), bare.data(), bare.size()) != 0) {
+          drawPrint(row, print.row(y));
+        }
         take(row);
       }
     }
@@ -144,10 +148,14 @@ class BandedPicture {
     const unsigned depth = std::min({fromTop, fromBottom, tooth});
     const unsigned left = tableMargin + shift;
     const unsigned right = tableMargin + paperWidth_ + 2 * sideMargin + shift;
+    if (depth == tooth) {
+      std::fill(row.begin() + left, row.begin() + right, value);
+      return;
+    }
     for (unsigned x = left; x < right; ++x) {
       const unsigned inTooth = (x - left) % (2 * tooth);
       const unsigned notch = std::min(inTooth, 2 * tooth - inTooth);
-      if (notch <= depth || depth == tooth) {
+      if (notch <= depth) {
         row[x] = value;
       }
     }

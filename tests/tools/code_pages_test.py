@@ -17,6 +17,8 @@ MISSING = "\ufffd"
 
 def character(page: str, byte: int) -> str:
     """As printers have it: no control character."""
+    if (page, byte) == ("cp857", 0xd5):
+        return "€"  # printers have it there, and Python nothing
     text = codecs.decode(bytes([byte]), page, "replace")
     return text if ord(text) >= 0xa0 else MISSING
 

@@ -94,7 +94,7 @@ class Receipts(Case):
 
     def test_the_pieces_of_a_paper_that_is_too_long_are_receipts(self):
         simulator = self.serve()
-        count = 120_000
+        count = 30_000
         with simulator.connect() as host:
             for number in range(0, count, 1000):
                 host.sendall(b"".join(b"line %d\n" % n for n in range(number, number + 1000)))
@@ -158,7 +158,7 @@ class Records(Case):
     def test_a_plain_job_has_every_key(self):
         record, code, place = self.record_of(b"text\n")
         self.assertEqual(record, {"job": 1, "printer": place, "ok": True, "files": [], "cuts": 0, "drawer": 0, "beeps": 0,
-                                  "codePages": [], "asked": [], "unknown": [], "missing": []})
+                                  "codePages": [], "asked": [], "unknown": [], "missing": [], "events": []})
         self.assertEqual(code, 0)
 
     def test_cuts_pulses_and_beeps_are_counted(self):
@@ -166,6 +166,14 @@ class Records(Case):
         record, _, _ = self.record_of(job)
         self.assertEqual((record["cuts"], record["drawer"], record["beeps"], record["codePages"]), (2, 2, 2, [19]))
         self.assertEqual(record["unknown"], [])
+        self.assertEqual([event["event"] for event in record["events"]],
+                         ["drawer", "drawer", "beep", "beep", "cut", "cut"])
+
+    def test_the_words_on_the_display_are_an_event_and_not_on_the_paper(self):
+        folder = self.folder / "display"
+        record, _, _ = self.record_of(b"\x1b=\2Total 4.20\x1b=\1paper\n", "--receipts", str(folder))
+        self.assertEqual(record["events"], [{"event": "display", "text": "Total 4.20"}])
+        self.assertEqual((folder / "receipt-0001.txt").read_text(), "paper\n")
 
     def test_a_drawer_that_is_opened_without_paper_is_a_job(self):
         record, _, _ = self.record_of(b"\x1bp\0\x19\xfa")

@@ -208,15 +208,33 @@ ReceiptPer receiptPer(const std::string& text) {
   throw CLI::ValidationError("takes cut, job or connection, not " + inQuotes(text));
 }
 
+HostRule hostRule(const std::string& text) {
+  if (text == "one") {
+    return HostRule::One;
+  }
+  if (text == "turns") {
+    return HostRule::Turns;
+  }
+  if (text == "refuse") {
+    return HostRule::Refuse;
+  }
+  throw CLI::ValidationError("takes one, turns or refuse, not " + inQuotes(text));
+}
+
 }  // namespace
 
 void addSimulateOptions(CLI::App& app, Options& all) {
   SimulateOptions& options = all.simulate;
-  app.add_option("--listen", options.listen,
-                 "tcp:, tcp:PORT or tcp:HOST:PORT (no port or 0: any free one; for this machine "
-                 "alone unless HOST is given), unix:PATH, or pty:")
-      ->type_name("SPEC")
+  addTexts(app, "--listen", "SPEC",
+           "tcp:, tcp:PORT or tcp:HOST:PORT (no port or 0: any free one; for this machine alone "
+           "unless HOST is given), unix:PATH, or pty:, each with ,name=NAME if wanted; may be "
+           "repeated, for a printer each",
+           options.listen)
       ->required();
+  addText(app, "--hosts", "one|turns|refuse",
+          "hosts that come while one is connected: wait, print between its jobs, or are turned "
+          "away (default: one)",
+          [&options](const std::string& text) { options.hosts = hostRule(text); });
   addTexts(app, "--set", "KEY=VALUE",
            "the printer's state or a fault, as on virtual: devices; may be repeated",
            options.settings);

@@ -47,8 +47,16 @@ struct MonitorOptions {
 /// How the output of a virtual printer is divided into receipts.
 enum class ReceiptPer { Cut, Job, Connection };
 
+/// What becomes of hosts that come while another is connected to a virtual printer.
+enum class HostRule {
+  One,     ///< they wait until it has left
+  Turns,   ///< they are connected, and print between two of its jobs
+  Refuse,  ///< they are turned away
+};
+
 struct SimulateOptions {
-  std::string listen;
+  std::vector<std::string> listen;  ///< a printer each
+  HostRule hosts = HostRule::One;
   std::vector<std::string> settings;    ///< key=value each
   std::optional<std::string> receipts;  ///< a folder
   ReceiptPer per = ReceiptPer::Job;

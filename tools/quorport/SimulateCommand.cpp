@@ -1,5 +1,6 @@
 #include <csignal>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 #include "logging/Quoted.h"
@@ -32,6 +33,21 @@ simulator::PrinterBuilder printerOf(const SimulateOptions& options) {
   return printer;
 }
 
+// The name stands after the place: tcp:9100,name=till.
+Server::Host hostIn(const std::string& spec) {
+  constexpr std::string_view key = ",name=";
+  const std::size_t begin = spec.rfind(key);
+  if (begin == std::string::npos) {
+    return {"", listenAt(spec)};
+  }
+  const std::string name = spec.substr(begin + key.size());
+  if (name.empty() || name != printable(name)) {
+    throw CommandFailure(ExitCode::Usage, "--listen takes a name of printable characters, not " +
+                                       inQuotes(name));
+  }
+  return {name, listenAt(spec.substr(0, begin))};
+}
+
 }  // namespace
 
 Report simulate(const Options& options, const Surroundings& surroundings) {
@@ -45,13 +61,16 @@ Report simulate(const Options& options, const Surroundings& surroundings) {
   if (options.simulate.control) {
     places.controls = listenPrivatelyAt(*options.simulate.control, "--control");
   }
-  places.hosts = listenAt(options.simulate.listen);
-  const unsigned long notOk =
-      Server(
-          printer.state(), printer.faults(), std::move(places),
-          {.asJson = options.json, .strict = options.simulate.strict, .per = options.simulate.per},
-          surroundings.streams)
-          .run();
+  for (const std::string& spec : options.simulate.listen) {
+    places.hosts.push_back(hostIn(spec));
+  }
+  const Station::Habits ofPrinters = {.hosts = options.simulate.hosts, .per = options.simulate.per};
+  const unsigned long notOk = Server(printer.state(), printer.faults(), std::move(places),
+                                     {.asJson = options.json,
+                                      .strict = options.simulate.strict,
+                                      .printer = ofPrinters},
+                                     surroundings.streams)
+                                  .run();
   Report report;
   if (notOk > 0) {
     report.code = ExitCode::ExchangeFailed;

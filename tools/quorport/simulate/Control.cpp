@@ -65,6 +65,24 @@ void checkValue(const Json& request, const Json& only) {
   }
 }
 
+Json stateOf(const simulator::VirtualPrinter& printer) {
+  const simulator::PrinterState& state = printer.state();
+  Json json;
+  for (std::size_t i = 0; i < simulator::flagCount; ++i) {
+    json[simulator::flagNames[i]] = state.flag(static_cast<simulator::Flag>(i));
+  }
+  json["firmware"] = state.firmware();
+  json["dip1"] = hexOf(state.dipBanks[0]);
+  json["dip2"] = hexOf(state.dipBanks[1]);
+  json["speed"] = state.bytesPerSecond;
+  json["profile"] = printable(state.profile);
+  json["proofs"] = state.dialect.proofs.text();
+  json["etbCounter"] = state.etbCounter;
+  json["buffered"] = printer.buffered();
+  json["printedBytes"] = printer.printedBytes();
+  return json;
+}
+
 }  // namespace
 
 std::string Control::answer(std::string_view line, simulator::Instant now) {
@@ -82,23 +100,47 @@ std::string Control::answer(std::string_view line, simulator::Instant now) {
   return inOneLine(answer);
 }
 
-Json Control::obey(const Json& request, simulator::Instant now) {
+// The key `printer` is for every request; without it the printer in question is each.
+Control::Printers Control::printersIn(Json& request) {
+  Printers chosen;
+  const bool isNamed = request.is_object() && request.contains("printer");
+  const Json name = isNamed ? request["printer"] : Json();
+  std::string names;
+  for (Printer& printer : printers_) {
+    if (!isNamed || name == printer.name) {
+      chosen.push_back(&printer);
+    }
+    names += (names.empty() ? "" : ", ") + inQuotes(printer.name);
+  }
+  if (chosen.empty()) {
+    refuse("there is no printer " + shortened(name) + "; there are " + names);
+  }
+  if (isNamed) {
+    request.erase("printer");
+  }
+  return chosen;
+}
+
+Json Control::obey(Json request, simulator::Instant now) {
+  const Printers printers = printersIn(request);
   if (!request.is_object() || request.size() != 1) {
     refuse(everyRequest);
   }
   const std::string what = request.begin().key();
   Json answer = {{"ok", true}};
   if (what == "set") {
-    set(objectIn(request, "set"), now);
+    set(printers, objectIn(request, "set"), now);
   } else if (what == "get") {
     checkValue(request, "state");
-    printer_.advance(now);
-    answer["state"] = state();
+    printers[0]->printer.advance(now);
+    answer["state"] = stateOf(printers[0]->printer);
   } else if (what == "fault") {
-    addFaults(objectIn(request, "fault"), now);
+    addFaults(printers, objectIn(request, "fault"), now);
   } else if (what == "clear") {
     checkValue(request, "faults");
-    links_.clear(now);
+    for (Printer* printer : printers) {
+      printer->links.clear(now);
+    }
   } else if (what == "quit") {
     checkValue(request, true);
     quitWanted_ = true;
@@ -108,43 +150,33 @@ Json Control::obey(const Json& request, simulator::Instant now) {
   return answer;
 }
 
-void Control::set(const Json& settings, simulator::Instant now) {
-  simulator::PrinterState tried = printer_.state();
+void Control::set(const Printers& printers, const Json& settings, simulator::Instant now) {
   Pairs pairs;
   for (const auto& [key, value] : settings.items()) {
     checkKind(key, value);
     pairs.emplace_back(key, textOf(key, value));
-    tried.set(key, pairs.back().second);
   }
-  for (const auto& [key, value] : pairs) {
-    printer_.set(key, value, now);
+  for (const Printer* printer : printers) {
+    simulator::PrinterState tried = printer->printer.state();
+    for (const auto& [key, value] : pairs) {
+      tried.set(key, value);
+    }
+  }
+  for (Printer* printer : printers) {
+    for (const auto& [key, value] : pairs) {
+      printer->printer.set(key, value, now);
+    }
   }
 }
 
-void Control::addFaults(const Json& faults, simulator::Instant now) {
+void Control::addFaults(const Printers& printers, const Json& faults, simulator::Instant now) {
   simulator::Faults parsed;
   for (const auto& [name, value] : faults.items()) {
     parsed.add(name, textOf(name, value));
   }
-  links_.add(parsed, now);
-}
-
-Json Control::state() const {
-  const simulator::PrinterState& state = printer_.state();
-  Json json;
-  for (std::size_t i = 0; i < simulator::flagCount; ++i) {
-    json[simulator::flagNames[i]] = state.flag(static_cast<simulator::Flag>(i));
+  for (Printer* printer : printers) {
+    printer->links.add(parsed, now);
   }
-  json["firmware"] = state.firmware();
-  json["dip1"] = hexOf(state.dipBanks[0]);
-  json["dip2"] = hexOf(state.dipBanks[1]);
-  json["speed"] = state.bytesPerSecond;
-  json["profile"] = printable(state.profile);
-  json["proofs"] = state.dialect.proofs.text();
-  json["etbCounter"] = state.etbCounter;
-  json["buffered"] = printer_.buffered();
-  json["printedBytes"] = printer_.printedBytes();
-  return json;
 }
 
 }  // namespace quordalvane::tool

@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "simulator/VirtualPrinter.h"
 #include "tools/quorport/Json.h"
@@ -9,11 +10,14 @@
 
 namespace quordalvane::tool {
 
-/// Obeys the lines that change a running printer and look at it, one JSON object each.
+/// Obeys the lines that change running printers and look at them, one JSON object each. A line is
+/// for the printer that it names by `printer`, or for all of them.
 class Control {
  public:
-  /// Both must outlive this.
-  Control(simulator::VirtualPrinter& printer, Links& links) : printer_(printer), links_(links) {}
+  /// Adds a printer under a name, which may be empty. Both must outlive this.
+  void add(const std::string& name, simulator::VirtualPrinter& printer, Links& links) {
+    printers_.push_back({name, printer, links});
+  }
 
   /// Obeys a line and returns the answer, one JSON object: `ok` true, or false with `error`, and
   /// then nothing has changed.
@@ -23,13 +27,19 @@ class Control {
   bool quitWanted() const { return quitWanted_; }
 
  private:
-  Json obey(const Json& request, simulator::Instant now);
-  void set(const Json& settings, simulator::Instant now);
-  void addFaults(const Json& faults, simulator::Instant now);
-  Json state() const;
+  struct Printer {
+    std::string name;
+    simulator::VirtualPrinter& printer;
+    Links& links;
+  };
+  using Printers = std::vector<Printer*>;
 
-  simulator::VirtualPrinter& printer_;
-  Links& links_;
+  Json obey(Json request, simulator::Instant now);
+  Printers printersIn(Json& request);
+  static void set(const Printers& printers, const Json& settings, simulator::Instant now);
+  static void addFaults(const Printers& printers, const Json& faults, simulator::Instant now);
+
+  std::vector<Printer> printers_;
   bool quitWanted_ = false;
 };
 

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "simulator/PrinterLink.h"
@@ -32,6 +33,12 @@ class HostConnection {
 
   bool isOver() const { return over_; }
 
+  /// Whether nothing is under way in either direction, so that the line can be taken back.
+  bool isIdle() const { return incoming_.empty() && outgoing_.empty() && !wasDropped(); }
+
+  /// Takes the line back from an idle connection, which is of no use then.
+  std::unique_ptr<Line> release() { return std::move(line_); }
+
   /// Takes from the line, up to a limit, even if the printer has no space, until the printer has
   /// taken all of it. Bytes under way hide from us whether the host has left.
   void readAhead() { readsAhead_ = true; }
@@ -56,7 +63,7 @@ class HostConnection {
   void giveToHost(simulator::Instant now);
   void followDrop(simulator::Instant now);
 
-  const std::unique_ptr<Line> line_;
+  std::unique_ptr<Line> line_;
   simulator::PrinterLink& link_;
   std::vector<std::uint8_t> outgoing_;
   std::vector<std::uint8_t> incoming_;  // the bytes that the printer has not taken yet

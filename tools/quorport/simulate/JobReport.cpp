@@ -5,6 +5,26 @@
 #include "tools/quorport/Hex.h"
 
 namespace quordalvane::tool {
+namespace {
+
+const char* nameOf(simulator::JobRecord::EventKind kind) {
+  using enum simulator::JobRecord::EventKind;
+  switch (kind) {
+    case Cut:
+      return "cut";
+    case Drawer:
+      return "drawer";
+    case Beep:
+      return "beep";
+    case Display:
+      return "display";
+    case Question:
+      break;
+  }
+  return "question";
+}
+
+}  // namespace
 
 Json inJson(const JobReport& report, const simulator::JobRecord& record) {
   Json asked = Json::array();
@@ -16,6 +36,13 @@ Json inJson(const JobReport& report, const simulator::JobRecord& record) {
     unknown.push_back(
         {{"offset", command.offset}, {"bytes", hexOf(command.bytes)}, {"name", command.name}});
   }
+  Json events = Json::array();
+  for (const auto& event : record.events()) {
+    events.push_back({{"event", nameOf(event.kind)}});
+    if (!event.text.empty()) {
+      events.back()["text"] = event.text;
+    }
+  }
   return {{"job", report.job},
           {"printer", report.printer},
           {"ok", report.ok},
@@ -26,7 +53,8 @@ Json inJson(const JobReport& report, const simulator::JobRecord& record) {
           {"codePages", record.codePages()},
           {"asked", std::move(asked)},
           {"unknown", std::move(unknown)},
-          {"missing", record.missing()}};
+          {"missing", record.missing()},
+          {"events", std::move(events)}};
 }
 
 }  // namespace quordalvane::tool

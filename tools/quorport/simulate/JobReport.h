@@ -11,7 +11,7 @@ namespace quordalvane::tool {
 /// A job of a virtual printer as users see it.
 struct JobReport {
   unsigned long job = 0;  ///< its number, from 1
-  std::string printer;    ///< the SPEC of the place where it was received
+  std::string printer;    ///< its name, or the SPEC of the place where it was received
   bool ok = true;
   std::vector<std::string> files;
 };

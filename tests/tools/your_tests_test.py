@@ -1,0 +1,38 @@
+"""The examples for tests of the reader's own: they run, and they fail when the receipt is wrong."""
+
+import os
+import shutil
+import subprocess
+import unittest
+from pathlib import Path
+
+from harness import DEADLINE, QUORPORT, Case, main
+
+EXAMPLES = Path(__file__).parents[2] / "examples/your-tests"
+
+
+class YourTests(Case):
+    def check(self, command: list[str], name: str):
+        """Runs the example as it is, and with a receipt that its code page has no sign for."""
+        source = (EXAMPLES / name).read_text(encoding="utf-8")
+        wrong = source.replace(r"\x1bt\x13Caf", r"\x1bt\x10Caf").replace(r"2.80 \xd5", r"2.80 \x81")
+        self.assertNotEqual(source, wrong)
+        environment = os.environ | {"PATH": f"{Path(QUORPORT).parent}:{os.environ['PATH']}", "LC_ALL": "C.UTF-8"}
+        for text, is_right in ((source, True), (wrong, False)):
+            file = Path(self.file(name, text.encode()))
+            ran = subprocess.run([*command, file], env=environment, capture_output=True, timeout=DEADLINE, check=False)
+            self.assertEqual(ran.returncode == 0, is_right, ran)
+
+    def test_in_python_run(self):
+        self.check(["python3"], "receipt_test.py")
+
+    def test_in_shell_run(self):
+        self.check(["bash"], "receipt_test.sh")
+
+    @unittest.skipUnless(shutil.which("node"), "node is not installed")
+    def test_in_javascript_run(self):
+        self.check(["node", "--test"], "receipt.test.js")
+
+
+if __name__ == "__main__":
+    main()

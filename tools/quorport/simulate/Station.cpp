@@ -1,0 +1,210 @@
+#include "tools/quorport/simulate/Station.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+#include <variant>
+
+namespace quordalvane::tool {
+namespace {
+
+using namespace std::chrono_literals;
+using simulator::Instant;
+
+// A cut ends a job if nothing follows it for so long.
+constexpr Instant quietTime = 1s;
+
+// A host that is quiet for so long, and has nothing in the printer, lets another one come.
+constexpr Instant turnTime = 200ms;
+
+constexpr std::size_t mostWaiting = 64;
+
+bool isReadable(int descriptor) {
+  pollfd asked{.fd = descriptor, .events = POLLIN, .revents = 0};
+  return ::poll(&asked, 1, 0) > 0;
+}
+
+bool endsInCut(const simulator::Paper& paper) {
+  return !paper.items().empty() && std::holds_alternative<simulator::Cut>(paper.items().back());
+}
+
+std::optional<Instant> earlier(std::optional<Instant> one, std::optional<Instant> other) {
+  if (one && other) {
+    return std::min(*one, *other);
+  }
+  return one ? one : other;
+}
+
+}  // namespace
+
+Station::Station(std::string name, std::unique_ptr<Listener> listener,
+                 simulator::PrinterState state, simulator::Faults faults, Habits habits,
+                 Keeper keep)
+    : name_(std::move(name)),
+      habits_(habits),
+      keep_(std::move(keep)),
+      listener_(std::move(listener)),
+      printer_(std::move(state)),
+      links_(printer_, std::move(faults)) {
+  printer_.keepJobs([this](simulator::Paper paper) { keep_(*this, std::move(paper)); });
+}
+
+void Station::await(std::vector<pollfd>& awaited) const {
+  if (host_) {
+    host_->await(awaited);
+  }
+  if (listensNow()) {
+    awaited.push_back({.fd = listener_->descriptor(), .events = POLLIN, .revents = 0});
+  }
+}
+
+// Somebody who waits is looked at when the host has been quiet for long enough, not before.
+std::optional<Instant> Station::nextEvent(Instant now) const {
+  std::optional<Instant> next = earlier(
+      links_.nextEvent(), host_ ? host_->nextEvent(now) : printer_.nextEvent());
+  if (const auto end = endOfJob(); end && *end > now) {
+    next = earlier(next, end);
+  }
+  if (host_ && !waiting_.empty()) {
+    next = earlier(next, now + turnTime);
+  }
+  return next;
+}
+
+bool Station::listensNow() const {
+  if (!host_ || hostMakesWay() || hostMayHaveLeft()) {
+    return true;
+  }
+  const bool wantsOthers = habits_.hosts != HostRule::One && listener_->hostsQueue();
+  return wantsOthers && waiting_.size() < mostWaiting;
+}
+
+void Station::advance(Instant now) {
+  printer_.advance(now);
+  links_.work(now);
+}
+
+void Station::work(Instant now) {
+  welcome(now);
+  if (host_ && habits_.hosts == HostRule::Refuse && !hostMakesWay()) {
+    turnAway();
+  } else if (host_ && habits_.hosts == HostRule::Turns) {
+    takeTurns(now);
+  }
+  collectPaper(now);
+}
+
+void Station::welcome(Instant now) {
+  while (host_ || acceptHost(now)) {
+    host_->work(now);
+    if (hostMayHaveLeft() && somebodyComes()) {
+      host_->readAhead();
+      host_->work(now);
+    }
+    if (!host_->isOver() && !(hostMakesWay() && somebodyComes())) {
+      return;
+    }
+    const bool dropped = host_->wasDropped();
+    host_.reset();
+    links_.end();
+    listener_->resume(dropped);
+  }
+}
+
+bool Station::somebodyComes() const {
+  return !waiting_.empty() || isReadable(listener_->descriptor());
+}
+
+bool Station::acceptHost(Instant now) {
+  std::unique_ptr<Line> line;
+  if (waiting_.empty()) {
+    line = listener_->accept();
+  } else {
+    line = std::move(waiting_.front());
+    waiting_.pop_front();
+  }
+  if (line != nullptr) {
+    host_.emplace(std::move(line), links_.begin(now));
+  }
+  return host_.has_value();
+}
+
+void Station::turnAway() {
+  if (!listener_->hostsQueue()) {
+    return;
+  }
+  while (const auto line = listener_->accept()) {
+    line->resetOnClose();
+  }
+}
+
+// Of those who wait the first that has sent something gets the next turn.
+void Station::takeTurns(Instant now) {
+  while (listener_->hostsQueue() && waiting_.size() < mostWaiting) {
+    auto line = listener_->accept();
+    if (line == nullptr) {
+      break;
+    }
+    waiting_.push_back(std::move(line));
+  }
+  if (!mayMakeRoom(now)) {
+    return;
+  }
+  const auto next = std::find_if(waiting_.begin(), waiting_.end(), [](const auto& line) {
+    return isReadable(line->descriptor().number());
+  });
+  if (next == waiting_.end()) {
+    return;
+  }
+  waiting_.splice(waiting_.begin(), waiting_, next);
+  waiting_.push_back(host_->release());
+  host_.reset();
+  links_.end();
+  welcome(now);
+}
+
+bool Station::mayMakeRoom(Instant now) const {
+  const auto last = host_->lastReceived();
+  return host_->isIdle() && printer_.buffered() == 0 && (!last || now >= *last + turnTime);
+}
+
+// A host that has left keeps its place while the printer works through what it sent. Where the
+// printer stands still that may take for ever, and the next host comes first.
+bool Station::hostMakesWay() const {
+  return host_->hostEnded() && printer_.state().flag(simulator::Flag::Offline);
+}
+
+// While the printer stands still the end of a host is hidden after bytes that nobody reads. It is
+// looked for as soon as the next host waits.
+bool Station::hostMayHaveLeft() const {
+  return listener_->hostsQueue() && !host_->hostEnded() && !host_->readsAhead() &&
+         printer_.state().flag(simulator::Flag::Offline);
+}
+
+void Station::collectPaper(Instant now) {
+  const bool isWorking = printer_.buffered() > 0 &&
+                         (printer_.nextEvent() || printer_.state().flag(simulator::Flag::Offline));
+  const auto end = endOfJob();
+  if (!isWorking && end && now >= *end) {
+    keep_(*this, printer_.tearOff());
+  }
+}
+
+// The printer knows that a job ends with its connection; on one that stays a cut that nothing
+// follows ends it. None while its end cannot be told.
+std::optional<Instant> Station::endOfJob() const {
+  const auto lastReceived = host_ ? host_->lastReceived() : std::nullopt;
+  if (habits_.per == ReceiptPer::Connection || !lastReceived || !endsInCut(printer_.paper())) {
+    return std::nullopt;
+  }
+  return *lastReceived + quietTime;
+}
+
+void Station::close() {
+  host_.reset();
+  waiting_.clear();
+  links_.end();
+  keep_(*this, printer_.tearOff());
+}
+
+}  // namespace quordalvane::tool

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <poll.h>
+
+#include <functional>
+#include <list>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "simulator/VirtualPrinter.h"
+#include "tools/quorport/Options.h"
+#include "tools/quorport/simulate/HostConnection.h"
+#include "tools/quorport/simulate/Links.h"
+#include "tools/quorport/simulate/Listener.h"
+
+namespace quordalvane::tool {
+
+/// A printer at the place where hosts find it. It prints for one host at a time; others wait, are
+/// turned away, or come between two of its jobs.
+class Station {
+ public:
+  struct Habits {
+    HostRule hosts = HostRule::One;
+    ReceiptPer per = ReceiptPer::Job;
+  };
+
+  /// `keep` gets the paper of each job.
+  using Keeper = std::function<void(Station&, simulator::Paper)>;
+  Station(std::string name, std::unique_ptr<Listener> listener, simulator::PrinterState state,
+          simulator::Faults faults, Habits habits, Keeper keep);
+  Station(const Station&) = delete;
+  Station& operator=(const Station&) = delete;
+
+  /// The name that the user gave it; empty if none.
+  const std::string& name() const { return name_; }
+
+  /// Where hosts find it now, as a SPEC of a device.
+  std::string place() const { return listener_->place(); }
+
+  simulator::VirtualPrinter& printer() { return printer_; }
+  Links& links() { return links_; }
+
+  /// Adds what it waits for.
+  void await(std::vector<pollfd>& awaited) const;
+
+  /// When it must work without anything that was waited for; empty if never.
+  std::optional<simulator::Instant> nextEvent(simulator::Instant now) const;
+
+  /// Lets time pass for the printer; then does all that can be done for hosts now.
+  void advance(simulator::Instant now);
+  void work(simulator::Instant now);
+
+  /// Lets the host go and takes the rest of the paper.
+  void close();
+
+ private:
+  void welcome(simulator::Instant now);
+  bool acceptHost(simulator::Instant now);
+  void turnAway();
+  void takeTurns(simulator::Instant now);
+  bool mayMakeRoom(simulator::Instant now) const;
+  bool listensNow() const;
+  bool hostMakesWay() const;
+  bool hostMayHaveLeft() const;
+  bool somebodyComes() const;
+  void collectPaper(simulator::Instant now);
+  std::optional<simulator::Instant> endOfJob() const;
+
+  const std::string name_;
+  const Habits habits_;
+  const Keeper keep_;
+  std::unique_ptr<Listener> listener_;
+  simulator::VirtualPrinter printer_;
+  Links links_;
+  std::optional<HostConnection> host_;
+  std::list<std::unique_ptr<Line>> waiting_;  // connected hosts whose turn comes later
+};
+
+}  // namespace quordalvane::tool
