@@ -171,7 +171,7 @@ std::string Descriptor::portState() const {
   if (!isUsb(kind_) || ::ioctl(number_, LPGETSTATUS, &status) != 0) {
     return "";
   }
-  const std::string state = inWords(status);
+  std::string state = inWords(status);
   if (kind_ == Kind::UsbPrinter) {
     return state;
   }

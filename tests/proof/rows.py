@@ -3,7 +3,7 @@
 import sys
 from dataclasses import dataclass
 
-from steps import ROOT, Portions, Step, fuzzing, seeds, testing
+from steps import ROOT, Portions, Step, booting, fuzzing, seeds, testing
 
 
 @dataclass(frozen=True)
@@ -113,6 +113,10 @@ ROWS = (
         (processes("kill_sweep_test.py", QUOR_KILL_POINTS=(16, "all", "all")),
          processes("crowd_test.py", QUOR_CROWD_NAMES=(40, 1000, 1000)),
          processes("command_storage_test.py"), tests("build/bin/journal_tests")), WHOLE_ROW),
+    Row("machine", "A real kernel", "in a virtual machine: the duties of a link at the kernel's driver of USB printers, and "
+        "printers that are pulled at each kilobyte of a job, stall, fall silent, are held by others or come in twos",
+        (Step(("ctest", "--test-dir", "build", "--verbose", "--tests-regex", "^machine/Usb"), {}, booting),),
+        "all of it, with `--real`"),
     Row("coverage", "Branch coverage", "of the port, the parsers, the print job, the logger, the back ends, the C interface "
         "and the virtual printer's replies", (Step(python("coverage.py", "build-coverage")),), NOTHING),
     Row("mutation", "Mutation", "small changes of the same rooms, drawn by a seed, are noticed",

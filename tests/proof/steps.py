@@ -101,6 +101,13 @@ def fuzzing(unit: Unit) -> tuple[int, list[str]]:
     return sum(int(match.group(1)) for line in lines if (match := re.search(r": (\d+) inputs", line))), lines
 
 
+def booting(unit: Unit) -> tuple[int, list[str]]:
+    """Virtual machines, which count the cases that ran in them; each line of the output has its test's number first."""
+    text = execute(unit.command, unit.environment)
+    cases = [int(count) for count in re.findall(r"^\d+: (\d+) cases\b", text, re.M)]
+    return sum(cases), text.strip().splitlines()
+
+
 def testing(unit: Unit) -> tuple[int, list[str]]:
     """A test program, in as many processes as there are cores. Its tests count their cases in their report."""
     with ThreadPoolExecutor(CORES) as pool:
