@@ -115,6 +115,16 @@ class Printing(Application):
         eventually(lambda: "printer-state-reasons (keyword) = none" in self.ipptool("get-printer-attributes.test"),
                    "the reason is gone")
 
+    def test_jobs_that_wait_are_printed_in_the_order_in_which_they_arrived(self):
+        self.printer.set(coverOpen=True)
+        for number in range(1, 7):
+            self.print(b"job %d\n" % number)
+        eventually(lambda: self.jobs()[1][1] == "waiting: cover open", "the first one waits")
+        self.printer.set(coverOpen=False)
+        for number in range(1, 7):
+            self.await_state("completed", number)
+        self.assertEqual([text.split("\n")[0] for text in self.printed()], [f"job {number}" for number in range(1, 7)])
+
     def test_a_job_that_waits_can_be_canceled(self):
         self.printer.set(coverOpen=True)
         self.print(TEXT)
@@ -146,8 +156,8 @@ class Restarting(Application):
 
     def test_jobs_that_waited_are_printed_once_after_a_kill(self):
         self.printer.set(coverOpen=True)
-        for _ in range(3):
-            self.print(TEXT)
+        for number in (1, 2, 3):
+            self.print(b"job %d\n" % number)
         eventually(lambda: self.jobs()[1][1] == "waiting: cover open", "the job waits")
         self.saved(1)
         eventually(lambda: 'id="3"' in (self.folder / "state/printers.conf").read_text(), "all are saved")
@@ -155,7 +165,7 @@ class Restarting(Application):
         self.printer.set(coverOpen=False)
         for job in (1, 2, 3):
             self.await_state("completed", job)
-        self.assertEqual(len(self.printed()), 3)
+        self.assertEqual([text.split("\n")[0] for text in self.printed()], ["job 1", "job 2", "job 3"])
 
     def test_a_job_that_was_being_printed_at_a_kill_is_told_and_not_repeated(self):
         self.printer.set(speed=200)

@@ -13,6 +13,7 @@
 #include "tools/printer-app/DeviceUri.h"
 #include "tools/printer-app/Documents.h"
 #include "tools/printer-app/JobDelivery.h"
+#include "tools/printer-app/JobOrder.h"
 #include "tools/printer-app/Model.h"
 #include "tools/printer-app/Reasons.h"
 #include "tools/printer-app/SavedState.h"
@@ -55,8 +56,8 @@ void addModels(pappl_system_t* system) {
                                nullptr, describePrinter, nullptr);
 }
 
-bool saveState(pappl_system_t* system, void* file) {
-  return papplSystemSaveState(system, static_cast<const std::string*>(file)->c_str());
+bool save(pappl_system_t* system, void* file) {
+  return saveState(system, *static_cast<const std::string*>(file));
 }
 
 bool setPassword(pappl_system_t* system, const std::string& file) {
@@ -72,17 +73,20 @@ bool setPassword(pappl_system_t* system, const std::string& file) {
   return true;
 }
 
-// The framework loads jobs that wait, and leaves them waiting until a new one arrives.
+// The framework leaves waiting jobs alone until another one ends or arrives: those that it has
+// loaded, and those after one that was canceled while it waited.
 bool startWaitingJobs(pappl_system_t* system, void* /*data*/) {
   papplSystemIteratePrinters(
       system,
       [](pappl_printer_t* printer, void* /*data*/) {
-        if (papplPrinterGetState(printer) == IPP_PSTATE_IDLE) {
+        if (papplPrinterGetState(printer) == IPP_PSTATE_IDLE &&
+            papplPrinterGetNumberOfActiveJobs(printer) > 0) {
+          letOldestGoNext(printer);
           papplPrinterResume(printer);
         }
       },
       nullptr);
-  return false;  // once
+  return true;
 }
 
 pappl_loglevel_t levelNamed(const std::string& name) {
@@ -119,7 +123,6 @@ pappl_system_t* makeSystem(int count, cups_option_t* options, void* /*data*/) {
     return nullptr;
   }
   papplSystemSetFooterHTML(system, "QuorIOPort");
-  papplSystemAddListeners(system, host == "*" ? nullptr : host.c_str());
   if (isForOthers) {
     if (!setPassword(system, optionOf(count, options, "password-file", ""))) {
       return nullptr;
@@ -130,7 +133,7 @@ pappl_system_t* makeSystem(int count, cups_option_t* options, void* /*data*/) {
   }
   addModels(system);
   addTextDocuments(system);
-  papplSystemSetSaveCallback(system, saveState, &stateFile);
+  papplSystemSetSaveCallback(system, save, &stateFile);
   try {
     letJobsWaitAgain(stateFile);
   } catch (const std::system_error& unwritten) {
@@ -138,7 +141,9 @@ pappl_system_t* makeSystem(int count, cups_option_t* options, void* /*data*/) {
     return nullptr;
   }
   papplSystemLoadState(system, stateFile.c_str());
-  papplSystemAddTimerCallback(system, std::time(nullptr), 0, startWaitingJobs, nullptr);
+  // Clients are heard once the printers are there.
+  papplSystemAddListeners(system, host == "*" ? nullptr : host.c_str());
+  papplSystemAddTimerCallback(system, std::time(nullptr), 1, startWaitingJobs, nullptr);
   return system;
 }
 

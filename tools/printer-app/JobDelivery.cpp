@@ -12,8 +12,10 @@
 #include "journal/NamedJob.h"
 #include "logging/Quoted.h"
 #include "tools/printer-app/DeviceUri.h"
+#include "tools/printer-app/JobOrder.h"
 #include "tools/printer-app/PrinterLink.h"
 #include "tools/printer-app/Reasons.h"
+#include "tools/printer-app/SavedState.h"
 
 namespace quordalvane::printer_app {
 namespace {
@@ -75,7 +77,7 @@ class Delivery {
         journal_(journalFile) {}
 
   bool run() {
-    papplSystemSaveState(papplPrinterGetSystem(printer_), stateFile.c_str());
+    saveState(papplPrinterGetSystem(printer_), stateFile);
     for (bool isWaiting = false; !papplJobIsCanceled(job_); isWaiting = true) {
       if (isWaiting) {
         std::this_thread::sleep_for(pause);
@@ -152,6 +154,7 @@ bool deliver(pappl_job_t* job, const std::vector<std::uint8_t>& data) {
   } catch (const std::exception& error) {
     papplJobSetMessage(job, "%s", printable(error.what()).c_str());
   }
+  letOldestGoNext(papplJobGetPrinter(job));
   return isPrinted;
 }
 

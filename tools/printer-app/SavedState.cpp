@@ -2,25 +2,20 @@
 
 #include <cerrno>
 #include <fstream>
+#include <mutex>
 #include <regex>
 #include <string>
 #include <system_error>
-#include <utility>
-
-#include "tools/printer-app/Pappl.h"
 
 namespace quordalvane::printer_app {
 namespace {
 
-bool isJob(const std::string& line) {
-  return line.starts_with("Job ");
-}
-
 // A line of the file is a job, with its attributes in quotation marks; a quotation mark in a value
 // has a backslash before it.
 std::string waiting(const std::string& line) {
-  static const std::regex processing(" state=\"(" + std::to_string(IPP_JSTATE_PROCESSING) + "|" +
-                                     std::to_string(IPP_JSTATE_STOPPED) + ")\"");
+  // Held, processing or stopped.
+  static const std::regex processing(" state=\"[" + std::to_string(IPP_JSTATE_HELD) + "-" +
+                                     std::to_string(IPP_JSTATE_STOPPED) + "]\"");
   static const std::regex since(" processing=\"[0-9]+\"");
   if (!std::regex_search(line, processing)) {
     return line;
@@ -29,7 +24,24 @@ std::string waiting(const std::string& line) {
   return std::regex_replace(std::regex_replace(line, processing, state), since, "");
 }
 
+// Where a file is written before it takes the place of the other.
+std::filesystem::path nextTo(const std::filesystem::path& file) {
+  return file.string() + ".next";
+}
+
 }  // namespace
+
+bool saveState(pappl_system_t* system, const std::filesystem::path& file) {
+  static std::mutex mutex;
+  const std::scoped_lock lock(mutex);
+  const std::filesystem::path next = nextTo(file);
+  std::error_code error;
+  if (papplSystemSaveState(system, next.c_str())) {
+    std::filesystem::rename(next, file, error);
+    return !error;
+  }
+  return false;
+}
 
 void letJobsWaitAgain(const std::filesystem::path& file) {
   std::ifstream in(file);
@@ -37,17 +49,10 @@ void letJobsWaitAgain(const std::filesystem::path& file) {
     return;
   }
   std::string lines;
-  std::string jobs;
   for (std::string line; std::getline(in, line);) {
-    if (isJob(line)) {
-      jobs.insert(0, waiting(line) + '\n');
-    } else {
-      lines += std::exchange(jobs, "") + line + '\n';
-    }
+    lines += (line.starts_with("Job ") ? waiting(line) : line) + '\n';
   }
-  lines += jobs;
-  // Beside it and then in its place: a process that ends here leaves the whole file.
-  const std::filesystem::path next = file.string() + ".next";
+  const std::filesystem::path next = nextTo(file);
   std::ofstream out(next, std::ios::trunc);
   out << lines;
   out.close();

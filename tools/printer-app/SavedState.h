@@ -2,13 +2,19 @@
 
 #include <filesystem>
 
+#include "tools/printer-app/Pappl.h"
+
 namespace quordalvane::printer_app {
 
+/// Saves the framework's printers and jobs in the file, which is whole at any moment: a process
+/// that is killed must not lose its printers. False if it cannot be written. May be called from any
+/// thread.
+bool saveState(pappl_system_t* system, const std::filesystem::path& file);
+
 /// Prepares the file in which the framework has saved its printers and jobs for being loaded. A job
-/// that was being printed when the process ended would stay so without end: it waits again, and the
-/// journal decides what becomes of it. The framework lists the newest job first and prints those it
-/// loads in the order of the list: the oldest is made the first. A file that is not there is left
-/// alone. Throws std::system_error if it cannot be written.
+/// that was being printed when the process ended would stay so without end, and one that was held
+/// for its turn as well: they wait again, and the journal decides what becomes of them. A file that
+/// is not there is left alone. Throws std::system_error if it cannot be written.
 void letJobsWaitAgain(const std::filesystem::path& file);
 
 }  // namespace quordalvane::printer_app

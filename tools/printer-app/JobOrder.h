@@ -1,0 +1,12 @@
+#pragma once
+
+#include "tools/printer-app/Pappl.h"
+
+namespace quordalvane::printer_app {
+
+/// Makes the oldest job that waits for the printer the next one. The framework would take the
+/// newest: so all others are held, and released in their turn. A job that a user holds remains so.
+/// May be called from any thread, and as often as one likes.
+void letOldestGoNext(pappl_printer_t* printer);
+
+}  // namespace quordalvane::printer_app
