@@ -158,6 +158,8 @@ constexpr std::array words = {
     Meaning{"connection-timeout", BluetoothError::HostDown},
     Meaning{"resource busy", BluetoothError::InUse},
     Meaning{"connection-busy", BluetoothError::InUse},
+    // The system makes no second connection to one channel.
+    Meaning{"create-socket", BluetoothError::InUse},
     Meaning{"already-connected", BluetoothError::InUse},
     Meaning{"refused", BluetoothError::Rejected},
     Meaning{"Permission denied", BluetoothError::Rejected},

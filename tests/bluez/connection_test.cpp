@@ -229,6 +229,7 @@ constexpr Refusal refusals[] = {
     {"org.bluez.Error.Failed", "br-connection-page-timeout", BluetoothError::HostDown},
     {"org.bluez.Error.Failed", "Connection refused (111)", BluetoothError::Rejected},
     {"org.bluez.Error.Failed", "Device or resource busy (16)", BluetoothError::InUse},
+    {"org.bluez.Error.Failed", "br-connection-create-socket", BluetoothError::InUse},
     {"org.bluez.Error.AlreadyConnected", "Already Connected", BluetoothError::InUse},
     {"org.bluez.Error.InProgress", "In Progress", BluetoothError::InUse},
     {"org.bluez.Error.Rejected", "Rejected", BluetoothError::Rejected},
