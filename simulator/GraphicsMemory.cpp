@@ -115,8 +115,8 @@ GraphicsMemory::Outcome GraphicsMemory::apply(ByteView command) {
     case 0x1c71:
       return storeNumbered(command);
     case 0x1d2a:
-      return store(downloadedImage, {fromColumns(command.subspan(4), command[2] * 8U,
-                                                 command[3] * 8U, 1, 1)});
+      return store(downloadedImage,
+                   {fromColumns(command.subspan(4), command[2] * 8U, command[3] * 8U, 1, 1)});
     case 0x1d2f:
       return print(downloadedImage, scaleIn(command[2], 1), scaleIn(command[2], 2));
     default:
@@ -144,8 +144,9 @@ GraphicsMemory::Outcome GraphicsMemory::applyGraphics(ByteView parameters) {
       return erase(memory, memory + memorySize);
     case 66:
     case 82:
-      return parameters.size() < 4 ? Outcome::Unknown
-                                   : erase(memory + word(parameters, 2), memory + word(parameters, 2) + 1);
+      return parameters.size() < 4
+                 ? Outcome::Unknown
+                 : erase(memory + word(parameters, 2), memory + word(parameters, 2) + 1);
     case 67:
     case 68:
     case 83:
@@ -187,8 +188,7 @@ GraphicsMemory::Outcome GraphicsMemory::print(unsigned key, unsigned scaleX, uns
   }
   image_.clear();
   for (const Bitmap& layer : found->second) {
-    image_.push_back(
-        enlarged(layer, std::clamp(scaleX, 1U, 2U), std::clamp(scaleY, 1U, 2U)));
+    image_.push_back(enlarged(layer, std::clamp(scaleX, 1U, 2U), std::clamp(scaleY, 1U, 2U)));
   }
   return Outcome::Print;
 }
@@ -249,8 +249,8 @@ GraphicsMemory::Outcome GraphicsMemory::define(ByteView parameters, unsigned mem
   }
   const unsigned width = word(parameters, 6);
   const unsigned height = word(parameters, 8);
-  const std::size_t bytes = byColumns ? std::size_t{(height + 7) / 8} * width
-                                      : std::size_t{(width + 7) / 8} * height;
+  const std::size_t bytes =
+      byColumns ? std::size_t{(height + 7) / 8} * width : std::size_t{(width + 7) / 8} * height;
   Image image;
   std::size_t at = 10;
   for (unsigned colour = 0; colour < parameters[5]; ++colour) {

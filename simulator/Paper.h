@@ -34,9 +34,7 @@ struct TextStyle {
   std::uint8_t spacing = 0;       ///< dots to the right of each character, of single width
 
   bool operator==(const TextStyle&) const = default;
-  unsigned glyphWidth() const {
-    return (smallFont ? 9U : 12U) * (wide ? 2U : 1U) * widthFactor;
-  }
+  unsigned glyphWidth() const { return (smallFont ? 9U : 12U) * (wide ? 2U : 1U) * widthFactor; }
   unsigned glyphHeight() const { return (smallFont ? 17U : 24U) * heightFactor; }
   unsigned cellWidth() const {
     return (rotated ? glyphHeight() : glyphWidth()) + spacing * widthFactor;
@@ -125,9 +123,9 @@ struct Symbol {
   Symbology symbology = Symbology::Code128;
   std::string data;
   unsigned moduleWidth = 3;
-  unsigned rowHeight = 162;   ///< of a bar code the whole height
-  unsigned level = 0;         ///< of error correction, 0: the symbology's own choice
-  unsigned columns = 0;       ///< 0: the symbology's own choice
+  unsigned rowHeight = 162;  ///< of a bar code the whole height
+  unsigned level = 0;        ///< of error correction, 0: the symbology's own choice
+  unsigned columns = 0;      ///< 0: the symbology's own choice
   bool textAbove = false;
   bool textBelow = false;
   bool smallText = false;

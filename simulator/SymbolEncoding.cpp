@@ -139,6 +139,9 @@ void setOptions(zint_symbol& library, const Symbol& symbol) {
     case Symbology::MaxiCode:
       library.option_1 = columns >= 4 && columns <= 6 ? columns : 4;
       return;
+    case Symbology::DataMatrix:
+      library.option_3 = DM_SQUARE;
+      return;
     default:
       return;
   }
@@ -156,13 +159,12 @@ void copyModules(const zint_symbol& library, Bitmap& modules) {
 
 EncodedSymbol encodedFrom(const zint_symbol& library, Symbology symbology) {
   const int rows = isBarCode(symbology) ? 1 : library.rows;
-  EncodedSymbol encoded{
-      Bitmap(static_cast<unsigned>(library.width), static_cast<unsigned>(rows)),
-      {},
-      reinterpret_cast<const char*>(library.text)};
+  EncodedSymbol encoded{Bitmap(static_cast<unsigned>(library.width), static_cast<unsigned>(rows)),
+                        {},
+                        reinterpret_cast<const char*>(library.text)};
   copyModules(library, encoded.modules);
-  const bool hasUnevenRows = symbology >= Symbology::DataBarStacked &&
-                             symbology <= Symbology::DataBarExpandedStacked;
+  const bool hasUnevenRows =
+      symbology >= Symbology::DataBarStacked && symbology <= Symbology::DataBarExpandedStacked;
   for (int row = 0; hasUnevenRows && row < rows; ++row) {
     encoded.rowHeights.push_back(
         std::max(1U, static_cast<unsigned>(library.row_height[row] + 0.5F)));

@@ -17,12 +17,12 @@ constexpr std::uint8_t firstCounted = 65;
 constexpr std::size_t mostData = 7089;  // digits in the largest symbol of all
 
 constexpr Symbology symbologyTable[] = {
-    Symbology::UpcA,       Symbology::UpcE,
-    Symbology::Ean13,      Symbology::Ean8,
-    Symbology::Code39,     Symbology::Interleaved,
-    Symbology::Codabar,    Symbology::Code93,
-    Symbology::Code128,    Symbology::Gs1Code128,
-    Symbology::DataBar,    Symbology::DataBarTruncated,
+    Symbology::UpcA,           Symbology::UpcE,
+    Symbology::Ean13,          Symbology::Ean8,
+    Symbology::Code39,         Symbology::Interleaved,
+    Symbology::Codabar,        Symbology::Code93,
+    Symbology::Code128,        Symbology::Gs1Code128,
+    Symbology::DataBar,        Symbology::DataBarTruncated,
     Symbology::DataBarLimited, Symbology::DataBarExpanded,
     Symbology::Code128,  // the printer chooses the code sets
 };
@@ -211,7 +211,8 @@ SymbolSetter::Outcome SymbolSetter::set(Symbol& symbol, ByteView command) {
       return Outcome::Stored;
     case setCorrection:
       // PDF417 and Aztec say first how they count; a level of PDF417 is a digit.
-      symbol.level = isPdf417 && command.size() > 8 ? numberOf(command[8]) + 1 : numberOf(command[7]) + 1;
+      symbol.level =
+          isPdf417 && command.size() > 8 ? numberOf(command[8]) + 1 : numberOf(command[7]) + 1;
       return Outcome::Stored;
     case setOptions:
       symbol.symbology = numberOf(command[7]) == 1 ? Symbology::TruncatedPdf417 : Symbology::Pdf417;
@@ -231,9 +232,13 @@ Bytes SymbolSetter::sizeReply(ByteView command) const {
   }
   const Symbol& symbol = stored_[static_cast<std::size_t>(kind - kinds)];
   const auto encoded = encode(symbol);
-  const std::string width = std::to_string(encoded ? encoded->modules.width * symbol.moduleWidth : 0);
+  const std::string width =
+      std::to_string(encoded ? encoded->modules.width * symbol.moduleWidth : 0);
   const std::string height = std::to_string(encoded ? encoded->heightIn(symbol) : 0);
-  const std::string text = width + '\x1f' + height + "\x1f" "1\x1f" + (encoded ? '0' : '1');
+  const std::string text = width + '\x1f' + height +
+                           "\x1f"
+                           "1\x1f" +
+                           (encoded ? '0' : '1');
   Bytes reply = {0x37, kind->replyId};
   reply.insert(reply.end(), text.begin(), text.end());
   reply.push_back(0);

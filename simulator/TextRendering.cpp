@@ -56,9 +56,8 @@ class TextPage {
   void show(const Symbol& symbol) {
     const std::string name = symbologyName(symbol.symbology);
     const auto encoded = encode(symbol);
-    const std::string words = encoded
-                                  ? name + " " + printable(readableData(symbol, *encoded))
-                                  : "no " + name + " of " + printable(symbol.data);
+    const std::string words = encoded ? name + " " + printable(readableData(symbol, *encoded))
+                                      : "no " + name + " of " + printable(symbol.data);
     write(widened("[" + words + "]"), symbol.place.alignment);
   }
 
@@ -74,8 +73,7 @@ class TextPage {
     const auto dots = static_cast<unsigned>(std::max(feed.dots, 0));
     const unsigned lines = (dots + lineSpacing / 2) / lineSpacing;
     if (lines > mostEmptyLines) {
-      write(widened("[feed " + std::to_string(dots / dotsPerMillimetre) + " mm]"),
-            Alignment::Left);
+      write(widened("[feed " + std::to_string(dots / dotsPerMillimetre) + " mm]"), Alignment::Left);
     } else {
       text_.append(lines, '\n');
     }

@@ -5,13 +5,13 @@
 #include <functional>
 #include <string>
 
+#include "simulator/TextRendering.h"
+#include "simulator/Utf8.h"
 #include "simulator/drawing/PaperLayout.h"
 #include "simulator/drawing/PaperPainter.h"
 #include "simulator/drawing/Plane.h"
 #include "simulator/drawing/PngWriter.h"
 #include "simulator/drawing/TextDrawing.h"
-#include "simulator/TextRendering.h"
-#include "simulator/Utf8.h"
 
 namespace quordalvane::simulator {
 namespace {
@@ -80,7 +80,9 @@ std::vector<std::string> remarkLines(const Paper& paper) {
 class BandedPicture {
  public:
   explicit BandedPicture(const Paper& paper)
-      : paperWidth_(paper.width()), layout_(paper, tableMargin, margins), remarks_(remarkLines(paper)) {}
+      : paperWidth_(paper.width()),
+        layout_(paper, tableMargin, margins),
+        remarks_(remarkLines(paper)) {}
 
   unsigned width() const { return paperWidth_ + 2 * (sideMargin + tableMargin); }
 
@@ -126,9 +128,8 @@ class BandedPicture {
   void drawBackground(Bytes& row, unsigned y) const {
     std::fill(row.begin(), row.end(), table);
     const auto& pieces = layout_.pieces();
-    const auto piece = std::find_if(pieces.begin(), pieces.end(), [&](const Piece& one) {
-      return y < one.bottom + shadowWidth;
-    });
+    const auto piece = std::find_if(pieces.begin(), pieces.end(),
+                                    [&](const Piece& one) { return y < one.bottom + shadowWidth; });
     if (piece == pieces.end() || y < piece->top) {
       return;
     }
@@ -165,9 +166,9 @@ class BandedPicture {
     for (unsigned x = 0; x < paperWidth_; ++x) {
       if (print[x] != Plane::bare) {
         std::uint8_t& dot = row[leftEdge + x];
-        dot = static_cast<std::uint8_t>(dot >= paperDot
-                                            ? paperDot + print[x] * (mostInk - paperDot) / Plane::ink
-                                            : table + print[x] * (mostRemark - table) / Plane::ink);
+        dot = static_cast<std::uint8_t>(
+            dot >= paperDot ? paperDot + print[x] * (mostInk - paperDot) / Plane::ink
+                            : table + print[x] * (mostRemark - table) / Plane::ink);
       }
     }
   }

@@ -19,8 +19,8 @@ unsigned pageHeight(const Page& page, const std::vector<std::shared_ptr<PaperLay
   for (std::size_t i = 0; i < areas.size(); ++i) {
     const PageArea& area = page.areas[i];
     const bool isCutShort = page.endsWithPrint && area.direction == 0;
-    end = std::max(end, area.y + (isCutShort ? std::min(areas[i]->bottom(), area.height)
-                                             : area.height));
+    end = std::max(end,
+                   area.y + (isCutShort ? std::min(areas[i]->bottom(), area.height) : area.height));
   }
   return end;
 }
@@ -64,8 +64,8 @@ unsigned PaperLayout::heightOf(PlacedItem& placed) const {
   }
   if (const auto* symbol = std::get_if<Symbol>(placed.item)) {
     placed.symbol = encode(*symbol);
-    const unsigned height = placed.symbol ? placed.symbol->heightIn(*symbol) + textHeightOf(*symbol)
-                                          : textHeight;
+    const unsigned height =
+        placed.symbol ? placed.symbol->heightIn(*symbol) + textHeightOf(*symbol) : textHeight;
     return height + 2 * symbolSpace;
   }
   if (const auto* page = std::get_if<Page>(placed.item)) {

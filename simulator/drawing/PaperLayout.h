@@ -16,7 +16,7 @@ struct PlacedItem {
   int top = 0;
   unsigned height = 0;
   const PaperItem* item = nullptr;
-  std::optional<EncodedSymbol> symbol{};         ///< of a symbol; empty if it cannot be encoded
+  std::optional<EncodedSymbol> symbol{};  ///< of a symbol; empty if it cannot be encoded
   std::vector<std::shared_ptr<PaperLayout>> areas{};  ///< of a page
 };
 

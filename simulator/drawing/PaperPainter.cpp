@@ -4,8 +4,8 @@
 #include <cmath>
 #include <string>
 
-#include "simulator/drawing/TextDrawing.h"
 #include "simulator/Utf8.h"
+#include "simulator/drawing/TextDrawing.h"
 
 namespace quordalvane::simulator {
 namespace {

@@ -24,9 +24,9 @@ void Plane::fill(int x, int y, unsigned width, unsigned height, std::uint8_t dar
   const Range columns = within(x, width, width_);
   const Range rows = within(y, height, height_);
   for (unsigned row = rows.begin; row < rows.end; ++row) {
-    std::fill_n(dots_.begin() + static_cast<std::ptrdiff_t>(std::size_t{row} * width_) +
-                    columns.begin,
-                columns.end - columns.begin, darkness);
+    std::fill_n(
+        dots_.begin() + static_cast<std::ptrdiff_t>(std::size_t{row} * width_) + columns.begin,
+        columns.end - columns.begin, darkness);
   }
 }
 
@@ -72,8 +72,7 @@ Plane Plane::turned(unsigned quarters) const {
   Plane once(height_, width_);
   for (unsigned y = 0; y < height_; ++y) {
     for (unsigned x = 0; x < width_; ++x) {
-      once.dots_[std::size_t{x} * height_ + (height_ - 1 - y)] =
-          dots_[std::size_t{y} * width_ + x];
+      once.dots_[std::size_t{x} * height_ + (height_ - 1 - y)] = dots_[std::size_t{y} * width_ + x];
     }
   }
   return once.turned(quarters - 1);

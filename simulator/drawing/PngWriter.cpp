@@ -25,8 +25,7 @@ struct PngWriter::Stream {
 };
 
 PngWriter::PngWriter(unsigned width, unsigned height, const Palette& palette)
-    : stream_(std::make_unique<Stream>()),
-      file_({0x89, 'P', 'N', 'G', 0x0d, 0x0a, 0x1a, 0x0a}) {
+    : stream_(std::make_unique<Stream>()), file_({0x89, 'P', 'N', 'G', 0x0d, 0x0a, 0x1a, 0x0a}) {
   // The lowest level: the picture of a receipt is mostly bare paper, and the others cost more time
   // than they save in bytes.
   stream_->works = deflateInit(&stream_->deflate, 1) == Z_OK;

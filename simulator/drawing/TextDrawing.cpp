@@ -139,8 +139,8 @@ void drawText(Plane& plane, std::u32string_view characters, const TextStyle& sty
   const std::scoped_lock lock(cache.mutex);
   for (const char32_t character : characters) {
     if (character != U' ') {
-      const Plane& glyph = cache.glyph({character, style.bold, style.wide, style.glyphWidth(),
-                                        style.glyphHeight()});
+      const Plane& glyph =
+          cache.glyph({character, style.bold, style.wide, style.glyphWidth(), style.glyphHeight()});
       if (style.rotated) {
         plane.draw(glyph.turned(1), x, y, darkness);
       } else {

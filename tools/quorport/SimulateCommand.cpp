@@ -42,8 +42,8 @@ Server::Host hostIn(const std::string& spec) {
   }
   const std::string name = spec.substr(begin + key.size());
   if (name.empty() || name != printable(name)) {
-    throw CommandFailure(ExitCode::Usage, "--listen takes a name of printable characters, not " +
-                                       inQuotes(name));
+    throw CommandFailure(ExitCode::Usage,
+                         "--listen takes a name of printable characters, not " + inQuotes(name));
   }
   return {name, listenAt(spec.substr(0, begin))};
 }
@@ -65,12 +65,11 @@ Report simulate(const Options& options, const Surroundings& surroundings) {
     places.hosts.push_back(hostIn(spec));
   }
   const Station::Habits ofPrinters = {.hosts = options.simulate.hosts, .per = options.simulate.per};
-  const unsigned long notOk = Server(printer.state(), printer.faults(), std::move(places),
-                                     {.asJson = options.json,
-                                      .strict = options.simulate.strict,
-                                      .printer = ofPrinters},
-                                     surroundings.streams)
-                                  .run();
+  const unsigned long notOk =
+      Server(printer.state(), printer.faults(), std::move(places),
+             {.asJson = options.json, .strict = options.simulate.strict, .printer = ofPrinters},
+             surroundings.streams)
+          .run();
   Report report;
   if (notOk > 0) {
     report.code = ExitCode::ExchangeFailed;

@@ -3,8 +3,8 @@
 #include <random>
 
 #include "simulator/CommandLengths.h"
-#include "simulator/drawing/ImageRendering.h"
 #include "simulator/TextRendering.h"
+#include "simulator/drawing/ImageRendering.h"
 #include "tests/unit/simulator/Session.h"
 
 namespace quordalvane::simulator {

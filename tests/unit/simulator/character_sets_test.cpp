@@ -5,9 +5,9 @@
 #include <stdexcept>
 
 #include "simulator/CodePages.h"
-#include "simulator/drawing/ImageRendering.h"
 #include "simulator/TextRendering.h"
 #include "simulator/Utf8.h"
+#include "simulator/drawing/ImageRendering.h"
 #include "tests/unit/simulator/Session.h"
 
 namespace quordalvane::simulator {

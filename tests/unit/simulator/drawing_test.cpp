@@ -109,8 +109,9 @@ TEST(Graphics, AreKeptUnderAKeyAndErased) {
 }
 
 TEST(Graphics, OfTwoColoursAreInkAndGrey) {
-  const Print print("1d284c 0b00 30 70 30 01 01 31 0800 0100 f0 "
-                    "1d284c 0b00 30 70 30 01 01 32 0800 0100 0f 1d284c 0200 30 32");
+  const Print print(
+      "1d284c 0b00 30 70 30 01 01 31 0800 0100 f0 "
+      "1d284c 0b00 30 70 30 01 01 32 0800 0100 0f 1d284c 0200 30 32");
   EXPECT_GT(print.darkness(0, 0), 200U);
   EXPECT_LT(print.darkness(7, 0), 170U);
   EXPECT_GT(print.darkness(7, 0), 80U);

@@ -34,8 +34,8 @@ std::string specOf(const Station& station) {
 
 }  // namespace
 
-Server::Server(const simulator::PrinterState& state, const simulator::Faults& faults,
-               Places places, Habits habits, const Streams& streams)
+Server::Server(const simulator::PrinterState& state, const simulator::Faults& faults, Places places,
+               Habits habits, const Streams& streams)
     : streams_(streams),
       habits_(habits),
       places_(std::move(places)),
@@ -107,8 +107,7 @@ void Server::announce() {
     lines += "listening " + place + "\n";
   }
   const Json object = {{"listening", places}, {"web", nullptr}};
-  const auto outcome =
-      writeAll(streams_.out, habits_.asJson ? inOneLine(object) + "\n" : lines);
+  const auto outcome = writeAll(streams_.out, habits_.asJson ? inOneLine(object) + "\n" : lines);
   if (outcome.error) {
     complain("standard output does not take where it listens: " + outcome.error.message(),
              streams_);

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "tools/quorport/Options.h"
 #include "tools/process/Signals.h"
+#include "tools/quorport/Options.h"
 #include "tools/quorport/Streams.h"
 #include "tools/quorport/simulate/Control.h"
 #include "tools/quorport/simulate/ControlChannel.h"

@@ -60,8 +60,8 @@ void Station::await(std::vector<pollfd>& awaited) const {
 
 // Somebody who waits is looked at when the host has been quiet for long enough, not before.
 std::optional<Instant> Station::nextEvent(Instant now) const {
-  std::optional<Instant> next = earlier(
-      links_.nextEvent(), host_ ? host_->nextEvent(now) : printer_.nextEvent());
+  std::optional<Instant> next =
+      earlier(links_.nextEvent(), host_ ? host_->nextEvent(now) : printer_.nextEvent());
   if (const auto end = endOfJob(); end && *end > now) {
     next = earlier(next, end);
   }

@@ -1,0 +1,88 @@
+"""Client libraries from the npm registry print to the virtual printer as if it were a printer.
+
+Usage: clients_test.py FOLDER. The libraries, each of one version, are installed into FOLDER. Without npm or
+without the registry the test is skipped, and says so.
+"""
+
+import json
+import os
+import random
+import shutil
+import subprocess
+import sys
+import unittest
+from pathlib import Path
+
+QUORPORT = os.environ["QUORPORT"]
+HERE = Path(__file__).parent
+FOLDER = Path(sys.argv.pop(1))
+DEADLINE = 60  # seconds
+SKIPPED = 77
+
+# The printers of receiptio that speak the common ESC/POS; its others have a maker's own language.
+MODES = ("escpos", "epson", "citizen", "fit", "impact", "impactb", "generic")
+
+
+def install() -> str:
+    """An empty text, or why it cannot be done."""
+    if not shutil.which("npm"):
+        return "npm is not installed"
+    FOLDER.mkdir(parents=True, exist_ok=True)
+    for name in ("package.json", "package-lock.json", "clients.js"):
+        shutil.copy(HERE / name, FOLDER)
+    ran = subprocess.run(["npm", "ci", "--ignore-scripts", "--no-audit", "--no-fund", "--loglevel=error"], cwd=FOLDER,
+                         capture_output=True, text=True, timeout=300, check=False)
+    unreachable = any(sign in ran.stderr for sign in ("ENOTFOUND", "ECONNREFUSED", "EAI_AGAIN", "ETIMEDOUT"))
+    if unreachable:
+        return "the npm registry cannot be reached: " + ran.stderr.strip()
+    assert ran.returncode == 0, ran.stderr
+    return ""
+
+
+class Clients(unittest.TestCase):
+    def setUp(self):
+        # An address of its own, since one of them knows no other port.
+        self.host = "127." + ".".join(str(random.randint(1, 250)) for _ in range(3))
+        self.printer = subprocess.Popen(
+            [QUORPORT, "--json", "simulate", "--strict", "--set", "profile=escpos-80", "--listen",
+             f"tcp:{self.host}:9100", "--receipts", FOLDER / "receipts"],
+            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, text=True)
+        self.addCleanup(self.printer.stdout.close)
+        self.addCleanup(self.printer.wait)
+        self.addCleanup(self.printer.terminate)
+        self.printer.stdout.readline()
+
+    def check(self, client: str, mode: str = ""):
+        ran = subprocess.run(["node", "clients.js", client, self.host, "9100", mode], cwd=FOLDER, capture_output=True,
+                             text=True, timeout=DEADLINE, check=False)
+        said = ran.stdout.strip().splitlines()[-1:]
+        self.assertEqual(said, ["success"], (mode, ran))
+        job = json.loads(self.printer.stdout.readline())
+        self.assertTrue(job["ok"], (mode, job))
+        paper = next(file for file in job["files"] if file.endswith(".txt"))
+        text = Path(paper).read_text(encoding="utf-8")
+        self.assertIn("Total 4.20", text, mode)
+        return text
+
+    def test_receiptio_prints_and_finds_the_printer_on_line_in_each_mode(self):
+        for mode in MODES:
+            self.check("receiptio", mode)
+
+    def test_node_thermal_printer_is_connected_and_prints(self):
+        self.check("node-thermal-printer")
+
+    def test_escpos_prints(self):
+        self.check("escpos")
+
+    def test_node_escpos_gets_every_status_and_prints(self):
+        self.check("@node-escpos")
+
+    def test_receipt_printer_encoder_chooses_code_pages_that_the_printer_has(self):
+        self.assertIn("Grüße €", self.check("receipt-printer-encoder"))
+
+
+if __name__ == "__main__":
+    if why := install():
+        print(why)
+        sys.exit(SKIPPED)
+    unittest.main()
