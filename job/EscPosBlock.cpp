@@ -4,6 +4,7 @@
 
 #include "iphone-IOPort/Commands.h"
 #include "iphone-IOPort/PortC.h"
+#include "job/HearOut.h"
 #include "job/RealTimeStatus.h"
 #include "job/StatusText.h"
 
@@ -13,6 +14,7 @@ namespace {
 constexpr std::uint32_t statusLevel = 2;
 constexpr std::uint8_t countOfOneMark = 1;
 constexpr std::uint8_t countOfTwoMarks = 2;
+constexpr std::uint8_t oneStatusRequest[] = {0x10, 0x04, 0x01};
 
 // A mark, and a question whose answer follows the mark's report or shows that there is no report.
 constexpr std::uint8_t markAndRequest[] = {0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00, 0x10, 0x04, 0x01};
@@ -22,6 +24,9 @@ constexpr auto timeToEnd = std::chrono::seconds(2);
 
 }  // namespace
 
+EscPosBlock::EscPosBlock(PortLink& link, PrintResult& result)
+    : CheckedBlock(link, result), memory_(memoryOf(link.port().shared_from_this())) {}
+
 ByteView EscPosBlock::request() const {
   return statusRequest;
 }
@@ -29,6 +34,12 @@ ByteView EscPosBlock::request() const {
 /// The port's beginning drops the data that the printer holds. A printer that is off line may hold
 /// an earlier job that it will print, so it is asked before.
 MaybeSetback EscPosBlock::prepare() {
+  const auto& escPos = answers().escPos();
+  if (memory_.mayOweMarks &&
+      !hearOut(link(), oneStatusRequest, [&] { return escPos.realTimeCount(); })) {
+    return Setback{PrintObstacle::ExchangeFailed,
+                   "the printer still owes answers to an earlier job"};
+  }
   return refuseUnready(link(), answers().escPos(), result());
 }
 
@@ -41,6 +52,7 @@ MaybeSetback EscPosBlock::judgeReadiness() {
 
 MaybeSetback EscPosBlock::markBeginning() {
   report_.clear();
+  memory_.mayOweMarks = true;
   if (auto setback = exchange(markAndRequest)) {
     return setback;
   }
@@ -61,7 +73,9 @@ MaybeSetback EscPosBlock::end(ByteView data) {
   }
   link().drain();
   report_.clear();
-  return CheckedBlock::end(data);
+  auto setback = CheckedBlock::end(data);
+  memory_.mayOweMarks = setback.has_value();
+  return setback;
 }
 
 /// As the port ends a block; with a last status also if the port had to be left before.

@@ -5,13 +5,14 @@
 
 #include "job/BlockReport.h"
 #include "job/CheckedBlock.h"
+#include "job/PortMemory.h"
 
 namespace quordalvane {
 
 /// The checked block of ESC/POS: the printer reports each mark by itself.
 class EscPosBlock final : public CheckedBlock {
  public:
-  EscPosBlock(PortLink& link, PrintResult& result) : CheckedBlock(link, result) {}
+  EscPosBlock(PortLink& link, PrintResult& result);
 
   MaybeSetback end(ByteView data) override;
   void bytesRead(ByteView bytes) override;
@@ -27,6 +28,7 @@ class EscPosBlock final : public CheckedBlock {
   MaybeSetback judgeProof() const override;
   void stopIfReported();
 
+  PortMemory& memory_;
   BlockReport report_;
   bool isFirstMarkReported_ = false;
   bool awaitsReport_ = false;

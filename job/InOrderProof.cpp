@@ -1,57 +1,27 @@
 #include "job/InOrderProof.h"
 
+#include "job/HearOut.h"
 #include "job/PrintData.h"
 
 namespace quordalvane {
-namespace {
-
-// Answers that a printer owes follow one another at once.
-constexpr auto quiet = std::chrono::seconds(1);
-
-// A printer that goes on and on is not heard out.
-constexpr std::uint64_t mostOwed = 1000;
-
-}  // namespace
 
 InOrderProof::InOrderProof(PortLink& link, PrintResult& result)
     : EndSign(link, result), memory_(memoryOf(link.port().shared_from_this())) {}
 
 /// A question before the data: answered at once by a printer that holds nothing.
 MaybeSetback InOrderProof::prepare() {
-  if (memory_.mayOweInOrder && !hearOut()) {
+  const auto count = [this] { return answers().inOrderCount(); };
+  if (memory_.mayOweInOrder && !hearOut(link(), inOrderRequest, count)) {
     return std::nullopt;  // not sure: the job is printed, and not confirmed
   }
   memory_.mayOweInOrder = true;
-  asked_ = answers().inOrderCount() + 1;
+  asked_ = count() + 1;
   if (auto setback = link().send(inOrderRequest)) {
     return setback;
   }
-  isSure_ = awaitAnother(link().timeout()) && answers().inOrderCount() == asked_;
+  isSure_ = link().await([&](ByteView) { return count() >= asked_; }, link().timeout()) &&
+            count() == asked_;
   return std::nullopt;
-}
-
-/// An earlier job was left before all its questions were answered. The answers follow one another
-/// at once when the printer has printed what is before them: if two questions in a row have one
-/// answer each, nothing is owed. One alone could be answered by a stray byte.
-bool InOrderProof::hearOut() {
-  constexpr int enough = 2;
-  constexpr int most = 6;
-  int clean = 0;
-  for (int round = 0; round < most && clean < enough; ++round) {
-    const std::uint64_t before = answers().inOrderCount();
-    if (link().send(inOrderRequest) || !awaitAnother(link().timeout())) {
-      return false;
-    }
-    while (awaitAnother(quiet) && answers().inOrderCount() < before + mostOwed) {
-    }
-    clean = answers().inOrderCount() == before + 1 ? clean + 1 : 0;
-  }
-  return clean == enough;
-}
-
-bool InOrderProof::awaitAnother(std::chrono::nanoseconds limit) {
-  const std::uint64_t before = answers().inOrderCount();
-  return link().await([&](ByteView) { return answers().inOrderCount() > before; }, limit);
 }
 
 MaybeSetback InOrderProof::makeQuestion(ByteView data, std::vector<std::uint8_t>& question) {

@@ -20,8 +20,6 @@ class InOrderProof final : public EndSign {
   MaybeSetback makeQuestion(ByteView data, std::vector<std::uint8_t>& question) override;
   bool isSeen() const override { return isSure_ && answers().inOrderCount() == asked_; }
   bool isPossible() const override { return isSure_ && answers().inOrderCount() <= asked_; }
-  bool hearOut();
-  bool awaitAnother(std::chrono::nanoseconds limit);
 
   PortMemory& memory_;
   std::uint64_t asked_ = 0;

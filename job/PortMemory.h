@@ -11,7 +11,8 @@ namespace quordalvane {
 /// What earlier jobs have learnt of the printer at a port; kept as long as the port lives.
 struct PortMemory {
   std::optional<ProofKind> foundProof;  ///< the one that it gives; empty if it was not asked yet
-  bool mayOweInOrder = false;           ///< in-order answers that were asked for may still arrive
+  bool mayOweMarks = false;    ///< an ESC/POS job's marks and status requests may still be answered
+  bool mayOweInOrder = false;  ///< in-order answers that were asked for may still arrive
 };
 
 /// The memory of `port`, never null, which jobs use one at a time. Any thread.

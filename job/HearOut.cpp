@@ -1,0 +1,33 @@
+#include "job/HearOut.h"
+
+namespace quordalvane {
+namespace {
+
+constexpr auto quiet = std::chrono::seconds(1);
+constexpr int enough = 2;
+constexpr int mostRounds = 6;
+constexpr std::uint64_t mostOwed = 1000;
+
+bool awaitAnother(PortLink& link, const std::function<std::uint64_t()>& count,
+                  std::chrono::nanoseconds limit) {
+  const std::uint64_t before = count();
+  return link.await([&](ByteView) { return count() > before; }, limit);
+}
+
+}  // namespace
+
+bool hearOut(PortLink& link, ByteView question, const std::function<std::uint64_t()>& count) {
+  int clean = 0;
+  for (int round = 0; round < mostRounds && clean < enough; ++round) {
+    const std::uint64_t before = count();
+    if (link.send(question) || !awaitAnother(link, count, link.timeout())) {
+      return false;
+    }
+    while (count() < before + mostOwed && awaitAnother(link, count, quiet)) {
+    }
+    clean = count() == before + 1 ? clean + 1 : 0;
+  }
+  return clean == enough;
+}
+
+}  // namespace quordalvane
