@@ -72,8 +72,11 @@ void addFault(Case& made, Dice& dice) {
       return add("duplicate-reply", anyReply(dice));
     case 3:
       return add("drop-reply", anyReply(dice));
-    case 4:
-      return add("split-reply", dice.among<const char*>({"1@", "1/2@", "2/5@"}) + anyReply(dice));
+    case 4:  // to part each in-order answer from its double makes as many bytes out of nothing
+      return add("split-reply",
+                 dice.among<const char*>({"1@", "1/2@", "2/5@"}) +
+                     (dice.oneIn(2) ? dice.among<const char*>({"block", "process-id"})
+                                    : std::to_string(dice.between(1, 20))));
     case 5:
       return add("stray-byte",
                  dice.among<const char*>({"12@", "32@", "37@", "10@", "1b@", "13@", "5f@"}) +
