@@ -37,8 +37,8 @@ std::span<const Scheme* const> schemes() {
 }
 
 const Scheme* findScheme(std::string_view name) {
-  const auto found = std::find_if(
-      table().begin(), table().end(), [&](const Scheme* scheme) { return scheme->name == name; });
+  const auto found = std::find_if(table().begin(), table().end(),
+                                  [&](const Scheme* scheme) { return scheme->name == name; });
   return found == table().end() ? nullptr : *found;
 }
 

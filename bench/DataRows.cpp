@@ -1,4 +1,4 @@
-// Print data out and replies in, by the megabyte.
+// Megabytes of print data and of replies.
 
 #include <sys/eventfd.h>
 #include <sys/syscall.h>

@@ -32,7 +32,7 @@ class Peer {
   void answer(int descriptor, std::chrono::microseconds delay = {});
 
   /// Takes all connections that are made to the endpoint, which must outlive this, one after the
-  /// other, and answers on each. Ends with the first that brings no byte.
+  /// other, and answers on each. Ends with the first read that returns no byte.
   void answerAll(Endpoint& endpoint);
 
   /// Answers on many connections by turns.

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::chrono::seconds limit{2};
 
-/// What the search of one way has come to.
+/// The result of one search.
 struct Findings {
   std::vector<FoundDevice> devices;
   std::string error;

@@ -9,13 +9,13 @@
 
 namespace quordalvane {
 
-/// Where a search looks for devices of this machine; a test has folders of its own.
+/// The folders in which a search looks for devices of this machine; a test has its own.
 struct DiscoveryRoots {
   posix::UsbRoots usb;
   SerialRoots serial;
 };
 
-/// What a search has come to.
+/// The result of a search.
 struct Discovery {
   std::vector<FoundDevice> devices;
 
@@ -24,9 +24,9 @@ struct Discovery {
 };
 
 /// Finds the devices that could be printers: USB printers, paired Bluetooth printers, printers that
-/// announce themselves on the network, and serial lines, in this order. Opens none of them and sends
-/// nothing to any of them. It takes as long as it listens to the network, two seconds, and no longer
-/// than that for Bluetooth.
+/// announce themselves on the network, and serial lines, in this order. Opens none of them and
+/// sends nothing to any of them. It takes as long as it listens to the network, two seconds, and no
+/// longer than that for Bluetooth.
 ///
 ///     for (const FoundDevice& found : discoverDevices().devices) {
 ///       std::cout << found.device << " is " << found.name << "\n";

@@ -27,7 +27,7 @@ struct FoundDevice {
 /// A text from outside as a `FoundDevice` holds it: printable, and cut after some 100 bytes.
 std::string shownText(std::string_view text);
 
-/// `place` behind `scheme` as `parseDeviceSpec` takes it: commas and backslashes are escaped.
+/// `place` after `scheme` as `parseDeviceSpec` takes it: commas and backslashes are escaped.
 std::string deviceText(std::string_view scheme, std::string_view place);
 
 }  // namespace quordalvane

@@ -49,7 +49,7 @@ fs::path usbDeviceOf(const fs::path& entry) {
   return {};
 }
 
-// The link to `node` that stays the same when the line is plugged in elsewhere; or `node` itself.
+// The link to `node` that does not change when the line is plugged in elsewhere; or `node` itself.
 fs::path lastingNameOf(const fs::path& node, const SerialRoots& roots) {
   std::vector<fs::path> links = entriesOf(roots.dev / "serial/by-id");
   std::sort(links.begin(), links.end());

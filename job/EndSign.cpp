@@ -11,7 +11,7 @@
 namespace quordalvane {
 namespace {
 
-// Between looks at the state of a printer that has not finished.
+// The pause between two looks at the state of a printer that has not finished.
 constexpr auto statusPause = std::chrono::seconds(1);
 
 // Limits count in whole seconds, and may pass by the rest of one.

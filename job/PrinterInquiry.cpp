@@ -134,8 +134,8 @@ class Question final : private TransferObserver {
   }
 
   /// Whether the port may have taken a part of the first answer of the online test for the second:
-  /// it throws away what has arrived of the first when it asks again, but a late one, or one in
-  /// pieces, arrives after that.
+  /// it throws away the bytes of the first that have arrived when it asks again, but a late one, or
+  /// one in pieces, arrives after that.
   bool isMixedUp(bool isAnswered) const {
     return link_.port().emulation() == ZKEmulationESCPOS
                ? isMixedUpInESCPOS(isAnswered)
@@ -190,7 +190,8 @@ QuorPrinterStatus_2 PrinterInquiry::status(std::uint32_t level) {
   return statusFor(question, level, port_->emulation());
 }
 
-/// If the two answers of the online test were mixed up, the printer is heard out and asked again.
+/// If the two answers of the online test were mixed up, the inquiry reads until the printer is
+/// silent and asks again.
 bool PrinterInquiry::isOnline() {
   Question question(port_, reads_);
   question.requireEmulation();

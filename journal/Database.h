@@ -49,7 +49,7 @@ class Database {
   /// The one number that `sql` asks for.
   std::int64_t number(const char* sql);
 
-  /// Ends what is open, and takes its changes back.
+  /// Ends an open transaction, and reverts its changes.
   void rollBack() noexcept;
 
   const std::filesystem::path& file() const { return file_; }

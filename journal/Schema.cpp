@@ -38,7 +38,8 @@ constexpr const char* steps[] = {
     ALTER TABLE attempt ADD COLUMN proof TEXT NOT NULL DEFAULT '';
     ALTER TABLE attempt ADD COLUMN obstacle INTEGER NOT NULL DEFAULT 5;
     )",
-    // A queue that has told a person that nobody knows prints when the person says so.
+    // The moment at which a person was told that the outcome is unknown; a queue then prints only
+    // if the person wants it.
     "ALTER TABLE attempt ADD COLUMN told INTEGER;",
 };
 

@@ -1,4 +1,4 @@
-// Where things go: lines, feeds, margins, cuts and page mode.
+// The places of the print: lines, feeds, margins, cuts and page mode.
 
 #include <algorithm>
 #include <utility>
@@ -133,7 +133,7 @@ void Typesetter::pageMode(ByteView) {
   }
 }
 
-// What is on the page is lost.
+// The content of the page is lost.
 void Typesetter::standardMode(ByteView) {
   page_.reset();
   line_.setPaperWidth(paper_.width());

@@ -294,7 +294,7 @@ std::size_t VirtualPrinter::space() const {
 }
 
 // A nearly full printer asks for more when there is room for a whole command, not for each byte: a
-// command that is let in byte by byte is cut by whoever sends it.
+// command that is taken byte by byte is cut by its sender.
 std::size_t VirtualPrinter::readyAgain() const {
   return std::clamp<std::size_t>(state_.bufferSize() / 4, 1, 64);
 }

@@ -15,7 +15,7 @@ constexpr auto lookTimeout = 3s;
 
 }  // namespace
 
-/// What the service said of the printer: one of the two.
+/// The service's answer about the printer: one of the two.
 struct BluetoothAccessory::Look {
   SteadyTime at;
   std::optional<KnownDevice> printer;

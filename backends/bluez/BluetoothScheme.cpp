@@ -36,7 +36,8 @@ constexpr OpenCause causes[] = {
     {of(BluetoothError::Ambiguous), "ambiguous", "more than one paired printer fits",
      "name one of them by its address", bluetoothCategory},
     {of(BluetoothError::NoSerialPort), "no-serial-port", "the device offers no serial port",
-     "check that it is the printer; if it is, switch it on, then bluetoothctl remove ADDRESS, and pair it again",
+     "check that it is the printer; if it is, switch it on, then bluetoothctl remove ADDRESS, and "
+     "pair it again",
      bluetoothCategory},
     {of(BluetoothError::Rejected), "rejected", "the printer turned the connection down",
      "remove it and pair it again: bluetoothctl remove ADDRESS, then bluetoothctl pair ADDRESS; "

@@ -17,7 +17,7 @@ using namespace std::chrono_literals;
 
 constexpr auto noReply = "org.freedesktop.DBus.Error.NoReply";
 
-// What an attempt to connect has come to: no exception crosses the threads.
+// The result of an attempt to connect: no exception crosses the threads.
 struct Attempt {
   std::unique_ptr<sdbus::IConnection> connection;
   std::string error;

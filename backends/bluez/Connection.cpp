@@ -43,7 +43,7 @@ class ServiceWatch {
   sdbus::Slot match_;
 };
 
-/// A connection under care: the bus on which it was made, and what it looks out for.
+/// A watched connection: the bus on which it was made, and the events that it waits for.
 struct Care {
   explicit Care(SteadyTime deadline) : bus(deadline), watch(bus) {}
 
@@ -67,7 +67,7 @@ void lookAfter(std::unique_ptr<Care> care, Descriptor connection) {
   try {
     care->bus.handleWhileOpen(connection.number(), [&] { return care->watch.hasLeft(); });
   } catch (const std::system_error&) {
-    // The bus has gone, and the service with it.
+    // The bus has ended, and the service with it.
   }
   connection.shutdown();
 }

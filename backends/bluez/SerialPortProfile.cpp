@@ -52,7 +52,7 @@ SerialPortProfile::~SerialPortProfile() {
   try {
     bus_.call(SteadyClock::now() + 1s, ofManager("UnregisterProfile"), sdbus::ObjectPath(ownPath));
   } catch (const std::exception&) {
-    // The service has gone, or gives it back when this program leaves the bus.
+    // The service has ended, or releases it when this program leaves the bus.
   }
 }
 

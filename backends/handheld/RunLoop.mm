@@ -13,7 +13,7 @@ void sleepUntil(NSDate* date) {
   std::this_thread::sleep_for(std::chrono::duration<double>(std::max(left, 0.0)));
 }
 
-/// The framework's loop of the thread that calls; it has nothing of its own.
+/// The framework's loop of the calling thread; this object has no state.
 class HandheldRunLoop final : public NSRunLoop {
  public:
   void runUntilDate(double seconds) override {

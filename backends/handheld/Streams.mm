@@ -113,7 +113,7 @@ class HandheldStream : public Interface {
   }
 
  protected:
-  /// True if a wait for the stream would be in vain or is over.
+  /// True if a wait for the stream would be in vain or has ended.
   virtual bool isSettled() = 0;
 
   Framework* stream() const { return stream_.get(); }

@@ -133,7 +133,7 @@ class Jobs(unittest.TestCase):
         with self.assertRaisesRegex(TypeError, "encode"):
             self.port(self.printer()).print("hello")
 
-    def test_what_is_no_bytes_object_is_printed_if_it_holds_bytes(self):
+    def test_an_object_that_holds_bytes_is_printed(self):
         port = self.port(self.printer())
         for data in (bytearray(RECEIPT), memoryview(RECEIPT)):
             self.assertTrue(port.print(data).printed)

@@ -114,7 +114,7 @@ class KnownNames(SmallTree):
     def test_the_names_in_their_order_are_accepted(self):
         self.assertEqual(self.objections(*known_names.MEMBERS), [])
 
-    def test_a_name_in_a_comment_or_a_text_alone_is_missing(self):
+    def test_a_name_only_in_a_comment_or_a_text_counts_as_missing(self):
         self.objections(*known_names.MEMBERS)
         for room in known_names.ROOMS:
             (self.root / room / "Names.h").write_text('// etb\nconst char* text = "etb";\n')
@@ -240,7 +240,7 @@ class Documentation(SmallTree):
     def test_the_name_of_a_missing_file_is_seen(self):
         self.assertTrue(self.objects_to("`docs/nowhere.md`\n"))
 
-    def test_a_command_that_dev_does_not_have_is_seen(self):
+    def test_an_unknown_command_of_dev_is_found(self):
         self.assertTrue(self.objects_to("```\n./dev fly\n```\n"))
 
     def objections_to_rows(self, *rows: str) -> list[str]:

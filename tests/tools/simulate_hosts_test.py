@@ -93,8 +93,8 @@ class Hosts(Case):
     def test_a_host_that_left_a_slow_printer_is_printed_before_the_next_one(self):
         for simulator in self.everywhere("--set", "speed=4000", "--set", "buffer=100"):
             sent = self.leave_behind(simulator, b"x" * 2000)
-            # A checked job begins by a data cancel, which drops the data of the first that the
-            # printer still holds.
+            # A checked job begins with a data cancel, which would drop the data of the first job in
+            # the printer.
             self.assertExit(6, run("-d", simulator.place, "print", "--unchecked", "-", data=b"second\n"))
             eventually(lambda: simulator.state()["printedBytes"] == sent + 7, "both are printed")
 

@@ -8,8 +8,8 @@
 
 namespace quordalvane::cups {
 
-/// What becomes of a job whose worker has not decided it: the journal knows how far it was. Unless
-/// all of it is on paper, or it is not wanted any more, it is held for a person.
+/// The fate of a job whose worker has not decided it: the journal knows how far it was. Unless all
+/// of it is on paper, or it is not wanted any more, it is held for a person.
 ExitCode judgeBrokenOff(const BackEndJob& job, const DeviceUri& uri, const BrokenOff& end,
                         StatusLines& lines);
 

@@ -5,8 +5,9 @@
 
 namespace quordalvane::cups {
 
-/// What a printer is, in the form of IEEE 1284 that the print system reads: `MFG:…;MDL:…;SN:…;`. A
-/// text that is "" is left out, and characters that part its pieces are blanks.
+/// The identity of a printer, in the form of IEEE 1284 that the print system reads:
+/// `MFG:…;MDL:…;SN:…;`. A text that is "" is left out, and characters that part its pieces are
+/// blanks.
 std::string deviceIdOf(std::string_view maker, std::string_view model, std::string_view serial);
 
 }  // namespace quordalvane::cups

@@ -9,7 +9,7 @@
 
 namespace quordalvane::cups {
 
-/// What the URI of a queue says: its printer, and how jobs are to be printed on it.
+/// The content of a queue's URI: its printer, and how jobs are printed on it.
 ///
 /// | URI | device |
 /// |---|---|

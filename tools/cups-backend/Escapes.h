@@ -14,7 +14,8 @@ namespace quordalvane::cups {
 /// percent sign has no two hex digits, or means a control character.
 std::string deviceTextOf(std::string_view piece, const std::function<bool(char)>& isData);
 
-/// `text` as a piece of a URI: letters, digits and what `isPlain` is true of stay as they are.
+/// `text` as a piece of a URI: letters, digits and the characters for which `isPlain` is true do
+/// not change.
 std::string uriTextOf(std::string_view text, const std::function<bool(char)>& isPlain);
 
 }  // namespace quordalvane::cups

@@ -4,14 +4,15 @@
 
 namespace quordalvane::cups {
 
-/// What the end of a process tells the one that started it: the scheduler takes all but the last.
+/// The meaning of a process's end for the process that started it: the scheduler takes all but the
+/// last.
 enum class ExitCode : int {
   Done = CUPS_BACKEND_OK,             ///< printed, or not wanted any more
   NextPrinter = CUPS_BACKEND_FAILED,  ///< nothing was sent, and another printer may take the job
   Held = CUPS_BACKEND_HOLD,           ///< a person must decide
   QueueStopped = CUPS_BACKEND_STOP,   ///< no job of this queue can be printed
   JobCanceled = CUPS_BACKEND_CANCEL,  ///< this job can never be printed
-  CutOff = 100,  ///< the worker was told to stop; its guard judges what that is
+  CutOff = 100,                       ///< the worker was stopped; its guard judges the meaning
 };
 
 }  // namespace quordalvane::cups

@@ -21,7 +21,7 @@ sigset_t watchedSignals() {
   return set;
 }
 
-// The worker's own pipes must end with it: a filter that writes to nobody is told so.
+// The worker's own pipes must end with it: a filter that writes without a reader gets an error.
 void leaveInputToWorker() {
   constexpr int backChannel = 3;
   ::close(STDIN_FILENO);

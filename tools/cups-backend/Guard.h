@@ -8,7 +8,7 @@
 
 namespace quordalvane::cups {
 
-/// How a worker ended that did not decide what becomes of its job.
+/// The end of a worker that did not decide the fate of its job.
 struct BrokenOff {
   bool isCanceled = false;  ///< the scheduler wanted it
   std::string how;          ///< for people

@@ -7,7 +7,7 @@
 
 namespace quordalvane::cups {
 
-/// What is known of the printer and of the job's data, for those who ask while the job is printed.
+/// The facts about the printer and the job's data, for programs that ask while the job is printed.
 /// Any thread.
 class PrinterState {
  public:
@@ -40,7 +40,7 @@ class PrinterState {
   }
 
  private:
-  mutable std::mutex mutex_;  // guards what follows
+  mutable std::mutex mutex_;  // guards the members below
   std::optional<QuorPrinterStatus_2> status_;
   Data data_ = Data::Collected;
 };

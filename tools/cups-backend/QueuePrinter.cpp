@@ -13,7 +13,7 @@
 namespace quordalvane::cups {
 namespace {
 
-// Without end: whoever has the printer gives it back, at its process's death at the latest.
+// No limit: the holder releases the printer, at the end of its process at the latest.
 constexpr std::chrono::milliseconds longestTurn = std::chrono::hours(24);
 
 }  // namespace
@@ -60,7 +60,7 @@ void QueuePrinter::close() {
   turn_.reset();
 }
 
-/// Where the locks cannot be used, printing matters more than taking turns.
+/// If the locks cannot be used, printing matters more than taking turns.
 void QueuePrinter::takeTurn() {
   try {
     turn_ = takeDevice(deviceIdentity(parseDeviceSpec(uri_.device)), longestTurn, onWait_);

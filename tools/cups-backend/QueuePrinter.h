@@ -39,7 +39,7 @@ class QueuePrinter {
   bool isOpen() const { return port_ != nullptr; }
   const std::shared_ptr<ExternalAccessoryPort>& port() const { return port_; }
 
-  /// What the device says that it is, as the print system writes it.
+  /// The device's own identity, as the print system writes it.
   std::string deviceId() const;
 
  private:

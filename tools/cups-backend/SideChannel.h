@@ -8,14 +8,14 @@
 
 namespace quordalvane::cups {
 
-/// Answers what the filters of a job ask its back end about the printer. The print system gives the
-/// channel a descriptor of its own.
+/// Answers the questions of a job's filters about the printer. The print system gives the channel a
+/// descriptor of its own.
 class SideChannel {
  public:
-  /// `state` must outlive it; `deviceId` is what the device says that it is.
+  /// `state` must outlive it; `deviceId` is the device's own identity.
   SideChannel(const PrinterState& state, std::string deviceId);
 
-  /// Becomes readable when a filter asks; -1 if nobody can.
+  /// Becomes readable when a filter asks; -1 if no filter can.
   int descriptor() const { return descriptor_; }
 
   /// Reads one question and answers it. False if there will be no other.

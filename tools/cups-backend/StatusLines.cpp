@@ -9,7 +9,7 @@
 namespace quordalvane::cups {
 namespace {
 
-// What the scheduler takes as one line.
+// The longest line that the scheduler takes.
 constexpr std::size_t longestLine = 2000;
 
 StateReasons ownReasonsIn(std::string_view list) {

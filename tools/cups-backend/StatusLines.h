@@ -8,8 +8,8 @@
 
 namespace quordalvane::cups {
 
-/// What the back end tells the scheduler, line by line, on its standard error. Nobody may listen
-/// any more: a line that is not taken is lost. Any thread.
+/// The reports of the back end to the scheduler, line by line, on its standard error. Nobody may
+/// listen any more: a line that is not taken is lost. Any thread.
 class StatusLines {
  public:
   /// `standing` are the reasons of the queue's printer, joined by commas or blanks: those of a back
@@ -31,7 +31,7 @@ class StatusLines {
   /// The printer's state is this, and nothing else of what this back end may say.
   void setReasons(const StateReasons& reasons);
 
-  /// Stops the queue; its jobs stay. To be written last.
+  /// Stops the queue; its jobs are kept. To be written last.
   void stopQueue();
 
  private:

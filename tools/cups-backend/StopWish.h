@@ -25,7 +25,7 @@ class StopWish {
   /// From now on `job` runs; it must live until `endJob`.
   void beginJob(PrintJob& job);
 
-  /// It has ended, and what came of it is in the journal.
+  /// It has ended, and its outcome is in the journal.
   void endJob();
 
  private:

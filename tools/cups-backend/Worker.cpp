@@ -34,7 +34,7 @@ ExitCode printJob(const BackEndJob& job, QueueJob& queued, StatusLines& lines,
   }
 }
 
-// Runs the job on a thread of its own, and tells by a descriptor that it has ended.
+// Runs the job on a thread of its own, and reports its end by a descriptor.
 class Printing {
  public:
   explicit Printing(std::function<ExitCode()> print)

@@ -20,7 +20,7 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-// Far above any receipt; below what would trouble the machine.
+// Far above any receipt; small enough for the machine.
 constexpr std::size_t largestJob = std::size_t{64} << 20U;
 
 std::string optionOf(const pappl_pr_options_t& options, const char* name) {

@@ -46,7 +46,7 @@ void show(pappl_printer_t* printer, pappl_preason_t reasons) {
   std::strcpy(roll.description, "Paper roll");
   roll.is_consumed = true;
   roll.type = PAPPL_SUPPLY_TYPE_OTHER;
-  // In percent; a printer tells no more than near its end and empty.
+  // In percent; a printer reports only near its end and empty.
   roll.level = (reasons & PAPPL_PREASON_MEDIA_EMPTY) != 0 ? 0
                : (reasons & PAPPL_PREASON_MEDIA_LOW) != 0 ? 10
                                                           : 100;

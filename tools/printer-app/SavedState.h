@@ -12,7 +12,7 @@ namespace quordalvane::printer_app {
 bool saveState(pappl_system_t* system, const std::filesystem::path& file);
 
 /// Prepares the file in which the framework has saved its printers and jobs for being loaded. A job
-/// that was being printed when the process ended would stay so without end, and one that was held
+/// that was being printed when the process ended would remain so without end, and one that was held
 /// for its turn as well: they wait again, and the journal decides what becomes of them. A file that
 /// is not there is left alone. Throws std::system_error if it cannot be written.
 void letJobsWaitAgain(const std::filesystem::path& file);

@@ -48,7 +48,7 @@ class SignalWatch {
 
   StopSignals signals_;
   const std::function<void(int)> onSignal_;
-  int end_;  // becomes readable when the watch is over
+  int end_;  // becomes readable when the watch has ended
   std::thread thread_;
 };
 

@@ -51,7 +51,8 @@ bool hasOption(const CLI::App* parser, const std::string& name) {
   return parser->get_option_no_throw(name) != nullptr;
 }
 
-// Of an option "--name=value" the name is looked up. One that is right elsewhere was not mistyped.
+// Of an option "--name=value" the name is looked up. A name that is right elsewhere was not
+// mistyped.
 std::string noSuchOption(const std::string& word, const std::vector<const CLI::App*>& parsers) {
   const std::string given = word.substr(0, word.find('='));
   const auto owner = std::ranges::find_if(

@@ -8,8 +8,8 @@
 
 #include "backends/virtual/VirtualAccessory.h"
 #include "logging/Quoted.h"
-#include "simulator/drawing/ImageRendering.h"
 #include "simulator/TextRendering.h"
+#include "simulator/drawing/ImageRendering.h"
 #include "tools/quorport/CommandFailure.h"
 
 namespace quordalvane::tool {

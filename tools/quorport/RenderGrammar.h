@@ -8,7 +8,8 @@ class App;
 
 namespace quordalvane::tool {
 
-/// The options of what a file is and what is printed around it, added as the other commands' are.
+/// The options for the kind of a file and the commands printed around it, added as the other
+/// commands' are.
 void addRenderOptions(CLI::App& app, RenderOptions& options);
 
 }  // namespace quordalvane::tool

@@ -6,7 +6,7 @@
 
 namespace quordalvane::tool {
 
-/// What a file is, and what is printed around it.
+/// The kind of a file, and the commands printed around it.
 struct RenderOptions {
   enum class Content { Bytes, Text, Picture };
 

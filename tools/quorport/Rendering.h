@@ -9,8 +9,9 @@
 namespace quordalvane::tool {
 
 /// The bytes for the printer, of the contents of a file. Without options they are the contents.
-/// Says on standard error what the paper will not show as it should. Throws a CommandFailure with
-/// ExitCode::Usage if the contents are not what the options say, or this build cannot render them.
+/// Reports on standard error the parts that the paper will not show correctly. Throws a
+/// CommandFailure with ExitCode::Usage if the contents do not fit the options, or this build cannot
+/// render them.
 std::vector<std::uint8_t> rendered(std::vector<std::uint8_t> contents, const RenderOptions& options,
                                    const Streams& streams);
 

@@ -50,7 +50,7 @@ TEST(CInterface, AnswersAPlainValueOrZero) {
   EXPECT_EQ(answered([]() -> int { throw PortException("lost"); }), 0);
 }
 
-TEST(CInterface, LetsNoExceptionOfTheCallersFunctionThroughAndLeavesTheOutcomeOpen) {
+TEST(CInterface, CatchesExceptionsOfTheCallersFunctionAndLeavesTheOutcomeUnconfirmed) {
   const char* const spec = "virtual:";
   QuorPort* port = nullptr;
   QuorPrintJob* job = nullptr;

@@ -56,8 +56,8 @@ TEST(LineStatus, DecodesEachFlagAloneAbsentAndToExactlyZero) {
   }
 }
 
-TEST(LineStatus, NamesTheFlagsThatTheBlockBits) {
-  // The flags by name at the ends of each byte; those between follow the record's order.
+TEST(LineStatus, NamesTheFlagOfEachBit) {
+  // The first and last flags of each byte; the others follow the record's order.
   EXPECT_EQ(parsed(reply({0x01, 0, 0, 0})).coverOpen, 1U);
   EXPECT_EQ(parsed(reply({0x02, 0, 0, 0})).offline, 1U);
   EXPECT_EQ(parsed(reply({0x80, 0, 0, 0})).headThermistorError, 1U);

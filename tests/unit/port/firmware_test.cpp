@@ -90,7 +90,7 @@ TEST(Firmware, EndsAtTheStatusWithAnUnknownEmulation) {
   EXPECT_EQ(run.sent(), Bytes{});
 }
 
-TEST(Firmware, IsReachedInLineModeByItsOwnQueryWithAnUnknownEmulation) {
+TEST(Firmware, IsAnsweredToTheLineModeQueryWithAnUnknownEmulation) {
   Scenario scenario = Scenario::in(unknownEmulation);
   scenario.script.whenAsked(lineQuery, whole(lineReply("X")));
   EXPECT_EQ(scenario.run(retrieveFirmwareInformation2()).result, "true");

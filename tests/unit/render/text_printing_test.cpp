@@ -98,7 +98,8 @@ TEST(CodePage, TakesANumberOrANumberAndAName) {
 }
 
 TEST(CodePage, RefusesWhatItDoesNotKnowAndNamesWhatItDoes) {
-  for (const std::string text : {"", "x", "256", "-1", "200", "16:", "16:nonsense", "16:utf-8", "16 "}) {
+  for (const std::string text :
+       {"", "x", "256", "-1", "200", "16:", "16:nonsense", "16:utf-8", "16 "}) {
     try {
       CodePage page(text);
       ADD_FAILURE() << text;

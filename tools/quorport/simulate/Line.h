@@ -17,7 +17,7 @@ class Line {
 
   const posix::Descriptor& descriptor() const { return descriptor_; }
 
-  /// To be called when the host's first bytes have arrived.
+  /// To be called after the host's first bytes have arrived.
   virtual void noteHost() {}
 
   /// To be called when the host has left and the line is kept all the same: from now on the

@@ -1,4 +1,4 @@
-// Takes the place of Rendering.cpp where the drawing libraries are missing.
+// Replaces Rendering.cpp if the drawing libraries are missing.
 #include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/Rendering.h"
 #include "tools/quorport/TextHint.h"
