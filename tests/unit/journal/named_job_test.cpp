@@ -7,6 +7,7 @@
 
 #include <stdexcept>
 
+#include "journal/History.h"
 #include "journal/Rows.h"
 #include "tests/unit/journal/JournalCase.h"
 
@@ -276,6 +277,25 @@ TEST_P(OnceOnly, ANameMayBeEnoughToTellAJob) {
   const NamedJob named(journal, asked, other);
   ASSERT_TRUE(named.answer());
   EXPECT_TRUE(named.answer()->isRepeated);
+}
+
+TEST_P(OnceOnly, AClockThatSteppedBackDoesNotChangeTheOrderOfTheAttempts) {
+  { const Journal made(file); }
+  {
+    Database database(file);
+    constexpr std::int64_t aDay = std::int64_t{24} * 60 * 60 * 1000;
+    insertRow(database, {.name = "receipt 1",
+                         .number = 1,
+                         .data = fingerprintOf(receiptText),
+                         .begun = millisecondsNow() + aDay});
+  }
+  till.set("coverOpen", true);
+  EXPECT_EQ(print(till, "receipt 1", true).attempt, 2);
+  till.set("coverOpen", false);
+  EXPECT_EQ(print(till, "receipt 1").attempt, 1) << "of which bytes may be on paper";
+  EXPECT_EQ(print(till, "receipt 1", true).attempt, 3);
+  EXPECT_EQ(onlyJob().attempts, 3);
+  EXPECT_EQ(onlyJob().state, JobState::Printed);
 }
 
 INSTANTIATE_TEST_SUITE_P(Emulations, OnceOnly,
