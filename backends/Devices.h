@@ -23,8 +23,8 @@ namespace quordalvane {
 QUOR_EXPORT std::shared_ptr<EAAccessory> makeAccessory(const DeviceSpec& spec, Clock& clock);
 
 /// The texts of the devices that `text` means: for `bluetooth:` one for each printer that is paired
-/// now, with the keys of `text`; otherwise, and if none is paired, `text` itself. May be called from
-/// any thread.
+/// now, with the keys of `text`; otherwise, and if none is paired, `text` itself. May be called
+/// from any thread.
 QUOR_EXPORT std::vector<std::string> devicesMeantBy(const std::string& text);
 
 /// Makes the platform of an ordinary program, with the devices that these texts mean attached in
