@@ -50,12 +50,12 @@ std::string BluetoothAccessory::description() {
 }
 
 std::string BluetoothAccessory::lastError() {
-  const std::string ofOpening = LinkAccessory::lastError();
+  std::string ofOpening = LinkAccessory::lastError();
   if (!ofOpening.empty()) {
     return ofOpening;
   }
-  const Look latest = look();
-  return latest.why ? latest.why->what() : "";
+  const auto why = look().why;
+  return why ? why->what() : "";
 }
 
 std::error_code BluetoothAccessory::lastErrorCode() {
@@ -63,8 +63,8 @@ std::error_code BluetoothAccessory::lastErrorCode() {
   if (ofOpening) {
     return ofOpening;
   }
-  const Look latest = look();
-  return latest.why ? latest.why->code() : std::error_code();
+  const auto why = look().why;
+  return why ? why->code() : std::error_code();
 }
 
 BluetoothAccessory::Look BluetoothAccessory::look() {

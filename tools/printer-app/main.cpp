@@ -1,6 +1,7 @@
 #include <string>
 #include <vector>
 
+#include "backends/bluez/BluetoothScheme.h"
 #include "tools/printer-app/Application.h"
 #include "tools/printer-app/DeviceUri.h"
 
@@ -23,6 +24,7 @@ std::vector<std::string> withUris(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  quordalvane::addBluetoothScheme();
   quordalvane::printer_app::addDeviceScheme();
   std::vector<std::string> arguments = withUris(argc, argv);
   std::vector<char*> pointers;
