@@ -24,8 +24,7 @@ namespace quordalvane {
 /// | `unix:PATH` | a local socket |
 /// | `serial:PATH` | a serial line |
 /// | `usb:`, `usb:SERIAL`, `usb:VID:PID` or `usb:/dev/usb/lpN` | a printer at the USB driver |
-/// | `bluetooth:`, `bluetooth:ADDRESS` or `bluetooth:NAME` | a paired printer, if the program adds
-/// the scheme |
+/// | `bluetooth:`, `bluetooth:ADDRESS` or `bluetooth:NAME` | a paired printer, with its library |
 ///
 /// `HOST` alone is `tcp:HOST:9100`, and a path below `/dev` whose kind its name shows is a device
 /// of that kind: `/dev/ttyUSB0` is `serial:/dev/ttyUSB0`, `/dev/usb/lp0` is `usb:/dev/usb/lp0`.
