@@ -28,6 +28,7 @@ int main(int argc, char** argv) {
   quordalvane::printer_app::addDeviceScheme();
   std::vector<std::string> arguments = withUris(argc, argv);
   std::vector<char*> pointers;
+  pointers.reserve(arguments.size() + 1);
   for (std::string& argument : arguments) {
     pointers.push_back(argument.data());
   }

@@ -90,7 +90,7 @@ void addDrawer(const RenderOptions& options, bool isAfter, Bytes& job) {
 
 }  // namespace
 
-Bytes rendered(Bytes contents, const RenderOptions& options, const Streams& streams) {
+Bytes rendered(const Bytes& contents, const RenderOptions& options, const Streams& streams) {
   Bytes job;
   try {
     addDrawer(options, false, job);

@@ -12,7 +12,7 @@ namespace quordalvane::tool {
 /// Reports on standard error the parts that the paper will not show correctly. Throws a
 /// CommandFailure with ExitCode::Usage if the contents do not fit the options, or this build cannot
 /// render them.
-std::vector<std::uint8_t> rendered(std::vector<std::uint8_t> contents, const RenderOptions& options,
-                                   const Streams& streams);
+std::vector<std::uint8_t> rendered(const std::vector<std::uint8_t>& contents,
+                                   const RenderOptions& options, const Streams& streams);
 
 }  // namespace quordalvane::tool

@@ -5,8 +5,8 @@
 
 namespace quordalvane::tool {
 
-std::vector<std::uint8_t> rendered(std::vector<std::uint8_t> contents, const RenderOptions& options,
-                                   const Streams& streams) {
+std::vector<std::uint8_t> rendered(const std::vector<std::uint8_t>& contents,
+                                   const RenderOptions& options, const Streams& streams) {
   if (options.content != RenderOptions::Content::Bytes || options.cut || options.drawer) {
     throw CommandFailure(ExitCode::Usage,
                          "this quorport was built without --text, --image, --cut and --drawer, "
