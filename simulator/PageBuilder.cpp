@@ -39,7 +39,7 @@ void PageBuilder::setDirection(unsigned direction) {
 }
 
 // The last one is gone without a trace if nothing was set on it.
-void PageBuilder::begin(PageArea place) {
+void PageBuilder::begin(const PageArea& place) {
   const bool isBare = !areas_.empty() && areas_.back().content->items().empty();
   if (isBare) {
     areas_.pop_back();

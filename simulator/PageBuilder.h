@@ -40,7 +40,7 @@ class PageBuilder {
     std::shared_ptr<Paper> content;
   };
 
-  void begin(PageArea place);
+  void begin(const PageArea& place);
 
   unsigned paperWidth_;
   std::vector<Area> areas_;

@@ -39,7 +39,8 @@ struct Length {
   std::uint64_t operator()(const Symbol& symbol) const {
     constexpr unsigned mostRows = 200;
     const bool isBarCode = symbol.symbology < Symbology::Pdf417;
-    return std::uint64_t{symbol.rowHeight} * (isBarCode ? 1 : mostRows) + 4 * lineSpacing;
+    return std::uint64_t{symbol.rowHeight} * (isBarCode ? 1 : mostRows) +
+           std::uint64_t{4} * lineSpacing;
   }
   std::uint64_t operator()(const Page& page) const {
     std::uint64_t end = 0;

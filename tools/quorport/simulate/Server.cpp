@@ -156,7 +156,7 @@ void Server::keep(Station& station, simulator::Paper paper) {
   writer_.add({std::move(job), std::move(paper), habits_.printer.per == ReceiptPer::Cut});
 }
 
-void Server::report(std::vector<ReceiptWriter::Done> jobs) {
+void Server::report(const std::vector<ReceiptWriter::Done>& jobs) {
   for (const ReceiptWriter::Done& job : jobs) {
     for (const std::string& why : job.complaints) {
       complain(why, streams_);

@@ -60,7 +60,7 @@ class Server {
   void announceOthers();
   void workForControls(simulator::Instant now);
   void keep(Station& station, simulator::Paper paper);
-  void report(std::vector<ReceiptWriter::Done> jobs);
+  void report(const std::vector<ReceiptWriter::Done>& jobs);
   bool isDone(simulator::Instant now);
 
   const Streams streams_;
