@@ -14,6 +14,7 @@ namespace {
 constexpr std::uint32_t statusLevel = 2;
 constexpr std::uint8_t countOfTwoMarks = 2;
 
+// The printer counts these and answers nothing, so that nobody waits for an answer after them.
 constexpr std::uint8_t mark[] = {0x17};
 constexpr std::uint8_t markAndEnd[] = {0x17, 0x1b, 0x1d, 0x03, 0x04, 0x00, 0x00};
 constexpr auto earlierJobCounted =
@@ -60,7 +61,7 @@ MaybeSetback LineModeBlock::judgeReadiness() {
 
 /// A printer that does not count the mark soon is trusted to count both marks of the port's end.
 MaybeSetback LineModeBlock::markBeginning() {
-  if (auto setback = link().send(mark)) {
+  if (auto setback = link().send(mark, PortLink::Reply::None)) {
     return setback;
   }
   const auto start = link().now();
@@ -81,8 +82,9 @@ MaybeSetback LineModeBlock::markBeginning() {
 }
 
 bool LineModeBlock::endInTime() {
-  const bool hasEnded = isFirstMarkCounted_ ? !link().send(markAndEnd) && awaitCount()
-                                            : link().port().endCheckedBlock(&status(), statusLevel);
+  const bool hasEnded = isFirstMarkCounted_
+                            ? !link().send(markAndEnd, PortLink::Reply::None) && awaitCount()
+                            : link().port().endCheckedBlock(&status(), statusLevel);
   return hasEnded && confirm();
 }
 

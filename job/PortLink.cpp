@@ -107,9 +107,9 @@ MaybeSetback PortLink::move(ByteView data, std::uint64_t& accepted, const Progre
   return std::nullopt;
 }
 
-MaybeSetback PortLink::send(ByteView command) {
+MaybeSetback PortLink::send(ByteView command, Reply reply) {
   std::uint64_t accepted = 0;
-  return move(command, accepted);
+  return move(command, accepted, {}, reply);
 }
 
 bool PortLink::await(const std::function<bool(ByteView)>& isDone, std::chrono::nanoseconds limit) {

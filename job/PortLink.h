@@ -63,7 +63,7 @@ class PortLink final : private TransferObserver {
                     Reply reply = Reply::Possible);
 
   /// The same for a short command that is no data of the job.
-  MaybeSetback send(ByteView command);
+  MaybeSetback send(ByteView command, Reply reply = Reply::Possible);
 
   /// Sleeps a little before another look at a silent link.
   void pause();
