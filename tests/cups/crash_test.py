@@ -23,7 +23,7 @@ POLICIES = ("retry-job", "retry-current-job", "abort-job", "stop-printer")
 VICTIMS = ("worker", "guard", "both", "scheduler stopped", "scheduler killed")
 COPY = b"".join(b"%03d a receipt that takes its time\n" % line for line in range(12))
 SPEED = 1000  # bytes a second
-LENGTH = 0.9  # seconds of a job, from its arrival to its end
+LENGTH = 0.8  # seconds of a job, from its beginning to its end
 
 
 class Lane:
@@ -44,6 +44,7 @@ class Lane:
         for process in self.back_ends():
             os.kill(process, signal.SIGKILL)
         self.printer.kill()
+        self.printer.err.close()
         self.folder.cleanup()
 
     def back_ends(self) -> list[int]:
@@ -95,14 +96,27 @@ class Lane:
             self.scheduler.resume("till")
         eventually(lambda: not self.back_ends(), "no back end runs")
 
+    def settled(self, job: int) -> str:
+        """The state in which the job stays. A peer may hang on its printer for ever, and is ended then."""
+        try:
+            return eventually(lambda: self.state(job), f"job {job} stays as it is")
+        except AssertionError:
+            if self.exe.name == "quor":
+                raise
+        for process in self.back_ends():
+            os.kill(process, signal.SIGKILL)
+        return "hung"
+
     def crash(self, victim: str, moment: float) -> tuple[str, float]:
         """The state in which the job stays, and how many copies lie on paper."""
         before = self.paper()
-        began = time.monotonic()
         job = self.scheduler.print_job("till", COPY)
+        if not victim.startswith("scheduler"):  # nobody sees a process that is killed before its first instruction
+            eventually(lambda: self.guard_and_worker()[self.exe.name == "quor"], "the back end has begun")
+        began = time.monotonic()
         time.sleep(max(0.0, began + moment - time.monotonic()))  # the moment is what the case is about
         self.strike(victim)
-        state = eventually(lambda: self.state(job), f"job {job} stays as it is")
+        state = self.settled(job)
         copies = (self.paper() - before) / len(COPY)
         self.tidy(job, state)
         return state, copies
@@ -120,17 +134,17 @@ def moments(count: int) -> list[float]:
 
 
 class Crashes(unittest.TestCase):
-    def run_lane(self, policy: str, back_end: str, program: Path, victims: tuple) -> list[tuple[str, float, str, float]]:
+    def run_lane(self, policy: str, back_end: str, program: Path, victims: tuple, count: int) -> list[tuple[str, float, str, float]]:
         lane = Lane(policy, back_end, program)
         try:
-            return [(victim, moment, *lane.crash(victim, moment)) for victim in victims for moment in moments(MOMENTS)]
+            return [(victim, moment, *lane.crash(victim, moment)) for victim in victims for moment in moments(count)]
         finally:
             lane.close()
 
     def test_no_job_is_printed_twice_and_none_is_completed_without_paper(self):
         states = collections.Counter()
         with concurrent.futures.ThreadPoolExecutor(len(POLICIES)) as lanes:
-            results = lanes.map(lambda policy: self.run_lane(policy, "quor", QUOR, VICTIMS), POLICIES)
+            results = lanes.map(lambda policy: self.run_lane(policy, "quor", QUOR, VICTIMS, MOMENTS), POLICIES)
             for policy, cases in zip(POLICIES, results):
                 for victim, moment, state, copies in cases:
                     with self.subTest(policy=policy, victim=victim, moment=moment):
@@ -144,11 +158,11 @@ class Crashes(unittest.TestCase):
         print(f"{sum(states.values())} cases")
 
     def test_the_print_systems_own_back_end_beside_it(self):
-        """Nothing is asserted of it: its figures are what ours are compared with."""
+        """Nothing is asserted of it: its figures are what ours are compared with. Half of the moments."""
         program = socket_back_end(Path(tempfile.gettempdir()) / "quor-peer")
         victims = ("worker", "scheduler stopped", "scheduler killed")
         with concurrent.futures.ThreadPoolExecutor(len(POLICIES)) as lanes:
-            cases = sum(lanes.map(lambda policy: self.run_lane(policy, "socket", program, victims), POLICIES), [])
+            cases = sum(lanes.map(lambda policy: self.run_lane(policy, "socket", program, victims, (MOMENTS + 1) // 2), POLICIES), [])
         twice = sum(copies > 1 for _, _, _, copies in cases)
         claimed = sum(state == "completed" and copies < 1 for _, _, state, copies in cases)
         print(f"socket: of {len(cases)} jobs {twice} more than once on paper, {claimed} completed without all of it")

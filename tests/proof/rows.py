@@ -53,6 +53,12 @@ def processes(script: str, **environment) -> Step:
     return Step((sys.executable, "-B", f"tests/journal/{script}"), here | environment)
 
 
+def queues(script: str, **environment) -> Step:
+    here = {"QUORPORT": str(ROOT / "build/bin/quorport"), "QUOR": str(ROOT / "build/bin/quor"),
+            "PYTHONPATH": str(ROOT / "tests/tools")}
+    return Step((sys.executable, "-B", f"tests/cups/{script}"), here | environment)
+
+
 PARSERS = ("status_length", "line_status", "escpos_status", "firmware_reply", "dip_switch_reply")
 TEXTS = ("port_name", "port_settings", "bluetooth_address", "network_address", "device_spec", "log_record",
          "simulator_input", "control_line")
@@ -117,6 +123,11 @@ ROWS = (
         "printers that are pulled at each kilobyte of a job, stall, fall silent, are held by others or come in twos",
         (Step(("ctest", "--test-dir", "build", "--verbose", "--tests-regex", "^machine/Usb"), {}, booting),),
         "all of it, with `--real`"),
+    Row("queues", "Jobs of a queue", "the processes of the print system's back end and its scheduler are killed at moments of "
+        "a job, under every error policy, and eight clients share four queues whose printers fail: never two copies without a "
+        "person, never completed without paper",
+        (queues("crash_test.py", QUOR_CRASH_MOMENTS=(2, 20, 20)), queues("load_test.py", QUOR_QUEUE_JOBS=(40, 200, 1000))),
+        WHOLE_ROW),
     Row("coverage", "Branch coverage", "of the port, the parsers, the print job, the logger, the back ends, the C interface "
         "and the virtual printer's replies", (Step(python("coverage.py", "build-coverage")),), NOTHING),
     Row("mutation", "Mutation", "small changes of the same rooms, drawn by a seed, are noticed",

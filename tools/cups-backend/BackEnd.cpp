@@ -4,6 +4,8 @@
 
 #include <cstdlib>
 #include <exception>
+#include <stdexcept>
+#include <system_error>
 
 #include "tools/cups-backend/Aftermath.h"
 #include "tools/cups-backend/BackEndJob.h"
@@ -31,12 +33,26 @@ void stopQueue() {
   lines.stopQueue();
 }
 
-ExitCode printJob(const BackEndJob& job, const DeviceUri& uri, StatusLines& lines) {
-  const Witness witness(stopQueue);
+ExitCode printJob(const Witness& witness, const std::vector<std::string>& arguments,
+                  StatusLines& lines) {
+  const BackEndJob job = parseBackEndJob(arguments, variable);
+  const DeviceUri uri = parseDeviceUri(job.uri);
   const auto scheduler = schedulerStart(::getppid());
-  const ExitCode code =
-      guarded([&] { return work(job, uri, scheduler, [&] { witness.dismiss(); }); },
-              [&](const BrokenOff& end) { return judgeBrokenOff(job, uri, end, lines); });
+  return guarded([&] { return work(job, uri, scheduler, [&] { witness.dismiss(); }); },
+                 [&](const BrokenOff& end) { return judgeBrokenOff(job, uri, end, lines); });
+}
+
+ExitCode printJob(const std::vector<std::string>& arguments, StatusLines& lines) {
+  const Witness witness(stopQueue);  // before anything else may end this process
+  ExitCode code = ExitCode::Held;
+  try {
+    code = printJob(witness, arguments, lines);
+  } catch (const std::invalid_argument& error) {
+    lines.complain(error.what());
+    code = ExitCode::QueueStopped;
+  } catch (const std::exception& error) {
+    lines.complain(error.what());
+  }
   witness.dismiss();
   return code;
 }
@@ -50,12 +66,8 @@ int run(const std::vector<std::string>& arguments) {
     return static_cast<int>(ExitCode::Done);
   }
   try {
-    const BackEndJob job = parseBackEndJob(arguments, variable);
-    return static_cast<int>(printJob(job, parseDeviceUri(job.uri), lines));
-  } catch (const std::invalid_argument& error) {
-    lines.complain(error.what());
-    return static_cast<int>(ExitCode::QueueStopped);
-  } catch (const std::exception& error) {
+    return static_cast<int>(printJob(arguments, lines));
+  } catch (const std::system_error& error) {
     lines.complain(error.what());
     return static_cast<int>(ExitCode::Held);
   }

@@ -4,6 +4,7 @@
 #include <memory>
 #include <thread>
 
+#include "backends/SpecText.h"
 #include "job/PrinterInquiry.h"
 #include "job/StatusText.h"
 #include "tools/cups-backend/Release.h"
@@ -41,7 +42,24 @@ ExitCode QueueJob::print(const std::vector<std::uint8_t>& copy,
   }
   with_.state.setData(PrinterState::Data::Printed);
   onConfirmed();
+  forgetOldJobs();
   return ExitCode::Done;
+}
+
+/// The journal would otherwise grow for ever. To look through it takes time, so it is not done by
+/// each job.
+void QueueJob::forgetOldJobs() const {
+  constexpr unsigned jobsBetween = 100;
+  constexpr std::uint32_t daysKept = 30;
+  const auto number = spec::number<unsigned>(job_.number);
+  if (!number || *number % jobsBetween != 0) {
+    return;
+  }
+  try {
+    Journal(job_.journal).forgetOlderThan(daysKept);
+  } catch (const JournalError& error) {
+    with_.lines.note(error.what());
+  }
 }
 
 ExitCode QueueJob::printBlock(const JobBlock& block, const std::vector<std::uint8_t>& data) {

@@ -55,6 +55,7 @@ class QueueJob {
   Verdict postpone(const std::string& why, const StateReasons& reasons);
   void awaitReady(const PrintResult& refused);
   PrintJob::Options options();
+  void forgetOldJobs() const;
 
   const BackEndJob& job_;
   const DeviceUri& uri_;

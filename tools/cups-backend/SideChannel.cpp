@@ -1,5 +1,6 @@
 #include "tools/cups-backend/SideChannel.h"
 
+#include <sys/socket.h>
 #include <sys/stat.h>
 
 #include <array>
@@ -10,11 +11,11 @@
 namespace quordalvane::cups {
 namespace {
 
-// The longest that the protocol knows.
-constexpr int longestMessage = 65535;
-
-// The filter that asked reads at once, or is gone.
-constexpr double answerSeconds = 1.0;
+// A message is a command, a status, and the length of its data in two bytes. The print system's
+// library reads and writes them as well; but it brings two dozen others with it, and a back end
+// that is killed while they are loaded has no witness yet.
+constexpr std::size_t headSize = 4;
+constexpr std::size_t longestData = 65535;
 
 // By hand a back end is started without one, and the descriptor may then be anything.
 int channelIfGiven() {
@@ -27,15 +28,14 @@ int channelIfGiven() {
 SideChannel::SideChannel(const PrinterState& state, std::string deviceId)
     : state_(state), deviceId_(std::move(deviceId)), descriptor_(channelIfGiven()) {}
 
+/// A filter waits for its answer before it asks again, so that one read is one question.
 bool SideChannel::serve() {
-  cups_sc_command_t command = CUPS_SC_CMD_NONE;
-  cups_sc_status_t status = CUPS_SC_STATUS_NONE;
-  std::array<char, longestMessage> data{};
-  int length = longestMessage;
-  if (cupsSideChannelRead(&command, &status, data.data(), &length, 0.0) != 0) {
+  std::array<char, headSize + longestData> message{};
+  const ssize_t count = ::recv(descriptor_, message.data(), message.size(), MSG_DONTWAIT);
+  if (count < static_cast<ssize_t>(headSize)) {
     return false;
   }
-  answer(command);
+  answer(static_cast<cups_sc_command_t>(message.front()));
   return true;
 }
 
@@ -68,9 +68,14 @@ void SideChannel::answerOwed() {
         state_.data() == PrinterState::Data::Printed ? CUPS_SC_STATUS_OK : CUPS_SC_STATUS_IO_ERROR);
 }
 
+/// The filter that asked reads at once, or is gone.
 void SideChannel::write(cups_sc_command_t command, cups_sc_status_t status,
                         const std::string& data) {
-  cupsSideChannelWrite(command, status, data.data(), static_cast<int>(data.size()), answerSeconds);
+  std::string message = {static_cast<char>(command), static_cast<char>(status),
+                         static_cast<char>(data.size() >> 8U), static_cast<char>(data.size())};
+  message += data;
+  static_cast<void>(
+      ::send(descriptor_, message.data(), message.size(), MSG_NOSIGNAL | MSG_DONTWAIT));
 }
 
 char stateBitsOf(const QuorPrinterStatus_2& status) {

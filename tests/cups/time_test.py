@@ -1,0 +1,46 @@
+"""How long a job takes from `lp` to its end on a printer that answers at once, beside the print system's own back end."""
+
+import statistics
+import subprocess
+import tempfile
+import time
+import unittest
+from pathlib import Path
+
+from harness import main
+from peer import socket_back_end
+from queues import QUOR, QueueCase
+from scheduler import as_nobody
+
+LEAST, GREATEST = 9, 40  # how many times each
+MOST = 0.150  # seconds more than the peer
+
+
+class Times(QueueCase):
+    back_ends = {"quor": QUOR, "socket": socket_back_end(Path(tempfile.gettempdir()) / "quor-peer")}
+
+    def seconds(self, queue: str, file: str) -> float:
+        began = time.monotonic()
+        said = subprocess.run(["lp", "-h", self.scheduler.socket, "-d", queue, "-o", "raw", file], check=True,
+                              capture_output=True, text=True, **as_nobody())
+        job = int(said.stdout.split(f"{queue}-")[1].split()[0])
+        self.assertSettles(job, "completed")
+        return time.monotonic() - began
+
+    def test_at_most_150_ms_more_than_a_back_end_that_confirms_nothing(self):
+        """The least of several times each: what others do on the machine makes them longer, and never shorter."""
+        ours, theirs = self.simulator(), self.simulator()
+        self.queue(ours, "ours")
+        self.scheduler.add_queue("theirs", f"socket://{theirs.place.removeprefix('tcp:')}")
+        file = self.file("receipt", b"Espresso  2.20\n")
+        mine, peers = [], []
+        while len(mine) < LEAST or (min(mine) - min(peers) >= MOST and len(mine) < GREATEST):
+            mine.append(self.seconds("ours", file))
+            peers.append(self.seconds("theirs", file))
+        for name, times in (("quor", mine), ("socket", peers)):
+            print(f"{name}: least {min(times) * 1000:.0f} ms, median {statistics.median(times) * 1000:.0f} ms of {len(times)}")
+        self.assertLess(min(mine) - min(peers), MOST)
+
+
+if __name__ == "__main__":
+    main()
