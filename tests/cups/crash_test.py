@@ -111,8 +111,9 @@ class Lane:
         """The state in which the job stays, and how many copies lie on paper."""
         before = self.paper()
         job = self.scheduler.print_job("till", COPY)
-        if not victim.startswith("scheduler"):  # nobody sees a process that is killed before its first instruction
-            eventually(lambda: self.guard_and_worker()[self.exe.name == "quor"], "the back end has begun")
+        if self.exe.name == "quor" and not victim.startswith("scheduler"):
+            # Nobody sees a process that is killed before its first instruction.
+            eventually(lambda: self.guard_and_worker()[1] or self.state(job), "the back end has begun")
         began = time.monotonic()
         time.sleep(max(0.0, began + moment - time.monotonic()))  # the moment is what the case is about
         self.strike(victim)

@@ -127,7 +127,7 @@ ROWS = (
         "a job, under every error policy, and eight clients share four queues whose printers fail: never two copies without a "
         "person, never completed without paper",
         (queues("crash_test.py", QUOR_CRASH_MOMENTS=(2, 20, 20)), queues("load_test.py", QUOR_QUEUE_JOBS=(40, 200, 1000))),
-        WHOLE_ROW),
+        "all of it, with `--real`"),
     Row("coverage", "Branch coverage", "of the port, the parsers, the print job, the logger, the back ends, the C interface "
         "and the virtual printer's replies", (Step(python("coverage.py", "build-coverage")),), NOTHING),
     Row("mutation", "Mutation", "small changes of the same rooms, drawn by a seed, are noticed",
