@@ -3,6 +3,7 @@
 #include <zint.h>
 
 #include <algorithm>
+#include <cmath>
 #include <memory>
 
 namespace quordalvane::simulator {
@@ -14,36 +15,36 @@ struct SymbolDeleter {
 using Library = std::unique_ptr<zint_symbol, SymbolDeleter>;
 
 struct Family {
-  Symbology symbology;
   const char* name;
+  Symbology symbology;
   int librarysNumber;
 };
 
 constexpr Family families[] = {
-    {Symbology::UpcA, "UPC-A", BARCODE_UPCA},
-    {Symbology::UpcE, "UPC-E", BARCODE_UPCE},
-    {Symbology::Ean13, "EAN-13", BARCODE_EANX},
-    {Symbology::Ean8, "EAN-8", BARCODE_EANX},
-    {Symbology::Code39, "Code 39", BARCODE_CODE39},
-    {Symbology::Interleaved, "Interleaved 2 of 5", BARCODE_C25INTER},
-    {Symbology::Codabar, "Codabar", BARCODE_CODABAR},
-    {Symbology::Code93, "Code 93", BARCODE_CODE93},
-    {Symbology::Code128, "Code 128", BARCODE_CODE128},
-    {Symbology::Gs1Code128, "GS1-128", BARCODE_GS1_128},
-    {Symbology::DataBar, "GS1 DataBar", BARCODE_DBAR_OMN},
-    {Symbology::DataBarTruncated, "GS1 DataBar Truncated", BARCODE_DBAR_OMN},
-    {Symbology::DataBarLimited, "GS1 DataBar Limited", BARCODE_DBAR_LTD},
-    {Symbology::DataBarExpanded, "GS1 DataBar Expanded", BARCODE_DBAR_EXP},
-    {Symbology::Pdf417, "PDF417", BARCODE_PDF417},
-    {Symbology::TruncatedPdf417, "PDF417", BARCODE_PDF417COMP},
-    {Symbology::Qr, "QR code", BARCODE_QRCODE},
-    {Symbology::MicroQr, "Micro QR code", BARCODE_MICROQR},
-    {Symbology::MaxiCode, "MaxiCode", BARCODE_MAXICODE},
-    {Symbology::DataBarStacked, "GS1 DataBar Stacked", BARCODE_DBAR_STK},
-    {Symbology::DataBarStackedOmnidirectional, "GS1 DataBar Stacked", BARCODE_DBAR_OMNSTK},
-    {Symbology::DataBarExpandedStacked, "GS1 DataBar Expanded", BARCODE_DBAR_EXPSTK},
-    {Symbology::Aztec, "Aztec code", BARCODE_AZTEC},
-    {Symbology::DataMatrix, "DataMatrix", BARCODE_DATAMATRIX},
+    {"UPC-A", Symbology::UpcA, BARCODE_UPCA},
+    {"UPC-E", Symbology::UpcE, BARCODE_UPCE},
+    {"EAN-13", Symbology::Ean13, BARCODE_EANX},
+    {"EAN-8", Symbology::Ean8, BARCODE_EANX},
+    {"Code 39", Symbology::Code39, BARCODE_CODE39},
+    {"Interleaved 2 of 5", Symbology::Interleaved, BARCODE_C25INTER},
+    {"Codabar", Symbology::Codabar, BARCODE_CODABAR},
+    {"Code 93", Symbology::Code93, BARCODE_CODE93},
+    {"Code 128", Symbology::Code128, BARCODE_CODE128},
+    {"GS1-128", Symbology::Gs1Code128, BARCODE_GS1_128},
+    {"GS1 DataBar", Symbology::DataBar, BARCODE_DBAR_OMN},
+    {"GS1 DataBar Truncated", Symbology::DataBarTruncated, BARCODE_DBAR_OMN},
+    {"GS1 DataBar Limited", Symbology::DataBarLimited, BARCODE_DBAR_LTD},
+    {"GS1 DataBar Expanded", Symbology::DataBarExpanded, BARCODE_DBAR_EXP},
+    {"PDF417", Symbology::Pdf417, BARCODE_PDF417},
+    {"PDF417", Symbology::TruncatedPdf417, BARCODE_PDF417COMP},
+    {"QR code", Symbology::Qr, BARCODE_QRCODE},
+    {"Micro QR code", Symbology::MicroQr, BARCODE_MICROQR},
+    {"MaxiCode", Symbology::MaxiCode, BARCODE_MAXICODE},
+    {"GS1 DataBar Stacked", Symbology::DataBarStacked, BARCODE_DBAR_STK},
+    {"GS1 DataBar Stacked", Symbology::DataBarStackedOmnidirectional, BARCODE_DBAR_OMNSTK},
+    {"GS1 DataBar Expanded", Symbology::DataBarExpandedStacked, BARCODE_DBAR_EXPSTK},
+    {"Aztec code", Symbology::Aztec, BARCODE_AZTEC},
+    {"DataMatrix", Symbology::DataMatrix, BARCODE_DATAMATRIX},
 };
 
 const Family& familyOf(Symbology symbology) {
@@ -167,7 +168,7 @@ EncodedSymbol encodedFrom(const zint_symbol& library, Symbology symbology) {
       symbology >= Symbology::DataBarStacked && symbology <= Symbology::DataBarExpandedStacked;
   for (int row = 0; hasUnevenRows && row < rows; ++row) {
     encoded.rowHeights.push_back(
-        std::max(1U, static_cast<unsigned>(library.row_height[row] + 0.5F)));
+        std::max(1U, static_cast<unsigned>(std::lround(library.row_height[row]))));
   }
   return encoded;
 }
