@@ -81,8 +81,11 @@ class Lane:
         state = self.scheduler.state(job)
         if self.back_ends():
             return None
-        if state == "pending" and self.scheduler.printer("till")["printer-state"] == [5]:
-            return "queue stopped"
+        if state == "pending":
+            if self.scheduler.printer("till")["printer-state"] == [5]:
+                return "queue stopped"
+            # A scheduler that was killed before it had recorded a job's end looks at the job only when something happens.
+            self.scheduler.resume("till")
         return state if state in SETTLED else None
 
     def paper(self) -> int:
