@@ -139,7 +139,7 @@ Row signRow(const ReceiptKind& kind) {
 Rows confirmedReceipts() {
   Rows rows;
   Rows firstByte;
-  for (const ReceiptKind& kind : kinds) {
+  for (const ReceiptKind& kind : receiptKinds) {
     addRowsOf(kind, rows, firstByte);
   }
   rows.insert(rows.end(), firstByte.begin(), firstByte.end());
