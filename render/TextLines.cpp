@@ -83,7 +83,9 @@ void TextLines::addLetter(std::uint32_t codePoint, std::string_view character) {
     breakLine();
   }
   line_ += character;
-  column_ += belongsToTheOneBefore(codePoint) ? 0 : 1;
+  if (!belongsToTheOneBefore(codePoint)) {
+    ++column_;
+  }
 }
 
 void TextLines::endLine() {

@@ -4,11 +4,11 @@
 #include <fontconfig/fontconfig.h>
 
 #include <algorithm>
-#include <compare>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <tuple>
 
 #include "simulator/Utf8.h"
 
@@ -26,7 +26,11 @@ struct GlyphKey {
   bool wide;
   unsigned width;
   unsigned height;
-  auto operator<=>(const GlyphKey&) const = default;
+
+  bool operator<(const GlyphKey& other) const {
+    return std::tie(character, bold, wide, width, height) <
+           std::tie(other.character, other.bold, other.wide, other.width, other.height);
+  }
 };
 
 // The font caches live until the program ends. Giving them back then leaves nothing for a leak
