@@ -36,6 +36,10 @@ bool startsWith(ByteView data, std::initializer_list<std::uint8_t> prefix) {
   return data.size() >= prefix.size() && std::equal(prefix.begin(), prefix.end(), data.begin());
 }
 
+bool holds(ByteView data, std::initializer_list<std::uint8_t> bytes) {
+  return std::search(data.begin(), data.end(), bytes.begin(), bytes.end()) != data.end();
+}
+
 /// The obstacle that begins with the first byte; null if none does.
 const Obstacle* obstacleAt(ByteView data, ZKEmulation emulation) {
   const auto* const found =
@@ -151,23 +155,24 @@ std::optional<std::string> confirmationObstacle(ByteView data, ZKEmulation emula
 }
 
 std::optional<std::string> endSignObstacle(ByteView data) {
-  constexpr std::uint8_t clearBuffer[] = {0x10, 0x14, 0x08};
-  constexpr std::uint8_t blockCommand[] = {0x1b, 0x1d, 0x03};
-  const auto holds = [&](ByteView command) {
-    return std::search(data.begin(), data.end(), command.begin(), command.end()) != data.end();
-  };
-  if (holds(clearBuffer) || holds(blockCommand)) {
-    return "the data itself holds a command at which a printer drops data";
+  constexpr auto dropsData = "the data itself holds a command at which a printer drops data";
+  // A real-time command takes effect wherever it is.
+  if (holds(data, {0x10, 0x14, 0x08})) {
+    return dropsData;
   }
+  const std::initializer_list<std::uint8_t> blockCommand = {0x1b, 0x1d, 0x03};
   for (std::size_t next = 0; next < data.size();) {
-    const auto command = printCommandAt(data.subspan(next));
-    if (!command) {
-      return std::nullopt;
-    }
-    if (command->length > data.size() - next) {
+    const ByteView rest = data.subspan(next);
+    const auto command = printCommandAt(rest);
+    if (command && command->length > rest.size()) {
       return cutShort(next);
     }
-    next += command->length;
+    const std::size_t length = command ? command->length : rest.size();
+    const std::size_t looked = std::min(length + blockCommand.size() - 1, rest.size());
+    if (!(command && command->isCounted) && holds(rest.first(looked), blockCommand)) {
+      return dropsData;
+    }
+    next += length;
   }
   return std::nullopt;
 }

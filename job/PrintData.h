@@ -31,7 +31,8 @@ std::size_t commandEnd(ByteView data, std::size_t position);
 
 /// Why a question after the data could not be told from the data, or its answer would prove
 /// nothing: the data ends inside a command, or holds a command that makes a printer drop data.
-/// Empty if neither.
+/// Empty if neither. Counted payload of known commands is data here as well, but for the command
+/// that clears the buffer in real time.
 std::optional<std::string> endSignObstacle(ByteView data);
 
 /// How many in-order answers the data itself asks for; empty if that cannot be counted.

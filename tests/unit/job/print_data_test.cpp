@@ -208,5 +208,26 @@ TEST(CommandEnd, IsTheEndOfTheCommandAroundAPlace) {
   EXPECT_EQ(commandEnd(Bytes{0x1b, 0xff, 0x1d, 0x76}, 3), 3U) << "nobody knows";
 }
 
+TEST(EndSignObstacle, IsACommandAtWhichAPrinterDropsDataOutsideOfImages) {
+  EXPECT_EQ(endSignObstacle(Bytes{'a', '\n'}), std::nullopt);
+  for (const Bytes& data : {Bytes{'a', 0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00},
+                            Bytes{0x1b, 0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00},
+                            Bytes{0x1f, 0x00, 0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00}}) {
+    EXPECT_THAT(endSignObstacle(data).value_or(""), HasSubstr("drops data"));
+  }
+}
+
+TEST(EndSignObstacle, IsNoneInsideAnImageUnlessItActsInRealTime) {
+  EXPECT_EQ(endSignObstacle(Bytes{0x1d, 0x76, 0x30, 0, 1, 0, 3, 0, 0x1b, 0x1d, 0x03}),
+            std::nullopt);
+  EXPECT_THAT(
+      endSignObstacle(Bytes{0x1d, 0x76, 0x30, 0, 1, 0, 3, 0, 0x10, 0x14, 0x08}).value_or(""),
+      HasSubstr("drops data"));
+  EXPECT_THAT(endSignObstacle(
+                  Bytes{0x1d, 0x76, 0x30, 0, 1, 0, 1, 0, 0xff, 0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00})
+                  .value_or(""),
+              HasSubstr("drops data"));
+}
+
 }  // namespace
 }  // namespace quordalvane
