@@ -9,9 +9,9 @@
 #include "render/Picture.h"
 #include "render/PrinterCommands.h"
 #include "render/TextPrinting.h"
-#include "simulator/ImageRendering.h"
 #include "simulator/PrinterBuilder.h"
 #include "simulator/PrinterLink.h"
+#include "simulator/drawing/ImageRendering.h"
 
 namespace quordalvane::render {
 namespace {
