@@ -13,8 +13,8 @@ package_packages=(build-essential debhelper dh-python libcups2-dev libpappl-dev 
   python3-setuptools python3-wheel)
 trial_packages=(debootstrap)
 real_packages=(avahi-daemon bluez bluez-test-tools busybox-static clang cups-client cups-daemon cups-ipp-utils
-  fonts-freefont-ttf fonts-wqy-microhei gobjc kmod libcups2-dev libgnustep-base-dev libpappl-dev mypy nodejs
-  npm python3-pytest qemu-system-x86)
+  fonts-freefont-ttf fonts-wqy-microhei gobjc kmod libcups2-dev libgnustep-base-dev libpappl-dev mypy
+  python3-pytest qemu-system-x86)
 fuzz_packages=(clang libclang-rt-dev)
 prove_packages=(llvm)
 bench_packages=(libbenchmark-dev libspdlog-dev python3)
