@@ -35,7 +35,11 @@ std::vector<std::string> devicesMeantBy(const std::string& text) {
   std::vector<std::string> devices;
   if (scheme != nullptr && scheme->places != nullptr && !hasPlace) {
     for (const std::string& place : scheme->places()) {
-      devices.push_back(std::string(scheme->name) + ":" + place + rest);
+      std::string device(scheme->name);
+      device += ':';
+      device += place;
+      device += rest;
+      devices.push_back(std::move(device));
     }
   }
   return devices.empty() ? std::vector{text} : devices;

@@ -16,29 +16,30 @@ namespace quordalvane {
 
 /// A key that one scheme alone takes.
 struct SchemeKey {
-  std::string_view name;
+  std::string_view name;                  ///< before the equals sign
   std::string_view values;                ///< those that it takes, for people
   bool (*takes)(std::string_view value);  ///< whether it takes this one
 };
 
 /// Why a device may fail to open, and how to help.
 struct OpenCause {
-  static constexpr int anyCode = 0;
+  static constexpr int anyCode = 0;  ///< a `code` that fits every error of the category
 
-  int code;               ///< of the system, or of the category
-  std::string_view name;  ///< the name of the cause for scripts
-  std::string_view text;  ///< the cause, for people
-  std::string_view advice;
+  int code;                 ///< of the system, or of the category
+  std::string_view name;    ///< the name of the cause for scripts
+  std::string_view text;    ///< the cause, for people
+  std::string_view advice;  ///< the next step, for people
 
   /// The category of the code, if it is not one of the system's.
   const std::error_category& (*category)() = nullptr;
 
+  /// Whether it is the cause of this error.
   bool fits(const std::error_code& error) const;
 };
 
 /// One way in which a device may be set, for the doctor to try.
 struct SchemeVariant {
-  DeviceSpec spec;
+  DeviceSpec spec;         ///< the device, set in this way
   std::string words;       ///< "at 9600 baud"
   std::string keys;        ///< ",baud=9600": the keys that choose it
   std::string_view cause;  ///< the name of the finding that only this way is answered
@@ -64,8 +65,8 @@ struct Scheme {
   std::string_view ifSilent;         ///< advice for a device that opens and never answers
   std::string_view ifNotUnderstood;  ///< advice for one whose answers are not a printer's
 
-  std::span<const OpenCause> causes = {};
-  std::span<const SchemeKey> keys = {};
+  std::span<const OpenCause> causes = {};  ///< why a session may not open
+  std::span<const SchemeKey> keys = {};    ///< the keys that it alone takes
 
   /// The keys beyond `keys`, for people. If there is such a text, `make` checks those keys, and
   /// they may take the place's room: `virtual:coverOpen=true`.

@@ -55,8 +55,8 @@ class Clients(unittest.TestCase):
     def check(self, client: str, mode: str = ""):
         ran = subprocess.run(["node", "clients.js", client, self.host, "9100", mode], cwd=FOLDER, capture_output=True,
                              text=True, timeout=DEADLINE, check=False)
-        said = ran.stdout.strip().splitlines()[-1:]
-        self.assertEqual(said, ["success"], (mode, ran))
+        # One of them also shows what the printer says, whenever that arrives.
+        self.assertIn("success", ran.stdout.splitlines(), (mode, ran))
         job = json.loads(self.printer.stdout.readline())
         self.assertTrue(job["ok"], (mode, job))
         paper = next(file for file in job["files"] if file.endswith(".txt"))

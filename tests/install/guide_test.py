@@ -25,6 +25,9 @@ INDENTED = re.compile(r"^ {4}(?:sudo )?((?:\./dev|git|cd|cmake|g\+\+|build/bin/q
 ROW = re.compile(r"^\| (?P<says>[^|]+) \| (?P<code>\d) \| (?P<record>[^|]+) \|.*\| `(?P<device>\w+:[^`]*)` \|$", re.M)
 
 # Commands that other tests run, or that no test may run: a clone, an installation as root, a build in a build.
+# Programs in other languages are run with their packages, by tests/python; shell without a prompt installs something.
+RUN = ("console", "cpp", "")
+RUN_ELSEWHERE = ("javascript", "python", "sh")
 ELSEWHERE = re.compile(r"\./dev \w+|git clone |cd |cmake --install |quorport --device YOUR-PRINTER ")
 
 WAIT_FOR_LINES = "until [ -s {0} ]; do sleep 0.01; done; cat {0}"
@@ -68,6 +71,7 @@ class Guides(ProgramTest):
         """In a folder and at a port of its own; `program` is the page's C++ program."""
         folder = Path(tempfile.mkdtemp(dir=self.folder))
         (folder / "examples").symlink_to(SOURCES / "examples")
+        (folder / "docs").symlink_to(SOURCES / "docs")
         (folder / "build").symlink_to(Path(QUORPORT).parent.parent)
         port = free_port()
         if READERS_PRINTER in block:
@@ -108,7 +112,7 @@ class Guides(ProgramTest):
         for page in PAGES:
             text = page.read_text()
             for kind, block in BLOCK.findall(text):
-                self.assertIn(kind, ("console", "cpp", ""), f"{page.name}: a block of a kind that is not run")
+                self.assertIn(kind, (*RUN, *RUN_ELSEWHERE), f"{page.name}: a block of a kind that is not run")
                 self.assertFalse(kind == "" and "$ " in block, f"{page.name}: {block}")
             for command in INDENTED.findall(BLOCK.sub("", text)):
                 self.assertRegex(command, ELSEWHERE, f"{page.name}: this command is not run")

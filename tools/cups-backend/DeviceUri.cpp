@@ -70,7 +70,10 @@ void addQuery(DeviceUri& uri, std::string_view query) {
     const std::string key = deviceTextOf(pair.substr(0, equals), isAllData);
     const std::string value = deviceTextOf(pair.substr(equals + 1), isAllData);
     if (!setOwnKey(uri, key, value)) {
-      uri.device += "," + key + "=" + value;
+      uri.device += ',';
+      uri.device += key;
+      uri.device += '=';
+      uri.device += value;
     }
   }
 }
@@ -92,7 +95,7 @@ std::string deviceIn(std::string_view path) {
   const std::string_view inside = path.substr(path.starts_with('/') ? 1 : 0);
   const std::string_view name = inside.substr(0, inside.find_first_of("/:"));
   const Scheme* const scheme = findScheme(name);
-  const std::string whole = deviceTextOf(path, isNoData);
+  std::string whole = deviceTextOf(path, isNoData);
   refuseCredentials(whole, scheme);
   if (scheme == nullptr) {
     return whole;  // it may name its device without a scheme

@@ -50,7 +50,8 @@ std::optional<std::int64_t> schedulerStart(int scheduler) {
   if (!ticks) {
     return std::nullopt;
   }
-  const std::int64_t start = *ticks * millisInSecond / ::sysconf(_SC_CLK_TCK);
+  // The end of that tick: a record of the scheduler before it may be as young as its beginning.
+  const std::int64_t start = (*ticks + 1) * millisInSecond / ::sysconf(_SC_CLK_TCK);
   return millisecondsNow() - (millisSinceBoot() - start);
 }
 
