@@ -25,7 +25,7 @@ NamedJobResult printNow(NamedJob& named) {
     return named.refuse(unreachable);
   }
   PrintJob job(port, named.recorded());
-  const NamedJobResult result = named.run(job);
+  NamedJobResult result = named.run(job);
   port->close();
   return result;
 }

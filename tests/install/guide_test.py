@@ -24,11 +24,12 @@ BLOCK = re.compile(r"^```(\w*)\n(.*?)^```", re.M | re.S)
 INDENTED = re.compile(r"^ {4}(?:sudo )?((?:\./dev|git|cd|cmake|g\+\+|build/bin/quorport|quorport)\b.*)", re.M)
 ROW = re.compile(r"^\| (?P<says>[^|]+) \| (?P<code>\d) \| (?P<record>[^|]+) \|.*\| `(?P<device>\w+:[^`]*)` \|$", re.M)
 
-# Commands that other tests run, or that no test may run: a clone, an installation as root, a build in a build, and
-# Bluetooth, which the machine's tests have.
 # Programs in other languages are run with their packages, by tests/python; shell without a prompt installs something.
 RUN = ("console", "cpp", "")
 RUN_ELSEWHERE = ("javascript", "python", "sh")
+
+# Commands that other tests run, or that no test may run: a clone, an installation as root, a build in a build, and
+# Bluetooth, which the machine's tests have.
 ELSEWHERE = re.compile(r"\./dev \w+|git clone |cd |cmake --install |quorport (--device YOUR-PRINTER|-d bluetooth:\S+) ")
 
 WAIT_FOR_LINES = "until [ -s {0} ]; do sleep 0.01; done; cat {0}"
