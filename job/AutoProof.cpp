@@ -44,7 +44,8 @@ MaybeSetback AutoProof::ask() {
     return setback;
   }
   memory_.foundProof = found.kind;
-  memory_.mayOweInOrder = found.owesInOrder;
+  // What an earlier search has left owed may still arrive, whatever this one was answered.
+  memory_.mayOweInOrder = memory_.mayOweInOrder || found.owesInOrder;
   return std::nullopt;
 }
 
