@@ -1,7 +1,7 @@
 """The C library: how it is found, its prototypes, and its error codes as exceptions.
 
 ctypes and not a compiled module: the package is then the same for every Python and needs no compiler, and a
-call takes far less time than a byte on the way to a printer.
+call takes far less time than an exchange with a printer.
 """
 
 from __future__ import annotations
