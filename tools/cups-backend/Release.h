@@ -6,8 +6,9 @@
 
 namespace quordalvane::cups {
 
-/// When the scheduler, which is this process's parent, was started: milliseconds since 1970. Empty
-/// if the system does not say.
+/// When the scheduler, which is this process's parent, was started: milliseconds since 1970. It is
+/// the end of a clock tick, so up to 10 ms later than the true start. Empty if the system does not
+/// say.
 std::optional<std::int64_t> schedulerStart(int scheduler);
 
 /// Whether a job of which nobody knew at `told`, and that was held then, is started now because a
