@@ -1,0 +1,126 @@
+// The paper that hangs out of a printer, drawn row by row. It is kept in sheets of a fixed height, and the oldest
+// are dropped: twenty metres take no more of the page than one.
+
+import { make } from "./dom.js";
+import { paperLength } from "./words.js";
+
+/** Rows of dots in a sheet, and how many sheets are kept: about a metre. */
+export const sheetRows = 512;
+export const mostSheets = 16;
+
+const partingMillis = 450;
+
+function decoded(base64) {
+  const bytes = Uint8Array.from(atob(base64), (character) => character.charCodeAt(0));
+  return createImageBitmap(new Blob([bytes], {type: "image/png"}));
+}
+
+export class Paper {
+  constructor(printerName, place) {
+    this.empty = make("p", {class: "hint"}, "Nothing printed yet. Print to ", make("code", {}, place));
+    const label = `Paper of ${printerName}`;
+    this.element = make("div", {class: "paper", role: "region", tabindex: "0", "aria-label": label});
+    this.order = Promise.resolve(); // events are drawn in their order, though pictures are decoded aside
+    this.begin();
+  }
+
+  begin() {
+    this.strip = make("div", {class: "strip", role: "img"});
+    this.sheets = new Map(); // by number, from the top
+    this.cuts = [];
+    this.width = 576;
+    this.rows = 0;
+    this.element.replaceChildren(this.strip, this.empty);
+    this.measure();
+  }
+
+  /** Draws rows over those that are there. */
+  draw(part) {
+    const picture = part.png ? decoded(part.png) : Promise.resolve(null);
+    picture.catch(() => {}); // it is noticed in its turn
+    this.order = this.order.then(async () => this.add(part, await picture)).catch(() => {});
+  }
+
+  /** The paper is torn off: the next rows are those of a new one. */
+  tear() {
+    this.order = this.order.then(() => {
+      const gone = this.strip;
+      const mayMove = this.rows > 0 && !matchMedia("(prefers-reduced-motion: reduce)").matches;
+      this.begin();
+      if (mayMove) {
+        gone.classList.add("parting");
+        this.element.append(gone);
+        setTimeout(() => gone.remove(), partingMillis);
+      }
+    });
+  }
+
+  add(part, picture) {
+    this.width = part.width ?? this.width;
+    this.rows = Math.max(this.rows, part.row + part.height);
+    const last = Math.floor((part.row + part.height - 1) / sheetRows);
+    for (let number = Math.floor(part.row / sheetRows); number <= last; number += 1) {
+      this.drawOn(this.sheet(number), part, picture, part.row - number * sheetRows);
+    }
+    for (const cut of part.cuts ?? []) {
+      this.addCut(cut);
+    }
+    this.dropOld();
+    this.measure();
+  }
+
+  drawOn(canvas, part, picture, top) {
+    const context = canvas.getContext("2d");
+    context.clearRect(0, top, canvas.width, part.height);
+    if (picture) {
+      context.drawImage(picture, 0, top);
+    }
+  }
+
+  sheet(number) {
+    let canvas = this.sheets.get(number);
+    if (!canvas) {
+      canvas = make("canvas", {width: this.width, height: sheetRows});
+      this.sheets.set(number, canvas);
+      this.strip.append(canvas);
+    }
+    return canvas;
+  }
+
+  addCut({row, partial}) {
+    const mark = make("div", {class: partial ? "cut partial" : "cut"});
+    this.cuts.push({row, mark});
+    this.strip.append(mark);
+  }
+
+  /** The first row that is still shown. */
+  get first() {
+    return Math.max(0, Math.ceil(this.rows / sheetRows) - mostSheets) * sheetRows;
+  }
+
+  dropOld() {
+    for (const [number, canvas] of this.sheets) {
+      if (number * sheetRows < this.first) {
+        canvas.remove();
+        this.sheets.delete(number);
+      }
+    }
+    this.cuts.filter((cut) => cut.row < this.first).forEach((cut) => cut.mark.remove());
+    this.cuts = this.cuts.filter((cut) => cut.row >= this.first);
+  }
+
+  /** Gives each sheet its place, in dots; the style sheet knows how large a dot is. */
+  measure() {
+    this.strip.style.setProperty("--columns", this.width);
+    this.strip.style.setProperty("--rows", this.rows - this.first);
+    for (const [number, canvas] of this.sheets) {
+      canvas.style.setProperty("--row", number * sheetRows - this.first);
+    }
+    for (const cut of this.cuts) {
+      cut.mark.style.setProperty("--row", cut.row - this.first);
+    }
+    this.strip.setAttribute("aria-label", `${paperLength(this.rows)} of paper`);
+    this.strip.hidden = this.rows === 0;
+    this.empty.hidden = this.rows > 0;
+  }
+}

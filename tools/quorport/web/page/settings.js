@@ -1,0 +1,46 @@
+// Every setting of a printer, as the server lists them.
+
+import { freshId, make } from "./dom.js";
+import { inputFor } from "./inputs.js";
+import { titled } from "./words.js";
+
+class Setting {
+  constructor(form, send) {
+    this.key = form.key;
+    this.input = inputFor(form);
+    const {element, beside} = this.input;
+    element.id = freshId("setting");
+    element.addEventListener("change", async () => {
+      await send({set: {[this.key]: this.input.value()}});
+      this.input.show(this.value); // the printer's own value, until it is told anew
+    });
+    const label = make("label", {for: element.id}, titled(form.label ?? form.key));
+    const hint = [form.unit, form.help].filter(Boolean).join("; ");
+    const about = hint ? [make("p", {class: "hint", id: `${element.id}-hint`}, hint)] : [];
+    if (hint) {
+      element.setAttribute("aria-describedby", `${element.id}-hint`);
+    }
+    this.element = make("div", {class: form.kind === "flag" ? "switch" : "field"}, label, element, ...beside, ...about);
+  }
+
+  show(value) {
+    if (this.value !== value) {
+      this.value = value;
+      this.input.show(value);
+    }
+  }
+}
+
+export class Settings {
+  constructor(forms, send) {
+    this.settings = forms.map((form) => new Setting(form, send));
+    this.element = make("details", {class: "settings"}, make("summary", {}, "All settings"),
+      make("div", {class: "fields"}, ...this.settings.map((setting) => setting.element)));
+  }
+
+  show({state}) {
+    for (const setting of this.settings) {
+      setting.show(state[setting.key]);
+    }
+  }
+}

@@ -1,0 +1,84 @@
+// One printer: its paper, its switches, its settings and faults, its counters.
+
+import { announce } from "./announce.js";
+import { Counters } from "./counters.js";
+import { freshId, make, write } from "./dom.js";
+import { Faults } from "./faults.js";
+import { Paper } from "./paper.js";
+import { control } from "./server.js";
+import { Settings } from "./settings.js";
+import { Sliders } from "./sliders.js";
+import { Switches } from "./switches.js";
+import { condition, titled } from "./words.js";
+
+/** Actions that have a place of their own on the page. */
+const placedElsewhere = ["quit", "clear"];
+
+export class Station {
+  constructor(printer, known) {
+    this.printer = printer.id;
+    this.name = printer.name || printer.place;
+    this.flags = known.flags;
+    const send = (line) => this.send(line);
+    this.paper = new Paper(this.name, printer.place);
+    this.parts = [
+      new Switches(known.flags, send),
+      new Sliders(known.settings, send),
+      new Settings(known.settings, send),
+      new Faults(known, send),
+    ];
+    this.counters = new Counters();
+    this.element = this.card(printer, known.actions);
+    this.show(printer);
+  }
+
+  card(printer, actions) {
+    const id = freshId("printer");
+    this.condition = make("p", {class: "condition"});
+    this.refusal = make("p", {class: "refused", role: "alert"});
+    const place = printer.name ? make("p", {}, make("code", {}, printer.place)) : "";
+    const title = make("div", {class: "title"}, make("h2", {id}, this.name), place, this.condition);
+    const machine = make("div", {class: "machine"}, this.paper.element, this.buttons(actions));
+    const controls = make("div", {class: "controls"}, this.refusal, ...this.parts.map((part) => part.element));
+    return make("article", {class: "card printer", "aria-labelledby": id}, title,
+      make("div", {class: "sides"}, machine, controls), this.counters.element);
+  }
+
+  buttons(actions) {
+    const own = actions.filter((action) => !placedElsewhere.includes(action.key));
+    return make("div", {class: "body"}, ...own.map((action) =>
+      make("button", {type: "button", onclick: () => this.send(action.line)}, titled(action.label))));
+  }
+
+  /** Gives a control line to this printer; a refusal is shown. True if it was obeyed. */
+  async send(line) {
+    try {
+      await control(this.printer, line);
+      write(this.refusal, "");
+      return true;
+    } catch (error) {
+      write(this.refusal, error.message);
+      return false;
+    }
+  }
+
+  /** Shows the state, faults and counters that the printer now has. */
+  show(data) {
+    for (const part of this.parts) {
+      part.show(data);
+    }
+    this.counters.show(data);
+    this.showCondition(condition(this.flags, data.state), data.state.offline);
+  }
+
+  showCondition(text, isStopped) {
+    const isNew = this.condition.textContent !== text;
+    const isFirst = this.condition.textContent === "";
+    write(this.condition, text);
+    this.condition.classList.toggle("stopped", isStopped);
+    this.condition.classList.toggle("ready", !isStopped);
+    if (isNew && !isFirst) {
+      announce(`${this.name}: ${text}`);
+    }
+  }
+}

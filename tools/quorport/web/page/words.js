@@ -1,0 +1,57 @@
+// How names, numbers and bytes are written for people.
+
+/** With a capital at its beginning. */
+export function titled(text) {
+  return text.charAt(0).toUpperCase() + text.slice(1);
+}
+
+/** Grouped in thousands by thin spaces. */
+export function grouped(number) {
+  return String(number).replace(/\B(?=(\d{3})+$)/g, "\u2009");
+}
+
+/** "1 byte", "2 bytes". */
+export function counted(number, one, many = `${one}s`) {
+  return `${grouped(number)} ${number === 1 ? one : many}`;
+}
+
+/** The bytes of a command in hex; of a long one only the first are given. */
+export function bytesOf({bytes, length}) {
+  return bytes.length < 2 * length ? `${paired(bytes)} … ${counted(length, "byte")}` : paired(bytes);
+}
+
+/** Hex digits in pairs. */
+export function paired(hex) {
+  return hex.replace(/..(?=.)/g, "$& ");
+}
+
+/** The time of day of a moment, given in milliseconds since 1970 or as a text, to the millisecond. */
+export function clockTime(moment) {
+  const date = new Date(moment);
+  const two = (number) => String(number).padStart(2, "0");
+  const fraction = String(date.getMilliseconds()).padStart(3, "0");
+  return `${two(date.getHours())}:${two(date.getMinutes())}:${two(date.getSeconds())}.${fraction}`;
+}
+
+/** A date and a time of day as the reader is used to them. */
+export function moment(text) {
+  return new Intl.DateTimeFormat(undefined, {dateStyle: "medium", timeStyle: "medium"}).format(new Date(text));
+}
+
+/** The length of so many dots of paper, at eight dots a millimetre. */
+export function paperLength(dots) {
+  const millimetres = dots / 8;
+  return millimetres < 1000 ? `${Math.round(millimetres)} mm` : `${(millimetres / 1000).toFixed(2)} m`;
+}
+
+const stoppingGroups = ["cover", "error"];
+
+/** Whether the printer is ready, and if not, why, by the flags that the server lists. */
+export function condition(flags, state) {
+  if (!state.offline) {
+    return "Ready";
+  }
+  const reasons = flags.filter((flag) => state[flag.key] &&
+    (stoppingGroups.includes(flag.group) || flag.key === "receiptPaperEmpty"));
+  return reasons.length === 0 ? "Off line" : `Off line: ${reasons.map((flag) => flag.label).join(", ")}`;
+}
