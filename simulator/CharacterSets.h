@@ -12,7 +12,7 @@ enum class MultiByte : std::uint8_t { None, ShiftJis, Gb18030, Big5, EucKr };
 /// The characters that a printer has, and how a job selects them. A plain value.
 class CharacterSets {
  public:
-  /// The code-page numbers of most ESC/POS printers, Japanese, and UTF-8.
+  /// The code-page numbers of most ESC/POS printers, and Japanese.
   CharacterSets();
 
   /// The page of the number that 1b 74 names; empty if the printer has none there.
@@ -28,7 +28,7 @@ class CharacterSets {
   void setMultiByte(std::string_view name);
 
   MultiByte multiByte = MultiByte::ShiftJis;
-  bool utf8 = true;  ///< until a job selects a page, text that is valid UTF-8 is read as such
+  bool utf8 = false;  ///< until a job selects a page, text that is valid UTF-8 is read as such
 
   bool operator==(const CharacterSets&) const = default;
 

@@ -23,7 +23,7 @@ lineMode=true
 proofs=block+process-id+in-order
 codePages=common
 multiByte=shift-jis
-utf8=true
+utf8=false
 paper=80
 modelName=Virtual
 )"},

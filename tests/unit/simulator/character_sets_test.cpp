@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "simulator/CodePages.h"
+#include "simulator/Profile.h"
 #include "simulator/TextRendering.h"
 #include "simulator/Utf8.h"
 #include "simulator/drawing/ImageRendering.h"
@@ -133,13 +134,16 @@ TEST(CodePages, AreSetByNumbersAndNamesAlone) {
 }
 
 TEST(Utf8Text, IsReadOnlyByAPrinterThatKnowsIt) {
-  EXPECT_EQ(Print(hex("c3 a9 0a"), profile("both")).text(), "é");
-  EXPECT_EQ(Print(hex("c3 a9 0a"), profile("escpos-80")).text(), "├⌐");
+  for (const std::string& name : profileNames()) {
+    EXPECT_NE(Print(hex("c3 a9 0a"), profile(name)).text(), "é") << name;
+  }
+  EXPECT_EQ(Print(hex("c3 a9 0a")).text(), "├⌐");
   EXPECT_EQ(Print(hex("c3 a9 0a"), profile("escpos-80").set("utf8", "true")).text(), "é");
 }
 
 TEST(Utf8Text, IsSelectedAndLeftByACommand) {
-  EXPECT_EQ(Print(hex("1b7400 1c284302003002 c3a9 1c284302003001 c3a9 0a")).text(), "é├⌐");
+  const PrinterBuilder knowsIt = profile("escpos-80").set("utf8", "true");
+  EXPECT_EQ(Print(hex("1b7400 1c284302003002 c3a9 1c284302003001 c3a9 0a"), knowsIt).text(), "é├⌐");
   EXPECT_EQ(Print(hex("1c284302003002 c3a9 0a"), profile("escpos-80")).text(), "├⌐");
 }
 
@@ -161,6 +165,39 @@ TEST(MultiByteText, OfEachLanguageIsRead) {
   EXPECT_EQ(Print(hex("82358f33 41 0a"), profile("escpos-80-china")).text(), "龦A");
   EXPECT_EQ(Print(hex("a4a4b0ea 0a"), profile("escpos-80-taiwan")).text(), "中國");
   EXPECT_EQ(Print(hex("c7d1b1b9 0a"), profile("escpos-80-korea")).text(), "한국");
+}
+
+// In squares of two letters, also those that a code page holds among its narrow ones.
+TEST(MultiByteText, IsDrawnAsItsCharactersAreDrawnFromUnicode) {
+  const struct {
+    const char* language;
+    const char* job;
+    std::u32string_view characters;
+  } texts[] = {
+      {"japan", "1c4301 97cc8efb8f91 938c8b9e9373 897e", U"領収書東京都円"},
+      {"china", "cad5bedd b1b1bea9cad0 82358f33 a2e3", U"收据北京市龦€"},
+      {"taiwan", "a6acbeda bb4fa55fa5ab", U"收據臺北市"},
+      {"korea", "bfb5bcf6c1f5 bcadbfefbdc3", U"영수증서울시"},
+  };
+  for (const auto& text : texts) {
+    const Print print(hex(text.job) + ascii("\n"),
+                      profile("escpos-80-" + std::string(text.language)));
+    TextStyle style;
+    style.wide = true;
+    Paper paper;
+    paper.add(Line{{LineItem{0, TextRun{std::u32string(text.characters), style}}}});
+    EXPECT_TRUE(renderPicture(print.paper()).pixels == renderPicture(paper).pixels)
+        << text.language << ": " << print.text();
+  }
+}
+
+TEST(CodePages, DrawTheirWideCharactersAsUnicodeDoes) {
+  const Print print(hex("1b7401 f1f2f3f4f5f6f7f9fafbfcfd 0a"), profile("escpos-80"));
+  TextStyle style;
+  style.wide = true;
+  Paper paper;
+  paper.add(Line{{LineItem{0, TextRun{U"円年月日時分秒市区町村人", style}}}});
+  EXPECT_TRUE(renderPicture(print.paper()).pixels == renderPicture(paper).pixels) << print.text();
 }
 
 TEST(MultiByteText, GivesWayToACodePage) {
