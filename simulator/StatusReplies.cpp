@@ -149,7 +149,7 @@ Bytes unaskedStatus(const PrinterState& state) {
   constexpr unsigned mark = 0x10;
   const unsigned first = mark | bits(state, Flag::CompulsionSwitch, 0x04) |
                          bits(state, Flag::Offline, 0x08) | bits(state, Flag::CoverOpen, 0x20);
-  return {byteOf(first), 0x00, byteOf(paperBits(state)), 0x00};
+  return {byteOf(first), byteOf(errorBits(state)), byteOf(paperBits(state)), 0x00};
 }
 
 Bytes clearedReport() {

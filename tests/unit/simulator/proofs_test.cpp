@@ -140,6 +140,21 @@ TEST(UnaskedStatus, IsSentAtOnceAndAtEachChangeUntilItIsEnded) {
   EXPECT_EQ(session.receive(), Bytes{});
 }
 
+TEST(UnaskedStatus, NamesErrorsInItsSecondByte) {
+  const std::pair<const char*, const char*> errors[] = {
+      {"mechError", "18 04 00 00"},
+      {"cutterError", "18 08 00 00"},
+      {"voltageError", "18 20 00 00"},
+      {"overTemp", "18 40 00 00"},
+  };
+  for (const auto& [flag, reply] : errors) {
+    Session session;
+    session.ask("1d61ff");
+    session.printer.setFlag(flag, true, session.now);
+    EXPECT_EQ(session.receive(), hex(reply)) << flag;
+  }
+}
+
 TEST(UnaskedStatus, EndsWithItsConnection) {
   Session session;
   session.ask("1d6101");
