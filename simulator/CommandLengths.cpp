@@ -3,161 +3,14 @@
 #include <algorithm>
 #include <array>
 
+#include "simulator/CommandRules.h"
+
 namespace quordalvane::simulator {
 namespace {
 
+using namespace rules;
+
 using LengthRule = std::uint64_t (*)(ByteView);
-
-std::uint64_t word(ByteView bytes, std::size_t at) {
-  return static_cast<std::uint64_t>(bytes[at]) | static_cast<std::uint64_t>(bytes[at + 1]) << 8U;
-}
-
-// A missing terminator must not swallow the rest of the job.
-std::uint64_t untilNul(ByteView bytes, std::size_t from, std::size_t most) {
-  const bool ended = bytes.size() > from && bytes.back() == 0;
-  return ended || bytes.size() >= from + most ? bytes.size() : bytes.size() + 1;
-}
-
-std::uint64_t tabStops(ByteView bytes) {
-  return untilNul(bytes, 2, 33);
-}
-
-// Two bytes after the selector hold the length: 1d 28 4c pL pH ...
-std::uint64_t countedByWord(ByteView bytes) {
-  return 5 + word(bytes, 3);
-}
-
-std::uint64_t countedByDoubleWord(ByteView bytes) {
-  return 7 + word(bytes, 3) + (word(bytes, 5) << 16U);
-}
-
-std::uint64_t bitImage(ByteView bytes) {
-  const std::uint8_t mode = bytes[2];
-  const bool legal = mode <= 1 || mode == 32 || mode == 33;
-  if (!legal) {
-    return 3;
-  }
-  if (bytes.size() < 5) {
-    return 5;
-  }
-  return 5 + word(bytes, 3) * (mode >= 32 ? 3 : 1);
-}
-
-std::uint64_t raster(ByteView bytes) {
-  return 8 + word(bytes, 4) * word(bytes, 6);
-}
-
-std::uint64_t downloadedImage(ByteView bytes) {
-  return 4 + std::uint64_t{8} * bytes[2] * bytes[3];
-}
-
-std::uint64_t barcode(ByteView bytes) {
-  const std::uint8_t symbology = bytes[2];
-  if (symbology <= 6) {
-    return untilNul(bytes, 3, 256);
-  }
-  if (symbology < 65 || symbology > 79) {
-    return 3;
-  }
-  return bytes.size() < 4 ? 4 : std::uint64_t{4} + bytes[3];
-}
-
-std::uint64_t cut(ByteView bytes) {
-  constexpr std::array<std::uint8_t, 6> withFeed = {65, 66, 97, 98, 103, 104};
-  return std::find(withFeed.begin(), withFeed.end(), bytes[2]) != withFeed.end() ? 4 : 3;
-}
-
-// The queries for ink and for the other devices have one more parameter.
-std::uint64_t realTimeStatus(ByteView bytes) {
-  return bytes[2] == 7 || bytes[2] == 8 || bytes[2] == 18 ? 4 : 3;
-}
-
-std::uint64_t realTimeAction(ByteView bytes) {
-  switch (bytes[2]) {
-    case 1:
-    case 2:
-      return 5;
-    case 3:
-      return 8;
-    case 7:
-      return 4;
-    case 8:
-      return 10;
-    default:
-      return 3;
-  }
-}
-
-// 1d 43 3b sa 3b sb 3b sn 3b sr 3b sc 3b: numbers in digits. Any other byte ends it.
-std::uint64_t counterInDigits(ByteView bytes) {
-  constexpr std::size_t mostDigits = std::size_t{5} * 5;
-  const auto numbers = bytes.subspan(3);
-  const auto separators = std::count(numbers.begin(), numbers.end(), ';');
-  const bool goesOn =
-      numbers.empty() || numbers.back() == ';' || (numbers.back() >= '0' && numbers.back() <= '9');
-  const bool isOver = separators == 5 || !goesOn || numbers.size() >= mostDigits + 5;
-  return isOver ? bytes.size() : bytes.size() + 1;
-}
-
-std::uint64_t counter(ByteView bytes) {
-  switch (bytes[2]) {
-    case '0':
-    case '2':
-      return 5;
-    case '1':
-      return 9;
-    case ';':
-      return counterInDigits(bytes);
-    default:
-      return 3;
-  }
-}
-
-// 1d 44 m fn a kc1 kc2 b c, then a bitmap file that says its own size.
-std::uint64_t bitmapFile(ByteView bytes) {
-  const bool isBitmap = bytes[9] == 'B' && bytes[10] == 'M';
-  return isBitmap ? std::max<std::uint64_t>(15, 9 + (word(bytes, 11) | word(bytes, 13) << 16U))
-                  : 15;
-}
-
-std::uint64_t cheque(ByteView bytes) {
-  return bytes[2] == '0' ? 4 : 3;
-}
-
-// 1b 5a: version, correction and size, then the count of the data.
-std::uint64_t countedSymbol(ByteView bytes) {
-  return 7 + word(bytes, 5);
-}
-
-std::uint64_t userMemory(ByteView bytes) {
-  return bytes[2] == '1' ? 10 + word(bytes, 8) : 10;
-}
-
-// 1b 26 y c1 c2, then for each character its width x and y times x bytes.
-std::uint64_t userCharacters(ByteView bytes) {
-  const std::size_t rows = bytes[2];
-  const int count = bytes[4] - bytes[3] + 1;
-  std::size_t length = 5;
-  for (int i = 0; i < count; ++i) {
-    if (bytes.size() <= length) {
-      return length + 1;
-    }
-    length += 1 + rows * bytes[length];
-  }
-  return length;
-}
-
-// 1c 71 n, then n images: their size xL xH yL yH in units of eight dots, and the dots.
-std::uint64_t storedImages(ByteView bytes) {
-  std::uint64_t length = 3;
-  for (int i = 0; i < bytes[2]; ++i) {
-    if (bytes.size() < length + 4) {
-      return length + 4;
-    }
-    length += 4 + 8 * word(bytes, length) * word(bytes, length + 2);
-  }
-  return length;
-}
 
 struct Form {
   std::uint8_t prefixLength;
@@ -190,12 +43,22 @@ constexpr Form commandForms[] = {
     only(KnownWith::LineMode, three(0x1b, 0x2a, 0x72, 4)),
     three(0x1d, 0x76, 0x30, 8, raster),
     two(0x1d, 0x51, 8, raster),
+    three(0x1b, 0x7e, 0x4a, 4),
+    only(KnownWith::Display, two(0x1b, 0x57, 4, displayWindow)),
 
     two(0x10, 0x04, 3, realTimeStatus),
     two(0x10, 0x05, 3),
     two(0x10, 0x14, 3, realTimeAction),
 
+    two(0x12, 0x23, 3),
+    two(0x12, 0x2a, 4, countedRows),
+    two(0x12, 0x56, 4, rowsOfDots),
+    two(0x12, 0x6d, 4),
+    two(0x12, 0x76, 4, rowsOfDots),
+
     only(KnownWith::LineMode, two(0x1b, 0x06, 3)),
+    two(0x1b, 0x0e, 3),
+    two(0x1b, 0x14, 3),
     only(KnownWith::Block, two(0x1b, 0x1d, 4)),
     only(KnownWith::LineMode, two(0x1b, 0x1e, 4)),
     two(0x1b, 0x20, 3),
@@ -208,11 +71,17 @@ constexpr Form commandForms[] = {
     two(0x1b, 0x2a, 3, bitImage),
     two(0x1b, 0x2d, 3),
     two(0x1b, 0x33, 3),
+    two(0x1b, 0x37, 5),
+    two(0x1b, 0x38, 4),
+    two(0x1b, 0x39, 3),
     two(0x1b, 0x3d, 3),
     two(0x1b, 0x3f, 3),
+    two(0x1b, 0x41, 3),
     two(0x1b, 0x42, 4),
+    two(0x1b, 0x43, 3),
     two(0x1b, 0x44, 2, tabStops),
     two(0x1b, 0x45, 3),
+    two(0x1b, 0x46, 3),
     two(0x1b, 0x47, 3),
     two(0x1b, 0x4a, 3),
     two(0x1b, 0x4b, 3),
@@ -231,12 +100,14 @@ constexpr Form commandForms[] = {
     two(0x1b, 0x64, 3),
     two(0x1b, 0x65, 3),
     two(0x1b, 0x66, 4),
+    two(0x1b, 0x6a, 3),
     two(0x1b, 0x6c, 3),
     two(0x1b, 0x70, 5),
     two(0x1b, 0x72, 3),
     two(0x1b, 0x74, 3),
     two(0x1b, 0x75, 3),
     two(0x1b, 0x76, 2),
+    two(0x1b, 0x7a, 3),
     two(0x1b, 0x7b, 3),
 
     two(0x1c, 0x21, 3),
@@ -251,10 +122,13 @@ constexpr Form commandForms[] = {
     two(0x1c, 0x67, 10, userMemory),
     two(0x1c, 0x70, 4),
     two(0x1c, 0x71, 3, storedImages),
+    two(0x1c, 0x72, 3),
+    two(0x1c, 0x74, 3),
     two(0x1c, 0x7d, 4),
 
     two(0x1d, 0x21, 3),
     two(0x1d, 0x24, 4),
+    two(0x1d, 0x27, 3, dividedCurves),
     two(0x1d, 0x28, 5, countedByWord),
     two(0x1d, 0x2a, 4, downloadedImage),
     two(0x1d, 0x2f, 3),
@@ -286,6 +160,19 @@ constexpr Form commandForms[] = {
     two(0x1d, 0x77, 3),
     two(0x1d, 0x7a, 5),
     two(0x1d, 0x7c, 3),
+
+    two(0x1f, 0x24, 4),
+    two(0x1f, 0x28, 5, countedByWord),
+    two(0x1f, 0x2c, 3),
+    two(0x1f, 0x2e, 3),
+    two(0x1f, 0x3b, 3),
+    two(0x1f, 0x43, 3),
+    two(0x1f, 0x45, 3),
+    two(0x1f, 0x54, 4),
+    two(0x1f, 0x58, 3),
+    two(0x1f, 0x5e, 4),
+    two(0x1f, 0x72, 3),
+    two(0x1f, 0x76, 3),
 };
 
 const Form* formOf(ByteView bytes, const Dialect& dialect) {
@@ -299,8 +186,9 @@ const Form* formOf(ByteView bytes, const Dialect& dialect) {
   return found == std::end(commandForms) ? nullptr : found;
 }
 
+// 12 begins commands of small printers, 1f those of displays.
 bool startsCommand(std::uint8_t byte) {
-  return byte == 0x10 || byte == 0x1b || byte == 0x1c || byte == 0x1d;
+  return byte == 0x10 || byte == 0x12 || (byte >= 0x1b && byte <= 0x1f && byte != 0x1e);
 }
 
 }  // namespace
@@ -324,10 +212,12 @@ std::uint64_t leastCommandLength(ByteView bytes, const Dialect& dialect) {
 
 bool isKnownCommand(ByteView bytes, const Dialect& dialect) {
   constexpr std::uint8_t withoutParameters[][2] = {
-      {0x1b, 0x0c}, {0x1b, 0x32}, {0x1b, 0x3c}, {0x1b, 0x40}, {0x1b, 0x4c},
-      {0x1b, 0x53}, {0x1b, 0x69}, {0x1b, 0x6d}, {0x1b, 0x6f}, {0x1b, 0x71},
-      {0x1c, 0x26}, {0x1c, 0x2e}, {0x1c, 0x62}, {0x1c, 0x63}, {0x1d, 0x05},
-      {0x1d, 0x0c}, {0x1d, 0x3a}, {0x1d, 0x3c}, {0x1d, 0x63},
+      {0x12, 0x45}, {0x12, 0x54}, {0x1b, 0x0c}, {0x1b, 0x30}, {0x1b, 0x31}, {0x1b, 0x32},
+      {0x1b, 0x34}, {0x1b, 0x35}, {0x1b, 0x3c}, {0x1b, 0x40}, {0x1b, 0x4c}, {0x1b, 0x53},
+      {0x1b, 0x69}, {0x1b, 0x6d}, {0x1b, 0x6f}, {0x1b, 0x71}, {0x1c, 0x26}, {0x1c, 0x2e},
+      {0x1c, 0x62}, {0x1c, 0x63}, {0x1d, 0x05}, {0x1d, 0x0c}, {0x1d, 0x3a}, {0x1d, 0x3c},
+      {0x1d, 0x63}, {0x1f, 0x01}, {0x1f, 0x02}, {0x1f, 0x03}, {0x1f, 0x0a}, {0x1f, 0x0d},
+      {0x1f, 0x3a}, {0x1f, 0x40}, {0x1f, 0x42}, {0x1f, 0x55},
   };
   if (bytes.size() < 2 || formOf(bytes, dialect) != nullptr) {
     return true;

@@ -10,8 +10,13 @@ void Typesetter::peripheral(ByteView command) {
   printerListens_ = (command[2] & 1U) != 0 || !displayListens_;
 }
 
-// What the display alone is sent does not reach the paper, until the printer is selected again.
+// What the display alone is sent does not reach the paper, until the printer is selected again. Its
+// own commands never do.
 bool Typesetter::isForDisplay(ByteView command) {
+  constexpr std::uint8_t ofDisplays = 0x1f;
+  if (command[0] == ofDisplays && command.size() > 1) {
+    return true;
+  }
   const bool selects = command.size() == 3 && command[0] == 0x1b && command[1] == 0x3d;
   if (displayListens_ && command.size() == 1 && command[0] >= 0x20) {
     record().noteDisplay(command[0]);

@@ -8,6 +8,8 @@ bool knows(const Dialect& dialect, KnownWith with) {
       return true;
     case KnownWith::LineMode:
       return dialect.lineMode;
+    case KnownWith::Display:
+      return dialect.display;
     case KnownWith::Block:
       return dialect.proofs.has(Proof::Block);
     case KnownWith::ProcessId:

@@ -8,12 +8,13 @@ namespace quordalvane::simulator {
 struct Dialect {
   Proofs proofs = Proofs::all();
   bool lineMode = true;  ///< the maker's own commands besides ESC/POS
+  bool display = false;  ///< those of the customer display: it alone is selected at the moment
 
   bool operator==(const Dialect&) const = default;
 };
 
 /// The condition under which a printer knows a command.
-enum class KnownWith { Always, LineMode, Block, ProcessId, InOrder };
+enum class KnownWith { Always, LineMode, Display, Block, ProcessId, InOrder };
 
 bool knows(const Dialect& dialect, KnownWith with);
 

@@ -1,6 +1,23 @@
 #include "simulator/Printing.h"
 
 namespace quordalvane::simulator {
+namespace {
+
+bool startsOrEndsMacro(ByteView command) {
+  return command.size() == 2 && command[0] == 0x1d && command[1] == 0x3a;
+}
+
+bool executesMacro(ByteView command) {
+  return command.size() == 5 && command[0] == 0x1d && command[1] == 0x5e;
+}
+
+}  // namespace
+
+void Printing::setDialect(const Dialect& dialect) {
+  dialect_ = dialect;
+  dialect_.display = typesetter_.isDisplayAlone();
+  scanner_.setDialect(dialect_);
+}
 
 void Printing::pass(std::uint8_t byte, std::uint64_t offset) {
   if (!scanner_.insideCommand()) {
@@ -12,7 +29,35 @@ void Printing::pass(std::uint8_t byte, std::uint64_t offset) {
   if (!scanner_.isKnown()) {
     record().noteUnknown(begin_, scanner_.bytes());
   }
-  typesetter_.set(scanner_.bytes());
+  carryOut(scanner_.bytes());
+}
+
+void Printing::carryOut(ByteView command) {
+  if (executesMacro(command)) {
+    const bool isExecuted = macro_.execute(command[2]);
+    return isExecuted ? void() : set(command);
+  }
+  if (startsOrEndsMacro(command)) {
+    macro_.startOrEnd();
+  } else {
+    macro_.keep(command);
+  }
+  set(command);
+}
+
+bool Printing::goOn() {
+  const Bytes* command = macro_.next();
+  if (command != nullptr) {
+    set(*command);
+  }
+  return command != nullptr;
+}
+
+void Printing::set(ByteView command) {
+  typesetter_.set(command);
+  if (typesetter_.isDisplayAlone() != dialect_.display) {
+    setDialect(dialect_);
+  }
 }
 
 void Printing::leaveUnfinishedCommand() {
@@ -20,6 +65,16 @@ void Printing::leaveUnfinishedCommand() {
     record().noteCutOff(begin_, scanner_.bytes());
   }
   scanner_.restart();
+}
+
+Paper Printing::tearOff() {
+  macro_.endJob();
+  return typesetter_.tearOff();
+}
+
+Paper Printing::tearOffFinishedLines() {
+  macro_.stop();
+  return typesetter_.tearOffFinishedLines();
 }
 
 }  // namespace quordalvane::simulator

@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "simulator/CommandScanner.h"
+#include "simulator/Macro.h"
 #include "simulator/Typesetter.h"
 
 namespace quordalvane::simulator {
@@ -13,13 +14,17 @@ class Printing {
   explicit Printing(unsigned paperWidth) : typesetter_(paperWidth) {}
 
   /// From the next command on the printer knows the commands of this dialect.
-  void setDialect(const Dialect& dialect) { scanner_.setDialect(dialect); }
+  void setDialect(const Dialect& dialect);
 
   /// The characters that the printer has from now on.
   void setCharacterSets(const CharacterSets& sets) { typesetter_.setCharacterSets(sets); }
 
   /// Works through one byte of print data, the one at `offset` of the job.
   void pass(std::uint8_t byte, std::uint64_t offset);
+
+  /// Carries out the next command of a macro that a byte has set going; false if there is none. To
+  /// be called before the next byte, until it returns false.
+  bool goOn();
 
   /// A command that has begun will have no end; the next byte starts a new one.
   void leaveUnfinishedCommand();
@@ -35,12 +40,19 @@ class Printing {
 
   JobRecord& record() { return typesetter_.record(); }
   const Paper& paper() const { return typesetter_.paper(); }
-  Paper tearOff() { return typesetter_.tearOff(); }
-  Paper tearOffFinishedLines() { return typesetter_.tearOffFinishedLines(); }
+  Paper tearOff();
+
+  /// A macro under way ends with it.
+  Paper tearOffFinishedLines();
 
  private:
+  void carryOut(ByteView command);
+  void set(ByteView command);
+
+  Dialect dialect_;
   CommandScanner scanner_;
   std::uint64_t begin_ = 0;  // the offset of the command that has begun
+  Macro macro_;
   Typesetter typesetter_;
 };
 

@@ -71,7 +71,9 @@ const Typesetter::Entry Typesetter::commandTable[] = {
     {0x1d, 0x2a, Spoken::EscPos, &Typesetter::graphics},
     {0x1d, 0x2f, Spoken::EscPos, &Typesetter::graphics},
     {0x1d, 0x38, Spoken::EscPos, &Typesetter::graphics},
+    {0x1d, 0x3a, Spoken::EscPos, &Typesetter::ignore},  // a macro begins or ends
     {0x1d, 0x42, Spoken::EscPos, &Typesetter::inverse},
+    {0x1d, 0x44, Spoken::EscPos, &Typesetter::graphics},
     {0x1d, 0x48, Spoken::EscPos, &Typesetter::barcodeSetting},
     {0x1d, 0x4c, Spoken::EscPos, &Typesetter::leftMargin},
     {0x1d, 0x50, Spoken::EscPos, &Typesetter::ignore},  // units of motion: always dots

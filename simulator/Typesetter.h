@@ -32,6 +32,9 @@ class Typesetter {
   /// The answer to a command 1d 28 6b that asks for the size of a symbol.
   Bytes sizeReply(ByteView command) const { return symbols_.sizeReply(command); }
 
+  /// Whether the job has selected the display and not the printer.
+  bool isDisplayAlone() const { return !printerListens_; }
+
   /// Takes one complete command, or one character.
   void set(ByteView command);
 

@@ -194,9 +194,11 @@ void VirtualPrinter::print(std::uint8_t byte) {
   if (state_.keepsPrinted) {
     printed_.push_back(byte);
   }
-  if (printing_.paper().isTooLong()) {
-    tearOffHeavyPaper();
-  }
+  do {
+    if (printing_.paper().isTooLong()) {
+      tearOffHeavyPaper();
+    }
+  } while (printing_.goOn());
 }
 
 void VirtualPrinter::tearOffHeavyPaper() {

@@ -77,12 +77,45 @@ TEST(Printing, NoParameterOfACommandIsPrintedAsText) {
       "1d6a 31",
       "1014 07 31",
       "1004 07 31",
+      "1b37 41 42 43",
+      "1b38 41 42",
+      "1b39 41",
+      "1b43 41",
+      "1b46 41",
+      "1b41 41",
+      "1b6a 41",
+      "1b7a 41",
+      "1b7e4a 41",
+      "1b0e 41",
+      "1b14 41",
+      "1c72 41",
+      "1c74 41",
+      "1d27 01 41424344",
+      "1d5e 41 42 43",
+      "1d28 7a 0200 4142",
+      "1223 41",
+      "122a 02 02 41424344",
+      "126d 41 42",
+      "1b38 30 30",
+      "1f24 41 42",
+      "1f43 31",
+      "1f45 31",
+      "1f54 41 42",
+      "1f58 34",
+      "1f5e 41 42",
+      "1f72 31",
+      "1f76 31",
+      "1f2c 41",
+      "1f2e 41",
+      "1f3b 41",
+      "1f2847 0200 6141",
   };
   for (const char* command : commands) {
     Session session;
     session.send(hex(command) + ascii("x\n"));
     const std::string text = renderText(session.printer.paper());
     EXPECT_EQ(text.substr(0, text.find('\n')), "x") << command;
+    EXPECT_TRUE(session.printer.paper().record().unknown().empty()) << command;
   }
 }
 
