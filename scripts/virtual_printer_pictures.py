@@ -29,6 +29,10 @@ def symbol(kind: bytes, data: bytes) -> bytes:
     return b"\x1d(k%c%c%sP0%s\x1d(k\3\0%sQ0" % (length % 256, length // 256, kind, data, kind)
 
 
+def composite(part: bytes, data: bytes) -> bytes:
+    return b"\x1d(k%c\0\x34P0%s%s" % (len(data) + 5, part, data)
+
+
 def commands() -> bytes:
     square = b"\x1dv0\0\2\0\x10\0" + b"\xff\xff" + b"\x80\x01" * 14 + b"\xff\xff"
     return b"".join((
@@ -44,7 +48,8 @@ def commands() -> bytes:
         b"GS1 DataBar\n\x1dkK\x0d0400638133393\x1dH\0",
         b"PDF417\n", symbol(b"0", b"Bread 4.20, milk 1.10"), b"QR code\n\x1d(k\3\0\x31C\4", symbol(b"1", b"https://example.org"),
         b"MaxiCode\n", symbol(b"2", b"Bread 4.20"), b"Aztec\n", symbol(b"5", b"Bread 4.20"),
-        b"DataMatrix\n", symbol(b"6", b"Bread 4.20"), b"\x1dVA\0"))
+        b"DataMatrix\n", symbol(b"6", b"Bread 4.20"), composite(b"\x30B", b"400638133393"),
+        b"GS1 Composite\n", composite(b"\x31A", b"(10)BREAD"), b"\x1d(k\3\0\x34Q0", b"\x1dVA\0"))
 
 
 def picture(quorport: str, job: bytes, name: str):

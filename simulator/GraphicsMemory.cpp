@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "simulator/BitmapFile.h"
+
 namespace quordalvane::simulator {
 namespace {
 
@@ -117,6 +119,8 @@ GraphicsMemory::Outcome GraphicsMemory::apply(ByteView command) {
     case 0x1d2a:
       return store(downloadedImage,
                    {fromColumns(command.subspan(4), command[2] * 8U, command[3] * 8U, 1, 1)});
+    case 0x1d44:
+      return storeFile(command);
     case 0x1d2f:
       return print(downloadedImage, scaleIn(command[2], 1), scaleIn(command[2], 2));
     default:
@@ -216,6 +220,18 @@ GraphicsMemory::Outcome GraphicsMemory::storeNumbered(ByteView command) {
     at += bytes;
   }
   return Outcome::Stored;
+}
+
+// 1d 44 m fn a kc1 kc2 tone colour, then a bitmap file.
+GraphicsMemory::Outcome GraphicsMemory::storeFile(ByteView command) {
+  constexpr std::uint8_t toKept = 67;
+  constexpr std::uint8_t toDownload = 83;
+  const std::uint8_t function = command[3];
+  if (command.size() < 9 || (function != toKept && function != toDownload)) {
+    return Outcome::Unknown;
+  }
+  const unsigned memory = function == toKept ? keptMemory : downloadMemory;
+  return store(memory + word(command, 5), {fromBitmapFile(command.subspan(9))});
 }
 
 // m fn tone scaleX scaleY colour xL xH yL yH, then the dots of one colour.

@@ -28,7 +28,7 @@ Bitmap fromColumns(ByteView columns, unsigned count, unsigned tall, unsigned sca
 Bitmap enlarged(const Bitmap& image, unsigned scaleX, unsigned scaleY);
 
 /// The images that commands store first and print later: the print buffer of 1d 28 4c and 1d 38 4c,
-/// and the memories of 1d 28 4c, 1c 71 and 1d 2a. Holds at most `mostBytes`.
+/// and the memories of 1d 28 4c, 1d 44, 1c 71 and 1d 2a. Holds at most `mostBytes`.
 class GraphicsMemory {
  public:
   enum class Outcome { Stored, Print, Unknown };
@@ -53,6 +53,7 @@ class GraphicsMemory {
   Outcome print(unsigned key, unsigned scaleX, unsigned scaleY);
   Outcome erase(unsigned first, unsigned last);
   Outcome storeNumbered(ByteView command);
+  Outcome storeFile(ByteView command);
   Outcome addToBuffer(ByteView parameters, bool byColumns);
   Outcome define(ByteView parameters, unsigned memory, bool byColumns);
 

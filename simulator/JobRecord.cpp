@@ -19,12 +19,16 @@ std::string nameOf(std::uint8_t byte) {
   switch (byte) {
     case 0x10:
       return "DLE";
+    case 0x12:
+      return "DC2";
     case 0x1b:
       return "ESC";
     case 0x1c:
       return "FS";
     case 0x1d:
       return "GS";
+    case 0x1f:
+      return "US";
     default:
       return byte > 0x20 && byte < 0x7f ? std::string(1, static_cast<char>(byte))
                                         : hexText({&byte, 1});
@@ -71,6 +75,10 @@ void JobRecord::noteDisplay(std::uint8_t byte) {
   if (events_.back().kind == EventKind::Display && text.size() < longestText) {
     text += byte >= 0x20 && byte < 0x7f ? static_cast<char>(byte) : '.';
   }
+}
+
+void JobRecord::noteReplaced(const std::string& what) {
+  noteEvent(EventKind::Replaced, what);
 }
 
 void JobRecord::noteCodePage(std::uint8_t number) {

@@ -24,12 +24,12 @@ class JobRecord {
     std::string name;      ///< like "GS y"; "cut off" for a command without its end
   };
 
-  enum class EventKind : std::uint8_t { Cut, Drawer, Beep, Display, Question };
+  enum class EventKind : std::uint8_t { Cut, Drawer, Beep, Display, Question, Replaced };
 
   /// An event that leaves no ink, in the order in which the printer carried it out.
   struct Event {
     EventKind kind;
-    std::string text;  ///< of the display: its words; of a question: the command in hex
+    std::string text;  ///< the display's words, a question in hex, or what was drawn for what
   };
 
   static constexpr std::size_t longestList = 1000;
@@ -43,6 +43,9 @@ class JobRecord {
   void noteDrawer();
   void noteBeep();
   void noteDisplay(std::uint8_t byte);
+
+  /// A symbol or command was drawn in another form than the one asked for.
+  void noteReplaced(const std::string& what);
 
   const Bytes& codePages() const { return codePages_; }
   const std::vector<Question>& asked() const { return asked_; }

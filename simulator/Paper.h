@@ -116,6 +116,7 @@ enum class Symbology {
   DataBarExpandedStacked,
   Aztec,
   DataMatrix,
+  Composite,
 };
 
 /// A bar code or a two-dimensional one.
@@ -125,7 +126,10 @@ struct Symbol {
   unsigned moduleWidth = 3;
   unsigned rowHeight = 162;  ///< of a bar code the whole height
   unsigned level = 0;        ///< of error correction, 0: the symbology's own choice
-  unsigned columns = 0;      ///< 0: the symbology's own choice
+  unsigned columns = 0;      ///< or the number of a size; 0: the symbology's own choice
+  bool isModel1 = false;     ///< of a QR code, which is then drawn as one of model 2
+  Symbology lineKind = Symbology::Ean13;  ///< of a composite one: its bar code
+  std::string lineData{};                 ///< and the bar code's data
   bool textAbove = false;
   bool textBelow = false;
   bool smallText = false;

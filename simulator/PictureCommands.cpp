@@ -79,6 +79,9 @@ void Typesetter::twoDimensional(ByteView command) {
     case SymbolSetter::Outcome::Stored:
       return;
     case SymbolSetter::Outcome::Print:
+      if (symbols_.symbol().isModel1) {
+        record().noteReplaced("a QR code of model 1 is drawn as one of model 2");
+      }
       return addSymbol(symbols_.symbol());
     case SymbolSetter::Outcome::Unknown:
       return paper_.noteSkipped(command);

@@ -45,10 +45,41 @@ constexpr Family families[] = {
     {"GS1 DataBar Expanded", Symbology::DataBarExpandedStacked, BARCODE_DBAR_EXPSTK},
     {"Aztec code", Symbology::Aztec, BARCODE_AZTEC},
     {"DataMatrix", Symbology::DataMatrix, BARCODE_DATAMATRIX},
+    {"GS1 Composite", Symbology::Composite, BARCODE_EANX_CC},
 };
 
 const Family& familyOf(Symbology symbology) {
   return families[static_cast<std::size_t>(symbology)];
+}
+
+// The library leaves the height of the bar code of a composite symbol open.
+constexpr unsigned barCodeInModules = 36;
+
+// The library has a number for each bar code with a two-dimensional part.
+int compositeNumberOf(Symbology line) {
+  switch (line) {
+    case Symbology::UpcA:
+      return BARCODE_UPCA_CC;
+    case Symbology::UpcE:
+      return BARCODE_UPCE_CC;
+    case Symbology::Gs1Code128:
+      return BARCODE_GS1_128_CC;
+    case Symbology::DataBar:
+    case Symbology::DataBarTruncated:
+      return BARCODE_DBAR_OMN_CC;
+    case Symbology::DataBarLimited:
+      return BARCODE_DBAR_LTD_CC;
+    case Symbology::DataBarExpanded:
+      return BARCODE_DBAR_EXP_CC;
+    case Symbology::DataBarStacked:
+      return BARCODE_DBAR_STK_CC;
+    case Symbology::DataBarStackedOmnidirectional:
+      return BARCODE_DBAR_OMNSTK_CC;
+    case Symbology::DataBarExpandedStacked:
+      return BARCODE_DBAR_EXPSTK_CC;
+    default:
+      return BARCODE_EANX_CC;
+  }
 }
 
 bool isBarCode(Symbology symbology) {
@@ -93,7 +124,7 @@ std::string zeroSuppressed(const std::string& data) {
 
 bool isGs1(Symbology symbology) {
   return symbology == Symbology::Gs1Code128 || symbology == Symbology::DataBarExpanded ||
-         symbology == Symbology::DataBarExpandedStacked;
+         symbology == Symbology::DataBarExpandedStacked || symbology == Symbology::Composite;
 }
 
 // The encoder wants the application identifier in parentheses; it is two digits where the job does
@@ -103,21 +134,31 @@ std::string withIdentifier(const std::string& data) {
   return tells ? data : "(" + data.substr(0, 2) + ")" + data.substr(2);
 }
 
-std::string librarysData(const Symbol& symbol) {
-  switch (symbol.symbology) {
+std::string librarysData(Symbology symbology, const std::string& data) {
+  switch (symbology) {
     case Symbology::UpcA:
-      return withoutCheckDigit(symbol.data, 12);
+      return withoutCheckDigit(data, 12);
     case Symbology::UpcE:
-      return zeroSuppressed(symbol.data);
+      return zeroSuppressed(data);
     case Symbology::Ean13:
-      return withoutCheckDigit(symbol.data, 13);
+      return withoutCheckDigit(data, 13);
     case Symbology::Ean8:
-      return withoutCheckDigit(symbol.data, 8);
+      return withoutCheckDigit(data, 8);
     case Symbology::Code39:
-      return withoutStars(symbol.data);
+      return withoutStars(data);
     default:
-      return isGs1(symbol.symbology) ? withIdentifier(symbol.data) : symbol.data;
+      return isGs1(symbology) ? withIdentifier(data) : data;
   }
+}
+
+bool setBarCodePart(zint_symbol& library, const Symbol& symbol) {
+  const std::string data = librarysData(symbol.lineKind, symbol.lineData);
+  if (data.empty() || data.size() >= sizeof library.primary) {
+    return false;
+  }
+  library.symbology = compositeNumberOf(symbol.lineKind);
+  std::copy(data.begin(), data.end(), library.primary);
+  return true;
 }
 
 void setOptions(zint_symbol& library, const Symbol& symbol) {
@@ -140,8 +181,16 @@ void setOptions(zint_symbol& library, const Symbol& symbol) {
     case Symbology::MaxiCode:
       library.option_1 = columns >= 4 && columns <= 6 ? columns : 4;
       return;
+    case Symbology::Aztec:
+      library.option_1 = level > 0 ? level : -1;
+      library.option_2 = columns;
+      return;
     case Symbology::DataMatrix:
-      library.option_3 = DM_SQUARE;
+      library.option_2 = columns;
+      library.option_3 = columns == 0 ? DM_SQUARE : 0;
+      return;
+    case Symbology::Composite:
+      library.option_1 = level;
       return;
     default:
       return;
@@ -165,10 +214,11 @@ EncodedSymbol encodedFrom(const zint_symbol& library, Symbology symbology) {
                         reinterpret_cast<const char*>(library.text)};
   copyModules(library, encoded.modules);
   const bool hasUnevenRows =
-      symbology >= Symbology::DataBarStacked && symbology <= Symbology::DataBarExpandedStacked;
+      symbology == Symbology::Composite ||
+      (symbology >= Symbology::DataBarStacked && symbology <= Symbology::DataBarExpandedStacked);
   for (int row = 0; hasUnevenRows && row < rows; ++row) {
-    encoded.rowHeights.push_back(
-        std::max(1U, static_cast<unsigned>(std::lround(library.row_height[row]))));
+    const auto height = static_cast<unsigned>(std::lround(library.row_height[row]));
+    encoded.rowHeights.push_back(height == 0 ? barCodeInModules : height);
   }
   return encoded;
 }
@@ -189,11 +239,14 @@ unsigned EncodedSymbol::heightIn(const Symbol& symbol) const {
 
 std::optional<EncodedSymbol> encode(const Symbol& symbol) {
   const Library library(ZBarcode_Create());
-  const std::string data = librarysData(symbol);
+  const std::string data = librarysData(symbol.symbology, symbol.data);
   if (!library || data.empty()) {
     return std::nullopt;
   }
   setOptions(*library, symbol);
+  if (symbol.symbology == Symbology::Composite && !setBarCodePart(*library, symbol)) {
+    return std::nullopt;
+  }
   const auto bytes = std::basic_string<unsigned char>(data.begin(), data.end());
   if (ZBarcode_Encode(library.get(), bytes.data(), static_cast<int>(bytes.size())) >= ZINT_ERROR) {
     return std::nullopt;
@@ -206,6 +259,9 @@ std::string symbologyName(Symbology symbology) {
 }
 
 std::string readableData(const Symbol& symbol, const EncodedSymbol& encoded) {
+  if (symbol.symbology == Symbology::Composite) {
+    return encoded.text + " " + symbol.data;
+  }
   const bool addsDigits = symbol.symbology <= Symbology::Ean8 || isGs1(symbol.symbology) ||
                           (symbol.symbology >= Symbology::DataBar && isBarCode(symbol.symbology));
   return addsDigits && !encoded.text.empty() ? encoded.text : symbol.data;

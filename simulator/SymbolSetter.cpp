@@ -5,6 +5,7 @@
 #include <string>
 
 #include "simulator/SymbolEncoding.h"
+#include "simulator/SymbolSizes.h"
 
 namespace quordalvane::simulator {
 namespace {
@@ -35,6 +36,7 @@ constexpr std::uint8_t setRowHeight = 68;
 constexpr std::uint8_t setCorrection = 69;
 constexpr std::uint8_t setOptions = 70;
 constexpr std::uint8_t setLongestRow = 71;
+constexpr std::uint8_t setText = 72;
 constexpr std::uint8_t storeSymbol = 80;
 constexpr std::uint8_t printSymbol = 81;
 constexpr std::uint8_t askSize = 82;
@@ -45,13 +47,32 @@ struct Kind {
   Symbology symbology;
   unsigned moduleWidth;
   unsigned rowHeight;
-  std::uint8_t replyId;  // 0: its size is not asked for
+  std::uint8_t replyId;
+  bool saysError = false;  // the answer with its size ends with an error's number
 };
 
 constexpr Kind kinds[] = {
-    {48, Symbology::Pdf417, 3, 9, 0x2f},   {49, Symbology::Qr, 3, 3, 0x36},
-    {50, Symbology::MaxiCode, 7, 6, 0x37}, {51, Symbology::DataBarStacked, 2, 2, 0x4f},
-    {53, Symbology::Aztec, 3, 3, 0},       {54, Symbology::DataMatrix, 3, 3, 0},
+    {48, Symbology::Pdf417, 3, 9, 0x2f},           {49, Symbology::Qr, 3, 3, 0x36},
+    {50, Symbology::MaxiCode, 7, 6, 0x37},         {51, Symbology::DataBarStacked, 2, 2, 0x4f},
+    {52, Symbology::Composite, 2, 2, 0x50},        {53, Symbology::Aztec, 3, 3, 0x58, true},
+    {54, Symbology::DataMatrix, 3, 3, 0x59, true},
+};
+
+// The bar codes of composite symbols, from 65 on. Of UPC-E one is shorter.
+constexpr Symbology compositeLines[] = {
+    Symbology::Ean8,
+    Symbology::Ean13,
+    Symbology::UpcA,
+    Symbology::UpcE,
+    Symbology::UpcE,
+    Symbology::DataBar,
+    Symbology::DataBarTruncated,
+    Symbology::DataBarStacked,
+    Symbology::DataBarStackedOmnidirectional,
+    Symbology::DataBarLimited,
+    Symbology::DataBarExpanded,
+    Symbology::DataBarExpandedStacked,
+    Symbology::Gs1Code128,
 };
 
 const Kind* kindOf(std::uint8_t number) {
@@ -91,6 +112,10 @@ std::string code128Text(const std::string& data) {
 // From digits or from a number, as both are in use.
 unsigned numberOf(std::uint8_t byte) {
   return byte >= '0' && byte <= '9' ? byte - '0' : byte;
+}
+
+bool isPdf417(const Symbol& symbol) {
+  return symbol.symbology == Symbology::Pdf417 || symbol.symbology == Symbology::TruncatedPdf417;
 }
 
 // A row stays as many modules high as it was.
@@ -171,7 +196,33 @@ SymbolSetter::Outcome SymbolSetter::applyTwoDimensional(ByteView command) {
   }
 }
 
+// m a b, then the data of the bar code or of the part above it.
+SymbolSetter::Outcome SymbolSetter::storeComposite(Symbol& symbol, ByteView command) {
+  constexpr std::uint8_t ofBarCode = 48;
+  constexpr std::uint8_t first = 65;
+  constexpr std::size_t begin = 10;
+  if (command.size() < begin || command[9] < first) {
+    return Outcome::Unknown;
+  }
+  const std::size_t number = command[9] - first;
+  if (command[8] == ofBarCode && number < std::size(compositeLines)) {
+    symbol.lineKind = compositeLines[number];
+    symbol.lineData = textOf(command.subspan(begin));
+    return Outcome::Stored;
+  }
+  if (command[8] == ofBarCode + 1 && number <= 1) {
+    constexpr unsigned longest = 3;
+    symbol.level = number == 0 ? 0 : longest;
+    symbol.data = textOf(command.subspan(begin));
+    return Outcome::Stored;
+  }
+  return Outcome::Unknown;
+}
+
 SymbolSetter::Outcome SymbolSetter::storeData(Symbol& symbol, ByteView command) {
+  if (symbol.symbology == Symbology::Composite) {
+    return storeComposite(symbol, command);
+  }
   // A DataBar symbol names its form before the data.
   const bool isDataBar = command[5] == 51;
   const std::size_t begin = isDataBar ? 9 : 8;
@@ -188,21 +239,12 @@ SymbolSetter::Outcome SymbolSetter::storeData(Symbol& symbol, ByteView command) 
 }
 
 SymbolSetter::Outcome SymbolSetter::set(Symbol& symbol, ByteView command) {
-  const Kind& kind = *kindOf(command[5]);
   const unsigned value = command[7];
-  const bool isPdf417 = kind.symbology == Symbology::Pdf417;
   switch (command[6]) {
     case setFirst:
-      if (kind.symbology == Symbology::Qr) {
-        constexpr unsigned micro = 3;
-        symbol.symbology = numberOf(command[7]) == micro ? Symbology::MicroQr : Symbology::Qr;
-      } else {  // the columns of PDF417, the mode of MaxiCode
-        symbol.columns = isPdf417 ? std::min(value, 30U) : numberOf(command[7]);
-      }
-      return Outcome::Stored;
+      return setForm(symbol, value);
     case setSecond:
-    case setLongestRow:
-      return Outcome::Stored;  // rows and layers: the encoder chooses them
+      return setSize(symbol, command);
     case setModule:
       setModuleWidth(symbol, std::clamp(value, 1U, 16U));
       return Outcome::Stored;
@@ -210,13 +252,15 @@ SymbolSetter::Outcome SymbolSetter::set(Symbol& symbol, ByteView command) {
       symbol.rowHeight = symbol.moduleWidth * std::clamp(value, 1U, 8U);
       return Outcome::Stored;
     case setCorrection:
-      // PDF417 and Aztec say first how they count; a level of PDF417 is a digit.
-      symbol.level =
-          isPdf417 && command.size() > 8 ? numberOf(command[8]) + 1 : numberOf(command[7]) + 1;
-      return Outcome::Stored;
+      return setLevel(symbol, command);
     case setOptions:
-      symbol.symbology = numberOf(command[7]) == 1 ? Symbology::TruncatedPdf417 : Symbology::Pdf417;
+      if (isPdf417(symbol)) {
+        symbol.symbology =
+            numberOf(command[7]) == 1 ? Symbology::TruncatedPdf417 : Symbology::Pdf417;
+      }
       return Outcome::Stored;
+    case setLongestRow:
+    case setText:
     case askSize:
       return Outcome::Stored;
     default:
@@ -224,10 +268,46 @@ SymbolSetter::Outcome SymbolSetter::set(Symbol& symbol, ByteView command) {
   }
 }
 
+// The columns of PDF417, the model of QR, the mode of MaxiCode.
+SymbolSetter::Outcome SymbolSetter::setForm(Symbol& symbol, unsigned value) {
+  constexpr unsigned micro = 3;
+  const unsigned number = numberOf(static_cast<std::uint8_t>(value));
+  if (isPdf417(symbol)) {
+    symbol.columns = std::min(value, 30U);
+  } else if (symbol.symbology == Symbology::Qr || symbol.symbology == Symbology::MicroQr) {
+    symbol.symbology = number == micro ? Symbology::MicroQr : Symbology::Qr;
+    symbol.isModel1 = number == 1;
+  } else if (symbol.symbology == Symbology::MaxiCode) {
+    symbol.columns = number;
+  }
+  return Outcome::Stored;
+}
+
+// The rows of PDF417 are the encoder's own choice.
+SymbolSetter::Outcome SymbolSetter::setSize(Symbol& symbol, ByteView command) {
+  if (symbol.symbology == Symbology::DataMatrix && command.size() > 9) {
+    symbol.columns = dataMatrixSize(numberOf(command[7]), command[8], command[9]);
+  } else if (symbol.symbology == Symbology::Aztec && command.size() > 8) {
+    symbol.columns = aztecSize(numberOf(command[7]), command[8]);
+  }
+  return Outcome::Stored;
+}
+
+// PDF417 says first how it counts.
+SymbolSetter::Outcome SymbolSetter::setLevel(Symbol& symbol, ByteView command) {
+  if (symbol.symbology == Symbology::Aztec) {
+    symbol.level = aztecLevel(command[7]);
+  } else if (symbol.symbology != Symbology::Composite) {
+    const bool hasWay = isPdf417(symbol) && command.size() > 8;
+    symbol.level = numberOf(command[hasWay ? 8 : 7]) + 1;
+  }
+  return Outcome::Stored;
+}
+
 Bytes SymbolSetter::sizeReply(ByteView command) const {
   const bool asks = command.size() == 8 && command[2] == 0x6b && command[6] == askSize;
   const Kind* kind = asks ? kindOf(command[5]) : nullptr;
-  if (kind == nullptr || kind->replyId == 0) {
+  if (kind == nullptr) {
     return {};
   }
   const Symbol& symbol = stored_[static_cast<std::size_t>(kind - kinds)];
@@ -235,10 +315,9 @@ Bytes SymbolSetter::sizeReply(ByteView command) const {
   const std::string width =
       std::to_string(encoded ? encoded->modules.width * symbol.moduleWidth : 0);
   const std::string height = std::to_string(encoded ? encoded->heightIn(symbol) : 0);
-  const std::string text = width + '\x1f' + height +
-                           "\x1f"
-                           "1\x1f" +
-                           (encoded ? '0' : '1');
+  const char outcome = encoded ? '0' : '1';
+  const std::string text = width + '\x1f' + height + '\x1f' + "1" + '\x1f' +
+                           std::string(kind->saysError ? 2 : 1, outcome);
   Bytes reply = {0x37, kind->replyId};
   reply.insert(reply.end(), text.begin(), text.end());
   reply.push_back(0);

@@ -33,11 +33,15 @@ class SymbolSetter {
 
  private:
   Symbol* storedFor(std::uint8_t kind);
-  Outcome set(Symbol& symbol, ByteView command);
-  Outcome storeData(Symbol& symbol, ByteView command);
+  static Outcome set(Symbol& symbol, ByteView command);
+  static Outcome setForm(Symbol& symbol, unsigned value);
+  static Outcome setSize(Symbol& symbol, ByteView command);
+  static Outcome setLevel(Symbol& symbol, ByteView command);
+  static Outcome storeData(Symbol& symbol, ByteView command);
+  static Outcome storeComposite(Symbol& symbol, ByteView command);
 
   Symbol barcode_;
-  std::array<Symbol, 6> stored_;  // one a kind of 1d 28 6b
+  std::array<Symbol, 7> stored_;  // one a kind of 1d 28 6b
   const Symbol* chosen_ = nullptr;
 };
 

@@ -146,6 +146,46 @@ TEST(Symbols, OfEveryKindAreDrawnAndNamed) {
   }
 }
 
+TEST(Symbols, OfTwoPartsHaveABarCodeAndMoreAboveIt) {
+  const std::string more = "1d286b 0d00 34 50 30 31 41 2831302941424331";
+  const std::string print = "1d286b 0300 34 51 30";
+  const struct {
+    const char* line;
+    const char* text;
+  } lines[] = {
+      {"1d286b 0c00 34 50 30 30 41 31323334353637", "[GS1 Composite 12345670 (10)ABC1]\n"},
+      {"1d286b 1100 34 50 30 30 42 343030363338313333333933",
+       "[GS1 Composite 4006381333931 (10)ABC1]\n"},
+      {"1d286b 1000 34 50 30 30 43 3031323334353637383930",
+       "[GS1 Composite 012345678905 (10)ABC1]\n"},
+      {"1d286b 0b00 34 50 30 30 44 313233343536", "[GS1 Composite 01234565 (10)ABC1]\n"},
+      {"1d286b 1200 34 50 30 30 46 30343030363338313333333933",
+       "[GS1 Composite (01)04006381333931 (10)ABC1]\n"},
+      {"1d286b 0600 34 50 30 30 42 41", "[no GS1 Composite of (10)ABC1]\n"},
+      {"1d286b 1700 34 50 30 30 4d 28303129 3034303036333831333333393331",
+       "[GS1 Composite (01)04006381333931 (10)ABC1]\n"},
+  };
+  for (const auto& line : lines) {
+    const Print printed(hex(line.line) + hex(more) + hex(print));
+    EXPECT_EQ(printed.text(), line.text);
+    EXPECT_EQ(Print(hex(more) + hex(line.line) + hex(print)).text(), line.text);
+  }
+  EXPECT_EQ(Print(hex(more) + hex(print)).text(), "[no GS1 Composite of (10)ABC1]\n");
+  const Print printed(hex(lines[1].line) + hex(more) + hex(print));
+  EXPECT_NE(printed.row(6, 0, 240), printed.row(60, 0, 240)) << "the part above the bars";
+  EXPECT_EQ(printed.row(60, 0, 240), printed.row(80, 0, 240)) << "the bars";
+}
+
+TEST(Symbols, OfAnOlderModelAreNamedInTheRecord) {
+  const Print print("1d286b 0400 31 41 31 00 1d286b 0500 31 50 30 6869 1d286b 0300 31 51 30");
+  EXPECT_EQ(print.text(), "[QR code hi]\n");
+  ASSERT_EQ(print.paper().record().events().size(), 1U);
+  EXPECT_EQ(print.paper().record().events()[0].kind, JobRecord::EventKind::Replaced);
+  EXPECT_EQ(print.paper().record().events()[0].text,
+            "a QR code of model 1 is drawn as one of model 2");
+  EXPECT_TRUE(print.paper().record().isClean());
+}
+
 TEST(Symbols, WithoutAPossibleFormAreNamed) {
   EXPECT_EQ(Print("1d6b 43 03 313261").text(), "[no EAN-13 of 12a]\n");
 }
@@ -214,6 +254,39 @@ TEST(Display, SharesWithThePrinterIfBothAreSelected) {
   const Print print(hex("1b3d03") + ascii("both\n") + hex("1b3d00") + ascii("paper\n"));
   EXPECT_EQ(print.text(), "both\npaper\n");
   EXPECT_EQ(print.paper().record().events().at(0).text, "both");
+}
+
+TEST(Display, HasCommandsOfItsOwnWhoseParametersAreNoWords) {
+  const Print print(hex("1b3d02 1f24 4142 1f58 34 0c 1f43 31") + ascii("Total") +
+                    hex("1b57 01 01 41424344 1b57 01 30") + ascii(" 4.20") + hex("1b3d01") +
+                    ascii("paper\n"));
+  EXPECT_EQ(print.text(), "paper\n");
+  EXPECT_EQ(print.paper().record().events().at(0).text, "Total 4.20");
+  EXPECT_TRUE(print.paper().record().isClean());
+}
+
+TEST(SymbolSize, IsAnsweredForEachKind) {
+  const struct {
+    const char* stored;
+    const char* ask;
+    const char* reply;
+  } symbols[] = {
+      {"1d286b 0500 35 50 30 6869", "1d286b 0300 35 52 30", "3758 3435 1f 3435 1f 31 1f 3030 00"},
+      {"1d286b 0500 36 50 30 6869", "1d286b 0300 36 52 30", "3759 3330 1f 3330 1f 31 1f 3030 00"},
+      {"1d286b 0500 36 42 31 10 00 1d286b 0500 36 50 30 6869", "1d286b 0300 36 52 30",
+       "3759 313038 1f 3438 1f 31 1f 3030 00"},
+      {"1d286b 0500 36 42 30 16 16 1d286b 0500 36 50 30 6869", "1d286b 0300 36 52 30",
+       "3759 3636 1f 3636 1f 31 1f 3030 00"},
+      {"1d286b 0400 35 42 31 03 1d286b 0500 35 50 30 6869", "1d286b 0300 35 52 30",
+       "3758 3639 1f 3639 1f 31 1f 3030 00"},
+      {"", "1d286b 0300 36 52 30", "3759 30 1f 30 1f 31 1f 3131 00"},
+      {"", "1d286b 0300 34 52 30", "3750 30 1f 30 1f 31 1f 31 00"},
+  };
+  for (const auto& symbol : symbols) {
+    Session session;
+    session.send(symbol.stored);
+    EXPECT_EQ(session.ask(symbol.ask), hex(symbol.reply)) << symbol.stored;
+  }
 }
 
 TEST(SymbolSize, IsAnsweredInDots) {

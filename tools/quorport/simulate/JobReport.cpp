@@ -18,6 +18,8 @@ const char* nameOf(simulator::JobRecord::EventKind kind) {
       return "beep";
     case Display:
       return "display";
+    case Replaced:
+      return "replaced";
     case Question:
       break;
   }

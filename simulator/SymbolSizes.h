@@ -1,0 +1,17 @@
+#pragma once
+
+namespace quordalvane::simulator {
+
+/// The number of a DataMatrix code of that size among the sizes that there are, from 1 on. It is a
+/// rectangle if `kind` is 1, of which 0 columns mean the fewest, and a square otherwise. 0, the
+/// encoder's own choice, if there is no such size.
+unsigned dataMatrixSize(unsigned kind, unsigned rows, unsigned columns);
+
+/// The number of an Aztec code of so many layers, of the compact kind if `kind` is 1; 0, the
+/// encoder's own choice, if there are none or too many.
+unsigned aztecSize(unsigned kind, unsigned layers);
+
+/// The level of an Aztec code, 1 to 4, that has at least so many hundredths of correction.
+unsigned aztecLevel(unsigned hundredths);
+
+}  // namespace quordalvane::simulator
