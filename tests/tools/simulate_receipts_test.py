@@ -7,7 +7,7 @@ import signal
 import socket
 import subprocess
 
-from harness import DEADLINE, STATUS_REQUEST, Case, eventually, main, receive, run, start
+from harness import DEADLINE, STATUS_REQUEST, Case, eventually, finish, main, receive, run, start
 
 
 class Receipts(Case):
@@ -195,6 +195,8 @@ class Records(Case):
             record, code, _ = self.record_of(job, "--strict")
             self.assertEqual((record["ok"], code), (False, 1), job)
             self.assertEqual(len(record[key]), 1, job)
+            if key == "missing":
+                self.assertEqual(record[key], ["81 in page 16"])
         record, code, _ = self.record_of(b"\x1bt\x10\x80\n\x1dV\0", "--strict")
         self.assertEqual((record["ok"], code), (True, 0))
 
@@ -205,9 +207,51 @@ class Records(Case):
             record, _, _ = self.record_of(job, "--receipts", str(folder), "--per", per)
             self.assertEqual(len(record["files"]), 2 * count, per)
             self.assertTrue(all(os.path.exists(file) for file in record["files"]))
-            self.assertEqual(json.loads((folder / "receipt-0001.json").read_text()), record)
+            for file in record["files"]:
+                beside = folder / file.replace(".txt", ".json").replace(".png", ".json")
+                self.assertEqual(json.loads(beside.read_text()), record)
             self.assertIn("one", (folder / "receipt-0001.txt").read_text())
         self.assertIn("two", (self.folder / "cut" / "receipt-0002.txt").read_text())
+
+    def test_a_cut_ends_a_job_or_does_not_as_wanted(self):
+        """Both connections stay. The one by the job was cut later, and its record comes all the same."""
+        processes = {}
+        for per in ("connection", "job"):
+            process = start("--json", "simulate", "--listen", "tcp:0", "--per", per)
+            self.addCleanup(finish, process, 0)
+            self.addCleanup(process.terminate)
+            place = json.loads(process.stdout.readline())["listening"][0]
+            host, port = place.removeprefix("tcp:").rsplit(":", 1)
+            connection = socket.create_connection((host, int(port)), DEADLINE)
+            self.addCleanup(connection.close)
+            connection.sendall(b"one\n\x1dV\0\x1dr\1")
+            receive(connection, 1)
+            processes[per] = (process, connection)
+        process, _ = processes["job"]
+        self.assertEqual(json.loads(process.stdout.readline())["cuts"], 1)
+        process, connection = processes["connection"]
+        connection.sendall(b"two\n\x1dV\0")
+        connection.close()
+        self.assertEqual(json.loads(process.stdout.readline())["cuts"], 2)
+
+    def test_a_record_stays_whole_among_answers_that_nobody_has_read_yet(self):
+        count = 400
+        process = start("--json", "simulate", "--listen", "tcp:0", stdin=subprocess.PIPE)
+        self.addCleanup(finish, process, 0)
+        self.addCleanup(process.terminate)
+        place = json.loads(process.stdout.readline())["listening"][0]
+        process.stdin.write(b'{"get": "state"}\n' * count)
+        process.stdin.flush()
+        # Answered after some answers have filled the pipe.
+        self.assertExit(0, run("-d", place, "online"))
+        host, port = place.removeprefix("tcp:").rsplit(":", 1)
+        with socket.create_connection((host, int(port)), DEADLINE) as connection:
+            connection.sendall(b"text\n\x10\x04\1")
+            receive(connection, 1)
+        self.assertExit(0, run("-d", place, "online"))
+        lines = [json.loads(process.stdout.readline()) for _ in range(count + 1)]
+        self.assertEqual([line["job"] for line in lines if "job" in line], [1])
+        self.assertEqual(sum("state" in line for line in lines), count)
 
     def test_another_division_is_refused(self):
         result = run("simulate", "--listen", "tcp:0", "--per", "day")

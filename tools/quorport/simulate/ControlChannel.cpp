@@ -7,11 +7,14 @@
 #include <cerrno>
 #include <utility>
 
+#include "logging/DescriptorOutput.h"
+
 namespace quordalvane::tool {
 namespace {
 
 constexpr std::size_t longestLine = std::size_t{64} << 10U;
 constexpr std::size_t mostAnswers = std::size_t{64} << 10U;
+constexpr std::size_t mostWaiting = std::size_t{1} << 20U;
 
 // A pipe that is ready for writing takes so much without blocking.
 constexpr std::size_t pieceSize = 4096;
@@ -78,6 +81,18 @@ void ControlChannel::takeLines(simulator::Instant now) {
     skipsLine_ = true;
     unread_.clear();
   }
+}
+
+void ControlChannel::say(const std::string& lines) {
+  answers_ += lines;
+  if (answers_.size() > mostWaiting) {
+    flush();
+  }
+}
+
+void ControlChannel::flush() {
+  writeAll(out_, answers_);
+  answers_.clear();
 }
 
 void ControlChannel::writeAnswers() {

@@ -29,6 +29,13 @@ class ControlChannel {
   /// Does all that can be done now.
   void work(simulator::Instant now);
 
+  /// Writes lines of others, which have their ends, after the answers that wait. Waits itself for
+  /// whoever reads while too many bytes wait.
+  void say(const std::string& lines);
+
+  /// Writes all that waits, however long that takes.
+  void flush();
+
   /// Whether it has ended: no more lines, no more answers.
   bool isOver() const { return inputEnded_ && answers_.empty(); }
 

@@ -61,11 +61,16 @@ ReceiptFolder::Written ReceiptFolder::add(const std::vector<simulator::Paper>& p
 
 std::string ReceiptFolder::addBeside(const std::vector<std::string>& files,
                                      const std::string& text) {
-  if (files.empty()) {
-    return "";
+  for (const std::filesystem::path file : files) {
+    if (file.extension() != ".txt") {
+      continue;
+    }
+    const std::string beside = std::filesystem::path(file).replace_extension(".json").string();
+    if (const std::string error = writeFile(text, beside); !error.empty()) {
+      return error;
+    }
   }
-  const auto file = std::filesystem::path(files.front()).replace_extension(".json").string();
-  return writeFile(text, file);
+  return "";
 }
 
 }  // namespace quordalvane::tool

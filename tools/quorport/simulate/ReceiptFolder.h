@@ -22,8 +22,8 @@ class ReceiptFolder {
   /// Writes each paper under the next number, as text and as a picture.
   Written add(const std::vector<simulator::Paper>& papers);
 
-  /// Writes the text beside the receipt that was written first of `files`. Returns an empty text,
-  /// or the reason if it could not.
+  /// Writes the text beside each receipt among `files`. Returns an empty text, or the reason if it
+  /// could not.
   static std::string addBeside(const std::vector<std::string>& files, const std::string& text);
 
  private:

@@ -39,14 +39,14 @@ Server::Server(const simulator::PrinterState& state, const simulator::Faults& fa
     : streams_(streams),
       habits_(habits),
       places_(std::move(places)),
-      writer_(places_.receipts.get()) {
+      writer_(places_.receipts.get()),
+      own_(streams_.in, streams_.out, control_) {
   for (Host& host : places_.hosts) {
     stations_.emplace_back(
         host.name, std::move(host.listener), state, faults, habits.printer,
         [this](Station& station, simulator::Paper paper) { keep(station, std::move(paper)); });
     control_.add(host.name, stations_.back().printer(), stations_.back().links());
   }
-  channels_.emplace_back(streams_.in, streams_.out, control_);
 }
 
 unsigned long Server::run() {
@@ -62,6 +62,9 @@ unsigned long Server::run() {
     station.close();
   }
   report(writer_.finish());
+  if (habits_.asJson) {
+    own_.flush();
+  }
   return jobsNotOk_;
 }
 
@@ -77,6 +80,7 @@ void Server::sleep(Instant now) {
   if (places_.controls != nullptr && channels_.size() < mostChannels) {
     awaited.push_back({.fd = places_.controls->descriptor(), .events = POLLIN, .revents = 0});
   }
+  own_.await(awaited);
   for (const ControlChannel& channel : channels_) {
     channel.await(awaited);
   }
@@ -132,6 +136,7 @@ void Server::workForControls(Instant now) {
       channels_.emplace_back(std::move(line), control_);
     }
   }
+  own_.work(now);
   for (ControlChannel& channel : channels_) {
     channel.work(now);
   }
@@ -162,13 +167,14 @@ void Server::report(const std::vector<ReceiptWriter::Done>& jobs) {
       complain(why, streams_);
     }
     if (habits_.asJson) {
-      writeAll(streams_.out, job.line);
+      own_.say(job.line);
     }
   }
 }
 
 bool Server::isDone(Instant now) {
-  const bool isAnswering = std::any_of(channels_.begin(), channels_.end(),
+  const bool isAnswering =
+      own_.hasAnswers() || std::any_of(channels_.begin(), channels_.end(),
                                        [](const auto& channel) { return channel.hasAnswers(); });
   return signals_.take() || (quitAt_ && (!isAnswering || now >= *quitAt_));
 }

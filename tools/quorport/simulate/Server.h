@@ -73,6 +73,7 @@ class Server {
   std::list<Station> stations_;
   Control control_;
   std::map<const Station*, std::string> announced_;  // the place of each
+  ControlChannel own_;                               // on standard input and output
   std::list<ControlChannel> channels_;
   std::optional<simulator::Instant> quitAt_;  // since a line asked for the end: at the latest
 };
