@@ -25,6 +25,7 @@ Rows journal();              // B19
 Rows confirmedReceipts();    // B15, B16
 Rows wholeCommands();        // B17
 Rows signsOfSlowPrinters();  // B18
+Rows receiptPictures();      // B20
 
 GrowthTable growingPorts();
 GrowthTable growingJobs();

@@ -38,6 +38,7 @@ constexpr std::array groups = {
     Group{"B15", confirmedReceipts},
     Group{"B17", wholeCommands},
     Group{"B18", signsOfSlowPrinters},
+    Group{"B20", receiptPictures},
 };
 
 constexpr std::array growths = {growingPorts, growingJobs, growingLoggers};
@@ -99,7 +100,7 @@ int main(int count, char** arguments) {
   app.add_flag("--json", options.json, "print the rows as JSON");
   app.add_option("--picture", options.picture, "also draw the rows into this SVG file");
   app.add_option("--only", options.only,
-                 "measure these alone: B1 to B19, growth; B16 is measured with B15");
+                 "measure these alone: B1 to B20, growth; B16 is measured with B15");
   CLI11_PARSE(app, count, arguments);
   standBackForNobody();
   report(options, measure(options));
