@@ -16,7 +16,7 @@ const clients = {
   // It always connects to port 9100.
   async receiptio(host, port, mode) {
     const { print } = require("receiptio");
-    return print(`^^^RECEIPT\n\n${words}|`, `-d ${host} -p ${mode} -c 42`);
+    return print(`^^^RECEIPT\n\n${words}|`, `-d ${host} ${mode ? `-p ${mode} ` : ""}-c 42`);
   },
 
   async "node-thermal-printer"(host, port) {

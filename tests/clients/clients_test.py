@@ -41,10 +41,13 @@ def install() -> str:
 
 class Clients(unittest.TestCase):
     def setUp(self):
+        self.start("escpos-80")
+
+    def start(self, profile: str):
         # An address of its own, since one of them knows no other port.
         self.host = "127." + ".".join(str(random.randint(1, 250)) for _ in range(3))
         self.printer = subprocess.Popen(
-            [QUORPORT, "--json", "simulate", "--strict", "--set", "profile=escpos-80", "--listen",
+            [QUORPORT, "--json", "simulate", "--strict", "--set", f"profile={profile}", "--listen",
              f"tcp:{self.host}:9100", "--receipts", FOLDER / "receipts"],
             stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, text=True)
         self.addCleanup(self.printer.stdout.close)
@@ -67,6 +70,10 @@ class Clients(unittest.TestCase):
     def test_receiptio_prints_and_finds_the_printer_on_line_in_each_mode(self):
         for mode in MODES:
             self.check("receiptio", mode)
+
+    def test_receiptio_finds_out_by_itself_how_the_printer_speaks(self):
+        self.start("both")
+        self.check("receiptio")
 
     def test_node_thermal_printer_is_connected_and_prints(self):
         self.check("node-thermal-printer")
