@@ -16,7 +16,8 @@ export class Counters {
     this.element = make("dl", {class: "figures"});
   }
 
-  show({counters, state}) {
+  show({counters, state, host}) {
+    write(this.place("host"), host ? "connected" : "none");
     const all = {...counters, ...Object.fromEntries(ofTheState.map((key) => [key, state[key]]))};
     for (const [key, value] of Object.entries(all)) {
       write(this.place(key), lengths.includes(key) ? paperLength(value) : grouped(value));

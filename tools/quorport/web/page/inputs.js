@@ -1,4 +1,4 @@
-// Inputs for values of the kinds that the server lists: flag, number, text, choice.
+// Inputs for values of the kinds that the server lists: flag, number and text, perhaps with choices.
 
 import { freshId, make } from "./dom.js";
 
@@ -19,13 +19,13 @@ export function inputFor(form) {
     return {element, beside: [], value: () => element.checked, show: (value) => { element.checked = value; }};
   }
   const [element, ...beside] = elementsFor(form);
-  element.required = !form.optional && form.kind === "number";
+  element.required = !form.optional;
   const value = () => (form.kind === "number" && element.value !== "" ? Number(element.value) : element.value);
   return {element, beside, value, show: (shown) => { element.value = shown ?? ""; }};
 }
 
 function elementsFor(form) {
-  if (form.kind === "choice") {
+  if (form.choices) {
     return form.free ? suggestionOf(form) : [choiceOf(form)];
   }
   if (form.kind === "number") {

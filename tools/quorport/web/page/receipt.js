@@ -5,8 +5,8 @@ import { bytesOf, counted, moment, paired, paperLength } from "./words.js";
 
 const number = location.pathname.split("/").pop();
 
-/** Browsers draw no taller picture; it can still be saved. */
-const tallestPicture = 16000; // dots
+/** The server gives the picture of a long receipt in parts of so many dots. */
+const partDots = 8000;
 
 async function load(from) {
   const answer = await fetch(`${number}.json${from === null ? "" : `?from=${from}`}`);
@@ -26,12 +26,14 @@ function picture(receipt) {
   if (receipt.height === 0) {
     return make("p", {class: "hint"}, "The job left no paper.");
   }
-  if (receipt.height > tallestPicture) {
-    const link = make("a", {href: `${number}.png`}, "open it");
-    return make("p", {}, `The picture is ${paperLength(receipt.height)} long: `, link, ".");
-  }
-  return make("img", {class: "whole", alt: "The receipt as it was printed; its text follows", src: `${number}.png`,
-    width: receipt.width, height: receipt.height});
+  const parts = Array.from({length: receipt.parts}, (_, index) => make("img", {
+    alt: index === 0 ? "The receipt as it was printed; its text follows" : "",
+    loading: "lazy",
+    src: `${number}.png?part=${index + 1}`,
+    width: receipt.width,
+    height: Math.min(partDots, receipt.height - index * partDots),
+  }));
+  return make("div", {class: "whole", role: "region", tabindex: "0", "aria-label": "Picture of the receipt"}, ...parts);
 }
 
 function figures(receipt) {

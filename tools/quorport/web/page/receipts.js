@@ -1,11 +1,12 @@
 // The receipts that were torn off, the newest first. A receipt has a page of its own, at its address.
 
 import { make, write } from "./dom.js";
+import { receiptsBefore } from "./server.js";
 import { clockTime, counted, paperLength } from "./words.js";
 
-/** As many as the server keeps, and how many of them are shown at first. */
+/** How many are shown at first, and how many at most if the reader asks for older ones. */
+const shownAtFirst = 24;
 export const mostReceipts = 200;
-const portion = 24;
 
 /** Taller pictures are not worth their memory as a small one. */
 const tallestPicture = 6000; // dots
@@ -20,46 +21,43 @@ export class Receipts {
     this.begin([], new Map());
   }
 
+  /** The newest receipts, the newest first. */
   begin(receipts, names) {
     this.names = names;
-    this.kept = receipts.slice(-mostReceipts).reverse();
-    this.most = portion;
-    this.list.replaceChildren();
-    this.showMore();
+    this.most = shownAtFirst;
+    this.list.replaceChildren(...receipts.slice(0, this.most).map((receipt) => this.row(receipt)));
+    this.hasOlder = receipts.length > this.most;
+    this.tell();
   }
 
   add(receipt) {
-    this.kept.unshift(receipt);
-    this.kept.length = Math.min(this.kept.length, mostReceipts);
     this.list.prepend(this.row(receipt));
     while (this.list.children.length > this.most) {
       this.list.lastElementChild.remove();
+      this.hasOlder = true;
     }
     this.tell();
   }
 
-  showOlder() {
-    this.most += portion;
-    const first = this.list.children.length;
-    this.showMore();
-    this.list.children[first]?.querySelector("a").focus();
-  }
-
-  showMore() {
-    const more = this.kept.slice(this.list.children.length, this.most);
-    this.list.append(...more.map((receipt) => this.row(receipt)));
+  async showOlder() {
+    const count = this.list.children.length;
+    const older = await receiptsBefore(this.list.lastElementChild.dataset.receipt);
+    this.most = mostReceipts;
+    this.list.append(...older.map((receipt) => this.row(receipt)));
+    this.hasOlder = older.length > 0 && this.list.children.length < mostReceipts;
     this.tell();
+    this.list.children[count]?.querySelector("a").focus();
   }
 
   tell() {
-    write(this.note, this.kept.length === 0 ? "None yet: print something, or a test receipt." : "");
-    this.older.hidden = this.list.children.length >= this.kept.length;
+    write(this.note, this.list.children.length === 0 ? "None yet: print something, or a test receipt." : "");
+    this.older.hidden = !this.hasOlder;
   }
 
   row(receipt) {
     const where = this.names.size > 1 ? [make("span", {}, this.names.get(receipt.printer) ?? "")] : [];
     const fault = receipt.ok ? [] : [make("span", {class: "refused"}, "not as it was meant")];
-    return make("li", {}, make("a", {href: receipt.address}, this.picture(receipt),
+    return make("li", {"data-receipt": receipt.id}, make("a", {href: receipt.address}, this.picture(receipt),
       make("strong", {}, `Receipt ${receipt.id}`), ...where, ...fault,
       make("span", {class: "hint"}, `${clockTime(receipt.time).slice(0, 8)}, ${this.size(receipt)}`)));
   }

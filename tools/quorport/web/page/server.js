@@ -9,6 +9,12 @@ export async function forms() {
   return answer.json();
 }
 
+/** The receipts before one, the newest first. */
+export async function receiptsBefore(id) {
+  const answer = await fetch(`api/receipts?before=${id}`);
+  return (await answer.json()).receipts;
+}
+
 /**
  * Gives a control line to one printer, or to all if `printer` is null. Throws an Error with the server's words
  * if it is refused.

@@ -2,7 +2,7 @@
 
 import { freshId, make } from "./dom.js";
 import { inputFor } from "./inputs.js";
-import { titled } from "./words.js";
+import { labelOf, titled } from "./words.js";
 
 class Setting {
   constructor(form, send) {
@@ -14,10 +14,9 @@ class Setting {
       await send({set: {[this.key]: this.input.value()}});
       this.input.show(this.value); // the printer's own value, until it is told anew
     });
-    const label = make("label", {for: element.id}, titled(form.label ?? form.key));
-    const hint = [form.unit, form.help].filter(Boolean).join("; ");
-    const about = hint ? [make("p", {class: "hint", id: `${element.id}-hint`}, hint)] : [];
-    if (hint) {
+    const label = make("label", {for: element.id}, titled(labelOf(form)));
+    const about = form.help ? [make("p", {class: "hint", id: `${element.id}-hint`}, form.help)] : [];
+    if (form.help) {
       element.setAttribute("aria-describedby", `${element.id}-hint`);
     }
     this.element = make("div", {class: form.kind === "flag" ? "switch" : "field"}, label, element, ...beside, ...about);
@@ -38,9 +37,9 @@ export class Settings {
       make("div", {class: "fields"}, ...this.settings.map((setting) => setting.element)));
   }
 
-  show({state}) {
+  show({settings}) {
     for (const setting of this.settings) {
-      setting.show(state[setting.key]);
+      setting.show(settings[setting.key]);
     }
   }
 }

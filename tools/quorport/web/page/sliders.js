@@ -2,7 +2,7 @@
 
 import { freshId, make, write } from "./dom.js";
 import { binarySteps, decimalSteps, nearest } from "./steps.js";
-import { counted, grouped, titled } from "./words.js";
+import { counted, grouped, labelOf, titled } from "./words.js";
 
 const unlimited = 0; // as a speed
 const fastest = 100000; // a till notices no difference beyond
@@ -31,7 +31,7 @@ class Slider {
     this.input = make("input", {type: "range", id, min: 0, max: this.steps.length - 1, step: 1,
       oninput: () => this.tell(this.chosen()),
       onchange: () => send({set: {[this.key]: this.chosen()}})});
-    const name = make("label", {for: id}, titled(setting.label ?? setting.key));
+    const name = make("label", {for: id}, titled(labelOf(setting)));
     const label = make("div", {class: "beside"}, name, this.output);
     this.element = make("div", {class: "field"}, label, this.input);
   }
@@ -64,9 +64,9 @@ export class Sliders {
       ...this.sliders.map((slider) => slider.element));
   }
 
-  show({state}) {
+  show({settings}) {
     for (const slider of this.sliders) {
-      slider.show(state[slider.key]);
+      slider.show(settings[slider.key]);
     }
   }
 }

@@ -1,7 +1,7 @@
 // The printer's conditions as switches: those that a till meets each day in sight, the others folded away.
 
 import { freshId, make, write } from "./dom.js";
-import { titled } from "./words.js";
+import { labelOf, titled } from "./words.js";
 
 const inSight = ["cover", "paper", "drawer"];
 const foldedTitles = {
@@ -35,7 +35,7 @@ export class Switches {
       await send({set: {[flag.key]: wanted}});
       this.showFlag(flag.key); // if it was refused, or the printer decides otherwise
     };
-    const {input, element} = makeSwitch(flag.label, turn);
+    const {input, element} = makeSwitch(labelOf(flag), turn);
     this.inputs.set(flag.key, input);
     return element;
   }

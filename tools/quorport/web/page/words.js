@@ -5,6 +5,21 @@ export function titled(text) {
   return text.charAt(0).toUpperCase() + text.slice(1);
 }
 
+/** What a till calls the conditions that it meets each day. */
+const everyday = {
+  offline: "off line",
+  compulsionSwitch: "drawer open",
+  receiptPaperEmpty: "paper out",
+  receiptPaperNearEmptyInner: "paper near end",
+  receiptPaperNearEmptyOuter: "paper near end, outer sensor",
+  paperPresent: "paper left in the exit",
+};
+
+/** The words for a flag or a setting of the server's list. */
+export function labelOf({key, label}) {
+  return everyday[key] ?? label ?? key;
+}
+
 /** Grouped in thousands by thin spaces. */
 export function grouped(number) {
   return String(number).replace(/\B(?=(\d{3})+$)/g, "\u2009");
@@ -53,5 +68,5 @@ export function condition(flags, state) {
   }
   const reasons = flags.filter((flag) => state[flag.key] &&
     (stoppingGroups.includes(flag.group) || flag.key === "receiptPaperEmpty"));
-  return reasons.length === 0 ? "Off line" : `Off line: ${reasons.map((flag) => flag.label).join(", ")}`;
+  return reasons.length === 0 ? "Off line" : `Off line: ${reasons.map(labelOf).join(", ")}`;
 }
