@@ -8,7 +8,11 @@ import { paperLength } from "./words.js";
 export const sheetRows = 512;
 export const mostSheets = 16;
 
+/** How much of its text is kept for those who hear it. */
+const mostWords = 2000; // characters
+
 const partingMillis = 450;
+const tooFast = "The paper comes faster than it can be shown. Its receipt will show it.";
 
 function decoded(base64) {
   const bytes = Uint8Array.from(atob(base64), (character) => character.charCodeAt(0));
@@ -17,7 +21,7 @@ function decoded(base64) {
 
 export class Paper {
   constructor(printerName, place) {
-    this.empty = make("p", {class: "hint"}, "Nothing printed yet. Print to ", make("code", {}, place));
+    this.empty = make("p", {class: "hint"}, "Nothing hangs out. Print to ", make("code", {}, place));
     const label = `Paper of ${printerName}`;
     this.element = make("div", {class: "paper", role: "region", tabindex: "0", "aria-label": label});
     this.order = Promise.resolve(); // events are drawn in their order, though pictures are decoded aside
@@ -28,9 +32,11 @@ export class Paper {
     this.strip = make("div", {class: "strip", role: "img"});
     this.sheets = new Map(); // by number, from the top
     this.cuts = [];
+    this.words = make("pre", {class: "unseen"});
+    this.lost = make("p", {class: "lost", hidden: true}, tooFast);
     this.width = 576;
     this.rows = 0;
-    this.element.replaceChildren(this.strip, this.empty);
+    this.element.replaceChildren(this.lost, this.strip, this.words, this.empty);
     this.measure();
   }
 
@@ -56,6 +62,8 @@ export class Paper {
   }
 
   add(part, picture) {
+    this.lost.hidden = !part.lost;
+    this.words.textContent = (this.words.textContent + (part.text ?? "")).slice(-mostWords);
     this.width = part.width ?? this.width;
     this.rows = Math.max(this.rows, part.row + part.height);
     const last = Math.floor((part.row + part.height - 1) / sheetRows);
@@ -121,6 +129,6 @@ export class Paper {
     }
     this.strip.setAttribute("aria-label", `${paperLength(this.rows)} of paper`);
     this.strip.hidden = this.rows === 0;
-    this.empty.hidden = this.rows > 0;
+    this.empty.hidden = this.rows > 0 || !this.lost.hidden;
   }
 }
