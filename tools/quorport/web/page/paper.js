@@ -62,7 +62,11 @@ export class Paper {
   }
 
   add(part, picture) {
-    this.lost.hidden = !part.lost;
+    if (part.lost) { // the rest of this paper is
+      this.lost.hidden = false;
+      this.empty.hidden = true;
+      return;
+    }
     this.words.textContent = (this.words.textContent + (part.text ?? "")).slice(-mostWords);
     this.width = part.width ?? this.width;
     this.rows = Math.max(this.rows, part.row + part.height);
@@ -129,6 +133,6 @@ export class Paper {
     }
     this.strip.setAttribute("aria-label", `${paperLength(this.rows)} of paper`);
     this.strip.hidden = this.rows === 0;
-    this.empty.hidden = this.rows > 0 || !this.lost.hidden;
+    this.empty.hidden = this.rows > 0;
   }
 }

@@ -28,7 +28,7 @@ function picture(receipt) {
   }
   const parts = Array.from({length: receipt.parts}, (_, index) => make("img", {
     alt: index === 0 ? "The receipt as it was printed; its text follows" : "",
-    loading: "lazy",
+    loading: index === 0 ? "eager" : "lazy",
     src: `${number}.png?part=${index + 1}`,
     width: receipt.width,
     height: Math.min(partDots, receipt.height - index * partDots),

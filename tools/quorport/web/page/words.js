@@ -5,19 +5,29 @@ export function titled(text) {
   return text.charAt(0).toUpperCase() + text.slice(1);
 }
 
-/** What a till calls the conditions that it meets each day. */
-const everyday = {
+/** Words for what the server names by its key alone, if the key does not say it. */
+const plainWords = {
   offline: "off line",
   compulsionSwitch: "drawer open",
+  overTemp: "print head too hot",
+  mechError: "mechanism error",
+  pageModeCmdError: "page mode command error",
+  receiptBlackMarkDetection: "black mark seen",
   receiptPaperEmpty: "paper out",
   receiptPaperNearEmptyInner: "paper near end",
   receiptPaperNearEmptyOuter: "paper near end, outer sensor",
   paperPresent: "paper left in the exit",
+  etbAvailable: "counts job marks",
+  utf8: "UTF-8",
+  modelId: "model number",
+  typeId: "type number",
+  dip1: "DIP switches, bank 1",
+  dip2: "DIP switches, bank 2",
 };
 
 /** The words for a flag or a setting of the server's list. */
 export function labelOf({key, label}) {
-  return everyday[key] ?? label ?? key;
+  return plainWords[key] ?? label ?? key;
 }
 
 /** Grouped in thousands by thin spaces. */
