@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "backends/SpecText.h"
-#include "logging/Quoted.h"
+#include "text/Quoted.h"
 
 namespace quordalvane {
 

@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "logging/Quoted.h"
+#include "text/Quoted.h"
 
 namespace quordalvane::spec {
 

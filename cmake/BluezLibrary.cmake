@@ -3,7 +3,7 @@ add_library(QuorBluez SHARED $<TARGET_OBJECTS:quor_bluez>
             # What the library of the port keeps to itself.
             $<FILTER:$<TARGET_OBJECTS:quor_posix>,INCLUDE,/Descriptor|/Link|/Linger>
             $<FILTER:$<TARGET_OBJECTS:quor_backend_common>,INCLUDE,/SpecText>
-            $<FILTER:$<TARGET_OBJECTS:quor_logging>,INCLUDE,/Quoted>)
+            $<FILTER:$<TARGET_OBJECTS:quor_text>,INCLUDE,/Quoted>)
 add_library(QuorIOPort::QuorBluez ALIAS QuorBluez)
 set_target_properties(QuorBluez PROPERTIES LINKER_LANGUAGE CXX VERSION ${PROJECT_VERSION}
                       SOVERSION ${PROJECT_VERSION_MAJOR}

@@ -6,7 +6,7 @@ include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 include(PublicHeaders)
 
-set(rooms quor_parsers quor_logging quor_platform quor_port quor_backend_common quor_virtual
+set(rooms quor_parsers quor_text quor_logging quor_platform quor_port quor_backend_common quor_virtual
           quor_posix quor_backends quor_job quor_c_interface)
 list(TRANSFORM rooms REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>" OUTPUT_VARIABLE objects)
 # Pictures of the paper are the command's alone: programs do not need the drawing library.

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "logging/PrintableText.h"
+#include "text/PrintableText.h"
 
 namespace quordalvane {
 namespace {

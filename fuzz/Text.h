@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "logging/PrintableText.h"
+#include "text/PrintableText.h"
 
 namespace quordalvane::fuzz {
 

@@ -4,7 +4,7 @@
 #include <charconv>
 #include <utility>
 
-#include "logging/Hex.h"
+#include "text/Hex.h"
 
 namespace quordalvane {
 namespace {

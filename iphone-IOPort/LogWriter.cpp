@@ -5,8 +5,8 @@
 #include <stdexcept>
 #include <utility>
 
-#include "logging/Hex.h"
 #include "logging/LogDelivery.h"
+#include "text/Hex.h"
 
 namespace quordalvane {
 

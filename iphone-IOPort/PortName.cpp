@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "logging/Utf8.h"
+#include "text/Utf8.h"
 
 namespace quordalvane {
 

@@ -3,15 +3,12 @@
 #include <cstddef>
 
 #include "platform/EAAccessory.h"
+#include "text/Hex.h"
 
 namespace quordalvane {
 namespace {
 
 constexpr std::size_t addressLength = 17;  // "01:23:45:67:89:AB"
-
-bool isHexDigit(char c) {
-  return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
-}
 
 bool isAddress(std::string_view text) {
   for (std::size_t i = 0; i < addressLength; ++i) {

@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "logging/PrintableText.h"
+#include "text/PrintableText.h"
 
 namespace quordalvane {
 

@@ -2,7 +2,7 @@
 
 #include <exception>
 
-#include "logging/PrintableText.h"
+#include "text/PrintableText.h"
 
 namespace quordalvane {
 namespace {

@@ -10,7 +10,7 @@
 #include <string_view>
 
 #include "logging/DescriptorOutput.h"
-#include "logging/PrintableText.h"
+#include "text/PrintableText.h"
 
 namespace quordalvane {
 namespace {

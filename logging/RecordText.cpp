@@ -5,8 +5,8 @@
 #include <chrono>
 #include <concepts>
 
-#include "logging/PrintableText.h"
-#include "logging/UtcText.h"
+#include "text/PrintableText.h"
+#include "text/UtcText.h"
 
 namespace quordalvane {
 namespace {

@@ -6,7 +6,7 @@
 #include <stdexcept>
 
 #include "simulator/CodePages.h"
-#include "simulator/Quoted.h"
+#include "text/Quoted.h"
 
 namespace quordalvane::simulator {
 namespace {
@@ -45,7 +45,7 @@ void setPage(Pages& pages, std::string_view pair) {
     throw std::invalid_argument(
         "codePages takes common, small, or pairs NUMBER:NAME joined by blanks or + with a number "
         "from 0 to 255 and one of the names " +
-        names + ", not " + quoted(pair));
+        names + ", not " + inQuotes(pair));
   }
 }
 
@@ -80,7 +80,7 @@ void CharacterSets::setMultiByte(std::string_view name) {
     }
   }
   throw std::invalid_argument("multiByte takes none, shift-jis, gb18030, big5 or euc-kr, not " +
-                              quoted(name));
+                              inQuotes(name));
 }
 
 std::string_view nameOf(MultiByte encoding) {

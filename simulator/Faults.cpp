@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "simulator/PrinterState.h"
-#include "simulator/Quoted.h"
+#include "text/Quoted.h"
 
 namespace quordalvane::simulator {
 namespace {
@@ -214,7 +214,7 @@ std::string everyName() {
 
 [[noreturn]] void refuse(Text name, Text value, Text takes) {
   throw std::invalid_argument(std::string(name) + " takes " + std::string(takes) + ", not " +
-                              quoted(value));
+                              inQuotes(value));
 }
 
 }  // namespace
@@ -237,7 +237,8 @@ bool isFault(Text name) {
 Fault parseFault(Text name, Text value) {
   const Form* form = formNamed(name);
   if (form == nullptr) {
-    throw std::invalid_argument("there is no fault " + quoted(name) + "; there are " + everyName());
+    throw std::invalid_argument("there is no fault " + inQuotes(name) + "; there are " +
+                                everyName());
   }
   Fault fault;
   fault.kind = form->kind;

@@ -1,16 +1,16 @@
 #include "simulator/HexText.h"
 
+#include "text/Hex.h"
+
 namespace quordalvane::simulator {
 
 std::string hexText(ByteView bytes) {
-  constexpr char digits[] = "0123456789abcdef";
   std::string text;
-  for (std::uint8_t byte : bytes) {
+  for (const std::uint8_t byte : bytes) {
     if (!text.empty()) {
       text += ' ';
     }
-    text += digits[byte >> 4U];
-    text += digits[byte & 0x0fU];
+    appendHex(text, byte);
   }
   return text;
 }

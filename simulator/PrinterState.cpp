@@ -6,7 +6,8 @@
 #include <stdexcept>
 
 #include "simulator/Profile.h"
-#include "simulator/Quoted.h"
+#include "text/Hex.h"
+#include "text/Quoted.h"
 
 namespace quordalvane::simulator {
 
@@ -59,13 +60,9 @@ constexpr std::uint32_t errorBits() {
 constexpr std::uint32_t stopsPrinting =
     bit(Flag::CoverOpen) | bit(Flag::Offline) | bit(Flag::ReceiptPaperEmpty) | errorBits();
 
-bool isHexDigit(char c) {
-  return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
-}
-
 [[noreturn]] void refuse(std::string_view key, std::string_view value, std::string_view takes) {
   throw std::invalid_argument(std::string(key) + " takes " + std::string(takes) + ", not " +
-                              quoted(value));
+                              inQuotes(value));
 }
 
 template <typename Number>
@@ -200,7 +197,7 @@ void PrinterState::set(std::string_view key, std::string_view value) {
   const auto found = std::find_if(std::begin(settings), std::end(settings),
                                   [&](const Setting& setting) { return setting.key == key; });
   if (found == std::end(settings)) {
-    throw std::invalid_argument("there is no printer setting " + quoted(key) + "; there are " +
+    throw std::invalid_argument("there is no printer setting " + inQuotes(key) + "; there are " +
                                 everyKey());
   }
   found->set(*this, value);

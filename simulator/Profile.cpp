@@ -5,7 +5,7 @@
 #include <stdexcept>
 
 #include "simulator/PrinterState.h"
-#include "simulator/Quoted.h"
+#include "text/Quoted.h"
 
 namespace quordalvane::simulator {
 namespace {
@@ -113,7 +113,7 @@ std::string readFile(const std::string& path) {
   file.read(text.data(), static_cast<std::streamsize>(text.size()));
   text.resize(static_cast<std::size_t>(std::max<std::streamsize>(file.gcount(), 0)));
   if (file.bad() || (!file.is_open()) || text.size() > longestFile) {
-    throw std::invalid_argument("profile: the file " + quoted(path) +
+    throw std::invalid_argument("profile: the file " + inQuotes(path) +
                                 " cannot be read, or is longer than 64 KiB");
   }
   return text;
@@ -127,7 +127,8 @@ std::string textOf(std::string_view name) {
   }
   if (name.find('/') == std::string_view::npos) {
     throw std::invalid_argument("profile takes " + everyName() +
-                                ", or the path of a file with a slash in it, not " + quoted(name));
+                                ", or the path of a file with a slash in it, not " +
+                                inQuotes(name));
   }
   return readFile(std::string(name));
 }
@@ -138,7 +139,7 @@ void applyLine(std::string_view line, PrinterState& state) {
   }
   const std::size_t equals = line.find('=');
   if (equals == std::string_view::npos || line.substr(0, equals) == "profile") {
-    throw std::invalid_argument("takes KEY=VALUE of a printer setting, not " + quoted(line));
+    throw std::invalid_argument("takes KEY=VALUE of a printer setting, not " + inQuotes(line));
   }
   state.set(line.substr(0, equals), line.substr(equals + 1));
 }
@@ -154,7 +155,7 @@ void applyProfile(std::string_view name, PrinterState& state) {
     try {
       applyLine(std::string_view(text).substr(begin, end - begin), changed);
     } catch (const std::invalid_argument& error) {
-      throw std::invalid_argument("profile " + quoted(name) + ", line " + std::to_string(number) +
+      throw std::invalid_argument("profile " + inQuotes(name) + ", line " + std::to_string(number) +
                                   ": " + error.what());
     }
     begin = end + 1;

@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "simulator/Quoted.h"
+#include "text/Quoted.h"
 
 namespace quordalvane::simulator {
 namespace {
@@ -49,7 +49,7 @@ void Proofs::add(std::string_view name, std::string_view text) {
     }
   }
   throw std::invalid_argument(
-      "proofs takes block, process-id and in-order, joined by +, or none, not " + quoted(text));
+      "proofs takes block, process-id and in-order, joined by +, or none, not " + inQuotes(text));
 }
 
 std::string Proofs::text() const {

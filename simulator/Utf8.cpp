@@ -1,17 +1,12 @@
 #include "simulator/Utf8.h"
 
-#include <array>
 #include <cstdint>
 
 #include "simulator/Conversion.h"
+#include "text/Utf8.h"
 
 namespace quordalvane::simulator {
 namespace {
-
-struct Decoded {
-  char32_t character;
-  std::size_t bytes;
-};
 
 std::size_t sequenceLength(std::uint8_t lead) {
   if (lead >= 0xc2 && lead <= 0xdf) {
@@ -23,44 +18,23 @@ std::size_t sequenceLength(std::uint8_t lead) {
   return lead >= 0xf0 && lead <= 0xf4 ? 4 : 0;
 }
 
-// Not a surrogate.
-bool isCharacter(char32_t c) {
-  return c <= 0x10ffff && (c < 0xd800 || c > 0xdfff);
-}
-
-// Not longer than needed, and not a control character.
-bool isTextOfLength(char32_t c, std::size_t length) {
-  constexpr std::array<char32_t, 5> least = {0, 0, 0xa0, 0x800, 0x10000};
-  return c >= least[length] && isCharacter(c);
-}
-
-// The multi-byte character at the start of `bytes`, if there is one.
-std::optional<Decoded> decodeUtf8(std::string_view bytes) {
-  const auto lead = static_cast<std::uint8_t>(bytes[0]);
-  const std::size_t length = sequenceLength(lead);
-  if (length == 0 || bytes.size() < length) {
-    return std::nullopt;
-  }
-  char32_t c = lead & (0x7fU >> length);
-  for (std::size_t i = 1; i < length; ++i) {
-    const auto byte = static_cast<std::uint8_t>(bytes[i]);
-    if ((byte & 0xc0U) != 0x80) {
-      return std::nullopt;
-    }
-    c = c << 6U | (byte & 0x3fU);
-  }
-  if (!isTextOfLength(c, length)) {
-    return std::nullopt;
-  }
-  return Decoded{c, length};
+// The character of several bytes at the start of `bytes`; empty if there is none, or if it is a
+// control character.
+std::optional<Character> decoded(std::string_view bytes) {
+  constexpr std::uint32_t firstAfterControls = 0xa0;
+  const Character first = firstCharacter(bytes);
+  return first.codePoint < firstAfterControls ? std::nullopt : std::optional(first);
 }
 
 // Text at the start of any `bytes`.
-Decoded decodeAnything(std::string_view bytes) {
-  if (static_cast<std::uint8_t>(bytes[0]) < 0x80) {
-    return {static_cast<char32_t>(bytes[0]), 1};
-  }
-  return decodeUtf8(bytes).value_or(Decoded{noCharacter, 1});
+Character decodedAnything(std::string_view bytes) {
+  const auto byte = static_cast<std::uint8_t>(bytes.front());
+  return byte < 0x80 ? Character{byte, 1} : decoded(bytes).value_or(Character{noCharacter, 1});
+}
+
+bool isCharacter(char32_t c) {
+  const bool isSurrogate = c >= 0xd800 && c <= 0xdfff;
+  return c <= 0x10ffff && !isSurrogate;
 }
 
 }  // namespace
@@ -68,12 +42,12 @@ Decoded decodeAnything(std::string_view bytes) {
 std::optional<std::u32string> wholeUtf8(std::string_view bytes) {
   std::u32string text;
   while (!bytes.empty()) {
-    const auto next = decodeUtf8(bytes);
+    const auto next = decoded(bytes);
     if (!next) {
       return std::nullopt;
     }
-    text += next->character;
-    bytes.remove_prefix(next->bytes);
+    text += next->codePoint;
+    bytes.remove_prefix(next->length);
   }
   return text;
 }
@@ -118,9 +92,9 @@ std::string toUtf8(std::u32string_view text) {
 std::u32string fromUtf8(std::string_view bytes) {
   std::u32string text;
   while (!bytes.empty()) {
-    const Decoded next = decodeAnything(bytes);
-    text += next.character;
-    bytes.remove_prefix(next.bytes);
+    const Character next = decodedAnything(bytes);
+    text += next.codePoint;
+    bytes.remove_prefix(next.length);
   }
   return text;
 }

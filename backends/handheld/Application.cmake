@@ -3,7 +3,7 @@
 # device's frameworks. It needs nothing else of this project's build.
 get_filename_component(QUOR_ROOT ${CMAKE_CURRENT_LIST_DIR}/../.. ABSOLUTE)
 file(GLOB QUOR_HANDHELD_SOURCES CONFIGURE_DEPENDS
-  ${QUOR_ROOT}/platform/*.cpp ${QUOR_ROOT}/parsers/*.cpp ${QUOR_ROOT}/logging/*.cpp
+  ${QUOR_ROOT}/platform/*.cpp ${QUOR_ROOT}/parsers/*.cpp ${QUOR_ROOT}/text/*.cpp ${QUOR_ROOT}/logging/*.cpp
   ${QUOR_ROOT}/iphone-IOPort/*.cpp ${QUOR_ROOT}/job/*.cpp ${QUOR_ROOT}/c-interface/*.cpp
   ${QUOR_ROOT}/backends/handheld/*.cpp ${QUOR_ROOT}/backends/handheld/*.mm)
 # It connects device specifications of this system's kind.

@@ -7,10 +7,10 @@
 #include "discovery/BluetoothDevices.h"
 #include "discovery/Discovery.h"
 #include "discovery/NetworkDevices.h"
-#include "logging/PrintableText.h"
 #include "tests/bluez/standins/BluetoothService.h"
 #include "tests/bluez/standins/NetworkService.h"
 #include "tests/bluez/standins/PrivateBus.h"
+#include "text/PrintableText.h"
 
 namespace quordalvane {
 namespace {

@@ -49,7 +49,7 @@ BREAKS = (
     Break("one answer alone confirms a job", "job/LineModeBlock.cpp", "if (!isConfirmed_) {", "if (false) {"),
     Break("a record that finds the queue full is dropped and not counted", "logging/LogQueue.cpp",
           "      ++counts_.dropped;\n", ""),
-    Break("control characters of eight-bit terminals reach a sink", "logging/PrintableText.cpp",
+    Break("control characters of eight-bit terminals reach a sink", "text/PrintableText.cpp",
           "(codePoint >= 0x7F && codePoint < 0xA0)", "codePoint == 0x7F"),
     Break("a byte of the link is read twice", "backends/posix/Link.cpp",
           "    next_ += count;\n", "    next_ += count - 1;\n"),

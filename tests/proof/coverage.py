@@ -22,11 +22,11 @@ from pathlib import Path
 import areas
 
 ROOT = Path(__file__).resolve().parents[2]
-EXPLAINED = ("iphone-IOPort", "parsers", "job", "logging")
+EXPLAINED = ("iphone-IOPort", "parsers", "job", "text", "logging")
 ROOMS = (*EXPLAINED, "backends", "c-interface", "simulator")
 ENOUGH, ENOUGH_OF_A_ROOM = 0.98, 0.95
 REPLIES = {file.relative_to(areas.ROOT) for file in areas.area("replies").files()}
-PROGRAMS = ("unit_parsers", "unit_port", "unit_job", "unit_logging", "trace", "faults", "simulation", "lifecycle",
+PROGRAMS = ("unit_parsers", "unit_port", "unit_job", "unit_text", "unit_logging", "trace", "faults", "simulation", "lifecycle",
             "unit_posix", "unit_backends", "contract", "unit_c-interface", "unit_simulator")
 SENTENCES = "c_interface_tests"  # each in a process of its own
 SIZES = {"QUOR_SCRIPTS": "20000", "QUOR_SIMULATED_JOBS": "4000",

@@ -41,22 +41,24 @@ class Rule:
 
 NO_CLOCK = r"\b\w+_clock\b"
 # Nor may a host program's locale change the reading of a text, or a record.
-NO_CLOCK_OR_LOCALE = NO_CLOCK + r"|\b(strto\w+|ato[fil]+|sto[fdil]+|s?n?(print|scan)f|setlocale)\b"
+NO_LOCALE = r"\b(strto\w+|ato[fil]+|sto[fdil]+|s?n?(print|scan)f|setlocale)\b"
+NO_CLOCK_OR_LOCALE = NO_CLOCK + "|" + NO_LOCALE
 
 RULES = (
     Rule("include", (), {"stdint.h"}),
-    Rule("include/quordalvane/Quor*C.h", (PUBLIC,), {"stddef.h"}),
+    Rule("include/quordalvane/Quor*C.h", (PUBLIC,), {"stddef.h", "stdint.h"}),
     # The platform alone gives time, waiting and threads; <chrono> is allowed for its units.
-    Rule("iphone-IOPort", ("iphone-IOPort", "platform", "logging", PUBLIC), PLAIN | TIME, NO_CLOCK_OR_LOCALE),
+    Rule("iphone-IOPort", ("iphone-IOPort", "platform", "logging", "text", PUBLIC), PLAIN | TIME, NO_CLOCK_OR_LOCALE),
     Rule("iphone-IOPort/PortC.h", ("parsers",), set()),
     Rule("platform", (PUBLIC,), STANDARD | {"cxxabi.h"}),
     Rule("parsers", (PUBLIC,), PLAIN, NO_CLOCK_OR_LOCALE),
-    Rule("logging", (PUBLIC,), STANDARD | DESCRIPTORS),
-    Rule("simulator", (), (STANDARD - THREADS) | {"iconv.h", "zint.h"}, NO_CLOCK),
-    Rule("simulator/drawing", ("simulator/*",), (STANDARD - THREADS) | DRAWING, NO_CLOCK),
-    Rule("backends", ("platform", "logging", PUBLIC), STANDARD, NO_CLOCK),
+    Rule("text", (PUBLIC,), PLAIN | TIME, NO_LOCALE),
+    Rule("logging", ("text", PUBLIC), STANDARD | DESCRIPTORS),
+    Rule("simulator", ("text",), (STANDARD - THREADS) | {"iconv.h", "zint.h"}, NO_CLOCK),
+    Rule("simulator/drawing", ("simulator/*", "text"), (STANDARD - THREADS) | DRAWING, NO_CLOCK),
+    Rule("backends", ("platform", "text", PUBLIC), STANDARD, NO_CLOCK),
     Rule("backends/DeviceIdentity.cpp", ("platform", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
-    Rule("backends/DeviceSpec.cpp", ("platform", "logging", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
+    Rule("backends/DeviceSpec.cpp", ("platform", "text", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
     Rule("backends/Devices*", ("platform", "backends", PUBLIC), STANDARD, NO_CLOCK),
     Rule("backends/Schemes*", ("platform", "backends", PUBLIC), STANDARD, NO_CLOCK),
     Rule("backends/virtual", ("platform", "backends/*", "simulator"), STANDARD | {"csignal"}, NO_CLOCK),
@@ -66,25 +68,25 @@ RULES = (
     Rule("backends/bluez/BluetoothScheme.h", (PUBLIC,), set()),
     # On the device the frameworks' own headers; here those of the same names in its sub-folder.
     Rule("backends/handheld", ("platform", PUBLIC), EVERY_SYSTEM_HEADER),
-    Rule("discovery", ("backends", "logging", PUBLIC), EVERY_SYSTEM_HEADER),
-    Rule("job", ("iphone-IOPort", PUBLIC), STANDARD, NO_CLOCK),
+    Rule("discovery", ("backends", "text", PUBLIC), EVERY_SYSTEM_HEADER),
+    Rule("job", ("iphone-IOPort", "platform", PUBLIC), STANDARD, NO_CLOCK),
     # A kernel's lock on a byte of a file; it waits by itself, as other processes do not live by a port's clock.
     Rule("locks", (PUBLIC,), STANDARD | DESCRIPTORS),
-    Rule("journal", ("job", "locks", "logging", "iphone-IOPort", PUBLIC),
+    Rule("journal", ("job", "locks", "text", "iphone-IOPort", PUBLIC),
          STANDARD | DESCRIPTORS | {"sys/vfs.h", "sqlite3.h", "nettle/sha2.h"}),
-    Rule("render", ("logging",), STANDARD | {"cairo.h", "csetjmp", "glib.h", "iconv.h", "jpeglib.h", "pango/pangocairo.h"}, NO_CLOCK),
+    Rule("render", ("text",), STANDARD | {"cairo.h", "csetjmp", "glib.h", "iconv.h", "jpeglib.h", "pango/pangocairo.h"}, NO_CLOCK),
     Rule("c-interface", ("job", "iphone-IOPort", "logging", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
     # A part of the journal's library, so that a program without names for its jobs loads no database.
     Rule("c-interface/journal", ("c-interface/*", "journal", "locks", "job", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
     # The command also serves the simulator to others, without a port.
-    Rule("tools", ("job", "journal", "locks", "iphone-IOPort", "logging", "backends", "discovery", "platform", "render",
+    Rule("tools", ("job", "journal", "locks", "iphone-IOPort", "logging", "text", "backends", "discovery", "platform", "render",
                    "simulator", "tools/process", PUBLIC), EVERY_SYSTEM_HEADER),
     Rule("tools/process", (), EVERY_SYSTEM_HEADER),
     # The print system's door to the same jobs: it knows no printer of its own.
-    Rule("tools/printer-app", ("render", "job", "journal", "locks", "iphone-IOPort", "logging", "backends", "discovery",
+    Rule("tools/printer-app", ("render", "job", "journal", "locks", "iphone-IOPort", "text", "backends", "discovery",
                                "platform", PUBLIC), EVERY_SYSTEM_HEADER),
-    Rule("tools/cups-backend", ("job", "journal", "locks", "iphone-IOPort", "logging", "backends", "discovery", "platform",
-                                "tools/process", PUBLIC), EVERY_SYSTEM_HEADER),
+    Rule("tools/cups-backend", ("job", "journal", "locks", "iphone-IOPort", "logging", "text", "backends", "discovery",
+                                "platform", "tools/process", PUBLIC), EVERY_SYSTEM_HEADER),
 )
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')

@@ -7,7 +7,7 @@
 #include "backends/DeviceSpec.h"
 #include "backends/Schemes.h"
 #include "backends/SpecText.h"
-#include "logging/Quoted.h"
+#include "text/Quoted.h"
 #include "tools/cups-backend/Escapes.h"
 
 namespace quordalvane::cups {

@@ -3,6 +3,8 @@
 #include <charconv>
 #include <stdexcept>
 
+#include "text/Hex.h"
+
 namespace quordalvane::cups {
 namespace {
 
@@ -48,14 +50,13 @@ std::string deviceTextOf(std::string_view piece, const std::function<bool(char)>
 }
 
 std::string uriTextOf(std::string_view text, const std::function<bool(char)>& isPlain) {
-  constexpr std::string_view digits = "0123456789ABCDEF";
   std::string uri;
   for (const char c : text) {
     if (isLetterOrDigit(c) || isPlain(c)) {
       uri += c;
     } else {
       const auto code = static_cast<unsigned char>(c);
-      uri += {'%', digits[code >> 4U], digits[code & 0xfU]};
+      uri += {'%', upperCaseHexDigits[code >> 4U], upperCaseHexDigits[code & 0xfU]};
     }
   }
   return uri;

@@ -7,7 +7,7 @@
 #include "backends/DeviceIdentity.h"
 #include "backends/Devices.h"
 #include "locks/DeviceLock.h"
-#include "logging/Quoted.h"
+#include "text/Quoted.h"
 #include "tools/cups-backend/DeviceId.h"
 
 namespace quordalvane::cups {

@@ -4,7 +4,7 @@
 #include <iterator>
 
 #include "logging/DescriptorOutput.h"
-#include "logging/PrintableText.h"
+#include "text/PrintableText.h"
 
 namespace quordalvane::cups {
 namespace {

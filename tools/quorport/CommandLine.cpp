@@ -7,7 +7,7 @@
 #include <sstream>
 #include <utility>
 
-#include "logging/Quoted.h"
+#include "text/Quoted.h"
 #include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/HelpTexts.h"
 #include "tools/quorport/Joined.h"

@@ -1,5 +1,5 @@
 #include "discovery/Discovery.h"
-#include "logging/Quoted.h"
+#include "text/Quoted.h"
 #include "tools/quorport/Commands.h"
 #include "tools/quorport/Report.h"
 

@@ -1,14 +1,13 @@
 #include "tools/quorport/Hex.h"
 
-#include "logging/Hex.h"
+#include "text/Hex.h"
 
 namespace quordalvane::tool {
 
 std::string hexOf(std::span<const std::uint8_t> bytes) {
   std::string text;
   for (const std::uint8_t byte : bytes) {
-    text += hexDigits[byte >> 4U];
-    text += hexDigits[byte & 0xfU];
+    appendHex(text, byte);
   }
   return text;
 }

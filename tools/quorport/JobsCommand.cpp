@@ -3,7 +3,7 @@
 
 #include "job/Words.h"
 #include "journal/Journal.h"
-#include "logging/Quoted.h"
+#include "text/Quoted.h"
 #include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/Commands.h"
 #include "tools/quorport/Report.h"

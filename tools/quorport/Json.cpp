@@ -2,7 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "logging/Quoted.h"
+#include "text/Quoted.h"
 
 namespace quordalvane::tool {
 

@@ -1,6 +1,6 @@
 #include <string>
 
-#include "logging/Quoted.h"
+#include "text/Quoted.h"
 #include "tools/quorport/Commands.h"
 #include "tools/quorport/Printer.h"
 #include "tools/quorport/Report.h"

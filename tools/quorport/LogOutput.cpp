@@ -7,8 +7,8 @@
 #include "iphone-IOPort/LogWriter.h"
 #include "logging/DescriptorOutput.h"
 #include "logging/JsonFileSink.h"
-#include "logging/Quoted.h"
 #include "logging/RecordText.h"
+#include "text/Quoted.h"
 #include "tools/quorport/CommandFailure.h"
 
 namespace quordalvane::tool {

@@ -6,7 +6,7 @@
 
 #include "job/Advice.h"
 #include "journal/NamedJob.h"
-#include "logging/Quoted.h"
+#include "text/Quoted.h"
 #include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/Report.h"
 

@@ -6,7 +6,7 @@
 #include "job/Advice.h"
 #include "job/PrintJob.h"
 #include "job/Words.h"
-#include "logging/Quoted.h"
+#include "text/Quoted.h"
 #include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/Commands.h"
 #include "tools/quorport/LiveLine.h"

@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "logging/Quoted.h"
+#include "text/Quoted.h"
 #include "tools/process/WholeInput.h"
 #include "tools/quorport/CommandFailure.h"
 

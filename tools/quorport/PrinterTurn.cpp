@@ -6,7 +6,7 @@
 #include "backends/DeviceIdentity.h"
 #include "job/Words.h"
 #include "locks/DeviceLock.h"
-#include "logging/Quoted.h"
+#include "text/Quoted.h"
 #include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/Streams.h"
 

@@ -1,7 +1,7 @@
 // The commands that are one exchange with the printer, but for the status.
 
 #include "job/Words.h"
-#include "logging/Quoted.h"
+#include "text/Quoted.h"
 #include "tools/quorport/Commands.h"
 #include "tools/quorport/Hex.h"
 #include "tools/quorport/Printer.h"

@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "backends/virtual/VirtualAccessory.h"
-#include "logging/Quoted.h"
 #include "simulator/TextRendering.h"
 #include "simulator/drawing/ImageRendering.h"
+#include "text/Quoted.h"
 #include "tools/quorport/CommandFailure.h"
 
 namespace quordalvane::tool {

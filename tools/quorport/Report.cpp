@@ -1,7 +1,7 @@
 #include "tools/quorport/Report.h"
 
 #include "logging/DescriptorOutput.h"
-#include "logging/Quoted.h"
+#include "text/Quoted.h"
 
 namespace quordalvane::tool {
 

@@ -13,7 +13,7 @@
 
 #include "backends/Devices.h"
 #include "iphone-IOPort/LogWriter.h"
-#include "logging/Quoted.h"
+#include "text/Quoted.h"
 #include "tools/process/Signals.h"
 #include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/CommandLine.h"

@@ -3,8 +3,8 @@
 #include <string_view>
 #include <utility>
 
-#include "logging/Quoted.h"
 #include "simulator/PrinterBuilder.h"
+#include "text/Quoted.h"
 #include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/Commands.h"
 #include "tools/quorport/Report.h"

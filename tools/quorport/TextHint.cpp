@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "logging/Utf8.h"
+#include "text/Utf8.h"
 
 namespace quordalvane::tool {
 namespace {

@@ -3,7 +3,7 @@
 #include <array>
 #include <ctime>
 
-#include "logging/UtcText.h"
+#include "text/UtcText.h"
 
 namespace quordalvane::tool {
 namespace {

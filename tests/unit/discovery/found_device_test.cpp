@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "backends/DeviceSpec.h"
-#include "logging/PrintableText.h"
+#include "text/PrintableText.h"
 
 namespace quordalvane {
 namespace {

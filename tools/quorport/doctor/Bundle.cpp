@@ -12,8 +12,8 @@
 #include <utility>
 
 #include "logging/DescriptorOutput.h"
-#include "logging/Quoted.h"
 #include "logging/RecordText.h"
+#include "text/Quoted.h"
 #include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/TimeText.h"
 

@@ -9,7 +9,7 @@
 #include "backends/DeviceSpec.h"
 #include "backends/Devices.h"
 #include "backends/Schemes.h"
-#include "logging/Quoted.h"
+#include "text/Quoted.h"
 #include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/Hex.h"
 #include "tools/quorport/Printer.h"

@@ -7,7 +7,7 @@
 
 #include "backends/Devices.h"
 #include "backends/Schemes.h"
-#include "logging/Quoted.h"
+#include "text/Quoted.h"
 
 namespace quordalvane::tool {
 namespace {

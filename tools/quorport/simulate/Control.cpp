@@ -5,9 +5,9 @@
 #include <utility>
 #include <vector>
 
-#include "logging/Quoted.h"
 #include "simulator/Faults.h"
 #include "simulator/PrinterState.h"
+#include "text/Quoted.h"
 #include "tools/quorport/Hex.h"
 
 namespace quordalvane::tool {

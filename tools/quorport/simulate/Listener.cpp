@@ -2,7 +2,7 @@
 
 #include <system_error>
 
-#include "logging/Quoted.h"
+#include "text/Quoted.h"
 #include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/simulate/PtyListener.h"
 #include "tools/quorport/simulate/SocketListener.h"

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utility>
 
-#include "logging/Quoted.h"
+#include "text/Quoted.h"
 #include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/Receipt.h"
 

@@ -1,4 +1,4 @@
-#include "logging/PrintableText.h"
+#include "text/PrintableText.h"
 
 #include <gtest/gtest.h>
 

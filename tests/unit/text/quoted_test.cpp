@@ -1,4 +1,4 @@
-#include "logging/Quoted.h"
+#include "text/Quoted.h"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
-#include "logging/PrintableText.h"
+#include "text/PrintableText.h"
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
 
-#include "logging/Hex.h"
-#include "logging/Utf8.h"
+#include "text/Hex.h"
+#include "text/Utf8.h"
 
 namespace quordalvane {
 namespace {
@@ -50,8 +50,7 @@ void appendControl(std::string& out, std::uint32_t codePoint) {
       return;
     default:
       out += "\\u00";
-      out += hexDigits[codePoint >> 4U];
-      out += hexDigits[codePoint & 0xFU];
+      appendHex(out, static_cast<std::uint8_t>(codePoint));
   }
 }
 

@@ -1,8 +1,8 @@
-#include "logging/Quoted.h"
+#include "text/Quoted.h"
 
 #include <cstddef>
 
-#include "logging/PrintableText.h"
+#include "text/PrintableText.h"
 
 namespace quordalvane {
 

@@ -1,4 +1,4 @@
-#include "logging/UtcText.h"
+#include "text/UtcText.h"
 
 #include <array>
 #include <cstddef>

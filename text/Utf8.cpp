@@ -1,4 +1,4 @@
-#include "logging/Utf8.h"
+#include "text/Utf8.h"
 
 namespace quordalvane {
 namespace {

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace quordalvane {
+
+/// The digits of hexadecimal numbers, by their values.
+/// @{
+inline constexpr std::string_view hexDigits = "0123456789abcdef";
+inline constexpr std::string_view upperCaseHexDigits = "0123456789ABCDEF";
+/// @}
+
+constexpr bool isHexDigit(char c) {
+  return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
+
+/// Appends a byte as two digits in lower case.
+inline void appendHex(std::string& out, std::uint8_t byte) {
+  out += {hexDigits[byte >> 4U], hexDigits[byte & 0xFU]};
+}
+
+}  // namespace quordalvane
