@@ -24,8 +24,8 @@ struct AccessoryIdentity {
   /// The protocols that it speaks. A port chooses accessories that speak this one.
   std::vector<std::string> protocolStrings = {"com.quordalvane.receipt"};
 
-  std::string proof;               ///< how its printer confirms jobs; "" if nobody has said so
-  std::string address;             ///< Bluetooth address for the description; may be ""
+  ProofKind proof = ProofKind::Auto;  ///< how its printer confirms jobs; Auto if nobody has said so
+  std::string address;                ///< Bluetooth address for the description; may be ""
   std::uint64_t connectionID = 0;  ///< distinguishes it from the other accessories of the process
 };
 
@@ -41,7 +41,7 @@ class QUOR_EXPORT IdentifiedAccessory : public EAAccessory {
   std::optional<std::string> manufacturer() override { return identity_.manufacturer; }
   std::vector<std::string> protocolStrings() override { return identity_.protocolStrings; }
   std::uint64_t connectionID() override { return identity_.connectionID; }
-  std::string proof() override { return identity_.proof; }
+  ProofKind proof() override { return identity_.proof; }
 
   /// "<accessory 7, address …: name, model …, serial …, maker …>", with the texts that there are.
   std::string description() override;

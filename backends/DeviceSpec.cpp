@@ -7,7 +7,8 @@
 
 #include "backends/Schemes.h"
 #include "backends/SpecText.h"
-#include "logging/Quoted.h"
+#include "text/Hex.h"
+#include "text/Quoted.h"
 
 namespace quordalvane {
 namespace {
@@ -48,10 +49,6 @@ void setMaker(DeviceSpec& spec, const std::string& value) {
   spec.identity.manufacturer = value;
 }
 
-bool isHexDigit(char c) {
-  return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
-}
-
 bool isAddress(std::string_view text) {
   constexpr std::string_view form = "01:23:45:67:89:AB";
   return std::equal(text.begin(), text.end(), form.begin(), form.end(),
@@ -78,11 +75,11 @@ void setId(DeviceSpec& spec, const std::string& value) {
 }
 
 void setProof(DeviceSpec& spec, const std::string& value) {
-  constexpr std::string_view names[] = {"auto", "block", "process-id", "in-order", "none"};
-  if (std::find(std::begin(names), std::end(names), value) == std::end(names)) {
-    refuse("proof=" + inQuotes(value) + ": takes auto, block, process-id, in-order or none");
+  const auto proof = proofNamed(value);
+  if (!proof) {
+    refuse("proof=" + inQuotes(value) + ": takes " + proofNames());
   }
-  spec.identity.proof = value;
+  spec.identity.proof = *proof;
 }
 
 // A key that every scheme takes.

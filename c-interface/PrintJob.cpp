@@ -3,7 +3,6 @@
 
 #include "c-interface/Buffers.h"
 #include "c-interface/Handles.h"
-#include "c-interface/ProofNumbers.h"
 #include "c-interface/SameNumber.h"
 
 using namespace quordalvane;
@@ -23,12 +22,11 @@ static_assert(sameNumber(QUOR_OBSTACLE_NO_PROOF, PrintObstacle::NoProof));
 
 /// Auto leaves the choice to the device, if its text names a proof.
 std::optional<ProofKind> proofOf(std::int32_t number) {
-  for (const ProofNumber& proof : proofNumbers) {
-    if (proof.number == number) {
-      return number == QUOR_PROOF_AUTO ? std::nullopt : std::optional(proof.kind);
-    }
+  const auto proof = proofNumbered(number);
+  if (!proof) {
+    throw CallFailure(QUOR_USAGE, "there is no proof " + std::to_string(number));
   }
-  throw CallFailure(QUOR_USAGE, "there is no proof " + std::to_string(number));
+  return proof == ProofKind::Auto ? std::nullopt : proof;
 }
 
 const PrintResult& resultOf(QuorPrintJob* job) {
@@ -86,7 +84,7 @@ uint64_t quor_print_job_bytes_total(QuorPrintJob* job) {
 }
 
 int32_t quor_print_job_proof(QuorPrintJob* job) {
-  return answered([&] { return numberOf(resultOf(job).proof); });
+  return answered([&] { return static_cast<std::int32_t>(resultOf(job).proof); });
 }
 
 QuorCode quor_print_job_waits_for(QuorPrintJob* job, char* text, size_t capacity, size_t* length) {

@@ -6,7 +6,6 @@
 
 #include "c-interface/Buffers.h"
 #include "c-interface/Handles.h"
-#include "c-interface/ProofNumbers.h"
 
 using namespace quordalvane;
 using namespace quordalvane::c;
@@ -51,7 +50,8 @@ QuorCode quor_printer_button_security_timeout(QuorPort* port, uint32_t* millisec
 }
 
 QuorCode quor_printer_proof(QuorPort* port, int32_t* proof) {
-  return guarded([&] { given(proof, "the proof") = numberOf(inquiry(port).proof()); });
+  return guarded(
+      [&] { given(proof, "the proof") = static_cast<std::int32_t>(inquiry(port).proof()); });
 }
 
 QuorCode quor_printer_drop_all(QuorPort* port) {

@@ -45,7 +45,7 @@ MaybeSetback AutoProof::ask() {
   }
   memory_.foundProof = found.kind;
   // What an earlier search has left owed may still arrive, whatever this one was answered.
-  memory_.mayOweInOrder = memory_.mayOweInOrder || found.owesInOrder;
+  memory_.owed.merge(found.owed);
   return std::nullopt;
 }
 

@@ -35,7 +35,7 @@ ByteView EscPosBlock::request() const {
 /// an earlier job that it will print, so it is asked before.
 MaybeSetback EscPosBlock::prepare() {
   const auto& escPos = answers().escPos();
-  if (memory_.mayOweMarks &&
+  if (memory_.owed.contains(ProofKind::Block) &&
       !hearOut(link(), oneStatusRequest, [&] { return escPos.realTimeCount(); })) {
     return Setback{PrintObstacle::ExchangeFailed,
                    "the printer still owes answers to an earlier job"};
@@ -52,7 +52,7 @@ MaybeSetback EscPosBlock::judgeReadiness() {
 
 MaybeSetback EscPosBlock::markBeginning() {
   report_.clear();
-  memory_.mayOweMarks = true;
+  memory_.owed.insert(ProofKind::Block);
   if (auto setback = exchange(markAndRequest)) {
     return setback;
   }
@@ -74,7 +74,9 @@ MaybeSetback EscPosBlock::end(ByteView data) {
   link().drain();
   report_.clear();
   auto setback = CheckedBlock::end(data);
-  memory_.mayOweMarks = setback.has_value();
+  if (!setback) {
+    memory_.owed.erase(ProofKind::Block);
+  }
   return setback;
 }
 

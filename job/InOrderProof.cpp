@@ -11,10 +11,10 @@ InOrderProof::InOrderProof(PortLink& link, PrintResult& result)
 /// A question before the data: answered at once by a printer that holds nothing.
 MaybeSetback InOrderProof::prepare() {
   const auto count = [this] { return answers().inOrderCount(); };
-  if (memory_.mayOweInOrder && !hearOut(link(), inOrderRequest, count)) {
+  if (memory_.owed.contains(ProofKind::InOrder) && !hearOut(link(), inOrderRequest, count)) {
     return std::nullopt;  // not sure: the job is printed, and not confirmed
   }
-  memory_.mayOweInOrder = true;
+  memory_.owed.insert(ProofKind::InOrder);
   asked_ = count() + 1;
   if (auto setback = link().send(inOrderRequest)) {
     return setback;
@@ -48,7 +48,9 @@ MaybeSetback InOrderProof::end(ByteView data) {
   }
   ++asked_;
   auto setback = askAndAwait(inOrderRequest);
-  memory_.mayOweInOrder = setback.has_value();
+  if (!setback) {
+    memory_.owed.erase(ProofKind::InOrder);
+  }
   return setback;
 }
 

@@ -9,7 +9,7 @@
 #include <quordalvane/QuorIOPort.h>
 
 #include "iphone-IOPort/ZKQuorIOResultCode.h"
-#include "job/ProofKind.h"
+#include "platform/ProofKind.h"
 
 namespace quordalvane {
 

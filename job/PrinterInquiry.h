@@ -13,7 +13,7 @@
 #include <quordalvane/QuorIOPort.h>
 
 #include "iphone-IOPort/ExternalAccessoryPort.h"
-#include "job/ProofKind.h"
+#include "platform/ProofKind.h"
 
 namespace quordalvane {
 

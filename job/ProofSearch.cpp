@@ -43,7 +43,10 @@ MaybeSetback findProof(PortLink& link, const EscPosAnswers& answers, FoundProof&
   if (link.await(isAny, longestSilence)) {
     link.await(isDecided, grace);
   }
-  found = {strongest(), answers.inOrderCount() == before};
+  found.kind = strongest();
+  if (answers.inOrderCount() == before) {
+    found.owed.insert(ProofKind::InOrder);
+  }
   return std::nullopt;
 }
 

@@ -1,15 +1,17 @@
 #pragma once
 
+#include <set>
+
 #include "job/EscPosAnswers.h"
 #include "job/PortLink.h"
-#include "job/ProofKind.h"
+#include "platform/ProofKind.h"
 
 namespace quordalvane {
 
 /// What a printer that was asked for its proof has answered.
 struct FoundProof {
   ProofKind kind = ProofKind::None;  ///< the strongest that it gives
-  bool owesInOrder = true;           ///< the in-order question may still be answered
+  std::set<ProofKind> owed;          ///< those whose questions may still be answered
 };
 
 /// Asks an ESC/POS printer that is on line which proof it gives; nothing of that moves paper. A

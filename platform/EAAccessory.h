@@ -9,6 +9,7 @@
 #include <quordalvane/QuorExport.h>
 
 #include "platform/NSStream.h"
+#include "platform/ProofKind.h"
 
 namespace quordalvane {
 
@@ -57,9 +58,9 @@ class QUOR_EXPORT EAAccessory {
   /// only hands it on. 0 if it has no number.
   virtual std::uint64_t connectionID() = 0;
 
-  /// How its printer confirms print jobs, if its owner has said so: the name of a proof, as print
-  /// jobs know it. "" otherwise. A port does not ask for it.
-  virtual std::string proof() { return ""; }
+  /// How its printer confirms print jobs, if its owner has said so; otherwise `Auto`. A port does
+  /// not ask for it.
+  virtual ProofKind proof() { return ProofKind::Auto; }
 
   /// A text for people that names the accessory and shows its Bluetooth address, if it has one. The
   /// first text in it that looks like an address is taken for the accessory's, so the address

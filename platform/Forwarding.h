@@ -129,7 +129,7 @@ class ForwardingAccessory : public EAAccessory {
   std::optional<std::string> manufacturer() override { return next_->manufacturer(); }
   std::vector<std::string> protocolStrings() override { return next_->protocolStrings(); }
   std::uint64_t connectionID() override { return next_->connectionID(); }
-  std::string proof() override { return next_->proof(); }
+  ProofKind proof() override { return next_->proof(); }
   std::string description() override { return next_->description(); }
   bool isConnected() override { return next_->isConnected(); }
   void noticeLoss() override { next_->noticeLoss(); }

@@ -46,6 +46,12 @@ def settings() -> list[str]:
     return sorted(f"{key}=" for key in {*state, *faults, "seed"})
 
 
+def proofs() -> list[str]:
+    """As `print` names them if it is given another."""
+    refusal = subprocess.run([QUORPORT, "print", "--proof", "nonsense", "-"], capture_output=True, text=True, input="")
+    return re.split(", | or ", re.search(r"takes (auto, .*), not", refusal.stderr).group(1))
+
+
 class Manual(ProgramTest):
     def text(self) -> str:
         rendered = self.run_program("groff", "-man", "-ww", "-Tutf8", "-P-c", MANUAL)
@@ -95,7 +101,7 @@ class BashCompletion(ProgramTest):
 
     def test_it_offers_the_values_that_the_help_lists(self):
         self.assertEqual(self.offered("quorport -e "), ["line", "escpos", "unknown"])
-        self.assertEqual(self.offered("quorport print --proof "), ["auto", "block", "process-id", "in-order", "none"])
+        self.assertEqual(self.offered("quorport print --proof "), proofs())
         self.assertEqual(self.offered("quorport simulate --per "), ["cut", "job", "connection"])
 
     def test_it_offers_the_schemes_of_devices(self):
@@ -139,7 +145,7 @@ class ZshCompletion(ProgramTest):
     def test_it_offers_values(self):
         self.assertEqual(sorted(self.values("--device", "list")), schemes())
         self.assertEqual(self.values("--emulation", "list"), ["line", "escpos", "unknown"])
-        self.assertEqual(self.values("--proof", "print"), ["auto", "block", "process-id", "in-order", "none"])
+        self.assertEqual(self.values("--proof", "print"), proofs())
         self.assertEqual(self.values("--listen", "simulate"), ["tcp:", "unix:", "pty:"])
         self.assertEqual(sorted(self.values("--set", "simulate")), settings())
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "iphone-IOPort/ExternalAccessoryPort.h"
-#include "job/ProofKind.h"
+#include "platform/ProofKind.h"
 #include "simulator/PrinterState.h"
 
 namespace quordalvane::simulation {

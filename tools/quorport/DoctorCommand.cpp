@@ -1,7 +1,7 @@
 #include <optional>
 
-#include "job/ProofTexts.h"
-#include "logging/Quoted.h"
+#include "platform/ProofKind.h"
+#include "text/Quoted.h"
 #include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/Commands.h"
 #include "tools/quorport/Joined.h"

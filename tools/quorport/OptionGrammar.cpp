@@ -7,8 +7,8 @@
 #include <map>
 #include <utility>
 
-#include "job/ProofTexts.h"
-#include "logging/Quoted.h"
+#include "platform/ProofKind.h"
+#include "text/Quoted.h"
 #include "tools/quorport/HelpTexts.h"
 #include "tools/quorport/JournalGrammar.h"
 #include "tools/quorport/RenderGrammar.h"

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "iphone-IOPort/enum.h"
-#include "job/ProofKind.h"
+#include "platform/ProofKind.h"
 #include "tools/quorport/RenderOptions.h"
 
 namespace quordalvane::tool {

@@ -1,7 +1,7 @@
 #include "tools/quorport/SchemeHelp.h"
 
 #include "backends/Schemes.h"
-#include "job/ProofTexts.h"
+#include "platform/ProofKind.h"
 
 namespace quordalvane::tool {
 namespace {

@@ -9,7 +9,7 @@
 #include "backends/HostAndPort.h"
 #include "backends/Schemes.h"
 #include "backends/posix/UsbPrinters.h"
-#include "logging/PrintableText.h"
+#include "text/PrintableText.h"
 
 namespace quordalvane {
 namespace {
@@ -71,7 +71,7 @@ TEST(DeviceSpec, TakesTheTextsOfTheAccessory) {
   EXPECT_THAT(spec.identity.protocolStrings, ElementsAre("a.b"));
   EXPECT_EQ(spec.identity.address, "01:23:45:67:89:ab");
   EXPECT_EQ(spec.id, 9U);
-  EXPECT_EQ(spec.identity.proof, "in-order");
+  EXPECT_EQ(spec.identity.proof, ProofKind::InOrder);
 }
 
 TEST(DeviceSpec, TakesTheSameKeysOnEveryScheme) {
@@ -94,9 +94,10 @@ TEST(DeviceSpec, TakesNoAddressThatCouldNeverBeFound) {
 }
 
 TEST(DeviceSpec, TakesTheNamesOfProofsAlone) {
-  EXPECT_EQ(parseDeviceSpec("unix:p").identity.proof, "");
-  for (const char* right : {"auto", "block", "process-id", "in-order", "none"}) {
-    EXPECT_EQ(parseDeviceSpec("unix:p,proof="s + right).identity.proof, right);
+  EXPECT_EQ(parseDeviceSpec("unix:p").identity.proof, ProofKind::Auto);
+  for (const ProofWords& proof : proofWords) {
+    EXPECT_EQ(parseDeviceSpec("unix:p,proof=" + std::string(proof.name)).identity.proof,
+              proof.kind);
   }
   for (const char* wrong : {"", "Block", "process", "all"}) {
     EXPECT_THAT(failure("unix:p,proof="s + wrong),

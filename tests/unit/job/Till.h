@@ -40,7 +40,7 @@ class Till {
     ZKEmulation emulation = ZKEmulationQuorLine;
     std::string portSettings = {};
     std::uint32_t timeoutMillis = 10000;
-    std::string proof = {};  ///< of the device
+    ProofKind proof = ProofKind::Auto;  ///< of the device
   };
 
   Till(simulator::PrinterBuilder printer, Setting setting)
@@ -93,7 +93,7 @@ class Till {
     return bytes;
   }
 
-  static AccessoryIdentity identityWith(const std::string& proof) {
+  static AccessoryIdentity identityWith(ProofKind proof) {
     AccessoryIdentity identity;
     identity.proof = proof;
     return identity;

@@ -98,7 +98,7 @@ TEST(NoChosenProof, IsNotAskedForOfAPrinterThatIsNotReady) {
 
 TEST(NamedProof, OfTheDeviceSavesTheQuestion) {
   Till till(printerWith("process-id+in-order"),
-            {.emulation = ZKEmulationESCPOS, .proof = "in-order"});
+            {.emulation = ZKEmulationESCPOS, .proof = ProofKind::InOrder});
   const PrintResult result = PrintJob(till.port).run(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Printed) << result.reason;
   EXPECT_EQ(result.proof, ProofKind::InOrder);
@@ -107,7 +107,7 @@ TEST(NamedProof, OfTheDeviceSavesTheQuestion) {
 
 TEST(NamedProof, OfTheJobBeatsThatOfTheDevice) {
   Till till(printerWith("process-id+in-order"),
-            {.emulation = ZKEmulationESCPOS, .proof = "in-order"});
+            {.emulation = ZKEmulationESCPOS, .proof = ProofKind::InOrder});
   EXPECT_EQ(PrintJob(till.port, {.proof = ProofKind::ProcessId}).run(receiptText).proof,
             ProofKind::ProcessId);
   const PrintResult asked = PrintJob(till.port, {.proof = ProofKind::Auto}).run(receiptText);
@@ -116,7 +116,7 @@ TEST(NamedProof, OfTheJobBeatsThatOfTheDevice) {
 }
 
 TEST(NamedProof, OfNoneLeavesThePrinterUnasked) {
-  Till till(printerWith("block"), {.emulation = ZKEmulationESCPOS, .proof = "none"});
+  Till till(printerWith("block"), {.emulation = ZKEmulationESCPOS, .proof = ProofKind::None});
   const PrintResult result = PrintJob(till.port).run(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
   EXPECT_EQ(result.proof, ProofKind::None);

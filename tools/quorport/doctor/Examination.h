@@ -7,7 +7,7 @@
 #include <quordalvane/QuorIOPort.h>
 
 #include "iphone-IOPort/enum.h"
-#include "job/ProofKind.h"
+#include "platform/ProofKind.h"
 #include "tools/quorport/Commands.h"
 #include "tools/quorport/LiveLine.h"
 #include "tools/quorport/Options.h"
