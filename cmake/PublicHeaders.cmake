@@ -21,12 +21,10 @@ set(QUOR_PUBLIC_HEADERS
   job/PrintJob.h
   job/PrintResult.h
   job/PrinterInquiry.h
-  job/ProofKind.h
   logging/CallbackSink.h
   logging/JsonFileSink.h
   logging/LogRecord.h
   logging/LogSink.h
-  logging/PrintableText.h
   logging/RecordText.h
   logging/RotatingFile.h
   logging/StandardErrorSink.h
@@ -36,8 +34,15 @@ set(QUOR_PUBLIC_HEADERS
   platform/NSRunLoop.h
   platform/NSStream.h
   platform/NSThread.h
-  platform/Platform.h)
+  platform/Platform.h
+  platform/ProofKind.h
+  text/PrintableText.h)
 set(QUOR_PUBLIC_C_HEADERS
+  include/quordalvane/QuorCodeC.h
   include/quordalvane/QuorExport.h
   include/quordalvane/QuorIOPort.h
-  include/quordalvane/QuorIOPortC.h)
+  include/quordalvane/QuorIOPortC.h
+  include/quordalvane/QuorLogC.h
+  include/quordalvane/QuorPortC.h
+  include/quordalvane/QuorPrintJobC.h
+  include/quordalvane/QuorProof.h)

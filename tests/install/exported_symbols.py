@@ -1,10 +1,10 @@
-"""A library exports the names in its list and no others. Usage: exported_symbols.py LIST HEADER LIBRARY
+"""A library exports the names in its list and no others. Usage: exported_symbols.py LIST LIBRARY HEADER …
 
 Names that are marked QUOR_EXPORT are exported. The list shows each change of them: a name that is removed breaks
-programs that are built already. HEADER is that of the library for C. After a change that is meant, write the
-list anew with
+programs that are built already. A HEADER declares names of the library for C. After a change that is meant,
+write the list anew with
 
-    tests/install/exported_symbols.py --write LIST HEADER LIBRARY
+    tests/install/exported_symbols.py --write LIST LIBRARY
 """
 
 import re
@@ -24,25 +24,25 @@ def exported(library: Path) -> list[str]:
     return [name if name == meaning else f"{name}  # {meaning}" for name, meaning in zip(names, meanings, strict=True)]
 
 
-def declared_for_c(header: Path) -> set[str]:
-    return set(re.findall(r"^QUOR_EXPORT [^;(]*\b(\w+)\(", header.read_text(), re.M))
+def declared_for_c(headers: list[Path]) -> set[str]:
+    return {name for header in headers for name in re.findall(r"^QUOR_EXPORT [^;(]*\b(\w+)\(", header.read_text(), re.M)}
 
 
-def objections(names: Path, header: Path, library: Path) -> list[str]:
-    agreed, there, for_c = set(names.read_text().splitlines()), set(exported(library)), declared_for_c(header)
+def objections(names: Path, library: Path, headers: list[Path]) -> list[str]:
+    agreed, there, for_c = set(names.read_text().splitlines()), set(exported(library)), declared_for_c(headers)
     found = [f"is missing: {name}" for name in sorted(agreed - there)]
     found += [f"is exported and not listed: {name}" for name in sorted(there - agreed)]
     found += [f"is declared for C and not exported: {name}" for name in sorted(for_c - there)]
-    return found or ([] if for_c else ["the C header declares nothing"])
+    return found or ([] if for_c else ["the headers for C declare nothing"])
 
 
 def main(arguments: list[str]) -> int:
     writes = arguments[:1] == ["--write"]
-    names, header, library = map(Path, arguments[1:] if writes else arguments)
+    names, library, *headers = map(Path, arguments[1:] if writes else arguments)
     if writes:
         names.write_text("\n".join(exported(library)) + "\n")
         return 0
-    complaints = objections(names, header, library)
+    complaints = objections(names, library, headers)
     print("\n".join(complaints + ([__doc__.strip()] if complaints else [])))
     return 1 if complaints else 0
 
