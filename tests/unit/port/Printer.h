@@ -10,6 +10,8 @@ namespace quordalvane::test {
 
 inline const Bytes lineRequest = bytes("1b 2a 72 42 1b 1d 03 04 00 00 1b 06 01");
 inline const Bytes shortRequest = bytes("1b 06 01");
+inline const Bytes lineCounterReset = bytes("1b 1e 45 00");
+inline const Bytes lineEtb = bytes("17 17");
 inline const Bytes escPosCounterReset = bytes("1b 1d 03 02 00 00");
 inline const Bytes dataCancel = bytes("1b 1d 03 03 00 00");
 inline const Bytes dataCancelEnd = bytes("1b 1d 03 04 00 00");

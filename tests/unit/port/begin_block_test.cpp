@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "tests/unit/port/Printer.h"
+#include "tests/unit/port/Steps.h"
 
 namespace quordalvane::test {
 namespace {
@@ -13,17 +13,8 @@ TEST(BeginBlockInLineMode, TakesAllStepsWithoutASleep) {
   const Outcome run = scenario.run(beginCheckedBlock(5));
   EXPECT_EQ(run.result, "true");
   EXPECT_EQ(run.caller.resultCode, 0);
-  EXPECT_EQ(run.wire(), text(R"(
-    slice for input 0.1
-    output.write <1b 2a 72 42 1b 1d 03 04 00 00 1b 06 01> -> 13
-    input.read 128 -> <89 01 00 00 00 00 00 00 05>
-    output.write <1b 1e 45 00> -> 4
-    slice for input 0.1
-    output.write <1b 2a 72 42 1b 1d 03 04 00 00 1b 06 01> -> 13
-    input.read 128 -> <89 01 00 00 00 00 00 00 05>
-    output.write <1b 1d 03 05 01 0a> -> 6
-    output.write <1b 1d 03 03 00 00> -> 6
-  )"));
+  EXPECT_EQ(run.wire(), lineStatusAsked() + written(lineCounterReset) + lineStatusAsked() +
+                            written(bytes("1b 1d 03 05 01 0a")) + written(dataCancel));
   EXPECT_EQ(run.records(method), text(R"(
     Start | <status>, 5
     Process | p_emulation: 1
@@ -95,8 +86,7 @@ TEST(BeginBlockInLineMode, LooksAtTheConnectionBeforeTheWaitsFirstStatus) {
   const Outcome run = scenario.run(beginCheckedBlock());
   EXPECT_EQ(run.result, "false");
   EXPECT_EQ(run.caller.resultCode, -1);
-  EXPECT_TRUE(
-      run.records(method).ends_with("Error | self.isConnected: 0\nEnd | <status>, 5, -> 0\n"));
+  EXPECT_THAT(run.records(method), failedBy("self.isConnected: 0"));
 }
 
 TEST(BeginBlockInLineMode, LogsTheConnectionOfALostLinkByAFreshQuestion) {
@@ -107,9 +97,7 @@ TEST(BeginBlockInLineMode, LogsTheConnectionOfALostLinkByAFreshQuestion) {
   scenario.script.saysConnected(answers);
   const Outcome run = scenario.run(beginCheckedBlock());
   EXPECT_EQ(run.result, "false") << run.all();
-  EXPECT_TRUE(
-      run.records(method).ends_with("Error | self.isConnected: 1\nEnd | <status>, 5, -> 0\n"))
-      << run.records(method);
+  EXPECT_THAT(run.records(method), failedBy("self.isConnected: 1"));
 }
 
 TEST(BeginBlockInLineMode, WaitsUntilTheCounterIs0) {
@@ -127,10 +115,7 @@ TEST(BeginBlockInLineMode, FailsWhenTheCounterIsNot0WithinTheTimeout) {
   const Outcome run = lineModePrinter(lineStatus({}, 1), 1000).run(beginCheckedBlock());
   EXPECT_EQ(run.result, "false");
   EXPECT_EQ(run.caller.resultCode, -1);
-  EXPECT_TRUE(run.records(method).ends_with(
-      "Error | end.tv_sec - start.tv_sec > waitTimeout, 1000002, 1000000, 1\n"
-      "End | <status>, 5, -> 0\n"))
-      << run.records(method);
+  EXPECT_THAT(run.records(method), timedOut("waitTimeout", 1, 2));
 }
 
 TEST(BeginBlockInLineMode, FailsWithItsOwnCodeWhenPaperRemainsPastTheHoldPrintTimeout) {
@@ -139,10 +124,7 @@ TEST(BeginBlockInLineMode, FailsWithItsOwnCodeWhenPaperRemainsPastTheHoldPrintTi
   const Outcome run = scenario.run(beginCheckedBlock());
   EXPECT_EQ(run.result, "false");
   EXPECT_EQ(run.caller.resultCode, -3);
-  EXPECT_TRUE(run.records(method).ends_with(
-      "Error | end.tv_sec - start.tv_sec > waitTimeout, 1000003, 1000000, 2\n"
-      "End | <status>, 5, -> 0\n"))
-      << run.records(method);
+  EXPECT_THAT(run.records(method), timedOut("waitTimeout", 2, 3));
 }
 
 TEST(BeginBlockInLineMode, SucceedsWhenThePaperIsTakenInTime) {
@@ -168,8 +150,7 @@ TEST(BeginBlockInLineMode, ChoosesTheLimitAnewInEachPass) {
   EXPECT_EQ(run.result, "false");
   EXPECT_EQ(run.caller.resultCode, -1)
       << "the paper was taken late, and the counter was not 0 then";
-  EXPECT_NE(run.records(method).find("> waitTimeout, 1000003, 1000000, 1\n"), std::string::npos)
-      << run.records(method);
+  EXPECT_THAT(run.records(method), timedOut("waitTimeout", 1, 3));
 }
 
 TEST(BeginBlockInLineMode, IsEndedWithoutErrorByAPrinterThatBecomesOffLine) {
@@ -200,10 +181,7 @@ TEST(BeginBlockInLineMode, FailsWhenTheStatusKeepsFailingPastTheTimeout) {
   const Outcome run = scenario.run(beginCheckedBlock());
   EXPECT_EQ(run.result, "false");
   EXPECT_EQ(run.caller.resultCode, -1);
-  EXPECT_TRUE(run.records(method).ends_with(
-      "Error | end.tv_sec - start.tv_sec > timeoutSec, 1000006, 1000000, 3\n"
-      "End | <status>, 5, -> 0\n"))
-      << run.records(method);
+  EXPECT_THAT(run.records(method), timedOut("timeoutSec", 3, 6));
 }
 
 TEST(BeginBlockInLineMode, TimesTheWaitFromTheReset) {
@@ -211,8 +189,7 @@ TEST(BeginBlockInLineMode, TimesTheWaitFromTheReset) {
   scenario.script.whenAsked(lineRequest, {{lineStatus(), 1.4}})
       .wheneverAsked(lineRequest, whole(lineStatus({}, 1)));
   const Outcome run = scenario.run(beginCheckedBlock());
-  EXPECT_NE(run.records(method).find("> waitTimeout, 1000003, 1000001, 1\n"), std::string::npos)
-      << run.records(method);
+  EXPECT_THAT(run.records(method), timedOut("waitTimeout", 1, 3, 1));
 }
 
 TEST(BeginBlockInLineMode, HasALimitOf0SecondsBelow1000Milliseconds) {
@@ -220,7 +197,7 @@ TEST(BeginBlockInLineMode, HasALimitOf0SecondsBelow1000Milliseconds) {
   scenario.script.startsPastTheSecond(600000);
   const Outcome run = scenario.run(beginCheckedBlock());
   EXPECT_EQ(run.caller.resultCode, -1);
-  EXPECT_NE(run.records(method).find("> waitTimeout, 1000001, 1000000, 0\n"), std::string::npos);
+  EXPECT_THAT(run.records(method), timedOut("waitTimeout", 0, 1));
 }
 
 TEST(BeginBlockInLineMode, IsNotTimedOutByAClockThatStepsBack) {
@@ -247,7 +224,7 @@ TEST_P(BeginBlock, SendsNoDataTimeoutWhenThatIsNegative) {
     const Outcome run = scenario.run(beginCheckedBlock());
     EXPECT_EQ(run.result, "true");
     EXPECT_EQ(run.wire().find("1b 1d 03 05"), std::string::npos);
-    EXPECT_TRUE(run.wire().ends_with("output.write <1b 1d 03 03 00 00> -> 6\n"));
+    EXPECT_TRUE(run.wire().ends_with(written(dataCancel)));
     EXPECT_EQ(run.records(method).find("dataTimeoutSeconds"), std::string::npos);
   }
 }
@@ -285,9 +262,8 @@ TEST_P(BeginBlock, FailsWhenTheDataCancelCannotBeSent) {
   const Outcome run = scenario.run(beginCheckedBlock());
   EXPECT_EQ(run.result, "false");
   EXPECT_EQ(run.caller.resultCode, -1);
-  EXPECT_TRUE(run.records(method).ends_with(
-      "Error | Fail to [self writeWithRetry:dataCancelCommand]: <self>, <address>\n"
-      "End | <status>, 5, -> 0\n"));
+  EXPECT_THAT(run.records(method),
+              failedBy("Fail to [self writeWithRetry:dataCancelCommand]: <self>, <address>"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Emulation, BeginBlock, testing::Values(lineMode, escPos));
@@ -296,18 +272,7 @@ TEST(BeginBlockInEscPos, TakesAllSteps) {
   const Outcome run = escPosPrinter().run(beginCheckedBlock(5));
   EXPECT_EQ(run.result, "true");
   EXPECT_EQ(run.caller.resultCode, 0);
-  EXPECT_EQ(run.wire(), text(R"(
-    output.write <1b 1d 03 02 00 00> -> 6
-    slice for input 0.1
-    output.write <1b 1d 03 04 00 00> -> 6
-    output.write <10 04 01> -> 3
-    input.read 1 -> <12>
-    output.write <10 04 02> -> 3
-    input.read 1 -> <12>
-    output.write <10 04 04> -> 3
-    input.read 1 -> <12>
-    output.write <1b 1d 03 03 00 00> -> 6
-  )"));
+  EXPECT_EQ(run.wire(), written(escPosCounterReset) + escPosStatusAsked() + written(dataCancel));
   EXPECT_EQ(run.records("getParsedStatus:level:").substr(0, 20), "Start | <status>, 5\n");
 }
 
@@ -330,8 +295,7 @@ TEST(BeginBlockInEscPos, FailsWhenTheLinkIsLostAfterTheReset) {
   const Outcome run = scenario.run(beginCheckedBlock());
   EXPECT_EQ(run.result, "false");
   EXPECT_EQ(run.caller.resultCode, -1);
-  EXPECT_TRUE(
-      run.records(method).ends_with("Error | self.isConnected: 0\nEnd | <status>, 5, -> 0\n"));
+  EXPECT_THAT(run.records(method), failedBy("self.isConnected: 0"));
 }
 
 TEST(BeginBlockInEscPos, AsksForTheLostConnectionOnlyOnce) {
@@ -339,8 +303,7 @@ TEST(BeginBlockInEscPos, AsksForTheLostConnectionOnlyOnce) {
   scenario.script.saysConnected({true, true, false, true});
   const Outcome run = scenario.run(beginCheckedBlock());
   EXPECT_EQ(run.result, "false");
-  EXPECT_TRUE(
-      run.records(method).ends_with("Error | self.isConnected: 0\nEnd | <status>, 5, -> 0\n"));
+  EXPECT_THAT(run.records(method), failedBy("self.isConnected: 0"));
 }
 
 TEST(BeginBlockInEscPos, LetsAnExceptionOfTheStatusPass) {
@@ -356,9 +319,8 @@ TEST(BeginBlockInEscPos, FailsWhenTheCounterCannotBeReset) {
   scenario.script.isLost();
   const Outcome run = scenario.run(beginCheckedBlock());
   EXPECT_EQ(run.result, "false");
-  EXPECT_TRUE(run.records(method).ends_with(
-      "Error | Fail to [self writeWithRetry:etbResetCommand]: <self>, <address>\n"
-      "End | <status>, 5, -> 0\n"));
+  EXPECT_THAT(run.records(method),
+              failedBy("Fail to [self writeWithRetry:etbResetCommand]: <self>, <address>"));
 }
 
 TEST(BeginBlockOfAnUnknownEmulation, TakesTheStepsOfEscPos) {

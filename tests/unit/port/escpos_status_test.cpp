@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "tests/unit/port/Printer.h"
+#include "tests/unit/port/Steps.h"
 
 namespace quordalvane::test {
 namespace {
@@ -12,16 +12,7 @@ const std::string method = "getParsedStatus:level:";
 TEST(EscPosStatus, AsksThreeQueriesInAFixedOrderAndLogsEveryStep) {
   const Outcome run = escPosPrinter("12", "16", "72").run(getParsedStatus(9));
   EXPECT_EQ(run.result, "true");
-  EXPECT_EQ(run.wire(), text(R"(
-    slice for input 0.1
-    output.write <1b 1d 03 04 00 00> -> 6
-    output.write <10 04 01> -> 3
-    input.read 1 -> <12>
-    output.write <10 04 02> -> 3
-    input.read 1 -> <16>
-    output.write <10 04 04> -> 3
-    input.read 1 -> <72>
-  )"));
+  EXPECT_EQ(run.wire(), escPosStatusAsked("12", "16", "72"));
   EXPECT_EQ(run.records(method), text(R"(
     Start | <status>, 9
     Process | p_emulation: 2

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "tests/unit/port/Printer.h"
+#include "tests/unit/port/Steps.h"
 
 namespace quordalvane::test {
 namespace {
@@ -15,11 +15,7 @@ TEST(LineStatus, IsAskedForWithOneRequestAndLogsEveryStep) {
   EXPECT_EQ(run.result, "true");
   EXPECT_EQ(run.caller.status.etbCounter, 3);
   EXPECT_EQ(run.caller.status.rawLength, 9U);
-  EXPECT_EQ(run.wire(), text(R"(
-    slice for input 0.1
-    output.write <1b 2a 72 42 1b 1d 03 04 00 00 1b 06 01> -> 13
-    input.read 128 -> <89 01 00 00 00 00 03 00 05>
-  )"));
+  EXPECT_EQ(run.wire(), lineStatusAsked(lineStatus({}, 3)));
   EXPECT_EQ(run.records(method), text(R"(
     Start | <status>, 9
     Process | p_emulation: 1
