@@ -34,7 +34,7 @@ namespace quordalvane {
 /// `serial:` also takes `baud`, `bits`, `parity`, `stop` and `flow`; `virtual:` takes the printer's
 /// own keys. Only `protocol` and the printer's own keys may be given more than once. A value may be
 /// empty, and is then the empty text. `address` takes six pairs of hex digits joined by colons,
-/// `proof` the name of a proof: `auto`, `block`, `process-id`, `in-order` or `none`.
+/// `proof` the name of a proof, as `nameOf` gives it.
 ///
 /// A backslash takes the character after it as it is: `\,` is a comma inside a place or a value,
 /// `\\` a backslash.

@@ -25,8 +25,8 @@ struct Discovery {
 
 /// Finds the devices that could be printers: USB printers, paired Bluetooth printers, printers that
 /// announce themselves on the network, and serial lines, in this order. Opens none of them and
-/// sends nothing to any of them. It takes as long as it listens to the network, two seconds, and no
-/// longer than that for Bluetooth.
+/// sends nothing to any of them. Takes two seconds, in which it listens to the network; the search
+/// for Bluetooth printers has the same limit.
 ///
 ///     for (const FoundDevice& found : discoverDevices().devices) {
 ///       std::cout << found.device << " is " << found.name << "\n";

@@ -1,13 +1,13 @@
 #include "discovery/FoundDevice.h"
 
-#include "logging/PrintableText.h"
+#include "text/PrintableText.h"
 
 namespace quordalvane {
 namespace {
 
 constexpr std::size_t longest = 100;
 
-// The most bytes of valid UTF-8 up to `longest` that end with a whole character.
+// How many bytes of a text in valid UTF-8, at most `longest`, end with a whole character.
 std::size_t wholeCharacters(std::string_view text) {
   std::size_t end = longest;
   while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xc0U) == 0x80U) {

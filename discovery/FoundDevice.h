@@ -12,8 +12,8 @@ enum class Via { Usb, Bluetooth, Network, Serial };
 /// "usb", "bluetooth", "network" or "serial".
 std::string_view nameOf(Via via);
 
-/// A device that could be a printer. Its texts about itself are the device's own and so may be
-/// lies, but they are short, valid UTF-8 and without control characters.
+/// A device that could be a printer. The device itself gives its texts, so they may be wrong; but
+/// they are short, valid UTF-8 and without control characters.
 struct FoundDevice {
   std::string device;        ///< the text that `parseDeviceSpec` takes
   std::string name;          ///< the name that it has, or a description; never empty

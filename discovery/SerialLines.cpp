@@ -37,7 +37,7 @@ bool hasHardware(const fs::path& entry) {
   return fs::exists(entry / "device", error) && lineOf(entry / "type") != noHardware;
 }
 
-// The folder of the USB device that the line is part of; empty if it is of none.
+// The folder of the USB device that the line is part of; empty if it is part of none.
 fs::path usbDeviceOf(const fs::path& entry) {
   std::error_code error;
   fs::path folder = fs::canonical(entry / "device", error);

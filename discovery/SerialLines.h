@@ -7,15 +7,15 @@
 
 namespace quordalvane {
 
-/// The places of the system where serial lines show; a test has its own.
+/// The folders in which the system lists serial lines; a test has its own.
 struct SerialRoots {
   std::filesystem::path sys = "/sys";
   std::filesystem::path dev = "/dev";
 };
 
-/// The serial lines of which there is hardware, in the order of their names. They are not opened,
-/// so nothing shows what is connected to one. A line that the system knows by a name that lasts is
-/// named by that one.
+/// The serial lines that have hardware, in the order of their names. They are not opened, so the
+/// device at the other end remains unknown. A line that has a permanent name in the system is given
+/// by that name.
 std::vector<FoundDevice> serialLines(const SerialRoots& roots = {});
 
 }  // namespace quordalvane

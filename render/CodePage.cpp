@@ -18,8 +18,8 @@ struct UsualPage {
   std::string_view name;
 };
 
-// The numbers that most ESC/POS printers share, of the pages whose characters go from left to right
-// and stand in a cell each. The scripts of the others are drawn.
+// The numbers that most ESC/POS printers share, of the pages whose characters run from left to
+// right and take one cell each. Text in other scripts is drawn.
 constexpr UsualPage usualPages[] = {
     {0, "437"},   {2, "850"},   {3, "860"},   {4, "863"},        {5, "865"},         {13, "857"},
     {14, "737"},  {16, "1252"}, {17, "866"},  {18, "852"},       {19, "858"},        {33, "775"},
@@ -82,7 +82,7 @@ struct CodePage::Converter {
     const bool isNumber = !page.empty() && page.front() >= '0' && page.front() <= '9';
     if (isNumber || page.starts_with("iso8859-")) {
       iconv_t handle = ::iconv_open(((isNumber ? "CP" : "") + std::string(page)).c_str(), "UTF-8");
-      // The library says by a pointer of all ones that it knows no such page.
+      // A pointer of all ones means that the library knows no such page.
       if (reinterpret_cast<std::ptrdiff_t>(handle) != -1) {
         return handle;
       }

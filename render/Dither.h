@@ -20,7 +20,8 @@ class Dither {
   Dither(DitherKind kind, unsigned width);
 
   /// The dots of the next row, as `RasterBands` takes them; valid until the next call. `grey` holds
-  /// a byte a pixel, 0 black and 255 white. What is missing of the width is white.
+  /// a byte a pixel, 0 black and 255 white. If `grey` is narrower than the width, the rest is
+  /// white.
   ByteView dots(ByteView grey);
 
  private:

@@ -1,8 +1,8 @@
 #include "render/JpegPicture.h"
 
-// The library's header uses names of this one without including it.
+// The library's header uses names of <cstdio> without including it, so it has a place after that.
 #include <cstdio>
-// It stands apart for that reason.
+//
 #include <jpeglib.h>
 
 #include <csetjmp>
@@ -48,8 +48,8 @@ unsigned divisor(unsigned width, unsigned leastWidth) {
   return scale;
 }
 
-// Each of the steps runs between a setjmp and the library's return, so it holds nothing that a
-// destructor would have to free, and leaves false behind after an error.
+// Each step runs between a setjmp and the library's return. So it holds no object with a
+// destructor, and its result is false after an error.
 
 bool readHeader(jpeg_decompress_struct& info, std::jmp_buf& failure, ByteView file) {
   if (setjmp(failure) != 0) {
@@ -110,7 +110,7 @@ void JpegPicture::read(std::span<std::uint8_t> grey) {
   if (!readRow(decoder_->info, decoder_->failure, grey.data())) {
     fail(decoder_->info);
   }
-  // A file that is cut short is only a warning to the library, which goes on in grey.
+  // The library only warns of a file that is cut short, and fills the rest with grey.
   if (decoder_->errors.num_warnings > 0) {
     fail(decoder_->info);
   }

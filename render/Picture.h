@@ -27,7 +27,7 @@ class Picture {
   virtual void read(std::span<std::uint8_t> grey) = 0;
 };
 
-/// The picture of a PNG or JPEG file, which its first bytes tell apart. `file` must live as long.
+/// The picture in a PNG or JPEG file; the first bytes show which it is. `file` must outlive it.
 /// A JPEG file may be read at a smaller scale, but never smaller than `leastWidth`.
 /// Throws RenderError if it is neither, is damaged, or has more than `mostPixels`.
 std::unique_ptr<Picture> openPicture(ByteView file, unsigned leastWidth);

@@ -8,7 +8,7 @@
 
 namespace quordalvane::render {
 
-/// Throws RenderError for a size that is none or too large, before memory is taken for it.
+/// Throws RenderError if a side is 0 or the picture is too large, before memory is taken for it.
 inline void checkSize(std::uint64_t width, std::uint64_t height) {
   if (width == 0 || height == 0) {
     throw RenderError("the picture has no pixels");

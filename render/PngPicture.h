@@ -6,7 +6,7 @@
 
 namespace quordalvane::render {
 
-/// A PNG file, decoded as a whole when it is opened. What is transparent lies on white.
+/// A PNG file, decoded as a whole when it is opened. Transparent parts are shown on white.
 class PngPicture : public Picture {
  public:
   explicit PngPicture(ByteView file);

@@ -7,10 +7,10 @@ namespace quordalvane::render {
 
 // The commands around a document, the same in line mode and in ESC/POS.
 
-/// The printer's settings as after it was switched on, and the letters of US ASCII.
+/// Resets the printer's settings, and selects the letters of US ASCII.
 inline constexpr std::array<std::uint8_t, 5> initialize = {0x1b, 0x40, 0x1b, 0x52, 0x00};
 
-/// Feeds the last line past the knife and cuts the paper but for one point.
+/// Feeds the last line past the knife and cuts the paper, except at one point.
 inline constexpr std::array<std::uint8_t, 4> cutPaper = {0x1d, 0x56, 0x42, 0x00};
 
 /// A pulse of 100 ms to cash drawer 1 or 2, with a pause of 500 ms after it.

@@ -26,10 +26,10 @@ class RasterBands {
   /// held back until a dot follows them.
   void add(ByteView dots);
 
-  /// Hands on everything so far, white rows included: something else follows on the paper.
+  /// Hands on all rows so far, white ones included, because something else follows on the paper.
   void flush();
 
-  /// Hands on the rest but for the white rows at the end.
+  /// Hands on the rest, except the white rows at the end.
   void end();
 
  private:

@@ -9,11 +9,11 @@
 
 namespace quordalvane::render {
 
-/// Makes a picture as narrow as the paper: each pixel of it is the mean of those that it covers. A
-/// picture that fits stays as it is. It holds one row.
+/// Scales a picture down to the width of the paper: each pixel is the mean of those that it covers.
+/// A picture that fits is not changed. It holds one row.
 class RowScaler {
  public:
-  /// `picture` must live as long.
+  /// `picture` must outlive this.
   RowScaler(Picture& picture, unsigned mostWidth);
 
   unsigned height() const { return height_; }

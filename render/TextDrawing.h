@@ -24,8 +24,8 @@ class TextDrawing {
   /// holds a band of 255 rows.
   void draw(const std::string& line, const Output& takeRow);
 
-  /// The characters for which no font of this machine has a glyph, up to a hundred. A box with the
-  /// number stands for each on the paper.
+  /// The characters for which no font of this machine has a glyph, up to a hundred. The paper shows
+  /// a box with its number for each.
   const std::set<char32_t>& missing() const { return missing_; }
 
  private:

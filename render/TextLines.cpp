@@ -4,8 +4,8 @@
 
 #include <utility>
 
-#include "logging/Utf8.h"
 #include "render/RenderError.h"
+#include "text/Utf8.h"
 
 namespace quordalvane::render {
 namespace {
@@ -22,7 +22,7 @@ std::string place(std::uint64_t offset) {
   return " at byte " + std::to_string(offset) + " of the text";
 }
 
-// A line may not be broken before what belongs to the character in front of it.
+// A line is not broken before a mark that belongs to the preceding character.
 bool belongsToTheOneBefore(std::uint32_t codePoint) {
   return g_unichar_iszerowidth(codePoint) != 0 || g_unichar_ismark(codePoint) != 0;
 }

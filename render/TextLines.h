@@ -21,8 +21,8 @@ class TextLines {
   explicit TextLines(Take take);
 
   /// Adds a piece of the text, which may end within a character. Lines end with LF, CR LF or a form
-  /// feed. Throws RenderError for what is no UTF-8, and for a control character: it would be a
-  /// command to the printer. A byte order mark at the beginning is left out.
+  /// feed. Throws RenderError for bytes that are not UTF-8, and for a control character: it would
+  /// be a command to the printer. A byte order mark at the beginning is left out.
   void add(std::string_view piece);
 
   /// Hands on the last line if it has no end. Throws RenderError if it ends within a character.

@@ -9,7 +9,8 @@ namespace {
 constexpr unsigned letterWidth = 12;
 constexpr std::uint8_t lineFeed = '\n';
 
-// How many of the letters stand in a row of so many columns: up to the last blank, if it can be.
+// How many of the letters fit into a row of so many columns; the row ends at its last blank, if it
+// has one.
 std::size_t lettersInRow(ByteView letters, std::size_t columns) {
   if (letters.size() <= columns) {
     return letters.size();
@@ -59,7 +60,7 @@ void TextPrinting::printText(ByteView letters) {
   } while (!letters.empty());
 }
 
-// A printer for Chinese or Japanese would take two bytes for one character otherwise.
+// Otherwise a printer for Chinese or Japanese would take two bytes for one character.
 void TextPrinting::selectCodePage() {
   if (codePage_.number() && !std::exchange(isPageSelected_, true)) {
     const std::uint8_t select[] = {0x1c, 0x2e, 0x1b, 0x74, *codePage_.number()};

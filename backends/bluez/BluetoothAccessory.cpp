@@ -15,7 +15,7 @@ constexpr auto lookTimeout = 3s;
 
 }  // namespace
 
-/// The service's answer about the printer: one of the two.
+/// The service's answer: the printer, or why it cannot be chosen.
 struct BluetoothAccessory::Look {
   SteadyTime at;
   std::optional<KnownDevice> printer;

@@ -16,8 +16,8 @@ namespace quordalvane::bluez {
 /// it, unless `identity` has others. The service is asked at most once a second, and never before
 /// the accessory is asked for the first time.
 ///
-/// Its manufacturer stays that of `identity`: a port talks to one maker's accessories alone, and a
-/// user who names this device means it whoever built it.
+/// Its manufacturer is always that of `identity`: a port chooses one maker's accessories alone, and
+/// a user who names this device wants it, whichever maker built it.
 class BluetoothAccessory : public posix::LinkAccessory {
  public:
   /// `place` chooses the printer as `choosePrinter` states.
@@ -40,7 +40,7 @@ class BluetoothAccessory : public posix::LinkAccessory {
 
   const AccessoryIdentity identity_;
   const std::string place_;
-  std::mutex mutex_;            // guards what follows
+  std::mutex mutex_;            // guards the members below
   std::shared_ptr<Look> last_;  // the latest look
 };
 

@@ -7,7 +7,7 @@ namespace quordalvane::bluez {
 
 /// Why a Bluetooth printer cannot be reached.
 enum class BluetoothError {
-  NoBus = 1,      ///< the system's message bus is not there, or has gone
+  NoBus = 1,      ///< the system's message bus is missing, or has ended
   NoService,      ///< the Bluetooth service does not run
   NoAnswer,       ///< the Bluetooth service does not answer
   NoAdapter,      ///< the machine has no Bluetooth adapter
@@ -17,7 +17,7 @@ enum class BluetoothError {
   NoSerialPort,   ///< the device offers no serial port, so it is no printer of this kind
   Rejected,       ///< the printer turned the connection down
   NotAuthorized,  ///< nobody authorised the connection in time
-  HostDown,       ///< the printer does not hear: it is off or out of range
+  HostDown,       ///< the printer does not respond: it is off or out of range
   InUse,          ///< another program, or another session, holds the printer
   ProfileTaken,   ///< another program holds the serial port profile
   Denied,         ///< this user may not use the Bluetooth service
@@ -28,7 +28,7 @@ enum class BluetoothError {
 /// `std::errc::device_or_resource_busy`.
 const std::error_category& bluetoothCategory();
 
-/// Throws a `std::system_error` of that code, with `text` for people in front of its words.
+/// Throws a `std::system_error` of that code, whose message begins with `text`, for people.
 [[noreturn]] void fail(BluetoothError error, const std::string& text);
 
 }  // namespace quordalvane::bluez

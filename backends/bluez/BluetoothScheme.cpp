@@ -72,7 +72,7 @@ void checkPlace(const std::string& place) {
 
 std::shared_ptr<EAAccessory> make(const DeviceSpec& spec, AccessoryIdentity identity,
                                   Clock& /*clock*/) {
-  // A name that repeats the place was not given: the printer's own is better.
+  // A name that equals the place is only the default: the printer's own is better.
   if (identity.name == spec.place) {
     identity.name = std::nullopt;
   }
@@ -88,7 +88,7 @@ std::vector<std::string> places() {
       addresses.push_back(printer.address);
     }
   } catch (const std::system_error&) {
-    // The accessory of the empty place says why.
+    // The accessory of the empty place reports the reason.
   }
   return addresses;
 }

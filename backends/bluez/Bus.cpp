@@ -42,7 +42,8 @@ int millisecondsUntil(SteadyTime deadline) {
 
 }  // namespace
 
-// A bus that accepts and then says nothing would hold up its caller for a minute and a half.
+// A bus that accepts the connection and then does not answer would block its caller for a minute
+// and a half.
 Bus::Bus(SteadyTime deadline) {
   std::packaged_task<Attempt()> task(connectToBus);
   auto attempt = task.get_future();

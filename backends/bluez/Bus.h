@@ -21,19 +21,19 @@ struct Method {
   std::string name;
 };
 
-/// A connection of its own to the system's message bus. It has no thread: what the bus says is
-/// handled while a call of this class waits, on the caller's thread. For one thread at a time.
+/// A connection of its own to the system's message bus. It has no thread: messages of the bus are
+/// handled on the caller's thread, while a call of this class waits. For one thread at a time.
 class Bus {
  public:
-  /// Connects. Throws a `std::system_error` with `BluetoothError::NoBus` if there is no bus or it
-  /// has not let this in by `deadline`; the attempt then ends by itself.
+  /// Connects. Throws a `std::system_error` with `BluetoothError::NoBus` if there is no bus, or if
+  /// it has not accepted the connection by `deadline`; the attempt then ends by itself.
   explicit Bus(SteadyTime deadline);
 
   sdbus::IConnection& connection() { return *connection_; }
 
-  /// Calls the method and returns its answer. Throws a `sdbus::Error` if it is an error, and one
-  /// that `isSilence` knows if there is none at `deadline`; the `std::system_error` of a bus that
-  /// has gone.
+  /// Calls the method and returns its answer. Throws a `sdbus::Error` if the answer is an error,
+  /// and one for which `isSilence` is true if there is no answer by `deadline`. Throws a
+  /// `std::system_error` with `BluetoothError::NoBus` if the bus has ended.
   template <typename... Arguments>
   sdbus::MethodReply call(SteadyTime deadline, const Method& method,
                           const Arguments&... arguments) {
@@ -43,12 +43,12 @@ class Bus {
     return answerTo(message, *proxy, deadline);
   }
 
-  /// Handles what the bus says until `isDone`; false if that is not so at `deadline`. Throws a
-  /// `std::system_error` with `BluetoothError::NoBus` if the bus has gone.
+  /// Handles messages of the bus until `isDone` returns true; false if it does not by `deadline`.
+  /// Throws a `std::system_error` with `BluetoothError::NoBus` if the bus has ended.
   bool handleUntil(SteadyTime deadline, const std::function<bool()>& isDone);
 
-  /// Handles what the bus says until `isDone`, or until the file `watched` hangs up. Throws as
-  /// `handleUntil` does.
+  /// Handles messages of the bus until `isDone` returns true, or until the file `watched` hangs up.
+  /// Throws as `handleUntil` does.
   void handleWhileOpen(int watched, const std::function<bool()>& isDone);
 
  private:

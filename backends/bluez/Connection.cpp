@@ -51,8 +51,8 @@ struct Care {
   ServiceWatch watch;
 };
 
-// A copy by which the connection can be ended. The connection does not outlive its owner by it: it
-// is shut down before it is closed.
+// A copy by which the connection can be ended. It does not keep the connection open: its owner
+// shuts that down before it closes its own.
 Descriptor handleOn(Descriptor& connection) {
   connection.setBeforeClose(shutDown);
   const int copy = ::fcntl(connection.number(), F_DUPFD_CLOEXEC, 0);
@@ -62,7 +62,8 @@ Descriptor handleOn(Descriptor& connection) {
   return {copy, Descriptor::Kind::Bluetooth};
 }
 
-// The thread owns all that it uses: a process that forks has a copy without it and needs none.
+// The thread owns everything that it uses. After a fork the child has no such thread, and needs
+// none.
 void lookAfter(std::unique_ptr<Care> care, Descriptor connection) {
   try {
     care->bus.handleWhileOpen(connection.number(), [&] { return care->watch.hasLeft(); });

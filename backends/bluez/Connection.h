@@ -6,13 +6,13 @@
 
 namespace quordalvane::bluez {
 
-/// How long a connection may take in all. The service itself gives up a printer that does not hear
-/// after some six seconds, and says so.
+/// How long a connection may take in all. If a printer does not respond, the service itself gives
+/// up after some six seconds, and reports that.
 inline constexpr std::chrono::milliseconds connectTimeout{10'000};
 
 /// Connects to the serial port of the paired printer that `place` chooses, as `choosePrinter`
-/// states. From then on a thread looks after the connection: it ends it when the Bluetooth service
-/// leaves the bus, as the next one resets the adapter at some time. The thread ends with the
+/// states. From then on a thread watches the bus: it ends the connection if the Bluetooth service
+/// leaves, because the next service resets the adapter at some time. The thread ends with the
 /// connection.
 ///
 /// Throws a `std::system_error` with a code of `bluetoothCategory()` if that does not succeed

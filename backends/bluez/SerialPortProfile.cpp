@@ -18,7 +18,7 @@ constexpr auto ownPath = "/com/quordalvane/serialport";
 constexpr auto profileInterface = "org.bluez.Profile1";
 constexpr auto rejected = "org.bluez.Error.Rejected";
 
-// Another program holds the profile for as long as it connects.
+// Another program holds the profile while it connects.
 constexpr auto retryInterval = 50ms;
 
 Method ofManager(const std::string& name) {
@@ -30,7 +30,7 @@ bool isHeldByAnother(const sdbus::Error& error) {
          error.getName() == "org.bluez.Error.AlreadyExists";
 }
 
-// A copy of our own: the message takes its descriptor with it.
+// A copy of our own: the message closes its descriptor.
 posix::Descriptor copyOf(const sdbus::UnixFd& file) {
   const int copy = ::fcntl(file.get(), F_DUPFD_CLOEXEC, 0);
   if (copy < 0) {

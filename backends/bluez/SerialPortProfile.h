@@ -19,8 +19,8 @@ class SerialPortProfile {
   /// until `deadline`. Throws a `std::system_error` with a code of `bluetoothCategory()`.
   SerialPortProfile(Bus& bus, SteadyTime deadline);
 
-  /// Gives it back. A service that does not answer within a second gives it back by itself when
-  /// the bus tells it that this program has left.
+  /// Unregisters it. A service that does not answer within a second removes it by itself when this
+  /// program leaves the bus.
   ~SerialPortProfile();
   SerialPortProfile(const SerialPortProfile&) = delete;
   SerialPortProfile& operator=(const SerialPortProfile&) = delete;

@@ -40,8 +40,8 @@ bool areSameInAnyCase(std::string_view one, std::string_view other) {
                     [](char a, char b) { return inUpperCase(a) == inUpperCase(b); });
 }
 
-// The major class of a device and, of one that handles pictures, the bit of printers. Many receipt
-// printers have no class of their own, so one that says nothing may be a printer.
+// The major class of a device, and the bit of printers in the class of imaging devices. Many
+// receipt printers report no class, so a device without one may be a printer.
 bool mayBePrinterByClass(std::uint32_t deviceClass) {
   constexpr std::uint32_t imaging = 0x06;
   constexpr std::uint32_t printer = 0x80;
@@ -106,7 +106,7 @@ std::vector<KnownDevice> fittingDevices(const Knowledge& knowledge, std::string_
   std::vector<KnownDevice> fitting;
   std::copy_if(knowledge.devices.begin(), knowledge.devices.end(), std::back_inserter(fitting),
                [place](const KnownDevice& device) { return fits(device, place); });
-  // One that is only in sight must not hide a paired one of its name.
+  // A device that is only in range must not hide a paired one of the same name.
   if (std::any_of(fitting.begin(), fitting.end(), [](const auto& one) { return one.isPaired; })) {
     std::erase_if(fitting, [](const auto& one) { return !one.isPaired; });
   }
@@ -119,7 +119,7 @@ std::vector<KnownDevice> fittingDevices(const Knowledge& knowledge, std::string_
   fail(BluetoothError::NotPaired, what + (printers.empty() ? "" : "; paired: " + listed(printers)));
 }
 
-// What an error of the bus or of the service means whose name begins so.
+// The meaning of an error of the bus or of the service whose name begins with this.
 struct Meaning {
   std::string_view name;
   BluetoothError error;
@@ -148,8 +148,8 @@ constexpr std::array meanings = {
     Meaning{"org.bluez.Error.AuthenticationTimeout", BluetoothError::NotAuthorized},
 };
 
-// The service has one name for most failures of a connection, and tells them apart by a text: of
-// the system, or in later versions a word of its own.
+// The service uses one name for most failures of a connection. Its text shows which one it was: the
+// system's words or, in later versions, a word of the service's own.
 constexpr std::array words = {
     Meaning{"Host is down", BluetoothError::HostDown},
     Meaning{"No route to host", BluetoothError::HostDown},

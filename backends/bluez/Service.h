@@ -15,7 +15,7 @@ inline constexpr auto serviceName = "org.bluez";
 /// The service class of devices that offer a serial port, as printers do.
 inline constexpr auto serialPort = "00001101-0000-1000-8000-00805f9b34fb";
 
-/// A device that the service knows, by the service's own account.
+/// A device as the service describes it.
 struct KnownDevice {
   std::string path;     ///< of its object on the bus
   std::string address;  ///< "01:23:45:67:89:AB"
@@ -44,7 +44,8 @@ std::vector<KnownDevice> pairedPrinters(const Knowledge& knowledge);
 /// "" for the only one. Throws a `std::system_error` that says why there is none.
 KnownDevice choosePrinter(const Knowledge& knowledge, std::string_view place);
 
-/// Throws what an error of the bus or of the service means, with the service's own words.
+/// Throws the `std::system_error` that an error of the bus or of the service means, with the
+/// service's own words.
 [[noreturn]] void failAs(const sdbus::Error& error, const std::string& about);
 
 }  // namespace quordalvane::bluez

@@ -14,7 +14,7 @@ namespace quordalvane::posix {
 ///       notices.await(std::chrono::milliseconds(500));
 ///     }
 ///
-/// They only shorten waits: a system that gives none, as in some containers, is asked after the
+/// They only shorten waits: on a system that gives none, as in some containers, each wait lasts its
 /// whole time. For one thread at a time.
 class QUOR_EXPORT AccessoryNotices {
  public:

@@ -11,7 +11,7 @@ namespace quordalvane::posix {
 /// other users are visible only by a lock on it. In rising order.
 std::vector<pid_t> holdersOf(const std::string& path);
 
-/// Those processes for a text: "another program: lpd (process 412)", or "another program" alone if
+/// Those processes in words: "another program: lpd (process 412)", or "another program" alone if
 /// none is known.
 std::string holderInWords(const std::string& path);
 

@@ -10,20 +10,20 @@
 namespace quordalvane::posix {
 
 /// Opens the node of `printer`, which the driver gives to one user at a time. Throws a
-/// `std::system_error` with a text for people; EBUSY, with its name if it can be known, if another
-/// program has it.
+/// `std::system_error` with a text for people. Its code is EBUSY if another program has the
+/// printer; the text then names that program, if it is known.
 Descriptor openUsbPrinter(const UsbPrinter& printer);
 
-/// Whether the printer at the open node answers. The driver refuses each read of one that has no
-/// way to answer, or is known to answer badly.
+/// Whether the printer at the open node can answer. The driver refuses to read from a printer that
+/// has no way to answer, or that is known to answer badly.
 Descriptor::Kind usbKindOf(int number);
 
 /// A USB printer that may be plugged in and pulled at any time. While it is not plugged in it
 /// announces no protocol, so that a port passes it over. Its name, model and serial number are
 /// those that it reports, unless `identity` has others.
 ///
-/// Its manufacturer stays that of `identity`: a port talks to one maker's accessories alone, and a
-/// user who names this device means it whoever built it. The maker is part of the name.
+/// Its manufacturer is always that of `identity`: a port chooses one maker's accessories alone, and
+/// a user who names this device wants it, whichever maker built it. The maker is part of the name.
 class UsbAccessory : public LinkAccessory {
  public:
   /// `place` chooses the printer as `findUsbPrinter` states. Once it was seen it is found again by
@@ -45,7 +45,7 @@ class UsbAccessory : public LinkAccessory {
 
   const std::string place_;
   const UsbRoots roots_;
-  std::mutex mutex_;                 // guards what follows
+  std::mutex mutex_;                 // guards the members below
   std::optional<UsbPrinter> known_;  // as it was seen last
 };
 

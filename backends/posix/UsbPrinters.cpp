@@ -44,8 +44,8 @@ class UsbCategory : public std::error_category {
   throw std::system_error(static_cast<int>(error), usbCategory(), text);
 }
 
-// A file of the system's, which a device may have filled: a bounded part of it, without the end of
-// its line.
+// The beginning of a file of the system's, without the end of its line. A device may have given its
+// content, so its length is bounded.
 std::string contentOf(const fs::path& file) {
   constexpr std::size_t longest = 4096;
   std::ifstream stream(file, std::ios::binary);

@@ -18,8 +18,8 @@ struct UsbPrinter {
   std::string maker;           ///< "" if it reports none
   std::string model;           ///< "" if it reports none
 
-  /// Whether `other` is the same device as far as its texts show. Two of one model without serial
-  /// numbers are told apart by nothing but their nodes.
+  /// Whether `other` is the same device as far as its texts show. Only their nodes distinguish two
+  /// printers of one model without serial numbers.
   bool isSameDevice(const UsbPrinter& other) const;
 
   /// The device text that chooses this printer: by its serial number, if it has one that cannot be
@@ -40,7 +40,7 @@ enum class UsbError {
 /// The category of those codes. `HeldByPrintSystem` is `std::errc::device_or_resource_busy`.
 const std::error_category& usbCategory();
 
-/// The places of the system where USB printers show; a test has its own.
+/// The folders in which the system lists USB printers; a test has its own.
 struct UsbRoots {
   std::filesystem::path sys = "/sys";
   std::filesystem::path dev = "/dev";

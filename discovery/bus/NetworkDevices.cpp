@@ -22,16 +22,16 @@ using Texts = std::vector<std::vector<std::uint8_t>>;
 constexpr auto serviceName = "org.freedesktop.Avahi";
 constexpr auto serverInterface = "org.freedesktop.Avahi.Server";
 
-// A raw port, as every other way to print needs a language that these printers do not speak.
+// The raw port: every other way to print needs a language that these printers do not speak.
 constexpr auto rawPort = "_pdl-datastream._tcp";
 
 constexpr std::int32_t any = -1;  // interface or protocol
 constexpr std::uint32_t noFlags = 0;
 
-// More than a shop has. Whoever announces more is not looking for a printer to be found.
+// More than a shop has: a flood of announcements is cut off here.
 constexpr std::size_t mostAnnouncements = 100;
 
-/// An announcement, as the service tells it.
+/// An announcement, as the service reports it.
 struct Announcement {
   std::int32_t interface;
   std::int32_t protocol;
@@ -56,7 +56,7 @@ bool isAddress(int family, const std::string& text) {
   return ::inet_pton(family, text.c_str(), &address) == 1;
 }
 
-// The place of `tcp:`; "" if the address is none. One of the link alone needs its interface.
+// The place of `tcp:`; "" if the address is not valid. A link-local one needs its interface.
 std::string placeOf(const std::string& address, std::uint16_t port, std::int32_t interface) {
   const std::string end = ":" + std::to_string(port);
   if (isAddress(AF_INET, address)) {
@@ -120,7 +120,8 @@ class Search {
         });
   }
 
-  // A printer is announced on each interface and for each kind of address. The short one counts.
+  // A printer is announced on each interface and for each kind of address. The shortest address is
+  // taken.
   void note(const std::string& name, const std::string& place, const Texts& texts) {
     if (place.empty() || place.ends_with(":0")) {
       return;

@@ -8,8 +8,8 @@
 
 namespace quordalvane::cups {
 
-/// The fate of a job whose worker has not decided it: the journal knows how far it was. Unless all
-/// of it is on paper, or it is not wanted any more, it is held for a person.
+/// Decides about a job whose worker ended without a decision; the journal shows how far it was. The
+/// job is held for a person, unless all of it is on paper or it is no longer wanted.
 ExitCode judgeBrokenOff(const BackEndJob& job, const DeviceUri& uri, const BrokenOff& end,
                         StatusLines& lines);
 

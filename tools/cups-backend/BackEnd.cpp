@@ -25,7 +25,7 @@ std::string variable(const char* name) {
   return text == nullptr ? "" : text;
 }
 
-// A stopped queue keeps its jobs, and what it shows as its reason is what happened.
+// A stopped queue keeps its jobs, and shows as its reason what happened.
 void stopQueue() {
   StatusLines lines("");
   lines.setReasons(unconfirmedJob);

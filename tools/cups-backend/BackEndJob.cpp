@@ -7,7 +7,7 @@
 
 #include "backends/SpecText.h"
 #include "journal/Journal.h"
-#include "logging/Quoted.h"
+#include "text/Quoted.h"
 
 namespace quordalvane::cups {
 namespace {
@@ -16,7 +16,7 @@ constexpr std::size_t leastArguments = 6;
 constexpr std::size_t mostArguments = 7;
 constexpr unsigned mostCopies = 9999;
 
-// The value of `key` among the options, which are parted by blanks; "" if it is not there.
+// The value of `key` among the options, which blanks separate; "" if it is not there.
 std::string option(const std::string& options, const std::string& key) {
   std::istringstream words(options);
   for (std::string word; words >> word;) {
@@ -27,7 +27,7 @@ std::string option(const std::string& options, const std::string& key) {
   return "";
 }
 
-// Jobs without a name of their own would be taken for each other.
+// Two jobs of the same name would count as one.
 std::string randomName() {
   std::random_device dice;
   std::string name = "job without a name ";

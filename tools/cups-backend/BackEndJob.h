@@ -13,7 +13,7 @@ namespace quordalvane::cups {
 struct BackEndJob {
   std::string uri;      ///< of the queue, with all that an administrator wrote into it
   std::string number;   ///< in the scheduler's lists
-  unsigned copies = 1;  ///< to print here; the filters have made those of a job that is piped
+  unsigned copies = 1;  ///< to print here; filters have made those of a job in standard input
   std::string name;     ///< of the job in the journal, the same at each start
 
   /// When the scheduler ended the job, in seconds since 1970. A job that has ended and is printed
@@ -30,8 +30,8 @@ struct BackEndJob {
 };
 
 /// Reads them. `variable` gives the text of a variable of the environment, "" if it is not set.
-/// Throws `std::invalid_argument`, with a text for people, for arguments that are none of a back
-/// end's, and `JournalError` if nothing says where the journal lies.
+/// Throws `std::invalid_argument`, with a text for people, for arguments that no back end gets, and
+/// `JournalError` if the folder of the journal is not known.
 BackEndJob parseBackEndJob(const std::vector<std::string>& arguments,
                            const std::function<std::string(const char*)>& variable);
 

@@ -6,7 +6,7 @@
 namespace quordalvane::cups {
 
 /// The identity of a printer, in the form of IEEE 1284 that the print system reads:
-/// `MFG:…;MDL:…;SN:…;`. A text that is "" is left out, and characters that part its pieces are
+/// `MFG:…;MDL:…;SN:…;`. An empty text is left out, and characters that separate its pieces become
 /// blanks.
 std::string deviceIdOf(std::string_view maker, std::string_view model, std::string_view serial);
 

@@ -18,8 +18,8 @@ namespace quordalvane::cups {
 /// | `quor:/usb/SERIAL`, `quor:/usb` | `usb:SERIAL`, `usb:` |
 /// | `quor:` and the text of a device | that device |
 ///
-/// `%41` is the character of that code, and then never a comma, a slash or a question mark that
-/// parts something. Besides the keys of the device the query takes `emulation`, `timeout`,
+/// `%41` is the character of that code. A comma, a slash or a question mark that is written so
+/// separates nothing. Besides the keys of the device the query takes `emulation`, `timeout`,
 /// `end-timeout` and `copies`, which are the members below.
 struct DeviceUri {
   std::string device;  ///< as `parseDeviceSpec` takes it
@@ -33,8 +33,8 @@ struct DeviceUri {
 };
 
 /// Reads the URI of a queue. Throws `std::invalid_argument` with a text for people if it names no
-/// device that a queue can print on. Nobody's password is in that text: the printers take none, so
-/// a URI with one is refused without being repeated.
+/// device that a queue can print on. That text contains no password: the printers take none, so a
+/// URI with one is refused and not repeated.
 DeviceUri parseDeviceUri(std::string_view uri);
 
 /// The URI of a queue for `device`, the text of a device.

@@ -4,8 +4,7 @@
 
 namespace quordalvane::cups {
 
-/// The meaning of a process's end for the process that started it: the scheduler takes all but the
-/// last.
+/// The exit codes of the back end's processes. The scheduler gets all of them but the last.
 enum class ExitCode : int {
   Done = CUPS_BACKEND_OK,             ///< printed, or not wanted any more
   NextPrinter = CUPS_BACKEND_FAILED,  ///< nothing was sent, and another printer may take the job

@@ -29,8 +29,8 @@ void leaveInputToWorker() {
   ::close(CUPS_SC_FD);
 }
 
-// Waits for the worker's end, and hands stop signals on. Whether one of them was the scheduler's:
-// another's must not make a job look as if it was not wanted.
+// Waits for the worker's end, and passes stop signals on to it. Returns whether the scheduler sent
+// one of them: the signal of another process does not mean that the job is no longer wanted.
 bool awaitWorker(pid_t worker, pid_t scheduler, const sigset_t& signals, int& status) {
   bool isCanceled = false;
   while (::waitpid(worker, &status, WNOHANG) != worker) {

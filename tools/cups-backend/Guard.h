@@ -10,7 +10,7 @@ namespace quordalvane::cups {
 
 /// The end of a worker that did not decide the fate of its job.
 struct BrokenOff {
-  bool isCanceled = false;  ///< the scheduler wanted it
+  bool isCanceled = false;  ///< the scheduler ended it
   std::string how;          ///< for people
 };
 

@@ -11,8 +11,8 @@ namespace quordalvane::cups {
 /// its URI, its make and model, what people call it, its device ID and an empty place.
 std::string listingOf(const FoundDevice& found);
 
-/// Writes the printers that can be found to `descriptor`, a line each, and to `lines` where nothing
-/// could be looked for.
+/// Writes the printers that can be found to `descriptor`, a line each, and reports on `lines` the
+/// kinds of links that could not be searched.
 void listPrinters(int descriptor, StatusLines& lines);
 
 }  // namespace quordalvane::cups

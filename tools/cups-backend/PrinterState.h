@@ -11,11 +11,11 @@ namespace quordalvane::cups {
 /// Any thread.
 class PrinterState {
  public:
-  /// How far the data of the job are.
+  /// The state of the job's data.
   enum class Data {
-    Collected,  ///< they still arrive, or are under way
+    Collected,  ///< still arriving, or on the way to the printer
     Printed,    ///< the printer has confirmed them all
-    Lost,       ///< it will not
+    Lost,       ///< the printer will not confirm them
   };
 
   void setStatus(const QuorPrinterStatus_2& status) {

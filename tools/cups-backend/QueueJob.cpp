@@ -12,8 +12,8 @@
 namespace quordalvane::cups {
 namespace {
 
-// Between two looks at a printer, or at a journal, that does not take the job: it goes on within a
-// second of its cause's end.
+// The pause between two looks at a printer or a journal that does not take the job: it continues
+// within a second after the cause is gone.
 constexpr auto lookPause = std::chrono::milliseconds(500);
 
 constexpr auto onAnotherJob = "waiting: another job is on the printer";
@@ -105,8 +105,8 @@ QueueJob::Verdict QueueJob::tryBlock(const JobBlock& block, const std::vector<st
   return run(*named, block);
 }
 
-/// A job that has ended for the scheduler is started again by a person alone; one that was held,
-/// too, as long as the scheduler knows that it holds it.
+/// Only a person starts a job again that has ended for the scheduler, or that the scheduler holds
+/// and knows that it does.
 bool QueueJob::isWantedAgain(const NamedJobResult& known) const {
   constexpr std::int64_t millisInSecond = 1000;
   if (job_.ended && known.begun / millisInSecond <= *job_.ended) {
@@ -148,7 +148,7 @@ QueueJob::Verdict QueueJob::run(NamedJob& named, const JobBlock& block) {
     with_.wish.endJob();
     throw;  // nothing was sent
   } catch (const std::exception& error) {
-    // How much had gone out is not known.
+    // It is not known how much was sent.
     result.result.outcome = PrintOutcome::Unconfirmed;
     result.result.reason = error.what();
   }
@@ -205,8 +205,8 @@ ExitCode QueueJob::hold(NamedJob& named, const PrintResult& result) {
   return ExitCode::Held;
 }
 
-/// Another printer of the class may take a job of which nothing was sent; otherwise it waits. The
-/// printers of a class of which none takes it are not asked without a pause.
+/// Another printer of the class may take a job of which nothing was sent; otherwise it waits. If
+/// none of them takes it, they are asked again after a pause.
 QueueJob::Verdict QueueJob::postpone(const std::string& why, const StateReasons& reasons) {
   with_.lines.setReasons(reasons);
   with_.lines.inform("waiting: " + why);
@@ -217,8 +217,8 @@ QueueJob::Verdict QueueJob::postpone(const std::string& why, const StateReasons&
   return ExitCode::NextPrinter;
 }
 
-/// Looks at the printer over the open link until it is ready. A link that is lost is made anew by
-/// the next attempt.
+/// Looks at the printer over the open link until it is ready. The next attempt opens a lost link
+/// anew.
 void QueueJob::awaitReady(const PrintResult& refused) {
   if (refused.obstacle != PrintObstacle::PrinterNotReady || !printer_.port()->isConnected()) {
     printer_.close();

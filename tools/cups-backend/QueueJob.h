@@ -18,10 +18,10 @@
 
 namespace quordalvane::cups {
 
-/// One job of a queue, from its data to the exit code that tells what became of it.
+/// One job of a queue, from its data to the exit code that reports its outcome.
 ///
-/// As long as nothing of a block went out it waits for the printer and asks again. Once something
-/// did, the block is printed, or a person decides: it is never sent again by itself.
+/// While nothing of a block was sent, it waits for the printer and tries again. Once a byte was
+/// sent, the block is printed or a person decides: it is never sent again by itself.
 class QueueJob {
  public:
   /// What it works with, all of which must outlive it.

@@ -30,7 +30,7 @@ class QueuePrinter {
   QueuePrinter& operator=(const QueuePrinter&) = delete;
 
   /// Waits until no other job has the printer, and opens a port unless one is open. Throws
-  /// `OutOfReach`; `std::invalid_argument` if the keys of the device keep every port from it.
+  /// `OutOfReach`; `std::invalid_argument` if the keys of the device make every port pass it over.
   void open();
 
   /// Closes the port and gives the printer to others. Harmless if it is not open.

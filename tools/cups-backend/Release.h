@@ -11,12 +11,13 @@ namespace quordalvane::cups {
 /// say.
 std::optional<std::int64_t> schedulerStart(int scheduler);
 
-/// Whether a job of which nobody knew at `told`, and that was held then, is started now because a
-/// person has released it. A scheduler starts a held job for no other reason; but one that was
-/// killed may have forgotten that it holds the job, and its successor starts it by itself.
+/// At the time `told` nobody knew whether a job was on paper, and it was held. Whether it is
+/// started now because a person has released it. A scheduler starts a held job for no other reason.
+/// But if it was killed, it may have forgotten that it holds the job; its successor then starts it
+/// by itself.
 ///
-/// So it is a person's act if the scheduler of then still runs, or if it has written the job's
-/// record, `controlFile`, after that. All times are milliseconds since 1970.
+/// So a person has released the job if the same scheduler still runs, or if the job's record,
+/// `controlFile`, was written after `told`. All times are milliseconds since 1970.
 bool isReleased(std::int64_t told, std::optional<std::int64_t> schedulerStart,
                 const std::filesystem::path& controlFile);
 

@@ -17,7 +17,7 @@ namespace {
 constexpr std::size_t headSize = 4;
 constexpr std::size_t longestData = 65535;
 
-// By hand a back end is started without one, and the descriptor may then be anything.
+// A back end that is started by hand has no such channel, and the descriptor may then be anything.
 int channelIfGiven() {
   struct stat found {};
   return ::fstat(CUPS_SC_FD, &found) == 0 && S_ISSOCK(found.st_mode) ? CUPS_SC_FD : -1;

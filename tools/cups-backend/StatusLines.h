@@ -8,12 +8,12 @@
 
 namespace quordalvane::cups {
 
-/// The reports of the back end to the scheduler, line by line, on its standard error. Nobody may
-/// listen any more: a line that is not taken is lost. Any thread.
+/// The reports of the back end to the scheduler, line by line, on its standard error. If nobody
+/// reads them any more, a line is lost. Any thread.
 class StatusLines {
  public:
-  /// `standing` are the reasons of the queue's printer, joined by commas or blanks: those of a back
-  /// end that has ended stand until somebody takes them away, and the first `setReasons` does.
+  /// `standing` are the reasons that the queue's printer has now, joined by commas or blanks. Those
+  /// of an earlier back end remain until somebody removes them; the first `setReasons` does.
   explicit StatusLines(std::string_view standing, int descriptor = 2);
 
   /// The one line that people see beside the queue; a text that is there already is not repeated.
@@ -28,7 +28,7 @@ class StatusLines {
   /// Page number `number` has been confirmed, `copies` times.
   void count(unsigned number, unsigned copies);
 
-  /// The printer's state is this, and nothing else of what this back end may say.
+  /// Gives the printer these reasons, and removes all others that this back end may set.
   void setReasons(const StateReasons& reasons);
 
   /// Stops the queue; its jobs are kept. To be written last.
@@ -37,7 +37,7 @@ class StatusLines {
  private:
   void write(std::string_view kind, const std::string& text);
 
-  std::mutex mutex_;  // guards all that follows
+  std::mutex mutex_;  // guards the members below
   const int descriptor_;
   StateReasons standing_;
   std::string informed_;

@@ -29,7 +29,7 @@ class StopWish {
   void endJob();
 
  private:
-  std::mutex mutex_;  // guards all that follows
+  std::mutex mutex_;  // guards the members below
   const std::function<void()> leave_;
   PrintJob* job_ = nullptr;
   bool isAlone_ = false;

@@ -17,7 +17,7 @@
 namespace quordalvane::cups {
 namespace {
 
-// A job that cannot be read may be read later; one that is none never prints.
+// Data that cannot be read now may be readable later; data that is no job never prints.
 ExitCode printJob(const BackEndJob& job, QueueJob& queued, StatusLines& lines,
                   const std::function<void()>& onConfirmed) {
   try {

@@ -4,8 +4,7 @@
 
 namespace quordalvane::printer_app {
 
-/// The URI under which the framework keeps a device, and the text of the device in it. `deviceOf`
-/// is
+/// The URI under which the framework keeps a device, and the device text in such a URI; the text is
 /// "" for any other URI.
 /// @{
 std::string uriOf(const std::string& device);

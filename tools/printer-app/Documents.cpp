@@ -73,7 +73,8 @@ class Document {
   Bytes bytes_;
 };
 
-/// A job of raster pages. The paper is wider than the print head: of each line the middle is shown.
+/// A job of raster pages. The paper is wider than the print head: the middle of each line is
+/// printed.
 class RasterJob {
  public:
   RasterJob(const pappl_pr_options_t& options, unsigned head) : document_(options), head_(head) {}

@@ -10,7 +10,7 @@
 
 #include "backends/DeviceIdentity.h"
 #include "journal/NamedJob.h"
-#include "logging/Quoted.h"
+#include "text/Quoted.h"
 #include "tools/printer-app/DeviceUri.h"
 #include "tools/printer-app/JobOrder.h"
 #include "tools/printer-app/PrinterLink.h"
@@ -26,8 +26,8 @@ constexpr auto pause = std::chrono::seconds(1);
 std::filesystem::path journalFile;
 std::filesystem::path stateFile;
 
-// The same after a restart of the application, which the job's UUID is not in the framework's
-// version 1.3: it would print a job again that was begun.
+// The same after a restart of the application. The job's UUID is not, in the framework's
+// version 1.3: with it, a job that was begun would be printed again.
 std::string nameOf(pappl_job_t* job) {
   pappl_printer_t* const printer = papplJobGetPrinter(job);
   return std::string(papplPrinterGetName(printer)) + " (" +

@@ -16,11 +16,11 @@ void keepJobsIn(const std::filesystem::path& journal, const std::filesystem::pat
 /// as completed.
 ///
 /// A job that the printer refuses has sent nothing, so it waits, with the reason as its message and
-/// as the printer's, and is tried again each second until it is canceled. One of which nobody
-/// knows whether it is on paper is aborted, with a message for a person: false is returned, and the
-/// journal keeps it from being printed again, also after a restart.
+/// as the printer's, and is tried again each second until it is canceled. If nobody knows whether a
+/// job is on paper, it is aborted with a message for a person, and false is returned. The journal
+/// prevents a second print, even after a restart.
 ///
-/// The framework's list is saved first: it would save a job that has begun only with the next one.
+/// Saves the framework's list first: the framework itself would save it only with the next job.
 /// Blocks the thread of the job. Throws nothing.
 bool deliver(pappl_job_t* job, const std::vector<std::uint8_t>& data);
 

@@ -77,7 +77,7 @@ void describeRaster(pappl_pr_driver_data_t& data) {
   fillDither(data.pdither);
 }
 
-// The values of an option of a job, the first of them the usual one.
+// The values of an option of a job, the default first.
 void addOption(pappl_pr_driver_data_t& data, ipp_t* attributes, const char* name,
                std::initializer_list<const char*> values) {
   data.vendor[data.num_vendor++] = name;

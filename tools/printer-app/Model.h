@@ -17,7 +17,7 @@ struct Model {
   int paperMillimetres;  ///< the width of the roll
 };
 
-/// Every kind, the usual one first.
+/// Every kind, the default first.
 std::span<const Model> everyModel();
 
 /// The kind of this name; null if there is none.

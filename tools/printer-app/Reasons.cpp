@@ -33,7 +33,7 @@ pappl_preason_t reasonsOf(const QuorPrinterStatus_2& status) {
   if (status.cutterError != 0 || status.mechError != 0 || status.unrecoverableError != 0) {
     reasons |= PAPPL_PREASON_OTHER;
   }
-  // Off line for a reason that is known says nothing more.
+  // If the reason is known, "off line" adds nothing.
   constexpr pappl_preason_t causes =
       PAPPL_PREASON_COVER_OPEN | PAPPL_PREASON_MEDIA_EMPTY | PAPPL_PREASON_OTHER;
   return status.offline != 0 && (reasons & causes) == 0 ? reasons | PAPPL_PREASON_OFFLINE : reasons;
@@ -68,7 +68,7 @@ bool isDue(pappl_printer_t* printer) {
   return true;
 }
 
-// Has `use` talk to the printer over its port, unless somebody else has the printer.
+// Lets `use` talk to the printer over its port, unless somebody else has the printer.
 template <typename Use>
 void withIdle(pappl_printer_t* printer, Use use) {
   try {

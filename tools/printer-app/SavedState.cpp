@@ -24,7 +24,7 @@ std::string waiting(const std::string& line) {
   return std::regex_replace(std::regex_replace(line, processing, state), since, "");
 }
 
-// Where a file is written before it takes the place of the other.
+// The path of a file until it replaces the other.
 std::filesystem::path nextTo(const std::filesystem::path& file) {
   return file.string() + ".next";
 }
