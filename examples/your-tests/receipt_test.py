@@ -9,7 +9,7 @@ from pathlib import Path
 
 
 def print_receipt(host: str, port: int):
-    """The code under test: yours stands here."""
+    """The code under test: put yours here."""
     with socket.create_connection((host, port)) as printer:
         printer.sendall(b"\x1b@\x1bt\x13Caf\x82  2.80 \xd5\n\x1bp\0\x19\xfa\x1dVA\0")
 

@@ -6,7 +6,7 @@ set -euo pipefail
 folder=$(mktemp -d)
 trap 'rm -r "$folder"' EXIT
 
-# The code under test: yours stands here.
+# The code under test: put yours here.
 print_receipt() {
   printf '\x1b@\x1bt\x13Caf\x82  2.80 \xd5\n\x1bp\0\x19\xfa\x1dVA\0' >"/dev/tcp/$1/$2"
 }

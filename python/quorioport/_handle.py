@@ -26,7 +26,7 @@ def milliseconds(seconds: float, name: str) -> int:
 
 @dataclass(frozen=True)
 class Configuration:
-    """What a port is created with; times are in milliseconds."""
+    """The arguments of a port; times are in milliseconds."""
 
     devices: Sequence[str]
     port_name: str

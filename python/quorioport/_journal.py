@@ -30,7 +30,7 @@ WAITING = ctypes.CFUNCTYPE(None, ctypes.c_void_p)
 
 
 class Request(ctypes.Structure):
-    """What a job is called, and how it is to be treated."""
+    """The name of a job, and how to treat it."""
 
     _fields_ = [
         ("name", ctypes.c_char_p),

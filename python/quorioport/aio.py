@@ -14,7 +14,7 @@ from quorioport.status import Status
 
 
 class AsyncPort:
-    """A Port whose operations are coroutines. What they do and raise is said there.
+    """A Port whose operations are coroutines. Port describes their effects and errors.
 
         async with AsyncPort("tcp:192.0.2.10:9100") as port:
             result = await port.print(receipt)
@@ -156,7 +156,7 @@ class AsyncPrintJob:
         self._progress = progress
         self._running: RunningJob | None = None
         self._is_cancelled = False
-        #: What became of the job; None before its end.
+        #: The result of the job; None before its end.
         self.result: PrintResult | None = None
 
     async def run(self, data: bytes | bytearray | memoryview) -> PrintResult:

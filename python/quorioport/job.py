@@ -1,4 +1,4 @@
-"""One print job: what became of it, and how far it is meanwhile."""
+"""One print job: its result, and its progress."""
 
 from __future__ import annotations
 
@@ -21,7 +21,7 @@ if TYPE_CHECKING:
 
 
 class Outcome(Enum):
-    """What became of a job."""
+    """The outcome of a job."""
 
     #: The printer confirmed that it has printed all of it.
     PRINTED = "printed"
@@ -65,7 +65,7 @@ PROOFS = tuple(Proof)
 
 @dataclass(frozen=True)
 class Progress:
-    """How far a job is: told as it begins, after each piece, as it ends, and when the printer pauses or goes on."""
+    """The progress of a job: reported as it begins, after each piece, as it ends, and if the printer pauses or continues."""
 
     #: How many bytes the link has taken.
     bytes_accepted: int
@@ -76,7 +76,7 @@ class Progress:
 
 @dataclass(frozen=True)
 class PrintResult:
-    """What is known of a job that has ended."""
+    """The result of a job that has ended."""
 
     outcome: Outcome
     obstacle: Obstacle
@@ -207,11 +207,11 @@ class PrintJob:
         self._progress = progress
         self._running: RunningJob | None = None
         self._is_cancelled = False
-        #: What became of the job; None before its end.
+        #: The result of the job; None before its end.
         self.result: PrintResult | None = None
 
     def run(self, data: bytes | bytearray | memoryview) -> PrintResult:
-        """Prints the data and returns what became of it, within the time-outs of the port.
+        """Prints the data and returns the result, within the time-outs of the port.
 
         Ctrl-C cancels the job and is raised after the job has ended; `result` then says how. Raises OperationError
         if the port is not open, UsageError if the job was run before.
@@ -219,7 +219,7 @@ class PrintJob:
         return self._finish(self._start(data, self._progress))
 
     def steps(self, data: bytes | bytearray | memoryview) -> Iterator[Progress]:
-        """Prints the data, and yields how far it is; then `result` is set. Leaving the loop early cancels the job."""
+        """Prints the data, and yields its progress; then `result` is set. Leaving the loop early cancels the job."""
         told: queue.SimpleQueue[Progress | None] = queue.SimpleQueue()
 
         def report(progress: Progress) -> None:

@@ -21,9 +21,9 @@ from quorioport.port import Port
 
 
 class JobState(Enum):
-    """What a journal knows of a job."""
+    """The state of a job in a journal."""
 
-    #: Nothing of it went out in any attempt.
+    #: Nothing of it was sent in any attempt.
     REFUSED = "refused"
     #: Nobody knows whether it is on paper.
     UNCONFIRMED = "unconfirmed"
@@ -54,7 +54,7 @@ class JobRecord:
 
 @dataclass(frozen=True)
 class NamedResult(PrintResult):
-    """What is known of a job under a name."""
+    """The result of a job under a name."""
 
     #: The number of the attempt that decides; 0 before there is one.
     attempt: int
@@ -155,7 +155,7 @@ class Journal:
         progress: Callable[[Progress], object] | None = None,
         timeout: float = 10,
     ) -> NamedResult:
-        """Prints the data under a name, once, and returns what became of it, now or in an earlier call.
+        """Prints the data under a name, once, and returns the result of this call or of an earlier one.
 
         "Begun" is on disk before the first byte goes out, and the outcome before this returns. A job of which nobody
         knows whether it is on paper stays unconfirmed, and nothing is sent, unless `again` says that somebody has

@@ -129,7 +129,7 @@ class Port:
         self._worker.call(self._handle.open)
 
     def close(self) -> None:
-        """Ends the session after what is under way; does nothing if the port is closed."""
+        """Ends the session after the operation under way; does nothing if the port is closed."""
         self._worker.call(self._handle.close)
 
     @property
@@ -161,7 +161,7 @@ class Port:
         proof: Proof = Proof.AUTO,
         progress: Callable[[Progress], object] | None = None,
     ) -> PrintResult:
-        """Prints the data once, and returns what became of it; see PrintJob."""
+        """Prints the data once, and returns the result; see PrintJob."""
         return PrintJob(self, proof=proof, progress=progress).run(data)
 
     def start_job(self, job: RunningJob, data: bytes) -> Future[PrintResult]:
@@ -189,7 +189,7 @@ class Port:
         return self._worker.call(self._handle.button_security_timeout)
 
     def drop_all(self) -> None:
-        """Makes the printer drop what it has received and not printed."""
+        """Makes the printer drop the data that it has received and not printed."""
         self._worker.call(self._handle.drop_all)
 
     def disconnect(self) -> None:

@@ -1,4 +1,4 @@
-"""The virtual printer, for programs and tests: a printer that says what it printed."""
+"""The virtual printer, for programs and tests: a printer that shows its output."""
 
 from __future__ import annotations
 
@@ -22,13 +22,13 @@ PATIENCE = 10.0  # seconds for an answer of the printer's own process
 
 @dataclass(frozen=True)
 class Receipt:
-    """One job as it came out of the printer."""
+    """The output of one job."""
 
     #: The paper as text.
     text: str
     #: The paper as a picture, a PNG.
     picture: bytes
-    #: What the printer noted: cuts, drawer pulses, questions, unknown commands and more.
+    #: The printer's record: cuts, drawer pulses, questions, unknown commands and more.
     record: Mapping[str, Any]
 
 

@@ -1,4 +1,4 @@
-"""Bluetooth printers and the command: what is printed, and what is said when it is not."""
+"""Bluetooth printers and the command: printed receipts, and the answers if nothing is printed."""
 
 import os
 import signal

@@ -92,7 +92,7 @@ class Lane:
         return eventually(lambda: (now := self.printer.state())["buffered"] == 0 and now, "the printer has printed")["printedBytes"]
 
     def tidy(self, job: int, state: str):
-        """What a person does before the next case."""
+        """The person's acts before the next case."""
         if state not in ("completed", "canceled", "aborted"):
             self.scheduler.on_job(ipp.CANCEL_JOB, job)
         if self.scheduler.printer("till")["printer-state"] == [5]:
@@ -100,7 +100,7 @@ class Lane:
         eventually(lambda: not self.back_ends(), "no back end runs")
 
     def settled(self, job: int) -> str:
-        """The state in which the job stays. A peer may hang on its printer for ever, and is ended then."""
+        """The last state of the job. A peer may hang on its printer for ever, and is ended then."""
         try:
             return eventually(lambda: self.state(job), f"job {job} stays as it is")
         except AssertionError:
@@ -111,7 +111,7 @@ class Lane:
         return "hung"
 
     def crash(self, victim: str, moment: float) -> tuple[str, float]:
-        """The state in which the job stays, and how many copies lie on paper."""
+        """The last state of the job, and the number of copies on paper."""
         before = self.paper()
         job = self.scheduler.print_job("till", COPY)
         if self.exe.name == "quor" and not victim.startswith("scheduler"):

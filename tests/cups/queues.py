@@ -1,4 +1,4 @@
-"""What the tests of the back end share: a private scheduler, queues, and printers of which every byte is counted."""
+"""Shared by the tests of the back end: a private scheduler, queues, and printers that count every byte."""
 
 import os
 import shutil
@@ -26,7 +26,7 @@ class QueueCase(Case):
         self.addCleanup(self.end_scheduler)
 
     def end_scheduler(self):
-        """A failure says what the scheduler saw."""
+        """A failure shows the scheduler's log."""
         self.scheduler.end()
         if (log := os.environ.get("QUOR_CUPS_LOG")) is not None:
             shutil.copy(self.scheduler.folder / "error_log", log)
@@ -52,7 +52,7 @@ class QueueCase(Case):
         self.assertEqual(self.scheduler.reasons(queue), set(reasons))
 
     def story(self, job: int) -> str:
-        """What the scheduler wrote about the job."""
+        """The scheduler's log of the job."""
         return "\n".join(line for line in self.scheduler.log().splitlines() if f"[Job {job}]" in line and "envp" not in line)
 
     def back_end_is_gone(self) -> bool:

@@ -28,7 +28,7 @@ class Times(QueueCase):
         return time.monotonic() - began
 
     def test_at_most_150_ms_more_than_a_back_end_that_confirms_nothing(self):
-        """The least of several times each: what others do on the machine makes them longer, and never shorter."""
+        """The least of several times each: other work on the machine makes them longer, and never shorter."""
         ours, theirs = self.simulator(), self.simulator()
         self.queue(ours, "ours")
         self.scheduler.add_queue("theirs", f"socket://{theirs.place.removeprefix('tcp:')}")

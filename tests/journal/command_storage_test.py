@@ -24,7 +24,7 @@ class StorageSweep(Case):
                    env=environment)
 
     def fail_at(self, call: int, later: dict[str, str]) -> bool:
-        """What a command does whose disk fails at that call, and the next one on a sound disk. False if the call was
+        """Runs a command whose disk fails at that call, and then one on a sound disk. False if the call was
         never made."""
         journal, before = self.folder / f"{call}{later}.db", self.paper()
         first = self.print_job(journal, LD_PRELOAD=os.environ["FAULTY_STORAGE"], QUOR_FAILING_CALL=str(call),

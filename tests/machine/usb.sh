@@ -1,4 +1,4 @@
-# USB printers at the kernel's driver: what the command and a kiosk must get right.
+# USB printers at the kernel's driver: the command and a kiosk print on them.
 mount -t configfs none /sys/kernel/config
 
 socket=/run/socket

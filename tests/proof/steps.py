@@ -1,4 +1,4 @@
-"""The programs that a row of the proof runs, parted into units. A unit that was run is not run again."""
+"""The programs that a row of the proof runs, divided into units. A unit that was run is not run again."""
 
 import os
 import re
@@ -160,7 +160,7 @@ class Step:
 
 @dataclass(frozen=True)
 class Portions:
-    """A program whose work is parted: each run does one portion, and its settings say which."""
+    """A program whose work is divided: each run does one portion, and its settings say which."""
 
     command: tuple
     counts: tuple  # how much of it there is, size by size

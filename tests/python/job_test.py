@@ -1,4 +1,4 @@
-"""Print jobs in Python: what became of them, progress, cancelling, and what a program does wrong."""
+"""Print jobs in Python: results, progress, cancelling, and mistakes of the program."""
 
 import os
 import signal

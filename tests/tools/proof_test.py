@@ -17,7 +17,7 @@ ASKS_IN_ORDER = b"\x1d\x72\x01"
 
 class OrdinaryPrinter:
     """Answers `10 04 n`, and of the questions among the data those that it knows. It prints at once; while its
-    cover is open it keeps everything and goes on later. An unknown escape takes one byte with it."""
+    cover is open it keeps everything and continues later. An unknown escape takes one byte with it."""
 
     def __init__(self, *knows: bytes, opens_in_job: bool = False):
         self.knows, self.opens_in_job = knows, opens_in_job
@@ -35,7 +35,7 @@ class OrdinaryPrinter:
                 unread = unread[taken:]
 
     def take(self, unread: bytes) -> int:
-        """Handles what stands at the beginning, and says how many bytes that were; 0 if it is not whole."""
+        """Handles the command at the beginning, and returns its number of bytes; 0 if it is not whole."""
         if not unread:
             return 0
         length = self.length(unread)

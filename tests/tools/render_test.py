@@ -1,4 +1,4 @@
-"""`quorport print` of text in any script and of pictures, and what is printed around them."""
+"""`quorport print` of text in any script and of pictures, and of the commands around them."""
 
 import struct
 import zlib
