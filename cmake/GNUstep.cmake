@@ -18,7 +18,12 @@ endif()
 set(GNUSTEP_FOUND TRUE)
 set(CMAKE_OBJCXX_COMPILER ${QUOR_OBJCXX_COMPILER})
 set(CMAKE_OBJCXX_STANDARD 20)
+# The language's compiler is another one. It must not decide how the headers of C++ are precompiled.
+set(pch_extension ${CMAKE_PCH_EXTENSION})
+set(pch_prologue ${CMAKE_PCH_PROLOGUE})
 enable_language(OBJCXX)
+set(CMAKE_PCH_EXTENSION ${pch_extension})
+set(CMAKE_PCH_PROLOGUE ${pch_prologue})
 
 add_library(gnustep INTERFACE)
 target_include_directories(gnustep SYSTEM INTERFACE ${GNUSTEP_INCLUDE_DIR} ${OBJC_INCLUDE_DIR})

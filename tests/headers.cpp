@@ -1,0 +1,1 @@
+// The source that the precompiled headers of the tests belong to. It holds nothing.
