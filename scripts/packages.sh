@@ -12,9 +12,9 @@ docs_packages=(doxygen)
 package_packages=(build-essential debhelper dh-python libcups2-dev libpappl-dev lintian pybuild-plugin-pyproject python3-all
   python3-setuptools python3-wheel)
 trial_packages=(debootstrap)
-real_packages=(avahi-daemon bluez bluez-test-tools busybox-static chromium clang cups-client cups-daemon cups-ipp-utils
-  fonts-freefont-ttf fonts-wqy-microhei gobjc kmod libcups2-dev libgnustep-base-dev libpappl-dev mypy
-  python3-pytest qemu-system-x86)
+real_packages=(avahi-daemon bluez bluez-test-tools busybox-static chromium clang cups cups-client cups-daemon
+  cups-filters cups-ipp-utils fonts-freefont-ttf fonts-wqy-microhei gobjc kmod libcups2-dev libgnustep-base-dev
+  libpappl-dev mypy python3-pytest qemu-system-x86)
 fuzz_packages=(clang libclang-rt-dev)
 prove_packages=(llvm)
 bench_packages=(libbenchmark-dev libspdlog-dev python3)

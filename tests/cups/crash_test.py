@@ -14,9 +14,8 @@ from pathlib import Path
 
 import ipp
 from harness import Simulator, eventually, main
-from peer import socket_back_end
-from queues import QUOR, SETTLED
-from scheduler import Scheduler
+from queues import QUOR, SETTLED, printed
+from scheduler import SOCKET, Scheduler
 
 MOMENTS = int(os.environ.get("QUOR_CRASH_MOMENTS", "2"))
 POLICIES = ("retry-job", "retry-current-job", "abort-job", "stop-printer")
@@ -88,9 +87,6 @@ class Lane:
             self.scheduler.resume("till")
         return state if state in SETTLED else None
 
-    def paper(self) -> int:
-        return eventually(lambda: (now := self.printer.state())["buffered"] == 0 and now, "the printer has printed")["printedBytes"]
-
     def tidy(self, job: int, state: str):
         """The person's acts before the next case."""
         if state not in ("completed", "canceled", "aborted"):
@@ -112,7 +108,7 @@ class Lane:
 
     def crash(self, victim: str, moment: float) -> tuple[str, float]:
         """The last state of the job, and the number of copies on paper."""
-        before = self.paper()
+        before = printed(self.printer)
         job = self.scheduler.print_job("till", COPY)
         if self.exe.name == "quor" and not victim.startswith("scheduler"):
             # Nobody sees a process that is killed before its first instruction.
@@ -121,7 +117,7 @@ class Lane:
         time.sleep(max(0.0, began + moment - time.monotonic()))  # the moment is what the case is about
         self.strike(victim)
         state = self.settled(job)
-        copies = (self.paper() - before) / len(COPY)
+        copies = (printed(self.printer) - before) / len(COPY)
         self.tidy(job, state)
         return state, copies
 
@@ -137,6 +133,13 @@ def moments(count: int) -> list[float]:
     return [LENGTH * (number + 0.5) / count for number in range(count)]
 
 
+def report(back_end: str, ends: list[tuple[str, float]]):
+    """Of states and copies on paper."""
+    for meaning, is_so in (("jobs more than once on paper", lambda state, copies: copies > 1),
+                           ("jobs completed without all of it on paper", lambda state, copies: state == "completed" and copies < 1)):
+        print(f"{back_end}: {sum(is_so(*end) for end in ends)} of {len(ends)} {meaning}")
+
+
 class Crashes(unittest.TestCase):
     def run_lane(self, policy: str, back_end: str, program: Path, victims: tuple, count: int) -> list[tuple[str, float, str, float]]:
         lane = Lane(policy, back_end, program)
@@ -146,7 +149,7 @@ class Crashes(unittest.TestCase):
             lane.close()
 
     def test_no_job_is_printed_twice_and_none_is_completed_without_paper(self):
-        states = collections.Counter()
+        ends = []
         with concurrent.futures.ThreadPoolExecutor(len(POLICIES)) as lanes:
             results = lanes.map(lambda policy: self.run_lane(policy, "quor", QUOR, VICTIMS, MOMENTS), POLICIES)
             for policy, cases in zip(POLICIES, results):
@@ -155,21 +158,19 @@ class Crashes(unittest.TestCase):
                         self.assertLessEqual(copies, 1, f"{state}, and {copies} copies")
                         if state == "completed":
                             self.assertEqual(copies, 1, "completed without paper")
-                    states[state] += 1
+                    ends.append((state, copies))
+        states = collections.Counter(state for state, _ in ends)
         self.assertGreater(states["completed"], 0)
         self.assertGreater(states["held"], 0, "nothing was struck in its middle")
-        print(f"quor: {dict(states)}")
-        print(f"{sum(states.values())} cases")
+        report("quor", ends)
+        print(f"{len(ends)} cases: jobs that are {dict(states)}")
 
     def test_the_print_systems_own_back_end_beside_it(self):
         """Nothing is asserted of it: its figures are what ours are compared with. Half of the moments."""
-        program = socket_back_end(Path(tempfile.gettempdir()) / "quor-peer")
         victims = ("worker", "scheduler stopped", "scheduler killed")
         with concurrent.futures.ThreadPoolExecutor(len(POLICIES)) as lanes:
-            cases = sum(lanes.map(lambda policy: self.run_lane(policy, "socket", program, victims, (MOMENTS + 1) // 2), POLICIES), [])
-        twice = sum(copies > 1 for _, _, _, copies in cases)
-        claimed = sum(state == "completed" and copies < 1 for _, _, state, copies in cases)
-        print(f"socket: of {len(cases)} jobs {twice} more than once on paper, {claimed} completed without all of it")
+            cases = sum(lanes.map(lambda policy: self.run_lane(policy, "socket", SOCKET, victims, (MOMENTS + 1) // 2), POLICIES), [])
+        report("socket", [(state, copies) for _, _, state, copies in cases])
 
 
 if __name__ == "__main__":

@@ -13,10 +13,14 @@ import ipp
 from harness import DEADLINE, eventually
 
 DAEMON, HELPER = Path("/usr/sbin/cupsd"), Path("/usr/lib/cups/daemon/cups-exec")
+FILTERS = Path("/usr/lib/cups/filter")
+SOCKET = Path("/usr/lib/cups/backend/socket")  # the print system's own back end for network printers
 NOBODY = 65534  # root's scheduler would run back ends as another user than itself
 
 STATES = {3: "pending", 4: "held", 5: "processing", 6: "stopped", 7: "canceled", 8: "aborted", 9: "completed"}
 ENDED = ("canceled", "aborted", "completed")
+
+RAW, TEXT = "application/vnd.cups-raw", "text/plain"  # the formats of documents
 
 SETTINGS = """
 LogLevel debug
@@ -39,6 +43,35 @@ JobRetryLimit 3
   </Limit>
 </Policy>
 """
+
+BANNER = b"--- a banner page\n"
+
+# A queue with a filter of its own, which writes what it reads.
+DRIVER = b"""*PPD-Adobe: "4.3"
+*FormatVersion: "4.3"
+*FileVersion: "1.0"
+*LanguageVersion: English
+*LanguageEncoding: ISOLatin1
+*PCFileName: "TILL.PPD"
+*Manufacturer: "Till"
+*Product: "(Till)"
+*ModelName: "Till"
+*ShortNickName: "Till"
+*NickName: "Till"
+*PSVersion: "(3010.000) 0"
+*cupsFilter: "text/plain 0 same"
+*OpenUI *PageSize: PickOne
+*DefaultPageSize: Roll
+*PageSize Roll/Roll: ""
+*CloseUI: *PageSize
+*DefaultPageRegion: Roll
+*PageRegion Roll/Roll: ""
+*DefaultImageableArea: Roll
+*ImageableArea Roll: "0 0 204 842"
+*DefaultPaperDimension: Roll
+*PaperDimension Roll: "204 842"
+"""
+SAME = '#!/bin/sh\nexec cat "$6"\n'
 
 FILES = """
 ServerRoot {folder}/etc
@@ -67,6 +100,12 @@ class Scheduler:
         for name in ("etc", "bin/backend", "bin/daemon", "bin/filter", "data", "state/certs", "cache", "spool/tmp", "temp"):
             (folder / name).mkdir(parents=True)
         shutil.copytree("/usr/share/cups/mime", folder / "data/mime")
+        (folder / "data/banners").mkdir()
+        (folder / "data/banners/slip").write_bytes(BANNER)
+        for program in FILTERS.glob("*"):
+            (folder / "bin/filter" / program.name).symlink_to(program)
+        (folder / "bin/filter/same").write_text(SAME)
+        (folder / "bin/filter/same").chmod(0o755)
         shutil.copy(HELPER, folder / "bin/daemon")
         for name, program in back_ends.items():
             shutil.copy(program, folder / "bin/backend" / name)
@@ -75,7 +114,7 @@ class Scheduler:
         (folder / "etc/cups-files.conf").write_text(FILES.format(folder=folder))
         if os.geteuid() == 0:
             for path in (folder, *folder.rglob("*")):
-                os.chown(path, NOBODY, NOBODY)
+                os.chown(path, NOBODY, NOBODY, follow_symlinks=False)
         self.start()
 
     # -- The process --------------------------------------------------------------------------------------------------
@@ -111,16 +150,31 @@ class Scheduler:
     def ask(self, operation: int, *attributes: bytes, resource: str = "/", data: bytes = b"", **groups) -> list[dict]:
         return ipp.ask(self.socket, ipp.request(operation, *attributes, **groups), data, resource)
 
-    def add_queue(self, name: str, uri: str, policy: str = "retry-job"):
-        self.ask(ipp.ADD_PRINTER, printer_uri(name), resource="/admin/", printer=(
-            ipp.attribute(ipp.URI, "device-uri", uri), ipp.attribute(ipp.NAME, "printer-error-policy", policy),
-            ipp.attribute(ipp.ENUM, "printer-state", 3), ipp.attribute(ipp.BOOLEAN, "printer-is-accepting-jobs", True)))
+    def add_queue(self, name: str, uri: str, policy: str = "retry-job", driver: bytes = b""):
+        """A queue for bytes as they are, unless a driver is given."""
+        self.ask(ipp.ADD_PRINTER, printer_uri(name), resource="/admin/", data=driver, printer=(
+            ipp.attribute(ipp.URI, "device-uri", uri), ipp.attribute(ipp.NAME, "printer-error-policy", policy), *READY))
 
-    def print_job(self, queue: str, data: bytes, *job_attributes: bytes) -> int:
-        answer = self.ask(ipp.PRINT_JOB, printer_uri(queue), user(), ipp.attribute(ipp.NAME, "job-name", "receipt"),
-                          ipp.attribute(ipp.FORMAT, "document-format", "application/vnd.cups-raw"),
-                          resource=f"/printers/{queue}", job=job_attributes, data=data)
+    def add_class(self, name: str, *queues: str):
+        members = ipp.attribute(ipp.URI, "member-uris", *(f"ipp://localhost/printers/{queue}" for queue in queues))
+        self.ask(ipp.ADD_CLASS, ipp.attribute(ipp.URI, "printer-uri", f"ipp://localhost/classes/{name}"), resource="/admin/",
+                 printer=(members, *READY))
+
+    def print_job(self, queue: str, data: bytes, *job_attributes: bytes, kind: str = RAW, place: str = "printers") -> int:
+        answer = self.ask(ipp.PRINT_JOB, ipp.attribute(ipp.URI, "printer-uri", f"ipp://localhost/{place}/{queue}"), user(),
+                          ipp.attribute(ipp.NAME, "job-name", "receipt"), ipp.attribute(ipp.FORMAT, "document-format", kind),
+                          resource=f"/{place}/{queue}", job=job_attributes, data=data)
         return answer[0]["job-id"][0]
+
+    def print_documents(self, queue: str, *documents: bytes, kind: str = RAW) -> int:
+        """One job of several documents."""
+        job, = self.ask(ipp.CREATE_JOB, printer_uri(queue), user(), resource=f"/printers/{queue}")
+        for number, document in enumerate(documents, 1):
+            self.ask(ipp.SEND_DOCUMENT, ipp.attribute(ipp.URI, "job-uri", job["job-uri"][0]), user(),
+                     ipp.attribute(ipp.FORMAT, "document-format", kind),
+                     ipp.attribute(ipp.BOOLEAN, "last-document", number == len(documents)),
+                     resource=f"/printers/{queue}", data=document)
+        return job["job-id"][0]
 
     def on_job(self, operation: int, job: int):
         self.ask(operation, ipp.attribute(ipp.URI, "job-uri", f"ipp://localhost/jobs/{job}"), user(), resource="/jobs/")
@@ -149,6 +203,9 @@ class Scheduler:
 
     def await_state(self, job: int, *states: str) -> str:
         return eventually(lambda: (now := self.state(job)) in states and now, f"job {job} is {' or '.join(states)}")
+
+
+READY = (ipp.attribute(ipp.ENUM, "printer-state", 3), ipp.attribute(ipp.BOOLEAN, "printer-is-accepting-jobs", True))
 
 
 def printer_uri(name: str) -> bytes:

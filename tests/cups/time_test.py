@@ -2,22 +2,19 @@
 
 import statistics
 import subprocess
-import tempfile
 import time
 import unittest
-from pathlib import Path
 
 from harness import main
-from peer import socket_back_end
 from queues import QUOR, QueueCase
-from scheduler import as_nobody
+from scheduler import SOCKET, as_nobody
 
 LEAST, GREATEST = 9, 40  # how many times each
 MOST = 0.150  # seconds more than the peer
 
 
 class Times(QueueCase):
-    back_ends = {"quor": QUOR, "socket": socket_back_end(Path(tempfile.gettempdir()) / "quor-peer")}
+    back_ends = {"quor": QUOR, "socket": SOCKET}
 
     def seconds(self, queue: str, file: str) -> float:
         began = time.monotonic()
@@ -37,8 +34,9 @@ class Times(QueueCase):
         while len(mine) < LEAST or (min(mine) - min(peers) >= MOST and len(mine) < GREATEST):
             mine.append(self.seconds("ours", file))
             peers.append(self.seconds("theirs", file))
-        for name, times in (("quor", mine), ("socket", peers)):
-            print(f"{name}: least {min(times) * 1000:.0f} ms, median {statistics.median(times) * 1000:.0f} ms of {len(times)}")
+        said = [f"{name} least {min(times) * 1000:.0f} ms, median {statistics.median(times) * 1000:.0f} ms"
+                for name, times in (("quor", mine), ("socket", peers))]
+        print(f"{len(mine) + len(peers)} cases: {'; '.join(said)}")
         self.assertLess(min(mine) - min(peers), MOST)
 
 

@@ -1,0 +1,83 @@
+"""Jobs of several documents, such as a receipt between two banner pages, and jobs of several copies."""
+
+import ipp
+from harness import main
+from queues import RECEIPT, QueueCase, eventually
+from scheduler import BANNER, DRIVER, TEXT
+
+FIRST, SECOND = b"the first document\n" * 3, b"the second document\n" * 3
+
+
+class DocumentCase(QueueCase):
+    def setUp(self):
+        super().setUp()
+        self.receipts = self.folder / "receipts"
+        self.printer = self.simulator("tcp:0", "--receipts", str(self.receipts))
+
+    def filtered_queue(self, name: str = "till") -> str:
+        """A queue whose jobs pass a filter: the back end gets them through a pipe."""
+        place = self.printer.place.removeprefix("tcp:")
+        self.scheduler.add_queue(name, f"quor:/tcp/{place}", driver=DRIVER)
+        return name
+
+    def paper(self) -> str:
+        """All that lies on paper, in its order; the printer is ended."""
+        self.printer.control({"quit": True})
+        self.printer.process.wait()
+        return "".join(receipt.read_text() for receipt in sorted(self.receipts.glob("*.txt")))
+
+    def assertPaper(self, *documents: bytes):
+        self.assertEqual(self.paper(), b"".join(documents).decode())
+
+
+class Documents(DocumentCase):
+    def test_of_a_raw_queue_are_each_printed_once(self):
+        job = self.scheduler.print_documents(self.queue(self.printer), FIRST, SECOND)
+        self.assertSettles(job, "completed")
+        self.assertPaper(FIRST, SECOND)
+
+    def test_that_pass_a_filter_are_each_printed_once(self):
+        job = self.scheduler.print_documents(self.filtered_queue(), FIRST, SECOND, FIRST, kind=TEXT)
+        self.assertSettles(job, "completed")
+        self.assertPaper(FIRST, SECOND, FIRST)
+
+    def test_that_a_person_sends_again_are_printed_again(self):
+        job = self.scheduler.print_documents(self.filtered_queue(), FIRST, SECOND, kind=TEXT)
+        self.assertSettles(job, "completed")
+        self.scheduler.on_job(ipp.RESTART_JOB, job)
+        eventually(lambda: self.copies(self.printer, len(FIRST + SECOND)) == 2, "the second print")
+        self.assertSettles(job, "completed")
+        self.assertPaper(FIRST, SECOND, FIRST, SECOND)
+
+
+class Banners(DocumentCase):
+    SHEETS = ipp.attribute(ipp.NAME, "job-sheets", "slip", "slip")
+
+    def test_lie_before_and_after_a_receipt_of_a_raw_queue(self):
+        self.assertSettles(self.print_job(self.queue(self.printer), RECEIPT, self.SHEETS), "completed")
+        self.assertPaper(BANNER, RECEIPT, BANNER)
+
+    def test_lie_before_and_after_a_receipt_that_passes_a_filter(self):
+        job = self.scheduler.print_job(self.filtered_queue(), RECEIPT, self.SHEETS, kind=TEXT)
+        self.assertSettles(job, "completed")
+        self.assertPaper(BANNER, RECEIPT, BANNER)
+
+
+class Copies(DocumentCase):
+    THREE = ipp.attribute(ipp.INTEGER, "copies", 3)
+
+    def test_are_each_confirmed(self):
+        job = self.print_job(self.queue(self.printer), RECEIPT, self.THREE)
+        self.assertSettles(job, "completed")
+        self.assertEqual(self.story(job).count("PAGE: "), 3)
+        self.assertPaper(RECEIPT * 3)
+
+    def test_are_one_block_if_the_queue_says_so(self):
+        job = self.print_job(self.queue(self.printer, query="?copies=together"), RECEIPT, self.THREE)
+        self.assertSettles(job, "completed")
+        self.assertEqual(self.story(job).count("PAGE: "), 1)
+        self.assertPaper(RECEIPT * 3)
+
+
+if __name__ == "__main__":
+    main()

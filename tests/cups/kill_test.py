@@ -1,0 +1,40 @@
+"""The process that waits for the one that prints is killed at each of its system calls."""
+
+import os
+import subprocess
+
+from harness import main
+from program import DONE, ProgramCase
+from queues import QUOR, RECEIPT, printed
+
+KILL_AT = os.environ["KILL_AT"]
+KILLED = 137
+FIRST_FILE = "/stat"  # calls are counted from its opening: the scheduler's record in /proc, read before anything else is done
+
+
+class Killed(ProgramCase):
+    def killed_at(self, call: int) -> tuple[int, bool, bool]:
+        """The exit code, whether the scheduler is told to stop the queue, and whether the receipt is on paper."""
+        before = printed(self.printer)
+        under = (KILL_AT, str(call), FIRST_FILE, QUOR)
+        code, said = self.run_to_end(self.start(self.printer, self.receipt, options=f"job-uuid={call}", under=under))
+        return code, "STATE: paused\n" in said, printed(self.printer) > before
+
+    def test_it_is_never_missed(self):
+        self.printer, self.receipt = self.simulator(), self.file("receipt", RECEIPT)
+        call, code = 0, KILLED
+        while code == KILLED:
+            call += 1
+            code, is_told, is_printed = self.killed_at(call)
+            self.assertTrue(is_told or is_printed, f"call {call}")
+        self.assertEqual(code, DONE)
+        self.assertGreater(call, 10)
+        print(f"{call} cases")
+
+    def test_the_print_systems_library_does_not_delay_its_beginning(self):
+        said = subprocess.run(["ldd", QUOR], capture_output=True, text=True, check=True).stdout
+        self.assertNotIn("libcups", said)
+
+
+if __name__ == "__main__":
+    main()

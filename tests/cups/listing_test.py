@@ -1,0 +1,96 @@
+"""The printers that the back end lists, and the ways to one that the URI of a queue names."""
+
+import os
+import socket
+import subprocess
+import time
+
+from harness import DEADLINE, eventually, main
+from private_bus import BusCase
+from queues import QUOR, RECEIPT, least
+
+ADDRESS = "01:23:45:67:89:AB"
+LIMIT = 3  # seconds that a list may take
+
+
+class Listing(BusCase):
+    def list(self) -> tuple[str, float]:
+        """The lines of a list, and how long it took."""
+        began = time.monotonic()
+        said = subprocess.run([QUOR], capture_output=True, text=True, timeout=DEADLINE, env=self.environment)
+        self.assertEqual(said.returncode, 0, said)
+        return said.stdout, time.monotonic() - began
+
+    def assertInTime(self):
+        self.assertLess(least(lambda: self.list()[1], LIMIT), LIMIT)
+
+    def test_has_a_line_for_each_printer_in_the_form_of_the_print_system(self):
+        self.bluetooth("alias=Kitchen", "another=01:23:45:67:89:AC", 'alias=The "best"')
+        lines = [line for line in self.list()[0].splitlines() if "bluetooth" in line]
+        self.assertEqual(lines, [
+            f'direct quor:/bluetooth/{ADDRESS} "Unknown" "Kitchen" "CLS:PRINTER;" ""',
+            r'direct quor:/bluetooth/01:23:45:67:89:AC "Unknown" "The \"best\"" "CLS:PRINTER;" ""'])
+
+    def test_takes_less_than_three_seconds(self):
+        self.bluetooth()
+        self.assertInTime()
+
+    def test_takes_no_longer_if_the_services_never_answer(self):
+        listener = socket.socket(socket.AF_UNIX)
+        self.addCleanup(listener.close)
+        listener.bind(str(self.socket))
+        listener.listen()
+        self.assertInTime()
+
+    def test_is_not_kept_by_a_system_without_services(self):
+        self.assertInTime()
+
+
+class Uris(BusCase):
+    def start(self, uri: str) -> subprocess.Popen:
+        process = subprocess.Popen([QUOR, "1", "anna", "receipt", "1", f"job-uuid={uri}", self.file("data", RECEIPT)],
+                                   stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True,
+                                   env=self.environment | {"DEVICE_URI": uri, "CUPS_CACHEDIR": str(self.folder)})
+        self.addCleanup(process.stderr.close)
+        self.addCleanup(process.wait)
+        self.addCleanup(process.kill)
+        return process
+
+    def why_it_waits(self, uri: str) -> str:
+        for line in self.start(uri).stderr:
+            if line.startswith("INFO: waiting: "):
+                return line
+        raise AssertionError(f"{uri} is not waited for")
+
+    def assertPrints(self, uri: str, printer):
+        process = self.start(uri)
+        said = process.stderr.read()
+        self.assertEqual(process.wait(DEADLINE), 0, said)
+        eventually(lambda: printer.state()["printedBytes"] == len(RECEIPT), "the receipt is on paper")
+
+    def test_name_a_printer_at_a_local_socket(self):
+        printer = self.simulator(f"unix:{self.folder}/a printer")
+        self.assertPrints(f"quor:/unix{self.folder}/a%20printer", printer)
+
+    def test_name_a_printer_on_a_serial_line(self):
+        printer = self.simulator("pty:")
+        self.assertPrints(f"quor:/serial{printer.place.removeprefix('pty:').removeprefix('serial:')}?baud=115200", printer)
+
+    def test_name_a_printer_that_is_paired(self):
+        printer = self.simulator(f"unix:{self.folder}/printer")
+        self.bluetooth(printer=printer.place.partition(":")[2])
+        self.assertPrints(f"quor:/bluetooth/{ADDRESS}", printer)
+
+    def test_that_are_the_text_of_a_device_name_it(self):
+        printer = self.simulator()
+        self.assertPrints(f"quor:{printer.place},name=Kitchen", printer)
+
+    def test_of_printers_that_are_not_there_say_what_is_missing(self):
+        self.assertRegex(self.why_it_waits("quor:/usb/4711"), "4711")
+        self.assertRegex(self.why_it_waits("quor:/serial/dev/ttyNone"), "ttyNone")
+        self.assertRegex(self.why_it_waits("quor:/unix/run/nobody"), "/run/nobody")
+        self.assertRegex(self.why_it_waits(f"quor:/bluetooth/{ADDRESS}"), "[Bb]luetooth|bus")
+
+
+if __name__ == "__main__":
+    main()
