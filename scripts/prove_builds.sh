@@ -26,7 +26,7 @@ preset() { # preset PRESET [BUILD OPTIONS …]
   cmake --build --preset "$1" "${@:2}"
 }
 
-wanted model faults allocations torture jobs proofs schedules clocks bounds threads soak machine audit && preset default
+wanted model faults allocations torture jobs proofs schedules clocks bounds threads soak journal machine queues audit && preset default
 wanted fuzz && preset fuzz
 wanted coverage && preset coverage
 if wanted sanitizers; then

@@ -126,7 +126,8 @@ ROWS = (
     Row("queues", "Jobs of a queue", "the processes of the print system's back end and its scheduler are killed at moments of "
         "a job, under every error policy, and eight clients share four queues whose printers fail: never two copies without a "
         "person, never completed without paper",
-        (queues("crash_test.py", QUOR_CRASH_MOMENTS=(2, 20, 20)), queues("load_test.py", QUOR_QUEUE_JOBS=(40, 200, 1000))),
+        (queues("crash_test.py", QUOR_CRASH_MOMENTS=(2, 20, 20)), queues("load_test.py", QUOR_QUEUE_JOBS=(40, 200, 1000)),
+         queues("time_test.py")),
         "all of it, with `--real`"),
     Row("coverage", "Branch coverage", "of the port, the parsers, the print job, the logger, the back ends, the C interface "
         "and the virtual printer's replies", (Step(python("coverage.py", "build-coverage")),), NOTHING),
