@@ -2,7 +2,6 @@
 # static, and what is installed with it. Headers are installed below include/quordalvane/ in the
 # folders of the tree, and that folder is also searched, so that a program includes them as the
 # project's own sources do.
-include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 include(PublicHeaders)
 
