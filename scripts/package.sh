@@ -4,13 +4,20 @@
 set -euo pipefail
 folder=$1
 sources=$folder/sources
+export PATH=/usr/sbin:/usr/bin:/sbin:/bin # Debian's tools, and no other Python
 
 rm -rf "$folder"
 mkdir -p "$sources"
 tar --create --exclude=./.git --exclude=./build --exclude='./build-*' . |
   tar --extract --directory "$sources"
 (cd "$sources" && dpkg-buildpackage --build=binary --no-sign)
-(cd "$sources/python" && python3 -c 'import setuptools.build_meta as build; build.build_wheel("../..")')
+cp "$sources/LICENSE" "$sources/python"
+(
+  cd "$sources/python"
+  SOURCE_DATE_EPOCH=$(dpkg-parsechangelog --file ../debian/changelog --show-field Timestamp)
+  export SOURCE_DATE_EPOCH # the same sources give the same file
+  python3 -c 'import setuptools.build_meta as build; build.build_wheel("../..")'
+)
 rm -rf "$sources"
 lintian --allow-root --fail-on error,warning --tag-display-limit 0 "$folder"/*.changes
 echo "The packages:"

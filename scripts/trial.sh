@@ -1,16 +1,27 @@
 #!/usr/bin/env bash
-# trial.sh FOLDER: acts as a new user, in a bare Debian system that it makes in FOLDER/bare: installs the
-# packages of FOLDER, compiles the program of the README as it is printed there, runs it against a served
-# printer, and shows the receipt. It needs root, debootstrap and the network. The bare system sees nothing
-# of this one. Each step shows how long it took.
+# trial.sh FOLDER: acts as a new user, in a bare Debian system that it makes in FOLDER/bare: installs the packages of
+# FOLDER and runs the scripts of scripts/trial there, each of which begins with its claim. It needs root, debootstrap
+# and the network. The bare system sees nothing of this one, and what is tried there has a network of its own: no port
+# of this machine is in the way. Each step shows how long it took.
 set -euo pipefail
 folder=$1
 root=$folder/bare
 suite=$(. /etc/os-release && echo "$VERSION_CODENAME")
 
+# What the packages do not bring along, and what they only recommend.
+tools=(cmake g++ iproute2 ninja-build pkg-config)
+recommended=(cups fonts-dejavu-core libzint-dev python3-venv systemd)
+
+# Each is tried where the ones before it have been.
+trials=(programs programs_in_c readme_program python wheel print_system printer_application)
+longest=300 # seconds
+
+# inside WORD … COMMAND: root's shell runs the command in the bare system, in the folder of the trials; the words are
+# options of unshare. No process of it is left over.
 inside() {
-  chroot "$root" env --ignore-environment HOME=/root PATH=/usr/sbin:/usr/bin:/sbin:/bin \
-    DEBIAN_FRONTEND=noninteractive bash -ec "cd /root; $1"
+  unshare --mount --pid --fork --kill-child --mount-proc --root="$root" --wd=/trial "${@:1:$#-1}" \
+    env --ignore-environment HOME=/trial PATH=/usr/sbin:/usr/bin:/sbin:/bin DEBIAN_FRONTEND=noninteractive \
+    bash -euc "${*: -1}"
 }
 
 # step NAME COMMAND …: runs the command; shows its output if it fails.
@@ -25,17 +36,20 @@ step() {
   printf '%5d.%d s  %s\n' $((milliseconds / 1000)) $((milliseconds / 100 % 10)) "$1"
 }
 
+# The first line of a trial.
+claim_of() {
+  sed -n '1s/^# \(.*\)\.$/\1/p' "scripts/trial/$1.sh"
+}
+
 rm -rf "$root"
 step "a bare Debian $suite" debootstrap --variant=minbase "$suite" "$root"
-cp "$folder"/*.deb "$root/root/"
-step "the packages, a compiler and pkg-config installed" \
-  inside "apt-get install --quiet --yes --no-install-recommends g++ pkg-config ./*.deb"
-sed -n '/^```cpp$/,/^```$/{//!p}' README.md >"$root/root/program.cpp"
-step "the README's program compiled as it is printed there" \
-  inside "$(sed -n 's/^\$ \(g++ .*\)/\1/p' README.md)"
-step "its receipt printed by a served printer" \
-  inside 'quorport simulate --listen tcp:9100 --receipts paper >listening & trap "kill $!" EXIT
-          until [ -s listening ]; do sleep 0.01; done
-          ./a.out
-          until [ -s paper/receipt-0001.txt ]; do sleep 0.01; done'
-cat "$root/root/paper/receipt-0001.txt"
+echo "127.0.0.1 localhost" >"$root/etc/hosts" # as an installer does
+cp -r scripts/trial "$root/trial"
+mkdir "$root/trial/packages"
+cp "$folder"/*.deb "$folder"/*.whl "$root/trial/packages"
+step "the packages and the tools of a developer installed" inside \
+  "rm -f packages/*-dbgsym_*; apt-get install --quiet --yes --no-install-recommends ${tools[*]} ${recommended[*]} ./packages/*.deb"
+for trial in "${trials[@]}"; do
+  step "$(claim_of "$trial")" inside --net "ip link set lo up; timeout $longest bash -euo pipefail $trial.sh"
+done
+cat "$root/trial/paper/receipt-0001.txt"

@@ -1,0 +1,7 @@
+# The README's program in Python prints, with the Debian package.
+. ./printer.sh
+serve_printer
+programs_of python "$pages/README.md" >program.py
+python3 program.py | tee said
+grep -x printed said
+await_paper "THE CORNER BAKERY"
