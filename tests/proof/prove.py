@@ -126,6 +126,7 @@ def main() -> int:
     if chosen.page:
         PAGE.write_text(written(figures(PAGE.read_text())))
         return 0
+    FOLDER.mkdir(parents=True, exist_ok=True)
     ledger, state = Ledger("units"), state_of_sources()
     rows = [row for row in ROWS if not chosen.rows or row.key in chosen.rows]
     failed = [row.title for row in rows if not Clock.is_over() and not prove(row, chosen.size, ledger, state)]

@@ -3,6 +3,7 @@
 import json
 import os
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -106,6 +107,19 @@ class Rows(Folder):
         with mock.patch.object(steps.Clock, "left", side_effect=lambda: len(begun.read_text())):
             figures = self.run_row(steps.Step((sys.executable, "-c", code), ends_itself=True))
         self.assertEqual((figures["cases"], figures["far"], figures["result"]), ("3", "25.0%", "port: 3 of 3 killed"))
+
+
+@unittest.skipUnless(shutil.which("git"), "needs git")
+class Main(Folder):
+    def test_a_run_that_is_stopped_before_its_first_row_in_a_new_tree_ends_well(self):
+        folder, page_before = self.folder / "build/proof", page.PAGE.read_text()
+        self.addCleanup(setattr, steps.Clock, "end", float("inf"))
+        for number in (signal.SIGINT, signal.SIGTERM):
+            self.addCleanup(signal.signal, number, signal.getsignal(number))
+        with mock.patch.object(sys, "argv", ["prove", "--minutes", "0", "clocks"]), mock.patch.object(prove, "FOLDER", folder), \
+                mock.patch.object(prove, "Ledger", lambda name: ledger.Ledger(name, folder)):
+            self.assertEqual(prove.main(), 0)
+        self.assertEqual(page.PAGE.read_text(), page_before)
 
 
 class Page(unittest.TestCase):
