@@ -18,6 +18,10 @@ def digest(files: list[Path]) -> str:
     return total.hexdigest()[:16]
 
 
+def digest_of_texts(*texts: str) -> str:
+    return hashlib.sha256("\0".join(texts).encode()).hexdigest()[:16]
+
+
 class Ledger:
     """A table of answers for each subject, in one file. One process writes it at a time."""
 

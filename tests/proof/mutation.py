@@ -1,16 +1,18 @@
 """Changes small things in the product, one at a time, and sees whether a test notices.
 
 Usage: mutation.py COUNT [--seed SEED] [AREA …]. Of all mutants that the operators make of an area's sources
-COUNT are drawn by SEED (1 unless given); 0 is all of them. A mutant that does not compile is drawn again.
+COUNT are drawn by SEED (1 unless given); 0 is all of them. A mutant that does not compile is drawn again. A change
+elsewhere in the sources leaves the draw as it is.
 
-The result of each mutant is kept in build/proof/mutants.json while neither the sources nor the tests of its area
-change, so that a run that was stopped (SIGINT, SIGTERM) continues at the same point.
+The result of each mutant is kept in build/proof/mutants.json, so that a run that was stopped (SIGINT, SIGTERM)
+continues at the same point. A mutant that a test noticed is not tried again while its source and that test are
+the same; any other is tried again after each change of the sources or the tests of its area.
 
 Survivors must be explained in survivors.md; fails when one is not, or when fewer than 95 of 100 are killed.
 """
 
 import argparse
-import random
+import hashlib
 import re
 import signal
 import sys
@@ -19,7 +21,7 @@ from dataclasses import dataclass
 
 import areas
 import scratch
-from ledger import Ledger, digest
+from ledger import Ledger, digest, digest_of_texts
 
 ENOUGH = 0.95
 AT_ONCE = 40  # mutants of one file follow each other, as far as they are in the same handful
@@ -97,43 +99,70 @@ def explanations() -> dict[str, str]:
     return {"|".join(row[:3]): row[3] for row in cells}
 
 
+def body_of(test: str, sources: str) -> str:
+    """The text of the test that was named, of any kind; nothing if it is not found."""
+    named = re.fullmatch(r"(?:\w+/)?(?:(\w+)\.)?(\w+)(?:/\w+)?", test)
+    head = named and (rf"TEST(?:_F|_P)?\({named[1]},\s+{named[2]}\)" if named[1] else rf"static void {named[2]}\(void\)")
+    found = head and re.search(rf"^{head} \{{.*?^\}}", sources, re.M | re.S)
+    return found.group() if found else ""
+
+
 class Tried:
     """The mutants of one area, in the order in which they are drawn, and their results."""
 
     def __init__(self, area: areas.Area, seed: int, ledger: Ledger):
         self.area, self.ledger = area, ledger
-        self.drawn = mutants(area)
-        random.Random(seed).shuffle(self.drawn)
-        self.answers = ledger.of(area.name, digest(area.everything()))
+        self.sources = {str(file.relative_to(areas.ROOT)): file.read_text() for file in area.files()}
+        self.tests = "\n".join(file.read_text() for file in area.everything() if file not in area.files())
+        self.whole = digest(area.everything())
+        self.drawn = sorted(mutants(area), key=lambda one: self.lot(one, seed))
+        self.answers = ledger.of(area.name, "")
+
+    def lot(self, mutant: Mutant, seed: int) -> bytes:
+        text = self.sources[mutant.path]
+        earlier = text[: mutant.start].count("\n" + text[text.rfind("\n", 0, mutant.start) + 1 : mutant.end])
+        return hashlib.sha256(f"{seed} {mutant.path} {mutant.describe(text)} {earlier}".encode()).digest()
 
     def key(self, mutant: Mutant) -> str:
         return f"{mutant.path}:{mutant.start}:{mutant.new}"
 
+    def state(self, mutant: Mutant, answer: str) -> str:
+        """What the answer depends on."""
+        if answer == "compiler":
+            return digest_of_texts(self.sources[mutant.path])
+        test = body_of(answer, self.tests)
+        return digest_of_texts(self.sources[mutant.path], test) if test else self.whole
+
+    def answer(self, mutant: Mutant) -> str | None:
+        kept = self.answers.get(self.key(mutant))
+        return kept["answer"] if kept and kept["state"] == self.state(mutant, kept["answer"]) else None
+
     def counted(self, count: int) -> list[Mutant]:
         """The first COUNT mutants that were tried and do compile."""
-        tried = [one for one in self.drawn if self.answers.get(self.key(one), "compiler") != "compiler"]
+        tried = [one for one in self.drawn if self.answer(one) not in (None, "compiler")]
         return tried[: count or None]
 
     def missing(self, count: int) -> list[Mutant]:
         """The next to try, as many as are missing, those of one file side by side."""
-        wanting = len(self.drawn) if count == 0 else count - len(self.counted(count))
-        untried = [one for one in self.drawn if self.key(one) not in self.answers]
-        return sorted(untried[: min(wanting, AT_ONCE)], key=lambda one: (one.path, one.start))
+        known = {one: self.answer(one) for one in self.drawn}
+        compiling = [one for one in self.drawn if known[one] != "compiler"][: count or None]
+        untried = [one for one in compiling if known[one] is None]
+        return sorted(untried[:AT_ONCE], key=lambda one: (one.path, one.start))
 
     def run(self, count: int):
         while handful := self.missing(count):
             for mutant in handful:
                 text = (scratch.TREE / mutant.path).read_text()
-                caught = scratch.try_text(self.area, mutant.path, mutant.apply(text)) or "survived"
-                self.answers[self.key(mutant)] = caught
+                answer = scratch.try_text(self.area, mutant.path, mutant.apply(text)) or "survived"
+                self.answers[self.key(mutant)] = {"answer": answer, "state": self.state(mutant, answer)}
                 self.ledger.keep()
-                print(f"{mutant.path}: {mutant.describe(text)[1]}: {caught}", file=sys.stderr, flush=True)
+                print(f"{mutant.path}: {mutant.describe(text)[1]}: {answer}", file=sys.stderr, flush=True)
 
     def survivors(self, count: int, known: dict[str, str]) -> list[tuple[str, str]]:
         """A row of the table for each, and its explanation or nothing."""
         rows = []
         for mutant in self.counted(count):
-            if self.answers[self.key(mutant)] == "survived":
+            if self.answer(mutant) == "survived":
                 lines = mutant.describe((areas.ROOT / mutant.path).read_text())
                 old, new = (line.replace("|", r"\|") for line in lines)
                 why = known.get(f"{mutant.path}|{old}|{new}", "")
@@ -169,7 +198,7 @@ def report(tried: list[Tried], count: int, seed: int) -> int:
     known, total, isGood = explanations(), Counter(), True
     for one in tried:
         counted, survivors = one.counted(count), one.survivors(count, known)
-        goal = sum(one.answers.get(one.key(mutant)) != "compiler" for mutant in one.drawn)
+        goal = sum(one.answer(mutant) != "compiler" for mutant in one.drawn)
         killed = len(counted) - len(survivors)
         total.update(counted=len(counted), killed=killed, goal=min(count, goal) if count else goal)
         print("\n".join(row for row, _ in survivors))

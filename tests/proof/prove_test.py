@@ -16,6 +16,7 @@ import areas
 import breaks
 import coverage
 import ledger
+import mutation
 import page
 import prove
 import rows
@@ -120,6 +121,72 @@ class Main(Folder):
                 mock.patch.object(prove, "Ledger", lambda name: ledger.Ledger(name, folder)):
             self.assertEqual(prove.main(), 0)
         self.assertEqual(page.PAGE.read_text(), page_before)
+
+
+class Mutants(Folder):
+    SOURCE = "int f(int a) {\n  return a + 1;\n}\nint g(int a) {\n  return a + 2;\n}\n"
+    TEST = "TEST(F, AddsOne) {\n  EXPECT_EQ(f(1), 2);\n}\n"
+
+    def setUp(self):
+        super().setUp()
+        for module in (areas, ledger):
+            patch = mock.patch.object(module, "ROOT", self.folder)
+            patch.start()
+            self.addCleanup(patch.stop)
+        (self.folder / "tests").mkdir()
+        self.write("one.cpp", self.SOURCE)
+        self.write("tests/one_test.cpp", self.TEST)
+
+    def write(self, file: str, text: str):
+        (self.folder / file).write_text(text)
+
+    def tried(self) -> mutation.Tried:
+        area = areas.Area("room", ("*.cpp",), ("tests",), ("room_tests",))
+        return mutation.Tried(area, 1, ledger.Ledger("mutants", self.folder))
+
+    def answer_all(self, answer: str):
+        tried = self.tried()
+        for mutant in tried.drawn:
+            tried.answers[tried.key(mutant)] = {"answer": answer, "state": tried.state(mutant, answer)}
+        tried.ledger.keep()
+
+    def kept(self) -> int:
+        tried = self.tried()
+        return sum(tried.answer(mutant) is not None for mutant in tried.drawn)
+
+    def test_a_change_elsewhere_leaves_the_draw_as_it_is(self):
+        drawn = [mutant.describe(self.SOURCE) for mutant in self.tried().drawn]
+        self.assertEqual(len(drawn), 4)
+        self.write("one.cpp", "// above\n" + self.SOURCE)
+        self.write("two.cpp", "int h(int a) {\n  return a - 3;\n}\n")
+        tried = self.tried()
+        again = [mutant.describe(tried.sources[mutant.path]) for mutant in tried.drawn if mutant.path == "one.cpp"]
+        self.assertEqual(again, drawn)
+
+    def test_a_mutant_that_a_test_noticed_is_tried_again_when_the_test_or_its_source_changes(self):
+        self.answer_all("F.AddsOne")
+        self.write("tests/more_test.cpp", "TEST(G, AddsTwo) {\n  EXPECT_EQ(g(1), 3);\n}\n")
+        self.assertEqual(self.kept(), 4)
+        self.write("tests/one_test.cpp", self.TEST.replace("f(1), 2", "f(2), 3"))
+        self.assertEqual(self.kept(), 0)
+        self.write("tests/one_test.cpp", self.TEST)
+        self.write("one.cpp", self.SOURCE.replace("a + 2", "2 + a"))
+        self.assertEqual(self.kept(), 0)
+
+    def test_one_that_survived_or_ended_the_program_is_tried_again_after_each_change(self):
+        for answer in ("survived", "room_tests ends with status -6"):
+            self.answer_all(answer)
+            self.assertEqual(self.kept(), 4)
+            self.write("tests/more_test.cpp", f"// {answer}\n")
+            self.assertEqual(self.kept(), 0)
+
+    def test_a_test_is_found_by_its_name_whatever_its_kind(self):
+        sources = self.TEST + "TEST_P(Link,\n       Waits) {\n}\nstatic void APortWrites(void) {\n  a();\n}\n"
+        self.assertIn("f(1)", mutation.body_of("F.AddsOne", sources))
+        self.assertIn("Waits", mutation.body_of("Posix/Link.Waits/Tcp", sources))
+        self.assertIn("a();", mutation.body_of("APortWrites", sources))
+        self.assertEqual(mutation.body_of("room_tests does not end", sources), "")
+        self.assertEqual(mutation.body_of("G.IsNot", sources), "")
 
 
 class Page(unittest.TestCase):

@@ -20,6 +20,7 @@ ENVIRONMENT = os.environ | {
 }
 LONGEST_RUN = 60  # seconds; a test that hangs has noticed the break
 SHARDS = 4  # of a program that waits more than it works
+QUICK_LINKER = ["-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=mold", "-DCMAKE_SHARED_LINKER_FLAGS=-fuse-ld=mold"] if shutil.which("mold") else []
 
 
 def quietly(*command, **options) -> subprocess.CompletedProcess:
@@ -27,7 +28,8 @@ def quietly(*command, **options) -> subprocess.CompletedProcess:
 
 
 def prepare(areas: tuple[Area, ...]):
-    """Copies the tree as it is now, and builds it without optimisation: a mutant is compiled once and run once."""
+    """Copies the tree as it is now, and builds it without optimisation: a mutant is compiled once and run once. A later
+    build does not look whether files were added."""
     files = quietly("git", "-C", ROOT, "ls-files", "--cached", "--others", "--exclude-standard").stdout.split("\n")
     for name in filter(None, files):
         source, target = ROOT / name, TREE / name
@@ -37,22 +39,25 @@ def prepare(areas: tuple[Area, ...]):
     for target in [file for file in TREE.rglob("*") if file.is_file() and not (ROOT / file.relative_to(TREE)).exists()]:
         target.unlink()
     done = quietly("cmake", "-S", TREE, "-B", BUILD, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=None", "-DCMAKE_CXX_FLAGS=-O0 -w -D_GLIBCXX_ASSERTIONS",
-                   "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST")
+                   "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST", "-DCMAKE_SUPPRESS_REGENERATION=ON", *QUICK_LINKER)
     for area in areas if done.returncode == 0 else ():
-        done = build(area)
+        done = build(*area.programs)
         if done.returncode == 0 and (caught := failure(area)):
             raise SystemExit(f"the unbroken tree fails {caught}")
     if done.returncode != 0:
         raise SystemExit(f"the unbroken tree does not build:\n{done.stdout[-4000:]}")
 
 
-def build(area: Area) -> subprocess.CompletedProcess:
-    return quietly("cmake", "--build", BUILD, "--target", *area.programs)
+def build(*programs: str) -> subprocess.CompletedProcess:
+    return quietly("cmake", "--build", BUILD, "--target", *(program.split()[0] for program in programs))
 
 
 def failure(area: Area) -> str | None:
-    """The first test that fails, and fails again when it is run alone; or None."""
+    """The first test that fails, and fails again when it is run alone; "compiler" if a program does not build; or None.
+    A program is built when those before it have noticed nothing."""
     for program in area.programs:
+        if build(program).returncode != 0:
+            return "compiler"
         run = run_sentences if program == "c_interface_tests" else run_tests
         if caught := run(program, area.waits):
             return caught
@@ -60,15 +65,16 @@ def failure(area: Area) -> str | None:
 
 
 def run_tests(program: str, waits: bool) -> str | None:
+    name, *chosen = program.split()
     shards = SHARDS if waits else 1
     with ThreadPoolExecutor(shards) as pool:
-        answers = list(pool.map(lambda shard: run_shard(program, shards, shard), range(shards)))
-    return next((f"{program} {answer}" if answer.startswith(("ends ", "does ")) else answer for answer in answers
-                 if answer and is_repeated(program, answer)), None)
+        answers = list(pool.map(lambda shard: run_shard(name, *chosen, shards=shards, shard=shard), range(shards)))
+    return next((f"{name} {answer}" if answer.startswith(("ends ", "does ")) else answer for answer in answers
+                 if answer and is_repeated(name, answer)), None)
 
 
-def run_shard(program: str, shards: int, shard: int) -> str | None:
-    return ended(BUILD / "bin" / program, {"GTEST_TOTAL_SHARDS": str(shards), "GTEST_SHARD_INDEX": str(shard)})
+def run_shard(program: str, chosen: str = "*", *, shards: int, shard: int) -> str | None:
+    return ended(BUILD / "bin" / program, {"GTEST_FILTER": chosen, "GTEST_TOTAL_SHARDS": str(shards), "GTEST_SHARD_INDEX": str(shard)})
 
 
 def is_repeated(program: str, answer: str) -> bool:
@@ -104,6 +110,6 @@ def try_text(area: Area, path: str, text: str) -> str | None:
     original = file.read_text()
     file.write_text(text)
     try:
-        return "compiler" if build(area).returncode != 0 else failure(area)
+        return failure(area)
     finally:
         file.write_text(original)
