@@ -110,8 +110,10 @@ class BareRows {
   static constexpr auto seal = "UPDATE seal SET digest = randomblob(32);";
 
   static std::string rowOf(int job, const std::string& ended) {
-    return "INSERT INTO attempt VALUES ('" + nameOf(job) +
-           "', 1, 450, zeroblob(32), 'virtual:', 1700000000000, " + ended + ", '', 'block', 0);";
+    return "INSERT INTO attempt (name, number, bytes, sha256, device, begun, ended, outcome, "
+           "accepted, reason, proof, obstacle) VALUES ('" +
+           nameOf(job) + "', 1, 450, zeroblob(32), 'virtual:', 1700000000000, " + ended +
+           ", '', 'block', 0);";
   }
 
   Database database_;
