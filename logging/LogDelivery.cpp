@@ -52,12 +52,12 @@ LogDelivery::~LogDelivery() {
 
 void LogDelivery::addSink(std::shared_ptr<LogSink> sink) {
   const std::lock_guard lock(sinksMutex_);
-  auto attached = std::make_shared<AttachedSink>(AttachedSink{.sink = std::move(sink)});
-  sinks_.reserve(sinks_.size() + 1);
+  AttachedSinks grown = sinks_;
+  grown.push_back(std::make_shared<AttachedSink>(AttachedSink{.sink = std::move(sink)}));
   if (!writer_.joinable()) {
     startWriter();
   }
-  sinks_.push_back(std::move(attached));
+  sinks_.swap(grown);
 }
 
 void LogDelivery::startWriter() {

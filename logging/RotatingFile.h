@@ -33,8 +33,8 @@ class QUOR_EXPORT RotatingFile {
   RotatingFile(const RotatingFile&) = delete;
   RotatingFile& operator=(const RotatingFile&) = delete;
 
-  /// Takes a line, which ends in a line feed. It may remain in memory until `flush`. Throws as
-  /// `flush`.
+  /// Takes a line, which ends in a line feed. It may remain in memory until `flush`, or until 256
+  /// KiB have gathered there. Throws as `flush`.
   void append(std::string_view line);
 
   /// Writes the lines in memory. A file that was moved or removed meanwhile is made anew under its

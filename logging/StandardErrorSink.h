@@ -8,7 +8,7 @@
 
 namespace quordalvane {
 
-/// Writes records to the process's standard error, one readable line each.
+/// Writes records to the process's standard error, one readable line each, some 64 KiB at once.
 class QUOR_EXPORT StandardErrorSink : public LogSink {
  public:
   /// Throws std::system_error if standard error takes no more; the rest of the records is then

@@ -104,7 +104,7 @@ bool isPrintable(std::string_view text) noexcept {
       return true;
     }
     const Character character = firstCharacter(text);
-    if (character.length == 0 || isControl(character.codePoint)) {
+    if (isControl(character.codePoint)) {  // as that of an invalid byte is
       return false;
     }
     text.remove_prefix(character.length);

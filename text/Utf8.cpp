@@ -3,7 +3,7 @@
 namespace quordalvane {
 namespace {
 
-constexpr Character invalid{0, 0};
+constexpr Character invalid{};
 
 /// Reads a character of `length` bytes whose first byte carries the bits `lead`; `smallest` reveals
 /// an overlong form.

@@ -8,8 +8,8 @@ namespace quordalvane {
 
 /// A character of a text in UTF-8.
 struct Character {
-  std::uint32_t codePoint;
-  std::size_t length;  ///< in bytes; 0 if it is not valid
+  std::uint32_t codePoint = 0;  ///< 0 as well if it is not valid
+  std::size_t length = 0;       ///< in bytes; 0 if it is not valid
 };
 
 /// The first character of a text, which must not be empty. Not valid are a byte that begins no

@@ -40,11 +40,15 @@ TEST_F(RotatingFileTest, WritesLinesInOrder) {
   EXPECT_EQ(contents(), "one\ntwo\nthree\n");
 }
 
-TEST_F(RotatingFileTest, HoldsNoMoreThanABatchBeforeItWrites) {
+TEST_F(RotatingFileTest, WritesBeforeTheFlushOnce256KiBHaveGathered) {
   RotatingFile file(path_, {});
-  const std::string line(std::size_t{300} << 10U, 'x');
-  file.append(line + "\n");
-  EXPECT_EQ(std::filesystem::file_size(path_), line.size() + 1) << "before the flush";
+  const std::string line = std::string(1023, 'x') + '\n';
+  for (int count = 0; count < 255; ++count) {
+    file.append(line);
+  }
+  EXPECT_EQ(std::filesystem::file_size(path_), 0U);
+  file.append(line);
+  EXPECT_EQ(std::filesystem::file_size(path_), 262'144U);
 }
 
 TEST_F(RotatingFileTest, MakesRoomBeforeTheLineThatWouldLeadBeyondTheMaximum) {

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/socket.h>
 
 #include <array>
 #include <filesystem>
@@ -66,6 +67,25 @@ TEST(StandardErrorSink, WritesMoreThanItGathersAtOnce) {
   const test::RedirectedStandardError redirected;
   StandardErrorSink().write(many);
   EXPECT_EQ(redirected.text(), expected);
+}
+
+TEST(StandardErrorSink, WritesOnce64KiBHaveGathered) {
+  const std::vector<LogRecord> many(700, recordOf(std::string(100, 'x')));
+  std::string line;
+  appendReadableLine(line, many.front());
+  std::array<int, 2> ends{};
+  ASSERT_EQ(::socketpair(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0, ends.data()), 0);
+  {
+    const test::RedirectedStandardError redirected;
+    ::dup2(ends[1], STDERR_FILENO);
+    StandardErrorSink().write(many);
+  }
+  std::vector<char> written(std::size_t{1} << 20U);
+  const ssize_t first = ::recv(ends[0], written.data(), written.size(), 0);
+  ::close(ends[0]);
+  ::close(ends[1]);
+  EXPECT_GE(first, 65'536);
+  EXPECT_LT(first, 65'536 + static_cast<ssize_t>(line.size()));
 }
 
 TEST(StandardErrorSink, SaysThatStandardErrorTakesNoMore) {
