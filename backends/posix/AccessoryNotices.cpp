@@ -29,7 +29,7 @@ int openSocket() {
   address.nl_family = AF_NETLINK;
   address.nl_groups = senders();
   const auto* const generic = reinterpret_cast<const sockaddr*>(&address);
-  if (number >= 0 && ::bind(number, generic, sizeof address) != 0) {
+  if (number != -1 && ::bind(number, generic, sizeof address) != 0) {
     ::close(number);
     return -1;
   }
@@ -48,7 +48,7 @@ bool isOfPrinter(std::string_view notice) {
 AccessoryNotices::AccessoryNotices() : AccessoryNotices(openSocket()) {}
 
 AccessoryNotices::~AccessoryNotices() {
-  if (socket_ >= 0) {
+  if (socket_ != -1) {
     ::close(socket_);
   }
 }

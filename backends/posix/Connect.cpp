@@ -41,7 +41,7 @@ void boundConnect(const Descriptor& socket, SteadyTime deadline) {
 // A connected socket, or an exception with the reason.
 Descriptor connectUntil(SteadyTime deadline, const SocketAddress& address) {
   const int number = ::socket(address.storage.ss_family, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  if (number < 0) {
+  if (number == -1) {
     throw std::system_error(errno, std::generic_category());
   }
   Descriptor socket(number, Descriptor::Kind::Socket);
@@ -59,9 +59,9 @@ Descriptor connectUntil(SteadyTime deadline, const SocketAddress& address) {
 }
 
 void makeFitForExchanges(const Descriptor& socket) {
-  using std::chrono::seconds;
-  setOption(socket, IPPROTO_TCP, TCP_NODELAY, 1);
-  setOption(socket, SOL_SOCKET, SO_KEEPALIVE, 1);
+  constexpr int on = true;
+  setOption(socket, IPPROTO_TCP, TCP_NODELAY, on);
+  setOption(socket, SOL_SOCKET, SO_KEEPALIVE, on);
   setOption(socket, IPPROTO_TCP, TCP_KEEPIDLE, static_cast<int>(keepAliveInterval.count()));
   setOption(socket, IPPROTO_TCP, TCP_KEEPINTVL, static_cast<int>(keepAliveInterval.count()));
   setOption(socket, IPPROTO_TCP, TCP_KEEPCNT, keepAliveCount);

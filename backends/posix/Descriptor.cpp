@@ -56,7 +56,7 @@ Descriptor::Descriptor(int number, Kind kind)
 }
 
 Descriptor::~Descriptor() {
-  if (number_ >= 0) {
+  if (number_ != -1) {
     if (beforeClose_ != nullptr) {
       beforeClose_(number_);
     }
@@ -99,7 +99,7 @@ std::ptrdiff_t Descriptor::receiveUntil(std::uint8_t* buffer, std::size_t maxLen
   }
   while (pollUntil(POLLIN, deadline) != 0) {
     const std::ptrdiff_t count = receive(buffer, maxLength);
-    const bool wasEmptyPacket = count < 0 && errno == EAGAIN;
+    const bool wasEmptyPacket = count == -1 && errno == EAGAIN;
     if (!wasEmptyPacket || kind_ != Kind::UsbPrinter) {
       return count;
     }
@@ -120,7 +120,7 @@ std::ptrdiff_t Descriptor::send(const std::uint8_t* bytes, std::size_t length) c
   // The driver reports a transfer that broke off as if nothing had been sent: with EIO, or with
   // ENODEV if it has noticed by then that the printer is gone. The printer may have got any part of
   // it, so all of it counts as taken; the next call fails.
-  const bool brokeOff = isUsb(kind_) && count < 0 && (errno == EIO || errno == ENODEV);
+  const bool brokeOff = isUsb(kind_) && count == -1 && (errno == EIO || errno == ENODEV);
   return brokeOff ? static_cast<std::ptrdiff_t>(length) : count;
 }
 

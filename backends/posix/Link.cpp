@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <ctime>
 #include <utility>
 
@@ -87,11 +86,9 @@ std::int64_t Link::read(std::uint8_t* buffer, std::size_t maxLength) {
   }
   look();
   const std::size_t count = std::min(maxLength, unread());
-  if (count > 0) {
-    std::memcpy(buffer, ahead_.data() + next_, count);
-    next_ += count;
-    noteAnswered();
-  }
+  std::copy_n(ahead_.data() + next_, count, buffer);
+  next_ += count;
+  noteAnswered();
   return static_cast<std::int64_t>(count);
 }
 
@@ -116,7 +113,7 @@ void Link::waitForBytes(double seconds) {
   if (!descriptor_) {
     return;
   }
-  if (count < 0 && wouldBlock(error) && seconds > 0 && SteadyClock::now() >= deadline) {
+  if (count == -1 && wouldBlock(error) && seconds > 0 && SteadyClock::now() >= deadline) {
     expectation_.waitedInVain();
   }
   noteReceived(count, error);
@@ -154,7 +151,7 @@ std::int64_t Link::write(const std::uint8_t* bytes, std::size_t length) {
     return 0;
   }
   const std::ptrdiff_t count = descriptor_->send(bytes, length);
-  if (count < 0 && !wouldBlock(errno)) {
+  if (count == -1 && !wouldBlock(errno)) {
     outputBroken_ = true;
     dry_ = false;  // the next question finds out whether anything is left to read
     return -1;
@@ -210,7 +207,7 @@ void Link::receive() {
 
 // The result of a receive into the empty buffer.
 void Link::noteReceived(std::ptrdiff_t count, int error) {
-  const bool nothingYet = count < 0 && wouldBlock(error);
+  const bool nothingYet = count == -1 && wouldBlock(error);
   if (nothingYet && hasFallenSilent()) {
     outputBroken_ = true;
   }

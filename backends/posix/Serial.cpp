@@ -38,11 +38,6 @@ tcflag_t speedFlag(unsigned baud) {
   return BOTHER;
 }
 
-tcflag_t sizeFlag(unsigned bits) {
-  constexpr tcflag_t sizes[] = {CS5, CS6, CS7, CS8};
-  return bits >= 5 && bits <= 8 ? sizes[bits - 5] : sizes[3];
-}
-
 tcflag_t parityFlags(Parity parity) {
   switch (parity) {
     case Parity::None:
@@ -61,7 +56,7 @@ tcflag_t parityFlags(Parity parity) {
 
 termios2 rawSettings(const SerialSettings& wanted) {
   termios2 raw{};
-  raw.c_cflag = CREAD | CLOCAL | HUPCL | speedFlag(wanted.baud) | sizeFlag(wanted.bits) |
+  raw.c_cflag = CREAD | CLOCAL | HUPCL | speedFlag(wanted.baud) | (wanted.bits == 7 ? CS7 : CS8) |
                 parityFlags(wanted.parity) | (wanted.stop == 2 ? CSTOPB : 0U) |
                 (wanted.flow == Flow::RtsCts ? CRTSCTS : 0U);
   raw.c_iflag = wanted.flow == Flow::XonXoff ? IXON : 0U;
@@ -134,10 +129,10 @@ std::vector<unsigned> usualBaudRates() {
 
 Descriptor openSerial(const std::string& path, const SerialSettings& settings) {
   const int number = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-  if (number < 0 && errno == EBUSY) {
+  if (number == -1 && errno == EBUSY) {
     failInUse(path);
   }
-  if (number < 0) {
+  if (number == -1) {
     fail(errno, path);
   }
   Descriptor line(number, Descriptor::Kind::Terminal);

@@ -19,7 +19,7 @@ enum class Flow {
 /// How a serial line is set. The defaults are those with which most receipt printers are delivered.
 struct SerialSettings {
   unsigned baud = 9600;  ///< bits a second; any number that the line's hardware can run at
-  unsigned bits = 8;     ///< data bits, 5 to 8
+  unsigned bits = 8;     ///< data bits, 7 or 8
   Parity parity = Parity::None;
   unsigned stop = 1;  ///< stop bits, 1 or 2
   Flow flow = Flow::None;

@@ -27,7 +27,7 @@ std::string nameOf(const UsbPrinter& printer) {
 Descriptor openUsbPrinter(const UsbPrinter& printer) {
   const std::string node = printer.node.string();
   const int number = ::open(node.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-  if (number < 0) {
+  if (number == -1) {
     const int error = errno;
     const std::string holder = error == EBUSY ? ": in use by " + holderInWords(node) : "";
     throw std::system_error(error, std::generic_category(), node + holder);
@@ -37,7 +37,7 @@ Descriptor openUsbPrinter(const UsbPrinter& printer) {
 
 Descriptor::Kind usbKindOf(int number) {
   std::uint8_t nothing = 0;
-  const bool isRefused = ::read(number, &nothing, 0) < 0 && errno == EINVAL;
+  const bool isRefused = ::read(number, &nothing, 0) == -1 && errno == EINVAL;
   return isRefused ? Descriptor::Kind::MuteUsbPrinter : Descriptor::Kind::UsbPrinter;
 }
 

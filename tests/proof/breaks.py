@@ -52,7 +52,7 @@ BREAKS = (
     Break("control characters of eight-bit terminals reach a sink", "text/PrintableText.cpp",
           "(codePoint >= 0x7F && codePoint < 0xA0)", "codePoint == 0x7F"),
     Break("a byte of the link is read twice", "backends/posix/Link.cpp",
-          "    next_ += count;\n", "    next_ += count - 1;\n"),
+          "  next_ += count;\n", "  next_ += count - 1;\n"),
     Break("the end of a connection does not wait for the last bytes", "backends/posix/Link.cpp",
           "isAwaited ? now + lingerLimit : now", "now"),
     Break("a write that failed leaves the caller's count as it was", "c-interface/Port.cpp",

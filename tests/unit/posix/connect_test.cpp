@@ -6,6 +6,7 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 
 #include <vector>
@@ -164,6 +165,27 @@ TEST(ConnectUnix, TakesTheLongestPathThatASocketHasAndNoLongerOne) {
   const Listener listener = Listener::at(path, 4);
   EXPECT_GE(connectUnix(path).number(), 0);
   EXPECT_THAT(failure([&] { connectUnix(path + "s"); }), HasSubstr("too long"));
+}
+
+/// Lets this process open no more files until it is destroyed.
+class NoMoreFiles {
+ public:
+  NoMoreFiles() {
+    EXPECT_EQ(::getrlimit(RLIMIT_NOFILE, &before_), 0);
+    const rlimit none{.rlim_cur = 0, .rlim_max = before_.rlim_max};
+    EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+  }
+  ~NoMoreFiles() { ::setrlimit(RLIMIT_NOFILE, &before_); }
+
+ private:
+  rlimit before_{};
+};
+
+TEST(ConnectUnix, SaysThatTheProcessMayOpenNoMoreFiles) {
+  const TemporaryFolder folder;
+  const Listener listener = Listener::at(folder.file("s"), 4);
+  const NoMoreFiles none;
+  EXPECT_THAT(failure([&] { connectUnix(folder.file("s")); }), HasSubstr("Too many open files"));
 }
 
 TEST(ConnectUnix, AListenerThatNeverAnswersIsGivenUpInTime) {

@@ -106,6 +106,14 @@ TEST_F(TcpDescriptor, TheEndOfTheStreamIsNoInterruptionAfterAnyError) {
   EXPECT_EQ(socket_.receive(buffer_, sizeof buffer_), 0);
 }
 
+TEST_F(TcpDescriptor, BytesAreReceivedOnceAfterAnyError) {
+  deviceWrites("ab", 2);
+  ASSERT_EQ(socket_.pollUntil(POLLIN, inAnHour()), POLLIN);
+  errno = EINTR;
+  EXPECT_EQ(socket_.receive(buffer_, 1), 1);
+  EXPECT_EQ(buffer_[0], 'a');
+}
+
 TEST_F(TcpDescriptor, AResetEndsAWaitAndIsReportedAsOne) {
   deviceResets();
   const Stopwatch watch;

@@ -217,6 +217,27 @@ TEST_F(LinkTest, ALossIsSeenByTheFirstQuestionWithoutARead) {
   EXPECT_FALSE(accessory.isConnected());
 }
 
+TEST_F(LinkTest, ALossThatACallerWaitsForCountsThoughBytesThatNobodySawAreThere) {
+  deviceWrites(3);
+  ASSERT_EQ(::shutdown(device(), SHUT_WR), 0);
+  accessory.noticeLoss();
+  EXPECT_FALSE(accessory.isConnected());
+  EXPECT_FALSE(input->hasBytesAvailable());
+}
+
+TEST_F(LinkTest, ClosedStreamsFailEveryTransfer) {
+  input->close();
+  output->close();
+  EXPECT_EQ(input->read(&byte, 1), -1);
+  EXPECT_EQ(ask(), -1);
+}
+
+TEST_F(LinkTest, TheStreamsOfAnEndedSessionFailEveryTransfer) {
+  session.reset();
+  EXPECT_EQ(input->read(&byte, 1), -1);
+  EXPECT_EQ(ask(), -1);
+}
+
 TEST_F(LinkTest, AWriteErrorForgetsTheStateOfTheInput) {
   EXPECT_FALSE(input->hasBytesAvailable());
   deviceWrites(3);

@@ -76,6 +76,19 @@ TEST(Serial, OpensALineAtAnySpeedNumberedOrNot) {
   }
 }
 
+TEST(Serial, SetsASpeedThatHasANumberOfItsOwnByIt) {
+  const std::pair<unsigned, speed_t> numbered[] = {
+      {1200, B1200},     {2400, B2400},     {4800, B4800},     {9600, B9600},
+      {19200, B19200},   {38400, B38400},   {57600, B57600},   {115200, B115200},
+      {230400, B230400}, {460800, B460800}, {921600, B921600},
+  };
+  const Line line;
+  for (const auto& [baud, number] : numbered) {
+    const termios settings = settingsOf(openSerial(line.path(), {.baud = baud}));
+    EXPECT_EQ(::cfgetospeed(&settings), number) << baud;
+  }
+}
+
 TEST(Serial, SetsTheFlowControlThatIsAskedFor) {
   const Line line;
   EXPECT_NE(settingsOf(openSerial(line.path(), {.flow = Flow::RtsCts})).c_cflag & CRTSCTS, 0U);
@@ -212,6 +225,26 @@ TEST(Serial, TheProgramThatUsesTheLineIsNamed) {
   EXPECT_THAT(failure(line.path()),
               AllOf(HasSubstr("in use by another program: unit_posix_test"),
                     HasSubstr("(process " + std::to_string(other.process()) + ")")));
+}
+
+TEST(Serial, AProgramOfAnotherUserIsFoundByItsLock) {
+  const Line line;
+  const OtherProgram other(line.path());
+  const pid_t child = ::fork();
+  if (child == 0) {
+    constexpr uid_t nobody = 65534;
+    if (::setuid(nobody) != 0) {
+      ::_exit(2);
+    }
+    const auto found = holdersOf(line.path());
+    ::_exit(std::count(found.begin(), found.end(), other.process()) == 1 ? 0 : 1);
+  }
+  int status = -1;
+  ASSERT_EQ(::waitpid(child, &status, 0), child);
+  if (WEXITSTATUS(status) == 2) {
+    GTEST_SKIP() << "only root can become another user";
+  }
+  EXPECT_EQ(status, 0);
 }
 
 TEST(Serial, TheExclusiveModeOfAKilledProgramIsNoObstacleForRoot) {

@@ -99,6 +99,14 @@ TEST_F(UsbTest, LongFieldNamesAndASerialNumberInTheTextAreRead) {
   EXPECT_EQ(printer.serial, "77");
 }
 
+TEST_F(UsbTest, AFieldWithoutAValueIsPassedOver) {
+  plugIn(0, "SN;MFG;MDL:T;", "");
+  const UsbPrinter printer = findUsbPrinter("", roots());
+  EXPECT_EQ(printer.serial, "");
+  EXPECT_EQ(printer.maker, "");
+  EXPECT_EQ(printer.model, "T");
+}
+
 TEST_F(UsbTest, HostileTextsAreReadAndShort) {
   for (const std::string& id : {std::string(), std::string(";;:;:"), std::string("MFG"),
                                 std::string(100'000, ';'), "MFG:" + std::string(100'000, 'x')}) {
