@@ -1,6 +1,5 @@
 // The port: creation, connection, bytes, status, the checked block.
 
-#include <limits>
 #include <utility>
 
 #include "backends/Devices.h"
@@ -55,7 +54,7 @@ using Writer = std::int32_t (ExternalAccessoryPort::*)(const ByteBuffer&);
 QuorCode writeBy(Writer writer, QuorPort* port, const void* data, size_t size, size_t* written) {
   return guarded([&] {
     given(written, "the count") = 0;
-    if (size > size_t{std::numeric_limits<std::int32_t>::max()}) {
+    if (!std::in_range<std::int32_t>(size)) {
       throw CallFailure(QUOR_USAGE, "more bytes than can be counted");
     }
     const std::int32_t count = (given(port).*writer)(copyOf(data, size));
