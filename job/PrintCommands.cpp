@@ -55,10 +55,23 @@ constexpr PlainForms plainCommandForms[] = {
     {0x1d, 6, "\x67"sv},
 };
 
-/// Other commands: their first bytes, the length of their header, and a function that reads it.
+/// More of them, which take more bytes to be known by.
+struct FixedForm {
+  std::initializer_list<std::uint8_t> prefix;
+  std::size_t length;
+};
+
+// Longer first bytes precede the shorter ones that they refine, here and below.
+const FixedForm fixedForms[] = {
+    {{0x1b, 0x1d, 0x03}, 6}, {{0x1b, 0x23, 0x2a}, 5}, {{0x1b, 0x23, 0x2c}, 6},
+    {{0x1b, 0x23}, 3},       {{0x1b, 0x2a, 0x72}, 4},
+};
+
+/// Other commands: their first bytes, how many bytes the shortest of them has, and a function that
+/// reads so many and more.
 struct Form {
   std::initializer_list<std::uint8_t> prefix;
-  std::size_t header;
+  std::size_t shortest;
   std::optional<PrintCommand> (*read)(ByteView data);
 };
 
@@ -152,7 +165,7 @@ std::optional<PrintCommand> barcode(ByteView data) {
   if (kind < 65 || kind > 79) {
     return std::nullopt;
   }
-  return data.size() < 4 ? counted(4, 0) : counted(4, data[3]);
+  return counted(4, data[3]);
 }
 
 // Pulses and the like, of which these have two parameters more.
@@ -164,30 +177,19 @@ std::optional<PrintCommand> cut(ByteView data) {
   return plain(isOneOf(data[2], "\x41\x42\x61\x62\x67\x68"sv) ? 4 : 3);
 }
 
-template <std::size_t length>
-std::optional<PrintCommand> fixed(ByteView) {
-  return plain(length);
-}
-
-// Longer first bytes precede the shorter ones that they refine.
 const Form commandForms[] = {
     {{0x10, 0x14}, 3, realTimeAction},
-    {{0x1b, 0x1d, 0x03}, 3, fixed<6>},
-    {{0x1b, 0x23, 0x2a}, 3, fixed<5>},
-    {{0x1b, 0x23, 0x2c}, 3, fixed<6>},
-    {{0x1b, 0x23}, 3, fixed<3>},
-    {{0x1b, 0x26}, 5, userCharacters},
+    {{0x1b, 0x26}, 6, userCharacters},
     {{0x1b, 0x28}, 5, countedInTwoBytes},
-    {{0x1b, 0x2a, 0x72}, 3, fixed<4>},
     {{0x1b, 0x2a}, 5, bitImage},
-    {{0x1b, 0x44}, 2, tabStops},
+    {{0x1b, 0x44}, 3, tabStops},
     {{0x1c, 0x28}, 5, countedInTwoBytes},
     {{0x1c, 0x71}, 3, storedImages},
     {{0x1d, 0x28}, 5, countedInTwoBytes},
     {{0x1d, 0x2a}, 4, downloadedImage},
     {{0x1d, 0x38, 0x4c}, 7, countedInFourBytes},
     {{0x1d, 0x56}, 3, cut},
-    {{0x1d, 0x6b}, 3, barcode},
+    {{0x1d, 0x6b}, 4, barcode},
     {{0x1d, 0x76, 0x30}, 8, raster},
 };
 
@@ -210,9 +212,14 @@ std::optional<PrintCommand> printCommandAt(ByteView data) {
   if (data.size() < 2) {
     return plain(2);
   }
+  for (const FixedForm& form : fixedForms) {
+    if (mayStartWith(data, form.prefix)) {
+      return plain(form.length);
+    }
+  }
   for (const Form& form : commandForms) {
     if (mayStartWith(data, form.prefix)) {
-      return data.size() < form.header ? plain(form.header) : form.read(data);
+      return data.size() < form.shortest ? plain(form.shortest) : form.read(data);
     }
   }
   for (const PlainForms& forms : plainCommandForms) {

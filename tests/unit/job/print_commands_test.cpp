@@ -107,13 +107,15 @@ std::string nameOf(const testing::TestParamInfo<Command>& info) {
 class PrintCommands : public testing::TestWithParam<Command> {};
 
 TEST_P(PrintCommands, EndAfterTheirParametersAndHaveNoPayload) {
-  auto data = GetParam().bytes;
-  const std::size_t length = data.size();
-  data.insert(data.end(), 16, 'x');
-  const auto command = printCommandAt(data);
-  ASSERT_TRUE(command);
-  EXPECT_EQ(command->length, length);
-  EXPECT_FALSE(command->isCounted);
+  for (const std::size_t bytesAfter : {0U, 16U}) {
+    auto data = GetParam().bytes;
+    const std::size_t length = data.size();
+    data.insert(data.end(), bytesAfter, 'x');
+    const auto command = printCommandAt(data);
+    ASSERT_TRUE(command);
+    EXPECT_EQ(command->length, length) << bytesAfter;
+    EXPECT_FALSE(command->isCounted);
+  }
 }
 
 TEST_P(PrintCommands, AreLongerThanTheDataIfTheirEndIsMissing) {
@@ -125,6 +127,109 @@ TEST_P(PrintCommands, AreLongerThanTheDataIfTheirEndIsMissing) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, PrintCommands, testing::ValuesIn(commands), nameOf);
+
+/// A command up to its payload, and the length of that.
+struct CountedCommand {
+  std::vector<std::uint8_t> head;
+  std::size_t payload;
+};
+
+const CountedCommand countedCommands[] = {
+    {{0x1b, 0x28, 'A', 0, 0}, 0},
+    {{0x1b, 0x28, 'Z', 2, 1}, 258},
+    {{0x1c, 0x28, 'a', 0, 0}, 0},
+    {{0x1c, 0x28, 'z', 3, 0}, 3},
+    {{0x1d, 0x28, 'L', 0, 0}, 0},
+    {{0x1d, 0x28, 'k', 3, 0}, 3},
+    {{0x1b, 0x2a, 0, 0, 0}, 0},
+    {{0x1b, 0x2a, 1, 2, 1}, 258},
+    {{0x1b, 0x2a, 32, 1, 0}, 3},
+    {{0x1b, 0x2a, 33, 2, 0}, 6},
+    {{0x1d, 0x38, 0x4c, 0, 0, 0, 0}, 0},
+    {{0x1d, 0x38, 0x4c, 3, 2, 1, 0}, 66051},
+    {{0x1d, 0x76, 0x30, 0, 0, 0, 0, 0}, 0},
+    {{0x1d, 0x76, 0x30, 0x33, 2, 0, 3, 0}, 6},
+    {{0x1d, 0x76, 0x30, 1, 1, 1, 2, 1}, 257U * 258U},
+    {{0x1d, 0x2a, 0, 1}, 0},
+    {{0x1d, 0x2a, 2, 3}, 48},
+    {{0x1b, 0x26, 3, 'A', 'A', 0}, 0},
+    {{0x1b, 0x26, 3, 0x20, 0x20, 2}, 6},
+    {{0x1b, 0x26, 1, 0x7e, 0x7e, 2}, 2},
+    {{0x1c, 0x71, 0}, 0},
+    {{0x1c, 0x71, 1, 0, 0, 0, 0}, 0},
+    {{0x1c, 0x71, 1, 2, 0, 3, 0}, 48},
+    {{0x1d, 0x6b, 65, 0}, 0},
+    {{0x1d, 0x6b, 79, 255}, 255},
+};
+
+TEST(CountedCommands, EndAfterTheirPayload) {
+  for (const CountedCommand& row : countedCommands) {
+    for (const std::size_t bytesAfter : {0U, 16U}) {
+      auto data = row.head;
+      data.insert(data.end(), row.payload + bytesAfter, 0);
+      const auto command = printCommandAt(data);
+      ASSERT_TRUE(command) << testing::PrintToString(row.head);
+      EXPECT_EQ(command->length, row.head.size() + row.payload) << testing::PrintToString(row.head);
+      EXPECT_TRUE(command->isCounted) << testing::PrintToString(row.head);
+    }
+  }
+}
+
+TEST(CountedCommands, AreLongerThanTheDataIfAByteIsMissing) {
+  for (const CountedCommand& row : countedCommands) {
+    auto data = row.head;
+    data.insert(data.end(), row.payload, 0);
+    data.pop_back();
+    const auto command = printCommandAt(data);
+    ASSERT_TRUE(command) << testing::PrintToString(row.head);
+    EXPECT_GT(command->length, data.size()) << testing::PrintToString(row.head);
+  }
+}
+
+TEST(UnknownCommands, HaveNoEnd) {
+  const std::vector<std::uint8_t> unknown[] = {
+      {0x10, 0x14, 9},
+      {0x1b, 0x28, '@', 0, 0},
+      {0x1d, 0x28, '[', 0, 0},
+      {0x1c, 0x28, 0x60, 0, 0},
+      {0x1d, 0x28, '{', 0, 0},
+      {0x1b, 0x2a, 2, 0, 0},
+      {0x1d, 0x6b, 7, 'A', 0},
+      {0x1d, 0x6b, 64, 0},
+      {0x1d, 0x6b, 80, 0},
+      {0x1b, 0xff},
+      {0x1d, 0x76, 0x30, 4, 0, 0, 0, 0},
+  };
+  for (const auto& data : unknown) {
+    EXPECT_FALSE(printCommandAt(data)) << testing::PrintToString(data);
+  }
+}
+
+TEST(TerminatedBarcodes, EndWithTheirZeroAfter255PrintableCharactersAtMost) {
+  for (const std::uint8_t kind : {std::uint8_t{0}, std::uint8_t{6}}) {
+    for (const std::size_t count : {0U, 255U, 256U}) {
+      std::vector<std::uint8_t> data = {0x1d, 0x6b, kind};
+      data.insert(data.end(), count / 2, 0x20);
+      data.insert(data.end(), count - count / 2, 0x7e);
+      data.push_back(0);
+      const auto command = printCommandAt(data);
+      ASSERT_EQ(command.has_value(), count <= 255) << count;
+      EXPECT_TRUE(!command || command->length == data.size()) << count;
+    }
+    for (const std::uint8_t odd : {std::uint8_t{0x1f}, std::uint8_t{0x7f}}) {
+      EXPECT_FALSE(printCommandAt(std::vector<std::uint8_t>{0x1d, 0x6b, kind, odd, 0}));
+    }
+  }
+}
+
+TEST(OtherBytes, AreCommandsOfTheirOwn) {
+  for (const std::uint8_t byte : std::vector<std::uint8_t>{0, 0x0f, 0x11, 0x1a, 0x1e, 0x20, 0xff}) {
+    EXPECT_EQ(printCommandAt(std::vector<std::uint8_t>{byte, 'x'})->length, 1U);
+  }
+  for (const std::uint8_t first : std::vector<std::uint8_t>{0x10, 0x1b, 0x1c, 0x1d}) {
+    EXPECT_EQ(printCommandAt(std::vector<std::uint8_t>{first})->length, 2U);
+  }
+}
 
 }  // namespace
 }  // namespace quordalvane
