@@ -117,6 +117,14 @@ TEST(Faults, ACorruptReplyHasOneWrongBitThatTheSeedDecides) {
             replies.end());
 }
 
+TEST(Faults, WithoutASeedTheChoicesAreThoseOfSeedZero) {
+  for (const char* request : {"1b0601", "1d4941"}) {
+    Session unseeded(with("corrupt-reply", "all"));
+    Session seeded(also(with("corrupt-reply", "all"), "seed", "0"));
+    EXPECT_EQ(unseeded.ask(request), seeded.ask(request));
+  }
+}
+
 TEST(Faults, AStrayByteArrivesBeforeAReply) {
   Session session(with("stray-byte", "1b@2"));
   EXPECT_EQ(session.ask("100401"), hex("12"));
@@ -264,6 +272,14 @@ TEST(Faults, AScriptBringsSettingsAndFaultsAtTheirTimes) {
   EXPECT_EQ(session.printer.printed().size(), 15U);
   session.wait(1s);
   EXPECT_TRUE(session.link->wasReset(session.now));
+}
+
+TEST(Faults, AScriptBringsAllThatIsDueAtOneMoment) {
+  Faults script = with("at", "1000:coverOpen=true");
+  script.add("at", "1000:receiptPaperEmpty=true");
+  Session session(script);
+  session.wait(1s);
+  EXPECT_EQ(session.ask("100402"), hex("36"));
 }
 
 TEST(Faults, AScriptRunsTheSameWhenNobodyLooks) {
