@@ -141,6 +141,7 @@ constexpr Setting settings[] = {
        state.setPaperWidth(numberFrom<unsigned>("paper", value, "58 or 80 (mm)"));
      }},
     {"proofs", [](State& state, Text value) { state.dialect.proofs = Proofs::parse(value); }},
+    {"lacks", [](State& state, Text value) { state.lacked = LackedCommands::parse(value); }},
     {"lineMode",
      [](State& state, Text value) { state.dialect.lineMode = truthFrom("lineMode", value); }},
     {"codePages", [](State& state, Text value) { state.characters.setPages(value); }},

@@ -9,6 +9,7 @@
 
 #include "simulator/CharacterSets.h"
 #include "simulator/Dialect.h"
+#include "simulator/LackedCommands.h"
 
 namespace quordalvane::simulator {
 
@@ -68,7 +69,8 @@ class PrinterState {
   /// Changes one setting by its name from text: any flag (`true` or `false`), `firmware`, `dip1`
   /// and `dip2` (two bytes as four hex digits), `speed` (bytes a second, 0: unlimited), `buffer`
   /// (bytes), `presenterState` and `connectedInterface` (their codes), `paper` (58 or 80 mm; the
-  /// paper that is in the printer keeps its width), `proofs` (see `Proofs::parse`), `lineMode`
+  /// paper that is in the printer keeps its width), `proofs` (see `Proofs::parse`), `lacks` (see
+  /// `LackedCommands::parse`), `lineMode`
   /// (`true` or `false`), `codePages` and `multiByte` (see `CharacterSets`), `utf8` (`true` or
   /// `false`), `maker`, `modelName` and `serialNumber` (texts), `modelId` and `typeId` (numbers to
   /// 255), `profile` (see `applyProfile`). Throws std::invalid_argument, with a text for people
@@ -106,6 +108,7 @@ class PrinterState {
   unsigned buttonSecurity() const { return dipBanks[0][0] >> 6U; }
 
   Dialect dialect;
+  LackedCommands lacked;
   CharacterSets characters;
   std::string profile = "both";  ///< the name of the profile that was applied last
   std::uint8_t modelId = 0x20;

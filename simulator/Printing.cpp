@@ -26,10 +26,13 @@ void Printing::pass(std::uint8_t byte, std::uint64_t offset) {
   if (!scanner_.feed(byte)) {
     return;
   }
-  if (!scanner_.isKnown()) {
+  const bool isLacked = lacked_.has(scanner_.bytes());
+  if (isLacked || !scanner_.isKnown()) {
     record().noteUnknown(begin_, scanner_.bytes());
   }
-  carryOut(scanner_.bytes());
+  if (!isLacked) {
+    carryOut(scanner_.bytes());
+  }
 }
 
 void Printing::carryOut(ByteView command) {

@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "simulator/CommandScanner.h"
+#include "simulator/LackedCommands.h"
 #include "simulator/Macro.h"
 #include "simulator/Typesetter.h"
 
@@ -15,6 +16,9 @@ class Printing {
 
   /// From the next command on the printer knows the commands of this dialect.
   void setDialect(const Dialect& dialect);
+
+  /// The commands that the printer does not have from the next one on: they are unknown.
+  void setLacked(const LackedCommands& lacked) { lacked_ = lacked; }
 
   /// The characters that the printer has from now on.
   void setCharacterSets(const CharacterSets& sets) { typesetter_.setCharacterSets(sets); }
@@ -50,6 +54,7 @@ class Printing {
   void set(ByteView command);
 
   Dialect dialect_;
+  LackedCommands lacked_;
   CommandScanner scanner_;
   std::uint64_t begin_ = 0;  // the offset of the command that has begun
   Macro macro_;

@@ -21,6 +21,7 @@ constexpr BuiltIn builtIn[] = {
     {"both", R"(# Line mode and ESC/POS at once, and every proof.
 lineMode=true
 proofs=block+process-id+in-order
+lacks=none
 codePages=common
 multiByte=shift-jis
 utf8=false
@@ -30,6 +31,7 @@ modelName=Virtual
     {"escpos-80", R"(# A common ESC/POS printer for 80 mm paper.
 lineMode=false
 proofs=process-id+in-order
+lacks=none
 codePages=common
 multiByte=none
 utf8=false
@@ -39,6 +41,7 @@ modelName=Virtual-80
     {"escpos-80-japan", R"(# A common ESC/POS printer with Japanese characters.
 lineMode=false
 proofs=process-id+in-order
+lacks=none
 codePages=common
 multiByte=shift-jis
 utf8=false
@@ -49,6 +52,7 @@ typeId=3
     {"escpos-80-china", R"(# A common ESC/POS printer with simplified Chinese characters.
 lineMode=false
 proofs=process-id+in-order
+lacks=none
 codePages=common
 multiByte=gb18030
 utf8=false
@@ -59,6 +63,7 @@ typeId=3
     {"escpos-80-taiwan", R"(# A common ESC/POS printer with traditional Chinese characters.
 lineMode=false
 proofs=process-id+in-order
+lacks=none
 codePages=common
 multiByte=big5
 utf8=false
@@ -69,6 +74,7 @@ typeId=3
     {"escpos-80-korea", R"(# A common ESC/POS printer with Korean characters.
 lineMode=false
 proofs=process-id+in-order
+lacks=none
 codePages=common
 multiByte=euc-kr
 utf8=false
@@ -80,6 +86,7 @@ typeId=3
      R"(# A small ESC/POS printer for 58 mm paper that answers in order and knows no process ID.
 lineMode=false
 proofs=in-order
+lacks=none
 codePages=small
 multiByte=none
 utf8=false
@@ -87,9 +94,10 @@ paper=58
 modelName=Virtual-58
 typeId=0
 )"},
-    {"silent-58", R"(# A small ESC/POS printer that confirms nothing.
+    {"silent-58", R"(# A small ESC/POS printer that confirms nothing and has no page mode.
 lineMode=false
 proofs=none
+lacks=1b4c+1b53+1b54+1b57+1d24+1d5c
 codePages=small
 multiByte=none
 utf8=false

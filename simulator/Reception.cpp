@@ -14,13 +14,19 @@ void Reception::take(ByteView bytes, bool vanish, const OnPiece& onPiece) {
     if (!complete && scanner_.mayConcernTheMachine()) {
       continue;
     }
-    const MachineCommand command = complete ? scanner_.command() : MachineCommand::Printing;
+    const MachineCommand command = complete ? completeCommand(scanner_) : MachineCommand::Printing;
     if (actsOnReception(command) || !vanishes_) {
       passOn(command, onPiece);
     }
     undecided_.clear();
   }
   passOnForPrinting(onPiece);
+}
+
+MachineCommand Reception::completeCommand(const CommandScanner& scanner) const {
+  const MachineCommand command = scanner.command();
+  const bool isLacked = command != MachineCommand::Printing && lacked_.has(scanner.bytes());
+  return isLacked ? MachineCommand::Printing : command;
 }
 
 void Reception::passOn(MachineCommand command, const OnPiece& onPiece) {
@@ -46,7 +52,7 @@ std::size_t Reception::actingAtOnce(ByteView bytes) const {
   }
   CommandScanner scanner = scanner_.insideCommand() ? scanner_ : CommandScanner();
   const auto other = std::find_if(bytes.begin(), bytes.end(), [&](std::uint8_t byte) {
-    return scanner.feed(byte) ? !actsOnReception(scanner.command())
+    return scanner.feed(byte) ? !actsOnReception(completeCommand(scanner))
                               : !scanner.mayConcernTheMachine();
   });
   return static_cast<std::size_t>(other - bytes.begin());

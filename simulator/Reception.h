@@ -5,6 +5,7 @@
 
 #include "simulator/Bytes.h"
 #include "simulator/CommandScanner.h"
+#include "simulator/LackedCommands.h"
 
 namespace quordalvane::simulator {
 
@@ -14,6 +15,9 @@ class Reception {
  public:
   /// From the next command on the printer knows the commands of this dialect.
   void setDialect(const Dialect& dialect) { scanner_.setDialect(dialect); }
+
+  /// The commands that the printer does not have from the next one on: they are print data.
+  void setLacked(const LackedCommands& lacked) { lacked_ = lacked; }
 
   using OnPiece = std::function<void(MachineCommand, ByteView)>;
 
@@ -37,6 +41,9 @@ class Reception {
   void passOn(MachineCommand command, const OnPiece& onPiece);
   void passOnForPrinting(const OnPiece& onPiece);
 
+  MachineCommand completeCommand(const CommandScanner& scanner) const;
+
+  LackedCommands lacked_;
   CommandScanner scanner_;
   bool vanishes_ = false;  // of the command that has begun: whether it is lost
   Bytes undecided_;

@@ -39,6 +39,8 @@ void VirtualPrinter::set(std::string_view key, std::string_view value, Instant n
 void VirtualPrinter::followState(Instant now) {
   reception_.setDialect(state_.dialect);
   printing_.setDialect(state_.dialect);
+  reception_.setLacked(state_.lacked);
+  printing_.setLacked(state_.lacked);
   printing_.setCharacterSets(state_.characters);
   queue_.run(!state_.flag(Flag::Offline), state_.bytesPerSecond, now);
   printUntil(now);

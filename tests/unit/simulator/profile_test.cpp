@@ -6,12 +6,14 @@
 #include <stdexcept>
 
 #include "simulator/Profile.h"
+#include "simulator/TextRendering.h"
 #include "tests/unit/simulator/Session.h"
 
 namespace quordalvane::simulator {
 namespace {
 
 using testing::AllOf;
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::ThrowsMessage;
 
@@ -45,6 +47,36 @@ TEST(Profile, OfAFileIsReadLineByLine) {
   applyProfile(fileOf("# mine\n\nmaker=Mine\npaper=58\n"), state);
   EXPECT_EQ(state.maker(), "Mine");
   EXPECT_EQ(state.paperMillimetres(), 58U);
+}
+
+TEST(Profile, MayLackCommandsWhichAreUnknownThen) {
+  Session session(PrinterBuilder().set("lacks", "1b4c+1d61 1d7201"));
+  EXPECT_EQ(session.ask("1d61ff 1d7201 1d7202 100401"), hex("00 12"));
+  session.send(hex("1b4c") + ascii("a\n"));
+  EXPECT_EQ(renderText(session.printer.paper()), "a\n");
+  std::vector<std::string> names;
+  for (const auto& command : session.printer.paper().record().unknown()) {
+    names.push_back(command.name);
+  }
+  EXPECT_THAT(names, ElementsAre("GS a", "GS r", "ESC L"));
+  session.printer.set("lacks", "none", session.now);
+  EXPECT_EQ(session.ask("1d7201"), hex("00"));
+}
+
+TEST(Profile, OfASmallPrinterHasNoPageMode) {
+  Session session(PrinterBuilder().set("profile", "silent-58"));
+  session.send(hex("1b4c 1b57 0000 0000 c800 6400") + ascii("a\n") + hex("0c"));
+  EXPECT_EQ(session.printer.paper().record().unknown().size(), 2U);
+}
+
+TEST(Profile, LacksOnlyCommandsThatAreNamedInHex) {
+  for (const char* wrong : {"1b", "1b4", "zz4c", "1b4c4c4c4c", "1b4c,1d61", "+1b4cx0"}) {
+    PrinterState state;
+    EXPECT_THAT([&] { state.set("lacks", wrong); },
+                ThrowsMessage<std::invalid_argument>(HasSubstr("in hex")))
+        << wrong;
+    EXPECT_EQ(state.lacked, LackedCommands());
+  }
 }
 
 TEST(Profile, ThatIsWrongIsRefusedWithItsLineAndChangesNothing) {

@@ -1,0 +1,56 @@
+#include "simulator/LackedCommands.h"
+
+#include <algorithm>
+#include <charconv>
+#include <stdexcept>
+
+#include "text/Quoted.h"
+
+namespace quordalvane::simulator {
+namespace {
+
+// Empty if the text is not two to four bytes in hex.
+Bytes beginningIn(std::string_view text) {
+  const bool isLong = text.size() >= 4 && text.size() <= 8 && text.size() % 2 == 0;
+  Bytes bytes(isLong ? text.size() / 2 : 0);
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    const char* const begin = text.data() + 2 * i;
+    const auto [end, error] = std::from_chars(begin, begin + 2, bytes[i], 16);
+    if (error != std::errc() || end != begin + 2) {
+      return {};
+    }
+  }
+  return bytes;
+}
+
+}  // namespace
+
+LackedCommands LackedCommands::parse(std::string_view text) {
+  LackedCommands lacked;
+  std::string_view rest = text == "none" ? "" : text;
+  while (!rest.empty()) {
+    const std::string_view name = rest.substr(0, rest.find_first_of(" +"));
+    rest.remove_prefix(std::min(name.size() + 1, rest.size()));
+    if (name.empty()) {
+      continue;
+    }
+    const Bytes beginning = beginningIn(name);
+    if (beginning.empty()) {
+      throw std::invalid_argument(
+          "lacks takes none, or the first two to four bytes of commands in hex, joined by +, like "
+          "1b4c+1d286b, not " +
+          inQuotes(text));
+    }
+    lacked.beginnings_.push_back(beginning);
+  }
+  return lacked;
+}
+
+bool LackedCommands::has(ByteView command) const {
+  return std::any_of(beginnings_.begin(), beginnings_.end(), [&](const Bytes& beginning) {
+    return command.size() >= beginning.size() &&
+           std::equal(beginning.begin(), beginning.end(), command.begin());
+  });
+}
+
+}  // namespace quordalvane::simulator
