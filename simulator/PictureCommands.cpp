@@ -66,6 +66,18 @@ void Typesetter::barcodeSetting(ByteView command) {
   symbols_.setBarcode(command);
 }
 
+void Typesetter::symbolAtOnce(ByteView command) {
+  auto symbol = symbols_.symbolAtOnce(command);
+  if (!symbol) {
+    return paper_.noteSkipped(command);
+  }
+  addSymbol(*std::move(symbol));
+}
+
+void Typesetter::symbolKindAtOnce(ByteView command) {
+  symbols_.setKindAtOnce(command);
+}
+
 void Typesetter::twoDimensional(ByteView command) {
   constexpr std::uint8_t graphicsForm = 0x4c;
   constexpr std::uint8_t symbolForm = 0x6b;

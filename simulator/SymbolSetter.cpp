@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 #include <string>
+#include <string_view>
 
 #include "simulator/SymbolEncoding.h"
 #include "simulator/SymbolSizes.h"
@@ -170,6 +171,28 @@ std::optional<Symbol> SymbolSetter::barcode(ByteView command) const {
     barcode.data = code128Text(barcode.data);
   }
   return barcode;
+}
+
+// 1b 5a m n k dL dH, then the data: n is the level, k the width of a module, m the columns of
+// PDF417. The version of QR that m names is the encoder's own choice.
+std::optional<Symbol> SymbolSetter::symbolAtOnce(ByteView command) const {
+  constexpr Symbology kindsAtOnce[] = {Symbology::Pdf417, Symbology::DataMatrix, Symbology::Qr};
+  constexpr std::string_view qrLevels = "LMQH";
+  const unsigned number = numberOf(kindAtOnce_);
+  if (number >= std::size(kindsAtOnce) || command.size() < 7) {
+    return std::nullopt;
+  }
+  Symbol symbol;
+  symbol.symbology = kindsAtOnce[number];
+  symbol.rowHeight = symbol.moduleWidth * (number == 0 ? 3 : 1);
+  if (command[4] > 0 && number > 0) {
+    setModuleWidth(symbol, std::clamp<unsigned>(command[4], 1, 16));
+  }
+  const std::size_t letter = qrLevels.find(static_cast<char>(command[3]));
+  symbol.level = static_cast<unsigned>(letter == std::string_view::npos ? command[3] : letter + 1);
+  symbol.columns = number == 0 ? std::min<unsigned>(command[2], 30) : 0;
+  symbol.data = textOf(command.subspan(7));
+  return symbol;
 }
 
 Symbol* SymbolSetter::storedFor(std::uint8_t number) {

@@ -20,6 +20,12 @@ class SymbolSetter {
   /// The bar code of a command 1d 6b; empty if it has no known symbology or no end.
   std::optional<Symbol> barcode(ByteView command) const;
 
+  /// Takes the kind of the symbols that follow by 1b 5a, from the command 1d 5a.
+  void setKindAtOnce(ByteView command) { kindAtOnce_ = command[2]; }
+
+  /// The symbol of a whole command 1b 5a, which prints it at once; empty if there is no such kind.
+  std::optional<Symbol> symbolAtOnce(ByteView command) const;
+
   enum class Outcome { Stored, Print, Unknown };
 
   /// Carries out a command 1d 28 6b. After `Print` the symbol is to be taken with `symbol()`.
@@ -43,6 +49,7 @@ class SymbolSetter {
   Symbol barcode_;
   std::array<Symbol, 7> stored_;  // one a kind of 1d 28 6b
   const Symbol* chosen_ = nullptr;
+  std::uint8_t kindAtOnce_ = 0;
 };
 
 }  // namespace quordalvane::simulator

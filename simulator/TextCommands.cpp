@@ -9,8 +9,7 @@ void Typesetter::initialise(ByteView) {
   page_.reset();
   line_ = LineBuilder(paper_.width());
   style_ = {};
-  kanjiWidth_ = 1;
-  kanjiHeight_ = 1;
+  kanji_ = {};
   decoder_.reset();
   graphics_.initialise();
   symbols_ = {};
@@ -27,13 +26,26 @@ void Typesetter::printMode(ByteView command) {
 }
 
 void Typesetter::kanjiMode(ByteView command) {
-  kanjiWidth_ = (command[2] & 0x04U) != 0 ? 2 : 1;
-  kanjiHeight_ = (command[2] & 0x08U) != 0 ? 2 : 1;
+  kanji_.width = (command[2] & 0x04U) != 0 ? 2 : 1;
+  kanji_.height = (command[2] & 0x08U) != 0 ? 2 : 1;
+  kanji_.underline = (command[2] & 0x80U) != 0 ? 1 : 0;
+}
+
+void Typesetter::kanjiUnderline(ByteView command) {
+  const unsigned thickness = command[2] & 0x0fU;  // 0 to 2, as a number or as a digit
+  if (thickness <= 2) {
+    kanji_.underline = static_cast<std::uint8_t>(thickness);
+  }
+}
+
+// To the left and to the right of each character; here all of it is to the right.
+void Typesetter::kanjiSpacing(ByteView command) {
+  kanji_.spacing = unsigned{command[2]} + command[3];
 }
 
 void Typesetter::kanjiDoubled(ByteView command) {
-  kanjiWidth_ = (command[2] & 1U) != 0 ? 2 : 1;
-  kanjiHeight_ = kanjiWidth_;
+  kanji_.width = (command[2] & 1U) != 0 ? 2 : 1;
+  kanji_.height = kanji_.width;
 }
 
 void Typesetter::bold(ByteView command) {
@@ -92,20 +104,24 @@ void Typesetter::nationalSet(ByteView command) {
 }
 
 void Typesetter::multiByte(ByteView command) {
-  constexpr std::uint8_t on = 0x26;
-  if (!decoder_.setMultiByte(command[1] == on)) {
+  const bool on = command[1] == 0x26;
+  if (!decoder_.setMultiByte(on) && on) {  // turning off what is not there changes nothing
     paper_.noteSkipped(command);
   }
 }
 
 void Typesetter::multiByteCode(ByteView command) {
-  if (!decoder_.selectMultiByteCode(command[2])) {
+  if (!decoder_.selectMultiByteCode(command[2]) && (command[2] & 0x0fU) != 0) {
     paper_.noteSkipped(command);
   }
 }
 
-// 1c 28 43 02 00 30 m: 1 is the code page, 2 is UTF-8.
+// 1c 28 43 02 00 30 m: 1 is the code page, 2 is UTF-8. The font, 1c 28 41, makes no difference.
 void Typesetter::characterEncoding(ByteView command) {
+  constexpr std::uint8_t font = 0x41;
+  if (command[2] == font) {
+    return;
+  }
   const bool selects = command.size() == 7 && command[2] == 0x43 && command[5] == 0x30;
   if (!selects || !decoder_.setUtf8((command[6] & 0x0fU) == 2)) {
     paper_.noteSkipped(command);

@@ -46,6 +46,7 @@ const Typesetter::Entry Typesetter::commandTable[] = {
     {0x1b, 0x55, Spoken::EscPos, &Typesetter::ignore},  // printing in one direction alone
     {0x1b, 0x56, Spoken::EscPos, &Typesetter::rotation},
     {0x1b, 0x57, Spoken::EscPos, &Typesetter::pageArea},
+    {0x1b, 0x5a, Spoken::EscPos, &Typesetter::symbolAtOnce},
     {0x1b, 0x5c, Spoken::EscPos, &Typesetter::positionFurther},
     {0x1b, 0x61, Spoken::EscPos, &Typesetter::align},
     {0x1b, 0x63, Spoken::EscPos, &Typesetter::ignore},  // sensors and buttons
@@ -60,8 +61,10 @@ const Typesetter::Entry Typesetter::commandTable[] = {
     {0x1c, 0x21, Spoken::EscPos, &Typesetter::kanjiMode},
     {0x1c, 0x26, Spoken::EscPos, &Typesetter::multiByte},
     {0x1c, 0x28, Spoken::EscPos, &Typesetter::characterEncoding},
+    {0x1c, 0x2d, Spoken::EscPos, &Typesetter::kanjiUnderline},
     {0x1c, 0x2e, Spoken::EscPos, &Typesetter::multiByte},
     {0x1c, 0x43, Spoken::EscPos, &Typesetter::multiByteCode},
+    {0x1c, 0x53, Spoken::EscPos, &Typesetter::kanjiSpacing},
     {0x1c, 0x57, Spoken::EscPos, &Typesetter::kanjiDoubled},
     {0x1c, 0x70, Spoken::EscPos, &Typesetter::graphics},
     {0x1c, 0x71, Spoken::EscPos, &Typesetter::graphics},
@@ -80,6 +83,7 @@ const Typesetter::Entry Typesetter::commandTable[] = {
     {0x1d, 0x51, Spoken::EscPos, &Typesetter::tallColumnImage},
     {0x1d, 0x56, Spoken::EscPos, &Typesetter::cut},
     {0x1d, 0x57, Spoken::EscPos, &Typesetter::printWidth},
+    {0x1d, 0x5a, Spoken::EscPos, &Typesetter::symbolKindAtOnce},
     {0x1d, 0x5c, Spoken::EscPos, &Typesetter::pagePositionFurther},
     {0x1d, 0x62, Spoken::EscPos, &Typesetter::ignore},  // smoothing: large letters are smooth
     {0x1d, 0x66, Spoken::EscPos, &Typesetter::barcodeSetting},
@@ -175,8 +179,10 @@ void Typesetter::add(const DecodedText& text) {
   TextStyle style = style_;
   if (text.isWide) {
     style.wide = true;
-    style.widthFactor = std::max(style.widthFactor, kanjiWidth_);
-    style.heightFactor = std::max(style.heightFactor, kanjiHeight_);
+    style.widthFactor = std::max(style.widthFactor, kanji_.width);
+    style.heightFactor = std::max(style.heightFactor, kanji_.height);
+    style.underline = std::max(style.underline, kanji_.underline);
+    style.spacing = static_cast<std::uint8_t>(std::min(kanji_.spacing, 0xffU));
   }
   line_.add(text.characters, style, target());
 }

@@ -14,6 +14,14 @@
 
 namespace quordalvane::simulator {
 
+/// What a job sets for characters of several bytes alone.
+struct KanjiStyle {
+  std::uint8_t width = 1;  ///< factors
+  std::uint8_t height = 1;
+  std::uint8_t underline = 0;
+  unsigned spacing = 0;
+};
+
 /// Turns complete print commands into paper. Understands line-mode jobs and ESC/POS on one stream.
 ///
 /// One command means two things: 1b 64 n feeds n lines in ESC/POS and, for n from 0 to 3, cuts in
@@ -84,6 +92,8 @@ class Typesetter {
   void multiByte(ByteView command);
   void multiByteCode(ByteView command);
   void kanjiDoubled(ByteView command);
+  void kanjiUnderline(ByteView command);
+  void kanjiSpacing(ByteView command);
   void characterEncoding(ByteView command);
   void userCharacters(ByteView command);
   void userCharactersOn(ByteView command);
@@ -121,6 +131,8 @@ class Typesetter {
   void barcode(ByteView command);
   void barcodeSetting(ByteView command);
   void twoDimensional(ByteView command);
+  void symbolAtOnce(ByteView command);
+  void symbolKindAtOnce(ByteView command);
 
   // Whatever leaves no ink: DeviceCommands.cpp.
   void ignore(ByteView) {}
@@ -147,8 +159,7 @@ class Typesetter {
   GraphicsMemory graphics_;
   SymbolSetter symbols_;
   CharacterMemory userCharacters_;
-  std::uint8_t kanjiWidth_ = 1;  // factors for characters of several bytes alone
-  std::uint8_t kanjiHeight_ = 1;
+  KanjiStyle kanji_;
   bool sawEscPos_ = false;
   bool printerListens_ = true;  // not deselected by 1b 3d
   bool displayListens_ = false;

@@ -211,6 +211,16 @@ TEST(MultiByteText, TakesTheRoomOfTwoLetters) {
   EXPECT_EQ(line.items.at(1).x, 48U);
 }
 
+TEST(MultiByteText, HasAnUnderlineAndASpacingOfItsOwn) {
+  const Print print(hex("1c2d02 1c53 0204 d6d0b9fa 41 0a"), profile("escpos-80-china"));
+  const auto& line = std::get<Line>(print.paper().items().at(0));
+  const auto& wide = std::get<TextRun>(line.items.at(0).content);
+  const auto& narrow = std::get<TextRun>(line.items.at(1).content);
+  EXPECT_EQ(wide.style.underline, 2);
+  EXPECT_EQ(narrow.style.underline, 0);
+  EXPECT_EQ(line.width(), 2U * (24 + 6) + 12);
+}
+
 TEST(MultiByteText, NamesTheCharactersThatItLacks) {
   EXPECT_THAT(Print(hex("1c4301 fc4c 0a"), profile("escpos-80-japan")).missing(),
               ElementsAre("fc 4c in shift-jis"));

@@ -83,6 +83,12 @@ std::vector<Job> jobs() {
        "x\n[not shown: 1d 6b 07 (1) 1d 6b 08 (1) 1d 6b 40 (1) 1d 6b 50 (1)]\n"},
       {"a QR code", hex("1d286b 0800 31 50 30 68656c6c6f 1d286b 0300 31 51 30"),
        "[QR code hello]\n"},
+      {"a two-dimensional code at once",
+       hex("1d5a02 1b5a 034c06 0200 6869 1d5a01 1b5a 000004 0200 6869 1d5a00 1b5a 020102 0200 6869 "
+           "1d5a07 1b5a 000000 0200 6869"),
+       "[QR code hi]\n[DataMatrix hi]\n[PDF417 hi]\n[not shown: 1b 5a 00 (1)]\n"},
+      {"turning off what the printer lacks changes nothing", hex("1c2e 1c4330 1c2d01 1c53 0000"),
+       ""},
       {"bytes that would act on a terminal are data", hex("1d6b 49 03 1b 5b 4d"),
        "[Code 128 .[M]\n"},
       {"what cannot be shown is skipped and listed",
