@@ -3,11 +3,10 @@
 import { make, write } from "./dom.js";
 import { grouped, paperLength, titled } from "./words.js";
 
-/** Counters whose name does not say it, and those that are a length. */
+/** For counters whose name does not say it. */
 const names = {
-  rows: "paper", bytes: "bytes printed", drawer: "drawer pulses", etbCounter: "job marks", buffered: "bytes waiting",
+  bytes: "bytes printed", drawer: "drawer pulses", etbCounter: "job marks", buffered: "bytes waiting",
 };
-const lengths = ["rows"];
 const ofTheState = ["buffered", "etbCounter"];
 
 export class Counters {
@@ -16,11 +15,12 @@ export class Counters {
     this.element = make("dl", {class: "figures"});
   }
 
-  show({counters, state, host}) {
+  show({counters, state, host, paper}) {
     write(this.place("host"), host ? "connected" : "none");
+    write(this.place("paper"), paperLength(paper.rows));
     const all = {...counters, ...Object.fromEntries(ofTheState.map((key) => [key, state[key]]))};
     for (const [key, value] of Object.entries(all)) {
-      write(this.place(key), lengths.includes(key) ? paperLength(value) : grouped(value));
+      write(this.place(key), grouped(value));
     }
   }
 

@@ -5,8 +5,8 @@ import { bytesOf, counted, moment, paired, paperLength } from "./words.js";
 
 const number = location.pathname.split("/").pop();
 
-/** The server gives the picture of a long receipt in parts of so many dots. */
-const partDots = 8000;
+/** A browser shows no taller picture, and takes very much memory to try. It can still be saved. */
+const tallestPicture = 16000; // dots
 
 async function load(from) {
   const answer = await fetch(`${number}.json${from === null ? "" : `?from=${from}`}`);
@@ -26,14 +26,12 @@ function picture(receipt) {
   if (receipt.height === 0) {
     return make("p", {class: "hint"}, "The job left no paper.");
   }
-  const parts = Array.from({length: receipt.parts}, (_, index) => make("img", {
-    alt: index === 0 ? "The receipt as it was printed; its text follows" : "",
-    loading: index === 0 ? "eager" : "lazy",
-    src: `${number}.png?part=${index + 1}`,
-    width: receipt.width,
-    height: Math.min(partDots, receipt.height - index * partDots),
-  }));
-  return make("div", {class: "whole", role: "region", tabindex: "0", "aria-label": "Picture of the receipt"}, ...parts);
+  if (receipt.height > tallestPicture) {
+    return make("p", {class: "hint"}, `It is ${paperLength(receipt.height)} long: save the picture to look at it.`);
+  }
+  const alt = "The receipt as it was printed; its text follows";
+  const image = make("img", {alt, src: `${number}.png`, width: receipt.width, height: receipt.height});
+  return make("div", {class: "whole", role: "region", tabindex: "0", "aria-label": "Picture of the receipt"}, image);
 }
 
 function figures(receipt) {
