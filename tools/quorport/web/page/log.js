@@ -94,10 +94,10 @@ export class Log {
 
   row(entry) {
     const bytes = entry.bytes ? [make("code", {class: "bytes"}, bytesOf(entry))] : [];
+    const name = entry.name === entry.kind ? [] : [make("strong", {}, entry.name)];
     const where = entry.where ? [make("span", {class: "hint"}, entry.where)] : [];
     const answer = entry.answer ? [make("span", {class: "hint"}, entry.answer)] : [];
     return make("li", {class: entry.kind}, make("time", {class: "hint"}, clockTime(entry.time)), ...where,
-      make("span", {class: "kind"}, entry.kind), make("strong", {}, entry.name), make("span", {}, entry.meaning ?? ""),
-      ...answer, ...bytes);
+      make("span", {class: "kind"}, entry.kind), ...name, make("span", {}, entry.meaning ?? ""), ...answer, ...bytes);
   }
 }

@@ -21,12 +21,8 @@ export class Station {
     this.flags = known.flags;
     const send = (line) => this.send(line);
     this.paper = new Paper(this.name, printer.place);
-    this.parts = [
-      new Switches(known.flags, send),
-      new Sliders(known.settings, send),
-      new Settings(known.settings, send),
-      new Faults(known, send),
-    ];
+    this.daily = [new Switches(known.flags, send), new Sliders(known.settings, send)];
+    this.others = [new Settings(known.settings, send), new Faults(known, send)];
     this.counters = new Counters();
     this.element = this.card(printer, known.actions);
     this.show(printer);
@@ -39,9 +35,10 @@ export class Station {
     const place = printer.name ? make("p", {}, make("code", {}, printer.place)) : "";
     const title = make("div", {class: "title"}, make("h2", {id}, this.name), place, this.condition);
     const machine = make("div", {class: "machine"}, this.paper.element, this.buttons(actions));
-    const controls = make("div", {class: "controls"}, this.refusal, ...this.parts.map((part) => part.element));
+    const daily = make("div", {class: "controls"}, this.refusal, ...this.daily.map((part) => part.element));
+    const others = make("div", {class: "controls"}, ...this.others.map((part) => part.element));
     return make("article", {class: "card printer", "aria-labelledby": id}, title,
-      make("div", {class: "sides"}, machine, controls), this.counters.element);
+      make("div", {class: "sides"}, machine, daily), others, this.counters.element);
   }
 
   buttons(actions) {
@@ -64,7 +61,7 @@ export class Station {
 
   /** Shows the state, faults and counters that the printer now has. */
   show(data) {
-    for (const part of this.parts) {
+    for (const part of [...this.daily, ...this.others]) {
       part.show(data);
     }
     this.counters.show(data);
