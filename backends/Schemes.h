@@ -9,7 +9,7 @@
 
 namespace quordalvane {
 
-/// Adds the scheme, which must last, behind those that there are; one that is there is not added
+/// Adds the scheme, which must last, after the others; one that is in the list already is not added
 /// again. For the beginning of a program, before it has threads.
 QUOR_EXPORT void addScheme(const Scheme& scheme);
 

@@ -65,7 +65,7 @@ Row rowOf(const ReceiptKind& kind) {
   constexpr int runs = 5;
   const auto endpoint = makeEndpoint(Medium::Tcp);
   const auto openEndpoint = makeEndpoint(Medium::Tcp);
-  std::unique_ptr<ReceiptPrinter> printer;  // joined last: it goes on until its other side has gone
+  std::unique_ptr<ReceiptPrinter> printer;  // joined last: it runs until the other side has closed
   OpenPort port(openEndpoint->device(), kind.emulation);
   printer = std::make_unique<ReceiptPrinter>(openEndpoint->accept(), Core::First, kind.confirms);
   const auto data = receipt();

@@ -6,7 +6,7 @@
 #include <string>
 
 // Turns the exceptions of C++ into a code and a text. The library of the journal uses it as well,
-// so that quor_last_error tells of the latest call of either.
+// so that quor_last_error explains the latest call of either.
 
 namespace quordalvane::c {
 

@@ -63,7 +63,7 @@ class CheckedBlock : public Proof {
   void keepStatus();
 
   OwedAnswers answers_;
-  bool isBeginning_ = true;  // answers are counted until the data goes out
+  bool isBeginning_ = true;  // answers are counted until the data is sent
   QuorPrinterStatus_2 status_ = {};
 };
 

@@ -13,9 +13,8 @@ namespace quordalvane {
 /// The four characters by which a printer names a job whose end it has reached.
 using JobId = std::array<std::uint8_t, 4>;
 
-/// Tells the answers of an ESC/POS printer apart, however they are cut into pieces and in whatever
-/// order they arrive. Each is known by its whole form, since the bytes of one may look like
-/// another:
+/// Distinguishes the answers of an ESC/POS printer, in any order and cut into any pieces. Each is
+/// known by its whole form, since the bytes of one may look like another:
 ///
 /// - real-time status, one byte with (b AND 93) = 12;
 /// - in-order status, one byte with (b AND 90) = 00;
@@ -52,8 +51,8 @@ class EscPosAnswers {
   bool hasNamed(const JobId& id) const;
 
  private:
-  // Each tells how many bytes the answer at the beginning has: 0 if more must arrive before it is
-  // known.
+  // Each returns how many bytes the answer at the beginning has: 0 if more must arrive before that
+  // is known.
   std::size_t take();
   std::size_t takeAnswer();
   std::size_t takeUnasked() const;

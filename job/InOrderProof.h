@@ -23,7 +23,7 @@ class InOrderProof final : public EndSign {
 
   PortMemory& memory_;
   std::uint64_t asked_ = 0;
-  bool isSure_ = false;  // nothing else was owed when the data went out
+  bool isSure_ = false;  // nothing else was owed when the data was sent
 };
 
 /// Asks for one in-order status.

@@ -29,7 +29,7 @@ bool isNeverAnswered(ByteView data);
 /// printer takes all bytes before that place for the command's own.
 std::size_t commandEnd(ByteView data, std::size_t position);
 
-/// Why a question after the data could not be told from the data, or its answer would prove
+/// Why a question after the data could be taken for data, or why its answer would prove
 /// nothing: the data ends inside a command, or holds a command that makes a printer drop data.
 /// Empty if neither. Counted payload of known commands is data here as well, but for the command
 /// that clears the buffer in real time.

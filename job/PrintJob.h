@@ -74,8 +74,8 @@ class QUOR_EXPORT PrintJob {
   /// @}
 
   /// Abandons the job: as soon as the port looks at the link again, 0.3 s at most, the printer is
-  /// made to drop what it holds, if the link takes that within 0.5 s, and the port is closed. Any
-  /// thread, also before `run`; safe in a signal handler.
+  /// made to drop the data that it holds, if the link takes that within 0.5 s, and the port is
+  /// closed. Any thread, also before `run`; safe in a signal handler.
   void cancel() noexcept { cancelled_ = true; }
 
  private:

@@ -81,7 +81,7 @@ class QUOR_EXPORT PrinterInquiry {
   /// the link has taken the command.
   void dropAll();
 
-  /// Makes the printer's Bluetooth module drop the link; the port stays open.
+  /// Makes the printer's Bluetooth module drop the link; the port remains open.
   void disconnect();
 
   /// The bytes that the printer sent during the last question, whether understood or not.

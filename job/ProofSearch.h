@@ -8,7 +8,7 @@
 
 namespace quordalvane {
 
-/// What a printer that was asked for its proof has answered.
+/// The answer of a printer that was asked for its proof.
 struct FoundProof {
   ProofKind kind = ProofKind::None;  ///< the strongest that it gives
   std::set<ProofKind> owed;          ///< those whose questions may still be answered

@@ -24,8 +24,8 @@ struct NamedJobRequest {
   /// True: print a job again of which nobody knows whether it is on paper. Somebody has looked.
   bool again = false;
 
-  /// True: the name alone tells the job, as its data may differ from call to call; a filter that
-  /// makes them writes the time into them, for example.
+  /// True: the name alone identifies the job, since its data may differ from call to call; a filter
+  /// that makes them writes the time into them, for example.
   bool isNameEnough = false;
 
   /// How long to wait for another process that prints the job; zero: not at all.

@@ -12,8 +12,8 @@
 
 namespace quordalvane::render {
 
-/// Turns UTF-8 text into what the printer prints. A line whose characters are all in the printer's
-/// code page stays text, which is fast and sharp; any other line is drawn. It holds one line,
+/// Turns UTF-8 text into the printer's commands. A line whose characters are all in the printer's
+/// code page is sent as text, which is fast and sharp; any other line is drawn. It holds one line,
 /// whatever the length of the text.
 class TextPrinting {
  public:

@@ -12,7 +12,7 @@ using Properties = std::map<std::string, sdbus::Variant>;
 using Interfaces = std::map<std::string, Properties>;
 using Objects = std::map<sdbus::ObjectPath, Interfaces>;
 
-// The property, or the value that stands for one that is missing or of another type.
+// The property; `otherwise` if it is missing or of another type.
 template <typename Value>
 Value valueOf(const Properties& properties, const std::string& name, Value otherwise) {
   const auto found = properties.find(name);

@@ -5,7 +5,7 @@
 
 #include "platform/Platform.h"
 
-// The parts of the platform that stand on a framework, one source in Objective-C++ each. This
+// The parts of the platform that use a framework, one source in Objective-C++ each. This
 // header keeps the frameworks out of the C++ beside them.
 
 namespace quordalvane::handheld {

@@ -6,7 +6,7 @@
 
 #include "platform/Platform.h"
 
-/// What is built on the frameworks of the handheld platform.
+/// The platform on the frameworks of the handheld device.
 namespace quordalvane::handheld {
 
 /// The platform of a program on the handheld device: the accessories that its accessory service

@@ -54,7 +54,7 @@ inline std::optional<std::string> textOf(NSString* text) {
   return characters != nullptr ? std::optional<std::string>(characters) : std::nullopt;
 }
 
-/// What a framework raised, for people; never empty.
+/// An exception of a framework, in words for people; never empty.
 inline std::string textOf(NSException* exception) {
   return textOf([exception name]).value_or("exception") + ": " +
          textOf([exception reason]).value_or("no reason given");

@@ -32,7 +32,8 @@ class QUOR_EXPORT AccessoryNotices {
   /// notices that are there. True if there was one since the last call.
   bool await(std::chrono::milliseconds time);
 
-  /// Becomes readable when a notice may be there; -1 if the system gives none. It stays owned.
+  /// Becomes readable when a notice may be there; -1 if the system gives none. This object keeps
+  /// it.
   int descriptor() const { return socket_; }
 
  private:

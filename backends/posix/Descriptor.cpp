@@ -118,8 +118,8 @@ std::ptrdiff_t Descriptor::send(const std::uint8_t* bytes, std::size_t length) c
                       : ::write(number_, bytes, length);
   });
   // The driver reports a transfer that broke off as if nothing had been sent: with EIO, or with
-  // ENODEV if it has noticed by then that the printer is gone. The printer may have got any part of
-  // it, so all of it counts as taken; the next call fails.
+  // ENODEV if it has noticed by then that the printer was unplugged. The printer may have got any
+  // part of it, so all of it counts as taken; the next call fails.
   const bool brokeOff = isUsb(kind_) && count == -1 && (errno == EIO || errno == ENODEV);
   return brokeOff ? static_cast<std::ptrdiff_t>(length) : count;
 }

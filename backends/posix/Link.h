@@ -26,8 +26,8 @@ using Tick = std::chrono::nanoseconds;
 /// All calls may be made from any thread. Nothing is locked while a wait blocks.
 class Link {
  public:
-  /// The longest that the other side may leave what was sent without an acknowledgement. The system
-  /// asks a printer that has no space every two minutes at the least, so it must be longer.
+  /// The longest time for which the other side may leave sent bytes without an acknowledgement. The
+  /// system asks a printer that has no space every two minutes at the least, so it must be longer.
   static constexpr std::chrono::milliseconds givenUpAfter{150'000};
 
   /// `silenceLimit` is another one than that.
@@ -80,7 +80,7 @@ class Link {
   /// Blocks until there is space, the link is lost or `seconds` have passed.
   void waitForSpace(double seconds);
 
-  /// What the device's port reports, see `Descriptor::portState`; "" after `release`.
+  /// The state that the device's port reports, see `Descriptor::portState`; "" after `release`.
   std::string portState();
 
  private:

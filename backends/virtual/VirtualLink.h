@@ -17,7 +17,7 @@ namespace quordalvane::virtuals {
 struct PrinterInside {
   std::mutex mutex;
   std::unique_ptr<simulator::VirtualPrinter> printer;
-  simulator::Faults faults;  // of the links to come
+  simulator::Faults faults;  // of later links
 };
 
 /// One connection to a printer in this process, shared by a session, its streams and its accessory.
@@ -43,7 +43,8 @@ class VirtualLink {
   /// False while no reply can be on its way.
   bool expectsBytes();
 
-  /// Whether the printer may answer what is written from now on; it may until this is called.
+  /// Whether the printer may answer bytes that are written from now on; it may until this is
+  /// called.
   void setMayBeAnswered(bool mayBeAnswered);
   std::int64_t write(std::span<const std::uint8_t> bytes);
   std::int64_t read(std::span<std::uint8_t> bytes);

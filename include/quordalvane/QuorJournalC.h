@@ -117,9 +117,9 @@ QUOR_EXPORT void quor_named_job_free(QuorNamedJob* job);
  * it is on paper, or another process prints it still. 0 if it must be run. */
 QUOR_EXPORT int32_t quor_named_job_is_answered(QuorNamedJob* job);
 
-/** Has `print_job` print the data, with "begun" on disk before the first byte goes out, and the
+/** Has `print_job` print the data, with "begun" on disk before the first byte is sent, and the
  * outcome before this returns. A job that is answered takes that answer instead, and nothing is
- * asked of its port. Either way the functions of `print_job` tell what became of it. Called once,
+ * asked of its port. Either way the functions of `print_job` return its result. Called once,
  * with a print job that has not run; QUOR_USAGE otherwise. QUOR_NO_JOURNAL if the beginning could
  * not be recorded: nothing of the job was sent then, and the port is closed. Otherwise as
  * quor_print_job_run. */
@@ -145,11 +145,11 @@ QUOR_EXPORT QuorCode quor_named_job_not_recorded(QuorNamedJob* job, char* text, 
 /** A printer that one job has for itself, among the jobs of this machine that ask for a turn. */
 typedef struct QuorTurn QuorTurn;
 
-/** Takes the printer behind the text of a device, and waits for at most `timeout` while another job
- * has it. The turn ends when it is freed, or with the process. QUOR_NONE, and null in `*turn`, for
- * a printer that nobody else can have, such as "virtual:"; QUOR_FAILED if another job has it still;
- * QUOR_USAGE for a text that is no device; QUOR_UNEXPECTED if the file of the locks cannot be
- * used. `waiting` may be null. */
+/** Takes the printer that the text of a device names, and waits for at most `timeout` while another
+ * job has it. The turn ends when it is freed, or with the process. QUOR_NONE, and null in `*turn`,
+ * for a printer that nobody else can have, such as "virtual:"; QUOR_FAILED if another job has it
+ * still; QUOR_USAGE for a text that is no device; QUOR_UNEXPECTED if the file of the locks cannot
+ * be used. `waiting` may be null. */
 QUOR_EXPORT QuorCode quor_turn_take(const char* device, uint32_t timeout, QuorWaiting waiting,
                                     void* context, QuorTurn** turn);
 

@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::uint32_t limitMillis = 1000;
 constexpr std::size_t longestForPairs = 20;
-constexpr double instant = 0.01;  // later: what came before has been read by then
+constexpr double instant = 0.01;  // later: earlier bytes have been read by then
 
 /// Seconds for which a link may stall; the last is beyond every limit of the operation.
 std::vector<double> stalls(const Bytes& reply) {

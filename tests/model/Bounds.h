@@ -8,7 +8,7 @@ namespace quordalvane::test {
 
 /// The longest that a call may take by its contract, in virtual seconds: each wait its limit and a
 /// second, since limits are whole seconds of the wall clock, one pause between two looks and one
-/// slice, and what it calls. A step back of the clock makes it longer by the step.
+/// slice, and the operations that it calls. A step back of the clock makes it longer by the step.
 double mostSeconds(const Scenario& scenario, const Call& call);
 
 /// The parts of a run that no limit holds.

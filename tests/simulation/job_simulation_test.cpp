@@ -102,7 +102,7 @@ PrintOutcome runCase(const Case& given) {
   return result.outcome;
 }
 
-/// The seeds are parted among several tests, which may run side by side.
+/// The seeds are divided among several tests, which may run side by side.
 class SimulatedJobs : public testing::TestWithParam<std::uint64_t> {
  protected:
   static constexpr std::uint64_t parts = 2;

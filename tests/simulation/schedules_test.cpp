@@ -83,7 +83,8 @@ std::vector<Fault> everyFault(ProofKind proof) {
   return all;
 }
 
-/// Two bytes out of nothing that look like in-order answers: no count can tell them from those.
+/// Two invented bytes that look like in-order answers: no count can distinguish them from true
+/// ones.
 bool isBeyondACount(const Fault& one, const Fault& other) {
   return one.second.starts_with("00@") && other.second.starts_with("00@");
 }

@@ -44,8 +44,8 @@ std::uint64_t residentMemory() {
   return pages * 4096;
 }
 
-/// What the process holds once no more than `threads` run: a port thread lives on for a slice after
-/// its port is closed. One that does not end is there to be counted in the end.
+/// The resources of the process once no more than `threads` run: a port thread lives on for a slice
+/// after its port is closed. One that does not end is there to be counted in the end.
 Json resources(std::ptrdiff_t threads) {
   using namespace std::chrono_literals;
   if (!LogWriter::sharedInstance().flush(1min)) {

@@ -23,7 +23,7 @@ struct Piece {
 using Reply = std::vector<Piece>;
 
 /// All actions of a link, given in advance: the same script gives the same run. Times are seconds
-/// after the start of the operation under test. What is not told works: every byte is taken at once
+/// after the start of the operation under test. Everything else works: every byte is taken at once
 /// and the link remains.
 struct Script {
   struct Answer {

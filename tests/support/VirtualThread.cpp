@@ -97,7 +97,7 @@ bool VirtualThread::start() {
       ownLoop = {&scheduler, loop};
       body();
       loop->drainAndClose();
-      // The turn goes on before the body is released: the body may hold the last reference to the
+      // The turn passes on before the body is released: the body may hold the last reference to the
       // platform, and with it to the scheduler.
       scheduler.end(self);
       body = {};

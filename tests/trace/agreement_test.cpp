@@ -24,7 +24,7 @@ TEST(PortAndModel, AgreeOnEveryOperationOnASilentLink) {
   }
 }
 
-/// The seeds are parted among several tests, which may run side by side.
+/// The seeds are divided among several tests, which may run side by side.
 class SeededScripts : public testing::TestWithParam<std::uint64_t> {
  protected:
   static constexpr std::uint64_t parts = 4;

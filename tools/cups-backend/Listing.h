@@ -8,7 +8,7 @@
 namespace quordalvane::cups {
 
 /// A printer that was found, in the line in which the print system reads it: the class of its link,
-/// its URI, its make and model, what people call it, its device ID and an empty place.
+/// its URI, its make and model, its name for people, its device ID and an empty location.
 std::string listingOf(const FoundDevice& found);
 
 /// Writes the printers that can be found to `descriptor`, a line each, and reports on `lines` the

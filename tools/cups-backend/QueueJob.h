@@ -24,7 +24,7 @@ namespace quordalvane::cups {
 /// sent, the block is printed or a person decides: it is never sent again by itself.
 class QueueJob {
  public:
-  /// What it works with, all of which must outlive it.
+  /// The objects that it uses; all must outlive it.
   struct Surroundings {
     StatusLines& lines;
     StopWish& wish;

@@ -68,7 +68,7 @@ void SideChannel::answerOwed() {
         state_.data() == PrinterState::Data::Printed ? CUPS_SC_STATUS_OK : CUPS_SC_STATUS_IO_ERROR);
 }
 
-/// The filter that asked reads at once, or is gone.
+/// The filter that asked reads at once, or has ended.
 void SideChannel::write(cups_sc_command_t command, cups_sc_status_t status,
                         const std::string& data) {
   std::string message = {static_cast<char>(command), static_cast<char>(status),

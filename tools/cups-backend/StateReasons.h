@@ -16,7 +16,7 @@ inline const StateReasons outOfReach = {"offline-report"};
 /// Nobody knows whether the last job is on paper.
 inline const StateReasons unconfirmedJob = {"quor-unconfirmed-warning"};
 
-/// The keywords for what the status reports.
+/// The keywords for the conditions in the status.
 StateReasons reasonsIn(const QuorPrinterStatus_2& status);
 
 /// All keywords that this back end may have set, in this process or in one before it.

@@ -5,7 +5,7 @@
 
 namespace quordalvane::printer_app {
 
-/// Shows in `printer-state-reasons` what a job has learned of the printer.
+/// Shows in `printer-state-reasons` the state of the printer that a job has found.
 void showReasons(pappl_printer_t* printer, const PrintResult& result);
 
 /// Asks an idle printer for its status, at most every two seconds, and shows it likewise. A printer

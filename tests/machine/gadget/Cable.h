@@ -10,8 +10,8 @@
 
 namespace quordalvane::machine {
 
-/// A printer at a USB cable for a test that reads and writes in one thread: what the printer says
-/// waits in a queue until the host has taken what it said before.
+/// A printer at a USB cable for a test that reads and writes in one thread: the printer's answers
+/// wait in a queue until the host has taken the earlier ones.
 class Cable {
  public:
   explicit Cable(const UsbIdentity& identity)
@@ -22,12 +22,12 @@ class Cable {
 
   void plugIn() { gadget_.plugIn(); }
 
-  /// Also forgets what the printer has not said yet.
+  /// Also forgets the answers that the printer has not sent yet.
   void pull();
 
   void say(contract::Bytes bytes);
 
-  /// Takes `count` bytes from the host, or those that come before the cable is out. It is pulled
+  /// Takes `count` bytes from the host, or those that arrive before the cable is out. It is pulled
   /// after a generous time.
   contract::Bytes take(std::size_t count);
 
@@ -37,7 +37,7 @@ class Cable {
 
   UsbGadget gadget_;
   contract::Bytes taken_;  // of a packet, and not asked for yet
-  std::mutex mutex_;       // guards what follows
+  std::mutex mutex_;       // guards the members below
   std::condition_variable changed_;
   std::deque<contract::Bytes> unsaid_;
   bool isOver_ = false;

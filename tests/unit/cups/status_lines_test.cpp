@@ -13,7 +13,7 @@
 namespace quordalvane::cups {
 namespace {
 
-/// What is written to a descriptor.
+/// The bytes that are written to a descriptor.
 class Written {
  public:
   Written() { EXPECT_EQ(::pipe(ends_), 0); }

@@ -13,7 +13,7 @@ namespace {
 
 using testing::HasSubstr;
 
-/// What the first version wrote: one job that was printed, one refused twice, one whose link was
+/// A journal of the first version: one job that was printed, one refused twice, one whose link was
 /// lost, and one whose process was killed. Taken out of its file as it was.
 constexpr auto firstVersion = R"(
 PRAGMA application_id = 0x71756f72;

@@ -1,5 +1,5 @@
 /*
- * The record's layout as a C program sees it. The same assertions stand in record_layout.cpp for
+ * The record's layout as a C program sees it. The same assertions are in record_layout.cpp for
  * C++: both must hold for a C application to hand its record to the library.
  */
 #include <quordalvane/QuorIOPort.h>
