@@ -22,12 +22,13 @@ endif()
 # Text in any script, and pictures, are drawn if their libraries are there.
 pkg_check_modules(PANGOCAIRO IMPORTED_TARGET pangocairo)
 pkg_check_modules(JPEG IMPORTED_TARGET libjpeg)
-if(PANGOCAIRO_FOUND AND JPEG_FOUND)
+pkg_check_modules(PNG IMPORTED_TARGET libpng)
+if(PANGOCAIRO_FOUND AND JPEG_FOUND AND PNG_FOUND)
   set(QUOR_RENDER ON)
 else()
   set(QUOR_RENDER OFF)
   quor_left_out("text in any script and pictures (print --text, print --image)"
-                "libpango1.0-dev and libjpeg-dev" tests/render tests/unit/render)
+                "libpango1.0-dev, libjpeg-dev and libpng-dev" tests/render tests/unit/render)
 endif()
 
 # Bluetooth printers, and the network's in a search, are reached over D-Bus.

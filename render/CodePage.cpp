@@ -27,6 +27,8 @@ constexpr UsualPage usualPages[] = {
     {45, "1250"}, {46, "1251"}, {47, "1253"}, {48, "1254"},      {51, "1257"},
 };
 
+constexpr std::size_t longestCharacter = 4;  // in UTF-8
+
 std::string usualNumbers() {
   std::string text;
   for (const UsualPage& page : usualPages) {
@@ -65,47 +67,56 @@ bool isPrintableAscii(std::string_view line) {
   return std::ranges::all_of(line, [](char c) { return c >= ' ' && c <= '~'; });
 }
 
-std::vector<std::uint8_t> bytesOf(std::string_view text) {
-  return {text.begin(), text.end()};
+// A conversion between a code page and UTF-8 by the system.
+class Conversion {
+ public:
+  Conversion(const std::string& to, const std::string& from)
+      : handle_(::iconv_open(to.c_str(), from.c_str())) {
+    // The library says by a pointer of all ones that it knows no such page.
+    if (reinterpret_cast<std::ptrdiff_t>(handle_) == -1) {
+      fail("this system knows no code page of that name");
+    }
+  }
+  ~Conversion() { ::iconv_close(handle_); }
+  Conversion(const Conversion&) = delete;
+  Conversion& operator=(const Conversion&) = delete;
+
+  // Null if a character is not in the other set.
+  std::optional<std::string> operator()(std::string text) const {
+    std::string converted(text.size() * longestCharacter, '\0');
+    char* from = text.data();
+    std::size_t left = text.size();
+    char* to = converted.data();
+    std::size_t room = converted.size();
+    ::iconv(handle_, nullptr, nullptr, nullptr, nullptr);
+    // Anything but 0 is an error, or a character that was replaced by one like it.
+    if (::iconv(handle_, &from, &left, &to, &room) != 0) {
+      return std::nullopt;
+    }
+    converted.resize(converted.size() - room);
+    return converted;
+  }
+
+ private:
+  iconv_t handle_;
+};
+
+// The system's name of a page.
+std::string systemName(std::string_view page) {
+  const bool isNumber = !page.empty() && page.front() >= '0' && page.front() <= '9';
+  if (!isNumber && !page.starts_with("iso8859-")) {
+    fail("this system knows no code page of that name");
+  }
+  return (isNumber ? "CP" : "") + std::string(page);
 }
 
 }  // namespace
 
-// The system's converter from UTF-8.
 struct CodePage::Converter {
-  explicit Converter(std::string_view page) : handle(open(page)) {}
-  ~Converter() { ::iconv_close(handle); }
-  Converter(const Converter&) = delete;
-  Converter& operator=(const Converter&) = delete;
+  explicit Converter(const std::string& page) : toPage(page, "UTF-8"), toUtf8("UTF-8", page) {}
 
-  static iconv_t open(std::string_view page) {
-    const bool isNumber = !page.empty() && page.front() >= '0' && page.front() <= '9';
-    if (isNumber || page.starts_with("iso8859-")) {
-      iconv_t handle = ::iconv_open(((isNumber ? "CP" : "") + std::string(page)).c_str(), "UTF-8");
-      // A pointer of all ones means that the library knows no such page.
-      if (reinterpret_cast<std::ptrdiff_t>(handle) != -1) {
-        return handle;
-      }
-    }
-    fail("this system knows no code page of that name");
-  }
-
-  std::optional<std::vector<std::uint8_t>> convert(std::string line) const {
-    std::vector<std::uint8_t> bytes(line.size());
-    char* from = line.data();
-    std::size_t left = line.size();
-    char* to = reinterpret_cast<char*>(bytes.data());
-    std::size_t room = bytes.size();
-    ::iconv(handle, nullptr, nullptr, nullptr, nullptr);
-    // Anything but 0 is an error, or a character that was replaced by one like it.
-    if (::iconv(handle, &from, &left, &to, &room) != 0) {
-      return std::nullopt;
-    }
-    bytes.resize(bytes.size() - room);
-    return bytes;
-  }
-
-  iconv_t handle;
+  const Conversion toPage;
+  const Conversion toUtf8;
 };
 
 CodePage::CodePage() = default;
@@ -115,26 +126,35 @@ CodePage::CodePage(std::string_view text) {
   number_ = numberIn(text.substr(0, colon));
   const std::string_view name =
       colon == std::string_view::npos ? usualName(*number_) : text.substr(colon + 1);
-  converter_ = std::make_unique<Converter>(name);
+  converter_ = std::make_unique<Converter>(systemName(name));
 }
 
 CodePage::~CodePage() = default;
 CodePage::CodePage(CodePage&&) noexcept = default;
 CodePage& CodePage::operator=(CodePage&&) noexcept = default;
 
-std::optional<std::vector<std::uint8_t>> CodePage::encoded(const std::string& line) {
+std::optional<std::vector<std::uint8_t>> CodePage::encoded(const std::string& line) const {
   if (isPrintableAscii(line)) {
-    return bytesOf(line);
+    return std::vector<std::uint8_t>(line.begin(), line.end());
   }
   if (converter_ == nullptr) {
     return std::nullopt;
   }
   const std::unique_ptr<char, void (*)(void*)> composed(
       g_utf8_normalize(line.data(), static_cast<gssize>(line.size()), G_NORMALIZE_NFC), g_free);
-  auto bytes = converter_->convert(composed.get());
-  const bool isByteEach =
-      bytes && bytes->size() == static_cast<std::size_t>(g_utf8_strlen(composed.get(), -1));
-  return isByteEach ? std::move(bytes) : std::nullopt;
+  const auto bytes = converter_->toPage(composed.get());
+  if (!bytes || bytes->size() != static_cast<std::size_t>(g_utf8_strlen(composed.get(), -1))) {
+    return std::nullopt;
+  }
+  return std::vector<std::uint8_t>(bytes->begin(), bytes->end());
+}
+
+std::string CodePage::character(std::uint8_t byte) const {
+  const auto text = converter_ == nullptr
+                        ? std::nullopt
+                        : converter_->toUtf8(std::string(1, static_cast<char>(byte)));
+  const bool isPrinted = text && g_unichar_isprint(g_utf8_get_char(text->c_str())) != 0;
+  return isPrinted ? *text : "";
 }
 
 }  // namespace quordalvane::render

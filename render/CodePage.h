@@ -29,7 +29,10 @@ class CodePage {
 
   /// The bytes of a line in UTF-8, one for each character; null if it has a character that the
   /// printer lacks. Letters with combining accents are taken as the letters that they make.
-  std::optional<std::vector<std::uint8_t>> encoded(const std::string& line);
+  std::optional<std::vector<std::uint8_t>> encoded(const std::string& line) const;
+
+  /// The character of a byte from 80 to ff, in UTF-8; "" if the page has none there.
+  std::string character(std::uint8_t byte) const;
 
  private:
   struct Converter;

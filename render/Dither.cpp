@@ -1,6 +1,7 @@
 #include "render/Dither.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace quordalvane::render {
 namespace {
@@ -17,6 +18,20 @@ constexpr int rank(std::size_t x, std::size_t y) {
     value = value << 2U | ((x ^ y) >> bit & 1U) << 1U | (y >> bit & 1U);
   }
   return static_cast<int>(value);
+}
+
+// The first pixel from `x` on that is not white. Most of a page is, so eight are looked at at once.
+std::size_t endOfWhite(ByteView grey, std::size_t x) {
+  for (std::uint64_t eight = 0; x + sizeof eight <= grey.size(); x += sizeof eight) {
+    std::memcpy(&eight, &grey[x], sizeof eight);
+    if (eight != ~std::uint64_t{0}) {
+      break;
+    }
+  }
+  while (x < grey.size() && grey[x] == white) {
+    ++x;
+  }
+  return x;
 }
 
 }  // namespace
@@ -38,7 +53,11 @@ ByteView Dither::dots(ByteView grey) {
 
 void Dither::spreadErrors(ByteView grey) {
   std::ranges::fill(nextErrors_, 0);
-  for (std::size_t x = 0; x < grey.size(); ++x) {
+  for (std::size_t x = endOfWhite(grey, 0); x < grey.size(); x = endOfWhite(grey, x + 1)) {
+    if (grey[x] == 0) {
+      blacken(x);
+      continue;
+    }
     const int wanted = grey[x] + errors_[x + 1] / 16;
     const bool isBlack = wanted < middle;
     if (isBlack) {

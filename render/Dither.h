@@ -7,7 +7,7 @@
 
 namespace quordalvane::render {
 
-/// How grey becomes black dots.
+/// How grey becomes black dots. Pure black and pure white remain so: letters stay sharp.
 enum class DitherKind {
   FloydSteinberg,  ///< for photographs: the error of a dot is spread over its neighbours
   Ordered,         ///< for drawings: a fixed pattern of 8 by 8 dots for each grey

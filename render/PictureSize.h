@@ -8,14 +8,18 @@
 
 namespace quordalvane::render {
 
+/// The most pixels of a row, as in JPEG: a row is held in memory.
+inline constexpr std::uint64_t mostWidth = 65535;
+
 /// Throws RenderError if a side is 0 or the picture is too large, before memory is taken for it.
 inline void checkSize(std::uint64_t width, std::uint64_t height) {
   if (width == 0 || height == 0) {
     throw RenderError("the picture has no pixels");
   }
-  if (width > mostPixels || height > mostPixels || width * height > mostPixels) {
+  if (width > mostWidth || height > mostPixels || width * height > mostPixels) {
     throw RenderError("the picture has " + std::to_string(width) + " x " + std::to_string(height) +
-                      " pixels; the most is " + std::to_string(mostPixels) + " in all");
+                      " pixels; the most is " + std::to_string(mostPixels) + " in all, and " +
+                      std::to_string(mostWidth) + " in a row");
   }
 }
 

@@ -1,9 +1,10 @@
 #include "render/PngPicture.h"
 
-#include <cairo.h>
+#include <png.h>
 
-#include <algorithm>
+#include <csetjmp>
 #include <cstring>
+#include <new>
 #include <string>
 
 #include "render/PictureSize.h"
@@ -12,42 +13,71 @@
 namespace quordalvane::render {
 namespace {
 
-// The drawing library's own limit on the sides of a picture.
-constexpr std::uint64_t longestSide = 32767;
+constexpr std::size_t pixelBytes = 4;
+constexpr std::size_t longestError = 127;
 
-// The first chunk is the header, with the size after its length and name.
-constexpr std::size_t widthAt = 16;
-constexpr std::size_t heightAt = 20;
-
-std::uint64_t bigEndian(ByteView file, std::size_t at) {
-  if (file.size() < at + 4) {
-    throw RenderError("the PNG picture is cut short");
-  }
-  std::uint64_t value = 0;
-  for (const std::uint8_t byte : file.subspan(at, 4)) {
-    value = value << 8U | byte;
-  }
-  return value;
+// The library reports by a call that must not return, and no exception may cross its frames.
+[[noreturn]] void leave(png_structp png, png_const_charp why) {
+  char* const error = static_cast<char*>(png_get_error_ptr(png));
+  std::strncpy(error, why, longestError);
+  png_longjmp(png, 1);
 }
 
-void checkHeader(ByteView file) {
-  const std::uint64_t width = bigEndian(file, widthAt);
-  const std::uint64_t height = bigEndian(file, heightAt);
-  checkSize(width, height);
-  if (std::max(width, height) > longestSide) {
-    throw RenderError("the PNG picture has a side of more than " + std::to_string(longestSide) +
-                      " pixels");
-  }
-}
+void stayQuiet(png_structp /*png*/, png_const_charp /*why*/) {}
 
-cairo_status_t readPiece(void* closure, unsigned char* data, unsigned int length) {
-  ByteView& left = *static_cast<ByteView*>(closure);
+void readPiece(png_structp png, png_bytep data, std::size_t length) {
+  ByteView& left = *static_cast<ByteView*>(png_get_io_ptr(png));
   if (left.size() < length) {
-    return CAIRO_STATUS_READ_ERROR;
+    png_error(png, "the file is cut short");
   }
   std::memcpy(data, left.data(), length);
   left = left.subspan(length);
-  return CAIRO_STATUS_SUCCESS;
+}
+
+// Each of the steps runs between a setjmp and the library's return, so it holds nothing that a
+// destructor would have to free, and leaves false behind after an error.
+
+bool readHeader(png_structp png, png_infop info) {
+  if (setjmp(png_jmpbuf(png)) != 0) {
+    return false;
+  }
+  // The size is checked here, and told in other words.
+  png_set_user_limits(png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
+  png_read_info(png, info);
+  return true;
+}
+
+// Makes every kind of picture red, green, blue and alpha, a byte each. An interlaced one takes
+// several passes.
+bool start(png_structp png, png_infop info, int& passes) {
+  if (setjmp(png_jmpbuf(png)) != 0) {
+    return false;
+  }
+  png_set_expand(png);
+  png_set_scale_16(png);
+  png_set_gray_to_rgb(png);
+  png_set_add_alpha(png, 0xff, PNG_FILLER_AFTER);
+  passes = png_set_interlace_handling(png);
+  png_read_update_info(png, info);
+  return true;
+}
+
+bool readRows(png_structp png, std::uint8_t* pixels, std::size_t rowBytes, unsigned rows) {
+  if (setjmp(png_jmpbuf(png)) != 0) {
+    return false;
+  }
+  for (unsigned row = 0; row < rows; ++row) {
+    png_read_row(png, pixels + row * rowBytes, nullptr);
+  }
+  return true;
+}
+
+bool readEnd(png_structp png) {
+  if (setjmp(png_jmpbuf(png)) != 0) {
+    return false;
+  }
+  png_read_end(png, nullptr);
+  return true;
 }
 
 // Weights of red, green and blue in the brightness, in 256ths.
@@ -55,64 +85,73 @@ constexpr unsigned redWeight = 77;
 constexpr unsigned greenWeight = 151;
 constexpr unsigned blueWeight = 28;
 
-// The colours are multiplied by the alpha already; the rest of the pixel is the white below.
-std::uint8_t greyOf(std::uint32_t pixel, bool hasAlpha) {
-  const std::uint32_t grey = ((pixel >> 16U & 0xffU) * redWeight +
-                              (pixel >> 8U & 0xffU) * greenWeight + (pixel & 0xffU) * blueWeight) >>
-                             8U;
-  const std::uint32_t below = hasAlpha ? 0xffU - (pixel >> 24U) : 0;
-  return static_cast<std::uint8_t>(std::min(grey + below, 0xffU));
+std::uint8_t greyOf(const std::uint8_t* pixel) {
+  const unsigned grey =
+      (pixel[0] * redWeight + pixel[1] * greenWeight + pixel[2] * blueWeight) >> 8U;
+  const unsigned alpha = pixel[3];
+  return static_cast<std::uint8_t>((grey * alpha + 255U * (255U - alpha) + 127U) / 255U);
 }
 
 }  // namespace
 
-struct PngPicture::Surface {
-  explicit Surface(ByteView file) : handle(open(file)) {}
-  ~Surface() { cairo_surface_destroy(handle); }
-  Surface(const Surface&) = delete;
-  Surface& operator=(const Surface&) = delete;
+struct PngPicture::Decoder {
+  explicit Decoder(ByteView file)
+      : left(file), png(png_create_read_struct(PNG_LIBPNG_VER_STRING, error, leave, stayQuiet)) {
+    info = png == nullptr ? nullptr : png_create_info_struct(png);
+    if (info == nullptr) {
+      png_destroy_read_struct(&png, nullptr, nullptr);
+      throw std::bad_alloc();
+    }
+    png_set_read_fn(png, &left, readPiece);
+  }
+  ~Decoder() { png_destroy_read_struct(&png, &info, nullptr); }
+  Decoder(const Decoder&) = delete;
+  Decoder& operator=(const Decoder&) = delete;
 
-  static cairo_surface_t* open(ByteView file) {
-    return cairo_image_surface_create_from_png_stream(readPiece, &file);
+  void check(bool isDone) const {
+    if (!isDone) {
+      throw RenderError(std::string("the PNG picture cannot be read: ") + error);
+    }
   }
 
-  cairo_surface_t* handle;
+  ByteView left;  // of the file
+  char error[longestError + 1] = {};
+  png_structp png;
+  png_infop info;
+  int passes = 1;
 };
 
-PngPicture::PngPicture(ByteView file) {
-  checkHeader(file);
-  surface_ = std::make_unique<Surface>(file);
-  const cairo_status_t status = cairo_surface_status(surface_->handle);
-  const cairo_format_t format = cairo_image_surface_get_format(surface_->handle);
-  if (status != CAIRO_STATUS_SUCCESS) {
-    throw RenderError(std::string("the PNG picture cannot be read: ") +
-                      cairo_status_to_string(status));
-  }
-  if (format != CAIRO_FORMAT_ARGB32 && format != CAIRO_FORMAT_RGB24) {
-    throw RenderError("the PNG picture has more than 8 bits a colour: save it with 8");
-  }
+PngPicture::PngPicture(ByteView file) : decoder_(std::make_unique<Decoder>(file)) {
+  decoder_->check(readHeader(decoder_->png, decoder_->info));
+  width_ = png_get_image_width(decoder_->png, decoder_->info);
+  height_ = png_get_image_height(decoder_->png, decoder_->info);
+  checkSize(width_, height_);
+  decoder_->check(start(decoder_->png, decoder_->info, decoder_->passes));
 }
 
 PngPicture::~PngPicture() = default;
 
-unsigned PngPicture::width() const {
-  return static_cast<unsigned>(cairo_image_surface_get_width(surface_->handle));
-}
-
-unsigned PngPicture::height() const {
-  return static_cast<unsigned>(cairo_image_surface_get_height(surface_->handle));
-}
-
 void PngPicture::read(std::span<std::uint8_t> grey) {
-  const auto stride = static_cast<std::size_t>(cairo_image_surface_get_stride(surface_->handle));
-  const unsigned char* const row = cairo_image_surface_get_data(surface_->handle) + row_ * stride;
-  const bool hasAlpha = cairo_image_surface_get_format(surface_->handle) == CAIRO_FORMAT_ARGB32;
-  for (std::size_t x = 0; x < width(); ++x) {
-    std::uint32_t pixel = 0;
-    std::memcpy(&pixel, row + x * sizeof pixel, sizeof pixel);
-    grey[x] = greyOf(pixel, hasAlpha);
+  const auto pixels = nextRow();
+  for (std::size_t x = 0; x < width_; ++x) {
+    grey[x] = greyOf(&pixels[x * pixelBytes]);
   }
-  ++row_;
+  if (++row_ == height_) {
+    decoder_->check(readEnd(decoder_->png));
+  }
+}
+
+ByteView PngPicture::nextRow() {
+  const std::size_t rowBytes = width_ * pixelBytes;
+  const bool isWhole = decoder_->passes > 1;
+  const unsigned rows = isWhole ? height_ : 1;
+  if (row_ == 0) {
+    pixels_.resize(rows * rowBytes);
+  }
+  for (int pass = 0; pass < decoder_->passes && (row_ == 0 || !isWhole); ++pass) {
+    decoder_->check(readRows(decoder_->png, pixels_.data(), rowBytes, rows));
+  }
+  return ByteView(pixels_).subspan(isWhole ? row_ * rowBytes : 0, rowBytes);
 }
 
 }  // namespace quordalvane::render

@@ -1,25 +1,33 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "render/Picture.h"
 
 namespace quordalvane::render {
 
-/// A PNG file, decoded as a whole when it is opened. Transparent parts are shown on white.
+/// A PNG file, decoded row by row; an interlaced one as a whole, with its first row. Transparent
+/// parts are shown on white.
 class PngPicture : public Picture {
  public:
   explicit PngPicture(ByteView file);
   ~PngPicture() override;
 
-  unsigned width() const override;
-  unsigned height() const override;
+  unsigned width() const override { return width_; }
+  unsigned height() const override { return height_; }
   void read(std::span<std::uint8_t> grey) override;
 
  private:
-  struct Surface;
-  std::unique_ptr<Surface> surface_;
+  struct Decoder;
+
+  ByteView nextRow();
+
+  std::unique_ptr<Decoder> decoder_;
+  unsigned width_ = 0;
+  unsigned height_ = 0;
   unsigned row_ = 0;
+  std::vector<std::uint8_t> pixels_;  // red, green, blue and alpha: of a row, or of all rows
 };
 
 }  // namespace quordalvane::render

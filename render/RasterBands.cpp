@@ -6,9 +6,6 @@
 namespace quordalvane::render {
 namespace {
 
-constexpr unsigned mostRows = 255;
-constexpr std::size_t commandSize = 8;
-
 bool isWhite(ByteView dots) {
   return std::ranges::all_of(dots, [](std::uint8_t byte) { return byte == 0; });
 }
@@ -17,7 +14,7 @@ bool isWhite(ByteView dots) {
 
 RasterBands::RasterBands(unsigned width, Output output, Top top)
     : rowBytes_(width / 8), output_(std::move(output)), keepsWhite_(top == Top::KeepWhite) {
-  band_.reserve(commandSize + std::size_t{mostRows} * rowBytes_);
+  band_.reserve(commandBytes + mostRows * rowBytes_);
 }
 
 void RasterBands::add(ByteView dots) {

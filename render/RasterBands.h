@@ -16,6 +16,9 @@ namespace quordalvane::render {
 ///     bands.end();
 class RasterBands {
  public:
+  static constexpr std::size_t mostRows = 255;
+  static constexpr std::size_t commandBytes = 8;
+
   enum class Top { LeaveOutWhite, KeepWhite };
 
   /// `width` in dots, a multiple of 8. With `Top::LeaveOutWhite` the white rows before the first

@@ -44,9 +44,13 @@ void TextPrinting::print(const std::string& line) {
     }
     printText(*letters);
   } else {
-    isDrawing_ = true;
-    drawing_.draw(line, [this](ByteView row) { bands_.add(row); });
+    addDrawn(line);
   }
+}
+
+void TextPrinting::addDrawn(const std::string& line) {
+  isDrawing_ = true;
+  drawing_.draw(line, [this](ByteView row) { bands_.add(row); });
 }
 
 void TextPrinting::printText(ByteView letters) {

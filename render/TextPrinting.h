@@ -23,6 +23,10 @@ class TextPrinting {
   /// Adds a piece of the text. Throws as TextLines::add does.
   void add(std::string_view piece) { lines_.add(piece); }
 
+  /// Adds a line that is drawn whatever its characters are. It follows what was added before, which
+  /// must have ended with the end of a line.
+  void addDrawn(const std::string& line);
+
   /// Hands on the rest. Throws as TextLines::end does.
   void end();
 

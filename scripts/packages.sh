@@ -3,7 +3,7 @@
 
 # shellcheck disable=SC2034  # the lists are used by ./dev
 build_packages=(cmake ninja-build g++ pkg-config libgtest-dev libgmock-dev libcli11-dev
-  nlohmann-json3-dev libcairo2-dev libfontconfig-dev libjpeg-dev libpango1.0-dev libsdbus-c++-dev
+  nlohmann-json3-dev libcairo2-dev libfontconfig-dev libjpeg-dev libpango1.0-dev libpng-dev libsdbus-c++-dev
   libsqlite3-dev libzint-dev nettle-dev zlib1g-dev)
 demo_packages=(fonts-dejavu-core python3)
 test_packages=(bash-completion dbus-daemon fonts-dejavu-core groff-base python3 zsh)
@@ -17,7 +17,7 @@ real_packages=(avahi-daemon bluez bluez-test-tools busybox-static chromium clang
   libpappl-dev mypy python3-pytest qemu-system-x86)
 fuzz_packages=(clang libclang-rt-dev)
 prove_packages=(llvm)
-bench_packages=(libbenchmark-dev libspdlog-dev python3)
+bench_packages=(libbenchmark-dev libcups2-dev libspdlog-dev python3)
 
 # need_packages NAME …: returns when all are installed. Root gets the missing ones installed; anybody
 # else is told the command, and the script ends.

@@ -74,7 +74,7 @@ RULES = (
     Rule("locks", (PUBLIC,), STANDARD | DESCRIPTORS),
     Rule("journal", ("job", "locks", "text", "iphone-IOPort", PUBLIC),
          STANDARD | DESCRIPTORS | {"sys/vfs.h", "sqlite3.h", "nettle/sha2.h"}),
-    Rule("render", ("text",), STANDARD | {"cairo.h", "csetjmp", "glib.h", "iconv.h", "jpeglib.h", "pango/pangocairo.h"}, NO_CLOCK),
+    Rule("render", ("text",), STANDARD | {"cairo.h", "csetjmp", "glib.h", "iconv.h", "jpeglib.h", "pango/pangocairo.h", "png.h"}, NO_CLOCK),
     Rule("c-interface", ("job", "iphone-IOPort", "logging", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
     # A part of the journal's library, so that a program without names for its jobs loads no database.
     Rule("c-interface/journal", ("c-interface/*", "journal", "locks", "job", "backends/*", PUBLIC), STANDARD, NO_CLOCK),

@@ -7,12 +7,13 @@ from harness import Case, main, run
 
 
 
-def png(width: int, height: int, grey: int) -> bytes:
+def png(width: int, height: int, grey: int, claimed: tuple[int, int] | None = None) -> bytes:
+    """A file whose header claims this size, if it is given."""
     def chunk(name: bytes, data: bytes) -> bytes:
         return struct.pack(">I", len(data)) + name + data + struct.pack(">I", zlib.crc32(name + data))
 
     rows = (b"\0" + bytes([grey]) * width) * height
-    return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, 8, 0, 0, 0, 0))
+    return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", *(claimed or (width, height)), 8, 0, 0, 0, 0))
             + chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b""))
 
 
@@ -75,14 +76,32 @@ class Rendering(Case):
         self.assertRefused("no UTF-8 at byte 3", b"Caf\xe9\n", "--text")
         self.assertRefused("a control character at byte 0", b"\x1b@", "--text")
         self.assertRefused("no picture in PNG or JPEG", b"%PDF-1.4", "--image")
-        self.assertRefused("64000000", png(60000, 2, 0).replace(struct.pack(">II", 60000, 2), b"\0\0\xea\x60" * 2),
-                           "--image")
+        self.assertRefused("64000000", png(8, 2, 0, claimed=(60000, 60000)), "--image")
+
+    def printed_test_page(self, page: str) -> list[str]:
+        """The lines of text on the test page, as a printer shows it that has most pages, and not every one."""
+        receipt = self.folder / "receipt.txt"
+        self.assertExit(0, run("-d", "virtual:,profile=escpos-80", "-e", "escpos", "print", "--test-page", "--codepage",
+                               page, "--receipt", str(receipt)))
+        return receipt.read_text().splitlines()
+
+    def test_the_test_page_shows_whether_the_printer_has_the_code_page(self):
+        there = self.printed_test_page("16")
+        self.assertIn("E0  àáâãäåæçèéêëìíîï", there)
+        self.assertEqual(sum(line.startswith("[image 576 x ") for line in there), 8)
+        letters = "E0  абвгдежзийклмноп"
+        self.assertIn(letters, self.printed_test_page("46"))
+        self.assertNotIn(letters, self.printed_test_page("6:1251"))
 
     def test_wrong_options_are_told_before_anything_is_sent(self):
         for saying, options in (("--width", ("--text", "--width", "500")), ("--drawer", ("--drawer", "3")),
                                 ("--text", ("--codepage", "16")), ("--image", ("--text", "--image")),
-                                ("16:1252", ("--text", "--codepage", "200"))):
+                                ("16:1252", ("--text", "--codepage", "200")), ("FILE", ("--test-page", "--codepage", "16"))):
             self.assertRefused(saying, b"text", *options)
+        for saying, options in (("--codepage", ("--test-page",)), ("FILE", ("--codepage", "16"))):
+            result = run("-d", "virtual:", "print", *options)
+            self.assertExit(2, result)
+            self.assertIn(saying, result.err)
 
 
 if __name__ == "__main__":

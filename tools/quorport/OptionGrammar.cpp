@@ -143,7 +143,8 @@ void addStatusOptions(CLI::App& app, Options& all) {
 
 void addPrintOptions(CLI::App& app, Options& all) {
   PrintOptions& options = all.print;
-  app.add_option("FILE", options.file, "the file to print; - is standard input")->required();
+  CLI::Option* const file =
+      app.add_option("FILE", options.file, "the file to print; - is standard input")->required();
   addText(app, "--proof", "NAME",
           "how the printer confirms the job: " + proofNames() +
               " (default proof= of the device, or auto: it is asked which of them it gives)",
@@ -166,7 +167,7 @@ void addPrintOptions(CLI::App& app, Options& all) {
             options.receipt = text;
           });
   addJournalOptions(app, options);
-  addRenderOptions(app, options.render);
+  addRenderOptions(app, options.render, *file);
   app.footer(help::printFooter);
 }
 

@@ -248,8 +248,10 @@ Report refusedJob(ExitCode code, const std::string& error, std::uint64_t bytesTo
 
 Report print(const Options& options, const Surroundings& surroundings) {
   requireDevice(options);
-  const auto data = rendered(readJob(options.print.file, surroundings.streams),
-                             options.print.render, surroundings.streams);
+  const bool hasFile = options.print.render.content != RenderOptions::Content::TestPage;
+  const auto contents =
+      hasFile ? readJob(options.print.file, surroundings.streams) : std::vector<std::uint8_t>();
+  const auto data = rendered(contents, options.print.render, surroundings.streams);
   surroundings.interruption->setReport(
       refusedJob(ExitCode::Interrupted, "interrupted", data.size(), options.print.job));
   try {

@@ -16,9 +16,7 @@ CLI::Option* addValue(CLI::App& app, const std::string& name, const std::string&
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
 }
 
-}  // namespace
-
-void addRenderOptions(CLI::App& app, RenderOptions& options) {
+void addContent(CLI::App& app, RenderOptions& options, CLI::Option& file) {
   CLI::Option* const text = app.add_flag_callback(
       "--text", [&options] { options.content = Content::Text; },
       "FILE is UTF-8 text in any script: lines of the printer's own characters are sent as text, "
@@ -26,21 +24,39 @@ void addRenderOptions(CLI::App& app, RenderOptions& options) {
   CLI::Option* const image = app.add_flag_callback(
       "--image", [&options] { options.content = Content::Picture; },
       "FILE is a picture in PNG or JPEG; one that is wider than the paper is made as narrow");
+  CLI::Option* const page = app.add_flag_callback(
+      "--test-page",
+      [&options, &file] {
+        options.content = Content::TestPage;
+        file.required(false);
+      },
+      "instead of FILE, print all characters of the code page, each line as text and drawn: where "
+      "the two differ, the printer lacks the page");
   text->excludes(image);
-  addValue(app, "--width", "DOTS",
-           "of the paper, for --text and --image: 384, 512, 576 or 832 (default 576)",
-           options.width)
-      ->check(CLI::IsMember({384, 512, 576, 832}).description(""));
-  addValue(app, "--codepage", "N",
-           "with --text, the printer's characters besides ASCII: the number of its code page, such "
-           "as 16, or NUMBER:NAME, such as 6:1251",
-           options.codePage)
-      ->needs(text);
+  page->excludes(text)->excludes(image)->excludes(&file);
+  CLI::Option* const codePage = addValue(
+      app, "--codepage", "N",
+      "for --text and --test-page, the printer's characters besides ASCII: the number of its code "
+      "page, such as 16, or NUMBER:NAME, such as 6:1251",
+      options.codePage);
+  page->needs(codePage);
   app.add_flag_callback(
          "--ordered", [&options] { options.isOrdered = true; },
          "with --image, show grey by a regular pattern, which suits drawings better than "
          "photographs")
       ->needs(image);
+  app.parse_complete_callback([&options] {
+    if (options.codePage && options.content != Content::Text &&
+        options.content != Content::TestPage) {
+      throw CLI::RequiresError("--codepage", "--text or --test-page");
+    }
+  });
+}
+
+void addSurroundings(CLI::App& app, RenderOptions& options) {
+  addValue(app, "--width", "DOTS",
+           "of the paper, for text and pictures: 384, 512, 576 or 832 (default 576)", options.width)
+      ->check(CLI::IsMember({384, 512, 576, 832}).description(""));
   app.add_flag("--cut", options.cut, "cut the paper at the end");
   CLI::Option* const drawer =
       addValue(app, "--drawer", "1|2", "open this cash drawer, before anything is printed",
@@ -48,6 +64,13 @@ void addRenderOptions(CLI::App& app, RenderOptions& options) {
           ->check(CLI::Range(1, 2).description(""));
   app.add_flag("--drawer-after", options.drawerAfter, "open the drawer after all is printed")
       ->needs(drawer);
+}
+
+}  // namespace
+
+void addRenderOptions(CLI::App& app, RenderOptions& options, CLI::Option& file) {
+  addContent(app, options, file);
+  addSurroundings(app, options);
 }
 
 }  // namespace quordalvane::tool

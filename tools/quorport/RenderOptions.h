@@ -8,7 +8,7 @@ namespace quordalvane::tool {
 
 /// The kind of a file, and the commands printed around it.
 struct RenderOptions {
-  enum class Content { Bytes, Text, Picture };
+  enum class Content { Bytes, Text, Picture, TestPage };
 
   Content content = Content::Bytes;
   std::uint32_t width = 576;            ///< of the paper, in dots

@@ -10,6 +10,7 @@
 #include "render/PicturePrinting.h"
 #include "render/PrinterCommands.h"
 #include "render/RenderError.h"
+#include "render/TestPage.h"
 #include "render/TextPrinting.h"
 #include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/TextHint.h"
@@ -51,11 +52,13 @@ render::Output into(Bytes& job) {
   };
 }
 
+render::CodePage codePage(const RenderOptions& options) {
+  return options.codePage ? render::CodePage(*options.codePage) : render::CodePage();
+}
+
 void addText(const Bytes& contents, const RenderOptions& options, const Streams& streams,
              Bytes& job) {
-  render::CodePage page =
-      options.codePage ? render::CodePage(*options.codePage) : render::CodePage();
-  render::TextPrinting text(options.width, std::move(page), into(job));
+  render::TextPrinting text(options.width, codePage(options), into(job));
   text.add({reinterpret_cast<const char*>(contents.data()), contents.size()});
   text.end();
   tellMissing(text.missing(), streams);
@@ -71,6 +74,10 @@ void addContents(const Bytes& contents, const RenderOptions& options, const Stre
     case Content::Text:
       into(job)(render::initialize);
       addText(contents, options, streams, job);
+      break;
+    case Content::TestPage:
+      into(job)(render::initialize);
+      render::printTestPage(codePage(options), options.width, into(job));
       break;
     case Content::Picture:
       into(job)(render::initialize);

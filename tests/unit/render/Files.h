@@ -1,7 +1,10 @@
 #pragma once
 
 #include <cairo.h>
+#include <png.h>
+#include <zlib.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -37,6 +40,65 @@ inline Bytes pngFile(int width, int height, const std::function<std::uint32_t(in
       &file);
   cairo_destroy(canvas);
   cairo_surface_destroy(surface);
+  return file;
+}
+
+/// The file with another size in its header, which is then right in itself.
+inline Bytes withSize(Bytes png, std::uint32_t width, std::uint32_t height) {
+  for (unsigned i = 0; i < 4; ++i) {
+    png[16 + i] = static_cast<std::uint8_t>(width >> (24 - 8 * i));
+    png[20 + i] = static_cast<std::uint8_t>(height >> (24 - 8 * i));
+  }
+  const std::uint32_t sum = static_cast<std::uint32_t>(::crc32(0, png.data() + 12, 17));
+  for (unsigned i = 0; i < 4; ++i) {
+    png[29 + i] = static_cast<std::uint8_t>(sum >> (24 - 8 * i));
+  }
+  return png;
+}
+
+enum class PngKind { Grey1, Grey16, Palette, Rgb16, Interlaced };
+
+/// A PNG file of that kind whose left half is black and whose right half is white.
+inline Bytes pngFile(PngKind kind, unsigned width, unsigned height) {
+  png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
+  png_infop info = png_create_info_struct(png);
+  Bytes file;
+  png_set_write_fn(
+      png, &file,
+      [](png_structp from, png_bytep data, std::size_t size) {
+        auto& bytes = *static_cast<Bytes*>(png_get_io_ptr(from));
+        bytes.insert(bytes.end(), data, data + size);
+      },
+      nullptr);
+  const bool isColour = kind == PngKind::Rgb16;
+  const int depth = kind == PngKind::Grey1                              ? 1
+                    : kind == PngKind::Grey16 || kind == PngKind::Rgb16 ? 16
+                                                                        : 8;
+  png_set_IHDR(png, info, width, height, depth,
+               isColour                   ? PNG_COLOR_TYPE_RGB
+               : kind == PngKind::Palette ? PNG_COLOR_TYPE_PALETTE
+                                          : PNG_COLOR_TYPE_GRAY,
+               kind == PngKind::Interlaced ? PNG_INTERLACE_ADAM7 : PNG_INTERLACE_NONE,
+               PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+  const png_color colours[] = {{0, 0, 0}, {255, 255, 255}};
+  if (kind == PngKind::Palette) {
+    png_set_PLTE(png, info, colours, 2);
+  }
+  png_write_info(png, info);
+  const std::size_t bits = static_cast<std::size_t>(depth) * (isColour ? 3 : 1);
+  Bytes row(width * bits / 8);
+  const auto middle = row.begin() + static_cast<std::ptrdiff_t>(row.size() / 2);
+  std::fill(middle, row.end(), static_cast<std::uint8_t>(kind == PngKind::Palette ? 1 : 255));
+  if (kind == PngKind::Grey1) {
+    row = {0x00, 0x0f, 0xff};
+  }
+  std::vector<png_bytep> starts;
+  for (unsigned y = 0; y < height; ++y) {
+    starts.push_back(row.data());
+  }
+  png_write_image(png, starts.data());
+  png_write_end(png, info);
+  png_destroy_write_struct(&png, &info);
   return file;
 }
 
