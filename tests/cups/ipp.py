@@ -80,19 +80,22 @@ def groups_of(answer: bytes) -> list[tuple[int, dict[str, list]]]:
     return groups
 
 
-def ask(path: Path, message: bytes, data: bytes = b"", resource: str = "/", seconds: float = 30) -> list[dict[str, list]]:
+def groups_in(http_status: int, answer: bytes) -> list[dict[str, list]]:
     """The answer's groups of jobs and printers."""
-    connection = Connection(path, seconds)
-    try:
-        connection.request("POST", resource, message + data, {"Content-Type": "application/ipp"})
-        response = connection.getresponse()
-        answer = response.read()
-    finally:
-        connection.close()
-    if response.status != 200:
-        raise Refused(f"HTTP {response.status}")
+    if http_status != 200:
+        raise Refused(f"HTTP {http_status}")
     status, = struct.unpack_from(">H", answer, 2)
     groups = groups_of(answer)
     if status >= 0x100:
         raise Refused(f"IPP {status:#06x}: {groups[0][1].get('status-message')}")
     return [attributes for tag, attributes in groups if tag in (JOB, PRINTER)]
+
+
+def ask(path: Path, message: bytes, data: bytes = b"", resource: str = "/", seconds: float = 30) -> list[dict[str, list]]:
+    connection = Connection(path, seconds)
+    try:
+        connection.request("POST", resource, message + data, {"Content-Type": "application/ipp"})
+        response = connection.getresponse()
+        return groups_in(response.status, response.read())
+    finally:
+        connection.close()

@@ -1,6 +1,7 @@
 #include "tools/printer-app/Application.h"
 
 #include <array>
+#include <chrono>
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
@@ -17,6 +18,7 @@
 #include "tools/printer-app/Model.h"
 #include "tools/printer-app/Reasons.h"
 #include "tools/printer-app/SavedState.h"
+#include "tools/printer-app/WholeUploads.h"
 
 namespace quordalvane::printer_app {
 namespace {
@@ -75,7 +77,7 @@ bool setPassword(pappl_system_t* system, const std::string& file) {
 
 // The framework leaves waiting jobs alone until another one ends or arrives: those that it has
 // loaded, and those after one that was canceled while it waited.
-bool startWaitingJobs(pappl_system_t* system, void* /*data*/) {
+bool lookAfterJobs(pappl_system_t* system, void* file) {
   papplSystemIteratePrinters(
       system,
       [](pappl_printer_t* printer, void* /*data*/) {
@@ -86,6 +88,7 @@ bool startWaitingJobs(pappl_system_t* system, void* /*data*/) {
         }
       },
       nullptr);
+  saveChangedJobs(system, *static_cast<const std::string*>(file));
   return true;
 }
 
@@ -111,6 +114,8 @@ pappl_system_t* makeSystem(int count, cups_option_t* options, void* /*data*/) {
     return nullptr;
   }
   keepJobsIn(folder / "journal.db", stateFile);
+  requireWholeUploads(
+      std::chrono::seconds(std::atoi(optionOf(count, options, "upload-timeout", "60").c_str())));
   const bool isForOthers = host != thisMachine;
   pappl_system_t* const system = papplSystemCreate(
       PAPPL_SOPTIONS_MULTI_QUEUE | PAPPL_SOPTIONS_WEB_INTERFACE |
@@ -132,7 +137,7 @@ pappl_system_t* makeSystem(int count, cups_option_t* options, void* /*data*/) {
     papplSystemSetHostName(system, thisMachine);
   }
   addModels(system);
-  addTextDocuments(system);
+  addOtherDocuments(system);
   papplSystemSetSaveCallback(system, save, &stateFile);
   try {
     letJobsWaitAgain(stateFile);
@@ -143,7 +148,7 @@ pappl_system_t* makeSystem(int count, cups_option_t* options, void* /*data*/) {
   papplSystemLoadState(system, stateFile.c_str());
   // Clients are heard once the printers are there.
   papplSystemAddListeners(system, host == "*" ? nullptr : host.c_str());
-  papplSystemAddTimerCallback(system, std::time(nullptr), 1, startWaitingJobs, nullptr);
+  papplSystemAddTimerCallback(system, std::time(nullptr), 1, lookAfterJobs, &stateFile);
   return system;
 }
 

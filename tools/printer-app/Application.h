@@ -13,6 +13,8 @@ namespace quordalvane::printer_app {
 /// - `state-directory`: the folder of the printers, the jobs and the journal; by default
 ///   /var/lib/quorport-printer-app
 /// - `password-file`: a file with the password of the web page, needed to listen to others
+/// - `upload-timeout`: the seconds after which a client that sends nothing is given up; by default
+///   60
 /// - `log-file`, `log-level`: the framework's log; by default standard error, warn
 ///
 /// The journal of its jobs is made here and lives until the process ends.

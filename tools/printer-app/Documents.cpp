@@ -1,113 +1,75 @@
 #include "tools/printer-app/Documents.h"
 
-#include <algorithm>
-#include <cstring>
-#include <fstream>
-#include <iterator>
+#include <exception>
 #include <memory>
+#include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
-#include "render/PrinterCommands.h"
-#include "render/RasterBands.h"
+#include "render/PicturePrinting.h"
+#include "render/PictureSize.h"
+#include "render/RasterPage.h"
 #include "render/RenderError.h"
 #include "render/TextPrinting.h"
+#include "tools/printer-app/Document.h"
 #include "tools/printer-app/JobDelivery.h"
 #include "tools/printer-app/Model.h"
+#include "tools/printer-app/WholeUploads.h"
 
 namespace quordalvane::printer_app {
 namespace {
-
-using Bytes = std::vector<std::uint8_t>;
-
-// Far above any receipt; small enough for the machine.
-constexpr std::size_t largestJob = std::size_t{64} << 20U;
-
-std::string optionOf(const pappl_pr_options_t& options, const char* name) {
-  const char* const value = cupsGetOption(name, options.num_vendor, options.vendor);
-  return value == nullptr ? "" : value;
-}
 
 unsigned headDots(pappl_job_t* job) {
   const Model* const model = modelNamed(papplPrinterGetDriverName(papplJobGetPrinter(job)));
   return model == nullptr ? everyModel().front().dots : model->dots;
 }
 
-/// The commands of a job, collected until it is delivered.
-class Document {
- public:
-  explicit Document(const pappl_pr_options_t& options) : cut_(optionOf(options, "quor-cut")) {
-    const std::string drawer = optionOf(options, "quor-drawer");
-    if (drawer == "drawer-1" || drawer == "drawer-2") {
-      append(render::openDrawer(drawer == "drawer-1" ? 1 : 2));
-    }
-    append(render::initialize);
-  }
-
-  render::Output output() {
-    return [this](render::ByteView bytes) { append(bytes); };
-  }
-
-  void endPage() {
-    if (cut_ == "page") {
-      append(render::cutPaper);
-    }
-  }
-
-  const Bytes& end() {
-    if (cut_ != "page" && cut_ != "none") {
-      append(render::cutPaper);
-    }
-    return bytes_;
-  }
-
- private:
-  void append(render::ByteView bytes) {
-    if (bytes_.size() + bytes.size() > largestJob) {
-      throw render::RenderError("the job is larger than 64 MiB");
-    }
-    bytes_.insert(bytes_.end(), bytes.begin(), bytes.end());
-  }
-
-  const std::string cut_;
-  Bytes bytes_;
-};
-
-/// A job of raster pages. The paper is wider than the print head: the middle of each line is
-/// printed.
+/// A job of raster pages, which arrive row by row.
 class RasterJob {
  public:
-  RasterJob(const pappl_pr_options_t& options, unsigned head) : document_(options), head_(head) {}
+  RasterJob(pappl_job_t* job, const pappl_pr_options_t& options)
+      : document_(job, options, Document::Kind::Rendered), head_(headDots(job)) {}
 
   void startPage(const pappl_pr_options_t& options) {
-    lineBytes_ = options.header.cupsBytesPerLine;
-    const unsigned width = options.header.cupsWidth;
-    skipped_ = width > head_ ? ((width - head_) / 2 + 4) / 8 : 0;
-    row_.resize(head_ / 8);
-    bands_ = std::make_unique<render::RasterBands>(head_, document_.output());
+    width_ = options.header.cupsWidth;
+    missingRows_ = options.header.cupsHeight;
+    render::checkSize(width_, missingRows_);
+    document_.reserve(render::RasterPage::mostBytes(missingRows_, head_));
+    page_.emplace(width_, head_, document_.output());
   }
 
-  void addLine(const unsigned char* line) {
-    const std::size_t shown = std::min<std::size_t>(row_.size(), lineBytes_ - skipped_);
-    std::ranges::fill(row_, std::uint8_t{0});
-    std::memcpy(row_.data(), line + skipped_, shown);
-    bands_->add(row_);
+  void addRow(const unsigned char* row) {
+    page_->add({row, width_});
+    --missingRows_;
   }
 
+  // The framework calls this also for a page whose rows end early.
   void endPage() {
-    bands_->end();
+    require(missingRows_ == 0);
+    page_->end();
     document_.endPage();
   }
 
-  const Bytes& end() { return document_.end(); }
+  // Copies are pages that the client repeats. The framework calls this also if the client has left
+  // between two pages.
+  const std::vector<std::uint8_t>& end() {
+    require(!isUploadCutShort());
+    return document_.end(1);
+  }
 
  private:
+  static void require(bool isWhole) {
+    if (!isWhole) {
+      throw render::RenderError("the document is cut short: nothing was printed");
+    }
+  }
+
   Document document_;
   const unsigned head_;
-  std::size_t lineBytes_ = 0;
-  std::size_t skipped_ = 0;  // bytes at the left of each line
-  Bytes row_;
-  std::unique_ptr<render::RasterBands> bands_;
+  unsigned width_ = 0;
+  unsigned missingRows_ = 0;
+  std::optional<render::RasterPage> page_;
 };
 
 RasterJob* rasterOf(pappl_job_t* job) {
@@ -125,75 +87,95 @@ bool guarded(pappl_job_t* job, Work work) {
   }
 }
 
+std::unique_ptr<RasterJob> takeRaster(pappl_job_t* job) {
+  std::unique_ptr<RasterJob> raster(rasterOf(job));
+  papplJobSetData(job, nullptr);
+  return raster;
+}
+
+// Works on the raster of the job, which is gone after an error: nothing of it is printed then.
+template <typename Work>
+bool withRaster(pappl_job_t* job, Work work) {
+  const bool isDone = rasterOf(job) != nullptr && guarded(job, [&] {
+                        work(*rasterOf(job));
+                        return true;
+                      });
+  if (!isDone) {
+    takeRaster(job);
+  }
+  return isDone;
+}
+
 bool startJob(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* /*device*/) {
   return guarded(job, [&] {
-    papplJobSetData(job, new RasterJob(*options, headDots(job)));
+    papplJobSetData(job, new RasterJob(job, *options));
     return true;
   });
 }
 
 bool startPage(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* /*device*/,
                unsigned /*page*/) {
-  return guarded(job, [&] {
-    rasterOf(job)->startPage(*options);
-    return true;
-  });
+  return withRaster(job, [&](RasterJob& raster) { raster.startPage(*options); });
 }
 
 bool writeLine(pappl_job_t* job, pappl_pr_options_t* /*options*/, pappl_device_t* /*device*/,
                unsigned /*y*/, const unsigned char* line) {
-  return guarded(job, [&] {
-    rasterOf(job)->addLine(line);
-    return true;
-  });
+  return withRaster(job, [&](RasterJob& raster) { raster.addRow(line); });
 }
 
 bool endPage(pappl_job_t* job, pappl_pr_options_t* /*options*/, pappl_device_t* /*device*/,
              unsigned /*page*/) {
-  return guarded(job, [&] {
-    rasterOf(job)->endPage();
-    return true;
-  });
+  return withRaster(job, [](RasterJob& raster) { raster.endPage(); });
 }
 
-// The framework calls this again after it has returned false: the job is delivered once.
+// The framework calls this also after an error, and again after it has returned false.
 bool endJob(pappl_job_t* job, pappl_pr_options_t* /*options*/, pappl_device_t* /*device*/) {
-  const std::unique_ptr<RasterJob> raster(rasterOf(job));
-  papplJobSetData(job, nullptr);
+  const std::unique_ptr<RasterJob> raster = takeRaster(job);
   return raster != nullptr && guarded(job, [&] { return deliver(job, raster->end()); });
 }
 
-std::string contentsOf(pappl_job_t* job) {
-  std::ifstream file(papplJobGetFilename(job), std::ios::binary);
-  if (!file) {
-    throw render::RenderError("the document cannot be read");
-  }
-  std::string contents(largestJob + 1, '\0');
-  file.read(contents.data(), static_cast<std::streamsize>(contents.size()));
-  contents.resize(static_cast<std::size_t>(file.gcount()));
-  if (contents.size() > largestJob) {
-    throw render::RenderError("the document is larger than 64 MiB");
-  }
-  return contents;
-}
-
-bool printFile(pappl_job_t* job, pappl_pr_options_t* /*options*/, pappl_device_t* /*device*/) {
+bool printFile(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* /*device*/) {
   return guarded(job, [&] {
-    const std::string contents = contentsOf(job);
-    return deliver(job, Bytes(contents.begin(), contents.end()));
+    Document document(job, *options, Document::Kind::Raw);
+    readDocument(job, document.output());
+    return deliver(job, document.end(options->copies));
   });
 }
 
-bool printText(pappl_job_t* job, pappl_device_t* /*device*/, void* /*data*/) {
+// Prints a document that `render` adds to the job, for a print head of so many dots.
+template <typename Render>
+bool printRendered(pappl_job_t* job, Render render) {
   const std::unique_ptr<pappl_pr_options_t, void (*)(pappl_pr_options_t*)> options(
       papplJobCreatePrintOptions(job, 1, false), papplJobDeletePrintOptions);
   return guarded(job, [&] {
-    Document document(*options);
-    render::TextPrinting text(headDots(job), render::CodePage(), document.output());
-    text.add(contentsOf(job));
-    text.end();
+    Document document(job, *options, Document::Kind::Rendered);
+    render(headDots(job), document.output());
     document.endPage();
-    return deliver(job, document.end());
+    return deliver(job, document.end(options->copies));
+  });
+}
+
+void tellMissing(pappl_job_t* job, const std::set<char32_t>& missing) {
+  for (const char32_t character : missing) {
+    papplLogJob(job, PAPPL_LOGLEVEL_WARN, "No font of this machine has U+%04X: a box is printed",
+                static_cast<unsigned>(character));
+  }
+}
+
+bool printText(pappl_job_t* job, pappl_device_t* /*device*/, void* /*data*/) {
+  return printRendered(job, [job](unsigned head, const render::Output& output) {
+    render::TextPrinting text(head, render::CodePage(), output);
+    readDocument(job, [&text](render::ByteView piece) {
+      text.add({reinterpret_cast<const char*>(piece.data()), piece.size()});
+    });
+    text.end();
+    tellMissing(job, text.missing());
+  });
+}
+
+bool printPicture(pappl_job_t* job, pappl_device_t* /*device*/, void* /*data*/) {
+  return printRendered(job, [job](unsigned head, const render::Output& output) {
+    render::printPicture(wholeDocument(job), head, render::DitherKind::FloydSteinberg, output);
   });
 }
 
@@ -208,8 +190,13 @@ void addRasterDocuments(pappl_pr_driver_data_t& data) {
   data.printfile_cb = printFile;
 }
 
-void addTextDocuments(pappl_system_t* system) {
+void addOtherDocuments(pappl_system_t* system) {
   papplSystemAddMIMEFilter(system, "text/plain", "image/pwg-raster", printText, nullptr);
+  // The framework's own filters lead to raster. These come first, and print as the command does.
+  for (const char* const commands : commandTypes) {
+    papplSystemAddMIMEFilter(system, "image/png", commands, printPicture, nullptr);
+    papplSystemAddMIMEFilter(system, "image/jpeg", commands, printPicture, nullptr);
+  }
 }
 
 }  // namespace quordalvane::printer_app

@@ -1,9 +1,7 @@
 #include "tools/printer-app/JobOrder.h"
 
 #include <algorithm>
-#include <map>
 #include <mutex>
-#include <set>
 #include <utility>
 #include <vector>
 
@@ -12,59 +10,59 @@ namespace {
 
 constexpr auto holder = "quorport-printer-app";
 
-struct ActiveJob {
+struct WaitingJob {
   int id;
-  ipp_jstate_t state;
+  bool isHeld;  // for its turn
 };
 
 // The framework locks the printer meanwhile, so that nothing else can be done there.
 void note(pappl_job_t* job, void* jobs) {
-  static_cast<std::vector<ActiveJob>*>(jobs)->push_back(
-      {papplJobGetID(job), papplJobGetState(job)});
+  const ipp_jstate_t state = papplJobGetState(job);
+  const bool isHeld = isHeldForItsTurn(state, papplJobGetReasons(job));
+  if (state == IPP_JSTATE_PENDING || isHeld) {
+    static_cast<std::vector<WaitingJob>*>(jobs)->push_back({papplJobGetID(job), isHeld});
+  }
 }
 
-std::vector<ActiveJob> activeJobs(pappl_printer_t* printer) {
-  std::vector<ActiveJob> jobs;
+// The oldest first.
+std::vector<WaitingJob> waitingJobs(pappl_printer_t* printer) {
+  std::vector<WaitingJob> jobs;
   papplPrinterIterateActiveJobs(printer, note, &jobs, 1, 0);
-  std::ranges::sort(jobs, {}, &ActiveJob::id);
+  std::ranges::sort(jobs, {}, &WaitingJob::id);
   return jobs;
 }
 
-void setHeld(pappl_printer_t* printer, int id, bool isHeld) {
-  pappl_job_t* const job = papplPrinterFindJob(printer, id);
-  if (job != nullptr && isHeld) {
-    papplJobHold(job, holder, "indefinite", 0);
-  } else if (job != nullptr) {
-    papplJobRelease(job, holder);
-  }
+void hold(pappl_job_t* job) {
+  papplJobSetReasons(job, PAPPL_JREASON_JOB_QUEUED, PAPPL_JREASON_NONE);
+  papplJobHold(job, holder, nullptr, 0);
+}
+
+void release(pappl_job_t* job) {
+  papplJobSetReasons(job, PAPPL_JREASON_NONE, PAPPL_JREASON_JOB_QUEUED);
+  papplJobRelease(job, holder);
 }
 
 }  // namespace
 
 void letOldestGoNext(pappl_printer_t* printer) {
   static std::mutex mutex;
-  static std::map<int, std::set<int>> heldOfPrinters;
   const std::scoped_lock lock(mutex);
-  std::set<int>& held = heldOfPrinters[papplPrinterGetID(printer)];
-  std::set<int> stillHeld;
   bool isFirst = true;
-  for (const ActiveJob& job : activeJobs(printer)) {
-    const bool isOurs = job.state == IPP_JSTATE_HELD && held.contains(job.id);
-    if (job.state != IPP_JSTATE_PENDING && !isOurs) {
-      continue;
-    }
-    if (std::exchange(isFirst, false)) {
-      if (isOurs) {
-        setHeld(printer, job.id, false);
-      }
-    } else {
-      if (!isOurs) {
-        setHeld(printer, job.id, true);
-      }
-      stillHeld.insert(job.id);
+  for (const WaitingJob& waiting : waitingJobs(printer)) {
+    pappl_job_t* const job = papplPrinterFindJob(printer, waiting.id);
+    const bool isNext = std::exchange(isFirst, false);
+    if (job != nullptr && isNext && waiting.isHeld) {
+      release(job);
+    } else if (job != nullptr && !isNext && !waiting.isHeld) {
+      hold(job);
     }
   }
-  held = std::move(stillHeld);
+}
+
+// A user's hold has a time until which the job is held, without end at the most.
+bool isHeldForItsTurn(ipp_jstate_t state, pappl_jreason_t reasons) {
+  return state == IPP_JSTATE_HELD && (reasons & PAPPL_JREASON_JOB_QUEUED) != 0 &&
+         (reasons & PAPPL_JREASON_JOB_HOLD_UNTIL_SPECIFIED) == 0;
 }
 
 }  // namespace quordalvane::printer_app

@@ -30,19 +30,6 @@ void copy(char (&to)[size], const char* from) {
   to[size - 1] = '\0';
 }
 
-// The same pattern of dots for every grey, of 16 by 16: the bits of the place woven together.
-void fillDither(pappl_dither_t& dither) {
-  for (unsigned y = 0; y < 16; ++y) {
-    for (unsigned x = 0; x < 16; ++x) {
-      unsigned rank = 0;
-      for (unsigned bit = 0; bit < 4; ++bit) {
-        rank = rank << 2U | ((x ^ y) >> bit & 1U) << 1U | (y >> bit & 1U);
-      }
-      dither[y][x] = static_cast<unsigned char>(rank);
-    }
-  }
-}
-
 void describePaper(const Model& model, pappl_pr_driver_data_t& data) {
   const auto& media = model.paperMillimetres == 80 ? widePaper : narrowPaper;
   data.num_media = static_cast<int>(std::size(media));
@@ -68,13 +55,11 @@ void describeRaster(pappl_pr_driver_data_t& data) {
   data.num_resolution = 1;
   data.x_resolution[0] = data.y_resolution[0] = resolution;
   data.x_default = data.y_default = resolution;
-  data.raster_types =
-      PAPPL_PWG_RASTER_TYPE_BLACK_1 | PAPPL_PWG_RASTER_TYPE_SGRAY_8 | PAPPL_PWG_RASTER_TYPE_SRGB_8;
-  data.force_raster_type = PAPPL_PWG_RASTER_TYPE_BLACK_1;
+  // Grey alone: the framework would make dots of it by the size of the medium, and a page of
+  // another size would be cut off, or overflow its buffer.
+  data.raster_types = PAPPL_PWG_RASTER_TYPE_SGRAY_8;
   data.color_supported = PAPPL_COLOR_MODE_AUTO | PAPPL_COLOR_MODE_MONOCHROME;
   data.color_default = PAPPL_COLOR_MODE_MONOCHROME;
-  fillDither(data.gdither);
-  fillDither(data.pdither);
 }
 
 // The values of an option of a job, the default first.
@@ -113,7 +98,7 @@ const Model* modelNamed(std::string_view name) {
 
 void describe(const Model& model, pappl_pr_driver_data_t& data, ipp_t*& attributes) {
   copy(data.make_and_model, model.description);
-  data.format = "application/vnd.escpos";
+  data.format = model.emulation == ZKEmulationESCPOS ? escPosType : lineModeType;
   data.ppm = 60;
   data.has_supplies = true;
   data.kind = PAPPL_KIND_RECEIPT | PAPPL_KIND_ROLL;
@@ -129,7 +114,7 @@ void describe(const Model& model, pappl_pr_driver_data_t& data, ipp_t*& attribut
   data.identify_default = data.identify_supported = PAPPL_IDENTIFY_ACTIONS_SOUND;
   attributes = ippNew();
   addFixedAttributes(attributes);
-  addOption(data, attributes, "quor-cut", {"job", "page", "none"});
+  addOption(data, attributes, "quor-cut", {"document", "job", "page", "none"});
   addOption(data, attributes, "quor-drawer", {"none", "drawer-1", "drawer-2"});
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <span>
 #include <string_view>
 
@@ -7,6 +8,13 @@
 #include "tools/printer-app/Pappl.h"
 
 namespace quordalvane::printer_app {
+
+/// The types of files that hold a printer's own commands, by which they are handed on as they are.
+/// @{
+inline constexpr auto escPosType = "application/vnd.escpos";
+inline constexpr auto lineModeType = "application/vnd.quordalvane-line-mode";
+inline constexpr std::array commandTypes = {escPosType, lineModeType};
+/// @}
 
 /// A kind of printer: its commands and its paper.
 struct Model {

@@ -2,31 +2,54 @@
 
 #include <cerrno>
 #include <fstream>
+#include <map>
 #include <mutex>
 #include <regex>
 #include <string>
 #include <system_error>
+#include <utility>
+
+#include "tools/printer-app/JobOrder.h"
 
 namespace quordalvane::printer_app {
 namespace {
 
 // A line of the file is a job, with its attributes in quotation marks; a quotation mark in a value
 // has a backslash before it.
+std::regex patternOf(const std::string& name) {
+  return std::regex(" " + name + "=\"([0-9]{1,9})\"");
+}
+
+// 0 if the line lacks the attribute.
+int valueIn(const std::string& line, const std::string& name) {
+  std::smatch found;
+  return std::regex_search(line, found, patternOf(name)) ? std::stoi(found[1]) : 0;
+}
+
 std::string waiting(const std::string& line) {
-  // Held, processing or stopped.
-  static const std::regex processing(" state=\"[" + std::to_string(IPP_JSTATE_HELD) + "-" +
-                                     std::to_string(IPP_JSTATE_STOPPED) + "]\"");
-  static const std::regex since(" processing=\"[0-9]+\"");
-  if (!std::regex_search(line, processing)) {
+  const int state = valueIn(line, "state");
+  const bool isUnderWay = state == IPP_JSTATE_PROCESSING || state == IPP_JSTATE_STOPPED;
+  const auto reasons = static_cast<pappl_jreason_t>(valueIn(line, "state_reasons"));
+  if (!isUnderWay && !isHeldForItsTurn(static_cast<ipp_jstate_t>(state), reasons)) {
     return line;
   }
-  const std::string state = " state=\"" + std::to_string(IPP_JSTATE_PENDING) + "\"";
-  return std::regex_replace(std::regex_replace(line, processing, state), since, "");
+  const std::string pending = " state=\"" + std::to_string(IPP_JSTATE_PENDING) + "\"";
+  return std::regex_replace(std::regex_replace(line, patternOf("state"), pending),
+                            patternOf("processing"), "");
 }
 
 // The path of a file until it replaces the other.
 std::filesystem::path nextTo(const std::filesystem::path& file) {
   return file.string() + ".next";
+}
+
+// The states of the jobs that have not ended, by the names of their files; "" while one arrives.
+using JobStates = std::multimap<std::string, std::pair<ipp_jstate_t, pappl_jreason_t>>;
+
+void note(pappl_job_t* job, void* states) {
+  const char* const file = papplJobGetFilename(job);
+  static_cast<JobStates*>(states)->emplace(
+      file == nullptr ? "" : file, std::pair(papplJobGetState(job), papplJobGetReasons(job)));
 }
 
 }  // namespace
@@ -41,6 +64,22 @@ bool saveState(pappl_system_t* system, const std::filesystem::path& file) {
     return !error;
   }
   return false;
+}
+
+void saveChangedJobs(pappl_system_t* system, const std::filesystem::path& file) {
+  static std::mutex mutex;
+  static JobStates saved;
+  JobStates now;
+  papplSystemIteratePrinters(
+      system,
+      [](pappl_printer_t* printer, void* states) {
+        papplPrinterIterateActiveJobs(printer, note, states, 1, 0);
+      },
+      &now);
+  const std::scoped_lock lock(mutex);
+  if (now != saved && saveState(system, file)) {
+    saved = std::move(now);
+  }
 }
 
 void letJobsWaitAgain(const std::filesystem::path& file) {

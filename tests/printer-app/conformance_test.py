@@ -1,0 +1,33 @@
+"""The tests of IPP that come with the print system, run against the application by the print system's own client."""
+
+import re
+import subprocess
+
+from application import Application
+from harness import eventually, main
+
+# Tests that the framework's version 1.3 does not pass, whatever a printer does, each with the reason.
+LEFT_TO_THE_FRAMEWORK = {
+    "overrides-supported",  # it prints all pages of a document alike
+}
+
+
+class Conforming(Application):
+    def ipptool(self, test: str, *arguments: str) -> str:
+        result = subprocess.run(["ipptool", "-tv", *arguments, self.client.uri, f"{test}.test"], capture_output=True,
+                                text=True, timeout=60)
+        return result.stdout
+
+    def test_it_passes_all_tests_but_those_that_the_framework_fails(self):
+        eventually(lambda: self.client.printer()["printer-up-time"] > [0], "a second is over")
+        document = self.file("document", b"a line of text\n")
+        for test in ("ipp-1.1", "ipp-2.0", "ipp-everywhere"):
+            answer = self.ipptool(test, "-f", document)
+            passed, failed = (len(re.findall(rf"\[{word}\]", answer)) for word in ("PASS", "FAIL"))
+            print(f"{test}: {passed} passed, {failed} failed")
+            self.assertGreaterEqual(passed, 25)
+            self.assertLessEqual(set(re.findall(r"EXPECTED: (\S+)", answer)), LEFT_TO_THE_FRAMEWORK, f"{test}: {answer}")
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,103 @@
+"""Jobs of the printer application, from their arrival to their end."""
+
+import ipp
+from application import RAW, Application, keyword
+from documents import apple, page, pwg
+from harness import eventually, main
+
+PAGE = page(639, 320, 80, 40)
+TEXT = "Café 2,40 €\nTotal 2.40\n".encode()
+
+
+class Jobs(Application):
+    def test_a_job_is_completed_when_the_printer_has_confirmed_it(self):
+        job = self.print(TEXT, "text/plain", keyword("quor-drawer", "drawer-1"))
+        self.assertEqual(self.await_state("completed", job), "the printer confirmed it")
+        (receipt,) = self.printed(1)
+        self.assertRegex(receipt, r"\A\[image 576 x \d+ dots\]\nTotal 2\.40\n")
+        self.assertIn("partial cut", receipt)
+        (record,) = self.records(1)
+        self.assertEqual((record["drawer"], record["cuts"], record["unknown"]), (1, 1, []))
+
+    def test_a_job_that_the_printer_refuses_waits_and_goes_on_by_itself(self):
+        self.printer.set(coverOpen=True)
+        job = self.print(TEXT)
+        self.await_message("waiting: cover open", job)
+        self.assertEqual(self.client.printer()["printer-state-reasons"], ["cover-open"])
+        self.assertEqual(self.printed(), [])
+        self.printer.set(coverOpen=False)
+        self.await_state("completed", job)
+        self.assertEqual(len(self.printed(1)), 1)
+        eventually(lambda: self.client.printer()["printer-state-reasons"] == ["none"], "the reason is gone")
+
+    def test_a_hundred_jobs_that_wait_are_printed_once_and_in_the_order_in_which_they_arrived(self):
+        self.printer.set(coverOpen=True)
+        texts = [f"job {number}" for number in range(1, 101)]
+        for text in texts:
+            self.print(text.encode() + b"\n")
+        self.await_message("waiting: cover open", 1)
+        self.printer.set(coverOpen=False)
+        for job in range(1, 101):
+            self.await_state("completed", job)
+        self.assertEqual([text.split("\n")[0] for text in self.printed(100)], texts)
+
+    def test_a_job_that_waits_can_be_canceled(self):
+        self.printer.set(coverOpen=True)
+        job = self.print(TEXT)
+        self.await_message("waiting: cover open", job)
+        self.client.on_job(ipp.CANCEL_JOB, job)
+        self.await_state("canceled", job)
+        self.printer.set(coverOpen=False)
+        self.await_state("completed", self.print(TEXT))
+        self.assertEqual(len(self.printed(1)), 1)
+
+    def test_a_job_that_a_user_holds_waits_until_it_is_released(self):
+        self.printer.set(coverOpen=True)
+        first, held, last = (self.print(b"job %d\n" % number) for number in range(3))
+        self.await_message("waiting: cover open", first)
+        self.client.on_job(ipp.HOLD_JOB, held)
+        self.printer.set(coverOpen=False)
+        self.await_state("completed", last)
+        self.assertEqual(self.client.job(held)[0], "held")
+        self.client.on_job(ipp.RELEASE_JOB, held)
+        self.await_state("completed", held)
+        self.assertEqual([text.split("\n")[0] for text in self.printed(3)], ["job 0", "job 2", "job 1"])
+
+    def test_a_job_that_may_be_on_paper_is_aborted_and_never_repeated(self):
+        self.printer.control({"fault": {"cut-after-in": 200}})
+        job = self.print(b"line of text\n" * 100)
+        self.assertIn("unconfirmed: link lost", self.await_state("aborted", job))
+        self.await_state("completed", self.print(b"the next one\n"))
+        self.assertEqual(self.client.job(job)[0], "aborted")
+
+
+class Leaving(Application):
+    """Clients that disappear while they send a document."""
+
+    def check(self, contents: bytes, kind: str, *sent: int):
+        for count in sent:
+            self.client.leave_in_upload(contents, kind, count)
+        self.await_state("completed", self.print(b"the next one\n", RAW))
+        eventually(lambda: set(self.client.jobs().values()) <= {"completed", "aborted"}, "nothing hangs")
+        self.assertEqual(self.printed(1), ["the next one\n"])
+
+    def test_in_a_text_leave_nothing_on_paper(self):
+        text = b"line of text\n" * 1000
+        self.check(text, "text/plain", 0, 1, 6500, len(text) - 1)
+
+    def test_in_a_page_of_raster_leave_nothing_on_paper(self):
+        whole = pwg(PAGE)
+        self.check(whole, "image/pwg-raster", 0, 2, 1000, len(whole) - 50, len(whole) - 1)
+
+    def test_between_two_pages_of_raster_leave_nothing_on_paper(self):
+        self.check(apple(PAGE, PAGE), "image/urf", len(apple(PAGE)))
+
+    def test_without_a_word_are_given_up(self):
+        self.restart("upload-timeout=1")
+        with self.client.begin_upload(pwg(PAGE), "image/pwg-raster", len(pwg(PAGE)) - 1):
+            eventually(lambda: self.client.jobs() == {1: "aborted"}, "the client is given up")
+            self.check(b"", "text/plain")
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,117 @@
+"""The printer application is killed and started again: nothing is lost, and nothing is printed twice by itself.
+
+QUOR_CRASH_MOMENTS is how many moments of a job are tried; 20 by night.
+"""
+
+import collections
+import os
+import time
+
+import ipp
+from application import RAW, Application
+from harness import eventually, main
+
+MOMENTS = int(os.environ.get("QUOR_CRASH_MOMENTS", "2")) * 3
+COPY = b"".join(b"%03d a receipt that takes its time\n" % line for line in range(12))
+SPEED = 1000  # bytes a second
+LENGTH = 1.2  # seconds of a job, from its arrival to its end
+ENDED = ("completed", "aborted", "canceled")
+
+
+class Restarting(Application):
+    def first_lines(self, count: int) -> list[str]:
+        return [text.split("\n")[0] for text in self.printed(count)]
+
+    def test_jobs_that_waited_are_printed_once_and_in_their_order(self):
+        self.printer.set(coverOpen=True)
+        jobs = [self.print(b"job %d\n" % number) for number in range(3)]
+        self.await_message("waiting: cover open", jobs[0])
+        self.saved(jobs[0], state="5")
+        self.saved(jobs[-1])
+        self.restart()
+        self.printer.set(coverOpen=False)
+        for job in jobs:
+            self.await_state("completed", job)
+        self.assertEqual(self.first_lines(3), ["job 0", "job 1", "job 2"])
+
+    def test_a_job_that_a_user_held_remains_held(self):
+        self.printer.set(coverOpen=True)
+        first, held, last = (self.print(b"job %d\n" % number) for number in range(3))
+        self.await_message("waiting: cover open", first)
+        self.client.on_job(ipp.HOLD_JOB, held)
+        self.saved(first, state="5")
+        self.saved(held, state="4")
+        self.saved(last)
+        self.restart()
+        self.printer.set(coverOpen=False)
+        self.await_state("completed", last)
+        self.assertEqual(self.client.job(held)[0], "held")
+        self.client.on_job(ipp.RELEASE_JOB, held)
+        self.await_state("completed", held)
+        self.assertEqual(self.first_lines(3), ["job 0", "job 2", "job 1"])
+
+    def test_a_job_that_was_being_printed_is_told_and_not_repeated(self):
+        self.printer.set(speed=200)
+        job = self.print(b"line of text\n" * 200)
+        eventually(lambda: self.printer.state()["printedBytes"] > 100, "the job is under way")
+        self.saved(job, state="5")
+        self.restart()
+        self.assertIn("unconfirmed", self.await_state("aborted", job))
+        self.printer.set(speed=0)
+        self.await_state("completed", self.print(b"the next one\n"))
+        self.assertLessEqual("".join(self.printed()).count("line of text"), 200)
+
+    def test_a_job_that_was_completed_is_not_printed_again(self):
+        self.await_state("completed", self.print(b"the first one\n"))
+        self.restart()
+        self.await_state("completed", self.print(b"the next one\n"))
+        self.assertEqual(self.first_lines(2), ["the first one", "the next one"])
+
+
+class Crashes(Application):
+    """Each job is the only one, so that all of the paper since the last one is its own."""
+
+    def paper(self) -> int:
+        return eventually(lambda: (now := self.printer.state())["buffered"] == 0 and now, "the printer has printed")["printedBytes"]
+
+    def settled(self, job: int) -> str:
+        """The state in which the job ends; "lost" if nobody knows of it any more."""
+
+        def now() -> str | None:
+            try:
+                state = self.client.job(job)[0]
+            except ipp.Refused:
+                return "lost"
+            return state if state in ENDED else None
+
+        return eventually(now, f"job {job} ends")
+
+    def crash(self, moment: float) -> tuple[str, float]:
+        """The state in which the job ends, and how many copies lie on paper."""
+        before = self.paper()
+        began = time.monotonic()
+        job = self.print(COPY, RAW)
+        time.sleep(max(0.0, began + moment - time.monotonic()))  # the moment is what the case is about
+        self.restart()
+        state = self.settled(job)
+        return state, (self.paper() - before) / len(COPY)
+
+    def test_no_job_is_printed_twice_and_none_is_completed_without_paper(self):
+        self.printer.set(speed=SPEED)
+        self.await_state("completed", self.print(b"the first one\n", RAW))  # how the printer confirms is known now
+        states = collections.Counter()
+        for number in range(MOMENTS):
+            moment = LENGTH * (number + 0.5) / MOMENTS
+            with self.subTest(moment=moment):
+                state, copies = self.crash(moment)
+                self.assertLessEqual(copies, 1, state)
+                self.assertNotEqual(state, "lost")
+                if state == "completed":
+                    self.assertEqual(copies, 1, "completed without paper")
+            states[state] += 1
+        self.assertGreater(states["aborted"], 0, "nothing was struck in its middle")
+        print(f"{sum(states.values())} cases: {dict(states)}")
+
+
+if __name__ == "__main__":
+    main()
