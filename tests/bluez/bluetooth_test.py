@@ -133,14 +133,14 @@ class Failing(BusCase):
                 self.assertIn(advice, doctor.out)
             self.end(service)
 
-    def test_a_missing_bus_is_told(self):
+    def test_a_missing_bus_is_reported(self):
         self.assertTold(3, "the system's message bus cannot be used")
 
-    def test_a_missing_service_is_told(self):
+    def test_a_missing_service_is_reported(self):
         self.start_bus()
         self.assertTold(3, "the Bluetooth service does not run")
 
-    def test_a_service_that_hangs_is_told_in_time(self):
+    def test_a_service_that_hangs_is_reported_in_time(self):
         service = self.bluetooth()
         service.send_signal(signal.SIGSTOP)
         self.addCleanup(service.send_signal, signal.SIGCONT)
@@ -149,14 +149,14 @@ class Failing(BusCase):
         self.assertIn("does not answer", result.json()["error"])
         self.assertLess(result.seconds, 12)
 
-    def test_an_authorisation_that_never_arrives_is_told_in_time(self):
+    def test_a_missing_authorisation_is_reported_in_time(self):
         self.bluetooth("never=yes")
         result = self.run_command("-d", DEVICE, "status", "--json")
         self.assertExit(3, result)
         self.assertIn("not authorised in time", result.json()["error"])
         self.assertLess(result.seconds, 15)
 
-    def test_what_a_name_holds_does_not_reach_the_terminal(self):
+    def test_control_characters_of_a_name_do_not_reach_the_terminal(self):
         self.bluetooth("alias=\x1b[2J" + "x" * 200, "error=org.bluez.Error.Failed \x1b[2J")
         result = self.run_command("-d", DEVICE, "status")
         self.assertExit(3, result)

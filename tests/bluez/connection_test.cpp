@@ -177,7 +177,7 @@ TEST_F(BluetoothConnection, ReachesThePrinterAgainAfterTheServiceHasLeft) {
   EXPECT_EQ(outcome(address), std::error_code());
 }
 
-TEST_F(BluetoothConnection, LeavesNothingBehindAfterAThousandSessions) {
+TEST_F(BluetoothConnection, LeavesNothingOpenAfterAThousandSessions) {
   const StandInBluetooth service(plan());
   { const posix::Descriptor first = connectBluetooth(address); }
   ASSERT_TRUE(test::eventually([] { return countOf("/proc/self/task") == 2; }));
@@ -213,7 +213,7 @@ struct Refusal {
 
 class BluetoothRefusal : public BluetoothConnection, public testing::WithParamInterface<Refusal> {};
 
-TEST_P(BluetoothRefusal, IsToldApart) {
+TEST_P(BluetoothRefusal, HasTheCodeOfItsCause) {
   StandInPlan planned = plan();
   planned.connecting = Connecting::Refuses;
   planned.errorName = GetParam().name;
@@ -274,14 +274,14 @@ TEST_F(BluetoothConnection, SaysWhyThereIsNoPrinterToConnectTo) {
   }
 }
 
-TEST(BluetoothWithoutABus, IsToldAtOnce) {
+TEST(BluetoothWithoutABus, IsReportedAtOnce) {
   ::setenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nowhere/at/all", 1);
   std::string text;
   EXPECT_EQ(outcome(address, &text), code(BluetoothError::NoBus));
   EXPECT_THAT(text, testing::HasSubstr("the system's message bus cannot be used"));
 }
 
-TEST(BluetoothWithoutABus, ABusThatSaysNothingIsWaitedForNoLongerThanTheLimit) {
+TEST(BluetoothWithoutABus, ASilentBusIsAwaitedNoLongerThanTheLimit) {
   const test::TemporaryFolder folder;
   const int silent = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
   sockaddr_un place{};

@@ -59,7 +59,7 @@ TEST_F(Search, ShowsAPrinterOnceHoweverOftenItIsAnnounced) {
   EXPECT_EQ(networkDevices(300ms).size(), 1U);
 }
 
-TEST_F(Search, IsNotFloodedAndShowsNothingRaw) {
+TEST_F(Search, BoundsAFloodAndShowsNoRawText) {
   std::vector<StandInAnnouncement> many(1'000);
   for (std::size_t i = 0; i < many.size(); ++i) {
     many[i].name = std::to_string(i) + "\x1b]0;" + std::string(500, 'x');

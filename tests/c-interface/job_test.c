@@ -134,7 +134,7 @@ static void noteWait(void* context, uint64_t accepted, uint64_t total) {
   waits->hasWaited = waits->hasWaited || strcmp(text, "cover open") == 0;
 }
 
-static void ProgressSaysWhatAPausedPrinterWaitsFor(void) {
+static void ProgressNamesTheCauseOfAPause(void) {
   QuorPort* port = openPortTo("virtual:speed=40,at=300:coverOpen=true,at=2500:coverOpen=false",
                               QUOR_EMULATION_ESCPOS);
   Waits waits = {NULL, false};
@@ -287,7 +287,7 @@ const Sentence jobSentences[] = {SENTENCE(AJobThatIsOnPaperIsPrinted),
                                  SENTENCE(ALinkLostInMidJobIsReportedWithTheExactCount),
                                  SENTENCE(AJobSaysWhichProofWasUsed),
                                  SENTENCE(AProofThatThereIsNotIsRefused),
-                                 SENTENCE(ProgressSaysWhatAPausedPrinterWaitsFor),
+                                 SENTENCE(ProgressNamesTheCauseOfAPause),
                                  SENTENCE(ProgressGrowsToTheWholeJob),
                                  SENTENCE(AJobIsCancelledFromAnotherThread),
                                  SENTENCE(AJobThatIsCancelledBeforeItBeganSendsNothing),

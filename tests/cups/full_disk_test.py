@@ -52,7 +52,7 @@ class OfTheJournal(FullDisk):
         self.assertSettles(job, "completed")
         self.assertEqual(self.copies(self.printer), 1)
 
-    def test_in_mid_job_changes_nothing_of_what_is_on_paper(self):
+    def test_in_mid_job_changes_nothing_on_paper(self):
         self.printer.set(speed=200)
         job = self.print_job("till", RECEIPT * 20)
         eventually(lambda: self.printer.state()["printedBytes"] > 0, "the job is under way")

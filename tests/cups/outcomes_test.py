@@ -139,7 +139,7 @@ class Unconfirmed(QueueCase):
         printer.control({"clear": "faults"})
         return job
 
-    def test_it_is_held_with_the_reason_and_the_next_job_goes_on(self):
+    def test_it_is_held_with_the_reason_and_the_next_job_is_printed(self):
         printer = self.simulator()
         queue = self.queue(printer)
         job = self.unconfirmed(printer, queue)
@@ -237,7 +237,7 @@ class WrongUri(QueueCase):
         self.assertEqual(self.scheduler.state(job), "pending")
         return self.scheduler.message("till")
 
-    def test_it_stops_the_queue_and_says_what_is_wrong(self):
+    def test_it_stops_the_queue_and_names_the_fault(self):
         self.assertRegex(self.stopped("quor:/tcp/192.0.2.10:0"), "takes HOST:PORT")
 
     def test_a_password_is_refused_and_in_no_log(self):

@@ -23,7 +23,7 @@ class Data(ProgramCase):
         code, said = self.run_to_end(self.start(printer, copies=3, options="job-uuid=b"), RECEIPT)
         self.assertEqual((code, printed(printer)), (DONE, 2 * len(RECEIPT)), "the filters make the copies of a pipe")
 
-    def test_that_are_none_cancel_the_job(self):
+    def test_that_are_empty_cancel_the_job(self):
         printer = self.simulator()
         for process, data in ((self.start(printer), b""), (self.start(printer, self.file("empty", b"")), None)):
             code, said = self.run_to_end(process, data)

@@ -158,7 +158,7 @@ class Once(ProgramTest):
         self.assertEqual(self.outcome("virtual:", "receipt 1"), (0, "printed\n", ""))
         self.assertEqual(self.outcome("virtual:", "receipt 1"), (0, "printed before\n", ""))
 
-    def test_what_may_be_on_paper_is_not_sent_again(self):
+    def test_a_job_that_may_be_on_paper_is_not_sent_again(self):
         for _ in range(2):
             code, text, _ = self.outcome("virtual:,cut-after-in=300", "receipt 1", "text\n" * 100)
             self.assertEqual(code, 6)

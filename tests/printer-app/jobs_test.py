@@ -19,7 +19,7 @@ class Jobs(Application):
         (record,) = self.records(1)
         self.assertEqual((record["drawer"], record["cuts"], record["unknown"]), (1, 1, []))
 
-    def test_a_job_that_the_printer_refuses_waits_and_goes_on_by_itself(self):
+    def test_a_job_that_the_printer_refuses_waits_and_continues_by_itself(self):
         self.printer.set(coverOpen=True)
         job = self.print(TEXT)
         self.await_message("waiting: cover open", job)

@@ -18,7 +18,7 @@ class Listening(Case):
         for settings in ((), (f"password-file={self.folder}/missing",), (f"password-file={self.file('empty', b'')}",)):
             self.assertFails("password-file=FILE", f"state-directory={self.folder}", "listen-hostname=*", *settings)
 
-    def test_a_state_that_cannot_be_kept_is_told(self):
+    def test_a_state_that_cannot_be_kept_is_reported(self):
         self.assertFails("cannot be made", f"state-directory={self.file('file', b'')}")
 
 

@@ -84,7 +84,7 @@ class Rows(Folder):
             self.run_row(self.counting(1, "0 cases"))
         self.assertEqual(self.run_row(self.counting(1))["far"], "100%")
 
-    def test_other_sources_begin_anew(self):
+    def test_other_sources_begin_from_the_start(self):
         self.run_row(self.counting(2))
         self.run_row(self.counting(2), state="another state")
         self.assertEqual(self.runs(), ["0", "1", "0", "1"])

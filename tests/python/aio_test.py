@@ -71,7 +71,7 @@ class Asynchronous(unittest.IsolatedAsyncioTestCase):
         self.assertTrue(all(result.printed for result in results), results)
         self.assertLess(time.monotonic() - before, 3 * len(RECEIPT) * 2 / 40)
 
-    async def test_progress_is_told_in_the_loop(self):
+    async def test_progress_is_reported_in_the_loop(self):
         loop, told = asyncio.get_running_loop(), []
         async with AsyncPort(self.printer().device) as port:
             await port.print(RECEIPT, progress=lambda p: told.append((p.bytes_accepted, asyncio.get_running_loop())))

@@ -61,7 +61,7 @@ class Named(unittest.TestCase):
         self.assertEqual(self.journal.jobs()[0].state, JobState.REFUSED)
         self.assertTrue(self.journal.print("order-1", RECEIPT, Port("virtual:")).printed)
 
-    def test_an_open_port_stays_open(self):
+    def test_opening_an_open_port_does_nothing(self):
         with Port(self.printer().device) as port:
             for name in ("a", "b"):
                 self.assertTrue(self.journal.print(name, RECEIPT, port).printed)
@@ -80,7 +80,7 @@ class Named(unittest.TestCase):
         with self.assertRaises(quorioport.UsageError):
             self.journal.forget_older_than(-1)
 
-    def test_what_is_wrong_is_said_and_nothing_is_sent(self):
+    def test_each_mistake_is_named_and_nothing_is_sent(self):
         self.journal.print("order-1", RECEIPT, Port("virtual:"))
         for name, data in (("order-1", b"another receipt\n"), ("", RECEIPT), ("a\nb", RECEIPT), ("x" * 256, RECEIPT)):
             with self.subTest(name=name), self.assertRaises(quorioport.UsageError):

@@ -108,7 +108,7 @@ class Opening(unittest.TestCase):
         with Port(devices) as port:
             self.assertEqual(port.name(), "Bar")
 
-    def test_what_is_wrong_is_said(self):
+    def test_each_mistake_is_named(self):
         for device, error, said in (("pigeon:home", quorioport.UsageError, "pigeon"),
                                     ("unix:/nowhere/at/all", quorioport.OperationError, "/nowhere/at/all")):
             with self.subTest(device), self.assertRaisesRegex(error, said):

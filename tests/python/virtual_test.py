@@ -42,7 +42,7 @@ class Virtual(unittest.TestCase):
             printer.clear_faults()
             self.assertNotEqual(port.firmware(), "")
 
-    def test_what_it_does_not_know_is_an_error_that_says_so(self):
+    def test_an_unknown_name_is_an_error_that_names_it(self):
         with VirtualPrinter() as printer:
             with self.assertRaisesRegex(quorioport.UsageError, "coverAjar"):
                 printer.set(cover_ajar=True)

@@ -88,7 +88,7 @@ class Printing(Case):
             result = run("-d", "virtual:,proof=in-order", "-e", "escpos", "print", *options, "-", "--json", data=b"text\n")
             self.assertEqual((result.json()["outcome"], result.json()["proof"]), ("printed", used))
 
-    def test_a_proof_that_had_to_be_asked_for_is_told_with_what_saves_the_question(self):
+    def test_an_answer_names_the_proof_that_the_printer_was_asked_for_and_the_key_that_saves_the_question(self):
         asked = run("-d", "virtual:proofs=process-id", "-e", "escpos", "print", "-", data=b"text\n")
         self.assertIn("hint: ,proof=process-id after the device saves", asked.out)
         silent = run("-d", "virtual:proofs=none", "-e", "escpos", "print", "-", data=b"text\n")

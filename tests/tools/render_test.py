@@ -72,7 +72,7 @@ class Rendering(Case):
         self.assertExit(0, result)
         self.assertIn("U+10FFFD", result.err)
 
-    def test_what_is_no_text_or_no_picture_is_refused_and_nothing_is_sent(self):
+    def test_a_file_without_text_or_picture_is_refused_and_nothing_is_sent(self):
         self.assertRefused("no UTF-8 at byte 3", b"Caf\xe9\n", "--text")
         self.assertRefused("a control character at byte 0", b"\x1b@", "--text")
         self.assertRefused("no picture in PNG or JPEG", b"%PDF-1.4", "--image")
@@ -93,7 +93,7 @@ class Rendering(Case):
         self.assertIn(letters, self.printed_test_page("46"))
         self.assertNotIn(letters, self.printed_test_page("6:1251"))
 
-    def test_wrong_options_are_told_before_anything_is_sent(self):
+    def test_wrong_options_are_reported_before_anything_is_sent(self):
         for saying, options in (("--width", ("--text", "--width", "500")), ("--drawer", ("--drawer", "3")),
                                 ("--text", ("--codepage", "16")), ("--image", ("--text", "--image")),
                                 ("16:1252", ("--text", "--codepage", "200")), ("FILE", ("--test-page", "--codepage", "16"))):

@@ -82,7 +82,7 @@ class Hosts(Case):
 
         eventually(answers, "a host that comes after the first has left is served")
 
-    def test_in_turns_print_between_the_jobs_of_one_that_stays(self):
+    def test_in_turns_print_between_the_jobs_of_one_that_remains(self):
         folder = self.folder / "receipts"
         simulator = self.simulator("tcp:0", "--hosts", "turns", "--receipts", str(folder))
         with simulator.connect() as first, simulator.connect() as second:

@@ -68,7 +68,7 @@ static void dieInTheMiddle(const char* name) {
   REQUIRE(waitpid(process, &status, 0) == process && status == 0);
 }
 
-static void WhatAProcessLeftInTheMiddleIsUnconfirmedAndPrintedOnlyIfThatIsAskedFor(void) {
+static void AnUnfinishedJobIsUnconfirmedAndPrintedOnlyIfThatIsAskedFor(void) {
   QuorJournal* journal = journalInFolder();
   dieInTheMiddle("receipt 1");
   QuorPort* port = portTo("virtual:", QUOR_EMULATION_LINE);
@@ -163,7 +163,7 @@ static void note(void* context, uint64_t accepted, uint64_t total) {
   EXPECT(total == receiptSize);
 }
 
-static void ProgressIsToldUnderANameAsWell(void) {
+static void ProgressIsAlsoReportedUnderAName(void) {
   QuorJournal* journal = journalInFolder();
   QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
   uint64_t accepted = 0;
@@ -206,7 +206,7 @@ static void fillDiskOnce(void* context, uint64_t accepted, uint64_t total) {
   }
 }
 
-static void AnOutcomeThatCannotBeRecordedIsToldAndWarnedOf(void) {
+static void AnOutcomeThatCannotBeRecordedIsReturnedWithAWarning(void) {
   QuorJournal* journal = journalInFolder();
   QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
   QuorPrintJob* job = jobOn(port, fillDiskOnce, NULL);
@@ -253,14 +253,14 @@ static void ANamedJobNeedsItsPointers(void) {
 const Sentence namedJobSentences[] = {
     SENTENCE(AnUnknownNameIsPrintedAndRecorded),
     SENTENCE(APrintedNameIsAnsweredAndNothingIsAskedOfThePort),
-    SENTENCE(WhatAProcessLeftInTheMiddleIsUnconfirmedAndPrintedOnlyIfThatIsAskedFor),
+    SENTENCE(AnUnfinishedJobIsUnconfirmedAndPrintedOnlyIfThatIsAskedFor),
     SENTENCE(AnUnreachablePrinterIsRecordedAndTheJobIsPrintedLater),
     SENTENCE(ANameThatAnotherJobHasIsWaitedForAndThenUnconfirmed),
     SENTENCE(NamesThatAreNoneAndOtherDataAreUsageErrors),
     SENTENCE(AJobUnderANameIsCancelledAsAnyOther),
-    SENTENCE(ProgressIsToldUnderANameAsWell),
+    SENTENCE(ProgressIsAlsoReportedUnderAName),
     SENTENCE(ABeginningThatCannotBeRecordedSendsNothing),
-    SENTENCE(AnOutcomeThatCannotBeRecordedIsToldAndWarnedOf),
+    SENTENCE(AnOutcomeThatCannotBeRecordedIsReturnedWithAWarning),
     SENTENCE(ANamedJobKeepsItsJournalWhenTheHandleIsFreed),
     SENTENCE(ANamedJobNeedsItsPointers),
     {NULL, NULL},

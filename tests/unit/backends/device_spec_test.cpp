@@ -264,7 +264,7 @@ TEST(Schemes, TheWaysToSetASerialLineAreTheUsualSpeedsThenTheFramingsThenNoFlowC
                           "wrong-flow,flow=none at 4800 baud"));
 }
 
-TEST(Schemes, TheWaysToSetASerialLineOfAnUnusualFramingHoldTheUsualOne) {
+TEST(Schemes, TheWaysToSetAnUnusualSerialLineIncludeTheUsualOne) {
   const auto ways = waysToSet("serial:/dev/x,stop=2");
   EXPECT_EQ(ways.front(), " at 9600 baud with 8 data bits, parity none and 2 stop bits");
   EXPECT_THAT(ways, testing::Contains("wrong-parity,stop=1 at 9600 baud"));

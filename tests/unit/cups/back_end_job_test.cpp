@@ -23,7 +23,7 @@ BackEndJob parse(const std::vector<std::string>& arguments, const Variables& var
   });
 }
 
-TEST(BackEndJob, IsWhatTheSchedulerSays) {
+TEST(BackEndJob, IsReadFromTheSchedulersArguments) {
   const BackEndJob job =
       parse({"quor:/tcp", "12", "anna", "receipt", "3",
              "media=a4 job-uuid=urn:uuid:4711 time-at-creation=1", "/spool/d12"});

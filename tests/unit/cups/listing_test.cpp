@@ -30,7 +30,7 @@ TEST(Listing, SaysThatAPrinterIsUnknown) {
             "direct quor:/serial/dev/ttyS0 \"Unknown\" \"a serial line\" \"CLS:PRINTER;\" \"\"\n");
 }
 
-TEST(Listing, TellsTheNetworkFromOtherLinks) {
+TEST(Listing, DistinguishesTheNetworkFromOtherLinks) {
   EXPECT_EQ(listingOf(found("tcp:till.local:9100", "till", Via::Network)),
             "network quor:/tcp/till.local:9100 \"Unknown\" \"till\" \"CLS:PRINTER;\" \"\"\n");
 }

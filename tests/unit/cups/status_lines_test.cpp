@@ -65,7 +65,7 @@ TEST(StatusLines, HoldNoControlCharacterAndNoSecondLine) {
   EXPECT_EQ(written.text().size(), 2001U);
 }
 
-TEST(StatusLines, TellWhatChangesOfTheReasons) {
+TEST(StatusLines, ReportTheChangedReasonsAlone) {
   Written written;
   StatusLines lines("", written.descriptor());
   lines.setReasons({"cover-open-error", "offline-report"});
@@ -78,14 +78,14 @@ TEST(StatusLines, TellWhatChangesOfTheReasons) {
             "STATE: -media-empty-error,offline-report\n");
 }
 
-TEST(StatusLines, TakeAwayWhatAnEarlierProcessHasLeft) {
+TEST(StatusLines, RemoveTheReasonsOfAnEarlierProcess) {
   Written written;
   StatusLines lines("quor-unconfirmed-warning,toner-low-warning", written.descriptor());
   lines.setReasons({"offline-report"});
   EXPECT_EQ(written.text(), "STATE: -quor-unconfirmed-warning\nSTATE: +offline-report\n");
 }
 
-TEST(StatusLines, AreLostIfNobodyListens) {
+TEST(StatusLines, AreLostIfNobodyReadsThem) {
   std::signal(SIGPIPE, SIG_IGN);
   int ends[2];
   ASSERT_EQ(::pipe(ends), 0);

@@ -108,7 +108,7 @@ TEST_F(DiscoveryTest, AUsbPrinterWithoutTextsIsNamedByItsNumbers) {
   EXPECT_EQ(found().at(0).name, "USB printer 04b8:0202");
 }
 
-TEST_F(DiscoveryTest, ASerialNumberThatCannotBeNamedGivesWayToTheNode) {
+TEST_F(DiscoveryTest, TheNodeReplacesASerialNumberThatCannotBeWritten) {
   plugInPrinter(0, "", "twice");
   plugInPrinter(1, "", "twice");
   plugInPrinter(2, "", "\x1b]0;gone");
@@ -137,7 +137,7 @@ TEST_F(DiscoveryTest, ASerialLineAtUsbHasTheTextsOfItsDevice) {
   EXPECT_EQ(line.serialNumber, "A1");
 }
 
-TEST_F(DiscoveryTest, ASerialLineIsNamedByTheNameThatLasts) {
+TEST_F(DiscoveryTest, ASerialLineHasItsPermanentName) {
   plugInLine("ttyUSB0", "UART");
   addLine("ttyS0", "4");
   const fs::path lasting = dev_ / "serial/by-id/usb-UART_A1";

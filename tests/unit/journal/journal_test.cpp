@@ -117,21 +117,21 @@ TEST_F(AJournal, ThatCannotBeOpenedIsReportedWithItsFileAndTheReason) {
   EXPECT_THAT(errorOf<JournalError>([&] { Journal(""); }), HasSubstr("empty"));
 }
 
-TEST_F(AJournal, IsOneThroughEveryLink) {
+TEST_F(AJournal, IsTheSameThroughEveryLink) {
   Journal journal(file);
   std::filesystem::create_symlink(file, folder.file("link"));
   Journal linked(folder.file("link"));
   EXPECT_EQ(journal.file(), linked.file());
 }
 
-TEST_F(AJournal, IsFinishedByTheNextAfterItsMakerWasKilled) {
+TEST_F(AJournal, IsCompletedByTheNextProcessAfterItsMakerWasKilled) {
   setContent(file + ".new", "half a database");
   setContent(file + ".new-wal", "its log");
   EXPECT_EQ(openError(), "");
   EXPECT_FALSE(std::filesystem::exists(file + ".new-wal"));
 }
 
-TEST_F(AJournal, WhoseRowsAreNotThoseThatWereWrittenIsDamaged) {
+TEST_F(AJournal, WithChangedRowsIsDamaged) {
   Till till(ZKEmulationQuorLine);
   print(till, "receipt 1");
   print(till, "receipt 2");
@@ -178,7 +178,7 @@ TEST_F(AJournal, ShowsTheOutcomeOfAJobThatEndsWhileItIsRead) {
   EXPECT_EQ(journal.jobs().front().state, JobState::Printed);
 }
 
-TEST_F(AJournal, WhoseLocksCannotBeUsedIsToldWithItsFile) {
+TEST_F(AJournal, WithUnusableLocksIsReportedWithItsFile) {
   Till till(ZKEmulationQuorLine);
   print(till, "receipt 1");
   Journal journal(file);

@@ -92,7 +92,7 @@ TEST_P(OnceOnly, APrintedNameIsNotPrintedAgainEvenIfThatIsAskedFor) {
   EXPECT_EQ(till.printed(), receiptText);
 }
 
-TEST_P(OnceOnly, ARefusedNameIsPrintedWhenTheCauseIsMended) {
+TEST_P(OnceOnly, ARefusedNameIsPrintedWhenTheCauseHasEnded) {
   till.set("coverOpen", true);
   const auto refused = print(till, "receipt 1");
   EXPECT_EQ(refused.result.outcome, PrintOutcome::Refused);
@@ -251,7 +251,7 @@ TEST_P(OnceOnly, AnAnswerSaysWhetherAPersonWasToldThatNobodyKnows) {
   EXPECT_FALSE(before.ended);
 }
 
-TEST_P(OnceOnly, NobodyWasToldOfALaterAttempt) {
+TEST_P(OnceOnly, ALaterAttemptIsNotMarkedAsTold) {
   dieInTheMiddle("receipt 1");
   {
     Journal journal(file);
@@ -268,7 +268,7 @@ TEST_P(OnceOnly, TellingOfAnUnknownNameChangesNothing) {
   EXPECT_TRUE(journal.jobs().empty());
 }
 
-TEST_P(OnceOnly, ANameMayBeEnoughToTellAJob) {
+TEST_P(OnceOnly, ANameMayIdentifyAJobByItself) {
   print(till, "receipt 1");
   Journal journal(file);
   auto asked = request("receipt 1");

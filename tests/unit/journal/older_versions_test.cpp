@@ -66,7 +66,7 @@ class AnOlderJournal : public JournalCase {
   std::int64_t version() const { return Database(file).number("PRAGMA user_version"); }
 };
 
-TEST_F(AnOlderJournal, IsTakenOverWithAllThatItHolds) {
+TEST_F(AnOlderJournal, IsConvertedWithAllItsRows) {
   const auto jobs = Journal(file).jobs();
   ASSERT_EQ(jobs.size(), 4U);
   EXPECT_EQ(jobs[0].state, JobState::Printed);

@@ -24,13 +24,13 @@ TEST(DeviceLock, IsOneForEachDevice) {
   EXPECT_TRUE(takeDevice(device + "-other", 0ms));
 }
 
-class WhereTheLocksLie : public testing::Test {
+class LockFolder : public testing::Test {
  protected:
-  WhereTheLocksLie() {
+  LockFolder() {
     ::setenv("XDG_RUNTIME_DIR", folder.file("runtime").c_str(), 1);
     ::setenv("TMPDIR", folder.file("").c_str(), 1);
   }
-  ~WhereTheLocksLie() override {
+  ~LockFolder() override {
     ::unsetenv("XDG_RUNTIME_DIR");
     ::unsetenv("TMPDIR");
   }
@@ -38,19 +38,19 @@ class WhereTheLocksLie : public testing::Test {
   const test::TemporaryFolder folder;
 };
 
-TEST_F(WhereTheLocksLie, IsTheFolderOfAllUsersIfThereIsOne) {
+TEST_F(LockFolder, IsTheFolderOfAllUsersIfThereIsOne) {
   ASSERT_EQ(::mkdir(folder.file("shared").c_str(), 0700), 0);
   ASSERT_EQ(::chmod(folder.file("shared").c_str(), 01777), 0);
   EXPECT_EQ(deviceLockFile(folder.file("shared")), folder.file("shared/quorport.locks"));
 }
 
-TEST_F(WhereTheLocksLie, IsOtherwiseThisUsersRuntimeFolder) {
+TEST_F(LockFolder, IsOtherwiseThisUsersRuntimeFolder) {
   EXPECT_EQ(deviceLockFile(folder.file("none")), folder.file("runtime/quorport.locks"));
   ASSERT_EQ(::mkdir(folder.file("closed").c_str(), 0755), 0);
   EXPECT_EQ(deviceLockFile(folder.file("closed")), folder.file("runtime/quorport.locks"));
 }
 
-TEST_F(WhereTheLocksLie, IsOtherwiseAPrivateFolder) {
+TEST_F(LockFolder, IsOtherwiseAPrivateFolder) {
   ::unsetenv("XDG_RUNTIME_DIR");
   const auto file = deviceLockFile(folder.file("none"));
   const std::string own = folder.file("quorport-" + std::to_string(::geteuid()));
@@ -60,7 +60,7 @@ TEST_F(WhereTheLocksLie, IsOtherwiseAPrivateFolder) {
   EXPECT_EQ(found.st_mode & 0777U, 0700U);
 }
 
-TEST_F(WhereTheLocksLie, IsNotAFolderThatIsALink) {
+TEST_F(LockFolder, IsNotAFolderThatIsALink) {
   ::unsetenv("XDG_RUNTIME_DIR");
   const std::string own = folder.file("quorport-" + std::to_string(::geteuid()));
   ASSERT_EQ(::symlink("/", own.c_str()), 0);

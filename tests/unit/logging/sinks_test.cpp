@@ -29,7 +29,7 @@ TEST(JsonFileSink, WritesOneJsonObjectALine) {
   EXPECT_EQ(test::contentsOf(folder.file("port.log")), expected);
 }
 
-TEST(JsonFileSink, NeverPartsALineBetweenFiles) {
+TEST(JsonFileSink, NeverSplitsALineBetweenFiles) {
   const test::TemporaryFolder folder;
   JsonFileSink sink(folder.file("port.log"), {.maximumBytes = 500, .keptFiles = 50});
   for (int count = 0; count < 20; ++count) {

@@ -139,7 +139,7 @@ TEST(ConnectTcp, SignalsNeitherStopNorProlongIt) {
   EXPECT_GT(storm.strikes(), 0);
 }
 
-TEST(ConnectTcp, AHostOfNoNameIsAnErrorThatNamesIt) {
+TEST(ConnectTcp, AnUnknownHostIsAnErrorThatNamesIt) {
   const std::string host(80, 'h');
   EXPECT_THAT(failure([&] { connectTcp(host, 9100); }), HasSubstr(host));
 }
@@ -151,7 +151,7 @@ TEST(ConnectUnix, ConnectsAndClosesOnExec) {
   EXPECT_EQ(::fcntl(socket.number(), F_GETFD), FD_CLOEXEC);
 }
 
-TEST(ConnectUnix, APathWithNothingThereAndAPlainFolderAreErrorsThatNameThem) {
+TEST(ConnectUnix, AMissingPathAndAFolderAreErrorsThatNameThem) {
   const TemporaryFolder folder;
   EXPECT_THAT(failure([&] { connectUnix(folder.file("none")); }),
               AllOf(HasSubstr(folder.file("none")), HasSubstr("No such file")));

@@ -129,7 +129,7 @@ TEST_F(TcpDescriptor, PollingReturnsTheEventsThatAreThereAndNoOthers) {
   EXPECT_EQ(socket_.pollUntil(POLLIN, inAnHour()), POLLIN);
 }
 
-TEST_F(TcpDescriptor, TheEndOfTheOutputIsTheEndOfTheStreamForTheDeviceAlone) {
+TEST_F(TcpDescriptor, EndingTheOutputEndsTheStreamForTheDeviceAlone) {
   socket_.endOutput();
   char byte = 0;
   EXPECT_EQ(::read(device_, &byte, 1), 0);
@@ -164,7 +164,7 @@ TEST(LocalDescriptor, HasBytesUnderWayUntilTheDeviceHasReadThem) {
   EXPECT_FALSE(link.hasUnderWay());
 }
 
-TEST(LocalDescriptor, KnowsNothingOfSilence) {
+TEST(LocalDescriptor, NeverReportsSilence) {
   int ends[2] = {-1, -1};
   ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends), 0);
   const Descriptor link(ends[0], Descriptor::Kind::Socket);
@@ -172,7 +172,7 @@ TEST(LocalDescriptor, KnowsNothingOfSilence) {
   EXPECT_EQ(link.silence(), 0ms);
 }
 
-TEST(TerminalDescriptor, HasNothingUnderWayThatItKnowsOf) {
+TEST(TerminalDescriptor, ReportsNoBytesUnderWay) {
   const auto [master, line] = test::openPseudoTerminal();
   const Descriptor device(master, Descriptor::Kind::Terminal);
   const Descriptor link(::open(line.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC),

@@ -115,7 +115,7 @@ TEST_F(LingerTest, ThrowsAwayTheDevicesBytes) {
   EXPECT_EQ(errno, EAGAIN);
 }
 
-TEST_F(LingerTest, EndsAtTheDeadlineThoughTheDeviceNeverStopsTalking) {
+TEST_F(LingerTest, EndsAtTheDeadlineThoughTheDeviceNeverStopsSending) {
   fill();
   std::atomic<bool> isOver = false;
   std::thread talking([&] {

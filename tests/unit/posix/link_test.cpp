@@ -169,7 +169,7 @@ TEST_F(LinkTest, AWriteThatIsNeverAnsweredSettlesNoUnansweredRequest) {
   EXPECT_TRUE(input->expectsBytes());
 }
 
-TEST_F(LinkTest, AfterAnUnansweredRequestTheReplyMayBeALateOneUntilAWaitBroughtNoMore) {
+TEST_F(LinkTest, AfterAnUnansweredRequestTheReplyMayBeALateOneUntilAWaitEndsWithoutBytes) {
   ASSERT_EQ(ask(), 1);
   input->waitUntilReady(0.01);
   ASSERT_EQ(ask(), 1);
@@ -198,7 +198,7 @@ TEST_F(LinkTest, BytesReadAheadBeforeARequestAreNotTakenForItsAnswer) {
   EXPECT_TRUE(input->expectsBytes());
 }
 
-TEST_F(LinkTest, AWaiterThatTurnsInALoopSeesEachByteAtOnceThoughNobodyWasAsked) {
+TEST_F(LinkTest, AWaitInALoopSeesUnaskedBytesAtOnce) {
   EXPECT_FALSE(input->hasBytesAvailable());
   input->waitUntilReady(0);
   deviceWrites(1);

@@ -107,7 +107,7 @@ TEST_F(UsbTest, AFieldWithoutAValueIsPassedOver) {
   EXPECT_EQ(printer.model, "T");
 }
 
-TEST_F(UsbTest, HostileTextsAreReadAndShort) {
+TEST_F(UsbTest, HostileTextsAreCutShort) {
   for (const std::string& id : {std::string(), std::string(";;:;:"), std::string("MFG"),
                                 std::string(100'000, ';'), "MFG:" + std::string(100'000, 'x')}) {
     plugIn(0, id, "");
@@ -333,7 +333,7 @@ TEST(UsbLink, ATransferThatBrokeOffCountsAsTakenBecauseItMayHaveArrived) {
   EXPECT_EQ(driver.send(bytes, 3), 3);
 }
 
-TEST(UsbLink, NothingGoesToAPrinterThatWasPulledBefore) {
+TEST(UsbLink, NothingIsSentToAPrinterThatWasPulledBefore) {
   const auto pulled = test::openPseudoTerminal();
   const int line = ::open(pulled.line.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
   ::close(pulled.master);  // it hangs up, as the driver does

@@ -52,7 +52,7 @@ TEST_P(EveryDither, SpreadsTheDotsOfAMiddleGrey) {
   }
 }
 
-TEST_P(EveryDither, TakesWhatIsMissingOfTheWidthForWhite) {
+TEST_P(EveryDither, TakesAMissingPartOfTheWidthForWhite) {
   Dither dither(GetParam(), 16);
   const ByteView dots = dither.dots(Bytes(3, 0));
   EXPECT_EQ(Bytes(dots.begin(), dots.end()), (Bytes{0xe0, 0x00}));

@@ -58,7 +58,7 @@ TEST(Picture, ThatIsWiderThanThePaperIsMadeAsNarrow) {
   }
 }
 
-TEST(Picture, InPngLiesOnWhiteWhereItIsTransparent) {
+TEST(Picture, InPngIsWhiteIfItIsTransparent) {
   EXPECT_EQ(greyRow(pngFile(3, 1, [](int x, int) { return x == 0   ? 0U
                                                           : x == 1 ? black
                                                                    : white; })),

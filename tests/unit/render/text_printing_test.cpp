@@ -56,7 +56,7 @@ TEST(TextPrinting, TakesALetterAndItsAccentForTheLetterThatTheyMake) {
   EXPECT_EQ(printed("cafe\u0301", CodePage("16")), selectPage16 + ascii("caf\xe9\n"));
 }
 
-TEST(TextPrinting, DrawsTheSameWhetherTheTextComesAtOnceOrByteByByte) {
+TEST(TextPrinting, DrawsTheSameIfTheTextArrivesAtOnceOrByteByByte) {
   const std::string text = "a\né\nb\n";
   Job job;
   TextPrinting printing(384, CodePage(), job.output());
@@ -97,7 +97,7 @@ TEST(CodePage, TakesANumberOrANumberAndAName) {
   EXPECT_EQ(CodePage("0").encoded("é"), (Bytes{0x82}));
 }
 
-TEST(CodePage, RefusesWhatItDoesNotKnowAndNamesWhatItDoes) {
+TEST(CodePage, RefusesAnUnknownPageAndNamesTheKnownOnes) {
   for (const std::string text :
        {"", "x", "256", "-1", "200", "16:", "16:nonsense", "16:utf-8", "16 "}) {
     try {

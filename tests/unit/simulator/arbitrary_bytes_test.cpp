@@ -21,7 +21,7 @@ Bytes randomBytes(std::mt19937_64& chance, std::size_t most) {
   return bytes;
 }
 
-TEST(ArbitraryBytes, AreTakenAndThePaperIsAsLongAsItsPrint) {
+TEST(ArbitraryBytes, MakeThePaperAsLongAsItsPrint) {
   std::mt19937_64 chance(1);
   for (int run = 0; run < 5'000; ++run) {
     Session session;
@@ -31,7 +31,7 @@ TEST(ArbitraryBytes, AreTakenAndThePaperIsAsLongAsItsPrint) {
   }
 }
 
-TEST(ArbitraryBytes, GiveTheSamePaperAndRepliesInOnePieceAndByteByByte) {
+TEST(ArbitraryBytes, GiveTheSameResultWholeAndByteByByte) {
   std::mt19937_64 chance(2);
   for (int run = 0; run < 500; ++run) {
     const Bytes bytes = randomBytes(chance, 200);
@@ -46,7 +46,7 @@ TEST(ArbitraryBytes, GiveTheSamePaperAndRepliesInOnePieceAndByteByByte) {
   }
 }
 
-TEST(ArbitraryBytes, ANewLinkIsAnsweredAfterAnyLastOne) {
+TEST(ArbitraryBytes, ANewLinkIsAnsweredWhateverTheLastOneSent) {
   std::mt19937_64 chance(3);
   for (int run = 0; run < 2'000; ++run) {
     Session session(PrinterBuilder().speed(100));
@@ -93,7 +93,7 @@ TEST(ArbitraryBytes, AHugeCountTakesNoMemoryUntilItsBytesArrive) {
   EXPECT_EQ(session.printer.buffered(), 0U);
 }
 
-TEST(ArbitraryBytes, ThatMoveNoPaperTakeNoMemoryForIt) {
+TEST(ArbitraryBytes, TakeBoundedMemoryIfTheyMoveNoPaper) {
   for (const char* command : {"1d56 00", "1b64 00", "1b24 0000 41", "1b24 0000 1b2a 00 0100 ff"}) {
     Session session;
     const Bytes once = hex(command);
@@ -108,7 +108,7 @@ TEST(ArbitraryBytes, ThatMoveNoPaperTakeNoMemoryForIt) {
   }
 }
 
-TEST(ArbitraryBytes, WithoutEndAreTornOffInPapersOfBoundedWeight) {
+TEST(ArbitraryBytes, WithoutEndFillPapersOfBoundedSize) {
   const std::pair<const char*, Bytes> jobs[] = {
       {"text", Bytes(100, 'x') + ascii("\n")},
       {"images", hex("1d7630 00 4800 0a00") + Bytes(720, 0xaa)},

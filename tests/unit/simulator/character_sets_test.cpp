@@ -109,7 +109,7 @@ TEST(CodePages, HaveTheNumbersOfTheProfile) {
   EXPECT_EQ(Print(hex("9d 0a"), profile("escpos-80").set("codePages", "0:850")).text(), "Ø");
 }
 
-TEST(CodePages, ThatThePrinterLacksAreNamedAndSelectNothing) {
+TEST(CodePages, SelectNothingAndAreNamedIfThePrinterLacksThem) {
   const Print print(hex("1b7413 1b74c8 d5 0a"), profile("escpos-80"));
   EXPECT_EQ(print.text(), "€");
   EXPECT_THAT(print.missing(), ElementsAre("page 200"));
@@ -200,11 +200,11 @@ TEST(CodePages, DrawTheirWideCharactersAsUnicodeDoes) {
   EXPECT_TRUE(renderPicture(print.paper()).pixels == renderPicture(paper).pixels) << print.text();
 }
 
-TEST(MultiByteText, GivesWayToACodePage) {
+TEST(MultiByteText, EndsWhenACodePageIsSelected) {
   EXPECT_EQ(Print(hex("1c2e 1b7410 d6d0 0a"), profile("escpos-80-china")).text(), "ÖÐ");
 }
 
-TEST(MultiByteText, TakesTheRoomOfTwoLetters) {
+TEST(MultiByteText, IsTwoLettersWide) {
   const Print print(hex("d6d0b9fa 41 1b7400 0a"), profile("escpos-80-china"));
   const auto& line = std::get<Line>(print.paper().items().at(0));
   EXPECT_EQ(line.width(), 60U);

@@ -7,29 +7,29 @@ namespace {
 
 const Bytes square = hex("1d7630 00 0100 0800 ffffffffffffffff");  // eight dots by eight
 
-TEST(Margins, MoveTheLeftEndOfLinesImagesAndSymbols) {
+TEST(Margins, MoveLinesImagesAndSymbolsToTheRight) {
   const Print print(hex("1d4c 6400") + square + ascii("X\n"));
   EXPECT_EQ(print.darkIn(0, 0, 100, 32), 0U);
   EXPECT_EQ(print.darkIn(100, 0, 8, 8), 64U);
   EXPECT_GT(print.darkIn(100, 8, 12, 24), 10U);
 }
 
-TEST(Margins, AndWidthBoundTheRoomForAlignmentAndLongLines) {
+TEST(Margins, LimitAlignmentAndTheLengthOfLines) {
   const Print centred(hex("1d4c 6400 1d57 6400 1b6101") + square);
   EXPECT_EQ(centred.darkIn(146, 0, 8, 8), 64U);
   EXPECT_EQ(Print(hex("1d57 3c00") + ascii("123456789\n")).text(), "12345\n6789\n");
 }
 
-TEST(Margins, ThatLeaveNoRoomLeaveRoomForALetter) {
+TEST(Margins, AlwaysLeaveRoomForALetter) {
   EXPECT_EQ(Print(hex("1d4c ffff 1d57 0000") + ascii("ab\n")).text(), "a\nb\n");
 }
 
-TEST(Tabs, StandWhereTheJobSetsThem) {
+TEST(Tabs, AreAtTheColumnsThatTheJobSets) {
   EXPECT_EQ(Print(hex("1b44 03 0a 00") + ascii("a\tb\tc\td\n")).text(), "a  b      cd\n");
   EXPECT_EQ(Print(hex("1b44 00") + ascii("a\tb\n")).text(), "a       b\n");
 }
 
-TEST(Characters, AreSpacedAsTheJobSaysAndTwiceAsFarWhenDoubled) {
+TEST(Characters, HaveTheSpacingOfTheJobTwiceIfDoubled) {
   const auto widthOf = [](const Bytes& job) {
     return std::get<Line>(Print(job).paper().items().at(0)).width();
   };
@@ -58,7 +58,7 @@ TEST(Characters, AreTurnedAQuarterClockwise) {
       EXPECT_EQ(upright.dark(x, y), turned.dark(23 - y, x)) << x << ", " << y;
 }
 
-TEST(Lines, AreTurnedUpsideDownFromTheRight) {
+TEST(Lines, BeginAtTheRightIfTurnedUpsideDown) {
   const Print upright(ascii("LF\n"));
   const Print turned(hex("1b7b01") + ascii("LF\n"));
   for (unsigned y = 0; y < 24; ++y)
@@ -67,7 +67,7 @@ TEST(Lines, AreTurnedUpsideDownFromTheRight) {
   EXPECT_EQ(turned.text(), "LF\n");
 }
 
-TEST(Feeds, GoBackAndNotBeyondTheBeginning) {
+TEST(Feeds, MoveBackNoFurtherThanTheBeginning) {
   const Print print(square + hex("1b4b 08 1d4c 6400") + square);
   EXPECT_EQ(print.darkIn(0, 0, 8, 8), 64U);
   EXPECT_EQ(print.darkIn(100, 0, 8, 8), 64U);
@@ -146,7 +146,7 @@ TEST(Symbols, OfEveryKindAreDrawnAndNamed) {
   }
 }
 
-TEST(Symbols, OfTwoPartsHaveABarCodeAndMoreAboveIt) {
+TEST(Symbols, WithTwoPartsHaveABarCodeAndAPartAboveIt) {
   const std::string more = "1d286b 0d00 34 50 30 31 41 2831302941424331";
   const std::string print = "1d286b 0300 34 51 30";
   const struct {
@@ -186,11 +186,11 @@ TEST(Symbols, OfAnOlderModelAreNamedInTheRecord) {
   EXPECT_TRUE(print.paper().record().isClean());
 }
 
-TEST(Symbols, WithoutAPossibleFormAreNamed) {
+TEST(Symbols, ThatCannotBeDrawnAreNamed) {
   EXPECT_EQ(Print("1d6b 43 03 313261").text(), "[no EAN-13 of 12a]\n");
 }
 
-TEST(PageMode, PrintsWhatWasSetWhenItEnds) {
+TEST(PageMode, PrintsItsContentWhenItEnds) {
   const Print print(hex("1b4c") + ascii("one\ntwo\n") + hex("0c") + ascii("after\n"));
   EXPECT_EQ(print.text(), "one\ntwo\nafter\n");
   EXPECT_EQ(Print(hex("1b4c") + ascii("lost\n") + hex("1b53") + ascii("kept\n")).text(), "kept\n");
@@ -241,7 +241,7 @@ TEST(PageMode, TakesNoMemoryWithoutEnd) {
   EXPECT_LT(session.printer.paper().weight(), heaviestPaper + 500'000);
 }
 
-TEST(Display, GetsItsOwnBytesAndThePaperNone) {
+TEST(Display, KeepsItsBytesOffThePaper) {
   const Print print(hex("1b3d02") + ascii("Total 4.20\n") + hex("1b3d01") + ascii("paper\n"));
   EXPECT_EQ(print.text(), "paper\n");
   const auto& events = print.paper().record().events();
@@ -250,13 +250,13 @@ TEST(Display, GetsItsOwnBytesAndThePaperNone) {
   EXPECT_EQ(events[0].text, "Total 4.20");
 }
 
-TEST(Display, SharesWithThePrinterIfBothAreSelected) {
+TEST(Display, SharesBytesWithThePrinterIfBothAreSelected) {
   const Print print(hex("1b3d03") + ascii("both\n") + hex("1b3d00") + ascii("paper\n"));
   EXPECT_EQ(print.text(), "both\npaper\n");
   EXPECT_EQ(print.paper().record().events().at(0).text, "both");
 }
 
-TEST(Display, HasCommandsOfItsOwnWhoseParametersAreNoWords) {
+TEST(Display, DoesNotShowTheParametersOfItsCommands) {
   const Print print(hex("1b3d02 1f24 4142 1f58 34 0c 1f43 31") + ascii("Total") +
                     hex("1b57 01 01 41424344 1b57 01 30") + ascii(" 4.20") + hex("1b3d01") +
                     ascii("paper\n"));

@@ -185,7 +185,7 @@ TEST(Faults, TheLinkIsCutAfterExactlySoManyBytesOut) {
   }
 }
 
-TEST(Faults, OfSeveralCutsTheOneThatIsReachedFirstEndsTheLink) {
+TEST(Faults, TheFirstOfSeveralCutsEndsTheLink) {
   for (const auto& [first, second] : {std::pair{"3:reset", "5:drain"}, {"5:drain", "3:reset"}}) {
     Session in(also(with("cut-after-in", first), "cut-after-in", second));
     EXPECT_EQ(in.link->write(ascii("abcdef"), in.now), 3U);
@@ -200,7 +200,7 @@ TEST(Faults, OfSeveralCutsTheOneThatIsReachedFirstEndsTheLink) {
   EXPECT_FALSE(same.link->wasReset(same.now));
 }
 
-TEST(Faults, OfSeveralShortWritesTheShortestHolds) {
+TEST(Faults, TheShortestOfSeveralShortWritesHolds) {
   for (const auto& [first, second] : {std::pair{"2", "5"}, {"5", "2"}}) {
     Session session(also(with("short-writes", first), "short-writes", second));
     EXPECT_EQ(session.link->write(ascii("abcdef"), session.now), 2U);
@@ -257,7 +257,7 @@ TEST(Faults, ALinkThatEndsInALostImageLeavesNoState) {
   EXPECT_EQ(session.printer.state().etbCounter, 1);
 }
 
-TEST(Faults, AScriptBringsSettingsAndFaultsAtTheirTimes) {
+TEST(Faults, AScriptAppliesSettingsAndFaultsAtTheirTimes) {
   Faults script = with("at", "1000:coverOpen=true");
   script.add("at", "2000:coverOpen=false");
   script.add("at", "3000:cut=reset");
@@ -274,7 +274,7 @@ TEST(Faults, AScriptBringsSettingsAndFaultsAtTheirTimes) {
   EXPECT_TRUE(session.link->wasReset(session.now));
 }
 
-TEST(Faults, AScriptBringsAllThatIsDueAtOneMoment) {
+TEST(Faults, AScriptAppliesEverythingThatIsDueAtOneMoment) {
   Faults script = with("at", "1000:coverOpen=true");
   script.add("at", "1000:receiptPaperEmpty=true");
   Session session(script);

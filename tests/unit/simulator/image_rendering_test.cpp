@@ -28,7 +28,7 @@ TEST(Picture, ContinuesAfterABarcodeWithLettersBeyondAscii) {
   EXPECT_GT(print.darkIn(0, 60 + 2 * barcode, 120, 24), 50U) << "the last line";
 }
 
-TEST(Plane, ShowsTheTextBesideWhatIsNoCharacter) {
+TEST(Plane, ShowsTheTextBesideInvalidBytes) {
   Plane plane(100, 24);
   drawText(plane, std::u32string{0xd800, 0xffffffe9, 0x110000, U'\0', U'X'}, TextStyle{}, 0, 0,
            Plane::ink);
@@ -39,7 +39,7 @@ TEST(Plane, ShowsTheTextBesideWhatIsNoCharacter) {
   EXPECT_GT(dark, 20U);
 }
 
-TEST(Plane, LosesWhatIsDrawnOutsideOfIt) {
+TEST(Plane, IgnoresDotsOutsideOfIt) {
   Plane plane(10, 10);
   plane.fill(-5, -5, 10, 10, Plane::ink);
   plane.fill(8, 8, 1'000'000, 1'000'000, Plane::ink);
@@ -97,7 +97,7 @@ TEST(Picture, ShowsTextInItsCells) {
   EXPECT_EQ(print.darkIn(36, 0, 340, 24), 0U);
 }
 
-TEST(Picture, ShowsBoldDarkerUnderlinesUnderAndInverseOnBlack) {
+TEST(Picture, ShowsBoldUnderlinedAndInverseText) {
   const std::size_t plain = Print(ascii("HM\n")).darkIn(0, 0, 24, 24);
   EXPECT_GT(Print(hex("1b4501") + ascii("HM\n")).darkIn(0, 0, 24, 24), plain);
   EXPECT_EQ(Print(hex("1b2d02") + ascii("HM\n")).darkIn(0, 22, 24, 2), 48U);
@@ -106,7 +106,7 @@ TEST(Picture, ShowsBoldDarkerUnderlinesUnderAndInverseOnBlack) {
   EXPECT_LT(inverse.darkIn(0, 0, 24, 24), 24U * 24U);
 }
 
-TEST(Picture, ShowsDoubleHeightAndWidthTwiceAsLarge) {
+TEST(Picture, ShowsDoubleHeightAndDoubleWidth) {
   const Print print(hex("1d2111") + ascii("HH\n") + hex("1d2100") + ascii("H\n"));
   EXPECT_GT(print.darkIn(0, 24, 24, 20), 20U);
   EXPECT_GT(print.darkIn(24, 24, 24, 20), 20U);
@@ -157,7 +157,7 @@ TEST(Picture, ShowsTheTextOfABarCodeAtTheWantedPlace) {
   EXPECT_GT(above.second, 0U);
 }
 
-TEST(Symbols, ACheckDigitIsFoundAndAWrongOneIsPutRight) {
+TEST(Symbols, ACheckDigitIsAddedAndAWrongOneCorrected) {
   const auto ean = [](const char* data) {
     Symbol barcode;
     barcode.symbology = Symbology::Ean13;
@@ -197,7 +197,7 @@ Symbol qrCode(const std::string& data) {
   return code;
 }
 
-TEST(Symbols, DataThatASymbologyCannotHoldGivesNone) {
+TEST(Symbols, DataThatASymbologyCannotHoldGivesNoSymbol) {
   Symbol barcode;
   barcode.symbology = Symbology::Ean13;
   barcode.data = "12a";
@@ -254,7 +254,7 @@ TEST(Picture, AsAFileTakesNoMoreMemoryForALongPaper) {
   EXPECT_LT(png.size(), 1'000'000U) << "of 67 million dots";
 }
 
-TEST(Picture, OfEmptyPaperIsSmallAndThere) {
+TEST(Picture, OfEmptyPaperIsSmall) {
   const Print print(Bytes{});
   EXPECT_GT(print.picture().height, 0U);
   EXPECT_LT(print.picture().height, 100U);

@@ -274,7 +274,7 @@ TEST(Printing, AnUnlimitedPrinterThatWasOffLinePrintsAllAtOnceWhenItIsReady) {
   EXPECT_EQ(session.printer.state().etbCounter, 1);
 }
 
-TEST(Printing, ANewSpeedHoldsFromItsInstantOn) {
+TEST(Printing, ANewSpeedHoldsAtOnce) {
   Session session(slow());
   session.send(ascii("0123456789"));
   session.wait(500ms);
@@ -345,7 +345,7 @@ TEST(Printing, EachConnectionIsAJobWhosePaperIsKeptWhenItHasBeenPrinted) {
   EXPECT_EQ(jobs, (std::vector<std::string>{"one\n", "two\n", "1b0601\n"}));
 }
 
-TEST(Printing, AJobThatIsDroppedEndsAllTheSame) {
+TEST(Printing, ADroppedJobAlsoEnds) {
   Session session(slow());
   std::vector<std::string> jobs;
   session.printer.keepJobs([&jobs](const Paper& paper) { jobs.push_back(renderText(paper)); });

@@ -21,7 +21,7 @@ PrinterBuilder proving(std::string_view proofs) {
   return PrinterBuilder().set("proofs", proofs);
 }
 
-TEST(Proofs, AreNamedInAnyOrderAndReadBackInOne) {
+TEST(Proofs, AreReadInAnyOrderAndWrittenInOne) {
   EXPECT_EQ(Proofs::parse("in-order+block").text(), "block+in-order");
   EXPECT_EQ(Proofs::parse("process-id").text(), "process-id");
   EXPECT_EQ(Proofs::parse(Proofs::all().text()), Proofs::all());
@@ -29,7 +29,7 @@ TEST(Proofs, AreNamedInAnyOrderAndReadBackInOne) {
   EXPECT_EQ(Proofs::parse("none"), Proofs());
 }
 
-TEST(Proofs, OfNoSuchNameAreRefusedWithThoseThereAre) {
+TEST(Proofs, AnUnknownNameIsRefusedWithTheKnownOnes) {
   for (const auto* wrong : {"x", "block+", "+", "block,in-order", "none+block", "Block"}) {
     EXPECT_THAT([&] { PrinterState().set("proofs", wrong); },
                 ThrowsMessage<std::invalid_argument>(HasSubstr("block, process-id and in-order")))
@@ -37,7 +37,7 @@ TEST(Proofs, OfNoSuchNameAreRefusedWithThoseThereAre) {
   }
 }
 
-TEST(Proofs, AreAllKnownUnlessOthersAreNamed) {
+TEST(Proofs, AreAllKnownByDefault) {
   Session session;
   EXPECT_EQ(session.ask("1b1d03010000"), hex("1b1d03010000 01 00"));
   EXPECT_EQ(session.ask(askId), idReport);
@@ -175,7 +175,7 @@ TEST(ClearBuffer, DropsTheDataAndConfirmsIt) {
   EXPECT_TRUE(session.printer.paper().items().empty());
 }
 
-TEST(ProofFaults, BefallTheRepliesOfOneKindAlone) {
+TEST(ProofFaults, StrikeRepliesOfOneKindAlone) {
   Session session(with("drop-reply", "process-id"));
   EXPECT_EQ(session.ask(std::string(askId) + "1d7201 100401"), hex("00 12"));
   Session twice(with("duplicate-reply", "in-order"));
@@ -238,7 +238,7 @@ TEST(ProofFaults, AForeignReportHasAnyCountButTheRightOne) {
   EXPECT_EQ(counts.count(1), 0U);
 }
 
-TEST(ProofFaults, TakeNoKindThatTheyCannotBefall) {
+TEST(ProofFaults, RefuseAKindThatTheyCannotStrike) {
   EXPECT_THROW(parseFault("foreign-reply", "unasked"), std::invalid_argument);
   EXPECT_THROW(parseFault("wrong-id", "in-order"), std::invalid_argument);
   EXPECT_THROW(parseFault("drop-reply", "status"), std::invalid_argument);
