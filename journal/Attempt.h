@@ -21,8 +21,8 @@ struct Attempt {
   std::uint64_t bytesAccepted = 0;         ///< as in `PrintResult`
   std::string reason = {};                 ///< as in `PrintResult`
 
-  /// The name of the proof that was used, as in `PrintResult`; "" of an attempt of a time when the
-  /// journal did not keep it, and the obstacle is then NoProof.
+  /// The name of the proof that was used, as in `PrintResult`; "" if the journal did not yet keep
+  /// it then; the obstacle is then NoProof.
   std::string proof = {};
   PrintObstacle obstacle = PrintObstacle::NoProof;  ///< as in `PrintResult`, once it has ended
 

@@ -46,7 +46,7 @@ class Database {
   void execute(const char* sql);
   Statement prepare(const char* sql) { return {*this, sql}; }
 
-  /// The one number that `sql` asks for.
+  /// The number that the statement `sql` returns.
   std::int64_t number(const char* sql);
 
   /// Ends an open transaction, and reverts its changes.
@@ -61,7 +61,7 @@ class Database {
   std::unique_ptr<sqlite3, int (*)(sqlite3*)> handle_;
 };
 
-/// The database of one moment, for all that is read as long as this exists: others may write
+/// While this exists, every read sees the database as it was at one moment; others may write
 /// meanwhile.
 class Snapshot {
  public:
@@ -74,7 +74,7 @@ class Snapshot {
   Database& database_;
 };
 
-/// Changes that are made all or not at all: taken back unless `commit` has returned.
+/// Makes all changes or none: they are reverted unless `commit` has returned.
 class Transaction {
  public:
   /// Waits for other writers, ten seconds at most.

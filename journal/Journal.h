@@ -25,7 +25,7 @@ enum class JobState {
   Printed,      ///< the printer confirmed it
 };
 
-/// One job of a journal, as its latest attempt left it.
+/// One job of a journal, after its latest attempt.
 struct JobRecord {
   std::string name;
   std::string device;                 ///< the text of the device that it was for
@@ -52,10 +52,10 @@ enum class Forgetting {
 /// then as it was.
 class QUOR_EXPORT Journal {
  public:
-  /// Opens `file`, and checks all that is in it. A file that is not there is made, readable and
-  /// writable for this user alone, and so are the folders above it. Beside the file lies one whose
-  /// name ends in `.locks`. Throws `JournalError` if the file cannot be written, is damaged, empty,
-  /// no journal or of a later version of this library, or lies on a network file system.
+  /// Opens `file`, and checks all of its content. A missing file is made, for this user alone to
+  /// read and write, and so are missing folders above it. A second file beside it has a name that
+  /// ends in `.locks`. Throws `JournalError` if the file cannot be written, is damaged, empty, no
+  /// journal or of a later version of this library, or lies on a network file system.
   explicit Journal(const std::filesystem::path& file);
 
   ~Journal();
@@ -72,10 +72,10 @@ class QUOR_EXPORT Journal {
   /// All jobs, by name.
   std::vector<JobRecord> jobs();
 
-  /// Takes a job out. A later call under its name prints it, even if it is on paper.
+  /// Removes a job. A later call under its name prints it, even if it is on paper.
   Forgetting forget(const std::string& name);
 
-  /// Takes out the jobs whose last attempt began more than `days` days ago by the present clock,
+  /// Removes the jobs whose last attempt began more than `days` days ago by the present clock,
   /// with any outcome, except those that are being printed. Returns how many.
   std::size_t forgetOlderThan(std::uint32_t days);
 

@@ -32,7 +32,7 @@ constexpr std::int64_t offsetOfOpening = 0;
 constexpr unsigned modeOfLocks = 0600;
 /// @}
 
-/// The answer of `action`, which is given that file; raises `JournalError` if it raises a
+/// The answer of `action`, which is given that file; throws `JournalError` if it throws a
 /// `std::system_error`.
 template <typename Action>
 auto withLocksOf(const std::filesystem::path& journal, Action action) {

@@ -64,8 +64,8 @@ struct NamedJobResult {
 ///     }
 ///
 /// "Begun" is on disk before the first byte of the job is sent, and the outcome is before it is
-/// returned. A process that ends in between leaves a job of which nobody knows whether it is on
-/// paper, and it is not sent again unless `again` is asked for.
+/// returned. If a process ends in between, nobody knows whether its job is on paper; the job is not
+/// sent again unless `again` is set.
 ///
 /// As long as this lives, no other one has the same name in the same journal; the kernel gives the
 /// name back when the process ends in any way. It must not outlive its journal or its data.
@@ -101,8 +101,7 @@ class QUOR_EXPORT NamedJob {
   NamedJobResult run(PrintJob& job);
 
   /// Records that a person is being told, now, that nobody knows whether the job is on paper. A
-  /// later call answers with that moment. No effect on a name of which nothing is known. Raises
-  /// `JournalError`.
+  /// later call answers with that moment. No effect on an unknown name. Throws `JournalError`.
   void tell();
 
   /// Records instead that nothing was sent, because of `result`: the printer could not be reached,

@@ -11,8 +11,8 @@ namespace {
 // The mark that distinguishes a journal from other databases, in the file's head.
 constexpr std::int64_t applicationId = 0x71756f72;
 
-// Each step leads from the version of its place to the next. Steps are added and never changed:
-// somebody's journal is of each version that there was.
+// Each step leads from the version of its place to the next. Steps are added and never changed: of
+// each earlier version somebody has a journal.
 constexpr const char* steps[] = {
     R"(
     CREATE TABLE attempt (

@@ -11,7 +11,7 @@ std::int64_t schemaVersion();
 /// all of them are in that one file, on disk. Throws `JournalError`.
 void makeTables(Database& database);
 
-/// Takes over the tables of an older version, with all their rows. Throws `JournalError` for a
+/// Converts the tables of an older version, with all their rows. Throws `JournalError` for a
 /// later version and for a database of something else, which are not changed. Nobody else may be
 /// opening the file.
 void bringUpToDate(Database& database);

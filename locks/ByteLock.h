@@ -13,10 +13,10 @@ namespace quordalvane {
 
 /// A lock on one byte of a file, held as long as this lives.
 ///
-/// The kernel gives it back when the process ends, whatever ends it, and no number of a process is
-/// asked that could be another's by now. It excludes every other `ByteLock` on the same byte, of
-/// this process and of others, and has no effect on programs that do not ask for it. A process that
-/// is forked off shares it, and keeps it until it ends or starts another program.
+/// The kernel releases it when the process ends in any way. No process ID is stored, so none can
+/// belong to another process by now. It excludes every other `ByteLock` on the same byte, of this
+/// process and of others, and has no effect on programs that do not ask for it. A process that is
+/// forked off shares it, and keeps it until it ends or starts another program.
 class QUOR_EXPORT ByteLock {
  public:
   /// Takes the lock on byte `offset` of `file`, which is made with `mode` if it is not there. Empty

@@ -16,8 +16,8 @@ namespace quordalvane {
 /// `limit` until no other job has it, and calls `onWait` once if it has to wait. Empty when the
 /// time is over. The printer is given back when the lock ends or the process does.
 ///
-/// `identity` distinguishes the device from others, see `deviceIdentity`. Programs that do not ask
-/// for the lock are not held up. Throws `std::system_error` if the file of the locks cannot be
+/// `identity` distinguishes the device from others, see `deviceIdentity`. The lock does not stop
+/// programs that do not ask for it. Throws `std::system_error` if the file of the locks cannot be
 /// used.
 QUOR_EXPORT std::optional<ByteLock> takeDevice(std::string_view identity,
                                                std::chrono::milliseconds limit,

@@ -67,7 +67,7 @@ class Reader {
     return colour + 4 <= dots_ && isDarkColour(colour);
   }
 
-  // Blue, green, red, weighed as the eye does.
+  // Blue, green and red, with the weights that they have for the eye.
   bool isDarkColour(std::size_t at) const {
     return 114U * file_[at] + 587U * file_[at + 1] + 299U * file_[at + 2] < 127'500;
   }

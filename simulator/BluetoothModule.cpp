@@ -13,7 +13,7 @@ constexpr Instant timeToDrop = 300ms;
 constexpr std::uint8_t escape = 0x2f;
 constexpr std::size_t escapeLength = 3;
 
-// Longer than any command it knows: of more than this it only needs to know that it was too much.
+// Longer than any command that it knows: a longer one is an error, and its bytes need not be kept.
 constexpr std::size_t longestCommand = 64;
 
 }  // namespace

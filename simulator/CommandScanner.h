@@ -8,8 +8,8 @@
 namespace quordalvane::simulator {
 
 /// Cuts a byte stream into commands, a byte at a time, so that packets make no difference. Bytes
-/// inside the counted payload of a command are data only. Uses memory bounded by the longest
-/// command that can be printed: of a longer one the end is counted and not kept.
+/// inside the counted payload of a command are data only. Uses no more memory than the longest
+/// command that can be printed: the end of a longer one is counted and not kept.
 class CommandScanner {
  public:
   /// From the next command on the printer knows the commands of this dialect.

@@ -13,7 +13,7 @@ inline constexpr char32_t noCharacter = 0xfffd;
 /// threads at once.
 class Conversion {
  public:
-  /// Of an encoding that the system does not know every character is missing.
+  /// If the system does not know the encoding, every character is missing.
   explicit Conversion(const char* encoding);
 
   /// The one character that these bytes are; `noCharacter` if they are no character, several, or a

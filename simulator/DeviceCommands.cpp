@@ -1,4 +1,4 @@
-// What leaves no ink: the drawer, the buzzer, the display.
+// The commands that leave no ink: drawer, buzzer, display.
 
 #include "simulator/Typesetter.h"
 
@@ -10,7 +10,7 @@ void Typesetter::peripheral(ByteView command) {
   printerListens_ = (command[2] & 1U) != 0 || !displayListens_;
 }
 
-// What the display alone is sent does not reach the paper, until the printer is selected again. Its
+// Bytes for the display alone do not reach the paper, until the printer is selected again. Its
 // own commands never do.
 bool Typesetter::isForDisplay(ByteView command) {
   constexpr std::uint8_t ofDisplays = 0x1f;

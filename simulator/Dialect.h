@@ -4,7 +4,7 @@
 
 namespace quordalvane::simulator {
 
-/// Which of the commands that not every printer knows a printer knows. A plain value.
+/// Which commands a printer knows, of those that not every printer knows. A plain value.
 struct Dialect {
   Proofs proofs = Proofs::all();
   bool lineMode = true;  ///< the maker's own commands besides ESC/POS

@@ -46,7 +46,7 @@ struct Fault {
   std::optional<ReplyKind> replyKind;  ///< it befalls replies of this kind only; empty: of each
   std::vector<std::uint64_t> offsets;  ///< the places at which a reply is split, rising
   Ending ending = Ending::Drain;
-  std::string key;  ///< of `at`: the printer setting or fault that it brings
+  std::string key;  ///< of `at`: the printer setting or fault that it applies
   std::string value;
 };
 

@@ -8,7 +8,7 @@
 namespace quordalvane::simulator {
 namespace {
 
-// No paper is wider, so that no scale can make an image large out of few bytes.
+// No paper is wider. Without this limit a few bytes and a scale could make a huge image.
 constexpr unsigned widest = widePaperDots;
 
 unsigned word(ByteView bytes, std::size_t at) {

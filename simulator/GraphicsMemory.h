@@ -39,7 +39,7 @@ class GraphicsMemory {
   /// image is to be taken with `image()`. What does not fit is unknown.
   Outcome apply(ByteView command);
 
-  /// What is to be printed: the dots of each colour.
+  /// The image to be printed: the dots of each colour.
   const std::vector<Bitmap>& image() const { return image_; }
 
   /// The printer is initialised: images that were stored for good remain.

@@ -6,7 +6,7 @@
 
 namespace quordalvane::simulator {
 
-// A margin that leaves no room for a letter is none.
+// A margin that leaves no room for a letter is ignored.
 unsigned LineBuilder::room() const {
   constexpr unsigned least = 12;
   const unsigned left = std::min(left_, paperWidth_ - least);

@@ -13,7 +13,7 @@ class LineBuilder {
  public:
   explicit LineBuilder(unsigned paperWidth) : paperWidth_(paperWidth) {}
 
-  /// Goes on with lines of this width; to be called between two lines.
+  /// Continues with lines of this width; to be called between two lines.
   void setPaperWidth(unsigned dots) { paperWidth_ = dots; }
 
   /// Adds text; the part that does not fit starts a new line on `paper`.
@@ -25,7 +25,7 @@ class LineBuilder {
   /// Continues `x` dots from the left end; beyond the paper it does nothing.
   void moveTo(unsigned x);
 
-  /// Goes to the next tab stop; without one it does nothing.
+  /// Moves to the next tab stop; without one it does nothing.
   void tab(unsigned cellWidth);
 
   /// Sets the tab stops, in dots; without any there is one every eight characters.
@@ -46,7 +46,7 @@ class LineBuilder {
   void setWidth(unsigned dots) { width_ = dots; }
   void setUpsideDown(bool upsideDown) { upsideDown_ = upsideDown; }
 
-  /// Where the next line, image or symbol stands.
+  /// The place of the next line, image or symbol across the paper.
   Place place() const { return {alignment_, left_, room()}; }
 
   void setSpacing(unsigned dots) { spacing_ = dots; }

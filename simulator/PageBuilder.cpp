@@ -38,7 +38,7 @@ void PageBuilder::setDirection(unsigned direction) {
   begin(place);
 }
 
-// The last one is gone without a trace if nothing was set on it.
+// The last one is dropped if nothing was set on it.
 void PageBuilder::begin(const PageArea& place) {
   const bool isBare = !areas_.empty() && areas_.back().content->items().empty();
   if (isBare) {
@@ -51,7 +51,7 @@ void PageBuilder::begin(const PageArea& place) {
   areas_.push_back({place, std::make_shared<Paper>(std::max(width, 12U))});
 }
 
-// A page that was given away stays as it was.
+// A page that was given away does not change any more.
 Paper& PageBuilder::paper() {
   std::shared_ptr<Paper>& content = areas_.back().content;
   if (content.use_count() > 1) {

@@ -70,7 +70,7 @@ struct LineItem {
   unsigned height() const;
 };
 
-/// Where something stands across the paper: within `room` dots that begin `left` dots from the left
+/// A place across the paper: within `room` dots that begin `left` dots from the left
 /// end of the print, or within all the rest of it if `room` is 0.
 struct Place {
   Alignment alignment = Alignment::Left;
@@ -140,7 +140,7 @@ struct Feed {
   int dots = 0;  ///< negative: backwards
 };
 
-/// In a page: what follows goes on so far from its beginning.
+/// In a page: the next items begin at this distance from its beginning.
 struct MoveTo {
   unsigned dots = 0;
 };
@@ -163,7 +163,7 @@ struct PageArea {
   bool operator==(const PageArea&) const = default;
 };
 
-/// What was set in page mode, printed at once. It ends with its last area, or, if that was never
+/// The content of page mode, printed at once. It ends with its last area, or, if that was never
 /// set, with its last print.
 struct Page {
   std::vector<PageArea> areas;
@@ -179,7 +179,7 @@ inline constexpr std::size_t heaviestPaper = std::size_t{4} * 1024 * 1024;
 /// The longest paper in dots: fifty metres, a roll.
 inline constexpr std::uint64_t longestPaper = 400'000;
 
-/// The output of a printer, from the top. It grows with what is printed and never otherwise.
+/// The output of a printer, from the top. It grows only by prints.
 class Paper {
  public:
   explicit Paper(unsigned widthInDots = widePaperDots) : width_(widthInDots) {}
@@ -211,13 +211,13 @@ class Paper {
   /// About how many bytes of memory its items take.
   std::size_t weight() const { return weight_; }
 
-  /// At most how many dots long it is.
+  /// The most dots that it may be long.
   std::uint64_t length() const { return length_; }
 
-  /// True if a printer tears it off before anything more comes.
+  /// True if a printer tears it off before it prints more.
   bool isTooLong() const { return weight_ > heaviestPaper || length_ > longestPaper; }
 
-  /// True if it was torn off because it grew too heavy: the job goes on on the next paper.
+  /// True if it was torn off because it grew too heavy: the job continues on the next paper.
   bool goesOn() const { return goesOn_; }
   void setGoesOn() { goesOn_ = true; }
 

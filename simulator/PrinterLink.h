@@ -16,10 +16,10 @@
 
 namespace quordalvane::simulator {
 
-/// One connection to a printer, as the host sees it: bytes are written while there is space, bytes
-/// come out while there are any, and it can drop. A printer has one connection at a time: a new one
-/// ends the one before it. The printer must outlive the link. Destroying the link hangs up; data
-/// that was taken remains with the printer.
+/// One connection to a printer, as the host sees it: it takes bytes while there is space, gives
+/// bytes while there are any, and can drop. A printer has one connection at a time: a new one ends
+/// the one before it. The printer must outlive the link. Destroying the link hangs up; data that
+/// was taken remains with the printer.
 ///
 /// Every call first lets the printer work up to `now`. Instants must not decrease. No call blocks.
 /// Not for use by two threads at once.

@@ -87,7 +87,7 @@ std::string textOf(ByteView bytes) {
 }
 
 // Code 128 data names its code sets: {A, {B and {C; in set C a byte is a pair of digits. The
-// encoder chooses sets by itself, so only the text matters. {1 stands for a mark of GS1.
+// encoder chooses sets by itself, so only the text matters. {1 is a mark of GS1.
 std::string code128Text(const std::string& data) {
   std::string text;
   bool pairs = false;
@@ -119,7 +119,7 @@ bool isPdf417(const Symbol& symbol) {
   return symbol.symbology == Symbology::Pdf417 || symbol.symbology == Symbology::TruncatedPdf417;
 }
 
-// A row stays as many modules high as it was.
+// The height of a row in modules does not change.
 void setModuleWidth(Symbol& symbol, unsigned dots) {
   const unsigned rowInModules = std::max(symbol.rowHeight / symbol.moduleWidth, 1U);
   symbol.moduleWidth = dots;

@@ -99,7 +99,7 @@ class Typesetter {
   void userCharactersOn(ByteView command);
   void eraseUserCharacter(ByteView command);
 
-  // Where things go: PlaceCommands.cpp.
+  // Positions, margins and feeds: PlaceCommands.cpp.
   void align(ByteView command);
   void leftMargin(ByteView command);
   void printWidth(ByteView command);
@@ -134,7 +134,7 @@ class Typesetter {
   void symbolAtOnce(ByteView command);
   void symbolKindAtOnce(ByteView command);
 
-  // Whatever leaves no ink: DeviceCommands.cpp.
+  // Commands that leave no ink: DeviceCommands.cpp.
   void ignore(ByteView) {}
   void peripheral(ByteView command);
   void beepOrSkip(ByteView command);

@@ -18,8 +18,8 @@ std::u32string fromUtf8(std::string_view bytes);
 /// control character.
 std::optional<std::u32string> wholeUtf8(std::string_view bytes);
 
-/// How many of the first bytes of a run can be decided without tearing a character whose end is yet
-/// to come.
+/// How many of the first bytes of a run can be decided without cutting a character whose end has
+/// not arrived.
 std::size_t wholeCharactersIn(std::string_view run);
 
 }  // namespace quordalvane::simulator

@@ -47,7 +47,7 @@ class VirtualPrinter {
   /// that `PrinterState::keepsPrinted`; empty otherwise.
   const Bytes& printed() const { return printed_; }
 
-  /// How many bytes of print data have been printed ever.
+  /// How many bytes of print data have been printed since the beginning.
   std::uint64_t printedBytes() const { return printedBytes_; }
 
   /// How many bytes have been received and are not printed.
@@ -56,7 +56,7 @@ class VirtualPrinter {
   /// Takes the paper away, `printed` included, with a line that has begun. Returns it.
   Paper tearOff();
 
-  /// From now on each connection is a job: when all that it brought has been printed or dropped,
+  /// From now on each connection is a job: when all of its data has been printed or dropped,
   /// the paper is torn off and given to `keep`, unless the paper is empty. A paper that grows
   /// heavier than `heaviestPaper` is torn off and given before; without a keeper it is lost.
   using JobKeeper = std::function<void(Paper)>;
@@ -80,8 +80,8 @@ class VirtualPrinter {
   /// command may need (64 bytes, or a quarter of a small buffer).
   std::size_t space() const;
 
-  /// How many of the first of `bytes` it can take also without space, as they act on reception and
-  /// are not held.
+  /// How many bytes at the beginning of `bytes` it can take without space: they act on reception
+  /// and are not held.
   std::size_t actingAtOnce(ByteView bytes) const { return reception_.actingAtOnce(bytes); }
 
   /// Takes all of `bytes`, at most `space()` or `actingAtOnce(bytes)`. With `vanish`, print data is

@@ -21,7 +21,7 @@ struct QuorNamedJob {
         job(*journal, std::move(request), data),
         told(job.answer().value_or(quordalvane::NamedJobResult())) {}
 
-  /// Before it runs or is refused. Raises QUOR_USAGE the second time.
+  /// Before it runs or is refused. Throws QUOR_USAGE the second time.
   void end() {
     if (std::exchange(hasEnded, true)) {
       throw quordalvane::c::CallFailure(QUOR_USAGE, "a job under a name runs once");

@@ -27,7 +27,7 @@ struct Piece {
   bool cutBelow = false;
 };
 
-/// The space around what is printed, in dots.
+/// The space around the print, in dots.
 struct Margins {
   unsigned end = 0;  ///< above the first line and below the last of a piece
   unsigned gap = 0;  ///< between two pieces
@@ -36,7 +36,7 @@ struct Margins {
 /// Space above and below a symbol, and between it and its text.
 inline constexpr unsigned symbolSpace = 6;
 
-/// Where everything goes on a paper, which must outlive this.
+/// The place of each item on a paper, which must outlive this.
 class PaperLayout {
  public:
   /// The first piece begins at `top`.

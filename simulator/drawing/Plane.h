@@ -7,8 +7,8 @@
 
 namespace quordalvane::simulator {
 
-/// A rectangle of paper: how dark each of its dots is, from 0 to `ink`. What is drawn outside of it
-/// is lost.
+/// A rectangle of paper: how dark each of its dots is, from 0 to `ink`. Dots that are drawn outside
+/// of it are lost.
 class Plane {
  public:
   static constexpr std::uint8_t bare = 0;

@@ -33,8 +33,8 @@ struct GlyphKey {
   }
 };
 
-// The font caches live until the program ends. Giving them back then leaves nothing for a leak
-// checker to report; nobody draws any more by that time.
+// The font caches live until the program ends. They are freed then, so that a leak checker reports
+// nothing; nobody draws any more by that time.
 struct FontCaches {
   ~FontCaches() {
     cairo_debug_reset_static_data();

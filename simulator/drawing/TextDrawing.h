@@ -7,9 +7,9 @@
 
 namespace quordalvane::simulator {
 
-/// Draws characters in the cells of their style, from the top left corner of the first. A character
-/// that the monospaced font lacks is of another font that has it. Without any font each character
-/// is a small block, so that a picture comes out in any case. May be called from any thread.
+/// Draws characters in the cells of their style, from the top left corner of the first. If the
+/// monospaced font lacks a character, another font draws it. Without any font each character is a
+/// small block, so that there is a picture in any case. May be called from any thread.
 void drawText(Plane& plane, std::u32string_view characters, const TextStyle& style, int x, int y,
               std::uint8_t darkness);
 

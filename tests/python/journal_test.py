@@ -61,7 +61,7 @@ class Named(unittest.TestCase):
         self.assertEqual(self.journal.jobs()[0].state, JobState.REFUSED)
         self.assertTrue(self.journal.print("order-1", RECEIPT, Port("virtual:")).printed)
 
-    def test_opening_an_open_port_does_nothing(self):
+    def test_an_open_port_remains_open(self):
         with Port(self.printer().device) as port:
             for name in ("a", "b"):
                 self.assertTrue(self.journal.print(name, RECEIPT, port).printed)

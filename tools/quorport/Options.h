@@ -47,7 +47,7 @@ struct MonitorOptions {
 /// How the output of a virtual printer is divided into receipts.
 enum class ReceiptPer { Cut, Job, Connection };
 
-/// What becomes of hosts that come while another is connected to a virtual printer.
+/// How a virtual printer treats hosts that connect while another is connected.
 enum class HostRule {
   One,     ///< they wait until it has left
   Turns,   ///< they are connected, and print between two of its jobs

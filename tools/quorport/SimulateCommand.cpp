@@ -33,7 +33,7 @@ simulator::PrinterBuilder printerOf(const SimulateOptions& options) {
   return printer;
 }
 
-// The name stands after the place: tcp:9100,name=till.
+// The name follows the place: tcp:9100,name=till.
 Server::Host hostIn(const std::string& spec) {
   constexpr std::string_view key = ",name=";
   const std::size_t begin = spec.rfind(key);

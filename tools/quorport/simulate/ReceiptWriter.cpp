@@ -22,7 +22,7 @@ int openEvent() {
   return descriptor;
 }
 
-// A job without paper has a weight, too.
+// A job without paper also has a weight.
 std::size_t weightOf(const ReceiptWriter::Job& job) {
   return sizeof job + job.paper.weight();
 }

@@ -23,7 +23,7 @@ class ReceiptWriter {
     bool apart = false;  ///< each piece of paper is a receipt
   };
 
-  /// The line that tells of a job, and the complaints about its files.
+  /// The line that reports a job, and the complaints about its files.
   struct Done {
     std::string line;
     std::vector<std::string> complaints;

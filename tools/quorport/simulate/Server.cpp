@@ -118,7 +118,8 @@ void Server::announce() {
   }
 }
 
-// A place that comes later is no answer to a control line, and stays out of their stream.
+// The place of a later terminal is no answer to a control line, and is not written among the
+// answers.
 void Server::announceOthers() {
   for (const Station& station : stations_) {
     const std::string place = specOf(station);

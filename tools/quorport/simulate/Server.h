@@ -24,7 +24,7 @@ namespace quordalvane::tool {
 /// Serves printers to hosts, and to those who control them.
 ///
 /// One thread, one loop: it sleeps until a descriptor is ready or a printer does something by
-/// itself, and then lets everyone do what can be done without waiting. Receipts are drawn on
+/// itself, and then lets everyone do the work that needs no wait. Receipts are drawn on
 /// another thread.
 class Server {
  public:

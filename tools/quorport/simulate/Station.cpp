@@ -14,7 +14,7 @@ using simulator::Instant;
 // A cut ends a job if nothing follows it for so long.
 constexpr Instant quietTime = 1s;
 
-// A host that is quiet for so long, and has nothing in the printer, lets another one come.
+// A host that is quiet for so long, and has nothing in the printer, gives way to another one.
 constexpr Instant turnTime = 200ms;
 
 constexpr std::size_t mostWaiting = 64;
@@ -168,13 +168,13 @@ bool Station::mayMakeRoom(Instant now) const {
   return host_->isIdle() && printer_.buffered() == 0 && (!last || now >= *last + turnTime);
 }
 
-// A host that has left keeps its place while the printer works through what it sent. Where the
-// printer stands still that may take for ever, and the next host comes first.
+// A host that has left keeps its place while the printer works through what it sent. While the
+// printer is stopped that may take for ever, and the next host is served first.
 bool Station::hostMakesWay() const {
   return host_->hostEnded() && printer_.state().flag(simulator::Flag::Offline);
 }
 
-// While the printer stands still the end of a host is hidden after bytes that nobody reads. It is
+// While the printer is stopped, bytes that nobody reads hide the end of a host. It is
 // looked for as soon as the next host waits.
 bool Station::hostMayHaveLeft() const {
   return listener_->hostsQueue() && !host_->hostEnded() && !host_->readsAhead() &&

@@ -18,7 +18,7 @@
 namespace quordalvane::tool {
 
 /// A printer at the place where hosts find it. It prints for one host at a time; others wait, are
-/// turned away, or come between two of its jobs.
+/// turned away, or served between two of its jobs.
 class Station {
  public:
   struct Habits {
@@ -42,7 +42,7 @@ class Station {
   simulator::VirtualPrinter& printer() { return printer_; }
   Links& links() { return links_; }
 
-  /// Adds what it waits for.
+  /// Adds the events for which it waits.
   void await(std::vector<pollfd>& awaited) const;
 
   /// When it must work without anything that was waited for; empty if never.
@@ -52,7 +52,7 @@ class Station {
   void advance(simulator::Instant now);
   void work(simulator::Instant now);
 
-  /// Lets the host go and takes the rest of the paper.
+  /// Ends the connection and takes the rest of the paper.
   void close();
 
  private:
@@ -75,7 +75,7 @@ class Station {
   simulator::VirtualPrinter printer_;
   Links links_;
   std::optional<HostConnection> host_;
-  std::list<std::unique_ptr<Line>> waiting_;  // connected hosts whose turn comes later
+  std::list<std::unique_ptr<Line>> waiting_;  // connected hosts whose turn is later
 };
 
 }  // namespace quordalvane::tool
