@@ -25,6 +25,9 @@ TEST(Settings, EachKeyChangesItsValue) {
   state.set("presenterState", "3");
   state.set("connectedInterface", "2");
   state.set("paper", "58");
+  state.set("lacks", "1b4c");
+  EXPECT_TRUE(state.lacked.has(hex("1b4c")));
+  EXPECT_FALSE(state.lacked.has(hex("1b53")));
   EXPECT_TRUE(state.flag(Flag::CoverOpen));
   EXPECT_EQ(state.firmware(), "Ver 2.10");
   EXPECT_EQ(state.dipBanks[0], (DipBank{0xc0, 0x0a}));

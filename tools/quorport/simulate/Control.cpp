@@ -41,8 +41,9 @@ std::string textOf(const std::string& key, const Json& value) {
 // A flag is no text and a text is no number, although both are written the same on a command line.
 void checkKind(const std::string& key, const Json& value) {
   const bool isText = key == "firmware" || key == "dip1" || key == "dip2" || key == "proofs" ||
-                      key == "profile" || key == "codePages" || key == "multiByte" ||
-                      key == "maker" || key == "modelName" || key == "serialNumber";
+                      key == "profile" || key == "lacks" || key == "codePages" ||
+                      key == "multiByte" || key == "maker" || key == "modelName" ||
+                      key == "serialNumber";
   if (simulator::flagNamed(key) && !value.is_boolean()) {
     refuse(key + " takes true or false, not " + shortened(value));
   }
