@@ -45,18 +45,21 @@ constexpr std::uint8_t askSize = 82;
 /// A two-dimensional code as 1d 28 6b names it.
 struct Kind {
   std::uint8_t number;
+  std::uint8_t replyId;
+  bool saysError;  // the answer with its size ends with an error's number
   Symbology symbology;
   unsigned moduleWidth;
   unsigned rowHeight;
-  std::uint8_t replyId;
-  bool saysError = false;  // the answer with its size ends with an error's number
 };
 
 constexpr Kind kinds[] = {
-    {48, Symbology::Pdf417, 3, 9, 0x2f},           {49, Symbology::Qr, 3, 3, 0x36},
-    {50, Symbology::MaxiCode, 7, 6, 0x37},         {51, Symbology::DataBarStacked, 2, 2, 0x4f},
-    {52, Symbology::Composite, 2, 2, 0x50},        {53, Symbology::Aztec, 3, 3, 0x58, true},
-    {54, Symbology::DataMatrix, 3, 3, 0x59, true},
+    {48, 0x2f, false, Symbology::Pdf417, 3, 9},
+    {49, 0x36, false, Symbology::Qr, 3, 3},
+    {50, 0x37, false, Symbology::MaxiCode, 7, 6},
+    {51, 0x4f, false, Symbology::DataBarStacked, 2, 2},
+    {52, 0x50, false, Symbology::Composite, 2, 2},
+    {53, 0x58, true, Symbology::Aztec, 3, 3},
+    {54, 0x59, true, Symbology::DataMatrix, 3, 3},
 };
 
 // The bar codes of composite symbols, from 65 on. Of UPC-E one is shorter.

@@ -175,6 +175,17 @@ class Records(Case):
         self.assertEqual(record["events"], [{"event": "display", "text": "Total 4.20"}])
         self.assertEqual((folder / "receipt-0001.txt").read_text(), "paper\n")
 
+    def test_a_symbol_that_is_drawn_in_another_form_is_an_event(self):
+        record, code, _ = self.record_of(b"\x1d(k\4\0001A1\0\x1d(k\5\0001P0hi\x1d(k\3\0001Q0", "--strict")
+        self.assertEqual([event["event"] for event in record["events"]], ["replaced"])
+        self.assertIn("model 2", record["events"][0]["text"])
+        self.assertEqual((record["ok"], code), (True, 0))
+
+    def test_a_command_that_the_printer_lacks_is_unknown(self):
+        record, code, _ = self.record_of(b"\x1bLa\n\x0c", "--strict", "--set", "lacks=1b4c")
+        self.assertEqual(record["unknown"], [{"offset": 0, "bytes": "1b4c", "name": "ESC L"}])
+        self.assertEqual((record["ok"], code), (False, 1))
+
     def test_a_drawer_that_is_opened_without_paper_is_a_job(self):
         record, _, _ = self.record_of(b"\x1bp\0\x19\xfa")
         self.assertEqual((record["drawer"], record["files"]), (1, []))

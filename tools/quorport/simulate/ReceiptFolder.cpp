@@ -66,7 +66,7 @@ std::string ReceiptFolder::addBeside(const std::vector<std::string>& files,
       continue;
     }
     const std::string beside = std::filesystem::path(file).replace_extension(".json").string();
-    if (const std::string error = writeFile(text, beside); !error.empty()) {
+    if (std::string error = writeFile(text, beside); !error.empty()) {
       return error;
     }
   }
