@@ -1,6 +1,5 @@
 """The printers that the back end lists, and the ways to one that the URI of a queue names."""
 
-import os
 import socket
 import subprocess
 import time

@@ -5,8 +5,6 @@ import shutil
 import signal
 import socket
 import subprocess
-import time
-from collections.abc import Callable
 from pathlib import Path
 
 import ipp

@@ -3,7 +3,6 @@
 import statistics
 import subprocess
 import time
-import unittest
 
 from harness import main
 from queues import QUOR, QueueCase
