@@ -134,7 +134,8 @@ def moments(count: int) -> list[float]:
 
 
 def report(back_end: str, ends: list[tuple[str, float]]):
-    """Of states and copies on paper."""
+    """Of states and copies on paper. The lines are read by others: the dot of an earlier test must not be on the first one."""
+    print()
     for meaning, is_so in (("jobs more than once on paper", lambda state, copies: copies > 1),
                            ("jobs completed without all of it on paper", lambda state, copies: state == "completed" and copies < 1)):
         print(f"{back_end}: {sum(is_so(*end) for end in ends)} of {len(ends)} {meaning}")
