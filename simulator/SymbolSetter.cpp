@@ -344,7 +344,9 @@ Bytes SymbolSetter::sizeReply(ByteView command) const {
   const char outcome = encoded ? '0' : '1';
   const std::string text = width + '\x1f' + height + '\x1f' + "1" + '\x1f' +
                            std::string(kind->saysError ? 2 : 1, outcome);
-  Bytes reply = {0x37, kind->replyId};
+  Bytes reply;
+  reply.push_back(0x37);
+  reply.push_back(kind->replyId);
   reply.insert(reply.end(), text.begin(), text.end());
   reply.push_back(0);
   return reply;
