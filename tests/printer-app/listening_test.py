@@ -1,9 +1,9 @@
-"""What the printer application requires before it listens."""
+"""What the printer application requires before it listens, and does not change."""
 
 import os
 import subprocess
 
-from application import APPLICATION
+from application import APPLICATION, free_port
 from harness import Case, main
 
 
@@ -20,6 +20,20 @@ class Listening(Case):
 
     def test_a_state_that_cannot_be_kept_is_reported(self):
         self.assertFails("cannot be made", f"state-directory={self.file('file', b'')}")
+
+    def test_the_machine_keeps_its_name_if_root_starts_the_server(self):
+        log = self.folder / "log"
+        script = f'hostname shop; "$@" & until grep -qs Listening {log}; do sleep 0.05; done; hostname; kill $!; wait'
+        rights = [] if os.geteuid() == 0 else ["--user", "--map-root-user"]
+        settings = (f"log-file={log}", "log-level=info", f"state-directory={self.folder}/state",
+                    f"server-port={free_port()}")
+        result = subprocess.run(
+            ["unshare", *rights, "--uts", "sh", "-c", script, "sh", APPLICATION, "server",
+             *(word for setting in settings for word in ("-o", setting))],
+            capture_output=True, text=True, timeout=60, env=os.environ | {"TMPDIR": str(self.folder)})
+        if "unshare:" in result.stderr:
+            self.skipTest(result.stderr)
+        self.assertEqual(result.stdout, "shop\n", result.stderr)
 
 
 if __name__ == "__main__":

@@ -133,8 +133,6 @@ pappl_system_t* makeSystem(int count, cups_option_t* options, void* /*data*/) {
       return nullptr;
     }
     papplSystemSetDNSSDName(system, "Receipt printers");
-  } else {
-    papplSystemSetHostName(system, thisMachine);
   }
   addModels(system);
   addOtherDocuments(system);
