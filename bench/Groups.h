@@ -26,6 +26,7 @@ Rows confirmedReceipts();    // B15, B16
 Rows wholeCommands();        // B17
 Rows signsOfSlowPrinters();  // B18
 Rows receiptPictures();      // B20
+Rows longPage();             // B21
 
 GrowthTable growingPorts();
 GrowthTable growingJobs();

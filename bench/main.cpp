@@ -21,6 +21,7 @@ struct Group {
 // The rows that measure memory run first, while no freed memory can be used again.
 constexpr std::array groups = {
     Group{"B9", idlePorts},
+    Group{"B21", longPage},
     Group{"B1", lineStatusOverTcp},
     Group{"B2", escposStatusOverTcp},
     Group{"B3", lineStatusElsewhere},
@@ -100,7 +101,7 @@ int main(int count, char** arguments) {
   app.add_flag("--json", options.json, "print the rows as JSON");
   app.add_option("--picture", options.picture, "also draw the rows into this SVG file");
   app.add_option("--only", options.only,
-                 "measure these alone: B1 to B20, growth; B16 is measured with B15");
+                 "measure these alone: B1 to B21, growth; B16 is measured with B15");
   CLI11_PARSE(app, count, arguments);
   standBackForNobody();
   report(options, measure(options));

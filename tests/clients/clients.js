@@ -1,9 +1,13 @@
 // Prints one receipt by a client library, asks for the status where the library can, and says what it got:
-//   node clients.js CLIENT HOST PORT [MODE]
+//   node clients.js CLIENT HOST PORT [MODE] [FILE]
+// With FILE the receipt is this text, otherwise a line.
 
+const fs = require("node:fs");
 const net = require("node:net");
 
-const words = "Total 4.20";
+const [client, host, port, mode, file] = process.argv.slice(2);
+const words = file ? fs.readFileSync(file, "utf8").trimEnd() : "Total 4.20";
+const lines = words.split("\n");
 
 function within(milliseconds, promise, what) {
   const late = new Promise((_, reject) => {
@@ -16,7 +20,7 @@ const clients = {
   // It always connects to port 9100.
   async receiptio(host, port, mode) {
     const { print } = require("receiptio");
-    return print(`^^^RECEIPT\n\n${words}|`, `-d ${host} ${mode ? `-p ${mode} ` : ""}-c 42`);
+    return print(`^^^RECEIPT\n\n${lines.map((line) => `${line}|`).join("\n")}`, `-d ${host} ${mode ? `-p ${mode} ` : ""}-c 42`);
   },
 
   async "node-thermal-printer"(host, port) {
@@ -25,7 +29,7 @@ const clients = {
     if (!(await printer.isPrinterConnected())) {
       return "not connected";
     }
-    printer.println(words);
+    lines.forEach((line) => printer.println(line));
     printer.cut();
     await printer.execute();
     return "success";
@@ -62,8 +66,9 @@ const clients = {
 
   async "receipt-printer-encoder"(host, port) {
     const { default: Encoder } = await import("@point-of-sale/receipt-printer-encoder");
-    const bytes = new Encoder({ language: "esc-pos" }).initialize().codepage("auto").line(words).line("Grüße €")
-      .cut().encode();
+    const encoder = new Encoder({ language: "esc-pos" }).initialize().codepage("auto");
+    [...lines, "Grüße €"].forEach((line) => encoder.line(line));
+    const bytes = encoder.cut().encode();
     await new Promise((resolve, reject) => {
       const socket = net.connect(port, host, () => socket.end(Buffer.from(bytes), resolve));
       socket.on("error", reject);
@@ -72,7 +77,6 @@ const clients = {
   },
 };
 
-const [client, host, port, mode] = process.argv.slice(2);
 within(20000, clients[client](host, Number(port), mode), "end")
   .then((result) => process.stdout.write(`${result}\n`))
   .catch((error) => process.stdout.write(`${error.message}\n`))

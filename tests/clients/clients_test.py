@@ -55,15 +55,19 @@ class Clients(unittest.TestCase):
         self.addCleanup(self.printer.terminate)
         self.printer.stdout.readline()
 
-    def check(self, client: str, mode: str = ""):
-        ran = subprocess.run(["node", "clients.js", client, self.host, "9100", mode], cwd=FOLDER, capture_output=True,
-                             text=True, timeout=DEADLINE, check=False)
+    def print(self, client: str, mode: str = "", file: str = "") -> tuple[str, dict]:
+        """The text on the paper, and the printer's record of the job."""
+        ran = subprocess.run(["node", "clients.js", client, self.host, "9100", mode, file], cwd=FOLDER,
+                             capture_output=True, text=True, timeout=DEADLINE, check=False)
         # One of them also shows what the printer says, whenever that arrives.
         self.assertIn("success", ran.stdout.splitlines(), (mode, ran))
         job = json.loads(self.printer.stdout.readline())
-        self.assertTrue(job["ok"], (mode, job))
         paper = next(file for file in job["files"] if file.endswith(".txt"))
-        text = Path(paper).read_text(encoding="utf-8")
+        return Path(paper).read_text(encoding="utf-8"), job
+
+    def check(self, client: str, mode: str = ""):
+        text, job = self.print(client, mode)
+        self.assertTrue(job["ok"], (mode, job))
         self.assertIn("Total 4.20", text, mode)
         return text
 
