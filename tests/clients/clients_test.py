@@ -15,6 +15,7 @@ from pathlib import Path
 
 QUORPORT = os.environ["QUORPORT"]
 HERE = Path(__file__).parent
+SCRIPTS = HERE.parent.parent / "examples/ten-scripts.txt"
 FOLDER = Path(sys.argv.pop(1))
 DEADLINE = 60  # seconds
 SKIPPED = 77
@@ -70,6 +71,16 @@ class Clients(unittest.TestCase):
         self.assertTrue(job["ok"], (mode, job))
         self.assertIn("Total 4.20", text, mode)
         return text
+
+    def test_a_text_of_ten_scripts_arrives_in_part_and_the_rest_as_question_marks(self):
+        """`quorport print --text` draws what a printer lacks; docs/text-and-pictures.md has these figures beside it."""
+        scripts = [line.split(maxsplit=1) for line in SCRIPTS.read_text(encoding="utf-8").splitlines()[:10]]
+        latin, right_to_left = {"Latin", "Euro", "Cyrillic"}, {"Greek", "Arabic", "Hebrew"}
+        for client, arrives, marks in (("receiptio", latin, 100), ("receipt-printer-encoder", latin | right_to_left, 47),
+                                       ("node-thermal-printer", latin | right_to_left | {"Thai"}, 23)):
+            paper, _ = self.print(client, file=str(SCRIPTS))
+            self.assertEqual({script for script, words in scripts if words in paper}, arrives, client)
+            self.assertEqual(paper.count("?"), marks, client)
 
     def test_receiptio_prints_and_finds_the_printer_on_line_in_each_mode(self):
         for mode in MODES:
