@@ -1,11 +1,9 @@
 #include "tools/printer-app/Application.h"
 
-#include <array>
 #include <chrono>
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <string>
 #include <system_error>
@@ -16,6 +14,7 @@
 #include "tools/printer-app/JobDelivery.h"
 #include "tools/printer-app/JobOrder.h"
 #include "tools/printer-app/Model.h"
+#include "tools/printer-app/Password.h"
 #include "tools/printer-app/Reasons.h"
 #include "tools/printer-app/SavedState.h"
 #include "tools/printer-app/WholeUploads.h"
@@ -49,30 +48,23 @@ bool describePrinter(pappl_system_t* /*system*/, const char* driver, const char*
   return true;
 }
 
+// The framework announces the printers that it has loaded, and one that is added when it gets a
+// name.
+void announce(pappl_printer_t* printer, void* /*data*/) {
+  papplPrinterSetDNSSDName(printer, papplPrinterGetName(printer));
+}
+
 void addModels(pappl_system_t* system) {
   static std::vector<pappl_pr_driver_t> drivers;
   for (const Model& model : everyModel()) {
     drivers.push_back({model.name, model.description, nullptr, nullptr});
   }
   papplSystemSetPrinterDrivers(system, static_cast<int>(drivers.size()), drivers.data(), nullptr,
-                               nullptr, describePrinter, nullptr);
+                               announce, describePrinter, nullptr);
 }
 
 bool save(pappl_system_t* system, void* file) {
   return saveState(system, *static_cast<const std::string*>(file));
-}
-
-bool setPassword(pappl_system_t* system, const std::string& file) {
-  std::string password;
-  if (file.empty() || !std::getline(std::ifstream(file), password) || password.empty()) {
-    return fail(
-        "to listen to other machines takes -o password-file=FILE, a file with the password "
-        "of the web page in its first line");
-  }
-  std::array<char, 256> hash{};
-  papplSystemHashPassword(system, nullptr, password.c_str(), hash.data(), hash.size());
-  papplSystemSetPassword(system, hash.data());
-  return true;
 }
 
 // The framework leaves waiting jobs alone until another one ends or arrives: those that it has
@@ -129,9 +121,6 @@ pappl_system_t* makeSystem(int count, cups_option_t* options, void* /*data*/) {
   }
   papplSystemSetFooterHTML(system, "QuorIOPort");
   if (isForOthers) {
-    if (!setPassword(system, optionOf(count, options, "password-file", ""))) {
-      return nullptr;
-    }
     papplSystemSetDNSSDName(system, "Receipt printers");
   }
   addModels(system);
@@ -144,6 +133,12 @@ pappl_system_t* makeSystem(int count, cups_option_t* options, void* /*data*/) {
     return nullptr;
   }
   papplSystemLoadState(system, stateFile.c_str());
+  if (isForOthers && !setPassword(system, optionOf(count, options, "password-file", ""))) {
+    fail(
+        "to listen to other machines takes -o password-file=FILE, a file with the password of the "
+        "web page in its first line");
+    return nullptr;
+  }
   // Clients are heard once the printers are there.
   papplSystemAddListeners(system, host == "*" ? nullptr : host.c_str());
   papplSystemAddTimerCallback(system, std::time(nullptr), 1, lookAfterJobs, &stateFile);
