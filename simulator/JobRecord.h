@@ -29,8 +29,8 @@ class JobRecord {
   /// An event that leaves no ink, in the order in which the printer carried it out.
   struct Event {
     EventKind kind;
-    std::string
-        text;  ///< the display's words, a question in hex, or the form asked for and the form drawn
+    /// The display's words, a question in hex, or the form asked for and the form drawn.
+    std::string text;
   };
 
   static constexpr std::size_t longestList = 1000;
