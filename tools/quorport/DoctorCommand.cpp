@@ -1,3 +1,4 @@
+#include <nlohmann/json.hpp>
 #include <optional>
 
 #include "platform/ProofKind.h"
@@ -121,7 +122,7 @@ Report doctor(const Options& options, const Surroundings& surroundings) {
   }
   Report report = examineAll(options, surroundings);
   if (bundle) {
-    const std::string why = bundle->write(report.json);
+    const std::string why = bundle->write(report.json.value());
     report.json["bundle"] = why.empty() ? Json(*options.doctor.bundle) : Json(nullptr);
     if (!why.empty()) {
       complain(why, surroundings.streams);

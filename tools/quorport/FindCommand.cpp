@@ -1,3 +1,5 @@
+#include <nlohmann/json.hpp>
+
 #include "discovery/Discovery.h"
 #include "text/Quoted.h"
 #include "tools/quorport/Commands.h"
@@ -33,7 +35,8 @@ std::string lineOf(const FoundDevice& found) {
 
 Report find(const Options& /*options*/, const Surroundings& surroundings) {
   Report report;
-  report.json = {{"ok", true}, {"found", Json::array()}};
+  report.json["ok"] = true;
+  report.json["found"] = Json::array();
   const Discovery discovery = discoverDevices();
   for (const FoundDevice& found : discovery.devices) {
     report.json["found"].push_back(jsonOf(found));

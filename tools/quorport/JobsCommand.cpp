@@ -1,5 +1,6 @@
 #include <chrono>
 #include <filesystem>
+#include <nlohmann/json.hpp>
 
 #include "job/Words.h"
 #include "journal/Journal.h"
@@ -66,7 +67,8 @@ void forget(Journal& journal, const std::string& name) {
 
 Report reportOn(const std::vector<JobRecord>& jobs) {
   Report report;
-  report.json = {{"ok", true}, {"jobs", Json::array()}};
+  report.json["ok"] = true;
+  report.json["jobs"] = Json::array();
   for (const JobRecord& job : jobs) {
     report.json["jobs"].push_back(jsonOf(job));
     report.text += lineOf(job);

@@ -1,3 +1,4 @@
+#include <nlohmann/json.hpp>
 #include <string>
 
 #include "text/Quoted.h"

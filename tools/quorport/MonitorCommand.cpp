@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <chrono>
+#include <nlohmann/json.hpp>
 #include <optional>
 
 #include "backends/posix/AccessoryNotices.h"

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <functional>
+#include <nlohmann/json.hpp>
 #include <stdexcept>
 
 #include "job/Advice.h"

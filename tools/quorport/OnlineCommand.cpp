@@ -1,3 +1,5 @@
+#include <nlohmann/json.hpp>
+
 #include "tools/quorport/Commands.h"
 #include "tools/quorport/ExitCode.h"
 #include "tools/quorport/Printer.h"

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -61,15 +62,15 @@ std::string hintOf(const PrintResult& result) {
 
 Report reportOn(const PrintResult& result) {
   Report report;
-  report.json = {{"ok", result.outcome == PrintOutcome::Printed},
-                 {"device", nullptr},
-                 {"outcome", nameOf(result.outcome)},
-                 {"proof", nameOf(result.proof)},
-                 {"resultCode", result.resultCode},
-                 {"bytesTotal", result.bytesTotal},
-                 {"bytesAccepted", result.bytesAccepted},
-                 {"status", result.status ? jsonOf(*result.status) : Json(nullptr)},
-                 {"error", nullptr}};
+  report.json = JsonObject(Json{{"ok", result.outcome == PrintOutcome::Printed},
+                                {"device", nullptr},
+                                {"outcome", nameOf(result.outcome)},
+                                {"proof", nameOf(result.proof)},
+                                {"resultCode", result.resultCode},
+                                {"bytesTotal", result.bytesTotal},
+                                {"bytesAccepted", result.bytesAccepted},
+                                {"status", result.status ? jsonOf(*result.status) : Json(nullptr)},
+                                {"error", nullptr}});
   if (result.outcome == PrintOutcome::Printed) {
     report.text = "printed: the printer confirmed all " + grouped(result.bytesTotal) + " bytes" +
                   hintOf(result) + "\n";

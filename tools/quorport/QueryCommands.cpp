@@ -1,5 +1,7 @@
 // The commands that are one exchange with the printer, but for the status.
 
+#include <nlohmann/json.hpp>
+
 #include "job/Words.h"
 #include "text/Quoted.h"
 #include "tools/quorport/Commands.h"

@@ -1,5 +1,7 @@
 #include "tools/quorport/Report.h"
 
+#include <nlohmann/json.hpp>
+
 #include "logging/DescriptorOutput.h"
 #include "text/Quoted.h"
 
@@ -33,7 +35,7 @@ std::string labelOf(const std::optional<std::string>& device) {
 }
 
 void nameDevice(Report& report, const std::optional<std::string>& device) {
-  if (device && !report.json.empty()) {
+  if (device && !report.json.isEmpty()) {
     report.json["device"] = *device;
   }
   for (std::string* const text : {&report.text, &report.error}) {
@@ -44,8 +46,8 @@ void nameDevice(Report& report, const std::optional<std::string>& device) {
 }
 
 std::error_code deliver(const Report& report, bool asJson, const Streams& streams) {
-  const bool hasObject = asJson && !report.json.empty();
-  const std::string object = hasObject ? inOneLine(report.json) + "\n" : "";
+  const bool hasObject = asJson && !report.json.isEmpty();
+  const std::string object = hasObject ? inOneLine(report.json.value()) + "\n" : "";
   const WriteOutcome outcome = writeAll(streams.out, asJson ? object : report.text);
   if (!report.error.empty()) {
     complain(report.error, streams);

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -14,9 +13,9 @@ namespace quordalvane::tool {
 /// The result of a command in both forms.
 struct Report {
   ExitCode code = ExitCode::Done;
-  Json json = Json::object();  ///< empty if nothing is left to report
-  std::string text;            ///< for people, lines that end in a line feed
-  std::string error;           ///< why it failed, for people; "" if it did not
+  JsonObject json;    ///< empty if nothing is left to report
+  std::string text;   ///< for people, lines that end in a line feed
+  std::string error;  ///< why it failed, for people; "" if it did not
 };
 
 /// The report of a command that did its task, with a line for people.

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstdint>
 #include <exception>
+#include <nlohmann/json.hpp>
 #include <system_error>
 #include <utility>
 
