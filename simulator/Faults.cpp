@@ -171,31 +171,79 @@ bool parseAt(Text text, Fault& fault) {
 constexpr Text everyReply =
     "all, the number of a reply, or block, process-id, in-order, unasked or cleared";
 
+using Part = FaultPart;
+using Parts = std::span<const Part>;
+
+constexpr Part bytesPart = {"", "bytes", Part::Kind::Number};
+constexpr Part replyPart = {"", "reply", Part::Kind::Reply};
+constexpr Part atReply = {"@", "reply", Part::Kind::Reply, true};
+constexpr Part thenEnding = {":", "ending", Part::Kind::Ending, true};
+
+constexpr Part countOfBytes[] = {bytesPart};
+constexpr Part stall[] = {bytesPart, {":", "milliseconds", Part::Kind::Number}};
+constexpr Part delay[] = {{"", "milliseconds", Part::Kind::Number}, atReply};
+constexpr Part split[] = {{"", "offsets, like 3/7", Part::Kind::Text}, atReply};
+constexpr Part oneReply[] = {replyPart};
+constexpr Part strayByte[] = {{"", "two hex digits", Part::Kind::Hex}, atReply};
+constexpr Part proofReply[] = {{"", "reply", Part::Kind::Proof}};
+constexpr Part replyNumber[] = {{"", "number of the reply", Part::Kind::Number}};
+constexpr Part cutAfter[] = {bytesPart, thenEnding};
+constexpr Part cutNow[] = {{"", "ending", Part::Kind::Ending}};
+constexpr Part later[] = {{"", "milliseconds", Part::Kind::Number},
+                          {":", "setting or fault", Part::Kind::Text},
+                          {"=", "value", Part::Kind::Text}};
+
 struct Form {
   FaultKind kind;
   Text name;
   Text takes;
   bool (*parse)(Text, Fault&);
+  Text effect;
+  Parts parts;
 };
 
 constexpr Form commandForms[] = {
-    {FaultKind::ShortWrites, "short-writes", "a count of bytes from 1", parsePositiveCount},
-    {FaultKind::NoSpace, "no-space", "BYTES:MS", parseNoSpace},
+    {FaultKind::ShortWrites, "short-writes", "a count of bytes from 1", parsePositiveCount,
+     "no write takes more bytes", countOfBytes},
+    {FaultKind::NoSpace, "no-space", "BYTES:MS", parseNoSpace,
+     "after so many bytes there is no space for so long", stall},
     {FaultKind::LateReply, "late-reply",
-     "MS or MS@REPLY, REPLY being a number or a kind like process-id", parseLate},
-    {FaultKind::SplitReply, "split-reply", "rising offsets like 3/7 or 3/7@REPLY", parseSplit},
-    {FaultKind::DuplicateReply, "duplicate-reply", everyReply, parseReply},
-    {FaultKind::DropReply, "drop-reply", everyReply, parseReply},
-    {FaultKind::CorruptReply, "corrupt-reply", everyReply, parseReply},
-    {FaultKind::StrayByte, "stray-byte", "two hex digits, or two hex digits@REPLY", parseStrayByte},
-    {FaultKind::WrongId, "wrong-id", "all or the number of a reply", parseIdReply},
-    {FaultKind::ForeignReply, "foreign-reply", "block, process-id or in-order", parseProof},
-    {FaultKind::Silence, "silence", "the number of a reply", parseReplyNumber},
-    {FaultKind::CutAfterIn, "cut-after-in", "BYTES or BYTES:drain|at-once|reset", parseCut},
-    {FaultKind::CutAfterOut, "cut-after-out", "BYTES or BYTES:drain|at-once|reset", parseCut},
-    {FaultKind::Cut, "cut", "drain, at-once or reset", parseEnding},
-    {FaultKind::PrintsNothing, "prints-nothing", "true", parseTrue},
-    {FaultKind::At, "at", "MS:KEY=VALUE with a printer setting or another fault", parseAt},
+     "MS or MS@REPLY, REPLY being a number or a kind like process-id", parseLate,
+     "replies are so much later", delay},
+    {FaultKind::SplitReply, "split-reply", "rising offsets like 3/7 or 3/7@REPLY", parseSplit,
+     "replies arrive in pieces", split},
+    {FaultKind::DuplicateReply, "duplicate-reply", everyReply, parseReply, "replies are sent twice",
+     oneReply},
+    {FaultKind::DropReply, "drop-reply", everyReply, parseReply, "replies are lost", oneReply},
+    {FaultKind::CorruptReply, "corrupt-reply", everyReply, parseReply,
+     "one bit of a reply is wrong", oneReply},
+    {FaultKind::StrayByte, "stray-byte", "two hex digits, or two hex digits@REPLY", parseStrayByte,
+     "this byte is sent before a reply", strayByte},
+    {FaultKind::WrongId, "wrong-id", "all or the number of a reply", parseIdReply,
+     "one character of a returned process ID is wrong", oneReply},
+    {FaultKind::ForeignReply, "foreign-reply", "block, process-id or in-order", parseProof,
+     "a reply of this kind to another host's job is sent first", proofReply},
+    {FaultKind::Silence, "silence", "the number of a reply", parseReplyNumber,
+     "this reply and all after it are lost", replyNumber},
+    {FaultKind::CutAfterIn, "cut-after-in", "BYTES or BYTES:drain|at-once|reset", parseCut,
+     "the link ends when it has received so many bytes", cutAfter},
+    {FaultKind::CutAfterOut, "cut-after-out", "BYTES or BYTES:drain|at-once|reset", parseCut,
+     "the link ends when the printer has sent so many bytes", cutAfter},
+    {FaultKind::Cut, "cut", "drain, at-once or reset", parseEnding, "the link ends now", cutNow},
+    {FaultKind::PrintsNothing,
+     "prints-nothing",
+     "true",
+     parseTrue,
+     "everything is taken and nothing is printed",
+     {}},
+    {FaultKind::At, "at", "MS:KEY=VALUE with a printer setting or another fault", parseAt,
+     "after so long a setting or a fault takes effect", later},
+};
+
+constexpr std::pair<Text, ReplyKind> replyNames[] = {
+    {"block", ReplyKind::Block},      {"process-id", ReplyKind::ProcessId},
+    {"in-order", ReplyKind::InOrder}, {"unasked", ReplyKind::Unasked},
+    {"cleared", ReplyKind::Cleared},
 };
 
 const Form* formNamed(Text name) {
@@ -220,14 +268,37 @@ std::string everyName() {
 }  // namespace
 
 std::optional<ReplyKind> replyKindNamed(Text name) {
-  constexpr std::pair<Text, ReplyKind> kinds[] = {
-      {"block", ReplyKind::Block},      {"process-id", ReplyKind::ProcessId},
-      {"in-order", ReplyKind::InOrder}, {"unasked", ReplyKind::Unasked},
-      {"cleared", ReplyKind::Cleared},
-  };
-  const auto found = std::find_if(std::begin(kinds), std::end(kinds),
+  const auto found = std::find_if(std::begin(replyNames), std::end(replyNames),
                                   [&](const auto& kind) { return kind.first == name; });
-  return found == std::end(kinds) ? std::nullopt : std::optional(found->second);
+  return found == std::end(replyNames) ? std::nullopt : std::optional(found->second);
+}
+
+std::vector<FaultForm> faultForms() {
+  static constexpr Part seed[] = {{"", "a whole number", Part::Kind::Number}};
+  std::vector<FaultForm> forms;
+  for (const Form& form : commandForms) {
+    forms.push_back({form.name, form.takes, form.effect, form.parts});
+  }
+  forms.push_back({"seed", "a whole number", "decides all random choices", seed});
+  return forms;
+}
+
+std::vector<Text> choicesOf(FaultPart::Kind kind) {
+  switch (kind) {
+    case FaultPart::Kind::Ending:
+      return {"drain", "at-once", "reset"};
+    case FaultPart::Kind::Proof:
+      return {"block", "process-id", "in-order"};
+    case FaultPart::Kind::Reply: {
+      std::vector<Text> names = {"all"};
+      for (const auto& [name, replyKind] : replyNames) {
+        names.push_back(name);
+      }
+      return names;
+    }
+    default:
+      return {};
+  }
 }
 
 bool isFault(Text name) {
@@ -242,6 +313,8 @@ Fault parseFault(Text name, Text value) {
   }
   Fault fault;
   fault.kind = form->kind;
+  fault.name = name;
+  fault.given = value;
   if (!form->parse(value, fault)) {
     refuse(name, value, form->takes);
   }

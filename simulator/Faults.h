@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -48,7 +49,32 @@ struct Fault {
   Ending ending = Ending::Drain;
   std::string key;  ///< of `at`: the printer setting or fault that it applies
   std::string value;
+  std::string name;   ///< as it was given
+  std::string given;  ///< the value, likewise
 };
+
+/// A part of the value of a fault, for those who ask people for it.
+struct FaultPart {
+  std::string_view before;  ///< the text that is between it and the part before
+  std::string_view label;   ///< what it is, in a word or two
+  enum class Kind { Number, Hex, Text, Ending, Reply, Proof } kind;
+  bool isOptional = false;  ///< it may be left out, and `before` with it
+};
+
+/// A fault by its name, and the value that it takes. A value is its parts, one after the other;
+/// `true` if there are none.
+struct FaultForm {
+  std::string_view name;
+  std::string_view takes;  ///< in words
+  std::string_view effect;
+  std::span<const FaultPart> parts;
+};
+
+/// Every fault that there is.
+std::vector<FaultForm> faultForms();
+
+/// The values of a part that are words; empty for a number or a free text.
+std::vector<std::string_view> choicesOf(FaultPart::Kind kind);
 
 /// True if there is a fault of that name.
 bool isFault(std::string_view name);

@@ -37,6 +37,11 @@ std::string nameOf(std::uint8_t byte) {
 
 }  // namespace
 
+void JobRecord::setReceived(Bytes bytes, std::uint64_t count) {
+  received_ = std::move(bytes);
+  receivedCount_ = count;
+}
+
 bool JobRecord::isEmpty() const {
   const bool onlyQuestions = std::all_of(events_.begin(), events_.end(), [](const Event& event) {
     return event.kind == EventKind::Question;

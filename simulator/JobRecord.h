@@ -56,6 +56,12 @@ class JobRecord {
   /// the printer lacks, like "page 200".
   const std::set<std::string>& missing() const { return missing_; }
 
+  /// The job as it was received: its first bytes, and how many there were in all. Only of a printer
+  /// that `PrinterState::keepsReceived`; empty and 0 otherwise.
+  const Bytes& received() const { return received_; }
+  std::uint64_t receivedCount() const { return receivedCount_; }
+  void setReceived(Bytes bytes, std::uint64_t count);
+
   /// True if the printer could print all of the job as it was meant.
   bool isClean() const { return unknown_.empty() && missing_.empty(); }
 
@@ -80,6 +86,8 @@ class JobRecord {
   std::vector<Question> asked_;
   std::vector<Unknown> unknown_;
   std::set<std::string> missing_;
+  Bytes received_;
+  std::uint64_t receivedCount_ = 0;
 };
 
 }  // namespace quordalvane::simulator

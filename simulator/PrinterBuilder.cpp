@@ -62,6 +62,11 @@ PrinterBuilder& PrinterBuilder::keepPrinted() {
   return *this;
 }
 
+PrinterBuilder& PrinterBuilder::keepReceived() {
+  state_.keepsReceived = true;
+  return *this;
+}
+
 PrinterBuilder& PrinterBuilder::with(Flag flag, bool value) {
   state_.setFlag(flag, value);
   return *this;

@@ -34,6 +34,9 @@ class PrinterBuilder {
   /// Remembers the print data that made the paper, for `VirtualPrinter::printed`.
   PrinterBuilder& keepPrinted();
 
+  /// Keeps the bytes of each job with its record.
+  PrinterBuilder& keepReceived();
+
   /// Sets or takes away any flag.
   PrinterBuilder& with(Flag flag, bool value = true);
 

@@ -44,10 +44,17 @@ const std::array<std::string_view, flagCount> flagNames = {
     "etbAvailable",
 };
 
+const std::array<std::string_view, flagCount> flagGroups = {
+    "cover", "other", "drawer", "error", "error", "error",     "error",     "error",
+    "error", "error", "error",  "error", "error", "error",     "error",     "error",
+    "paper", "paper", "paper",  "paper", "paper", "presenter", "presenter", "presenter",
+    "slip",  "slip",  "slip",   "slip",  "slip",  "other",
+};
+
 namespace {
 
-constexpr std::size_t smallestBuffer = 16;
-constexpr std::size_t longestText = 64;
+constexpr std::uint32_t smallestBuffer = 16;
+constexpr std::uint32_t longestText = 64;
 
 constexpr std::uint32_t bit(Flag flag) {
   return 1U << static_cast<unsigned>(flag);
@@ -104,62 +111,148 @@ std::string textFrom(std::string_view key, std::string_view value) {
   return std::string(value);
 }
 
-struct Setting {
-  std::string_view key;
-  void (*set)(PrinterState&, std::string_view);
-};
-
 using State = PrinterState;
 using Text = std::string_view;
+using Kind = SettingForm::Kind;
+using Choices = std::vector<Text> (*)();
+
+constexpr std::uint32_t anyNumber = std::numeric_limits<std::uint32_t>::max();
+
+struct Setting {
+  Text key;
+  Kind kind;
+  std::uint32_t least;
+  std::uint32_t most;
+  Text about;
+  void (*set)(State&, Text);
+  std::optional<std::string> (*get)(const State&);
+  Choices choices = nullptr;
+  bool isFree = false;
+};
+
+std::string hexOf(const DipBank& bank) {
+  constexpr Text digits = "0123456789abcdef";
+  std::string text;
+  for (const std::uint8_t byte : bank) {
+    text.append({digits[byte >> 4U], digits[byte & 0xfU]});
+  }
+  return text;
+}
+
+std::string truthOf(bool value) {
+  return value ? "true" : "false";
+}
+
+std::vector<Text> multiBytes() {
+  return {"none", "shift-jis", "gb18030", "big5", "euc-kr"};
+}
 
 constexpr Setting settings[] = {
-    {"firmware", [](State& state, Text value) { state.setFirmware(value); }},
-    {"dip1", [](State& state, Text value) { state.dipBanks[0] = bankFrom("dip1", value); }},
-    {"dip2", [](State& state, Text value) { state.dipBanks[1] = bankFrom("dip2", value); }},
-    {"speed",
+    {"speed", Kind::Number, 0, anyNumber, "bytes a second; 0 is without delay",
      [](State& state, Text value) {
        state.bytesPerSecond =
            numberFrom<std::uint32_t>("speed", value, "bytes a second, 0 for unlimited");
-     }},
-    {"buffer",
+     },
+     [](const State& state) { return std::optional(std::to_string(state.bytesPerSecond)); }},
+    {"buffer", Kind::Number, smallestBuffer, anyNumber, "bytes that it holds",
      [](State& state, Text value) {
        state.setBufferSize(
            numberFrom<std::uint32_t>("buffer", value, "a count of bytes, 16 or more"));
+     },
+     [](const State& state) { return std::optional(std::to_string(state.bufferSize())); }},
+    {"profile", Kind::Text, 0, 0, "the kind of printer; sets several of these",
+     [](State& state, Text value) { applyProfile(value, state); },
+     [](const State& state) { return std::optional(state.profile); }, profileNames, true},
+    {"paper", Kind::Number, 58, 80, "millimetres, of the next roll",
+     [](State& state, Text value) {
+       state.setPaperWidth(numberFrom<unsigned>("paper", value, "58 or 80 (mm)"));
+     },
+     [](const State& state) { return std::optional(std::to_string(state.paperMillimetres())); },
+     [] {
+       return std::vector<Text>{"58", "80"};
      }},
-    {"presenterState",
+    {"proofs", Kind::Text, 0, 0, "the proofs that it knows, joined by +",
+     [](State& state, Text value) { state.dialect.proofs = Proofs::parse(value); },
+     [](const State& state) { return std::optional(state.dialect.proofs.text()); },
+     [] {
+       return std::vector<Text>{"block+process-id+in-order",
+                                "process-id+in-order",
+                                "block",
+                                "process-id",
+                                "in-order",
+                                "none"};
+     },
+     true},
+    {"lacks", Kind::Text, 0, 0, "commands that it lacks, by their first bytes, like 1b4c+1d286b",
+     [](State& state, Text value) { state.lacked = LackedCommands::parse(value); },
+     [](const State&) { return std::optional<std::string>(); }},
+    {"lineMode", Kind::Flag, 0, 0, "it knows the maker's own commands",
+     [](State& state, Text value) { state.dialect.lineMode = truthFrom("lineMode", value); },
+     [](const State& state) { return std::optional(truthOf(state.dialect.lineMode)); }},
+    {"utf8", Kind::Flag, 0, 0, "it reads UTF-8 until a job selects a code page",
+     [](State& state, Text value) { state.characters.utf8 = truthFrom("utf8", value); },
+     [](const State& state) { return std::optional(truthOf(state.characters.utf8)); }},
+    {"codePages", Kind::Text, 0, 0, "the numbers of its code pages, like 0:437+16:1252",
+     [](State& state, Text value) { state.characters.setPages(value); },
+     [](const State&) { return std::optional<std::string>(); },
+     [] {
+       return std::vector<Text>{"common", "small"};
+     },
+     true},
+    {"multiByte", Kind::Text, 0, 0, "characters of several bytes",
+     [](State& state, Text value) { state.characters.setMultiByte(value); },
+     [](const State& state) {
+       return std::optional(std::string(nameOf(state.characters.multiByte)));
+     },
+     multiBytes},
+    {"firmware", Kind::Text, 0, longestText, "its firmware text",
+     [](State& state, Text value) { state.setFirmware(value); },
+     [](const State& state) { return std::optional(state.firmware()); }},
+    {"maker", Kind::Text, 0, longestText, "the maker that it answers",
+     [](State& state, Text value) { state.setMaker(value); },
+     [](const State& state) { return std::optional(state.maker()); }},
+    {"modelName", Kind::Text, 0, longestText, "the model that it answers",
+     [](State& state, Text value) { state.setModelName(value); },
+     [](const State& state) { return std::optional(state.modelName()); }},
+    {"serialNumber", Kind::Text, 0, longestText, "the serial number that it answers",
+     [](State& state, Text value) { state.setSerialNumber(value); },
+     [](const State& state) { return std::optional(state.serialNumber()); }},
+    {"modelId", Kind::Number, 0, 255, "the number of its model",
+     [](State& state, Text value) {
+       state.modelId = numberFrom<std::uint8_t>("modelId", value, "a number from 0 to 255");
+     },
+     [](const State& state) { return std::optional(std::to_string(state.modelId)); }},
+    {"typeId", Kind::Number, 0, 255, "the number of its type",
+     [](State& state, Text value) {
+       state.typeId = numberFrom<std::uint8_t>("typeId", value, "a number from 0 to 255");
+     },
+     [](const State& state) { return std::optional(std::to_string(state.typeId)); }},
+    {"dip1", Kind::Text, 0, 4, "bank 1 of the DIP switches, four hex digits",
+     [](State& state, Text value) { state.dipBanks[0] = bankFrom("dip1", value); },
+     [](const State& state) { return std::optional(hexOf(state.dipBanks[0])); }},
+    {"dip2", Kind::Text, 0, 4, "bank 2 of the DIP switches, four hex digits",
+     [](State& state, Text value) { state.dipBanks[1] = bankFrom("dip2", value); },
+     [](const State& state) { return std::optional(hexOf(state.dipBanks[1])); }},
+    {"presenterState", Kind::Number, 0, 3, "0 idle, 1 holding paper, 2 retracted, 3 ejected",
      [](State& state, Text value) {
        state.presenterState =
            numberFrom<std::uint8_t>("presenterState", value, "a code from 0 to 3", 3);
-     }},
-    {"connectedInterface",
+     },
+     [](const State& state) { return std::optional(std::to_string(state.presenterState)); }},
+    {"connectedInterface", Kind::Number, 0, 5,
+     "0 unknown, 1 serial, 2 USB, 3 Ethernet, 4 wireless LAN, 5 Bluetooth",
      [](State& state, Text value) {
        state.connectedInterface =
            numberFrom<std::uint8_t>("connectedInterface", value, "a code from 0 to 5", 5);
-     }},
-    {"paper",
-     [](State& state, Text value) {
-       state.setPaperWidth(numberFrom<unsigned>("paper", value, "58 or 80 (mm)"));
-     }},
-    {"proofs", [](State& state, Text value) { state.dialect.proofs = Proofs::parse(value); }},
-    {"lacks", [](State& state, Text value) { state.lacked = LackedCommands::parse(value); }},
-    {"lineMode",
-     [](State& state, Text value) { state.dialect.lineMode = truthFrom("lineMode", value); }},
-    {"codePages", [](State& state, Text value) { state.characters.setPages(value); }},
-    {"multiByte", [](State& state, Text value) { state.characters.setMultiByte(value); }},
-    {"utf8", [](State& state, Text value) { state.characters.utf8 = truthFrom("utf8", value); }},
-    {"maker", [](State& state, Text value) { state.setMaker(value); }},
-    {"modelName", [](State& state, Text value) { state.setModelName(value); }},
-    {"serialNumber", [](State& state, Text value) { state.setSerialNumber(value); }},
-    {"modelId",
-     [](State& state, Text value) {
-       state.modelId = numberFrom<std::uint8_t>("modelId", value, "a number from 0 to 255");
-     }},
-    {"typeId",
-     [](State& state, Text value) {
-       state.typeId = numberFrom<std::uint8_t>("typeId", value, "a number from 0 to 255");
-     }},
-    {"profile", [](State& state, Text value) { applyProfile(value, state); }},
+     },
+     [](const State& state) { return std::optional(std::to_string(state.connectedInterface)); }},
 };
+
+const Setting* settingNamed(Text key) {
+  const auto found = std::find_if(std::begin(settings), std::end(settings),
+                                  [&](const Setting& setting) { return setting.key == key; });
+  return found == std::end(settings) ? nullptr : found;
+}
 
 std::string everyKey() {
   std::string keys;
@@ -195,13 +288,30 @@ void PrinterState::set(std::string_view key, std::string_view value) {
   if (const auto flag = flagNamed(key)) {
     return setFlag(*flag, truthFrom(key, value));
   }
-  const auto found = std::find_if(std::begin(settings), std::end(settings),
-                                  [&](const Setting& setting) { return setting.key == key; });
-  if (found == std::end(settings)) {
+  const Setting* setting = settingNamed(key);
+  if (setting == nullptr) {
     throw std::invalid_argument("there is no printer setting " + inQuotes(key) + "; there are " +
                                 everyKey());
   }
-  found->set(*this, value);
+  setting->set(*this, value);
+}
+
+std::optional<std::string> PrinterState::get(std::string_view key) const {
+  const Setting* setting = settingNamed(key);
+  return setting == nullptr ? std::nullopt : setting->get(*this);
+}
+
+std::vector<SettingForm> settingForms() {
+  std::vector<SettingForm> forms;
+  for (const Setting& setting : settings) {
+    SettingForm form{setting.key, setting.kind, setting.least, setting.most, setting.about};
+    if (setting.choices != nullptr) {
+      form.choices = setting.choices();
+      form.isFree = setting.isFree;
+    }
+    forms.push_back(std::move(form));
+  }
+  return forms;
 }
 
 void PrinterState::setFirmware(std::string_view text) {

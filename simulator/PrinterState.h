@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "simulator/CharacterSets.h"
 #include "simulator/Dialect.h"
@@ -52,8 +53,27 @@ inline constexpr std::size_t flagCount = 30;
 /// The names of the flags; element k names flag k.
 extern const std::array<std::string_view, flagCount> flagNames;
 
+/// The part of the printer that each flag is about: cover, paper, drawer, error, presenter, slip or
+/// other; element k is of flag k.
+extern const std::array<std::string_view, flagCount> flagGroups;
+
 /// The flag of that name; empty if there is no such flag.
 std::optional<Flag> flagNamed(std::string_view name);
+
+/// A setting that is no flag, for those who ask people for it. See `PrinterState::set`.
+struct SettingForm {
+  enum class Kind { Flag, Number, Text };
+  std::string_view key;
+  Kind kind = Kind::Text;
+  std::uint32_t least = 0;  ///< of a number
+  std::uint32_t most = 0;   ///< of a number; of a text its most characters, 0 for no limit
+  std::string_view about;   ///< in a few words
+  std::vector<std::string_view> choices{};  ///< the usual values; empty if there are none
+  bool isFree = true;                       ///< it takes other values than the choices
+};
+
+/// Every setting that is no flag.
+std::vector<SettingForm> settingForms();
 
 using DipBank = std::array<std::uint8_t, 2>;
 
@@ -76,6 +96,10 @@ class PrinterState {
   /// 255), `profile` (see `applyProfile`). Throws std::invalid_argument, with a text for people
   /// that names the key and the values it takes, always printable, and then changes nothing.
   void set(std::string_view key, std::string_view value);
+
+  /// The value of a setting that is no flag, as `set` takes it; empty if there is no such setting,
+  /// or it cannot be told, as of code pages.
+  std::optional<std::string> get(std::string_view key) const;
 
   /// 1 to 64 printable ASCII characters; throws std::invalid_argument for any other value.
   void setFirmware(std::string_view text);
@@ -120,6 +144,7 @@ class PrinterState {
       5;  ///< 0 unknown, 1 serial, 2 USB, 3 Ethernet, 4 WLAN, 5 Bluetooth
   std::uint32_t bytesPerSecond = 0;  ///< how fast print data is worked through; 0: at once
   bool keepsPrinted = false;         ///< it keeps its print data, even if little is printed
+  bool keepsReceived = false;        ///< it keeps the bytes of each job with its record
 
  private:
   std::uint32_t flags_ = 1U << static_cast<unsigned>(Flag::EtbAvailable);

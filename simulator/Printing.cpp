@@ -19,12 +19,12 @@ void Printing::setDialect(const Dialect& dialect) {
   scanner_.setDialect(dialect_);
 }
 
-void Printing::pass(std::uint8_t byte, std::uint64_t offset) {
+bool Printing::pass(std::uint8_t byte, std::uint64_t offset) {
   if (!scanner_.insideCommand()) {
     begin_ = offset;
   }
   if (!scanner_.feed(byte)) {
-    return;
+    return false;
   }
   const bool isLacked = lacked_.has(scanner_.bytes());
   if (isLacked || !scanner_.isKnown()) {
@@ -33,6 +33,7 @@ void Printing::pass(std::uint8_t byte, std::uint64_t offset) {
   if (!isLacked) {
     carryOut(scanner_.bytes());
   }
+  return true;
 }
 
 void Printing::carryOut(ByteView command) {

@@ -23,8 +23,12 @@ class Printing {
   /// The characters that the printer has from now on.
   void setCharacterSets(const CharacterSets& sets) { typesetter_.setCharacterSets(sets); }
 
-  /// Works through one byte of print data, the one at `offset` of the job.
-  void pass(std::uint8_t byte, std::uint64_t offset);
+  /// Works through one byte of print data, the one at `offset` of the job. True if it completed a
+  /// command or a character.
+  bool pass(std::uint8_t byte, std::uint64_t offset);
+
+  /// The complete command, until the next byte.
+  ByteView command() const { return scanner_.bytes(); }
 
   /// Carries out the next command of a macro that a byte has set going; false if there is none. To
   /// be called before the next byte, until it returns false.

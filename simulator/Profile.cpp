@@ -172,10 +172,10 @@ void applyProfile(std::string_view name, PrinterState& state) {
   state = changed;
 }
 
-std::vector<std::string> profileNames() {
-  std::vector<std::string> names;
+std::vector<std::string_view> profileNames() {
+  std::vector<std::string_view> names;
   for (const BuiltIn& profile : builtIn) {
-    names.emplace_back(profile.name);
+    names.push_back(profile.name);
   }
   return names;
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -17,6 +16,6 @@ class PrinterState;
 void applyProfile(std::string_view name, PrinterState& state);
 
 /// The profiles that are built in.
-std::vector<std::string> profileNames();
+std::vector<std::string_view> profileNames();
 
 }  // namespace quordalvane::simulator

@@ -64,7 +64,12 @@ void VirtualPrinter::receive(ByteView bytes, Instant now, bool vanish) {
   advance(now);
   lastReceived_ = now;
   receivedEver_ += bytes.size();
+  if (state_.keepsReceived) {
+    jobBytes_.receive(bytes);
+  }
+  std::size_t unseen = reception_.undecided() + bytes.size();
   reception_.take(bytes, vanish, [&](MachineCommand command, ByteView piece) {
+    unseen -= piece.size();
     if (actsOnReception(command)) {
       obey(command, piece, now);
     } else if (dropping_) {
@@ -73,6 +78,7 @@ void VirtualPrinter::receive(ByteView bytes, Instant now, bool vanish) {
       hold(command, piece, now);
     }
   });
+  setAside(unseen - reception_.undecided());
   printUntil(now);
 }
 
@@ -80,6 +86,7 @@ void VirtualPrinter::obey(MachineCommand command, ByteView bytes, Instant now) {
   // A printer that takes no time for its data has printed the earlier bytes of the same packet.
   printUntil(now);
   setAside(bytes.size());
+  show(Deed::Kind::Command, bytes);
   question_.assign(bytes.begin(), bytes.end());
   act(command, bytes, now);
   question_.clear();
@@ -87,6 +94,9 @@ void VirtualPrinter::obey(MachineCommand command, ByteView bytes, Instant now) {
 
 // The bytes keep their place in the job, though they are not queued.
 void VirtualPrinter::setAside(std::size_t count) {
+  if (count == 0) {
+    return;
+  }
   if (asides_.empty() || asides_.back().before != queuedEver_) {
     asides_.push_back({queuedEver_, 0});
   }
@@ -97,6 +107,19 @@ void VirtualPrinter::passAsides() {
   while (!asides_.empty() && asides_.front().before <= takenEver_) {
     asidesPassed_ += asides_.front().bytes;
     asides_.pop_front();
+  }
+}
+
+// To be called before the record leaves the printer with its paper.
+void VirtualPrinter::recordReceived(std::uint64_t position) {
+  jobBytes_.pass(position);
+  auto [bytes, count] = jobBytes_.take();
+  printing_.record().setReceived(std::move(bytes), count);
+}
+
+void VirtualPrinter::show(Deed::Kind kind, ByteView bytes, ReplyKind reply) const {
+  if (watch_) {
+    watch_({kind, bytes, reply});
   }
 }
 
@@ -191,7 +214,9 @@ void VirtualPrinter::printUntil(Instant now) {
 }
 
 void VirtualPrinter::print(std::uint8_t byte) {
-  printing_.pass(byte, takenEver_ - 1 + asidesPassed_ - jobBegin_);
+  if (printing_.pass(byte, takenEver_ - 1 + asidesPassed_ - jobBegin_)) {
+    show(Deed::Kind::Command, printing_.command());
+  }
   ++printedBytes_;
   if (state_.keepsPrinted) {
     printed_.push_back(byte);
@@ -204,6 +229,7 @@ void VirtualPrinter::print(std::uint8_t byte) {
 }
 
 void VirtualPrinter::tearOffHeavyPaper() {
+  recordReceived(takenEver_ + asidesPassed_);
   Paper paper = printing_.tearOffFinishedLines();
   paper.setGoesOn();
   if (keepJob_) {
@@ -224,6 +250,7 @@ void VirtualPrinter::pass(const Mark& mark, Instant at) {
     return endJob(mark.received);
   }
   question_ = mark.bytes;
+  show(Deed::Kind::Command, mark.bytes);
   answerInTurn(mark, at);
   question_.clear();
 }
@@ -258,6 +285,7 @@ void VirtualPrinter::endJob(std::uint64_t received) {
     return;
   }
   printing_.endJob();
+  jobBytes_.pass(received);
   Paper paper = tearOff();
   jobBegin_ = received;
   if (!paper.items().empty() || !paper.record().isEmpty()) {
@@ -282,6 +310,7 @@ void VirtualPrinter::dropHeld() {
 Paper VirtualPrinter::tearOff() {
   printed_.clear();
   jobBegin_ = takenEver_ + asidesPassed_;
+  recordReceived(jobBegin_);
   return printing_.tearOff();
 }
 
@@ -337,6 +366,7 @@ void VirtualPrinter::disconnect(std::uint64_t connection) {
 void VirtualPrinter::endConnection() {
   sink_ = nullptr;
   reported_.reset();
+  setAside(reception_.undecided());
   reception_.restart();
   const bool bringsNothing = !marks_.empty() && marks_.back().begin == queuedEver_;
   if (!bringsNothing) {
@@ -350,6 +380,7 @@ void VirtualPrinter::reply(ByteView bytes, Instant at, ReplyKind kind) {
     printing_.record().noteQuestion(question_, bytes);
   }
   if (sink_ && !bytes.empty()) {
+    show(Deed::Kind::Answer, bytes, kind);
     sink_(bytes, at, kind);
   }
 }

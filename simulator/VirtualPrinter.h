@@ -9,6 +9,7 @@
 
 #include "simulator/Bytes.h"
 #include "simulator/Instant.h"
+#include "simulator/JobBytes.h"
 #include "simulator/PrintQueue.h"
 #include "simulator/PrinterState.h"
 #include "simulator/Printing.h"
@@ -61,6 +62,17 @@ class VirtualPrinter {
   /// heavier than `heaviestPaper` is torn off and given before; without a keeper it is lost.
   using JobKeeper = std::function<void(Paper)>;
   void keepJobs(JobKeeper keep) { keepJob_ = std::move(keep); }
+
+  /// From now on `watch` is told each command when it is obeyed or printed, and each answer when it
+  /// is given. It must not call the printer.
+  struct Deed {
+    enum class Kind { Command, Answer };
+    Kind kind;
+    ByteView bytes;                      ///< valid during the call
+    ReplyKind reply = ReplyKind::Other;  ///< of an answer
+  };
+  using Watcher = std::function<void(const Deed&)>;
+  void watch(Watcher watch) { watch_ = std::move(watch); }
 
   // ---- For the link ----
 
@@ -130,6 +142,8 @@ class VirtualPrinter {
   void endJob(std::uint64_t received);
   void setAside(std::size_t count);
   void passAsides();
+  void recordReceived(std::uint64_t position);
+  void show(Deed::Kind kind, ByteView bytes, ReplyKind reply = ReplyKind::Other) const;
   void tearOffHeavyPaper();
   std::optional<Instant> dataTimeoutDue() const;
   void endConnection();
@@ -157,7 +171,9 @@ class VirtualPrinter {
   Instant lastReceived_{};
   std::optional<Bytes> reported_;  // the latest unasked status; empty: not wanted
 
+  JobBytes jobBytes_;
   JobKeeper keepJob_;
+  Watcher watch_;
   Sink sink_;
   std::uint64_t connection_ = 0;
 };

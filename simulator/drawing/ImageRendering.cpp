@@ -192,10 +192,14 @@ Picture renderPicture(const Paper& paper) {
 }
 
 Bytes renderPng(const Paper& paper) {
+  return renderPngPicture(paper).png;
+}
+
+PngPicture renderPngPicture(const Paper& paper) {
   const BandedPicture banded(paper);
   PngWriter writer(banded.width(), banded.height(), palette);
   banded.draw([&](ByteView row) { writer.add(row); });
-  return writer.finish();
+  return {banded.width(), banded.height(), writer.finish()};
 }
 
 }  // namespace quordalvane::simulator

@@ -24,4 +24,12 @@ Picture renderPicture(const Paper& paper);
 /// paper is. Empty if it cannot be made, as without memory.
 Bytes renderPng(const Paper& paper);
 
+/// The same, with its size in dots.
+struct PngPicture {
+  unsigned width = 0;
+  unsigned height = 0;
+  Bytes png;
+};
+PngPicture renderPngPicture(const Paper& paper);
+
 }  // namespace quordalvane::simulator

@@ -32,16 +32,23 @@ bool isFullCut(const PaperItem& item) {
 
 }  // namespace
 
+PaperLayout::PaperLayout(unsigned top, Margins margins)
+    : margins_(margins), begin_(top), y_(top + margins.end), end_(y_) {}
+
 PaperLayout::PaperLayout(const Paper& paper, unsigned top, Margins margins)
-    : margins_(margins), begin_(top), y_(top + margins.end), end_(y_) {
+    : PaperLayout(top, margins) {
   for (const PaperItem& item : paper.items()) {
-    if (isFullCut(item)) {
-      endPiece(true);
-    } else {
-      place(item);
-    }
+    add(item);
   }
   endPiece(false);
+}
+
+void PaperLayout::add(const PaperItem& item) {
+  if (isFullCut(item)) {
+    endPiece(true);
+  } else {
+    place(item);
+  }
 }
 
 void PaperLayout::place(const PaperItem& item) {

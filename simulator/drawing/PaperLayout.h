@@ -42,8 +42,18 @@ class PaperLayout {
   /// The first piece begins at `top`.
   PaperLayout(const Paper& paper, unsigned top, Margins margins);
 
+  /// Of a paper that grows: without an item yet.
+  PaperLayout(unsigned top, Margins margins);
+
+  /// Places the next item, which must outlive this.
+  void add(const PaperItem& item);
+
   const std::vector<PlacedItem>& items() const { return items_; }
   const std::vector<Piece>& pieces() const { return pieces_; }
+
+  /// How far down the next item begins, and how far down anything was printed or fed.
+  unsigned position() const { return y_; }
+  unsigned end() const { return end_; }
 
   /// The end of the last piece, or of the print where there are no margins.
   unsigned bottom() const { return pieces_.empty() ? end_ : pieces_.back().bottom; }

@@ -24,7 +24,7 @@ std::string fileOf(const std::string& text) {
 }
 
 TEST(Profile, ThatIsBuiltInChangesAPrinterAndIsNamed) {
-  for (const std::string& name : profileNames()) {
+  for (const std::string_view name : profileNames()) {
     PrinterState state;
     applyProfile(name, state);
     EXPECT_EQ(state.profile, name);

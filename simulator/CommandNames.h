@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "simulator/Bytes.h"
+
+namespace quordalvane::simulator {
+
+/// A command in the words of people.
+struct CommandName {
+  std::string name;          ///< as in a manual, like "GS V"; "text" for a character
+  std::string_view meaning;  ///< in a few words; empty if it is not known
+};
+
+/// The name of one whole command, or of a single character.
+CommandName nameOf(ByteView command);
+
+}  // namespace quordalvane::simulator
