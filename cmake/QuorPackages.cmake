@@ -31,6 +31,16 @@ else()
                 "libpango1.0-dev, libjpeg-dev and libpng-dev" tests/render tests/unit/render)
 endif()
 
+# Browsers are shown the virtual printer by a small web server.
+pkg_check_modules(MICROHTTPD IMPORTED_TARGET libmicrohttpd>=0.9.71)
+if(MICROHTTPD_FOUND)
+  set(QUOR_WEB ON)
+else()
+  set(QUOR_WEB OFF)
+  quor_left_out("the virtual printer in a browser (simulate --web)" libmicrohttpd-dev
+                tests/unit/http)
+endif()
+
 # Bluetooth printers, and the network's in a search, are reached over D-Bus.
 find_package(sdbus-c++ 1 QUIET)
 if(sdbus-c++_FOUND)

@@ -3,8 +3,8 @@
 
 # shellcheck disable=SC2034  # the lists are used by ./dev
 build_packages=(cmake ninja-build g++ pkg-config libgtest-dev libgmock-dev libcli11-dev
-  nlohmann-json3-dev libcairo2-dev libfontconfig-dev libjpeg-dev libpango1.0-dev libpng-dev libsdbus-c++-dev
-  libsqlite3-dev libzint-dev nettle-dev zlib1g-dev)
+  nlohmann-json3-dev libcairo2-dev libfontconfig-dev libjpeg-dev libmicrohttpd-dev libpango1.0-dev libpng-dev
+  libsdbus-c++-dev libsqlite3-dev libzint-dev nettle-dev zlib1g-dev)
 demo_packages=(fonts-dejavu-core python3)
 test_packages=(bash-completion dbus-daemon fonts-dejavu-core groff-base python3 zsh)
 check_packages=(clang clang-format clang-tidy doxygen gobjc libgnustep-base-dev python3)

@@ -80,7 +80,9 @@ RULES = (
     Rule("c-interface/journal", ("c-interface/*", "journal", "locks", "job", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
     # The command also serves the simulator to others, without a port.
     Rule("tools", ("job", "journal", "locks", "iphone-IOPort", "logging", "text", "backends", "discovery", "platform", "render",
-                   "simulator", "tools/process", PUBLIC), EVERY_SYSTEM_HEADER),
+                   "simulator", "tools/http", "tools/process", PUBLIC), EVERY_SYSTEM_HEADER),
+    # A web server that knows no printer: microhttpd.h and the system.
+    Rule("tools/http", (), EVERY_SYSTEM_HEADER),
     Rule("tools/process", (), EVERY_SYSTEM_HEADER),
     # The print system's door to the same jobs: it knows no printer of its own.
     Rule("tools/printer-app", ("render", "job", "journal", "locks", "iphone-IOPort", "text", "backends", "discovery",

@@ -1,0 +1,375 @@
+#include "tools/http/Server.h"
+
+#include <microhttpd.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <list>
+#include <stdexcept>
+#include <system_error>
+#include <utility>
+
+#include "tools/http/Connections.h"
+
+namespace quordalvane::http {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::size_t eventBytes = std::size_t{4} << 20U;
+constexpr std::size_t pieceSize = std::size_t{8} << 10U;
+
+// Room for the connections that are being cut off; beyond it the system lets clients wait.
+constexpr unsigned mostOpen = 2 * Server::mostConnections;
+
+// How often slow clients are looked for, and how often a reader gets a sign of life.
+constexpr Server::Time reviewPause = 1s;
+constexpr Server::Time heartbeat = 10s;
+
+constexpr std::pair<const char*, const char*> everyHeader[] = {
+    {"Content-Security-Policy",
+     "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' data: blob:; "
+     "connect-src 'self'; base-uri 'none'; form-action 'none'; frame-ancestors 'none'"},
+    {"X-Content-Type-Options", "nosniff"},
+    {"Referrer-Policy", "no-referrer"},
+    {"Cross-Origin-Resource-Policy", "same-origin"},
+    {"Cross-Origin-Opener-Policy", "same-origin"},
+    {"Cache-Control", "no-store"},
+};
+
+struct ResponseDeleter {
+  void operator()(MHD_Response* response) const { MHD_destroy_response(response); }
+};
+using Response = std::unique_ptr<MHD_Response, ResponseDeleter>;
+
+std::string headerOf(MHD_Connection* connection, const char* name) {
+  const char* const value = MHD_lookup_connection_value(connection, MHD_HEADER_KIND, name);
+  return value == nullptr ? "" : value;
+}
+
+std::optional<std::uint64_t> numberIn(const std::string& text) {
+  std::uint64_t number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, number);
+  return !text.empty() && error == std::errc() && stop == end ? std::optional(number)
+                                                              : std::nullopt;
+}
+
+MHD_Result keepArgument(void* query, MHD_ValueKind, const char* name, const char* value) {
+  auto& arguments = *static_cast<std::map<std::string, std::string>*>(query);
+  arguments[name] = value == nullptr ? "" : value;
+  return MHD_YES;
+}
+
+void addHeaders(MHD_Response* response, const Answer& answer) {
+  for (const auto& [name, value] : everyHeader) {
+    MHD_add_response_header(response, name, value);
+  }
+  MHD_add_response_header(response, "Content-Type", answer.type.c_str());
+  if (answer.status == MHD_HTTP_SERVICE_UNAVAILABLE) {
+    MHD_add_response_header(response, "Retry-After", "5");
+  }
+  if (answer.status == MHD_HTTP_METHOD_NOT_ALLOWED) {
+    MHD_add_response_header(response, "Allow", "GET, HEAD, POST");
+  }
+}
+
+ssize_t readText(void* body, std::uint64_t position, char* out, std::size_t room) {
+  const Text& text = *static_cast<Text*>(body);
+  const std::size_t count = std::min<std::size_t>(room, text->size() - position);
+  std::copy_n(text->data() + position, count, out);
+  return static_cast<ssize_t>(count);
+}
+
+// The text is shared and not copied, however many take it and however slowly.
+Response responseOf(const Text& text) {
+  return Response(
+      MHD_create_response_from_callback(text->size(), pieceSize, readText, new Text(text),
+                                        [](void* body) { delete static_cast<Text*>(body); }));
+}
+
+}  // namespace
+
+Answer answerWith(std::string text, std::string type) {
+  return {.type = std::move(type), .body = std::make_shared<const std::string>(std::move(text))};
+}
+
+// The reasons are the server's own texts and hold nothing that JSON would have to escape.
+Answer refusal(unsigned status, const std::string& why) {
+  Answer answer = answerWith(R"({"ok":false,"error":")" + why + "\"}");
+  answer.status = status;
+  return answer;
+}
+
+/// The library's side: its callbacks, and the connections that it has.
+class Server::Machine {
+ public:
+  Machine(int listening, Endpoint endpoint, Handler handler)
+      : token_(randomToken()),
+        endpoint_(std::move(endpoint)),
+        gate_(endpoint_, token_),
+        handler_(std::move(handler)) {
+    const int own = ::dup(listening);
+    if (own < 0) {
+      throw std::system_error(errno, std::generic_category());
+    }
+    daemon_ = MHD_start_daemon(
+        MHD_USE_EPOLL | MHD_ALLOW_SUSPEND_RESUME, 0, nullptr, nullptr, onRequest, this,
+        MHD_OPTION_LISTEN_SOCKET, own, MHD_OPTION_CONNECTION_LIMIT, mostOpen,
+        MHD_OPTION_CONNECTION_MEMORY_LIMIT, longestHead + pieceSize, MHD_OPTION_CONNECTION_TIMEOUT,
+        static_cast<unsigned>(longestWait.count()), MHD_OPTION_NOTIFY_CONNECTION, onConnection,
+        this, MHD_OPTION_NOTIFY_COMPLETED, onCompleted, this, MHD_OPTION_END);
+    if (daemon_ == nullptr) {
+      ::close(own);
+      throw std::runtime_error("the web server cannot be started");
+    }
+  }
+
+  // The library demands that no connection is suspended when it ends.
+  ~Machine() {
+    ends_ = true;
+    wakeReaders();
+    MHD_run(daemon_);
+    MHD_stop_daemon(daemon_);
+  }
+
+  Machine(const Machine&) = delete;
+  Machine& operator=(const Machine&) = delete;
+
+  std::string address() const { return "http://" + endpoint_.text() + "/" + token_ + "/"; }
+  EventLog& events() { return events_; }
+  std::size_t readers() const { return readers_.size(); }
+
+  int descriptor() const {
+    return MHD_get_daemon_info(daemon_, MHD_DAEMON_INFO_EPOLL_FD)->epoll_fd;
+  }
+
+  std::optional<Time> nextEvent(Time now) const {
+    std::optional<Time> next;
+    if (MHD_UNSIGNED_LONG_LONG milliseconds = 0;
+        MHD_get_timeout(daemon_, &milliseconds) == MHD_YES) {
+      next = now + std::chrono::milliseconds(milliseconds);
+    }
+    if (!connections_.isEmpty()) {
+      next = std::min(next.value_or(reviewedAt_ + reviewPause), reviewedAt_ + reviewPause);
+    }
+    return next;
+  }
+
+  void work(Time now) {
+    now_ = now;
+    if (now - reviewedAt_ >= reviewPause) {
+      reviewedAt_ = now;
+      connections_.cutOffTheSlow(now);
+      cutOffLostReaders();
+      keepReadersAlive();
+    }
+    wakeReaders();
+    MHD_run(daemon_);
+  }
+
+ private:
+  struct Reader {
+    Machine& machine;
+    MHD_Connection* connection;
+    EventReader events;
+    bool isSuspended = false;
+  };
+
+  static Connection* connectionOf(MHD_Connection* connection) {
+    const auto* info = MHD_get_connection_info(connection, MHD_CONNECTION_INFO_SOCKET_CONTEXT);
+    return static_cast<Connection*>(info->socket_context);
+  }
+
+  static void onConnection(void* machine, MHD_Connection* connection, void** context,
+                           MHD_ConnectionNotificationCode code) {
+    auto& self = *static_cast<Machine*>(machine);
+    if (code == MHD_CONNECTION_NOTIFY_STARTED) {
+      const auto* info = MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CONNECTION_FD);
+      *context = &self.connections_.add(info->connect_fd, self.now_);
+    } else if (*context != nullptr) {
+      self.connections_.remove(*static_cast<Connection*>(*context));
+      *context = nullptr;
+    }
+  }
+
+  static void onCompleted(void* machine, MHD_Connection* connection, void** context,
+                          MHD_RequestTerminationCode /*code*/) {
+    auto& self = *static_cast<Machine*>(machine);
+    delete static_cast<std::string*>(std::exchange(*context, nullptr));
+    if (Connection* const its = connectionOf(connection)) {
+      Connections::enter(*its, Connection::Phase::Asking, self.now_);
+    }
+  }
+
+  // Called once with the head of a request, then for each piece of its body, and once at its end.
+  static MHD_Result onRequest(void* machine, MHD_Connection* connection, const char* path,
+                              const char* method, const char* /*version*/, const char* data,
+                              std::size_t* size, void** context) {
+    auto& self = *static_cast<Machine*>(machine);
+    if (*context == nullptr) {
+      *context = new std::string();
+      const auto refused = self.refuses(connection, path, method);
+      return refused ? self.send(connection, refusal(refused->status, refused->why)) : MHD_YES;
+    }
+    auto& body = *static_cast<std::string*>(*context);
+    if (*size > 0) {
+      const bool hasRoom = body.size() + *size <= longestBody;
+      body.append(data, hasRoom ? *size : 0);
+      *size = 0;
+      return hasRoom ? MHD_YES : MHD_NO;
+    }
+    return self.send(connection, self.answerTo(connection, path, method, std::move(body)));
+  }
+
+  std::optional<Refusal> refuses(MHD_Connection* connection, const char* path,
+                                 const char* method) const {
+    const std::string host = headerOf(connection, "Host");
+    const std::string origin = headerOf(connection, "Origin");
+    const std::string type = headerOf(connection, "Content-Type");
+    const auto refused = gate_.refuses(
+        {.method = method, .path = path, .host = host, .origin = origin, .contentType = type});
+    const auto length = numberIn(headerOf(connection, "Content-Length"));
+    if (!refused && length.value_or(0) > longestBody) {
+      return Refusal{413, "a request has at most 65536 bytes"};
+    }
+    return refused;
+  }
+
+  Answer answerTo(MHD_Connection* connection, const char* path, const std::string& method,
+                  std::string body) const {
+    Request request{.method = method == "HEAD" ? "GET" : method,
+                    .path = std::string(gate_.below(path)),
+                    .query = {},
+                    .body = std::move(body),
+                    .lastEvent = numberIn(headerOf(connection, "Last-Event-ID"))};
+    MHD_get_connection_values(connection, MHD_GET_ARGUMENT_KIND, keepArgument, &request.query);
+    try {
+      return handler_(request);
+    } catch (const std::exception&) {  // no exception may pass the library
+      return refusal(500, "the server could not answer");
+    }
+  }
+
+  MHD_Result send(MHD_Connection* connection, const Answer& answer) {
+    if (answer.events && readers_.size() >= mostReaders) {
+      return send(connection, refusal(503, "too many pages are open; close one, or try again"));
+    }
+    const Response response =
+        answer.events ? beginReading(connection, *answer.events) : responseOf(answer.body);
+    if (response == nullptr) {
+      return MHD_NO;
+    }
+    addHeaders(response.get(), answer);
+    Connections::enter(*connectionOf(connection),
+                       answer.events ? Connection::Phase::Reading : Connection::Phase::Answered,
+                       now_);
+    return MHD_queue_response(connection, answer.status, response.get());
+  }
+
+  Response beginReading(MHD_Connection* connection, const Answer::Events& events) {
+    readers_.push_back({*this, connection, EventReader(events_, events.first, events.after)});
+    return Response(MHD_create_response_from_callback(MHD_SIZE_UNKNOWN, pieceSize, readEvents,
+                                                      &readers_.back(), endReading));
+  }
+
+  static ssize_t readEvents(void* context, std::uint64_t, char* out, std::size_t room) {
+    auto& reader = *static_cast<Reader*>(context);
+    if (reader.machine.ends_) {
+      return MHD_CONTENT_READER_END_OF_STREAM;
+    }
+    if (reader.events.isLost()) {
+      return MHD_CONTENT_READER_END_WITH_ERROR;
+    }
+    const std::size_t count = reader.events.read(out, room);
+    if (count == 0) {
+      MHD_suspend_connection(reader.connection);
+      reader.isSuspended = true;
+    }
+    return static_cast<ssize_t>(count);
+  }
+
+  static void endReading(void* context) {
+    const auto* reader = static_cast<Reader*>(context);
+    reader->machine.readers_.remove_if([&](const Reader& one) { return &one == reader; });
+  }
+
+  void wakeReaders() {
+    for (Reader& reader : readers_) {
+      if (reader.isSuspended && (ends_ || reader.events.hasMore())) {
+        reader.isSuspended = false;
+        MHD_resume_connection(reader.connection);
+      }
+    }
+  }
+
+  // One that takes nothing is not asked again by the library.
+  void cutOffLostReaders() {
+    for (const Reader& reader : readers_) {
+      if (reader.events.isLost()) {
+        Connections::cutOff(*connectionOf(reader.connection));
+      }
+    }
+  }
+
+  // A client that has left is noticed by writing to it.
+  void keepReadersAlive() {
+    if (now_ - beatenAt_ < heartbeat) {
+      return;
+    }
+    beatenAt_ = now_;
+    for (Reader& reader : readers_) {
+      reader.events.keepAlive();
+    }
+  }
+
+  const std::string token_;
+  const Endpoint endpoint_;
+  const Gate gate_;
+  const Handler handler_;
+  EventLog events_{eventBytes};
+  Connections connections_;
+  std::list<Reader> readers_;
+  MHD_Daemon* daemon_ = nullptr;
+  Time now_{};
+  Time reviewedAt_{};
+  Time beatenAt_{};
+  bool ends_ = false;
+};
+
+Server::Server(int listening, Endpoint endpoint, Handler handler)
+    : machine_(std::make_unique<Machine>(listening, std::move(endpoint), std::move(handler))) {}
+
+Server::~Server() = default;
+
+std::string Server::address() const {
+  return machine_->address();
+}
+
+const EventLog& Server::events() const {
+  return machine_->events();
+}
+
+void Server::publish(std::string_view name, std::string_view data) {
+  machine_->events().add(name, data);
+}
+
+std::size_t Server::readers() const {
+  return machine_->readers();
+}
+
+void Server::await(std::vector<pollfd>& awaited) const {
+  awaited.push_back({.fd = machine_->descriptor(), .events = POLLIN, .revents = 0});
+}
+
+std::optional<Server::Time> Server::nextEvent(Time now) const {
+  return machine_->nextEvent(now);
+}
+
+void Server::work(Time now) {
+  machine_->work(now);
+}
+
+}  // namespace quordalvane::http
