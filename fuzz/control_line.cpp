@@ -18,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   simulator::VirtualPrinter printer{simulator::PrinterState()};
   tool::Links links(printer, {});
   tool::Control control;
-  control.add("", printer, links);
+  control.add("", printer, links, {});
   links.begin(0s);
   const std::string_view look = R"({"get":"state"})";
   std::istringstream lines(std::string(data, data + size));

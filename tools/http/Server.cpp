@@ -209,6 +209,9 @@ class Server::Machine {
                               const char* method, const char* /*version*/, const char* data,
                               std::size_t* size, void** context) {
     auto& self = *static_cast<Machine*>(machine);
+    if (self.ends_) {
+      return MHD_NO;
+    }
     if (*context == nullptr) {
       *context = new std::string();
       const auto refused = self.refuses(connection, path, method);

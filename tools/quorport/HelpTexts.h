@@ -55,6 +55,8 @@ inline constexpr auto simulateFooter =
     "With --json that line is an object, and each job is another one when it ends.\n"
     "On standard input and on the control socket it takes one JSON object a line and answers one:\n"
     "  {\"set\": {\"coverOpen\": true, \"speed\": 200}}   {\"get\": \"state\"}   {\"quit\": true}\n"
-    "  {\"fault\": {\"late-reply\": 300}}               {\"clear\": \"faults\"}\n";
+    "  {\"fault\": {\"late-reply\": 300}}               {\"clear\": \"faults\"}\n"
+    "  {\"tear\": \"paper\"}                           {\"print\": \"test\"}\n"
+    "With --web a browser shows the paper as it comes out, and sends the same lines.\n";
 
 }  // namespace quordalvane::tool::help

@@ -250,6 +250,10 @@ void addSimulateOptions(CLI::App& app, Options& all) {
                "lacks, or a command that was cut off");
   app.add_option("--control", options.control, "take control lines on this socket as well")
       ->type_name("unix:PATH");
+  app.add_option("--web", options.web,
+                 "show the printers in a browser, at an address that standard output tells; for "
+                 "this machine alone unless HOST is given")
+      ->type_name("[HOST:]PORT");
   app.footer(help::simulateFooter);
 }
 

@@ -62,6 +62,7 @@ struct SimulateOptions {
   ReceiptPer per = ReceiptPer::Job;
   bool strict = false;
   std::optional<std::string> control;
+  std::optional<std::string> web;  ///< HOST:PORT or PORT
 };
 
 /// The user's options on the command line. The members of other commands than the one that was

@@ -53,13 +53,17 @@ Server::Host hostIn(const std::string& spec) {
 Report simulate(const Options& options, const Surroundings& surroundings) {
   // In the background of a terminal, standard input is not ours to read; trying must not stop us.
   std::signal(SIGTTIN, SIG_IGN);
-  const auto printer = printerOf(options.simulate);
+  auto printer = printerOf(options.simulate);
   Server::Places places;
   if (options.simulate.receipts) {
     places.receipts = std::make_unique<ReceiptFolder>(*options.simulate.receipts);
   }
   if (options.simulate.control) {
     places.controls = listenPrivatelyAt(*options.simulate.control, "--control");
+  }
+  if (options.simulate.web) {
+    places.web = listenForBrowsersAt(*options.simulate.web);
+    printer.keepReceived();
   }
   for (const std::string& spec : options.simulate.listen) {
     places.hosts.push_back(hostIn(spec));

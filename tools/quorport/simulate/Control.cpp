@@ -17,7 +17,8 @@ using Pairs = std::vector<std::pair<std::string, std::string>>;
 
 constexpr auto everyRequest =
     "a line takes one of {\"set\": {KEY: VALUE, ...}}, {\"get\": \"state\"}, "
-    "{\"fault\": {NAME: VALUE, ...}}, {\"clear\": \"faults\"} and {\"quit\": true}";
+    "{\"fault\": {NAME: VALUE, ...}}, {\"clear\": \"faults\"}, {\"tear\": \"paper\"}, "
+    "{\"print\": \"test\"} and {\"quit\": true}";
 
 [[noreturn]] void refuse(const std::string& why) {
   throw std::invalid_argument(why);
@@ -84,12 +85,56 @@ Json stateOf(const simulator::VirtualPrinter& printer) {
   return json;
 }
 
+// A value as lines give it: a truth, a number or a text.
+Json valueOf(const simulator::SettingForm& form, const std::string& text) {
+  switch (form.kind) {
+    case simulator::SettingForm::Kind::Flag:
+      return text == "true";
+    case simulator::SettingForm::Kind::Number:
+      return Json::parse(text);
+    case simulator::SettingForm::Kind::Text:
+      break;
+  }
+  return printable(text);
+}
+
+Json settingsOf(const simulator::PrinterState& state) {
+  Json json = Json::object();
+  for (const simulator::SettingForm& form : simulator::settingForms()) {
+    const auto text = state.get(form.key);
+    json[std::string(form.key)] = text ? valueOf(form, *text) : Json();
+  }
+  return json;
+}
+
+Json faultsOf(const Links& links) {
+  Json json = Json::array();
+  for (const simulator::Fault& fault : links.faults()) {
+    json.push_back({{"name", fault.name}, {"value", printable(fault.given)}});
+  }
+  return json;
+}
+
+Json countersOf(const Counters& counters, std::uint64_t printedBytes) {
+  return {{"jobs", counters.jobs},
+          {"cuts", counters.cuts},
+          {"drawer", counters.drawer},
+          {"beeps", counters.beeps},
+          {"bytes", printedBytes}};
+}
+
 }  // namespace
 
-std::string Control::answer(std::string_view line, simulator::Instant now) {
+void Control::add(const std::string& name, simulator::VirtualPrinter& printer, Links& links,
+                  Deeds deeds) {
+  printers_.push_back({name, printer, links, std::move(deeds)});
+}
+
+std::string Control::answer(std::string_view line, simulator::Instant now,
+                            std::optional<std::size_t> only) {
   Json answer;
   try {
-    answer = obey(Json::parse(line), now);
+    answer = obey(Json::parse(line), now, only);
   } catch (const Json::parse_error& error) {
     const std::string why = error.what();
     answer = {{"ok", false},
@@ -98,20 +143,25 @@ std::string Control::answer(std::string_view line, simulator::Instant now) {
   } catch (const std::exception& error) {
     answer = {{"ok", false}, {"error", printable(error.what())}};
   }
-  return inOneLine(answer);
+  std::string text = inOneLine(answer);
+  if (listener_) {
+    listener_(line, text, only);
+  }
+  return text;
 }
 
 // The key `printer` is for every request; without it the printer in question is each.
-Control::Printers Control::printersIn(Json& request) {
+Control::Printers Control::printersIn(Json& request, std::optional<std::size_t> only) {
   Printers chosen;
   const bool isNamed = request.is_object() && request.contains("printer");
   const Json name = isNamed ? request["printer"] : Json();
   std::string names;
   for (Printer& printer : printers_) {
-    if (!isNamed || name == printer.name) {
+    const bool isMeant = !only || &printer == &printers_.at(*only);
+    if (isMeant && (!isNamed || name == printer.name)) {
       chosen.push_back(&printer);
     }
-    names += (names.empty() ? "" : ", ") + inQuotes(printer.name);
+    names += !isMeant ? "" : (names.empty() ? "" : ", ") + inQuotes(printer.name);
   }
   if (chosen.empty()) {
     refuse("there is no printer " + shortened(name) + "; there are " + names);
@@ -122,19 +172,45 @@ Control::Printers Control::printersIn(Json& request) {
   return chosen;
 }
 
-Json Control::obey(Json request, simulator::Instant now) {
-  const Printers printers = printersIn(request);
+Json Control::obey(Json request, simulator::Instant now, std::optional<std::size_t> only) {
+  const Printers printers = printersIn(request, only);
   if (!request.is_object() || request.size() != 1) {
     refuse(everyRequest);
   }
-  const std::string what = request.begin().key();
   Json answer = {{"ok", true}};
+  if (request.begin().key() == "get") {
+    const Json& what = request.front();
+    const auto first = static_cast<std::size_t>(printers[0] - printers_.data());
+    printers[0]->printer.advance(now);
+    answer[what.is_string() ? what.get<std::string>() : ""] =
+        get(what.is_string() ? what.get<std::string>() : shortened(what), first);
+  } else {
+    change(printers, request, now);
+  }
+  return answer;
+}
+
+Json Control::get(const std::string& what, std::size_t printer) const {
+  const Printer& asked = printers_.at(printer);
+  if (what == "state") {
+    return stateOf(asked.printer);
+  }
+  if (what == "settings") {
+    return settingsOf(asked.printer.state());
+  }
+  if (what == "faults") {
+    return faultsOf(asked.links);
+  }
+  if (what == "counters") {
+    return countersOf(asked.deeds.counters(), asked.printer.printedBytes());
+  }
+  refuse("get takes \"state\", \"settings\", \"faults\" or \"counters\", not " + inQuotes(what));
+}
+
+void Control::change(const Printers& printers, const Json& request, simulator::Instant now) {
+  const std::string what = request.begin().key();
   if (what == "set") {
     set(printers, objectIn(request, "set"), now);
-  } else if (what == "get") {
-    checkValue(request, "state");
-    printers[0]->printer.advance(now);
-    answer["state"] = stateOf(printers[0]->printer);
   } else if (what == "fault") {
     addFaults(printers, objectIn(request, "fault"), now);
   } else if (what == "clear") {
@@ -142,13 +218,23 @@ Json Control::obey(Json request, simulator::Instant now) {
     for (Printer* printer : printers) {
       printer->links.clear(now);
     }
+  } else if (what == "tear") {
+    checkValue(request, "paper");
+    for (Printer* printer : printers) {
+      printer->printer.advance(now);
+      printer->deeds.tearOff();
+    }
+  } else if (what == "print") {
+    checkValue(request, "test");
+    for (Printer* printer : printers) {
+      printer->deeds.printTest();
+    }
   } else if (what == "quit") {
     checkValue(request, true);
     quitWanted_ = true;
   } else {
     refuse("there is no request " + inQuotes(what) + "; " + everyRequest);
   }
-  return answer;
 }
 
 void Control::set(const Printers& printers, const Json& settings, simulator::Instant now) {

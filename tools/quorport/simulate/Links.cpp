@@ -1,6 +1,7 @@
 #include "tools/quorport/simulate/Links.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace quordalvane::tool {
 
@@ -30,8 +31,7 @@ void Links::add(const Fault& fault, simulator::Instant now) {
       return due < other.due;
     };
     const simulator::Instant due = now + fault.time;
-    coming_.insert(std::upper_bound(coming_.begin(), coming_.end(), due, isLater),
-                   {due, fault.key, fault.value});
+    coming_.insert(std::upper_bound(coming_.begin(), coming_.end(), due, isLater), {due, fault});
     return;
   }
   const bool onlyOnce = fault.kind == FaultKind::Cut;
@@ -45,6 +45,15 @@ void Links::add(const Fault& fault, simulator::Instant now) {
   }
 }
 
+std::vector<Fault> Links::faults() const {
+  std::vector<Fault> all = faults_.list;
+  all.insert(all.end(), forNextLink_.begin(), forNextLink_.end());
+  for (const Coming& coming : coming_) {
+    all.push_back(coming.fault);
+  }
+  return all;
+}
+
 void Links::work(simulator::Instant now) {
   while (!coming_.empty() && coming_.front().due <= now) {
     const Coming first = coming_.front();
@@ -54,10 +63,11 @@ void Links::work(simulator::Instant now) {
 }
 
 void Links::bring(const Coming& coming, simulator::Instant now) {
-  if (simulator::isFault(coming.key)) {
-    add(simulator::parseFault(coming.key, coming.value), now);
+  const auto& [key, value] = std::tie(coming.fault.key, coming.fault.value);
+  if (simulator::isFault(key)) {
+    add(simulator::parseFault(key, value), now);
   } else {
-    printer_.set(coming.key, coming.value, now);
+    printer_.set(key, value, now);
   }
 }
 

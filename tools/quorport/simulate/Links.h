@@ -34,6 +34,9 @@ class Links {
   /// Removes all faults, even delayed ones. The seed is kept.
   void clear(simulator::Instant now);
 
+  /// The faults that befall every link, or are pending, in the order in which they were given.
+  std::vector<simulator::Fault> faults() const;
+
   /// Applies the faults and settings that are due.
   void work(simulator::Instant now);
 
@@ -43,8 +46,7 @@ class Links {
  private:
   struct Coming {  // a fault of the kind `at`, with its time
     simulator::Instant due;
-    std::string key;
-    std::string value;
+    simulator::Fault fault;
   };
 
   void add(const simulator::Fault& fault, simulator::Instant now);

@@ -68,6 +68,14 @@ std::unique_ptr<Listener> listenAt(const std::string& text) {
          "unix:PATH, or pty:");
 }
 
+std::unique_ptr<Listener> listenForBrowsersAt(const std::string& text) {
+  if (const auto address = text.empty() ? std::nullopt : parseListenAddress(text)) {
+    return opened(text, [&] { return listenOnTcp(*address); });
+  }
+  refuse("--web", text,
+         "PORT or HOST:PORT with a port from 0 to 65535 and an IPv6 address in brackets");
+}
+
 std::unique_ptr<Listener> listenPrivatelyAt(const std::string& text, const std::string& option) {
   if (!text.starts_with(unixScheme)) {
     refuse(option, text, "unix:PATH");

@@ -37,6 +37,9 @@ class Listener {
 /// cannot be opened.
 std::unique_ptr<Listener> listenAt(const std::string& text);
 
+/// The same for the place of browsers, a text like PORT or HOST:PORT.
+std::unique_ptr<Listener> listenForBrowsersAt(const std::string& text);
+
 /// The same for a socket that is for its owner alone; takes unix:PATH only. `option` is what the
 /// text was given for.
 std::unique_ptr<Listener> listenPrivatelyAt(const std::string& text, const std::string& option);

@@ -10,6 +10,8 @@
 #include <system_error>
 #include <utility>
 
+#include "simulator/TextRendering.h"
+#include "simulator/drawing/ImageRendering.h"
 #include "tools/quorport/Report.h"
 
 namespace quordalvane::tool {
@@ -26,6 +28,19 @@ int openEvent() {
 // A job without paper also has a weight.
 std::size_t weightOf(const ReceiptWriter::Job& job) {
   return sizeof job + job.paper.weight();
+}
+
+DrawnReceipt drawn(const simulator::Paper& paper) {
+  DrawnReceipt receipt;
+  receipt.text = simulator::renderText(paper);
+  if (paper.items().empty()) {
+    return receipt;
+  }
+  const auto picture = simulator::renderPngPicture(paper);
+  receipt.width = picture.width;
+  receipt.height = picture.height;
+  receipt.picture.assign(picture.png.begin(), picture.png.end());
+  return receipt;
 }
 
 }  // namespace
@@ -91,18 +106,30 @@ void ReceiptWriter::work() {
 ReceiptWriter::Done ReceiptWriter::write(Job job) {
   Done done;
   try {
-    if (folder_ != nullptr && !job.paper.items().empty()) {
-      auto written = folder_->add(job.apart ? piecesOf(job.paper) : std::vector{job.paper});
-      job.report.files = std::move(written.files);
-      done.complaints.push_back(std::move(written.error));
-    }
-    done.line = inOneLine(inJson(job.report, job.paper.record())) + "\n";
-    done.complaints.push_back(ReceiptFolder::addBeside(job.report.files, done.line));
+    keep(job, job.apart ? piecesOf(job.paper) : std::vector{job.paper}, done);
   } catch (const std::exception& error) {
     done.complaints.push_back(std::string("a receipt is lost: ") + error.what());
   }
   std::erase(done.complaints, "");
+  done.record = std::move(job.paper.record());
+  done.report = std::move(job.report);
+  done.station = job.station;
   return done;
+}
+
+void ReceiptWriter::keep(Job& job, const std::vector<simulator::Paper>& papers, Done& done) {
+  if (folder_ != nullptr && !job.paper.items().empty()) {
+    auto written = folder_->add(papers);
+    job.report.files = std::move(written.files);
+    done.complaints.push_back(std::move(written.error));
+  }
+  done.line = inOneLine(inJson(job.report, job.paper.record())) + "\n";
+  done.complaints.push_back(ReceiptFolder::addBeside(job.report.files, done.line));
+  if (job.isLookedAt) {
+    for (const simulator::Paper& paper : papers) {
+      done.receipts.push_back(drawn(paper));
+    }
+  }
 }
 
 }  // namespace quordalvane::tool

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "simulator/Paper.h"
+#include "tools/quorport/simulate/DrawnReceipt.h"
 #include "tools/quorport/simulate/JobReport.h"
 #include "tools/quorport/simulate/ReceiptFolder.h"
 
@@ -21,12 +22,18 @@ class ReceiptWriter {
     JobReport report;
     simulator::Paper paper;
     bool apart = false;  ///< each piece of paper is a receipt
+    std::size_t station = 0;
+    bool isLookedAt = false;  ///< its receipts are drawn for those who look on
   };
 
   /// The line that reports a job, and the complaints about its files.
   struct Done {
     std::string line;
     std::vector<std::string> complaints;
+    JobReport report;
+    simulator::JobRecord record;
+    std::size_t station = 0;
+    std::vector<DrawnReceipt> receipts;  ///< if it is looked at
   };
 
   /// `folder` may be null: then nothing is written. It must outlive this. Throws std::system_error
@@ -55,6 +62,7 @@ class ReceiptWriter {
  private:
   void work();
   Done write(Job job);
+  void keep(Job& job, const std::vector<simulator::Paper>& papers, Done& done);
 
   ReceiptFolder* const folder_;
   const int done_;

@@ -29,6 +29,10 @@ timespec timeFrom(Instant now, Instant until) {
   return {.tv_sec = whole.count(), .tv_nsec = (left - whole).count()};
 }
 
+std::optional<Instant> earlier(std::optional<Instant> one, std::optional<Instant> other) {
+  return one && other ? std::min(*one, *other) : one ? one : other;
+}
+
 std::string specOf(const Station& station) {
   return station.place() + (station.name().empty() ? "" : ",name=" + station.name());
 }
@@ -43,10 +47,16 @@ Server::Server(const simulator::PrinterState& state, const simulator::Faults& fa
       writer_(places_.receipts.get()),
       own_(streams_.in, streams_.out, control_) {
   for (Host& host : places_.hosts) {
-    stations_.emplace_back(
+    Station& station = stations_.emplace_back(
         host.name, std::move(host.listener), state, faults, habits.printer,
-        [this](Station& station, simulator::Paper paper) { keep(station, std::move(paper)); });
-    control_.add(host.name, stations_.back().printer(), stations_.back().links());
+        [this](Station& its, simulator::Paper paper) { keep(its, std::move(paper)); });
+    control_.add(host.name, station.printer(), station.links(),
+                 {.tearOff = [&station] { station.tearOff(); },
+                  .printTest = [&station] { station.printTest(); },
+                  .counters = [&station] { return station.counters(); }});
+  }
+  if (places_.web != nullptr) {
+    audience_ = openWeb(std::move(places_.web), stations_, control_);
   }
 }
 
@@ -75,8 +85,11 @@ void Server::sleep(Instant now) {
   std::optional<Instant> next = quitAt_;
   for (const Station& station : stations_) {
     station.await(awaited);
-    const auto its = station.nextEvent(now);
-    next = next && its ? std::min(*next, *its) : next ? next : its;
+    next = earlier(next, station.nextEvent(now));
+  }
+  if (audience_ != nullptr) {
+    audience_->await(awaited);
+    next = earlier(next, audience_->nextEvent(now));
   }
   if (places_.controls != nullptr && channels_.size() < mostChannels) {
     awaited.push_back({.fd = places_.controls->descriptor(), .events = POLLIN, .revents = 0});
@@ -99,6 +112,9 @@ void Server::work(Instant now) {
   }
   announceOthers();
   report(writer_.take());
+  if (audience_ != nullptr) {
+    audience_->work(now);
+  }
 }
 
 // Says where hosts find the printers, one line each or one object.
@@ -111,7 +127,9 @@ void Server::announce() {
     places.push_back(place);
     lines += "listening " + place + "\n";
   }
-  const Json object = {{"listening", places}, {"web", nullptr}};
+  const Json web = audience_ == nullptr ? Json() : Json(audience_->address());
+  lines += audience_ == nullptr ? "" : "web " + audience_->address() + "\n";
+  const Json object = {{"listening", places}, {"web", web}};
   const auto outcome = writeAll(streams_.out, habits_.asJson ? inOneLine(object) + "\n" : lines);
   if (outcome.error) {
     complain("standard output does not take where it listens: " + outcome.error.message(),
@@ -152,6 +170,9 @@ void Server::keep(Station& station, simulator::Paper paper) {
   if (paper.goesOn()) {
     complain("the paper grew too long and was torn off; the job goes on on the next one", streams_);
   }
+  if (audience_ != nullptr) {
+    audience_->tearOff(numberOf(station), paper);
+  }
   if (paper.items().empty() && paper.record().isEmpty()) {
     return;
   }
@@ -160,16 +181,29 @@ void Server::keep(Station& station, simulator::Paper paper) {
                 .ok = !habits_.strict || paper.record().isClean(),
                 .files = {}};
   jobsNotOk_ += job.ok ? 0 : 1;
-  writer_.add({std::move(job), std::move(paper), habits_.printer.per == ReceiptPer::Cut});
+  writer_.add({.report = std::move(job),
+               .paper = std::move(paper),
+               .apart = habits_.printer.per == ReceiptPer::Cut,
+               .station = numberOf(station),
+               .isLookedAt = audience_ != nullptr});
 }
 
-void Server::report(const std::vector<ReceiptWriter::Done>& jobs) {
-  for (const ReceiptWriter::Done& job : jobs) {
+std::size_t Server::numberOf(const Station& station) const {
+  const auto found = std::find_if(stations_.begin(), stations_.end(),
+                                  [&](const Station& one) { return &one == &station; });
+  return static_cast<std::size_t>(std::distance(stations_.begin(), found));
+}
+
+void Server::report(std::vector<ReceiptWriter::Done> jobs) {
+  for (ReceiptWriter::Done& job : jobs) {
     for (const std::string& why : job.complaints) {
       complain(why, streams_);
     }
     if (habits_.asJson) {
       own_.say(job.line);
+    }
+    if (audience_ != nullptr) {
+      audience_->keep(std::move(job));
     }
   }
 }

@@ -12,6 +12,7 @@
 #include "tools/process/Signals.h"
 #include "tools/quorport/Options.h"
 #include "tools/quorport/Streams.h"
+#include "tools/quorport/simulate/Audience.h"
 #include "tools/quorport/simulate/Control.h"
 #include "tools/quorport/simulate/ControlChannel.h"
 #include "tools/quorport/simulate/Listener.h"
@@ -21,7 +22,7 @@
 
 namespace quordalvane::tool {
 
-/// Serves printers to hosts, and to those who control them.
+/// Serves printers to hosts, and to those who control them or look on.
 ///
 /// One thread, one loop: it sleeps until a descriptor is ready or a printer does something by
 /// itself, and then lets everyone do the work that needs no wait. Receipts are drawn on
@@ -37,6 +38,7 @@ class Server {
     std::vector<Host> hosts;                  ///< a printer each
     std::unique_ptr<Listener> controls;       ///< may be null
     std::unique_ptr<ReceiptFolder> receipts;  ///< may be null
+    std::unique_ptr<Listener> web;            ///< for browsers, a place of `tcp:`; may be null
   };
 
   struct Habits {
@@ -60,7 +62,8 @@ class Server {
   void announceOthers();
   void workForControls(simulator::Instant now);
   void keep(Station& station, simulator::Paper paper);
-  void report(const std::vector<ReceiptWriter::Done>& jobs);
+  void report(std::vector<ReceiptWriter::Done> jobs);
+  std::size_t numberOf(const Station& station) const;
   bool isDone(simulator::Instant now);
 
   const Streams streams_;
@@ -70,6 +73,7 @@ class Server {
   ReceiptWriter writer_;  // outlives the printers, which end their last jobs at their ends
   unsigned long jobs_ = 0;
   unsigned long jobsNotOk_ = 0;
+  std::unique_ptr<Audience> audience_;  // likewise; may be null
   std::list<Station> stations_;
   Control control_;
   std::map<const Station*, std::string> announced_;  // the place of each

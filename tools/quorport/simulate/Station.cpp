@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <chrono>
+#include <stdexcept>
 #include <utility>
 #include <variant>
+
+#include "tools/quorport/simulate/TestHost.h"
 
 namespace quordalvane::tool {
 namespace {
@@ -46,7 +49,7 @@ Station::Station(std::string name, std::unique_ptr<Listener> listener,
       listener_(std::move(listener)),
       printer_(std::move(state)),
       links_(printer_, std::move(faults)) {
-  printer_.keepJobs([this](simulator::Paper paper) { keep_(*this, std::move(paper)); });
+  printer_.keepJobs([this](simulator::Paper paper) { give(std::move(paper)); });
 }
 
 void Station::await(std::vector<pollfd>& awaited) const {
@@ -89,6 +92,9 @@ void Station::work(Instant now) {
   if (host_ && habits_.hosts == HostRule::Refuse && !hostMakesWay()) {
     turnAway();
   } else if (host_ && habits_.hosts == HostRule::Turns) {
+    letHostsQueue();
+  }
+  if (host_ && !waiting_.empty()) {
     takeTurns(now);
   }
   collectPaper(now);
@@ -138,8 +144,7 @@ void Station::turnAway() {
   }
 }
 
-// Of those who wait the first that has sent something gets the next turn.
-void Station::takeTurns(Instant now) {
+void Station::letHostsQueue() {
   while (listener_->hostsQueue() && waiting_.size() < mostWaiting) {
     auto line = listener_->accept();
     if (line == nullptr) {
@@ -147,6 +152,10 @@ void Station::takeTurns(Instant now) {
     }
     waiting_.push_back(std::move(line));
   }
+}
+
+// Of those who wait the first that has sent something gets the next turn.
+void Station::takeTurns(Instant now) {
   if (!mayMakeRoom(now)) {
     return;
   }
@@ -186,8 +195,28 @@ void Station::collectPaper(Instant now) {
                          (printer_.nextEvent() || printer_.state().flag(simulator::Flag::Offline));
   const auto end = endOfJob();
   if (!isWorking && end && now >= *end) {
-    keep_(*this, printer_.tearOff());
+    tearOff();
   }
+}
+
+void Station::give(simulator::Paper paper) {
+  const bool isEmpty = paper.items().empty() && paper.record().isEmpty();
+  done_.jobs += isEmpty ? 0 : 1;
+  done_.add(paper);
+  keep_(*this, std::move(paper));
+}
+
+Counters Station::counters() const {
+  Counters all = done_;
+  all.add(printer_.paper());
+  return all;
+}
+
+void Station::printTest() {
+  if (waiting_.size() >= mostWaiting) {
+    throw std::invalid_argument("too many hosts wait for this printer already");
+  }
+  waiting_.push_back(testHost(printer_.state()));
 }
 
 // The printer knows that a job ends with its connection; on one that stays a cut that nothing
@@ -204,7 +233,7 @@ void Station::close() {
   host_.reset();
   waiting_.clear();
   links_.end();
-  keep_(*this, printer_.tearOff());
+  tearOff();
 }
 
 }  // namespace quordalvane::tool

@@ -11,6 +11,7 @@
 
 #include "simulator/VirtualPrinter.h"
 #include "tools/quorport/Options.h"
+#include "tools/quorport/simulate/Counters.h"
 #include "tools/quorport/simulate/HostConnection.h"
 #include "tools/quorport/simulate/Links.h"
 #include "tools/quorport/simulate/Listener.h"
@@ -40,7 +41,21 @@ class Station {
   std::string place() const { return listener_->place(); }
 
   simulator::VirtualPrinter& printer() { return printer_; }
+  const simulator::VirtualPrinter& printer() const { return printer_; }
   Links& links() { return links_; }
+
+  /// Whether a host is connected.
+  bool hasHost() const { return host_.has_value(); }
+
+  /// Since the beginning, the paper in the printer included.
+  Counters counters() const;
+
+  /// Ends the paper that there is, even in the middle of a job.
+  void tearOff() { give(printer_.tearOff()); }
+
+  /// Lets a test receipt be printed between two jobs, as of a host of its own. Throws
+  /// std::invalid_argument, with a text for people, if too many wait already.
+  void printTest();
 
   /// Adds the events for which it waits.
   void await(std::vector<pollfd>& awaited) const;
@@ -59,6 +74,7 @@ class Station {
   void welcome(simulator::Instant now);
   bool acceptHost(simulator::Instant now);
   void turnAway();
+  void letHostsQueue();
   void takeTurns(simulator::Instant now);
   bool mayMakeRoom(simulator::Instant now) const;
   bool listensNow() const;
@@ -66,6 +82,7 @@ class Station {
   bool hostMayHaveLeft() const;
   bool somebodyComes() const;
   void collectPaper(simulator::Instant now);
+  void give(simulator::Paper paper);
   std::optional<simulator::Instant> endOfJob() const;
 
   const std::string name_;
@@ -76,6 +93,7 @@ class Station {
   Links links_;
   std::optional<HostConnection> host_;
   std::list<std::unique_ptr<Line>> waiting_;  // connected hosts whose turn is later
+  Counters done_;                             // of the papers that were given away
 };
 
 }  // namespace quordalvane::tool

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <list>
+#include <optional>
+#include <string>
+
+#include "tools/http/Server.h"
+#include "tools/quorport/Json.h"
+#include "tools/quorport/simulate/Control.h"
+#include "tools/quorport/simulate/Station.h"
+#include "tools/quorport/web/LivePaper.h"
+
+namespace quordalvane::tool {
+
+/// One printer as browsers see it.
+class PrinterShow {
+ public:
+  /// `number` is from 1. The others must outlive this.
+  PrinterShow(unsigned number, Station& station, const Control& control)
+      : number_(number), station_(station), control_(control) {}
+
+  unsigned number() const { return number_; }
+  Station& station() const { return station_; }
+  LivePaper& paper() { return paper_; }
+
+  /// All about it but its paper's picture.
+  Json describe() const;
+
+  /// What changes of that, as one line; empty if nothing has changed since the last call.
+  std::optional<std::string> change();
+
+  /// Whether its host has changed since the last call: true if one has connected, false if the last
+  /// one has left.
+  std::optional<bool> hostChange();
+
+ private:
+  Json changing() const;
+
+  const unsigned number_;
+  Station& station_;
+  const Control& control_;
+  LivePaper paper_;
+  std::string shown_;
+  bool hadHost_ = false;
+};
+
+}  // namespace quordalvane::tool

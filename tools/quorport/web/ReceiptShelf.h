@@ -1,0 +1,75 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <string>
+
+#include "simulator/Dialect.h"
+#include "simulator/JobRecord.h"
+#include "tools/http/EventLog.h"
+#include "tools/quorport/Json.h"
+#include "tools/quorport/simulate/DrawnReceipt.h"
+#include "tools/quorport/simulate/ReceiptWriter.h"
+
+namespace quordalvane::tool {
+
+/// The latest receipts, for those who look at them. Older ones are forgotten, so that it never
+/// holds more than its limits.
+class ReceiptShelf {
+ public:
+  static constexpr std::size_t mostReceipts = 200;
+  static constexpr std::size_t mostBytes = std::size_t{64} << 20U;
+  static constexpr std::size_t mostListed = 50;      ///< in one list
+  static constexpr std::size_t mostCommands = 2000;  ///< in one answer
+
+  /// The printer of a job.
+  struct Origin {
+    unsigned printer = 0;  ///< its number, from 1
+    simulator::Dialect dialect;
+  };
+
+  /// Keeps the receipts of a job that ended at `time`, in milliseconds since 1970. Returns how many
+  /// were added.
+  std::size_t add(ReceiptWriter::Done job, const Origin& origin, std::int64_t time);
+
+  /// The latest receipts before the one of that number, the newest first; a few words about each.
+  Json list(std::optional<std::uint64_t> before = std::nullopt) const;
+
+  /// All about a receipt, with its commands from an offset on; null if it is not there.
+  Json describe(std::uint64_t id, std::uint64_t from) const;
+
+  /// The receipt as a file of that kind: `png`, `txt` or `bin`. Null if it is not there.
+  http::Text file(std::uint64_t id, const std::string& kind) const;
+
+  /// How many bytes the receipts hold, about.
+  std::size_t bytes() const { return bytes_; }
+
+ private:
+  struct Receipt {
+    std::uint64_t id;
+    Origin origin;
+    std::int64_t time;
+    JobReport report;
+    std::uint64_t byteCount;
+    unsigned cuts;
+    unsigned width;
+    unsigned height;
+    http::Text record;  // the line about its job
+    http::Text text;
+    http::Text received;
+    http::Text picture;  // null without paper
+
+    std::size_t weight() const;
+  };
+
+  const Receipt* find(std::uint64_t id) const;
+  static Json summary(const Receipt& receipt);
+
+  std::deque<Receipt> receipts_;
+  std::size_t bytes_ = 0;
+  std::uint64_t latest_ = 0;
+};
+
+}  // namespace quordalvane::tool

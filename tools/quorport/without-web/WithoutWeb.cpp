@@ -1,0 +1,15 @@
+// Takes the place of the page if the library that serves it is missing: --web is known, and says
+// why it cannot be had.
+#include "tools/quorport/CommandFailure.h"
+#include "tools/quorport/simulate/Audience.h"
+
+namespace quordalvane::tool {
+
+std::unique_ptr<Audience> openWeb(std::unique_ptr<Listener> /*place*/,
+                                  std::list<Station>& /*stations*/, Control& /*control*/) {
+  throw CommandFailure(ExitCode::Usage,
+                       "--web: this program was built without the page, which takes "
+                       "libmicrohttpd-dev");
+}
+
+}  // namespace quordalvane::tool
