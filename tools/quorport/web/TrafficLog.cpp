@@ -90,7 +90,6 @@ void TrafficLog::addControl(unsigned printer, std::string_view line, std::string
                         .kind = "control",
                         .name = "control",
                         .meaning = printable(line.substr(0, longestLine)),
-                        .bytes = {},
                         .answer = printable(answer.substr(0, longestLine))});
   }
 }
@@ -100,10 +99,7 @@ void TrafficLog::addHost(unsigned printer, bool isConnected, std::int64_t time) 
     entries_.push_back({.time = time,
                         .printer = printer,
                         .kind = "host",
-                        .name = isConnected ? "connected" : "left",
-                        .meaning = {},
-                        .bytes = {},
-                        .answer = {}});
+                        .name = isConnected ? "connected" : "left"});
   }
 }
 

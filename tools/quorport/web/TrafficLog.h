@@ -37,11 +37,11 @@ class TrafficLog {
     std::int64_t time;
     unsigned printer;
     std::string_view kind;
-    std::string name;
-    std::string meaning;
-    simulator::Bytes bytes;  // the first of them
+    std::string name{};
+    std::string meaning{};
+    simulator::Bytes bytes{};  // the first of them
     std::size_t length = 0;
-    std::string answer;  // to a control line
+    std::string answer{};  // to a control line
   };
 
   bool hasRoom();
