@@ -1,0 +1,287 @@
+"""`simulate --web`: what a browser sees of the printers, and what it does with them."""
+
+import base64
+import json
+import struct
+
+from browser import BrowserCase
+from harness import STATUS_REQUEST, eventually, main, receive, run, start
+
+CUT = b"\x1d\x56\x00"
+
+
+def size_of(png: bytes) -> tuple[int, int]:
+    assert png.startswith(b"\x89PNG\r\n\x1a\n"), png[:20]
+    return struct.unpack(">II", png[16:24])
+
+
+def print_job(simulator, data: bytes):
+    with simulator.connect() as host:
+        host.sendall(data)
+
+
+class Address(BrowserCase):
+    def test_is_in_the_first_object_of_json(self):
+        process = start("--json", "simulate", "--listen", "tcp:0", "--web", "0", stdin=-1)
+        self.addCleanup(process.wait)
+        self.addCleanup(process.terminate)
+        first = json.loads(process.stdout.readline())
+        self.assertRegex(first["web"], r"^http://127\.0\.0\.1:\d+/[0-9a-f]{32}/$")
+
+    def test_is_another_one_each_time(self):
+        self.assertNotEqual(self.open()[1].prefix, self.open()[1].prefix)
+
+    def test_that_is_none_is_a_usage_error(self):
+        for text in ("", "eighty", "127.0.0.1:65536"):
+            self.assertFailsInBothForms(2, "simulate", "--listen", "tcp:0", "--web", text, saying="--web takes")
+
+    def test_that_is_taken_is_refused(self):
+        _, browser = self.open()
+        self.assertFailsInBothForms(1, "simulate", "--listen", "tcp:0", "--web", str(browser.port), saying="listen")
+
+    def test_shows_the_page_and_its_files(self):
+        _, browser = self.open()
+        page = browser.ask("")
+        self.assertEqual((page.status, page.headers["Content-Type"]), (200, "text/html; charset=utf-8"))
+        script = browser.ask("page/main.js")
+        self.assertEqual((script.status, script.headers["Content-Type"]), (200, "text/javascript; charset=utf-8"))
+        self.assertEqual(browser.ask("receipts/1").headers["Content-Type"], "text/html; charset=utf-8")
+        for path in ("page/", "page/none.js", "page/../../etc/passwd", "receipts/1.png", "receipts/x", "api", "api/printers/1"):
+            self.assertEqual(browser.ask(path).status, 404, path)
+        self.assertEqual(browser.ask("", method="HEAD").content, b"")
+
+
+class Doors(BrowserCase):
+    def test_answer_each_line_alike(self):
+        simulator, browser = self.open()
+        lines = [b'{"set": {"coverOpen": true, "speed": 300}}', b'{"get": "state"}', b'{"get": "settings"}',
+                 b'{"get": "counters"}', b'{"fault": {"late-reply": "30@block"}}', b'{"get": "faults"}', b'{"clear": "faults"}',
+                 b'{"get": "faults"}', b'{"set": {"nonsense": 1}}', b'{"get": "weather"}', b"no JSON", b"[]", b"",
+                 b'{"tear": "paper"}', b'{"tear": "up"}', b'{"print": "money"}', b'{"printer": "bar", "get": "state"}']
+        for line in lines:
+            self.assertEqual(browser.control(line), simulator.raw_control(line + b"\n"), line)
+            self.assertEqual(browser.control(line, printer=1), simulator.raw_control(line + b"\n"), line)
+
+    def test_reach_one_printer_by_its_number_even_without_a_name(self):
+        simulator, browser = self.open("--listen", "tcp:0")
+        self.assertEqual(browser.control({"set": {"coverOpen": True}}, printer=2), {"ok": True})
+        self.assertFalse(simulator.state()["coverOpen"])
+        first, second = browser.json("api/printers")["printers"]
+        self.assertEqual((first["state"]["coverOpen"], second["state"]["coverOpen"]), (False, True))
+        answer = browser.ask("api/printers/3/control", "POST", b"{}", Content_Type="application/json")
+        self.assertEqual(answer.status, 404)
+
+    def test_end_the_program(self):
+        simulator, browser = self.open()
+        self.assertEqual(browser.control({"quit": True}), {"ok": True})
+        self.assertEqual(simulator.process.wait(30), 0)
+
+    def test_tear_the_paper_off(self):
+        simulator, browser = self.open()
+        events = self.events(browser)
+        with simulator.connect() as host:
+            host.sendall(b"half\n" + STATUS_REQUEST)
+            receive(host, 9)
+            self.assertEqual(simulator.control({"tear": "paper"}), {"ok": True})
+            events.all_of("torn", "receipt")
+            self.assertEqual(browser.ask("receipts/1.txt").content, b"half\n")
+            host.sendall(b"rest\n")
+        self.assertEqual(events.next("receipt")["id"], 2)
+        self.assertEqual(browser.ask("receipts/2.txt").content, b"rest\n")
+
+    def test_print_a_test_receipt_between_the_jobs_of_a_host(self):
+        simulator, browser = self.open("--set", "profile=escpos-58")
+        events = self.events(browser)
+        self.assertEqual(browser.control({"print": "test"}), {"ok": True})
+        events.next("receipt")
+        with simulator.connect() as host:
+            host.sendall(b"mine\n\x10\x04\x01")
+            receive(host, 1)
+            self.assertEqual(simulator.control({"print": "test"}), {"ok": True})
+            self.assertEqual(events.next("receipt")["id"], 2)
+            self.assertEqual(events.next("receipt")["id"], 3)
+            host.sendall(b"more\n")
+        self.assertEqual(events.next("receipt")["id"], 4)
+        texts = [browser.ask(f"receipts/{i}.txt").content for i in (1, 2, 3, 4)]
+        self.assertEqual(texts[1], b"mine\n")
+        self.assertEqual(texts[3], b"more\n")
+        self.assertEqual(texts[0], texts[2])
+        self.assertIn(b"Virtual-58", texts[0])
+
+    def test_count_what_the_printer_did(self):
+        simulator, browser = self.open()
+        events = self.events(browser)
+        print_job(simulator, b"one\n" + CUT + b"two\n\x1b\x70\x00\x10\x10" + CUT)
+        events.next("receipt")
+        counters = browser.control({"get": "counters"})["counters"]
+        self.assertEqual(counters, {"jobs": 1, "cuts": 2, "drawer": 1, "beeps": 0, "bytes": 19})
+
+
+class Forms(BrowserCase):
+    def test_name_every_setting_and_fault_with_what_it_takes(self):
+        simulator, browser = self.open()
+        forms = browser.json("api/forms")
+        self.assertEqual({form["key"] for form in forms["flags"]} | {"firmware", "dip1", "dip2", "speed", "profile", "proofs",
+                         "etbCounter", "buffered", "printedBytes"}, set(simulator.state()))
+        for form in forms["settings"]:
+            value = {"flag": True, "number": form.get("max"), "text": form.get("choices", ["abcd"])[-1]}[form["kind"]]
+            self.assertEqual(browser.control({"set": {form["key"]: value}}), {"ok": True}, form)
+        samples = {"number": "7", "setting or fault": "speed", "offsets, like 3/7": "3/7", "two hex digits": "0a"}
+        for form in forms["faults"]:
+            value = "".join(part["before"] + part.get("choices", [samples.get(part["label"], "7")])[0] for part in form["parts"])
+            value = True if form["name"] == "prints-nothing" else value.replace("@all", "@block")
+            self.assertEqual(browser.control({"fault": {form["name"]: value}}), {"ok": True}, form)
+        for action in forms["actions"]:
+            self.assertEqual(simulator.control(action["line"]), {"ok": True})
+
+    def test_find_each_setting_again(self):
+        _, browser = self.open()
+        keys = {form["key"] for form in browser.json("api/forms")["settings"]}
+        browser.control({"set": {"paper": 58, "utf8": False, "maker": "Mine"}})
+        settings = browser.control({"get": "settings"})["settings"]
+        self.assertEqual(set(settings), keys)
+        self.assertEqual((settings["paper"], settings["utf8"], settings["maker"], settings["codePages"]), (58, False, "Mine", None))
+
+
+class Stream(BrowserCase):
+    def test_begins_with_everything(self):
+        _, browser = self.open("--listen", "tcp:0,name=kitchen")
+        snapshot = self.events(browser).next()
+        self.assertEqual(snapshot["event"], "snapshot")
+        self.assertEqual([(p["id"], p["name"]) for p in snapshot["printers"]], [(1, ""), (2, "kitchen")])
+        self.assertEqual(snapshot["receipts"], [])
+        for key in ("state", "settings", "counters", "faults", "paper", "host", "place"):
+            self.assertIn(key, snapshot["printers"][0])
+
+    def test_shows_the_paper_line_by_line_as_it_comes_out(self):
+        simulator, browser = self.open()
+        events = self.events(browser)
+        with simulator.connect() as host:
+            for number in range(3):
+                host.sendall(b"line %d\n" % number)
+                paper = events.next("paper")
+                self.assertEqual((paper["row"], paper["height"], paper["text"]), (30 * number, 30, f"line {number}\n"))
+                self.assertEqual(size_of(base64.b64decode(paper["png"])), (576, 30))
+            host.sendall(CUT)
+            self.assertEqual(events.next("paper")["cuts"], [{"row": 90, "partial": False}])
+        self.assertEqual(events.all_of("torn", "receipt")["receipt"]["cuts"], 1)
+
+    def test_replaces_the_rows_that_are_printed_over(self):
+        simulator, browser = self.open()
+        events = self.events(browser)
+        with simulator.connect() as host:
+            host.sendall(b"under\n")
+            self.assertEqual(events.next("paper")["row"], 0)
+            host.sendall(b"\x1b\x4b\x1e" + b"over\n\n")
+            paper = events.next("paper")
+            while paper["height"] < 60:
+                paper = events.next("paper")
+            self.assertEqual(paper["row"], 0)
+
+    def test_shows_a_page_that_is_opened_late_the_paper_so_far(self):
+        simulator, browser = self.open()
+        with simulator.connect() as host:
+            host.sendall(b"early\n")
+            self.events(browser).next("paper")
+            late = self.events(browser)
+            self.assertEqual([late.next()["event"] for _ in range(2)], ["snapshot", "paper"])
+
+    def test_shows_each_change_of_the_state(self):
+        simulator, browser = self.open()
+        events = self.events(browser)
+        events.next("snapshot")
+        simulator.set(coverOpen=True)
+        eventually(lambda: events.next("state")["state"]["coverOpen"], "the cover opens")
+        browser.control({"fault": {"late-reply": 300}})
+        faults = eventually(lambda: events.next("state")["faults"], "the fault is there")
+        self.assertEqual(faults, [{"name": "late-reply", "value": "300"}])
+
+    def test_logs_commands_answers_control_lines_and_hosts(self):
+        simulator, browser = self.open()
+        events = self.events(browser)
+        with simulator.connect() as host:
+            host.sendall(b"Hello\n" + STATUS_REQUEST)
+            receive(host, 9)
+            simulator.set(coverOpen=True)
+        entries = []
+        while not any(entry["name"] == "left" for entry in entries):
+            entries += events.next("log")["entries"]
+        told = [(entry["kind"], entry["name"], entry["meaning"]) for entry in entries]
+        for expected in (("command", "text", "Hello"), ("command", "LF", "line feed"),
+                         ("command", "ESC ACK", "status request"), ("host", "connected", ""),
+                         ("control", "control", '{"set": {"coverOpen": true}}')):
+            self.assertIn(expected, told)
+        answers = [entry for entry in entries if entry["kind"] == "answer"]
+        self.assertEqual([len(entry["bytes"]) for entry in answers], [18])
+
+    def test_continues_after_the_last_event_that_was_read(self):
+        simulator, browser = self.open()
+        events = self.events(browser)
+        simulator.set(coverOpen=True)
+        events.next("state")
+        simulator.set(coverOpen=False)
+        again = self.events(browser, Last_Event_ID=events.last)
+        self.assertNotEqual(again.next()["event"], "snapshot")
+        self.assertEqual(self.events(browser, Last_Event_ID="123456789").next()["event"], "snapshot")
+        self.assertEqual(self.events(browser, Last_Event_ID="x").next()["event"], "snapshot")
+
+
+class Receipts(BrowserCase):
+    JOB = b"\x1b@Hello\n\x1b\x45\x01bold\n\x1d\x79\x00" + CUT
+
+    def receipt(self, data: bytes = JOB, *arguments: str):
+        simulator, browser = self.open(*arguments)
+        events = self.events(browser)
+        print_job(simulator, data)
+        return browser, events.next("receipt")
+
+    def test_are_picture_text_and_bytes(self):
+        browser, receipt = self.receipt()
+        address = receipt["address"]
+        self.assertEqual(browser.ask(address + ".bin").content, self.JOB)
+        self.assertTrue(browser.ask(address + ".txt").content.startswith(b"Hello\nbold\n"))
+        self.assertEqual(size_of(browser.ask(address + ".png").content), (receipt["width"], receipt["height"]))
+
+    def test_name_each_command(self):
+        browser, receipt = self.receipt()
+        told = browser.json(receipt["address"] + ".json")
+        commands = [(c["offset"], c["name"], c["meaning"]) for c in told["commands"]]
+        self.assertEqual(commands[:5], [(0, "ESC @", "initialise"), (2, "text", "Hello"), (7, "LF", "line feed"),
+                                        (8, "ESC E", "bold"), (11, "text", "bold")])
+        self.assertEqual([c["name"] for c in told["commands"] if c.get("unknown")], ["GS y"])
+        self.assertEqual([(u["name"], u["offset"]) for u in told["record"]["unknown"]], [("GS y", 16)])
+        self.assertEqual((told["kept"], told["bytes"], told["next"]), (len(self.JOB), len(self.JOB), None))
+
+    def test_name_their_commands_in_stretches(self):
+        browser, receipt = self.receipt(b"a\n" * 1500)
+        address = receipt["address"] + ".json"
+        first = browser.json(address)
+        self.assertEqual((len(first["commands"]), first["next"]), (2000, 2000))
+        rest = browser.json(f"{address}?from={first['next']}")
+        self.assertEqual((len(rest["commands"]), rest["commands"][0]["offset"], rest["next"]), (1000, 2000, None))
+
+    def test_of_a_job_without_paper_have_no_picture(self):
+        browser, receipt = self.receipt(b"\x1b\x70\x00\x10\x10")
+        self.assertEqual((receipt["width"], receipt["height"]), (0, 0))
+        self.assertEqual(browser.ask(receipt["address"] + ".png").status, 404)
+        self.assertEqual(browser.json(receipt["address"] + ".json")["record"]["drawer"], 1)
+
+    def test_are_one_for_each_cut_if_wanted(self):
+        simulator, browser = self.open("--per", "cut")
+        events = self.events(browser)
+        print_job(simulator, b"one\n" + CUT + b"two\n" + CUT)
+        self.assertEqual([events.next("receipt")["id"] for _ in range(2)], [1, 2])
+        self.assertIn(b"two", browser.ask("receipts/2.txt").content)
+
+    def test_of_one_printer_name_it(self):
+        simulator, browser = self.open("--listen", "tcp:0,name=kitchen")
+        events = self.events(browser)
+        place = browser.json("api/printers")["printers"][1]["place"]
+        self.assertExit(0, run("-d", place, "print", "-", data=b"soup\n"))
+        receipt = events.next("receipt")
+        self.assertEqual(receipt["printer"], 2)
+        self.assertEqual(browser.json(receipt["address"] + ".json")["printerName"], "kitchen")
+
+
+if __name__ == "__main__":
+    main()
