@@ -12,9 +12,10 @@ systemd-analyze security --offline=yes --threshold=25 "$unit" # tenths: 2.5 is "
 # What the service manager does.
 state=/var/lib/$(of_unit StateDirectory)
 useradd --system --groups "$(of_unit SupplementaryGroups | tr ' ' ,)" application
-install --directory --owner=application "$state"
+install --directory --owner=application "$state" "/var/cache/$(of_unit CacheDirectory)"
+read -ra settings < <(of_unit Environment)
 setpriv --reuid=application --regid=application --init-groups --no-new-privs --bounding-set=-all \
-  env "$(of_unit Environment)" sh -c "umask $(of_unit UMask); exec $(of_unit ExecStart)" &
+  env "${settings[@]}" sh -c "umask $(of_unit UMask); exec $(of_unit ExecStart)" &
 server=$!
 
 until (: >/dev/tcp/localhost/8631) 2>/dev/null; do sleep 0.05; done
