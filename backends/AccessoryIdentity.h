@@ -43,7 +43,8 @@ class QUOR_EXPORT IdentifiedAccessory : public EAAccessory {
   std::uint64_t connectionID() override { return identity_.connectionID; }
   ProofKind proof() override { return identity_.proof; }
 
-  /// "<accessory 7, address …: name, model …, serial …, maker …>", with the texts that there are.
+  /// "<accessory 7, address …: name, model …, serial …, maker …>", without the texts that are
+  /// missing.
   std::string description() override;
 
  private:

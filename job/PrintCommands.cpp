@@ -168,7 +168,7 @@ std::optional<PrintCommand> barcode(ByteView data) {
   return counted(4, data[3]);
 }
 
-// Pulses and the like, of which these have two parameters more.
+// Pulses and the like: these have two parameters more.
 std::optional<PrintCommand> realTimeAction(ByteView data) {
   return data[2] == 1 || data[2] == 2 ? plain(5) : std::nullopt;
 }

@@ -14,11 +14,11 @@ using UpperHalf = std::array<char32_t, 128>;
 /// there is no such page.
 std::string_view codePageNamed(std::string_view page);
 
-/// The characters of a page that there is. The system's converter is asked once a page; of a page
-/// that this system's converter lacks every character is missing. May be called from any thread.
+/// The characters of an existing page. The system's converter is asked once a page; if it lacks the
+/// page, every character is missing. May be called from any thread.
 const UpperHalf& upperHalfOf(std::string_view page);
 
-/// Every page that there is.
+/// All pages.
 std::vector<std::string> codePageNames();
 
 }  // namespace quordalvane::simulator

@@ -7,8 +7,8 @@
 
 namespace quordalvane::simulator {
 
-/// The meaning of a complete command for the machine. Everything that only matters to the paper is
-/// `Printing`, single characters included.
+/// The meaning of a complete command for the machine. `Printing` is any command that matters only
+/// to the paper, and any single character.
 enum class MachineCommand {
   Printing,
   PrepareStatus,

@@ -12,7 +12,7 @@ namespace quordalvane::simulator {
 /// Reads text in an encoding of several bytes a character.
 class MultiByteText {
  public:
-  /// `sevenBit` is for Shift-JIS printers alone: the bytes are of the older code of 21 to 7e hex.
+  /// With `sevenBit`, for Shift-JIS printers alone, the bytes are of the older code, 21 to 7e hex.
   explicit MultiByteText(MultiByte encoding, bool sevenBit = false);
 
   /// True if a character of several bytes begins with this one.

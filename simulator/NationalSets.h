@@ -7,7 +7,7 @@ namespace quordalvane::simulator {
 /// True if the command 1b 52 knows an international set of that number.
 bool isNationalSet(std::uint8_t number);
 
-/// The character of a byte below 80 hex in a set that there is: twelve bytes differ from country to
+/// The character of a byte below 80 hex in an existing set: twelve bytes differ from country to
 /// country, all others are ASCII.
 char32_t nationalCharacter(std::uint8_t number, std::uint8_t byte);
 

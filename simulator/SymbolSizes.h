@@ -2,7 +2,7 @@
 
 namespace quordalvane::simulator {
 
-/// The number of a DataMatrix code of that size among the sizes that there are, from 1 on. It is a
+/// The number of a DataMatrix code of that size in the list of sizes, from 1 on. It is a
 /// rectangle if `kind` is 1, and a square otherwise; 0 columns of a rectangle mean the fewest.
 /// Returns 0, the encoder's own choice, if there is no such size.
 unsigned dataMatrixSize(unsigned kind, unsigned rows, unsigned columns);

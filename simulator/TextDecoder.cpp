@@ -38,7 +38,8 @@ void TextDecoder::reset() {
     page_ = &upperHalfOf(first);
   }
   multiByte_.reset();
-  // Japanese printers wait for a command; the others are made for their one language.
+  // Japanese printers read such characters only after a command; the others, made for one language,
+  // always do.
   if (sets_.multiByte != MultiByte::ShiftJis) {
     setMultiByte(true);
   }

@@ -46,7 +46,7 @@ std::optional<std::u32string> wholeUtf8(std::string_view bytes) {
     if (!next) {
       return std::nullopt;
     }
-    text += next->codePoint;
+    text += static_cast<char32_t>(next->codePoint);
     bytes.remove_prefix(next->length);
   }
   return text;
@@ -93,7 +93,7 @@ std::u32string fromUtf8(std::string_view bytes) {
   std::u32string text;
   while (!bytes.empty()) {
     const Character next = decodedAnything(bytes);
-    text += next.codePoint;
+    text += static_cast<char32_t>(next.codePoint);
     bytes.remove_prefix(next.length);
   }
   return text;

@@ -18,7 +18,7 @@
 
 namespace quordalvane::simulator {
 
-/// A printer. It outlives its connections: a `PrinterLink` is one of them.
+/// A printer. It outlives its connections, each of which is a `PrinterLink`.
 ///
 /// It is a state machine over bytes and time, with no thread, clock or input of its own: its
 /// behaviour follows from the bytes and the instants that it is given, and not from how often it is
@@ -101,7 +101,7 @@ class VirtualPrinter {
   /// whose first bytes arrived before shares their fate.
   void receive(ByteView bytes, Instant now, bool vanish = false);
 
-  /// Sends bytes to the host, if there is one: an answer, or something of its own accord.
+  /// Sends bytes to the host, if there is one: an answer, or a report that nobody asked for.
   void reply(ByteView bytes, Instant at, ReplyKind kind = ReplyKind::Other);
 
   /// When, after the latest instant given, it next does something that can be noticed from outside:

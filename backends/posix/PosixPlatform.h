@@ -23,7 +23,7 @@ class QUOR_EXPORT PosixPlatform final : public Platform {
   PosixPlatform(const PosixPlatform&) = delete;
   PosixPlatform& operator=(const PosixPlatform&) = delete;
 
-  /// Presents one more accessory, never null, after those that there are. It is never removed. The
+  /// Presents one more accessory, never null, after the present ones. It is never removed. The
   /// list of accessories leaves it out as long as it announces no protocol, as a USB printer does
   /// that is not plugged in. May be called from any thread.
   void attach(std::shared_ptr<EAAccessory> accessory);

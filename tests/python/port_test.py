@@ -101,7 +101,7 @@ class Opening(unittest.TestCase):
                 self.assertTrue(port.is_online())
             self.assertFalse(port.is_open)
 
-    def test_of_several_printers_the_port_name_chooses(self):
+    def test_the_port_name_chooses_among_several_printers(self):
         devices = ["virtual:name=Bar", "virtual:name=Kitchen,serial=K7"]
         with Port(devices, port_name="BT:Kitchen") as port:
             self.assertEqual((port.name(), port.serial_number()), ("Kitchen", "K7"))

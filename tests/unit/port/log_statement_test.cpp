@@ -222,7 +222,7 @@ class LogStatementTest : public testing::Test {
   Speaker speaker_;
 };
 
-TEST_F(LogStatementTest, HandsOverEveryFieldOfItsPlace) {
+TEST_F(LogStatementTest, FillsEveryFieldOfTheRecord) {
   const auto before = std::chrono::system_clock::now();
   const std::int64_t line = speaker_.speak("hello");
   ASSERT_THAT(messages(), ElementsAre("hello"));

@@ -23,10 +23,10 @@ class Links {
   /// Begins a link, which lives until `end`.
   simulator::PrinterLink& begin(simulator::Instant now);
 
-  /// Ends the link that there is.
+  /// Ends the present link.
   void end() { link_.reset(); }
 
-  /// Adds faults to the link that there is and to all that follow, and sets the seed if it is
+  /// Adds faults to the present link and to all later ones, and sets the seed if it is
   /// named. Only one link gets a `cut`: the next one if there is none now. The change of `at` is
   /// made at its time whether there is a link or not.
   void add(const simulator::Faults& faults, simulator::Instant now);
