@@ -1,0 +1,153 @@
+"""The page is for everyone: by keyboard, with a screen reader, in the dark, on a narrow phone."""
+
+from chromium import Page
+from harness import main
+from shop import ShopCase
+
+OPEN_ALL = "document.querySelectorAll('details').forEach((one) => { one.open = true; })"
+ACTIVE = """(() => {
+  const element = document.activeElement;
+  element.dataset.visited = 'yes';
+  const style = getComputedStyle(element);
+  const box = element.getBoundingClientRect();
+  return {tag: element.tagName, outline: style.outlineStyle !== 'none' && parseFloat(style.outlineWidth) >= 2,
+          seen: box.bottom > 0 && box.top < innerHeight, text: element.textContent.slice(0, 40)};
+})()"""
+UNVISITED = """[...document.querySelectorAll('a[href], button, input, select, summary, [tabindex="0"]')]
+  .filter((element) => element.checkVisibility() && !element.dataset.visited)
+  .map((element) => element.outerHTML.slice(0, 120))"""
+
+# Texts whose contrast to what is under them is lower than 4.5, or 3 if they are large.
+FAINT = """(() => {
+  const parsed = (text) => (text.match(/[\\d.]+/g) ?? [0, 0, 0, 0]).map(Number);
+  const light = (colour) => {
+    const [red, green, blue] = colour.slice(0, 3).map((part) => part / 255)
+      .map((part) => (part <= 0.04045 ? part / 12.92 : ((part + 0.055) / 1.055) ** 2.4));
+    return 0.2126 * red + 0.7152 * green + 0.0722 * blue;
+  };
+  const ground = (element) => {
+    for (let at = element; at; at = at.parentElement) {
+      const colour = parsed(getComputedStyle(at).backgroundColor);
+      if (colour.length < 4 || colour[3] === 1) { return colour; }
+    }
+    return [255, 255, 255];
+  };
+  const walker = document.createTreeWalker(document.body, NodeFilter.SHOW_TEXT);
+  const found = [];
+  while (walker.nextNode()) {
+    const element = walker.currentNode.parentElement;
+    if (!walker.currentNode.textContent.trim() || !element.checkVisibility()) { continue; }
+    const style = getComputedStyle(element);
+    const [one, other] = [light(parsed(style.color)), light(ground(element))];
+    const ratio = (Math.max(one, other) + 0.05) / (Math.min(one, other) + 0.05);
+    if (ratio < (parseFloat(style.fontSize) >= 24 ? 3 : 4.5)) {
+      found.push(`${walker.currentNode.textContent.trim().slice(0, 40)}: ${ratio.toFixed(2)}`);
+    }
+  }
+  return found;
+})()"""
+
+OPERATED = {"button", "link", "switch", "checkbox", "textbox", "searchbox", "combobox", "spinbutton", "slider",
+            "DisclosureTriangle"}
+
+
+class Everyone(ShopCase):
+    def shop_with_a_receipt(self, **emulation) -> tuple[Page, str]:
+        shop = self.shop()
+        page = self.shop_page(shop, **emulation)
+        with shop.connect() as till:
+            till.sendall(b"\x1b@2 Espresso        3.60\n\x1dy\x1dVA\0")
+        page.until("document.querySelector('#receipts a')", "the receipt is listed")
+        page.evaluate(OPEN_ALL)
+        return page, f"{shop.address}receipts/1"
+
+    def both_pages(self, **emulation):
+        """The shop's page and a receipt's, with everything unfolded."""
+        page, receipt = self.shop_with_a_receipt(**emulation)
+        yield page
+        page.go(receipt)
+        page.until("document.querySelector('.commands tr')", "the commands are listed")
+        yield page
+
+    def test_every_control_is_reached_by_the_keyboard_and_shows_it(self):
+        for page in self.both_pages():
+            for _ in range(400):
+                page.press("Tab")
+                at = page.evaluate(ACTIVE)
+                if at["tag"] == "BODY":
+                    break
+                self.assertTrue(at["outline"] and at["seen"], at)
+            self.assertEqual(page.evaluate(UNVISITED), [])
+
+    def test_a_printer_is_operated_by_the_keyboard_alone(self):
+        page = self.shop_page(self.shop())
+        self.tab_to(page, "document.querySelector('.switches input')")
+        page.press("Space")
+        self.condition(page, "Off line: cover open")
+        page.press("Space")
+        self.condition(page, "Ready")
+        self.tab_to(page, "document.querySelector('.sliders input')")
+        page.press("ArrowLeft")
+        page.until("document.querySelector('.sliders output').textContent !== 'unlimited'")
+        self.tab_to(page, "document.querySelector('.settings summary')")
+        page.press("Enter")
+        page.until("document.querySelector('.settings').open")
+        self.tab_to(page, "document.querySelector('.machine button')", backwards=True)
+        page.press("Enter")
+        page.until("document.querySelector('#log').textContent.includes('tear')", "the button was pressed")
+
+    def tab_to(self, page: Page, element: str, backwards: bool = False):
+        for _ in range(200):
+            if page.evaluate(f"document.activeElement === {element}"):
+                return
+            page.press("Tab", shift=backwards)
+        self.fail(f"not reached: {element}")
+
+    def test_assistive_technology_is_told_of_each_control_by_role_and_name(self):
+        for page in self.both_pages():
+            tree = page.tree()
+            unnamed = [node for node in tree if node["role"] in OPERATED | {"image", "region", "table"} and not node["name"]]
+            self.assertEqual(unnamed, [])
+            roles = [node["role"] for node in tree]
+            for landmark in ("banner", "navigation", "main"):
+                self.assertEqual(roles.count(landmark), 1, landmark)
+            self.assertGreaterEqual(roles.count("heading"), 2)
+
+    def test_conditions_are_switches_and_say_whether_they_are_on(self):
+        page, _ = self.shop_with_a_receipt()
+        self.turn(page, "Cover open")
+        self.condition(page, "Off line: cover open")
+        switches = {node["name"]: node.get("checked") for node in page.tree() if node["role"] == "switch"}
+        self.assertEqual((switches["Cover open"], switches["Paper out"]), ("true", "false"))
+
+    def test_sliders_say_their_value_in_words(self):
+        page = self.shop_page(self.shop())
+        self.assertEqual({node["name"] for node in page.tree() if node["role"] == "slider"}, {"Speed", "Buffer"})
+        # The browser's own tree gives the position of a native slider, whatever its words.
+        spoken = "[...document.querySelectorAll('.sliders input')].map((one) => one.getAttribute('aria-valuetext'))"
+        self.assertEqual(page.evaluate(spoken), ["unlimited", "4\u2009096 bytes"])
+
+    def test_a_change_is_announced_once(self):
+        page = self.shop_page(self.shop())
+        self.turn(page, "Cover open")
+        page.until("document.querySelector('#announcer').textContent.endsWith('Off line: cover open')")
+        self.assertEqual(page.evaluate("document.querySelectorAll('[aria-live=assertive]').length"), 0)
+
+    def test_every_text_is_readable_in_the_light_and_in_the_dark(self):
+        for dark in (False, True):
+            for page in self.both_pages(dark=dark):
+                self.assertEqual(page.evaluate(FAINT), [], f"dark: {dark}")
+                lightness = page.evaluate("getComputedStyle(document.body).backgroundColor.match(/\\d+/g).map(Number)")
+                self.assertEqual(sum(lightness) < 3 * 64, dark)
+
+    def test_nothing_is_wider_than_a_phone_of_360_pixels(self):
+        for page in self.both_pages(width=360, height=740):
+            self.assertEqual(page.evaluate("document.documentElement.scrollWidth"), 360)
+            small = page.evaluate("""[...document.querySelectorAll('button, select, summary, input:not([type=checkbox])')]
+                .filter((element) => element.checkVisibility() && element.getBoundingClientRect().height < 24)
+                .map((element) => element.outerHTML.slice(0, 90))""")
+            self.assertEqual(small, [], "too small for a finger")
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,191 @@
+"""The page of `simulate --web` in a browser: what a till prints is seen, and what is switched takes effect."""
+
+import json
+
+from harness import DEADLINE, main, start
+from shop import ShopCase
+
+RECEIPT = b"THE CORNER BAKERY\n\n2 Espresso        3.60\n1 Croissant       2.20\n\nTotal             5.80\n"
+
+# How many dots of the paper that hangs out are dark.
+INK = """[...document.querySelectorAll('.strip canvas')].reduce((sum, canvas) => {
+  const copy = new OffscreenCanvas(canvas.width, canvas.height).getContext('2d', {willReadFrequently: true});
+  copy.drawImage(canvas, 0, 0);
+  const dots = copy.getImageData(0, 0, canvas.width, canvas.height).data;
+  for (let i = 0; i < dots.length; i += 4) { sum += dots[i + 3] > 0 && dots[i] < 128 ? 1 : 0; }
+  return sum;
+}, 0)"""
+FIGURE = "[...document.querySelectorAll('.figures dt')].find((name) => name.textContent === {0!r}).nextSibling.textContent"
+
+
+class Printing(ShopCase):
+    def test_a_job_waits_for_the_cover_and_is_printed_when_the_page_closes_it(self):
+        shop = self.shop("--set", "speed=50", "--set", "profile=escpos-80")
+        page = self.shop_page(shop)
+        page.until(f"{INK} === 0", "no paper hangs out")
+        till = start("--json", "-d", shop.places[0], "-e", "escpos", "print", "--end-timeout", "60000",
+                     self.file("receipt.txt", RECEIPT))
+        self.addCleanup(till.kill)
+        page.until(f"{INK} > 200", "paper appears")
+        self.turn(page, "Cover open")
+        self.condition(page, "Off line: cover open")
+        printed = page.evaluate(FIGURE.format("Bytes printed"))
+        self.assertIsNone(till.poll(), "the job waits")
+        self.assertLess(int(printed), len(RECEIPT))
+        self.turn(page, "Cover open")
+        self.condition(page, "Ready")
+        out, _ = till.communicate(timeout=DEADLINE)
+        self.assertEqual((till.returncode, json.loads(out)["outcome"]), (0, "printed"))
+
+    def test_a_receipt_has_an_address_and_shows_picture_text_and_named_bytes(self):
+        shop = self.shop("--set", "profile=escpos-80")
+        page = self.shop_page(shop)
+        with shop.connect() as till:
+            till.sendall(b"\x1b@\x1bE\1" + RECEIPT + b"\x1dy\x1dVA\0")
+        page.until("document.querySelector('#receipts a')", "the receipt is listed")
+        address = page.evaluate("document.querySelector('#receipts a').href")
+        self.assertEqual(address, f"{shop.address}receipts/1")
+        page.follow("document.querySelector('#receipts a')")
+        for seen in (page, None):
+            seen = seen or self.page(address)
+            seen.until("document.querySelector('.commands tr')", "the commands are listed")
+            self.assertEqual(seen.evaluate("document.title"), "Receipt 1")
+            self.assertIn("1 Croissant       2.20", seen.evaluate("document.querySelector('pre').textContent"))
+            seen.until("document.querySelector('.whole img').naturalWidth > 300", "the picture is shown")
+            names = seen.evaluate("[...document.querySelectorAll('.commands th')].map((cell) => cell.textContent)")
+            self.assertEqual([name for name in names if name != "text"][:2], ["ESC @", "ESC E"])
+            self.assertIn("GS V", names)
+            self.assertIn("1b 40", seen.evaluate("document.querySelector('.commands code').textContent"))
+
+    def test_a_receipt_that_nobody_has_is_said(self):
+        shop = self.shop()
+        page = self.browser.page(f"{shop.address}receipts/99")
+        self.addCleanup(page.close)
+        page.until("document.querySelector('[role=alert]')?.textContent", "the page says so")
+
+    def test_a_test_receipt_is_printed_by_a_button(self):
+        page = self.shop_page(self.shop())
+        self.press(page, "Print a test receipt")
+        page.until("document.querySelectorAll('#receipts li').length === 1", "the receipt is listed")
+
+    def test_the_paper_is_torn_off_by_a_button_and_moves_only_if_motion_is_wanted(self):
+        for calm in (False, True):
+            shop = self.shop()
+            page = self.shop_page(shop, calm=calm)
+            page.evaluate("""(() => {
+                globalThis.seen = [];
+                new MutationObserver((changes) => changes.forEach((change) => {
+                  if (change.target.classList.contains('parting')) { globalThis.seen.push('parting'); }
+                })).observe(document.querySelector('.machine'), {subtree: true, attributes: true, childList: true});
+              })()""")
+            with shop.connect() as till:
+                till.sendall(RECEIPT)
+                page.until(f"{INK} > 500", "the paper appears")
+                self.press(page, "Tear off")
+                page.until(f"{INK} === 0", "the paper is gone")
+                page.until("document.querySelectorAll('#receipts li').length === 1", "the receipt is listed")
+            self.assertEqual(page.evaluate("globalThis.seen.length > 0"), not calm)
+
+    def test_a_printer_s_text_is_never_markup(self):
+        shop = self.shop()
+        page = self.shop_page(shop)
+        with shop.connect() as till:
+            till.sendall(b"<img src=x onerror=document.title='caught'>\n")
+        page.until("document.querySelector('#log')?.textContent.includes('<img src=x')", "the log shows it")
+        page.until("document.querySelector('#receipts a')", "the receipt is listed")
+        page.go(f"{shop.address}receipts/1")
+        page.until("document.querySelector('pre')?.textContent.includes('<img src=x')", "the receipt shows it")
+        self.assertEqual(page.evaluate("[document.title, document.querySelectorAll('img[src=x]').length]"), ["Receipt 1", 0])
+
+
+class Switching(ShopCase):
+    def state(self, page, printer: int = 1) -> dict:
+        """The printer's own word."""
+        return page.evaluate(f"""fetch('api/printers').then((answer) => answer.json())
+            .then(({{printers}}) => printers.find((printer) => printer.id === {printer}))""")
+
+    def test_each_printer_of_a_shop_has_its_own_switches(self):
+        shop = self.shop(printers=("tcp:0,name=kitchen", "tcp:0,name=bar"))
+        page = self.shop_page(shop)
+        self.assertEqual(page.evaluate("[...document.querySelectorAll('.printer h2')].map((name) => name.textContent)"),
+                         ["kitchen", "bar"])
+        page.click("[...document.querySelectorAll('.printer')][1].querySelector('.switch input')")
+        page.until("document.querySelectorAll('.printer .condition')[1].textContent === 'Off line: cover open'")
+        self.assertEqual(page.evaluate("document.querySelector('.printer .condition').textContent"), "Ready")
+        self.assertEqual([self.state(page, id)["state"]["coverOpen"] for id in (1, 2)], [False, True])
+
+    def test_every_flag_setting_and_fault_that_the_server_lists_has_a_control(self):
+        page = self.shop_page(self.shop())
+        forms = page.evaluate("fetch('api/forms').then((answer) => answer.json())")
+        self.assertEqual(page.evaluate("document.querySelectorAll('.switches .switch input').length"), len(forms["flags"]))
+        self.assertEqual(page.evaluate("document.querySelectorAll('.settings .fields > div').length"), len(forms["settings"]))
+        self.assertEqual(page.evaluate("[...document.querySelectorAll('.faults select option')].map((one) => one.value)")
+                         [:len(forms["faults"])], [fault["name"] for fault in forms["faults"]])
+        buttons = page.evaluate("[...document.querySelectorAll('button')].map((button) => button.textContent)")
+        self.assertLessEqual({action["label"].capitalize() for action in forms["actions"]}, set(buttons))
+
+    def test_what_a_control_line_changes_is_shown(self):
+        shop = self.shop()
+        page = self.shop_page(shop)
+        page.evaluate("""fetch('api/control', {method: 'POST', headers: {'Content-Type': 'application/json'},
+            body: JSON.stringify({set: {receiptPaperEmpty: true, speed: 200}})})""")
+        self.condition(page, "Off line: paper out")
+        page.until("document.querySelector('.sliders output').textContent === '200 bytes a second'")
+
+    def test_a_refused_value_is_said_and_the_old_one_shown_again(self):
+        page = self.shop_page(self.shop())
+        page.evaluate("document.querySelector('.settings').open = true")
+        field = "[...document.querySelectorAll('.settings label')].find((label) => /firmware/i.test(label.textContent)).control"
+        page.evaluate(f"(() => {{ const input = {field}; input.value = 'ü'; input.dispatchEvent(new Event('change')); }})()")
+        page.until("document.querySelector('[role=alert]').textContent.includes('firmware')", "the refusal is shown")
+        page.until(f"{field}.value === 'Virtual 1.0'", "the old value is shown")
+
+    def test_a_fault_with_its_parameters_is_added_and_cleared(self):
+        page = self.shop_page(self.shop())
+        page.evaluate("document.querySelector('.faults').open = true")
+        page.evaluate("""(() => {
+            const select = document.querySelector('.faults select');
+            select.value = 'late-reply';
+            select.dispatchEvent(new Event('change'));
+          })()""")
+        page.click("document.querySelector('.faults form input')")
+        page.type("300")
+        self.press(page, "Add the fault")
+        page.until("document.querySelector('.faults li')?.textContent === 'late-reply=300'", "the fault is listed")
+        self.assertEqual(self.state(page)["faults"], [{"name": "late-reply", "value": "300"}])
+        self.press(page, "Clear all faults")
+        page.until("document.querySelector('.faults li') === null", "no fault is listed")
+        self.assertEqual(self.state(page)["faults"], [])
+
+    def test_the_log_is_filtered_by_words_bytes_and_kind(self):
+        shop = self.shop("--set", "profile=escpos-80")
+        page = self.shop_page(shop)
+        with shop.connect() as till:
+            till.sendall(b"\x1b@Bread\n\x10\x04\x01")
+            till.recv(1)
+            page.until("document.querySelector('.entries .answer')", "the answer is logged")
+        rows = "[...document.querySelectorAll('.entries li')].map((row) => row.textContent)"
+        for wanted, held in (("1b 40", "ESC @"), ("bread", "Bread")):
+            page.evaluate(f"document.querySelector('#log input[type=search]').value = {wanted!r}")
+            page.evaluate("document.querySelector('#log input[type=search]').dispatchEvent(new Event('input'))")
+            found = page.evaluate(rows)
+            self.assertEqual(len(found), 1, found)
+            self.assertIn(held, found[0])
+        page.evaluate("document.querySelector('#log input[type=search]').value = ''")
+        page.click("[...document.querySelectorAll('#log .choice')].find((label) => label.textContent === 'commands').control")
+        self.assertEqual(page.evaluate("document.querySelectorAll('.entries .command').length"), 0)
+        self.assertGreater(page.evaluate("document.querySelectorAll('.entries .answer').length"), 0)
+
+    def test_a_shop_that_ends_is_noticed(self):
+        shop = self.shop()
+        page = self.browser.page(shop.address)
+        self.addCleanup(page.close)
+        page.until("document.querySelector('#link').textContent === 'live'")
+        page.evaluate("document.querySelector('#foot details').open = true")
+        self.press(page, "Quit")
+        self.assertEqual(shop.process.wait(DEADLINE), 0)
+        page.until("document.querySelector('#link').classList.contains('lost')", "the page says so")
+
+
+if __name__ == "__main__":
+    main()
