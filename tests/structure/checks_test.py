@@ -228,7 +228,7 @@ class Documentation(SmallTree):
     def test_a_link_to_an_existing_file_passes(self):
         self.assertFalse(self.objects_to(
             "[a](docs/threads.md) [b](docs/threads.md#who-runs-what) [c](#top) [d](https://example.org)"
-            "`docs/threads.md` `docs/` `a/b` `build/bin/quorport` ./dev test\n\n# Top\n"))
+            "`docs/threads.md` `docs/` `a/b` `/not/ours` `build/bin/quorport` ./dev test\n\n# Top\n"))
 
     def test_a_broken_link_is_seen(self):
         self.assertTrue(self.objects_to("[a](docs/nowhere.md)\n"))

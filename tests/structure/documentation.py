@@ -44,7 +44,7 @@ def broken_link(page: Path, target: str) -> bool:
 def missing_file(root: Path, code: str) -> bool:
     """True for the path of a file that is not there; a path starts with a folder of the project."""
     head, slash, _ = code.partition("/")
-    is_path = bool(slash) and re.fullmatch(r"[\w./-]+", code) and (root / head).is_dir()
+    is_path = bool(head and slash) and re.fullmatch(r"[\w./-]+", code) and (root / head).is_dir()
     return bool(is_path) and head != "build" and not (root / code).exists()
 
 
