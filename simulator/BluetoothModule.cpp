@@ -1,6 +1,7 @@
 #include "simulator/BluetoothModule.h"
 
 #include <algorithm>
+#include <string_view>
 #include <utility>
 
 namespace quordalvane::simulator {
@@ -13,8 +14,11 @@ constexpr Instant timeToDrop = 300ms;
 constexpr std::uint8_t escape = 0x2f;
 constexpr std::size_t escapeLength = 3;
 
-// Longer than any command that it knows: a longer one is an error, and its bytes need not be kept.
-constexpr std::size_t longestCommand = 64;
+constexpr std::string_view askAddress = "AT*AILBA?";
+constexpr std::string_view dropLink = "AT*AMWS=10,0,0,0,1,0";
+
+// Of a longer command one byte more is kept, so that it is taken for no other.
+constexpr std::size_t longestCommand = dropLink.size();
 
 }  // namespace
 
@@ -92,9 +96,9 @@ void BluetoothModule::receiveCommand(std::uint8_t byte, Instant now) {
 
 void BluetoothModule::obey(Instant now) {
   const std::string command = std::exchange(command_, {});
-  if (command == "AT*AILBA?") {
+  if (command == askAddress) {
     reply("\r\n*AILBA:" + address_ + "\r\n\r\nOK\r\n", now);
-  } else if (command == "AT*AMWS=10,0,0,0,1,0") {
+  } else if (command == dropLink) {
     reply("\r\nOK\r\n", now);
     if (!dropAt_) {
       dropAt_ = now + timeToDrop;

@@ -40,6 +40,16 @@ TEST(BluetoothModule, AnEndlessCommandIsAnErrorAndTakesNoMemory) {
   EXPECT_EQ(session.receive(), ascii("\r\nERROR\r\n"));
 }
 
+TEST(BluetoothModule, ACommandThatBeginsAsAKnownOneIsAnError) {
+  Session session;
+  enterCommandMode(session);
+  for (const char* command :
+       {"AT*AILBA?x\r", "AT*AMWS=10,0,0,0,1,0x\r", "AT*AMWS=10,0,0,0,1,0xx\r"}) {
+    session.send(ascii(command));
+    EXPECT_EQ(session.receive(), ascii("\r\nERROR\r\n")) << command;
+  }
+}
+
 TEST(BluetoothModule, DropsTheLinkWithinHalfASecondAfterTheReply) {
   Session session;
   enterCommandMode(session);
