@@ -111,8 +111,7 @@ void Station::welcome(Instant now) {
       return;
     }
     const bool dropped = host_->wasDropped();
-    host_.reset();
-    links_.end();
+    letHostGo();
     listener_->resume(dropped);
   }
 }
@@ -131,8 +130,19 @@ bool Station::acceptHost(Instant now) {
   }
   if (line != nullptr) {
     host_.emplace(std::move(line), links_.begin(now));
+    if (watchHosts_) {
+      watchHosts_(true);
+    }
   }
   return host_.has_value();
+}
+
+void Station::letHostGo() {
+  host_.reset();
+  links_.end();
+  if (watchHosts_) {
+    watchHosts_(false);
+  }
 }
 
 void Station::turnAway() {
@@ -167,8 +177,7 @@ void Station::takeTurns(Instant now) {
   }
   waiting_.splice(waiting_.begin(), waiting_, next);
   waiting_.push_back(host_->release());
-  host_.reset();
-  links_.end();
+  letHostGo();
   welcome(now);
 }
 
@@ -230,9 +239,10 @@ std::optional<Instant> Station::endOfJob() const {
 }
 
 void Station::close() {
-  host_.reset();
+  if (host_) {
+    letHostGo();
+  }
   waiting_.clear();
-  links_.end();
   tearOff();
 }
 

@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "simulator/VirtualPrinter.h"
@@ -47,6 +48,9 @@ class Station {
   /// Whether a host is connected.
   bool hasHost() const { return host_.has_value(); }
 
+  /// From now on `watch` is told when a host connects (true) and when it leaves (false).
+  void watchHosts(std::function<void(bool)> watch) { watchHosts_ = std::move(watch); }
+
   /// Since the beginning, the paper in the printer included.
   Counters counters() const;
 
@@ -73,6 +77,7 @@ class Station {
  private:
   void welcome(simulator::Instant now);
   bool acceptHost(simulator::Instant now);
+  void letHostGo();
   void turnAway();
   void letHostsQueue();
   void takeTurns(simulator::Instant now);
@@ -93,6 +98,7 @@ class Station {
   Links links_;
   std::optional<HostConnection> host_;
   std::list<std::unique_ptr<Line>> waiting_;  // connected hosts whose turn is later
+  std::function<void(bool)> watchHosts_;      // may be empty
   Counters done_;                             // of the papers that were given away
 };
 

@@ -1,7 +1,6 @@
 #include "tools/quorport/web/PrinterShow.h"
 
 #include <nlohmann/json.hpp>
-#include <utility>
 
 #include "text/Quoted.h"
 
@@ -32,11 +31,6 @@ std::optional<std::string> PrinterShow::change() {
   }
   shown_ = text;
   return text;
-}
-
-std::optional<bool> PrinterShow::hostChange() {
-  const bool hasHost = station_.hasHost();
-  return std::exchange(hadHost_, hasHost) == hasHost ? std::nullopt : std::optional(hasHost);
 }
 
 }  // namespace quordalvane::tool

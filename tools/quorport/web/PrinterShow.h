@@ -29,10 +29,6 @@ class PrinterShow {
   /// What changes of that, as one line; empty if nothing has changed since the last call.
   std::optional<std::string> change();
 
-  /// Whether its host has changed since the last call: true if one has connected, false if the last
-  /// one has left.
-  std::optional<bool> hostChange();
-
  private:
   Json changing() const;
 
@@ -41,7 +37,6 @@ class PrinterShow {
   const Control& control_;
   LivePaper paper_;
   std::string shown_;
-  bool hadHost_ = false;
 };
 
 }  // namespace quordalvane::tool

@@ -4,8 +4,8 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
-#include "text/Quoted.h"
 #include "simulator/CommandNames.h"
+#include "text/Quoted.h"
 #include "tools/quorport/Hex.h"
 
 namespace quordalvane::tool {

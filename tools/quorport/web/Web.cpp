@@ -83,6 +83,9 @@ class Web : public Audience {
       station.printer().watch([this, number](const simulator::VirtualPrinter::Deed& deed) {
         traffic_.add(number, deed, millisecondsNow());
       });
+      station.watchHosts([this, number](bool isConnected) {
+        traffic_.addHost(number, isConnected, millisecondsNow());
+      });
     }
     control.listen(
         [this](std::string_view line, std::string_view answer, std::optional<std::size_t> only) {
@@ -176,9 +179,6 @@ class Web : public Audience {
     }
     shownAt_ = now;
     for (PrinterShow& printer : printers_) {
-      if (const auto host = printer.hostChange()) {
-        traffic_.addHost(printer.number(), *host, millisecondsNow());
-      }
       if (const auto change = printer.change()) {
         server_.publish("state", *change);
       }
