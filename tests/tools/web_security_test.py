@@ -1,0 +1,278 @@
+"""`simulate --web` before strangers: pages of another origin, names that were pointed here, clients that take up room."""
+
+import contextlib
+import random
+import socket
+import time
+
+from browser import BrowserCase
+from harness import eventually, main, run
+
+READERS = 64
+CONNECTIONS = 128
+
+
+def line_of(answer: bytes) -> bytes:
+    return answer.split(b"\r\n", 1)[0]
+
+
+class Strangers(BrowserCase):
+    def setUp(self):
+        super().setUp()
+        self.simulator_, self.browser = self.open()
+
+    def refused(self, path: str = "api/printers", method: str = "GET", **headers: str):
+        """The request is refused, and nothing of the answer can be read by another page."""
+        body = b'{"set": {"coverOpen": true}}' if method == "POST" else None
+        answer = self.browser.ask(path, method, body, **headers)
+        self.assertEqual(answer.status, 403, (path, headers))
+        self.assertNotIn(b"coverOpen", answer.content)
+        self.assertFalse([name for name in answer.headers if name.lower().startswith("access-control")])
+        self.assertFalse(self.simulator_.state()["coverOpen"])
+
+    def test_without_the_token_are_refused(self):
+        token = self.browser.prefix.strip("/")
+        other = ("0" if token[-1] != "0" else "1")
+        for path in ("/", "/api/printers", "//", f"/{token}", f"/{token[:-1]}/", f"/{token}x/", f"/{token[:-1]}{other}/api/printers",
+                     f"/x/{token}/", f"/{token.upper()}/" if token.upper() != token else "/X/", f"/?{token}"):
+            self.refused(path)
+        self.refused("/api/control", "POST", Content_Type="application/json")
+
+    def test_of_another_origin_read_and_switch_nothing(self):
+        for origin in ("http://evil.example", "null", "https://" + self.browser.authority, "http://127.0.0.1",
+                       f"http://localhost:{self.browser.port}", "http://127.0.0.1:1", ""):
+            headers = {"Origin": origin or " x"}
+            for path in ("", "api/printers", "api/events", "receipts/1.json", "page/main.js"):
+                self.refused(path, **headers)
+            self.refused("api/control", "POST", Content_Type="application/json", **headers)
+
+    def test_of_the_own_origin_are_answered(self):
+        own = "http://" + self.browser.authority
+        self.assertEqual(self.browser.ask("api/printers", Origin=own).status, 200)
+        self.assertEqual(self.browser.control({"get": "state"}, Origin=own)["ok"], True)
+
+    def test_that_ask_before_they_send_get_no_leave(self):
+        answer = self.browser.ask("api/control", "OPTIONS", Origin="http://" + self.browser.authority,
+                                  Access_Control_Request_Method="POST")
+        self.assertEqual(answer.status, 405)
+        self.assertFalse([name for name in answer.headers if name.lower().startswith("access-control")])
+
+    def test_by_a_name_that_was_pointed_here_are_refused(self):
+        port = self.browser.port
+        for host in (f"evil.example:{port}", "evil.example", f"127.0.0.1.evil.example:{port}", "127.0.0.1", f"127.0.0.1:{port}0",
+                     f"127.0.0.1:{port}:{port}", f"[::1:{port}", "[", f":{port}", f"localhost.:{port}", f"127.0.0.1:{port}x", "x" * 5000):
+            self.refused("", Host=host)
+        for host in (f"127.0.0.1:{port}", f"localhost:{port}", f"[::1]:{port}"):
+            self.assertEqual(self.browser.ask("", Host=host).status, 200, host)
+
+    def test_that_send_a_form_switch_nothing(self):
+        for kind in ("text/plain", "application/x-www-form-urlencoded", "multipart/form-data; boundary=x", "application/jsonx"):
+            answer = self.browser.ask("api/control", "POST", b'{"set": {"coverOpen": true}}', Content_Type=kind)
+            self.assertEqual(answer.status, 415, kind)
+        self.assertFalse(self.simulator_.state()["coverOpen"])
+
+    def test_are_told_to_run_nothing_and_to_guess_nothing(self):
+        for path in ("", "page/main.js", "api/printers", "receipts/9", "/elsewhere"):
+            headers = self.browser.ask(path).headers
+            self.assertIn("default-src 'none'", headers["Content-Security-Policy"])
+            self.assertIn("frame-ancestors 'none'", headers["Content-Security-Policy"])
+            self.assertNotIn("unsafe", headers["Content-Security-Policy"])
+            self.assertEqual(headers["X-Content-Type-Options"], "nosniff")
+            self.assertEqual(headers["Referrer-Policy"], "no-referrer")
+            self.assertEqual(headers["Cross-Origin-Resource-Policy"], "same-origin")
+
+    def test_on_other_machines_do_not_reach_it_by_default(self):
+        inode_lines = [line.split() for line in open("/proc/net/tcp").read().splitlines()[1:]]
+        places = [fields[1] for fields in inode_lines if int(fields[1].split(":")[1], 16) == self.browser.port and fields[3] == "0A"]
+        self.assertEqual(places, [f"0100007F:{self.browser.port:04X}"])
+
+
+class Limits(BrowserCase):
+    def setUp(self):
+        super().setUp()
+        self.simulator_, self.browser = self.open()
+
+    def send(self, data: bytes) -> bytes:
+        """Sends bytes and returns what is answered until the server ends the connection."""
+        with self.browser.connect() as connection, contextlib.suppress(ConnectionError):
+            connection.sendall(data)
+            with contextlib.suppress(OSError):  # the server may have ended it already
+                connection.shutdown(socket.SHUT_WR)
+            answer = b""
+            while more := connection.recv(65536):
+                answer += more
+            return answer
+        return b""
+
+    def drop(self, data: bytes):
+        """Sends bytes and leaves."""
+        with self.browser.connect() as connection, contextlib.suppress(ConnectionError):
+            connection.sendall(data)
+
+    def head(self, more: str = "", method: str = "POST") -> bytes:
+        return (f"{method} {self.browser.prefix}api/control HTTP/1.1\r\nHost: {self.browser.authority}\r\n"
+                f"Content-Type: application/json\r\n{more}").encode()
+
+    def test_of_a_body_are_held(self):
+        answer = self.browser.ask("api/control", "POST", b" " * 65537, Content_Type="application/json")
+        self.assertEqual(answer.status, 413)
+        endless = self.head("Transfer-Encoding: chunked\r\n\r\n") + b"8000\r\n" + b" " * 32768 + b"\r\n" + \
+            (b"8000\r\n" + b" " * 32768 + b"\r\n") * 8
+        self.assertNotIn(b"200 OK", self.send(endless))
+        longest = b'{"get": "state"}'.ljust(65536)
+        self.assertTrue(self.browser.control(longest)["ok"])
+
+    def test_of_a_head_are_held(self):
+        for more in (f"X: {'x' * 100000}\r\n\r\n", "X: y\r\n" * 20000 + "\r\n", "Cookie: " + "c" * 1000000):
+            self.assertRegex(line_of(self.send(self.head(more))), rb"^(HTTP/1.1 4\d\d .*)?$")
+        self.assertRegex(line_of(self.send(b"GET /" + b"x" * 200000 + b" HTTP/1.1\r\n\r\n")), rb"^(HTTP/1.1 4\d\d .*)?$")
+        self.assertEqual(self.browser.ask("").status, 200)
+
+    def test_of_readers_are_held_with_a_word_about_it(self):
+        readers = [self.events(self.browser) for _ in range(READERS)]
+        for reader in readers:
+            reader.next("snapshot")
+        refused = self.events(self.browser)
+        self.assertEqual(refused.status, 503)
+        self.assertEqual(refused.response.headers["Retry-After"], "5")
+        readers[0].close()
+        isOpen = False
+
+        def reads():
+            nonlocal isOpen
+            isOpen = not isOpen
+            self.simulator_.set(coverOpen=isOpen)  # whoever has left is noticed by an event for it
+            reader = self.browser.events()
+            self.addCleanup(reader.close)
+            return reader.status == 200
+        eventually(reads, "a place becomes free")
+
+    def test_bytes_of_any_kind_end_nothing(self):
+        chance = random.Random(22)
+        samples = [self.head("Content-Length: 5\r\n\r\n") + b"hello", self.head("\r\n", "GET"),
+                   self.head("Expect: 100-continue\r\nContent-Length: 70000\r\n\r\n"), self.head("Content-Length: -1\r\n\r\n"),
+                   self.head("Content-Length: 99999999999999999999\r\n\r\n"), self.head("Transfer-Encoding: chunked\r\n\r\nZZ\r\n")]
+        for _ in range(150):
+            sample = bytearray(chance.choice(samples))
+            for _ in range(chance.randrange(1, 6)):
+                at = chance.randrange(len(sample))
+                sample[at:at + chance.randrange(4)] = chance.randbytes(chance.randrange(4))
+            self.drop(bytes(sample))
+            self.drop(chance.randbytes(chance.randrange(1, 400)))
+        self.assertIsNone(self.simulator_.process.poll())
+        self.assertEqual(self.browser.ask("").status, 200)
+
+    def test_of_paths_and_queries_hold_nothing_else(self):
+        for path in ("receipts/1.json?from=-1", "receipts/99999999999999999999", "receipts/1.png%00", "api/receipts?before=x",
+                     "api/printers/0/control", "api/printers/18446744073709551616/control", "page/%2e%2e/index.html",
+                     "%2e%2e/", "api/receipts?before=%ff&&=&before"):
+            for method in ("GET", "POST"):
+                answer = self.browser.ask(path, method, b"{}" if method == "POST" else None, Content_Type="application/json")
+                self.assertIn(answer.status, (200, 404), path)
+
+
+class Crowd(BrowserCase):
+    """Clients that take up room; printing takes as long as without them."""
+
+    JOB = b"a line of text\n" * 200
+
+    def print_in_time(self, simulator):
+        result = run("-d", simulator.place, "print", "-", data=self.JOB)
+        self.assertExit(0, result)
+        self.assertLess(result.seconds, 5)
+
+    def test_of_a_thousand_idle_clients_holds_nothing_up(self):
+        simulator, browser = self.open()
+        clients = [browser.connect() for _ in range(500)]
+        for client in clients[::2]:
+            with contextlib.suppress(ConnectionError):
+                client.sendall(b"GET / HTTP/1.1\r\nHost: ")  # and never more
+        clients += [browser.connect() for _ in range(500)]
+        try:
+            self.print_in_time(simulator)
+            self.assertEqual(browser.ask("").status, 200)
+            self.assertEqual(browser.control({"get": "state"})["ok"], True)
+            eventually(lambda: simulator.descriptors() < CONNECTIONS + 40, "those that were there longest gave way")
+        finally:
+            for client in clients:
+                client.close()
+
+    def test_of_readers_that_read_a_byte_a_second_holds_nothing_up(self):
+        simulator, browser = self.open()
+        quick = self.events(browser)
+        slow = []
+        for path in ("api/events", "receipts/1", "api/printers"):
+            connection = browser.connect(room=2048)
+            self.addCleanup(connection.close)
+            connection.sendall(f"GET {browser.prefix}{path} HTTP/1.1\r\nHost: {browser.authority}\r\n\r\n".encode())
+            slow.append(connection)
+        end = time.monotonic() + 3
+        while time.monotonic() < end:
+            self.print_in_time(simulator)
+            quick.next("receipt")
+            for connection in slow:
+                self.assertTrue(connection.recv(1))
+
+    def test_of_a_reader_that_reads_nothing_is_cut_off(self):
+        simulator, browser = self.open()
+        stuck = browser.connect(room=2048)
+        self.addCleanup(stuck.close)
+        stuck.sendall(f"GET {browser.prefix}api/events HTTP/1.1\r\nHost: {browser.authority}\r\n\r\n".encode())
+        quick = self.events(browser)
+        image = b"\x1d\x76\x30\x00\x48\x00\x00\x04" + random.Random(1).randbytes(72 * 1024)
+        for _ in range(120):
+            with simulator.connect() as host:
+                host.sendall(image)
+            quick.next("receipt")
+
+        def has_ended():
+            with contextlib.suppress(ConnectionError):
+                while more := stuck.recv(1 << 20):
+                    self.assertTrue(more)
+            return True
+        self.assertTrue(has_ended())
+
+
+class Memory(BrowserCase):
+    def resident(self, simulator) -> int:
+        """MiB of memory that the process holds."""
+        for line in open(f"/proc/{simulator.process.pid}/status"):
+            if line.startswith("VmRSS:"):
+                return int(line.split()[1]) // 1024
+        raise AssertionError("no such line")
+
+    def test_of_a_thousand_receipts_is_that_of_two_hundred(self):
+        simulator, browser = self.open()
+        events = self.events(browser)
+
+        def print_until(last: int, done: int):
+            for _ in range(done, last):
+                with simulator.connect() as host:
+                    host.sendall(b"a receipt of some lines\n" * 5 + b"\x1d\x56\x00")
+            while events.next("receipt")["id"] < last:
+                pass
+        print_until(1000, 0)
+        after = self.resident(simulator)
+        print_until(1300, 1000)
+        self.assertLess(self.resident(simulator), after + 2)
+        self.assertEqual(browser.ask("receipts/1100.png").status, 404)
+        self.assertEqual(browser.ask("receipts/1101.png").status, 200)
+        self.assertEqual(len(browser.json("api/receipts")["receipts"]), 50)
+        self.assertEqual(browser.json("api/receipts?before=1200")["receipts"][0]["id"], 1199)
+        self.assertEqual(browser.json("api/receipts?before=1101")["receipts"], [])
+
+    def test_of_twenty_metres_of_paper_has_a_bound(self):
+        simulator, browser = self.open()
+        events = self.events(browser)
+        before = self.resident(simulator)
+        with simulator.connect() as host:
+            for _ in range(5334):  # lines of 30 dots; eight dots are a millimetre
+                host.sendall(b"twenty metres of paper\n")
+        length = 0
+        while length < 160_000:
+            length += events.next("receipt")["height"]
+        self.assertLess(self.resident(simulator), before + 96)
+
+
+if __name__ == "__main__":
+    main()
