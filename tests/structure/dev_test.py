@@ -76,6 +76,15 @@ class Packages(unittest.TestCase):
         self.assertIn("g++", self.shell('echo "${build_packages[@]}"').stdout)
         self.assertIn("build-essential", self.shell('echo "${package_packages[@]}"').stdout)
 
+    def test_the_debian_packages_are_built_with_every_library(self):
+        """One that is missing there does not fail the build: it leaves a part of the product out."""
+        libraries = [name for name in self.shell('echo "${build_packages[@]} ${package_packages[@]}"').stdout.split()
+                     if name.endswith("-dev") and name not in ("libgtest-dev", "libgmock-dev")]
+        control = (ROOT / "debian/control").read_text().split("Standards-Version")[0]
+        needed = {line.split()[0].rstrip(",") for line in control.splitlines() if line.startswith(" ")}
+        self.assertGreater(len(libraries), 10)
+        self.assertEqual(set(libraries) - needed, set())
+
 
 class Quietly(unittest.TestCase):
     def quietly(self, command: str) -> tuple[subprocess.CompletedProcess, str]:
