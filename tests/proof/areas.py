@@ -31,7 +31,7 @@ AREAS = (
     Area("port", ("iphone-IOPort/*.cpp", "iphone-IOPort/WholeSeconds.h", "iphone-IOPort/Subrange.h", "parsers/*.cpp"),
          ("tests/unit/parsers", "tests/unit/port", "tests/unit/job", "tests/trace", "tests/model"),
          ("unit_parsers_tests", "unit_port_tests", "unit_job_tests", "trace_tests")),
-    Area("job", ("job/*.cpp",), ("tests/unit/job", "tests/simulation"), ("unit_job_tests", "simulation_tests")),
+    Area("job", ("job/*.cpp",), ("tests/unit/job", "tests/simulation"), ("unit_job_tests", "simulation_tests -*EverySchedule*")),
     Area("logging", ("logging/*.cpp", "text/*.cpp"),
          ("tests/unit/text", "tests/unit/logging", "tests/lifecycle", "tests/faults"),
          ("unit_text_tests", "unit_logging_tests", "lifecycle_tests", "faults_tests LogDelivery*")),

@@ -21,6 +21,7 @@ TEST(DeviceIdentity, IsTheSchemeAndThePlaceForAllKeys) {
 
 TEST(DeviceIdentity, OfAHostKnowsNoCapitals) {
   EXPECT_EQ(identityOf("tcp:Till-1.Shop:9100"), identityOf("tcp:till-1.shop:9100"));
+  EXPECT_EQ(identityOf("tcp:A-Z:9100"), identityOf("tcp:a-z:9100"));
 }
 
 TEST(DeviceIdentity, OfAPathIsThatOfTheFileAtTheEndOfAllLinks) {

@@ -334,6 +334,7 @@ TEST(HostAndPort, IsSplitAtTheLastColonAndLosesItsBrackets) {
   EXPECT_EQ(parseHostAndPort("printer.example:9100").host, "printer.example");
   EXPECT_EQ(parseHostAndPort("printer.example:9100").port, 9100);
   EXPECT_EQ(parseHostAndPort("[::1]:65535").host, "::1");
+  EXPECT_EQ(parseHostAndPort("[a]:1").host, "a");
   EXPECT_EQ(parseHostAndPort("[::1]:65535").port, 65535);
 }
 

@@ -33,6 +33,13 @@ TEST(Devices, EverySchemeMakesAnAccessoryThatIsConnectedAndHasTheGivenTexts) {
   }
 }
 
+TEST(Devices, AnAccessoryIsDescribedByTheTextsThatItHas) {
+  EXPECT_EQ(make("unix:/a,id=7,name=N,model=M,serial=S,manufacturer=K,address=01:23:45:67:89:ab")
+                ->description(),
+            "<accessory 7, address 01:23:45:67:89:ab: N, model M, serial S, maker K>");
+  EXPECT_EQ(make("unix:/a,id=8,name=N")->description(), "<accessory 8: N, maker quor dalvane>");
+}
+
 TEST(Devices, AccessoriesWithoutAnIdentifierAreNumbered) {
   const auto first = make("unix:/a")->connectionID();
   EXPECT_GE(first, 1U);
