@@ -83,6 +83,16 @@ TEST_F(TcpDescriptor, AShortWaitIsNotProlongedToATickOfTheSystem) {
   EXPECT_LT(shortest, 0.025);  // the wait of a socket by itself takes thirty
 }
 
+TEST_F(TcpDescriptor, AWaitIsNotProlongedByThatOfTheSocketItself) {
+  double shortest = atOnce;
+  for (int i = 0; i < 5; ++i) {
+    const Stopwatch watch;
+    receiveUntil(SteadyClock::now() + 100ms);
+    shortest = std::min(shortest, watch.seconds());
+  }
+  EXPECT_LT(shortest, 0.9);
+}
+
 TEST_F(TcpDescriptor, ASignalEndsNoWait) {
   const SignalStorm storm;
   const Stopwatch watch;
