@@ -137,9 +137,14 @@ class Tried:
         kept = self.answers.get(self.key(mutant))
         return kept["answer"] if kept and kept["state"] == self.state(mutant, kept["answer"]) else None
 
+    def shown(self, mutant: Mutant) -> str | None:
+        """The answer; a survivor that is to be tried again remains one until then."""
+        survived = self.answers.get(self.key(mutant), {}).get("answer") == "survived"
+        return self.answer(mutant) or ("survived" if survived else None)
+
     def counted(self, count: int) -> list[Mutant]:
         """The first COUNT mutants that were tried and do compile."""
-        tried = [one for one in self.drawn if self.answer(one) not in (None, "compiler")]
+        tried = [one for one in self.drawn if self.shown(one) not in (None, "compiler")]
         return tried[: count or None]
 
     def missing(self, count: int) -> list[Mutant]:
@@ -162,7 +167,7 @@ class Tried:
         """A row of the table for each, and its explanation or nothing."""
         rows = []
         for mutant in self.counted(count):
-            if self.answer(mutant) == "survived":
+            if self.shown(mutant) == "survived":
                 lines = mutant.describe((areas.ROOT / mutant.path).read_text())
                 old, new = (line.replace("|", r"\|") for line in lines)
                 why = known.get(f"{mutant.path}|{old}|{new}", "")

@@ -180,6 +180,12 @@ class Mutants(Folder):
             self.write("tests/more_test.cpp", f"// {answer}\n")
             self.assertEqual(self.kept(), 0)
 
+    def test_a_survivor_that_is_to_be_tried_again_is_still_counted(self):
+        self.answer_all("survived")
+        self.write("tests/more_test.cpp", "// new\n")
+        self.assertEqual(len(self.tried().counted(0)), 4)
+        self.assertEqual(len(self.tried().missing(0)), 4)
+
     def test_a_test_is_found_by_its_name_whatever_its_kind(self):
         sources = self.TEST + "TEST_P(Link,\n       Waits) {\n}\nstatic void APortWrites(void) {\n  a();\n}\n"
         self.assertIn("f(1)", mutation.body_of("F.AddsOne", sources))
