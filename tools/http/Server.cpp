@@ -232,7 +232,7 @@ class Server::Machine {
     const std::string host = headerOf(connection, "Host");
     const std::string origin = headerOf(connection, "Origin");
     const std::string type = headerOf(connection, "Content-Type");
-    const auto refused = gate_.refuses(
+    auto refused = gate_.refuses(
         {.method = method, .path = path, .host = host, .origin = origin, .contentType = type});
     const auto length = numberIn(headerOf(connection, "Content-Length"));
     if (!refused && length.value_or(0) > longestBody) {

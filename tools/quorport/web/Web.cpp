@@ -63,6 +63,7 @@ std::vector<std::pair<std::string, unsigned>> eventsOf(const PaperArtist::Drawin
     }
   }
   std::vector<std::pair<std::string, unsigned>> texts;
+  texts.reserve(events.size());
   for (const Json& event : events) {
     texts.emplace_back(inOneLine(event), event["height"].get<unsigned>());
   }
