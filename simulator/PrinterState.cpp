@@ -126,8 +126,8 @@ struct Setting {
   Text about;
   void (*set)(State&, Text);
   std::optional<std::string> (*get)(const State&);
-  Choices choices = nullptr;
-  bool isFree = false;
+  Choices choices = nullptr;   // all its values
+  Choices examples = nullptr;  // some of them
 };
 
 std::string hexOf(const DipBank& bank) {
@@ -162,7 +162,7 @@ constexpr Setting settings[] = {
      [](const State& state) { return std::optional(std::to_string(state.bufferSize())); }},
     {"profile", Kind::Text, 0, 0, "the kind of printer; sets several of these",
      [](State& state, Text value) { applyProfile(value, state); },
-     [](const State& state) { return std::optional(state.profile); }, profileNames, true},
+     [](const State& state) { return std::optional(state.profile); }, nullptr, profileNames},
     {"paper", Kind::Number, 58, 80, "millimetres, of the next roll",
      [](State& state, Text value) {
        state.setPaperWidth(numberFrom<unsigned>("paper", value, "58 or 80 (mm)"));
@@ -173,7 +173,7 @@ constexpr Setting settings[] = {
      }},
     {"proofs", Kind::Text, 0, 0, "the proofs that it knows, joined by +",
      [](State& state, Text value) { state.dialect.proofs = Proofs::parse(value); },
-     [](const State& state) { return std::optional(state.dialect.proofs.text()); },
+     [](const State& state) { return std::optional(state.dialect.proofs.text()); }, nullptr,
      [] {
        return std::vector<Text>{"block+process-id+in-order",
                                 "process-id+in-order",
@@ -181,8 +181,7 @@ constexpr Setting settings[] = {
                                 "process-id",
                                 "in-order",
                                 "none"};
-     },
-     true},
+     }},
     {"lacks", Kind::Text, 0, 0, "commands that it lacks, by their first bytes, like 1b4c+1d286b",
      [](State& state, Text value) { state.lacked = LackedCommands::parse(value); },
      [](const State&) { return std::optional<std::string>(); }},
@@ -194,11 +193,10 @@ constexpr Setting settings[] = {
      [](const State& state) { return std::optional(truthOf(state.characters.utf8)); }},
     {"codePages", Kind::Text, 0, 0, "the numbers of its code pages, like 0:437+16:1252",
      [](State& state, Text value) { state.characters.setPages(value); },
-     [](const State&) { return std::optional<std::string>(); },
+     [](const State&) { return std::optional<std::string>(); }, nullptr,
      [] {
        return std::vector<Text>{"common", "small"};
-     },
-     true},
+     }},
     {"multiByte", Kind::Text, 0, 0, "characters of several bytes",
      [](State& state, Text value) { state.characters.setMultiByte(value); },
      [](const State& state) {
@@ -305,9 +303,9 @@ std::vector<SettingForm> settingForms() {
   std::vector<SettingForm> forms;
   for (const Setting& setting : settings) {
     SettingForm form{setting.key, setting.kind, setting.least, setting.most, setting.about};
-    if (setting.choices != nullptr) {
-      form.choices = setting.choices();
-      form.isFree = setting.isFree;
+    form.isFree = setting.choices == nullptr;
+    if (const Choices usual = form.isFree ? setting.examples : setting.choices) {
+      form.choices = usual();
     }
     forms.push_back(std::move(form));
   }
