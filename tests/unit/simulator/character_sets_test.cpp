@@ -134,7 +134,7 @@ TEST(CodePages, AreSetByNumbersAndNamesAlone) {
 }
 
 TEST(Utf8Text, IsReadOnlyByAPrinterThatKnowsIt) {
-  for (const std::string& name : profileNames()) {
+  for (const std::string_view name : profileNames()) {
     EXPECT_NE(Print(hex("c3 a9 0a"), profile(name)).text(), "é") << name;
   }
   EXPECT_EQ(Print(hex("c3 a9 0a")).text(), "├⌐");
