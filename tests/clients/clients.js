@@ -58,6 +58,9 @@ const clients = {
     const device = new Adapter(host, port);
     await new Promise((resolve, reject) => device.open((error) => (error ? reject(error) : resolve())));
     const printer = new Printer(device, {});
+    // It reads the four answers only if they arrive in one piece; so its four questions leave in one.
+    device.device.cork();
+    process.nextTick(() => device.device.uncork());
     const statuses = await within(5000, printer.getStatuses(), "statuses");
     printer.text(words).cut();
     await printer.close();
