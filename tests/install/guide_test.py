@@ -2,7 +2,7 @@
 
 A block of kind "console" is run in a shell of its own, in a folder that holds the examples; a line that
 begins with "$ " is a command; the lines after it are its output. A "…" matches any text. A command
-that ends in "&" runs until the block ends, and has printed its first lines before the next begins.
+that ends in "&" runs until the block ends, and has printed its lines before the next begins.
 """
 
 import os
@@ -15,7 +15,7 @@ from pathlib import Path
 
 from programs import DEADLINE, QUORPORT, SOURCES, ProgramTest
 
-PORT = "9100"  # as the pages say; here another program may use it
+PORTS = ("9100", "9101", "9102", "8080")  # as the pages say; here other programs may use them
 READERS_PRINTER = "192.0.2.10"  # an address that nobody has
 RECEIPT = SOURCES / "examples/receipt.txt"
 PAGES = [SOURCES / "README.md", *sorted((SOURCES / "docs").glob("*.md"))]
@@ -35,7 +35,7 @@ ELSEWHERE = re.compile(r"\./dev \w+|git clone |cd |cmake --install |quorport (--
 # A machine without the fonts says so first; the guides show the output of one that has them.
 FONT_HINT = re.compile(r"^quorport: no font on this machine has .*\n", re.M)
 
-WAIT_FOR_LINES = "until [ -s {0} ]; do sleep 0.01; done; cat {0}"
+WAIT_FOR_LINES = "until [ $(wc -l < {0}) -ge {1} ]; do sleep 0.01; done; cat {0}"
 
 
 def free_port() -> str:
@@ -51,13 +51,14 @@ def pieces(block: str) -> list[tuple[str, str]]:
     return list(zip(parts[1::2], parts[2::2]))
 
 
-def script(commands: list[str]) -> str:
+def script(wanted: list[tuple[str, str]]) -> str:
     """Runs the commands, each with the exit status of the one before it in $?, and marks the end of each."""
     lines = ["last=0"]
-    for number, command in enumerate(commands):
+    for number, (command, output) in enumerate(wanted):
         if command.endswith("&"):
-            lines.append(f"{command[:-1]} > .shown{number} 2>&1 &")
-            lines.append(WAIT_FOR_LINES.format(f".shown{number}"))
+            shown = f".shown{number}"
+            lines.append(f": > {shown}; {command[:-1]} > {shown} 2>&1 &")
+            lines.append(WAIT_FOR_LINES.format(shown, output.count("\n")))
         else:
             # A served printer tears a receipt off when it has seen the end of the connection.
             lines += [f"until [ -s {paper} ]; do sleep 0.01; done" for paper in re.findall(r"paper/\S+", command)]
@@ -78,19 +79,21 @@ class Guides(ProgramTest):
         (folder / "examples").symlink_to(SOURCES / "examples")
         (folder / "docs").symlink_to(SOURCES / "docs")
         (folder / "build").symlink_to(Path(QUORPORT).parent.parent)
-        port = free_port()
+        ports = {port: free_port() for port in PORTS}
         if READERS_PRINTER in block:
-            self.printer(f"tcp:{port}")
+            self.printer(f"tcp:{ports[PORTS[0]]}")
 
         def here(text: str) -> str:
-            return text.replace(PORT, port).replace(READERS_PRINTER, "127.0.0.1")
+            return re.sub("|".join(PORTS), lambda port: ports[port[0]], text).replace(READERS_PRINTER, "127.0.0.1")
 
         (folder / "program.cpp").write_text(here(program))
         wanted = pieces(block)
-        result = subprocess.run(["bash", "-c", here(script([command for command, _ in wanted]))], cwd=folder,
+        result = subprocess.run(["bash", "-c", here(script(wanted))], cwd=folder,
                                 env=os.environ | {"PATH": f"{Path(QUORPORT).parent}:{os.environ['PATH']}"},
                                 stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, timeout=3 * DEADLINE)
-        shown = FONT_HINT.sub("", result.stdout.replace(port, PORT))
+        shown = FONT_HINT.sub("", result.stdout)
+        for port, free in ports.items():
+            shown = shown.replace(free, port)
         if READERS_PRINTER in block:
             shown = shown.replace("127.0.0.1", READERS_PRINTER)
         shown = shown.split("\0")
