@@ -11,6 +11,7 @@ import socket
 import subprocess
 import tempfile
 import unittest
+from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
 from programs import DEADLINE, QUORPORT, SOURCES, ProgramTest
@@ -31,6 +32,8 @@ RUN_ELSEWHERE = ("javascript", "python", "sh")
 # Commands that other tests run, or that no test may run: a clone, an installation as root, a build in a build, and
 # Bluetooth, which the machine's tests have.
 ELSEWHERE = re.compile(r"\./dev \w+|git clone |cd |cmake --install |quorport (--device YOUR-PRINTER|-d bluetooth:\S+) ")
+
+AT_ONCE = 3  # most runs wait for their printers
 
 # A machine without the fonts says so first; the guides show the output of one that has them.
 FONT_HINT = re.compile(r"^quorport: no font on this machine has .*\n", re.M)
@@ -102,19 +105,17 @@ class Guides(ProgramTest):
         self.assertEqual(len(shown), len(wanted) + 1)
 
     def test_each_command_prints_the_lines_after_it(self):
-        count = 0
-        for page in PAGES:
-            program = ""
-            blocks = BLOCK.findall(page.read_text())
-            for kind, block in blocks:
-                if kind == "cpp" and "int main" in block:
-                    program = block
-            for kind, block in blocks:
-                if kind == "console":
-                    count += 1
-                    with self.subTest(page=page.name, block=block):
-                        self.run_block(block, program)
-        self.assertGreater(count, 10)
+        runs = []
+        with ThreadPoolExecutor(AT_ONCE) as pool:
+            for page in PAGES:
+                blocks = BLOCK.findall(page.read_text())
+                program = next((block for kind, block in blocks if kind == "cpp" and "int main" in block), "")
+                runs += [(page, block, pool.submit(self.run_block, block, program))
+                         for kind, block in blocks if kind == "console"]
+        for page, block, run in runs:
+            with self.subTest(page=page.name, block=block):
+                run.result()
+        self.assertGreater(len(runs), 10)
 
     def test_no_command_is_shown_that_is_not_run(self):
         for page in PAGES:
@@ -127,25 +128,32 @@ class Guides(ProgramTest):
 
 
 class DecisionTable(ProgramTest):
+    def print_at(self, row: re.Match[str], number: int) -> tuple[subprocess.CompletedProcess, list[str]]:
+        """A job on the row's printer, and the errors in its log."""
+        job = RECEIPT
+        if row["says"].endswith("cannot be confirmed"):
+            job = self.folder / f"job{number}"
+            job.write_bytes(b"\x17")
+        # If something happens in the middle of the job, the time-out must not be earlier.
+        timeout = [] if "at=" in row["device"] else ["-t", "2000"]
+        log = self.folder / f"log{number}"
+        result = self.run_program(QUORPORT, "-d", row["device"], *timeout, "--log", log, "print", job)
+        return result, [line for line in log.read_text().splitlines() if '"typeName":"Error"' in line]
+
     def test_the_printer_in_the_last_column_causes_each_row(self):
         rows = list(ROW.finditer((SOURCES / "docs/did-not-print.md").read_text()))
         self.assertGreater(len(rows), 10)
-        unconfirmable = self.folder / "job"
-        unconfirmable.write_bytes(b"\x17")
-        for number, row in enumerate(rows):
-            with self.subTest(row.group("says")):
-                job = unconfirmable if row.group("says").endswith("cannot be confirmed") else RECEIPT
-                # If something happens in the middle of the job, the time-out must not be earlier.
-                timeout = [] if "at=" in row.group("device") else ["-t", "2000"]
-                log = self.folder / f"log{number}"
-                result = self.run_program(QUORPORT, "-d", row.group("device"), *timeout, "--log", log, "print", job)
-                self.assertEqual(result.returncode, int(row.group("code")), result)
-                self.assertIn(row.group("says"), result.stderr)
-                errors = [line for line in log.read_text().splitlines() if '"typeName":"Error"' in line]
-                if row.group("record") == "none":
+        with ThreadPoolExecutor(AT_ONCE) as pool:
+            results = [pool.submit(self.print_at, row, number) for number, row in enumerate(rows)]
+        for row, outcome in zip(rows, results, strict=True):
+            with self.subTest(row["says"]):
+                result, errors = outcome.result()
+                self.assertEqual(result.returncode, int(row["code"]), result)
+                self.assertIn(row["says"], result.stderr)
+                if row["record"] == "none":
                     self.assertEqual(errors, [])
                 else:
-                    self.assertTrue(any(row.group("record").strip("`") in line for line in errors), errors)
+                    self.assertTrue(any(row["record"].strip("`") in line for line in errors), errors)
 
 
 if __name__ == "__main__":
