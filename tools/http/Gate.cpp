@@ -10,6 +10,8 @@
 #include <system_error>
 #include <utility>
 
+#include "text/Hex.h"
+
 namespace quordalvane::http {
 namespace {
 
@@ -118,11 +120,9 @@ std::string randomToken() {
   if (::getrandom(chance.data(), chance.size(), 0) != static_cast<ssize_t>(chance.size())) {
     throw std::system_error(errno, std::generic_category());
   }
-  constexpr std::string_view digits = "0123456789abcdef";
   std::string token;
   for (const unsigned char byte : chance) {
-    token += digits[byte >> 4U];
-    token += digits[byte & 0xfU];
+    appendHex(token, byte);
   }
   return token;
 }

@@ -3,27 +3,18 @@
 #include <sys/eventfd.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstdint>
 #include <exception>
 #include <nlohmann/json.hpp>
-#include <system_error>
 #include <utility>
 
 #include "simulator/TextRendering.h"
 #include "simulator/drawing/ImageRendering.h"
+#include "tools/process/Descriptors.h"
 #include "tools/quorport/Report.h"
 
 namespace quordalvane::tool {
 namespace {
-
-int openEvent() {
-  const int descriptor = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-  if (descriptor < 0) {
-    throw std::system_error(errno, std::generic_category());
-  }
-  return descriptor;
-}
 
 // A job without paper also has a weight.
 std::size_t weightOf(const ReceiptWriter::Job& job) {

@@ -3,23 +3,14 @@
 #include <sys/eventfd.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <iterator>
-#include <system_error>
 #include <utility>
 
 #include "simulator/TextRendering.h"
+#include "tools/process/Descriptors.h"
 
 namespace quordalvane::tool {
 namespace {
-
-int openEvent() {
-  const int descriptor = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-  if (descriptor < 0) {
-    throw std::system_error(errno, std::generic_category());
-  }
-  return descriptor;
-}
 
 std::string textOf(const PaperArtist::Print& print) {
   simulator::Paper paper(print.width);
