@@ -42,8 +42,8 @@ class Audience {
 };
 
 /// Serves browsers at that place, which is one of `tcp:`. The stations and the control must outlive
-/// it. Throws a CommandFailure with ExitCode::Usage in a program that was built without the web, and
-/// with ExitCode::ExchangeFailed if the system refuses.
+/// it. Throws a CommandFailure with ExitCode::Usage in a program that was built without the web,
+/// and with ExitCode::ExchangeFailed if the system refuses.
 std::unique_ptr<Audience> openWeb(std::unique_ptr<Listener> place, std::list<Station>& stations,
                                   Control& control);
 
