@@ -5,7 +5,8 @@
 
 namespace quordalvane {
 
-/// The bytes as text, one character a byte: a byte that is not ASCII becomes U+FFFD, in UTF-8.
+/// Returns the bytes as UTF-8 text, one character for each byte. A byte that is not ASCII becomes
+/// U+FFFD.
 template <typename Bytes>
 std::string asciiText(const Bytes& bytes) {
   std::string text;

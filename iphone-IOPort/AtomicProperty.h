@@ -5,25 +5,25 @@
 
 namespace quordalvane {
 
-/// An object-valued property that threads may read and write at once: a reader gets the old or the
-/// new value, whole.
+/// A property that several threads may read and write at the same time. A reader gets either the
+/// old or the new value, never a mixture.
 template <typename Value>
 class AtomicProperty {
  public:
-  /// Begins with the type's own first value, or with `value`.
+  /// The initial value is that of the type's default constructor, or `value`.
   /// @{
   AtomicProperty() = default;
   explicit AtomicProperty(Value value) : value_(std::move(value)) {}
   /// @}
 
-  /// A copy of the value.
+  /// Returns a copy of the value.
   Value get() const {
     const std::lock_guard lock(mutex_);
     return value_;
   }
 
-  /// The old value is released after the lock: its destructor may run code that asks for this
-  /// property.
+  /// Replaces the value. The old value is destroyed after the lock is released, because its
+  /// destructor may run code that reads this property.
   void set(Value value) {
     const std::lock_guard lock(mutex_);
     std::swap(value_, value);

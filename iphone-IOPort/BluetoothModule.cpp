@@ -1,4 +1,5 @@
-// The printer's Bluetooth module: command mode, its replies, and the dropping of the link.
+// Operations on the printer's Bluetooth module: enters its command mode, reads its replies, and
+// makes it drop the link.
 
 #include <stdexcept>
 
@@ -19,7 +20,8 @@ constexpr std::string_view responseOK2 = "\r\nOK\r\n";
 constexpr std::string_view responseNG2 = "\r\nERROR\r\n";
 constexpr std::string_view getMACAddr = "AT*AILBA?\r";
 constexpr std::size_t maxResponseSize = 512;
-constexpr std::int32_t guardTimeBefore = 1000000;  // microseconds of silence that frame the escape
+constexpr std::int32_t guardTimeBefore =
+    1000000;  // microseconds of silence before and after the escape sequence
 constexpr std::int32_t guardTimeAfter = 1500000;
 
 ByteBuffer asciiBytes(std::string_view text) {
@@ -108,7 +110,8 @@ std::optional<std::string> ExternalAccessoryPort::awaitResponse(
   }
 }
 
-/// The result in one chunk of bytes; null if it holds none. An error precedes a success.
+/// Returns the result that one chunk of bytes contains; null if it contains no result. If it
+/// contains both an error and an OK, the error counts.
 std::optional<std::string> ExternalAccessoryPort::responseIn(
     const std::string& printerResponse, const std::optional<std::string>& settingTitle,
     std::int32_t settingLength) {
@@ -183,7 +186,8 @@ bool ExternalAccessoryPort::disconnectBluetoothConnection() {
   WholeSecondsWait wait(platform_->clock(), timeout_);
   while (true) {
     platform_->currentRunLoop().runUntilDate(0.1);
-    // The module may send bytes before it drops the link, which nobody reads.
+    // The module may send bytes before it drops the link; nobody reads them, and without this call
+    // they would hide the loss.
     if (const auto accessory = _selectedAccessory.get()) {
       accessory->noticeLoss();
     }

@@ -1,5 +1,4 @@
-// The checked block: the beginning and the end of a job whose printing is verified, and data
-// cancel.
+// The checked block: begins and ends a job whose printing is verified. Also data cancel.
 
 #include <algorithm>
 #include <array>
@@ -18,17 +17,17 @@ namespace {
 constexpr auto beginSelector = "-[ExternalAccessoryPort beginCheckedBlock:level:resultCode:]";
 constexpr auto endSelector = "-[ExternalAccessoryPort endCheckedBlock:level:]";
 
-// The end of a job: the marks are counted as the printer works through them.
+// Mark the end of a job. The printer counts each mark when it reaches it.
 constexpr std::uint8_t etb[] = {0x17, 0x17};
 constexpr std::uint8_t etbEscPos[] = {0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00};
 
-// Sets the count of the marks to zero.
+// Set the printer's count of marks to zero.
 constexpr std::uint8_t etbReset[] = {0x1b, 0x1e, 0x45, 0x00};
 constexpr std::uint8_t etbResetEscPos[] = {0x1b, 0x1d, 0x03, 0x02, 0x00, 0x00};
 
 constexpr std::uint8_t reportStart = 0x1b;
 constexpr std::size_t restDataSize = 7;
-constexpr std::size_t reportedCount = 5;  // the place of the count after the first byte
+constexpr std::size_t reportedCount = 5;  // the index of the count in the bytes after the first one
 
 }  // namespace
 
@@ -56,7 +55,8 @@ bool ExternalAccessoryPort::prepareBlock(QuorPrinterStatus_2* status, std::uint3
       return false;
     }
     if (status->offline != 0) {
-      // True with a failure code: the exchange worked, and the block did not begin.
+      // Returns true although the result code is a failure: the exchange worked, but the block did
+      // not begin.
       QUOR_LOG(ZKLogTypeProcess, 0, "status->offline: %d", status->offline);
       return true;
     }
@@ -90,8 +90,9 @@ bool ExternalAccessoryPort::resetCounter() {
   return true;
 }
 
-/// Line mode: waits until the counter reads 0 and the exit is free of paper, or the printer is off
-/// line, which ends the wait without an error. Timed from the reset.
+/// For line mode. Waits until the counter reads 0 and no paper is left in the exit. The wait also
+/// ends, without an error, if the printer is off line. Its time starts with the reset of the
+/// counter.
 bool ExternalAccessoryPort::awaitClearPath(QuorPrinterStatus_2* status, std::int64_t* resultCode,
                                            WholeSecondsWait& wait) {
   constexpr auto selector = beginSelector;
@@ -109,7 +110,8 @@ bool ExternalAccessoryPort::awaitClearPath(QuorPrinterStatus_2* status, std::int
     if (status->offline == 1 || (status->etbCounter == 0 && status->paperPresent == 0)) {
       return true;
     }
-    // The limit is chosen anew in each pass: paper that is taken late ends the shorter one at once.
+    // Each pass chooses the limit anew. If paper is taken late, the shorter limit may have passed
+    // already and ends the wait at once.
     std::int32_t waitTimeoutSec = wait.timeoutSec();
     std::int64_t errorCode = ZKQuorIOResultCodeFailedError;
     if (status->paperPresent == 1) {
@@ -128,7 +130,8 @@ bool ExternalAccessoryPort::awaitClearPath(QuorPrinterStatus_2* status, std::int
   return false;
 }
 
-/// ESC/POS: a fresh status for the caller's record; without one the block continues as well.
+/// For ESC/POS. Asks for a new status for the caller's record. The block continues even if the
+/// printer gives none.
 bool ExternalAccessoryPort::refreshStatus(QuorPrinterStatus_2* status, std::uint32_t level) {
   constexpr auto selector = beginSelector;
   if (!isConnected()) {
@@ -144,7 +147,7 @@ void ExternalAccessoryPort::setDataTimeout(QuorPrinterStatus_2* status, std::uin
   if (dataTimeoutSeconds() < 0) {
     return;
   }
-  // Not an error, but this is the type under which the record is known.
+  // This is not an error, but readers of the log expect the record under this type.
   QUOR_LOG(ZKLogTypeError, 0, "self.dataTimeoutSeconds: %ld", dataTimeoutSeconds());
   const auto timeout = static_cast<std::uint8_t>(dataTimeoutSeconds() & 0xff);
   const std::uint8_t setDataTimeoutCommand[] = {0x1b, 0x1d, 0x03, 0x05, 0x01, timeout};
@@ -164,7 +167,7 @@ bool ExternalAccessoryPort::endCheckedBlock(QuorPrinterStatus_2* quorPrinterStat
   assert(quorPrinterStatus != nullptr);
   QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%p, %d", quorPrinterStatus, level);
   QUOR_LOG(ZKLogTypeProcess, 0, "p_emulation: %d", p_emulation);
-  // Every wait is timed from here, before anything is sent.
+  // The time of every wait starts here, before anything is sent.
   WholeSecondsWait wait(platform_->clock(), endCheckedBlockTimeoutMillis());
   const bool result =
       markEnd() && (p_emulation == ZKEmulationQuorLine
@@ -179,7 +182,7 @@ bool ExternalAccessoryPort::markEnd() {
   const bool lineMode = p_emulation == ZKEmulationQuorLine;
   const ByteBuffer etbCommand = lineMode ? ByteBuffer(std::begin(etb), std::end(etb))
                                          : ByteBuffer(std::begin(etbEscPos), std::end(etbEscPos));
-  // In line mode the printer only counts; in ESC/POS its report answers.
+  // In line mode the printer only counts the mark; in ESC/POS it answers with a report.
   if (!writeWhole(etbCommand, lineMode ? Reply::None : Reply::Possible)) {
     QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:etbCommand]: %p, %p", this,
              &etbCommand);
@@ -209,7 +212,7 @@ bool ExternalAccessoryPort::endTimedOut(WholeSecondsWait& wait) {
   return false;
 }
 
-/// Line mode: waits until the counter reads 2 or the printer is off line.
+/// For line mode. Waits until the counter reads 2 or the printer is off line.
 bool ExternalAccessoryPort::awaitCount(QuorPrinterStatus_2* quorPrinterStatus, std::uint32_t level,
                                        WholeSecondsWait& wait) {
   constexpr auto selector = endSelector;
@@ -221,11 +224,11 @@ bool ExternalAccessoryPort::awaitCount(QuorPrinterStatus_2* quorPrinterStatus, s
       usleep(microseconds(secInterval2()));
     }
     if (quorPrinterStatus->offline == 1) {
-      // The caller judges the meaning of an off-line printer for the job.
+      // The caller decides what an off-line printer means for the job.
       QUOR_LOG(ZKLogTypeProcess, 0, "quorPrinterStatus->offline: %d", quorPrinterStatus->offline);
       return true;
     }
-    // Exactly the two ETBs of this block: a count beyond them was not ours alone.
+    // This block sends exactly two ETBs. A higher count includes ETBs that others have sent.
     if (quorPrinterStatus->etbCounter == 2) {
       QUOR_LOG(ZKLogTypeProcess, 0, "quorPrinterStatus->etbCounter: %d",
                quorPrinterStatus->etbCounter);
@@ -238,7 +241,8 @@ bool ExternalAccessoryPort::awaitCount(QuorPrinterStatus_2* quorPrinterStatus, s
   }
 }
 
-/// ESC/POS: waits until the printer has reported the end of the block or shows itself off line.
+/// For ESC/POS. Waits until the printer reports the end of the block or answers that it is off
+/// line.
 bool ExternalAccessoryPort::awaitReport(WholeSecondsWait& wait) {
   constexpr auto selector = endSelector;
   bool etbCountUp = false;
@@ -252,7 +256,8 @@ bool ExternalAccessoryPort::awaitReport(WholeSecondsWait& wait) {
     }
     QUOR_LOG(ZKLogTypeProcess, 0, "topByte: %d", *topByte);
     if (*topByte == reportStart) {
-      // One report a pass: a second one in the place of the status byte fails the test below.
+      // Each pass reads one report. If a second one follows instead of the status byte, the test
+      // below fails.
       if (!readReport(etbCountUp) || !(topByte = awaitByte(wait))) {
         return false;
       }
@@ -260,7 +265,7 @@ bool ExternalAccessoryPort::awaitReport(WholeSecondsWait& wait) {
     QUOR_LOG(ZKLogTypeProcess, 0, "(topByte & 0x93): %d", *topByte & escPosFixedMask);
     QUOR_LOG(ZKLogTypeProcess, 0, "(topByte & 0x08): %d", *topByte & escPosOfflineBit);
     if ((*topByte & escPosFixedMask) != escPosFixedBits) {
-      continue;  // no status byte: asked again at once, by design without time-out or pause
+      continue;  // not a status byte: asks again at once, without time-out or pause, by design
     }
     if (etbCountUp || (*topByte & escPosOfflineBit) != 0) {
       return true;
@@ -283,7 +288,7 @@ bool ExternalAccessoryPort::requestRealTimeStatus() {
   return true;
 }
 
-/// The next byte of the input; null at the time-out.
+/// Returns the next byte of the input; null if the time-out passes.
 std::optional<std::uint8_t> ExternalAccessoryPort::awaitByte(WholeSecondsWait& wait) {
   auto data = read(1);
   while (!data || data->empty()) {
@@ -305,8 +310,8 @@ void ExternalAccessoryPort::logEmptyRead(const std::optional<ByteBuffer>& data) 
   }
 }
 
-/// Reads the bytes after the first one of a report. False if they cannot be read; a report that is
-/// cut short does not count.
+/// Reads the bytes of a report after its first one. Returns false if they cannot be read. An
+/// incomplete report is ignored.
 bool ExternalAccessoryPort::readReport(bool& etbCountUp) {
   constexpr auto selector = endSelector;
   const auto rest = read(restDataSize);

@@ -1,4 +1,4 @@
-// Facts about the printer: firmware, DIP switches, button security.
+// Queries for facts about the printer: firmware, DIP switches, button security.
 
 #include <cstdint>
 #include <utility>
@@ -21,13 +21,13 @@ constexpr std::int32_t modelPollMicroseconds = 100000;
 constexpr std::uint8_t fwRequestBytes[] = {0x1b, 0x23, 0x2a, 0x0a, 0x00};
 constexpr std::uint8_t MODEL_REQUEST_COMMAND[] = {0x1d, 0x49, 0x41};
 constexpr std::uint8_t dipswRequestBytes[] = {0x1b, 0x23, 0x2c, 0x00, 0x0a, 0x00};
-constexpr std::size_t bankDigit = 3;  // the place of the bank's number in the request above
+constexpr std::size_t bankDigit = 3;  // the index of the bank's number in the request above
 constexpr std::uint8_t writeBuf[] = {0x1b, 0x23, 0x2c, 0x31, 0x0a, 0x00};
 
 using ReplyParser = decltype(&parseFirmwareInfo);
 
-/// The place of the complete field that `parse` finds in `data`. The parser gets null and 0 if
-/// there is no data.
+/// Returns the range of the complete field that `parse` finds in `data`; null if there is none. If
+/// there is no data, the parser is called with null and 0.
 std::optional<Range> findField(ReplyParser parse, const std::optional<ByteBuffer>& data) {
   std::int32_t location = 0;
   std::int32_t length = 0;
@@ -122,7 +122,8 @@ bool ExternalAccessoryPort::retrieveESCPOSFirmwareInformation() {
     usleep(modelPollMicroseconds);
     receivedData = read(maxReplySize);
   }
-  // Without the header byte before the text and the NUL after it; a lone byte has no such range.
+  // Removes the header byte before the text and the NUL after it. If only one byte arrived, this
+  // range does not exist and `subrange` throws.
   const std::string rawString(receivedData->begin(), receivedData->end());
   const Range trimRange = {.location = 1,
                            .length = static_cast<std::int64_t>(rawString.length()) - 2};
@@ -144,7 +145,7 @@ bool ExternalAccessoryPort::retrieveDipSwitchInformation() {
       QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", false);
       return false;
     }
-    // Never emptied: the newest pair is at the end.
+    // The list is never emptied; the newest pair is at its end.
     _dipSwitchInformation.update([&](auto& banks) { banks.push_back(std::move(*bank)); });
   }
   QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", true);
@@ -188,7 +189,8 @@ std::optional<ByteBuffer> ExternalAccessoryPort::queryDipSwitchBank(std::uint8_t
     field = findField(parseDipSwitchInfo, data);
   }
   const ByteBuffer chunk = data.value_or(ByteBuffer());
-  // The record shows the chunk from its start, not from the field: readers of the log expect that.
+  // The record shows bytes from the start of the chunk, not from the field, because readers of the
+  // log expect that.
   QUOR_LOG(ZKLogTypeProcess, 0, "Find DIPSW Info, Position: %d, Raw: %@", field->location,
            LogWriter::createByteArrayDescription(
                subrange(chunk, {.location = 0, .length = field->length})));
@@ -211,7 +213,7 @@ std::int64_t ExternalAccessoryPort::retrieveButtonSecurityTimeout() {
     return -1;
   }
   WholeSecondsWait wait(platform_->clock(), timeout_);
-  wait.isOver();  // unlike the other queries, this one reads the end together with the start
+  wait.isOver();  // unlike the other queries, this one reads the clock twice before it waits
   ByteBuffer recvBuf;
   while (true) {
     const auto recvData = read(EXPECTED_RECV_SIZE - recvBuf.size()).value_or(ByteBuffer());
@@ -220,7 +222,7 @@ std::int64_t ExternalAccessoryPort::retrieveButtonSecurityTimeout() {
       break;
     }
     if (wait.isOver()) {
-      // Unsigned here, unlike in the other queries.
+      // The last conversion is unsigned here, unlike in the other queries.
       QUOR_LOG(ZKLogTypeError, 0, "end.tv_sec - start.tv_sec > timeout_ / 1000, %ld, %ld, %u",
                wait.end(), wait.start(), wait.timeoutSec());
       QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", -1);
@@ -233,7 +235,7 @@ std::int64_t ExternalAccessoryPort::retrieveButtonSecurityTimeout() {
   const std::size_t timeoutByte = dipSwSettingByte >> 6;
   const std::uint32_t setting = settings[timeoutByte];
   QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", setting);
-  // The port's own time-out is added, in 32 bits, unless the security is off.
+  // Adds the port's own time-out, in 32 bits, unless button security is off.
   return setting == 0 ? 0 : std::int64_t{static_cast<std::uint32_t>(setting + timeout_)};
 }
 

@@ -17,8 +17,9 @@ bool isDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-/// The digits of the first match of "d[0-9]+". A plain scan: settings may be of any length, which
-/// some regular-expression engines answer with a stack overflow.
+/// Returns the digits of the first match of "d[0-9]+"; null if nothing matches. It scans by itself
+/// because settings may have any length, and some regular-expression engines overflow the stack on
+/// long texts.
 std::optional<std::string_view> firstDataTimeoutDigits(std::string_view settings) {
   for (std::size_t i = 0; i + 1 < settings.size(); ++i) {
     if (settings[i] == 'd' && isDigit(settings[i + 1])) {
@@ -61,8 +62,8 @@ std::shared_ptr<ExternalAccessoryPort> ExternalAccessoryPort::initWithPortName(
   auto port = std::make_shared<ExternalAccessoryPort>(
       Arguments{std::move(portName), std::move(portSettings), ioTimeoutMillis, emulation,
                 std::move(platform)});
-  // The caller never gets this port, so nobody can close it: its thread ends, and neither keeps the
-  // other.
+  // The caller never gets this port, so nobody can close it. This stops the port's thread and
+  // releases the handle, so that the two do not keep each other alive.
   const auto abandon = [&port] {
     port->stopThread71 = true;
     port->setThread71(nullptr);
@@ -90,7 +91,7 @@ bool ExternalAccessoryPort::initialise() {
              timeout_, p_emulation, nullptr);
     return false;
   }
-  // The members are set by now, so the thread never sees an unfinished port.
+  // The constructor has set all members, so the thread never sees an unfinished port.
   if (platform_->isMainThread()) {
     QUOR_LOG(ZKLogTypeProcess, 0, "NSThread.isMainThread, %d", 1);
     if (!startPortThread()) {

@@ -20,39 +20,42 @@
 #include "iphone-IOPort/exceptions/PortException.h"
 #include "platform/Platform.h"
 
-/// Ports to receipt printers, jobs on them, their log, and the services of the system that they
-/// need.
+/// The library: ports to receipt printers, print jobs, the log, and the interfaces to the operating
+/// system.
 namespace quordalvane {
 
 class WholeSecondsWait;
 enum class StatusType : std::uint32_t;
 
-/// Bytes that the port owns, or returns to its caller.
+/// A buffer of bytes that owns its memory.
 using ByteBuffer = std::vector<std::uint8_t>;
 
-/// The accessory protocol of the printers: an accessory must announce it, and sessions are opened
-/// on it.
+/// The accessory protocol of the printers. A port chooses only an accessory that announces this
+/// protocol, and opens its session on it.
 inline constexpr std::string_view quorProtocol = "com.quordalvane.receipt";
 
-/// The command that asks a line-mode printer for a status block by itself.
+/// The command ESC ACK SOH, which asks a line-mode printer for its status.
 QUOR_EXPORT extern const std::uint8_t escAckSoh[3];
 
 /// One connection to one receipt printer, or to the maker's Bluetooth cash-drawer unit, through an
 /// accessory session.
 ///
-/// **Threads.** `open` and `close` may be called from the main thread or any other; every other
-/// operation runs on the caller's thread, takes no lock and blocks that thread while it waits. A
-/// port must not be used from two threads at once, except that the property getters and setters and
-/// `isConnected` may be called from any thread at any time. A port created on the main thread owns
-/// a port thread, which keeps the port alive until `close` is called on the main thread.
+/// **Threads.** Any thread may call the operations. An `open` or `close` that is called on the main
+/// thread runs on the port thread, if there is one. Every other operation runs on the caller's
+/// thread, takes no lock and blocks that thread while it waits. Two threads must not use one port
+/// at the same time, except that the property getters and setters and `isConnected` may be called
+/// from any thread at any time. A port created on the main thread owns a port thread, which keeps
+/// the port alive until `close` is called on the main thread.
 ///
-/// **Time.** Time-outs are in milliseconds but count as whole seconds: a limit of n seconds ends
-/// once the seconds field of the wall clock has advanced by more than n, that is n to n + 1 seconds
-/// later. A limit below 1000 ms is 0 seconds: it ends when the clock's second has changed.
+/// **Time.** Time-outs are given in milliseconds and rounded down to whole seconds. A wait with a
+/// limit of n seconds ends once the seconds of the wall clock have advanced by more than n, that is
+/// after n to n + 1 seconds. A limit below 1000 ms counts as 0 seconds: the wait ends when the
+/// second of the clock changes. The "creation time-out" is the one that was passed to
+/// `initWithPortName`.
 ///
-/// **Errors.** On failure, counts are -1, buffers and strings are null, and booleans are false. An
-/// operation throws only the exceptions that it names; besides, std::bad_alloc and the exceptions
-/// of the platform pass through every operation except `open` and `close`.
+/// **Errors.** On failure, counts are -1, buffers and strings are null, and booleans are false. The
+/// comment of each operation names the exceptions that it throws. In addition, std::bad_alloc and
+/// the exceptions of the platform pass through every operation except `open` and `close`.
 ///
 /// Every operation writes diagnostic records through LogWriter.
 class QUOR_EXPORT ExternalAccessoryPort
@@ -62,28 +65,28 @@ class QUOR_EXPORT ExternalAccessoryPort
  public:
   /// Creates a port. Nothing is checked and nothing is opened.
   ///
-  /// `portName` designates the accessory: "BT:" (any letter case) or null for the first printer
-  /// that is attached, or "BT:" followed by an accessory's name, serial number or Bluetooth
-  /// address. The first three characters of any other name count as the prefix (the name is UTF-8;
-  /// a byte that is no part of a valid character counts as one), and a shorter name cannot be
-  /// opened; names are compared byte by byte. `portSettings` may hold a data time-out option, the
-  /// letter d and 0 to 255 (seconds), anywhere; other values are logged and ignored.
-  /// `ioTimeoutMillis` is the input/output time-out in milliseconds; zero is legal and means that a
-  /// wait ends when the clock's second changes. `platform` is kept alive by the port; null means no
-  /// platform.
+  /// `portName` selects the accessory: "BT:" (in any letter case) or null selects the first printer
+  /// that is attached; "BT:" followed by a name, serial number or Bluetooth address selects the
+  /// accessory that has it. The first three characters of the port name are its prefix, even if
+  /// they are not "BT:". The name is UTF-8; a byte that does not belong to a valid character counts
+  /// as one character. A port whose name has fewer than three characters cannot be opened. Names
+  /// are compared byte by byte. `portSettings` may contain, at any place, a data time-out option:
+  /// the letter d followed by a number of seconds from 0 to 255; a larger number is logged and
+  /// ignored. `ioTimeoutMillis` is the input/output time-out in milliseconds; with zero, a wait
+  /// ends when the second of the clock changes. The port keeps `platform` alive.
   ///
-  /// Created on the main thread, the port starts its port thread. Returns null if there is no
-  /// platform or the thread cannot be created. Any thread.
+  /// If it is called on the main thread, it also starts the port thread. Returns null if `platform`
+  /// is null or the thread cannot be created. Any thread may call it.
   static std::shared_ptr<ExternalAccessoryPort> initWithPortName(
       std::optional<std::string> portName, std::optional<std::string> portSettings,
       std::uint32_t ioTimeoutMillis, ZKEmulation emulation,
       std::shared_ptr<Platform> platform = processPlatform());
 
-  /// For `initWithPortName` alone: no other caller can name the argument's type.
+  /// For use by `initWithPortName` only: no other caller can name the type of the argument.
   explicit ExternalAccessoryPort(Arguments arguments);
 
-  /// Releases the link. It neither closes the session in an orderly way nor ends the port thread:
-  /// `close` does.
+  /// Releases the link. It does not close the session in an orderly way and does not end the port
+  /// thread; call `close` for that.
   ~ExternalAccessoryPort() = default;
 
   ExternalAccessoryPort(const ExternalAccessoryPort&) = delete;
@@ -91,181 +94,193 @@ class QUOR_EXPORT ExternalAccessoryPort
 
   // -- Connection ---------------------------------------------------------------------------------
 
-  /// Chooses, among the accessories attached now, the first that the port name designates, that is
-  /// made by "quor dalvane" and that announces `quorProtocol`; opens a session on it and starts
-  /// opening its streams, without waiting for them. Always pauses 0.1 s. True if the session is
-  /// open; false if nothing matched, the session was refused, or the platform threw (which is
-  /// logged). Never throws. An earlier session that was not closed is released. On the main thread
-  /// the work is carried to the port thread, if there is one that no `close` has ended.
+  /// Searches the accessories that are attached now, and chooses the first that the port name
+  /// selects, that is made by "quor dalvane" and that announces `quorProtocol`. Opens a session on
+  /// it and starts to open its streams, without waiting for them. Always pauses 0.1 s. True if the
+  /// session is open; false if nothing matched, the session was refused, or the platform threw
+  /// (which is logged). Never throws. If an earlier session was not closed, it is released. If it
+  /// is called on the main thread, the port thread does the work, unless an earlier `close` has
+  /// ended that thread.
   bool open();
 
-  /// Ends the session: closes the streams and releases the session and the accessory; on the main
-  /// thread also ends the port thread, within about 0.1 s. Never fails and never throws; harmless
-  /// on a port that is not open. Pauses 0.1 s first if the system version is 10.0 or more; over
-  /// real links that is the kernel's version, which is lower today. Then waits for the printer to
-  /// take the bytes that are under way: at most two seconds over a socket, and not at all if there
-  /// are none.
+  /// Ends the session: closes the streams and releases the session and the accessory. If it is
+  /// called on the main thread, it also ends the port thread, within about 0.1 s. Never fails and
+  /// never throws; may be called on a port that is not open. Pauses 0.1 s first if the version of
+  /// the system is 10.0 or more; with real links the version is that of the kernel, which is lower
+  /// today. Then waits until the printer has taken the bytes that are under way: at most two
+  /// seconds over a socket, and not at all if no bytes are under way.
   void close();
 
-  /// Whether the selected accessory is still attached. False before `open` and after `close`. True
-  /// after an `open` that found an accessory but got no session. Any thread.
+  /// Returns true if the selected accessory is still attached. Returns false before `open` and
+  /// after `close`, and true after an `open` that found an accessory but could not open a session.
+  /// Any thread may call it.
   bool isConnected();
 
   // -- Bytes --------------------------------------------------------------------------------------
 
-  /// Offers `data` to the link, waiting at most `secInterval2` once for space. Returns how many
-  /// bytes the link took, which may be fewer than given, and is 0 if there was no space or `data`
-  /// is empty; -1 if the link is lost or reports an error, or memory is short; the number of bytes
-  /// sent by then is unknown. Sets the process to ignore SIGPIPE.
+  /// Offers `data` to the link; if the link has no space, waits for it once, for at most
+  /// `secInterval2` seconds. Returns the number of bytes that the link took. It may be smaller than
+  /// the size of `data`, and is 0 if there was no space or `data` is empty. Returns -1 if the link
+  /// is lost or reports an error, or if memory is short; some bytes may have been sent then. Sets
+  /// the process to ignore SIGPIPE.
   std::int32_t write(const ByteBuffer& data);
 
-  /// Whether the printer may answer bytes that are written. If all of them are never answered, no
-  /// later operation waits for their answers before it asks a question of its own.
+  /// Says whether the printer may answer the bytes of a write. After a write with `None`, later
+  /// operations do not wait for an answer to its bytes before they send a query of their own.
   enum class Reply { Possible, None };
 
-  /// The same for bytes that lie in no buffer of their own, such as a piece of a large job, and for
-  /// bytes that the printer is known not to answer.
+  /// Does the same for bytes that are not in a ByteBuffer, for example a part of a large job.
+  /// `reply` says whether the printer may answer them.
   std::int32_t write(std::span<const std::uint8_t> data, Reply reply = Reply::Possible);
 
-  /// Takes the bytes that the link holds, at most `bytesToRead`, waiting at most 0.1 s for the
-  /// first of them. Returns the bytes; an empty buffer if there were none or `bytesToRead` is 0;
-  /// null if the link is lost or reports an error, and bytes gathered before are then dropped.
+  /// Takes the bytes that have arrived, at most `bytesToRead`; waits at most 0.1 s for the first
+  /// one. Returns the bytes; an empty buffer if none arrived or `bytesToRead` is 0; null if the
+  /// link is lost or reports an error. On such an error, the bytes that this call has already taken
+  /// are dropped.
   std::optional<ByteBuffer> read(std::size_t bytesToRead);
 
-  /// As `read`, to clear away the rest of earlier exchanges: it does not wait if no byte can arrive
-  /// because every question has been answered.
+  /// Works as `read`, but does not wait if every query has been answered, because no byte can
+  /// arrive then. It is meant for dropping what is left of earlier exchanges.
   std::optional<ByteBuffer> readLeftovers(std::size_t bytesToRead);
 
-  /// Sends a whole command, in attempts 50 ms apart, until all of it is sent, the link is lost or
-  /// the creation time-out has passed. Returns the count written, or -1 on a lost link, a failed
-  /// write or the time-out; part of the command may then have been sent. An empty command returns
-  /// 0.
+  /// Sends a whole command. It tries again every 50 ms until all of the command is sent, the link
+  /// is lost or the creation time-out has passed. Returns the number of bytes written, which is 0
+  /// for an empty command. Returns -1 if the link is lost, a write fails or the time-out passes; a
+  /// part of the command may have been sent then.
   ///
-  /// The count is kept over all attempts while the command is narrowed to its unsent tail, and both
-  /// the test for completion and the next cut compare the one with the other. Printers in the field
-  /// are served by this arithmetic, so it is kept; its consequences after a first partial attempt
-  /// are: (a) a total that equals the tail's length is returned as success, although bytes are
-  /// unsent; (b) a total below the tail's length cuts the tail at the total, so that bytes are
-  /// skipped; (c) a total above the tail's length, for example when the second attempt sends the
-  /// whole tail, sends that tail again and again, without pause or time-out, while the link takes
-  /// it. It is therefore for short commands, which a link takes at once; print data belongs in
-  /// `write` with a loop of the caller's own, or in a PrintJob.
+  /// If the link takes only a part of the command, the count is unreliable: it adds up the bytes of
+  /// all attempts, but is compared with the length of the unsent rest alone. Printers in the field
+  /// are used with this arithmetic, so it is kept. After a partial attempt: (a) if the count equals
+  /// the length of the rest, success is returned although bytes are unsent; (b) if the count is
+  /// below that length, the count is cut from the front of the rest, so that unsent bytes are
+  /// skipped; (c) if the count is above that length, for example because the second attempt sent
+  /// all of the rest, the rest is sent again and again, without pause or time-out, for as long as
+  /// the link takes it. Therefore use this operation for short commands, which a link takes at
+  /// once, and send print data by `write` in a loop, or by a PrintJob.
   std::int32_t writeWithRetry(const ByteBuffer& command);
 
   // -- Status -------------------------------------------------------------------------------------
 
-  /// Asks the printer for its status and fills `quorPrinterStatus`, which must not be null. Bytes
-  /// that wait in the input are thrown away first. True if the record was filled from a complete
-  /// reply. False if the printer did not answer (line mode: the request is sent twice, about 1.5 s
-  /// each; ESC/POS: within the time-out), did not answer with a status (ESC/POS), a query could not
-  /// be written (ESC/POS), or the emulation is unknown. On false the record is untouched in line
-  /// mode and may be partly written in ESC/POS. `level` is only logged.
+  /// Asks the printer for its status and fills `quorPrinterStatus`, which must not be null. First
+  /// drops the bytes that wait in the input. Returns true if the record was filled from a complete
+  /// reply. Returns false if the printer did not answer (in line mode the request is sent twice,
+  /// and each answer is awaited for about 1.5 s; in ESC/POS the creation time-out applies), if its
+  /// answer was not a status (ESC/POS), if a query could not be written (ESC/POS), or if the
+  /// emulation is unknown. If it returns false, the record is unchanged in line mode and may be
+  /// partly written in ESC/POS. `level` is only logged.
   ///
   /// Throws PortException: "Native WritePort failed" if the request cannot be written (line mode),
   /// "GetParsedStatus detected bluetooth disconnection" if the link is lost during the wait.
   bool getParsedStatus(QuorPrinterStatus_2* quorPrinterStatus, std::uint32_t level);
 
-  /// Asks whether the printer is ready to print. True if its state was obtained: `*onlineStatus`
-  /// (never null) says whether it is on line. Otherwise false: `*onlineStatus` is set to false, or
-  /// not changed if the question could not even be written. Throws as `getParsedStatus` does, and
-  /// does not change `*onlineStatus` then.
+  /// Asks whether the printer is ready to print. Returns true if the printer gave its status;
+  /// `*onlineStatus` then says whether it is on line. Returns false otherwise; `*onlineStatus` is
+  /// then false, or unchanged if the query could not be written. `onlineStatus` must not be null.
+  /// Throws the exceptions of `getParsedStatus`; `*onlineStatus` does not change then.
   bool getOnlineStatus(bool* onlineStatus);
 
   // -- Checked block ------------------------------------------------------------------------------
 
-  /// Prepares the printer for a job whose printing `endCheckedBlock` will verify: resets its
-  /// counter, sets its data time-out if one is configured, and cancels the data that it still
-  /// holds. In line mode it first makes sure that the printer is on line, and then waits until the
-  /// counter reads 0 (up to the creation time-out) and no paper is left in the exit (up to
-  /// `holdPrintTimeoutMillis`).
+  /// Prepares the printer for a job whose printing `endCheckedBlock` will verify: resets the
+  /// printer's counter, sets its data time-out if one is configured, and cancels the data that it
+  /// still holds. In line mode it first checks that the printer is on line; after the reset it
+  /// waits until the counter reads 0 (up to the creation time-out) and no paper is left in the exit
+  /// (up to `holdPrintTimeoutMillis`).
   ///
-  /// `status` and `resultCode` must not be null; `status` receives every status acquired. True if
-  /// the exchange worked: `*resultCode` is then success, or failed if a line-mode printer was off
-  /// line and nothing was sent. False, with failed or paper present in `*resultCode`, if the
-  /// exchange or a wait failed. `level` is passed to the ESC/POS status. Throws as
-  /// `getParsedStatus` does, and PortException "[beginCheckedBlock] Failed to set data cancel
-  /// timeout"; `*resultCode` is then failed.
+  /// `status` and `resultCode` must not be null; `status` receives each status that the printer
+  /// sends. Returns true if the exchange worked; `*resultCode` is then success, or failed if a
+  /// line-mode printer was off line and nothing was sent. Returns false if the exchange or a wait
+  /// failed; `*resultCode` is then failed or paper present. `level` is passed to the status query
+  /// in ESC/POS. Throws the exceptions of `getParsedStatus`, and PortException "[beginCheckedBlock]
+  /// Failed to set data cancel timeout"; `*resultCode` is then failed.
   bool beginCheckedBlock(QuorPrinterStatus_2* status, std::uint32_t level,
                          std::int64_t* resultCode);
 
   /// Ends the block: marks the end of the job and waits, up to `endCheckedBlockTimeoutMillis`,
-  /// until the printer shows that it has worked through everything. True if it did, and also if it
-  /// became off line, which ends the wait: `quorPrinterStatus` (never null) then shows off line,
-  /// and the caller judges that. In ESC/POS an off-line printer may be on line again by the time
-  /// the final status is taken, so a true result alone does not prove that the job was printed.
-  /// False if a write failed or the time-out passed. Throws as `getParsedStatus` does. In ESC/POS
-  /// all bytes that wait in the input are consumed.
+  /// until the printer shows that it has processed all of the job. Returns true if it did. Also
+  /// returns true if the printer goes off line, which ends the wait: `quorPrinterStatus`, which
+  /// must not be null, then shows off line, and the caller decides what this means for the job. In
+  /// ESC/POS an off-line printer may be on line again before the final status is read, so a true
+  /// result alone does not prove that the job was printed. Returns false if a write failed or the
+  /// time-out passed. Throws the exceptions of `getParsedStatus`. In ESC/POS it drops all bytes
+  /// that wait in the input.
   bool endCheckedBlock(QuorPrinterStatus_2* quorPrinterStatus, std::uint32_t level);
 
-  /// Makes the printer drop the data that it has received and not yet printed. True if the command
-  /// was written whole.
+  /// Makes the printer drop the data that it has received and not yet printed. Returns true if the
+  /// whole command was written.
   bool startDataCancel();
 
   // -- Facts about the printer --------------------------------------------------------------------
 
-  /// Asks for the firmware text and keeps it in `firmwareInformation`; a failure keeps the earlier
-  /// value. False if the printer gave no status, is off line, or did not answer within the
-  /// time-out, which a lost link does not cut short. Throws std::out_of_range on an ESC/POS reply
-  /// of one byte.
+  /// Asks for the firmware text and stores it in `firmwareInformation`; after a failure the earlier
+  /// text remains there. Returns false if the printer gave no status, is off line, or did not
+  /// answer within the creation time-out, which a lost link does not shorten. Throws
+  /// std::out_of_range if an ESC/POS reply has only one byte.
   bool retrieveFirmwareInformation();
 
-  /// The line-mode query alone, without the check of the status first.
+  /// Sends the line-mode query only, without checking the printer's status first.
   bool retrieveFirmwareInformation2();
 
-  /// The ESC/POS query alone, without the check of the status first.
+  /// Sends the ESC/POS query only, without checking the printer's status first.
   bool retrieveESCPOSFirmwareInformation();
 
-  /// Asks for both DIP-switch banks and appends them, bank 1 then bank 2, to
-  /// `dipSwitchInformation`, which is never emptied. False if one of them failed; bank 1 remains
-  /// appended if bank 2 fails.
+  /// Asks for both DIP-switch banks and appends bank 1 and then bank 2 to `dipSwitchInformation`,
+  /// which is never emptied. Returns false if one of the queries failed; if only the second one
+  /// failed, bank 1 has been appended.
   bool retrieveDipSwitchInformation();
 
-  /// Asks for one bank (1 or 2) and returns its two setting bytes, or null if the request could not
-  /// be written, no complete reply arrived within the time-out (a lost link does not cut it short),
-  /// or the field was not two bytes long.
+  /// Asks for DIP-switch bank `dipSwNumber` (1 or 2) and returns its two setting bytes. Returns
+  /// null if the request could not be written, if no complete reply arrived within the creation
+  /// time-out (which a lost link does not shorten), or if the reply does not hold exactly two
+  /// setting bytes.
   std::optional<ByteBuffer> retrieveDipSwitchInformation(std::uint8_t dipSwNumber);
 
-  /// The button-security time-out in milliseconds: 0 if it is off, otherwise the printer's 5, 10 or
-  /// 20 seconds plus the creation time-out, summed modulo 2^32. -1 if the request could not be
-  /// written or no 7 bytes arrived within the time-out, which a lost link does not cut short.
+  /// Asks for the button-security time-out and returns it in milliseconds: 0 if button security is
+  /// off, otherwise the printer's 5, 10 or 20 seconds plus the creation time-out, modulo 2^32.
+  /// Returns -1 if the request could not be written or if fewer than 7 bytes arrived within the
+  /// creation time-out, which a lost link does not shorten.
   std::int64_t retrieveButtonSecurityTimeout();
 
   // -- The printer's Bluetooth module -------------------------------------------------------------
 
-  /// Puts the module into command mode and proves it by asking for its address. Takes 2.5 s of
-  /// guard time and up to 11 s for the answer. False if a write failed, or the module did not
-  /// answer or answered with an error. Throws std::out_of_range on an OK without a whole address.
+  /// Puts the module into command mode, and verifies this by asking for its address. Pauses for 2.5
+  /// s in total around the escape sequence, and then waits up to 11 s for the answer. Returns false
+  /// if a write failed, or if the module did not answer or answered with an error. Throws
+  /// std::out_of_range if the module answers OK without a whole address.
   bool enterATMode();
 
-  /// Waits for the module's result. Returns "\r\nERROR\r\n" or, without `settingTitle`,
-  /// "\r\nOK\r\n" as received; with a title, the title and the `settingLength` characters after it,
-  /// or, with a `settingLength` of 0, the reply from the title to its end. Null if the link is lost
-  /// or nothing arrived within `timeoutMillis`, which counts as whole seconds and at least one. A
-  /// result line that arrives in two pieces is not recognised. Throws std::out_of_range if an OK
-  /// does not hold the title and that many characters, or the length is negative.
+  /// Waits for the module's reply. Returns "\r\nERROR\r\n" if the module replies with an error. If
+  /// it replies with OK, returns "\r\nOK\r\n" without a `settingTitle`; with a title, returns the
+  /// title and the `settingLength` characters after it, or everything from the title to the end of
+  /// the reply if `settingLength` is 0. Returns null if the link is lost, or if no result arrived
+  /// within `timeoutMillis`, which counts in whole seconds, and at least one. A result line that
+  /// arrives in two reads is not recognised. Throws std::out_of_range if an OK reply does not
+  /// contain the title and `settingLength` characters after it, or if `settingLength` is negative.
   std::optional<std::string> getPrinterResponseWithSettingTitle(
       std::optional<std::string> settingTitle, std::int32_t settingLength,
       std::int32_t timeoutMillis);
 
-  /// Asks the module to drop the link and waits, up to the creation time-out, until it is lost.
-  /// True if it is; the port remains open and is not connected. Throws as `enterATMode` does.
+  /// Puts the module into command mode, asks it to drop the link and waits, up to the creation
+  /// time-out, until the link is lost. Returns true if it is lost; the port is then still open but
+  /// not connected. Throws the exceptions of `enterATMode`.
   bool disconnect();
 
-  /// The second half of `disconnect`, with the module in command mode already.
+  /// Does the second half of `disconnect`. The module must be in command mode already.
   bool disconnectBluetoothConnection();
 
   // -- For the layer above ------------------------------------------------------------------------
 
-  /// Lets `observer`, which is not owned and must outlive its use, see every byte that passes; null
-  /// ends that. To be set and cleared by the thread that uses the port.
+  /// From now on passes every byte that the port reads or writes to `observer`; null ends this. The
+  /// port does not own the observer, which must exist until another one is set. Only the thread
+  /// that uses the port may call this.
   void setTransferObserver(TransferObserver* observer) { observer_ = observer; }
 
-  /// Makes the next `close` wait for nothing: the bytes under way to the printer are not wanted any
-  /// more. No effect on a port that is not open.
+  /// Makes the next `close` return without waiting for bytes that are under way to the printer;
+  /// they may be lost. Has no effect on a port that is not open.
   void abandonOutput();
 
-  /// The values that the port was created with: the time-out in milliseconds; the platform lives as
-  /// long as the port.
+  /// The values that were passed to `initWithPortName`. The platform lives at least as long as the
+  /// port.
   /// @{
   std::optional<std::string> portName() const { return portName_; }
   ZKEmulation emulation() const { return p_emulation; }
@@ -274,9 +289,10 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// @}
 
   // -- Properties, from any thread ----------------------------------------------------------------
-  // Objects are returned as snapshots, which later changes do not touch.
+  // A getter returns a copy, which does not change when the property changes.
 
-  /// The limit of `endCheckedBlock` in milliseconds; the creation time-out until it is set.
+  /// The time limit of `endCheckedBlock` in milliseconds. Its initial value is the creation
+  /// time-out.
   /// @{
   std::uint32_t endCheckedBlockTimeoutMillis() const { return _endCheckedBlockTimeoutMillis; }
   void setEndCheckedBlockTimeoutMillis(std::uint32_t millis) {
@@ -284,31 +300,31 @@ class QUOR_EXPORT ExternalAccessoryPort
   }
   /// @}
 
-  /// How long `beginCheckedBlock` waits in line mode for paper to be taken from the exit, in
-  /// milliseconds; 0 until it is set, and 0 waits until the clock's second changes.
+  /// How many milliseconds `beginCheckedBlock` waits, in line mode, for somebody to take the paper
+  /// from the exit. Initially 0; with 0 the wait ends when the second of the clock changes.
   /// @{
   std::uint32_t holdPrintTimeoutMillis() const { return _holdPrintTimeoutMillis; }
   void setHoldPrintTimeoutMillis(std::uint32_t millis) { _holdPrintTimeoutMillis = millis; }
   /// @}
 
-  /// After how many seconds without data the printer drops an unfinished job; 0 is never, a
-  /// negative value does not change the printer's own setting. Of other values the low byte is
-  /// sent.
+  /// The number of seconds without data after which the printer drops an unfinished job. 0 means
+  /// never; with a negative value the printer keeps its own setting. Of a value above 255 only the
+  /// low byte is sent.
   /// @{
   std::int64_t dataTimeoutSeconds() const { return _dataTimeoutSeconds; }
   void setDataTimeoutSeconds(std::int64_t seconds) { _dataTimeoutSeconds = seconds; }
   /// @}
 
-  /// The last firmware text obtained; null before the first.
+  /// The firmware text that was received last; null if none was received yet.
   std::optional<std::string> firmwareInformation() const { return _firmwareInformation.get(); }
 
-  /// Every bank read so far, two bytes each, oldest first.
+  /// Every DIP-switch bank that was read so far, two bytes each, the oldest first.
   std::vector<ByteBuffer> dipSwitchInformation() const { return _dipSwitchInformation.get(); }
 
   /// True once an accessory of the model "XQ700" was opened; never false again.
   bool isBrondel() const { return _isBrondel; }
 
-  /// The port thread's handle; null for a port created off the main thread.
+  /// The handle of the port thread; null for a port that was not created on the main thread.
   /// @{
   std::shared_ptr<NSThread> thread71() const { return _thread71.get(); }
   void setThread71(std::shared_ptr<NSThread> thread) { _thread71.set(std::move(thread)); }
@@ -323,18 +339,18 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// The pause between attempts of the retrying writer, in seconds.
   float secInterval1() const { return _secInterval1; }
 
-  /// The writer's wait for space and the pause before a close, in seconds.
+  /// The time that `write` waits for space, and the pause before a close, in seconds.
   float secInterval2() const { return _secInterval2; }
 
-  /// The selected accessory's name; null while the port is closed. Setting it changes only the
-  /// value returned here, until the port is opened or closed.
+  /// The selected accessory's name; null while the port is closed. The setter changes only the
+  /// value that the getter returns, and only until the port is opened or closed.
   /// @{
   std::optional<std::string> name() const { return _name.get(); }
   void setName(std::optional<std::string> name) { _name.set(std::move(name)); }
   /// @}
 
-  /// The selected accessory's serial number; null while the port is closed. Setting it has the
-  /// effect that setting the name has.
+  /// The selected accessory's serial number; null while the port is closed. The setter works like
+  /// that of the name.
   /// @{
   std::optional<std::string> serialNumber() const { return _serialNumber.get(); }
   void setSerialNumber(std::optional<std::string> serialNumber) {
@@ -342,8 +358,8 @@ class QUOR_EXPORT ExternalAccessoryPort
   }
   /// @}
 
-  /// The selected accessory's connection identifier; 0 while the port is closed. Setting it has the
-  /// effect that setting the name has.
+  /// The selected accessory's connection identifier; 0 while the port is closed. The setter works
+  /// like that of the name.
   /// @{
   std::uint64_t connectionID() const { return _connectionID; }
   void setConnectionID(std::uint64_t connectionID) { _connectionID = connectionID; }
@@ -380,7 +396,7 @@ class QUOR_EXPORT ExternalAccessoryPort
                                          std::span<const std::uint8_t> tempData, Reply reply);
   std::int32_t retryWrite(const ByteBuffer& command, Reply reply);
 
-  /// Whether a read always waits for its first byte, or only if one may arrive.
+  /// Says whether a read always waits for its first byte, or only if a byte may arrive.
   enum class Patience { Always, WhereExpected };
   std::optional<ByteBuffer> receive(std::size_t bytesToRead, Patience patience);
   bool readChunk(NSInputStream& stream, ByteBuffer& recvBuffer, std::size_t bytesToRead);

@@ -7,8 +7,9 @@ namespace quordalvane {
 /// The text of the exception that is being handled.
 std::string thrownText();
 
-/// Runs `work`, which may throw. False if it did, after `report` was called to log it. Throws
-/// nothing itself: a record for which there is no memory is lost.
+/// Runs `work`. If `work` throws, calls `report`, which logs the exception, and returns false.
+/// Otherwise returns true. Never throws: if `report` throws, for example because memory is short,
+/// the log record is lost.
 template <typename Work, typename Report>
 bool guarded(Work work, Report report) noexcept {
   try {

@@ -9,7 +9,8 @@
 namespace quordalvane {
 namespace {
 
-/// Whether `number`, which no float can hold, is too large for one and not too small.
+/// Returns whether `number`, which is out of the range of a float, is too large rather than too
+/// small.
 bool isTooLarge(std::string_view number) {
   const std::size_t mark = std::min(number.find_first_of("eE"), number.size());
   const std::string_view digits = number.substr(0, mark);

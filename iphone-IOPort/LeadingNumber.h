@@ -4,9 +4,10 @@
 
 namespace quordalvane {
 
-/// The number at the beginning of `text`, after white space, read with a full stop whatever the
-/// locale. Infinite if it is too large for a float; 0 if it is too small for one, if there is no
-/// number ("inf", "nan" and hexadecimal digits are not numbers), or if it is below zero.
+/// Returns the number at the beginning of `text`, after any white space. The decimal separator is a
+/// full stop in every locale. Returns infinity if the number is too large for a float. Returns 0 if
+/// it is too small for a float, if it is negative, or if there is no number; "inf", "nan" and
+/// hexadecimal digits are not numbers.
 float leadingNumber(std::string_view text);
 
 }  // namespace quordalvane

@@ -9,7 +9,8 @@
 namespace quordalvane {
 namespace {
 
-/// Builds a message. Most fit into its buffer, so that they allocate once, exactly what they need.
+/// Builds a message. Most messages fit into its buffer; they need one allocation of exactly their
+/// size.
 class MessageText {
  public:
   void append(std::string_view text) {
@@ -42,7 +43,8 @@ class MessageText {
   }
 
  private:
-  static constexpr std::size_t longestNumber = 317;  // the lowest double, with six decimals
+  static constexpr std::size_t longestNumber =
+      317;  // the length of the lowest double with six decimals
 
   char* end() noexcept { return buffer_.data() + used_; }
 
@@ -56,8 +58,8 @@ class MessageText {
   std::string spilled_;
 };
 
-/// 0x and the hexadecimal digits of an address. Every statement has one, so it is written without
-/// counting the digits first.
+/// The text of an address: 0x and its hexadecimal digits. Every log statement needs one, so it is
+/// written backwards, which saves counting the digits first.
 class AddressText {
  public:
   explicit AddressText(const void* address) {
@@ -133,7 +135,7 @@ void appendArgument(MessageText& message, LogConversion conversion, const LogArg
     case LogConversion::Text:
       return appendText(message, textOf(argument));
     case LogConversion::None:
-      break;  // fits no argument
+      break;  // no argument fits this conversion
   }
 }
 

@@ -15,25 +15,26 @@
 
 #include "iphone-IOPort/LogWriter.h"
 
-/// One log statement in a method of an object. The method names itself by a constant `selector`, as
-/// in
+/// Logs one record from a method of an object. The method defines a constant `selector`, which
+/// holds its own name, for example
 ///     constexpr const char* selector = "-[ExternalAccessoryPort write:]";
 ///     QUOR_LOG(ZKLogTypeRead, 0, "%lu, -> %@", size, data);
 ///
-/// If logging is off or the level is not wanted, no argument is evaluated. Otherwise the address of
-/// the object is built, then the message, outside of every lock, so that an argument may itself
-/// log.
+/// If logging is off or the level is not wanted, no argument is evaluated. Otherwise the text of
+/// the object's address is built first, and then the message. No lock is held meanwhile, so an
+/// argument may itself log.
 ///
-/// The conversions of the format, which are checked against the arguments when the program is
-/// compiled:
+/// The format may contain these conversions. The compiler checks that they fit the arguments.
 ///     %d   integer, bool or enumeration: its low 32 bits, signed; a bool is 1 or 0
 ///     %u   likewise, unsigned
 ///     %ld  likewise, all 64 bits, signed
 ///     %lu  likewise, unsigned
-///     %f   floating-point number with six decimals and a full stop, whatever the locale
-/// %p raw or smart pointer: 0x and lower-case hexadecimal digits; null is 0x0 %@ string, "(null)"
-/// if empty: std::string, a view, a C string, an optional of them; list of strings: "(one, two)";
-/// byte buffer or optional one: "<1b 06>" A per cent sign inside of an argument is text.
+///     %f   floating-point number with six decimals and a full stop, in every locale
+///     %p   raw or smart pointer: 0x and lower-case hexadecimal digits; null is 0x0
+///     %@   string, C string, view or optional string: its text; "(null)" if null
+///     %@   list of strings: "(one, two)"
+///     %@   byte buffer or optional byte buffer: "<1b 06>"
+/// A per cent sign in an argument is printed as it is.
 #define QUOR_LOG(logType, logLevel, ...)                                                 \
   do {                                                                                   \
     if (::quordalvane::LogWriter::isLogging() &&                                         \
@@ -45,15 +46,16 @@
 
 namespace quordalvane {
 
-/// A text, a list of texts or a byte buffer, or nothing.
+/// A text, a list of texts, a byte buffer, or nothing.
 using LogText = std::variant<std::monostate, std::string_view, std::span<const std::string>,
                              std::span<const std::uint8_t>>;
 
-/// An argument of a message while its statement runs; it refers to an object of the caller's. An
-/// integer is its 64 bits. A C string, or nullptr, is its address, which %p does not follow.
+/// An argument of a message. It refers to an object of the caller, which must exist while the
+/// statement runs. An integer is held as 64 bits. A C string or nullptr is held as an address; %p
+/// prints the address and does not read the text.
 using LogArgument = std::variant<std::uint64_t, double, const void*, const char*, LogText>;
 
-/// Which alternative of LogArgument an argument becomes.
+/// Converts an argument to an alternative of LogArgument.
 namespace log_argument {
 
 inline LogText refer(std::string_view text) {
@@ -106,7 +108,7 @@ using Referred = decltype(refer(std::declval<const Argument&>()));
 
 enum class LogConversion { None, Int32, Uint32, Int64, Uint64, Real, Address, Text };
 
-/// A part of a format: some text, and the conversion after it.
+/// A piece of a format: some text and the conversion that follows it.
 struct LogFormatPiece {
   std::string_view text;
   LogConversion conversion = LogConversion::None;
@@ -140,8 +142,9 @@ constexpr LogConversion longConversionOf(char letter) {
   }
 }
 
-/// Takes the format up to and with its next conversion off its beginning. The conversion is `None`
-/// if no per cent sign is left, or if no conversion follows the next one.
+/// Removes the beginning of `format`, up to and including its next conversion, and returns it. The
+/// conversion is `None` if no per cent sign is left, or if the letters after it are not a
+/// conversion.
 constexpr LogFormatPiece takePiece(std::string_view& format) {
   const std::size_t sign = format.find('%');
   if (sign == std::string_view::npos) {
@@ -173,13 +176,13 @@ constexpr bool fitsConversion(LogConversion conversion) {
   }
 }
 
-/// A format in its pieces, one for each argument, and the text after them: parsed when the program
-/// is compiled, not at each call.
+/// A format, split into one piece for each argument and the rest of the text. The compiler splits
+/// it, so a call need not.
 template <typename... Arguments>
 struct LogFormatPieces {
   std::array<LogFormatPiece, sizeof...(Arguments)> pieces;
   std::string_view rest;
-  bool fits = true;  // known conversions alone, which fit the arguments, and as many
+  bool fits = true;  // the format has one conversion for each argument, and each fits its argument
 
   constexpr explicit LogFormatPieces(std::string_view format) {
     constexpr std::array<bool (*)(LogConversion), sizeof...(Arguments)> fitting{
@@ -193,7 +196,7 @@ struct LogFormatPieces {
   }
 };
 
-/// A format that was found to fit its arguments when the program was compiled.
+/// A format whose conversions fit its arguments; a program with any other format does not compile.
 template <typename... Arguments>
 class LogFormat {
  public:
@@ -210,7 +213,8 @@ class LogFormat {
   LogFormatPieces<Arguments...> pieces_;
 };
 
-/// The message of `pieces`, which have a conversion each that fits its argument, and the `rest`.
+/// Builds the message from `pieces`, each of which has a conversion that fits its argument, and
+/// from `rest`.
 std::string buildMessage(std::span<const LogFormatPiece> pieces, std::string_view rest,
                          std::span<const LogArgument> arguments);
 
@@ -222,13 +226,13 @@ std::string formatMessage(const LogFormat<std::type_identity_t<Arguments>...>& f
   return buildMessage(format.pieces(), format.rest(), referred);
 }
 
-/// A record that lacks its message yet: made first, so that the message is built last.
+/// A log record without its message. It is constructed before the message is built.
 class LogStatement {
  public:
   LogStatement(ZKLogType type, std::int32_t level, const void* object, const char* file,
                std::int64_t line, const char* method);
 
-  /// Hands the record with `message` to the logger.
+  /// Completes the record with `message` and passes it to the logger.
   void write(std::string&& message) &&;
 
  private:

@@ -1,4 +1,4 @@
-// The port thread, and the passing of open and close to it.
+// The port thread, and `open` and `close`, which run on it.
 
 #include "iphone-IOPort/ExternalAccessoryPort.h"
 #include "iphone-IOPort/Guarded.h"
@@ -9,8 +9,9 @@
 namespace quordalvane {
 
 bool ExternalAccessoryPort::startPortThread() {
-  // The thread keeps the port alive while it runs, and its handle releases the body at its end: a
-  // handle that kept it would keep the port, and the port the handle, for ever.
+  // The body of the thread owns the port, so the port lives while the thread runs. The handle
+  // releases the body when the thread ends; otherwise port and handle would keep each other alive
+  // for ever.
   const auto thread = platform_->makeThread([self = shared_from_this()] { self->runLoop71(); });
   setThread71(thread);
   return thread != nullptr && thread->start();
@@ -19,12 +20,12 @@ bool ExternalAccessoryPort::startPortThread() {
 void ExternalAccessoryPort::runLoop71() {
   constexpr auto selector = "-[ExternalAccessoryPort runLoop71]";
   QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@", "");
-  // A loop that throws ends the thread and not the process: later routines run on the caller, as
-  // after a close.
+  // If the run loop throws, the thread ends, but not the process. `open` and `close` then run on
+  // the caller's thread, as after a close.
   guarded(
       [this] {
         while (!stopThread71) {
-          // The text lacks its final bracket; programs that search logs for it rely on that.
+          // The text lacks its final bracket. Programs search logs for exactly this text.
           QUOR_LOG(
               ZKLogTypeProcess, 1,
               "[NSRunLoop.currentRunLoop runUntilDate:[NSDate dateWithTimeIntervalSinceNow:0.1]");
@@ -35,9 +36,10 @@ void ExternalAccessoryPort::runLoop71() {
   QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%@", "");
 }
 
-/// Runs the routine here if no port thread could: a port made off the main thread has none, and
-/// after a close it has ended or is about to end. A thread that is about to end would still take
-/// the routine, but the loop that the streams are scheduled on would no longer run.
+/// Runs the routine on the port thread, or on the calling thread if no port thread can run it. A
+/// port that was not created on the main thread has no port thread; after a close the port thread
+/// has ended or is about to end. A thread that is about to end would still accept the routine, but
+/// would not run the loop that the streams are scheduled on any more.
 void ExternalAccessoryPort::performOnPortThread(void (ExternalAccessoryPort::*routine)()) {
   const auto thread = thread71();
   const bool runs = thread != nullptr && !stopThread71;
@@ -59,7 +61,7 @@ bool ExternalAccessoryPort::open() {
     }
   };
   const bool ran = guarded(openOnItsThread, tell);
-  // The session does not change if the pause throws: the caller learns of a failed open and closes.
+  // If the pause throws, the session stays open: the caller sees a failed open and calls `close`.
   const bool paused = guarded([this] { usleep(100000); }, tell);
   const bool result = ran && paused && result71().value_or(false);
   QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", result);
@@ -90,7 +92,7 @@ void ExternalAccessoryPort::close() {
   };
   guarded(pauseOnNewerSystems, tell);
   if (!guarded(closeOnItsThread, tell)) {
-    close71();  // an exception of the platform must not leave the session open
+    close71();  // the session must not be left open because the platform threw
   }
   if (isMain) {
     stopThread71 = true;

@@ -1,4 +1,4 @@
-// The choice of the accessory, the session on it, and the connected test.
+// Chooses the accessory, opens and closes the session on it, and tests whether it is connected.
 
 #include <algorithm>
 #include <stdexcept>
@@ -23,7 +23,7 @@ bool equalIgnoringCase(std::string_view a, std::string_view b) {
                     [](char x, char y) { return lowerCase(x) == lowerCase(y); });
 }
 
-/// The designation of the accessory in a port name; an empty one designates any.
+/// Returns the part of a port name that selects the accessory; null if any accessory will do.
 std::optional<std::string> designationIn(const std::optional<std::string>& portName) {
   if (!portName || equalIgnoringCase(*portName, "BT:")) {
     return std::nullopt;
@@ -56,7 +56,8 @@ void ExternalAccessoryPort::selectAccessory() {
   const auto specifiedPortName = designationIn(portName_);
   QUOR_LOG(ZKLogTypeProcess, 0, "specifiedPortName: %@", specifiedPortName);
   const auto accessoryArray = platform_->sharedAccessoryManager().connectedAccessories();
-  // A session that was not closed is released with its accessory: it must not be used any more.
+  // A session that was not closed must not be used any more; it is released together with its
+  // accessory.
   _session.set(nullptr);
   _selectedAccessory.set(nullptr);
   const auto chosen = std::find_if(
@@ -211,7 +212,7 @@ void ExternalAccessoryPort::close71() {
         }
       },
       [this] { QUOR_LOG(ZKLogTypeError, 0, "%@", thrownText()); });
-  // The port is closed from here on, even if a stream threw.
+  // From here on the port counts as closed, even if a stream threw.
   _session.set(nullptr);
   _selectedAccessory.set(nullptr);
   setConnectionID(0);

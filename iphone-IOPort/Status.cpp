@@ -1,4 +1,4 @@
-// The printer's status in both emulations, and the online test.
+// Asks for the printer's status in both emulations, and whether it is on line.
 
 #include <algorithm>
 #include <cassert>
@@ -40,7 +40,7 @@ bool ExternalAccessoryPort::getParsedStatus(QuorPrinterStatus_2* quorPrinterStat
   constexpr auto selector = statusSelector;
   assert(quorPrinterStatus != nullptr);
   QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%p, %d", quorPrinterStatus, level);
-  readLeftovers(drainSize);  // its result does not matter
+  readLeftovers(drainSize);  // its result is not needed
   QUOR_LOG(ZKLogTypeProcess, 0, "p_emulation: %d", p_emulation);
   bool result = false;
   if (p_emulation == ZKEmulationESCPOS) {
@@ -72,7 +72,7 @@ bool ExternalAccessoryPort::getParsedStatusQuorLine(QuorPrinterStatus_2* quorPri
   return false;
 }
 
-/// One attempt's reads. True when the record was filled from a complete reply.
+/// Reads the reply to one attempt. Returns true if the record was filled from a complete reply.
 bool ExternalAccessoryPort::collectStatus(QuorPrinterStatus_2* quorPrinterStatus,
                                           std::uint32_t level) {
   constexpr auto selector = statusSelector;
@@ -91,8 +91,8 @@ bool ExternalAccessoryPort::collectStatus(QuorPrinterStatus_2* quorPrinterStatus
   return false;
 }
 
-/// One read. True if it completed the reply: the record is then filled, and bytes after the reply
-/// are dropped.
+/// Reads once. Returns true if the reply is now complete: the record is then filled, and bytes
+/// after the reply are dropped.
 bool ExternalAccessoryPort::readStatusPiece(ByteBuffer& buffer,
                                             QuorPrinterStatus_2* quorPrinterStatus) {
   constexpr auto selector = statusSelector;
@@ -125,7 +125,7 @@ bool ExternalAccessoryPort::getParsedStatusESCPOS(QuorPrinterStatus_2* quorPrint
   quorPrinterStatus->coverOpen = 0;
   quorPrinterStatus->offline = 0;
   quorPrinterStatus->receiptPaperEmpty = 0;
-  WholeSecondsWait wait(platform_->clock(), timeout_);  // one for the three queries together
+  WholeSecondsWait wait(platform_->clock(), timeout_);  // the three queries share one time-out
   const ByteBuffer dataCancelEndCommand(std::begin(dataCancelEnd), std::end(dataCancelEnd));
   if (!writeStatusCommand(dataCancelEndCommand, Reply::None)) {
     return false;
@@ -152,7 +152,8 @@ bool ExternalAccessoryPort::writeStatusCommand(const ByteBuffer& command, Reply 
   return true;
 }
 
-/// Waits for the answer to one query and puts it into the record. False at the time-out.
+/// Waits for the answer to one query and stores it in the record. Returns false if the time-out
+/// passes.
 bool ExternalAccessoryPort::awaitStatusByte(QuorPrinterStatus_2* quorPrinterStatus,
                                             std::uint32_t level, WholeSecondsWait& wait) {
   constexpr auto selector = statusSelector;
@@ -209,7 +210,8 @@ bool ExternalAccessoryPort::getOnlineStatus(bool* onlineStatus) {
     QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%p, -> %d", onlineStatus, false);
     return false;
   }
-  // Not cleared: a status that was obtained has set the one field that is read here.
+  // The record need not be cleared: a status that was obtained has set the only field that is read
+  // here.
   QuorPrinterStatus_2 quorStatus;
   if (!getParsedStatus(&quorStatus, 2)) {
     QUOR_LOG(ZKLogTypeError, 0, "Fail to [self getParsedStatus:&quorStatus level:2], %p, %p, %d",

@@ -6,14 +6,14 @@
 
 namespace quordalvane {
 
-/// `length` elements of a sequence, from the one at `location` on.
+/// A range of `length` elements in a sequence; the first is the element at `location`.
 struct Range {
   std::int64_t location = 0;
   std::int64_t length = 0;
 };
 
-/// The elements of `sequence` (a string or a byte buffer) in `range`. Throws std::out_of_range if
-/// they do not all exist: a range is never shortened silently.
+/// Returns the elements of `sequence` (a string or a byte buffer) that are in `range`. Throws
+/// std::out_of_range if one of them does not exist; it never shortens the range.
 template <typename Sequence>
 Sequence subrange(const Sequence& sequence, Range range) {
   const auto [location, length] = range;

@@ -7,16 +7,17 @@
 
 namespace quordalvane {
 
-/// Sees the bytes that pass through a port, on the thread that moves them. Its exceptions pass
-/// through the operation that moves them, which is how a wait is abandoned from outside.
+/// Sees the bytes that a port reads and writes. It is called on the thread that moves them. An
+/// exception that it throws passes through the port's operation; so an observer can abandon a wait.
 class QUOR_EXPORT TransferObserver {
  public:
   virtual ~TransferObserver() = default;
 
-  /// The link has taken these further bytes; they are empty if a `write:` could hand on none.
+  /// Called after the link has taken `bytes`. They are empty if a write ended without a byte being
+  /// taken.
   virtual void bytesWritten(std::span<const std::uint8_t> bytes) = 0;
 
-  /// A `read:` is about to return `bytes`, which may be empty.
+  /// Called before a read returns `bytes`, which may be empty.
   virtual void bytesRead(std::span<const std::uint8_t> bytes) = 0;
 };
 

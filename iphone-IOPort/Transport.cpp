@@ -1,4 +1,4 @@
-// Bytes: one offer to the link, one look at it, and the retrying writer.
+// Moves bytes: writes once, reads once, and writes a whole command in several attempts.
 
 #include <algorithm>
 #include <array>
@@ -20,7 +20,7 @@ constexpr auto writeSelector = "-[ExternalAccessoryPort write:]";
 constexpr auto readSelector = "-[ExternalAccessoryPort read:]";
 constexpr std::size_t MAX_READ_SIZE = 128;
 
-// A port without a session has neither space nor bytes.
+// Without a session there is no stream, and so neither space nor bytes.
 bool hasSpaceAvailable(const std::shared_ptr<NSOutputStream>& stream) {
   return stream != nullptr && stream->hasSpaceAvailable();
 }
@@ -29,13 +29,13 @@ bool hasBytesAvailable(const std::shared_ptr<NSInputStream>& stream) {
   return stream != nullptr && stream->hasBytesAvailable();
 }
 
-/// The count that a stream claims to have moved, limited to the possible: a stream may claim
-/// anything.
+/// Returns the count that a stream claims to have moved, limited to 0 to `offered`, because a
+/// faulty stream may claim any number.
 std::uint64_t movedBytes(std::int64_t claimed, std::size_t offered) {
   return claimed < 0 ? 0 : std::min(static_cast<std::uint64_t>(claimed), std::uint64_t{offered});
 }
 
-/// Adds counts as 32-bit integers do that wrap.
+/// Adds two counts as 32-bit integers that wrap around.
 std::int32_t wrappingSum(std::int32_t a, std::int32_t b) {
   return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) + static_cast<std::uint32_t>(b));
 }
@@ -69,7 +69,8 @@ std::int32_t ExternalAccessoryPort::write(std::span<const std::uint8_t> data, Re
   return offer(data, data.data(), reply);
 }
 
-/// `write`; the records name the data by the address of the caller's object.
+/// Does the work of `write`. The log names the data by `object`, the address of the caller's
+/// object.
 std::int32_t ExternalAccessoryPort::offer(std::span<const std::uint8_t> data, const void* object,
                                           Reply reply) {
   constexpr auto selector = writeSelector;
@@ -102,8 +103,8 @@ std::int32_t ExternalAccessoryPort::offer(std::span<const std::uint8_t> data, co
   return result;
 }
 
-/// Offers the whole tail to the stream through a copy of its own. Returns the stream's count, or
-/// null if the write as a whole has failed; a negative count other than -1 is not an error.
+/// Copies all unsent bytes and offers the copy to the stream. Returns the stream's count, or null
+/// if the whole write has failed. A negative count other than -1 is not an error.
 std::optional<std::int64_t> ExternalAccessoryPort::writeChunk(
     NSOutputStream& stream, std::span<const std::uint8_t> tempData, Reply reply) {
   constexpr auto selector = writeSelector;
@@ -155,7 +156,8 @@ std::optional<ByteBuffer> ExternalAccessoryPort::receive(std::size_t bytesToRead
   }
   const auto stream = inputStream();
   if (!hasBytesAvailable(stream)) {
-    // The writer's text, although this is a read: readers of these logs know it so.
+    // This is a read but logs the text of `write`, because readers of these logs know the record
+    // so.
     QUOR_LOG(ZKLogTypeProcess, 0, "_session.outputStream.hasSpaceAvailable == NO, %d",
              hasSpaceAvailable(outputStream()));
     if (patience == Patience::Always || stream == nullptr || stream->expectsBytes()) {
@@ -179,7 +181,7 @@ std::optional<ByteBuffer> ExternalAccessoryPort::receive(std::size_t bytesToRead
   return recvBuffer;
 }
 
-/// Appends the bytes of one stream call. False if the read as a whole has failed.
+/// Appends the bytes of one call of the stream. Returns false if the whole read has failed.
 bool ExternalAccessoryPort::readChunk(NSInputStream& stream, ByteBuffer& recvBuffer,
                                       std::size_t bytesToRead) {
   constexpr auto selector = readSelector;
@@ -208,7 +210,7 @@ std::int32_t ExternalAccessoryPort::writeWithRetry(const ByteBuffer& command) {
   return retryWrite(command, Reply::Possible);
 }
 
-/// `writeWithRetry`, of a command that is known to be answered or not.
+/// Does the work of `writeWithRetry`. `reply` says whether the printer may answer the command.
 std::int32_t ExternalAccessoryPort::retryWrite(const ByteBuffer& givenCommand, Reply reply) {
   constexpr auto selector = "-[ExternalAccessoryPort writeWithRetry:]";
   QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%p", &givenCommand);
@@ -237,7 +239,7 @@ std::int32_t ExternalAccessoryPort::retryWrite(const ByteBuffer& givenCommand, R
         return -1;
       }
       usleep(microseconds(secInterval1()));
-      // The total is the offset into the narrowed command: kept as it is, see the declaration.
+      // The total is used as an offset into the unsent rest; the declaration says why this is kept.
       const std::int32_t offset = std::max(amountWritten, 0);
       const Range subDataRange = {.location = offset, .length = length - offset};
       tail = subrange(*command, subDataRange);

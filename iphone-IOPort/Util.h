@@ -8,21 +8,22 @@ namespace quordalvane {
 class EAAccessory;
 class EAAccessoryManager;
 
-/// The knowledge of models and Bluetooth addresses by which an accessory is selected. All calls are
-/// pure except the last two, which ask the platform; any thread.
+/// Functions for models and Bluetooth addresses, by which a port selects an accessory. Any thread
+/// may call them. All of them are pure except the last two, which ask the platform.
 class Util {
  public:
-  /// True for the models that are attached over the USB-type cable: those that end in "-U".
+  /// Returns true for a model that is attached by a USB cable: its number ends in "-U".
   static bool isUsbDevice(std::string_view modelNumber);
 
-  /// The first Bluetooth address in `text`: six pairs of hex digits joined by ':', in the letter
-  /// case of the text, with no hex digit directly before or after it. "" if there is no address.
+  /// Returns the first Bluetooth address in `text`, in the letter case of the text: six pairs of
+  /// hex digits joined by ':', with no hex digit directly before or after them. Returns "" if there
+  /// is no address.
   static std::string getMACAddressFromString(std::string_view text);
 
-  /// True if the platform has a way of its own to read an accessory's address.
+  /// Returns true if the platform has its own way to read an accessory's Bluetooth address.
   static bool isSet(EAAccessoryManager& manager);
 
-  /// The accessory's address, read in the platform's way, or "".
+  /// Returns the accessory's Bluetooth address as the platform reads it, or "".
   static std::string getMACAddressFromSpecifiedMethod(EAAccessoryManager& manager,
                                                       EAAccessory& accessory);
 };

@@ -6,8 +6,9 @@
 
 namespace quordalvane {
 
-/// A wait that is limited in whole seconds of the wall clock. The clock may be stepped at any time:
-/// the difference is signed and 64 bits wide, so that a step back only makes the wait longer.
+/// Measures a wait whose limit is a number of whole seconds of the wall clock. The clock may be set
+/// back at any time: the difference is a signed 64-bit number, so a step back only makes the wait
+/// longer.
 class WholeSecondsWait {
  public:
   WholeSecondsWait(Clock& clock, std::uint32_t timeoutMillis)
@@ -15,7 +16,7 @@ class WholeSecondsWait {
         timeoutSec_(static_cast<std::int32_t>(timeoutMillis / 1000)),
         start_(clock.gettimeofday().tv_sec) {}
 
-  /// Takes a new reading. True once the seconds have moved on by more than the limit.
+  /// Reads the clock. Returns true once its seconds have advanced by more than the limit.
   bool isOver() { return isOver(timeoutSec_); }
   bool isOver(std::int32_t timeoutSec) {
     end_ = clock_.gettimeofday().tv_sec;
@@ -25,7 +26,7 @@ class WholeSecondsWait {
   void restart() { start_ = clock_.gettimeofday().tv_sec; }
 
   std::int64_t start() const { return start_; }
-  std::int64_t end() const { return end_; }  ///< the last reading of `isOver`
+  std::int64_t end() const { return end_; }  ///< the seconds that `isOver` read last
   std::int32_t timeoutSec() const { return timeoutSec_; }
 
  private:

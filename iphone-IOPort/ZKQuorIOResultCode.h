@@ -4,14 +4,15 @@
 
 namespace quordalvane {
 
-/// How the beginning of a checked block ended. The port itself produces success, failed and paper
-/// present; the other two belong to the layers above it.
+/// The result of beginning a checked block. The port itself returns success, failed and paper
+/// present; the other two are for the layers above it.
 enum ZKQuorIOResultCode : std::int64_t {
-  ZKQuorIOResultCodeSuccess = 0,             ///< the block has begun
-  ZKQuorIOResultCodeFailedError = -1,        ///< an exchange failed, or the printer is off line
+  ZKQuorIOResultCodeSuccess = 0,  ///< the block has begun
+  ZKQuorIOResultCodeFailedError =
+      -1,  ///< an exchange with the printer failed, or the printer is off line
   ZKQuorIOResultCodeInProcessError = -2,     ///< for a layer above: not finished yet
-  ZKQuorIOResultCodePaperPresentError = -3,  ///< the paper in the exit was not taken in time
-  ZKQuorIOResultCodeInUseError = -100,       ///< for a layer above: another one uses the printer
+  ZKQuorIOResultCodePaperPresentError = -3,  ///< nobody took the paper from the exit in time
+  ZKQuorIOResultCodeInUseError = -100,  ///< for a layer above: another program uses the printer
 };
 
 }  // namespace quordalvane

@@ -8,14 +8,14 @@
 
 namespace quordalvane {
 
-/// Thrown if an exchange with the printer must be abandoned. It carries no user information.
+/// Thrown if an exchange with the printer must be abandoned.
 class QUOR_EXPORT PortException : public std::exception {
  public:
   /// `reason` says, for a person, why the exchange was abandoned.
   explicit PortException(std::string reason) : reason_(std::move(reason)) {}
 
-  /// The name of the kind of exception, always the same, and the reason of this one. Both are the
-  /// exception's own and valid as long as it.
+  /// `name` is the same for every exception of this class; `reason` says why this one was thrown.
+  /// The exception owns both texts.
   /// @{
   const char* name() const noexcept { return "PortException"; }
   const std::string& reason() const noexcept { return reason_; }
