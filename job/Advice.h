@@ -6,7 +6,8 @@
 
 namespace quordalvane {
 
-/// The next step for a person after a job that ended so. "" if it was printed.
+/// Returns the advice for a person whose job ended with `result`: what to do next. "" if the job
+/// was printed.
 std::string adviceFor(const PrintResult& result);
 
 }  // namespace quordalvane

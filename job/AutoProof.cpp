@@ -29,7 +29,8 @@ MaybeSetback AutoProof::begin() {
   return chosen_->begin();
 }
 
-/// Asks a printer that is ready, unless it was asked before and has said nothing since.
+/// Asks the printer which proof it gives, once it is ready. Does not ask again if an earlier search
+/// found no proof and no confirming answer has arrived since.
 MaybeSetback AutoProof::find() {
   if (auto setback = refuseUnready(link(), answers_, result())) {
     return setback;
@@ -44,7 +45,7 @@ MaybeSetback AutoProof::ask() {
     return setback;
   }
   memory_.foundProof = found.kind;
-  // What an earlier search has left owed may still arrive, whatever this one was answered.
+  // Answers that an earlier search did not wait for may still arrive, so they stay in the list.
   memory_.owed.merge(found.owed);
   return std::nullopt;
 }

@@ -8,8 +8,9 @@
 
 namespace quordalvane {
 
-/// Asks an ESC/POS printer which proof it gives, and then is that proof. The answer is kept for the
-/// port's life, unless a printer that seemed to give none answers after all.
+/// Asks an ESC/POS printer which proof it gives, and then forwards all calls to that proof. The
+/// printer is asked once in the life of a port, unless it seemed to give no proof and sends a
+/// confirming answer later.
 class AutoProof final : public Proof {
  public:
   AutoProof(PortLink& link, PrintResult& result);
@@ -27,7 +28,7 @@ class AutoProof final : public Proof {
 
   PortMemory& memory_;
   EscPosAnswers answers_;
-  std::unique_ptr<Proof> chosen_;  // null until the printer has answered
+  std::unique_ptr<Proof> chosen_;  // null until the printer's answer is known
 };
 
 }  // namespace quordalvane

@@ -9,17 +9,18 @@
 
 namespace quordalvane {
 
-/// Looks for the reports that an ESC/POS printer sends when it has passed an end-of-block mark, 1b
-/// 1d 03 01 00 00 count 00, in the bytes that it sends, however they are cut into pieces.
+/// Finds an ESC/POS printer's reports in the bytes that it sends. The printer sends a report, 1b 1d
+/// 03 01 00 00 count 00, when it has reached an end-of-block mark. A report may arrive in any
+/// number of pieces.
 class BlockReport {
  public:
-  /// Takes the next bytes that arrived, which may be empty.
+  /// Processes the next bytes that arrived; `bytes` may be empty.
   void feed(ByteView bytes);
 
-  /// Forgets everything, including a report that has begun.
+  /// Forgets everything, including an incomplete report.
   void clear();
 
-  /// The count of the last whole report; empty before the first.
+  /// Returns the count of the last complete report; null before the first.
   std::optional<std::uint8_t> lastCount() const { return lastCount_; }
 
  private:

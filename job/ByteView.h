@@ -5,7 +5,7 @@
 
 namespace quordalvane {
 
-/// Bytes that lie in somebody else's buffer.
+/// Bytes in a buffer that somebody else owns.
 using ByteView = std::span<const std::uint8_t>;
 
 }  // namespace quordalvane

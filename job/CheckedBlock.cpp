@@ -13,8 +13,8 @@ namespace {
 
 constexpr std::uint32_t statusLevel = 2;
 
-// The port's own waits end within whole seconds of the wall clock, and with an exchange that has
-// begun before. Those that would never end are left a little later.
+// Waits of the port may end this much after their limit: they count whole seconds, and finish an
+// exchange that has begun. A wait that takes even longer is abandoned.
 constexpr auto timeToLeave = std::chrono::seconds(4);
 
 }  // namespace
@@ -83,9 +83,9 @@ std::string CheckedBlock::whyNotBegun() const {
   return "the printer did not reset its counter within " + inSeconds(link().port().timeoutMillis());
 }
 
-/// One exchange after the block's data cancel, once all earlier questions are answered. Its answer
-/// follows everything that the printer had to report of earlier jobs, and in line mode shows that
-/// none of them was counted since: every later sign is this job's.
+/// Waits for the answers to all earlier requests, and then sends one more. Its answer follows all
+/// reports of earlier jobs, and in line mode it shows that no mark of an earlier job was counted
+/// since the reset. So every later confirmation belongs to this job.
 MaybeSetback CheckedBlock::synchronise() {
   link().drain();
   if (auto setback = awaitAnswers()) {
@@ -103,7 +103,7 @@ MaybeSetback CheckedBlock::exchange(ByteView command) {
   return setback ? setback : awaitAnswers();
 }
 
-/// Reads until the printer owes no answer.
+/// Reads until the printer has answered every request.
 MaybeSetback CheckedBlock::awaitAnswers() {
   if (link().await([this](ByteView) { return !answers_.isAnyOwed(); }, link().timeout())) {
     return std::nullopt;
@@ -121,8 +121,8 @@ std::string CheckedBlock::whyNoAnswer() const {
                "emulation, or in use by another program";
 }
 
-/// Ends the guarded section of a block that is abandoned. A printer that was given a data time-out,
-/// now or by an earlier job, would otherwise drop the data of later jobs.
+/// Ends the data cancel of a block that is abandoned. Otherwise a printer on which a data time-out
+/// was set, by this job or an earlier one, would drop the data of later jobs.
 void CheckedBlock::leave() {
   link().port().write(dataCancelEnd, PortLink::Reply::None);
 }
@@ -141,7 +141,8 @@ MaybeSetback CheckedBlock::end(ByteView data) {
 
 MaybeSetback CheckedBlock::judgeEnd(ByteView data, const std::string& failure) {
   const auto obstacle = confirmationObstacle(data, link().port().emulation());
-  // A mark in the data can itself be why the wait for the sign timed out.
+  // A mark in the data may be the reason why the wait timed out, so the obstacle is reported rather
+  // than the time-out.
   if (!failure.empty() && (!obstacle || link().isLost())) {
     return link().failedExchange(failure);
   }

@@ -10,7 +10,7 @@
 
 namespace quordalvane {
 
-/// The proof by the port's checked block: the common part of both emulations.
+/// A proof by the port's checked block. This class is the common part for both emulations.
 class CheckedBlock : public Proof {
  public:
   MaybeSetback begin() override;
@@ -26,31 +26,32 @@ class CheckedBlock : public Proof {
 
   const OwedAnswers& answers() const { return answers_; }
 
-  /// Sends `command`, which ends in a request, and waits until the printer owes no answer.
+  /// Sends `command`, which ends with a status request, and waits until the printer has answered
+  /// every request.
   MaybeSetback exchange(ByteView command);
   MaybeSetback awaitAnswers();
   QuorPrinterStatus_2& status() { return status_; }
   const QuorPrinterStatus_2& status() const { return status_; }
 
  private:
-  /// Refuses a printer on which no block may begin.
+  /// Returns a setback if no block may begin on this printer.
   virtual MaybeSetback prepare() = 0;
 
-  /// A request for one status answer.
+  /// The command that requests one status answer.
   virtual ByteView request() const = 0;
 
-  /// Judges the status after all questions were answered.
+  /// Judges whether the printer is ready. Called when all requests have been answered.
   virtual MaybeSetback judgeReadiness() = 0;
 
-  /// Sends a mark before the data, so that a printer that is switched off and on during the job,
-  /// and counts from 0 again, misses it at the end.
+  /// Sends a mark before the data. If the printer is switched off and on during the job, it counts
+  /// from 0 again, and this mark is missing from its count at the end.
   virtual MaybeSetback markBeginning() = 0;
 
-  /// Ends the block and waits. False if it did not end.
+  /// Ends the block and waits for the printer. Returns false if the block did not end in time.
   virtual bool endInTime() = 0;
 
-  /// Judges a block that has ended. The end alone proves nothing: an off-line printer ends it as
-  /// well.
+  /// Judges a block that has ended. The end alone proves nothing: the block also ends if the
+  /// printer is off line.
   virtual MaybeSetback judgeProof() const = 0;
 
   MaybeSetback beginOnPort();
@@ -63,7 +64,7 @@ class CheckedBlock : public Proof {
   void keepStatus();
 
   OwedAnswers answers_;
-  bool isBeginning_ = true;  // answers are counted until the data is sent
+  bool isBeginning_ = true;  // answers are counted only before the data is sent
   QuorPrinterStatus_2 status_ = {};
 };
 

@@ -11,10 +11,10 @@
 namespace quordalvane {
 namespace {
 
-// The pause between two looks at the state of a printer that has not finished.
+// While the printer has not finished, its status is asked for once in this time.
 constexpr auto statusPause = std::chrono::seconds(1);
 
-// Limits count in whole seconds, and may pass by the rest of one.
+// A limit in whole seconds may be exceeded by less than one second.
 constexpr auto wholeSecond = std::chrono::seconds(1);
 
 }  // namespace
@@ -48,7 +48,7 @@ MaybeSetback EndSign::askAndAwait(ByteView question) {
   return awaitSign() ? std::nullopt : whyUnseen();
 }
 
-/// Waits for the sign, and reports meanwhile why the printer has paused.
+/// Waits for the sign, and meanwhile reports why the printer has paused.
 bool EndSign::awaitSign() {
   const auto limit =
       std::chrono::milliseconds(link().port().endCheckedBlockTimeoutMillis()) + wholeSecond;

@@ -10,10 +10,10 @@
 
 namespace quordalvane {
 
-/// The common part of the proofs of ordinary ESC/POS printers: the job ends with a question that
-/// the printer answers after it has printed everything before it. Such a printer keeps its job
-/// while it is off line, and then continues: it is waited for up to the end-of-block time-out.
-/// Nothing of a checked block is sent.
+/// The common part of the proofs of ordinary ESC/POS printers. The job ends with a query, which the
+/// printer answers after it has printed everything before it; this answer is the sign that the job
+/// was printed. Such a printer keeps its job while it is off line and continues later, so the proof
+/// waits up to the end-of-block time-out. No command of a checked block is sent.
 class EndSign : public Proof {
  public:
   MaybeSetback begin() override;
@@ -27,20 +27,21 @@ class EndSign : public Proof {
 
   const EscPosAnswers& answers() const { return answers_; }
 
-  /// Sends a question, and waits until the sign is seen. Success is the proof.
+  /// Sends `question` and waits until the sign is seen. Success proves that the job was printed.
   MaybeSetback askAndAwait(ByteView question);
 
  private:
-  /// Makes sure that no sign but this job's can be on its way.
+  /// Makes sure that the sign of no other job can arrive.
   virtual MaybeSetback prepare() { return std::nullopt; }
 
-  /// The question for a job of `data`; a setback if the data could make the sign itself.
+  /// Stores the query for a job of `data` in `question`. Returns a setback if the data itself could
+  /// cause the sign.
   virtual MaybeSetback makeQuestion(ByteView data, std::vector<std::uint8_t>& question) = 0;
 
-  /// Whether the printer's sign for this job was seen.
+  /// Returns whether the sign of this job was seen.
   virtual bool isSeen() const = 0;
 
-  /// Whether an unseen sign could still arrive.
+  /// Returns whether a sign that was not seen yet can still arrive.
   virtual bool isPossible() const { return true; }
 
   bool awaitSign();

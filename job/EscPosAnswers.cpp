@@ -40,7 +40,7 @@ bool EscPosAnswers::hasNamed(const JobId& id) const {
 void EscPosAnswers::feed(ByteView bytes) {
   constexpr std::uint8_t reportStart = 0x1b;
   for (const std::uint8_t byte : bytes) {
-    // The count of a report may have the value of a flow control.
+    // The count in a report may have the value of a flow-control byte.
     const bool isInReport = !bytes_.empty() && bytes_.front() == reportStart;
     if (isFlowControl(byte) && !isInReport) {
       continue;
@@ -56,7 +56,7 @@ void EscPosAnswers::feed(ByteView bytes) {
   }
 }
 
-/// A byte that begins nothing is thrown away alone.
+/// A byte that cannot begin an answer is dropped, and the bytes after it are kept.
 std::size_t EscPosAnswers::take() {
   const std::size_t taken = takeAnswer();
   isAnyOdd_ = isAnyOdd_ || taken == odd;

@@ -10,49 +10,52 @@
 
 namespace quordalvane {
 
-/// The four characters by which a printer names a job whose end it has reached.
+/// The process ID of a job: four characters that the printer sends back when it reaches the end of
+/// the job.
 using JobId = std::array<std::uint8_t, 4>;
 
-/// Distinguishes the answers of an ESC/POS printer, in any order and cut into any pieces. Each is
-/// known by its whole form, since the bytes of one may look like another:
+/// Recognises the answers of an ESC/POS printer. They may arrive in any order and in any number of
+/// pieces. Each is recognised by its whole form, because a part of one answer may look like
+/// another:
 ///
 /// - real-time status, one byte with (b AND 93) = 12;
 /// - in-order status, one byte with (b AND 90) = 00;
-/// - unasked status, four bytes: (b AND 93) = 10, then three with (b AND 90) = 00;
-/// - process ID, 37 22, four characters, 00; drop confirmed, 37 25 00;
+/// - status that the printer sends without a request, four bytes: (b AND 93) = 10, then three with
+/// (b AND 90) = 00;
+/// - process ID, 37 22, four characters, 00; confirmation of a cleared buffer, 37 25 00;
 /// - report of a mark, 1b 1d 03 01 00 00 count 00;
 /// - text, 5f, printable characters, 00;
-/// - flow control, 11 and 13, anywhere.
+/// - flow control, 11 or 13, at any place.
 class EscPosAnswers {
  public:
-  /// Takes the next bytes that arrived.
+  /// Processes the next bytes that arrived.
   void feed(ByteView bytes);
 
-  /// The newest answer of each kind; empty if there was none.
+  /// Return the last answer of each kind; null if there was none.
   /// @{
   std::optional<std::uint8_t> lastRealTimeStatus() const { return realTimeStatus_; }
   std::optional<std::uint8_t> lastReport() const { return report_; }
   /// @}
 
-  /// How many of these answers there were.
+  /// Return how many answers of this kind there were.
   /// @{
   std::uint64_t realTimeCount() const { return realTimeCount_; }
   std::uint64_t inOrderCount() const { return inOrderCount_; }
   /// @}
 
-  /// Whether there was an answer of a kind that proves a job: a process ID, a report or an in-order
-  /// status.
+  /// Returns whether there was an answer of a kind that can prove a job: a process ID, a report or
+  /// an in-order status.
   bool isAnyProof() const { return !ids_.empty() || report_ || inOrderCount_ > 0; }
 
-  /// Whether there was a byte that belongs to no answer.
+  /// Returns whether there was a byte that does not belong to any answer.
   bool isAnyOdd() const { return isAnyOdd_; }
 
-  /// Whether the printer has named this process ID.
+  /// Returns whether the printer has sent this process ID.
   bool hasNamed(const JobId& id) const;
 
  private:
-  // Each returns how many bytes the answer at the beginning has: 0 if more must arrive before that
-  // is known.
+  // Each returns the length in bytes of the answer at the beginning of `bytes_`; 0 if this is not
+  // known before more bytes arrive.
   std::size_t take();
   std::size_t takeAnswer();
   std::size_t takeUnasked() const;
@@ -60,7 +63,7 @@ class EscPosAnswers {
   std::size_t takeReport();
   std::size_t takeText() const;
 
-  std::vector<std::uint8_t> bytes_;  // of an answer that has begun
+  std::vector<std::uint8_t> bytes_;  // the bytes of an incomplete answer
   std::optional<std::uint8_t> realTimeStatus_;
   std::optional<std::uint8_t> report_;
   std::uint64_t realTimeCount_ = 0;

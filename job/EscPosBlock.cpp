@@ -16,10 +16,11 @@ constexpr std::uint8_t countOfOneMark = 1;
 constexpr std::uint8_t countOfTwoMarks = 2;
 constexpr std::uint8_t oneStatusRequest[] = {0x10, 0x04, 0x01};
 
-// A mark, and a question whose answer follows the mark's report or shows that there is no report.
+// A mark and a status request. The answer to the request follows the report of the mark; if it
+// arrives alone, the printer sends no report.
 constexpr std::uint8_t markAndRequest[] = {0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00, 0x10, 0x04, 0x01};
 
-// How long the port's operation may last once the printer's report has been seen.
+// How long the operation of the port may continue after the printer's report was seen.
 constexpr auto timeToEnd = std::chrono::seconds(2);
 
 }  // namespace
@@ -31,8 +32,8 @@ ByteView EscPosBlock::request() const {
   return statusRequest;
 }
 
-/// The port's beginning drops the data that the printer holds. A printer that is off line may hold
-/// an earlier job that it will print, so it is asked before.
+/// The beginning of a block makes the printer drop the data that it holds. An off-line printer may
+/// hold an earlier job that it will still print, so the status is checked before.
 MaybeSetback EscPosBlock::prepare() {
   const auto& escPos = answers().escPos();
   if (memory_.owed.contains(ProofKind::Block) &&
@@ -65,7 +66,8 @@ MaybeSetback EscPosBlock::markBeginning() {
   return std::nullopt;
 }
 
-/// A printer that has not reported the first mark will not report the second: nothing to wait for.
+/// If the printer has not reported the first mark, it will not report the second either, so there
+/// is nothing to wait for.
 MaybeSetback EscPosBlock::end(ByteView data) {
   if (!isFirstMarkReported_) {
     leave();
@@ -80,7 +82,8 @@ MaybeSetback EscPosBlock::end(ByteView data) {
   return setback;
 }
 
-/// As the port ends a block; with a last status also if the port had to be left before.
+/// Ends the block by the port's operation. If that had to be abandoned after the report, asks for
+/// the last status here.
 bool EscPosBlock::endInTime() {
   awaitsReport_ = true;
   try {
@@ -98,7 +101,8 @@ void EscPosBlock::bytesRead(ByteView bytes) {
   stopIfReported();
 }
 
-/// A port counts only a report in one piece, and would wait for another to its time-out.
+/// The port recognises only a report that arrives in one read; otherwise it would wait until its
+/// time-out for another one.
 void EscPosBlock::stopIfReported() {
   if (!awaitsReport_ || report_.lastCount() != countOfTwoMarks) {
     return;

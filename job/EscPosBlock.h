@@ -9,7 +9,7 @@
 
 namespace quordalvane {
 
-/// The checked block of ESC/POS: the printer reports each mark by itself.
+/// The checked block in ESC/POS: the printer sends a report of each mark without being asked.
 class EscPosBlock final : public CheckedBlock {
  public:
   EscPosBlock(PortLink& link, PrintResult& result);

@@ -7,10 +7,11 @@
 
 namespace quordalvane {
 
-/// Hears out the answers that a printer still owes to an earlier job: asks `question` until two in
-/// a row have one answer each, as `count` counts them. One alone could be answered by a stray byte.
-/// The answers that are owed follow one another within a second. False if the printer leaves a
-/// question unanswered for the port's time-out, or never falls silent.
+/// Waits until the printer has sent all answers that it still owes to an earlier job. Sends
+/// `question` again and again until it was answered exactly once, twice in a row; `count` returns
+/// the number of answers so far. One such round is not enough, because a stray byte could pass for
+/// the answer. After each answer it waits one second for another. Returns false if the printer does
+/// not answer within the port's time-out, or never falls silent.
 bool hearOut(PortLink& link, ByteView question, const std::function<std::uint64_t()>& count);
 
 }  // namespace quordalvane

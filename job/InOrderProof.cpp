@@ -8,11 +8,11 @@ namespace quordalvane {
 InOrderProof::InOrderProof(PortLink& link, PrintResult& result)
     : EndSign(link, result), memory_(memoryOf(link.port().shared_from_this())) {}
 
-/// A question before the data: answered at once by a printer that holds nothing.
+/// Sends a query before the data. A printer that holds no data answers it at once.
 MaybeSetback InOrderProof::prepare() {
   const auto count = [this] { return answers().inOrderCount(); };
   if (memory_.owed.contains(ProofKind::InOrder) && !hearOut(link(), inOrderRequest, count)) {
-    return std::nullopt;  // not sure: the job is printed, and not confirmed
+    return std::nullopt;  // `isSure_` remains false: the job is printed but cannot be confirmed
   }
   memory_.owed.insert(ProofKind::InOrder);
   asked_ = count() + 1;
@@ -41,7 +41,7 @@ MaybeSetback InOrderProof::makeQuestion(ByteView data, std::vector<std::uint8_t>
   return std::nullopt;
 }
 
-/// Asks once more after the sign. If that was a stray byte, the true one is still awaited.
+/// Asks once more after the sign. If the sign was a stray byte, this also waits for the true one.
 MaybeSetback InOrderProof::end(ByteView data) {
   if (auto setback = EndSign::end(data)) {
     return setback;

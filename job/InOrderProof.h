@@ -5,10 +5,10 @@
 
 namespace quordalvane {
 
-/// Ends the job with a question that the printer answers in its turn among the print data. The
-/// answer carries nothing of the job: it counts only if the printer has answered exactly as often
-/// as it was asked. So one question is answered before the data, and one more after the sign: a
-/// single byte that only looks like an answer cannot pass for the sign.
+/// Ends the job with a query that the printer processes in order with the print data. The answer
+/// does not say which job it belongs to, so it counts only if the printer has answered exactly as
+/// often as it was asked. For this reason one query is sent before the data, and one more after the
+/// answer to the last: a single byte that looks like an answer by chance cannot confirm the job.
 class InOrderProof final : public EndSign {
  public:
   InOrderProof(PortLink& link, PrintResult& result);
@@ -23,10 +23,10 @@ class InOrderProof final : public EndSign {
 
   PortMemory& memory_;
   std::uint64_t asked_ = 0;
-  bool isSure_ = false;  // nothing else was owed when the data was sent
+  bool isSure_ = false;  // the printer owed no answer when the data was sent
 };
 
-/// Asks for one in-order status.
+/// The command that requests one in-order status.
 inline constexpr std::uint8_t inOrderRequest[] = {0x1d, 0x72, 0x01};
 
 }  // namespace quordalvane

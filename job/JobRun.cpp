@@ -9,7 +9,7 @@
 namespace quordalvane {
 namespace {
 
-// A cancelled job's last words must be out within this time: people wait for it.
+// The last commands of a cancelled job must be sent within this time, because a person waits.
 constexpr auto cancelLimit = std::chrono::milliseconds(500);
 
 }  // namespace
@@ -48,7 +48,7 @@ void JobRun::print(ByteView data) {
     return stop(*setback);
   }
   enter(PrintStage::Data);
-  result_.status.reset();  // an earlier status says nothing about the data
+  result_.status.reset();  // a status from before the data says nothing about the data
   const bool isChecked = kind_ != ProofKind::None;
   const auto reply =
       isChecked && isNeverAnswered(data) ? PortLink::Reply::None : PortLink::Reply::Possible;
@@ -81,8 +81,8 @@ void JobRun::reportWaiting(const std::string& reason) {
   }
 }
 
-/// Makes the printer drop the rest. The command inside which the job was stopped is completed
-/// first: the printer would otherwise take the next commands for its payload.
+/// Makes the printer drop the rest of the job. If the job was stopped inside a command, that
+/// command is completed first: otherwise the printer would take the next commands for its payload.
 void JobRun::finishCancelled(ByteView data) {
   link_.ignoreCancel();
   const std::size_t end = commandEnd(data, result_.bytesAccepted);
@@ -95,7 +95,7 @@ void JobRun::finishCancelled(ByteView data) {
   } catch (const PortLink::TimeUp&) {
   }
   const bool isInCommand = result_.bytesAccepted < end;
-  link_.port().abandonOutput();  // the rest of a cancelled job is not worth a wait
+  link_.port().abandonOutput();  // nobody wants to wait for the rest of a cancelled job
   link_.port().close();
   stop({PrintObstacle::Cancelled,
         isTold        ? "cancelled, and the printer was made to drop the rest"
@@ -103,7 +103,7 @@ void JobRun::finishCancelled(ByteView data) {
                       : "cancelled"});
 }
 
-/// Ends the job without a confirmation.
+/// Records that the job ends without a confirmation.
 void JobRun::stop(const Setback& setback) {
   const bool isAnyOut = result_.bytesAccepted > 0;
   result_.outcome = isAnyOut ? PrintOutcome::Unconfirmed : PrintOutcome::Refused;

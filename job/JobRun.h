@@ -10,10 +10,11 @@
 
 namespace quordalvane {
 
-/// A print job while it runs: moves the data, counts it, and lets a proof begin, end and judge.
+/// A print job while it runs. It sends the data and counts it; a proof begins, ends and judges the
+/// job.
 class JobRun {
  public:
-  /// All three must outlive it.
+  /// All three arguments must outlive this object.
   JobRun(const std::shared_ptr<ExternalAccessoryPort>& port, const PrintJob::Options& options,
          const std::atomic<bool>& cancelled);
 

@@ -14,16 +14,16 @@ namespace {
 constexpr std::uint32_t statusLevel = 2;
 constexpr std::uint8_t countOfTwoMarks = 2;
 
-// The printer counts these and answers nothing, so that nobody waits for an answer after them.
+// The printer counts these marks but does not answer them, so nobody waits for an answer.
 constexpr std::uint8_t mark[] = {0x17};
 constexpr std::uint8_t markAndEnd[] = {0x17, 0x1b, 0x1d, 0x03, 0x04, 0x00, 0x00};
 constexpr auto earlierJobCounted =
     "the end of an earlier job was counted for this one before it began";
 
-// A printer that holds nothing counts a mark as soon as it receives it.
+// A printer that holds no data counts a mark as soon as it receives it.
 constexpr auto timeToCount = std::chrono::seconds(1);
 
-// As the port: limits count in whole seconds, and may pass by the rest of one.
+// As in the port, a limit in whole seconds may be exceeded by less than one second.
 constexpr auto wholeSecond = std::chrono::seconds(1);
 constexpr std::uint64_t endPollMicroseconds = 100000;
 
@@ -33,7 +33,7 @@ ByteView LineModeBlock::request() const {
   return escAckSoh;
 }
 
-/// Fills the record from the last answer.
+/// Fills the status record from the last answer.
 void LineModeBlock::takeStatus() {
   const auto& block = answers().last();
   QuorPrinterStatus_2& now = status();
@@ -59,7 +59,8 @@ MaybeSetback LineModeBlock::judgeReadiness() {
   return std::nullopt;
 }
 
-/// A printer that does not count the mark soon is trusted to count both marks of the port's end.
+/// Sends the first mark and waits for its count. If the printer does not count it soon, the block
+/// is ended by the port's own operation, which sends two marks.
 MaybeSetback LineModeBlock::markBeginning() {
   if (auto setback = link().send(mark, PortLink::Reply::None)) {
     return setback;
@@ -88,7 +89,7 @@ bool LineModeBlock::endInTime() {
   return hasEnded && confirm();
 }
 
-/// The wait of the port's own end, for one mark.
+/// Waits as the port does at the end of a block, but after only one more mark.
 bool LineModeBlock::awaitCount() {
   const auto limit = std::chrono::milliseconds(link().port().endCheckedBlockTimeoutMillis());
   const auto start = link().now();
@@ -104,7 +105,7 @@ bool LineModeBlock::awaitCount() {
   }
 }
 
-/// Asks once more after the sign: one answer may be garbled, or another exchange's.
+/// Asks for the status once more: a single answer may be garbled, or belong to another exchange.
 bool LineModeBlock::confirm() {
   if (status().offline != 0 || status().etbCounter != countOfTwoMarks) {
     return true;

@@ -4,7 +4,8 @@
 
 namespace quordalvane {
 
-/// The checked block of line mode: the counter in the printer's status shows the end of the job.
+/// The checked block in line mode: the counter in the printer's status shows that the end of the
+/// job was reached.
 class LineModeBlock final : public CheckedBlock {
  public:
   LineModeBlock(PortLink& link, PrintResult& result) : CheckedBlock(link, result) {}
@@ -22,7 +23,7 @@ class LineModeBlock final : public CheckedBlock {
   bool confirm();
 
   bool isFirstMarkCounted_ = false;
-  bool isConfirmed_ = true;  // by a second status
+  bool isConfirmed_ = true;  // a second status agreed with the first
 };
 
 }  // namespace quordalvane

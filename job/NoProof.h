@@ -6,10 +6,11 @@
 
 namespace quordalvane {
 
-/// Asks the printer nothing, and proves nothing.
+/// A proof that asks the printer nothing and proves nothing.
 class NoProof final : public Proof {
  public:
-  /// `why` there is no proof, for a person. `dropCommand` must outlive it.
+  /// `why` tells a person why there is no proof. The bytes of `dropCommand` must outlive this
+  /// object.
   NoProof(std::string why, ByteView dropCommand, PortLink& link, PrintResult& result);
 
   MaybeSetback begin() override { return std::nullopt; }

@@ -10,34 +10,36 @@
 
 namespace quordalvane {
 
-/// Counts the answers that a printer owes: one to each status request that was sent, less those
-/// that have arrived. A printer answers in the order in which it was asked, so that counting alone
-/// shows to which question an answer belongs.
+/// Counts the answers that a printer still owes: the status requests that were sent minus the
+/// answers that have arrived. A printer answers in the order in which it was asked, so the count
+/// shows to which request an answer belongs.
 class OwedAnswers {
  public:
-  /// Counts the requests and answers of line mode, or otherwise those of ESC/POS.
+  /// Counts the requests and answers of line mode if this is the emulation, and those of ESC/POS
+  /// otherwise.
   explicit OwedAnswers(ZKEmulation emulation) : isLineMode_(emulation == ZKEmulationQuorLine) {}
 
-  /// Takes the next bytes that were sent, and the next that arrived, however they are cut into
-  /// pieces.
+  /// Process the next bytes that were sent, and the next bytes that arrived. Requests and answers
+  /// may be split at any place.
   /// @{
   void written(ByteView bytes);
   void read(ByteView bytes);
   /// @}
 
-  /// True if an answer is still owed.
+  /// Returns true if an answer is still owed.
   bool isAnyOwed() const { return owed_ > 0; }
 
-  /// Forgets the unasked bytes: the rest of an earlier exchange.
+  /// Forgets answers that were not requested: they are left over from an earlier exchange.
   void forgetSurplus() { owed_ = owed_ > 0 ? owed_ : 0; }
 
-  /// True if bytes arrived that are no answer of this kind of printer.
+  /// Returns true if bytes arrived that cannot be an answer in this emulation.
   bool isAnyOdd() const { return isAnyOdd_; }
 
-  /// The last whole answer, a status block or a real-time status byte; empty before the first.
+  /// Returns the last complete answer, a status block or a real-time status byte; empty before the
+  /// first.
   const std::vector<std::uint8_t>& last() const { return last_; }
 
-  /// All answers of ESC/POS, of whatever kind.
+  /// Returns the ESC/POS answers of all kinds.
   const EscPosAnswers& escPos() const { return escPos_; }
 
  private:
@@ -50,8 +52,9 @@ class OwedAnswers {
   EscPosAnswers escPos_;
   bool isAnyOdd_ = false;
   std::int64_t owed_ = 0;
-  std::uint32_t lastWritten_ = 0;    // the last bytes that were sent, the newest lowest
-  std::vector<std::uint8_t> block_;  // a status block that has begun
+  std::uint32_t lastWritten_ =
+      0;  // the last three bytes that were sent, the newest in the lowest byte
+  std::vector<std::uint8_t> block_;  // an incomplete status block
   std::vector<std::uint8_t> last_;
 };
 

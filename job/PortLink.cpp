@@ -9,19 +9,19 @@
 namespace quordalvane {
 namespace {
 
-// Between two pieces a job looks whether it is cancelled and reports its progress, so they are not
-// larger, and on slow links twice the number of bytes that the link took last. Smaller ones cost
-// system calls.
+// The data is written in pieces of at most this size, and on a slow link of twice the number of
+// bytes that it took last: between two pieces a job checks whether it was cancelled and reports its
+// progress. Smaller pieces would cost more system calls.
 constexpr std::size_t largestPiece = std::size_t{128} * 1024;
 constexpr std::size_t smallestPiece = 256;
 
-// Between looks at a link that has nothing and says so at once.
+// The pause between two attempts on a link that returns at once without bytes or space.
 constexpr std::uint64_t lookPauseMicroseconds = 10000;
 
 constexpr auto longestDrain = std::chrono::seconds(1);
 constexpr std::size_t largestDrain = std::size_t{1} << 20U;
 
-/// Points `counter` to a count for as long as it lives.
+/// Points `counter` to `count` while it exists.
 class Counting {
  public:
   Counting(std::uint64_t*& counter, std::uint64_t& count) : counter_(counter) { counter = &count; }

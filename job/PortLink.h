@@ -12,11 +12,11 @@
 
 namespace quordalvane {
 
-/// A port as jobs and inquiries use it: every wait has a limit, can be cancelled, and every byte is
-/// counted. It is the port's only observer as long as it lives.
+/// Gives jobs and inquiries access to a port. Every wait has a limit and can be cancelled, and
+/// every byte is counted. A PortLink is the only observer of its port while it exists.
 class PortLink final : private TransferObserver {
  public:
-  /// Thrown out of an operation of the port that was cancelled, or took too long.
+  /// Thrown by an operation of the port that was cancelled, or that took too long.
   /// @{
   struct Cancelled {};
   struct TimeUp {};
@@ -24,10 +24,11 @@ class PortLink final : private TransferObserver {
 
   using Reply = ExternalAccessoryPort::Reply;
 
-  /// Reported for each group of bytes that the link took.
+  /// Called each time that the link has taken some bytes.
   using Progress = std::function<void()>;
 
-  /// `cancelled` makes every operation throw Cancelled once it is true; it must outlive this.
+  /// When `cancelled` becomes true, every operation throws Cancelled. `cancelled` must outlive this
+  /// object.
   PortLink(std::shared_ptr<ExternalAccessoryPort> port, const std::atomic<bool>& cancelled);
   ~PortLink() override;
   PortLink(const PortLink&) = delete;
@@ -36,56 +37,57 @@ class PortLink final : private TransferObserver {
   ExternalAccessoryPort& port() const { return *port_; }
   std::chrono::nanoseconds now() const { return port_->platform().clock().monotonic(); }
 
-  /// The port's input/output time-out; one below a second counts as a second.
+  /// Returns the port's input/output time-out, and at least one second.
   std::chrono::milliseconds timeout() const;
 
-  /// Lets `listener` see the bytes; null for nobody. It must outlive its use.
+  /// Passes all bytes to `listener` from now on; null ends this. The listener must exist until
+  /// then.
   void setListener(TransferObserver* listener) { listener_ = listener; }
 
-  /// Calls `operation` and returns its result; TimeUp leaves it at the next look at the link after
-  /// `limit`. An outer limit that ends earlier still holds.
+  /// Calls `operation` and returns its result. If `limit` has passed, the next read or write of the
+  /// operation throws TimeUp. If calls are nested, the earlier limit counts.
   template <typename Operation>
   auto within(std::chrono::nanoseconds limit, Operation operation) {
     const Limited limited(*this, now() + limit);
     return operation();
   }
 
-  /// Throws Cancelled or TimeUp if there is reason to.
+  /// Throws Cancelled if the job was cancelled, or TimeUp if the limit has passed.
   void goOn() const;
 
-  /// From now on a cancelled job's last commands may be sent.
+  /// Ignores a cancel from now on, so that the last commands of a cancelled job can be sent.
   void ignoreCancel() { isCancelIgnored_ = true; }
 
-  /// Hands all of `data` to the link, each byte once, and counts in `accepted` how many bytes it
-  /// took. Fails when the link is lost or takes nothing for as long as the time-out.
-  /// `reply` says whether the printer may answer the data.
+  /// Sends all of `data`, each byte once, and counts in `accepted` how many bytes the link took.
+  /// Returns a setback if the link is lost, or takes no byte for as long as the time-out. `reply`
+  /// says whether the printer may answer the data.
   MaybeSetback move(ByteView data, std::uint64_t& accepted, const Progress& progress = {},
                     Reply reply = Reply::Possible);
 
-  /// The same for a short command that is no data of the job.
+  /// Sends a short command, which does not count as data of the job.
   MaybeSetback send(ByteView command, Reply reply = Reply::Possible);
 
-  /// Sleeps a little before another look at a silent link.
+  /// Sleeps for a moment, before the next attempt on a link that had no bytes or no space.
   void pause();
 
-  /// Reads until `isDone`, which is given the bytes of each read, at first no bytes, returns true.
-  /// False if it does not within `limit`, or if the link is lost.
+  /// Reads until `isDone` returns true. `isDone` is called once without bytes, and then with the
+  /// bytes of each read. Returns false if `limit` passes or the link is lost before.
   bool await(const std::function<bool(ByteView)>& isDone, std::chrono::nanoseconds limit);
 
-  /// Throws away the bytes that wait in the input, and waits for more only if an answer may be on
-  /// its way. From a printer that never stops sending it takes the bytes of one second, and at most
-  /// a mebibyte.
+  /// Drops the bytes that wait in the input, and waits for more only if an answer may still arrive.
+  /// It stops after one second or a mebibyte, even if the printer never stops sending.
   void drain();
 
-  /// Whether the link is lost. Throws away the bytes that wait in the input: those from before the
-  /// loss keep a link connected until they are read.
+  /// Returns whether the link is lost. Drops the bytes that wait in the input, because a lost link
+  /// counts as connected until they are read.
   bool isLost();
 
-  /// The setback of an exchange that failed: because the link is lost, or as `otherwise` says.
+  /// Returns the setback for an exchange that failed. Its reason is the loss of the link, or
+  /// `otherwise` if the link is not lost.
   Setback failedExchange(const std::string& otherwise);
 
  private:
-  /// A deadline for as long as it lives.
+  /// Sets a deadline while it exists.
   class Limited {
    public:
     Limited(PortLink& link, std::chrono::nanoseconds deadline);
@@ -105,7 +107,8 @@ class PortLink final : private TransferObserver {
   const std::atomic<bool>& cancelled_;
   bool isCancelIgnored_ = false;
   TransferObserver* listener_ = nullptr;
-  std::uint64_t* accepted_ = nullptr;  // counts the bytes that are being sent; null: no data is
+  std::uint64_t* accepted_ =
+      nullptr;  // counts the bytes of the data that is being sent; null if no data is being sent
   std::chrono::nanoseconds deadline_ = std::chrono::nanoseconds::max();
 };
 

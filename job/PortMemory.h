@@ -9,13 +9,16 @@
 
 namespace quordalvane {
 
-/// What earlier jobs have learnt of the printer at a port; kept as long as the port lives.
+/// Facts about the printer at a port that earlier jobs have found out. They are kept as long as the
+/// port exists.
 struct PortMemory {
-  std::optional<ProofKind> foundProof;  ///< the one that it gives; empty if it was not asked yet
-  std::set<ProofKind> owed;             ///< those whose questions may still be answered
+  std::optional<ProofKind>
+      foundProof;            ///< the proof that the printer gives; null if it was not asked yet
+  std::set<ProofKind> owed;  ///< the proofs whose queries may still be answered
 };
 
-/// The memory of `port`, never null, which jobs use one at a time. Any thread.
+/// Returns the memory of `port`, which must not be null. Any thread may call it, but only one job
+/// at a time may use the memory of a port.
 PortMemory& memoryOf(const std::shared_ptr<ExternalAccessoryPort>& port);
 
 }  // namespace quordalvane

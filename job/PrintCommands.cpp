@@ -27,7 +27,8 @@ std::optional<PrintCommand> counted(std::size_t header, std::size_t payload) {
   return PrintCommand{header + payload, true};
 }
 
-/// Commands of a fixed length: their first byte, their length, and the second bytes of them all.
+/// Commands that share their first byte and their fixed length; `selectors` lists their second
+/// bytes.
 struct PlainForms {
   std::uint8_t lead;
   std::size_t length;
@@ -55,28 +56,28 @@ constexpr PlainForms plainCommandForms[] = {
     {0x1d, 6, "\x67"sv},
 };
 
-/// More of them, which take more bytes to be known by.
+/// A command of a fixed length that is recognised by more than two bytes.
 struct FixedForm {
   std::initializer_list<std::uint8_t> prefix;
   std::size_t length;
 };
 
-// Longer first bytes precede the shorter ones that they refine, here and below.
+// Here and below, a longer prefix precedes a shorter one that it begins with.
 const FixedForm fixedForms[] = {
     {{0x1b, 0x1d, 0x03}, 6}, {{0x1b, 0x23, 0x2a}, 5}, {{0x1b, 0x23, 0x2c}, 6},
     {{0x1b, 0x23}, 3},       {{0x1b, 0x2a, 0x72}, 4},
 };
 
-/// Other commands: their first bytes, how many bytes the shortest of them has, and a function that
-/// reads so many and more.
+/// Commands of a variable length: their prefix, the length of the shortest of them, and a function
+/// that reads at least as many bytes.
 struct Form {
   std::initializer_list<std::uint8_t> prefix;
   std::size_t shortest;
   std::optional<PrintCommand> (*read)(ByteView data);
 };
 
-// The functions of these are named by letters. After any other byte printers disagree about the
-// bytes that follow, an end-of-block mark for example.
+// A letter names the function of these commands. If another byte is in its place, for example an
+// end-of-block mark, printers disagree about the bytes that follow.
 std::optional<PrintCommand> countedInTwoBytes(ByteView data) {
   const bool isLetter = (data[2] | 0x20) >= 'a' && (data[2] | 0x20) <= 'z';
   return isLetter ? counted(5, littleEndian(data, 3, 2)) : std::nullopt;
@@ -111,7 +112,7 @@ std::optional<PrintCommand> downloadedImage(ByteView data) {
   return counted(4, std::size_t{8} * data[2] * data[3]);
 }
 
-// 1b 26 y c1 c2, then for each character its width x and y times x bytes.
+// The form is 1b 26 y c1 c2, and then for each character its width x and y times x bytes.
 std::optional<PrintCommand> userCharacters(ByteView data) {
   const std::size_t rows = data[2];
   const std::uint8_t first = data[3];
@@ -126,7 +127,8 @@ std::optional<PrintCommand> userCharacters(ByteView data) {
   return counted(length, 0);
 }
 
-// 1c 71 n, then n images: their size xL xH yL yH in units of eight dots, and the dots.
+// The form is 1c 71 n, and then n images, each with its size xL xH yL yH in units of eight dots and
+// its dots.
 std::optional<PrintCommand> storedImages(ByteView data) {
   std::size_t length = 3;
   for (int i = 0; i < data[2]; ++i) {
@@ -137,8 +139,8 @@ std::optional<PrintCommand> storedImages(ByteView data) {
   return counted(length, 0);
 }
 
-/// A command that ends with a zero: printers agree on its end if all of them accept its content. A
-/// command without its zero is longer than the data.
+/// Reads a command that ends with a zero byte. Printers agree on its end only if all of them accept
+/// its content. If the zero is missing, the command is longer than the data.
 std::optional<PrintCommand> terminated(ByteView data, std::size_t header, std::size_t most,
                                        bool (*isOdd)(std::uint8_t before, std::uint8_t byte)) {
   const auto content = data.subspan(header);
@@ -168,7 +170,8 @@ std::optional<PrintCommand> barcode(ByteView data) {
   return counted(4, data[3]);
 }
 
-// Pulses and the like: these have two parameters more.
+// Real-time actions, such as a pulse for the cash drawer. Functions 1 and 2 have two more
+// parameters.
 std::optional<PrintCommand> realTimeAction(ByteView data) {
   return data[2] == 1 || data[2] == 2 ? plain(5) : std::nullopt;
 }
@@ -197,7 +200,7 @@ bool startsCommand(std::uint8_t byte) {
   return byte == 0x10 || (byte >= 0x1b && byte <= 0x1d);
 }
 
-/// Whether the first bytes, as far as there are any, match.
+/// Returns whether `data` begins with `prefix`, or `prefix` with `data` if that is shorter.
 bool mayStartWith(ByteView data, std::initializer_list<std::uint8_t> prefix) {
   const auto known = std::min(data.size(), prefix.size());
   return std::equal(prefix.begin(), prefix.begin() + known, data.begin());

@@ -8,19 +8,20 @@
 
 namespace quordalvane {
 
-/// A command in print data, or a byte that is no command.
+/// A command in print data, or a byte that is not part of a command.
 struct PrintCommand {
-  /// Its length; more than there are bytes if the data ends inside it.
+  /// The length in bytes. It is larger than the rest of the data if the data ends inside the
+  /// command.
   std::size_t length;
 
-  /// True if it contains the length of its payload: an image, a barcode, a stored graphic. The
-  /// bytes of the payload are data whatever their values.
+  /// True if the command states the length of its payload, as those for an image, a barcode or a
+  /// stored graphic do. The bytes of the payload are data, whatever their values are.
   bool isCounted;
 };
 
-/// The command at the beginning of `data`, which must not be empty. Empty for a command that is not
-/// known, or on whose parameters printers differ: its end, and so everything after it, is then
-/// unknown.
+/// Returns the command at the beginning of `data`, which must not be empty. Returns null if the
+/// command is unknown, or if printers differ in its parameters. The end of the command is then
+/// unknown, and so is everything after it.
 std::optional<PrintCommand> printCommandAt(ByteView data);
 
 }  // namespace quordalvane

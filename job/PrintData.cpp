@@ -10,7 +10,7 @@
 namespace quordalvane {
 namespace {
 
-/// The emulation in which a command in the data prevents a confirmation.
+/// In which emulation a command in the data prevents a confirmation.
 enum class Matters { Always, InLineMode };
 
 struct Obstacle {
@@ -19,8 +19,8 @@ struct Obstacle {
   std::string_view what;
 };
 
-// A request leaves a stray answer in the input. An ESC/POS report cannot be mistaken for one, but a
-// line-mode status can be mixed with one.
+// A status request in the data leaves an additional answer in the input. In ESC/POS such an answer
+// cannot be confused with the report; in line mode it can be confused with the status.
 const Obstacle obstacles[] = {
     {{0x17}, Matters::Always, "an end-of-block mark (17), which the printer counts"},
     {{0x1b, 0x1d, 0x03}, Matters::Always, "a command of the checked block (1b 1d 03)"},
@@ -40,7 +40,7 @@ bool holds(ByteView data, std::initializer_list<std::uint8_t> bytes) {
   return std::search(data.begin(), data.end(), bytes.begin(), bytes.end()) != data.end();
 }
 
-/// The obstacle that begins with the first byte; null if none does.
+/// Returns the obstacle at the beginning of `data`; null if there is none.
 const Obstacle* obstacleAt(ByteView data, ZKEmulation emulation) {
   const auto* const found =
       std::find_if(std::begin(obstacles), std::end(obstacles), [&](const Obstacle& obstacle) {
@@ -64,21 +64,23 @@ std::string obstructed(const Obstacle& obstacle, std::size_t position,
                   : "");
 }
 
-/// Every command begins with a control character, and most of a job is text.
+/// Every command begins with a control character. Most bytes of a job are text, which is skipped
+/// quickly.
 bool isText(std::uint8_t byte) {
   return byte >= 0x20;
 }
 
 constexpr std::size_t mostLookedThrough = std::size_t{1} << 20U;
 
-/// How commands begin that printers answer, or that have functions which they answer.
+/// The first bytes of commands that printers answer, always or in some of their functions.
 const std::initializer_list<std::uint8_t> answeredCommands[] = {
     {0x05},       {0x10},       {0x1b, 0x06}, {0x1b, 0x1d, 0x03}, {0x1b, 0x23},
     {0x1b, 0x75}, {0x1b, 0x76}, {0x1c, 0x28}, {0x1c, 0x67},       {0x1d, 0x28},
     {0x1d, 0x49}, {0x1d, 0x61}, {0x1d, 0x67}, {0x1d, 0x72},
 };
 
-/// A two-dimensional barcode, but for the function that asks for its size.
+/// Returns true for a command for two-dimensional barcodes, except for the function that asks for
+/// the size.
 bool isSilentSymbol(ByteView command) {
   constexpr std::size_t function = 6;
   return startsWith(command, {0x1d, 0x28, 0x6b}) && command.size() > function &&
@@ -125,8 +127,8 @@ std::size_t commandEnd(ByteView data, std::size_t position) {
 }
 
 std::optional<std::string> confirmationObstacle(ByteView data, ZKEmulation emulation) {
-  std::optional<std::size_t> unknown;  // the first command that is not known
-  std::size_t next = 0;                // the beginning of the command after this one
+  std::optional<std::size_t> unknown;  // the position of the first unknown command
+  std::size_t next = 0;                // the position of the next command
   for (std::size_t position = 0; position < data.size(); ++position) {
     if (isText(data[position])) {
       next = std::max(next, position + 1);
@@ -156,7 +158,7 @@ std::optional<std::string> confirmationObstacle(ByteView data, ZKEmulation emula
 
 std::optional<std::string> endSignObstacle(ByteView data) {
   constexpr auto dropsData = "the data itself holds a command at which a printer drops data";
-  // A real-time command takes effect wherever it is.
+  // A real-time command takes effect at any place in the data.
   if (holds(data, {0x10, 0x14, 0x08})) {
     return dropsData;
   }
@@ -182,11 +184,11 @@ std::optional<std::uint64_t> inOrderRequestsIn(ByteView data) {
   for (std::size_t next = 0; next < data.size();) {
     const ByteView rest = data.subspan(next);
     const auto command = printCommandAt(rest);
-    if (startsWith(rest, {0x1d, 0x49})) {  // its answer has bytes of the same form
+    if (startsWith(rest, {0x1d, 0x49})) {  // its answer contains bytes of the same form
       return std::nullopt;
     }
     if (!command) {
-      // An unknown command may hide the beginning of others.
+      // Other commands may begin inside an unknown one.
       const bool mayHoldAnother = std::find(rest.begin() + 1, rest.end(), 0x1d) != rest.end();
       return mayHoldAnother ? std::nullopt : std::optional(count);
     }

@@ -17,65 +17,68 @@
 
 namespace quordalvane {
 
-/// The stages of a job, in their order.
+/// The stages of a job, in order.
 enum class PrintStage {
-  Begin,  ///< the block begins: the printer is asked and made ready
+  Begin,  ///< before the data: the printer is asked and prepared
   Data,   ///< the data is sent
-  End,    ///< the block ends: the printer is asked until it has printed all
+  End,    ///< after the data: waits for the proof that everything was printed
 };
 
 /// The progress of a job.
 struct PrintProgress {
-  PrintStage stage;             ///< the current one
+  PrintStage stage;             ///< the current stage
   std::uint64_t bytesAccepted;  ///< how many bytes of the job the link has taken
   std::uint64_t bytesTotal;     ///< the size of the job
 
-  /// Why a printer that keeps the job has paused, "cover open" for example; "" while it prints.
+  /// Why the printer has paused in a job that it will continue, for example "cover open"; "" while
+  /// it prints.
   std::string waitsFor = {};
 };
 
-/// One print job over an open port: begins a proof, moves the data, ends the proof, and reports
-/// the outcome honestly. A job is sent once and never again by itself:
+/// One print job over an open port. It begins a proof, sends the data, ends the proof, and reports
+/// the outcome. It sends the data once and never repeats it by itself. For example:
 ///
 ///     const PrintResult result = PrintJob(port).run("1 Espresso   1.80\n");
 ///
-/// The data is sent by `write:` in pieces, under the port's time-out: if there is no progress for
-/// so long, the job fails. A job whose data could itself make the printer's signs is printed, but
-/// not confirmed, see `confirmationObstacle`.
+/// If the link takes no data for as long as the port's time-out, the job fails. If the data itself
+/// could cause the answers that confirm a job, the job is printed but not confirmed; see
+/// `confirmationObstacle`.
 class QUOR_EXPORT PrintJob {
  public:
-  /// How a job is run.
+  /// The options of a job.
   struct Options {
-    /// How the printer is to confirm the job; if empty, as `proof=` of its device says, and
-    /// otherwise Auto. With None the printer is asked nothing, and the best outcome is Unconfirmed.
-    /// In line mode ProcessId and InOrder prove nothing either.
+    /// The proof by which the printer is to confirm the job. If null, the `proof=` of the device
+    /// counts, and Auto if the device has none. With None the printer is asked nothing, and the
+    /// best outcome is Unconfirmed. The same is true for ProcessId and InOrder in line mode.
     std::optional<ProofKind> proof = std::nullopt;
 
-    /// Called on the thread of `run` when a stage begins, after each piece that was sent, and when
-    /// the reason changes for which the printer has paused.
+    /// Called when a stage begins, each time that the link has taken some data, and when the reason
+    /// of the printer's pause changes. It is called on the thread of `run`.
     std::function<void(const PrintProgress&)> progress = {};
   };
 
-  /// A job for `port`, never null, which it keeps alive. Nothing is asked or sent before `run`.
+  /// Creates a job for `port`, which must not be null and is kept alive. Nothing is sent before
+  /// `run`.
   /// @{
   PrintJob(std::shared_ptr<ExternalAccessoryPort> port, Options options)
       : port_(std::move(port)), options_(std::move(options)) {}
   explicit PrintJob(std::shared_ptr<ExternalAccessoryPort> port) : PrintJob(std::move(port), {}) {}
   /// @}
 
-  /// Prints `data` and returns the result; called once. Blocks for the block's beginning, for the
-  /// data, up to the time-out without progress, and up to the port's end-of-block time-out, however
-  /// much the printer sends meanwhile. The job is the port's only observer until it returns, and
-  /// removes itself then. The port remains open, except after a cancel. Exceptions of the platform
-  /// and the progress function pass through.
+  /// Prints `data` and returns the result. May be called once. Blocks while the printer is
+  /// prepared, while data is sent (up to the port's time-out without progress) and while it waits
+  /// for the proof (up to the port's end-of-block time-out), even if the printer never stops
+  /// sending. Until it returns, the job is the port's only observer; then the port has no observer.
+  /// The port remains open, unless the job was cancelled. Exceptions of the platform and of the
+  /// progress function pass through.
   /// @{
   PrintResult run(ByteView data);
   PrintResult run(std::string_view text);
   /// @}
 
-  /// Abandons the job: as soon as the port looks at the link again, 0.3 s at most, the printer is
-  /// made to drop the data that it holds, if the link takes that within 0.5 s, and the port is
-  /// closed. Any thread, also before `run`; safe in a signal handler.
+  /// Abandons the job. At its next read or write, after at most 0.3 s, the job sends the printer a
+  /// command to drop the data that it holds, if the link takes it within 0.5 s, and closes the
+  /// port. Any thread may call it, also before `run`. It is safe in a signal handler.
   void cancel() noexcept { cancelled_ = true; }
 
  private:

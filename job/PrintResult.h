@@ -15,51 +15,53 @@ namespace quordalvane {
 
 /// How a job ended.
 enum class PrintOutcome {
-  Printed,      ///< the printer confirmed that it has printed all of it
-  Unconfirmed,  ///< bytes were sent, and nothing proves that they were printed, or that they were
-                ///< not
-  Refused,      ///< no byte of the job was sent: sending it again is safe
+  Printed,      ///< the printer confirmed that it has printed the whole job
+  Unconfirmed,  ///< bytes were sent, and nothing proves whether they were printed
+  Refused,      ///< no byte of the job was sent, so it is safe to send the job again
 };
 
 /// "printed", "unconfirmed", "refused".
 QUOR_EXPORT std::string_view nameOf(PrintOutcome outcome);
 
-/// Why a job was not printed, as far as a program must distinguish the cases.
+/// Why a job was not confirmed as printed. A program may need to distinguish these cases.
 enum class PrintObstacle {
-  None,             ///< printed, or not run to its end
-  PrinterNotReady,  ///< the printer answered and is off line, or paper is in its exit
-  LinkLost,         ///< the link ended before the job did
+  None,             ///< the job was printed, or did not run to its end
+  PrinterNotReady,  ///< the printer answered that it is off line, or that paper is in its exit
+  LinkLost,         ///< the link was lost before the job ended
   Cancelled,        ///< `PrintJob::cancel` was called
-  ExchangeFailed,   ///< no answer, no space for too long, or a failed write
-  NoProof,  ///< all was sent; the sign that it was printed is missing, or could be another job's
+  ExchangeFailed,   ///< the printer did not answer, the link had no space for too long, or a write
+                    ///< failed
+  NoProof,  ///< all data was sent, but its confirmation is missing or could belong to another job
 };
 
-/// The result of a job, for the program and for the person who uses it.
+/// The result of a job, for a program and for the person who uses it.
 struct PrintResult {
   PrintOutcome outcome = PrintOutcome::Refused;  ///< how the job ended
-  PrintObstacle obstacle = PrintObstacle::None;  ///< why it was not printed; None if it was
+  PrintObstacle obstacle = PrintObstacle::None;  ///< why it was not printed; None if it was printed
 
-  /// The proof that was used: Auto before one was chosen, None for a printer that gives no proof.
+  /// The proof that was used. Auto if the job ended before a proof was chosen; None if the printer
+  /// gives no proof.
   ProofKind proof = ProofKind::None;
 
-  /// Whether the printer was asked before the data which proof it gives. To name the proof, in the
-  /// job's options or by `proof=` of the device, saves the question.
+  /// Whether the job asked the printer which proof it gives. A proof that is named in the job's
+  /// options or in the `proof=` of the device saves this query.
   bool hasAskedForProof = false;
 
-  /// The result code of the block's beginning; failed without a block.
+  /// The result code of the beginning of the checked block; failed if the job had no checked block.
   std::int64_t resultCode = ZKQuorIOResultCodeFailedError;
 
   std::uint64_t bytesTotal = 0;     ///< the size of the job
-  std::uint64_t bytesAccepted = 0;  ///< how many bytes of the job the link took, exactly
+  std::uint64_t bytesAccepted = 0;  ///< exactly how many bytes of the job the link took
 
-  /// The last status that was obtained; empty if there was none. Once data was sent, only a status
-  /// from after the data counts: an earlier one says nothing about the data.
+  /// The last status of the printer; null if there was none. Once data was sent, a status from
+  /// before the data is dropped, because it says nothing about the data.
   std::optional<QuorPrinterStatus_2> status;
 
-  /// Why, for a person: "cover open", "link lost after 1,204 of 3,800 bytes". "" if printed.
+  /// Tells a person why the job was not printed: "cover open", "link lost after 1,204 of 3,800
+  /// bytes". "" if it was printed.
   std::string reason;
 
-  /// The next step, for a person. "" if printed.
+  /// Tells a person what to do next. "" if the job was printed.
   std::string advice;
 };
 

@@ -18,7 +18,7 @@ using Bytes = std::vector<std::uint8_t>;
 
 constexpr std::atomic<bool> neverCancelled = false;
 
-// The port's waits count in whole seconds, and some of its operations have two of them.
+// The port's waits count in whole seconds, and some of its operations wait twice.
 constexpr auto timeForPauses = std::chrono::seconds(5);
 constexpr auto timeForModule = std::chrono::seconds(10);
 
@@ -30,8 +30,8 @@ Bytes joined(const std::vector<Bytes>& reads) {
   return all;
 }
 
-/// The end of the status blocks that the bytes begin with; after the last byte if that block is not
-/// whole.
+/// Returns the end of the status blocks at the beginning of `bytes`. The result is beyond the last
+/// byte if the last block is incomplete.
 std::size_t endOfBlocks(const Bytes& bytes) {
   std::size_t next = 0;
   while (next < bytes.size() && startsStatusBlock(bytes[next])) {
@@ -48,8 +48,8 @@ bool isRealTimeStatus(std::uint8_t byte) {
   return (byte & escPosFixedMask) == escPosFixedBits;
 }
 
-/// In both emulations a block answers the online test's first question; in ESC/POS the answers to
-/// its queries follow.
+/// In both emulations the first answer of the online test is a status block; in ESC/POS the answers
+/// to the real-time queries follow.
 bool areWholeAnswers(const Bytes& bytes, ZKEmulation emulation) {
   const std::size_t end = endOfBlocks(bytes);
   if (emulation != ZKEmulationESCPOS) {
@@ -59,8 +59,7 @@ bool areWholeAnswers(const Bytes& bytes, ZKEmulation emulation) {
                                            bytes.end(), isRealTimeStatus);
 }
 
-/// Two settings, in the form in which a printer reports a bank of its DIP switches, and nothing
-/// else.
+/// Returns whether the bytes are exactly one reply with two DIP-switch settings.
 bool areOneBank(const Bytes& bytes) {
   constexpr std::int32_t header = 4;
   constexpr std::int32_t settings = 2;
@@ -71,7 +70,8 @@ bool areOneBank(const Bytes& bytes) {
          location == header && length == settings;
 }
 
-/// One question over a port: hears each read, has a limit, and turns failures into errors.
+/// One query over a port. It records each read, has a time limit, and turns failures into
+/// InquiryErrors.
 class Question final : private TransferObserver {
  public:
   Question(const std::shared_ptr<Port>& port, std::vector<Bytes>& reads)
@@ -93,7 +93,8 @@ class Question final : private TransferObserver {
     }
   }
 
-  /// Throws `cause`, or that the link is lost if it is.
+  /// Throws an InquiryError with `cause` and `text`; if the link is lost, the error says so
+  /// instead.
   [[noreturn]] void fail(InquiryCause cause, const std::string& text) {
     if (link_.isLost()) {
       throw InquiryError(InquiryCause::LinkLost, "the link to the printer was lost");
@@ -101,14 +102,14 @@ class Question final : private TransferObserver {
     throw InquiryError(cause, text);
   }
 
-  /// Throws unless the port's emulation is known.
+  /// Throws an InquiryError if the port's emulation is unknown.
   void requireEmulation() {
     if (link_.port().emulation() == ZKEmulationUnknown) {
       fail(InquiryCause::UnknownEmulation, "the printer cannot be asked without a known emulation");
     }
   }
 
-  /// Asks a printer in ESC/POS for the proof that it gives.
+  /// Asks an ESC/POS printer which proof it gives.
   ProofKind askForProof() {
     link_.drain();
     FoundProof found;
@@ -120,10 +121,9 @@ class Question final : private TransferObserver {
 
   bool isLost() { return link_.isLost(); }
 
-  /// Waits until the printer falls silent after a whole answer. One that never falls silent is not
-  /// waited for.
+  /// Reads until the printer is silent after a complete answer, and at most for the time-out.
   void hearOut() {
-    constexpr std::chrono::milliseconds slice(100);  // of a read that nothing arrives for
+    constexpr std::chrono::milliseconds slice(100);  // the duration of a read that receives nothing
     Port& port = link_.port();
     for (auto waited = slice; waited <= link_.timeout() + slice; waited += slice) {
       const auto data = port.read(512);
@@ -133,9 +133,9 @@ class Question final : private TransferObserver {
     }
   }
 
-  /// Whether the port may have taken a part of the first answer of the online test for the second:
-  /// it throws away the bytes of the first that have arrived when it asks again, but a late one, or
-  /// one in pieces, arrives after that.
+  /// Returns whether the port may have taken a part of the first answer of the online test for the
+  /// second. Before its second request the port drops the bytes of the first answer; but bytes that
+  /// arrive after that are read as the second answer.
   bool isMixedUp(bool isAnswered) const {
     return link_.port().emulation() == ZKEmulationESCPOS
                ? isMixedUpInESCPOS(isAnswered)
@@ -143,8 +143,8 @@ class Question final : private TransferObserver {
   }
 
  private:
-  // The port refuses most parts of a block here. If it heard nothing at last, it gave up and has
-  // mixed up nothing.
+  // The port rejects most parts of a block in this emulation. If its last read was empty, it timed
+  // out and has mixed up nothing.
   bool isMixedUpInESCPOS(bool isAnswered) const {
     constexpr std::size_t queries = 3;
     const Bytes bytes = joined(reads_);
@@ -175,8 +175,9 @@ QuorPrinterStatus_2 statusFor(Question& question, std::uint32_t level, ZKEmulati
   return status;
 }
 
-// In ESC/POS the port takes the first bytes that arrive for the text: a late status byte, or the
-// beginning of the text alone. A whole text has this head and ends in a zero.
+// In ESC/POS the port takes the first bytes that arrive for the text. They may be a late status
+// byte, or only the beginning of the text. A complete text begins with this head and ends with a
+// zero byte.
 bool isWholeText(const Bytes& reply) {
   constexpr std::uint8_t head = 0x5f;
   return !reply.empty() && reply.front() == head && reply.back() == 0;
@@ -190,8 +191,8 @@ QuorPrinterStatus_2 PrinterInquiry::status(std::uint32_t level) {
   return statusFor(question, level, port_->emulation());
 }
 
-/// If the two answers of the online test were mixed up, the inquiry reads until the printer is
-/// silent and asks again.
+/// If the two answers of the online test were mixed up, reads until the printer is silent and asks
+/// again.
 bool PrinterInquiry::isOnline() {
   Question question(port_, reads_);
   question.requireEmulation();
@@ -215,11 +216,12 @@ std::string PrinterInquiry::firmware() {
         (port_->emulation() != ZKEmulationESCPOS || isWholeText(reads_.back()))) {
       return port_->firmwareInformation().value_or("");
     }
-  } catch (const std::out_of_range&) {  // a single byte, which has no text
+  } catch (const std::out_of_range&) {  // the reply was a single byte, which has no text
   }
   bool isOnline = true;
   const auto online = [&isOnline](Port& port) { return port.getOnlineStatus(&isOnline); };
-  // A port asks an on-line printer only.
+  // The port asks only a printer that is on line, so being off line may be the reason for the
+  // failure.
   if (!question.isLost() && question.ask(online) && !isOnline) {
     throw InquiryError(InquiryCause::NotReady,
                        "the printer is off line, and is not asked for its firmware then");
@@ -249,7 +251,7 @@ std::chrono::milliseconds PrinterInquiry::buttonSecurityTimeout() {
     question.fail(InquiryCause::NoAnswer,
                   "the printer did not report its button-security time-out");
   }
-  // The port decodes whatever seven bytes arrive.
+  // The port decodes any seven bytes, so their form is checked here.
   if (!areOneBank(joined(reads_))) {
     question.fail(InquiryCause::NotUnderstood,
                   "the answer is not a printer's report of its button-security time-out");

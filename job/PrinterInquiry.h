@@ -17,80 +17,83 @@
 
 namespace quordalvane {
 
-/// Why an inquiry has no answer.
+/// Why an inquiry got no valid answer.
 enum class InquiryCause {
-  NoAnswer,          ///< the printer did not answer in time, or the link did not take the question
-  NotUnderstood,     ///< something answered, and not as a printer does
-  NotReady,          ///< the printer is off line, and is not asked this then
-  LinkLost,          ///< the link ended
-  UnknownEmulation,  ///< the port's emulation is not known, so that there is no way to ask
+  NoAnswer,       ///< the printer did not answer in time, or the link did not take the query
+  NotUnderstood,  ///< something answered, but not as a printer does
+  NotReady,  ///< the printer is off line, and this query is only sent to a printer that is on line
+  LinkLost,  ///< the link was lost
+  UnknownEmulation,  ///< the port's emulation is unknown, so the right command is unknown
 };
 
-/// An inquiry without an answer; its text is for a person.
+/// Thrown if an inquiry gets no valid answer. Its text is for a person.
 class QUOR_EXPORT InquiryError : public std::runtime_error {
  public:
-  /// `cause` says why there is no answer, `text` says it to a person.
+  /// `cause` gives the reason to a program, `text` to a person.
   InquiryError(InquiryCause cause, const std::string& text)
       : std::runtime_error(text), cause_(cause) {}
 
-  /// Why there is no answer.
+  /// Returns why there is no valid answer.
   InquiryCause cause() const { return cause_; }
 
  private:
   InquiryCause cause_;
 };
 
-/// Questions to a printer over an open port, with answers that are judged: the port's own queries
-/// may take the rest of one answer, or the bytes of another device, for the next answer. Nothing is
-/// printed.
+/// Queries a printer over an open port and checks its answers. The port's own queries do not: they
+/// may take the rest of an earlier answer, or bytes of another kind of device, for the answer.
+/// Nothing is printed.
 ///
 ///     std::cout << (PrinterInquiry(port).isOnline() ? "on line" : "off line");
 ///
-/// Each question throws an InquiryError if it has no answer. It ends within twice the port's
-/// input/output time-out and five seconds, even on a printer that never stops sending; `disconnect`
-/// ends ten seconds later. Bytes that wait in the port's input are thrown away. The inquiry is the
-/// port's only observer during a question, and removes itself then. Exceptions of the platform pass
-/// through. Blocks the calling thread, which must be the port's only caller.
+/// Each query throws an InquiryError if there is no valid answer. It ends within twice the port's
+/// input/output time-out plus five seconds, even if the printer never stops sending; `disconnect`
+/// may take ten seconds more. Bytes that wait in the port's input are dropped. During a query the
+/// inquiry is the port's only observer; after it the port has no observer. Exceptions of the
+/// platform pass through. A query blocks the calling thread, and no other thread may use the port
+/// meanwhile.
 class QUOR_EXPORT PrinterInquiry {
  public:
-  /// `port`, never null, is kept alive.
+  /// `port` must not be null; it is kept alive.
   explicit PrinterInquiry(std::shared_ptr<ExternalAccessoryPort> port) : port_(std::move(port)) {}
 
-  /// The printer's status. `level` is only logged.
+  /// Asks for the printer's status. `level` is only logged.
   QuorPrinterStatus_2 status(std::uint32_t level = 0);
 
-  /// Whether the printer is ready to print.
+  /// Asks whether the printer is ready to print.
   bool isOnline();
 
-  /// The printer's firmware text, as it was received. An off-line printer is not asked.
+  /// Asks for the printer's firmware text and returns it as received. Throws if the printer is off
+  /// line.
   std::string firmware();
 
-  /// The two setting bytes of each bank.
+  /// Asks for the two setting bytes of each of the two DIP-switch banks.
   std::array<std::vector<std::uint8_t>, 2> dipSwitches();
 
-  /// The button-security time-out: zero if it is off, otherwise the printer's time and the port's
-  /// input/output time-out.
+  /// Asks for the button-security time-out. Zero if button security is off; otherwise the printer's
+  /// value plus the port's input/output time-out.
   std::chrono::milliseconds buttonSecurityTimeout();
 
-  /// The strongest proof of a job that the printer gives; None if it gives none. A printer that is
-  /// off line may keep its answers in ESC/POS, and then seems to give none. The printer's count of
-  /// marks begins anew: do not ask while another program prints on it.
+  /// Asks which is the strongest proof that the printer gives; None if it gives no proof. An
+  /// off-line ESC/POS printer may hold back its answers and so appear to give no proof. The query
+  /// resets the printer's count of marks, so do not send it while another program prints.
   ProofKind proof();
 
-  /// Makes the printer drop the data that it has not printed yet. There is no answer: returns after
-  /// the link has taken the command.
+  /// Makes the printer drop the data that it has not printed yet. Returns when the link has taken
+  /// the command; the printer does not answer it.
   void dropAll();
 
   /// Makes the printer's Bluetooth module drop the link; the port remains open.
   void disconnect();
 
-  /// The bytes that the printer sent during the last question, whether understood or not.
+  /// Returns the bytes that the printer sent during the last query, including those that were not
+  /// understood.
   std::vector<std::uint8_t> heard() const;
 
  private:
   const std::shared_ptr<ExternalAccessoryPort> port_;
   std::vector<std::vector<std::uint8_t>>
-      reads_;  // of the last question; an empty one received nothing
+      reads_;  // one entry for each read of the last query; empty if the read received nothing
 };
 
 }  // namespace quordalvane

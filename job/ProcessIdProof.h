@@ -4,8 +4,9 @@
 
 namespace quordalvane {
 
-/// Ends the job with four random characters, and waits until the printer names them. The value ties
-/// the answer to this job, whoever else prints on the printer.
+/// Ends the job with a process ID of four random characters, and waits until the printer sends it
+/// back. The ID shows that the answer belongs to this job, even if other programs print on the same
+/// printer.
 class ProcessIdProof final : public EndSign {
  public:
   ProcessIdProof(PortLink& link, PrintResult& result) : EndSign(link, result) {}
@@ -17,10 +18,10 @@ class ProcessIdProof final : public EndSign {
   JobId id_{};
 };
 
-/// Four characters that nobody can foresee.
+/// Returns four characters that nobody can predict.
 JobId randomProcessId(Platform& platform);
 
-/// The command at which a printer names `id`.
+/// Returns the command that makes a printer send `id` back.
 std::vector<std::uint8_t> processIdCommand(const JobId& id);
 
 }  // namespace quordalvane

@@ -13,29 +13,28 @@
 
 namespace quordalvane {
 
-/// One way to learn from a printer whether it has printed a job. The job moves and counts the data;
-/// the proof begins before the data, ends after it, and judges. It sees every byte that passes
-/// meanwhile.
+/// One way to find out whether a printer has printed a job. JobRun sends and counts the data; the
+/// proof acts before and after the data and judges the answers. It sees every byte that is sent or
+/// received meanwhile.
 ///
-/// A wait that a proof begins has a limit. Cancelled passes through.
+/// Every wait of a proof has a limit. PortLink::Cancelled passes through its functions.
 class Proof : public TransferObserver {
  public:
-  /// Makes the printer ready. After success the data may be sent; after a setback nothing of the
-  /// job may.
+  /// Prepares the printer. The data may be sent after success only, not after a setback.
   virtual MaybeSetback begin() = 0;
 
-  /// Ends the job, whose `data` is never empty, and waits for the printer's sign. Success is the
-  /// proof that the printer has printed all of `data`.
+  /// Ends the job and waits for the printer's confirmation. `data` is the whole job and not empty.
+  /// Success proves that the printer has printed all of it.
   virtual MaybeSetback end(ByteView data) = 0;
 
-  /// Gives the printer back after a `begin` that had a setback.
+  /// Restores the printer's state after `begin` returned a setback.
   virtual void leave() = 0;
 
-  /// The command that makes the printer drop the data that it has not printed yet.
+  /// Returns the command that makes the printer drop the data that it has not printed yet.
   virtual ByteView dropCommand() const = 0;
 
-  /// Called with the reason for which a printer that keeps the job has paused, and with "" when it
-  /// continues.
+  /// Called with a reason when the printer pauses in a job that it will continue, and with "" when
+  /// it continues.
   using Waiting = std::function<void(const std::string&)>;
   void setWaiting(Waiting waiting) { waiting_ = std::move(waiting); }
 
@@ -43,7 +42,8 @@ class Proof : public TransferObserver {
   void bytesRead(ByteView /*bytes*/) override {}
 
  protected:
-  /// A proof fills the result code and the status of `result`. Both arguments must outlive it.
+  /// The proof fills in the result code and the status of `result`. Both arguments must outlive the
+  /// proof.
   Proof(PortLink& link, PrintResult& result) : link_(link), result_(result) {}
 
   PortLink& link() const { return link_; }
@@ -61,11 +61,11 @@ class Proof : public TransferObserver {
   PrintResult& result_;
 };
 
-/// The proof that the owner of the port's accessory has named; Auto if none was.
+/// Returns the proof that is configured for the port's accessory; Auto if none is configured.
 ProofKind proofOf(ExternalAccessoryPort& port);
 
-/// The proof of that kind on the link's port; one that proves nothing if the port's emulation has
-/// no such proof.
+/// Creates a proof of this kind. If the emulation of the link's port has no such proof, the
+/// returned proof proves nothing.
 std::unique_ptr<Proof> makeProof(ProofKind kind, PortLink& link, PrintResult& result);
 
 }  // namespace quordalvane

@@ -8,15 +8,16 @@
 
 namespace quordalvane {
 
-/// The answer of a printer that was asked for its proof.
+/// The result of asking a printer which proof it gives.
 struct FoundProof {
-  ProofKind kind = ProofKind::None;  ///< the strongest that it gives
-  std::set<ProofKind> owed;          ///< those whose questions may still be answered
+  ProofKind kind = ProofKind::None;  ///< the strongest proof that the printer gives
+  std::set<ProofKind> owed;          ///< the proofs whose queries may still be answered
 };
 
-/// Asks an ESC/POS printer that is on line which proof it gives; nothing of that moves paper. A
-/// printer that knows any answers within a round trip; silence is given up after a second.
-/// `answers` hears all that is read on the link. A setback if the link does not take the question.
+/// Asks an ESC/POS printer that is on line which proof it gives, and stores the result in `found`.
+/// No paper moves. A printer that knows one of the proofs answers at once; after a second of
+/// silence the search ends. The caller must feed `answers` with all bytes that are read on the
+/// link. Returns a setback if the link does not take the query.
 MaybeSetback findProof(PortLink& link, const EscPosAnswers& answers, FoundProof& found);
 
 }  // namespace quordalvane

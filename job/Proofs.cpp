@@ -1,4 +1,4 @@
-// Which proof a job uses.
+// Chooses and creates the proof of a job.
 
 #include <algorithm>
 #include <memory>
@@ -31,7 +31,7 @@ std::unique_ptr<Proof> makeUnknown(PortLink& link, PrintResult& result) {
 
 using Maker = std::unique_ptr<Proof> (*)(PortLink& link, PrintResult& result);
 
-/// How a proof is made in each emulation.
+/// A row of the table of proofs: the functions that create a proof in each emulation.
 struct Row {
   ProofKind kind;
   Maker inLineMode;

@@ -23,7 +23,7 @@ constexpr auto silent =
     "the printer does not answer; it may be switched off, set to another emulation, or in use by "
     "another program";
 
-/// Whether `answers` then holds the answer to the query.
+/// Sends the query and returns whether its answer arrived.
 bool isAnswered(const Query& query, PortLink& link, const EscPosAnswers& answers,
                 std::chrono::nanoseconds limit, const std::function<bool()>& isEnough) {
   const std::uint64_t before = answers.realTimeCount();

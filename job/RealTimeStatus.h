@@ -9,15 +9,16 @@
 
 namespace quordalvane {
 
-/// Asks an ESC/POS printer for its status by the three real-time queries alone, which every such
-/// printer knows and which move no paper. Fills `result.status`. `answers` hears all that is read
-/// on the link. Each query has `limit` to be answered. `isEnough`, if given, ends it early once it
-/// is true, with a setback.
+/// Asks an ESC/POS printer for its status and stores it in `result.status`. Sends only the three
+/// real-time queries, which every such printer knows and which move no paper. The caller must feed
+/// `answers` with all bytes that are read on the link. Waits up to `limit` for each answer. Returns
+/// a setback if an answer is missing, or once `isEnough`, if given, returns true.
 MaybeSetback askRealTimeStatus(PortLink& link, const EscPosAnswers& answers, PrintResult& result,
                                std::chrono::nanoseconds limit,
                                const std::function<bool()>& isEnough = {});
 
-/// The same within the port's time-out, with a setback for a printer that is not ready.
+/// Does the same with the port's time-out as the limit, and also returns a setback if the printer
+/// is not ready.
 MaybeSetback refuseUnready(PortLink& link, const EscPosAnswers& answers, PrintResult& result);
 
 }  // namespace quordalvane

@@ -7,13 +7,13 @@
 
 namespace quordalvane {
 
-/// Why a job ends without a confirmation.
+/// The reason why a job ends without a confirmation.
 struct Setback {
   PrintObstacle obstacle;
   std::string reason;  ///< for a person
 };
 
-/// Empty after success.
+/// A setback, or null after success.
 using MaybeSetback = std::optional<Setback>;
 
 }  // namespace quordalvane

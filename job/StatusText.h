@@ -6,12 +6,12 @@
 
 namespace quordalvane {
 
-/// The reasons that keep the printer from printing, in words: "cover open", "paper out, cutter
-/// error". "off line" if the printer gives no reason; "" for a printer that is on line.
+/// Returns in words why the printer does not print: "cover open", "paper out, cutter error".
+/// Returns "off line" if the printer gives no reason, and "" if it is on line.
 std::string whyOffline(const QuorPrinterStatus_2& status);
 
-/// The errors that the status reports, in the same words, whether the printer is on line or not; ""
-/// for a status without an error.
+/// Returns the errors in the status, in the same words, even if the printer is on line; "" if there
+/// are none.
 std::string errorsIn(const QuorPrinterStatus_2& status);
 
 }  // namespace quordalvane

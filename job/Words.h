@@ -5,10 +5,10 @@
 
 namespace quordalvane {
 
-/// A count as people read it: "1,204".
+/// Returns a count with separated thousands: "1,204".
 std::string grouped(std::uint64_t count);
 
-/// A time for people: in whole seconds from one second on.
+/// Returns a time as text for people; a time of one second or more in whole seconds.
 std::string inSeconds(std::uint32_t millis);
 
 }  // namespace quordalvane
