@@ -18,8 +18,8 @@ struct UsualPage {
   std::string_view name;
 };
 
-// The numbers that most ESC/POS printers share, of the pages whose characters run from left to
-// right and take one cell each. Text in other scripts is drawn.
+// The page numbers that most ESC/POS printers share. Only pages are listed whose characters run
+// from left to right and take one cell each. Text in other scripts is drawn.
 constexpr UsualPage usualPages[] = {
     {0, "437"},   {2, "850"},   {3, "860"},   {4, "863"},        {5, "865"},         {13, "857"},
     {14, "737"},  {16, "1252"}, {17, "866"},  {18, "852"},       {19, "858"},        {33, "775"},
@@ -27,7 +27,7 @@ constexpr UsualPage usualPages[] = {
     {45, "1250"}, {46, "1251"}, {47, "1253"}, {48, "1254"},      {51, "1257"},
 };
 
-constexpr std::size_t longestCharacter = 4;  // in UTF-8
+constexpr std::size_t longestCharacter = 4;  // bytes in UTF-8
 
 std::string usualNumbers() {
   std::string text;
@@ -67,12 +67,12 @@ bool isPrintableAscii(std::string_view line) {
   return std::ranges::all_of(line, [](char c) { return c >= ' ' && c <= '~'; });
 }
 
-// A conversion between a code page and UTF-8 by the system.
+// Converts between a code page and UTF-8, using the system's converter.
 class Conversion {
  public:
   Conversion(const std::string& to, const std::string& from)
       : handle_(::iconv_open(to.c_str(), from.c_str())) {
-    // The library says by a pointer of all ones that it knows no such page.
+    // The library returns a pointer whose bits are all 1 if it does not know the page.
     if (reinterpret_cast<std::ptrdiff_t>(handle_) == -1) {
       fail("this system knows no code page of that name");
     }
@@ -81,7 +81,7 @@ class Conversion {
   Conversion(const Conversion&) = delete;
   Conversion& operator=(const Conversion&) = delete;
 
-  // Null if a character is not in the other set.
+  // Returns the converted text; null if the target set lacks one of the characters.
   std::optional<std::string> operator()(std::string text) const {
     std::string converted(text.size() * longestCharacter, '\0');
     char* from = text.data();
@@ -89,7 +89,7 @@ class Conversion {
     char* to = converted.data();
     std::size_t room = converted.size();
     ::iconv(handle_, nullptr, nullptr, nullptr, nullptr);
-    // Anything but 0 is an error, or a character that was replaced by one like it.
+    // A result other than 0 means an error, or that a character was replaced by a similar one.
     if (::iconv(handle_, &from, &left, &to, &room) != 0) {
       return std::nullopt;
     }
@@ -101,7 +101,7 @@ class Conversion {
   iconv_t handle_;
 };
 
-// The system's name of a page.
+// Returns the system's name of a page.
 std::string systemName(std::string_view page) {
   const bool isNumber = !page.empty() && page.front() >= '0' && page.front() <= '9';
   if (!isNumber && !page.starts_with("iso8859-")) {

@@ -9,29 +9,32 @@
 
 namespace quordalvane::render {
 
-/// The characters that the printer prints as text: those of ASCII, and those of the code page that
-/// the command 1b 74 N selects.
+/// The characters that the printer can print as text: those of ASCII, and those of the code page
+/// that the command 1b 74 N selects.
 class CodePage {
  public:
-  /// ASCII alone, which every printer has.
+  /// Creates a code page with only ASCII, which every printer can print.
   CodePage();
 
-  /// `text` is a number from 0 to 255 as most ESC/POS printers count their pages, such as 16; or
-  /// NUMBER:NAME for a printer that counts in another way, such as 6:1251. Throws RenderError for
-  /// another text, a number without a usual meaning, and a page that this system does not know.
+  /// `text` is the number of a page, from 0 to 255, as most ESC/POS printers count their pages, for
+  /// example 16; or NUMBER:NAME for a printer that counts in another way, for example 6:1251.
+  /// Throws RenderError if `text` is anything else, if the number has no usual meaning, or if this
+  /// system does not know the page.
   explicit CodePage(std::string_view text);
   ~CodePage();
   CodePage(CodePage&&) noexcept;
   CodePage& operator=(CodePage&&) noexcept;
 
-  /// Null for ASCII alone: nothing is to be selected.
+  /// Returns the number to select in the printer; null with only ASCII, where nothing is selected.
   std::optional<std::uint8_t> number() const { return number_; }
 
-  /// The bytes of a line in UTF-8, one for each character; null if it has a character that the
-  /// printer lacks. Letters with combining accents are taken as the letters that they make.
+  /// Converts a line of UTF-8 to the printer's bytes, one for each character. Returns null if the
+  /// printer lacks one of the characters. A letter followed by combining accents counts as the one
+  /// accented letter.
   std::optional<std::vector<std::uint8_t>> encoded(const std::string& line) const;
 
-  /// The character of a byte from 80 to ff, in UTF-8; "" if the page has none there.
+  /// Returns, in UTF-8, the character of a byte from 80 to ff; "" if the page has no character for
+  /// it.
   std::string character(std::uint8_t byte) const;
 
  private:

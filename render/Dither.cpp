@@ -10,8 +10,9 @@ constexpr int white = 255;
 constexpr int middle = 128;
 constexpr std::size_t patternSize = 8;
 
-// The order in which the dots of a square of 8 by 8 become black: the bits of x and of x XOR y
-// woven together, the lowest first, so that neighbours are as far apart as can be.
+// Returns the place of a dot in the order in which the dots of a square of 8 by 8 become black.
+// Interleaving the bits of y and of x XOR y, the lowest bits first, puts neighbouring dots far
+// apart in this order.
 constexpr int rank(std::size_t x, std::size_t y) {
   std::size_t value = 0;
   for (unsigned bit = 0; bit < 3; ++bit) {
@@ -20,7 +21,8 @@ constexpr int rank(std::size_t x, std::size_t y) {
   return static_cast<int>(value);
 }
 
-// The first pixel from `x` on that is not white. Most of a page is, so eight are looked at at once.
+// Returns the first pixel from `x` on that is not white. Most of a page is white, so eight pixels
+// are compared at once.
 std::size_t endOfWhite(ByteView grey, std::size_t x) {
   for (std::uint64_t eight = 0; x + sizeof eight <= grey.size(); x += sizeof eight) {
     std::memcpy(&eight, &grey[x], sizeof eight);
@@ -74,7 +76,7 @@ void Dither::spreadErrors(ByteView grey) {
 
 void Dither::compareWithPattern(ByteView grey) {
   for (std::size_t x = 0; x < grey.size(); ++x) {
-    // Thresholds from 2 to 254: white leaves no dot, and black no gap.
+    // The thresholds are 2 to 254, so white never gives a dot and black always does.
     const int threshold = rank(x % patternSize, row_ % patternSize) * 4 + 2;
     if (grey[x] < threshold) {
       blacken(x);

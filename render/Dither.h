@@ -7,21 +7,23 @@
 
 namespace quordalvane::render {
 
-/// How grey becomes black dots. Pure black and pure white remain so: letters stay sharp.
+/// The method that turns grey into black and white dots. Pure black and pure white are not changed,
+/// so letters stay sharp.
 enum class DitherKind {
-  FloydSteinberg,  ///< for photographs: the error of a dot is spread over its neighbours
-  Ordered,         ///< for drawings: a fixed pattern of 8 by 8 dots for each grey
+  FloydSteinberg,  ///< for photographs: spreads the error of each dot over its neighbours
+  Ordered,         ///< for drawings: uses a fixed pattern of 8 by 8 dots for each grey
 };
 
-/// Turns rows of grey into rows of dots. It holds two rows, whatever the length of the page.
+/// Turns rows of grey pixels into rows of dots. It keeps only two rows in memory, so a page may
+/// have any length.
 class Dither {
  public:
-  /// `width` in dots, a multiple of 8.
+  /// `width` is in dots and must be a multiple of 8.
   Dither(DitherKind kind, unsigned width);
 
-  /// The dots of the next row, as `RasterBands` takes them; valid until the next call. `grey` holds
-  /// a byte a pixel, 0 black and 255 white. If `grey` is narrower than the width, the rest is
-  /// white.
+  /// Returns the dots of the next row, in the form that `RasterBands` takes. They are valid until
+  /// the next call. `grey` has one byte for each pixel; 0 is black and 255 white. If it is narrower
+  /// than the width, the rest of the row is white.
   ByteView dots(ByteView grey);
 
  private:
@@ -33,7 +35,8 @@ class Dither {
   std::size_t width_;
   std::size_t row_ = 0;
   std::vector<std::uint8_t> dots_;
-  // Of the row under way and of the next one, in sixteenths of a grey; a column more at both ends.
+  // The errors of the current row and of the next one, in sixteenths of a grey level, with one
+  // additional column at both ends.
   std::vector<int> errors_;
   std::vector<int> nextErrors_;
 };

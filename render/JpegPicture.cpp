@@ -1,6 +1,6 @@
 #include "render/JpegPicture.h"
 
-// The library's header uses names of <cstdio> without including it, so it has a place after that.
+// The library's header uses names of <cstdio> without including it, so it must follow it.
 #include <cstdio>
 //
 #include <jpeglib.h>
@@ -26,7 +26,8 @@ struct JpegPicture::Decoder {
 
 namespace {
 
-// The library reports by a call that must not return, and no exception may cross its frames.
+// The library reports an error by a call that must not return. An exception must not pass through
+// the library, so this jumps.
 [[noreturn]] void leave(j_common_ptr info) {
   std::longjmp(*static_cast<std::jmp_buf*>(info->client_data), 1);
 }
@@ -39,7 +40,8 @@ void stayQuiet(j_common_ptr /*info*/) {}
   throw RenderError(std::string("the JPEG picture cannot be read: ") + text);
 }
 
-// The largest of the scales 1/1, 1/2, 1/4 and 1/8 that leaves the width that is wanted.
+// Returns the divisor (1, 2, 4 or 8) of the smallest scale at which the picture is at least
+// `leastWidth` wide.
 unsigned divisor(unsigned width, unsigned leastWidth) {
   unsigned scale = 8;
   while (scale > 1 && width / scale < leastWidth) {
@@ -48,8 +50,8 @@ unsigned divisor(unsigned width, unsigned leastWidth) {
   return scale;
 }
 
-// Each step runs between a setjmp and the library's return. So it holds no object with a
-// destructor, and its result is false after an error.
+// Each of these steps begins with setjmp, to which an error in the library returns; the step then
+// returns false. A step has no object with a destructor, because the jump would skip it.
 
 bool readHeader(jpeg_decompress_struct& info, std::jmp_buf& failure, ByteView file) {
   if (setjmp(failure) != 0) {
@@ -110,7 +112,7 @@ void JpegPicture::read(std::span<std::uint8_t> grey) {
   if (!readRow(decoder_->info, decoder_->failure, grey.data())) {
     fail(decoder_->info);
   }
-  // The library only warns of a file that is cut short, and fills the rest with grey.
+  // If the file is cut short, the library only warns, and fills the rest with grey.
   if (decoder_->errors.num_warnings > 0) {
     fail(decoder_->info);
   }

@@ -6,7 +6,7 @@
 
 namespace quordalvane::render {
 
-/// A JPEG file, decoded row by row.
+/// A picture in a JPEG file, which is decoded row by row.
 class JpegPicture : public Picture {
  public:
   JpegPicture(ByteView file, unsigned leastWidth);

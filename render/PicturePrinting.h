@@ -5,10 +5,10 @@
 
 namespace quordalvane::render {
 
-/// Turns a picture in PNG or JPEG into raster images for the printer. A picture wider than `width`,
-/// in dots, is scaled down to it; a narrower one is placed at the left. White rows at its top and
-/// end are left out. Throws RenderError for a file that cannot be printed, perhaps after some of it
-/// was handed on.
+/// Turns a PNG or JPEG picture into raster images for the printer. A picture that is wider than
+/// `width` dots is scaled down to this width; a narrower one is printed at the left. White rows at
+/// the top and at the bottom are left out. Throws RenderError if the file cannot be printed; some
+/// of it may have been passed to `output` before.
 void printPicture(ByteView file, unsigned width, DitherKind dither, const Output& output);
 
 }  // namespace quordalvane::render

@@ -8,10 +8,12 @@
 
 namespace quordalvane::render {
 
-/// The most pixels of a row, as in JPEG: a row is held in memory.
+/// The maximum number of pixels in a row, the same as in JPEG. It is limited because a row is kept
+/// in memory.
 inline constexpr std::uint64_t mostWidth = 65535;
 
-/// Throws RenderError if a side is 0 or the picture is too large, before memory is taken for it.
+/// Throws RenderError if the width or height is 0 or the picture is too large. It is called before
+/// memory is allocated for the picture.
 inline void checkSize(std::uint64_t width, std::uint64_t height) {
   if (width == 0 || height == 0) {
     throw RenderError("the picture has no pixels");

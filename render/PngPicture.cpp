@@ -16,7 +16,8 @@ namespace {
 constexpr std::size_t pixelBytes = 4;
 constexpr std::size_t longestError = 127;
 
-// The library reports by a call that must not return, and no exception may cross its frames.
+// The library reports an error by a call that must not return. An exception must not pass through
+// the library, so this jumps.
 [[noreturn]] void leave(png_structp png, png_const_charp why) {
   char* const error = static_cast<char*>(png_get_error_ptr(png));
   std::strncpy(error, why, longestError);
@@ -34,21 +35,22 @@ void readPiece(png_structp png, png_bytep data, std::size_t length) {
   left = left.subspan(length);
 }
 
-// Each of the steps runs between a setjmp and the library's return, so it holds nothing that a
-// destructor would have to free, and leaves false behind after an error.
+// Each of these steps begins with setjmp, to which an error in the library returns; the step then
+// returns false. A step has no object with a destructor, because the jump would skip it.
 
 bool readHeader(png_structp png, png_infop info) {
   if (setjmp(png_jmpbuf(png)) != 0) {
     return false;
   }
-  // The size is checked here, and told in other words.
+  // This source checks the size itself and reports it in its own words, so the library's limits are
+  // lifted.
   png_set_user_limits(png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
   png_read_info(png, info);
   return true;
 }
 
-// Makes every kind of picture red, green, blue and alpha, a byte each. An interlaced one takes
-// several passes.
+// Converts every kind of picture to red, green, blue and alpha, one byte each. Sets `passes`, which
+// is more than one for an interlaced picture.
 bool start(png_structp png, png_infop info, int& passes) {
   if (setjmp(png_jmpbuf(png)) != 0) {
     return false;
@@ -80,7 +82,7 @@ bool readEnd(png_structp png) {
   return true;
 }
 
-// Weights of red, green and blue in the brightness, in 256ths.
+// The weights of red, green and blue in the brightness, in 256ths.
 constexpr unsigned redWeight = 77;
 constexpr unsigned greenWeight = 151;
 constexpr unsigned blueWeight = 28;
@@ -114,7 +116,7 @@ struct PngPicture::Decoder {
     }
   }
 
-  ByteView left;  // of the file
+  ByteView left;  // the rest of the file
   char error[longestError + 1] = {};
   png_structp png;
   png_infop info;

@@ -7,8 +7,8 @@
 
 namespace quordalvane::render {
 
-/// A PNG file, decoded row by row; an interlaced one as a whole, with its first row. Transparent
-/// parts are shown on white.
+/// A picture in a PNG file. It is decoded row by row; an interlaced picture is decoded as a whole
+/// when its first row is read. Transparent parts appear on white.
 class PngPicture : public Picture {
  public:
   explicit PngPicture(ByteView file);
@@ -27,7 +27,8 @@ class PngPicture : public Picture {
   unsigned width_ = 0;
   unsigned height_ = 0;
   unsigned row_ = 0;
-  std::vector<std::uint8_t> pixels_;  // red, green, blue and alpha: of a row, or of all rows
+  std::vector<std::uint8_t>
+      pixels_;  // red, green, blue and alpha of one row, or of all rows if interlaced
 };
 
 }  // namespace quordalvane::render

@@ -8,11 +8,11 @@
 
 namespace quordalvane::render {
 
-/// Turns rows of dots into raster images of at most 255 rows: many printers print rubbish for
-/// longer ones. It holds one such band, whatever the length of the page.
+/// Turns rows of dots into raster images of at most 255 rows, called bands. Many printers print
+/// rubbish if an image is longer. Only one band is kept in memory, so a page may have any length.
 ///
 ///     RasterBands bands(576, output);
-///     bands.add(row);  // as often as there are rows
+/// bands.add(row); // once for each row
 ///     bands.end();
 class RasterBands {
  public:
@@ -21,18 +21,19 @@ class RasterBands {
 
   enum class Top { LeaveOutWhite, KeepWhite };
 
-  /// `width` in dots, a multiple of 8. With `Top::LeaveOutWhite` the white rows before the first
-  /// dot are left out.
+  /// `width` is in dots and must be a multiple of 8. With `Top::LeaveOutWhite` white rows above the
+  /// first black dot are left out.
   RasterBands(unsigned width, Output output, Top top = Top::LeaveOutWhite);
 
-  /// Adds a row of width / 8 bytes, the leftmost dot in the highest bit, black as 1. White rows are
-  /// held back until a dot follows them.
+  /// Adds a row of `width` / 8 bytes. The highest bit of a byte is its leftmost dot; 1 is black.
+  /// White rows are sent only once a row with a black dot follows them.
   void add(ByteView dots);
 
-  /// Hands on all rows so far, white ones included, because something else follows on the paper.
+  /// Sends all rows so far, including white rows at the end, because something else follows on the
+  /// paper.
   void flush();
 
-  /// Hands on the rest, except the white rows at the end.
+  /// Sends the rest, except white rows at the end.
   void end();
 
  private:
@@ -44,8 +45,8 @@ class RasterBands {
   Output output_;
   bool keepsWhite_;
   std::uint64_t whiteRows_ = 0;
-  unsigned rows_ = 0;               // in the band
-  std::vector<std::uint8_t> band_;  // the command and its rows
+  unsigned rows_ = 0;               // number of rows in the band
+  std::vector<std::uint8_t> band_;  // the raster command and its rows
 };
 
 }  // namespace quordalvane::render

@@ -4,8 +4,8 @@
 
 namespace quordalvane::render {
 
-/// A text, a picture or a setting that cannot be rendered. The text is for people: what was wrong,
-/// and what would be right.
+/// Thrown if a text, a picture or a setting cannot be rendered. The message tells a person the
+/// fault and the right form.
 class RenderError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;

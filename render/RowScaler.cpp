@@ -5,7 +5,7 @@
 namespace quordalvane::render {
 namespace {
 
-// Where the pixel of this number begins when `whole` pixels become `parts`.
+// Returns where pixel `number` begins in the source when `whole` pixels are scaled to `parts`.
 unsigned begin(std::uint64_t number, unsigned whole, unsigned parts) {
   return static_cast<unsigned>(number * whole / parts);
 }

@@ -9,17 +9,17 @@
 
 namespace quordalvane::render {
 
-/// Scales a picture down to the width of the paper: each pixel is the mean of those that it covers.
-/// A picture that fits is not changed. It holds one row.
+/// Scales a picture down to the width of the paper. Each new pixel is the mean of the pixels that
+/// it covers. A picture that is narrow enough is not changed. Only one row is kept in memory.
 class RowScaler {
  public:
-  /// `picture` must outlive this.
+  /// `picture` must outlive this object.
   RowScaler(Picture& picture, unsigned mostWidth);
 
   unsigned height() const { return height_; }
 
-  /// The next row, as wide as the scaled picture; valid until the next call. May be called
-  /// `height()` times. Throws as the picture does.
+  /// Returns the next row, which is as wide as the scaled picture. It is valid until the next call.
+  /// May be called `height()` times. Throws the exceptions of `Picture::read`.
   ByteView next();
 
  private:
@@ -30,7 +30,8 @@ class RowScaler {
   unsigned height_;
   unsigned row_ = 0;
   unsigned sourceRow_ = 0;
-  std::vector<std::size_t> edges_;  // where each pixel begins in the source, and the end
+  std::vector<std::size_t>
+      edges_;  // the source column at which each pixel begins, and the end of the last
   std::vector<std::uint8_t> source_;
   std::vector<std::uint64_t> sums_;
   std::vector<std::uint8_t> scaled_;

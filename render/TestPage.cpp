@@ -13,7 +13,7 @@ constexpr unsigned firstByte = 0x80;
 constexpr unsigned endOfBytes = 0x100;
 constexpr unsigned bytesInLine = 16;
 
-// The characters from `first` on; a blank for a byte without one.
+// Returns a line with the characters from `first` on; a byte without a character becomes a blank.
 std::string lineFrom(unsigned first, const CodePage& page) {
   constexpr auto digits = "0123456789ABCDEF";
   std::string line{digits[first >> 4U], '0', ' ', ' '};

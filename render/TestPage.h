@@ -5,9 +5,9 @@
 
 namespace quordalvane::render {
 
-/// Prints the characters of a code page twice, 16 in a line: with the printer's own letters, and
-/// drawn below them. Where the two lines differ, the printer lacks the page, or has another one
-/// under its number. `width` in dots, a multiple of 8.
+/// Prints the characters of a code page, 16 in a line. Each line is printed twice: first with the
+/// printer's own letters and then, below, drawn as a picture. If the two differ, the printer lacks
+/// the page or has another page under its number. `width` is in dots and must be a multiple of 8.
 void printTestPage(CodePage page, unsigned width, const Output& output);
 
 }  // namespace quordalvane::render

@@ -9,7 +9,7 @@
 namespace quordalvane::render {
 namespace {
 
-// Of the printer's usual font: 12 dots a letter, and lines 30 dots apart.
+// The measures of the printer's usual font: a letter is 12 dots wide, and lines are 30 dots apart.
 constexpr int letterWidth = 12;
 constexpr int lineHeight = 30;
 constexpr int spaceBelow = 4;
@@ -29,7 +29,7 @@ Owned<PangoContext> makeContext() {
   Owned<PangoContext> context(pango_font_map_create_context(fonts.get()));
   const std::unique_ptr<cairo_font_options_t, void (*)(cairo_font_options_t*)> options(
       cairo_font_options_create(), cairo_font_options_destroy);
-  // The widths of letters as they are, not rounded to whole dots: columns must not drift.
+  // The widths of letters are not rounded to whole dots; otherwise columns would drift.
   cairo_font_options_set_hint_metrics(options.get(), CAIRO_HINT_METRICS_OFF);
   cairo_font_options_set_hint_style(options.get(), CAIRO_HINT_STYLE_NONE);
   cairo_font_options_set_antialias(options.get(), CAIRO_ANTIALIAS_GRAY);
@@ -40,7 +40,7 @@ Owned<PangoContext> makeContext() {
 
 using Font = std::unique_ptr<PangoFontDescription, void (*)(PangoFontDescription*)>;
 
-// The monospaced font, in the size in which its letters have the width of the printer's.
+// Returns the monospaced font, in the size at which its letters are as wide as the printer's.
 Font makeFont(PangoContext* context) {
   Font font(pango_font_description_from_string("Monospace"), pango_font_description_free);
   const double trial = 20.0 * PANGO_SCALE;
@@ -91,7 +91,7 @@ void TextDrawing::draw(const std::string& line, const Output& takeRow) {
   PangoRectangle ink;
   PangoRectangle logical;
   pango_layout_get_pixel_extents(pango_->layout.get(), &ink, &logical);
-  // Accents above the first line and below the last one are not cut off.
+  // The band includes accents above the first line and below the last one.
   const int top = std::min(0, ink.y);
   const int bottom = std::max({logical.height + spaceBelow, ink.y + ink.height, lineHeight});
   for (int row = top; row < bottom; row += mostRows) {

@@ -9,23 +9,23 @@
 
 namespace quordalvane::render {
 
-/// Draws text of any script. Its letters are as wide as those of the printer, so that columns of
-/// drawn lines and of lines of text agree.
+/// Draws text in any script. Its letters are as wide as those of the printer, so columns in drawn
+/// lines and in lines of text are aligned.
 class TextDrawing {
  public:
-  /// `width` in dots, a multiple of 8.
+  /// `width` is in dots and must be a multiple of 8.
   explicit TextDrawing(unsigned width);
   ~TextDrawing();
   TextDrawing(const TextDrawing&) = delete;
   TextDrawing& operator=(const TextDrawing&) = delete;
 
-  /// Draws a line in UTF-8, wrapped at the width, and hands its rows of dots to `takeRow`, from the
-  /// top. A line whose first letter is of a script from right to left begins at the right. It
-  /// holds a band of 255 rows.
+  /// Draws a line of UTF-8, wrapped at the width, and passes its rows of dots to `takeRow`, from
+  /// the top down. A line whose first letter belongs to a right-to-left script begins at the right.
+  /// Only a band of 255 rows is kept in memory.
   void draw(const std::string& line, const Output& takeRow);
 
-  /// The characters for which no font of this machine has a glyph, up to a hundred. The paper shows
-  /// a box with its number for each.
+  /// Returns the characters for which no font on this machine has a glyph, at most a hundred. On
+  /// the paper each of them is a box with the character's number.
   const std::set<char32_t>& missing() const { return missing_; }
 
  private:

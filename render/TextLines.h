@@ -8,24 +8,27 @@
 
 namespace quordalvane::render {
 
-/// The most bytes of a line; a longer one is broken, at a blank if there is one. A text without an
-/// end thus takes no more memory than this.
+/// The maximum number of bytes of a line. A longer line is broken, at a blank if it has one, so
+/// that an endless line needs no more memory than this.
 inline constexpr std::size_t longestLine = 4096;
 
-/// Divides UTF-8 into lines that can be printed.
+/// Splits UTF-8 text into lines that can be printed.
 class TextLines {
  public:
-  /// Takes a line without its end. Its tabulators are blanks, up to the next column of eight.
+  /// Receives a line without its line end. Each tab was replaced by blanks up to the next multiple
+  /// of eight columns.
   using Take = std::function<void(const std::string& line)>;
 
   explicit TextLines(Take take);
 
-  /// Adds a piece of the text, which may end within a character. Lines end with LF, CR LF or a form
-  /// feed. Throws RenderError for bytes that are not UTF-8, and for a control character: it would
-  /// be a command to the printer. A byte order mark at the beginning is left out.
+  /// Adds a piece of the text; the piece may end inside a character. A line ends with LF, CR LF or
+  /// a form feed. A byte order mark at the beginning is left out. Throws RenderError for bytes that
+  /// are not UTF-8, and for any other control character, because the printer would take it for a
+  /// command.
   void add(std::string_view piece);
 
-  /// Hands on the last line if it has no end. Throws RenderError if it ends within a character.
+  /// Passes on the last line if it has no line end. Throws RenderError if the text ends inside a
+  /// character.
   void end();
 
  private:
@@ -35,10 +38,10 @@ class TextLines {
   void breakLine();
 
   Take take_;
-  std::string unread_;  // the beginning of a character
+  std::string unread_;  // an incomplete character at the end of the last piece
   std::string line_;
-  std::size_t column_ = 0;    // in the line, in characters
-  std::uint64_t offset_ = 0;  // of the next character in the text, in bytes
+  std::size_t column_ = 0;    // position in the line, in characters
+  std::uint64_t offset_ = 0;  // position of the next character in the text, in bytes
   bool afterReturn_ = false;
 };
 

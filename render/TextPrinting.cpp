@@ -9,8 +9,8 @@ namespace {
 constexpr unsigned letterWidth = 12;
 constexpr std::uint8_t lineFeed = '\n';
 
-// How many of the letters fit into a row of so many columns; the row ends at its last blank, if it
-// has one.
+// Returns how many of the letters go into a row of `columns` columns. The row ends at its last
+// blank, if it has one.
 std::size_t lettersInRow(ByteView letters, std::size_t columns) {
   if (letters.size() <= columns) {
     return letters.size();
@@ -64,7 +64,8 @@ void TextPrinting::printText(ByteView letters) {
   } while (!letters.empty());
 }
 
-// Otherwise a printer for Chinese or Japanese would take two bytes for one character.
+// Also switches off the mode in which a printer for Chinese or Japanese takes two bytes for one
+// character.
 void TextPrinting::selectCodePage() {
   if (codePage_.number() && !std::exchange(isPageSelected_, true)) {
     const std::uint8_t select[] = {0x1c, 0x2e, 0x1b, 0x74, *codePage_.number()};

@@ -12,25 +12,24 @@
 
 namespace quordalvane::render {
 
-/// Turns UTF-8 text into the printer's commands. A line whose characters are all in the printer's
-/// code page is sent as text, which is fast and sharp; any other line is drawn. It holds one line,
-/// whatever the length of the text.
+/// Turns UTF-8 text into the printer's commands. If all characters of a line are in the printer's
+/// code page, the line is sent as text, which is fast and sharp; otherwise it is drawn. Only one
+/// line is kept in memory, so a text may have any length.
 class TextPrinting {
  public:
-  /// `width` in dots, a multiple of 8.
+  /// `width` is in dots and must be a multiple of 8.
   TextPrinting(unsigned width, CodePage codePage, Output output);
 
-  /// Adds a piece of the text. Throws as TextLines::add does.
+  /// Adds a piece of the text. Throws the exceptions of TextLines::add.
   void add(std::string_view piece) { lines_.add(piece); }
 
-  /// Adds a line that is drawn whatever its characters are. It follows what was added before, which
-  /// must have ended with the end of a line.
+  /// Adds a line that is always drawn. The text added before must have ended with a line end.
   void addDrawn(const std::string& line);
 
-  /// Hands on the rest. Throws as TextLines::end does.
+  /// Sends the rest. Throws the exceptions of TextLines::end.
   void end();
 
-  /// The characters without a glyph, see TextDrawing::missing.
+  /// Returns the characters that have no glyph; see TextDrawing::missing.
   const std::set<char32_t>& missing() const { return drawing_.missing(); }
 
  private:
