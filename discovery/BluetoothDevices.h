@@ -7,9 +7,10 @@
 
 namespace quordalvane {
 
-/// The printers that are paired with this machine, in the order of their addresses. A printer that
-/// is connected now is reachable; while the adapter is off, none is. Nothing is connected. Throws a
-/// `std::exception` whose text says why the service could not be asked within `limit`.
+/// Returns the printers that are paired with this machine, ordered by address, and connects to none
+/// of them. `reachable` is true for a printer that is connected now, and false for all printers
+/// while the adapter is off. Throws a `std::exception` whose text says why the Bluetooth service
+/// could not be asked within `limit`.
 std::vector<FoundDevice> bluetoothDevices(std::chrono::milliseconds limit);
 
 }  // namespace quordalvane

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::chrono::seconds limit{2};
 
-/// The result of one search.
+/// The result of searching for one kind of device.
 struct Findings {
   std::vector<FoundDevice> devices;
   std::string error;

@@ -9,7 +9,7 @@
 
 namespace quordalvane {
 
-/// The folders in which a search looks for devices of this machine; a test has its own.
+/// The folders in which a search looks for devices of this machine. Tests use their own folders.
 struct DiscoveryRoots {
   posix::UsbRoots usb;
   SerialRoots serial;
@@ -19,20 +19,20 @@ struct DiscoveryRoots {
 struct Discovery {
   std::vector<FoundDevice> devices;
 
-  /// The ways that could not be searched, each a line for people that says why.
+  /// One line for each kind of device that could not be searched for; it tells a person why.
   std::vector<std::string> unsearched;
 };
 
 /// Finds the devices that could be printers: USB printers, paired Bluetooth printers, printers that
 /// announce themselves on the network, and serial lines, in this order. Opens none of them and
-/// sends nothing to any of them. Takes two seconds, in which it listens to the network; the search
-/// for Bluetooth printers has the same limit.
+/// sends nothing to any of them. It takes two seconds, because it listens to the network for so
+/// long; the search for Bluetooth printers has the same limit.
 ///
 ///     for (const FoundDevice& found : discoverDevices().devices) {
 ///       std::cout << found.device << " is " << found.name << "\n";
 ///     }
 ///
-/// May be called from any thread; uses two of its own meanwhile.
+/// Any thread may call it. It uses two threads of its own while it runs.
 Discovery discoverDevices(const DiscoveryRoots& roots = {});
 
 }  // namespace quordalvane

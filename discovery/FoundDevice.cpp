@@ -7,7 +7,8 @@ namespace {
 
 constexpr std::size_t longest = 100;
 
-// How many bytes of a text in valid UTF-8, at most `longest`, end with a whole character.
+// Returns the length of the longest beginning of a valid UTF-8 text that has at most `longest`
+// bytes and ends with a whole character.
 std::size_t wholeCharacters(std::string_view text) {
   std::size_t end = longest;
   while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xc0U) == 0x80U) {

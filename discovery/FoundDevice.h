@@ -6,28 +6,30 @@
 
 namespace quordalvane {
 
-/// The way to a device.
+/// The way in which a device is attached.
 enum class Via { Usb, Bluetooth, Network, Serial };
 
-/// "usb", "bluetooth", "network" or "serial".
+/// Returns "usb", "bluetooth", "network" or "serial".
 std::string_view nameOf(Via via);
 
-/// A device that could be a printer. The device itself gives its texts, so they may be wrong; but
-/// they are short, valid UTF-8 and without control characters.
+/// A device that could be a printer. The texts are those that the device gives of itself, so they
+/// may be wrong. They are short, valid UTF-8 and have no control characters.
 struct FoundDevice {
-  std::string device;        ///< the text that `parseDeviceSpec` takes
-  std::string name;          ///< the name that it has, or a description; never empty
-  std::string serialNumber;  ///< "" if it has none
+  std::string device;        ///< the device text, as `parseDeviceSpec` takes it
+  std::string name;          ///< its name, or a description if it has no name; never empty
+  std::string serialNumber;  ///< "" if it has no serial number
   std::string maker;         ///< "" if it is not known
   std::string model;         ///< "" if it is not known
   Via via;
-  std::optional<bool> reachable;  ///< null if only a session can show it
+  std::optional<bool> reachable;  ///< null if only opening a session would show it
 };
 
-/// A text from outside as a `FoundDevice` holds it: printable, and cut after some 100 bytes.
+/// Makes a text from outside fit for a `FoundDevice`: escapes control characters, and cuts it after
+/// about 100 bytes.
 std::string shownText(std::string_view text);
 
-/// `place` after `scheme` as `parseDeviceSpec` takes it: commas and backslashes are escaped.
+/// Returns the device text of `place` in `scheme`, as `parseDeviceSpec` takes it. Commas and
+/// backslashes are escaped.
 std::string deviceText(std::string_view scheme, std::string_view place);
 
 }  // namespace quordalvane

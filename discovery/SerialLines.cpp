@@ -8,7 +8,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// How far above a line its USB device may be: an interface and a port lie between them.
+// How many folders a USB device may be above its serial line: an interface and a port are between
+// them.
 constexpr int highest = 4;
 
 std::vector<fs::path> entriesOf(const fs::path& folder) {
@@ -21,7 +22,7 @@ std::vector<fs::path> entriesOf(const fs::path& folder) {
   return entries;
 }
 
-// The first line of a file of the system's.
+// Returns the first line of a system file.
 std::string lineOf(const fs::path& file) {
   std::ifstream stream(file);
   std::string line;
@@ -29,15 +30,16 @@ std::string lineOf(const fs::path& file) {
   return line;
 }
 
-// The console and pseudo-terminals have no hardware, and the driver of the classic lines makes some
-// whether or not there is any.
+// Consoles and pseudo-terminals have no hardware. The driver of classic serial ports also creates
+// lines for ports that do not exist.
 bool hasHardware(const fs::path& entry) {
   constexpr auto noHardware = "0";
   std::error_code error;
   return fs::exists(entry / "device", error) && lineOf(entry / "type") != noHardware;
 }
 
-// The folder of the USB device that the line is part of; empty if it is part of none.
+// Returns the folder of the USB device that the line belongs to; empty if the line is not part of a
+// USB device.
 fs::path usbDeviceOf(const fs::path& entry) {
   std::error_code error;
   fs::path folder = fs::canonical(entry / "device", error);
@@ -49,7 +51,8 @@ fs::path usbDeviceOf(const fs::path& entry) {
   return {};
 }
 
-// The link to `node` that does not change when the line is plugged in elsewhere; or `node` itself.
+// Returns the link to `node` that remains the same if the device is plugged in at another place;
+// `node` itself if there is no such link.
 fs::path lastingNameOf(const fs::path& node, const SerialRoots& roots) {
   std::vector<fs::path> links = entriesOf(roots.dev / "serial/by-id");
   std::sort(links.begin(), links.end());

@@ -7,15 +7,15 @@
 
 namespace quordalvane {
 
-/// The folders in which the system lists serial lines; a test has its own.
+/// The folders in which the system lists serial lines. Tests use their own folders.
 struct SerialRoots {
   std::filesystem::path sys = "/sys";
   std::filesystem::path dev = "/dev";
 };
 
-/// The serial lines that have hardware, in the order of their names. They are not opened, so the
-/// device at the other end remains unknown. A line that has a permanent name in the system is given
-/// by that name.
+/// Returns the serial lines that have hardware, ordered by name. It does not open them, so the
+/// device at the other end is unknown. If the system has a permanent name for a line, the device
+/// text contains this name.
 std::vector<FoundDevice> serialLines(const SerialRoots& roots = {});
 
 }  // namespace quordalvane

@@ -18,7 +18,7 @@ bool isNamedBySerial(const UsbPrinter& printer, const posix::UsbRoots& roots) {
   try {
     return posix::findUsbPrinter(printer.serial, roots).node == printer.node;
   } catch (const std::system_error&) {
-    return false;  // another one has the same
+    return false;  // another printer has the same serial number
   }
 }
 

@@ -7,9 +7,9 @@
 
 namespace quordalvane {
 
-/// The printers at the system's USB printer driver. One is reachable if this process may open it.
-/// Each is named by its serial number, if no other has the same and a device text can hold it;
-/// otherwise by its node.
+/// Returns the printers that the system's USB printer driver serves. A printer is reachable if this
+/// process may open it. Its device text contains its serial number if this is unique and can be
+/// written in a device text, and otherwise its device node.
 std::vector<FoundDevice> usbDevices(const posix::UsbRoots& roots = {});
 
 }  // namespace quordalvane
