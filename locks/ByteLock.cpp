@@ -15,8 +15,8 @@ namespace {
 
 constexpr auto lookPause = std::chrono::milliseconds(10);
 
-// In a folder where anybody may write, the kernel refuses to open another user's file with the flag
-// that makes it.
+// The file is first opened without O_CREAT: in a folder that everybody may write to, the kernel
+// refuses to open another user's file with this flag.
 int openOrMake(const std::filesystem::path& file, unsigned mode) {
   constexpr int flags = O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
   const int there = ::open(file.c_str(), flags);
@@ -27,7 +27,7 @@ int openOrMake(const std::filesystem::path& file, unsigned mode) {
   if (made >= 0) {
     ::fchmod(
         made,
-        mode);  // independent of the process's mask; another user's file has its rights already
+        mode);  // sets the mode whatever the process's umask is; an existing file keeps its own
   }
   return made;
 }

@@ -11,27 +11,29 @@
 
 namespace quordalvane {
 
-/// A lock on one byte of a file, held as long as this lives.
+/// A lock on one byte of a file. It is held while this object exists.
 ///
-/// The kernel releases it when the process ends in any way. No process ID is stored, so none can
-/// belong to another process by now. It excludes every other `ByteLock` on the same byte, of this
-/// process and of others, and has no effect on programs that do not ask for it. A process that is
-/// forked off shares it, and keeps it until it ends or starts another program.
+/// The kernel releases the lock when the process ends in any way. It stores no process ID, which
+/// could later belong to another process. It excludes every other `ByteLock` on the same byte, in
+/// this process and in others. It has no effect on programs that do not try to take it. A forked
+/// child process shares the lock, and holds it until it ends or executes another program.
 class QUOR_EXPORT ByteLock {
  public:
-  /// Takes the lock on byte `offset` of `file`, which is made with `mode` if it is not there. Empty
-  /// if it is held. Throws `std::system_error` if the file cannot be opened or locked.
+  /// Takes the lock on byte `offset` of `file`, without waiting. A missing file is created with the
+  /// permissions `mode`. Returns null if the lock is held already. Throws `std::system_error` if
+  /// the file cannot be opened or locked.
   static std::optional<ByteLock> tryTake(const std::filesystem::path& file, std::int64_t offset,
                                          unsigned mode);
 
-  /// The same, and waits for it: at most `limit`, and `onWait` is called once if it has to. Empty
-  /// when the time is over. A limit of zero is `tryTake`.
+  /// Does the same, but waits up to `limit` for the lock; if it has to wait, it calls `onWait`
+  /// once. Returns null if the time has passed. With a limit of zero it does not wait.
   static std::optional<ByteLock> take(const std::filesystem::path& file, std::int64_t offset,
                                       unsigned mode, std::chrono::milliseconds limit,
                                       const std::function<void()>& onWait);
 
-  /// Whether that lock is held, by this process included. False if there is no such file. Throws as
-  /// above.
+  /// Returns whether the lock on byte `offset` of `file` is held, by this process or another.
+  /// Returns false if the file does not exist. Throws `std::system_error` if the file cannot be
+  /// opened or asked.
   static bool isTaken(const std::filesystem::path& file, std::int64_t offset);
 
   ByteLock(ByteLock&& other) noexcept;
@@ -41,11 +43,11 @@ class QUOR_EXPORT ByteLock {
  private:
   explicit ByteLock(int descriptor) : descriptor_(descriptor) {}
 
-  int descriptor_;  // -1: handed on
+  int descriptor_;  // -1 if the lock was moved to another object
 };
 
-/// The byte that the locks of `name` lie on, 1 to 2^62: the same for the same name everywhere. Two
-/// names on one byte would only wait for each other.
+/// Returns the offset, 1 to 2^62, of the byte for the lock of `name`. It is the same for the same
+/// name in every process. If two names have the same offset, they only wait for each other.
 QUOR_EXPORT std::int64_t lockOffset(std::string_view name);
 
 }  // namespace quordalvane

@@ -15,7 +15,7 @@ constexpr unsigned everyUser = 0666;
 constexpr unsigned thisUser = 0600;
 constexpr mode_t thisUsersFolder = 0700;
 
-// A folder in which every user may make files, and no user may remove those of others.
+// Returns whether every user may create files in this folder, and none may remove those of others.
 bool isShared(const std::filesystem::path& folder) {
   struct stat found = {};
   return ::stat(folder.c_str(), &found) == 0 && S_ISDIR(found.st_mode) &&
@@ -23,7 +23,8 @@ bool isShared(const std::filesystem::path& folder) {
          ::access(folder.c_str(), W_OK | X_OK) == 0;
 }
 
-// Another user may have made it before, to read its content.
+// Returns this user's private folder. Throws if it belongs to another user, who could have created
+// it first to read the files in it.
 std::filesystem::path privateFolder() {
   const char* const temporary = std::getenv("TMPDIR");
   std::filesystem::path folder =
