@@ -6,7 +6,7 @@
 
 namespace quordalvane {
 
-/// The digits of hexadecimal numbers, by their values.
+/// The hexadecimal digits, ordered by value.
 /// @{
 inline constexpr std::string_view hexDigits = "0123456789abcdef";
 inline constexpr std::string_view upperCaseHexDigits = "0123456789ABCDEF";
@@ -16,7 +16,7 @@ constexpr bool isHexDigit(char c) {
   return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
 }
 
-/// Appends a byte as two digits in lower case.
+/// Appends a byte as two lower-case hexadecimal digits.
 inline void appendHex(std::string& out, std::uint8_t byte) {
   out += {hexDigits[byte >> 4U], hexDigits[byte & 0xFU]};
 }

@@ -14,7 +14,7 @@ enum class Quoting { None, Json };
 
 constexpr std::string_view replacement = "\xEF\xBF\xBD";  // U+FFFD
 
-/// The bytes that need no escape, one table for each quoting.
+/// The bytes that need no escape. There is a table for each kind of quoting.
 template <Quoting quoting>
 constexpr std::array<bool, 256> plainBytes = [] {
   std::array<bool, 256> plain{};
@@ -54,7 +54,8 @@ void appendControl(std::string& out, std::uint32_t codePoint) {
   }
 }
 
-/// Appends the character that stopped a plain run; returns how many bytes of the text it was.
+/// Appends the first character of `text`, which needs an escape or is longer than a byte. Returns
+/// how many bytes of the text it took.
 std::size_t appendSpecial(std::string& out, std::string_view text) {
   const Character character = firstCharacter(text);
   if (character.length == 0) {
@@ -65,7 +66,7 @@ std::size_t appendSpecial(std::string& out, std::string_view text) {
     appendControl(out, character.codePoint);
   } else if (character.length > 1) {
     out += text.substr(0, character.length);
-  } else {  // a quotation mark or a backslash
+  } else {  // it is a quotation mark or a backslash
     out += '\\';
     out += text.front();
   }
@@ -104,7 +105,8 @@ bool isPrintable(std::string_view text) noexcept {
       return true;
     }
     const Character character = firstCharacter(text);
-    if (isControl(character.codePoint)) {  // as that of an invalid byte is
+    if (isControl(character.codePoint)) {  // an invalid byte counts as U+0000, which is a control
+                                           // character
       return false;
     }
     text.remove_prefix(character.length);

@@ -7,19 +7,19 @@
 
 namespace quordalvane {
 
-// Text from printers and ports may hold anything. Both functions append it as valid UTF-8 without
-// any control character: each becomes an escape (\n, \r, \t, otherwise \u and four hexadecimal
-// digits), DEL and U+0080 to U+009F included, and each byte that belongs to no valid character
-// becomes U+FFFD.
+// Texts from printers and ports may contain any bytes. Both `append` functions append such a text
+// as valid UTF-8 without control characters. Each control character, including DEL and U+0080 to
+// U+009F, becomes an escape: \n, \r, \t, or \u and four hexadecimal digits. Each byte that does not
+// belong to a valid character becomes U+FFFD.
 
-/// For people: no other character is changed.
+/// Appends the text for people. No other character is changed.
 QUOR_EXPORT void appendPrintable(std::string& out, std::string_view text);
 
-/// For JSON: a string with its quotation marks, from which a reader gets back all valid text
-/// exactly.
+/// Appends the text as a JSON string with its quotation marks. A JSON reader gets back exactly the
+/// same text, if it was valid.
 QUOR_EXPORT void appendJsonString(std::string& out, std::string_view text);
 
-/// Whether appendPrintable would change nothing.
+/// Returns whether appendPrintable would append the text unchanged.
 QUOR_EXPORT bool isPrintable(std::string_view text) noexcept;
 
 }  // namespace quordalvane

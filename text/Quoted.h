@@ -5,12 +5,13 @@
 
 namespace quordalvane {
 
-// Text from outside, for a message to people.
+// Prepare a text from outside for a message to people.
 
-/// The text as `appendPrintable` shows it: control characters escaped, invalid bytes replaced.
+/// Returns the text in the form of `appendPrintable`: control characters are escaped and invalid
+/// bytes replaced.
 std::string printable(std::string_view text);
 
-/// The same in quotation marks, cut short after 60 bytes.
+/// Returns the same text in quotation marks, cut after 60 bytes.
 std::string inQuotes(std::string_view text);
 
 }  // namespace quordalvane

@@ -5,9 +5,9 @@
 
 namespace quordalvane {
 
-/// Appends the time in UTC by ISO 8601: "2024-02-29T23:59:59.123456Z" with 6 digits of a second,
-/// and "2024-02-29T23:59:59.123Z" with 3; at most 6. The rest of the second is cut off. It shows
-/// the years 0 to 9999, which are more than the clock has.
+/// Appends the time in UTC in the form of ISO 8601. `digitsOfSecond` is the number of digits after
+/// the decimal point, at most 6: with 3 the text is "2024-02-29T23:59:59.123Z". The time is rounded
+/// down. The years 0 to 9999 are supported, which is more than the clock can hold.
 void appendUtc(std::string& out, std::chrono::system_clock::time_point time, int digitsOfSecond);
 
 }  // namespace quordalvane

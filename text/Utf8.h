@@ -6,14 +6,14 @@
 
 namespace quordalvane {
 
-/// A character of a text in UTF-8.
+/// A character of a UTF-8 text.
 struct Character {
-  std::uint32_t codePoint = 0;  ///< 0 as well if it is not valid
-  std::size_t length = 0;       ///< in bytes; 0 if it is not valid
+  std::uint32_t codePoint = 0;  ///< also 0 if the character is invalid
+  std::size_t length = 0;       ///< in bytes; 0 if the character is invalid
 };
 
-/// The first character of a text, which must not be empty. Not valid are a byte that begins no
-/// character, a character that is cut short, an overlong form and a surrogate.
+/// Returns the first character of a text, which must not be empty. The result is invalid for a byte
+/// that cannot begin a character, an incomplete character, an overlong form and a surrogate.
 Character firstCharacter(std::string_view text) noexcept;
 
 }  // namespace quordalvane
