@@ -11,16 +11,17 @@ namespace quordalvane {
 /// Calls a function of the application for every record.
 class QUOR_EXPORT CallbackSink : public LogSink {
  public:
-  /// The function runs on the writer thread. It may log, and may throw: the only consequence is the
-  /// one report that every failing sink gets. In the records that it sees, control characters of
-  /// the object and the message are escaped and invalid bytes replaced, as by appendPrintable.
+  /// The application's function. It runs on the writer thread. It may log. It may throw; this has
+  /// no consequence except one report, as for every sink that fails. In the records that it
+  /// receives, control characters in the object and the message are escaped and invalid bytes
+  /// replaced, as appendPrintable does.
   using Callback = std::function<void(const LogRecord&)>;
 
-  /// Keeps `callback`, never empty, as long as the sink lives.
+  /// Stores `callback`, which must not be empty.
   explicit CallbackSink(Callback callback) : callback_(std::move(callback)) {}
 
-  /// Calls the function for every record, even after it has thrown; then throws its first
-  /// exception.
+  /// Calls the function for every record, even if it throws for one of them. At the end throws the
+  /// first of its exceptions.
   void write(std::span<const LogRecord> records) override;
 
  private:

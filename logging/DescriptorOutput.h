@@ -6,14 +6,15 @@
 
 namespace quordalvane {
 
-/// The bytes of a write that the system took, and the error that ended it early, if any.
+/// The number of bytes that the system took, and the error that ended the write early, if there was
+/// one.
 struct WriteOutcome {
   std::size_t written = 0;
   std::error_code error;
 };
 
-/// Writes all of `bytes` to the descriptor, which may be a non-blocking one; waits as long as that
-/// takes.
+/// Writes all of `bytes` to the descriptor, and waits as long as this takes. The descriptor may be
+/// a non-blocking one.
 WriteOutcome writeAll(int descriptor, std::string_view bytes) noexcept;
 
 }  // namespace quordalvane

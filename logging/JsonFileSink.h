@@ -9,15 +9,17 @@
 
 namespace quordalvane {
 
-/// Writes records to a file, one JSON object a line (see appendJsonLine), with rotation by size.
+/// Writes records to a file that is rotated by size. Each line is one JSON object; see
+/// appendJsonLine.
 class QUOR_EXPORT JsonFileSink : public LogSink {
  public:
-  /// Opens `path` as RotatingFile does. Throws std::system_error if it cannot.
+  /// Opens `path` as RotatingFile does. Throws std::system_error if it cannot be opened.
   explicit JsonFileSink(std::string path, LogRotation rotation = {})
       : file_(std::move(path), rotation) {}
 
-  /// Throws std::system_error if the disk is full, the file's folder was removed and the like; the
-  /// records that could not be written are lost, and the next ones are tried again.
+  /// Throws std::system_error if writing fails, for example because the disk is full or the folder
+  /// was removed. The records that could not be written are lost; the next call tries again with
+  /// its own records.
   void write(std::span<const LogRecord> records) override;
 
  private:

@@ -21,7 +21,7 @@ constexpr const char* memoryWasShort = "log records dropped here, memory was sho
 constexpr std::string_view sinkFailed = "logging: a sink failed, records are missing from it: ";
 
 void reportToStandardError(std::string_view reason) noexcept {
-  // If this fails, nobody can learn it.
+  // If this fails, there is no way left to report it.
   try {
     std::string line(sinkFailed);
     appendPrintable(line, reason);
@@ -33,8 +33,8 @@ void reportToStandardError(std::string_view reason) noexcept {
   }
 }
 
-/// The writer thread handles no signal of the application's, and a pipe without a reader is an
-/// error of one sink, not the end of the process.
+/// Blocks all signals on the writer thread. So it handles no signal of the application, and a pipe
+/// without a reader is an error of one sink and does not end the process.
 void blockSignals() noexcept {
   sigset_t all;
   sigfillset(&all);
@@ -64,7 +64,7 @@ void LogDelivery::startWriter() {
   queue_.open();
   try {
     LogQueue::Batch batch;
-    batch.records.reserve(1);  // however short memory is later, the queue takes that much
+    batch.records.reserve(1);  // even if memory is short later, the queue can take one record
     writer_ = std::thread([this, batch = std::move(batch)]() mutable { runWriter(batch); });
   } catch (...) {
     queue_.close();
@@ -104,8 +104,8 @@ void LogDelivery::runWriter(LogQueue::Batch& batch) {
   }
 }
 
-/// Gives every sink the batch, with reports of the records that are missing before and after it.
-/// False if memory is too short for that: no sink has received a record then.
+/// Passes the batch to every sink, with reports of the records that are missing before and after
+/// it. Returns false if memory is short; no sink has received a record then.
 bool LogDelivery::deliver(LogQueue::Batch& batch) {
   try {
     const AttachedSinks sinks = attachedSinks();
@@ -137,7 +137,7 @@ void LogDelivery::noteUndelivered(const LogQueue::Batch& batch) noexcept {
   undelivered_.records += batch.records.size() + batch.dropped;
 }
 
-/// The record that replaces missing ones in the stream.
+/// Returns the record that reports missing records, in their place.
 LogRecord LogDelivery::recordOf(const Missing& missing, const char* why) {
   return {.time = missing.since,
           .thread = currentThreadId(),

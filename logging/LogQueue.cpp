@@ -74,9 +74,9 @@ bool LogQueue::take(Batch& batch) {
   }
   filled_.wait_for(lock, gatherTime_, [this] { return isHalfFull() || !open_; });
   try {
-    batch.records.reserve(capacity_);  // allocates after a change of capacity only
+    batch.records.reserve(capacity_);  // allocates only after a change of the capacity
   } catch (const std::bad_alloc&) {
-    // It is tried again with the next batch.
+    // The next batch tries again.
   }
   std::swap(batch, pending_);
   pending_.dropped = 0;

@@ -10,85 +10,90 @@
 
 namespace quordalvane {
 
-/// The bounded queue between the threads that log and the one that writes. The lock is only ever
-/// held to move a record in or to swap all of them out, so no thread waits for a sink in `push`.
-/// All members may be called from any thread, `take` and `finish` by the writer alone.
+/// The bounded queue between the threads that log and the writer thread. Its lock is held only
+/// while one record is moved in or all records are swapped out, so `push` never waits for a sink.
+/// Any thread may call the members, but only the writer thread may call `take`, `finish` and
+/// `lose`.
 class LogQueue {
  public:
-  /// The records that the writer takes at once, and the number that were dropped after the last of
-  /// them and before the next batch, the first at `firstDropTime`. Records are dropped only if some
-  /// are queued.
+  /// The records that the writer takes at once, and the number of records that were dropped between
+  /// them and the next batch. Records are dropped only while others are queued.
   struct Batch {
-    RecordBatch records;                                  ///< in stream order
-    std::uint64_t dropped = 0;                            ///< after the last of them
-    std::chrono::system_clock::time_point firstDropTime;  ///< without meaning if none was
+    RecordBatch records;        ///< in the order in which they were pushed
+    std::uint64_t dropped = 0;  ///< number of records dropped after the last of `records`
+    std::chrono::system_clock::time_point firstDropTime;  ///< the time of the first dropped record;
+                                                          ///< has no meaning if none was dropped
   };
 
-  /// The counts of the queue since it was made.
+  /// What the queue has counted since it was created.
   struct Counts {
-    std::uint64_t handedOver = 0;  ///< records that were pushed, also on a closed queue
-    std::uint64_t dropped = 0;     ///< those that found it full, or were lost
+    std::uint64_t handedOver =
+        0;  ///< number of records pushed, including those pushed while the queue was closed
+    std::uint64_t dropped =
+        0;  ///< number of those that were dropped because the queue was full, or lost
   };
 
-  /// How many records may wait at first, and how many at most: room for as many is taken at once,
-  /// and again by the writer, and a log is worth some hundred megabytes at most.
+  /// The initial and the maximum number of records that may wait. Memory for this number is
+  /// allocated in advance, and again for the writer; the maximum limits it to a few hundred
+  /// megabytes.
   /// @{
   static constexpr std::size_t defaultCapacity = 8192;
   static constexpr std::size_t maximumCapacity = 1048576;
   /// @}
 
-  /// The messages that wait may hold this many bytes together before the queue counts as full,
-  /// however few they are: dumps of print data are long.
+  /// The maximum total size in bytes of the waiting messages; above it the queue counts as full. A
+  /// few messages can reach it, because dumps of print data are long.
   static constexpr std::size_t textLimit = std::size_t{64} << 20U;
 
-  /// How long `take` gathers records after the first. One wake-up of the writer, which costs more
-  /// than many records, then serves them all.
+  /// How long `take` waits for more records after the first. One wake-up of the writer then serves
+  /// all of them; a wake-up costs more than many records.
   static constexpr std::chrono::milliseconds usualGatherTime{1};
 
-  /// A closed queue. With a `gatherTime` of zero `take` gathers nothing.
+  /// Creates a closed queue. With a `gatherTime` of zero, `take` does not wait for more records
+  /// after the first.
   explicit LogQueue(std::chrono::milliseconds gatherTime = usualGatherTime)
       : gatherTime_(gatherTime) {}
 
-  /// Queues the record, or drops it if the queue is full. `record` then has no particular value. A
-  /// full queue remains full until the writer takes it, so that all drops of a batch lie in one
-  /// place of the stream. A queue that is not open discards the record without counting a drop: no
-  /// sink misses it.
+  /// Puts the record into the queue, or drops it if the queue is full. The value of `record` is
+  /// unspecified afterwards. A full queue stays full until the writer takes its records, so all
+  /// records that are dropped meanwhile are missing at one place. A closed queue discards the
+  /// record and does not count it as dropped, because no sink misses it.
   void push(LogRecord&& record) noexcept;
 
-  /// How many records may wait; those that the writer has taken are not counted. If more are queued
-  /// already, they remain, and the queue is full. Throws std::invalid_argument for zero and for
-  /// more than the maximum, and std::bad_alloc if memory is short; nothing has changed then.
+  /// Sets how many records may wait; records that the writer has taken are not counted. If more are
+  /// queued already, they stay in the queue, and the queue is full. Throws std::invalid_argument if
+  /// `records` is 0 or more than the maximum, and std::bad_alloc if memory is short; nothing has
+  /// changed then.
   void setCapacity(std::size_t records);
 
-  /// From `open` to `close` the queue takes records. It begins closed, and holds no memory until it
-  /// is opened. Opening an open queue changes nothing. Records that are queued when it is closed
-  /// may still be taken.
+  /// The queue accepts records from `open` to `close`. It is initially closed, and allocates no
+  /// memory before it is opened. `open` has no effect on an open queue. The writer may still take
+  /// records that were queued before `close`.
   /// @{
   void open();
   void close() noexcept;
   /// @}
 
-  /// Waits for a record, gathers more for at most the gather time, and swaps them for the empty
-  /// `batch`. It stops gathering once the queue is half full or closed. False, at once, if the
-  /// queue is closed and empty.
+  /// Waits for a record, then for more records for at most the gather time, and swaps all of them
+  /// with `batch`, which must be empty. It stops waiting for more once the queue is half full or
+  /// closed. Returns false at once if the queue is closed and empty.
   ///
-  /// The queue then uses the room of `batch`, which it enlarges to its capacity. If memory is too
-  /// short for that, it holds only as many records as `batch` has room for, which must be at least
-  /// one.
+  /// The queue then uses the memory of `batch`, which it enlarges to its capacity. If memory is
+  /// short, the queue can hold only as many records as `batch` has room for. `batch` must have room
+  /// for at least one record.
   bool take(Batch& batch);
 
-  /// Says that the sinks have received `records` more of the records taken.
+  /// Counts `records` more of the taken records as received by the sinks.
   void finish(std::size_t records);
 
-  /// Says that `records` more of the records taken are finished and were given to nobody, which
-  /// counts as a drop.
+  /// Counts `records` more of the taken records as finished and dropped: no sink received them.
   void lose(std::size_t records);
 
-  /// Waits until every record queued so far is finished; false if that takes longer than `timeout`.
-  /// Zero asks without waiting.
+  /// Waits until every record queued so far is finished. Returns false if this takes longer than
+  /// `timeout`. With a time-out of zero it does not wait.
   bool waitUntilFinished(std::chrono::milliseconds timeout);
 
-  /// Both counts, of one moment.
+  /// Returns both counts, taken at the same moment.
   Counts counts() const;
 
  private:

@@ -9,42 +9,42 @@
 
 namespace quordalvane {
 
-/// The kind of a log record. C programs and debuggers know the enumeration by its tag.
+/// The kind of a log record. C programs and debuggers show the enumeration under this name.
 enum _ZKLogType : std::int32_t {     // NOLINT: the name is given
   ZKLogTypeQuorIOAPIStart = 0,       ///< a public call begins
-  ZKLogTypeQuorIOAPIEnd = 1,         ///< and ends
+  ZKLogTypeQuorIOAPIEnd = 1,         ///< a public call ends
   ZKLogTypeInternalMethodStart = 2,  ///< an internal method begins
-  ZKLogTypeInternalMethodEnd = 3,    ///< and ends
+  ZKLogTypeInternalMethodEnd = 3,    ///< an internal method ends
   ZKLogTypeWrite = 4,                ///< bytes that went to the printer
-  ZKLogTypeRead = 5,                 ///< bytes that it sent
-  ZKLogTypeProcess = 6,              ///< a step on the way
+  ZKLogTypeRead = 5,                 ///< bytes that the printer sent
+  ZKLogTypeProcess = 6,              ///< a step of an operation
   ZKLogTypeError = 7,                ///< something failed
 };
-/// The name under which everything here knows it.
+/// The name that this library uses for the enumeration.
 using ZKLogType = _ZKLogType;
 
-/// The enumerator's name without its prefix, as in "InternalMethodStart"; "Unknown" for any other
-/// value.
+/// Returns the name of the enumerator without its prefix, for example "InternalMethodStart";
+/// "Unknown" for any other value.
 QUOR_EXPORT std::string_view logTypeName(ZKLogType type) noexcept;
 
-/// The system's id of the calling thread.
+/// Returns the system's ID of the calling thread.
 std::int32_t currentThreadId() noexcept;
 
-/// The time of a record that is made now.
+/// Returns the time for a record that is made now.
 std::chrono::system_clock::time_point currentTime() noexcept;
 
-/// One record on its way from the thread that logs to the sinks. `file` and `method` are not
-/// copied: they are never null and outlive the process's logging, as the texts of a program do.
+/// One log record. `file` and `method` are not copied: they are never null and must stay valid
+/// until the process ends, like the string literals of a program.
 struct LogRecord {
-  std::chrono::system_clock::time_point time;  ///< when it was made
-  std::int32_t thread = 0;                     ///< of the thread that logged, see currentThreadId
-  ZKLogType type = ZKLogTypeProcess;           ///< its kind
-  std::int32_t level = 0;                      ///< that it was logged with
-  std::int64_t line = 0;                       ///< of the statement that logged, in `file`
-  const char* file = "";                       ///< the name of its source file
-  const char* method = "";                     ///< the function that it is in
-  std::string object;                          ///< the address of the object that logged, as text
-  std::string message;                         ///< the text
+  std::chrono::system_clock::time_point time;  ///< when the record was made
+  std::int32_t thread = 0;            ///< the ID of the thread that logged; see currentThreadId
+  ZKLogType type = ZKLogTypeProcess;  ///< the kind of the record
+  std::int32_t level = 0;             ///< the level of the log statement
+  std::int64_t line = 0;              ///< the line of the log statement in `file`
+  const char* file = "";              ///< the source file of the log statement
+  const char* method = "";            ///< the method that contains the log statement
+  std::string object;                 ///< the address of the object that logged, as text
+  std::string message;                ///< the text of the record
 };
 
 }  // namespace quordalvane

@@ -13,14 +13,15 @@ class QUOR_EXPORT LogSink {
  public:
   virtual ~LogSink() = default;
 
-  /// Writes the records, in the order given; returns after they have left this process. Called on
-  /// the delivery's writer thread alone, never twice at once, and always with at least one record.
-  /// It may take as long as it needs and may itself log: no thread that logs waits for it. The
-  /// records are the caller's and end with the call. An exception means that some of them were not
-  /// written; the delivery reports a sink's first one to standard error and keeps calling the sink.
+  /// Writes the records in the given order, and returns when they have left this process. Only the
+  /// writer thread of the delivery calls it, never for two batches at once, and always with at
+  /// least one record. It may take as long as it needs and may itself log, because no thread that
+  /// logs waits for it. The caller owns the records; they are valid during the call. If it throws,
+  /// some of the records were not written. The delivery reports the first exception of a sink to
+  /// standard error and continues to call the sink.
   ///
-  /// The texts are as the program and the printer made them: a sink that shows them to people
-  /// escapes control characters (see PrintableText.h).
+  /// The texts are exactly those of the program and the printer. A sink that shows them to people
+  /// must escape control characters; see PrintableText.h.
   virtual void write(std::span<const LogRecord> records) = 0;
 };
 

@@ -5,7 +5,7 @@
 namespace quordalvane {
 namespace {
 
-// Enough for nearly every message but dumps of print data, which are rare and long.
+// Enough for nearly every message. Only dumps of print data are longer, and they are rare.
 constexpr std::size_t mostMemoryKept = 1024;
 
 }  // namespace
@@ -22,7 +22,8 @@ void RecordBatch::add(LogRecord& record) {
 void RecordBatch::clear() noexcept {
   for (LogRecord& record : std::span(slots_).first(size_)) {
     if (record.message.capacity() > mostMemoryKept) {
-      std::string().swap(record.message);  // an assignment would keep the memory
+      std::string().swap(
+          record.message);  // clears by a swap, because an assignment would keep the memory
     }
   }
   size_ = 0;

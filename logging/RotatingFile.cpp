@@ -86,7 +86,7 @@ void RotatingFile::writeBuffer() {
     return;
   }
   std::string lines;
-  lines.swap(buffer_);  // so that they are lost if this throws
+  lines.swap(buffer_);  // if this throws, the lines are lost
   if (!isStillInPlace()) {
     open();
   }
@@ -97,10 +97,10 @@ void RotatingFile::writeBuffer() {
     throw std::system_error(outcome.error, "cannot write to " + path_);
   }
   lines.clear();
-  buffer_.swap(lines);  // keeps the memory
+  buffer_.swap(lines);  // keeps the memory of the buffer
 }
 
-/// Removes the part of a line that `written` ends with, which found no room as a whole.
+/// If `written` ends in the middle of a line, removes this incomplete line from the file.
 void RotatingFile::dropTornLine(std::string_view written) {
   const std::size_t torn = written.size() - (written.rfind('\n') + 1);  // rfind's "none" is -1
   if (torn > 0 && isRegular_ && ::ftruncate(descriptor_, static_cast<off_t>(size_ - torn)) == 0) {
@@ -109,7 +109,7 @@ void RotatingFile::dropTornLine(std::string_view written) {
 }
 
 void RotatingFile::rotate() {
-  // Only existing files need to move: the number that may be kept can be immense.
+  // Only existing files are renamed, because the number of files to keep can be immense.
   unsigned free = 1;
   while (free < rotation_.keptFiles && ::access(keptName(free).c_str(), F_OK) == 0) {
     ++free;

@@ -11,36 +11,38 @@
 
 namespace quordalvane {
 
-/// The size at which a log file makes room for a new one, and the number of old ones kept.
+/// The size at which a log file is replaced by a new one, and the number of old files that are
+/// kept.
 struct LogRotation {
-  std::uint64_t maximumBytes = 10U << 20U;  ///< of one file; zero: no limit
-  unsigned keptFiles = 5;                   ///< beside the file itself; may be zero
+  std::uint64_t maximumBytes = 10U << 20U;  ///< of one file; zero means no limit
+  unsigned keptFiles = 5;                   ///< number of old files; may be zero
 };
 
-/// A file of lines that grows at its end. A line that would exceed the maximum begins a new file:
-/// FILE becomes FILE.1, FILE.1 becomes FILE.2, and so on up to the first number that is free; if
-/// none is, the oldest is replaced. A line is never split between files; one that is longer than
-/// the maximum has a file of its own. Only a regular file is rotated. For one thread, and one
-/// process: two that rotate the same file lose lines.
+/// A file to which lines are appended. If a line would exceed the maximum size, a new file is
+/// begun: FILE is renamed to FILE.1, FILE.1 to FILE.2, and so on up to the first free number. If no
+/// number is free, the oldest file is replaced. A line is never split between files; a line that is
+/// longer than the maximum gets a file of its own. Only a regular file is rotated. Only one thread
+/// may use the object, and only one process the file: two processes that rotate the same file lose
+/// lines.
 class QUOR_EXPORT RotatingFile {
  public:
-  /// Opens the file. A missing one is made, readable and writable for its owner alone; programs
-  /// that this process executes do not inherit it. Lines are appended; an unfinished last line is
-  /// completed first. Throws std::system_error.
+  /// Opens the file. A missing file is created; only its owner may read and write it. Programs that
+  /// this process executes do not inherit the open file. If the file ends in the middle of a line,
+  /// a line feed is added first. Throws std::system_error if it cannot be opened.
   RotatingFile(std::string path, LogRotation rotation);
   ~RotatingFile();
 
   RotatingFile(const RotatingFile&) = delete;
   RotatingFile& operator=(const RotatingFile&) = delete;
 
-  /// Takes a line, which ends in a line feed. It may remain in memory until `flush`, or until 256
-  /// KiB have gathered there. Throws as `flush`.
+  /// Adds `line`, which must end with a line feed. The line may stay in memory until `flush`, or
+  /// until 256 KiB have been collected. Throws the exceptions of `flush`.
   void append(std::string_view line);
 
-  /// Writes the lines in memory. A file that was moved or removed meanwhile is made anew under its
-  /// name. Throws std::system_error if that or the writing fails; the lines in memory are then
-  /// lost, and no half line is left in the file. If a rotation failed, it throws after it has
-  /// written: the file then grows beyond its maximum.
+  /// Writes the lines that are in memory. If the file was moved or removed meanwhile, creates it
+  /// again. Throws std::system_error if this or the writing fails; the lines in memory are then
+  /// lost, and the file does not end in the middle of a line. If a rotation failed, it writes the
+  /// lines first and then throws; the file then grows beyond its maximum.
   void flush();
 
  private:
@@ -57,9 +59,9 @@ class QUOR_EXPORT RotatingFile {
   dev_t device_ = 0;
   ino_t inode_ = 0;
   bool isRegular_ = false;
-  std::uint64_t size_ = 0;  // of the file, without the buffer
+  std::uint64_t size_ = 0;  // of the file, without the lines in the buffer
   std::string buffer_;
-  std::error_code rotationFailure_;  // not yet thrown
+  std::error_code rotationFailure_;  // an error that was not thrown yet
 };
 
 }  // namespace quordalvane

@@ -8,10 +8,11 @@
 
 namespace quordalvane {
 
-/// Writes records to the process's standard error, one readable line each, some 64 KiB at once.
+/// Writes records to the standard error of the process, one readable line for each, in blocks of
+/// about 64 KiB.
 class QUOR_EXPORT StandardErrorSink : public LogSink {
  public:
-  /// Throws std::system_error if standard error takes no more; the rest of the records is then
+  /// Throws std::system_error if writing to standard error fails; the rest of the records is then
   /// lost.
   void write(std::span<const LogRecord> records) override;
 
