@@ -9,25 +9,27 @@
 
 namespace quordalvane {
 
-/// One attempt to print the job of a name, a row of the journal.
+/// One attempt to print a named job. It is a row of the journal.
 struct Attempt {
-  std::string name;         ///< of the job
-  std::int64_t number = 0;  ///< 1 for the first, and so on: the order, independent of the clock
+  std::string name;         ///< the name of the job
+  std::int64_t number = 0;  ///< 1 for the first attempt of the job, 2 for the next; orders the
+                            ///< attempts without the clock
   Fingerprint data = {};
   std::string device = {};                 ///< the text of the device
-  std::int64_t begun = 0;                  ///< milliseconds since 1970, UTC
-  std::optional<std::int64_t> ended = {};  ///< likewise; empty until the outcome is known
-  std::string outcome = {};                ///< "" until it is known, then a `PrintOutcome`'s name
+  std::int64_t begun = 0;                  ///< in milliseconds since 1970, UTC
+  std::optional<std::int64_t> ended = {};  ///< in the same unit; null until the outcome is known
+  std::string outcome = {};                ///< the name of a `PrintOutcome`; "" until it is known
   std::uint64_t bytesAccepted = 0;         ///< as in `PrintResult`
   std::string reason = {};                 ///< as in `PrintResult`
 
-  /// The name of the proof that was used, as in `PrintResult`; "" if the journal did not yet keep
-  /// it then; the obstacle is then NoProof.
+  /// The name of the proof that was used, as in `PrintResult`. "" if an older version of the
+  /// journal, which did not record it, wrote this row; the obstacle is then NoProof.
   std::string proof = {};
-  PrintObstacle obstacle = PrintObstacle::NoProof;  ///< as in `PrintResult`, once it has ended
+  PrintObstacle obstacle =
+      PrintObstacle::NoProof;  ///< as in `PrintResult`; valid once the attempt has ended
 
-  /// When a person was told that nobody knows whether it is on paper, likewise; empty if nobody
-  /// was.
+  /// When a person was told that nobody knows whether the job is on paper, in milliseconds since
+  /// 1970, UTC; null if nobody was told.
   std::optional<std::int64_t> told = {};
 };
 

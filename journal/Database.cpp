@@ -130,7 +130,7 @@ std::int64_t Database::number(const char* sql) {
 }
 
 void Database::rollBack() noexcept {
-  // SQLite may have done it by itself, which is an error then.
+  // An error is ignored here: SQLite may have reverted the changes by itself already.
   sqlite3_exec(handle_.get(), "ROLLBACK", nullptr, nullptr, nullptr);
 }
 

@@ -12,7 +12,7 @@ struct sqlite3_stmt;
 
 namespace quordalvane {
 
-/// A prepared statement, whose parameters are bound in their order.
+/// A prepared SQL statement. Each call of `with` binds the next parameter.
 class Statement {
  public:
   Statement& with(std::int64_t value);
@@ -20,12 +20,13 @@ class Statement {
   Statement& with(std::string_view text);
   Statement& withBlob(std::string_view bytes);
 
-  /// Moves to the next row; false after the last one. Throws `JournalError`.
+  /// Moves to the next row. Returns false after the last one. Throws `JournalError` if the database
+  /// fails.
   bool step();
 
   std::int64_t number(int column) const;
   bool isNull(int column) const;
-  std::string text(int column) const;  ///< of a text or a blob, all its bytes
+  std::string text(int column) const;  ///< all bytes of a text or a blob
 
  private:
   friend class Database;
@@ -37,8 +38,8 @@ class Statement {
   int bound_ = 0;
 };
 
-/// One connection to a file of SQLite, which is a file of this machine and may be written. Every
-/// failure throws `JournalError`, with the file and the reason.
+/// One connection to an SQLite file. The file must be on this machine and writable. Every failure
+/// throws a `JournalError` that names the file and the reason.
 class Database {
  public:
   explicit Database(std::filesystem::path file);
@@ -46,10 +47,10 @@ class Database {
   void execute(const char* sql);
   Statement prepare(const char* sql) { return {*this, sql}; }
 
-  /// The number that the statement `sql` returns.
+  /// Executes `sql` and returns its result, which must be a number.
   std::int64_t number(const char* sql);
 
-  /// Ends an open transaction, and reverts its changes.
+  /// Ends the open transaction and reverts its changes.
   void rollBack() noexcept;
 
   const std::filesystem::path& file() const { return file_; }
@@ -61,8 +62,8 @@ class Database {
   std::unique_ptr<sqlite3, int (*)(sqlite3*)> handle_;
 };
 
-/// While this exists, every read sees the database as it was at one moment; others may write
-/// meanwhile.
+/// While a Snapshot exists, every read sees the database as it was at one moment, even if others
+/// write meanwhile.
 class Snapshot {
  public:
   explicit Snapshot(Database& database) : database_(database) { database_.execute("BEGIN"); }
@@ -74,10 +75,11 @@ class Snapshot {
   Database& database_;
 };
 
-/// Makes all changes or none: they are reverted unless `commit` has returned.
+/// Makes either all of its changes or none of them: the destructor reverts them unless `commit` has
+/// returned.
 class Transaction {
  public:
-  /// Waits for other writers, ten seconds at most.
+  /// Begins the transaction. Waits for other writers, at most ten seconds.
   explicit Transaction(Database& database) : database_(database) {
     database_.execute("BEGIN IMMEDIATE");
   }
@@ -85,7 +87,7 @@ class Transaction {
   Transaction(const Transaction&) = delete;
   Transaction& operator=(const Transaction&) = delete;
 
-  /// They are on disk when it returns.
+  /// Makes the changes permanent. They are on disk when it returns.
   void commit();
 
  private:

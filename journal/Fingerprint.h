@@ -6,10 +6,10 @@
 
 namespace quordalvane {
 
-/// The journal keeps this of a job's data, which itself is private.
+/// Identifies the data of a job. The journal keeps only this, because the data itself is private.
 struct Fingerprint {
-  std::uint64_t bytes = 0;  ///< its length
-  std::string sha256;       ///< its SHA-256, 32 bytes
+  std::uint64_t bytes = 0;  ///< the length of the data
+  std::string sha256;       ///< the SHA-256 of the data, 32 bytes
 
   bool operator==(const Fingerprint&) const = default;
 };

@@ -9,25 +9,28 @@
 
 namespace quordalvane {
 
-// The state of a job after all its attempts.
+// Functions that derive the state of a job from its attempts.
 
-/// The attempt that decides the state of a job: the one that printed it; otherwise the last one of
-/// which bytes may be on paper; otherwise the last one. The attempts must not be empty.
+/// Returns the attempt that decides the state of a job: the one that printed the job; otherwise the
+/// last one that may have put bytes on paper; otherwise the last one. `attempts` must not be empty.
 const Attempt& decisive(const std::vector<Attempt>& attempts);
 
-/// The outcome of an attempt. Only its process knows Printing, which is never returned here.
+/// Returns the state of a job after this attempt. Never returns Printing, because the attempt does
+/// not show whether its process is still running.
 JobState stateOf(const Attempt& attempt);
 
-/// Why it was not printed, for a person.
+/// Tells a person why the attempt did not print the job.
 std::string reasonOf(const Attempt& attempt);
 
-/// The proof that it used; Auto before it has chosen one, and if that was not kept.
+/// Returns the proof that the attempt used; Auto if it has not chosen one yet, or if its proof was
+/// not recorded.
 ProofKind proofOf(const Attempt& attempt);
 
-/// The job of these attempts, whose process may live.
+/// Returns the record of the job with these attempts. `isBeingPrinted` says whether the process of
+/// the last one is still printing it.
 JobRecord recordOf(const std::vector<Attempt>& attempts, bool isBeingPrinted);
 
-/// Milliseconds since 1970, UTC.
+/// Returns the current time in milliseconds since 1970, UTC.
 std::int64_t millisecondsNow();
 
 }  // namespace quordalvane

@@ -28,14 +28,15 @@ ByteLock takenForOpening(const std::filesystem::path& file) {
 
 std::unique_ptr<Database> opened(const std::filesystem::path& file) {
   try {
-    const ByteLock lock = takenForOpening(file);  // only one may make or change the tables
+    const ByteLock lock =
+        takenForOpening(file);  // only one process at a time may create or change the tables
     if (!std::filesystem::exists(file)) {
       makeJournal(file);
     }
     auto database = std::make_unique<Database>(file);
     bringUpToDate(*database);
     database->execute("PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL");
-    const Snapshot snapshot(*database);  // others print meanwhile
+    const Snapshot snapshot(*database);  // others may print and write meanwhile
     checkSeal(*database);
     return database;
   } catch (const std::system_error& error) {
@@ -52,7 +53,7 @@ Journal::~Journal() = default;
 
 std::filesystem::path Journal::defaultFile() {
   const char* const state = std::getenv("XDG_STATE_HOME");
-  if (state != nullptr && *state == '/') {  // any other value is ignored
+  if (state != nullptr && *state == '/') {  // a relative path is ignored
     return std::filesystem::path(state) / "quorport/jobs.db";
   }
   const char* const home = std::getenv("HOME");
@@ -75,7 +76,8 @@ std::vector<JobRecord> Journal::jobs() {
   return records;
 }
 
-// A process may end its job between the reading of the rows and the look at its lock.
+// A process may end its job after its rows were read and before its lock is checked. So the rows
+// are read again until they do not change any more.
 JobRecord Journal::jobOf(std::vector<Attempt> attempts) {
   while (!attempts.back().ended && !isBeingPrinted(attempts.back().name)) {
     auto later = attemptsOf(attempts.back().name);

@@ -17,66 +17,70 @@ namespace quordalvane {
 class Database;
 struct Attempt;
 
-/// The facts that a journal holds about a job.
+/// The state of a job in a journal.
 enum class JobState {
-  Refused,      ///< no byte of it was sent in any attempt
+  Refused,      ///< no attempt sent any byte of the job
   Unconfirmed,  ///< nobody knows whether it is on paper
-  Printing,     ///< a process that lives prints it
-  Printed,      ///< the printer confirmed it
+  Printing,     ///< a running process is printing it
+  Printed,      ///< the printer confirmed that it was printed
 };
 
 /// One job of a journal, after its latest attempt.
 struct JobRecord {
   std::string name;
-  std::string device;                 ///< the text of the device that it was for
-  std::uint64_t bytes = 0;            ///< the length of its data
-  std::int64_t attempts = 0;          ///< so many there were
-  std::int64_t begun = 0;             ///< milliseconds since 1970, UTC, by the clock of then
-  std::optional<std::int64_t> ended;  ///< likewise; empty if its end was not recorded
+  std::string device;         ///< the device text of the printer that it was meant for
+  std::uint64_t bytes = 0;    ///< the length of the job's data
+  std::int64_t attempts = 0;  ///< the number of attempts so far
+  std::int64_t begun = 0;  ///< when the latest attempt began, in milliseconds since 1970, UTC, by
+                           ///< the clock at that time
+  std::optional<std::int64_t>
+      ended;  ///< when it ended, in the same unit; null if the end was not recorded
   JobState state = JobState::Refused;
-  std::string reason;  ///< why it was not printed, for a person; "" when it was
+  std::string reason;  ///< tells a person why it was not printed; "" if it was printed
 };
 
-/// The result of a wish to forget a job.
+/// The result of removing a job from the journal.
 enum class Forgetting {
-  Forgotten,     ///< the journal knows nothing of it any more
-  Unknown,       ///< there was no such job
-  BeingPrinted,  ///< a process prints it; the journal is as it was
+  Forgotten,     ///< the job was removed
+  Unknown,       ///< there was no job of this name
+  BeingPrinted,  ///< a process is printing the job; it was not removed
 };
 
-/// The file in which jobs are recorded under their names, so that their outcomes outlive the
-/// process: a database of SQLite. Of a job's data it keeps the length and the SHA-256.
+/// A file that records named jobs, so that their outcomes outlive the process. It is an SQLite
+/// database. It does not contain the data of a job, only the length and the SHA-256 of the data.
 ///
-/// The changes of a function are on disk when it returns. Many processes may use one file at once.
-/// A `Journal` is for one thread at a time. Every failure throws `JournalError`, and the file is
-/// then as it was.
+/// When a function returns, its changes are on disk. Several processes may use one file at the same
+/// time. Only one thread at a time may use a `Journal` object. Every failure throws `JournalError`;
+/// the file is then unchanged.
 class QUOR_EXPORT Journal {
  public:
-  /// Opens `file`, and checks all of its content. A missing file is made, for this user alone to
-  /// read and write, and so are missing folders above it. A second file beside it has a name that
-  /// ends in `.locks`. Throws `JournalError` if the file cannot be written, is damaged, empty, no
-  /// journal or of a later version of this library, or lies on a network file system.
+  /// Opens `file` and checks all of its content. If the file is missing, it is created, with the
+  /// folders above it; only this user may read and write it. A second file, for locks, is created
+  /// beside it; its name ends in `.locks`. Throws `JournalError` if the file cannot be written, is
+  /// damaged, is empty, is not a journal, was written by a later version of this library, or is on
+  /// a network file system.
   explicit Journal(const std::filesystem::path& file);
 
   ~Journal();
   Journal(const Journal&) = delete;
   Journal& operator=(const Journal&) = delete;
 
-  /// `quorport/jobs.db` in `$XDG_STATE_HOME`, or in `~/.local/state` if that is not set. Throws
-  /// `JournalError` if `$HOME` is not set either.
+  /// Returns the path of `quorport/jobs.db` in `$XDG_STATE_HOME`, or in `~/.local/state` if this
+  /// variable is not set. Throws `JournalError` if `$HOME` is not set either.
   static std::filesystem::path defaultFile();
 
-  /// The file, by its one path through all links.
+  /// Returns the path of the file, with all symbolic links resolved.
   const std::filesystem::path& file() const { return file_; }
 
-  /// All jobs, by name.
+  /// Returns all jobs, ordered by name.
   std::vector<JobRecord> jobs();
 
-  /// Removes a job. A later call under its name prints it, even if it is on paper.
+  /// Removes a job. If a job is run under this name later, it is printed, even if it is on paper
+  /// already.
   Forgetting forget(const std::string& name);
 
-  /// Removes the jobs whose last attempt began more than `days` days ago by the present clock,
-  /// with any outcome, except those that are being printed. Returns how many.
+  /// Removes the jobs whose last attempt began more than `days` days ago, whatever their outcome
+  /// is, except those that are being printed. Returns how many jobs it removed.
   std::size_t forgetOlderThan(std::uint32_t days);
 
  private:

@@ -8,8 +8,8 @@
 
 namespace quordalvane {
 
-/// The journal could not be opened, read, written or locked. `what()` is a text for people that
-/// names the file and says why.
+/// Thrown if the journal cannot be opened, read, written or locked. The text of `what()` is for
+/// people; it names the file and the reason.
 class QUOR_EXPORT JournalError : public std::runtime_error {
  public:
   JournalError(const std::filesystem::path& file, const std::string& why)

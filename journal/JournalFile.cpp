@@ -51,7 +51,8 @@ class Descriptor {
   const int number_;
 };
 
-// A name that is not on disk is lost with the power, and all that was written under it.
+// If a file's name is not on disk when the power fails, the name is lost, with all data of the
+// file.
 void syncFolder(const std::filesystem::path& folder, const std::filesystem::path& file) {
   const Descriptor opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (opened.number() < 0 || ::fsync(opened.number()) != 0) {

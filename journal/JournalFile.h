@@ -11,29 +11,32 @@
 
 namespace quordalvane {
 
-/// The name of a file system, by the number that the kernel has for it, on which other machines
-/// write as well; null if it is not a known one. Locks and shared memory do not hold there.
+/// Returns the name of the network file system that has this number in the kernel; null if it is
+/// not a known network file system. Locks and shared memory do not work across the machines that
+/// use a network file system.
 std::optional<std::string_view> networkFileSystem(unsigned long type);
 
-/// The one true path of `file`, through all links. The folders above it are made if they are not
-/// there, for this user alone, and are on disk. Throws `JournalError` if that fails, or if they are
-/// on a network file system.
+/// Returns the path of `file` with all symbolic links resolved. Creates missing folders above it,
+/// which only this user may use, and writes them to disk. Throws `JournalError` if this fails, or
+/// if a folder is on a network file system.
 std::filesystem::path preparedPath(const std::filesystem::path& file);
 
-/// Makes an empty journal, for this user alone. It appears under its name when it is whole and on
-/// disk: a file that is empty, or a part of one, is a damaged journal and never a new one. Nobody
-/// else may be making it. Throws `JournalError`.
+/// Creates an empty journal that only this user may read and write. The file gets its name only
+/// when it is complete and on disk. So an empty or incomplete file is a damaged journal, never a
+/// new one. The caller must ensure that no other process creates it at the same time. Throws
+/// `JournalError` if it cannot be created.
 void makeJournal(const std::filesystem::path& file);
 
-/// The file whose bytes are the locks of a journal: one for its opening, and one for each name.
+/// The lock file of a journal. One of its bytes is the lock for opening the journal; others are the
+/// locks of the names.
 /// @{
 std::filesystem::path lockFileOf(const std::filesystem::path& journal);
 constexpr std::int64_t offsetOfOpening = 0;
 constexpr unsigned modeOfLocks = 0600;
 /// @}
 
-/// The answer of `action`, which is given that file; throws `JournalError` if it throws a
-/// `std::system_error`.
+/// Calls `action` with the lock file and returns its result. If `action` throws a
+/// `std::system_error`, throws a `JournalError` instead.
 template <typename Action>
 auto withLocksOf(const std::filesystem::path& journal, Action action) {
   try {

@@ -28,7 +28,8 @@ PrintResult unconfirmed(const Attempt& attempt, const std::string& reason) {
   result.obstacle = attempt.obstacle;
   result.proof = proofOf(attempt);
   result.bytesTotal = attempt.data.bytes;
-  // The number of bytes that an attempt without an end has sent is unknown: it may be all.
+  // It is unknown how many bytes an attempt without a recorded end has sent; it may have sent all
+  // of them.
   result.bytesAccepted = attempt.ended ? attempt.bytesAccepted : attempt.data.bytes;
   result.reason = reason;
   result.advice = adviceFor(result);
@@ -103,7 +104,8 @@ std::optional<NamedJobResult> NamedJob::answerOf(const std::vector<Attempt>& att
   return std::nullopt;
 }
 
-/// It may be on paper a moment from now: Refused would be untrue.
+/// Answers Unconfirmed rather than Refused, because the other process may have the job on paper a
+/// moment later.
 NamedJobResult NamedJob::beingPrinted(const std::vector<Attempt>& attempts) const {
   const auto millis = static_cast<std::uint32_t>(request_.timeout.count());
   return {.result = unconfirmed(*attempt_,
@@ -125,8 +127,8 @@ PrintJob::Options NamedJob::recorded(PrintJob::Options options) {
   return options;
 }
 
-/// Runs in the middle of a block. The job is cancelled, and not left by an exception, so that the
-/// printer is not left inside the block.
+/// Runs in the middle of a checked block. If recording fails, it cancels the job and throws
+/// nothing, because an exception would leave the printer inside the block.
 void NamedJob::recordBegin() {
   if (failure_) {
     return;

@@ -16,45 +16,49 @@
 
 namespace quordalvane {
 
-/// The name of a job, and the way to treat it.
+/// The name of a job, and how to run it.
 struct NamedJobRequest {
   std::string name;    ///< 1 to 255 bytes of UTF-8 without control characters
-  std::string device;  ///< the text of the device, for those who read the journal
+  std::string device;  ///< the device text; only recorded, for people who read the journal
 
-  /// True: print a job again of which nobody knows whether it is on paper. Somebody has looked.
+  /// If true, the job is printed again if nobody knows whether it is on paper. Set it after a
+  /// person has looked at the printer.
   bool again = false;
 
-  /// True: the name alone identifies the job, since its data may differ from call to call; a filter
-  /// that makes them writes the time into them, for example.
+  /// If true, only the name identifies the job, and its data may differ from call to call, for
+  /// example because the program that creates the data writes the time into it.
   bool isNameEnough = false;
 
-  /// How long to wait for another process that prints the job; zero: not at all.
+  /// How long to wait for another process that is printing the job. Zero means not to wait.
   std::chrono::milliseconds timeout = std::chrono::seconds(10);
 
-  /// Called once, on the thread of the constructor, if another process prints the job. May be
-  /// empty.
+  /// Called once, on the thread of the constructor, if it has to wait for another process that is
+  /// printing the job. May be empty.
   std::function<void()> onWait = {};
 };
 
-/// The result of a job under a name.
+/// The result of a named job.
 struct NamedJobResult {
-  PrintResult result;        ///< of the attempt that decides
-  std::int64_t attempt = 0;  ///< its number, 1 for the first; 0 if there was no attempt
-  bool isRepeated = false;   ///< true: it was printed by an earlier call, and this one sent nothing
+  PrintResult result;  ///< the result of the attempt that decides the job's state
+  std::int64_t attempt =
+      0;  ///< the number of that attempt, 1 for the first; 0 if there was no attempt
+  bool isRepeated = false;  ///< true if an earlier call printed the job; this one sent nothing
 
-  /// Of an answer without printing: when that attempt began, and when a person was told that nobody
-  /// knows, see `NamedJob::tell`. Milliseconds since 1970, UTC.
+  /// Only in an answer without printing: when that attempt began, and when a person was told that
+  /// the outcome is unknown (see `NamedJob::tell`). Both are in milliseconds since 1970, UTC.
   /// @{
   std::int64_t begun = 0;
   std::optional<std::int64_t> told = {};
   /// @}
 
-  /// Why the outcome could not be recorded, for a person; "" if it was. The outcome is true all the
-  /// same, and the next call under the name answers that nobody knows.
+  /// Tells a person why the outcome could not be recorded; "" if it was recorded. `result` is
+  /// correct in both cases, but the next call with this name will answer that the outcome is
+  /// unknown.
   std::string notRecorded = {};
 };
 
-/// A job under a name, which is on paper once, or a person is asked.
+/// A named job. It is printed only once; if its outcome is unknown, it is not printed again before
+/// a person was asked.
 ///
 ///     Journal journal(Journal::defaultFile());
 ///     NamedJob named(journal, {.name = "receipt 4711", .device = device}, data);
@@ -63,49 +67,53 @@ struct NamedJobResult {
 ///       const NamedJobResult result = named.run(job);
 ///     }
 ///
-/// "Begun" is on disk before the first byte of the job is sent, and the outcome is before it is
-/// returned. If a process ends in between, nobody knows whether its job is on paper; the job is not
-/// sent again unless `again` is set.
+/// The beginning is recorded on disk before the first byte of the job is sent, and the outcome
+/// before it is returned. If the process ends between the two, nobody knows whether the job is on
+/// paper; the job is not sent again unless `again` is set.
 ///
-/// As long as this lives, no other one has the same name in the same journal; the kernel gives the
-/// name back when the process ends in any way. It must not outlive its journal or its data.
+/// While a NamedJob exists, no other one can have the same name in the same journal, in any
+/// process. The kernel frees the name when the process ends in any way. The journal and the data
+/// must outlive this object.
 class QUOR_EXPORT NamedJob {
  public:
-  /// Claims the name, waiting as long as the request says. Throws `std::invalid_argument`, with a
-  /// text for people, if the name is invalid or is known with other data (length or SHA-256);
-  /// `JournalError` if the journal cannot be read or locked. Nothing is sent or recorded here.
+  /// Claims the name; waits for another process that has it up to the time-out in `request`. Throws
+  /// `std::invalid_argument`, with a message for people, if the name is invalid or the journal
+  /// knows it with other data (length or SHA-256). Throws `JournalError` if the journal cannot be
+  /// read or locked. Nothing is sent or recorded here.
   NamedJob(Journal& journal, NamedJobRequest request, std::span<const std::uint8_t> data);
 
   ~NamedJob();
   NamedJob(const NamedJob&) = delete;
   NamedJob& operator=(const NamedJob&) = delete;
 
-  /// The journal's answer without printing; empty if the job must be run:
+  /// Returns the answer that the journal gives without printing; null if the job must be run. It
+  /// depends on the facts that the journal has about the name:
   ///
-  /// | known of the name | answer |
-  /// |---|---|
-  /// | nothing, or refused | empty |
-  /// | printed | Printed, with `isRepeated` |
-  /// | unconfirmed, or begun by a process that has ended | Unconfirmed with the cause; with `again`
-  /// empty | | being printed by a process that has not ended in time | Unconfirmed, which says so |
+  /// - no such job, or the job was refused: null;
+  /// - the job was printed: Printed, with `isRepeated`;
+  /// - the outcome is unknown, or the process ended before it recorded one: Unconfirmed, with the
+  ///   reason; null if `again` is set;
+  /// - another process is still printing the job when the time-out has passed: Unconfirmed; the
+  ///   reason says so.
   const std::optional<NamedJobResult>& answer() const { return answer_; }
 
-  /// The options of a `PrintJob` that is handed to `run`: those given, with a progress function
-  /// that also records that the job has begun.
+  /// Returns `options` with a progress function that also records the beginning of the job. The
+  /// `PrintJob` that is passed to `run` must have these options.
   PrintJob::Options recorded(PrintJob::Options options = {});
 
-  /// Runs `job`, which was made with the options of `recorded`, and records its outcome. Called
-  /// once, if there is no answer. Throws `JournalError` if its beginning could not be recorded;
-  /// nothing of the job was sent then, and the port is closed. Exceptions of `PrintJob::run` pass
-  /// through.
+  /// Runs `job`, which must have the options that `recorded` returned, and records its outcome. May
+  /// be called once, if `answer` is null. Throws `JournalError` if the beginning of the job could
+  /// not be recorded; nothing of the job was sent then, and the port is closed. Exceptions of
+  /// `PrintJob::run` pass through.
   NamedJobResult run(PrintJob& job);
 
-  /// Records that a person is being told, now, that nobody knows whether the job is on paper. A
-  /// later call answers with that moment. No effect on an unknown name. Throws `JournalError`.
+  /// Records that a person is being told now that nobody knows whether the job is on paper. Later
+  /// answers contain this time as `told`. Has no effect if the journal does not know the name.
+  /// Throws `JournalError` if the journal cannot be written.
   void tell();
 
-  /// Records instead that nothing was sent, because of `result`: the printer could not be reached,
-  /// for example. Called once, if there is no answer.
+  /// Records `result` without running the job, for example because the printer could not be
+  /// reached. May be called once, instead of `run`.
   NamedJobResult refuse(const PrintResult& result);
 
  private:
@@ -120,9 +128,9 @@ class QUOR_EXPORT NamedJob {
   const std::span<const std::uint8_t> data_;
   std::optional<ByteLock> lock_;
   std::unique_ptr<Attempt> attempt_;
-  std::unique_ptr<Attempt> refused_;  // the attempt before, if no byte of it was sent
+  std::unique_ptr<Attempt> refused_;  // the previous attempt, if it sent no byte of the job
   std::optional<NamedJobResult> answer_;
-  PrintJob* job_ = nullptr;  // that runs
+  PrintJob* job_ = nullptr;  // the job that is running
   bool hasBegun_ = false;
   std::optional<JournalError> failure_;
 };

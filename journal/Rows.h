@@ -7,13 +7,13 @@
 
 namespace quordalvane {
 
-/// The rows of one name, in their order.
+/// Returns the rows of one name, ordered by the number of the attempt.
 std::vector<Attempt> rowsOf(Database& database, std::string_view name);
 
-/// All rows, by name and number.
+/// Returns all rows, ordered by name and number.
 std::vector<Attempt> allRows(Database& database);
 
-// These change the seal with the row. They run in a transaction.
+// These functions change a row and the seal together. The caller must have begun a transaction.
 
 void insertRow(Database& database, const Attempt& row);
 void replaceRow(Database& database, const Attempt& before, const Attempt& after);

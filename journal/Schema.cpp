@@ -8,11 +8,11 @@
 namespace quordalvane {
 namespace {
 
-// The mark that distinguishes a journal from other databases, in the file's head.
+// A number in the head of the file, which distinguishes a journal from other databases.
 constexpr std::int64_t applicationId = 0x71756f72;
 
-// Each step leads from the version of its place to the next. Steps are added and never changed: of
-// each earlier version somebody has a journal.
+// Step number n converts version n to version n + 1. Steps are added but never changed, because
+// journals of every earlier version exist.
 constexpr const char* steps[] = {
     R"(
     CREATE TABLE attempt (
@@ -32,18 +32,19 @@ constexpr const char* steps[] = {
     INSERT INTO seal VALUES (zeroblob(32));
     PRAGMA application_id = 0x71756f72;
     )",
-    // An answer from the journal names the proof and the obstacle of its attempt. The numbers of
-    // obstacles are those of the C interface; 5 is "no proof".
+    // Adds the proof and the obstacle of an attempt, which an answer from the journal contains. The
+    // numbers of the obstacles are those of the C interface; 5 is "no proof".
     R"(
     ALTER TABLE attempt ADD COLUMN proof TEXT NOT NULL DEFAULT '';
     ALTER TABLE attempt ADD COLUMN obstacle INTEGER NOT NULL DEFAULT 5;
     )",
-    // The moment at which a person was told that the outcome is unknown; a queue then prints only
-    // if the person wants it.
+    // Adds the time at which a person was told that the outcome is unknown; after that, a print
+    // queue prints the job only if the person wants it.
     "ALTER TABLE attempt ADD COLUMN told INTEGER;",
 };
 
-// A journal that is found to be damaged is left as it was.
+// If the journal turns out to be damaged, the transaction is not committed, so the file is
+// unchanged.
 void migrate(Database& database, std::int64_t version) {
   database.execute("PRAGMA synchronous = FULL");
   Transaction transaction(database);

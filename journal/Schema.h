@@ -4,16 +4,16 @@
 
 namespace quordalvane {
 
-/// The version of the tables that this program keeps.
+/// Returns the version of the tables that this library writes.
 std::int64_t schemaVersion();
 
-/// Makes the tables in a database that is empty and used by this process alone. When it returns,
-/// all of them are in that one file, on disk. Throws `JournalError`.
+/// Creates the tables in an empty database that no other process uses. When it returns, they are in
+/// this one file, on disk. Throws `JournalError` if this fails.
 void makeTables(Database& database);
 
-/// Converts the tables of an older version, with all their rows. Throws `JournalError` for a
-/// later version and for a database of something else, which are not changed. Nobody else may be
-/// opening the file.
+/// Converts the tables of an older version, with all their rows. Throws `JournalError`, and changes
+/// nothing, if the version is later or the database is not a journal. No other process may be
+/// opening the file at the same time.
 void bringUpToDate(Database& database);
 
 }  // namespace quordalvane

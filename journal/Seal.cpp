@@ -16,7 +16,7 @@ std::span<const std::uint8_t> bytesOf(std::string_view text) {
 }
 
 void add(Sha256& hash, std::string_view text) {
-  hash.add(bytesOf(std::to_string(text.size()) + ":"));  // the end of each text must count
+  hash.add(bytesOf(std::to_string(text.size()) + ":"));  // the length shows where each text ends
   hash.add(bytesOf(text));
 }
 
@@ -28,7 +28,7 @@ Sha256::Digest digestOf(const Attempt& row) {
         row.outcome, std::to_string(row.bytesAccepted), row.reason}) {
     add(hash, text);
   }
-  if (!row.proof.empty()) {  // a row of the first version is sealed as that version did it
+  if (!row.proof.empty()) {  // rows of the first version have no proof and keep their digest
     add(hash, row.proof);
     add(hash, std::to_string(static_cast<int>(row.obstacle)));
   }

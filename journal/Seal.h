@@ -7,14 +7,16 @@
 
 namespace quordalvane {
 
-// A disk that wrote half a page can hide a row without making the file look odd, and a job whose
-// row is hidden would be printed again. Therefore the journal keeps a digest of all its rows.
+// If a disk writes only half of a page, a row can vanish from a file that still looks sound, and
+// the job of that row would be printed again. Therefore the journal keeps a digest of all its rows,
+// the seal.
 
-/// Takes a row into the digest of all rows, or out of it; in a transaction.
+/// Adds a row to the digest of all rows, or removes it if it was added before. The caller must have
+/// begun a transaction.
 void changeSeal(Database& database, const Attempt& row);
 
-/// Throws `JournalError` unless the file is sound and holds exactly the rows that were written.
-/// Reads all of it.
+/// Reads the whole file. Throws `JournalError` unless the file is sound and contains exactly the
+/// rows that were written.
 void checkSeal(Database& database);
 
 }  // namespace quordalvane

@@ -8,7 +8,7 @@
 
 namespace quordalvane {
 
-/// The SHA-256 of bytes that are added in pieces.
+/// Computes the SHA-256 of bytes that are added in pieces.
 class Sha256 {
  public:
   using Digest = std::array<std::uint8_t, SHA256_DIGEST_SIZE>;
@@ -19,7 +19,7 @@ class Sha256 {
     sha256_update(&state_, bytes.size(), bytes.data());
   }
 
-  /// The digest of all that was added; the state is then as at creation.
+  /// Returns the digest of all added bytes, and resets the state to that of a new object.
   Digest digest() {
     Digest result = {};
     sha256_digest(&state_, result.size(), result.data());
