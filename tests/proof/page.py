@@ -36,10 +36,10 @@ def figures(page: str) -> dict[str, dict[str, str]]:
 def written(figures: dict[str, dict[str, str]]) -> str:
     lines = [
         "# The proof", "",
-        "Written by `./dev prove`. A row's figures are those of its last run, at the size that is named: `commit`,",
-        "`nightly` or `release`, each larger than the one before. A run that was stopped continues at the same point; *how",
-        "far* is the share of the size that is done. A row that was not run says so. The third column says which part",
-        "of a row `./dev test` runs at each commit, at the size `commit`; the rest is run by `./dev prove` alone.", "",
+        "`./dev prove` writes this page. Each row shows the figures of its last run, at the size that it names: `commit`,",
+        "`nightly` or `release`, each larger than the one before. The column *how far* is the share of this size that is",
+        "done; a run that was stopped continues there. A row that was not run says so. The third column says which part",
+        "of a row `./dev test` runs at each commit, at the size `commit`; only `./dev prove` runs the rest.", "",
         HEAD, "|" + "---|" * 10,
     ]
     defects = [cells(line) for line in table("defects.md")[2:]]
@@ -49,11 +49,11 @@ def written(figures: dict[str, dict[str, str]]) -> str:
         values = [row.title, row.shows, row.suite, *(figure[name] for name in FIGURES[:5]), str(found), figure["run at"]]
         lines.append("| " + " | ".join(values) + " |")
     lines += [
-        "", "Others used the machines as well. The commands, the output of each program and the tables of mutants, branches",
-        "and breaks are in `build/proof/details.md` after a run.", "",
-        "The defects that were found, each with the test that would find it again, are listed in",
-        "[tests/proof/defects.md](../tests/proof/defects.md); the branches that no test takes and the mutants that no test can",
-        "kill, each with the reason, in the two tables beside it.",
+        "", "Other programs used the machines as well. After a run, `build/proof/details.md` holds the commands, the output of",
+        "each program and the tables of mutants, branches and breaks.", "",
+        "[tests/proof/defects.md](../tests/proof/defects.md) lists the defects that were found, each with the test that would",
+        "find it again. Two tables beside it list the branches that no test takes and the mutants that no test can kill, each",
+        "with the reason.",
     ]
     return "\n".join(lines) + "\n"
 
