@@ -4,8 +4,9 @@
 #include <quordalvane/QuorIOPortC.h>
 
 /** @file
- * Jobs under a name, for programs that are not written in C++: a job is on paper once, or a person
- * is asked, even if the program is killed at any moment. These functions are in libQuorJournal.
+ * Named jobs, for programs that are not written in C++. A named job is printed only once; if its
+ * outcome is unknown, it is not printed again before a person was asked. This holds even if the
+ * program is killed at any moment. These functions are in libQuorJournal.
  *
  *     quor_print_job_create(port, 1, NULL, NULL, &job);
  *     quor_named_job_create(journal, &request, data, size, &named);
@@ -15,8 +16,9 @@
  *       quor_named_job_refuse(named, quor_last_error());
  *     }
  *
- * What QuorIOPortC.h says of errors, texts, handles and time-outs holds here as well. A journal and
- * its named jobs belong to one thread at a time; many processes may use one file at once.
+ * The rules of QuorIOPortC.h for errors, texts, handles and time-outs apply here as well. Only one
+ * thread at a time may use a journal and its named jobs. Several processes may use one file at the
+ * same time.
  */
 
 #ifdef __cplusplus
@@ -25,57 +27,60 @@ extern "C" {
 
 /* ---- Journal --------------------------------------------------------------------------------- */
 
-/** The file in which jobs are recorded under their names. */
+/** A file in which jobs are recorded under their names. */
 typedef struct QuorJournal QuorJournal;
 
-/** Opens a journal, and makes it, for this user alone, if it is not there. A null `file` is
- * quorport/jobs.db in $XDG_STATE_HOME, or in ~/.local/state without that. QUOR_NO_JOURNAL if the
- * file cannot be read and written, is damaged, no journal or of a later version of this library, or
- * lies on a network file system. */
+/** Opens a journal. If the file is missing, it is created; only this user may read and write it. If
+ * `file` is null, the file is quorport/jobs.db in $XDG_STATE_HOME, or in ~/.local/state if this
+ * variable is not set. Returns QUOR_NO_JOURNAL if the file cannot be read and written, is damaged,
+ * is not a journal, was written by a later version of this library, or is on a network file
+ * system. */
 QUOR_EXPORT QuorCode quor_journal_open(const char* file, QuorJournal** journal);
 
-/** Gives the handle back; named jobs keep the journal as long as they live. */
+/** Frees the handle. Named jobs that still exist keep the journal open. */
 QUOR_EXPORT void quor_journal_free(QuorJournal* journal);
 
-/** The path of the file, through all links. */
+/** Copies the path of the file, with all symbolic links resolved. */
 QUOR_EXPORT QuorCode quor_journal_file(QuorJournal* journal, char* text, size_t capacity,
                                        size_t* length);
 
-/** What a journal knows of a job. */
+/** The state of a job in a journal. */
 enum {
-  QUOR_JOB_REFUSED = 0,     /**< nothing of it went out in any attempt */
+  QUOR_JOB_REFUSED = 0,     /**< no attempt sent any byte of the job */
   QUOR_JOB_UNCONFIRMED = 1, /**< nobody knows whether it is on paper */
-  QUOR_JOB_PRINTING = 2,    /**< a process that lives prints it */
-  QUOR_JOB_PRINTED = 3      /**< the printer confirmed it */
+  QUOR_JOB_PRINTING = 2,    /**< a running process is printing it */
+  QUOR_JOB_PRINTED = 3      /**< the printer confirmed that it was printed */
 };
 
-/** One job of a journal. Its texts are the library's, and end with the call that shows them. */
+/** One job of a journal. The library owns its texts, which are valid only during the call that
+ * receives the record. */
 typedef struct QuorJobRecord {
-  const char* name;   /**< of the job */
-  const char* device; /**< the text of the device that it was for */
-  uint64_t bytes;     /**< the length of its data */
-  int64_t attempts;   /**< how many there were */
-  int64_t begun;      /**< milliseconds since 1970, UTC, by the clock of then */
-  int64_t ended;      /**< likewise; -1 if its end was not recorded */
+  const char* name;   /**< the name of the job */
+  const char* device; /**< the device text of the printer that it was meant for */
+  uint64_t bytes;     /**< the length of the job's data */
+  int64_t attempts;   /**< the number of attempts so far */
+  int64_t begun;      /**< when the latest attempt began, in milliseconds since 1970, UTC */
+  int64_t ended;      /**< when it ended, in the same unit; -1 if the end was not recorded */
   int32_t state;      /**< one of the states above */
-  const char* reason; /**< why it was not printed, for a person; "" when it was */
+  const char* reason; /**< tells a person why it was not printed; "" if it was printed */
 } QuorJobRecord;
 
-/** Is given one job, with the context of the call. */
+/** Receives one job. `context` is the pointer that was passed to quor_journal_jobs. */
 typedef void (*QuorJobFunction)(void* context, const QuorJobRecord* job);
 
-/** Shows each job to `function`, by name, before it returns. QUOR_NO_JOURNAL if the file cannot be
- * read. */
+/** Calls `function` for each job, ordered by name, and then returns. Returns QUOR_NO_JOURNAL if the
+ * file cannot be read. */
 QUOR_EXPORT QuorCode quor_journal_jobs(QuorJournal* journal, QuorJobFunction function,
                                        void* context);
 
-/** Takes a job out: a later call under its name prints it, even if it is on paper. QUOR_NONE if
- * there is none of this name, QUOR_FAILED while a process prints it, QUOR_NO_JOURNAL if the file
- * cannot be written. */
+/** Removes a job. If a job is run under this name later, it is printed, even if it is on paper
+ * already. Returns QUOR_NONE if there is no job of this name, QUOR_FAILED if a process is printing
+ * the job, and QUOR_NO_JOURNAL if the file cannot be written. */
 QUOR_EXPORT QuorCode quor_journal_forget(QuorJournal* journal, const char* name);
 
-/** Takes out the jobs whose last attempt began more than `days` days ago, except those that are
- * being printed. `*count`, which may be null, is how many. QUOR_NO_JOURNAL as above. */
+/** Removes the jobs whose last attempt began more than `days` days ago, except those that are being
+ * printed. Stores in `*count` how many jobs it removed; `count` may be null. Returns
+ * QUOR_NO_JOURNAL if the file cannot be written. */
 QUOR_EXPORT QuorCode quor_journal_forget_older_than(QuorJournal* journal, uint32_t days,
                                                     uint64_t* count);
 
@@ -84,76 +89,82 @@ QUOR_EXPORT QuorCode quor_journal_forget_older_than(QuorJournal* journal, uint32
 /** Called once, on the calling thread, if a call has to wait for another process. */
 typedef void (*QuorWaiting)(void* context);
 
-/** What a job is called, and how it is to be treated. */
+/** The name of a job, and how to run it. */
 typedef struct QuorNamedJobRequest {
   const char* name;   /**< 1 to 255 bytes of UTF-8 without control characters */
-  const char* device; /**< the text of the device, for those who read the journal */
+  const char* device; /**< the device text; only recorded, for people who read the journal */
 
-  /** Other than 0: print a job again of which nobody knows whether it is on paper. Somebody has
-   * looked. */
+  /** If not 0, the job is printed again if nobody knows whether it is on paper. Set it after a
+   * person has looked at the printer. */
   int32_t again;
 
-  /** How long to wait for another process that prints the job; 0: not at all. */
+  /** How long to wait for another process that is printing the job. 0 means not to wait. */
   uint32_t timeout;
 
   QuorWaiting waiting; /**< may be null */
-  void* context;       /**< for `waiting` */
+  void* context;       /**< passed to `waiting` */
 } QuorNamedJobRequest;
 
-/** A job that has a name. As long as it lives, no other one has the same name in the same journal;
- * the kernel gives the name back when the process ends, whatever ends it. */
+/** A named job. While it exists, no other one can have the same name in the same journal, in any
+ * process. The kernel frees the name when the process ends in any way. */
 typedef struct QuorNamedJob QuorNamedJob;
 
-/** Claims the name for `size` bytes of data, waiting as long as the request says. Nothing is sent
- * or recorded. QUOR_USAGE if the name is none, or is known with other data; QUOR_NO_JOURNAL if the
- * journal cannot be read or locked. */
+/** Claims the name for a job of `size` bytes; waits for another process that has it up to the
+ * time-out in the request. Nothing is sent or recorded. Returns QUOR_USAGE if the name is invalid
+ * or the journal knows it with other data, and QUOR_NO_JOURNAL if the journal cannot be read or
+ * locked. */
 QUOR_EXPORT QuorCode quor_named_job_create(QuorJournal* journal, const QuorNamedJobRequest* request,
                                            const void* data, size_t size, QuorNamedJob** job);
 
-/** Gives the name back. */
+/** Frees the handle and the name. */
 QUOR_EXPORT void quor_named_job_free(QuorNamedJob* job);
 
-/** 1 if the journal knows the outcome without printing: the job is printed, or nobody knows whether
- * it is on paper, or another process prints it still. 0 if it must be run. */
+/** Returns 1 if the journal gives an answer without printing: the job was printed, nobody knows
+ * whether it is on paper, or another process is still printing it. Returns 0 if the job must be
+ * run. */
 QUOR_EXPORT int32_t quor_named_job_is_answered(QuorNamedJob* job);
 
-/** Has `print_job` print the data, with "begun" on disk before the first byte is sent, and the
- * outcome before this returns. A job that is answered takes that answer instead, and nothing is
- * asked of its port. Either way the functions of `print_job` return its result. Called once,
- * with a print job that has not run; QUOR_USAGE otherwise. QUOR_NO_JOURNAL if the beginning could
- * not be recorded: nothing of the job was sent then, and the port is closed. Otherwise as
- * quor_print_job_run. */
+/** Runs `print_job` with the data. The beginning is recorded on disk before the first byte is sent,
+ * and the outcome before this function returns. If the journal gives an answer, that is the result,
+ * and the port is not used. In both cases the functions of `print_job` return the result. May be
+ * called once, with a print job that has not run; otherwise it returns QUOR_USAGE. Returns
+ * QUOR_NO_JOURNAL if the beginning could not be recorded; nothing of the job was sent then, and the
+ * port is closed. Other codes are those of quor_print_job_run. */
 QUOR_EXPORT QuorCode quor_named_job_run(QuorNamedJob* job, QuorPrintJob* print_job);
 
-/** Records instead that nothing was sent, for this reason: the printer cannot be reached, for
- * example. QUOR_USAGE for a job that is answered or was run. */
+/** Records that the job was not sent, and `reason`, for example that the printer cannot be reached.
+ * Call it instead of quor_named_job_run. Returns QUOR_USAGE if the journal gives an answer or the
+ * job was run. */
 QUOR_EXPORT QuorCode quor_named_job_refuse(QuorNamedJob* job, const char* reason);
 
-/** The number of the attempt that decides, 1 for the first; 0 before there is one. */
+/** Returns the number of the attempt that decides the outcome, 1 for the first; 0 if there was no
+ * attempt. */
 QUOR_EXPORT int64_t quor_named_job_attempt(QuorNamedJob* job);
 
-/** 1 if the job was printed by an earlier call, and this one sends nothing. */
+/** Returns 1 if an earlier call printed the job, so that this one sends nothing. */
 QUOR_EXPORT int32_t quor_named_job_is_repeated(QuorNamedJob* job);
 
-/** Why the outcome could not be recorded, for a person; QUOR_NONE if it was. The outcome is true
- * all the same, and the next call under the name answers that nobody knows. */
+/** Copies, as a text for a person, why the outcome could not be recorded; returns QUOR_NONE if it
+ * was recorded. The outcome is correct in both cases, but the next call with this name will answer
+ * that the outcome is unknown. */
 QUOR_EXPORT QuorCode quor_named_job_not_recorded(QuorNamedJob* job, char* text, size_t capacity,
                                                  size_t* length);
 
 /* ---- Turns ----------------------------------------------------------------------------------- */
 
-/** A printer that one job has for itself, among the jobs of this machine that ask for a turn. */
+/** A turn on a printer. Of all jobs on this machine that ask for a turn, only one at a time has
+ * it. */
 typedef struct QuorTurn QuorTurn;
 
-/** Takes the printer that the text of a device names, and waits for at most `timeout` while another
- * job has it. The turn ends when it is freed, or with the process. QUOR_NONE, and null in `*turn`,
- * for a printer that nobody else can have, such as "virtual:"; QUOR_FAILED if another job has it
- * still; QUOR_USAGE for a text that is no device; QUOR_UNEXPECTED if the file of the locks cannot
- * be used. `waiting` may be null. */
+/** Takes the turn on the printer with this device text. If another job has it, waits for at most
+ * `timeout`. The turn ends when it is freed or the process ends. Returns QUOR_NONE, with null in
+ * `*turn`, for a printer that no other process can use, such as "virtual:"; QUOR_FAILED if another
+ * job still has the turn; QUOR_USAGE if `device` is not a device text; QUOR_UNEXPECTED if the lock
+ * file cannot be used. `waiting` may be null. */
 QUOR_EXPORT QuorCode quor_turn_take(const char* device, uint32_t timeout, QuorWaiting waiting,
                                     void* context, QuorTurn** turn);
 
-/** Gives the printer to the next job. */
+/** Ends the turn, so that the next job can take it. */
 QUOR_EXPORT void quor_turn_free(QuorTurn* turn);
 
 #ifdef __cplusplus

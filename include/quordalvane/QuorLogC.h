@@ -12,79 +12,83 @@
 extern "C" {
 #endif
 
-/** Whether records are made at all; off at first. Records that were handed over before are still
- * delivered.
+/** Whether logging is on. It is off initially. When it is switched off, records that are already in
+ * the queue are still delivered.
  * @{ */
 QUOR_EXPORT int32_t quor_log_is_logging(void);
 QUOR_EXPORT void quor_log_set_logging(int32_t on);
 /** @} */
 
-/** Which levels, 0 to 63, are wanted: 0 alone at first, and exactly the `count` given afterwards.
- * With a `count` of 0 no level is wanted, and `levels` may be null. QUOR_USAGE, and nothing
- * changes, for another level.
+/** Which levels, from 0 to 63, are logged. Initially only level 0 is. The setter makes exactly the
+ * `count` given levels wanted; with a `count` of 0 no level is wanted, and `levels` may be null. If
+ * a level is outside 0 to 63, it returns QUOR_USAGE and changes nothing.
  * @{ */
 QUOR_EXPORT int32_t quor_log_is_target_level(int32_t level);
 QUOR_EXPORT QuorCode quor_log_set_target_levels(const int32_t* levels, size_t count);
 /** @} */
 
-/** One diagnostic record. Its texts are the library's, end with the call that shows them, and are
- * printable UTF-8. */
+/** One log record. The library owns its texts, which are printable UTF-8 and valid only during the
+ * call that receives the record. */
 typedef struct QuorLogRecord {
   int64_t time;   /**< nanoseconds since the epoch */
-  int32_t thread; /**< the system's id of the thread that logged */
+  int32_t thread; /**< the system's ID of the thread that logged */
 
-  /** 0 API start, 1 its end, 2 method start, 3 its end, 4 write, 5 read, 6 process, 7 error. */
+  /** The kind: 0 API start, 1 API end, 2 method start, 3 method end, 4 write, 5 read, 6 process, 7
+   * error. */
   int32_t type;
 
-  int32_t level;       /**< that it was logged with */
-  int64_t line;        /**< of the statement that logged, in `file` */
-  const char* file;    /**< the name of its source file */
-  const char* method;  /**< the function that it is in */
+  int32_t level;       /**< the level of the log statement */
+  int64_t line;        /**< the line of the log statement in `file` */
+  const char* file;    /**< the source file of the log statement */
+  const char* method;  /**< the method that contains the log statement */
   const char* object;  /**< the address of the object that logged */
-  const char* message; /**< the text */
+  const char* message; /**< the text of the record */
 } QuorLogRecord;
 
-/** Receives one record, with the context that the function was added with. */
+/** Receives one record. `context` is the pointer with which the function was added. */
 typedef void (*QuorLogFunction)(void* context, const QuorLogRecord* record);
 
-/** A destination of records, until it is removed. */
+/** A destination of log records. */
 typedef struct QuorLogSink QuorLogSink;
 
-/** Gives records to a function of the caller's, on the library's writer thread, never two at once.
- * It may take its time, since no thread that logs waits for it, and may itself log. `context` must
- * live until the sink was removed with QUOR_OK. */
+/** Passes every record to a function of the caller. The library's writer thread calls it, for one
+ * record at a time. It may take as long as it needs, because no thread that logs waits for it, and
+ * may itself log. `context` must exist until the sink was removed with QUOR_OK. */
 QUOR_EXPORT QuorCode quor_log_add_function(QuorLogFunction function, void* context,
                                            QuorLogSink** sink);
 
-/** Appends records to a file, one JSON object a line. A file that would grow beyond `maximum_bytes`
- * (0: no limit) makes room: FILE becomes FILE.1, and so on, `kept_files` of them. QUOR_UNEXPECTED
- * when it cannot be opened. */
+/** Appends every record to a file, as one line with a JSON object. Before the file would grow
+ * beyond `maximum_bytes` (0 means no limit), a new one is begun: FILE is renamed to FILE.1, FILE.1
+ * to FILE.2, and so on; `kept_files` old files are kept. Returns QUOR_UNEXPECTED if the file cannot
+ * be opened. */
 QUOR_EXPORT QuorCode quor_log_add_file(const char* path, uint64_t maximum_bytes,
                                        uint32_t kept_files, QuorLogSink** sink);
 
-/** Writes records to standard error, one readable line each. */
+/** Writes every record to standard error, as one readable line. */
 QUOR_EXPORT QuorCode quor_log_add_standard_error(QuorLogSink** sink);
 
-/** Removes the sink, after it has received the records logged before, and frees it, whatever the
- * code. QUOR_FAILED if it was still at work after 2 s, or is itself the caller: then it may be
- * called until quor_log_flush has returned QUOR_OK. */
+/** Removes the sink after it has received all records logged before, and frees the handle in any
+ * case. Returns QUOR_FAILED if the sink was still busy after 2 s, or is itself the caller; its
+ * function may then still be called, until quor_log_flush has returned QUOR_OK. */
 QUOR_EXPORT QuorCode quor_log_remove_sink(QuorLogSink* sink);
 
-/** Waits until the sinks have received every record so far; QUOR_FAILED if that takes longer than
- * `timeout`, and at once when a sink calls it and something is left. 0 asks without waiting. */
+/** Waits until the sinks have received every record so far. Returns QUOR_FAILED if this takes
+ * longer than `timeout`, or at once if a sink calls it while records are left. With a time-out of 0
+ * it does not wait. */
 QUOR_EXPORT QuorCode quor_log_flush(uint32_t timeout);
 
-/** How many records may wait for the sinks, 8192 at first; a record that finds no room is dropped
- * and counted. QUOR_USAGE for 0 and for more than 1048576. */
+/** Sets how many records may wait for the sinks, initially 8192. If the queue is full, a record is
+ * dropped and counted. Returns QUOR_USAGE if `records` is 0 or more than 1048576. */
 QUOR_EXPORT QuorCode quor_log_set_queue_capacity(size_t records);
 
-/** The counts of the logger since the process began. */
+/** What the logger has counted since the process began. */
 typedef struct QuorLogStatistics {
-  uint64_t handed_over; /**< records that were given to the logger */
-  uint64_t dropped;     /**< those of them that found no room or no memory */
+  uint64_t handed_over; /**< number of records passed to the logger */
+  uint64_t dropped; /**< number of those that were dropped because the queue was full or memory was
+                       short */
 } QuorLogStatistics;
 
-/** Stores the counts in `*statistics`; they are not reset. */
+/** Stores the current counts in `*statistics` and does not reset them. */
 QUOR_EXPORT QuorCode quor_log_statistics(QuorLogStatistics* statistics);
 
 #ifdef __cplusplus

@@ -5,7 +5,7 @@
 #include <quordalvane/QuorProof.h>
 
 /** @file
- * Questions to a printer, and print jobs; a part of QuorIOPortC.h.
+ * Inquiries of a printer, and print jobs; a part of QuorIOPortC.h.
  */
 
 #ifdef __cplusplus
@@ -14,44 +14,49 @@ extern "C" {
 
 /* ---- Questions with judged answers ----------------------------------------------------------- */
 
-/** Ask a printer over an open port, and judge the answers. The queries of the port itself, in
- * QuorPortC.h, may take the rest of one answer, or the bytes of another device, for the next
- * answer; these do not. Nothing is printed.
+/** Functions that query a printer over an open port and check its answers. The port's own queries,
+ * in QuorPortC.h, do not: they may take the rest of an earlier answer, or bytes of another kind of
+ * device, for the answer. Nothing is printed.
  *
- * QUOR_FAILED if there was no answer or the link did not take the question, QUOR_UNREADABLE if
- * something answered and not as a printer does, QUOR_PORT_EXCEPTION if the link is lost,
- * QUOR_USAGE if the emulation is unknown. Results are then untouched.
+ * They return QUOR_FAILED if there was no answer or the link did not take the query,
+ * QUOR_UNREADABLE if something answered but not as a printer does, QUOR_PORT_EXCEPTION if the link
+ * is lost, and QUOR_USAGE if the emulation is unknown. Results are then unchanged.
  *
- * Each ends within twice the time-out of the port and five seconds, even on a printer that never
- * stops sending; quor_printer_disconnect ends ten seconds later. Bytes that wait in the input are
- * thrown away. A question removes the observers of the port. For the thread that uses the port.
+ * Each of them ends within twice the port's time-out plus five seconds, even if the printer never
+ * stops sending; quor_printer_disconnect may take ten seconds more. Bytes that wait in the input
+ * are dropped. The observers of the port are removed. Only the thread that uses the port may call
+ * them.
  */
 
-/** The printer's status; `level` is only logged. */
+/** Asks for the printer's status; `level` is only logged. */
 QUOR_EXPORT QuorCode quor_printer_status(QuorPort* port, QuorPrinterStatus_2* status,
                                          uint32_t level);
 
-/** Stores 1 in `*online` if the printer is ready to print, and 0 if it is not. */
+/** Asks whether the printer is ready to print, and stores 1 in `*online` if it is, or 0
+ * otherwise. */
 QUOR_EXPORT QuorCode quor_printer_is_online(QuorPort* port, int32_t* online);
 
-/** Copies the firmware text, as it was received. QUOR_NOT_READY from a printer that is off line. */
+/** Asks for the firmware text and copies it as received. Returns QUOR_NOT_READY if the printer is
+ * off line. */
 QUOR_EXPORT QuorCode quor_printer_firmware(QuorPort* port, char* text, size_t capacity,
                                            size_t* length);
 
-/** Stores the two setting bytes of bank 1 and then those of bank 2. */
+/** Asks for the DIP switches and stores the two setting bytes of bank 1, followed by those of bank
+ * 2. */
 QUOR_EXPORT QuorCode quor_printer_dip_switches(QuorPort* port, uint8_t settings[4]);
 
-/** Stores the button-security time-out in milliseconds: 0 if it is off, otherwise the printer's
- * time and the time-out of the port. */
+/** Asks for the button-security time-out and stores it in milliseconds: 0 if button security is
+ * off, otherwise the printer's value plus the port's time-out. */
 QUOR_EXPORT QuorCode quor_printer_button_security_timeout(QuorPort* port, uint32_t* milliseconds);
 
-/** Stores the strongest proof of a job that the printer gives, one of the numbers of QuorProof.h,
- * none if it gives none. A printer that is off line may keep its answers in ESC/POS, and then seems
- * to give none. Its count of marks begins anew: do not ask while another program prints on it. */
+/** Asks which is the strongest proof of a job that the printer gives, and stores its number from
+ * QuorProof.h; QUOR_PROOF_NONE if it gives no proof. An off-line ESC/POS printer may hold back its
+ * answers and so appear to give no proof. The query resets the printer's count of marks, so do not
+ * send it while another program prints. */
 QUOR_EXPORT QuorCode quor_printer_proof(QuorPort* port, int32_t* proof);
 
-/** Makes the printer drop the data that it has not printed yet. There is no answer: returns after
- * the link has taken the command. */
+/** Makes the printer drop the data that it has not printed yet. Returns when the link has taken the
+ * command; the printer does not answer it. */
 QUOR_EXPORT QuorCode quor_printer_drop_all(QuorPort* port);
 
 /** Makes the printer's Bluetooth module drop the link; the port remains open. */
@@ -61,53 +66,54 @@ QUOR_EXPORT QuorCode quor_printer_disconnect(QuorPort* port);
 
 /** The outcome of a job. */
 enum {
-  QUOR_PRINTED = 0, /**< the printer confirmed that it has printed all of it */
-  QUOR_UNCONFIRMED =
-      1,           /**< bytes were sent, and nothing proves that they were printed or were not */
-  QUOR_REFUSED = 2 /**< no byte of the job was sent: sending it again is safe */
+  QUOR_PRINTED = 0,     /**< the printer confirmed that it has printed the whole job */
+  QUOR_UNCONFIRMED = 1, /**< bytes were sent, and nothing proves whether they were printed */
+  QUOR_REFUSED = 2      /**< no byte of the job was sent, so it is safe to send the job again */
 };
 
-/** Why a job was not printed, as far as a program must distinguish the cases. */
+/** Why a job was not confirmed as printed. A program may need to distinguish these cases. */
 enum {
-  QUOR_OBSTACLE_NONE = 0,              /**< printed, or not run to its end */
-  QUOR_OBSTACLE_PRINTER_NOT_READY = 1, /**< off line, or paper in its exit */
-  QUOR_OBSTACLE_LINK_LOST = 2,         /**< the link ended before the job did */
+  QUOR_OBSTACLE_NONE = 0,              /**< the job was printed, or did not run to its end */
+  QUOR_OBSTACLE_PRINTER_NOT_READY = 1, /**< the printer is off line, or paper is in its exit */
+  QUOR_OBSTACLE_LINK_LOST = 2,         /**< the link was lost before the job ended */
   QUOR_OBSTACLE_CANCELLED = 3,         /**< quor_print_job_cancel was called */
   QUOR_OBSTACLE_EXCHANGE_FAILED = 4,   /**< no answer, no space for too long, or a failed write */
-  QUOR_OBSTACLE_NO_PROOF = 5 /**< all bytes were sent; the sign that they were printed is missing */
+  QUOR_OBSTACLE_NO_PROOF =
+      5 /**< all data was sent, but its confirmation is missing or could belong to another job */
 };
 
-/** One print job over an open port. It is sent once and never again by itself. */
+/** One print job over an open port. It sends the data once and never repeats it by itself. */
 typedef struct QuorPrintJob QuorPrintJob;
 
-/** Called on the thread that runs the job: when its block begins, before its data is sent, after
- * each piece that was sent, when its block ends, and when the reason changes for which the printer
- * has paused, see quor_print_job_waits_for. */
+/** Called when the job begins, before its data is sent, each time that the link has taken some
+ * data, when the wait for the proof begins, and when the reason of the printer's pause changes (see
+ * quor_print_job_waits_for). It is called on the thread that runs the job. */
 typedef void (*QuorProgress)(void* context, uint64_t bytes_accepted, uint64_t bytes_total);
 
-/** Creates a job, which keeps the port for itself as long as it lives. `proof`, a number of
- * QuorProof.h, says how the printer is to confirm it; QUOR_USAGE for another number. `progress` may
- * be null; `context` must outlive the run. */
+/** Creates a job, which keeps the port alive. `proof` is a number from QuorProof.h and says how the
+ * printer is to confirm the job; for any other number the function returns QUOR_USAGE. `progress`
+ * may be null; `context` must exist until the job has run. */
 QUOR_EXPORT QuorCode quor_print_job_create(QuorPort* port, int32_t proof, QuorProgress progress,
                                            void* context, QuorPrintJob** job);
 
-/** Frees the handle and releases the port; not while the job runs. */
+/** Frees the handle and releases the port. Must not be called while the job runs. */
 QUOR_EXPORT void quor_print_job_free(QuorPrintJob* job);
 
-/** Prints `size` bytes and returns when their outcome is known, which the functions below return;
- * may be called once, QUOR_USAGE the second time. QUOR_OK says nothing about the outcome. Blocks up
- * to the time-outs of the port. The port remains open, except after a cancel. After a failure of
- * memory or of the system the outcome is unconfirmed and the count unknown. */
+/** Prints `size` bytes and returns when the outcome is known; the functions below return it.
+ * QUOR_OK says nothing about the outcome. May be called once; a second call returns QUOR_USAGE.
+ * Blocks up to the time-outs of the port. The port remains open, unless the job was cancelled. If
+ * memory is short or the system fails, the outcome is unconfirmed and the number of bytes sent is
+ * unknown. */
 QUOR_EXPORT QuorCode quor_print_job_run(QuorPrintJob* job, const void* data, size_t size);
 
-/** Abandons the job: within 0.3 s the printer gets the command to drop the data that it holds, if
- * the link takes that, and the port is closed. Any thread, also before the run; safe in a signal
- * handler. */
+/** Abandons the job. Within 0.3 s the job sends the printer a command to drop the data that it
+ * holds, if the link takes it, and closes the port. Any thread may call it, also before the run. It
+ * is safe in a signal handler. */
 QUOR_EXPORT void quor_print_job_cancel(QuorPrintJob* job);
 
-/** The outcome of the job, for the thread that ran it. Before the run it is refused, with no
- * obstacle. The result code is that of the block's beginning, or failed without a block; the total
- * is how many bytes the job has.
+/** Return the outcome, the obstacle, the result code of the beginning of the checked block (failed
+ * if there was no block), and the size of the job in bytes. Before the run the outcome is refused
+ * and the obstacle none. Only the thread that ran the job may call them.
  * @{ */
 QUOR_EXPORT int32_t quor_print_job_outcome(QuorPrintJob* job);
 QUOR_EXPORT int32_t quor_print_job_obstacle(QuorPrintJob* job);
@@ -115,22 +121,24 @@ QUOR_EXPORT int64_t quor_print_job_result_code(QuorPrintJob* job);
 QUOR_EXPORT uint64_t quor_print_job_bytes_total(QuorPrintJob* job);
 /** @} */
 
-/** The proof that was used: none for a printer that gives none, auto while it was not found. */
+/** Returns the proof that was used: QUOR_PROOF_NONE if the printer gives no proof, and
+ * QUOR_PROOF_AUTO if the job ended before one was chosen. */
 QUOR_EXPORT int32_t quor_print_job_proof(QuorPrintJob* job);
 
-/** Why a printer that keeps the job has paused, "cover open" for example; "" while it has not. For
- * the progress function, on its thread. */
+/** Copies why the printer has paused in a job that it will continue, for example "cover open"; ""
+ * while it prints. Only the progress function may call it, on its thread. */
 QUOR_EXPORT QuorCode quor_print_job_waits_for(QuorPrintJob* job, char* text, size_t capacity,
                                               size_t* length);
 
-/** The exact number of bytes of the job that the link took. */
+/** Returns the exact number of bytes of the job that the link took. */
 QUOR_EXPORT uint64_t quor_print_job_bytes_accepted(QuorPrintJob* job);
 
-/** The last status that was obtained; QUOR_NONE if none was. Once data of the job has been sent,
- * only a status from after the data counts. */
+/** Stores the last status of the printer; returns QUOR_NONE if there was none. Once data of the job
+ * was sent, a status from before the data is dropped. */
 QUOR_EXPORT QuorCode quor_print_job_status(QuorPrintJob* job, QuorPrinterStatus_2* status);
 
-/** Why the job was not printed, and the next step to take, for a person; "" when it was printed.
+/** Copy a text for a person: why the job was not printed, and what to do next. Both are "" if the
+ * job was printed.
  * @{ */
 QUOR_EXPORT QuorCode quor_print_job_reason(QuorPrintJob* job, char* text, size_t capacity,
                                            size_t* length);
