@@ -11,7 +11,7 @@
 namespace quordalvane::c {
 namespace {
 
-// A text that needs no memory, so that even a lack of memory can be reported.
+// The text is in a fixed array, so that even a lack of memory can be reported.
 thread_local std::array<char, 512> lastError{};
 
 QuorCode keep(QuorCode code, const char* text) noexcept {

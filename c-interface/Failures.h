@@ -5,12 +5,13 @@
 #include <stdexcept>
 #include <string>
 
-// Turns the exceptions of C++ into a code and a text. The library of the journal uses it as well,
-// so that quor_last_error explains the latest call of either.
+// Turns C++ exceptions into codes and texts. The library of the journal uses the same functions, so
+// quor_last_error explains the latest failed call of both libraries.
 
 namespace quordalvane::c {
 
-/// Ends a function of the interface with a code below 0 and the text for quor_last_error.
+/// An exception that ends a function of the C interface with a code below 0. Its message becomes
+/// the text of quor_last_error.
 class QUOR_EXPORT CallFailure : public std::runtime_error {
  public:
   CallFailure(QuorCode code, const std::string& text) : std::runtime_error(text), code_(code) {}
@@ -20,11 +21,12 @@ class QUOR_EXPORT CallFailure : public std::runtime_error {
   QuorCode code_;
 };
 
-/// Keeps the text of the exception that is being handled for quor_last_error and returns its code.
+/// Returns the code of the exception that is being handled, and stores its text for
+/// quor_last_error.
 QUOR_EXPORT QuorCode codeOfCurrentException() noexcept;
 
-/// Runs the body of a function of the interface, which returns if it has done its work and throws
-/// otherwise.
+/// Runs the body of a function of the C interface and returns its code. The body returns on success
+/// and throws on failure.
 template <typename Body>
 QuorCode guarded(Body body) noexcept {
   try {
@@ -39,7 +41,7 @@ QuorCode guarded(Body body) noexcept {
   }
 }
 
-/// The same for a function that returns a plain value, 0 on failure.
+/// Does the same for a function that returns a value instead of a code; the value is 0 on failure.
 template <typename Body>
 auto answered(Body body) noexcept -> decltype(body()) {
   try {
@@ -50,14 +52,14 @@ auto answered(Body body) noexcept -> decltype(body()) {
   }
 }
 
-/// Throws QUOR_FAILED with `text` unless `done`.
+/// Throws QUOR_FAILED with `text` unless `done` is true.
 inline void succeed(bool done, const char* text) {
   if (!done) {
     throw CallFailure(QUOR_FAILED, text);
   }
 }
 
-/// The object of a pointer; throws QUOR_USAGE if it is null.
+/// Returns the object that the pointer points to. Throws QUOR_USAGE if the pointer is null.
 template <typename Pointer>
 auto& given(Pointer* pointer, const char* name) {
   if (pointer == nullptr) {

@@ -14,8 +14,8 @@
 
 namespace quordalvane::c {
 
-/// Lets functions of the caller's see the bytes of a port. They cannot throw: if one returns other
-/// than 0, this class stops the operation.
+/// Passes the bytes of a port to functions of the caller. These cannot throw; if one of them does
+/// not return 0, this class throws, which stops the operation.
 class FunctionObserver : public TransferObserver {
  public:
   FunctionObserver(QuorBytesWritten written, QuorBytesRead read, void* context)
@@ -64,8 +64,8 @@ struct QuorPrintJob {
                                 }
                               }}) {}
 
-  /// Before it runs. Raises QUOR_USAGE the second time. The number of bytes that an aborted run has
-  /// sent is unknown.
+  /// Called before the job runs. Throws QUOR_USAGE if it was called before. Sets the result for a
+  /// run that ends by an exception: how many bytes it has sent is unknown then.
   void begin(std::size_t size) {
     if (hasRun.exchange(true)) {
       throw quordalvane::c::CallFailure(QUOR_USAGE, "a job runs once");
@@ -75,8 +75,8 @@ struct QuorPrintJob {
     result.bytesTotal = size;
   }
 
-  std::string waitsFor;  // while it runs
-  Progress progress;     // empty if nobody wants it; a name adds to it before the run
+  std::string waitsFor;  // set while the job runs
+  Progress progress;     // may be empty; a named job extends it before the run
   quordalvane::PrintJob job;
   quordalvane::PrintResult result;
   std::atomic<bool> hasRun = false;

@@ -1,4 +1,4 @@
-// The port: creation, connection, bytes, status, the checked block.
+// The functions of a port for creation, connection, bytes, status and the checked block.
 
 #include <utility>
 
@@ -29,8 +29,9 @@ ZKEmulation emulationOf(int32_t number) {
   return static_cast<ZKEmulation>(number);
 }
 
-// An open that failed has still chosen its accessory if one matched, and the port then has its
-// texts. Two accessories may have the same identifier.
+// Returns whether the port has chosen this accessory. It compares the texts that the port took from
+// its accessory, also after an open that failed. The identifier alone does not suffice, because two
+// accessories may have the same.
 bool hasChosen(const ExternalAccessoryPort& port, EAAccessory& accessory) {
   return accessory.connectionID() == port.connectionID() && accessory.name() == port.name() &&
          accessory.serialNumber() == port.serialNumber();

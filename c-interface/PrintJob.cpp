@@ -20,7 +20,7 @@ static_assert(sameNumber(QUOR_OBSTACLE_CANCELLED, PrintObstacle::Cancelled));
 static_assert(sameNumber(QUOR_OBSTACLE_EXCHANGE_FAILED, PrintObstacle::ExchangeFailed));
 static_assert(sameNumber(QUOR_OBSTACLE_NO_PROOF, PrintObstacle::NoProof));
 
-/// Auto leaves the choice to the device, if its text names a proof.
+/// Returns the proof with this number; null for Auto, so that the device text may choose the proof.
 std::optional<ProofKind> proofOf(std::int32_t number) {
   const auto proof = proofNumbered(number);
   if (!proof) {

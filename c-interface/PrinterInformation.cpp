@@ -1,4 +1,4 @@
-// Facts about the printer, and its Bluetooth module.
+// The functions of a port for facts about the printer, and for its Bluetooth module.
 
 #include <algorithm>
 

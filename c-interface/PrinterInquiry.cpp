@@ -1,4 +1,4 @@
-// Questions to a printer, with judged answers.
+// The functions that query a printer and check its answers.
 
 #include "job/PrinterInquiry.h"
 

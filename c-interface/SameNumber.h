@@ -2,7 +2,7 @@
 
 namespace quordalvane::c {
 
-/// Whether a constant of the C interface has the number of its C++ counterpart.
+/// Returns whether a constant of the C interface has the same number as its C++ counterpart.
 template <typename Constant, typename Enumerator>
 constexpr bool sameNumber(Constant constant, Enumerator enumerator) {
   return static_cast<int>(constant) == static_cast<int>(enumerator);
