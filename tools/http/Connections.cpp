@@ -30,7 +30,7 @@ void Connections::enter(Connection& connection, Connection::Phase phase, Time no
   connection.since = now;
 }
 
-// The library notices the end of the connection and closes it.
+// The library notices that the connection has ended, and closes it.
 void Connections::cutOff(Connection& connection) {
   ::shutdown(connection.descriptor, SHUT_RDWR);
   connection.isCutOff = true;

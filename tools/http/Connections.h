@@ -9,24 +9,25 @@ namespace quordalvane::http {
 struct Connection {
   enum class Phase { Asking, Answered, Reading };
   int descriptor;
-  std::chrono::nanoseconds since;  // of its phase
+  std::chrono::nanoseconds since;  // the beginning of its phase
   Phase phase = Phase::Asking;
   bool isCutOff = false;
 };
 
-/// The connections there are, so that none can be held for ever and a new one finds room.
+/// The open connections. Limits their number and duration, so that no client can block the server.
 class Connections {
  public:
   using Time = std::chrono::nanoseconds;
 
-  /// Notes a new connection; the longest-lived one gives way if there are too many.
+  /// Adds a new connection. If there are too many, it cuts off the one that has been in its phase
+  /// longest.
   Connection& add(int descriptor, Time now);
   void remove(const Connection& connection);
 
-  /// Notes that it is doing something else from now on.
+  /// Notes that the connection begins another phase now.
   static void enter(Connection& connection, Connection::Phase phase, Time now);
 
-  /// Cuts off one, or those that have taken too long.
+  /// Cuts off one connection, or all that have taken too long.
   static void cutOff(Connection& connection);
   void cutOffTheSlow(Time now);
 

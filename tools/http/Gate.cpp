@@ -17,7 +17,8 @@ namespace {
 
 constexpr std::uint16_t usualPort = 80;
 
-// The time does not show how much of it was right.
+// Takes the same time whatever the count of equal characters, so that nobody can guess the token
+// piece by piece.
 bool isSame(std::string_view one, std::string_view other) {
   if (one.size() != other.size()) {
     return false;
@@ -35,7 +36,7 @@ bool isAddressOf(int family, std::string_view text) {
 }
 
 struct HostHeader {
-  std::string_view name;  // of an IPv6 address without its brackets
+  std::string_view name;  //  an IPv6 address has no brackets here
   bool isAddress = false;
   std::uint16_t port = usualPort;
 };
@@ -97,8 +98,8 @@ std::optional<Refusal> Gate::refuses(const Visit& visit) const {
   return std::nullopt;
 }
 
-// A server that listens everywhere cannot list its addresses; an address in figures is nobody's
-// name, so that it cannot have been pointed here by somebody else.
+// Any IP address is accepted, because a server that listens on all interfaces cannot list its own.
+// This is safe: nobody can redirect an IP address to this machine, as they can a name.
 bool Gate::isOurHost(std::string_view text) const {
   const auto host = parsed(text);
   if (!host || host->port != endpoint_.port) {

@@ -7,16 +7,16 @@
 
 namespace quordalvane::http {
 
-/// The place at which a server listens, in figures.
+/// The address and port at which a server listens.
 struct Endpoint {
-  std::string host;  ///< like 127.0.0.1 or ::1, without brackets
+  std::string host;  ///< an IP address like 127.0.0.1 or ::1, without brackets
   std::uint16_t port = 0;
 
-  /// As an address shows it: HOST:PORT, an IPv6 host in brackets.
+  /// HOST:PORT, as in a URL: an IPv6 address is in brackets.
   std::string text() const;
 };
 
-/// The part of a request by which it is let in or turned away. A header that is missing is empty.
+/// The parts of a request that decide whether it is let in. A missing header is empty.
 struct Visit {
   std::string_view method;
   std::string_view path;
@@ -25,26 +25,30 @@ struct Visit {
   std::string_view contentType;
 };
 
-/// The status and the reason with which a request is turned away.
+/// The HTTP status and the reason of a refused request.
 struct Refusal {
   unsigned status;
   std::string why;
 };
 
-/// Lets in the requests of those who know the secret of the address, and of no other page.
+/// Lets in only requests that contain the secret token, and only from this server's own pages.
 ///
-/// A browser runs pages of anybody, and each may send requests to this machine. A page of another
-/// origin is known by its header `Origin`; one whose name was pointed at this machine, by a `Host`
-/// that is a name and no address; all the others do not know the token.
+/// A browser runs anybody's pages, and each may send requests to this machine. The gate refuses
+/// three kinds of them:
+///
+/// - A page of another origin: the header `Origin` shows it.
+/// - A page whose host name was redirected to this machine: its `Host` is a name, not an IP
+///   address.
+/// - Any other page: it does not know the token.
 class Gate {
  public:
-  /// `token` is the first folder of each address.
+  /// `token` is the first folder of each path.
   Gate(Endpoint endpoint, std::string token);
 
-  /// Why the request is turned away; empty if it is let in.
+  /// Returns why the request is refused; empty if it is let in.
   std::optional<Refusal> refuses(const Visit& visit) const;
 
-  /// The path of a request that was let in, below the token, without its first slash.
+  /// The rest of a path that was let in: without the token and the slashes around it.
   std::string_view below(std::string_view path) const;
 
  private:
@@ -55,8 +59,8 @@ class Gate {
   const std::string prefix_;  // a slash, the token, a slash
 };
 
-/// A token that nobody can guess: 32 letters and digits, 128 bits of chance. Throws
-/// std::system_error if the system has none.
+/// Returns a token that nobody can guess: 32 hex digits, 128 random bits. Throws std::system_error
+/// if the system gives no random numbers.
 std::string randomToken();
 
 }  // namespace quordalvane::http

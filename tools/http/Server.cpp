@@ -21,10 +21,10 @@ using namespace std::chrono_literals;
 constexpr std::size_t eventBytes = std::size_t{4} << 20U;
 constexpr std::size_t pieceSize = std::size_t{8} << 10U;
 
-// Room for the connections that are being cut off; beyond it the system lets clients wait.
+// Leaves room for connections that are being cut off. The system queues any clients beyond it.
 constexpr unsigned mostOpen = 2 * Server::mostConnections;
 
-// How often slow clients are looked for, and how often a reader gets a sign of life.
+// How often the server looks for slow clients, and how often it sends each reader a sign of life.
 constexpr Server::Time reviewPause = 1s;
 constexpr Server::Time heartbeat = 10s;
 
@@ -83,7 +83,7 @@ ssize_t readText(void* body, std::uint64_t position, char* out, std::size_t room
   return static_cast<ssize_t>(count);
 }
 
-// The text is shared and not copied, however many take it and however slowly.
+// All readers share the text: it is not copied, however many there are and however slow they are.
 Response responseOf(const Text& text) {
   return Response(
       MHD_create_response_from_callback(text->size(), pieceSize, readText, new Text(text),
@@ -96,14 +96,14 @@ Answer answerWith(std::string text, std::string type) {
   return {.type = std::move(type), .body = std::make_shared<const std::string>(std::move(text))};
 }
 
-// The reasons are the server's own texts and hold nothing that JSON would have to escape.
+// The reasons are this server's own texts and contain nothing that JSON must escape.
 Answer refusal(unsigned status, const std::string& why) {
   Answer answer = answerWith(R"({"ok":false,"error":")" + why + "\"}");
   answer.status = status;
   return answer;
 }
 
-/// The library's side: its callbacks, and the connections that it has.
+/// The part that talks to the web library: its callbacks and its connections.
 class Server::Machine {
  public:
   Machine(int listening, Endpoint endpoint, Handler handler)
@@ -127,7 +127,7 @@ class Server::Machine {
     }
   }
 
-  // The library demands that no connection is suspended when it ends.
+  // The library requires that no connection is suspended when it ends.
   ~Machine() {
     ends_ = true;
     wakeReaders();
@@ -204,7 +204,8 @@ class Server::Machine {
     }
   }
 
-  // Called once with the head of a request, then for each piece of its body, and once at its end.
+  // The library calls this once with the head of a request, then for each piece of its body, and
+  // once at its end.
   static MHD_Result onRequest(void* machine, MHD_Connection* connection, const char* path,
                               const char* method, const char* /*version*/, const char* data,
                               std::size_t* size, void** context) {
@@ -251,7 +252,7 @@ class Server::Machine {
     MHD_get_connection_values(connection, MHD_GET_ARGUMENT_KIND, keepArgument, &request.query);
     try {
       return handler_(request);
-    } catch (const std::exception&) {  // no exception may pass the library
+    } catch (const std::exception&) {  // an exception must not reach the library
       return refusal(500, "the server could not answer");
     }
   }
@@ -308,7 +309,7 @@ class Server::Machine {
     }
   }
 
-  // One that takes nothing is not asked again by the library.
+  // The library no longer asks for a reader's next bytes once that reader stops taking them.
   void cutOffLostReaders() {
     for (const Reader& reader : readers_) {
       if (reader.events.isLost()) {
@@ -317,7 +318,7 @@ class Server::Machine {
     }
   }
 
-  // A client that has left is noticed by writing to it.
+  // Only a write shows that a client has left.
   void keepReadersAlive() {
     if (now_ - beatenAt_ < heartbeat) {
       return;

@@ -16,22 +16,23 @@
 
 namespace quordalvane::http {
 
-/// What a browser asks for.
+/// A request of a browser.
 struct Request {
   std::string method;  ///< GET or POST; a HEAD is asked as a GET
-  std::string path;    ///< below the token, without its first slash
+  std::string path;    ///< after the token, without the first slash
   std::map<std::string, std::string> query;
   std::string body;
-  std::optional<std::uint64_t> lastEvent;  ///< the latest event that it has read, if it says so
+  std::optional<std::uint64_t> lastEvent;  ///< the latest event it has read; empty if unknown
 };
 
-/// What it is answered: a text, or the events from then on.
+/// The answer to a request: a text, or a stream of events.
 struct Answer {
   unsigned status = 200;
   std::string type = "application/json";
   Text body;
 
-  /// The reader is sent the events after this one, with these texts first; the body is not used.
+  /// The browser is sent the texts of `first`, then each event after number `after`. `body` is not
+  /// used.
   struct Events {
     std::deque<Text> first;
     std::uint64_t after = 0;
@@ -39,32 +40,33 @@ struct Answer {
   std::optional<Events> events{};
 };
 
-/// An answer with a text of that type.
+/// An answer with a text of this content type.
 Answer answerWith(std::string text, std::string type = "application/json");
 
-/// An answer that the request is of no use: {"ok": false, "error": why}.
+/// An answer that refuses the request: {"ok": false, "error": why}. `why` must need no escapes in
+/// JSON.
 Answer refusal(unsigned status, const std::string& why);
 
-/// Answers browsers from the loop of its owner: never waits for a client, starts no thread. All
-/// calls are from that thread.
+/// A web server that works in the loop of its owner: it never waits for a client and starts no
+/// thread. All calls are made on the owner's thread.
 ///
-/// A client takes part in the limits below and can exhaust nothing else: a request that takes too
-/// long is cut off, the connection that has been there longest gives way to a new one, and a reader
-/// of events that is too slow is disconnected.
+/// The limits below keep one client from blocking others. A request that takes too long is cut off.
+/// If there are too many connections, the longest-waiting one is closed for a new one. A reader of
+/// events that is too slow is disconnected.
 class Server {
  public:
-  using Time = std::chrono::nanoseconds;  ///< of the owner's steady clock
+  using Time = std::chrono::nanoseconds;  ///< read from the owner's steady clock
   using Handler = std::function<Answer(const Request&)>;
 
   static constexpr std::size_t longestBody = std::size_t{64} << 10U;  ///< bytes
-  static constexpr std::size_t longestHead = std::size_t{16} << 10U;  ///< about, bytes
+  static constexpr std::size_t longestHead = std::size_t{16} << 10U;  ///< bytes, approximately
   static constexpr std::size_t mostConnections = 128;
   static constexpr std::size_t mostReaders = 64;
   static constexpr std::chrono::seconds longestWait{20};     ///< for a whole request
-  static constexpr std::chrono::seconds longestAnswer{120};  ///< for a client to take it
+  static constexpr std::chrono::seconds longestAnswer{120};  ///< for a client to read an answer
 
-  /// Serves on a socket that listens already and remains the caller's; `endpoint` is its place.
-  /// Throws std::system_error or std::runtime_error if the system refuses.
+  /// `listening` is a socket that already listens at `endpoint`; it remains the caller's. Throws
+  /// std::system_error or std::runtime_error if the system refuses.
   Server(int listening, Endpoint endpoint, Handler handler);
   ~Server();
   Server(const Server&) = delete;
@@ -73,22 +75,22 @@ class Server {
   /// http://HOST:PORT/TOKEN/
   std::string address() const;
 
-  /// The events that readers are sent.
+  /// The events that every reader is sent.
   const EventLog& events() const;
 
-  /// Sends an event to every reader, with the next `work`.
+  /// Sends an event to every reader, at the next call of `work`.
   void publish(std::string_view name, std::string_view data);
 
-  /// How many readers there are.
+  /// The number of connected readers of events.
   std::size_t readers() const;
 
-  /// Adds what it waits for.
+  /// Adds the descriptors that the server waits for.
   void await(std::vector<pollfd>& awaited) const;
 
-  /// When it must work without anything that was waited for; empty if never.
+  /// When `work` must be called even if no descriptor is ready; empty if never.
   std::optional<Time> nextEvent(Time now) const;
 
-  /// Does all that can be done now.
+  /// Does all that can be done now. Never blocks.
   void work(Time now);
 
  private:

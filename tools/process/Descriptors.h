@@ -2,14 +2,15 @@
 
 namespace quordalvane::tool {
 
-/// Fills each descriptor from 0 to `last` that the parent process left closed. Without this the
-/// next file that is opened, a printer for example, would take the place of a standard stream. Each
-/// is opened the wrong way round, so that using it fails as it would if it were closed.
+/// Opens /dev/null on each descriptor from 0 to `last` that the parent process left closed.
+/// Otherwise the next file that is opened, for example a printer, would get the number of a
+/// standard stream. Standard input is opened for writing and the others for reading, so that their
+/// use still fails, as it does on a closed stream.
 void occupyDescriptors(int last);
 
-/// A descriptor by which one thread wakes another that polls: readable from `eventfd_write` until
-/// `eventfd_read`; neither blocks. The caller closes it. Throws std::system_error if the system has
-/// none left.
+/// Returns a new event descriptor, by which one thread wakes another that polls. `eventfd_write`
+/// makes it readable and `eventfd_read` ends that; neither blocks. The caller closes it. Throws
+/// std::system_error if the system has no descriptor left.
 int openEvent();
 
 }  // namespace quordalvane::tool

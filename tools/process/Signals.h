@@ -9,10 +9,11 @@
 
 namespace quordalvane::tool {
 
-/// SIGINT, SIGTERM and SIGHUP as something to wait for: while this lives, the calling thread and
-/// those that it starts are not disturbed by them. The first two arrive even if the parent
-/// process ignored them, as shells do for commands in the background. SIGHUP does not: a parent
-/// that ignores it, as nohup does, wants the command to outlive its terminal.
+/// Turns SIGINT, SIGTERM and SIGHUP into events that a program can wait for. While this object
+/// lives, they do not interrupt the calling thread or the threads that it starts. SIGINT and
+/// SIGTERM arrive even if the parent process ignored them, as shells do for commands in the
+/// background. An ignored SIGHUP remains ignored: a parent that ignores it, like nohup, wants the
+/// command to outlive its terminal.
 class StopSignals {
  public:
   /// Throws std::system_error if the system has no descriptor left.
@@ -21,10 +22,10 @@ class StopSignals {
   StopSignals(const StopSignals&) = delete;
   StopSignals& operator=(const StopSignals&) = delete;
 
-  /// Becomes readable when a signal arrives. Never blocks.
+  /// The descriptor that is readable while a signal waits for `take`. The object keeps it.
   int descriptor() const { return descriptor_; }
 
-  /// Takes the next signal; null if none has arrived.
+  /// Returns the next signal; empty if none has arrived. Never blocks.
   std::optional<int> take();
 
  private:
@@ -32,13 +33,13 @@ class StopSignals {
   int descriptor_;
 };
 
-/// Calls a function on a thread of its own for every signal, with its number.
+/// Calls a function for every stop signal, with its number, on a thread of its own.
 class SignalWatch {
  public:
   /// Throws std::system_error if the system has no descriptor or thread left.
   explicit SignalWatch(std::function<void(int)> onSignal);
 
-  /// Waits for the function if it is running.
+  /// Ends the thread; waits for the function if it is running.
   ~SignalWatch();
   SignalWatch(const SignalWatch&) = delete;
   SignalWatch& operator=(const SignalWatch&) = delete;
@@ -48,7 +49,7 @@ class SignalWatch {
 
   StopSignals signals_;
   const std::function<void(int)> onSignal_;
-  int end_;  // becomes readable when the watch has ended
+  int end_;  // readable once the watch is to end
   std::thread thread_;
 };
 

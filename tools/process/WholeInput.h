@@ -6,7 +6,7 @@
 
 namespace quordalvane::tool {
 
-/// Far above any receipt; small enough for the machine if an input has no end.
+/// In bytes: far above any receipt, but small enough for the machine if an input has no end.
 constexpr std::size_t largestJob = std::size_t{256} << 20U;
 
 /// Reads `descriptor` to its end. Throws `std::system_error` if it cannot be read, and
