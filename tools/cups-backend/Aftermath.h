@@ -8,8 +8,9 @@
 
 namespace quordalvane::cups {
 
-/// Decides about a job whose worker ended without a decision; the journal shows how far it was. The
-/// job is held for a person, unless all of it is on paper or it is no longer wanted.
+/// Decides about a job whose worker ended without a decision; the journal shows which blocks are on
+/// paper. Holds the job for a person, unless all of it is on paper or the scheduler has canceled
+/// it.
 ExitCode judgeBrokenOff(const BackEndJob& job, const DeviceUri& uri, const BrokenOff& end,
                         StatusLines& lines);
 

@@ -25,7 +25,7 @@ std::string variable(const char* name) {
   return text == nullptr ? "" : text;
 }
 
-// A stopped queue keeps its jobs, and shows as its reason what happened.
+// A stopped queue keeps its jobs and shows the reason to its users.
 void stopQueue() {
   StatusLines lines("");
   lines.setReasons(unconfirmedJob);
@@ -43,7 +43,7 @@ ExitCode printJob(const Witness& witness, const std::vector<std::string>& argume
 }
 
 ExitCode printJob(const std::vector<std::string>& arguments, StatusLines& lines) {
-  const Witness witness(stopQueue);  // before anything else may end this process
+  const Witness witness(stopQueue);  // must be the first: no other process can report a kill
   ExitCode code = ExitCode::Held;
   try {
     code = printJob(witness, arguments, lines);

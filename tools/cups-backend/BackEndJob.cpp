@@ -16,7 +16,7 @@ constexpr std::size_t leastArguments = 6;
 constexpr std::size_t mostArguments = 7;
 constexpr unsigned mostCopies = 9999;
 
-// The value of `key` among the options, which blanks separate; "" if it is not there.
+// The value of `key` in the options, which are separated by blanks; "" if it is missing.
 std::string option(const std::string& options, const std::string& key) {
   std::istringstream words(options);
   for (std::string word; words >> word;) {
@@ -27,7 +27,7 @@ std::string option(const std::string& options, const std::string& key) {
   return "";
 }
 
-// Two jobs of the same name would count as one.
+// The name must be unique: the journal takes two jobs of one name for the same job.
 std::string randomName() {
   std::random_device dice;
   std::string name = "job without a name ";
@@ -49,7 +49,7 @@ std::filesystem::path journalOf(const std::string& cache) {
   return cache.empty() ? Journal::defaultFile() : std::filesystem::path(cache) / "quor/jobs.db";
 }
 
-// The scheduler writes the number with at least five digits.
+// The scheduler pads the number to at least five digits.
 std::filesystem::path controlFileOf(const std::string& spool, const std::string& number) {
   if (spool.empty()) {
     return {};

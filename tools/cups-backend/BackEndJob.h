@@ -11,27 +11,30 @@ namespace quordalvane::cups {
 
 /// The job that the scheduler has handed to this back end, in its arguments and its environment.
 struct BackEndJob {
-  std::string uri;      ///< of the queue, with all that an administrator wrote into it
-  std::string number;   ///< in the scheduler's lists
-  unsigned copies = 1;  ///< to print here; filters have made those of a job in standard input
-  std::string name;     ///< of the job in the journal, the same at each start
+  std::string uri;      ///< of the queue, as the administrator wrote it
+  std::string number;   ///< the job's number in the scheduler
+  unsigned copies = 1;  ///< to print here; 1 if filters have made the copies already
+  std::string name;     ///< of the job in the journal, the same in each attempt
 
-  /// When the scheduler ended the job, in seconds since 1970. A job that has ended and is printed
-  /// is one that a person has sent again.
+  /// When the scheduler ended the job, in seconds since 1970. If a job that has ended is started, a
+  /// person has asked to print it again.
   std::optional<std::int64_t> ended;
 
-  std::optional<std::filesystem::path> file;  ///< of its data; empty if standard input has them
-  bool isOfClass = false;                     ///< another printer takes the job if this one cannot
-  std::string standingReasons;                ///< of the queue's printer
+  std::optional<std::filesystem::path> file;  ///< with the job's data; empty if they are in
+                                              ///< standard input
+  bool isOfClass = false;                     ///< if this printer cannot print, another of its
+                                              ///< class may
+  std::string standingReasons;                ///< the state reasons that the queue's printer has
+                                              ///< now
   std::filesystem::path journal;
 
-  /// The scheduler's own record of the job; empty if it is not known where it lies.
+  /// The scheduler's own record of the job; empty if its place is unknown.
   std::filesystem::path controlFile;
 };
 
-/// Reads them. `variable` gives the text of a variable of the environment, "" if it is not set.
-/// Throws `std::invalid_argument`, with a text for people, for arguments that no back end gets, and
-/// `JournalError` if the folder of the journal is not known.
+/// Reads the job. `variable` returns the text of an environment variable, "" if it is not set.
+/// Throws `std::invalid_argument`, with a text for people, for arguments that a scheduler never
+/// passes, and `JournalError` if the folder of the journal is unknown.
 BackEndJob parseBackEndJob(const std::vector<std::string>& arguments,
                            const std::function<std::string(const char*)>& variable);
 

@@ -5,8 +5,8 @@
 
 namespace quordalvane::cups {
 
-/// The identity of a printer, in the form of IEEE 1284 that the print system reads:
-/// `MFG:…;MDL:…;SN:…;`. An empty text is left out, and characters that separate its pieces become
+/// The identity of a printer as an IEEE 1284 device ID, which the print system reads:
+/// `MFG:…;MDL:…;SN:…;`. Empty fields are left out. Characters that would separate fields become
 /// blanks.
 std::string deviceIdOf(std::string_view maker, std::string_view model, std::string_view serial);
 

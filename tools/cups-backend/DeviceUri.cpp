@@ -42,7 +42,7 @@ bool isSecondOf(const std::string& key, const std::string& value, std::string_vi
   return value == second;
 }
 
-// False for a key that is not the back end's own.
+// Returns false if the key does not belong to the back end itself.
 bool setOwnKey(DeviceUri& uri, const std::string& key, const std::string& value) {
   if (key == "emulation") {
     uri.emulation =
@@ -78,7 +78,7 @@ void addQuery(DeviceUri& uri, std::string_view query) {
   }
 }
 
-// A host with a user and a password before it.
+// Refuses a user name or a password before the host.
 void refuseCredentials(std::string_view path, const Scheme* scheme) {
   const bool mayHoldAt = scheme != nullptr && scheme->name != "tcp";
   if (!mayHoldAt && path.find('@') != std::string_view::npos) {
@@ -86,7 +86,7 @@ void refuseCredentials(std::string_view path, const Scheme* scheme) {
   }
 }
 
-// A path of the system begins where the scheme ends: /serial/dev/ttyUSB0.
+// The path begins with the slash after the scheme: /serial/dev/ttyUSB0 means /dev/ttyUSB0.
 bool isSystemPath(const Scheme& scheme, std::string_view place) {
   return !place.starts_with('/') && (scheme.place == "PATH" || place.starts_with("dev/"));
 }
@@ -98,7 +98,7 @@ std::string deviceIn(std::string_view path) {
   std::string whole = deviceTextOf(path, isNoData);
   refuseCredentials(whole, scheme);
   if (scheme == nullptr) {
-    return whole;  // it may name its device without a scheme
+    return whole;  // it may be a device text without a scheme
   }
   const std::string_view rest = inside.substr(name.size());
   if (rest.starts_with(':')) {
@@ -121,7 +121,7 @@ std::string_view withoutAuthority(std::string_view text) {
   return text.substr(2);
 }
 
-// The pieces of the text of a device, with the backslashes resolved.
+// Splits a device text at its commas and resolves its backslashes.
 std::vector<std::string> piecesOf(std::string_view device) {
   std::vector<std::string> pieces(1);
   for (std::size_t i = 0; i < device.size(); ++i) {

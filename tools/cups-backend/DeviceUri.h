@@ -9,7 +9,7 @@
 
 namespace quordalvane::cups {
 
-/// The content of a queue's URI: its printer, and how jobs are printed on it.
+/// The content of a queue's URI: the printer, and how jobs are printed on it.
 ///
 /// | URI | device |
 /// |---|---|
@@ -18,26 +18,27 @@ namespace quordalvane::cups {
 /// | `quor:/usb/SERIAL`, `quor:/usb` | `usb:SERIAL`, `usb:` |
 /// | `quor:` and the text of a device | that device |
 ///
-/// `%41` is the character of that code. A comma, a slash or a question mark that is written so
-/// separates nothing. Besides the keys of the device the query takes `emulation`, `timeout`,
-/// `end-timeout` and `copies`, which are the members below.
+/// `%41` stands for the character with this code. A comma, a slash or a question mark that is
+/// written in this way is data, not a separator. The query takes the keys of the device, and also
+/// `emulation`, `timeout`, `end-timeout` and `copies`, which set the members below.
 struct DeviceUri {
-  std::string device;  ///< as `parseDeviceSpec` takes it
+  std::string device;  ///< in the form that `parseDeviceSpec` reads
 
   ZKEmulation emulation = ZKEmulationQuorLine;  ///< `line` or `escpos`
-  std::uint32_t timeout = 10000;                ///< milliseconds, of input and output
-  std::optional<std::uint32_t> endTimeout;      ///< milliseconds, of the confirmation
+  std::uint32_t timeout = 10000;                ///< milliseconds, for input and output
+  std::optional<std::uint32_t> endTimeout;      ///< milliseconds, for the confirmation
 
-  /// `together`: all copies of a job are one block; `separate`: each is a block of its own.
+  /// True for `copies=together`: all copies of a job are one block. False for `separate`: each copy
+  /// is a block of its own.
   bool areCopiesTogether = false;
 };
 
-/// Reads the URI of a queue. Throws `std::invalid_argument` with a text for people if it names no
-/// device that a queue can print on. That text contains no password: the printers take none, so a
-/// URI with one is refused and not repeated.
+/// Reads the URI of a queue. Throws `std::invalid_argument`, with a text for people, if the URI
+/// does not name a device on which a queue can print. The text never contains a password: printers
+/// have none, so a URI with a password is refused without being repeated.
 DeviceUri parseDeviceUri(std::string_view uri);
 
-/// The URI of a queue for `device`, the text of a device.
+/// The URI of a queue for the device that `device` describes.
 std::string uriOf(std::string_view device);
 
 }  // namespace quordalvane::cups

@@ -4,14 +4,14 @@
 
 namespace quordalvane::cups {
 
-/// The exit codes of the back end's processes. The scheduler gets all of them but the last.
+/// The exit codes of the back end's processes. The scheduler gets all of them except `CutOff`.
 enum class ExitCode : int {
-  Done = CUPS_BACKEND_OK,             ///< printed, or not wanted any more
-  NextPrinter = CUPS_BACKEND_FAILED,  ///< nothing was sent, and another printer may take the job
+  Done = CUPS_BACKEND_OK,             ///< printed, or no longer wanted
+  NextPrinter = CUPS_BACKEND_FAILED,  ///< nothing was sent; another printer may print the job
   Held = CUPS_BACKEND_HOLD,           ///< a person must decide
   QueueStopped = CUPS_BACKEND_STOP,   ///< no job of this queue can be printed
   JobCanceled = CUPS_BACKEND_CANCEL,  ///< this job can never be printed
-  CutOff = 100,                       ///< the worker was stopped; its guard judges the meaning
+  CutOff = 100,                       ///< the worker was stopped; the guard decides about the job
 };
 
 }  // namespace quordalvane::cups

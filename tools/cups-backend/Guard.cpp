@@ -21,7 +21,7 @@ sigset_t watchedSignals() {
   return set;
 }
 
-// The worker's own pipes must end with it: a filter that writes without a reader gets an error.
+// The input pipes must end with the worker, so that a filter that still writes gets an error.
 void leaveInputToWorker() {
   constexpr int backChannel = 3;
   ::close(STDIN_FILENO);
@@ -30,7 +30,7 @@ void leaveInputToWorker() {
 }
 
 // Waits for the worker's end, and passes stop signals on to it. Returns whether the scheduler sent
-// one of them: the signal of another process does not mean that the job is no longer wanted.
+// one of them: a signal from another process does not mean that the job is no longer wanted.
 bool awaitWorker(pid_t worker, pid_t scheduler, const sigset_t& signals, int& status) {
   bool isCanceled = false;
   while (::waitpid(worker, &status, WNOHANG) != worker) {

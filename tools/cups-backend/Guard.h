@@ -8,16 +8,16 @@
 
 namespace quordalvane::cups {
 
-/// The end of a worker that did not decide the fate of its job.
+/// How a worker ended that did not decide about its job.
 struct BrokenOff {
-  bool isCanceled = false;  ///< the scheduler ended it
-  std::string how;          ///< for people
+  bool isCanceled = false;  ///< the scheduler has canceled the job
+  std::string how;          ///< the reason, for people
 };
 
-/// Runs `work` in a process of its own and returns its exit code. A stop signal is handed on to it.
-/// If it ends without a decision, `judge` decides: a job may be half on paper, and its end must not
-/// be taken for success. Called by a process without threads, and once. Throws `std::system_error`
-/// if the system has no process left.
+/// Runs `work` in a process of its own, passes stop signals on to it, and returns its exit code. If
+/// the process ends without a decision, `judge` decides: the job may be half on paper, so its end
+/// must not count as success. To be called once, by a process without threads. Throws
+/// `std::system_error` if the system cannot start a process.
 ExitCode guarded(const std::function<ExitCode()>& work,
                  const std::function<ExitCode(const BrokenOff&)>& judge);
 

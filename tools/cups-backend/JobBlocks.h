@@ -9,17 +9,17 @@
 
 namespace quordalvane::cups {
 
-/// A part of a job that the printer confirms as a whole.
+/// A part of a job that the printer confirms as a whole: one copy or all copies.
 struct JobBlock {
-  std::string name;     ///< in the journal
-  unsigned number = 1;  ///< of its first copy
-  unsigned copies = 1;  ///< that it holds
+  std::string name;     ///< of the block in the journal
+  unsigned number = 1;  ///< the number of its first copy, from 1
+  unsigned copies = 1;  ///< the count of its copies
 };
 
-/// The blocks of a job, in their order: one for each copy, unless all are to be one.
+/// The blocks of a job, in order: one for each copy, or one for all copies if the URI says so.
 std::vector<JobBlock> blocksOf(const BackEndJob& job, const DeviceUri& uri);
 
-/// The data of one block.
+/// The bytes of one block: `copy` as often as the block has copies.
 std::vector<std::uint8_t> dataOf(const JobBlock& block, const std::vector<std::uint8_t>& copy);
 
 }  // namespace quordalvane::cups

@@ -12,7 +12,7 @@
 namespace quordalvane::cups {
 namespace {
 
-// The data from `descriptor`, which is closed.
+// Reads all data from `descriptor`, and closes it.
 std::vector<std::uint8_t> readAndClose(int descriptor) {
   std::vector<std::uint8_t> data;
   try {

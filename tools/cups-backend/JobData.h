@@ -7,9 +7,9 @@
 
 namespace quordalvane::cups {
 
-/// The data of a job: all of `file`, or of standard input if there is none. Throws
-/// `std::system_error` if they cannot be read, and `std::length_error` if there are none or too
-/// many to be a job.
+/// Reads the data of a job from `file`, or from standard input if `file` is empty. Throws
+/// `std::system_error` if they cannot be read, and `std::length_error` if there are no data or more
+/// than a job can have.
 std::vector<std::uint8_t> readJobData(const std::optional<std::filesystem::path>& file);
 
 }  // namespace quordalvane::cups

@@ -10,7 +10,7 @@
 namespace quordalvane::cups {
 namespace {
 
-// Quotation marks end a text of the line, and a backslash escapes them.
+// Puts the text in quotation marks; a backslash escapes those inside it.
 std::string asField(std::string_view text) {
   std::string result = "\"";
   for (const char c : text) {

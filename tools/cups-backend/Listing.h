@@ -7,11 +7,11 @@
 
 namespace quordalvane::cups {
 
-/// A printer that was found, in the line in which the print system reads it: the class of its link,
-/// its URI, its make and model, its name for people, its device ID and an empty location.
+/// The line in which the print system reads a printer that was found: the class of its link, its
+/// URI, its make and model, its name for people, its device ID and an empty location.
 std::string listingOf(const FoundDevice& found);
 
-/// Writes the printers that can be found to `descriptor`, a line each, and reports on `lines` the
+/// Writes the printers that can be found to `descriptor`, one in each line. Reports on `lines` the
 /// kinds of links that could not be searched.
 void listPrinters(int descriptor, StatusLines& lines);
 

@@ -7,14 +7,14 @@
 
 namespace quordalvane::cups {
 
-/// The facts about the printer and the job's data, for programs that ask while the job is printed.
-/// Any thread.
+/// The state of the printer and of the job's data, for filters that ask during the job. May be used
+/// from any thread.
 class PrinterState {
  public:
   /// The state of the job's data.
   enum class Data {
-    Collected,  ///< still arriving, or on the way to the printer
-    Printed,    ///< the printer has confirmed them all
+    Collected,  ///< still arriving, or being printed
+    Printed,    ///< the printer has confirmed all of them
     Lost,       ///< the printer will not confirm them
   };
 
@@ -28,7 +28,7 @@ class PrinterState {
     data_ = data;
   }
 
-  /// The last status; empty while there is none.
+  /// The last status; empty if there is none yet.
   std::optional<QuorPrinterStatus_2> status() const {
     const std::lock_guard lock(mutex_);
     return status_;

@@ -12,8 +12,8 @@
 namespace quordalvane::cups {
 namespace {
 
-// The pause between two looks at a printer or a journal that does not take the job: it continues
-// within a second after the cause is gone.
+// The pause before a busy printer or journal is tried again: the job continues within a second
+// after the cause is gone.
 constexpr auto lookPause = std::chrono::milliseconds(500);
 
 constexpr auto onAnotherJob = "waiting: another job is on the printer";
@@ -46,8 +46,8 @@ ExitCode QueueJob::print(const std::vector<std::uint8_t>& copy,
   return ExitCode::Done;
 }
 
-/// The journal would otherwise grow for ever. To look through it takes time, so it is not done by
-/// each job.
+/// Keeps the journal from growing for ever. A search of the journal takes time, so only every
+/// hundredth job does it.
 void QueueJob::forgetOldJobs() const {
   constexpr unsigned jobsBetween = 100;
   constexpr std::uint32_t daysKept = 30;
@@ -105,8 +105,8 @@ QueueJob::Verdict QueueJob::tryBlock(const JobBlock& block, const std::vector<st
   return run(*named, block);
 }
 
-/// Only a person starts a job again that has ended for the scheduler, or that the scheduler holds
-/// and knows that it does.
+/// True if a person has asked for another print: nobody else restarts a job that has ended, or
+/// releases one that the scheduler holds.
 bool QueueJob::isWantedAgain(const NamedJobResult& known) const {
   constexpr std::int64_t millisInSecond = 1000;
   if (job_.ended && known.begun / millisInSecond <= *job_.ended) {
@@ -148,7 +148,7 @@ QueueJob::Verdict QueueJob::run(NamedJob& named, const JobBlock& block) {
     with_.wish.endJob();
     throw;  // nothing was sent
   } catch (const std::exception& error) {
-    // It is not known how much was sent.
+    // The count of sent bytes is unknown.
     result.result.outcome = PrintOutcome::Unconfirmed;
     result.result.reason = error.what();
   }
@@ -205,8 +205,9 @@ ExitCode QueueJob::hold(NamedJob& named, const PrintResult& result) {
   return ExitCode::Held;
 }
 
-/// Another printer of the class may take a job of which nothing was sent; otherwise it waits. If
-/// none of them takes it, they are asked again after a pause.
+/// If the queue is a class of printers, another printer may take a job of which nothing was sent.
+/// Otherwise the job waits. The pause keeps the scheduler from asking the printers of the class
+/// without end.
 QueueJob::Verdict QueueJob::postpone(const std::string& why, const StateReasons& reasons) {
   with_.lines.setReasons(reasons);
   with_.lines.inform("waiting: " + why);
@@ -217,8 +218,8 @@ QueueJob::Verdict QueueJob::postpone(const std::string& why, const StateReasons&
   return ExitCode::NextPrinter;
 }
 
-/// Looks at the printer over the open link until it is ready. The next attempt opens a lost link
-/// anew.
+/// Asks the printer over the open link until it is ready. Closes a lost link; the next attempt
+/// opens a new one.
 void QueueJob::awaitReady(const PrintResult& refused) {
   if (refused.obstacle != PrintObstacle::PrinterNotReady || !printer_.port()->isConnected()) {
     printer_.close();

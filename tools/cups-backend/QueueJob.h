@@ -18,13 +18,14 @@
 
 namespace quordalvane::cups {
 
-/// One job of a queue, from its data to the exit code that reports its outcome.
+/// Prints one job of a queue, and returns its outcome as an exit code.
 ///
-/// While nothing of a block was sent, it waits for the printer and tries again. Once a byte was
-/// sent, the block is printed or a person decides: it is never sent again by itself.
+/// As long as nothing of a block was sent, it waits for the printer and tries again. After the
+/// first byte was sent, the block is either confirmed or left to a person: it is never sent again
+/// automatically.
 class QueueJob {
  public:
-  /// The objects that it uses; all must outlive it.
+  /// The objects that a job uses; all must outlive it.
   struct Surroundings {
     StatusLines& lines;
     StopWish& wish;
@@ -32,16 +33,17 @@ class QueueJob {
     std::optional<std::int64_t> schedulerStart;  ///< milliseconds since 1970
   };
 
-  /// Throws `std::invalid_argument`, with a text for people, if the device cannot be one.
+  /// Throws `std::invalid_argument`, with a text for people, if the device in `uri` is not valid.
   QueueJob(const BackEndJob& job, const DeviceUri& uri, const Surroundings& surroundings);
 
-  /// Prints `copy` as often as the job wants it. `onConfirmed` is called when all of it is.
+  /// Prints `copy` as often as the job demands. Calls `onConfirmed` when the printer has confirmed
+  /// all copies. Blocks until the job is decided.
   ExitCode print(const std::vector<std::uint8_t>& copy, const std::function<void()>& onConfirmed);
 
   const QueuePrinter& printer() const { return printer_; }
 
  private:
-  // Empty: nothing was sent, and the block is tried again.
+  // Empty if nothing was sent and the block is to be tried again.
   using Verdict = std::optional<ExitCode>;
 
   ExitCode printBlock(const JobBlock& block, const std::vector<std::uint8_t>& data);

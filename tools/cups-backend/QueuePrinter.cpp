@@ -13,7 +13,7 @@
 namespace quordalvane::cups {
 namespace {
 
-// No limit: the holder releases the printer, at the end of its process at the latest.
+// In practice no limit: the holder releases the printer when its process ends, at the latest.
 constexpr std::chrono::milliseconds longestTurn = std::chrono::hours(24);
 
 }  // namespace
@@ -60,7 +60,7 @@ void QueuePrinter::close() {
   turn_.reset();
 }
 
-/// If the locks cannot be used, printing matters more than taking turns.
+/// If the locks cannot be used, it prints without one: printing matters more than the order.
 void QueuePrinter::takeTurn() {
   try {
     turn_ = takeDevice(deviceIdentity(parseDeviceSpec(uri_.device)), longestTurn, onWait_);

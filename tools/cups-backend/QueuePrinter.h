@@ -19,27 +19,28 @@ class OutOfReach : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// The printer of a queue, which many queues and programs may share: while it is open, no other job
-/// of this machine has it.
+/// The printer of a queue. Several queues and programs may share it: while it is open, no other job
+/// of this machine can use it.
 class QueuePrinter {
  public:
-  /// Nothing is opened. `onWait` is called when another job has the printer.
+  /// Opens nothing. `onWait` is called when another job has the printer, and `open` must wait.
   QueuePrinter(const DeviceUri& uri, std::function<void()> onWait);
   ~QueuePrinter() { close(); }
   QueuePrinter(const QueuePrinter&) = delete;
   QueuePrinter& operator=(const QueuePrinter&) = delete;
 
   /// Waits until no other job has the printer, and opens a port unless one is open. Throws
-  /// `OutOfReach`; `std::invalid_argument` if the keys of the device make every port pass it over.
+  /// `OutOfReach` if the printer cannot be reached, and `std::invalid_argument` if the device has
+  /// keys with which no port can find it.
   void open();
 
-  /// Closes the port and gives the printer to others. Harmless if it is not open.
+  /// Closes the port and releases the printer for others. Does nothing if it is not open.
   void close();
 
   bool isOpen() const { return port_ != nullptr; }
   const std::shared_ptr<ExternalAccessoryPort>& port() const { return port_; }
 
-  /// The device's own identity, as the print system writes it.
+  /// The identity of the device, as an IEEE 1284 device ID.
   std::string deviceId() const;
 
  private:

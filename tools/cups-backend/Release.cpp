@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::int64_t millisInSecond = 1000;
 
-// A record that is written in this time may be from just before the scheduler held the job.
+// A record that was written sooner after the report may be older than the scheduler's hold.
 constexpr std::int64_t leastDelay = 1000;
 
 std::int64_t millisSinceBoot() {
@@ -24,8 +24,9 @@ std::int64_t millisSinceBoot() {
   return std::int64_t{now.tv_sec} * millisInSecond + now.tv_nsec / 1'000'000;
 }
 
-// The 22nd field, which is in ticks since the machine was started. The second is the program's name
-// in parentheses, and may hold anything.
+// Reads the 22nd field, in clock ticks since the machine was started. The second field is the
+// program's name in parentheses; it may contain blanks and parentheses, so the search begins at the
+// last one.
 std::optional<std::int64_t> startInTicks(int process) {
   std::ifstream file("/proc/" + std::to_string(process) + "/stat");
   std::string text;
@@ -50,7 +51,8 @@ std::optional<std::int64_t> schedulerStart(int scheduler) {
   if (!ticks) {
     return std::nullopt;
   }
-  // The end of that tick: a record of the scheduler before it may be as young as its beginning.
+  // The end of the tick: the true start may be anywhere within it, and every record that was
+  // written before the start must count as older.
   const std::int64_t start = (*ticks + 1) * millisInSecond / ::sysconf(_SC_CLK_TCK);
   return millisecondsNow() - (millisSinceBoot() - start);
 }

@@ -11,13 +11,13 @@
 namespace quordalvane::cups {
 namespace {
 
-// A message is a command, a status, and the length of its data in two bytes. The print system's
-// library reads and writes them as well; but it brings two dozen others with it, and a back end
-// that is killed while they are loaded has no witness yet.
+// A message is a command, a status, the length of its data in two bytes, and the data. The print
+// system's library could read and write messages. But it loads two dozen other libraries, and if a
+// back end is killed during that time, no witness runs yet to notice it.
 constexpr std::size_t headSize = 4;
 constexpr std::size_t longestData = 65535;
 
-// A back end that is started by hand has no such channel, and the descriptor may then be anything.
+// A back end that is started by hand has no side channel; the descriptor may then be any file.
 int channelIfGiven() {
   struct stat found {};
   return ::fstat(CUPS_SC_FD, &found) == 0 && S_ISSOCK(found.st_mode) ? CUPS_SC_FD : -1;
@@ -28,7 +28,7 @@ int channelIfGiven() {
 SideChannel::SideChannel(const PrinterState& state, std::string deviceId)
     : state_(state), deviceId_(std::move(deviceId)), descriptor_(channelIfGiven()) {}
 
-/// A filter waits for its answer before it asks again, so that one read is one question.
+/// A filter waits for its answer before it asks again, so one read gets exactly one question.
 bool SideChannel::serve() {
   std::array<char, headSize + longestData> message{};
   const ssize_t count = ::recv(descriptor_, message.data(), message.size(), MSG_DONTWAIT);
@@ -68,7 +68,7 @@ void SideChannel::answerOwed() {
         state_.data() == PrinterState::Data::Printed ? CUPS_SC_STATUS_OK : CUPS_SC_STATUS_IO_ERROR);
 }
 
-/// The filter that asked reads at once, or has ended.
+/// The answer never waits: the filter that asked is either reading or has ended.
 void SideChannel::write(cups_sc_command_t command, cups_sc_status_t status,
                         const std::string& data) {
   std::string message = {static_cast<char>(command), static_cast<char>(status),

@@ -8,23 +8,23 @@
 
 namespace quordalvane::cups {
 
-/// Answers the questions of a job's filters about the printer. The print system gives the channel a
-/// descriptor of its own.
+/// Answers the questions that a job's filters ask about the printer. They arrive on a descriptor of
+/// their own.
 class SideChannel {
  public:
-  /// `state` must outlive it; `deviceId` is the device's own identity.
+  /// `state` must outlive it. `deviceId` is the IEEE 1284 device ID of the printer.
   SideChannel(const PrinterState& state, std::string deviceId);
 
-  /// Becomes readable when a filter asks; -1 if no filter can.
+  /// Readable when a filter asks; -1 if there is no channel.
   int descriptor() const { return descriptor_; }
 
-  /// Reads one question and answers it. False if there will be no other.
+  /// Reads one question and answers it. Returns false if no other question can arrive.
   bool serve();
 
-  /// Whether a filter waits until all is printed.
+  /// True while a filter waits until all data are printed.
   bool isAnswerOwed() const { return isDrainOwed_; }
 
-  /// Answers that filter if all is printed, or will not be.
+  /// Answers that filter, if all data are printed or if they never will be.
   void answerOwed();
 
  private:
@@ -37,7 +37,7 @@ class SideChannel {
   bool isDrainOwed_ = false;
 };
 
-/// The state of the printer in the channel's own bits.
+/// The state of the printer as the bits of the side channel.
 char stateBitsOf(const QuorPrinterStatus_2& status);
 
 }  // namespace quordalvane::cups

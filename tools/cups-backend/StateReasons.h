@@ -7,7 +7,7 @@
 
 namespace quordalvane::cups {
 
-/// Keywords of the print system for the state of a printer.
+/// The print system's keywords for the state of a printer.
 using StateReasons = std::set<std::string>;
 
 /// The printer cannot be reached or does not answer.
@@ -16,10 +16,10 @@ inline const StateReasons outOfReach = {"offline-report"};
 /// Nobody knows whether the last job is on paper.
 inline const StateReasons unconfirmedJob = {"quor-unconfirmed-warning"};
 
-/// The keywords for the conditions in the status.
+/// The keywords for the conditions that `status` reports.
 StateReasons reasonsIn(const QuorPrinterStatus_2& status);
 
-/// All keywords that this back end may have set, in this process or in one before it.
+/// All keywords that this back end can set, in this process or in an earlier one.
 const StateReasons& everyReason();
 
 }  // namespace quordalvane::cups

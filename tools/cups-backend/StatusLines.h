@@ -8,30 +8,30 @@
 
 namespace quordalvane::cups {
 
-/// The reports of the back end to the scheduler, line by line, on its standard error. If nobody
-/// reads them any more, a line is lost. Any thread.
+/// Writes the back end's reports to the scheduler, line by line, on standard error. If nobody reads
+/// them any more, the line is lost. May be used from any thread.
 class StatusLines {
  public:
-  /// `standing` are the reasons that the queue's printer has now, joined by commas or blanks. Those
-  /// of an earlier back end remain until somebody removes them; the first `setReasons` does.
+  /// `standing` lists the reasons that the queue's printer has now, separated by commas or blanks.
+  /// Reasons that an earlier back end set remain until the first `setReasons` removes them.
   explicit StatusLines(std::string_view standing, int descriptor = 2);
 
-  /// The one line that people see beside the queue; a text that is there already is not repeated.
+  /// Shows `text` as the one line beside the queue. Does nothing if that text is there already.
   void inform(const std::string& text);
 
-  /// For the queue and the log of errors.
+  /// Writes an error, shown beside the queue and in the scheduler's log.
   void complain(const std::string& text);
 
-  /// For the log alone.
+  /// Writes to the scheduler's log only.
   void note(const std::string& text);
 
-  /// Page number `number` has been confirmed, `copies` times.
+  /// Reports that page `number` has been confirmed, in `copies` copies.
   void count(unsigned number, unsigned copies);
 
-  /// Gives the printer these reasons, and removes all others that this back end may set.
+  /// Sets these reasons for the printer, and removes all others that this back end can set.
   void setReasons(const StateReasons& reasons);
 
-  /// Stops the queue; its jobs are kept. To be written last.
+  /// Stops the queue, which keeps its jobs. Must be the last line.
   void stopQueue();
 
  private:

@@ -8,24 +8,25 @@
 
 namespace quordalvane::cups {
 
-/// The scheduler's wish that a job ends, from its arrival to its effect. While nothing of the job
-/// is under way there is nothing to undo, and the process leaves at once, whatever it waits for.
-/// Any thread.
+/// The scheduler's request to end a job. While no block of the job is being printed there is
+/// nothing to undo, so the process ends at once, even if it is waiting. May be used from any
+/// thread.
 class StopWish {
  public:
   /// `leave` must end the process.
   explicit StopWish(std::function<void()> leave) : leave_(std::move(leave)) {}
 
-  /// The job is not wanted any more: one that runs is cut off.
+  /// The job is no longer wanted: cuts off the block that is being printed, or ends the process.
   void cancel();
 
-  /// Nobody listens any more: a job that runs is printed to its end, and nothing after it.
+  /// Nobody reads the reports any more: ends the process at once, or after the block that is being
+  /// printed.
   void leaveWhenIdle();
 
-  /// From now on `job` runs; it must live until `endJob`.
+  /// Marks `job` as being printed; it must live until `endJob`.
   void beginJob(PrintJob& job);
 
-  /// It has ended, and its outcome is in the journal.
+  /// Marks the job as ended. Its outcome must be in the journal already.
   void endJob();
 
  private:

@@ -17,7 +17,8 @@
 namespace quordalvane::cups {
 namespace {
 
-// Data that cannot be read now may be readable later; data that is no job never prints.
+// If the data cannot be read now, they may be later, so the job is held. Data that are not a job
+// can never be printed.
 ExitCode printJob(const BackEndJob& job, QueueJob& queued, StatusLines& lines,
                   const std::function<void()>& onConfirmed) {
   try {
@@ -34,7 +35,7 @@ ExitCode printJob(const BackEndJob& job, QueueJob& queued, StatusLines& lines,
   }
 }
 
-// Runs the job on a thread of its own, and reports its end by a descriptor.
+// Runs the job on a thread of its own. A descriptor becomes readable when the job ends.
 class Printing {
  public:
   explicit Printing(std::function<ExitCode()> print)
@@ -58,13 +59,13 @@ class Printing {
   std::thread thread_;
 };
 
-// Serves the scheduler and the filters until the job has ended.
+// Answers the scheduler and the filters until the job has ended.
 void serve(Printing& printing, tool::StopSignals& signals, StopWish& wish, SideChannel& channel) {
   std::array<pollfd, 4> watched = {{{printing.descriptor(), POLLIN, 0},
                                     {signals.descriptor(), POLLIN, 0},
                                     {channel.descriptor(), POLLIN, 0},
                                     {STDERR_FILENO, 0, 0}}};
-  constexpr int pause = 100;  // milliseconds, while an answer is owed
+  constexpr int pause = 100;  // milliseconds, while a filter waits for an answer
   while (watched[0].revents == 0) {
     ::poll(watched.data(), watched.size(), channel.isAnswerOwed() ? pause : -1);
     if (signals.take()) {

@@ -10,8 +10,8 @@
 
 namespace quordalvane::cups {
 
-/// Prints the job, in a process of its own whose first thread this is. SIGTERM cuts the job off
-/// within a second. `onConfirmed` is called as soon as all of it is on paper.
+/// Prints the job, in a process of its own, called on its first thread. SIGTERM cuts the job off
+/// within a second. Calls `onConfirmed` as soon as the printer has confirmed all of it.
 ExitCode work(const BackEndJob& job, const DeviceUri& uri,
               std::optional<std::int64_t> schedulerStart, const std::function<void()>& onConfirmed);
 

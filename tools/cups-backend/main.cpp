@@ -9,7 +9,7 @@
 int main(int argc, char** argv) {
   quordalvane::tool::occupyDescriptors(CUPS_SC_FD);
   std::signal(SIGPIPE, SIG_IGN);
-  std::signal(SIGXFSZ, SIG_IGN);  // a file that grows too large is an error of its write
+  std::signal(SIGXFSZ, SIG_IGN);  // a full file is then an error of the write, not the end
   quordalvane::addBluetoothScheme();
   return quordalvane::cups::run({argv, argv + argc});
 }
