@@ -48,8 +48,8 @@ bool describePrinter(pappl_system_t* /*system*/, const char* driver, const char*
   return true;
 }
 
-// The framework announces the printers that it has loaded, and one that is added when it gets a
-// name.
+// The framework announces the printers that it has loaded, but a new printer only when it gets a
+// DNS-SD name.
 void announce(pappl_printer_t* printer, void* /*data*/) {
   papplPrinterSetDNSSDName(printer, papplPrinterGetName(printer));
 }
@@ -67,8 +67,8 @@ bool save(pappl_system_t* system, void* file) {
   return saveState(system, *static_cast<const std::string*>(file));
 }
 
-// The framework leaves waiting jobs alone until another one ends or arrives: those that it has
-// loaded, and those after one that was canceled while it waited.
+// The framework starts a waiting job only when another one ends or arrives. This starts the others:
+// the jobs that it has loaded, and the jobs after one that was canceled while it waited.
 bool lookAfterJobs(pappl_system_t* system, void* file) {
   papplSystemIteratePrinters(
       system,
@@ -139,7 +139,7 @@ pappl_system_t* makeSystem(int count, cups_option_t* options, void* /*data*/) {
         "web page in its first line");
     return nullptr;
   }
-  // Clients are heard once the printers are there.
+  // Clients may connect only after the printers have been loaded.
   papplSystemAddListeners(system, host == "*" ? nullptr : host.c_str());
   papplSystemAddTimerCallback(system, std::time(nullptr), 1, lookAfterJobs, &stateFile);
   return system;

@@ -5,19 +5,22 @@
 
 namespace quordalvane::printer_app {
 
-/// Makes the framework's system for the options of the command `server`, with its printers and
-/// waiting jobs as they were when it last ended. Null after an error, which is on standard error.
+/// Creates the framework's system from the options of the command `server`, and loads the printers
+/// and the waiting jobs of the last run. Returns null after an error, which is reported on standard
+/// error.
 ///
-/// - `listen-hostname`: the address to listen at; by default localhost, this machine alone
+/// - `listen-hostname`: the address at which it listens; by default localhost, for this machine
+///   alone
 /// - `server-port`: the port; by default 8631
 /// - `state-directory`: the folder of the printers, the jobs and the journal; by default
 ///   /var/lib/quorport-printer-app
-/// - `password-file`: a file with the password of the web page, needed to listen to others
-/// - `upload-timeout`: the seconds after which a client that sends nothing is given up; by default
-///   60
+/// - `password-file`: a file with the password of the web page, required to listen at other
+///   addresses
+/// - `upload-timeout`: the seconds after which a connection is closed if the client sends nothing;
+///   by default 60
 /// - `log-file`, `log-level`: the framework's log; by default standard error, warn
 ///
-/// The journal of its jobs is made here and lives until the process ends.
+/// Also creates the journal of the jobs, which lives until the process ends.
 pappl_system_t* makeSystem(int optionCount, cups_option_t* options, void* data);
 
 }  // namespace quordalvane::printer_app

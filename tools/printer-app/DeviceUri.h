@@ -4,15 +4,14 @@
 
 namespace quordalvane::printer_app {
 
-/// The URI under which the framework keeps a device, and the device text in such a URI; the text is
-/// "" for any other URI.
-/// @{
+/// Converts between a device text and the URI under which the framework stores the device.
+/// `deviceOf` returns "" for any other URI.
 std::string uriOf(const std::string& device);
 std::string deviceOf(const std::string& uri);
 /// @}
 
-/// Makes the framework know devices of such URIs, and find those that `discoverDevices` finds. It
-/// never opens one: a job does.
+/// Registers these URIs with the framework, and lets it list the devices that `discoverDevices`
+/// finds. The framework never opens a device; each job does it by itself.
 void addDeviceScheme();
 
 }  // namespace quordalvane::printer_app

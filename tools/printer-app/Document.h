@@ -10,8 +10,8 @@
 
 namespace quordalvane::printer_app {
 
-/// The commands of a job, collected until it is delivered: its pages, and around them the drawer,
-/// the copies and the cuts that the job asks for.
+/// The commands of a job, collected until all of it can be sent: the pages, and the drawer pulses,
+/// copies and cuts that the job asks for.
 ///
 /// | `quor-cut` | cuts |
 /// |---|---|
@@ -20,24 +20,25 @@ namespace quordalvane::printer_app {
 /// | `page` | after each page |
 /// | `none` | never |
 ///
-/// A job that is too large for the machine throws RenderError, wherever it becomes so.
+/// Any call throws RenderError if the job is too large for the machine.
 class Document {
  public:
-  /// Rendered by us, or the printer's own commands. These are cut only if the job itself says so,
-  /// and nothing is printed before them but the drawer's command.
+  /// `Rendered`: pages that this program has drawn. `Raw`: the printer's own commands; they are cut
+  /// only if the job asks for it, and only a drawer pulse is printed before them.
   enum class Kind { Rendered, Raw };
 
   Document(pappl_job_t* job, const pappl_pr_options_t& options, Kind kind);
 
-  /// Takes memory for so many bytes at once: a long page would be copied as it grows otherwise.
+  /// Reserves memory for this count of bytes: otherwise a long page would be copied several times.
   void reserve(std::size_t bytes);
 
-  /// Adds what it is handed; valid as long as this is.
+  /// Returns a function that appends its bytes to the document. The document must outlive it.
   render::Output output();
 
   void endPage();
 
-  /// Adds copies and cuts. Called once, after the last page.
+  /// Appends the copies and cuts, and returns the whole job. To be called once, after the last
+  /// page.
   const std::vector<std::uint8_t>& end(int copies);
 
  private:
@@ -48,9 +49,8 @@ class Document {
   std::vector<std::uint8_t> bytes_;
 };
 
-/// The file of the job's document, piece by piece. Throws RenderError if it cannot be read or is
-/// larger than any job.
-/// @{
+/// Read the file of the job's document: piece by piece, or as a whole. Throw RenderError if it
+/// cannot be read or is larger than any job.
 void readDocument(pappl_job_t* job, const render::Output& take);
 std::vector<std::uint8_t> wholeDocument(pappl_job_t* job);
 /// @}

@@ -25,7 +25,7 @@ unsigned headDots(pappl_job_t* job) {
   return model == nullptr ? everyModel().front().dots : model->dots;
 }
 
-/// A job of raster pages, which arrive row by row.
+/// A job of raster pages, whose rows arrive one by one.
 class RasterJob {
  public:
   RasterJob(pappl_job_t* job, const pappl_pr_options_t& options)
@@ -44,15 +44,15 @@ class RasterJob {
     --missingRows_;
   }
 
-  // The framework calls this also for a page whose rows end early.
+  // The framework also calls this for a page whose last rows are missing.
   void endPage() {
     require(missingRows_ == 0);
     page_->end();
     document_.endPage();
   }
 
-  // Copies are pages that the client repeats. The framework calls this also if the client has left
-  // between two pages.
+  // The client itself repeats the pages for copies. The framework also calls this if the client has
+  // left between two pages.
   const std::vector<std::uint8_t>& end() {
     require(!isUploadCutShort());
     return document_.end(1);
@@ -76,7 +76,7 @@ RasterJob* rasterOf(pappl_job_t* job) {
   return static_cast<RasterJob*>(papplJobGetData(job));
 }
 
-// The framework is C: an error becomes the job's message, and false.
+// The framework is written in C: an exception becomes the job's message, and the result is false.
 template <typename Work>
 bool guarded(pappl_job_t* job, Work work) {
   try {
@@ -93,7 +93,8 @@ std::unique_ptr<RasterJob> takeRaster(pappl_job_t* job) {
   return raster;
 }
 
-// Works on the raster of the job, which is gone after an error: nothing of it is printed then.
+// Calls `work` with the raster of the job. After an error it drops the raster, so that nothing of
+// it is printed.
 template <typename Work>
 bool withRaster(pappl_job_t* job, Work work) {
   const bool isDone = rasterOf(job) != nullptr && guarded(job, [&] {
@@ -128,7 +129,7 @@ bool endPage(pappl_job_t* job, pappl_pr_options_t* /*options*/, pappl_device_t* 
   return withRaster(job, [](RasterJob& raster) { raster.endPage(); });
 }
 
-// The framework calls this also after an error, and again after it has returned false.
+// The framework also calls this after an error, and again after it has returned false.
 bool endJob(pappl_job_t* job, pappl_pr_options_t* /*options*/, pappl_device_t* /*device*/) {
   const std::unique_ptr<RasterJob> raster = takeRaster(job);
   return raster != nullptr && guarded(job, [&] { return deliver(job, raster->end()); });
@@ -142,7 +143,7 @@ bool printFile(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* /*
   });
 }
 
-// Prints a document that `render` adds to the job, for a print head of so many dots.
+// Prints a document that `render` draws for a print head of the given width.
 template <typename Render>
 bool printRendered(pappl_job_t* job, Render render) {
   const std::unique_ptr<pappl_pr_options_t, void (*)(pappl_pr_options_t*)> options(
@@ -192,7 +193,8 @@ void addRasterDocuments(pappl_pr_driver_data_t& data) {
 
 void addOtherDocuments(pappl_system_t* system) {
   papplSystemAddMIMEFilter(system, "text/plain", "image/pwg-raster", printText, nullptr);
-  // The framework's own filters lead to raster. These come first, and print as the command does.
+  // The framework's own filters convert to raster. These filters have precedence, and print exactly
+  // as the command `quorport` does.
   for (const char* const commands : commandTypes) {
     papplSystemAddMIMEFilter(system, "image/png", commands, printPicture, nullptr);
     papplSystemAddMIMEFilter(system, "image/jpeg", commands, printPicture, nullptr);

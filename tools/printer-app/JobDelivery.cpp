@@ -22,12 +22,13 @@ namespace {
 
 constexpr auto pause = std::chrono::seconds(1);
 
-// A journal is for one thread at a time, and each printer has a thread of its own.
+// A journal object serves one thread at a time. Each printer has its own thread, which opens the
+// file itself.
 std::filesystem::path journalFile;
 std::filesystem::path stateFile;
 
-// The same after a restart of the application. The job's UUID is not, in the framework's
-// version 1.3: with it, a job that was begun would be printed again.
+// The name must be the same after a restart of the application. The job's UUID changes in version
+// 1.3 of the framework: with it, a half-printed job would be printed again.
 std::string nameOf(pappl_job_t* job) {
   pappl_printer_t* const printer = papplJobGetPrinter(job);
   return std::string(papplPrinterGetName(printer)) + " (" +
@@ -35,7 +36,7 @@ std::string nameOf(pappl_job_t* job) {
          std::to_string(papplJobGetID(job)) + " of " + std::to_string(papplJobGetTimeCreated(job));
 }
 
-/// Cancels a print job when the user cancels the framework's.
+/// Cancels the print job when the user cancels the framework's job.
 class CancelWatch {
  public:
   CancelWatch(pappl_job_t* job, PrintJob& print)

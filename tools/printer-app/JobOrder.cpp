@@ -12,10 +12,10 @@ constexpr auto holder = "quorport-printer-app";
 
 struct WaitingJob {
   int id;
-  bool isHeld;  // for its turn
+  bool isHeld;  // until its turn
 };
 
-// The framework locks the printer meanwhile, so that nothing else can be done there.
+// The framework holds the printer's lock during this call, so it must not change a job.
 void note(pappl_job_t* job, void* jobs) {
   const ipp_jstate_t state = papplJobGetState(job);
   const bool isHeld = isHeldForItsTurn(state, papplJobGetReasons(job));
@@ -24,7 +24,7 @@ void note(pappl_job_t* job, void* jobs) {
   }
 }
 
-// The oldest first.
+// Returns the waiting jobs, the oldest first.
 std::vector<WaitingJob> waitingJobs(pappl_printer_t* printer) {
   std::vector<WaitingJob> jobs;
   papplPrinterIterateActiveJobs(printer, note, &jobs, 1, 0);
@@ -59,7 +59,7 @@ void letOldestGoNext(pappl_printer_t* printer) {
   }
 }
 
-// A user's hold has a time until which the job is held, without end at the most.
+// If a user holds a job, it has a time until which it is held, which may be "indefinite".
 bool isHeldForItsTurn(ipp_jstate_t state, pappl_jreason_t reasons) {
   return state == IPP_JSTATE_HELD && (reasons & PAPPL_JREASON_JOB_QUEUED) != 0 &&
          (reasons & PAPPL_JREASON_JOB_HOLD_UNTIL_SPECIFIED) == 0;

@@ -55,14 +55,14 @@ void describeRaster(pappl_pr_driver_data_t& data) {
   data.num_resolution = 1;
   data.x_resolution[0] = data.y_resolution[0] = resolution;
   data.x_default = data.y_default = resolution;
-  // Grey alone: the framework would make dots of it by the size of the medium, and a page of
-  // another size would be cut off, or overflow its buffer.
+  // Only grey pages are accepted. The framework would convert other pages to dots by the size of
+  // the medium, so it would cut off a page of another size, or write past its buffer.
   data.raster_types = PAPPL_PWG_RASTER_TYPE_SGRAY_8;
   data.color_supported = PAPPL_COLOR_MODE_AUTO | PAPPL_COLOR_MODE_MONOCHROME;
   data.color_default = PAPPL_COLOR_MODE_MONOCHROME;
 }
 
-// The values of an option of a job, the default first.
+// Adds a job option; the first of its values is the default.
 void addOption(pappl_pr_driver_data_t& data, ipp_t* attributes, const char* name,
                std::initializer_list<const char*> values) {
   data.vendor[data.num_vendor++] = name;
@@ -73,7 +73,7 @@ void addOption(pappl_pr_driver_data_t& data, ipp_t* attributes, const char* name
                 static_cast<int>(values.size()), nullptr, values.begin());
 }
 
-// IPP Everywhere asks for these, and the framework leaves them to the printer.
+// IPP Everywhere requires these attributes, and the framework does not set them.
 void addFixedAttributes(ipp_t* attributes) {
   const auto addKeyword = [&](const char* name, const char* value) {
     ippAddString(attributes, IPP_TAG_PRINTER, IPP_TAG_KEYWORD, name, nullptr, value);

@@ -9,29 +9,28 @@
 
 namespace quordalvane::printer_app {
 
-/// The types of files that hold a printer's own commands, by which they are handed on as they are.
-/// @{
+/// The types of files that contain printer commands, which are passed on unchanged.
 inline constexpr auto escPosType = "application/vnd.escpos";
 inline constexpr auto lineModeType = "application/vnd.quordalvane-line-mode";
 inline constexpr std::array commandTypes = {escPosType, lineModeType};
 /// @}
 
-/// A kind of printer: its commands and its paper.
+/// A kind of printer: its commands and its paper width.
 struct Model {
   const char* name;
   const char* description;
   ZKEmulation emulation;
-  unsigned dots;         ///< of the print head, 8 a millimetre
+  unsigned dots;         ///< the width of the print head; 8 dots are a millimetre
   int paperMillimetres;  ///< the width of the roll
 };
 
-/// Every kind, the default first.
+/// All kinds, the default first.
 std::span<const Model> everyModel();
 
-/// The kind of this name; null if there is none.
+/// The kind of this name; null if there is no such kind.
 const Model* modelNamed(std::string_view name);
 
-/// Describes the kind to the framework, with the attributes of its own: `quor-cut` and
+/// Describes the kind to the framework, including this program's own job options, `quor-cut` and
 /// `quor-drawer`.
 void describe(const Model& model, pappl_pr_driver_data_t& data, ipp_t*& attributes);
 

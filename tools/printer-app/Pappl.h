@@ -1,6 +1,6 @@
 #pragma once
 
-// The framework's headers are C that this project's warnings do not fit.
+// The framework's C headers violate warnings that are errors in this project.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wpedantic"
 #pragma GCC diagnostic ignored "-Wold-style-cast"

@@ -11,7 +11,7 @@ namespace {
 
 constexpr char separator = '~';
 
-// What makes equal passwords have different hashes.
+// Random text that gives equal passwords different hashes.
 std::string newNonce() {
   std::random_device random;
   std::array<char, 17> text{};
@@ -19,7 +19,7 @@ std::string newNonce() {
   return text.data();
 }
 
-// Nonce and hash, parted by the separator.
+// The nonce and the hash, with the separator between them.
 std::string hashOf(const std::string& password, const std::string& nonce) {
   const std::string salted = nonce + ':' + password;
   std::array<unsigned char, 32> hash{};
@@ -29,7 +29,7 @@ std::string hashOf(const std::string& password, const std::string& nonce) {
   return nonce + separator + digits.data();
 }
 
-// Of a hash that was made here; a new one if there is none.
+// Returns the nonce of a hash that `hashOf` made; a new nonce if `salt` is not such a hash.
 std::string nonceOf(std::string_view salt) {
   const std::size_t end = salt.find(separator);
   return end == std::string_view::npos ? newNonce() : std::string(salt.substr(0, end));

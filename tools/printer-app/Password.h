@@ -6,12 +6,12 @@
 
 namespace quordalvane::printer_app {
 
-/// Makes the web page ask for the password in the first line of the file. False if there is none.
-/// Called after the framework has loaded its state, in which it keeps the password as well.
+/// Sets the password of the web page to the first line of the file. Returns false if there is none.
+/// To be called after the framework has loaded its state, which contains the old password.
 ///
-/// The framework's version 1.3 takes any password for the right one: it compares a hash with
-/// itself. It makes the hash by `papplSystemHashPassword`, and this program has a function of that
-/// name in front of the library's, which makes the hash of what was typed.
+/// The framework's version 1.3 accepts any password: it compares a hash with itself. It computes
+/// the hash by its function `papplSystemHashPassword`. This program defines a function of that
+/// name, which replaces the library's and hashes the text that was typed.
 bool setPassword(pappl_system_t* system, const std::string& file);
 
 }  // namespace quordalvane::printer_app

@@ -10,27 +10,28 @@
 
 namespace quordalvane::printer_app {
 
-/// A turn on a printer, see `takeDevice`.
+/// The exclusive use of a printer, see `takeDevice`.
 struct Turn {
   bool isTaken = false;
-  std::optional<ByteLock> lock;  ///< empty for a device that nobody else can have
+  std::optional<ByteLock> lock;  ///< empty if no other program can use the device
 };
 
-/// Takes the printer of this text for a job or a question. Throws what `takeDevice` throws.
+/// Waits at most `limit` for the exclusive use of the printer. Throws the errors of `takeDevice`.
 Turn takeTurn(const std::string& device, std::chrono::milliseconds limit);
 
-/// An open port to one printer, on a platform of its own: printers are printed on at the same time.
+/// An open port to one printer. It has its own platform, because several printers print at the same
+/// time.
 class PrinterLink {
  public:
   /// `device` is the text of the device, `model` the name of its kind. Throws std::invalid_argument
-  /// for a text that is no device.
+  /// if `device` is not a device text.
   PrinterLink(const std::string& device, const std::string& model);
   ~PrinterLink();
   PrinterLink(const PrinterLink&) = delete;
   PrinterLink& operator=(const PrinterLink&) = delete;
 
   bool isOpen() const { return isOpen_; }
-  std::string error() const;  ///< why it is not open
+  std::string error() const;  ///< why the port is not open; "" if it is open
   const std::shared_ptr<ExternalAccessoryPort>& port() { return port_; }
 
  private:

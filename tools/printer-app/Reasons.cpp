@@ -33,7 +33,7 @@ pappl_preason_t reasonsOf(const QuorPrinterStatus_2& status) {
   if (status.cutterError != 0 || status.mechError != 0 || status.unrecoverableError != 0) {
     reasons |= PAPPL_PREASON_OTHER;
   }
-  // If the reason is known, "off line" adds nothing.
+  // "Off line" is shown only if no other reason explains it.
   constexpr pappl_preason_t causes =
       PAPPL_PREASON_COVER_OPEN | PAPPL_PREASON_MEDIA_EMPTY | PAPPL_PREASON_OTHER;
   return status.offline != 0 && (reasons & causes) == 0 ? reasons | PAPPL_PREASON_OFFLINE : reasons;
@@ -46,14 +46,14 @@ void show(pappl_printer_t* printer, pappl_preason_t reasons) {
   std::strcpy(roll.description, "Paper roll");
   roll.is_consumed = true;
   roll.type = PAPPL_SUPPLY_TYPE_OTHER;
-  // In percent; a printer reports only near its end and empty.
+  // The level in percent: a printer reports only that the paper is nearly or quite used up.
   roll.level = (reasons & PAPPL_PREASON_MEDIA_EMPTY) != 0 ? 0
                : (reasons & PAPPL_PREASON_MEDIA_LOW) != 0 ? 10
                                                           : 100;
   papplPrinterSetSupplies(printer, 1, &roll);
 }
 
-// True at most every two seconds for a printer.
+// Returns true at most once in two seconds for each printer.
 bool isDue(pappl_printer_t* printer) {
   using Clock = std::chrono::steady_clock;
   static std::mutex mutex;
@@ -68,7 +68,7 @@ bool isDue(pappl_printer_t* printer) {
   return true;
 }
 
-// Lets `use` talk to the printer over its port, unless somebody else has the printer.
+// Opens a port to the printer and calls `use` with it, unless somebody else uses the printer.
 template <typename Use>
 void withIdle(pappl_printer_t* printer, Use use) {
   try {

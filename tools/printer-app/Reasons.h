@@ -5,14 +5,15 @@
 
 namespace quordalvane::printer_app {
 
-/// Shows in `printer-state-reasons` the state of the printer that a job has found.
+/// Shows the printer's state after a job in `printer-state-reasons`.
 void showReasons(pappl_printer_t* printer, const PrintResult& result);
 
-/// Asks an idle printer for its status, at most every two seconds, and shows it likewise. A printer
-/// on which a job is printing is not asked. For the framework: true, always.
+/// Asks an idle printer for its status, at most every two seconds, and shows it in
+/// `printer-state-reasons`. A busy printer is not asked. Always returns true, as the framework
+/// expects.
 bool updateReasons(pappl_printer_t* printer);
 
-/// Makes an idle printer beep, so that a person finds it.
+/// Makes an idle printer beep, so that a person can find it.
 void beep(pappl_printer_t* printer, pappl_identify_actions_t actions, const char* message);
 
 }  // namespace quordalvane::printer_app

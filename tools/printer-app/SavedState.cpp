@@ -14,13 +14,13 @@
 namespace quordalvane::printer_app {
 namespace {
 
-// A line of the file is a job, with its attributes in quotation marks; a quotation mark in a value
-// has a backslash before it.
+// A job is one line of the file, with its attributes in quotation marks. A backslash escapes a
+// quotation mark in a value.
 std::regex patternOf(const std::string& name) {
   return std::regex(" " + name + "=\"([0-9]{1,9})\"");
 }
 
-// 0 if the line lacks the attribute.
+// Returns 0 if the line does not contain the attribute.
 int valueIn(const std::string& line, const std::string& name) {
   std::smatch found;
   return std::regex_search(line, found, patternOf(name)) ? std::stoi(found[1]) : 0;
@@ -38,12 +38,13 @@ std::string waiting(const std::string& line) {
                             patternOf("processing"), "");
 }
 
-// The path of a file until it replaces the other.
+// The path of the new file, until it replaces `file`.
 std::filesystem::path nextTo(const std::filesystem::path& file) {
   return file.string() + ".next";
 }
 
-// The states of the jobs that have not ended, by the names of their files; "" while one arrives.
+// The states of the jobs that have not ended, by the names of their files. The name is "" while a
+// job arrives.
 using JobStates = std::multimap<std::string, std::pair<ipp_jstate_t, pappl_jreason_t>>;
 
 void note(pappl_job_t* job, void* states) {

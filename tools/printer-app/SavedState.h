@@ -6,20 +6,20 @@
 
 namespace quordalvane::printer_app {
 
-/// Saves the framework's printers and jobs in the file, which is whole at any moment: a process
-/// that is killed must not lose its printers. False if it cannot be written. May be called from any
-/// thread.
+/// Saves the framework's printers and jobs in the file. The file is complete at every moment, so a
+/// process that is killed loses no printers. Returns false if it cannot be written. May be called
+/// from any thread.
 bool saveState(pappl_system_t* system, const std::filesystem::path& file);
 
-/// The same if a job has arrived, ended, or been held or released since the last call: the
-/// framework saves a job when it begins to arrive, but not once it is there.
+/// Saves them if a job has arrived, ended, or been held or released since the last call. The
+/// framework itself saves a job when its data begin to arrive, but not when they are complete.
 void saveChangedJobs(pappl_system_t* system, const std::filesystem::path& file);
 
-/// Prepares the file in which the framework has saved its printers and jobs for being loaded. A job
-/// that was being printed when the process ended would remain so without end, and one that was held
-/// for its turn as well: they wait again, and the journal decides what becomes of them. One that a
-/// user held remains held. A file that is not there is left alone. Throws std::system_error if it
-/// cannot be written.
+/// Prepares the file in which the framework has saved its printers and jobs, before it is loaded. A
+/// job that was being printed when the process ended, or was held for its turn, would keep that
+/// state for ever. This lets such jobs wait again; the journal then decides about them. A job that
+/// a user held remains held. Does nothing if the file does not exist. Throws std::system_error if
+/// it cannot be written.
 void letJobsWaitAgain(const std::filesystem::path& file);
 
 }  // namespace quordalvane::printer_app

@@ -16,7 +16,7 @@ Read librarysRead() {
   return read;
 }
 
-// A client's request is under way to this program, which is also a client of itself.
+// True while this program receives a client's request. False for its own requests as a client.
 bool isUpload(http_t* http) {
   return httpGetState(http) == HTTP_STATE_POST_RECV;
 }

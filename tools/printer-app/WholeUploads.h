@@ -4,17 +4,18 @@
 
 namespace quordalvane::printer_app {
 
-/// Makes sure that a document is whole before it is printed, and that a client which sends nothing
-/// for `longestSilence` is given up. Called once, before there are clients.
+/// Ensures that only complete documents are printed, and that a client that sends nothing for
+/// `longestSilence` is disconnected. To be called once, before clients connect.
 ///
-/// The framework takes the end of a connection for the end of the document, and waits without end
-/// for a client that neither sends nor leaves: a telephone out of range. It reads by a function of
-/// the print system's library, `httpRead2`. This program has a function of that name in front of
-/// the library's, which reports both as errors; the framework then aborts a job that is a file.
+/// The framework takes the end of a connection for the end of the document. It also waits for ever
+/// for a client that neither sends nor closes the connection, like a telephone out of range. It
+/// reads with `httpRead2` of the print system's library. This program defines a function of that
+/// name, which replaces the library's and reports both cases as errors. If the job is a file, the
+/// framework then aborts it.
 void requireWholeUploads(std::chrono::seconds longestSilence);
 
-/// Whether the last read of a document on this thread was such an error: the framework makes pages
-/// of raster of what was there before.
+/// True if the last read of a document on this thread was such an error. For a raster document the
+/// framework prints the pages that arrived before the error, so the caller must ask this.
 bool isUploadCutShort();
 
 }  // namespace quordalvane::printer_app
