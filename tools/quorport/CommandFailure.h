@@ -7,7 +7,7 @@
 
 namespace quordalvane::tool {
 
-/// Ends a command that cannot do its task.
+/// Thrown by a command that cannot do its task; the process ends with `code`.
 class CommandFailure : public std::runtime_error {
  public:
   CommandFailure(ExitCode code, const std::string& text) : std::runtime_error(text), code_(code) {}

@@ -35,7 +35,7 @@ std::string eachInQuotes(const std::vector<std::string>& words) {
   return joined(quoted, ", ");
 }
 
-// "" or the question whether one of the candidates was meant.
+// Asks whether the most similar candidate was meant; "" if none is similar.
 std::string didYouMean(std::string_view word, const std::vector<std::string>& candidates) {
   const std::string meant = suggestion(word, candidates);
   return meant.empty() ? "" : "; did you mean " + meant + "?";
@@ -51,8 +51,8 @@ bool hasOption(const CLI::App* parser, const std::string& name) {
   return parser->get_option_no_throw(name) != nullptr;
 }
 
-// Of an option "--name=value" the name is looked up. A name that is right elsewhere was not
-// mistyped.
+// Only the name is looked up, without "=value". If another command has an option of this name, it
+// is not a typing error, so the text names that command.
 std::string noSuchOption(const std::string& word, const std::vector<const CLI::App*>& parsers) {
   const std::string given = word.substr(0, word.find('='));
   const auto owner = std::ranges::find_if(
@@ -71,7 +71,7 @@ std::string noSuchOption(const std::string& word, const std::vector<const CLI::A
   return "there is no option " + inQuotes(given) + didYouMean(given, names);
 }
 
-// The parser of arguments, with places for their values.
+// The parser of the arguments, with the members that receive their values.
 class Grammar {
  public:
   Grammar() {
@@ -118,7 +118,7 @@ class Grammar {
  private:
   CLI::App& addCommand(const std::string& name, const std::string& help) {
     CLI::App& sub = *app_.add_subcommand(name, help);
-    sub.footer("");  // it would inherit that of all
+    sub.footer("");  // otherwise it would inherit the program's footer
     sub.group("Commands");
     sub.fallthrough();
     sub.set_help_flag("-h,--help", "show this text");
@@ -134,7 +134,7 @@ class Grammar {
     return helpOn_.empty() ? wholeHelp() : (*found)->help("quorport");
   }
 
-  // CLI::App::help would give that of the command under way.
+  // CLI::App::help would return the help of the command that was named.
   std::string wholeHelp() const {
     return app_.get_formatter()->make_help(&app_, "quorport", CLI::AppFormatMode::Normal);
   }
@@ -167,12 +167,13 @@ class Grammar {
   }
 
   Options options_;
-  std::string helpOn_;  // a command
+  std::string helpOn_;  // the command that --help was asked about
   CLI::App app_{help::description, "quorport"};
-  CLI::App* help_;  // one of those in app_
+  CLI::App* help_;  // the option --help of one parser in app_
 };
 
-// The devices of the variable, separated by blanks, if the arguments name no device.
+// Takes the devices from the environment variable, which separates them by blanks, if the arguments
+// name none.
 void addDevicesOfEnvironment(Options& options) {
   const char* const value = std::getenv("QUORPORT_DEVICE");
   if (!options.devices.empty() || value == nullptr) {
@@ -183,7 +184,8 @@ void addDevicesOfEnvironment(Options& options) {
   options.devicesFrom = "QUORPORT_DEVICE";
 }
 
-// The library takes the argument after "--name=" for the value.
+// The library takes the argument after "--name=" as its value. This passes the empty value as an
+// argument of its own.
 std::vector<std::string> withEmptyValuesApart(const std::vector<std::string>& arguments) {
   std::vector<std::string> result;
   bool onlyPlain = false;
@@ -226,7 +228,7 @@ bool askForJson(const std::vector<std::string>& arguments) {
 
 std::optional<std::string> jobNamedIn(const std::vector<std::string>& arguments) {
   constexpr std::string_view option = "--job";
-  std::optional<std::string> job;  // the last one counts
+  std::optional<std::string> job;  // the last name counts
   const auto end = std::find(arguments.begin(), arguments.end(), "--");
   for (auto argument = arguments.begin(); argument != end; ++argument) {
     if (argument->starts_with("--job=")) {

@@ -16,20 +16,20 @@ struct Order {
   Options options;
 };
 
-/// Reads the arguments that follow the command's own name. Returns the command to run, or the text
-/// of --help or --version. Throws a CommandFailure with ExitCode::Usage that names the fault and
-/// the right form.
+/// Reads the arguments that follow the program's name. Returns the command to run, or the text of
+/// --help or --version. Throws a CommandFailure with ExitCode::Usage, whose text names the fault
+/// and the right form.
 std::variant<Order, std::string> parseCommandLine(const std::vector<std::string>& arguments);
 
-/// The command that the arguments name, even if the rest of them makes no sense: null, or the first
-/// argument that is a command's name.
+/// Returns the first argument that is a command's name, even if the other arguments are invalid;
+/// null if there is none.
 const Command* commandNamedIn(const std::vector<std::string>& arguments);
 
-/// Whether the arguments ask for JSON, even if the rest of them makes no sense.
+/// True if the arguments ask for JSON, even if others of them are invalid.
 bool askForJson(const std::vector<std::string>& arguments);
 
-/// The name of the job that the arguments give, even if the rest of them makes no sense; null if
-/// they give none.
+/// The name that the arguments give to the job, even if others of them are invalid; empty if they
+/// give none.
 std::optional<std::string> jobNamedIn(const std::vector<std::string>& arguments);
 
 }  // namespace quordalvane::tool

@@ -20,15 +20,14 @@ namespace quordalvane::tool {
 
 struct Report;
 
-/// The surroundings of a command, besides its options.
+/// The objects that a command uses besides its options.
 struct Surroundings {
   Streams streams;
   std::shared_ptr<Interruption> interruption;
 };
 
-// Each command does its work and returns the report of it. An exception ends the command: a
-// CommandFailure with its exit code, Interrupted, and any other std::exception as a failed
-// exchange.
+// Each command does its task and returns the report. An exception ends it: a CommandFailure with
+// its exit code, Interrupted, or any other std::exception as a failed exchange with the printer.
 
 Report find(const Options& options, const Surroundings& surroundings);
 Report list(const Options& options, const Surroundings& surroundings);
@@ -42,21 +41,22 @@ Report dipswitch(const Options& options, const Surroundings& surroundings);
 Report buttonSecurity(const Options& options, const Surroundings& surroundings);
 Report disconnect(const Options& options, const Surroundings& surroundings);
 
-/// The answer of a print job that never began: refused, with every key of an answer of `print`.
-/// `bytesTotal` is the size of the job, 0 if it is not known; `job` its name, null without one.
+/// The report of a print job that never began: refused, with every key that `print` reports.
+/// `bytesTotal` is the size of the job, 0 if it is unknown. `job` is its name, empty if it has
+/// none.
 Report refusedJob(ExitCode code, const std::string& error, std::uint64_t bytesTotal,
                   const std::optional<std::string>& job);
 
 Report doctor(const Options& options, const Surroundings& surroundings);
 
-// These run until they are stopped, and write their output to the streams meanwhile.
+// These commands run until they are stopped, and write to the streams while they run.
 
 Report monitor(const Options& options, const Surroundings& surroundings);
 Report simulate(const Options& options, const Surroundings& surroundings);
 
 enum class CommandKind {
-  Question,  ///< whoever lost its answer may ask again
-  Printing,  ///< a report that was lost must not make anyone print again
+  Question,  ///< if its answer is lost, it may be asked again
+  Printing,  ///< even if its report is lost, it must not be repeated
   Service,   ///< handles the signals itself
 };
 
@@ -65,14 +65,14 @@ struct Command {
   std::string_view help;
   Report (*run)(const Options& options, const Surroundings& surroundings);
   void (*addOptions)(CLI::App& app,
-                     Options& options) = nullptr;  ///< null: it has no options of its own
+                     Options& options) = nullptr;  ///< null if it has no options of its own
   CommandKind kind = CommandKind::Question;
 };
 
-/// All commands, in the order of the help.
+/// All commands, in the order in which --help lists them.
 std::span<const Command> everyCommand();
 
-/// The command of this name; null if there is none.
+/// The command of this name; null if there is no such command.
 const Command* commandNamed(std::string_view name);
 
 }  // namespace quordalvane::tool

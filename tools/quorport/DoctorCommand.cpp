@@ -45,7 +45,7 @@ std::string inLines(const Findings& findings) {
   return text;
 }
 
-// How the printer confirms jobs, and the consequence.
+// How the printer confirms jobs, and what follows from it.
 std::string inWords(ProofKind proof) {
   const ProofKind found = proof == ProofKind::Auto ? ProofKind::None : proof;
   return std::string(nameOf(found)) + ": " + std::string(aboutOf(found));
@@ -69,8 +69,8 @@ std::string inLines(const Diagnosis& diagnosis) {
   return (words.empty() ? text : text + label + words + "\n") + proofLine(diagnosis);
 }
 
-// The fault of the port name, which has to choose one of the devices. It is not to blame if no port
-// name would choose one.
+// Reports a port name that chooses none of the devices. It reports nothing if no port name could
+// choose one: then another fault is the cause.
 Findings examinePortName(const Options& options, const Surroundings& surroundings) {
   const auto platform = presentDevices(options, surroundings);
   Options anyPrinter = options;

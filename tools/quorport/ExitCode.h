@@ -7,15 +7,15 @@ enum class ExitCode : int {
   Done = 0,
   ExchangeFailed = 1,
   Usage = 2,
-  NoAccessory = 3,  ///< none matched, or it could not be opened
+  NoAccessory = 3,  ///< no device matched the port name, or it could not be opened
   NotReady = 4,     ///< the printer is off line, has paper in its exit or is in use
   LinkLost = 5,
   Unconfirmed = 6,
   NoJournal = 7,      ///< the journal of jobs cannot be kept, and nothing was sent
-  Interrupted = 130,  ///< by SIGINT; any other signal that ends a command is 128 + its number
+  Interrupted = 130,  ///< by SIGINT; for other signals 128 + the number of the signal
 };
 
-/// The exit status of a command that a signal ended, as shells have it.
+/// The exit status of a command that a signal ended, as shells report it.
 constexpr ExitCode codeOfSignal(int signal) {
   return static_cast<ExitCode>(128 + signal);
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-// The prose of --help, beside the lists of commands and options.
+// The texts of --help, except the lists of commands and options.
 
 namespace quordalvane::tool::help {
 

@@ -6,7 +6,7 @@
 
 namespace quordalvane::tool {
 
-/// Lower-case pairs of digits, nothing between them.
+/// Each byte as two lower-case hex digits, without separators.
 std::string hexOf(std::span<const std::uint8_t> bytes);
 
 }  // namespace quordalvane::tool

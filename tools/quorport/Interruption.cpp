@@ -180,7 +180,8 @@ void InterruptiblePlatform::attach(const std::shared_ptr<EAAccessory>& accessory
 }
 
 void InterruptiblePlatform::SleepsUntilInterrupted::usleep(std::uint64_t microseconds) {
-  constexpr std::uint64_t aYear = 365ULL * 24 * 3600 * 1'000'000;  // in range in any sum
+  constexpr std::uint64_t aYear = 365ULL * 24 * 3600 * 1'000'000;  // does not overflow when it is
+                                                                   // added to a time
   interruption_->sleep(std::chrono::microseconds(std::min(microseconds, aYear)));
 }
 

@@ -18,59 +18,64 @@ namespace quordalvane::tool {
 
 struct Report;
 
-/// Thrown out of an exchange that was interrupted.
+/// Thrown by an exchange with the printer that the user interrupted.
 class Interrupted {};
 
-/// The user's wish to stop, from its arrival to its effect, which depends on how far the command
-/// is. All members may be called from any thread.
+/// A request to stop: from the user's signal until it takes effect. How it takes effect depends on
+/// the stage of the command. All members may be called from any thread.
 class Interruption {
  public:
   using GiveUp = std::function<void(const Report& report)>;
 
-  /// `giveUp` must end the process, with the report that it is handed. It is called while nothing
-  /// is open that would have to be closed: neither a connection being made nor a read from a pipe
-  /// can be stopped.
+  /// `giveUp` must end the process and deliver the report that it is given. It is called only while
+  /// nothing is open that would have to be closed. It is needed because neither an attempt to
+  /// connect nor a read from a pipe can be interrupted.
   ///
-  /// `report` is the command's report if the wish ends it before it has one of its own.
+  /// `report` is used if the request ends the command before `setReport`.
   Interruption(Report report, GiveUp giveUp);
   ~Interruption();
   Interruption(const Interruption&) = delete;
   Interruption& operator=(const Interruption&) = delete;
 
-  /// The wish arrives. `code` is the exit status of a command that ends by it.
+  /// Records the request, and lets it take effect. `code` is the exit status of a command that it
+  /// ends.
   void interrupt(ExitCode code);
 
-  /// The code that arrived with the wish; null if none has arrived.
+  /// The exit status of the request; empty if there was no request.
   std::optional<ExitCode> code();
 
-  /// Replaces the command's report for the case that the wish ends it.
+  /// Replaces the report that is delivered if the request ends the command.
   void setReport(Report report);
 
-  /// That report, with the code of the wish.
+  /// That report, with the exit status of the request.
   Report report();
 
-  /// The command speaks to this device from now on.
+  /// Notes that the command talks to this device from now on.
   void speakTo(const std::string& device);
 
-  /// The device that the command spoke to last; null if it has spoken to none.
+  /// The device that the command last talked to; empty if it has talked to none.
   std::optional<std::string> device();
 
-  /// Nothing is open: as at creation, the wish ends the process, be it early or late.
+  /// Begins the stage in which nothing is open; a command starts in it. A request ends the process,
+  /// also one that arrived earlier.
   void begin();
 
-  /// A port is open: from now on `sleep` and `check` throw Interrupted once the wish has arrived.
+  /// Begins the stage in which a port is open: after a request, `sleep` and `check` throw
+  /// Interrupted.
   void beginExchange();
 
-  /// A job runs, and the wish cancels it, be it early or late. The job must live until `end`.
+  /// Begins the stage in which a job is printed. A request cancels the job, also one that arrived
+  /// earlier. The job must live until `end`.
   void beginJob(PrintJob& job);
 
-  /// Only the steps that are always done follow: the wish has no effect any more.
+  /// Begins the last stage, whose steps are always completed: a request has no effect any more.
   void end();
 
-  /// Also ends as soon as `noticed` is readable, if that is a descriptor.
+  /// Waits for `time`, or until `noticed`, if it is a descriptor, is readable. Throws Interrupted
+  /// after a request, in the stage of an open port.
   void sleep(std::chrono::microseconds time, int noticed = -1);
 
-  /// The same without a sleep, for a retry that never sleeps.
+  /// Throws as `sleep` does, for loops that never sleep.
   void check();
 
  private:
@@ -81,29 +86,29 @@ class Interruption {
   void giveUp() const;
 
   const GiveUp giveUp_;
-  const int wish_;                  // becomes readable when the wish arrives
+  const int wish_;                  // readable after a request
   std::mutex mutex_;                // guards the members below
   std::unique_ptr<Report> report_;  // never null
   std::optional<std::string> device_;
   Stage stage_ = Stage::Beginning;
   PrintJob* job_ = nullptr;
-  std::optional<ExitCode> code_;  // of the wish, once it has arrived
+  std::optional<ExitCode> code_;  // of the request; empty before it
 };
 
-/// The platform of the command: this system's, with sleeps that can be interrupted. Not every retry
-/// of a port sleeps, but each asks whether the accessory is connected: that can be interrupted,
-/// too.
+/// The platform of the command: this system's, but its sleeps can be interrupted. Some loops of a
+/// port never sleep; but each asks whether the accessory is connected, so that question can be
+/// interrupted as well.
 class InterruptiblePlatform : public ForwardingPlatform {
  public:
   explicit InterruptiblePlatform(std::shared_ptr<Interruption> interruption);
 
   Clock& clock() override { return clock_; }
 
-  /// `device` is the text that the accessory was made from. A command that opens a session on it
-  /// speaks to that device; null keeps it out of the command's report.
+  /// Adds an accessory. `device` is its device text: while a session on it is open, the command
+  /// talks to that device. If `device` is empty, the command's report does not name it.
   void attach(const std::shared_ptr<EAAccessory>& accessory, std::optional<std::string> device);
 
-  /// The accessories as they were attached, in that order.
+  /// All attached accessories, in the order in which they were attached.
   const std::vector<std::shared_ptr<EAAccessory>>& accessories() const { return accessories_; }
 
  private:

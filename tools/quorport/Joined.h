@@ -6,7 +6,7 @@
 
 namespace quordalvane::tool {
 
-/// The texts, one after the other, with the separator between them.
+/// The texts in order, with the separator between each two.
 std::string joined(const std::vector<std::string>& texts, std::string_view separator);
 
 }  // namespace quordalvane::tool

@@ -8,7 +8,7 @@ class App;
 
 namespace quordalvane::tool {
 
-// The options that have to do with the journal of jobs, added as the other commands' are.
+// Add the options for the journal, as the functions of OptionGrammar.h do for the others.
 
 void addJournalOptions(CLI::App& app, PrintOptions& options);
 void addJobsOptions(CLI::App& app, Options& options);

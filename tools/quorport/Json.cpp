@@ -27,7 +27,8 @@ bool JsonObject::isEmpty() const {
 }
 
 std::string inOneLine(const Json& json) {
-  // The library escapes the control characters of ASCII; those of terminals with eight bits remain.
+  // The library escapes only the control characters of ASCII; `printable` also escapes U+0080 to
+  // U+009F, which some terminals obey.
   return printable(json.dump(-1, ' ', false, Json::error_handler_t::replace));
 }
 

@@ -6,12 +6,12 @@
 
 namespace quordalvane::tool {
 
-/// An object whose keys keep their order. A source that looks into one includes the library's own
-/// header, which is long.
+/// An object whose keys keep their order. The library's own header is long; only sources that look
+/// into an object include it.
 using Json = nlohmann::ordered_json;
 
-/// An object that a header can hold without the library's own header. One that was moved from may
-/// only be assigned to or destroyed.
+/// Holds a JSON object, so that other headers need not include the library's header. After a move
+/// it may only be assigned to or destroyed.
 class JsonObject {
  public:
   JsonObject();  ///< without keys
@@ -21,7 +21,7 @@ class JsonObject {
   JsonObject& operator=(JsonObject other) noexcept;
   ~JsonObject();
 
-  /// The value of the key, which is null and added if it was not there.
+  /// The value of the key. If the key is missing, adds it with the value null.
   Json& operator[](const char* key);
 
   bool isEmpty() const;
@@ -31,8 +31,8 @@ class JsonObject {
   std::unique_ptr<Json> object_;
 };
 
-/// The object as JSON without a line feed; no control character is in it raw, invalid bytes are
-/// replaced.
+/// The object in one line of JSON, without a line feed. Control characters are escaped, and invalid
+/// bytes are replaced.
 std::string inOneLine(const Json& json);
 
 }  // namespace quordalvane::tool

@@ -13,7 +13,7 @@ Json orNull(const std::optional<std::string>& text) {
   return text ? Json(*text) : Json(nullptr);
 }
 
-// One that is not plugged in announces no protocol.
+// An accessory that is not plugged in reports no protocol.
 bool isThere(EAAccessory& accessory) {
   return !accessory.protocolStrings().empty() && accessory.isConnected();
 }

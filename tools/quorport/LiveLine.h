@@ -4,8 +4,8 @@
 
 namespace quordalvane::tool {
 
-/// One line on a terminal that is rewritten in place, and is removed at the end. If the descriptor
-/// is no terminal nothing is shown.
+/// A line on a terminal that is rewritten in place and removed at the end. Shows nothing if the
+/// descriptor is not a terminal.
 class LiveLine {
  public:
   explicit LiveLine(int descriptor);
@@ -13,7 +13,7 @@ class LiveLine {
   LiveLine(const LiveLine&) = delete;
   LiveLine& operator=(const LiveLine&) = delete;
 
-  /// Shows `text` instead of the previous text, cut short at the terminal's width.
+  /// Shows `text` instead of the previous text, cut to the width of the terminal.
   void show(const std::string& text);
 
   /// Removes the line, so that other text can be written.

@@ -14,7 +14,7 @@
 namespace quordalvane::tool {
 namespace {
 
-// Writes to a descriptor that is open already and not ours, a terminal as well as a pipe.
+// Writes to an open descriptor that belongs to the caller; it may be a terminal or a pipe.
 class JsonDescriptorSink : public LogSink {
  public:
   explicit JsonDescriptorSink(int descriptor) : descriptor_(descriptor) {}

@@ -11,13 +11,13 @@
 
 namespace quordalvane::tool {
 
-/// Hands the diagnostic records to a sink as long as this lives. Others may live meanwhile; the
-/// levels of the newest are wanted.
+/// Sends the diagnostic records to a sink during its lifetime. Several may exist at once; the
+/// levels of the newest apply to all.
 class Recording {
  public:
   Recording(std::shared_ptr<LogSink> sink, const std::set<std::int32_t>& levels);
 
-  /// Returns when all records are written, or after two seconds if something holds them up.
+  /// Waits until all records are written, but at most two seconds.
   ~Recording();
   Recording(const Recording&) = delete;
   Recording& operator=(const Recording&) = delete;
@@ -27,7 +27,7 @@ class Recording {
   const bool wasLogging_;
 };
 
-/// Keeps the diagnostic records back as long as this lives.
+/// Stops the diagnostic records during its lifetime.
 class Unrecorded {
  public:
   Unrecorded();
@@ -39,7 +39,7 @@ class Unrecorded {
   const bool wasLogging_;
 };
 
-/// Writes the diagnostic records of a command, if the options want them, as long as this lives.
+/// Writes the diagnostic records of a command during its lifetime, if the options ask for them.
 class LogOutput {
  public:
   /// Throws a CommandFailure with ExitCode::Usage if the file cannot be opened.

@@ -20,14 +20,14 @@ namespace {
 
 using SystemTime = std::chrono::system_clock::time_point;
 
-// The result of one look at the printer.
+// The result of one status query, which the guide calls a look.
 struct Look {
   std::string state;  // for programs
   std::string text;   // for people
-  Json status;        // null if there was none
+  Json status;        // null if the printer gave no status
   ExitCode code;
 
-  // The raw reply holds nothing that the fields do not.
+  // Without the raw reply, whose content is in the other fields.
   Json fields() const {
     Json result = status;
     if (result.is_object()) {
@@ -38,7 +38,7 @@ struct Look {
   }
 };
 
-// The names of the fields in which two looks differ; all of them if only one has a status.
+// The names of the fields that differ between two looks; all fields if only one look has a status.
 Json changedFields(const Json& before, const Json& now) {
   Json names = Json::array();
   for (const auto& [name, value] : now.items()) {
@@ -76,7 +76,7 @@ class Monitor {
   }
 
  private:
-  // Until the next look is due, or a printer was plugged in or pulled.
+  // Waits until the next look is due, or a printer is plugged in or unplugged.
   void pause() {
     using namespace std::chrono;
     const auto deadline = steady_clock::now() + milliseconds(options_.monitor.interval);
@@ -89,7 +89,7 @@ class Monitor {
     } while (!notices_.await({}) && now < deadline);
   }
 
-  // A port whose link is lost is closed, so that the next look opens another.
+  // Closes a port whose link is lost, so that the next look opens a new one.
   Look look() {
     try {
       if (!printer_) {

@@ -14,7 +14,7 @@
 namespace quordalvane::tool {
 namespace {
 
-// The journal's exceptions, as the command reports them.
+// Turns the journal's exceptions into failures of the command.
 template <typename Action>
 auto told(Action action) {
   try {

@@ -11,32 +11,33 @@
 
 namespace quordalvane::tool {
 
-/// The effect of a job's name (`--job`) on its print. Builds without the journal refuse it.
+/// Prints a job under a name (`--job`) and keeps it in the journal. In builds without the journal
+/// the constructor refuses the name.
 class NamedPrinting {
  public:
-  /// Opens the journal and claims the name, waiting for another process that prints the job. Throws
-  /// a CommandFailure: ExitCode::Usage for an invalid name or that of other data,
-  /// ExitCode::NoJournal if the journal cannot be kept.
+  /// Opens the journal and reserves the name; waits if another process prints the job of this name.
+  /// Throws a CommandFailure: with ExitCode::Usage if the name is invalid or belongs to other data,
+  /// with ExitCode::NoJournal if the journal cannot be used.
   NamedPrinting(const Options& options, const std::string& device,
                 std::span<const std::uint8_t> data, const Surroundings& surroundings);
   ~NamedPrinting();
   NamedPrinting(const NamedPrinting&) = delete;
   NamedPrinting& operator=(const NamedPrinting&) = delete;
 
-  /// The journal's answer without printing; null if the job must be run.
+  /// The outcome that the journal already has; null if the job must be printed.
   const PrintResult* answer() const;
 
-  /// The options of the job that `run` takes.
+  /// Returns `options` with the additions that the journal needs; for the job that `run` takes.
   PrintJob::Options recorded(PrintJob::Options options);
 
-  /// Runs the job and records its outcome. Throws a CommandFailure with ExitCode::NoJournal if its
-  /// beginning could not be recorded; nothing was sent then.
+  /// Prints the job and records its outcome. Throws a CommandFailure with ExitCode::NoJournal,
+  /// before anything is sent, if the beginning could not be recorded.
   PrintResult run(PrintJob& job);
 
-  /// Records that nothing was sent, for this reason.
+  /// Records that nothing was sent, with the reason.
   void refuse(const std::string& reason);
 
-  /// Adds the facts about the name to the report of the print.
+  /// Adds the name, the attempt and similar facts to the report of `print`.
   void addTo(Report& report) const;
 
  private:

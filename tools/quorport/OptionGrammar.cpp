@@ -71,7 +71,8 @@ auto prefixedErrors(std::string name, Take take) {
   };
 }
 
-// Adds an option that takes a text and hands it to `take`; of several the last one counts.
+// Adds an option with a text, which is passed to `take`. If the option is repeated, the last one
+// counts.
 template <typename Take>
 CLI::Option* addText(CLI::App& app, const std::string& names, const std::string& type,
                      const std::string& help, Take take) {

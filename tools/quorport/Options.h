@@ -19,62 +19,62 @@ struct StatusOptions {
 
 struct PrintOptions {
   std::string file;                               ///< "-" is standard input
-  std::optional<ProofKind> proof;                 ///< empty: as the device says
+  std::optional<ProofKind> proof;                 ///< empty: the device decides
   std::optional<std::uint32_t> endTimeout;        ///< milliseconds
   std::optional<std::uint32_t> holdPrintTimeout;  ///< milliseconds
-  std::optional<std::string> receipt;             ///< a file
+  std::optional<std::string> receipt;             ///< the path of a picture or text file
   std::optional<std::string> job;                 ///< a name
-  std::optional<std::string> journal;             ///< a file
+  std::optional<std::string> journal;             ///< the path of a file
   bool again = false;
   RenderOptions render;
 };
 
 struct JobsOptions {
-  std::optional<std::string> journal;      ///< a file
-  std::optional<std::string> forget;       ///< a name
+  std::optional<std::string> journal;      ///< the path of a file
+  std::optional<std::string> forget;       ///< the name of a job
   std::optional<std::uint32_t> olderThan;  ///< days
 };
 
 struct DoctorOptions {
-  std::optional<std::string> bundle;  ///< a file that is not there yet
+  std::optional<std::string> bundle;  ///< the path of a file that does not exist yet
 };
 
 struct MonitorOptions {
-  std::uint32_t interval = 1000;  ///< milliseconds between two looks
-  std::uint32_t count = 0;        ///< of looks; 0 is without end
+  std::uint32_t interval = 1000;  ///< milliseconds between two looks at the printer
+  std::uint32_t count = 0;        ///< of looks; 0 means without end
 };
 
 /// How the output of a virtual printer is divided into receipts.
 enum class ReceiptPer { Cut, Job, Connection };
 
-/// How a virtual printer treats hosts that connect while another is connected.
+/// How a virtual printer treats a host that connects while another one is connected.
 enum class HostRule {
-  One,     ///< they wait until it has left
-  Turns,   ///< they are connected, and print between two of its jobs
-  Refuse,  ///< they are turned away
+  One,     ///< it waits until the other has left
+  Turns,   ///< it is connected, and its jobs print between those of others
+  Refuse,  ///< it is disconnected
 };
 
 struct SimulateOptions {
-  std::vector<std::string> listen;  ///< a printer each
+  std::vector<std::string> listen;  ///< one place for each printer
   HostRule hosts = HostRule::One;
-  std::vector<std::string> settings;    ///< key=value each
-  std::optional<std::string> receipts;  ///< a folder
+  std::vector<std::string> settings;    ///< key=value
+  std::optional<std::string> receipts;  ///< the path of a folder
   ReceiptPer per = ReceiptPer::Job;
   bool strict = false;
   std::optional<std::string> control;
   std::optional<std::string> web;  ///< HOST:PORT or PORT
 };
 
-/// The user's options on the command line. The members of other commands than the one that was
-/// named hold their defaults.
+/// The user's options on the command line. Options of other commands than the named one have their
+/// default values.
 struct Options {
   std::vector<std::string> devices;
-  std::string devicesFrom = "--device";  ///< the place where they were named, for people
+  std::string devicesFrom = "--device";  ///< where they were named: an option or a variable
   std::string portName = "BT:";
   std::string settings;
   std::uint32_t timeout = 10000;  ///< milliseconds
   ZKEmulation emulation = ZKEmulationQuorLine;
-  std::optional<std::string> log;  ///< a file; "-" is standard error
+  std::optional<std::string> log;  ///< the path of a file; "-" is standard error
   std::set<std::int32_t> logLevels = {0};
   bool json = false;
 

@@ -53,7 +53,7 @@ ExitCode codeOf(const PrintResult& result) {
   return codeOfRefusal(result.obstacle);
 }
 
-// How the next job is spared the question; "" if this one was.
+// A hint how the next job can save the question about the proof; "" if this job asked none.
 std::string hintOf(const PrintResult& result) {
   return result.hasAskedForProof ? "\n  hint: ,proof=" + std::string(nameOf(result.proof)) +
                                        " after the device saves asking how the printer confirms"
@@ -105,7 +105,7 @@ std::string inWords(const PrintProgress& progress) {
          " bytes (" + std::to_string(percent) + " %)";
 }
 
-// `named` is null for a job without a name.
+// Prints the job. `named` is null if it has no name.
 PrintResult runJob(const std::vector<std::uint8_t>& data, Printer& printer, LiveLine& line,
                    const PrintOptions& options, NamedPrinting* named,
                    const Surroundings& surroundings) {
@@ -126,7 +126,8 @@ PrintResult runJob(const std::vector<std::uint8_t>& data, Printer& printer, Live
   } catch (const CommandFailure&) {
     throw;
   } catch (const std::exception& error) {
-    // The number of bytes sent of the piece under way is unknown.
+    // The piece that was being sent may have arrived in part, so the count of sent bytes is
+    // unknown.
     result.outcome = PrintOutcome::Unconfirmed;
     result.obstacle = PrintObstacle::ExchangeFailed;
     result.bytesTotal = data.size();
@@ -148,7 +149,7 @@ std::optional<Receipt> receiptFor(const Options& options, const InterruptiblePla
                 : std::nullopt;
 }
 
-// A job that was printed remains printed; the command has not done its whole task.
+// A printed job counts as printed, although the command has not done its whole task.
 void noteMissingReceipt(Report& report, const std::string& why) {
   if (report.code == ExitCode::Done) {
     report.code = ExitCode::ExchangeFailed;
@@ -172,7 +173,7 @@ std::string chosenDevice(const Options& options, const InterruptiblePlatform& pl
   return devices[static_cast<std::size_t>(chosen - accessories.begin())];
 }
 
-// From the turn on the printer to the outcome.
+// Waits for the printer's turn, prints the job, and returns its outcome.
 PrintResult sendData(const std::vector<std::uint8_t>& data,
                      const std::shared_ptr<InterruptiblePlatform>& platform,
                      const std::string& device, NamedPrinting* named, const Options& options,
@@ -183,7 +184,7 @@ PrintResult sendData(const std::vector<std::uint8_t>& data,
   return runJob(data, printer, line, options.print, named, surroundings);
 }
 
-// The same under a name.
+// Does the same for a job with a name.
 Report printNamed(const std::vector<std::uint8_t>& data,
                   const std::shared_ptr<InterruptiblePlatform>& platform, const std::string& device,
                   const Options& options, const Surroundings& surroundings) {
@@ -218,7 +219,7 @@ Report printData(const std::vector<std::uint8_t>& data, const Options& options,
   return report;
 }
 
-// A job that "prints" on the virtual printer because its device was forgotten would be lost.
+// Without a device the job would "print" on the virtual printer, and its user would miss the paper.
 void requireDevice(const Options& options) {
   if (options.devices.empty()) {
     throw CommandFailure(

@@ -31,7 +31,7 @@ std::shared_ptr<ExternalAccessoryPort> makePort(const Options& options,
   return port;
 }
 
-// Takes part in a port's choice and turns the session down.
+// An accessory that a port can choose, but that refuses the session.
 class Candidate : public ForwardingAccessory {
  public:
   using ForwardingAccessory::ForwardingAccessory;
@@ -47,8 +47,8 @@ class Candidate : public ForwardingAccessory {
   bool chosen_ = false;
 };
 
-// The platform of a port that only makes its choice: without a thread of its own, as off the main
-// thread, and without the pauses around a session, as there is no session.
+// The platform of a port that only chooses an accessory. It pretends to be off the main thread, so
+// that the port starts no thread, and it skips the pauses around a session, because there is none.
 class Trial : public ForwardingPlatform {
  public:
   Trial() : Trial(std::make_shared<posix::PosixPlatform>()) {}
@@ -91,7 +91,7 @@ CommandFailure whyNotOpen(const InterruptiblePlatform& platform, const Options& 
   return noneMatches(platform, options);
 }
 
-// The port's thread keeps its port and has a last record to write.
+// The port's thread keeps the port alive, and still has to write a last record.
 void awaitRelease(const std::weak_ptr<ExternalAccessoryPort>& port) {
   using namespace std::chrono_literals;
   const auto deadline = std::chrono::steady_clock::now() + 2s;
@@ -183,7 +183,7 @@ void Printer::close() {
   }
 }
 
-/// Bytes from before the loss that nobody has read do not hide it.
+/// A loss is noticed even if bytes that arrived before it have not been read.
 bool Printer::isLinkLost() {
   for (const auto& accessory : platform_->accessories()) {
     accessory->noticeLoss();

@@ -13,43 +13,44 @@
 
 namespace quordalvane::tool {
 
-/// The devices of the options, in their order; the virtual printer if there are none.
+/// The devices in the options, in order; the virtual printer if the options name none.
 std::vector<std::string> devicesOf(const Options& options);
 
-/// Presents these devices, and says on standard error if it is the virtual printer because there
-/// are none. Throws a CommandFailure with ExitCode::Usage for a SPEC that is no device.
+/// Makes an accessory of each of these devices. If the options name none, it says on standard error
+/// that it uses the virtual printer. Throws a CommandFailure with ExitCode::Usage for an invalid
+/// device text.
 std::shared_ptr<InterruptiblePlatform> presentDevices(const Options& options,
                                                       const Surroundings& surroundings);
 
-/// The accessory that a port with these options would choose among those of the platform; null if
-/// none. Connects nothing, and leaves nothing in the diagnostic records.
+/// The accessory that a port with these options would choose; null if it would choose none. Opens
+/// no connection, and writes no diagnostic records.
 std::shared_ptr<EAAccessory> chosenAccessory(const InterruptiblePlatform& platform,
                                              const Options& options);
 
-/// The failure of a port whose name chooses none of the platform's accessories.
+/// The failure to report if the port name chooses none of the platform's accessories.
 CommandFailure noneMatches(const InterruptiblePlatform& platform, const Options& options);
 
-/// The port of a command, open as long as this lives.
+/// The port of a command, open during the lifetime of this object.
 class Printer {
  public:
-  /// Opens the port. Throws a CommandFailure with ExitCode::NoAccessory and the reason if that
-  /// fails. No other port of the command may be open.
+  /// Opens the port. Throws a CommandFailure with ExitCode::NoAccessory and the reason if this
+  /// fails. The command must have no other open port.
   Printer(const Options& options, const Surroundings& surroundings);
 
-  /// The same on a platform that presents the devices already.
+  /// Opens the port on a platform that already has the devices.
   Printer(const std::shared_ptr<InterruptiblePlatform>& platform, const Options& options,
           const Surroundings& surroundings);
 
-  /// Closes the port. With the diagnostic records on it waits for the port's thread, which first
-  /// ends its slice of 0.1 s, but no longer than two seconds.
+  /// Closes the port. If diagnostic records are written, it waits until the port's thread has
+  /// written its last one: usually 0.1 s, at most two seconds.
   ~Printer();
   Printer(const Printer&) = delete;
   Printer& operator=(const Printer&) = delete;
 
   const std::shared_ptr<ExternalAccessoryPort>& port() { return port_; }
 
-  /// Asks the printer by `question`, which is given an inquiry, and returns its answer. Throws the
-  /// CommandFailure of a question without an answer.
+  /// Calls `question` with an inquiry and returns its answer. Throws the CommandFailure of
+  /// `failure` if the printer gives no answer.
   template <typename Asker>
   auto ask(Asker question) {
     PrinterInquiry inquiry(port_);
@@ -60,11 +61,11 @@ class Printer {
     }
   }
 
-  /// The CommandFailure of a question without an answer.
+  /// The failure to report if a question got no answer.
   CommandFailure failure(const InquiryError& error);
 
-  /// For a text about a printer that gives no answer: "; its port reports: paper out". "" if the
-  /// port reports nothing.
+  /// The state that the port's last status shows, to be appended to a text: "; its port reports:
+  /// paper out". "" if it shows no trouble.
   std::string portReport() const;
 
  private:

@@ -8,10 +8,11 @@
 
 namespace quordalvane::tool {
 
-/// Takes the printer of `device` for a job. Waits, and says so on standard error, while another job
-/// of this machine has it. Empty if there is nothing to wait for: the printer is the built-in one,
-/// or the locks cannot be used, which standard error reports; printing matters more. Throws a
-/// CommandFailure with ExitCode::NotReady when the time-out of the options is over.
+/// Reserves the printer of `device` for a job. While another job of this machine has it, it waits,
+/// and says so on standard error. The result is empty if no lock is needed, because the printer is
+/// the built-in one. It is also empty if the locks cannot be used: this is reported on standard
+/// error, and the job is printed anyway. Throws a CommandFailure with ExitCode::NotReady if the
+/// wait exceeds the time-out in the options.
 std::optional<ByteLock> takePrinter(const std::string& device, const Options& options,
                                     const Surroundings& surroundings);
 

@@ -1,4 +1,4 @@
-// The commands that are one exchange with the printer, but for the status.
+// The commands that are one question to the printer, except `status`.
 
 #include <nlohmann/json.hpp>
 

@@ -12,21 +12,22 @@ class VirtualAccessory;
 
 namespace quordalvane::tool {
 
-/// Writes the paper to a file: as a picture if its name ends in .png, otherwise as text.
-/// Returns an empty text, or the reason if it could not.
+/// Writes the paper to a file: as a picture if the name ends in .png, otherwise as text. Returns ""
+/// on success, otherwise the reason.
 std::string writePaper(const simulator::Paper& paper, const std::string& file);
 
-/// Writes the bytes to a file. Returns an empty text, or the reason if it could not.
+/// Writes the bytes to a file. Returns "" on success, otherwise the reason.
 std::string writeFile(const std::string& bytes, const std::string& file);
 
-/// The receipt file of a job on the printer that is built in.
+/// The receipt file of a job on the built-in virtual printer.
 class Receipt {
  public:
-  /// Throws a CommandFailure with ExitCode::Usage if the accessory, which must not be null, is
-  /// another printer or the file cannot be written.
+  /// `accessory` must not be null. Throws a CommandFailure with ExitCode::Usage if it is not the
+  /// virtual printer, or if the file cannot be written.
   Receipt(std::string file, const std::shared_ptr<EAAccessory>& accessory);
 
-  /// Writes the output of the printer so far. Returns an empty text, or the reason if it could not.
+  /// Writes everything that the printer has printed so far. Returns "" on success, otherwise the
+  /// reason.
   std::string write();
 
  private:

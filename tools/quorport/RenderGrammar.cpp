@@ -7,7 +7,7 @@ namespace {
 
 using Content = RenderOptions::Content;
 
-// Of several the last one counts.
+// If the option is repeated, the last one counts.
 template <typename Value>
 CLI::Option* addValue(CLI::App& app, const std::string& name, const std::string& type,
                       const std::string& help, Value& value) {

@@ -9,8 +9,8 @@ class Option;
 
 namespace quordalvane::tool {
 
-/// The options for the kind of a file and the commands printed around it, added as the other
-/// commands' are. `file` is the option with the name of the file, which a test page does without.
+/// Adds the options for the kind of a file and for the commands printed around it, as the functions
+/// of OptionGrammar.h do. `file` is the option that names the file; a test page needs no file.
 void addRenderOptions(CLI::App& app, RenderOptions& options, CLI::Option& file);
 
 }  // namespace quordalvane::tool

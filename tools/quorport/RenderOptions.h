@@ -12,10 +12,11 @@ struct RenderOptions {
 
   Content content = Content::Bytes;
   std::uint32_t width = 576;            ///< of the paper, in dots
-  std::optional<std::string> codePage;  ///< as render::CodePage takes it; ASCII alone without
-  bool isOrdered = false;               ///< grey by a pattern, not by spreading errors
+  std::optional<std::string> codePage;  ///< the text that render::CodePage reads; empty means ASCII
+                                        ///< only
+  bool isOrdered = false;               ///< grey as an ordered pattern, not by error diffusion
   bool cut = false;
-  std::optional<std::uint32_t> drawer;  ///< 1 or 2
+  std::optional<std::uint32_t> drawer;  ///< 1 or 2; empty: no drawer opens
   bool drawerAfter = false;
 };
 

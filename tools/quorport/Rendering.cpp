@@ -21,7 +21,7 @@ namespace {
 using Bytes = std::vector<std::uint8_t>;
 using Content = RenderOptions::Content;
 
-// As much as a job of bytes may have; a text becomes larger when it is drawn.
+// In bytes, as for jobs that are not rendered: a text grows when it is drawn.
 constexpr std::size_t largestJob = std::size_t{256} << 20U;
 constexpr std::size_t mostNamed = 8;
 
@@ -42,7 +42,7 @@ void tellMissing(const std::set<char32_t>& missing, const Streams& streams) {
            streams);
 }
 
-// Collects the job, up to the size that a job may have.
+// Returns an output that appends to the job, up to the largest size of a job.
 render::Output into(Bytes& job) {
   return [&job](std::span<const std::uint8_t> bytes) {
     if (job.size() + bytes.size() > largestJob) {

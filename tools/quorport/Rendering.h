@@ -8,10 +8,10 @@
 
 namespace quordalvane::tool {
 
-/// The bytes for the printer, of the contents of a file. Without options they are the contents.
+/// Turns the contents of a file into bytes for the printer. Without options they are unchanged.
 /// Reports on standard error the parts that the paper will not show correctly. Throws a
-/// CommandFailure with ExitCode::Usage if the contents do not fit the options, or this build cannot
-/// render them.
+/// CommandFailure with ExitCode::Usage if the contents do not fit the options, or if this build
+/// cannot render them.
 std::vector<std::uint8_t> rendered(const std::vector<std::uint8_t>& contents,
                                    const RenderOptions& options, const Streams& streams);
 

@@ -10,33 +10,34 @@
 
 namespace quordalvane::tool {
 
-/// The result of a command in both forms.
+/// The result of a command, as JSON and as text.
 struct Report {
   ExitCode code = ExitCode::Done;
-  JsonObject json;    ///< empty if nothing is left to report
-  std::string text;   ///< for people, lines that end in a line feed
-  std::string error;  ///< why it failed, for people; "" if it did not
+  JsonObject json;    ///< empty if nothing remains to be reported
+  std::string text;   ///< for people: lines that end in a line feed
+  std::string error;  ///< for people: the reason of the failure; "" on success
 };
 
-/// The report of a command that did its task, with a line for people.
+/// The report of a command that succeeded, with one line for people.
 Report done(const std::string& line);
 
-/// The report of a command that failed, with the failure alone in it.
+/// The report of a command that failed, which contains only the failure.
 Report failed(ExitCode code, const std::string& error);
 
 /// Adds the failure to the report.
 void setFailed(Report& report, ExitCode code, const std::string& error);
 
-/// The device in front of a text for people: "tcp:192.0.2.10:9100: "; "" for null.
+/// The prefix that names the device in a text for people: "tcp:192.0.2.10:9100: "; "" if `device`
+/// is empty.
 std::string labelOf(const std::optional<std::string>& device);
 
-/// Writes the name of the device into a report that says anything: as `device` of the object, and
-/// in front of the texts for people. Null changes nothing.
+/// Adds the name of the device to a report that is not empty: as `device` to the object, and as a
+/// prefix to the texts for people. Does nothing if `device` is empty.
 void nameDevice(Report& report, const std::optional<std::string>& device);
 
-/// Writes the report: its text, or with `asJson` its object, to standard output; its error to
-/// standard error. The error is why standard output did not take it, which standard error also
-/// says.
+/// Writes the report: its text, or with `asJson` its object, to standard output, and its error to
+/// standard error. If standard output cannot be written, returns the reason and reports it on
+/// standard error.
 std::error_code deliver(const Report& report, bool asJson, const Streams& streams);
 
 }  // namespace quordalvane::tool

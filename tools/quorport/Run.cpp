@@ -31,13 +31,13 @@ struct Answer {
   CommandKind kind;
 };
 
-// The answer of a command that did not begin; `job` is the name of a job, null without one.
+// The report of a command that did not begin. `job` is the name of the job, empty if it has none.
 Report refusal(CommandKind kind, ExitCode code, const std::string& error,
                const std::optional<std::string>& job) {
   return kind == CommandKind::Printing ? refusedJob(code, error, 0, job) : failed(code, error);
 }
 
-// For the moment when nothing is open: nothing need be undone.
+// Ends the process while nothing is open, so nothing must be closed.
 [[noreturn]] void leaveAtOnce(const Report& report, bool asJson, const Streams& streams) {
   LiveLine(streams.err).hide();
   deliver(report, asJson, streams);
@@ -45,7 +45,7 @@ Report refusal(CommandKind kind, ExitCode code, const std::string& error,
   std::_Exit(static_cast<int>(report.code));
 }
 
-// With a device for each that a text means.
+// Replaces each text that means several devices by those devices.
 Options meant(Options options) {
   std::vector<std::string> devices;
   for (const std::string& text : options.devices) {
@@ -86,8 +86,8 @@ Report reportOf(const Order& order, const Streams& streams) {
     interruption->end();
   }
   nameDevice(report, interruption->device());
-  // A task that is done remains done, however late the wish to stop arrived. Otherwise the exit
-  // status shows that wish, and the report shows the result.
+  // A completed task counts as completed, however late the request to stop arrived. Otherwise the
+  // exit status shows that request, and the report shows the result.
   if (report.code != ExitCode::Done) {
     report.code = interruption->code().value_or(report.code);
   }
@@ -98,7 +98,7 @@ Answer answerTo(const std::vector<std::string>& arguments, const Streams& stream
   ExitCode code = ExitCode::Done;
   std::string error;
   try {
-    const StopSignals held;  // a signal waits until the command can report the interruption
+    const StopSignals held;  // delays signals until the command can report an interruption
     const auto parsed = parseCommandLine(arguments);
     if (const auto* order = std::get_if<Order>(&parsed)) {
       return {reportOf(*order, streams), order->options.json, order->command->kind};
@@ -118,9 +118,10 @@ Answer answerTo(const std::vector<std::string>& arguments, const Streams& stream
   return {refusal(kind, code, error, jobNamedIn(arguments)), askForJson(arguments), kind};
 }
 
-// The exit status of a command that is done, and whose result nobody could read. Who asked a
-// question must not take silence for an answer. Who prints must not print again, and must not take
-// the job for printed unseen, either; unless the result was never wanted.
+// The exit status of a command that succeeded, but whose result could not be written. A question
+// then counts as failed. A print job must not be repeated, but its user must not believe that it
+// was seen to be printed: it counts as unconfirmed. If standard output was closed from the start,
+// nobody wanted the result.
 ExitCode codeOfLostResult(CommandKind kind, const std::error_code& error) {
   if (kind != CommandKind::Printing) {
     return ExitCode::ExchangeFailed;

@@ -7,9 +7,9 @@
 
 namespace quordalvane::tool {
 
-/// Runs the command that `arguments`, without the program's own name, ask for. Returns the exit
-/// code. SIGINT, SIGTERM and SIGHUP end the command meanwhile: in an orderly way, with a return,
-/// if a port is open, otherwise by ending the process with the code for that.
+/// Runs the command that `arguments` name; they do not contain the program's own name. Returns the
+/// exit status. SIGINT, SIGTERM and SIGHUP end the command. If a port is open, it is closed and the
+/// function returns; otherwise the process ends at once, with the exit status of the signal.
 int run(const std::vector<std::string>& arguments, const Streams& streams);
 
 }  // namespace quordalvane::tool

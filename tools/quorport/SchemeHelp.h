@@ -4,7 +4,7 @@
 
 namespace quordalvane::tool {
 
-/// How a device is written, a scheme a line: the part of --help that the back ends decide.
+/// The part of --help that lists the schemes, one in each line, with the syntax of their devices.
 std::string schemeHelp();
 
 }  // namespace quordalvane::tool

@@ -33,7 +33,7 @@ simulator::PrinterBuilder printerOf(const SimulateOptions& options) {
   return printer;
 }
 
-// The name follows the place: tcp:9100,name=till.
+// Splits the name from the place: tcp:9100,name=till.
 Server::Host hostIn(const std::string& spec) {
   constexpr std::string_view key = ",name=";
   const std::size_t begin = spec.rfind(key);
@@ -51,7 +51,7 @@ Server::Host hostIn(const std::string& spec) {
 }  // namespace
 
 Report simulate(const Options& options, const Surroundings& surroundings) {
-  // In the background of a terminal, standard input is not ours to read; trying must not stop us.
+  // If the command runs in the background of a terminal, reading standard input would stop it.
   std::signal(SIGTTIN, SIG_IGN);
   auto printer = printerOf(options.simulate);
   Server::Places places;

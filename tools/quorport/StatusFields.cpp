@@ -15,7 +15,8 @@ namespace {
 
 using Status = QuorPrinterStatus_2;
 
-// A flag's name, and the remark when it is up; "" if the summary has it, or nobody needs to know.
+// A flag's name, and the remark to be made if it is set. The remark is "" if the summary contains
+// it or nobody needs it.
 struct FlagField {
   std::string_view name;
   std::uint32_t Status::*flag;

@@ -9,16 +9,17 @@
 
 namespace quordalvane::tool {
 
-/// The record, every field by its name and in its order; `raw` as hex, as many bytes as there are.
+/// The record as an object: every field by its name, in order. `raw` is in hex digits, and as long
+/// as the reply was.
 Json jsonOf(const QuorPrinterStatus_2& status);
 
-/// Remarks about the printer: first whether it can print and why not.
+/// Remarks about the printer for people: first whether it can print, and if not, why.
 std::vector<std::string> remarks(const QuorPrinterStatus_2& status);
 
-/// The same in lines.
+/// The same remarks as lines of text.
 std::string describe(const QuorPrinterStatus_2& status);
 
-/// Every field of the record, a line each.
+/// Every field of the record as a line of text.
 std::string describeEveryField(const QuorPrinterStatus_2& status);
 
 }  // namespace quordalvane::tool

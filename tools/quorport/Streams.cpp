@@ -5,7 +5,7 @@
 namespace quordalvane::tool {
 
 void complain(const std::string& line, const Streams& streams) {
-  writeAll(streams.err, "quorport: " + line + "\n");  // if this fails, nobody can learn it
+  writeAll(streams.err, "quorport: " + line + "\n");  // if this fails, it cannot be reported
 }
 
 }  // namespace quordalvane::tool

@@ -7,10 +7,10 @@
 namespace quordalvane::tool {
 namespace {
 
-// No name is longer, and the work grows with the square of the length.
+// Longer words match no name, and the work grows with the square of the length.
 constexpr std::size_t longestWord = 40;
 
-// How many letters were left out, added, mistaken, or exchanged with their neighbour.
+// The count of letters that were left out, added, replaced, or exchanged with their neighbour.
 std::size_t distance(std::string_view a, std::string_view b) {
   std::vector<std::vector<std::size_t>> table(a.size() + 1, std::vector<std::size_t>(b.size() + 1));
   for (std::size_t i = 0; i <= a.size(); ++i) {

@@ -6,8 +6,9 @@
 
 namespace quordalvane::tool {
 
-/// The candidate that somebody who wrote `word` probably meant: it begins with the word, or few
-/// letters differ. "" if there is none. Of several the nearest, and of these the first.
+/// The candidate that the writer of `word` probably meant: one that begins with the word, or
+/// differs in few letters. Of several it is the nearest, and of equally near ones the first. "" if
+/// there is none.
 std::string suggestion(std::string_view word, const std::vector<std::string>& candidates);
 
 }  // namespace quordalvane::tool

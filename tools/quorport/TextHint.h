@@ -7,7 +7,8 @@
 
 namespace quordalvane::tool {
 
-/// Says on standard error that bytes which are UTF-8 text beyond ASCII will not print as such.
+/// Warns on standard error if the bytes are UTF-8 text with other characters than ASCII, which the
+/// printer would print wrongly.
 void hintAtText(std::span<const std::uint8_t> job, const Streams& streams);
 
 }  // namespace quordalvane::tool

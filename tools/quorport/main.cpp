@@ -9,7 +9,7 @@
 int main(int argc, char** argv) {
   quordalvane::tool::occupyDescriptors(STDERR_FILENO);
   std::signal(SIGPIPE, SIG_IGN);
-  std::signal(SIGXFSZ, SIG_IGN);  // a file that grows too large is an error of its write
+  std::signal(SIGXFSZ, SIG_IGN);  // a full file is then an error of the write, not the end
   quordalvane::addBluetoothScheme();
   return quordalvane::tool::run({argv + 1, argv + argc}, {});
 }

@@ -20,7 +20,7 @@
 namespace quordalvane::tool {
 namespace {
 
-// An open file that did not exist before, or -1 with errno set.
+// Creates a file that did not exist. Returns its descriptor, or -1 with errno set.
 int createNew(const std::string& path) {
   return ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
 }
@@ -69,7 +69,7 @@ class Bundle::Records : public LogSink {
     }
   }
 
-  /// To be called when nothing is written any more.
+  /// To be called after the last record has been written.
   const Json& all() const { return all_; }
 
  private:
@@ -84,7 +84,7 @@ Bundle::Bundle(const Options& options)
                          "--bundle: the file " + inQuotes(path_) +
                              " cannot be made: " + std::generic_category().message(errno));
   }
-  // An examination that is interrupted leaves no file.
+  // The file is removed again, so that an interrupted examination leaves no file.
   ::close(file);
   ::unlink(path_.c_str());
   recording_.emplace(records_, options.logLevels);

@@ -9,19 +9,18 @@
 
 namespace quordalvane::tool {
 
-/// The file for support: versions, the options, the findings, and the diagnostic records of the
-/// whole examination, as one JSON object. Records are gathered as long as this lives.
+/// The file for support. It is one JSON object with the versions, the options, the findings and the
+/// diagnostic records of the whole examination. Collects the records during its lifetime.
 class Bundle {
  public:
-  /// Throws a CommandFailure with ExitCode::Usage if there is such a file already, or there cannot
-  /// be one.
+  /// Throws a CommandFailure with ExitCode::Usage if the file exists already or cannot be created.
   explicit Bundle(const Options& options);
   ~Bundle();
   Bundle(const Bundle&) = delete;
   Bundle& operator=(const Bundle&) = delete;
 
-  /// Writes the file, which only its owner may read. Returns "", or why it could not be written; it
-  /// is not there then. To be called once; nothing is gathered any more.
+  /// Stops collecting, and writes the file, which only its owner may read. Returns "" on success,
+  /// otherwise the reason; then there is no file. To be called once.
   std::string write(const Json& findings);
 
  private:

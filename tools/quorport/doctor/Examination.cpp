@@ -23,13 +23,13 @@ namespace {
 // Nobody waits for a doctor as long as for a receipt; printers answer within some milliseconds.
 constexpr std::uint32_t longestTimeout = 1000;
 
-// The result of one question for the status.
+// The result of one status query.
 struct Answer {
   std::optional<Finding> notOpened;
   std::optional<QuorPrinterStatus_2> status;
   std::optional<ProofKind> proof;
-  ByteBuffer bytes;        // the first that arrived, understood or not
-  std::string portReport;  // of one without a status
+  ByteBuffer bytes;        // the first that arrived, even if they are not a status
+  std::string portReport;  // if there is no status: the port's last known trouble
   bool isLinkLost = false;
 };
 
@@ -86,7 +86,7 @@ class Examination {
   }
 
  private:
-  // The device as it was given, and as it may be set otherwise.
+  // The device as given, and then with its other possible settings.
   std::vector<SchemeVariant> variants() const {
     if (scheme_.variants != nullptr) {
       return scheme_.variants(spec_);
@@ -129,7 +129,7 @@ class Examination {
     PrinterInquiry inquiry(printer.port());
     try {
       answer.status = inquiry.status();
-      if (answer.status->offline == 0) {  // another one may keep its answers
+      if (answer.status->offline == 0) {  // a printer that is off line may keep its answers
         answer.proof = inquiry.proof();
       }
     } catch (const InquiryError& error) {
@@ -189,8 +189,8 @@ class Examination {
   LiveLine& line_;
   Diagnosis diagnosis_;
   bool isLinkLost_ = false;
-  bool wasOpened_ = false;  // a line may refuse some settings
-  ByteBuffer bytes_;        // that arrived instead of a status
+  bool wasOpened_ = false;  // false if the line refused the settings
+  ByteBuffer bytes_;        // the bytes that arrived instead of a status
   std::string portReport_;
 };
 

@@ -15,20 +15,20 @@
 
 namespace quordalvane::tool {
 
-/// The result of looking at one device.
+/// The result of examining one device.
 struct Diagnosis {
-  std::string device;  ///< its text
-  Findings findings;   ///< empty if the printer is well
+  std::string device;  ///< its device text
+  Findings findings;   ///< empty if the printer has no fault
   std::vector<std::string> remarks;
-  std::optional<QuorPrinterStatus_2> status;   ///< null if none was obtained
-  std::optional<ProofKind> proof;              ///< null if it was not asked
-  ZKEmulation emulation = ZKEmulationUnknown;  ///< in which it answered
+  std::optional<QuorPrinterStatus_2> status;   ///< empty if the printer gave none
+  std::optional<ProofKind> proof;              ///< empty if it was not asked
+  ZKEmulation emulation = ZKEmulationUnknown;  ///< the one in which the printer answered
 };
 
-/// Examines the device whose text is `device`, for any port name. Nothing is printed, and the
-/// printer keeps the data that it holds; a serial printer that does not answer is asked at every
-/// other speed as well, which may make it print stray characters. Throws a CommandFailure with
-/// ExitCode::Usage for a text that is no device. `line` shows the progress.
+/// Examines the device, whatever the port name is. Prints nothing, and the printer keeps the data
+/// that it holds. But a serial printer that does not answer is also asked at every other speed,
+/// which may make it print stray characters. Shows the progress on `line`. Throws a CommandFailure
+/// with ExitCode::Usage for an invalid device text.
 Diagnosis examine(const std::string& device, const Options& options,
                   const Surroundings& surroundings, LiveLine& line);
 

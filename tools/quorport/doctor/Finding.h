@@ -8,12 +8,12 @@
 
 namespace quordalvane::tool {
 
-/// One fault, and the advice about it.
+/// A fault, and advice about it.
 struct Finding {
-  std::string_view cause;  ///< its name, on which scripts rely
-  ExitCode code;           ///< how a command ends because of it
+  std::string_view cause;  ///< a name that scripts rely on
+  ExitCode code;           ///< the exit status of a command that fails for this reason
   std::string text;        ///< the fault, for people
-  std::string advice;      ///< the next step, for people
+  std::string advice;      ///< for people: the next step
 };
 
 using Findings = std::vector<Finding>;

@@ -9,10 +9,10 @@
 
 namespace quordalvane::tool {
 
-/// How a command ends that could not open a device because of `error`.
+/// The exit status of a command that could not open a device because of `error`.
 ExitCode codeOfOpening(const std::error_code& error);
 
-/// Why a session on the device could not be opened; to be asked after an attempt that failed.
+/// Finds out why a session on the device could not be opened. To be called after a failed attempt.
 Finding whyNotOpened(const DeviceSpec& spec, EAAccessory& accessory);
 
 }  // namespace quordalvane::tool

@@ -16,34 +16,33 @@
 
 namespace quordalvane::tool {
 
-/// Those who look at the printers in a browser, and control them. Works on the printers' loop, and
-/// never waits.
+/// The browsers that show and control the printers. Works on the printers' loop, and never waits.
 class Audience {
  public:
   virtual ~Audience() = default;
 
-  /// Where a browser finds the printers; with the token that lets it in.
+  /// The URL of the page, with the token that lets a browser in.
   virtual std::string address() const = 0;
 
-  /// Adds what it waits for.
+  /// Adds the descriptors that it waits for.
   virtual void await(std::vector<pollfd>& awaited) const = 0;
 
-  /// When it must work without anything that was waited for; empty if never.
+  /// When `work` must be called even if no descriptor is ready; empty if never.
   virtual std::optional<simulator::Instant> nextEvent(simulator::Instant now) const = 0;
 
-  /// Shows what the printers have done, and does all that can be done for browsers now.
+  /// Shows the printers' latest output, and does all that can be done for browsers now.
   virtual void work(simulator::Instant now) = 0;
 
-  /// The paper of that station, by its number from 0, was torn off.
+  /// To be called when the paper of a station was torn off; stations are numbered from 0.
   virtual void tearOff(std::size_t station, const simulator::Paper& paper) = 0;
 
-  /// The receipts of a job have been drawn.
+  /// To be called when the receipts of a job have been drawn.
   virtual void keep(ReceiptWriter::Done job) = 0;
 };
 
-/// Serves browsers at that place, which is one of `tcp:`. The stations and the control must outlive
-/// it. Throws a CommandFailure with ExitCode::Usage in a program that was built without the web,
-/// and with ExitCode::ExchangeFailed if the system refuses.
+/// Serves browsers at `place`, which must be of scheme `tcp:`. `stations` and `control` must
+/// outlive the result. Throws a CommandFailure: with ExitCode::Usage in a build without the web
+/// server, with ExitCode::ExchangeFailed if the system refuses.
 std::unique_ptr<Audience> openWeb(std::unique_ptr<Listener> place, std::list<Station>& stations,
                                   Control& control);
 

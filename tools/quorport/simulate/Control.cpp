@@ -28,7 +28,7 @@ std::string shortened(const Json& value) {
   return printable(inOneLine(value).substr(0, 60));
 }
 
-// A value as text, as the printer's settings and faults take it.
+// Converts a value to the text form that the printer's settings and faults expect.
 std::string textOf(const std::string& key, const Json& value) {
   if (value.is_string()) {
     return value.get<std::string>();
@@ -39,7 +39,8 @@ std::string textOf(const std::string& key, const Json& value) {
   refuse(key + " takes true, false, a number or a text, not " + shortened(value));
 }
 
-// A flag is no text and a text is no number, although both are written the same on a command line.
+// Refuses a value of the wrong JSON type: on a command line all types look alike, in JSON they
+// differ.
 void checkKind(const std::string& key, const Json& value) {
   const bool isText = key == "firmware" || key == "dip1" || key == "dip2" || key == "proofs" ||
                       key == "profile" || key == "lacks" || key == "codePages" ||
@@ -85,7 +86,7 @@ Json stateOf(const simulator::VirtualPrinter& printer) {
   return json;
 }
 
-// A value as lines give it: a truth, a number or a text.
+// Converts the text of a setting to its JSON type: a boolean, a number or a string.
 Json valueOf(const simulator::SettingForm& form, const std::string& text) {
   switch (form.kind) {
     case simulator::SettingForm::Kind::Flag:
@@ -150,7 +151,8 @@ std::string Control::answer(std::string_view line, simulator::Instant now,
   return text;
 }
 
-// The key `printer` is for every request; without it the printer in question is each.
+// Removes the key `printer` from the request, and returns the printer that it names. Without the
+// key, returns the printer `only`, or all.
 Control::Printers Control::printersIn(Json& request, std::optional<std::size_t> only) {
   Printers chosen;
   const bool isNamed = request.is_object() && request.contains("printer");

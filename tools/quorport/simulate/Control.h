@@ -13,36 +13,37 @@
 
 namespace quordalvane::tool {
 
-/// Obeys the lines that change running printers and look at them, one JSON object each. A line is
-/// for the printer that it names by `printer`, or for all of them. Every door to the printers ends
-/// here, so that none can do what another cannot.
+/// Executes control lines, which change or query the running printers; each line is one JSON
+/// object. A line applies to the printer that its key `printer` names, or to all of them. Standard
+/// input, the control socket and browsers all use this class, so each of them can do the same.
 class Control {
  public:
-  /// What is done with the printer as a whole. A deed that cannot be done throws
-  /// std::invalid_argument with a text for people.
+  /// Actions on the whole printer. If an action is impossible, it throws std::invalid_argument with
+  /// a text for people.
   struct Deeds {
     std::function<void()> tearOff = [] {};
     std::function<void()> printTest = [] {};
     std::function<Counters()> counters = [] { return Counters(); };
   };
 
-  /// Adds a printer under a name, which may be empty. Both must outlive this.
+  /// Adds a printer. `name` may be empty. `printer` and `links` must outlive this.
   void add(const std::string& name, simulator::VirtualPrinter& printer, Links& links, Deeds deeds);
 
-  /// Obeys a line and returns the answer, one JSON object: `ok` true, or false with `error`, and
-  /// then nothing has changed. With `only` it is for the printer of that number, from 0.
+  /// Executes a line and returns the answer, one JSON object. In it `ok` is true, or false with the
+  /// reason in `error`; then nothing has changed. With `only`, the line applies to the printer of
+  /// that number, from 0.
   std::string answer(std::string_view line, simulator::Instant now,
                      std::optional<std::size_t> only = std::nullopt);
 
-  /// Gets to know each line and its answer.
+  /// Is called with each line and its answer.
   using Listener = std::function<void(std::string_view line, std::string_view answer,
                                       std::optional<std::size_t> only)>;
   void listen(Listener listener) { listener_ = std::move(listener); }
 
-  /// What a line `get` answers about a printer.
+  /// The answer to a line `get` about one printer.
   Json get(const std::string& what, std::size_t printer) const;
 
-  /// Whether a line has asked for the end.
+  /// True if a line has asked for the end.
   bool quitWanted() const { return quitWanted_; }
 
  private:

@@ -16,7 +16,7 @@ constexpr std::size_t longestLine = std::size_t{64} << 10U;
 constexpr std::size_t mostAnswers = std::size_t{64} << 10U;
 constexpr std::size_t mostWaiting = std::size_t{1} << 20U;
 
-// A pipe that is ready for writing takes so much without blocking.
+// A pipe that is ready for writing takes this many bytes without blocking.
 constexpr std::size_t pieceSize = 4096;
 
 constexpr auto tooLong =
@@ -100,7 +100,7 @@ void ControlChannel::writeAnswers() {
   if (count > 0) {
     answers_.erase(0, static_cast<std::size_t>(count));
   } else if (errno != EAGAIN && errno != EINTR) {
-    inputEnded_ = true;  // who does not hear the answers has left
+    inputEnded_ = true;  // a client that does not read the answers has left
     answers_.clear();
   }
 }

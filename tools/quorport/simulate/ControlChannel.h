@@ -12,15 +12,14 @@
 
 namespace quordalvane::tool {
 
-/// Lines in, answers out, on a pair of descriptors. Never waits for either side: while answers are
-/// not taken no more lines are.
+/// Reads control lines from one descriptor and writes their answers to another. Never waits for
+/// either: if the answers are not read, it reads no more lines.
 class ControlChannel {
  public:
-  /// On descriptors that remain the caller's, which may be blocking ones. `control` must outlive
-  /// this.
+  /// Uses descriptors that remain the caller's; they may be blocking. `control` must outlive this.
   ControlChannel(int in, int out, Control& control) : in_(in), out_(out), control_(control) {}
 
-  /// On a line, both ways.
+  /// Reads from and writes to the line, which it owns.
   ControlChannel(std::unique_ptr<Line> line, Control& control);
 
   /// Adds the descriptors that the channel waits for.
@@ -29,14 +28,14 @@ class ControlChannel {
   /// Does all that can be done now.
   void work(simulator::Instant now);
 
-  /// Writes lines of others, which have their ends, after the answers that wait. Waits itself for
-  /// whoever reads while too many bytes wait.
+  /// Queues other lines, each with its line feed, after the pending answers. If too many bytes are
+  /// queued, it blocks until all are written.
   void say(const std::string& lines);
 
-  /// Writes all that waits, however long that takes.
+  /// Writes all that is queued; blocks until it is written.
   void flush();
 
-  /// Whether it has ended: no more lines, no more answers.
+  /// True if the input has ended and all answers are written.
   bool isOver() const { return inputEnded_ && answers_.empty(); }
 
   bool hasAnswers() const { return !answers_.empty(); }
@@ -51,7 +50,7 @@ class ControlChannel {
   const int out_;
   Control& control_;
   std::string unread_;
-  bool skipsLine_ = false;  // the rest of a line that is too long has not arrived yet
+  bool skipsLine_ = false;  // the rest of a line that is too long has yet to arrive
   std::string answers_;
   bool inputEnded_ = false;
 };

@@ -4,12 +4,12 @@
 
 namespace quordalvane::tool {
 
-/// A receipt as people look at it.
+/// A receipt as text and as picture.
 struct DrawnReceipt {
   std::string text;
-  unsigned width = 0;   ///< of the picture in dots; 0 without paper
-  unsigned height = 0;  ///< likewise
-  std::string picture;  ///< a PNG file; empty without paper
+  unsigned width = 0;   ///< of the picture in dots; 0 if there is no paper
+  unsigned height = 0;  ///< of the picture in dots; 0 if there is no paper
+  std::string picture;  ///< a PNG file; empty if there is no paper
 };
 
 }  // namespace quordalvane::tool

@@ -12,18 +12,20 @@ namespace {
 using namespace std::chrono_literals;
 using simulator::Instant;
 
-// The bytes taken from a host while the printer has no space: room for requests, which are short.
+// The bytes that are read from a host while the printer has no space: enough for requests, which
+// are short.
 constexpr std::size_t reserve = 64;
 
 constexpr std::size_t pieceSize = 4096;
 
-// More than the system holds for a connection by itself: a host that has left is always noticed.
+// In bytes. The system buffers less than this for one connection, so the end of a host is always
+// found.
 constexpr std::size_t mostReadAhead = std::size_t{16} << 20U;
 
 constexpr std::size_t mostOutgoing = std::size_t{64} << 10U;
 
-// How long a host may take to notice that the printer has dropped the link before bytes on their
-// way to it are given up, and how often it is looked at meanwhile.
+// After the printer has dropped the link: how long the host may take to read the last bytes before
+// they are given up, and how often the connection checks it.
 constexpr Instant settlingTime = 1s;
 constexpr Instant settlingPause = 10ms;
 
@@ -37,7 +39,7 @@ void HostConnection::await(std::vector<pollfd>& awaited) const {
   const int wantsSpace = outgoing_.empty() ? 0 : POLLOUT;
   const int wantsEnd = hostEnded_ ? 0 : POLLRDHUP;
   const auto events = static_cast<short>(wantsInput | wantsSpace | wantsEnd);
-  // Without anything to wait for, a line whose host has left would be ready without end.
+  // Otherwise poll would return at once, again and again, for a line whose host has left.
   if (events != 0 && !wasDropped()) {
     awaited.push_back({.fd = line_->descriptor().number(), .events = events, .revents = 0});
   }
@@ -60,8 +62,8 @@ void HostConnection::work(Instant now) {
   }
 }
 
-// A host that leaves while the printer has no space is not noticed by reading from it. What is left
-// of it is read to its end, which is near: nothing can follow.
+// While the printer has no space, nothing is read from the host, so its end is not noticed by
+// reading. Once it has left, the rest is read to the end: it is short, as nothing can follow.
 void HostConnection::noticeHangUp() {
   constexpr int hangUp = POLLRDHUP | POLLHUP | POLLERR;
   const bool wouldBeRead = hostEnded_ || wantsBytes();
@@ -144,12 +146,13 @@ void HostConnection::giveToHost(Instant now) {
   }
 }
 
-// All bytes have been sent: ends the connection if one of the two sides has ended it.
+// Called when all bytes have been sent: ends the connection if the printer or the host has ended
+// it.
 void HostConnection::followDrop(Instant now) {
   if (link_.wasReset(now)) {
     line_->resetOnClose();
-    // Not ended at once: on a terminal the next host is there at once, and if each were dropped so,
-    // no other would get a turn.
+    // The connection ends with the next call: on a terminal the next host appears at once, and if
+    // each were dropped in this loop, the other printers would get no turn.
     lastSettling_ = now;
   } else if (link_.dropped(now)) {
     line_->endOutput();

@@ -13,10 +13,10 @@
 
 namespace quordalvane::tool {
 
-/// Carries bytes between a line to a host and the printer's link, as long as both last. Takes from
-/// the line only what the printer has space for, so that a slow printer holds its host up, and a
-/// few bytes more, among which the printer hears requests. The bytes of a host that has left are
-/// still passed to the printer, as it has space again.
+/// Carries bytes between a host's line and the printer's link. It reads from the line only as much
+/// as the printer has space for, so that a slow printer slows its host down. It reads a few bytes
+/// more, because the printer must see requests even if it is full. If the host leaves, its last
+/// bytes are still passed to the printer as it gets space.
 class HostConnection {
  public:
   /// The link must outlive this.
@@ -25,7 +25,7 @@ class HostConnection {
   /// Adds the descriptors that the connection waits for.
   void await(std::vector<pollfd>& awaited) const;
 
-  /// When it must work without anything that was waited for; empty if never.
+  /// When `work` must be called even if no descriptor is ready; empty if never.
   std::optional<simulator::Instant> nextEvent(simulator::Instant now) const;
 
   /// Does all that can be done now.
@@ -33,21 +33,22 @@ class HostConnection {
 
   bool isOver() const { return over_; }
 
-  /// Whether nothing is under way in either direction, so that the line can be taken back.
+  /// True if no byte is under way in either direction, so that the line can be released.
   bool isIdle() const { return incoming_.empty() && outgoing_.empty() && !wasDropped(); }
 
-  /// Takes the line back from an idle connection, which is of no use then.
+  /// Releases the line of an idle connection, which must not be used afterwards.
   std::unique_ptr<Line> release() { return std::move(line_); }
 
-  /// Takes from the line, up to a limit, even if the printer has no space, until the printer has
-  /// taken all of it. Bytes under way hide from us whether the host has left.
+  /// Reads from the line, up to a limit, even if the printer has no space, until the printer has
+  /// taken all of it. Otherwise unread bytes would hide that the host has left.
   void readAhead() { readsAhead_ = true; }
   bool readsAhead() const { return readsAhead_; }
 
-  /// Whether the host will send nothing more, and all that it sent has been taken from the line.
+  /// True if the host will send nothing more, and everything that it sent has been read from the
+  /// line.
   bool hostEnded() const { return hostEnded_; }
 
-  /// Whether it was the printer that ended it.
+  /// True if the printer ended the connection.
   bool wasDropped() const { return lastSettling_.has_value(); }
 
   /// When the host last sent bytes; empty if never.
@@ -66,13 +67,13 @@ class HostConnection {
   std::unique_ptr<Line> line_;
   simulator::PrinterLink& link_;
   std::vector<std::uint8_t> outgoing_;
-  std::vector<std::uint8_t> incoming_;  // the bytes that the printer has not taken yet
-  std::size_t passedOn_ = 0;            // of these: the number that it has taken
+  std::vector<std::uint8_t> incoming_;  // received, but not yet taken by the printer
+  std::size_t passedOn_ = 0;            // how many of them the printer has taken
   bool readsAhead_ = false;
   bool hostEnded_ = false;
   bool over_ = false;
   std::optional<simulator::Instant> lastReceived_;
-  std::optional<simulator::Instant> lastSettling_;  // since the drop: when it is over at the latest
+  std::optional<simulator::Instant> lastSettling_;  // after a drop: when waiting ends
 };
 
 }  // namespace quordalvane::tool

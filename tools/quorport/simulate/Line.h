@@ -20,22 +20,22 @@ class Line {
   /// To be called after the host's first bytes have arrived.
   virtual void noteHost() {}
 
-  /// To be called when the host has left and the line is kept all the same: from now on the
-  /// listener shows the next one.
+  /// To be called if the host has left but the line is still in use: from now on the listener
+  /// reports the next host.
   virtual void noteHostEnded() {}
 
-  /// Tells the host that no bytes follow, if the line has a way to.
+  /// Sends the host an end of data, if this kind of line can.
   virtual void endOutput() = 0;
 
-  /// After `endOutput`: whether the host has taken everything, so that closing loses nothing. To be
-  /// asked again and again, some milliseconds apart. Later bytes of the host are thrown away. Does
-  /// not wait.
+  /// To be called after `endOutput`, every few milliseconds. Returns true once the host has read
+  /// everything, so that closing the line loses nothing. Later bytes of the host are discarded.
+  /// Does not wait.
   virtual bool hasSettled() = 0;
 
-  /// Makes the closing a reset, if the line has a way to.
+  /// Makes the closing of the line a reset, if this kind of line can.
   virtual void resetOnClose() = 0;
 
-  /// Whether the host has reset the connection.
+  /// True if the host has reset the connection.
   virtual bool wasReset() const = 0;
 
  private:

@@ -13,38 +13,38 @@
 
 namespace quordalvane::tool {
 
-/// The links of a printer, one at a time, and the faults that befall them.
+/// The links of a printer, one at a time, with the faults that affect them.
 class Links {
  public:
-  /// `faults` befall every link. The printer must outlive this.
+  /// `faults` affect every link. The printer must outlive this.
   Links(simulator::VirtualPrinter& printer, simulator::Faults faults)
       : printer_(printer), faults_(std::move(faults)) {}
 
   /// Begins a link, which lives until `end`.
   simulator::PrinterLink& begin(simulator::Instant now);
 
-  /// Ends the present link.
+  /// Ends the current link.
   void end() { link_.reset(); }
 
-  /// Adds faults to the present link and to all later ones, and sets the seed if it is
-  /// named. Only one link gets a `cut`: the next one if there is none now. The change of `at` is
-  /// made at its time whether there is a link or not.
+  /// Adds faults to the current link and to all later ones; sets the seed if `faults` contains one.
+  /// A `cut` affects only one link: the current one, or the next one if there is none. A change by
+  /// `at` happens at its time, with or without a link.
   void add(const simulator::Faults& faults, simulator::Instant now);
 
   /// Removes all faults, even delayed ones. The seed is kept.
   void clear(simulator::Instant now);
 
-  /// The faults that befall every link, or are pending, in the order in which they were given.
+  /// The faults that affect every link or are pending, in the order in which they were added.
   std::vector<simulator::Fault> faults() const;
 
-  /// Applies the faults and settings that are due.
+  /// Applies the pending faults and settings whose time has arrived.
   void work(simulator::Instant now);
 
-  /// When something is due; empty if nothing is pending.
+  /// When the next of them is due; empty if none is pending.
   std::optional<simulator::Instant> nextEvent() const;
 
  private:
-  struct Coming {  // a fault of the kind `at`, with its time
+  struct Coming {  // the fault that an `at` delays, with its time
     simulator::Instant due;
     simulator::Fault fault;
   };
@@ -56,7 +56,7 @@ class Links {
   simulator::VirtualPrinter& printer_;
   simulator::Faults faults_;
   std::vector<simulator::Fault> forNextLink_;
-  std::vector<Coming> coming_;  // in the order of their times
+  std::vector<Coming> coming_;  // sorted by their times
   std::unique_ptr<simulator::PrinterLink> link_;
 };
 

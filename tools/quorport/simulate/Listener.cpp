@@ -19,8 +19,7 @@ constexpr std::string_view ptyScheme = "pty:";
   throw CommandFailure(ExitCode::Usage, option + " takes " + takes + ", not " + inQuotes(text));
 }
 
-// As in a SPEC, a backslash makes the next character a part of the text, and a comma would begin a
-// key.
+// Resolves backslashes and refuses a comma, as in a device text: there a comma begins a key.
 std::string pathIn(const std::string& text, const std::string& option) {
   std::string path;
   for (std::size_t i = unixScheme.size(); i < text.size(); ++i) {

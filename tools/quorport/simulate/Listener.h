@@ -7,41 +7,41 @@
 
 namespace quordalvane::tool {
 
-/// A place at which hosts find the printer.
+/// An address at which hosts connect to the printer.
 class Listener {
  public:
   virtual ~Listener() = default;
 
-  /// The place as a SPEC of a device.
+  /// The address as the text of a device.
   virtual std::string place() const = 0;
 
   /// Becomes readable when a host connects.
   virtual int descriptor() const = 0;
 
-  /// True if the descriptor becomes readable only when a host waits for its turn, and not when the
-  /// present one sends.
+  /// True if the descriptor becomes readable only when another host waits for its turn, and not
+  /// when the current one sends data.
   virtual bool hostsQueue() const = 0;
 
-  /// The connection of the next host; null if there is none yet. Does not wait. Throws
-  /// std::system_error if the place is of no use any more.
+  /// Returns the connection of the next host; null if there is none yet. Does not wait. Throws
+  /// std::system_error if the address can no longer be used.
   virtual std::unique_ptr<Line> accept() = 0;
 
-  /// The connection that was accepted last has ended, and its Line is destroyed. `dropped`: the
-  /// printer ended it, and the host must see that; the place may then be another. Throws
-  /// std::system_error if the place cannot be opened again.
+  /// To be called after the last accepted connection has ended and its Line is destroyed. `dropped`
+  /// means that the printer ended it: the host must notice that, and the address may change. Throws
+  /// std::system_error if the address cannot be opened again.
   virtual void resume(bool dropped) = 0;
 };
 
-/// Opens the place that a text like tcp:HOST:PORT, unix:PATH or pty: names. Throws a
-/// CommandFailure: with ExitCode::Usage if the text names none, with ExitCode::ExchangeFailed if it
-/// cannot be opened.
+/// Opens the address in a text like tcp:HOST:PORT, unix:PATH or pty:. Throws a CommandFailure: with
+/// ExitCode::Usage for a text of another form, with ExitCode::ExchangeFailed if the address cannot
+/// be opened.
 std::unique_ptr<Listener> listenAt(const std::string& text);
 
-/// The same for the place of browsers, a text like PORT or HOST:PORT.
+/// Opens an address for browsers, from a text like PORT or HOST:PORT; throws as `listenAt` does.
 std::unique_ptr<Listener> listenForBrowsersAt(const std::string& text);
 
-/// The same for a socket that is for its owner alone; takes unix:PATH only. `option` is what the
-/// text was given for.
+/// Opens a socket to which only its owner can connect, from a text like unix:PATH; throws as
+/// `listenAt` does. `option` is the option that contained the text.
 std::unique_ptr<Listener> listenPrivatelyAt(const std::string& text, const std::string& option);
 
 }  // namespace quordalvane::tool

@@ -16,8 +16,8 @@ namespace {
 
 using posix::Descriptor;
 
-// The system carries bytes to the other side a moment after they were written, so that one look at
-// it proves nothing.
+// The system passes bytes to the other side a moment after they were written, so a single empty
+// read proves nothing.
 constexpr int enoughEmptyLooks = 5;
 
 int orThrow(int result) {
@@ -31,8 +31,8 @@ Descriptor terminal(int number) {
   return {orThrow(number), Descriptor::Kind::Terminal};
 }
 
-// Opens the other side of the terminal. Bytes pass unchanged from then on, whatever program opens
-// it next.
+// Opens the other side of the terminal, and sets it to pass bytes unchanged, whichever program
+// opens it next.
 Descriptor openOtherSide(const std::string& path) {
   Descriptor other = terminal(::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
   termios settings{};
@@ -66,8 +66,8 @@ class PtyLine : public Line {
  private:
   const std::string path_;
 
-  // The other side, held open by ourselves until there is a host: a terminal that nobody has open
-  // counts as ended.
+  // This process holds the other side open until there is a host: the system treats a terminal that
+  // nobody has open as ended.
   std::optional<Descriptor> held_;
 
   int emptyLooks_ = 0;

@@ -7,12 +7,12 @@
 
 namespace quordalvane::tool {
 
-/// A terminal of the system's own making, whose other side hosts open like a serial line.
+/// A pseudo-terminal, whose other side hosts open like a serial line.
 ///
-/// Opening a terminal does not show on our side, so there is always a connection: it ends when the
-/// last host that has sent anything closes the terminal, and the next one begins at once. A printer
-/// that drops the link takes the terminal away, the only thing that a host notices, and there is a
-/// new one under another name.
+/// Our side cannot see that the other side is opened, so there is always a connection. It ends when
+/// the last host that has sent data closes the terminal; the next one then begins at once. If the
+/// printer drops the link, the terminal is removed, because a host notices nothing else, and a new
+/// one is created under another name.
 class PtyListener : public Listener {
  public:
   /// Throws std::system_error if the system has no terminal left.

@@ -16,7 +16,8 @@
 namespace quordalvane::tool {
 namespace {
 
-// A job without paper also has a weight.
+// In bytes, approximately. Even a job without paper has a weight, so the count of waiting jobs is
+// limited.
 std::size_t weightOf(const ReceiptWriter::Job& job) {
   return sizeof job + job.paper.weight();
 }

@@ -14,38 +14,38 @@
 
 namespace quordalvane::tool {
 
-/// Draws and writes the receipts of jobs on a thread of its own, one after the other, so that
-/// nobody waits for an answer of the printer meanwhile.
+/// Draws and writes the receipts of jobs, one after the other, on a thread of its own, so that the
+/// printers' answers are not delayed.
 class ReceiptWriter {
  public:
   struct Job {
     JobReport report;
     simulator::Paper paper;
-    bool apart = false;  ///< each piece of paper is a receipt
+    bool apart = false;  ///< each piece of paper is a receipt of its own
     std::size_t station = 0;
-    bool isLookedAt = false;  ///< its receipts are drawn for those who look on
+    bool isLookedAt = false;  ///< browsers are connected: its receipts must be drawn
   };
 
-  /// The line that reports a job, and the complaints about its files.
+  /// The report of a job as a line, and the errors about its files.
   struct Done {
     std::string line;
     std::vector<std::string> complaints;
     JobReport report;
     simulator::JobRecord record;
     std::size_t station = 0;
-    std::vector<DrawnReceipt> receipts;  ///< if it is looked at
+    std::vector<DrawnReceipt> receipts;  ///< empty unless `isLookedAt`
   };
 
-  /// `folder` may be null: then nothing is written. It must outlive this. Throws std::system_error
-  /// if the system has no thread or descriptor left.
+  /// Writes no files if `folder` is null. `folder` must outlive this. Throws std::system_error if
+  /// the system has no thread or descriptor left.
   explicit ReceiptWriter(ReceiptFolder* folder);
 
-  /// Lets the job under way be finished; those that wait are lost.
+  /// Finishes the current job; the waiting ones are lost.
   ~ReceiptWriter();
   ReceiptWriter(const ReceiptWriter&) = delete;
   ReceiptWriter& operator=(const ReceiptWriter&) = delete;
 
-  /// Takes a job. Waits only while the jobs that wait are together heavier than `mostWaiting`.
+  /// Adds a job. Blocks only while the waiting jobs together are heavier than `mostWaiting`.
   void add(Job job);
 
   static constexpr std::size_t mostWaiting = std::size_t{16} << 20U;
@@ -53,10 +53,10 @@ class ReceiptWriter {
   /// Becomes readable when a job is done.
   int descriptor() const { return done_; }
 
-  /// The jobs that were done since the last call, in order. Does not wait.
+  /// Returns the jobs that were completed since the last call, in order. Does not wait.
   std::vector<Done> take();
 
-  /// Waits until every job is done, and returns those that were not taken.
+  /// Waits until all jobs are completed, and returns those that `take` has not returned.
   std::vector<Done> finish();
 
  private:
@@ -69,11 +69,11 @@ class ReceiptWriter {
   std::mutex mutex_;
   std::condition_variable changed_;
   std::deque<Job> waiting_;
-  std::size_t weight_ = 0;  // of those
+  std::size_t weight_ = 0;  // the sum of the waiting jobs' weights
   bool isWriting_ = false;
   bool ends_ = false;
   std::vector<Done> written_;
-  std::thread thread_;  // last: it uses all of them
+  std::thread thread_;  // the last member, because it uses all others
 };
 
 }  // namespace quordalvane::tool

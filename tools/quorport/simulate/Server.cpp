@@ -14,7 +14,7 @@ namespace {
 using namespace std::chrono_literals;
 using simulator::Instant;
 
-// How long the answer to a request for the end may take to get through.
+// How long the server waits until the answer to `quit` has been written.
 constexpr Instant farewellTime = 1s;
 
 constexpr std::size_t mostChannels = 64;
@@ -62,7 +62,7 @@ Server::Server(const simulator::PrinterState& state, const simulator::Faults& fa
 
 unsigned long Server::run() {
   for (Station& station : stations_) {
-    station.work(readClock());  // where they listen is the first line, before any answer
+    station.work(readClock());  // a printer must listen before its address is announced
   }
   announce();
   for (Instant now = readClock(); !isDone(now); now = readClock()) {
@@ -117,7 +117,7 @@ void Server::work(Instant now) {
   }
 }
 
-// Says where hosts find the printers, one line each or one object.
+// Announces the addresses of the printers: as one line each, or with --json as one object.
 void Server::announce() {
   Json places = Json::array();
   std::string lines;
@@ -137,8 +137,8 @@ void Server::announce() {
   }
 }
 
-// The place of a later terminal is no answer to a control line, and is not written among the
-// answers.
+// Announces an address that has changed. It goes to standard error, because standard output has the
+// answers to control lines.
 void Server::announceOthers() {
   for (const Station& station : stations_) {
     const std::string place = specOf(station);

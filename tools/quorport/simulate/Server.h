@@ -22,11 +22,10 @@
 
 namespace quordalvane::tool {
 
-/// Serves printers to hosts, and to those who control them or look on.
+/// Runs the virtual printers, and serves their hosts, control clients and browsers.
 ///
-/// One thread, one loop: it sleeps until a descriptor is ready or a printer does something by
-/// itself, and then lets everyone do the work that needs no wait. Receipts are drawn on
-/// another thread.
+/// It is one loop on one thread. It sleeps until a descriptor is ready or a printer acts by itself,
+/// and then does all work that needs no wait. Receipts are drawn on another thread.
 class Server {
  public:
   struct Host {
@@ -35,24 +34,24 @@ class Server {
   };
 
   struct Places {
-    std::vector<Host> hosts;                  ///< a printer each
+    std::vector<Host> hosts;                  ///< one for each printer
     std::unique_ptr<Listener> controls;       ///< may be null
     std::unique_ptr<ReceiptFolder> receipts;  ///< may be null
-    std::unique_ptr<Listener> web;            ///< for browsers, a place of `tcp:`; may be null
+    std::unique_ptr<Listener> web;            ///< for browsers, of scheme `tcp:`; may be null
   };
 
   struct Habits {
     bool asJson = false;
-    bool strict = false;  ///< a job that could not be printed as it was meant is not ok
+    bool strict = false;  ///< a job counts as failed unless all of it was printed correctly
     Station::Habits printer;
   };
 
-  /// Every printer begins with that state, and its links with those faults.
+  /// Every printer begins in `state`, and `faults` affect each of its links.
   Server(const simulator::PrinterState& state, const simulator::Faults& faults, Places places,
          Habits habits, const Streams& streams);
 
-  /// Serves until SIGINT, SIGTERM, SIGHUP or a control line ends it. Returns how many jobs were not
-  /// ok.
+  /// Serves until SIGINT, SIGTERM, SIGHUP or a control line ends it. Returns the count of failed
+  /// jobs.
   unsigned long run();
 
  private:
@@ -70,16 +69,16 @@ class Server {
   const Habits habits_;
   StopSignals signals_;
   Places places_;
-  ReceiptWriter writer_;  // outlives the printers, which end their last jobs at their ends
+  ReceiptWriter writer_;  // must outlive the printers, whose destructors pass on their last jobs
   unsigned long jobs_ = 0;
   unsigned long jobsNotOk_ = 0;
-  std::unique_ptr<Audience> audience_;  // likewise; may be null
+  std::unique_ptr<Audience> audience_;  // must outlive them as well; may be null
   std::list<Station> stations_;
   Control control_;
-  std::map<const Station*, std::string> announced_;  // the place of each
+  std::map<const Station*, std::string> announced_;  // the last announced address of each printer
   ControlChannel own_;                               // on standard input and output
   std::list<ControlChannel> channels_;
-  std::optional<simulator::Instant> quitAt_;  // since a line asked for the end: at the latest
+  std::optional<simulator::Instant> quitAt_;  // after a request to quit: the latest time of the end
 };
 
 }  // namespace quordalvane::tool

@@ -72,7 +72,8 @@ class SocketListener : public Listener {
     if (number < 0) {
       return nullptr;
     }
-    const int on = 1;  // answers are short and awaited; a local socket refuses this and has no need
+    const int on = 1;  // sends short answers at once; fails on a Unix socket, which never delays
+                       // them
     ::setsockopt(number, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     return std::make_unique<SocketLine>(Descriptor(number, Descriptor::Kind::Socket));
   }
@@ -148,7 +149,7 @@ bool somebodyListensAt(const sockaddr_un& address) {
          errno != ECONNREFUSED;
 }
 
-// Removes a socket whose listener has ended from the path.
+// Removes a socket at which nobody listens any more.
 void removeStaleSocket(const std::string& path) {
   struct stat found {};
   if (::lstat(path.c_str(), &found) != 0) {
@@ -204,7 +205,7 @@ std::unique_ptr<Listener> listenOnUnix(const std::string& path, SocketAccess acc
   const sockaddr_un address = unixAddress(path);
   check(::bind(socket.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0);
   auto listener = std::make_unique<UnixListener>(std::move(socket), path);
-  // Nobody can connect before it listens.
+  // The mode is set before anybody can connect.
   check(access == SocketAccess::AsUsual || ::chmod(path.c_str(), S_IRUSR | S_IWUSR) == 0);
   check(::listen(listener->descriptor(), SOMAXCONN) == 0);
   return listener;

@@ -10,16 +10,16 @@
 
 namespace quordalvane::tool {
 
-/// The longest path that the address of a socket holds.
+/// The longest path that a Unix socket can have, in bytes.
 inline constexpr std::size_t longestSocketPath = 107;
 
 struct ListenAddress {
   std::string host;
-  std::uint16_t port;  ///< 0: any that is free
+  std::uint16_t port;  ///< 0: any free port
 };
 
-/// Reads HOST:PORT, PORT or nothing; without a host it is this machine alone, without a port any
-/// that is free. Empty if the text has none of these forms.
+/// Reads HOST:PORT, PORT or an empty text. Without a host it means this machine only, and without a
+/// port any free one. Returns empty if the text has another form.
 std::optional<ListenAddress> parseListenAddress(std::string_view text);
 
 /// Throws a std::exception if the system refuses.
@@ -27,9 +27,9 @@ std::unique_ptr<Listener> listenOnTcp(const ListenAddress& address);
 
 enum class SocketAccess { AsUsual, OwnerAlone };
 
-/// Makes the socket at `path`, in the place of one that nobody listens to any more, and removes it
-/// at its end. A file of another kind at that path is not touched. Throws a std::exception if the
-/// system refuses or there is something.
+/// Creates a socket at `path`, and removes it at its end. Replaces a socket at which nobody listens
+/// any more; never touches another kind of file. Throws a std::exception if the system refuses or
+/// the path is in use.
 std::unique_ptr<Listener> listenOnUnix(const std::string& path, SocketAccess access);
 
 }  // namespace quordalvane::tool

@@ -14,10 +14,10 @@ namespace {
 using namespace std::chrono_literals;
 using simulator::Instant;
 
-// A cut ends a job if nothing follows it for so long.
+// A cut ends the job if nothing is received for this time after it.
 constexpr Instant quietTime = 1s;
 
-// A host that is quiet for so long, and has nothing in the printer, gives way to another one.
+// A host that sends nothing for this time, and has no data in the printer, gives way to the next.
 constexpr Instant turnTime = 200ms;
 
 constexpr std::size_t mostWaiting = 64;
@@ -61,7 +61,8 @@ void Station::await(std::vector<pollfd>& awaited) const {
   }
 }
 
-// Somebody who waits is looked at when the host has been quiet for long enough, not before.
+// A waiting host gets its turn only after the current one has been quiet for the turn time, so the
+// loop wakes then.
 std::optional<Instant> Station::nextEvent(Instant now) const {
   std::optional<Instant> next =
       earlier(links_.nextEvent(), host_ ? host_->nextEvent(now) : printer_.nextEvent());
@@ -164,7 +165,7 @@ void Station::letHostsQueue() {
   }
 }
 
-// Of those who wait the first that has sent something gets the next turn.
+// The next turn is for the first of the waiting hosts that has sent something.
 void Station::takeTurns(Instant now) {
   if (!mayMakeRoom(now)) {
     return;
@@ -186,14 +187,14 @@ bool Station::mayMakeRoom(Instant now) const {
   return host_->isIdle() && printer_.buffered() == 0 && (!last || now >= *last + turnTime);
 }
 
-// A host that has left keeps its place while the printer works through what it sent. While the
-// printer is stopped that may take for ever, and the next host is served first.
+// A host that has left keeps its turn while the printer prints its last bytes. But a printer that
+// is off line may never do so; then the next host is served first.
 bool Station::hostMakesWay() const {
   return host_->hostEnded() && printer_.state().flag(simulator::Flag::Offline);
 }
 
-// While the printer is stopped, bytes that nobody reads hide the end of a host. It is
-// looked for as soon as the next host waits.
+// While the printer is off line, unread bytes hide the end of a host. So as soon as another host
+// waits, they are read to find it.
 bool Station::hostMayHaveLeft() const {
   return listener_->hostsQueue() && !host_->hostEnded() && !host_->readsAhead() &&
          printer_.state().flag(simulator::Flag::Offline);
@@ -228,8 +229,8 @@ void Station::printTest() {
   waiting_.push_back(testHost(printer_.state()));
 }
 
-// The printer knows that a job ends with its connection; on one that stays a cut that nothing
-// follows ends it. None while its end cannot be told.
+// A job ends with its connection, which the printer itself notices. On a connection that remains
+// open, a job ends with a cut that nothing follows. Empty if no such end is due.
 std::optional<Instant> Station::endOfJob() const {
   const auto lastReceived = host_ ? host_->lastReceived() : std::nullopt;
   if (habits_.per == ReceiptPer::Connection || !lastReceived || !endsInCut(printer_.paper())) {

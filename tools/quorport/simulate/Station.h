@@ -19,8 +19,8 @@
 
 namespace quordalvane::tool {
 
-/// A printer at the place where hosts find it. It prints for one host at a time; others wait, are
-/// turned away, or served between two of its jobs.
+/// A virtual printer and the address at which hosts connect to it. It prints for one host at a
+/// time. Other hosts wait, are refused, or print between two of its jobs.
 class Station {
  public:
   struct Habits {
@@ -28,46 +28,46 @@ class Station {
     ReceiptPer per = ReceiptPer::Job;
   };
 
-  /// `keep` gets the paper of each job.
+  /// Is called with the paper of each job.
   using Keeper = std::function<void(Station&, simulator::Paper)>;
   Station(std::string name, std::unique_ptr<Listener> listener, simulator::PrinterState state,
           simulator::Faults faults, Habits habits, Keeper keep);
   Station(const Station&) = delete;
   Station& operator=(const Station&) = delete;
 
-  /// The name that the user gave it; empty if none.
+  /// The name that the user gave it; may be empty.
   const std::string& name() const { return name_; }
 
-  /// Where hosts find it now, as a SPEC of a device.
+  /// Its current address, as the text of a device.
   std::string place() const { return listener_->place(); }
 
   simulator::VirtualPrinter& printer() { return printer_; }
   const simulator::VirtualPrinter& printer() const { return printer_; }
   Links& links() { return links_; }
 
-  /// Whether a host is connected.
+  /// True if a host is connected.
   bool hasHost() const { return host_.has_value(); }
 
-  /// From now on `watch` is told when a host connects (true) and when it leaves (false).
+  /// `watch` is called with true when a host connects, and with false when it leaves.
   void watchHosts(std::function<void(bool)> watch) { watchHosts_ = std::move(watch); }
 
-  /// Since the beginning, the paper in the printer included.
+  /// The counts since the beginning, including the paper in the printer.
   Counters counters() const;
 
-  /// Ends the paper that there is, even in the middle of a job.
+  /// Ends the current paper, even in the middle of a job.
   void tearOff() { give(printer_.tearOff()); }
 
-  /// Lets a test receipt be printed between two jobs, as of a host of its own. Throws
-  /// std::invalid_argument, with a text for people, if too many wait already.
+  /// Queues a test receipt, which is printed between two jobs like the job of another host. Throws
+  /// std::invalid_argument, with a text for people, if too many hosts wait already.
   void printTest();
 
-  /// Adds the events for which it waits.
+  /// Adds the descriptors that it waits for.
   void await(std::vector<pollfd>& awaited) const;
 
-  /// When it must work without anything that was waited for; empty if never.
+  /// When `work` must be called even if no descriptor is ready; empty if never.
   std::optional<simulator::Instant> nextEvent(simulator::Instant now) const;
 
-  /// Lets time pass for the printer; then does all that can be done for hosts now.
+  /// `advance` moves the printer's time to `now`. `work` then does all that can be done for hosts.
   void advance(simulator::Instant now);
   void work(simulator::Instant now);
 
@@ -97,9 +97,9 @@ class Station {
   simulator::VirtualPrinter printer_;
   Links links_;
   std::optional<HostConnection> host_;
-  std::list<std::unique_ptr<Line>> waiting_;  // connected hosts whose turn is later
+  std::list<std::unique_ptr<Line>> waiting_;  // connected hosts that wait for their turn
   std::function<void(bool)> watchHosts_;      // may be empty
-  Counters done_;                             // of the papers that were given away
+  Counters done_;                             // of the papers that were passed to `keep`
 };
 
 }  // namespace quordalvane::tool

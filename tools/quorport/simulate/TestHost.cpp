@@ -24,20 +24,21 @@ class TestLine : public Line {
 
 constexpr auto initialise = "\x1b@";
 constexpr auto centred = "\x1b\x61\x01";
-constexpr auto left = "\x1b\x61";  // and a zero
+constexpr auto left = "\x1b\x61";  // a zero byte follows
 constexpr auto doubled = "\x1d\x21\x11";
-constexpr auto single = "\x1d\x21";  // and a zero
+constexpr auto single = "\x1d\x21";  // a zero byte follows
 constexpr auto bold = "\x1b\x45\x01";
-constexpr auto notBold = "\x1b\x45";  // and a zero
-constexpr auto fed = "\x1b\x64\x04";  // four lines, since the job has shown itself as ESC/POS
-constexpr auto fullCut = "\x1d\x56";  // and a zero
+constexpr auto notBold = "\x1b\x45";  // a zero byte follows
+constexpr auto fed = "\x1b\x64\x04";  // four lines; means this in ESC/POS, which earlier commands
+                                      // show
+constexpr auto fullCut = "\x1d\x56";  // a zero byte follows
 
 std::string line(const std::string& name, const std::string& value) {
   constexpr std::size_t column = 14;
   return name + std::string(column - name.size(), ' ') + value + "\n";
 }
 
-// Only commands that every profile knows.
+// Uses only commands that every printer profile knows.
 std::string receiptOf(const simulator::PrinterState& printer) {
   const std::string zero(1, '\0');
   std::string text = std::string(initialise) + centred + doubled + "TEST\n" + single + zero;

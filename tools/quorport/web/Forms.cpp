@@ -11,7 +11,7 @@ namespace {
 using simulator::FaultPart;
 using simulator::SettingForm;
 
-// The key of a flag in words: coverOpen is "cover open".
+// Splits the key of a flag into words: coverOpen becomes "cover open".
 std::string wordsOf(std::string_view key) {
   std::string words;
   char before = 'A';

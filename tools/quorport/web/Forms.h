@@ -4,7 +4,7 @@
 
 namespace quordalvane::tool {
 
-/// All that can be set on a printer, with what each takes, so that a page can ask for it.
+/// The forms of all settings, faults and actions, from which a page builds its inputs.
 Json everyForm();
 
 }  // namespace quordalvane::tool

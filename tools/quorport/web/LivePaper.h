@@ -9,27 +9,28 @@
 
 namespace quordalvane::tool {
 
-/// The paper that hangs out of one printer: how far it was given away to be drawn, and the events
-/// that show its latest rows.
+/// The paper of one printer, as browsers see it while it is printed. Knows how much of it has been
+/// passed on to be drawn, and keeps the events that show its latest rows.
 class LivePaper {
  public:
-  /// A page that is opened is shown this many rows of the paper, or a few more.
+  /// A page that is opened is sent at least this many of the latest rows, if there are so many.
   static constexpr unsigned mostRows = 16'000;
 
-  /// What was printed since the last call; of the printer the number alone is left open.
+  /// Returns what was printed since the last call. The caller must set the number of the printer.
   PaperArtist::Print follow(const simulator::Paper& paper);
 
-  /// The paper was torn off: `follow` begins anew.
+  /// To be called after the paper was torn off: the next paper starts empty.
   void begin();
 
-  /// More was printed than can be drawn: until the next paper begins nothing is shown.
+  /// To be called if the printer prints faster than can be drawn. This paper is shown no further;
+  /// the next one is.
   void giveUp() { isLost_ = true; }
   bool isLost() const { return isLost_; }
 
-  /// Keeps an event that shows so many rows, the last of them at `length`.
+  /// Keeps an event that shows `rows` rows, of which the last is at `length`.
   void show(http::Text event, unsigned rows, unsigned length);
 
-  /// The paper that was shown is gone.
+  /// Forgets all kept events: the paper was removed.
   void clear();
 
   const std::deque<http::Text>& events() const { return events_; }
@@ -39,14 +40,14 @@ class LivePaper {
   void followLast(const simulator::PaperItem& last, PaperArtist::Print& print);
   void remember(const simulator::PaperItem& last);
 
-  std::size_t seen_ = 0;        // items
-  std::size_t seenWeight_ = 0;  // of the paper
-  int seenFeed_ = 0;            // the dots of the last of them, if it is a feed
+  std::size_t seen_ = 0;        // the count of items already passed on
+  std::size_t seenWeight_ = 0;  // the weight of the paper at that time
+  int seenFeed_ = 0;            // the dots of the last item, if it is a feed
   bool seenPartialCut_ = false;
   bool isLost_ = false;
 
   std::deque<http::Text> events_;
-  std::deque<unsigned> rows_;  // of each
+  std::deque<unsigned> rows_;  // the rows of each event
   unsigned rowsKept_ = 0;
   unsigned length_ = 0;
 };

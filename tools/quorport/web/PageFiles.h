@@ -5,16 +5,16 @@
 
 namespace quordalvane::tool {
 
-/// A file of the page that browsers show, as it is in the folder `page`.
+/// A file of the page, from the folder `page`.
 struct PageFile {
   std::string_view name;
   std::string_view content;
 };
 
-/// All of them; made from the folder when the program is built.
+/// All files of the page; they are embedded when the program is built.
 std::span<const PageFile> pageFiles();
 
-/// The media type of a file of that name; empty if none is known.
+/// The media type of a file by its name; empty if the type is unknown.
 std::string_view typeOf(std::string_view name);
 
 }  // namespace quordalvane::tool

@@ -13,20 +13,20 @@
 
 namespace quordalvane::tool {
 
-/// Draws the papers of printers while they grow, on a thread of its own.
+/// Draws the printers' papers while they grow, on a thread of its own.
 class PaperArtist {
  public:
-  /// What came out of a printer. Several that wait become one.
+  /// New output of one printer. Several outputs that wait are joined.
   struct Print {
     std::size_t printer = 0;
     std::vector<simulator::PaperItem> items;
-    std::size_t weight = 0;    ///< of these, about, in bytes
-    std::int64_t printed = 0;  ///< when, in milliseconds since 1970
-    unsigned width = 0;        ///< of the paper
-    bool isTornOff = false;    ///< after these
+    std::size_t weight = 0;    ///< of the items, in bytes, approximately
+    std::int64_t printed = 0;  ///< when it was printed, in milliseconds since 1970
+    unsigned width = 0;        ///< of the paper, in dots
+    bool isTornOff = false;    ///< the paper ends after these items
   };
 
-  /// The same, drawn.
+  /// The output after it was drawn.
   struct Drawing {
     std::size_t printer = 0;
     simulator::PaperStrips::Change change;
@@ -45,14 +45,14 @@ class PaperArtist {
 
   static constexpr std::size_t mostWaiting = std::size_t{16} << 20U;
 
-  /// Takes a print; false if too much waits to be drawn, and then it is not taken. That of a paper
-  /// that is torn off is taken always, if it has no items.
+  /// Adds an output to be drawn. Returns false, and does not add it, if too much is waiting. An
+  /// output without items that ends a paper is always added.
   bool add(Print print);
 
-  /// Becomes readable when something is drawn.
+  /// Becomes readable when an output is drawn.
   int descriptor() const { return done_; }
 
-  /// What was drawn since the last call, in order. Does not wait.
+  /// Returns the drawings since the last call, in order. Does not wait.
   std::vector<Drawing> take();
 
  private:
@@ -63,11 +63,12 @@ class PaperArtist {
   std::mutex mutex_;
   std::condition_variable changed_;
   std::deque<Print> waiting_;
-  std::size_t weight_ = 0;  // of those
+  std::size_t weight_ = 0;  // of the waiting outputs
   bool ends_ = false;
   std::vector<Drawing> drawn_;
-  std::map<std::size_t, simulator::PaperStrips> papers_;  // by their printers, for the thread
-  std::thread thread_;                                    // last: it uses all of them
+  std::map<std::size_t, simulator::PaperStrips> papers_;  // by printer; only for the thread
+  std::thread thread_;                                    // the last member, because it uses all
+                                                          // others
 };
 
 }  // namespace quordalvane::tool

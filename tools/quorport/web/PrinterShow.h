@@ -15,7 +15,7 @@ namespace quordalvane::tool {
 /// One printer as browsers see it.
 class PrinterShow {
  public:
-  /// `number` is from 1. The others must outlive this.
+  /// `number` counts from 1. `station` and `control` must outlive this.
   PrinterShow(unsigned number, Station& station, const Control& control)
       : number_(number), station_(station), control_(control) {}
 
@@ -23,10 +23,10 @@ class PrinterShow {
   Station& station() const { return station_; }
   LivePaper& paper() { return paper_; }
 
-  /// All about it but its paper's picture.
+  /// All facts about the printer, except the picture of its paper.
   Json describe() const;
 
-  /// What changes of that, as one line; empty if nothing has changed since the last call.
+  /// The facts that can change, as one line of JSON; empty if none has changed since the last call.
   std::optional<std::string> change();
 
  private:

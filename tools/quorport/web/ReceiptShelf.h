@@ -15,8 +15,8 @@
 
 namespace quordalvane::tool {
 
-/// The latest receipts, for those who look at them. Older ones are forgotten, so that it never
-/// holds more than its limits.
+/// Holds the latest receipts for browsers. Forgets the oldest ones, so that it never exceeds its
+/// limits.
 class ReceiptShelf {
  public:
   static constexpr std::size_t mostReceipts = 200;
@@ -24,26 +24,27 @@ class ReceiptShelf {
   static constexpr std::size_t mostListed = 50;      ///< in one list
   static constexpr std::size_t mostCommands = 2000;  ///< in one answer
 
-  /// The printer of a job.
+  /// The printer that printed a job.
   struct Origin {
     unsigned printer = 0;  ///< its number, from 1
     simulator::Dialect dialect;
   };
 
-  /// Keeps the receipts of a job that ended at `time`, in milliseconds since 1970. Returns how many
-  /// were added.
+  /// Adds the receipts of a job that ended at `time`, in milliseconds since 1970. Returns their
+  /// count.
   std::size_t add(ReceiptWriter::Done job, const Origin& origin, std::int64_t time);
 
-  /// The latest receipts before the one of that number, the newest first; a few words about each.
+  /// A short list of the latest receipts before number `before`, the newest first.
   Json list(std::optional<std::uint64_t> before = std::nullopt) const;
 
-  /// All about a receipt, with its commands from an offset on; null if it is not there.
+  /// All facts about a receipt, with its commands from number `from` on; null if there is no such
+  /// receipt.
   Json describe(std::uint64_t id, std::uint64_t from) const;
 
-  /// The receipt as a file of that kind: `png`, `txt` or `bin`. Null if it is not there.
+  /// The receipt as a file: `kind` is `png`, `txt` or `bin`. Null if there is no such receipt.
   http::Text file(std::uint64_t id, const std::string& kind) const;
 
-  /// How many bytes the receipts hold, about.
+  /// The approximate size of all receipts, in bytes.
   std::size_t bytes() const { return bytes_; }
 
  private:
@@ -56,10 +57,10 @@ class ReceiptShelf {
     unsigned cuts;
     unsigned width;
     unsigned height;
-    http::Text record;  // the line about its job
+    http::Text record;  // the record of its job, as one line of JSON
     http::Text text;
     http::Text received;
-    http::Text picture;  // null without paper
+    http::Text picture;  // null if there is no paper
 
     std::size_t weight() const;
   };

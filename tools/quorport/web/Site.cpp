@@ -95,7 +95,7 @@ Answer Site::post(const http::Request& request, simulator::Instant now) {
   return http::answerWith(control_.answer(request.body, now, *printer - 1));
 }
 
-// receipts/ID is the page that shows the receipt, receipts/ID.KIND the receipt itself.
+// receipts/ID is the page that shows the receipt; receipts/ID.KIND is the receipt itself.
 Answer Site::receipt(const http::Request& request) const {
   const std::string name = request.path.substr(std::string_view(receiptFolder).size());
   const std::size_t dot = std::min(name.find('.'), name.size());
@@ -127,7 +127,7 @@ Json Site::snapshot() const {
       {"printers", std::move(printers)}, {"receipts", receipts_.list()}, {"version", QUOR_VERSION}};
 }
 
-// A reader that comes back after a short while is sent what it missed.
+// A reader that reconnects soon enough is sent only the events that it missed.
 Answer Site::readEvents(const http::Request& request, const http::EventLog& events) const {
   Answer answer{.type = "text/event-stream", .body = nullptr, .events = Answer::Events()};
   if (request.lastEvent && events.holdsAllAfter(*request.lastEvent)) {

@@ -10,14 +10,14 @@
 
 namespace quordalvane::tool {
 
-/// The addresses that browsers ask for, and what is found there; see docs/browser.md.
+/// Answers the requests of browsers; docs/browser.md describes the addresses.
 class Site {
  public:
-  /// All of these must outlive it.
+  /// The arguments must outlive it.
   Site(std::deque<PrinterShow>& printers, const ReceiptShelf& receipts, Control& control)
       : printers_(printers), receipts_(receipts), control_(control) {}
 
-  /// `events` are those that readers are sent; `now` is for control lines.
+  /// `events` is the log that readers of events are sent; `now` is the time for control lines.
   http::Answer answer(const http::Request& request, const http::EventLog& events,
                       simulator::Instant now);
 

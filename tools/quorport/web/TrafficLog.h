@@ -11,25 +11,27 @@
 
 namespace quordalvane::tool {
 
-/// What printers were told and answered, gathered until it is shown. Characters that follow one
-/// another are one entry; of too many the rest is left out and counted.
+/// Collects the commands that printers received, and their answers, until they are shown.
+/// Consecutive characters become one entry. If there are too many entries, the rest is only
+/// counted.
 class TrafficLog {
  public:
   static constexpr std::size_t mostEntries = 500;
 
-  /// A command or an answer of the printer of that number; `time` is in milliseconds since 1970.
+  /// Adds a command or an answer of the printer of that number; `time` is in milliseconds since
+  /// 1970.
   void add(unsigned printer, const simulator::VirtualPrinter::Deed& deed, std::int64_t time);
 
-  /// A control line and its answer; `printer` 0 is for each.
+  /// Adds a control line and its answer; `printer` 0 means all printers.
   void addControl(unsigned printer, std::string_view line, std::string_view answer,
                   std::int64_t time);
 
-  /// A host has connected or left.
+  /// Adds that a host has connected or left.
   void addHost(unsigned printer, bool isConnected, std::int64_t time);
 
   bool isEmpty() const { return entries_.empty(); }
 
-  /// The entries as one object; there are none after that.
+  /// Returns the entries as one JSON object, and removes them.
   Json take();
 
  private:
@@ -39,7 +41,7 @@ class TrafficLog {
     std::string_view kind;
     std::string name{};
     std::string meaning{};
-    simulator::Bytes bytes{};  // the first of them
+    simulator::Bytes bytes{};  // only the first of them
     std::size_t length = 0;
     std::string answer{};  // to a control line
   };

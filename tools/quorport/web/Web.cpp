@@ -1,5 +1,5 @@
-// Shows the printers to browsers: what happens at them becomes events, what browsers send becomes
-// control lines.
+// Shows the printers to browsers: whatever happens at the printers becomes an event, and requests
+// from browsers become control lines.
 
 #include <chrono>
 #include <deque>
@@ -24,7 +24,7 @@ namespace {
 using namespace std::chrono_literals;
 using simulator::Instant;
 
-// States and the log are shown no more often than this.
+// The shortest time between two reports of states and of the log.
 constexpr Instant pause = 50ms;
 
 std::int64_t millisecondsNow() {
@@ -45,7 +45,7 @@ Json inJson(const PaperArtist::Drawing& drawing, const simulator::Strip& strip) 
           {"cuts", Json::array()},          {"time", drawing.printed}};
 }
 
-// The words and the cuts are in the last event of a drawing.
+// Only the last event of a drawing contains its text and its cuts.
 std::vector<std::pair<std::string, unsigned>> eventsOf(const PaperArtist::Drawing& drawing) {
   std::vector<Json> events;
   for (const simulator::Strip& strip : drawing.change.strips) {
@@ -113,7 +113,7 @@ class Web : public Audience {
     for (PrinterShow& printer : printers_) {
       follow(printer, printer.station().printer().paper(), false);
     }
-    server_.work(now);  // a control line may change what is shown
+    server_.work(now);  // control lines from browsers may change the states
     showStates(now);
     server_.work(now);
   }
@@ -172,7 +172,7 @@ class Web : public Audience {
     }
   }
 
-  // Whatever woke the loop may have changed a state; it is looked at once after that.
+  // Any event that woke the loop may have changed a state, so all states are compared.
   void showStates(Instant now) {
     isDue_ = now - shownAt_ < pause;
     if (isDue_) {

@@ -1,5 +1,5 @@
-// Takes the place of the Bluetooth back end if its library is missing: the scheme is known, and
-// says why it cannot be had.
+// Replaces the Bluetooth back end if its library is missing. The scheme is still known, and its use
+// fails with the reason.
 #include "backends/Schemes.h"
 #include "backends/SpecText.h"
 #include "backends/bluez/BluetoothScheme.h"

@@ -1,5 +1,5 @@
-// Takes the place of the page if the library that serves it is missing: --web is known, and says
-// why it cannot be had.
+// Replaces the web page if the library that serves it is missing. --web is still known, and fails
+// with the reason.
 #include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/simulate/Audience.h"
 

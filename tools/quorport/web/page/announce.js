@@ -1,4 +1,4 @@
-// Words for assistive technology, used sparingly: the latest of what happens in a second.
+// Announcements for screen readers, at most one each second: the latest.
 
 const pauseMillis = 1000;
 let latest = "";
@@ -9,7 +9,7 @@ function speak() {
   timer = null;
 }
 
-/** Says a sentence, soon. A later one within the same second takes its place. */
+/** Announces a sentence soon. A later sentence within the same second replaces it. */
 export function announce(text) {
   latest = text;
   timer ??= setTimeout(speak, pauseMillis);

@@ -1,9 +1,9 @@
-// What a printer has counted since it began.
+// The printer's counters since it was started.
 
 import { make, write } from "./dom.js";
 import { grouped, paperLength, titled } from "./words.js";
 
-/** For counters whose name does not say it. */
+/** For counters whose key does not explain itself. */
 const names = {
   bytes: "bytes printed", drawer: "drawer pulses", etbCounter: "job marks", buffered: "bytes waiting",
 };

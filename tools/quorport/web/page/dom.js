@@ -1,8 +1,8 @@
-// Elements of the page. A text becomes a text node: a printer's bytes are never read as markup.
+// Elements of the page. Texts become text nodes, so that a printer's bytes are never read as markup.
 
 /**
- * Makes an element. An attribute `on…` that is a function listens to that event; one that is true is
- * written without a value; one that is false, null or undefined is left out.
+ * Makes an element. An attribute `on…` that is a function listens to that event. An attribute that is true is written
+ * without a value; one that is false, null or undefined is left out.
  */
 export function make(tag, attributes = {}, ...children) {
   const made = document.createElement(tag);
@@ -19,7 +19,7 @@ export function make(tag, attributes = {}, ...children) {
   return made;
 }
 
-/** Writes a text, unless it is there already: assistive technology is told of real changes alone. */
+/** Writes a text, unless the element has it already: screen readers announce each write. */
 export function write(element, text) {
   if (element.textContent !== text) {
     element.textContent = text;

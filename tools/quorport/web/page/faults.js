@@ -1,10 +1,13 @@
-// The faults of a printer: one is chosen, its parameters are filled in, and it is added. Those that hold are listed.
+// The faults of a printer: the user chooses one, fills in its parameters and adds it. The active faults are listed.
 
 import { field, freshId, make, write } from "./dom.js";
 import { inputFor } from "./inputs.js";
 import { titled } from "./words.js";
 
-/** The value of a fault from its parts: each with the sign before it; an empty one that may be left out is. */
+/**
+ * Joins the parameters of a fault to its value, each with its sign before it. Optional parameters that are empty are
+ * left out.
+ */
 export function joined(parts, values) {
   if (parts.length === 0) {
     return true;
@@ -45,7 +48,7 @@ export class Faults {
     return clear ? [make("button", {type: "button", onclick: () => this.send(clear.line)}, titled(clear.label))] : [];
   }
 
-  /** Shows the parameters of the fault that is chosen. */
+  /** Shows the parameters of the chosen fault. */
   choose() {
     this.fault = this.known.find((fault) => fault.name === this.choice.value);
     this.inputs = this.fault.parts.map(inputFor);

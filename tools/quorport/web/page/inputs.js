@@ -1,4 +1,4 @@
-// Inputs for values of the kinds that the server lists: flag, number and text, perhaps with choices.
+// Inputs for the kinds of values that the server lists: flag, number and text, optionally with choices.
 
 import { freshId, make } from "./dom.js";
 
@@ -12,7 +12,7 @@ function suggestionOf({choices}) {
   return [make("input", {type: "text", list: list.id, autocomplete: "off"}), list];
 }
 
-/** An input for a value: its element, what is beside it in the document, and its value to read and to write. */
+/** An input for a value: its element, further elements beside it, and functions that read and show its value. */
 export function inputFor(form) {
   if (form.kind === "flag") {
     const element = make("input", {type: "checkbox", role: "switch"});

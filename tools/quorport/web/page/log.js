@@ -1,15 +1,15 @@
-// The commands and answers as they run, the newest first. What is kept and what is shown is bounded.
+// The log of commands and answers, the newest first. Limits the entries that it keeps and shows.
 
 import { make, write } from "./dom.js";
 import { bytesOf, clockTime, counted, paired } from "./words.js";
 
-/** The most entries that are kept to be filtered, and the most that are shown. */
+/** The most entries that are kept for filtering, and the most that are shown. */
 export const mostKept = 2000;
 export const mostShown = 200;
 
 const kinds = {command: "commands", answer: "answers", control: "control lines", host: "hosts"};
 
-/** Whether an entry holds each of the words, wherever it is shown. */
+/** True if an entry contains each of the words, in any column. */
 export function fits(entry, words) {
   const {name, meaning = "", bytes = "", where = ""} = entry;
   const text = `${name} ${meaning} ${bytes} ${paired(bytes)} ${where}`.toLowerCase();
@@ -71,7 +71,7 @@ export class Log {
   showFresh() {
     this.frame = null;
     if (this.fresh === 0 || !this.following.checked) {
-      return; // all were shown anew meanwhile, or will be
+      return; // all entries were redrawn meanwhile, or will be
     }
     this.list.prepend(...this.wanted(this.entries.slice(-this.fresh)).map((entry) => this.row(entry)));
     while (this.list.children.length > mostShown) {

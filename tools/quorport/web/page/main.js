@@ -1,4 +1,4 @@
-// The shop: every printer of the server, the receipts of all and the log of all.
+// The whole page: every printer of the server, all receipts and the log.
 
 import { announce } from "./announce.js";
 import { make, write } from "./dom.js";
@@ -18,7 +18,7 @@ class Shop {
     this.log = new Log(place("log"));
   }
 
-  /** Builds everything anew. */
+  /** Builds the page anew. */
   begin({printers, receipts}) {
     this.stations = new Map(printers.map((printer) => [printer.id, new Station(printer, this.known)]));
     place("printers").replaceChildren(...[...this.stations.values()].map((station) => station.element));

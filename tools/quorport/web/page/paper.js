@@ -1,14 +1,14 @@
-// The paper that hangs out of a printer, drawn row by row. It is kept in sheets of a fixed height, and the oldest
-// are dropped: twenty metres take no more of the page than one.
+// The paper of a printer, drawn row by row. It consists of sheets of a fixed height, and the oldest are dropped: so
+// twenty metres of paper take as much memory as one.
 
 import { make } from "./dom.js";
 import { paperLength } from "./words.js";
 
-/** Rows of dots in a sheet, and how many sheets are kept: about a metre. */
+/** The rows of dots in a sheet, and the count of sheets that are kept: about a metre of paper. */
 export const sheetRows = 512;
 export const mostSheets = 16;
 
-/** How much of its text is kept for those who hear it. */
+/** How much of the text is kept for screen readers. */
 const mostWords = 2000; // characters
 
 const partingMillis = 450;
@@ -24,13 +24,13 @@ export class Paper {
     this.empty = make("p", {class: "hint"}, "Nothing hangs out. Print to ", make("code", {}, place));
     const label = `Paper of ${printerName}`;
     this.element = make("div", {class: "paper", role: "region", tabindex: "0", "aria-label": label});
-    this.order = Promise.resolve(); // events are drawn in their order, though pictures are decoded aside
+    this.order = Promise.resolve(); // events are drawn in order, although pictures are decoded asynchronously
     this.begin();
   }
 
   begin() {
     this.strip = make("div", {class: "strip", role: "img"});
-    this.sheets = new Map(); // by number, from the top
+    this.sheets = new Map(); // by number, counted from the top
     this.cuts = [];
     this.words = make("pre", {class: "unseen"});
     this.lost = make("p", {class: "lost", hidden: true}, tooFast);
@@ -40,14 +40,14 @@ export class Paper {
     this.measure();
   }
 
-  /** Draws rows over those that are there. */
+  /** Draws rows, over any rows at the same place. */
   draw(part) {
     const picture = part.png ? decoded(part.png) : Promise.resolve(null);
-    picture.catch(() => {}); // it is noticed in its turn
+    picture.catch(() => {}); // the chain below handles the error in its turn
     this.order = this.order.then(async () => this.add(part, await picture)).catch(() => {});
   }
 
-  /** The paper is torn off: the next rows are those of a new one. */
+  /** The paper is torn off: the next rows belong to a new one. */
   tear() {
     this.order = this.order.then(() => {
       const gone = this.strip;
@@ -62,7 +62,7 @@ export class Paper {
   }
 
   add(part, picture) {
-    if (part.lost) { // the rest of this paper is
+    if (part.lost) { // the rest of this paper is not shown
       this.lost.hidden = false;
       this.empty.hidden = true;
       return;
@@ -121,7 +121,7 @@ export class Paper {
     this.cuts = this.cuts.filter((cut) => cut.row >= this.first);
   }
 
-  /** Gives each sheet its place, in dots; the style sheet knows how large a dot is. */
+  /** Sets the position of each sheet in dots; the style sheet defines the size of a dot. */
   measure() {
     this.strip.style.setProperty("--columns", this.width);
     this.strip.style.setProperty("--rows", this.rows - this.first);

@@ -1,11 +1,11 @@
-// The page of one receipt: as picture, as text, and as bytes with each command named.
+// The page of one receipt: as a picture, as text, and as bytes with the name of each command.
 
 import { make, write } from "./dom.js";
 import { bytesOf, counted, moment, paired, paperLength } from "./words.js";
 
 const number = location.pathname.split("/").pop();
 
-/** A browser shows no taller picture, and takes very much memory to try. It can still be saved. */
+/** Browsers show no taller pictures, and use much memory when they try. The file can still be saved. */
 const tallestPicture = 16000; // dots
 
 async function load(from) {
@@ -42,7 +42,7 @@ function figures(receipt) {
     make("div", {}, make("dt", {}, name), make("dd", {}, String(value)))));
 }
 
-/** What the printer could not print as it was meant. */
+/** The parts of the job that were not printed correctly. */
 function complaints({record}) {
   const unknown = record.unknown.map(({name, offset, bytes}) =>
     `unknown command ${name} at byte ${offset}: ${paired(bytes)}`);
@@ -51,7 +51,7 @@ function complaints({record}) {
   return items.length === 0 ? [] : [part("Not printed as meant", make("ul", {}, ...items))];
 }
 
-/** A table that may be scrolled sideways. */
+/** A table that scrolls sideways. */
 function tableOf(titles, name, body) {
   const heads = titles.map((title) => make("th", {scope: "col"}, title));
   const caption = make("caption", {class: "unseen"}, name);
@@ -73,7 +73,7 @@ function commandRow(command) {
     make("td", {}, make("code", {}, bytesOf(command))));
 }
 
-/** All commands, a portion at a time. */
+/** All commands, loaded in portions. */
 function commands(receipt) {
   const rows = make("tbody", {class: "commands"});
   const more = make("button", {type: "button"}, "Show the next commands");

@@ -1,14 +1,14 @@
-// The receipts that were torn off, the newest first. A receipt has a page of its own, at its address.
+// The list of receipts, the newest first. Each receipt has a page of its own.
 
 import { make, write } from "./dom.js";
 import { receiptsBefore } from "./server.js";
 import { clockTime, counted, paperLength } from "./words.js";
 
-/** How many are shown at first, and how many at most if the reader asks for older ones. */
+/** How many are shown at first, and how many at most if the user asks for older ones. */
 const shownAtFirst = 24;
 export const mostReceipts = 200;
 
-/** Taller pictures are not worth their memory as a small one. */
+/** A small preview of a taller picture is not worth its memory. */
 const tallestPicture = 6000; // dots
 
 export class Receipts {

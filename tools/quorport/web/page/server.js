@@ -1,23 +1,23 @@
-// The ways to the server that served this page. Addresses are relative: the secret in the page's own address
-// goes with each of them.
+// Requests to the server of this page. Their addresses are relative, so each contains the token of the page's own
+// address.
 
 const retryMillis = 3000;
 
-/** All that can be set, as the server lists it. */
+/** The forms of all settings, as the server lists them. */
 export async function forms() {
   const answer = await fetch("api/forms");
   return answer.json();
 }
 
-/** The receipts before one, the newest first. */
+/** The receipts before the one of this number, the newest first. */
 export async function receiptsBefore(id) {
   const answer = await fetch(`api/receipts?before=${id}`);
   return (await answer.json()).receipts;
 }
 
 /**
- * Gives a control line to one printer, or to all if `printer` is null. Throws an Error with the server's words
- * if it is refused.
+ * Sends a control line to one printer, or to all if `printer` is null. If the server refuses it, throws an Error with
+ * the server's text.
  */
 export async function control(printer, line) {
   const path = printer === null ? "api/control" : `api/printers/${printer}/control`;
@@ -34,9 +34,9 @@ export async function control(printer, line) {
 }
 
 /**
- * Calls `handlers[name]` with the data of each event of that name, for as long as the page lives, and `onLink`
- * with whether the server is connected. The browser mends a lost connection by itself; if the server turned
- * it away, it is asked again.
+ * Calls `handlers[name]` with the data of each event of that name, as long as the page is open. Calls `onLink` with
+ * whether the server is connected. The browser repairs a lost connection by itself; if the server has refused it, this
+ * connects again.
  */
 export function follow(handlers, onLink) {
   const source = new EventSource("api/events");

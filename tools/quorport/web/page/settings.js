@@ -12,7 +12,7 @@ class Setting {
     element.id = freshId("setting");
     element.addEventListener("change", async () => {
       await send({set: {[this.key]: this.input.value()}});
-      this.input.show(this.value); // the printer's own value, until it is told anew
+      this.input.show(this.value); // the last known value, until the server sends the new one
     });
     const label = make("label", {for: element.id}, titled(labelOf(form)));
     const about = form.help ? [make("p", {class: "hint", id: `${element.id}-hint`}, form.help)] : [];

@@ -1,11 +1,11 @@
-// Speed and buffer as sliders. An exact number is set in the settings.
+// Sliders for speed and buffer. Exact numbers can be entered in the settings.
 
 import { freshId, make, write } from "./dom.js";
 import { binarySteps, decimalSteps, nearest } from "./steps.js";
 import { counted, grouped, labelOf, titled } from "./words.js";
 
-const unlimited = 0; // as a speed
-const fastest = 100000; // a till notices no difference beyond
+const unlimited = 0; // the value that means no limit
+const fastest = 100000; // bytes a second; a till notices no higher speed
 const largest = 1 << 20;
 
 const kinds = {

@@ -1,4 +1,4 @@
-// One printer: its paper, its switches, its settings and faults, its counters.
+// One printer: its paper, switches, settings, faults and counters.
 
 import { announce } from "./announce.js";
 import { Counters } from "./counters.js";
@@ -11,7 +11,7 @@ import { Sliders } from "./sliders.js";
 import { Switches } from "./switches.js";
 import { condition, titled } from "./words.js";
 
-/** Actions that have a place of their own on the page. */
+/** Actions that have a button of their own elsewhere on the page. */
 const placedElsewhere = ["quit", "clear"];
 
 export class Station {
@@ -47,7 +47,7 @@ export class Station {
       make("button", {type: "button", onclick: () => this.send(action.line)}, titled(action.label))));
   }
 
-  /** Gives a control line to this printer; a refusal is shown. True if it was obeyed. */
+  /** Sends a control line to this printer, and shows a refusal. Returns true if it was accepted. */
   async send(line) {
     try {
       await control(this.printer, line);
@@ -59,7 +59,7 @@ export class Station {
     }
   }
 
-  /** Shows the state, faults and counters that the printer now has. */
+  /** Shows the printer's current state, faults and counters. */
   show(data) {
     for (const part of [...this.daily, ...this.others]) {
       part.show(data);

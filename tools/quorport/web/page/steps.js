@@ -1,6 +1,6 @@
-// The stops of a slider whose range is far too wide for a stop at each number.
+// The steps of a slider, for ranges that are too wide for a step at each number.
 
-/** 10, 20, 50, 100 … of the numbers from `min` to `max`. */
+/** The numbers 10, 20, 50, 100 … that are between `min` and `max`. */
 export function decimalSteps(min, max) {
   const found = [];
   for (let power = 1; power <= max; power *= 10) {
@@ -20,7 +20,7 @@ export function binarySteps(min, max) {
   return found;
 }
 
-/** The index of the step that is nearest to the number by its ratio. */
+/** The index of the step nearest to the number, measured by their ratio. */
 export function nearest(steps, number) {
   const distance = (step) => Math.abs(Math.log(Math.max(step, 0.5) / Math.max(number, 0.5)));
   return steps.reduce((best, step, index) => (distance(step) < distance(steps[best]) ? index : best), 0);

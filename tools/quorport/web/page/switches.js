@@ -1,4 +1,4 @@
-// The printer's conditions as switches: those that a till meets each day in sight, the others folded away.
+// Switches for the printer's conditions. The common ones are visible; the others are folded away.
 
 import { freshId, make, write } from "./dom.js";
 import { labelOf, titled } from "./words.js";
@@ -8,7 +8,7 @@ const foldedTitles = {
   error: "Errors", presenter: "Presenter and peeler", slip: "Slip and validation", other: "Other conditions",
 };
 
-/** A switch with its label; `turn` is called with what the user wants. */
+/** A switch with its label; `turn` is called with the value that the user wants. */
 function makeSwitch(label, turn) {
   const id = freshId("switch");
   const input = make("input", {type: "checkbox", role: "switch", id, onchange: () => turn(input.checked)});
@@ -33,7 +33,7 @@ export class Switches {
   add(flag, send) {
     const turn = async (wanted) => {
       await send({set: {[flag.key]: wanted}});
-      this.showFlag(flag.key); // if it was refused, or the printer decides otherwise
+      this.showFlag(flag.key); // shows the true value if the server has refused the change
     };
     const {input, element} = makeSwitch(labelOf(flag), turn);
     this.inputs.set(flag.key, input);
@@ -42,7 +42,7 @@ export class Switches {
 
   fold(group, flags, add) {
     const on = make("span", {class: "hint"});
-    if (group !== "other") { // some of those are usually on
+    if (group !== "other") { // some conditions of that group are normally on
       this.folds.push({on, keys: flags.map((flag) => flag.key)});
     }
     return make("details", {}, make("summary", {}, `${foldedTitles[group] ?? titled(group)} `, on), ...flags.map(add));

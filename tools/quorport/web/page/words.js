@@ -1,11 +1,11 @@
-// How names, numbers and bytes are written for people.
+// Writes names, numbers and bytes for people.
 
-/** With a capital at its beginning. */
+/** The text with a capital first letter. */
 export function titled(text) {
   return text.charAt(0).toUpperCase() + text.slice(1);
 }
 
-/** Words for what the server names by its key alone, if the key does not say it. */
+/** Words for keys of the server that do not explain themselves. */
 const plainWords = {
   offline: "off line",
   compulsionSwitch: "drawer open",
@@ -25,12 +25,12 @@ const plainWords = {
   dip2: "DIP switches, bank 2",
 };
 
-/** The words for a flag or a setting of the server's list. */
+/** The words for a flag or a setting in the server's list. */
 export function labelOf({key, label}) {
   return plainWords[key] ?? label ?? key;
 }
 
-/** Grouped in thousands by thin spaces. */
+/** A number with thin spaces between its thousands. */
 export function grouped(number) {
   return String(number).replace(/\B(?=(\d{3})+$)/g, "\u2009");
 }
@@ -40,7 +40,7 @@ export function counted(number, one, many = `${one}s`) {
   return `${grouped(number)} ${number === 1 ? one : many}`;
 }
 
-/** The bytes of a command in hex; of a long one only the first are given. */
+/** The bytes of a command in hex; of a long command only the first ones. */
 export function bytesOf({bytes, length}) {
   return bytes.length < 2 * length ? `${paired(bytes)} … ${counted(length, "byte")}` : paired(bytes);
 }
@@ -50,7 +50,7 @@ export function paired(hex) {
   return hex.replace(/..(?=.)/g, "$& ");
 }
 
-/** The time of day of a moment, given in milliseconds since 1970 or as a text, to the millisecond. */
+/** The time of day to the millisecond, from milliseconds since 1970 or a text. */
 export function clockTime(moment) {
   const date = new Date(moment);
   const two = (number) => String(number).padStart(2, "0");
@@ -58,12 +58,12 @@ export function clockTime(moment) {
   return `${two(date.getHours())}:${two(date.getMinutes())}:${two(date.getSeconds())}.${fraction}`;
 }
 
-/** A date and a time of day as the reader is used to them. */
+/** The date and time of day in the user's own format. */
 export function moment(text) {
   return new Intl.DateTimeFormat(undefined, {dateStyle: "medium", timeStyle: "medium"}).format(new Date(text));
 }
 
-/** The length of so many dots of paper, at eight dots a millimetre. */
+/** The length of paper in millimetres or metres, from dots; eight dots are a millimetre. */
 export function paperLength(dots) {
   const millimetres = dots / 8;
   return millimetres < 1000 ? `${Math.round(millimetres)} mm` : `${(millimetres / 1000).toFixed(2)} m`;
@@ -71,7 +71,7 @@ export function paperLength(dots) {
 
 const stoppingGroups = ["cover", "error"];
 
-/** Whether the printer is ready, and if not, why, by the flags that the server lists. */
+/** Whether the printer is ready, and if not, why, from the flags that the server lists. */
 export function condition(flags, state) {
   if (!state.offline) {
     return "Ready";
