@@ -18,7 +18,7 @@ std::uint32_t number(ByteView file, std::size_t at, unsigned bytes) {
   return value;
 }
 
-/// Reads the dots of a file whose header has been found right.
+/// Reads the dots of a file whose header is valid.
 class Reader {
  public:
   explicit Reader(ByteView file)
@@ -49,10 +49,10 @@ class Reader {
   }
 
  private:
-  // A negative height says that the top row is the first.
+  // A negative height means that the top row is the first in the file.
   unsigned rows() const { return static_cast<unsigned>(std::abs(std::int64_t{height_})); }
 
-  // Rows are padded to four bytes.
+  // Each row is padded to a multiple of four bytes.
   std::size_t stride() const { return (std::size_t{width_} * depth_ + 31) / 32 * 4; }
 
   bool isDark(unsigned x, unsigned y) const {
@@ -67,7 +67,7 @@ class Reader {
     return colour + 4 <= dots_ && isDarkColour(colour);
   }
 
-  // Blue, green and red, with the weights that they have for the eye.
+  // Weighs blue, green and red by their brightness to the eye.
   bool isDarkColour(std::size_t at) const {
     return 114U * file_[at] + 587U * file_[at + 1] + 299U * file_[at + 2] < 127'500;
   }

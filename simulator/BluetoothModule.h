@@ -10,13 +10,13 @@
 
 namespace quordalvane::simulator {
 
-/// The radio module between a link and its printer. In data mode it passes bytes on; an escape
-/// sequence between two guard times turns it to command mode, for as long as the link lives.
-/// One module serves one link.
+/// The Bluetooth module between a link and its printer. In data mode it passes bytes on. An escape
+/// sequence with a guard time before and after it switches the module to command mode, for the rest
+/// of the link. One module serves one link.
 class BluetoothModule {
  public:
-  /// The ways out of the module: data to the printer, and its own replies to the host, each with
-  /// the instant at which it is sent.
+  /// The module's two outputs: data for the printer, and its own replies for the host, each with
+  /// the time at which it is sent.
   struct Outlets {
     std::function<void(ByteView, Instant)> toPrinter;
     std::function<void(ByteView, Instant)> toHost;
@@ -25,24 +25,24 @@ class BluetoothModule {
   /// A module whose link begins at `now`, in data mode.
   BluetoothModule(std::string address, Outlets outlets, Instant now);
 
-  /// Takes bytes from the host.
+  /// Accepts bytes from the host.
   void receive(ByteView bytes, Instant now);
 
-  /// Lets time pass: to be called with every due instant, in order.
+  /// Lets time pass. To be called for each time that `nextEvent` returns, in order.
   void advance(Instant now);
 
-  /// When it next does something by itself.
+  /// When the module next acts by itself; empty if it does not.
   std::optional<Instant> nextEvent() const;
 
-  /// Passes the bytes that it keeps to the printer: the host has left.
+  /// Passes all held bytes to the printer, because the host has left.
   void release(Instant now);
 
   bool inCommandMode() const { return commandMode_; }
 
-  /// How many bytes it keeps back because they may be the escape sequence.
+  /// The count of bytes that are held because they may be the escape sequence.
   std::size_t keptBack() const { return escape_.size(); }
 
-  /// True once a command has asked for the link to end and its time has passed.
+  /// True if a command has asked for the link to end and the delay of that command has passed.
   bool wantsLinkDropped() const { return dropped_; }
 
  private:

@@ -8,18 +8,18 @@
 
 namespace quordalvane::simulator {
 
-/// The characters that a job draws itself, by the command 1b 26.
+/// The characters that a job defines itself, by the command 1b 26 (hex).
 class CharacterMemory {
  public:
-  /// Takes the characters of the command 1b 26.
+  /// Stores the characters of a command 1b 26.
   void define(ByteView command);
 
-  /// Forgets one.
+  /// Forgets the character of this byte.
   void erase(std::uint8_t byte) { characters_.erase(byte); }
 
   void turn(bool on) { isOn_ = on; }
 
-  /// The dots of a character; null if it is not drawn by the job, or if those are turned off.
+  /// The dots of a character; null if the job has not defined it, or if defined characters are off.
   const Bitmap* find(std::uint8_t byte) const;
 
  private:

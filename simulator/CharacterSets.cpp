@@ -11,14 +11,14 @@
 namespace quordalvane::simulator {
 namespace {
 
-// The numbers that most printers share.
+// The code-page numbers that most printers share.
 constexpr std::string_view commonPages =
     "0:437 1:katakana 2:850 3:860 4:863 5:865 11:851 12:853 13:857 14:737 15:iso8859-7 16:1252 "
     "17:866 18:852 19:858 21:874 26:874 32:720 33:775 34:855 35:861 36:862 37:864 38:869 "
     "39:iso8859-2 40:iso8859-15 44:1125 45:1250 46:1251 47:1253 48:1254 49:1255 50:1256 51:1257 "
     "52:1258 53:kz1048";
 
-// The numbers of many small printers with one make of controller.
+// The code-page numbers of many small printers, which share one maker's controller.
 constexpr std::string_view smallPages =
     "0:437 1:katakana 2:850 3:860 4:863 5:865 6:1251 7:866 15:862 16:1252 17:1253 18:852 19:858 "
     "22:864 23:iso8859-1 24:737 25:1257 26:874 27:720 28:855 29:857 30:1250 31:775 32:1254 33:1255 "

@@ -6,29 +6,30 @@
 
 namespace quordalvane::simulator {
 
-/// An encoding of two and more bytes a character.
+/// An encoding in which a character can have two or more bytes.
 enum class MultiByte : std::uint8_t { None, ShiftJis, Gb18030, Big5, EucKr };
 
-/// The characters that a printer has, and how a job selects them. A plain value.
+/// The character sets that a printer has, and the numbers by which a job selects them. A plain
+/// value.
 class CharacterSets {
  public:
-  /// The code-page numbers of most ESC/POS printers, and Japanese.
+  /// Has the code-page numbers of most ESC/POS printers, and the Japanese encoding.
   CharacterSets();
 
-  /// The page of the number that 1b 74 names; empty if the printer has none there.
+  /// The name of the code page that 1b 74 selects by this number; empty if the printer has none.
   std::string_view page(std::uint8_t number) const { return pages_[number]; }
 
-  /// Sets the numbers of the pages: `common`, `small`, or pairs NUMBER:NAME joined by blanks or
-  /// `+`, like `0:437+16:1252`. Throws std::invalid_argument, with a text for people, on anything
-  /// else, and changes nothing then.
+  /// Sets the numbers of the code pages. `text` is `common`, `small`, or pairs NUMBER:NAME
+  /// separated by blanks or `+`, like `0:437+16:1252`. For any other text it throws
+  /// std::invalid_argument, with a text for people, and changes nothing.
   void setPages(std::string_view text);
 
-  /// Sets the encoding of several bytes a character by its name: `none`, `shift-jis`, `gb18030`,
-  /// `big5`, `euc-kr`. Errors likewise.
+  /// Sets the multi-byte encoding by its name: `none`, `shift-jis`, `gb18030`, `big5` or `euc-kr`.
+  /// Throws as `setPages` does.
   void setMultiByte(std::string_view name);
 
   MultiByte multiByte = MultiByte::ShiftJis;
-  bool utf8 = false;  ///< until a job selects a page, text that is valid UTF-8 is read as such
+  bool utf8 = false;  ///< reads valid UTF-8 as such until a job selects a page
 
   bool operator==(const CharacterSets&) const = default;
 
@@ -36,7 +37,7 @@ class CharacterSets {
   std::array<std::string_view, 256> pages_;
 };
 
-/// The name as `CharacterSets::setMultiByte` takes it.
+/// The name that `CharacterSets::setMultiByte` reads.
 std::string_view nameOf(MultiByte encoding);
 
 }  // namespace quordalvane::simulator

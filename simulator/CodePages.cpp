@@ -14,7 +14,7 @@ constexpr std::size_t upperHalf = 128;
 
 using Table = std::array<char16_t, upperHalf>;
 
-// The pages that the system's converter lacks.
+// Pages that the system's converter does not have.
 constexpr Table arabic720 = {
     0xfffd, 0xfffd, 0x00e9, 0x00e2, 0xfffd, 0x00e0, 0xfffd, 0x00e7, 0x00ea, 0x00eb, 0x00e8, 0x00ef,
     0x00ee, 0xfffd, 0xfffd, 0xfffd, 0xfffd, 0x0651, 0x0652, 0x00f4, 0x00a4, 0x0640, 0x00fb, 0x00f9,
@@ -59,7 +59,7 @@ constexpr Table katakanaAndSigns = {
 
 struct Source {
   std::string_view page;
-  const char* encoding;  // of the system's converter; null: a table of our own
+  const char* encoding;  // for the system's converter; null: a table in this file
   const Table* table;
 };
 
@@ -130,7 +130,7 @@ UpperHalf load(const Source& source) {
   if (source.table == nullptr) {
     characters = converted(source.encoding);
     if (source.page == "857") {
-      characters[0xd5 - upperHalf] = 0x20ac;  // printers have the euro sign there
+      characters[0xd5 - upperHalf] = 0x20ac;  // the euro sign, on printers only
     }
     return characters;
   }

@@ -7,18 +7,19 @@
 
 namespace quordalvane::simulator {
 
-/// The characters of the bytes from 80 to ff hex; `noCharacter` if a page has none.
+/// The characters of the bytes 80 to ff (hex); `noCharacter` if the page has none.
 using UpperHalf = std::array<char32_t, 128>;
 
-/// The name of a code page, like `858`, `iso8859-2` or `katakana`, as a text that lasts; empty if
+/// The name of a code page, like `858`, `iso8859-2` or `katakana`, in static storage; empty if
 /// there is no such page.
 std::string_view codePageNamed(std::string_view page);
 
-/// The characters of an existing page. The system's converter is asked once a page; if it lacks the
-/// page, every character is missing. May be called from any thread.
+/// The characters of a page, which must exist. Each page is converted once, by the system's
+/// converter; if the converter does not know the page, all characters are missing. May be called
+/// from any thread.
 const UpperHalf& upperHalfOf(std::string_view page);
 
-/// All pages.
+/// The names of all pages.
 std::vector<std::string> codePageNames();
 
 }  // namespace quordalvane::simulator

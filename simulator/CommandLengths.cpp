@@ -15,7 +15,7 @@ using LengthRule = std::uint64_t (*)(ByteView);
 struct Form {
   std::uint8_t prefixLength;
   std::array<std::uint8_t, 3> prefix;
-  std::uint8_t header;  // so many bytes must be there before the rule can be asked
+  std::uint8_t header;  // bytes that must be present before `rule` is called
   LengthRule rule;      // null: the header is the whole command
   KnownWith knownWith = KnownWith::Always;
 };
@@ -35,7 +35,7 @@ constexpr Form only(KnownWith with, Form form) {
   return form;
 }
 
-// Longer prefixes precede the shorter ones that they refine.
+// A longer prefix must precede the shorter one that it refines.
 constexpr Form commandForms[] = {
     only(KnownWith::Block, three(0x1b, 0x1d, 0x03, 6)),
     only(KnownWith::LineMode, three(0x1b, 0x23, 0x2a, 5)),
@@ -186,7 +186,7 @@ const Form* formOf(ByteView bytes, const Dialect& dialect) {
   return found == std::end(commandForms) ? nullptr : found;
 }
 
-// 12 begins commands of small printers, 1f those of displays.
+// 12 (hex) begins commands of small printers, and 1f those of customer displays.
 bool startsCommand(std::uint8_t byte) {
   return byte == 0x10 || byte == 0x12 || (byte >= 0x1b && byte <= 0x1f && byte != 0x1e);
 }

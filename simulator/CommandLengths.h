@@ -7,14 +7,15 @@
 
 namespace quordalvane::simulator {
 
-/// How long the command is that starts with `bytes` (at least one), as far as they show it: the
-/// least total length in bytes. A command is complete when this equals the count of its bytes; a
-/// larger value means that so many must arrive before more is known. A byte that starts no command
-/// is a command of length one. An unknown command ends with the byte that shows it to be unknown. A
-/// command that a printer of that dialect does not know is unknown.
+/// The least total length, in bytes, of the command that starts with `bytes`, as far as these bytes
+/// (at least one) show it. The command is complete when the result equals their count. If the
+/// result is larger, that many bytes must arrive before more is known.
+///
+/// A byte that starts no command counts as a command of length one. A command that a printer of
+/// this dialect does not know is unknown, and ends with the byte that shows this.
 std::uint64_t leastCommandLength(ByteView bytes, const Dialect& dialect);
 
-/// True if a printer of that dialect knows a command that begins like this whole one.
+/// True if a printer of this dialect knows the command `bytes`, which must be complete.
 bool isKnownCommand(ByteView bytes, const Dialect& dialect);
 
 }  // namespace quordalvane::simulator

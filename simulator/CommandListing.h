@@ -9,22 +9,23 @@
 
 namespace quordalvane::simulator {
 
-/// One command of a job, or a run of characters.
+/// A command of a job, or a run of characters.
 struct ListedCommand {
   std::uint64_t offset = 0;  ///< of its first byte in the job
   std::uint64_t length = 0;
-  std::string name;     ///< see `nameOf`; "text" for characters, "cut off" for one without its end
-  std::string meaning;  ///< in words; of characters themselves, in ASCII
-  bool isKnown = true;  ///< to a printer of that dialect
+  std::string name;     ///< see `nameOf`; "text" for characters, "cut off" for an incomplete
+                        ///< command
+  std::string meaning;  ///< in words; for a run of characters: the characters in ASCII
+  bool isKnown = true;  ///< a printer of this dialect knows it
 };
 
-/// A stretch of a job, command by command.
+/// A part of a job, command by command.
 struct Listing {
   std::vector<ListedCommand> commands;
-  std::uint64_t next = 0;  ///< the offset at which it continues; the job's length at its end
+  std::uint64_t next = 0;  ///< the offset of the next command; at the end the length of the job
 };
 
-/// The commands of a job that begin at `from` or after it, at most `most`.
+/// Lists the commands of a job that begin at `from` or later, at most `most` of them.
 Listing listCommands(ByteView job, const Dialect& dialect, std::uint64_t from, std::size_t most);
 
 }  // namespace quordalvane::simulator

@@ -15,7 +15,7 @@ struct Entry {
   std::string_view meaning;
 };
 
-// Longer beginnings precede the shorter ones that they refine.
+// A longer beginning must precede the shorter one that it refines.
 constexpr Entry entries[] = {
     {2, {0x10, 0x04, 0x00, 0x00}, "status, at once"},
     {2, {0x10, 0x05, 0x00, 0x00}, "recover from an error"},
@@ -149,7 +149,7 @@ constexpr std::string_view controlNames[] = {
     "SYN", "ETB", "CAN", "EM",  "SUB", "ESC", "FS",  "GS",  "RS",  "US",
 };
 
-// A byte as manuals write it.
+// The name of a byte, as manuals write it.
 std::string nameOf(std::uint8_t byte) {
   if (byte < std::size(controlNames)) {
     return std::string(controlNames[byte]);
@@ -157,7 +157,7 @@ std::string nameOf(std::uint8_t byte) {
   return byte > 0x20 && byte < 0x7f ? std::string(1, static_cast<char>(byte)) : hexText({&byte, 1});
 }
 
-// The selector of a function is a part of the name: GS ( k.
+// True if the name includes the byte that selects a function, as in GS ( k.
 bool hasFunction(ByteView command) {
   const std::uint8_t selector = command[1];
   return command.size() > 2 && (selector == '(' || selector == '8') && command[0] >= 0x1b;

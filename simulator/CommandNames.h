@@ -7,13 +7,13 @@
 
 namespace quordalvane::simulator {
 
-/// A command in the words of people.
+/// The name of a command, for people.
 struct CommandName {
   std::string name;          ///< as in a manual, like "GS V"; "text" for a character
-  std::string_view meaning;  ///< in a few words; empty if it is not known
+  std::string_view meaning;  ///< in a few words; empty if unknown
 };
 
-/// The name of one whole command, or of a single character.
+/// The name of one complete command, or of a single character.
 CommandName nameOf(ByteView command);
 
 }  // namespace quordalvane::simulator

@@ -10,13 +10,13 @@ std::uint64_t word(ByteView bytes, std::size_t at) {
   return static_cast<std::uint64_t>(bytes[at]) | static_cast<std::uint64_t>(bytes[at + 1]) << 8U;
 }
 
-// A missing terminator must not swallow the rest of the job.
+// The limit keeps a missing terminator from swallowing the rest of the job.
 std::uint64_t untilNul(ByteView bytes, std::size_t from, std::size_t most) {
   const bool ended = bytes.size() > from && bytes.back() == 0;
   return ended || bytes.size() >= from + most ? bytes.size() : bytes.size() + 1;
 }
 
-// 1d 43 3b sa 3b sb 3b sn 3b sr 3b sc 3b: numbers in digits. Any other byte ends it.
+// 1d 43 3b sa 3b sb 3b sn 3b sr 3b sc 3b: numbers as digits. Any other byte ends the command.
 std::uint64_t counterInDigits(ByteView bytes) {
   constexpr std::size_t mostDigits = std::size_t{5} * 5;
   const auto numbers = bytes.subspan(3);

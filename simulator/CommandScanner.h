@@ -7,41 +7,41 @@
 
 namespace quordalvane::simulator {
 
-/// Cuts a byte stream into commands, a byte at a time, so that packets make no difference. Bytes
-/// inside the counted payload of a command are data only. Uses no more memory than the longest
-/// command that can be printed: the end of a longer one is counted and not kept.
+/// Divides a byte stream into commands, byte by byte, so that the boundaries of packets do not
+/// matter. Bytes inside the payload of a command are only data. Stores at most the longest command
+/// that can be printed; the rest of a longer one is only counted.
 class CommandScanner {
  public:
-  /// From the next command on the printer knows the commands of this dialect.
+  /// The printer knows the commands of this dialect, from the next command on.
   void setDialect(const Dialect& dialect) { nextDialect_ = dialect; }
 
-  /// Takes the next byte; true if it completes a command.
+  /// Adds the next byte. Returns true if it completes a command.
   bool feed(std::uint8_t byte);
 
-  /// The bytes of the command so far. A complete command is readable until the next byte.
+  /// The bytes of the current command. A complete command can be read until the next byte.
   const Bytes& bytes() const { return bytes_; }
 
-  /// The meaning of the complete command.
+  /// The meaning of the complete command for the printer.
   MachineCommand command() const;
 
-  /// True if the printer knows the complete command, be it only by its length.
+  /// True if the printer knows the complete command, even if only by its length.
   bool isKnown() const;
 
-  /// True while an unfinished command may still turn out to be more than print data.
+  /// True while an unfinished command may still become one that is more than print data.
   bool mayConcernTheMachine() const;
 
-  /// True after a first byte and before the last of a command.
+  /// True after the first byte of a command and before its last.
   bool insideCommand() const { return length_ < needed_ && length_ > 0; }
 
-  /// Forgets an unfinished command: the next byte starts one.
+  /// Forgets an unfinished command; the next byte starts a new one.
   void restart();
 
  private:
-  Dialect dialect_;      // of the command that has begun
-  Dialect nextDialect_;  // of those that follow
+  Dialect dialect_;      // for the current command
+  Dialect nextDialect_;  // for the commands after it
   Bytes bytes_;
-  std::uint64_t length_ = 0;  // bytes of the command that have arrived, kept or not
-  std::uint64_t needed_ = 1;  // bytes that must have arrived before it can be complete
+  std::uint64_t length_ = 0;  // received bytes of the command, stored or not
+  std::uint64_t needed_ = 1;  // received bytes that it needs at least to be complete
 };
 
 }  // namespace quordalvane::simulator

@@ -16,7 +16,7 @@ bool isControl(char32_t character) {
 }  // namespace
 
 Conversion::Conversion(const char* encoding) {
-  // Without a byte order mark, in the order of this machine's own numbers.
+  // Converts to the byte order of this machine, without a byte order mark.
   const std::uint16_t one = 1;
   const bool isLittle = *reinterpret_cast<const std::uint8_t*>(&one) == 1;
   iconv_t converter = ::iconv_open(isLittle ? "UTF-32LE" : "UTF-32BE", encoding);
@@ -41,7 +41,8 @@ char32_t Conversion::characterOf(ByteView bytes) {
   char* out = reinterpret_cast<char*>(characters.data());
   std::size_t room = sizeof characters;
   constexpr auto failed = static_cast<std::size_t>(-1);
-  // Some encodings hold a letter back until they see whether an accent follows.
+  // The second call makes the converter output a letter that it holds back: in some encodings an
+  // accent may follow.
   const bool isWhole = ::iconv(converter_.get(), &in, &unread, &out, &room) != failed &&
                        ::iconv(converter_.get(), nullptr, nullptr, &out, &room) != failed;
   ::iconv(converter_.get(), nullptr, nullptr, nullptr, nullptr);

@@ -6,18 +6,18 @@
 
 namespace quordalvane::simulator {
 
-/// Replaces bytes that are no character.
+/// Stands for bytes that are not a character.
 inline constexpr char32_t noCharacter = 0xfffd;
 
-/// The system's converter from one encoding to Unicode, a character at a time. Not for use by two
-/// threads at once.
+/// Converts one encoding to Unicode by the system's converter, one character at a time. Must not be
+/// used by two threads at once.
 class Conversion {
  public:
   /// If the system does not know the encoding, every character is missing.
   explicit Conversion(const char* encoding);
 
-  /// The one character that these bytes are; `noCharacter` if they are no character, several, or a
-  /// control character.
+  /// The single character that these bytes encode. `noCharacter` if they encode no character,
+  /// several characters, or a control character.
   char32_t characterOf(ByteView bytes);
 
  private:

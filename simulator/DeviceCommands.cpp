@@ -1,4 +1,4 @@
-// The commands that leave no ink: drawer, buzzer, display.
+// The commands that print nothing: cash drawer, buzzer, customer display.
 
 #include "simulator/Typesetter.h"
 
@@ -10,8 +10,8 @@ void Typesetter::peripheral(ByteView command) {
   printerListens_ = (command[2] & 1U) != 0 || !displayListens_;
 }
 
-// Bytes for the display alone do not reach the paper, until the printer is selected again. Its
-// own commands never do.
+// True for bytes that do not reach the paper: bytes for the display alone, until the printer is
+// selected again, and the display's own commands at any time.
 bool Typesetter::isForDisplay(ByteView command) {
   constexpr std::uint8_t ofDisplays = 0x1f;
   if (command[0] == ofDisplays && command.size() > 1) {

@@ -4,11 +4,11 @@
 
 namespace quordalvane::simulator {
 
-/// Which commands a printer knows, of those that not every printer knows. A plain value.
+/// Which optional commands a printer knows. A plain value.
 struct Dialect {
   Proofs proofs = Proofs::all();
-  bool lineMode = true;  ///< the maker's own commands besides ESC/POS
-  bool display = false;  ///< those of the customer display: it alone is selected at the moment
+  bool lineMode = true;  ///< it knows the maker's own commands as well as ESC/POS
+  bool display = false;  ///< only the customer display is selected now, so its commands count
 
   bool operator==(const Dialect&) const = default;
 };

@@ -15,7 +15,7 @@ namespace {
 
 using Text = std::string_view;
 
-// A year: longer times are a mistake, and sums of times are far from overflow.
+// A year. Longer times are a mistake, and sums of shorter times cannot overflow.
 constexpr std::uint64_t longestMilliseconds = 365ULL * 24 * 3600 * 1000;
 
 std::optional<std::uint64_t> number(
@@ -29,7 +29,8 @@ std::optional<std::uint64_t> number(
   return value;
 }
 
-// Takes the text after the last `mark` off the end; null if there is no mark.
+// Removes the text after the last `mark` from the end of `text` and returns it; empty if there is
+// no mark.
 std::optional<Text> takeTail(Text& text, char mark) {
   const std::size_t at = text.rfind(mark);
   if (at == Text::npos) {
@@ -98,8 +99,8 @@ bool parseEnding(Text text, Fault& fault) {
   return true;
 }
 
-// VALUE or VALUE@REPLY: the fault befalls each reply, the one of that number, or those of that
-// kind.
+// Reads VALUE or VALUE@REPLY. REPLY is the number or the kind of the affected replies; without it,
+// each reply is affected.
 bool parseAtReply(Text text, Fault& fault, bool (*parseValue)(Text, Fault&)) {
   const auto reply = takeTail(text, '@');
   return (!reply || parseOneReply(*reply, fault)) && parseValue(text, fault);
@@ -148,7 +149,7 @@ bool parseTrue(Text text, Fault&) {
   return text == "true";
 }
 
-// MS:KEY=VALUE. The delayed assignment must itself be valid, so that it cannot fail later.
+// Reads MS:KEY=VALUE. The delayed assignment must be valid now, so that it cannot fail later.
 bool parseAt(Text text, Fault& fault) {
   const std::size_t colon = text.find(':');
   const std::size_t equals = text.find('=', colon == Text::npos ? 0 : colon);

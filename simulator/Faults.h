@@ -12,7 +12,7 @@
 
 namespace quordalvane::simulator {
 
-/// The fate of bytes that were sent and not read when a link ends.
+/// What happens to sent but unread bytes when a link ends.
 enum class Ending {
   Drain,   ///< they can still be read
   AtOnce,  ///< they are lost
@@ -38,31 +38,31 @@ enum class FaultKind {
   At,
 };
 
-/// One fault of a link. Which members count depends on the kind; see docs/virtual-printer.md.
+/// A fault of a link. The kind decides which members are used; see docs/virtual-printer.md.
 struct Fault {
   FaultKind kind{};
-  std::uint64_t count = 0;             ///< bytes; of `StrayByte` the byte
-  Instant time{};                      ///< how late, how long, or when
-  std::uint64_t reply = 0;             ///< the number of the reply that it befalls, from 1; 0: each
-  std::optional<ReplyKind> replyKind;  ///< it befalls replies of this kind only; empty: of each
-  std::vector<std::uint64_t> offsets;  ///< the places at which a reply is split, rising
+  std::uint64_t count = 0;             ///< bytes; for `StrayByte` the byte itself
+  Instant time{};                      ///< a delay, a duration or a time
+  std::uint64_t reply = 0;             ///< the number of the affected reply, from 1; 0: all
+  std::optional<ReplyKind> replyKind;  ///< only replies of this kind are affected; empty: all
+  std::vector<std::uint64_t> offsets;  ///< where a reply is split, ascending
   Ending ending = Ending::Drain;
-  std::string key;  ///< of `at`: the printer setting or fault that it applies
+  std::string key;  ///< for `At`: the setting or fault that it applies
   std::string value;
-  std::string name;   ///< as it was given
-  std::string given;  ///< the value, likewise
+  std::string name;   ///< as the user wrote it
+  std::string given;  ///< the value, as the user wrote it
 };
 
-/// A part of the value of a fault, for those who ask people for it.
+/// A part of a fault's value, for programs that ask the user for it.
 struct FaultPart {
-  std::string_view before;  ///< the text that is between it and the part before
-  std::string_view label;   ///< what it is, in a word or two
+  std::string_view before;  ///< the text between this part and the previous one
+  std::string_view label;   ///< its meaning, in a word or two
   enum class Kind { Number, Hex, Text, Ending, Reply, Proof } kind;
-  bool isOptional = false;  ///< it may be left out, and `before` with it
+  bool isOptional = false;  ///< may be left out, together with `before`
 };
 
-/// A fault by its name, and the value that it takes. A value is its parts, one after the other;
-/// `true` if there are none.
+/// The name of a fault and the form of its value. The value is its parts in order; `true` if it has
+/// no parts.
 struct FaultForm {
   std::string_view name;
   std::string_view takes;  ///< in words
@@ -70,26 +70,26 @@ struct FaultForm {
   std::span<const FaultPart> parts;
 };
 
-/// Every fault that there is.
+/// The forms of all faults.
 std::vector<FaultForm> faultForms();
 
-/// The values of a part that are words; empty for a number or a free text.
+/// The words that a part accepts; empty for a number or a free text.
 std::vector<std::string_view> choicesOf(FaultPart::Kind kind);
 
-/// True if there is a fault of that name.
+/// True if there is a fault of this name.
 bool isFault(std::string_view name);
 
-/// The fault `name` with the value `value`, as docs/virtual-printer.md describes them. Throws
-/// std::invalid_argument, with a text for people that names the fault and the values it takes; it
-/// is always printable.
+/// Reads the fault `name` with the value `value`, as docs/virtual-printer.md describes them. Throws
+/// std::invalid_argument, with a text for people that names the fault and the values that it
+/// accepts. The text is always printable.
 Fault parseFault(std::string_view name, std::string_view value);
 
-/// The faults of a link, in the order in which they were named. A plain value.
+/// The faults of a link, in the order in which they were added. A plain value.
 struct Faults {
   std::vector<Fault> list;
-  std::optional<std::uint64_t> seed;  ///< decides the random choices of faults; empty: as 0
+  std::optional<std::uint64_t> seed;  ///< for the random choices of faults; empty means 0
 
-  /// Adds the fault that is named, or sets the seed for the name `seed`. Errors as in `parseFault`.
+  /// Adds a fault, or sets the seed if `name` is `seed`. Throws as `parseFault` does.
   void add(std::string_view name, std::string_view value);
 };
 

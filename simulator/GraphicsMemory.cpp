@@ -8,18 +8,18 @@
 namespace quordalvane::simulator {
 namespace {
 
-// No paper is wider. Without this limit a few bytes and a scale could make a huge image.
+// The widest paper. Without this limit a few bytes and a scale could create a huge image.
 constexpr unsigned widest = widePaperDots;
 
 unsigned word(ByteView bytes, std::size_t at) {
   return bytes[at] + 256U * bytes[at + 1];
 }
 
-// Which memory an image lies in, above the two bytes or the number that name it there.
-constexpr unsigned keptMemory = 1U << 16U;       // of graphics, outlives an initialisation
-constexpr unsigned downloadMemory = 2U << 16U;   // of graphics
-constexpr unsigned numberedMemory = 3U << 16U;   // of 1c 71, outlives an initialisation
-constexpr unsigned downloadedImage = 4U << 16U;  // the one of 1d 2a
+// The memory of an image, combined with the two bytes or the number of the image there.
+constexpr unsigned keptMemory = 1U << 16U;       // for graphics; survives an initialisation
+constexpr unsigned downloadMemory = 2U << 16U;   // for graphics
+constexpr unsigned numberedMemory = 3U << 16U;   // for 1c 71; survives an initialisation
+constexpr unsigned downloadedImage = 4U << 16U;  // for 1d 2a, which has one image
 constexpr unsigned memorySize = 1U << 16U;
 
 constexpr std::uint8_t firstColour = 49;
@@ -90,7 +90,7 @@ Bitmap columnImage(ByteView command) {
   }
   const bool tall = command[2] >= 32;
   const bool dense = (command[2] & 1U) != 0;
-  // A stripe of eight dots is as high as one of 24; single density is half as fine as the head.
+  // A stripe of eight dots is as high as one of 24. A dot of single density is twice as wide.
   return fromColumns(command.subspan(5), word(command, 3), tall ? 24 : 8, dense ? 1 : 2,
                      tall ? 1 : 3);
 }
@@ -202,8 +202,8 @@ GraphicsMemory::Outcome GraphicsMemory::erase(unsigned first, unsigned last) {
   return Outcome::Stored;
 }
 
-// 1c 71 n, then each image: its size in units of eight dots, and its columns. They replace all
-// that were there.
+// The bytes are 1c 71 n. For each image follow its size in units of eight dots, and its columns.
+// They replace all images of this memory.
 GraphicsMemory::Outcome GraphicsMemory::storeNumbered(ByteView command) {
   erase(numberedMemory, numberedMemory + memorySize);
   std::size_t at = 3;
@@ -222,7 +222,7 @@ GraphicsMemory::Outcome GraphicsMemory::storeNumbered(ByteView command) {
   return Outcome::Stored;
 }
 
-// 1d 44 m fn a kc1 kc2 tone colour, then a bitmap file.
+// The bytes are 1d 44 m fn a kc1 kc2 tone colour, followed by a bitmap file.
 GraphicsMemory::Outcome GraphicsMemory::storeFile(ByteView command) {
   constexpr std::uint8_t toKept = 67;
   constexpr std::uint8_t toDownload = 83;
@@ -234,7 +234,7 @@ GraphicsMemory::Outcome GraphicsMemory::storeFile(ByteView command) {
   return store(memory + word(command, 5), {fromBitmapFile(command.subspan(9))});
 }
 
-// m fn tone scaleX scaleY colour xL xH yL yH, then the dots of one colour.
+// The bytes are m fn tone scaleX scaleY colour xL xH yL yH, followed by the dots of one colour.
 GraphicsMemory::Outcome GraphicsMemory::addToBuffer(ByteView parameters, bool byColumns) {
   if (parameters.size() < 10) {
     return Outcome::Unknown;
@@ -257,7 +257,7 @@ GraphicsMemory::Outcome GraphicsMemory::addToBuffer(ByteView parameters, bool by
   return Outcome::Stored;
 }
 
-// m fn tone key key colours xL xH yL yH, then each colour and its dots.
+// The bytes are m fn tone key key colours xL xH yL yH, followed by each colour and its dots.
 GraphicsMemory::Outcome GraphicsMemory::define(ByteView parameters, unsigned memory,
                                                bool byColumns) {
   if (parameters.size() < 10) {

@@ -9,40 +9,42 @@
 
 namespace quordalvane::simulator {
 
-/// The dots of a raster command 1d 76 30, its scale applied. Without all its dots it is empty.
+/// The dots of a raster command 1d 76 30 (hex), scaled. The result is empty if dots are missing.
 Bitmap rasterImage(ByteView command);
 
-/// The dots of a bit-image command 1b 2a: one stripe of 8 or 24 dots, its density applied. A mode
-/// that does not exist gives an empty one.
+/// The dots of a bit-image command 1b 2a: a stripe of 8 or 24 dots, scaled by its density. The
+/// result is empty if the mode does not exist.
 Bitmap columnImage(ByteView command);
 
-/// The dots of a bit-image command 1d 51, whose height the job chooses.
+/// The dots of a bit-image command 1d 51, in which the job sets the height.
 Bitmap tallColumnImage(ByteView command);
 
-/// Columns of `tall` dots, the topmost in the highest bit of a column's first byte, enlarged.
-/// Without all its dots it is empty.
+/// The dots of columns, enlarged. Each column has `tall` dots; the highest bit of its first byte is
+/// at the top. The result is empty if dots are missing.
 Bitmap fromColumns(ByteView columns, unsigned count, unsigned tall, unsigned scaleX,
                    unsigned scaleY);
 
-/// The same dots enlarged, cut off where no paper is so wide.
+/// The enlarged dots, cut off at the width of the widest paper.
 Bitmap enlarged(const Bitmap& image, unsigned scaleX, unsigned scaleY);
 
-/// The images that commands store first and print later: the print buffer of 1d 28 4c and 1d 38 4c,
-/// and the memories of 1d 28 4c, 1d 44, 1c 71 and 1d 2a. Holds at most `mostBytes`.
+/// The images that are stored by one command and printed by another: the print buffer of 1d 28 4c
+/// and 1d 38 4c, and the memories of 1d 28 4c, 1d 44, 1c 71 and 1d 2a (hex). Holds at most
+/// `mostBytes`.
 class GraphicsMemory {
  public:
   enum class Outcome { Stored, Print, Unknown };
 
   static constexpr std::size_t mostBytes = std::size_t{1} << 20U;
 
-  /// Carries out one of these commands, or of those that print, 1c 70 and 1d 2f. After `Print` the
-  /// image is to be taken with `image()`. What does not fit is unknown.
+  /// Executes one of these commands, or one of the commands that print, 1c 70 and 1d 2f. After
+  /// `Print` the caller prints `image()`. Returns `Unknown` if the image does not fit or the
+  /// command is not valid.
   Outcome apply(ByteView command);
 
-  /// The image to be printed: the dots of each colour.
+  /// The image to be printed: one bitmap for each colour.
   const std::vector<Bitmap>& image() const { return image_; }
 
-  /// The printer is initialised: images that were stored for good remain.
+  /// Initialises the printer; images in permanent memory remain.
   void initialise();
 
  private:

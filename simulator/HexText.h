@@ -7,7 +7,7 @@
 
 namespace quordalvane::simulator {
 
-/// Each byte as two lower-case hex digits, with blanks between them.
+/// Each byte as two lower-case hex digits, with a blank between bytes.
 std::string hexText(ByteView bytes);
 
 }  // namespace quordalvane::simulator

@@ -4,8 +4,8 @@
 
 namespace quordalvane::simulator {
 
-/// A point in time, as the caller counts it: nanoseconds on any clock that never steps back. The
-/// simulator reads no clock of its own.
+/// A point in time: nanoseconds on a clock of the caller's choice that never steps back. The
+/// simulator itself reads no clock.
 using Instant = std::chrono::nanoseconds;
 
 }  // namespace quordalvane::simulator

@@ -4,7 +4,7 @@
 
 namespace quordalvane::simulator {
 
-// A printer that works through nothing must not make this grow without end.
+// The limit keeps the memory bounded if a printer receives bytes but prints none.
 void JobBytes::receive(ByteView bytes) {
   held_.insert(held_.end(), bytes.begin(), bytes.end());
   while (held_.size() > mostKept) {

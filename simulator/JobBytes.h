@@ -7,19 +7,19 @@
 
 namespace quordalvane::simulator {
 
-/// The bytes of the job that is on the paper, as they were received, and after them those that are
-/// still held. Of a long job only the first are kept.
+/// The received bytes of the current job, and after them the bytes that have not been printed yet.
+/// Stores only the first bytes of a long job.
 class JobBytes {
  public:
   static constexpr std::size_t mostKept = std::size_t{1} << 20U;
 
-  /// Bytes that have arrived.
+  /// Adds received bytes.
   void receive(ByteView bytes);
 
-  /// Of the bytes received ever the first `position` have been worked through: they are the job's.
+  /// Assigns bytes to the job: the first `position` of all bytes ever received have been printed.
   void pass(std::uint64_t position);
 
-  /// Ends the job. Returns its first bytes; how many it had in all is in `count`.
+  /// Ends the job. Returns its first bytes, and in `count` the number of all its bytes.
   struct Job {
     Bytes bytes;
     std::uint64_t count = 0;
@@ -30,7 +30,7 @@ class JobBytes {
   void passOne();
 
   std::deque<std::uint8_t> held_;
-  std::uint64_t passed_ = 0;  // of the bytes received ever
+  std::uint64_t passed_ = 0;  // of all bytes ever received
   Job job_;
 };
 

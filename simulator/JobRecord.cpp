@@ -70,7 +70,7 @@ void JobRecord::noteBeep() {
   noteEvent(EventKind::Beep);
 }
 
-// Letters that follow one another are one event.
+// Consecutive letters are one event.
 void JobRecord::noteDisplay(std::uint8_t byte) {
   constexpr std::size_t longestText = 1000;
   if (events_.empty() || events_.back().kind != EventKind::Display) {

@@ -9,8 +9,8 @@
 
 namespace quordalvane::simulator {
 
-/// The events of a job that leave no ink, and the parts of it that the printer could not print.
-/// Each list is cut short after `longestList` entries, so that no job makes it grow without end.
+/// The events of a job that print nothing, and the parts that the printer could not print. Each
+/// list ends after `longestList` entries, so that no job makes it grow for ever.
 class JobRecord {
  public:
   struct Question {
@@ -19,24 +19,24 @@ class JobRecord {
   };
 
   struct Unknown {
-    std::uint64_t offset;  ///< of its first byte in the job as it was received
-    Bytes bytes;           ///< the first of them
-    std::string name;      ///< like "GS y"; "cut off" for a command without its end
+    std::uint64_t offset;  ///< of its first byte in the received job
+    Bytes bytes;           ///< only the first of them
+    std::string name;      ///< like "GS y"; "cut off" for an incomplete command
   };
 
   enum class EventKind : std::uint8_t { Cut, Drawer, Beep, Display, Question, Replaced };
 
-  /// An event that leaves no ink, in the order in which the printer carried it out.
+  /// An event that prints nothing. Events are in the order in which the printer executed them.
   struct Event {
     EventKind kind;
-    /// The display's words, a question in hex, or the form asked for and the form drawn.
+    /// The text on the display, a question in hex, or for `Replaced` the two forms.
     std::string text;
   };
 
   static constexpr std::size_t longestList = 1000;
 
   unsigned cuts() const { return cuts_; }
-  unsigned drawer() const { return drawer_; }  ///< pulses
+  unsigned drawer() const { return drawer_; }  ///< pulses to the cash drawer
   unsigned beeps() const { return beeps_; }
   const std::vector<Event>& events() const { return events_; }
 
@@ -45,27 +45,27 @@ class JobRecord {
   void noteBeep();
   void noteDisplay(std::uint8_t byte);
 
-  /// A symbol or command was drawn in another form than the one asked for.
+  /// Notes that a symbol or command was printed in another form than the job asked for.
   void noteReplaced(const std::string& what);
 
   const Bytes& codePages() const { return codePages_; }
   const std::vector<Question>& asked() const { return asked_; }
   const std::vector<Unknown>& unknown() const { return unknown_; }
 
-  /// Bytes that the selected code page has no character for, like "81 in page 16", and pages that
-  /// the printer lacks, like "page 200".
+  /// Bytes without a character in the selected code page, like "81 in page 16", and pages that the
+  /// printer does not have, like "page 200".
   const std::set<std::string>& missing() const { return missing_; }
 
-  /// The job as it was received: its first bytes, and how many there were in all. Only of a printer
-  /// that `PrinterState::keepsReceived`; empty and 0 otherwise.
+  /// The received job: its first bytes, and the count of all of them. Only for a printer with
+  /// `PrinterState::keepsReceived`; otherwise empty and 0.
   const Bytes& received() const { return received_; }
   std::uint64_t receivedCount() const { return receivedCount_; }
   void setReceived(Bytes bytes, std::uint64_t count);
 
-  /// True if the printer could print all of the job as it was meant.
+  /// True if the printer could print all of the job correctly.
   bool isClean() const { return unknown_.empty() && missing_.empty(); }
 
-  /// True if nothing happened but questions.
+  /// True if the job contained only questions.
   bool isEmpty() const;
 
   void noteCodePage(std::uint8_t number);

@@ -9,7 +9,7 @@
 namespace quordalvane::simulator {
 namespace {
 
-// Empty if the text is not two to four bytes in hex.
+// Returns an empty result if the text is not two to four bytes in hex.
 Bytes beginningIn(std::string_view text) {
   const bool isLong = text.size() >= 4 && text.size() <= 8 && text.size() % 2 == 0;
   Bytes bytes(isLong ? text.size() / 2 : 0);

@@ -6,7 +6,7 @@
 
 namespace quordalvane::simulator {
 
-// A margin that leaves no room for a letter is ignored.
+// A margin is limited so that a letter still has room.
 unsigned LineBuilder::room() const {
   constexpr unsigned least = 12;
   const unsigned left = std::min(left_, paperWidth_ - least);
@@ -34,8 +34,8 @@ void LineBuilder::add(std::u32string_view text, const TextStyle& style, Paper& p
   }
 }
 
-// Of the pieces of a line at most one a dot lie side by side. The rest lies on top of others, and a
-// job may continue with that for ever; after some layers no more is visible.
+// A line has at most as many pieces side by side as it has dots. All others are printed over them.
+// A job could continue that for ever; but after some layers nothing more would be visible.
 bool LineBuilder::isFull() const {
   constexpr std::size_t mostLayers = 8;
   return line_.items.size() >= mostLayers * paperWidth_;

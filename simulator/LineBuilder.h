@@ -7,46 +7,48 @@
 
 namespace quordalvane::simulator {
 
-/// The line that is being set: collects text and small pictures until the line ends or is full, and
-/// hands whole lines to the paper.
+/// The current line: collects text and small pictures until the line ends or is full, and adds
+/// complete lines to the paper.
 class LineBuilder {
  public:
   explicit LineBuilder(unsigned paperWidth) : paperWidth_(paperWidth) {}
 
-  /// Continues with lines of this width; to be called between two lines.
+  /// Sets the paper width of later lines. To be called between two lines.
   void setPaperWidth(unsigned dots) { paperWidth_ = dots; }
 
-  /// Adds text; the part that does not fit starts a new line on `paper`.
+  /// Adds text. If a part does not fit, the line is added to `paper` and the rest begins a new
+  /// line.
   void add(std::u32string_view text, const TextStyle& style, Paper& paper);
 
-  /// Adds dots at the current position, cut off at the edge of the print.
+  /// Adds dots at the current position, cut off at the edge of the print area.
   void add(Bitmap dots);
 
-  /// Continues `x` dots from the left end; beyond the paper it does nothing.
+  /// Moves to `x` dots from the left end. Does nothing if that is beyond the paper.
   void moveTo(unsigned x);
 
-  /// Moves to the next tab stop; without one it does nothing.
+  /// Moves to the next tab stop. Does nothing if there is none.
   void tab(unsigned cellWidth);
 
-  /// Sets the tab stops, in dots; without any there is one every eight characters.
+  /// Sets the tab stops, in dots. If `stops` is empty, there is one every eight characters.
   void setTabs(std::vector<unsigned> stops) { tabs_ = std::move(stops); }
 
-  /// Ends the line: moves the paper on, whether or not there is anything on it.
+  /// Ends the line and moves the paper forward, even if the line is empty.
   void end(Paper& paper);
 
-  /// Ends the line if there is anything on it.
+  /// Ends the line if it is not empty.
   void endIfBegun(Paper& paper);
 
   bool empty() const { return line_.items.empty(); }
   unsigned position() const { return position_; }
 
-  /// These hold for the current line if nothing is on it yet, otherwise from the next line on.
+  /// These settings apply to the current line if it is still empty, otherwise from the next line
+  /// on.
   void setAlignment(Alignment alignment) { alignment_ = alignment; }
   void setLeftMargin(unsigned dots) { left_ = dots; }
   void setWidth(unsigned dots) { width_ = dots; }
   void setUpsideDown(bool upsideDown) { upsideDown_ = upsideDown; }
 
-  /// The place of the next line, image or symbol across the paper.
+  /// Where the next line, image or symbol is placed across the paper.
   Place place() const { return {alignment_, left_, room()}; }
 
   void setSpacing(unsigned dots) { spacing_ = dots; }
@@ -63,7 +65,7 @@ class LineBuilder {
   unsigned position_ = 0;
   Alignment alignment_ = Alignment::Left;
   unsigned left_ = 0;
-  unsigned width_ = 0;  // 0: all of the paper
+  unsigned width_ = 0;  // 0: the whole paper
   bool upsideDown_ = false;
   unsigned spacing_ = lineSpacing;
   std::vector<unsigned> tabs_;

@@ -7,8 +7,8 @@
 
 namespace quordalvane::simulator {
 
-/// The meaning of a complete command for the machine. `Printing` is any command that matters only
-/// to the paper, and any single character.
+/// The meaning of a complete command for the printer's electronics. `Printing` is any command that
+/// affects only the paper, and any single character.
 enum class MachineCommand {
   Printing,
   PrepareStatus,
@@ -32,16 +32,17 @@ enum class MachineCommand {
   AskSymbolSize,
 };
 
-/// True for commands that act when they are received, ahead of the print data that is still held.
+/// True for commands that act when they are received, ahead of the print data in the buffer.
 bool actsOnReception(MachineCommand command);
 
-/// True for commands that wait for their turn: they act when the print position passes them.
+/// True for commands that wait for their turn: they act when all print data before them are
+/// printed.
 bool actsInTurn(MachineCommand command);
 
-/// The meaning of these bytes, one whole command, for a printer of that dialect.
+/// The meaning of `bytes`, which is one complete command, for a printer of this dialect.
 MachineCommand machineCommand(ByteView bytes, const Dialect& dialect);
 
-/// True if more bytes may make these a command other than `Printing`.
+/// True if further bytes may make `bytes` a command other than `Printing`.
 bool mayBecomeMachineCommand(ByteView bytes, const Dialect& dialect);
 
 }  // namespace quordalvane::simulator

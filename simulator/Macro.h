@@ -7,41 +7,42 @@
 
 namespace quordalvane::simulator {
 
-/// The commands that a job defines between two 1d 3a, to be carried out again by 1d 5e. They are
-/// also carried out while they are defined. They outlive the job and an initialisation.
+/// A macro: the commands between two 1d 3a (hex), which 1d 5e executes again. They are also
+/// executed while they are defined. A macro outlives its job and an initialisation.
 class Macro {
  public:
-  /// 1d 3a: begins a definition, or ends the one under way.
+  /// Executes 1d 3a: begins a definition, or ends the current one.
   void startOrEnd();
 
-  /// Keeps a command if a definition is under way; from the first that finds no room on, none.
+  /// Adds a command to the current definition, if there is one. After a command that does not fit,
+  /// no more are added.
   void keep(ByteView command);
 
-  /// 1d 5e: they are to be carried out so many times. False if there is nothing to be carried out:
-  /// none are defined, a definition was under way, which is lost, or the job has carried out
-  /// enough.
+  /// Executes 1d 5e: the macro is to be executed `times` times. Returns false if nothing is to be
+  /// executed: no macro is defined, or the job has reached its limit, or the macro is still being
+  /// defined; it is then lost.
   bool execute(unsigned times);
 
-  /// The next command to be carried out; null if there is none. Valid until the next call.
+  /// The next command to execute; null if there is none. Valid until the next call.
   const Bytes* next();
 
-  /// Ends the execution under way.
+  /// Ends the current execution.
   void stop() { left_ = 0; }
 
-  /// The next job may carry out as much again.
+  /// Resets the limit for the next job.
   void endJob() { carriedOut_ = 0; }
 
   static constexpr std::size_t mostBytes = 2048;
 
-  /// A few bytes of a job must not keep the printer busy for ever.
+  /// A limit, because otherwise a few bytes could keep the printer busy for ever.
   static constexpr std::size_t mostCommandsOfAJob = 100'000;
 
  private:
   bool isDefining_ = false;
   std::vector<Bytes> commands_;
-  std::size_t size_ = 0;  // of them, in bytes
+  std::size_t size_ = 0;  // of the commands, in bytes
   std::size_t next_ = 0;
-  unsigned left_ = 0;  // times
+  unsigned left_ = 0;  // executions
   std::size_t carriedOut_ = 0;
 };
 

@@ -61,7 +61,7 @@ std::size_t MultiByteText::lengthOf(ByteView bytes) const {
   if (sevenBit_) {
     return begins(bytes[1]) ? 2 : 0;
   }
-  // In a character of four bytes, the second and the last are digits.
+  // In a character of four bytes, the second and the fourth are digits.
   if (encoding_ == MultiByte::Gb18030 && isWithin(bytes[1], 0x30, 0x39)) {
     const bool goesOn = (bytes.size() < 3 || isWithin(bytes[2], 0x81, 0xfe)) &&
                         (bytes.size() < 4 || isWithin(bytes[3], 0x30, 0x39));

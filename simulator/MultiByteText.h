@@ -9,19 +9,21 @@
 
 namespace quordalvane::simulator {
 
-/// Reads text in an encoding of several bytes a character.
+/// Reads text in a multi-byte encoding.
 class MultiByteText {
  public:
-  /// With `sevenBit`, for Shift-JIS printers alone, the bytes are of the older code, 21 to 7e hex.
+  /// With `sevenBit`, only for Shift-JIS printers, it reads the older code, whose bytes are 21 to
+  /// 7e (hex).
   explicit MultiByteText(MultiByte encoding, bool sevenBit = false);
 
-  /// True if a character of several bytes begins with this one.
+  /// True if a multi-byte character can begin with this byte.
   bool begins(std::uint8_t byte) const;
 
-  /// How many bytes the character has that begins with these, at least one; 0 if there is none.
+  /// The count of bytes of the character that begins with `bytes`, at least one; 0 if there is no
+  /// such character.
   std::size_t lengthOf(ByteView bytes) const;
 
-  /// The character of so many bytes; `noCharacter` if the encoding has no such character.
+  /// The character that `bytes` encode; `noCharacter` if there is none.
   char32_t characterOf(ByteView bytes);
 
  private:

@@ -5,10 +5,10 @@
 namespace quordalvane::simulator {
 namespace {
 
-// Of the largest page that printers have memory for.
+// In dots: the longest page for which printers have memory.
 constexpr unsigned longestPage = 2400;
 
-// A job that chooses areas for ever must not take memory for ever.
+// Limits the memory of a job that selects areas without end.
 constexpr std::size_t mostAreas = 256;
 constexpr std::size_t heaviestPage = heaviestPaper / 16;
 
@@ -38,7 +38,7 @@ void PageBuilder::setDirection(unsigned direction) {
   begin(place);
 }
 
-// The last one is dropped if nothing was set on it.
+// Drops the previous area if it is empty.
 void PageBuilder::begin(const PageArea& place) {
   const bool isBare = !areas_.empty() && areas_.back().content->items().empty();
   if (isBare) {
@@ -51,7 +51,7 @@ void PageBuilder::begin(const PageArea& place) {
   areas_.push_back({place, std::make_shared<Paper>(std::max(width, 12U))});
 }
 
-// A page that was given away does not change any more.
+// If the page was passed on, this copies the area first: a page that was passed on must not change.
 Paper& PageBuilder::paper() {
   std::shared_ptr<Paper>& content = areas_.back().content;
   if (content.use_count() > 1) {

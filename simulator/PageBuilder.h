@@ -8,27 +8,27 @@
 
 namespace quordalvane::simulator {
 
-/// The page that is being set in page mode: areas, each with a paper of its own on which lines are
+/// The current page in page mode. It consists of areas; each has its own paper, on which lines are
 /// set as usual.
 class PageBuilder {
  public:
   explicit PageBuilder(unsigned paperWidth);
 
-  /// Chooses a part of the page; what does not fit on it is cut down.
+  /// Selects an area of the page; the part outside the page is cut off.
   void setArea(unsigned x, unsigned y, unsigned width, unsigned height);
 
-  /// Chooses in which of four directions it is printed: 0 as usual, 1 upwards from the lower left,
-  /// 2 upside down, 3 downwards from the upper right.
+  /// Selects one of four print directions: 0 normal, 1 upwards from the lower left, 2 upside down,
+  /// 3 downwards from the upper right.
   void setDirection(unsigned direction);
 
-  /// The paper of the chosen area, and its width in the chosen direction.
+  /// The paper of the selected area, and its width in the selected direction.
   Paper& paper();
   unsigned width() const { return areas_.back().content->width(); }
 
-  /// Takes away the print of the chosen area.
+  /// Removes the print of the selected area.
   void clear();
 
-  /// True if no printer has the memory for more.
+  /// True if the page needs more memory than any printer has.
   bool isTooLong() const;
 
   /// The page so far.

@@ -12,11 +12,11 @@
 
 namespace quordalvane::simulator {
 
-/// Print heads of 203 dots an inch: eight dots a millimetre.
+/// Print heads have 203 dots an inch, which is eight dots a millimetre.
 inline constexpr unsigned narrowPaperDots = 384;  ///< 58 mm paper
 inline constexpr unsigned widePaperDots = 576;    ///< 80 mm paper
 
-/// The pitch of text lines in dots, unless the job sets another.
+/// The distance of text lines in dots, unless the job sets another.
 inline constexpr unsigned lineSpacing = 30;
 
 enum class Alignment { Left, Center, Right };
@@ -24,14 +24,14 @@ enum class Alignment { Left, Center, Right };
 struct TextStyle {
   bool bold = false;
   bool inverse = false;
-  bool smallFont = false;         ///< cells of 9 x 17 dots, not 12 x 24
-  bool wide = false;              ///< of the scripts whose characters take the room of two letters
-  bool rotated = false;           ///< each character a quarter turn clockwise
-  bool grey = false;              ///< of the second colour
+  bool smallFont = false;         ///< cells of 9 x 17 dots instead of 12 x 24
+  bool wide = false;              ///< a character as wide as two letters, as in East Asian scripts
+  bool rotated = false;           ///< each character turned by 90 degrees clockwise
+  bool grey = false;              ///< in the second colour
   std::uint8_t underline = 0;     ///< thickness in dots, 0 to 2
   std::uint8_t widthFactor = 1;   ///< 1 to 8
   std::uint8_t heightFactor = 1;  ///< 1 to 8
-  std::uint8_t spacing = 0;       ///< dots to the right of each character, of single width
+  std::uint8_t spacing = 0;       ///< dots to the right of each character, if its width is single
 
   bool operator==(const TextStyle&) const = default;
   unsigned glyphWidth() const { return (smallFont ? 9U : 12U) * (wide ? 2U : 1U) * widthFactor; }
@@ -47,12 +47,12 @@ struct TextRun {
   TextStyle style;
 };
 
-/// Black dots on paper: rows of `stride()` bytes, the leftmost dot in the highest bit.
+/// Black dots on paper: rows of `stride()` bytes; the leftmost dot is the highest bit.
 struct Bitmap {
   unsigned width = 0;
   unsigned height = 0;
   Bytes rows;
-  bool grey = false;  ///< of the second colour
+  bool grey = false;  ///< in the second colour
 
   Bitmap() = default;
   Bitmap(unsigned widthInDots, unsigned heightInDots);
@@ -61,7 +61,7 @@ struct Bitmap {
   void blacken(unsigned x, unsigned y);
 };
 
-/// A piece of a line: text or dots that start `x` dots from the line's own left end.
+/// A piece of a line: text or dots that start `x` dots from the left end of the line.
 struct LineItem {
   unsigned x = 0;
   std::variant<TextRun, Bitmap> content;
@@ -70,15 +70,15 @@ struct LineItem {
   unsigned height() const;
 };
 
-/// A place across the paper: within `room` dots that begin `left` dots from the left
-/// end of the print, or within all the rest of it if `room` is 0.
+/// A place across the paper: the `room` dots after the first `left` dots of the print area, or all
+/// dots after them if `room` is 0.
 struct Place {
   Alignment alignment = Alignment::Left;
   unsigned left = 0;
   unsigned room = 0;
 };
 
-/// A line of text and small pictures, standing on one base line. An image is a line of its own.
+/// A line of text and small pictures on one base line. A large image is a line of its own.
 struct Line {
   std::vector<LineItem> items;
   Place place{};
@@ -86,7 +86,7 @@ struct Line {
   bool upsideDown = false;
 
   unsigned width() const;
-  /// Of the highest item alone, without the line spacing below it.
+  /// The height of the highest item, without the line spacing.
   unsigned contentHeight() const;
   unsigned height() const;
 };
@@ -119,17 +119,17 @@ enum class Symbology {
   Composite,
 };
 
-/// A bar code or a two-dimensional one.
+/// A bar code or a two-dimensional code.
 struct Symbol {
   Symbology symbology = Symbology::Code128;
   std::string data;
   unsigned moduleWidth = 3;
-  unsigned rowHeight = 162;  ///< of a bar code the whole height
-  unsigned level = 0;        ///< of error correction, 0: the symbology's own choice
-  unsigned columns = 0;      ///< or the number of a size; 0: the symbology's own choice
-  bool isModel1 = false;     ///< of a QR code, which is then drawn as one of model 2
-  Symbology lineKind = Symbology::Ean13;  ///< of a composite one: its bar code
-  std::string lineData{};                 ///< and the bar code's data
+  unsigned rowHeight = 162;               ///< for a bar code: the whole height
+  unsigned level = 0;                     ///< of error correction; 0: chosen by the symbology
+  unsigned columns = 0;                   ///< or the number of a size; 0: chosen by the symbology
+  bool isModel1 = false;                  ///< only for a QR code; it is drawn as model 2
+  Symbology lineKind = Symbology::Ean13;  ///< for a composite code: the kind of its bar code
+  std::string lineData{};                 ///< for a composite code: the data of its bar code
   bool textAbove = false;
   bool textBelow = false;
   bool smallText = false;
@@ -140,7 +140,7 @@ struct Feed {
   int dots = 0;  ///< negative: backwards
 };
 
-/// In a page: the next items begin at this distance from its beginning.
+/// In a page: the next items begin at this distance from the beginning of the page.
 struct MoveTo {
   unsigned dots = 0;
 };
@@ -151,7 +151,7 @@ struct Cut {
 
 class Paper;
 
-/// A part of a page: a paper of its own, laid on the page after so many quarter turns to the left.
+/// An area of a page: a paper of its own, turned counter-clockwise by `direction` quarter turns.
 struct PageArea {
   unsigned x = 0;
   unsigned y = 0;
@@ -163,8 +163,8 @@ struct PageArea {
   bool operator==(const PageArea&) const = default;
 };
 
-/// The content of page mode, printed at once. It ends with its last area, or, if that was never
-/// set, with its last print.
+/// The content of page mode, which is printed at once. It ends with its last area; if no area was
+/// set, it ends with its last print.
 struct Page {
   std::vector<PageArea> areas;
   bool endsWithPrint = true;
@@ -172,14 +172,15 @@ struct Page {
 
 using PaperItem = std::variant<Line, Symbol, Feed, MoveTo, Page, Cut>;
 
-/// The most that a paper may weigh before a printer tears it off: no job, however long, takes more
-/// memory. It holds some five thousand lines of text, or seven metres of image.
+/// The limit of a paper's weight, after which a printer tears it off, so that even the longest job
+/// takes no more memory. It is enough for about five thousand lines of text, or seven metres of
+/// image.
 inline constexpr std::size_t heaviestPaper = std::size_t{4} * 1024 * 1024;
 
-/// The longest paper in dots: fifty metres, a roll.
+/// The longest paper in dots: fifty metres, which is a roll.
 inline constexpr std::uint64_t longestPaper = 400'000;
 
-/// The output of a printer, from the top. It grows only by prints.
+/// The output of a printer, from the top. It only grows.
 class Paper {
  public:
   explicit Paper(unsigned widthInDots = widePaperDots) : width_(widthInDots) {}
@@ -187,37 +188,38 @@ class Paper {
   unsigned width() const { return width_; }
   const std::vector<PaperItem>& items() const { return items_; }
 
-  /// The commands that were skipped because they cannot be shown: their first bytes in hex, and how
-  /// often each occurred. Past a hundred kinds the rest is counted as "others".
+  /// The commands that were skipped because they cannot be printed: the first bytes of each in hex,
+  /// and the count of its occurrences. After a hundred kinds the rest is counted as "others".
   const std::map<std::string, std::size_t>& skipped() const { return skipped_; }
 
   void add(PaperItem item);
 
-  /// Moves the paper; feeds that follow one another are one.
+  /// Moves the paper forward. Consecutive feeds are joined.
   void feed(unsigned dots);
 
-  /// Moves it back; not beyond its beginning or a cut.
+  /// Moves the paper back, at most to its beginning or to a cut.
   void feedBack(unsigned dots);
 
-  /// Cuts the paper; if it is cut already, only a full cut of a partial one adds to that.
+  /// Cuts the paper. If it is cut already, nothing changes, except that a full cut replaces a
+  /// partial one.
   void cut(bool partial);
 
   void noteSkipped(ByteView command);
 
-  /// The events of the job that left no ink.
+  /// The events of the job that print nothing.
   const JobRecord& record() const { return record_; }
   JobRecord& record() { return record_; }
 
-  /// About how many bytes of memory its items take.
+  /// The approximate memory of the items, in bytes.
   std::size_t weight() const { return weight_; }
 
-  /// The most dots that it may be long.
+  /// An upper limit of the paper's length, in dots.
   std::uint64_t length() const { return length_; }
 
-  /// True if a printer tears it off before it prints more.
+  /// True if a printer tears the paper off before it prints more.
   bool isTooLong() const { return weight_ > heaviestPaper || length_ > longestPaper; }
 
-  /// True if it was torn off because it grew too heavy: the job continues on the next paper.
+  /// True if the paper was torn off at a limit: the job continues on the next paper.
   bool goesOn() const { return goesOn_; }
   void setGoesOn() { goesOn_ = true; }
 
@@ -231,7 +233,7 @@ class Paper {
   bool goesOn_ = false;
 };
 
-/// The pieces into which its cuts divide the paper, in order; pieces without print are left out.
+/// The pieces of the paper between its cuts, in order, without the empty ones.
 std::vector<Paper> piecesOf(const Paper& paper);
 
 }  // namespace quordalvane::simulator

@@ -1,4 +1,4 @@
-// Pictures and symbols.
+// The commands for pictures and symbols.
 
 #include <utility>
 

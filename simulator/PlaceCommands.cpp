@@ -1,4 +1,4 @@
-// The places of the print: lines, feeds, margins, cuts and page mode.
+// The commands that place the print: lines, feeds, margins, cuts and page mode.
 
 #include <algorithm>
 #include <utility>
@@ -8,10 +8,11 @@
 namespace quordalvane::simulator {
 namespace {
 
-// From the print head to the blade: a cut that feeds first moves the last line past it.
+// The distance from the print head to the blade, in dots: a cut with a feed moves the last line
+// past the blade.
 constexpr unsigned headToBlade = 96;
 
-// The position down a page is that of the foot of a line.
+// A vertical position in a page is that of the foot of a line; this is its height in dots.
 constexpr unsigned lineFoot = 24;
 
 unsigned word(ByteView command, std::size_t at) {
@@ -39,7 +40,7 @@ void Typesetter::printWidth(ByteView command) {
   line_.setWidth(word(command, 2));
 }
 
-// Columns of characters, and a zero at the end.
+// The parameters are columns in characters, with a zero at the end.
 void Typesetter::tabStops(ByteView command) {
   std::vector<unsigned> stops;
   for (const std::uint8_t column : command.subspan(2)) {
@@ -133,7 +134,7 @@ void Typesetter::pageMode(ByteView) {
   }
 }
 
-// The content of the page is lost.
+// Discards the content of the page.
 void Typesetter::standardMode(ByteView) {
   page_.reset();
   line_.setPaperWidth(paper_.width());

@@ -32,7 +32,7 @@ std::optional<Instant> PrintQueue::doneWith(std::size_t count) const {
   }
   constexpr std::uint64_t second = 1'000'000'000;
   const std::uint64_t total = doneSince_ + count;
-  // Whole seconds apart, so that a long day's work does not overflow.
+  // Calculates whole seconds separately, because the product would overflow after a long time.
   const std::uint64_t whole = total / bytesPerSecond_;
   const std::uint64_t rest = total % bytesPerSecond_;
   const std::uint64_t nanoseconds =

@@ -8,13 +8,12 @@
 
 namespace quordalvane::simulator {
 
-/// Describes a printer, and the faults of the links to it, in a sentence:
-/// `PrinterBuilder().speed(200).coverOpen().fault("late-reply", "300")`. A setting that is not
-/// named is as in `PrinterState`, and there are no faults. An invalid value throws
-/// std::invalid_argument.
+/// Describes a printer, and the faults of its links, in one expression:
+/// `PrinterBuilder().speed(200).coverOpen().fault("late-reply", "300")`. Other settings are as in
+/// `PrinterState`, and there are no other faults. An invalid value throws std::invalid_argument.
 class PrinterBuilder {
  public:
-  /// Bytes of print data worked through in a second; 0: no time at all.
+  /// Bytes of print data that are printed in a second; 0: unlimited.
   PrinterBuilder& speed(std::uint32_t bytesPerSecond);
   PrinterBuilder& buffer(std::size_t bytes);
   PrinterBuilder& firmware(std::string_view text);
@@ -31,23 +30,23 @@ class PrinterBuilder {
   PrinterBuilder& paperOut() { return with(Flag::ReceiptPaperEmpty); }
   PrinterBuilder& paperInExit() { return with(Flag::PaperPresent); }
 
-  /// Remembers the print data that made the paper, for `VirtualPrinter::printed`.
+  /// Keeps the printed data, for `VirtualPrinter::printed`.
   PrinterBuilder& keepPrinted();
 
-  /// Keeps the bytes of each job with its record.
+  /// Keeps the bytes of each job in its record.
   PrinterBuilder& keepReceived();
 
-  /// Sets or takes away any flag.
+  /// Sets or clears any flag.
   PrinterBuilder& with(Flag flag, bool value = true);
 
-  /// A fault of every link, as `parseFault` takes it; they add up.
+  /// Adds a fault of every link, in the form that `parseFault` reads.
   PrinterBuilder& fault(std::string_view name, std::string_view value);
 
-  /// Decides the random choices of faults.
+  /// Sets the seed of the random choices of faults.
   PrinterBuilder& seed(std::uint64_t number);
 
-  /// A setting by its name, as `PrinterState::set` takes it, or a fault, or the seed, as users
-  /// write them after `virtual:` and `--set`.
+  /// Sets a setting in the form that `PrinterState::set` reads, adds a fault, or sets the seed;
+  /// users write these pairs after `virtual:` and `--set`.
   PrinterBuilder& set(std::string_view key, std::string_view value);
 
   const PrinterState& state() const { return state_; }

@@ -6,10 +6,10 @@
 namespace quordalvane::simulator {
 namespace {
 
-// A host that asks and never reads must not make the printer remember answers without end.
+// The limit is for a host that asks questions and never reads the answers.
 constexpr std::size_t mostWaiting = std::size_t{64} * 1024;
 
-// In command mode the printer gets no bytes, so its buffer does not matter.
+// In command mode the printer gets no bytes, so this does not depend on its buffer.
 constexpr std::size_t commandModeSpace = 256;
 
 std::optional<Instant> earlier(std::optional<Instant> a, std::optional<Instant> b) {
@@ -24,8 +24,8 @@ std::optional<Instant> earlier(std::optional<Instant> a, std::optional<Instant> 
 PrinterLink::PrinterLink(VirtualPrinter& printer, Instant now, const Faults& faults)
     : printer_(printer),
       connection_(printer.connect([this](ByteView bytes, Instant at, ReplyKind kind) {
-        // The module has one radio channel: while it answers commands itself, the printer is
-        // not heard.
+        // The module has one radio channel. While the module itself answers commands, the printer's
+        // replies do not get through.
         if (!module_.inCommandMode()) {
           send(bytes, at, kind);
         }
@@ -57,7 +57,7 @@ std::size_t PrinterLink::space(Instant now) {
   return std::min(room, mostTaken());
 }
 
-// The number of bytes that the link itself passes.
+// The count of bytes that the link itself accepts.
 std::size_t PrinterLink::mostTaken() const {
   if (ended_ || stalled()) {
     return 0;
@@ -119,7 +119,7 @@ std::optional<Instant> PrinterLink::nextEvent(Instant now) {
   return earlier(nextOwnEvent(), printer_.nextEvent());
 }
 
-// Works through everything that was due by `now`, in the order in which it was due.
+// Executes everything that was due by `now`, in order of time.
 void PrinterLink::settle(Instant now) {
   while (!ended_) {
     const Instant step = std::min(now, nextOwnEvent().value_or(now));
@@ -268,7 +268,7 @@ bool PrinterLink::stalled() const {
                      [](const Stall& stall) { return stall.until.has_value(); });
 }
 
-// The byte counts of stalls and cuts are exact: no write exceeds one.
+// No write goes past the byte count of a stall or cut, so that these take effect at the exact byte.
 std::uint64_t PrinterLink::bytesBeforeCut() const {
   std::uint64_t most = std::numeric_limits<std::uint64_t>::max();
   for (const Cut& cut : cuts_) {
@@ -282,7 +282,7 @@ std::uint64_t PrinterLink::bytesBeforeCut() const {
   return most;
 }
 
-// Of several that are reached with the same byte the one that was named first holds.
+// If several cuts are reached with the same byte, the first in the list takes effect.
 void PrinterLink::cutIfReached(FaultKind afterWhat) {
   const std::uint64_t bytes = afterWhat == FaultKind::CutAfterIn ? bytesIn_ : bytesOut_;
   const auto reached = std::find_if(cuts_.begin(), cuts_.end(), [&](const Cut& cut) {

@@ -16,72 +16,73 @@
 
 namespace quordalvane::simulator {
 
-/// One connection to a printer, as the host sees it: it takes bytes while there is space, gives
-/// bytes while there are any, and can drop. A printer has one connection at a time: a new one ends
-/// the one before it. The printer must outlive the link. Destroying the link hangs up; data that
-/// was taken remains with the printer.
+/// A connection to a printer, from the host's side. It accepts bytes while there is space, returns
+/// the printer's replies, and can drop. A printer has one connection at a time: a new one ends the
+/// previous one. The printer must outlive the link. The destructor ends the connection; the printer
+/// keeps the data that it has accepted.
 ///
-/// Every call first lets the printer work up to `now`. Instants must not decrease. No call blocks.
-/// Not for use by two threads at once.
+/// Every call first lets the printer work until `now`. The times of the calls must not decrease. No
+/// call blocks. A link must not be used by two threads at once.
 class PrinterLink {
  public:
-  /// A link that begins at `now`, with faults or without.
+  /// Begins a link at `now`.
   PrinterLink(VirtualPrinter& printer, Instant now, const Faults& faults = {});
   ~PrinterLink();
   PrinterLink(const PrinterLink&) = delete;
   PrinterLink& operator=(const PrinterLink&) = delete;
 
-  /// How many bytes a write would take now; 0 while the printer's buffer is full, and for good once
-  /// the link has dropped.
+  /// The count of bytes that a write would accept now. 0 while the printer's buffer is full, and
+  /// always after the link has dropped.
   std::size_t space(Instant now);
 
-  /// Hands bytes to the printer; returns how many of the first it took, at most `space(now)`. A
-  /// printer whose buffer is full still takes requests, as long as no other bytes precede them.
+  /// Sends bytes to the printer. Returns how many of the first bytes it accepted, normally at most
+  /// `space(now)`. A printer whose buffer is full still accepts requests, if no other bytes precede
+  /// them.
   std::size_t write(ByteView bytes, Instant now);
 
-  /// How many bytes a read would return now.
+  /// The count of bytes that can be read now.
   std::size_t available(Instant now);
 
-  /// Moves up to `out.size()` bytes from the printer into `out`; returns their count, 0 if there
-  /// are none. Bytes that had arrived before the link dropped can still be read.
+  /// Moves at most `out.size()` bytes from the printer into `out`. Returns their count; 0 if there
+  /// are none. Bytes that arrived before the link dropped can still be read.
   std::size_t read(std::span<std::uint8_t> out, Instant now);
 
-  /// True until the link has dropped and no earlier byte is left to read.
+  /// True until the link has dropped and all earlier bytes have been read.
   bool connected(Instant now);
 
-  /// True once the link has dropped, even if bytes are left to read.
+  /// True if the link has dropped, even if there are bytes to read.
   bool dropped(Instant now);
 
-  /// True once the link has ended by a reset, which a host can distinguish from a close.
+  /// True if the link has ended by a reset, which a host can distinguish from a close.
   bool wasReset(Instant now);
 
-  /// Lets a fault befall the link from `now` on, besides those that it has. Bytes and replies are
-  /// counted from the link's beginning.
+  /// Adds a fault, which affects the link from `now` on. The fault counts bytes and replies from
+  /// the beginning of the link.
   void addFault(const Fault& fault, Instant now);
 
-  /// Decides the random choices of faults, for later replies.
+  /// Sets the seed for the random choices of faults, for later replies.
   void setSeed(std::uint64_t seed);
 
-  /// Removes all faults. Replies that are under way keep their delay; an ended link remains ended.
+  /// Removes all faults. Replies in transit keep their delay, and an ended link remains ended.
   void clearFaults(Instant now);
 
-  /// When, after `now`, something may change without any call: space, bytes to read, the link
-  /// itself. Empty while nothing is due.
+  /// The next time after `now` at which something may change without a call: the space, the bytes
+  /// to read, or the link itself. Empty if no change is due.
   std::optional<Instant> nextEvent(Instant now);
 
  private:
-  struct Coming {  // a fault of the kind `at`, with its time
+  struct Coming {  // the setting or fault that an `at` delays
     Instant due;
     std::string key;
     std::string value;
   };
-  struct Stall {  // no space from a count of bytes on, for a while
+  struct Stall {  // no space for a while, after a count of bytes
     std::uint64_t afterBytes;
     Instant length;
-    std::optional<Instant> until;  // empty until so many bytes have arrived
+    std::optional<Instant> until;  // empty until that count of bytes has arrived
   };
   struct Cut {
-    FaultKind kind;  // after bytes in, or after bytes out
+    FaultKind kind;  // counts bytes in, or bytes out
     std::uint64_t afterBytes;
     Ending ending;
   };

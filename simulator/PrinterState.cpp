@@ -127,7 +127,7 @@ struct Setting {
   void (*set)(State&, Text);
   std::optional<std::string> (*get)(const State&);
   Choices choices = nullptr;   // all its values
-  Choices examples = nullptr;  // some of them
+  Choices examples = nullptr;  // some of its values
 };
 
 std::string hexOf(const DipBank& bank) {

@@ -9,48 +9,49 @@
 
 namespace quordalvane::simulator {
 
-/// The print side of the machine: carries out print data when the print position reaches it.
+/// The printing part of the printer: executes print data when their turn comes.
 class Printing {
  public:
   explicit Printing(unsigned paperWidth) : typesetter_(paperWidth) {}
 
-  /// From the next command on the printer knows the commands of this dialect.
+  /// The printer knows the commands of this dialect, from the next command on.
   void setDialect(const Dialect& dialect);
 
-  /// The commands that the printer does not have from the next one on: they are unknown.
+  /// The printer does not know these commands, from the next command on.
   void setLacked(const LackedCommands& lacked) { lacked_ = lacked; }
 
-  /// The characters that the printer has from now on.
+  /// The printer has these character sets from now on.
   void setCharacterSets(const CharacterSets& sets) { typesetter_.setCharacterSets(sets); }
 
-  /// Works through one byte of print data, the one at `offset` of the job. True if it completed a
-  /// command or a character.
+  /// Processes one byte of print data, which is at `offset` in the job. Returns true if it
+  /// completed a command or a character.
   bool pass(std::uint8_t byte, std::uint64_t offset);
 
-  /// The complete command, until the next byte.
+  /// The complete command; valid until the next byte.
   ByteView command() const { return scanner_.bytes(); }
 
-  /// Carries out the next command of a macro that a byte has set going; false if there is none. To
-  /// be called before the next byte, until it returns false.
+  /// Executes the next command of a macro that the last byte has started; returns false if there is
+  /// none. To be called before the next byte, until it returns false.
   bool goOn();
 
-  /// A command that has begun will have no end; the next byte starts a new one.
+  /// Drops an unfinished command, because its end will not arrive; the next byte starts a new one.
   void leaveUnfinishedCommand();
 
-  /// Ends a line that has begun.
+  /// Ends the current line, if it is not empty.
   void endLine() { typesetter_.endLine(); }
 
-  /// The job is over.
+  /// Ends the job.
   void endJob() { typesetter_.endJob(); }
 
-  /// The answer to a command that asks for the size of a symbol, when its turn comes.
+  /// The answer to a command that asks for the size of a symbol. To be called when the command's
+  /// turn comes.
   Bytes sizeReply(ByteView command) const { return typesetter_.sizeReply(command); }
 
   JobRecord& record() { return typesetter_.record(); }
   const Paper& paper() const { return typesetter_.paper(); }
   Paper tearOff();
 
-  /// A macro under way ends with it.
+  /// Also ends a macro that is being executed.
   Paper tearOffFinishedLines();
 
  private:
@@ -60,7 +61,7 @@ class Printing {
   Dialect dialect_;
   LackedCommands lacked_;
   CommandScanner scanner_;
-  std::uint64_t begin_ = 0;  // the offset of the command that has begun
+  std::uint64_t begin_ = 0;  // the offset of the current command
   Macro macro_;
   Typesetter typesetter_;
 };

@@ -6,25 +6,25 @@
 
 namespace quordalvane::simulator {
 
-/// A way in which a printer confirms that it has printed all that was sent before.
+/// A way in which a printer confirms that it has printed everything sent before.
 enum class Proof : std::uint8_t {
-  Block,      ///< the checked block: a counter of ETBs, and a report of each
-  ProcessId,  ///< four characters that the host chose are sent back
-  InOrder,    ///< a status request that waits for its turn among the print data
+  Block,      ///< the checked block: ETBs are counted, and each is reported
+  ProcessId,  ///< four characters, chosen by the host, are sent back
+  InOrder,    ///< a status request waits for its turn among the print data
 };
 
 /// The proofs that a printer can give. A plain value.
 class Proofs {
  public:
-  /// Reads the names `block`, `process-id` and `in-order`, joined by `+`; an empty text or `none`
-  /// is the empty set. Throws std::invalid_argument, with a text for people, for any other text.
+  /// Reads the names `block`, `process-id` and `in-order`, joined by `+`. An empty text or `none`
+  /// means no proof. Throws std::invalid_argument, with a text for people, for any other text.
   static Proofs parse(std::string_view text);
 
   static Proofs all();
 
   bool has(Proof proof) const { return (bits_ & bit(proof)) != 0; }
 
-  /// As `parse` takes it.
+  /// The text that `parse` reads.
   std::string text() const;
 
   bool operator==(const Proofs&) const = default;

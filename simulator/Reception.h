@@ -9,32 +9,32 @@
 
 namespace quordalvane::simulator {
 
-/// The receiving side of the machine: picks out of the stream the commands that act at once, and
-/// passes all other bytes on for printing, in order.
+/// The receiving part of the printer: finds the commands in the stream that act at once, and passes
+/// all other bytes on for printing, in order.
 class Reception {
  public:
-  /// From the next command on the printer knows the commands of this dialect.
+  /// The printer knows the commands of this dialect, from the next command on.
   void setDialect(const Dialect& dialect) { scanner_.setDialect(dialect); }
 
-  /// The commands that the printer does not have from the next one on: they are print data.
+  /// The printer does not know these commands, from the next command on; they count as print data.
   void setLacked(const LackedCommands& lacked) { lacked_ = lacked; }
 
   using OnPiece = std::function<void(MachineCommand, ByteView)>;
 
-  /// Works through `bytes`; calls back in the order of the stream, with whole commands that act at
-  /// once, whole ones that act in their turn, and all other bytes in pieces of any size as
-  /// `MachineCommand::Printing`. With `vanish`, commands that begin in `bytes` are lost, to their
-  /// ends, unless they act at once.
+  /// Processes `bytes`, and calls `onPiece` in the order of the stream: with complete commands that
+  /// act at once, with complete commands that act in their turn, and with all other bytes, in
+  /// pieces of any size, as `MachineCommand::Printing`. If `vanish` is true, commands that begin in
+  /// `bytes` are lost to their ends, except those that act at once.
   void take(ByteView bytes, bool vanish, const OnPiece& onPiece);
 
-  /// How many bytes are kept back because they may begin a command that acts at once.
+  /// The count of bytes that are held because they may begin a command that acts at once.
   std::size_t undecided() const { return undecided_.size(); }
 
-  /// How many of the first of `bytes` are requests and other commands that act at once, the last of
-  /// them perhaps unfinished: these need no room among the print data.
+  /// How many bytes at the start of `bytes` belong to commands that act at once, of which the last
+  /// may be unfinished. They need no space in the print buffer.
   std::size_t actingAtOnce(ByteView bytes) const;
 
-  /// Forgets an unfinished command: the next byte starts one.
+  /// Forgets an unfinished command; the next byte starts a new one.
   void restart();
 
  private:
@@ -45,9 +45,9 @@ class Reception {
 
   LackedCommands lacked_;
   CommandScanner scanner_;
-  bool vanishes_ = false;  // of the command that has begun: whether it is lost
+  bool vanishes_ = false;  // the current command is lost
   Bytes undecided_;
-  Bytes forPrinting_;  // gathered to be passed on at once
+  Bytes forPrinting_;  // collected to be passed on together
 };
 
 }  // namespace quordalvane::simulator

@@ -5,18 +5,18 @@
 
 namespace quordalvane::simulator {
 
-/// The question that a printer answers with a reply, as far as faults distinguish replies.
+/// The kind of question that a reply answers, as far as faults distinguish them.
 enum class ReplyKind {
   Other,
   Block,      ///< the report of an ETB
-  ProcessId,  ///< a process ID that is returned
-  InOrder,    ///< a status in its turn among the print data
-  Unasked,    ///< the four bytes that report a change
+  ProcessId,  ///< a process ID that is sent back
+  InOrder,    ///< a status that waited for its turn among the print data
+  Unasked,    ///< four bytes that report a change without a question
   Cleared,    ///< the buffer was cleared
 };
 
-/// The kind of that name: `block`, `process-id`, `in-order`, `unasked`, `cleared`; empty for any
-/// other.
+/// The kind of this name: `block`, `process-id`, `in-order`, `unasked` or `cleared`; empty for any
+/// other name.
 std::optional<ReplyKind> replyKindNamed(std::string_view name);
 
 }  // namespace quordalvane::simulator

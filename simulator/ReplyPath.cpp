@@ -10,7 +10,7 @@ using namespace std::chrono_literals;
 
 constexpr Instant betweenPieces = 50ms;
 
-// One of the four characters of the ID becomes another printable one.
+// Changes one of the four characters of the process ID to another printable one.
 void changeId(Bytes& report, std::mt19937_64& chance) {
   constexpr std::uint8_t first = 0x20;
   constexpr std::uint8_t last = 0x7e;
@@ -18,7 +18,7 @@ void changeId(Bytes& report, std::mt19937_64& chance) {
   character = character == last ? first : static_cast<std::uint8_t>(character + 1);
 }
 
-// The reply of that kind that belongs to a job of another host.
+// The reply that would belong to the job of another host.
 Bytes anothers(ReplyKind kind, Bytes reply, std::mt19937_64& chance) {
   if (kind == ReplyKind::ProcessId) {
     changeId(reply, chance);
@@ -26,7 +26,7 @@ Bytes anothers(ReplyKind kind, Bytes reply, std::mt19937_64& chance) {
     std::uint8_t& counter = reply[6];
     counter = static_cast<std::uint8_t>(counter + 1 + chance() % 255);
   }
-  return reply;  // an in-order status does not say whose it is
+  return reply;  // an in-order status does not show whose it is
 }
 
 }  // namespace

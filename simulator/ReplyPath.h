@@ -11,31 +11,31 @@
 
 namespace quordalvane::simulator {
 
-/// The way of the replies from a printer to its host, on which faults befall them. Replies
-/// never overtake one another.
+/// Carries replies from a printer to its host, and applies faults to them. Replies never overtake
+/// one another.
 class ReplyPath {
  public:
   explicit ReplyPath(std::uint64_t seed) : seed_(seed) {}
 
-  /// Decides the random choices of faults, from the next reply on.
+  /// Sets the seed for the random choices of faults, from the next reply on.
   void setSeed(std::uint64_t seed) { seed_ = seed; }
 
-  /// Adds a fault that befalls replies.
+  /// Adds a fault that affects replies.
   void add(const Fault& fault) { faults_.push_back(fault); }
 
-  /// Takes all faults away. Replies under way keep their fate.
+  /// Removes all faults. Replies in transit do not change.
   void clear() { faults_.clear(); }
 
-  /// Takes a reply that the printer gives at `at`.
+  /// Accepts a reply that the printer sends at `at`.
   void send(ByteView reply, Instant at, ReplyKind kind = ReplyKind::Other);
 
-  /// When the next byte arrives; empty while nothing is under way.
+  /// When the next byte arrives; empty if none is in transit.
   std::optional<Instant> nextArrival() const;
 
-  /// Takes the next byte off the way if it has arrived by `now`.
+  /// Removes and returns the next byte, if it has arrived by `now`.
   std::optional<std::uint8_t> arrive(Instant now);
 
-  /// How many bytes are under way.
+  /// The count of bytes in transit.
   std::size_t underWay() const { return underWay_.size(); }
 
  private:
@@ -52,7 +52,7 @@ class ReplyPath {
 
   std::uint64_t seed_;
   std::uint64_t count_ = 0;            // replies so far
-  ReplyKind kind_ = ReplyKind::Other;  // of the latest
+  ReplyKind kind_ = ReplyKind::Other;  // of the latest reply
   std::vector<Fault> faults_;
   std::deque<Travelling> underWay_;
 };

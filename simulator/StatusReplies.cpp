@@ -10,7 +10,7 @@ constexpr std::uint8_t statusBlockLength = 9;
 constexpr std::uint8_t layoutVersion = 1;
 constexpr std::uint8_t romVersion = 1;
 
-// Bits 1 and 4 are set in every real-time status byte; they distinguish it from flow control
+// Bits 1 and 4 are set in every real-time status byte; they distinguish it from flow-control
 // characters.
 constexpr unsigned realTimeMark = 0x12;
 
@@ -28,7 +28,7 @@ std::uint8_t byteOf(unsigned bits) {
   return static_cast<std::uint8_t>(bits);
 }
 
-// As the in-order and the unasked status report the paper.
+// The paper bits, as in the in-order status and in the unasked status.
 unsigned paperBits(const PrinterState& state) {
   return bits(state, Flag::ReceiptPaperNearEmptyInner, 0x03) |
          bits(state, Flag::ReceiptPaperEmpty, 0x0c);
@@ -38,8 +38,8 @@ bool hasAny(const PrinterState& state, std::initializer_list<Flag> flags) {
   return std::any_of(flags.begin(), flags.end(), [&](Flag flag) { return state.flag(flag); });
 }
 
-// As the real-time status reports errors: that an operator can clear, of the cutter, that nobody
-// can clear, that pass by themselves.
+// The error bits, as in the real-time status: errors that an operator can clear, cutter errors,
+// errors that nobody can clear, and errors that end by themselves.
 unsigned errorBits(const PrinterState& state) {
   const bool isRecoverable =
       hasAny(state, {Flag::MechError, Flag::ReceiveBufferOverflow, Flag::PageModeCmdError,

@@ -52,10 +52,10 @@ const Family& familyOf(Symbology symbology) {
   return families[static_cast<std::size_t>(symbology)];
 }
 
-// The library leaves the height of the bar code of a composite symbol open.
+// In modules. The library does not decide the height of a composite symbol's bar code.
 constexpr unsigned barCodeInModules = 36;
 
-// The library has a number for each bar code with a two-dimensional part.
+// The library has a separate number for each bar code with a two-dimensional part.
 int compositeNumberOf(Symbology line) {
   switch (line) {
     case Symbology::UpcA:
@@ -96,13 +96,14 @@ std::string withoutStars(std::string data) {
   return data;
 }
 
-// A number with its check digit is taken without it, and the right digit is found again: printers
-// do not print a code that a till could not read.
+// Removes a given check digit, so that the encoder calculates it. So a wrong digit is corrected,
+// because printers print no code that a till cannot read.
 std::string withoutCheckDigit(const std::string& data, std::size_t digits) {
   return data.size() == digits ? data.substr(0, digits - 1) : data;
 }
 
-// The six digits of UPC-E for an eleven-digit UPC-A number; the number itself if none do.
+// The six digits of UPC-E for an eleven-digit UPC-A number; the number itself if it has no such
+// form.
 std::string zeroSuppressed(const std::string& data) {
   if (data.size() != 11 && data.size() != 12) {
     return withoutCheckDigit(data, 8);
@@ -127,8 +128,8 @@ bool isGs1(Symbology symbology) {
          symbology == Symbology::DataBarExpandedStacked || symbology == Symbology::Composite;
 }
 
-// The encoder wants the application identifier in parentheses; it is two digits where the job does
-// not tell.
+// The encoder requires the application identifier in parentheses. If the job has none, the first
+// two digits are the identifier.
 std::string withIdentifier(const std::string& data) {
   const bool tells = data.find('(') != std::string::npos || data.size() < 3;
   return tells ? data : "(" + data.substr(0, 2) + ")" + data.substr(2);

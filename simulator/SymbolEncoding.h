@@ -8,24 +8,26 @@
 
 namespace quordalvane::simulator {
 
-/// A symbol with one dot a module, and the text that people read beside it.
+/// A symbol in which each module is one dot, and the text beside it for people.
 struct EncodedSymbol {
   Bitmap modules;
-  std::vector<unsigned> rowHeights;  ///< in modules, where rows differ; empty: all are alike
+  std::vector<unsigned> rowHeights;  ///< in modules, if rows differ; empty: all are equal
   std::string text;
 
-  /// How many dots high row `row` is in that symbol, and all of them are together.
+  /// The height of row `row` of the symbol, and of all rows together, in dots.
   unsigned rowHeightIn(const Symbol& symbol, unsigned row) const;
   unsigned heightIn(const Symbol& symbol) const;
 };
 
-/// Empty if the data cannot be written in that symbology. May be called from any thread.
+/// Encodes the symbol. Empty if its symbology cannot represent the data. May be called from any
+/// thread.
 std::optional<EncodedSymbol> encode(const Symbol& symbol);
 
-/// For people.
+/// The name of the symbology, for people.
 std::string symbologyName(Symbology symbology);
 
-/// The data as people read it beside the symbol, with a check digit that the printer adds.
+/// The data for people, as printed beside the symbol, including a check digit that the printer
+/// adds.
 std::string readableData(const Symbol& symbol, const EncodedSymbol& encoded);
 
 }  // namespace quordalvane::simulator

@@ -11,12 +11,12 @@
 namespace quordalvane::simulator {
 namespace {
 
-// The first form of the command numbers the symbologies from 0 and ends its data with a zero byte,
-// the second numbers them from 65 and counts its data.
+// The command has two forms. The first numbers the symbologies from 0 and ends its data with a zero
+// byte. The second numbers them from 65 and has a count of its data.
 constexpr std::uint8_t lastTerminated = 6;
 constexpr std::uint8_t firstCounted = 65;
 
-constexpr std::size_t mostData = 7089;  // digits in the largest symbol of all
+constexpr std::size_t mostData = 7089;  // digits in the largest symbol of all kinds
 
 constexpr Symbology symbologyTable[] = {
     Symbology::UpcA,           Symbology::UpcE,
@@ -42,11 +42,11 @@ constexpr std::uint8_t storeSymbol = 80;
 constexpr std::uint8_t printSymbol = 81;
 constexpr std::uint8_t askSize = 82;
 
-/// A two-dimensional code as 1d 28 6b names it.
+/// A two-dimensional code, with its number in 1d 28 6b.
 struct Kind {
   std::uint8_t number;
   std::uint8_t replyId;
-  bool saysError;  // the answer with its size ends with an error's number
+  bool saysError;  // the answer about its size ends with an error number
   Symbology symbology;
   unsigned moduleWidth;
   unsigned rowHeight;
@@ -62,7 +62,7 @@ constexpr Kind kinds[] = {
     {54, 0x59, true, Symbology::DataMatrix, 3, 3},
 };
 
-// The bar codes of composite symbols, from 65 on. Of UPC-E one is shorter.
+// The bar codes of composite symbols, numbered from 65. UPC-E appears in two lengths.
 constexpr Symbology compositeLines[] = {
     Symbology::Ean8,
     Symbology::Ean13,
@@ -89,8 +89,8 @@ std::string textOf(ByteView bytes) {
   return {bytes.begin(), bytes.end()};
 }
 
-// Code 128 data names its code sets: {A, {B and {C; in set C a byte is a pair of digits. The
-// encoder chooses sets by itself, so only the text matters. {1 is a mark of GS1.
+// Code 128 data name their code sets: {A, {B and {C; in set C a byte is a pair of digits. The
+// encoder chooses the sets itself, so only the text matters. {1 is the mark of GS1.
 std::string code128Text(const std::string& data) {
   std::string text;
   bool pairs = false;
@@ -113,7 +113,7 @@ std::string code128Text(const std::string& data) {
   return text;
 }
 
-// From digits or from a number, as both are in use.
+// Accepts both the digit and the number itself, because jobs use both.
 unsigned numberOf(std::uint8_t byte) {
   return byte >= '0' && byte <= '9' ? byte - '0' : byte;
 }
@@ -122,7 +122,7 @@ bool isPdf417(const Symbol& symbol) {
   return symbol.symbology == Symbology::Pdf417 || symbol.symbology == Symbology::TruncatedPdf417;
 }
 
-// The height of a row in modules does not change.
+// Sets the width of a module in dots, and keeps the row's height in modules.
 void setModuleWidth(Symbol& symbol, unsigned dots) {
   const unsigned rowInModules = std::max(symbol.rowHeight / symbol.moduleWidth, 1U);
   symbol.moduleWidth = dots;
@@ -176,8 +176,9 @@ std::optional<Symbol> SymbolSetter::barcode(ByteView command) const {
   return barcode;
 }
 
-// 1b 5a m n k dL dH, then the data: n is the level, k the width of a module, m the columns of
-// PDF417. The version of QR that m names is the encoder's own choice.
+// The bytes are 1b 5a m n k dL dH, then the data. n is the error-correction level, k the width of a
+// module, m the columns of PDF417. m also names the QR version, but the encoder chooses that
+// itself.
 std::optional<Symbol> SymbolSetter::symbolAtOnce(ByteView command) const {
   constexpr Symbology kindsAtOnce[] = {Symbology::Pdf417, Symbology::DataMatrix, Symbology::Qr};
   constexpr std::string_view qrLevels = "LMQH";
@@ -222,7 +223,7 @@ SymbolSetter::Outcome SymbolSetter::applyTwoDimensional(ByteView command) {
   }
 }
 
-// m a b, then the data of the bar code or of the part above it.
+// The parameters are m a b, then the data of the bar code or of the two-dimensional part above it.
 SymbolSetter::Outcome SymbolSetter::storeComposite(Symbol& symbol, ByteView command) {
   constexpr std::uint8_t ofBarCode = 48;
   constexpr std::uint8_t first = 65;
@@ -249,7 +250,7 @@ SymbolSetter::Outcome SymbolSetter::storeData(Symbol& symbol, ByteView command) 
   if (symbol.symbology == Symbology::Composite) {
     return storeComposite(symbol, command);
   }
-  // A DataBar symbol names its form before the data.
+  // The parameters of a DataBar symbol name its form before the data.
   const bool isDataBar = command[5] == 51;
   const std::size_t begin = isDataBar ? 9 : 8;
   if (command.size() < begin || command.size() - begin > mostData) {
@@ -294,7 +295,7 @@ SymbolSetter::Outcome SymbolSetter::set(Symbol& symbol, ByteView command) {
   }
 }
 
-// The columns of PDF417, the model of QR, the mode of MaxiCode.
+// Sets the columns of PDF417, the model of QR or the mode of MaxiCode.
 SymbolSetter::Outcome SymbolSetter::setForm(Symbol& symbol, unsigned value) {
   constexpr unsigned micro = 3;
   const unsigned number = numberOf(static_cast<std::uint8_t>(value));
@@ -309,7 +310,7 @@ SymbolSetter::Outcome SymbolSetter::setForm(Symbol& symbol, unsigned value) {
   return Outcome::Stored;
 }
 
-// The rows of PDF417 are the encoder's own choice.
+// The encoder itself chooses the rows of PDF417.
 SymbolSetter::Outcome SymbolSetter::setSize(Symbol& symbol, ByteView command) {
   if (symbol.symbology == Symbology::DataMatrix && command.size() > 9) {
     symbol.columns = dataMatrixSize(numberOf(command[7]), command[8], command[9]);
@@ -319,7 +320,7 @@ SymbolSetter::Outcome SymbolSetter::setSize(Symbol& symbol, ByteView command) {
   return Outcome::Stored;
 }
 
-// PDF417 says first how it counts.
+// PDF417 has a byte before the level that gives its unit.
 SymbolSetter::Outcome SymbolSetter::setLevel(Symbol& symbol, ByteView command) {
   if (symbol.symbology == Symbology::Aztec) {
     symbol.level = aztecLevel(command[7]);

@@ -9,32 +9,35 @@
 
 namespace quordalvane::simulator {
 
-/// The bar codes and two-dimensional codes of a job, with the settings that its commands make.
+/// The bar codes and two-dimensional codes of a job, with the settings from its commands. Commands
+/// are in hex.
 class SymbolSetter {
  public:
   SymbolSetter();
 
-  /// Takes a setting: height 1d 68, module width 1d 77, place of the text 1d 48, its font 1d 66.
+  /// Applies a setting: height 1d 68, module width 1d 77, position of the text 1d 48, its font 1d
+  /// 66.
   void setBarcode(ByteView command);
 
-  /// The bar code of a command 1d 6b; empty if it has no known symbology or no end.
+  /// The bar code of a command 1d 6b. Empty if its symbology is unknown or its end is missing.
   std::optional<Symbol> barcode(ByteView command) const;
 
-  /// Takes the kind of the symbols that follow by 1b 5a, from the command 1d 5a.
+  /// Applies the command 1d 5a, which sets the kind of the symbols that 1b 5a prints.
   void setKindAtOnce(ByteView command) { kindAtOnce_ = command[2]; }
 
-  /// The symbol of a whole command 1b 5a, which prints it at once; empty if there is no such kind.
+  /// The symbol of a complete command 1b 5a, which prints it at once. Empty if the kind does not
+  /// exist.
   std::optional<Symbol> symbolAtOnce(ByteView command) const;
 
   enum class Outcome { Stored, Print, Unknown };
 
-  /// Carries out a command 1d 28 6b. After `Print` the symbol is to be taken with `symbol()`.
+  /// Executes a command 1d 28 6b. After `Print` the caller prints `symbol()`.
   Outcome applyTwoDimensional(ByteView command);
 
   const Symbol& symbol() const { return *chosen_; }
 
-  /// The answer to a command 1d 28 6b that asks for the size of the symbol that is stored: in dots,
-  /// and whether it can be printed. Empty if it asks nothing.
+  /// The answer to a command 1d 28 6b that asks about the stored symbol: its size in dots, and
+  /// whether it can be printed. Empty if the command asks nothing.
   Bytes sizeReply(ByteView command) const;
 
  private:
@@ -47,7 +50,7 @@ class SymbolSetter {
   static Outcome storeComposite(Symbol& symbol, ByteView command);
 
   Symbol barcode_;
-  std::array<Symbol, 7> stored_;  // one a kind of 1d 28 6b
+  std::array<Symbol, 7> stored_;  // one for each kind of 1d 28 6b
   const Symbol* chosen_ = nullptr;
   std::uint8_t kindAtOnce_ = 0;
 };

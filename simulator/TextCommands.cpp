@@ -1,4 +1,4 @@
-// The style and the script of text.
+// The commands for the style and the character set of text.
 
 #include "simulator/Typesetter.h"
 
@@ -38,7 +38,8 @@ void Typesetter::kanjiUnderline(ByteView command) {
   }
 }
 
-// To the left and to the right of each character; here all of it is to the right.
+// The command sets the spacing to the left and to the right of each character; here all of it is to
+// the right.
 void Typesetter::kanjiSpacing(ByteView command) {
   kanji_.spacing = unsigned{command[2]} + command[3];
 }
@@ -105,7 +106,7 @@ void Typesetter::nationalSet(ByteView command) {
 
 void Typesetter::multiByte(ByteView command) {
   const bool on = command[1] == 0x26;
-  if (!decoder_.setMultiByte(on) && on) {  // turning off what is not there changes nothing
+  if (!decoder_.setMultiByte(on) && on) {  // turning off a missing set changes nothing
     paper_.noteSkipped(command);
   }
 }
@@ -116,7 +117,8 @@ void Typesetter::multiByteCode(ByteView command) {
   }
 }
 
-// 1c 28 43 02 00 30 m: 1 is the code page, 2 is UTF-8. The font, 1c 28 41, makes no difference.
+// The bytes are 1c 28 43 02 00 30 m: m is 1 for the code page, 2 for UTF-8. The font, 1c 28 41, has
+// no effect.
 void Typesetter::characterEncoding(ByteView command) {
   constexpr std::uint8_t font = 0x41;
   if (command[2] == font) {

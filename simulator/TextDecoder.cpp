@@ -9,10 +9,10 @@
 namespace quordalvane::simulator {
 namespace {
 
-// A run is decided at this length at the latest, so that it needs no more memory than this.
+// A run of this length is decided even if it continues, which limits the memory.
 constexpr std::size_t longestRun = 256;
 
-constexpr char32_t house = 0x2302;  // of byte 7f in the printers' own fonts
+constexpr char32_t house = 0x2302;  // a house, for byte 7f in the printers' own fonts
 
 Bytes bytesOf(const std::string& run) {
   return {run.begin(), run.end()};
@@ -38,8 +38,8 @@ void TextDecoder::reset() {
     page_ = &upperHalfOf(first);
   }
   multiByte_.reset();
-  // Japanese printers read such characters only after a command; the others, made for one language,
-  // always do.
+  // Japanese printers read multi-byte characters only after a command. Printers for other languages
+  // always read them.
   if (sets_.multiByte != MultiByte::ShiftJis) {
     setMultiByte(true);
   }
@@ -76,7 +76,7 @@ DecodedText TextDecoder::putMultiByte(std::uint8_t byte) {
   if (length > bytes.size()) {
     return {};
   }
-  if (length == 0) {  // no such character: the last byte is one of its own
+  if (length == 0) {  // there is no such character: the last byte is one by itself
     run_.pop_back();
     DecodedText text = finish();
     const DecodedText next = put(byte);

@@ -11,54 +11,56 @@
 
 namespace quordalvane::simulator {
 
-/// Characters that a part of the text bytes has turned out to be.
+/// The characters that a part of the text bytes has become.
 struct DecodedText {
   std::u32string characters;
-  bool isWide = false;  ///< each takes the room of two letters
-  Bytes missing;        ///< bytes that have no character, if there are any
+  bool isWide = false;  ///< each is as wide as two letters
+  Bytes missing;        ///< bytes that have no character; may be empty
 };
 
-/// Turns the text bytes of a job into characters, as the commands of the job select them among the
-/// characters that the printer has.
+/// Converts the text bytes of a job to characters. The job's commands select them from the
+/// character sets of the printer.
 ///
-/// Of a printer that knows UTF-8, an unbroken run of bytes from 80 hex up is UTF-8 if all of it is
-/// valid UTF-8, until the job selects a code page. Every other byte is of the page that is
-/// selected, which is number 0 at first.
+/// If the printer knows UTF-8, and the job has not yet selected a code page, a run of bytes from 80
+/// (hex) up is UTF-8, provided that the whole run is valid. All other bytes belong to the selected
+/// code page; initially that is page 0.
 class TextDecoder {
  public:
   TextDecoder() { reset(); }
 
-  /// From now on the printer has these. The job's selection does not change.
+  /// Sets the printer's character sets. The job's selection does not change.
   void setCharacterSets(const CharacterSets& sets);
 
-  /// Takes one byte from 20 hex up, and returns the characters that are decided by now.
+  /// Adds one byte, which must be at least 20 (hex). Returns the characters that are now certain.
   DecodedText put(std::uint8_t byte);
 
-  /// Decides the rest. To be called before anything that is not text.
+  /// Returns the remaining characters. To be called before anything that is not text.
   DecodedText finish();
 
-  /// Selects the page of the command 1b 74. Of a number that the printer has no page for it selects
-  /// nothing and returns false.
+  /// Executes 1b 74: selects a code page. Returns false, and changes nothing, if the printer has no
+  /// page of this number.
   bool selectPage(std::uint8_t number);
 
-  /// Selects the international set of the command 1b 52; false if there is none.
+  /// Executes 1b 52: selects an international character set. Returns false if there is none of this
+  /// number.
   bool selectNationalSet(std::uint8_t number);
 
-  /// Turns characters of several bytes on or off; false if the printer has none.
+  /// Turns multi-byte characters on or off. Returns false if the printer has none.
   bool setMultiByte(bool on);
 
-  /// Turns them on and selects their code of the command 1c 43: 0 is of seven bits, 1 is the
-  /// printer's own. False if the printer has none.
+  /// Executes 1c 43: turns multi-byte characters on and selects their code; 0 is the seven-bit
+  /// code, 1 the printer's own. Returns false if the printer has none.
   bool selectMultiByteCode(std::uint8_t number);
 
-  /// Reads UTF-8 again, or the selected page, by the command 1c 28 43; false if the printer knows
-  /// no UTF-8.
+  /// Executes 1c 28 43: selects UTF-8, or the selected code page again. Returns false if the
+  /// printer does not know UTF-8.
   bool setUtf8(bool on);
 
-  /// For people: the number of the page, or the name of the encoding of several bytes.
+  /// The current selection, for people: the number of the page, or the name of the multi-byte
+  /// encoding.
   std::string selection() const;
 
-  /// Back to the state in which the job has selected nothing.
+  /// Resets everything that the job has selected.
   void reset();
 
  private:
@@ -73,10 +75,10 @@ class TextDecoder {
   std::uint8_t nationalSet_ = 0;
   bool guessesUtf8_ = false;
   std::shared_ptr<MultiByteText> multiByte_;  // null while they are off
-  std::string run_;                           // bytes that are not decided yet
+  std::string run_;                           // bytes of which the characters are not certain yet
 };
 
-/// True if a character always takes the room of two letters.
+/// True if the character is always as wide as two letters.
 bool isWide(char32_t character);
 
 }  // namespace quordalvane::simulator

@@ -13,11 +13,11 @@ namespace {
 
 constexpr unsigned cell = 12;  // the dots of a column
 
-// A longer feed is described, not shown.
+// A longer feed is described instead.
 constexpr unsigned mostEmptyLines = 12;
 constexpr unsigned dotsPerMillimetre = 8;
 
-// The second column of a character that takes two.
+// Stands for the second column of a character that is two columns wide.
 constexpr char32_t secondColumn = 0xffffffff;
 
 std::u32string widened(std::string_view ascii) {
@@ -104,7 +104,8 @@ class TextPage {
   std::string takeText() { return std::move(text_); }
 
  private:
-  // An image often consists of many lines of one stripe each.
+  // Consecutive stripes are described as one image: most images consist of many lines, one stripe
+  // each.
   struct Stripes {
     unsigned width = 0;
     unsigned height = 0;

@@ -7,13 +7,13 @@
 
 namespace quordalvane::simulator {
 
-/// The paper as plain UTF-8 text, a line of text a line: alignment and positions by blanks, a feed
-/// as empty lines, a cut as a dashed line. An image, a bar code or a QR code is named in brackets.
-/// Last is a line in brackets for each remark on it.
+/// The paper as UTF-8 text, with one line for each line of print. Alignment and positions become
+/// blanks, a feed becomes empty lines, a cut a dashed line. An image, a bar code or a QR code is
+/// described in brackets. The last lines are the remarks, each in brackets.
 std::string renderText(const Paper& paper);
 
-/// Sentences about the parts that a reader of the paper cannot see: the commands that cannot be
-/// shown, if there were any, and that it was torn off before its job's end.
+/// Sentences about facts that the paper does not show: the commands that could not be printed, and
+/// that it was torn off before the end of its job. Empty if there are none.
 std::vector<std::string> remarksOn(const Paper& paper);
 
 }  // namespace quordalvane::simulator

@@ -5,7 +5,7 @@
 namespace quordalvane::simulator {
 namespace {
 
-enum class Spoken { Both, EscPos };  // which command system a command gives away
+enum class Spoken { Both, EscPos };  // the command systems that know a command
 
 }  // namespace
 
@@ -43,7 +43,7 @@ const Typesetter::Entry Typesetter::commandTable[] = {
     {0x1b, 0x52, Spoken::Both, &Typesetter::nationalSet},
     {0x1b, 0x53, Spoken::EscPos, &Typesetter::standardMode},
     {0x1b, 0x54, Spoken::EscPos, &Typesetter::pageDirection},
-    {0x1b, 0x55, Spoken::EscPos, &Typesetter::ignore},  // printing in one direction alone
+    {0x1b, 0x55, Spoken::EscPos, &Typesetter::ignore},  // prints in one direction only
     {0x1b, 0x56, Spoken::EscPos, &Typesetter::rotation},
     {0x1b, 0x57, Spoken::EscPos, &Typesetter::pageArea},
     {0x1b, 0x5a, Spoken::EscPos, &Typesetter::symbolAtOnce},
@@ -74,18 +74,19 @@ const Typesetter::Entry Typesetter::commandTable[] = {
     {0x1d, 0x2a, Spoken::EscPos, &Typesetter::graphics},
     {0x1d, 0x2f, Spoken::EscPos, &Typesetter::graphics},
     {0x1d, 0x38, Spoken::EscPos, &Typesetter::graphics},
-    {0x1d, 0x3a, Spoken::EscPos, &Typesetter::ignore},  // a macro begins or ends
+    {0x1d, 0x3a, Spoken::EscPos, &Typesetter::ignore},  // begins or ends a macro; see Macro
     {0x1d, 0x42, Spoken::EscPos, &Typesetter::inverse},
     {0x1d, 0x44, Spoken::EscPos, &Typesetter::graphics},
     {0x1d, 0x48, Spoken::EscPos, &Typesetter::barcodeSetting},
     {0x1d, 0x4c, Spoken::EscPos, &Typesetter::leftMargin},
-    {0x1d, 0x50, Spoken::EscPos, &Typesetter::ignore},  // units of motion: always dots
+    {0x1d, 0x50, Spoken::EscPos, &Typesetter::ignore},  // units of motion: here always dots
     {0x1d, 0x51, Spoken::EscPos, &Typesetter::tallColumnImage},
     {0x1d, 0x56, Spoken::EscPos, &Typesetter::cut},
     {0x1d, 0x57, Spoken::EscPos, &Typesetter::printWidth},
     {0x1d, 0x5a, Spoken::EscPos, &Typesetter::symbolKindAtOnce},
     {0x1d, 0x5c, Spoken::EscPos, &Typesetter::pagePositionFurther},
-    {0x1d, 0x62, Spoken::EscPos, &Typesetter::ignore},  // smoothing: large letters are smooth
+    {0x1d, 0x62, Spoken::EscPos, &Typesetter::ignore},  // smoothing: large letters are always
+                                                        // smooth
     {0x1d, 0x66, Spoken::EscPos, &Typesetter::barcodeSetting},
     {0x1d, 0x68, Spoken::EscPos, &Typesetter::barcodeSetting},
     {0x1d, 0x6b, Spoken::EscPos, &Typesetter::barcode},

@@ -14,7 +14,7 @@
 
 namespace quordalvane::simulator {
 
-/// What a job sets for characters of several bytes alone.
+/// The settings that apply only to multi-byte characters.
 struct KanjiStyle {
   std::uint8_t width = 1;  ///< factors
   std::uint8_t height = 1;
@@ -22,16 +22,17 @@ struct KanjiStyle {
   unsigned spacing = 0;
 };
 
-/// Turns complete print commands into paper. Understands line-mode jobs and ESC/POS on one stream.
+/// Turns complete print commands into paper. Accepts commands of line mode and of ESC/POS in one
+/// stream.
 ///
-/// One command means two things: 1b 64 n feeds n lines in ESC/POS and, for n from 0 to 3, cuts in
-/// line mode. It is taken as a feed once the job has shown itself as ESC/POS by a command that only
-/// ESC/POS has, and as a cut before that; a job ends at an ETB.
+/// One command is ambiguous: 1b 64 n (hex) feeds n lines in ESC/POS; in line mode, if n is 0 to 3,
+/// it cuts. It is read as a feed after the job has used a command that only ESC/POS has, and as a
+/// cut before that. A job ends at an ETB.
 class Typesetter {
  public:
   explicit Typesetter(unsigned paperWidth);
 
-  /// The characters that the printer has from now on.
+  /// Sets the printer's character sets.
   void setCharacterSets(const CharacterSets& sets) { decoder_.setCharacterSets(sets); }
 
   const Paper& paper() const { return paper_; }
@@ -40,24 +41,24 @@ class Typesetter {
   /// The answer to a command 1d 28 6b that asks for the size of a symbol.
   Bytes sizeReply(ByteView command) const { return symbols_.sizeReply(command); }
 
-  /// Whether the job has selected the display and not the printer.
+  /// True if the job has selected the display and not the printer.
   bool isDisplayAlone() const { return !printerListens_; }
 
-  /// Takes one complete command, or one character.
+  /// Executes a complete command, or prints a character.
   void set(ByteView command);
 
-  /// Ends a line that has begun: no more will be added to it.
+  /// Ends the current line, if it is not empty.
   void endLine();
 
-  /// The job is over; the next one may be of the other command system.
+  /// Ends the job; the next one may use the other command system.
   void endJob();
 
-  /// Ends a line that has begun, gives away the paper so far, as if torn off, and continues with a
-  /// clean one.
+  /// Ends the current line, if it is not empty. Returns the paper so far, as if torn off, and
+  /// continues with an empty one.
   Paper tearOff();
 
-  /// Gives away the paper so far and continues with a clean one in the middle of the job; a line
-  /// that has begun continues there.
+  /// Returns the paper so far, and continues with an empty one in the middle of the job. The
+  /// current line continues on the new paper.
   Paper tearOffFinishedLines();
 
  private:
@@ -74,7 +75,7 @@ class Typesetter {
   void add(const DecodedText& text);
   void finishText();
 
-  // The style and the script of text: TextCommands.cpp.
+  // The commands for style and character sets: TextCommands.cpp.
   void initialise(ByteView);
   void printMode(ByteView command);
   void kanjiMode(ByteView command);
@@ -99,7 +100,7 @@ class Typesetter {
   void userCharactersOn(ByteView command);
   void eraseUserCharacter(ByteView command);
 
-  // Positions, margins and feeds: PlaceCommands.cpp.
+  // The commands for positions, margins and feeds: PlaceCommands.cpp.
   void align(ByteView command);
   void leftMargin(ByteView command);
   void printWidth(ByteView command);
@@ -123,7 +124,7 @@ class Typesetter {
   void pagePosition(ByteView command);
   void pagePositionFurther(ByteView command);
 
-  // Pictures and symbols: PictureCommands.cpp.
+  // The commands for pictures and symbols: PictureCommands.cpp.
   void raster(ByteView command);
   void columnImage(ByteView command);
   void tallColumnImage(ByteView command);
@@ -134,7 +135,7 @@ class Typesetter {
   void symbolAtOnce(ByteView command);
   void symbolKindAtOnce(ByteView command);
 
-  // Commands that leave no ink: DeviceCommands.cpp.
+  // The commands that print nothing: DeviceCommands.cpp.
   void ignore(ByteView) {}
   void peripheral(ByteView command);
   void beepOrSkip(ByteView command);
@@ -153,7 +154,7 @@ class Typesetter {
 
   Paper paper_;
   LineBuilder line_;
-  std::optional<PageBuilder> page_;  // in page mode
+  std::optional<PageBuilder> page_;  // empty except in page mode
   TextDecoder decoder_;
   TextStyle style_;
   GraphicsMemory graphics_;
@@ -161,7 +162,7 @@ class Typesetter {
   CharacterMemory userCharacters_;
   KanjiStyle kanji_;
   bool sawEscPos_ = false;
-  bool printerListens_ = true;  // not deselected by 1b 3d
+  bool printerListens_ = true;  // 1b 3d has not deselected it
   bool displayListens_ = false;
 };
 

@@ -83,7 +83,8 @@ void VirtualPrinter::receive(ByteView bytes, Instant now, bool vanish) {
 }
 
 void VirtualPrinter::obey(MachineCommand command, ByteView bytes, Instant now) {
-  // A printer that takes no time for its data has printed the earlier bytes of the same packet.
+  // If printing takes no time, the earlier bytes of the same packet are printed before this
+  // command.
   printUntil(now);
   setAside(bytes.size());
   show(Deed::Kind::Command, bytes);
@@ -92,7 +93,7 @@ void VirtualPrinter::obey(MachineCommand command, ByteView bytes, Instant now) {
   question_.clear();
 }
 
-// The bytes keep their place in the job, though they are not queued.
+// Notes bytes that are not queued, so that the positions of all bytes in the job remain correct.
 void VirtualPrinter::setAside(std::size_t count) {
   if (count == 0) {
     return;
@@ -110,7 +111,7 @@ void VirtualPrinter::passAsides() {
   }
 }
 
-// To be called before the record leaves the printer with its paper.
+// To be called before the paper, with its record, is passed on.
 void VirtualPrinter::recordReceived(std::uint64_t position) {
   jobBytes_.pass(position);
   auto [bytes, count] = jobBytes_.take();
@@ -278,7 +279,7 @@ void VirtualPrinter::countEtb() {
   ++state_.etbCounter;
 }
 
-// The host that wrote these bytes has left.
+// Called when the data of a host that has left are all printed.
 void VirtualPrinter::endJob(std::uint64_t received) {
   printing_.leaveUnfinishedCommand();
   if (!keepJob_) {
@@ -326,8 +327,8 @@ std::size_t VirtualPrinter::space() const {
   return free < readyAgain() ? 0 : free;
 }
 
-// A nearly full printer asks for more when there is room for a whole command, not for each byte: a
-// command that is taken byte by byte is cut by its sender.
+// A nearly full printer accepts nothing until it has room for a whole command: if it accepted
+// single bytes, its sender would split a command.
 std::size_t VirtualPrinter::readyAgain() const {
   return std::clamp<std::size_t>(state_.bufferSize() / 4, 1, 64);
 }

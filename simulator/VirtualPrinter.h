@@ -18,11 +18,11 @@
 
 namespace quordalvane::simulator {
 
-/// A printer. It outlives its connections, each of which is a `PrinterLink`.
+/// A virtual printer. It outlives its connections, each of which is a `PrinterLink`.
 ///
-/// It is a state machine over bytes and time, with no thread, clock or input of its own: its
-/// behaviour follows from the bytes and the instants that it is given, and not from how often it is
-/// looked at. Instants must not decrease. Not for use by two threads at once.
+/// It is a state machine over bytes and time, without a thread, clock or input of its own. Its
+/// behaviour depends only on the bytes and times that it is given, not on how often it is called.
+/// The times must not decrease. It must not be used by two threads at once.
 class VirtualPrinter {
  public:
   explicit VirtualPrinter(PrinterState state);
@@ -31,95 +31,99 @@ class VirtualPrinter {
 
   const PrinterState& state() const { return state_; }
 
-  /// Sets the flag of that name from `now` on; false if there is none. See `flagNames`.
+  /// Sets the flag of this name from `now` on. Returns false if there is no such flag. See
+  /// `flagNames`.
   bool setFlag(std::string_view name, bool value, Instant now);
 
-  /// Changes a setting by its name from `now` on, as `PrinterState::set` does and with its errors.
+  /// Changes a setting from `now` on, as `PrinterState::set` does, and throws as it does.
   void set(std::string_view key, std::string_view value, Instant now);
 
-  /// Works up to `now`. Everything below is as it was at the latest instant given.
+  /// Lets the printer work until `now`. The functions below report its state at the latest time
+  /// that it was given.
   void advance(Instant now);
 
   /// The output since the paper was last torn off.
   const Paper& paper() const { return printing_.paper(); }
 
-  /// The print data that made it, byte for byte: without ETBs and without the commands that act on
-  /// reception. Its whole commands are on the paper; a line may still be open. Only of a printer
-  /// that `PrinterState::keepsPrinted`; empty otherwise.
+  /// The print data that produced the paper, byte for byte, without ETBs and without commands that
+  /// act on reception. The last line may still be open. Only for a printer with
+  /// `PrinterState::keepsPrinted`; otherwise empty.
   const Bytes& printed() const { return printed_; }
 
-  /// How many bytes of print data have been printed since the beginning.
+  /// The count of bytes of print data that have been printed since the beginning.
   std::uint64_t printedBytes() const { return printedBytes_; }
 
-  /// How many bytes have been received and are not printed.
+  /// The count of bytes that have been received but not printed.
   std::size_t buffered() const { return queue_.size() + reception_.undecided(); }
 
-  /// Takes the paper away, `printed` included, with a line that has begun. Returns it.
+  /// Ends the current line, and removes and returns the paper. `printed` becomes empty.
   Paper tearOff();
 
-  /// From now on each connection is a job: when all of its data has been printed or dropped,
-  /// the paper is torn off and given to `keep`, unless the paper is empty. A paper that grows
-  /// heavier than `heaviestPaper` is torn off and given before; without a keeper it is lost.
+  /// Makes each connection a job. When all its data have been printed or dropped, the paper is torn
+  /// off and passed to `keep`, unless it is empty. A paper that exceeds its limits
+  /// (`Paper::isTooLong`) is torn off and passed on earlier. Without this call such a paper is
+  /// lost.
   using JobKeeper = std::function<void(Paper)>;
   void keepJobs(JobKeeper keep) { keepJob_ = std::move(keep); }
 
-  /// From now on `watch` is told each command when it is obeyed or printed, and each answer when it
-  /// is given. It must not call the printer.
+  /// Calls `watch` with each command when it is executed, and with each answer when it is sent.
+  /// `watch` must not call the printer.
   struct Deed {
     enum class Kind { Command, Answer };
     Kind kind;
     ByteView bytes;                      ///< valid during the call
-    ReplyKind reply = ReplyKind::Other;  ///< of an answer
+    ReplyKind reply = ReplyKind::Other;  ///< for an answer
   };
   using Watcher = std::function<void(const Deed&)>;
   void watch(Watcher watch) { watch_ = std::move(watch); }
 
   // ---- For the link ----
 
-  /// The way of replies to the host, with the instant at which the printer gives them.
+  /// Receives replies for the host, with the time at which the printer sends each.
   using Sink = std::function<void(ByteView, Instant, ReplyKind)>;
 
-  /// Begins a connection, which ends the one before it: from now on replies are sent to `sink`.
+  /// Begins a connection: from now on replies are sent to `sink`. The previous connection ends.
   /// Returns a number that distinguishes this connection from all others.
   std::uint64_t connect(Sink sink);
 
-  /// Ends the connection, unless another one has begun: a command that it left unfinished remains
-  /// unfinished. Replies are dropped until the next.
+  /// Ends the connection, unless another one has begun. A command that it left unfinished remains
+  /// unfinished. Replies are dropped until the next connection.
   void disconnect(std::uint64_t connection);
   bool isConnection(std::uint64_t connection) const { return connection == connection_; }
 
-  /// How many bytes it can take: the free part of its buffer, or 0 while that is less than a
-  /// command may need (64 bytes, or a quarter of a small buffer).
+  /// The count of bytes that it can accept: the free part of its buffer. 0 while that is less than
+  /// a command may need (64 bytes, or a quarter of a small buffer).
   std::size_t space() const;
 
-  /// How many bytes at the beginning of `bytes` it can take without space: they act on reception
-  /// and are not held.
+  /// How many bytes at the start of `bytes` it can accept without free space, because they act on
+  /// reception and are not stored.
   std::size_t actingAtOnce(ByteView bytes) const { return reception_.actingAtOnce(bytes); }
 
-  /// Takes all of `bytes`, at most `space()` or `actingAtOnce(bytes)`. With `vanish`, print data is
-  /// lost on the way: commands that act on reception are obeyed and nothing is printed. A command
-  /// whose first bytes arrived before shares their fate.
+  /// Accepts all of `bytes`, which must be at most `space()` or `actingAtOnce(bytes)`. With
+  /// `vanish`, print data are lost on the way: commands that act on reception are executed, and
+  /// nothing is printed. A command that began earlier is treated as its first bytes were.
   void receive(ByteView bytes, Instant now, bool vanish = false);
 
-  /// Sends bytes to the host, if there is one: an answer, or a report that nobody asked for.
+  /// Sends bytes to the host, if there is one: an answer, or a report without a question.
   void reply(ByteView bytes, Instant at, ReplyKind kind = ReplyKind::Other);
 
-  /// When, after the latest instant given, it next does something that can be noticed from outside:
-  /// has space again, passes an ETB, has printed all, or drops data. Empty while nothing is due.
+  /// The next time, after the latest that it was given, at which it does something that can be
+  /// noticed from outside: it has space again, passes an ETB, has printed everything, or drops
+  /// data. Empty if nothing is due.
   std::optional<Instant> nextEvent() const;
 
  private:
-  /// A command, or the end of a connection, that waits until the print position has passed the
-  /// first `end` bytes that were ever queued.
+  /// A command, or the end of a connection, that takes effect when the first `end` bytes ever
+  /// queued have been printed.
   struct Mark {
     std::optional<MachineCommand> command;  // empty: the end of a connection
-    Bytes bytes;                            // of the command, which are not for the paper
+    Bytes bytes;                            // of the command; they are not printed
     std::uint64_t begin;
     std::uint64_t end;
-    std::uint64_t received = 0;  // how many bytes had been received ever
+    std::uint64_t received = 0;  // count of all bytes received by then
   };
 
-  /// Bytes that acted at once, before the byte that was queued as number `before`.
+  /// Bytes that acted at once, and were received before the queued byte of number `before`.
   struct Aside {
     std::uint64_t before;
     std::uint64_t bytes;
@@ -154,13 +158,13 @@ class VirtualPrinter {
   PrintQueue queue_;
   Printing printing_;
   std::uint64_t queuedEver_ = 0;
-  std::uint64_t takenEver_ = 0;  // of those queued: printed or dropped
+  std::uint64_t takenEver_ = 0;  // of the queued bytes: printed or dropped
   std::uint64_t receivedEver_ = 0;
-  std::uint64_t jobBegin_ = 0;  // of the bytes received: the beginning of the job on the paper
-  std::deque<Aside> asides_;    // that the print position has not passed
+  std::uint64_t jobBegin_ = 0;  // the number of received bytes before the current job
+  std::deque<Aside> asides_;    // not yet passed by the printing
   std::uint64_t asidesPassed_ = 0;
   Bytes question_;          // the command that is being answered
-  std::deque<Mark> marks_;  // of the queued bytes, in their order
+  std::deque<Mark> marks_;  // in the order of the queued bytes
   std::uint64_t printedBytes_ = 0;
   Bytes printed_;
 
@@ -169,7 +173,7 @@ class VirtualPrinter {
   bool dropping_ =
       false;  // the data time-out struck, and no end of the data cancel has arrived since
   Instant lastReceived_{};
-  std::optional<Bytes> reported_;  // the latest unasked status; empty: not wanted
+  std::optional<Bytes> reported_;  // the last unasked status; empty: not wanted
 
   JobBytes jobBytes_;
   JobKeeper keepJob_;

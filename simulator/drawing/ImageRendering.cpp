@@ -22,16 +22,16 @@ constexpr std::uint32_t shadowColour = 0xb9bec4;
 constexpr std::uint32_t inkColour = 0x1c1c1e;
 constexpr std::uint32_t remarkColour = 0x8a8f98;
 
-constexpr unsigned tableMargin = 16;  // table that shows around the paper
+constexpr unsigned tableMargin = 16;  // the visible table around the paper
 constexpr unsigned sideMargin = 32;   // paper beside the print
 constexpr unsigned tooth = 6;         // of a torn edge
 constexpr unsigned shadowWidth = 2;
 constexpr Margins margins = {.end = 20, .gap = 24};
 
-constexpr unsigned bandHeight = 256;  // so many rows are drawn at once
+constexpr unsigned bandHeight = 256;  // the count of rows that are drawn together
 
-// The values of a dot: the shadow, the table with more and more of a remark on it, and paper with
-// more and more ink on it.
+// The meanings of a dot's value: the shadow, the table with more and more of a remark on it, and
+// paper with more and more ink on it.
 constexpr std::uint8_t shadow = 0;
 constexpr std::uint8_t table = 1;
 constexpr std::uint8_t mostRemark = 127;
@@ -64,7 +64,7 @@ Palette makePalette() {
 
 const Palette palette = makePalette();
 
-// The parts that the paper does not show are written below it.
+// The remarks, in lines that fit below the paper.
 std::vector<std::string> remarkLines(const Paper& paper) {
   const std::size_t columns = paper.width() / remarkStyle.cellWidth();
   std::vector<std::string> lines;
@@ -76,7 +76,7 @@ std::vector<std::string> remarkLines(const Paper& paper) {
   return lines;
 }
 
-/// A picture that is made band by band, from the top.
+/// A picture that is drawn in bands, from the top.
 class BandedPicture {
  public:
   explicit BandedPicture(const Paper& paper)
@@ -91,10 +91,10 @@ class BandedPicture {
     return remarksTop() + lines * remarkStyle.cellHeight() + tableMargin;
   }
 
-  /// Gives each row, in order.
+  /// Calls `take` with each row, in order.
   void draw(const std::function<void(ByteView)>& take) const {
     Bytes row(width());
-    const Bytes bare(paperWidth_, Plane::bare);  // most rows of a receipt are
+    const Bytes bare(paperWidth_, Plane::bare);  // like most rows of a receipt
     for (unsigned top = 0; top < height(); top += bandHeight) {
       const unsigned rows = std::min(bandHeight, height() - top);
       Plane print(paperWidth_, rows);
@@ -141,7 +141,7 @@ class BandedPicture {
     }
   }
 
-  // Torn above, and below unless the end is still in the printer.
+  // Draws torn edges above the piece, and also below it unless its end is still in the printer.
   void drawPiece(Bytes& row, const Piece& piece, unsigned y, unsigned shift,
                  std::uint8_t value) const {
     const unsigned fromTop = y - piece.top;

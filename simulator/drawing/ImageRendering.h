@@ -8,23 +8,23 @@
 
 namespace quordalvane::simulator {
 
-/// A picture: rows of pixels 0x00RRGGBB from the top left.
+/// A picture: rows of pixels 0x00RRGGBB, beginning at the top left.
 struct Picture {
   unsigned width = 0;
   unsigned height = 0;
   std::vector<std::uint32_t> pixels;
 };
 
-/// The paper as a picture, a pixel a dot, with the margins beside the print and torn edges where it
-/// was cut. A symbol whose data cannot be encoded is named in its place; the remarks on the paper
-/// are below it. May be called from any thread.
+/// The paper as a picture of one pixel a dot, with margins beside the print and torn edges at its
+/// cuts. A symbol whose data cannot be encoded is replaced by its name. Remarks on the paper are
+/// below it. May be called from any thread.
 Picture renderPicture(const Paper& paper);
 
-/// The same as a PNG file, whose making takes little more memory than the file, however long the
-/// paper is. Empty if it cannot be made, as without memory.
+/// The same picture as a PNG file. Needs little more memory than the file, however long the paper
+/// is. Empty if the file cannot be created, for example for lack of memory.
 Bytes renderPng(const Paper& paper);
 
-/// The same, with its size in dots.
+/// The same PNG file, with the size of the picture in dots.
 struct PngPicture {
   unsigned width = 0;
   unsigned height = 0;

@@ -11,38 +11,38 @@ namespace quordalvane::simulator {
 
 class PaperLayout;
 
-/// An item at its place down the paper.
+/// An item and its vertical position on the paper.
 struct PlacedItem {
   int top = 0;
   unsigned height = 0;
   const PaperItem* item = nullptr;
-  std::optional<EncodedSymbol> symbol{};  ///< of a symbol; empty if it cannot be encoded
-  std::vector<std::shared_ptr<PaperLayout>> areas{};  ///< of a page
+  std::optional<EncodedSymbol> symbol{};  ///< for a symbol; empty if it cannot be encoded
+  std::vector<std::shared_ptr<PaperLayout>> areas{};  ///< for a page
 };
 
-/// A stretch of paper from one cut to the next.
+/// The paper between two cuts.
 struct Piece {
   unsigned top = 0;
   unsigned bottom = 0;
   bool cutBelow = false;
 };
 
-/// The space around the print, in dots.
+/// The empty space around the print, in dots.
 struct Margins {
-  unsigned end = 0;  ///< above the first line and below the last of a piece
+  unsigned end = 0;  ///< above the first line and below the last line of a piece
   unsigned gap = 0;  ///< between two pieces
 };
 
-/// Space above and below a symbol, and between it and its text.
+/// The space above and below a symbol, and between the symbol and its text, in dots.
 inline constexpr unsigned symbolSpace = 6;
 
-/// The place of each item on a paper, which must outlive this.
+/// The position of each item on a paper. The paper must outlive this.
 class PaperLayout {
  public:
-  /// The first piece begins at `top`.
+  /// Places all items of a paper. The first piece begins at `top`.
   PaperLayout(const Paper& paper, unsigned top, Margins margins);
 
-  /// Of a paper that grows: without an item yet.
+  /// Begins the layout of a paper that will grow, without an item.
   PaperLayout(unsigned top, Margins margins);
 
   /// Places the next item, which must outlive this.
@@ -51,11 +51,11 @@ class PaperLayout {
   const std::vector<PlacedItem>& items() const { return items_; }
   const std::vector<Piece>& pieces() const { return pieces_; }
 
-  /// How far down the next item begins, and how far down anything was printed or fed.
+  /// The position at which the next item begins, and the lowest position that was printed or fed.
   unsigned position() const { return y_; }
   unsigned end() const { return end_; }
 
-  /// The end of the last piece, or of the print where there are no margins.
+  /// The end of the last piece; without margins the end of the print.
   unsigned bottom() const { return pieces_.empty() ? end_ : pieces_.back().bottom; }
 
  private:
@@ -67,9 +67,9 @@ class PaperLayout {
   Margins margins_;
   std::vector<PlacedItem> items_;
   std::vector<Piece> pieces_;
-  unsigned begin_;  // of the piece
+  unsigned begin_;  // of the current piece
   unsigned y_;
-  unsigned end_;  // of what was printed in the piece
+  unsigned end_;  // of the print in the current piece
 };
 
 }  // namespace quordalvane::simulator

@@ -133,7 +133,7 @@ class Painter {
     return y;
   }
 
-  // The three rings in the middle, which the encoder leaves open.
+  // Draws the three rings in the middle, which the encoder omits.
   void paintRings(const Symbol& symbol, int left, int y) {
     constexpr double edges[] = {0.58, 1.34, 2.11, 2.88, 3.64, 4.40};  // in modules
     const double module = symbol.moduleWidth;
@@ -165,7 +165,7 @@ class Painter {
     }
   }
 
-  // The pieces still hang together.
+  // A dashed line: the pieces still hang together.
   void paintPartialCut(int y, unsigned height) {
     constexpr unsigned dash = 6;
     for (unsigned x = 0; x < plane_.width(); x += 2 * dash) {

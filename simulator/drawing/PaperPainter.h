@@ -5,8 +5,8 @@
 
 namespace quordalvane::simulator {
 
-/// Draws the items of a paper that is `paperWidth` dots wide on a plane of that width, whose top is
-/// `top` dots down the layout. May be called from any thread.
+/// Draws the items of a paper of width `paperWidth` on a plane of the same width. The top of the
+/// plane is `top` dots below the top of the layout. May be called from any thread.
 void paint(Plane& plane, const PaperLayout& layout, unsigned top);
 
 }  // namespace quordalvane::simulator

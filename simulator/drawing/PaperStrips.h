@@ -9,36 +9,36 @@
 
 namespace quordalvane::simulator {
 
-/// Rows of a paper, a pixel a dot, without margins: black on white, a PNG file.
+/// Some rows of a paper as a PNG file, black on white, one pixel a dot, without margins.
 struct Strip {
-  unsigned row = 0;  ///< of its top, from the beginning of the paper
+  unsigned row = 0;  ///< the number of its top row from the beginning of the paper
   unsigned height = 0;
   Bytes png;
 };
 
-/// A paper that is drawn while it grows, strip by strip. A strip shows all that its rows hold, so
-/// that it replaces what was drawn there before: paper can be fed back and printed over.
+/// A paper that is drawn strip by strip while it grows. A strip contains everything in its rows,
+/// and replaces earlier strips there, because paper can be fed back and printed over.
 class PaperStrips {
  public:
   explicit PaperStrips(unsigned width) : width_(width), layout_(0, Margins{}) {}
 
-  /// A place at which the paper was cut.
+  /// A position at which the paper was cut.
   struct CutMark {
     unsigned row = 0;
     bool partial = false;
   };
 
   struct Change {
-    std::vector<Strip> strips;  ///< of at most `mostRows` rows each, from the top
+    std::vector<Strip> strips;  ///< from the top; each has at most `mostRows` rows
     std::vector<CutMark> cuts;
   };
 
   static constexpr unsigned mostRows = 1024;
 
-  /// Adds what was printed next. Returns the rows that it changed, bare ones included.
+  /// Adds the next items. Returns the rows that changed, including empty ones.
   Change add(std::vector<PaperItem> items);
 
-  /// How long the paper is, in dots.
+  /// The length of the paper so far, in dots.
   unsigned length() const { return layout_.end(); }
   unsigned width() const { return width_; }
 
@@ -46,7 +46,7 @@ class PaperStrips {
   Strip draw(unsigned row, unsigned height) const;
 
   unsigned width_;
-  std::deque<PaperItem> items_;  // at lasting places, for the layout
+  std::deque<PaperItem> items_;  // a deque does not move its items, which the layout points to
   PaperLayout layout_;
 };
 

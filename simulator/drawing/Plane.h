@@ -7,8 +7,8 @@
 
 namespace quordalvane::simulator {
 
-/// A rectangle of paper: how dark each of its dots is, from 0 to `ink`. Dots that are drawn outside
-/// of it are lost.
+/// A rectangle of paper that stores the darkness of each dot, from 0 to `ink`. Dots outside are
+/// discarded.
 class Plane {
  public:
   static constexpr std::uint8_t bare = 0;
@@ -26,17 +26,17 @@ class Plane {
 
   void fill(int x, int y, unsigned width, unsigned height, std::uint8_t darkness);
 
-  /// Each black dot becomes a box of `scaleX` by `scaleY`.
+  /// Draws each black dot as a box of `scaleX` by `scaleY` dots.
   void dots(const Bitmap& bitmap, int x, int y, unsigned scaleX, unsigned scaleY,
             std::uint8_t darkness);
 
-  /// Draws towards `darkness`, as far as `stencil` is dark.
+  /// Draws in `darkness`, weighted by the darkness of `stencil`.
   void draw(const Plane& stencil, int x, int y, std::uint8_t darkness);
 
-  /// The same after so many quarter turns clockwise.
+  /// The plane turned clockwise by this count of quarter turns.
   Plane turned(unsigned quarters) const;
 
-  /// To be written by whoever draws from outside.
+  /// The dots, row by row, for drawing by outside libraries.
   std::uint8_t* data() { return dots_.data(); }
 
  private:

@@ -26,8 +26,8 @@ struct PngWriter::Stream {
 
 PngWriter::PngWriter(unsigned width, unsigned height, const Palette& palette)
     : stream_(std::make_unique<Stream>()), file_({0x89, 'P', 'N', 'G', 0x0d, 0x0a, 0x1a, 0x0a}) {
-  // The lowest level: the picture of a receipt is mostly bare paper, and the others cost more time
-  // than they save in bytes.
+  // The lowest compression level: the picture of a receipt is mostly empty paper, so the other
+  // levels cost more time than their smaller files are worth.
   stream_->works = deflateInit(&stream_->deflate, 1) == Z_OK;
   startPiece();
   Bytes header;
@@ -58,7 +58,7 @@ void PngWriter::chunk(const char* type, ByteView data) {
   addNumber(file_, static_cast<std::uint32_t>(sum));
 }
 
-// Pieces of the file are written when they are full, and at the end.
+// Writes a piece of the file whenever one is full, and at the end.
 void PngWriter::compress(ByteView data, bool last) {
   z_stream& deflate = stream_->deflate;
   deflate.next_in = const_cast<Bytef*>(data.data());

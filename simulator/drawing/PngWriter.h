@@ -8,11 +8,11 @@
 
 namespace quordalvane::simulator {
 
-/// Colours 0x00RRGGBB, one for each value of a dot.
+/// The colour 0x00RRGGBB for each value of a dot.
 using Palette = std::array<std::uint32_t, 256>;
 
-/// Writes a picture of one byte a dot as a PNG file, row by row, so that a picture of any length
-/// takes no more memory than its file.
+/// Writes a picture of one byte a dot as a PNG file, row by row. So even a very long picture needs
+/// no more memory than its file.
 class PngWriter {
  public:
   PngWriter(unsigned width, unsigned height, const Palette& palette);
@@ -20,10 +20,11 @@ class PngWriter {
   PngWriter(const PngWriter&) = delete;
   PngWriter& operator=(const PngWriter&) = delete;
 
-  /// Adds the next row, of the picture's width.
+  /// Adds the next row, which must be as wide as the picture.
   void add(ByteView row);
 
-  /// The file, after the last row; empty if it could not be made, as without memory.
+  /// Returns the file; to be called after the last row. Empty if it could not be created, for
+  /// example for lack of memory.
   Bytes finish();
 
  private:

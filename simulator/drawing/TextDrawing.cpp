@@ -17,7 +17,7 @@ namespace {
 
 constexpr double cellWidth = 12;
 constexpr double cellHeight = 24;
-constexpr double fontSize = 20;  // fills such a cell with most monospaced fonts
+constexpr double fontSize = 20;  // fills a cell with most monospaced fonts
 constexpr std::size_t mostCached = std::size_t{4} << 20U;  // bytes of glyphs
 
 struct GlyphKey {
@@ -33,8 +33,8 @@ struct GlyphKey {
   }
 };
 
-// The font caches live until the program ends. They are freed then, so that a leak checker reports
-// nothing; nobody draws any more by that time.
+// The font caches live until the program ends, when nobody draws any more. They are freed then, so
+// that a leak checker reports nothing.
 struct FontCaches {
   ~FontCaches() {
     cairo_debug_reset_static_data();
@@ -52,7 +52,7 @@ struct Deleter {
 template <typename Type>
 using Owned = std::unique_ptr<Type, Deleter>;
 
-// The family that has the character, a monospaced one if there is one.
+// A font family that has the character; a monospaced one, if possible.
 std::string familyFor(char32_t character) {
   const Owned<FcPattern> wanted(FcPatternCreate());
   const Owned<FcCharSet> set(FcCharSetCreate());
@@ -111,7 +111,7 @@ Plane glyphOf(const GlyphKey& key) {
   return glyph;
 }
 
-/// The glyphs that were drawn lately: most of a receipt repeats a few dozen.
+/// The glyphs that were drawn last: most of a receipt repeats a few dozen of them.
 class GlyphCache {
  public:
   const Plane& glyph(const GlyphKey& key) {
@@ -127,7 +127,7 @@ class GlyphCache {
     return glyphs_.emplace(key, glyphOf(key)).first->second;
   }
 
-  std::mutex mutex;  // for whoever draws
+  std::mutex mutex;  // to be held while drawing
 
  private:
   FontCaches fonts_;
