@@ -5,7 +5,7 @@
 
 namespace quordalvane::bench {
 
-/// One side of a connection by bare system calls: the limit that a library can reach.
+/// One end of a connection, by direct system calls: the limit that a library can reach.
 class BareLink {
  public:
   /// Takes over a connected descriptor and makes it non-blocking.
@@ -14,26 +14,26 @@ class BareLink {
   BareLink(const BareLink&) = delete;
   BareLink& operator=(const BareLink&) = delete;
 
-  /// Write, poll, read: until `reply` has been filled.
+  /// Writes the request, then polls and reads until `reply` is full.
   void exchange(std::span<const std::uint8_t> request, std::span<std::uint8_t> reply);
 
-  /// Writes as much at once as the system takes, and polls if it takes nothing.
+  /// Writes all bytes, as many at a time as the system takes. Polls while it takes none.
   void write(std::span<const std::uint8_t> bytes);
 
-  /// Waits for bytes as long as that; true if there are any.
+  /// Waits at most `milliseconds` for bytes. Returns true if there are any.
   bool poll(int milliseconds) const;
 
-  /// The count that was read; 0 if there is nothing.
+  /// Returns the count of bytes that were read; 0 if there are none.
   std::size_t read(std::span<std::uint8_t> bytes);
 
  private:
   const int descriptor_;
 };
 
-/// The exchanges of one ESC/POS status.
+/// Exchanges the bytes of one ESC/POS status query.
 void exchangeEscposStatus(BareLink& link);
 
-/// The exchange of one line-mode status.
+/// Exchanges the bytes of one line-mode status query.
 void exchangeLineStatus(BareLink& link);
 
 }  // namespace quordalvane::bench

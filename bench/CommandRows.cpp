@@ -1,4 +1,4 @@
-// The command, from its start to its end, beside a receipt on a port that is open already.
+// A whole run of the command, compared with a receipt on a port that is already open.
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -29,7 +29,7 @@ std::vector<std::uint8_t> receipt() {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// Starts `quorport print` and says nothing of its words.
+/// Starts `quorport print` and discards its output.
 pid_t startPrint(const std::string& device, const ReceiptKind& kind) {
   const std::string emulation = kind.emulation == ZKEmulationESCPOS ? "escpos" : "line";
   std::vector<std::string> words = {QUOR_BENCH_COMMAND, "-d", device, "-e", emulation, "print",
@@ -65,7 +65,8 @@ Row rowOf(const ReceiptKind& kind) {
   constexpr int runs = 5;
   const auto endpoint = makeEndpoint(Medium::Tcp);
   const auto openEndpoint = makeEndpoint(Medium::Tcp);
-  std::unique_ptr<ReceiptPrinter> printer;  // joined last: it runs until the other side has closed
+  std::unique_ptr<ReceiptPrinter> printer;  // joined last, because it runs until the other side has
+                                            // closed
   OpenPort port(openEndpoint->device(), kind.emulation);
   printer = std::make_unique<ReceiptPrinter>(openEndpoint->accept(), Core::First, kind.confirms);
   const auto data = receipt();
@@ -74,7 +75,7 @@ Row rowOf(const ReceiptKind& kind) {
       throw std::runtime_error("a receipt was not confirmed");
     }
   };
-  print();  // once, so that the printer has been asked for its proof
+  print();  // first once, so that the printer has been asked for its proof
   const auto pairs = alternate(
       [&] {
         Figures seconds;

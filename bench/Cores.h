@@ -4,13 +4,13 @@
 
 namespace quordalvane::bench {
 
-/// Two of the cores that this process may run on; the same one twice if there is no other.
+/// Two of the cores on which this process may run; the same one twice if there is only one.
 enum class Core { First, Second };
 
-/// Binds the calling thread to a core, and with it the threads that it starts.
+/// Binds the calling thread, and the threads that it starts, to a core.
 void bindTo(Core core);
 
-/// Binds the calling thread to a core for as long as it lives.
+/// Binds the calling thread to a core during the lifetime of this object.
 class Bound {
  public:
   explicit Bound(Core core);

@@ -9,8 +9,8 @@
 
 namespace quordalvane::bench {
 
-/// Many open line-mode ports over TCP, each with a port thread, and a peer that answers them all.
-/// To be made on the main thread, without which there are no port threads.
+/// Many open line-mode ports over TCP, each with a port thread, and a peer that answers all of
+/// them. Must be created on the main thread, because otherwise the ports have no threads.
 class Crowd {
  public:
   Crowd(int count, Core peerCore);
@@ -28,7 +28,7 @@ class Crowd {
   std::vector<std::shared_ptr<ExternalAccessoryPort>> ports_;
 };
 
-/// Raises the limit of this process's descriptors as far as the system allows.
+/// Raises this process's limit of open descriptors as far as the system allows.
 void allowManyDescriptors();
 
 }  // namespace quordalvane::bench

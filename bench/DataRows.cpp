@@ -23,7 +23,7 @@ namespace {
 constexpr std::size_t kibibyte = 1024;
 constexpr std::size_t mebibyte = 1024 * kibibyte;
 
-/// A peer that takes everything, and signals when it has counted the expected bytes.
+/// A peer that reads everything, and signals when the expected count of bytes has arrived.
 class DrainingPeer {
  public:
   explicit DrainingPeer(Core core) : peer_(core) {}
@@ -39,7 +39,8 @@ class DrainingPeer {
     });
   }
 
-  /// Seconds from the beginning of `send`, which sends so many bytes, until all have arrived.
+  /// Returns the seconds from the start of `send`, which sends `bytes` bytes, until all have
+  /// arrived.
   template <typename Send>
   double secondsFor(std::size_t bytes, Send send) {
     missing_ = bytes;
@@ -56,7 +57,7 @@ class DrainingPeer {
   Peer peer_;
 };
 
-/// A port and a bare link that print to a draining peer each.
+/// A port and a bare link, each of which prints to a draining peer of its own.
 struct Drains {
   explicit Drains(Medium medium)
       : peer(Core::First),
@@ -84,7 +85,7 @@ void print(OpenPort& port, std::span<const std::uint8_t> data) {
   }
 }
 
-/// The throughput of jobs of one size, in MiB/s, in the middle of some megabytes' worth of them.
+/// The median throughput of jobs of one size, in MiB/s, over some megabytes of jobs.
 Pairs<double> throughput(Drains& drains, std::span<const std::uint8_t> data) {
   const auto mebibytes = static_cast<double>(data.size()) / static_cast<double>(mebibyte);
   const int jobs = data.size() > mebibyte ? 3 : 31;
@@ -104,7 +105,7 @@ Pairs<double> throughput(Drains& drains, std::span<const std::uint8_t> data) {
   return alternate([&] { return rate(ours); }, [&] { return rate(limit); });
 }
 
-/// A job fills every buffer that it allocates once, so the bytes allocated are the bytes copied.
+/// Counts copied bytes by allocated bytes: a job fills each of its buffers exactly once.
 Row copiedBytes(const std::string& where, OpenPort& port, DrainingPeer& peer,
                 std::span<const std::uint8_t> data) {
   Allocations taken;
@@ -125,7 +126,7 @@ void printDataOver(Medium medium, const std::string& where, Rows& rows) {
   rows.push_back(copiedBytes(where, drains.port, drains.peer, all));
 }
 
-/// Reads bytes that a peer has sent before, so that no read waits.
+/// Reads bytes that the peer has already sent, so that no read waits.
 class ReadAhead {
  public:
   static constexpr std::size_t portion = 32 * kibibyte;
@@ -172,7 +173,7 @@ class ReadAhead {
   const int bareFeed_;
 };
 
-/// The rate at which a portion is read, in MiB/s, in the middle of 1 MiB.
+/// The median rate of reading a portion, in MiB/s, over 1 MiB.
 template <typename Feed, typename Read>
 double readingRate(Feed feed, Read read) {
   Figures seconds;

@@ -101,7 +101,7 @@ class LocalEndpoint final : public Endpoint {
   std::string path_;
 };
 
-/// There is one connection at a time, and the printer's end of it is there from the beginning.
+/// A terminal has one connection at a time. The printer's end of it exists from the beginning.
 class TerminalEndpoint final : public Endpoint {
  public:
   TerminalEndpoint() {

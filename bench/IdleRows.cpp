@@ -1,4 +1,4 @@
-// The cost of many open ports while nothing happens, and of a status among them.
+// The cost of many open ports while nothing happens, and of a status query on one of them.
 
 #include <malloc.h>
 #include <sys/resource.h>
@@ -20,7 +20,7 @@ using namespace std::chrono_literals;
 
 constexpr int portCount = 1000;
 
-/// Threads that do the least that a port thread must do: they wait in slices of 0.1 s.
+/// Threads that do only what every port thread must do: they wait in slices of 0.1 s.
 class BareThreads {
  public:
   explicit BareThreads(int count) {
@@ -80,10 +80,10 @@ double residentKibibytes() {
 struct Idle {
   double coreShare;  // in hundredths of a core
   double wakeUps;    // of one thread in a second
-  double kibibytes;  // of one thread, or one port and its thread
+  double kibibytes;  // of one thread, or of one port with its thread
 };
 
-/// The cost of the crowd that `make` makes; only its threads run meanwhile.
+/// Measures the objects that `make` creates, while no other threads run.
 template <typename Make>
 Idle idleWith(Make make, int count) {
   constexpr double seconds = 1;

@@ -1,4 +1,4 @@
-// The cost of a job's name: the journal's share, beside the same rows committed by SQLite alone.
+// The cost of a job's name: the time of the journal, compared with SQLite alone on the same rows.
 
 #include <sqlite3.h>
 #include <sys/syscall.h>
@@ -25,7 +25,7 @@ namespace {
 constexpr int jobs = 100;
 const ByteBuffer receipt(450, 'x');
 
-/// A folder on the disk of the current one: files in memory are never synced.
+/// A folder on the disk of the current folder: files in memory are never synced.
 class Folder {
  public:
   Folder() : path_((std::filesystem::current_path() / "bench-journal-XXXXXX").string()) {
@@ -43,7 +43,7 @@ class Folder {
   std::string path_;
 };
 
-/// A printer in this process, which prints in no time.
+/// A printer in this process, which prints without taking time.
 class Till {
  public:
   Till() : platform_(std::make_shared<test::VirtualPlatform>()) {
@@ -86,7 +86,7 @@ void execute(const Database& database, const std::string& sql) {
   }
 }
 
-/// The rows of jobs under a name, committed by SQLite alone.
+/// Commits the rows of jobs under a name by SQLite alone.
 class BareRows {
  public:
   explicit BareRows(const std::string& file) : database_(nullptr, sqlite3_close) {
@@ -97,7 +97,8 @@ class BareRows {
     execute(database_, "PRAGMA synchronous = FULL");
   }
 
-  /// The same two commits: the row that begins the job with its seal, then both replaced.
+  /// Makes the same two commits as the journal: the first writes the row that begins the job and
+  /// its seal, the second replaces both.
   void commit(int job) {
     execute(database_, "BEGIN IMMEDIATE;" + rowOf(job, "NULL, '', 0") + seal + "COMMIT");
     execute(database_, "BEGIN IMMEDIATE; DELETE FROM attempt WHERE name = '" + nameOf(job) + "';" +
@@ -120,12 +121,12 @@ class BareRows {
 };
 
 struct Cost {
-  double milliseconds;  // of what a name adds to a job
+  double milliseconds;  // that a name adds to a job
   double jobsASecond;
 };
 
-/// Both sides by turns, job by job: a disk that others use is slow for seconds on end, and each
-/// side must meet it as often.
+/// Measures both sides in turn, job by job. A disk that other programs use can be slow for seconds,
+/// which must affect both sides alike.
 void measureOnce(Pairs<Cost>& pairs) {
   const Folder folder;
   const Folder bareFolder;
@@ -150,8 +151,8 @@ void measureOnce(Pairs<Cost>& pairs) {
   pairs.limit.push_back({.milliseconds = median(bare) * 1000, .jobsASecond = 1 / median(bare)});
 }
 
-/// How often a job has the disk synced. `Store` is opened in a copy of this process, whose end
-/// closes it: a file that is closed is synced once more.
+/// How often a job syncs the disk. `Store` is opened in a copy of this process; when the copy ends,
+/// its file is closed and synced once more.
 template <typename Store, typename Commit>
 double syncsOfAJob(Commit commit) {
   const auto syncsOf = [&](int count) {

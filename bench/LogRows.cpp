@@ -28,7 +28,7 @@ constexpr double nanosecond = 1e9;
 constexpr double millisecond = 1e3;
 constexpr std::size_t queueSize = LogQueue::defaultCapacity;
 
-/// Counts the records that reach it. Handles the first ones slowly if that is asked for.
+/// Counts the records that arrive. If asked to, handles the first ones slowly.
 class Destination {
  public:
   void take(std::size_t records) {
@@ -46,7 +46,7 @@ class Destination {
 
 class OurSink final : public LogSink, public Destination {
  public:
-  /// The delivery's own records, which report drops, are not among those that were logged.
+  /// Records that the logger itself adds to report drops are not counted.
   void write(std::span<const LogRecord> records) override {
     const auto logged = std::count_if(records.begin(), records.end(), [](const LogRecord& record) {
       return record.type != ZKLogTypeError;
@@ -62,7 +62,7 @@ class TheirSink final : public spdlog::sinks::base_sink<spdlog::details::null_mu
   void flush_() override {}
 };
 
-/// Our logger, on, with its writer on the second core.
+/// Our logger, turned on, with its writer on the second core.
 class OurLogger {
  public:
   explicit OurLogger(std::size_t capacity = queueSize) {
@@ -98,8 +98,8 @@ class OurLogger {
   LogStatistics before_{};
 };
 
-/// The same text with the same fields by an asynchronous logger of good name that keeps its newest
-/// records when it is overrun; its writer is on the second core as well.
+/// Logs the same text and fields by a well-known asynchronous logger, which keeps its newest
+/// records if it is overrun. Its writer is also on the second core.
 class TheirLogger {
  public:
   explicit TheirLogger(std::size_t capacity = queueSize) {
@@ -115,7 +115,7 @@ class TheirLogger {
                  number, 10);
   }
 
-  /// The cheapest form: no argument is evaluated before the level is checked.
+  /// The cheapest form: the level is checked before any argument is evaluated.
   void logIfWanted(std::int64_t number) const {
     if (logger_->should_log(spdlog::level::info)) {
       log(number);
@@ -128,7 +128,7 @@ class TheirLogger {
     while (pool_->queue_size() > 0) {
       std::this_thread::sleep_for(1ms);
     }
-    std::this_thread::sleep_for(1ms);  // the last one has left the queue before it arrives
+    std::this_thread::sleep_for(1ms);  // the last record leaves the queue before it arrives
   }
   Destination& destination() { return *sink_; }
   std::uint64_t dropped() const { return pool_->overrun_counter(); }
@@ -139,8 +139,7 @@ class TheirLogger {
   std::shared_ptr<spdlog::async_logger> logger_;
 };
 
-/// The schedule of a load: `bursts` times `size` records at once, each burst `every` after the
-/// last.
+/// A load: `bursts` bursts of `size` records at once, each `every` after the previous one.
 struct Load {
   const char* name;
   int bursts;
@@ -160,13 +159,13 @@ void awaitInstant(SteadyClock::time_point instant) {
   }
 }
 
-/// The cost of reading the clock before and after a call.
+/// The cost of reading the clock before and after a call, in seconds.
 double secondsOfMeasuring() {
   constexpr int looks = 10'000;
   return median(secondsOfEach(looks, [] {}));
 }
 
-/// How long each call of the load takes, in seconds.
+/// The duration of each call of the load, in seconds.
 template <typename Logger>
 Figures secondsOfCalls(const Load& load, const Logger& logger) {
   Figures seconds;
@@ -217,7 +216,7 @@ void addRowsOf(const Load& load, Rows& rows) {
                   .limit = sum(drops.limit)});
 }
 
-/// The same with so many threads that log at once.
+/// Measures the load on `count` threads that log at the same time.
 template <typename Logger>
 CallerView viewOfMany(const Load& load, int count) {
   Logger logger;
@@ -239,7 +238,7 @@ CallerView viewOfMany(const Load& load, int count) {
 
 struct StallView {
   double longest;
-  double unaccounted;  // records neither delivered nor counted as dropped
+  double unaccounted;  // records that were neither delivered nor counted as dropped
 };
 
 template <typename Logger>
@@ -256,7 +255,7 @@ StallView viewOfStall() {
                          static_cast<double>(logger.dropped())};
 }
 
-/// Runs one registered benchmark after the other and keeps the last figure.
+/// Runs the registered benchmarks one after another and keeps the last result.
 class LastFigure final : public benchmark::BenchmarkReporter {
  public:
   bool ReportContext(const Context& /*context*/) override { return true; }

@@ -11,7 +11,7 @@ inline constexpr int pairCount = 5;
 
 using Figures = std::vector<double>;
 
-/// The value below which `share` of the figures lie: 0 is the lowest, 0.5 the median, 1 the
+/// The value below which `share` of the figures lie: 0 means the lowest, 0.5 the median, 1 the
 /// highest.
 double quantile(Figures figures, double share);
 double median(Figures figures);
@@ -26,8 +26,8 @@ struct Pairs {
   std::vector<Result> limit;
 };
 
-/// Runs both sides in turn, each first as often as the other as far as the count allows, so that
-/// other work of the machine affects both.
+/// Measures both sides in turn and alternates which is first, so that other work on the machine
+/// affects both alike.
 template <typename Ours, typename Limit>
 auto alternate(Ours measureOurs, Limit measureLimit) {
   Pairs<std::invoke_result_t<Ours>> pairs;
@@ -43,7 +43,7 @@ auto alternate(Ours measureOurs, Limit measureLimit) {
   return pairs;
 }
 
-/// One member of each result.
+/// The values of one member of all results.
 template <typename Result>
 Figures figuresOf(const std::vector<Result>& results, double Result::*member) {
   Figures figures;
@@ -58,7 +58,7 @@ Pairs<double> figuresOf(const Pairs<Result>& pairs, double Result::*member) {
   return {.ours = figuresOf(pairs.ours, member), .limit = figuresOf(pairs.limit, member)};
 }
 
-/// How many seconds `body` takes.
+/// The duration of `body`, in seconds.
 template <typename Body>
 double secondsOf(Body body) {
   const auto start = std::chrono::steady_clock::now();
@@ -66,7 +66,7 @@ double secondsOf(Body body) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-/// How many seconds each of `count` calls of `body` takes.
+/// The duration of each of `count` calls of `body`, in seconds.
 template <typename Body>
 Figures secondsOfEach(int count, Body body) {
   Figures seconds;

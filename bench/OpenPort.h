@@ -7,16 +7,16 @@
 
 namespace quordalvane::bench {
 
-/// A port that is open as long as this lives. Its time-out is ten seconds.
+/// A port that is open during the lifetime of this object. Its time-out is ten seconds.
 class OpenPort {
  public:
-  /// Throws std::runtime_error when the port cannot be opened.
+  /// Throws std::runtime_error if the port cannot be opened.
   OpenPort(const std::string& device, ZKEmulation emulation);
   ~OpenPort();
   OpenPort(const OpenPort&) = delete;
   OpenPort& operator=(const OpenPort&) = delete;
 
-  /// One status; throws std::runtime_error if the printer gives none.
+  /// Queries one status. Throws std::runtime_error if the printer gives none.
   void getStatus();
 
   ExternalAccessoryPort& operator*() { return *port_; }
@@ -27,7 +27,7 @@ class OpenPort {
   const std::shared_ptr<ExternalAccessoryPort> port_;
 };
 
-/// A port to `device`, on a platform of its own that knows no other; not open yet.
+/// Creates a port to `device`, without opening it, on a platform that has no other device.
 std::shared_ptr<ExternalAccessoryPort> makePort(const std::string& device, ZKEmulation emulation);
 
 }  // namespace quordalvane::bench

@@ -17,10 +17,10 @@ const std::vector<std::uint8_t> escposQueries[3] = {
 
 namespace {
 
-/// The last three bytes that arrived; an answer depends on them alone.
+/// The last three bytes that arrived: the answer depends only on them.
 class Requests {
  public:
-  /// The reply to the request that `byte` completes; empty if it completes no request.
+  /// Returns the reply to the request that `byte` completes; empty if it completes none.
   std::span<const std::uint8_t> replyTo(std::uint8_t byte) {
     last_ = (last_ << 8U | byte) & 0xffffffU;
     if (last_ == 0x1b0601) {
@@ -33,7 +33,7 @@ class Requests {
   std::uint32_t last_ = 0;
 };
 
-/// One read and the answers to it. False at the end of the connection.
+/// Reads once, and answers. Returns false at the end of the connection.
 bool answerOnce(int descriptor, Requests& requests, std::chrono::microseconds delay) {
   std::array<std::uint8_t, 4096> buffer;
   const ssize_t count = ::read(descriptor, buffer.data(), buffer.size());
@@ -50,7 +50,7 @@ bool answerOnce(int descriptor, Requests& requests, std::chrono::microseconds de
   return true;
 }
 
-/// Whether anything arrived before the other side ended the connection.
+/// Returns true if any byte arrived before the other side ended the connection.
 bool answerUntilItsEnd(int descriptor, std::chrono::microseconds delay) {
   Requests requests;
   bool anyCame = false;
@@ -105,7 +105,7 @@ void Peer::answerEach(std::vector<int> descriptors) {
       epoll_event awaited{.events = EPOLLIN, .data = {.fd = descriptor}};
       ::epoll_ctl(events, EPOLL_CTL_ADD, descriptor, &awaited);
     }
-    Requests requests;  // one for all: each is asked whole requests, one at a time
+    Requests requests;  // one for all connections: each asks whole requests, one at a time
     for (std::size_t open = descriptors.size(); open > 0;) {
       epoll_event event{};
       if (::epoll_wait(events, &event, 1, -1) == 1 && !answerOnce(event.data.fd, requests, {})) {

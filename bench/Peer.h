@@ -12,15 +12,16 @@
 
 namespace quordalvane::bench {
 
-/// The requests and replies of the exchanges that are measured.
+/// The requests and replies of the measured exchanges.
 extern const std::vector<std::uint8_t> lineStatusRequest;  // 13 bytes
 extern const std::vector<std::uint8_t> lineStatusReply;    // 9 bytes
 extern const std::vector<std::uint8_t> dataCancelEnd;      // 6 bytes, without a reply
 extern const std::vector<std::uint8_t> escposQueries[3];   // 3 bytes each
-inline constexpr std::uint8_t escposReply = 0x12;          // to each of them
+inline constexpr std::uint8_t escposReply = 0x12;          // the reply to each of them
 
-/// A printer's end of one connection, on a thread of its own that blocks in `read`. It runs until
-/// the other side ends the connection, and is waited for at the end: it must outlive that side.
+/// The printer's end of one connection, on a thread of its own that blocks in `read`. The thread
+/// runs until the other side ends the connection, and the destructor waits for it. So this must
+/// outlive the other side.
 class Peer {
  public:
   explicit Peer(Core core) : core_(core) {}
@@ -28,17 +29,17 @@ class Peer {
   Peer(const Peer&) = delete;
   Peer& operator=(const Peer&) = delete;
 
-  /// Answers status requests of both emulations, each `delay` after it arrived.
+  /// Answers status requests of both emulations, each after `delay`.
   void answer(int descriptor, std::chrono::microseconds delay = {});
 
-  /// Takes all connections that are made to the endpoint, which must outlive this, one after the
-  /// other, and answers on each. Ends with the first read that returns no byte.
+  /// Accepts all connections to the endpoint, one after another, and answers on each. Ends if a
+  /// connection closes without sending a byte. The endpoint must outlive this.
   void answerAll(Endpoint& endpoint);
 
-  /// Answers on many connections by turns.
+  /// Answers on many connections in turn.
   void answerEach(std::vector<int> descriptors);
 
-  /// Takes all that arrives and calls `taken` with the size of each piece.
+  /// Reads everything that arrives, and calls `taken` with the size of each piece.
   void drain(int descriptor, std::function<void(std::size_t)> taken);
 
  private:
@@ -48,7 +49,7 @@ class Peer {
   std::thread thread_;
 };
 
-/// Sends all of `bytes` by blocking calls; false if the other side has ended.
+/// Sends all bytes by blocking calls. Returns false if the other side has ended the connection.
 bool sendAll(int descriptor, std::span<const std::uint8_t> bytes);
 
 }  // namespace quordalvane::bench

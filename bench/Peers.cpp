@@ -37,7 +37,7 @@ double read(FILE* output) {
   return seconds;
 }
 
-/// The result of `measure` for an endpoint whose printer answers each connection.
+/// Calls `measure` with an endpoint whose printer answers every connection.
 template <typename Measure>
 double microsecondsAt(Measure measure) {
   const auto endpoint = makeEndpoint(Medium::Tcp);
@@ -48,12 +48,12 @@ double microsecondsAt(Measure measure) {
   return seconds * microsecond;
 }
 
-/// The script measures by itself, since its start is no part of a status.
+/// The script measures itself, because its start is not part of a status query.
 double secondsOfScript(const std::string& port) {
   return read(run("python3 " QUOR_BENCH_PEERS "/status_script.py " + port + " 1000").get());
 }
 
-/// From the start of the command to the last of its three bytes.
+/// Measures from the start of the command to the last of its three bytes.
 double secondsOfCommand(const std::string& port, const std::string& program) {
   constexpr int runs = 5;
   const std::string command = QUOR_BENCH_PEERS "/status_command.sh " + program + " " + port;

@@ -1,4 +1,5 @@
-// The bars: how much of the limit's figure ours is, on a scale on which each step is a doubling.
+// Draws a bar for each row: our figure as a part of the limit's, on a scale that doubles with each
+// step.
 
 #include <algorithm>
 #include <cmath>
@@ -14,7 +15,7 @@ constexpr int top = 56;
 constexpr int textWidth = 430;
 constexpr int stepWidth = 40;
 constexpr int stepsDown = 4;  // the scale begins at 1/16 of the limit
-constexpr int stepsUp = 4;    // to sixteen times it
+constexpr int stepsUp = 4;    // and ends at sixteen times the limit
 constexpr int width = textWidth + stepWidth * (stepsDown + stepsUp) + 190;
 
 double placeOf(double ratio) {

@@ -1,5 +1,6 @@
-// A long page of raster on its way to the printer, beside reading and writing the same page bare.
-// Each side is a process of its own, so that neither finds memory that the other has left.
+// The rendering of a long raster page for the printer, compared with only reading and writing the
+// page. Each side runs in a process of its own, so that neither uses memory that the other has
+// freed.
 
 #include <cups/raster.h>
 #include <sys/mman.h>
@@ -63,7 +64,8 @@ class Raster {
   cups_raster_t* const handle_;
 };
 
-// As much ink as a receipt of text has: strokes 2 dots wide with a grey edge, in lines of 30 rows.
+// Writes a page with as much ink as a receipt of text: strokes of 2 dots with a grey edge, in lines
+// of 30 rows.
 void writePage(int descriptor) {
   const Raster raster(descriptor, CUPS_RASTER_WRITE_PWG);
   cups_page_header2_t header{};
@@ -133,7 +135,7 @@ double processorSeconds() {
   return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
 }
 
-// A line of this process's status, in bytes.
+// The value of a line in /proc/self/status, in bytes.
 double memory(const std::string& name) {
   std::ifstream status("/proc/self/status");
   for (std::string word; status >> word;) {
@@ -147,14 +149,14 @@ double memory(const std::string& name) {
 }
 
 Cost costOf(const std::function<void()>& body) {
-  std::ofstream("/proc/self/clear_refs") << "5";  // the peak begins anew
+  std::ofstream("/proc/self/clear_refs") << "5";  // resets the peak of memory use
   const double before = memory("VmRSS");
   const double began = processorSeconds();
   body();
   return {.seconds = processorSeconds() - began, .bytes = memory("VmHWM") - before};
 }
 
-// In a process of its own.
+// Measures in a process of its own.
 Cost costApart(const std::function<void()>& body) {
   int ends[2];
   if (::pipe(ends) != 0) {

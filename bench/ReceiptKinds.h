@@ -5,13 +5,13 @@
 
 namespace quordalvane::bench {
 
-/// A kind of printer, by the way in which it confirms a receipt.
+/// A kind of printer, distinguished by how it confirms a receipt.
 struct ReceiptKind {
   const char* name;
   ReceiptPrinter::Confirms confirms;
   ZKEmulation emulation;
-  const char* keys;        ///< of a device whose printer is known
-  const char* goalOfSign;  ///< how soon the sign is to be seen
+  const char* keys;        ///< of the device, if its proof is known beforehand
+  const char* goalOfSign;  ///< how soon the port must notice the confirmation
 };
 
 inline constexpr ReceiptKind receiptKinds[] = {

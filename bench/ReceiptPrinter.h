@@ -12,18 +12,19 @@
 
 namespace quordalvane::bench {
 
-/// A printer's end of one connection that prints at once, or after a while, and confirms its print.
-/// It runs until the other side ends the connection, and is waited for at the end: it must outlive
-/// that side.
+/// The printer's end of one connection. It prints at once, or after a delay, and confirms its
+/// print. It runs until the other side ends the connection, and the destructor waits for that. So
+/// this must outlive the other side.
 class ReceiptPrinter {
  public:
   using Instant = std::chrono::steady_clock::time_point;
 
-  /// By which it confirms a job; a printer that counts marks (17) is in line mode.
+  /// How it confirms a job. A printer that confirms by `Count`, a count of marks (17 hex), is in
+  /// line mode.
   enum class Confirms { Count, Report, ProcessId, InOrder };
 
-  /// The bytes that it received up to an answer, and the answer, which the last turn of a job may
-  /// lack.
+  /// The bytes that it received before an answer, and that answer. The last turn of a job may have
+  /// no answer.
   struct Turn {
     std::vector<std::uint8_t> heard;
     std::vector<std::uint8_t> answer;
@@ -35,14 +36,13 @@ class ReceiptPrinter {
   ReceiptPrinter(const ReceiptPrinter&) = delete;
   ReceiptPrinter& operator=(const ReceiptPrinter&) = delete;
 
-  /// Begins the record of a job anew.
+  /// Begins the record of a new job.
   void forget();
 
-  /// The bytes received and the answers since then.
+  /// The bytes and answers since the last `forget`.
   std::vector<Turn> turns() const;
 
-  /// When the first byte of a receipt was heard, and when the printer was first done with the job.
-  /// @{
+  /// When the first byte of a receipt arrived, and when the printer first had printed the job.
   Instant heardDataAt() const { return heardDataAt_; }
   Instant confirmedAt() const { return confirmedAt_; }
   /// @}
@@ -59,9 +59,9 @@ class ReceiptPrinter {
   const int descriptor_;
   const Confirms confirms_;
   const std::chrono::milliseconds printingTime_;
-  std::vector<std::uint8_t> last_;  // the latest bytes, as far as a command can reach back
-  std::vector<std::uint8_t> sign_;  // to be given when the job is printed
-  std::uint8_t marks_ = 0;          // to be counted when the job is printed
+  std::vector<std::uint8_t> last_;  // the last bytes, enough for the longest command
+  std::vector<std::uint8_t> sign_;  // sent when the job is printed
+  std::uint8_t marks_ = 0;          // counted when the job is printed
   std::uint8_t counter_ = 0;
   std::atomic<Instant> printedAt_ = Instant::max();
   std::atomic<Instant> heardDataAt_ = Instant();
@@ -71,7 +71,7 @@ class ReceiptPrinter {
   std::thread thread_;
 };
 
-/// The first byte of the receipts that are printed here; no command has it.
+/// The first byte of the receipts that are printed here; no command contains it.
 inline constexpr std::uint8_t firstOfReceipt = 'R';
 
 }  // namespace quordalvane::bench

@@ -1,4 +1,4 @@
-// A receipt that the printer confirms, beside the bare exchange of the same bytes.
+// A receipt that the printer confirms, compared with a bare exchange of the same bytes.
 
 #include <algorithm>
 #include <array>
@@ -29,7 +29,7 @@ std::vector<std::uint8_t> receipt() {
   return data;
 }
 
-/// An open port to a printer, and a bare link to another one of its kind.
+/// An open port to one printer, and a bare link to another printer of the same kind.
 struct Counters {
   explicit Counters(const ReceiptKind& kind, std::chrono::milliseconds printingTime = {})
       : endpoint(makeEndpoint(Medium::Tcp)),
@@ -46,7 +46,7 @@ struct Counters {
 
   const std::unique_ptr<Endpoint> endpoint;
   const std::unique_ptr<Endpoint> bareEndpoint;
-  // Joined last: a printer runs until its other side has ended.
+  // Joined last, because a printer runs until its other side has ended.
   std::unique_ptr<ReceiptPrinter> printer;
   std::unique_ptr<ReceiptPrinter> barePrinter;
   OpenPort port;
@@ -59,7 +59,7 @@ void print(OpenPort& port, std::span<const std::uint8_t> data) {
   }
 }
 
-/// The turns up to the receipt's first byte.
+/// The turns before the first byte of the receipt.
 std::vector<ReceiptPrinter::Turn> questionsOf(std::vector<ReceiptPrinter::Turn> turns) {
   std::size_t count = 0;
   for (const auto& turn : turns) {
@@ -72,7 +72,8 @@ std::vector<ReceiptPrinter::Turn> questionsOf(std::vector<ReceiptPrinter::Turn> 
   return turns;
 }
 
-/// The same bytes by system calls alone: each turn is one write, and the wait for its answer.
+/// Exchanges the same bytes by direct system calls: for each turn it writes once and waits for the
+/// answer.
 void exchange(BareLink& bare, const std::vector<ReceiptPrinter::Turn>& turns) {
   std::array<std::uint8_t, 64> answer;
   for (const auto& turn : turns) {
@@ -84,7 +85,7 @@ void exchange(BareLink& bare, const std::vector<ReceiptPrinter::Turn>& turns) {
   }
 }
 
-/// How long after the begin of `run` the printer hears the first byte.
+/// The seconds from the start of `run` until the printer receives the first byte.
 double secondsToFirstByte(Counters& counters, std::span<const std::uint8_t> data) {
   const auto start = std::chrono::steady_clock::now();
   print(counters.port, data);
@@ -96,7 +97,7 @@ void addRowsOf(const ReceiptKind& kind, Rows& confirmed, Rows& firstByte) {
   const Bound bound(Core::First);
   Counters counters(kind);
   const auto data = receipt();
-  print(counters.port, data);  // once, so that nothing is measured that is made but once
+  print(counters.port, data);  // first once, so that work that is done only once is not measured
   counters.printer->forget();
   print(counters.port, data);
   const auto turns = counters.printer->turns();

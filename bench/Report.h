@@ -7,14 +7,14 @@
 
 namespace quordalvane::bench {
 
-/// The rows and the growth as tables for people.
+/// Write the rows, or the growth, as a table for people.
 void writeTable(std::ostream& out, const Rows& rows);
 void writeTable(std::ostream& out, const GrowthTable& table);
 
-/// The rows for programs.
+/// Writes the rows as JSON.
 void writeJson(std::ostream& out, const Rows& rows);
 
-/// The rows as a picture of bars: ours against the limit.
+/// Writes the rows as a picture of bars, which compare our figures with the limits.
 void writePicture(std::ostream& out, const Rows& rows);
 
 }  // namespace quordalvane::bench

@@ -9,7 +9,7 @@
 
 namespace quordalvane::bench {
 
-/// The subject of a row, as the report shows it.
+/// The description of a row in the report.
 struct Heading {
   std::string id;
   std::string what;
@@ -17,22 +17,22 @@ struct Heading {
   std::string unit;
 };
 
-/// How far the ratios of the pairs lie apart.
+/// How far the ratios of the pairs differ.
 struct Spread {
   double median;
   double lowest;
   double highest;
 };
 
-/// One line of the report: ours beside the limit that was measured with it.
+/// One line of the report: our figure, and the limit that was measured with it.
 struct Row {
   Heading heading;
   double ours = 0;
   double limit = 0;
   std::optional<Spread> spread = std::nullopt;  // empty if the figures do not vary
-  std::map<std::string, double> peers = {};     // other ways to the same end, in the row's unit
+  std::map<std::string, double> peers = {};     // other ways to do the same, in the row's unit
 
-  /// 1 if both sides are zero.
+  /// Our figure divided by the limit; 1 if both are zero.
   double ratio() const { return ours == limit ? 1 : ours / limit; }
 };
 
@@ -40,17 +40,17 @@ using Rows = std::vector<Row>;
 
 enum class Best { Lowest, Highest };
 
-/// The best figure of each side, times `scale`, and the spread of the pairs.
+/// A row with the best figure of each side, times `scale`, and with the spread of the pairs.
 Row comparedRow(Heading heading, const Pairs<double>& pairs, Best best, double scale = 1);
 
-/// A cost as work grows: one line for each amount of work.
+/// A cost that depends on the amount of work: one line for each amount.
 struct GrowthTable {
   std::string title;
   std::vector<std::string> columns;
   std::vector<std::vector<std::string>> lines;
 };
 
-/// A figure with as many decimals as are worth reading.
+/// A figure with as many decimals as are useful.
 std::string figure(double value);
 
 }  // namespace quordalvane::bench

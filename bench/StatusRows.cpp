@@ -1,4 +1,4 @@
-// The cost of a status beyond the exchange of its bytes.
+// The time of a status query that is added to the exchange of its bytes.
 
 #include <string>
 #include <utility>
@@ -16,7 +16,7 @@ namespace {
 constexpr double microsecond = 1e6;
 constexpr double millisecond = 1e3;
 
-/// A port and a bare link, each to an answering peer of its own.
+/// A port and a bare link, each with an answering peer of its own.
 struct Sides {
   Sides(Medium medium, ZKEmulation emulation, Core peerCore)
       : peer(peerCore),

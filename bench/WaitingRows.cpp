@@ -1,4 +1,4 @@
-// The waits: for a late reply, for a reply that is never sent, and those around a connection.
+// Waiting times: for a late reply, for a reply that is never sent, and around a connection.
 
 #include <sys/resource.h>
 #include <unistd.h>
@@ -21,7 +21,7 @@ using namespace std::chrono_literals;
 
 constexpr double millisecond = 1e3;
 
-/// A port and a bare link to peers that answer late.
+/// Compares a port with a bare link, both with peers that answer late.
 Row lateReplyRow(Heading heading, ZKEmulation emulation, std::chrono::microseconds delay,
                  void (*exchange)(BareLink&)) {
   constexpr int exchanges = 11;
@@ -60,7 +60,8 @@ Silence silenceOf(Wait wait) {
   return {.seconds = seconds, .coreShare = 100 * (processorSeconds() - before) / seconds};
 }
 
-/// A status asked twice, with ten slices and ten pauses each, as a port asks a silent device.
+/// Asks twice for a status, each time with ten slices and ten pauses, as a port does with a silent
+/// device.
 void askSilentDevice(BareLink& bare) {
   for (int attempt = 0; attempt < 2; ++attempt) {
     bare.write(lineStatusRequest);
@@ -78,8 +79,7 @@ void askSilentDevice(OpenPort& port) {
   }
 }
 
-/// The pauses of `open` and `close` by their contracts: 0.1 s each, in `close` on newer systems
-/// alone.
+/// The documented pauses of `open` and `close`: 0.1 s each. `close` pauses only on newer systems.
 double namedPauses(const ExternalAccessoryPort& port) {
   const bool closePauses = std::stof(port.platform().currentDevice().systemVersion()) >= 10;
   return closePauses ? 0.2 : 0.1;
@@ -113,7 +113,7 @@ Rows lateReplies() {
 
 Rows silentDevice() {
   const Bound bound(Core::First);
-  const auto endpoint = makeEndpoint(Medium::Tcp);  // it accepts connections by itself
+  const auto endpoint = makeEndpoint(Medium::Tcp);  // the system accepts connections by itself
   const auto ours = [&] {
     OpenPort port(endpoint->device(), ZKEmulationQuorLine);
     return silenceOf([&] { askSilentDevice(port); });

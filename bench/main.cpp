@@ -18,7 +18,7 @@ struct Group {
   Rows (*measure)();
 };
 
-// The rows that measure memory run first, while no freed memory can be used again.
+// The rows that measure memory are first: later there is freed memory, which would be used again.
 constexpr std::array groups = {
     Group{"B9", idlePorts},
     Group{"B21", longPage},
@@ -87,8 +87,9 @@ void report(const Options& options, const Rows& rows) {
   }
 }
 
-/// Other work on the machine falls on both sides alike, but the longest of a thousand calls shows
-/// it. Refused to ordinary users, for whom it makes no difference but that.
+/// Raises the priority of this process. Other work on the machine affects both sides alike, but it
+/// shows in the longest of a thousand calls. For ordinary users the system refuses this, and only
+/// that row differs.
 void standBackForNobody() {
   ::setpriority(PRIO_PROCESS, 0, -20);
 }

@@ -1,6 +1,6 @@
 #!/bin/sh
-# An ESC/POS status as a shell asks for it. Usage: status_command.sh socat|nc PORT
-# The three status bytes go to standard output.
+# Queries an ESC/POS status as a shell would, and writes its three bytes to standard output. Usage:
+# status_command.sh socat|nc PORT
 case $1 in
   socat) set -- socat - "TCP:127.0.0.1:$2,nodelay" ;;
   nc) set -- nc -w 1 127.0.0.1 "$2" ;;

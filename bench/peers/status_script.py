@@ -1,6 +1,6 @@
-"""An ESC/POS status as a short script asks for it. Usage: status_script.py PORT CYCLES
+"""Queries an ESC/POS status as a short script would. Usage: status_script.py PORT CYCLES
 
-Prints the median time of one status in seconds.
+Prints the median time of one query in seconds.
 """
 
 import socket
