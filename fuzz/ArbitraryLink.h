@@ -5,9 +5,10 @@
 
 namespace quordalvane::fuzz {
 
-/// A link whose printer answers anything. The rest of the input is a list of pieces. A piece begins
-/// with a byte for its request (or for no request: it is sent unasked) and its delay, and a byte
-/// for its length of up to 63. A second piece for a request is the answer to its second sending.
+/// A link whose printer answers anything. The rest of the input is a list of pieces. Each begins
+/// with two bytes. The first names the request that the piece answers, or none if it is sent
+/// without a request, and the delay; the second is the length, up to 63. A second piece for a
+/// request answers it when it is repeated.
 inline test::Script arbitraryLink(Input& input) {
   using test::bytes;
   static const Bytes requests[] = {

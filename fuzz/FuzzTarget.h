@@ -5,9 +5,9 @@
 #include <cstdlib>
 #include <vector>
 
-// Every fuzz target includes this: the entry point, which is called with each input, and `require`
-// for its conditions. A target is linked with a fuzzing engine, or with replay.cpp, which feeds it
-// files.
+// Every fuzz target includes this file. It declares the entry point, which is called with each
+// input, and `require`, which checks a condition. A target is linked with a fuzzing engine, or with
+// replay.cpp, which reads inputs from files.
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
@@ -15,7 +15,7 @@ namespace quordalvane::fuzz {
 
 using Bytes = std::vector<std::uint8_t>;
 
-/// Aborts the program unless the condition holds; fuzzing engines and ctest notice that.
+/// Aborts the program unless `holds` is true; fuzzing engines and ctest notice that.
 inline void require(bool holds) {
   if (!holds) {
     std::abort();

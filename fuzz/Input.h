@@ -10,7 +10,8 @@
 
 namespace quordalvane::fuzz {
 
-/// Takes an input apart from its front. After its end, numbers are zero and texts are empty.
+/// Reads an input from its beginning, piece by piece. After its end, numbers are zero and texts are
+/// empty.
 class Input {
  public:
   Input(const std::uint8_t* data, std::size_t size) : left_(data, size) {}
@@ -22,7 +23,7 @@ class Input {
     return one.empty() ? std::uint8_t{0} : one.front();
   }
 
-  /// At most `most` bytes.
+  /// Returns the next bytes, at most `most`.
   Bytes bytes(std::size_t most) {
     const auto taken = left_.first(std::min(most, left_.size()));
     left_ = left_.subspan(taken.size());
@@ -31,7 +32,7 @@ class Input {
 
   Bytes rest() { return bytes(left_.size()); }
 
-  /// The text up to the next zero byte; takes the zero as well.
+  /// Returns the text before the next zero byte, and skips that byte.
   std::string text() {
     const auto length = std::find(left_.begin(), left_.end(), 0) - left_.begin();
     const Bytes taken = bytes(static_cast<std::size_t>(length));

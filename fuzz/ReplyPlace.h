@@ -9,7 +9,7 @@
 
 namespace quordalvane::fuzz {
 
-/// The place of a reply parser's field.
+/// The position of a field in a reply.
 struct Place {
   std::int32_t location;
   std::int32_t length;
@@ -22,7 +22,8 @@ inline Bytes joined(Bytes one, const Bytes& other) {
   return one;
 }
 
-/// The parser's answer on a heap copy of the exact size; empty if it found nothing.
+/// The position that the parser finds; empty if it finds none. The parser reads from a heap block
+/// of the exact size, so that a sanitizer notices every byte read too many.
 template <typename Parser>
 std::optional<Place> placeIn(Parser parser, const Bytes& bytes) {
   const auto exact = std::make_unique<std::uint8_t[]>(bytes.size());
@@ -37,8 +38,9 @@ std::optional<Place> placeIn(Parser parser, const Bytes& bytes) {
   return place;
 }
 
-/// Requires that the surroundings do not matter: a NUL before the bytes moves the field by one, a
-/// NUL after them does not move it, and the parser always finds a whole reply after them.
+/// Requires that the surroundings do not affect the parser. A zero byte before the bytes moves the
+/// field by one; a zero byte after them does not move it; a complete reply after them is always
+/// found.
 template <typename Parser>
 void requireSteady(Parser parser, const Bytes& bytes, const Bytes& wholeReply) {
   auto place = placeIn(parser, bytes);

@@ -3,9 +3,9 @@
 
 using namespace quordalvane;
 
-/// The reply of the Bluetooth module. The first byte says how many characters are wanted, and
-/// whether they follow a title. The rest is the reply; bytes 80 divide it into pieces. Port and
-/// model must agree in everything.
+/// Tests replies of the Bluetooth module. The first byte sets how many characters are requested,
+/// and whether they follow a title. The rest is the reply, divided into pieces by bytes 80 (hex).
+/// The port and its model must agree in everything.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::Input input(data, size);
   const std::uint8_t how = input.byte();

@@ -7,7 +7,7 @@
 using namespace quordalvane;
 using fuzz::require;
 
-/// The input is a text that may hold an address. The search must find the first match of a regular
+/// The input is a text that may contain an address. The search must find the same as a regular
 /// expression for addresses.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const std::regex address(

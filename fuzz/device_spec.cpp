@@ -20,7 +20,7 @@ std::string escaped(const std::string& text) {
   return result;
 }
 
-/// The texts of a device, written out as a user would.
+/// Writes the device text that a user would type for this device.
 std::string written(const DeviceSpec& spec) {
   std::string text = spec.scheme + ":" + escaped(spec.place);
   const auto add = [&text](const char* key, const std::string& value) {
@@ -45,8 +45,8 @@ void requireSame(const DeviceSpec& one, const DeviceSpec& other) {
 
 }  // namespace
 
-/// The input is a device as a user types it. It is read and presented, or refused with a text that
-/// can be shown; nothing is connected.
+/// The input is a device text. It must be read and presented, or refused with a printable text.
+/// Nothing is connected.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static test::VirtualPlatform platform;
   const std::string text(data, data + size);

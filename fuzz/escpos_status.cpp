@@ -5,8 +5,8 @@
 using namespace quordalvane;
 using fuzz::require;
 
-/// The first four bytes are the query, the others the record. An invalid answer changes nothing; a
-/// valid one sets flags to 0 or 1 and does not change the reply.
+/// The first four bytes are the query, the others the record. An invalid reply must change nothing.
+/// A valid one must set flags only to 0 or 1, and must not be changed itself.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::uint32_t query = 0;
   if (size < sizeof query) {

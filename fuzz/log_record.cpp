@@ -7,8 +7,9 @@
 using namespace quordalvane;
 using fuzz::require;
 
-/// The input is the texts of a record, each up to a zero; the rest is the message. Both forms are
-/// one line without a control character, and the JSON line gives a valid text back unchanged.
+/// The input is the texts of a record, each ended by a zero byte; the rest is the message. The text
+/// form and the JSON form must each be one line without control characters. The JSON must return
+/// every valid text unchanged.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::Input input(data, size);
   const std::string method = input.text();

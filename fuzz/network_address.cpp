@@ -18,8 +18,8 @@ std::string written(const std::string& host, std::uint16_t port) {
 
 }  // namespace
 
-/// The input is an address that a user types, to connect to or to listen at. An address that is
-/// read can be written and read again; the text of a refusal is printable.
+/// The input is an address, to connect to or to listen at. An address that was read must be the
+/// same after it is written and read again. The text of a refusal must be printable.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string text(data, data + size);
   try {
@@ -34,7 +34,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   if (const auto address = tool::parseListenAddress(text)) {
     require(!address->host.empty());
-    // Nobody but this machine, unless a host is named.
+    // Without a host it must listen for this machine only.
     const bool namesHost = text.rfind(':') != std::string::npos && text.rfind(':') > 0;
     require(namesHost || address->host == "127.0.0.1");
   }

@@ -24,9 +24,9 @@ test::Scenario scenarioFrom(fuzz::Input& input) {
 
 }  // namespace
 
-/// The first byte chooses the operation, the next two the settings of the port, the rest the
-/// answers of the printer. Port and model must agree in everything: result, record, properties,
-/// every call, every pause, every log record.
+/// The first byte chooses the operation, the next two the settings of the port, and the rest the
+/// printer's replies. The port and its model must agree in everything: result, record, properties,
+/// and every call, pause and log record.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const std::vector<test::Call> calls = test::allCalls();
   fuzz::Input input(data, size);

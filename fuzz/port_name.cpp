@@ -41,8 +41,9 @@ bool isPrinter(EAAccessory& accessory) {
 
 }  // namespace
 
-/// Texts, each up to a zero: the port name, and an accessory's name, serial number, model, maker
-/// and address. The accessory is opened if it is designated and a printer, and never otherwise.
+/// The input is texts, each ended by a zero byte: the port name, and an accessory's name, serial
+/// number, model, maker and address. The accessory must be opened if the port name matches it and
+/// it is a printer, and otherwise not.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::Input input(data, size);
   const std::string portName = input.text();

@@ -9,7 +9,7 @@ using fuzz::require;
 
 namespace {
 
-/// The number after the first d that has one, if it is 0 to 255; -1 otherwise.
+/// The number after the first d that is followed by digits, if it is 0 to 255; otherwise -1.
 std::int64_t expectedDataTimeout(const std::string& settings) {
   constexpr auto digits = "0123456789";
   std::size_t start = settings.find('d');
@@ -32,7 +32,7 @@ std::int64_t expectedDataTimeout(const std::string& settings) {
 
 }  // namespace
 
-/// The input is the settings.
+/// The input is a settings text; the port must read the expected number from it.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const auto platform = std::make_shared<test::VirtualPlatform>();
   const std::string settings(data, data + size);

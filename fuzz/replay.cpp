@@ -1,5 +1,5 @@
-// Feeds a fuzz target the files of the folders given, for compilers without a fuzzing engine. Fails
-// if there is no file, so that a lost corpus is not taken for a good one.
+// Calls a fuzz target with the files of the given folders, for compilers without a fuzzing engine.
+// Fails if there is no file, so that a missing corpus is noticed.
 
 #include <algorithm>
 #include <filesystem>
@@ -16,11 +16,11 @@ namespace {
 void feed(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   const std::string content{std::istreambuf_iterator<char>(file), {}};
-  // In its exact size on the heap: the address sanitizer then sees a read of one byte too many.
+  // A heap block of the exact size: the address sanitizer then notices every byte read too many.
   const auto exact = std::make_unique<std::uint8_t[]>(content.size());
   std::copy(content.begin(), content.end(), exact.get());
   std::cout << path.string()
-            << std::endl;  // flushed, so that a crash has its file's name before it
+            << std::endl;  // flushed, so that the name of the file is shown before a crash
   LLVMFuzzerTestOneInput(exact.get(), content.size());
 }
 
