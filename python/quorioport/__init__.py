@@ -1,12 +1,12 @@
-"""Talks to receipt printers and knows whether the receipt was printed.
+"""Prints on receipt printers, and knows whether the receipt was printed.
 
     from quorioport import Port
 
     with Port("tcp:192.0.2.10:9100") as port:
         print(port.print(b"THE CORNER BAKERY\\n\\n\\n").outcome)
 
-Time is in seconds. Every operation of a port runs on a thread of that port, so a port may be used
-from any thread, and Ctrl-C ends a wait. `AsyncPort` has the same operations for asyncio.
+Times are in seconds. Each port has a thread of its own, which runs its operations. So a port may be used from any
+thread, and Ctrl-C ends a wait. `AsyncPort` has the same operations for asyncio.
 """
 
 from quorioport.aio import AsyncPort, AsyncPrintJob

@@ -1,4 +1,4 @@
-"""The operations of one port as plain calls; the thread that uses them is the caller's matter."""
+"""The operations of one port as plain calls. The caller must make all of them on one thread at a time."""
 
 from __future__ import annotations
 
@@ -13,12 +13,12 @@ from quorioport.status import Status, StatusRecord, status_of
 
 LONGEST = 2**32 - 1  # milliseconds
 
-# A port chooses among the devices that are connected when it is created, and these are the process's.
+# A new port chooses among the connected devices, and the library has one list of them for the whole process.
 _creation = threading.Lock()
 
 
 def milliseconds(seconds: float, name: str) -> int:
-    """A time for the library."""
+    """Converts seconds to the library's milliseconds."""
     if not 0 <= seconds <= LONGEST / 1000:
         raise UsageError(f"{name} is {seconds} s; it must be 0 to {LONGEST // 1000} s")
     return round(seconds * 1000)
@@ -39,7 +39,7 @@ class Configuration:
 
 
 class Handle:
-    """A port of the library, from its opening to its close."""
+    """One port of the library, from its creation to its close."""
 
     def __init__(self, configuration: Configuration) -> None:
         self._configuration = configuration
@@ -48,14 +48,14 @@ class Handle:
 
     @property
     def created(self) -> ctypes.c_void_p:
-        """The library's handle; raises OperationError if there is none."""
+        """The library's handle. Raises OperationError if there is none."""
         if not self._port:
             raise OperationError("the port is not open")
         return self._port
 
     @property
     def raw(self) -> ctypes.c_void_p:
-        """The library's handle; raises OperationError if the port is not open."""
+        """The library's handle. Raises OperationError if the port is not open."""
         self.require_open()
         return self._port
 
@@ -79,7 +79,7 @@ class Handle:
             raise
 
     def create(self) -> None:
-        """Creates the library's port, which is not open; does nothing if there is one."""
+        """Creates the library's port without opening it. Does nothing if it exists."""
         if self._port:
             return
         it = self._configuration

@@ -1,4 +1,4 @@
-"""The C library of the journal; loaded by the first journal, for programs that keep none need not install it."""
+"""The C library of the journal. It is loaded by the first Journal, so programs without one need not install it."""
 
 from __future__ import annotations
 
@@ -30,7 +30,7 @@ WAITING = ctypes.CFUNCTYPE(None, ctypes.c_void_p)
 
 
 class Request(ctypes.Structure):
-    """The name of a job, and how to treat it."""
+    """The name of a job, and how it is to be printed."""
 
     _fields_ = [
         ("name", ctypes.c_char_p),
@@ -66,7 +66,7 @@ OTHERS: dict[str, tuple[object, tuple[object, ...]]] = {
 
 @functools.cache
 def load() -> None:
-    """Makes the journal's functions known; the library lies beside that of the port."""
+    """Loads the journal's library, which is beside the port's, and declares its functions."""
     name = os.environ.get("QUORIOPORT_LIBRARY", "libQuorIOPort.so.0").replace("QuorIOPort", "QuorJournal")
     try:
         c.add(ctypes.CDLL(name), CODES, OTHERS)

@@ -1,7 +1,7 @@
 """The C library: how it is found, its prototypes, and its error codes as exceptions.
 
-ctypes and not a compiled module: the package is then the same for every Python and needs no compiler, and a
-call takes far less time than an exchange with a printer.
+It is called by ctypes, not by a compiled module. So one package serves every version of Python and needs no compiler,
+and a call takes far less time than an exchange with a printer.
 """
 
 from __future__ import annotations
@@ -61,7 +61,7 @@ LENGTH = ctypes.POINTER(SIZE)
 TEXT_OUT = (TEXT, SIZE, LENGTH)
 STATUS = ctypes.POINTER(StatusRecord)
 
-# Functions that return a code, with their arguments.
+# The functions that return a code, with their arguments.
 CODES: dict[str, tuple[object, ...]] = {
     "connect_devices": (ctypes.POINTER(TEXT), SIZE),
     "port_create": (TEXT, TEXT, UNSIGNED, INT, ctypes.POINTER(HANDLE)),
@@ -93,7 +93,7 @@ CODES: dict[str, tuple[object, ...]] = {
     "log_set_target_levels": (ctypes.POINTER(INT), SIZE),
 }
 
-# Functions that return something else.
+# The functions that return another value.
 OTHERS: dict[str, tuple[object, tuple[object, ...]]] = {
     "last_error": (TEXT, ()),
     "version": (TEXT, ()),
@@ -117,7 +117,7 @@ functions: dict[str, Callable[..., object]] = {}
 def add(
     library: ctypes.CDLL, codes: dict[str, tuple[object, ...]], others: dict[str, tuple[object, tuple[object, ...]]]
 ) -> None:
-    """Makes the functions of a library known: those that return a code, and the others with their results."""
+    """Declares the functions of a library: those that return a code, and the others with their results."""
     results: dict[str, tuple[object, tuple[object, ...]]] = {name: (INT, types) for name, types in codes.items()}
     for name, (result, arguments) in (results | others).items():
         found = getattr(library, f"quor_{name}")
@@ -126,7 +126,7 @@ def add(
 
 
 def load() -> None:
-    """Loads the library that QUORIOPORT_LIBRARY names, or the system's."""
+    """Loads the library that QUORIOPORT_LIBRARY names; without that variable, the system's."""
     name = os.environ.get("QUORIOPORT_LIBRARY", "libQuorIOPort.so.0")
     try:
         add(ctypes.CDLL(name), CODES, OTHERS)
@@ -152,7 +152,7 @@ def integer(name: str, *arguments: object) -> int:
 
 
 def check(code: int) -> int:
-    """Raises the error of a code below 0, with the library's text; otherwise returns the code."""
+    """Raises the error of a negative code, with the library's text. Returns any other code."""
     if code >= 0:
         return code
     said = function("last_error")()
@@ -163,12 +163,12 @@ def check(code: int) -> int:
 
 
 def call(name: str, *arguments: object) -> int:
-    """Calls a function that returns a code; raises its error."""
+    """Calls a function that returns a code. Raises the error of a negative code."""
     return check(integer(name, *arguments))
 
 
 def text_of(name: str, handle: ctypes.c_void_p) -> str:
-    """The text that a function hands out; "" if there is none."""
+    """The text that a function returns; "" if there is none."""
     length = SIZE()
     capacity = 256
     while True:

@@ -1,4 +1,4 @@
-"""One thread for each port: whoever calls, the library sees one caller."""
+"""A thread for each port: whoever calls, the library is called by this thread only."""
 
 from __future__ import annotations
 
@@ -12,7 +12,7 @@ Result = TypeVar("Result")
 
 
 class Worker:
-    """A thread that runs one call after the other. Starts with the first call."""
+    """A thread that runs one call after another. It starts with the first call."""
 
     def __init__(self) -> None:
         self._pool = ThreadPoolExecutor(max_workers=1, thread_name_prefix="quorioport")
@@ -20,17 +20,18 @@ class Worker:
     def submit(
         self, function: Callable[Parameters, Result], *args: Parameters.args, **kwargs: Parameters.kwargs
     ) -> Future[Result]:
-        """Has the thread call the function."""
+        """Runs the function on the thread, and returns at once."""
         return self._pool.submit(function, *args, **kwargs)
 
     def call(
         self, function: Callable[Parameters, Result], *args: Parameters.args, **kwargs: Parameters.kwargs
     ) -> Result:
-        """Calls the function on the thread and waits for it; Ctrl-C ends the wait, not the function."""
+        """Runs the function on the thread, and waits for it. Ctrl-C ends the wait, not the function."""
         return self.submit(function, *args, **kwargs).result()
 
     async def wait(
         self, function: Callable[Parameters, Result], *args: Parameters.args, **kwargs: Parameters.kwargs
     ) -> Result:
-        """The same for asyncio: other tasks run meanwhile, and a cancelled wait leaves the function running."""
+        """As `call`, for asyncio: other tasks run during the wait, and cancelling the wait does not stop the function.
+        """
         return await asyncio.shield(asyncio.wrap_future(self.submit(function, *args, **kwargs)))

@@ -1,4 +1,4 @@
-"""The same port for asyncio. Nothing blocks the loop: each call runs on the port's own thread."""
+"""A port for asyncio. It never blocks the loop: each call runs on the port's own thread."""
 
 from __future__ import annotations
 
@@ -19,7 +19,7 @@ class AsyncPort:
         async with AsyncPort("tcp:192.0.2.10:9100") as port:
             result = await port.print(receipt)
 
-    A task that is cancelled while it prints cancels the job, and ends after the job has.
+    If a task is cancelled while it prints, it cancels the job, and ends after the job has ended.
     """
 
     def __init__(
@@ -61,7 +61,7 @@ class AsyncPort:
 
     @property
     def port(self) -> Port:
-        """The port itself; its operations block."""
+        """The Port that this uses; its operations block."""
         return self._port
 
     @property
@@ -145,7 +145,7 @@ class AsyncPort:
 
 
 class AsyncPrintJob:
-    """A PrintJob for asyncio; its `steps` are for `async for`."""
+    """A PrintJob for asyncio; its `steps` are used by `async for`."""
 
     def __init__(
         self, port: AsyncPort, *, proof: Proof = Proof.AUTO, progress: Callable[[Progress], object] | None = None
@@ -156,7 +156,7 @@ class AsyncPrintJob:
         self._progress = progress
         self._running: RunningJob | None = None
         self._is_cancelled = False
-        #: The result of the job; None before its end.
+        #: The result of the job; None until it ends.
         self.result: PrintResult | None = None
 
     async def run(self, data: bytes | bytearray | memoryview) -> PrintResult:

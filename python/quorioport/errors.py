@@ -1,4 +1,4 @@
-"""The errors of the package. Each has a text that says what was wrong."""
+"""The errors of the package. Each has a text that names the fault."""
 
 from __future__ import annotations
 
@@ -9,11 +9,11 @@ if TYPE_CHECKING:
 
 
 class QuorError(Exception):
-    """Base of all errors of this package."""
+    """The base class of all errors of this package."""
 
 
 class OperationError(QuorError):
-    """The operation was tried and did not succeed: no accessory, no answer, no space."""
+    """The operation failed: there is no accessory, no answer or no space."""
 
 
 class LinkLostError(QuorError):
@@ -21,7 +21,7 @@ class LinkLostError(QuorError):
 
 
 class UnreadableAnswerError(QuorError):
-    """Something answered, and not in the form of a printer's answer."""
+    """An answer arrived that is not in the form of a printer's answer."""
 
 
 class NotReadyError(QuorError):
@@ -29,7 +29,7 @@ class NotReadyError(QuorError):
 
 
 class UsageError(QuorError, ValueError):
-    """A value that is not allowed. Nothing was done."""
+    """A value is not allowed. Nothing was done."""
 
 
 class SystemFailureError(QuorError, OSError):
@@ -37,11 +37,11 @@ class SystemFailureError(QuorError, OSError):
 
 
 class JournalError(QuorError):
-    """The journal of jobs cannot be kept. Nothing was sent."""
+    """The journal of jobs cannot be used. Nothing was sent."""
 
 
 class NotPrintedError(QuorError):
-    """A job was not printed; `result` says what is known."""
+    """A job was not printed, or nobody knows; `result` has the details."""
 
     def __init__(self, result: PrintResult) -> None:
         """Keeps the result."""

@@ -23,26 +23,26 @@ if TYPE_CHECKING:
 class Outcome(Enum):
     """The outcome of a job."""
 
-    #: The printer confirmed that it has printed all of it.
+    #: The printer confirmed that it has printed all of the job.
     PRINTED = "printed"
-    #: Bytes were sent, and nothing proves that they were printed: sending them again may print twice.
+    #: Bytes were sent, and nothing proves that they were printed. Sending them again may print twice.
     UNCONFIRMED = "unconfirmed"
-    #: Nothing of the job was sent: sending it again is safe.
+    #: Nothing of the job was sent. Sending it again is safe.
     REFUSED = "refused"
 
 
 class Proof(Enum):
     """How a printer confirms a job."""
 
-    #: Not at all: it is not asked, and the job is unconfirmed at best.
+    #: It does not: the printer is not asked, and the job is unconfirmed at best.
     NONE = "none"
-    #: As `proof=` of the device says; otherwise the printer is asked before the job.
+    #: The key `proof=` of the device decides; without it, the printer is asked before the job.
     AUTO = "auto"
-    #: It counts marks before and after the data.
+    #: The printer counts marks before and after the data.
     BLOCK = "block"
-    #: It returns four random characters that end the job; ESC/POS alone.
+    #: The printer returns four random characters that end the job. Only in ESC/POS.
     PROCESS_ID = "process-id"
-    #: It answers a question that ends the job, in its turn; ESC/POS alone.
+    #: The printer answers a question after the data, when it has printed them. Only in ESC/POS.
     IN_ORDER = "in-order"
 
 
@@ -57,7 +57,7 @@ class Obstacle(Enum):
     NO_PROOF = "no proof"
 
 
-# By the numbers of the C interface.
+# In the order of their numbers in the C interface.
 OUTCOMES = (Outcome.PRINTED, Outcome.UNCONFIRMED, Outcome.REFUSED)
 OBSTACLES = tuple(Obstacle)
 PROOFS = tuple(Proof)
@@ -65,12 +65,14 @@ PROOFS = tuple(Proof)
 
 @dataclass(frozen=True)
 class Progress:
-    """The progress of a job: reported as it begins, after each piece, as it ends, and if the printer pauses or continues."""
+    """The progress of a job. It is reported at the beginning, after each piece, at the end, and when the printer pauses
+    or continues.
+    """
 
-    #: How many bytes the link has taken.
+    #: How many bytes the link has accepted.
     bytes_accepted: int
     bytes_total: int
-    #: Why the printer has paused, "cover open" for example; "" while it has not.
+    #: Why the printer has paused, for example "cover open"; "" if it has not.
     waits_for: str
 
 
@@ -80,21 +82,21 @@ class PrintResult:
 
     outcome: Outcome
     obstacle: Obstacle
-    #: The proof that was used; NONE for a printer that gives none, AUTO while it was not found.
+    #: The proof that was used. NONE if the printer gives none, AUTO if it is not known yet.
     proof: Proof
-    #: Why it was not printed, for a person; "" if it was.
+    #: Why the job was not printed, for people; "" if it was.
     reason: str
-    #: What to do next, for a person; "" if it was printed.
+    #: What to do next, for people; "" if the job was printed.
     advice: str
-    #: The exact number of bytes of the job that the link took.
+    #: The exact count of the job's bytes that the link accepted.
     bytes_accepted: int
     bytes_total: int
-    #: The last status, None if there was none.
+    #: The last status; None if there was none.
     status: Status | None
 
     @property
     def printed(self) -> bool:
-        """The printer confirmed the job."""
+        """True if the printer confirmed the job."""
         return self.outcome is Outcome.PRINTED
 
     def raise_unless_printed(self) -> None:
@@ -104,14 +106,14 @@ class PrintResult:
 
 
 def bytes_of(data: bytes | bytearray | memoryview) -> bytes:
-    """The data to print; raises TypeError for a text."""
+    """The data as bytes. Raises TypeError for a str."""
     if isinstance(data, str):
         raise TypeError("a printer takes bytes: encode the text in the printer's code page")
     return bytes(data)
 
 
 class RunningJob:
-    """A job of the library: it runs once, on the thread that uses the port, and any thread may cancel it."""
+    """A job of the library. It runs once, on the port's thread; any thread may cancel it."""
 
     def __init__(self, progress: Callable[[Progress], object] | None, proof: Proof) -> None:
         """`progress` is called on the thread that runs the job."""
@@ -123,7 +125,7 @@ class RunningJob:
         self._is_cancelled = False
 
     def cancel(self) -> None:
-        """Abandons the job, also before it runs."""
+        """Cancels the job, even before it runs."""
         with self._lock:
             self._is_cancelled = True
             if self._job:
@@ -132,13 +134,13 @@ class RunningJob:
     def run(self, handle: Handle, data: bytes) -> PrintResult:
         """Prints the data over an open port.
 
-        An error of the progress function cancels the job and is raised after its end.
+        If the progress function raises an error, the job is cancelled, and the error is raised after it has ended.
         """
         handle.require_open()
         return self.run_with(handle, lambda job: c.call("print_job_run", job, data, len(data)))
 
     def run_with(self, handle: Handle, run: Callable[[ctypes.c_void_p], object]) -> PrintResult:
-        """Has `run` print with the library's job."""
+        """Calls `run` with the library's job, which it must print."""
         observer = c.PROGRESS(self._report)
         self._create(handle, observer)
         try:
@@ -167,7 +169,7 @@ class RunningJob:
             return
         try:
             self._progress(Progress(accepted, total, c.text_of("print_job_waits_for", self._job)))
-        except BaseException as failure:  # noqa: B902 - nothing may pass through the library
+        except BaseException as failure:  # noqa: B902 - nothing may be raised through the library
             self._failure = failure
             self.cancel()
 
@@ -187,7 +189,7 @@ class RunningJob:
 
 
 class PrintJob:
-    """One job for an open port. It is sent once, and never again by itself.
+    """A job for an open port. It is sent once, and never repeated automatically.
 
         job = PrintJob(port)
         for progress in job.steps(receipt):
@@ -198,28 +200,29 @@ class PrintJob:
     def __init__(
         self, port: Port, *, proof: Proof = Proof.AUTO, progress: Callable[[Progress], object] | None = None
     ) -> None:
-        """`proof` is how the printer is to confirm the job.
+        """`proof` sets how the printer confirms the job.
 
-        `progress` is called on the thread of the port; an error that it raises cancels the job.
+        `progress` is called on the port's thread. If it raises an error, the job is cancelled.
         """
         self._port = port
         self._proof = proof
         self._progress = progress
         self._running: RunningJob | None = None
         self._is_cancelled = False
-        #: The result of the job; None before its end.
+        #: The result of the job; None until it ends.
         self.result: PrintResult | None = None
 
     def run(self, data: bytes | bytearray | memoryview) -> PrintResult:
         """Prints the data and returns the result, within the time-outs of the port.
 
-        Ctrl-C cancels the job and is raised after the job has ended; `result` then says how. Raises OperationError
-        if the port is not open, UsageError if the job was run before.
+        Ctrl-C cancels the job, and is raised after the job has ended; `result` is then set. Raises OperationError if
+        the port is not open, and UsageError if the job has run before.
         """
         return self._finish(self._start(data, self._progress))
 
     def steps(self, data: bytes | bytearray | memoryview) -> Iterator[Progress]:
-        """Prints the data, and yields its progress; then `result` is set. Leaving the loop early cancels the job."""
+        """Prints the data and yields its progress; afterwards `result` is set. Leaving the loop early cancels the job.
+        """
         told: queue.SimpleQueue[Progress | None] = queue.SimpleQueue()
 
         def report(progress: Progress) -> None:
@@ -239,9 +242,9 @@ class PrintJob:
             self._finish(job)
 
     def cancel(self) -> None:
-        """Abandons the job within 0.3 s, also before it runs; any thread may do so.
+        """Cancels the job within 0.3 s, even before it runs. Any thread may call this.
 
-        The printer drops what it holds of the job, and the link is closed.
+        The printer drops the data of the job that it has not printed, and the link is closed.
         """
         self._is_cancelled = True
         if self._running is not None:

@@ -1,4 +1,4 @@
-"""Jobs under a name: each is on paper once, or a person is asked, even if the program is killed at any moment."""
+"""Jobs with names. Each is printed once, or a person is asked, even if the program is killed at any moment."""
 
 from __future__ import annotations
 
@@ -23,13 +23,13 @@ from quorioport.port import Port
 class JobState(Enum):
     """The state of a job in a journal."""
 
-    #: Nothing of it was sent in any attempt.
+    #: Nothing of the job was sent in any attempt.
     REFUSED = "refused"
-    #: Nobody knows whether it is on paper.
+    #: Nobody knows whether the job is on paper.
     UNCONFIRMED = "unconfirmed"
-    #: A process that lives prints it.
+    #: A process that still runs prints the job.
     PRINTING = "printing"
-    #: The printer confirmed it.
+    #: The printer confirmed the job.
     PRINTED = "printed"
 
 
@@ -45,32 +45,32 @@ class JobRecord:
     bytes: int
     attempts: int
     begun: datetime
-    #: None if its end was not recorded.
+    #: None if the end was not recorded.
     ended: datetime | None
     state: JobState
-    #: Why it was not printed, for a person; "" if it was.
+    #: Why the job was not printed, for people; "" if it was.
     reason: str
 
 
 @dataclass(frozen=True)
 class NamedResult(PrintResult):
-    """The result of a job under a name."""
+    """The result of a job with a name."""
 
-    #: The number of the attempt that decides; 0 before there is one.
+    #: The number of the attempt that this result is from, 1 for the first; 0 if there was none.
     attempt: int
-    #: The job was printed by an earlier call, and this one sent nothing.
+    #: True if an earlier call printed the job; this call sent nothing.
     repeated: bool
     #: Why the outcome could not be recorded; "" if it was.
     not_recorded: str
 
 
 def time_of(milliseconds_since_1970: int) -> datetime:
-    """A time of the journal's."""
+    """Converts a time of the journal."""
     return datetime.fromtimestamp(milliseconds_since_1970 / 1000, UTC)
 
 
 def record_of(row: Any) -> JobRecord:
-    """The record as a program of Python wants it."""
+    """Converts the library's record of a job."""
     return JobRecord(
         name=row.name.decode(),
         device=row.device.decode("utf-8", "replace"),
@@ -84,18 +84,19 @@ def record_of(row: Any) -> JobRecord:
 
 
 class Journal:
-    """The file in which jobs are recorded under their names. Many processes may use one file at once.
+    """A file that records jobs by their names. Many processes may use the same file at the same time.
 
         with Journal() as journal:
             result = journal.print("order-4217", receipt, Port("tcp:192.0.2.10:9100"))
 
-    Raises JournalError if the file cannot be kept; nothing is sent then. One thread at a time may use a journal.
+    Raises JournalError, and sends nothing, if the file cannot be used. A journal may be used by one thread at a time.
     """
 
     def __init__(self, file: str | os.PathLike[str] | None = None) -> None:
-        """Opens the file and makes it if it is not there.
+        """Opens the file, and creates it if it does not exist.
 
-        Without one it is quorport/jobs.db in $XDG_STATE_HOME, or in ~/.local/state: that of the command `quorport`.
+        The default is quorport/jobs.db in $XDG_STATE_HOME, or in ~/.local/state; the command `quorport` uses the same
+        file.
         """
         _journal.load()
         self._journal = c.HANDLE()
@@ -103,7 +104,7 @@ class Journal:
         c.call("journal_open", path, ctypes.byref(self._journal))
 
     def __enter__(self) -> Self:
-        """The journal is open already."""
+        """Does nothing: the journal is open already."""
         return self
 
     def __exit__(
@@ -113,31 +114,32 @@ class Journal:
         self.close()
 
     def close(self) -> None:
-        """Closes the file; harmless if it was closed."""
+        """Closes the file. Does nothing if it is closed."""
         c.function("journal_free")(self._journal)
         self._journal = c.HANDLE()
 
     @property
     def file(self) -> str:
-        """The path of the file, through all links."""
+        """The path of the file, with all links resolved."""
         return c.text_of("journal_file", self._raw)
 
     def jobs(self) -> list[JobRecord]:
-        """What is known of each job, by name."""
+        """All recorded jobs, sorted by name."""
         found: list[JobRecord] = []
         receive = _journal.ROW_FUNCTION(lambda _, row: found.append(record_of(row.contents)))
         c.call("journal_jobs", self._raw, receive, None)
         return found
 
     def forget(self, name: str) -> bool:
-        """Takes a job out: a later call under its name prints it, even if it is on paper. False if there is none.
+        """Removes a job: a later call with its name prints it again, even if it is on paper. Returns False if there is
+        none.
 
-        Raises OperationError while a process prints it.
+        Raises OperationError while a process prints the job.
         """
         return c.call("journal_forget", self._raw, name.encode()) == 0
 
     def forget_older_than(self, days: int) -> int:
-        """Takes out the jobs whose last attempt began more than so many days ago; returns how many."""
+        """Removes the jobs whose last attempt began more than `days` days ago. Returns their count."""
         if not 0 <= days < 2**32:
             raise UsageError(f"the number of days is {days}; it must be 0 or more")
         count = c.LONG()
@@ -155,15 +157,15 @@ class Journal:
         progress: Callable[[Progress], object] | None = None,
         timeout: float = 10,
     ) -> NamedResult:
-        """Prints the data under a name, once, and returns the result of this call or of an earlier one.
+        """Prints the data once under a name. Returns the result of this call, or of an earlier one.
 
-        "Begun" is on disk before the first byte goes out, and the outcome before this returns. A job of which nobody
-        knows whether it is on paper stays unconfirmed, and nothing is sent, unless `again` says that somebody has
-        looked. The port is opened when it is needed, and closed again if it was closed. Waits at most `timeout`
+        The beginning is on disk before the first byte is sent, and the outcome before this returns. If nobody knows
+        whether a job is on paper, it remains unconfirmed and nothing is sent, unless `again` says that a person has
+        looked. If the port is closed, it is opened when it is needed, and closed afterwards. Waits at most `timeout`
         seconds for another process that prints this job, and as long for another job on this printer.
 
-        Raises UsageError if the name is none, or is known with other data; OperationError if the printer cannot be
-        reached or another job has it; then nothing was sent, and the journal says so.
+        Raises UsageError if the name is invalid or belongs to other data. Raises OperationError if the printer cannot
+        be reached or another job uses it; then nothing was sent, and the journal records that.
         """
         if len(port.configuration.devices) != 1:
             raise UsageError("a job under a name is for a port of one device")
@@ -185,7 +187,7 @@ class Journal:
 
 
 class Named:
-    """One call under a name, for the thread of the port."""
+    """One call with a name, to be used on the port's thread."""
 
     def __init__(self, journal: ctypes.c_void_p, name: str, device: str, again: bool, timeout: int) -> None:
         """`timeout` is in milliseconds."""
@@ -197,7 +199,7 @@ class Named:
         )
 
     def run(self, handle: Handle, running: RunningJob, data: bytes) -> NamedResult:
-        """Claims the name, and prints unless the journal knows the outcome."""
+        """Reserves the name, and prints unless the journal already knows the outcome."""
         job = c.HANDLE()
         c.call("named_job_create", self._journal, ctypes.byref(self._request), data, len(data), ctypes.byref(job))
         try:
@@ -218,7 +220,7 @@ class Named:
 
     @contextmanager
     def _created(self, handle: Handle) -> Iterator[None]:
-        """The library's port is there within the block; an answered job does not open it."""
+        """Creates the library's port for the block, but does not open it: a known outcome needs no open port."""
         handle.create()
         try:
             yield
@@ -228,7 +230,9 @@ class Named:
 
     @contextmanager
     def _opened(self, job: ctypes.c_void_p, handle: Handle) -> Iterator[None]:
-        """The port is open within the block, in its turn; the journal says if it cannot be opened."""
+        """Waits for the printer's turn, and opens the port for the block. Records it in the journal if the port cannot
+        be opened.
+        """
         if handle.is_open:
             yield
             return

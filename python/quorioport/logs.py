@@ -1,4 +1,4 @@
-"""The library's diagnostic records in Python's logging."""
+"""Passes the library's diagnostic records to Python's logging."""
 
 from __future__ import annotations
 
@@ -17,10 +17,10 @@ ERROR = 7  # the type of a record
 def forward_log(
     logger: logging.Logger | None = None, levels: Sequence[int] = (0,)
 ) -> Iterator[logging.Logger]:
-    """Hands the library's records to a logger, "quorioport" unless given, until the block ends.
+    """Passes the library's records to a logger until the block ends; the default logger is "quorioport".
 
-    Errors have the level ERROR, everything else DEBUG. Records are made while a block like this is entered; of several
-    at once, each gets all records, and the latest decides on the library's own `levels`.
+    Errors have the level ERROR, all others DEBUG. The library writes records only within such a block. If several
+    blocks are active, each gets all records, and the latest one sets the library's own `levels`.
     """
     target = logger or logging.getLogger("quorioport")
 

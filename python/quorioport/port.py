@@ -1,4 +1,4 @@
-"""The port: one connection to one printer."""
+"""The port: a connection to one printer."""
 
 from __future__ import annotations
 
@@ -17,7 +17,7 @@ from quorioport.status import Status
 
 
 class Emulation(IntEnum):
-    """The command system that a port speaks with its printer."""
+    """The command system that the printer is set to."""
 
     UNKNOWN = 0
     #: The maker's line mode.
@@ -37,7 +37,7 @@ def configuration(
     hold_print_timeout: float | None = None,
     data_timeout: int | None = None,
 ) -> Configuration:
-    """The options of a port in the library's units; raises UsageError for one that is out of range."""
+    """The options of a port in the library's units. Raises UsageError if a value is out of range."""
     return Configuration(
         devices=(device,) if isinstance(device, str) else tuple(device),
         port_name=port_name,
@@ -53,11 +53,11 @@ def configuration(
 
 
 class Port:
-    """One connection to one printer. Opened by `with` or `open`; may be opened again after a close.
+    """A connection to one printer. `with` or `open` opens it; it may be opened again after a close.
 
-    Any thread may use it; calls from several threads take turns. A call that goes wrong raises an error of
-    `quorioport.errors`: LinkLostError if the link is lost, OperationError if there is no answer,
-    UnreadableAnswerError if something else than a printer answers.
+    Any thread may use it; calls from several threads take turns. A call that fails raises an error of
+    `quorioport.errors`: LinkLostError if the link is lost, OperationError if there is no answer, UnreadableAnswerError
+    if the answer is not a printer's.
     """
 
     def __init__(
@@ -72,13 +72,14 @@ class Port:
         hold_print_timeout: float | None = None,
         data_timeout: int | None = None,
     ) -> None:
-        """Nothing is connected yet.
+        """Creates the port without connecting it.
 
-        `device` is a text such as "tcp:192.0.2.10:9100", "usb:" or "virtual:"; of several, `port_name` chooses:
-        "BT:" for the first, "BT:" followed by a name, serial number or address for that one. Times are in seconds.
-        `timeout` is for each exchange with the printer, `end_timeout` for the printing of a job after its last byte
-        (None: as `timeout`), `hold_print_timeout` for paper to be taken from the exit. After `data_timeout` seconds
-        without data the printer drops an unfinished job: 0 is never, None its own setting.
+        `device` is a text such as "tcp:192.0.2.10:9100", "usb:" or "virtual:". If it is a list, `port_name` chooses:
+        "BT:" means the first, and "BT:" with a name, serial number or address means the device that has it. Times are
+        in seconds. `timeout` is for each exchange with the printer. `end_timeout` is for the printing of a job after
+        its last byte (None: as `timeout`). `hold_print_timeout` is for somebody to take paper from the exit. If a job
+        is unfinished, the printer drops it after `data_timeout` seconds without data; 0 means never, None means the
+        printer's own setting.
         """
         self.configuration = configuration(
             device,
@@ -105,10 +106,10 @@ class Port:
         self.close()
 
     def __del__(self) -> None:
-        """Closes a port that was forgotten, and says so."""
+        """Closes a port that the program did not close, and warns."""
         if self.is_open:
             warnings.warn("a port was not closed", ResourceWarning, stacklevel=2, source=self)
-            with suppress(RuntimeError):  # the interpreter ends, and takes no more work
+            with suppress(RuntimeError):  # the interpreter is ending and takes no more work
                 self._worker.submit(self._handle.close)
 
     @property
@@ -118,28 +119,28 @@ class Port:
 
     @property
     def handle(self) -> Handle:
-        """The library's port, for that thread."""
+        """The library's port, to be used on that thread."""
         return self._handle
 
     def open(self) -> None:
-        """Opens a session on the chosen printer; does nothing if the port is open.
+        """Connects to the chosen printer; does nothing if the port is open.
 
-        Raises UsageError for a text that is no device, OperationError if no printer matches or it cannot be reached.
+        Raises UsageError for an invalid device text, and OperationError if no printer matches or it cannot be reached.
         """
         self._worker.call(self._handle.open)
 
     def close(self) -> None:
-        """Ends the session after the operation under way; does nothing if the port is closed."""
+        """Closes the connection, after any running operation; does nothing if the port is closed."""
         self._worker.call(self._handle.close)
 
     @property
     def is_open(self) -> bool:
-        """True from a successful `open` to `close`, also if the link was lost meanwhile."""
-        handle: Handle | None = getattr(self, "_handle", None)  # none if a value was refused
+        """True from a successful `open` until `close`, even if the link is lost."""
+        handle: Handle | None = getattr(self, "_handle", None)  # None if the constructor refused a value
         return handle is not None and handle.is_open
 
     def is_connected(self) -> bool:
-        """True while the printer is attached."""
+        """True while the printer is connected."""
         return self._worker.call(self._handle.is_connected)
 
     def name(self) -> str:
@@ -147,11 +148,11 @@ class Port:
         return self._worker.call(self._handle.name)
 
     def serial_number(self) -> str:
-        """Its serial number; "" if it has none."""
+        """The serial number of the chosen printer; "" if it has none."""
         return self._worker.call(self._handle.serial_number)
 
     def connection_id(self) -> int:
-        """The number of the connection; 0 if it has none."""
+        """The number of the connection; 0 if there is none."""
         return self._worker.call(self._handle.connection_id)
 
     def print(
@@ -161,11 +162,11 @@ class Port:
         proof: Proof = Proof.AUTO,
         progress: Callable[[Progress], object] | None = None,
     ) -> PrintResult:
-        """Prints the data once, and returns the result; see PrintJob."""
+        """Prints the data once and returns the result; see PrintJob."""
         return PrintJob(self, proof=proof, progress=progress).run(data)
 
     def start_job(self, job: RunningJob, data: bytes) -> Future[PrintResult]:
-        """Has the port's thread run the job; for PrintJob."""
+        """Starts the job on the port's thread; for PrintJob."""
         return self._worker.submit(job.run, self._handle, data)
 
     def status(self) -> Status:
@@ -173,15 +174,15 @@ class Port:
         return self._worker.call(self._handle.status)
 
     def is_online(self) -> bool:
-        """Asks whether the printer is ready to print."""
+        """Asks the printer whether it is ready to print."""
         return self._worker.call(self._handle.is_online)
 
     def firmware(self) -> str:
-        """Asks for the firmware text; raises NotReadyError if the printer is off line."""
+        """Asks for the firmware's text. Raises NotReadyError if the printer is off line."""
         return self._worker.call(self._handle.firmware)
 
     def dip_switches(self) -> tuple[bytes, bytes]:
-        """Asks for the two bytes of bank 1 and those of bank 2."""
+        """Asks for the DIP switches: two bytes of bank 1 and two of bank 2."""
         return self._worker.call(self._handle.dip_switches)
 
     def button_security_timeout(self) -> float:
@@ -189,7 +190,7 @@ class Port:
         return self._worker.call(self._handle.button_security_timeout)
 
     def drop_all(self) -> None:
-        """Makes the printer drop the data that it has received and not printed."""
+        """Makes the printer drop all data that it has received but not printed."""
         self._worker.call(self._handle.drop_all)
 
     def disconnect(self) -> None:
@@ -197,14 +198,14 @@ class Port:
         self._worker.call(self._handle.disconnect)
 
     def write(self, data: bytes) -> int:
-        """Offers bytes to the link, waits 0.1 s at most, and returns how many it took, which may be 0.
+        """Sends bytes over the link and returns how many it accepted, which may be 0. Waits at most 0.1 s.
 
-        For commands of your own; receipts go through `print`.
+        For commands of your own; print receipts with `print`.
         """
         return self._worker.call(self._handle.write, data)
 
     def read(self, size: int) -> bytes:
-        """Takes at most `size` bytes that the printer sent, and waits 0.1 s at most for the first."""
+        """Returns at most `size` bytes that the printer has sent. Waits at most 0.1 s for the first."""
         return self._worker.call(self._handle.read, size)
 
     def send_command(self, command: bytes) -> None:

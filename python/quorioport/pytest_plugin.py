@@ -1,4 +1,4 @@
-"""Fixtures for pytest: `virtual_printer` is a printer of the test's own.
+"""A fixture for pytest: `virtual_printer` is a printer for a single test.
 
     def test_the_receipt_names_the_shop(virtual_printer):
         print_receipt(to=virtual_printer.device)
@@ -15,6 +15,6 @@ from quorioport.virtual import VirtualPrinter
 
 @pytest.fixture
 def virtual_printer() -> Iterator[VirtualPrinter]:
-    """A virtual printer, on line and with paper, until the test ends."""
+    """A virtual printer, on line and with paper, which runs until the test ends."""
     with VirtualPrinter() as printer:
         yield printer

@@ -1,4 +1,4 @@
-"""A printer's status: the library's record, and what Python programs get."""
+"""A printer's status: the record of the C library, and the form for Python programs."""
 
 from __future__ import annotations
 
@@ -41,7 +41,7 @@ LONGEST_REPLY = 63
 
 
 class StatusRecord(ctypes.Structure):
-    """The record of the C interface."""
+    """The record of the C library."""
 
     _fields_ = [
         *((flag, ctypes.c_uint32) for flag in FLAGS),
@@ -55,25 +55,25 @@ class StatusRecord(ctypes.Structure):
 
 @dataclass(frozen=True)
 class Status:
-    """The state of a printer at one moment. In ESC/POS most flags are unknown and False."""
+    """The state of a printer at one moment. In ESC/POS most flags are unknown and therefore False."""
 
-    #: The printer is ready to print.
+    #: True if the printer is ready to print.
     online: bool
     cover_open: bool
     paper_empty: bool
     paper_near_empty: bool
-    #: Paper was left in the exit.
+    #: True if paper was left in the exit.
     paper_present: bool
-    #: The level at the drawer connector.
+    #: The electrical level at the drawer connector.
     drawer_switch: bool
-    #: The names of all conditions that hold, as the C interface names them.
+    #: The names of all conditions that are true, as in the C interface.
     conditions: frozenset[str]
-    #: The reply as it was received.
+    #: The printer's reply, byte for byte.
     raw: bytes
 
 
 def status_of(record: StatusRecord) -> Status:
-    """The record as a program of Python wants it."""
+    """Converts the library's record."""
     conditions = frozenset(flag for flag in FLAGS if getattr(record, flag))
     return Status(
         online="offline" not in conditions,

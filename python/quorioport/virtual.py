@@ -1,4 +1,4 @@
-"""The virtual printer, for programs and tests: a printer that shows its output."""
+"""The virtual printer, for programs and tests: a printer whose paper they can read."""
 
 from __future__ import annotations
 
@@ -17,7 +17,7 @@ from typing import Any, Self
 
 from quorioport.errors import OperationError, SystemFailureError, UsageError
 
-PATIENCE = 10.0  # seconds for an answer of the printer's own process
+PATIENCE = 10.0  # seconds for an answer of the printer's process
 
 
 @dataclass(frozen=True)
@@ -26,14 +26,14 @@ class Receipt:
 
     #: The paper as text.
     text: str
-    #: The paper as a picture, a PNG.
+    #: The paper as a picture, a PNG file.
     picture: bytes
-    #: The printer's record: cuts, drawer pulses, questions, unknown commands and more.
+    #: The record of the job: cuts, drawer pulses, questions, unknown commands and more.
     record: Mapping[str, Any]
 
 
 def key_of(name: str) -> str:
-    """cover_open, or coverOpen, as the printer calls it."""
+    """Converts cover_open or coverOpen to the printer's own spelling."""
     return re.sub(r"_(\w)", lambda letter: letter.group(1).upper(), name)
 
 
@@ -44,11 +44,13 @@ class VirtualPrinter:
             port.print(b"hello\\n")
         print(printer.next_receipt().text)
 
-    Settings and faults have the names that docs/virtual-printer.md lists, in either spelling: cover_open, coverOpen.
+    docs/virtual-printer.md lists the settings and faults. Both spellings are accepted: cover_open and coverOpen.
     """
 
     def __init__(self, command: str | None = None, **settings: object) -> None:
-        """Starts it. `command` is the program quorport, by default the one in QUORPORT or in the path."""
+        """Starts the printer. `command` is the path of the program quorport; the default is the variable QUORPORT, or
+        the program in the search path.
+        """
         self._folder = tempfile.TemporaryDirectory(prefix="quorport-")
         self._answers: queue.SimpleQueue[dict[str, Any] | None] = queue.SimpleQueue()
         self._jobs: queue.SimpleQueue[dict[str, Any]] = queue.SimpleQueue()
@@ -72,23 +74,23 @@ class VirtualPrinter:
         first = self._process.stdout.readline()
         if not first or "listening" not in json.loads(first):
             raise UsageError(self._last_words(first))
-        #: The text that a Port takes.
+        #: The device text for a Port.
         self.device: str = json.loads(first)["listening"][0]
         self._listener = threading.Thread(target=self._listen, daemon=True)
         self._listener.start()
 
     def __enter__(self) -> Self:
-        """The printer runs already."""
+        """Does nothing: the printer runs already."""
         return self
 
     def __exit__(
         self, kind: type[BaseException] | None, error: BaseException | None, trace: TracebackType | None
     ) -> None:
-        """Stops it."""
+        """Stops the printer."""
         self.close()
 
     def close(self) -> None:
-        """Stops the printer; its receipts are gone. Harmless if it was stopped."""
+        """Stops the printer, and removes its receipts. Does nothing if it is stopped."""
         if self._process.poll() is None:
             self._process.terminate()
         self._process.wait()
@@ -96,11 +98,11 @@ class VirtualPrinter:
         self._forget()
 
     def set(self, **settings: object) -> None:
-        """Changes its state: `set(cover_open=True)`. Raises UsageError for a name or a value that it does not know."""
+        """Changes its state: `set(cover_open=True)`. Raises UsageError for an unknown name or value."""
         self._ask({"set": {key_of(name): value for name, value in settings.items()}})
 
     def state(self) -> dict[str, Any]:
-        """Its state: flags, firmware, counters and more, by their names."""
+        """Its state by name: flags, firmware, counters and more."""
         state = self._ask({"get": "state"})["state"]
         assert isinstance(state, dict)
         return state
@@ -110,11 +112,12 @@ class VirtualPrinter:
         self._ask({"fault": {name.replace("_", "-"): value for name, value in faults.items()}})
 
     def clear_faults(self) -> None:
-        """Takes all faults away."""
+        """Removes all faults."""
         self._ask({"clear": "faults"})
 
     def next_receipt(self, timeout: float = PATIENCE) -> Receipt:
-        """The next job that has ended, oldest first; waits for it, and raises OperationError if there is none.
+        """Waits for the next job that has ended and returns it, the oldest first. Raises OperationError after `timeout`
+        seconds.
 
         A job ends when its port is closed.
         """
