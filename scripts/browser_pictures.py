@@ -1,4 +1,4 @@
-"""Makes the pictures of docs/browser.md: the page of `simulate --web`. Usage: browser_pictures.py QUORPORT"""
+"""Makes the pictures in docs/browser.md, of the page of `simulate --web`. Usage: browser_pictures.py QUORPORT"""
 
 import os
 import subprocess
@@ -26,7 +26,9 @@ def save(page: Page, name: str):
 
 
 def print_receipts(shop: Shop, page: Page):
-    """Prints two receipts that are torn off, and one that hangs out of the printer while the till is connected."""
+    """Prints two receipts and tears them off, and a third that remains in the printer because its host is still
+    connected.
+    """
     for number in (1, 2):
         with shop.connect() as till:
             till.sendall(RECEIPT)

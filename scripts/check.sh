@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# check.sh BUILD [--all]: formatting, lint, the reference, include rules and documentation. BUILD is a
-# configured build folder. With --all every source is linted, otherwise those that changed since they last
-# passed. All checks run, also after a failed one; the last line says which failed.
+# check.sh BUILD [--all]: checks formatting, lint, the reference, include rules and documentation.
+# BUILD is a configured build folder. Lint reads the sources that changed since they last passed, or
+# with --all every source. All checks run, even after a failed one; the last line names those that
+# failed.
 set -uo pipefail
 build=$1
 failed=()
@@ -19,7 +20,7 @@ formatting() {
     xargs -0 --max-args=40 --max-procs="$(nproc)" clang-format --dry-run --Werror
 }
 
-# The back end over the handheld platform's frameworks compiles in two ways from the same sources.
+# The back end for the handheld platform compiles in two ways from the same sources.
 handheld() {
   cmake --build "$build" --target quor_handheld -- --quiet &&
     ctest --test-dir "$build" --quiet --output-on-failure --no-tests=error --tests-regex CompileForTheDevice

@@ -43,7 +43,9 @@ LOGO = """
 
 
 def raster(picture: str, scale: int) -> bytes:
-    """The picture, one dot a character, each dot scale by scale; its width a multiple of 8."""
+    """Converts the picture, with one dot a character, to a raster command. Each dot is enlarged to `scale` by `scale`
+    dots; the width must become a multiple of 8.
+    """
     rows = picture.split()
     width, height = len(rows[0]) * scale // 8, len(rows) * scale
     data = b""

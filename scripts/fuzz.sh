@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# fuzz.sh BUILD LIMIT [TARGET …]: runs the named fuzz targets of the build folder, or all of them, as
-# many at once as there are cores. LIMIT is an option of the fuzzing engine, -max_total_time=SECONDS or
-# -runs=INPUTS, and holds for each target; QUOR_SEED is the seed of the inputs (0: any). New inputs are
-# collected in BUILD/corpus. An input that breaks something is written to BUILD/found, beside the target's
-# log, and fails the run.
+# fuzz.sh BUILD LIMIT [TARGET …]: runs the named fuzz targets of the build folder, or all of them,
+# one on each core. LIMIT is an option of the fuzzing engine that applies to each target:
+# -max_total_time=SECONDS or -runs=INPUTS. QUOR_SEED is the seed of the inputs; 0 means a random
+# one. New inputs are collected in BUILD/corpus. An input that fails is written to BUILD/found,
+# beside the target's log, and fails the run.
 set -euo pipefail
 build=$1
 limit=$2

@@ -1,10 +1,10 @@
 """Runs clang-tidy on the product's sources. Usage: lint.py [--all] BUILD
 
-BUILD is a configured build folder; its compile_commands.json says how each source is compiled. A source
-that passed leaves a stamp in BUILD/lint: a digest of everything that decided the result (the source, the
-project's headers that it includes, its compile command, the rules, the version of clang-tidy). A source
-with a current stamp is omitted; with --all no source is. The tests and fuzz targets are not linted: the macros
-of the test framework break many of the rules.
+BUILD is a configured build folder; its compile_commands.json contains the command that compiles each source. A source
+that passes leaves a stamp in BUILD/lint. The stamp is a digest of everything that affects the result: the source, the
+project's headers that it includes, its compile command, the rules, the version of clang-tidy. A source with a current
+stamp is skipped, unless --all is given. The tests and fuzz targets are not linted, because the macros of the test
+framework break many rules.
 """
 
 import hashlib
@@ -25,7 +25,7 @@ RULES = ".clang-tidy"
 
 @cache
 def included(file: Path) -> tuple[Path, ...]:
-    """The project's headers that the file names itself."""
+    """The project's headers that the file includes directly."""
     names = [name.decode() for name in INCLUDE.findall(file.read_bytes())]
     places = (file.parent, ROOT, ROOT / "include")
     found = (next((place / name for place in places if (place / name).is_file()), None) for name in names)
@@ -33,7 +33,7 @@ def included(file: Path) -> tuple[Path, ...]:
 
 
 def closure(source: Path) -> list[Path]:
-    """The source and all of the project's headers that it includes, directly or not."""
+    """The source, and all of the project's headers that it includes, directly or indirectly."""
     seen, left = set(), [source]
     while left:
         file = left.pop()

@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
-# package.sh FOLDER: builds the Debian packages in FOLDER, from a copy of the sources, so that nothing is left
-# in the tree or beside it. Then it checks them with lintian.
+# package.sh FOLDER: builds the Debian packages and the Python wheel in FOLDER, and checks the
+# packages with lintian. It uses a copy of the sources, so that no files are left in the tree or
+# beside it.
 set -euo pipefail
 folder=$1
 sources=$folder/sources
-export PATH=/usr/sbin:/usr/bin:/sbin:/bin # Debian's tools, and no other Python
+export PATH=/usr/sbin:/usr/bin:/sbin:/bin # uses only the system's tools and Python
 
 rm -rf "$folder"
 mkdir -p "$sources"
@@ -15,7 +16,7 @@ cp "$sources/LICENSE" "$sources/python"
 (
   cd "$sources/python"
   SOURCE_DATE_EPOCH=$(dpkg-parsechangelog --file ../debian/changelog --show-field Timestamp)
-  export SOURCE_DATE_EPOCH # the same sources give the same file
+  export SOURCE_DATE_EPOCH # makes the build reproducible
   python3 -c 'import setuptools.build_meta as build; build.build_wheel("../..")'
 )
 rm -rf "$sources"

@@ -19,8 +19,8 @@ fuzz_packages=(clang libclang-rt-dev)
 prove_packages=(llvm)
 bench_packages=(libbenchmark-dev libcups2-dev libspdlog-dev python3)
 
-# need_packages NAME …: returns when all are installed. Root gets the missing ones installed; anybody
-# else is told the command, and the script ends.
+# need_packages NAME …: returns when all packages are installed. For root it installs the missing
+# ones. For other users it shows the command that installs them, and ends the script.
 need_packages() {
   command -v dpkg-query >/dev/null || return 0 # not Debian: the build will show the missing packages
   local package missing=()
@@ -38,12 +38,13 @@ need_packages() {
     env DEBIAN_FRONTEND=noninteractive sh -c "$(installation "${missing[@]}")"
 }
 
-# installation NAME …: the commands that root runs. A fresh system has no package lists yet.
+# installation NAME …: writes the commands that root must run. A new system has no package lists
+# yet.
 installation() {
   echo "apt-get update && apt-get install --yes --no-install-recommends $*"
 }
 
-# command_for_others NAME …: how somebody who is not root runs them.
+# command_for_others NAME …: writes the command for users who are not root.
 command_for_others() {
   local run_as_root="su -c"
   command -v sudo >/dev/null && run_as_root="sudo sh -c"

@@ -1,18 +1,19 @@
 #!/usr/bin/env bash
-# prove_builds.sh [OPTIONS of prove] [ROW …]: builds the programs that these rows of the proof run; without a row, all.
+# prove_builds.sh [OPTIONS of prove] [ROW …]: builds the programs that these rows of the proof run;
+# without rows, all programs.
 set -euo pipefail
 
 rows=()
 while (($#)); do
   case $1 in
-    --minutes) shift ;; # and its value
+    --minutes) shift ;; # skips its value
     -*) ;;
     *) rows+=("$1") ;;
   esac
   shift || true
 done
 
-wanted() { # wanted ROW …: whether one of these rows was asked for
+wanted() { # wanted ROW …: succeeds if one of these rows was asked for
   ((${#rows[@]})) || return 0
   local row
   for row in "${rows[@]}"; do

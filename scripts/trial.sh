@@ -1,30 +1,31 @@
 #!/usr/bin/env bash
-# trial.sh FOLDER: acts as a new user, in a bare Debian system that it makes in FOLDER/bare: installs the packages of
-# FOLDER and runs the scripts of scripts/trial there, each of which begins with its claim. It needs root, debootstrap
-# and the network. The bare system sees nothing of this one, and what is tried there has a network of its own: no port
-# of this machine is in the way. Each step shows how long it took.
+# trial.sh FOLDER: tries the packages as a new user would, in a bare Debian system that it creates
+# in FOLDER/bare. It installs the packages of FOLDER there, and runs the scripts of scripts/trial,
+# each of which begins with the claim that it tests. It needs root, debootstrap and the network. The
+# bare system does not see this machine's files, and the trials have a network of their own, so they
+# cannot meet this machine's ports. Each step shows its duration.
 set -euo pipefail
 folder=$1
 root=$folder/bare
 suite=$(. /etc/os-release && echo "$VERSION_CODENAME")
 
-# What the packages do not bring along, and what they only recommend.
+# Tools that the packages do not require, and packages that they only recommend.
 tools=(cmake g++ iproute2 ninja-build pkg-config)
 recommended=(cups fonts-dejavu-core libzint-dev python3-venv systemd)
 
-# Each is tried where the ones before it have been.
+# Each trial builds on the ones before it.
 trials=(programs programs_in_c readme_program python wheel print_system printer_application)
 longest=300 # seconds
 
-# inside WORD … COMMAND: root's shell runs the command in the bare system, in the folder of the trials; the words are
-# options of unshare. No process of it is left over.
+# inside WORD … COMMAND: runs the command in a root shell of the bare system, in the folder of the
+# trials. The words are options of unshare. All processes of the command end with it.
 inside() {
   unshare --mount --pid --fork --kill-child --mount-proc --root="$root" --wd=/trial "${@:1:$#-1}" \
     env --ignore-environment HOME=/trial PATH=/usr/sbin:/usr/bin:/sbin:/bin DEBIAN_FRONTEND=noninteractive \
     bash -euc "${*: -1}"
 }
 
-# step NAME COMMAND …: runs the command; shows its output if it fails.
+# step NAME COMMAND …: runs the command, and shows its output only if it fails.
 step() {
   local began=${EPOCHREALTIME/./}
   if ! "${@:2}" >"$folder/trial.log" 2>&1; then
@@ -36,7 +37,7 @@ step() {
   printf '%5d.%d s  %s\n' $((milliseconds / 1000)) $((milliseconds / 100 % 10)) "$1"
 }
 
-# The first line of a trial.
+# The claim of a trial: its first line.
 claim_of() {
   sed -n '1s/^# \(.*\)\.$/\1/p' "scripts/trial/$1.sh"
 }

@@ -1,4 +1,4 @@
-"""Makes the pictures of docs/printed.md with the virtual printer. Usage: virtual_printer_pictures.py QUORPORT"""
+"""Makes the pictures in docs/printed.md with the virtual printer. Usage: virtual_printer_pictures.py QUORPORT"""
 
 import json
 import shutil

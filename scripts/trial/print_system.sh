@@ -1,19 +1,20 @@
-# A queue that is made as its guide says prints, as the user lp, in a print system that root has started.
+# A queue that was created as the guide describes prints as the user lp, in a print system that root
+# has started.
 . ./printer.sh
 serve_printer
 cupsd
 until lpstat -r | grep -qx 'scheduler is running'; do sleep 0.05; done
 
-# The scheduler runs a back end that everybody may execute without root's rights.
+# The scheduler runs a back end without root's rights if every user may execute it.
 [ "$(stat --format '%a %U %G' /usr/lib/cups/backend/quor)" = "755 root root" ]
 
-# A USB printer as the kernel shows it.
+# Files as the kernel creates them for a USB printer.
 mkdir -p /sys/devices/printer/interface /sys/class/usbmisc/lp0
 ln -sfn ../../../devices/printer/interface /sys/class/usbmisc/lp0/device
 echo 'MFG:Corner;MDL:T80;SN:0042;CLS:PRINTER;' >/sys/devices/printer/interface/ieee1284_id
 lpinfo -v | grep -x 'direct quor:/usb/0042'
 
-# await_journal NUMBER: so many jobs are printed, in the words of the journal.
+# await_journal NUMBER: returns when the journal lists this number of printed jobs.
 await_journal() {
   until [ "$(quorport jobs --journal /var/cache/cups/quor/jobs.db | grep -c ' printed')" = "$1" ]; do sleep 0.05; done
 }
@@ -25,7 +26,7 @@ await_paper "THE CORNER BAKERY"
 await_journal 1
 [ "$(stat --format %U /var/cache/cups/quor/jobs.db)" = lp ]
 
-# Root has read the journal; it is still the back end's.
+# Root has read the journal; the back end must still be able to write it.
 echo "another receipt" | lp -d till -
 await_paper "another receipt"
 await_journal 2

@@ -9,7 +9,7 @@ of_unit() {
 systemd-analyze verify --man=no "$unit"
 systemd-analyze security --offline=yes --threshold=25 "$unit" # tenths: 2.5 is "OK", and a unit without limits has 9.6
 
-# What the service manager does.
+# Starts the application as the service manager would.
 state=/var/lib/$(of_unit StateDirectory)
 useradd --system --groups "$(of_unit SupplementaryGroups | tr ' ' ,)" application
 install --directory --owner=application "$state" "/var/cache/$(of_unit CacheDirectory)"

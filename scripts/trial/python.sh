@@ -1,4 +1,4 @@
-# The README's program in Python prints, with the Debian package.
+# The README's program in Python prints with the Debian package.
 . ./printer.sh
 serve_printer
 programs_of python "$pages/README.md" >program.py

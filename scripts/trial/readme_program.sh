@@ -1,4 +1,4 @@
-# The program of the README, compiled as it is printed there, prints its receipt.
+# The README's program in C++ compiles as shown there, and prints its receipt.
 . ./printer.sh
 programs_of cpp "$pages/README.md" >program.cpp
 eval "$(sed -n 's/^\$ \(g++ .*\)/\1/p' "$pages/README.md")"

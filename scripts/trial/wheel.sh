@@ -1,4 +1,5 @@
-# The same with the wheel, which pip installs without the network, and without the Debian package.
+# The README's program in Python prints with the wheel, which pip installs without the network and
+# the Debian package.
 . ./printer.sh
 serve_printer
 python3 -m venv environment
