@@ -169,9 +169,8 @@ class VirtualPrinter {
   Bytes printed_;
 
   std::uint8_t dataTimeoutSeconds_ = 0;
-  bool guarded_ = false;  // between a data cancel and its end
-  bool dropping_ =
-      false;  // the data time-out struck, and no end of the data cancel has arrived since
+  bool guarded_ = false;   // between a data cancel and its end
+  bool dropping_ = false;  // after the data time-out, until the end of the data cancel
   Instant lastReceived_{};
   std::optional<Bytes> reported_;  // the last unasked status; empty: not wanted
 
