@@ -1,6 +1,7 @@
-# Bluetooth printers as programs get them: a library of its own, so that a program without it loads no D-Bus.
+# The library for Bluetooth printers. It is separate, so that programs without it load no D-Bus
+# library.
 add_library(QuorBluez SHARED $<TARGET_OBJECTS:quor_bluez>
-            # What the library of the port keeps to itself.
+            # Sources that the port's library does not export.
             $<FILTER:$<TARGET_OBJECTS:quor_posix>,INCLUDE,/Descriptor|/Link|/Linger>
             $<FILTER:$<TARGET_OBJECTS:quor_backend_common>,INCLUDE,/SpecText>
             $<FILTER:$<TARGET_OBJECTS:quor_text>,INCLUDE,/Quoted>)

@@ -1,4 +1,4 @@
-# Writes the C++ source that holds the files of the page as they are. Run as a script:
+# Writes a C++ source that contains the files of the web page. To be run as a script:
 #   cmake -D OUTPUT=FILE -D FILES=FILE;FILE… -P EmbedFiles.cmake
 set(arrays "")
 set(rows "")

@@ -1,9 +1,10 @@
-# Objective-C++ over GNUstep: sets GNUSTEP_FOUND, and then the target `gnustep` has all that its
-# sources need. Only clang compiles the language that the device's compiler takes.
+# Finds GNUstep and a compiler for Objective-C++. If both are found, GNUSTEP_FOUND is true, and
+# sources that link the target `gnustep` can be compiled. Only clang compiles the same dialect as
+# the device's compiler.
 find_program(QUOR_OBJCXX_COMPILER NAMES clang++)
 find_path(GNUSTEP_INCLUDE_DIR Foundation/Foundation.h PATH_SUFFIXES GNUstep)
 find_library(GNUSTEP_LIBRARY gnustep-base)
-# The language's runtime lies in gcc's own folder, whichever compiler builds the rest.
+# The runtime of Objective-C is in gcc's own folder, whichever compiler builds the rest.
 execute_process(COMMAND gcc -print-file-name=include
                 OUTPUT_VARIABLE QUOR_COMPILER_INCLUDE_DIR OUTPUT_STRIP_TRAILING_WHITESPACE)
 find_path(OBJC_INCLUDE_DIR objc/objc.h PATHS ${QUOR_COMPILER_INCLUDE_DIR})
@@ -18,7 +19,7 @@ endif()
 set(GNUSTEP_FOUND TRUE)
 set(CMAKE_OBJCXX_COMPILER ${QUOR_OBJCXX_COMPILER})
 set(CMAKE_OBJCXX_STANDARD 20)
-# The language's compiler is another one. It must not decide how the headers of C++ are precompiled.
+# This language has another compiler, which must not decide how C++ headers are precompiled.
 set(pch_extension ${CMAKE_PCH_EXTENSION})
 set(pch_prologue ${CMAKE_PCH_PROLOGUE})
 enable_language(OBJCXX)

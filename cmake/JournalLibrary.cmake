@@ -1,7 +1,7 @@
-# The journal as programs get it: a library of its own, so that a program without it loads no database.
+# The library for the journal. It is separate, so that programs without it load no database.
 add_library(QuorJournal SHARED $<TARGET_OBJECTS:quor_journal> $<TARGET_OBJECTS:quor_locks>
             $<TARGET_OBJECTS:quor_journal_c_interface>
-            # The parts that the library of the port does not export.
+            # The sources that the port's library does not export.
             $<FILTER:$<TARGET_OBJECTS:quor_job>,INCLUDE,/Advice|/Words>
             $<FILTER:$<TARGET_OBJECTS:quor_c_interface>,INCLUDE,/Buffers>)
 add_library(QuorIOPort::QuorJournal ALIAS QuorJournal)

@@ -1,5 +1,4 @@
-# The headers that are installed, from the project's root: those that a program includes, and those
-# that they include in turn.
+# The installed headers: those that programs include, and those that these include in turn.
 set(QUOR_PUBLIC_HEADERS
   backends/AccessoryIdentity.h
   backends/DeviceIdentity.h

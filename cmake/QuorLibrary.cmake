@@ -1,19 +1,19 @@
-# The library as programs get it: every room but the command in one libQuorIOPort, shared and
-# static, and what is installed with it. Headers are installed below include/quordalvane/ in the
-# folders of the tree, and that folder is also searched, so that a program includes them as the
-# project's own sources do.
+# The library that programs link: the rooms below in one libQuorIOPort, shared and static, and the
+# files that are installed with it. Headers are installed below include/quordalvane/, in the same
+# folders as in the tree. That folder is also in the include path, so that programs write the same
+# includes as the project's own sources.
 include(CMakePackageConfigHelpers)
 include(PublicHeaders)
 
 set(rooms quor_parsers quor_text quor_logging quor_platform quor_port quor_backend_common quor_virtual
           quor_posix quor_backends quor_job quor_c_interface)
 list(TRANSFORM rooms REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>" OUTPUT_VARIABLE objects)
-# Pictures of the paper are the command's alone: programs do not need the drawing library.
+# Only the command draws pictures of the paper, so programs do not need the drawing library.
 list(APPEND objects $<FILTER:$<TARGET_OBJECTS:quor_simulator>,EXCLUDE,/drawing/>)
 
-# QUOR_EXPORT decides which names are exported; the rooms are compiled with all others hidden. What the
-# linker is told besides: to give them the library's version, and to keep to itself what the headers
-# of others leave visible, such as instances of the standard library's templates.
+# QUOR_EXPORT decides which names are exported: the rooms are compiled with all other names hidden.
+# The map adds two things. It gives the exported names the library's version. And it hides names
+# that other headers make visible, such as instances of standard templates.
 set(export_map ${PROJECT_BINARY_DIR}/exports.map)
 file(CONFIGURE OUTPUT ${export_map} @ONLY CONTENT [[
 QUORIOPORT_@PROJECT_VERSION_MAJOR@ {
@@ -30,7 +30,7 @@ local:
 };
 ]])
 
-# quor_product(NAME TYPE): the library of that type.
+# quor_product(NAME TYPE): adds the library of this type.
 function(quor_product name type)
   add_library(${name} ${type} ${objects})
   add_library(QuorIOPort::${name} ALIAS ${name})
@@ -50,7 +50,7 @@ set_target_properties(QuorIOPort PROPERTIES VERSION ${PROJECT_VERSION}
 target_link_options(QuorIOPort PRIVATE LINKER:--version-script=${export_map} LINKER:--no-undefined)
 target_link_libraries(QuorIOPort PRIVATE ${ZINT_LIBRARY} Threads::Threads)
 
-# By name, so that only programs that link it statically need the other library's own package.
+# Linked by name, so that only programs that link statically need the package of that library.
 set(QUOR_STATIC_LINKS zint pthread)
 quor_product(QuorIOPortStatic STATIC)
 target_link_libraries(QuorIOPortStatic INTERFACE ${QUOR_STATIC_LINKS})
@@ -78,13 +78,13 @@ install(EXPORT QuorIOPortTargets NAMESPACE QuorIOPort:: DESTINATION ${package_fo
         COMPONENT development)
 configure_package_config_file(cmake/QuorIOPortConfig.cmake.in QuorIOPortConfig.cmake
                               INSTALL_DESTINATION ${package_folder})
-# Before 1.0 any version may change the interface of programs.
+# Before 1.0, any minor version may change the interface of programs.
 write_basic_package_version_file(QuorIOPortConfigVersion.cmake COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/QuorIOPortConfig.cmake
               ${PROJECT_BINARY_DIR}/QuorIOPortConfigVersion.cmake
         DESTINATION ${package_folder} COMPONENT development)
 
-# Written when it is installed: only then is the prefix known for certain.
+# The file is written at installation, because only then the prefix is known.
 list(TRANSFORM QUOR_STATIC_LINKS PREPEND "-l" OUTPUT_VARIABLE static_flags)
 list(JOIN static_flags " " static_flags)
 install(CODE "

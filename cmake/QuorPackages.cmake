@@ -1,14 +1,15 @@
-# The outside libraries, all of them from Debian's packages. The port, its parsers and its logger use none.
+# Finds the outside libraries, all of which Debian packages. The port, its parsers and its logger
+# use none of them.
 find_package(PkgConfig REQUIRED)
 find_package(CLI11 REQUIRED)
 find_package(nlohmann_json REQUIRED)
 pkg_check_modules(CAIRO REQUIRED IMPORTED_TARGET cairo)
-# The drawing library chooses fonts through fontconfig, which is installed with it.
+# The drawing library chooses fonts by fontconfig, which is installed with it.
 pkg_check_modules(FONTCONFIG REQUIRED IMPORTED_TARGET fontconfig)
 find_library(ZINT_LIBRARY zint REQUIRED)
 find_package(ZLIB REQUIRED)
 
-# The journal of jobs is built if its libraries are there.
+# The journal of jobs is built if its libraries are installed.
 pkg_check_modules(SQLITE IMPORTED_TARGET sqlite3)
 pkg_check_modules(NETTLE IMPORTED_TARGET nettle)
 if(SQLITE_FOUND AND NETTLE_FOUND)
@@ -19,7 +20,7 @@ else()
                 tests/journal tests/unit/journal)
 endif()
 
-# Text in any script, and pictures, are drawn if their libraries are there.
+# Text in any script and pictures are supported if the drawing libraries are installed.
 pkg_check_modules(PANGOCAIRO IMPORTED_TARGET pangocairo)
 pkg_check_modules(JPEG IMPORTED_TARGET libjpeg)
 pkg_check_modules(PNG IMPORTED_TARGET libpng)
@@ -31,7 +32,7 @@ else()
                 "libpango1.0-dev, libjpeg-dev and libpng-dev" tests/render tests/unit/render)
 endif()
 
-# Browsers are shown the virtual printer by a small web server.
+# A small web server shows the virtual printer to browsers.
 pkg_check_modules(MICROHTTPD IMPORTED_TARGET libmicrohttpd>=0.9.71)
 if(MICROHTTPD_FOUND)
   set(QUOR_WEB ON)
@@ -41,7 +42,7 @@ else()
                 tests/unit/http)
 endif()
 
-# Bluetooth printers, and the network's in a search, are reached over D-Bus.
+# Bluetooth printers, and network printers in a search, are found by D-Bus.
 find_package(sdbus-c++ 1 QUIET)
 if(sdbus-c++_FOUND)
   set(QUOR_BLUETOOTH ON)
@@ -50,7 +51,7 @@ else()
   quor_left_out("Bluetooth printers (bluetooth:)" libsdbus-c++-dev tests/bluez)
 endif()
 
-# The print system's back end keeps a journal.
+# The back end for the print system requires the journal.
 find_package(Cups)
 if(CUPS_FOUND AND QUOR_JOURNAL)
   set(QUOR_CUPS ON)
@@ -60,7 +61,7 @@ else()
                 tests/cups tests/unit/cups)
 endif()
 
-# The printer application takes both, and the framework.
+# The printer application requires the journal, the drawing libraries and its framework.
 pkg_check_modules(PAPPL IMPORTED_TARGET pappl>=1.3)
 if(PAPPL_FOUND AND QUOR_JOURNAL AND QUOR_RENDER)
   set(QUOR_PRINTER_APP ON)

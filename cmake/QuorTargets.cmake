@@ -1,6 +1,7 @@
-# How every target of the project is built: one language level, one set of warnings, and log records
-# that name their source by its path below the project, wherever it was built. A warning is an error only
-# for developers (QUOR_WARNINGS_ARE_ERRORS, in the preset "developer"): a newer compiler must not break a package or a first build.
+# Settings for every target of the project: the language level, the warnings, and the paths in log
+# records, which are relative to the project wherever it was built. A warning is an error only for
+# developers (QUOR_WARNINGS_ARE_ERRORS, in the preset "developer"): a newer compiler must not break
+# a package or a first build.
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
@@ -25,8 +26,8 @@ target_compile_options(quor_flags INTERFACE
   -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
 
 # quor_library(NAME [SOURCES …] [LINKS …] [PRIVATE_LINKS …])
-# The static library of one folder: of all its sources but main.cpp. Only a folder that holds two libraries
-# names them. Includes are written from the project's root.
+# Adds the static library of a folder, from all its sources except main.cpp. SOURCES is needed only
+# if a folder has two libraries. Include paths begin at the project's root.
 function(quor_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
   if(NOT ARG_SOURCES)
@@ -38,7 +39,7 @@ function(quor_library name)
   target_link_libraries(${name} PUBLIC ${ARG_LINKS} PRIVATE quor_flags ${ARG_PRIVATE_LINKS})
 endfunction()
 
-# quor_interface(NAME [LINKS …]): a folder that holds headers alone.
+# quor_interface(NAME [LINKS …]): adds the library of a folder that contains only headers.
 function(quor_interface name)
   cmake_parse_arguments(ARG "" "" "LINKS" ${ARGN})
   add_library(${name} INTERFACE)
@@ -46,8 +47,9 @@ function(quor_interface name)
   target_link_libraries(${name} INTERFACE ${ARG_LINKS})
 endfunction()
 
-# quor_left_out(WHAT PACKAGES FOLDER …): says that a part is not built because packages are missing. The
-# file names the folders of tests that are not built with it, so that they do not count as forgotten.
+# quor_left_out(WHAT PACKAGES FOLDER …): reports that a part is not built because packages are
+# missing. The file lists the folders of tests that are therefore not built, so that they do not
+# count as forgotten.
 file(REMOVE ${PROJECT_BINARY_DIR}/left_out.txt)
 function(quor_left_out what packages)
   message(STATUS "Left out: ${what}, which needs ${packages}")

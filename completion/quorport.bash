@@ -1,8 +1,9 @@
-# Completion of quorport for bash; needs the package bash-completion, which loads it. It reads the help of the
-# command, and so offers the commands, options and values that the command itself takes.
+# Completes the arguments of quorport in bash. Needs the package bash-completion, which loads this
+# file. It reads the command's help, and therefore offers exactly the commands, options and values
+# that the command accepts.
 
-# Reads a help text and writes its options, a line each: short form, long form, type of the value ("-" if there
-# is none), description.
+# Reads a help text and writes its options, one in each line: short form, long form, type of the
+# value ("-" if there is none), description.
 _quorport_options() {
   awk '
     /^[^ ]/ { isOption = /^Options:/ }
@@ -15,7 +16,7 @@ _quorport_options() {
     }'
 }
 
-# The values of an option of that type and description, as far as the help lists them.
+# Writes the values of an option with type $1 and description $2, if the help lists them.
 _quorport_values() {
   case $1 in
     *"|"*) echo "${1//|/ }" ;;
@@ -23,8 +24,8 @@ _quorport_values() {
   esac
 }
 
-# The command among the words after a program whose general help is $1: the first that is neither an option nor
-# an option's value.
+# Writes the command among the given words: the first that is neither an option nor an option's
+# value. $1 is the program's general help.
 _quorport_command() {
   local word takes_value= with_value
   with_value=" $(_quorport_options <<< "$1" | awk '$3 != "-" { print $1, $2 }' | tr '\n' ' ')"
@@ -41,7 +42,7 @@ _quorport_command() {
   done
 }
 
-# The keys of a printer's state and of its faults.
+# The keys of a printer's settings and faults.
 _quorport_settings="
   firmware= dip1= dip2= speed= buffer= presenterState= connectedInterface= paper= proofs= lineMode=
   lacks= codePages= multiByte= utf8= maker=
@@ -55,8 +56,8 @@ _quorport_settings="
   foreign-reply= silence= cut-after-in= cut-after-out= cut= prints-nothing= at= seed=
 "
 
-# Offers those of the words that begin as the current one does. A colon or an equals sign at the end of a word
-# is followed by its rest.
+# Offers those of the words in $1 that begin with the current word. No blank is added after a colon
+# or an equals sign at the end, because the rest follows there.
 _quorport_offer() {
   mapfile -t COMPREPLY < <(compgen -W "$1" -- "$cur")
   [[ ${COMPREPLY-} == *[:=] ]] && compopt -o nospace 2> /dev/null
@@ -65,7 +66,7 @@ _quorport_offer() {
 
 _quorport() {
   local cur prev words cword split command general own short long type text
-  # A colon or an equals sign is part of a word here; of --option=value the value is completed.
+  # Colons and equals signs are part of a word here. In --option=value, the value is completed.
   _init_completion -s -n := || return
   general=$("$1" --help 2> /dev/null)
   command=$(_quorport_command "$general" "${words[@]:1:cword-1}")
