@@ -11,7 +11,8 @@ void complainUnconfirmed(const std::string& why, StatusLines& lines) {
   lines.complain("unconfirmed: " + why + "; look at the paper: to release the job prints it again");
 }
 
-// Returns false if the block is on paper.
+// Returns true if a person must decide about the block, and reports why. Returns false if the block
+// is on paper.
 bool mustBeHeld(Journal& journal, const JobBlock& block, const DeviceUri& uri, const BrokenOff& end,
                 StatusLines& lines) {
   NamedJob named(journal, {.name = block.name, .device = uri.device, .isNameEnough = true}, {});

@@ -43,7 +43,8 @@ ExitCode printJob(const Witness& witness, const std::vector<std::string>& argume
 }
 
 ExitCode printJob(const std::vector<std::string>& arguments, StatusLines& lines) {
-  const Witness witness(stopQueue);  // must be the first: no other process can report a kill
+  // Started first: only the witness can notice that this process is killed.
+  const Witness witness(stopQueue);
   ExitCode code = ExitCode::Held;
   try {
     code = printJob(witness, arguments, lines);

@@ -11,21 +11,21 @@ namespace quordalvane::cups {
 
 /// The job that the scheduler has handed to this back end, in its arguments and its environment.
 struct BackEndJob {
-  std::string uri;      ///< of the queue, as the administrator wrote it
+  std::string uri;      ///< the URI of the queue, as the administrator wrote it
   std::string number;   ///< the job's number in the scheduler
-  unsigned copies = 1;  ///< to print here; 1 if filters have made the copies already
-  std::string name;     ///< of the job in the journal, the same in each attempt
+  unsigned copies = 1;  ///< how many to print here; 1 if filters have made the copies
+  std::string name;     ///< the job's name in the journal, the same in each attempt
 
   /// When the scheduler ended the job, in seconds since 1970. If a job that has ended is started, a
   /// person has asked to print it again.
   std::optional<std::int64_t> ended;
 
-  std::optional<std::filesystem::path> file;  ///< with the job's data; empty if they are in
-                                              ///< standard input
-  bool isOfClass = false;                     ///< if this printer cannot print, another of its
-                                              ///< class may
-  std::string standingReasons;                ///< the state reasons that the queue's printer has
-                                              ///< now
+  /// The file with the job's data; empty if the data are in standard input.
+  std::optional<std::filesystem::path> file;
+  /// If this printer cannot print, another printer of its class may do so.
+  bool isOfClass = false;
+  /// The state reasons that the queue's printer has now.
+  std::string standingReasons;
   std::filesystem::path journal;
 
   /// The scheduler's own record of the job; empty if its place is unknown.

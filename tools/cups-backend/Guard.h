@@ -10,8 +10,8 @@ namespace quordalvane::cups {
 
 /// How a worker ended that did not decide about its job.
 struct BrokenOff {
-  bool isCanceled = false;  ///< the scheduler has canceled the job
-  std::string how;          ///< the reason, for people
+  bool isCanceled = false;  ///< true if the scheduler has canceled the job
+  std::string how;          ///< how the worker ended, for people
 };
 
 /// Runs `work` in a process of its own, passes stop signals on to it, and returns its exit code. If

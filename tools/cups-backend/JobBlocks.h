@@ -11,9 +11,9 @@ namespace quordalvane::cups {
 
 /// A part of a job that the printer confirms as a whole: one copy or all copies.
 struct JobBlock {
-  std::string name;     ///< of the block in the journal
+  std::string name;     ///< the block's name in the journal
   unsigned number = 1;  ///< the number of its first copy, from 1
-  unsigned copies = 1;  ///< the count of its copies
+  unsigned copies = 1;  ///< how many copies it contains
 };
 
 /// The blocks of a job, in order: one for each copy, or one for all copies if the URI says so.

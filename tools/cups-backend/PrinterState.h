@@ -13,9 +13,9 @@ class PrinterState {
  public:
   /// The state of the job's data.
   enum class Data {
-    Collected,  ///< still arriving, or being printed
-    Printed,    ///< the printer has confirmed all of them
-    Lost,       ///< the printer will not confirm them
+    Collected,  ///< the data are still arriving or being printed
+    Printed,    ///< the printer has confirmed all data
+    Lost,       ///< the printer will not confirm the data
   };
 
   void setStatus(const QuorPrinterStatus_2& status) {

@@ -15,7 +15,8 @@ namespace {
 
 constexpr std::int64_t millisInSecond = 1000;
 
-// A record that was written sooner after the report may be older than the scheduler's hold.
+// In milliseconds. If the record was written within this time after the report, the scheduler may
+// not have held the job yet.
 constexpr std::int64_t leastDelay = 1000;
 
 std::int64_t millisSinceBoot() {
@@ -51,8 +52,8 @@ std::optional<std::int64_t> schedulerStart(int scheduler) {
   if (!ticks) {
     return std::nullopt;
   }
-  // The end of the tick: the true start may be anywhere within it, and every record that was
-  // written before the start must count as older.
+  // The end of the tick, because the previous scheduler may have written records until this one was
+  // started.
   const std::int64_t start = (*ticks + 1) * millisInSecond / ::sysconf(_SC_CLK_TCK);
   return millisecondsNow() - (millisSinceBoot() - start);
 }

@@ -12,7 +12,7 @@ constexpr auto holder = "quorport-printer-app";
 
 struct WaitingJob {
   int id;
-  bool isHeld;  // until its turn
+  bool isHeld;  // true if the job is held until its turn
 };
 
 // The framework holds the printer's lock during this call, so it must not change a job.
@@ -59,7 +59,7 @@ void letOldestGoNext(pappl_printer_t* printer) {
   }
 }
 
-// If a user holds a job, it has a time until which it is held, which may be "indefinite".
+// A job that a user holds has a time until which it is held; the time may be "indefinite".
 bool isHeldForItsTurn(ipp_jstate_t state, pappl_jreason_t reasons) {
   return state == IPP_JSTATE_HELD && (reasons & PAPPL_JREASON_JOB_QUEUED) != 0 &&
          (reasons & PAPPL_JREASON_JOB_HOLD_UNTIL_SPECIFIED) == 0;

@@ -24,7 +24,7 @@ struct Model {
   int paperMillimetres;  ///< the width of the roll
 };
 
-/// All kinds, the default first.
+/// All kinds of printers; the first is the default.
 std::span<const Model> everyModel();
 
 /// The kind of this name; null if there is no such kind.

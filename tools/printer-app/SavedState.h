@@ -11,8 +11,9 @@ namespace quordalvane::printer_app {
 /// from any thread.
 bool saveState(pappl_system_t* system, const std::filesystem::path& file);
 
-/// Saves them if a job has arrived, ended, or been held or released since the last call. The
-/// framework itself saves a job when its data begin to arrive, but not when they are complete.
+/// Saves the printers and jobs if a job has arrived, ended, or been held or released since the last
+/// call. The framework itself saves a job when its data begin to arrive, but not when they are
+/// complete.
 void saveChangedJobs(pappl_system_t* system, const std::filesystem::path& file);
 
 /// Prepares the file in which the framework has saved its printers and jobs, before it is loaded. A

@@ -51,8 +51,8 @@ bool hasOption(const CLI::App* parser, const std::string& name) {
   return parser->get_option_no_throw(name) != nullptr;
 }
 
-// Only the name is looked up, without "=value". If another command has an option of this name, it
-// is not a typing error, so the text names that command.
+// Looks up the option without its "=value". If another command has this option, it was not
+// mistyped; the result then names that command.
 std::string noSuchOption(const std::string& word, const std::vector<const CLI::App*>& parsers) {
   const std::string given = word.substr(0, word.find('='));
   const auto owner = std::ranges::find_if(
@@ -71,7 +71,7 @@ std::string noSuchOption(const std::string& word, const std::vector<const CLI::A
   return "there is no option " + inQuotes(given) + didYouMean(given, names);
 }
 
-// The parser of the arguments, with the members that receive their values.
+// The grammar of the arguments: the parser, and the members that receive the values.
 class Grammar {
  public:
   Grammar() {
@@ -169,7 +169,7 @@ class Grammar {
   Options options_;
   std::string helpOn_;  // the command that --help was asked about
   CLI::App app_{help::description, "quorport"};
-  CLI::App* help_;  // the option --help of one parser in app_
+  CLI::App* help_;  // the option --help that was used, of one of the parsers in app_
 };
 
 // Takes the devices from the environment variable, which separates them by blanks, if the arguments
@@ -184,8 +184,8 @@ void addDevicesOfEnvironment(Options& options) {
   options.devicesFrom = "QUORPORT_DEVICE";
 }
 
-// The library takes the argument after "--name=" as its value. This passes the empty value as an
-// argument of its own.
+// The library would take the argument after "--name=" as the option's value. So this inserts an
+// empty argument, which is the value.
 std::vector<std::string> withEmptyValuesApart(const std::vector<std::string>& arguments) {
   std::vector<std::string> result;
   bool onlyPlain = false;
@@ -228,7 +228,7 @@ bool askForJson(const std::vector<std::string>& arguments) {
 
 std::optional<std::string> jobNamedIn(const std::vector<std::string>& arguments) {
   constexpr std::string_view option = "--job";
-  std::optional<std::string> job;  // the last name counts
+  std::optional<std::string> job;  // if the name is repeated, the last one counts
   const auto end = std::find(arguments.begin(), arguments.end(), "--");
   for (auto argument = arguments.begin(); argument != end; ++argument) {
     if (argument->starts_with("--job=")) {

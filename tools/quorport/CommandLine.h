@@ -21,15 +21,15 @@ struct Order {
 /// and the right form.
 std::variant<Order, std::string> parseCommandLine(const std::vector<std::string>& arguments);
 
-/// Returns the first argument that is a command's name, even if the other arguments are invalid;
-/// null if there is none.
+/// Returns the first argument that is a command's name; null if there is none. Also works if other
+/// arguments are invalid.
 const Command* commandNamedIn(const std::vector<std::string>& arguments);
 
-/// True if the arguments ask for JSON, even if others of them are invalid.
+/// True if the arguments ask for JSON. Also works if other arguments are invalid.
 bool askForJson(const std::vector<std::string>& arguments);
 
-/// The name that the arguments give to the job, even if others of them are invalid; empty if they
-/// give none.
+/// The name that the arguments give to the job; empty if they give none. Also works if other
+/// arguments are invalid.
 std::optional<std::string> jobNamedIn(const std::vector<std::string>& arguments);
 
 }  // namespace quordalvane::tool

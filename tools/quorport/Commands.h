@@ -26,8 +26,9 @@ struct Surroundings {
   std::shared_ptr<Interruption> interruption;
 };
 
-// Each command does its task and returns the report. An exception ends it: a CommandFailure with
-// its exit code, Interrupted, or any other std::exception as a failed exchange with the printer.
+// Each command does its task and returns its report. A command that fails throws CommandFailure
+// with its exit code. A command that is interrupted throws Interrupted. Any other std::exception
+// means that an exchange with the printer failed.
 
 Report find(const Options& options, const Surroundings& surroundings);
 Report list(const Options& options, const Surroundings& surroundings);
@@ -55,9 +56,9 @@ Report monitor(const Options& options, const Surroundings& surroundings);
 Report simulate(const Options& options, const Surroundings& surroundings);
 
 enum class CommandKind {
-  Question,  ///< if its answer is lost, it may be asked again
-  Printing,  ///< even if its report is lost, it must not be repeated
-  Service,   ///< handles the signals itself
+  Question,  ///< a query: if its answer is lost, the user may ask again
+  Printing,  ///< a print: if its report is lost, the user must not repeat it
+  Service,   ///< a server: it handles the signals itself
 };
 
 struct Command {

@@ -11,8 +11,8 @@ enum class ExitCode : int {
   NotReady = 4,     ///< the printer is off line, has paper in its exit or is in use
   LinkLost = 5,
   Unconfirmed = 6,
-  NoJournal = 7,      ///< the journal of jobs cannot be kept, and nothing was sent
-  Interrupted = 130,  ///< by SIGINT; for other signals 128 + the number of the signal
+  NoJournal = 7,      ///< the journal of jobs cannot be used, and nothing was sent
+  Interrupted = 130,  ///< by SIGINT; other signals give 128 + the signal's number
 };
 
 /// The exit status of a command that a signal ended, as shells report it.

@@ -180,8 +180,8 @@ void InterruptiblePlatform::attach(const std::shared_ptr<EAAccessory>& accessory
 }
 
 void InterruptiblePlatform::SleepsUntilInterrupted::usleep(std::uint64_t microseconds) {
-  constexpr std::uint64_t aYear = 365ULL * 24 * 3600 * 1'000'000;  // does not overflow when it is
-                                                                   // added to a time
+  // A year in microseconds, which can be added to any time without an overflow.
+  constexpr std::uint64_t aYear = 365ULL * 24 * 3600 * 1'000'000;
   interruption_->sleep(std::chrono::microseconds(std::min(microseconds, aYear)));
 }
 

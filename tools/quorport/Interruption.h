@@ -27,8 +27,9 @@ class Interruption {
  public:
   using GiveUp = std::function<void(const Report& report)>;
 
-  /// `giveUp` must end the process and deliver the report that it is given. It is called only while
-  /// nothing is open that would have to be closed. It is needed because neither an attempt to
+  /// `giveUp` must deliver its argument, the report, and end the process. It is called only while
+  /// nothing is open that must be closed. It is necessary because an attempt to connect, or a read
+  /// from a pipe, cannot be interrupted.
   /// connect nor a read from a pipe can be interrupted.
   ///
   /// `report` is used if the request ends the command before `setReport`.
@@ -47,7 +48,7 @@ class Interruption {
   /// Replaces the report that is delivered if the request ends the command.
   void setReport(Report report);
 
-  /// That report, with the exit status of the request.
+  /// The report that is delivered, with the exit status of the request.
   Report report();
 
   /// Notes that the command talks to this device from now on.
@@ -56,26 +57,26 @@ class Interruption {
   /// The device that the command last talked to; empty if it has talked to none.
   std::optional<std::string> device();
 
-  /// Begins the stage in which nothing is open; a command starts in it. A request ends the process,
-  /// also one that arrived earlier.
+  /// Begins the stage in which nothing is open. A command starts in this stage. A request ends the
+  /// process, even if it arrived earlier.
   void begin();
 
   /// Begins the stage in which a port is open: after a request, `sleep` and `check` throw
   /// Interrupted.
   void beginExchange();
 
-  /// Begins the stage in which a job is printed. A request cancels the job, also one that arrived
+  /// Begins the stage in which a job is printed. A request cancels the job, even if it arrived
   /// earlier. The job must live until `end`.
   void beginJob(PrintJob& job);
 
   /// Begins the last stage, whose steps are always completed: a request has no effect any more.
   void end();
 
-  /// Waits for `time`, or until `noticed`, if it is a descriptor, is readable. Throws Interrupted
-  /// after a request, in the stage of an open port.
+  /// Waits for `time`, or until the descriptor `noticed` is readable; -1 means no descriptor.
+  /// Throws Interrupted after a request, in the stage of an open port.
   void sleep(std::chrono::microseconds time, int noticed = -1);
 
-  /// Throws as `sleep` does, for loops that never sleep.
+  /// Throws as `sleep` does, but does not wait. For loops that never sleep.
   void check();
 
  private:
@@ -92,20 +93,20 @@ class Interruption {
   std::optional<std::string> device_;
   Stage stage_ = Stage::Beginning;
   PrintJob* job_ = nullptr;
-  std::optional<ExitCode> code_;  // of the request; empty before it
+  std::optional<ExitCode> code_;  // the exit status of the request; empty before it
 };
 
-/// The platform of the command: this system's, but its sleeps can be interrupted. Some loops of a
-/// port never sleep; but each asks whether the accessory is connected, so that question can be
-/// interrupted as well.
+/// This system's platform, with sleeps that a request interrupts. Some loops of a port never sleep.
+/// But each of them asks whether the accessory is connected, so a request interrupts that question
+/// as well.
 class InterruptiblePlatform : public ForwardingPlatform {
  public:
   explicit InterruptiblePlatform(std::shared_ptr<Interruption> interruption);
 
   Clock& clock() override { return clock_; }
 
-  /// Adds an accessory. `device` is its device text: while a session on it is open, the command
-  /// talks to that device. If `device` is empty, the command's report does not name it.
+  /// Adds an accessory. `device` is its device text: opening a session on the accessory means that
+  /// the command talks to that device. If `device` is empty, the command's report does not name it.
   void attach(const std::shared_ptr<EAAccessory>& accessory, std::optional<std::string> device);
 
   /// All attached accessories, in the order in which they were attached.

@@ -78,7 +78,7 @@ Report reportOn(const std::vector<JobRecord>& jobs) {
 
 Report lookInto(const std::filesystem::path& file, const JobsOptions& options) {
   if (!options.forget && !options.olderThan && !std::filesystem::exists(file)) {
-    return reportOn({});  // a question must not create the file
+    return reportOn({});  // a query must not create the file
   }
   Journal journal(file);
   if (options.forget) {

@@ -8,7 +8,7 @@ class App;
 
 namespace quordalvane::tool {
 
-// Add the options for the journal, as the functions of OptionGrammar.h do for the others.
+// These functions add the options for the journal; they work like those of OptionGrammar.h.
 
 void addJournalOptions(CLI::App& app, PrintOptions& options);
 void addJobsOptions(CLI::App& app, Options& options);

@@ -20,14 +20,14 @@ namespace {
 
 using SystemTime = std::chrono::system_clock::time_point;
 
-// The result of one status query, which the guide calls a look.
+// The result of one look, which is a status query of `monitor`.
 struct Look {
   std::string state;  // for programs
   std::string text;   // for people
   Json status;        // null if the printer gave no status
   ExitCode code;
 
-  // Without the raw reply, whose content is in the other fields.
+  // The fields without the raw reply, which repeats them.
   Json fields() const {
     Json result = status;
     if (result.is_object()) {

@@ -27,7 +27,8 @@ class NamedPrinting {
   /// The outcome that the journal already has; null if the job must be printed.
   const PrintResult* answer() const;
 
-  /// Returns `options` with the additions that the journal needs; for the job that `run` takes.
+  /// Adds to `options` the functions by which the journal is kept. The result is for the job that
+  /// `run` prints.
   PrintJob::Options recorded(PrintJob::Options options);
 
   /// Prints the job and records its outcome. Throws a CommandFailure with ExitCode::NoJournal,

@@ -19,18 +19,18 @@ struct StatusOptions {
 
 struct PrintOptions {
   std::string file;                               ///< "-" is standard input
-  std::optional<ProofKind> proof;                 ///< empty: the device decides
+  std::optional<ProofKind> proof;                 ///< empty: the device's own key decides
   std::optional<std::uint32_t> endTimeout;        ///< milliseconds
   std::optional<std::uint32_t> holdPrintTimeout;  ///< milliseconds
-  std::optional<std::string> receipt;             ///< the path of a picture or text file
-  std::optional<std::string> job;                 ///< a name
-  std::optional<std::string> journal;             ///< the path of a file
+  std::optional<std::string> receipt;             ///< the path of the receipt file
+  std::optional<std::string> job;                 ///< the job's name
+  std::optional<std::string> journal;             ///< the path of the journal
   bool again = false;
   RenderOptions render;
 };
 
 struct JobsOptions {
-  std::optional<std::string> journal;      ///< the path of a file
+  std::optional<std::string> journal;      ///< the path of the journal
   std::optional<std::string> forget;       ///< the name of a job
   std::optional<std::uint32_t> olderThan;  ///< days
 };
@@ -41,7 +41,7 @@ struct DoctorOptions {
 
 struct MonitorOptions {
   std::uint32_t interval = 1000;  ///< milliseconds between two looks at the printer
-  std::uint32_t count = 0;        ///< of looks; 0 means without end
+  std::uint32_t count = 0;        ///< the number of looks; 0 means without end
 };
 
 /// How the output of a virtual printer is divided into receipts.
@@ -58,7 +58,7 @@ struct SimulateOptions {
   std::vector<std::string> listen;  ///< one place for each printer
   HostRule hosts = HostRule::One;
   std::vector<std::string> settings;    ///< key=value
-  std::optional<std::string> receipts;  ///< the path of a folder
+  std::optional<std::string> receipts;  ///< the path of the folder for receipts
   ReceiptPer per = ReceiptPer::Job;
   bool strict = false;
   std::optional<std::string> control;
@@ -69,7 +69,7 @@ struct SimulateOptions {
 /// default values.
 struct Options {
   std::vector<std::string> devices;
-  std::string devicesFrom = "--device";  ///< where they were named: an option or a variable
+  std::string devicesFrom = "--device";  ///< where the devices were named: an option or a variable
   std::string portName = "BT:";
   std::string settings;
   std::uint32_t timeout = 10000;  ///< milliseconds

@@ -53,7 +53,8 @@ ExitCode codeOf(const PrintResult& result) {
   return codeOfRefusal(result.obstacle);
 }
 
-// A hint how the next job can save the question about the proof; "" if this job asked none.
+// A hint that tells the user how the next job can avoid the question about the proof; "" if this
+// job did not ask it.
 std::string hintOf(const PrintResult& result) {
   return result.hasAskedForProof ? "\n  hint: ,proof=" + std::string(nameOf(result.proof)) +
                                        " after the device saves asking how the printer confirms"
@@ -184,7 +185,7 @@ PrintResult sendData(const std::vector<std::uint8_t>& data,
   return runJob(data, printer, line, options.print, named, surroundings);
 }
 
-// Does the same for a job with a name.
+// Like `sendData`, for a job with a name.
 Report printNamed(const std::vector<std::uint8_t>& data,
                   const std::shared_ptr<InterruptiblePlatform>& platform, const std::string& device,
                   const Options& options, const Surroundings& surroundings) {
@@ -219,7 +220,7 @@ Report printData(const std::vector<std::uint8_t>& data, const Options& options,
   return report;
 }
 
-// Without a device the job would "print" on the virtual printer, and its user would miss the paper.
+// A job without a device would be "printed" on the virtual printer and lost.
 void requireDevice(const Options& options) {
   if (options.devices.empty()) {
     throw CommandFailure(

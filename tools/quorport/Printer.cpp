@@ -91,7 +91,7 @@ CommandFailure whyNotOpen(const InterruptiblePlatform& platform, const Options& 
   return noneMatches(platform, options);
 }
 
-// The port's thread keeps the port alive, and still has to write a last record.
+// The port's thread keeps the port alive until it has written its last record.
 void awaitRelease(const std::weak_ptr<ExternalAccessoryPort>& port) {
   using namespace std::chrono_literals;
   const auto deadline = std::chrono::steady_clock::now() + 2s;

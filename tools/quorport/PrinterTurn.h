@@ -8,11 +8,11 @@
 
 namespace quordalvane::tool {
 
-/// Reserves the printer of `device` for a job. While another job of this machine has it, it waits,
-/// and says so on standard error. The result is empty if no lock is needed, because the printer is
-/// the built-in one. It is also empty if the locks cannot be used: this is reported on standard
-/// error, and the job is printed anyway. Throws a CommandFailure with ExitCode::NotReady if the
-/// wait exceeds the time-out in the options.
+/// Reserves the printer of `device` for a job. While another job of this machine uses the printer,
+/// it waits and reports this on standard error. Returns an empty lock for the built-in printer,
+/// which needs none. Also returns an empty lock, and reports it on standard error, if the locks
+/// cannot be used: the job is then printed anyway. Throws a CommandFailure with ExitCode::NotReady
+/// if the wait exceeds the time-out in the options.
 std::optional<ByteLock> takePrinter(const std::string& device, const Options& options,
                                     const Surroundings& surroundings);
 

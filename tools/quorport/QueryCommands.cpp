@@ -1,4 +1,4 @@
-// The commands that are one question to the printer, except `status`.
+// The commands that ask the printer a single question, except `status`.
 
 #include <nlohmann/json.hpp>
 

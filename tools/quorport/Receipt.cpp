@@ -57,7 +57,7 @@ Receipt::Receipt(std::string file, const std::shared_ptr<EAAccessory>& accessory
                          "--receipt shows the paper of the virtual printer, and the port "
                          "name chooses another device; it takes --device virtual:");
   }
-  // Opening for append keeps an older receipt until a new one is written.
+  // Opening the file for append does not change an older receipt; a new one replaces it later.
   if (!std::ofstream(file_, std::ios::app)) {
     throw CommandFailure(ExitCode::Usage,
                          "--receipt: " + whyNotWritten(file_) + "; nothing was sent");

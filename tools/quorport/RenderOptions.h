@@ -11,10 +11,11 @@ struct RenderOptions {
   enum class Content { Bytes, Text, Picture, TestPage };
 
   Content content = Content::Bytes;
-  std::uint32_t width = 576;            ///< of the paper, in dots
-  std::optional<std::string> codePage;  ///< the text that render::CodePage reads; empty means ASCII
-                                        ///< only
-  bool isOrdered = false;               ///< grey as an ordered pattern, not by error diffusion
+  std::uint32_t width = 576;  ///< the width of the paper in dots
+  /// The text that render::CodePage reads. Empty means ASCII only.
+  std::optional<std::string> codePage;
+  bool isOrdered = false;  ///< true: an ordered pattern for grey; false: error
+                           ///< diffusion
   bool cut = false;
   std::optional<std::uint32_t> drawer;  ///< 1 or 2; empty: no drawer opens
   bool drawerAfter = false;

@@ -31,8 +31,8 @@ std::string labelOf(const std::optional<std::string>& device) {
   if (!device) {
     return "";
   }
-  return printable(*device) + (device->ends_with(':') ? " " : ": ");  // "virtual:" already ends in
-                                                                      // a colon
+  // The text "virtual:" already ends in a colon.
+  return printable(*device) + (device->ends_with(':') ? " " : ": ");
 }
 
 void nameDevice(Report& report, const std::optional<std::string>& device) {

@@ -45,7 +45,7 @@ Report refusal(CommandKind kind, ExitCode code, const std::string& error,
   std::_Exit(static_cast<int>(report.code));
 }
 
-// Replaces each text that means several devices by those devices.
+// Replaces each text that stands for several devices by those devices.
 Options meant(Options options) {
   std::vector<std::string> devices;
   for (const std::string& text : options.devices) {
@@ -98,7 +98,7 @@ Answer answerTo(const std::vector<std::string>& arguments, const Streams& stream
   ExitCode code = ExitCode::Done;
   std::string error;
   try {
-    const StopSignals held;  // delays signals until the command can report an interruption
+    const StopSignals held;  // delays signals until they can be reported as an interruption
     const auto parsed = parseCommandLine(arguments);
     if (const auto* order = std::get_if<Order>(&parsed)) {
       return {reportOf(*order, streams), order->options.json, order->command->kind};
@@ -118,10 +118,10 @@ Answer answerTo(const std::vector<std::string>& arguments, const Streams& stream
   return {refusal(kind, code, error, jobNamedIn(arguments)), askForJson(arguments), kind};
 }
 
-// The exit status of a command that succeeded, but whose result could not be written. A question
-// then counts as failed. A print job must not be repeated, but its user must not believe that it
-// was seen to be printed: it counts as unconfirmed. If standard output was closed from the start,
-// nobody wanted the result.
+// The exit status of a command that succeeded, but whose result could not be written. A query then
+// counts as failed. A print job then counts as unconfirmed: its user has not seen that it was
+// printed, and must not simply print it again. If standard output was closed from the start, the
+// result was not wanted, and the job counts as printed.
 ExitCode codeOfLostResult(CommandKind kind, const std::error_code& error) {
   if (kind != CommandKind::Printing) {
     return ExitCode::ExchangeFailed;

@@ -6,9 +6,9 @@
 
 namespace quordalvane::tool {
 
-/// The candidate that the writer of `word` probably meant: one that begins with the word, or
-/// differs in few letters. Of several it is the nearest, and of equally near ones the first. "" if
-/// there is none.
+/// The candidate that the writer of `word` probably meant. It begins with the word, or differs from
+/// it in few letters. If there are several, the nearest one is returned, and the first of equally
+/// near ones. "" if there is none.
 std::string suggestion(std::string_view word, const std::vector<std::string>& candidates);
 
 }  // namespace quordalvane::tool

@@ -9,7 +9,8 @@
 int main(int argc, char** argv) {
   quordalvane::tool::occupyDescriptors(STDERR_FILENO);
   std::signal(SIGPIPE, SIG_IGN);
-  std::signal(SIGXFSZ, SIG_IGN);  // a full file is then an error of the write, not the end
+  // Ignored, so that a file that grows too large is only an error of the write.
+  std::signal(SIGXFSZ, SIG_IGN);
   quordalvane::addBluetoothScheme();
   return quordalvane::tool::run({argv + 1, argv + argc}, {});
 }

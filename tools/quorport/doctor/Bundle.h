@@ -9,8 +9,8 @@
 
 namespace quordalvane::tool {
 
-/// The file for support. It is one JSON object with the versions, the options, the findings and the
-/// diagnostic records of the whole examination. Collects the records during its lifetime.
+/// A file for support staff. It is one JSON object with the versions, the options, the findings and
+/// the diagnostic records of the whole examination. Collects the records during its lifetime.
 class Bundle {
  public:
   /// Throws a CommandFailure with ExitCode::Usage if the file exists already or cannot be created.

@@ -20,7 +20,8 @@
 namespace quordalvane::tool {
 namespace {
 
-// Nobody waits for a doctor as long as for a receipt; printers answer within some milliseconds.
+// The longest time-out in milliseconds. Printers answer within some milliseconds, and users do not
+// want to wait for a diagnosis as long as for a receipt.
 constexpr std::uint32_t longestTimeout = 1000;
 
 // The result of one status query.
@@ -28,8 +29,8 @@ struct Answer {
   std::optional<Finding> notOpened;
   std::optional<QuorPrinterStatus_2> status;
   std::optional<ProofKind> proof;
-  ByteBuffer bytes;        // the first that arrived, even if they are not a status
-  std::string portReport;  // if there is no status: the port's last known trouble
+  ByteBuffer bytes;        // the first bytes that arrived, even if they are not a status
+  std::string portReport;  // the trouble that the port last knew of, if there is no status
   bool isLinkLost = false;
 };
 
@@ -129,7 +130,7 @@ class Examination {
     PrinterInquiry inquiry(printer.port());
     try {
       answer.status = inquiry.status();
-      if (answer.status->offline == 0) {  // a printer that is off line may keep its answers
+      if (answer.status->offline == 0) {  // a printer that is off line may delay its answers
         answer.proof = inquiry.proof();
       }
     } catch (const InquiryError& error) {

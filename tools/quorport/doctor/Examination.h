@@ -22,7 +22,7 @@ struct Diagnosis {
   std::vector<std::string> remarks;
   std::optional<QuorPrinterStatus_2> status;   ///< empty if the printer gave none
   std::optional<ProofKind> proof;              ///< empty if it was not asked
-  ZKEmulation emulation = ZKEmulationUnknown;  ///< the one in which the printer answered
+  ZKEmulation emulation = ZKEmulationUnknown;  ///< the emulation in which the printer answered
 };
 
 /// Examines the device, whatever the port name is. Prints nothing, and the printer keeps the data

@@ -151,8 +151,8 @@ std::string Control::answer(std::string_view line, simulator::Instant now,
   return text;
 }
 
-// Removes the key `printer` from the request, and returns the printer that it names. Without the
-// key, returns the printer `only`, or all.
+// Removes the key `printer` from the request and returns the printer that it names. If the key is
+// missing, returns the printer of number `only`, or all printers if `only` is empty.
 Control::Printers Control::printersIn(Json& request, std::optional<std::size_t> only) {
   Printers chosen;
   const bool isNamed = request.is_object() && request.contains("printer");

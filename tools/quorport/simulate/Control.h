@@ -35,12 +35,12 @@ class Control {
   std::string answer(std::string_view line, simulator::Instant now,
                      std::optional<std::size_t> only = std::nullopt);
 
-  /// Is called with each line and its answer.
+  /// A function that is called with each line and its answer.
   using Listener = std::function<void(std::string_view line, std::string_view answer,
                                       std::optional<std::size_t> only)>;
   void listen(Listener listener) { listener_ = std::move(listener); }
 
-  /// The answer to a line `get` about one printer.
+  /// The answer to a line `get` about the printer of that number.
   Json get(const std::string& what, std::size_t printer) const;
 
   /// True if a line has asked for the end.

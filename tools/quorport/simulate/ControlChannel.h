@@ -50,7 +50,7 @@ class ControlChannel {
   const int out_;
   Control& control_;
   std::string unread_;
-  bool skipsLine_ = false;  // the rest of a line that is too long has yet to arrive
+  bool skipsLine_ = false;  // true until the rest of a line that is too long has arrived
   std::string answers_;
   bool inputEnded_ = false;
 };

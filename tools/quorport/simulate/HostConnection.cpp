@@ -62,8 +62,8 @@ void HostConnection::work(Instant now) {
   }
 }
 
-// While the printer has no space, nothing is read from the host, so its end is not noticed by
-// reading. Once it has left, the rest is read to the end: it is short, as nothing can follow.
+// While the printer has no space, nothing is read from the host. So the end of the connection is
+// found here. Then the rest is read, which is short, because nothing can follow.
 void HostConnection::noticeHangUp() {
   constexpr int hangUp = POLLRDHUP | POLLHUP | POLLERR;
   const bool wouldBeRead = hostEnded_ || wantsBytes();
@@ -151,8 +151,8 @@ void HostConnection::giveToHost(Instant now) {
 void HostConnection::followDrop(Instant now) {
   if (link_.wasReset(now)) {
     line_->resetOnClose();
-    // The connection ends with the next call: on a terminal the next host appears at once, and if
-    // each were dropped in this loop, the other printers would get no turn.
+    // The connection ends only at the next call. On a terminal the next host is there immediately;
+    // if it were dropped in this loop, the other printers would get no turn.
     lastSettling_ = now;
   } else if (link_.dropped(now)) {
     line_->endOutput();

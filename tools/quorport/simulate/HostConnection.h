@@ -44,8 +44,7 @@ class HostConnection {
   void readAhead() { readsAhead_ = true; }
   bool readsAhead() const { return readsAhead_; }
 
-  /// True if the host will send nothing more, and everything that it sent has been read from the
-  /// line.
+  /// True if the host has ended its side, and everything that it sent has been read from the line.
   bool hostEnded() const { return hostEnded_; }
 
   /// True if the printer ended the connection.
@@ -67,13 +66,14 @@ class HostConnection {
   std::unique_ptr<Line> line_;
   simulator::PrinterLink& link_;
   std::vector<std::uint8_t> outgoing_;
-  std::vector<std::uint8_t> incoming_;  // received, but not yet taken by the printer
-  std::size_t passedOn_ = 0;            // how many of them the printer has taken
+  std::vector<std::uint8_t> incoming_;  // bytes that the printer has not taken yet
+  std::size_t passedOn_ = 0;            // how many of those bytes the printer has taken
   bool readsAhead_ = false;
   bool hostEnded_ = false;
   bool over_ = false;
   std::optional<simulator::Instant> lastReceived_;
-  std::optional<simulator::Instant> lastSettling_;  // after a drop: when waiting ends
+  std::optional<simulator::Instant> lastSettling_;  // the latest end of the connection, after a
+                                                    // drop
 };
 
 }  // namespace quordalvane::tool

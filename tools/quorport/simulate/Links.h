@@ -40,11 +40,11 @@ class Links {
   /// Applies the pending faults and settings whose time has arrived.
   void work(simulator::Instant now);
 
-  /// When the next of them is due; empty if none is pending.
+  /// When the next pending fault or setting is due; empty if none is pending.
   std::optional<simulator::Instant> nextEvent() const;
 
  private:
-  struct Coming {  // the fault that an `at` delays, with its time
+  struct Coming {  // a fault or setting that `at` delays
     simulator::Instant due;
     simulator::Fault fault;
   };

@@ -9,10 +9,10 @@ namespace quordalvane::tool {
 
 /// A pseudo-terminal, whose other side hosts open like a serial line.
 ///
-/// Our side cannot see that the other side is opened, so there is always a connection. It ends when
-/// the last host that has sent data closes the terminal; the next one then begins at once. If the
-/// printer drops the link, the terminal is removed, because a host notices nothing else, and a new
-/// one is created under another name.
+/// This side does not see when the other side is opened, so there is always a connection. It ends
+/// when the last host that has sent data closes the terminal, and the next connection begins at
+/// once. A host notices a dropped link only if its terminal disappears. So when the printer drops
+/// the link, the terminal is removed, and a new one with another name is created.
 class PtyListener : public Listener {
  public:
   /// Throws std::system_error if the system has no terminal left.

@@ -23,7 +23,7 @@ class ReceiptWriter {
     simulator::Paper paper;
     bool apart = false;  ///< each piece of paper is a receipt of its own
     std::size_t station = 0;
-    bool isLookedAt = false;  ///< browsers are connected: its receipts must be drawn
+    bool isLookedAt = false;  ///< true if browsers look at it, so its receipts must be drawn
   };
 
   /// The report of a job as a line, and the errors about its files.

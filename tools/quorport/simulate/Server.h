@@ -29,7 +29,7 @@ namespace quordalvane::tool {
 class Server {
  public:
   struct Host {
-    std::string name;  ///< of the printer; may be empty
+    std::string name;  ///< the printer's name; may be empty
     std::unique_ptr<Listener> listener;
   };
 
@@ -69,16 +69,17 @@ class Server {
   const Habits habits_;
   StopSignals signals_;
   Places places_;
-  ReceiptWriter writer_;  // must outlive the printers, whose destructors pass on their last jobs
+  ReceiptWriter writer_;  // must outlive the printers: their destructors end their last jobs
   unsigned long jobs_ = 0;
   unsigned long jobsNotOk_ = 0;
-  std::unique_ptr<Audience> audience_;  // must outlive them as well; may be null
+  std::unique_ptr<Audience> audience_;  // must outlive the printers as well; may be null
   std::list<Station> stations_;
   Control control_;
   std::map<const Station*, std::string> announced_;  // the last announced address of each printer
-  ControlChannel own_;                               // on standard input and output
+  ControlChannel own_;                               // control lines on standard input, answers on
+                                                     // standard output
   std::list<ControlChannel> channels_;
-  std::optional<simulator::Instant> quitAt_;  // after a request to quit: the latest time of the end
+  std::optional<simulator::Instant> quitAt_;  // the latest time of the end, after a request to quit
 };
 
 }  // namespace quordalvane::tool

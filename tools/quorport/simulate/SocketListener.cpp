@@ -72,8 +72,8 @@ class SocketListener : public Listener {
     if (number < 0) {
       return nullptr;
     }
-    const int on = 1;  // sends short answers at once; fails on a Unix socket, which never delays
-                       // them
+    // Sends short answers at once. A Unix socket refuses this option, and does not need it.
+    const int on = 1;
     ::setsockopt(number, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     return std::make_unique<SocketLine>(Descriptor(number, Descriptor::Kind::Socket));
   }
@@ -205,7 +205,7 @@ std::unique_ptr<Listener> listenOnUnix(const std::string& path, SocketAccess acc
   const sockaddr_un address = unixAddress(path);
   check(::bind(socket.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0);
   auto listener = std::make_unique<UnixListener>(std::move(socket), path);
-  // The mode is set before anybody can connect.
+  // The access mode is set before anybody can connect.
   check(access == SocketAccess::AsUsual || ::chmod(path.c_str(), S_IRUSR | S_IWUSR) == 0);
   check(::listen(listener->descriptor(), SOMAXCONN) == 0);
   return listener;

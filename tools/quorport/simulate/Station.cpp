@@ -14,10 +14,11 @@ namespace {
 using namespace std::chrono_literals;
 using simulator::Instant;
 
-// A cut ends the job if nothing is received for this time after it.
+// If nothing is received for this time after a cut, the cut ends the job.
 constexpr Instant quietTime = 1s;
 
-// A host that sends nothing for this time, and has no data in the printer, gives way to the next.
+// A host that sends nothing for this time, and has no data in the printer, loses its turn to the
+// next host.
 constexpr Instant turnTime = 200ms;
 
 constexpr std::size_t mostWaiting = 64;
@@ -61,8 +62,7 @@ void Station::await(std::vector<pollfd>& awaited) const {
   }
 }
 
-// A waiting host gets its turn only after the current one has been quiet for the turn time, so the
-// loop wakes then.
+// If a host waits, the loop must wake when the current host has been quiet for the turn time.
 std::optional<Instant> Station::nextEvent(Instant now) const {
   std::optional<Instant> next =
       earlier(links_.nextEvent(), host_ ? host_->nextEvent(now) : printer_.nextEvent());
@@ -165,7 +165,7 @@ void Station::letHostsQueue() {
   }
 }
 
-// The next turn is for the first of the waiting hosts that has sent something.
+// Gives the next turn to the first waiting host that has sent something.
 void Station::takeTurns(Instant now) {
   if (!mayMakeRoom(now)) {
     return;

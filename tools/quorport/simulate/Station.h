@@ -99,7 +99,7 @@ class Station {
   std::optional<HostConnection> host_;
   std::list<std::unique_ptr<Line>> waiting_;  // connected hosts that wait for their turn
   std::function<void(bool)> watchHosts_;      // may be empty
-  Counters done_;                             // of the papers that were passed to `keep`
+  Counters done_;                             // the counts of the papers that were passed to `keep`
 };
 
 }  // namespace quordalvane::tool

@@ -24,14 +24,14 @@ class TestLine : public Line {
 
 constexpr auto initialise = "\x1b@";
 constexpr auto centred = "\x1b\x61\x01";
-constexpr auto left = "\x1b\x61";  // a zero byte follows
+constexpr auto left = "\x1b\x61";  // followed by a zero byte
 constexpr auto doubled = "\x1d\x21\x11";
-constexpr auto single = "\x1d\x21";  // a zero byte follows
+constexpr auto single = "\x1d\x21";  // followed by a zero byte
 constexpr auto bold = "\x1b\x45\x01";
-constexpr auto notBold = "\x1b\x45";  // a zero byte follows
-constexpr auto fed = "\x1b\x64\x04";  // four lines; means this in ESC/POS, which earlier commands
-                                      // show
-constexpr auto fullCut = "\x1d\x56";  // a zero byte follows
+constexpr auto notBold = "\x1b\x45";  // followed by a zero byte
+// Four lines. The commands before it show that this job is ESC/POS, in which it is a feed.
+constexpr auto fed = "\x1b\x64\x04";
+constexpr auto fullCut = "\x1d\x56";  // followed by a zero byte
 
 std::string line(const std::string& name, const std::string& value) {
   constexpr std::size_t column = 14;

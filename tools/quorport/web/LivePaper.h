@@ -22,8 +22,8 @@ class LivePaper {
   /// To be called after the paper was torn off: the next paper starts empty.
   void begin();
 
-  /// To be called if the printer prints faster than can be drawn. This paper is shown no further;
-  /// the next one is.
+  /// To be called if the printer prints faster than its paper can be drawn. The rest of this paper
+  /// is not shown; the next paper is.
   void giveUp() { isLost_ = true; }
   bool isLost() const { return isLost_; }
 
@@ -40,14 +40,14 @@ class LivePaper {
   void followLast(const simulator::PaperItem& last, PaperArtist::Print& print);
   void remember(const simulator::PaperItem& last);
 
-  std::size_t seen_ = 0;        // the count of items already passed on
-  std::size_t seenWeight_ = 0;  // the weight of the paper at that time
-  int seenFeed_ = 0;            // the dots of the last item, if it is a feed
+  std::size_t seen_ = 0;        // the number of items already passed on
+  std::size_t seenWeight_ = 0;  // the weight of the paper at the last call
+  int seenFeed_ = 0;            // the length of the last item, if it is a feed
   bool seenPartialCut_ = false;
   bool isLost_ = false;
 
   std::deque<http::Text> events_;
-  std::deque<unsigned> rows_;  // the rows of each event
+  std::deque<unsigned> rows_;  // the number of rows in each event
   unsigned rowsKept_ = 0;
   unsigned length_ = 0;
 };

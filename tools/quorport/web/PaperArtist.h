@@ -20,10 +20,10 @@ class PaperArtist {
   struct Print {
     std::size_t printer = 0;
     std::vector<simulator::PaperItem> items;
-    std::size_t weight = 0;    ///< of the items, in bytes, approximately
-    std::int64_t printed = 0;  ///< when it was printed, in milliseconds since 1970
-    unsigned width = 0;        ///< of the paper, in dots
-    bool isTornOff = false;    ///< the paper ends after these items
+    std::size_t weight = 0;    ///< the approximate size of the items in bytes
+    std::int64_t printed = 0;  ///< the time of printing, in milliseconds since 1970
+    unsigned width = 0;        ///< the width of the paper in dots
+    bool isTornOff = false;    ///< true if the paper ends after these items
   };
 
   /// The output after it was drawn.
@@ -33,7 +33,7 @@ class PaperArtist {
     std::string text;
     std::int64_t printed = 0;
     unsigned width = 0;
-    unsigned length = 0;  ///< of the paper so far, in dots
+    unsigned length = 0;  ///< the length of the paper so far, in dots
     bool isTornOff = false;
   };
 
@@ -63,12 +63,13 @@ class PaperArtist {
   std::mutex mutex_;
   std::condition_variable changed_;
   std::deque<Print> waiting_;
-  std::size_t weight_ = 0;  // of the waiting outputs
+  std::size_t weight_ = 0;  // the sum of the waiting outputs' weights
   bool ends_ = false;
   std::vector<Drawing> drawn_;
-  std::map<std::size_t, simulator::PaperStrips> papers_;  // by printer; only for the thread
-  std::thread thread_;                                    // the last member, because it uses all
-                                                          // others
+  std::map<std::size_t, simulator::PaperStrips> papers_;  // the papers by printer number, used only
+                                                          // by the thread
+  // The last member, because the thread uses all others.
+  std::thread thread_;
 };
 
 }  // namespace quordalvane::tool

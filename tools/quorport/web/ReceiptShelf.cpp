@@ -11,7 +11,7 @@
 namespace quordalvane::tool {
 namespace {
 
-constexpr std::size_t shownBytes = 64;  // of each command
+constexpr std::size_t shownBytes = 64;  // shown of each command
 
 http::Text shared(std::string text) {
   return std::make_shared<const std::string>(std::move(text));

@@ -21,8 +21,8 @@ class ReceiptShelf {
  public:
   static constexpr std::size_t mostReceipts = 200;
   static constexpr std::size_t mostBytes = std::size_t{64} << 20U;
-  static constexpr std::size_t mostListed = 50;      ///< in one list
-  static constexpr std::size_t mostCommands = 2000;  ///< in one answer
+  static constexpr std::size_t mostListed = 50;      ///< the most receipts in one list
+  static constexpr std::size_t mostCommands = 2000;  ///< the most commands in one answer
 
   /// The printer that printed a job.
   struct Origin {

@@ -41,9 +41,9 @@ class TrafficLog {
     std::string_view kind;
     std::string name{};
     std::string meaning{};
-    simulator::Bytes bytes{};  // only the first of them
+    simulator::Bytes bytes{};  // only the first bytes
     std::size_t length = 0;
-    std::string answer{};  // to a control line
+    std::string answer{};  // the answer to a control line
   };
 
   bool hasRoom();

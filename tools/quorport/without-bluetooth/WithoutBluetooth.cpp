@@ -1,5 +1,5 @@
-// Replaces the Bluetooth back end if its library is missing. The scheme is still known, and its use
-// fails with the reason.
+// Replaces the Bluetooth back end if its library is missing. The scheme `bluetooth:` still exists,
+// but its use fails with an error that names the reason.
 #include "backends/Schemes.h"
 #include "backends/SpecText.h"
 #include "backends/bluez/BluetoothScheme.h"

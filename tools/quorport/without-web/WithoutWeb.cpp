@@ -1,5 +1,5 @@
-// Replaces the web page if the library that serves it is missing. --web is still known, and fails
-// with the reason.
+// Replaces the web page if the library that serves it is missing. The option --web still exists,
+// but fails with an error that names the reason.
 #include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/simulate/Audience.h"
 

@@ -3,7 +3,7 @@
 import { make, write } from "./dom.js";
 import { grouped, paperLength, titled } from "./words.js";
 
-/** For counters whose key does not explain itself. */
+/** The words for counters whose key does not explain itself. */
 const names = {
   bytes: "bytes printed", drawer: "drawer pulses", etbCounter: "job marks", buffered: "bytes waiting",
 };

@@ -24,13 +24,13 @@ export class Paper {
     this.empty = make("p", {class: "hint"}, "Nothing hangs out. Print to ", make("code", {}, place));
     const label = `Paper of ${printerName}`;
     this.element = make("div", {class: "paper", role: "region", tabindex: "0", "aria-label": label});
-    this.order = Promise.resolve(); // events are drawn in order, although pictures are decoded asynchronously
+    this.order = Promise.resolve(); // draws events in order, although their pictures are decoded at the same time
     this.begin();
   }
 
   begin() {
     this.strip = make("div", {class: "strip", role: "img"});
-    this.sheets = new Map(); // by number, counted from the top
+    this.sheets = new Map(); // the sheets by number, counted from the top
     this.cuts = [];
     this.words = make("pre", {class: "unseen"});
     this.lost = make("p", {class: "lost", hidden: true}, tooFast);
@@ -40,7 +40,7 @@ export class Paper {
     this.measure();
   }
 
-  /** Draws rows, over any rows at the same place. */
+  /** Draws rows. They replace earlier rows at the same place. */
   draw(part) {
     const picture = part.png ? decoded(part.png) : Promise.resolve(null);
     picture.catch(() => {}); // the chain below handles the error in its turn

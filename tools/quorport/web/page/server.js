@@ -34,9 +34,8 @@ export async function control(printer, line) {
 }
 
 /**
- * Calls `handlers[name]` with the data of each event of that name, as long as the page is open. Calls `onLink` with
- * whether the server is connected. The browser repairs a lost connection by itself; if the server has refused it, this
- * connects again.
+ * if the server has refused it, this connects again=>if the server has refused the connection, this function connects
+ * again
  */
 export function follow(handlers, onLink) {
   const source = new EventSource("api/events");

@@ -4,7 +4,7 @@ import { freshId, make, write } from "./dom.js";
 import { binarySteps, decimalSteps, nearest } from "./steps.js";
 import { counted, grouped, labelOf, titled } from "./words.js";
 
-const unlimited = 0; // the value that means no limit
+const unlimited = 0; // the speed that means no limit
 const fastest = 100000; // bytes a second; a till notices no higher speed
 const largest = 1 << 20;
 
