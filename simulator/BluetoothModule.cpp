@@ -17,7 +17,7 @@ constexpr std::size_t escapeLength = 3;
 constexpr std::string_view askAddress = "AT*AILBA?";
 constexpr std::string_view dropLink = "AT*AMWS=10,0,0,0,1,0";
 
-// Keeps one byte more of a longer command, so that it cannot match a known one.
+// Of a longer command, one byte more than this is kept, so that it cannot equal a known command.
 constexpr std::size_t longestCommand = dropLink.size();
 
 }  // namespace

@@ -59,7 +59,7 @@ constexpr Table katakanaAndSigns = {
 
 struct Source {
   std::string_view page;
-  const char* encoding;  // for the system's converter; null: a table in this file
+  const char* encoding;  // the encoding's name for the system's converter; null: `table` is used
   const Table* table;
 };
 
@@ -130,7 +130,7 @@ UpperHalf load(const Source& source) {
   if (source.table == nullptr) {
     characters = converted(source.encoding);
     if (source.page == "857") {
-      characters[0xd5 - upperHalf] = 0x20ac;  // the euro sign, on printers only
+      characters[0xd5 - upperHalf] = 0x20ac;  // printers have the euro sign here
     }
     return characters;
   }

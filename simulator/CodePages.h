@@ -14,9 +14,9 @@ using UpperHalf = std::array<char32_t, 128>;
 /// there is no such page.
 std::string_view codePageNamed(std::string_view page);
 
-/// The characters of a page, which must exist. Each page is converted once, by the system's
-/// converter; if the converter does not know the page, all characters are missing. May be called
-/// from any thread.
+/// The characters of `page`, which must exist. The system's converter converts each page once. If
+/// it does not know the page, every character of the page is `noCharacter`. May be called from any
+/// thread.
 const UpperHalf& upperHalfOf(std::string_view page);
 
 /// The names of all pages.

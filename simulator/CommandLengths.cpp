@@ -15,8 +15,8 @@ using LengthRule = std::uint64_t (*)(ByteView);
 struct Form {
   std::uint8_t prefixLength;
   std::array<std::uint8_t, 3> prefix;
-  std::uint8_t header;  // bytes that must be present before `rule` is called
-  LengthRule rule;      // null: the header is the whole command
+  std::uint8_t header;  // how many bytes must be present before `rule` is called
+  LengthRule rule;      // null: the command ends with its header
   KnownWith knownWith = KnownWith::Always;
 };
 
@@ -35,7 +35,7 @@ constexpr Form only(KnownWith with, Form form) {
   return form;
 }
 
-// A longer prefix must precede the shorter one that it refines.
+// Order matters: a longer prefix must precede the shorter one that it refines.
 constexpr Form commandForms[] = {
     only(KnownWith::Block, three(0x1b, 0x1d, 0x03, 6)),
     only(KnownWith::LineMode, three(0x1b, 0x23, 0x2a, 5)),
@@ -186,7 +186,7 @@ const Form* formOf(ByteView bytes, const Dialect& dialect) {
   return found == std::end(commandForms) ? nullptr : found;
 }
 
-// 12 (hex) begins commands of small printers, and 1f those of customer displays.
+// The byte 12 (hex) begins commands of small printers, and 1f begins commands of customer displays.
 bool startsCommand(std::uint8_t byte) {
   return byte == 0x10 || byte == 0x12 || (byte >= 0x1b && byte <= 0x1f && byte != 0x1e);
 }

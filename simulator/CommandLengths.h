@@ -7,9 +7,9 @@
 
 namespace quordalvane::simulator {
 
-/// The least total length, in bytes, of the command that starts with `bytes`, as far as these bytes
-/// (at least one) show it. The command is complete when the result equals their count. If the
-/// result is larger, that many bytes must arrive before more is known.
+/// The least total length of the command that starts with `bytes`, as far as they show it, in
+/// bytes. `bytes` must not be empty. If the result equals the count of `bytes`, the command is
+/// complete. If it is larger, that many bytes must arrive before more is known.
 ///
 /// A byte that starts no command counts as a command of length one. A command that a printer of
 /// this dialect does not know is unknown, and ends with the byte that shows this.

@@ -11,18 +11,18 @@ namespace quordalvane::simulator {
 
 /// A command of a job, or a run of characters.
 struct ListedCommand {
-  std::uint64_t offset = 0;  ///< of its first byte in the job
+  std::uint64_t offset = 0;  ///< the position of its first byte in the job
   std::uint64_t length = 0;
-  std::string name;     ///< see `nameOf`; "text" for characters, "cut off" for an incomplete
-                        ///< command
-  std::string meaning;  ///< in words; for a run of characters: the characters in ASCII
-  bool isKnown = true;  ///< a printer of this dialect knows it
+  /// See `nameOf`. "text" for characters, and "cut off" for an incomplete command.
+  std::string name;
+  std::string meaning;  ///< in words; for a run of characters, the characters in ASCII
+  bool isKnown = true;  ///< true if a printer of this dialect knows it
 };
 
 /// A part of a job, command by command.
 struct Listing {
   std::vector<ListedCommand> commands;
-  std::uint64_t next = 0;  ///< the offset of the next command; at the end the length of the job
+  std::uint64_t next = 0;  ///< the offset of the next command; at the end, the length of the job
 };
 
 /// Lists the commands of a job that begin at `from` or later, at most `most` of them.

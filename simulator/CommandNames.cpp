@@ -15,7 +15,7 @@ struct Entry {
   std::string_view meaning;
 };
 
-// A longer beginning must precede the shorter one that it refines.
+// Order matters: a longer beginning must precede the shorter one that it refines.
 constexpr Entry entries[] = {
     {2, {0x10, 0x04, 0x00, 0x00}, "status, at once"},
     {2, {0x10, 0x05, 0x00, 0x00}, "recover from an error"},

@@ -21,13 +21,14 @@ class CommandScanner {
   /// The bytes of the current command. A complete command can be read until the next byte.
   const Bytes& bytes() const { return bytes_; }
 
-  /// The meaning of the complete command for the printer.
+  /// What the complete command does to the printer.
   MachineCommand command() const;
 
   /// True if the printer knows the complete command, even if only by its length.
   bool isKnown() const;
 
-  /// True while an unfinished command may still become one that is more than print data.
+  /// True while an unfinished command may still become a command for the printer itself, not only
+  /// for the paper.
   bool mayConcernTheMachine() const;
 
   /// True after the first byte of a command and before its last.
@@ -37,11 +38,11 @@ class CommandScanner {
   void restart();
 
  private:
-  Dialect dialect_;      // for the current command
-  Dialect nextDialect_;  // for the commands after it
+  Dialect dialect_;      // the dialect for the current command
+  Dialect nextDialect_;  // the dialect for the commands after it
   Bytes bytes_;
-  std::uint64_t length_ = 0;  // received bytes of the command, stored or not
-  std::uint64_t needed_ = 1;  // received bytes that it needs at least to be complete
+  std::uint64_t length_ = 0;  // how many bytes of the command have arrived, stored or not
+  std::uint64_t needed_ = 1;  // how many bytes the command must have at least
 };
 
 }  // namespace quordalvane::simulator

@@ -6,14 +6,14 @@
 
 namespace quordalvane::simulator {
 
-/// Stands for bytes that are not a character.
+/// The character that stands for bytes without a character.
 inline constexpr char32_t noCharacter = 0xfffd;
 
-/// Converts one encoding to Unicode by the system's converter, one character at a time. Must not be
+/// Converts an encoding to Unicode, one character at a time, by the system's converter. Must not be
 /// used by two threads at once.
 class Conversion {
  public:
-  /// If the system does not know the encoding, every character is missing.
+  /// If the system does not know the encoding, every character is `noCharacter`.
   explicit Conversion(const char* encoding);
 
   /// The single character that these bytes encode. `noCharacter` if they encode no character,

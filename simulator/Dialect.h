@@ -4,11 +4,11 @@
 
 namespace quordalvane::simulator {
 
-/// Which optional commands a printer knows. A plain value.
+/// The optional commands that a printer knows. A plain value.
 struct Dialect {
   Proofs proofs = Proofs::all();
-  bool lineMode = true;  ///< it knows the maker's own commands as well as ESC/POS
-  bool display = false;  ///< only the customer display is selected now, so its commands count
+  bool lineMode = true;  ///< the printer also knows the maker's own commands
+  bool display = false;  ///< true while only the customer display is selected
 
   bool operator==(const Dialect&) const = default;
 };

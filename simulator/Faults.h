@@ -41,16 +41,16 @@ enum class FaultKind {
 /// A fault of a link. The kind decides which members are used; see docs/virtual-printer.md.
 struct Fault {
   FaultKind kind{};
-  std::uint64_t count = 0;             ///< bytes; for `StrayByte` the byte itself
+  std::uint64_t count = 0;             ///< a count of bytes; for `StrayByte`, the byte itself
   Instant time{};                      ///< a delay, a duration or a time
-  std::uint64_t reply = 0;             ///< the number of the affected reply, from 1; 0: all
-  std::optional<ReplyKind> replyKind;  ///< only replies of this kind are affected; empty: all
-  std::vector<std::uint64_t> offsets;  ///< where a reply is split, ascending
+  std::uint64_t reply = 0;             ///< the number of the affected reply, from 1; 0: all replies
+  std::optional<ReplyKind> replyKind;  ///< the kind of the affected replies; empty: all replies
+  std::vector<std::uint64_t> offsets;  ///< the positions at which a reply is split, ascending
   Ending ending = Ending::Drain;
-  std::string key;  ///< for `At`: the setting or fault that it applies
+  std::string key;  ///< only for `At`: the setting or fault that it applies
   std::string value;
-  std::string name;   ///< as the user wrote it
-  std::string given;  ///< the value, as the user wrote it
+  std::string name;   ///< the fault's name, as the user wrote it
+  std::string given;  ///< the fault's value, as the user wrote it
 };
 
 /// A part of a fault's value, for programs that ask the user for it.
@@ -58,11 +58,11 @@ struct FaultPart {
   std::string_view before;  ///< the text between this part and the previous one
   std::string_view label;   ///< its meaning, in a word or two
   enum class Kind { Number, Hex, Text, Ending, Reply, Proof } kind;
-  bool isOptional = false;  ///< may be left out, together with `before`
+  bool isOptional = false;  ///< may be omitted, together with `before`
 };
 
-/// The name of a fault and the form of its value. The value is its parts in order; `true` if it has
-/// no parts.
+/// The name of a fault and the form of its value. The value consists of the parts, in order;
+/// without parts it is `true`.
 struct FaultForm {
   std::string_view name;
   std::string_view takes;  ///< in words
@@ -73,7 +73,7 @@ struct FaultForm {
 /// The forms of all faults.
 std::vector<FaultForm> faultForms();
 
-/// The words that a part accepts; empty for a number or a free text.
+/// The words that a part accepts; empty if it is a number or any text.
 std::vector<std::string_view> choicesOf(FaultPart::Kind kind);
 
 /// True if there is a fault of this name.
@@ -87,7 +87,7 @@ Fault parseFault(std::string_view name, std::string_view value);
 /// The faults of a link, in the order in which they were added. A plain value.
 struct Faults {
   std::vector<Fault> list;
-  std::optional<std::uint64_t> seed;  ///< for the random choices of faults; empty means 0
+  std::optional<std::uint64_t> seed;  ///< the seed of the random choices of faults; empty means 0
 
   /// Adds a fault, or sets the seed if `name` is `seed`. Throws as `parseFault` does.
   void add(std::string_view name, std::string_view value);

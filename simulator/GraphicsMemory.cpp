@@ -8,14 +8,16 @@
 namespace quordalvane::simulator {
 namespace {
 
-// The widest paper. Without this limit a few bytes and a scale could create a huge image.
+// The widest paper in dots. Without this limit, a few bytes with a large scale could create a huge
+// image.
 constexpr unsigned widest = widePaperDots;
 
 unsigned word(ByteView bytes, std::size_t at) {
   return bytes[at] + 256U * bytes[at + 1];
 }
 
-// The memory of an image, combined with the two bytes or the number of the image there.
+// An image has a key: one of these, which names its memory, plus the two bytes or the number by
+// which a job names the image there.
 constexpr unsigned keptMemory = 1U << 16U;       // for graphics; survives an initialisation
 constexpr unsigned downloadMemory = 2U << 16U;   // for graphics
 constexpr unsigned numberedMemory = 3U << 16U;   // for 1c 71; survives an initialisation
@@ -90,7 +92,7 @@ Bitmap columnImage(ByteView command) {
   }
   const bool tall = command[2] >= 32;
   const bool dense = (command[2] & 1U) != 0;
-  // A stripe of eight dots is as high as one of 24. A dot of single density is twice as wide.
+  // A stripe of eight dots is as high as a stripe of 24. In single density, a dot is twice as wide.
   return fromColumns(command.subspan(5), word(command, 3), tall ? 24 : 8, dense ? 1 : 2,
                      tall ? 1 : 3);
 }
@@ -202,8 +204,8 @@ GraphicsMemory::Outcome GraphicsMemory::erase(unsigned first, unsigned last) {
   return Outcome::Stored;
 }
 
-// The bytes are 1c 71 n. For each image follow its size in units of eight dots, and its columns.
-// They replace all images of this memory.
+// The bytes are 1c 71 n. Then, for each image, its size in units of eight dots, and its columns.
+// They replace all earlier images of this memory.
 GraphicsMemory::Outcome GraphicsMemory::storeNumbered(ByteView command) {
   erase(numberedMemory, numberedMemory + memorySize);
   std::size_t at = 3;

@@ -19,32 +19,31 @@ Bitmap columnImage(ByteView command);
 /// The dots of a bit-image command 1d 51, in which the job sets the height.
 Bitmap tallColumnImage(ByteView command);
 
-/// The dots of columns, enlarged. Each column has `tall` dots; the highest bit of its first byte is
-/// at the top. The result is empty if dots are missing.
+/// Converts columns to dots and enlarges them. Each column has `tall` dots; the highest bit of its
+/// first byte is at the top. The result is empty if bytes are missing.
 Bitmap fromColumns(ByteView columns, unsigned count, unsigned tall, unsigned scaleX,
                    unsigned scaleY);
 
-/// The enlarged dots, cut off at the width of the widest paper.
+/// The same image, enlarged, and cut off at the width of the widest paper.
 Bitmap enlarged(const Bitmap& image, unsigned scaleX, unsigned scaleY);
 
-/// The images that are stored by one command and printed by another: the print buffer of 1d 28 4c
-/// and 1d 38 4c, and the memories of 1d 28 4c, 1d 44, 1c 71 and 1d 2a (hex). Holds at most
-/// `mostBytes`.
+/// The images that one command stores and another prints: the print buffer of 1d 28 4c and 1d 38
+/// 4c, and the memories of 1d 28 4c, 1d 44, 1c 71 and 1d 2a (hex). Holds at most `mostBytes`.
 class GraphicsMemory {
  public:
   enum class Outcome { Stored, Print, Unknown };
 
   static constexpr std::size_t mostBytes = std::size_t{1} << 20U;
 
-  /// Executes one of these commands, or one of the commands that print, 1c 70 and 1d 2f. After
-  /// `Print` the caller prints `image()`. Returns `Unknown` if the image does not fit or the
-  /// command is not valid.
+  /// Executes a command that stores an image, or one that prints it: 1c 70 or 1d 2f. If the result
+  /// is `Print`, the caller prints `image()`. `Unknown` means that the image does not fit or the
+  /// command is invalid.
   Outcome apply(ByteView command);
 
   /// The image to be printed: one bitmap for each colour.
   const std::vector<Bitmap>& image() const { return image_; }
 
-  /// Initialises the printer; images in permanent memory remain.
+  /// Initialises the printer. Images in permanent memory are kept.
   void initialise();
 
  private:

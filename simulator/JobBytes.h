@@ -7,8 +7,8 @@
 
 namespace quordalvane::simulator {
 
-/// The received bytes of the current job, and after them the bytes that have not been printed yet.
-/// Stores only the first bytes of a long job.
+/// The received bytes: those of the current job, and then those that are not printed yet. Of a long
+/// job only the first bytes are kept.
 class JobBytes {
  public:
   static constexpr std::size_t mostKept = std::size_t{1} << 20U;
@@ -16,7 +16,7 @@ class JobBytes {
   /// Adds received bytes.
   void receive(ByteView bytes);
 
-  /// Assigns bytes to the job: the first `position` of all bytes ever received have been printed.
+  /// Adds bytes to the job: of all bytes ever received, the first `position` have been printed.
   void pass(std::uint64_t position);
 
   /// Ends the job. Returns its first bytes, and in `count` the number of all its bytes.
@@ -30,7 +30,7 @@ class JobBytes {
   void passOne();
 
   std::deque<std::uint8_t> held_;
-  std::uint64_t passed_ = 0;  // of all bytes ever received
+  std::uint64_t passed_ = 0;  // counts the bytes ever received
   Job job_;
 };
 

@@ -9,8 +9,8 @@
 
 namespace quordalvane::simulator {
 
-/// The events of a job that print nothing, and the parts that the printer could not print. Each
-/// list ends after `longestList` entries, so that no job makes it grow for ever.
+/// The events of a job that put nothing on the paper, and the parts that the printer could not
+/// print. Each list ends after `longestList` entries, so that no job makes it grow for ever.
 class JobRecord {
  public:
   struct Question {
@@ -19,17 +19,18 @@ class JobRecord {
   };
 
   struct Unknown {
-    std::uint64_t offset;  ///< of its first byte in the received job
-    Bytes bytes;           ///< only the first of them
+    std::uint64_t offset;  ///< the position of its first byte in the job
+    Bytes bytes;           ///< only the first bytes
     std::string name;      ///< like "GS y"; "cut off" for an incomplete command
   };
 
   enum class EventKind : std::uint8_t { Cut, Drawer, Beep, Display, Question, Replaced };
 
-  /// An event that prints nothing. Events are in the order in which the printer executed them.
+  /// An event that puts nothing on the paper. Events are in the order in which the printer executed
+  /// them.
   struct Event {
     EventKind kind;
-    /// The text on the display, a question in hex, or for `Replaced` the two forms.
+    /// The display's text, the question in hex, or, for `Replaced`, the two forms.
     std::string text;
   };
 

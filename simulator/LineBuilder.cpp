@@ -6,7 +6,7 @@
 
 namespace quordalvane::simulator {
 
-// A margin is limited so that a letter still has room.
+// The width that is left for text. A margin is limited, so that at least a letter fits.
 unsigned LineBuilder::room() const {
   constexpr unsigned least = 12;
   const unsigned left = std::min(left_, paperWidth_ - least);
@@ -34,8 +34,9 @@ void LineBuilder::add(std::u32string_view text, const TextStyle& style, Paper& p
   }
 }
 
-// A line has at most as many pieces side by side as it has dots. All others are printed over them.
-// A job could continue that for ever; but after some layers nothing more would be visible.
+// True if the line has enough pieces. Side by side, a line has at most as many pieces as dots. All
+// further pieces are printed over others. A job could add such layers for ever, but after some of
+// them no change is visible.
 bool LineBuilder::isFull() const {
   constexpr std::size_t mostLayers = 8;
   return line_.items.size() >= mostLayers * paperWidth_;

@@ -16,8 +16,7 @@ class LineBuilder {
   /// Sets the paper width of later lines. To be called between two lines.
   void setPaperWidth(unsigned dots) { paperWidth_ = dots; }
 
-  /// Adds text. If a part does not fit, the line is added to `paper` and the rest begins a new
-  /// line.
+  /// Adds text. Whenever the line is full, it is added to `paper`, and the rest begins a new line.
   void add(std::u32string_view text, const TextStyle& style, Paper& paper);
 
   /// Adds dots at the current position, cut off at the edge of the print area.
@@ -48,7 +47,7 @@ class LineBuilder {
   void setWidth(unsigned dots) { width_ = dots; }
   void setUpsideDown(bool upsideDown) { upsideDown_ = upsideDown; }
 
-  /// Where the next line, image or symbol is placed across the paper.
+  /// The place of the next line, image or symbol across the paper.
   Place place() const { return {alignment_, left_, room()}; }
 
   void setSpacing(unsigned dots) { spacing_ = dots; }
@@ -65,7 +64,7 @@ class LineBuilder {
   unsigned position_ = 0;
   Alignment alignment_ = Alignment::Left;
   unsigned left_ = 0;
-  unsigned width_ = 0;  // 0: the whole paper
+  unsigned width_ = 0;  // 0: the whole width of the paper
   bool upsideDown_ = false;
   unsigned spacing_ = lineSpacing;
   std::vector<unsigned> tabs_;

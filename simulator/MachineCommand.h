@@ -7,8 +7,8 @@
 
 namespace quordalvane::simulator {
 
-/// The meaning of a complete command for the printer's electronics. `Printing` is any command that
-/// affects only the paper, and any single character.
+/// The meaning of a complete command for the printer itself. `Printing` is any command that affects
+/// only the paper, and any single character.
 enum class MachineCommand {
   Printing,
   PrepareStatus,

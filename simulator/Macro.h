@@ -18,9 +18,9 @@ class Macro {
   /// no more are added.
   void keep(ByteView command);
 
-  /// Executes 1d 5e: the macro is to be executed `times` times. Returns false if nothing is to be
-  /// executed: no macro is defined, or the job has reached its limit, or the macro is still being
-  /// defined; it is then lost.
+  /// Executes 1d 5e: starts the execution of the macro, `times` times. Returns false if there is
+  /// nothing to execute, because no macro is defined or the job has reached its limit. A definition
+  /// that has not ended is lost; then the result is also false.
   bool execute(unsigned times);
 
   /// The next command to execute; null if there is none. Valid until the next call.
@@ -34,15 +34,15 @@ class Macro {
 
   static constexpr std::size_t mostBytes = 2048;
 
-  /// A limit, because otherwise a few bytes could keep the printer busy for ever.
+  /// The limit for one job; without it, a few bytes could keep the printer busy for ever.
   static constexpr std::size_t mostCommandsOfAJob = 100'000;
 
  private:
   bool isDefining_ = false;
   std::vector<Bytes> commands_;
-  std::size_t size_ = 0;  // of the commands, in bytes
+  std::size_t size_ = 0;  // the size of the commands in bytes
   std::size_t next_ = 0;
-  unsigned left_ = 0;  // executions
+  unsigned left_ = 0;  // how often the macro is still to be executed
   std::size_t carriedOut_ = 0;
 };
 

@@ -12,15 +12,15 @@ namespace quordalvane::simulator {
 /// Reads text in a multi-byte encoding.
 class MultiByteText {
  public:
-  /// With `sevenBit`, only for Shift-JIS printers, it reads the older code, whose bytes are 21 to
-  /// 7e (hex).
+  /// `sevenBit` selects the older Japanese code, whose bytes are 21 to 7e (hex). Only for Shift-JIS
+  /// printers.
   explicit MultiByteText(MultiByte encoding, bool sevenBit = false);
 
   /// True if a multi-byte character can begin with this byte.
   bool begins(std::uint8_t byte) const;
 
-  /// The count of bytes of the character that begins with `bytes`, at least one; 0 if there is no
-  /// such character.
+  /// How many bytes the character has that begins with `bytes`: at least one; 0 if there is no such
+  /// character.
   std::size_t lengthOf(ByteView bytes) const;
 
   /// The character that `bytes` encode; `noCharacter` if there is none.

@@ -6,21 +6,22 @@
 namespace quordalvane::simulator {
 namespace {
 
-constexpr std::string_view places = "#$@[\\]^`{|}~";  // the bytes that differ from set to set
+constexpr std::string_view places = "#$@[\\]^`{|}~";  // the ASCII characters whose bytes differ
+                                                      // from set to set
 
 constexpr std::u32string_view sets[] = {
     U"#$@[\\]^`{|}~",                                                        // the United States
     U"#$\u00e0\u00b0\u00e7\u00a7^`\u00e9\u00f9\u00e8\u00a8",                 // France
     U"#$\u00a7\u00c4\u00d6\u00dc^`\u00e4\u00f6\u00fc\u00df",                 // Germany
     U"\u00a3$@[\\]^`{|}~",                                                   // the United Kingdom
-    U"#$@\u00c6\u00d8\u00c5^`\u00e6\u00f8\u00e5~",                           // Denmark, the first
+    U"#$@\u00c6\u00d8\u00c5^`\u00e6\u00f8\u00e5~",                           // Denmark, first set
     U"#\u00a4\u00c9\u00c4\u00d6\u00c5\u00dc\u00e9\u00e4\u00f6\u00e5\u00fc",  // Sweden
     U"#$@\u00b0\\\u00e9^\u00f9\u00e0\u00f2\u00e8\u00ec",                     // Italy
-    U"\u20a7$@\u00a1\u00d1\u00bf^`\u00a8\u00f1}~",                           // Spain, the first
+    U"\u20a7$@\u00a1\u00d1\u00bf^`\u00a8\u00f1}~",                           // Spain, first set
     U"#$@[\u00a5]^`{|}~",                                                    // Japan
     U"#\u00a4\u00c9\u00c6\u00d8\u00c5\u00dc\u00e9\u00e6\u00f8\u00e5\u00fc",  // Norway
-    U"#$\u00c9\u00c6\u00d8\u00c5\u00dc\u00e9\u00e6\u00f8\u00e5\u00fc",       // Denmark, the second
-    U"#$\u00e1\u00a1\u00d1\u00bf\u00e9`\u00ed\u00f1\u00f3\u00fa",            // Spain, the second
+    U"#$\u00c9\u00c6\u00d8\u00c5\u00dc\u00e9\u00e6\u00f8\u00e5\u00fc",       // Denmark, second set
+    U"#$\u00e1\u00a1\u00d1\u00bf\u00e9`\u00ed\u00f1\u00f3\u00fa",            // Spain, second set
     U"#$\u00e1\u00a1\u00d1\u00bf\u00e9\u00fc\u00ed\u00f1\u00f3\u00fa",       // Latin America
     U"#$@[\u20a9]^`{|}~",                                                    // Korea
     U"#$\u017d\u0160\u0110\u0106\u010c\u017e\u0161\u0111\u0107\u010d",       // Slovenia and Croatia

@@ -8,7 +8,7 @@ namespace {
 // In dots: the longest page for which printers have memory.
 constexpr unsigned longestPage = 2400;
 
-// Limits the memory of a job that selects areas without end.
+// These limit the memory of a job that selects areas without end.
 constexpr std::size_t mostAreas = 256;
 constexpr std::size_t heaviestPage = heaviestPaper / 16;
 
@@ -38,7 +38,7 @@ void PageBuilder::setDirection(unsigned direction) {
   begin(place);
 }
 
-// Drops the previous area if it is empty.
+// Begins an area. Drops the previous one if it is empty.
 void PageBuilder::begin(const PageArea& place) {
   const bool isBare = !areas_.empty() && areas_.back().content->items().empty();
   if (isBare) {
@@ -51,7 +51,7 @@ void PageBuilder::begin(const PageArea& place) {
   areas_.push_back({place, std::make_shared<Paper>(std::max(width, 12U))});
 }
 
-// If the page was passed on, this copies the area first: a page that was passed on must not change.
+// Copies the area first if `page()` has returned it, because a returned page must not change.
 Paper& PageBuilder::paper() {
   std::shared_ptr<Paper>& content = areas_.back().content;
   if (content.use_count() > 1) {

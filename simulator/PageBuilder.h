@@ -31,7 +31,7 @@ class PageBuilder {
   /// True if the page needs more memory than any printer has.
   bool isTooLong() const;
 
-  /// The page so far.
+  /// The page as built so far.
   Page page() const;
 
  private:

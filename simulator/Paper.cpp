@@ -33,7 +33,7 @@ struct Weight {
   std::size_t operator()(const auto&) const { return 0; }
 };
 
-/// An upper limit of the dots by which an item moves the paper.
+/// The most dots by which an item can move the paper.
 struct Length {
   std::uint64_t operator()(const Line& line) const { return line.height(); }
   std::uint64_t operator()(const Symbol& symbol) const {

@@ -24,14 +24,15 @@ enum class Alignment { Left, Center, Right };
 struct TextStyle {
   bool bold = false;
   bool inverse = false;
-  bool smallFont = false;         ///< cells of 9 x 17 dots instead of 12 x 24
-  bool wide = false;              ///< a character as wide as two letters, as in East Asian scripts
-  bool rotated = false;           ///< each character turned by 90 degrees clockwise
-  bool grey = false;              ///< in the second colour
-  std::uint8_t underline = 0;     ///< thickness in dots, 0 to 2
+  bool smallFont = false;         ///< characters of 9 x 17 dots instead of 12 x 24
+  bool wide = false;              ///< a character is as wide as two letters, as in East Asian
+                                  ///< scripts
+  bool rotated = false;           ///< each character is turned by 90 degrees clockwise
+  bool grey = false;              ///< printed in the second colour
+  std::uint8_t underline = 0;     ///< its thickness in dots, 0 to 2
   std::uint8_t widthFactor = 1;   ///< 1 to 8
   std::uint8_t heightFactor = 1;  ///< 1 to 8
-  std::uint8_t spacing = 0;       ///< dots to the right of each character, if its width is single
+  std::uint8_t spacing = 0;       ///< dots to the right of each character, at single width
 
   bool operator==(const TextStyle&) const = default;
   unsigned glyphWidth() const { return (smallFont ? 9U : 12U) * (wide ? 2U : 1U) * widthFactor; }
@@ -52,7 +53,7 @@ struct Bitmap {
   unsigned width = 0;
   unsigned height = 0;
   Bytes rows;
-  bool grey = false;  ///< in the second colour
+  bool grey = false;  ///< printed in the second colour
 
   Bitmap() = default;
   Bitmap(unsigned widthInDots, unsigned heightInDots);
@@ -70,8 +71,8 @@ struct LineItem {
   unsigned height() const;
 };
 
-/// A place across the paper: the `room` dots after the first `left` dots of the print area, or all
-/// dots after them if `room` is 0.
+/// The horizontal place of a line: the `room` dots that follow the first `left` dots of the print
+/// area. If `room` is 0, all dots after the first `left`.
 struct Place {
   Alignment alignment = Alignment::Left;
   unsigned left = 0;
@@ -124,12 +125,14 @@ struct Symbol {
   Symbology symbology = Symbology::Code128;
   std::string data;
   unsigned moduleWidth = 3;
-  unsigned rowHeight = 162;               ///< for a bar code: the whole height
-  unsigned level = 0;                     ///< of error correction; 0: chosen by the symbology
-  unsigned columns = 0;                   ///< or the number of a size; 0: chosen by the symbology
-  bool isModel1 = false;                  ///< only for a QR code; it is drawn as model 2
-  Symbology lineKind = Symbology::Ean13;  ///< for a composite code: the kind of its bar code
-  std::string lineData{};                 ///< for a composite code: the data of its bar code
+  unsigned rowHeight = 162;               ///< the height of a row in dots; for a bar code, its
+                                          ///< whole height
+  unsigned level = 0;                     ///< of error correction; 0: the symbology's default
+  unsigned columns = 0;                   ///< the columns or the number of a size; 0: the
+                                          ///< symbology's default
+  bool isModel1 = false;                  ///< for a QR code of model 1, which is drawn as model 2
+  Symbology lineKind = Symbology::Ean13;  ///< the kind of a composite code's bar code
+  std::string lineData{};                 ///< the data of a composite code's bar code
   bool textAbove = false;
   bool textBelow = false;
   bool smallText = false;
@@ -151,7 +154,8 @@ struct Cut {
 
 class Paper;
 
-/// An area of a page: a paper of its own, turned counter-clockwise by `direction` quarter turns.
+/// An area of a page. It is a paper of its own, turned counter-clockwise by `direction` quarter
+/// turns.
 struct PageArea {
   unsigned x = 0;
   unsigned y = 0;
@@ -163,8 +167,8 @@ struct PageArea {
   bool operator==(const PageArea&) const = default;
 };
 
-/// The content of page mode, which is printed at once. It ends with its last area; if no area was
-/// set, it ends with its last print.
+/// The content of page mode, which is printed at once. The page ends at the end of its last area.
+/// If the job set no area, it ends after its last print.
 struct Page {
   std::vector<PageArea> areas;
   bool endsWithPrint = true;
@@ -172,12 +176,12 @@ struct Page {
 
 using PaperItem = std::variant<Line, Symbol, Feed, MoveTo, Page, Cut>;
 
-/// The limit of a paper's weight, after which a printer tears it off, so that even the longest job
-/// takes no more memory. It is enough for about five thousand lines of text, or seven metres of
-/// image.
+/// The greatest weight of a paper, in bytes. A printer then tears the paper off, so that even the
+/// longest job takes no more memory. This is enough for about five thousand lines of text, or seven
+/// metres of image.
 inline constexpr std::size_t heaviestPaper = std::size_t{4} * 1024 * 1024;
 
-/// The longest paper in dots: fifty metres, which is a roll.
+/// The greatest length of a paper in dots. It is fifty metres, the length of a roll.
 inline constexpr std::uint64_t longestPaper = 400'000;
 
 /// The output of a printer, from the top. It only grows.
@@ -188,8 +192,9 @@ class Paper {
   unsigned width() const { return width_; }
   const std::vector<PaperItem>& items() const { return items_; }
 
-  /// The commands that were skipped because they cannot be printed: the first bytes of each in hex,
-  /// and the count of its occurrences. After a hundred kinds the rest is counted as "others".
+  /// The commands that were skipped because they cannot be shown on paper, by their first bytes in
+  /// hex, with the count of their occurrences. After a hundred kinds, all further ones are counted
+  /// as "others".
   const std::map<std::string, std::size_t>& skipped() const { return skipped_; }
 
   void add(PaperItem item);
@@ -213,13 +218,14 @@ class Paper {
   /// The approximate memory of the items, in bytes.
   std::size_t weight() const { return weight_; }
 
-  /// An upper limit of the paper's length, in dots.
+  /// The most dots that the paper can be long.
   std::uint64_t length() const { return length_; }
 
   /// True if a printer tears the paper off before it prints more.
   bool isTooLong() const { return weight_ > heaviestPaper || length_ > longestPaper; }
 
-  /// True if the paper was torn off at a limit: the job continues on the next paper.
+  /// True if the paper was torn off because it reached a limit. The job then continues on the next
+  /// paper.
   bool goesOn() const { return goesOn_; }
   void setGoesOn() { goesOn_ = true; }
 
@@ -233,7 +239,7 @@ class Paper {
   bool goesOn_ = false;
 };
 
-/// The pieces of the paper between its cuts, in order, without the empty ones.
+/// The pieces into which the cuts divide the paper, in order; empty pieces are left out.
 std::vector<Paper> piecesOf(const Paper& paper);
 
 }  // namespace quordalvane::simulator

@@ -12,7 +12,7 @@ namespace {
 // past the blade.
 constexpr unsigned headToBlade = 96;
 
-// A vertical position in a page is that of the foot of a line; this is its height in dots.
+// In page mode, a vertical position means the foot of a line. This is the height of a line in dots.
 constexpr unsigned lineFoot = 24;
 
 unsigned word(ByteView command, std::size_t at) {
@@ -26,7 +26,7 @@ int distance(ByteView command) {
 }  // namespace
 
 void Typesetter::align(ByteView command) {
-  const unsigned where = command[2] & 0x0fU;  // 0 to 2, as a number or as a digit
+  const unsigned where = command[2] & 0x0fU;  // 0 to 2, as a number or as an ASCII digit
   if (where <= 2) {
     line_.setAlignment(static_cast<Alignment>(where));
   }
@@ -169,7 +169,7 @@ void Typesetter::pageArea(ByteView command) {
 }
 
 void Typesetter::pageDirection(ByteView command) {
-  const unsigned direction = command[2] & 0x0fU;  // 0 to 3, as a number or as a digit
+  const unsigned direction = command[2] & 0x0fU;  // 0 to 3, as a number or as an ASCII digit
   if (page_ && direction <= 3) {
     line_.endIfBegun(target());
     page_->setDirection(direction);

@@ -32,7 +32,8 @@ std::optional<Instant> PrintQueue::doneWith(std::size_t count) const {
   }
   constexpr std::uint64_t second = 1'000'000'000;
   const std::uint64_t total = doneSince_ + count;
-  // Calculates whole seconds separately, because the product would overflow after a long time.
+  // Whole seconds are calculated separately, because otherwise the product would overflow after a
+  // long time.
   const std::uint64_t whole = total / bytesPerSecond_;
   const std::uint64_t rest = total % bytesPerSecond_;
   const std::uint64_t nanoseconds =

@@ -16,7 +16,7 @@ class PrintQueue {
  public:
   struct Taken {
     std::uint8_t byte;
-    Instant at;  ///< when the printer was done with the byte
+    Instant at;  ///< the time at which the printer finished the byte
   };
 
   std::size_t size() const { return bytes_.size(); }
@@ -41,8 +41,8 @@ class PrintQueue {
   std::deque<std::uint8_t> bytes_;
   bool running_ = true;
   std::uint32_t bytesPerSecond_ = 0;
-  Instant start_{};              // since then the printing has not paused
-  std::uint64_t doneSince_ = 0;  // bytes taken since `start_`
+  Instant start_{};              // the time since which the printer has worked without a pause
+  std::uint64_t doneSince_ = 0;  // how many bytes were taken since `start_`
 };
 
 }  // namespace quordalvane::simulator

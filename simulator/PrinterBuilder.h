@@ -13,7 +13,7 @@ namespace quordalvane::simulator {
 /// `PrinterState`, and there are no other faults. An invalid value throws std::invalid_argument.
 class PrinterBuilder {
  public:
-  /// Bytes of print data that are printed in a second; 0: unlimited.
+  /// Sets how many bytes of print data are printed in a second; 0 means unlimited.
   PrinterBuilder& speed(std::uint32_t bytesPerSecond);
   PrinterBuilder& buffer(std::size_t bytes);
   PrinterBuilder& firmware(std::string_view text);
@@ -30,10 +30,10 @@ class PrinterBuilder {
   PrinterBuilder& paperOut() { return with(Flag::ReceiptPaperEmpty); }
   PrinterBuilder& paperInExit() { return with(Flag::PaperPresent); }
 
-  /// Keeps the printed data, for `VirtualPrinter::printed`.
+  /// Makes the printer keep its print data, for `VirtualPrinter::printed`.
   PrinterBuilder& keepPrinted();
 
-  /// Keeps the bytes of each job in its record.
+  /// Makes the printer keep the bytes of each job, in the job's record.
   PrinterBuilder& keepReceived();
 
   /// Sets or clears any flag.
@@ -45,8 +45,8 @@ class PrinterBuilder {
   /// Sets the seed of the random choices of faults.
   PrinterBuilder& seed(std::uint64_t number);
 
-  /// Sets a setting in the form that `PrinterState::set` reads, adds a fault, or sets the seed;
-  /// users write these pairs after `virtual:` and `--set`.
+  /// Handles one pair of key and value, as users write them after `virtual:` and `--set`: a setting
+  /// in the form of `PrinterState::set`, a fault, or the seed.
   PrinterBuilder& set(std::string_view key, std::string_view value);
 
   const PrinterState& state() const { return state_; }

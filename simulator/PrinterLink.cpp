@@ -6,10 +6,11 @@
 namespace quordalvane::simulator {
 namespace {
 
-// The limit is for a host that asks questions and never reads the answers.
+// In bytes. The limit is for a host that asks questions and never reads the answers.
 constexpr std::size_t mostWaiting = std::size_t{64} * 1024;
 
-// In command mode the printer gets no bytes, so this does not depend on its buffer.
+// In bytes. In command mode the printer receives nothing, so the state of its buffer does not
+// matter.
 constexpr std::size_t commandModeSpace = 256;
 
 std::optional<Instant> earlier(std::optional<Instant> a, std::optional<Instant> b) {
@@ -57,7 +58,7 @@ std::size_t PrinterLink::space(Instant now) {
   return std::min(room, mostTaken());
 }
 
-// The count of bytes that the link itself accepts.
+// How many bytes the link itself accepts, whatever the printer has space for.
 std::size_t PrinterLink::mostTaken() const {
   if (ended_ || stalled()) {
     return 0;
@@ -268,7 +269,8 @@ bool PrinterLink::stalled() const {
                      [](const Stall& stall) { return stall.until.has_value(); });
 }
 
-// No write goes past the byte count of a stall or cut, so that these take effect at the exact byte.
+// How many bytes can arrive before the next cut or stall. No write goes past that byte, so that the
+// fault takes effect at the exact byte.
 std::uint64_t PrinterLink::bytesBeforeCut() const {
   std::uint64_t most = std::numeric_limits<std::uint64_t>::max();
   for (const Cut& cut : cuts_) {
@@ -282,7 +284,7 @@ std::uint64_t PrinterLink::bytesBeforeCut() const {
   return most;
 }
 
-// If several cuts are reached with the same byte, the first in the list takes effect.
+// If the same byte reaches several cuts, the first in the list takes effect.
 void PrinterLink::cutIfReached(FaultKind afterWhat) {
   const std::uint64_t bytes = afterWhat == FaultKind::CutAfterIn ? bytesIn_ : bytesOut_;
   const auto reached = std::find_if(cuts_.begin(), cuts_.end(), [&](const Cut& cut) {

@@ -66,23 +66,23 @@ class PrinterLink {
   /// Removes all faults. Replies in transit keep their delay, and an ended link remains ended.
   void clearFaults(Instant now);
 
-  /// The next time after `now` at which something may change without a call: the space, the bytes
-  /// to read, or the link itself. Empty if no change is due.
+  /// The next time after `now` at which the space, the bytes to read, or the link itself may change
+  /// without a call. Empty if no change is due.
   std::optional<Instant> nextEvent(Instant now);
 
  private:
-  struct Coming {  // the setting or fault that an `at` delays
+  struct Coming {  // a setting or fault that `at` delays
     Instant due;
     std::string key;
     std::string value;
   };
-  struct Stall {  // no space for a while, after a count of bytes
+  struct Stall {  // a fault: after a count of bytes, there is no space for a while
     std::uint64_t afterBytes;
     Instant length;
-    std::optional<Instant> until;  // empty until that count of bytes has arrived
+    std::optional<Instant> until;  // empty until `afterBytes` bytes have arrived
   };
   struct Cut {
-    FaultKind kind;  // counts bytes in, or bytes out
+    FaultKind kind;  // whether received or sent bytes are counted
     std::uint64_t afterBytes;
     Ending ending;
   };
@@ -106,7 +106,7 @@ class PrinterLink {
   std::uint64_t connection_;
   BluetoothModule module_;
   ReplyPath replies_;
-  std::deque<std::uint8_t> waiting_;  // for the host to read
+  std::deque<std::uint8_t> waiting_;  // bytes that the host can read
   Instant now_;
   std::optional<Ending> ended_;
   std::uint64_t bytesIn_ = 0;

@@ -126,8 +126,8 @@ struct Setting {
   Text about;
   void (*set)(State&, Text);
   std::optional<std::string> (*get)(const State&);
-  Choices choices = nullptr;   // all its values
-  Choices examples = nullptr;  // some of its values
+  Choices choices = nullptr;   // returns all accepted values
+  Choices examples = nullptr;  // returns some of the accepted values
 };
 
 std::string hexOf(const DipBank& bank) {

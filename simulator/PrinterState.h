@@ -66,11 +66,12 @@ struct SettingForm {
   enum class Kind { Flag, Number, Text };
   std::string_view key;
   Kind kind = Kind::Text;
-  std::uint32_t least = 0;  ///< for a number
-  std::uint32_t most = 0;   ///< for a number; for a text the longest length, 0: no limit
-  std::string_view about;   ///< in a few words
+  std::uint32_t least = 0;  ///< the least value, if it is a number
+  std::uint32_t most = 0;   ///< the greatest value of a number, or the length of a text; 0: no
+                            ///< limit
+  std::string_view about;   ///< its meaning, in a few words
   std::vector<std::string_view> choices{};  ///< the usual values; may be empty
-  bool isFree = true;                       ///< other values than the choices are accepted
+  bool isFree = true;                       ///< values other than the choices are also accepted
 };
 
 /// The forms of all settings that are not flags.
@@ -146,15 +147,15 @@ class PrinterState {
   CharacterSets characters;
   std::string profile = "both";  ///< the name of the last applied profile
   std::uint8_t modelId = 0x20;
-  std::uint8_t typeId = 0x02;  ///< has a cutter, and no two-byte characters
+  std::uint8_t typeId = 0x02;  ///< the code for a cutter and no two-byte characters
   std::array<DipBank, 2> dipBanks{};
   std::uint8_t etbCounter = 0;
   std::uint8_t presenterState = 0;  ///< 0 idle, 1 holding paper, 2 retracted, 3 ejected
   std::uint8_t connectedInterface =
       5;  ///< 0 unknown, 1 serial, 2 USB, 3 Ethernet, 4 WLAN, 5 Bluetooth
-  std::uint32_t bytesPerSecond = 0;  ///< printing speed; 0: unlimited
-  bool keepsPrinted = false;         ///< it stores all print data, even commands that print nothing
-  bool keepsReceived = false;        ///< it stores the bytes of each job in its record
+  std::uint32_t bytesPerSecond = 0;  ///< the printing speed; 0: unlimited
+  bool keepsPrinted = false;         ///< all print data are kept, for tests
+  bool keepsReceived = false;        ///< the bytes of each job are kept in its record
 
  private:
   std::uint32_t flags_ = 1U << static_cast<unsigned>(Flag::EtbAvailable);

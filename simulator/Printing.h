@@ -30,8 +30,8 @@ class Printing {
   /// The complete command; valid until the next byte.
   ByteView command() const { return scanner_.bytes(); }
 
-  /// Executes the next command of a macro that the last byte has started; returns false if there is
-  /// none. To be called before the next byte, until it returns false.
+  /// Executes the next command of a running macro. Returns false if there is none. To be called
+  /// after each byte until it returns false.
   bool goOn();
 
   /// Drops an unfinished command, because its end will not arrive; the next byte starts a new one.
@@ -51,7 +51,8 @@ class Printing {
   const Paper& paper() const { return typesetter_.paper(); }
   Paper tearOff();
 
-  /// Also ends a macro that is being executed.
+  /// Like `tearOff`, in the middle of a job, but keeps an unfinished line. Also ends a running
+  /// macro.
   Paper tearOffFinishedLines();
 
  private:
@@ -61,7 +62,7 @@ class Printing {
   Dialect dialect_;
   LackedCommands lacked_;
   CommandScanner scanner_;
-  std::uint64_t begin_ = 0;  // the offset of the current command
+  std::uint64_t begin_ = 0;  // the position of the current command in the job
   Macro macro_;
   Typesetter typesetter_;
 };

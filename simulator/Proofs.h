@@ -8,9 +8,9 @@ namespace quordalvane::simulator {
 
 /// A way in which a printer confirms that it has printed everything sent before.
 enum class Proof : std::uint8_t {
-  Block,      ///< the checked block: ETBs are counted, and each is reported
-  ProcessId,  ///< four characters, chosen by the host, are sent back
-  InOrder,    ///< a status request waits for its turn among the print data
+  Block,      ///< the checked block: the printer counts ETBs, and reports each
+  ProcessId,  ///< the printer sends back four characters that the host chose
+  InOrder,    ///< the printer answers a status request only when its turn comes
 };
 
 /// The proofs that a printer can give. A plain value.

@@ -21,17 +21,17 @@ class Reception {
 
   using OnPiece = std::function<void(MachineCommand, ByteView)>;
 
-  /// Processes `bytes`, and calls `onPiece` in the order of the stream: with complete commands that
-  /// act at once, with complete commands that act in their turn, and with all other bytes, in
-  /// pieces of any size, as `MachineCommand::Printing`. If `vanish` is true, commands that begin in
-  /// `bytes` are lost to their ends, except those that act at once.
+  /// Processes `bytes`. Calls `onPiece`, in the order of the stream, with complete commands that
+  /// act at once and with complete commands that act in their turn. All other bytes are passed to
+  /// it as `MachineCommand::Printing`, in pieces of any size. If `vanish` is true, each command
+  /// that begins in `bytes` is lost as a whole, unless it acts at once.
   void take(ByteView bytes, bool vanish, const OnPiece& onPiece);
 
   /// The count of bytes that are held because they may begin a command that acts at once.
   std::size_t undecided() const { return undecided_.size(); }
 
-  /// How many bytes at the start of `bytes` belong to commands that act at once, of which the last
-  /// may be unfinished. They need no space in the print buffer.
+  /// How many bytes at the start of `bytes` belong to commands that act at once. The last of them
+  /// may be unfinished. These bytes need no space in the print buffer.
   std::size_t actingAtOnce(ByteView bytes) const;
 
   /// Forgets an unfinished command; the next byte starts a new one.
@@ -45,9 +45,9 @@ class Reception {
 
   LackedCommands lacked_;
   CommandScanner scanner_;
-  bool vanishes_ = false;  // the current command is lost
+  bool vanishes_ = false;  // true if the current command is lost
   Bytes undecided_;
-  Bytes forPrinting_;  // collected to be passed on together
+  Bytes forPrinting_;  // bytes that will be passed on together
 };
 
 }  // namespace quordalvane::simulator

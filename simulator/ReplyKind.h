@@ -8,11 +8,11 @@ namespace quordalvane::simulator {
 /// The kind of question that a reply answers, as far as faults distinguish them.
 enum class ReplyKind {
   Other,
-  Block,      ///< the report of an ETB
-  ProcessId,  ///< a process ID that is sent back
-  InOrder,    ///< a status that waited for its turn among the print data
-  Unasked,    ///< four bytes that report a change without a question
-  Cleared,    ///< the buffer was cleared
+  Block,      ///< the report of an ETB in a checked block
+  ProcessId,  ///< the process ID that the printer sends back
+  InOrder,    ///< the status that a request in the print data asked for
+  Unasked,    ///< four bytes that report a change, without a request
+  Cleared,    ///< the report that the buffer was cleared
 };
 
 /// The kind of this name: `block`, `process-id`, `in-order`, `unasked` or `cleared`; empty for any

@@ -18,7 +18,7 @@ void changeId(Bytes& report, std::mt19937_64& chance) {
   character = character == last ? first : static_cast<std::uint8_t>(character + 1);
 }
 
-// The reply that would belong to the job of another host.
+// The reply of the same kind that would belong to another host's job.
 Bytes anothers(ReplyKind kind, Bytes reply, std::mt19937_64& chance) {
   if (kind == ReplyKind::ProcessId) {
     changeId(reply, chance);
@@ -26,7 +26,7 @@ Bytes anothers(ReplyKind kind, Bytes reply, std::mt19937_64& chance) {
     std::uint8_t& counter = reply[6];
     counter = static_cast<std::uint8_t>(counter + 1 + chance() % 255);
   }
-  return reply;  // an in-order status does not show whose it is
+  return reply;  // an in-order status is the same for all hosts
 }
 
 }  // namespace

@@ -51,8 +51,8 @@ class ReplyPath {
   void dispatch(const Bytes& reply, Instant at);
 
   std::uint64_t seed_;
-  std::uint64_t count_ = 0;            // replies so far
-  ReplyKind kind_ = ReplyKind::Other;  // of the latest reply
+  std::uint64_t count_ = 0;            // the count of replies so far
+  ReplyKind kind_ = ReplyKind::Other;  // the kind of the latest reply
   std::vector<Fault> faults_;
   std::deque<Travelling> underWay_;
 };

@@ -30,14 +30,14 @@ Bytes dipSwitchReply(const PrinterState& state, std::uint8_t digit);
 /// of its counter.
 Bytes etbReport(const PrinterState& state);
 
-/// The report for a process-ID command: it returns the four characters of the command.
+/// The reply to a process-ID command: it contains the four characters of the command.
 Bytes processIdReport(ByteView command);
 
 /// The byte that answers a status request 1d 72, 1b 75 or 1b 76, about the paper or the drawer.
 Bytes inOrderStatus(const PrinterState& state, ByteView command);
 
-/// The answer to a command 1d 28 45 that asks for a memory switch or a customised value. Each of
-/// them is 0.
+/// The answer to a command 1d 28 45 that asks for the value of a memory switch or of another
+/// setting. All these values are 0.
 Bytes settingReply(ByteView command);
 
 /// The four bytes that report a change without a question.

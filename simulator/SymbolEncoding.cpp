@@ -52,7 +52,7 @@ const Family& familyOf(Symbology symbology) {
   return families[static_cast<std::size_t>(symbology)];
 }
 
-// In modules. The library does not decide the height of a composite symbol's bar code.
+// The height of a composite symbol's bar code, in modules. The library leaves it open.
 constexpr unsigned barCodeInModules = 36;
 
 // The library has a separate number for each bar code with a two-dimensional part.
@@ -96,8 +96,8 @@ std::string withoutStars(std::string data) {
   return data;
 }
 
-// Removes a given check digit, so that the encoder calculates it. So a wrong digit is corrected,
-// because printers print no code that a till cannot read.
+// Removes the check digit, if the number has one, because the encoder calculates it. This also
+// corrects a wrong digit: printers print no code that a till cannot read.
 std::string withoutCheckDigit(const std::string& data, std::size_t digits) {
   return data.size() == digits ? data.substr(0, digits - 1) : data;
 }

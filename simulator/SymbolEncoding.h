@@ -8,10 +8,10 @@
 
 namespace quordalvane::simulator {
 
-/// A symbol in which each module is one dot, and the text beside it for people.
+/// A symbol whose modules are single dots, and the text that is printed beside it.
 struct EncodedSymbol {
   Bitmap modules;
-  std::vector<unsigned> rowHeights;  ///< in modules, if rows differ; empty: all are equal
+  std::vector<unsigned> rowHeights;  ///< the rows' heights in modules; empty if all are equal
   std::string text;
 
   /// The height of row `row` of the symbol, and of all rows together, in dots.

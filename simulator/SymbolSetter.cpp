@@ -16,7 +16,7 @@ namespace {
 constexpr std::uint8_t lastTerminated = 6;
 constexpr std::uint8_t firstCounted = 65;
 
-constexpr std::size_t mostData = 7089;  // digits in the largest symbol of all kinds
+constexpr std::size_t mostData = 7089;  // the most digits that a symbol of any kind can have
 
 constexpr Symbology symbologyTable[] = {
     Symbology::UpcA,           Symbology::UpcE,
@@ -42,11 +42,11 @@ constexpr std::uint8_t storeSymbol = 80;
 constexpr std::uint8_t printSymbol = 81;
 constexpr std::uint8_t askSize = 82;
 
-/// A two-dimensional code, with its number in 1d 28 6b.
+/// A kind of two-dimensional code, with its number in the command 1d 28 6b.
 struct Kind {
   std::uint8_t number;
   std::uint8_t replyId;
-  bool saysError;  // the answer about its size ends with an error number
+  bool saysError;  // true if the reply about its size ends with an error number
   Symbology symbology;
   unsigned moduleWidth;
   unsigned rowHeight;
@@ -62,7 +62,8 @@ constexpr Kind kinds[] = {
     {54, 0x59, true, Symbology::DataMatrix, 3, 3},
 };
 
-// The bar codes of composite symbols, numbered from 65. UPC-E appears in two lengths.
+// The bar codes of composite symbols; the first has the number 65. UPC-E appears twice because it
+// has two lengths.
 constexpr Symbology compositeLines[] = {
     Symbology::Ean8,
     Symbology::Ean13,
@@ -89,8 +90,8 @@ std::string textOf(ByteView bytes) {
   return {bytes.begin(), bytes.end()};
 }
 
-// Code 128 data name their code sets: {A, {B and {C; in set C a byte is a pair of digits. The
-// encoder chooses the sets itself, so only the text matters. {1 is the mark of GS1.
+// In Code 128, {A, {B and {C in the data select a code set. In set C, a byte is a pair of digits.
+// The encoder selects the sets itself, so only the text is needed. {1 is a mark of GS1 codes.
 std::string code128Text(const std::string& data) {
   std::string text;
   bool pairs = false;
@@ -113,7 +114,7 @@ std::string code128Text(const std::string& data) {
   return text;
 }
 
-// Accepts both the digit and the number itself, because jobs use both.
+// The value of a parameter that jobs write either as a number or as an ASCII digit.
 unsigned numberOf(std::uint8_t byte) {
   return byte >= '0' && byte <= '9' ? byte - '0' : byte;
 }
@@ -320,7 +321,7 @@ SymbolSetter::Outcome SymbolSetter::setSize(Symbol& symbol, ByteView command) {
   return Outcome::Stored;
 }
 
-// PDF417 has a byte before the level that gives its unit.
+// For PDF417, the byte before the level gives the level's unit.
 SymbolSetter::Outcome SymbolSetter::setLevel(Symbol& symbol, ByteView command) {
   if (symbol.symbology == Symbology::Aztec) {
     symbol.level = aztecLevel(command[7]);

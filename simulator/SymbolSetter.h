@@ -50,7 +50,7 @@ class SymbolSetter {
   static Outcome storeComposite(Symbol& symbol, ByteView command);
 
   Symbol barcode_;
-  std::array<Symbol, 7> stored_;  // one for each kind of 1d 28 6b
+  std::array<Symbol, 7> stored_;  // one for each kind of code
   const Symbol* chosen_ = nullptr;
   std::uint8_t kindAtOnce_ = 0;
 };

@@ -32,7 +32,7 @@ void Typesetter::kanjiMode(ByteView command) {
 }
 
 void Typesetter::kanjiUnderline(ByteView command) {
-  const unsigned thickness = command[2] & 0x0fU;  // 0 to 2, as a number or as a digit
+  const unsigned thickness = command[2] & 0x0fU;  // 0 to 2, as a number or as an ASCII digit
   if (thickness <= 2) {
     kanji_.underline = static_cast<std::uint8_t>(thickness);
   }
@@ -54,7 +54,7 @@ void Typesetter::bold(ByteView command) {
 }
 
 void Typesetter::underline(ByteView command) {
-  const unsigned thickness = command[2] & 0x0fU;  // 0 to 2, as a number or as a digit
+  const unsigned thickness = command[2] & 0x0fU;  // 0 to 2, as a number or as an ASCII digit
   if (thickness <= 2) {
     style_.underline = static_cast<std::uint8_t>(thickness);
   }
@@ -106,7 +106,8 @@ void Typesetter::nationalSet(ByteView command) {
 
 void Typesetter::multiByte(ByteView command) {
   const bool on = command[1] == 0x26;
-  if (!decoder_.setMultiByte(on) && on) {  // turning off a missing set changes nothing
+  if (!decoder_.setMultiByte(on) && on) {  // turning off multi-byte text that is missing changes
+                                           // nothing
     paper_.noteSkipped(command);
   }
 }

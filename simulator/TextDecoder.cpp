@@ -9,7 +9,7 @@
 namespace quordalvane::simulator {
 namespace {
 
-// A run of this length is decided even if it continues, which limits the memory.
+// In bytes. A longer run is converted without waiting for its end, so that it needs no more memory.
 constexpr std::size_t longestRun = 256;
 
 constexpr char32_t house = 0x2302;  // a house, for byte 7f in the printers' own fonts
@@ -76,7 +76,7 @@ DecodedText TextDecoder::putMultiByte(std::uint8_t byte) {
   if (length > bytes.size()) {
     return {};
   }
-  if (length == 0) {  // there is no such character: the last byte is one by itself
+  if (length == 0) {  // no character has these bytes: the last one is a character by itself
     run_.pop_back();
     DecodedText text = finish();
     const DecodedText next = put(byte);

@@ -11,10 +11,10 @@
 
 namespace quordalvane::simulator {
 
-/// The characters that a part of the text bytes has become.
+/// The characters that text bytes were converted to.
 struct DecodedText {
   std::u32string characters;
-  bool isWide = false;  ///< each is as wide as two letters
+  bool isWide = false;  ///< each character is as wide as two letters
   Bytes missing;        ///< bytes that have no character; may be empty
 };
 
@@ -31,7 +31,7 @@ class TextDecoder {
   /// Sets the printer's character sets. The job's selection does not change.
   void setCharacterSets(const CharacterSets& sets);
 
-  /// Adds one byte, which must be at least 20 (hex). Returns the characters that are now certain.
+  /// Adds a text byte, at least 20 (hex). Returns the characters that are certain now.
   DecodedText put(std::uint8_t byte);
 
   /// Returns the remaining characters. To be called before anything that is not text.
@@ -74,8 +74,8 @@ class TextDecoder {
   std::uint8_t number_ = 0;
   std::uint8_t nationalSet_ = 0;
   bool guessesUtf8_ = false;
-  std::shared_ptr<MultiByteText> multiByte_;  // null while they are off
-  std::string run_;                           // bytes of which the characters are not certain yet
+  std::shared_ptr<MultiByteText> multiByte_;  // null while multi-byte text is off
+  std::string run_;                           // bytes that are not converted yet
 };
 
 /// True if the character is always as wide as two letters.

@@ -11,7 +11,7 @@
 namespace quordalvane::simulator {
 namespace {
 
-constexpr unsigned cell = 12;  // the dots of a column
+constexpr unsigned cell = 12;  // the width of a column in dots
 
 // A longer feed is described instead.
 constexpr unsigned mostEmptyLines = 12;
@@ -104,8 +104,7 @@ class TextPage {
   std::string takeText() { return std::move(text_); }
 
  private:
-  // Consecutive stripes are described as one image: most images consist of many lines, one stripe
-  // each.
+  // The lines of an image that arrived in stripes: they are described together as one image.
   struct Stripes {
     unsigned width = 0;
     unsigned height = 0;

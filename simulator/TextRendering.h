@@ -12,8 +12,8 @@ namespace quordalvane::simulator {
 /// described in brackets. The last lines are the remarks, each in brackets.
 std::string renderText(const Paper& paper);
 
-/// Sentences about facts that the paper does not show: the commands that could not be printed, and
-/// that it was torn off before the end of its job. Empty if there are none.
+/// Sentences about the paper for people: which commands could not be shown, and that it was torn
+/// off before the end of its job. Empty if neither happened.
 std::vector<std::string> remarksOn(const Paper& paper);
 
 }  // namespace quordalvane::simulator

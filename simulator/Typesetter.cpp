@@ -43,13 +43,14 @@ const Typesetter::Entry Typesetter::commandTable[] = {
     {0x1b, 0x52, Spoken::Both, &Typesetter::nationalSet},
     {0x1b, 0x53, Spoken::EscPos, &Typesetter::standardMode},
     {0x1b, 0x54, Spoken::EscPos, &Typesetter::pageDirection},
-    {0x1b, 0x55, Spoken::EscPos, &Typesetter::ignore},  // prints in one direction only
+    {0x1b, 0x55, Spoken::EscPos, &Typesetter::ignore},  // prints in one direction only; has no
+                                                        // effect here
     {0x1b, 0x56, Spoken::EscPos, &Typesetter::rotation},
     {0x1b, 0x57, Spoken::EscPos, &Typesetter::pageArea},
     {0x1b, 0x5a, Spoken::EscPos, &Typesetter::symbolAtOnce},
     {0x1b, 0x5c, Spoken::EscPos, &Typesetter::positionFurther},
     {0x1b, 0x61, Spoken::EscPos, &Typesetter::align},
-    {0x1b, 0x63, Spoken::EscPos, &Typesetter::ignore},  // sensors and buttons
+    {0x1b, 0x63, Spoken::EscPos, &Typesetter::ignore},  // settings of sensors and buttons
     {0x1b, 0x64, Spoken::Both, &Typesetter::feedLinesOrCut},
     {0x1b, 0x65, Spoken::EscPos, &Typesetter::feedLinesBack},
     {0x1b, 0x69, Spoken::EscPos, &Typesetter::fullCut},
@@ -74,19 +75,21 @@ const Typesetter::Entry Typesetter::commandTable[] = {
     {0x1d, 0x2a, Spoken::EscPos, &Typesetter::graphics},
     {0x1d, 0x2f, Spoken::EscPos, &Typesetter::graphics},
     {0x1d, 0x38, Spoken::EscPos, &Typesetter::graphics},
-    {0x1d, 0x3a, Spoken::EscPos, &Typesetter::ignore},  // begins or ends a macro; see Macro
+    {0x1d, 0x3a, Spoken::EscPos, &Typesetter::ignore},  // begins or ends a macro, which the class
+                                                        // Macro handles
     {0x1d, 0x42, Spoken::EscPos, &Typesetter::inverse},
     {0x1d, 0x44, Spoken::EscPos, &Typesetter::graphics},
     {0x1d, 0x48, Spoken::EscPos, &Typesetter::barcodeSetting},
     {0x1d, 0x4c, Spoken::EscPos, &Typesetter::leftMargin},
-    {0x1d, 0x50, Spoken::EscPos, &Typesetter::ignore},  // units of motion: here always dots
+    {0x1d, 0x50, Spoken::EscPos, &Typesetter::ignore},  // sets the units of motion, which are
+                                                        // always dots here
     {0x1d, 0x51, Spoken::EscPos, &Typesetter::tallColumnImage},
     {0x1d, 0x56, Spoken::EscPos, &Typesetter::cut},
     {0x1d, 0x57, Spoken::EscPos, &Typesetter::printWidth},
     {0x1d, 0x5a, Spoken::EscPos, &Typesetter::symbolKindAtOnce},
     {0x1d, 0x5c, Spoken::EscPos, &Typesetter::pagePositionFurther},
-    {0x1d, 0x62, Spoken::EscPos, &Typesetter::ignore},  // smoothing: large letters are always
-                                                        // smooth
+    // Turns the smoothing of large letters on or off; here they are always smooth.
+    {0x1d, 0x62, Spoken::EscPos, &Typesetter::ignore},
     {0x1d, 0x66, Spoken::EscPos, &Typesetter::barcodeSetting},
     {0x1d, 0x68, Spoken::EscPos, &Typesetter::barcodeSetting},
     {0x1d, 0x6b, Spoken::EscPos, &Typesetter::barcode},

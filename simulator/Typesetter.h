@@ -75,7 +75,7 @@ class Typesetter {
   void add(const DecodedText& text);
   void finishText();
 
-  // The commands for style and character sets: TextCommands.cpp.
+  // Commands for the style and the character sets of text. Defined in TextCommands.cpp.
   void initialise(ByteView);
   void printMode(ByteView command);
   void kanjiMode(ByteView command);
@@ -100,7 +100,7 @@ class Typesetter {
   void userCharactersOn(ByteView command);
   void eraseUserCharacter(ByteView command);
 
-  // The commands for positions, margins and feeds: PlaceCommands.cpp.
+  // Commands for positions, margins and feeds. Defined in PlaceCommands.cpp.
   void align(ByteView command);
   void leftMargin(ByteView command);
   void printWidth(ByteView command);
@@ -124,7 +124,7 @@ class Typesetter {
   void pagePosition(ByteView command);
   void pagePositionFurther(ByteView command);
 
-  // The commands for pictures and symbols: PictureCommands.cpp.
+  // Commands for pictures and symbols. Defined in PictureCommands.cpp.
   void raster(ByteView command);
   void columnImage(ByteView command);
   void tallColumnImage(ByteView command);
@@ -135,7 +135,7 @@ class Typesetter {
   void symbolAtOnce(ByteView command);
   void symbolKindAtOnce(ByteView command);
 
-  // The commands that print nothing: DeviceCommands.cpp.
+  // Commands that print nothing. Defined in DeviceCommands.cpp.
   void ignore(ByteView) {}
   void peripheral(ByteView command);
   void beepOrSkip(ByteView command);
@@ -154,7 +154,7 @@ class Typesetter {
 
   Paper paper_;
   LineBuilder line_;
-  std::optional<PageBuilder> page_;  // empty except in page mode
+  std::optional<PageBuilder> page_;  // the current page; empty unless the printer is in page mode
   TextDecoder decoder_;
   TextStyle style_;
   GraphicsMemory graphics_;
@@ -162,7 +162,7 @@ class Typesetter {
   CharacterMemory userCharacters_;
   KanjiStyle kanji_;
   bool sawEscPos_ = false;
-  bool printerListens_ = true;  // 1b 3d has not deselected it
+  bool printerListens_ = true;  // false if the command 1b 3d has deselected the printer
   bool displayListens_ = false;
 };
 

@@ -26,7 +26,7 @@ std::optional<Character> decoded(std::string_view bytes) {
   return first.codePoint < firstAfterControls ? std::nullopt : std::optional(first);
 }
 
-// The character at the start of `bytes`, which may be invalid.
+// The character at the start of `bytes`, which may be invalid UTF-8.
 Character decodedAnything(std::string_view bytes) {
   const auto byte = static_cast<std::uint8_t>(bytes.front());
   return byte < 0x80 ? Character{byte, 1} : decoded(bytes).value_or(Character{noCharacter, 1});

@@ -83,8 +83,8 @@ void VirtualPrinter::receive(ByteView bytes, Instant now, bool vanish) {
 }
 
 void VirtualPrinter::obey(MachineCommand command, ByteView bytes, Instant now) {
-  // If printing takes no time, the earlier bytes of the same packet are printed before this
-  // command.
+  // If the speed is unlimited, the earlier bytes of the same packet are printed before this command
+  // acts.
   printUntil(now);
   setAside(bytes.size());
   show(Deed::Kind::Command, bytes);
@@ -93,7 +93,7 @@ void VirtualPrinter::obey(MachineCommand command, ByteView bytes, Instant now) {
   question_.clear();
 }
 
-// Notes bytes that are not queued, so that the positions of all bytes in the job remain correct.
+// Counts bytes that are not queued, so that the positions of later bytes in the job are correct.
 void VirtualPrinter::setAside(std::size_t count) {
   if (count == 0) {
     return;
@@ -279,7 +279,7 @@ void VirtualPrinter::countEtb() {
   ++state_.etbCounter;
 }
 
-// Called when the data of a host that has left are all printed.
+// Called when all data of a host that has left are printed.
 void VirtualPrinter::endJob(std::uint64_t received) {
   printing_.leaveUnfinishedCommand();
   if (!keepJob_) {

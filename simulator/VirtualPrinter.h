@@ -38,8 +38,8 @@ class VirtualPrinter {
   /// Changes a setting from `now` on, as `PrinterState::set` does, and throws as it does.
   void set(std::string_view key, std::string_view value, Instant now);
 
-  /// Lets the printer work until `now`. The functions below report its state at the latest time
-  /// that it was given.
+  /// Lets the printer work until `now`. The functions below show its state at the latest of these
+  /// times.
   void advance(Instant now);
 
   /// The output since the paper was last torn off.
@@ -77,7 +77,7 @@ class VirtualPrinter {
   using Watcher = std::function<void(const Deed&)>;
   void watch(Watcher watch) { watch_ = std::move(watch); }
 
-  // ---- For the link ----
+  // The functions for the link.
 
   /// Receives replies for the host, with the time at which the printer sends each.
   using Sink = std::function<void(ByteView, Instant, ReplyKind)>;
@@ -91,25 +91,24 @@ class VirtualPrinter {
   void disconnect(std::uint64_t connection);
   bool isConnection(std::uint64_t connection) const { return connection == connection_; }
 
-  /// The count of bytes that it can accept: the free part of its buffer. 0 while that is less than
-  /// a command may need (64 bytes, or a quarter of a small buffer).
+  /// How many bytes it can accept: the free part of its buffer. Returns 0 while that is less than a
+  /// command may need, which is 64 bytes, or a quarter of a small buffer.
   std::size_t space() const;
 
-  /// How many bytes at the start of `bytes` it can accept without free space, because they act on
-  /// reception and are not stored.
+  /// How many bytes at the start of `bytes` need no free space, because they act on reception and
+  /// are not stored.
   std::size_t actingAtOnce(ByteView bytes) const { return reception_.actingAtOnce(bytes); }
 
-  /// Accepts all of `bytes`, which must be at most `space()` or `actingAtOnce(bytes)`. With
-  /// `vanish`, print data are lost on the way: commands that act on reception are executed, and
-  /// nothing is printed. A command that began earlier is treated as its first bytes were.
+  /// Accepts all of `bytes`; there must be at most `space()` or `actingAtOnce(bytes)` of them. With
+  /// `vanish`, commands that act on reception are executed, but print data are lost. If a command
+  /// began in an earlier call, its rest is treated as its beginning was.
   void receive(ByteView bytes, Instant now, bool vanish = false);
 
   /// Sends bytes to the host, if there is one: an answer, or a report without a question.
   void reply(ByteView bytes, Instant at, ReplyKind kind = ReplyKind::Other);
 
-  /// The next time, after the latest that it was given, at which it does something that can be
-  /// noticed from outside: it has space again, passes an ETB, has printed everything, or drops
-  /// data. Empty if nothing is due.
+  /// The next time at which the printer, without a call, has space again, passes an ETB, has
+  /// printed everything, or drops data. Empty if nothing is due.
   std::optional<Instant> nextEvent() const;
 
  private:
@@ -117,13 +116,13 @@ class VirtualPrinter {
   /// queued have been printed.
   struct Mark {
     std::optional<MachineCommand> command;  // empty: the end of a connection
-    Bytes bytes;                            // of the command; they are not printed
+    Bytes bytes;                            // the bytes of the command, which are not printed
     std::uint64_t begin;
     std::uint64_t end;
-    std::uint64_t received = 0;  // count of all bytes received by then
+    std::uint64_t received = 0;  // the count of all bytes received by then
   };
 
-  /// Bytes that acted at once, and were received before the queued byte of number `before`.
+  /// Bytes that acted at once. They were received before the queued byte with the number `before`.
   struct Aside {
     std::uint64_t before;
     std::uint64_t bytes;
@@ -158,21 +157,21 @@ class VirtualPrinter {
   PrintQueue queue_;
   Printing printing_;
   std::uint64_t queuedEver_ = 0;
-  std::uint64_t takenEver_ = 0;  // of the queued bytes: printed or dropped
+  std::uint64_t takenEver_ = 0;  // how many queued bytes were printed or dropped
   std::uint64_t receivedEver_ = 0;
-  std::uint64_t jobBegin_ = 0;  // the number of received bytes before the current job
-  std::deque<Aside> asides_;    // not yet passed by the printing
+  std::uint64_t jobBegin_ = 0;  // how many bytes were received before the current job
+  std::deque<Aside> asides_;    // in order; those not yet passed by the print position
   std::uint64_t asidesPassed_ = 0;
   Bytes question_;          // the command that is being answered
-  std::deque<Mark> marks_;  // in the order of the queued bytes
+  std::deque<Mark> marks_;  // in order of their positions
   std::uint64_t printedBytes_ = 0;
   Bytes printed_;
 
   std::uint8_t dataTimeoutSeconds_ = 0;
-  bool guarded_ = false;   // between a data cancel and its end
-  bool dropping_ = false;  // after the data time-out, until the end of the data cancel
+  bool guarded_ = false;   // true between a data cancel and its end
+  bool dropping_ = false;  // true after the data time-out, until the data cancel ends
   Instant lastReceived_{};
-  std::optional<Bytes> reported_;  // the last unasked status; empty: not wanted
+  std::optional<Bytes> reported_;  // the last unasked status; empty if the host does not want any
 
   JobBytes jobBytes_;
   JobKeeper keepJob_;

@@ -22,16 +22,16 @@ constexpr std::uint32_t shadowColour = 0xb9bec4;
 constexpr std::uint32_t inkColour = 0x1c1c1e;
 constexpr std::uint32_t remarkColour = 0x8a8f98;
 
-constexpr unsigned tableMargin = 16;  // the visible table around the paper
-constexpr unsigned sideMargin = 32;   // paper beside the print
-constexpr unsigned tooth = 6;         // of a torn edge
+constexpr unsigned tableMargin = 16;  // the width of the table that is visible around the paper
+constexpr unsigned sideMargin = 32;   // the width of the empty paper beside the print
+constexpr unsigned tooth = 6;         // the size of a tooth of the torn edge
 constexpr unsigned shadowWidth = 2;
 constexpr Margins margins = {.end = 20, .gap = 24};
 
-constexpr unsigned bandHeight = 256;  // the count of rows that are drawn together
+constexpr unsigned bandHeight = 256;  // how many rows are drawn together
 
-// The meanings of a dot's value: the shadow, the table with more and more of a remark on it, and
-// paper with more and more ink on it.
+// The meanings of a dot's value. 0 is the paper's shadow. The next values are the table, from bare
+// to covered by a remark. The highest values are the paper, from bare to covered by ink.
 constexpr std::uint8_t shadow = 0;
 constexpr std::uint8_t table = 1;
 constexpr std::uint8_t mostRemark = 127;
@@ -94,7 +94,7 @@ class BandedPicture {
   /// Calls `take` with each row, in order.
   void draw(const std::function<void(ByteView)>& take) const {
     Bytes row(width());
-    const Bytes bare(paperWidth_, Plane::bare);  // like most rows of a receipt
+    const Bytes bare(paperWidth_, Plane::bare);  // compared with, because most rows are empty
     for (unsigned top = 0; top < height(); top += bandHeight) {
       const unsigned rows = std::min(bandHeight, height() - top);
       Plane print(paperWidth_, rows);

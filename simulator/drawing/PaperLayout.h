@@ -16,8 +16,8 @@ struct PlacedItem {
   int top = 0;
   unsigned height = 0;
   const PaperItem* item = nullptr;
-  std::optional<EncodedSymbol> symbol{};  ///< for a symbol; empty if it cannot be encoded
-  std::vector<std::shared_ptr<PaperLayout>> areas{};  ///< for a page
+  std::optional<EncodedSymbol> symbol{};  ///< the encoded symbol; empty if it cannot be encoded
+  std::vector<std::shared_ptr<PaperLayout>> areas{};  ///< the layouts of a page's areas
 };
 
 /// The paper between two cuts.
@@ -67,9 +67,9 @@ class PaperLayout {
   Margins margins_;
   std::vector<PlacedItem> items_;
   std::vector<Piece> pieces_;
-  unsigned begin_;  // of the current piece
+  unsigned begin_;  // the beginning of the current piece
   unsigned y_;
-  unsigned end_;  // of the print in the current piece
+  unsigned end_;  // the end of the print in the current piece
 };
 
 }  // namespace quordalvane::simulator

@@ -135,7 +135,7 @@ class Painter {
 
   // Draws the three rings in the middle, which the encoder omits.
   void paintRings(const Symbol& symbol, int left, int y) {
-    constexpr double edges[] = {0.58, 1.34, 2.11, 2.88, 3.64, 4.40};  // in modules
+    constexpr double edges[] = {0.58, 1.34, 2.11, 2.88, 3.64, 4.40};  // their radii in modules
     const double module = symbol.moduleWidth;
     const double middleX = left + 14.5 * module;
     const double middleY = y + 16.5 * symbol.rowHeight;
@@ -165,7 +165,7 @@ class Painter {
     }
   }
 
-  // A dashed line: the pieces still hang together.
+  // Draws a dashed line, because the pieces still hang together.
   void paintPartialCut(int y, unsigned height) {
     constexpr unsigned dash = 6;
     for (unsigned x = 0; x < plane_.width(); x += 2 * dash) {

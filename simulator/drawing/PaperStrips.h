@@ -46,7 +46,7 @@ class PaperStrips {
   Strip draw(unsigned row, unsigned height) const;
 
   unsigned width_;
-  std::deque<PaperItem> items_;  // a deque does not move its items, which the layout points to
+  std::deque<PaperItem> items_;  // a deque, because the layout points to the items
   PaperLayout layout_;
 };
 

@@ -30,7 +30,7 @@ class Plane {
   void dots(const Bitmap& bitmap, int x, int y, unsigned scaleX, unsigned scaleY,
             std::uint8_t darkness);
 
-  /// Draws in `darkness`, weighted by the darkness of `stencil`.
+  /// Darkens dots towards `darkness`, the more the darker `stencil` is there.
   void draw(const Plane& stencil, int x, int y, std::uint8_t darkness);
 
   /// The plane turned clockwise by this count of quarter turns.

@@ -17,8 +17,8 @@ namespace {
 
 constexpr double cellWidth = 12;
 constexpr double cellHeight = 24;
-constexpr double fontSize = 20;  // fills a cell with most monospaced fonts
-constexpr std::size_t mostCached = std::size_t{4} << 20U;  // bytes of glyphs
+constexpr double fontSize = 20;  // with most monospaced fonts, this fills a cell
+constexpr std::size_t mostCached = std::size_t{4} << 20U;  // the size of all kept glyphs in bytes
 
 struct GlyphKey {
   char32_t character;
@@ -127,7 +127,7 @@ class GlyphCache {
     return glyphs_.emplace(key, glyphOf(key)).first->second;
   }
 
-  std::mutex mutex;  // to be held while drawing
+  std::mutex mutex;  // to be held by each thread that draws
 
  private:
   FontCaches fonts_;
