@@ -9,13 +9,14 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// A port asks for the texts of an accessory one after the other.
+// A port asks for the texts of an accessory one after the other, so one answer of the service is
+// used for this long.
 constexpr auto lookInterval = 1s;
 constexpr auto lookTimeout = 3s;
 
 }  // namespace
 
-/// The service's answer: the printer, or why it cannot be chosen.
+/// An answer of the service: the printer, or the reason why it cannot be chosen.
 struct BluetoothAccessory::Look {
   SteadyTime at;
   std::optional<KnownDevice> printer;

@@ -11,25 +11,24 @@
 
 namespace quordalvane::bluez {
 
-/// A printer that is paired with this machine. While it is not paired it announces no protocol, so
-/// that a port passes it over. Its name and address are those that the Bluetooth service has for
-/// it, unless `identity` has others. The service is asked at most once a second, and never before
-/// the accessory is asked for the first time.
+/// A printer that is paired with this machine. While it is not paired, it announces no protocol, so
+/// ports ignore it. Its name and address come from the Bluetooth service, unless `identity`
+/// contains them. The service is asked only when the accessory is asked, and at most once a second.
 ///
-/// Its manufacturer is always that of `identity`: a port chooses one maker's accessories alone, and
-/// a user who names this device wants it, whichever maker built it.
+/// Its manufacturer is always that of `identity`, whichever maker built the printer: a port chooses
+/// only accessories of one maker, and a user who names this device wants to use it.
 class BluetoothAccessory : public posix::LinkAccessory {
  public:
-  /// `place` chooses the printer as `choosePrinter` states.
+  /// `place` selects the printer, as described at `choosePrinter`.
   BluetoothAccessory(AccessoryIdentity identity, std::string place);
 
   std::optional<std::string> name() override;
   std::vector<std::string> protocolStrings() override;
 
-  /// With the address that the service has for it.
+  /// Returns the description, with the address that the service has for the printer.
   std::string description() override;
 
-  /// Also why the printer cannot be chosen, if it cannot now.
+  /// Also returns the reason if the printer cannot be chosen now.
   std::string lastError() override;
   std::error_code lastErrorCode() override;
 
@@ -41,7 +40,7 @@ class BluetoothAccessory : public posix::LinkAccessory {
   const AccessoryIdentity identity_;
   const std::string place_;
   std::mutex mutex_;            // guards the members below
-  std::shared_ptr<Look> last_;  // the latest look
+  std::shared_ptr<Look> last_;  // the latest answer of the service
 };
 
 }  // namespace quordalvane::bluez

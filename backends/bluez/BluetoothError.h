@@ -7,28 +7,29 @@ namespace quordalvane::bluez {
 
 /// Why a Bluetooth printer cannot be reached.
 enum class BluetoothError {
-  NoBus = 1,      ///< the system's message bus is missing, or has ended
+  NoBus = 1,      ///< the system's message bus is missing or has ended
   NoService,      ///< the Bluetooth service does not run
   NoAnswer,       ///< the Bluetooth service does not answer
   NoAdapter,      ///< the machine has no Bluetooth adapter
   AdapterOff,     ///< the adapter is switched off
-  NotPaired,      ///< no printer of that address or name is paired
-  Ambiguous,      ///< more than one paired printer fits
-  NoSerialPort,   ///< the device offers no serial port, so it is no printer of this kind
-  Rejected,       ///< the printer turned the connection down
+  NotPaired,      ///< no printer with this address or name is paired
+  Ambiguous,      ///< more than one paired printer matches
+  NoSerialPort,   ///< the device offers no serial port, so it is not a receipt printer
+  Rejected,       ///< the printer refused the connection
   NotAuthorized,  ///< nobody authorised the connection in time
   HostDown,       ///< the printer does not respond: it is off or out of range
-  InUse,          ///< another program, or another session, holds the printer
-  ProfileTaken,   ///< another program holds the serial port profile
+  InUse,          ///< another program or another session uses the printer
+  ProfileTaken,   ///< another program has registered the serial port profile
   Denied,         ///< this user may not use the Bluetooth service
   Failed,         ///< any other error of the service
 };
 
-/// The category of those codes. `InUse` and `ProfileTaken` are
+/// Returns the error category of these codes. `InUse` and `ProfileTaken` are equivalent to
 /// `std::errc::device_or_resource_busy`.
 const std::error_category& bluetoothCategory();
 
-/// Throws a `std::system_error` of that code, whose message begins with `text`, for people.
+/// Throws a `std::system_error` with the code `error`. Its message is for people and begins with
+/// `text`.
 [[noreturn]] void fail(BluetoothError error, const std::string& text);
 
 }  // namespace quordalvane::bluez

@@ -13,7 +13,7 @@ namespace {
 using bluez::bluetoothCategory;
 using bluez::BluetoothError;
 
-constexpr std::size_t longestPlace = 248;  // the longest name that a device may have, in bytes
+constexpr std::size_t longestPlace = 248;  // the maximum length of a device's name in bytes
 
 constexpr int of(BluetoothError error) {
   return static_cast<int>(error);
@@ -72,7 +72,7 @@ void checkPlace(const std::string& place) {
 
 std::shared_ptr<EAAccessory> make(const DeviceSpec& spec, AccessoryIdentity identity,
                                   Clock& /*clock*/) {
-  // A name that equals the place is only the default: the printer's own is better.
+  // A name that equals the place is only the default, and the printer's own name is better.
   if (identity.name == spec.place) {
     identity.name = std::nullopt;
   }
@@ -88,7 +88,7 @@ std::vector<std::string> places() {
       addresses.push_back(printer.address);
     }
   } catch (const std::system_error&) {
-    // The accessory of the empty place reports the reason.
+    // The accessory of the empty place will report the reason.
   }
   return addresses;
 }

@@ -13,7 +13,7 @@ namespace quordalvane::bluez {
 using posix::SteadyClock;
 using posix::SteadyTime;
 
-/// Which method of which object on the bus.
+/// Names a method of an object on the bus.
 struct Method {
   std::string service;
   std::string path;
@@ -21,19 +21,21 @@ struct Method {
   std::string name;
 };
 
-/// A connection of its own to the system's message bus. It has no thread: messages of the bus are
-/// handled on the caller's thread, while a call of this class waits. For one thread at a time.
+/// A separate connection to the system's message bus. It has no thread of its own: the caller's
+/// thread handles messages of the bus while it waits in a call of this class. Only one thread at a
+/// time may use it.
 class Bus {
  public:
-  /// Connects. Throws a `std::system_error` with `BluetoothError::NoBus` if there is no bus, or if
-  /// it has not accepted the connection by `deadline`; the attempt then ends by itself.
+  /// Connects to the bus. Throws a `std::system_error` with `BluetoothError::NoBus` if there is no
+  /// bus, or if it has not accepted the connection by `deadline`. In the latter case the attempt
+  /// ends later by itself.
   explicit Bus(SteadyTime deadline);
 
   sdbus::IConnection& connection() { return *connection_; }
 
-  /// Calls the method and returns its answer. Throws a `sdbus::Error` if the answer is an error,
-  /// and one for which `isSilence` is true if there is no answer by `deadline`. Throws a
-  /// `std::system_error` with `BluetoothError::NoBus` if the bus has ended.
+  /// Calls the method and returns its answer. Throws a `sdbus::Error` if the answer is an error. If
+  /// there is no answer by `deadline`, throws a `sdbus::Error` for which `isSilence` returns true.
+  /// Throws a `std::system_error` with `BluetoothError::NoBus` if the bus has ended.
   template <typename... Arguments>
   sdbus::MethodReply call(SteadyTime deadline, const Method& method,
                           const Arguments&... arguments) {
@@ -43,12 +45,12 @@ class Bus {
     return answerTo(message, *proxy, deadline);
   }
 
-  /// Handles messages of the bus until `isDone` returns true; false if it does not by `deadline`.
-  /// Throws a `std::system_error` with `BluetoothError::NoBus` if the bus has ended.
+  /// Handles messages of the bus until `isDone` returns true. Returns false if it does not by
+  /// `deadline`. Throws a `std::system_error` with `BluetoothError::NoBus` if the bus has ended.
   bool handleUntil(SteadyTime deadline, const std::function<bool()>& isDone);
 
-  /// Handles messages of the bus until `isDone` returns true, or until the file `watched` hangs up.
-  /// Throws as `handleUntil` does.
+  /// Handles messages of the bus until `isDone` returns true, or until the descriptor `watched`
+  /// hangs up. Throws the exceptions of `handleUntil`.
   void handleWhileOpen(int watched, const std::function<bool()>& isDone);
 
  private:
@@ -62,7 +64,7 @@ class Bus {
   std::unique_ptr<sdbus::IConnection> connection_;
 };
 
-/// Whether the error says that no answer arrived in time.
+/// Returns whether the error means that no answer arrived in time.
 bool isSilence(const sdbus::Error& error);
 
 }  // namespace quordalvane::bluez

@@ -43,7 +43,7 @@ class ServiceWatch {
   sdbus::Slot match_;
 };
 
-/// A watched connection: the bus on which it was made, and the events that it waits for.
+/// The watch over a connection: the bus on which it was made, and the event that ends it.
 struct Care {
   explicit Care(SteadyTime deadline) : bus(deadline), watch(bus) {}
 
@@ -51,8 +51,8 @@ struct Care {
   ServiceWatch watch;
 };
 
-// A copy by which the connection can be ended. It does not keep the connection open: its owner
-// shuts that down before it closes its own.
+// Returns a copy of the descriptor by which the connection can be ended. The copy does not keep the
+// connection open, because the owner's descriptor shuts it down before it is closed.
 Descriptor handleOn(Descriptor& connection) {
   connection.setBeforeClose(shutDown);
   const int copy = ::fcntl(connection.number(), F_DUPFD_CLOEXEC, 0);
@@ -62,13 +62,13 @@ Descriptor handleOn(Descriptor& connection) {
   return {copy, Descriptor::Kind::Bluetooth};
 }
 
-// The thread owns everything that it uses. After a fork the child has no such thread, and needs
-// none.
+// The body of the watching thread. The thread owns everything that it uses. A forked child process
+// does not have the thread and does not need it.
 void lookAfter(std::unique_ptr<Care> care, Descriptor connection) {
   try {
     care->bus.handleWhileOpen(connection.number(), [&] { return care->watch.hasLeft(); });
   } catch (const std::system_error&) {
-    // The bus has ended, and the service with it.
+    // The bus has ended, and so the service cannot be reached any more.
   }
   connection.shutdown();
 }

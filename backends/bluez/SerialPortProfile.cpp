@@ -18,7 +18,8 @@ constexpr auto ownPath = "/com/quordalvane/serialport";
 constexpr auto profileInterface = "org.bluez.Profile1";
 constexpr auto rejected = "org.bluez.Error.Rejected";
 
-// Another program holds the profile while it connects.
+// The pause between attempts to register. Another program that connects holds the profile only for
+// a moment.
 constexpr auto retryInterval = 50ms;
 
 Method ofManager(const std::string& name) {
@@ -30,7 +31,7 @@ bool isHeldByAnother(const sdbus::Error& error) {
          error.getName() == "org.bluez.Error.AlreadyExists";
 }
 
-// A copy of our own: the message closes its descriptor.
+// Copies the descriptor, because the message closes its own.
 posix::Descriptor copyOf(const sdbus::UnixFd& file) {
   const int copy = ::fcntl(file.get(), F_DUPFD_CLOEXEC, 0);
   if (copy < 0) {
@@ -52,14 +53,14 @@ SerialPortProfile::~SerialPortProfile() {
   try {
     bus_.call(SteadyClock::now() + 1s, ofManager("UnregisterProfile"), sdbus::ObjectPath(ownPath));
   } catch (const std::exception&) {
-    // The service has ended, or releases it when this program leaves the bus.
+    // The service has ended, or removes the profile when this program leaves the bus.
   }
 }
 
 posix::Descriptor SerialPortProfile::connect(const KnownDevice& printer, SteadyTime deadline) {
   awaited_ = printer.path;
   callConnect(printer, deadline);
-  // The service may answer before or after it hands over the connection.
+  // The service may pass the connection before or after it answers.
   const bool isThere = bus_.handleUntil(deadline, [this] { return taken_.has_value(); });
   awaited_.clear();
   if (!isThere) {
@@ -75,7 +76,7 @@ void SerialPortProfile::serve() {
       .onInterface(profileInterface)
       .implementedAs([this](const sdbus::ObjectPath& device, const sdbus::UnixFd& file,
                             const Options& /*properties*/) { take(device, file); });
-  // The link itself ends when the service disconnects the printer or leaves.
+  // Nothing to do: the link itself ends when the service disconnects the printer or stops.
   object_->registerMethod("RequestDisconnection")
       .onInterface(profileInterface)
       .implementedAs([](const sdbus::ObjectPath& /*device*/) {});

@@ -10,23 +10,24 @@
 
 namespace quordalvane::bluez {
 
-/// The serial port profile, registered with the Bluetooth service as long as this lives. The
-/// service has one for all programs of the machine, so it is held for a connection alone and not
-/// for its session.
+/// Registers the serial port profile with the Bluetooth service while it exists. Only one program
+/// of the machine can register it at a time, so it is kept only while connecting, not for a whole
+/// session.
 class SerialPortProfile {
  public:
-  /// Registers it on `bus`, which must outlive this. While another program holds it, tries again
-  /// until `deadline`. Throws a `std::system_error` with a code of `bluetoothCategory()`.
+  /// Registers the profile on `bus`, which must outlive this object. If another program has
+  /// registered it, tries again until `deadline`. Throws a `std::system_error` with a code of
+  /// `bluetoothCategory()` if it fails.
   SerialPortProfile(Bus& bus, SteadyTime deadline);
 
-  /// Unregisters it. A service that does not answer within a second removes it by itself when this
-  /// program leaves the bus.
+  /// Unregisters the profile. If the service does not answer within a second, it will remove the
+  /// profile by itself when this program leaves the bus.
   ~SerialPortProfile();
   SerialPortProfile(const SerialPortProfile&) = delete;
   SerialPortProfile& operator=(const SerialPortProfile&) = delete;
 
   /// Connects to `printer` and returns the connection. Throws a `std::system_error` with a code of
-  /// `bluetoothCategory()`; `NotAuthorized` if it has not succeeded by `deadline`.
+  /// `bluetoothCategory()` if it fails; the code is `NotAuthorized` if `deadline` passes.
   posix::Descriptor connect(const KnownDevice& printer, SteadyTime deadline);
 
  private:
@@ -37,7 +38,7 @@ class SerialPortProfile {
 
   Bus& bus_;
   std::unique_ptr<sdbus::IObject> object_;
-  std::string awaited_;                     // the device whose connection may arrive
+  std::string awaited_;                     // the path of the device whose connection is expected
   std::optional<posix::Descriptor> taken_;  // the connection that has arrived
 };
 

@@ -12,7 +12,7 @@ using Properties = std::map<std::string, sdbus::Variant>;
 using Interfaces = std::map<std::string, Properties>;
 using Objects = std::map<sdbus::ObjectPath, Interfaces>;
 
-// The property; `otherwise` if it is missing or of another type.
+// Returns the property `name`; `otherwise` if it is missing or has another type.
 template <typename Value>
 Value valueOf(const Properties& properties, const std::string& name, Value otherwise) {
   const auto found = properties.find(name);
@@ -40,8 +40,9 @@ bool areSameInAnyCase(std::string_view one, std::string_view other) {
                     [](char a, char b) { return inUpperCase(a) == inUpperCase(b); });
 }
 
-// The major class of a device, and the bit of printers in the class of imaging devices. Many
-// receipt printers report no class, so a device without one may be a printer.
+// Returns whether a device with this class may be a printer: an imaging device with the bit for
+// printers. Many receipt printers report no class, so a device without a class may be a printer as
+// well.
 bool mayBePrinterByClass(std::uint32_t deviceClass) {
   constexpr std::uint32_t imaging = 0x06;
   constexpr std::uint32_t printer = 0x80;
@@ -106,7 +107,7 @@ std::vector<KnownDevice> fittingDevices(const Knowledge& knowledge, std::string_
   std::vector<KnownDevice> fitting;
   std::copy_if(knowledge.devices.begin(), knowledge.devices.end(), std::back_inserter(fitting),
                [place](const KnownDevice& device) { return fits(device, place); });
-  // A device that is only in range must not hide a paired one of the same name.
+  // A device that is only in range must not hide a paired device of the same name.
   if (std::any_of(fitting.begin(), fitting.end(), [](const auto& one) { return one.isPaired; })) {
     std::erase_if(fitting, [](const auto& one) { return !one.isPaired; });
   }
@@ -119,7 +120,8 @@ std::vector<KnownDevice> fittingDevices(const Knowledge& knowledge, std::string_
   fail(BluetoothError::NotPaired, what + (printers.empty() ? "" : "; paired: " + listed(printers)));
 }
 
-// The meaning of an error of the bus or of the service whose name begins with this.
+// The meaning of an error of the bus or of the service. `name` is the beginning of the error's
+// name, or a part of its text.
 struct Meaning {
   std::string_view name;
   BluetoothError error;
@@ -148,8 +150,9 @@ constexpr std::array meanings = {
     Meaning{"org.bluez.Error.AuthenticationTimeout", BluetoothError::NotAuthorized},
 };
 
-// The service uses one name for most failures of a connection. Its text shows which one it was: the
-// system's words or, in later versions, a word of the service's own.
+// The service uses the same error name for most failures of a connection. Only the text shows which
+// failure it was: it contains the words of the system or, in later versions, a word of the service
+// itself.
 constexpr std::array words = {
     Meaning{"Host is down", BluetoothError::HostDown},
     Meaning{"No route to host", BluetoothError::HostDown},
@@ -158,7 +161,7 @@ constexpr std::array words = {
     Meaning{"connection-timeout", BluetoothError::HostDown},
     Meaning{"resource busy", BluetoothError::InUse},
     Meaning{"connection-busy", BluetoothError::InUse},
-    // The system makes no second connection to one channel.
+    // The system cannot open a second connection to one channel.
     Meaning{"create-socket", BluetoothError::InUse},
     Meaning{"already-connected", BluetoothError::InUse},
     Meaning{"refused", BluetoothError::Rejected},
