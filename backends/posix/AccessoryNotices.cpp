@@ -14,8 +14,8 @@
 namespace quordalvane::posix {
 namespace {
 
-// udev repeats the kernel's notice after it has given the device's file its group and its rights:
-// until then an ordinary user could not open it.
+// Returns which senders to listen to. udev repeats the notice of the kernel after it has set the
+// group and the permissions of the device file. Before that an ordinary user cannot open the file.
 unsigned senders() {
   constexpr unsigned kernel = 1;
   constexpr unsigned udev = 2;
@@ -36,7 +36,8 @@ int openSocket() {
   return number;
 }
 
-// A notice is a sequence of texts, each with a zero byte at its end: "SUBSYSTEM=usbmisc".
+// Returns whether the notice is about a printer. A notice is a sequence of texts such as
+// "SUBSYSTEM=usbmisc", each of which ends with a zero byte.
 bool isOfPrinter(std::string_view notice) {
   using namespace std::string_view_literals;
   return notice.find("\0SUBSYSTEM=usbmisc\0"sv) != std::string_view::npos ||
@@ -65,8 +66,8 @@ bool AccessoryNotices::await(std::chrono::milliseconds time) {
   return isThere;
 }
 
-// Takes all notices that have arrived. If there were too many for the system to keep, one of them
-// may have been of a printer.
+// Takes all notices that have arrived. Returns true if one was about a printer, or if the system
+// has dropped some because there were too many.
 bool AccessoryNotices::take() {
   std::array<char, 8192> notice;
   bool isThere = false;

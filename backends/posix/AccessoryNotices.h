@@ -6,34 +6,35 @@
 
 namespace quordalvane::posix {
 
-/// The system's notices that a USB printer or a serial line was plugged in or pulled. A program
-/// that waits for its printer is woken by them as soon as the printer is there again:
+/// Receives the system's notices that a USB printer or a serial line was plugged in or unplugged.
+/// They wake a program that waits for its printer as soon as the printer is back. For example:
 ///
 ///     AccessoryNotices notices;
 ///     while (!print(receipt)) {
 ///       notices.await(std::chrono::milliseconds(500));
 ///     }
 ///
-/// They only shorten waits: on a system that gives none, as in some containers, each wait lasts its
-/// whole time. For one thread at a time.
+/// Notices only shorten waits. On a system that sends no notices, as in some containers, each wait
+/// takes its full time. Only one thread at a time may use the object.
 class QUOR_EXPORT AccessoryNotices {
  public:
-  /// From now on no notice is missed.
+  /// Starts to receive notices.
   AccessoryNotices();
 
-  /// Takes over `socket`, which delivers one notice a message; for tests. It must not block.
+  /// For tests. Takes ownership of `socket`, a non-blocking socket on which each message is one
+  /// notice.
   explicit AccessoryNotices(int socket) : socket_(socket) {}
 
   ~AccessoryNotices();
   AccessoryNotices(const AccessoryNotices&) = delete;
   AccessoryNotices& operator=(const AccessoryNotices&) = delete;
 
-  /// Blocks until there is a notice or `time` has passed on a steady clock; zero only takes the
-  /// notices that are there. True if there was one since the last call.
+  /// Blocks until there is a notice or `time` has passed on a steady clock; with zero it does not
+  /// wait. Returns true if there was a notice since the last call.
   bool await(std::chrono::milliseconds time);
 
-  /// Becomes readable when a notice may be there; -1 if the system gives none. This object keeps
-  /// it.
+  /// Returns a descriptor that becomes readable when a notice may have arrived; -1 if the system
+  /// sends no notices. This object owns the descriptor.
   int descriptor() const { return socket_; }
 
  private:

@@ -17,8 +17,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// After this much silence on an idle connection the other side is asked for a sign of life, and
-// again, so many times.
+// If an idle connection is silent for this interval, the system sends the other side a probe, and
+// repeats it after each further interval, up to `keepAliveCount` times.
 constexpr std::chrono::seconds keepAliveInterval{15};
 constexpr int keepAliveCount = 7;
 
@@ -31,14 +31,14 @@ void setOption(const Descriptor& socket, int level, int name, const Value& value
 
 void boundConnect(const Descriptor& socket, SteadyTime deadline) {
   using namespace std::chrono;
-  // A time-out of zero would mean no limit.
+  // The time left is at least one microsecond, because a time-out of zero would mean no limit.
   const auto left = std::max(ceil<microseconds>(deadline - SteadyClock::now()), 1us);
   const auto whole = floor<seconds>(left);
   const timeval timeout{.tv_sec = whole.count(), .tv_usec = microseconds(left - whole).count()};
   setOption(socket, SOL_SOCKET, SO_SNDTIMEO, timeout);
 }
 
-// A connected socket, or an exception with the reason.
+// Returns a connected socket. Throws an exception with the reason if it cannot connect.
 Descriptor connectUntil(SteadyTime deadline, const SocketAddress& address) {
   const int number = ::socket(address.storage.ss_family, SOCK_STREAM | SOCK_CLOEXEC, 0);
   if (number == -1) {
@@ -47,7 +47,7 @@ Descriptor connectUntil(SteadyTime deadline, const SocketAddress& address) {
   Descriptor socket(number, Descriptor::Kind::Socket);
   do {
     boundConnect(socket, deadline);
-    // Called again after a signal, it waits for the end of the attempt that it has begun.
+    // If a signal interrupts `connect`, the next call waits for the end of the same attempt.
     if (::connect(number, reinterpret_cast<const sockaddr*>(&address.storage), address.length) ==
         0) {
       return socket;
@@ -79,7 +79,8 @@ SocketAddress unixAddress(const std::string& path) {
   return result;
 }
 
-// Runs `connect` and prefixes the text of an error with the place; a code is kept.
+// Runs `connect`. If it throws, adds the place to the beginning of the message and keeps the error
+// code.
 template <typename Connect>
 Descriptor connectNamed(const std::string& place, Connect connect) {
   try {

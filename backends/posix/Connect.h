@@ -10,26 +10,28 @@
 
 namespace quordalvane::posix {
 
-/// How long connecting may take in all, resolving a name and trying all its addresses included.
+/// How long connecting may take in total, including the time to resolve a name and to try all its
+/// addresses.
 inline constexpr std::chrono::milliseconds connectTimeout{5000};
 
-/// Connects to the first of `addresses` that answers. Each gets an equal share of the time that is
-/// left until `deadline`, so that a silent one leaves some to the next. There must be at least one.
-/// Throws the error of the last one.
+/// Connects to the first of `addresses` that answers. There must be at least one address. Each
+/// address gets an equal share of the time that is left until `deadline`, so that a silent one
+/// leaves time for the next. If all fail, throws the error of the last one.
 Descriptor connectToAny(const std::vector<SocketAddress>& addresses, SteadyTime deadline);
 
-/// Connects to `host`, a name or an address (IPv6 without brackets), and makes the link fit for
-/// short exchanges: nothing is held back to be sent together with more, and an idle connection
-/// whose other side has vanished without a sign fails after two minutes. A printer that stops the
-/// flow, out of paper for example, may do so for as long as it likes.
+/// Connects to `host`, which is a name or an address (IPv6 without brackets). The connection sends
+/// small amounts of data at once. If the other side vanishes without a sign, an idle connection
+/// fails after two minutes. A printer that stops the flow, for example because it is out of paper,
+/// may do so for any time.
 ///
-/// Throws a `std::system_error` with a text for people if nothing answers within `timeout`, which
-/// is above zero; its code is one of the system's or, for a name, of `resolverCategory()`. A lookup
-/// that the resolver has not finished by then is left to end on its own.
+/// Throws a `std::system_error`, with a message for people, if nothing answers within `timeout`,
+/// which must be above zero. Its code is one of the system or, if a name cannot be resolved, of
+/// `resolverCategory()`. A lookup that has not finished by then ends later by itself.
 Descriptor connectTcp(const std::string& host, std::uint16_t port,
                       std::chrono::milliseconds timeout = connectTimeout);
 
-/// Connects to the socket at `path`. Throws as above; also if the path is too long for a socket.
+/// Connects to the local socket at `path`. Throws a `std::system_error` if nothing answers within
+/// `timeout`, or if the path is too long for a socket.
 Descriptor connectUnix(const std::string& path, std::chrono::milliseconds timeout = connectTimeout);
 
 }  // namespace quordalvane::posix

@@ -6,14 +6,14 @@
 
 namespace quordalvane::posix {
 
-/// The clock of all time limits here: no step of the wall clock moves it.
+/// The clock for all time limits in this folder. It does not change when the wall clock is set.
 using SteadyClock = std::chrono::steady_clock;
 
-/// An instant of that clock.
+/// A point in time on this clock.
 using SteadyTime = SteadyClock::time_point;
 
-/// The instant `seconds` from now. Zero, less and not-a-number give now; more than a year is a
-/// year, which keeps every sum with it in range.
+/// Returns the point in time `seconds` from now. For zero, a negative number and not-a-number it
+/// returns now. More than a year counts as a year, so that sums with the result do not overflow.
 inline SteadyTime deadlineIn(double seconds) {
   constexpr double longest = 365.0 * 24 * 3600;
   const double wait = seconds > 0 ? std::min(seconds, longest) : 0;
@@ -21,13 +21,13 @@ inline SteadyTime deadlineIn(double seconds) {
          std::chrono::ceil<SteadyClock::duration>(std::chrono::duration<double>(wait));
 }
 
-/// The time that is left until `deadline`, in seconds; 0 once it has passed.
+/// Returns the time left until `deadline` in seconds; 0 once it has passed.
 inline double secondsUntil(SteadyTime deadline) {
   const std::chrono::duration<double> left = deadline - SteadyClock::now();
   return std::max(left.count(), 0.0);
 }
 
-/// The same for a call of the system.
+/// Returns the time left until `deadline` in the form that system calls take; 0 once it has passed.
 inline timespec timeLeft(SteadyTime deadline) {
   using namespace std::chrono;
   const auto left = std::max(deadline - SteadyClock::now(), SteadyClock::duration::zero());

@@ -15,8 +15,9 @@
 namespace quordalvane::posix {
 namespace {
 
-// How long a socket waits by itself for bytes. Its limit is counted in coarse ticks, a hundredth of
-// a second at most, so a wait that could end within two of them is left to `poll`, which is exact.
+// How long a receive on a socket waits for bytes. The system measures this time in coarse ticks of
+// at most 10 ms, so it is not exact. A wait whose limit is not above `patienceAtMost` uses `poll`
+// instead, which is exact.
 constexpr std::chrono::milliseconds patience{30};
 constexpr std::chrono::milliseconds patienceAtMost{50};
 
@@ -25,7 +26,7 @@ bool makePatient(int socket) {
   return ::setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit) == 0;
 }
 
-// Calls `transfer` until something other than a signal ends it.
+// Calls `transfer`, again if a signal has interrupted it, and returns its result.
 template <typename Transfer>
 std::ptrdiff_t uninterrupted(Transfer transfer) {
   std::ptrdiff_t count = transfer();
@@ -83,7 +84,7 @@ std::ptrdiff_t Descriptor::receive(std::uint8_t* buffer, std::size_t maxLength) 
   const bool isEmptyPacket =
       count == 0 && kind_ == Kind::UsbPrinter && (pollUntil(0, SteadyTime{}) & POLLHUP) == 0;
   if (isEmptyPacket) {
-    errno = EAGAIN;  // a printer may send one at any time
+    errno = EAGAIN;  // a printer may send an empty packet at any time
     return -1;
   }
   return count;
@@ -110,16 +111,16 @@ std::ptrdiff_t Descriptor::receiveUntil(std::uint8_t* buffer, std::size_t maxLen
 
 std::ptrdiff_t Descriptor::send(const std::uint8_t* bytes, std::size_t length) const {
   if (isUsb(kind_) && (pollUntil(0, SteadyTime{}) & POLLHUP) != 0) {
-    errno = ENODEV;  // pulled before anything was handed over
+    errno = ENODEV;  // the printer was unplugged before anything was sent
     return -1;
   }
   const std::ptrdiff_t count = uninterrupted([&] {
     return isSocket() ? ::send(number_, bytes, length, MSG_DONTWAIT | MSG_NOSIGNAL)
                       : ::write(number_, bytes, length);
   });
-  // The driver reports a transfer that broke off as if nothing had been sent: with EIO, or with
-  // ENODEV if it has noticed by then that the printer was unplugged. The printer may have got any
-  // part of it, so all of it counts as taken; the next call fails.
+  // If a transfer breaks off, the driver reports EIO, or ENODEV if it has already noticed that the
+  // printer was unplugged, as if nothing had been sent. But the printer may have received any part
+  // of the bytes, so all of them count as taken; the next call fails.
   const bool brokeOff = isUsb(kind_) && count == -1 && (errno == EIO || errno == ENODEV);
   return brokeOff ? static_cast<std::ptrdiff_t>(length) : count;
 }
@@ -148,7 +149,8 @@ bool Descriptor::hasUnderWay() const {
   return isSocket() && outputCount() != idleOutputCount_;
 }
 
-// Of a Bluetooth socket the system counts the space that is left, of any other the bytes.
+// Returns the system's count of the output. For a Bluetooth socket it is the space that is left;
+// for any other socket, the bytes under way.
 int Descriptor::outputCount() const {
   int count = 0;
   return ::ioctl(number_, SIOCOUTQ, &count) == 0 ? count : idleOutputCount_;
@@ -160,8 +162,8 @@ std::chrono::milliseconds Descriptor::silence() const {
   if (::getsockopt(number_, IPPROTO_TCP, TCP_INFO, &info, &length) != 0) {
     return {};
   }
-  // One question may have been sent at this moment: while a printer has no space the pauses between
-  // them grow to two minutes.
+  // A single unanswered question means nothing: it may have been sent just now. While a printer has
+  // no space, the pauses between the system's questions grow to two minutes.
   const bool askedInVain = info.tcpi_retransmits + info.tcpi_probes > 1;
   return std::chrono::milliseconds(askedInVain ? info.tcpi_last_ack_recv : 0);
 }

@@ -8,77 +8,79 @@
 
 namespace quordalvane::posix {
 
-/// Owns one open descriptor of a connection and closes it at its end; a moved-from object owns no
-/// descriptor. Transfers never block. It keeps no state of the connection, so all calls but the
-/// moves may be made from any thread.
+/// Owns the open descriptor of a connection, and closes it in its destructor. A moved-from object
+/// owns no descriptor. `receive` and `send` never block. The object has no state of the connection,
+/// so any thread may call it, except that a move must be the only call.
 class Descriptor {
  public:
   /// The kind of file.
   enum class Kind {
-    Socket,     ///< may be shut down, and may itself wait for input
-    Bluetooth,  ///< a socket whose directions end together
+    Socket,     ///< can be shut down; the system can wait for its input
+    Bluetooth,  ///< a socket whose two directions end together
     Terminal,   ///< a serial line or a pseudo-terminal
 
-    /// A printer at the system's USB driver: a read of nothing is "nothing yet", and a close drops
-    /// the bytes that the printer has not taken.
+    /// A printer at the system's USB printer driver. A read of 0 bytes does not mean the end of the
+    /// stream, and a close drops the bytes that the printer has not taken.
     UsbPrinter,
-    MuteUsbPrinter,  ///< one that only takes bytes, and fails every read
+    MuteUsbPrinter,  ///< a USB printer that can only receive bytes; every read would fail
   };
 
-  /// Takes over `number`. A Bluetooth socket is new: nothing was sent. A terminal must be in
-  /// non-blocking mode; a socket may be in either.
+  /// Takes ownership of the descriptor `number`. Nothing may have been sent on a Bluetooth socket
+  /// before. A terminal must be in non-blocking mode; a socket may be in blocking mode.
   Descriptor(int number, Kind kind);
   ~Descriptor();
 
-  /// Takes over the descriptor of `other`.
+  /// Takes ownership of the descriptor of `other`.
   Descriptor(Descriptor&& other) noexcept;
   Descriptor& operator=(Descriptor&&) = delete;
 
-  /// Lets `act` run on the descriptor right before it is closed.
+  /// Sets a function that is called with the descriptor just before it is closed.
   void setBeforeClose(void (*act)(int number)) { beforeClose_ = act; }
 
-  /// The descriptor, which remains owned; -1 if there is none.
+  /// Returns the descriptor, which this object still owns; -1 if it owns none.
   int number() const { return number_; }
 
-  /// Takes at most `maxLength` bytes. Returns the count, 0 at the end of the stream, or -1 with
-  /// `errno` set: EAGAIN if there is nothing now.
+  /// Receives at most `maxLength` bytes without waiting. Returns their number, 0 at the end of the
+  /// stream, or -1 with an error in `errno`; the error is EAGAIN if there are no bytes now.
   std::ptrdiff_t receive(std::uint8_t* buffer, std::size_t maxLength) const;
 
-  /// The same, but waits for the first bytes until `deadline`; signals do not shorten the wait. A
-  /// socket that soon has some costs one system call in all.
+  /// Does the same, but waits until `deadline` for the first bytes; signals do not shorten the
+  /// wait. If bytes arrive soon on a socket, it needs only one system call.
   std::ptrdiff_t receiveUntil(std::uint8_t* buffer, std::size_t maxLength,
                               SteadyTime deadline) const;
 
-  /// Hands over at most `length` bytes and raises no signal. Returns the count, which may be fewer,
-  /// or -1 with `errno` set: EAGAIN if there is no space now. It never fails if a part of the bytes
-  /// may have arrived.
+  /// Sends at most `length` bytes without waiting and without causing a signal. Returns the number
+  /// of bytes taken, which may be smaller, or -1 with an error in `errno`; the error is EAGAIN if
+  /// there is no space now. It does not return -1 if a part of the bytes may have arrived.
   std::ptrdiff_t send(const std::uint8_t* bytes, std::size_t length) const;
 
-  /// Whether the input is empty after a `receive` that filled less than its buffer.
+  /// Returns true if a `receive` that does not fill its buffer shows that the input is now empty.
   bool shortReceiveEmpties() const { return isSocket(); }
 
-  /// Waits until one of the poll `events`, an error or a hang-up is there; signals do not shorten
-  /// the wait. Returns the events, 0 at the deadline. A deadline that has passed asks without
-  /// waiting.
+  /// Waits until one of the poll `events`, an error or a hang-up occurs; signals do not shorten the
+  /// wait. Returns the events that occurred, or 0 if the deadline passed. With a deadline in the
+  /// past it does not wait.
   short pollUntil(short events, SteadyTime deadline) const;
 
-  /// Whether bytes that were handed over have not reached the other side. False if the kind cannot
-  /// report it.
+  /// Returns true if bytes were sent that have not reached the other side. Returns false if this
+  /// kind of descriptor cannot report it.
   bool hasUnderWay() const;
 
-  /// How long the other side has acknowledged nothing, although it was asked more than once about
-  /// the bytes under way. Zero while it acknowledges that it has no space, and if the kind cannot
-  /// report it.
+  /// Returns for how long the other side has acknowledged nothing, although the system has asked
+  /// more than once about the bytes under way. Returns zero while the other side acknowledges that
+  /// it has no space, and if this kind of descriptor cannot report it.
   std::chrono::milliseconds silence() const;
 
-  /// What keeps a USB printer from printing as far as its port reports it, for people: "paper out"
-  /// for example. "" if it reports nothing, and for the other kinds.
+  /// Returns, as a text for people, why a USB printer does not print, as its USB port reports it,
+  /// for example "paper out". Returns "" if the port reports nothing, and for other kinds of
+  /// descriptors.
   std::string portState() const;
 
-  /// Tells the other side that no more bytes follow, if the kind allows it.
+  /// Shuts down the output, so that the other side sees that no more bytes follow. Has no effect on
+  /// kinds that cannot do this.
   void endOutput() const;
 
-  /// The same for both directions; wakes whoever polls.
+  /// Shuts down both directions. Threads that wait in `pollUntil` return.
   void shutdown() const;
 
  private:
@@ -87,8 +89,8 @@ class Descriptor {
 
   int number_;
   Kind kind_;
-  int idleOutputCount_ = 0;  // what the system answers if nothing is under way
-  bool isPatient_;           // receiving may itself wait, for a limited time
+  int idleOutputCount_ = 0;  // the count that the system reports if no bytes are under way
+  bool isPatient_;           // a system call that receives may wait for a short time
   void (*beforeClose_)(int number) = nullptr;
 };
 

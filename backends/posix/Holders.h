@@ -7,12 +7,13 @@
 
 namespace quordalvane::posix {
 
-/// The other processes that have the file at `path` open, as far as this one may know: those of
-/// other users are visible only by a lock on it. In rising order.
+/// Returns the IDs, in rising order, of the other processes that have the file at `path` open.
+/// Processes of other users are included only if they hold a lock on it, because this process
+/// cannot see their open files.
 std::vector<pid_t> holdersOf(const std::string& path);
 
-/// Those processes in words: "another program: lpd (process 412)", or "another program" alone if
-/// none is known.
+/// Returns the same processes in words: "another program: lpd (process 412)", or just "another
+/// program" if none is known.
 std::string holderInWords(const std::string& path);
 
 }  // namespace quordalvane::posix

@@ -9,14 +9,15 @@
 namespace quordalvane::posix {
 namespace {
 
-// The system does not report when the last byte has been taken, so it is asked again this often.
+// The interval at which the system is asked whether the last byte was taken, because it does not
+// report this by itself.
 constexpr std::chrono::milliseconds lookInterval{5};
 
-// How many buffers full of bytes are thrown away between two looks, so that a device that never
-// stops talking cannot hold up the end.
+// The maximum number of full buffers that are dropped between two checks, so that a device that
+// never stops sending cannot delay the end.
 constexpr int discardedAtOnce = 16;
 
-// Throws away the bytes that have arrived. True while more may arrive.
+// Drops the bytes that have arrived. Returns true if more may arrive.
 bool discardInput(const Descriptor& connection) {
   std::array<std::uint8_t, 4096> discarded;
   for (int i = 0; i < discardedAtOnce; ++i) {
@@ -31,7 +32,7 @@ bool discardInput(const Descriptor& connection) {
 }  // namespace
 
 void linger(const Descriptor& connection, SteadyTime deadline) {
-  // Unread bytes also turn the close into a reset.
+  // Unread input would also turn the close into a reset, so it is read first.
   bool mayComeMore = discardInput(connection);
   if (!mayComeMore || !connection.hasUnderWay()) {
     return;

@@ -4,13 +4,13 @@
 
 namespace quordalvane::posix {
 
-/// Ends the output and waits until the other side has taken the bytes under way, has ended its own
-/// direction, or `deadline` has passed. Input is thrown away meanwhile.
+/// Ends the output and waits until the other side has taken the bytes under way or has ended its
+/// own output, or until `deadline` has passed. Drops all input meanwhile.
 ///
-/// A closed socket answers all later bytes with a reset, which also discards the bytes that the
-/// system has not sent yet. A printer that reads slowly and reports now and then would thus lose
-/// the rest of its job. After `deadline` that is so again: the system continues to send only as
-/// long as the other side is silent.
+/// Without this wait, a printer that reads slowly and sometimes sends a report could lose the rest
+/// of its job: a closed socket answers bytes with a reset, which also discards the bytes that the
+/// system has not sent yet. The same can happen after `deadline`: the system then continues to send
+/// only while the other side is silent.
 void linger(const Descriptor& connection, SteadyTime deadline);
 
 }  // namespace quordalvane::posix

@@ -12,19 +12,22 @@
 namespace quordalvane::posix {
 namespace {
 
-// "Nothing there" is repeated without another look until the next tick: long enough for the
-// questions that surround one transfer, too short to be noticed.
+// Returns the current tick. If the input was empty, it counts as empty until the next tick, without
+// a system call. This is long enough for the questions around one transfer, and too short to be
+// noticed.
 Tick currentTick() {
   timespec now{};
   ::clock_gettime(CLOCK_MONOTONIC_COARSE, &now);
   return std::chrono::seconds(now.tv_sec) + Tick(now.tv_nsec);
 }
 
-// How long the end of a connection may wait for the device: long enough for a slow one to empty the
-// bytes of a receipt that the system holds, short enough for a caller that waits for the close.
+// How long the end of a connection may wait for the device. It is long enough for a slow device to
+// take the bytes of a receipt that the system still holds, and short enough for a caller that waits
+// for the close.
 constexpr std::chrono::seconds lingerLimit{2};
 
-// To ask the system for signs of life is cheap, but not free.
+// The interval at which the system is asked whether the other side still answers. The question is
+// cheap but not free.
 constexpr std::chrono::seconds silenceInterval{1};
 
 bool wouldBlock(int error) {
@@ -65,7 +68,7 @@ bool Link::isLost() {
 void Link::noticeLoss() {
   const std::lock_guard lock(mutex_);
   if (!descriptor_ || beingWaited_) {
-    return;  // a thread that waits for input takes the bytes that arrive
+    return;  // the thread that waits for input will take the bytes that arrive
   }
   if (descriptor_->pollUntil(POLLRDHUP, SteadyTime{}) != 0) {
     next_ = end_ = 0;
@@ -134,7 +137,7 @@ bool Link::hasSpaceLocked() {
     return false;
   }
   if (outputBroken_) {
-    return true;  // a write need not wait: it fails at once
+    return true;  // a write does not wait but fails at once
   }
   if (mayBeFull_ && descriptor_->pollUntil(POLLOUT, SteadyTime{}) != 0) {
     mayBeFull_ = false;
@@ -153,7 +156,7 @@ std::int64_t Link::write(const std::uint8_t* bytes, std::size_t length) {
   const std::ptrdiff_t count = descriptor_->send(bytes, length);
   if (count == -1 && !wouldBlock(errno)) {
     outputBroken_ = true;
-    dry_ = false;  // the next question finds out whether anything is left to read
+    dry_ = false;  // the next call of `look` then checks whether bytes are left to read
     return -1;
   }
   mayBeFull_ = count < static_cast<std::ptrdiff_t>(length);
@@ -177,8 +180,8 @@ void Link::waitForSpace(double seconds) {
     if (events != POLLRDHUP) {
       return;
     }
-    // The other side sends no more. While there are bytes to read the link is not lost, and the
-    // other side may well still take some.
+    // The other side has ended its output. The link is not lost while there are bytes to read, and
+    // the other side may still take bytes.
     dry_ = false;
     look();
     awaited = POLLOUT;
@@ -190,7 +193,7 @@ std::string Link::portState() {
   return descriptor_ ? descriptor_->portState() : "";
 }
 
-// Looks for bytes in the input, unless that is known or a wait is about to find it out.
+// Checks for bytes in the input, unless the answer is known or a waiting thread will find it out.
 void Link::look() {
   const bool known = unread() > 0 || ended_ || !descriptor_ || beingWaited_;
   if (known || (dry_ && currentTick() == dryAt_)) {
@@ -205,7 +208,7 @@ void Link::receive() {
   noteReceived(count, errno);
 }
 
-// The result of a receive into the empty buffer.
+// Records the result of a `receive` into the empty buffer.
 void Link::noteReceived(std::ptrdiff_t count, int error) {
   const bool nothingYet = count == -1 && wouldBlock(error);
   if (nothingYet && hasFallenSilent()) {
@@ -227,8 +230,8 @@ void Link::noteReceived(std::ptrdiff_t count, int error) {
   }
 }
 
-// Whether the other side has vanished without a sign while bytes were on their way to it. Asked of
-// the system now and then; in between it is taken for granted that it has not.
+// Returns true if the other side has vanished without a sign while bytes were under way to it. The
+// system is asked only from time to time; in between the result is false.
 bool Link::hasFallenSilent() {
   const Tick now = currentTick();
   if (now < nextSilenceLook_) {
@@ -243,7 +246,8 @@ void Link::noteDry() {
   dryAt_ = currentTick();
 }
 
-// Bytes that were received before the last write do not answer it, even if they are taken after it.
+// Records a reply if bytes arrived after the last write and all of them were taken. Bytes that
+// arrived before the write cannot be its reply, even if they are taken after it.
 void Link::noteAnswered() {
   if (unread() == 0 && dry_ && cameSinceWrite_) {
     cameSinceWrite_ = false;

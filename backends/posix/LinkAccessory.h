@@ -12,32 +12,34 @@
 
 namespace quordalvane::posix {
 
-/// Makes a connection and returns its descriptor; throws a `std::exception` whose text explains to
-/// people why there is none.
+/// Connects to a device and returns the descriptor of the connection. Throws a `std::exception`,
+/// with a message for people, if it cannot connect.
 using Connector = std::function<Descriptor()>;
 
-/// An accessory that is reached through a descriptor. It counts as attached before anything is
-/// connected; each session makes a connection of its own, and `isConnected` is about the newest
-/// one.
+/// An accessory that is reached through a descriptor. Each session opens its own connection, and
+/// `isConnected` refers to the newest one. Before the first session the accessory counts as
+/// attached.
 class LinkAccessory : public IdentifiedAccessory {
  public:
-  /// `connect` is called by `openSession`, on its thread.
+  /// `openSession` calls `connect` on its own thread.
   LinkAccessory(AccessoryIdentity identity, Connector connect);
 
   bool isConnected() override;
   void noticeLoss() override;
 
-  /// Connects. Null if that fails or the accessory does not announce `protocol`.
+  /// Connects and returns the session. Returns null if it cannot connect or the accessory does not
+  /// announce `protocol`.
   std::shared_ptr<EASession> openSession(const std::string& protocol) override;
 
-  /// Why the latest `openSession` returned null, for people; "" if it did not or was never called.
+  /// Returns, as a text for people, why the latest `openSession` returned null; "" if it did not
+  /// return null or was never called.
   virtual std::string lastError();
 
-  /// The code of the same, if the reason has one; otherwise 0.
+  /// Returns the error code of this reason; 0 if it has no code.
   virtual std::error_code lastErrorCode();
 
-  /// What keeps the device of the newest session from printing, as its port reports it, for people;
-  /// "" if it reports nothing or the session has ended.
+  /// Returns, as a text for people, why the device of the newest session does not print, as its
+  /// port reports it. Returns "" if the port reports nothing or the session has ended.
   std::string portState();
 
  private:
@@ -46,7 +48,7 @@ class LinkAccessory : public IdentifiedAccessory {
   const Connector connect_;
 
   std::mutex mutex_;              // guards the members below
-  std::shared_ptr<Link> newest_;  // of the newest session, and kept after its end
+  std::shared_ptr<Link> newest_;  // the link of the newest session, kept after the session's end
   std::string lastError_;
   std::error_code lastErrorCode_;
 };

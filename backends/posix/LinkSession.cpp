@@ -5,8 +5,8 @@
 namespace quordalvane::posix {
 namespace {
 
-// The common part of both directions. Streams are asked and report no events: a delegate would
-// never be called, and a run loop learns of a stream when it must wait for it.
+// The common part of both directions. These streams report no events, so a delegate is never
+// called. A run loop gets to know a stream only when it waits for it.
 template <typename Stream>
 class LinkStream : public Stream {
  public:

@@ -8,7 +8,7 @@
 namespace quordalvane::posix {
 namespace {
 
-// Its sum with any reading of the steady clock is in range, and no process lives so long.
+// The sum of this and any time of the steady clock does not overflow, and no process runs so long.
 constexpr std::chrono::microseconds longestSleep = std::chrono::hours(24) * 365 * 100;
 
 }  // namespace
@@ -19,7 +19,7 @@ void sleepUntil(SteadyTime deadline) {
   const auto whole = floor<seconds>(sinceOrigin);
   const timespec until{.tv_sec = whole.count(),
                        .tv_nsec = nanoseconds(sinceOrigin - whole).count()};
-  // The steady clock of the standard library reads this very clock.
+  // The steady clock of the standard library is this same clock.
   while (::clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &until, nullptr) == EINTR) {
   }
 }

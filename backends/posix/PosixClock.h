@@ -5,10 +5,11 @@
 
 namespace quordalvane::posix {
 
-/// Sleeps until `deadline`; signals do not shorten it. One that has passed returns at once.
+/// Sleeps until `deadline`; signals do not shorten the sleep. Returns at once if the deadline has
+/// passed.
 void sleepUntil(SteadyTime deadline);
 
-/// The system's own clocks and sleeps.
+/// Uses the system's own clocks and sleeps.
 class PosixClock final : public Clock {
  public:
   TimeValue gettimeofday() override;

@@ -9,23 +9,24 @@
 
 #include "platform/Platform.h"
 
-/// The platform on this system's own calls.
+/// The platform on POSIX systems.
 namespace quordalvane::posix {
 
-/// The platform of a program on this system: real time, real threads, and the accessories that it
-/// is given, which may be of any back end. The current device is this machine; its version is the
-/// kernel's release.
+/// The platform of an ordinary program: real time, real threads, and the accessories that are
+/// attached to it, which may belong to any back end. The current device is this machine, and its
+/// version is the release of the kernel.
 class QUOR_EXPORT PosixPlatform final : public Platform {
  public:
-  /// Presents `accessories`, none of them null, in that order; more may be attached later.
+  /// Creates a platform with `accessories` in this order. None of them may be null. More can be
+  /// attached later.
   explicit PosixPlatform(std::vector<std::shared_ptr<EAAccessory>> accessories = {});
   ~PosixPlatform() override;
   PosixPlatform(const PosixPlatform&) = delete;
   PosixPlatform& operator=(const PosixPlatform&) = delete;
 
-  /// Presents one more accessory, never null, after the present ones. It is never removed. The
-  /// list of accessories leaves it out as long as it announces no protocol, as a USB printer does
-  /// that is not plugged in. May be called from any thread.
+  /// Adds an accessory, which must not be null, at the end of the list. It is never removed. The
+  /// list omits it while it announces no protocol, for example while a USB printer is not plugged
+  /// in. Any thread may call it.
   void attach(std::shared_ptr<EAAccessory> accessory);
 
   EAAccessoryManager& sharedAccessoryManager() override;

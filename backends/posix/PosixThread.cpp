@@ -9,13 +9,13 @@
 namespace quordalvane::posix {
 namespace {
 
-// The whole life of a thread.
+// Runs on the new thread, from its beginning to its end.
 void live(const std::shared_ptr<ThreadRunLoop>& loop, std::function<void()> body) {
   loop->attach();
   body();
   loop->finish();
-  // Objects that the body held may end with it and call this thread once more, so the loop is
-  // released last.
+  // Objects that the body owns are destroyed with it, and may use the run loop of this thread once
+  // more. So the loop is detached last.
   body = nullptr;
   loop->detach();
 }
@@ -37,7 +37,7 @@ bool PosixThread::start() {
 }
 
 bool PosixThread::performAndWait(std::function<void()> routine) {
-  const auto loop = loop_;  // the routine may release this handle
+  const auto loop = loop_;  // keeps the loop alive, because the routine may release this handle
   return loop->performAndWait(routine);
 }
 

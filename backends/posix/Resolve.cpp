@@ -15,7 +15,7 @@ namespace {
 using Addresses = std::vector<SocketAddress>;
 
 bool isInFigures(const std::string& host) {
-  in6_addr address{};  // the larger of the two
+  in6_addr address{};  // large enough for both kinds of addresses
   return ::inet_pton(AF_INET, host.c_str(), &address) == 1 ||
          ::inet_pton(AF_INET6, host.c_str(), &address) == 1;
 }
@@ -35,7 +35,8 @@ LookupResult askResolver(const std::string& host, std::uint16_t port) {
   const std::string service = std::to_string(port);
   int error = ::getaddrinfo(host.c_str(), service.c_str(), &hints, &found);
   if (error != 0 && host == "localhost") {
-    // A system without a hosts file does not know the name, which everywhere means this machine.
+    // "localhost" means this machine everywhere, but a system without a hosts file does not know
+    // the name.
     error = ::getaddrinfo(nullptr, service.c_str(), &hints, &found);
   }
   if (error != 0) {

@@ -17,26 +17,27 @@ struct SocketAddress {
   socklen_t length;
 };
 
-/// The codes of the system's resolver, with its texts.
+/// Returns the category of the error codes of the system's resolver.
 const std::error_category& resolverCategory();
 
-/// The result of a lookup: addresses, or the resolver's error code.
+/// The result of a lookup: the addresses, or the resolver's error code; 0 means success.
 struct LookupResult {
   std::vector<SocketAddress> addresses;
   int error = 0;
 };
 
-/// A search for addresses, which may block for any time.
+/// A function that looks up addresses. It may block for any time.
 using Lookup = std::function<LookupResult()>;
 
-/// Returns the addresses that `lookup` finds; throws `std::system_error` with the code of a failed
-/// one, and with EAI_AGAIN if it has not ended at `deadline`: it then continues on a thread of its
-/// own, which keeps a copy.
+/// Runs `lookup` on a thread of its own and returns the addresses that it finds. Throws
+/// `std::system_error` with the code of the resolver if the lookup fails, and with EAI_AGAIN if it
+/// has not ended by `deadline`; it then continues on its thread, which keeps a copy of the
+/// function.
 std::vector<SocketAddress> lookUpUntil(SteadyTime deadline, Lookup lookup);
 
-/// The addresses of `host`, at least one, in the order in which to try them. An address in figures
-/// is read as such and never looked up. Throws `std::system_error` with a code of
-/// `resolverCategory()` if there is none by `deadline`.
+/// Returns the addresses of `host`, at least one, in the order in which to try them. A numeric
+/// address is parsed and never looked up. Throws `std::system_error` with a code of
+/// `resolverCategory()` if there is no address by `deadline`.
 std::vector<SocketAddress> resolve(const std::string& host, std::uint16_t port,
                                    SteadyTime deadline);
 

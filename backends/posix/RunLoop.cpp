@@ -17,7 +17,8 @@ class PlainRunLoop final : public NSRunLoop {
 
 }  // namespace
 
-// A routine on its way. It lives on the stack of the thread that waits for it.
+// A routine that was passed to the loop. The object is on the stack of the thread that waits for
+// the routine.
 struct ThreadRunLoop::Carried {
   enum class State { Waiting, Ran, Refused };
 
@@ -94,8 +95,9 @@ void ThreadRunLoop::detach() {
   attached = nullptr;
 }
 
-// Runs the routines that wait, in order, unlocked. Those that arrive meanwhile are left for the
-// next turn, so that a caller that never stops cannot keep a slice from ending.
+// Runs the waiting routines in order, without the lock. Routines that arrive meanwhile run in the
+// next call, so that a caller that never stops passing routines cannot prevent this one from
+// ending.
 void ThreadRunLoop::runCarried(std::unique_lock<std::mutex>& lock) {
   for (auto left = waiting_.size(); left > 0 && !waiting_.empty(); --left) {
     Carried& carried = *waiting_.front();

@@ -10,28 +10,28 @@
 
 namespace quordalvane::posix {
 
-/// The run loop of a thread that this platform started: the place where other threads leave
-/// routines for it.
+/// The run loop of a thread that this platform has started. Other threads pass routines to it.
 class ThreadRunLoop final : public NSRunLoop {
  public:
   void runUntilDate(double seconds) override;
 
-  /// Routines that are carried here while the stream is being awaited run at the next turn.
+  /// Routines that arrive while this waits for the stream run in the next call.
   void runUntilDate(double seconds, NSStream& awaited) override;
 
-  /// Lets routines in, before the thread is started.
+  /// Begins to accept routines. Called before the thread is started.
   void open();
 
-  /// Runs the routines that wait and refuses later ones. For the loop's thread, at its end.
+  /// Runs the routines that wait, and refuses all later ones. The loop's thread calls it at its
+  /// end.
   void finish();
 
-  /// Refuses the routines that wait and all later ones, if there will be no thread.
+  /// Refuses the routines that wait and all later ones. Called if the thread cannot be started.
   void refuse();
 
-  /// Runs `routine` on the loop's thread, as `NSThread::performAndWait` states.
+  /// Runs `routine` on the loop's thread, as described at `NSThread::performAndWait`.
   bool performAndWait(const std::function<void()>& routine);
 
-  /// Makes this the loop that the calling thread's `currentRunLoop()` returns, until `detach`.
+  /// Makes `currentRunLoop()` return this loop on the calling thread, until `detach`.
   void attach();
   void detach();
 
@@ -47,8 +47,8 @@ class ThreadRunLoop final : public NSRunLoop {
   bool open_ = false;
 };
 
-/// The calling thread's loop. A thread that this platform did not start has no handle through which
-/// a routine could reach it, so its loop only lets time pass.
+/// Returns the run loop of the calling thread. On a thread that this platform has not started, the
+/// loop only waits, because no routine can be passed to such a thread.
 NSRunLoop& currentRunLoop();
 
 }  // namespace quordalvane::posix

@@ -1,7 +1,7 @@
 #include "backends/posix/Serial.h"
 
-// The numbered speeds of the usual header leave out every other one; the kernel's own structure has
-// a field for the number itself. The two headers exclude each other.
+// The usual header has constants for some speeds only, whereas the kernel's own structure has a
+// field for any speed. The two headers cannot be included together.
 #include <asm/termbits.h>
 #include <fcntl.h>
 #include <sys/file.h>
@@ -23,7 +23,8 @@ namespace {
   throw std::system_error(code, std::generic_category(), text);
 }
 
-// The speeds that have a number of their own are set by it, so that every program can read them.
+// Returns the flag for a speed. A speed that has a constant is set by this constant, so that every
+// program can read the setting.
 tcflag_t speedFlag(unsigned baud) {
   constexpr std::pair<unsigned, tcflag_t> numbered[] = {
       {1200, B1200},     {2400, B2400},     {4800, B4800},     {9600, B9600},
@@ -62,14 +63,15 @@ termios2 rawSettings(const SerialSettings& wanted) {
   raw.c_iflag = wanted.flow == Flow::XonXoff ? IXON : 0U;
   raw.c_cc[VSTART] = 0x11;
   raw.c_cc[VSTOP] = 0x13;
-  // With a minimum of one byte, a read of 0 bytes means a hang-up, not an empty input.
+  // With a minimum of one byte, a read of 0 bytes means a hang-up and never an empty input.
   raw.c_cc[VMIN] = 1;
   raw.c_ispeed = wanted.baud;
   raw.c_ospeed = wanted.baud;
   return raw;
 }
 
-// A printer samples the middle of each bit and loses a byte of ten bits at a difference of 5 %.
+// Returns whether two speeds are close enough. A printer samples the middle of each bit, so it
+// loses a byte of ten bits if the speeds differ by 5 %.
 bool isCloseTo(unsigned baud, unsigned wanted) {
   const double difference = static_cast<double>(baud) - wanted;
   return difference < 0.03 * wanted && -difference < 0.03 * wanted;
@@ -92,9 +94,9 @@ void configure(int number, const SerialSettings& wanted, const std::string& path
   fail(EBUSY, path + ": in use by " + holderInWords(path));
 }
 
-// A pseudo-terminal remains in exclusive mode as long as its other end is open, even after the
-// program that set it was killed, and would then keep everybody out. Its lock ends with the
-// program.
+// Returns whether the descriptor is a pseudo-terminal, which must not be set to exclusive mode: it
+// would stay in this mode while its other end is open, even after the program was killed, and
+// nobody could open it. The lock suffices, because it ends with the program.
 bool isPseudoTerminal(int number) {
   constexpr unsigned first = 136;
   constexpr unsigned last = 143;
@@ -107,8 +109,8 @@ void giveBack(int number) {
   ::ioctl(number, TIOCNXCL);
 }
 
-// Makes the line this program's own, or throws. An exclusive mode whose owner has ended is left
-// over from a program that was killed.
+// Reserves the line for this program, or throws. If the line is in exclusive mode but no process
+// has it open, a program was killed; the mode is then ignored.
 void reserve(Descriptor& line, const std::string& path) {
   int isExclusive = 0;
   if (::flock(line.number(), LOCK_EX | LOCK_NB) != 0 ||

@@ -9,32 +9,35 @@ namespace quordalvane::posix {
 
 enum class Parity { None, Even, Odd, Mark, Space };
 
-/// Who may stop the bytes on their way to the printer.
+/// How the printer can stop the flow of bytes to it.
 enum class Flow {
   None,
-  RtsCts,   ///< the printer, by a wire of the line
-  XonXoff,  ///< the printer, by the bytes 13 and 11 (hex), which then never reach the reader
+  RtsCts,   ///< by a wire of the serial line
+  XonXoff,  ///< by the bytes 13 and 11 (hex); a reader never receives these two bytes
 };
 
-/// How a serial line is set. The defaults are those with which most receipt printers are delivered.
+/// The settings of a serial line. The defaults are those of most receipt printers when they are
+/// delivered.
 struct SerialSettings {
-  unsigned baud = 9600;  ///< bits a second; any number that the line's hardware can run at
+  unsigned baud = 9600;  ///< bits per second; any speed that the hardware of the line supports
   unsigned bits = 8;     ///< data bits, 7 or 8
   Parity parity = Parity::None;
   unsigned stop = 1;  ///< stop bits, 1 or 2
   Flow flow = Flow::None;
 };
 
-/// The speeds that printers are usually set to, in bits a second and in rising order.
+/// Returns the usual speeds of printers, in bits per second and in rising order.
 std::vector<unsigned> usualBaudRates();
 
-/// Opens the serial line at `path`, raw and without becoming the controlling terminal, for this
-/// program alone: it takes an advisory lock and puts the line into exclusive mode, and gives both
-/// back at the close. The line keeps its settings when it is closed. Never waits for a modem.
+/// Opens the serial line at `path` in raw mode, for exclusive use by this program: it takes an
+/// advisory lock and sets the line to exclusive mode, and releases both when the line is closed.
+/// The line does not become the controlling terminal, and keeps its settings when it is closed.
+/// Never waits for a modem.
 ///
-/// Throws a `std::system_error` with a text for people: EBUSY and the program's name, if it can be
-/// known, if another program or another descriptor of this one uses the line; ENOTTY if the file is
-/// not a serial line; EINVAL if the line does not take the settings.
+/// Throws a `std::system_error` with a message for people. The code is EBUSY if another program, or
+/// another descriptor of this program, uses the line; the message then names the other program, if
+/// it is known. The code is ENOTTY if the file is not a serial line, and EINVAL if the line does
+/// not support the settings.
 Descriptor openSerial(const std::string& path, const SerialSettings& settings = {});
 
 }  // namespace quordalvane::posix

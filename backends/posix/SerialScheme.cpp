@@ -160,8 +160,9 @@ bool isSameFraming(const SerialSettings& one, const SerialSettings& other) {
   return one.bits == other.bits && one.parity == other.parity && one.stop == other.stop;
 }
 
-// The given settings, then the other speeds, the other framings at the given speed, and no flow
-// control: a line of whose wire for it nothing is connected takes no byte.
+// Returns the given settings, then the other speeds, then the other framings at the given speed,
+// and then the settings without flow control: if the wire for the flow control is not connected,
+// the line takes no byte.
 std::vector<SchemeVariant> variants(const DeviceSpec& spec) {
   const SerialSettings given = settingsOf(spec);
   std::vector<SchemeVariant> all = {variant(spec, given, "")};

@@ -11,7 +11,7 @@
 namespace quordalvane::posix {
 namespace {
 
-// Most printers on a network listen there.
+// Most network printers listen on this port.
 constexpr std::string_view usualPort = ":9100";
 
 constexpr std::string_view noListener =
@@ -34,7 +34,8 @@ void checkPlace(const std::string& place) {
   parseHostAndPort(place);
 }
 
-// A host alone: a name or an address in figures, with nothing that would make it a path or a key.
+// Returns the place for a host without a port. The host is a name or a numeric address, without
+// characters that would make it a path or a key.
 std::optional<std::string> placeMeantBy(std::string_view text) {
   const bool isBracketed = text.starts_with('[') && text.ends_with(']');
   const bool isHost = std::all_of(text.begin(), text.end(), [](char c) {

@@ -9,7 +9,7 @@
 namespace quordalvane::posix {
 namespace {
 
-constexpr std::size_t longestPath = 107;  // the length of a socket's address
+constexpr std::size_t longestPath = 107;  // the maximum length of a path in a socket's address
 
 constexpr std::string_view noServer = "start the program that serves the socket";
 

@@ -81,7 +81,8 @@ std::error_code UsbAccessory::lastErrorCode() {
   return !ofOpening && !seek(&why) && why ? why->code() : ofOpening;
 }
 
-// The printer that was seen before has priority: the place may fit another one by now.
+// Returns the printer. One that was found before has priority, because `place` may match another
+// printer by now.
 UsbPrinter UsbAccessory::find() {
   const std::lock_guard lock(mutex_);
   if (known_) {
@@ -93,7 +94,7 @@ UsbPrinter UsbAccessory::find() {
     }
   }
   if (known_ && !known_->serial.empty() && place_.starts_with('/')) {
-    return findUsbPrinter(known_->serial, roots_);  // another device has its node by now
+    return findUsbPrinter(known_->serial, roots_);  // another device may have its old node by now
   }
   known_ = findUsbPrinter(place_, roots_);
   return *known_;

@@ -9,25 +9,27 @@
 
 namespace quordalvane::posix {
 
-/// Opens the node of `printer`, which the driver gives to one user at a time. Throws a
-/// `std::system_error` with a text for people. Its code is EBUSY if another program has the
-/// printer; the text then names that program, if it is known.
+/// Opens the device node of `printer`. The driver lets only one program at a time open it. Throws a
+/// `std::system_error`, with a message for people, if it cannot be opened. The code is EBUSY if
+/// another program has opened the printer; the message then names that program, if it is known.
 Descriptor openUsbPrinter(const UsbPrinter& printer);
 
-/// Whether the printer at the open node can answer. The driver refuses to read from a printer that
-/// has no way to answer, or that is known to answer badly.
+/// Returns `MuteUsbPrinter` if the printer at the open descriptor cannot answer, and `UsbPrinter`
+/// otherwise. The driver refuses to read from a printer that cannot answer or is known to answer
+/// badly.
 Descriptor::Kind usbKindOf(int number);
 
-/// A USB printer that may be plugged in and pulled at any time. While it is not plugged in it
-/// announces no protocol, so that a port passes it over. Its name, model and serial number are
-/// those that it reports, unless `identity` has others.
+/// A USB printer, which may be plugged in and unplugged at any time. While it is not plugged in, it
+/// announces no protocol, so ports ignore it. It reports its name, model and serial number itself,
+/// unless `identity` contains them.
 ///
-/// Its manufacturer is always that of `identity`: a port chooses one maker's accessories alone, and
-/// a user who names this device wants it, whichever maker built it. The maker is part of the name.
+/// Its manufacturer is always that of `identity`, whichever maker built the printer: a port chooses
+/// only accessories of one maker, and a user who names this device wants to use it. The real maker
+/// is part of the name.
 class UsbAccessory : public LinkAccessory {
  public:
-  /// `place` chooses the printer as `findUsbPrinter` states. Once it was seen it is found again by
-  /// its texts, whatever its node is then.
+  /// `place` selects the printer, as described at `findUsbPrinter`. Once it was found, it is
+  /// recognised by its texts, even if its device node has changed.
   UsbAccessory(AccessoryIdentity identity, std::string place, UsbRoots roots = {});
 
   std::optional<std::string> name() override;
@@ -35,7 +37,7 @@ class UsbAccessory : public LinkAccessory {
   std::optional<std::string> modelNumber() override;
   std::vector<std::string> protocolStrings() override;
 
-  /// Also why the printer cannot be found, if it is not plugged in now.
+  /// Also returns the reason if the printer cannot be found now.
   std::string lastError() override;
   std::error_code lastErrorCode() override;
 
@@ -46,7 +48,7 @@ class UsbAccessory : public LinkAccessory {
   const std::string place_;
   const UsbRoots roots_;
   std::mutex mutex_;                 // guards the members below
-  std::optional<UsbPrinter> known_;  // as it was seen last
+  std::optional<UsbPrinter> known_;  // the printer as it was found last
 };
 
 }  // namespace quordalvane::posix

@@ -44,8 +44,8 @@ class UsbCategory : public std::error_category {
   throw std::system_error(static_cast<int>(error), usbCategory(), text);
 }
 
-// The beginning of a file of the system's, without the end of its line. A device may have given its
-// content, so its length is bounded.
+// Returns the beginning of a system file, without the line end. The content may come from a device,
+// so its length is limited.
 std::string contentOf(const fs::path& file) {
   constexpr std::size_t longest = 4096;
   std::ifstream stream(file, std::ios::binary);
@@ -74,7 +74,7 @@ std::string trimmed(std::string_view text) {
   return first == std::string_view::npos ? "" : std::string(text.substr(first, last - first + 1));
 }
 
-// The fields of "MFG:Maker;MDL:Model;SN:1;", by their names.
+// Returns the fields of a text such as "MFG:Maker;MDL:Model;SN:1;", by their names.
 std::map<std::string, std::string, std::less<>> fieldsOf(std::string_view id) {
   std::map<std::string, std::string, std::less<>> fields;
   while (!id.empty()) {
@@ -113,7 +113,7 @@ UsbPrinter printerAt(const fs::path& entry, const UsbRoots& roots) {
   return printer;
 }
 
-// "lp10" follows "lp9".
+// Orders printers by the numbers of their nodes, so that "lp10" follows "lp9".
 bool comesBefore(const UsbPrinter& one, const UsbPrinter& other) {
   const std::string first = one.node.filename().string();
   const std::string second = other.node.filename().string();
@@ -147,7 +147,7 @@ bool isChosen(const UsbPrinter& printer, std::string_view place) {
   return place.empty() || isOfModel || printer.serial == place;
 }
 
-// As it is written in a device text.
+// Escapes commas and backslashes, as a device text requires.
 std::string escaped(const std::string& place) {
   std::string text;
   for (const char letter : place) {
@@ -165,7 +165,8 @@ std::string listed(const std::vector<UsbPrinter>& printers) {
   return text;
 }
 
-// The node by which programs reach a USB device without a driver: "/dev/bus/usb/001/004".
+// Returns the node by which programs use a USB device without a driver, for example
+// "/dev/bus/usb/001/004".
 fs::path ownNodeOf(const fs::path& device, const UsbRoots& roots) {
   const auto number = [&device](const char* file) {
     const std::string text = contentOf(device / file);
@@ -174,10 +175,10 @@ fs::path ownNodeOf(const fs::path& device, const UsbRoots& roots) {
   return roots.dev / "bus/usb" / number("busnum") / number("devnum");
 }
 
-// Throws the reason if a printer is plugged in that the driver does not serve.
+// If a printer is plugged in that the driver does not serve, throws an exception with the reason.
 void failIfUnserved(const std::string& wanted, const UsbRoots& roots) {
   constexpr std::string_view printerClass = "07";
-  constexpr std::string_view networkPrinting = "04";  // a protocol that the driver leaves to others
+  constexpr std::string_view networkPrinting = "04";  // a protocol that the driver does not serve
   for (const fs::path& entry : entriesOf(roots.sys / "bus/usb/devices")) {
     if (contentOf(entry / "bInterfaceClass") != printerClass ||
         contentOf(entry / "bInterfaceProtocol") == networkPrinting) {
@@ -196,7 +197,8 @@ void failIfUnserved(const std::string& wanted, const UsbRoots& roots) {
   }
 }
 
-// A hub's ports lie below its interface and count how often they switched the power off.
+// Returns whether a USB hub has switched off the power of a port. In the system's folders, each
+// port of a hub has a file that counts this.
 bool hasHubDroppedOne(const UsbRoots& roots) {
   for (const fs::path& entry : entriesOf(roots.sys / "bus/usb/devices")) {
     for (const fs::path& port : entriesOf(entry)) {

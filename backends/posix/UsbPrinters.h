@@ -9,49 +9,53 @@
 
 namespace quordalvane::posix {
 
-/// One printer at the system's USB printer driver, and its own texts about itself.
+/// One printer at the system's USB printer driver, with the texts that it reports of itself.
 struct UsbPrinter {
-  std::filesystem::path node;  ///< "/dev/usb/lp0"; the number changes with each plugging
-  std::string vendor;          ///< four hex digits
-  std::string product;         ///< four hex digits
-  std::string serial;          ///< "" if it reports none
-  std::string maker;           ///< "" if it reports none
-  std::string model;           ///< "" if it reports none
+  std::filesystem::path
+      node;  ///< for example "/dev/usb/lp0"; the number may change each time it is plugged in
+  std::string vendor;   ///< four hex digits
+  std::string product;  ///< four hex digits
+  std::string serial;   ///< "" if it reports none
+  std::string maker;    ///< "" if it reports none
+  std::string model;    ///< "" if it reports none
 
-  /// Whether `other` is the same device as far as its texts show. Only their nodes distinguish two
-  /// printers of one model without serial numbers.
+  /// Returns whether `other` is the same device, as far as its texts show. Two printers of one
+  /// model without serial numbers can be distinguished only by their nodes.
   bool isSameDevice(const UsbPrinter& other) const;
 
-  /// The device text that chooses this printer: by its serial number, if it has one that cannot be
-  /// taken for a path.
+  /// Returns the device text that selects this printer. It contains the serial number, or the node
+  /// if there is no serial number or it could be taken for a path.
   std::string text() const;
 };
 
-/// Why no USB printer can be chosen.
+/// The reason why no USB printer can be chosen.
 enum class UsbError {
   NotPluggedIn = 1,
   Ambiguous,
-  NoDriver,           ///< it is plugged in, and the system's driver is not loaded
-  HeldByPrintSystem,  ///< a program has taken it from the driver, as the print system does
-  TakenFromDriver,    ///< a program has done so and has not given it back
-  DroppedByHub,       ///< a hub has switched its power off
+  NoDriver,           ///< the printer is plugged in, but the system's driver is not loaded
+  HeldByPrintSystem,  ///< a program has taken the printer from the driver, as the print system does
+  TakenFromDriver,    ///< a program has taken the printer from the driver and has not given it back
+  DroppedByHub,       ///< a USB hub has switched its power off
 };
 
-/// The category of those codes. `HeldByPrintSystem` is `std::errc::device_or_resource_busy`.
+/// Returns the error category of these codes. `HeldByPrintSystem` is equivalent to
+/// `std::errc::device_or_resource_busy`.
 const std::error_category& usbCategory();
 
-/// The folders in which the system lists USB printers; a test has its own.
+/// The folders in which the system lists USB printers. Tests use their own folders.
 struct UsbRoots {
   std::filesystem::path sys = "/sys";
   std::filesystem::path dev = "/dev";
 };
 
-/// The printers that are plugged in, by the numbers of their nodes. Opens none of them.
+/// Returns the printers that are plugged in, ordered by the numbers of their nodes. Opens none of
+/// them.
 std::vector<UsbPrinter> usbPrinters(const UsbRoots& roots = {});
 
-/// The one printer that `place` chooses: "" the only one, a path its node, `VID:PID` the only one
-/// of that model, and any other text its serial number. Throws `std::system_error` with a code of
-/// `usbCategory()`, and a text for people that lists the printers, if there is not exactly one.
+/// Returns the one printer that `place` selects: "" selects the only printer, a path the printer
+/// with this node, `VID:PID` the only printer of this model, and any other text the printer with
+/// this serial number. If there is not exactly one such printer, throws a `std::system_error` with
+/// a code of `usbCategory()`; its message is for people and lists the printers.
 UsbPrinter findUsbPrinter(std::string_view place, const UsbRoots& roots = {});
 
 }  // namespace quordalvane::posix

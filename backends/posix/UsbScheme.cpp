@@ -55,7 +55,7 @@ std::string fileOf(const DeviceSpec& spec) {
 
 std::shared_ptr<EAAccessory> make(const DeviceSpec& spec, AccessoryIdentity identity,
                                   Clock& /*clock*/) {
-  // A name that equals the place is only the default: the printer's own is better.
+  // A name that equals the place is only the default, and the printer's own name is better.
   if (identity.name == spec.place) {
     identity.name = std::nullopt;
   }
