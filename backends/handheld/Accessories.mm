@@ -9,7 +9,7 @@
 namespace quordalvane::handheld {
 namespace {
 
-/// A session of the accessory service. Its streams end with it.
+/// A session of the accessory service. It closes its streams when it is destroyed.
 class HandheldSession final : public EASession {
  public:
   explicit HandheldSession(Retained<::EASession> session)
@@ -22,7 +22,7 @@ class HandheldSession final : public EASession {
       output_->close();
       input_->close();
     } catch (const FrameworkError&) {
-      // The session is given up either way.
+      // The session is released in any case.
     }
   }
 
@@ -68,7 +68,8 @@ class HandheldAccessory final : public EAAccessory {
     });
   }
 
-  // The service reports the end at once; bytes that arrived before it must still be read.
+  // The service reports the end of a link at once, but bytes that arrived before must still be
+  // readable.
   bool isConnected() override {
     const bool stands = ask([this] { return [accessory_.get() isConnected] == YES; });
     const std::lock_guard lock(mutex_);

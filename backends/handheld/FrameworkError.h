@@ -5,14 +5,15 @@
 
 namespace quordalvane::handheld {
 
-/// An exception that a framework raised, as text.
+/// Thrown instead of an exception of a framework; contains its text.
 class FrameworkError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-/// Throws a `FrameworkError` of `text`, unless it is empty. Compiled as C++, so that the exception
-/// starts outside of Objective-C, whose handlers in the caller have ended by then.
+/// Throws a `FrameworkError` with `text`, unless the text is empty. It is compiled as C++, so that
+/// the exception is thrown outside the Objective-C handlers of the caller, which have ended by
+/// then.
 void throwIfRaised(const std::string& text);
 
 }  // namespace quordalvane::handheld

@@ -5,24 +5,24 @@
 
 #include "platform/Platform.h"
 
-// The parts of the platform that use a framework, one source in Objective-C++ each. This
-// header keeps the frameworks out of the C++ beside them.
+// Declares the parts of the platform that use frameworks. Each of them is an Objective-C++ source.
+// C++ sources include this header, so they need no framework's header.
 
 namespace quordalvane::handheld {
 
-/// The accessories that the accessory service has connected.
+/// Returns a manager of the accessories that the accessory service has connected.
 std::unique_ptr<EAAccessoryManager> makeAccessoryManager();
 
-/// The device that the program runs on.
+/// Returns the device that the program runs on.
 std::unique_ptr<UIDevice> makeDevice();
 
-/// The calling thread's loop, valid on that thread until it ends.
+/// Returns the run loop of the calling thread. It is valid on this thread until the thread ends.
 NSRunLoop& currentRunLoop();
 
-/// A thread that will run `body`, not started yet.
+/// Returns a thread that will run `body`; it is not started yet.
 std::shared_ptr<NSThread> makeThread(std::function<void()> body);
 
-/// Whether the calling thread is the application's main thread.
+/// Returns whether the calling thread is the application's main thread.
 bool isMainThread();
 
 }  // namespace quordalvane::handheld

@@ -8,7 +8,7 @@
 namespace quordalvane::handheld {
 namespace {
 
-// Its sum with any reading of the steady clock is in range.
+// The sum of this and any time of the steady clock does not overflow.
 constexpr std::chrono::microseconds longestSleep = std::chrono::hours(24) * 365;
 
 }  // namespace

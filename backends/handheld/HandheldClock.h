@@ -4,7 +4,7 @@
 
 namespace quordalvane::handheld {
 
-/// The clocks and sleeps that every system of this family has.
+/// Uses the clocks and sleeps that all systems of this family have.
 class HandheldClock final : public Clock {
  public:
   TimeValue gettimeofday() override;

@@ -6,30 +6,30 @@
 
 #include "platform/Platform.h"
 
-/// The platform on the frameworks of the handheld device.
+/// The platform that uses the frameworks of the handheld device.
 namespace quordalvane::handheld {
 
-/// The platform of a program on the handheld device: the accessories that its accessory service
-/// has connected, its run loops, its threads and its clock. An exception that a framework raises
-/// reaches the caller as a `FrameworkError`.
+/// The platform of a program on the handheld device. It offers the accessories that the accessory
+/// service has connected, and the device's run loops, threads and clock. If a framework raises an
+/// exception, the caller receives it as a `FrameworkError`. For example:
 ///
 ///     setProcessPlatform(std::make_shared<handheld::HandheldPlatform>());
 ///     auto port = ExternalAccessoryPort::initWithPortName("BT:", "", 10000, ZKEmulationESCPOS);
 class HandheldPlatform final : public Platform {
  public:
-  /// Asks nothing of the frameworks yet.
+  /// Does not call the frameworks yet.
   HandheldPlatform();
 
   EAAccessoryManager& sharedAccessoryManager() override { return *accessories_; }
   UIDevice& currentDevice() override { return *device_; }
   Clock& clock() override { return *clock_; }
 
-  /// The framework's loop of the calling thread. A slice of a loop that has nothing to serve lasts
-  /// its time as well.
+  /// Returns the framework's run loop of the calling thread. Running the loop takes the whole given
+  /// time, even if the loop has nothing to do.
   NSRunLoop& currentRunLoop() override;
 
-  /// A thread of the framework's. Its run loop has a source of its own, so that it waits where
-  /// there is nothing to do, and takes routines until the body has ended.
+  /// Returns a thread of the framework. Its run loop has its own source, so that it waits when
+  /// there is nothing to do, and accepts routines until the body has ended.
   std::shared_ptr<NSThread> makeThread(std::function<void()> body) override;
 
   bool isMainThread() override;

@@ -9,7 +9,7 @@
 
 #include "backends/handheld/FrameworkError.h"
 
-// For Objective-C++ alone: how the C++ objects of this folder own and ask objects of the
+// For Objective-C++ only. The C++ objects of this folder use it to own and to call objects of the
 // frameworks.
 
 #if __has_feature(objc_arc)
@@ -23,10 +23,10 @@ namespace quordalvane::handheld {
 template <typename Object>
 class Retained {
  public:
-  /// Takes a reference of its own.
+  /// Adds its own reference to `object`.
   explicit Retained(Object* object = nil) : object_([object retain]) {}
 
-  /// Takes over the reference that `alloc` or `copy` gave.
+  /// Takes over the reference that `alloc` or `copy` returned.
   static Retained adopting(Object* object) {
     Retained adopted;
     adopted.object_ = object;
@@ -48,25 +48,26 @@ class Retained {
   Object* object_;
 };
 
-/// The text, or nothing for nil.
+/// Returns the text, or nullopt for nil.
 inline std::optional<std::string> textOf(NSString* text) {
   const char* const characters = [text UTF8String];
   return characters != nullptr ? std::optional<std::string>(characters) : std::nullopt;
 }
 
-/// An exception of a framework, in words for people; never empty.
+/// Returns a text for people about an exception of a framework; never empty.
 inline std::string textOf(NSException* exception) {
   return textOf([exception name]).value_or("exception") + ": " +
          textOf([exception reason]).value_or("no reason given");
 }
 
-/// `text` as the frameworks take it, owned by the current pool.
+/// Returns `text` as a string for the frameworks. The current autorelease pool owns it.
 inline NSString* stringOf(const std::string& text) {
   return [NSString stringWithUTF8String:text.c_str()];
 }
 
-/// Runs `question`, which asks a framework, in a pool of its own and returns its answer. Throws a
-/// `FrameworkError` if the framework raised; no exception of one language crosses the other.
+/// Runs `question`, which calls a framework, in its own autorelease pool and returns its answer.
+/// Throws a `FrameworkError` if the framework raises an exception. So no exception of one language
+/// passes through code of the other.
 template <typename Question>
 auto ask(Question question) {
   using Answer = std::invoke_result_t<Question>;

@@ -5,19 +5,19 @@
 
 namespace quordalvane::handheld {
 
-/// A routine of the port on its way through a framework. Compiled as C++, so that no exception of
-/// the routine reaches the framework that calls it.
+/// A routine of the port that a framework calls. It is compiled as C++, so that no exception of the
+/// routine reaches the framework.
 class Routine {
  public:
   explicit Routine(std::function<void()> body) : body_(std::move(body)) {}
 
-  /// Runs it, keeps the exception that leaves it, and releases what it holds.
+  /// Runs the routine, stores an exception that it throws, and then destroys the routine.
   void run() noexcept;
 
-  /// Whether it has run.
+  /// Returns whether the routine has run.
   bool hasRun() const { return hasRun_; }
 
-  /// Throws the exception that left it, if one did.
+  /// If the routine threw an exception, throws it again.
   void throwIfFailed() const;
 
  private:

@@ -7,13 +7,14 @@
 namespace quordalvane::handheld {
 namespace {
 
-// A loop without a source returns at once, but a port expects a slice to last its time.
+// A loop without a source returns at once, but a port expects that running a loop takes the given
+// time.
 void sleepUntil(NSDate* date) {
   const double left = [date timeIntervalSinceNow];
   std::this_thread::sleep_for(std::chrono::duration<double>(std::max(left, 0.0)));
 }
 
-/// The framework's loop of the calling thread; this object has no state.
+/// Stands for the framework's loop of the calling thread. The object has no state.
 class HandheldRunLoop final : public NSRunLoop {
  public:
   void runUntilDate(double seconds) override {

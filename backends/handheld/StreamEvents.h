@@ -7,17 +7,18 @@
 
 namespace quordalvane::handheld {
 
-/// Counts the events that a framework delivers for a stream on the loop where it is scheduled, so
-/// that another thread can wait for the next one. All calls may be made from any thread.
+/// Counts the events of a stream. The framework delivers them on the loop on which the stream is
+/// scheduled, and this class lets another thread wait for the next one. Any thread may call the
+/// functions.
 class StreamEvents {
  public:
-  /// Notes an event and wakes who waits. Called by the framework.
+  /// Counts an event and wakes waiting threads. The framework calls it.
   void note() noexcept;
 
-  /// How many there have been.
+  /// Returns the number of events so far.
   std::uint64_t count();
 
-  /// Blocks until there have been more than `seen`, or until `deadline`.
+  /// Blocks until there were more than `seen` events, or until `deadline`.
   void awaitMoreThan(std::uint64_t seen, std::chrono::steady_clock::time_point deadline);
 
  private:

@@ -5,14 +5,16 @@
 #include "backends/handheld/Objects.h"
 #include "platform/NSStream.h"
 
-// For Objective-C++ alone: the streams of a session over the framework's own.
+// For Objective-C++ only. Declares the streams of a session, which use the framework's own streams.
 
 namespace quordalvane::handheld {
 
-/// The framework's `stream`, never nil, as the port reads from it.
+/// Returns an input stream for the port that reads from the framework's `stream`, which must not be
+/// nil.
 std::shared_ptr<NSInputStream> inputOver(::NSInputStream* stream);
 
-/// The framework's `stream`, never nil, as the port writes to it.
+/// Returns an output stream for the port that writes to the framework's `stream`, which must not be
+/// nil.
 std::shared_ptr<NSOutputStream> outputOver(::NSOutputStream* stream);
 
 }  // namespace quordalvane::handheld

@@ -6,7 +6,7 @@
 
 using quordalvane::handheld::StreamEvents;
 
-/// Receives a stream's events for the C++ object that waits for them.
+/// Receives the events of a stream for the C++ object that waits for them.
 @interface QuorStreamDelegate : NSObject <NSStreamDelegate> {
  @public
   std::shared_ptr<StreamEvents>* events;  // owned
@@ -41,8 +41,8 @@ NSString* frameworkMode(std::string_view mode) {
   return mode == NSDefaultRunLoopMode ? ::NSDefaultRunLoopMode : stringOf(std::string(mode));
 }
 
-/// The common part of both directions. Each call asks the stream whether it is ready; the answer is
-/// never remembered.
+/// The common part of both directions. Each call asks the framework's stream whether it is ready;
+/// the answer is not stored.
 template <typename Interface, typename Framework>
 class HandheldStream : public Interface {
  public:
@@ -59,18 +59,18 @@ class HandheldStream : public Interface {
           [stream_.get() removeFromRunLoop:loop_.get() forMode:mode_.get()];
         }
       } @catch (NSException*) {
-        // The stream is given up either way.
+        // The stream is released in any case.
       }
     }
   }
 
-  // The events go to an object of this folder: a port takes none, but a wait needs them.
+  // An object of this folder receives the events: a port does not use them, but a wait needs them.
   void setDelegate(std::weak_ptr<const void> delegate) override {
     const bool isCleared = delegate.expired();
     ask([this, isCleared] { [stream_.get() setDelegate:isCleared ? nil : delegate_.get()]; });
   }
 
-  // A port schedules a stream on the loop of the thread that it is on.
+  // A port always schedules a stream on the loop of the calling thread.
   void scheduleInRunLoop(NSRunLoop& /*runLoop*/, std::string_view mode) override {
     ask([this, mode] {
       loop_ = Retained<::NSRunLoop>([::NSRunLoop currentRunLoop]);
@@ -82,7 +82,7 @@ class HandheldStream : public Interface {
   void removeFromRunLoop(NSRunLoop& /*runLoop*/, std::string_view mode) override {
     ask([this, mode] {
       if (![loop_.get() isEqual:[::NSRunLoop currentRunLoop]]) {
-        return;  // it is not tied to this loop
+        return;  // the stream is not scheduled on this loop
       }
       [stream_.get() removeFromRunLoop:loop_.get() forMode:frameworkMode(mode)];
       loop_ = Retained<::NSRunLoop>();
@@ -113,7 +113,7 @@ class HandheldStream : public Interface {
   }
 
  protected:
-  /// True if a wait for the stream would be in vain or has ended.
+  /// Returns true if there is no reason to wait for the stream: it is ready, or it has ended.
   virtual bool isSettled() = 0;
 
   Framework* stream() const { return stream_.get(); }
@@ -124,15 +124,16 @@ class HandheldStream : public Interface {
 
   bool isClosed() { return status() == NSStreamStatusClosed; }
 
-  /// Whether the stream has ended by itself.
+  /// Returns whether the stream has ended by itself.
   bool hasEnded() {
     const NSStreamStatus now = status();
     return now == NSStreamStatusAtEnd || now == NSStreamStatusError;
   }
 
  private:
-  /// Serves the loop on which the stream is scheduled until something happened there, if that is
-  /// the calling thread's own. False if it is another thread's, or has nothing to serve.
+  /// If the stream is scheduled on the calling thread's loop, runs this loop until something
+  /// happens there. Returns false if it is scheduled on the loop of another thread, or if the loop
+  /// has nothing to do.
   bool turnLoopOnce(SteadyClock::time_point deadline) {
     return ask([this, deadline] {
       if (loop_.get() == nil || ![loop_.get() isEqual:[::NSRunLoop currentRunLoop]]) {
@@ -149,7 +150,7 @@ class HandheldStream : public Interface {
   const Retained<QuorStreamDelegate> delegate_ =
       Retained<QuorStreamDelegate>::adopting([[QuorStreamDelegate alloc] init]);
   Retained<::NSRunLoop> loop_;  // the loop on which it is scheduled, or nil
-  Retained<NSString> mode_;     // and in which mode
+  Retained<NSString> mode_;     // the mode in which it is scheduled
 };
 
 class HandheldInputStream final : public HandheldStream<NSInputStream, ::NSInputStream> {
@@ -175,7 +176,8 @@ class HandheldOutputStream final : public HandheldStream<NSOutputStream, ::NSOut
  public:
   using HandheldStream::HandheldStream;
 
-  // A stream that has ended has "space", so that a writer learns of the end by a failed write.
+  // A stream that has ended counts as having space, so that a writer learns of the end by a write
+  // that fails.
   bool hasSpaceAvailable() override {
     return hasEnded() || ask([this] { return [stream() hasSpaceAvailable] == YES; });
   }

@@ -54,15 +54,14 @@ struct Body {
 
 - (void)live {
   @autoreleasepool {
-    // Without a source the loop would not wait, and the routines that are carried to it would never
-    // run.
+    // Without a source the loop would not wait, and routines that are passed to it would never run.
     NSPort* const source = [NSPort port];
     NSRunLoop* const loop = [NSRunLoop currentRunLoop];
     [loop addPort:source forMode:NSDefaultRunLoopMode];
     body->life->enter(Life::Stage::Turning);
     body->routine.run();
     body->life->enter(Life::Stage::Ended);
-    // Routines that were accepted until then still run.
+    // Runs the routines that were accepted before.
     [loop runUntilDate:[NSDate date]];
     [loop removePort:source forMode:NSDefaultRunLoopMode];
   }
@@ -75,7 +74,7 @@ struct Body {
 
 @end
 
-/// A routine that one thread carries to another.
+/// A routine that one thread passes to another.
 @interface QuorCarriedRoutine : NSObject {
  @public
   quordalvane::handheld::Routine* routine;
@@ -103,7 +102,7 @@ class HandheldThread final : public NSThread {
 
   bool start() override {
     const bool isStarted = begin();
-    body_ = Retained<QuorThreadBody>();  // the thread keeps it now, and releases it at its end
+    body_ = Retained<QuorThreadBody>();  // the thread owns it now, and releases it at its end
     if (isStarted) {
       life_->awaitStart();
     }
@@ -141,8 +140,8 @@ class HandheldThread final : public NSThread {
     }
   }
 
-  /// A thread that ends before it has run the routine makes the framework throw; `carried` then
-  /// says that it has not run.
+  /// If the thread ends before it has run the routine, the framework throws; `carried` then shows
+  /// that the routine has not run.
   static void carry(Routine& carried, ::NSThread* thread) {
     @autoreleasepool {
       const auto carrier =
@@ -159,8 +158,8 @@ class HandheldThread final : public NSThread {
   }
 
   const std::shared_ptr<Life> life_ = std::make_shared<Life>();
-  Retained<QuorThreadBody> body_;  // nil once started
-  Retained<::NSThread> thread_;    // nil before
+  Retained<QuorThreadBody> body_;  // nil once the thread was started
+  Retained<::NSThread> thread_;    // nil before the thread was started
 };
 
 }  // namespace

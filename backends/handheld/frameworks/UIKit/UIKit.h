@@ -1,5 +1,5 @@
-// The public names of the handheld platform's device, as far as this back end uses them. On the
-// device the framework's own header of this name is found instead.
+// The public names of the handheld platform's device that this back end uses. On the device, the
+// framework's own header of the same name is used instead.
 
 #import <Foundation/Foundation.h>
 
