@@ -11,28 +11,32 @@
 
 namespace quordalvane {
 
-/// The texts with which an accessory describes itself. The defaults are those of a printer of the
-/// maker's own.
+/// The texts with which an accessory describes itself. The defaults fit a printer of the maker
+/// "quor dalvane".
 struct AccessoryIdentity {
-  std::optional<std::string> name;          ///< a port name may designate it by this
-  std::optional<std::string> serialNumber;  ///< or by this
-  std::optional<std::string> modelNumber;   ///< "XQ700" for example
+  std::optional<std::string> name;          ///< a port name may select the accessory by it
+  std::optional<std::string> serialNumber;  ///< a port name may select the accessory by it as well
+  std::optional<std::string> modelNumber;   ///< for example "XQ700"
 
-  /// The maker. A port chooses this one's accessories alone, in upper or lower case.
+  /// The maker. A port chooses only accessories of the default maker; the letter case does not
+  /// matter.
   std::optional<std::string> manufacturer = "quor dalvane";
 
-  /// The protocols that it speaks. A port chooses accessories that speak this one.
+  /// The protocols that the accessory speaks. A port chooses only accessories that speak the
+  /// default protocol.
   std::vector<std::string> protocolStrings = {"com.quordalvane.receipt"};
 
-  ProofKind proof = ProofKind::Auto;  ///< how its printer confirms jobs; Auto if nobody has said so
-  std::string address;                ///< Bluetooth address for the description; may be ""
-  std::uint64_t connectionID = 0;  ///< distinguishes it from the other accessories of the process
+  ProofKind proof =
+      ProofKind::Auto;  ///< how its printer confirms jobs; Auto if this is not configured
+  std::string address;  ///< the Bluetooth address, for the description; may be ""
+  std::uint64_t connectionID = 0;  ///< a number that distinguishes the accessories of a process
 };
 
-/// An accessory whose texts are an identity given at creation: the part that all back ends share.
+/// An accessory whose texts are given at creation. It is the base class of the accessories of all
+/// back ends.
 class QUOR_EXPORT IdentifiedAccessory : public EAAccessory {
  public:
-  /// Presents itself as `identity`, always.
+  /// The accessory describes itself by `identity`.
   explicit IdentifiedAccessory(AccessoryIdentity identity);
 
   std::optional<std::string> name() override { return identity_.name; }
@@ -43,8 +47,8 @@ class QUOR_EXPORT IdentifiedAccessory : public EAAccessory {
   std::uint64_t connectionID() override { return identity_.connectionID; }
   ProofKind proof() override { return identity_.proof; }
 
-  /// "<accessory 7, address …: name, model …, serial …, maker …>", without the texts that are
-  /// missing.
+  /// Returns "<accessory 7, address …: name, model …, serial …, maker …>". Missing texts are left
+  /// out.
   std::string description() override;
 
  private:

@@ -16,7 +16,8 @@ std::string inSmallLetters(std::string text) {
   return text;
 }
 
-// A path that leads nowhere yet may lead to the device when it is plugged in.
+// Returns the path with all links resolved. The path may not exist yet, if the device is not
+// plugged in.
 std::string throughLinks(const std::string& path) {
   std::error_code error;
   const auto absolute = std::filesystem::absolute(path, error);

@@ -8,10 +8,10 @@
 
 namespace quordalvane {
 
-/// The text that distinguishes the device of `spec` from every other device of this machine,
-/// whatever its keys: its scheme and its place, with all links of a path resolved and a host in
-/// small letters. "" for the virtual printer, of which each process has its own. Two names of one
-/// host, or a name and its address, are two devices.
+/// Returns a text that distinguishes the device of `spec` from every other device of this machine.
+/// It consists of the scheme and the place; the keys do not matter. All links of a path are
+/// resolved, and a host is in lower case. Returns "" for the virtual printer, because each process
+/// has its own. Two names of one host, or a name and an address of it, count as two devices.
 QUOR_EXPORT std::string deviceIdentity(const DeviceSpec& spec);
 
 }  // namespace quordalvane

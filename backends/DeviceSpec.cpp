@@ -20,7 +20,7 @@ void append(std::string& list, std::string_view item) {
   list += item;
 }
 
-// The pieces between the commas, with the backslashes resolved.
+// Splits the text at its commas and resolves the backslashes.
 std::vector<std::string> splitAtCommas(std::string_view text) {
   std::vector<std::string> pieces(1);
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -119,7 +119,7 @@ auto findKey(const Keys& keys, std::string_view name) {
   refuse("key " + inQuotes(name) + ": " + std::string(scheme.name) + ": takes " + listed);
 }
 
-// Sets the keys in the order in which they were given.
+// Sets the keys of `spec` in the order in which they were given.
 class KeySetter {
  public:
   KeySetter(const Scheme& scheme, DeviceSpec& spec) : scheme_(scheme), spec_(spec) {}
@@ -182,7 +182,7 @@ bool takesPlace(const Scheme& scheme, const std::string& place) {
   }
 }
 
-// The devices that a text without a scheme may mean.
+// Returns a hint with the devices that a text without a scheme may mean; "" if there are none.
 std::string offers(const std::string& place) {
   std::string listed;
   const bool isPath = place.starts_with('/');
@@ -203,7 +203,8 @@ std::string offers(const std::string& place) {
   refuse("device " + inQuotes(text) + ": takes " + listed + ", then ,key=value" + offers(place));
 }
 
-// Takes the scheme and its place from a place that may be written without its scheme.
+// Returns the scheme of `place`, which may be written without it, and changes `place` to the place
+// in this scheme.
 const Scheme& schemeOf(std::string_view text, std::string& place) {
   const std::size_t colon = place.find(':');
   if (const Scheme* const named =

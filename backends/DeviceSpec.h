@@ -13,9 +13,9 @@
 
 namespace quordalvane {
 
-/// How to reach one device, and the texts of its accessory.
+/// Describes how to reach one device, and the texts of its accessory.
 ///
-/// Its text is `SCHEME:PLACE[,key=value...]`:
+/// It is written as a device text, `SCHEME:PLACE[,key=value...]`:
 ///
 /// | text | device |
 /// |---|---|
@@ -26,35 +26,35 @@ namespace quordalvane {
 /// | `usb:`, `usb:SERIAL`, `usb:VID:PID` or `usb:/dev/usb/lpN` | a printer at the USB driver |
 /// | `bluetooth:`, `bluetooth:ADDRESS` or `bluetooth:NAME` | a paired printer, with its library |
 ///
-/// `HOST` alone is `tcp:HOST:9100`, and a path below `/dev` whose kind its name shows is a device
-/// of that kind: `/dev/ttyUSB0` is `serial:/dev/ttyUSB0`, `/dev/usb/lp0` is `usb:/dev/usb/lp0`.
+/// The scheme may be left out in two cases. `HOST` means `tcp:HOST:9100`. A path below `/dev` whose
+/// name shows the kind of device means a device of that kind: `/dev/ttyUSB0` means
+/// `serial:/dev/ttyUSB0`, and `/dev/usb/lp0` means `usb:/dev/usb/lp0`.
 ///
 /// Every scheme takes `name`, `serial`, `model`, `manufacturer`, `protocol`, `address`, `id` and
-/// `proof`.
-/// `serial:` also takes `baud`, `bits`, `parity`, `stop` and `flow`; `virtual:` takes the printer's
-/// own keys. Only `protocol` and the printer's own keys may be given more than once. A value may be
-/// empty, and is then the empty text. `address` takes six pairs of hex digits joined by colons,
-/// `proof` the name of a proof, as `nameOf` gives it.
+/// `proof`. `serial:` also takes `baud`, `bits`, `parity`, `stop` and `flow`; `virtual:` takes the
+/// printer's own keys. Only `protocol` and the printer's own keys may be given more than once. An
+/// empty value is allowed. `address` takes six pairs of hex digits joined by colons; `proof` takes
+/// the name of a proof, as `nameOf` returns it.
 ///
-/// A backslash takes the character after it as it is: `\,` is a comma inside a place or a value,
-/// `\\` a backslash.
+/// A backslash removes the special meaning of the next character: in a place or a value, `\,` is a
+/// comma and `\\` a backslash.
 struct DeviceSpec {
-  std::string scheme;  ///< "tcp", for example
+  std::string scheme;  ///< for example "tcp"
   std::string place;   ///< the text after the scheme
 
-  /// The texts that were given, and the usual ones otherwise; the name is the place unless given.
-  /// Its connection identifier is not set.
+  /// The texts from the keys; a text that was not given has its default. The default of the name is
+  /// the place. The connection identifier is not set here.
   AccessoryIdentity identity;
 
-  std::optional<std::uint64_t> id;  ///< the connection identifier, if it was given
+  std::optional<std::uint64_t> id;  ///< the connection identifier, if the key `id` was given
 
-  /// The keys that this scheme alone takes, as given and in order.
+  /// The keys that only this scheme takes, as given and in the given order.
   std::vector<std::pair<std::string, std::string>> options;
 };
 
-/// Reads the text of a device. Throws `std::invalid_argument` for any other text, with a message
-/// for people that names the mistake and what is right; it is printable whatever was read. May be
-/// called from any thread.
+/// Parses a device text. Throws `std::invalid_argument` if `text` is not a valid device text. The
+/// message is for people; it names the mistake and the right form, and is always printable. Any
+/// thread may call it.
 QUOR_EXPORT DeviceSpec parseDeviceSpec(std::string_view text);
 
 }  // namespace quordalvane

@@ -14,41 +14,42 @@
 
 namespace quordalvane {
 
-/// Makes the accessory that `spec` describes. Nothing is connected before a session is opened on
-/// it. Its connection identifier is the one given, otherwise a running number of the process: 1, 2,
+/// Creates the accessory that `spec` describes. It connects only when a session is opened on it.
+/// Its connection identifier is that of `spec`, or otherwise the next number in this process: 1, 2,
 /// and so on. `clock` must outlive the accessory; the virtual printer uses it.
 ///
-/// Throws `std::invalid_argument` with a text for people if no back end is of its scheme or the
-/// virtual printer refuses an option. May be called from any thread.
+/// Throws `std::invalid_argument`, with a message for people, if there is no back end for the
+/// scheme or the virtual printer refuses an option. Any thread may call it.
 QUOR_EXPORT std::shared_ptr<EAAccessory> makeAccessory(const DeviceSpec& spec, Clock& clock);
 
-/// The texts of the devices that `text` means: for `bluetooth:` one for each printer that is paired
-/// now, with the keys of `text`; otherwise, and if none is paired, `text` itself. May be called
-/// from any thread.
+/// Returns the texts of the devices that `text` means. For `bluetooth:` there is one for each
+/// printer that is paired now, with the keys of `text`. For any other text, and if no printer is
+/// paired, it is `text` itself. Any thread may call it.
 QUOR_EXPORT std::vector<std::string> devicesMeantBy(const std::string& text);
 
-/// Makes the platform of an ordinary program, with the devices that these texts mean attached in
-/// their order, and sets it as the process's own: ports that are created from then on find them.
+/// Creates the platform of an ordinary program, attaches the devices in `specs` to it in this
+/// order, and makes it the platform of the process. Ports that are created from then on find these
+/// devices. For example:
 ///
 ///     quordalvane::connectDevices({"tcp:192.0.2.10:9100,name=Kitchen"});
 ///
-/// Nothing is connected before a port is opened. Returns the platform, for attaching more. Throws
-/// `std::invalid_argument` as `parseDeviceSpec` and `makeAccessory` do; the process's platform does
-/// not change then.
+/// Nothing is connected before a port is opened. Returns the platform, to which more devices can be
+/// attached. Throws the exceptions of `parseDeviceSpec` and `makeAccessory`; the platform of the
+/// process does not change then.
 QUOR_EXPORT std::shared_ptr<posix::PosixPlatform> connectDevices(
     const std::vector<std::string>& specs);
 
-/// Why the latest session on `accessory` could not be opened, as a text for people; "" if it could,
-/// or if the accessory's back end gives no reasons.
+/// Returns, as a text for people, why the latest session on `accessory` could not be opened.
+/// Returns "" if it was opened, or if the accessory's back end gives no reasons.
 QUOR_EXPORT std::string lastOpenError(EAAccessory& accessory);
 
-/// The error code of the same reason; 0 if it has none. `std::errc::device_or_resource_busy` means
-/// that another program uses the device.
+/// Returns the error code of this reason; 0 if it has no code. `std::errc::device_or_resource_busy`
+/// means that another program uses the device.
 QUOR_EXPORT std::error_code lastOpenErrorCode(EAAccessory& accessory);
 
-/// What keeps the printer of the open session on `accessory` from printing, as far as its USB port
-/// reports it without an answer of the printer, as a text for people: "paper out" for example. ""
-/// if it reports nothing, without an open session, and for all other devices.
+/// Returns, as a text for people, why a USB printer does not print, for example "paper out". Its
+/// USB port reports this even if the printer does not answer. Returns "" if the port reports
+/// nothing, if no session is open on `accessory`, and for all other devices.
 QUOR_EXPORT std::string portState(EAAccessory& accessory);
 
 }  // namespace quordalvane

@@ -4,22 +4,23 @@
 
 namespace quordalvane {
 
-/// Knows whether a reply of the device may still be on its way, so that no reader waits for
-/// leftovers that cannot arrive. A writer says of each write whether it may be answered. How many
-/// answers it gets is not known, so the count errs to the safe side:
+/// Keeps track of whether a reply of the device may still arrive, so that no reader waits for bytes
+/// that cannot arrive. The writer says for each write whether it may be answered. The number of
+/// answers is unknown, so this class assumes rather too many replies than too few:
 ///
-/// - A write that is never answered changes nothing.
-/// - Any other write may be answered until bytes arrived after it and the input ran dry again.
-/// - A write that was followed by a silent wait and then by another write remains owed: the next
-///   bytes may be its late reply, and the reply to the later write is then still on its way.
-/// - A silent wait of a whole slice after a reply settles everything.
+/// - A write that cannot be answered changes nothing.
+/// - After any other write a reply is expected until bytes have arrived after it and all of them
+///   were taken.
+/// - If a write is followed by a wait without bytes and then by another write, two replies are
+///   expected: the next bytes may be the late reply to the first write.
+/// - After a reply, a whole wait without bytes means that no more replies are expected.
 ///
-/// Not thread-safe; the link that owns it guards it.
+/// The class is not thread-safe; the link that owns the object protects it by a lock.
 class ReplyExpectation {
  public:
   bool replyMayCome() const { return pending_; }
 
-  /// Says whether the writes that follow may be answered; until it is called, they may.
+  /// Says whether the following writes may be answered. Before the first call they may be.
   void setMayBeAnswered(bool mayBeAnswered) { mayBeAnswered_ = mayBeAnswered; }
   bool mayBeAnswered() const { return mayBeAnswered_; }
 
@@ -35,7 +36,7 @@ class ReplyExpectation {
     repliedSinceWrite_ = false;
   }
 
-  /// Bytes arrived and all of them have been taken: the input is dry.
+  /// Records that bytes arrived and that all of them were taken.
   void ranDryAfterBytes() {
     repliedSinceWrite_ = true;
     silentSinceWrite_ = false;
@@ -46,7 +47,7 @@ class ReplyExpectation {
     }
   }
 
-  /// A wait for bytes ran its full time and brought none.
+  /// Records that a wait for bytes took its full time and no byte arrived.
   void waitedInVain() {
     if (repliedSinceWrite_) {
       pending_ = false;

@@ -14,82 +14,85 @@
 
 namespace quordalvane {
 
-/// A key that one scheme alone takes.
+/// A key that only one scheme takes.
 struct SchemeKey {
-  std::string_view name;                  ///< before the equals sign
-  std::string_view values;                ///< those that it takes, for people
-  bool (*takes)(std::string_view value);  ///< whether it takes this one
+  std::string_view name;                  ///< the text before the equals sign
+  std::string_view values;                ///< the values that it takes, as a text for people
+  bool (*takes)(std::string_view value);  ///< returns whether the key takes this value
 };
 
-/// Why a device may fail to open, and how to help.
+/// A reason why a device may fail to open, and the advice for it.
 struct OpenCause {
-  static constexpr int anyCode = 0;  ///< a `code` that fits every error of the category
+  static constexpr int anyCode = 0;  ///< the `code` that stands for every error of the category
 
-  int code;                 ///< of the system, or of the category
+  int code;                 ///< an error code of the system or of `category`
   std::string_view name;    ///< the name of the cause for scripts
   std::string_view text;    ///< the cause, for people
-  std::string_view advice;  ///< the next step, for people
+  std::string_view advice;  ///< what to do next, for people
 
-  /// The category of the code, if it is not one of the system's.
+  /// The category of the code; null if it is a code of the system.
   const std::error_category& (*category)() = nullptr;
 
-  /// Whether it is the cause of this error.
+  /// Returns whether this cause explains `error`.
   bool fits(const std::error_code& error) const;
 };
 
-/// One way in which a device may be set, for the doctor to try.
+/// One possible setting of a device. The command `doctor` tries them one after the other.
 struct SchemeVariant {
-  DeviceSpec spec;         ///< the device, set in this way
-  std::string words;       ///< "at 9600 baud"
-  std::string keys;        ///< ",baud=9600": the keys that choose it
-  std::string_view cause;  ///< the name of the finding that only this way is answered
+  DeviceSpec spec;    ///< the device with this setting
+  std::string words;  ///< the setting in words: "at 9600 baud"
+  std::string keys;   ///< the keys that select it: ",baud=9600"
+  std::string_view
+      cause;  ///< the name of the finding if the printer answers only with this setting
 };
 
-/// Everything that is known of one way to reach devices. The table of all of them is in
-/// `backends/Schemes.cpp`; the command takes its help, its completion and its advice from it.
+/// A scheme: all data about one way to reach devices. The table of all schemes is in
+/// `backends/Schemes.cpp`. The command's help, completion and advice are made from it.
 ///
-/// A scheme is written as `constinit const Scheme scheme = {.name = "tcp", ...}`. Members without a
-/// comment of their own may be left out.
+/// A scheme is defined as `constinit const Scheme scheme = {.name = "tcp", ...}`. Members with a
+/// default may be left out.
 struct Scheme {
   std::string_view name;   ///< "tcp"
-  std::string_view place;  ///< how its place is written, "HOST:PORT"
-  std::string_view about;  ///< the device, "a printer on the network"
+  std::string_view place;  ///< the form of its place: "HOST:PORT"
+  std::string_view about;  ///< the kind of device: "a printer on the network"
 
   /// Throws `std::invalid_argument` for an invalid place.
   void (*checkPlace)(const std::string& place);
 
-  /// Makes the accessory. Throws `std::invalid_argument` for an option that it refuses.
+  /// Creates the accessory. Throws `std::invalid_argument` for an option that it refuses.
   std::shared_ptr<EAAccessory> (*make)(const DeviceSpec& spec, AccessoryIdentity identity,
                                        Clock& clock);
 
-  std::string_view ifSilent;         ///< advice for a device that opens and never answers
-  std::string_view ifNotUnderstood;  ///< advice for one whose answers are not a printer's
+  std::string_view ifSilent;         ///< advice if the device can be opened but never answers
+  std::string_view ifNotUnderstood;  ///< advice if the device answers, but not as a printer does
 
-  std::span<const OpenCause> causes = {};  ///< why a session may not open
-  std::span<const SchemeKey> keys = {};    ///< the keys that it alone takes
+  std::span<const OpenCause> causes = {};  ///< possible reasons if a session cannot be opened
+  std::span<const SchemeKey> keys = {};    ///< the keys that only this scheme takes
 
-  /// The keys beyond `keys`, for people. If there is such a text, `make` checks those keys, and
-  /// they may take the place's room: `virtual:coverOpen=true`.
+  /// A text for people about keys that are not listed in `keys`. If it is not empty, `make` checks
+  /// those keys, and they may be written in place of the place: `virtual:coverOpen=true`.
   std::string_view moreKeys = {};
 
-  /// The accessory's name if the place is empty.
+  /// The name of the accessory if the place is empty.
   std::string_view nameWithoutPlace = {};
 
-  /// The place that a person means by `text`, which names no scheme; nothing if it is not of this
-  /// scheme.
+  /// Returns the place that a person means by `text`, which names no scheme; nullopt if it does not
+  /// belong to this scheme.
   std::optional<std::string> (*placeMeantBy)(std::string_view text) = nullptr;
 
-  /// The places of all devices that an empty place means now, none with a comma or a backslash.
-  /// Null if an empty place means one device, or is none.
+  /// Returns the places of all devices that an empty place means now, without commas or
+  /// backslashes. The pointer is null if an empty place means one device or is not allowed.
   std::vector<std::string> (*places)() = nullptr;
 
-  /// Whether each process has such a device of its own.
+  /// True if each process has its own device of this kind.
   bool isOfOneProcess = false;
 
-  /// The file that is opened for the device; "" if it cannot be known now. Null if there is none.
+  /// Returns the path of the file that is opened for the device; "" if it is unknown now. The
+  /// pointer is null if no file is opened.
   std::string (*fileOf)(const DeviceSpec& spec) = nullptr;
 
-  /// The ways in which such a device may be set, the one of `spec` first. Null if there is one way.
+  /// Returns the possible settings of the device, that of `spec` first. The pointer is null if
+  /// there is only one setting.
   std::vector<SchemeVariant> (*variants)(const DeviceSpec& spec) = nullptr;
 };
 

@@ -9,14 +9,14 @@
 
 namespace quordalvane {
 
-/// Adds the scheme, which must last, after the others; one that is in the list already is not added
-/// again. For the beginning of a program, before it has threads.
+/// Adds `scheme` at the end of the list, unless it is in the list already. It must exist until the
+/// process ends. Call it at the beginning of a program, before other threads exist.
 QUOR_EXPORT void addScheme(const Scheme& scheme);
 
-/// All schemes, in the order in which a help text lists them.
+/// Returns all schemes, in the order in which help texts list them.
 std::span<const Scheme* const> schemes();
 
-/// The scheme of that name; null if there is none.
+/// Returns the scheme with this name; null if there is none.
 const Scheme* findScheme(std::string_view name);
 
 }  // namespace quordalvane

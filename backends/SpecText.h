@@ -5,13 +5,13 @@
 #include <string>
 #include <string_view>
 
-/// The small tools with which the text of a device is read and refused.
+/// Small functions for parsing and refusing device texts.
 namespace quordalvane::spec {
 
-/// Throws `std::invalid_argument` with `why`, a text for people.
+/// Throws `std::invalid_argument` with the message `why`, which is for people.
 [[noreturn]] void refuse(const std::string& why);
 
-/// The number that all of `text` is, or nothing.
+/// Parses all of `text` as a number; returns nullopt if it is not one.
 template <typename Number>
 std::optional<Number> number(std::string_view text) {
   Number value{};
@@ -20,7 +20,7 @@ std::optional<Number> number(std::string_view text) {
   return error == std::errc() && stop == end ? std::optional(value) : std::nullopt;
 }
 
-/// Throws `std::invalid_argument` unless `place` may be a path of 1 to `longest` bytes.
+/// Throws `std::invalid_argument` unless `place` can be a path of 1 to `longest` bytes.
 void checkPath(const std::string& place, std::size_t longest);
 
 }  // namespace quordalvane::spec

@@ -8,7 +8,8 @@
 namespace quordalvane::virtuals {
 namespace {
 
-// Nothing has to be scheduled: a stream is ready when its printer is, whichever thread looks.
+// An input stream from the simulated printer. It need not be scheduled on a run loop, because it
+// can be asked on any thread whether it is ready.
 class VirtualInputStream : public NSInputStream {
  public:
   explicit VirtualInputStream(std::shared_ptr<VirtualLink> link) : link_(std::move(link)) {}

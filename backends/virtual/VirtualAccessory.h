@@ -14,22 +14,23 @@
 
 namespace quordalvane::virtuals {
 
-/// An accessory whose printer is in this process and uses a clock of the caller's choice.
+/// An accessory with a simulated printer, which runs in this process and uses the caller's clock.
 class VirtualAccessory : public IdentifiedAccessory {
  public:
-  /// `clock` must outlive the accessory and its sessions. Each session's link begins with `faults`.
+  /// `clock` must outlive the accessory and its sessions. The link of each session initially has
+  /// `faults`.
   VirtualAccessory(AccessoryIdentity identity, std::unique_ptr<simulator::VirtualPrinter> printer,
                    Clock& clock, simulator::Faults faults = {});
 
   bool isConnected() override;
   void noticeLoss() override;
 
-  /// A new connection to the printer, which ends the previous one. Null unless `protocol` is one of
-  /// the accessory's.
+  /// Opens a new connection to the printer, which ends the previous one. Returns null unless the
+  /// accessory has announced `protocol`.
   std::shared_ptr<EASession> openSession(const std::string& protocol) override;
 
-  /// Lets the printer work up to now, then lets `look` read or change it; `look` must not call back
-  /// here. Any thread.
+  /// Advances the simulated printer to the current time, and then calls `look`, which may read or
+  /// change it. `look` must not call this object. Any thread may call it.
   void withPrinter(const std::function<void(simulator::VirtualPrinter&, simulator::Instant)>& look);
 
  protected:
@@ -39,12 +40,12 @@ class VirtualAccessory : public IdentifiedAccessory {
   const std::shared_ptr<PrinterInside> inside_;
   Clock& clock_;
   std::mutex mutex_;
-  std::weak_ptr<VirtualLink> link_;  // of the newest session
+  std::weak_ptr<VirtualLink> link_;  // the link of the newest session
 };
 
-/// Makes an accessory of a printer that `options` describe: its state by the names of the status
-/// record's flags, and its settings and faults. Throws std::invalid_argument, with a text that
-/// names the key and the values it takes.
+/// Creates an accessory with a simulated printer. `options` set its state, by the names of the
+/// flags of the status record, its settings and its faults. Throws std::invalid_argument for an
+/// invalid option; the message names the key and the values that it takes.
 std::shared_ptr<VirtualAccessory> makePrinterAccessory(
     AccessoryIdentity identity, const std::vector<std::pair<std::string, std::string>>& options,
     Clock& clock);

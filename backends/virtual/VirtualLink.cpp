@@ -9,7 +9,8 @@ namespace {
 
 using simulator::Instant;
 
-/// Never too short: a wait that ends before its event would have to be repeated.
+/// Returns the microseconds from `now` to `then`, rounded up: a wait that ended before its event
+/// would have to be repeated.
 std::uint64_t microsecondsUntil(Instant now, Instant then) {
   return static_cast<std::uint64_t>(
       std::chrono::ceil<std::chrono::microseconds>(then - now).count());
@@ -71,7 +72,8 @@ bool VirtualLink::isReady(Awaited awaited) {
   if (awaited == Awaited::Bytes) {
     return link_->available(now) > 0;
   }
-  return link_->dropped(now) || link_->space(now) > 0;  // on a lost link a write fails at once
+  return link_->dropped(now) ||
+         link_->space(now) > 0;  // on a dropped link a write does not wait but fails at once
 }
 
 std::int64_t VirtualLink::write(std::span<const std::uint8_t> bytes) {
@@ -108,8 +110,8 @@ void VirtualLink::waitForSpace(double seconds) {
   wait(Awaited::Space, seconds);
 }
 
-/// Sleeps from one event of the printer to the next. The printer is looked at between the sleeps
-/// alone, so that others may use it meanwhile.
+/// Sleeps from one event of the printer to the next. It locks the printer only between the sleeps,
+/// so that other threads can use it meanwhile.
 void VirtualLink::wait(Awaited awaited, double seconds) {
   const Instant deadline =
       clock_.monotonic() + std::chrono::round<Instant>(std::chrono::duration<double>(seconds));

@@ -12,17 +12,17 @@
 
 namespace quordalvane::virtuals {
 
-/// The printer that an accessory represents, and the faults of the links to it. The mutex guards
-/// the printer and its links.
+/// The simulated printer of an accessory, and the faults of the links to it. The mutex guards the
+/// printer and its links.
 struct PrinterInside {
   std::mutex mutex;
   std::unique_ptr<simulator::VirtualPrinter> printer;
-  simulator::Faults faults;  // of later links
+  simulator::Faults faults;  // the faults of later links
 };
 
-/// One connection to a printer in this process, shared by a session, its streams and its accessory.
-/// The printer uses `clock`: each call lets it work up to now. All calls may be made from any
-/// thread.
+/// One connection to a simulated printer. A session, its streams and its accessory share it. Each
+/// call first advances the printer to the current time of `clock`. Any thread may call the
+/// functions.
 class VirtualLink {
  public:
   VirtualLink(std::shared_ptr<PrinterInside> inside, Clock& clock);
@@ -30,26 +30,26 @@ class VirtualLink {
   VirtualLink(const VirtualLink&) = delete;
   VirtualLink& operator=(const VirtualLink&) = delete;
 
-  /// True once the link has dropped and no byte that arrived before is left to read. False after
-  /// `close`: a link that was given up is not lost.
+  /// Returns true once the link has dropped and all bytes that arrived before were read. Returns
+  /// false after `close`, because a closed link is not lost.
   bool isLost();
 
-  /// If the link has dropped, lets `isLost` say so although bytes are left to read.
+  /// If the link has dropped, `isLost` returns true from now on even if bytes are left to read.
   void noticeLoss();
 
   bool hasSpace();
   bool hasBytes();
 
-  /// False while no reply can be on its way.
+  /// Returns false if no reply can arrive.
   bool expectsBytes();
 
-  /// Whether the printer may answer bytes that are written from now on; it may until this is
-  /// called.
+  /// Says whether the printer may answer the bytes that are written from now on. Before the first
+  /// call it may.
   void setMayBeAnswered(bool mayBeAnswered);
   std::int64_t write(std::span<const std::uint8_t> bytes);
   std::int64_t read(std::span<std::uint8_t> bytes);
 
-  /// Ends the connection; there are no bytes and no space any more.
+  /// Ends the connection. After it there are no bytes to read and no space to write.
   void close();
 
   /// Wait for at most `seconds` until there are bytes or space, or the link is lost.

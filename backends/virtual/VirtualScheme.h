@@ -4,7 +4,7 @@
 
 namespace quordalvane::virtuals {
 
-/// The printer that is built in, in this process.
+/// The scheme of the built-in virtual printer, which runs in this process.
 extern const Scheme virtualScheme;
 
 }  // namespace quordalvane::virtuals
