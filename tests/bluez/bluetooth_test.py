@@ -25,7 +25,7 @@ class Printing(BusCase):
     def receipt(self, lines: int) -> str:
         return self.file("receipt", b"a line of the receipt\n" * lines)
 
-    def test_a_receipt_is_printed_whichever_way_the_printer_is_named(self):
+    def test_a_receipt_is_printed_by_name_and_by_address(self):
         self.bluetooth(printer=self.printer())
         for device in (DEVICE, DEVICE.lower(), "bluetooth:Kitchen", "bluetooth:"):
             result = self.run_command("-d", device, "print", self.receipt(9), "--json")
@@ -43,7 +43,7 @@ class Printing(BusCase):
         answer = self.run_command("-d", "bluetooth:", "list", "--json").json()
         self.assertEqual([found["name"] for found in answer["accessories"]], ["Kitchen", "Bar"])
 
-    def test_find_shows_the_printer_and_names_the_way_that_it_could_not_search(self):
+    def test_find_shows_the_printer_and_reports_the_kind_that_it_could_not_search(self):
         self.bluetooth()
         result = self.run_command("find", "--json")
         self.assertExit(0, result)
@@ -88,7 +88,7 @@ class Printing(BusCase):
         out, _ = process.communicate(timeout=DEADLINE)
         self.assertIn(process.returncode, (5, 6), out)
 
-    def test_disconnect_has_the_printers_module_drop_the_link(self):
+    def test_disconnect_makes_the_printers_module_drop_the_link(self):
         self.bluetooth(printer=self.printer())
         result = self.run_command("-d", DEVICE, "disconnect", "--json")
         self.assertAnswers(DEVICE, {"ok": True}, result)

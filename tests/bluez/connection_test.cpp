@@ -103,7 +103,7 @@ TEST_F(BluetoothConnection, FindsThePrinterByItsNameAndItsAddressInAnyCase) {
   }
 }
 
-TEST_F(BluetoothConnection, HoldsTheProfileNoLongerThanItConnects) {
+TEST_F(BluetoothConnection, ReleasesTheProfileOnceItIsConnected) {
   const StandInBluetooth service(plan());
   const posix::Descriptor one = connectBluetooth(address);
   EXPECT_EQ(service.profiles(), 0);
@@ -111,7 +111,7 @@ TEST_F(BluetoothConnection, HoldsTheProfileNoLongerThanItConnects) {
   EXPECT_EQ(service.profiles(), 0);
 }
 
-TEST_F(BluetoothConnection, TakesTheConnectionBeforeAndAfterTheAnswer) {
+TEST_F(BluetoothConnection, AcceptsTheSocketBeforeOrAfterTheServicesAnswer) {
   for (const Connecting connecting : {Connecting::InOrder, Connecting::AnswersEarly}) {
     StandInPlan planned = plan();
     planned.connecting = connecting;
@@ -120,7 +120,7 @@ TEST_F(BluetoothConnection, TakesTheConnectionBeforeAndAfterTheAnswer) {
   }
 }
 
-TEST_F(BluetoothConnection, TurnsDownTheConnectionOfAnotherDevice) {
+TEST_F(BluetoothConnection, RejectsTheConnectionOfAnotherDevice) {
   StandInPlan planned = plan();
   planned.connecting = Connecting::OfAnother;
   const StandInBluetooth service(planned);
@@ -135,14 +135,14 @@ TEST_F(BluetoothConnection, WaitsForAProgramThatHoldsTheProfileBriefly) {
   EXPECT_EQ(outcome(address), std::error_code());
 }
 
-TEST_F(BluetoothConnection, SaysSoIfAnotherProgramHoldsTheProfileForGood) {
+TEST_F(BluetoothConnection, ReportsAProgramThatNeverReleasesTheProfile) {
   StandInPlan planned = plan();
   planned.profilesTaken = 1'000'000;
   const StandInBluetooth service(planned);
   EXPECT_EQ(outcome(address, nullptr, 300ms), code(BluetoothError::ProfileTaken));
 }
 
-TEST_F(BluetoothConnection, IsBoundedIfNobodyAuthorisesIt) {
+TEST_F(BluetoothConnection, FailsInTimeIfNobodyAuthorisesIt) {
   StandInPlan planned = plan();
   planned.connecting = Connecting::Never;
   const StandInBluetooth service(planned);
@@ -213,7 +213,7 @@ struct Refusal {
 
 class BluetoothRefusal : public BluetoothConnection, public testing::WithParamInterface<Refusal> {};
 
-TEST_P(BluetoothRefusal, HasTheCodeOfItsCause) {
+TEST_P(BluetoothRefusal, HasTheErrorCodeOfItsCause) {
   StandInPlan planned = plan();
   planned.connecting = Connecting::Refuses;
   planned.errorName = GetParam().name;
@@ -247,7 +247,7 @@ struct Choice {
   BluetoothError reason;
 };
 
-TEST_F(BluetoothConnection, SaysWhyThereIsNoPrinterToConnectTo) {
+TEST_F(BluetoothConnection, ReportsWhyNoPrinterCanBeReached) {
   StandInDevice unpaired;
   unpaired.isPaired = false;
   StandInDevice telephone;
@@ -281,7 +281,7 @@ TEST(BluetoothWithoutABus, IsReportedAtOnce) {
   EXPECT_THAT(text, testing::HasSubstr("the system's message bus cannot be used"));
 }
 
-TEST(BluetoothWithoutABus, ASilentBusIsAwaitedNoLongerThanTheLimit) {
+TEST(BluetoothWithoutABus, FailsInTimeIfTheBusIsSilent) {
   const test::TemporaryFolder folder;
   const int silent = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
   sockaddr_un place{};

@@ -46,7 +46,7 @@ TEST_F(Search, FindsThePrintersThatAnnounceARawPort) {
   EXPECT_THAT(avahi.askedFor(), ElementsAre("_pdl-datastream._tcp"));
 }
 
-TEST_F(Search, ShowsNoPrinterThatHasNoUsablePlace) {
+TEST_F(Search, OmitsAPrinterWithoutAUsableAddress) {
   const StandInAvahi avahi({{.name = "silent", .address = ""},
                             {.name = "no port", .port = 0},
                             {.name = "no address", .address = "a,b\n"},
@@ -59,7 +59,7 @@ TEST_F(Search, ShowsAPrinterOnceHoweverOftenItIsAnnounced) {
   EXPECT_EQ(networkDevices(300ms).size(), 1U);
 }
 
-TEST_F(Search, BoundsAFloodAndShowsNoRawText) {
+TEST_F(Search, LimitsTheNumberOfPrintersAndEscapesTheirNames) {
   std::vector<StandInAnnouncement> many(1'000);
   for (std::size_t i = 0; i < many.size(); ++i) {
     many[i].name = std::to_string(i) + "\x1b]0;" + std::string(500, 'x');
@@ -100,7 +100,7 @@ TEST_F(Search, ShowsThatAnAdapterIsOff) {
   EXPECT_EQ(bluetoothDevices(10s).at(0).reachable, false);
 }
 
-TEST_F(Search, SaysWhichWaysItCouldNotSearchAndIsDoneInTime) {
+TEST_F(Search, ReportsTheKindsThatItCouldNotSearchAndEndsInTime) {
   const auto began = std::chrono::steady_clock::now();
   const Discovery discovery = discoverDevices();
   EXPECT_LT(std::chrono::steady_clock::now() - began, 2500ms);
@@ -109,7 +109,7 @@ TEST_F(Search, SaysWhichWaysItCouldNotSearchAndIsDoneInTime) {
                           testing::HasSubstr("the network was not searched: ")));
 }
 
-TEST_F(Search, TakesTwoSecondsIfNothingIsThere) {
+TEST_F(Search, TakesTwoSecondsIfNothingIsFound) {
   const StandInAvahi avahi({});
   const StandInBluetooth service({.devices = {}});
   const auto began = std::chrono::steady_clock::now();

@@ -12,7 +12,7 @@ static QuorPrintJob* jobOn(QuorPort* port) {
   return job;
 }
 
-static void AJobThatIsOnPaperIsPrinted(void) {
+static void AJobThatIsOnPaperIsReportedAsPrinted(void) {
   QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
   QuorPrintJob* job = jobOn(port);
   QuorPrinterStatus_2 status = {0};
@@ -280,7 +280,7 @@ static void AJobNeedsAPortAndItsData(void) {
   done(port);
 }
 
-const Sentence jobSentences[] = {SENTENCE(AJobThatIsOnPaperIsPrinted),
+const Sentence jobSentences[] = {SENTENCE(AJobThatIsOnPaperIsReportedAsPrinted),
                                  SENTENCE(AJobRunsOnce),
                                  SENTENCE(AnUncheckedJobIsUnconfirmed),
                                  SENTENCE(AnOpenCoverRefusesTheJobWithReasonAndAdvice),

@@ -72,7 +72,7 @@ class Clients(unittest.TestCase):
         self.assertIn("Total 4.20", text, mode)
         return text
 
-    def test_a_text_of_ten_scripts_arrives_in_part_and_the_rest_as_question_marks(self):
+    def test_other_libraries_print_some_scripts_and_question_marks_for_the_rest(self):
         """`quorport print --text` draws what a printer lacks; docs/text-and-pictures.md has these figures beside it."""
         scripts = [line.split(maxsplit=1) for line in SCRIPTS.read_text(encoding="utf-8").splitlines()[:10]]
         latin, right_to_left = {"Latin", "Euro", "Cyrillic"}, {"Greek", "Arabic", "Hebrew"}

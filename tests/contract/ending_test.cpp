@@ -16,7 +16,7 @@ TEST_P(LinkContract, ALinkThatTheDeviceClosedIsLostAndEmpty) {
   EXPECT_LE(input->read(&byte, 1), 0);
 }
 
-TEST_P(LinkContract, SeenBytesAreReadBeforeTheLinkOfAClosedDeviceIsLost) {
+TEST_P(LinkContract, SeenBytesCanBeReadBeforeAClosedLinkIsLost) {
   peer->write({1, 2, 3});
   ASSERT_TRUE(eventually([this] { return input->hasBytesAvailable(); }));
   peer->close();
@@ -27,7 +27,7 @@ TEST_P(LinkContract, SeenBytesAreReadBeforeTheLinkOfAClosedDeviceIsLost) {
   EXPECT_FALSE(input->hasBytesAvailable());
 }
 
-TEST_P(LinkContract, UnseenBytesAreReadBeforeTheLinkOfAClosedDeviceIsLost) {
+TEST_P(LinkContract, UnseenBytesCanBeReadBeforeAClosedLinkIsLost) {
   if (!maker->traits().keepsUnreadBytes) {
     GTEST_SKIP() << "the system throws away bytes that were not read before the end";
   }
@@ -40,7 +40,7 @@ TEST_P(LinkContract, UnseenBytesAreReadBeforeTheLinkOfAClosedDeviceIsLost) {
   EXPECT_FALSE(input->hasBytesAvailable());
 }
 
-TEST_P(LinkContract, ADeviceThatClosesItsOwnDirectionEndsTheLink) {
+TEST_P(LinkContract, AHalfCloseByTheDeviceEndsTheLink) {
   if (!maker->traits().closesOneWay) {
     GTEST_SKIP() << "the link has no directions";
   }
@@ -86,7 +86,7 @@ TEST_P(LinkContract, BytesThatArrivedBeforeAWriteErrorCanBeRead) {
   EXPECT_TRUE(isLost());
 }
 
-TEST_P(LinkContract, ALossThatACallerWaitsForCountsThoughBytesAreUnread) {
+TEST_P(LinkContract, ACallerThatWaitsForTheLossSeesItEvenIfBytesAreUnread) {
   peer->write({1, 2, 3});
   ASSERT_TRUE(eventually([this] { return input->hasBytesAvailable(); }));
   peer->close();
@@ -96,7 +96,7 @@ TEST_P(LinkContract, ALossThatACallerWaitsForCountsThoughBytesAreUnread) {
   }));
 }
 
-TEST_P(LinkContract, NoLossIsNoticedOfALinkThatWorks) {
+TEST_P(LinkContract, AWorkingLinkIsNeverCalledLost) {
   accessory->noticeLoss();
   peer->write({1, 2, 3});
   ASSERT_TRUE(eventually([this] { return input->hasBytesAvailable(); }));
@@ -105,7 +105,7 @@ TEST_P(LinkContract, NoLossIsNoticedOfALinkThatWorks) {
   EXPECT_EQ(receive(3), (Bytes{1, 2, 3}));
 }
 
-TEST_P(LinkContract, AClosedStreamHasNoBytesAndNoSpaceAndClosesTwice) {
+TEST_P(LinkContract, AClosedStreamHasNoBytesAndNoSpaceAndCanBeClosedAgain) {
   peer->write({1});
   ASSERT_TRUE(eventually([this] { return input->hasBytesAvailable(); }));
   for (int i = 0; i < 2; ++i) {
@@ -155,7 +155,7 @@ TEST_P(LinkContract, TheEndOfTheSessionWaitsAFewSecondsAtMostForADeviceThatReads
   EXPECT_LT(now() - start, generously);
 }
 
-TEST_P(LinkContract, TheEndOfAnAbandonedSessionWaitsForNothing) {
+TEST_P(LinkContract, TheEndOfAnAbandonedSessionDoesNotWait) {
   peer->stall();
   fill();
   session->abandon();

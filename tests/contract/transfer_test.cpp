@@ -68,7 +68,7 @@ TEST_P(LinkContract, AReadReturnsFewerBytesIfThereAreFewer) {
   EXPECT_EQ(received, (Bytes{1, 2, 3}));
 }
 
-TEST_P(LinkContract, AReadWithNothingThereReturnsZero) {
+TEST_P(LinkContract, AReadWithoutBytesReturnsZero) {
   std::uint8_t byte = 0;
   EXPECT_EQ(input->read(&byte, 1), 0);
 }

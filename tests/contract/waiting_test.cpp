@@ -14,7 +14,7 @@ TEST_P(LinkContract, AWaitForBytesEndsAtOnceWhenBytesAreThere) {
   EXPECT_TRUE(input->hasBytesAvailable());
 }
 
-TEST_P(LinkContract, NoBytesAreExpectedBeforeAnybodyWasAskedNorWhenEverythingIsAnswered) {
+TEST_P(LinkContract, NoBytesAreExpectedUnlessAQuestionIsUnanswered) {
   if (!maker->traits().knowsWhatIsOwed) {
     GTEST_SKIP() << "the link never knows";
   }
@@ -114,7 +114,7 @@ TEST_P(LinkContract, AWaitForSpaceEndsAtOnceWhenTheLinkIsLost) {
   EXPECT_LT(now() - start, instantly);
 }
 
-TEST_P(LinkContract, AWaitForSpaceEndsAtOnceWhenTheDeviceClosesItsOwnDirection) {
+TEST_P(LinkContract, AWaitForSpaceEndsAtOnceWhenTheDeviceHalfCloses) {
   if (!maker->traits().closesOneWay) {
     GTEST_SKIP() << "the link has no directions";
   }
@@ -127,7 +127,7 @@ TEST_P(LinkContract, AWaitForSpaceEndsAtOnceWhenTheDeviceClosesItsOwnDirection) 
   EXPECT_TRUE(isLost());
 }
 
-TEST_P(LinkContract, BytesBeforeTheEndOfTheDevicesDirectionDoNotShortenAWaitForSpace) {
+TEST_P(LinkContract, UnreadBytesBeforeAHalfCloseDoNotShortenAWaitForSpace) {
   if (!maker->traits().closesOneWay) {
     GTEST_SKIP() << "the link has no directions";
   }
@@ -146,7 +146,7 @@ TEST_P(LinkContract, BytesBeforeTheEndOfTheDevicesDirectionDoNotShortenAWaitForS
   EXPECT_TRUE(isLost());
 }
 
-TEST_P(LinkContract, WaitsOfNoTimeAndLessReturnAtOnce) {
+TEST_P(LinkContract, WaitsOfZeroOrNegativeTimeReturnAtOnce) {
   peer->stall();
   fill();
   const double start = now();

@@ -30,14 +30,14 @@ TEST(Allocations, AreCountedWithTheirBytes) {
   EXPECT_EQ(taken.bytes, 1000U);
 }
 
-TEST(Allocations, ALogStatementTakesAndFormatsNothingWhileLoggingIsOff) {
+TEST(Allocations, ALogStatementAllocatesAndFormatsNothingWhileLoggingIsOff) {
   ASSERT_FALSE(LogWriter::isLogging());
   const std::vector<std::uint8_t> bytes(100);
   const auto taken = allocationsOf([&] { Speaker().say(bytes); });
   EXPECT_EQ(taken.count, 0U) << "neither a message nor a description is made without memory";
 }
 
-TEST(Allocations, ALogStatementOfALevelThatIsNotWantedTakesNothing) {
+TEST(Allocations, ALogStatementOfAnUnwantedLevelAllocatesNothing) {
   LogWriter::setLogging(true);
   LogWriter::setTargetLogLevels({1});
   const std::vector<std::uint8_t> bytes(100);

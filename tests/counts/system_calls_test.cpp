@@ -131,7 +131,7 @@ void awaitArrival(int socket) {
   }
 }
 
-TEST(SystemCalls, BytesThatAreThereAreReadWithoutAWaitAndManyAtATime) {
+TEST(SystemCalls, ArrivedBytesAreReadWithoutAWaitAndManyAtATime) {
   constexpr std::size_t size = 16384;
   const auto endpoint = bench::makeEndpoint(Medium::Tcp);
   bench::OpenPort port(endpoint->device(), ZKEmulationQuorLine);
@@ -169,7 +169,7 @@ long waitsOfAnIdleSlice() {
   return waits[waits.size() / 2];
 }
 
-TEST(WakeUps, AnIdleSliceHasOneOnBothKindsOfThread) {
+TEST(WakeUps, AnIdleSliceWakesEitherKindOfThreadOnce) {
   EXPECT_EQ(waitsOfAnIdleSlice(), 1);
 
   std::promise<long> waits;

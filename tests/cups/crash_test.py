@@ -166,7 +166,7 @@ class Crashes(unittest.TestCase):
         report("quor", ends)
         print(f"{len(ends)} cases: jobs that are {dict(states)}")
 
-    def test_the_print_systems_own_back_end_beside_it(self):
+    def test_the_print_systems_own_back_end_for_comparison(self):
         """Nothing is asserted of it: its figures are what ours are compared with. Half of the moments."""
         victims = ("worker", "scheduler stopped", "scheduler killed")
         with concurrent.futures.ThreadPoolExecutor(len(POLICIES)) as lanes:

@@ -53,11 +53,11 @@ class Documents(DocumentCase):
 class Banners(DocumentCase):
     SHEETS = ipp.attribute(ipp.NAME, "job-sheets", "slip", "slip")
 
-    def test_lie_before_and_after_a_receipt_of_a_raw_queue(self):
+    def test_are_printed_before_and_after_a_receipt_of_a_raw_queue(self):
         self.assertSettles(self.print_job(self.queue(self.printer), RECEIPT, self.SHEETS), "completed")
         self.assertPaper(BANNER, RECEIPT, BANNER)
 
-    def test_lie_before_and_after_a_receipt_that_passes_a_filter(self):
+    def test_are_printed_before_and_after_a_receipt_that_passes_a_filter(self):
         job = self.scheduler.print_job(self.filtered_queue(), RECEIPT, self.SHEETS, kind=TEXT)
         self.assertSettles(job, "completed")
         self.assertPaper(BANNER, RECEIPT, BANNER)
@@ -72,7 +72,7 @@ class Copies(DocumentCase):
         self.assertEqual(self.story(job).count("PAGE: "), 3)
         self.assertPaper(RECEIPT * 3)
 
-    def test_are_one_block_if_the_queue_says_so(self):
+    def test_are_confirmed_together_if_the_queue_asks_for_it(self):
         job = self.print_job(self.queue(self.printer, query="?copies=together"), RECEIPT, self.THREE)
         self.assertSettles(job, "completed")
         self.assertEqual(self.story(job).count("PAGE: "), 1)

@@ -43,7 +43,7 @@ class OfTheJournal(FullDisk):
         self.printer = self.simulator()
         self.queue(self.printer)
 
-    def test_lets_a_job_wait_before_anything_of_it_is_sent(self):
+    def test_a_full_disk_of_the_journal_makes_a_job_wait_before_it_is_sent(self):
         self.fill()
         job = self.print_job("till")
         eventually(lambda: "waiting: the journal" in self.scheduler.message("till"), "the journal is named")
@@ -52,7 +52,7 @@ class OfTheJournal(FullDisk):
         self.assertSettles(job, "completed")
         self.assertEqual(self.copies(self.printer), 1)
 
-    def test_in_mid_job_changes_nothing_on_paper(self):
+    def test_a_disk_that_fills_during_a_job_changes_nothing_on_paper(self):
         self.printer.set(speed=200)
         job = self.print_job("till", RECEIPT * 20)
         eventually(lambda: self.printer.state()["printedBytes"] > 0, "the job is under way")
@@ -72,7 +72,7 @@ class OfTheSpool(FullDisk):
         self.printer = self.simulator()
         self.queue(self.printer)
 
-    def test_takes_no_job_and_prints_the_next_one(self):
+    def test_a_full_disk_of_the_spool_refuses_a_job_and_prints_the_next(self):
         self.fill()
         with self.assertRaises((ipp.Refused, OSError, http.client.HTTPException)):
             self.print_job("till", RECEIPT * 10_000)
@@ -80,7 +80,7 @@ class OfTheSpool(FullDisk):
         self.assertSettles(self.print_job("till"), "completed")
         self.assertEqual(self.copies(self.printer), 1)
 
-    def test_that_loses_the_record_of_a_held_job_prints_no_second_copy(self):
+    def test_a_lost_record_of_a_held_job_causes_no_second_copy(self):
         self.printer.set(coverOpen=True)
         job = self.print_job("till", RECEIPT * 40)
         self.assertWaits(job, "till", "waiting: cover open", "cover-open-error", "offline-report")

@@ -41,7 +41,7 @@ class Listing(BusCase):
         listener.listen()
         self.assertInTime()
 
-    def test_is_not_kept_by_a_system_without_services(self):
+    def test_works_on_a_system_without_services(self):
         self.assertInTime()
 
 
@@ -80,7 +80,7 @@ class Uris(BusCase):
         self.bluetooth(printer=printer.place.partition(":")[2])
         self.assertPrints(f"quor:/bluetooth/{ADDRESS}", printer)
 
-    def test_that_are_the_text_of_a_device_name_it(self):
+    def test_may_contain_the_text_of_a_device(self):
         printer = self.simulator()
         self.assertPrints(f"quor:{printer.place},name=Kitchen", printer)
 

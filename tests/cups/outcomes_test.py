@@ -18,7 +18,7 @@ class Printed(QueueCase):
         self.assertEqual(self.scheduler.reasons(queue), set())
         self.assertIn(f"till till {job} [", (self.scheduler.folder / "page_log").read_text())
 
-    def test_a_printer_in_the_other_emulation_is_asked_in_it(self):
+    def test_a_printer_in_escpos_is_asked_in_escpos(self):
         printer = self.simulator()
         self.assertSettles(self.print_job(self.queue(printer, query="?emulation=escpos")), "completed")
         self.assertEqual(self.copies(printer), 1)
@@ -102,7 +102,7 @@ class Refused(QueueCase):
         self.assertSettles(job, "completed")
         self.assertEqual(self.copies(printer), 1)
 
-    def test_a_job_that_waits_is_printed_while_its_scheduler_stands_still(self):
+    def test_a_job_that_waits_is_printed_while_its_scheduler_is_stopped(self):
         printer = self.simulator()
         printer.set(coverOpen=True)
         queue = self.queue(printer)
@@ -117,7 +117,7 @@ class Refused(QueueCase):
         self.assertEqual(self.copies(printer), 1)
         self.assertEqual(self.scheduler.reasons(queue), set())
 
-    def test_a_job_waits_for_a_journal_that_cannot_be_kept(self):
+    def test_a_job_waits_while_the_journal_cannot_be_written(self):
         printer = self.simulator()
         queue = self.queue(printer)
         journal = self.scheduler.folder / "cache/quor"
@@ -182,7 +182,7 @@ class Unconfirmed(QueueCase):
         self.assertSettles(job, "completed")
         self.assertEqual(self.copies(other), 1)
 
-    def test_a_printer_that_takes_all_and_prints_nothing_has_not_printed(self):
+    def test_a_job_is_held_if_its_printer_takes_all_and_prints_nothing(self):
         printer = self.simulator("tcp:0", "--set", "prints-nothing=true")
         job = self.print_job(self.queue(printer, query="?end-timeout=1000"))
         self.assertSettles(job, "held")

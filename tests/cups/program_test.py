@@ -38,14 +38,14 @@ class Data(ProgramCase):
 
 
 class Copies(ProgramCase):
-    def test_are_blocks_that_are_confirmed_one_by_one(self):
+    def test_are_confirmed_one_by_one(self):
         printer = self.simulator()
         code, said = self.run_to_end(self.start(printer, self.file("data", RECEIPT), copies=3))
         self.assertEqual((code, printed(printer)), (DONE, 3 * len(RECEIPT)), said)
         for copy in (1, 2, 3):
             self.assertIn(f"PAGE: {copy} 1\n", said)
 
-    def test_may_be_one_block(self):
+    def test_can_be_confirmed_together(self):
         printer = self.simulator()
         code, said = self.run_to_end(self.start(printer, self.file("data", RECEIPT), copies=3, query="?copies=together"))
         self.assertEqual((code, printed(printer)), (DONE, 3 * len(RECEIPT)), said)
@@ -83,7 +83,7 @@ class Stopped(ProgramCase):
 
         self.assertLess(least(stopped, 1), 1)
 
-    def test_by_anybody_but_its_scheduler_the_job_is_held(self):
+    def test_a_job_is_held_if_anybody_but_its_scheduler_stops_it(self):
         printer = self.simulator("tcp:0", "--set", "speed=200")
         process = self.start(printer, self.file("data", RECEIPT * 50))
         eventually(lambda: printer.state()["printedBytes"] > 0, "it prints")
@@ -92,7 +92,7 @@ class Stopped(ProgramCase):
         self.assertEqual(code, HOLD, said)
         self.assertIn("ERROR: unconfirmed: cancelled", said)
 
-    def test_a_job_that_waits_leaves_when_nobody_listens_any_more(self):
+    def test_a_job_that_waits_ends_when_its_scheduler_has_gone(self):
         printer = self.simulator()
         printer.set(coverOpen=True)
         process = self.start(printer, self.file("data", RECEIPT))
@@ -114,14 +114,14 @@ class OfAClass(ProgramCase):
         self.assertEqual(self.run_to_end(self.start(other, self.file("data", RECEIPT), CLASS="tills"))[0], DONE)
         self.assertEqual(printed(other), len(RECEIPT))
 
-    def test_an_unconfirmed_job_does_not(self):
+    def test_an_unconfirmed_job_does_not_go_to_the_next_printer(self):
         printer = self.simulator("tcp:0", "--set", "cut-after-in=45")
         code, said = self.run_to_end(self.start(printer, self.file("data", RECEIPT), CLASS="tills"))
         self.assertEqual(code, HOLD, said)
 
 
 class Arguments(ProgramCase):
-    def test_that_are_no_job_are_refused(self):
+    def test_that_do_not_describe_a_job_are_refused(self):
         for arguments in (("1",), ("1", "anna", "receipt", "none", "", "/dev/null")):
             said = subprocess.run([QUOR, *arguments], capture_output=True, timeout=DEADLINE,
                                   env={"DEVICE_URI": "quor:/usb", "CUPS_CACHEDIR": str(self.folder)})
@@ -145,7 +145,7 @@ class SideChannel(ProgramCase):
         command, status, length = struct.unpack_from(">BBH", packet)
         return command, status, packet[4:4 + length]
 
-    def test_says_what_the_printer_is_and_how_it_is(self):
+    def test_reports_the_identity_and_the_state_of_the_printer(self):
         printer = self.simulator()
         printer.set(receiptPaperEmpty=True)
         process = self.start(printer, self.file("data", RECEIPT), query="?model=T20&serial=4711", channel=self.theirs)
@@ -177,7 +177,7 @@ class SideChannel(ProgramCase):
         self.assertEqual(self.answer(), (DRAIN, OK, b""))
         self.assertEqual(process.wait(DEADLINE), DONE)
 
-    def test_says_that_a_lost_link_drains_nothing(self):
+    def test_reports_a_failed_drain_if_the_link_is_lost(self):
         printer = self.simulator("tcp:0", "--set", "cut-after-in=45")
         process = self.start(printer, channel=self.theirs)
         self.ask(DRAIN)

@@ -29,7 +29,7 @@ Outcome expectEndWithTheLink(const Scenario& scenario, const Call& call,
   return outcome;
 }
 
-TEST(Bounds, OfTheRetryingWritersRepeatAreTheLinks) {
+TEST(Bounds, TheRetryingWriterRepeatsUntilTheLinkEnds) {
   Scenario scenario = Scenario::in(lineMode, 1000);
   scenario.script.takesInAttempts({3}).isLostAfterBytes(4000);
   const Outcome outcome = expectEndWithTheLink(scenario, writeWithRetry(bytes("1b 40 1b 41 1b 42")),
@@ -38,7 +38,7 @@ TEST(Bounds, OfTheRetryingWritersRepeatAreTheLinks) {
   EXPECT_LE(outcome.sent().size(), 4000U + 3U) << "at most one tail beyond the loss";
 }
 
-TEST(Bounds, OfAnOutputThatSaysReadyAndTakesNothingAreTheLinks) {
+TEST(Bounds, AWriteToAnOutputThatTakesNothingEndsWithTheLink) {
   Scenario scenario = Scenario::in(lineMode, 1000);
   for (std::size_t nth = 1; nth < 2000; ++nth) {
     scenario.script.writeReturns(nth, 0);
@@ -49,7 +49,7 @@ TEST(Bounds, OfAnOutputThatSaysReadyAndTakesNothingAreTheLinks) {
   EXPECT_EQ(outcome.result, "-1");
 }
 
-TEST(Bounds, OfAnInputThatSaysReadyAndGivesNothingAreTheLinks) {
+TEST(Bounds, AReadFromAnInputThatGivesNothingEndsWithTheLink) {
   Scenario scenario = Scenario::in(lineMode, 1000);
   scenario.script.delivers(bytes("41"));
   for (std::size_t nth = 1; nth < 2000; ++nth) {
@@ -60,7 +60,7 @@ TEST(Bounds, OfAnInputThatSaysReadyAndGivesNothingAreTheLinks) {
   EXPECT_EQ(outcome.result, "none");
 }
 
-TEST(Bounds, OfTheInvalidStatusLoopAreTheLinks) {
+TEST(Bounds, TheLoopOverInvalidStatusesEndsWithTheLink) {
   Scenario scenario = Scenario::in(escPos, 1000);
   scenario.script.wheneverAsked(bytes("10 04 01"), {{bytes("00"), 0.05}}).isLost(100);
   const Outcome outcome =
@@ -69,7 +69,7 @@ TEST(Bounds, OfTheInvalidStatusLoopAreTheLinks) {
   EXPECT_NEAR(outcome.seconds, 100, 2);
 }
 
-TEST(Bounds, OfTheDrainAreTheLinks) {
+TEST(Bounds, TheDrainEndsWithTheLink) {
   Scenario scenario = Scenario::in(escPos, 1000);
   scenario.script.whenAsked(bytes("10 04 01"), {{bytes("1a"), 0}});
   for (int i = 1; i <= 2000; ++i) {
@@ -81,7 +81,7 @@ TEST(Bounds, OfTheDrainAreTheLinks) {
   EXPECT_NEAR(outcome.seconds, 90, 2);
 }
 
-TEST(Bounds, HoldForTheRestOfARunWithAnExemptPart) {
+TEST(Bounds, ApplyToTheRestOfARunWithAnUnboundedPart) {
   Scenario scenario = Scenario::in(escPos, 1000);
   scenario.script.wheneverAsked(bytes("10 04 01"), {{bytes("00"), 0.05}}).isLost(100);
   const Call call = endCheckedBlock();
@@ -92,7 +92,7 @@ TEST(Bounds, HoldForTheRestOfARunWithAnExemptPart) {
   EXPECT_NE(overrun(scenario, call, outcome), "") << "as if it had continued without the link";
 }
 
-TEST(Bounds, AreNearTheTimesOfAPrinterThatNeverAnswers) {
+TEST(Bounds, AreCloseToTheTimesOfASilentPrinter) {
   for (const std::int32_t emulation : {unknownEmulation, lineMode, escPos}) {
     for (const Call& call : allCalls()) {
       Scenario scenario = Scenario::in(emulation, 3000);

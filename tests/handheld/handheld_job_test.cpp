@@ -148,7 +148,7 @@ class SleeplessPlatform : public ForwardingPlatform {
   Sleepless clock_{ForwardingPlatform::clock()};
 };
 
-TEST(HandheldCycles, OpenAndCloseOnTheMainThreadAsOftenAsTheyLike) {
+TEST(HandheldCycles, CanBeRepeatedThousandsOfTimesOnTheMainThread) {
   ServedPrinter printer;
   plugIn({.connect = [&printer] { return printer.connect(); }});
   const auto platform =

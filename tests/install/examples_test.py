@@ -19,13 +19,13 @@ class Confirmation(ProgramTest):
     def test_a_printed_receipt_is_handed_over(self):
         self.assertEqual(self.outcome("virtual:"), (0, "printed: hand the receipt over\n"))
 
-    def test_a_refused_one_says_that_sending_again_is_safe(self):
+    def test_a_refused_receipt_is_reported_as_safe_to_send_again(self):
         code, text = self.outcome("virtual:,coverOpen=true")
         self.assertEqual(code, 1)
         self.assertIn("refused: cover open", text)
         self.assertIn("again is safe", text)
 
-    def test_one_that_may_be_on_paper_sends_somebody_to_look(self):
+    def test_a_receipt_that_may_be_on_paper_asks_a_person_to_look(self):
         code, text = self.outcome("virtual:,cut-after-in=300")
         self.assertEqual(code, 6)
         self.assertRegex(text, r"unconfirmed: link lost after [\d,]+ of 1,800 bytes")
@@ -42,7 +42,7 @@ class Confirmation(ProgramTest):
 
 
 class BadDevice(ProgramTest):
-    def test_is_a_message_in_every_program(self):
+    def test_causes_a_message_in_every_program(self):
         for program, more in (("print_with_confirmation", ["/dev/null"]), ("kiosk", []), ("status_monitor", []),
                               ("application_log", [])):
             result = self.run_program(EXAMPLES / program, "nonsense:", *more)
@@ -172,7 +172,7 @@ class Once(ProgramTest):
         self.assertIn("cannot be reached", error)
         self.assertEqual(self.outcome("virtual:", "receipt 1"), (0, "printed\n", ""))
 
-    def test_a_journal_that_cannot_be_kept_is_a_message(self):
+    def test_a_journal_that_cannot_be_used_causes_a_message(self):
         result = self.run_program(EXAMPLES / "print_once", "virtual:", "receipt 1", "text\n", "/proc/jobs.db")
         self.assertEqual(result.returncode, 2)
         self.assertIn("the journal /proc/jobs.db: ", result.stderr)

@@ -26,7 +26,7 @@ class Jobs(Case):
     def receipts(self, simulator) -> int:
         return simulator.state()["printedBytes"]
 
-    def test_a_name_is_printed_once_however_often_it_is_asked_for(self):
+    def test_a_name_is_printed_once_even_if_it_is_printed_again(self):
         for emulation in ("line", "escpos"):
             simulator = self.simulator()
             first = self.print_job(simulator.place, emulation, "-e", emulation)
@@ -120,7 +120,7 @@ class Jobs(Case):
         self.assertEqual(run("print", "--json", "--job").json()["job"], "")
         self.assertNotIn("job", run("print", "--json").json())
 
-    def test_a_journal_that_cannot_be_kept_sends_nothing(self):
+    def test_nothing_is_sent_if_the_journal_cannot_be_used(self):
         simulator = self.simulator()
         for journal in (self.file("other", b"no database at all\n" * 100), self.file("empty", b""), "/proc/jobs.db",
                         "/dev/full", str(self.folder)):

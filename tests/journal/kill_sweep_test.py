@@ -77,7 +77,7 @@ class KillSweep(Case):
         print(f"{emulation} {proof or 'auto'}: killed at {sum(outcomes.values())} of {count} calls: {outcomes}")
         return sum(outcomes.values())
 
-    def test_never_two_copies_and_never_printed_without_paper(self):
+    def test_no_job_is_on_paper_twice_and_none_is_printed_without_paper(self):
         settings = [(emulation, proof) for emulation in ("line", "escpos") for proof in proofs(emulation)]
         print(f"{sum(self.sweep(*setting) for setting in settings)} cases")
 

@@ -96,7 +96,7 @@ class NotingPlatform : public ForwardingPlatform {
   const std::shared_ptr<Release> release_;
 };
 
-TEST(PortReleases, OnThePortThreadEndThePortThere) {
+TEST(PortReleases, OnThePortThreadDestroyThePortOnThatThread) {
   const auto platform = std::make_shared<SleeplessPlatform>();
   const auto before = threadsAtRest();
   const std::uint64_t count = caseCount("QUOR_PORT_RELEASES", 1000);

@@ -73,7 +73,7 @@ TEST(Logger, CountsEachRecordOfEightThreadsThatItLoses) {
   EXPECT_TRUE(inOrder) << "each thread's records arrive in its order";
 }
 
-TEST(Logger, ChangesItsGatesWhileEightThreadsAsk) {
+TEST(Logger, ChangesItsLevelsWhileEightThreadsLog) {
   const std::uint64_t count = caseCount("QUOR_LOG_RECORDS", 20000);
   LogWriter::setTargetLogLevels({3});
   std::atomic<bool> stop = false;

@@ -21,7 +21,7 @@ class Formats(Application):
         (found,) = figures(self.receipt_files("png", job)[-1].read_bytes())
         return found
 
-    def test_each_leaves_the_same_figure_at_the_same_place(self):
+    def test_each_prints_the_same_picture_at_the_same_place(self):
         for contents, kind in ((pwg(PAGE), "image/pwg-raster"), (apple(PAGE), "image/urf"), (png(PICTURE), "image/png"),
                                (jpeg(PICTURE), "image/jpeg")):
             self.assertEqual(self.figure(contents, kind), (EDGE + 48, list(FIGURE)), kind)
@@ -34,15 +34,15 @@ class Formats(Application):
         for rows in (page(576, 3000, 48, 2000), page(2480, 300, 48 + (2480 - 576) // 2, 40), page(576, 4000, 48, 3800)):
             self.assertEqual(self.figure(pwg(rows), "image/pwg-raster"), (EDGE + 48, list(FIGURE)))
 
-    def test_bytes_of_the_printers_own_commands_are_handed_on(self):
+    def test_the_printers_own_commands_are_passed_on(self):
         self.await_state("completed", self.print(b"plain bytes\n", RAW))
         self.assertEqual(self.printed(1), ["plain bytes\n"])
 
-    def test_a_text_has_a_page_without_an_end(self):
+    def test_a_text_may_have_any_length(self):
         self.await_state("completed", self.print(b"word " * 40000))
         self.assertEqual(self.printed(1)[0].replace("\n", " ").count("word "), 40000)
 
-    def test_a_character_without_a_glyph_is_a_box_and_is_told(self):
+    def test_a_character_without_a_glyph_is_a_box_and_is_reported(self):
         self.await_state("completed", self.print("\U0010fffd\n".encode()))
         self.assertRegex(self.printed(1)[0], r"\A\[image 576 x \d+ dots\]")
         self.assertIn("U+10FFFD", self.log())
@@ -96,7 +96,7 @@ class Options(Application):
                 record = self.record(contents, kind, keyword("quor-drawer", f"drawer-{number}"))
                 self.assertEqual(record["drawer"], 1, kind)
 
-    def test_bytes_are_cut_only_if_the_job_says_so(self):
+    def test_the_printers_own_commands_are_cut_only_if_the_job_asks_for_it(self):
         self.assertEqual(self.record(b"raw\n", RAW)["cuts"], 0)
         self.assertEqual(self.record(b"raw\n", RAW, keyword("quor-cut", "job"))["cuts"], 1)
 

@@ -81,18 +81,18 @@ class Leaving(Application):
         eventually(lambda: set(self.client.jobs().values()) <= {"completed", "aborted"}, "nothing hangs")
         self.assertEqual(self.printed(1), ["the next one\n"])
 
-    def test_in_a_text_leave_nothing_on_paper(self):
+    def test_a_client_that_leaves_in_a_text_prints_nothing(self):
         text = b"line of text\n" * 1000
         self.check(text, "text/plain", 0, 1, 6500, len(text) - 1)
 
-    def test_in_a_page_of_raster_leave_nothing_on_paper(self):
+    def test_a_client_that_leaves_in_a_page_of_raster_prints_nothing(self):
         whole = pwg(PAGE)
         self.check(whole, "image/pwg-raster", 0, 2, 1000, len(whole) - 50, len(whole) - 1)
 
-    def test_between_two_pages_of_raster_leave_nothing_on_paper(self):
+    def test_a_client_that_leaves_between_two_pages_of_raster_prints_nothing(self):
         self.check(apple(PAGE, PAGE), "image/urf", len(apple(PAGE)))
 
-    def test_without_a_word_are_given_up(self):
+    def test_the_document_of_a_silent_client_is_aborted(self):
         self.restart("upload-timeout=1")
         with self.client.begin_upload(pwg(PAGE), "image/pwg-raster", len(pwg(PAGE)) - 1):
             eventually(lambda: self.client.jobs() == {1: "aborted"}, "the client is given up")

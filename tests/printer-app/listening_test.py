@@ -14,7 +14,7 @@ class Listening(Case):
         self.assertNotEqual(result.returncode, 0)
         self.assertIn(saying, result.stderr)
 
-    def test_others_are_listened_to_only_with_a_password(self):
+    def test_other_machines_can_connect_only_if_there_is_a_password(self):
         for settings in ((), (f"password-file={self.folder}/missing",), (f"password-file={self.file('empty', b'')}",)):
             self.assertFails("password-file=FILE", f"state-directory={self.folder}", "listen-hostname=*", *settings)
 

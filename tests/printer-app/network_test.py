@@ -167,7 +167,7 @@ class Rights(Network):
         self.assertIn("driver_name", page)
         self.assertTrue(cookie.startswith("auth="), cookie)
 
-    def test_the_web_page_takes_the_password_alone(self):
+    def test_the_web_page_takes_only_the_right_password(self):
         self.assertNotIn("driver_name", self.page("/addprinter")[0])
         for wrong in ("", "a passwor", "a password ", "another password", "~"):
             self.assertRefused(wrong)

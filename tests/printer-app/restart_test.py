@@ -50,7 +50,7 @@ class Restarting(Application):
         self.await_state("completed", held)
         self.assertEqual(self.first_lines(3), ["job 0", "job 2", "job 1"])
 
-    def test_a_job_that_was_being_printed_is_told_and_not_repeated(self):
+    def test_a_job_that_was_being_printed_is_reported_and_not_repeated(self):
         self.printer.set(speed=200)
         job = self.print(b"line of text\n" * 200)
         eventually(lambda: self.printer.state()["printedBytes"] > 100, "the job is under way")

@@ -84,12 +84,12 @@ class Rows(Folder):
             self.run_row(self.counting(1, "0 cases"))
         self.assertEqual(self.run_row(self.counting(1))["far"], "100%")
 
-    def test_other_sources_begin_from_the_start(self):
+    def test_changed_sources_begin_from_the_start(self):
         self.run_row(self.counting(2))
         self.run_row(self.counting(2), state="another state")
         self.assertEqual(self.runs(), ["0", "1", "0", "1"])
 
-    def test_a_run_that_is_over_says_how_far_it_is(self):
+    def test_a_finished_run_shows_how_far_it_is(self):
         self.run_row(self.counting(1))
         steps.Clock.end = 0
         self.assertEqual(self.run_row(self.counting(4))["far"], "25.0%")
@@ -100,7 +100,7 @@ class Rows(Folder):
         with self.assertRaises(steps.Stopped):
             self.run_row(sleeper)
 
-    def test_a_program_that_keeps_its_own_cases_counts_as_far_as_it_is(self):
+    def test_a_program_that_keeps_its_own_cases_reports_its_share(self):
         begun = self.folder / "begun"
         os.mkfifo(begun)
         code = f"import signal, time\ntry:\n    signal.signal(signal.SIGTERM, lambda *_: 1 / 0); open({str(begun)!r}, 'w').close()\n" \
@@ -154,7 +154,7 @@ class Mutants(Folder):
         tried = self.tried()
         return sum(tried.answer(mutant) is not None for mutant in tried.drawn)
 
-    def test_a_change_elsewhere_leaves_the_draw_as_it_is(self):
+    def test_a_change_elsewhere_does_not_change_the_drawn_mutants(self):
         drawn = [mutant.describe(self.SOURCE) for mutant in self.tried().drawn]
         self.assertEqual(len(drawn), 4)
         self.write("one.cpp", "// above\n" + self.SOURCE)
@@ -173,7 +173,7 @@ class Mutants(Folder):
         self.write("one.cpp", self.SOURCE.replace("a + 2", "2 + a"))
         self.assertEqual(self.kept(), 0)
 
-    def test_one_that_survived_or_ended_the_program_is_tried_again_after_each_change(self):
+    def test_a_mutant_that_survived_or_crashed_is_tried_again_after_each_change(self):
         for answer in ("survived", "room_tests ends with status -6"):
             self.answer_all(answer)
             self.assertEqual(self.kept(), 4)
@@ -199,11 +199,11 @@ class Page(unittest.TestCase):
     FIGURES = {"size": "nightly", "far": "12.5%", "cases": "1,000", "time": "3.0 min", "result": "nothing found",
                "run at": "a1b2c3d, 2026-11-21, 2 cores"}
 
-    def test_each_row_names_its_part_that_runs_at_each_commit(self):
+    def test_each_row_names_the_part_that_runs_at_each_commit(self):
         for row in rows.ROWS:
             self.assertIn(f"| {row.shows} | {row.suite} | not run |", page.written({}))
 
-    def test_the_figures_of_a_row_outlive_a_run_of_another(self):
+    def test_a_run_of_another_row_keeps_the_figures_of_a_row(self):
         text = page.written({"Soak": self.FIGURES})
         self.assertEqual(page.figures(text), {"Soak": self.FIGURES})
 
@@ -212,7 +212,7 @@ class Page(unittest.TestCase):
         titles = [page.cells(line)[0] for line in lines[lines.index(page.HEAD) + 2:] if line.startswith("| ")]
         self.assertEqual(titles, [row.title for row in rows.ROWS], "./dev prove --page writes it anew")
 
-    def test_each_title_is_one_rows(self):
+    def test_each_title_belongs_to_one_row(self):
         titles = [row.title for row in rows.ROWS]
         self.assertEqual(len(set(titles)), len(titles))
 
@@ -224,13 +224,13 @@ class Tables(unittest.TestCase):
         lines = [" ".join(one.split()) for one in (steps.ROOT / file).read_text().splitlines()]
         self.assertIn(line.replace(r"\|", "|"), lines, file)
 
-    def test_each_explanation_is_of_a_line_that_is_there(self):
+    def test_each_explained_line_exists(self):
         for table in ("survivors.md", "uncovered.md"):
             for file, line, *_ in (page.cells(row) for row in page.table(table)[2:]):
                 with self.subTest(table=table):
                     self.assert_line(file.strip("`"), line.strip("`"))
 
-    def test_each_break_is_of_a_place_that_is_there_once(self):
+    def test_each_broken_line_exists_exactly_once(self):
         for one in breaks.BREAKS:
             with self.subTest(one.what):
                 self.assertEqual((steps.ROOT / one.path).read_text().count(one.old), 1)

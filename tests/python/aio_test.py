@@ -39,7 +39,7 @@ class Asynchronous(unittest.IsolatedAsyncioTestCase):
                 await port.status()
         self.assertFalse(port.is_open)
 
-    async def test_the_loop_turns_while_the_printer_prints(self):
+    async def test_the_event_loop_runs_while_the_printer_prints(self):
         printer = self.printer(speed=50)
         longest, is_over = 0.0, False
 

@@ -129,7 +129,7 @@ class Jobs(unittest.TestCase):
         with self.assertRaisesRegex(quorioport.UsageError, "once"):
             job.run(RECEIPT)
 
-    def test_a_text_is_no_data(self):
+    def test_a_text_is_refused_as_data(self):
         with self.assertRaisesRegex(TypeError, "encode"):
             self.port(self.printer()).print("hello")
 

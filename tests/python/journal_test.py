@@ -47,7 +47,7 @@ class Named(unittest.TestCase):
         with self.assertRaises(quorioport.OperationError):
             printer.next_receipt(timeout=0.2)
 
-    def test_a_job_that_nobody_knows_of_is_printed_again_only_if_somebody_has_looked(self):
+    def test_an_unconfirmed_job_is_printed_again_only_if_somebody_has_looked(self):
         port = Port(self.printer(speed=5).device, timeout=1, end_timeout=1)
         self.assertEqual(self.journal.print("order-1", RECEIPT, port).outcome, Outcome.UNCONFIRMED)
         self.assertEqual(self.journal.print("order-1", RECEIPT, port).attempt, 1)
@@ -92,13 +92,13 @@ class Named(unittest.TestCase):
         with self.assertRaisesRegex(quorioport.OperationError, "closed"):
             self.journal.jobs()
 
-    def test_a_file_that_is_no_journal_is_refused(self):
+    def test_a_file_that_is_not_a_journal_is_refused(self):
         other = self.file.with_name("other")
         other.write_text("no database at all, and long enough to be read as one\n" * 40)
         with self.assertRaisesRegex(quorioport.JournalError, "other"):
             Journal(other)
 
-    def test_an_interpreter_that_ends_in_mid_job_leaves_the_truth(self):
+    def test_a_job_whose_interpreter_is_killed_is_unconfirmed(self):
         printer = self.printer(speed=40)
         till = subprocess.Popen([sys.executable, "-c", TILL, self.file, printer.device], stdout=subprocess.PIPE,
                                 text=True)

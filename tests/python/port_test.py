@@ -48,7 +48,7 @@ class Questions(unittest.TestCase):
                 self.printer.set(cover_open=False)
                 port.close()
 
-    def test_bytes_go_out_and_return(self):
+    def test_bytes_are_written_and_read(self):
         port = self.port()
         self.assertEqual(port.write(b"\x1b\x06\x01"), 3)
         answer = b""

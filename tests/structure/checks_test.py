@@ -50,7 +50,7 @@ class IncludeRules(SmallTree):
         self.write("tests/unit/any_test.cpp", '#include <unistd.h>\n#include "simulator/Printer.h"\n')
         self.assertEqual(include_rules.violations(self.root), [])
 
-    def test_the_port_reaches_the_parsers_through_its_door_alone(self):
+    def test_the_port_includes_the_parsers_through_one_header_only(self):
         self.assertTrue(self.objects_to("iphone-IOPort/Status.cpp", '#include "parsers/ReplyParsers.h"'))
 
     def test_the_port_has_no_system_header(self):
@@ -68,7 +68,7 @@ class IncludeRules(SmallTree):
     def test_the_port_knows_no_back_end(self):
         self.assertTrue(self.objects_to("iphone-IOPort/Session.cpp", '#include "backends/Devices.h"'))
 
-    def test_a_path_relative_to_the_source_hides_nothing(self):
+    def test_a_relative_path_is_checked_as_well(self):
         self.assertTrue(self.objects_to("iphone-IOPort/Session.cpp", '#include "../simulator/Printer.h"'))
 
     def test_a_header_that_is_not_written_yet_is_judged_by_its_name(self):

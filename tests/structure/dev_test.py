@@ -94,7 +94,7 @@ class Quietly(unittest.TestCase):
             done = subprocess.run(["bash", "-c", script], cwd=ROOT, capture_output=True, text=True, timeout=60)
             return done, log.read_text()
 
-    def test_a_step_that_succeeds_shows_its_name_alone(self):
+    def test_a_step_that_succeeds_shows_only_its_name(self):
         done, log = self.quietly("seq 1000")
         self.assertEqual((done.returncode, len(done.stdout.splitlines())), (0, 2), done.stdout)
         self.assertEqual(len(log.splitlines()), 1000)
@@ -118,7 +118,7 @@ class Warnings(unittest.TestCase):
             self.assertEqual(done.returncode, 0, done.stderr)
             return [entry["command"] for entry in json.loads((Path(folder) / "compile_commands.json").read_text())]
 
-    def test_are_shown_to_everybody_and_are_errors_for_developers_alone(self):
+    def test_are_shown_to_everybody_and_are_errors_only_for_developers(self):
         for preset, are_errors in (("default", False), ("developer", True)):
             with self.subTest(preset):
                 commands = self.commands(preset)
@@ -137,7 +137,7 @@ class CommitMessage(unittest.TestCase):
         self.assertEqual((done.returncode, done.stdout), (0, ""))
         return done.stderr.splitlines()
 
-    def test_a_good_message_passes_in_silence(self):
+    def test_a_good_message_causes_no_output(self):
         self.assertEqual(self.reminders("job: do this\n\nFor that reason.\n# a comment\n"), [])
         self.assertEqual(self.reminders("Merge branch 'x'\n"), [])
 

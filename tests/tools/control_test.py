@@ -17,14 +17,14 @@ class State(Case):
             self.assertIs(state[flag], flag == "etbAvailable")
         self.assertEqual((state["dip1"], state["dip2"], state["speed"]), ("0000", "0000", 0))
 
-    def test_every_setting_is_found_again(self):
+    def test_every_setting_can_be_read_back(self):
         simulator = self.simulator()
         wanted = {"firmware": "X 9", "dip1": "0a1b", "dip2": "ffff", "speed": 1234,
                   "proofs": "process-id+in-order"}
         simulator.set(**wanted)
         self.assertLessEqual(wanted.items(), simulator.state().items())
 
-    def test_every_flag_is_set_and_taken_back(self):
+    def test_every_flag_is_set_and_cleared(self):
         simulator = self.simulator()
         for flag in FLAGS:
             simulator.set(**{flag: True})
@@ -48,14 +48,14 @@ class State(Case):
 
 
 class Faults(Case):
-    def test_a_fault_befalls_this_printer_until_it_is_cleared(self):
+    def test_a_fault_affects_this_printer_until_it_is_cleared(self):
         simulator = self.simulator()
         self.assertEqual(simulator.control({"fault": {"drop-reply": "all"}}), {"ok": True})
         self.assertExit(1, run("-d", simulator.place, "status"))
         self.assertEqual(simulator.control({"clear": "faults"}), {"ok": True})
         self.assertExit(0, run("-d", simulator.place, "status"))
 
-    def test_numbers_and_truths_are_taken_as_values(self):
+    def test_numbers_and_booleans_are_accepted_as_values(self):
         simulator = self.simulator()
         self.assertEqual(simulator.control({"fault": {"late-reply": 150, "prints-nothing": True}}), {"ok": True})
         result = run("-d", simulator.place, "status")

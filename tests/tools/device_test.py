@@ -59,17 +59,17 @@ class Firmware(Asking):
         at_once((self.assertTold, letters[:length], emulation, reply % letters[:length].encode())
                 for emulation, (_, reply) in FIRMWARE.items() for length in range(1, 65))
 
-    def test_bytes_that_are_no_text_are_no_reply(self):
+    def test_bytes_that_are_not_a_text_are_not_a_reply(self):
         request, _ = FIRMWARE["escpos"]
         at_once((self.failure, 1, ON_LINE | {request: reply}, "-t", "0", "-e", "escpos", "firmware")
                 for reply in (b"\x12\x5fV1.2\x00", b"V1.2\x00", b"\x12\x00"))
 
-    def test_a_reply_in_two_pieces_is_no_reply(self):
+    def test_a_reply_in_two_pieces_is_not_accepted(self):
         at_once((self.failure, 1, ON_LINE | {request: in_pieces(*pieces, pause=0.2)},
                  "-t", "1000", "-e", emulation, "firmware")
                 for emulation, (request, reply) in FIRMWARE.items() for pieces in pieces_of(reply % b"V1.2"))
 
-    def test_a_reply_that_is_cut_off_is_no_reply(self):
+    def test_a_reply_that_is_cut_off_is_not_accepted(self):
         at_once((self.failure, 5, ON_LINE | {request: last_words(words)}, "-t", "1000", "-e", emulation, "firmware")
                 for emulation, (request, reply) in FIRMWARE.items() for words, _ in pieces_of(reply % b"V1.2"))
 
@@ -82,12 +82,12 @@ class DipSwitches(Asking):
         settings = [bytes(pair) for pair in itertools.product((0x00, 0x0a, 0x1b, 0x23), repeat=2)]
         at_once((self.assertTold, pair, banks(*pair)) for pair in zip(settings, reversed(settings)))
 
-    def test_replies_in_two_pieces_are_no_replies(self):
+    def test_replies_in_two_pieces_are_not_accepted(self):
         at_once((self.failure, 1, banks(b"\x45\x02") | {bank_request(bank): in_pieces(*pieces, pause=0.2)},
                  "-t", "1000", "dipswitch")
                 for bank in (1, 2) for pieces in pieces_of(bank_reply(bank, b"\x45\x02")))
 
-    def test_replies_that_are_cut_off_are_no_replies(self):
+    def test_replies_that_are_cut_off_are_not_accepted(self):
         at_once((self.failure, 5, banks(b"\x45\x02") | {bank_request(bank): last_words(words)},
                  "-t", "1000", "dipswitch")
                 for bank in (1, 2) for words, _ in pieces_of(bank_reply(bank, b"\x45\x02")))
@@ -151,7 +151,7 @@ class BluetoothModule(Asking):
 
         at_once((check, answer) for answer in (b"\r\nOK\r\n", b"\r\n*AILBA:0011\r\nOK\r\n"))
 
-    def test_a_result_in_two_reads_is_no_result(self):
+    def test_a_result_in_two_reads_is_not_accepted(self):
         self.assertStays({ADDRESS_REQUEST: in_pieces(ADDRESS[:-3], ADDRESS[-3:], pause=0.5)})
 
     def test_a_link_that_is_lost_before_the_module_has_answered_is_a_lost_link(self):

@@ -99,7 +99,7 @@ class Causes(Case):
         for scheme in ("serial", "unix"):
             self.assertCause("no-such-path", 3, "-d", f"{scheme}:{self.folder}/none")
 
-    def test_the_path_is_no_serial_line(self):
+    def test_the_path_is_not_a_serial_line(self):
         for path in (self.file("plain", b""), self.folder, "/dev/null"):
             self.assertCause("no-tty", 3, "-d", f"serial:{path}")
 
@@ -179,7 +179,7 @@ class Causes(Case):
     def test_a_port_name_that_chooses_no_device_is_found(self):
         self.assertCause("port-name", 3, "-d", "virtual:Bar", "-p", "BT:Till")
 
-    def test_the_first_of_several_devices_that_is_ill_decides(self):
+    def test_the_first_faulty_device_decides_the_exit_status(self):
         self.assertCause("paper-out", 4, "-d", "virtual:", "-d", "virtual:receiptPaperEmpty=true",
                          "-d", f"unix:{self.folder}/none")
 

@@ -117,7 +117,7 @@ class Interrupting(Case):
             self.assertAnswers(f"virtual:,{faults}", {"ok": False, "error": "interrupted"}, self.interrupted(process))
             log.unlink()
 
-    def test_a_job_whose_beginning_is_retried_on_and_on_is_given_up(self):
+    def test_a_job_that_retries_its_beginning_without_end_is_abandoned(self):
         log, job = self.folder / "log", self.file("job", b"text\n")
         for faults in ("no-space=4:120", "no-space=4:120,no-space=6:600000"):
             process = start("-t", "1000", "-d", f"virtual:,{faults}", "print", job, "--json", "--log", log)

@@ -51,7 +51,7 @@ class Log(Case):
         both = self.logged("status", "--log-level", "1", "--log-level", "0")
         self.assertEqual({record["level"] for record in both}, {0, 1})
 
-    def test_a_dash_is_standard_error(self):
+    def test_a_dash_means_standard_error(self):
         result = run("-d", "virtual:", "online", "--log", "-")
         self.assertExit(0, result)
         self.assertEqual(result.out, "virtual: on line\n")
@@ -79,7 +79,7 @@ class Log(Case):
             self.assertTrue(line.isprintable(), line)
             json.loads(line)
 
-    def test_a_log_that_cannot_be_opened_is_said_before_anything_is_done(self):
+    def test_a_log_that_cannot_be_opened_is_reported_before_anything_is_done(self):
         contacted = []
         peer = self.peer(contacted.append)
         for target in (self.folder, self.folder / "none" / "log", ""):
@@ -87,7 +87,7 @@ class Log(Case):
             self.assertIn("cannot be opened", result.err)
         self.assertEqual(contacted, [])
 
-    def test_a_full_disk_does_not_touch_the_exchange(self):
+    def test_a_full_disk_does_not_disturb_the_exchange(self):
         result = run("online", "--log", "/dev/full")
         self.assertExit(0, result)
         self.assertEqual(result.out, "virtual: on line\n")

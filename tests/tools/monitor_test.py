@@ -118,7 +118,7 @@ class Ends(Case):
         monitor.line()
         self.assertEqual(monitor.stop(signal.SIGINT), 130)
 
-    def test_after_so_many_looks_the_last_one_decides(self):
+    def test_after_the_given_count_the_last_answer_decides_the_exit_status(self):
         silent = self.peer(lambda connection: connection.recv(4096) and connection.recv(4096) and connection.recv(4096))
         for code, place in ((0, "virtual:"), (0, "virtual:coverOpen=true"), (3, f"unix:{self.folder}/none"),
                             (1, silent.place)):

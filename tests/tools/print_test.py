@@ -25,7 +25,7 @@ class Printing(Case):
                 self.assertEqual((answer["bytesTotal"], answer["bytesAccepted"]), (8, 8))
                 self.assertEqual(set(answer["status"]), STATUS_KEYS)
 
-    def test_people_read_that_it_was_printed(self):
+    def test_without_json_a_sentence_reports_that_it_was_printed(self):
         result = run("-d", "virtual:", "print", "-", data=b"x" * 1203 + b"\n")
         self.assertExit(0, result)
         self.assertEqual((result.out, result.err), ("virtual: printed: the printer confirmed all 1,204 bytes\n", ""))
@@ -42,7 +42,7 @@ class Printing(Case):
             self.assertIn("there is nothing to print", answer["error"])
         self.assertEqual(contacted, [])
 
-    def test_a_job_whose_device_was_forgotten_is_refused(self):
+    def test_a_job_without_a_device_is_refused(self):
         result = run("print", "-", "--json", data=b"text\n")
         self.assertExit(2, result)
         answer = result.json()
@@ -83,12 +83,12 @@ class Printing(Case):
             answer = run("-d", "virtual:", "-e", "escpos", "print", "--proof", proof, "-", "--json", data=b"text\n").json()
             self.assertEqual((answer["outcome"], answer["proof"]), ("printed", proof))
 
-    def test_the_proof_of_the_device_is_used_and_the_option_beats_it(self):
+    def test_the_proof_of_the_device_is_used_unless_the_option_overrides_it(self):
         for options, used in (((), "in-order"), (("--proof", "process-id"), "process-id"), (("--proof", "auto"), "block")):
             result = run("-d", "virtual:,proof=in-order", "-e", "escpos", "print", *options, "-", "--json", data=b"text\n")
             self.assertEqual((result.json()["outcome"], result.json()["proof"]), ("printed", used))
 
-    def test_an_answer_names_the_proof_that_the_printer_was_asked_for_and_the_key_that_saves_the_question(self):
+    def test_an_answer_names_the_proof_and_the_key_that_saves_the_question(self):
         asked = run("-d", "virtual:proofs=process-id", "-e", "escpos", "print", "-", data=b"text\n")
         self.assertIn("hint: ,proof=process-id after the device saves", asked.out)
         silent = run("-d", "virtual:proofs=none", "-e", "escpos", "print", "-", data=b"text\n")
@@ -102,7 +102,7 @@ class Printing(Case):
             self.assertExit(6, result)
             self.assertEqual((result.json()["outcome"], result.json()["proof"]), ("unconfirmed", "none"))
 
-    def test_a_proof_that_there_is_not_is_a_usage_error(self):
+    def test_an_unknown_proof_is_a_usage_error(self):
         result = run("-d", "virtual:", "print", "--proof", "hope", "-", data=b"text\n")
         self.assertExit(2, result)
         self.assertRegex(result.err, 'takes auto, block, .* or none, not "hope"')
@@ -180,7 +180,7 @@ class Receipts(Case):
         self.assertExit(0, run("-d", "virtual:", "print", "-", "--receipt", target, data=b"Bread  4.20\n"))
         self.assertTrue(target.read_bytes().startswith(b"\x89PNG\r\n\x1a\n"))
 
-    def test_only_the_printer_that_is_built_in_has_a_receipt(self):
+    def test_only_the_virtual_printer_has_a_receipt(self):
         contacted = []
         peer = self.peer(contacted.append)
         result = run("-d", peer.place, "print", "-", "--receipt", self.folder / "a.txt", data=b"x\n")
@@ -195,7 +195,7 @@ class Receipts(Case):
                                data=b"text\n"))
         self.assertEqual(target.read_text().strip(), "text")
 
-    def test_a_receipt_that_cannot_be_written_is_said_before_anything_is_sent(self):
+    def test_a_receipt_that_cannot_be_written_is_reported_before_anything_is_sent(self):
         result = run("-d", "virtual:", "print", "-", "--receipt", self.folder / "none" / "a.txt", "--json", data=b"text\n")
         self.assertExit(2, result)
         self.assertEqual(result.json()["bytesAccepted"], 0)

@@ -101,18 +101,18 @@ class OrdinaryPrinters(Case):
         self.assertExit(0, result)
         self.assertEqual((result.json()["outcome"], result.json()["proof"]), ("printed", proof))
 
-    def test_one_that_knows_process_ids_confirms_by_them(self):
+    def test_a_printer_that_knows_process_ids_confirms_by_them(self):
         for knows in ((KNOWS_ID, KNOWS_IN_ORDER), (KNOWS_ID,)):
             printer = OrdinaryPrinter(*knows)
             self.assertPrinted("process-id", self.printed_on(printer))
             self.assertEqual(printer.paper, RECEIPT)
 
-    def test_one_that_knows_in_order_status_alone_confirms_by_it(self):
+    def test_a_printer_that_knows_only_the_in_order_status_confirms_by_it(self):
         printer = OrdinaryPrinter(KNOWS_IN_ORDER)
         self.assertPrinted("in-order", self.printed_on(printer))
         self.assertEqual(printer.paper, RECEIPT)
 
-    def test_one_that_confirms_nothing_leaves_the_job_unconfirmed_soon_after_its_data(self):
+    def test_a_printer_that_confirms_nothing_leaves_the_job_unconfirmed_directly_after_its_data(self):
         printer = OrdinaryPrinter()
         result = self.printed_on(printer)
         self.assertExit(6, result)
@@ -126,7 +126,7 @@ class OrdinaryPrinters(Case):
         questions = [command for command in printer.asked if command[:1] != b"\x10"]
         self.assertEqual([question[:2] for question in questions], [KNOWS_ID], "and nothing of the checked block")
 
-    def test_data_that_holds_the_questions_itself_neither_fakes_nor_spoils_the_proof(self):
+    def test_questions_in_the_data_do_not_affect_the_proof(self):
         for question in (ASKS_ID, ASKS_IN_ORDER):
             for data in (question + RECEIPT, IMAGE_HEAD + question.ljust(11, b"\x55") + RECEIPT):
                 for knows, proof in (((KNOWS_ID, KNOWS_IN_ORDER), "process-id"), ((KNOWS_IN_ORDER,), "in-order")):
@@ -134,7 +134,7 @@ class OrdinaryPrinters(Case):
                     self.assertPrinted(proof, self.printed_on(printer, data=data))
                     self.assertEqual(printer.paper, RECEIPT)
 
-    def test_one_that_pauses_keeps_the_job_and_confirms_it_later(self):
+    def test_a_printer_that_pauses_keeps_the_job_and_confirms_it_later(self):
         for knows, proof in (((KNOWS_ID,), "process-id"), ((KNOWS_IN_ORDER,), "in-order")):
             printer = OrdinaryPrinter(*knows, opens_in_job=True)
             peer = self.peer(printer.serve)

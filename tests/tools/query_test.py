@@ -81,7 +81,7 @@ class OverEveryLink(Case):
             self.assertEqual(sorted(times.values()), [0, 6234, 11234, 21234])
             self.assertRegex(run("-d", simulator.place, "button-security").out, r": (off|[\d,]+ ms)\n$")
 
-    def test_disconnect_has_the_printers_module_drop_the_link(self):
+    def test_disconnect_makes_the_printers_module_drop_the_link(self):
         for simulator in self.each_link():
             result = run("-d", simulator.place, "disconnect", "--json")
             self.assertExit(0, result)
@@ -98,7 +98,7 @@ class OverEveryLink(Case):
             self.assertAnswers(simulator.place, {"ok": True}, result)
             eventually(lambda: simulator.state()["buffered"] == 0, "the printer to drop it")
 
-    def test_the_place_that_is_printed_is_a_device_for_list(self):
+    def test_the_printed_listening_address_is_a_device_for_list(self):
         for simulator in self.each_link():
             (accessory,) = run("-d", simulator.place + ",name=Till,serial=1", "list", "--json").json()["accessories"]
             self.assertEqual((accessory["name"], accessory["chosen"]), ("Till", True))
@@ -124,7 +124,7 @@ class Listing(Case):
             "name": "Till", "serialNumber": "7", "modelNumber": "M1", "manufacturer": "quor dalvane",
             "protocolStrings": ["a", "b"], "connectionID": 18446744073709551615, "connected": True, "chosen": False})
 
-    def test_control_characters_of_an_accessory_are_shown_and_not_passed_on(self):
+    def test_control_characters_of_an_accessory_are_escaped(self):
         odd = b"\x1b[31m\x07\r\xc2\x9b\xff"
         device = b"virtual:,name=" + odd + b",model=" + odd + b",manufacturer=" + odd + b",serial=" + odd
         for form in ((), ("--json",)):
@@ -137,7 +137,7 @@ class Listing(Case):
         self.assertIsNone(accessory["serialNumber"])
         self.assertIsNone(accessory["modelNumber"])
 
-    def test_the_chosen_one_is_the_one_that_the_port_opens(self):
+    def test_the_marked_accessory_is_the_one_that_the_port_opens(self):
         two = ("-d", "virtual:A,serial=1", "-d", "virtual:B,serial=2,address=01:23:45:67:89:AB")
         self.assertEqual(self.chosen(*two), ["A"])
         self.assertEqual(self.chosen(*two, "-p", "bt:"), ["A"])
@@ -160,12 +160,12 @@ class Listing(Case):
         self.assertEqual(self.listed("-d", peer.place)[0]["chosen"], True)
         self.assertFalse(self.contacted)
 
-    def test_the_answer_names_the_device_of_the_chosen_one(self):
+    def test_the_answer_names_the_device_of_the_chosen_accessory(self):
         two = ("-d", "virtual:A", "-d", "virtual:B,id=7")
         self.assertEqual(run(*two, "-p", "BT:B", "list", "--json").json()["device"], "virtual:B,id=7")
         self.assertIsNone(run(*two, "-p", "BT:C", "list", "--json").json()["device"])
 
-    def test_people_see_which_one_is_chosen(self):
+    def test_without_json_a_star_marks_the_chosen_accessory(self):
         out = run("list", "-d", "virtual:A", "-d", "virtual:B", "-p", "BT:B").out
         self.assertRegex(out, r'(?m)^  virtual:A  "A"')
         self.assertRegex(out, r'(?m)^\* virtual:B  "B"')
@@ -181,7 +181,7 @@ class AgainstAPeer(Case):
             self.assertEqual((status["etbCounter"], status["presenterState"], status["connectedInterface"]), (201, 3, 4))
             self.assertEqual((status["rawLength"], status["raw"]), (9, block.hex()))
 
-    def test_the_verbose_form_says_every_field_by_its_name(self):
+    def test_the_verbose_form_shows_every_field_with_its_name(self):
         peer = self.peer(lambda connection: answer_status(connection, status_block("jamError", presenter=1)))
         result = run("-d", peer.place, "status", "-v")
         self.assertExit(0, result)
@@ -223,7 +223,7 @@ class AgainstAPeer(Case):
 
         at_once((online_of_a_printer_that_pauses_behind, count) for count in range(1, len(block)))
 
-    def test_the_first_answer_is_not_taken_for_those_of_escpos(self):
+    def test_the_first_answer_is_not_taken_for_the_escpos_answers(self):
         # Bytes within the block look like the answers of a printer that is on line.
         block = bytes([0x8c, 1, 0x12, 0x12, 0x12, 0x12, 0x12, 0x12, 0x12, 0x12, 0x12, 0x12])
 
@@ -275,7 +275,7 @@ class AgainstAPeer(Case):
 
         at_once((check, length) for length in range(2, 64))
 
-    def test_a_printer_that_says_nothing_is_asked_twice_and_is_a_failed_exchange(self):
+    def test_a_silent_printer_is_asked_twice_and_then_the_exchange_fails(self):
         heard = []
 
         def handle(connection):
@@ -328,11 +328,11 @@ class AgainstAPeer(Case):
 
             self.assertExit(5, run("-d", self.peer(handle).place, "status"))
 
-    def test_a_link_that_takes_nothing_is_a_failed_exchange_in_plain_words(self):
+    def test_a_link_that_takes_nothing_is_reported_as_a_failed_exchange(self):
         full = "virtual:,no-space=0:600000"
         self.assertFailsInBothForms(1, "-d", full, "-t", "0", "status", saying="the link did not take the request")
 
-    def test_without_a_known_emulation_no_printer_is_said_to_be_silent(self):
+    def test_without_a_known_emulation_no_printer_is_called_silent(self):
         for command in (("status",), ("online",), ("firmware",), ("monitor", "--count", "1")):
             result = run("-e", "unknown", *command, "--json")
             self.assertExit(1, result)

@@ -95,7 +95,7 @@ class InterruptionTest : public testing::Test {
                              }};
 };
 
-TEST_F(InterruptionTest, GivesUpWhileNothingIsOpen) {
+TEST_F(InterruptionTest, EndsTheCommandWhileNothingIsOpen) {
   interruption_.interrupt(ExitCode::Interrupted);
   EXPECT_EQ(givenUp_, 1);
 }
@@ -142,7 +142,7 @@ TEST_F(InterruptionTest, DoesNotEndTheSleepsOfTheFinalSteps) {
   EXPECT_GE(std::chrono::steady_clock::now() - before, 1ms);
 }
 
-TEST_F(InterruptionTest, GivesUpWhenNothingIsOpenAnyMore) {
+TEST_F(InterruptionTest, EndsTheCommandWhenNothingIsOpenAnyMore) {
   interruption_.beginExchange();
   interruption_.end();
   interruption_.interrupt(ExitCode::Interrupted);

@@ -51,7 +51,7 @@ class SerialLine(Case):
         self.assertExit(0, run("-d", printer.place, "status"))
         self.assertTrue(printer.state())
 
-    def test_the_line_is_given_back_with_the_end_of_the_command(self):
+    def test_the_line_is_released_at_the_end_of_the_command(self):
         printer = self.simulator("pty:")
         for _ in range(3):
             self.assertExit(0, run("-d", printer.place, "online"))

@@ -18,7 +18,7 @@ class Hosts(Case):
             self.assertEqual(answer[9:17], b"\x12\x1b\x23\x2c\x31\x00\x00\x0a")
             self.assertEqual(answer[17:], b"\x5f")
 
-    def test_a_slow_printer_holds_its_host_up(self):
+    def test_a_slow_printer_makes_its_host_wait(self):
         simulator = self.simulator("tcp:0", "--set", "offline=true", "--set", "buffer=1000")
         with simulator.connect() as host:
             host.setblocking(False)

@@ -107,7 +107,7 @@ class Receipts(Case):
         self.assertEqual(lines, [f"line {n}" for n in range(count)])
         self.assertIn("torn off", self.text(1).splitlines()[-1])
 
-    def test_a_print_whose_receipt_finds_no_space_does_not_end_as_done(self):
+    def test_a_print_without_space_for_its_receipt_does_not_end_with_0(self):
         full = self.folder / "full.txt"
         full.symlink_to("/dev/full")
         result = run("print", "-d", "virtual:", "--receipt", full, "--json", "-", data=b"text\n")
@@ -126,7 +126,7 @@ class Receipts(Case):
         self.assertIn(b"cannot be written", simulator.process.stderr.readline())
         self.assertExit(0, run("-d", simulator.place, "online"))
 
-    def test_a_folder_that_cannot_be_one_is_refused(self):
+    def test_a_path_that_cannot_be_a_folder_is_refused(self):
         result = run("simulate", "--listen", "tcp:0", "--receipts", self.file("plain", b""))
         self.assertExit(2, result)
         self.assertIn("--receipts", result.err)
@@ -211,7 +211,7 @@ class Records(Case):
         record, code, _ = self.record_of(b"\x1bt\x10\x80\n\x1dV\0", "--strict")
         self.assertEqual((record["ok"], code), (True, 0))
 
-    def test_a_receipt_for_each_cut_if_wanted(self):
+    def test_each_cut_ends_a_receipt_if_that_is_chosen(self):
         job = b"one\n\x1dV\0two\n\x1dV\0\n\n"
         for per, count in (("cut", 2), ("job", 1), ("connection", 1)):
             folder = self.folder / per
@@ -224,7 +224,7 @@ class Records(Case):
             self.assertIn("one", (folder / "receipt-0001.txt").read_text())
         self.assertIn("two", (self.folder / "cut" / "receipt-0002.txt").read_text())
 
-    def test_a_cut_ends_a_job_or_does_not_as_wanted(self):
+    def test_a_cut_ends_a_job_only_if_that_is_chosen(self):
         """Both connections stay. The one by the job was cut later, and its record comes all the same."""
         processes = {}
         for per in ("connection", "job"):
@@ -264,7 +264,7 @@ class Records(Case):
         self.assertEqual([line["job"] for line in lines if "job" in line], [1])
         self.assertEqual(sum("state" in line for line in lines), count)
 
-    def test_another_division_is_refused(self):
+    def test_an_unknown_division_is_refused(self):
         result = run("simulate", "--listen", "tcp:0", "--per", "day")
         self.assertExit(2, result)
         self.assertIn("cut, job or connection", result.err)

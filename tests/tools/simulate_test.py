@@ -9,7 +9,7 @@ from harness import DEADLINE, Case, eventually, main, run, start, finish
 
 
 class Places(Case):
-    def test_over_tcp_it_says_the_port_that_it_got(self):
+    def test_over_tcp_it_reports_its_port(self):
         for listen in ("tcp:", "tcp:0", "tcp::0", "tcp:127.0.0.1:0", "tcp:localhost:0"):
             self.assertRegex(self.simulator(listen).place, r"^tcp:(127\.0\.0\.1|\[::1\]):[1-9]\d*$")
 
@@ -34,13 +34,13 @@ class Places(Case):
             self.assertEqual(result.out, "")
         self.assertExit(2, run("simulate"))
 
-    def test_a_place_that_is_taken_is_said(self):
+    def test_an_address_in_use_is_reported(self):
         first = self.simulator("tcp:0")
         result = run("simulate", "--listen", first.place)
         self.assertExit(1, result)
         self.assertIn("in use", result.err)
 
-    def test_a_plain_file_in_its_way_is_left_alone(self):
+    def test_a_plain_file_at_its_path_is_not_touched(self):
         path = self.file("printer", b"precious")
         for option in (["--listen", f"unix:{path}"], ["--listen", "tcp:0", "--control", f"unix:{path}"]):
             result = run("simulate", *option)
@@ -49,7 +49,7 @@ class Places(Case):
         with open(path, "rb") as file:
             self.assertEqual(file.read(), b"precious")
 
-    def test_a_socket_that_somebody_listens_to_is_left_alone(self):
+    def test_a_socket_with_a_listener_is_not_touched(self):
         place = f"unix:{self.folder}/printer"
         self.simulator(place)
         self.assertExit(1, run("simulate", "--listen", place))
@@ -81,11 +81,11 @@ class Places(Case):
 
 
 class Ending(Case):
-    def test_each_signal_ends_it_well(self):
+    def test_each_signal_ends_it_with_status_0(self):
         for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
             self.assertEqual(self.simulator().stop(number), 0)
 
-    def test_a_signal_ends_it_also_with_a_host_connected(self):
+    def test_a_signal_ends_it_even_if_a_host_is_connected(self):
         simulator = self.simulator("tcp:0", "--set", "offline=true")
         with simulator.connect() as host:
             host.sendall(b"x" * 100)
@@ -93,14 +93,14 @@ class Ending(Case):
             self.assertEqual(simulator.stop(signal.SIGTERM), 0)
             self.assertEqual(host.recv(1), b"")
 
-    def test_the_end_of_standard_input_does_not(self):
+    def test_the_end_of_standard_input_does_not_end_it(self):
         simulator = self.simulator()
         simulator.process.stdin.close()
         self.assertExit(0, run("-d", simulator.place, "online"))
         self.assertIsNone(simulator.process.poll())
         simulator.process.stdin = None
 
-    def test_a_closed_standard_output_does_not(self):
+    def test_a_closed_standard_output_does_not_end_it(self):
         simulator = self.simulator()
         simulator.process.stdout.close()
         simulator.process.stdin.write(b'{"get":"state"}\n' * 3)
@@ -120,7 +120,7 @@ class Ending(Case):
         process.send_signal(signal.SIGINT)
         self.assertEqual(process.wait(DEADLINE), 0)
 
-    def test_it_outlives_its_terminal_if_that_is_wanted(self):
+    def test_it_survives_its_terminal_if_sighup_is_ignored(self):
         def ignore():
             signal.signal(signal.SIGHUP, signal.SIG_IGN)
 

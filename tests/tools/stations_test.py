@@ -34,12 +34,12 @@ class Printers(Case):
         self.process.stdin.flush()
         return self.line()
 
-    def test_say_their_places_with_their_names(self):
+    def test_report_their_addresses_with_their_names(self):
         self.assertRegex(self.places[0], r"^tcp:127\.0\.0\.1:\d+,name=till$")
         self.assertRegex(self.places[1], r"^tcp:127\.0\.0\.1:\d+,name=kitchen$")
         self.assertExit(0, run("-d", self.places[1], "online"))
 
-    def test_print_apart_and_their_jobs_name_them(self):
+    def test_print_separately_and_their_jobs_name_them(self):
         with connect(self.places[0]) as till, connect(self.places[1]) as kitchen:
             kitchen.sendall(b"soup\n")
             till.sendall(b"bill\n" + STATUS_REQUEST)
@@ -57,7 +57,7 @@ class Printers(Case):
         for name in ("till", "kitchen"):
             self.assertTrue(self.control({"printer": name, "get": "state"})["state"]["compulsionSwitch"])
 
-    def test_that_are_not_there_are_refused_with_those_that_are(self):
+    def test_that_do_not_exist_are_refused_with_a_list_of_those_that_do(self):
         answer = self.control({"printer": "bar", "get": "state"})
         self.assertFalse(answer["ok"])
         self.assertIn("kitchen", answer["error"])
@@ -82,7 +82,7 @@ class Hosts(Case):
 
         eventually(answers, "a host that comes after the first has left is served")
 
-    def test_in_turns_print_between_the_jobs_of_one_that_remains(self):
+    def test_in_turns_print_between_the_jobs_of_a_connected_host(self):
         folder = self.folder / "receipts"
         simulator = self.simulator("tcp:0", "--hosts", "turns", "--receipts", str(folder))
         with simulator.connect() as first, simulator.connect() as second:
@@ -104,7 +104,7 @@ class Hosts(Case):
             self.assertEqual(len(receive(second, 9)), 9)
             self.assertEqual(simulator.state()["printedBytes"], 30, "the second waited for its turn")
 
-    def test_of_another_rule_are_refused(self):
+    def test_need_a_known_rule(self):
         result = run("simulate", "--listen", "tcp:0", "--hosts", "all")
         self.assertExit(2, result)
         self.assertIn("one, turns or refuse", result.err)

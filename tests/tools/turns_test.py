@@ -8,7 +8,7 @@ RECEIPT = b"Espresso  2.20\nTotal     2.20\n"
 
 
 class Turns(Case):
-    def test_jobs_take_turns_on_a_printer_and_say_so(self):
+    def test_jobs_take_turns_on_a_printer_and_report_that_they_wait(self):
         simulator = self.simulator("tcp:0", "--set", "speed=20")
         job = self.file("receipt", RECEIPT)
         first = start("-d", simulator.place, "print", job)

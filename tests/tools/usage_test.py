@@ -11,7 +11,7 @@ COMMANDS = """list status online print cancel firmware dipswitch button-security
 
 
 class Usage(Case):
-    def test_help_names_every_command_and_ends_well(self):
+    def test_help_names_every_command_and_ends_with_0(self):
         result = run("--help")
         self.assertExit(0, result)
         self.assertEqual(result.err, "")
@@ -24,7 +24,7 @@ class Usage(Case):
             self.assertExit(0, result)
             self.assertIn(f"quorport {command}", result.out)
 
-    def test_the_help_of_a_command_names_the_place_of_the_global_options(self):
+    def test_the_help_of_a_command_mentions_the_global_options(self):
         for command in set(COMMANDS) - {"help"}:
             self.assertIn("--device and --json, are taken here as well: quorport --help", run(command, "--help").out)
 
@@ -59,7 +59,7 @@ class Usage(Case):
         for arguments in (("xyzzy",), ("online", "--xyzzy"), ("x" * 100000,)):
             self.assertNotIn("did you mean", self.assertFailsInBothForms(2, *arguments).err)
 
-    def test_an_option_before_its_command_is_answered_with_its_place(self):
+    def test_an_option_before_its_command_is_refused_with_the_right_order(self):
         self.assertFailsInBothForms(2, "--end-timeout", "2000", "print", "-", saying='"--end-timeout" belongs after the command print')
         self.assertFailsInBothForms(2, "-v", "status", saying='"-v" belongs after the command status')
 
@@ -104,7 +104,7 @@ class Usage(Case):
         for name in ("line", "LINE", "EscPos"):
             self.assertExit(0, run("online", "-e", name))
 
-    def test_an_unknown_emulation_is_refused_with_those_there_are(self):
+    def test_an_unknown_emulation_is_refused_with_the_known_ones(self):
         self.assertFailsInBothForms(2, "online", "-e", "pcl", saying="line, escpos or unknown")
 
     def test_a_log_level_is_0_to_63(self):
@@ -149,7 +149,7 @@ class Usage(Case):
     def test_a_device_does_not_swallow_the_command_after_it(self):
         self.assertExit(0, run("-d", "virtual:A", "-d", "virtual:B", "online"))
 
-    def test_a_word_after_a_double_dash_is_no_option(self):
+    def test_a_word_after_a_double_dash_is_not_an_option(self):
         odd = self.file("--json", b"text\n")
         result = run("-d", "virtual:", "print", "--", os.path.basename(odd), cwd=self.folder)
         self.assertExit(0, result)
@@ -159,7 +159,7 @@ class Usage(Case):
         self.file("status", b"text\n")
         self.assertExit(0, run("-d", "virtual:", "print", "status", cwd=self.folder))
 
-    def test_control_characters_and_invalid_bytes_are_shown_and_not_passed_on(self):
+    def test_control_characters_and_invalid_bytes_are_escaped(self):
         for name in (b"BT:a\x1b[2J\x07", b"BT:\xff\xfe", b"BT:%s%n%d", b"BT:" + b"x" * 100000):
             result = run("-p", name, "online")
             self.assertExit(3, result)
@@ -178,7 +178,7 @@ class Usage(Case):
 
 
 class StandardStreams(Case):
-    def test_closed_streams_do_not_lend_their_numbers_to_the_printer(self):
+    def test_the_printer_never_gets_the_descriptor_of_a_closed_stream(self):
         simulator = self.simulator()
         for closed in ("<&-", ">&-", "2>&-", "<&- >&- 2>&-"):
             command = f'exec "$QUORPORT" -d {simulator.place} print "$0" {closed}'
@@ -205,7 +205,7 @@ class StandardStreams(Case):
         with open("/dev/full", "wb") as full:
             self.assertExit(4, run("-d", "virtual:coverOpen=true", "print", "-", data=b"text\n", stdout=full))
 
-    def test_a_reader_that_has_left_does_not_kill_the_command(self):
+    def test_a_reader_that_disconnects_does_not_kill_the_command(self):
         reader, writer = os.pipe()
         os.close(reader)
         with open(writer, "wb") as pipe:

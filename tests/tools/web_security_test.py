@@ -30,7 +30,7 @@ class Strangers(BrowserCase):
         self.assertFalse([name for name in answer.headers if name.lower().startswith("access-control")])
         self.assertFalse(self.simulator_.state()["coverOpen"])
 
-    def test_without_the_token_are_refused(self):
+    def test_requests_without_the_token_are_refused(self):
         token = self.browser.prefix.strip("/")
         other = ("0" if token[-1] != "0" else "1")
         for path in ("/", "/api/printers", "//", f"/{token}", f"/{token[:-1]}/", f"/{token}x/", f"/{token[:-1]}{other}/api/printers",
@@ -38,7 +38,7 @@ class Strangers(BrowserCase):
             self.refused(path)
         self.refused("/api/control", "POST", Content_Type="application/json")
 
-    def test_of_another_origin_read_and_switch_nothing(self):
+    def test_pages_of_another_origin_read_and_change_nothing(self):
         for origin in ("http://evil.example", "null", "https://" + self.browser.authority, "http://127.0.0.1",
                        f"http://localhost:{self.browser.port}", "http://127.0.0.1:1", ""):
             headers = {"Origin": origin or " x"}
@@ -46,18 +46,18 @@ class Strangers(BrowserCase):
                 self.refused(path, **headers)
             self.refused("api/control", "POST", Content_Type="application/json", **headers)
 
-    def test_of_the_own_origin_are_answered(self):
+    def test_requests_of_the_page_itself_are_answered(self):
         own = "http://" + self.browser.authority
         self.assertEqual(self.browser.ask("api/printers", Origin=own).status, 200)
         self.assertEqual(self.browser.control({"get": "state"}, Origin=own)["ok"], True)
 
-    def test_that_ask_before_they_send_get_no_leave(self):
+    def test_preflight_requests_get_no_permission(self):
         answer = self.browser.ask("api/control", "OPTIONS", Origin="http://" + self.browser.authority,
                                   Access_Control_Request_Method="POST")
         self.assertEqual(answer.status, 405)
         self.assertFalse([name for name in answer.headers if name.lower().startswith("access-control")])
 
-    def test_by_a_name_that_was_pointed_here_are_refused(self):
+    def test_requests_under_another_host_name_are_refused(self):
         port = self.browser.port
         for host in (f"evil.example:{port}", "evil.example", f"127.0.0.1.evil.example:{port}", "127.0.0.1", f"127.0.0.1:{port}0",
                      f"127.0.0.1:{port}:{port}", f"[::1:{port}", "[", f":{port}", f"localhost.:{port}", f"127.0.0.1:{port}x", "x" * 5000):
@@ -65,13 +65,13 @@ class Strangers(BrowserCase):
         for host in (f"127.0.0.1:{port}", f"localhost:{port}", f"[::1]:{port}"):
             self.assertEqual(self.browser.ask("", Host=host).status, 200, host)
 
-    def test_that_send_a_form_switch_nothing(self):
+    def test_requests_that_send_a_form_change_nothing(self):
         for kind in ("text/plain", "application/x-www-form-urlencoded", "multipart/form-data; boundary=x", "application/jsonx"):
             answer = self.browser.ask("api/control", "POST", b'{"set": {"coverOpen": true}}', Content_Type=kind)
             self.assertEqual(answer.status, 415, kind)
         self.assertFalse(self.simulator_.state()["coverOpen"])
 
-    def test_are_told_to_run_nothing_and_to_guess_nothing(self):
+    def test_answers_forbid_other_scripts_and_guessing_of_types(self):
         for path in ("", "page/main.js", "api/printers", "receipts/9", "/elsewhere"):
             headers = self.browser.ask(path).headers
             self.assertIn("default-src 'none'", headers["Content-Security-Policy"])
@@ -81,7 +81,7 @@ class Strangers(BrowserCase):
             self.assertEqual(headers["Referrer-Policy"], "no-referrer")
             self.assertEqual(headers["Cross-Origin-Resource-Policy"], "same-origin")
 
-    def test_on_other_machines_do_not_reach_it_by_default(self):
+    def test_other_machines_do_not_reach_it_by_default(self):
         inode_lines = [line.split() for line in open("/proc/net/tcp").read().splitlines()[1:]]
         places = [fields[1] for fields in inode_lines if int(fields[1].split(":")[1], 16) == self.browser.port and fields[3] == "0A"]
         self.assertEqual(places, [f"0100007F:{self.browser.port:04X}"])
@@ -113,7 +113,7 @@ class Limits(BrowserCase):
         return (f"{method} {self.browser.prefix}api/control HTTP/1.1\r\nHost: {self.browser.authority}\r\n"
                 f"Content-Type: application/json\r\n{more}").encode()
 
-    def test_of_a_body_are_held(self):
+    def test_a_request_with_too_large_a_body_is_refused(self):
         answer = self.browser.ask("api/control", "POST", b" " * 65537, Content_Type="application/json")
         self.assertEqual(answer.status, 413)
         endless = self.head("Transfer-Encoding: chunked\r\n\r\n") + b"8000\r\n" + b" " * 32768 + b"\r\n" + \
@@ -122,13 +122,13 @@ class Limits(BrowserCase):
         longest = b'{"get": "state"}'.ljust(65536)
         self.assertTrue(self.browser.control(longest)["ok"])
 
-    def test_of_a_head_are_held(self):
+    def test_a_request_with_too_large_a_head_is_refused(self):
         for more in (f"X: {'x' * 100000}\r\n\r\n", "X: y\r\n" * 20000 + "\r\n", "Cookie: " + "c" * 1000000):
             self.assertRegex(line_of(self.send(self.head(more))), rb"^(HTTP/1.1 4\d\d .*)?$")
         self.assertRegex(line_of(self.send(b"GET /" + b"x" * 200000 + b" HTTP/1.1\r\n\r\n")), rb"^(HTTP/1.1 4\d\d .*)?$")
         self.assertEqual(self.browser.ask("").status, 200)
 
-    def test_of_readers_are_held_with_a_word_about_it(self):
+    def test_too_many_readers_are_refused_with_a_reason(self):
         readers = [self.events(self.browser) for _ in range(READERS)]
         for reader in readers:
             reader.next("snapshot")
@@ -147,7 +147,7 @@ class Limits(BrowserCase):
             return reader.status == 200
         eventually(reads, "a place becomes free")
 
-    def test_bytes_of_any_kind_end_nothing(self):
+    def test_arbitrary_bytes_do_not_end_the_server(self):
         chance = random.Random(22)
         samples = [self.head("Content-Length: 5\r\n\r\n") + b"hello", self.head("\r\n", "GET"),
                    self.head("Expect: 100-continue\r\nContent-Length: 70000\r\n\r\n"), self.head("Content-Length: -1\r\n\r\n"),
@@ -162,7 +162,7 @@ class Limits(BrowserCase):
         self.assertIsNone(self.simulator_.process.poll())
         self.assertEqual(self.browser.ask("").status, 200)
 
-    def test_of_paths_and_queries_hold_nothing_else(self):
+    def test_strange_paths_and_queries_cause_no_error(self):
         for path in ("receipts/1.json?from=-1", "receipts/99999999999999999999", "receipts/1.png%00", "api/receipts?before=x",
                      "api/printers/0/control", "api/printers/18446744073709551616/control", "page/%2e%2e/index.html",
                      "%2e%2e/", "api/receipts?before=%ff&&=&before"):
@@ -181,7 +181,7 @@ class Crowd(BrowserCase):
         self.assertExit(0, result)
         self.assertLess(result.seconds, 5)
 
-    def test_of_a_thousand_idle_clients_holds_nothing_up(self):
+    def test_a_thousand_idle_clients_delay_nothing(self):
         simulator, browser = self.open()
         clients = [browser.connect() for _ in range(500)]
         for client in clients[::2]:
@@ -197,7 +197,7 @@ class Crowd(BrowserCase):
             for client in clients:
                 client.close()
 
-    def test_of_readers_that_read_a_byte_a_second_holds_nothing_up(self):
+    def test_readers_of_a_byte_a_second_delay_nothing(self):
         simulator, browser = self.open()
         quick = self.events(browser)
         slow = []
@@ -213,7 +213,7 @@ class Crowd(BrowserCase):
             for connection in slow:
                 self.assertTrue(connection.recv(1))
 
-    def test_of_a_reader_that_reads_nothing_is_cut_off(self):
+    def test_a_reader_that_reads_nothing_is_disconnected(self):
         simulator, browser = self.open()
         stuck = browser.connect(room=2048)
         self.addCleanup(stuck.close)
@@ -241,7 +241,7 @@ class Memory(BrowserCase):
                 return int(line.split()[1]) // 1024
         raise AssertionError("no such line")
 
-    def test_of_a_thousand_receipts_is_that_of_two_hundred(self):
+    def test_a_thousand_receipts_take_no_more_memory_than_two_hundred(self):
         simulator, browser = self.open()
         events = self.events(browser)
 
@@ -261,7 +261,7 @@ class Memory(BrowserCase):
         self.assertEqual(browser.json("api/receipts?before=1200")["receipts"][0]["id"], 1199)
         self.assertEqual(browser.json("api/receipts?before=1101")["receipts"], [])
 
-    def test_of_twenty_metres_of_paper_has_a_bound(self):
+    def test_twenty_metres_of_paper_take_bounded_memory(self):
         simulator, browser = self.open()
         events = self.events(browser)
         before = self.resident(simulator)

@@ -28,14 +28,14 @@ class Address(BrowserCase):
         first = json.loads(process.stdout.readline())
         self.assertRegex(first["web"], r"^http://127\.0\.0\.1:\d+/[0-9a-f]{32}/$")
 
-    def test_is_another_one_each_time(self):
+    def test_is_different_each_time(self):
         self.assertNotEqual(self.open()[1].prefix, self.open()[1].prefix)
 
-    def test_that_is_none_is_a_usage_error(self):
+    def test_that_is_invalid_is_a_usage_error(self):
         for text in ("", "eighty", "127.0.0.1:65536"):
             self.assertFailsInBothForms(2, "simulate", "--listen", "tcp:0", "--web", text, saying="--web takes")
 
-    def test_that_is_taken_is_refused(self):
+    def test_that_is_in_use_is_refused(self):
         _, browser = self.open()
         self.assertFailsInBothForms(1, "simulate", "--listen", "tcp:0", "--web", str(browser.port), saying="listen")
 
@@ -52,7 +52,7 @@ class Address(BrowserCase):
 
 
 class Doors(BrowserCase):
-    def test_answer_each_line_alike(self):
+    def test_every_input_answers_each_line_alike(self):
         simulator, browser = self.open()
         lines = [b'{"set": {"coverOpen": true, "speed": 300}}', b'{"get": "state"}', b'{"get": "settings"}',
                  b'{"get": "counters"}', b'{"fault": {"late-reply": "30@block"}}', b'{"get": "faults"}', b'{"clear": "faults"}',
@@ -62,7 +62,7 @@ class Doors(BrowserCase):
             self.assertEqual(browser.control(line), simulator.raw_control(line + b"\n"), line)
             self.assertEqual(browser.control(line, printer=1), simulator.raw_control(line + b"\n"), line)
 
-    def test_reach_one_printer_by_its_number_even_without_a_name(self):
+    def test_a_printer_is_controlled_by_its_number_even_without_a_name(self):
         simulator, browser = self.open("--listen", "tcp:0")
         self.assertEqual(browser.control({"set": {"coverOpen": True}}, printer=2), {"ok": True})
         self.assertFalse(simulator.state()["coverOpen"])
@@ -71,12 +71,12 @@ class Doors(BrowserCase):
         answer = browser.ask("api/printers/3/control", "POST", b"{}", Content_Type="application/json")
         self.assertEqual(answer.status, 404)
 
-    def test_end_the_program(self):
+    def test_a_control_line_ends_the_program(self):
         simulator, browser = self.open()
         self.assertEqual(browser.control({"quit": True}), {"ok": True})
         self.assertEqual(simulator.process.wait(30), 0)
 
-    def test_tear_the_paper_off(self):
+    def test_a_control_line_tears_the_paper_off(self):
         simulator, browser = self.open()
         events = self.events(browser)
         with simulator.connect() as host:
@@ -89,7 +89,7 @@ class Doors(BrowserCase):
         self.assertEqual(events.next("receipt")["id"], 2)
         self.assertEqual(browser.ask("receipts/2.txt").content, b"rest\n")
 
-    def test_print_a_test_receipt_between_the_jobs_of_a_host(self):
+    def test_a_control_line_prints_a_test_receipt_between_the_jobs_of_a_host(self):
         simulator, browser = self.open("--set", "profile=escpos-58")
         events = self.events(browser)
         self.assertEqual(browser.control({"print": "test"}), {"ok": True})
@@ -108,7 +108,7 @@ class Doors(BrowserCase):
         self.assertEqual(texts[0], texts[2])
         self.assertIn(b"Virtual-58", texts[0])
 
-    def test_count_what_the_printer_did(self):
+    def test_the_counters_count_jobs_cuts_and_bytes(self):
         simulator, browser = self.open()
         events = self.events(browser)
         print_job(simulator, b"one\n" + CUT + b"two\n\x1b\x70\x00\x10\x10" + CUT)
@@ -118,7 +118,7 @@ class Doors(BrowserCase):
 
 
 class Forms(BrowserCase):
-    def test_name_every_setting_and_fault_with_what_it_takes(self):
+    def test_list_every_setting_and_fault_with_its_values(self):
         simulator, browser = self.open()
         forms = browser.json("api/forms")
         self.assertEqual({form["key"] for form in forms["flags"]} | {"firmware", "dip1", "dip2", "speed", "profile", "proofs",
@@ -134,7 +134,7 @@ class Forms(BrowserCase):
         for action in forms["actions"]:
             self.assertEqual(simulator.control(action["line"]), {"ok": True})
 
-    def test_find_each_setting_again(self):
+    def test_get_settings_returns_the_value_of_each_setting(self):
         _, browser = self.open()
         keys = {form["key"] for form in browser.json("api/forms")["settings"]}
         browser.control({"set": {"paper": 58, "utf8": False, "maker": "Mine"}})
@@ -144,7 +144,7 @@ class Forms(BrowserCase):
 
 
 class Stream(BrowserCase):
-    def test_begins_with_everything(self):
+    def test_begins_with_the_state_of_all_printers(self):
         _, browser = self.open("--listen", "tcp:0,name=kitchen")
         snapshot = self.events(browser).next()
         self.assertEqual(snapshot["event"], "snapshot")
@@ -153,7 +153,7 @@ class Stream(BrowserCase):
         for key in ("state", "settings", "counters", "faults", "paper", "host", "place"):
             self.assertIn(key, snapshot["printers"][0])
 
-    def test_shows_the_paper_line_by_line_as_it_comes_out(self):
+    def test_shows_the_paper_line_by_line_as_it_is_printed(self):
         simulator, browser = self.open()
         events = self.events(browser)
         with simulator.connect() as host:
@@ -252,7 +252,7 @@ class Receipts(BrowserCase):
         self.assertEqual([(u["name"], u["offset"]) for u in told["record"]["unknown"]], [("GS y", 16)])
         self.assertEqual((told["kept"], told["bytes"], told["next"]), (len(self.JOB), len(self.JOB), None))
 
-    def test_name_their_commands_in_stretches(self):
+    def test_list_their_commands_in_parts(self):
         browser, receipt = self.receipt(b"a\n" * 1500)
         address = receipt["address"] + ".json"
         first = browser.json(address)
@@ -266,14 +266,14 @@ class Receipts(BrowserCase):
         self.assertEqual(browser.ask(receipt["address"] + ".png").status, 404)
         self.assertEqual(browser.json(receipt["address"] + ".json")["record"]["drawer"], 1)
 
-    def test_are_one_for_each_cut_if_wanted(self):
+    def test_end_at_each_cut_if_that_is_chosen(self):
         simulator, browser = self.open("--per", "cut")
         events = self.events(browser)
         print_job(simulator, b"one\n" + CUT + b"two\n" + CUT)
         self.assertEqual([events.next("receipt")["id"] for _ in range(2)], [1, 2])
         self.assertIn(b"two", browser.ask("receipts/2.txt").content)
 
-    def test_of_one_printer_name_it(self):
+    def test_name_their_printer(self):
         simulator, browser = self.open("--listen", "tcp:0,name=kitchen")
         events = self.events(browser)
         place = browser.json("api/printers")["printers"][1]["place"]

@@ -103,7 +103,7 @@ class Everyone(ShopCase):
             page.press("Tab", shift=backwards)
         self.fail(f"not reached: {element}")
 
-    def test_assistive_technology_is_told_of_each_control_by_role_and_name(self):
+    def test_each_control_has_a_role_and_a_name_for_assistive_technology(self):
         for page in self.both_pages():
             tree = page.tree()
             unnamed = [node for node in tree if node["role"] in OPERATED | {"image", "region", "table"} and not node["name"]]

@@ -55,7 +55,7 @@ class Sources(unittest.TestCase):
             used |= set(names)
         self.assertEqual({file.name for file in files(".js", ".css", ".svg")} - used, set())
 
-    def test_they_are_short(self):
+    def test_their_files_and_lines_are_short(self):
         for file in files(".html", ".css", ".js"):
             lines = file.read_text().splitlines()
             self.assertLessEqual(len(lines), LONGEST_FILE, file.name)
@@ -74,7 +74,7 @@ class Modules(unittest.TestCase):
             shutil.copy(file, self.folder)
         (self.folder / "package.json").write_text('{"type": "module"}')
 
-    def test_they_are_javascript_and_what_needs_no_document_is_right(self):
+    def test_they_parse_and_functions_without_a_document_are_right(self):
         done = subprocess.run(["node", "--experimental-vm-modules", "--no-warnings", "modules_test.js"], cwd=self.folder,
                               capture_output=True, text=True, timeout=60)
         self.assertEqual(done.returncode, 0, done.stdout + done.stderr)

@@ -57,7 +57,7 @@ class Printing(ShopCase):
             self.assertIn("GS V", names)
             self.assertIn("1b 40", seen.evaluate("document.querySelector('.commands code').textContent"))
 
-    def test_a_receipt_that_nobody_has_is_said(self):
+    def test_a_missing_receipt_is_reported(self):
         shop = self.shop()
         page = self.browser.page(f"{shop.address}receipts/99")
         self.addCleanup(page.close)
@@ -86,7 +86,7 @@ class Printing(ShopCase):
                 page.until("document.querySelectorAll('#receipts li').length === 1", "the receipt is listed")
             self.assertEqual(page.evaluate("globalThis.seen.length > 0"), not calm)
 
-    def test_a_printer_s_text_is_never_markup(self):
+    def test_text_of_a_printer_is_never_markup(self):
         shop = self.shop()
         page = self.shop_page(shop)
         with shop.connect() as till:
@@ -124,7 +124,7 @@ class Switching(ShopCase):
         buttons = page.evaluate("[...document.querySelectorAll('button')].map((button) => button.textContent)")
         self.assertLessEqual({action["label"].capitalize() for action in forms["actions"]}, set(buttons))
 
-    def test_what_a_control_line_changes_is_shown(self):
+    def test_a_change_by_a_control_line_is_shown(self):
         shop = self.shop()
         page = self.shop_page(shop)
         page.evaluate("""fetch('api/control', {method: 'POST', headers: {'Content-Type': 'application/json'},
@@ -132,7 +132,7 @@ class Switching(ShopCase):
         self.condition(page, "Off line: paper out")
         page.until("document.querySelector('.sliders output').textContent === '200 bytes a second'")
 
-    def test_a_refused_value_is_said_and_the_old_one_shown_again(self):
+    def test_a_refused_value_is_reported_and_the_old_one_shown_again(self):
         page = self.shop_page(self.shop())
         page.evaluate("document.querySelector('.settings').open = true")
         field = "[...document.querySelectorAll('.settings label')].find((label) => /firmware/i.test(label.textContent)).control"
@@ -176,7 +176,7 @@ class Switching(ShopCase):
         self.assertEqual(page.evaluate("document.querySelectorAll('.entries .command').length"), 0)
         self.assertGreater(page.evaluate("document.querySelectorAll('.entries .answer').length"), 0)
 
-    def test_a_shop_that_ends_is_noticed(self):
+    def test_the_end_of_the_server_is_noticed(self):
         shop = self.shop()
         page = self.browser.page(shop.address)
         self.addCleanup(page.close)

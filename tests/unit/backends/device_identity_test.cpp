@@ -19,12 +19,12 @@ TEST(DeviceIdentity, IsTheSchemeAndThePlaceForAllKeys) {
   EXPECT_NE(identityOf("tcp:192.0.2.10:9100"), identityOf("tcp:192.0.2.10:9101"));
 }
 
-TEST(DeviceIdentity, OfAHostKnowsNoCapitals) {
+TEST(DeviceIdentity, OfAHostIgnoresLetterCase) {
   EXPECT_EQ(identityOf("tcp:Till-1.Shop:9100"), identityOf("tcp:till-1.shop:9100"));
   EXPECT_EQ(identityOf("tcp:A-Z:9100"), identityOf("tcp:a-z:9100"));
 }
 
-TEST(DeviceIdentity, OfAPathIsThatOfTheFileAtTheEndOfAllLinks) {
+TEST(DeviceIdentity, OfAPathFollowsSymbolicLinks) {
   const test::TemporaryFolder folder;
   std::ofstream(folder.file("ttyUSB0")) << "";
   std::filesystem::create_symlink(folder.file("ttyUSB0"), folder.file("printer"));

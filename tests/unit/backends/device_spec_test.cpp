@@ -29,7 +29,7 @@ std::string failure(const std::string& text) {
   return "it was taken";
 }
 
-TEST(DeviceSpec, TakesEachSchemeWithItsPlaceWhichIsTheName) {
+TEST(DeviceSpec, UsesThePlaceAsTheNameForEachScheme) {
   const std::pair<std::string, std::string> cases[] = {
       {"tcp", "192.0.2.10:9100"}, {"tcp", "[2001:db8::1]:9100"}, {"unix", "/run/printer"},
       {"serial", "/dev/ttyS0"},   {"virtual", "kitchen"},
@@ -44,7 +44,7 @@ TEST(DeviceSpec, TakesEachSchemeWithItsPlaceWhichIsTheName) {
   }
 }
 
-TEST(DeviceSpec, ThePrinterThatIsBuiltInNeedsNoPlaceAndHasANameOfItsOwn) {
+TEST(DeviceSpec, TheVirtualPrinterNeedsNoPlaceAndHasItsOwnName) {
   const DeviceSpec spec = parseDeviceSpec("virtual:");
   EXPECT_EQ(spec.place, "");
   EXPECT_EQ(spec.identity.name, "virtual printer");
@@ -83,7 +83,7 @@ TEST(DeviceSpec, TakesTheSameKeysOnEveryScheme) {
   }
 }
 
-TEST(DeviceSpec, TakesNoAddressThatCouldNeverBeFound) {
+TEST(DeviceSpec, RefusesAnAddressThatNoPortCouldFind) {
   for (const char* wrong :
        {"01:23", "0123456789AB", "01-23-45-67-89-AB", "01:23:45:67:89:AG", "01:23:45:67:89:AB ",
         " 01:23:45:67:89:AB", "01:23:45:67:89:AB:CD", "01:23:45:67:89:", "x"}) {
@@ -93,7 +93,7 @@ TEST(DeviceSpec, TakesNoAddressThatCouldNeverBeFound) {
   }
 }
 
-TEST(DeviceSpec, TakesTheNamesOfProofsAlone) {
+TEST(DeviceSpec, TakesOnlyTheNamesOfProofs) {
   EXPECT_EQ(parseDeviceSpec("unix:p").identity.proof, ProofKind::Auto);
   for (const ProofWords& proof : proofWords) {
     EXPECT_EQ(parseDeviceSpec("unix:p,proof=" + std::string(proof.name)).identity.proof,
@@ -186,7 +186,7 @@ TEST(DeviceSpec, AUsbPrinterTakesAnyPlaceAndAnEmptyOne) {
   EXPECT_THAT(failure("usb:,baud=9600"), HasSubstr("\"baud\""));
 }
 
-TEST(DeviceSpec, AMeaningIsOfferedForATextWithoutAScheme) {
+TEST(DeviceSpec, SuggestsTheRightFormForATextWithoutAScheme) {
   EXPECT_THAT(failure("/run/printer"),
               AllOf(HasSubstr("\"unix:/run/printer\""), HasSubstr("\"serial:/run/printer\"")));
   EXPECT_THAT(failure("kitchen:9100"), HasSubstr("perhaps \"tcp:kitchen:9100\""));
@@ -219,7 +219,7 @@ TEST(Schemes, EachReasonOfTheUsbDriverHasAnAdviceOfItsOwn) {
   }
 }
 
-TEST(Schemes, EveryWayToSetASerialLineIsWrittenAsItIsTaken) {
+TEST(Schemes, EverySerialSettingIsWrittenInTheFormThatIsRead) {
   const DeviceSpec given = parseDeviceSpec("serial:/dev/x,baud=38400,flow=rtscts,name=Till");
   const auto variants = findScheme("serial")->variants(given);
   EXPECT_EQ(variants.front().keys, "");
@@ -242,7 +242,7 @@ std::vector<std::string> waysToSet(const std::string& line) {
   return ways;
 }
 
-TEST(Schemes, TheWaysToSetASerialLineAreTheUsualSpeedsThenTheFramingsThenNoFlowControl) {
+TEST(Schemes, TheSerialSettingsToTryAreSpeedsThenFramingsThenNoFlowControl) {
   EXPECT_THAT(waysToSet("serial:/dev/x,baud=4800,flow=xonxoff"),
               ElementsAre(" at 4800 baud, flow control xonxoff",
                           "wrong-speed,baud=1200 at 1200 baud, flow control xonxoff",
@@ -266,14 +266,14 @@ TEST(Schemes, TheWaysToSetASerialLineAreTheUsualSpeedsThenTheFramingsThenNoFlowC
                           "wrong-flow,flow=none at 4800 baud"));
 }
 
-TEST(Schemes, TheWaysToSetAnUnusualSerialLineIncludeTheUsualOne) {
+TEST(Schemes, TheSerialSettingsToTryIncludeTheUsualOne) {
   const auto ways = waysToSet("serial:/dev/x,stop=2");
   EXPECT_EQ(ways.front(), " at 9600 baud with 8 data bits, parity none and 2 stop bits");
   EXPECT_THAT(ways, testing::Contains("wrong-parity,stop=1 at 9600 baud"));
   EXPECT_EQ(ways.size(), 16U) << "no flow control is to be given up";
 }
 
-TEST(DeviceSpec, ThePrinterThatIsBuiltInKeepsItsOwnKeysInOrder) {
+TEST(DeviceSpec, TheVirtualPrinterKeepsItsKeysInOrder) {
   for (const char* start : {"virtual:,", "virtual:"}) {
     EXPECT_EQ(parseDeviceSpec(start + "cover=open,model=M"s).options.front().second, "open");
   }
@@ -301,7 +301,7 @@ TEST(DeviceSpec, AnUnknownKeyIsAnErrorThatNamesItAndTheKeys) {
               AllOf(HasSubstr("\"bauds\""), HasSubstr("baud")));
 }
 
-TEST(DeviceSpec, APieceThatIsNoAssignmentIsAnError) {
+TEST(DeviceSpec, APartWithoutAnEqualsSignIsAnError) {
   for (const char* wrong :
        {"unix:p,", "unix:p,name", "unix:p,=x", "virtual:,,", "unix:p,name=a,"}) {
     EXPECT_THAT(failure(wrong), HasSubstr("key=value")) << wrong;

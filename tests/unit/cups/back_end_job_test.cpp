@@ -38,25 +38,25 @@ TEST(BackEndJob, IsReadFromTheSchedulersArguments) {
   EXPECT_EQ(job.controlFile, "/var/spool/cups/c00012");
 }
 
-TEST(BackEndJob, FromAPipeHasItsCopiesAlready) {
+TEST(BackEndJob, FromAPipeHasOneCopyBecauseTheDataContainsAll) {
   const BackEndJob job = parse({"quor", "123456", "anna", "receipt", "3", "job-uuid=a"});
   EXPECT_FALSE(job.file);
   EXPECT_EQ(job.copies, 1U);
   EXPECT_EQ(job.controlFile, "/var/spool/cups/c123456");
 }
 
-TEST(BackEndJob, KnowsThatItHasEndedBefore) {
+TEST(BackEndJob, KnowsWhenItEndedBefore) {
   EXPECT_EQ(parse({"quor", "1", "a", "t", "1", "job-uuid=a time-at-completed=1795316641"}).ended,
             1795316641);
 }
 
-TEST(BackEndJob, MayBeOfAClass) {
+TEST(BackEndJob, KnowsThatItsQueueIsInAClass) {
   Variables variables = usual;
   variables["CLASS"] = "tills";
   EXPECT_TRUE(parse({"quor", "1", "a", "t", "1", ""}, variables).isOfClass);
 }
 
-TEST(BackEndJob, WithoutANameIsNoOtherJob) {
+TEST(BackEndJob, WithoutANameGetsANewNameEachTime) {
   const std::vector<std::string> arguments = {"quor", "1", "a", "t", "1", "xjob-uuid=a"};
   EXPECT_NE(parse(arguments).name, parse(arguments).name);
 }

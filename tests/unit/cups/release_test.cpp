@@ -30,24 +30,24 @@ class Release : public testing::Test {
   test::TemporaryFolder folder;
 };
 
-TEST_F(Release, IsAPersonsIfTheSchedulerThatHoldsTheJobStillRuns) {
+TEST_F(Release, IsByAPersonIfTheSchedulerThatHeldTheJobStillRuns) {
   EXPECT_TRUE(isReleased(told, told - 1, {}));
 }
 
-TEST_F(Release, IsAPersonsIfTheSchedulerBeforeHadRecordedThatItHoldsTheJob) {
+TEST_F(Release, IsByAPersonIfTheEarlierSchedulerRecordedThatItHeldTheJob) {
   EXPECT_TRUE(isReleased(told, told + 90'000, recordOf(told + 30'000)));
 }
 
-TEST_F(Release, IsNotKnownIfTheRecordIsOlder) {
+TEST_F(Release, IsUnknownIfTheRecordIsOlder) {
   EXPECT_FALSE(isReleased(told, told + 90'000, recordOf(told - 1)));
   EXPECT_FALSE(isReleased(told, told + 90'000, recordOf(told + 500)));
 }
 
-TEST_F(Release, IsNotKnownIfTheNewSchedulerHasWrittenTheRecord) {
+TEST_F(Release, IsUnknownIfTheNewSchedulerHasWrittenTheRecord) {
   EXPECT_FALSE(isReleased(told, told + 90'000, recordOf(told + 90'001)));
 }
 
-TEST_F(Release, IsNotKnownWithoutARecordOrAScheduler) {
+TEST_F(Release, IsUnknownWithoutARecordOrAScheduler) {
   EXPECT_FALSE(isReleased(told, told + 90'000, {}));
   EXPECT_FALSE(isReleased(told, told + 90'000, folder.file("c00001")));
   EXPECT_FALSE(isReleased(told, std::nullopt, recordOf(told + 30'000)));

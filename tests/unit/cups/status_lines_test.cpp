@@ -35,7 +35,7 @@ class Written {
   int ends_[2] = {-1, -1};
 };
 
-TEST(StatusLines, AreOfTheFormThatTheSchedulerReads) {
+TEST(StatusLines, HaveTheFormThatTheSchedulerReads) {
   Written written;
   StatusLines lines("", written.descriptor());
   lines.inform("waiting: cover open");
@@ -46,7 +46,7 @@ TEST(StatusLines, AreOfTheFormThatTheSchedulerReads) {
             "INFO: waiting: cover open\nERROR: unconfirmed\nDEBUG: again\nPAGE: 2 1\n");
 }
 
-TEST(StatusLines, InformOfEachStateOnce) {
+TEST(StatusLines, ReportEachStateOnce) {
   Written written;
   StatusLines lines("", written.descriptor());
   lines.inform("a");
@@ -65,7 +65,7 @@ TEST(StatusLines, HoldNoControlCharacterAndNoSecondLine) {
   EXPECT_EQ(written.text().size(), 2001U);
 }
 
-TEST(StatusLines, ReportTheChangedReasonsAlone) {
+TEST(StatusLines, ReportOnlyTheChangedReasons) {
   Written written;
   StatusLines lines("", written.descriptor());
   lines.setReasons({"cover-open-error", "offline-report"});
@@ -100,7 +100,7 @@ QuorPrinterStatus_2 status(std::uint32_t QuorPrinterStatus_2::*flag) {
   return record;
 }
 
-TEST(StateReasons, AreTheStatusInThePrintSystemsWords) {
+TEST(StateReasons, TranslateTheStatusIntoThePrintSystemsKeywords) {
   EXPECT_EQ(reasonsIn({}), StateReasons());
   EXPECT_EQ(reasonsIn(status(&QuorPrinterStatus_2::offline)), StateReasons{"offline-report"});
   EXPECT_EQ(reasonsIn(status(&QuorPrinterStatus_2::coverOpen)), StateReasons{"cover-open-error"});
@@ -118,13 +118,13 @@ TEST(StateReasons, AreTheStatusInThePrintSystemsWords) {
   EXPECT_EQ(reasonsIn(status(&QuorPrinterStatus_2::cutterError)), StateReasons{"other-error"});
 }
 
-TEST(StateReasons, OfAnyProcessAreKnown) {
+TEST(StateReasons, IncludeEveryReasonThatABackEndCanReport) {
   EXPECT_TRUE(everyReason().count("quor-unconfirmed-warning"));
   EXPECT_TRUE(everyReason().count("cover-open-error"));
   EXPECT_FALSE(everyReason().count("toner-low-warning"));
 }
 
-TEST(StateBits, AreTheStatusInTheSideChannelsBits) {
+TEST(StateBits, TranslateTheStatusIntoTheSideChannelsBits) {
   EXPECT_EQ(stateBitsOf({}), CUPS_SC_STATE_ONLINE);
   QuorPrinterStatus_2 record = status(&QuorPrinterStatus_2::receiptPaperEmpty);
   record.offline = 1;

@@ -81,7 +81,7 @@ class DiscoveryTest : public testing::Test {
   const fs::path dev_ = folder_.file("dev");
 };
 
-TEST_F(DiscoveryTest, NothingIsThereOnABareMachine) {
+TEST_F(DiscoveryTest, FindsNothingOnABareMachine) {
   EXPECT_TRUE(found().empty());
 }
 
@@ -97,7 +97,7 @@ TEST_F(DiscoveryTest, AUsbPrinterIsFoundWithItsTextsAndReachable) {
   EXPECT_EQ(printer.reachable, true);
 }
 
-TEST_F(DiscoveryTest, AUsbPrinterWithoutItsNodeIsNotReachable) {
+TEST_F(DiscoveryTest, AUsbPrinterWithoutADeviceFileIsNotReachable) {
   plugInPrinter(0, "MFG:M;MDL:T;", "1");
   fs::remove(dev_ / "usb/lp0");
   EXPECT_EQ(found().at(0).reachable, false);
@@ -108,7 +108,7 @@ TEST_F(DiscoveryTest, AUsbPrinterWithoutTextsIsNamedByItsNumbers) {
   EXPECT_EQ(found().at(0).name, "USB printer 04b8:0202");
 }
 
-TEST_F(DiscoveryTest, TheNodeReplacesASerialNumberThatCannotBeWritten) {
+TEST_F(DiscoveryTest, TheDeviceFileReplacesAnUnusableSerialNumber) {
   plugInPrinter(0, "", "twice");
   plugInPrinter(1, "", "twice");
   plugInPrinter(2, "", "\x1b]0;gone");

@@ -40,7 +40,7 @@ TEST(EventLog, ForgetsTheOldestBeyondItsLimit) {
   EXPECT_FALSE(log.holdsAllAfter(51));
 }
 
-TEST(EventLog, HoldsNothingOfAnEventThatIsTooLong) {
+TEST(EventLog, DropsAnEventThatIsTooLong) {
   EventLog log(20);
   log.add("state", std::string(100, 'x'));
   EXPECT_EQ(log.bytes(), 0U);
@@ -61,7 +61,7 @@ TEST(EventReader, IsSentTheFirstTextsAndThenEachEvent) {
   }
 }
 
-TEST(EventReader, IsLostIfItIsTooSlow) {
+TEST(EventReader, IsDisconnectedIfItIsTooSlow) {
   EventLog log(100);
   EventReader reader(log, {}, 0);
   log.add("state", "0123456789");

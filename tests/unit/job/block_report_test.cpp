@@ -9,7 +9,7 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-TEST(BlockReport, IsSeenHoweverItIsCut) {
+TEST(BlockReport, IsFoundInPiecesOfAnySize) {
   const Bytes bytes = {0x12, 0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00, 0x01, 0x00, 0x12};
   for (std::size_t cut = 0; cut <= bytes.size(); ++cut) {
     BlockReport report;
@@ -19,13 +19,13 @@ TEST(BlockReport, IsSeenHoweverItIsCut) {
   }
 }
 
-TEST(BlockReport, WithoutItsEndIsIgnored) {
+TEST(BlockReport, IgnoresATruncatedReport) {
   BlockReport report;
   report.feed(Bytes{0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00, 0x01});
   EXPECT_FALSE(report.lastCount());
 }
 
-TEST(BlockReport, WithAnotherByteInItIsIgnored) {
+TEST(BlockReport, IgnoresAReportWithAWrongByte) {
   for (std::size_t place : {1U, 2U, 3U, 4U, 5U, 7U}) {
     Bytes bytes = {0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00, 0x01, 0x00};
     bytes[place] ^= 0x40;
@@ -35,7 +35,7 @@ TEST(BlockReport, WithAnotherByteInItIsIgnored) {
   }
 }
 
-TEST(BlockReport, GivesTheLastOfSeveralCounts) {
+TEST(BlockReport, ReturnsTheLastOfSeveralCounts) {
   BlockReport report;
   report.feed(Bytes{0x1b, 0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00, 0x01, 0x00});
   EXPECT_EQ(report.lastCount(), 1);

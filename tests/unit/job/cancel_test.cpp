@@ -18,7 +18,7 @@ class Cancelling : public testing::TestWithParam<ZKEmulation> {};
 INSTANTIATE_TEST_SUITE_P(Job, Cancelling, testing::Values(ZKEmulationQuorLine, ZKEmulationESCPOS),
                          emulationName);
 
-TEST_P(Cancelling, ACancelledJobMakesThePrinterDropTheRestAndClosesThePort) {
+TEST_P(Cancelling, ACancelledJobMakesThePrinterDropItsDataAndClosesThePort) {
   const ByteBuffer data(5000, 'x');
   Till till(PrinterBuilder().speed(200), {.emulation = GetParam()});
   PrintJob job(till.port);
@@ -35,7 +35,7 @@ TEST_P(Cancelling, ACancelledJobMakesThePrinterDropTheRestAndClosesThePort) {
   EXPECT_LT(till.printed().size(), 1000U);
 }
 
-TEST_P(Cancelling, AJobThatIsCancelledInAnImageCompletesItSoThatThePrinterHearsTheCancel) {
+TEST_P(Cancelling, ACancelledJobCompletesItsImageSoThatThePrinterReadsTheCancel) {
   ByteBuffer data = {0x1d, 0x76, 0x30, 0, 10, 0, 100, 0};
   data.resize(8 + 1000, 0x55);
   data.insert(data.end(), 5000, 'x');
@@ -48,7 +48,7 @@ TEST_P(Cancelling, AJobThatIsCancelledInAnImageCompletesItSoThatThePrinterHearsT
   EXPECT_EQ(till.print(receiptText).outcome, PrintOutcome::Printed);
 }
 
-TEST_P(Cancelling, AJobThatIsCancelledInALongImageIsGivenUpInTime) {
+TEST_P(Cancelling, AJobCancelledInALongImageEndsInTime) {
   ByteBuffer data = {0x1d, 0x76, 0x30, 0, 72, 0, 0xe8, 0x03};
   data.resize(8 + 72000, 0x55);
   Till till(PrinterBuilder().speed(2000), {.emulation = GetParam()});
@@ -64,7 +64,7 @@ TEST_P(Cancelling, AJobThatIsCancelledInALongImageIsGivenUpInTime) {
 
 // The time-out of the block must not drop the data of later jobs. The port's writer repeats itself
 // without a pause once the link has taken a part of a command.
-TEST_P(Cancelling, AJobIsCancelledAlsoWhileThePortWritesWithoutEnd) {
+TEST_P(Cancelling, AJobCanBeCancelledWhileThePortWritesWithoutEnd) {
   Till till(GetParam());
   till.port->close();
   till.accessory->setFaults(with("no-space", "2:3000"));
@@ -74,7 +74,7 @@ TEST_P(Cancelling, AJobIsCancelledAlsoWhileThePortWritesWithoutEnd) {
   EXPECT_EQ(job.run(receiptText).outcome, PrintOutcome::Refused);
 }
 
-TEST_P(Cancelling, AJobIsCancelledEvenWhileThePortRepeatsAWriteWithoutEnd) {
+TEST_P(Cancelling, AJobCanBeCancelledWhileThePortRepeatsAWrite) {
   Till till(GetParam());
   till.port->close();
   simulator::Faults full = with("no-space", "4:120");
@@ -88,7 +88,7 @@ TEST_P(Cancelling, AJobIsCancelledEvenWhileThePortRepeatsAWriteWithoutEnd) {
   EXPECT_LT(till.platform->clock().monotonic() - start, milliseconds(4000));
 }
 
-TEST_P(Cancelling, AJobThatIsCancelledTwiceIsCancelled) {
+TEST_P(Cancelling, AJobCanBeCancelledTwice) {
   Till till(PrinterBuilder().speed(100), {.emulation = GetParam()});
   till.port->close();
   till.accessory->setFaults(with("no-space", "300:60000"));
@@ -111,7 +111,7 @@ TEST_P(Cancelling, AJobThatIsCancelledBeforeItBeganSendsNothing) {
   EXPECT_EQ(till.printed(), ByteBuffer());
 }
 
-TEST_P(Cancelling, AJobThatIsCancelledOnAFullLinkGivesItsLastWordUp) {
+TEST_P(Cancelling, AJobCancelledOnAFullLinkOmitsItsLastCommands) {
   for (const char* const noSpace : {"0:60000", "300:60000"}) {
     Till till(GetParam());
     till.port->close();
@@ -128,7 +128,7 @@ TEST_P(Cancelling, AJobThatIsCancelledOnAFullLinkGivesItsLastWordUp) {
   }
 }
 
-TEST_P(Cancelling, AJobThatIsCancelledOnAClosedPortSaysNoMoreThanThat) {
+TEST_P(Cancelling, AJobCancelledOnAClosedPortReportsOnlyTheCancellation) {
   Till till(GetParam());
   till.port->close();
   PrintJob job(till.port);

@@ -13,7 +13,7 @@ TEST(GroupedCount, HasACommaBetweenThousands) {
   EXPECT_EQ(grouped(1000000), "1,000,000");
 }
 
-TEST(WhyOffline, IsNothingForAPrinterThatIsOnLine) {
+TEST(WhyOffline, IsEmptyForAPrinterThatIsOnLine) {
   QuorPrinterStatus_2 status = {};
   status.coverOpen = 1;  // the rest of its text does not matter
   EXPECT_EQ(whyOffline(status), "");

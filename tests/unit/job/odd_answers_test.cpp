@@ -26,7 +26,7 @@ PrintResult printOn(const Script& script, PrintJob::Options options = {.proof = 
 
 const test::Bytes statusRequest = bytes("1b 06 01");
 
-TEST(OddAnswers, OfAnotherKindThanLineModeRefuseTheJob) {
+TEST(OddAnswers, ThatAreNotLineModeStatusesRefuseTheJob) {
   // Long enough for a counter, but without the mark of the kind; and too short for a block.
   for (const char* const block : {"09 01 00 00 00 00 00 00 05", "01"}) {
     const PrintResult result =
@@ -36,7 +36,7 @@ TEST(OddAnswers, OfAnotherKindThanLineModeRefuseTheJob) {
   }
 }
 
-TEST(OddAnswers, WithoutACounterRefuseTheJobAndSaySo) {
+TEST(OddAnswers, WithoutACounterRefuseTheJobWithThatReason) {
   for (const char* const block : {"82 01", "86 01 00 00 00 00"}) {
     const PrintResult result =
         printOn(Script().wheneverAsked(statusRequest, {{bytes(block), 0.0}}));
@@ -45,7 +45,7 @@ TEST(OddAnswers, WithoutACounterRefuseTheJobAndSaySo) {
   }
 }
 
-TEST(OddAnswers, ThatAreOwedForeverRefuseTheJob) {
+TEST(OddAnswers, ThatNeverArriveRefuseTheJob) {
   Script script;
   script.whenAsked(statusRequest, {});  // asked again, and answered once for two questions
   script.wheneverAsked(statusRequest, {{bytes("89 01 00 00 00 00 00 00 05"), 0.0}});
@@ -54,7 +54,7 @@ TEST(OddAnswers, ThatAreOwedForeverRefuseTheJob) {
   EXPECT_EQ(result.reason, "the printer has not answered all that it was asked");
 }
 
-TEST(OddAnswers, ThatArriveTwiceAreNotTakenForTheNextOne) {
+TEST(OddAnswers, ThatArriveTwiceAreNotTakenForTheNextAnswer) {
   const auto fresh = bytes("89 01 00 00 00 00 00 00 05");
   Script script;
   script.whenAsked(statusRequest, {{fresh, 0.0}, {fresh, 0.0}});
@@ -77,7 +77,7 @@ TEST(OddAnswers, ThatChangeTheirKindDuringTheJobConfirmNothing) {
   EXPECT_EQ(result.reason, "the printer's last two answers do not agree after all 8 bytes");
 }
 
-TEST(OddAnswers, OfAPrinterThatTalksWithoutEndRefuseTheJob) {
+TEST(OddAnswers, ThatNeverStopRefuseTheJob) {
   const test::Bytes chatter(std::size_t{2} << 20U, 'x');
   Script script;
   script.wheneverAsked(statusRequest, {{bytes("89 01 00 00 00 00 00 00 05"), 0.0}});
@@ -114,14 +114,14 @@ TEST(OddAnswers, ThatAreInvalidAreReportedWithoutAWaitingTime) {
             "use by another program");
 }
 
-TEST(OddAnswers, WithACounterThatIsNotResetSaySo) {
+TEST(OddAnswers, WithACounterThatIsNotResetAreReported) {
   const PrintResult result =
       printOn(Script().wheneverAsked(statusRequest, {{bytes("89 01 00 00 00 00 03 00 05"), 0.0}}));
   EXPECT_EQ(result.outcome, PrintOutcome::Refused);
   EXPECT_EQ(result.reason, "the printer did not reset its counter within 2 s");
 }
 
-TEST(OddAnswers, AFullLinkThatIsLostIsALostLink) {
+TEST(OddAnswers, AFullLinkThatEndsIsReportedAsLost) {
   const PrintResult result = printOn(Script().hasNoSpace().isLost(1.0), {.proof = ProofKind::None});
   EXPECT_EQ(result.outcome, PrintOutcome::Refused);
   EXPECT_EQ(result.obstacle, PrintObstacle::LinkLost);

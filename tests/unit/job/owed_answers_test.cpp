@@ -11,7 +11,7 @@ const Bytes lineModeRequest = {0x1b, 0x2a, 0x72, 0x42, 0x1b, 0x1d, 0x03,
                                0x04, 0x00, 0x00, 0x1b, 0x06, 0x01};
 const Bytes statusBlock = {0x89, 1, 0x80, 0x81, 0x82, 0, 0, 0, 5};
 
-TEST(OwedAnswers, AreOwedFromTheRequestToTheEndOfTheBlockHoweverBothAreCut) {
+TEST(OwedAnswers, CountFromTheRequestToTheEndOfTheBlockInPiecesOfAnySize) {
   OwedAnswers answers(ZKEmulationQuorLine);
   EXPECT_FALSE(answers.isAnyOwed());
   for (const auto byte : lineModeRequest) {
@@ -38,7 +38,7 @@ TEST(OwedAnswers, AreCountedOneByOne) {
   EXPECT_FALSE(answers.isAnyOwed());
 }
 
-TEST(OwedAnswers, ThatArrivedUnaskedDoNotCountOnceForgotten) {
+TEST(OwedAnswers, IgnoreBytesThatArrivedUnasked) {
   OwedAnswers answers(ZKEmulationQuorLine);
   answers.read(statusBlock);
   answers.written(lineModeRequest);
@@ -53,7 +53,7 @@ TEST(OwedAnswers, ThatArrivedUnaskedDoNotCountOnceForgotten) {
   EXPECT_TRUE(answers.isAnyOwed());
 }
 
-TEST(OwedAnswers, AreNotPaidByBytesOfAnotherKind) {
+TEST(OwedAnswers, IgnoreBytesOfAnotherKind) {
   OwedAnswers answers(ZKEmulationQuorLine);
   answers.written(lineModeRequest);
   answers.read(Bytes{0x00, 0x09, 0x81, 0xc9});
@@ -78,7 +78,7 @@ TEST(OwedAnswers, InESCPOSAreSingleBytesOutsideOfReports) {
   EXPECT_EQ(answers.last(), Bytes{0x1a});
 }
 
-TEST(OwedAnswers, InESCPOSAreNotPaidByTheCharactersOfAProcessId) {
+TEST(OwedAnswers, InESCPOSIgnoreTheCharactersOfAProcessId) {
   OwedAnswers answers(ZKEmulationESCPOS);
   answers.written(Bytes{0x10, 0x04, 0x01});
   for (const std::uint8_t byte : Bytes{0x37, 0x22, '2', '6', '2', '6', 0x00}) {

@@ -186,7 +186,7 @@ TEST(CountedCommands, AreLongerThanTheDataIfAByteIsMissing) {
   }
 }
 
-TEST(UnknownCommands, HaveNoEnd) {
+TEST(UnknownCommands, HaveNoKnownEnd) {
   const std::vector<std::uint8_t> unknown[] = {
       {0x10, 0x14, 9},
       {0x1b, 0x28, '@', 0, 0},

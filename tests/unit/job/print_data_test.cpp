@@ -121,7 +121,7 @@ const Case cases[] = {
     {"a command's first byte at the end", {'a', 0x1b}, false, false},
 };
 
-TEST(ConfirmationObstacle, IsFoundOutsideOfCountedPayloadAlone) {
+TEST(ConfirmationObstacle, IsFoundOnlyOutsideOfCountedPayload) {
   for (const Case& row : cases) {
     EXPECT_EQ(!confirmationObstacle(row.data, ZKEmulationQuorLine), row.confirmableInLineMode)
         << row.what;
@@ -208,7 +208,7 @@ TEST(CommandEnd, IsTheEndOfTheCommandAroundAPlace) {
   EXPECT_EQ(commandEnd(Bytes{0x1b, 0xff, 0x1d, 0x76}, 3), 3U) << "nobody knows";
 }
 
-TEST(EndSignObstacle, IsACommandAtWhichAPrinterDropsDataOutsideOfImages) {
+TEST(EndSignObstacle, IsACommandOutsideOfImagesThatMakesThePrinterDropData) {
   EXPECT_EQ(endSignObstacle(Bytes{'a', '\n'}), std::nullopt);
   for (const Bytes& data : {Bytes{'a', 0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00},
                             Bytes{0x1b, 0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00},
@@ -217,7 +217,7 @@ TEST(EndSignObstacle, IsACommandAtWhichAPrinterDropsDataOutsideOfImages) {
   }
 }
 
-TEST(EndSignObstacle, IsNoneInsideAnImageUnlessItActsInRealTime) {
+TEST(EndSignObstacle, InsideAnImageIsOnlyARealTimeCommand) {
   EXPECT_EQ(endSignObstacle(Bytes{0x1d, 0x76, 0x30, 0, 1, 0, 3, 0, 0x1b, 0x1d, 0x03}),
             std::nullopt);
   EXPECT_THAT(

@@ -16,7 +16,7 @@ class InBothEmulations : public testing::TestWithParam<ZKEmulation> {};
 INSTANTIATE_TEST_SUITE_P(Job, InBothEmulations,
                          testing::Values(ZKEmulationQuorLine, ZKEmulationESCPOS), emulationName);
 
-TEST_P(InBothEmulations, AJobThatIsOnPaperIsPrinted) {
+TEST_P(InBothEmulations, AJobThatIsOnPaperIsReportedAsPrinted) {
   Till till(GetParam());
   const PrintResult result = till.print(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Printed) << result.reason;
@@ -29,7 +29,7 @@ TEST_P(InBothEmulations, AJobThatIsOnPaperIsPrinted) {
   EXPECT_EQ(till.printed(), receiptText);
 }
 
-TEST_P(InBothEmulations, AJobWaitsForNoAnswerThatCannotArrive) {
+TEST_P(InBothEmulations, AJobDoesNotWaitForAnAnswerThatCannotArrive) {
   Till till(GetParam());
   Clock& clock = till.platform->clock();
   const auto start = clock.monotonic();
@@ -120,7 +120,7 @@ TEST_P(InBothEmulations, AJobWithoutAnAnswerToItsEndReportsNoEarlierStatus) {
   EXPECT_EQ(result.status.has_value(), GetParam() == ZKEmulationQuorLine);
 }
 
-TEST_P(InBothEmulations, AnEndOfBlockMarkInTheDataIsNeverTakenForTheJobs) {
+TEST_P(InBothEmulations, AMarkInTheDataIsNeverTakenForTheEndOfTheJob) {
   ByteBuffer data = receiptText;
   data.insert(data.begin() + 5, {0x17, 0x17, 0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00});
   Till till(PrinterBuilder().speed(10), {.emulation = GetParam()});
@@ -130,7 +130,7 @@ TEST_P(InBothEmulations, AnEndOfBlockMarkInTheDataIsNeverTakenForTheJobs) {
   EXPECT_EQ(result.bytesAccepted, data.size());
 }
 
-TEST_P(InBothEmulations, AJobWithAStrayMarkThatWasPrintedSaysWhyItIsNotConfirmed) {
+TEST_P(InBothEmulations, AJobWithAMarkInItsDataReportsWhyItIsNotConfirmed) {
   ByteBuffer data = receiptText;
   data.push_back(0x17);
   Till till(GetParam());
@@ -165,7 +165,7 @@ TEST_P(InBothEmulations, AJobIsNotConfirmedByLateAnswersToEarlierJobs) {
   }
 }
 
-TEST_P(InBothEmulations, AJobWhoseAnswersAreLateIsPrintedAllTheSame) {
+TEST_P(InBothEmulations, AJobWithLateAnswersIsStillConfirmed) {
   Till till(GetParam());
   till.port->close();
   till.accessory->setFaults(with("late-reply", "2000"));
@@ -175,7 +175,7 @@ TEST_P(InBothEmulations, AJobWhoseAnswersAreLateIsPrintedAllTheSame) {
   EXPECT_EQ(result.outcome, PrintOutcome::Printed) << result.reason;
 }
 
-TEST_P(InBothEmulations, AnImageWhosePayloadHoldsAMarkIsAnHonestJob) {
+TEST_P(InBothEmulations, AMarkInThePayloadOfAnImageDoesNotPreventConfirmation) {
   ByteBuffer data = {0x1d, 0x76, 0x30, 0, 2, 0, 2, 0, 0x17, 0x17, 0x10, 0x04, 0x0a};
   Till till(GetParam());
   const PrintResult result = till.print(data);
@@ -199,7 +199,7 @@ TEST_P(InBothEmulations, ALinkLostInMidJobIsReportedWithTheExactCount) {
   EXPECT_THAT(result.reason, testing::StartsWith("link lost after 1,"));
 }
 
-TEST_P(InBothEmulations, ALinkLostAnywhereIsALostLinkThoughAnswersAreUnread) {
+TEST_P(InBothEmulations, ALostLinkIsReportedEvenIfAnswersAreUnread) {
   for (const char* const kind : {"cut-after-in", "cut-after-out"}) {
     for (int bytes = 1; bytes < 250; ++bytes) {
       Till till(GetParam());
@@ -223,7 +223,7 @@ TEST_P(InBothEmulations, APortThatIsNotOpenRefusesTheJob) {
   EXPECT_EQ(result.obstacle, PrintObstacle::LinkLost);
 }
 
-TEST_P(InBothEmulations, APrinterThatTakesNothingMoreFailsTheJobAtTheTimeout) {
+TEST_P(InBothEmulations, AJobFailsAtTheTimeoutIfThePrinterTakesNoMoreData) {
   Till till(PrinterBuilder().buffer(1000).speed(100),
             {.emulation = GetParam(), .timeoutMillis = 5000});
   till.after(milliseconds(1500), "coverOpen", true);
@@ -273,7 +273,7 @@ TEST_P(InBothEmulations, ProgressGrowsFromNothingToTheWholeJob) {
   EXPECT_EQ(seen.back(), 5000U);
 }
 
-TEST(EscPosJob, ThatWasOffLineForAWhileIsNotPrintedWithoutItsReport) {
+TEST(EscPosJob, IsNotConfirmedWithoutItsReportEvenIfThePrinterIsOnLineAgain) {
   Till till(PrinterBuilder().speed(10), {.emulation = ZKEmulationESCPOS});
   till.after(milliseconds(2000), "coverOpen", true);
   till.after(milliseconds(2250), "coverOpen", false);
@@ -282,7 +282,7 @@ TEST(EscPosJob, ThatWasOffLineForAWhileIsNotPrintedWithoutItsReport) {
   EXPECT_LT(till.printed().size(), receiptText.size());
 }
 
-TEST(EscPosJob, WhoseReportAlsoCountsAnothersEndSaysSo) {
+TEST(EscPosJob, ReportsThatThePrinterCountedTheEndOfAnotherJob) {
   Till till(ZKEmulationESCPOS);
   PrintJob job(till.port, {.progress = [&till](const PrintProgress& progress) {
                  if (progress.stage == PrintStage::Data && progress.bytesAccepted == 0) {
@@ -298,7 +298,7 @@ TEST(EscPosJob, WhoseReportAlsoCountsAnothersEndSaysSo) {
             "the printer reported 2 ends of jobs instead of this one's after all 45 bytes");
 }
 
-TEST(EscPosJob, WhoseLastStatusIsSpoiltSaysSo) {
+TEST(EscPosJob, ReportsThatItsLastStatusIsInvalid) {
   Till till(ZKEmulationESCPOS);
   till.port->close();
   till.accessory->setFaults(with("stray-byte", "00"));
@@ -308,7 +308,7 @@ TEST(EscPosJob, WhoseLastStatusIsSpoiltSaysSo) {
   EXPECT_EQ(result.reason, "the printer's last status could not be had after all 45 bytes");
 }
 
-TEST(EscPosJob, IsNotConfirmedByTheLateReportOfAnEarlierOne) {
+TEST(EscPosJob, IsNotConfirmedByTheLateReportOfAnEarlierJob) {
   Till till(PrinterBuilder().speed(10), {.emulation = ZKEmulationESCPOS});
   till.port->setEndCheckedBlockTimeoutMillis(1000);
   EXPECT_EQ(till.print(receiptText).outcome, PrintOutcome::Unconfirmed);

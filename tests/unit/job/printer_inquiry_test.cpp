@@ -64,7 +64,7 @@ TEST(PrinterInquiry, ReturnsTheStatusOfAPrinterThatAnswers) {
   EXPECT_EQ(asked.inquiry.heard(), offLine);
 }
 
-TEST(PrinterInquiry, TakesNoOtherAnswerForAStatus) {
+TEST(PrinterInquiry, RefusesAnAnswerThatIsNotAStatus) {
   for (const char* const answer : {"09 01 00 00 00 00 00 00 05", "48 54 54 50 2f 31 2e 31 20", "81",
                                    "89 02 00 00 00 00 00 00 05"}) {
     const test::Bytes long63(63, 0);
@@ -91,7 +91,7 @@ TEST(PrinterInquiry, AsksNothingWithoutAKnownEmulation) {
   EXPECT_EQ(causeOf([&] { asked.inquiry.firmware(); }), InquiryCause::UnknownEmulation);
 }
 
-TEST(PrinterInquiry, HearsAPrinterOutWhoseFirstAnswerArrivesInPieces) {
+TEST(PrinterInquiry, WaitsForTheRestOfAFirstAnswerInPieces) {
   Script script;
   const test::Bytes head(offLine.begin(), offLine.begin() + 1);
   const test::Bytes rest(offLine.begin() + 1, offLine.end());
@@ -102,7 +102,7 @@ TEST(PrinterInquiry, HearsAPrinterOutWhoseFirstAnswerArrivesInPieces) {
   EXPECT_FALSE(asked.inquiry.isOnline());
 }
 
-TEST(PrinterInquiry, TakesNoPartOfAnAnswerForTheOnlineStateWhenItArrivesWithinTheTimeout) {
+TEST(PrinterInquiry, DoesNotTakePartOfALateAnswerForTheOnlineState) {
   // Bytes within the block look like the answers of a printer that is on line.
   const test::Bytes head = bytes("8c 01");
   const test::Bytes soon = bytes("12 12 12");
@@ -130,7 +130,7 @@ TEST(PrinterInquiry, ReturnsTheOnlineStateInEscPos) {
   EXPECT_TRUE(asked.inquiry.isOnline());
 }
 
-TEST(PrinterInquiry, TakesNoPartOfAnAnswerForTheFirmwareInEscPos) {
+TEST(PrinterInquiry, DoesNotTakePartOfAnAnswerForTheFirmwareInEscPos) {
   for (const char* const answer : {"12 5f 56 31 00", "5f 56 31", "5f"}) {
     Script script;
     for (const char* const query : {"10 04 01", "10 04 02", "10 04 04"}) {
@@ -142,7 +142,7 @@ TEST(PrinterInquiry, TakesNoPartOfAnAnswerForTheFirmwareInEscPos) {
   }
 }
 
-TEST(PrinterInquiry, SaysThatAnOffLinePrinterIsNotAskedForItsFirmware) {
+TEST(PrinterInquiry, ReportsThatAnOffLinePrinterIsNotAskedForItsFirmware) {
   Asked asked(Script().wheneverAsked(statusRequest, {{offLine, 0.0}}));
   EXPECT_EQ(causeOf([&] { asked.inquiry.firmware(); }), InquiryCause::NotReady);
 }
@@ -153,7 +153,7 @@ TEST(PrinterInquiry, ReturnsTheButtonSecurityTimeout) {
   EXPECT_EQ(asked.inquiry.buttonSecurityTimeout(), std::chrono::milliseconds(12'000));
 }
 
-TEST(PrinterInquiry, TakesNoOtherAnswerForAButtonSecurityTimeout) {
+TEST(PrinterInquiry, RefusesAnAnswerThatIsNotAButtonSecurityTimeout) {
   for (const char* const answer : {"00 00 00 00 00 00 00", "1b 23 2c 33 40 00 0a",
                                    "00 1b 23 2c 31 40 0a", "1b 23 2c 31 40 00 00"}) {
     Asked asked(Script().wheneverAsked(bytes("1b 23 2c 31 0a 00"), {{bytes(answer), 0.0}}));
@@ -162,7 +162,7 @@ TEST(PrinterInquiry, TakesNoOtherAnswerForAButtonSecurityTimeout) {
   }
 }
 
-TEST(PrinterInquiry, SaysThatTheLinkDidNotTakeAWholeCommand) {
+TEST(PrinterInquiry, ReportsThatTheLinkDidNotTakeAWholeCommand) {
   Asked asked(Script().hasNoSpace());
   EXPECT_EQ(causeOf([&] { asked.inquiry.dropAll(); }), InquiryCause::NoAnswer);
 }

@@ -56,7 +56,7 @@ TEST_P(ChosenProof, ConfirmsAJobOnlyAfterThePrinterHasPrintedIt) {
   EXPECT_FALSE(std::ranges::search(paper, receiptText).empty());
 }
 
-TEST(NoChosenProof, LeavesTheJobUnconfirmedAtOnceAfterTheData) {
+TEST(PrinterWithoutProof, LeavesTheJobUnconfirmedDirectlyAfterTheData) {
   Till till = tillWith(printerWith("none"));
   const auto start = till.platform->clock().monotonic();
   const PrintResult result = PrintJob(till.port).run(receiptText);
@@ -66,7 +66,7 @@ TEST(NoChosenProof, LeavesTheJobUnconfirmedAtOnceAfterTheData) {
   EXPECT_THAT(result.reason, testing::StartsWith("this printer confirms nothing"));
 }
 
-TEST(NoChosenProof, IsNotAskedForAgainOnThePort) {
+TEST(PrinterWithoutProof, IsNotAskedAgainOnTheSamePort) {
   Till till = tillWith(printerWith("none"));
   EXPECT_TRUE(PrintJob(till.port).run(receiptText).hasAskedForProof);
   const auto start = till.platform->clock().monotonic();
@@ -76,7 +76,7 @@ TEST(NoChosenProof, IsNotAskedForAgainOnThePort) {
   EXPECT_EQ(second.outcome, PrintOutcome::Unconfirmed);
 }
 
-TEST(NoChosenProof, IsAskedForAgainAfterALateAnswer) {
+TEST(PrinterWithoutProof, IsAskedAgainAfterALateAnswer) {
   Till till = tillWith(printerWith("process-id"));
   till.reopenWith(with("late-reply", "1500@process-id"));
   EXPECT_EQ(PrintJob(till.port).run(receiptText).proof, ProofKind::None);
@@ -87,7 +87,7 @@ TEST(NoChosenProof, IsAskedForAgainAfterALateAnswer) {
   EXPECT_EQ(PrintJob(till.port).run(receiptText).proof, ProofKind::ProcessId);
 }
 
-TEST(NoChosenProof, IsNotAskedForOfAPrinterThatIsNotReady) {
+TEST(PrinterWithoutProof, IsNotAskedWhileItIsNotReady) {
   Till till = tillWith(printerWith("none"));
   PrintJob(till.port).run(receiptText);
   till.set("coverOpen", true);
@@ -96,7 +96,7 @@ TEST(NoChosenProof, IsNotAskedForOfAPrinterThatIsNotReady) {
   EXPECT_EQ(result.reason, "cover open");
 }
 
-TEST(NamedProof, OfTheDeviceSavesTheQuestion) {
+TEST(NamedProof, OfTheDeviceIsUsedWithoutAskingThePrinter) {
   Till till(printerWith("process-id+in-order"),
             {.emulation = ZKEmulationESCPOS, .proof = ProofKind::InOrder});
   const PrintResult result = PrintJob(till.port).run(receiptText);
@@ -105,7 +105,7 @@ TEST(NamedProof, OfTheDeviceSavesTheQuestion) {
   EXPECT_FALSE(result.hasAskedForProof);
 }
 
-TEST(NamedProof, OfTheJobBeatsThatOfTheDevice) {
+TEST(NamedProof, OfTheJobOverridesThatOfTheDevice) {
   Till till(printerWith("process-id+in-order"),
             {.emulation = ZKEmulationESCPOS, .proof = ProofKind::InOrder});
   EXPECT_EQ(PrintJob(till.port, {.proof = ProofKind::ProcessId}).run(receiptText).proof,
@@ -115,7 +115,7 @@ TEST(NamedProof, OfTheJobBeatsThatOfTheDevice) {
   EXPECT_TRUE(asked.hasAskedForProof);
 }
 
-TEST(NamedProof, OfNoneLeavesThePrinterUnasked) {
+TEST(NamedProof, NoneMeansThatThePrinterIsNotAsked) {
   Till till(printerWith("block"), {.emulation = ZKEmulationESCPOS, .proof = ProofKind::None});
   const PrintResult result = PrintJob(till.port).run(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
@@ -144,7 +144,7 @@ class EndSignProof : public testing::TestWithParam<ProofKind> {
 INSTANTIATE_TEST_SUITE_P(Job, EndSignProof,
                          testing::Values(ProofKind::ProcessId, ProofKind::InOrder));
 
-TEST_P(EndSignProof, WaitsForAPrinterThatPausesAndSaysWhy) {
+TEST_P(EndSignProof, WaitsForAPrinterThatPausesAndReportsWhy) {
   Till till = tillWith(printerWith(name()).speed(10));
   till.after(milliseconds(2000), "coverOpen", true);
   till.after(milliseconds(5000), "coverOpen", false);
@@ -156,7 +156,7 @@ TEST_P(EndSignProof, WaitsForAPrinterThatPausesAndSaysWhy) {
   EXPECT_THAT(waits, testing::Contains("cover open"));
 }
 
-TEST_P(EndSignProof, IsGivenUpAtTheEndTimeoutWithTheCause) {
+TEST_P(EndSignProof, EndsAtTheEndTimeoutAndNamesTheCause) {
   Till till = tillWith(printerWith(name()).speed(10));
   till.port->setEndCheckedBlockTimeoutMillis(5000);
   till.after(milliseconds(2000), "coverOpen", true);
@@ -179,7 +179,7 @@ TEST_P(EndSignProof, IsNotGivenByAPrinterThatDoesNotKnowIt) {
   EXPECT_EQ(printBy(till).outcome, PrintOutcome::Unconfirmed);
 }
 
-TEST_P(EndSignProof, IsNeitherFakedNorSpoiltByTheSameCommandsInTheData) {
+TEST_P(EndSignProof, IsNotAffectedByTheSameCommandsInTheData) {
   for (const char* const question : {"1d 28 48 06 00 30 30 41 42 43 44", "1d 72 01"}) {
     for (const char* const wrapped : {"", "1d 76 30 00 0b 00 01 00 "}) {
       ByteBuffer data = test::bytes(std::string(wrapped) + question);
@@ -232,7 +232,7 @@ INSTANTIATE_TEST_SUITE_P(
                     SignFault{ProofKind::InOrder, "foreign-reply", "in-order", false},
                     SignFault{ProofKind::InOrder, "drop-reply", "in-order", false}));
 
-TEST_P(FaultySign, IsNeverTakenForProofNorLostAsOne) {
+TEST_P(FaultySign, ConfirmsTheJobOnlyIfItIsUnambiguousAndInTime) {
   Till till = tillWith(printerWith("process-id+in-order"));
   till.reopenWith(with(GetParam().name, GetParam().value));
   const PrintResult result = PrintJob(till.port, {.proof = GetParam().proof}).run(receiptText);
@@ -240,7 +240,7 @@ TEST_P(FaultySign, IsNeverTakenForProofNorLostAsOne) {
   EXPECT_NE(result.outcome, PrintOutcome::Refused);
 }
 
-TEST(InOrderSign, IsNotFakedByAStrayByteBeforeThePrinterHasPrinted) {
+TEST(InOrderSign, CannotBeFakedByAStrayByteWhileThePrinterPrints) {
   for (int reply = 4; reply <= 12; ++reply) {
     Till till = tillWith(printerWith("in-order").speed(10));
     till.reopenWith(with("stray-byte", ("00@" + std::to_string(reply)).c_str()));
@@ -251,7 +251,7 @@ TEST(InOrderSign, IsNotFakedByAStrayByteBeforeThePrinterHasPrinted) {
   }
 }
 
-TEST(InOrderSign, IsNotFakedByAnswersThatAnEarlierJobHasLeftOwed) {
+TEST(InOrderSign, CannotBeFakedByLateAnswersToAnEarlierJob) {
   Till till = tillWith(printerWith("in-order").speed(10));
   till.port->setEndCheckedBlockTimeoutMillis(1000);
   PrintJob::Options options{.proof = ProofKind::InOrder};
@@ -277,7 +277,7 @@ TEST(CancelledJob, WithoutABlockClearsThePrintersBuffer) {
   }
 }
 
-TEST(ProcessIds, AreNewEachTimeAndAlikeInEachRunOfVirtualTime) {
+TEST(ProcessIds, AreNewForEachJobAndRepeatableInVirtualTime) {
   test::VirtualPlatform one;
   test::VirtualPlatform other;
   const JobId first = randomProcessId(one);
@@ -305,7 +305,7 @@ TEST(EscPosAnswers, AreDistinguishedByTheirWholeFormInAnyPieces) {
   }
 }
 
-TEST(EscPosAnswers, KnowAnotherJobsIdFromThisOnes) {
+TEST(EscPosAnswers, DistinguishTheProcessIdOfAnotherJob) {
   EscPosAnswers answers;
   answers.feed(test::bytes("37 22 41 42 43 44 00"));
   EXPECT_TRUE(answers.hasNamed({'A', 'B', 'C', 'D'}));

@@ -52,7 +52,7 @@ TEST_P(Restart, BetweenTheDataAndItsEndLeavesTheJobUnconfirmed) {
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
 }
 
-TEST_P(Restart, IsNotNeededForAPrinterWithAnOpenCoverThatHoldsAnEarlierJob) {
+TEST_P(Restart, ARefusedJobLeavesAnEarlierJobInThePrinter) {
   Till till(PrinterBuilder().speed(100), {.emulation = GetParam()});
   till.after(std::chrono::milliseconds(1500), "coverOpen", true);
   const ByteBuffer first(450, 'a');

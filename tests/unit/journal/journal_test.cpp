@@ -97,7 +97,7 @@ TEST_F(AJournal, OfALaterVersionIsRefusedAndLeftAsItIs) {
   EXPECT_EQ(contentOf(file), before);
 }
 
-TEST_F(AJournal, IsNotMadeOfAForeignFile) {
+TEST_F(AJournal, IsNotMadeFromAnotherProgramsFile) {
   setContent(file, std::string(5000, 'x'));
   EXPECT_THAT(openError(), AllOf(HasSubstr(file), HasSubstr("not a journal")));
   EXPECT_EQ(contentOf(file), std::string(5000, 'x'));
@@ -117,7 +117,7 @@ TEST_F(AJournal, ThatCannotBeOpenedIsReportedWithItsFileAndTheReason) {
   EXPECT_THAT(errorOf<JournalError>([&] { Journal(""); }), HasSubstr("empty"));
 }
 
-TEST_F(AJournal, IsTheSameThroughEveryLink) {
+TEST_F(AJournal, IsTheSameThroughEverySymbolicLink) {
   Journal journal(file);
   std::filesystem::create_symlink(file, folder.file("link"));
   Journal linked(folder.file("link"));
@@ -225,7 +225,7 @@ TEST_F(AJournal, KeepsNothingOfTheData) {
   EXPECT_THAT(contentOf(file), testing::Not(HasSubstr("Espresso")));
 }
 
-TEST(NetworkFileSystem, IsKnownByItsName) {
+TEST(NetworkFileSystem, IsRecognisedByItsName) {
   EXPECT_EQ(networkFileSystem(0x6969), "NFS");
   EXPECT_EQ(networkFileSystem(0xff534d42), "CIFS");
   EXPECT_EQ(networkFileSystem(static_cast<unsigned long>(static_cast<int>(0xff534d42))), "CIFS");

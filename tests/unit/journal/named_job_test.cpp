@@ -148,7 +148,7 @@ TEST_P(OnceOnly, ARefusedSecondAttemptLeavesTheFirstUnconfirmed) {
   EXPECT_EQ(print(till, "receipt 1").result.outcome, PrintOutcome::Unconfirmed);
 }
 
-TEST_P(OnceOnly, APrinterThatIsAskedForDaysFillsNoDisk) {
+TEST_P(OnceOnly, RepeatedRefusalsDoNotFillTheDisk) {
   till.set("coverOpen", true);
   for (int attempt = 1; attempt <= 3; ++attempt) {
     EXPECT_EQ(print(till, "receipt 1").attempt, attempt);
@@ -171,7 +171,7 @@ TEST_P(OnceOnly, OtherDataUnderTheNameIsAUsageErrorAndSendsNothing) {
   EXPECT_EQ(till.printed(), ByteBuffer());
 }
 
-TEST_P(OnceOnly, BegunIsOnDiskBeforeTheFirstByteIsSent) {
+TEST_P(OnceOnly, TheBeginningIsOnDiskBeforeTheFirstByteIsSent) {
   Journal journal(file);
   NamedJob named(journal, request("receipt 1"), receiptText);
   std::vector<std::string> seen;
@@ -231,7 +231,7 @@ TEST_P(OnceOnly, APrinterThatCannotBeReachedIsRecordedAsRefused) {
   EXPECT_EQ(print(till, "receipt 1").result.outcome, PrintOutcome::Printed);
 }
 
-TEST_P(OnceOnly, AnAnswerSaysWhetherAPersonWasToldThatNobodyKnows) {
+TEST_P(OnceOnly, AnAnswerShowsWhetherAPersonWasInformed) {
   dieInTheMiddle("receipt 1");
   Journal journal(file);
   const std::int64_t begun = onlyJob().begun;
@@ -262,7 +262,7 @@ TEST_P(OnceOnly, ALaterAttemptIsNotMarkedAsTold) {
   EXPECT_FALSE(NamedJob(journal, request("receipt 1"), receiptText).answer()->told);
 }
 
-TEST_P(OnceOnly, TellingOfAnUnknownNameChangesNothing) {
+TEST_P(OnceOnly, MarkingAnUnknownNameAsToldChangesNothing) {
   Journal journal(file);
   NamedJob(journal, request("receipt 1"), receiptText).tell();
   EXPECT_TRUE(journal.jobs().empty());

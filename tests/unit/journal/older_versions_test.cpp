@@ -81,7 +81,7 @@ TEST_F(AnOlderJournal, IsConvertedWithAllItsRows) {
   EXPECT_EQ(Journal(file).jobs().size(), 4U) << "and opens again";
 }
 
-TEST_F(AnOlderJournal, AnswersAndPrintsOn) {
+TEST_F(AnOlderJournal, AnswersEarlierNamesAndTakesNewJobs) {
   Till till(ZKEmulationQuorLine);
   const auto printed = print(till, "receipt 1");
   EXPECT_TRUE(printed.isRepeated);

@@ -75,7 +75,7 @@ TEST_F(ALock, OfOneByteLeavesTheOthersFree) {
   EXPECT_FALSE(ByteLock::isTaken(file, 6));
 }
 
-TEST_F(ALock, OfAnotherProcessIsGivenBackAtItsDeath) {
+TEST_F(ALock, IsReleasedWhenTheProcessThatHoldsItDies) {
   Holder holder(file, 7);
   EXPECT_FALSE(ByteLock::tryTake(file, 7, mode));
   EXPECT_TRUE(ByteLock::isTaken(file, 7));
@@ -98,14 +98,14 @@ TEST_F(ALock, ThatIsFreeIsNotWaitedFor) {
   EXPECT_TRUE(ByteLock::take(file, 7, mode, 60s, [] { ADD_FAILURE() << "a wait"; }));
 }
 
-TEST_F(ALock, IsNotHadWhenTheTimeIsOver) {
+TEST_F(ALock, IsNotTakenAfterTheTimeout) {
   const auto held = ByteLock::tryTake(file, 7, mode);
   const auto start = std::chrono::steady_clock::now();
   EXPECT_FALSE(ByteLock::take(file, 7, mode, 30ms, {}));
   EXPECT_GE(std::chrono::steady_clock::now() - start, 30ms);
 }
 
-TEST_F(ALock, WithoutAnyTimeDoesNotWait) {
+TEST_F(ALock, WithATimeoutOfZeroDoesNotWait) {
   const auto held = ByteLock::tryTake(file, 7, mode);
   EXPECT_FALSE(ByteLock::take(file, 7, mode, 0ms, [] { ADD_FAILURE() << "a wait"; }));
 }
@@ -130,7 +130,7 @@ TEST_F(ALock, IsNotTakenWithoutAFile) {
   EXPECT_FALSE(ByteLock::isTaken(file, 1));
 }
 
-TEST(LockOffset, IsTheSameForTheSameNameAndNeverNull) {
+TEST(LockOffset, IsTheSameForTheSameNameAndNeverZero) {
   EXPECT_EQ(lockOffset("receipt 1"), lockOffset("receipt 1"));
   EXPECT_NE(lockOffset("receipt 1"), lockOffset("receipt 2"));
   EXPECT_GT(lockOffset(""), 0);

@@ -14,7 +14,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-TEST(DeviceLock, IsOneForEachDevice) {
+TEST(DeviceLock, IsSeparateForEachDevice) {
   const std::string device = "test:" + std::to_string(::getpid());
   const auto lock = takeDevice(device, 0ms);
   ASSERT_TRUE(lock);

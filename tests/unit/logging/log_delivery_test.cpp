@@ -186,7 +186,7 @@ TEST(LogDelivery, AccountsForEveryRecordOfManyThreads) {
   EXPECT_EQ(delivery.counts().dropped, dropped);
 }
 
-TEST(LogDelivery, GivesUpAFlushWhenASinkHangs) {
+TEST(LogDelivery, EndsAFlushIfASinkHangs) {
   LogDelivery delivery;
   const auto sink = std::make_shared<HangingSink>();
   delivery.addSink(sink);
@@ -223,7 +223,7 @@ TEST(LogDelivery, LetsASinkLogAndFlush) {
   EXPECT_EQ(flushed, false) << "a sink cannot wait for itself";
 }
 
-TEST(LogDelivery, CallsARemovedSinkNoMoreOnceItWasFlushed) {
+TEST(LogDelivery, DoesNotCallARemovedSinkAfterAFlush) {
   LogDelivery delivery;
   auto sink = std::make_shared<HangingSink>();
   delivery.addSink(sink);
@@ -274,7 +274,7 @@ TEST(LogDelivery, ReportsEachFailingSink) {
   EXPECT_THAT(redirected.text(), HasSubstr("an exception without a text"));
 }
 
-TEST(LogDelivery, OutlivesAStandardErrorWithoutAReader) {
+TEST(LogDelivery, ContinuesIfNobodyReadsStandardError) {
   const test::RedirectedStandardError redirected;
   std::array<int, 2> pipe{};
   ASSERT_EQ(::pipe(pipe.data()), 0);

@@ -51,7 +51,7 @@ TEST_F(RotatingFileTest, WritesBeforeTheFlushOnce256KiBHaveGathered) {
   EXPECT_EQ(std::filesystem::file_size(path_), 262'144U);
 }
 
-TEST_F(RotatingFileTest, MakesRoomBeforeTheLineThatWouldLeadBeyondTheMaximum) {
+TEST_F(RotatingFileTest, RotatesBeforeALineThatWouldExceedTheMaximum) {
   RotatingFile file(path_, {.maximumBytes = 8, .keptFiles = 5});
   put(file, {"aaa\n", "bbb\n", "ccc\n"});
   EXPECT_EQ(contents(".1"), "aaa\nbbb\n");
@@ -75,7 +75,7 @@ TEST_F(RotatingFileTest, RotatesAtOnceHoweverManyFilesAreToBeKept) {
   EXPECT_EQ(contents(".2"), "aaa\n");
 }
 
-TEST_F(RotatingFileTest, MovesNoFileAfterAFreeNumber) {
+TEST_F(RotatingFileTest, DoesNotMoveFilesAfterAGapInTheNumbers) {
   std::ofstream(path_ + ".2") << "old\n";
   RotatingFile file(path_, {.maximumBytes = 4, .keptFiles = 3});
   put(file, {"aaa\n", "bbb\n"});
@@ -84,7 +84,7 @@ TEST_F(RotatingFileTest, MovesNoFileAfterAFreeNumber) {
   EXPECT_FALSE(exists(".3"));
 }
 
-TEST_F(RotatingFileTest, KeepsNoOldFileIfZeroAreWanted) {
+TEST_F(RotatingFileTest, KeepsNoOldFileIfTheLimitIsZero) {
   RotatingFile file(path_, {.maximumBytes = 4, .keptFiles = 0});
   put(file, {"aaa\n", "bbb\n", "ccc\n"});
   EXPECT_EQ(contents(), "ccc\n");
@@ -164,7 +164,7 @@ TEST_F(RotatingFileTest, RotatesAtEachLineWhenTheMaximumIsOneByte) {
   EXPECT_EQ(contents(), "bbb\n");
 }
 
-TEST_F(RotatingFileTest, MakesAFileAnewThatWasMovedAway) {
+TEST_F(RotatingFileTest, CreatesItsFileAgainIfItWasMovedAway) {
   RotatingFile file(path_, {});
   put(file, {"one\n"});
   std::filesystem::rename(path_, path_ + ".moved");
@@ -241,7 +241,7 @@ TEST_F(RotatingFileTest, LeavesNoHalfLineWhenTheDiskIsFull) {
   EXPECT_EQ(contents(), "first\nsecond\nfourth\n");
 }
 
-TEST_F(RotatingFileTest, GrowsOnAndSaysSoOnceWhenItCannotBeRotated) {
+TEST_F(RotatingFileTest, GrowsAndReportsOnceThatItCannotBeRotated) {
   std::filesystem::create_directory(path_ + ".1");  // in the way
   RotatingFile file(path_, {.maximumBytes = 4, .keptFiles = 1});
   EXPECT_THROW(put(file, {"aaa\n", "bbb\n"}), std::system_error);

@@ -71,11 +71,11 @@ TEST(DipSwitchReply, IsFoundAfterNoise) {
   }
 }
 
-TEST(DipSwitchReply, TakesNoLineFeedInFrontOfItForItsEnd) {
+TEST(DipSwitchReply, DoesNotEndAtALineFeedBeforeIt) {
   EXPECT_EQ(settings(Bytes(20, 0x0a) + Bytes{0x1b, 0x23, 0x2c, 0x31, 0x01, 0x02}), std::nullopt);
 }
 
-TEST(DipSwitchReply, IsNotFoundCutOffAtAnyByte) {
+TEST(DipSwitchReply, IsNotFoundIfItIsCutOff) {
   for (const Bytes& pair : {Bytes{0x12, 0x34}, Bytes{0x0a, 0x0a}, Bytes{0x1b, 0x00}}) {
     const Bytes whole = reply('1', pair);
     for (auto end = whole.begin(); end != whole.end(); ++end) {

@@ -77,7 +77,7 @@ TEST(EscPosStatus, RejectsEveryOtherByteAndChangesNothing) {
   }
 }
 
-TEST(EscPosStatus, AnswersNoForAQueryThatNoByteAnswers) {
+TEST(EscPosStatus, RejectsEveryByteForAnUnknownQuery) {
   for (const StatusType query : {StatusType::All, static_cast<StatusType>(4), StatusType{~0U}}) {
     for (int byte = 0; byte < 256; ++byte) {
       const QuorPrinterStatus_2 before = recordAnswering(byte);
@@ -103,7 +103,7 @@ TEST(EscPosStatus, TakesEitherBitForPaperOutAndEitherForNearEnd) {
   }
 }
 
-TEST(EscPosStatus, ReadsTheByteForAnyLength) {
+TEST(EscPosStatus, ReadsTheByteWhateverTheLength) {
   QuorPrinterStatus_2 status = recordAnswering(0x1a);
   status.rawLength = 0;
   EXPECT_NE(BuildParsedStatusESCPOS(&status, StatusType::CashDrawer), 0);

@@ -63,7 +63,7 @@ TEST(FirmwareReply, IsFoundAfterNoise) {
   }
 }
 
-TEST(FirmwareReply, IsFoundAfterADamagedOne) {
+TEST(FirmwareReply, IsFoundAfterADamagedReply) {
   const Bytes good = head + ascii("2.0") + tail;
   for (const Bytes& damaged :
        {head, head + tail, head + ascii("1."), head + ascii("1.9") + Bytes{0x0a},
@@ -73,7 +73,7 @@ TEST(FirmwareReply, IsFoundAfterADamagedOne) {
   }
 }
 
-TEST(FirmwareReply, IsTheFirstOfTwo) {
+TEST(FirmwareReply, IsTheFirstOfTwoReplies) {
   EXPECT_EQ(text(head + ascii("one") + tail + head + ascii("three") + tail), (Place{3, 3}));
 }
 
@@ -81,7 +81,7 @@ TEST(FirmwareReply, IsFoundBeforeOtherBytes) {
   EXPECT_EQ(text(head + ascii("1") + tail + Bytes{0x89, 0x01}), (Place{3, 1}));
 }
 
-TEST(FirmwareReply, IsNotFoundCutOffAtAnyByte) {
+TEST(FirmwareReply, IsNotFoundIfItIsCutOff) {
   const Bytes reply = head + ascii("QD-80 1.4") + tail;
   for (auto end = reply.begin(); end != reply.end(); ++end) {
     EXPECT_EQ(text(Bytes(reply.begin(), end)), std::nullopt) << end - reply.begin();

@@ -75,7 +75,7 @@ TEST(LineStatus, IgnoresTheTwoBitsAfterTheLastFlag) {
   EXPECT_THAT(flagsSet(parsed(reply({0, 0, 0, 0xc0}))), IsEmpty());
 }
 
-TEST(LineStatus, TakesTheThreeStateBytesWhole) {
+TEST(LineStatus, CopiesTheThreeStateBytesUnchanged) {
   for (unsigned value = 0; value < 256; ++value) {
     const auto byte = static_cast<std::uint8_t>(value);
     const auto inverse = static_cast<std::uint8_t>(~value);
@@ -133,7 +133,7 @@ TEST(LineStatus, ReadsNoByteBeyondTheRecord) {
   }
 }
 
-TEST(LineStatus, TakesALengthBeyondTheRawBytesForTheirCapacity) {
+TEST(LineStatus, LimitsTheLengthToTheCapacityOfTheRawBytes) {
   for (const std::uint32_t hostile : {64U, 255U, 0x7fffffffU, 0xffffffffU}) {
     QuorPrinterStatus_2 status = recordHolding(reply({0x05, 0, 0, 0}, {7, 1, 2}));
     status.rawLength = hostile;

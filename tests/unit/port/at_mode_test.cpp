@@ -98,7 +98,7 @@ TEST(ModuleReply, IsTheTitleAndTheCharactersAfterIt) {
             "End | *AILBA:, 12, 10000, -> *AILBA:0011223344FF\n");
 }
 
-TEST(ModuleReply, IsTheErrorAtAnyPlace) {
+TEST(ModuleReply, IsTheErrorWhereverItArrives) {
   const Outcome run = receiving(fine + ascii("x") + failed).run(getPrinterResponse("T", 1, 1000));
   EXPECT_EQ(run.result, "\"\r\nERROR\r\n\"") << "the error is looked for first";
   EXPECT_NE(run.records(reader).find("[printerResponse rangeOfString:responseNG2].location != "
@@ -107,7 +107,7 @@ TEST(ModuleReply, IsTheErrorAtAnyPlace) {
   EXPECT_TRUE(run.records(reader).ends_with("End | T, 1, 1000, -> \r\nERROR\r\n\n"));
 }
 
-TEST(ModuleReply, IsTheOkWithoutATitle) {
+TEST(ModuleReply, IsTheOkIfNoTitleIsGiven) {
   const Outcome run = receiving(ascii("a") + fine).run(getPrinterResponse({}, 5, 1000));
   EXPECT_EQ(run.result, "\"\r\nOK\r\n\"");
   EXPECT_TRUE(run.records(reader).starts_with("Start | (null), 5, 1000\n"));
@@ -115,7 +115,7 @@ TEST(ModuleReply, IsTheOkWithoutATitle) {
       "Process | settingTitle == nil, 0x0\nEnd | (null), 5, 1000, -> \r\nOK\r\n\n"));
 }
 
-TEST(ModuleReply, IsTheRestFromTheTitleWithALengthOf0) {
+TEST(ModuleReply, IsEverythingFromTheTitleOnIfTheLengthIs0) {
   const Outcome run =
       receiving(ascii("abTITLE=7") + fine).run(getPrinterResponse("TITLE", 0, 1000));
   EXPECT_EQ(run.result, "\"TITLE=7\r\nOK\r\n\"");

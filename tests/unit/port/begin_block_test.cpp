@@ -25,7 +25,7 @@ TEST(BeginBlockInLineMode, TakesAllStepsWithoutASleep) {
       << "line mode always asks for level 2";
 }
 
-TEST(BeginBlockInLineMode, WaitsForNoAnswerToCommandsWithoutOne) {
+TEST(BeginBlockInLineMode, DoesNotWaitAfterCommandsThatAreNeverAnswered) {
   Scenario scenario = lineModePrinter();
   scenario.dataTimeoutSeconds = 10;
   scenario.script.expects = Script::Expects::WhereAsked;
@@ -59,7 +59,7 @@ TEST(BeginBlockInLineMode, FailsWithoutAFirstStatus) {
   )"));
 }
 
-TEST(BeginBlockInLineMode, KeepsTheCodeFailedWhenTheStatusThrows) {
+TEST(BeginBlockInLineMode, HasTheResultCodeFailedIfTheStatusThrows) {
   Scenario scenario = lineModePrinter();
   scenario.script.isLost();
   const Outcome run = scenario.run(beginCheckedBlock());
@@ -80,7 +80,7 @@ TEST(BeginBlockInLineMode, FailsWhenTheCounterCannotBeReset) {
             std::string::npos);
 }
 
-TEST(BeginBlockInLineMode, LooksAtTheConnectionBeforeTheWaitsFirstStatus) {
+TEST(BeginBlockInLineMode, ChecksTheConnectionBeforeTheFirstStatusOfTheWait) {
   Scenario scenario = lineModePrinter();
   scenario.script.isLostAfterBytes(13 + 4);
   const Outcome run = scenario.run(beginCheckedBlock());
@@ -89,7 +89,7 @@ TEST(BeginBlockInLineMode, LooksAtTheConnectionBeforeTheWaitsFirstStatus) {
   EXPECT_THAT(run.records(method), failedBy("self.isConnected: 0"));
 }
 
-TEST(BeginBlockInLineMode, LogsTheConnectionOfALostLinkByAFreshQuestion) {
+TEST(BeginBlockInLineMode, ChecksTheConnectionAgainToLogALostLink) {
   Scenario scenario = lineModePrinter();
   std::vector<bool> answers(6 + 2, true);  // the first status, and the reset
   answers.push_back(false);
@@ -153,7 +153,7 @@ TEST(BeginBlockInLineMode, ChoosesTheLimitAnewInEachPass) {
   EXPECT_THAT(run.records(method), timedOut("waitTimeout", 1, 3));
 }
 
-TEST(BeginBlockInLineMode, IsEndedWithoutErrorByAPrinterThatBecomesOffLine) {
+TEST(BeginBlockInLineMode, EndsWithoutAnErrorIfThePrinterBecomesOffLine) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.whenAsked(lineRequest, whole(lineStatus({}, 1)))
       .whenAsked(lineRequest, whole(lineStatus({offlineFlag, paperPresentFlag}, 1)));
@@ -276,14 +276,14 @@ TEST(BeginBlockInEscPos, TakesAllSteps) {
   EXPECT_EQ(run.records("getParsedStatus:level:").substr(0, 20), "Start | <status>, 5\n");
 }
 
-TEST(BeginBlockInEscPos, BeginsAlsoWhenThePrinterIsOffLine) {
+TEST(BeginBlockInEscPos, BeginsEvenIfThePrinterIsOffLine) {
   const Outcome run = escPosPrinter("1a").run(beginCheckedBlock());
   EXPECT_EQ(run.result, "true");
   EXPECT_EQ(run.caller.resultCode, 0);
   EXPECT_EQ(run.caller.status.offline, 1U);
 }
 
-TEST(BeginBlockInEscPos, BeginsAlsoWithoutAStatus) {
+TEST(BeginBlockInEscPos, BeginsEvenWithoutAStatus) {
   const Outcome run = escPosPrinter("00").run(beginCheckedBlock());
   EXPECT_EQ(run.result, "true");
   EXPECT_EQ(run.caller.resultCode, 0);
@@ -306,7 +306,7 @@ TEST(BeginBlockInEscPos, AsksForTheLostConnectionOnlyOnce) {
   EXPECT_THAT(run.records(method), failedBy("self.isConnected: 0"));
 }
 
-TEST(BeginBlockInEscPos, LetsAnExceptionOfTheStatusPass) {
+TEST(BeginBlockInEscPos, ThrowsTheExceptionOfTheStatus) {
   Scenario scenario = Scenario::in(escPos);
   scenario.script.isLost(0.5);
   const Outcome run = scenario.run(beginCheckedBlock());

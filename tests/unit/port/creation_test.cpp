@@ -28,7 +28,7 @@ class NewPort : public testing::Test {
   Logging logging_{true};
 };
 
-TEST_F(NewPort, OffTheMainThreadMakesNoPortThread) {
+TEST_F(NewPort, OnAnotherThreadStartsNoPortThread) {
   const Port port = create("BT:Shop", "d10", 5000, ZKEmulationESCPOS);
   EXPECT_EQ(port->thread71(), nullptr);
   EXPECT_EQ(whole(world_.trace().lines()), text(R"(
@@ -133,7 +133,7 @@ TEST_F(NewPort, LetsTheApplicationChangeItsLimits) {
   EXPECT_EQ(port->timeoutMillis(), 10000U);
 }
 
-TEST_F(NewPort, LetsTheOtherWritablePropertiesBeSetWhole) {
+TEST_F(NewPort, LetsItsOtherPropertiesBeSet) {
   const Port port = create();
   port->setName("n");
   port->setSerialNumber("s");
@@ -161,7 +161,7 @@ TEST_F(NewPort, ShowsATimeoutFrom2To31UpAsNegative) {
   EXPECT_TRUE(records().starts_with("Start | BT:, , -2147483648, 1\n"));
 }
 
-TEST_F(NewPort, TakesPerCentSignsForText) {
+TEST_F(NewPort, TreatsPercentSignsAsText) {
   create("BT:%d%s%n%@", "%p%%");
   EXPECT_TRUE(records().starts_with("Start | BT:%d%s%n%@, %p%%, 10000, 1\n")) << records();
 }
@@ -190,7 +190,7 @@ TEST_F(NewPort, ReleasesAnOpenSessionWithThePortAndDoesNotCloseIt) {
   EXPECT_EQ(whole(world_.trace().lines()), "session.release\n");
 }
 
-TEST_F(NewPort, TakesTheProcessesPlatformByDefault) {
+TEST_F(NewPort, UsesThePlatformOfTheProcessByDefault) {
   setProcessPlatform(world_.platform());
   const Port port = ExternalAccessoryPort::initWithPortName("BT:", "", 0, ZKEmulationQuorLine);
   setProcessPlatform(nullptr);

@@ -26,7 +26,7 @@ TEST_P(DataCancel, FailsWhenTheCommandIsNotWritten) {
   )"));
 }
 
-TEST_P(DataCancel, FailsWhenFewerBytesThanTheCommandCount) {
+TEST_P(DataCancel, FailsIfTheCommandIsWrittenOnlyInPart) {
   Scenario scenario = Scenario::in(GetParam());
   scenario.script.takesInAttempts({4, 0}).isLostAfterBytes(4);
   EXPECT_EQ(scenario.run(startDataCancel()).result, "false");

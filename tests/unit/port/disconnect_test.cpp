@@ -44,7 +44,7 @@ TEST(Disconnect, FailsWhenTheLinkIsNotDropped) {
   )"));
 }
 
-TEST(Disconnect, LetsARangeErrorOfTheReplyPass) {
+TEST(Disconnect, ThrowsTheRangeErrorOfTheReply) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.whenAsked(addressQuery, whole(ascii("\r\nOK\r\n")));
   const Outcome run = scenario.run(disconnect());
@@ -65,7 +65,7 @@ TEST(DroppingTheLink, EndsAfterOneSliceWithoutASleepWhenTheLinkIsLostAtOnce) {
   )"));
 }
 
-TEST(DroppingTheLink, LogsTheConnectionByASecondQuestion) {
+TEST(DroppingTheLink, ChecksTheConnectionAgainForTheLog) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.saysConnected({true, true, false, true});
   const Outcome run = scenario.run(disconnectBluetoothConnection());
@@ -77,7 +77,7 @@ TEST(DroppingTheLink, LogsTheConnectionByASecondQuestion) {
   )"));
 }
 
-TEST(DroppingTheLink, LooksEvery300MillisecondsUntilTheTimeout) {
+TEST(DroppingTheLink, ChecksEvery300MillisecondsUntilTheTimeout) {
   const Outcome run = Scenario::in(lineMode, 1000).run(disconnectBluetoothConnection());
   EXPECT_EQ(run.result, "false");
   EXPECT_EQ(run.wire(), "output.write " + shown(dropCommand) +

@@ -79,7 +79,7 @@ TEST(EndBlockInEscPos, IsFalseWhenNoReportArrives) {
   EXPECT_THAT(run.records(method), timedOut("timeoutSec", 1, 2));
 }
 
-TEST(EndBlockInEscPos, EndsAlsoOnTheOffLineBitWithoutAReport) {
+TEST(EndBlockInEscPos, EndsWithoutAReportIfThePrinterIsOffLine) {
   const Outcome run = escPosPrinter("1a").run(endCheckedBlock());
   EXPECT_EQ(run.result, "true");
   EXPECT_EQ(run.caller.status.offline, 1U);
@@ -121,7 +121,7 @@ TEST(EndBlockInEscPos, IgnoresAReportWhoseCountIs0) {
   EXPECT_EQ(run.records(method).find("etbCountUp"), std::string::npos);
 }
 
-TEST(EndBlockInEscPos, DoesNotForgetAReportBecauseOfALaterOneWithCount0) {
+TEST(EndBlockInEscPos, KeepsAReportEvenIfALaterOneHasTheCount0) {
   Scenario scenario = escPosPrinter();
   scenario.script.whenAsked(escPosEtb, whole(report))
       .whenAsked(drawerQuery, whole(bytes("00 1b 1d 03 01 00 00 00 00")));
@@ -152,7 +152,7 @@ TEST(EndBlockInEscPos, FailsWhenNothingReadableFollowsThe1b) {
               failedBy("Fail to [[self read:restDataSize] retain]: <self>, 7"));
 }
 
-TEST(EndBlockInEscPos, TakesAReportThatIsCutOffForOneWithoutACount) {
+TEST(EndBlockInEscPos, TreatsACutOffReportAsOneWithoutACount) {
   for (std::size_t length = 1; length < report.size(); ++length) {
     Scenario scenario = escPosPrinter();
     scenario.endMillis = 1000;

@@ -21,7 +21,7 @@ TEST(EndBlockInLineMode, IsTrueWithoutASleepWhenTheCounterIs2AtOnce) {
   EXPECT_EQ(run.records("getParsedStatus:level:").substr(0, 20), "Start | <status>, 5\n");
 }
 
-TEST(EndBlockInLineMode, WaitsForNoAnswerToItsMarks) {
+TEST(EndBlockInLineMode, DoesNotWaitForAnAnswerToItsMarks) {
   Scenario scenario = lineModePrinter(lineStatus({}, 2));
   scenario.script.expects = Script::Expects::WhereAsked;
   const Outcome run = scenario.run(inTurn({startDataCancel(), endCheckedBlock()}));
@@ -55,7 +55,7 @@ TEST(EndBlockInLineMode, WaitsUntilTheCounterIsExactly2) {
   EXPECT_NE(run.wire().find("select 100000\n"), std::string::npos);
 }
 
-TEST(EndBlockInLineMode, IsNotSatisfiedByAnyOtherCounter) {
+TEST(EndBlockInLineMode, DoesNotAcceptAnyOtherCounter) {
   for (const unsigned counter : {0U, 1U, 3U, 4U, 130U, 255U}) {
     Scenario scenario = lineModePrinter(lineStatus({}, counter));
     scenario.endMillis = 1000;
@@ -92,7 +92,7 @@ TEST(EndBlockInLineMode, HasALimitOf0SecondsBelow1000Milliseconds) {
   EXPECT_THAT(run.records(method), timedOut("timeoutSec", 0, 1));
 }
 
-TEST(EndBlockInLineMode, PollsOnAfterAStatusThatFailed) {
+TEST(EndBlockInLineMode, ContinuesToPollAfterAStatusThatFailed) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.whenAsked(lineRequest, {})
       .whenAsked(lineRequest, {})
@@ -111,7 +111,7 @@ TEST(EndBlockInLineMode, FailsWhenTheStatusKeepsFailing) {
   EXPECT_THAT(run.records(method), timedOut("timeoutSec", 2, 3));
 }
 
-TEST(EndBlockInLineMode, LetsAnExceptionOfTheStatusPass) {
+TEST(EndBlockInLineMode, ThrowsTheExceptionOfTheStatus) {
   Scenario scenario = lineModePrinter();
   scenario.script.isLostAfterBytes(8);
   const Outcome run = scenario.run(endCheckedBlock());

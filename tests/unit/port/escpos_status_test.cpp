@@ -77,7 +77,7 @@ TEST(EscPosStatus, UsesOnlyTheFirstByteAndLeavesTheRestForTheNextQuery) {
   EXPECT_EQ(run.caller.status.receiptPaperEmpty, 1U);
 }
 
-TEST(EscPosStatus, IsFalseAndAsksNoFurtherWhenAnAnswerIsRejected) {
+TEST(EscPosStatus, IsFalseAndSendsNoMoreQueriesIfAnAnswerIsRejected) {
   const struct {
     const char* answers[3];
     const char* error;
@@ -133,7 +133,7 @@ TEST(EscPosStatus, HasOneTimeoutForAllThreeQueries) {
   EXPECT_NE(run.records(method).find("> TIMEOUT_SEC, 1000002, 1000000, 1\n"), std::string::npos);
 }
 
-TEST(EscPosStatus, LooksAtTheTimeOnlyAfterAReadThatBroughtNothing) {
+TEST(EscPosStatus, ChecksTheTimeOnlyAfterAnEmptyRead) {
   Scenario scenario = escPosPrinter("12", "12", "12", 0);
   scenario.script.stepsClock(3, 100).stepsClock(4, 100);
   EXPECT_EQ(scenario.run(getParsedStatus()).result, "true");
@@ -176,7 +176,7 @@ TEST(EscPosStatus, ThrowsWhenTheLinkIsLostDuringAnyPoll) {
   }
 }
 
-TEST(EscPosStatus, LogsTheConnectionOfALostLinkByASecondQuestion) {
+TEST(EscPosStatus, ChecksTheConnectionAgainToLogALostLink) {
   Scenario scenario = Scenario::in(escPos);
   // The discarding read, and two questions before each of the two writes.
   scenario.script.saysConnected({true, true, true, true, true, false, true});

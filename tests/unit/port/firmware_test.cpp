@@ -16,7 +16,7 @@ bool hasFirmware(const Outcome& run, const std::string& shownText) {
   return run.properties.starts_with("firmwareInformation " + shownText + "\n");
 }
 
-TEST(Firmware, IsAskedForInLineModeAfterALookAtTheStatus) {
+TEST(Firmware, IsAskedForInLineModeAfterTheStatus) {
   Scenario scenario = lineModePrinter();
   scenario.script.whenAsked(lineQuery, whole(lineReply("V1.0")));
   const Outcome run = scenario.run(retrieveFirmwareInformation());
@@ -37,7 +37,7 @@ TEST(Firmware, IsAskedForInLineModeAfterALookAtTheStatus) {
   )"));
 }
 
-TEST(Firmware, IsAskedForInEscPosAfterALookAtTheStatus) {
+TEST(Firmware, IsAskedForInEscPosAfterTheStatus) {
   Scenario scenario = escPosPrinter();
   scenario.script.whenAsked(escPosQuery, whole(bytes("5f") + ascii("V2") + bytes("00")));
   const Outcome run = scenario.run(retrieveFirmwareInformation());

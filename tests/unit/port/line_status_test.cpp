@@ -34,7 +34,7 @@ TEST(LineStatus, ThrowsAwayPendingBytesBeforeTheRequest) {
             "2 x input.read 128 -> " + shown(Bytes(128, 0x41)) + "\n");
 }
 
-TEST(LineStatus, WaitsForNoLeftoversIfNoneCanArrive) {
+TEST(LineStatus, DoesNotWaitForLeftoversIfNoBytesCanArrive) {
   Scenario scenario = lineModePrinter();
   scenario.script.expects = Script::Expects::Never;
   const Outcome run = scenario.run(getParsedStatus());
@@ -117,7 +117,7 @@ TEST(LineStatus, IsAskedForTwiceWithTenReadsEach) {
   )"));
 }
 
-TEST(LineStatus, LeavesTheRecordAloneWithoutACompleteReply) {
+TEST(LineStatus, DoesNotChangeTheRecordWithoutACompleteReply) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.wheneverAsked(lineRequest, whole(bytes("89 01 ff ff")));
   const Outcome run = scenario.run(getParsedStatus());
@@ -157,7 +157,7 @@ TEST(LineStatus, ThrowsWhenTheRequestCannotBeWritten) {
   )"));
 }
 
-TEST(LineStatus, TakesACountBelowTheLengthForAFailedWrite) {
+TEST(LineStatus, TreatsAShortWriteAsAFailedWrite) {
   Scenario scenario = lineModePrinter();
   scenario.script.takesInAttempts({7, 6});  // the total 13 meets the tail of 6: repeated; lost then
   scenario.script.isLostAfterBytes(13);
@@ -187,7 +187,7 @@ TEST(LineStatus, ThrowsWhenTheLinkIsLostDuringTheWait) {
   )"));
 }
 
-TEST(LineStatus, LogsTheConnectionOfALostLinkByASecondQuestion) {
+TEST(LineStatus, ChecksTheConnectionAgainToLogALostLink) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.saysConnected({true, true, true, false, true});
   const Outcome run = scenario.run(getParsedStatus());
@@ -204,7 +204,7 @@ TEST(LineStatus, LogsTheConnectionOfALostLinkByASecondQuestion) {
   )")) << "its own records precede the one that shows it";
 }
 
-TEST(LineStatus, AsksASecondTimeOnlyForTheLog) {
+TEST(LineStatus, ChecksTheConnectionAgainOnlyIfItLogs) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.logging = false;
   scenario.script.saysConnected({true, true, true, false, true});
@@ -231,7 +231,7 @@ TEST(LineStatus, ShowsALevelFrom2To31UpAsNegative) {
   EXPECT_EQ(run.records(method).substr(0, 21), "Start | <status>, -1\n");
 }
 
-TEST(StatusOfAnUnknownEmulation, IsNotAskedForAndFalse) {
+TEST(StatusOfAnUnknownEmulation, IsFalseWithoutAQuestionToThePrinter) {
   Scenario scenario = Scenario::in(unknownEmulation);
   scenario.script.delivers(bytes("01 02"));
   const Outcome run = scenario.run(getParsedStatus());

@@ -113,7 +113,7 @@ TEST(FormatMessage, ShowsAddresses) {
             formatMessage("%p", static_cast<const void*>(unterminated.data())));
 }
 
-TEST(FormatMessage, ShowsNoAddressAsZero) {
+TEST(FormatMessage, ShowsANullAddressAsZero) {
   const char* noText = nullptr;
   EXPECT_EQ(formatMessage("%p", nullptr), "0x0");
   EXPECT_EQ(formatMessage("%p", noText), "0x0");
@@ -164,7 +164,7 @@ TEST(FormatMessage, TakesAPerCentSignInsideOfAnArgumentAsText) {
   EXPECT_EQ(formatMessage("%@, %d", "%p %s %", 1), "%p %s %, 1");
 }
 
-TEST(FormatMessage, LeavesOtherTextAlone) {
+TEST(FormatMessage, DoesNotChangeOtherText) {
   EXPECT_EQ(formatMessage("[a hasPrefix:b] == NO): %@, %@;", "x", "y"),
             "[a hasPrefix:b] == NO): x, y;");
 }
@@ -264,7 +264,7 @@ TEST_F(LogStatementTest, EvaluatesNothingForALevelThatIsNotWanted) {
   EXPECT_EQ(speaker_.countedArguments(1), 1);
 }
 
-TEST_F(LogStatementTest, AsksAgainEachTime) {
+TEST_F(LogStatementTest, ChecksTheGatesEachTime) {
   speaker_.speak("one");
   LogWriter::setLogging(false);
   speaker_.speak("two");
@@ -273,7 +273,7 @@ TEST_F(LogStatementTest, AsksAgainEachTime) {
   EXPECT_THAT(messages(), ElementsAre("one", "three"));
 }
 
-TEST_F(LogStatementTest, IsOneStatementInAnUnbracedChoice) {
+TEST_F(LogStatementTest, IsASingleStatementInAnIfWithoutBraces) {
   speaker_.chooseUnbraced(false);
   speaker_.chooseUnbraced(true);
   EXPECT_THAT(messages(), ElementsAre("second", "first"));

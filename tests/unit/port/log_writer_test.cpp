@@ -37,12 +37,12 @@ TEST_F(LogWriterTest, IsOffUntilItIsSwitchedOn) {
   EXPECT_TRUE(LogWriter::isLogging());
 }
 
-TEST_F(LogWriterTest, WantsLevelZeroAloneByDefault) {
+TEST_F(LogWriterTest, LogsOnlyLevelZeroByDefault) {
   EXPECT_TRUE(LogWriter::isTargetLogLevel(0));
   EXPECT_FALSE(LogWriter::isTargetLogLevel(1));
 }
 
-TEST_F(LogWriterTest, WantsTheNamedLevelsAndNoOther) {
+TEST_F(LogWriterTest, LogsOnlyTheNamedLevels) {
   LogWriter::setTargetLogLevels({1, 63});
   for (std::int32_t level = -65; level < 130; ++level) {
     EXPECT_EQ(LogWriter::isTargetLogLevel(level), level == 1 || level == 63) << level;
@@ -51,14 +51,14 @@ TEST_F(LogWriterTest, WantsTheNamedLevelsAndNoOther) {
   EXPECT_FALSE(LogWriter::isTargetLogLevel(1));
 }
 
-TEST_F(LogWriterTest, RefusesLevelsThatItCannotWantAndChangesNothingThen) {
+TEST_F(LogWriterTest, RefusesAnInvalidLevelAndThenChangesNothing) {
   EXPECT_THROW(LogWriter::setTargetLogLevels({1, 64}), std::out_of_range);
   EXPECT_THROW(LogWriter::setTargetLogLevels({-1, 1}), std::out_of_range);
   EXPECT_TRUE(LogWriter::isTargetLogLevel(0));
   EXPECT_FALSE(LogWriter::isTargetLogLevel(1));
 }
 
-TEST_F(LogWriterTest, IsOneForTheProcess) {
+TEST_F(LogWriterTest, IsTheSameInTheWholeProcess) {
   EXPECT_EQ(&LogWriter::sharedInstance(), &LogWriter::sharedInstance());
 }
 
@@ -151,7 +151,7 @@ TEST_F(LogWriterAtExit, WritesQueuedRecords) {
       testing::ExitedWithCode(0), testing::ResultOf(linesOf, 5000));
 }
 
-TEST_F(LogWriterAtExit, EndsThoughOtherThreadsLogOn) {
+TEST_F(LogWriterAtExit, EndsEvenIfOtherThreadsStillLog) {
   EXPECT_EXIT(
       {
         LogWriter::sharedInstance().addSink(
@@ -174,7 +174,7 @@ TEST_F(LogWriterAtExit, EndsThoughOtherThreadsLogOn) {
       testing::ExitedWithCode(0), "");
 }
 
-TEST_F(LogWriterAtExit, EndsThoughASinkHangs) {
+TEST_F(LogWriterAtExit, EndsEvenIfASinkHangs) {
   EXPECT_EXIT(
       {
         static std::atomic<bool> entered{false};

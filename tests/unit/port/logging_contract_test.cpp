@@ -59,7 +59,7 @@ std::vector<std::string> leftOpen(const std::vector<Line>& lines) {
   return open;
 }
 
-TEST(LoggingContract, GivesEveryEntryItsOneExit) {
+TEST(LoggingContract, LogsExactlyOneExitForEachEntry) {
   for (const Scenario& scenario : manyScenarios()) {
     for (const Call& call : allCalls()) {
       const Outcome run = scenario.run(call);
@@ -70,7 +70,7 @@ TEST(LoggingContract, GivesEveryEntryItsOneExit) {
   }
 }
 
-TEST(LoggingContract, LeavesNoExitForAnExceptionThatPassesThrough) {
+TEST(LoggingContract, LogsNoExitIfAnExceptionPassesThrough) {
   // The link is lost after so many bytes: sooner, the call's own write fails and throws nothing.
   const std::pair<Call, std::size_t> losses[] = {
       {beginCheckedBlock(), 0}, {endCheckedBlock(), 7}, {getOnlineStatus(), 3}};
@@ -129,7 +129,7 @@ class SwitchesLogging : public ForwardingPlatform {
   const bool on_;
 };
 
-TEST(LoggingContract, AsksTheGatesAtEveryStatement) {
+TEST(LoggingContract, ChecksTheGatesAtEveryStatement) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.layer = [](std::shared_ptr<Platform> next) {
     return std::make_shared<SwitchesLogging>(std::move(next), false);
@@ -172,7 +172,7 @@ TEST(LoggingContract, UsesNoRecordTypeOfTheLayerAbove) {
   }
 }
 
-TEST(LoggingContract, LeavesAccessorsAndDestructionSilent) {
+TEST(LoggingContract, LogsNothingForAccessorsAndDestruction) {
   ScriptedWorld world;
   auto port =
       ExternalAccessoryPort::initWithPortName("BT:", "", 0, ZKEmulationQuorLine, world.platform());

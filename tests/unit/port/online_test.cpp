@@ -37,7 +37,7 @@ TEST(OnlineStatus, IsTrueAndOffLineWhenThePrinterIsOffLine) {
   )"));
 }
 
-TEST(OnlineStatus, RestsOnTheDrawerAnswerInEscPos) {
+TEST(OnlineStatus, DependsOnTheDrawerAnswerInEscPos) {
   const Outcome onLine = escPosPrinter("12").run(getOnlineStatus());
   EXPECT_EQ(onLine.result, "true");
   EXPECT_TRUE(onLine.caller.onlineStatus);
@@ -54,7 +54,7 @@ TEST(OnlineStatus, ThrowsAwayTheAnswerToItsShortRequest) {
   EXPECT_TRUE(run.caller.onlineStatus);
 }
 
-TEST(OnlineStatus, LeavesTheFlagWhenTheShortRequestCannotBeWritten) {
+TEST(OnlineStatus, KeepsTheFlagIfTheShortRequestCannotBeWritten) {
   for (const bool before : {true, false}) {
     Scenario scenario = lineModePrinter();
     scenario.script.writeReturns(1, -1);

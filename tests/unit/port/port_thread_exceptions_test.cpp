@@ -68,7 +68,7 @@ class PortThatCannotPause : public PortThread {
         }) {}
 };
 
-TEST_F(PortThatCannotPause, FailsToOpenThoughTheSessionIsThere) {
+TEST_F(PortThatCannotPause, FailsToOpenAlthoughTheSessionExists) {
   const Port port = create();
   EXPECT_FALSE(port->open());
   EXPECT_EQ(port->result71(), true);

@@ -57,7 +57,7 @@ TEST_F(PortThread, RunsTheCloseThatTheMainThreadCallsAndEnds) {
   )"));
 }
 
-TEST_F(PortThread, TurnsItsLoopInSlicesWithOneTraceEach) {
+TEST_F(PortThread, RunsItsLoopInSlicesAndTracesEachSliceOnce) {
   const Port port = [&] {
     const Logging logging(true, {1});
     auto created = create();
@@ -110,7 +110,7 @@ TEST_F(PortThread, LetsThePortExpireWithinThreeTenthsOfASecondAfterTheClose) {
   }
 }
 
-TEST_F(PortThread, EndsAlsoWhenAnApplicationHoldsItsHandle) {
+TEST_F(PortThread, EndsEvenIfAnApplicationHoldsItsHandle) {
   Port port = create();
   const std::shared_ptr<NSThread> handle = port->thread71();
   const std::weak_ptr<ExternalAccessoryPort> weak = port;
@@ -120,7 +120,7 @@ TEST_F(PortThread, EndsAlsoWhenAnApplicationHoldsItsHandle) {
   EXPECT_TRUE(isHeldBy(weak, 0)) << "there is no cycle through the handle";
 }
 
-TEST_F(PortThread, RunsOnAfterACloseOnAnotherThread) {
+TEST_F(PortThread, ContinuesAfterACloseOnAnotherThread) {
   const Port port = create();
   const std::weak_ptr<ExternalAccessoryPort> weak = port;
   port->open();
@@ -140,7 +140,7 @@ TEST_F(PortThread, ClosesOnTheMainThreadAPortThatWasOpenedOnAnother) {
   EXPECT_FALSE(port->isConnected());
 }
 
-TEST_F(PortThread, IsNotNeededForOpeningElsewhere) {
+TEST_F(PortThread, IsNotUsedByAnOpenOnAnotherThread) {
   const Port port = create();
   const std::string all = during([&] { elsewhere([&port] { EXPECT_TRUE(port->open()); }); });
   EXPECT_EQ(all.find("performAndWait"), std::string::npos);
@@ -184,7 +184,7 @@ TEST_F(PortThread, ThatIsEndingDoesNotHinderOpenAndCloseOnTheMainThread) {
   }
 }
 
-TEST_F(PortThread, ThatIsEndingIsGivenNothingMore) {
+TEST_F(PortThread, ThatIsEndingGetsNoMoreWork) {
   for (const double after : {0.0, 0.01, 0.05, 0.09, 0.1, 0.11, 0.2}) {
     const Port port = create();
     pass(0.03);
@@ -224,7 +224,7 @@ TEST_F(PortThread, TakesATenthOfASecondForAnOpenThatFails) {
   port->close();
 }
 
-TEST_F(PortThread, IsNotAskedForTheResultOfAnEarlierOpen) {
+TEST_F(PortThread, DoesNotRepeatTheResultOfAnEarlierOpen) {
   const Port port = create();
   EXPECT_TRUE(port->open());
   world_.machine().detachAll();

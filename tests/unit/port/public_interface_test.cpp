@@ -151,7 +151,7 @@ TEST_F(SharedPort, MayBeAskedFromSeveralThreadsWhileItWorks) {
   EXPECT_EQ(torn, 0U);
 }
 
-TEST_F(SharedPort, GivesSnapshotsThatLaterChangesDoNotTouch) {
+TEST_F(SharedPort, ReturnsCopiesThatLaterChangesDoNotAffect) {
   EXPECT_TRUE(port_->open());
   EXPECT_TRUE(port_->retrieveDipSwitchInformation());
   const auto before = port_->dipSwitchInformation();

@@ -48,7 +48,7 @@ TEST(Read, WaitsOneSliceAndReturnsAnEmptyBufferIfNoByteArrives) {
   )"));
 }
 
-TEST(Read, AsksForTheOutputsSpaceOnlyForTheLog) {
+TEST(Read, ChecksTheSpaceOfTheOutputOnlyForTheLog) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.logging = false;
   const Outcome run = scenario.run(read(5));

@@ -59,7 +59,7 @@ TEST(RetryingWriter, SendsTheWholeCommandAfterAttemptsThatTookNothing) {
   )"));
 }
 
-TEST(RetryingWriter, TakesATotalThatEqualsTheTailForTheWhole) {
+TEST(RetryingWriter, TreatsATotalEqualToTheTailAsComplete) {
   const Outcome run = takingInAttempts({3, 2}).run(writeWithRetry(command));
   EXPECT_EQ(run.result, "5");
   EXPECT_EQ(run.sent(), bytes("01 02 03 04 05")) << "three bytes remain unsent";
@@ -78,7 +78,7 @@ TEST(RetryingWriter, CutsTheTailAtTheTotalAndSkipsBytes) {
   )")) << "04 is never sent";
 }
 
-TEST(RetryingWriter, SendsTheTailAgainAndAgainOnceTheTotalIsGreater) {
+TEST(RetryingWriter, RepeatsTheTailWithoutEndIfTheTotalIsGreater) {
   Scenario scenario = takingInAttempts({3, 5});
   scenario.script.isLostAfterBytes(8 + 10 * 5);
   const Outcome run = scenario.run(writeWithRetry(command));
@@ -90,7 +90,7 @@ TEST(RetryingWriter, SendsTheTailAgainAndAgainOnceTheTotalIsGreater) {
   )")) << "without a pause and without a time-out";
 }
 
-TEST(RetryingWriter, EndsTheRepetitionWithinOnePassOfALostLink) {
+TEST(RetryingWriter, EndsTheRepetitionOnePassAfterTheLinkIsLost) {
   Scenario scenario = takingInAttempts({3, 5});
   scenario.script.isLostAfterBytes(100000);
   const Outcome run = scenario.run(writeWithRetry(command));
@@ -139,7 +139,7 @@ TEST(RetryingWriter, HasALimitOf0SecondsBelow1000Milliseconds) {
   }
 }
 
-TEST(RetryingWriter, LooksAtTheTimeOnlyAfterAnAttemptThatLeftBytes) {
+TEST(RetryingWriter, ChecksTheTimeOnlyAfterAnAttemptThatLeftBytes) {
   Scenario scenario = Scenario::in(lineMode, 0);
   scenario.script.stepsClock(2, 100);
   EXPECT_EQ(scenario.run(writeWithRetry(command)).result, "8");

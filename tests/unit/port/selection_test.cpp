@@ -41,13 +41,13 @@ std::uint64_t chosen(const Scenario& scenario) {
   return identifier;
 }
 
-TEST(Selection, TakesTheFirstPrinterForTheBareDesignationInAnyLetterCase) {
+TEST(Selection, ChoosesTheFirstPrinterForABarePrefixInAnyLetterCase) {
   for (const char* name : {"BT:", "bt:", "Bt:", "bT:"}) {
     EXPECT_EQ(chosen(choosing(name, {printer(1), printer(2)})), 1U) << name;
   }
 }
 
-TEST(Selection, TakesTheFirstPrinterWithoutAPortName) {
+TEST(Selection, ChoosesTheFirstPrinterWithoutAPortName) {
   EXPECT_EQ(chosen(choosing(std::nullopt, {printer(1), printer(2)})), 1U);
 }
 
@@ -61,7 +61,7 @@ TEST(Selection, LogsItsChoice) {
   )"));
 }
 
-TEST(Selection, TakesTheFirstWithTheDesignatedName) {
+TEST(Selection, ChoosesTheFirstPrinterWithTheGivenName) {
   AccessoryIdentity other = printer(3);
   other.name = "Printer 2";
   const Outcome run = choosing("BT:Printer 2", {printer(1), printer(2), other}).run(open());
@@ -86,12 +86,12 @@ TEST(Selection, ComparesNamesExactly) {
   EXPECT_EQ(chosen(choosing("BT:Printer 1 ", {printer(1)})), 0U);
 }
 
-TEST(Selection, TakesTheFirstWithTheDesignatedSerialNumber) {
+TEST(Selection, ChoosesTheFirstPrinterWithTheGivenSerialNumber) {
   EXPECT_EQ(chosen(choosing("xx!SN2", {printer(1), printer(2)})), 2U)
       << "the first three characters are always dropped";
 }
 
-TEST(Selection, DropsThreeCharactersHoweverManyBytesTheyTake) {
+TEST(Selection, DropsAPrefixOfThreeCharactersWhateverTheirBytes) {
   struct {
     const char* what;
     const char* prefix;
@@ -120,7 +120,7 @@ TEST(Selection, PrefersTheEarlierAccessoryOverTheBetterMatch) {
   EXPECT_EQ(chosen(choosing("BT:Printer 2", {bySerial, printer(2)})), 1U);
 }
 
-TEST(Selection, TakesTheDesignatedAddressInAnyLetterCase) {
+TEST(Selection, FindsTheGivenAddressInAnyLetterCase) {
   AccessoryIdentity second = printer(2);
   second.address = "00:11:aa:BB:cc:dd";
   for (const char* name :
@@ -164,7 +164,7 @@ TEST(Selection, LogsWhyAnAddressDoesNotFit) {
   )"));
 }
 
-TEST(Selection, TakesADesignationThatIsAnAddressOnly) {
+TEST(Selection, ComparesAnAddressWithTheWholePortName) {
   AccessoryIdentity addressed = printer(1);
   addressed.address = "00:11:22:33:44:55";
   const Outcome run = choosing("BT:x 00:11:22:33:44:55", {addressed}).run(open());
@@ -231,7 +231,7 @@ TEST(Selection, TakesOnlyAccessoriesThatAnnounceTheProtocol) {
   EXPECT_NE(run.calls().find("accessory.openSession com.quordalvane.receipt\n"), std::string::npos);
 }
 
-TEST(Selection, ContinuesAfterADesignatedAccessoryThatDoesNotQualify) {
+TEST(Selection, ContinuesAfterAMatchThatIsNotAPrinter) {
   AccessoryIdentity foreign = printer(1);
   foreign.name = "Twin";
   foreign.manufacturer = "other";
@@ -240,7 +240,7 @@ TEST(Selection, ContinuesAfterADesignatedAccessoryThatDoesNotQualify) {
   EXPECT_EQ(chosen(choosing("BT:Twin", {foreign, twin})), 2U);
 }
 
-TEST(Selection, TakesAnEmptyDesignationForAnEmptyNameOrSerialNumber) {
+TEST(Selection, MatchesAnEmptyNameOrSerialNumberIfNothingFollowsThePrefix) {
   AccessoryIdentity nameless = printer(2);
   nameless.name = "";
   AccessoryIdentity unnumbered = printer(3);
@@ -264,7 +264,7 @@ TEST(Selection, FindsNothingAmongNoAccessories) {
   )"));
 }
 
-TEST(Selection, FailsInItsGuardOnAPortNameBelowThreeCharacters) {
+TEST(Selection, FailsForAPortNameBelowThreeCharacters) {
   for (const char* name : {"", "B", "BT", "\u00e4\u00f6", "\U0001f5a8\u20ac", "\xff\xff"}) {
     const Outcome run = choosing(name, {printer(1)}).runOnPort(open());
     EXPECT_EQ(run.result, "false") << name;

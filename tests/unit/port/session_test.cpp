@@ -39,7 +39,7 @@ TEST(Session, OpensBothStreamsInTheirOrderAndPauses) {
             std::string::npos);
 }
 
-TEST(Session, IsTornDownInItsOrder) {
+TEST(Session, ClosesItsPartsInOrder) {
   const Outcome run = Scenario::in(lineMode).run(close());
   EXPECT_EQ(run.all(), text(R"(
     Start close |
@@ -175,7 +175,7 @@ TEST(Session, MayBeRefused) {
   EXPECT_NE(run.properties.find("result71 0\n"), std::string::npos);
 }
 
-TEST(Session, ThatWasRefusedLetsAStatusWaitForItsLeftoversAndFail) {
+TEST(Session, ThatWasRefusedMakesAStatusWaitAndFail) {
   for (const std::int32_t emulation : {lineMode, escPos}) {
     Scenario scenario = Scenario::in(emulation, 1000);
     scenario.layer = SessionsChanged::layer(&refused);
@@ -185,7 +185,7 @@ TEST(Session, ThatWasRefusedLetsAStatusWaitForItsLeftoversAndFail) {
   }
 }
 
-TEST(Session, ThatWasRefusedLetsTheTransportFail) {
+TEST(Session, ThatWasRefusedMakesReadsAndWritesFail) {
   Scenario scenario = closed();
   scenario.layer = SessionsChanged::layer(&refused);
   const Outcome run = scenario.run(inTurn({open(), write(bytes("41")), read(5)}));
@@ -283,9 +283,9 @@ struct Raised {
   const char* record;
 };
 
-class SessionThatRaises : public testing::TestWithParam<Raised> {};
+class SessionThatThrows : public testing::TestWithParam<Raised> {};
 
-TEST_P(SessionThatRaises, MakesOpenFalseAndIsLogged) {
+TEST_P(SessionThatThrows, MakesOpenFalseAndIsLogged) {
   Scenario scenario = closed();
   scenario.layer = raising(true, GetParam().kind);
   const Outcome run = scenario.runOnPort(open());
@@ -296,7 +296,7 @@ TEST_P(SessionThatRaises, MakesOpenFalseAndIsLogged) {
   EXPECT_NE(run.properties.find("result71 0\n"), std::string::npos);
 }
 
-TEST_P(SessionThatRaises, IsClosedAllTheSame) {
+TEST_P(SessionThatThrows, CanStillBeClosed) {
   Scenario scenario = closed();
   scenario.layer = raising(false, GetParam().kind);
   const Outcome run = scenario.runOnPort(
@@ -309,7 +309,7 @@ TEST_P(SessionThatRaises, IsClosedAllTheSame) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Kind, SessionThatRaises,
+    Kind, SessionThatThrows,
     testing::Values(Raised{Raise::Standard, "the radio is off"},
                     Raised{Raise::Port, "the port is tired"},
                     Raised{Raise::Other,

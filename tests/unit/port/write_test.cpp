@@ -51,7 +51,7 @@ TEST(Write, ContinuesAsSoonAsThereIsSpaceWithinTheSlice) {
   EXPECT_NE(run.all().find("gettimeofday 1000000.030000"), std::string::npos);
 }
 
-TEST(Write, OfAnEmptyBufferReturns0AfterTheLookForSpace) {
+TEST(Write, OfAnEmptyBufferReturns0AfterTheCheckForSpace) {
   const Outcome run = open().run(write({}));
   EXPECT_EQ(run.result, "0");
   EXPECT_EQ(run.all(), text(R"(
@@ -114,7 +114,7 @@ TEST(Write, OfAnEmptyBufferReturns0WhenNotConnected) {
   EXPECT_EQ(scenario.run(write({})).result, "0");
 }
 
-TEST(Write, LooksAtTheConnectionBeforeEachChunk) {
+TEST(Write, ChecksTheConnectionBeforeEachChunk) {
   Scenario scenario = open();
   scenario.script.takesAtMost(2).isLostAfterBytes(4);
   const Outcome run = scenario.run(write(bytes("41 42 43 44 45")));
@@ -175,7 +175,7 @@ TEST(Write, ReadsNoByteBeyondItsBuffersForAnyCountTaken) {
   }
 }
 
-TEST(Write, IsNotTheSameAsReadyWhenTheStreamTakesNothing) {
+TEST(Write, ContinuesAfterAChunkOfWhichTheStreamTookNothing) {
   Scenario scenario = open();
   scenario.script.writeReturns(1, 0);
   const Outcome run = scenario.run(write(bytes("41")));

@@ -67,7 +67,7 @@ std::string failure(Connect connect) {
   return "it connected";
 }
 
-TEST(ConnectTcp, MakesTheConnectionFitForShortExchanges) {
+TEST(ConnectTcp, SetsTheSocketOptionsForShortExchanges) {
   const Listener listener = Listener::onLoopback(4);
   const Descriptor socket = connectTcp("127.0.0.1", listener.port());
   EXPECT_EQ(option(socket, IPPROTO_TCP, TCP_NODELAY), 1);

@@ -83,7 +83,7 @@ TEST_F(TcpDescriptor, AShortWaitIsNotProlongedToATickOfTheSystem) {
   EXPECT_LT(shortest, 0.025);  // the wait of a socket by itself takes thirty
 }
 
-TEST_F(TcpDescriptor, AWaitIsNotProlongedByThatOfTheSocketItself) {
+TEST_F(TcpDescriptor, TheTimeoutOfTheSocketDoesNotProlongAWait) {
   double shortest = atOnce;
   for (int i = 0; i < 5; ++i) {
     const Stopwatch watch;
@@ -109,14 +109,14 @@ TEST_F(TcpDescriptor, TheEndOfTheStreamEndsAWait) {
   EXPECT_LT(watch.seconds(), atOnce);
 }
 
-TEST_F(TcpDescriptor, TheEndOfTheStreamIsNoInterruptionAfterAnyError) {
+TEST_F(TcpDescriptor, TheEndOfTheStreamIsReportedAfterAnEarlierError) {
   ::close(std::exchange(device_, -1));
   ASSERT_EQ(receiveUntil(inAnHour()), 0);
   errno = EINTR;
   EXPECT_EQ(socket_.receive(buffer_, sizeof buffer_), 0);
 }
 
-TEST_F(TcpDescriptor, BytesAreReceivedOnceAfterAnyError) {
+TEST_F(TcpDescriptor, BytesAreReceivedOnceAfterAnEarlierError) {
   deviceWrites("ab", 2);
   ASSERT_EQ(socket_.pollUntil(POLLIN, inAnHour()), POLLIN);
   errno = EINTR;
@@ -192,7 +192,7 @@ TEST(TerminalDescriptor, ReportsNoBytesUnderWay) {
   EXPECT_FALSE(link.hasUnderWay());
 }
 
-TEST(Descriptor, IsClosedAtTheEndOfTheOneThatTookItOver) {
+TEST(Descriptor, IsClosedByTheDescriptorThatTookItOver) {
   int number = -1;
   {
     int ends[2] = {-1, -1};

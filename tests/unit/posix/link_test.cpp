@@ -74,7 +74,7 @@ TEST_F(LinkTest, SignalsDoNotShortenAWait) {
   EXPECT_GT(storm.strikes(), 0);
 }
 
-TEST_F(LinkTest, AskingWhetherItIsConnectedDuringAWaitLeavesTheReplyToTheWait) {
+TEST_F(LinkTest, AConnectionCheckDuringAWaitDoesNotTakeTheReply) {
   ASSERT_TRUE(accessory.isConnected());
   for (int i = 0; i < 10; ++i) {
     ASSERT_EQ(ask(), 1);
@@ -92,7 +92,7 @@ TEST_F(LinkTest, AskingWhetherItIsConnectedDuringAWaitLeavesTheReplyToTheWait) {
   }
 }
 
-TEST_F(LinkTest, AskingWhetherItIsConnectedNeverTakesAReplyAwayFromAWait) {
+TEST_F(LinkTest, ManyConnectionChecksNeverTakeTheReplyOfAWait) {
   std::atomic<bool> stop = false;
   std::thread answering([this] {
     std::uint8_t request = 0;
@@ -140,7 +140,7 @@ TEST_F(LinkTest, TheEndOfASessionLeavesNoBytesUnreadWhichWouldResetTheLink) {
   EXPECT_EQ(::read(device(), &byte, 1), 0);
 }
 
-TEST_F(LinkTest, AnAnswerIsExpectedFromARequestToItsAnswer) {
+TEST_F(LinkTest, BytesAreExpectedFromARequestUntilItsAnswer) {
   for (int i = 0; i < 2; ++i) {
     EXPECT_FALSE(input->expectsBytes());
     ASSERT_EQ(ask(), 1);
@@ -151,7 +151,7 @@ TEST_F(LinkTest, AnAnswerIsExpectedFromARequestToItsAnswer) {
   }
 }
 
-TEST_F(LinkTest, AnAnswerThatIsReadAfterWritesThatAreNeverAnsweredIsStillTheAnswer) {
+TEST_F(LinkTest, AnAnswerStillCountsAfterWritesThatAreNeverAnswered) {
   ASSERT_EQ(ask(), 1);
   deviceWrites(1);
   input->waitUntilReady(1);
@@ -161,7 +161,7 @@ TEST_F(LinkTest, AnAnswerThatIsReadAfterWritesThatAreNeverAnsweredIsStillTheAnsw
   EXPECT_FALSE(input->expectsBytes());
 }
 
-TEST_F(LinkTest, AWriteThatIsNeverAnsweredSettlesNoUnansweredRequest) {
+TEST_F(LinkTest, AWriteThatIsNeverAnsweredDoesNotAnswerAnEarlierRequest) {
   ASSERT_EQ(ask(), 1);
   input->waitUntilReady(0.01);
   output->setMayBeAnswered(false);
@@ -206,18 +206,18 @@ TEST_F(LinkTest, AWaitInALoopSeesUnaskedBytesAtOnce) {
   EXPECT_TRUE(input->hasBytesAvailable());
 }
 
-TEST_F(LinkTest, AReadTakesBytesWithoutAQuestionForThem) {
+TEST_F(LinkTest, AReadTakesBytesThatNobodyCheckedFor) {
   deviceWrites(1);
   EXPECT_EQ(input->read(&byte, 1), 1);
   EXPECT_EQ(byte, 'd');
 }
 
-TEST_F(LinkTest, ALossIsSeenByTheFirstQuestionWithoutARead) {
+TEST_F(LinkTest, ALossIsNoticedByTheFirstCheckWithoutARead) {
   ASSERT_EQ(::shutdown(device(), SHUT_WR), 0);
   EXPECT_FALSE(accessory.isConnected());
 }
 
-TEST_F(LinkTest, ALossThatACallerWaitsForCountsThoughBytesThatNobodySawAreThere) {
+TEST_F(LinkTest, ACallerThatWaitsForTheLossSeesItDespiteUnseenBytes) {
   deviceWrites(3);
   ASSERT_EQ(::shutdown(device(), SHUT_WR), 0);
   accessory.noticeLoss();
@@ -238,7 +238,7 @@ TEST_F(LinkTest, TheStreamsOfAnEndedSessionFailEveryTransfer) {
   EXPECT_EQ(ask(), -1);
 }
 
-TEST_F(LinkTest, AWriteErrorForgetsTheStateOfTheInput) {
+TEST_F(LinkTest, AfterAWriteErrorTheInputIsCheckedAgain) {
   EXPECT_FALSE(input->hasBytesAvailable());
   deviceWrites(3);
   ASSERT_EQ(::shutdown(device(), SHUT_RD), 0);

@@ -28,7 +28,7 @@ TEST(PosixPlatform, PresentsItsAccessoriesInTheOrderInWhichTheyWereAttached) {
   EXPECT_EQ(manager.connectedAccessories(), (std::vector{first, second, third}));
 }
 
-TEST(PosixPlatform, LeavesOutAnAccessoryAsLongAsItAnnouncesNoProtocol) {
+TEST(PosixPlatform, OmitsAnAccessoryThatAnnouncesNoProtocol) {
   class Pulled : public ForwardingAccessory {
    public:
     using ForwardingAccessory::ForwardingAccessory;

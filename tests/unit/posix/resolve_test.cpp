@@ -22,20 +22,20 @@ sockaddr_in asIPv4(const SocketAddress& address) {
   return reinterpret_cast<const sockaddr_in&>(address.storage);
 }
 
-TEST(Resolve, AnAddressInFiguresIsTakenAsItIs) {
+TEST(Resolve, ANumericAddressNeedsNoLookup) {
   const auto addresses = resolve("127.0.0.9", 9100, SteadyClock::now() + 5s);
   ASSERT_EQ(addresses.size(), 1U);
   EXPECT_EQ(asIPv4(addresses[0]).sin_addr.s_addr, inet_addr("127.0.0.9"));
   EXPECT_EQ(asIPv4(addresses[0]).sin_port, htons(9100));
 }
 
-TEST(Resolve, AlsoTakesLongAddresses) {
+TEST(Resolve, AcceptsIpv6Addresses) {
   const auto addresses = resolve("::1", 9100, SteadyClock::now() + 5s);
   ASSERT_EQ(addresses.size(), 1U);
   EXPECT_EQ(addresses[0].storage.ss_family, AF_INET6);
 }
 
-TEST(Resolve, ANameThatCanBelongToNobodyIsAnError) {
+TEST(Resolve, AnImpossibleNameIsAnError) {
   // No part of a name may be so long, so that nobody is asked for it.
   try {
     resolve(std::string(200, 'a'), 9100, SteadyClock::now() + 5s);

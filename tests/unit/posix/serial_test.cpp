@@ -76,7 +76,7 @@ TEST(Serial, OpensALineAtAnySpeedNumberedOrNot) {
   }
 }
 
-TEST(Serial, SetsASpeedThatHasANumberOfItsOwnByIt) {
+TEST(Serial, UsesTheSystemsConstantForAUsualSpeed) {
   const std::pair<unsigned, speed_t> numbered[] = {
       {1200, B1200},     {2400, B2400},     {4800, B4800},     {9600, B9600},
       {19200, B19200},   {38400, B38400},   {57600, B57600},   {115200, B115200},
@@ -133,7 +133,7 @@ TEST(Serial, APrinterThatStopsTheFlowLosesNothing) {
   EXPECT_EQ(printed, job);
 }
 
-TEST(Serial, ASecondUserIsRefusedWithTheReason) {
+TEST(Serial, ASecondProgramIsRefusedWithTheReason) {
   const Line line;
   const Descriptor first = openSerial(line.path());
   EXPECT_THAT(failure(line.path()), AllOf(HasSubstr(line.path()), HasSubstr("in use by")));
@@ -162,13 +162,13 @@ Descriptor watcherOf(const std::string& path) {
           Descriptor::Kind::Terminal};
 }
 
-TEST(Serial, APseudoTerminalIsLockedAloneSinceItsExclusiveModeWouldOutliveAKilledProgram) {
+TEST(Serial, APseudoTerminalIsLockedButNotExclusive) {
   const Line line;
   const Descriptor first = openSerial(line.path());
   EXPECT_FALSE(isExclusive(first));
 }
 
-TEST(Serial, TheLockIsGivenBackAtTheClose) {
+TEST(Serial, TheLockIsReleasedAtTheClose) {
   const Line line;
   { const Descriptor first = openSerial(line.path()); }
   EXPECT_EQ(failure(line.path()), "it opened");

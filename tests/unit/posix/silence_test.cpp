@@ -97,7 +97,7 @@ TEST(Silence, AnIdleLinkIsNotLostForBeingSilent) {
   EXPECT_FALSE(isLostWithin(link, 1.5));
 }
 
-TEST(Silence, TheEndOfALinkThatIsLostSoWaitsForNothing) {
+TEST(Silence, TheEndOfSuchALostLinkDoesNotWait) {
   Printer printer;
   Link link(printer.connect(), 300ms);
   fill(link);

@@ -152,7 +152,7 @@ TEST_F(UsbTest, TwoOfOneModelAreAnErrorThatNamesBoth) {
   EXPECT_EQ(reason("04b8:0202"), code(UsbError::Ambiguous));
 }
 
-TEST_F(UsbTest, NothingPluggedInIsAnErrorThatSaysSo) {
+TEST_F(UsbTest, AMissingPrinterIsReported) {
   EXPECT_EQ(reason(""), code(UsbError::NotPluggedIn));
   plugIn(0, till, "A");
   std::string text;
@@ -294,7 +294,7 @@ struct DriverLink {
   std::unique_ptr<Descriptor> printer;
 };
 
-TEST(UsbLink, AnEmptyPacketIsNothingYetAndNotTheEnd) {
+TEST(UsbLink, AnEmptyPacketDoesNotEndTheLink) {
   const DriverLink driver(Descriptor::Kind::UsbPrinter);
   driver.say("");
   EXPECT_FALSE(driver.link->hasBytes());
@@ -315,7 +315,7 @@ TEST(UsbLink, AVanishedPrinterIsALostLink) {
   EXPECT_TRUE(driver.link->isLost());
 }
 
-TEST(UsbLink, APrinterThatOnlyTakesBytesIsNotLostByItsSilence) {
+TEST(UsbLink, APrinterThatOnlyTakesBytesIsNotLostBecauseItIsSilent) {
   const DriverLink driver(Descriptor::Kind::MuteUsbPrinter);
   EXPECT_FALSE(driver.link->hasBytes());
   driver.link->waitForBytes(0.001);

@@ -52,7 +52,7 @@ TEST_P(EveryDither, SpreadsTheDotsOfAMiddleGrey) {
   }
 }
 
-TEST_P(EveryDither, TakesAMissingPartOfTheWidthForWhite) {
+TEST_P(EveryDither, TreatsAMissingPartOfTheWidthAsWhite) {
   Dither dither(GetParam(), 16);
   const ByteView dots = dither.dots(Bytes(3, 0));
   EXPECT_EQ(Bytes(dots.begin(), dots.end()), (Bytes{0xe0, 0x00}));

@@ -50,7 +50,7 @@ TEST(Picture, IsPrintedInBandsAtTheLeft) {
   EXPECT_EQ(printed(halfBlack(16, 2, 12)), expected);
 }
 
-TEST(Picture, ThatIsWiderThanThePaperIsMadeAsNarrow) {
+TEST(Picture, ThatIsWiderThanThePaperIsScaledDown) {
   const Bytes job = printed(halfBlack(1920, 20, 960));
   ASSERT_EQ(job.size(), 8U + 4 * 48);
   for (std::size_t x = 0; x < 48; ++x) {
@@ -117,7 +117,7 @@ TEST(Picture, ThatClaimsToBeHugeIsRefusedBeforeMemoryIsTaken) {
   EXPECT_NE(refusalOf(jpegFile(9000, 8000)).find("the most is 64000000"), std::string::npos);
 }
 
-TEST(Picture, ThatIsNoneOrIsCutShortIsRefused) {
+TEST(Picture, ThatIsInvalidOrCutOffIsRefused) {
   EXPECT_EQ(refusalOf(ascii("%PDF-1.4")), "this is no picture in PNG or JPEG");
   EXPECT_EQ(refusalOf({}), "this is no picture in PNG or JPEG");
   for (const Bytes& whole : {halfBlack(64, 64, 20), jpegFile(64, 64)}) {
@@ -128,7 +128,7 @@ TEST(Picture, ThatIsNoneOrIsCutShortIsRefused) {
   }
 }
 
-TEST(Picture, ThatIsWhiteIsNoBytes) {
+TEST(Picture, ThatIsWhiteSendsNoBytes) {
   EXPECT_EQ(printed(halfBlack(16, 300, 0)), Bytes());
 }
 

@@ -51,7 +51,7 @@ TEST(RasterBands, HaveAtMost255Rows) {
   EXPECT_EQ(job.pieces[2], band(1, {black}));
 }
 
-TEST(RasterBands, OfAWhitePageAreNoBytes) {
+TEST(RasterBands, OfAWhitePageHaveNoBytes) {
   Job job;
   RasterBands bands(16, job.output());
   add(bands, white, 600);

@@ -38,7 +38,7 @@ TEST(RasterPage, ThatIsNarrowerThanTheHeadLiesAtTheLeft) {
   EXPECT_EQ(printedRow(384, 576, 0, 384), expected);
 }
 
-TEST(RasterPage, HandsOnNoMoreThanItSays) {
+TEST(RasterPage, PassesOnExactlyTheBytesThatItCounts) {
   for (const std::size_t rows : {1U, 254U, 255U, 256U, 2'000U}) {
     Job job;
     RasterPage page(576, 576, job.output());

@@ -49,7 +49,7 @@ TEST(TextLines, LeaveOutAByteOrderMarkAtTheBeginning) {
   EXPECT_EQ(linesOf("\ufeffone"), (Lines{"one"}));
 }
 
-TEST(TextLines, AreRefusedIfTheyAreNoUtf8) {
+TEST(TextLines, AreRefusedIfTheyAreNotUtf8) {
   EXPECT_EQ(refusalOf("Caf\xe9 au lait"), "this is no UTF-8 at byte 3 of the text");
   EXPECT_EQ(refusalOf("Caf\xc3"), "this is no UTF-8 at byte 3 of the text");
 }
@@ -61,7 +61,7 @@ TEST(TextLines, AreRefusedIfTheyHoldACommand) {
   EXPECT_NE(refusalOf("one\rtwo").find("at byte 3"), std::string::npos);
 }
 
-TEST(TextLines, OfATextWithoutAnEndAreBrokenAtABlank) {
+TEST(TextLines, WithoutALineEndAreBrokenAtABlank) {
   std::string text;
   for (int i = 0; i < 2000; ++i) {
     text += "word ";

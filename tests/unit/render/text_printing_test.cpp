@@ -109,7 +109,7 @@ TEST(CodePage, RefusesAnUnknownPageAndNamesTheKnownOnes) {
   }
 }
 
-TEST(CodePage, HasNoCharacterLikeTheOneThatIsMissing) {
+TEST(CodePage, DoesNotReplaceAMissingCharacterByASimilarOne) {
   EXPECT_EQ(CodePage("0").encoded("€"), std::nullopt);
 }
 

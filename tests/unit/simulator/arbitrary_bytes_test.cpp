@@ -67,7 +67,7 @@ TEST(ArbitraryBytes, CanBeDrawn) {
   }
 }
 
-TEST(ArbitraryBytes, ACommandNeverNeedsLessThanItHasUnlessItIsComplete) {
+TEST(ArbitraryBytes, AnIncompleteCommandAlwaysNeedsMoreBytes) {
   std::mt19937_64 chance(5);
   for (int run = 0; run < 100'000; ++run) {
     const Dialect dialect = run % 2 == 0 ? Dialect() : Dialect{Proofs(), false};
@@ -127,7 +127,7 @@ TEST(ArbitraryBytes, WithoutEndFillPapersOfBoundedSize) {
   }
 }
 
-TEST(ArbitraryBytes, ThatWouldMoveThePaperForMilesAreStillReadable) {
+TEST(ArbitraryBytes, ThatFeedPaperWithoutEndAreStillReadable) {
   Session session;
   Bytes job = hex("1d2100");
   for (int i = 0; i < 10'000; ++i)

@@ -127,7 +127,7 @@ TEST(BluetoothModule, SlashesThatWaitForTheirGuardTimeAreNotLostWhenTheHostHangs
   EXPECT_EQ(session.printer.printed(), ascii("//"));
 }
 
-TEST(BluetoothModule, ThePrinterIsNotHeardInCommandMode) {
+TEST(BluetoothModule, ThePrinterDoesNotAnswerInCommandMode) {
   Session session(PrinterBuilder().speed(1));
   session.send(hex("1b1d03010000"));
   enterCommandMode(session);

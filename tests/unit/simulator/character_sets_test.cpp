@@ -73,7 +73,7 @@ TEST(CodePages, OfMalteseAndEsperantoHaveAllTheLettersOfIso8859_3) {
   }
 }
 
-TEST(CodePages, AreAllThere) {
+TEST(CodePages, AllExist) {
   for (const std::string& name : codePageNames()) {
     const UpperHalf& page = upperHalfOf(name);
     const auto there = 128 - std::count(page.begin(), page.end(), noCharacter);
@@ -109,7 +109,7 @@ TEST(CodePages, HaveTheNumbersOfTheProfile) {
   EXPECT_EQ(Print(hex("9d 0a"), profile("escpos-80").set("codePages", "0:850")).text(), "Ø");
 }
 
-TEST(CodePages, SelectNothingAndAreNamedIfThePrinterLacksThem) {
+TEST(CodePages, AreIgnoredAndRecordedIfThePrinterLacksThem) {
   const Print print(hex("1b7413 1b74c8 d5 0a"), profile("escpos-80"));
   EXPECT_EQ(print.text(), "€");
   EXPECT_THAT(print.missing(), ElementsAre("page 200"));
@@ -122,7 +122,7 @@ TEST(CodePages, NameTheBytesThatTheyLack) {
   EXPECT_THAT(Print(hex("1b7410 8082 0a"), profile("escpos-80")).missing(), IsEmpty());
 }
 
-TEST(CodePages, AreSetByNumbersAndNamesAlone) {
+TEST(CodePages, AreSetOnlyByNumbersAndNames) {
   CharacterSets sets;
   for (const char* wrong : {"0", "x:437", "256:437", "0:438", "0:", ":437", "0:437,1:850"}) {
     EXPECT_THAT([&] { sets.setPages(wrong); },

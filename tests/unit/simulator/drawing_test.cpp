@@ -176,7 +176,7 @@ TEST(Symbols, WithTwoPartsHaveABarCodeAndAPartAboveIt) {
   EXPECT_EQ(printed.row(60, 0, 240), printed.row(80, 0, 240)) << "the bars";
 }
 
-TEST(Symbols, OfAnOlderModelAreNamedInTheRecord) {
+TEST(Symbols, OfAnOlderModelAreListedInTheRecord) {
   const Print print("1d286b 0400 31 41 31 00 1d286b 0500 31 50 30 6869 1d286b 0300 31 51 30");
   EXPECT_EQ(print.text(), "[QR code hi]\n");
   ASSERT_EQ(print.paper().record().events().size(), 1U);
@@ -186,7 +186,7 @@ TEST(Symbols, OfAnOlderModelAreNamedInTheRecord) {
   EXPECT_TRUE(print.paper().record().isClean());
 }
 
-TEST(Symbols, ThatCannotBeDrawnAreNamed) {
+TEST(Symbols, ThatCannotBeDrawnAreListed) {
   EXPECT_EQ(Print("1d6b 43 03 313261").text(), "[no EAN-13 of 12a]\n");
 }
 
@@ -241,7 +241,7 @@ TEST(PageMode, TakesNoMemoryWithoutEnd) {
   EXPECT_LT(session.printer.paper().weight(), heaviestPaper + 500'000);
 }
 
-TEST(Display, KeepsItsBytesOffThePaper) {
+TEST(Display, GetsItsBytesWithoutAMarkOnThePaper) {
   const Print print(hex("1b3d02") + ascii("Total 4.20\n") + hex("1b3d01") + ascii("paper\n"));
   EXPECT_EQ(print.text(), "paper\n");
   const auto& events = print.paper().record().events();

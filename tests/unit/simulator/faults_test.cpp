@@ -52,7 +52,7 @@ TEST(Faults, ThereIsNoSpaceForAWhileAfterTheGivenByte) {
   EXPECT_EQ(session.link->nextEvent(session.now), std::nullopt);
 }
 
-TEST(Faults, ALateReplyArrivesExactlySoMuchLater) {
+TEST(Faults, ALateReplyIsDelayedByExactlyTheGivenTime) {
   Session session(with("late-reply", "700"));
   EXPECT_EQ(session.ask(statusRequest), Bytes{});
   EXPECT_EQ(session.link->nextEvent(session.now), session.now + 700ms);
@@ -147,7 +147,7 @@ TEST(Faults, FaultsOnOneReplyAddUp) {
   EXPECT_EQ(session.receive(), hex("ff12 ff12"));
 }
 
-TEST(Faults, TheLinkIsCutAfterExactlySoManyBytesInAndItsAnswersCanBeRead) {
+TEST(Faults, TheLinkIsCutAfterTheGivenBytesInAndItsAnswersCanBeRead) {
   Session session(with("cut-after-in", "5"));
   EXPECT_EQ(session.link->write(hex("100401") + ascii("abc"), session.now), 5U);
   EXPECT_TRUE(session.link->dropped(session.now));
@@ -175,7 +175,7 @@ TEST(Faults, AResetLinkSaysThatItWasReset) {
   EXPECT_EQ(session.receive(), Bytes{});
 }
 
-TEST(Faults, TheLinkIsCutAfterExactlySoManyBytesOut) {
+TEST(Faults, TheLinkIsCutAfterTheGivenBytesOut) {
   for (std::size_t count = 0; count <= statusBlock.size(); ++count) {
     Session session(with("cut-after-out", std::to_string(count)));
     session.send(statusRequest);
@@ -200,7 +200,7 @@ TEST(Faults, TheFirstOfSeveralCutsEndsTheLink) {
   EXPECT_FALSE(same.link->wasReset(same.now));
 }
 
-TEST(Faults, TheShortestOfSeveralShortWritesHolds) {
+TEST(Faults, TheShortestOfSeveralShortWritesCounts) {
   for (const auto& [first, second] : {std::pair{"2", "5"}, {"5", "2"}}) {
     Session session(also(with("short-writes", first), "short-writes", second));
     EXPECT_EQ(session.link->write(ascii("abcdef"), session.now), 2U);
@@ -213,7 +213,7 @@ TEST(Faults, ALinkCutBeforeTheFirstByteEndsAtOnce) {
   EXPECT_EQ(session.link->space(session.now), 0U);
 }
 
-TEST(Faults, ThePrinterThatPrintsNothingTakesEverythingAnswersAndDoesNotCount) {
+TEST(Faults, APrinterThatPrintsNothingTakesDataAndAnswersButDoesNotCount) {
   Session session(with("prints-nothing", "true"));
   EXPECT_TRUE(session.send(ascii("a job") + hex("17 1b1d03010000")));
   EXPECT_EQ(session.ask(statusRequest), statusBlock);
@@ -282,7 +282,7 @@ TEST(Faults, AScriptAppliesEverythingThatIsDueAtOneMoment) {
   EXPECT_EQ(session.ask("100402"), hex("36"));
 }
 
-TEST(Faults, AScriptRunsTheSameWhenNobodyLooks) {
+TEST(Faults, AScriptRunsEvenIfNobodyReadsTheState) {
   Faults script = with("at", "1000:coverOpen=true");
   script.add("at", "2000:coverOpen=false");
   Session session(PrinterBuilder().speed(10), script);

@@ -18,7 +18,7 @@ std::vector<std::string> namesIn(const Listing& listing) {
 
 using Names = std::vector<std::string>;
 
-TEST(Name, IsThatOfAManual) {
+TEST(Name, IsTheNameInPrinterManuals) {
   EXPECT_EQ(nameOf(hex("1d 56 00")).name, "GS V");
   EXPECT_EQ(nameOf(hex("1d 28 6b 03 00 31 43 05")).name, "GS ( k");
   EXPECT_EQ(nameOf(hex("1b 1d 03 01 00 00")).meaning, "end of block, with a report");
@@ -37,7 +37,7 @@ TEST(Listing, PutsCharactersTogetherAndNamesCommands) {
   EXPECT_EQ(listing.next, job.size());
 }
 
-TEST(Listing, OfAStretchContinuesWhereTheOtherEnded) {
+TEST(Listing, CanBeReadInPartsThatContinueEachOther) {
   const Bytes job = hex("41 0a 42 0a 43 0a");
   const Listing first = listCommands(job, Dialect(), 0, 3);
   EXPECT_EQ(namesIn(first), (Names{"text", "LF", "text"}));
@@ -45,7 +45,7 @@ TEST(Listing, OfAStretchContinuesWhereTheOtherEnded) {
   EXPECT_EQ(namesIn(listCommands(job, Dialect(), first.next, 3)), (Names{"LF", "text", "LF"}));
 }
 
-TEST(JobBytes, AreTheFirstOfTheJobAndTheirCount) {
+TEST(JobBytes, KeepTheFirstBytesOfAJobAndCountAll) {
   JobBytes bytes;
   bytes.receive(hex("01 02 03 04 05"));
   bytes.pass(3);

@@ -38,7 +38,7 @@ TEST(Macro, WithoutCommandsPrintsNothing) {
             "a\n[not shown: 1d 5e 01 (1)]\n");
 }
 
-TEST(Macro, KeepsNoMoreThanItsRoom) {
+TEST(Macro, KeepsNoMoreBytesThanItsLimit) {
   Macro macro;
   macro.startOrEnd();
   for (std::size_t i = 0; i < Macro::mostBytes + 10; ++i) {

@@ -34,7 +34,7 @@ TEST(PaperStrips, ShowThePrintThatWasThereWhenPaperIsFedBack) {
   EXPECT_NE(changed.strips[0].png, alone.add({lineOf(U"  I")}).strips[0].png);
 }
 
-TEST(PaperStrips, AreOfManyPiecesIfThePaperIsLong) {
+TEST(PaperStrips, AreSeveralIfThePaperIsLong) {
   PaperStrips paper(widePaperDots);
   const auto changed = paper.add({Feed{3000}});
   ASSERT_EQ(changed.strips.size(), 3U);
@@ -42,7 +42,7 @@ TEST(PaperStrips, AreOfManyPiecesIfThePaperIsLong) {
   EXPECT_EQ(changed.strips[2].height, 3000 - 2 * PaperStrips::mostRows);
 }
 
-TEST(PaperStrips, OfNothingAreNone) {
+TEST(PaperStrips, AreMissingIfNothingWasPrinted) {
   PaperStrips paper(widePaperDots);
   EXPECT_TRUE(paper.add({}).strips.empty());
   EXPECT_TRUE(paper.add({Feed{-100}}).strips.empty());

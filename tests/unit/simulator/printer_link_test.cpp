@@ -57,7 +57,7 @@ PrinterBuilder standing() {
   return PrinterBuilder().coverOpen().buffer(16);
 }
 
-TEST(AFullPrinter, HearsRequestsInOnePieceAndByteByByte) {
+TEST(AFullPrinter, AnswersRequestsInOnePieceAndByteByByte) {
   for (const char* request : {"100402", "1b0601", "1b2a7242 1b1d03040000 1b0601", "1d4941"}) {
     Session session(standing());
     ASSERT_TRUE(session.send(Bytes(16, 'x')));
@@ -84,13 +84,13 @@ TEST(AFullPrinter, TakesNoPrintDataAndNoLaterByte) {
   }
 }
 
-TEST(AFullPrinter, HearsNoRequestInTheMiddleOfAnImage) {
+TEST(AFullPrinter, AnswersNoRequestInTheMiddleOfAnImage) {
   Session session(standing());
   ASSERT_TRUE(session.send(hex("1d7630 00 0a00 0a00") + Bytes(8, 0)));
   EXPECT_EQ(session.link->write(hex("100402"), session.now), 0U);
 }
 
-TEST(AFullPrinter, HearsADataCancelAndHasSpaceAgain) {
+TEST(AFullPrinter, ObeysADataCancelAndHasSpaceAgain) {
   Session session(standing());
   ASSERT_TRUE(session.send(Bytes(16, 'x')));
   EXPECT_TRUE(session.send(dataCancel));

@@ -274,7 +274,7 @@ TEST(Printing, AnUnlimitedPrinterThatWasOffLinePrintsAllAtOnceWhenItIsReady) {
   EXPECT_EQ(session.printer.state().etbCounter, 1);
 }
 
-TEST(Printing, ANewSpeedHoldsAtOnce) {
+TEST(Printing, ANewSpeedTakesEffectAtOnce) {
   Session session(slow());
   session.send(ascii("0123456789"));
   session.wait(500ms);
@@ -285,7 +285,7 @@ TEST(Printing, ANewSpeedHoldsAtOnce) {
   EXPECT_EQ(session.link->space(session.now), 100U);
 }
 
-TEST(Printing, TheDataOfAHostIsPrintedAfterItHungUp) {
+TEST(Printing, TheDataOfAHostIsPrintedAfterItDisconnected) {
   Session session(slow());
   session.send(ascii("0123456789"));
   session.wait(200ms);
@@ -321,7 +321,7 @@ TEST(Printing, TearingOffLeavesACleanPaper) {
   EXPECT_EQ(session.printer.printedBytes(), 4U);
 }
 
-TEST(Printing, TheLineThatHasBegunIsTornOffWithThePaper) {
+TEST(Printing, AnUnfinishedLineIsTornOffWithThePaper) {
   Session session;
   session.send(ascii("half"));
   EXPECT_EQ(session.printer.tearOff().items().size(), 1U);

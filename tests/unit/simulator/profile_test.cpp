@@ -49,7 +49,7 @@ TEST(Profile, OfAFileIsReadLineByLine) {
   EXPECT_EQ(state.paperMillimetres(), 58U);
 }
 
-TEST(Profile, MayLackCommandsWhichAreUnknownThen) {
+TEST(Profile, CanMakeCommandsUnknown) {
   Session session(PrinterBuilder().set("lacks", "1b4c+1d61 1d7201"));
   EXPECT_EQ(session.ask("1d61ff 1d7201 1d7202 100401"), hex("00 12"));
   session.send(hex("1b4c") + ascii("a\n"));

@@ -54,7 +54,7 @@ TEST(Proofs, ThatAreNotKnownAreNotAnsweredAndPrintNothing) {
   EXPECT_EQ(session.printer.state().etbCounter, 0);
 }
 
-TEST(Proofs, AnUnknownBlockTakesOneByteAfterItsEscapeAndPrintsTheTextThatFollows) {
+TEST(Proofs, APrinterWithoutABlockPrintsTheTextInItsCommands) {
   Session session(proving("process-id"));
   session.send(hex("1b1d03010000") + ascii("Hello\n"));
   EXPECT_THAT(renderText(session.printer.paper()), HasSubstr("Hello\n"));
@@ -175,7 +175,7 @@ TEST(ClearBuffer, DropsTheDataAndConfirmsIt) {
   EXPECT_TRUE(session.printer.paper().items().empty());
 }
 
-TEST(ProofFaults, StrikeRepliesOfOneKindAlone) {
+TEST(ProofFaults, AffectOnlyRepliesOfOneKind) {
   Session session(with("drop-reply", "process-id"));
   EXPECT_EQ(session.ask(std::string(askId) + "1d7201 100401"), hex("00 12"));
   Session twice(with("duplicate-reply", "in-order"));
@@ -239,7 +239,7 @@ TEST(ProofFaults, AForeignReportHasAnyCountButTheRightOne) {
   EXPECT_EQ(counts.count(1), 0U);
 }
 
-TEST(ProofFaults, RefuseAKindThatTheyCannotStrike) {
+TEST(ProofFaults, RefuseAKindThatTheyCannotAffect) {
   EXPECT_THROW(parseFault("foreign-reply", "unasked"), std::invalid_argument);
   EXPECT_THROW(parseFault("wrong-id", "in-order"), std::invalid_argument);
   EXPECT_THROW(parseFault("drop-reply", "status"), std::invalid_argument);

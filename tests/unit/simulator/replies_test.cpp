@@ -80,7 +80,7 @@ std::vector<Exchange> exchanges() {
   };
 }
 
-TEST(Replies, AreAsDocumented) {
+TEST(Replies, HaveTheDocumentedBytes) {
   for (const Exchange& exchange : exchanges()) {
     Session session(exchange.printer);
     EXPECT_EQ(session.ask(exchange.request), exchange.reply) << exchange.what;

@@ -118,7 +118,7 @@ TEST(Settings, AnAddressHasTwelveHexDigits) {
   EXPECT_THROW(PrinterBuilder().bluetoothAddress("00:11:22:33:44:55"), std::invalid_argument);
 }
 
-TEST(Settings, ALivePrinterFollowsThemAtOnce) {
+TEST(Settings, ARunningPrinterAppliesThemAtOnce) {
   Session session;
   EXPECT_TRUE(session.printer.setFlag("coverOpen", true, session.now));
   EXPECT_FALSE(session.printer.setFlag("coverAjar", true, session.now));

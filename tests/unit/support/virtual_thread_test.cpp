@@ -31,7 +31,7 @@ TEST_F(VirtualThreads, PerformARoutineAndWaitForIt) {
   pass(5);
 }
 
-TEST_F(VirtualThreads, AreLeftNothingThatWasRefusedBeforeTheyStarted) {
+TEST_F(VirtualThreads, DropARoutineThatTheyRefusedBeforeTheyStarted) {
   const auto performed = std::make_shared<std::atomic<int>>(0);
   EXPECT_FALSE(thread_->performAndWait([performed] { ++*performed; }));
   EXPECT_EQ(performed.use_count(), 1);
@@ -40,13 +40,13 @@ TEST_F(VirtualThreads, AreLeftNothingThatWasRefusedBeforeTheyStarted) {
   EXPECT_EQ(*performed, 0);
 }
 
-TEST_F(VirtualThreads, TakeNothingWhenTheyHaveEnded) {
+TEST_F(VirtualThreads, RefuseRoutinesWhenTheyHaveEnded) {
   ASSERT_TRUE(thread_->start());
   pass(5);
   EXPECT_FALSE(thread_->performAndWait([] { FAIL() << "was performed"; }));
 }
 
-TEST_F(VirtualThreads, RefuseAWaitOfACallerThatTakesNoTurns) {
+TEST_F(VirtualThreads, RefuseAWaitOfAThreadThatTheyDoNotSchedule) {
   ASSERT_TRUE(thread_->start());
   std::thread([&] {
     EXPECT_THROW(thread_->performAndWait([] { FAIL() << "was performed"; }), std::logic_error);

@@ -68,7 +68,7 @@ TEST(PrintableText, IsPrintableExactlyWhenNothingWouldChange) {
   }
 }
 
-TEST(PrintableText, LeavesQuotationMarksAndBackslashesAloneForPeople) {
+TEST(PrintableText, ShowsQuotationMarksAndBackslashesUnchangedToPeople) {
   EXPECT_EQ(printable(R"(a"b\c)"), R"(a"b\c)");
 }
 
@@ -76,7 +76,7 @@ TEST(PrintableText, EscapesQuotationMarksAndBackslashesForJson) {
   EXPECT_EQ(json(R"(a"b\c)"), R"("a\"b\\c")");
 }
 
-TEST(PrintableText, PassesNoControlByteOfAnyTwoBytes) {
+TEST(PrintableText, EscapesControlBytesInAnyPairOfBytes) {
   for (unsigned pair = 0; pair < 0x10000; ++pair) {
     const std::string text{static_cast<char>(pair >> 8U), static_cast<char>(pair & 0xFFU)};
     for (const std::string& shown : {printable(text), json(text)}) {
