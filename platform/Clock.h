@@ -7,28 +7,31 @@
 
 namespace quordalvane {
 
-/// A reading of the wall clock: time since the epoch.
+/// A time of the wall clock, since the epoch.
 struct TimeValue {
   std::int64_t tv_sec;   ///< whole seconds
-  std::int64_t tv_usec;  ///< and microseconds, 0 to 999999
+  std::int64_t tv_usec;  ///< the microseconds of the second, 0 to 999999
 };
 
-/// Time, and every way to wait. All calls may be made from any thread at once.
+/// Returns the time, and offers every way to wait. Several threads may call it at the same time.
 class QUOR_EXPORT Clock {
  public:
   virtual ~Clock() = default;
 
-  /// The wall clock. It may be stepped in either direction between two readings.
+  /// Returns the time of the wall clock. The clock may be set forwards or backwards between two
+  /// calls.
   virtual TimeValue gettimeofday() = 0;
 
-  /// A clock that never moves backwards, from an origin of its own; for measuring, never for dates.
+  /// Returns the time of a clock that never moves backwards. Its origin is unspecified, so it is
+  /// good for intervals but not for dates.
   virtual std::chrono::nanoseconds monotonic() = 0;
 
-  /// Sleeps for at least `microseconds`; a signal does not shorten it. Zero returns at once.
+  /// Sleeps for at least `microseconds`; a signal does not shorten the sleep. With zero it returns
+  /// at once.
   virtual void usleep(std::uint64_t microseconds) = 0;
 
-  /// The sleep of a `select` call without descriptors and with a time-out of 0 seconds and
-  /// `microseconds`, which may be a million or more. Zero and below return at once.
+  /// Sleeps as a `select` call without descriptors does whose time-out is `microseconds`, which may
+  /// be a million or more. With zero or less it returns at once.
   virtual void select(std::int32_t microseconds) = 0;
 };
 

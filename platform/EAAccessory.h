@@ -13,87 +13,91 @@
 
 namespace quordalvane {
 
-/// An open conversation with an accessory: its two streams. Destroying the session ends the
-/// conversation and releases the link; that may wait for the device to take the bytes that are
-/// under way, for a few seconds at most.
+/// An open connection to an accessory, with its two streams. Destroying the session ends the
+/// connection and releases the link. This may wait, for a few seconds at most, until the device has
+/// taken the bytes that are under way.
 class QUOR_EXPORT EASession {
  public:
   virtual ~EASession() = default;
 
-  /// The session's streams, never null and the same at each call. They live as long as the session
-  /// or the returned pointer, whichever is longer.
+  /// Return the session's streams, never null and always the same. A stream exists as long as the
+  /// session or a returned pointer exists.
   /// @{
   virtual std::shared_ptr<NSInputStream> inputStream() = 0;
   virtual std::shared_ptr<NSOutputStream> outputStream() = 0;
   /// @}
 
-  /// Makes the end of the session wait for nothing: the bytes under way are not wanted any more. A
-  /// back end whose sessions end at once does nothing here.
+  /// Makes the session end without waiting for the bytes under way, which may be lost. The default
+  /// does nothing; it is for back ends whose sessions never wait at their end.
   virtual void abandon() {}
 };
 
-/// One accessory that the device has attached. The identifying texts do not change; a missing one
-/// is an empty optional. All calls may be made from any thread.
+/// One accessory that is attached to the device. Its identifying texts do not change; a missing
+/// text is null. Any thread may call it.
 class QUOR_EXPORT EAAccessory {
  public:
   virtual ~EAAccessory() = default;
 
-  /// The name that people know it by. A port name designates it by this text, letter for letter.
+  /// Returns the name that people know the accessory by. A port name may select the accessory by
+  /// exactly this text.
   virtual std::optional<std::string> name() = 0;
 
-  /// Its serial number, by which a port name may designate it as well, letter for letter.
+  /// Returns the serial number. A port name may select the accessory by exactly this text as well.
   virtual std::optional<std::string> serialNumber() = 0;
 
-  /// Its model. A port passes over those that begin with "KLT" and end in "-U".
+  /// Returns the model number. A port ignores accessories whose model number begins with "KLT" and
+  /// ends in "-U".
   virtual std::optional<std::string> modelNumber() = 0;
 
-  /// Its maker. A port passes over all but "quor dalvane", in upper or lower case.
+  /// Returns the maker. A port ignores accessories of any maker except "quor dalvane", in upper or
+  /// lower case.
   virtual std::optional<std::string> manufacturer() = 0;
 
-  /// The protocols on which it takes sessions. A port passes over an accessory that has not
-  /// "com.quordalvane.receipt" among them, and opens its session on that one.
+  /// Returns the protocols on which sessions can be opened. A port opens its session on
+  /// "com.quordalvane.receipt", and ignores accessories without this protocol.
   virtual std::vector<std::string> protocolStrings() = 0;
 
-  /// A number that distinguishes it from the other accessories of the process, for programs: a port
-  /// only hands it on. 0 if it has no number.
+  /// Returns a number that distinguishes the accessories of the process; 0 if the accessory has
+  /// none. It is for programs; a port only passes it on.
   virtual std::uint64_t connectionID() = 0;
 
-  /// How its printer confirms print jobs, if its owner has said so; otherwise `Auto`. A port does
-  /// not ask for it.
+  /// Returns how its printer confirms print jobs, if this is configured; otherwise `Auto`. Jobs use
+  /// it, ports do not.
   virtual ProofKind proof() { return ProofKind::Auto; }
 
-  /// A text for people that names the accessory and shows its Bluetooth address, if it has one. The
-  /// first text in it that looks like an address is taken for the accessory's, so the address
-  /// precedes everything that could look like one.
+  /// Returns a text for people with the accessory's name and, if it has one, its Bluetooth address.
+  /// The first part of the text that looks like an address counts as the accessory's address. So
+  /// the address must precede everything else that could look like one.
   virtual std::string description() = 0;
 
-  /// False once the link is lost (end of stream, error or hang-up) and no byte that arrived before
-  /// is left to read. True for an accessory without a session.
+  /// Returns false once the link is lost (end of stream, error or hang-up) and all bytes that
+  /// arrived before were read. Returns true for an accessory without a session.
   virtual bool isConnected() = 0;
 
-  /// For a caller that waits for the link's end and reads nothing: if the link is lost by now,
-  /// bytes that are still unread no longer make `isConnected` return true. Has no effect on a link
-  /// that works. A back end that never keeps bytes beyond the end does nothing here.
+  /// For a caller that waits for the end of the link and reads nothing. If the link is lost, unread
+  /// bytes no longer make `isConnected` return true. Has no effect on a link that is not lost. The
+  /// default does nothing; it is for back ends that never keep bytes after the end.
   virtual void noticeLoss() {}
 
-  /// Opens a session on `protocol`, or returns null when the accessory cannot be reached or
-  /// refuses. May block for the link's own connect time-out.
+  /// Opens a session on `protocol`. Returns null if the accessory cannot be reached or refuses the
+  /// session. May block for the connect time-out of the link.
   virtual std::shared_ptr<EASession> openSession(const std::string& protocol) = 0;
 };
 
-/// The accessories that are attached now. All calls may be made from any thread.
+/// Lists the accessories that are attached now. Any thread may call it.
 class QUOR_EXPORT EAAccessoryManager {
  public:
   virtual ~EAAccessoryManager() = default;
 
-  /// The accessories, never null; empty if there are no accessories. Their order counts: a port
-  /// takes the first that suits it.
+  /// Returns the accessories, none of them null; the list may be empty. The order matters: a port
+  /// takes the first one that it can use.
   virtual std::vector<std::shared_ptr<EAAccessory>> connectedAccessories() = 0;
 
-  /// Whether the platform has a way of its own to read an accessory's Bluetooth address.
+  /// Returns true if the platform has its own way to read an accessory's Bluetooth address.
   virtual bool readsAddresses() { return false; }
 
-  /// The accessory's Bluetooth address, or "". Asked only if `readsAddresses` returns true.
+  /// Returns the accessory's Bluetooth address, or "". Called only if `readsAddresses` returns
+  /// true.
   virtual std::string addressOf(EAAccessory& /*accessory*/) { return ""; }
 };
 

@@ -4,8 +4,9 @@
 
 namespace quordalvane {
 
-/// The readable name of the class of the exception that is being handled, "int" or "app::Fault" for
-/// example; "unknown" outside a handler and for foreign exceptions.
+/// Returns the readable name of the class of the exception that is being handled, for example
+/// "app::Fault" or "int". Returns "unknown" outside a handler and for exceptions of other
+/// languages.
 std::string currentExceptionClass();
 
 }  // namespace quordalvane

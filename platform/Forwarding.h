@@ -5,8 +5,9 @@
 
 #include "platform/Platform.h"
 
-// Each class passes every call on to another object of its interface. A layer over a platform, a
-// recorder or a fault, derives from one and overrides the one or two calls that it is about.
+// Each of these classes passes every call on to another object with the same interface. A class
+// that changes only a few calls of a platform, for example to record them or to make them fail,
+// derives from one of these and overrides those calls.
 
 namespace quordalvane {
 
@@ -40,7 +41,7 @@ class ForwardingRunLoop : public NSRunLoop {
   NSRunLoop& next_;
 };
 
-/// The common part of both directions; `Stream` is NSInputStream or NSOutputStream.
+/// The common part of both directions. `Stream` is NSInputStream or NSOutputStream.
 template <typename Stream>
 class ForwardingStream : public Stream {
  public:
@@ -72,7 +73,7 @@ class ForwardingStream : public Stream {
   void waitUntilReady(double seconds) override { next_->waitUntilReady(seconds); }
 
  protected:
-  /// The other stream.
+  /// Returns the stream that receives the calls.
   Stream& next() { return *next_; }
 
  private:
@@ -103,7 +104,7 @@ class ForwardingOutputStream : public ForwardingStream<NSOutputStream> {
   }
 };
 
-/// Passes every call on to another session, whose streams it hands out as they are.
+/// Passes every call on to another session, and returns the streams of that session.
 class ForwardingSession : public EASession {
  public:
   /// `next` is never null, and kept alive.
@@ -117,7 +118,7 @@ class ForwardingSession : public EASession {
   const std::shared_ptr<EASession> next_;
 };
 
-/// Passes every call on to another accessory, whose sessions it hands out as they are.
+/// Passes every call on to another accessory, and returns the sessions of that accessory.
 class ForwardingAccessory : public EAAccessory {
  public:
   /// `next` is never null, and kept alive.
@@ -185,7 +186,7 @@ class ForwardingThread : public NSThread {
   const std::shared_ptr<NSThread> next_;
 };
 
-/// Passes every call on to another platform, whose parts it hands out as they are.
+/// Passes every call on to another platform, and returns the parts of that platform.
 class ForwardingPlatform : public Platform {
  public:
   /// `next` is never null, and kept alive.

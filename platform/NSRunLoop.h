@@ -11,12 +11,13 @@ class QUOR_EXPORT NSRunLoop {
  public:
   virtual ~NSRunLoop() = default;
 
-  /// Runs the routines that are carried to this thread, and waits for more, until `seconds` from
-  /// now on a steady clock. Zero or less runs the routines that wait, and returns.
+  /// Runs the routines that other threads pass to this thread, and waits for more, until `seconds`
+  /// have passed on a steady clock. With zero or less it runs only the routines that are waiting,
+  /// and returns.
   virtual void runUntilDate(double seconds) = 0;
 
-  /// The same, but returns as soon as `awaited` is ready or its link is lost. It never returns
-  /// later than `seconds` from now.
+  /// Does the same, but returns as soon as `awaited` is ready or its link is lost, and at the
+  /// latest after `seconds`.
   virtual void runUntilDate(double seconds, NSStream& awaited) = 0;
 };
 

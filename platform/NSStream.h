@@ -11,71 +11,74 @@
 
 namespace quordalvane {
 
-/// The mode in which a port schedules its streams.
+/// The run-loop mode in which a port schedules its streams.
 inline constexpr std::string_view NSDefaultRunLoopMode = "kCFRunLoopDefaultMode";
 
-/// One direction of a session. A stream may be scheduled on one thread's loop and used from
-/// another, but not from two threads at once. No call blocks, but for `waitUntilReady`.
+/// One direction of a session. A stream may be scheduled on the loop of one thread and used on
+/// another thread, but only by one thread at a time. Only `waitUntilReady` blocks.
 class QUOR_EXPORT NSStream {
  public:
   virtual ~NSStream() = default;
 
-  /// Names the receiver of the stream's events; an expired pointer clears it. The stream does not
-  /// keep the receiver alive.
+  /// Sets the receiver of the stream's events. An expired pointer means no receiver. The stream
+  /// does not keep the receiver alive.
   virtual void setDelegate(std::weak_ptr<const void> delegate) = 0;
 
-  /// Ties the stream to `runLoop`, in `mode`. A port does this before `open`, on the thread whose
-  /// loop it is. A stream that moves its bytes or reports its events by a loop uses this one; a
-  /// stream that needs no loop does nothing.
+  /// Schedules the stream on `runLoop`, in `mode`. A port calls this before `open`, on the thread
+  /// of the loop. A stream that needs a loop to move its bytes or to report its events uses this
+  /// loop; other streams do nothing.
   virtual void scheduleInRunLoop(NSRunLoop& runLoop, std::string_view mode) = 0;
 
-  /// Unties the stream from `runLoop` in `mode`: none of its work runs there any more. A port does
-  /// this after `close`. It has no effect on a loop that the stream is not tied to. A stream may be
-  /// destroyed without it, when a port is given up open, and then unties itself.
+  /// Removes the stream from `runLoop` in `mode`; afterwards none of its work runs there. A port
+  /// calls this after `close`. Has no effect if the stream is not scheduled on this loop. If a port
+  /// is destroyed while it is open, its streams are destroyed without this call, and remove
+  /// themselves.
   virtual void removeFromRunLoop(NSRunLoop& runLoop, std::string_view mode) = 0;
 
-  /// Starts opening the stream; it may still be opening on return.
+  /// Starts to open the stream. The stream may still be opening when this returns.
   virtual void open() = 0;
 
-  /// Ends the stream: it has no bytes and no space from then on. Closing twice does nothing more.
+  /// Ends the stream. After it there are no bytes to read and no space to write. A second call has
+  /// no effect.
   virtual void close() = 0;
 
-  /// Blocks until the stream is ready (bytes to read, or space to write), its link is lost, or
-  /// `seconds` have passed on a steady clock. For run loops, which call it for their slice.
+  /// Blocks until the stream has bytes to read or space to write, its link is lost, or `seconds`
+  /// have passed on a steady clock. Only run loops call it.
   virtual void waitUntilReady(double seconds) = 0;
 };
 
 /// The direction from the accessory to the port.
 class QUOR_EXPORT NSInputStream : public NSStream {
  public:
-  /// True if a read would return at least one byte now. False from the end of the stream on.
+  /// Returns true if a read would return at least one byte now. Returns false once the stream has
+  /// ended.
   virtual bool hasBytesAvailable() = 0;
 
-  /// False if nothing can arrive before more is written, since everything that may be answered has
-  /// been answered: a reader that only clears away leftovers need not wait then. True if that is
-  /// not known.
+  /// Returns false if no byte can arrive before more is written, because every query has been
+  /// answered. A reader that only drops old bytes need not wait then. Returns true if this is
+  /// unknown.
   virtual bool expectsBytes() { return true; }
 
-  /// Reads at most `maxLength` bytes into `buffer`. Returns the count read, 0 if there was nothing,
-  /// or a negative number on an error.
+  /// Reads at most `maxLength` bytes into `buffer`. Returns the number of bytes read, 0 if there
+  /// were none, or a negative number on an error.
   virtual std::int64_t read(std::uint8_t* buffer, std::size_t maxLength) = 0;
 };
 
 /// The direction from the port to the accessory.
 class QUOR_EXPORT NSOutputStream : public NSStream {
  public:
-  /// True if a write need not wait: it takes at least one byte now, or fails at once because the
-  /// link is lost. A writer thus learns of a loss even while bytes that arrived before are left to
-  /// read, which keep the accessory connected. False for a closed stream.
+  /// Returns true if a write would take at least one byte now, or would fail at once because the
+  /// link is lost. So a writer learns of a loss even while unread bytes keep the accessory
+  /// connected. Returns false for a closed stream.
   virtual bool hasSpaceAvailable() = 0;
 
-  /// Says whether the accessory may answer the bytes of the writes that follow; until it is said,
-  /// it may. Called before each write. A stream that keeps count of the answers that are owed, for
-  /// `expectsBytes`, leaves out bytes that are never answered; other streams do nothing.
+  /// Says whether the accessory may answer the bytes of the following writes. Before the first call
+  /// it may. A port calls it before each write. Streams that count the expected answers for
+  /// `expectsBytes` use it; other streams do nothing.
   virtual void setMayBeAnswered(bool /*mayBeAnswered*/) {}
 
-  /// Writes at most `maxLength` bytes. Returns the count taken, which may be fewer, or -1 on an
-  /// error.
+  /// Writes at most `maxLength` bytes. Returns the number of bytes taken, which may be smaller, or
+  /// -1 on an error.
   virtual std::int64_t write(const std::uint8_t* buffer, std::size_t maxLength) = 0;
 };
 

@@ -6,23 +6,24 @@
 
 namespace quordalvane {
 
-/// The handle of one thread. Releasing it neither waits for the thread nor ends it. All calls may
-/// be made from any thread.
+/// The handle of one thread. Destroying the handle does not end the thread and does not wait for
+/// it. Any thread may call it.
 class QUOR_EXPORT NSThread {
  public:
   virtual ~NSThread() = default;
 
-  /// Starts the thread; called once. False if the system cannot create it: the body then never
-  /// runs, and is released before this returns. The body is released when it has ended.
+  /// Starts the thread. May be called once. Returns false if the system cannot create the thread;
+  /// its body then never runs and is destroyed before this returns. Otherwise the body is destroyed
+  /// when it has ended.
   virtual bool start() = 0;
 
-  /// Marks the thread as cancelled: a request, which ends nothing by itself.
+  /// Marks the thread as cancelled. This is only a request and does not end the thread.
   virtual void cancel() = 0;
 
-  /// Runs `routine` on the thread's run loop and returns true when it has finished there. Returns
-  /// false, without having run it, if the thread has not started or no longer runs its loop. An
-  /// exception that leaves `routine` is thrown again here. Called on the thread itself, it runs
-  /// `routine` directly.
+  /// Runs `routine` on the thread's run loop, and returns true when it has finished. Returns false
+  /// without running it if the thread has not started or does not run its loop any more. If
+  /// `routine` throws, this throws the same exception. If it is called on the thread itself, it
+  /// runs `routine` directly.
   virtual bool performAndWait(std::function<void()> routine) = 0;
 };
 

@@ -12,13 +12,13 @@
 #include "platform/NSRunLoop.h"
 #include "platform/NSThread.h"
 
-// The port is specified on the interfaces of a handheld platform, and this folder keeps their
-// names, so that a reader who knows those interfaces finds each call again, and one who does not
-// need only this page. EAAccessoryManager, EAAccessory and EASession are its service for
-// accessories that are attached by Bluetooth or by cable; NSStream, NSRunLoop and NSThread are its
-// streams, event loops and threads; UIDevice is the device that a program runs on. "BT:", with
-// which a port name begins, says there that the accessory is attached by Bluetooth. Here an
-// accessory is any printer that a back end presents as one: on a network address, at the end of a
+// The port was designed for the interfaces of a handheld platform, and this folder keeps their
+// names. A reader who knows those interfaces recognises each call; other readers need only this
+// explanation. EAAccessoryManager, EAAccessory and EASession are that platform's service for
+// accessories that are attached by Bluetooth or by cable. NSStream, NSRunLoop and NSThread are its
+// streams, event loops and threads. UIDevice is the device that a program runs on. "BT:" at the
+// beginning of a port name means there that the accessory is attached by Bluetooth. Here an
+// accessory is any printer that a back end presents as one: at a network address, at the end of a
 // serial line, or simulated.
 
 namespace quordalvane {
@@ -28,46 +28,47 @@ class QUOR_EXPORT UIDevice {
  public:
   virtual ~UIDevice() = default;
 
-  /// The version of the operating system as text, "10.3.4" for example.
+  /// Returns the version of the operating system as text, for example "10.3.4".
   virtual std::string systemVersion() = 0;
 };
 
-/// Everything that a port needs of the system. A port keeps its platform alive. The references that
-/// the calls return are valid as long as the platform; all calls may be made from any thread.
+/// Everything that a port needs from the system. A port keeps its platform alive. The returned
+/// references are valid as long as the platform exists. Any thread may call the functions.
 class QUOR_EXPORT Platform {
  public:
   virtual ~Platform() = default;
 
-  /// The accessories that are attached, the same for all ports of the platform.
+  /// Returns the manager of the attached accessories, which all ports of the platform share.
   virtual EAAccessoryManager& sharedAccessoryManager() = 0;
 
-  /// The device that the program runs on.
+  /// Returns the device on which the program runs.
   virtual UIDevice& currentDevice() = 0;
 
-  /// The time that ports read, and by which they wait.
+  /// Returns the clock by which ports measure time and wait.
   virtual Clock& clock() = 0;
 
-  /// The run loop of the calling thread, valid on that thread until it ends.
+  /// Returns the run loop of the calling thread. It is valid on this thread until the thread ends.
   virtual NSRunLoop& currentRunLoop() = 0;
 
-  /// A thread that will run `body`; it is not started yet. Null if the system has no thread left.
+  /// Returns a thread that will run `body`; it is not started yet. Returns null if the system
+  /// cannot create a thread.
   virtual std::shared_ptr<NSThread> makeThread(std::function<void()> body) = 0;
 
-  /// Whether the calling thread is the application's main thread.
+  /// Returns whether the calling thread is the application's main thread.
   virtual bool isMainThread() = 0;
 
-  /// Sets the process to ignore SIGPIPE.
+  /// Makes the process ignore the signal SIGPIPE.
   virtual void ignoreSigPipe() = 0;
 
-  /// A number that nobody can foresee, any of its 32 bits; from the system's generator unless a
-  /// platform has one of its own. A port does not ask for it, jobs do.
+  /// Returns a number of 32 unpredictable bits. The default takes it from the system's generator.
+  /// Jobs use it, ports do not.
   virtual std::uint32_t randomNumber();
 };
 
-/// The platform of ports that are created without one; null until one is set.
+/// Returns the platform of ports that are created without one; null until a platform is set.
 QUOR_EXPORT std::shared_ptr<Platform> processPlatform();
 
-/// Makes `platform` the process's own. Ports that exist keep the one they have.
+/// Sets the platform of the process. Existing ports keep their platform.
 QUOR_EXPORT void setProcessPlatform(std::shared_ptr<Platform> platform);
 
 }  // namespace quordalvane

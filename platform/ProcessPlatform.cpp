@@ -10,7 +10,7 @@ struct Slot {
   std::shared_ptr<Platform> platform;
 };
 
-// Never destroyed: a port thread may outlive the end of main.
+// The slot is never destroyed, because a port thread may run after the end of main.
 Slot& slot() {
   static auto* const instance = new Slot;
   return *instance;

@@ -10,24 +10,28 @@
 
 namespace quordalvane {
 
-/// How a printer proves that it has printed a job; `docs/checked-block.md` says what each proof can
-/// and cannot detect. The numbers are those of the interface for C.
+/// How a printer proves that it has printed a job. `docs/checked-block.md` describes the limits of
+/// each proof. The numbers are those of the C interface.
 enum class ProofKind : std::int32_t {
-  None = QUOR_PROOF_NONE,    ///< no proof
-  Auto = QUOR_PROOF_AUTO,    ///< asks the printer which of the others it gives
-  Block = QUOR_PROOF_BLOCK,  ///< the checked block: it counts marks before and after the data
-  ProcessId = QUOR_PROOF_PROCESS_ID,  ///< it names four random characters that end the job
-  InOrder = QUOR_PROOF_IN_ORDER,      ///< it answers a question that ends the job, in its turn
+  None = QUOR_PROOF_NONE,  ///< no proof
+  Auto = QUOR_PROOF_AUTO,  ///< the printer is asked which of the other proofs it gives
+  Block =
+      QUOR_PROOF_BLOCK,  ///< the checked block: the printer counts marks before and after the data
+  ProcessId =
+      QUOR_PROOF_PROCESS_ID,  ///< the printer sends back four random characters that end the job
+  InOrder = QUOR_PROOF_IN_ORDER,  ///< the printer answers, in order, a query that ends the job
 };
 
-/// A proof in words.
+/// The words for a proof.
 struct ProofWords {
-  ProofKind kind;          ///< the proof
-  std::string_view name;   ///< as people and programs write it
-  std::string_view about;  ///< the printer's sign: "it counts marks before and after each job"
+  ProofKind kind;         ///< the proof
+  std::string_view name;  ///< its name, as people and programs write it
+  std::string_view
+      about;  ///< how the printer proves a job: "it counts marks before and after each job"
 };
 
-/// Every proof: `Auto`, then the proofs that a printer can give, the strongest first, then `None`.
+/// The words for every proof. The order is `Auto`, then the proofs that a printer can give, the
+/// strongest first, then `None`.
 inline constexpr ProofWords proofWords[] = {
     {ProofKind::Auto, "auto", "it is asked for its proof"},
     {ProofKind::Block, "block", "it counts marks before and after each job"},
@@ -36,19 +40,20 @@ inline constexpr ProofWords proofWords[] = {
     {ProofKind::None, "none", "it confirms no job, so that each is unconfirmed at best"},
 };
 
-/// The name of a proof.
+/// Returns the name of a proof.
 QUOR_EXPORT std::string_view nameOf(ProofKind kind);
 
-/// The proof of that name; empty if there is none.
+/// Returns the proof with this name; null if there is none.
 QUOR_EXPORT std::optional<ProofKind> proofNamed(std::string_view name);
 
-/// The proof of that number; empty if there is none.
+/// Returns the proof with this number; null if there is none.
 std::optional<ProofKind> proofNumbered(std::int32_t number);
 
-/// The printer's sign, for people.
+/// Returns, as a text for people, how the printer proves a job.
 std::string_view aboutOf(ProofKind kind);
 
-/// The names of all proofs, for people: "auto, block, process-id, in-order or none".
+/// Returns the names of all proofs as a text for people: "auto, block, process-id, in-order or
+/// none".
 std::string proofNames();
 
 }  // namespace quordalvane
