@@ -21,7 +21,8 @@ constexpr std::array<std::uint8_t, 2> firmwareTail = {0x0a, 0x00};
 constexpr std::size_t longestFirmwareText = 64;
 
 constexpr std::array<std::uint8_t, 3> dipSwitchHead = {0x1b, 0x23, 0x2c};
-constexpr std::size_t dipSwitchSettingsOffset = 4;  // after the head and the bank's digit
+constexpr std::size_t dipSwitchSettingsOffset =
+    4;  // the settings follow the head and the digit of the bank
 constexpr std::uint8_t dipSwitchEnd = 0x0a;
 constexpr std::size_t fewestSettings = 2;
 
@@ -33,7 +34,7 @@ bool startsWith(ByteView bytes, ByteView head) {
   return bytes.size() >= head.size() && std::equal(head.begin(), head.end(), bytes.begin());
 }
 
-// Not std::isprint, whose answer depends on the locale.
+// std::isprint is not used, because its result depends on the locale.
 bool isPrintableAscii(std::uint8_t byte) {
   return byte >= 0x20 && byte <= 0x7e;
 }

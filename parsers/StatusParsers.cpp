@@ -11,8 +11,9 @@ using Status = QuorPrinterStatus_2;
 using Flag = std::uint32_t Status::*;
 using StateByte = std::uint8_t Status::*;
 
-// The line-mode reply. Byte 0 holds the length and byte 1 the version of the layout; the flags
-// follow, eight to a byte from the lowest bit up, and then the state bytes.
+// The layout of the line-mode reply. Byte 0 contains the length, and byte 1 the version of the
+// layout. Then follow the flags, eight in each byte from the lowest bit up, and then the state
+// bytes.
 constexpr std::size_t firstFlagByte = 2;
 constexpr std::size_t firstStateByte = 6;
 
@@ -59,11 +60,11 @@ constexpr std::array<StateByte, 3> lineStateBytes = {
     &Status::connectedInterface,
 };
 
-// The decoder never reads beyond these bytes, so no rawLength can lead it out of raw.
+// The decoder reads only these bytes, so it stays inside `raw` for any `rawLength`.
 static_assert(firstFlagByte + (lineFlags.size() + 7) / 8 == firstStateByte);
 static_assert(firstStateByte + lineStateBytes.size() <= sizeof Status::raw);
 
-// The ESC/POS reply bytes. A flag is set when any bit of its mask is.
+// A flag in an ESC/POS reply byte. It is 1 if any bit of `mask` is set.
 struct EscPosFlag {
   StatusType query;
   std::uint8_t mask;

@@ -4,41 +4,44 @@
 
 #include <cstdint>
 
-// Decode a printer's status replies. The functions are pure: they touch nothing but the record they
-// are given, so they may be called on any thread. They fail only as they state.
+// Functions that decode a printer's status replies. They use only the record that is passed to
+// them, so any thread may call them.
 
 namespace quordalvane {
 
-/// The ESC/POS status query that a reply byte answers.
+/// The ESC/POS status queries, each with the command that sends it.
 enum class StatusType : std::uint32_t {
   CashDrawer = 0,  ///< 10 04 01
   CoverOpen = 1,   ///< 10 04 02
   PaperEmpty = 2,  ///< 10 04 04
-  All = 3,         ///< all of them; no single byte answers it
+  All = 3,         ///< all three queries; no single byte answers it
 };
 
-/// The bits that distinguish an ESC/POS status byte from any other, and their value in one.
+/// A byte is an ESC/POS status byte if its bits in `escPosFixedMask` have the value
+/// `escPosFixedBits`.
 inline constexpr std::uint8_t escPosFixedMask = 0x93;
 inline constexpr std::uint8_t escPosFixedBits = 0x12;
 
-/// The bit of the answer to `CashDrawer` that is set while the printer is off line.
+/// This bit is set in the answer to `CashDrawer` while the printer is off line.
 inline constexpr std::uint8_t escPosOfflineBit = 0x08;
 
-/// The length in bytes, 1 to 63, of the whole line-mode status reply that begins with `firstByte`,
-/// that byte included. Only the low six bits of `firstByte` count; if they are 0, the length is 1.
+/// Returns the length in bytes, 1 to 63, of the line-mode status reply that begins with
+/// `firstByte`, including this byte. Only the low six bits of `firstByte` count; if they are 0, the
+/// length is 1.
 std::int32_t CalculateStatusLength(std::int32_t firstByte);
 
 /// Decodes the line-mode status reply in the first `rawLength` bytes of `status->raw` into the
 /// flags, `etbCounter`, `presenterState` and `connectedInterface`. Every flag becomes exactly 0 or
-/// 1; a value that the reply is too short to carry becomes 0. `raw` and `rawLength` do not change;
-/// no value of `rawLength` leads out of `raw`. `status` is the caller's and must not be null.
+/// 1. If the reply is too short to contain a value, the value becomes 0. `raw` and `rawLength` do
+/// not change. The function never reads beyond `raw`, whatever `rawLength` is. `status` must not be
+/// null.
 void BuildParsedStatus(QuorPrinterStatus_2* status);
 
-/// Decodes `status->raw[0]` as the reply byte to the ESC/POS query `type`. Returns non-zero if it
-/// is one: the flags that this query reports are then exactly 0 or 1. Returns 0 if the byte is no
-/// status reply, or if no single byte answers `type`: nothing is changed then. No other field
-/// changes in either case; `rawLength` is not looked at. `status` is the caller's and must not be
-/// null.
+/// Decodes `status->raw[0]` as the reply byte to the ESC/POS query `type`. Returns a value other
+/// than 0 if the byte is a status reply; the flags that this query reports are then exactly 0 or 1.
+/// Returns 0, and changes nothing, if the byte is not a status reply or if no single byte answers
+/// `type`. Other fields do not change in either case, and `rawLength` is ignored. `status` must not
+/// be null.
 std::int32_t BuildParsedStatusESCPOS(QuorPrinterStatus_2* status, StatusType type);
 
 }  // namespace quordalvane
