@@ -43,9 +43,14 @@ else()
 endif()
 
 # Bluetooth printers, and network printers in a search, are found by D-Bus.
-find_package(sdbus-c++ 1 QUIET)
+find_package(sdbus-c++ 2 QUIET)
+if(NOT sdbus-c++_FOUND)
+  find_package(sdbus-c++ 1 QUIET)
+endif()
 if(sdbus-c++_FOUND)
   set(QUOR_BLUETOOTH ON)
+  # The versions differ; backends/bluez/BusLibrary.h gives them one form.
+  target_compile_definitions(SDBusCpp::sdbus-c++ INTERFACE QUOR_SDBUS_VERSION=${sdbus-c++_VERSION_MAJOR})
 else()
   set(QUOR_BLUETOOTH OFF)
   quor_left_out("Bluetooth printers (bluetooth:)" libsdbus-c++-dev tests/bluez)

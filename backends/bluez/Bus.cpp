@@ -65,13 +65,13 @@ sdbus::MethodReply Bus::answerTo(const sdbus::MethodCall& message, sdbus::IProxy
                                  SteadyTime deadline) {
   std::optional<sdbus::MethodReply> answer;
   std::optional<sdbus::Error> refusal;
-  const auto note = [&](sdbus::MethodReply& reply, const sdbus::Error* error) {
-    error == nullptr ? void(answer = reply) : void(refusal = *error);
+  const auto note = [&](sdbus::MethodReply& reply, const ReplyError& error) {
+    error ? void(refusal = *error) : void(answer = reply);
   };
-  sdbus::PendingAsyncCall pending = proxy.callMethod(message, note, 1h);
+  sdbus::PendingAsyncCall pending = send(proxy, message, note, 1h);
   if (!handleUntil(deadline, [&] { return answer || refusal; })) {
     pending.cancel();
-    throw sdbus::Error(noReply, "no answer within the time limit");
+    throw sdbus::Error(ErrorName(noReply), "no answer within the time limit");
   }
   if (refusal) {
     throw sdbus::Error(*refusal);
@@ -113,7 +113,7 @@ Bus::Woken Bus::waitForNews(SteadyTime deadline, int watched) {
 
 void Bus::handlePending() {
   try {
-    while (connection_->processPendingRequest()) {
+    while (handleMessage(*connection_)) {
     }
   } catch (const sdbus::Error& error) {
     throwBusGone(error);

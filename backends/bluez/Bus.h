@@ -1,11 +1,10 @@
 #pragma once
 
-#include <sdbus-c++/sdbus-c++.h>
-
 #include <functional>
 #include <memory>
 #include <string>
 
+#include "backends/bluez/BusLibrary.h"
 #include "backends/posix/Deadline.h"
 
 namespace quordalvane::bluez {
@@ -39,8 +38,10 @@ class Bus {
   template <typename... Arguments>
   sdbus::MethodReply call(SteadyTime deadline, const Method& method,
                           const Arguments&... arguments) {
-    const auto proxy = sdbus::createProxy(*connection_, method.service, method.path);
-    auto message = proxy->createMethodCall(method.interface, method.name);
+    const auto proxy = sdbus::createProxy(*connection_, ServiceName(method.service),
+                                          sdbus::ObjectPath(method.path));
+    auto message =
+        proxy->createMethodCall(InterfaceName(method.interface), MemberName(method.name));
     static_cast<void>((message << ... << arguments));
     return answerTo(message, *proxy, deadline);
   }

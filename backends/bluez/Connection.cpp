@@ -30,7 +30,7 @@ class ServiceWatch {
         "member='NameOwnerChanged',arg0='" +
         std::string(serviceName) + "'";
     try {
-      match_ = bus.connection().addMatch(rule, [this](sdbus::Message&) { hasLeft_ = true; });
+      match_ = addMatch(bus.connection(), rule, [this](sdbus::Message&) { hasLeft_ = true; });
     } catch (const sdbus::Error& error) {
       failAs(error, "");
     }

@@ -35,7 +35,7 @@ bool isHeldByAnother(const sdbus::Error& error) {
 posix::Descriptor copyOf(const sdbus::UnixFd& file) {
   const int copy = ::fcntl(file.get(), F_DUPFD_CLOEXEC, 0);
   if (copy < 0) {
-    throw sdbus::Error(rejected, "the process has no descriptor left");
+    throw sdbus::Error(ErrorName(rejected), "the process has no descriptor left");
   }
   posix::Descriptor connection(copy, posix::Descriptor::Kind::Bluetooth);
   ::fcntl(copy, F_SETFL, ::fcntl(copy, F_GETFL) | O_NONBLOCK);
@@ -71,23 +71,21 @@ posix::Descriptor SerialPortProfile::connect(const KnownDevice& printer, SteadyT
 }
 
 void SerialPortProfile::serve() {
-  object_ = sdbus::createObject(bus_.connection(), ownPath);
-  object_->registerMethod("NewConnection")
-      .onInterface(profileInterface)
-      .implementedAs([this](const sdbus::ObjectPath& device, const sdbus::UnixFd& file,
-                            const Options& /*properties*/) { take(device, file); });
-  // Nothing to do: the link itself ends when the service disconnects the printer or stops.
-  object_->registerMethod("RequestDisconnection")
-      .onInterface(profileInterface)
-      .implementedAs([](const sdbus::ObjectPath& /*device*/) {});
-  object_->registerMethod("Release").onInterface(profileInterface).implementedAs([] {});
-  object_->finishRegistration();
+  object_ = sdbus::createObject(bus_.connection(), sdbus::ObjectPath(ownPath));
+  // Nothing to do in the others: the link itself ends when the service disconnects the printer or
+  // stops.
+  serveOn(
+      *object_, profileInterface,
+      {method("NewConnection", [this](const sdbus::ObjectPath& device, const sdbus::UnixFd& file,
+                                      const Options& /*properties*/) { take(device, file); }),
+       method("RequestDisconnection", [](const sdbus::ObjectPath& /*device*/) {}),
+       method("Release", [] {})});
 }
 
 void SerialPortProfile::takeRegistration(SteadyTime deadline) {
-  const Options options = {{"Name", std::string("receipt printer")},
-                           {"Role", std::string("client")},
-                           {"RequireAuthorization", false}};
+  const Options options = {{"Name", sdbus::Variant(std::string("receipt printer"))},
+                           {"Role", sdbus::Variant(std::string("client"))},
+                           {"RequireAuthorization", sdbus::Variant(false)}};
   while (true) {
     try {
       bus_.call(deadline, ofManager("RegisterProfile"), sdbus::ObjectPath(ownPath),
@@ -105,7 +103,7 @@ void SerialPortProfile::takeRegistration(SteadyTime deadline) {
 
 void SerialPortProfile::take(const sdbus::ObjectPath& device, const sdbus::UnixFd& file) {
   if (device != awaited_ || taken_) {
-    throw sdbus::Error(rejected, "no connection of this device is awaited");
+    throw sdbus::Error(ErrorName(rejected), "no connection of this device is awaited");
   }
   taken_.emplace(copyOf(file));
 }

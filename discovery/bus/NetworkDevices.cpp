@@ -76,9 +76,11 @@ class Search {
  public:
   Search(Bus& bus, SteadyTime deadline)
       : bus_(bus),
-        server_(sdbus::createProxy(bus.connection(), serviceName, "/")),
+        server_(sdbus::createProxy(bus.connection(), bluez::ServiceName(serviceName),
+                                   sdbus::ObjectPath("/"))),
         // The first announcements arrive before the answer that names their browser.
-        match_(bus.connection().addMatch(
+        match_(bluez::addMatch(
+            bus.connection(),
             "type='signal',interface='org.freedesktop.Avahi.ServiceBrowser',member='ItemNew'",
             [this](sdbus::Message& message) { hear(message); })) {
     bus_.call(deadline, {serviceName, "/", serverInterface, "ServiceBrowserNew"}, any, any,
@@ -108,13 +110,13 @@ class Search {
         .onInterface(serverInterface)
         .withArguments(heard.interface, heard.protocol, heard.name, heard.type, heard.domain, any,
                        noFlags)
-        .uponReplyInvoke([this](const sdbus::Error* error, std::int32_t interface,
+        .uponReplyInvoke([this](bluez::ReplyError error, std::int32_t interface,
                                 std::int32_t /*protocol*/, const std::string& name,
                                 const std::string& /*type*/, const std::string& /*domain*/,
                                 const std::string& /*host*/, std::int32_t /*family*/,
                                 const std::string& address, std::uint16_t port, const Texts& texts,
                                 std::uint32_t /*flags*/) {
-          if (error == nullptr) {
+          if (!error) {
             note(name, placeOf(address, port, interface), texts);
           }
         });

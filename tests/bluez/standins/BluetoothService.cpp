@@ -15,15 +15,16 @@ std::string pathOf(const StandInDevice& device) {
 }
 
 template <typename Value>
-void addProperty(sdbus::IObject& object, const char* interface, const char* name, Value value) {
-  object.registerProperty(name).onInterface(interface).withGetter([value] { return value; });
+bluez::Served constant(const char* name, Value value) {
+  return bluez::property(name, [value] { return value; });
 }
 
 }  // namespace
 
 StandInBluetooth::StandInBluetooth(StandInPlan plan)
     : plan_(std::move(plan)), connection_(sdbus::createSystemBusConnection()) {
-  connection_->addObjectManager("/", sdbus::floating_slot);
+  root_ = sdbus::createObject(*connection_, sdbus::ObjectPath("/"));
+  root_->addObjectManager();
   addManager();
   if (plan_.isAdapterOn) {
     addAdapter(*plan_.isAdapterOn);
@@ -31,14 +32,14 @@ StandInBluetooth::StandInBluetooth(StandInPlan plan)
   for (const StandInDevice& device : plan_.devices) {
     addDevice(device);
   }
-  departures_ = connection_->addMatch(
-      "type='signal',sender='org.freedesktop.DBus',member='NameOwnerChanged',arg2=''",
+  departures_ = bluez::addMatch(
+      *connection_, "type='signal',sender='org.freedesktop.DBus',member='NameOwnerChanged',arg2=''",
       [this](sdbus::Message& message) {
         std::string name;
         message >> name;
         unregister(name);
       });
-  connection_->requestName("org.bluez");
+  connection_->requestName(bluez::ServiceName("org.bluez"));
   thread_ = std::thread([this] {
     try {
       connection_->enterEventLoop();
@@ -54,54 +55,45 @@ StandInBluetooth::~StandInBluetooth() {
 }
 
 void StandInBluetooth::addAdapter(bool isOn) {
-  auto adapter = sdbus::createObject(*connection_, adapterPath);
-  addProperty(*adapter, "org.bluez.Adapter1", "Powered", isOn);
-  adapter->finishRegistration();
+  auto adapter = sdbus::createObject(*connection_, sdbus::ObjectPath(adapterPath));
+  bluez::serveOn(*adapter, "org.bluez.Adapter1", {constant("Powered", isOn)});
   objects_.push_back(std::move(adapter));
 }
 
 void StandInBluetooth::addDevice(const StandInDevice& device) {
-  constexpr auto interface = "org.bluez.Device1";
   const std::string path = pathOf(device);
-  auto object = sdbus::createObject(*connection_, path);
-  addProperty(*object, interface, "Address", device.address);
-  addProperty(*object, interface, "Alias", device.alias);
-  addProperty(*object, interface, "Paired", device.isPaired);
-  addProperty(*object, interface, "Connected", device.isConnected);
-  addProperty(*object, interface, "Class", device.deviceClass);
-  addProperty(*object, interface, "UUIDs", device.services);
-  addProperty(*object, interface, "Adapter", sdbus::ObjectPath(adapterPath));
-  object->registerMethod("ConnectProfile")
-      .onInterface(interface)
-      .implementedAs([this, path](sdbus::Result<>&& result, const std::string& /*service*/) {
-        connect(std::move(result), path);
-      });
-  object->finishRegistration();
+  auto object = sdbus::createObject(*connection_, sdbus::ObjectPath(path));
+  bluez::serveOn(*object, "org.bluez.Device1",
+                 {constant("Address", device.address), constant("Alias", device.alias),
+                  constant("Paired", device.isPaired), constant("Connected", device.isConnected),
+                  constant("Class", device.deviceClass), constant("UUIDs", device.services),
+                  constant("Adapter", sdbus::ObjectPath(adapterPath)),
+                  bluez::method("ConnectProfile", [this, path](sdbus::Result<>&& result,
+                                                               const std::string& /*service*/) {
+                    connect(std::move(result), path);
+                  })});
   objects_.push_back(std::move(object));
 }
 
 void StandInBluetooth::addManager() {
-  constexpr auto interface = "org.bluez.ProfileManager1";
   using Options = std::map<std::string, sdbus::Variant>;
-  manager_ = sdbus::createObject(*connection_, "/org/bluez");
-  manager_->registerMethod("RegisterProfile")
-      .onInterface(interface)
-      .implementedAs([this](const sdbus::ObjectPath& path, const std::string& /*service*/,
-                            const Options& /*options*/) { registerProfile(path); });
-  manager_->registerMethod("UnregisterProfile")
-      .onInterface(interface)
-      .implementedAs([this](const sdbus::ObjectPath& /*path*/) {
-        unregister(manager_->getCurrentlyProcessedMessage()->getSender());
-      });
-  manager_->finishRegistration();
+  manager_ = sdbus::createObject(*connection_, sdbus::ObjectPath("/org/bluez"));
+  bluez::serveOn(
+      *manager_, "org.bluez.ProfileManager1",
+      {bluez::method("RegisterProfile",
+                     [this](const sdbus::ObjectPath& path, const std::string& /*service*/,
+                            const Options& /*options*/) { registerProfile(path); }),
+       bluez::method("UnregisterProfile", [this](const sdbus::ObjectPath& /*path*/) {
+         unregister(bluez::callerOf(*manager_));
+       })});
 }
 
 void StandInBluetooth::registerProfile(const std::string& path) {
   if (profile_ || toRefuse_ > 0) {
     --toRefuse_;
-    throw sdbus::Error("org.bluez.Error.NotPermitted", "UUID already registered");
+    throw sdbus::Error(bluez::ErrorName("org.bluez.Error.NotPermitted"), "UUID already registered");
   }
-  profile_ = Profile{manager_->getCurrentlyProcessedMessage()->getSender(), path};
+  profile_ = Profile{bluez::callerOf(*manager_), path};
   profileCount_ = 1;
 }
 
@@ -114,37 +106,38 @@ void StandInBluetooth::unregister(const std::string& owner) {
 
 void StandInBluetooth::connect(sdbus::Result<>&& result, const std::string& device) {
   const auto answer = std::make_shared<sdbus::Result<>>(std::move(result));
-  const auto answerAfter = [answer](const sdbus::Error* error) {
-    error == nullptr ? answer->returnResults() : answer->returnError(*error);
+  const auto answerAfter = [answer](const bluez::ReplyError& error) {
+    error ? answer->returnError(*error) : answer->returnResults();
   };
   switch (plan_.connecting) {
     case Connecting::InOrder:
       return handOver(device, answerAfter);
     case Connecting::AnswersEarly:
       answer->returnResults();
-      return handOver(device, [](const sdbus::Error*) {});
+      return handOver(device, [](const bluez::ReplyError&) {});
     case Connecting::OfAnother:
       return handOver("/org/bluez/hci0/dev_another",
-                      [this, device, answerAfter](const sdbus::Error* error) {
-                        turnedDown_ += error == nullptr ? 0 : 1;
+                      [this, device, answerAfter](const bluez::ReplyError& error) {
+                        turnedDown_ += error ? 1 : 0;
                         handOver(device, answerAfter);
                       });
     case Connecting::Refuses:
-      return answer->returnError(sdbus::Error(plan_.errorName, plan_.errorText));
+      return answer->returnError(sdbus::Error(bluez::ErrorName(plan_.errorName), plan_.errorText));
     case Connecting::Never:
       unanswered_.push_back(answer);
   }
 }
 
 void StandInBluetooth::handOver(const std::string& device,
-                                std::function<void(const sdbus::Error*)> then) {
+                                std::function<void(const bluez::ReplyError&)> then) {
   const sdbus::UnixFd connection(plan_.connect(), sdbus::adopt_fd);
-  owners_.push_back(sdbus::createProxy(*connection_, profile_->owner, profile_->path));
+  owners_.push_back(sdbus::createProxy(*connection_, bluez::ServiceName(profile_->owner),
+                                       sdbus::ObjectPath(profile_->path)));
   owners_.back()
       ->callMethodAsync("NewConnection")
       .onInterface("org.bluez.Profile1")
       .withArguments(sdbus::ObjectPath(device), connection, std::map<std::string, sdbus::Variant>{})
-      .uponReplyInvoke([then = std::move(then)](const sdbus::Error* error) { then(error); });
+      .uponReplyInvoke([then = std::move(then)](bluez::ReplyError error) { then(error); });
 }
 
 }  // namespace quordalvane::test

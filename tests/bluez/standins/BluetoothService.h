@@ -1,7 +1,5 @@
 #pragma once
 
-#include <sdbus-c++/sdbus-c++.h>
-
 #include <atomic>
 #include <functional>
 #include <map>
@@ -11,6 +9,8 @@
 #include <string>
 #include <thread>
 #include <vector>
+
+#include "backends/bluez/BusLibrary.h"
 
 namespace quordalvane::test {
 
@@ -73,10 +73,11 @@ class StandInBluetooth {
   void registerProfile(const std::string& path);
   void unregister(const std::string& owner);
   void connect(sdbus::Result<>&& result, const std::string& device);
-  void handOver(const std::string& device, std::function<void(const sdbus::Error*)> then);
+  void handOver(const std::string& device, std::function<void(const bluez::ReplyError&)> then);
 
   const StandInPlan plan_;
   std::unique_ptr<sdbus::IConnection> connection_;
+  std::unique_ptr<sdbus::IObject> root_;
   std::vector<std::unique_ptr<sdbus::IObject>> objects_;
   std::unique_ptr<sdbus::IObject> manager_;
   std::vector<std::unique_ptr<sdbus::IProxy>> owners_;

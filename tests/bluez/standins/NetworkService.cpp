@@ -13,28 +13,22 @@ constexpr auto serverInterface = "org.freedesktop.Avahi.Server";
 
 StandInAvahi::StandInAvahi(std::vector<StandInAnnouncement> announcements)
     : announcements_(std::move(announcements)), connection_(sdbus::createSystemBusConnection()) {
-  browser_ = sdbus::createObject(*connection_, browserPath);
-  browser_->registerSignal("ItemNew")
-      .onInterface(browserInterface)
-      .withParameters<std::int32_t, std::int32_t, std::string, std::string, std::string,
-                      std::uint32_t>();
-  browser_->finishRegistration();
-  server_ = sdbus::createObject(*connection_, "/");
-  server_->registerMethod("ServiceBrowserNew")
-      .onInterface(serverInterface)
-      .implementedAs([this](std::int32_t, std::int32_t, const std::string& type, const std::string&,
+  browser_ = sdbus::createObject(*connection_, sdbus::ObjectPath(browserPath));
+  server_ = sdbus::createObject(*connection_, sdbus::ObjectPath("/"));
+  bluez::serveOn(
+      *server_, serverInterface,
+      {bluez::method("ServiceBrowserNew",
+                     [this](std::int32_t, std::int32_t, const std::string& type, const std::string&,
                             std::uint32_t) {
-        askedFor_.push_back(type);
-        announceAll();
-        return sdbus::ObjectPath(browserPath);
-      });
-  server_->registerMethod("ResolveService")
-      .onInterface(serverInterface)
-      .implementedAs([this](Resolved&& result, std::int32_t, std::int32_t, const std::string& name,
+                       askedFor_.push_back(type);
+                       announceAll();
+                       return sdbus::ObjectPath(browserPath);
+                     }),
+       bluez::method("ResolveService",
+                     [this](Resolved&& result, std::int32_t, std::int32_t, const std::string& name,
                             const std::string&, const std::string&, std::int32_t,
-                            std::uint32_t) { resolve(std::move(result), name); });
-  server_->finishRegistration();
-  connection_->requestName("org.freedesktop.Avahi");
+                            std::uint32_t) { resolve(std::move(result), name); })});
+  connection_->requestName(bluez::ServiceName("org.freedesktop.Avahi"));
   thread_ = std::thread([this] {
     try {
       connection_->enterEventLoop();

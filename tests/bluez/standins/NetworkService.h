@@ -1,12 +1,12 @@
 #pragma once
 
-#include <sdbus-c++/sdbus-c++.h>
-
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <thread>
 #include <vector>
+
+#include "backends/bluez/BusLibrary.h"
 
 namespace quordalvane::test {
 
