@@ -36,7 +36,7 @@ class Printer {
 
   /// From now on nothing reaches it, and so it acknowledges nothing.
   void pullTheCable() const {
-    std::array<sock_filter, 1> takeNothing = {BPF_STMT(BPF_RET | BPF_K, 0)};
+    std::array<sock_filter, 1> takeNothing = {{BPF_STMT(BPF_RET | BPF_K, 0)}};
     const sock_fprog filter{.len = takeNothing.size(), .filter = takeNothing.data()};
     ASSERT_EQ(::setsockopt(number_, SOL_SOCKET, SO_ATTACH_FILTER, &filter, sizeof filter), 0);
   }
