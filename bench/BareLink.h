@@ -17,13 +17,13 @@ class BareLink {
   /// Writes the request, then polls and reads until `reply` is full.
   void exchange(std::span<const std::uint8_t> request, std::span<std::uint8_t> reply);
 
-  /// Writes all bytes, as many at a time as the system takes. Polls while it takes none.
+  /// Writes all bytes. Whenever the system takes none, it polls until it takes some.
   void write(std::span<const std::uint8_t> bytes);
 
   /// Waits at most `milliseconds` for bytes. Returns true if there are any.
   bool poll(int milliseconds) const;
 
-  /// Returns the count of bytes that were read; 0 if there are none.
+  /// Returns how many bytes were read; 0 if there are none.
   std::size_t read(std::span<std::uint8_t> bytes);
 
  private:

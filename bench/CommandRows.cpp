@@ -65,8 +65,8 @@ Row rowOf(const ReceiptKind& kind) {
   constexpr int runs = 5;
   const auto endpoint = makeEndpoint(Medium::Tcp);
   const auto openEndpoint = makeEndpoint(Medium::Tcp);
-  std::unique_ptr<ReceiptPrinter> printer;  // joined last, because it runs until the other side has
-                                            // closed
+  // Joined last, because it runs until the other side has closed the connection.
+  std::unique_ptr<ReceiptPrinter> printer;
   OpenPort port(openEndpoint->device(), kind.emulation);
   printer = std::make_unique<ReceiptPrinter>(openEndpoint->accept(), Core::First, kind.confirms);
   const auto data = receipt();
@@ -75,7 +75,7 @@ Row rowOf(const ReceiptKind& kind) {
       throw std::runtime_error("a receipt was not confirmed");
     }
   };
-  print();  // first once, so that the printer has been asked for its proof
+  print();  // the first print is not measured: it asks for the proof
   const auto pairs = alternate(
       [&] {
         Figures seconds;

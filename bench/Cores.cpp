@@ -21,8 +21,8 @@ std::vector<std::size_t> allowedCores() {
 }  // namespace
 
 void bindTo(Core core) {
-  static const std::vector<std::size_t> cores = allowedCores();  // read before the first binding
-                                                                 // changes them
+  // Read once, before the first binding changes the list.
+  static const std::vector<std::size_t> cores = allowedCores();
   cpu_set_t chosen;
   CPU_ZERO(&chosen);
   CPU_SET(core == Core::First ? cores.front() : cores.back(), &chosen);

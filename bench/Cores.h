@@ -4,7 +4,7 @@
 
 namespace quordalvane::bench {
 
-/// Two of the cores on which this process may run; the same one twice if there is only one.
+/// Two of the cores on which this process may run. If there is only one, both are the same.
 enum class Core { First, Second };
 
 /// Binds the calling thread, and the threads that it starts, to a core.

@@ -1,4 +1,4 @@
-// Megabytes of print data and of replies.
+// Rows that measure megabytes of print data and of replies.
 
 #include <sys/eventfd.h>
 #include <sys/syscall.h>
@@ -39,7 +39,7 @@ class DrainingPeer {
     });
   }
 
-  /// Returns the seconds from the start of `send`, which sends `bytes` bytes, until all have
+  /// Calls `send`, which must send `bytes` bytes. Returns the seconds until all of them have
   /// arrived.
   template <typename Send>
   double secondsFor(std::size_t bytes, Send send) {
@@ -85,7 +85,7 @@ void print(OpenPort& port, std::span<const std::uint8_t> data) {
   }
 }
 
-/// The median throughput of jobs of one size, in MiB/s, over some megabytes of jobs.
+/// The throughput of jobs of one size, in MiB/s. It is the median of several jobs.
 Pairs<double> throughput(Drains& drains, std::span<const std::uint8_t> data) {
   const auto mebibytes = static_cast<double>(data.size()) / static_cast<double>(mebibyte);
   const int jobs = data.size() > mebibyte ? 3 : 31;
@@ -105,7 +105,8 @@ Pairs<double> throughput(Drains& drains, std::span<const std::uint8_t> data) {
   return alternate([&] { return rate(ours); }, [&] { return rate(limit); });
 }
 
-/// Counts copied bytes by allocated bytes: a job fills each of its buffers exactly once.
+/// The bytes that a job copies: it fills each buffer that it allocates once, so this counts the
+/// allocated bytes.
 Row copiedBytes(const std::string& where, OpenPort& port, DrainingPeer& peer,
                 std::span<const std::uint8_t> data) {
   Allocations taken;
@@ -173,7 +174,7 @@ class ReadAhead {
   const int bareFeed_;
 };
 
-/// The median rate of reading a portion, in MiB/s, over 1 MiB.
+/// The rate of reading a portion, in MiB/s. It is the median over 1 MiB.
 template <typename Feed, typename Read>
 double readingRate(Feed feed, Read read) {
   Figures seconds;

@@ -78,12 +78,12 @@ double residentKibibytes() {
 }
 
 struct Idle {
-  double coreShare;  // in hundredths of a core
-  double wakeUps;    // of one thread in a second
-  double kibibytes;  // of one thread, or of one port with its thread
+  double coreShare;  // the share of a core, in percent
+  double wakeUps;    // wake-ups of one thread in a second
+  double kibibytes;  // the memory of one thread, or of one port with its thread
 };
 
-/// Measures the objects that `make` creates, while no other threads run.
+/// Measures the cost of the objects that `make` creates, while no other thread runs.
 template <typename Make>
 Idle idleWith(Make make, int count) {
   constexpr double seconds = 1;

@@ -1,4 +1,4 @@
-// The cost of a job's name: the time of the journal, compared with SQLite alone on the same rows.
+// The cost of a job's name. It compares the journal with SQLite alone, which commits the same rows.
 
 #include <sqlite3.h>
 #include <sys/syscall.h>
@@ -25,7 +25,8 @@ namespace {
 constexpr int jobs = 100;
 const ByteBuffer receipt(450, 'x');
 
-/// A folder on the disk of the current folder: files in memory are never synced.
+/// A folder on the disk of the current folder. It must not be in memory, where files are never
+/// synced.
 class Folder {
  public:
   Folder() : path_((std::filesystem::current_path() / "bench-journal-XXXXXX").string()) {
@@ -97,8 +98,8 @@ class BareRows {
     execute(database_, "PRAGMA synchronous = FULL");
   }
 
-  /// Makes the same two commits as the journal: the first writes the row that begins the job and
-  /// its seal, the second replaces both.
+  /// Makes the same two commits as the journal. The first writes the seal and the row that begins
+  /// the job; the second replaces both.
   void commit(int job) {
     execute(database_, "BEGIN IMMEDIATE;" + rowOf(job, "NULL, '', 0") + seal + "COMMIT");
     execute(database_, "BEGIN IMMEDIATE; DELETE FROM attempt WHERE name = '" + nameOf(job) + "';" +
@@ -121,7 +122,7 @@ class BareRows {
 };
 
 struct Cost {
-  double milliseconds;  // that a name adds to a job
+  double milliseconds;  // the time that a name adds to a job
   double jobsASecond;
 };
 
@@ -151,8 +152,8 @@ void measureOnce(Pairs<Cost>& pairs) {
   pairs.limit.push_back({.milliseconds = median(bare) * 1000, .jobsASecond = 1 / median(bare)});
 }
 
-/// How often a job syncs the disk. `Store` is opened in a copy of this process; when the copy ends,
-/// its file is closed and synced once more.
+/// How often a job makes the disk sync. `Store` is opened in a copy of this process. When the copy
+/// ends, its file is closed, and that syncs the file once more.
 template <typename Store, typename Commit>
 double syncsOfAJob(Commit commit) {
   const auto syncsOf = [&](int count) {

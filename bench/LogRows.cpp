@@ -28,7 +28,7 @@ constexpr double nanosecond = 1e9;
 constexpr double millisecond = 1e3;
 constexpr std::size_t queueSize = LogQueue::defaultCapacity;
 
-/// Counts the records that arrive. If asked to, handles the first ones slowly.
+/// Counts the records that arrive. Can be told to handle the first ones slowly.
 class Destination {
  public:
   void take(std::size_t records) {
@@ -41,7 +41,7 @@ class Destination {
 
  private:
   std::atomic<std::uint64_t> count_ = 0;
-  nanoseconds stall_{};  // set before the first record
+  nanoseconds stall_{};  // to be set before the first record
 };
 
 class OurSink final : public LogSink, public Destination {
@@ -115,7 +115,7 @@ class TheirLogger {
                  number, 10);
   }
 
-  /// The cheapest form: the level is checked before any argument is evaluated.
+  /// The cheapest form, because the level is checked before any argument is evaluated.
   void logIfWanted(std::int64_t number) const {
     if (logger_->should_log(spdlog::level::info)) {
       log(number);
@@ -128,7 +128,7 @@ class TheirLogger {
     while (pool_->queue_size() > 0) {
       std::this_thread::sleep_for(1ms);
     }
-    std::this_thread::sleep_for(1ms);  // the last record leaves the queue before it arrives
+    std::this_thread::sleep_for(1ms);  // the last record leaves the queue before it is written
   }
   Destination& destination() { return *sink_; }
   std::uint64_t dropped() const { return pool_->overrun_counter(); }
@@ -183,7 +183,7 @@ Figures secondsOfCalls(const Load& load, const Logger& logger) {
 
 struct CallerView {
   double middle;
-  double slow;  // one call in a hundred takes longer
+  double slow;  // the time that one call in a hundred exceeds
   double dropped;
 };
 
@@ -243,8 +243,10 @@ struct StallView {
 
 template <typename Logger>
 StallView viewOfStall() {
-  constexpr Load load{"", 8000, 1, 50us};   // 20,000 a second, for twice the stall
-  constexpr std::size_t smallQueue = 1024;  // overrun during the stall
+  constexpr Load load{"", 8000, 1, 50us};   // 20,000 records a second, for twice the time of the
+                                            // stall
+  constexpr std::size_t smallQueue = 1024;  // too small for the records that arrive during the
+                                            // stall
   Logger logger(smallQueue);
   logger.destination().stallOnce(200ms);
   const double longest = highest(secondsOfCalls(load, logger));

@@ -19,15 +19,15 @@ double lowest(const Figures& figures);
 double highest(const Figures& figures);
 double sum(const Figures& figures);
 
-/// The results of both sides, one for each pair.
+/// The results of both sides. Each pair was measured together.
 template <typename Result>
 struct Pairs {
   std::vector<Result> ours;
   std::vector<Result> limit;
 };
 
-/// Measures both sides in turn and alternates which is first, so that other work on the machine
-/// affects both alike.
+/// Measures both sides in turn, and begins with the other side each time. So other work on the
+/// machine affects both sides alike.
 template <typename Ours, typename Limit>
 auto alternate(Ours measureOurs, Limit measureLimit) {
   Pairs<std::invoke_result_t<Ours>> pairs;
@@ -43,7 +43,7 @@ auto alternate(Ours measureOurs, Limit measureLimit) {
   return pairs;
 }
 
-/// The values of one member of all results.
+/// One member of every result.
 template <typename Result>
 Figures figuresOf(const std::vector<Result>& results, double Result::*member) {
   Figures figures;

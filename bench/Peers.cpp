@@ -44,16 +44,16 @@ double microsecondsAt(Measure measure) {
   Peer peer(Core::First);
   peer.answerAll(*endpoint);
   const double seconds = measure(std::to_string(tcpPort(*endpoint)));
-  ::close(endpoint->connect());  // a connection without a byte ends the printer
+  ::close(endpoint->connect());  // a connection that closes without a byte ends the printer
   return seconds * microsecond;
 }
 
-/// The script measures itself, because its start is not part of a status query.
+/// The script measures the time itself, because its own start is not part of a status query.
 double secondsOfScript(const std::string& port) {
   return read(run("python3 " QUOR_BENCH_PEERS "/status_script.py " + port + " 1000").get());
 }
 
-/// Measures from the start of the command to the last of its three bytes.
+/// Measures from the start of the command until the last of its three bytes.
 double secondsOfCommand(const std::string& port, const std::string& program) {
   constexpr int runs = 5;
   const std::string command = QUOR_BENCH_PEERS "/status_command.sh " + program + " " + port;

@@ -1,4 +1,4 @@
-// Draws a bar for each row: our figure as a part of the limit's, on a scale that doubles with each
+// Draws a bar for each row: our figure divided by the limit, on a scale that doubles with each
 // step.
 
 #include <algorithm>
@@ -14,8 +14,8 @@ constexpr int rowHeight = 22;
 constexpr int top = 56;
 constexpr int textWidth = 430;
 constexpr int stepWidth = 40;
-constexpr int stepsDown = 4;  // the scale begins at 1/16 of the limit
-constexpr int stepsUp = 4;    // and ends at sixteen times the limit
+constexpr int stepsDown = 4;  // the scale begins at a sixteenth of the limit
+constexpr int stepsUp = 4;    // the scale ends at sixteen times the limit
 constexpr int width = textWidth + stepWidth * (stepsDown + stepsUp) + 190;
 
 double placeOf(double ratio) {

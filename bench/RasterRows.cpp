@@ -149,14 +149,14 @@ double memory(const std::string& name) {
 }
 
 Cost costOf(const std::function<void()>& body) {
-  std::ofstream("/proc/self/clear_refs") << "5";  // resets the peak of memory use
+  std::ofstream("/proc/self/clear_refs") << "5";  // resets the highest memory use
   const double before = memory("VmRSS");
   const double began = processorSeconds();
   body();
   return {.seconds = processorSeconds() - began, .bytes = memory("VmHWM") - before};
 }
 
-// Measures in a process of its own.
+// Measures the cost in a process of its own.
 Cost costApart(const std::function<void()>& body) {
   int ends[2];
   if (::pipe(ends) != 0) {

@@ -10,8 +10,8 @@ struct ReceiptKind {
   const char* name;
   ReceiptPrinter::Confirms confirms;
   ZKEmulation emulation;
-  const char* keys;        ///< of the device, if its proof is known beforehand
-  const char* goalOfSign;  ///< how soon the port must notice the confirmation
+  const char* keys;        ///< the keys of a device of which the proof is known
+  const char* goalOfSign;  ///< the longest time until the port notices the confirmation
 };
 
 inline constexpr ReceiptKind receiptKinds[] = {

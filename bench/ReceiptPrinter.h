@@ -23,8 +23,8 @@ class ReceiptPrinter {
   /// line mode.
   enum class Confirms { Count, Report, ProcessId, InOrder };
 
-  /// The bytes that it received before an answer, and that answer. The last turn of a job may have
-  /// no answer.
+  /// The bytes that the printer received before an answer, and that answer. The last turn of a job
+  /// may have no answer.
   struct Turn {
     std::vector<std::uint8_t> heard;
     std::vector<std::uint8_t> answer;
@@ -42,7 +42,7 @@ class ReceiptPrinter {
   /// The bytes and answers since the last `forget`.
   std::vector<Turn> turns() const;
 
-  /// When the first byte of a receipt arrived, and when the printer first had printed the job.
+  /// When the first byte of a receipt arrived, and when the printer had first printed the job.
   Instant heardDataAt() const { return heardDataAt_; }
   Instant confirmedAt() const { return confirmedAt_; }
   /// @}
@@ -59,9 +59,9 @@ class ReceiptPrinter {
   const int descriptor_;
   const Confirms confirms_;
   const std::chrono::milliseconds printingTime_;
-  std::vector<std::uint8_t> last_;  // the last bytes, enough for the longest command
-  std::vector<std::uint8_t> sign_;  // sent when the job is printed
-  std::uint8_t marks_ = 0;          // counted when the job is printed
+  std::vector<std::uint8_t> last_;  // the last received bytes, enough for the longest command
+  std::vector<std::uint8_t> sign_;  // the confirmation that is sent when the job is printed
+  std::uint8_t marks_ = 0;          // the marks that are counted when the job is printed
   std::uint8_t counter_ = 0;
   std::atomic<Instant> printedAt_ = Instant::max();
   std::atomic<Instant> heardDataAt_ = Instant();

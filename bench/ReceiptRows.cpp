@@ -97,7 +97,8 @@ void addRowsOf(const ReceiptKind& kind, Rows& confirmed, Rows& firstByte) {
   const Bound bound(Core::First);
   Counters counters(kind);
   const auto data = receipt();
-  print(counters.port, data);  // first once, so that work that is done only once is not measured
+  print(counters.port, data);  // the first print is not measured: it does work that is done only
+                               // once
   counters.printer->forget();
   print(counters.port, data);
   const auto turns = counters.printer->turns();

@@ -17,7 +17,7 @@ struct Heading {
   std::string unit;
 };
 
-/// How far the ratios of the pairs differ.
+/// How far the pairs' ratios lie apart.
 struct Spread {
   double median;
   double lowest;
@@ -30,7 +30,8 @@ struct Row {
   double ours = 0;
   double limit = 0;
   std::optional<Spread> spread = std::nullopt;  // empty if the figures do not vary
-  std::map<std::string, double> peers = {};     // other ways to do the same, in the row's unit
+  std::map<std::string, double> peers = {};     // the figures of other ways to do the same, in the
+                                                // row's unit
 
   /// Our figure divided by the limit; 1 if both are zero.
   double ratio() const { return ours == limit ? 1 : ours / limit; }
@@ -43,7 +44,7 @@ enum class Best { Lowest, Highest };
 /// A row with the best figure of each side, times `scale`, and with the spread of the pairs.
 Row comparedRow(Heading heading, const Pairs<double>& pairs, Best best, double scale = 1);
 
-/// A cost that depends on the amount of work: one line for each amount.
+/// How a cost grows with the amount of work; one line for each amount.
 struct GrowthTable {
   std::string title;
   std::vector<std::string> columns;

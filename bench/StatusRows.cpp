@@ -1,4 +1,4 @@
-// The time of a status query that is added to the exchange of its bytes.
+// How much longer a status query takes than the bare exchange of its bytes.
 
 #include <string>
 #include <utility>

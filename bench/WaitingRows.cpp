@@ -50,7 +50,7 @@ double processorSeconds() {
 
 struct Silence {
   double seconds;
-  double coreShare;  // in hundredths of a core
+  double coreShare;  // the share of a core, in percent
 };
 
 template <typename Wait>
@@ -142,7 +142,7 @@ Rows openAndClose() {
                                    exchangeLineStatus(bare);
                                  }));
                                });
-  ::close(endpoint->connect());  // a connection without a byte ends the printer
+  ::close(endpoint->connect());  // a connection that closes without a byte ends the printer
   return {comparedRow(
       {"B12", "open, status and close, beyond their named pauses", "<= limit + 1 ms", "ms"}, pairs,
       Best::Lowest, millisecond)};

@@ -18,7 +18,8 @@ struct Group {
   Rows (*measure)();
 };
 
-// The rows that measure memory are first: later there is freed memory, which would be used again.
+// The groups that measure memory are first, because later groups leave freed memory that would be
+// used again.
 constexpr std::array groups = {
     Group{"B9", idlePorts},
     Group{"B21", longPage},
@@ -87,9 +88,9 @@ void report(const Options& options, const Rows& rows) {
   }
 }
 
-/// Raises the priority of this process. Other work on the machine affects both sides alike, but it
-/// shows in the longest of a thousand calls. For ordinary users the system refuses this, and only
-/// that row differs.
+/// Raises the priority of this process. Other work on the machine affects both sides alike, except
+/// in the longest of a thousand calls. If the system refuses this to an ordinary user, only those
+/// figures suffer.
 void standBackForNobody() {
   ::setpriority(PRIO_PROCESS, 0, -20);
 }

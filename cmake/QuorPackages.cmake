@@ -42,7 +42,7 @@ else()
                 tests/unit/http)
 endif()
 
-# Bluetooth printers, and network printers in a search, are found by D-Bus.
+# D-Bus finds Bluetooth printers, and in a search also network printers.
 find_package(sdbus-c++ 2 QUIET)
 if(NOT sdbus-c++_FOUND)
   find_package(sdbus-c++ 1 QUIET)

@@ -56,8 +56,8 @@ _quorport_settings="
   foreign-reply= silence= cut-after-in= cut-after-out= cut= prints-nothing= at= seed=
 "
 
-# Offers those of the words in $1 that begin with the current word. No blank is added after a colon
-# or an equals sign at the end, because the rest follows there.
+# Offers the words in $1 that begin with the current word. If a word ends in a colon or an equals
+# sign, no blank is added, because the rest of the argument follows it.
 _quorport_offer() {
   mapfile -t COMPREPLY < <(compgen -W "$1" -- "$cur")
   [[ ${COMPREPLY-} == *[:=] ]] && compopt -o nospace 2> /dev/null
@@ -66,7 +66,7 @@ _quorport_offer() {
 
 _quorport() {
   local cur prev words cword split command general own short long type text
-  # Colons and equals signs are part of a word here. In --option=value, the value is completed.
+  # A colon or an equals sign is part of a word here, and in --option=value the value is completed.
   _init_completion -s -n := || return
   general=$("$1" --help 2> /dev/null)
   command=$(_quorport_command "$general" "${words[@]:1:cword-1}")

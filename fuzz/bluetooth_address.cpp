@@ -7,8 +7,8 @@
 using namespace quordalvane;
 using fuzz::require;
 
-/// The input is a text that may contain an address. The search must find the same as a regular
-/// expression for addresses.
+/// The input is a text that may contain a Bluetooth address. The search must find the same address
+/// as a regular expression.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const std::regex address(
       "(?:^|[^0-9A-Fa-f])((?:[0-9A-Fa-f]{2}:){5}[0-9A-Fa-f]{2})(?![0-9A-Fa-f])");

@@ -20,7 +20,8 @@ void feed(const std::filesystem::path& path) {
   const auto exact = std::make_unique<std::uint8_t[]>(content.size());
   std::copy(content.begin(), content.end(), exact.get());
   std::cout << path.string()
-            << std::endl;  // flushed, so that the name of the file is shown before a crash
+            // Flushed, so that the name of the file is shown before a crash.
+            << std::endl;
   LLVMFuzzerTestOneInput(exact.get(), content.size());
 }
 

@@ -9,7 +9,7 @@ folder=$1
 root=$folder/bare
 suite=$(. /etc/os-release && echo "$VERSION_CODENAME")
 
-# Tools that the packages do not require, and packages that they only recommend.
+# The packages neither contain nor require these tools, and only recommend these packages.
 tools=(cmake g++ iproute2 ninja-build pkg-config)
 recommended=(cups fonts-dejavu-core libzint-dev python3-venv systemd)
 
@@ -25,7 +25,7 @@ inside() {
     bash -euc "${*: -1}"
 }
 
-# step NAME COMMAND …: runs the command, and shows its output only if it fails.
+# step NAME COMMAND …: runs the command, and shows its output if it fails.
 step() {
   local began=${EPOCHREALTIME/./}
   if ! "${@:2}" >"$folder/trial.log" 2>&1; then

@@ -1,4 +1,4 @@
-"""The operations of one port as plain calls. The caller must make all of them on one thread at a time."""
+"""The operations of one port as plain calls, of which only one may run at a time."""
 
 from __future__ import annotations
 
@@ -13,7 +13,7 @@ from quorioport.status import Status, StatusRecord, status_of
 
 LONGEST = 2**32 - 1  # milliseconds
 
-# A new port chooses among the connected devices, and the library has one list of them for the whole process.
+# A new port chooses among the devices of the whole process, so only one port at a time may set them.
 _creation = threading.Lock()
 
 

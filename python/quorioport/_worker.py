@@ -1,4 +1,4 @@
-"""A thread for each port: whoever calls, the library is called by this thread only."""
+"""A thread for each port. It makes all calls of the library for that port, whichever thread asks for them."""
 
 from __future__ import annotations
 
@@ -32,6 +32,7 @@ class Worker:
     async def wait(
         self, function: Callable[Parameters, Result], *args: Parameters.args, **kwargs: Parameters.kwargs
     ) -> Result:
-        """As `call`, for asyncio: other tasks run during the wait, and cancelling the wait does not stop the function.
+        """Runs the function on the thread, and waits for it in asyncio. Other tasks run during the wait; if it is
+        cancelled, the function continues.
         """
         return await asyncio.shield(asyncio.wrap_future(self.submit(function, *args, **kwargs)))

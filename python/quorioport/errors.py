@@ -41,7 +41,7 @@ class JournalError(QuorError):
 
 
 class NotPrintedError(QuorError):
-    """A job was not printed, or nobody knows; `result` has the details."""
+    """A job was refused or is unconfirmed; `result` has the details."""
 
     def __init__(self, result: PrintResult) -> None:
         """Keeps the result."""

@@ -34,9 +34,9 @@ class Outcome(Enum):
 class Proof(Enum):
     """How a printer confirms a job."""
 
-    #: It does not: the printer is not asked, and the job is unconfirmed at best.
+    #: The printer cannot confirm a job. It is not asked, and each job is unconfirmed at best.
     NONE = "none"
-    #: The key `proof=` of the device decides; without it, the printer is asked before the job.
+    #: The key `proof=` of the device decides. If it is missing, the printer is asked before the job.
     AUTO = "auto"
     #: The printer counts marks before and after the data.
     BLOCK = "block"
@@ -82,7 +82,7 @@ class PrintResult:
 
     outcome: Outcome
     obstacle: Obstacle
-    #: The proof that was used. NONE if the printer gives none, AUTO if it is not known yet.
+    #: The proof that was used. NONE if the printer has none, AUTO if the printer was not asked yet.
     proof: Proof
     #: Why the job was not printed, for people; "" if it was.
     reason: str
@@ -140,7 +140,7 @@ class RunningJob:
         return self.run_with(handle, lambda job: c.call("print_job_run", job, data, len(data)))
 
     def run_with(self, handle: Handle, run: Callable[[ctypes.c_void_p], object]) -> PrintResult:
-        """Calls `run` with the library's job, which it must print."""
+        """Calls `run` with the library's job. `run` must print it."""
         observer = c.PROGRESS(self._report)
         self._create(handle, observer)
         try:
@@ -215,8 +215,8 @@ class PrintJob:
     def run(self, data: bytes | bytearray | memoryview) -> PrintResult:
         """Prints the data and returns the result, within the time-outs of the port.
 
-        Ctrl-C cancels the job, and is raised after the job has ended; `result` is then set. Raises OperationError if
-        the port is not open, and UsageError if the job has run before.
+        Ctrl-C cancels the job. KeyboardInterrupt is raised after the job has ended and `result` is set. Raises
+        OperationError if the port is not open, and UsageError if the job has run before.
         """
         return self._finish(self._start(data, self._progress))
 

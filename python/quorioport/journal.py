@@ -1,4 +1,6 @@
-"""Jobs with names. Each is printed once, or a person is asked, even if the program is killed at any moment."""
+"""Jobs with names. Each is printed once, or is left to a person's decision, even if the program is killed at any
+moment.
+"""
 
 from __future__ import annotations
 
@@ -56,7 +58,7 @@ class JobRecord:
 class NamedResult(PrintResult):
     """The result of a job with a name."""
 
-    #: The number of the attempt that this result is from, 1 for the first; 0 if there was none.
+    #: The number of the attempt that this result belongs to, from 1; 0 if there was no attempt.
     attempt: int
     #: True if an earlier call printed the job; this call sent nothing.
     repeated: bool

@@ -17,10 +17,10 @@ ERROR = 7  # the type of a record
 def forward_log(
     logger: logging.Logger | None = None, levels: Sequence[int] = (0,)
 ) -> Iterator[logging.Logger]:
-    """Passes the library's records to a logger until the block ends; the default logger is "quorioport".
+    """Passes the library's records to a logger until the block ends. The default logger is "quorioport".
 
-    Errors have the level ERROR, all others DEBUG. The library writes records only within such a block. If several
-    blocks are active, each gets all records, and the latest one sets the library's own `levels`.
+    Errors have the level ERROR, all other records DEBUG. The library creates records only while such a block is active.
+    If there are several blocks, each gets all records, and the latest block sets the library's own `levels`.
     """
     target = logger or logging.getLogger("quorioport")
 

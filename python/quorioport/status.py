@@ -64,7 +64,7 @@ class Status:
     paper_near_empty: bool
     #: True if paper was left in the exit.
     paper_present: bool
-    #: The electrical level at the drawer connector.
+    #: The level of the signal at the drawer connector.
     drawer_switch: bool
     #: The names of all conditions that are true, as in the C interface.
     conditions: frozenset[str]

@@ -116,8 +116,8 @@ class VirtualPrinter:
         self._ask({"clear": "faults"})
 
     def next_receipt(self, timeout: float = PATIENCE) -> Receipt:
-        """Waits for the next job that has ended and returns it, the oldest first. Raises OperationError after `timeout`
-        seconds.
+        """Waits for the next job that has ended, and returns its receipt; the oldest is first. Raises OperationError
+        after `timeout` seconds without one.
 
         A job ends when its port is closed.
         """

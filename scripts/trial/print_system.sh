@@ -1,4 +1,4 @@
-# A queue that was created as the guide describes prints as the user lp, in a print system that root
+# A queue that was created as its guide describes prints as the user lp, in a print system that root
 # has started.
 . ./printer.sh
 serve_printer
@@ -8,7 +8,7 @@ until lpstat -r | grep -qx 'scheduler is running'; do sleep 0.05; done
 # The scheduler runs a back end without root's rights if every user may execute it.
 [ "$(stat --format '%a %U %G' /usr/lib/cups/backend/quor)" = "755 root root" ]
 
-# Files as the kernel creates them for a USB printer.
+# The files by which the kernel shows a USB printer.
 mkdir -p /sys/devices/printer/interface /sys/class/usbmisc/lp0
 ln -sfn ../../../devices/printer/interface /sys/class/usbmisc/lp0/device
 echo 'MFG:Corner;MDL:T80;SN:0042;CLS:PRINTER;' >/sys/devices/printer/interface/ieee1284_id
