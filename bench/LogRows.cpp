@@ -243,10 +243,10 @@ struct StallView {
 
 template <typename Logger>
 StallView viewOfStall() {
-  constexpr Load load{"", 8000, 1, 50us};   // 20,000 records a second, for twice the time of the
-                                            // stall
-  constexpr std::size_t smallQueue = 1024;  // too small for the records that arrive during the
-                                            // stall
+  // 20,000 records a second, for twice the time of the stall.
+  constexpr Load load{"", 8000, 1, 50us};
+  // Too small for the records that arrive during the stall.
+  constexpr std::size_t smallQueue = 1024;
   Logger logger(smallQueue);
   logger.destination().stallOnce(200ms);
   const double longest = highest(secondsOfCalls(load, logger));

@@ -105,8 +105,8 @@ void Peer::answerEach(std::vector<int> descriptors) {
       epoll_event awaited{.events = EPOLLIN, .data = {.fd = descriptor}};
       ::epoll_ctl(events, EPOLL_CTL_ADD, descriptor, &awaited);
     }
-    Requests requests;  // one object for all connections, because whole requests arrive one at a
-                        // time
+    // One object for all connections, because whole requests arrive one at a time.
+    Requests requests;
     for (std::size_t open = descriptors.size(); open > 0;) {
       epoll_event event{};
       if (::epoll_wait(events, &event, 1, -1) == 1 && !answerOnce(event.data.fd, requests, {})) {

@@ -97,8 +97,8 @@ void addRowsOf(const ReceiptKind& kind, Rows& confirmed, Rows& firstByte) {
   const Bound bound(Core::First);
   Counters counters(kind);
   const auto data = receipt();
-  print(counters.port, data);  // the first print is not measured: it does work that is done only
-                               // once
+  // The first print is not measured: it does work that is done only once.
+  print(counters.port, data);
   counters.printer->forget();
   print(counters.port, data);
   const auto turns = counters.printer->turns();

@@ -29,9 +29,9 @@ struct Row {
   Heading heading;
   double ours = 0;
   double limit = 0;
-  std::optional<Spread> spread = std::nullopt;  // empty if the figures do not vary
-  std::map<std::string, double> peers = {};     // the figures of other ways to do the same, in the
-                                                // row's unit
+  std::optional<Spread> spread = std::nullopt;  // of the ratios; empty if they do not vary
+  // The figures of other ways to do the same, in the row's unit.
+  std::map<std::string, double> peers = {};
 
   /// Our figure divided by the limit; 1 if both are zero.
   double ratio() const { return ours == limit ? 1 : ours / limit; }

@@ -16,7 +16,7 @@ struct Form {
   std::uint8_t prefixLength;
   std::array<std::uint8_t, 3> prefix;
   std::uint8_t header;  // how many bytes must be present before `rule` is called
-  LengthRule rule;      // null: the command ends with its header
+  LengthRule rule;      // null means that the command ends with its header
   KnownWith knownWith = KnownWith::Always;
 };
 

@@ -15,7 +15,7 @@ struct ListedCommand {
   std::uint64_t length = 0;
   /// See `nameOf`. "text" for characters, and "cut off" for an incomplete command.
   std::string name;
-  std::string meaning;  ///< in words; for a run of characters, the characters in ASCII
+  std::string meaning;  ///< its effect in words; for text, the characters in ASCII
   bool isKnown = true;  ///< true if a printer of this dialect knows it
 };
 

@@ -10,7 +10,7 @@ namespace quordalvane::simulator {
 /// The name of a command, for people.
 struct CommandName {
   std::string name;          ///< as in manuals, like "GS V"; "text" for a character
-  std::string_view meaning;  ///< in a few words; empty if unknown
+  std::string_view meaning;  ///< its effect in a few words; empty if unknown
 };
 
 /// The name of one complete command, or of a single character.

@@ -65,7 +65,7 @@ struct FaultPart {
 /// without parts it is `true`.
 struct FaultForm {
   std::string_view name;
-  std::string_view takes;  ///< in words
+  std::string_view takes;  ///< the form of the value, in words
   std::string_view effect;
   std::span<const FaultPart> parts;
 };

@@ -6,8 +6,8 @@
 namespace quordalvane::simulator {
 namespace {
 
-constexpr std::string_view places = "#$@[\\]^`{|}~";  // the ASCII characters whose bytes differ
-                                                      // from set to set
+// The ASCII characters whose bytes differ from set to set.
+constexpr std::string_view places = "#$@[\\]^`{|}~";
 
 constexpr std::u32string_view sets[] = {
     U"#$@[\\]^`{|}~",                                                        // the United States

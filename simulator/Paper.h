@@ -24,9 +24,9 @@ enum class Alignment { Left, Center, Right };
 struct TextStyle {
   bool bold = false;
   bool inverse = false;
-  bool smallFont = false;         ///< characters of 9 x 17 dots instead of 12 x 24
-  bool wide = false;              ///< a character is as wide as two letters, as in East Asian
-                                  ///< scripts
+  bool smallFont = false;  ///< characters of 9 x 17 dots instead of 12 x 24
+  /// A character is as wide as two letters, as in East Asian scripts.
+  bool wide = false;
   bool rotated = false;           ///< each character is turned by 90 degrees clockwise
   bool grey = false;              ///< printed in the second colour
   std::uint8_t underline = 0;     ///< its thickness in dots, 0 to 2
@@ -125,12 +125,12 @@ struct Symbol {
   Symbology symbology = Symbology::Code128;
   std::string data;
   unsigned moduleWidth = 3;
-  unsigned rowHeight = 162;               ///< the height of a row in dots; for a bar code, its
-                                          ///< whole height
-  unsigned level = 0;                     ///< of error correction; 0: the symbology's default
-  unsigned columns = 0;                   ///< the columns or the number of a size; 0: the
-                                          ///< symbology's default
-  bool isModel1 = false;                  ///< for a QR code of model 1, which is drawn as model 2
+  /// The height of a row in dots; for a bar code, its whole height.
+  unsigned rowHeight = 162;
+  unsigned level = 0;  ///< of error correction; 0: the symbology's default
+  /// The columns or the number of a size; 0: the symbology's default.
+  unsigned columns = 0;
+  bool isModel1 = false;                  ///< a QR code of model 1, which is drawn as model 2
   Symbology lineKind = Symbology::Ean13;  ///< the kind of a composite code's bar code
   std::string lineData{};                 ///< the data of a composite code's bar code
   bool textAbove = false;

@@ -67,9 +67,9 @@ struct SettingForm {
   std::string_view key;
   Kind kind = Kind::Text;
   std::uint32_t least = 0;  ///< the least value, if it is a number
-  std::uint32_t most = 0;   ///< the greatest value of a number, or the length of a text; 0: no
-                            ///< limit
-  std::string_view about;   ///< its meaning, in a few words
+  /// The greatest value of a number, or the length of a text; 0: no limit.
+  std::uint32_t most = 0;
+  std::string_view about;                   ///< its meaning, in a few words
   std::vector<std::string_view> choices{};  ///< the usual values; may be empty
   bool isFree = true;                       ///< values other than the choices are also accepted
 };

@@ -106,8 +106,8 @@ void Typesetter::nationalSet(ByteView command) {
 
 void Typesetter::multiByte(ByteView command) {
   const bool on = command[1] == 0x26;
-  if (!decoder_.setMultiByte(on) && on) {  // turning off multi-byte text that is missing changes
-                                           // nothing
+  // Turning off multi-byte text that is missing changes nothing.
+  if (!decoder_.setMultiByte(on) && on) {
     paper_.noteSkipped(command);
   }
 }

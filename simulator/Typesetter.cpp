@@ -43,8 +43,8 @@ const Typesetter::Entry Typesetter::commandTable[] = {
     {0x1b, 0x52, Spoken::Both, &Typesetter::nationalSet},
     {0x1b, 0x53, Spoken::EscPos, &Typesetter::standardMode},
     {0x1b, 0x54, Spoken::EscPos, &Typesetter::pageDirection},
-    {0x1b, 0x55, Spoken::EscPos, &Typesetter::ignore},  // prints in one direction only; has no
-                                                        // effect here
+    // Prints in one direction only; has no effect here.
+    {0x1b, 0x55, Spoken::EscPos, &Typesetter::ignore},
     {0x1b, 0x56, Spoken::EscPos, &Typesetter::rotation},
     {0x1b, 0x57, Spoken::EscPos, &Typesetter::pageArea},
     {0x1b, 0x5a, Spoken::EscPos, &Typesetter::symbolAtOnce},
@@ -75,14 +75,14 @@ const Typesetter::Entry Typesetter::commandTable[] = {
     {0x1d, 0x2a, Spoken::EscPos, &Typesetter::graphics},
     {0x1d, 0x2f, Spoken::EscPos, &Typesetter::graphics},
     {0x1d, 0x38, Spoken::EscPos, &Typesetter::graphics},
-    {0x1d, 0x3a, Spoken::EscPos, &Typesetter::ignore},  // begins or ends a macro, which the class
-                                                        // Macro handles
+    // Begins or ends a macro, which the class Macro handles.
+    {0x1d, 0x3a, Spoken::EscPos, &Typesetter::ignore},
     {0x1d, 0x42, Spoken::EscPos, &Typesetter::inverse},
     {0x1d, 0x44, Spoken::EscPos, &Typesetter::graphics},
     {0x1d, 0x48, Spoken::EscPos, &Typesetter::barcodeSetting},
     {0x1d, 0x4c, Spoken::EscPos, &Typesetter::leftMargin},
-    {0x1d, 0x50, Spoken::EscPos, &Typesetter::ignore},  // sets the units of motion, which are
-                                                        // always dots here
+    // Sets the units of motion, which are always dots here.
+    {0x1d, 0x50, Spoken::EscPos, &Typesetter::ignore},
     {0x1d, 0x51, Spoken::EscPos, &Typesetter::tallColumnImage},
     {0x1d, 0x56, Spoken::EscPos, &Typesetter::cut},
     {0x1d, 0x57, Spoken::EscPos, &Typesetter::printWidth},

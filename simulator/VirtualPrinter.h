@@ -72,7 +72,7 @@ class VirtualPrinter {
     enum class Kind { Command, Answer };
     Kind kind;
     ByteView bytes;                      ///< valid during the call
-    ReplyKind reply = ReplyKind::Other;  ///< for an answer
+    ReplyKind reply = ReplyKind::Other;  ///< the kind of the answer
   };
   using Watcher = std::function<void(const Deed&)>;
   void watch(Watcher watch) { watch_ = std::move(watch); }
@@ -115,7 +115,7 @@ class VirtualPrinter {
   /// A command, or the end of a connection, that takes effect when the first `end` bytes ever
   /// queued have been printed.
   struct Mark {
-    std::optional<MachineCommand> command;  // empty: the end of a connection
+    std::optional<MachineCommand> command;  // empty means the end of a connection
     Bytes bytes;                            // the bytes of the command, which are not printed
     std::uint64_t begin;
     std::uint64_t end;
@@ -160,10 +160,10 @@ class VirtualPrinter {
   std::uint64_t takenEver_ = 0;  // how many queued bytes were printed or dropped
   std::uint64_t receivedEver_ = 0;
   std::uint64_t jobBegin_ = 0;  // how many bytes were received before the current job
-  std::deque<Aside> asides_;    // in order; those not yet passed by the print position
+  std::deque<Aside> asides_;    // the ones that printing has not reached
   std::uint64_t asidesPassed_ = 0;
   Bytes question_;          // the command that is being answered
-  std::deque<Mark> marks_;  // in order of their positions
+  std::deque<Mark> marks_;  // sorted by position
   std::uint64_t printedBytes_ = 0;
   Bytes printed_;
 

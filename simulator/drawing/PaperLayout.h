@@ -29,8 +29,8 @@ struct Piece {
 
 /// The empty space around the print, in dots.
 struct Margins {
-  unsigned end = 0;  ///< above the first line and below the last line of a piece
-  unsigned gap = 0;  ///< between two pieces
+  unsigned end = 0;  ///< the space above and below a piece
+  unsigned gap = 0;  ///< the distance between two pieces
 };
 
 /// The space above and below a symbol, and between the symbol and its text, in dots.

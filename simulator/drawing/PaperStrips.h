@@ -29,7 +29,7 @@ class PaperStrips {
   };
 
   struct Change {
-    std::vector<Strip> strips;  ///< from the top; each has at most `mostRows` rows
+    std::vector<Strip> strips;  ///< sorted from the top; each has at most `mostRows` rows
     std::vector<CutMark> cuts;
   };
 

@@ -17,7 +17,7 @@ namespace {
 
 constexpr double cellWidth = 12;
 constexpr double cellHeight = 24;
-constexpr double fontSize = 20;  // with most monospaced fonts, this fills a cell
+constexpr double fontSize = 20;                            // fills a cell in most monospaced fonts
 constexpr std::size_t mostCached = std::size_t{4} << 20U;  // the size of all kept glyphs in bytes
 
 struct GlyphKey {

@@ -22,7 +22,7 @@ namespace quordalvane::cups {
 /// written in this way is data, not a separator. The query takes the keys of the device, and also
 /// `emulation`, `timeout`, `end-timeout` and `copies`, which set the members below.
 struct DeviceUri {
-  std::string device;  ///< in the form that `parseDeviceSpec` reads
+  std::string device;  ///< the device text, as `parseDeviceSpec` reads it
 
   ZKEmulation emulation = ZKEmulationQuorLine;  ///< `line` or `escpos`
   std::uint32_t timeout = 10000;                ///< milliseconds, for input and output

@@ -19,7 +19,7 @@ namespace quordalvane::http {
 /// A request of a browser.
 struct Request {
   std::string method;  ///< GET or POST; a HEAD is asked as a GET
-  std::string path;    ///< after the token, without the first slash
+  std::string path;    ///< the part after the token and its slash
   std::map<std::string, std::string> query;
   std::string body;
   std::optional<std::uint64_t> lastEvent;  ///< the latest event it has read; empty if unknown
@@ -62,8 +62,8 @@ class Server {
   static constexpr std::size_t longestHead = std::size_t{16} << 10U;  ///< bytes, approximately
   static constexpr std::size_t mostConnections = 128;
   static constexpr std::size_t mostReaders = 64;
-  static constexpr std::chrono::seconds longestWait{20};     ///< for a whole request
-  static constexpr std::chrono::seconds longestAnswer{120};  ///< for a client to read an answer
+  static constexpr std::chrono::seconds longestWait{20};     ///< the limit for a whole request
+  static constexpr std::chrono::seconds longestAnswer{120};  ///< the limit for reading an answer
 
   /// `listening` is a socket that already listens at `endpoint`; it remains the caller's. Throws
   /// std::system_error or std::runtime_error if the system refuses.

@@ -22,7 +22,7 @@ constexpr const char* narrowPaper[] = {"om_58x200mm_58x200mm", "om_58x100mm_58x1
                                        "roll_max_58x2000mm"};
 
 constexpr int resolution = 203;
-constexpr int usualLength = 20000;  // in hundredths of a millimetre
+constexpr int usualLength = 20000;  // hundredths of a millimetre
 
 template <std::size_t size>
 void copy(char (&to)[size], const char* from) {

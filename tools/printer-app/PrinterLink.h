@@ -13,7 +13,7 @@ namespace quordalvane::printer_app {
 /// The exclusive use of a printer, see `takeDevice`.
 struct Turn {
   bool isTaken = false;
-  std::optional<ByteLock> lock;  ///< empty if no other program can use the device
+  std::optional<ByteLock> lock;  ///< no lock is needed if no other program can use the device
 };
 
 /// Waits at most `limit` for the exclusive use of the printer. Throws the errors of `takeDevice`.

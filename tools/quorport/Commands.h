@@ -66,7 +66,7 @@ struct Command {
   std::string_view help;
   Report (*run)(const Options& options, const Surroundings& surroundings);
   void (*addOptions)(CLI::App& app,
-                     Options& options) = nullptr;  ///< null if it has no options of its own
+                     Options& options) = nullptr;  ///< null if the command has no own options
   CommandKind kind = CommandKind::Question;
 };
 

@@ -24,7 +24,7 @@ using SystemTime = std::chrono::system_clock::time_point;
 struct Look {
   std::string state;  // for programs
   std::string text;   // for people
-  Json status;        // null if the printer gave no status
+  Json status;        // the fields of the status; null if there is none
   ExitCode code;
 
   // The fields without the raw reply, which repeats them.

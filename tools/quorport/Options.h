@@ -18,9 +18,9 @@ struct StatusOptions {
 };
 
 struct PrintOptions {
-  std::string file;                               ///< "-" is standard input
-  std::optional<ProofKind> proof;                 ///< empty: the device's own key decides
-  std::optional<std::uint32_t> endTimeout;        ///< milliseconds
+  std::string file;                         ///< "-" is standard input
+  std::optional<ProofKind> proof;           ///< empty means that the key of the device decides
+  std::optional<std::uint32_t> endTimeout;  ///< milliseconds
   std::optional<std::uint32_t> holdPrintTimeout;  ///< milliseconds
   std::optional<std::string> receipt;             ///< the path of the receipt file
   std::optional<std::string> job;                 ///< the job's name

@@ -14,8 +14,8 @@ struct RenderOptions {
   std::uint32_t width = 576;  ///< the width of the paper in dots
   /// The text that render::CodePage reads. Empty means ASCII only.
   std::optional<std::string> codePage;
-  bool isOrdered = false;  ///< true: an ordered pattern for grey; false: error
-                           ///< diffusion
+  /// True: an ordered pattern for grey; false: error diffusion.
+  bool isOrdered = false;
   bool cut = false;
   std::optional<std::uint32_t> drawer;  ///< 1 or 2; empty: no drawer opens
   bool drawerAfter = false;

@@ -13,7 +13,7 @@ namespace quordalvane::tool {
 /// The result of a command, as JSON and as text.
 struct Report {
   ExitCode code = ExitCode::Done;
-  JsonObject json;    ///< empty if nothing remains to be reported
+  JsonObject json;    ///< the result; empty if nothing remains to be reported
   std::string text;   ///< for people: lines that end in a line feed
   std::string error;  ///< for people: the reason of the failure; "" on success
 };

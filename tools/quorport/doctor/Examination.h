@@ -18,10 +18,10 @@ namespace quordalvane::tool {
 /// The result of examining one device.
 struct Diagnosis {
   std::string device;  ///< its device text
-  Findings findings;   ///< empty if the printer has no fault
+  Findings findings;   ///< the faults of the printer; may be empty
   std::vector<std::string> remarks;
-  std::optional<QuorPrinterStatus_2> status;   ///< empty if the printer gave none
-  std::optional<ProofKind> proof;              ///< empty if it was not asked
+  std::optional<QuorPrinterStatus_2> status;   ///< the last status; empty if there was none
+  std::optional<ProofKind> proof;              ///< empty if the printer was not asked for it
   ZKEmulation emulation = ZKEmulationUnknown;  ///< the emulation in which the printer answered
 };
 

@@ -72,8 +72,8 @@ class HostConnection {
   bool hostEnded_ = false;
   bool over_ = false;
   std::optional<simulator::Instant> lastReceived_;
-  std::optional<simulator::Instant> lastSettling_;  // the latest end of the connection, after a
-                                                    // drop
+  // The latest end of the connection, after a drop.
+  std::optional<simulator::Instant> lastSettling_;
 };
 
 }  // namespace quordalvane::tool

@@ -33,7 +33,7 @@ class ReceiptWriter {
     JobReport report;
     simulator::JobRecord record;
     std::size_t station = 0;
-    std::vector<DrawnReceipt> receipts;  ///< empty unless `isLookedAt`
+    std::vector<DrawnReceipt> receipts;  ///< drawn only if `isLookedAt`
   };
 
   /// Writes no files if `folder` is null. `folder` must outlive this. Throws std::system_error if

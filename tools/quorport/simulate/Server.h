@@ -35,8 +35,8 @@ class Server {
 
   struct Places {
     std::vector<Host> hosts;                  ///< one for each printer
-    std::unique_ptr<Listener> controls;       ///< may be null
-    std::unique_ptr<ReceiptFolder> receipts;  ///< may be null
+    std::unique_ptr<Listener> controls;       ///< the control socket; may be null
+    std::unique_ptr<ReceiptFolder> receipts;  ///< the folder for receipts; may be null
     std::unique_ptr<Listener> web;            ///< for browsers, of scheme `tcp:`; may be null
   };
 
@@ -76,8 +76,8 @@ class Server {
   std::list<Station> stations_;
   Control control_;
   std::map<const Station*, std::string> announced_;  // the last announced address of each printer
-  ControlChannel own_;                               // control lines on standard input, answers on
-                                                     // standard output
+  // Control lines on standard input, answers on standard output.
+  ControlChannel own_;
   std::list<ControlChannel> channels_;
   std::optional<simulator::Instant> quitAt_;  // the latest time of the end, after a request to quit
 };

@@ -66,8 +66,8 @@ class PaperArtist {
   std::size_t weight_ = 0;  // the sum of the waiting outputs' weights
   bool ends_ = false;
   std::vector<Drawing> drawn_;
-  std::map<std::size_t, simulator::PaperStrips> papers_;  // the papers by printer number, used only
-                                                          // by the thread
+  // The papers by printer number, used only by the thread.
+  std::map<std::size_t, simulator::PaperStrips> papers_;
   // The last member, because the thread uses all others.
   std::thread thread_;
 };

@@ -60,7 +60,7 @@ class ReceiptShelf {
     http::Text record;  // the record of its job, as one line of JSON
     http::Text text;
     http::Text received;
-    http::Text picture;  // null if there is no paper
+    http::Text picture;  // the PNG file; null if there is no paper
 
     std::size_t weight() const;
   };

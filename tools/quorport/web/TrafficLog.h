@@ -18,8 +18,8 @@ class TrafficLog {
  public:
   static constexpr std::size_t mostEntries = 500;
 
-  /// Adds a command or an answer of the printer of that number; `time` is in milliseconds since
-  /// 1970.
+  /// Adds a command to printer number `printer`, or an answer of it; `time` is in milliseconds
+  /// since 1970.
   void add(unsigned printer, const simulator::VirtualPrinter::Deed& deed, std::int64_t time);
 
   /// Adds a control line and its answer; `printer` 0 means all printers.
