@@ -56,7 +56,7 @@ class BluetoothModule {
   Instant lastReceived_;
   bool commandMode_ = false;
   bool dropped_ = false;
-  Bytes escape_;  // a possible escape sequence
+  Bytes escape_;  // bytes that may be the escape sequence
   std::string command_;
   std::optional<Instant> dropAt_;
 };

@@ -29,7 +29,7 @@ class CharacterSets {
   void setMultiByte(std::string_view name);
 
   MultiByte multiByte = MultiByte::ShiftJis;
-  bool utf8 = false;  ///< until a job selects a page, valid UTF-8 is read as UTF-8
+  bool utf8 = false;  ///< reads valid UTF-8 until a job selects a page
 
   bool operator==(const CharacterSets&) const = default;
 

@@ -11,12 +11,12 @@ namespace quordalvane::simulator {
 
 /// A command of a job, or a run of characters.
 struct ListedCommand {
-  std::uint64_t offset = 0;  ///< the position of its first byte in the job
+  std::uint64_t offset = 0;  ///< where the command begins in the job
   std::uint64_t length = 0;
   /// See `nameOf`. "text" for characters, and "cut off" for an incomplete command.
   std::string name;
-  std::string meaning;  ///< its effect in words; for text, the characters in ASCII
-  bool isKnown = true;  ///< true if a printer of this dialect knows it
+  std::string meaning;  ///< the effect in words; for text, the characters
+  bool isKnown = true;  ///< true if the printer knows the command
 };
 
 /// A part of a job, command by command.

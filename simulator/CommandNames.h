@@ -9,7 +9,7 @@ namespace quordalvane::simulator {
 
 /// The name of a command, for people.
 struct CommandName {
-  std::string name;          ///< as in manuals, like "GS V"; "text" for a character
+  std::string name;          ///< the manuals' name, like "GS V"; "text" for a character
   std::string_view meaning;  ///< its effect in a few words; empty if unknown
 };
 

@@ -14,9 +14,9 @@ namespace quordalvane::simulator {
 
 /// What happens to sent but unread bytes when a link ends.
 enum class Ending {
-  Drain,   ///< they can still be read
-  AtOnce,  ///< they are lost
-  Reset,   ///< they are lost, and the host sees a reset instead of a close
+  Drain,   ///< the bytes can still be read
+  AtOnce,  ///< the bytes are lost
+  Reset,   ///< the bytes are lost, and the host sees a reset
 };
 
 enum class FaultKind {
@@ -56,7 +56,7 @@ struct Fault {
 /// A part of a fault's value, for programs that ask the user for it.
 struct FaultPart {
   std::string_view before;  ///< the text between this part and the previous one
-  std::string_view label;   ///< its meaning, in a word or two
+  std::string_view label;   ///< the part's meaning, in a word or two
   enum class Kind { Number, Hex, Text, Ending, Reply, Proof } kind;
   bool isOptional = false;  ///< may be omitted, together with `before`
 };

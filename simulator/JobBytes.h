@@ -30,7 +30,7 @@ class JobBytes {
   void passOne();
 
   std::deque<std::uint8_t> held_;
-  std::uint64_t passed_ = 0;  // counts the bytes ever received
+  std::uint64_t passed_ = 0;  // how many received bytes were printed
   Job job_;
 };
 

@@ -19,9 +19,9 @@ class JobRecord {
   };
 
   struct Unknown {
-    std::uint64_t offset;  ///< the position of its first byte in the job
-    Bytes bytes;           ///< only the first bytes
-    std::string name;      ///< like "GS y"; "cut off" for an incomplete command
+    std::uint64_t offset;  ///< where the command begins in the job
+    Bytes bytes;           ///< the first bytes of the command
+    std::string name;      ///< a name like "GS y"; "cut off" if it is incomplete
   };
 
   enum class EventKind : std::uint8_t { Cut, Drawer, Beep, Display, Question, Replaced };

@@ -64,7 +64,7 @@ class LineBuilder {
   unsigned position_ = 0;
   Alignment alignment_ = Alignment::Left;
   unsigned left_ = 0;
-  unsigned width_ = 0;  // 0: the whole width of the paper
+  unsigned width_ = 0;  // 0 means the whole width of the paper
   bool upsideDown_ = false;
   unsigned spacing_ = lineSpacing;
   std::vector<unsigned> tabs_;

@@ -7,8 +7,8 @@
 
 namespace quordalvane::simulator {
 
-/// A macro: the commands between two 1d 3a (hex), which 1d 5e executes again. They are also
-/// executed while they are defined. A macro outlives its job and an initialisation.
+/// A macro: the commands between two 1d 3a (hex), which 1d 5e executes again. These commands are
+/// also executed while they are defined. A macro outlives its job and an initialisation.
 class Macro {
  public:
   /// Executes 1d 3a: begins a definition, or ends the current one.

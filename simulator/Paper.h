@@ -29,7 +29,7 @@ struct TextStyle {
   bool wide = false;
   bool rotated = false;           ///< each character is turned by 90 degrees clockwise
   bool grey = false;              ///< printed in the second colour
-  std::uint8_t underline = 0;     ///< its thickness in dots, 0 to 2
+  std::uint8_t underline = 0;     ///< the line's thickness in dots, 0 to 2
   std::uint8_t widthFactor = 1;   ///< 1 to 8
   std::uint8_t heightFactor = 1;  ///< 1 to 8
   std::uint8_t spacing = 0;       ///< dots to the right of each character, at single width
@@ -127,7 +127,7 @@ struct Symbol {
   unsigned moduleWidth = 3;
   /// The height of a row in dots; for a bar code, its whole height.
   unsigned rowHeight = 162;
-  unsigned level = 0;  ///< of error correction; 0: the symbology's default
+  unsigned level = 0;  ///< the level of error correction; 0: the default
   /// The columns or the number of a size; 0: the symbology's default.
   unsigned columns = 0;
   bool isModel1 = false;                  ///< a QR code of model 1, which is drawn as model 2
@@ -140,7 +140,7 @@ struct Symbol {
 };
 
 struct Feed {
-  int dots = 0;  ///< negative: backwards
+  int dots = 0;  ///< a negative number moves backwards
 };
 
 /// In a page: the next items begin at this distance from the beginning of the page.

@@ -284,7 +284,7 @@ std::uint64_t PrinterLink::bytesBeforeCut() const {
   return most;
 }
 
-// If the same byte reaches several cuts, the first in the list takes effect.
+// If several cuts have the same byte count, the first in the list takes effect.
 void PrinterLink::cutIfReached(FaultKind afterWhat) {
   const std::uint64_t bytes = afterWhat == FaultKind::CutAfterIn ? bytesIn_ : bytesOut_;
   const auto reached = std::find_if(cuts_.begin(), cuts_.end(), [&](const Cut& cut) {

@@ -79,7 +79,7 @@ class PrinterLink {
   struct Stall {  // a fault: after a count of bytes, there is no space for a while
     std::uint64_t afterBytes;
     Instant length;
-    std::optional<Instant> until;  // the end; empty until it has begun
+    std::optional<Instant> until;  // the end of the stall; empty until it has begun
   };
   struct Cut {
     FaultKind kind;  // whether received or sent bytes are counted

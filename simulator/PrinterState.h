@@ -69,7 +69,7 @@ struct SettingForm {
   std::uint32_t least = 0;  ///< the least value, if it is a number
   /// The greatest value of a number, or the length of a text; 0: no limit.
   std::uint32_t most = 0;
-  std::string_view about;                   ///< its meaning, in a few words
+  std::string_view about;                   ///< the setting's meaning, in a few words
   std::vector<std::string_view> choices{};  ///< the usual values; may be empty
   bool isFree = true;                       ///< values other than the choices are also accepted
 };

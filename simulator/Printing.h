@@ -62,7 +62,7 @@ class Printing {
   Dialect dialect_;
   LackedCommands lacked_;
   CommandScanner scanner_;
-  std::uint64_t begin_ = 0;  // the position of the current command in the job
+  std::uint64_t begin_ = 0;  // where the current command begins in the job
   Macro macro_;
   Typesetter typesetter_;
 };

@@ -111,7 +111,7 @@ Bytes identityReply(const PrinterState& state, std::uint8_t query) {
     case 0x44:
       return text(state.serialNumber());
     case 0x45:
-      return text("");  // there is no font for another language
+      return text("");  // the printer has no font for another language
     default:
       return {};
   }

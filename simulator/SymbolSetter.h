@@ -50,7 +50,7 @@ class SymbolSetter {
   static Outcome storeComposite(Symbol& symbol, ByteView command);
 
   Symbol barcode_;
-  std::array<Symbol, 7> stored_;  // one for each kind of code
+  std::array<Symbol, 7> stored_;  // the stored symbol of each kind
   const Symbol* chosen_ = nullptr;
   std::uint8_t kindAtOnce_ = 0;
 };

@@ -76,7 +76,7 @@ DecodedText TextDecoder::putMultiByte(std::uint8_t byte) {
   if (length > bytes.size()) {
     return {};
   }
-  if (length == 0) {  // no character has these bytes: the last one is a character by itself
+  if (length == 0) {  // no character: the last byte is one by itself
     run_.pop_back();
     DecodedText text = finish();
     const DecodedText next = put(byte);

@@ -50,7 +50,8 @@ const Typesetter::Entry Typesetter::commandTable[] = {
     {0x1b, 0x5a, Spoken::EscPos, &Typesetter::symbolAtOnce},
     {0x1b, 0x5c, Spoken::EscPos, &Typesetter::positionFurther},
     {0x1b, 0x61, Spoken::EscPos, &Typesetter::align},
-    {0x1b, 0x63, Spoken::EscPos, &Typesetter::ignore},  // settings of sensors and buttons
+    {0x1b, 0x63, Spoken::EscPos,
+     &Typesetter::ignore},  // sets sensors and buttons; has no effect here
     {0x1b, 0x64, Spoken::Both, &Typesetter::feedLinesOrCut},
     {0x1b, 0x65, Spoken::EscPos, &Typesetter::feedLinesBack},
     {0x1b, 0x69, Spoken::EscPos, &Typesetter::fullCut},

@@ -16,7 +16,7 @@ namespace quordalvane::simulator {
 
 /// The settings that apply only to multi-byte characters.
 struct KanjiStyle {
-  std::uint8_t width = 1;  ///< factors
+  std::uint8_t width = 1;  ///< the width and the height are factors
   std::uint8_t height = 1;
   std::uint8_t underline = 0;
   unsigned spacing = 0;

@@ -160,7 +160,7 @@ class VirtualPrinter {
   std::uint64_t takenEver_ = 0;  // how many queued bytes were printed or dropped
   std::uint64_t receivedEver_ = 0;
   std::uint64_t jobBegin_ = 0;  // how many bytes were received before the current job
-  std::deque<Aside> asides_;    // the ones that printing has not reached
+  std::deque<Aside> asides_;    // those that printing has not reached yet
   std::uint64_t asidesPassed_ = 0;
   Bytes question_;          // the command that is being answered
   std::deque<Mark> marks_;  // sorted by position

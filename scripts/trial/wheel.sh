@@ -1,5 +1,4 @@
-# The README's program in Python prints with the wheel, which pip installs without the network and
-# the Debian package.
+# The README's program in Python prints with the wheel, which pip installs offline.
 . ./printer.sh
 serve_printer
 python3 -m venv environment

@@ -94,7 +94,7 @@ class BandedPicture {
   /// Calls `take` with each row, in order.
   void draw(const std::function<void(ByteView)>& take) const {
     Bytes row(width());
-    const Bytes bare(paperWidth_, Plane::bare);  // compared with, because most rows are empty
+    const Bytes bare(paperWidth_, Plane::bare);  // for a comparison: most rows are empty
     for (unsigned top = 0; top < height(); top += bandHeight) {
       const unsigned rows = std::min(bandHeight, height() - top);
       Plane print(paperWidth_, rows);

@@ -135,7 +135,7 @@ class Painter {
 
   // Draws the three rings in the middle, which the encoder omits.
   void paintRings(const Symbol& symbol, int left, int y) {
-    constexpr double edges[] = {0.58, 1.34, 2.11, 2.88, 3.64, 4.40};  // their radii in modules
+    constexpr double edges[] = {0.58, 1.34, 2.11, 2.88, 3.64, 4.40};  // the rings' radii in modules
     const double module = symbol.moduleWidth;
     const double middleX = left + 14.5 * module;
     const double middleY = y + 16.5 * symbol.rowHeight;

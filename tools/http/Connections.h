@@ -9,7 +9,7 @@ namespace quordalvane::http {
 struct Connection {
   enum class Phase { Asking, Answered, Reading };
   int descriptor;
-  std::chrono::nanoseconds since;  // the beginning of its phase
+  std::chrono::nanoseconds since;  // when its phase began
   Phase phase = Phase::Asking;
   bool isCutOff = false;
 };

@@ -69,8 +69,8 @@ class EventReader {
 
   const EventLog& log_;
   std::deque<Text> first_;
-  std::uint64_t next_;      // the next event
-  std::size_t offset_ = 0;  // the count of bytes already read of the current text
+  std::uint64_t next_;      // the number of the next event
+  std::size_t offset_ = 0;  // how many bytes of the current text were read
 };
 
 }  // namespace quordalvane::http

@@ -18,11 +18,11 @@ namespace quordalvane::http {
 
 /// A request of a browser.
 struct Request {
-  std::string method;  ///< GET or POST; a HEAD is asked as a GET
+  std::string method;  ///< GET or POST; a HEAD request becomes GET
   std::string path;    ///< the part after the token and its slash
   std::map<std::string, std::string> query;
   std::string body;
-  std::optional<std::uint64_t> lastEvent;  ///< the latest event it has read; empty if unknown
+  std::optional<std::uint64_t> lastEvent;  ///< the last event that was read, if any
 };
 
 /// The answer to a request: a text, or a stream of events.

@@ -49,7 +49,7 @@ class SignalWatch {
 
   StopSignals signals_;
   const std::function<void(int)> onSignal_;
-  int end_;  // readable once the watch is to end
+  int end_;  // an event that ends the thread
   std::thread thread_;
 };
 

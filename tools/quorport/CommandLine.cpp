@@ -51,8 +51,8 @@ bool hasOption(const CLI::App* parser, const std::string& name) {
   return parser->get_option_no_throw(name) != nullptr;
 }
 
-// Looks up the option without its "=value". If another command has this option, it was not
-// mistyped; the result then names that command.
+// Finds the reason why the option `word` is refused; its "=value" is ignored. If another command
+// has the option, it was not mistyped, and the result names that command.
 std::string noSuchOption(const std::string& word, const std::vector<const CLI::App*>& parsers) {
   const std::string given = word.substr(0, word.find('='));
   const auto owner = std::ranges::find_if(

@@ -12,7 +12,7 @@ enum class ExitCode : int {
   LinkLost = 5,
   Unconfirmed = 6,
   NoJournal = 7,      ///< the journal of jobs cannot be used, and nothing was sent
-  Interrupted = 130,  ///< by SIGINT; other signals give 128 + the signal's number
+  Interrupted = 130,  ///< by SIGINT; any other signal gives 128 + its number
 };
 
 /// The exit status of a command that a signal ended, as shells report it.

@@ -14,7 +14,7 @@ using Json = nlohmann::ordered_json;
 /// it may only be assigned to or destroyed.
 class JsonObject {
  public:
-  JsonObject();  ///< without keys
+  JsonObject();  ///< an object without keys
   explicit JsonObject(Json object);
   JsonObject(const JsonObject& other);
   JsonObject(JsonObject&& other) noexcept;

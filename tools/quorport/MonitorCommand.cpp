@@ -22,8 +22,8 @@ using SystemTime = std::chrono::system_clock::time_point;
 
 // The result of one look, which is a status query of `monitor`.
 struct Look {
-  std::string state;  // for programs
-  std::string text;   // for people
+  std::string state;  // the state's name, for programs
+  std::string text;   // the state in words, for people
   Json status;        // the fields of the status; null if there is none
   ExitCode code;
 

@@ -13,12 +13,12 @@
 namespace quordalvane::tool {
 
 struct StatusOptions {
-  std::uint32_t level = 0;  ///< is only logged
+  std::uint32_t level = 0;  ///< appears only in the log
   bool verbose = false;
 };
 
 struct PrintOptions {
-  std::string file;                         ///< "-" is standard input
+  std::string file;                         ///< a path; "-" is standard input
   std::optional<ProofKind> proof;           ///< empty means that the key of the device decides
   std::optional<std::uint32_t> endTimeout;  ///< milliseconds
   std::optional<std::uint32_t> holdPrintTimeout;  ///< milliseconds
@@ -49,15 +49,15 @@ enum class ReceiptPer { Cut, Job, Connection };
 
 /// How a virtual printer treats a host that connects while another one is connected.
 enum class HostRule {
-  One,     ///< it waits until the other has left
-  Turns,   ///< it is connected, and its jobs print between those of others
-  Refuse,  ///< it is disconnected
+  One,     ///< the new host waits until the other has left
+  Turns,   ///< hosts remain connected, and their jobs take turns
+  Refuse,  ///< the new host is disconnected
 };
 
 struct SimulateOptions {
-  std::vector<std::string> listen;  ///< one place for each printer
+  std::vector<std::string> listen;  ///< the place of each printer
   HostRule hosts = HostRule::One;
-  std::vector<std::string> settings;    ///< key=value
+  std::vector<std::string> settings;    ///< each in the form key=value
   std::optional<std::string> receipts;  ///< the path of the folder for receipts
   ReceiptPer per = ReceiptPer::Job;
   bool strict = false;

@@ -17,7 +17,7 @@ struct RenderOptions {
   /// True: an ordered pattern for grey; false: error diffusion.
   bool isOrdered = false;
   bool cut = false;
-  std::optional<std::uint32_t> drawer;  ///< 1 or 2; empty: no drawer opens
+  std::optional<std::uint32_t> drawer;  ///< the number of the drawer, 1 or 2; empty means none
   bool drawerAfter = false;
 };
 

@@ -29,7 +29,7 @@ struct Answer {
   std::optional<Finding> notOpened;
   std::optional<QuorPrinterStatus_2> status;
   std::optional<ProofKind> proof;
-  ByteBuffer bytes;        // the first bytes that arrived, even if they are not a status
+  ByteBuffer bytes;        // the first bytes that arrived, understood or not
   std::string portReport;  // the trouble that the port last knew of, if there is no status
   bool isLinkLost = false;
 };

@@ -10,8 +10,8 @@ namespace quordalvane::tool {
 
 /// The report to the user about a job of a virtual printer.
 struct JobReport {
-  unsigned long job = 0;  ///< its number, from 1
-  std::string printer;    ///< its name, or the device text of the place that received the job
+  unsigned long job = 0;  ///< the job's number, from 1
+  std::string printer;    ///< the printer's name, or the device text of its address
   bool ok = true;
   std::vector<std::string> files;
 };

@@ -34,10 +34,10 @@ class Server {
   };
 
   struct Places {
-    std::vector<Host> hosts;                  ///< one for each printer
+    std::vector<Host> hosts;                  ///< the printers, with the place of each
     std::unique_ptr<Listener> controls;       ///< the control socket; may be null
     std::unique_ptr<ReceiptFolder> receipts;  ///< the folder for receipts; may be null
-    std::unique_ptr<Listener> web;            ///< for browsers, of scheme `tcp:`; may be null
+    std::unique_ptr<Listener> web;  ///< the place for browsers, of scheme `tcp:`; may be null
   };
 
   struct Habits {

@@ -15,7 +15,7 @@ inline constexpr std::size_t longestSocketPath = 107;
 
 struct ListenAddress {
   std::string host;
-  std::uint16_t port;  ///< 0: any free port
+  std::uint16_t port;  ///< 0 means any free port
 };
 
 /// Reads HOST:PORT, PORT or an empty text. Without a host it means this machine only, and without a

@@ -9,8 +9,8 @@
 
 namespace quordalvane::tool {
 
-/// The paper of one printer, as browsers see it while it is printed. Knows how much of it has been
-/// passed on to be drawn, and keeps the events that show its latest rows.
+/// The paper of one printer, as browsers see it while it is printed. Notes how much of the paper
+/// has been passed on to be drawn, and keeps the events that show its latest rows.
 class LivePaper {
  public:
   /// A page that is opened is sent at least this many of the latest rows, if there are so many.

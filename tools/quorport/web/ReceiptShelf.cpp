@@ -11,7 +11,7 @@
 namespace quordalvane::tool {
 namespace {
 
-constexpr std::size_t shownBytes = 64;  // shown of each command
+constexpr std::size_t shownBytes = 64;  // how many bytes of a command are shown
 
 http::Text shared(std::string text) {
   return std::make_shared<const std::string>(std::move(text));

@@ -26,7 +26,7 @@ class ReceiptShelf {
 
   /// The printer that printed a job.
   struct Origin {
-    unsigned printer = 0;  ///< its number, from 1
+    unsigned printer = 0;  ///< the printer's number, from 1
     simulator::Dialect dialect;
   };
 

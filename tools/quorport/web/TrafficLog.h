@@ -41,7 +41,7 @@ class TrafficLog {
     std::string_view kind;
     std::string name{};
     std::string meaning{};
-    simulator::Bytes bytes{};  // only the first bytes
+    simulator::Bytes bytes{};  // the first bytes only
     std::size_t length = 0;
     std::string answer{};  // the answer to a control line
   };
