@@ -5,7 +5,8 @@
 
 namespace quordalvane::bench {
 
-/// One end of a connection, by direct system calls: the limit that a library can reach.
+/// One end of a connection that uses only direct system calls. Its times are the limit that a
+/// library can reach.
 class BareLink {
  public:
   /// Takes over a connected descriptor and makes it non-blocking.

@@ -16,7 +16,8 @@ class JobBytes {
   /// Adds received bytes.
   void receive(ByteView bytes);
 
-  /// Adds bytes to the job: of all bytes ever received, the first `position` have been printed.
+  /// Notes that the first `position` of all received bytes have been printed: they belong to the
+  /// job.
   void pass(std::uint64_t position);
 
   /// Ends the job. Returns its first bytes, and in `count` the number of all its bytes.

@@ -62,7 +62,7 @@ constexpr Pattern patterns[] = {
     {AskSymbolSize, Always, 8, {0x1d, 0x28, 0x6b, 0x03, 0x00, any, 0x52, any}},
 };
 
-// Most of a job is text, and no pattern begins with a text character, so this saves the search.
+// Saves the search for most bytes of a job: no pattern begins with a text character.
 bool isText(ByteView bytes) {
   return bytes[0] >= 0x20;
 }

@@ -76,7 +76,7 @@ DecodedText TextDecoder::putMultiByte(std::uint8_t byte) {
   if (length > bytes.size()) {
     return {};
   }
-  if (length == 0) {  // no character: the last byte is one by itself
+  if (length == 0) {  // these bytes form no character, so the last byte begins anew
     run_.pop_back();
     DecodedText text = finish();
     const DecodedText next = put(byte);

@@ -107,8 +107,8 @@ class VirtualPrinter {
   /// Sends bytes to the host, if there is one: an answer, or a report without a question.
   void reply(ByteView bytes, Instant at, ReplyKind kind = ReplyKind::Other);
 
-  /// The next time at which the printer, without a call, has space again, passes an ETB, has
-  /// printed everything, or drops data. Empty if nothing is due.
+  /// The next time at which the printer, without any call, gets space, passes an ETB, has printed
+  /// everything, or drops data. Empty if nothing is due.
   std::optional<Instant> nextEvent() const;
 
  private:

@@ -1,6 +1,6 @@
 # shellcheck shell=bash
-# Sourced by the trials: a virtual printer with its paper, and the folder of the pages that the
-# packages install.
+# Sourced by the trials. Serves a virtual printer with its paper, and names the folder of the
+# installed pages.
 
 # shellcheck disable=SC2034  # the trials use it
 pages=/usr/share/doc/quorport

@@ -42,7 +42,7 @@ class PaperLayout {
   /// Places all items of a paper. The first piece begins at `top`.
   PaperLayout(const Paper& paper, unsigned top, Margins margins);
 
-  /// Begins the layout of a paper that will grow, without an item.
+  /// Begins an empty layout, for a paper that will grow.
   PaperLayout(unsigned top, Margins margins);
 
   /// Places the next item, which must outlive this.

@@ -8,8 +8,9 @@ namespace quordalvane::cups {
 ///
 /// If SIGKILL ends a back end, the scheduler believes that its job is done. But the scheduler ends
 /// a job only after every process has closed the back end's standard error, and the witness keeps
-/// it open. If the other processes end without calling `dismiss`, the witness stops the queue and
-/// only then closes it. So the job is kept, and a person sees the reason.
+/// standard error open. If the other processes end without calling `dismiss`, the witness first
+/// stops the queue and then closes standard error. So the job is kept, and a person sees the
+/// reason.
 ///
 /// A signal to the back end's children or to the scheduler's process group does not reach the
 /// witness: it belongs to neither.

@@ -87,13 +87,13 @@ class Interruption {
   void giveUp() const;
 
   const GiveUp giveUp_;
-  const int wish_;                  // readable after a request
+  const int wish_;                  // becomes readable when a request arrives
   std::mutex mutex_;                // guards the members below
   std::unique_ptr<Report> report_;  // never null
   std::optional<std::string> device_;
   Stage stage_ = Stage::Beginning;
   PrintJob* job_ = nullptr;
-  std::optional<ExitCode> code_;  // the exit status of the request; empty before it
+  std::optional<ExitCode> code_;  // the exit status of the request; empty if there was none
 };
 
 /// This system's platform, with sleeps that a request interrupts. Some loops of a port never sleep.
