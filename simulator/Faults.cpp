@@ -205,12 +205,12 @@ struct Form {
 
 constexpr Form commandForms[] = {
     {FaultKind::ShortWrites, "short-writes", "a count of bytes from 1", parsePositiveCount,
-     "no write takes more bytes", countOfBytes},
+     "no write takes more than these bytes", countOfBytes},
     {FaultKind::NoSpace, "no-space", "BYTES:MS", parseNoSpace,
-     "after so many bytes there is no space for so long", stall},
+     "after this count of bytes there is no space for this time", stall},
     {FaultKind::LateReply, "late-reply",
      "MS or MS@REPLY, REPLY being a number or a kind like process-id", parseLate,
-     "replies are so much later", delay},
+     "replies are delayed by this time", delay},
     {FaultKind::SplitReply, "split-reply", "rising offsets like 3/7 or 3/7@REPLY", parseSplit,
      "replies arrive in pieces", split},
     {FaultKind::DuplicateReply, "duplicate-reply", everyReply, parseReply, "replies are sent twice",
@@ -227,14 +227,14 @@ constexpr Form commandForms[] = {
     {FaultKind::Silence, "silence", "the number of a reply", parseReplyNumber,
      "this reply and all after it are lost", replyNumber},
     {FaultKind::CutAfterIn, "cut-after-in", "BYTES or BYTES:drain|at-once|reset", parseCut,
-     "the link ends when it has received so many bytes", cutAfter},
+     "the link ends when it has received this count of bytes", cutAfter},
     {FaultKind::CutAfterOut, "cut-after-out", "BYTES or BYTES:drain|at-once|reset", parseCut,
-     "the link ends when the printer has sent so many bytes", cutAfter},
+     "the link ends when the printer has sent this count of bytes", cutAfter},
     {FaultKind::Cut, "cut", "drain, at-once or reset", parseEnding, "the link ends now", cutNow},
     {FaultKind::PrintsNothing, "prints-nothing", "true", parseTrue,
-     "everything is taken and nothing is printed", Parts()},
+     "all data are accepted but nothing is printed", Parts()},
     {FaultKind::At, "at", "MS:KEY=VALUE with a printer setting or another fault", parseAt,
-     "after so long a setting or a fault takes effect", later},
+     "after this time a setting or a fault takes effect", later},
 };
 
 constexpr std::pair<Text, ReplyKind> replyNames[] = {

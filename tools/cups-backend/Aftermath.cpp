@@ -8,7 +8,7 @@ namespace {
 
 void complainUnconfirmed(const std::string& why, StatusLines& lines) {
   lines.setReasons(unconfirmedJob);
-  lines.complain("unconfirmed: " + why + "; look at the paper: to release the job prints it again");
+  lines.complain("unconfirmed: " + why + "; look at the paper: releasing the job prints it again");
 }
 
 // Returns true if a person must decide about the block, and reports why. Returns false if the block
@@ -17,7 +17,7 @@ bool mustBeHeld(Journal& journal, const JobBlock& block, const DeviceUri& uri, c
                 StatusLines& lines) {
   NamedJob named(journal, {.name = block.name, .device = uri.device, .isNameEnough = true}, {});
   if (!named.answer()) {
-    lines.complain(end.how + "; nothing of the rest was sent: to release the job prints it");
+    lines.complain(end.how + "; the rest was not sent: releasing the job prints the rest");
     return true;
   }
   if (named.answer()->isRepeated) {

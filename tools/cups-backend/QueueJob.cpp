@@ -196,7 +196,7 @@ ExitCode QueueJob::hold(NamedJob& named, const PrintResult& result) {
   }
   with_.lines.setReasons(reasons);
   with_.lines.complain("unconfirmed: " + result.reason +
-                       "; look at the paper: to release the job prints it again");
+                       "; look at the paper: releasing the job prints it again");
   try {
     named.tell();
   } catch (const JournalError& error) {

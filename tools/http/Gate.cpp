@@ -81,7 +81,7 @@ Gate::Gate(Endpoint endpoint, std::string token)
 
 std::optional<Refusal> Gate::refuses(const Visit& visit) const {
   if (!isOurHost(visit.host)) {
-    return Refusal{403, "open this server by its address in figures, not by a name"};
+    return Refusal{403, "open this server by its IP address, not by a name"};
   }
   if (!visit.origin.empty() && visit.origin != "http://" + std::string(visit.host)) {
     return Refusal{403, "this server answers no page but its own"};

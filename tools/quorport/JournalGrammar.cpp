@@ -9,12 +9,12 @@ namespace {
 constexpr auto jobsFooter =
     "A job is in the journal if it was printed with --job. Its outcome is printed, unconfirmed\n"
     "(also if the process that printed it has ended in the middle), refused, or printing while a\n"
-    "process does. A forgotten job is printed if it is handed over again, even if it is on "
+    "process does. A forgotten job is printed if its name is used again, even if it is on "
     "paper.\n";
 
 void addJournal(CLI::App& app, std::optional<std::string>& journal) {
   app.add_option("--journal", journal,
-                 "the file that knows the names (default $XDG_STATE_HOME/quorport/jobs.db)")
+                 "the file of the named jobs (default $XDG_STATE_HOME/quorport/jobs.db)")
       ->type_name("FILE")
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
 }
@@ -24,12 +24,12 @@ void addJournal(CLI::App& app, std::optional<std::string>& journal) {
 void addJournalOptions(CLI::App& app, PrintOptions& options) {
   CLI::Option* const job =
       app.add_option("--job", options.job,
-                     "print under this name: once, and not again however often it is asked for")
+                     "print under this name: only once, however often it is asked for")
           ->type_name("NAME")
           ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
   addJournal(app, options.journal);
   app.add_flag("--again", options.again,
-               "print a job of the name again of which nobody knows whether it is on paper")
+               "print the named job again although it may be on paper already")
       ->needs(job);
   app.get_option("--journal")->needs(job);
 }
@@ -41,7 +41,7 @@ void addJobsOptions(CLI::App& app, Options& all) {
       ->type_name("NAME")
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
   app.add_option("--older-than", options.olderThan,
-                 "take out the jobs whose last attempt is more days ago")
+                 "take out the jobs whose last attempt is more than this number of days ago")
       ->type_name("DAYS")
       ->check(CLI::Range(0U, std::numeric_limits<std::uint32_t>::max()))
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);

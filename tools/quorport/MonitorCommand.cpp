@@ -147,7 +147,7 @@ class Monitor {
     if (const WriteOutcome outcome = writeAll(surroundings_.streams.out, told + "\n");
         outcome.error) {
       throw CommandFailure(ExitCode::ExchangeFailed,
-                           "standard output takes no more: " + outcome.error.message());
+                           "standard output cannot be written: " + outcome.error.message());
     }
   }
 

@@ -127,7 +127,7 @@ void addGlobalOptions(CLI::App& app, Options& options) {
                                 number(text, {0, highestLogLevel}, "a level")));
                           }
                         }),
-         "a level of records that is wanted; may be repeated (default 0)")
+         "a level of records to write; may be repeated (default 0)")
       ->type_name("N")
       ->allow_extra_args(false);
   app.add_flag("--json", options.json, "print the result as one JSON object");
@@ -188,7 +188,7 @@ void addMonitorOptions(CLI::App& app, Options& all) {
           [&options](const std::string& text) {
             options.interval = number(text, {100, longestTime}, "milliseconds");
           });
-  addText(app, "--count", "N", "end after so many looks (default: when interrupted)",
+  addText(app, "--count", "N", "end after this number of looks (default: when interrupted)",
           [&options](const std::string& text) {
             options.count = number(text, {1, longestTime}, "a number");
           });
@@ -233,10 +233,11 @@ void addSimulateOptions(CLI::App& app, Options& all) {
            "repeated, for a printer each",
            options.listen)
       ->required();
-  addText(app, "--hosts", "one|turns|refuse",
-          "hosts that come while one is connected: wait, print between its jobs, or are turned "
-          "away (default: one)",
-          [&options](const std::string& text) { options.hosts = hostRule(text); });
+  addText(
+      app, "--hosts", "one|turns|refuse",
+      "hosts that connect while another is connected: they wait, print between its jobs, or are "
+      "refused (default: one)",
+      [&options](const std::string& text) { options.hosts = hostRule(text); });
   addTexts(app, "--set", "KEY=VALUE",
            "the printer's state or a fault, as on virtual: devices; may be repeated",
            options.settings);
@@ -252,7 +253,7 @@ void addSimulateOptions(CLI::App& app, Options& all) {
   app.add_option("--control", options.control, "take control lines on this socket as well")
       ->type_name("unix:PATH");
   app.add_option("--web", options.web,
-                 "show the printers in a browser, at an address that standard output tells; for "
+                 "show the printers in a browser, at an address that standard output shows; for "
                  "this machine alone unless HOST is given")
       ->type_name("[HOST:]PORT");
   app.footer(help::simulateFooter);

@@ -23,7 +23,7 @@ void addContent(CLI::App& app, RenderOptions& options, CLI::Option& file) {
       "others are drawn");
   CLI::Option* const image = app.add_flag_callback(
       "--image", [&options] { options.content = Content::Picture; },
-      "FILE is a picture in PNG or JPEG; one that is wider than the paper is made as narrow");
+      "FILE is a picture in PNG or JPEG; a picture wider than the paper is shrunk to its width");
   CLI::Option* const page = app.add_flag_callback(
       "--test-page",
       [&options, &file] {

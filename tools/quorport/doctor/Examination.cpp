@@ -176,10 +176,10 @@ class Examination {
     }
     if (!bytes_.empty()) {
       return failedExchange("not-understood",
-                            "no printer of this kind answers so: " + hexOf(bytes_),
+                            "the answer is not that of a printer of this kind: " + hexOf(bytes_),
                             std::string(scheme_.ifNotUnderstood));
     }
-    return failedExchange("silent", "it can be opened, and nothing answers" + portReport_,
+    return failedExchange("silent", "it can be opened, but nothing answers" + portReport_,
                           std::string(scheme_.ifSilent));
   }
 

@@ -35,11 +35,11 @@ Findings findingsIn(const QuorPrinterStatus_2& status) {
   }
   if (status.paperPresent != 0) {
     findings.push_back(notReady("paper-in-exit", "paper was left in the printer's exit",
-                                "take the receipt out; a job is refused as long as it is there"));
+                                "take the receipt out; jobs are refused until then"));
   }
   if (const std::string reasons = otherReasons(status); !reasons.empty()) {
     findings.push_back(notReady("printer-error", "the printer reports: " + reasons,
-                                "mend that at the printer, then switch it off and on"));
+                                "remove the cause at the printer, then switch it off and on"));
   }
   if (status.offline != 0 && findings.empty()) {
     findings.push_back(notReady("off-line", "the printer is off line and gives no reason",

@@ -132,7 +132,7 @@ void Server::announce() {
   const Json object = {{"listening", places}, {"web", web}};
   const auto outcome = writeAll(streams_.out, habits_.asJson ? inOneLine(object) + "\n" : lines);
   if (outcome.error) {
-    complain("standard output does not take where it listens: " + outcome.error.message(),
+    complain("the address cannot be written to standard output: " + outcome.error.message(),
              streams_);
   }
 }
@@ -168,7 +168,8 @@ void Server::workForControls(Instant now) {
 
 void Server::keep(Station& station, simulator::Paper paper) {
   if (paper.goesOn()) {
-    complain("the paper grew too long and was torn off; the job goes on on the next one", streams_);
+    complain("the paper grew too long and was torn off; the job continues on the next one",
+             streams_);
   }
   if (audience_ != nullptr) {
     audience_->tearOff(numberOf(station), paper);
