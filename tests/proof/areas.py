@@ -40,7 +40,8 @@ AREAS = (
          ("unit_backends_tests", "contract_tests"), waits=True),
     Area("posix", ("backends/posix/*.cpp",), ("tests/unit/backends", "tests/unit/posix", "tests/contract", "tests/counts"),
          ("unit_backends_tests", "unit_posix_tests", "contract_tests", "counts_tests"), waits=True),
-    Area("discovery", ("discovery/*.cpp",), ("tests/unit/discovery",), ("unit_discovery_tests",)),
+    Area("discovery", ("discovery/*.cpp",), ("tests/unit/discovery", "tests/bluez"),
+         ("unit_discovery_tests", "bluez_tests Search.*"), waits=True),
     Area("c-interface", ("c-interface/*.cpp",), ("tests/unit/c-interface", "tests/c-interface"),
          ("unit_c-interface_tests", "c_interface_tests")),
     # The virtual printer's answers and their times; its drawings are compared elsewhere.

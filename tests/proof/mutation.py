@@ -6,7 +6,7 @@ elsewhere in the sources leaves the draw as it is.
 
 The result of each mutant is kept in build/proof/mutants.json, so that a run that was stopped (SIGINT, SIGTERM)
 continues at the same point. A mutant that a test noticed is not tried again while its source and that test are
-the same; any other is tried again after each change of the sources or the tests of its area.
+the same; any other is tried again after each change of the sources or the tests of its area. Comments do not count.
 
 Survivors must be explained in survivors.md; fails when one is not, or when fewer than 95 of 100 are killed.
 """
@@ -21,12 +21,12 @@ from dataclasses import dataclass
 
 import areas
 import scratch
-from ledger import Ledger, digest, digest_of_texts
+from ledger import Ledger, digest_of_texts
 
 ENOUGH = 0.95
 AT_ONCE = 40  # mutants of one file follow each other, as far as they are in the same handful
 
-# The replacements. Blanks around an operator keep templates, arrows and includes out.
+# The replacements. Blanks around an operator keep templates, arrows and includes out. A text cannot be subtracted.
 OPERATORS = (
     (r" == ", " != "),
     (r" != ", " == "),
@@ -38,7 +38,7 @@ OPERATORS = (
     (r" >= ", " > "),
     (r" && ", " || "),
     (r" \|\| ", " && "),
-    (r" \+ ", " - "),
+    (r"(?<!\") \+ (?!\")", " - "),
     (r" - ", " + "),
     (r" & ", " | "),
     (r"\bif \(!", "if ("),
@@ -80,6 +80,11 @@ def is_code(text: str, place: int) -> bool:
                 or "static_assert" in statement or "constexpr auto selector" in statement)
 
 
+def bare(text: str) -> str:
+    """Without comments, in one line."""
+    return " ".join(re.sub(r"(?m)(?:^|(?<=\s))//[^\"\n]*$", "", text).split())
+
+
 def mutants(area: areas.Area) -> list[Mutant]:
     found = []
     for source in area.files():
@@ -114,32 +119,32 @@ class Tried:
         self.area, self.ledger = area, ledger
         self.sources = {str(file.relative_to(areas.ROOT)): file.read_text() for file in area.files()}
         self.tests = "\n".join(file.read_text() for file in area.everything() if file not in area.files())
-        self.whole = digest(area.everything())
-        self.drawn = sorted(mutants(area), key=lambda one: self.lot(one, seed))
+        self.whole = digest_of_texts(*map(bare, self.sources.values()), bare(self.tests))
+        self.names = {mutant: self.name(mutant) for mutant in mutants(area)}
+        self.drawn = sorted(self.names, key=lambda one: hashlib.sha256(f"{seed} {self.names[one]}".encode()).digest())
         self.answers = ledger.of(area.name, "")
 
-    def lot(self, mutant: Mutant, seed: int) -> bytes:
+    def name(self, mutant: Mutant) -> str:
+        """It outlives changes elsewhere in the file, and of comments."""
         text = self.sources[mutant.path]
         earlier = text[: mutant.start].count("\n" + text[text.rfind("\n", 0, mutant.start) + 1 : mutant.end])
-        return hashlib.sha256(f"{seed} {mutant.path} {mutant.describe(text)} {earlier}".encode()).digest()
-
-    def key(self, mutant: Mutant) -> str:
-        return f"{mutant.path}:{mutant.start}:{mutant.new}"
+        return f"{mutant.path} {tuple(map(bare, mutant.describe(text)))} {earlier}"
 
     def state(self, mutant: Mutant, answer: str) -> str:
         """What the answer depends on."""
+        source = bare(self.sources[mutant.path])
         if answer == "compiler":
-            return digest_of_texts(self.sources[mutant.path])
+            return digest_of_texts(source)
         test = body_of(answer, self.tests)
-        return digest_of_texts(self.sources[mutant.path], test) if test else self.whole
+        return digest_of_texts(source, bare(test)) if test else self.whole
 
     def answer(self, mutant: Mutant) -> str | None:
-        kept = self.answers.get(self.key(mutant))
+        kept = self.answers.get(self.names[mutant])
         return kept["answer"] if kept and kept["state"] == self.state(mutant, kept["answer"]) else None
 
     def shown(self, mutant: Mutant) -> str | None:
         """The answer; a survivor that is to be tried again remains one until then."""
-        survived = self.answers.get(self.key(mutant), {}).get("answer") == "survived"
+        survived = self.answers.get(self.names[mutant], {}).get("answer") == "survived"
         return self.answer(mutant) or ("survived" if survived else None)
 
     def counted(self, count: int) -> list[Mutant]:
@@ -159,7 +164,7 @@ class Tried:
             for mutant in handful:
                 text = (scratch.TREE / mutant.path).read_text()
                 answer = scratch.try_text(self.area, mutant.path, mutant.apply(text)) or "survived"
-                self.answers[self.key(mutant)] = {"answer": answer, "state": self.state(mutant, answer)}
+                self.answers[self.names[mutant]] = {"answer": answer, "state": self.state(mutant, answer)}
                 self.ledger.keep()
                 print(f"{mutant.path}: {mutant.describe(text)[1]}: {answer}", file=sys.stderr, flush=True)
 
@@ -207,8 +212,9 @@ def report(tried: list[Tried], count: int, seed: int) -> int:
         killed = len(counted) - len(survivors)
         total.update(counted=len(counted), killed=killed, goal=min(count, goal) if count else goal)
         print("\n".join(row for row, _ in survivors))
+        explained = sum(bool(why) for _, why in survivors)
         print(f"{one.area.name}: {killed} of {len(counted)} killed"
-              + (f" ({killed / len(counted):.1%})" if counted else "") + f", of {goal} mutants")
+              + (f" ({killed / len(counted):.1%}), {explained} cannot be" if counted else "") + f", of {goal} mutants")
         isGood = isGood and all(why for _, why in survivors) and killed >= ENOUGH * len(counted)
     print(f"{total['counted']} of {total['goal']} cases: {total['killed']} killed, drawn by seed {seed}")
     return 0 if isGood else 1

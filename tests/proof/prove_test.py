@@ -147,7 +147,7 @@ class Mutants(Folder):
     def answer_all(self, answer: str):
         tried = self.tried()
         for mutant in tried.drawn:
-            tried.answers[tried.key(mutant)] = {"answer": answer, "state": tried.state(mutant, answer)}
+            tried.answers[tried.names[mutant]] = {"answer": answer, "state": tried.state(mutant, answer)}
         tried.ledger.keep()
 
     def kept(self) -> int:
@@ -177,12 +177,21 @@ class Mutants(Folder):
         for answer in ("survived", "room_tests ends with status -6"):
             self.answer_all(answer)
             self.assertEqual(self.kept(), 4)
-            self.write("tests/more_test.cpp", f"// {answer}\n")
+            self.write("tests/more_test.cpp", f'const char* answer = "{answer}";\n')
             self.assertEqual(self.kept(), 0)
+
+    def test_a_comment_has_none_tried_again(self):
+        for answer in ("F.AddsOne", "compiler", "survived"):
+            self.answer_all(answer)
+            self.write("one.cpp", "// another word\n" + self.SOURCE.replace("a + 1;", "a + 1;  // and one more"))
+            self.write("tests/one_test.cpp", self.TEST.replace("{\n", "{\n  // why\n", 1))
+            self.assertEqual(self.kept(), 4, answer)
+            self.write("one.cpp", self.SOURCE)
+            self.write("tests/one_test.cpp", self.TEST)
 
     def test_a_survivor_that_is_to_be_tried_again_is_still_counted(self):
         self.answer_all("survived")
-        self.write("tests/more_test.cpp", "// new\n")
+        self.write("tests/more_test.cpp", "int added;\n")
         self.assertEqual(len(self.tried().counted(0)), 4)
         self.assertEqual(len(self.tried().missing(0)), 4)
 

@@ -153,7 +153,7 @@ ROWS = (
         "tests take the branches of the port, the parsers, the print job, the logger, the back ends, the C "
         "interface and the virtual printer's replies",
         (Step(python("coverage.py", "build-coverage")),), NOTHING),
-    Row("mutation", "Mutation", "tests notice random small changes of the code in the same rooms",
+    Row("mutation", "Mutation", "tests notice random small changes of the code in the same rooms, drawn by seed 1",
         (Step(python("mutation.py", (10, 60, 0)), ends_itself=True),), NOTHING),
     Row("breaks", "Chosen breaks",
         "each of ten deliberate defects of the port, and of ten in the other rooms, makes an ordinary test fail",
