@@ -10,6 +10,7 @@
 #include "tests/bluez/standins/BluetoothService.h"
 #include "tests/bluez/standins/NetworkService.h"
 #include "tests/bluez/standins/PrivateBus.h"
+#include "tests/support/TemporaryFolder.h"
 #include "text/PrintableText.h"
 
 namespace quordalvane {
@@ -107,6 +108,17 @@ TEST_F(Search, ReportsTheKindsThatItCouldNotSearchAndEndsInTime) {
   EXPECT_THAT(discovery.unsearched,
               ElementsAre(testing::HasSubstr("Bluetooth was not searched: "),
                           testing::HasSubstr("the network was not searched: ")));
+}
+
+TEST_F(Search, FindsBluetoothPrintersBeforeThoseOfTheNetwork) {
+  const StandInAvahi avahi({{.name = "Bar"}});
+  const StandInBluetooth service({.devices = {StandInDevice{}}});
+  const test::TemporaryFolder bare;
+  const Discovery discovery =
+      discoverDevices({.usb = {.sys = bare.file(""), .dev = bare.file("")},
+                       .serial = {.sys = bare.file(""), .dev = bare.file("")}});
+  EXPECT_THAT(discovery.devices, ElementsAre(Field(&FoundDevice::via, Via::Bluetooth),
+                                             Field(&FoundDevice::via, Via::Network)));
 }
 
 TEST_F(Search, TakesTwoSecondsIfNothingIsFound) {

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 
@@ -46,14 +47,16 @@ class DiscoveryTest : public testing::Test {
     write(dev_ / name, "");
   }
 
-  void plugInLine(const std::string& name, const std::string& product) {
+  /// The line's own folder lies in that of the interface, as far below its device as `below` says.
+  void plugInLine(const std::string& name, const std::string& product,
+                  const fs::path& below = "2-1:1.0") {
     const fs::path device = sys_ / "devices/2-1";
     write(device / "idVendor", "0403");
     write(device / "manufacturer", "Quor Dalvane");
     write(device / "product", product);
     write(device / "serial", "A1");
-    fs::create_directories(device / "2-1:1.0" / name);
-    link(sys_ / "class/tty" / name / "device", device / "2-1:1.0" / name);
+    fs::create_directories(device / below / name);
+    link(sys_ / "class/tty" / name / "device", device / below / name);
     write(dev_ / name, "");
   }
 
@@ -105,7 +108,17 @@ TEST_F(DiscoveryTest, AUsbPrinterWithoutADeviceFileIsNotReachable) {
 
 TEST_F(DiscoveryTest, AUsbPrinterWithoutTextsIsNamedByItsNumbers) {
   plugInPrinter(0, "", "");
-  EXPECT_EQ(found().at(0).name, "USB printer 04b8:0202");
+  const FoundDevice printer = found().at(0);
+  EXPECT_EQ(printer.name, "USB printer 04b8:0202");
+  EXPECT_EQ(printer.device, "usb:" + (dev_ / "usb/lp0").string());
+}
+
+TEST_F(DiscoveryTest, AUsbPrinterIsNamedByItsMakerOrItsModelAlone) {
+  plugInPrinter(0, "MFG:M;", "1");
+  plugInPrinter(1, "MDL:T;", "2");
+  const auto printers = found();
+  EXPECT_EQ(printers.at(0).name, "M");
+  EXPECT_EQ(printers.at(1).name, "T");
 }
 
 TEST_F(DiscoveryTest, TheDeviceFileReplacesAnUnusableSerialNumber) {
@@ -135,6 +148,33 @@ TEST_F(DiscoveryTest, ASerialLineAtUsbHasTheTextsOfItsDevice) {
   EXPECT_EQ(line.name, "serial line ttyUSB0 at UART \\u001b[1m");
   EXPECT_EQ(line.maker, "Quor Dalvane");
   EXPECT_EQ(line.serialNumber, "A1");
+}
+
+TEST_F(DiscoveryTest, ASerialLineHasTheTextsOfNoDeviceFarAboveIt) {
+  plugInLine("ttyUSB0", "UART", "2-1.1/2-1.1:1.0");
+  EXPECT_EQ(found().at(0).name, "serial line ttyUSB0 at UART");
+  plugInLine("ttyUSB1", "UART", "2-1.2/2-1.2.1/2-1.2.1:1.0");
+  EXPECT_EQ(found().at(1).name, "serial line ttyUSB1");
+}
+
+TEST_F(DiscoveryTest, SerialLinesAreInTheOrderOfTheirNames) {
+  std::vector<std::string> expected;
+  for (const int number : {3, 7, 1, 9, 0, 5, 8, 2, 6, 4}) {
+    const std::string name = "ttyS" + std::to_string(number);
+    addLine(name, "4");
+    expected.push_back("serial:" + (dev_ / name).string());
+  }
+  std::sort(expected.begin(), expected.end());
+  EXPECT_EQ(texts(), expected);
+}
+
+TEST_F(DiscoveryTest, TheFirstOfSeveralPermanentNamesIsTaken) {
+  plugInLine("ttyUSB0", "UART");
+  const fs::path folder = dev_ / "serial/by-id";
+  for (const char name : {'d', 'h', 'b', 'j', 'a', 'f', 'i', 'c', 'g', 'e'}) {
+    link(folder / std::string(1, name), "../../ttyUSB0");
+  }
+  EXPECT_THAT(texts(), ElementsAre("serial:" + (folder / "a").string()));
 }
 
 TEST_F(DiscoveryTest, ASerialLineHasItsPermanentName) {

@@ -25,6 +25,7 @@ TEST(ShownText, IsShortAndEndsWithAWholeCharacter) {
   EXPECT_TRUE(isPrintable(shownText(text)));
   EXPECT_TRUE(shownText("x" + text).ends_with("\u20ac..."));
   EXPECT_EQ(shownText(std::string(100, 'x')), std::string(100, 'x'));
+  EXPECT_EQ(shownText(std::string(101, 'x')), std::string(100, 'x') + "...");
 }
 
 TEST(DeviceText, IsReadBackForEveryPlace) {
