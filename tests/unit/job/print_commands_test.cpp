@@ -73,6 +73,7 @@ const Command commands[] = {
     {"downloaded image", {0x1d, 0x2f, 1}},
     {"white on black", {0x1d, 0x42, 1}},
     {"position of the text of a barcode", {0x1d, 0x48, 1}},
+    {"state of the buffer", {0x1d, 0x45, 1}},
     {"identity", {0x1d, 0x49, 1}},
     {"beginning of the line", {0x1d, 0x54, 1}},
     {"automatic status", {0x1d, 0x61, 1}},
@@ -87,11 +88,16 @@ const Command commands[] = {
     {"width of the print area", {0x1d, 0x57, 1, 0}},
     {"relative position on the page", {0x1d, 0x5c, 1, 0}},
     {"macro run", {0x1d, 0x5e, 1, 1, 1}},
+    {"counter of maintenance", {0x1d, 0x67, 0x30, 0, 20, 0}},
+    {"answers in their turn", {0x1d, 0x7a, 0x30, 1, 1}},
     {"mark", {0x1b, 0x1d, 0x03, 0x01, 0, 0}},
     {"firmware", {0x1b, 0x23, 0x2a, 0x0a, 0}},
     {"DIP switches", {0x1b, 0x23, 0x2c, 0x31, 0x0a, 0}},
+    {"other question", {0x1b, 0x23, 0x2b}},
     {"preparation of a status", {0x1b, 0x2a, 0x72, 0x42}},
     {"tab stops", {0x1b, 0x44, 8, 16, 0}},
+    {"tab stop at the first column", {0x1b, 0x44, 1, 0}},
+    {"no tab stops", {0x1b, 0x44, 0}},
     {"cut", {0x1d, 0x56, 0}},
     {"cut after a feed", {0x1d, 0x56, 0x41, 1}},
 };
@@ -175,6 +181,14 @@ TEST(CountedCommands, EndAfterTheirPayload) {
   }
 }
 
+TEST(CountedCommands, HaveTheLengthThatTheirHeadsGive) {
+  for (const CountedCommand& row : countedCommands) {
+    const auto command = printCommandAt(row.head);
+    ASSERT_TRUE(command) << testing::PrintToString(row.head);
+    EXPECT_EQ(command->length, row.head.size() + row.payload) << testing::PrintToString(row.head);
+  }
+}
+
 TEST(CountedCommands, AreLongerThanTheDataIfAByteIsMissing) {
   for (const CountedCommand& row : countedCommands) {
     auto data = row.head;
@@ -193,7 +207,12 @@ TEST(UnknownCommands, HaveNoKnownEnd) {
       {0x1d, 0x28, '[', 0, 0},
       {0x1c, 0x28, 0x60, 0, 0},
       {0x1d, 0x28, '{', 0, 0},
+      {0x1b, 0x26, 0, 'A', 'A', 1},
+      {0x1b, 0x26, 1, 0x1f, 0x1f, 1},
+      {0x1b, 0x26, 1, 'A', 0x7f, 1},
+      {0x1b, 0x26, 1, 'B', 'A', 1},
       {0x1b, 0x2a, 2, 0, 0},
+      {0x1b, 0x44, 8, 8, 0},
       {0x1d, 0x6b, 7, 'A', 0},
       {0x1d, 0x6b, 64, 0},
       {0x1d, 0x6b, 80, 0},

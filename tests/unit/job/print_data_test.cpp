@@ -27,6 +27,8 @@ const Case cases[] = {
     {"a counter reset", {0x1b, 0x1e, 0x45, 0x00}, false, false},
     {"a status request", {0x1b, 0x06, 0x01}, false, true},
     {"a real-time request", {0x10, 0x04, 0x01}, false, true},
+    {"a firmware request", {0x1b, 0x23, 0x2a, 0x0a, 0x00}, false, true},
+    {"a request for the printer's name", {0x1d, 0x49, 0x41}, false, true},
     {"a DIP request", {0x1b, 0x23, 0x2c, 0x31, 0x0a, 0x00}, false, true},
     {"a raster with marks", {0x1d, 0x76, 0x30, 0, 1, 0, 2, 0, 0x17, 0x17}, true, true},
     {"a mark after a raster", {0x1d, 0x76, 0x30, 0, 1, 0, 1, 0, 0x17, 0x17}, false, false},
@@ -178,6 +180,11 @@ TEST(IsNeverAnswered, IsFalseForRequestsAndUnknownCommands) {
       {0x1d, 0x61, 0xff},
       {0x1b, 0x06, 0x01},
       {0x1b, 0x23, 0x2a, 0x0a, 0x00},
+      {0x1b, 0x75, 0x00},
+      {0x1b, 0x76},
+      {0x1c, 0x28, 0x45, 2, 0, 0x30, 0x30},
+      {0x1d, 0x67, 0x32, 0, 20, 0},
+      {0x1d, 0x28, 0x6b, 1, 0, 0x31},  // too short to say which function it is
       {0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00},
       {0x1d, 0x28, 0x48, 6, 0, 0x30, 0x30, 1, 2, 3, 4},
       {0x1d, 0x28, 0x6b, 3, 0, 0x31, 0x52, 0x30},  // asks for a symbol's size
@@ -212,14 +219,23 @@ TEST(EndSignObstacle, IsACommandOutsideOfImagesThatMakesThePrinterDropData) {
   EXPECT_EQ(endSignObstacle(Bytes{'a', '\n'}), std::nullopt);
   for (const Bytes& data : {Bytes{'a', 0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00},
                             Bytes{0x1b, 0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00},
+                            Bytes{0x1b, 0x21, 0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00},
                             Bytes{0x1f, 0x00, 0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00}}) {
     EXPECT_THAT(endSignObstacle(data).value_or(""), HasSubstr("drops data"));
   }
 }
 
+TEST(EndSignObstacle, IsACommandWhoseEndIsMissing) {
+  EXPECT_THAT(endSignObstacle(Bytes{'a', 0x1d, 0x76, 0x30, 0, 1, 0, 2, 0, 0xff}).value_or(""),
+              HasSubstr("the data ends inside the command that begins at byte 1"));
+}
+
 TEST(EndSignObstacle, InsideAnImageIsOnlyARealTimeCommand) {
-  EXPECT_EQ(endSignObstacle(Bytes{0x1d, 0x76, 0x30, 0, 1, 0, 3, 0, 0x1b, 0x1d, 0x03}),
-            std::nullopt);
+  for (const Bytes& before : {Bytes{}, Bytes{'a'}}) {
+    Bytes data = before;
+    data.insert(data.end(), {0x1d, 0x76, 0x30, 0, 1, 0, 3, 0, 0x1b, 0x1d, 0x03});
+    EXPECT_EQ(endSignObstacle(data), std::nullopt) << before.size();
+  }
   EXPECT_THAT(
       endSignObstacle(Bytes{0x1d, 0x76, 0x30, 0, 1, 0, 3, 0, 0x10, 0x14, 0x08}).value_or(""),
       HasSubstr("drops data"));
@@ -227,6 +243,28 @@ TEST(EndSignObstacle, InsideAnImageIsOnlyARealTimeCommand) {
                   Bytes{0x1d, 0x76, 0x30, 0, 1, 0, 1, 0, 0xff, 0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00})
                   .value_or(""),
               HasSubstr("drops data"));
+}
+
+TEST(InOrderRequests, AreCountedOutsideOfPayloadAndParameters) {
+  const std::pair<Bytes, std::uint64_t> rows[] = {
+      {{}, 0},
+      {{'a', '\n'}, 0},
+      {{0x1d, 0x72, 0x01, 'a', 0x1d, 0x72, 0x02}, 2},
+      {{0x1d, 0x76, 0x30, 0, 1, 0, 3, 0, 0x1d, 0x72, 0x01}, 0},
+      {{0x1d, 0x76, 0x30, 0, 1, 0, 9, 0, 0x1d, 0x72, 0x01}, 0},
+      {{0x1d, 0x72, 0x01, 0x1b, 0xff, 'a'}, 1},
+  };
+  for (const auto& [data, count] : rows) {
+    EXPECT_EQ(inOrderRequestsIn(data), count) << testing::PrintToString(data);
+  }
+}
+
+TEST(InOrderRequests, CannotBeCountedAfterAnUnknownCommandOrAQuestionForAName) {
+  for (const Bytes& data : {Bytes{0x1b, 0xff, 'a', 0x1d, 0x72, 0x01}, Bytes{0x1c, 0x1d, 0x72, 0x01},
+                            Bytes{0x1d, 0x49, 0x41}}) {
+    EXPECT_EQ(inOrderRequestsIn(data), std::nullopt) << testing::PrintToString(data);
+  }
+  EXPECT_EQ(inOrderRequestsIn(Bytes{0x1d, 0xff, 'a'}), 0U) << "nothing after it begins a request";
 }
 
 }  // namespace

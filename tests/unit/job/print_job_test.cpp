@@ -44,6 +44,11 @@ TEST_P(InBothEmulations, AJobDoesNotWaitForAnAnswerThatCannotArrive) {
   EXPECT_LT(firstByte, milliseconds(100)) << "not even one slice";
 }
 
+TEST_P(InBothEmulations, AJobIsConfirmedByTheBlockUnlessAnotherProofIsChosen) {
+  Till till(GetParam());
+  EXPECT_EQ(PrintJob(till.port).run(receiptText).proof, ProofKind::Block);
+}
+
 TEST_P(InBothEmulations, AnEmptyJobIsRefused) {
   Till till(GetParam());
   const PrintResult result = till.print({});
@@ -103,9 +108,19 @@ TEST_P(InBothEmulations, PaperThatRunsOutInMidJobLeavesItUnconfirmedWithCountAnd
 TEST_P(InBothEmulations, AJobThatPrintsLongerThanTheEndTimeoutIsUnconfirmed) {
   Till till(PrinterBuilder().speed(1), {.emulation = GetParam()});
   till.port->setEndCheckedBlockTimeoutMillis(3000);
-  const PrintResult result = till.print(receiptText);
+  Clock& clock = till.platform->clock();
+  std::chrono::nanoseconds end{};
+  const auto look = [&](const PrintProgress& progress) {
+    if (progress.stage == PrintStage::End) {
+      end = clock.monotonic();
+    }
+  };
+  const PrintResult result =
+      PrintJob(till.port, {.proof = ProofKind::Block, .progress = look}).run(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
   EXPECT_EQ(result.reason, "no confirmation within 3 s after all 45 bytes");
+  EXPECT_GT(clock.monotonic() - end, milliseconds(3000));
+  EXPECT_LT(clock.monotonic() - end, milliseconds(5000)) << "limits count in whole seconds";
 }
 
 TEST_P(InBothEmulations, AJobWithoutAnAnswerToItsEndReportsNoEarlierStatus) {

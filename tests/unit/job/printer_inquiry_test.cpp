@@ -32,6 +32,8 @@ class Asked {
     world_.start();
   }
 
+  std::chrono::nanoseconds now() { return world_.platform()->clock().monotonic(); }
+
  private:
   test::ScriptedWorld world_;
   std::shared_ptr<ExternalAccessoryPort> port_;
@@ -60,8 +62,10 @@ TEST(StatusBlockHead, HasTheTwoFixedBitsAndRoomForTheLayout) {
 
 TEST(PrinterInquiry, ReturnsTheStatusOfAPrinterThatAnswers) {
   Asked asked(Script().wheneverAsked(statusRequest, {{offLine, 0.0}}));
-  EXPECT_EQ(asked.inquiry.status().offline, 1U);
-  EXPECT_EQ(asked.inquiry.heard(), offLine);
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_EQ(asked.inquiry.status().offline, 1U);
+    EXPECT_EQ(asked.inquiry.heard(), offLine) << "of one question";
+  }
 }
 
 TEST(PrinterInquiry, RefusesAnAnswerThatIsNotAStatus) {
@@ -99,7 +103,9 @@ TEST(PrinterInquiry, WaitsForTheRestOfAFirstAnswerInPieces) {
   script.whenAsked(statusRequest, {{head, 0.0}, {rest, 0.15}});
   script.wheneverAsked(statusRequest, {{offLine, 0.0}});
   Asked asked(script);
+  const auto start = asked.now();
   EXPECT_FALSE(asked.inquiry.isOnline());
+  EXPECT_LT(asked.now() - start, std::chrono::seconds(3)) << "it waits for silence alone";
 }
 
 TEST(PrinterInquiry, DoesNotTakePartOfALateAnswerForTheOnlineState) {
@@ -118,6 +124,13 @@ TEST(PrinterInquiry, DoesNotTakePartOfALateAnswerForTheOnlineState) {
     Asked asked(script, ZKEmulationESCPOS, 5000);
     EXPECT_FALSE(asked.inquiry.isOnline()) << delay;
   }
+}
+
+TEST(PrinterInquiry, AsksOnceForTheOnlineStateIfTheAnswerIsWhole) {
+  Asked asked(Script().wheneverAsked(statusRequest, {{onLine, 0.0}}));
+  const auto start = asked.now();
+  EXPECT_TRUE(asked.inquiry.isOnline());
+  EXPECT_LT(asked.now() - start, std::chrono::seconds(1)) << "it waits for no silence";
 }
 
 TEST(PrinterInquiry, ReturnsTheOnlineStateInEscPos) {
@@ -153,6 +166,12 @@ TEST(PrinterInquiry, ReturnsTheButtonSecurityTimeout) {
   EXPECT_EQ(asked.inquiry.buttonSecurityTimeout(), std::chrono::milliseconds(12'000));
 }
 
+TEST(PrinterInquiry, ReturnsNoButtonSecurityTimeoutOfAPrinterThatHasSwitchedItOff) {
+  const auto report = bytes("1b 23 2c 31 c0 00 0a");
+  Asked asked(Script().wheneverAsked(bytes("1b 23 2c 31 0a 00"), {{report, 0.0}}));
+  EXPECT_EQ(asked.inquiry.buttonSecurityTimeout(), std::chrono::milliseconds(0));
+}
+
 TEST(PrinterInquiry, RefusesAnAnswerThatIsNotAButtonSecurityTimeout) {
   for (const char* const answer : {"00 00 00 00 00 00 00", "1b 23 2c 33 40 00 0a",
                                    "00 1b 23 2c 31 40 0a", "1b 23 2c 31 40 00 00"}) {
@@ -160,6 +179,61 @@ TEST(PrinterInquiry, RefusesAnAnswerThatIsNotAButtonSecurityTimeout) {
     EXPECT_EQ(causeOf([&] { asked.inquiry.buttonSecurityTimeout(); }), InquiryCause::NotUnderstood)
         << answer;
   }
+}
+
+TEST(PrinterInquiry, ReturnsTheFirmwareInBothEmulations) {
+  Script line;
+  line.wheneverAsked(statusRequest, {{onLine, 0.0}});
+  line.wheneverAsked(bytes("1b 23 2a 0a 00"), {{bytes("1b 23 2a 56 31 0a 00"), 0.0}});
+  EXPECT_EQ(Asked(line).inquiry.firmware(), "V1");
+  Script escPos;
+  for (const char* const query : {"10 04 01", "10 04 02", "10 04 04"}) {
+    escPos.wheneverAsked(bytes(query), {{bytes("12"), 0.0}});
+  }
+  escPos.wheneverAsked(bytes("1d 49 41"), {{bytes("5f 56 31 00"), 0.0}});
+  EXPECT_EQ(Asked(escPos, ZKEmulationESCPOS).inquiry.firmware(), "V1");
+}
+
+TEST(PrinterInquiry, ReturnsBothBanksOfTheDipSwitches) {
+  Script script;
+  script.wheneverAsked(bytes("1b 23 2c 31 0a 00"), {{bytes("1b 23 2c 31 40 01 0a"), 0.0}});
+  script.wheneverAsked(bytes("1b 23 2c 32 0a 00"), {{bytes("1b 23 2c 32 02 80 0a"), 0.0}});
+  const auto banks = Asked(script).inquiry.dipSwitches();
+  EXPECT_EQ(banks[0], bytes("40 01"));
+  EXPECT_EQ(banks[1], bytes("02 80"));
+  Asked silent{Script()};
+  EXPECT_EQ(causeOf([&] { silent.inquiry.dipSwitches(); }), InquiryCause::NoAnswer);
+}
+
+TEST(PrinterInquiry, ReturnsTheProofThatThePrinterGives) {
+  EXPECT_EQ(Asked(Script().wheneverAsked(statusRequest, {{onLine, 0.0}})).inquiry.proof(),
+            ProofKind::Block);
+  EXPECT_EQ(Asked(Script().wheneverAsked(statusRequest, {{bytes("82 01"), 0.0}})).inquiry.proof(),
+            ProofKind::None)
+      << "a status without a counter";
+  for (const ProofKind kind :
+       {ProofKind::Block, ProofKind::ProcessId, ProofKind::InOrder, ProofKind::None}) {
+    PrinterBuilder printer;
+    printer.set("proofs", nameOf(kind));
+    const Till till(std::move(printer), {.emulation = ZKEmulationESCPOS});
+    EXPECT_EQ(PrinterInquiry(till.port).proof(), kind) << nameOf(kind);
+  }
+}
+
+TEST(PrinterInquiry, DropsTheLinkOfABluetoothModule) {
+  const auto question = test::ascii("AT*AILBA?\r");
+  const auto address = test::ascii("\r\n*AILBA:0011223344FF\r\n\r\nOK\r\n");
+  Asked asked(Script().whenAsked(question, {{address, 0.0}}).isLost(3.0));
+  EXPECT_EQ(causeOf([&] { asked.inquiry.disconnect(); }), std::nullopt);
+  Asked stubborn(Script().whenAsked(question, {{address, 0.0}}));
+  EXPECT_EQ(causeOf([&] { stubborn.inquiry.disconnect(); }), InquiryCause::NoAnswer);
+  Asked odd(Script().whenAsked(question, {{test::ascii("\r\nOK\r\n"), 0.0}}));
+  EXPECT_EQ(causeOf([&] { odd.inquiry.disconnect(); }), InquiryCause::NotUnderstood);
+}
+
+TEST(PrinterInquiry, MakesThePrinterDropEverything) {
+  Asked asked{Script()};
+  EXPECT_EQ(causeOf([&] { asked.inquiry.dropAll(); }), std::nullopt);
 }
 
 TEST(PrinterInquiry, ReportsThatTheLinkDidNotTakeAWholeCommand) {

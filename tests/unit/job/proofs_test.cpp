@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "job/EscPosAnswers.h"
+#include "job/PortMemory.h"
 #include "job/ProcessIdProof.h"
 #include "tests/support/Bytes.h"
 #include "tests/unit/job/Till.h"
@@ -56,6 +57,12 @@ TEST_P(ChosenProof, ConfirmsAJobOnlyAfterThePrinterHasPrintedIt) {
   EXPECT_FALSE(std::ranges::search(paper, receiptText).empty());
 }
 
+TEST(StrongestProof, IsChosenThoughItsAnswerFollowsThatOfAWeakerOne) {
+  Till till = tillWith(printerWith("block+process-id+in-order"));
+  till.reopenWith(with("late-reply", "50@block"));
+  EXPECT_EQ(PrintJob(till.port).run(receiptText).proof, ProofKind::Block);
+}
+
 TEST(PrinterWithoutProof, LeavesTheJobUnconfirmedDirectlyAfterTheData) {
   Till till = tillWith(printerWith("none"));
   const auto start = till.platform->clock().monotonic();
@@ -74,6 +81,16 @@ TEST(PrinterWithoutProof, IsNotAskedAgainOnTheSamePort) {
   EXPECT_FALSE(second.hasAskedForProof);
   EXPECT_LT(till.platform->clock().monotonic() - start, milliseconds(500));
   EXPECT_EQ(second.outcome, PrintOutcome::Unconfirmed);
+}
+
+TEST(NoChosenProof, LeavesTheInOrderAnswerOwed) {
+  Till till = tillWith(printerWith("none"));
+  EXPECT_TRUE(memoryOf(till.port).owed.empty());
+  PrintJob(till.port).run(receiptText);
+  EXPECT_TRUE(memoryOf(till.port).owed.contains(ProofKind::InOrder)) << "it may still arrive";
+  Till answering = tillWith(printerWith("in-order"));
+  PrintJob(answering.port).run(receiptText);
+  EXPECT_TRUE(memoryOf(answering.port).owed.empty());
 }
 
 TEST(PrinterWithoutProof, IsAskedAgainAfterALateAnswer) {
@@ -310,6 +327,43 @@ TEST(EscPosAnswers, DistinguishTheProcessIdOfAnotherJob) {
   answers.feed(test::bytes("37 22 41 42 43 44 00"));
   EXPECT_TRUE(answers.hasNamed({'A', 'B', 'C', 'D'}));
   EXPECT_FALSE(answers.hasNamed({'A', 'B', 'C', 'E'}));
+}
+
+/// The answers that a printer's bytes hold.
+EscPosAnswers answersIn(const ByteBuffer& bytes) {
+  EscPosAnswers answers;
+  answers.feed(bytes);
+  return answers;
+}
+
+TEST(EscPosAnswers, LoseOnlyTheByteThatBeginsNothing) {
+  EXPECT_EQ(answersIn(test::bytes("1d 00 00 00")).inOrderCount(), 3U);
+  EXPECT_EQ(answersIn(test::bytes("10 12")).realTimeCount(), 1U) << "no status of four bytes";
+  for (const char* const odd : {"1d", "10 12", "37 41", "37 25 01", "37 22 1f", "37 22 7f",
+                                "37 22 41 42 43 44 45", "1b 1d 03 01 00 01", "5f 41 1f"}) {
+    EXPECT_TRUE(answersIn(test::bytes(odd)).isAnyOdd()) << odd;
+  }
+  EXPECT_FALSE(answersIn(test::bytes("37 22 41 42 43 44 45")).hasNamed({'A', 'B', 'C', 'D'}));
+}
+
+TEST(EscPosAnswers, KnowTheLastSixteenIds) {
+  EscPosAnswers answers;
+  for (std::uint8_t i = 0; i < 17; ++i) {
+    answers.feed(ByteBuffer{0x37, 0x22, 0x20, 0x20, 0x20, static_cast<std::uint8_t>('A' + i), 0});
+  }
+  EXPECT_FALSE(answers.hasNamed({0x20, 0x20, 0x20, 'A'}));
+  for (std::uint8_t i = 1; i < 17; ++i) {
+    EXPECT_TRUE(answers.hasNamed({0x20, 0x20, 0x20, static_cast<std::uint8_t>('A' + i)})) << i;
+  }
+}
+
+TEST(EscPosAnswers, TakeATextOf79CharactersAndNoLongerOne) {
+  for (const std::size_t length : {79U, 80U}) {
+    ByteBuffer text = {0x5f};
+    text.insert(text.end(), length, '~');
+    text.push_back(0);
+    EXPECT_EQ(answersIn(text).isAnyOdd(), length == 80) << length;
+  }
 }
 
 }  // namespace

@@ -1,0 +1,74 @@
+// The answers that a printer owes to an earlier job.
+
+#include "job/HearOut.h"
+
+#include <gtest/gtest.h>
+
+#include "job/EscPosAnswers.h"
+#include "job/InOrderProof.h"
+#include "tests/unit/job/Till.h"
+
+namespace quordalvane {
+namespace {
+
+using std::chrono::seconds;
+
+/// A port to a printer with these faults, which is heard out by its in-order status.
+class Hearing : private TransferObserver {
+ public:
+  explicit Hearing(simulator::Faults faults = {}) {
+    till_.reopenWith(std::move(faults));
+    link_.setListener(this);
+  }
+
+  bool hearOut() {
+    const auto start = link_.now();
+    const bool isHeardOut =
+        quordalvane::hearOut(link_, inOrderRequest, [this] { return answers_.inOrderCount(); });
+    time = link_.now() - start;
+    return isHeardOut;
+  }
+
+  std::uint64_t answers() const { return answers_.inOrderCount(); }
+
+  std::chrono::nanoseconds time = {};
+
+ private:
+  void bytesWritten(ByteView /*bytes*/) override {}
+  void bytesRead(ByteView bytes) override { answers_.feed(bytes); }
+
+  Till till_{simulator::PrinterBuilder(), {.emulation = ZKEmulationESCPOS, .timeoutMillis = 3000}};
+  const std::atomic<bool> cancelled_ = false;
+  PortLink link_{till_.port, cancelled_};
+  EscPosAnswers answers_;
+};
+
+TEST(HearOut, EndsAfterTwoQuestionsWithOneAnswerEachAndASecondOfSilence) {
+  Hearing hearing;
+  EXPECT_TRUE(hearing.hearOut());
+  EXPECT_EQ(hearing.answers(), 2U);
+  EXPECT_GE(hearing.time, seconds(2));
+  EXPECT_LT(hearing.time, seconds(3));
+}
+
+TEST(HearOut, BeginsAgainAfterAQuestionWithTwoAnswers) {
+  Hearing hearing(with("duplicate-reply", "2"));
+  EXPECT_TRUE(hearing.hearOut());
+  EXPECT_EQ(hearing.answers(), 1U + 2U + 1U + 1U);
+}
+
+TEST(HearOut, IsGivenUpAfterSixQuestions) {
+  Hearing hearing(with("duplicate-reply", "all"));
+  EXPECT_FALSE(hearing.hearOut());
+  EXPECT_EQ(hearing.answers(), 6U * 2U);
+}
+
+TEST(HearOut, FailsAtTheTimeoutOfAPrinterThatDoesNotAnswer) {
+  Hearing hearing(with("drop-reply", "all"));
+  EXPECT_FALSE(hearing.hearOut());
+  EXPECT_GE(hearing.time, seconds(3));
+  EXPECT_LT(hearing.time, seconds(4));
+}
+
+}  // namespace
+}  // namespace quordalvane
