@@ -52,6 +52,15 @@ TEST(Faults, ThereIsNoSpaceForAWhileAfterTheGivenByte) {
   EXPECT_EQ(session.link->nextEvent(session.now), std::nullopt);
 }
 
+TEST(Faults, TheBytesBeforeAStallAndACutAreThoseOfAllWrites) {
+  for (const auto& [name, value] : {std::pair{"no-space", "4:1500"}, {"cut-after-in", "4"}}) {
+    Session session(with(name, value));
+    EXPECT_EQ(session.link->write(ascii("abc"), session.now), 3U) << name;
+    EXPECT_EQ(session.link->write(ascii("def"), session.now), 1U) << name;
+    EXPECT_EQ(session.printer.printed(), ascii("abcd")) << name;
+  }
+}
+
 TEST(Faults, ALateReplyIsDelayedByExactlyTheGivenTime) {
   Session session(with("late-reply", "700"));
   EXPECT_EQ(session.ask(statusRequest), Bytes{});
@@ -67,8 +76,9 @@ TEST(Faults, ALateReplyDelaysTheLaterOnes) {
   session.send("100401");
   session.wait(100ms);
   EXPECT_EQ(session.ask(statusRequest), Bytes{});
+  EXPECT_EQ(session.ask("1d4931"), Bytes{});
   session.wait(600ms);
-  EXPECT_EQ(session.receive(), hex("12") + statusBlock);
+  EXPECT_EQ(session.receive(), hex("12") + statusBlock + hex("20"));
   EXPECT_EQ(session.ask("100401"), hex("12"));
 }
 
@@ -106,8 +116,10 @@ int wrongBits(const Bytes& a, const Bytes& b) {
 
 TEST(Faults, ACorruptReplyHasOneWrongBitThatTheSeedDecides) {
   std::vector<Bytes> replies;
-  for (const char* seed : {"1", "2", "3", "4", "5", "6", "1"}) {
-    Session session(also(with("corrupt-reply", "all"), "seed", seed));
+  for (unsigned seed = 0; seed <= 100; ++seed) {
+    Faults faults = with("corrupt-reply", "all");
+    faults.seed = seed % 100;
+    Session session(faults);
     replies.push_back(session.ask(statusRequest));
     ASSERT_EQ(replies.back().size(), statusBlock.size());
     EXPECT_EQ(wrongBits(replies.back(), statusBlock), 1);

@@ -204,13 +204,15 @@ TEST(ProofFaults, AWrongIdIsWellFormedAndNotTheOneThatWasSent) {
     Faults faults = with("wrong-id", "all");
     faults.seed = seed;
     Session session(faults);
-    const std::string id = seed % 2 == 0 ? "7e 7e 7e 7e" : "20 20 20 20";
+    const char* const ids[] = {"7e 7e 7e 7e", "20 20 20 20", "7d 7d 7d 7d"};
+    const std::string id = ids[seed % 3];
     const Bytes reply = session.ask("1d 28 48 06 00 30 30 " + id);
     ASSERT_EQ(reply.size(), idReport.size());
     EXPECT_NE(reply, hex("37 22 " + id + " 00"));
     for (std::size_t i = 2; i < 6; ++i) {
       EXPECT_TRUE(reply[i] >= 0x20 && reply[i] <= 0x7e);
     }
+    EXPECT_EQ(reply[6], 0);
   }
 }
 

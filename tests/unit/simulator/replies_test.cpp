@@ -55,7 +55,8 @@ std::vector<Exchange> exchanges() {
       {"devices that it lacks", PrinterBuilder().coverOpen(), "100405 100406 10040701 10040801",
        hex("12 12 12 12")},
       {"no such query", plain, "100400 100409", {}},
-      {"identity in numbers", plain, "1d4901 1d4902 1d4903 1d4931", hex("20 02 01 20")},
+      {"identity in numbers", plain, "1d4901 1d4902 1d4903 1d4931 1d4932 1d4933",
+       hex("20 02 01 20 02 01")},
       {"identity in texts", PrinterBuilder().set("maker", "M").set("modelName", "N"),
        "1d4942 1d4943", hex("5f 4d 00 5f 4e 00")},
       {"serial number and font", PrinterBuilder().set("serialNumber", "S7"), "1d4944 1d4945",
@@ -64,6 +65,9 @@ std::vector<Exchange> exchanges() {
       {"drawer and paper in turn",
        PrinterBuilder().with(Flag::CompulsionSwitch).with(Flag::ReceiptPaperNearEmptyInner),
        "1b7500 1b76", hex("01 03")},
+      {"paper in turn, by a number and a digit, and the drawer",
+       PrinterBuilder().with(Flag::CompulsionSwitch).with(Flag::ReceiptPaperNearEmptyInner),
+       "1d7201 1d7231 1d7202 1d7232", hex("03 03 01 01")},
       {"settings", plain, "1d28450200 0401 1d28450200 0605",
        hex("37 21 3030303030303030 00 37 27 35 1f 30 00")},
       {"cancel, its end and its time-out are silent",
@@ -149,6 +153,9 @@ TEST(Replies, AHostThatNeverReadsCannotMakeThePrinterRememberWithoutEnd) {
     session.send(statusRequest);
   EXPECT_LE(session.link->available(session.now), 64U * 1024U);
   EXPECT_EQ(session.receive().size() % 9, 0U) << "a reply is kept whole or not at all";
+  for (int i = 0; i < 70'000; ++i)
+    session.send("100401");
+  EXPECT_EQ(session.link->available(session.now), 64U * 1024U);
 }
 
 }  // namespace
