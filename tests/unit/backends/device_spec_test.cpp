@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <limits>
 #include <set>
 #include <stdexcept>
@@ -184,6 +185,7 @@ TEST(DeviceSpec, AUsbPrinterTakesAnyPlaceAndAnEmptyOne) {
   }
   EXPECT_EQ(parseDeviceSpec("/dev/usb/lp0").scheme, "usb");
   EXPECT_THAT(failure("usb:,baud=9600"), HasSubstr("\"baud\""));
+  EXPECT_THAT(failure("usb:" + std::string(4096, 'S')), HasSubstr("1 to 4095"));
 }
 
 TEST(DeviceSpec, SuggestsTheRightFormForATextWithoutAScheme) {
@@ -217,6 +219,14 @@ TEST(Schemes, EachReasonOfTheUsbDriverHasAnAdviceOfItsOwn) {
               1)
         << code.message();
   }
+}
+
+TEST(Schemes, ACauseOfTheSystemFitsBothOfItsCategoriesAndNoOther) {
+  const OpenCause busy{EBUSY, "in-use", "another program uses it", "end the other program"};
+  EXPECT_TRUE(busy.fits({EBUSY, std::generic_category()}));
+  EXPECT_TRUE(busy.fits({EBUSY, std::system_category()}));
+  EXPECT_FALSE(busy.fits({EBUSY, posix::usbCategory()}));
+  EXPECT_FALSE(busy.fits({ENOENT, std::system_category()}));
 }
 
 TEST(Schemes, EverySerialSettingIsWrittenInTheFormThatIsRead) {
@@ -337,6 +347,7 @@ TEST(HostAndPort, IsSplitAtTheLastColonAndLosesItsBrackets) {
   EXPECT_EQ(parseHostAndPort("printer.example:9100").port, 9100);
   EXPECT_EQ(parseHostAndPort("[::1]:65535").host, "::1");
   EXPECT_EQ(parseHostAndPort("[a]:1").host, "a");
+  EXPECT_EQ(parseHostAndPort(std::string(253, 'h') + ":1").host.size(), 253U);
   EXPECT_EQ(parseHostAndPort("[::1]:65535").port, 65535);
 }
 

@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "backends/Devices.h"
+#include "backends/Schemes.h"
 #include "backends/posix/Descriptor.h"
 #include "backends/posix/PosixClock.h"
 #include "tests/support/Listener.h"
@@ -90,6 +91,34 @@ TEST(Devices, ASerialLineHasTheSettingsOfItsKeys) {
   ASSERT_EQ(::tcgetattr(terminal.master, &settings), 0);
   EXPECT_EQ(::cfgetospeed(&settings), speed_t{B19200});
   EXPECT_EQ(settings.c_cflag & (CSTOPB | CRTSCTS), CSTOPB | CRTSCTS);
+}
+
+/// A scheme that knows its printers by itself, as that of Bluetooth does.
+const Scheme flock = {
+    .name = "flock",
+    .place = "",
+    .about = "printers of this test",
+    .checkPlace = [](const std::string&) {},
+    .make = [](const DeviceSpec&, AccessoryIdentity, Clock&) -> std::shared_ptr<EAAccessory> {
+      return nullptr;
+    },
+    .ifSilent = "wait",
+    .ifNotUnderstood = "ask again",
+    .places =
+        [] {
+          return std::vector<std::string>{"grey", "white"};
+        },
+};
+
+TEST(Devices, ASchemeWithoutAPlaceMeansAllThatItKnows) {
+  addScheme(flock);
+  using Texts = std::vector<std::string>;
+  EXPECT_EQ(devicesMeantBy("flock:"), (Texts{"flock:grey", "flock:white"}));
+  EXPECT_EQ(devicesMeantBy("flock"), (Texts{"flock:grey", "flock:white"}));
+  EXPECT_EQ(devicesMeantBy("flock:,id=3"), (Texts{"flock:grey,id=3", "flock:white,id=3"}));
+  EXPECT_EQ(devicesMeantBy("flock:grey,id=3"), Texts{"flock:grey,id=3"});
+  EXPECT_EQ(devicesMeantBy("unix:"), Texts{"unix:"}) << "it knows none";
+  EXPECT_EQ(devicesMeantBy("pigeon:"), Texts{"pigeon:"});
 }
 
 TEST(Devices, ConnectingThemSetsThePlatformOfTheProcess) {

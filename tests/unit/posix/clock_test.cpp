@@ -34,6 +34,16 @@ TEST(PosixClock, SleepsAtLeastAsLongAsItIsAskedTo) {
   EXPECT_LT(watch.seconds(), 5);
 }
 
+TEST(PosixClock, SleepsOfASingleMicrosecondAddUp) {
+  constexpr int sleeps = 1000;
+  PosixClock clock;
+  const Stopwatch watch;
+  for (int i = 0; i < sleeps; ++i) {
+    clock.select(1);
+  }
+  EXPECT_GE(watch.seconds(), 1e-6 * sleeps);
+}
+
 TEST(PosixClock, ASelectSleepOfMoreThanASecondLastsThatLong) {
   const Stopwatch watch;
   PosixClock().select(1'000'001);

@@ -1,6 +1,7 @@
 #include "backends/posix/Linger.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -104,6 +105,20 @@ TEST_F(LingerTest, EndsAtTheDeadlineAndNotBefore) {
   linger(link(), SteadyClock::now() + 100ms);
   EXPECT_GE(watch.seconds(), 0.1);
   EXPECT_LT(watch.seconds(), atOnce);
+}
+
+/// How often this thread has given up the processor to wait for something.
+long waitsOfThisThread() {
+  rusage usage{};
+  ::getrusage(RUSAGE_THREAD, &usage);
+  return usage.ru_nvcsw;
+}
+
+TEST_F(LingerTest, LeavesTheProcessorToOthersWhileItWaits) {
+  fill();
+  const long before = waitsOfThisThread();
+  linger(link(), SteadyClock::now() + 100ms);
+  EXPECT_GE(waitsOfThisThread() - before, 2);
 }
 
 TEST_F(LingerTest, ThrowsAwayTheDevicesBytes) {
