@@ -55,10 +55,10 @@ static void DipSwitchBanksGather(void) {
 
 static void OneDipSwitchBankIsAnsweredAndNotKept(void) {
   QuorPort* port = openPortTo("virtual:,dip2=0304", QUOR_EMULATION_LINE);
-  uint8_t settings[2] = {0};
+  uint8_t settings[3] = {0, 0, 0xee};
   size_t length = 99;
   EXPECT(quor_port_retrieve_dip_switch_bank(port, 2, settings) == QUOR_OK);
-  EXPECT(settings[0] == 3 && settings[1] == 4);
+  EXPECT(settings[0] == 3 && settings[1] == 4 && settings[2] == 0xee);
   EXPECT(quor_port_dip_switch_information(port, NULL, 0, &length) == QUOR_OK);
   EXPECT(length == 0);
   done(port);

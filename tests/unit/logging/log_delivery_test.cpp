@@ -146,6 +146,8 @@ TEST(LogDelivery, ReportsDropsByAnErrorRecordWithTheTimeOfTheFirst) {
   EXPECT_EQ(drop.type, ZKLogTypeError);
   EXPECT_EQ(drop.time.time_since_epoch(), 2s);
   EXPECT_NE(drop.thread, currentThreadId());
+  EXPECT_EQ(drop.level, 0);
+  EXPECT_EQ(drop.object, "0x0");
 }
 
 TEST(LogDelivery, AccountsForEveryRecordOfManyThreads) {
