@@ -30,6 +30,11 @@ constexpr std::chrono::seconds lingerLimit{2};
 // cheap but not free.
 constexpr std::chrono::seconds silenceInterval{1};
 
+// After a write of this many bytes that was taken whole, space is taken for granted: a question
+// costs the system as much as a command, and its buffers hold many. A longer write may have filled
+// them.
+constexpr std::size_t longestCommand = 4096;
+
 bool wouldBlock(int error) {
   return error == EAGAIN || error == EWOULDBLOCK;
 }
@@ -159,7 +164,7 @@ std::int64_t Link::write(const std::uint8_t* bytes, std::size_t length) {
     dry_ = false;  // the next call of `look` then checks whether bytes are left to read
     return -1;
   }
-  mayBeFull_ = count < static_cast<std::ptrdiff_t>(length);
+  mayBeFull_ = length > longestCommand || count < static_cast<std::ptrdiff_t>(length);
   if (count <= 0) {
     return 0;
   }

@@ -116,7 +116,7 @@ class Link {
   ReplyExpectation expectation_;
   bool cameSinceWrite_ = false;  // bytes arrived after the last write that may be answered
 
-  bool mayBeFull_ = false;     // the last write was taken only in part
+  bool mayBeFull_ = false;     // the last write was long, or was taken only in part
   bool outputBroken_ = false;  // a write has failed, or would be useless
   bool abandoned_ = false;     // `release` need not wait for the bytes under way
 

@@ -181,6 +181,16 @@ TEST_F(LinkTest, AfterAnUnansweredRequestTheReplyMayBeALateOneUntilAWaitEndsWith
   EXPECT_FALSE(input->expectsBytes());
 }
 
+TEST_F(LinkTest, AWriteThatWasTakenWholeAndFilledTheBufferLeavesNoSpace) {
+  const std::vector<std::uint8_t> piece(8192);
+  std::int64_t taken = 1;
+  while (output->hasSpaceAvailable()) {
+    taken = output->write(piece.data(), piece.size());
+    EXPECT_GT(taken, 0) << "there was space for a byte at least";
+  }
+  EXPECT_EQ(taken, static_cast<std::int64_t>(piece.size())) << "no write was cut short";
+}
+
 TEST_F(LinkTest, AWriteErrorEndsTheLinkThoughTheDeviceCouldStillSend) {
   ASSERT_TRUE(accessory.isConnected());
   ASSERT_EQ(::shutdown(device(), SHUT_RD), 0);
