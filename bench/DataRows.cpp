@@ -105,8 +105,8 @@ Pairs<double> throughput(Drains& drains, std::span<const std::uint8_t> data) {
   return alternate([&] { return rate(ours); }, [&] { return rate(limit); });
 }
 
-/// The bytes that a job copies: it fills each buffer that it allocates once, so this counts the
-/// allocated bytes.
+/// A job fills each buffer that it allocates once at most, so it copies no more bytes than it
+/// allocates.
 Row copiedBytes(const std::string& where, OpenPort& port, DrainingPeer& peer,
                 std::span<const std::uint8_t> data) {
   Allocations taken;
