@@ -111,8 +111,8 @@ std::int32_t ExternalAccessoryPort::offer(std::span<const std::uint8_t> data, co
   return result;
 }
 
-/// Offers all unsent bytes to the stream. Returns the stream's count, or null if the whole write has
-/// failed. A negative count other than -1 is not an error.
+/// Offers all unsent bytes to the stream. Returns the stream's count, or null if the whole write
+/// has failed. A negative count other than -1 is not an error.
 std::optional<std::int64_t> ExternalAccessoryPort::writeChunk(
     NSOutputStream& stream, std::span<const std::uint8_t> tempData, Reply reply) {
   constexpr auto selector = writeSelector;

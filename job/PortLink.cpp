@@ -12,11 +12,13 @@ namespace {
 // The data is written in pieces of at most this size, and on a slow link of twice the number of
 // bytes that it took last: between two pieces a job checks whether it was cancelled and reports its
 // progress. Smaller pieces would cost more system calls.
-constexpr std::size_t largestPiece = std::size_t{128} * 1024;
+constexpr std::size_t largestPiece = std::size_t{512} * 1024;
 constexpr std::size_t smallestPiece = 256;
 
-// The pause between two attempts on a link that returns at once without bytes or space.
+// The pause between two attempts on a link that returns at once without bytes or space, or with
+// more bytes than an answer has.
 constexpr std::uint64_t lookPauseMicroseconds = 10000;
+constexpr std::size_t longestAnswer = 128;
 
 constexpr auto longestDrain = std::chrono::seconds(1);
 constexpr std::size_t largestDrain = std::size_t{1} << 20U;
@@ -118,14 +120,17 @@ bool PortLink::await(const std::function<bool(ByteView)>& isDone, std::chrono::n
     return true;
   }
   while (now() - start <= limit) {
-    const auto bytes = port_->read(128);
+    const auto bytes = port_->read(longestAnswer);
     if (!bytes) {
       return false;
     }
     if (isDone(*bytes)) {
       return true;
     }
-    pause();
+    const bool mayBeInPieces = !bytes->empty() && bytes->size() < longestAnswer;
+    if (!mayBeInPieces) {
+      pause();
+    }
   }
   return false;
 }
