@@ -13,8 +13,17 @@ bool LogQueue::isFull() const noexcept {
          pendingText_ >= textLimit || pending_.dropped > 0;
 }
 
+FillLevel::Level LogQueue::level() const noexcept {
+  if (pending_.records.empty()) {
+    return FillLevel::Level::Empty;
+  }
+  return pending_.records.size() >= capacity_ / 2 ? FillLevel::Level::HalfFull
+                                                  : FillLevel::Level::Filled;
+}
+
 void LogQueue::push(LogRecord&& record) noexcept {
-  bool wakesWriter = false;
+  FillLevel::Level before{};
+  FillLevel::Level after{};
   {
     const std::lock_guard lock(mutex_);
     ++counts_.handedOver;
@@ -29,14 +38,13 @@ void LogQueue::push(LogRecord&& record) noexcept {
       return;
     }
     ++queuedRecords_;
-    const bool wasEmpty = pending_.records.empty();
-    const bool wasHalfFull = isHalfFull();
+    before = level();
     pendingText_ += record.message.size();
     pending_.records.add(record);
-    wakesWriter = wasEmpty || (isHalfFull() && !wasHalfFull);
+    after = level();
   }
-  if (wakesWriter) {
-    filled_.notify_one();
+  if (after != before) {
+    fillLevel_.raise(after);
   }
 }
 
@@ -54,8 +62,11 @@ void LogQueue::setCapacity(std::size_t records) {
 
 void LogQueue::open() {
   const std::lock_guard lock(mutex_);
-  pending_.records.reserve(capacity_);
-  open_ = true;
+  if (!open_) {
+    pending_.records.reserve(capacity_);
+    open_ = true;
+    fillLevel_.reopen(level());
+  }
 }
 
 void LogQueue::close() noexcept {
@@ -63,16 +74,27 @@ void LogQueue::close() noexcept {
     const std::lock_guard lock(mutex_);
     open_ = false;
   }
-  filled_.notify_one();
+  fillLevel_.raise(FillLevel::Level::Closed);
 }
 
 bool LogQueue::take(Batch& batch) {
-  std::unique_lock lock(mutex_);
-  filled_.wait(lock, [this] { return !pending_.records.empty() || !open_; });
-  if (pending_.records.empty()) {
-    return false;
+  for (;;) {
+    fillLevel_.await(FillLevel::Level::Filled);
+    fillLevel_.await(FillLevel::Level::HalfFull, gatherTime_);
+    fillLevel_.empty();
+    const std::lock_guard lock(mutex_);
+    if (!pending_.records.empty()) {
+      swapPending(batch);
+      return true;
+    }
+    if (!open_) {
+      return false;
+    }
+    // The level was raised late, by a thread whose record was in the batch before.
   }
-  filled_.wait_for(lock, gatherTime_, [this] { return isHalfFull() || !open_; });
+}
+
+void LogQueue::swapPending(Batch& batch) {
   try {
     batch.records.reserve(capacity_);  // allocates only after a change of the capacity
   } catch (const std::bad_alloc&) {
@@ -81,7 +103,6 @@ bool LogQueue::take(Batch& batch) {
   std::swap(batch, pending_);
   pending_.dropped = 0;
   pendingText_ = 0;
-  return true;
 }
 
 void LogQueue::finish(std::size_t records) {

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <mutex>
 
+#include "logging/FillLevel.h"
 #include "logging/RecordBatch.h"
 
 namespace quordalvane {
@@ -98,12 +99,13 @@ class LogQueue {
 
  private:
   bool isFull() const noexcept;
-  bool isHalfFull() const noexcept { return pending_.records.size() >= capacity_ / 2; }
+  FillLevel::Level level() const noexcept;
+  void swapPending(Batch& batch);
 
   const std::chrono::milliseconds gatherTime_;
+  FillLevel fillLevel_;
 
   mutable std::mutex mutex_;  // guards everything below
-  std::condition_variable filled_;
   std::condition_variable finished_;
   Batch pending_;
   std::size_t pendingText_ = 0;
