@@ -6,7 +6,7 @@ namespace quordalvane {
 
 /// Keeps track of whether a reply of the device may still arrive, so that no reader waits for bytes
 /// that cannot arrive. The writer says for each write whether it may be answered. The number of
-/// answers is unknown, so this class assumes rather too many replies than too few:
+/// replies is unknown, so in doubt this class expects one more:
 ///
 /// - A write that cannot be answered changes nothing.
 /// - After any other write a reply is expected until bytes have arrived after it and all of them
@@ -20,7 +20,7 @@ class ReplyExpectation {
  public:
   bool replyMayCome() const { return pending_; }
 
-  /// Says whether the following writes may be answered. Before the first call they may be.
+  /// Says whether the device may answer the following writes; initially it may.
   void setMayBeAnswered(bool mayBeAnswered) { mayBeAnswered_ = mayBeAnswered; }
   bool mayBeAnswered() const { return mayBeAnswered_; }
 

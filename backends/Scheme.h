@@ -28,7 +28,7 @@ struct OpenCause {
   int code;                 ///< an error code of the system or of `category`
   std::string_view name;    ///< the name of the cause for scripts
   std::string_view text;    ///< the cause, for people
-  std::string_view advice;  ///< what to do next, for people
+  std::string_view advice;  ///< the next step that is advised to people
 
   /// The category of the code; null if it is a code of the system.
   const std::error_category& (*category)() = nullptr;

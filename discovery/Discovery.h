@@ -19,7 +19,8 @@ struct DiscoveryRoots {
 struct Discovery {
   std::vector<FoundDevice> devices;
 
-  /// One line for each kind of device that could not be searched for; it tells a person why.
+  /// One line for each kind of device that could not be searched for. Each line gives the reason,
+  /// for a person.
   std::vector<std::string> unsearched;
 };
 

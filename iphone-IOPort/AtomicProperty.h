@@ -29,7 +29,8 @@ class AtomicProperty {
     std::swap(value_, value);
   }
 
-  /// Changes the value in place; `change` must not touch the property itself.
+  /// Calls `change` with the value, which it may change in place. `change` must not use the
+  /// property itself.
   template <typename Change>
   void update(Change change) {
     const std::lock_guard lock(mutex_);

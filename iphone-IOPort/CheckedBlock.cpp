@@ -131,7 +131,7 @@ bool ExternalAccessoryPort::awaitClearPath(QuorPrinterStatus_2* status, std::int
 }
 
 /// For ESC/POS. Asks for a new status for the caller's record. The block continues even if the
-/// printer gives none.
+/// printer does not give a status.
 bool ExternalAccessoryPort::refreshStatus(QuorPrinterStatus_2* status, std::uint32_t level) {
   constexpr auto selector = beginSelector;
   if (!isConnected()) {

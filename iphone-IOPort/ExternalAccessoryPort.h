@@ -96,11 +96,11 @@ class QUOR_EXPORT ExternalAccessoryPort
 
   /// Searches the accessories that are attached now, and chooses the first that the port name
   /// selects, that is made by "quor dalvane" and that announces `quorProtocol`. Opens a session on
-  /// it and starts to open its streams, without waiting for them. Always pauses 0.1 s. True if the
-  /// session is open; false if nothing matched, the session was refused, or the platform threw
-  /// (which is logged). Never throws. If an earlier session was not closed, it is released. If it
-  /// is called on the main thread, the port thread does the work, unless an earlier `close` has
-  /// ended that thread.
+  /// that accessory and starts to open the streams, without waiting for them. Always pauses 0.1 s.
+  /// Returns true if the session is open. Returns false if no accessory matched, the session was
+  /// refused, or the platform threw an exception, which is logged. Never throws. If an earlier
+  /// session was not closed, it is released. If it is called on the main thread, the port thread
+  /// does the work, unless an earlier `close` has ended that thread.
   bool open();
 
   /// Ends the session: closes the streams and releases the session and the accessory. If it is
@@ -121,8 +121,8 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// Offers `data` to the link; if the link has no space, waits for it once, for at most
   /// `secInterval2` seconds. Returns the number of bytes that the link took. It may be smaller than
   /// the size of `data`, and is 0 if there was no space or `data` is empty. Returns -1 if the link
-  /// is lost or reports an error, or if memory is short; some bytes may have been sent then. Sets
-  /// the process to ignore SIGPIPE.
+  /// is lost or reports an error, or if memory is short; some bytes may have been sent then. Makes
+  /// the process ignore the signal SIGPIPE.
   std::int32_t write(const ByteBuffer& data);
 
   /// Says whether the printer may answer the bytes of a write. After a write with `None`, later
@@ -140,7 +140,7 @@ class QUOR_EXPORT ExternalAccessoryPort
   std::optional<ByteBuffer> read(std::size_t bytesToRead);
 
   /// Works as `read`, but does not wait if every query has been answered, because no byte can
-  /// arrive then. It is meant for dropping what is left of earlier exchanges.
+  /// arrive then. It is meant for dropping bytes that are left over from earlier exchanges.
   std::optional<ByteBuffer> readLeftovers(std::size_t bytesToRead);
 
   /// Sends a whole command. It tries again every 50 ms until all of the command is sent, the link

@@ -4,7 +4,7 @@
 
 namespace quordalvane {
 
-/// The text of the exception that is being handled.
+/// Returns the text of the exception that is being handled.
 std::string thrownText();
 
 /// Runs `work`. If `work` throws, calls `report`, which logs the exception, and returns false.

@@ -9,8 +9,8 @@
 namespace quordalvane {
 namespace {
 
-/// Builds a message. Most messages fit into its buffer; they need one allocation of exactly their
-/// size.
+/// Builds a message. Most messages fit into its buffer and need only one allocation, of exactly
+/// their size.
 class MessageText {
  public:
   void append(std::string_view text) {

@@ -17,7 +17,7 @@ namespace quordalvane {
 
 class LogDelivery;
 
-/// What the logger has counted since the process began.
+/// Numbers that the logger has counted since the process began.
 struct LogStatistics {
   std::uint64_t handedOver;  ///< number of records passed to outputLogAsyncWithLogType
   std::uint64_t dropped;     ///< number of those that were dropped because the queue was full or

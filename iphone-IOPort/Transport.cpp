@@ -37,8 +37,8 @@ bool hasBytesAvailable(const std::shared_ptr<NSInputStream>& stream) {
   return stream != nullptr && stream->hasBytesAvailable();
 }
 
-/// Returns the count that a stream claims to have moved, limited to 0 to `offered`, because a
-/// faulty stream may claim any number.
+/// Returns the count that a stream reports, limited to the range from 0 to `offered`. A faulty
+/// stream may report any number.
 std::uint64_t movedBytes(std::int64_t claimed, std::size_t offered) {
   return claimed < 0 ? 0 : std::min(static_cast<std::uint64_t>(claimed), std::uint64_t{offered});
 }

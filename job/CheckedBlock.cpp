@@ -152,7 +152,7 @@ MaybeSetback CheckedBlock::judgeEnd(ByteView data, const std::string& failure) {
   return judgeProof();
 }
 
-/// Returns why the block did not end; "" if it did.
+/// Ends the block. Returns the reason if the block did not end; "" if it did.
 std::string CheckedBlock::endBlock() {
   const auto limit = std::chrono::milliseconds(link().port().endCheckedBlockTimeoutMillis());
   const auto start = link().now();

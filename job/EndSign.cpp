@@ -11,7 +11,7 @@
 namespace quordalvane {
 namespace {
 
-// While the printer has not finished, its status is asked for once in this time.
+// The interval at which the printer is asked for its status while it has not finished.
 constexpr auto statusPause = std::chrono::seconds(1);
 
 // A limit in whole seconds may be exceeded by less than one second.

@@ -95,7 +95,8 @@ void JobRun::finishCancelled(ByteView data) {
   } catch (const PortLink::TimeUp&) {
   }
   const bool isInCommand = result_.bytesAccepted < end;
-  link_.port().abandonOutput();  // nobody wants to wait for the rest of a cancelled job
+  link_.port()
+      .abandonOutput();  // closes the port without waiting for the rest of the cancelled job
   link_.port().close();
   stop({PrintObstacle::Cancelled,
         isTold        ? "cancelled, and the printer was made to drop the rest"

@@ -9,8 +9,8 @@ namespace quordalvane {
 /// A proof that asks the printer nothing and proves nothing.
 class NoProof final : public Proof {
  public:
-  /// `why` tells a person why there is no proof. The bytes of `dropCommand` must outlive this
-  /// object.
+  /// `why` is the reason, for a person, why there is no proof. The bytes of `dropCommand` must
+  /// outlive this object.
   NoProof(std::string why, ByteView dropCommand, PortLink& link, PrintResult& result);
 
   MaybeSetback begin() override { return std::nullopt; }

@@ -9,7 +9,7 @@
 
 namespace quordalvane {
 
-/// Facts about the printer at a port that earlier jobs have found out. They are kept as long as the
+/// Facts that earlier jobs on a port have found out about its printer. They are kept as long as the
 /// port exists.
 struct PortMemory {
   std::optional<ProofKind>

@@ -62,7 +62,7 @@ struct FixedForm {
   std::size_t length;
 };
 
-// Here and below, a longer prefix precedes a shorter one that it begins with.
+// If a prefix begins with another prefix, it must precede the shorter one, here and below.
 const FixedForm fixedForms[] = {
     {{0x1b, 0x1d, 0x03}, 6}, {{0x1b, 0x23, 0x2a}, 5}, {{0x1b, 0x23, 0x2c}, 6},
     {{0x1b, 0x23}, 3},       {{0x1b, 0x2a, 0x72}, 4},
@@ -200,7 +200,7 @@ bool startsCommand(std::uint8_t byte) {
   return byte == 0x10 || (byte >= 0x1b && byte <= 0x1d);
 }
 
-/// Returns whether `data` begins with `prefix`, or `prefix` with `data` if that is shorter.
+/// Returns whether `data` and `prefix` are equal up to the end of the shorter one.
 bool mayStartWith(ByteView data, std::initializer_list<std::uint8_t> prefix) {
   const auto known = std::min(data.size(), prefix.size());
   return std::equal(prefix.begin(), prefix.begin() + known, data.begin());

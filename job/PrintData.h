@@ -11,8 +11,8 @@
 namespace quordalvane {
 
 /// Returns, in words and with the position, why a checked block cannot confirm the printing of
-/// `data`: a command in the data causes the same answers by which a printer in this emulation
-/// confirms a job, or the data ends inside a command. Returns null if only the block itself can
+/// `data`: a command in the data causes answers like those by which the printer confirms a job in
+/// this emulation, or the data ends inside a command. Returns null if only the block itself can
 /// cause these answers.
 ///
 /// The payload of a command that states its length (an image, a barcode, a stored graphic) is not

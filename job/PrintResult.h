@@ -20,7 +20,7 @@ enum class PrintOutcome {
   Refused,      ///< no byte of the job was sent, so it is safe to send the job again
 };
 
-/// "printed", "unconfirmed", "refused".
+/// "printed", "unconfirmed" or "refused".
 QUOR_EXPORT std::string_view nameOf(PrintOutcome outcome);
 
 /// Why a job was not confirmed as printed. A program may need to distinguish these cases.
@@ -57,11 +57,11 @@ struct PrintResult {
   /// before the data is dropped, because it says nothing about the data.
   std::optional<QuorPrinterStatus_2> status;
 
-  /// Tells a person why the job was not printed: "cover open", "link lost after 1,204 of 3,800
-  /// bytes". "" if it was printed.
+  /// The reason why the job was not printed, for a person: "cover open", "link lost after 1,204 of
+  /// 3,800 bytes". "" if it was printed.
   std::string reason;
 
-  /// Tells a person what to do next. "" if the job was printed.
+  /// Advice on the next step, for a person. "" if the job was printed.
   std::string advice;
 };
 

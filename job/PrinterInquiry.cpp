@@ -121,7 +121,7 @@ class Question final : private TransferObserver {
 
   bool isLost() { return link_.isLost(); }
 
-  /// Reads until the printer is silent after a complete answer, and at most for the time-out.
+  /// Reads until the printer is silent after a complete answer. Stops after the time-out.
   void hearOut() {
     constexpr std::chrono::milliseconds slice(100);  // the duration of a read that receives nothing
     Port& port = link_.port();

@@ -19,7 +19,7 @@ const Attempt& decisive(const std::vector<Attempt>& attempts);
 /// not show whether its process is still running.
 JobState stateOf(const Attempt& attempt);
 
-/// Tells a person why the attempt did not print the job.
+/// Returns, as a text for a person, why the attempt did not print the job.
 std::string reasonOf(const Attempt& attempt);
 
 /// Returns the proof that the attempt used; Auto if it has not chosen one yet, or if its proof was

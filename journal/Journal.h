@@ -36,7 +36,7 @@ struct JobRecord {
   std::optional<std::int64_t>
       ended;  ///< when it ended, in the same unit; null if the end was not recorded
   JobState state = JobState::Refused;
-  std::string reason;  ///< tells a person why it was not printed; "" if it was printed
+  std::string reason;  ///< the reason why it was not printed, for a person; "" if it was printed
 };
 
 /// The result of removing a job from the journal.

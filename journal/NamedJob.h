@@ -51,9 +51,9 @@ struct NamedJobResult {
   std::optional<std::int64_t> told = {};
   /// @}
 
-  /// Tells a person why the outcome could not be recorded; "" if it was recorded. `result` is
-  /// correct in both cases, but the next call with this name will answer that the outcome is
-  /// unknown.
+  /// The reason why the outcome could not be recorded, for a person; "" if it was recorded.
+  /// `result` is correct in both cases, but the next call with this name will answer that the
+  /// outcome is unknown.
   std::string notRecorded = {};
 };
 

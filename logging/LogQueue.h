@@ -26,7 +26,7 @@ class LogQueue {
                                                           ///< has no meaning if none was dropped
   };
 
-  /// What the queue has counted since it was created.
+  /// Numbers that the queue has counted since it was created.
   struct Counts {
     std::uint64_t handedOver =
         0;  ///< number of records pushed, including those pushed while the queue was closed

@@ -20,7 +20,7 @@ std::chrono::system_clock::time_point currentTime() noexcept {
 
 std::int32_t currentThreadId() noexcept {
   thread_local const std::int32_t id =
-      ::gettid();  // asked once: a system call costs as much as a record
+      ::gettid();  // asked only once, because a system call costs as much as a record
   return id;
 }
 

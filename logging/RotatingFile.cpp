@@ -102,7 +102,8 @@ void RotatingFile::writeBuffer() {
 
 /// If `written` ends in the middle of a line, removes this incomplete line from the file.
 void RotatingFile::dropTornLine(std::string_view written) {
-  const std::size_t torn = written.size() - (written.rfind('\n') + 1);  // rfind's "none" is -1
+  const std::size_t torn =
+      written.size() - (written.rfind('\n') + 1);  // without a line feed, rfind returns -1
   if (torn > 0 && isRegular_ && ::ftruncate(descriptor_, static_cast<off_t>(size_ - torn)) == 0) {
     size_ -= torn;
   }

@@ -30,8 +30,8 @@ class QUOR_EXPORT Clock {
   /// at once.
   virtual void usleep(std::uint64_t microseconds) = 0;
 
-  /// Sleeps as a `select` call without descriptors does whose time-out is `microseconds`, which may
-  /// be a million or more. With zero or less it returns at once.
+  /// Sleeps for `microseconds`, which may be a million or more, as a `select` call without
+  /// descriptors does. With zero or less it returns at once.
   virtual void select(std::int32_t microseconds) = 0;
 };
 

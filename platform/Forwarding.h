@@ -14,7 +14,7 @@ namespace quordalvane {
 /// Passes every call on to another clock.
 class ForwardingClock : public Clock {
  public:
-  /// `next` must outlive this.
+  /// `next` must outlive this object.
   explicit ForwardingClock(Clock& next) : next_(next) {}
 
   TimeValue gettimeofday() override { return next_.gettimeofday(); }
@@ -29,7 +29,7 @@ class ForwardingClock : public Clock {
 /// Passes every call on to another run loop.
 class ForwardingRunLoop : public NSRunLoop {
  public:
-  /// `next` must outlive this.
+  /// `next` must outlive this object.
   explicit ForwardingRunLoop(NSRunLoop& next) : next_(next) {}
 
   void runUntilDate(double seconds) override { next_.runUntilDate(seconds); }
@@ -45,7 +45,7 @@ class ForwardingRunLoop : public NSRunLoop {
 template <typename Stream>
 class ForwardingStream : public Stream {
  public:
-  /// `next` is never null, and kept alive.
+  /// `next` must not be null; this object keeps it alive.
   explicit ForwardingStream(std::shared_ptr<Stream> next) : next_(std::move(next)) {}
 
   /// @copydoc quordalvane::NSStream::setDelegate
@@ -107,7 +107,7 @@ class ForwardingOutputStream : public ForwardingStream<NSOutputStream> {
 /// Passes every call on to another session, and returns the streams of that session.
 class ForwardingSession : public EASession {
  public:
-  /// `next` is never null, and kept alive.
+  /// `next` must not be null; this object keeps it alive.
   explicit ForwardingSession(std::shared_ptr<EASession> next) : next_(std::move(next)) {}
 
   std::shared_ptr<NSInputStream> inputStream() override { return next_->inputStream(); }
@@ -121,7 +121,7 @@ class ForwardingSession : public EASession {
 /// Passes every call on to another accessory, and returns the sessions of that accessory.
 class ForwardingAccessory : public EAAccessory {
  public:
-  /// `next` is never null, and kept alive.
+  /// `next` must not be null; this object keeps it alive.
   explicit ForwardingAccessory(std::shared_ptr<EAAccessory> next) : next_(std::move(next)) {}
 
   std::optional<std::string> name() override { return next_->name(); }
@@ -145,7 +145,7 @@ class ForwardingAccessory : public EAAccessory {
 /// Passes every call on to another manager of accessories.
 class ForwardingAccessoryManager : public EAAccessoryManager {
  public:
-  /// `next` must outlive this.
+  /// `next` must outlive this object.
   explicit ForwardingAccessoryManager(EAAccessoryManager& next) : next_(next) {}
 
   std::vector<std::shared_ptr<EAAccessory>> connectedAccessories() override {
@@ -161,7 +161,7 @@ class ForwardingAccessoryManager : public EAAccessoryManager {
 /// Passes every call on to another device.
 class ForwardingDevice : public UIDevice {
  public:
-  /// `next` must outlive this.
+  /// `next` must outlive this object.
   explicit ForwardingDevice(UIDevice& next) : next_(next) {}
 
   std::string systemVersion() override { return next_.systemVersion(); }
@@ -173,7 +173,7 @@ class ForwardingDevice : public UIDevice {
 /// Passes every call on to another thread handle.
 class ForwardingThread : public NSThread {
  public:
-  /// `next` is never null, and kept alive.
+  /// `next` must not be null; this object keeps it alive.
   explicit ForwardingThread(std::shared_ptr<NSThread> next) : next_(std::move(next)) {}
 
   bool start() override { return next_->start(); }
@@ -189,7 +189,7 @@ class ForwardingThread : public NSThread {
 /// Passes every call on to another platform, and returns the parts of that platform.
 class ForwardingPlatform : public Platform {
  public:
-  /// `next` is never null, and kept alive.
+  /// `next` must not be null; this object keeps it alive.
   explicit ForwardingPlatform(std::shared_ptr<Platform> next) : next_(std::move(next)) {}
 
   EAAccessoryManager& sharedAccessoryManager() override { return next_->sharedAccessoryManager(); }

@@ -72,9 +72,9 @@ class QUOR_EXPORT NSOutputStream : public NSStream {
   /// connected. Returns false for a closed stream.
   virtual bool hasSpaceAvailable() = 0;
 
-  /// Says whether the accessory may answer the bytes of the following writes. Before the first call
-  /// it may. A port calls it before each write. Streams that count the expected answers for
-  /// `expectsBytes` use it; other streams do nothing.
+  /// Says whether the accessory may answer the bytes of the following writes; initially it may. A
+  /// port calls it before each write. Streams that count the expected answers for `expectsBytes`
+  /// use it; other streams do nothing.
   virtual void setMayBeAnswered(bool /*mayBeAnswered*/) {}
 
   /// Writes at most `maxLength` bytes. Returns the number of bytes taken, which may be smaller, or

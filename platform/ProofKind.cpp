@@ -6,7 +6,7 @@
 namespace quordalvane {
 namespace {
 
-/// Returns the row in which `member` is `value`; null if there is none.
+/// Returns the row of the table in which `member` is `value`; null if there is no such row.
 template <typename Value>
 const ProofWords* rowWith(Value ProofWords::*member, Value value) {
   const auto* const row = std::ranges::find(proofWords, value, member);

@@ -19,10 +19,11 @@ enum class ProofKind : std::int32_t {
       QUOR_PROOF_BLOCK,  ///< the checked block: the printer counts marks before and after the data
   ProcessId =
       QUOR_PROOF_PROCESS_ID,  ///< the printer sends back four random characters that end the job
-  InOrder = QUOR_PROOF_IN_ORDER,  ///< the printer answers, in order, a query that ends the job
+  InOrder = QUOR_PROOF_IN_ORDER,  ///< the job ends with a query, which the printer answers when it
+                                  ///< reaches it
 };
 
-/// The words for a proof.
+/// The name and the description of a proof.
 struct ProofWords {
   ProofKind kind;         ///< the proof
   std::string_view name;  ///< its name, as people and programs write it
@@ -30,7 +31,7 @@ struct ProofWords {
       about;  ///< how the printer proves a job: "it counts marks before and after each job"
 };
 
-/// The words for every proof. The order is `Auto`, then the proofs that a printer can give, the
+/// A table of all proofs. The order is `Auto`, then the proofs that a printer can give, the
 /// strongest first, then `None`.
 inline constexpr ProofWords proofWords[] = {
     {ProofKind::Auto, "auto", "it is asked for its proof"},

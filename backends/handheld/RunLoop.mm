@@ -34,7 +34,7 @@ class HandheldRunLoop final : public NSRunLoop {
 }  // namespace
 
 NSRunLoop& currentRunLoop() {
-  // Never destroyed: threads may still run it while the process ends.
+  // The loop is never destroyed, because threads may still run it while the process ends.
   static auto* const loop = new HandheldRunLoop;
   return *loop;
 }

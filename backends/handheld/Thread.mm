@@ -7,7 +7,7 @@
 
 namespace {
 
-/// The state of a thread, which its handle and the thread itself share.
+/// The state of a thread. The thread and its handle share it.
 class Life {
  public:
   enum class Stage { NotStarted, Turning, Ended };
@@ -34,7 +34,7 @@ class Life {
   Stage stage_ = Stage::NotStarted;  // guarded by mutex_
 };
 
-/// The body of a thread, and the state that it reports.
+/// The body of a thread, and the state that the thread reports.
 struct Body {
   quordalvane::handheld::Routine routine;
   std::shared_ptr<Life> life;
@@ -115,7 +115,8 @@ class HandheldThread final : public NSThread {
 
   bool performAndWait(std::function<void()> routine) override {
     Routine carried(std::move(routine));
-    const Retained<::NSThread> thread(thread_.get());  // the routine may release this handle
+    const Retained<::NSThread> thread(thread_.get());  // keeps the thread's object alive, because
+                                                       // the routine may release this handle
     if (thread.get() != nil && [thread.get() isEqual:[::NSThread currentThread]]) {
       carried.run();
     } else if (life_->isTurning()) {

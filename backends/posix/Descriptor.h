@@ -13,7 +13,7 @@ namespace quordalvane::posix {
 /// so any thread may call it, except that a move must be the only call.
 class Descriptor {
  public:
-  /// The kind of file.
+  /// The kind of connection.
   enum class Kind {
     Socket,     ///< can be shut down; the system can wait for its input
     Bluetooth,  ///< a socket whose two directions end together

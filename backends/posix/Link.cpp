@@ -207,7 +207,7 @@ void Link::look() {
   receive();
 }
 
-// Fills the empty buffer with the bytes that have arrived.
+// Reads the bytes that have arrived into the empty buffer.
 void Link::receive() {
   const std::ptrdiff_t count = descriptor_->receive(ahead_.data(), ahead_.size());
   noteReceived(count, errno);

@@ -71,8 +71,8 @@ class Link {
   /// is lost.
   bool hasSpace();
 
-  /// Says whether the other side may answer the bytes that are written from now on. Before the
-  /// first call it may.
+  /// Says whether the other side may answer the bytes that are written from now on; initially it
+  /// may.
   void setMayBeAnswered(bool mayBeAnswered);
 
   /// Writes at most `length` bytes. Returns the number of bytes taken, 0 if there is no space, and

@@ -115,7 +115,7 @@ void ThreadRunLoop::runCarried(std::unique_lock<std::mutex>& lock) {
 }
 
 NSRunLoop& currentRunLoop() {
-  // Never destroyed: threads may still run it while the process ends.
+  // The loop is never destroyed, because threads may still run it while the process ends.
   static auto* const plain = new PlainRunLoop;
   return attached != nullptr ? static_cast<NSRunLoop&>(*attached) : *plain;
 }

@@ -43,8 +43,7 @@ class VirtualLink {
   /// Returns false if no reply can arrive.
   bool expectsBytes();
 
-  /// Says whether the printer may answer the bytes that are written from now on. Before the first
-  /// call it may.
+  /// Says whether the printer may answer the bytes that are written from now on; initially it may.
   void setMayBeAnswered(bool mayBeAnswered);
   std::int64_t write(std::span<const std::uint8_t> bytes);
   std::int64_t read(std::span<std::uint8_t> bytes);
@@ -52,7 +51,8 @@ class VirtualLink {
   /// Ends the connection. After it there are no bytes to read and no space to write.
   void close();
 
-  /// Wait for at most `seconds` until there are bytes or space, or the link is lost.
+  /// Wait until there are bytes to read or space to write, the link is lost, or `seconds` have
+  /// passed.
   void waitForBytes(double seconds);
   void waitForSpace(double seconds);
 

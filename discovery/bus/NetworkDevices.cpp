@@ -22,13 +22,14 @@ using Texts = std::vector<std::vector<std::uint8_t>>;
 constexpr auto serviceName = "org.freedesktop.Avahi";
 constexpr auto serverInterface = "org.freedesktop.Avahi.Server";
 
-// The raw port: every other way to print needs a language that these printers do not speak.
+// Only printers with a raw port are found, because every other protocol needs a page language that
+// receipt printers do not speak.
 constexpr auto rawPort = "_pdl-datastream._tcp";
 
 constexpr std::int32_t any = -1;  // interface or protocol
 constexpr std::uint32_t noFlags = 0;
 
-// More than a shop has: a flood of announcements is cut off here.
+// No shop has so many printers. The limit protects against a flood of announcements.
 constexpr std::size_t mostAnnouncements = 100;
 
 /// An announcement, as the service reports it.
@@ -40,7 +41,8 @@ struct Announcement {
   std::string domain;
 };
 
-// The value of "key=value" among the texts that a printer announces; "" if it is not there.
+// Returns the value of `key` from the "key=value" texts that a printer announces; "" if the key is
+// missing.
 std::string valueOf(const Texts& texts, std::string_view key) {
   for (const auto& bytes : texts) {
     const std::string text(bytes.begin(), bytes.end());
@@ -52,11 +54,12 @@ std::string valueOf(const Texts& texts, std::string_view key) {
 }
 
 bool isAddress(int family, const std::string& text) {
-  in6_addr address{};  // the larger of the two
+  in6_addr address{};  // large enough for both kinds of addresses
   return ::inet_pton(family, text.c_str(), &address) == 1;
 }
 
-// The place of `tcp:`; "" if the address is not valid. A link-local one needs its interface.
+// Returns the place for a `tcp:` device text; "" if the address is invalid. A link-local address
+// needs its interface.
 std::string placeOf(const std::string& address, std::uint16_t port, std::int32_t interface) {
   const std::string end = ":" + std::to_string(port);
   if (isAddress(AF_INET, address)) {
@@ -71,14 +74,15 @@ std::string placeOf(const std::string& address, std::uint16_t port, std::int32_t
   return "[" + address + (isOfLink ? "%" + std::string(name) : "") + "]" + end;
 }
 
-/// Hears announcements and asks for the address of each.
+/// Receives announcements and asks for the address of each.
 class Search {
  public:
   Search(Bus& bus, SteadyTime deadline)
       : bus_(bus),
         server_(sdbus::createProxy(bus.connection(), bluez::ServiceName(serviceName),
                                    sdbus::ObjectPath("/"))),
-        // The first announcements arrive before the answer that names their browser.
+        // The match is added first, because announcements may arrive before the answer to
+        // ServiceBrowserNew.
         match_(bluez::addMatch(
             bus.connection(),
             "type='signal',interface='org.freedesktop.Avahi.ServiceBrowser',member='ItemNew'",
@@ -122,8 +126,8 @@ class Search {
         });
   }
 
-  // A printer is announced on each interface and for each kind of address. The shortest address is
-  // taken.
+  // Notes a printer. It is announced once for each interface and kind of address; the shortest
+  // address is kept.
   void note(const std::string& name, const std::string& place, const Texts& texts) {
     if (place.empty() || place.ends_with(":0")) {
       return;

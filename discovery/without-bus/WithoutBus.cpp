@@ -1,4 +1,4 @@
-// Takes the place of the searches over D-Bus if its library is missing.
+// Replaces the searches over D-Bus in builds without the D-Bus library.
 #include <stdexcept>
 
 #include "discovery/BluetoothDevices.h"

@@ -62,7 +62,7 @@ typedef struct QuorJobRecord {
   int64_t begun;      /**< when the latest attempt began, in milliseconds since 1970, UTC */
   int64_t ended;      /**< when it ended, in the same unit; -1 if the end was not recorded */
   int32_t state;      /**< one of the states above */
-  const char* reason; /**< tells a person why it was not printed; "" if it was printed */
+  const char* reason; /**< the reason why it was not printed, for a person; "" if it was printed */
 } QuorJobRecord;
 
 /** Receives one job. `context` is the pointer that was passed to quor_journal_jobs. */
@@ -86,7 +86,7 @@ QUOR_EXPORT QuorCode quor_journal_forget_older_than(QuorJournal* journal, uint32
 
 /* ---- Named job ------------------------------------------------------------------------------- */
 
-/** Called once, on the calling thread, if a call has to wait for another process. */
+/** Called once, on the calling thread, if the called function has to wait for another process. */
 typedef void (*QuorWaiting)(void* context);
 
 /** The name of a job, and how to run it. */

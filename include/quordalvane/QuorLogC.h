@@ -81,7 +81,7 @@ QUOR_EXPORT QuorCode quor_log_flush(uint32_t timeout);
  * dropped and counted. Returns QUOR_USAGE if `records` is 0 or more than 1048576. */
 QUOR_EXPORT QuorCode quor_log_set_queue_capacity(size_t records);
 
-/** What the logger has counted since the process began. */
+/** Numbers that the logger has counted since the process began. */
 typedef struct QuorLogStatistics {
   uint64_t handed_over; /**< number of records passed to the logger */
   uint64_t dropped; /**< number of those that were dropped because the queue was full or memory was

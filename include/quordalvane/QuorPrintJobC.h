@@ -12,7 +12,7 @@
 extern "C" {
 #endif
 
-/* ---- Questions with judged answers ----------------------------------------------------------- */
+/* ---- Queries with checked answers ------------------------------------------------------------ */
 
 /** Functions that query a printer over an open port and check its answers. The port's own queries,
  * in QuorPortC.h, do not: they may take the rest of an earlier answer, or bytes of another kind of
@@ -77,7 +77,8 @@ enum {
   QUOR_OBSTACLE_PRINTER_NOT_READY = 1, /**< the printer is off line, or paper is in its exit */
   QUOR_OBSTACLE_LINK_LOST = 2,         /**< the link was lost before the job ended */
   QUOR_OBSTACLE_CANCELLED = 3,         /**< quor_print_job_cancel was called */
-  QUOR_OBSTACLE_EXCHANGE_FAILED = 4,   /**< no answer, no space for too long, or a failed write */
+  QUOR_OBSTACLE_EXCHANGE_FAILED =
+      4, /**< the printer did not answer, the link had no space for too long, or a write failed */
   QUOR_OBSTACLE_NO_PROOF =
       5 /**< all data was sent, but its confirmation is missing or could belong to another job */
 };
@@ -137,8 +138,8 @@ QUOR_EXPORT uint64_t quor_print_job_bytes_accepted(QuorPrintJob* job);
  * was sent, a status from before the data is dropped. */
 QUOR_EXPORT QuorCode quor_print_job_status(QuorPrintJob* job, QuorPrinterStatus_2* status);
 
-/** Copy a text for a person: why the job was not printed, and what to do next. Both are "" if the
- * job was printed.
+/** Copy two texts for a person: the reason why the job was not printed, and advice on the next
+ * step. Both are "" if the job was printed.
  * @{ */
 QUOR_EXPORT QuorCode quor_print_job_reason(QuorPrintJob* job, char* text, size_t capacity,
                                            size_t* length);
