@@ -44,7 +44,7 @@ LOGO = """
 
 def raster(picture: str, scale: int) -> bytes:
     """Converts the picture, with one dot a character, to a raster command. Each dot is enlarged to `scale` by `scale`
-    dots; the width must become a multiple of 8.
+    dots. The enlarged width must be a multiple of 8.
     """
     rows = picture.split()
     width, height = len(rows[0]) * scale // 8, len(rows) * scale

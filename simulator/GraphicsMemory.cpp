@@ -16,8 +16,8 @@ unsigned word(ByteView bytes, std::size_t at) {
   return bytes[at] + 256U * bytes[at + 1];
 }
 
-// An image has a key: one of these, which names its memory, plus the two bytes or the number by
-// which a job names the image there.
+// The key of an image is one of these numbers, which stands for the image's memory, plus the two
+// bytes or the number by which jobs name the image there.
 constexpr unsigned keptMemory = 1U << 16U;       // for graphics; survives an initialisation
 constexpr unsigned downloadMemory = 2U << 16U;   // for graphics
 constexpr unsigned numberedMemory = 3U << 16U;   // for 1c 71; survives an initialisation

@@ -34,9 +34,9 @@ void LineBuilder::add(std::u32string_view text, const TextStyle& style, Paper& p
   }
 }
 
-// True if the line has enough pieces. Side by side, a line has at most as many pieces as dots. All
-// further pieces are printed over others. A job could add such layers for ever, but after some of
-// them no change is visible.
+// True if no more pieces are useful. Side by side, a line has at most as many pieces as dots; all
+// others are printed over them. A job could add such layers for ever, but after some of them no
+// change is visible.
 bool LineBuilder::isFull() const {
   constexpr std::size_t mostLayers = 8;
   return line_.items.size() >= mostLayers * paperWidth_;

@@ -12,7 +12,7 @@ struct Size {
   std::uint8_t columns;
 };
 
-// The sizes of DataMatrix in the order of their numbers, from 1.
+// The sizes of DataMatrix codes; the first has the number 1.
 constexpr Size dataMatrixSizes[] = {
     {10, 10}, {12, 12}, {14, 14}, {16, 16}, {18, 18},   {20, 20},   {22, 22},   {24, 24},
     {26, 26}, {32, 32}, {36, 36}, {40, 40}, {44, 44},   {48, 48},   {52, 52},   {64, 64},

@@ -104,7 +104,8 @@ class TextPage {
   std::string takeText() { return std::move(text_); }
 
  private:
-  // The lines of an image that arrived in stripes: they are described together as one image.
+  // Joins the lines of an image that consists of many stripes, so that it is described as one
+  // image.
   struct Stripes {
     unsigned width = 0;
     unsigned height = 0;

@@ -25,9 +25,9 @@ std::int64_t millisSinceBoot() {
   return std::int64_t{now.tv_sec} * millisInSecond + now.tv_nsec / 1'000'000;
 }
 
-// Reads the 22nd field, in clock ticks since the machine was started. The second field is the
-// program's name in parentheses; it may contain blanks and parentheses, so the search begins at the
-// last one.
+// Reads the start time from the 22nd field of the process's stat file, in clock ticks since the
+// machine was started. The second field is the program's name in parentheses. As it may contain
+// blanks and parentheses, the search begins at the last parenthesis.
 std::optional<std::int64_t> startInTicks(int process) {
   std::ifstream file("/proc/" + std::to_string(process) + "/stat");
   std::string text;

@@ -150,7 +150,7 @@ std::optional<Receipt> receiptFor(const Options& options, const InterruptiblePla
                 : std::nullopt;
 }
 
-// A printed job counts as printed, although the command has not done its whole task.
+// Adds the failure to the report. The job still counts as printed, but the exit status is not 0.
 void noteMissingReceipt(Report& report, const std::string& why) {
   if (report.code == ExitCode::Done) {
     report.code = ExitCode::ExchangeFailed;

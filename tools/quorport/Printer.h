@@ -64,8 +64,8 @@ class Printer {
   /// The failure to report if a question got no answer.
   CommandFailure failure(const InquiryError& error);
 
-  /// A text to be appended to an error, with the printer's state in the port's last status: "; its
-  /// port reports: paper out". "" if that status shows no fault.
+  /// A text to append to an error message: the faults in the port's last status, like "; its port
+  /// reports: paper out". "" if that status shows no fault.
   std::string portReport() const;
 
  private:

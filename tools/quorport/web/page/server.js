@@ -9,7 +9,7 @@ export async function forms() {
   return answer.json();
 }
 
-/** The receipts before the one of this number, the newest first. */
+/** The receipts that are older than the receipt `id`, the newest first. */
 export async function receiptsBefore(id) {
   const answer = await fetch(`api/receipts?before=${id}`);
   return (await answer.json()).receipts;
