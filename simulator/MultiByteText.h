@@ -19,8 +19,8 @@ class MultiByteText {
   /// True if a multi-byte character can begin with this byte.
   bool begins(std::uint8_t byte) const;
 
-  /// How many bytes the character has that begins with `bytes`: at least one; 0 if there is no such
-  /// character.
+  /// The length in bytes of the character at the start of `bytes`, at least one; 0 if there is no
+  /// such character.
   std::size_t lengthOf(ByteView bytes) const;
 
   /// The character that `bytes` encode; `noCharacter` if there is none.

@@ -26,8 +26,8 @@ struct KanjiStyle {
 /// stream.
 ///
 /// One command is ambiguous: 1b 64 n (hex) feeds n lines in ESC/POS; in line mode, if n is 0 to 3,
-/// it cuts. It is read as a feed after the job has used a command that only ESC/POS has, and as a
-/// cut before that. A job ends at an ETB.
+/// it cuts. The command is a feed if the job has already used a command that only ESC/POS has;
+/// otherwise it is a cut. A job ends at an ETB.
 class Typesetter {
  public:
   explicit Typesetter(unsigned paperWidth);

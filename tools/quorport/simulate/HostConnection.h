@@ -39,8 +39,8 @@ class HostConnection {
   /// Releases the line of an idle connection, which must not be used afterwards.
   std::unique_ptr<Line> release() { return std::move(line_); }
 
-  /// Reads from the line, up to a limit, even if the printer has no space, until the printer has
-  /// taken all of it. Otherwise unread bytes would hide that the host has left.
+  /// From now on, reads from the line, up to a limit, even if the printer has no space. Ends when
+  /// the printer has taken all of it. Otherwise unread bytes would hide that the host has left.
   void readAhead() { readsAhead_ = true; }
   bool readsAhead() const { return readsAhead_; }
 
