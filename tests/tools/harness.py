@@ -197,6 +197,10 @@ class Simulator(Running):
         word, self.place = self.line().split(" ", 1)
         assert word == "listening", word
 
+    def kill(self):
+        super().kill()
+        self.err.close()
+
     def next_place(self) -> str:
         """The place of a terminal after it was dropped."""
         said = re.compile(rb"^listening (.*)\n", re.MULTILINE)

@@ -4,6 +4,7 @@ import contextlib
 import random
 import socket
 import time
+from pathlib import Path
 
 from browser import BrowserCase
 from harness import eventually, main, run
@@ -82,7 +83,7 @@ class Strangers(BrowserCase):
             self.assertEqual(headers["Cross-Origin-Resource-Policy"], "same-origin")
 
     def test_other_machines_do_not_reach_it_by_default(self):
-        inode_lines = [line.split() for line in open("/proc/net/tcp").read().splitlines()[1:]]
+        inode_lines = [line.split() for line in Path("/proc/net/tcp").read_text().splitlines()[1:]]
         places = [fields[1] for fields in inode_lines if int(fields[1].split(":")[1], 16) == self.browser.port and fields[3] == "0A"]
         self.assertEqual(places, [f"0100007F:{self.browser.port:04X}"])
 
@@ -236,7 +237,7 @@ class Crowd(BrowserCase):
 class Memory(BrowserCase):
     def resident(self, simulator) -> int:
         """MiB of memory that the process holds."""
-        for line in open(f"/proc/{simulator.process.pid}/status"):
+        for line in Path(f"/proc/{simulator.process.pid}/status").read_text().splitlines():
             if line.startswith("VmRSS:"):
                 return int(line.split()[1]) // 1024
         raise AssertionError("no such line")

@@ -5,7 +5,7 @@ import json
 import struct
 
 from browser import BrowserCase
-from harness import STATUS_REQUEST, eventually, main, receive, run, start
+from harness import STATUS_REQUEST, Running, eventually, main, receive, run
 
 CUT = b"\x1d\x56\x00"
 
@@ -22,10 +22,9 @@ def print_job(simulator, data: bytes):
 
 class Address(BrowserCase):
     def test_is_in_the_first_object_of_json(self):
-        process = start("--json", "simulate", "--listen", "tcp:0", "--web", "0", stdin=-1)
-        self.addCleanup(process.wait)
-        self.addCleanup(process.terminate)
-        first = json.loads(process.stdout.readline())
+        shop = Running("--json", "simulate", "--listen", "tcp:0", "--web", "0")
+        self.addCleanup(shop.kill)
+        first = json.loads(shop.line())
         self.assertRegex(first["web"], r"^http://127\.0\.0\.1:\d+/[0-9a-f]{32}/$")
 
     def test_is_different_each_time(self):
