@@ -5,13 +5,13 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <charconv>
 #include <list>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
 
 #include "tools/http/Connections.h"
+#include "tools/http/Number.h"
 
 namespace quordalvane::http {
 namespace {
@@ -47,14 +47,6 @@ using Response = std::unique_ptr<MHD_Response, ResponseDeleter>;
 std::string headerOf(MHD_Connection* connection, const char* name) {
   const char* const value = MHD_lookup_connection_value(connection, MHD_HEADER_KIND, name);
   return value == nullptr ? "" : value;
-}
-
-std::optional<std::uint64_t> numberIn(const std::string& text) {
-  std::uint64_t number = 0;
-  const char* const end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, number);
-  return !text.empty() && error == std::errc() && stop == end ? std::optional(number)
-                                                              : std::nullopt;
 }
 
 MHD_Result keepArgument(void* query, MHD_ValueKind, const char* name, const char* value) {

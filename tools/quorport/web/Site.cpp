@@ -1,10 +1,10 @@
 #include "tools/quorport/web/Site.h"
 
 #include <algorithm>
-#include <charconv>
 #include <nlohmann/json.hpp>
 #include <utility>
 
+#include "tools/http/Number.h"
 #include "tools/quorport/web/Forms.h"
 #include "tools/quorport/web/PageFiles.h"
 
@@ -12,19 +12,12 @@ namespace quordalvane::tool {
 namespace {
 
 using http::Answer;
+using http::numberIn;
 
 constexpr auto receiptFolder = "receipts/";
 constexpr auto pageFolder = "page/";
 constexpr auto printerFolder = "api/printers/";
 constexpr auto controlName = "/control";
-
-std::optional<std::uint64_t> numberIn(std::string_view text) {
-  std::uint64_t number = 0;
-  const char* const end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, number);
-  return !text.empty() && error == std::errc() && stop == end ? std::optional(number)
-                                                              : std::nullopt;
-}
 
 std::optional<std::uint64_t> numberOf(const http::Request& request, const std::string& key) {
   const auto found = request.query.find(key);
