@@ -1,5 +1,6 @@
 #include "tools/http/Connections.h"
 
+#include <poll.h>
 #include <sys/socket.h>
 
 #include <algorithm>
@@ -28,6 +29,11 @@ void Connections::remove(const Connection& connection) {
 void Connections::enter(Connection& connection, Connection::Phase phase, Time now) {
   connection.phase = phase;
   connection.since = now;
+}
+
+bool Connections::hasLeft(const Connection& connection) {
+  pollfd asked{.fd = connection.descriptor, .events = POLLRDHUP, .revents = 0};
+  return ::poll(&asked, 1, 0) > 0;
 }
 
 // The library notices that the connection has ended, and closes it.

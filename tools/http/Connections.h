@@ -27,6 +27,9 @@ class Connections {
   /// Notes that the connection begins another phase now.
   static void enter(Connection& connection, Connection::Phase phase, Time now);
 
+  /// Whether the client has closed its side.
+  static bool hasLeft(const Connection& connection);
+
   /// Cuts off one connection, or all that have taken too long.
   static void cutOff(Connection& connection);
   void cutOffTheSlow(Time now);

@@ -175,6 +175,8 @@ class Server::Machine {
     return static_cast<Connection*>(info->socket_context);
   }
 
+  static bool isCutOff(const Reader& reader) { return connectionOf(reader.connection)->isCutOff; }
+
   static void onConnection(void* machine, MHD_Connection* connection, void** context,
                            MHD_ConnectionNotificationCode code) {
     auto& self = *static_cast<Machine*>(machine);
@@ -250,7 +252,7 @@ class Server::Machine {
   }
 
   MHD_Result send(MHD_Connection* connection, const Answer& answer) {
-    if (answer.events && readers_.size() >= mostReaders) {
+    if (answer.events && !hasRoomForReader()) {
       return send(connection, refusal(503, "too many pages are open; close one, or try again"));
     }
     const Response response =
@@ -276,7 +278,7 @@ class Server::Machine {
     if (reader.machine.ends_) {
       return MHD_CONTENT_READER_END_OF_STREAM;
     }
-    if (reader.events.isLost()) {
+    if (reader.events.isLost() || isCutOff(reader)) {
       return MHD_CONTENT_READER_END_WITH_ERROR;
     }
     const std::size_t count = reader.events.read(out, room);
@@ -294,23 +296,32 @@ class Server::Machine {
 
   void wakeReaders() {
     for (Reader& reader : readers_) {
-      if (reader.isSuspended && (ends_ || reader.events.hasMore())) {
+      if (reader.isSuspended && (ends_ || reader.events.hasMore() || isCutOff(reader))) {
         reader.isSuspended = false;
         MHD_resume_connection(reader.connection);
       }
     }
   }
 
-  // The library no longer asks for a reader's next bytes once that reader stops taking them.
+  // The library no longer asks for a reader's next bytes once that reader stops taking them, or has
+  // none to take.
   void cutOffLostReaders() {
     for (const Reader& reader : readers_) {
-      if (reader.events.isLost()) {
-        Connections::cutOff(*connectionOf(reader.connection));
+      Connection& its = *connectionOf(reader.connection);
+      if (!its.isCutOff && (reader.events.isLost() || Connections::hasLeft(its))) {
+        Connections::cutOff(its);
       }
     }
   }
 
-  // Only a write shows that a client has left.
+  // Readers that have left make room at once.
+  bool hasRoomForReader() {
+    cutOffLostReaders();
+    const auto left = std::count_if(readers_.begin(), readers_.end(), isCutOff);
+    return readers_.size() - static_cast<std::size_t>(left) < mostReaders;
+  }
+
+  // Only a write shows that a client has vanished without closing its connection.
   void keepReadersAlive() {
     if (now_ - beatenAt_ < heartbeat) {
       return;
