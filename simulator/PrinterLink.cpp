@@ -13,13 +13,6 @@ constexpr std::size_t mostWaiting = std::size_t{64} * 1024;
 // matter.
 constexpr std::size_t commandModeSpace = 256;
 
-std::optional<Instant> earlier(std::optional<Instant> a, std::optional<Instant> b) {
-  if (a && b) {
-    return std::min(*a, *b);
-  }
-  return a ? a : b;
-}
-
 }  // namespace
 
 PrinterLink::PrinterLink(VirtualPrinter& printer, Instant now, const Faults& faults)

@@ -20,14 +20,11 @@ VirtualPrinter::VirtualPrinter(PrinterState state)
 }
 
 bool VirtualPrinter::setFlag(std::string_view name, bool value, Instant now) {
-  const auto flag = flagNamed(name);
-  if (!flag) {
-    return false;
+  const bool isThere = flagNamed(name).has_value();
+  if (isThere) {
+    set(name, value ? "true" : "false", now);
   }
-  advance(now);
-  state_.setFlag(*flag, value);
-  followState(now);
-  return true;
+  return isThere;
 }
 
 void VirtualPrinter::set(std::string_view key, std::string_view value, Instant now) {
@@ -73,12 +70,12 @@ void VirtualPrinter::receive(ByteView bytes, Instant now, bool vanish) {
     if (actsOnReception(command)) {
       obey(command, piece, now);
     } else if (dropping_) {
-      setAside(piece.size());
+      asides_.add(queuedEver_, piece.size());
     } else {
       hold(command, piece, now);
     }
   });
-  setAside(unseen - reception_.undecided());
+  asides_.add(queuedEver_, unseen - reception_.undecided());
   printUntil(now);
 }
 
@@ -86,29 +83,11 @@ void VirtualPrinter::obey(MachineCommand command, ByteView bytes, Instant now) {
   // If the speed is unlimited, the earlier bytes of the same packet are printed before this command
   // acts.
   printUntil(now);
-  setAside(bytes.size());
+  asides_.add(queuedEver_, bytes.size());
   show(Deed::Kind::Command, bytes);
   question_.assign(bytes.begin(), bytes.end());
   act(command, bytes, now);
   question_.clear();
-}
-
-// Counts bytes that are not queued, so that the positions of later bytes in the job are correct.
-void VirtualPrinter::setAside(std::size_t count) {
-  if (count == 0) {
-    return;
-  }
-  if (asides_.empty() || asides_.back().before != queuedEver_) {
-    asides_.push_back({queuedEver_, 0});
-  }
-  asides_.back().bytes += count;
-}
-
-void VirtualPrinter::passAsides() {
-  while (!asides_.empty() && asides_.front().before <= takenEver_) {
-    asidesPassed_ += asides_.front().bytes;
-    asides_.pop_front();
-  }
 }
 
 // To be called before the paper, with its record, is passed on.
@@ -205,7 +184,7 @@ void VirtualPrinter::hold(MachineCommand command, ByteView bytes, Instant now) {
 void VirtualPrinter::printUntil(Instant now) {
   while (const auto taken = queue_.take(now)) {
     const bool isOfAMark = !marks_.empty() && marks_.front().begin <= takenEver_;
-    passAsides();
+    asides_.pass(takenEver_);
     ++takenEver_;
     if (!isOfAMark) {
       print(taken->byte);
@@ -215,7 +194,7 @@ void VirtualPrinter::printUntil(Instant now) {
 }
 
 void VirtualPrinter::print(std::uint8_t byte) {
-  if (printing_.pass(byte, takenEver_ - 1 + asidesPassed_ - jobBegin_)) {
+  if (printing_.pass(byte, takenEver_ - 1 + asides_.passed() - jobBegin_)) {
     show(Deed::Kind::Command, printing_.command());
   }
   ++printedBytes_;
@@ -230,7 +209,7 @@ void VirtualPrinter::print(std::uint8_t byte) {
 }
 
 void VirtualPrinter::tearOffHeavyPaper() {
-  recordReceived(takenEver_ + asidesPassed_);
+  recordReceived(takenEver_ + asides_.passed());
   Paper paper = printing_.tearOffFinishedLines();
   paper.setGoesOn();
   if (keepJob_) {
@@ -299,7 +278,7 @@ void VirtualPrinter::dropHeld() {
       std::any_of(marks_.begin(), marks_.end(), [](const Mark& mark) { return !mark.command; });
   queue_.clear();
   takenEver_ = queuedEver_;
-  passAsides();
+  asides_.pass(takenEver_);
   marks_.clear();
   printing_.leaveUnfinishedCommand();
   printing_.endLine();
@@ -310,7 +289,7 @@ void VirtualPrinter::dropHeld() {
 
 Paper VirtualPrinter::tearOff() {
   printed_.clear();
-  jobBegin_ = takenEver_ + asidesPassed_;
+  jobBegin_ = takenEver_ + asides_.passed();
   recordReceived(jobBegin_);
   return printing_.tearOff();
 }
@@ -323,14 +302,23 @@ std::optional<Instant> VirtualPrinter::dataTimeoutDue() const {
 }
 
 std::size_t VirtualPrinter::space() const {
-  const std::size_t free = state_.bufferSize() - std::min(state_.bufferSize(), buffered());
+  const std::size_t free = freeBytes();
   return free < readyAgain() ? 0 : free;
+}
+
+std::size_t VirtualPrinter::freeBytes() const {
+  return state_.bufferSize() - std::min(state_.bufferSize(), buffered());
 }
 
 // A nearly full printer accepts nothing until it has room for a whole command: if it accepted
 // single bytes, its sender would split a command.
 std::size_t VirtualPrinter::readyAgain() const {
   return std::clamp<std::size_t>(state_.bufferSize() / 4, 1, 64);
+}
+
+// How many bytes it must print until so many are free, which is more than there are now.
+std::size_t VirtualPrinter::untilFree(std::size_t bytes) const {
+  return buffered() + bytes - state_.bufferSize();
 }
 
 std::optional<Instant> VirtualPrinter::nextEvent() const {
@@ -341,15 +329,11 @@ std::optional<Instant> VirtualPrinter::nextEvent() const {
       count = marks_.front().end - takenEver_;
     }
     if (space() == 0) {
-      count = std::min(count, buffered() + readyAgain() - state_.bufferSize());
+      count = std::min(count, untilFree(readyAgain()));
     }
     printed = queue_.doneWith(count);
   }
-  const auto timeout = dataTimeoutDue();
-  if (printed && timeout) {
-    return std::min(*printed, *timeout);
-  }
-  return printed ? printed : timeout;
+  return earlier(printed, dataTimeoutDue());
 }
 
 std::uint64_t VirtualPrinter::connect(Sink sink) {
@@ -367,7 +351,7 @@ void VirtualPrinter::disconnect(std::uint64_t connection) {
 void VirtualPrinter::endConnection() {
   sink_ = nullptr;
   reported_.reset();
-  setAside(reception_.undecided());
+  asides_.add(queuedEver_, reception_.undecided());
   reception_.restart();
   const bool bringsNothing = !marks_.empty() && marks_.back().begin == queuedEver_;
   if (!bringsNothing) {

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <utility>
 
+#include "simulator/Asides.h"
 #include "simulator/Bytes.h"
 #include "simulator/Instant.h"
 #include "simulator/JobBytes.h"
@@ -122,13 +123,9 @@ class VirtualPrinter {
     std::uint64_t received = 0;  // the count of all bytes received by then
   };
 
-  /// Bytes that acted at once. They were received before the queued byte with the number `before`.
-  struct Aside {
-    std::uint64_t before;
-    std::uint64_t bytes;
-  };
-
+  std::size_t freeBytes() const;
   std::size_t readyAgain() const;
+  std::size_t untilFree(std::size_t bytes) const;
   void obey(MachineCommand command, ByteView bytes, Instant now);
   void act(MachineCommand command, ByteView bytes, Instant now);
   void answer(MachineCommand command, ByteView bytes, Instant now);
@@ -143,8 +140,6 @@ class VirtualPrinter {
   void reportChange(Instant now);
   void dropHeld();
   void endJob(std::uint64_t received);
-  void setAside(std::size_t count);
-  void passAsides();
   void recordReceived(std::uint64_t position);
   void show(Deed::Kind kind, ByteView bytes, ReplyKind reply = ReplyKind::Other) const;
   void tearOffHeavyPaper();
@@ -160,8 +155,7 @@ class VirtualPrinter {
   std::uint64_t takenEver_ = 0;  // how many queued bytes were printed or dropped
   std::uint64_t receivedEver_ = 0;
   std::uint64_t jobBegin_ = 0;  // how many bytes were received before the current job
-  std::deque<Aside> asides_;    // those that printing has not reached yet
-  std::uint64_t asidesPassed_ = 0;
+  Asides asides_;
   Bytes question_;          // the command that is being answered
   std::deque<Mark> marks_;  // sorted by position
   std::uint64_t printedBytes_ = 0;

@@ -12,6 +12,7 @@ namespace quordalvane::tool {
 namespace {
 
 using namespace std::chrono_literals;
+using simulator::earlier;
 using simulator::Instant;
 
 // How long the server waits until the answer to `quit` has been written.
@@ -27,10 +28,6 @@ timespec timeFrom(Instant now, Instant until) {
   const Instant left = std::max(until - now, Instant::zero());
   const auto whole = std::chrono::floor<std::chrono::seconds>(left);
   return {.tv_sec = whole.count(), .tv_nsec = (left - whole).count()};
-}
-
-std::optional<Instant> earlier(std::optional<Instant> one, std::optional<Instant> other) {
-  return one && other ? std::min(*one, *other) : one ? one : other;
 }
 
 std::string specOf(const Station& station) {

@@ -12,6 +12,7 @@ namespace quordalvane::tool {
 namespace {
 
 using namespace std::chrono_literals;
+using simulator::earlier;
 using simulator::Instant;
 
 // If nothing is received for this time after a cut, the cut ends the job.
@@ -30,13 +31,6 @@ bool isReadable(int descriptor) {
 
 bool endsInCut(const simulator::Paper& paper) {
   return !paper.items().empty() && std::holds_alternative<simulator::Cut>(paper.items().back());
-}
-
-std::optional<Instant> earlier(std::optional<Instant> one, std::optional<Instant> other) {
-  if (one && other) {
-    return std::min(*one, *other);
-  }
-  return one ? one : other;
 }
 
 }  // namespace
