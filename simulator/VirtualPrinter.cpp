@@ -125,7 +125,7 @@ void VirtualPrinter::act(MachineCommand command, ByteView bytes, Instant now) {
     case MachineCommand::Recover:
       return recover(bytes[2], now);
     case MachineCommand::UnaskedStatus:
-      reported_ = bytes[2] == 0 ? std::nullopt : std::optional(Bytes());
+      unasked_.choose(bytes[2]);
       return reportChange(now);
     default:
       return answer(command, bytes, now);
@@ -161,14 +161,7 @@ void VirtualPrinter::answer(MachineCommand command, ByteView bytes, Instant now)
 }
 
 void VirtualPrinter::reportChange(Instant now) {
-  if (!reported_) {
-    return;
-  }
-  const Bytes current = unaskedStatus(state_);
-  if (current != *reported_) {
-    reported_ = current;
-    reply(current, now, ReplyKind::Unasked);
-  }
+  reply(unasked_.change(state_), now, ReplyKind::Unasked);
 }
 
 void VirtualPrinter::hold(MachineCommand command, ByteView bytes, Instant now) {
@@ -350,7 +343,7 @@ void VirtualPrinter::disconnect(std::uint64_t connection) {
 
 void VirtualPrinter::endConnection() {
   sink_ = nullptr;
-  reported_.reset();
+  unasked_.choose(0);
   asides_.add(queuedEver_, reception_.undecided());
   reception_.restart();
   const bool bringsNothing = !marks_.empty() && marks_.back().begin == queuedEver_;

@@ -16,6 +16,7 @@
 #include "simulator/Printing.h"
 #include "simulator/Reception.h"
 #include "simulator/ReplyKind.h"
+#include "simulator/UnaskedStatus.h"
 
 namespace quordalvane::simulator {
 
@@ -165,7 +166,7 @@ class VirtualPrinter {
   bool guarded_ = false;   // true between a data cancel and its end
   bool dropping_ = false;  // true after the data time-out, until the data cancel ends
   Instant lastReceived_{};
-  std::optional<Bytes> reported_;  // the last unasked status; empty if the host does not want any
+  UnaskedStatus unasked_;
 
   JobBytes jobBytes_;
   JobKeeper keepJob_;

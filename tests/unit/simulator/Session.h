@@ -65,10 +65,11 @@ class Session {
   }
 
   /// Sends, and reads the immediate answer.
-  Bytes ask(std::string_view hexText) {
-    send(hexText);
+  Bytes ask(const Bytes& request) {
+    send(request);
     return receive();
   }
+  Bytes ask(std::string_view hexText) { return ask(hex(hexText)); }
 
   void wait(Instant time) { now += time; }
 

@@ -141,6 +141,34 @@ TEST(UnaskedStatus, IsSentAtOnceAndAtEachChangeUntilItIsEnded) {
   EXPECT_EQ(session.receive(), Bytes{});
 }
 
+TEST(UnaskedStatus, IsSentAtChangesOfTheChosenConditionsAlone) {
+  const std::pair<const char*, unsigned> conditions[] = {
+      {"compulsionSwitch", 1},           {"coverOpen", 2},    {"offline", 2},
+      {"receiptPaperNearEmptyInner", 8}, {"overTemp", 2 | 4}, {"receiptPaperEmpty", 2 | 8},
+  };
+  for (unsigned chosen = 1; chosen < 16; ++chosen) {
+    for (const auto& [flag, bits] : conditions) {
+      Session session;
+      EXPECT_EQ(session.ask(Bytes{0x1d, 0x61, static_cast<std::uint8_t>(chosen)}).size(), 4U);
+      session.printer.setFlag(flag, true, session.now);
+      EXPECT_EQ(session.receive().empty(), (chosen & bits) == 0) << flag << " of " << chosen;
+    }
+  }
+}
+
+TEST(UnaskedStatus, ReportsEverythingWhateverWasChosen) {
+  Session session(PrinterBuilder().with(Flag::ReceiptPaperNearEmptyInner));
+  EXPECT_EQ(session.ask("1d6101"), hex("10 00 03 00"));
+}
+
+TEST(UnaskedStatus, EndsIfNoConditionIsChosenThatThereIs) {
+  Session session;
+  session.ask("1d61ff");
+  EXPECT_EQ(session.ask("1d6130"), Bytes{});
+  session.printer.setFlag("coverOpen", true, session.now);
+  EXPECT_EQ(session.receive(), Bytes{});
+}
+
 TEST(UnaskedStatus, NamesErrorsInItsSecondByte) {
   const std::pair<const char*, const char*> errors[] = {
       {"mechError", "18 04 00 00"},
@@ -158,7 +186,7 @@ TEST(UnaskedStatus, NamesErrorsInItsSecondByte) {
 
 TEST(UnaskedStatus, EndsWithItsConnection) {
   Session session;
-  session.ask("1d6101");
+  session.ask("1d61ff");
   session.reconnect();
   session.printer.setFlag("coverOpen", true, session.now);
   EXPECT_EQ(session.receive(), Bytes{});
