@@ -44,7 +44,7 @@ _quorport_command() {
 
 # The keys of a printer's settings and faults.
 _quorport_settings="
-  firmware= dip1= dip2= speed= buffer= presenterState= connectedInterface= paper= proofs= lineMode=
+  firmware= dip1= dip2= speed= buffer= flow= presenterState= connectedInterface= paper= proofs= lineMode=
   lacks= codePages= multiByte= utf8= maker=
   modelName= serialNumber= modelId= typeId= profile= coverOpen= offline= compulsionSwitch= overTemp=
   unrecoverableError= cutterError= mechError= headThermistorError= receiveBufferOverflow=

@@ -70,6 +70,7 @@ CharacterSets::CharacterSets() {
 
 void CharacterSets::setPages(std::string_view text) {
   pages_ = parsed(text == "common" ? commonPages : text == "small" ? smallPages : text);
+  pagesText_ = text;
 }
 
 void CharacterSets::setMultiByte(std::string_view name) {

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace quordalvane::simulator {
@@ -24,6 +25,9 @@ class CharacterSets {
   /// std::invalid_argument, with a text for people, and changes nothing.
   void setPages(std::string_view text);
 
+  /// The numbers of the pages as they were set.
+  const std::string& pages() const { return pagesText_; }
+
   /// Sets the multi-byte encoding by its name: `none`, `shift-jis`, `gb18030`, `big5` or `euc-kr`.
   /// Throws as `setPages` does.
   void setMultiByte(std::string_view name);
@@ -35,6 +39,7 @@ class CharacterSets {
 
  private:
   std::array<std::string_view, 256> pages_;
+  std::string pagesText_ = "common";
 };
 
 /// The name that `CharacterSets::setMultiByte` reads.

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <stdexcept>
 
+#include "text/Hex.h"
 #include "text/Quoted.h"
 
 namespace quordalvane::simulator {
@@ -44,6 +45,17 @@ LackedCommands LackedCommands::parse(std::string_view text) {
     lacked.beginnings_.push_back(beginning);
   }
   return lacked;
+}
+
+std::string LackedCommands::text() const {
+  std::string text;
+  for (const Bytes& beginning : beginnings_) {
+    text += text.empty() ? "" : "+";
+    for (const std::uint8_t byte : beginning) {
+      appendHex(text, byte);
+    }
+  }
+  return text.empty() ? "none" : text;
 }
 
 bool LackedCommands::has(ByteView command) const {

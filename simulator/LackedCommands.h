@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -17,6 +18,9 @@ class LackedCommands {
 
   /// True if this complete command is one of them.
   bool has(ByteView command) const;
+
+  /// As `parse` takes it.
+  std::string text() const;
 
   bool operator==(const LackedCommands&) const = default;
 

@@ -91,6 +91,13 @@ bool truthFrom(std::string_view key, std::string_view value) {
   return value == "true";
 }
 
+bool isXonXoff(std::string_view value) {
+  if (value != "none" && value != "xonxoff") {
+    refuse("flow", value, "none or xonxoff");
+  }
+  return value == "xonxoff";
+}
+
 DipBank bankFrom(std::string_view key, std::string_view value) {
   if (value.size() != 4 || !std::all_of(value.begin(), value.end(), isHexDigit)) {
     refuse(key, value, "two bytes as four hex digits");
@@ -125,16 +132,15 @@ struct Setting {
   std::uint32_t most;
   Text about;
   void (*set)(State&, Text);
-  std::optional<std::string> (*get)(const State&);
+  std::string (*get)(const State&);
   Choices choices = nullptr;   // returns all accepted values
   Choices examples = nullptr;  // returns some of the accepted values
 };
 
 std::string hexOf(const DipBank& bank) {
-  constexpr Text digits = "0123456789abcdef";
   std::string text;
   for (const std::uint8_t byte : bank) {
-    text.append({digits[byte >> 4U], digits[byte & 0xfU]});
+    appendHex(text, byte);
   }
   return text;
 }
@@ -153,27 +159,33 @@ constexpr Setting settings[] = {
        state.bytesPerSecond =
            numberFrom<std::uint32_t>("speed", value, "bytes a second, 0 for unlimited");
      },
-     [](const State& state) { return std::optional(std::to_string(state.bytesPerSecond)); }},
+     [](const State& state) { return std::to_string(state.bytesPerSecond); }},
     {"buffer", Kind::Number, smallestBuffer, anyNumber, "bytes that it holds",
      [](State& state, Text value) {
        state.setBufferSize(
            numberFrom<std::uint32_t>("buffer", value, "a count of bytes, 16 or more"));
      },
-     [](const State& state) { return std::optional(std::to_string(state.bufferSize())); }},
+     [](const State& state) { return std::to_string(state.bufferSize()); }},
+    {"flow", Kind::Text, 0, 0, "whether it asks hosts to pause by 13 and to continue by 11",
+     [](State& state, Text value) { state.flowControl = isXonXoff(value); },
+     [](const State& state) { return std::string(state.flowControl ? "xonxoff" : "none"); },
+     [] {
+       return std::vector<Text>{"none", "xonxoff"};
+     }},
     {"profile", Kind::Text, 0, 0, "the kind of printer; sets several of these",
      [](State& state, Text value) { applyProfile(value, state); },
-     [](const State& state) { return std::optional(state.profile); }, nullptr, profileNames},
+     [](const State& state) { return state.profile; }, nullptr, profileNames},
     {"paper", Kind::Number, 58, 80, "millimetres, of the next roll",
      [](State& state, Text value) {
        state.setPaperWidth(numberFrom<unsigned>("paper", value, "58 or 80 (mm)"));
      },
-     [](const State& state) { return std::optional(std::to_string(state.paperMillimetres())); },
+     [](const State& state) { return std::to_string(state.paperMillimetres()); },
      [] {
        return std::vector<Text>{"58", "80"};
      }},
     {"proofs", Kind::Text, 0, 0, "the proofs that it knows, joined by +",
      [](State& state, Text value) { state.dialect.proofs = Proofs::parse(value); },
-     [](const State& state) { return std::optional(state.dialect.proofs.text()); }, nullptr,
+     [](const State& state) { return state.dialect.proofs.text(); }, nullptr,
      [] {
        return std::vector<Text>{"block+process-id+in-order",
                                 "process-id+in-order",
@@ -184,66 +196,64 @@ constexpr Setting settings[] = {
      }},
     {"lacks", Kind::Text, 0, 0, "commands that it lacks, by their first bytes, like 1b4c+1d286b",
      [](State& state, Text value) { state.lacked = LackedCommands::parse(value); },
-     [](const State&) { return std::optional<std::string>(); }},
+     [](const State& state) { return state.lacked.text(); }},
     {"lineMode", Kind::Flag, 0, 0, "it knows the maker's own commands",
      [](State& state, Text value) { state.dialect.lineMode = truthFrom("lineMode", value); },
-     [](const State& state) { return std::optional(truthOf(state.dialect.lineMode)); }},
+     [](const State& state) { return truthOf(state.dialect.lineMode); }},
     {"utf8", Kind::Flag, 0, 0, "it reads UTF-8 until a job selects a code page",
      [](State& state, Text value) { state.characters.utf8 = truthFrom("utf8", value); },
-     [](const State& state) { return std::optional(truthOf(state.characters.utf8)); }},
+     [](const State& state) { return truthOf(state.characters.utf8); }},
     {"codePages", Kind::Text, 0, 0, "the numbers of its code pages, like 0:437+16:1252",
      [](State& state, Text value) { state.characters.setPages(value); },
-     [](const State&) { return std::optional<std::string>(); }, nullptr,
+     [](const State& state) { return state.characters.pages(); }, nullptr,
      [] {
        return std::vector<Text>{"common", "small"};
      }},
     {"multiByte", Kind::Text, 0, 0, "characters of several bytes",
      [](State& state, Text value) { state.characters.setMultiByte(value); },
-     [](const State& state) {
-       return std::optional(std::string(nameOf(state.characters.multiByte)));
-     },
+     [](const State& state) { return std::string(nameOf(state.characters.multiByte)); },
      multiBytes},
     {"firmware", Kind::Text, 0, longestText, "its firmware text",
      [](State& state, Text value) { state.setFirmware(value); },
-     [](const State& state) { return std::optional(state.firmware()); }},
+     [](const State& state) { return state.firmware(); }},
     {"maker", Kind::Text, 0, longestText, "the maker that it answers",
      [](State& state, Text value) { state.setMaker(value); },
-     [](const State& state) { return std::optional(state.maker()); }},
+     [](const State& state) { return state.maker(); }},
     {"modelName", Kind::Text, 0, longestText, "the model that it answers",
      [](State& state, Text value) { state.setModelName(value); },
-     [](const State& state) { return std::optional(state.modelName()); }},
+     [](const State& state) { return state.modelName(); }},
     {"serialNumber", Kind::Text, 0, longestText, "the serial number that it answers",
      [](State& state, Text value) { state.setSerialNumber(value); },
-     [](const State& state) { return std::optional(state.serialNumber()); }},
+     [](const State& state) { return state.serialNumber(); }},
     {"modelId", Kind::Number, 0, 255, "the number of its model",
      [](State& state, Text value) {
        state.modelId = numberFrom<std::uint8_t>("modelId", value, "a number from 0 to 255");
      },
-     [](const State& state) { return std::optional(std::to_string(state.modelId)); }},
+     [](const State& state) { return std::to_string(state.modelId); }},
     {"typeId", Kind::Number, 0, 255, "the number of its type",
      [](State& state, Text value) {
        state.typeId = numberFrom<std::uint8_t>("typeId", value, "a number from 0 to 255");
      },
-     [](const State& state) { return std::optional(std::to_string(state.typeId)); }},
+     [](const State& state) { return std::to_string(state.typeId); }},
     {"dip1", Kind::Text, 0, 4, "bank 1 of the DIP switches, four hex digits",
      [](State& state, Text value) { state.dipBanks[0] = bankFrom("dip1", value); },
-     [](const State& state) { return std::optional(hexOf(state.dipBanks[0])); }},
+     [](const State& state) { return hexOf(state.dipBanks[0]); }},
     {"dip2", Kind::Text, 0, 4, "bank 2 of the DIP switches, four hex digits",
      [](State& state, Text value) { state.dipBanks[1] = bankFrom("dip2", value); },
-     [](const State& state) { return std::optional(hexOf(state.dipBanks[1])); }},
+     [](const State& state) { return hexOf(state.dipBanks[1]); }},
     {"presenterState", Kind::Number, 0, 3, "0 idle, 1 holding paper, 2 retracted, 3 ejected",
      [](State& state, Text value) {
        state.presenterState =
            numberFrom<std::uint8_t>("presenterState", value, "a code from 0 to 3", 3);
      },
-     [](const State& state) { return std::optional(std::to_string(state.presenterState)); }},
+     [](const State& state) { return std::to_string(state.presenterState); }},
     {"connectedInterface", Kind::Number, 0, 5,
      "0 unknown, 1 serial, 2 USB, 3 Ethernet, 4 wireless LAN, 5 Bluetooth",
      [](State& state, Text value) {
        state.connectedInterface =
            numberFrom<std::uint8_t>("connectedInterface", value, "a code from 0 to 5", 5);
      },
-     [](const State& state) { return std::optional(std::to_string(state.connectedInterface)); }},
+     [](const State& state) { return std::to_string(state.connectedInterface); }},
 };
 
 const Setting* settingNamed(Text key) {
@@ -296,7 +306,7 @@ void PrinterState::set(std::string_view key, std::string_view value) {
 
 std::optional<std::string> PrinterState::get(std::string_view key) const {
   const Setting* setting = settingNamed(key);
-  return setting == nullptr ? std::nullopt : setting->get(*this);
+  return setting == nullptr ? std::nullopt : std::optional(setting->get(*this));
 }
 
 std::vector<SettingForm> settingForms() {

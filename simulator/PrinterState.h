@@ -95,6 +95,7 @@ class PrinterState {
   /// - `dip1`, `dip2`: two bytes as four hex digits
   /// - `speed`: bytes a second, 0: unlimited
   /// - `buffer`: bytes
+  /// - `flow`: `none` or `xonxoff`
   /// - `presenterState`, `connectedInterface`: their codes
   /// - `paper`: 58 or 80 mm; the paper in the printer keeps its width
   /// - `modelId`, `typeId`: numbers to 255
@@ -109,7 +110,7 @@ class PrinterState {
   void set(std::string_view key, std::string_view value);
 
   /// The value of a setting that is not a flag, in the form that `set` reads. Empty if there is no
-  /// such setting, or if its value cannot be read, as with code pages.
+  /// such setting.
   std::optional<std::string> get(std::string_view key) const;
 
   /// Takes 1 to 64 printable ASCII characters; throws std::invalid_argument for any other value.
@@ -154,6 +155,7 @@ class PrinterState {
   std::uint8_t connectedInterface =
       5;  ///< 0 unknown, 1 serial, 2 USB, 3 Ethernet, 4 WLAN, 5 Bluetooth
   std::uint32_t bytesPerSecond = 0;  ///< the printing speed; 0: unlimited
+  bool flowControl = false;          ///< it asks hosts to pause and to continue; see `FlowControl`
   bool keepsPrinted = false;         ///< all print data are kept, for tests
   bool keepsReceived = false;        ///< the bytes of each job are kept in its record
 

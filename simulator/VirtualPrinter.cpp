@@ -164,6 +164,17 @@ void VirtualPrinter::reportChange(Instant now) {
   reply(unasked_.change(state_), now, ReplyKind::Unasked);
 }
 
+// A host that was asked to pause is also asked to continue if the setting ends.
+void VirtualPrinter::controlFlow(Instant at) {
+  if (!state_.flowControl && !flow_.isPaused()) {
+    return;
+  }
+  const std::size_t free = state_.flowControl ? freeBytes() : state_.bufferSize();
+  if (const auto sign = flow_.follow(free, state_.bufferSize())) {
+    reply({&*sign, 1}, at);
+  }
+}
+
 void VirtualPrinter::hold(MachineCommand command, ByteView bytes, Instant now) {
   const std::uint64_t begin = queuedEver_;
   queue_.push(bytes, now);
@@ -183,7 +194,9 @@ void VirtualPrinter::printUntil(Instant now) {
       print(taken->byte);
     }
     passMarks(taken->at);
+    controlFlow(taken->at);
   }
+  controlFlow(now);
 }
 
 void VirtualPrinter::print(std::uint8_t byte) {
@@ -324,6 +337,9 @@ std::optional<Instant> VirtualPrinter::nextEvent() const {
     if (space() == 0) {
       count = std::min(count, untilFree(readyAgain()));
     }
+    if (flow_.isPaused()) {
+      count = std::min(count, untilFree(FlowControl::spaceAgain(state_.bufferSize())));
+    }
     printed = queue_.doneWith(count);
   }
   return earlier(printed, dataTimeoutDue());
@@ -331,6 +347,7 @@ std::optional<Instant> VirtualPrinter::nextEvent() const {
 
 std::uint64_t VirtualPrinter::connect(Sink sink) {
   endConnection();
+  flow_.restart();
   sink_ = std::move(sink);
   return ++connection_;
 }

@@ -9,6 +9,7 @@
 
 #include "simulator/Asides.h"
 #include "simulator/Bytes.h"
+#include "simulator/FlowControl.h"
 #include "simulator/Instant.h"
 #include "simulator/JobBytes.h"
 #include "simulator/PrintQueue.h"
@@ -139,6 +140,7 @@ class VirtualPrinter {
   void answerInTurn(const Mark& mark, Instant at);
   void countEtb();
   void reportChange(Instant now);
+  void controlFlow(Instant at);
   void dropHeld();
   void endJob(std::uint64_t received);
   void recordReceived(std::uint64_t position);
@@ -167,6 +169,7 @@ class VirtualPrinter {
   bool dropping_ = false;  // true after the data time-out, until the data cancel ends
   Instant lastReceived_{};
   UnaskedStatus unasked_;
+  FlowControl flow_;
 
   JobBytes jobBytes_;
   JobKeeper keepJob_;

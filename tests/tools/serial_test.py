@@ -10,7 +10,7 @@ import termios
 import threading
 import tty
 
-from harness import Case, eventually, main, run, start
+from harness import DEADLINE, Case, eventually, main, run, start
 
 
 class SerialLine(Case):
@@ -55,6 +55,26 @@ class SerialLine(Case):
         printer = self.simulator("pty:")
         for _ in range(3):
             self.assertExit(0, run("-d", printer.place, "online"))
+
+
+class FlowByCharacters(Case):
+    """The virtual printer asks its host to pause and to continue, and the command obeys."""
+
+    def printer(self):
+        return self.simulator("pty:", "--set", "speed=2000", "--set", "buffer=512", "--set", "flow=xonxoff")
+
+    def test_is_seen_by_a_program_that_reads_everything(self):
+        line = os.open(self.printer().place.removeprefix("serial:"), os.O_RDWR | os.O_NOCTTY)
+        self.addCleanup(os.close, line)
+        tty.setraw(line)
+        os.write(line, b"a" * 450)
+        for sign in (b"\x13", b"\x11"):
+            self.assertTrue(select.select([line], [], [], DEADLINE)[0], sign)
+            self.assertEqual(os.read(line, 1), sign)
+
+    def test_is_obeyed_and_the_job_is_printed(self):
+        job = self.file("job", b"a line of a long job\n" * 100)
+        self.assertExit(0, run("-d", self.printer().place + ",flow=xonxoff", "print", job))
 
 
 class FlowPrinter:

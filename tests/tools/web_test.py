@@ -139,7 +139,7 @@ class Forms(BrowserCase):
         browser.control({"set": {"paper": 58, "utf8": False, "maker": "Mine"}})
         settings = browser.control({"get": "settings"})["settings"]
         self.assertEqual(set(settings), keys)
-        self.assertEqual((settings["paper"], settings["utf8"], settings["maker"], settings["codePages"]), (58, False, "Mine", None))
+        self.assertEqual((settings["paper"], settings["utf8"], settings["maker"], settings["codePages"]), (58, False, "Mine", "common"))
 
 
 class Stream(BrowserCase):

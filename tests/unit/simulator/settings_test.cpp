@@ -26,6 +26,8 @@ TEST(Settings, EachKeyChangesItsValue) {
   state.set("connectedInterface", "2");
   state.set("paper", "58");
   state.set("lacks", "1b4c");
+  state.set("flow", "xonxoff");
+  EXPECT_TRUE(state.flowControl);
   EXPECT_TRUE(state.lacked.has(hex("1b4c")));
   EXPECT_FALSE(state.lacked.has(hex("1b53")));
   EXPECT_TRUE(state.flag(Flag::CoverOpen));
@@ -38,6 +40,22 @@ TEST(Settings, EachKeyChangesItsValue) {
   EXPECT_EQ(state.presenterState, 3);
   EXPECT_EQ(state.connectedInterface, 2);
   EXPECT_EQ(state.paperMillimetres(), 58U);
+}
+
+TEST(Settings, EachIsReadAsItIsSet) {
+  const std::pair<const char*, const char*> values[] = {
+      {"lacks", "1b4c+1d286b"}, {"lacks", "none"},    {"codePages", "0:437+16:1252"},
+      {"codePages", "small"},   {"flow", "xonxoff"},  {"flow", "none"},
+      {"proofs", "block"},      {"dip1", "c00a"},     {"multiByte", "big5"},
+      {"utf8", "true"},         {"speed", "200"},     {"paper", "58"},
+      {"lineMode", "false"},    {"maker", "A maker"}, {"typeId", "3"},
+  };
+  for (const auto& [key, value] : values) {
+    PrinterState state;
+    state.set(key, value);
+    EXPECT_EQ(state.get(key), value) << key;
+  }
+  EXPECT_EQ(PrinterState().get("colour"), std::nullopt);
 }
 
 TEST(Settings, EveryFlagIsSetByItsName) {
@@ -71,6 +89,7 @@ TEST(Settings, AWrongValueIsRefusedWithTheKeyAndTheValuesItTakes) {
       {"connectedInterface", "6", "0 to 5"},
       {"connectedInterface", "260", "0 to 5"},
       {"paper", "60", "58 or 80"},
+      {"flow", "rtscts", "none or xonxoff"},
       {"colour", "red", "receiptPaperEmpty"},
   };
   for (const auto& c : cases) {

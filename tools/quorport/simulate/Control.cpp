@@ -1,5 +1,6 @@
 #include "tools/quorport/simulate/Control.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <utility>
@@ -42,13 +43,13 @@ std::string textOf(const std::string& key, const Json& value) {
 // Refuses a value of the wrong JSON type: on a command line all types look alike, in JSON they
 // differ.
 void checkKind(const std::string& key, const Json& value) {
-  const bool isText = key == "firmware" || key == "dip1" || key == "dip2" || key == "proofs" ||
-                      key == "profile" || key == "lacks" || key == "codePages" ||
-                      key == "multiByte" || key == "maker" || key == "modelName" ||
-                      key == "serialNumber";
   if (simulator::flagNamed(key) && !value.is_boolean()) {
     refuse(key + " takes true or false, not " + shortened(value));
   }
+  const auto forms = simulator::settingForms();
+  const bool isText = std::any_of(forms.begin(), forms.end(), [&](const auto& form) {
+    return form.key == key && form.kind == simulator::SettingForm::Kind::Text;
+  });
   if (isText && !value.is_string()) {
     refuse(key + " takes a text, not " + shortened(value));
   }
@@ -102,8 +103,7 @@ Json valueOf(const simulator::SettingForm& form, const std::string& text) {
 Json settingsOf(const simulator::PrinterState& state) {
   Json json = Json::object();
   for (const simulator::SettingForm& form : simulator::settingForms()) {
-    const auto text = state.get(form.key);
-    json[std::string(form.key)] = text ? valueOf(form, *text) : Json();
+    json[std::string(form.key)] = valueOf(form, state.get(form.key).value_or(""));
   }
   return json;
 }

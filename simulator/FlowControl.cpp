@@ -1,0 +1,28 @@
+#include "simulator/FlowControl.h"
+
+#include <algorithm>
+
+namespace quordalvane::simulator {
+namespace {
+
+// A host sends some bytes before it obeys; small buffers keep a part of theirs free.
+std::size_t nearlyFull(std::size_t size) {
+  return std::min<std::size_t>(size / 4, 256);
+}
+
+}  // namespace
+
+std::size_t FlowControl::spaceAgain(std::size_t size) {
+  return std::min<std::size_t>(size / 2, 512);
+}
+
+std::optional<std::uint8_t> FlowControl::follow(std::size_t free, std::size_t size) {
+  const bool isDue = isPaused_ ? free >= spaceAgain(size) : free <= nearlyFull(size);
+  if (!isDue) {
+    return std::nullopt;
+  }
+  isPaused_ = !isPaused_;
+  return isPaused_ ? pause : goOn;
+}
+
+}  // namespace quordalvane::simulator

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+
+namespace quordalvane::simulator {
+
+/// Asks a host to pause while a buffer is nearly full, and to continue when it has space again, by
+/// a character each, as serial printers do.
+class FlowControl {
+ public:
+  static constexpr std::uint8_t pause = 0x13;
+  static constexpr std::uint8_t goOn = 0x11;
+
+  /// The character to be sent when so many bytes of a buffer of `size` are free; empty if none is
+  /// due.
+  std::optional<std::uint8_t> follow(std::size_t free, std::size_t size);
+
+  /// Whether the host was asked to pause, and not yet to continue.
+  bool isPaused() const { return isPaused_; }
+
+  /// How many bytes must be free for a host to continue.
+  static std::size_t spaceAgain(std::size_t size);
+
+  /// Another host is there, and was asked nothing.
+  void restart() { isPaused_ = false; }
+
+ private:
+  bool isPaused_ = false;
+};
+
+}  // namespace quordalvane::simulator
