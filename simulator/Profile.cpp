@@ -27,6 +27,7 @@ multiByte=shift-jis
 utf8=false
 paper=80
 modelName=Virtual
+typeId=2
 )"},
     {"escpos-80", R"(# A common ESC/POS printer for 80 mm paper.
 lineMode=false
@@ -37,6 +38,7 @@ multiByte=none
 utf8=false
 paper=80
 modelName=Virtual-80
+typeId=2
 )"},
     {"escpos-80-japan", R"(# A common ESC/POS printer with Japanese characters.
 lineMode=false

@@ -36,6 +36,22 @@ TEST(Profile, ThatIsBuiltInChangesAPrinterAndIsNamed) {
   EXPECT_FALSE(state.dialect.lineMode);
 }
 
+TEST(Profile, IsTheSameAfterEachOther) {
+  for (const std::string_view before : profileNames()) {
+    for (const std::string_view name : profileNames()) {
+      PrinterState fresh;
+      applyProfile(name, fresh);
+      PrinterState changed;
+      applyProfile(before, changed);
+      applyProfile(name, changed);
+      for (const SettingForm& form : settingForms()) {
+        EXPECT_EQ(changed.get(form.key), fresh.get(form.key))
+            << form.key << " of " << name << " after " << before;
+      }
+    }
+  }
+}
+
 TEST(Profile, OfACommonPrinterKnowsNoLineMode) {
   Session session(PrinterBuilder().set("profile", "escpos-80"));
   EXPECT_EQ(session.ask("1b0601 1b232a0a00"), Bytes{});
