@@ -1,6 +1,7 @@
 #include "simulator/GraphicsMemory.h"
 
 #include <algorithm>
+#include <string>
 #include <utility>
 
 #include "simulator/BitmapFile.h"
@@ -56,6 +57,16 @@ Bitmap fromRows(ByteView rows, unsigned width, unsigned height, unsigned scaleX,
     }
   }
   return image;
+}
+
+// A number of bytes in decimal digits.
+Bytes numberReply(std::uint8_t identifier, std::size_t number) {
+  Bytes reply = {0x37, identifier};
+  for (const char digit : std::to_string(number)) {
+    reply.push_back(static_cast<std::uint8_t>(digit));
+  }
+  reply.push_back(0);
+  return reply;
 }
 
 }  // namespace
@@ -172,19 +183,66 @@ GraphicsMemory::Outcome GraphicsMemory::applyGraphics(ByteView parameters) {
 }
 
 GraphicsMemory::Outcome GraphicsMemory::store(unsigned key, Image image) {
-  std::size_t weight = weightOf(image);
   if (image.empty() || image[0].width == 0 || image[0].height == 0) {
     return Outcome::Unknown;
   }
   stored_.erase(key);
-  for (const auto& [other, kept] : stored_) {
-    weight += weightOf(kept);
-  }
-  if (weight > mostBytes) {
+  if (weightOf(image) + used() > mostBytes) {
     return Outcome::Unknown;
   }
   stored_[key] = std::move(image);
   return Outcome::Stored;
+}
+
+std::size_t GraphicsMemory::used() const {
+  std::size_t sum = 0;
+  for (const auto& [key, image] : stored_) {
+    sum += weightOf(image);
+  }
+  return sum;
+}
+
+Bytes GraphicsMemory::reply(ByteView command) const {
+  const std::uint8_t function = command[6];
+  switch (function) {
+    case 64:
+      return namesReply(0x72, keptMemory);
+    case 80:
+      return namesReply(0x73, downloadMemory);
+    case 0:
+    case 48:
+      return numberReply(0x30, mostBytes);
+    case 3:
+    case 51:
+      return numberReply(0x31, mostBytes - used());
+    default:
+      return numberReply(0x32, mostBytes - used());
+  }
+}
+
+// Forty names at most in a group. A printer waits for the host's word after each group; here all
+// are sent at once, and the words are ignored.
+Bytes GraphicsMemory::namesReply(std::uint8_t identifier, unsigned memory) const {
+  constexpr std::size_t groupBytes = 80;
+  constexpr std::uint8_t last = 0x40;
+  constexpr std::uint8_t moreFollows = 0x41;
+  Bytes names;
+  for (auto at = stored_.lower_bound(memory); at != stored_.lower_bound(memory + memorySize);
+       ++at) {
+    names.push_back(static_cast<std::uint8_t>(at->first));
+    names.push_back(static_cast<std::uint8_t>(at->first >> 8U));
+  }
+  Bytes reply;
+  std::size_t begin = 0;
+  do {
+    const std::size_t end = std::min(begin + groupBytes, names.size());
+    reply.insert(reply.end(), {0x37, identifier, end < names.size() ? moreFollows : last});
+    reply.insert(reply.end(), names.begin() + static_cast<std::ptrdiff_t>(begin),
+                 names.begin() + static_cast<std::ptrdiff_t>(end));
+    reply.push_back(0);
+    begin = end;
+  } while (begin < names.size());
+  return reply;
 }
 
 GraphicsMemory::Outcome GraphicsMemory::print(unsigned key, unsigned scaleX, unsigned scaleY) {

@@ -43,6 +43,11 @@ class GraphicsMemory {
   /// The image to be printed: one bitmap for each colour.
   const std::vector<Bitmap>& image() const { return image_; }
 
+  /// The answer to a whole command 1d 28 4c that asks how large the memory is (function 0 or 48),
+  /// how much of it is free (3, 4, 51 or 52), or for the names of the images that are kept (64) or
+  /// downloaded (80).
+  Bytes reply(ByteView command) const;
+
   /// Initialises the printer. Images in permanent memory are kept.
   void initialise();
 
@@ -50,6 +55,8 @@ class GraphicsMemory {
   using Image = std::vector<Bitmap>;
 
   Outcome applyGraphics(ByteView parameters);
+  Bytes namesReply(std::uint8_t identifier, unsigned memory) const;
+  std::size_t used() const;
   Outcome store(unsigned key, Image image);
   Outcome print(unsigned key, unsigned scaleX, unsigned scaleY);
   Outcome erase(unsigned first, unsigned last);

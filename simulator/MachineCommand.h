@@ -29,6 +29,7 @@ enum class MachineCommand {
   ReturnProcessId,
   InOrderStatus,
   AskSetting,
+  AskGraphics,
   AskSymbolSize,
 };
 

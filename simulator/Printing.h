@@ -47,6 +47,9 @@ class Printing {
   /// turn comes.
   Bytes sizeReply(ByteView command) const { return typesetter_.sizeReply(command); }
 
+  /// The answer to a command that asks for stored images, when its turn comes.
+  Bytes graphicsReply(ByteView command) const { return typesetter_.graphicsReply(command); }
+
   JobRecord& record() { return typesetter_.record(); }
   const Paper& paper() const { return typesetter_.paper(); }
   Paper tearOff();

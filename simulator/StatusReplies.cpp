@@ -139,7 +139,11 @@ Bytes inOrderStatus(const PrinterState& state, ByteView command) {
 }
 
 Bytes settingReply(ByteView command) {
+  constexpr std::uint8_t beginSetting = 1;
   constexpr std::uint8_t askSwitch = 4;
+  if (command[5] == beginSetting) {
+    return {0x37, 0x20, 0x00};
+  }
   if (command[5] == askSwitch) {
     return framed({0x37, 0x21}, "00000000", {0x00});
   }

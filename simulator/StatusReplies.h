@@ -36,8 +36,8 @@ Bytes processIdReport(ByteView command);
 /// The byte that answers a status request 1d 72, 1b 75 or 1b 76, about the paper or the drawer.
 Bytes inOrderStatus(const PrinterState& state, ByteView command);
 
-/// The answer to a command 1d 28 45 that asks for the value of a memory switch or of another
-/// setting. All these values are 0.
+/// The answer to a command 1d 28 45 that begins a change of settings, or asks for the value of a
+/// memory switch or of another setting. All these values are 0.
 Bytes settingReply(ByteView command);
 
 /// The four bytes that report a change without a question.

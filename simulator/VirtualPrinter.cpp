@@ -252,6 +252,8 @@ void VirtualPrinter::answerInTurn(const Mark& mark, Instant at) {
       return reply(inOrderStatus(state_, mark.bytes), at, ReplyKind::InOrder);
     case MachineCommand::AskSymbolSize:
       return reply(printing_.sizeReply(mark.bytes), at);
+    case MachineCommand::AskGraphics:
+      return reply(printing_.graphicsReply(mark.bytes), at);
     case MachineCommand::AskSetting:
       return reply(settingReply(mark.bytes), at);
     default:
