@@ -55,8 +55,12 @@ class Lister {
       return false;
     }
     auto [name, meaning] = nameOf(job_.subspan(begin, end - begin));
+    const bool isKnown = scanner_.isKnown();
+    if (!isKnown || meaning.empty()) {
+      meaning = isKnown ? "no effect here" : "";
+    }
     listing_.commands.push_back(
-        {begin, end - begin, std::move(name), std::string(meaning), scanner_.isKnown()});
+        {begin, end - begin, std::move(name), std::string(meaning), isKnown});
     if (isText) {
       listing_.commands.back().meaning = shown(job_[begin]);
     }

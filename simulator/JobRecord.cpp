@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "simulator/CommandNames.h"
 #include "simulator/HexText.h"
 
 namespace quordalvane::simulator {
@@ -13,26 +14,6 @@ constexpr std::size_t mostBytes = 16;
 Bytes beginningOf(ByteView bytes) {
   const auto shown = bytes.first(std::min(bytes.size(), mostBytes));
   return {shown.begin(), shown.end()};
-}
-
-std::string nameOf(std::uint8_t byte) {
-  switch (byte) {
-    case 0x10:
-      return "DLE";
-    case 0x12:
-      return "DC2";
-    case 0x1b:
-      return "ESC";
-    case 0x1c:
-      return "FS";
-    case 0x1d:
-      return "GS";
-    case 0x1f:
-      return "US";
-    default:
-      return byte > 0x20 && byte < 0x7f ? std::string(1, static_cast<char>(byte))
-                                        : hexText({&byte, 1});
-  }
 }
 
 }  // namespace
@@ -101,8 +82,7 @@ void JobRecord::noteQuestion(ByteView command, ByteView answer) {
 
 void JobRecord::noteUnknown(std::uint64_t offset, ByteView command) {
   if (unknown_.size() < longestList) {
-    const std::string name = nameOf(command[0]) + " " + nameOf(command[1]);
-    unknown_.push_back({offset, beginningOf(command), name});
+    unknown_.push_back({offset, beginningOf(command), nameOf(command).name});
   }
 }
 

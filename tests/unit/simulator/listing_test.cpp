@@ -37,6 +37,18 @@ TEST(Listing, PutsCharactersTogetherAndNamesCommands) {
   EXPECT_EQ(listing.next, job.size());
 }
 
+TEST(Listing, ExplainsEachKnownCommand) {
+  for (const unsigned lead : {0x10U, 0x12U, 0x1bU, 0x1cU, 0x1dU, 0x1fU}) {
+    for (unsigned selector = 0; selector <= 0xff; ++selector) {
+      Bytes job(300, 0);
+      job[0] = static_cast<std::uint8_t>(lead);
+      job[1] = static_cast<std::uint8_t>(selector);
+      const ListedCommand command = listCommands(job, Dialect(), 0, 1).commands.at(0);
+      EXPECT_EQ(command.meaning.empty(), !command.isKnown) << command.name;
+    }
+  }
+}
+
 TEST(Listing, CanBeReadInPartsThatContinueEachOther) {
   const Bytes job = hex("41 0a 42 0a 43 0a");
   const Listing first = listCommands(job, Dialect(), 0, 3);
