@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "simulator/TextRendering.h"
@@ -178,6 +179,31 @@ class BandedPicture {
   std::vector<std::string> remarks_;
 };
 
+Bytes pngOf(const BandedPicture& banded) {
+  PngWriter writer(banded.width(), banded.height(), palette);
+  banded.draw([&](ByteView row) { writer.add(row); });
+  return writer.finish();
+}
+
+// The whole picture and its pieces, drawn once.
+void drawInPieces(const BandedPicture& banded, unsigned pieceRows, PngPicture& picture) {
+  PngWriter whole(picture.width, picture.height, palette);
+  std::optional<PngWriter> piece;
+  unsigned row = 0;
+  banded.draw([&](ByteView dots) {
+    if (row % pieceRows == 0) {
+      piece.emplace(picture.width, std::min(pieceRows, picture.height - row), palette);
+    }
+    whole.add(dots);
+    piece->add(dots);
+    ++row;
+    if (row % pieceRows == 0 || row == picture.height) {
+      picture.pieces.push_back(piece->finish());
+    }
+  });
+  picture.png = whole.finish();
+}
+
 }  // namespace
 
 Picture renderPicture(const Paper& paper) {
@@ -192,14 +218,18 @@ Picture renderPicture(const Paper& paper) {
 }
 
 Bytes renderPng(const Paper& paper) {
-  return renderPngPicture(paper).png;
+  return pngOf(BandedPicture(paper));
 }
 
-PngPicture renderPngPicture(const Paper& paper) {
+PngPicture renderPngPicture(const Paper& paper, unsigned pieceRows) {
   const BandedPicture banded(paper);
-  PngWriter writer(banded.width(), banded.height(), palette);
-  banded.draw([&](ByteView row) { writer.add(row); });
-  return {banded.width(), banded.height(), writer.finish()};
+  PngPicture picture{banded.width(), banded.height(), {}, {}};
+  if (picture.height > pieceRows) {
+    drawInPieces(banded, pieceRows, picture);
+  } else {
+    picture.png = pngOf(banded);
+  }
+  return picture;
 }
 
 }  // namespace quordalvane::simulator

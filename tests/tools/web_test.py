@@ -3,6 +3,7 @@
 import base64
 import json
 import struct
+import zlib
 
 from browser import BrowserCase
 from harness import STATUS_REQUEST, Running, eventually, main, receive, run
@@ -13,6 +14,16 @@ CUT = b"\x1d\x56\x00"
 def size_of(png: bytes) -> tuple[int, int]:
     assert png.startswith(b"\x89PNG\r\n\x1a\n"), png[:20]
     return struct.unpack(">II", png[16:24])
+
+
+def rows_of(png: bytes) -> bytes:
+    """The rows of a picture as they are in the file."""
+    at, packed = 8, b""
+    while at < len(png):
+        length, kind = struct.unpack(">I4s", png[at:at + 8])
+        packed += png[at + 8:at + 8 + length] if kind == b"IDAT" else b""
+        at += length + 12
+    return zlib.decompress(packed)
 
 
 def print_job(simulator, data: bytes):
@@ -258,6 +269,23 @@ class Receipts(BrowserCase):
         self.assertEqual((len(first["commands"]), first["next"]), (2000, 2000))
         rest = browser.json(f"{address}?from={first['next']}")
         self.assertEqual((len(rest["commands"]), rest["commands"][0]["offset"], rest["next"]), (1000, 2000, None))
+
+    def test_a_picture_of_any_length_is_served_in_pieces(self):
+        browser, receipt = self.receipt(b"a line of text\n" * 300)
+        address, rows = receipt["address"] + ".png", receipt["pieceRows"]
+        self.assertGreater(receipt["height"], 2 * rows)
+        pieces = [browser.ask(f"{address}?from={row}") for row in range(0, receipt["height"], rows)]
+        self.assertEqual([size_of(piece.content) for piece in pieces],
+                         [(receipt["width"], rows)] * 2 + [(receipt["width"], receipt["height"] - 2 * rows)])
+        self.assertEqual(b"".join(rows_of(piece.content) for piece in pieces), rows_of(browser.ask(address).content))
+        for row in (1, rows + 1, 3 * rows, 10**18):
+            self.assertEqual(browser.ask(f"{address}?from={row}").status, 404, row)
+
+    def test_a_short_picture_is_one_piece(self):
+        browser, receipt = self.receipt()
+        address = receipt["address"] + ".png"
+        self.assertEqual(browser.ask(address + "?from=0").content, browser.ask(address).content)
+        self.assertEqual(browser.ask(f"{address}?from={receipt['pieceRows']}").status, 404)
 
     def test_of_a_job_without_paper_have_no_picture(self):
         browser, receipt = self.receipt(b"\x1b\x70\x00\x10\x10")

@@ -57,6 +57,19 @@ class Printing(ShopCase):
             self.assertIn("GS V", names)
             self.assertIn("1b 40", seen.evaluate("document.querySelector('.commands code').textContent"))
 
+    def test_a_receipt_of_many_metres_is_shown_to_its_end(self):
+        shop = self.shop()
+        with shop.connect() as till:
+            till.sendall(b"many metres of paper\n" * 1400)
+        page = self.shop_page(shop)
+        page.until("document.querySelector('#receipts img')?.naturalWidth > 0", "its beginning is in the list")
+        page.go(f"{shop.address}receipts/1")
+        pieces = "[...document.querySelectorAll('.whole img')]"
+        page.until(f"{pieces}[0]?.naturalHeight === 4000", "its beginning is shown")
+        self.assertFalse(page.evaluate(f"{pieces}.at(-1).complete"), "the end is not loaded before it is wanted")
+        page.evaluate("document.querySelector('.whole').scrollTop = 1e6")
+        page.until(f"{pieces}.at(-1).naturalHeight > 0", "its end is shown")
+
     def test_a_missing_receipt_is_reported(self):
         shop = self.shop()
         page = self.browser.page(f"{shop.address}receipts/99")

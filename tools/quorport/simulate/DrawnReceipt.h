@@ -1,15 +1,19 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace quordalvane::tool {
 
 /// A receipt as text and as picture.
 struct DrawnReceipt {
+  static constexpr unsigned pieceRows = 4000;  ///< half a metre
+
   std::string text;
-  unsigned width = 0;   ///< the picture's width in dots; 0 if there is no paper
-  unsigned height = 0;  ///< the picture's height in dots; 0 if there is no paper
-  std::string picture;  ///< a PNG file; empty if there is no paper
+  unsigned width = 0;               ///< the picture's width in dots; 0 if there is no paper
+  unsigned height = 0;              ///< the picture's height in dots; 0 if there is no paper
+  std::string picture;              ///< a PNG file; empty if there is no paper
+  std::vector<std::string> pieces;  ///< PNG files of `pieceRows` each; empty if it is not taller
 };
 
 }  // namespace quordalvane::tool

@@ -28,10 +28,13 @@ DrawnReceipt drawn(const simulator::Paper& paper) {
   if (paper.items().empty()) {
     return receipt;
   }
-  const auto picture = simulator::renderPngPicture(paper);
+  const auto picture = simulator::renderPngPicture(paper, DrawnReceipt::pieceRows);
   receipt.width = picture.width;
   receipt.height = picture.height;
   receipt.picture.assign(picture.png.begin(), picture.png.end());
+  for (const auto& piece : picture.pieces) {
+    receipt.pieces.emplace_back(piece.begin(), piece.end());
+  }
   return receipt;
 }
 

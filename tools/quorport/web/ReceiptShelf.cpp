@@ -44,8 +44,12 @@ Json commandsIn(const simulator::Listing& listing, simulator::ByteView job) {
 }  // namespace
 
 std::size_t ReceiptShelf::Receipt::weight() const {
-  const std::size_t drawn = picture == nullptr ? 0 : picture->size();
-  return sizeof *this + record->size() + text->size() + received->size() + drawn;
+  std::size_t sum = sizeof *this + record->size() + text->size() + received->size();
+  sum += picture == nullptr ? 0 : picture->size();
+  for (const http::Text& piece : pieces) {
+    sum += piece->size();
+  }
+  return sum;
 }
 
 std::size_t ReceiptShelf::add(ReceiptWriter::Done job, const Origin& origin, std::int64_t time) {
@@ -64,7 +68,11 @@ std::size_t ReceiptShelf::add(ReceiptWriter::Done job, const Origin& origin, std
                     .record = record,
                     .text = shared(std::move(drawn.text)),
                     .received = received,
-                    .picture = drawn.picture.empty() ? nullptr : shared(std::move(drawn.picture))};
+                    .picture = drawn.picture.empty() ? nullptr : shared(std::move(drawn.picture)),
+                    .pieces = {}};
+    for (std::string& piece : drawn.pieces) {
+      receipt.pieces.push_back(shared(std::move(piece)));
+    }
     bytes_ += receipt.weight();
     receipts_.push_back(std::move(receipt));
   }
@@ -89,6 +97,7 @@ Json ReceiptShelf::summary(const Receipt& receipt) {
           {"time", timeText(receipt.time)},
           {"width", receipt.width},
           {"height", receipt.height},
+          {"pieceRows", DrawnReceipt::pieceRows},
           {"bytes", receipt.byteCount},
           {"cuts", receipt.cuts},
           {"address", "receipts/" + std::to_string(receipt.id)}};
@@ -122,6 +131,18 @@ Json ReceiptShelf::describe(std::uint64_t id, std::uint64_t from) const {
   json["commands"] = commandsIn(listing, job);
   json["next"] = listing.next < job.size() ? Json(listing.next) : Json();
   return json;
+}
+
+http::Text ReceiptShelf::piece(std::uint64_t id, std::uint64_t row) const {
+  const Receipt* receipt = find(id);
+  if (receipt == nullptr || row % DrawnReceipt::pieceRows != 0) {
+    return nullptr;
+  }
+  if (receipt->pieces.empty()) {
+    return row == 0 ? receipt->picture : nullptr;
+  }
+  const std::uint64_t index = row / DrawnReceipt::pieceRows;
+  return index < receipt->pieces.size() ? receipt->pieces[index] : nullptr;
 }
 
 http::Text ReceiptShelf::file(std::uint64_t id, const std::string& kind) const {

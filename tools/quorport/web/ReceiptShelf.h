@@ -5,6 +5,7 @@
 #include <deque>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "simulator/Dialect.h"
 #include "simulator/JobRecord.h"
@@ -44,6 +45,10 @@ class ReceiptShelf {
   /// The receipt as a file: `kind` is `png`, `txt` or `bin`. Null if there is no such receipt.
   http::Text file(std::uint64_t id, const std::string& kind) const;
 
+  /// The rows of its picture from that one on, `DrawnReceipt::pieceRows` at most: a PNG file. Null
+  /// if there is no such receipt, or no piece begins there.
+  http::Text piece(std::uint64_t id, std::uint64_t row) const;
+
   /// The approximate size of all receipts, in bytes.
   std::size_t bytes() const { return bytes_; }
 
@@ -60,7 +65,8 @@ class ReceiptShelf {
     http::Text record;  // the record of its job, as one line of JSON
     http::Text text;
     http::Text received;
-    http::Text picture;  // the PNG file; null if there is no paper
+    http::Text picture;              // the PNG file; null if there is no paper
+    std::vector<http::Text> pieces;  // the PNG files of a tall picture
 
     std::size_t weight() const;
   };

@@ -104,7 +104,9 @@ Answer Site::receipt(const http::Request& request) const {
     const Json json = receipts_.describe(*id, numberOf(request, "from").value_or(0));
     return json.is_null() ? notThere() : inJson(json);
   }
-  const http::Text file = receipts_.file(*id, kind);
+  const auto from = numberOf(request, "from");
+  const http::Text file =
+      kind == "png" && from ? receipts_.piece(*id, *from) : receipts_.file(*id, kind);
   if (file == nullptr) {
     return notThere();
   }

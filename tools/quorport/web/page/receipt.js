@@ -5,9 +5,6 @@ import { bytesOf, counted, moment, paired, paperLength } from "./words.js";
 
 const number = location.pathname.split("/").pop();
 
-/** Browsers show no taller pictures, and use much memory when they try. The file can still be saved. */
-const tallestPicture = 16000; // dots
-
 async function load(from) {
   const answer = await fetch(`${number}.json${from === null ? "" : `?from=${from}`}`);
   if (!answer.ok) {
@@ -22,16 +19,19 @@ function part(title, ...children) {
     ...children);
 }
 
-function picture(receipt) {
-  if (receipt.height === 0) {
+/** The picture in pieces, each loaded when it is scrolled to: no browser shows a picture of many metres. */
+function picture({width, height, pieceRows}) {
+  if (height === 0) {
     return make("p", {class: "hint"}, "The job left no paper.");
   }
-  if (receipt.height > tallestPicture) {
-    return make("p", {class: "hint"}, `It is ${paperLength(receipt.height)} long: save the picture to look at it.`);
+  const pieces = [];
+  for (let row = 0; row < height; row += pieceRows) {
+    const alt = row === 0 ? "The receipt as it was printed; its text follows" : "";
+    const rows = Math.min(pieceRows, height - row);
+    pieces.push(make("img", {alt, src: `${number}.png?from=${row}`, width, height: rows, loading: "lazy"}));
   }
-  const alt = "The receipt as it was printed; its text follows";
-  const image = make("img", {alt, src: `${number}.png`, width: receipt.width, height: receipt.height});
-  return make("div", {class: "whole", role: "region", tabindex: "0", "aria-label": "Picture of the receipt"}, image);
+  const label = "Picture of the receipt";
+  return make("div", {class: "whole", role: "region", tabindex: "0", "aria-label": label}, ...pieces);
 }
 
 function figures(receipt) {

@@ -8,9 +8,6 @@ import { clockTime, counted, paperLength } from "./words.js";
 const shownAtFirst = 24;
 export const mostReceipts = 200;
 
-/** A small preview of a taller picture is not worth its memory. */
-const tallestPicture = 6000; // dots
-
 export class Receipts {
   constructor(place) {
     this.list = make("ul", {class: "plain receipts", "aria-labelledby": "receipts-title"});
@@ -67,10 +64,10 @@ export class Receipts {
   }
 
   picture(receipt) {
-    if (receipt.height === 0 || receipt.height > tallestPicture) {
+    if (receipt.height === 0) {
       return make("span", {class: "thumbnail"});
     }
-    return make("img", {class: "thumbnail", alt: "", loading: "lazy", src: `${receipt.address}.png`,
-      width: receipt.width, height: receipt.height});
+    return make("img", {class: "thumbnail", alt: "", loading: "lazy", src: `${receipt.address}.png?from=0`,
+      width: receipt.width, height: Math.min(receipt.height, receipt.pieceRows)});
   }
 }
