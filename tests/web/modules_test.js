@@ -44,6 +44,7 @@ test("an entry of the log fits if it holds each of the words", () => {
   assert.ok(fits(entry, ["1b", "40"]));
   assert.ok(fits(entry, ["1b40"]));
   assert.ok(!fits(entry, ["esc", "bar"]));
+  assert.ok(fits({name: "control", meaning: '{"set": {}}', answer: '{"ok": false}'}, ["false"]));
 });
 
 test("numbers, lengths and bytes are written for people", () => {

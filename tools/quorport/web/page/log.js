@@ -11,8 +11,8 @@ const kinds = {command: "commands", answer: "answers", control: "control lines",
 
 /** True if an entry contains each of the words, in any column. */
 export function fits(entry, words) {
-  const {name, meaning = "", bytes = "", where = ""} = entry;
-  const text = `${name} ${meaning} ${bytes} ${paired(bytes)} ${where}`.toLowerCase();
+  const {name, meaning = "", answer = "", bytes = "", where = ""} = entry;
+  const text = `${name} ${meaning} ${answer} ${bytes} ${paired(bytes)} ${where}`.toLowerCase();
   return words.every((word) => text.includes(word));
 }
 
