@@ -3,7 +3,8 @@
 from __future__ import annotations
 
 import asyncio
-from collections.abc import AsyncIterator, Callable, Sequence
+from collections.abc import AsyncGenerator, Callable, Sequence
+from contextlib import aclosing
 from types import TracebackType
 from typing import Self
 
@@ -161,13 +162,14 @@ class AsyncPrintJob:
 
     async def run(self, data: bytes | bytearray | memoryview) -> PrintResult:
         """As PrintJob.run."""
-        async for progress in self.steps(data):
-            if self._progress is not None:
-                self._progress(progress)
+        async with aclosing(self.steps(data)) as steps:
+            async for progress in steps:
+                if self._progress is not None:
+                    self._progress(progress)
         assert self.result is not None
         return self.result
 
-    async def steps(self, data: bytes | bytearray | memoryview) -> AsyncIterator[Progress]:
+    async def steps(self, data: bytes | bytearray | memoryview) -> AsyncGenerator[Progress, None]:
         """As PrintJob.steps."""
         loop = asyncio.get_running_loop()
         told: asyncio.Queue[Progress | None] = asyncio.Queue()

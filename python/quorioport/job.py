@@ -221,7 +221,9 @@ class PrintJob:
         return self._finish(self._start(data, self._progress))
 
     def steps(self, data: bytes | bytearray | memoryview) -> Iterator[Progress]:
-        """Prints the data and yields its progress; afterwards `result` is set. Leaving the loop early cancels the job.
+        """Prints the data and yields its progress; afterwards `result` is set.
+
+        Leaving the loop early cancels the job, and so does Ctrl-C.
         """
         told: queue.SimpleQueue[Progress | None] = queue.SimpleQueue()
 
@@ -235,7 +237,7 @@ class PrintJob:
         try:
             while (progress := told.get()) is not None:
                 yield progress
-        except GeneratorExit:
+        except BaseException:  # the caller has left the loop, or Ctrl-C ends the wait
             self.cancel()
             raise
         finally:

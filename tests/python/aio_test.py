@@ -98,6 +98,16 @@ class Asynchronous(unittest.IsolatedAsyncioTestCase):
                 await task
             self.assertEqual((job.result.outcome, job.result.obstacle), (Outcome.UNCONFIRMED, Obstacle.CANCELLED))
 
+    async def test_an_error_of_the_progress_function_cancels_the_job_and_is_raised_after_its_end(self):
+        def fail(progress):
+            raise LookupError("no such till")
+
+        async with AsyncPort(self.printer(speed=10).device, end_timeout=60) as port:
+            job = AsyncPrintJob(port, progress=fail)
+            with self.assertRaisesRegex(LookupError, "no such till"):
+                await job.run(RECEIPT)
+            self.assertEqual(job.result.obstacle, Obstacle.CANCELLED)
+
     async def test_a_job_that_is_cancelled_before_it_runs_sends_nothing(self):
         async with AsyncPort(self.printer().device) as port:
             job = AsyncPrintJob(port)

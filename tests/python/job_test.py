@@ -149,17 +149,18 @@ from quorioport import Port, PrintJob
 with Port(sys.argv[1], end_timeout=60) as port:
     job = PrintJob(port, progress=lambda p: p.bytes_accepted and print("begun", flush=True))
     try:
-        job.run(b"receipt\\n" * 20)
+        USE
     except KeyboardInterrupt:
         print(job.result.outcome.value, job.result.obstacle.value, flush=True)
 """
-        till = subprocess.Popen([sys.executable, "-c", program, self.printer(speed=10).device], stdout=subprocess.PIPE,
-                                text=True)
-        self.addCleanup(till.stdout.close)
-        self.assertEqual(till.stdout.readline(), "begun\n")
-        os.kill(till.pid, signal.SIGINT)
-        self.assertEqual(till.stdout.read().splitlines()[-1], "unconfirmed cancelled")
-        self.assertEqual(till.wait(30), 0)
+        for use in ('job.run(b"receipt" * 20)', 'list(job.steps(b"receipt" * 20))'):
+            till = subprocess.Popen([sys.executable, "-c", program.replace("USE", use), self.printer(speed=10).device],
+                                    stdout=subprocess.PIPE, text=True)
+            self.addCleanup(till.stdout.close)
+            self.assertEqual(till.stdout.readline(), "begun\n")
+            os.kill(till.pid, signal.SIGINT)
+            self.assertEqual(till.stdout.read().splitlines()[-1], "unconfirmed cancelled", use)
+            self.assertEqual(till.wait(30), 0)
 
 
 if __name__ == "__main__":
