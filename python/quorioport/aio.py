@@ -50,8 +50,12 @@ class AsyncPort:
         self._handle = self._port.handle
 
     async def __aenter__(self) -> Self:
-        """Opens the port."""
-        await self.open()
+        """Opens the port. One that opens after its task was cancelled is closed."""
+        try:
+            await self.open()
+        except BaseException:
+            self._port.worker.submit(self._handle.close)
+            raise
         return self
 
     async def __aexit__(

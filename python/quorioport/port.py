@@ -95,8 +95,12 @@ class Port:
         self._worker = Worker()
 
     def __enter__(self) -> Self:
-        """Opens the port."""
-        self.open()
+        """Opens the port. One that opens after Ctrl-C is closed."""
+        try:
+            self.open()
+        except BaseException:
+            self._worker.submit(self._handle.close)
+            raise
         return self
 
     def __exit__(

@@ -1,6 +1,7 @@
 """The port for asyncio: the same answers, and a loop that is never blocked."""
 
 import asyncio
+import threading
 import time
 import unittest
 
@@ -107,6 +108,19 @@ class Asynchronous(unittest.IsolatedAsyncioTestCase):
             with self.assertRaisesRegex(LookupError, "no such till"):
                 await job.run(RECEIPT)
             self.assertEqual(job.result.obstacle, Obstacle.CANCELLED)
+
+    async def test_a_port_that_opens_after_its_task_was_cancelled_is_closed(self):
+        port, may_open = AsyncPort(self.printer().device), threading.Event()
+        self.addCleanup(may_open.set)
+        port.port.worker.submit(may_open.wait)
+        opening = asyncio.create_task(port.__aenter__())
+        await asyncio.sleep(0)  # it has begun
+        opening.cancel()
+        with self.assertRaises(asyncio.CancelledError):
+            await opening
+        may_open.set()
+        self.assertFalse(await port.is_connected())
+        self.assertFalse(port.is_open)
 
     async def test_a_job_that_is_cancelled_before_it_runs_sends_nothing(self):
         async with AsyncPort(self.printer().device) as port:
