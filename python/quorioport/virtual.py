@@ -56,7 +56,7 @@ class VirtualPrinter:
         self._jobs: queue.SimpleQueue[dict[str, Any]] = queue.SimpleQueue()
         self._control = threading.Lock()
         given = [word for name, value in settings.items() for word in ("--set", f"{key_of(name)}={_text(value)}")]
-        self._errors = tempfile.TemporaryFile("w+")  # noqa: SIM115 - closed with the printer
+        self._errors = tempfile.TemporaryFile("w+", encoding="utf-8")  # noqa: SIM115 - closed with the printer
         program = command or os.environ.get("QUORPORT") or "quorport"
         try:
             self._process = subprocess.Popen(
@@ -64,7 +64,7 @@ class VirtualPrinter:
                 stdin=subprocess.PIPE,
                 stdout=subprocess.PIPE,
                 stderr=self._errors,
-                text=True,
+                encoding="utf-8",
             )
         except OSError as error:
             self._errors.close()
@@ -126,7 +126,7 @@ class VirtualPrinter:
         except queue.Empty:
             raise OperationError(f"no job ended within {timeout} s; one ends when its port is closed") from None
         files = [Path(name) for name in record["files"]]
-        text = "".join(file.read_text() for file in files if file.suffix == ".txt")
+        text = "".join(file.read_text(encoding="utf-8") for file in files if file.suffix == ".txt")
         pictures = [file.read_bytes() for file in files if file.suffix == ".png"]
         return Receipt(text, pictures[0] if pictures else b"", record)
 

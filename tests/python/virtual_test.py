@@ -1,6 +1,8 @@
 """The virtual printer for programs and tests in Python."""
 
 import os
+import subprocess
+import sys
 import unittest
 from pathlib import Path
 
@@ -17,6 +19,19 @@ class Virtual(unittest.TestCase):
         self.assertIn("Café", receipt.text)
         self.assertTrue(receipt.picture.startswith(b"\x89PNG"))
         self.assertEqual(receipt.record["cuts"], 1)
+
+    def test_a_receipt_is_read_in_a_locale_of_another_encoding(self):
+        program = """
+from quorioport import Emulation, Port, VirtualPrinter
+with VirtualPrinter() as printer:
+    with Port(printer.device, emulation=Emulation.ESCPOS) as port:
+        port.print(b"Caf\\x82\\n")
+    print(ascii(printer.next_receipt().text))
+"""
+        ascii_alone = {"LC_ALL": "C", "PYTHONCOERCECLOCALE": "0", "PYTHONUTF8": "0"}
+        ran = subprocess.run([sys.executable, "-c", program], env=os.environ | ascii_alone, capture_output=True,
+                             text=True, timeout=60, check=False)
+        self.assertEqual(ran.stdout, "'Caf\\xe9\\n'\n", ran)
 
     def test_each_receipt_is_handed_out_once_and_in_order(self):
         with VirtualPrinter() as printer:
