@@ -17,4 +17,15 @@ void checkPath(const std::string& place, std::size_t longest) {
   }
 }
 
+std::string deviceText(std::string_view scheme, std::string_view place) {
+  std::string text = std::string(scheme) + ":";
+  for (const char letter : place) {
+    if (letter == ',' || letter == '\\') {
+      text += '\\';
+    }
+    text += letter;
+  }
+  return text;
+}
+
 }  // namespace quordalvane::spec

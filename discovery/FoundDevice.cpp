@@ -43,15 +43,4 @@ std::string shownText(std::string_view text) {
   return shown;
 }
 
-std::string deviceText(std::string_view scheme, std::string_view place) {
-  std::string text = std::string(scheme) + ":";
-  for (const char letter : place) {
-    if (letter == ',' || letter == '\\') {
-      text += '\\';
-    }
-    text += letter;
-  }
-  return text;
-}
-
 }  // namespace quordalvane

@@ -28,8 +28,4 @@ struct FoundDevice {
 /// about 100 bytes.
 std::string shownText(std::string_view text);
 
-/// Returns the device text of `place` in `scheme`, as `parseDeviceSpec` takes it. Commas and
-/// backslashes are escaped.
-std::string deviceText(std::string_view scheme, std::string_view place);
-
 }  // namespace quordalvane

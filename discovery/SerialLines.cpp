@@ -1,7 +1,9 @@
 #include "discovery/SerialLines.h"
 
 #include <algorithm>
-#include <fstream>
+
+#include "backends/SpecText.h"
+#include "backends/posix/SystemFiles.h"
 
 namespace quordalvane {
 namespace {
@@ -12,30 +14,12 @@ namespace fs = std::filesystem;
 // them.
 constexpr int highest = 4;
 
-std::vector<fs::path> entriesOf(const fs::path& folder) {
-  std::vector<fs::path> entries;
-  std::error_code error;
-  for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
-       entry.increment(error)) {
-    entries.push_back(entry->path());
-  }
-  return entries;
-}
-
-// Returns the first line of a system file.
-std::string lineOf(const fs::path& file) {
-  std::ifstream stream(file);
-  std::string line;
-  std::getline(stream, line);
-  return line;
-}
-
 // Consoles and pseudo-terminals have no hardware. The driver of classic serial ports also creates
 // lines for ports that do not exist.
 bool hasHardware(const fs::path& entry) {
   constexpr auto noHardware = "0";
   std::error_code error;
-  return fs::exists(entry / "device", error) && lineOf(entry / "type") != noHardware;
+  return fs::exists(entry / "device", error) && posix::contentOf(entry / "type") != noHardware;
 }
 
 // Returns the folder of the USB device that the line belongs to; empty if the line is not part of a
@@ -54,7 +38,7 @@ fs::path usbDeviceOf(const fs::path& entry) {
 // Returns the link to `node` that remains the same if the device is plugged in at another place;
 // `node` itself if there is no such link.
 fs::path lastingNameOf(const fs::path& node, const SerialRoots& roots) {
-  std::vector<fs::path> links = entriesOf(roots.dev / "serial/by-id");
+  std::vector<fs::path> links = posix::entriesOf(roots.dev / "serial/by-id");
   std::sort(links.begin(), links.end());
   for (const fs::path& link : links) {
     std::error_code error;
@@ -68,7 +52,7 @@ fs::path lastingNameOf(const fs::path& node, const SerialRoots& roots) {
 FoundDevice found(const fs::path& entry, const SerialRoots& roots) {
   const fs::path node = roots.dev / entry.filename();
   const fs::path device = usbDeviceOf(entry);
-  FoundDevice line{.device = deviceText("serial", lastingNameOf(node, roots).string()),
+  FoundDevice line{.device = spec::deviceText("serial", lastingNameOf(node, roots).string()),
                    .name = "serial line " + shownText(entry.filename().string()),
                    .serialNumber = "",
                    .maker = "",
@@ -76,9 +60,9 @@ FoundDevice found(const fs::path& entry, const SerialRoots& roots) {
                    .via = Via::Serial,
                    .reachable = std::nullopt};
   if (!device.empty()) {
-    line.maker = shownText(lineOf(device / "manufacturer"));
-    line.model = shownText(lineOf(device / "product"));
-    line.serialNumber = shownText(lineOf(device / "serial"));
+    line.maker = shownText(posix::contentOf(device / "manufacturer"));
+    line.model = shownText(posix::contentOf(device / "product"));
+    line.serialNumber = shownText(posix::contentOf(device / "serial"));
     line.name += line.model.empty() ? "" : " at " + line.model;
   }
   return line;
@@ -87,7 +71,7 @@ FoundDevice found(const fs::path& entry, const SerialRoots& roots) {
 }  // namespace
 
 std::vector<FoundDevice> serialLines(const SerialRoots& roots) {
-  std::vector<fs::path> entries = entriesOf(roots.sys / "class/tty");
+  std::vector<fs::path> entries = posix::entriesOf(roots.sys / "class/tty");
   std::sort(entries.begin(), entries.end());
   std::vector<FoundDevice> lines;
   for (const fs::path& entry : entries) {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "backends/SpecText.h"
 #include "text/PrintableText.h"
 
 namespace quordalvane {
@@ -11,26 +12,15 @@ namespace {
 
 using posix::UsbPrinter;
 
-bool isNamedBySerial(const UsbPrinter& printer, const posix::UsbRoots& roots) {
-  if (printer.serial.empty() || !isPrintable(printer.serial)) {
-    return false;
-  }
-  try {
-    return posix::findUsbPrinter(printer.serial, roots).node == printer.node;
-  } catch (const std::system_error&) {
-    return false;  // another printer has the same serial number
-  }
-}
-
 std::string nameOf(const UsbPrinter& printer) {
-  const std::string gap = printer.maker.empty() || printer.model.empty() ? "" : " ";
-  const std::string name = printer.maker + gap + printer.model;
+  const std::string name = printer.makerAndModel();
   return name.empty() ? "USB printer " + printer.vendor + ":" + printer.product : name;
 }
 
-FoundDevice found(const UsbPrinter& printer, const posix::UsbRoots& roots) {
+FoundDevice found(const UsbPrinter& printer, const std::vector<UsbPrinter>& printers) {
   const std::string node = printer.node.string();
-  return {.device = deviceText("usb", isNamedBySerial(printer, roots) ? printer.serial : node),
+  return {.device = isPrintable(printer.serial) ? textOf(printer, printers)
+                                                : spec::deviceText("usb", node),
           .name = shownText(nameOf(printer)),
           .serialNumber = shownText(printer.serial),
           .maker = shownText(printer.maker),
@@ -43,8 +33,9 @@ FoundDevice found(const UsbPrinter& printer, const posix::UsbRoots& roots) {
 
 std::vector<FoundDevice> usbDevices(const posix::UsbRoots& roots) {
   std::vector<FoundDevice> devices;
-  for (const UsbPrinter& printer : posix::usbPrinters(roots)) {
-    devices.push_back(found(printer, roots));
+  const std::vector<UsbPrinter> printers = posix::usbPrinters(roots);
+  for (const UsbPrinter& printer : printers) {
+    devices.push_back(found(printer, printers));
   }
   return devices;
 }

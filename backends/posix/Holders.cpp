@@ -4,12 +4,15 @@
 #include <sys/sysmacros.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <charconv>
 #include <filesystem>
 #include <fstream>
 #include <optional>
 #include <set>
 #include <sstream>
+
+#include "backends/posix/SystemFiles.h"
 
 namespace quordalvane::posix {
 namespace {
@@ -30,23 +33,17 @@ bool isSameFile(const struct stat& one, const struct stat& other) {
 }
 
 bool hasOpen(const fs::path& process, const struct stat& file) {
-  std::error_code error;
-  for (fs::directory_iterator entry(process / "fd", error), end; !error && entry != end;
-       entry.increment(error)) {
+  const std::vector<fs::path> descriptors = entriesOf(process / "fd");
+  return std::any_of(descriptors.begin(), descriptors.end(), [&file](const fs::path& entry) {
     struct stat opened {};
-    if (::stat(entry->path().c_str(), &opened) == 0 && isSameFile(opened, file)) {
-      return true;
-    }
-  }
-  return false;
+    return ::stat(entry.c_str(), &opened) == 0 && isSameFile(opened, file);
+  });
 }
 
 void addThoseThatHaveItOpen(const struct stat& file, std::set<pid_t>& found) {
-  std::error_code error;
-  for (fs::directory_iterator entry(processes, error), end; !error && entry != end;
-       entry.increment(error)) {
-    const auto process = processNumber(entry->path().filename().string());
-    if (process && hasOpen(entry->path(), file)) {
+  for (const fs::path& entry : entriesOf(processes)) {
+    const auto process = processNumber(entry.filename().string());
+    if (process && hasOpen(entry, file)) {
       found.insert(*process);
     }
   }

@@ -16,12 +16,6 @@ std::optional<std::string> ifAny(const std::string& text) {
   return text.empty() ? std::nullopt : std::optional(text);
 }
 
-std::string nameOf(const UsbPrinter& printer) {
-  const std::string space = printer.maker.empty() || printer.model.empty() ? "" : " ";
-  const std::string name = printer.maker + space + printer.model;
-  return name.empty() ? printer.text() : name;
-}
-
 }  // namespace
 
 Descriptor openUsbPrinter(const UsbPrinter& printer) {
@@ -48,9 +42,12 @@ UsbAccessory::UsbAccessory(AccessoryIdentity identity, std::string place, UsbRoo
 
 std::optional<std::string> UsbAccessory::name() {
   const auto given = LinkAccessory::name();
+  if (given && !given->empty()) {
+    return given;
+  }
   const auto printer = seek();
-  return given && !given->empty() ? given
-                                  : std::optional(printer ? nameOf(*printer) : "usb:" + place_);
+  const std::string own = printer ? printer->makerAndModel() : "";
+  return own.empty() ? "usb:" + place_ : own;
 }
 
 std::optional<std::string> UsbAccessory::serialNumber() {
@@ -85,19 +82,26 @@ std::error_code UsbAccessory::lastErrorCode() {
 // printer by now.
 UsbPrinter UsbAccessory::find() {
   const std::lock_guard lock(mutex_);
-  if (known_) {
-    for (const UsbPrinter& printer : usbPrinters(roots_)) {
-      if (printer.isSameDevice(*known_)) {
-        known_ = printer;
-        return printer;
-      }
-    }
-  }
-  if (known_ && !known_->serial.empty() && place_.starts_with('/')) {
+  if (const auto again = findAgain()) {
+    known_ = again;
+  } else if (known_ && !known_->serial.empty() && !hasTwin_ && place_.starts_with('/')) {
     return findUsbPrinter(known_->serial, roots_);  // another device may have its old node by now
+  } else {
+    known_ = findUsbPrinter(place_, roots_);
   }
-  known_ = findUsbPrinter(place_, roots_);
   return *known_;
+}
+
+// Some makers give all their printers one serial number. Once two such have been seen, only their
+// nodes distinguish them.
+std::optional<UsbPrinter> UsbAccessory::findAgain() {
+  std::vector<UsbPrinter> same = known_ ? usbPrinters(roots_) : std::vector<UsbPrinter>();
+  std::erase_if(same, [this](const UsbPrinter& one) { return !one.isSameDevice(*known_); });
+  hasTwin_ = hasTwin_ || same.size() > 1;
+  if (hasTwin_) {
+    std::erase_if(same, [this](const UsbPrinter& one) { return one.node != known_->node; });
+  }
+  return same.empty() ? std::nullopt : std::optional(same.front());
 }
 
 std::optional<UsbPrinter> UsbAccessory::seek(std::optional<std::system_error>* why) {

@@ -29,7 +29,8 @@ Descriptor::Kind usbKindOf(int number);
 class UsbAccessory : public LinkAccessory {
  public:
   /// `place` selects the printer, as described at `findUsbPrinter`. Once it was found, it is
-  /// recognised by its texts, even if its device node has changed.
+  /// recognised by its texts, even if its device node has changed, unless another
+  /// printer has the same texts.
   UsbAccessory(AccessoryIdentity identity, std::string place, UsbRoots roots = {});
 
   std::optional<std::string> name() override;
@@ -43,12 +44,14 @@ class UsbAccessory : public LinkAccessory {
 
  private:
   UsbPrinter find();
+  std::optional<UsbPrinter> findAgain();
   std::optional<UsbPrinter> seek(std::optional<std::system_error>* why = nullptr);
 
   const std::string place_;
   const UsbRoots roots_;
   std::mutex mutex_;                 // guards the members below
   std::optional<UsbPrinter> known_;  // the printer as it was found last
+  bool hasTwin_ = false;             // whether another printer with the same texts was ever found
 };
 
 }  // namespace quordalvane::posix

@@ -1,10 +1,11 @@
 #include "backends/posix/UsbPrinters.h"
 
 #include <algorithm>
-#include <fstream>
 #include <map>
 
+#include "backends/SpecText.h"
 #include "backends/posix/Holders.h"
+#include "backends/posix/SystemFiles.h"
 
 namespace quordalvane::posix {
 namespace {
@@ -42,30 +43,6 @@ class UsbCategory : public std::error_category {
 
 [[noreturn]] void fail(UsbError error, const std::string& text) {
   throw std::system_error(static_cast<int>(error), usbCategory(), text);
-}
-
-// Returns the beginning of a system file, without the line end. The content may come from a device,
-// so its length is limited.
-std::string contentOf(const fs::path& file) {
-  constexpr std::size_t longest = 4096;
-  std::ifstream stream(file, std::ios::binary);
-  std::string text(longest, '\0');
-  stream.read(text.data(), longest);
-  text.resize(static_cast<std::size_t>(std::max<std::streamsize>(stream.gcount(), 0)));
-  while (!text.empty() && (text.back() == '\n' || text.back() == '\0')) {
-    text.pop_back();
-  }
-  return text;
-}
-
-std::vector<fs::path> entriesOf(const fs::path& folder) {
-  std::vector<fs::path> entries;
-  std::error_code error;
-  for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
-       entry.increment(error)) {
-    entries.push_back(entry->path());
-  }
-  return entries;
 }
 
 std::string trimmed(std::string_view text) {
@@ -120,14 +97,6 @@ bool comesBefore(const UsbPrinter& one, const UsbPrinter& other) {
   return first.size() != second.size() ? first.size() < second.size() : first < second;
 }
 
-bool isModel(std::string_view place) {
-  constexpr std::string_view form = "04b8:0202";
-  return std::equal(place.begin(), place.end(), form.begin(), form.end(), [](char c, char example) {
-    const bool isHex = (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
-    return example == ':' ? c == ':' : isHex;
-  });
-}
-
 std::string inSmallLetters(std::string text) {
   std::transform(text.begin(), text.end(), text.begin(), [](char letter) {
     return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
@@ -142,25 +111,17 @@ bool isChosen(const UsbPrinter& printer, std::string_view place) {
            fs::weakly_canonical(printer.node, error);
   }
   const bool isOfModel =
-      isModel(place) && inSmallLetters(std::string(place)) ==
-                            inSmallLetters(printer.vendor) + ":" + inSmallLetters(printer.product);
+      inSmallLetters(std::string(place)) == inSmallLetters(printer.vendor + ":" + printer.product);
   return place.empty() || isOfModel || printer.serial == place;
 }
 
-// Escapes commas and backslashes, as a device text requires.
-std::string escaped(const std::string& place) {
+// Returns a list of the chosen ones of `printers`, each with the text that chooses it alone.
+std::string listed(const std::vector<UsbPrinter>& chosen, const std::vector<UsbPrinter>& printers) {
   std::string text;
-  for (const char letter : place) {
-    text += letter == ',' || letter == '\\' ? std::string{'\\', letter} : std::string(1, letter);
-  }
-  return text;
-}
-
-std::string listed(const std::vector<UsbPrinter>& printers) {
-  std::string text;
-  for (const UsbPrinter& printer : printers) {
-    const std::string model = trimmed(printer.maker + " " + printer.model);
-    text += (text.empty() ? "" : ", ") + printer.text() + (model.empty() ? "" : " (" + model + ")");
+  for (const UsbPrinter& printer : chosen) {
+    const std::string model = printer.makerAndModel();
+    text += text.empty() ? "" : ", ";
+    text += textOf(printer, printers) + (model.empty() ? "" : " (" + model + ")");
   }
   return text;
 }
@@ -219,7 +180,7 @@ bool hasHubDroppedOne(const UsbRoots& roots) {
     fail(UsbError::DroppedByHub, wanted);
   }
   fail(UsbError::NotPluggedIn,
-       wanted + (printers.empty() ? "" : " (plugged in: " + listed(printers) + ")"));
+       wanted + (printers.empty() ? "" : " (plugged in: " + listed(printers, printers) + ")"));
 }
 
 }  // namespace
@@ -234,9 +195,18 @@ bool UsbPrinter::isSameDevice(const UsbPrinter& other) const {
          maker == other.maker && model == other.model && (!serial.empty() || node == other.node);
 }
 
-std::string UsbPrinter::text() const {
-  const std::string place = serial.empty() || serial.starts_with('/') ? node.string() : serial;
-  return "usb:" + escaped(place);
+std::string UsbPrinter::makerAndModel() const {
+  return maker + (maker.empty() || model.empty() ? "" : " ") + model;
+}
+
+std::string textOf(const UsbPrinter& printer, const std::vector<UsbPrinter>& printers) {
+  const std::string& serial = printer.serial;
+  const bool isPlain = !serial.empty() && !serial.starts_with('/');
+  const bool isNamedBySerial =
+      isPlain && std::count_if(printers.begin(), printers.end(), [&](const UsbPrinter& other) {
+                   return isChosen(other, serial);
+                 }) == 1;
+  return spec::deviceText("usb", isNamedBySerial ? serial : printer.node.string());
 }
 
 std::vector<UsbPrinter> usbPrinters(const UsbRoots& roots) {
@@ -259,7 +229,7 @@ UsbPrinter findUsbPrinter(std::string_view place, const UsbRoots& roots) {
     failNotFound(place, printers, roots);
   }
   if (chosen.size() > 1) {
-    fail(UsbError::Ambiguous, "name one of " + listed(chosen));
+    fail(UsbError::Ambiguous, "name one of " + listed(chosen, printers));
   }
   return chosen.front();
 }

@@ -23,10 +23,13 @@ struct UsbPrinter {
   /// model without serial numbers can be distinguished only by their nodes.
   bool isSameDevice(const UsbPrinter& other) const;
 
-  /// Returns the device text that selects this printer. It contains the serial number, or the node
-  /// if there is no serial number or it could be taken for a path.
-  std::string text() const;
+  /// Returns "Maker Model", either of them alone, or "".
+  std::string makerAndModel() const;
 };
+
+/// Returns the device text that chooses this one of `printers`. It contains the serial number, or
+/// the node if there is no serial number, it could be taken for a path, or it chooses another one.
+std::string textOf(const UsbPrinter& printer, const std::vector<UsbPrinter>& printers);
 
 /// The reason why no USB printer can be chosen.
 enum class UsbError {

@@ -1,5 +1,6 @@
 #include "discovery/BluetoothDevices.h"
 
+#include "backends/SpecText.h"
 #include "backends/bluez/Service.h"
 
 namespace quordalvane {
@@ -19,7 +20,7 @@ std::vector<FoundDevice> bluetoothDevices(std::chrono::milliseconds limit) {
   bluez::Bus bus(deadline);
   std::vector<FoundDevice> devices;
   for (const auto& printer : pairedPrinters(askService(bus, deadline))) {
-    devices.push_back({.device = deviceText("bluetooth", shownText(printer.address)),
+    devices.push_back({.device = spec::deviceText("bluetooth", shownText(printer.address)),
                        .name = shownText(printer.name.empty() ? printer.address : printer.name),
                        .serialNumber = "",
                        .maker = "",

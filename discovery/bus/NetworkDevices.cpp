@@ -10,6 +10,7 @@
 #include <string_view>
 #include <utility>
 
+#include "backends/SpecText.h"
 #include "backends/bluez/Bus.h"
 
 namespace quordalvane {
@@ -138,7 +139,7 @@ class Search {
       return;
     }
     const std::string type = valueOf(texts, "ty");
-    found_[name] = {.device = deviceText("tcp", place),
+    found_[name] = {.device = spec::deviceText("tcp", place),
                     .name = shownText(type.empty() ? name : type),
                     .serialNumber = "",
                     .maker = shownText(valueOf(texts, "usb_MFG")),

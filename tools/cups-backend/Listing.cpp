@@ -2,9 +2,9 @@
 
 #include <string_view>
 
+#include "discovery/DeviceId.h"
 #include "discovery/Discovery.h"
 #include "logging/DescriptorOutput.h"
-#include "tools/cups-backend/DeviceId.h"
 #include "tools/cups-backend/DeviceUri.h"
 
 namespace quordalvane::cups {

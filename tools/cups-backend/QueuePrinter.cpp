@@ -6,9 +6,9 @@
 
 #include "backends/DeviceIdentity.h"
 #include "backends/Devices.h"
+#include "discovery/DeviceId.h"
 #include "locks/DeviceLock.h"
 #include "text/Quoted.h"
-#include "tools/cups-backend/DeviceId.h"
 
 namespace quordalvane::cups {
 namespace {

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "discovery/DeviceId.h"
 #include "discovery/Discovery.h"
 #include "tools/printer-app/Pappl.h"
 
@@ -17,7 +18,7 @@ bool listDevices(pappl_device_cb_t take, void* data, pappl_deverror_cb_t tell, v
     tell(why.c_str(), tellData);
   }
   for (const FoundDevice& device : found.devices) {
-    const std::string id = "MFG:" + device.maker + ";MDL:" + device.model + ";";
+    const std::string id = deviceIdOf(device.maker, device.model, device.serialNumber);
     if (take(device.name.c_str(), uriOf(device.device).c_str(), id.c_str(), data)) {
       return true;
     }

@@ -9,6 +9,7 @@
 #include "backends/DeviceSpec.h"
 #include "backends/HostAndPort.h"
 #include "backends/Schemes.h"
+#include "backends/SpecText.h"
 #include "backends/posix/UsbPrinters.h"
 #include "text/PrintableText.h"
 
@@ -370,6 +371,12 @@ TEST(DeviceSpec, TakesTextsOfAnyLengthAndEveryByte) {
   EXPECT_EQ(parseDeviceSpec("unix:p,name=" + odd).identity.name, odd);
   const std::string huge(1'000'000, 'x');
   EXPECT_EQ(parseDeviceSpec("virtual:,name=" + huge).identity.name, huge);
+}
+
+TEST(DeviceText, IsReadBackForEveryPlace) {
+  for (const std::string place : {"S 1/7", "a,b", "a\\b", "\\", ",baud=9600"}) {
+    EXPECT_EQ(parseDeviceSpec(spec::deviceText("usb", place)).place, place);
+  }
 }
 
 }  // namespace

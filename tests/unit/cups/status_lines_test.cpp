@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <csignal>
 
-#include "tools/cups-backend/DeviceId.h"
 #include "tools/cups-backend/SideChannel.h"
 
 namespace quordalvane::cups {
@@ -131,11 +130,6 @@ TEST(StateBits, TranslateTheStatusIntoTheSideChannelsBits) {
   EXPECT_EQ(stateBitsOf(record), CUPS_SC_STATE_ERROR | CUPS_SC_STATE_MEDIA_EMPTY);
   EXPECT_EQ(stateBitsOf(status(&QuorPrinterStatus_2::receiptPaperNearEmptyInner)),
             CUPS_SC_STATE_ONLINE | CUPS_SC_STATE_MEDIA_LOW);
-}
-
-TEST(DeviceId, NamesWhatIsKnown) {
-  EXPECT_EQ(deviceIdOf("Maker", "T 20", "4711"), "MFG:Maker;MDL:T 20;SN:4711;CLS:PRINTER;");
-  EXPECT_EQ(deviceIdOf("", "T;20:\n\"", ""), "MDL:T 20   ;CLS:PRINTER;");
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "backends/DeviceSpec.h"
 #include "text/PrintableText.h"
 
 namespace quordalvane {
@@ -26,12 +25,6 @@ TEST(ShownText, IsShortAndEndsWithAWholeCharacter) {
   EXPECT_TRUE(shownText("x" + text).ends_with("\u20ac..."));
   EXPECT_EQ(shownText(std::string(100, 'x')), std::string(100, 'x'));
   EXPECT_EQ(shownText(std::string(101, 'x')), std::string(100, 'x') + "...");
-}
-
-TEST(DeviceText, IsReadBackForEveryPlace) {
-  for (const std::string place : {"S 1/7", "a,b", "a\\b", "\\", ",baud=9600"}) {
-    EXPECT_EQ(parseDeviceSpec(deviceText("usb", place)).place, place);
-  }
 }
 
 }  // namespace

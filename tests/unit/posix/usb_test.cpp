@@ -138,8 +138,8 @@ TEST_F(UsbTest, IsNamedByATextThatChoosesIt) {
   plugIn(0, till, "a, b\\c");
   plugIn(1, till, "/slash");
   const auto printers = usbPrinters(roots());
-  EXPECT_EQ(printers.front().text(), "usb:a\\, b\\\\c");
-  EXPECT_EQ(printers.back().text(), "usb:" + (roots().dev / "usb/lp1").string());
+  EXPECT_EQ(textOf(printers.front(), printers), "usb:a\\, b\\\\c");
+  EXPECT_EQ(textOf(printers.back(), printers), "usb:" + (roots().dev / "usb/lp1").string());
   EXPECT_EQ(nodeOf("a, b\\c"), "lp0");
 }
 
@@ -150,6 +150,14 @@ TEST_F(UsbTest, TwoOfOneModelAreAnErrorThatNamesBoth) {
   EXPECT_EQ(reason("", &text), code(UsbError::Ambiguous));
   EXPECT_THAT(text, AllOf(HasSubstr("usb:A (Quor Dalvane XQ700)"), HasSubstr("usb/lp1")));
   EXPECT_EQ(reason("04b8:0202"), code(UsbError::Ambiguous));
+}
+
+TEST_F(UsbTest, TwoOfOneSerialNumberAreNamedByTheirNodes) {
+  plugIn(0, till, "0123456789");
+  plugIn(1, till, "0123456789");
+  std::string text;
+  EXPECT_EQ(reason("0123456789", &text), code(UsbError::Ambiguous));
+  EXPECT_THAT(text, AllOf(HasSubstr("usb/lp0 ("), HasSubstr("usb/lp1 (")));
 }
 
 TEST_F(UsbTest, AMissingPrinterIsReported) {
@@ -246,6 +254,25 @@ TEST_F(UsbTest, APrinterThatIsPluggedInAgainIsFoundByItsTextsAndNotByItsNumber) 
   plugIn(1, till, "mine");
   EXPECT_EQ(accessory.serialNumber(), "mine");
   EXPECT_FALSE(accessory.protocolStrings().empty());
+}
+
+TEST_F(UsbTest, OneOfTwoWithTheSameSerialNumberIsNeverTakenForTheOther) {
+  plugIn(0, till, "0123456789");
+  const auto bar = test::openPseudoTerminal();
+  const Descriptor printer(bar.master, Descriptor::Kind::Terminal);
+  plugIn(1, till, "0123456789");
+  fs::remove(roots().dev / "usb/lp1");
+  fs::create_symlink(bar.line, roots().dev / "usb/lp1");
+  UsbAccessory accessory({}, (roots().dev / "usb/lp1").string(), roots());
+  EXPECT_FALSE(accessory.protocolStrings().empty());
+  const auto session = accessory.openSession("com.quordalvane.receipt");
+  ASSERT_NE(session, nullptr) << accessory.lastError();
+  const std::uint8_t byte = 'x';
+  session->outputStream()->write(&byte, 1);
+  std::uint8_t heard = 0;
+  EXPECT_EQ(printer.receiveUntil(&heard, 1, deadlineIn(10)), 1);
+  pull(1);
+  EXPECT_TRUE(accessory.protocolStrings().empty());
 }
 
 TEST_F(UsbTest, ANodeThatVanishedSinceItWasSeenIsASystemError) {

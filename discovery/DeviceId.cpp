@@ -1,6 +1,6 @@
-#include "tools/cups-backend/DeviceId.h"
+#include "discovery/DeviceId.h"
 
-namespace quordalvane::cups {
+namespace quordalvane {
 namespace {
 
 void append(std::string& id, std::string_view key, std::string_view value) {
@@ -26,4 +26,4 @@ std::string deviceIdOf(std::string_view maker, std::string_view model, std::stri
   return id;
 }
 
-}  // namespace quordalvane::cups
+}  // namespace quordalvane
