@@ -29,6 +29,7 @@ constexpr auto rawPort = "_pdl-datastream._tcp";
 
 constexpr std::int32_t any = -1;  // interface or protocol
 constexpr std::uint32_t noFlags = 0;
+constexpr std::uint32_t fromCache = 1;  // the service remembers it, and has not heard it now
 
 // No shop has so many printers. The limit protects against a flood of announcements.
 constexpr std::size_t mostAnnouncements = 100;
@@ -84,10 +85,10 @@ class Search {
                                    sdbus::ObjectPath("/"))),
         // The match is added first, because announcements may arrive before the answer to
         // ServiceBrowserNew.
-        match_(bluez::addMatch(
-            bus.connection(),
-            "type='signal',interface='org.freedesktop.Avahi.ServiceBrowser',member='ItemNew'",
-            [this](sdbus::Message& message) { hear(message); })) {
+        match_(bluez::addMatch(bus.connection(),
+                               "type='signal',sender='org.freedesktop.Avahi',"
+                               "interface='org.freedesktop.Avahi.ServiceBrowser',member='ItemNew'",
+                               [this](sdbus::Message& message) { hear(message); })) {
     bus_.call(deadline, {serviceName, "/", serverInterface, "ServiceBrowserNew"}, any, any,
               std::string(rawPort), std::string(), noFlags);
   }
@@ -120,16 +121,16 @@ class Search {
                                 const std::string& /*type*/, const std::string& /*domain*/,
                                 const std::string& /*host*/, std::int32_t /*family*/,
                                 const std::string& address, std::uint16_t port, const Texts& texts,
-                                std::uint32_t /*flags*/) {
+                                std::uint32_t flags) {
           if (!error) {
-            note(name, placeOf(address, port, interface), texts);
+            note(name, placeOf(address, port, interface), texts, (flags & fromCache) == 0);
           }
         });
   }
 
   // Notes a printer. It is announced once for each interface and kind of address; the shortest
   // address is kept.
-  void note(const std::string& name, const std::string& place, const Texts& texts) {
+  void note(const std::string& name, const std::string& place, const Texts& texts, bool isHeard) {
     if (place.empty() || place.ends_with(":0")) {
       return;
     }
@@ -145,7 +146,7 @@ class Search {
                     .maker = shownText(valueOf(texts, "usb_MFG")),
                     .model = shownText(valueOf(texts, "usb_MDL")),
                     .via = Via::Network,
-                    .reachable = true};
+                    .reachable = isHeard ? std::optional(true) : std::nullopt};
   }
 
   Bus& bus_;

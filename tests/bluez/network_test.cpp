@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <future>
 
 #include "backends/DeviceSpec.h"
 #include "discovery/BluetoothDevices.h"
@@ -45,6 +46,27 @@ TEST_F(Search, FindsThePrintersThatAnnounceARawPort) {
                                  AllOf(Field(&FoundDevice::device, "tcp:[2001:db8::7]:9101"),
                                        Field(&FoundDevice::name, "Counter"))));
   EXPECT_THAT(avahi.askedFor(), ElementsAre("_pdl-datastream._tcp"));
+}
+
+TEST_F(Search, DoesNotCallAPrinterReachableThatIsOnlyRemembered) {
+  constexpr std::uint32_t remembered = 1;
+  const StandInAvahi avahi({{.name = "Bar"}, {.name = "Counter", .flags = 4 | remembered}});
+  EXPECT_THAT(networkDevices(500ms), ElementsAre(Field(&FoundDevice::reachable, true),
+                                                 Field(&FoundDevice::reachable, std::nullopt)));
+}
+
+TEST_F(Search, ListensToTheServiceAlone) {
+  const StandInAvahi avahi(std::vector<StandInAnnouncement>(1));
+  const auto connection = sdbus::createSystemBusConnection();
+  const auto forger =
+      sdbus::createObject(*connection, sdbus::ObjectPath("/Client0/ServiceBrowser0"));
+  auto found = std::async(std::launch::async, networkDevices, 500ms);
+  while (found.wait_for(10ms) != std::future_status::ready) {
+    forger->emitSignal("ItemNew")
+        .onInterface("org.freedesktop.Avahi.ServiceBrowser")
+        .withArguments(std::string("no announcement"));
+  }
+  EXPECT_EQ(found.get().size(), 1U);
 }
 
 TEST_F(Search, OmitsAPrinterWithoutAUsableAddress) {

@@ -60,7 +60,8 @@ void StandInAvahi::resolve(Resolved&& result, const std::string& name) {
         texts.emplace_back(text.begin(), text.end());
       }
       return result.returnResults(2, 0, name, announcement.type, "local", "host.local", 0,
-                                  announcement.address, announcement.port, texts, 0);
+                                  announcement.address, announcement.port, texts,
+                                  announcement.flags);
     }
   }
   unanswered_.push_back(std::make_shared<Resolved>(std::move(result)));

@@ -17,6 +17,7 @@ struct StandInAnnouncement {
   std::uint16_t port = 9100;
   std::vector<std::string> texts = {};
   std::string type = "_pdl-datastream._tcp";
+  std::uint32_t flags = 0;  ///< of its resolution; 1 if the service only remembers it
 };
 
 /// The part of the network's discovery service that a search needs, on the system's bus. It
