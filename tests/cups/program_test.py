@@ -178,13 +178,42 @@ class SideChannel(ProgramCase):
         self.assertEqual(process.wait(DEADLINE), DONE)
 
     def test_reports_a_failed_drain_if_the_link_is_lost(self):
-        printer = self.simulator("tcp:0", "--set", "cut-after-in=45")
-        process = self.start(printer, channel=self.theirs)
+        printer = self.simulator()
+        printer.set(coverOpen=True)
+        process = self.start(printer, self.file("data", RECEIPT * 40), channel=self.theirs)
+        while b"INFO: waiting: cover open\n" not in process.stderr.readline():
+            pass
         self.ask(DRAIN)
-        process.stdin.write(RECEIPT * 40)
-        process.stdin.close()
+        printer.control({"fault": {"cut-after-in": 45}})
+        printer.set(coverOpen=False)
         self.assertEqual(self.answer(), (DRAIN, IO_ERROR, b""))
         self.assertEqual(process.wait(DEADLINE), HOLD)
+
+    def test_says_at_once_that_it_drains_nothing_in_mid_job(self):
+        printer = self.simulator()
+        process = self.start(printer, channel=self.theirs)
+        process.stdin.write(RECEIPT)
+        process.stdin.flush()
+        self.ask(DRAIN)
+        self.assertEqual(self.answer(), (DRAIN, NOT_IMPLEMENTED, b""))
+        self.assertEqual(printed(printer), 0)
+        process.stdin.write(RECEIPT)
+        process.stdin.close()
+        self.assertEqual(process.wait(DEADLINE), DONE)
+        self.assertEqual(printed(printer), 2 * len(RECEIPT))
+
+    def test_drains_the_data_of_a_pipe_that_is_closed(self):
+        printer = self.simulator()
+        printer.set(coverOpen=True)
+        process = self.start(printer, channel=self.theirs)
+        process.stdin.write(RECEIPT)
+        process.stdin.close()
+        self.ask(DRAIN)
+        while b"INFO: waiting: cover open\n" not in process.stderr.readline():
+            pass
+        printer.set(coverOpen=False)
+        self.assertEqual(self.answer(), (DRAIN, OK, b""))
+        self.assertEqual(process.wait(DEADLINE), DONE)
 
 
 if __name__ == "__main__":

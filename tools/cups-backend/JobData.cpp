@@ -1,6 +1,7 @@
 #include "tools/cups-backend/JobData.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -37,6 +38,11 @@ std::vector<std::uint8_t> readJobData(const std::optional<std::filesystem::path>
     throw std::length_error("it is empty: there is nothing to print");
   }
   return data;
+}
+
+bool isJobWhole(const std::optional<std::filesystem::path>& file) {
+  pollfd input{.fd = STDIN_FILENO, .events = 0, .revents = 0};
+  return file || (::poll(&input, 1, 0) == 1 && (input.revents & POLLHUP) != 0);
 }
 
 }  // namespace quordalvane::cups

@@ -12,4 +12,8 @@ namespace quordalvane::cups {
 /// than a job can have.
 std::vector<std::uint8_t> readJobData(const std::optional<std::filesystem::path>& file);
 
+/// Whether no more data can arrive after those that are there: they are in `file`, or every filter
+/// has closed its end of standard input.
+bool isJobWhole(const std::optional<std::filesystem::path>& file);
+
 }  // namespace quordalvane::cups

@@ -25,8 +25,12 @@ int channelIfGiven() {
 
 }  // namespace
 
-SideChannel::SideChannel(const PrinterState& state, std::string deviceId)
-    : state_(state), deviceId_(std::move(deviceId)), descriptor_(channelIfGiven()) {}
+SideChannel::SideChannel(const PrinterState& state, std::string deviceId,
+                         std::function<bool()> isJobWhole)
+    : state_(state),
+      deviceId_(std::move(deviceId)),
+      isJobWhole_(std::move(isJobWhole)),
+      descriptor_(channelIfGiven()) {}
 
 /// A filter waits for its answer before it asks again, so one read gets exactly one question.
 bool SideChannel::serve() {
@@ -39,9 +43,14 @@ bool SideChannel::serve() {
   return true;
 }
 
+/// A job is printed as a whole. A filter that waited for its first half on paper would wait for
+/// ever, as this back end would for the second.
 void SideChannel::answer(cups_sc_command_t command) {
   switch (command) {
     case CUPS_SC_CMD_DRAIN_OUTPUT:
+      if (!isJobWhole_()) {
+        return write(command, CUPS_SC_STATUS_NOT_IMPLEMENTED);
+      }
       isDrainOwed_ = true;
       answerOwed();
       return;

@@ -2,6 +2,7 @@
 
 #include <cups/sidechannel.h>
 
+#include <functional>
 #include <string>
 
 #include "tools/cups-backend/PrinterState.h"
@@ -12,8 +13,9 @@ namespace quordalvane::cups {
 /// their own.
 class SideChannel {
  public:
-  /// `state` must outlive it. `deviceId` is the IEEE 1284 device ID of the printer.
-  SideChannel(const PrinterState& state, std::string deviceId);
+  /// `state` must outlive it. `deviceId` is the IEEE 1284 device ID of the printer. `isJobWhole`
+  /// returns whether the filters have handed over all data.
+  SideChannel(const PrinterState& state, std::string deviceId, std::function<bool()> isJobWhole);
 
   /// Readable when a filter asks; -1 if there is no channel.
   int descriptor() const { return descriptor_; }
@@ -33,6 +35,7 @@ class SideChannel {
 
   const PrinterState& state_;
   const std::string deviceId_;
+  const std::function<bool()> isJobWhole_;
   const int descriptor_;
   bool isDrainOwed_ = false;
 };

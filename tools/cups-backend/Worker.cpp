@@ -92,7 +92,7 @@ ExitCode work(const BackEndJob& job, const DeviceUri& uri,
   PrinterState state;
   StopWish wish([] { ::_exit(static_cast<int>(ExitCode::CutOff)); });
   QueueJob queued(job, uri, {lines, wish, state, schedulerStart});
-  SideChannel channel(state, queued.printer().deviceId());
+  SideChannel channel(state, queued.printer().deviceId(), [&] { return isJobWhole(job.file); });
   Printing printing([&] { return printJob(job, queued, lines, onConfirmed); });
   serve(printing, signals, wish, channel);
   return printing.await();
