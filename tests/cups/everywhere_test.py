@@ -50,10 +50,10 @@ class Everywhere(Application, QueueCase):
         # The scheduler asks the printer for its formats after it has answered, and passes bytes as they are until then.
         eventually(lambda: "Raw" not in self.scheduler.printer("till")["printer-make-and-model"][0], "the queue knows its printer")
 
-    def print_file(self, name: str, contents: bytes) -> int:
+    def print_file(self, name: str, contents: bytes, *options: str) -> int:
         file = Path(self.file(name, contents))
-        said = subprocess.run(["lp", "-h", self.scheduler.socket, "-d", "till", file], check=True, capture_output=True, text=True,
-                              **as_nobody())
+        said = subprocess.run(["lp", "-h", self.scheduler.socket, "-d", "till", *options, file], check=True, capture_output=True,
+                              text=True, **as_nobody())
         return int(said.stdout.split("till-")[1].split()[0])
 
     def picture(self) -> Path:
@@ -72,6 +72,13 @@ class Everywhere(Application, QueueCase):
         differences = [abs(one - other) for one, other in zip(pictures.shares(ours, 16, 24), pictures.shares(own, 16, 24))]
         self.assertLess(sum(differences) / len(differences), 0.01)
         self.assertLess(max(differences), 0.1)
+
+    def test_two_copies_are_two(self):
+        page = pdf(MARKS, 80 * MILLIMETRE, 200 * MILLIMETRE)
+        self.assertSettles(self.print_file("page.pdf", page), "completed")
+        once = printed(self.printer)
+        self.assertSettles(self.print_file("page.pdf", page, "-n", "2"), "completed")
+        self.assertAlmostEqual((printed(self.printer) - once) / once, 2, delta=0.05)
 
     def test_a_text_is_confirmed_and_on_paper(self):
         self.assertSettles(self.print_file("receipt.txt", b"Espresso  2.20\nCake  3.80\n"), "completed")

@@ -99,22 +99,23 @@ def lines(rows: list[bytes]) -> bytes:
     return data
 
 
-GREY = 18  # a colour space
+GREY, RED_GREEN_BLUE = 18, 19  # colour spaces
 
 
-def pwg_page(rows: list[bytes], height: int) -> bytes:
-    width = len(rows[0])
+def pwg_page(rows: list[bytes], height: int, bits: int) -> bytes:
+    width = len(rows[0]) * 8 // bits
     header = bytearray(1796)
     header[:10] = b"PwgRaster\0"
+    colours = GREY if bits == 8 else RED_GREEN_BLUE
     for place, value in ((276, 203), (280, 203), (352, width * 72 // 203), (356, height * 72 // 203), (372, width), (376, height),
-                         (384, 8), (388, 8), (392, width), (400, GREY), (420, 1)):
+                         (384, 8), (388, bits), (392, len(rows[0])), (400, colours), (420, bits // 8)):
         struct.pack_into(">I", header, place, value)
     return bytes(header) + lines(rows)
 
 
-def pwg(*pages: list[bytes], height: int = 0) -> bytes:
-    """Grey, 8 bits a pixel; `height` is what each page claims, if that is another one."""
-    return b"RaS2" + b"".join(pwg_page(rows, height or len(rows)) for rows in pages)
+def pwg(*pages: list[bytes], height: int = 0, bits: int = 8) -> bytes:
+    """Pages of so many bits a pixel, 8 of grey; `height` is what each page claims, if that is another one."""
+    return b"RaS2" + b"".join(pwg_page(rows, height or len(rows), bits) for rows in pages)
 
 
 def apple(*pages: list[bytes]) -> bytes:

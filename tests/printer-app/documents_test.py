@@ -64,6 +64,9 @@ class Unprintable(Application):
                 (png([b"\0" * 8], (60000, 60000)), "image/png", "the most is 64000000 in all"),
                 (pwg(PAGE, height=4_000_000_000), "image/pwg-raster", "the most is 64000000 in all"),
                 (pwg(PAGE, height=321), "image/pwg-raster", "cut short"),
+                (pwg(), "image/pwg-raster", "no page"),
+                (b"a line of text\n", "image/urf", "no raster"),
+                (pwg(PAGE, bits=24), "image/pwg-raster", "8 bits of grey"),
                 (png(PICTURE)[:200], "image/png", "cut short"),
                 (jpeg(PICTURE)[:100], "image/jpeg", "cannot be read")):
             self.assertIn(why, self.message(contents, kind))
@@ -84,10 +87,11 @@ class Options(Application):
 
     def test_each_copy_is_a_document(self):
         copies = ipp.attribute(ipp.INTEGER, "copies", 3)
-        for kind, contents in (("text/plain", b"text\n"), ("image/png", png(PICTURE)), (RAW, b"raw\n\x1dV\0")):
+        for kind, contents in (("text/plain", b"text\n"), ("image/png", png(PICTURE)), ("image/pwg-raster", pwg(PAGE)),
+                               (RAW, b"raw\n\x1dV\0")):
             self.assertEqual(self.record(contents, kind, copies)["cuts"], 3, kind)
         self.assertEqual(self.record(b"text\n", "text/plain", copies, keyword("quor-cut", "job"))["cuts"], 1)
-        self.assertEqual(self.printed(4)[-1].count("text\n"), 3)
+        self.assertEqual(self.printed(5)[-1].count("text\n"), 3)
 
     def test_a_drawer_is_opened_by_a_job_of_any_format(self):
         for kind, contents in (("text/plain", b"text\n"), ("image/png", png(PICTURE)), (RAW, b"raw\n"),

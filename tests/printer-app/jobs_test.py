@@ -5,6 +5,7 @@ from application import RAW, Application, keyword
 from documents import apple, page, pwg
 from harness import eventually, main
 
+ANY = "application/octet-stream"
 PAGE = page(639, 320, 80, 40)
 TEXT = "Café 2,40 €\nTotal 2.40\n".encode()
 
@@ -41,6 +42,17 @@ class Jobs(Application):
             self.await_state("completed", job)
         self.assertEqual([text.split("\n")[0] for text in self.printed(100)], texts)
 
+    def test_pages_of_raster_wait_in_the_same_queue(self):
+        self.printer.set(coverOpen=True)
+        first = self.print(pwg(PAGE), "image/pwg-raster")
+        self.await_message("waiting: cover open", first)
+        others = ((b"job 2\n", "text/plain"), (apple(PAGE), "image/urf"), (pwg(PAGE), ANY), (b"job 5\n", "text/plain"))
+        jobs = [first, *(self.print(contents, kind) for contents, kind in others)]
+        self.printer.set(coverOpen=False)
+        for job in jobs:
+            self.await_state("completed", job)
+        self.assertEqual([text.split(" ")[0] for text in self.printed(5)], ["[image", "job", "[image", "[image", "job"])
+
     def test_a_job_that_waits_can_be_canceled(self):
         self.printer.set(coverOpen=True)
         job = self.print(TEXT)
@@ -69,6 +81,17 @@ class Jobs(Application):
         self.assertIn("unconfirmed: link lost", self.await_state("aborted", job))
         self.await_state("completed", self.print(b"the next one\n"))
         self.assertEqual(self.client.job(job)[0], "aborted")
+
+
+class Conditions(Application):
+    model = "line-80"
+
+    def test_are_reasons_of_the_printers_state(self):
+        for condition, reason in {"headUpError": "other", "receiptPaperNearEmptyInner": "media-low", "jamError": "media-jam",
+                                  "overTemp": "other"}.items():
+            self.printer.set(**{condition: True})
+            eventually(lambda: self.client.printer()["printer-state-reasons"] == [reason], f"{condition} is {reason}")
+            self.printer.set(**{condition: False})
 
 
 class Leaving(Application):

@@ -9,6 +9,7 @@ import time
 
 import ipp
 from application import RAW, Application
+from documents import page, pwg
 from harness import eventually, main
 
 MOMENTS = int(os.environ.get("QUOR_CRASH_MOMENTS", "2")) * 3
@@ -33,6 +34,47 @@ class Restarting(Application):
         for job in jobs:
             self.await_state("completed", job)
         self.assertEqual(self.first_lines(3), ["job 0", "job 1", "job 2"])
+
+    def test_a_job_and_its_hold_are_on_disk_before_the_client_hears_of_them(self):
+        self.printer.set(coverOpen=True)
+        first = self.print(b"job 0\n")
+        self.await_message("waiting: cover open", first)
+        held, last = self.print(b"job 1\n"), self.print(b"job 2\n")
+        self.client.on_job(ipp.HOLD_JOB, held)
+        self.restart()
+        self.printer.set(coverOpen=False)
+        self.await_state("completed", last)
+        self.assertEqual(self.client.job(held)[0], "held")
+        self.assertEqual(self.first_lines(2), ["job 0", "job 2"])
+
+    def test_a_job_that_waited_is_printed_though_its_fonts_have_changed(self):
+        self.printer.set(coverOpen=True)
+        job = self.print("\u4e2d\n".encode())
+        self.await_message("waiting: cover open", job)
+        fonts = b"<fontconfig><dir>/usr/share/fonts/truetype/dejavu</dir></fontconfig>"
+        self.environment["FONTCONFIG_FILE"] = self.file("fonts", fonts)
+        self.restart()
+        self.printer.set(coverOpen=False)
+        self.await_state("completed", job)
+        self.assertEqual(len(self.printed(1)), 1)
+
+    def test_a_page_of_raster_that_waited_is_printed(self):
+        self.printer.set(coverOpen=True)
+        job = self.print(pwg(page(639, 320, 80, 40)), "image/pwg-raster")
+        self.await_message("waiting: cover open", job)
+        self.restart()
+        self.printer.set(coverOpen=False)
+        self.await_state("completed", job)
+        self.assertRegex(self.printed(1)[0], r"\A\[image 576 x \d+ dots\]")
+
+    def test_a_page_of_raster_that_was_being_printed_is_told_and_not_repeated(self):
+        self.printer.set(speed=2000)
+        job = self.print(pwg(page(639, 1200, 80, 1000)), "image/pwg-raster")
+        eventually(lambda: self.printer.state()["printedBytes"] > 100, "the job is under way")
+        self.restart()
+        self.assertIn("unconfirmed", self.await_state("aborted", job))
+        self.printer.set(speed=0)
+        self.await_state("completed", self.print(b"the next one\n"))
 
     def test_a_job_that_a_user_held_remains_held(self):
         self.printer.set(coverOpen=True)

@@ -42,7 +42,7 @@ bool describePrinter(pappl_system_t* /*system*/, const char* driver, const char*
     return false;
   }
   describe(*model, *data, *attributes);
-  addRasterDocuments(*data);
+  addCommandDocuments(*data);
   data->status_cb = updateReasons;
   data->identify_cb = beep;
   return true;
@@ -124,7 +124,7 @@ pappl_system_t* makeSystem(int count, cups_option_t* options, void* /*data*/) {
     papplSystemSetDNSSDName(system, "Receipt printers");
   }
   addModels(system);
-  addOtherDocuments(system);
+  addRenderedDocuments(system);
   papplSystemSetSaveCallback(system, save, &stateFile);
   try {
     letJobsWaitAgain(stateFile);

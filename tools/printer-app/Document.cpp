@@ -51,6 +51,7 @@ render::Output Document::output() {
 }
 
 void Document::endPage() {
+  ++pages_;
   if (cut_ == "page") {
     append(render::cutPaper);
   }

@@ -37,6 +37,9 @@ class Document {
 
   void endPage();
 
+  /// How many pages have ended.
+  int pages() const { return pages_; }
+
   /// Appends the copies and cuts, and returns the whole job. To be called once, after the last
   /// page.
   const std::vector<std::uint8_t>& end(int copies);
@@ -46,6 +49,7 @@ class Document {
 
   std::string cut_;
   std::ptrdiff_t copyBegins_ = 0;
+  int pages_ = 0;
   std::vector<std::uint8_t> bytes_;
 };
 

@@ -2,20 +2,17 @@
 
 #include <exception>
 #include <memory>
-#include <optional>
 #include <set>
-#include <string>
-#include <vector>
 
 #include "render/PicturePrinting.h"
-#include "render/PictureSize.h"
 #include "render/RasterPage.h"
 #include "render/RenderError.h"
 #include "render/TextPrinting.h"
 #include "tools/printer-app/Document.h"
 #include "tools/printer-app/JobDelivery.h"
 #include "tools/printer-app/Model.h"
-#include "tools/printer-app/WholeUploads.h"
+#include "tools/printer-app/RasterFile.h"
+#include "tools/printer-app/WaitingRaster.h"
 
 namespace quordalvane::printer_app {
 namespace {
@@ -23,57 +20,6 @@ namespace {
 unsigned headDots(pappl_job_t* job) {
   const Model* const model = modelNamed(papplPrinterGetDriverName(papplJobGetPrinter(job)));
   return model == nullptr ? everyModel().front().dots : model->dots;
-}
-
-/// A job of raster pages, whose rows arrive one by one.
-class RasterJob {
- public:
-  RasterJob(pappl_job_t* job, const pappl_pr_options_t& options)
-      : document_(job, options, Document::Kind::Rendered), head_(headDots(job)) {}
-
-  void startPage(const pappl_pr_options_t& options) {
-    width_ = options.header.cupsWidth;
-    missingRows_ = options.header.cupsHeight;
-    render::checkSize(width_, missingRows_);
-    document_.reserve(render::RasterPage::mostBytes(missingRows_, head_));
-    page_.emplace(width_, head_, document_.output());
-  }
-
-  void addRow(const unsigned char* row) {
-    page_->add({row, width_});
-    --missingRows_;
-  }
-
-  // The framework also calls this for a page whose last rows are missing.
-  void endPage() {
-    require(missingRows_ == 0);
-    page_->end();
-    document_.endPage();
-  }
-
-  // The client itself repeats the pages for copies. The framework also calls this if the client has
-  // left between two pages.
-  const std::vector<std::uint8_t>& end() {
-    require(!isUploadCutShort());
-    return document_.end(1);
-  }
-
- private:
-  static void require(bool isWhole) {
-    if (!isWhole) {
-      throw render::RenderError("the document is cut short: nothing was printed");
-    }
-  }
-
-  Document document_;
-  const unsigned head_;
-  unsigned width_ = 0;
-  unsigned missingRows_ = 0;
-  std::optional<render::RasterPage> page_;
-};
-
-RasterJob* rasterOf(pappl_job_t* job) {
-  return static_cast<RasterJob*>(papplJobGetData(job));
 }
 
 // The framework is written in C: an exception becomes the job's message, and the result is false.
@@ -87,54 +33,6 @@ bool guarded(pappl_job_t* job, Work work) {
   }
 }
 
-std::unique_ptr<RasterJob> takeRaster(pappl_job_t* job) {
-  std::unique_ptr<RasterJob> raster(rasterOf(job));
-  papplJobSetData(job, nullptr);
-  return raster;
-}
-
-// Calls `work` with the raster of the job. After an error it drops the raster, so that nothing of
-// it is printed.
-template <typename Work>
-bool withRaster(pappl_job_t* job, Work work) {
-  const bool isDone = rasterOf(job) != nullptr && guarded(job, [&] {
-                        work(*rasterOf(job));
-                        return true;
-                      });
-  if (!isDone) {
-    takeRaster(job);
-  }
-  return isDone;
-}
-
-bool startJob(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* /*device*/) {
-  return guarded(job, [&] {
-    papplJobSetData(job, new RasterJob(job, *options));
-    return true;
-  });
-}
-
-bool startPage(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* /*device*/,
-               unsigned /*page*/) {
-  return withRaster(job, [&](RasterJob& raster) { raster.startPage(*options); });
-}
-
-bool writeLine(pappl_job_t* job, pappl_pr_options_t* /*options*/, pappl_device_t* /*device*/,
-               unsigned /*y*/, const unsigned char* line) {
-  return withRaster(job, [&](RasterJob& raster) { raster.addRow(line); });
-}
-
-bool endPage(pappl_job_t* job, pappl_pr_options_t* /*options*/, pappl_device_t* /*device*/,
-             unsigned /*page*/) {
-  return withRaster(job, [](RasterJob& raster) { raster.endPage(); });
-}
-
-// The framework also calls this after an error, and again after it has returned false.
-bool endJob(pappl_job_t* job, pappl_pr_options_t* /*options*/, pappl_device_t* /*device*/) {
-  const std::unique_ptr<RasterJob> raster = takeRaster(job);
-  return raster != nullptr && guarded(job, [&] { return deliver(job, raster->end()); });
-}
-
 bool printFile(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* /*device*/) {
   return guarded(job, [&] {
     Document document(job, *options, Document::Kind::Raw);
@@ -143,16 +41,17 @@ bool printFile(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* /*
   });
 }
 
-// Prints a document that `render` draws for a print head of the given width.
-template <typename Render>
-bool printRendered(pappl_job_t* job, Render render) {
+// Prints a document whose pages `addPages` draws for a print head of the given width.
+template <typename AddPages>
+bool printRendered(pappl_job_t* job, AddPages addPages) {
   const std::unique_ptr<pappl_pr_options_t, void (*)(pappl_pr_options_t*)> options(
       papplJobCreatePrintOptions(job, 1, false), papplJobDeletePrintOptions);
   return guarded(job, [&] {
     Document document(job, *options, Document::Kind::Rendered);
-    render(headDots(job), document.output());
-    document.endPage();
-    return deliver(job, document.end(options->copies));
+    addPages(document, headDots(job));
+    const bool isPrinted = deliver(job, document.end(options->copies));
+    papplJobSetImpressionsCompleted(job, isPrinted ? document.pages() : 0);
+    return isPrinted;
   });
 }
 
@@ -164,35 +63,75 @@ void tellMissing(pappl_job_t* job, const std::set<char32_t>& missing) {
 }
 
 bool printText(pappl_job_t* job, pappl_device_t* /*device*/, void* /*data*/) {
-  return printRendered(job, [job](unsigned head, const render::Output& output) {
-    render::TextPrinting text(head, render::CodePage(), output);
+  return printRendered(job, [job](Document& document, unsigned head) {
+    render::TextPrinting text(head, render::CodePage(), document.output());
     readDocument(job, [&text](render::ByteView piece) {
       text.add({reinterpret_cast<const char*>(piece.data()), piece.size()});
     });
     text.end();
+    document.endPage();
     tellMissing(job, text.missing());
   });
 }
 
 bool printPicture(pappl_job_t* job, pappl_device_t* /*device*/, void* /*data*/) {
-  return printRendered(job, [job](unsigned head, const render::Output& output) {
-    render::printPicture(wholeDocument(job), head, render::DitherKind::FloydSteinberg, output);
+  return printRendered(job, [job](Document& document, unsigned head) {
+    render::printPicture(wholeDocument(job), head, render::DitherKind::FloydSteinberg,
+                         document.output());
+    document.endPage();
   });
+}
+
+void addPage(RasterFile& raster, Document& document, unsigned head) {
+  document.reserve(render::RasterPage::mostBytes(raster.height(), head));
+  render::RasterPage page(raster.width(), head, document.output());
+  for (unsigned row = 0; row < raster.height(); ++row) {
+    page.add(raster.nextRow());
+  }
+  page.end();
+  document.endPage();
+}
+
+bool printRaster(pappl_job_t* job, pappl_device_t* /*device*/, void* /*data*/) {
+  return printRendered(job, [job](Document& document, unsigned head) {
+    RasterFile raster(papplJobGetFilename(job));
+    while (raster.nextPage()) {
+      addPage(raster, document, head);
+    }
+    if (document.pages() == 0) {
+      throw render::RenderError("the document has no page");
+    }
+  });
+}
+
+// The framework requires functions for raster that it prints while it arrives, and has none.
+bool refuseJob(pappl_job_t* job, pappl_pr_options_t* /*options*/, pappl_device_t* /*device*/) {
+  papplJobSetMessage(job, "%s", "raster is taken as image/pwg-raster or image/urf");
+  return false;
+}
+
+bool refusePage(pappl_job_t* /*job*/, pappl_pr_options_t* /*options*/, pappl_device_t* /*device*/,
+                unsigned /*page*/) {
+  return false;
+}
+
+bool refuseLine(pappl_job_t* /*job*/, pappl_pr_options_t* /*options*/, pappl_device_t* /*device*/,
+                unsigned /*y*/, const unsigned char* /*line*/) {
+  return false;
 }
 
 }  // namespace
 
-void addRasterDocuments(pappl_pr_driver_data_t& data) {
-  data.rstartjob_cb = startJob;
-  data.rstartpage_cb = startPage;
-  data.rwriteline_cb = writeLine;
-  data.rendpage_cb = endPage;
-  data.rendjob_cb = endJob;
+void addCommandDocuments(pappl_pr_driver_data_t& data) {
   data.printfile_cb = printFile;
+  data.rstartjob_cb = data.rendjob_cb = refuseJob;
+  data.rstartpage_cb = data.rendpage_cb = refusePage;
+  data.rwriteline_cb = refuseLine;
 }
 
-void addOtherDocuments(pappl_system_t* system) {
+void addRenderedDocuments(pappl_system_t* system) {
   papplSystemAddMIMEFilter(system, "text/plain", "image/pwg-raster", printText, nullptr);
+  papplSystemAddMIMEFilter(system, waitingRasterType, "image/pwg-raster", printRaster, nullptr);
   // The framework's own filters convert to raster. These filters have precedence, and print exactly
   // as the command `quorport` does.
   for (const char* const commands : commandTypes) {

@@ -4,13 +4,11 @@
 
 namespace quordalvane::printer_app {
 
-/// Sets the functions by which the framework passes on a printer's documents: raster pages, and
-/// files of printer commands. A job's pages are converted to printer commands of one bit a dot, and
-/// are sent together after the last page. If a client disappears before that, nothing of its job is
-/// printed.
-void addRasterDocuments(pappl_pr_driver_data_t& data);
+/// Sets the function by which the framework passes on a file of printer commands.
+void addCommandDocuments(pappl_pr_driver_data_t& data);
 
-/// Makes the framework accept text/plain, which is UTF-8, and pictures in PNG and JPEG.
-void addOtherDocuments(pappl_system_t* system);
+/// Makes the framework accept text/plain, which is UTF-8, pictures in PNG and JPEG, and raster. A
+/// job's pages are converted to printer commands of one bit a dot, and are sent together.
+void addRenderedDocuments(pappl_system_t* system);
 
 }  // namespace quordalvane::printer_app

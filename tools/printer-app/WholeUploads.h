@@ -10,12 +10,8 @@ namespace quordalvane::printer_app {
 /// The framework takes the end of a connection for the end of the document. It also waits for ever
 /// for a client that neither sends nor closes the connection, like a telephone out of range. It
 /// reads with `httpRead2` of the print system's library. This program defines a function of that
-/// name, which replaces the library's and reports both cases as errors. If the job is a file, the
-/// framework then aborts it.
+/// name, which replaces the library's and reports both cases as errors. The framework then
+/// aborts the job.
 void requireWholeUploads(std::chrono::seconds longestSilence);
-
-/// True if the last read of a document on this thread was such an error. For a raster document the
-/// framework prints the pages that arrived before the error, so the caller must ask this.
-bool isUploadCutShort();
 
 }  // namespace quordalvane::printer_app

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cups/raster.h>
+
+#include <memory>
+#include <vector>
+
+#include "render/Output.h"
+
+namespace quordalvane::printer_app {
+
+/// The pages of a document in PWG or Apple raster, read from its file row by row.
+class RasterFile {
+ public:
+  /// Throws RenderError if the file cannot be read, or is no raster.
+  explicit RasterFile(const char* path);
+  ~RasterFile();
+  RasterFile(const RasterFile&) = delete;
+  RasterFile& operator=(const RasterFile&) = delete;
+
+  /// Goes to the next page, whose size is then known; false if there is none. Throws RenderError if
+  /// the page is too large, or in anything but grey.
+  bool nextPage();
+
+  unsigned width() const { return header_.cupsWidth; }
+  unsigned height() const { return header_.cupsHeight; }
+
+  /// The next row of the page, a byte a pixel, 0 black and 255 white; valid until the next call.
+  /// May be called `height()` times a page. Throws RenderError if the file ends before.
+  render::ByteView nextRow();
+
+ private:
+  struct Closer {
+    void operator()(cups_raster_t* raster) const { cupsRasterClose(raster); }
+  };
+
+  const int file_;
+  std::unique_ptr<cups_raster_t, Closer> raster_;
+  cups_page_header2_t header_{};
+  std::vector<unsigned char> row_;
+};
+
+}  // namespace quordalvane::printer_app
