@@ -16,6 +16,7 @@
 #include "tools/printer-app/Model.h"
 #include "tools/printer-app/Password.h"
 #include "tools/printer-app/Reasons.h"
+#include "tools/printer-app/SavedAnswers.h"
 #include "tools/printer-app/SavedState.h"
 #include "tools/printer-app/WholeUploads.h"
 
@@ -139,6 +140,7 @@ pappl_system_t* makeSystem(int count, cups_option_t* options, void* /*data*/) {
         "web page in its first line");
     return nullptr;
   }
+  saveBeforeAnswers(system, stateFile);
   // Clients may connect only after the printers have been loaded.
   papplSystemAddListeners(system, host == "*" ? nullptr : host.c_str());
   papplSystemAddTimerCallback(system, std::time(nullptr), 1, lookAfterJobs, &stateFile);
