@@ -94,7 +94,9 @@ class Delivery {
 
  private:
   PrintResult attempt() {
-    NamedJob named(journal_, {.name = nameOf(job_), .device = device_}, data_);
+    // After a restart the data may differ: another font, or another default of the printer.
+    NamedJob named(journal_, {.name = nameOf(job_), .device = device_, .isNameEnough = true},
+                   data_);
     if (named.answer()) {
       return named.answer()->result;
     }
