@@ -1,6 +1,7 @@
 #include "tools/printer-app/Reasons.h"
 
 #include <chrono>
+#include <cstdint>
 #include <cstring>
 #include <exception>
 #include <map>
@@ -15,28 +16,49 @@
 namespace quordalvane::printer_app {
 namespace {
 
+struct Condition {
+  std::uint32_t QuorPrinterStatus_2::*flag;
+  pappl_preason_t reason;
+};
+
+// Each that stops the printer, and the paper that is near its end. The framework's version 1.3
+// shows no reason at all to a client if one of them is "door-open".
+constexpr Condition conditions[] = {
+    {&QuorPrinterStatus_2::coverOpen, PAPPL_PREASON_COVER_OPEN},
+    {&QuorPrinterStatus_2::headUpError, PAPPL_PREASON_OTHER},
+    {&QuorPrinterStatus_2::receiptPaperEmpty, PAPPL_PREASON_MEDIA_EMPTY},
+    {&QuorPrinterStatus_2::receiptPaperNearEmptyInner, PAPPL_PREASON_MEDIA_LOW},
+    {&QuorPrinterStatus_2::receiptPaperNearEmptyOuter, PAPPL_PREASON_MEDIA_LOW},
+    {&QuorPrinterStatus_2::jamError, PAPPL_PREASON_MEDIA_JAM},
+    {&QuorPrinterStatus_2::presenterPaperJamError, PAPPL_PREASON_MEDIA_JAM},
+    {&QuorPrinterStatus_2::stackerFull, PAPPL_PREASON_OTHER},
+    {&QuorPrinterStatus_2::overTemp, PAPPL_PREASON_OTHER},
+    {&QuorPrinterStatus_2::unrecoverableError, PAPPL_PREASON_OTHER},
+    {&QuorPrinterStatus_2::cutterError, PAPPL_PREASON_OTHER},
+    {&QuorPrinterStatus_2::mechError, PAPPL_PREASON_OTHER},
+    {&QuorPrinterStatus_2::headThermistorError, PAPPL_PREASON_OTHER},
+    {&QuorPrinterStatus_2::receiveBufferOverflow, PAPPL_PREASON_OTHER},
+    {&QuorPrinterStatus_2::pageModeCmdError, PAPPL_PREASON_OTHER},
+    {&QuorPrinterStatus_2::paperDetectionError, PAPPL_PREASON_OTHER},
+    {&QuorPrinterStatus_2::blackMarkError, PAPPL_PREASON_OTHER},
+    {&QuorPrinterStatus_2::voltageError, PAPPL_PREASON_OTHER},
+};
+
 constexpr pappl_preason_t ours = PAPPL_PREASON_COVER_OPEN | PAPPL_PREASON_MEDIA_EMPTY |
-                                 PAPPL_PREASON_MEDIA_LOW | PAPPL_PREASON_OFFLINE |
-                                 PAPPL_PREASON_OTHER;
+                                 PAPPL_PREASON_MEDIA_LOW | PAPPL_PREASON_MEDIA_JAM |
+                                 PAPPL_PREASON_OFFLINE | PAPPL_PREASON_OTHER;
 
 pappl_preason_t reasonsOf(const QuorPrinterStatus_2& status) {
   pappl_preason_t reasons = PAPPL_PREASON_NONE;
-  if (status.coverOpen != 0) {
-    reasons |= PAPPL_PREASON_COVER_OPEN;
-  }
-  if (status.receiptPaperEmpty != 0) {
-    reasons |= PAPPL_PREASON_MEDIA_EMPTY;
-  }
-  if (status.receiptPaperNearEmptyInner != 0 || status.receiptPaperNearEmptyOuter != 0) {
-    reasons |= PAPPL_PREASON_MEDIA_LOW;
-  }
-  if (status.cutterError != 0 || status.mechError != 0 || status.unrecoverableError != 0) {
-    reasons |= PAPPL_PREASON_OTHER;
+  for (const Condition& condition : conditions) {
+    if (status.*condition.flag != 0) {
+      reasons |= condition.reason;
+    }
   }
   // "Off line" is shown only if no other reason explains it.
-  constexpr pappl_preason_t causes =
-      PAPPL_PREASON_COVER_OPEN | PAPPL_PREASON_MEDIA_EMPTY | PAPPL_PREASON_OTHER;
-  return status.offline != 0 && (reasons & causes) == 0 ? reasons | PAPPL_PREASON_OFFLINE : reasons;
+  constexpr pappl_preason_t causes = ours & ~pappl_preason_t{PAPPL_PREASON_MEDIA_LOW};
+  const bool isCauseKnown = (reasons & causes) != 0;
+  return status.offline != 0 && !isCauseKnown ? reasons | PAPPL_PREASON_OFFLINE : reasons;
 }
 
 void show(pappl_printer_t* printer, pappl_preason_t reasons) {
