@@ -1,15 +1,13 @@
 #include "tools/printer-app/Application.h"
 
-#include <chrono>
-#include <cstdlib>
 #include <ctime>
 #include <filesystem>
 #include <iostream>
+#include <stdexcept>
 #include <string>
 #include <system_error>
 #include <vector>
 
-#include "tools/printer-app/DeviceUri.h"
 #include "tools/printer-app/Documents.h"
 #include "tools/printer-app/JobDelivery.h"
 #include "tools/printer-app/JobOrder.h"
@@ -18,21 +16,14 @@
 #include "tools/printer-app/Reasons.h"
 #include "tools/printer-app/SavedAnswers.h"
 #include "tools/printer-app/SavedState.h"
+#include "tools/printer-app/Settings.h"
 #include "tools/printer-app/WholeUploads.h"
 
 namespace quordalvane::printer_app {
 namespace {
 
-constexpr auto thisMachine = "localhost";
-
-std::string optionOf(int count, cups_option_t* options, const char* name, const char* usual) {
-  const char* const value = cupsGetOption(name, count, options);
-  return value == nullptr ? usual : value;
-}
-
-bool fail(const std::string& why) {
+void complain(const std::string& why) {
   std::cerr << "quorport-printer-app: " << why << '\n';
-  return false;
 }
 
 bool describePrinter(pappl_system_t* /*system*/, const char* driver, const char* /*uri*/,
@@ -85,40 +76,17 @@ bool lookAfterJobs(pappl_system_t* system, void* file) {
   return true;
 }
 
-pappl_loglevel_t levelNamed(const std::string& name) {
-  return name == "debug"   ? PAPPL_LOGLEVEL_DEBUG
-         : name == "info"  ? PAPPL_LOGLEVEL_INFO
-         : name == "error" ? PAPPL_LOGLEVEL_ERROR
-                           : PAPPL_LOGLEVEL_WARN;
-}
-
-}  // namespace
-
-pappl_system_t* makeSystem(int count, cups_option_t* options, void* /*data*/) {
-  const std::string host = optionOf(count, options, "listen-hostname", thisMachine);
-  const std::string port = optionOf(count, options, "server-port", "8631");
-  static const std::filesystem::path folder =
-      optionOf(count, options, "state-directory", "/var/lib/quorport-printer-app");
-  static std::string stateFile = folder / "printers.conf";
-  std::error_code error;
-  std::filesystem::create_directories(folder / "jobs", error);
-  if (error) {
-    fail("the folder " + folder.string() + " cannot be made: " + error.message());
-    return nullptr;
-  }
-  keepJobsIn(folder / "journal.db", stateFile);
-  requireWholeUploads(
-      std::chrono::seconds(std::atoi(optionOf(count, options, "upload-timeout", "60").c_str())));
-  const bool isForOthers = host != thisMachine;
+pappl_system_t* createSystem(const Settings& settings) {
+  const bool isForOthers = settings.isForOthers();
   pappl_system_t* const system = papplSystemCreate(
       PAPPL_SOPTIONS_MULTI_QUEUE | PAPPL_SOPTIONS_WEB_INTERFACE |
           (isForOthers ? PAPPL_SOPTIONS_WEB_REMOTE | PAPPL_SOPTIONS_WEB_SECURITY
                        : PAPPL_SOPTIONS_NO_TLS),
-      "Receipt printers", std::atoi(port.c_str()), isForOthers ? "_print,_universal" : nullptr,
-      (folder / "jobs").c_str(), optionOf(count, options, "log-file", "-").c_str(),
-      levelNamed(optionOf(count, options, "log-level", "warn")), nullptr, false);
+      "Receipt printers", settings.port, isForOthers ? "_print,_universal" : nullptr,
+      (settings.folder / "jobs").c_str(), settings.logFile.c_str(), settings.logLevel, nullptr,
+      false);
   if (system == nullptr) {
-    return nullptr;
+    throw std::runtime_error("the framework cannot start");
   }
   papplSystemSetFooterHTML(system, "QuorIOPort");
   if (isForOthers) {
@@ -126,25 +94,54 @@ pappl_system_t* makeSystem(int count, cups_option_t* options, void* /*data*/) {
   }
   addModels(system);
   addRenderedDocuments(system);
-  papplSystemSetSaveCallback(system, save, &stateFile);
-  try {
-    letJobsWaitAgain(stateFile);
-  } catch (const std::system_error& unwritten) {
-    fail(unwritten.what());
-    return nullptr;
+  return system;
+}
+
+void makeFolder(const std::filesystem::path& folder) {
+  std::error_code error;
+  std::filesystem::create_directories(folder, error);
+  if (error) {
+    throw std::runtime_error("the folder " + folder.string() +
+                             " cannot be made: " + error.message());
   }
-  papplSystemLoadState(system, stateFile.c_str());
-  if (isForOthers && !setPassword(system, optionOf(count, options, "password-file", ""))) {
-    fail(
+}
+
+// The printers and the jobs as they were when the process ended last.
+void load(pappl_system_t* system, std::string& file) {
+  papplSystemSetSaveCallback(system, save, &file);
+  letJobsWaitAgain(file);
+  papplSystemLoadState(system, file.c_str());
+  papplSystemAddTimerCallback(system, std::time(nullptr), 1, lookAfterJobs, &file);
+  saveBeforeAnswers(system, file);
+}
+
+// The framework listens from then on, so this is last.
+void listen(pappl_system_t* system, const Settings& settings) {
+  if (settings.isForOthers() && !setPassword(system, settings.passwordFile)) {
+    throw std::runtime_error(
         "to listen to other machines takes -o password-file=FILE, a file with the password of the "
         "web page in its first line");
+  }
+  papplSystemAddListeners(system, settings.host == "*" ? nullptr : settings.host.c_str());
+}
+
+}  // namespace
+
+pappl_system_t* makeSystem(int count, cups_option_t* options, void* /*data*/) {
+  try {
+    const Settings settings = settingsIn(count, options);
+    makeFolder(settings.folder / "jobs");
+    static std::string stateFile = settings.folder / "printers.conf";
+    keepJobsIn(settings.folder / "journal.db", stateFile);
+    requireWholeUploads(settings.uploadTimeout);
+    pappl_system_t* const system = createSystem(settings);
+    load(system, stateFile);
+    listen(system, settings);
+    return system;
+  } catch (const std::exception& error) {
+    complain(error.what());
     return nullptr;
   }
-  saveBeforeAnswers(system, stateFile);
-  // Clients may connect only after the printers have been loaded.
-  papplSystemAddListeners(system, host == "*" ? nullptr : host.c_str());
-  papplSystemAddTimerCallback(system, std::time(nullptr), 1, lookAfterJobs, &stateFile);
-  return system;
 }
 
 }  // namespace quordalvane::printer_app
