@@ -50,6 +50,9 @@ unsigned divisor(unsigned width, unsigned leastWidth) {
   return scale;
 }
 
+constexpr int exifMarker = JPEG_APP0 + 1;
+constexpr unsigned longestMarker = 65535;
+
 // Each of these steps begins with setjmp, to which an error in the library returns; the step then
 // returns false. A step has no object with a destructor, because the jump would skip it.
 
@@ -59,17 +62,18 @@ bool readHeader(jpeg_decompress_struct& info, std::jmp_buf& failure, ByteView fi
   }
   jpeg_create_decompress(&info);
   jpeg_mem_src(&info, file.data(), static_cast<unsigned long>(file.size()));
+  jpeg_save_markers(&info, exifMarker, longestMarker);
   jpeg_read_header(&info, TRUE);
   return true;
 }
 
-bool start(jpeg_decompress_struct& info, std::jmp_buf& failure, unsigned leastWidth) {
+bool start(jpeg_decompress_struct& info, std::jmp_buf& failure, unsigned scale) {
   if (setjmp(failure) != 0) {
     return false;
   }
   info.out_color_space = JCS_GRAYSCALE;
   info.scale_num = 1;
-  info.scale_denom = divisor(info.image_width, leastWidth);
+  info.scale_denom = scale;
   jpeg_start_decompress(&info);
   return true;
 }
@@ -93,7 +97,9 @@ JpegPicture::JpegPicture(ByteView file, unsigned leastWidth)
     fail(decoder_->info);
   }
   checkSize(decoder_->info.image_width, decoder_->info.image_height);
-  if (!start(decoder_->info, decoder_->failure, leastWidth)) {
+  const jpeg_decompress_struct& info = decoder_->info;
+  const unsigned across = orientation().isTransposed ? info.image_height : info.image_width;
+  if (!start(decoder_->info, decoder_->failure, divisor(across, leastWidth))) {
     fail(decoder_->info);
   }
 }
@@ -106,6 +112,15 @@ unsigned JpegPicture::width() const {
 
 unsigned JpegPicture::height() const {
   return decoder_->info.output_height;
+}
+
+Orientation JpegPicture::orientation() const {
+  Orientation found;
+  const jpeg_marker_struct* marker = decoder_->info.marker_list;
+  for (; marker != nullptr && found.isUpright(); marker = marker->next) {
+    found = orientationIn({marker->data, marker->data_length});
+  }
+  return found;
 }
 
 void JpegPicture::read(std::span<std::uint8_t> grey) {

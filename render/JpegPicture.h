@@ -2,11 +2,13 @@
 
 #include <memory>
 
+#include "render/Orientation.h"
 #include "render/Picture.h"
 
 namespace quordalvane::render {
 
-/// A picture in a JPEG file, which is decoded row by row.
+/// A picture in a JPEG file, which is decoded row by row as its camera wrote it: perhaps not
+/// upright.
 class JpegPicture : public Picture {
  public:
   JpegPicture(ByteView file, unsigned leastWidth);
@@ -15,6 +17,8 @@ class JpegPicture : public Picture {
   unsigned width() const override;
   unsigned height() const override;
   void read(std::span<std::uint8_t> grey) override;
+
+  Orientation orientation() const;
 
  private:
   struct Decoder;

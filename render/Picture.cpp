@@ -6,6 +6,7 @@
 #include "render/JpegPicture.h"
 #include "render/PngPicture.h"
 #include "render/RenderError.h"
+#include "render/TurnedPicture.h"
 
 namespace quordalvane::render {
 namespace {
@@ -24,7 +25,12 @@ std::unique_ptr<Picture> openPicture(ByteView file, unsigned leastWidth) {
     return std::make_unique<PngPicture>(file);
   }
   if (startsWith(file, jpegSign)) {
-    return std::make_unique<JpegPicture>(file, leastWidth);
+    auto picture = std::make_unique<JpegPicture>(file, leastWidth);
+    const Orientation orientation = picture->orientation();
+    if (orientation.isUpright()) {
+      return picture;
+    }
+    return std::make_unique<TurnedPicture>(*picture, orientation);
   }
   throw RenderError("this is no picture in PNG or JPEG");
 }

@@ -102,8 +102,8 @@ inline Bytes pngFile(PngKind kind, unsigned width, unsigned height) {
   return file;
 }
 
-/// A grey JPEG file whose left half is black and whose right half is white.
-inline Bytes jpegFile(unsigned width, unsigned height) {
+/// A grey JPEG file, white but for the left half of its first rows, which is black.
+inline Bytes jpegFile(unsigned width, unsigned height, unsigned blackRows) {
   jpeg_compress_struct info{};
   jpeg_error_mgr errors{};
   info.err = jpeg_std_error(&errors);
@@ -117,19 +117,41 @@ inline Bytes jpegFile(unsigned width, unsigned height) {
   info.in_color_space = JCS_GRAYSCALE;
   jpeg_set_defaults(&info);
   jpeg_start_compress(&info, TRUE);
-  Bytes row(width);
-  for (unsigned x = width / 2; x < width; ++x) {
-    row[x] = 255;
-  }
-  std::uint8_t* rows = row.data();
+  Bytes halfBlack(width / 2);
+  halfBlack.resize(width, 255);
+  Bytes white(width, 255);
   for (unsigned y = 0; y < height; ++y) {
-    jpeg_write_scanlines(&info, &rows, 1);
+    std::uint8_t* row = y < blackRows ? halfBlack.data() : white.data();
+    jpeg_write_scanlines(&info, &row, 1);
   }
   jpeg_finish_compress(&info);
   jpeg_destroy_compress(&info);
   Bytes file(data, data + size);
   std::free(data);
   return file;
+}
+
+/// A grey JPEG file whose left half is black and whose right half is white.
+inline Bytes jpegFile(unsigned width, unsigned height) {
+  return jpegFile(width, height, height);
+}
+
+/// The data in which a camera says how it was held, from 1 to 8; in either order of bytes.
+inline Bytes exif(std::uint8_t orientation, bool isLittle) {
+  if (isLittle) {
+    return {'E',  'x', 'i', 'f', 0, 0, 'I', 'I', 42,          0, 8, 0, 0, 0, 1, 0,
+            0x12, 1,   3,   0,   1, 0, 0,   0,   orientation, 0, 0, 0, 0, 0, 0, 0};
+  }
+  return {'E', 'x',  'i', 'f', 0, 0, 'M', 'M', 0, 42,          0, 0, 0, 8, 0, 1,
+          1,   0x12, 0,   3,   0, 0, 0,   1,   0, orientation, 0, 0, 0, 0, 0, 0};
+}
+
+/// The JPEG file with such data.
+inline Bytes withExif(Bytes jpeg, const Bytes& data) {
+  Bytes marker = {0xff, 0xe1, 0, static_cast<std::uint8_t>(data.size() + 2)};
+  marker.insert(marker.end(), data.begin(), data.end());
+  jpeg.insert(jpeg.begin() + 2, marker.begin(), marker.end());
+  return jpeg;
 }
 
 }  // namespace quordalvane::render

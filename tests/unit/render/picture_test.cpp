@@ -108,6 +108,50 @@ TEST(Picture, InJpegIsReadAtASmallerScaleButNotBelowThePaper) {
   EXPECT_EQ(openPicture(file, 4000)->width(), 4000U);
 }
 
+TEST(Picture, InJpegIsUprightHoweverItsCameraWasHeld) {
+  // Where the black corner is then.
+  constexpr struct {
+    bool isAtTheRight, isAtTheBottom;
+  } corners[] = {{false, false}, {true, false}, {true, true}, {false, true}};
+  for (std::uint8_t orientation = 1; orientation <= 8; ++orientation) {
+    const Bytes file =
+        withExif(jpegFile(64, 32, 16), exif(orientation, /*isLittle=*/orientation % 2 == 0));
+    const auto picture = openPicture(file, 64);
+    const bool isTransposed = orientation > 4;
+    ASSERT_EQ(picture->width(), isTransposed ? 32U : 64U);
+    ASSERT_EQ(picture->height(), isTransposed ? 64U : 32U);
+    Bytes top(picture->width());
+    Bytes bottom(picture->width());
+    picture->read(top);
+    for (unsigned row = 1; row < picture->height(); ++row) {
+      picture->read(bottom);
+    }
+    const auto corner = corners[(orientation - 1) % 4];
+    const Bytes& row = corner.isAtTheBottom ? bottom : top;
+    EXPECT_LT(corner.isAtTheRight ? row.back() : row.front(), 10) << int{orientation};
+    EXPECT_GT(corner.isAtTheRight ? row.front() : row.back(), 245) << int{orientation};
+    EXPECT_GT((corner.isAtTheBottom ? top : bottom).front(), 245) << int{orientation};
+  }
+}
+
+TEST(Picture, OfATurnedCameraIsNeverReadSmallerThanThePaper) {
+  const Bytes file = withExif(jpegFile(16, 4000), exif(6, false));
+  EXPECT_EQ(openPicture(file, 576)->width(), 1000U);
+}
+
+TEST(Picture, WithDamagedDataOfItsCameraIsReadAsItIs) {
+  Bytes wrong = exif(6, false);
+  for (std::size_t size = 0; size < wrong.size() - 6; ++size) {
+    const Bytes cut(wrong.begin(), wrong.begin() + static_cast<std::ptrdiff_t>(size));
+    EXPECT_EQ(openPicture(withExif(jpegFile(64, 16), cut), 64)->width(), 64U) << size;
+  }
+  for (std::size_t place = 10; place < 14; ++place) {
+    wrong[place] = 0xff;  // the place of the entries
+    EXPECT_EQ(openPicture(withExif(jpegFile(64, 16), wrong), 64)->width(), 64U) << place;
+  }
+  EXPECT_EQ(openPicture(withExif(jpegFile(64, 16), exif(9, false)), 64)->width(), 64U);
+}
+
 TEST(Picture, ThatClaimsToBeHugeIsRefusedBeforeMemoryIsTaken) {
   EXPECT_NE(
       refusalOf(withSize(halfBlack(16, 2, 8), 65000, 65000)).find("the most is 64000000 in all"),

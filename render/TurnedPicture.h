@@ -1,0 +1,29 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "render/Orientation.h"
+#include "render/Picture.h"
+
+namespace quordalvane::render {
+
+/// A picture turned upright. It holds all pixels, a byte each.
+class TurnedPicture : public Picture {
+ public:
+  /// Throws as the picture does.
+  TurnedPicture(Picture& picture, Orientation orientation);
+
+  unsigned width() const override { return turn_.isTransposed ? rows_ : columns_; }
+  unsigned height() const override { return turn_.isTransposed ? columns_ : rows_; }
+  void read(std::span<std::uint8_t> grey) override;
+
+ private:
+  const Orientation turn_;
+  const unsigned columns_;  // of the file
+  const unsigned rows_;     // of the file
+  std::vector<std::uint8_t> pixels_;
+  unsigned row_ = 0;
+};
+
+}  // namespace quordalvane::render
