@@ -301,7 +301,8 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// @}
 
   /// How many milliseconds `beginCheckedBlock` waits, in line mode, for somebody to take the paper
-  /// from the exit. Initially 0; with 0 the wait ends when the second of the clock changes.
+  /// from the exit. The initial value is 0, with which the wait ends when the second of the clock
+  /// changes.
   /// @{
   std::uint32_t holdPrintTimeoutMillis() const { return _holdPrintTimeoutMillis; }
   void setHoldPrintTimeoutMillis(std::uint32_t millis) { _holdPrintTimeoutMillis = millis; }

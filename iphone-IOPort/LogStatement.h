@@ -24,7 +24,7 @@
 /// the object's address is built first, and then the message. No lock is held meanwhile, so an
 /// argument may itself log.
 ///
-/// The format may contain these conversions. The compiler checks that they fit the arguments.
+/// The compiler checks that the conversions of the format fit the arguments. They are:
 ///     %d   integer, bool or enumeration: its low 32 bits, signed; a bool is 1 or 0
 ///     %u   likewise, unsigned
 ///     %ld  likewise, all 64 bits, signed

@@ -24,8 +24,8 @@ struct Deallocation {
   void operator()(void* memory) const noexcept { ::operator delete(memory); }
 };
 
-/// Memory without an object in it. A compiler may remove a new expression whose object is not used,
-/// but not a call of the operator.
+/// Memory without an object in it. It is allocated by a call of `operator new`, because a compiler
+/// may remove a new expression whose object is not used.
 using RawMemory = std::unique_ptr<void, Deallocation>;
 
 // Without a session there is no stream, and so neither space nor bytes.
@@ -120,8 +120,8 @@ std::optional<std::int64_t> ExternalAccessoryPort::writeChunk(
     QUOR_LOG(ZKLogTypeError, 0, "self.isConnected, %d", 0);
     return std::nullopt;
   }
-  // The contract fails a write that has no memory for a copy of its data. So that memory is taken,
-  // but nothing is copied: the stream reads the data in its place, which is faster.
+  // The contract requires that a write fails if there is no memory for a copy of its data. So this
+  // allocates the memory, but copies nothing: the stream reads the caller's data, which is faster.
   const RawMemory writeBuffer(::operator new(tempData.size(), std::nothrow));
   if (writeBuffer == nullptr) {
     QUOR_LOG(ZKLogTypeError, 0, "writeBuffer == NULL, %p", nullptr);

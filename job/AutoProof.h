@@ -9,8 +9,8 @@
 namespace quordalvane {
 
 /// Asks an ESC/POS printer which proof it gives, and then forwards all calls to that proof. The
-/// printer is asked once in the life of a port, unless it seemed to give no proof and sends a
-/// confirming answer later.
+/// answer is kept for as long as the port exists. The printer is asked again only if it seemed to
+/// give no proof but has sent a confirming answer since.
 class AutoProof final : public Proof {
  public:
   AutoProof(PortLink& link, PrintResult& result);

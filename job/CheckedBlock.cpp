@@ -152,7 +152,7 @@ MaybeSetback CheckedBlock::judgeEnd(ByteView data, const std::string& failure) {
   return judgeProof();
 }
 
-/// Ends the block. Returns the reason if the block did not end; "" if it did.
+/// Ends the block. Returns "" if the block ended, and otherwise the reason why it did not.
 std::string CheckedBlock::endBlock() {
   const auto limit = std::chrono::milliseconds(link().port().endCheckedBlockTimeoutMillis());
   const auto start = link().now();

@@ -101,8 +101,8 @@ void EscPosBlock::bytesRead(ByteView bytes) {
   stopIfReported();
 }
 
-/// The port recognises only a report that arrives in one read; otherwise it would wait until its
-/// time-out for another one.
+/// Ends the port's wait some time after the report was seen. The port recognises only a report that
+/// arrives in one read, and would otherwise wait until its time-out.
 void EscPosBlock::stopIfReported() {
   if (!awaitsReport_ || report_.lastCount() != countOfTwoMarks) {
     return;

@@ -6,27 +6,27 @@
 
 namespace quordalvane {
 
-/// How full a queue is, as far as the thread that empties it must know. It has a lock of its own: a
-/// thread that was just woken then never holds the lock which the threads that fill the queue need.
-/// All members may be called from any thread.
+/// The fill level of a queue, for which the thread that empties the queue waits. It has its own
+/// lock, so a thread that was just woken never holds the lock that the threads need which fill the
+/// queue. Any thread may call the functions.
 class FillLevel {
  public:
   enum class Level { Empty, Filled, HalfFull, Closed };
 
-  /// Raises the level to `level` and wakes the threads that wait for it. A level that is as high
-  /// already remains.
+  /// Raises the level to `level` and wakes the threads that wait for it. Has no effect if the level
+  /// is already as high or higher.
   void raise(Level level) noexcept;
 
-  /// Sets the level to Empty, but a Closed one remains.
+  /// Sets the level to Empty, unless it is Closed.
   void empty() noexcept;
 
-  /// Sets the level from Closed to `level`.
+  /// Changes the level from Closed to `level`.
   void reopen(Level level) noexcept;
 
   /// Waits until the level is at least `level`.
   void await(Level level);
 
-  /// Waits likewise, for `timeout` at most.
+  /// Does the same, but waits for at most `timeout`.
   void await(Level level, std::chrono::milliseconds timeout);
 
  private:

@@ -90,7 +90,8 @@ bool LogQueue::take(Batch& batch) {
     if (!open_) {
       return false;
     }
-    // The level was raised late, by a thread whose record was in the batch before.
+    // The queue is empty although the level was raised: the record that raised it was already in
+    // the previous batch.
   }
 }
 

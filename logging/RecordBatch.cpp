@@ -5,7 +5,8 @@
 namespace quordalvane {
 namespace {
 
-// Enough for nearly every message. Only dumps of print data are longer, and they are rare.
+// This size is enough for nearly every message. Only dumps of print data are longer, and they are
+// rare.
 constexpr std::size_t mostMemoryKept = 1024;
 
 }  // namespace

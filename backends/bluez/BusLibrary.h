@@ -9,31 +9,31 @@
 #include <utility>
 #include <vector>
 
-/// The parts of the library sdbus-c++ that differ between its versions 1 and 2, in one form. Both
-/// halves define the same names, and no other file knows which version it is built with.
+/// Hides the differences between versions 1 and 2 of the library sdbus-c++. Both halves of this
+/// file define the same names, and no other file depends on the version.
 namespace quordalvane::bluez {
 
-/// Takes a message that fits a rule.
+/// Receives a message that matches a rule.
 using MessageHandler = std::function<void(sdbus::Message&)>;
 
 #if QUOR_SDBUS_VERSION == 1
 
-// Version 1 takes every name as a text.
+// In version 1 every name is a plain text.
 using ServiceName = std::string;
 using InterfaceName = std::string;
 using MemberName = std::string;
 using ErrorName = std::string;
 
-/// The error that an answer is; null if it is none.
+/// The error in an answer; null if the answer is not an error.
 using ReplyError = const sdbus::Error*;
 
-/// Takes the answer to a call.
+/// Receives the answer to a call.
 using ReplyHandler = std::function<void(sdbus::MethodReply&, const ReplyError&)>;
 
 /// A method or a property of an object.
 using Served = std::function<void(sdbus::IObject&, const std::string& interface)>;
 
-/// A method of which `function` gives the answer.
+/// Returns a method whose calls `function` answers.
 template <typename Function>
 Served method(const std::string& name, Function function) {
   return [=](sdbus::IObject& object, const std::string& interface) {
@@ -41,7 +41,7 @@ Served method(const std::string& name, Function function) {
   };
 }
 
-/// A property of which `getter` gives the value.
+/// Returns a property whose value `getter` returns.
 template <typename Getter>
 Served property(const std::string& name, Getter getter) {
   return [=](sdbus::IObject& object, const std::string& interface) {
@@ -49,7 +49,8 @@ Served property(const std::string& name, Getter getter) {
   };
 }
 
-/// Serves all of them on `interface` of `object`: once for each object.
+/// Makes `object` offer all methods and properties in `all` on `interface`. May be called once for
+/// each object.
 inline void serveOn(sdbus::IObject& object, const std::string& interface,
                     const std::vector<Served>& all) {
   for (const Served& one : all) {
@@ -58,24 +59,25 @@ inline void serveOn(sdbus::IObject& object, const std::string& interface,
   object.finishRegistration();
 }
 
-/// The program whose call `object` is about to answer.
+/// Returns the name of the program whose call `object` is about to answer.
 inline std::string callerOf(const sdbus::IObject& object) {
   return object.getCurrentlyProcessedMessage()->getSender();
 }
 
-/// Sends the call. `take` gets the answer when messages are handled, unless the call is cancelled.
+/// Sends the call. Later, while messages are handled, `take` receives the answer, unless the call
+/// was cancelled.
 inline sdbus::PendingAsyncCall send(sdbus::IProxy& proxy, const sdbus::MethodCall& message,
                                     ReplyHandler take, std::chrono::seconds timeout) {
   return proxy.callMethod(message, std::move(take), timeout);
 }
 
-/// `take` gets each message that fits `rule`, as long as the result lives.
+/// Passes each message that matches `rule` to `take`, while the returned object exists.
 inline sdbus::Slot addMatch(sdbus::IConnection& connection, const std::string& rule,
                             MessageHandler take) {
   return connection.addMatch(rule, std::move(take));
 }
 
-/// Handles one message that has arrived; false if there is none.
+/// Handles one message that has arrived. Returns false if there is none.
 inline bool handleMessage(sdbus::IConnection& connection) {
   return connection.processPendingRequest();
 }

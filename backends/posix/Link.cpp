@@ -30,9 +30,9 @@ constexpr std::chrono::seconds lingerLimit{2};
 // cheap but not free.
 constexpr std::chrono::seconds silenceInterval{1};
 
-// After a write of this many bytes that was taken whole, space is taken for granted: a question
-// costs the system as much as a command, and its buffers hold many. A longer write may have filled
-// them.
+// If a write of at most this many bytes was taken as a whole, the link is assumed to have space: to
+// ask the system costs as much as to send a command, and its buffers hold many commands. A longer
+// write may have filled the buffers.
 constexpr std::size_t longestCommand = 4096;
 
 bool wouldBlock(int error) {

@@ -116,8 +116,9 @@ class Link {
   ReplyExpectation expectation_;
   bool cameSinceWrite_ = false;  // bytes arrived after the last write that may be answered
 
-  bool mayBeFull_ = false;     // the last write was long, or was taken only in part
-  bool outputBroken_ = false;  // a write has failed, or would be useless
+  bool mayBeFull_ =
+      false;  // the last write was long or was taken only in part, so there may be no space
+  bool outputBroken_ = false;  // a write has failed, or the other side does not answer any more
   bool abandoned_ = false;     // `release` need not wait for the bytes under way
 
   Tick nextSilenceLook_{};  // when the system is asked again whether the other side still answers

@@ -240,7 +240,8 @@ QUOR_EXPORT QuorCode quor_port_dip_switch_information(QuorPort* port, uint8_t* b
                                                       size_t capacity, size_t* length);
 
 /** The name, the serial number and the connection identifier of the chosen accessory. While the
- * port is closed, a text is QUOR_NONE and the identifier 0. Setting a text to null removes it.
+ * port is closed, the functions for the texts return QUOR_NONE, and that for the identifier returns
+ * 0. Setting a text to null removes it.
  * @{ */
 QUOR_EXPORT QuorCode quor_port_name(QuorPort* port, char* text, size_t capacity, size_t* length);
 QUOR_EXPORT QuorCode quor_port_set_name(QuorPort* port, const char* name);
