@@ -16,7 +16,7 @@ using namespace quordalvane;
 
 namespace {
 
-// Over a link of its own, so that an attempt never meets the rest of an earlier one.
+// Each attempt has a link of its own, so that it never reads answers to an earlier attempt.
 NamedJobResult printNow(NamedJob& named) {
   const auto port = ExternalAccessoryPort::initWithPortName("BT:", "", 3000, ZKEmulationQuorLine);
   if (!port || !port->open()) {
@@ -37,8 +37,8 @@ NamedJobResult attempt(Journal& journal, const std::string& device, const std::s
   return named.answer() ? *named.answer() : printNow(named);
 }
 
-// A refused receipt is tried until it is sent, at once if the printer is plugged in again. One that
-// may be on paper is never sent again.
+// A refused receipt is tried again until it is sent, at once if the printer is plugged in again. A
+// receipt that may be on paper is never sent again.
 void print(Journal& journal, const std::string& device, const std::string& receipt) {
   posix::AccessoryNotices notices;
   for (std::string last;; notices.await(std::chrono::milliseconds(500))) {

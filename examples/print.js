@@ -41,7 +41,7 @@ async function print(device, data) {
   try {
     check(openPort(port[0]));
     check(createJob(port[0], proofAuto, null, null, job));
-    // On a thread of its own: the event loop turns meanwhile.
+    // This runs on a thread of its own, so that the event loop continues.
     if (await promisify(runJob.async)(job[0], data, data.length) < 0) {
       throw new Error('the job could not be run');
     }

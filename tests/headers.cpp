@@ -1,1 +1,1 @@
-// The source that the precompiled headers of the tests belong to. It holds nothing.
+// The precompiled headers of the tests belong to this source, which is otherwise empty.

@@ -1,4 +1,4 @@
-// A shop's own test of its receipts, with the virtual printer in the printer's place. Needs quorport in the
+// A shop's own test of its receipts, with the virtual printer instead of a real one. Needs quorport in the
 // PATH. Run it by: node --test receipt.test.js
 
 const assert = require("node:assert");

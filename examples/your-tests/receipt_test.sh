@@ -1,6 +1,6 @@
 #!/bin/bash
-# A shop's own test of its receipts, with the virtual printer in the printer's place. Needs quorport in the
-# PATH. The exit status is 0 if the receipt is right.
+# A shop's own test of its receipts, with the virtual printer instead of a real one. Needs quorport in the PATH. The
+# exit status is 0 if the receipt is right.
 set -euo pipefail
 
 folder=$(mktemp -d)

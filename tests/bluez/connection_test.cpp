@@ -54,7 +54,7 @@ class BluetoothConnection : public testing::Test {
  protected:
   ~BluetoothConnection() override { ::close(printer_); }
 
-  /// A plan whose connections end at `printer_`.
+  /// A plan of the service in which each connection leads to `printer_`.
   StandInPlan plan() {
     StandInPlan plan;
     plan.connect = [this] { return newConnection(); };
@@ -68,7 +68,7 @@ class BluetoothConnection : public testing::Test {
     return ends[1];
   }
 
-  /// How many programs are on the bus besides the one that asks.
+  /// The number of programs on the bus, without the one that asks.
   static std::size_t programsOnTheBus() {
     const auto deadline = SteadyClock::now() + 10s;
     Bus bus(deadline);
@@ -187,7 +187,7 @@ TEST_F(BluetoothConnection, LeavesNothingOpenAfterAThousandSessions) {
   }
   EXPECT_TRUE(test::eventually([] { return countOf("/proc/self/task") == 2; }));
   EXPECT_TRUE(test::eventually([&] { return countOf("/proc/self/fd") == before; }));
-  EXPECT_EQ(programsOnTheBus(), 1U);  // with a program its match rules leave
+  EXPECT_EQ(programsOnTheBus(), 1U);  // when a program leaves the bus, its match rules are removed
 }
 
 TEST_F(BluetoothConnection, WorksInAChildThatWasForkedDuringASession) {
@@ -204,7 +204,7 @@ TEST_F(BluetoothConnection, WorksInAChildThatWasForkedDuringASession) {
   EXPECT_EQ(connection.send(reinterpret_cast<const std::uint8_t*>("x"), 1), 1);
 }
 
-/// An error of the service, and what it means.
+/// An error of the service, and its meaning.
 struct Refusal {
   const char* name;
   const char* text;

@@ -21,7 +21,7 @@ class BusCase(Case):
         self.environment = {"DBUS_SYSTEM_BUS_ADDRESS": f"unix:path={self.socket}"}
 
     def serve(self, *command: str) -> subprocess.Popen:
-        """Starts a program on the bus that says a line when it is ready."""
+        """Starts a program on the bus; the program writes a line when it is ready."""
         process = subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
                                    env=os.environ | self.environment)
         self.addCleanup(self.end, process)

@@ -20,7 +20,7 @@ FOLDER = Path(sys.argv.pop(1))
 DEADLINE = 60  # seconds
 SKIPPED = 77
 
-# The printers of receiptio that speak the common ESC/POS; its others have a maker's own language.
+# The printer types of receiptio that use common ESC/POS; its other types use a maker's own commands.
 MODES = ("escpos", "epson", "citizen", "fit", "impact", "impactb", "generic")
 
 
@@ -45,7 +45,7 @@ class Clients(unittest.TestCase):
         self.start("escpos-80")
 
     def start(self, profile: str):
-        # An address of its own, since one of them knows no other port.
+        # Each printer has an address of its own, because one library can only use the usual port.
         self.host = "127." + ".".join(str(random.randint(1, 250)) for _ in range(3))
         self.printer = subprocess.Popen(
             [QUORPORT, "--json", "simulate", "--strict", "--set", f"profile={profile}", "--listen",
@@ -60,7 +60,7 @@ class Clients(unittest.TestCase):
         """The text on the paper, and the printer's record of the job."""
         ran = subprocess.run(["node", "clients.js", client, self.host, "9100", mode, file], cwd=FOLDER,
                              capture_output=True, text=True, timeout=DEADLINE, check=False)
-        # One of them also shows what the printer says, whenever that arrives.
+        # One library also shows the printer's answers, whenever they arrive.
         self.assertIn("success", ran.stdout.splitlines(), (mode, ran))
         job = json.loads(self.printer.stdout.readline())
         paper = next(file for file in job["files"] if file.endswith(".txt"))

@@ -50,7 +50,8 @@ void DescriptorPeer::closeWriting() {
 }
 
 void DescriptorPeer::reset() {
-  // A network socket then resets instead of closing; a local one does so by its unread bytes.
+  // With this option a network socket resets the connection; a local socket does so if bytes are
+  // unread.
   const linger abrupt{.l_onoff = 1, .l_linger = 0};
   ASSERT_EQ(::setsockopt(number_, SOL_SOCKET, SO_LINGER, &abrupt, sizeof abrupt), 0);
   close();

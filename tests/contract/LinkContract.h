@@ -11,8 +11,8 @@ namespace quordalvane::contract {
 
 inline constexpr double generously = 10;  // seconds; only a failing test waits so long
 
-/// A session on one kind of link, with the device's end in the test's hand. Each back end
-/// instantiates the suite with its own kinds.
+/// A session on one kind of link; the test controls the device's end. Each back end instantiates
+/// the suite with its own kinds of links.
 class LinkContract : public testing::TestWithParam<LinkKind> {
  protected:
   void SetUp() override {
@@ -21,7 +21,7 @@ class LinkContract : public testing::TestWithParam<LinkKind> {
     open();
   }
 
-  // A device that stalls is waited for only by the tests of that.
+  // Only the tests of a stalled device wait for one.
   void TearDown() override {
     if (session) {
       session->abandon();
@@ -40,7 +40,7 @@ class LinkContract : public testing::TestWithParam<LinkKind> {
     peer = maker->peer();
   }
 
-  /// As a port does it before it uses a stream.
+  /// Prepares a stream as a port does before it uses the stream.
   void schedule(NSStream& stream) {
     stream.setDelegate(receiver_);
     stream.scheduleInRunLoop(maker->platform().currentRunLoop(), NSDefaultRunLoopMode);
@@ -85,8 +85,7 @@ class LinkContract : public testing::TestWithParam<LinkKind> {
   }
 
   /// Writes text until the link takes no more, or has taken `limit`; returns the number that it
-  /// took. The system moves the bytes of a terminal on by itself, a moment later, and that makes
-  /// space again.
+  /// took. The system moves the bytes of a terminal a moment later, and then there is space again.
   Bytes fill(std::size_t limit = SIZE_MAX) {
     constexpr double moment = 0.1;
     Bytes taken;

@@ -23,26 +23,26 @@ class Peer {
   /// Sends all of `bytes`, which must be few enough for the link to hold.
   virtual void write(const Bytes& bytes) = 0;
 
-  /// Sends one byte, whether or not anybody is there to hear it.
+  /// Sends one byte, even if nobody reads it.
   virtual void say(std::uint8_t byte) = 0;
 
   /// Takes `count` bytes, or as many as arrive before the link ends or a generous time has passed.
   virtual Bytes read(std::size_t count) = 0;
 
-  /// Takes nothing more until the next `read`.
+  /// Takes no more bytes until the next `read`.
   virtual void stall() = 0;
 
   /// Ends the link in good order.
   virtual void close() = 0;
 
-  /// Ends the direction from the device alone. Only if the link has two.
+  /// Ends only the direction from the device. Only for links whose directions end separately.
   virtual void closeWriting() = 0;
 
   /// Ends the link abruptly. Only if the link can.
   virtual void reset() = 0;
 };
 
-/// Abilities that not every kind of link has.
+/// Abilities that only some kinds of links have.
 struct LinkTraits {
   bool takesEveryByte = true;    ///< the device obeys none of them
   bool keepsUnreadBytes = true;  ///< bytes from before the end can be read after it

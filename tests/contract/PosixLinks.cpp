@@ -13,7 +13,7 @@
 #include "tests/support/PseudoTerminal.h"
 #include "tests/support/TemporaryFolder.h"
 
-// The links of the POSIX back end: each has this process at both ends.
+// The links of the POSIX back end; this process has both ends of each.
 namespace quordalvane::contract {
 namespace {
 
@@ -82,8 +82,8 @@ class UnixMaker : private test::TemporaryFolder, public ListeningMaker {
   Descriptor connect() override { return posix::connectUnix(file("socket")); }
 };
 
-/// A pair of sockets in place of the driver of USB printers: what is special about that is how the
-/// link reads and closes.
+/// A pair of sockets replaces the driver of USB printers; the link reads and closes it in the same
+/// special way.
 class PrinterDriverMaker : public PosixLinkMaker {
  public:
   LinkTraits traits() const override { return {.closesOneWay = false, .resets = false}; }
@@ -108,7 +108,7 @@ class PrinterDriverMaker : public PosixLinkMaker {
 
 class PtyMaker : public PosixLinkMaker {
  public:
-  // Its end throws away unread bytes, and a session opens the same line again.
+  // Closing it throws away unread bytes, and the next session opens the same line again.
   LinkTraits traits() const override {
     return {.keepsUnreadBytes = false,
             .closesOneWay = false,

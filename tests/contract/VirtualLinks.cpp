@@ -14,7 +14,8 @@ using simulator::Instant;
 using simulator::VirtualPrinter;
 using virtuals::VirtualAccessory;
 
-/// The printer as a device: off line it stalls, and it has read the bytes that it printed.
+/// The printer as the device of a link: while it is off line it takes no bytes; the bytes that it
+/// printed count as read.
 class VirtualPeer : public Peer {
  public:
   explicit VirtualPeer(std::shared_ptr<VirtualAccessory> accessory)
@@ -44,7 +45,7 @@ class VirtualPeer : public Peer {
         [](VirtualPrinter& printer, Instant now) { printer.setFlag("offline", true, now); });
   }
 
-  // A printer has one connection, and ends it by beginning another.
+  // A printer has one connection; a new connection ends the old one.
   void close() override {
     withPrinter([](VirtualPrinter& printer, Instant) { printer.connect(nullptr); });
   }

@@ -5,7 +5,8 @@
 namespace quordalvane::contract {
 namespace {
 
-/// Seconds, for an end without a wait: a session that waits for a device in vain ends after two.
+/// Seconds that an end without a wait may take; a session that waits for a silent device ends after
+/// two.
 constexpr double instantly = 1.9;
 
 TEST_P(LinkContract, ALinkThatTheDeviceClosedIsLostAndEmpty) {
@@ -54,7 +55,7 @@ TEST_P(LinkContract, AResetEndsTheLinkEvenWithBytesUnread) {
   if (!maker->traits().resets) {
     GTEST_SKIP() << "the link cannot be reset";
   }
-  ASSERT_EQ(write({1}), 1);  // unread by the device, which makes the end a rude one everywhere
+  ASSERT_EQ(write({1}), 1);  // the device does not read them, so that every kind of link is reset
   peer->write({1, 2, 3});
   peer->reset();
   std::uint8_t buffer[8];

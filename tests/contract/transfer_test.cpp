@@ -93,7 +93,7 @@ TEST_P(LinkContract, AStalledDeviceTakesBytesUntilThereIsNoSpace) {
 TEST_P(LinkContract, AWriteWithoutSpaceTakesNothingAndIsNoError) {
   peer->stall();
   fill();
-  // Space is counted in lumps, so something may still fit.
+  // The system counts space in blocks, so some bytes may still fit.
   const Bytes piece(1024);
   std::int64_t count = 1;
   for (int i = 0; i < 100'000 && count > 0; ++i) {

@@ -11,9 +11,9 @@ namespace quordalvane {
 using SystemCalls = std::vector<long>;
 
 /// The system calls that `body` makes on its thread. It runs in a copy of this process, which ends
-/// with it: connections that are open here are open there, threads of this process continue here
-/// and are missing there, and nothing that it changes in memory is seen here. None where the system
-/// does not let a process be traced.
+/// with it: the copy has the open connections, but not the threads of this process, and its changes
+/// of memory have no effect here. Returns no value if the system does not allow a process to be
+/// traced.
 std::optional<SystemCalls> systemCallsOf(const std::function<void()>& body);
 
 std::size_t countOf(const SystemCalls& calls, long number);

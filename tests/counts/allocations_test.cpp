@@ -24,7 +24,8 @@ struct Speaker {
 };
 
 TEST(Allocations, AreCountedWithTheirBytes) {
-  // Called by its name: the compiler may leave out a new expression whose memory is not used.
+  // It is called by its name, because the compiler may remove a new expression whose memory is not
+  // used.
   const auto taken = allocationsOf([] { ::operator delete(::operator new(1000)); });
   EXPECT_EQ(taken.count, 1U);
   EXPECT_EQ(taken.bytes, 1000U);

@@ -20,9 +20,9 @@
 #include "bench/OpenPort.h"
 #include "bench/Peer.h"
 
-// The system calls of a port for one exchange. Only the ticks of the system's clock touch these
-// counts, each by a call or two: a program that makes a hundred calls where three would do shows it
-// here first.
+// The system calls of a port for one exchange. Only ticks of the system's clock change these
+// counts, each by a call or two. So these tests notice a program that makes a hundred calls instead
+// of three.
 
 namespace quordalvane {
 namespace {
@@ -62,9 +62,9 @@ std::size_t exchangeCallsIn(const SystemCalls& calls) {
   return count;
 }
 
-/// The system calls of one status. Whether an idle line has brought something is asked again when
-/// the system's clock has ticked in between, as it does on a busy machine: the shortest of many
-/// exchanges is one that no tick has touched.
+/// The system calls of one status. The port checks an idle line again if the system's clock has
+/// ticked meanwhile, as it does on a busy machine. No tick has changed the shortest of many
+/// exchanges.
 std::optional<SystemCalls> callsOfAStatus(AnsweredPort& answered) {
   constexpr int exchanges = 20;
   auto fewest = systemCallsOf([&] { answered.port.getStatus(); });
@@ -156,8 +156,8 @@ long waitsOfThisThread() {
   return usage.ru_nvcsw;
 }
 
-/// How many waits an idle slice of this thread has: the middle of many, since the system has a
-/// thread wait for reasons of its own now and then.
+/// How many waits an idle slice of this thread has: the median of many, because the system
+/// sometimes makes a thread wait for its own reasons.
 long waitsOfAnIdleSlice() {
   std::array<long, 21> waits;
   for (long& count : waits) {

@@ -1,6 +1,6 @@
 """Every process that has to do with a job is killed at every moment of it, under every error policy of the queue.
 
-QUOR_CRASH_MOMENTS is how many moments of a job are tried for each victim and policy; 20 by night.
+QUOR_CRASH_MOMENTS is the number of moments of a job that are tried for each process and policy; 20 at night.
 """
 
 import collections
@@ -76,19 +76,20 @@ class Lane:
                     continue  # it has just ended
 
     def state(self, job: int) -> str | None:
-        """Where nothing happens any more without a person; null while something does."""
+        """The state of the job, if only a person can change it now; null otherwise."""
         state = self.scheduler.state(job)
         if self.back_ends():
             return None
         if state == "pending":
             if self.scheduler.printer("till")["printer-state"] == [5]:
                 return "queue stopped"
-            # A scheduler that was killed before it had recorded a job's end looks at the job only when something happens.
+            # A scheduler that was killed before it recorded the end of a job checks the job again only after some other
+            # event.
             self.scheduler.resume("till")
         return state if state in SETTLED else None
 
     def tidy(self, job: int, state: str):
-        """The person's acts before the next case."""
+        """The steps that a person takes before the next case."""
         if state not in ("completed", "canceled", "aborted"):
             self.scheduler.on_job(ipp.CANCEL_JOB, job)
         if self.scheduler.printer("till")["printer-state"] == [5]:
@@ -96,7 +97,7 @@ class Lane:
         eventually(lambda: not self.back_ends(), "no back end runs")
 
     def settled(self, job: int) -> str:
-        """The last state of the job. A peer may hang on its printer for ever, and is ended then."""
+        """The last state of the job. The other back end may wait for its printer for ever; then it is ended."""
         try:
             return eventually(lambda: self.state(job), f"job {job} stays as it is")
         except AssertionError:
@@ -111,10 +112,10 @@ class Lane:
         before = printed(self.printer)
         job = self.scheduler.print_job("till", COPY)
         if self.exe.name == "quor" and not victim.startswith("scheduler"):
-            # Nobody sees a process that is killed before its first instruction.
+            # Nothing can notice that a process was killed before its first instruction.
             eventually(lambda: self.guard_and_worker()[1] or self.state(job), "the back end has begun")
         began = time.monotonic()
-        time.sleep(max(0.0, began + moment - time.monotonic()))  # the moment is what the case is about
+        time.sleep(max(0.0, began + moment - time.monotonic()))  # the case tests this moment
         self.strike(victim)
         state = self.settled(job)
         copies = (printed(self.printer) - before) / len(COPY)
@@ -134,7 +135,8 @@ def moments(count: int) -> list[float]:
 
 
 def report(back_end: str, ends: list[tuple[str, float]]):
-    """Of states and copies on paper. The lines are read by others: the dot of an earlier test must not be on the first one."""
+    """The counts of states and of copies on paper. Scripts read these lines, so the first one must not begin with the
+    dot of an earlier test."""
     print()
     for meaning, is_so in (("jobs more than once on paper", lambda state, copies: copies > 1),
                            ("jobs completed without all of it on paper", lambda state, copies: state == "completed" and copies < 1)):
@@ -167,7 +169,7 @@ class Crashes(unittest.TestCase):
         print(f"{len(ends)} cases: jobs that are {dict(states)}")
 
     def test_the_print_systems_own_back_end_for_comparison(self):
-        """Nothing is asserted of it: its figures are what ours are compared with. Half of the moments."""
+        """This test asserts nothing: its figures are for comparison with ours. It tries half of the moments."""
         victims = ("worker", "scheduler stopped", "scheduler killed")
         with concurrent.futures.ThreadPoolExecutor(len(POLICIES)) as lanes:
             cases = sum(lanes.map(lambda policy: self.run_lane(policy, "socket", SOCKET, victims, (MOMENTS + 1) // 2), POLICIES), [])

@@ -12,7 +12,7 @@ from scheduler import as_nobody
 INSTALLED = Path("/usr/lib/cups")
 DOTS_PER_INCH, MILLIMETRE = 203, 72 / 25.4
 
-# An upright page of 80 by 200 mm with marks that no turn or mirror image of it has.
+# An upright page of 80 by 200 mm whose marks would differ if the page were turned or mirrored.
 MARKS = b"""0.8 w 20 300 187 240 re S
 30 460 60 60 re f
 90 320 m 200 320 l 200 420 l f
@@ -47,7 +47,8 @@ class Everywhere(Application, QueueCase):
                 (self.scheduler.folder / "data" / folder).symlink_to(Path("/usr/share/cups") / folder)
         subprocess.run(["lpadmin", "-h", self.scheduler.socket, "-p", "till", "-E", "-m", "everywhere", "-v", self.client.uri],
                        check=True, capture_output=True, **as_nobody())
-        # The scheduler asks the printer for its formats after it has answered, and passes bytes as they are until then.
+        # The scheduler asks the printer for its formats only after it has created the queue; until then it passes bytes
+        # unchanged.
         eventually(lambda: "Raw" not in self.scheduler.printer("till")["printer-make-and-model"][0], "the queue knows its printer")
 
     def print_file(self, name: str, contents: bytes, *options: str) -> int:
@@ -57,7 +58,7 @@ class Everywhere(Application, QueueCase):
         return int(said.stdout.split("till-")[1].split()[0])
 
     def picture(self) -> Path:
-        """That of the only receipt."""
+        """The picture of the only receipt."""
         found, = self.receipt_files("png", 1)
         return found
 
@@ -95,7 +96,7 @@ class Everywhere(Application, QueueCase):
         self.assertTrue(self.picture())
 
     def test_a_job_of_which_nobody_knows_is_not_printed_again(self):
-        """Its state is the print system's own affair, which may call it completed: see the guide."""
+        """The print system itself decides the state of this job, and may call it completed: see the guide."""
         page = pdf(MARKS, 80 * MILLIMETRE, 200 * MILLIMETRE)
         self.assertSettles(self.print_file("page.pdf", page), "completed")
         whole = printed(self.printer)

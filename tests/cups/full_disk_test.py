@@ -13,7 +13,7 @@ from scheduler import NOBODY
 @unittest.skipUnless(os.geteuid() == 0, "only root can mount a file system")
 class FullDisk(QueueCase):
     def mount(self, folder: str):
-        """A disk of one mebibyte in the place of a folder of the scheduler."""
+        """Replaces a folder of the scheduler by a disk of one mebibyte."""
         self.scheduler.end()
         self.disk = self.scheduler.folder / folder
         options = f"size=1m,uid={NOBODY},gid={NOBODY},mode=755"
@@ -24,7 +24,7 @@ class FullDisk(QueueCase):
         self.scheduler.start()
 
     def fill(self):
-        """Leaves no byte on the disk."""
+        """Fills the disk to the last byte."""
         with (self.disk / "filler").open("wb", buffering=0) as file:
             try:
                 while file.write(bytes(4096)):

@@ -1,4 +1,5 @@
-"""Asks a print scheduler by IPP. A client of its own, so that a state is asked for in a millisecond and not by a process."""
+"""Asks a print scheduler by IPP. This client asks for a state in a millisecond; starting a process would take
+longer."""
 
 import http.client
 import itertools

@@ -14,7 +14,8 @@ FIRST_FILE = "/stat"  # calls are counted from its opening: the scheduler's reco
 
 class Killed(ProgramCase):
     def killed_at(self, call: int) -> tuple[int, bool, bool]:
-        """The exit code, whether the scheduler is told to stop the queue, and whether the receipt is on paper."""
+        """The exit code, whether the back end asks the scheduler to stop the queue, and whether the receipt is on
+        paper."""
         before = printed(self.printer)
         under = (KILL_AT, str(call), FIRST_FILE, QUOR)
         code, said = self.run_to_end(self.start(self.printer, self.receipt, options=f"job-uuid={call}", under=under))

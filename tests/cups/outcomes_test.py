@@ -1,4 +1,4 @@
-"""What becomes of a job of a queue: its state, the state of its printer, and what lies on paper."""
+"""The fate of a job of a queue: its state, the state of its printer, and the receipts on paper."""
 
 import signal
 import time
@@ -217,7 +217,7 @@ class Empty(QueueCase):
 
 
 class KilledBeforeItBegins(QueueCase):
-    """The one end of a back end that nobody sees: see the guide."""
+    """The one way to end a back end that nothing can notice: see the guide."""
 
     def test_a_job_is_completed_without_paper_and_the_page_log_says_so(self):
         program = self.scheduler.folder / "bin/backend/quor"

@@ -41,7 +41,7 @@ def inked(picture: Picture) -> Picture:
 
 
 def shares(picture: Picture, across: int, down: int) -> list[float]:
-    """Which share of each cell of a grid over it is ink."""
+    """For each cell of a grid over the picture, the share of ink."""
     height, width = len(picture), len(picture[0])
     found = []
     for y in range(down):

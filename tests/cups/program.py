@@ -13,7 +13,7 @@ DONE, FAILED, HOLD, STOP, CANCEL = 0, 1, 3, 4, 5  # the exit codes that the sche
 class ProgramCase(Case):
     def start(self, printer, *file: str, copies: int = 1, query: str = "", options: str = "job-uuid=urn:uuid:4711",
               channel: socket.socket | None = None, under: tuple = (QUOR,), **environment) -> subprocess.Popen:
-        """Starts it, or a program that does so as its last words say."""
+        """Starts the back end, or a program whose last arguments are the back end and its arguments."""
         place = printer.place.removeprefix("tcp:")
         environment = {"DEVICE_URI": f"quor:/tcp/{place}{query}", "CUPS_CACHEDIR": str(self.folder), **environment}
 

@@ -16,13 +16,13 @@ SETTLED = (*ENDED, "held", "stopped")
 
 
 def printed(printer: Simulator) -> int:
-    """How many bytes of data the printer has printed when it has none left."""
+    """Waits until the printer has no data left; returns how many bytes it has printed."""
     return eventually(lambda: (now := printer.state())["buffered"] == 0 and now, "the printer has printed")["printedBytes"]
 
 
 def least(measure: Callable[[], float], limit: float) -> float:
-    """The least of as many times as it takes to be below the limit, a few at most: what others do on the machine makes
-    one longer, and never shorter."""
+    """Repeats the measurement a few times at most, until it is below the limit, and returns the shortest: other
+    programs on the machine only make it longer."""
     times = []
     while not times or (min(times) >= limit and len(times) < 5):
         times.append(measure())
@@ -47,7 +47,7 @@ class QueueCase(Case):
             shutil.copy(self.scheduler.folder / "error_log", log)
 
     def queue(self, printer: Simulator | str, name: str = "till", query: str = "", policy: str = "retry-job") -> str:
-        """A queue for the printer, or for the place of one."""
+        """Makes a queue for the printer, or for an address."""
         place = printer if isinstance(printer, str) else printer.place
         self.scheduler.add_queue(name, f"quor:/tcp/{place.removeprefix('tcp:')}{query}", policy)
         return name
@@ -56,12 +56,12 @@ class QueueCase(Case):
         return self.scheduler.print_job(queue, data, *attributes)
 
     def assertSettles(self, job: int, state: str):
-        """The job ends, or is held, in that state."""
+        """Waits until the job ends, or is held, in that state."""
         settled = self.scheduler.await_state(job, *SETTLED)
         self.assertEqual(settled, state, self.story(job))
 
     def assertWaits(self, job: int, queue: str, message: str, *reasons: str):
-        """It is neither printed nor given up, and the queue says why."""
+        """The job is neither printed nor aborted, and the queue gives the reason."""
         eventually(lambda: self.scheduler.message(queue) == message, f"the queue says {message}")
         self.assertEqual(self.scheduler.state(job), "processing", self.story(job))
         self.assertEqual(self.scheduler.reasons(queue), set(reasons))
@@ -86,11 +86,11 @@ class QueueCase(Case):
         return found
 
     def copies(self, printer: Simulator, size: int = len(RECEIPT)) -> float:
-        """How many copies of a job of that size lie on paper."""
+        """How many copies of a job of that size are on paper."""
         return printed(printer) / size
 
     def seconds_to_cancel(self, job: int) -> float:
-        """How long the back end lives after a person has canceled its job."""
+        """How long the back end still runs after a person has canceled its job."""
         began = time.monotonic()
         self.scheduler.on_job(ipp.CANCEL_JOB, job)
         eventually(self.back_end_is_gone, "the back end ends")

@@ -1,4 +1,4 @@
-"""A print scheduler of the test's own: every file of it lies in the test's folder, and it runs as any user."""
+"""A print scheduler of the test's own: all of its files are in the test's folder, and any user can run it."""
 
 import os
 import shutil
@@ -44,7 +44,7 @@ JobRetryLimit 3
 
 BANNER = b"--- a banner page\n"
 
-# A queue with a filter of its own, which writes what it reads.
+# A queue with a filter that copies its input to its output.
 DRIVER = b"""*PPD-Adobe: "4.3"
 *FormatVersion: "4.3"
 *FileVersion: "1.0"
@@ -87,7 +87,7 @@ PageLog {folder}/page_log
 
 
 def as_nobody() -> dict:
-    """How a process is started, for tests that root runs."""
+    """How root starts a process in a test."""
     return {"user": NOBODY, "group": NOBODY, "extra_groups": []} if os.geteuid() == 0 else {}
 
 
@@ -149,7 +149,7 @@ class Scheduler:
         return ipp.ask(self.socket, ipp.request(operation, *attributes, **groups), data, resource)
 
     def add_queue(self, name: str, uri: str, policy: str = "retry-job", driver: bytes = b""):
-        """A queue for bytes as they are, unless a driver is given."""
+        """Makes a queue that passes bytes unchanged, unless a driver is given."""
         self.ask(ipp.ADD_PRINTER, printer_uri(name), resource="/admin/", data=driver, printer=(
             ipp.attribute(ipp.URI, "device-uri", uri), ipp.attribute(ipp.NAME, "printer-error-policy", policy), *READY))
 

@@ -1,4 +1,5 @@
-"""How long a job takes from `lp` to its end on a printer that answers at once, beside the print system's own back end."""
+"""How long a job takes from `lp` to its end on a printer that answers at once, compared with the print system's own
+back end."""
 
 import statistics
 import subprocess
@@ -24,7 +25,7 @@ class Times(QueueCase):
         return time.monotonic() - began
 
     def test_at_most_150_ms_more_than_a_back_end_that_confirms_nothing(self):
-        """The least of several times each: other work on the machine makes them longer, and never shorter."""
+        """Compares the shortest of several times: other work on the machine only makes a time longer."""
         ours, theirs = self.simulator(), self.simulator()
         self.queue(ours, "ours")
         self.scheduler.add_queue("theirs", f"socket://{theirs.place.removeprefix('tcp:')}")

@@ -8,8 +8,8 @@
 namespace quordalvane::test {
 namespace {
 
-// One at a time for the whole process: a routine that is carried to another thread also runs short
-// there.
+// There is one fault at a time in the whole process, so that a routine also fails on the thread to
+// which it is passed.
 struct Plan {
   std::atomic<bool> armed = false;
   std::atomic<Allocation> which = Allocation::Any;

@@ -4,7 +4,7 @@
 
 namespace quordalvane::test {
 
-/// Which allocations a fault befalls: all, or only those that return null instead of throwing.
+/// Which allocations a fault affects: all, or only those that return null instead of throwing.
 enum class Allocation { Any, AnsweringNull };
 
 /// While it lives, the k-th allocation of the threads that are covered fails, alone or with all
@@ -17,7 +17,7 @@ class AllocationFault {
   AllocationFault(const AllocationFault&) = delete;
   AllocationFault& operator=(const AllocationFault&) = delete;
 
-  /// Whether there was a k-th one.
+  /// Whether the k-th allocation was made.
   bool hasStruck() const;
 
   /// The calling thread is covered from now on, by this fault and all others.

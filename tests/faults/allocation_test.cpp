@@ -69,7 +69,7 @@ class AnsweredPort {
 
   ExternalAccessoryPort& port() { return *port_; }
 
-  /// The result of an operation, and whether the fault struck.
+  /// The result of an operation, and whether the fault had an effect.
   std::string result(const Call& call, Allocation which, std::uint64_t k, bool fromThereOn,
                      bool& struck) {
     Caller caller;
@@ -82,7 +82,7 @@ class AnsweredPort {
  private:
   std::string resultOrRaised(const Call& call, Caller& caller) {
     try {
-      // These two never throw, so the code around them may take no memory either.
+      // These two operations never throw, so the code around them must not allocate memory.
       if (call.name == "open") {
         return shownResult(port_->open());
       }
@@ -135,7 +135,7 @@ class AllocationSweep : public testing::TestWithParam<std::tuple<std::int32_t, b
     return struck;
   }
 
-  /// Returns how often the fault struck.
+  /// Returns how often the fault had an effect.
   static std::uint64_t sweep(const Call& call, On thread, bool fromThereOn) {
     const auto& [emulation, logs, which] = GetParam();
     const std::string name = std::string("allocation ") + emulationName(emulation) +

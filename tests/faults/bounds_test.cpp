@@ -1,5 +1,6 @@
-// How long operations may take. Every comparison of a port with the model holds the run against its
-// bound; here are the exemptions from it, each ended by a lost link within one pass.
+// How long operations may take. Every comparison of a port with the model also checks the bound of
+// the run. These tests cover the parts without a bound, each of which a lost link ends within one
+// pass.
 
 #include <gtest/gtest.h>
 
@@ -11,7 +12,7 @@
 namespace quordalvane::test {
 namespace {
 
-/// How many bytes moved, or were tried to be moved, after the port had seen that the link is lost.
+/// How many bytes the port moved, or tried to move, after it had noticed the lost link.
 std::ptrdiff_t movesAfterTheLoss(const Outcome& outcome) {
   const auto seen = std::find_if(outcome.lines.begin(), outcome.lines.end(), [](const Line& line) {
     return line.text == "accessory.isConnected 0";

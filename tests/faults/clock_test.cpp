@@ -39,8 +39,8 @@ double secondsBetween(const Outcome& outcome, std::size_t first, std::size_t las
   return to - from;
 }
 
-/// The printer's behaviour while the clock is stepped. Waits that end by their limit alone are
-/// those of a silent one.
+/// The printer's behaviour while the clock is stepped. Only with a silent printer does a wait end
+/// at its limit.
 enum class Printer { Answers, IsSilent, TakesNothing };
 
 const char* nameOf(Printer printer) {
@@ -86,7 +86,7 @@ class ClockSweep : public testing::TestWithParam<std::tuple<std::int32_t, Printe
     return outcome;
   }
 
-  /// Steps ahead end a wait at most; nothing lasts longer for them.
+  /// A step forward can end a wait; it makes nothing longer.
   static void stepAhead(const Call& call, const Outcome& undisturbed, std::int64_t seconds) {
     for (std::size_t reading = 1; reading <= readingsOf(undisturbed); ++reading) {
       Scenario stepped = scenario();
@@ -97,7 +97,7 @@ class ClockSweep : public testing::TestWithParam<std::tuple<std::int32_t, Printe
     }
   }
 
-  /// A step back makes no wait end early, nor last longer than by the step.
+  /// A step back does not end a wait early, and makes it longer by at most the step.
   static void stepBack(const Call& call, const Outcome& undisturbed, std::int64_t seconds) {
     for (std::size_t reading = 1; reading <= readingsOf(undisturbed); ++reading) {
       Scenario stepped = scenario();
@@ -111,8 +111,8 @@ class ClockSweep : public testing::TestWithParam<std::tuple<std::int32_t, Printe
     }
   }
 
-  /// The same for a step that would take too long to wait for: after some more readings, which must
-  /// not have ended the wait, the clock is set right again.
+  /// The same for a step that is too long to wait for: after some more readings, which must not end
+  /// the wait, the clock is corrected.
   static void stepBackForAWhile(const Call& call, const Outcome& undisturbed,
                                 std::int64_t seconds) {
     constexpr std::size_t readings = 30;
@@ -133,8 +133,8 @@ class ClockSweep : public testing::TestWithParam<std::tuple<std::int32_t, Printe
 
   static constexpr double tolerance = 1e-6;
 
-  /// The time between two looks at the clock of one wait: a pause and a slice, and if the wait is
-  /// for a state of the printer, the question for it.
+  /// The time between two readings of the clock in one wait: a pause and a slice, and the question
+  /// to the printer if the wait is for its state.
   static double onePass(const Call& call) {
     const bool asksForStatus = call.name == "beginCheckedBlock" || call.name == "endCheckedBlock";
     return 0.2 + 0.1 + (asksForStatus ? scenario().run(getParsedStatus()).seconds : 0);
@@ -166,7 +166,7 @@ INSTANTIATE_TEST_SUITE_P(EmulationAndPrinter, ClockSweep,
                                           testing::Values(Printer::Answers, Printer::IsSilent,
                                                           Printer::TakesNothing)));
 
-/// A step back by an hour is waited for to its end, once for each kind of wait.
+/// For each kind of wait, one test waits for the whole hour by which the clock is set back.
 TEST(ClockStep, DelaysEachWaitByTheStepAndNoMore) {
   const std::vector<std::pair<std::int32_t, Call>> waits = {
       {lineMode, writeWithRetry(bytes("1b 40"))},

@@ -54,10 +54,10 @@ class SpoilingSink : public LogSink {
     released_.notify_all();
   }
 
-  /// Only while the writer has nothing to do.
+  /// Call this only while the writer has nothing to do.
   void memoryIsBack() { fault_.reset(); }
 
-  // The writer's while it has records.
+  // Belongs to the writer while it has records.
   std::uint64_t given = 0;
   std::uint64_t told = 0;
   std::uint64_t words = 0;  // of the report

@@ -21,7 +21,7 @@ const char* nameOf(Step step) {
   return step == Step::Creation ? "creation" : step == Step::Open ? "open" : "close";
 }
 
-/// The life of one port, with a fault in one of its steps.
+/// Creates, opens, uses and closes a port, with a fault in one of these steps.
 class Life {
  public:
   explicit Life(std::shared_ptr<FaultPlan> plan)
@@ -42,7 +42,7 @@ class Life {
     return result;
   }
 
-  /// Closes the port, of which nothing may be left then, and makes a port that works.
+  /// Closes the port, checks that nothing of it is left, and makes a port that works.
   void expectGoodEnd() {
     if (port_ != nullptr) {
       port_->close();
@@ -126,7 +126,7 @@ class MainThreadSweep : public testing::TestWithParam<bool> {
     return plan->hasStruck();
   }
 
-  /// Returns how often the fault struck.
+  /// Returns how often the fault had an effect.
   static std::uint64_t sweep(Step step, const MakeFault& makeFault, bool fromThereOn) {
     const std::string name = std::string("fault main ") + (GetParam() ? "logged " : "silent ") +
                              nameOf(step) + " " + makeFault()->name() +

@@ -1,5 +1,5 @@
 // Every call to the platform fails, in every way: the first one, the second one, … of each
-// operation, until a run gets by without it.
+// operation, until a run does not make that call.
 
 #include <gtest/gtest.h>
 
@@ -105,8 +105,8 @@ class FaultSweep : public testing::TestWithParam<std::tuple<std::int32_t, bool>>
   static Scenario scenario() {
     const auto [emulation, logs] = GetParam();
     Scenario scenario = Scenario::in(emulation, 1000);
-    // By its address, since then the accessory is asked for all that it has; the address is in its
-    // description, or the platform knows it.
+    // The printer is chosen by its address, because then the port reads every property of the
+    // accessory. The address is in the accessory's description, or the platform knows it.
     const std::string address = "00:11:22:33:44:55";
     scenario.creation.portName = "BT:" + address;
     if (logs) {
@@ -123,7 +123,7 @@ class FaultSweep : public testing::TestWithParam<std::tuple<std::int32_t, bool>>
   }
 
   /// Fails the first, the second, … call until a run makes fewer calls than that. Returns how often
-  /// the fault struck.
+  /// the fault had an effect.
   static std::uint64_t sweep(const Call& call, const MakeFault& makeFault, bool fromThereOn) {
     const auto [emulation, logs] = GetParam();
     const std::string name = std::string("fault ") + emulationName(emulation) +

@@ -31,7 +31,7 @@ Bytes tail(const Bytes& whole, std::size_t offset) {
   return {whole.begin() + static_cast<std::ptrdiff_t>(offset), whole.end()};
 }
 
-/// Something that befalls a reply or a command, named for its case.
+/// A fault of a reply or of a command, with its name for the case.
 template <typename What>
 struct Torture {
   std::string name;
@@ -40,7 +40,7 @@ struct Torture {
 
 using ReplyTorture = Torture<Reply>;
 
-/// All that can befall a reply at one of its bytes.
+/// All faults of a reply at one of its bytes.
 std::vector<ReplyTorture> torturesAt(const Bytes& reply, std::size_t offset) {
   const std::string at = " " + std::to_string(offset);
   const Bytes first = head(reply, offset);
@@ -82,8 +82,7 @@ std::vector<ReplyTorture> torturesOf(const Bytes& reply) {
 
 using CommandTorture = Torture<Script>;
 
-/// All that can befall the command before whose first byte `before` bytes in `attempts` attempts
-/// were sent.
+/// All faults of the command that follows `before` bytes, sent in `attempts` attempts.
 std::vector<CommandTorture> torturesOf(const Bytes& command, std::size_t before,
                                        std::size_t attempts) {
   constexpr std::size_t all = 100000;
@@ -168,7 +167,7 @@ class LinkTorture : public testing::TestWithParam<std::int32_t> {
     }
   }
 
-  /// That there were cases at all, and how many: a sweep that finds nothing to do shows nothing.
+  /// Checks and records the number of cases: a sweep without a case would show nothing.
   static void expectCases(std::size_t atLeast) {
     EXPECT_TRUE(cases_ >= atLeast || replayedCase()) << cases_ << " cases";
     RecordProperty("cases", std::to_string(cases_));

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-// The accessory service that these tests have in place of the device's. Each session of an
-// accessory has a connected socket of its own.
+// The accessory service that replaces the device's in these tests. Each session of an accessory has
+// a connected socket of its own.
 
 namespace quordalvane::test {
 
@@ -19,13 +19,13 @@ struct PluggedAccessory {
   std::function<int()> connect;  // returns a socket, which the session owns
 };
 
-/// The service's only accessory is from now on this one.
+/// Makes this the only accessory of the service.
 void plugIn(PluggedAccessory accessory);
 
-/// It has no accessories from now on.
+/// Removes the accessory from the service.
 void unplug();
 
-/// The service throws an exception of the framework at every question, or no longer does.
+/// Makes the service throw an exception of the framework at every question, or stops that.
 void letServiceRaise(bool raises);
 
 }  // namespace quordalvane::test

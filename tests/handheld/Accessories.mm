@@ -115,7 +115,8 @@ struct Inside {
 - (instancetype)initWithLink:(std::shared_ptr<SocketLink>)link;
 @end
 
-// The header names no variables, so a session is an object of a class that has them.
+// The header declares no instance variables, so each session is an object of a subclass that has
+// them.
 @implementation EASession
 @dynamic inputStream, outputStream;
 

@@ -1,5 +1,5 @@
-// What the sanitizers find in GNUstep and the language's runtime, and in nothing of ours: an object
-// of ours that is lost, or a race of ours, is still reported.
+// Suppresses findings of the sanitizers in GNUstep and in the language's runtime. Leaks and races
+// of our own code are still reported.
 
 #import <Foundation/Foundation.h>
 
@@ -18,8 +18,8 @@ const char* __lsan_default_suppressions() {
   return "leak:objc_malloc\nleak:class_copyMethodList\n";
 }
 
-// The runtime and GNUstep take two locks of their own in either order while a class is used for the
-// first time.
+// When a class is used for the first time, the runtime and GNUstep take two of their locks in
+// either order.
 const char* __tsan_default_suppressions() {
   return "deadlock:objc_mutex_lock\ndeadlock:libgnustep-base.so\n";
 }

@@ -48,7 +48,7 @@ using quordalvane::test::SocketLink;
   }
 }
 
-// The device's loops may be changed from any thread; these only from their own.
+// On the device any thread may change a run loop; here only its own thread may.
 - (void)removeFromRunLoop:(NSRunLoop*)loop forMode:(NSString*)mode {
   NSThread* const thread = [self scheduledThread];
   @synchronized(self) {
@@ -87,7 +87,7 @@ using quordalvane::test::SocketLink;
   [[self delegate] stream:stream handleEvent:isLost ? NSStreamEventEndEncountered : ready];
 }
 
-/// Lets the loop watch again, and wakes it so that it knows.
+/// Makes the loop watch the socket again, and wakes the loop.
 - (void)rearm {
   if (!isTold_.exchange(false)) {
     return;

@@ -27,7 +27,7 @@ void relay(int number, simulator::PrinterLink& link) {
     link.write(std::span(bytes).first(static_cast<std::size_t>(taken)), now());
   }
   if (const std::size_t count = link.read(bytes, now()); count > 0) {
-    ::send(number, bytes.data(), count, MSG_NOSIGNAL);  // a host that has hung up hears nothing
+    ::send(number, bytes.data(), count, MSG_NOSIGNAL);  // a host that has hung up gets no answer
   }
 }
 

@@ -16,7 +16,7 @@
 - (instancetype)initWithLink:(std::shared_ptr<quordalvane::test::SocketLink>)link;
 @end
 
-/// The output of a socket, likewise.
+/// The output of a socket, as a stream of the framework.
 @interface QuorSocketOutputStream : NSOutputStream {
   QuorLinkWatch* watch_;
 }

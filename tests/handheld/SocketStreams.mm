@@ -4,7 +4,7 @@
 
 using quordalvane::test::SocketLink;
 
-// The common answers of both kinds. Their base classes leave all of them to a subclass.
+// The methods that both streams share. Their base classes leave all of these to a subclass.
 #define QUOR_COMMON_STREAM_METHODS                                        \
   -(void)dealloc {                                                        \
     [watch_ release];                                                     \

@@ -32,7 +32,7 @@ std::shared_ptr<ExternalAccessoryPort> portOn(std::shared_ptr<Platform> platform
   return ExternalAccessoryPort::initWithPortName("BT:", "", 10000, emulation, std::move(platform));
 }
 
-/// Late enough that every answer is waited for, so that no race decides the records.
+/// The answers are so late that every one is waited for; so no race changes the records.
 simulator::PrinterBuilder lateAnswers() {
   return simulator::PrinterBuilder().fault("late-reply", "20");
 }
@@ -104,7 +104,7 @@ class SameVersion : public ForwardingPlatform, private UIDevice {
 
 std::vector<std::string> HandheldJob::recordsOf(const std::shared_ptr<Platform>& platform) {
   LogCapture::instance().clear();
-  // A port thread would add its own records at any place, so there is no port thread.
+  // A port thread would add its records at random places, so this port has no port thread.
   std::thread([&] {
     EXPECT_EQ(print(std::make_shared<SameVersion>(platform)), PrintOutcome::Printed);
   }).join();
@@ -119,7 +119,8 @@ TEST_P(HandheldJob, LogsTheSameRecordsAsOverDescriptors) {
     return posix::Descriptor(another.connect(), posix::Descriptor::Kind::Socket);
   }));
   const Logging logging(true);
-  // On a busy machine an answer may be there before it is asked for, which is logged otherwise.
+  // On a busy machine an answer may arrive before the port waits for it, and then the records
+  // differ.
   std::vector<std::string> ours;
   std::vector<std::string> theirs;
   for (int attempt = 0; attempt < 5 && (attempt == 0 || ours != theirs); ++attempt) {

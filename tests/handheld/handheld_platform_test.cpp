@@ -94,7 +94,8 @@ TEST(HandheldThread, RefusesARoutineBeforeItHasStarted) {
 
 TEST(HandheldThread, RefusesARoutineAfterItsEnd) {
   HandheldPlatform platform;
-  for (int i = 0; i < 200; ++i) {  // the end may fall into any moment of the carrying
+  for (int i = 0; i < 200;
+       ++i) {  // the thread may end at any moment while a routine is passed to it
     std::promise<void> ended;
     const auto thread = platform.makeThread([&] { ended.set_value(); });
     ASSERT_TRUE(thread->start());

@@ -178,7 +178,7 @@ class Once(ProgramTest):
         self.assertIn("the journal /proc/jobs.db: ", result.stderr)
 
 
-# An interpreter without a sanitizer cannot load a library with one.
+# A Python without a sanitizer cannot load a library that was built with one.
 @unittest.skipIf("-fsanitize" in os.environ["CXXFLAGS"], "the library is built with a sanitizer")
 class Python(ProgramTest):
     def test_it_prints_and_reads_the_state(self):

@@ -1,8 +1,6 @@
 """A library exports the names in its list and no others. Usage: exported_symbols.py LIST LIBRARY HEADER …
 
-Names that are marked QUOR_EXPORT are exported. The list shows each change of them: a name that is removed breaks
-programs that are built already. A HEADER declares names of the library for C. After a change that is meant,
-write the list anew with
+Names that are marked QUOR_EXPORT are exported. The list shows each change of these names: programs that were built with a removed name no longer run. A HEADER declares names of the library for C. After an intended change, rewrite the list with
 
     tests/install/exported_symbols.py --write LIST LIBRARY
 """
@@ -14,10 +12,11 @@ from pathlib import Path
 
 
 def exported(library: Path) -> list[str]:
-    """The names as programs link them; each C++ name with its meaning."""
+    """The exported names in their linked form; each C++ name is followed by its readable form."""
     table = subprocess.run(["nm", "-D", "--defined-only", library], check=True, capture_output=True, text=True)
     rows = [row.split() for row in table.stdout.splitlines()]
-    # A is the version itself; weak names depend on the code that the compiler inlines.
+    # The type A is the version itself. Weak names are omitted, because they depend on the code that the compiler
+    # inlines.
     names = sorted(name.split("@")[0] for _, kind, name in rows if kind not in "AVWu")
     readable = subprocess.run(["c++filt"], input="\n".join(names), check=True, capture_output=True, text=True)
     meanings = readable.stdout.splitlines()

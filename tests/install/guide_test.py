@@ -25,17 +25,18 @@ BLOCK = re.compile(r"^```(\w*)\n(.*?)^```", re.M | re.S)
 INDENTED = re.compile(r"^ {4}(?:sudo )?((?:\./dev|git|cd|cmake|g\+\+|build/bin/quorport|quorport)\b.*)", re.M)
 ROW = re.compile(r"^\| (?P<says>[^|]+) \| (?P<code>\d) \| (?P<record>[^|]+) \|.*\| `(?P<device>\w+:[^`]*)` \|$", re.M)
 
-# Programs in other languages are run with their packages, by tests/python; shell without a prompt installs something.
+# tests/python runs the programs in other languages with their packages. Shell blocks without a prompt install
+# something, so no test runs them.
 RUN = ("console", "cpp", "")
 RUN_ELSEWHERE = ("javascript", "python", "sh")
 
-# Commands that other tests run, or that no test may run: a clone, an installation as root, a build in a build, and
-# Bluetooth, which the machine's tests have.
+# Commands that other tests run, or that no test may run: a clone, an installation as root, a build inside a build, and
+# Bluetooth, which the tests in the virtual machine cover.
 ELSEWHERE = re.compile(r"\./dev \w+|git clone |cd |cmake --install |quorport (--device YOUR-PRINTER|-d bluetooth:\S+) ")
 
 AT_ONCE = 3  # most runs wait for their printers
 
-# A machine without the fonts says so first; the guides show the output of one that has them.
+# A machine without the fonts first prints a warning; the guides show the output of a machine that has them.
 FONT_HINT = re.compile(r"^quorport: no font on this machine has .*\n", re.M)
 
 WAIT_FOR_LINES = "until [ $(wc -l < {0}) -ge {1} ]; do sleep 0.01; done; cat {0}"

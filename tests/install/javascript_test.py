@@ -1,5 +1,5 @@
-"""The example in JavaScript, on a package of npm that calls C. Without npm it is left out: Debian's may
-not go together with the node that a machine has."""
+"""The example in JavaScript, on a package of npm that calls C. Without npm the test is skipped: Debian's npm may not
+work with the node that a machine has."""
 
 import os
 import shutil

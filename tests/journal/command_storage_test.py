@@ -1,4 +1,4 @@
-"""Every open, write, sync and truncation below the journal of a command fails in turn.
+"""Every open, write, sync and truncation below the journal of a command fails, one after the other.
 
 The command ends with 7 and has sent nothing, or it tells what is true; the next start finds a sound journal.
 """

@@ -18,7 +18,7 @@ SPEED = 4000  # bytes a second
 
 
 class Chaos:
-    """Cuts the link at a byte that a die decides, again and again."""
+    """Cuts the link at random bytes, again and again."""
 
     def __init__(self, simulator):
         self.simulator, self.dice = simulator, random.Random(1)

@@ -41,8 +41,8 @@ class Damage : public JournalCase {
     return found;
   }
 
-  /// Never another answer than that of the whole file: an error or, if what was changed is used for
-  /// nothing, the same.
+  /// The answer is an error or, if the changed bytes are not used, the same as that of the whole
+  /// file.
   void check(const std::string& content, const std::string& what) {
     std::ofstream(file, std::ios::binary | std::ios::trunc) << content;
     try {

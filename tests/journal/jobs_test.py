@@ -1,4 +1,4 @@
-"""Printing under a name, and the journal that knows the names."""
+"""Printing under a name, and the journal that records the names."""
 
 import os
 import signal

@@ -1,6 +1,6 @@
 """A process that prints under a name is killed at each of its system calls; then it is started again.
 
-QUOR_KILL_POINTS is how many calls are tried for each printer, evenly spread; "all" tries each one.
+QUOR_KILL_POINTS is the number of calls that are tried for each printer, evenly spread; "all" tries each call.
 """
 
 import os
@@ -15,7 +15,7 @@ RECEIPT = b"Espresso  2.20\nCake  3.80\n"
 
 
 def proofs(emulation: str) -> list[str]:
-    """Those that this command can use."""
+    """The options that this command accepts."""
     if emulation == "line" or "--proof" not in run("print", "--help").out:
         return [""]
     return ["block", "process-id", "in-order"]
@@ -43,7 +43,7 @@ class KillSweep(Case):
             return process.returncode == KILLED
 
         def calls() -> int:
-            """How many there are in a whole run, to a few."""
+            """About how many calls a whole run makes."""
             nonlocal job
             low, high = 1, 4096
             while high - low > 8:

@@ -1,4 +1,4 @@
-// Every open, write, sync and truncation below the journal fails in turn.
+// Every open, write, sync and truncation below the journal fails, one after the other.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -18,8 +18,8 @@ struct Setting {
 
 class StorageSweep : public JournalCase, public testing::WithParamInterface<Setting> {
  protected:
-  /// The job of a till under a name on a disk that fails at that call; and then, on a sound disk,
-  /// the result of the next start. False if the call was never made.
+  /// Runs a job under a name on a disk that fails at that call, and then checks the result of the
+  /// next start on a sound disk. False if the call was never made.
   bool failAt(std::uint64_t call) {
     Till till(GetParam().emulation);
     std::filesystem::remove_all(folder.file(""));

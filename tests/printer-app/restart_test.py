@@ -1,6 +1,6 @@
 """The printer application is killed and started again: nothing is lost, and nothing is printed twice by itself.
 
-QUOR_CRASH_MOMENTS is how many moments of a job are tried; 20 by night.
+QUOR_CRASH_MOMENTS is the number of moments of a job that are tried; 20 at night.
 """
 
 import collections
@@ -133,7 +133,7 @@ class Crashes(Application):
         before = self.paper()
         began = time.monotonic()
         job = self.print(COPY, RAW)
-        time.sleep(max(0.0, began + moment - time.monotonic()))  # the moment is what the case is about
+        time.sleep(max(0.0, began + moment - time.monotonic()))  # the case tests this moment
         self.restart()
         state = self.settled(job)
         return state, (self.paper() - before) / len(COPY)

@@ -42,7 +42,7 @@ struct StandInPlan {
   int profilesTaken =
       0;  ///< so many registrations are refused first, as another program's is there
 
-  /// The service's end of a new connection, which the stand-in gives away.
+  /// The service's end of a new connection; the caller gets it and owns it.
   std::function<int()> connect = nullptr;
 };
 
@@ -58,7 +58,7 @@ class StandInBluetooth {
   /// How many programs have the profile registered.
   int profiles() const { return static_cast<int>(profileCount_); }
 
-  /// How many connections of others were turned down.
+  /// How many connections of other devices were rejected.
   int turnedDown() const { return turnedDown_; }
 
  private:

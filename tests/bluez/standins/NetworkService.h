@@ -21,8 +21,8 @@ struct StandInAnnouncement {
 };
 
 /// The part of the network's discovery service that a search needs, on the system's bus. It
-/// announces everything before it answers who browses. It serves on a thread of its own until its
-/// end.
+/// announces everything before it answers a program that browses. It serves on a thread of its own
+/// until its end.
 class StandInAvahi {
  public:
   explicit StandInAvahi(std::vector<StandInAnnouncement> announcements);

@@ -36,14 +36,15 @@ PrivateBus::PrivateBus() {
   std::ofstream(folder_.file("bus.conf")) << text;
   ::setenv("DBUS_SYSTEM_BUS_ADDRESS", ("unix:path=" + socket).c_str(), 1);
 
-  // The daemon writes its address once it listens.
+  // The daemon writes its address as soon as it listens.
   int ends[2];
   EXPECT_EQ(::pipe(ends), 0);
   posix_spawn_file_actions_t actions;
   ::posix_spawn_file_actions_init(&actions);
   ::posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
   ::posix_spawn_file_actions_addclose(&actions, ends[0]);
-  // A daemon that outlives a test that crashed must not hold the stream that the runner reads.
+  // If a test crashes, its daemon still runs; it must not keep the stream open that the runner
+  // reads.
   ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
   std::string file = "--config-file=" + folder_.file("bus.conf");
   std::array<char*, 5> arguments = {const_cast<char*>("dbus-daemon"), file.data(),

@@ -8,7 +8,7 @@
 
 namespace quordalvane::test {
 
-/// A message bus of this test's own, which stands for the system's as long as this lives.
+/// A message bus of this test's own, which replaces the system's bus as long as this object exists.
 class PrivateBus {
  public:
   PrivateBus();
@@ -16,7 +16,7 @@ class PrivateBus {
   PrivateBus(const PrivateBus&) = delete;
   PrivateBus& operator=(const PrivateBus&) = delete;
 
-  /// Ends the bus under whoever uses it.
+  /// Ends the bus even if programs use it.
   void kill();
 
  private:
