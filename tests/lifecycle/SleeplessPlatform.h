@@ -16,7 +16,7 @@
 
 namespace quordalvane::test {
 
-/// Sleeps that take no time: the pauses of open and close would fill the test.
+/// Sleeps take no time here: the pauses of open and close would make the test too long.
 class SleeplessClock : public ForwardingClock {
  public:
   using ForwardingClock::ForwardingClock;
@@ -56,7 +56,8 @@ inline int threadCount() {
   return count;
 }
 
-/// The same, before a test makes any. A sanitizer may start a thread of its own with the first one.
+/// The number of threads before a test makes any. A sanitizer may start a thread of its own with
+/// the first one.
 inline int threadsAtRest() {
   pid_t id = 0;
   std::thread([&id] { id = gettid(); }).join();
@@ -66,7 +67,7 @@ inline int threadsAtRest() {
   return threadCount();
 }
 
-/// Port threads end within a slice of the close; a loaded machine gets more.
+/// Port threads end within a slice after the close; on a loaded machine they may take longer.
 inline bool threadsComeBackTo(int count) {
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
   while (threadCount() > count && std::chrono::steady_clock::now() < deadline) {

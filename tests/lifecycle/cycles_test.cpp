@@ -1,4 +1,5 @@
-// Ports made, opened, closed and released by the thousand on real threads; the sanitizers watch.
+// Thousands of ports are made, opened, closed and released on real threads, also under the
+// sanitizers.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,7 +15,7 @@
 namespace quordalvane::test {
 namespace {
 
-/// How often main releases port threads before it counts them: each lives on for a slice.
+/// How many ports main releases before it counts the threads: each thread still runs for a slice.
 constexpr std::uint64_t cyclesBetweenCounts = 500;
 
 TEST(PortCycles, OnTheMainThreadLeaveNoThread) {
@@ -76,8 +77,9 @@ struct Release {
   std::thread::id portThread;
 };
 
-/// A port's own platform, which ends with the port and notes on which thread. The port thread ends
-/// only after main has released the port, so that the last reference is the thread's.
+/// A platform that belongs to one port, ends with it, and records on which thread that happens. The
+/// port thread ends only after main has released the port, so that the thread has the last
+/// reference.
 class NotingPlatform : public ForwardingPlatform {
  public:
   NotingPlatform(std::shared_ptr<Platform> next, std::shared_ptr<Release> release)

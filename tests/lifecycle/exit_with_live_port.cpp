@@ -1,5 +1,5 @@
-// A program that ends while its port thread turns and its logger is busy. How it ends is its
-// argument.
+// A program that ends while its port thread runs and its logger is busy. Its argument says how it
+// ends.
 
 #include <cstdlib>
 #include <cstring>

@@ -28,7 +28,7 @@ TEST(Logger, CountsEachRecordOfEightThreadsThatItLoses) {
   bool inOrder = true;
   const auto sink = std::make_shared<CallbackSink>([&](const LogRecord& record) {
     if (record.method != std::string_view("counted")) {
-      return;  // the logger's own word about dropped records
+      return;  // the logger's own record about dropped records
     }
     ++delivered;
     auto& previous = last.at(std::stoul(record.message));

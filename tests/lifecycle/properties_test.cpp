@@ -1,4 +1,4 @@
-// Properties asked from several threads while others set them; the thread sanitizer watches.
+// Several threads read properties while others set them, also under the thread sanitizer.
 
 #include <gtest/gtest.h>
 

@@ -8,7 +8,7 @@
 #include "tests/machine/gadget/Cable.h"
 #include "tests/support/Eventually.h"
 
-// The links of USB printers at the kernel's own driver. They run in the virtual machine alone.
+// The links of USB printers at the kernel's own driver. They run only in the virtual machine.
 namespace quordalvane::contract {
 namespace {
 
@@ -21,7 +21,7 @@ class CablePeer : public Peer {
   void write(const Bytes& bytes) override { cable_.say(bytes); }
   void say(std::uint8_t byte) override { cable_.say({byte}); }
   Bytes read(std::size_t count) override { return cable_.take(count); }
-  void stall() override {}  // it takes nothing unless it is told to
+  void stall() override {}  // it takes no bytes unless a test asks for that
   void close() override { cable_.pull(); }
   void closeWriting() override { throw std::logic_error("a cable has no directions"); }
   void reset() override { throw std::logic_error("a cable is pulled"); }
@@ -54,7 +54,7 @@ class PluggedInAccessory : public ForwardingAccessory {
 
 class UsbMaker : public LinkMaker {
  public:
-  // The driver keeps nothing for its reader after the end, and gives a printer to one user at a
+  // After the end the driver keeps no bytes for the reader. It lets one program use a printer at a
   // time.
   LinkTraits traits() const override {
     return {.keepsUnreadBytes = false,

@@ -144,8 +144,8 @@ pull
 
 # --- jobs that do not end as they should
 
-# No byte may arrive that was not counted, but for the commands around the job; of those that were
-# counted the driver holds 8 KiB at most.
+# No byte may arrive that was not counted, but for the commands around the job; the driver may still hold 8 KiB of the
+# counted bytes.
 is_honest() {
   accepted=$(field bytesAccepted)
   carried=$(cat /run/carried)
@@ -191,7 +191,7 @@ cp /run/first /run/answer
 check first-program-goes-on grep -q '"outcome":"printed"' /run/first
 pull
 
-# The interval is longer than any wait here: only the system's notices are as quick.
+# The interval is longer than any wait here, so only the system's notices can be this quick.
 serve
 plug_in socket=$socket
 quorport -d usb: monitor --interval 600000 --json >/run/answer 2>/dev/null &

@@ -16,7 +16,8 @@ constexpr double moduleLimit = 10;
 constexpr int commandAttempts = 2;
 constexpr int statusReads = 10;
 
-/// The bounds of one port's operations, each the sum of its waits and its calls.
+/// The bounds of a port's operations; each bound is the sum of the waits and the calls of its
+/// operation.
 class Bounds {
  public:
   explicit Bounds(const Scenario& scenario)
@@ -58,7 +59,7 @@ class Bounds {
                                         3 * slice;  // for a report, the byte after it, the drain
   }
 
-  /// In fractions of a second, hence without the second of whole ones.
+  /// This wait measures fractions of a second, so it does not get the extra second.
   static double response(double limit) { return limit + pollPause + slice; }
 
   double commandMode() const { return guardTimes + 2 * command() + response(moduleLimit); }
@@ -138,7 +139,7 @@ class Watch {
  public:
   explicit Watch(bool endsBlockInEscPos) : endsBlockInEscPos_(endsBlockInEscPos) {}
 
-  /// The exempt part that the run is in after this line, or "".
+  /// The part without a bound that the run is in after this line, or "".
   std::string see(const Line& line) {
     if (endsStretch(line)) {
       stretch_ = "";
@@ -164,7 +165,7 @@ class Watch {
            text == (stretch_ == invalidStatus ? "usleep 200000" : "ignoreSigPipe");
   }
 
-  /// The exemption that this line shows, or "".
+  /// The part without a bound that begins with this line, or "".
   std::string begunBy(const std::string& line) {
     if (line == "ignoreSigPipe") {
       const bool wasPartial = taken_ > 0 && taken_ != offered_;

@@ -11,13 +11,13 @@ namespace quordalvane::test {
 /// slice, and the operations that it calls. A step back of the clock makes it longer by the step.
 double mostSeconds(const Scenario& scenario, const Call& call);
 
-/// The parts of a run that no limit holds.
+/// The parts of a run that have no limit.
 struct Exemption {
-  std::string name;    // of the first that the run used, or ""
-  double seconds = 0;  // that such stretches took, all together
+  std::string name;    // of the first such part of the run, or ""
+  double seconds = 0;  // that all such parts took together
 };
 
-/// The stretches of a run that are not held to the bound; each ends within one pass of a lost link:
+/// The parts of a run that have no bound; a lost link ends each of them within one pass:
 /// - the retrying writer's repeat, after an attempt that moved a part of the command, until the
 ///   command is done with;
 /// - a stream that says that it is ready and then moves no byte, or claims an impossible count,
@@ -27,8 +27,8 @@ struct Exemption {
 /// - the drain: in ESC/POS a block's end reads as long as bytes arrive.
 Exemption exemptionOf(const Outcome& outcome, const Call& call);
 
-/// "" if the run, without its exempt parts, took no longer than it may; otherwise its time and its
-/// limit.
+/// "" if the run, without the parts that have no bound, took no longer than its limit; otherwise
+/// its time and its limit.
 std::string overrun(const Scenario& scenario, const Call& call, const Outcome& outcome);
 
 }  // namespace quordalvane::test

@@ -198,7 +198,7 @@ std::vector<Call> allCalls() {
 
 namespace {
 
-/// The calls' results on one of their two sides, joined.
+/// The results of the calls, of the port or of the model, joined.
 template <typename Side, typename Port>
 std::string joined(const std::vector<Call>& calls, Side side, Port& port, Caller& caller) {
   std::string results;

@@ -9,11 +9,11 @@
 
 namespace quordalvane::test {
 
-/// The objects that the caller of an operation owns and hands in.
+/// The objects that the caller of an operation owns and passes in.
 struct Caller {
   Caller();
 
-  /// Keeps bytes to be handed in, which traces show as "<data>".
+  /// Keeps bytes that a call passes in; traces show them as "<data>".
   const Bytes& take(Bytes bytesToHandIn);
 
   Trace* trace = nullptr;
@@ -29,8 +29,8 @@ struct Operation {
   std::int32_t timeoutMillis = 0;
 };
 
-/// One use of a port's operation: the same for a port and for the model. It returns the result as
-/// text: "true", "-1", "none", "<1b 06>", "\"text\"", or the exception.
+/// One call of a port's operation, which a port and the model can both run. It returns the result
+/// as text: "true", "-1", "none", "<1b 06>", "\"text\"", or the exception.
 struct Call {
   std::string name;
   std::function<std::string(ExternalAccessoryPort&, Caller&)> onPort;

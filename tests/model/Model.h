@@ -28,14 +28,13 @@ struct Raised {
   std::string what;
 };
 
-/// What each operation of a port is documented to do, a second time: written from the promises
-/// alone, without a look at the port's sources and without any of its helpers or parsers. It makes
-/// the calls that a port makes to the platform and lists the records of a port, so that a run of
-/// the one can be held against a run of the other. It lives on one thread that is not the main
-/// thread.
+/// A second implementation of every operation of a port. It was written from the documented
+/// contracts alone, without the port's sources, helpers and parsers. It makes the same calls to the
+/// platform as a port and lists the same records, so that tests can compare a run of the model with
+/// a run of the port. It lives on one thread that is not the main thread.
 class Model {
  public:
-  /// As a port: the platform and the trace must outlive it.
+  /// As for a port, the platform and the trace must outlive it.
   Model(Creation creation, Platform& platform, Trace& trace);
 
   bool open();

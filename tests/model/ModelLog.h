@@ -39,7 +39,7 @@ class Model::Log {
     }
   }
 
-  /// A message whose argument is asked for only when it is wanted.
+  /// A message whose argument is computed only if the message is wanted.
   template <typename Argument>
   void error(const std::string& message, Argument argument) const {
     if (wanted()) {
@@ -60,7 +60,7 @@ class Model::Log {
   const std::string method_;
 };
 
-/// Any object that no caller can name: a command that an operation made for itself.
+/// An object without a name in the trace: a command that an operation made for itself.
 inline constexpr const char* someAddress = "<address>";
 
 }  // namespace quordalvane::test

@@ -7,7 +7,8 @@
 
 #include "tests/support/Bytes.h"
 
-// The meaning of the printers' replies, read a second time from the description of their commands.
+// A second implementation of the meaning of the printers' replies, written from the description of
+// their commands.
 
 namespace quordalvane::test {
 
@@ -18,7 +19,7 @@ struct Flag {
 };
 extern const Flag flags[30];
 
-/// How long the line-mode status reply is that begins with this byte.
+/// The length of the line-mode status reply that begins with this byte.
 std::size_t statusLength(std::uint8_t firstByte);
 
 /// Fills the record from its `raw`.
@@ -27,8 +28,8 @@ void decodeStatus(QuorPrinterStatus_2& status);
 /// Applies the answer `raw[0]` to real-time query 0, 1 or 2; false if it is no answer.
 bool decodeRealTimeStatus(QuorPrinterStatus_2& status, unsigned query);
 
-/// Whether a printer ever answers a command of the port: the settings and marks that it takes
-/// without a sign are listed here.
+/// Whether a printer answers this command of the port; the function lists the settings and marks
+/// that a printer never answers.
 bool isAnswered(const Bytes& command);
 
 /// The place of the firmware text, or of a bank's settings, in a reply; false if it is not

@@ -27,7 +27,7 @@ bool hasBytes(const std::shared_ptr<NSInputStream>& stream) {
   return stream && stream->hasBytesAvailable();
 }
 
-/// The number of the offered bytes that a stream can have moved, whatever it claims.
+/// The number of offered bytes that a stream can really have moved, whatever number it reports.
 std::ptrdiff_t moved(std::int64_t said, std::size_t offered) {
   return std::clamp<std::int64_t>(said, 0, static_cast<std::int64_t>(offered));
 }

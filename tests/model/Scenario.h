@@ -28,7 +28,7 @@ struct Outcome {
   /// The bytes that passed and the waits, repetitions folded.
   std::string wire() const { return view(lines, {About::Data, About::Wait}); }
 
-  /// Also the calls that begin and end things.
+  /// The calls to the platform, including those that begin and end something.
   std::string calls() const { return view(lines, {About::Data, About::Wait, About::Lifecycle}); }
 
   /// The records of one method.
@@ -40,7 +40,7 @@ struct Outcome {
   /// The bytes that the link took, joined.
   Bytes sent() const;
 
-  /// Everything as text, for comparing one run with another.
+  /// The whole run as text, to compare it with another run.
   std::string report() const;
 };
 
@@ -62,8 +62,8 @@ struct Scenario {
 
   static Scenario in(std::int32_t emulation, std::uint32_t timeout = 10000);
 
-  /// Runs the call on a port, and on the model in a second world; the two must agree in everything,
-  /// and the call must end in time.
+  /// Runs the call on a port, and on the model in a second world. Both runs must be equal in
+  /// everything, and the call must end in time.
   Outcome run(const Call& call) const;
 
   Outcome runOnPort(const Call& call) const;

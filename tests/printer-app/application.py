@@ -23,7 +23,7 @@ COLLECTION, END_OF_COLLECTION, MEMBER = 0x34, 0x37, 0x4A
 
 
 def free_port() -> int:
-    """Not one that the system gives to others; two servers of the framework can listen to the same port."""
+    """A port that the system does not assign by itself; two servers of the framework can listen to the same port."""
     while True:
         port = random.randint(10000, 30000)
         with socket.socket() as client:
@@ -92,7 +92,7 @@ class Client:
         return STATES[found["job-state"][0]], found.get("job-state-message", [""])[0]
 
     def jobs(self) -> dict[int, str]:
-        """The states of all jobs, ended ones included."""
+        """The states of all jobs, including those that have ended."""
         found = self.ask(ipp.GET_JOBS, keyword("which-jobs", "all"),
                          ipp.attribute(ipp.KEYWORD, "requested-attributes", "job-id", "job-state"))
         return {job["job-id"][0]: STATES[job["job-state"][0]] for job in found if "job-id" in job}
@@ -101,7 +101,7 @@ class Client:
         return self.ask(ipp.GET_PRINTER)[0]
 
     def begin_upload(self, contents: bytes, kind: str, sent: int) -> socket.socket:
-        """Sends so many bytes of a document."""
+        """Sends this number of bytes of a document."""
         message = self.request(ipp.PRINT_JOB, ipp.attribute(ipp.FORMAT, "document-format", kind))
         connection = socket.create_connection((self.host, self.port), DEADLINE)
         connection.sendall(f"POST {self.resource} HTTP/1.1\r\nHost: {self.host}:{self.port}\r\n"
@@ -114,7 +114,7 @@ class Client:
 
 
 class Application(Case):
-    """The application runs with one printer, `till`, which is a virtual one."""
+    """The application runs with one printer, the virtual printer `till`."""
 
     model = "escpos-80"
 
@@ -126,7 +126,7 @@ class Application(Case):
         self.port = free_port()
         self.client = Client(self.port)
         self.start()
-        # Not by the program: the commands of all servers of a user meet at one socket.
+        # The test does not use the program's own commands, because those of all servers of a user share one socket.
         self.client.add_printer("till", self.model, self.printer.place)
 
     def start(self, *options: str):
@@ -174,7 +174,7 @@ class Application(Case):
         eventually(lambda: self.client.job(job) == ("processing", message), f"job {job} says {message}")
 
     def receipt_files(self, ending: str, count: int) -> list[Path]:
-        """Waits for so many receipts, each of which has a record at last."""
+        """Waits for this number of receipts, each with its record."""
         eventually(lambda: len(list(self.receipts.glob("*.json"))) >= count, f"{count} receipts are there")
         return sorted(self.receipts.glob(f"*.{ending}"))
 
@@ -188,5 +188,5 @@ class Application(Case):
         return (self.folder / "log").read_text()
 
     def saved(self, job: int, state: str = r"\d"):
-        """Waits until the framework has noted the job on disk."""
+        """Waits until the framework has written the job to disk."""
         eventually(lambda: re.search(rf'id="{job}".* state="{state}"', self.kept()), f"job {job} is saved")

@@ -1,4 +1,5 @@
-"""A figure in every format that a client sends, made here from the formats' own rules, and found again on the paper."""
+"""Makes a figure in every format that a client sends, from the rules of the format itself, and finds the figure again
+on the paper."""
 
 import struct
 import zlib
@@ -50,7 +51,7 @@ class Bits:
 
 
 def jpeg(rows: list[bytes]) -> bytes:
-    """Grey, of squares of 8 by 8 pixels of one grey each: their means are all that is coded."""
+    """Grey, in squares of 8 by 8 pixels of one grey each; only the mean of each square is coded."""
 
     def segment(marker: int, data: bytes) -> bytes:
         return struct.pack(">BBH", 0xFF, marker, len(data) + 2) + data
@@ -153,7 +154,7 @@ def samples_of(row: bytearray, depth: int) -> bytes:
 
 
 def table_of(colours: bytes, depth: int) -> bytes:
-    """What each sample means; without colours of its own, a grey."""
+    """The colour of each sample; a grey if the file has no palette."""
     return (colours or bytes(value * 255 // ((1 << depth) - 1) for value in range(1 << depth))).ljust(256, b"\0")
 
 

@@ -1,4 +1,4 @@
-"""Every format that a client may send, as it lies on the paper."""
+"""Every format that a client may send, as it is printed."""
 
 import documents
 import ipp
@@ -15,7 +15,7 @@ PICTURE = page(320, 160, 48, 40)
 
 class Formats(Application):
     def figure(self, contents: bytes, kind: str) -> tuple[int, list[str]]:
-        """The one figure that the document leaves on paper: its left edge, and its cells."""
+        """The one figure that the document prints: its left edge, and its cells."""
         job = self.print(contents, kind)
         self.await_state("completed", job)
         (found,) = figures(self.receipt_files("png", job)[-1].read_bytes())

@@ -1,4 +1,4 @@
-"""What the printer application requires before it listens, and does not change."""
+"""The conditions under which the printer application listens, and things that it must not change."""
 
 import os
 import subprocess

@@ -1,7 +1,7 @@
 """The printer application in a network: how its printers are found and added, and who may do what.
 
-The test has a network, services and a message bus of its own, and reaches nothing of this machine's. An address that
-is not the local one stands for another machine.
+The test has a network, services and a message bus of its own, and does not use those of the machine. A second address
+acts as another machine.
 """
 
 import fcntl
@@ -48,7 +48,7 @@ def enter_own_network():
 
 
 def serve(folder: str, *command: str):
-    """A service of this network; it says something when it is ready."""
+    """Starts a service of this network; the service writes a line when it is ready."""
     said = Path(folder) / command[0].rpartition("/")[2]
     with said.open("wb") as log:
         process = subprocess.Popen(command, stdout=log, stderr=log)

@@ -111,13 +111,13 @@ class Restarting(Application):
 
 
 class Crashes(Application):
-    """Each job is the only one, so that all of the paper since the last one is its own."""
+    """There is one job at a time, so all paper since the last job belongs to it."""
 
     def paper(self) -> int:
         return eventually(lambda: (now := self.printer.state())["buffered"] == 0 and now, "the printer has printed")["printedBytes"]
 
     def settled(self, job: int) -> str:
-        """The state in which the job ends; "lost" if nobody knows of it any more."""
+        """The state in which the job ends; "lost" if the application no longer lists it."""
 
         def now() -> str | None:
             try:
@@ -140,7 +140,7 @@ class Crashes(Application):
 
     def test_no_job_is_printed_twice_and_none_is_completed_without_paper(self):
         self.printer.set(speed=SPEED)
-        self.await_state("completed", self.print(b"the first one\n", RAW))  # how the printer confirms is known now
+        self.await_state("completed", self.print(b"the first one\n", RAW))  # the printer's proof is known now
         states = collections.Counter()
         for number in range(MOMENTS):
             moment = LENGTH * (number + 0.5) / MOMENTS

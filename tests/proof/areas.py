@@ -14,15 +14,15 @@ ROOT = Path(__file__).resolve().parents[2]
 class Area:
     name: str
     sources: tuple[str, ...]  # patterns, from the root
-    tests: tuple[str, ...]  # the folders of the tests that must notice
-    programs: tuple[str, ...]  # the programs of these folders, each with a filter after it if a part of it is enough
+    tests: tuple[str, ...]  # the folders of the tests that must notice a break
+    programs: tuple[str, ...]  # the programs of these folders; a filter after a program selects a part of its tests
     waits: bool = False  # the tests wait for real time, so several processes share them
 
     def files(self) -> list[Path]:
         return sorted(file for pattern in self.sources for file in ROOT.glob(pattern))
 
     def everything(self) -> list[Path]:
-        """All that an answer of the tests depends on."""
+        """Everything on which an answer of the tests depends."""
         tests = [file for folder in self.tests for file in (ROOT / folder).rglob("*.*") if file.suffix in (".cpp", ".h", ".c")]
         return sorted({*self.files(), *tests})
 

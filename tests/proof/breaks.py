@@ -1,7 +1,6 @@
-"""Chosen places of the product are broken on purpose, one at a time: the tests of a commit must catch each.
+"""Chosen places of the product are broken on purpose, one at a time: the ordinary tests must notice each break.
 
-Prints a row for each break: its name, the place, and the first test that failed. Fails when one is not
-caught.
+Prints a row for each break: its name, the place, and the first test that failed. Fails if a break is not noticed.
 """
 
 import sys

@@ -67,7 +67,8 @@ def measure(build: Path) -> list[dict]:
 
 
 def source_of(file: dict, build: Path) -> Path:
-    """Its path from the root. The build gives paths from there, which the compiler takes for the build's own."""
+    """The file's path from the root. The build writes paths from the root, which the tool reads as relative to the
+    build folder."""
     path = Path(file["filename"])
     base = ROOT if path.is_absolute() else Path(build.name)
     return path.relative_to(base) if path.is_relative_to(base) else path

@@ -10,7 +10,7 @@ FOLDER = ROOT / "build/proof"
 
 
 def digest(files: list[Path]) -> str:
-    """Of the files' names and texts. An answer is good while it is the same."""
+    """A hash of the files' names and texts. An answer is valid as long as the hash is the same."""
     total = hashlib.sha256()
     for file in files:
         text = file.read_bytes()
@@ -30,7 +30,7 @@ class Ledger:
         self.subjects = json.loads(self.file.read_text()) if self.file.exists() else {}
 
     def of(self, subject: str, state: str) -> dict:
-        """The answers so far; empty when they were found in another state of the sources."""
+        """The answers so far; empty if they were found for another state of the sources."""
         if self.subjects.get(subject, {}).get("state") != state:
             self.subjects[subject] = {"state": state, "answers": {}}
         return self.subjects[subject]["answers"]

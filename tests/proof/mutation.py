@@ -24,7 +24,7 @@ import scratch
 from ledger import Ledger, digest_of_texts
 
 ENOUGH = 0.95
-AT_ONCE = 40  # mutants of one file follow each other, as far as they are in the same handful
+AT_ONCE = 40  # mutants of one file follow each other within a batch
 
 # The replacements. Blanks around an operator keep templates, arrows and includes out. A text cannot be subtracted.
 OPERATORS = (
@@ -73,7 +73,7 @@ class Mutant:
 
 
 def is_code(text: str, place: int) -> bool:
-    """Neither in a comment nor in a text, an include or a record: the records are compared elsewhere."""
+    """Whether the place is outside of comments, texts, includes and records; other tests compare the records."""
     line = text[text.rfind("\n", 0, place) + 1 : place]
     statement = text[max(text.rfind(mark, 0, place) for mark in ";{}") + 1 : place]
     return not ("//" in line or line.count('"') % 2 or line.lstrip().startswith("#") or "QUOR_LOG" in statement
@@ -105,7 +105,7 @@ def explanations() -> dict[str, str]:
 
 
 def body_of(test: str, sources: str) -> str:
-    """The text of the test that was named, of any kind; nothing if it is not found."""
+    """The source text of the named test, of any kind; empty if it is not found."""
     named = re.fullmatch(r"(?:\w+/)?(?:(\w+)\.)?(\w+)(?:/\w+)?", test)
     head = named and (rf"TEST(?:_F|_P)?\({named[1]},\s+{named[2]}\)" if named[1] else rf"static void {named[2]}\(void\)")
     found = head and re.search(rf"^{head} \{{.*?^\}}", sources, re.M | re.S)
@@ -143,17 +143,17 @@ class Tried:
         return kept["answer"] if kept and kept["state"] == self.state(mutant, kept["answer"]) else None
 
     def shown(self, mutant: Mutant) -> str | None:
-        """The answer; a survivor that is to be tried again remains one until then."""
+        """The answer; a survivor that must be tried again remains a survivor until then."""
         survived = self.answers.get(self.names[mutant], {}).get("answer") == "survived"
         return self.answer(mutant) or ("survived" if survived else None)
 
     def counted(self, count: int) -> list[Mutant]:
-        """The first COUNT mutants that were tried and do compile."""
+        """The first COUNT mutants that were tried and that compile."""
         tried = [one for one in self.drawn if self.shown(one) not in (None, "compiler")]
         return tried[: count or None]
 
     def missing(self, count: int) -> list[Mutant]:
-        """The next to try, as many as are missing, those of one file side by side."""
+        """The next mutants to try, as many as are missing; mutants of one file follow each other."""
         known = {one: self.answer(one) for one in self.drawn}
         compiling = [one for one in self.drawn if known[one] != "compiler"][: count or None]
         untried = [one for one in compiling if known[one] is None]

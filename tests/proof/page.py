@@ -25,7 +25,7 @@ def table(name: str) -> list[str]:
 
 
 def figures(page: str) -> dict[str, dict[str, str]]:
-    """The page's text about each row that was run, by the row's title."""
+    """The figures on the page of each row that was run, by the row's title."""
     lines = page.splitlines()
     if HEAD not in lines:
         return {}

@@ -39,7 +39,7 @@ def state_of_sources() -> str:
 
 
 def run(row: Row, size: str, ledger: Ledger, state: str) -> dict[str, dict]:
-    """Runs the units that are missing; all units that are done by then."""
+    """Runs the missing units; returns all units that are done."""
     units, done = [unit for step in row.steps for unit in step.units(size)], ledger.of(row.key, state)
     for unit in units:
         if Clock.is_over():
@@ -67,7 +67,7 @@ def summary(row: Row, size: str, done: dict[str, dict]) -> dict[str, str]:
 
 
 def check_defects():
-    """A defect's regression test must be there."""
+    """Each regression test that defects.md names must exist."""
     sources = "\n".join(file.read_text() for folder in ("tests", "fuzz") for file in (ROOT / folder).rglob("*")
                         if file.suffix in (".cpp", ".py", ".c", ".txt"))
     for line in table("defects.md")[2:]:

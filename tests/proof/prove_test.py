@@ -1,4 +1,4 @@
-"""The summary of the proof can be trusted: no row without a case, the tree that was really run, no unit twice."""
+"""The summary of the proof is true: each row has cases, names the tree that was run, and counts no unit twice."""
 
 import json
 import os
@@ -52,7 +52,7 @@ class Rows(Folder):
         return prove.summary(row, steps.COMMIT, done)
 
     def counting(self, count: int, text: str = "1 cases") -> steps.Portions:
-        """A program in so many portions, each of which leaves a line in a file."""
+        """A program that runs in portions, each of which writes a line to a file."""
         code = f"import os; open({str(self.folder / 'runs')!r}, 'a').write(os.environ['PORTION'] + '\\n'); print({text!r})"
         return steps.Portions((sys.executable, "-c", code.replace("{", "{{").replace("}", "}}")), (count,) * 3, (1, 1, 1),
                               lambda number, _: {"PORTION": str(number)})
@@ -227,7 +227,7 @@ class Page(unittest.TestCase):
 
 
 class Tables(unittest.TestCase):
-    """A line that is changed takes its explanation or its break with it."""
+    """If a line of the product changes, its explanation or its break must be changed as well."""
 
     def assert_line(self, file: str, line: str):
         lines = [" ".join(one.split()) for one in (steps.ROOT / file).read_text().splitlines()]

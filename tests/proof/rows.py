@@ -33,13 +33,13 @@ def lifecycle(build: str, cycles: tuple, releases: tuple, writes: tuple) -> Step
 
 
 def exits(build: str) -> Step:
-    # The thread sanitizer delays each exit by a second otherwise.
+    # Otherwise the thread sanitizer delays each exit by a second.
     return Step((sys.executable, "-B", "tests/lifecycle/exits_test.py", f"{build}/bin/exit_with_live_port"),
                 {"QUOR_EXITS": 1000, "TSAN_OPTIONS": "atexit_sleep_ms=100"})
 
 
 def soak() -> Portions:
-    # Long enough that a leak shows, short enough that a run that is stopped loses little.
+    # Long enough to show a leak, short enough that a stopped run loses little.
     def settings(number: int, seconds: int) -> dict[str, str]:
         return {"QUOR_SOAK_SECONDS": str(seconds), "QUOR_SEED": str(1 + number), "QUORPORT": str(ROOT / "build/bin/quorport")}
 

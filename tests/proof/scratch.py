@@ -60,7 +60,7 @@ def build(*programs: str) -> subprocess.CompletedProcess:
 
 def failure(area: Area) -> str | None:
     """The first test that fails, and fails again when it is run alone; "compiler" if a program does not build; or None.
-    A program is built when those before it have noticed nothing."""
+    A program is built only if the programs before it have noticed nothing."""
     for program in area.programs:
         if build(program).returncode != 0:
             return "compiler"
@@ -86,14 +86,14 @@ def run_shard(program: str, chosen: str = "*", *, shards: int, shard: int) -> st
 
 
 def is_repeated(program: str, answer: str) -> bool:
-    """A test that has noticed a break notices it each time; one that a busy machine disturbed does not."""
+    """A test that noticed a break fails each time; a test that failed because the machine was busy does not."""
     if answer.startswith(("ends ", "does ")):
         return True
     return ended(BUILD / "bin" / program, {"GTEST_FILTER": answer}) is not None
 
 
 def ended(program: Path, environment: dict[str, str], *arguments: str) -> str | None:
-    """How the program failed: a test's name, its status, or that it does not end; None when it did not."""
+    """How the program failed: the name of a test, an exit status, or that it did not end; None if it did not fail."""
     try:
         done = quietly(program, *arguments, cwd=BUILD, env=ENVIRONMENT | environment,
                        timeout=limits.get(program.name, LONGEST_RUN))

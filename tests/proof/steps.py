@@ -25,7 +25,7 @@ class Stopped(Exception):
 
 
 class Clock:
-    """When the run is to end: at a time of its own, or when it is interrupted."""
+    """When the run must end: at its own time, or when it is interrupted."""
 
     end = float("inf")
 
@@ -71,7 +71,7 @@ class Unit:
         return " ".join([*settings, *("python3" if word == sys.executable else word for word in self.command)])
 
     def run(self) -> dict:
-        """How many cases it ran, which share of the unit that is, and its report. Its last lines name both."""
+        """How many cases the program ran, their share of the unit, and its report. Its last lines contain both."""
         began, share = time.monotonic(), 1
         try:
             cases, lines = self.cases_of(self)
@@ -102,7 +102,7 @@ def fuzzing(unit: Unit) -> tuple[int, list[str]]:
 
 
 def booting(unit: Unit) -> tuple[int, list[str]]:
-    """Virtual machines, which count the cases that ran in them; each line of the output has its test's number first."""
+    """Virtual machines count the cases that ran in them; each line of the output begins with the number of its test."""
     text = execute(unit.command, unit.environment)
     cases = [int(count) for count in re.findall(r"^\d+: (\d+) cases\b", text, re.M)]
     return sum(cases), text.strip().splitlines()
@@ -141,7 +141,7 @@ def run_shard(unit: Unit, shard: int) -> tuple[int, list[str]]:
 
 @dataclass(frozen=True)
 class Step:
-    """A program that is run whole. A value that differs from size to size is a tuple of three."""
+    """A program that is run as a whole. A value that differs from size to size is a tuple of three."""
 
     command: tuple
     environment: dict = field(default_factory=dict)
@@ -160,12 +160,12 @@ class Step:
 
 @dataclass(frozen=True)
 class Portions:
-    """A program whose work is divided: each run does one portion, and its settings say which."""
+    """A program whose work is divided: each run does one portion, which its environment variables choose."""
 
     command: tuple
     counts: tuple  # how much of it there is, size by size
     portion: tuple  # how much of it one run does, size by size
-    settings: object  # of the number and the amount of a portion: its part of the environment
+    settings: object  # a function of the number and the size of a portion: its environment variables
     cases_of: object = plainly
 
     def units(self, size: str) -> list[Unit]:

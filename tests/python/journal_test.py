@@ -1,4 +1,4 @@
-"""Jobs under a name in Python: once on paper, also if the interpreter ends in the middle."""
+"""Jobs under a name in Python: once on paper, even if the interpreter ends in the middle."""
 
 import os
 import signal

@@ -1,6 +1,6 @@
 """Every public operation, called by several threads at once and by tasks of asyncio, against the virtual printer.
 
-A name of the package that no table here has, and an operation that a table has and the package has not, is a failure.
+The test fails if a name of the package is in no table here, or if the package lacks an operation of a table.
 """
 
 import ast

@@ -1,4 +1,4 @@
-"""The programs in Python that the README and docs/python.md show: the README's runs, the others can be read."""
+"""The programs in Python that the README and docs/python.md show: the README's program runs, the others compile."""
 
 import ast
 import re

@@ -1,4 +1,4 @@
-"""The package's types hold, strictly. Needs mypy; and ruff's rules hold where there is a ruff."""
+"""The package passes mypy's strict checks, and ruff's rules if ruff is installed. Needs mypy."""
 
 import shutil
 import subprocess

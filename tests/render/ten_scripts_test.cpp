@@ -1,5 +1,5 @@
 // Draws examples/ten-scripts.txt and compares the paper with docs/ten-scripts.png. To draw that
-// picture anew after a change that is meant: QUOR_DRAW_REFERENCE=1, and look at it.
+// picture again after an intended change, set QUOR_DRAW_REFERENCE=1, and look at the picture.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -61,7 +61,8 @@ struct Difference {
   bool sameSize = false;
 };
 
-// Counts the pixels that are dark in the first picture, and those that are dark in one alone.
+// Counts the pixels that are dark in the first picture, and those that are dark in only one
+// picture.
 Difference differenceOf(ByteView one, ByteView other) {
   const auto first = openPicture(one, 1);
   const auto second = openPicture(other, 1);
@@ -100,7 +101,7 @@ TEST(TenScripts, ArePrintedAsInTheReference) {
   EXPECT_LT(difference.different, difference.dark / 20);
 }
 
-// A script that is left out must be seen, or the test above says nothing.
+// A missing script must be noticed; otherwise the test above shows nothing.
 TEST(TenScripts, DifferFromTheReferenceIfAScriptIsMissing) {
   std::string text = contentsOf("examples/ten-scripts.txt");
   const std::size_t line = text.find("Thai");

@@ -57,8 +57,8 @@ std::string anyReply(Dice& dice) {
   return dice.oneIn(2) ? anyKind(dice) : std::to_string(dice.between(1, 20));
 }
 
-// Each invents at most one byte that looks like an in-order answer. A count cannot see two of
-// them, and says so in the documents.
+// Each fault adds at most one byte that looks like an in-order answer. A count cannot detect two
+// such bytes, as the documents say.
 void addFault(Case& made, Dice& dice) {
   auto add = [&made](const char* name, const std::string& value) {
     made.faults.emplace_back(name, value);
@@ -72,7 +72,7 @@ void addFault(Case& made, Dice& dice) {
       return add("duplicate-reply", anyReply(dice));
     case 3:
       return add("drop-reply", anyReply(dice));
-    case 4:  // to part each in-order answer from its double makes as many bytes out of nothing
+    case 4:  // splitting each in-order answer from its double would add as many false answers
       return add("split-reply",
                  dice.among<const char*>({"1@", "1/2@", "2/5@"}) +
                      (dice.oneIn(2) ? dice.among<const char*>({"block", "process-id"})

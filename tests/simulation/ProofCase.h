@@ -22,7 +22,7 @@ struct ProofCase {
   std::optional<ByteBuffer> ofAnotherHost;  ///< still in the printer when the port opens
   std::vector<Receipt> receipts;
 
-  /// Nothing goes wrong, and there is time for everything: such a job is to be confirmed.
+  /// Nothing goes wrong, and every time-out is long enough: such a job must be confirmed.
   bool isHonest = false;
 };
 

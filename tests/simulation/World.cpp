@@ -42,7 +42,7 @@ PrintResult printOn(const std::shared_ptr<ExternalAccessoryPort>& port, const By
 
 }  // namespace
 
-/// No command of the port begins as a job does that makes no signs of its own.
+/// No command of the port begins with the first bytes of a job, unless the job causes signs itself.
 std::int64_t Witness::write(NSOutputStream& next, const std::uint8_t* buffer, std::size_t count) {
   const auto rest = std::span(data_).subspan(taken_);
   const bool isOfTheJob = count <= rest.size() && std::equal(buffer, buffer + count, rest.begin());

@@ -20,7 +20,7 @@ class Witness : public test::Fault {
   bool befalls(test::PlatformCall call) const override { return call == test::PlatformCall::Write; }
   std::int64_t write(NSOutputStream& next, const std::uint8_t* buffer, std::size_t count) override;
 
-  /// How many bytes of the job the link has taken; not known of a job that makes signs.
+  /// How many bytes of the job the link has taken; unknown if the job causes signs.
   std::size_t taken() const { return taken_; }
 
   /// Whether a write has failed.
@@ -46,11 +46,11 @@ class World {
   PrintResult printOnOpenPort(const ByteBuffer& data);
   /// @}
 
-  /// Lets another host send `data` and leave before the printer has printed it.
+  /// Lets another host send `data` and disconnect before the printer has printed it.
   void printForAnotherHost(const ByteBuffer& data);
 
-  /// Prints `data` with ample limits, on the same port opened again, or on a new one if the old
-  /// one's time-out is so short that even a sound printer may be too slow for it.
+  /// Prints `data` with ample limits, on the same port opened again. If the time-out of that port
+  /// is so short that even a faultless printer may be too slow, it uses a new port.
   PrintResult printAgain(const ByteBuffer& data);
 
   /// Ends all faults, and gives the printer time to print its data.

@@ -1,5 +1,5 @@
-// Seeded print jobs on a printer that never lies, with faults of every kind on the way to it and in
-// it.
+// Random print jobs on a printer that never lies, with every kind of fault in its link and in the
+// printer.
 
 #include <gtest/gtest.h>
 
@@ -58,7 +58,7 @@ bool losesNothing(const Case& given) {
              : false;
 }
 
-/// For every outcome: the job was sent once, so its beginning is on the paper once.
+/// Whatever the outcome, the job was sent once, so its beginning is on the paper once.
 void expectCopyOfTheBeginning(const Case& given, const PrintResult& result,
                               const ByteBuffer& paper) {
   EXPECT_TRUE(isPrefix(paper, given.onPaper)) << "not a copy of the job's beginning, once";
@@ -122,7 +122,8 @@ TEST_P(SimulatedJobs, AreNeverCalledPrintedWithoutThePaper) {
   }
   RecordProperty("cases", std::to_string(count / parts));
   if (count >= 1000 && !HasFailure()) {
-    // The cases reach every outcome often: a run that never prints, or never fails, shows nothing.
+    // Checks that the cases reach every outcome often: a run that never prints, or never fails,
+    // would show nothing.
     EXPECT_GT(outcomes[PrintOutcome::Printed], count / parts / 5);
     EXPECT_GT(outcomes[PrintOutcome::Unconfirmed], count / parts / 5);
     EXPECT_GT(outcomes[PrintOutcome::Refused], count / parts / 20);

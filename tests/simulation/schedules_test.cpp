@@ -48,7 +48,7 @@ bool isPrintedWith(ProofKind proof, const Fault& fault) {
   return printWith(caseOf(proof, {fault}), threeCommands(), paper).outcome == PrintOutcome::Printed;
 }
 
-/// The first number from which on the fault does the job no harm.
+/// The first number from which on the fault no longer affects the job.
 std::uint64_t firstHarmless(ProofKind proof, const std::string& fault) {
   std::uint64_t number = 1;
   while (!isPrintedWith(proof, {fault, std::to_string(number)})) {
@@ -83,8 +83,8 @@ std::vector<Fault> everyFault(ProofKind proof) {
   return all;
 }
 
-/// Two invented bytes that look like in-order answers: no count can distinguish them from true
-/// ones.
+/// Two false bytes that look like in-order answers: no count can distinguish them from true
+/// answers.
 bool isBeyondACount(const Fault& one, const Fault& other) {
   return one.second.starts_with("00@") && other.second.starts_with("00@");
 }

@@ -1,4 +1,4 @@
-"""A link between a till and its printer as in real life: it slices, throttles, delays and cuts."""
+"""A realistic link between a till and its printer: it splits, slows down, delays and cuts."""
 
 import os
 import pty
@@ -12,12 +12,12 @@ from dataclasses import dataclass
 from pathlib import Path
 
 READ_SIZE = 4096
-FULL = 65536  # bytes under way, from which on the sender has to wait
+FULL = 65536  # bytes under way; from this number on the sender must wait
 
 
 @dataclass(frozen=True)
 class Weather:
-    """The behaviour of a link until the next setting."""
+    """How the link behaves until it is set again."""
 
     slice: int = READ_SIZE  # bytes that arrive together
     rate: float = 0  # bytes a second; 0 is all at once
@@ -45,7 +45,7 @@ class Direction:
         self.last = due
 
     def deliver(self) -> int:
-        """Hands over the bytes that are due; returns their count."""
+        """Passes on the bytes that are due; returns their number."""
         count = 0
         while self.under_way and self.under_way[0][0] <= time.monotonic():
             due, piece = self.under_way.popleft()
@@ -62,7 +62,7 @@ class Direction:
 
 
 class Relay(threading.Thread):
-    """Serves tills, one after the other, at a place of its own, and carries all bytes to the printer."""
+    """Serves tills, one after the other, at an address of its own, and passes all bytes to the printer."""
 
     def __init__(self, printer: str):
         super().__init__(daemon=True)
@@ -70,7 +70,7 @@ class Relay(threading.Thread):
         self.weather = Weather()
         self.passed = 0
         self.cuts = 0
-        self.cut_done = threading.Event()  # and what follows it: the place is ready for the next till
+        self.cut_done = threading.Event()  # set after the cut, when the socket is ready for the next till
         self.cut_done.set()
         self.lock = threading.Lock()
         self.stopping = False
@@ -94,7 +94,7 @@ class Relay(threading.Thread):
 
     @staticmethod
     def take_leave(printer: socket.socket):
-        """Waits until the printer has taken all that reached it."""
+        """Waits until the printer has taken all bytes that reached it."""
         printer.settimeout(10)
         try:
             printer.shutdown(socket.SHUT_WR)
@@ -137,7 +137,7 @@ class Relay(threading.Thread):
 
     @staticmethod
     def wait(directions: tuple[Direction, Direction]):
-        """Until there may be something to do, at most a moment."""
+        """Waits a moment at most, until there may be something to do."""
         due = [d.under_way[0][0] for d in directions if d.under_way]
         left = min(due, default=time.monotonic() + 0.05) - time.monotonic()
         with selectors.DefaultSelector() as selector:
@@ -174,7 +174,7 @@ class SocketRelay(Relay):
 
 
 class TerminalRelay(Relay):
-    """A serial line: a terminal that is made anew after each cut, always found at the same path."""
+    """A serial line: a terminal that is replaced after each cut, always at the same path."""
 
     def __init__(self, folder: Path, printer: str):
         super().__init__(printer)

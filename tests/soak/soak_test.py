@@ -1,11 +1,11 @@
-"""Tills that print for long in real time, over a local socket and a terminal, through bad weather.
+"""Tills that print for a long time in real time, over a local socket and a terminal, on bad links.
 
 Arguments: the till program. In the environment: QUORPORT, the command; QUOR_SOAK_SECONDS, how long (10
 unless it says otherwise); QUOR_SEED, the seed of the first job. The last line is a summary.
 
-No job fails on a link that was not cut; the paper holds the jobs in turn, each once, every job called printed
-whole and of any other the beginning; the till holds no more descriptors and threads in the end than in the
-beginning, and less than 1 MiB more memory than after its fourth job.
+No job fails on a link that was not cut. The jobs are on the paper in their order, each once: all of every job that was
+called printed, and only the beginning of any other job; the till holds no more descriptors and threads in the end than
+in the beginning, and less than 1 MiB more memory than after its fourth job.
 """
 
 import json
@@ -65,7 +65,7 @@ def weather_for(dice: random.Random) -> Weather:
 
 
 def receipt(job: int, size: int) -> str:
-    """Lines that no other job has. In no line of it is a space, which paper does not show at a line's end."""
+    """Lines that no other job has. They contain no spaces, because paper does not show a space at the end of a line."""
     return "".join(f"{f'job-{job}/line-{line}':.<31}\n" for line in range(size // 32 + 1))[:size]
 
 
@@ -88,7 +88,7 @@ class Soak:
         self.before = self.till.ask("resources")
 
     def printed_bytes(self) -> int:
-        """Of a printer that has taken all that reached it, and prints at once."""
+        """The paper of a printer that has taken all bytes that reached it and has no delay."""
         if not self.relay.cut_done.wait(30):
             raise Failure(f"{self.name}: the relay does not listen again after a cut")
         return self.printer.state()["printedBytes"]
@@ -142,7 +142,7 @@ class Soak:
                 raise Failure(f"{self.name}: {drift} bytes more are {kind}")
 
     def check_paper(self):
-        """The printer wraps lines as it likes, and keeps a last line without an end."""
+        """The printer may wrap lines, and its last line may have no line end."""
         expected, whole_lines = ("".join(text.split()) for text in (self.paper, self.paper.rpartition("\n")[0]))
 
         def torn_off() -> str:

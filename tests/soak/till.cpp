@@ -1,5 +1,5 @@
-// A till that runs for long: a process that obeys its standard input, and answers with the outcome
-// of each job and with the resources that it holds.
+// A till that runs for a long time: a process that reads commands from its standard input, and
+// answers with the outcome of each job and with the resources that it uses.
 //
 //     till DEVICE LOG-FILE line|escpos
 //     print BYTES keep|anew     a job of the bytes that follow this line, so many, on the port that
@@ -44,8 +44,8 @@ std::uint64_t residentMemory() {
   return pages * 4096;
 }
 
-/// The resources of the process once no more than `threads` run: a port thread lives on for a slice
-/// after its port is closed. One that does not end is there to be counted in the end.
+/// The resources of the process when no more than `threads` run: a port thread still runs for a
+/// slice after its port is closed. A thread that never ends is counted as well.
 Json resources(std::ptrdiff_t threads) {
   using namespace std::chrono_literals;
   if (!LogWriter::sharedInstance().flush(1min)) {

@@ -1,6 +1,6 @@
-"""Every test that is written is run. Usage: built_tests.py ROOT BUILD CTEST
+"""Every test in the sources is run. Usage: built_tests.py ROOT BUILD CTEST
 
-A test file that no program is built of, or a test that ctest does not know, passes by never running.
+A test file that is in no program, or a test that ctest does not know, would never run and so never fail.
 """
 
 import json
@@ -35,7 +35,7 @@ def runs(kind: str, suite: str, name: str, names: list[str]) -> bool:
 
 
 def left_out_folders(root: Path, build: Path) -> list[Path]:
-    """The folders whose tests the build left out, since their packages are not there."""
+    """The folders whose tests were not built, because their packages are missing."""
     listing = build / "left_out.txt"
     lines = listing.read_text().splitlines() if listing.is_file() else []
     return [root / line for line in lines]

@@ -1,4 +1,4 @@
-"""Each check, on a small tree with the fault that it is there to see, and on one without."""
+"""Each check runs on a small tree with the fault that it must find, and on a tree without it."""
 
 import json
 import stat

@@ -77,7 +77,7 @@ class Packages(unittest.TestCase):
         self.assertIn("build-essential", self.shell('echo "${package_packages[@]}"').stdout)
 
     def test_the_debian_packages_are_built_with_every_library(self):
-        """One that is missing there does not fail the build: it leaves a part of the product out."""
+        """A missing package does not make the build fail: the build omits a part of the product."""
         libraries = [name for name in self.shell('echo "${build_packages[@]} ${package_packages[@]}"').stdout.split()
                      if name.endswith("-dev") and name not in ("libgtest-dev", "libgmock-dev")]
         control = (ROOT / "debian/control").read_text().split("Standards-Version")[0]
@@ -108,7 +108,7 @@ class Quietly(unittest.TestCase):
 
 
 class Warnings(unittest.TestCase):
-    """A newer compiler warns of more; that must not end the build of somebody who only wants the program."""
+    """A newer compiler gives more warnings; these must not stop the build of a user who only needs the program."""
 
     def commands(self, preset: str) -> list[str]:
         """The compiler's commands for the project's own sources."""

@@ -1,4 +1,4 @@
-"""The documentation points at nothing that is missing. Usage: documentation.py ROOT
+"""The documentation refers to nothing that is missing. Usage: documentation.py ROOT
 
 Links between pages and to headings, files of the project named in `code`, commands of ./dev, and the
 sources that the page on the architecture names for the operations of the port: for each of them.
@@ -26,7 +26,7 @@ DEV_CASE = re.compile(r"^ *([a-z |]+)\) \"\$\{command\}_command\"", re.M)
 
 
 def anchors(page: str) -> set[str]:
-    """The headings of a page as a link to them is written."""
+    """The headings of a page, in the form in which links name them."""
     headings = HEADING.findall(FENCE.sub("", page))
     return {re.sub(r"[^\w\- ]", "", heading.lower()).replace(" ", "-") for heading in headings}
 
@@ -42,7 +42,7 @@ def broken_link(page: Path, target: str) -> bool:
 
 
 def missing_file(root: Path, code: str) -> bool:
-    """True for the path of a file that is not there; a path starts with a folder of the project."""
+    """True for the path of a missing file; a path starts with a folder of the project."""
     head, slash, _ = code.partition("/")
     is_path = bool(head and slash) and re.fullmatch(r"[\w./-]+", code) and (root / head).is_dir()
     return bool(is_path) and head != "build" and not (root / code).exists()

@@ -14,7 +14,7 @@ TESTS = ("tests", "fuzz", "examples")
 PRODUCT_NAME = re.compile(r"([A-Z][A-Za-z0-9]*\.(h|cpp)|main\.cpp)")
 TEST_NAME = re.compile(r"[a-z0-9]+(_[a-z0-9]+)*_test\.cpp")
 TEST = re.compile(r"^(TEST|TEST_F|TEST_P|TYPED_TEST|TYPED_TEST_P)\(", re.M)
-# The port has this header on every platform; the public headers in C keep the form of C++.
+# Exceptions: the port has this header on every platform, and the public headers in C are named as those in C++.
 KEPT_NAMES = ("iphone-IOPort/enum.h",)
 LIBRARY = re.compile(r"^quor_library\((.*?)\)$", re.M | re.S)
 

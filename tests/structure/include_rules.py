@@ -1,7 +1,7 @@
 """Checks the includes of each room. Usage: include_rules.py ROOT
 
-Each folder is a room of its own; RULES says into which others it may look. A room that is not named
-there may look everywhere.
+Each folder is a room of its own; RULES says which other rooms it may include. A room that is not listed there may
+include everything.
 """
 
 import re
@@ -33,21 +33,21 @@ EVERY_SYSTEM_HEADER = None
 
 @dataclass(frozen=True)
 class Rule:
-    place: str  # a folder or files, from the root; the longest place that fits a file rules it
+    place: str  # a folder or files, from the root; the longest place that matches a file applies to it
     rooms: tuple[str, ...]  # the rooms that it may include besides its own place
     headers: set[str] | None  # the headers in angle brackets that it may include
-    forbidden: str = ""  # a pattern that its lines must not hold
+    forbidden: str = ""  # a pattern that its lines must not contain
 
 
 NO_CLOCK = r"\b\w+_clock\b"
-# Nor may a host program's locale change the reading of a text, or a record.
+# The locale of the program must not change how a text is read, or a record.
 NO_LOCALE = r"\b(strto\w+|ato[fil]+|sto[fdil]+|s?n?(print|scan)f|setlocale)\b"
 NO_CLOCK_OR_LOCALE = NO_CLOCK + "|" + NO_LOCALE
 
 RULES = (
     Rule("include", (), {"stdint.h"}),
     Rule("include/quordalvane/Quor*C.h", (PUBLIC,), {"stddef.h", "stdint.h"}),
-    # The platform alone gives time, waiting and threads; <chrono> is allowed for its units.
+    # Only the platform provides time, waiting and threads; <chrono> is allowed for its units.
     Rule("iphone-IOPort", ("iphone-IOPort", "platform", "logging", "text", PUBLIC), PLAIN | TIME, NO_CLOCK_OR_LOCALE),
     Rule("iphone-IOPort/PortC.h", ("parsers",), set()),
     Rule("platform", (PUBLIC,), STANDARD | {"cxxabi.h"}),
@@ -63,20 +63,20 @@ RULES = (
     Rule("backends/Schemes*", ("platform", "backends", PUBLIC), STANDARD, NO_CLOCK),
     Rule("backends/virtual", ("platform", "backends/*", "simulator"), STANDARD | {"csignal"}, NO_CLOCK),
     Rule("backends/posix", ("platform", "backends/*", PUBLIC), EVERY_SYSTEM_HEADER),
-    # A connection that the Bluetooth service has made is handed to the links of the system.
+    # The links of the system take over a connection that the Bluetooth service has made.
     Rule("backends/bluez", ("platform", "backends", PUBLIC), EVERY_SYSTEM_HEADER),
     Rule("backends/bluez/BluetoothScheme.h", (PUBLIC,), set()),
     # On the device the frameworks' own headers; here those of the same names in its sub-folder.
     Rule("backends/handheld", ("platform", PUBLIC), EVERY_SYSTEM_HEADER),
     Rule("discovery", ("backends", "text", PUBLIC), EVERY_SYSTEM_HEADER),
     Rule("job", ("iphone-IOPort", "platform", PUBLIC), STANDARD, NO_CLOCK),
-    # A kernel's lock on a byte of a file; it waits by itself, as other processes do not live by a port's clock.
+    # A kernel's lock on a byte of a file. It waits by itself, because other processes do not use a port's clock.
     Rule("locks", (PUBLIC,), STANDARD | DESCRIPTORS),
     Rule("journal", ("job", "locks", "text", "iphone-IOPort", PUBLIC),
          STANDARD | DESCRIPTORS | {"sys/vfs.h", "sqlite3.h", "nettle/sha2.h"}),
     Rule("render", ("text",), STANDARD | {"cairo.h", "csetjmp", "glib.h", "iconv.h", "jpeglib.h", "pango/pangocairo.h", "png.h"}, NO_CLOCK),
     Rule("c-interface", ("job", "iphone-IOPort", "logging", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
-    # A part of the journal's library, so that a program without names for its jobs loads no database.
+    # It is a part of the journal's library, so that a program without named jobs loads no database.
     Rule("c-interface/journal", ("c-interface/*", "journal", "locks", "job", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
     # The command also serves the simulator to others, without a port.
     Rule("tools", ("job", "journal", "locks", "iphone-IOPort", "logging", "text", "backends", "discovery", "platform", "render",
@@ -84,7 +84,7 @@ RULES = (
     # A web server that knows no printer: microhttpd.h and the system.
     Rule("tools/http", ("text",), EVERY_SYSTEM_HEADER),
     Rule("tools/process", (), EVERY_SYSTEM_HEADER),
-    # The print system's door to the same jobs: it knows no printer of its own.
+    # The print system's access to the same jobs; it has no printer of its own.
     Rule("tools/printer-app", ("render", "job", "journal", "locks", "iphone-IOPort", "text", "backends", "discovery",
                                "platform", PUBLIC), EVERY_SYSTEM_HEADER),
     Rule("tools/cups-backend", ("job", "journal", "locks", "iphone-IOPort", "logging", "text", "backends", "discovery",

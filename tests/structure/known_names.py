@@ -1,8 +1,8 @@
-"""The port keeps the names by which it is known. Usage: known_names.py ROOT
+"""The port keeps the names that other people know. Usage: known_names.py ROOT
 
-Logs, the printers' papers and the programs of many years speak of the port's operations, members, commands
-and steps by these names. Whoever follows a record into the source must find the same word there, so a name
-that is on the list stays in the code, and the members stay in their order.
+Logs, printers' manuals and old programs use these names for the port's operations, members, commands and steps. A
+reader of a record must find the same word in the source. So each name on the list must remain in the code, and the
+members must remain in their order.
 """
 
 import re

@@ -1,6 +1,6 @@
-"""The lint reads only the sources that changed since they passed. Usage: lint_test.py ROOT
+"""The lint checks only the sources that changed since they last passed. Usage: lint_test.py ROOT
 
-clang-tidy is a stand-in that notes its sources, and objects to those that hold the word BAD.
+A stand-in for clang-tidy records its sources, and reports those that contain the word BAD.
 """
 
 import json

@@ -1,7 +1,7 @@
-"""Words that no text of the project holds. Usage: wording.py ROOT
+"""Words that no text of the project may contain. Usage: wording.py ROOT
 
-A text gives its reason itself. It does not send the reader to a paper, a tracker or a machine that the reader
-does not have. Every text file ends with one line feed.
+A text states its reasons itself. It does not refer to a paper, a tracker or a machine that the reader does not have.
+Every text file ends with one line feed.
 """
 
 import re
@@ -20,7 +20,7 @@ PATTERNS = {
 
 
 def objections(data: bytes) -> list[tuple[int, str]]:
-    """The lines that offend, with the reason; a file with NUL bytes is data, not text."""
+    """The lines that break the rule, with the reason; a file with NUL bytes is data, not text."""
     if not data or b"\0" in data:
         return []
     lines = data.decode(errors="replace").splitlines()

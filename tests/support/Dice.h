@@ -9,7 +9,8 @@
 
 namespace quordalvane::test {
 
-/// Chance from a seed, alike on every machine: the standard's distributions are not.
+/// Random numbers from a seed that are the same on every machine; the standard's distributions are
+/// not.
 class Dice {
  public:
   explicit Dice(std::uint64_t seed) : engine_(seed) {}

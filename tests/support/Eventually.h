@@ -6,7 +6,7 @@
 namespace quordalvane::test {
 
 /// Waits until `condition` holds, for work that is still under way on the machine. False if it does
-/// not within a time that even a loaded one needs not.
+/// not hold within a time that is ample even on a loaded machine.
 template <typename Condition>
 bool eventually(Condition condition) {
   const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(30);

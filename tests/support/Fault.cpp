@@ -70,7 +70,7 @@ class NoBytes : public Fault {
   bool hasBytes(NSInputStream&) override { return false; }
 };
 
-/// A stream that says that it is ready and has nothing to give.
+/// A stream that reports that it is ready, but has no bytes.
 class BytesThatAreNotThere : public Fault {
  public:
   BytesThatAreNotThere() : Fault("bytes-that-are-not-there") {}

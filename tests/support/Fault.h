@@ -36,11 +36,11 @@ class Fault {
 
   virtual bool befalls(PlatformCall call) const = 0;
 
-  /// Whether it may affect every call from one on. A clock that steps back at every reading would
-  /// let no wait end, and nothing promises otherwise.
+  /// Whether it may affect every call from a certain one on. With a clock that steps back at every
+  /// reading no wait would end, and no contract promises that it does.
   virtual bool mayLast() const { return true; }
 
-  /// By how many seconds the wall clock jumps at each call that it befalls.
+  /// By how many seconds the wall clock jumps at each call that it affects.
   virtual std::int64_t clockStep() const { return 0; }
 
   /// Before the call is made; may throw.
@@ -70,13 +70,13 @@ class Fault {
   const std::string name_;
 };
 
-/// Makes one; a fault serves one run.
+/// Makes a fault; each fault is for one run.
 using MakeFault = std::function<std::shared_ptr<Fault>()>;
 
 /// Every way in which a link, its accessory and its clock can fail.
 const std::vector<MakeFault>& allFaults();
 
-/// The ways in which threads can fail, besides throwing: for ports that have one.
+/// The ways in which threads can fail, besides throwing; for ports that have a thread.
 const std::vector<MakeFault>& threadFaults();
 
 /// Throws an exception that is not a standard one at every call that it affects.

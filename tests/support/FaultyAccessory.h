@@ -7,13 +7,13 @@
 
 namespace quordalvane::test {
 
-/// A printer in this process whose faults a test exchanges.
+/// A printer in this process whose faults a test can replace.
 class FaultyAccessory : public virtuals::VirtualAccessory {
  public:
   using VirtualAccessory::VirtualAccessory;
 
-  /// Exchanges the faults with which later sessions begin; the present one keeps its own. May be
-  /// called from any thread.
+  /// Replaces the faults with which later sessions begin; the present session keeps its faults. May
+  /// be called from any thread.
   void setFaults(simulator::Faults faults) {
     const std::lock_guard lock(inside().mutex);
     inside().faults = std::move(faults);

@@ -7,7 +7,8 @@
 
 namespace quordalvane::test {
 
-/// Which call a fault befalls: the k-th of those that it can, alone or with all that follow.
+/// Which call a fault affects: the k-th of the calls that it can affect, alone or with all later
+/// ones.
 class FaultPlan {
  public:
   /// `k` counts from 1. The plan takes effect with `arm`.

@@ -13,7 +13,7 @@
 
 namespace quordalvane::test {
 
-/// A socket that listens, and accepts nobody by itself.
+/// A socket that listens, but accepts no connection by itself.
 class Listener {
  public:
   /// On the loopback, at some free port.

@@ -15,8 +15,8 @@ class LogCapture {
  public:
   static LogCapture& instance();
 
-  /// How many records have been handed over so far. Whoever notes this beside an event knows which
-  /// records precede it, although they are delivered later.
+  /// How many records have been handed over so far. A test that stores this number with an event
+  /// knows which records precede the event, although they are delivered later.
   static std::uint64_t handedOver() { return LogWriter::sharedInstance().statistics().handedOver; }
 
   /// Forgets all records so far.
@@ -34,7 +34,7 @@ class LogCapture {
   LogStatistics seen_{};  // the state at the last call
 };
 
-/// Logging is as given for as long as this lives, and off after it.
+/// Logging is switched as given while this object exists, and off afterwards.
 class Logging {
  public:
   explicit Logging(bool on, const std::set<std::int32_t>& levels = {0});

@@ -4,8 +4,8 @@
 #include <cstdlib>
 #include <new>
 
-// Replaces the program's operator new, in all forms, by a function of the including file's own. For
-// one source of a program.
+// Replaces the program's operator new, in all forms, by a function of the file that includes this.
+// Only one source of a program may include it.
 
 namespace quordalvane::test {
 
@@ -16,8 +16,8 @@ void* take(std::size_t size, OnShortage onShortage) noexcept;
 
 }  // namespace quordalvane::test
 
-// Every form but those of extended alignment, which the project does not use: a sanitizer brings
-// forms of its own, and memory must be returned as it was taken.
+// This replaces every form except those with extended alignment, which the project does not use: a
+// sanitizer has its own forms, and memory must be freed by the same form.
 
 void* operator new(std::size_t size) {
   void* const memory = quordalvane::test::take(size, quordalvane::test::OnShortage::Raises);

@@ -8,7 +8,7 @@
 
 namespace quordalvane::test {
 
-/// A platform that reads an address of its own from every accessory.
+/// A platform with its own way to read an address from every accessory.
 class ReadsAddresses : public ForwardingPlatform {
  public:
   ReadsAddresses(std::shared_ptr<Platform> next, std::string address)

@@ -7,7 +7,7 @@
 namespace quordalvane::test {
 
 // Tests that run very many cases name each of them: "script 4711", "fault line-mode …". A failure
-// prints the command that repeats its case alone; the same case always runs alike.
+// prints the command that repeats only its case; a case always has the same run.
 
 /// The case that this run is to repeat; empty if it is to run them all.
 std::optional<std::string> replayedCase();
@@ -25,7 +25,7 @@ std::string howToReplay(const std::string& name);
 /// Shows the steps of the replayed case, and its name; the same text each time.
 void showReplay(const std::string& text);
 
-/// The seed of the first case: QUOR_FIRST_SEED, or 1. A long run can thus be done in portions.
+/// The seed of the first case: QUOR_FIRST_SEED, or 1. So a long run can be divided into portions.
 std::uint64_t firstSeed();
 
 /// How many cases to run: a number from the environment, or `otherwise`.

@@ -8,7 +8,7 @@
 namespace quordalvane::test {
 namespace {
 
-/// Which thread the calling thread is, and in which scheduler.
+/// The scheduler's entry for the calling thread, and that scheduler.
 struct Place {
   const Scheduler* scheduler = nullptr;
   Scheduler::Thread* thread = nullptr;

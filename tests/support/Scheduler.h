@@ -15,9 +15,9 @@ namespace quordalvane::test {
 using Instant = std::chrono::nanoseconds;
 
 /// Virtual time for several threads, of which one runs at a time. Time does not pass while a thread
-/// runs, and moves to the next event when all of them wait: nothing sleeps for real, and the order
-/// of events depends on nothing but the calls made. Threads take turns in the order in which their
-/// waits end; equal instants end in the order in which the waits began.
+/// runs, and moves to the next event when all of them wait: nothing really sleeps, and the order of
+/// events depends only on the calls made. Threads take turns in the order in which their waits end;
+/// equal instants end in the order in which the waits began.
 class Scheduler {
  public:
   /// One thread that takes turns; made by `adopt`, valid as long as the scheduler.
@@ -50,16 +50,16 @@ class Scheduler {
   /// The calling thread. Throws std::logic_error if it takes no turns here, and so cannot wait.
   Thread& waiter() const;
 
-  /// Waits until `instant`, or until another thread wakes this one. An instant that is past gives
-  /// way to the threads and events that are due by now. Throws std::logic_error on a thread that
-  /// takes no turns here.
+  /// Waits until `instant`, or until another thread wakes this one. If `instant` is in the past,
+  /// the threads and events that are already due run first. Throws std::logic_error on a thread
+  /// that takes no turns here.
   void waitUntil(Instant instant);
 
   /// Waits until another thread wakes this one. Ends the process with a message when nothing can:
   /// every thread waits and no event is due. Throws as `waitUntil`.
   void waitUntilWoken();
 
-  /// Makes a waiting thread due now.
+  /// Wakes a waiting thread: it is due now.
   void wake(Thread& thread);
 
   /// Runs `event` at `instant`, on whichever thread waits then and before any thread that is due at

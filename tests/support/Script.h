@@ -23,8 +23,8 @@ struct Piece {
 using Reply = std::vector<Piece>;
 
 /// All actions of a link, given in advance: the same script gives the same run. Times are seconds
-/// after the start of the operation under test. Everything else works: every byte is taken at once
-/// and the link remains.
+/// after the start of the operation under test. Apart from these actions everything works: every
+/// byte is taken at once, and the link remains.
 struct Script {
   struct Answer {
     Bytes request;
@@ -37,24 +37,24 @@ struct Script {
   std::vector<Answer> answers;
   std::optional<std::size_t> mostPerRead;
   std::map<std::size_t, std::int64_t> readResults;  // of the n-th read of the stream, from 1
-  /// The link's answer about bytes that may still arrive: that they may, that they may not, or that
-  /// they may from a write that may be answered to the next read that brings bytes.
+  /// The link's answer whether bytes may still arrive: always, never, or from a write that may be
+  /// answered until the next read that returns bytes.
   enum class Expects { Always, Never, WhereAsked };
   Expects expects = Expects::Always;
 
   // -- Output -------------------------------------------------------------------------------------
-  std::vector<std::size_t> attempts;  // how many bytes each `write:` gets rid of; then all
+  std::vector<std::size_t> attempts;  // how many bytes each `write:` can send; later ones send all
   std::optional<std::size_t> mostPerWrite;
   double noSpaceUntil = 0;
   std::map<std::size_t, std::int64_t> writeResults;  // of the n-th write to the stream, from 1
 
   // -- The link and the clock ---------------------------------------------------------------------
-  std::vector<bool> connectedAnswers;  // of the first questions; then the truth
+  std::vector<bool> connectedAnswers;  // the answers to the first questions; later answers are true
   std::optional<double> lostAt;
   std::optional<double> backAt;
   std::optional<std::size_t> lostAfterBytes;       // written
   std::optional<std::size_t> lostAfterReads;       // of the stream
-  std::size_t lostAfterCalls = 100000;             // so that an endless run ends
+  std::size_t lostAfterCalls = 100000;             // so that every run ends
   std::map<std::size_t, std::int64_t> clockSteps;  // seconds, before the n-th reading, from 1
   std::int64_t startMicroseconds = 0;              // past the full second
 

@@ -110,8 +110,8 @@ void ScriptedLink::answer(std::span<const std::uint8_t> data) {
   }
 }
 
-/// Of the answers to the bytes just sent, the one to the longest request; among those, one that is
-/// given once before one that is always given, and the earlier first.
+/// The answer to the longest request among the bytes just sent. Of several, an answer that is given
+/// once precedes one that is always given, and an earlier one precedes a later one.
 Script::Answer* ScriptedLink::nextAnswer() {
   const auto rank = [](const Script::Answer& answer) {
     return std::pair(answer.request.size(), !answer.always);
@@ -176,7 +176,7 @@ void ScriptedLink::waitUntil(Instant ready, double seconds) {
 
 namespace {
 
-/// The common part of both directions of a scripted session.
+/// The part that both directions of a scripted session share.
 template <typename Stream>
 class ScriptedStream : public Stream {
  public:

@@ -19,10 +19,10 @@ class ScriptedLink {
   /// The operation under test begins: times and counts start here.
   void start();
 
-  /// A `write:` begins, and with it the next of the script's attempts.
+  /// Called when a `write:` begins: the next of the script's attempts begins.
   void beginAttempt();
 
-  /// Before each reading of the wall clock.
+  /// Called before each reading of the wall clock.
   void beforeClockReading();
 
   bool isConnected();
@@ -51,7 +51,8 @@ class ScriptedLink {
   Bytes unanswered_;
   bool mayBeAnswered_ = true;
   bool isAsked_ = false;  // something that may be answered was written after the last bytes
-  std::optional<std::size_t> budget_;  // what this attempt may still get rid of; none: everything
+  std::optional<std::size_t>
+      budget_;  // the bytes that this attempt may still send; empty means all
   std::size_t attempt_ = 0;
   std::size_t written_ = 0;
   std::size_t writes_ = 0;

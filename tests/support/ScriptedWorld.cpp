@@ -8,7 +8,7 @@
 namespace quordalvane::test {
 namespace {
 
-/// The wall clock steps at the readings that the script names.
+/// The wall clock steps at the readings that the script lists.
 class SteppingClock : public ForwardingClock {
  public:
   SteppingClock(Clock& next, ScriptedLink& link) : ForwardingClock(next), link_(link) {}
@@ -55,7 +55,7 @@ ScriptedWorld::ScriptedWorld(const Script& script,
     : startMicroseconds_(script.startMicroseconds),
       machine_(std::make_shared<test::VirtualPlatform>()),
       link_(std::make_shared<ScriptedLink>(script, machine_->virtualClock())) {
-  // Objects that are released with the machine are still noted, without a time.
+  // Objects that are released together with the machine still appear in the trace, without a time.
   trace_.measureBy([clockOf = std::weak_ptr(machine_)] {
     const auto machine = clockOf.lock();
     return machine ? std::chrono::duration<double>(machine->virtualClock().monotonic()).count() : 0;

@@ -13,7 +13,7 @@ namespace quordalvane::test {
 /// The accessory of most tests.
 AccessoryIdentity shopPrinter();
 
-/// Puts something between a port and its platform, a fault for example.
+/// Inserts a platform between a port and the scripted platform, for example one with a fault.
 using Layer = std::function<std::shared_ptr<Platform>(std::shared_ptr<Platform>)>;
 
 /// A platform under virtual time with accessories on a scripted link, and a trace of the calls that

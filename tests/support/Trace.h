@@ -25,7 +25,7 @@ struct Line {
   std::string text;
   double at = 0;  // in seconds, of a call to the platform
 
-  /// The same happened, whenever that was.
+  /// True if the two lines are equal except for their times.
   bool operator==(const Line& other) const {
     return about == other.about && method == other.method && text == other.text;
   }
@@ -46,10 +46,10 @@ class Trace {
   /// The name of an address as a record shows it.
   std::string nameOf(const void* object) const;
 
-  /// A call to the platform, made now.
+  /// Notes a call to the platform that is made now.
   void note(About about, const std::string& text);
 
-  /// A record that was not given to the LogWriter.
+  /// Notes a record that was not given to the LogWriter.
   void log(ZKLogType type, std::int32_t level, const std::string& method,
            const std::string& message);
 

@@ -12,13 +12,13 @@
 namespace quordalvane::test {
 namespace {
 
-/// The shortest text that means exactly this number.
+/// The shortest text that stands for exactly this number.
 std::string exact(double value) {
   std::array<char, 32> text;
   return {text.data(), std::to_chars(text.data(), text.data() + text.size(), value).ptr};
 }
 
-/// The common part of the tracing of both directions.
+/// The part of the tracing that both directions share.
 template <typename Stream>
 class TracingStream : public Stream {
  public:

@@ -17,7 +17,7 @@ namespace quordalvane::test {
 /// Virtual time as a Clock. The wall clock starts at `epoch` and may be stepped.
 class VirtualClock : public Clock {
  public:
-  /// 2024-01-01 00:00:00 UTC, so that runs read alike.
+  /// 2024-01-01 00:00:00 UTC, so that all runs have the same times.
   static constexpr std::int64_t epoch = 1704067200;
 
   TimeValue gettimeofday() override;
@@ -25,11 +25,11 @@ class VirtualClock : public Clock {
   void usleep(std::uint64_t microseconds) override;
   void select(std::int32_t microseconds) override;
 
-  /// Steps the wall clock by `difference`, back or forth; monotonic time does not notice.
+  /// Steps the wall clock by `difference`, back or forward; monotonic time does not change.
   void stepWallClock(std::chrono::microseconds difference) { stepped_ += difference.count(); }
 
-  /// Runs `event` when the clock has reached `instant`, counted from its start, in the middle of in
-  /// the middle of any wait. The event must not wait itself.
+  /// Runs `event` when the clock has reached `instant`, counted from its start, even in the middle
+  /// of a wait. The event must not wait itself.
   void at(Instant instant, std::function<void()> event) {
     scheduler_.at(instant, std::move(event));
   }
@@ -41,19 +41,19 @@ class VirtualClock : public Clock {
   std::atomic<std::int64_t> stepped_ = 0;  // microseconds
 };
 
-/// A platform on which no time passes but by its own clock: a sleep, a slice or a wait moves time
-/// to the next event, and the same calls give the same run. The thread that makes the platform
-/// takes the first turn; others are made by `makeThread`. Threads that the platform did not make
-/// may ask, but not wait.
+/// A platform on which only its own clock moves time: a sleep, a slice or a wait moves time to the
+/// next event, and the same calls give the same run. The thread that makes the platform takes the
+/// first turn; others are made by `makeThread`. Threads that the platform did not make may read its
+/// state, but not wait.
 class VirtualPlatform : public Platform {
  public:
   VirtualPlatform();
   ~VirtualPlatform() override;
 
-  /// Presents a further accessory, after those that are attached already.
+  /// Attaches a further accessory, after those that are attached already.
   void attach(std::shared_ptr<EAAccessory> accessory);
 
-  /// Takes all accessories away again.
+  /// Removes all accessories.
   void detachAll();
 
   /// Whether the thread that made the platform is the application's main thread; at first it is

@@ -19,7 +19,7 @@ class VirtualRunLoop : public NSRunLoop {
   void runUntilDate(double seconds) override;
   void runUntilDate(double seconds, NSStream& awaited) override;
 
-  /// Hands a routine over; false, without taking it, once the loop is closed.
+  /// Takes a routine; if the loop is closed, returns false and does not take it.
   bool post(std::function<void()> routine);
 
   /// Runs the routines that still wait, and closes the loop when there are none.
@@ -52,7 +52,7 @@ class VirtualThread : public NSThread {
   Scheduler::Thread* thread_ = nullptr;
 };
 
-/// The run loop of the calling thread, made at first need.
+/// The run loop of the calling thread, which is made when it is first needed.
 VirtualRunLoop& currentVirtualRunLoop(Scheduler& scheduler);
 
 }  // namespace quordalvane::test

@@ -1,4 +1,4 @@
-"""What a browser does with `simulate --web`: requests and server-sent events. Shared by the tests of it."""
+"""A stand-in for a browser with `simulate --web`: requests and server-sent events. Several tests share it."""
 
 import http.client
 import json
@@ -9,7 +9,7 @@ from harness import DEADLINE, Case
 
 
 class Browser:
-    """Requests to the address that standard output tells."""
+    """Sends requests to the address that the command prints."""
 
     def __init__(self, address: str):
         parts = urlsplit(address)

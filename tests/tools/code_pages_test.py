@@ -1,4 +1,4 @@
-"""The characters of every code page, held against the tables that Python has."""
+"""The characters of every code page, compared with Python's tables."""
 
 import codecs
 import signal
@@ -16,9 +16,9 @@ MISSING = "\ufffd"
 
 
 def character(page: str, byte: int) -> str:
-    """As printers have it: no control character."""
+    """The character as printers have it; control characters are excluded."""
     if (page, byte) == ("cp857", 0xd5):
-        return "€"  # printers have it there, and Python nothing
+        return "€"  # printers have the euro sign there, Python has no character
     text = codecs.decode(bytes([byte]), page, "replace")
     return text if ord(text) >= 0xa0 else MISSING
 

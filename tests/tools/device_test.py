@@ -1,4 +1,4 @@
-"""The facts that a printer and its Bluetooth module report, from peers that report them in every way."""
+"""The commands that read facts from a printer and its Bluetooth module, with peers that answer in every way."""
 
 import itertools
 import string
@@ -103,7 +103,7 @@ class DipSwitches(Asking):
         at_once((check, timeout, 3, 0) for timeout in (1001, 4294967295))
 
     def test_button_security_also_adds_a_time_out_below_a_second(self):
-        """Such a time-out may be over at once: then only the printer that is built in answers soon enough."""
+        """Such a time-out may end at once; only the virtual printer answers soon enough."""
         for timeout in (0, 1, 999):
             result = run("-d", "virtual:,dip1=4a0a", "-t", str(timeout), "button-security", "--json")
             self.assertExit(0, result)
@@ -122,7 +122,7 @@ class DipSwitches(Asking):
 
 
 class BluetoothModule(Asking):
-    """The module enters its command mode without a word, so a peer has only to answer the commands."""
+    """The module enters its command mode without an answer, so a peer must answer only the commands."""
 
     def assertDrops(self, replies: dict):
         self.assertEqual(self.answer(replies, "-t", "3000", "disconnect"), {"ok": True})

@@ -44,7 +44,7 @@ class SerialPrinter:
 
     def close(self):
         os.close(self.line)
-        self.thread.join()  # reading ends when nobody has the line open
+        self.thread.join()  # a read ends if no program has the line open
         os.close(self.master)
 
 
@@ -63,7 +63,7 @@ def say_nothing(connection: socket.socket):
 
 
 class Causes(Case):
-    """Each failure is arranged, and the first cause that is named is the right one."""
+    """Each test causes one failure; the first cause that the doctor names must be the right one."""
 
     def assertCause(self, cause: str, code: int, *arguments: str, process=run):
         result = process(*arguments, "doctor", "--json")
@@ -92,7 +92,7 @@ class Causes(Case):
         self.assertCause("unreachable", 3, "-d", self.silent_place())
 
     def test_the_host_does_not_resolve(self):
-        # No part of a name may be so long, so that nobody is asked for it.
+        # No part of a host name may be this long, so the resolver asks no server.
         self.assertCause("not-resolved", 3, "-d", f"tcp:{'a' * 200}:9100")
 
     def test_the_path_does_not_exist(self):
@@ -148,7 +148,7 @@ class Causes(Case):
     def test_the_printer_is_silent(self):
         place = self.peer(say_nothing).place
         self.assertCause("silent", 1, "-d", place)
-        # Another till's job may be on its way, which switching the printer off would lose.
+        # Another till's job may be under way; switching the printer off would lose it.
         self.assertIn("  do:    end the other program", run("-d", place, "doctor").out)
 
     def test_an_answer_that_is_not_a_printers_is_found(self):

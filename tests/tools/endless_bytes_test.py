@@ -1,4 +1,4 @@
-"""Devices that never stop sending: every command ends in time, and none of them is deceived."""
+"""Devices that never stop sending: every command ends in time and accepts no false answer."""
 
 import concurrent.futures
 import itertools
@@ -11,16 +11,17 @@ PATTERNS = ("00", "11 13", "12", "1a", "10 00 00 00", "17", "1b", "37 22 41 41 4
             "89 01 00 00 00 00 00 00 05", "89 01 00 00 00 00 02 00 05", "1b 1d 03 01 00 00 02 00")
 COMMANDS = (("print",), ("status",), ("online",), ("cancel",), ("firmware",), ("dipswitch",), ("button-security",),
             ("disconnect",), ("doctor",), ("monitor", "--count", "1"))
-# No pattern is an answer to these; a few are whole real-time statuses, which the others rightly believe.
+# No pattern is an answer to these commands. A few patterns are whole real-time statuses, which the other commands
+# rightly accept.
 UNANSWERED = ("print", "firmware", "dipswitch", "button-security", "disconnect")
 EMULATIONS = ("line", "escpos")
 PAUSE = 0.03  # seconds between two bytes
 LIMIT = 25  # seconds; each exchange may take one
-AT_ONCE = 60  # nearly all the time each of them waits
+AT_ONCE = 60  # each of them waits nearly all the time
 
 
 def chatter(pattern: str):
-    """Sends the pattern byte by byte until the host leaves, and reads the bytes of the host."""
+    """Sends the pattern byte by byte until the host disconnects, and reads the bytes of the host."""
     endless = itertools.cycle(bytes([value]) for value in bytes.fromhex(pattern))
 
     def handle(connection: socket.socket):

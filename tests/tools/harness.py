@@ -86,7 +86,7 @@ def place_of(bound: socket.socket) -> str:
 
 
 def receive(source: socket.socket, count: int) -> bytes:
-    """So many bytes, or fewer if the other side ends."""
+    """This number of bytes, or fewer if the other side ends."""
     taken = b""
     while len(taken) < count and (more := source.recv(count - len(taken))):
         taken += more
@@ -120,13 +120,13 @@ class Case(unittest.TestCase):
         return made
 
     def refusing_place(self) -> str:
-        """A place at which no program listens."""
+        """An address at which no program listens."""
         bound = self.open_socket()
         bound.bind(("127.0.0.1", 0))
         return place_of(bound)
 
     def silent_place(self) -> str:
-        """A place whose queue is full: a further connection is neither answered nor refused."""
+        """An address whose queue is full: a further connection is neither answered nor refused."""
         listener = self.open_socket()
         listener.bind(("127.0.0.1", 0))
         listener.listen(0)
@@ -140,11 +140,11 @@ class Case(unittest.TestCase):
         self.assertEqual(result.code, code, result)
 
     def assertAnswers(self, device: str, answer: dict, result: Result):
-        """The answer is this one, and names the device that was spoken to."""
+        """Asserts that this is the answer, and that it names the device."""
         self.assertEqual(result.json(), answer | {"device": device})
 
     def assertFailsInBothForms(self, code: int, *arguments: str, saying: str = "") -> Result:
-        """The error is on standard error, and with --json also in an object."""
+        """Asserts that the error is on standard error, and with --json also in an object."""
         plain = run(*arguments)
         self.assertExit(code, plain)
         self.assertEqual(plain.out, "", plain)
@@ -158,7 +158,7 @@ class Case(unittest.TestCase):
 
 
 class Running:
-    """A run of the command that lasts, read line by line."""
+    """A run of the command that continues; its output is read line by line."""
 
     def __init__(self, *arguments: str, **options):
         self.process = start(*arguments, **options)
@@ -202,7 +202,7 @@ class Simulator(Running):
         self.err.close()
 
     def next_place(self) -> str:
-        """The place of a terminal after it was dropped."""
+        """The path of the terminal that replaces a dropped one."""
         said = re.compile(rb"^listening (.*)\n", re.MULTILINE)
         return eventually(lambda: said.findall(os.pread(self.err.fileno(), 65536, 0)), "it listens again")[-1].decode()
 
@@ -222,7 +222,7 @@ class Simulator(Running):
         return self.control({"get": "state"})["state"]
 
     def connect(self) -> socket.socket:
-        """A connection of our own; over TCP and local sockets."""
+        """A connection of the test itself, over TCP or a local socket."""
         scheme, place = self.place.split(":", 1)
         if scheme == "unix":
             connection = socket.socket(socket.AF_UNIX)
@@ -238,8 +238,8 @@ class Simulator(Running):
 
 
 class Peer:
-    """A printer of our own making on TCP: `handle` talks with each host that connects, in turn.
-    `room` is how many bytes its system holds for it, about; 0 leaves that to the system."""
+    """A printer on TCP that the test controls: `handle` serves each host that connects, one after the other. `room` is
+    how many bytes its system holds for it, about; 0 leaves that to the system."""
 
     def __init__(self, handle: Callable[[socket.socket], None], room: int = 0):
         self.handle = handle
@@ -264,7 +264,7 @@ class Peer:
                     pass
 
     def wait_until_idle(self):
-        """Waits until every host that has connected has been talked with to the end."""
+        """Waits until every host that has connected was served to the end."""
         with socket.create_connection(self.listener.getsockname(), DEADLINE) as connection:
             connection.shutdown(socket.SHUT_WR)
             while connection.recv(4096):
@@ -276,8 +276,7 @@ class Peer:
         self.thread.join(DEADLINE)
 
 
-# The answers of printers, written down once more: the command must not be tested by its own
-# simulator alone.
+# The answers of printers, written independently: the simulator alone must not be the test of the command.
 STATUS_REQUEST = b"\x1b\x06\x01"
 RESET_COUNTER = b"\x1b\x1e\x45\x00"
 
@@ -311,7 +310,7 @@ def count_etbs(connection: socket.socket) -> bytes:
 
 
 def answering(replies: dict[bytes, bytes | Callable[[socket.socket], None]]):
-    """A printer that answers each request until the host leaves: with bytes, or in a way of its own."""
+    """A printer that answers each request until the host disconnects: with bytes, or by a function."""
 
     def handle(connection):
         unread = b""

@@ -18,7 +18,7 @@ class Interrupting(Case):
         process.send_signal(by)
         result = finish(process, time.monotonic(), data)
         self.assertExit(128 + by, result)
-        # Less than a close that waits for the printer takes.
+        # Less time than a close that waits for the printer.
         self.assertLess(result.seconds, 1.9, "a signal takes effect within a second")
         return result
 
@@ -70,7 +70,7 @@ class Interrupting(Case):
         self.assertEqual((answer["outcome"], answer["bytesAccepted"]), ("unconfirmed", 20_000))
 
     def test_a_printed_job_remains_printed_if_a_signal_arrives_while_the_port_closes(self):
-        """Nobody takes the log meanwhile, which holds up the end of the command, but not that of the connection."""
+        """Nobody reads the log meanwhile. That delays the end of the command, but not the end of the connection."""
         closed = threading.Event()
         job = self.file("job", b"text\n")
         peer = self.peer(lambda connection: (count_etbs(connection), closed.set()))
@@ -107,8 +107,8 @@ class Interrupting(Case):
             self.assertTrue(closed.wait(DEADLINE), "the port is closed")
 
     def test_an_endless_retry_is_abandoned(self):
-        """A port that has lost count of a command offers its rest without end: to a link that takes it each time,
-        and to one that never does."""
+        """A port whose count of a command is wrong repeats the rest without end: to a link that takes it each time, and
+        to a link that never takes it."""
         log = self.folder / "log"
         for command, faults in (("dipswitch", "no-space=4:120"), ("dipswitch", "no-space=4:120,no-space=8:600000"),
                                 ("cancel", "no-space=4:120"), ("status", "no-space=2:120")):
@@ -161,7 +161,7 @@ class Interrupting(Case):
         return len(os.listdir(f"/proc/{process.pid}/task"))
 
     def test_a_signal_before_the_command_has_begun_loses_no_outcome(self):
-        """A log that nobody reads holds up the beginning; whether the job was read by then is left to chance."""
+        """A log that nobody reads delays the beginning; the command may or may not have read the job by then."""
         log = self.folder / "log"
         os.mkfifo(log)
         process = start("-d", "virtual:", "print", self.file("job", b"text\n"), "--json", "--log", log)

@@ -1,4 +1,4 @@
-"""`quorport monitor` reports each change of the printer, outlives its links, and ends on request."""
+"""`quorport monitor` reports each change of the printer, continues after a lost link, and ends on request."""
 
 import json
 import os
@@ -93,7 +93,7 @@ class Changes(Case):
             while more := os.read(master, 4096):
                 text += more
         except OSError:
-            pass  # how the end of a terminal reads
+            pass  # a read at the end of a terminal fails in this way
         self.assertEqual(process.wait(DEADLINE), 0)
         process.stdout, process.stderr = None, None
         lines = text.decode().split("\r\x1b[K")

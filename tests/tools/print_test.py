@@ -157,7 +157,7 @@ class Printing(Case):
             while more := os.read(ours, 4096):
                 shown += more
         except OSError:
-            pass  # how the end of a terminal reads
+            pass  # a read at the end of a terminal fails in this way
         os.close(ours)
         self.assertIn(b"1,000 of 1,000 bytes", shown)
         self.assertTrue(shown.endswith(b"\r\x1b[K"), shown)

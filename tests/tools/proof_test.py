@@ -1,4 +1,5 @@
-"""Printers of our own making over TCP, which share no line with the built-in one: how each confirms a job."""
+"""Printers that the test implements without the virtual printer's code, over TCP: each confirms a job in its own
+way."""
 
 import os
 import pty
@@ -16,8 +17,8 @@ ASKS_IN_ORDER = b"\x1d\x72\x01"
 
 
 class OrdinaryPrinter:
-    """Answers `10 04 n`, and of the questions among the data those that it knows. It prints at once; while its
-    cover is open it keeps everything and continues later. An unknown escape takes one byte with it."""
+    """Answers `10 04 n`, and the questions in the data that it knows. It prints at once; while its cover is open it
+    keeps everything, and continues later. It skips one byte after an unknown escape."""
 
     def __init__(self, *knows: bytes, opens_in_job: bool = False):
         self.knows, self.opens_in_job = knows, opens_in_job

@@ -374,7 +374,7 @@ class AgainstAPeer(Case):
 
 
 class Devices(Case):
-    """Which device a command speaks to, and that it says so."""
+    """The device that a command uses, and that the command names it."""
 
     QUERIES = ("list", "status", "online", "firmware", "dipswitch", "button-security", "disconnect", "cancel")
 

@@ -1,4 +1,4 @@
-"""`quorport print` of text in any script and of pictures, and of the commands around them."""
+"""`quorport print` with text in any script, with pictures, and with the options around them."""
 
 import struct
 import zlib
@@ -79,7 +79,7 @@ class Rendering(Case):
         self.assertRefused("64000000", png(8, 2, 0, claimed=(60000, 60000)), "--image")
 
     def printed_test_page(self, page: str) -> list[str]:
-        """The lines of text on the test page, as a printer shows it that has most pages, and not every one."""
+        """The lines of text on the test page, as a printer prints them that has most code pages, but not all."""
         receipt = self.folder / "receipt.txt"
         self.assertExit(0, run("-d", "virtual:,profile=escpos-80", "-e", "escpos", "print", "--test-page", "--codepage",
                                page, "--receipt", str(receipt)))

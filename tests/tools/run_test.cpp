@@ -1,5 +1,5 @@
-// The parts of the command that no process can show: arguments that no shell can pass, and the
-// moments of an interruption one by one.
+// Tests of the command that a process cannot make: arguments that no shell can pass, and exact
+// moments of an interruption.
 
 #include "tools/quorport/Run.h"
 

@@ -78,7 +78,7 @@ class FlowByCharacters(Case):
 
 
 class FlowPrinter:
-    """A printer on a serial line, ahead of a virtual one, that stops the flow once it has got some bytes."""
+    """A printer on a serial line that stops the flow after some bytes; it passes its data to a virtual printer."""
 
     MOMENT = 0.3  # seconds; what is on its way arrives sooner
 
@@ -112,7 +112,7 @@ class FlowPrinter:
         return True
 
     def stop_by_bytes(self) -> int:
-        """Takes all that arrives until nothing does any more; after how many bytes that was."""
+        """Takes bytes until no more arrive; returns their number."""
         os.write(self.master, b"\x13")
         while select.select([self.master], [], [], self.MOMENT)[0] and self.take_some():
             pass
@@ -121,7 +121,7 @@ class FlowPrinter:
         return count
 
     def take_nothing(self) -> int:
-        """Waits until the line holds all that it can; how many bytes had been sent then."""
+        """Waits until the line is full; returns how many bytes were sent."""
         waiting, before = self.waiting(), -1
         while waiting != before:
             select.select([], [], [], self.MOMENT)

@@ -31,7 +31,7 @@ class Hosts(Case):
             eventually(lambda: simulator.state()["printedBytes"] == sent, "all has been printed once and whole")
 
     def leave_behind(self, simulator, data: bytes) -> int:
-        """A host that sends as many bytes as it can without waiting, and leaves. Returns their number."""
+        """A host that sends as many bytes as it can without waiting, and disconnects. Returns their number."""
         if simulator.place.startswith("serial:"):
             terminal = os.open(simulator.place.removeprefix("serial:"), os.O_RDWR | os.O_NOCTTY | os.O_NONBLOCK)
             sent = os.write(terminal, data)

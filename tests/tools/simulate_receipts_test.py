@@ -225,7 +225,7 @@ class Records(Case):
         self.assertIn("two", (self.folder / "cut" / "receipt-0002.txt").read_text())
 
     def test_a_cut_ends_a_job_only_if_that_is_chosen(self):
-        """Both connections stay. The one by the job was cut later, and its record comes all the same."""
+        """Both connections remain open. The paper of the second was cut later, and its record still arrives."""
         processes = {}
         for per in ("connection", "job"):
             process = start("--json", "simulate", "--listen", "tcp:0", "--per", per)
@@ -253,7 +253,7 @@ class Records(Case):
         place = json.loads(process.stdout.readline())["listening"][0]
         process.stdin.write(b'{"get": "state"}\n' * count)
         process.stdin.flush()
-        # Answered after some answers have filled the pipe.
+        # The answer arrives after other answers have filled the pipe.
         self.assertExit(0, run("-d", place, "online"))
         host, port = place.removeprefix("tcp:").rsplit(":", 1)
         with socket.create_connection((host, int(port)), DEADLINE) as connection:

@@ -1,4 +1,5 @@
-"""`simulate --web` before strangers: pages of another origin, names that were pointed here, clients that take up room."""
+"""`simulate --web` and untrusted clients: pages of another origin, foreign host names that lead to this machine, and
+clients that use up its resources."""
 
 import contextlib
 import random
@@ -137,7 +138,7 @@ class Limits(BrowserCase):
         self.assertEqual(refused.status, 503)
         self.assertEqual(refused.response.headers["Retry-After"], "5")
         readers[0].close()
-        self.assertEqual(self.events(self.browser).status, 200, "whoever has left holds no place")
+        self.assertEqual(self.events(self.browser).status, 200, "a reader that disconnected still holds its place")
 
     def test_arbitrary_bytes_do_not_end_the_server(self):
         chance = random.Random(22)
@@ -164,7 +165,7 @@ class Limits(BrowserCase):
 
 
 class Crowd(BrowserCase):
-    """Clients that take up room; printing takes as long as without them."""
+    """Clients that use up resources; printing takes as long as without them."""
 
     JOB = b"a line of text\n" * 200
 

@@ -1,4 +1,4 @@
-"""`simulate --web`: what a browser sees of the printers, and what it does with them."""
+"""`simulate --web`: how a browser shows the printers and controls them."""
 
 import base64
 import json

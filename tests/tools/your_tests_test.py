@@ -13,7 +13,7 @@ EXAMPLES = Path(__file__).parents[2] / "examples/your-tests"
 
 class YourTests(Case):
     def check(self, command: list[str], name: str):
-        """Runs the example as it is, and with a receipt that its code page has no sign for."""
+        """Runs the example unchanged, and with a receipt whose code page lacks a character."""
         source = (EXAMPLES / name).read_text(encoding="utf-8")
         wrong = source.replace(r"\x1bt\x13Caf", r"\x1bt\x10Caf").replace(r"2.80 \xd5", r"2.80 \x81")
         self.assertNotEqual(source, wrong)

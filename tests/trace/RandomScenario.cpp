@@ -218,7 +218,7 @@ AccessoryIdentity randomAccessory(Dice& dice) {
   return identity;
 }
 
-/// A port and accessories of any kind, of which perhaps no one is the port's.
+/// A port and accessories of any kind; perhaps none of them fits the port.
 void drawPortAndAccessories(Dice& dice, Scenario& scenario) {
   using Text = std::optional<std::string>;
   scenario.creation.portName = dice.among<Text>(

@@ -12,9 +12,8 @@ struct RandomCase {
   Call call;
 };
 
-/// The case of this number: always the same one. Its printer answers rightly, wrongly, late, in
-/// pieces or not at all; its link takes any number of bytes and may be lost; its clock may be
-/// stepped.
+/// The case with this number, which is always the same. Its printer answers rightly, wrongly, late,
+/// in pieces or not at all; its link takes any number of bytes and may be lost; its clock may step.
 RandomCase randomCase(std::uint64_t seed);
 
 }  // namespace quordalvane::test

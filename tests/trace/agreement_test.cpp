@@ -8,7 +8,7 @@
 namespace quordalvane::test {
 namespace {
 
-/// The sanitizers slow a script down many times over, and need fewer to see every line run.
+/// Under the sanitizers a script is many times slower, and fewer scripts run every line.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr std::uint64_t usualScripts = 10000;
 #else

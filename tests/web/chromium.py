@@ -152,7 +152,7 @@ class Page:
         return answer
 
     def complaints(self) -> list[str]:
-        """What the page and the browser have objected to so far."""
+        """The complaints of the page and of the browser so far."""
         found = []
         for event in self.browser.events:
             if event.get("sessionId") != self.session:
@@ -193,14 +193,14 @@ class Page:
         self.browser.event(self.session, "Page.loadEventFired")
 
     def tree(self) -> list[dict]:
-        """What assistive technology is shown: role, name and properties of each element that is not ignored."""
+        """The accessibility tree: role, name and properties of each element that is not ignored."""
         nodes = self.call("Accessibility.getFullAXTree")["nodes"]
         return [{"role": node["role"]["value"], "name": node.get("name", {}).get("value", ""),
                  **{entry["name"]: entry["value"].get("value") for entry in node.get("properties", [])}}
                 for node in nodes if not node.get("ignored")]
 
     def picture(self, file: Path):
-        """Writes what is seen as a PNG."""
+        """Writes the visible page as a PNG."""
         self.evaluate("new Promise((resolve) => requestAnimationFrame(() => requestAnimationFrame(resolve)))")
         file.write_bytes(base64.b64decode(self.call("Page.captureScreenshot", format="png")["data"]))
 

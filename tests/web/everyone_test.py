@@ -1,4 +1,4 @@
-"""The page is for everyone: by keyboard, with a screen reader, in the dark, on a narrow phone."""
+"""Everyone can use the page: by keyboard, with a screen reader, in dark colours, on a narrow phone."""
 
 from chromium import Page
 from harness import main

@@ -1,4 +1,4 @@
-"""A page of another origin can neither read nor switch a printer, even one that knows the address."""
+"""A page of another origin can neither read nor control a printer, even if it knows the address."""
 
 import http.server
 import threading
@@ -6,7 +6,7 @@ import threading
 from harness import main
 from shop import Shop, ShopCase
 
-# What such a page may try, each answering with what it got. `shop` is the address with its secret.
+# The attempts of such a page; each returns the answer that it got. `shop` is the address with its secret token.
 ATTEMPTS = {
     "reads": "fetch(shop + 'api/printers').then((answer) => answer.text())",
     "reads without asking": "fetch(shop + 'api/printers', {mode: 'no-cors'}).then((answer) => answer.text())",
@@ -94,7 +94,7 @@ class OtherOrigin(ShopCase):
         self.assertIs(state, False)
 
     def test_the_page_s_own_origin_may(self):
-        """The attempts above are not merely broken."""
+        """The attempts above work from the page's own origin, so they are not merely broken."""
         shop = self.shop()
         own = self.shop_page(shop)
         for name in ("reads", "follows the events", "switches"):

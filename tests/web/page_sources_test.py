@@ -1,4 +1,4 @@
-"""The files of the page keep to what its content security policy allows, and are small and plain.
+"""The files of the page obey its content security policy, and are small and plain.
 
 Usage: page_sources_test.py FOLDER
 """
@@ -64,7 +64,7 @@ class Sources(unittest.TestCase):
 
 @unittest.skipUnless(shutil.which("node"), "needs node")
 class Modules(unittest.TestCase):
-    """Under node, which takes a file for a module if its package says so."""
+    """Runs under node, which reads a file as a module if its package says so."""
 
     def setUp(self):
         folder = tempfile.TemporaryDirectory()

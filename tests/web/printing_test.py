@@ -1,4 +1,4 @@
-"""The page of `simulate --web` in a browser: what a till prints is seen, and what is switched takes effect."""
+"""The page of `simulate --web` in a browser: the page shows the output of a till, and its switches take effect."""
 
 import json
 

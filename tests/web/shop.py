@@ -41,7 +41,7 @@ class ShopCase(Case):
         return shop
 
     def page(self, address: str, **emulation) -> Page:
-        """A tab that objects to nothing."""
+        """A tab whose console must remain empty."""
         page = self.browser.page(address, **emulation)
         self.addCleanup(page.close)
         self.addCleanup(lambda: self.assertEqual(page.complaints(), []))

@@ -1,4 +1,4 @@
-"""How soon a printed line is seen, and what a long day does to the page."""
+"""How soon the page shows a printed line, and how the page grows in a long day."""
 
 import itertools
 import socket
@@ -67,7 +67,7 @@ class Speed(ShopCase):
         page.until(f"document.querySelector('#receipts li strong')?.textContent === 'Receipt {latest}'", f"receipt {latest}")
 
     def memory_with_paper(self, shop: Shop, page: Page, metres: int) -> dict[str, int]:
-        """While so many metres hang out of the printer."""
+        """The measurement while this many metres hang out of the printer."""
         with shop.connect() as till:
             till.sendall(LONG_LINE * (metres * LONG_LINES_OF_A_METRE))
             page.until(f"document.querySelector('.strip').ariaLabel.startsWith('{metres}.0')", f"{metres} m hang out")

@@ -5,8 +5,8 @@
 #include "tests/contract/LinkContract.h"
 #include "tests/machine/bluetooth/Rfcomm.h"
 
-// The links of Bluetooth printers, over the air of two virtual adapters and by the real service.
-// They run in the virtual machine alone.
+// The links of Bluetooth printers, between two virtual adapters and with the real service. They run
+// only in the virtual machine.
 namespace quordalvane::contract {
 namespace {
 
@@ -15,7 +15,7 @@ constexpr std::uint8_t channel = 3;
 
 class BluetoothMaker : public LinkMaker {
  public:
-  // The directions end together, and a printer has one channel for one host.
+  // Both directions end together, and a printer has one channel for one host.
   LinkTraits traits() const override {
     return {.closesOneWay = false, .resets = false, .standsSideBySide = false};
   }

@@ -40,8 +40,8 @@ struct ManagementAddress {
   std::uint16_t channel = 3;
 };
 
-/// Switches the adapter hci`index` on or off, and waits until that is done. Off ends each of its
-/// connections, as a printer does whose switch is pressed.
+/// Switches the adapter hci`index` on or off, and waits until that is done. Switching it off ends
+/// each of its connections, as if a printer were switched off.
 inline void setPowered(std::uint8_t index, bool isOn) {
   constexpr std::uint8_t command = 5;
   const int number = ::socket(AF_BLUETOOTH, SOCK_RAW | SOCK_CLOEXEC, adapterProtocol);

@@ -21,7 +21,7 @@ start_service() {
   sdptool add --channel=3 SP >/dev/null </dev/null
 }
 
-# Its commands are answered a moment later, and it takes no more than one at a time.
+# It answers each command a moment later, and takes one command at a time.
 control() { # COMMAND …
   (
     sleep 1
@@ -118,8 +118,8 @@ for cut in $(seq 60 150 7500); do
   echo "exit $code, accepted $accepted, the printer got $carried" >>/run/answer
   honest() {
     case $code:$(field outcome) in 6:unconfirmed | 5:refused) ;; *) return 1 ;; esac
-    # No byte may arrive that was not counted, but for the commands around the job. More may be counted than was
-    # carried: the two kernels hold some kilobytes.
+    # Except for the commands around the job, no byte may arrive that was not counted. More bytes may be counted than
+    # arrived, because the two kernels hold some kilobytes.
     [ $((accepted + 512)) -ge "$carried" ]
   }
   check "switched-off-after-$cut-bytes-is-not-printed" honest

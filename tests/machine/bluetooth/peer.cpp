@@ -1,6 +1,6 @@
 // The printer at the other end of a Bluetooth link: switches the adapter hci1 on, carries bytes
-// between the connections to a channel of it and a virtual printer's socket, and may switch it off
-// after so many bytes.
+// between the connections to a channel of it and a virtual printer's socket, and may switch the
+// adapter off after a number of bytes.
 //
 //     peer ADDRESS CHANNEL SOCKET COUNT_FILE [SWITCH_OFF_AFTER]
 #include <poll.h>
@@ -37,7 +37,7 @@ bool writeAll(int to, const char* bytes, std::size_t length) {
   return true;
 }
 
-// Moves what is there, at most `limit` bytes; returns their number, 0 at the end.
+// Moves the available bytes, at most `limit`; returns their number, 0 at the end.
 std::size_t carry(int from, int to, std::size_t limit) {
   std::array<char, 1024> buffer;
   const ssize_t got = ::read(from, buffer.data(), std::min(buffer.size(), limit));

@@ -27,8 +27,8 @@ class Cable {
 
   void say(contract::Bytes bytes);
 
-  /// Takes `count` bytes from the host, or those that arrive before the cable is out. It is pulled
-  /// after a generous time.
+  /// Takes `count` bytes from the host, or those that arrive before the cable is pulled. After a
+  /// generous time this function pulls it.
   contract::Bytes take(std::size_t count);
 
  private:
@@ -36,7 +36,7 @@ class Cable {
   void speak();
 
   UsbGadget gadget_;
-  contract::Bytes taken_;  // of a packet, and not asked for yet
+  contract::Bytes taken_;  // received in a packet and not yet asked for
   std::mutex mutex_;       // guards the members below
   std::condition_variable changed_;
   std::deque<contract::Bytes> unsaid_;

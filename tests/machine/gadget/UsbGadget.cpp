@@ -171,7 +171,7 @@ void UsbGadget::describe(const UsbIdentity& identity) {
   toHost_ = opened(files_ / "ep2");
 }
 
-// Also what a program left that was killed.
+// This also removes the remains of a program that was killed.
 void UsbGadget::removeAll() {
   std::error_code error;
   ::umount(files_.c_str());
@@ -203,7 +203,7 @@ bool UsbGadget::say(std::span<const std::uint8_t> bytes) {
 }
 
 void UsbGadget::stall() {
-  // A transfer in the wrong direction means that.
+  // The endpoint is stalled by a transfer in the wrong direction.
   const std::uint8_t byte = 0;
   if (::write(fromHost_, &byte, 1) >= 0 || errno != EBADMSG) {
     fail("the stall");
@@ -236,7 +236,7 @@ void UsbGadget::answer(std::uint8_t request, std::uint16_t longest) {
   const bool isAnswered = length == 0 ? ::read(control_, nullptr, 0) == 0  // acknowledges it
                                       : hand(control_, text.data(), length);
   if (!isAnswered) {
-    isSetUp_ = false;  // the host has gone in between
+    isSetUp_ = false;  // the host has disconnected meanwhile
   }
 }
 

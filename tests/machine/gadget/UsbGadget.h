@@ -21,9 +21,9 @@ struct UsbIdentity {
   bool isSecondInterface = false;  ///< its first one is then of the maker's own class
 };
 
-/// The printer's end of a USB cable: a gadget of this kernel, whose endpoints are in the hands of
-/// the program. Needs root, configfs and the modules dummy_hcd and usb_f_fs. The cable is out at
-/// the beginning; at the end everything is taken away again. Calls may be made from any thread.
+/// The printer's end of a USB cable: a gadget of this kernel, whose endpoints the program serves.
+/// Needs root, configfs and the modules dummy_hcd and usb_f_fs. The cable is unplugged at the
+/// beginning; the destructor removes the gadget. Calls may be made from any thread.
 class UsbGadget {
  public:
   /// `controller` is the name of the cable's end, "dummy_udc.0" for example. Throws a
@@ -33,11 +33,11 @@ class UsbGadget {
   UsbGadget(const UsbGadget&) = delete;
   UsbGadget& operator=(const UsbGadget&) = delete;
 
-  /// Puts the cable in, and waits until the host has set the printer up; its driver takes it over
-  /// some milliseconds later.
+  /// Plugs the cable in, and waits until the host has configured the printer; its driver takes the
+  /// printer over some milliseconds later.
   void plugIn();
 
-  /// Pulls the cable; on one that is out it has no effect. Transfers under way end.
+  /// Pulls the cable, and has no effect if it is out already. Transfers under way end.
   void pull();
 
   /// Waits for the next packet from the host. Returns its length, at most `packetSize`, or -1 when
@@ -69,7 +69,7 @@ class UsbGadget {
   std::string deviceId_;
   std::atomic<std::uint8_t> portStatus_ = 0x18;
   std::atomic<bool> isSetUp_ = false;
-  std::mutex cable_;  // one hand at a time plugs it in or pulls it
+  std::mutex cable_;  // one thread at a time plugs it in or pulls it
   int control_ = -1;
   int fromHost_ = -1;
   int toHost_ = -1;

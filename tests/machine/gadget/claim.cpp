@@ -1,5 +1,5 @@
 // Takes a USB device's interface from its driver, as the print system's back end does, and keeps it
-// until it is killed; it then belongs to nobody.
+// until it is killed. Then no driver has the interface.
 //
 //     claim NODE INTERFACE
 #include <fcntl.h>

@@ -1,5 +1,6 @@
 // A printer at the end of a USB cable: carries bytes between the cable and the socket of a virtual
-// printer. Killed, it is pulled. Without a socket it takes all bytes and says nothing.
+// printer. If the program is killed, the cable is pulled. Without a socket the printer takes all
+// bytes and answers nothing.
 //
 //     usb_printer [KEY=VALUE …]
 //
@@ -100,7 +101,7 @@ class Printer {
   }
 
  private:
-  // Until the cable is out, or is to be pulled.
+  // Runs until the cable is out, or must be pulled.
   void carryJobs() {
     std::array<std::uint8_t, UsbGadget::packetSize> packet;
     std::size_t carried = 0;

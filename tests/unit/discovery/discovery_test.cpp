@@ -39,7 +39,7 @@ class DiscoveryTest : public testing::Test {
     write(dev_ / "usb" / node, "");
   }
 
-  /// A line of the machine itself; a type of 0 is one without hardware.
+  /// A serial line of the machine itself; the type 0 means that there is no hardware.
   void addLine(const std::string& name, const std::string& type) {
     write(sys_ / "class/tty" / name / "type", type);
     fs::create_directories(sys_ / "devices/platform");

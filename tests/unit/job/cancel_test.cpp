@@ -62,7 +62,7 @@ TEST_P(Cancelling, AJobCancelledInALongImageEndsInTime) {
   EXPECT_FALSE(till.port->isConnected());
 }
 
-// The time-out of the block must not drop the data of later jobs. The port's writer repeats itself
+// The time-out of the block must not drop the data of later jobs. The port repeats its write
 // without a pause once the link has taken a part of a command.
 TEST_P(Cancelling, AJobCanBeCancelledWhileThePortWritesWithoutEnd) {
   Till till(GetParam());

@@ -1,5 +1,5 @@
-// The data time-out: a printer that was given one drops bytes that arrive too late, and all that
-// follow, until a block ends.
+// The data time-out: a printer with a data time-out drops bytes that arrive too late, and all later
+// bytes, until a block ends.
 
 #include <gtest/gtest.h>
 

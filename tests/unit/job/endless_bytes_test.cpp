@@ -1,4 +1,4 @@
-// Printers, or other devices, that never stop talking.
+// Printers, or other devices, that never stop sending.
 
 #include <gtest/gtest.h>
 
@@ -30,7 +30,7 @@ constexpr const char* patterns[] = {
     "1b 1d 03 01 00 00 02 00",
 };
 
-/// A byte of the pattern every 30 ms, for longer than anything may take.
+/// Sends a byte of the pattern every 30 ms, for longer than any operation may take.
 Script chatter(const char* pattern) {
   const test::Bytes all = bytes(pattern);
   Script script;
@@ -42,7 +42,7 @@ Script chatter(const char* pattern) {
 
 class EndlessBytes : public testing::TestWithParam<std::tuple<const char*, ZKEmulation>> {
  protected:
-  /// How long `operation` takes on a port with 2 s to each exchange.
+  /// How long `operation` takes on a port with a time-out of 2 s.
   static std::chrono::nanoseconds timeOf(
       const std::function<void(const std::shared_ptr<ExternalAccessoryPort>&)>& operation) {
     const auto& [pattern, emulation] = GetParam();

@@ -27,7 +27,8 @@ PrintResult printOn(const Script& script, PrintJob::Options options = {.proof = 
 const test::Bytes statusRequest = bytes("1b 06 01");
 
 TEST(OddAnswers, ThatAreNotLineModeStatusesRefuseTheJob) {
-  // Long enough for a counter, but without the mark of the kind; and too short for a block.
+  // Blocks that are long enough for a counter but do not have the fixed bits, and blocks that are
+  // too short.
   for (const char* const block : {"09 01 00 00 00 00 00 00 05", "01"}) {
     const PrintResult result =
         printOn(Script().wheneverAsked(statusRequest, {{bytes(block), 0.0}}));

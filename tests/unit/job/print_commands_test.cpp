@@ -14,7 +14,7 @@ struct Command {
   std::vector<std::uint8_t> bytes;
 };
 
-// More data follows each in the tests, and each must end as it does here.
+// In the tests more data follows each command; each must still end at the same place.
 const Command commands[] = {
     {"real-time status", {0x10, 0x04, 1}},
     {"real-time request", {0x10, 0x05, 1}},

@@ -131,7 +131,7 @@ TEST_P(InBothEmulations, AJobWithoutAnAnswerToItsEndReportsNoEarlierStatus) {
   const PrintResult result = till.print(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
   EXPECT_EQ(result.reason, "no confirmation within 10 s after all 45 bytes");
-  // In line mode it was asked, and answered, between the data and the fault.
+  // In line mode the printer was asked, and answered, between the data and the fault.
   EXPECT_EQ(result.status.has_value(), GetParam() == ZKEmulationQuorLine);
 }
 
@@ -156,8 +156,8 @@ TEST_P(InBothEmulations, AJobWithAMarkInItsDataReportsWhyItIsNotConfirmed) {
   EXPECT_EQ(result.reason.find("cannot be confirmed: "), 0U) << result.reason;
 }
 
-// The ends of an earlier job are still in the printer, and answers arrive so late that those to
-// earlier questions pass for the newest one's.
+// The end marks of an earlier job are still in the printer, and answers are so late that an answer
+// to an earlier question could be taken for the newest one's.
 TEST_P(InBothEmulations, AJobIsNotConfirmedByLateAnswersToEarlierJobs) {
   const ByteBuffer data(520, 'n');
   for (const char* const delay : {"400", "1600", "2000", "4000"}) {
@@ -327,7 +327,7 @@ TEST(EscPosJob, IsNotConfirmedByTheLateReportOfAnEarlierJob) {
   Till till(PrinterBuilder().speed(10), {.emulation = ZKEmulationESCPOS});
   till.port->setEndCheckedBlockTimeoutMillis(1000);
   EXPECT_EQ(till.print(receiptText).outcome, PrintOutcome::Unconfirmed);
-  till.platform->clock().usleep(10000000);  // the earlier one prints on, and its report waits
+  till.platform->clock().usleep(10000000);  // the earlier job still prints, and its report waits
   const PrintResult result = till.print(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed) << "printed in no time";
 }

@@ -99,7 +99,7 @@ TEST(PrinterInquiry, WaitsForTheRestOfAFirstAnswerInPieces) {
   Script script;
   const test::Bytes head(offLine.begin(), offLine.begin() + 1);
   const test::Bytes rest(offLine.begin() + 1, offLine.end());
-  // The rest of the first answer, taken for a block by its length alone, is on line.
+  // The rest of the first answer, if only its length is checked, looks like an on-line status.
   script.whenAsked(statusRequest, {{head, 0.0}, {rest, 0.15}});
   script.wheneverAsked(statusRequest, {{offLine, 0.0}});
   Asked asked(script);
@@ -240,7 +240,7 @@ TEST(PrinterInquiry, ReportsThatTheLinkDidNotTakeAWholeCommand) {
   EXPECT_EQ(causeOf([&] { asked.inquiry.dropAll(); }), InquiryCause::NoAnswer);
 }
 
-// The port's writer repeats itself without a time-out once the link has taken a part of a command.
+// The port repeats its write without a time-out once the link has taken a part of a command.
 TEST(PrinterInquiry, LeavesAPortThatWritesWithoutEnd) {
   Till till(PrinterBuilder(), {.timeoutMillis = 2000});
   till.port->close();

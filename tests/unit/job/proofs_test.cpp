@@ -220,7 +220,7 @@ TEST_P(EndSignProof, IsNotTrustedWithDataThatMakesThePrinterDropData) {
             PrintOutcome::Unconfirmed);
 }
 
-/// A fault of the printer's sign, and whether the job is confirmed all the same.
+/// A fault of the printer's sign, and whether the job is still confirmed.
 struct SignFault {
   ProofKind proof;
   const char* name;

@@ -1,4 +1,4 @@
-// Printers that are switched off and on, or hold an earlier job, while a job runs.
+// Printers that are switched off and on while a job runs, or that still hold an earlier job.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -17,7 +17,7 @@ class Restart : public testing::TestWithParam<ZKEmulation> {};
 INSTANTIATE_TEST_SUITE_P(Job, Restart, testing::Values(ZKEmulationQuorLine, ZKEmulationESCPOS),
                          emulationName);
 
-// The link lasts longer: the printer's data is lost, and its count begins at 0 again.
+// The link remains open, but the printer's data is lost, and its count begins at 0 again.
 void switchOffAndOn(Till& till) {
   till.accessory->withPrinter([](simulator::VirtualPrinter& printer, auto now) {
     printer.receive(ByteBuffer{0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00, 0x1b, 0x1d, 0x03, 0x04, 0x00,

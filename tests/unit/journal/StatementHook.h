@@ -8,8 +8,8 @@
 
 namespace quordalvane {
 
-/// Has something happen at an exact moment: when a connection that was opened while this exists
-/// begins, or has ended, a statement that holds a text.
+/// Calls a function at an exact moment: when a database connection begins, or has ended, a
+/// statement that contains a given text. The connection must be opened while this object exists.
 class StatementHook {
  public:
   enum class Moment : unsigned { Begin = SQLITE_TRACE_STMT, End = SQLITE_TRACE_PROFILE };

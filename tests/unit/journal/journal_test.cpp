@@ -29,7 +29,7 @@ unsigned modeOf(const std::string& path) {
   return found.st_mode & 07777U;
 }
 
-/// Changes a file by SQLite alone.
+/// Changes a file with SQLite only, without the journal's code.
 void execute(const std::string& file, const std::string& sql) {
   sqlite3* database = nullptr;
   ASSERT_EQ(sqlite3_open(file.c_str(), &database), SQLITE_OK);

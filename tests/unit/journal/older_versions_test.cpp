@@ -1,4 +1,4 @@
-// Journals of versions before the present one are taken over with all that they hold.
+// Journals of earlier versions are converted with their whole content.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sqlite3.h>
@@ -14,7 +14,7 @@ namespace {
 using testing::HasSubstr;
 
 /// A journal of the first version: one job that was printed, one refused twice, one whose link was
-/// lost, and one whose process was killed. Taken out of its file as it was.
+/// lost, and one whose process was killed. The rows are copied from the file of that version.
 constexpr auto firstVersion = R"(
 PRAGMA application_id = 0x71756f72;
 PRAGMA user_version = 1;

@@ -25,7 +25,7 @@ using testing::HasSubstr;
 /// Long enough that only a defect reaches it.
 constexpr std::chrono::milliseconds patience{30'000};
 
-/// Lets nobody pass until it is opened.
+/// Blocks every thread until it is opened.
 class Gate {
  public:
   void open() {

@@ -200,7 +200,8 @@ TEST_F(LogQueueTest, IsFinishedWhenAllThatWasQueuedIsFinished) {
   EXPECT_TRUE(queue_.waitUntilFinished(0ms));
 }
 
-/// Takes and finishes one batch of a queue that gathers for ever. Once it is made it gathers.
+/// Takes and finishes one batch of a queue that waits for more records without end. It waits as
+/// soon as it is made.
 class OneTake {
  public:
   explicit OneTake(LogQueue& queue)
@@ -229,7 +230,7 @@ TEST(GatheringLogQueue, IsTakenOnceItIsHalfFull) {
   EXPECT_FALSE(queue.waitUntilFinished(0ms)) << "nothing was gathered";
   queue.push(recordOf("b"));
   EXPECT_TRUE(queue.waitUntilFinished(patience));
-  queue.close();  // releases a taker that still gathers
+  queue.close();  // releases a taker that still waits for more records
 }
 
 TEST(GatheringLogQueue, IsTakenWhenItIsClosed) {

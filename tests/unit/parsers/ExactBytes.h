@@ -7,8 +7,8 @@
 
 namespace quordalvane::test {
 
-/// A heap copy of bytes, in their exact size: the address sanitizer then sees a read of one too
-/// many.
+/// A copy of bytes on the heap, of exactly their size: the address sanitizer then notices a read
+/// beyond the end.
 class ExactBytes {
  public:
   explicit ExactBytes(const std::vector<std::uint8_t>& bytes)

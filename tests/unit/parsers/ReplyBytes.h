@@ -49,7 +49,8 @@ inline Bytes ascii(const std::string& text) {
   return Bytes(text.begin(), text.end());
 }
 
-/// Up to 40 bytes out of those that replies are made of, so that half-right ones are common.
+/// Up to 40 random bytes, chosen from the bytes that occur in replies, so that half-right replies
+/// are common.
 inline Bytes randomReplyBytes(std::mt19937& random) {
   static constexpr std::uint8_t alphabet[] = {0x1b, 0x1b, 0x23, 0x23, 0x2a, 0x2c, 0x31, 0x32,
                                               0x41, 0x0a, 0x0a, 0x00, 0x00, 0x7f, 0xff, 0x20};

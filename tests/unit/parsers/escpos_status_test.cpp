@@ -23,7 +23,7 @@ bool same(const QuorPrinterStatus_2& one, const QuorPrinterStatus_2& other) {
   return std::memcmp(&one, &other, sizeof one) == 0;
 }
 
-/// `record` as the query's answer `byte` must leave it.
+/// `record` after the query was answered with `byte`.
 QuorPrinterStatus_2 afterAnswer(QuorPrinterStatus_2 record, StatusType query, int byte) {
   switch (query) {
     case StatusType::CashDrawer:

@@ -117,8 +117,8 @@ TEST(LineStatus, LeavesTheRawReplyAndItsLengthAsTheyWere) {
   }
 }
 
-// The records lie on the heap in their exact size, so that the address sanitizer sees a byte too
-// far.
+// The records lie on the heap in their exact size, so that the address sanitizer notices a read
+// beyond the end.
 TEST(LineStatus, ReadsNoByteBeyondTheRecord) {
   std::mt19937 random(3);
   for (int round = 0; round < 20000; ++round) {

@@ -13,7 +13,7 @@
 
 namespace quordalvane::test {
 
-/// A world whose making thread is the main thread, and a port made on it.
+/// A world that is made on the main thread, and a port that is made on it.
 class PortThread : public testing::Test {
  protected:
   using Port = std::shared_ptr<ExternalAccessoryPort>;
@@ -29,7 +29,7 @@ class PortThread : public testing::Test {
     return port;
   }
 
-  /// The events while logging was on, without the slices.
+  /// The events during a call with logging on, without the slices.
   template <typename Body>
   std::string during(Body body) {
     const Logging logging(true);

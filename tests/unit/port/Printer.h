@@ -33,7 +33,7 @@ inline Bytes lineStatus(std::initializer_list<std::size_t> flagPlaces = {}, unsi
   return block;
 }
 
-/// All at once and at once.
+/// The whole answer arrives at once, without a delay.
 inline Reply whole(Bytes reply) {
   return {{std::move(reply)}};
 }

@@ -42,7 +42,8 @@ inline auto failedBy(const std::string& error, const std::string& arguments = "<
   return testing::EndsWith("Error | " + error + "\nEnd | " + arguments + ", -> 0\n");
 }
 
-/// The same for a wait that began so many seconds after the clock's first and has passed its limit.
+/// The same for a wait that began this number of seconds after the clock's first second and has
+/// passed its limit.
 inline auto timedOut(const std::string& limit, int seconds, int now, int start = 0) {
   constexpr int first = 1000000;
   return failedBy("end.tv_sec - start.tv_sec > " + limit + ", " + std::to_string(first + now) +

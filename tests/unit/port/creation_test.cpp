@@ -65,7 +65,7 @@ TEST_F(NewPort, WithoutAPlatformIsNull) {
   )"));
 }
 
-/// A platform on whose main thread no thread can be made, in one of two ways.
+/// A platform that cannot make or start a thread for a port of the main thread.
 class WithoutThreads : public ForwardingPlatform {
  public:
   WithoutThreads(std::shared_ptr<Platform> next, bool makes)

@@ -22,7 +22,7 @@ void output(std::string message) {
                                                         "-[Port read:]", std::move(message));
 }
 
-/// Leaves the gates of the process as they were.
+/// Restores the logging gates of the process.
 class LogWriterTest : public testing::Test {
  protected:
   ~LogWriterTest() override {
@@ -129,7 +129,7 @@ TEST_F(LogWriterTest, CountsRecordsAndDrops) {
   writer.setQueueCapacity(8192);
 }
 
-/// Processes of their own, since they end.
+/// These tests run in processes of their own, because the processes end.
 class LogWriterAtExit : public testing::Test {
  protected:
   LogWriterAtExit() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }

@@ -71,7 +71,8 @@ TEST(LoggingContract, LogsExactlyOneExitForEachEntry) {
 }
 
 TEST(LoggingContract, LogsNoExitIfAnExceptionPassesThrough) {
-  // The link is lost after so many bytes: sooner, the call's own write fails and throws nothing.
+  // The link is lost after this number of bytes. If it were lost sooner, the call's own write would
+  // fail without an exception.
   const std::pair<Call, std::size_t> losses[] = {
       {beginCheckedBlock(), 0}, {endCheckedBlock(), 7}, {getOnlineStatus(), 3}};
   for (const auto& [call, bytes] : losses) {

@@ -6,7 +6,7 @@ namespace {
 
 class Surprise {};
 
-/// A platform whose list of accessories cannot be had.
+/// A platform whose list of accessories throws.
 class ListRaises : public ForwardingPlatform {
  public:
   explicit ListRaises(std::shared_ptr<Platform> next)
@@ -76,7 +76,7 @@ TEST_F(PortThatCannotPause, FailsToOpenAlthoughTheSessionExists) {
   EXPECT_FALSE(port->isConnected());
 }
 
-/// A thread that throws instead of carrying a routine.
+/// A thread that throws instead of running a routine that is passed to it.
 class CarryingRaises : public ForwardingPlatform {
  public:
   using ForwardingPlatform::ForwardingPlatform;

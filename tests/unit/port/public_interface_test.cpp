@@ -16,7 +16,7 @@ using Port = ExternalAccessoryPort;
 using Text = std::optional<std::string>;
 using Status = QuorPrinterStatus_2;
 
-/// Whether a member function of exactly this shape is there.
+/// Whether a member function with exactly this signature exists.
 template <typename Result, typename... Arguments>
 constexpr bool isOperation(Result (Port::*)(Arguments...)) {
   return true;
@@ -76,7 +76,7 @@ static_assert(isOperation<void, Text>(&Port::setSerialNumber));
 static_assert(isGetter<std::uint64_t>(&Port::connectionID));
 static_assert(isOperation<void, std::uint64_t>(&Port::setConnectionID));
 
-// The values that cross the boundary as numbers.
+// The values that programs pass as numbers.
 static_assert(ZKEmulationUnknown == 0 && ZKEmulationQuorLine == 1 && ZKEmulationESCPOS == 2);
 static_assert(sizeof(ZKEmulation) == 4 && sizeof(ZKQuorIOResultCode) == 8);
 static_assert(ZKQuorIOResultCodeSuccess == 0 && ZKQuorIOResultCodeFailedError == -1 &&

@@ -201,8 +201,8 @@ TEST(RetryingWriter, FailsWhenTheLinkIsLostBetweenTwoAttempts) {
   )"));
 }
 
-/// A command on its way, as the contract's words have it: the total is kept over all attempts, the
-/// command is narrowed to the tail, and each is held against the other.
+/// A command that is being sent, exactly as the contract says: the total is kept over all attempts,
+/// the command is shortened to its tail, and the two are compared.
 struct Progress {
   Bytes rest;
   Bytes sent{};
@@ -211,7 +211,7 @@ struct Progress {
   std::size_t pauses = 0;
   bool isDone = false;
 
-  /// An attempt gets rid of `count` bytes, which are not more than the rest.
+  /// An attempt sends `count` bytes, at most the rest.
   void attempt(std::size_t count) {
     const auto taken = rest.begin() + static_cast<std::ptrdiff_t>(count);
     sent.insert(sent.end(), rest.begin(), taken);
@@ -230,7 +230,7 @@ std::size_t pausesIn(const Outcome& run) {
       std::count(run.lines.begin(), run.lines.end(), Line{About::Wait, "", "usleep 50000"}));
 }
 
-/// Runs the attempts, of which a further one fails, and holds the port against the progress.
+/// Runs the attempts and then one that fails, and compares the port with the expected progress.
 void check(const Bytes& whole, const std::vector<std::size_t>& counts, const Progress& expected) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.logging = false;

@@ -114,7 +114,7 @@ TEST(Session, IsMissingAfterAReopenThatMatchedNothing) {
   EXPECT_EQ(port->read(1), std::nullopt);
 }
 
-/// Gives every session of the platform to `change` before the port sees it.
+/// Passes every session of the platform to `change` before the port gets it.
 class SessionsChanged : public ForwardingPlatform {
  public:
   using Change = std::function<std::shared_ptr<EASession>(std::shared_ptr<EASession>)>;

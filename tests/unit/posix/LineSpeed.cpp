@@ -1,6 +1,7 @@
 #include "tests/unit/posix/LineSpeed.h"
 
-// In a source of its own: it excludes the usual header for terminals.
+// This is a source of its own, because its header and the usual header for terminals exclude each
+// other.
 #include <asm/termbits.h>
 #include <sys/ioctl.h>
 

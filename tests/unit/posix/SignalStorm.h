@@ -7,8 +7,8 @@
 
 namespace quordalvane::posix {
 
-/// Interrupts the process every half millisecond for as long as it lives; nothing restarts by
-/// itself.
+/// Interrupts the process by a signal every half millisecond while this object exists; system calls
+/// are not restarted.
 class SignalStorm {
  public:
   SignalStorm() {

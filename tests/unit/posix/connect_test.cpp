@@ -41,7 +41,7 @@ std::pair<double, std::string> connectUntilSilent(Connect connect) {
   return {0, "the listener took everyone"};
 }
 
-// A place at which a program listened a moment ago and none does now.
+// An address at which a program listened a moment ago, and no program listens now.
 std::uint16_t closedPort() {
   return Listener::onLoopback(1).port();
 }

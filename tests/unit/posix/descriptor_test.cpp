@@ -39,7 +39,7 @@ class TcpDescriptor : public testing::Test {
     ASSERT_EQ(::write(device_, text, size), static_cast<ssize_t>(size));
   }
 
-  /// The rude end of a connection: the other side is sent a reset.
+  /// Resets the connection instead of closing it.
   void deviceResets() {
     const linger none{.l_onoff = 1, .l_linger = 0};
     ASSERT_EQ(::setsockopt(device_, SOL_SOCKET, SO_LINGER, &none, sizeof none), 0);

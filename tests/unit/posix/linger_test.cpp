@@ -27,7 +27,7 @@ class LingerTest : public testing::Test {
   const Descriptor& link() const { return link_; }
   int device() const { return pair_.ends[1]; }
 
-  /// Sends until there is no space; how many bytes that took.
+  /// Sends until there is no space; returns the number of bytes.
   std::size_t fill() const {
     const std::vector<std::uint8_t> piece(4096, 'x');
     std::size_t sent = 0;
@@ -38,7 +38,7 @@ class LingerTest : public testing::Test {
     return sent;
   }
 
-  /// How many seconds it took, with an hour's time.
+  /// How many seconds the end took, with a limit of an hour.
   double lingered() const {
     const Stopwatch watch;
     linger(link_, SteadyClock::now() + 1h);

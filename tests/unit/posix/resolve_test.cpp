@@ -36,7 +36,7 @@ TEST(Resolve, AcceptsIpv6Addresses) {
 }
 
 TEST(Resolve, AnImpossibleNameIsAnError) {
-  // No part of a name may be so long, so that nobody is asked for it.
+  // No part of a host name may be this long, so the resolver asks no server.
   try {
     resolve(std::string(200, 'a'), 9100, SteadyClock::now() + 5s);
     FAIL();

@@ -95,7 +95,8 @@ TEST(RunLoop, RunsCarriedRoutinesBeforeItAwaitsTheStream) {
     while (!carried) {
       std::this_thread::yield();
     }
-    // Whether the routine has arrived cannot be seen from here, so turn until it has run.
+    // The test cannot see whether the routine has arrived, so it runs the loop until the routine
+    // has run.
     while (!ran) {
       RecordingStream stream;
       currentRunLoop().runUntilDate(0, stream);

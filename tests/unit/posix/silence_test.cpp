@@ -87,7 +87,7 @@ TEST(Silence, APrinterThatHasNoSpaceForLongerThanTheLimitKeepsItsLink) {
   Printer printer;
   Link link(printer.connect(), 300ms);
   fill(link);
-  // By then the system asks the printer less often than the limit.
+  // By then the system's probes are further apart than the limit.
   EXPECT_FALSE(isLostWithin(link, 3));
 }
 

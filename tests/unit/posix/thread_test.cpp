@@ -107,7 +107,7 @@ TEST(PosixThread, CallersFromManyThreadsAreAllServedOrRefused) {
       }
     });
     ASSERT_TRUE(thread.start());
-    int ran = 0;  // touched by the one thread alone
+    int ran = 0;  // only that thread uses it
     std::atomic<int> performed = 0;
     std::vector<std::thread> callers;
     for (int i = 0; i < 4; ++i) {
@@ -159,7 +159,7 @@ TEST(PosixThread, IsReleasedUnstartedWithItsBody) {
   EXPECT_TRUE(watched.expired());
 }
 
-// Owns its thread, whose body owns it: the shape of a port.
+// Owns its thread, whose body owns this object, as in a port.
 struct Owner {
   ~Owner() {
     calledItself = thread->performAndWait([] {});
@@ -209,7 +209,8 @@ TEST(PosixThread, ARoutineMayReleaseTheHandleThatCarriesIt) {
   EXPECT_TRUE(eventually([&] { return over.load(); }));
 }
 
-/// Makes the system refuse every new thread for as long as it lives, by a stack beyond all memory.
+/// Makes the system refuse every new thread while this object exists: it demands a stack that is
+/// larger than the memory.
 class NoMoreThreads {
  public:
   NoMoreThreads() {

@@ -33,7 +33,7 @@ class UsbTest : public testing::Test {
  protected:
   UsbRoots roots() const { return {.sys = folder_.file("sys"), .dev = folder_.file("dev")}; }
 
-  /// Plugs a printer in whose node has the number `lp`.
+  /// Plugs in a printer whose device file has the number `lp`.
   void plugIn(int lp, const std::string& id, const std::string& serial,
               const std::string& model = "04b8:0202", const std::string& protocol = "02") {
     const std::string name = "lp" + std::to_string(lp);
@@ -352,7 +352,7 @@ TEST(UsbLink, APrinterThatOnlyTakesBytesIsNotLostBecauseItIsSilent) {
 }
 
 TEST(UsbLink, ATransferThatBrokeOffCountsAsTakenBecauseItMayHaveArrived) {
-  // Writing to the page at address 0 fails with EIO, as a transfer of the driver does that breaks
+  // Writing to the page at address 0 fails with EIO, like a transfer of the driver that is broken
   // off.
   const Descriptor driver(::open("/proc/self/mem", O_RDWR | O_CLOEXEC),
                           Descriptor::Kind::UsbPrinter);

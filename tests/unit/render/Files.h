@@ -43,7 +43,7 @@ inline Bytes pngFile(int width, int height, const std::function<std::uint32_t(in
   return file;
 }
 
-/// The file with another size in its header, which is then right in itself.
+/// The file with another size in its header, whose checksum is right.
 inline Bytes withSize(Bytes png, std::uint32_t width, std::uint32_t height) {
   for (unsigned i = 0; i < 4; ++i) {
     png[16 + i] = static_cast<std::uint8_t>(width >> (24 - 8 * i));

@@ -11,7 +11,7 @@ namespace quordalvane::render {
 
 using Bytes = std::vector<std::uint8_t>;
 
-/// The bytes that were handed on, call by call.
+/// The bytes that were passed on, call by call.
 struct Job {
   std::vector<Bytes> pieces;
 

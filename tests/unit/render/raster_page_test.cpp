@@ -9,7 +9,8 @@
 namespace quordalvane::render {
 namespace {
 
-// One row, black from `first` to before `end`, as a printer with a head of `head` dots gets it.
+// One row that is black from `first` up to `end`, in the form for a printer whose head has `head`
+// dots.
 Bytes printedRow(unsigned pageDots, unsigned head, unsigned first, unsigned end) {
   Job job;
   RasterPage page(pageDots, head, job.output());

@@ -167,7 +167,7 @@ TEST(MultiByteText, OfEachLanguageIsRead) {
   EXPECT_EQ(Print(hex("c7d1b1b9 0a"), profile("escpos-80-korea")).text(), "한국");
 }
 
-// In squares of two letters, also those that a code page holds among its narrow ones.
+// Such characters are two letters wide, even if a code page also has them as narrow characters.
 TEST(MultiByteText, IsDrawnAsItsCharactersAreDrawnFromUnicode) {
   const struct {
     const char* language;

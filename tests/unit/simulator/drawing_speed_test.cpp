@@ -29,7 +29,8 @@ double processorSeconds() {
   return static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
 }
 
-// Other programs on the machine take none of this time, but they take the caches: hence the best.
+// Other programs do not add to this processor time, but they use the caches; so the best of several
+// runs counts.
 TEST(DrawingSpeed, ReachesTwoHundredPicturesASecondOnOneCore) {
 #if !defined(QUOR_OPTIMISED)
   GTEST_SKIP() << "the product is not optimised in this build";

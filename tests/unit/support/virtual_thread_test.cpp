@@ -9,7 +9,7 @@
 namespace quordalvane::test {
 namespace {
 
-/// A platform with a thread that turns its loop for a second once it is started.
+/// A platform with a thread that runs its loop for a second when it is started.
 class VirtualThreads : public testing::Test {
  protected:
   void pass(std::uint64_t seconds) { platform_.clock().usleep(seconds * 1000000); }
