@@ -53,16 +53,16 @@ class Refused(QueueCase):
         self.assertEqual(self.scheduler.reasons(queue), set())
         self.assertEqual(self.story(job).count("waiting: "), 2, "the back end's line, and the scheduler's about it")
 
-    def test_an_open_cover_is_waited_for(self):
+    def test_a_job_waits_while_the_cover_is_open(self):
         self.check_waits_and_prints_once("waiting: cover open", "cover-open-error", "offline-report", coverOpen=True)
 
-    def test_paper_is_waited_for(self):
+    def test_a_job_waits_while_the_paper_is_out(self):
         self.check_waits_and_prints_once("waiting: paper out", "media-empty-error", "offline-report", receiptPaperEmpty=True)
 
-    def test_an_error_is_waited_for(self):
+    def test_a_job_waits_while_the_printer_has_an_error(self):
         self.check_waits_and_prints_once("waiting: cutter error", "other-error", "offline-report", cutterError=True)
 
-    def test_a_printer_that_is_not_there_is_waited_for(self):
+    def test_a_job_waits_while_the_printer_is_missing(self):
         with self.open_socket() as bound:
             bound.bind(("127.0.0.1", 0))
             place = f"127.0.0.1:{bound.getsockname()[1]}"
@@ -207,7 +207,7 @@ class Canceled(QueueCase):
 
 
 class Empty(QueueCase):
-    def test_a_job_without_data_is_refused_and_the_next_one_is_printed(self):
+    def test_a_job_without_data_is_refused_and_the_next_job_is_printed(self):
         printer = self.simulator()
         queue = self.queue(printer)
         with self.assertRaises(ipp.Refused):

@@ -15,7 +15,7 @@ OK, IO_ERROR, NO_RESPONSE, NOT_IMPLEMENTED = 1, 2, 4, 7
 
 
 class Data(ProgramCase):
-    def test_may_be_in_a_file_or_come_through_a_pipe(self):
+    def test_may_be_in_a_file_or_in_a_pipe(self):
         printer = self.simulator()
         code, said = self.run_to_end(self.start(printer, self.file("data", RECEIPT)))
         self.assertEqual((code, printed(printer)), (DONE, len(RECEIPT)), said)

@@ -119,7 +119,7 @@ TEST(HandheldThread, ReleasesItsBodyAtItsEnd) {
   EXPECT_TRUE(watched.expired());
 }
 
-TEST(HandheldRunLoop, LastsItsTimeOnAThreadThatHasNothingToServe) {
+TEST(HandheldRunLoop, WaitsItsWholeTimeOnAThreadWithoutSources) {
   HandheldPlatform platform;
   std::thread([&] {
     const double start = now(platform);

@@ -56,7 +56,7 @@ class Monitor(ProgramTest):
         self.assertEqual(monitor.line(), "on line")
         self.assertEqual(monitor.line(), "off line, cover open")
 
-    def test_it_outlives_the_printer(self):
+    def test_it_continues_after_the_printer_has_gone(self):
         place = f"unix:{self.folder}/printer"
         printer, device = self.printer(place)
         monitor = Program(self, EXAMPLES / "status_monitor", device)

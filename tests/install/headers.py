@@ -1,6 +1,6 @@
 """Every installed header compiles by itself. Usage: headers.py INCLUDE CC CXX
 
-The headers for C also do so in C, and need only <quordalvane/…>.
+The headers for C also compile as C, and include only <quordalvane/…>.
 """
 
 import os

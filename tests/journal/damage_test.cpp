@@ -70,7 +70,7 @@ TEST_F(Damage, AFileThatIsCutAtAnyKilobyteIsRefused) {
   RecordProperty("cases", std::to_string(cases));
 }
 
-TEST_F(Damage, APageOfWhichAPartIsOlderNeverChangesAnAnswer) {
+TEST_F(Damage, APartlyOutdatedPageNeverChangesAnAnswer) {
   older.resize(newer.size(), '\0');
   for (std::size_t at = 0; at < newer.size(); at += kilobyte) {
     const std::size_t page = at / pageSize * pageSize;

@@ -38,7 +38,7 @@ TEST(PortCycles, OnTheMainThreadLeaveNoThread) {
   EXPECT_TRUE(threadsComeBackTo(before));
 }
 
-TEST(PortCycles, OpenedOnOneThreadAndClosedOnAnother) {
+TEST(PortCycles, MayOpenOnOneThreadAndCloseOnAnother) {
   const auto platform = std::make_shared<SleeplessPlatform>();
   const auto before = threadsAtRest();
   for (int i = 0; i < 300; ++i) {

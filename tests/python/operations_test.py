@@ -98,7 +98,7 @@ class Operations(unittest.TestCase):
         if name == "print":
             self.assertTrue(answer.printed, answer)
 
-    def test_are_all_known_here(self):
+    def test_are_all_in_a_table_of_this_test(self):
         self.assertEqual(operations_of(Port) - INNER, {*OPERATIONS, *ENDINGS, "is_open"})
         self.assertEqual(operations_of(AsyncPort) - {"port"}, operations_of(Port) - INNER)
         self.assertEqual(operations_of(PrintJob), {"run", "steps", "cancel"})

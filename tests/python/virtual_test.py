@@ -67,7 +67,7 @@ with VirtualPrinter() as printer:
         with self.assertRaisesRegex(quorioport.SystemFailureError, "install"):
             VirtualPrinter(command="/nowhere/quorport")
 
-    def test_nothing_is_left_of_one_that_was_stopped(self):
+    def test_a_stopped_printer_leaves_nothing(self):
         printer = VirtualPrinter()
         folder, process = Path(printer._folder.name), printer._process.pid
         printer.close()

@@ -168,7 +168,7 @@ class BadLines(Case):
         self.assertIn("65536", answer["error"])
         self.assertEqual(set(simulator.state()), STATE_KEYS)
 
-    def test_a_line_in_pieces_is_a_line(self):
+    def test_a_line_may_arrive_in_pieces(self):
         simulator = self.simulator()
         for byte in b'{"get":"sta':
             simulator.process.stdin.write(bytes([byte]))
@@ -222,12 +222,12 @@ class Socket(Case):
         self.assertEqual(simulator.control({"quit": True}), {"ok": True})
         self.assertEqual(simulator.process.wait(DEADLINE), 0)
 
-    def test_quit_is_answered_and_ends_it_well(self):
+    def test_quit_is_answered_and_ends_it_with_0(self):
         simulator = self.simulator("tcp:0", "--control", f"unix:{self.folder}/control")
         self.assertEqual(self.ask(self.connect()[1], {"quit": True}), {"ok": True})
         self.assertEqual(simulator.process.wait(DEADLINE), 0)
 
-    def test_an_invalid_control_place_is_refused(self):
+    def test_an_invalid_control_address_is_refused(self):
         for wrong in ("tcp:1", "/tmp/x", "unix:", ""):
             result = run("simulate", "--listen", "tcp:0", f"--control={wrong}")
             self.assertExit(2, result)

@@ -260,7 +260,7 @@ class Bundles(Case):
         self.assertExit(0, run("-d", "virtual:", "doctor", "--json", "--bundle", path))
         self.assertEqual(stat.S_IMODE(path.stat().st_mode), 0o600)
 
-    def test_a_file_that_is_there_is_left_alone(self):
+    def test_an_existing_file_is_not_touched(self):
         path = self.file("precious", b"keep me")
         link = self.folder / "link"
         link.symlink_to(self.folder / "nowhere")

@@ -137,7 +137,7 @@ class Interrupting(Case):
         offers = re.findall(rb'"line":(\d+),"method":"-\[ExternalAccessoryPort write:\]","message":"(<[^>]*>)"', end)
         return max(collections.Counter(offers).values(), default=0)
 
-    def test_a_connection_that_is_being_made_is_given_up(self):
+    def test_a_connection_attempt_is_abandoned(self):
         place, job = self.silent_place(), self.file("job", b"text\n")
         for command, keys in ((("online",), {}), (("print", job), self.refused(5))):
             process = start("-d", place, *command, "--json")
@@ -171,7 +171,7 @@ class Interrupting(Case):
         self.assertEqual(answer, {"ok": False, "device": answer["device"], **self.refused(answer["bytesTotal"]),
                                   "error": "interrupted"})
 
-    def test_a_read_from_a_pipe_is_given_up(self):
+    def test_a_read_from_a_pipe_is_abandoned(self):
         process = start("-d", "virtual:", "print", "-", "--json", stdin=-1)
         eventually(lambda: self.threads(process) > 1, "the command waits for signals")
         process.send_signal(signal.SIGINT)

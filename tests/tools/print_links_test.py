@@ -53,7 +53,7 @@ class ByteForByte(Case):
         peer.wait_until_idle()
         self.assertEqual(seen[0].count(job), 1)
 
-    def test_a_printer_that_takes_everything_and_counts_nothing_is_never_believed(self):
+    def test_a_job_on_a_printer_that_counts_nothing_is_unconfirmed(self):
         def handle(connection):
             unread = b""
             while more := connection.recv(4096):

@@ -190,7 +190,7 @@ class AgainstAPeer(Case):
         self.assertRegex(result.out, r"(?m)^  jamError +yes$")
         self.assertRegex(result.out, r"(?m)^  presenterState +holding paper$")
 
-    def test_an_answer_in_single_bytes_is_an_answer(self):
+    def test_an_answer_may_arrive_in_single_bytes(self):
         def handle(connection):
             unread = b""
             while more := connection.recv(64):
@@ -416,7 +416,7 @@ class Opening(Case):
         result = self.assertFailsInBothForms(3, "-d", self.refusing_place(), "online", saying="refused")
         self.assertLess(result.seconds, 5)
 
-    def test_a_host_that_never_answers_is_given_up(self):
+    def test_a_host_that_never_answers_fails_in_time(self):
         result = run("-d", self.silent_place(), "online")
         self.assertExit(3, result)
         self.assertLess(result.seconds, 10)
@@ -428,7 +428,7 @@ class Opening(Case):
             result = self.assertFailsInBothForms(3, "-d", spec, "online", saying="reached")
             self.assertIn(str(self.folder), result.err)
 
-    def test_when_no_accessory_matches_those_present_are_named(self):
+    def test_if_no_accessory_matches_the_present_ones_are_named(self):
         self.assertFailsInBothForms(3, "-d", "virtual:Bar", "-p", "BT:Till", "online", saying="Bar")
 
 

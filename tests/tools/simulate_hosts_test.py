@@ -123,7 +123,7 @@ class Hosts(Case):
             first.close()
             self.assertEqual(len(receive(second, 9)), 9)
 
-    def test_a_host_that_resets_disturbs_nobody(self):
+    def test_a_host_that_resets_its_link_disturbs_no_other_host(self):
         simulator = self.simulator("tcp:0", "--set", "offline=true", "--set", "buffer=100")
         for waits in (False, True):
             with simulator.connect() as host:

@@ -25,7 +25,7 @@ class Places(Case):
             self.assertTrue(self.simulator(listen).place.startswith("tcp:127.0.0.1:"))
         self.assertTrue(self.simulator("tcp:0.0.0.0:0").place.startswith("tcp:0.0.0.0:"))
 
-    def test_an_invalid_place_is_refused_with_the_valid_ones(self):
+    def test_an_invalid_address_is_refused_with_the_valid_forms(self):
         for wrong in ("", "tcp::", "tcp:x", "tcp:h:65536", "tcp:a:b:1", "usb:1", "pty:x", "unix:", "unix:/a,b=c",
                       "unix:/" + "x" * 200, "tcp:127.0.0.1:-1"):
             result = run("simulate", "--listen", wrong)
@@ -67,7 +67,7 @@ class Places(Case):
             self.assertEqual(simulator.stop(by), 0)
             self.assertEqual(os.listdir(self.folder), [])
 
-    def test_the_control_socket_is_for_its_owner_alone(self):
+    def test_only_its_owner_may_use_the_control_socket(self):
         self.simulator("tcp:0", "--control", f"unix:{self.folder}/control")
         self.assertEqual(stat.S_IMODE(os.stat(self.folder / "control").st_mode), 0o600)
 

@@ -34,7 +34,7 @@ class Turns(Case):
         self.assertExit(0, after_its_death)
         self.assertNotIn("waiting", after_its_death.err)
 
-    def test_another_printer_is_not_waited_for(self):
+    def test_a_job_does_not_wait_for_another_printer(self):
         slow, other = self.simulator("tcp:0", "--set", "speed=2"), self.simulator()
         job = self.file("receipt", RECEIPT)
         first = start("-d", slow.place, "print", job)

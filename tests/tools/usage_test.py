@@ -139,7 +139,7 @@ class Usage(Case):
         self.assertEqual((before.code, before.out), (after.code, after.out))
         self.assertExit(4, before)
 
-    def test_of_an_option_that_is_given_twice_the_last_counts(self):
+    def test_if_an_option_is_given_twice_the_last_one_counts(self):
         self.assertExit(2, run("online", "-t", "5", "-t", "x"))
         self.assertExit(0, run("online", "-e", "unknown", "-e", "line"))
 

@@ -61,7 +61,7 @@ class Address(BrowserCase):
         self.assertEqual(browser.ask("", method="HEAD").content, b"")
 
 
-class Doors(BrowserCase):
+class ControlLines(BrowserCase):
     def test_every_input_answers_each_line_alike(self):
         simulator, browser = self.open()
         lines = [b'{"set": {"coverOpen": true, "speed": 300}}', b'{"get": "state"}', b'{"get": "settings"}',

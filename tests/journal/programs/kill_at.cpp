@@ -30,7 +30,7 @@ std::string textAt(pid_t thread, std::uint64_t address) {
   iovec here{text.data(), text.size() - 1};
   iovec there{reinterpret_cast<void*>(address), text.size() - 1};
   if (::process_vm_readv(thread, &here, 1, &there, 1, 0) < 0) {
-    there.iov_len = here.iov_len = 64;  // the text may be at the end of the mapping
+    there.iov_len = here.iov_len = 64;  // the text may end where its memory mapping ends
     ::process_vm_readv(thread, &here, 1, &there, 1, 0);
   }
   return text.data();

@@ -52,7 +52,7 @@ TEST(DeviceSpec, TheVirtualPrinterNeedsNoPlaceAndHasItsOwnName) {
   EXPECT_EQ(spec.identity.name, "virtual printer");
 }
 
-TEST(DeviceSpec, PresentsAPrinterOfTheMakerByDefault) {
+TEST(DeviceSpec, IsAPrinterOfTheMakerByDefault) {
   const AccessoryIdentity identity = parseDeviceSpec("unix:p").identity;
   EXPECT_EQ(identity.manufacturer, "quor dalvane");
   EXPECT_THAT(identity.protocolStrings, ElementsAre("com.quordalvane.receipt"));
@@ -126,7 +126,7 @@ TEST(DeviceSpec, ABackslashTakesTheNextCharacterAsItIs) {
   EXPECT_EQ(spec.identity.name, "x,y=z");
 }
 
-TEST(DeviceSpec, TakesTheIdentifiersOfSixtyFourBits) {
+TEST(DeviceSpec, AcceptsIdentifiersOf64Bits) {
   EXPECT_EQ(parseDeviceSpec("unix:p,id=0").id, 0U);
   EXPECT_EQ(parseDeviceSpec("unix:p,id=18446744073709551615").id,
             std::numeric_limits<std::uint64_t>::max());

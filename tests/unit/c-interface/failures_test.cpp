@@ -38,7 +38,7 @@ TEST(CInterface, CutsATextThatIsLongerThanItCanKeep) {
   EXPECT_EQ(kept.find_first_not_of('x'), std::string::npos);
 }
 
-TEST(CInterface, KeepsTheLastErrorOverASuccess) {
+TEST(CInterface, KeepsTheLastErrorAfterASuccess) {
   codeOf(PortException("lost"));
   EXPECT_EQ(guarded([] {}), QUOR_OK);
   EXPECT_EQ(guarded([] { return QuorCode{QUOR_NONE}; }), QUOR_NONE);

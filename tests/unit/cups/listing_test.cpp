@@ -15,7 +15,7 @@ FoundDevice found(const std::string& device, const std::string& name, Via via) {
           .reachable = std::nullopt};
 }
 
-TEST(Listing, SaysWhatIsKnownOfAPrinter) {
+TEST(Listing, ShowsTheKnownFactsOfAPrinter) {
   FoundDevice device = found("usb:A\\,1", "The \"best\" printer", Via::Usb);
   device.serialNumber = "A,1";
   device.maker = "Maker";

@@ -47,7 +47,7 @@ TEST(EventLog, DropsAnEventThatIsTooLong) {
   EXPECT_FALSE(log.holdsAllAfter(0));
 }
 
-TEST(EventReader, IsSentTheFirstTextsAndThenEachEvent) {
+TEST(EventReader, ReadsTheFirstTextsAndThenEachEvent) {
   EventLog log(1000);
   log.add("old", "{}");
   for (const std::size_t piece : {1U, 3U, 64U}) {

@@ -199,7 +199,7 @@ TEST(IsNeverAnswered, IsFalseForRequestsAndUnknownCommands) {
   EXPECT_FALSE(isNeverAnswered(Bytes((std::size_t{1} << 20U) + 1, 'a')));
 }
 
-TEST(CommandEnd, IsTheEndOfTheCommandAroundAPlace) {
+TEST(CommandEnd, IsTheEndOfTheCommandAtAPlace) {
   const Bytes data = {'a',  0x1d, 0x76, 0x30, 0,    1,  0, 2,  0,
                       0x55, 0x55, 'b',  0x1d, 0x6b, 73, 9, 'x'};
   for (std::size_t place : {0U, 1U, 11U, 12U}) {

@@ -139,7 +139,7 @@ TEST(NamedProof, NoneMeansThatThePrinterIsNotAsked) {
   EXPECT_EQ(result.proof, ProofKind::None);
 }
 
-TEST(Proofs, HaveNamesByWhichTheyAreFound) {
+TEST(Proofs, CanBeFoundByTheirNames) {
   for (const ProofKind kind : {ProofKind::Auto, ProofKind::Block, ProofKind::ProcessId,
                                ProofKind::InOrder, ProofKind::None}) {
     EXPECT_EQ(proofNamed(nameOf(kind)), kind);
@@ -282,7 +282,7 @@ TEST(InOrderSign, CannotBeFakedByLateAnswersToAnEarlierJob) {
   EXPECT_GE(till.printed().size(), both);
 }
 
-TEST(CancelledJob, WithoutABlockClearsThePrintersBuffer) {
+TEST(CancelledJob, OnAPrinterWithoutABlockClearsItsBuffer) {
   for (const char* const proofs : {"process-id", "in-order", "none"}) {
     Till till = tillWith(printerWith(proofs).speed(200));
     PrintJob job(till.port);

@@ -26,7 +26,7 @@ void switchOffAndOn(Till& till) {
   });
 }
 
-TEST_P(Restart, InMidJobLeavesItUnconfirmed) {
+TEST_P(Restart, DuringTheDataLeavesTheJobUnconfirmed) {
   Till till(PrinterBuilder().speed(500).buffer(1000), {.emulation = GetParam()});
   bool isDone = false;
   PrintJob job(till.port, {.progress = [&](const PrintProgress& progress) {

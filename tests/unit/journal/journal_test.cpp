@@ -77,7 +77,7 @@ TEST_F(AJournal, IsInTheStateFolderByDefault) {
   EXPECT_THROW(Journal::defaultFile(), JournalError);
 }
 
-TEST_F(AJournal, HasItsVersion) {
+TEST_F(AJournal, RecordsItsVersion) {
   { const Journal journal(file); }
   sqlite3* database = nullptr;
   ASSERT_EQ(sqlite3_open(file.c_str(), &database), SQLITE_OK);

@@ -48,7 +48,7 @@ TEST_F(LogQueueTest, DiscardsRecordsUntilItIsOpened) {
   EXPECT_THAT(messages(take()), ElementsAre("kept"));
 }
 
-TEST_F(LogQueueTest, IsTakenWholeAndInOrder) {
+TEST_F(LogQueueTest, ReturnsAllRecordsInOrder) {
   queue_.open();
   push("a");
   push("b");
@@ -151,7 +151,7 @@ TEST_F(LogQueueTest, IsFullWhenAFewMessagesHoldTooMuchText) {
   EXPECT_EQ(queue_.counts().dropped, 1U);
 }
 
-TEST_F(LogQueueTest, HoldsMoreFromTheMomentThatItsCapacityGrows) {
+TEST_F(LogQueueTest, HoldsMoreRecordsAsSoonAsItsCapacityGrows) {
   queue_.setCapacity(1);
   queue_.open();
   push("a");

@@ -40,7 +40,7 @@ TEST_F(RotatingFileTest, WritesLinesInOrder) {
   EXPECT_EQ(contents(), "one\ntwo\nthree\n");
 }
 
-TEST_F(RotatingFileTest, WritesBeforeTheFlushOnce256KiBHaveGathered) {
+TEST_F(RotatingFileTest, WritesAfter256KiBEvenWithoutAFlush) {
   RotatingFile file(path_, {});
   const std::string line = std::string(1023, 'x') + '\n';
   for (int count = 0; count < 255; ++count) {
@@ -194,11 +194,11 @@ TEST_F(RotatingFileTest, ReportsAMissingFolderAndWritesAgainWhenItIsBack) {
   EXPECT_EQ(contentsOf(inner + "/port.log"), "kept\n");
 }
 
-TEST_F(RotatingFileTest, SaysThatItCannotBeOpened) {
+TEST_F(RotatingFileTest, ReportsThatItCannotBeOpened) {
   EXPECT_THROW(RotatingFile(folder_.file("none/port.log"), {}), std::system_error);
 }
 
-TEST_F(RotatingFileTest, SaysThatTheDiskIsFull) {
+TEST_F(RotatingFileTest, ReportsThatTheDiskIsFull) {
   RotatingFile file("/dev/full", {});
   try {
     put(file, {"lost\n"});

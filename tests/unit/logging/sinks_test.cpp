@@ -69,7 +69,7 @@ TEST(StandardErrorSink, WritesMoreThanItGathersAtOnce) {
   EXPECT_EQ(redirected.text(), expected);
 }
 
-TEST(StandardErrorSink, WritesOnce64KiBHaveGathered) {
+TEST(StandardErrorSink, WritesAfter64KiBEvenWithoutAFlush) {
   const std::vector<LogRecord> many(700, recordOf(std::string(100, 'x')));
   std::string line;
   appendReadableLine(line, many.front());
@@ -88,7 +88,7 @@ TEST(StandardErrorSink, WritesOnce64KiBHaveGathered) {
   EXPECT_LT(first, 65'536 + static_cast<ssize_t>(line.size()));
 }
 
-TEST(StandardErrorSink, SaysThatStandardErrorTakesNoMore) {
+TEST(StandardErrorSink, ReportsThatStandardErrorCannotBeWritten) {
   const test::RedirectedStandardError redirected;
   ::close(STDERR_FILENO);
   EXPECT_THROW(StandardErrorSink().write(recordCount), std::system_error);
@@ -115,7 +115,7 @@ TEST(CallbackSink, ShowsTheOtherFieldsAsTheyAre) {
   }).write(std::span(&record, 1));
 }
 
-TEST(CallbackSink, EscapesTheObjectBesideAPlainMessage) {
+TEST(CallbackSink, EscapesTheObjectButNotThePlainMessage) {
   LogRecord record = recordOf("plain");
   record.object = "c\nd";
   std::string seen;

@@ -47,7 +47,7 @@ TEST(FirmwareReply, IsNotFoundWithNoTextOrMoreThanSixtyFourCharacters) {
   }
 }
 
-TEST(FirmwareReply, HoldsPrintableAsciiOnly) {
+TEST(FirmwareReply, ContainsOnlyPrintableAscii) {
   for (int byte = 0; byte < 256; ++byte) {
     const bool printable = byte >= 0x20 && byte <= 0x7e;
     const Bytes reply = head + Bytes{'a', static_cast<std::uint8_t>(byte), 'b'} + tail;

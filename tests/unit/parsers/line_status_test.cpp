@@ -35,7 +35,7 @@ TEST(StatusLength, IsTheLowSixBitsOfTheFirstByteOr1IfTheyAre0) {
   }
 }
 
-TEST(LineStatus, DecodesEachFlagAloneAndToExactlyOne) {
+TEST(LineStatus, SetsEachFlagToExactlyOneWithoutTheOthers) {
   for (std::size_t k = 0; k < flagCount; ++k) {
     std::array<std::uint8_t, 4> flags = {};
     flags[k / 8] = static_cast<std::uint8_t>(1U << (k % 8));
@@ -45,7 +45,7 @@ TEST(LineStatus, DecodesEachFlagAloneAndToExactlyOne) {
   }
 }
 
-TEST(LineStatus, DecodesEachFlagAloneAbsentAndToExactlyZero) {
+TEST(LineStatus, ClearsEachFlagToExactlyZeroWithoutTheOthers) {
   for (std::size_t k = 0; k < flagCount; ++k) {
     std::array<std::uint8_t, 4> flags = {allBits, allBits, allBits, allBits};
     flags[k / 8] = static_cast<std::uint8_t>(allBits ^ (1U << (k % 8)));
@@ -88,7 +88,7 @@ TEST(LineStatus, CopiesTheThreeStateBytesUnchanged) {
   }
 }
 
-TEST(LineStatus, ReadsZeroForTheMissingBytesOfAShortBlockAndIgnoresTheRestOfALongOne) {
+TEST(LineStatus, ReadsMissingBytesAsZeroAndIgnoresExtraBytes) {
   for (std::uint32_t length = 0; length <= 63; ++length) {
     QuorPrinterStatus_2 status = recordHolding(Bytes(63, allBits));
     status.rawLength = length;
@@ -102,7 +102,7 @@ TEST(LineStatus, ReadsZeroForTheMissingBytesOfAShortBlockAndIgnoresTheRestOfALon
   }
 }
 
-TEST(LineStatus, LeavesTheRawReplyAndItsLengthAsTheyWere) {
+TEST(LineStatus, DoesNotChangeTheRawReplyAndItsLength) {
   std::mt19937 random(20);
   for (std::uint32_t length = 0; length <= 63; ++length) {
     QuorPrinterStatus_2 status = recordHolding({});

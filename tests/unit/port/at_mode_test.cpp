@@ -24,7 +24,7 @@ Scenario receiving(const Bytes& chunk) {
 
 const std::string reader = "getPrinterResponseWithSettingTitle:settingLength:timeoutMillis:";
 
-TEST(AtMode, IsEnteredBetweenItsGuardTimesAndProvedByTheAddress) {
+TEST(AtMode, IsEnteredBetweenGuardTimesAndConfirmedByTheAddress) {
   const Outcome run = replying(address + fine).run(enterATMode());
   EXPECT_EQ(run.result, "true");
   EXPECT_EQ(run.wire(),
@@ -194,7 +194,7 @@ TEST(ModuleReply, HasALimitOfWholeSecondsAndAtLeastOne) {
   }
 }
 
-TEST(ModuleReply, MeasuresItsTimeInFractions) {
+TEST(ModuleReply, MeasuresFractionsOfASecond) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.startsPastTheSecond(900000);
   const Outcome run = scenario.run(getPrinterResponse("T", 1, 1000));

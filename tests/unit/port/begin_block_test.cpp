@@ -184,7 +184,7 @@ TEST(BeginBlockInLineMode, FailsWhenTheStatusKeepsFailingPastTheTimeout) {
   EXPECT_THAT(run.records(method), timedOut("timeoutSec", 3, 6));
 }
 
-TEST(BeginBlockInLineMode, TimesTheWaitFromTheReset) {
+TEST(BeginBlockInLineMode, StartsItsTimeAtTheReset) {
   Scenario scenario = Scenario::in(lineMode, 1000);
   scenario.script.whenAsked(lineRequest, {{lineStatus(), 1.4}})
       .wheneverAsked(lineRequest, whole(lineStatus({}, 1)));

@@ -63,7 +63,7 @@ TEST(ButtonSecurity, JoinsAReplyInPieces) {
   )"));
 }
 
-TEST(ButtonSecurity, TakesAnySevenBytes) {
+TEST(ButtonSecurity, AcceptsAnySevenBytes) {
   Scenario scenario = Scenario::in(lineMode, 0);
   scenario.script.whenAsked(request, whole(bytes("00 00 00 00 80 00 00")));
   EXPECT_EQ(scenario.run(retrieveButtonSecurityTimeout()).result, "5000");
@@ -97,7 +97,7 @@ TEST(ButtonSecurity, FailsWhenTheReplyRemainsTooShort) {
   )"));
 }
 
-TEST(ButtonSecurity, ShowsItsLimitUnsigned) {
+TEST(ButtonSecurity, LogsItsLimitAsUnsigned) {
   Scenario scenario = Scenario::in(lineMode, 4294967295U);
   scenario.script.stepsClock(3, 5000000).stepsClock(4, 5000000);
   const Outcome run = scenario.run(retrieveButtonSecurityTimeout());

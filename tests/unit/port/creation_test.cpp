@@ -116,7 +116,7 @@ TEST_F(NewPort, KeepsItsArgumentsAndHasItsDefaults) {
   EXPECT_EQ(port->timeoutMillis(), 4321U);
 }
 
-TEST_F(NewPort, HoldsItsIntervalsAsSinglePrecisionNumbers) {
+TEST_F(NewPort, StoresItsIntervalsInSinglePrecision) {
   const Port port = create();
   EXPECT_EQ(static_cast<double>(port->secInterval1()), 0.05000000074505806);
   EXPECT_EQ(static_cast<double>(port->secInterval2()), 0.10000000149011612);
@@ -147,13 +147,13 @@ TEST_F(NewPort, LetsItsOtherPropertiesBeSet) {
   EXPECT_EQ(port->result71(), std::nullopt);
 }
 
-TEST_F(NewPort, TakesNullForNameAndSettings) {
+TEST_F(NewPort, AcceptsNullForNameAndSettings) {
   const Port port = create(std::nullopt, std::nullopt, 0);
   EXPECT_EQ(port->dataTimeoutSeconds(), -1);
   EXPECT_TRUE(records().starts_with("Start | (null), (null), 0, 1\n"));
 }
 
-TEST_F(NewPort, ShowsATimeoutFrom2To31UpAsNegative) {
+TEST_F(NewPort, LogsATimeoutOf2To31OrMoreAsNegative) {
   create("BT:", "", 4294967295U);
   EXPECT_TRUE(records().starts_with("Start | BT:, , -1, 1\n")) << records();
   world_.trace().clear();
@@ -166,7 +166,7 @@ TEST_F(NewPort, TreatsPercentSignsAsText) {
   EXPECT_TRUE(records().starts_with("Start | BT:%d%s%n%@, %p%%, 10000, 1\n")) << records();
 }
 
-TEST_F(NewPort, TakesEveryKindOfName) {
+TEST_F(NewPort, AcceptsEveryKindOfName) {
   for (const std::string& name :
        {std::string(), std::string("B"), std::string("BT"), std::string("bt:"),
         std::string(10U << 20U, 'x'), std::string("BT:\0x", 5), std::string("BT:\r\n\x1b\x07")}) {
@@ -177,12 +177,12 @@ TEST_F(NewPort, TakesEveryKindOfName) {
   }
 }
 
-TEST_F(NewPort, TakesAnEmulationThatHasNoName) {
+TEST_F(NewPort, AcceptsAnUnnamedEmulation) {
   const Port port = create("BT:", "", 0, static_cast<ZKEmulation>(77));
   EXPECT_TRUE(records().starts_with("Start | BT:, , 0, 77\n"));
 }
 
-TEST_F(NewPort, ReleasesAnOpenSessionWithThePortAndDoesNotCloseIt) {
+TEST_F(NewPort, DestructionReleasesAnOpenSessionWithoutClosingIt) {
   Port port = create();
   EXPECT_TRUE(port->open());
   world_.trace().clear();

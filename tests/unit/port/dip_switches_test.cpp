@@ -80,7 +80,7 @@ TEST(DipSwitches, AreNotAskedForBank2WhenBank1Fails) {
       std::string::npos);
 }
 
-TEST(DipSwitchBank, MayHoldTheBytesThatEndOrBeginAReply) {
+TEST(DipSwitchBank, MayContainTheBytesThatBeginOrEndAReply) {
   for (const char* settings : {"0a 0a", "00 00", "1b 23", "0a 1b", "ff 0a"}) {
     const Outcome run = answering((std::string(settings) + " 0a").c_str(), "00 00 0a")
                             .run(retrieveDipSwitchBank(1));
@@ -136,7 +136,7 @@ TEST(DipSwitchBank, FailsWithoutAReadWhenTheRequestIsWrittenShort) {
   )"));
 }
 
-TEST(DipSwitchBank, NamesAnyBankByADigitAbove30) {
+TEST(DipSwitchBank, SendsTheBankAsADigitAbove30) {
   const Outcome run = Scenario::in(lineMode, 0).run(retrieveDipSwitchBank(255));
   EXPECT_EQ(run.sent(), bytes("1b 23 2c 2f 0a 00")) << "the low eight bits of the sum";
 }

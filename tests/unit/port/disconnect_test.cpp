@@ -89,7 +89,7 @@ TEST(DroppingTheLink, ChecksEvery300MillisecondsUntilTheTimeout) {
   )"));
 }
 
-TEST(DroppingTheLink, GivesUpOnceTheSecondsDifferByMoreThanTheLimit) {
+TEST(DroppingTheLink, EndsWhenTheSecondsDifferByMoreThanTheLimit) {
   const Outcome run = Scenario::in(lineMode, 10000).run(disconnectBluetoothConnection());
   EXPECT_NE(run.records(method).find("1000011, 1000000, 10"), std::string::npos);
 }

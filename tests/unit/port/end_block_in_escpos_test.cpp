@@ -128,7 +128,7 @@ TEST(EndBlockInEscPos, KeepsAReportEvenIfALaterOneHasTheCount0) {
   EXPECT_EQ(scenario.run(endCheckedBlock()).result, "true");
 }
 
-TEST(EndBlockInEscPos, TakesOnlyOneReportInAPass) {
+TEST(EndBlockInEscPos, ReadsOnlyOneReportInAPass) {
   Scenario scenario = escPosPrinter();
   scenario.endMillis = 1000;
   const Bytes zero = bytes("1b 1d 03 01 00 00 00 00");
@@ -163,7 +163,7 @@ TEST(EndBlockInEscPos, TreatsACutOffReportAsOneWithoutACount) {
   }
 }
 
-TEST(EndBlockInEscPos, TakesTheRestOfAReportForTheStatus) {
+TEST(EndBlockInEscPos, ReadsTheRestOfAReportAsTheStatus) {
   Scenario scenario = escPosPrinter();
   scenario.script.whenAsked(escPosEtb, {{bytes("1b 1d 03")}, {bytes("1a"), 0.15}});
   const Outcome run = scenario.run(endCheckedBlock());

@@ -76,7 +76,7 @@ TEST(EndBlockInLineMode, HasTheCreationTimeoutUntilAnotherIsSet) {
   EXPECT_THAT(run.records(method), timedOut("timeoutSec", 1, 2));
 }
 
-TEST(EndBlockInLineMode, TimesTheWaitFromBeforeTheEtb) {
+TEST(EndBlockInLineMode, StartsItsTimeBeforeTheEtb) {
   Scenario scenario = lineModePrinter(lineStatus({}, 1));
   scenario.endMillis = 1000;
   scenario.script.takesInAttempts(std::vector<std::size_t>(10, 0));  // 1.5 s for the ETB

@@ -72,7 +72,7 @@ TEST(Firmware, IsNotAskedForWhenThePrinterIsOffLine) {
   )"));
 }
 
-TEST(Firmware, TurnsAPortExceptionOfTheStatusIntoFalse) {
+TEST(Firmware, ReturnsFalseIfTheStatusThrowsAPortException) {
   Scenario scenario = lineModePrinter();
   scenario.script.isLost();
   const Outcome run = scenario.run(retrieveFirmwareInformation());
@@ -215,7 +215,7 @@ TEST(EscPosFirmware, PollsEvery100MillisecondsUntilTheTimeout) {
             std::string::npos);
 }
 
-TEST(EscPosFirmware, TakesTheFirstChunkForTheWholeReply) {
+TEST(EscPosFirmware, TreatsTheFirstChunkAsTheWholeReply) {
   Scenario scenario = Scenario::in(escPos);
   scenario.script.whenAsked(escPosQuery, {{bytes("5f 41 42"), 0.15}, {bytes("43 00"), 0.5}});
   const Outcome run = scenario.run(retrieveESCPOSFirmwareInformation());

@@ -226,7 +226,7 @@ TEST(LineStatus, LogsAReadThatFailedAndContinues) {
   )"));
 }
 
-TEST(LineStatus, ShowsALevelFrom2To31UpAsNegative) {
+TEST(LineStatus, LogsALevelOf2To31OrMoreAsNegative) {
   const Outcome run = lineModePrinter().run(getParsedStatus(4294967295U));
   EXPECT_EQ(run.records(method).substr(0, 21), "Start | <status>, -1\n");
 }

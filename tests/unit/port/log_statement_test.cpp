@@ -279,7 +279,7 @@ TEST_F(LogStatementTest, IsASingleStatementInAnIfWithoutBraces) {
   EXPECT_THAT(messages(), ElementsAre("second", "first"));
 }
 
-TEST_F(LogStatementTest, MayLogInItsArguments) {
+TEST_F(LogStatementTest, AllowsLoggingInItsArguments) {
   speaker_.nest();
   const std::vector<std::string> seen = messages();
   ASSERT_EQ(seen.size(), 2U);

@@ -117,7 +117,7 @@ TEST(RetryingWriter, GivesUpOnlyWhenTheSecondsHaveMovedOnByMoreThanTheLimit) {
   )"));
 }
 
-TEST(RetryingWriter, CountsSecondsFromTheClocksAndNotFromTheCall) {
+TEST(RetryingWriter, CountsSecondsOfTheClockAndNotSinceTheCall) {
   Scenario scenario = Scenario::in(lineMode, 2000);
   scenario.script.hasNoSpace().startsPastTheSecond(950000);
   const Outcome run = scenario.run(writeWithRetry(command));
@@ -153,7 +153,7 @@ TEST(RetryingWriter, IsNotTimedOutByAClockThatStepsBack) {
   }
 }
 
-TEST(RetryingWriter, TakesTheLargestTimeoutAsALongLimit) {
+TEST(RetryingWriter, TreatsTheLargestTimeoutAsALongLimit) {
   Scenario scenario = takingInAttempts({0, 8}, 4294967295U);
   scenario.script.stepsClock(2, 4294967);
   EXPECT_EQ(scenario.run(writeWithRetry(command)).result, "8");

@@ -175,7 +175,7 @@ TEST(Selection, ComparesAnAddressWithTheWholePortName) {
             std::string::npos);
 }
 
-TEST(Selection, PassesOverKltModelsThatAreAttachedByCable) {
+TEST(Selection, SkipsKltModelsThatAreAttachedByCable) {
   AccessoryIdentity cable = printer(1);
   cable.modelNumber = "KLT20-U";
   const Outcome run = choosing("BT:", {cable, printer(2)}).run(open());
@@ -184,7 +184,7 @@ TEST(Selection, PassesOverKltModelsThatAreAttachedByCable) {
   EXPECT_EQ(chosen(choosing("BT:Printer 1", {cable})), 0U) << "also when it is designated";
 }
 
-TEST(Selection, TakesOtherModelsAttachedByCableAndKltModelsThatAreNot) {
+TEST(Selection, ChoosesOtherModelsByCableAndKltModelsWithoutCable) {
   for (const char* model : {"XQ20-U", "KLT20", "klt20-U", "KLT-Ux", "XKLT-U", ""}) {
     AccessoryIdentity other = printer(1);
     other.modelNumber = model;
@@ -195,7 +195,7 @@ TEST(Selection, TakesOtherModelsAttachedByCableAndKltModelsThatAreNot) {
   EXPECT_EQ(chosen(choosing("BT:", {none})), 1U);
 }
 
-TEST(Selection, TakesOnlyTheMakersPrintersInAnyLetterCase) {
+TEST(Selection, ChoosesOnlyTheMakersPrintersInAnyLetterCase) {
   AccessoryIdentity loud = printer(1);
   loud.manufacturer = "QUOR Dalvane";
   EXPECT_EQ(chosen(choosing("BT:", {loud})), 1U);
@@ -214,7 +214,7 @@ TEST(Selection, TakesOnlyTheMakersPrintersInAnyLetterCase) {
   }
 }
 
-TEST(Selection, TakesOnlyAccessoriesThatAnnounceTheProtocol) {
+TEST(Selection, ChoosesOnlyAccessoriesThatAnnounceTheProtocol) {
   AccessoryIdentity foreign = printer(1);
   foreign.protocolStrings = {"com.other", "com.quordalvane.receipt2", "COM.QUORDALVANE.RECEIPT"};
   AccessoryIdentity silent = printer(2);
@@ -253,7 +253,7 @@ TEST(Selection, MatchesAnEmptyNameOrSerialNumberIfNothingFollowsThePrefix) {
   EXPECT_EQ(chosen(choosing("abc", {printer(1), none})), 0U) << "null equals no text";
 }
 
-TEST(Selection, FindsNothingAmongNoAccessories) {
+TEST(Selection, FindsNothingWithoutAccessories) {
   const Outcome run = choosing("BT:", {}).run(open());
   EXPECT_EQ(run.result, "false");
   EXPECT_EQ(run.records("open71"), text(R"(

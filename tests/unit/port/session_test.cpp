@@ -59,7 +59,7 @@ TEST(Session, ClosesItsPartsInOrder) {
             std::string::npos);
 }
 
-TEST(Session, PausesAlsoWhenOpeningFailsAtOnce) {
+TEST(Session, PausesEvenIfOpeningFailsAtOnce) {
   Scenario scenario = closed();
   scenario.accessories = {};
   const Outcome run = scenario.run(open());
@@ -166,7 +166,7 @@ std::shared_ptr<EASession> refused(const std::shared_ptr<EASession>&) {
   return nullptr;
 }
 
-TEST(Session, MayBeRefused) {
+TEST(Session, CanBeRefused) {
   Scenario scenario = closed();
   scenario.layer = SessionsChanged::layer(&refused);
   const Outcome run = scenario.run(inTurn({open(), isConnected()}));

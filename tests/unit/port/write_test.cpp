@@ -100,7 +100,7 @@ TEST(Write, ReturnsMinus1WhenNotConnectedAlthoughThereIsSpace) {
   )"));
 }
 
-TEST(Write, Returns0WithoutTheConnectedTestWhenNotConnectedAndWithoutSpace) {
+TEST(Write, Returns0WithoutACheckOfTheConnectionIfThereIsNoSpace) {
   Scenario scenario = open();
   scenario.script.isLost().hasNoSpace();
   const Outcome run = scenario.run(write(bytes("41")));

@@ -51,7 +51,7 @@ TEST(PosixClock, ASelectSleepOfMoreThanASecondLastsThatLong) {
   EXPECT_LT(watch.seconds(), 5);
 }
 
-TEST(PosixClock, SleepsOfNothingAndLessReturnAtOnce) {
+TEST(PosixClock, SleepsOfZeroOrLessReturnAtOnce) {
   const Stopwatch watch;
   PosixClock clock;
   clock.usleep(0);
@@ -73,7 +73,7 @@ TEST(PosixClock, SignalsDoNotShortenASleep) {
   EXPECT_GT(storm.strikes(), 0);
 }
 
-TEST(Deadline, OfZeroOrLessOrNotANumberIsNow) {
+TEST(Deadline, IsNowForZeroNegativeOrInvalidSeconds) {
   for (const double seconds : {0.0, -1.0, -1e300, static_cast<double>(NAN)}) {
     const SteadyTime before = SteadyClock::now();
     const SteadyTime deadline = deadlineIn(seconds);

@@ -85,13 +85,13 @@ TEST(ConnectTcp, ResolvesNames) {
   EXPECT_GE(connectTcp("localhost", listener.port()).number(), 0);
 }
 
-TEST(ConnectToAny, PassesOverAnAddressThatRefuses) {
+TEST(ConnectToAny, SkipsAnAddressThatRefuses) {
   const Listener listener = Listener::onLoopback(4);
   EXPECT_GE(connectToAny({at(closedPort()), at(listener.port())}, SteadyClock::now() + 5s).number(),
             0);
 }
 
-TEST(ConnectToAny, PassesOverAnAddressThatNeverAnswersWithHalfOfItsTimeLeft) {
+TEST(ConnectToAny, SkipsASilentAddressAfterHalfOfTheTime) {
   const Listener silent = Listener::onLoopback(0);
   connectUntilSilent([&](auto timeout) { return connectTcp("127.0.0.1", silent.port(), timeout); });
   const Listener listener = Listener::onLoopback(4);
@@ -119,7 +119,7 @@ TEST(ConnectTcp, ARefusalIsAnErrorAtOnceThatNamesThePlace) {
   EXPECT_LT(watch.seconds(), 4);
 }
 
-TEST(ConnectTcp, AHostThatNeverAnswersIsGivenUpInTime) {
+TEST(ConnectTcp, AHostThatNeverAnswersFailsInTime) {
   const Listener listener = Listener::onLoopback(0);
   const auto [seconds, why] = connectUntilSilent(
       [&](auto timeout) { return connectTcp("127.0.0.1", listener.port(), timeout); });
@@ -188,7 +188,7 @@ TEST(ConnectUnix, SaysThatTheProcessMayOpenNoMoreFiles) {
   EXPECT_THAT(failure([&] { connectUnix(folder.file("s")); }), HasSubstr("Too many open files"));
 }
 
-TEST(ConnectUnix, AListenerThatNeverAnswersIsGivenUpInTime) {
+TEST(ConnectUnix, AListenerThatNeverAnswersFailsInTime) {
   const SignalStorm storm;
   const TemporaryFolder folder;
   const Listener listener = Listener::at(folder.file("s"), 0);

@@ -139,7 +139,7 @@ TEST_F(TcpDescriptor, PollingReturnsTheEventsThatAreThereAndNoOthers) {
   EXPECT_EQ(socket_.pollUntil(POLLIN, inAnHour()), POLLIN);
 }
 
-TEST_F(TcpDescriptor, EndingTheOutputEndsTheStreamForTheDeviceAlone) {
+TEST_F(TcpDescriptor, EndingTheOutputEndsTheStreamOnlyForTheDevice) {
   socket_.endOutput();
   char byte = 0;
   EXPECT_EQ(::read(device_, &byte, 1), 0);

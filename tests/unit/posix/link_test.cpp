@@ -264,7 +264,7 @@ TEST_F(LinkTest, AnAccessoryAnswersWhileTheEndOfItsSessionWaits) {
   const Stopwatch watch;
   accessory.isConnected();
   EXPECT_FALSE(input->hasBytesAvailable());
-  EXPECT_LT(watch.seconds(), 1);  // the end waits for two
+  EXPECT_LT(watch.seconds(), 1);  // an end that waits takes two seconds
   ending.join();
 }
 

@@ -49,7 +49,7 @@ TEST_F(Notices, OfPrintersAndSerialLinesEndAWaitAtOnce) {
   }
 }
 
-TEST_F(Notices, ThatArrivedBeforeTheWaitCount) {
+TEST_F(Notices, ThatArrivedBeforeTheWaitEndIt) {
   say(diskIsThere);
   say(printerIsThere);
   say(diskIsThere);

@@ -133,7 +133,7 @@ TEST(RunLoop, ACarriedRoutineWakesALongSlice) {
   }
 }
 
-TEST(RunLoop, AFinishedSliceLeavesLaterRoutinesToTheNext) {
+TEST(RunLoop, AFinishedSliceLeavesLaterRoutinesToTheNextSlice) {
   std::atomic<bool> secondRan = false;
   bool secondRanInFirstSlice = false;
   PosixThread thread([&] {

@@ -63,13 +63,13 @@ TEST(Serial, OpensALineRawWithEightBitsNoParityAndOneStopBit) {
   EXPECT_EQ(settings.c_lflag & (ECHO | ICANON | ISIG | IEXTEN), 0U);
 }
 
-TEST(Serial, SetsTheRateThatIsAskedForAndItsOwnOtherwise) {
+TEST(Serial, SetsTheGivenRateOrItsDefault) {
   const Line line;
   EXPECT_EQ(speedOf(openSerial(line.path()).number()), 9600U);
   EXPECT_EQ(speedOf(openSerial(line.path(), {.baud = 115200}).number()), 115200U);
 }
 
-TEST(Serial, OpensALineAtAnySpeedNumberedOrNot) {
+TEST(Serial, OpensALineAtAnySpeed) {
   const Line line;
   for (const unsigned baud : {1200U, 9601U, 74880U, 250000U, 921600U}) {
     EXPECT_EQ(speedOf(openSerial(line.path(), {.baud = baud}).number()), baud);
@@ -89,7 +89,7 @@ TEST(Serial, UsesTheSystemsConstantForAUsualSpeed) {
   }
 }
 
-TEST(Serial, SetsTheFlowControlThatIsAskedFor) {
+TEST(Serial, SetsTheGivenFlowControl) {
   const Line line;
   EXPECT_NE(settingsOf(openSerial(line.path(), {.flow = Flow::RtsCts})).c_cflag & CRTSCTS, 0U);
   const termios soft = settingsOf(openSerial(line.path(), {.flow = Flow::XonXoff}));
@@ -288,7 +288,7 @@ TEST(Serial, APlainFileIsAnErrorThatSaysSo) {
   ::unlink(path.c_str());
 }
 
-TEST(Serial, AFolderADeviceOfAnotherKindAndNothingAreErrorsThatNameThem) {
+TEST(Serial, APathThatIsNotASerialLineIsAnErrorThatNamesIt) {
   EXPECT_THAT(failure("/tmp"), AllOf(HasSubstr("/tmp"), HasSubstr("Is a directory")));
   EXPECT_THAT(failure("/dev/null"), AllOf(HasSubstr("/dev/null"), HasSubstr("not a serial line")));
   EXPECT_THAT(failure("/dev/there-is-none"), HasSubstr("No such file"));

@@ -97,7 +97,7 @@ TEST(Silence, AnIdleLinkIsNotLostForBeingSilent) {
   EXPECT_FALSE(isLostWithin(link, 1.5));
 }
 
-TEST(Silence, TheEndOfSuchALostLinkDoesNotWait) {
+TEST(Silence, TheEndOfALinkThatWasLostInThisWayDoesNotWait) {
   Printer printer;
   Link link(printer.connect(), 300ms);
   fill(link);

@@ -39,7 +39,7 @@ class TurningThread {
   }};
 };
 
-TEST(PosixThread, RunsItsBodyElsewhereWithALoopOfItsOwn) {
+TEST(PosixThread, RunsItsBodyOnAnotherThreadWithItsOwnLoop) {
   TurningThread turning;
   PosixPlatform platform;
   NSRunLoop* const ours = &platform.currentRunLoop();
@@ -67,7 +67,7 @@ TEST(PosixThread, RefusesRoutinesBeforeItHasStarted) {
   EXPECT_FALSE(ran);
 }
 
-TEST(PosixThread, TakesRoutinesFromTheMomentThatItIsStarted) {
+TEST(PosixThread, AcceptsRoutinesAsSoonAsItIsStarted) {
   for (int i = 0; i < 50; ++i) {
     TurningThread turning;
     bool ran = false;
@@ -135,7 +135,7 @@ TEST(PosixThread, RunsARoutineDirectlyWhenItIsCalledOnItself) {
   }));
 }
 
-TEST(PosixThread, CarriesAnExceptionBackAndContinues) {
+TEST(PosixThread, ThrowsAnExceptionInTheCallerAndContinues) {
   TurningThread turning;
   EXPECT_THROW(turning.thread.performAndWait([] { throw std::out_of_range("far"); }),
                std::out_of_range);
@@ -143,7 +143,7 @@ TEST(PosixThread, CarriesAnExceptionBackAndContinues) {
   EXPECT_TRUE(turning.thread.performAndWait([] {}));
 }
 
-TEST(PosixThread, ReleasesItsBodyWhenItHasEndedThoughTheHandleLives) {
+TEST(PosixThread, ReleasesItsBodyAtItsEndEvenIfItsHandleExists) {
   auto held = std::make_shared<int>();
   const std::weak_ptr<int> watched = held;
   PosixThread thread([held = std::move(held)] {});
@@ -152,7 +152,7 @@ TEST(PosixThread, ReleasesItsBodyWhenItHasEndedThoughTheHandleLives) {
   EXPECT_TRUE(eventually([&] { return watched.expired(); }));
 }
 
-TEST(PosixThread, IsReleasedUnstartedWithItsBody) {
+TEST(PosixThread, CanBeReleasedUnstartedWithItsBody) {
   auto held = std::make_shared<int>();
   const std::weak_ptr<int> watched = held;
   std::make_unique<PosixThread>([held = std::move(held)] {}).reset();
@@ -172,7 +172,7 @@ struct Owner {
   std::atomic<bool>& ended;
 };
 
-TEST(PosixThread, TheLastReferenceToItsOwnerMayDropOnTheThreadItself) {
+TEST(PosixThread, MayReleaseTheLastReferenceToItsOwner) {
   for (int i = 0; i < 200; ++i) {
     std::atomic<bool> calledItself = false;
     std::atomic<bool> ended = false;
@@ -191,7 +191,7 @@ TEST(PosixThread, TheLastReferenceToItsOwnerMayDropOnTheThreadItself) {
   }
 }
 
-TEST(PosixThread, ARoutineMayReleaseTheHandleThatCarriesIt) {
+TEST(PosixThread, ARoutineMayReleaseTheHandleOfItsThread) {
   std::atomic<bool> stop = false;
   std::atomic<bool> over = false;
   std::shared_ptr<NSThread> thread = std::make_shared<PosixThread>([&] {
@@ -230,7 +230,7 @@ class NoMoreThreads {
   pthread_attr_t before_;
 };
 
-TEST(PosixThread, ThatTheSystemCannotCreateSaysSoAndReleasesItsBody) {
+TEST(PosixThread, ThatCannotBeCreatedThrowsAndReleasesItsBody) {
   auto held = std::make_shared<int>();
   const std::weak_ptr<int> watched = held;
   bool ran = false;

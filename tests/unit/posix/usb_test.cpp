@@ -99,7 +99,7 @@ TEST_F(UsbTest, LongFieldNamesAndASerialNumberInTheTextAreRead) {
   EXPECT_EQ(printer.serial, "77");
 }
 
-TEST_F(UsbTest, AFieldWithoutAValueIsPassedOver) {
+TEST_F(UsbTest, AFieldWithoutAValueIsIgnored) {
   plugIn(0, "SN;MFG;MDL:T;", "");
   const UsbPrinter printer = findUsbPrinter("", roots());
   EXPECT_EQ(printer.serial, "");
@@ -116,7 +116,7 @@ TEST_F(UsbTest, HostileTextsAreCutShort) {
   }
 }
 
-TEST_F(UsbTest, IsChosenByItsSerialNumberItsModelAndItsNode) {
+TEST_F(UsbTest, IsChosenBySerialNumberModelOrDeviceFile) {
   plugIn(0, till, "S 1/7");
   plugIn(10, till, "second", "0519:0003");
   plugIn(2, till, "", "0519:00aB");
@@ -127,7 +127,7 @@ TEST_F(UsbTest, IsChosenByItsSerialNumberItsModelAndItsNode) {
   EXPECT_EQ(nodeOf((roots().dev / "usb/lp10").string()), "lp10");
 }
 
-TEST_F(UsbTest, APathMayBeALinkToItsNode) {
+TEST_F(UsbTest, APathMayBeALinkToTheDeviceFile) {
   plugIn(0, till, "A");
   plugIn(1, till, "B");
   fs::create_symlink(roots().dev / "usb/lp1", roots().dev / "receipts");

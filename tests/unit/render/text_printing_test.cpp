@@ -52,7 +52,7 @@ TEST(TextPrinting, SelectsTheCodePageOnceAndEncodesInIt) {
   EXPECT_EQ(printed("3 €\ncafé\n", CodePage("16")), selectPage16 + ascii("3 \x80\ncaf\xe9\n"));
 }
 
-TEST(TextPrinting, TakesALetterAndItsAccentForTheLetterThatTheyMake) {
+TEST(TextPrinting, CombinesALetterAndItsAccent) {
   EXPECT_EQ(printed("cafe\u0301", CodePage("16")), selectPage16 + ascii("caf\xe9\n"));
 }
 

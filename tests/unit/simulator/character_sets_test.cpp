@@ -116,7 +116,7 @@ TEST(CodePages, AreIgnoredAndRecordedIfThePrinterLacksThem) {
   EXPECT_FALSE(print.paper().record().isClean());
 }
 
-TEST(CodePages, NameTheBytesThatTheyLack) {
+TEST(CodePages, ListTheBytesWithoutACharacter) {
   EXPECT_THAT(Print(hex("1b7410 8182 0a"), profile("escpos-80")).missing(),
               ElementsAre("81 in page 16"));
   EXPECT_THAT(Print(hex("1b7410 8082 0a"), profile("escpos-80")).missing(), IsEmpty());
@@ -221,7 +221,7 @@ TEST(MultiByteText, HasAnUnderlineAndASpacingOfItsOwn) {
   EXPECT_EQ(line.width(), 2U * (24 + 6) + 12);
 }
 
-TEST(MultiByteText, NamesTheCharactersThatItLacks) {
+TEST(MultiByteText, ListsTheCharactersThatItLacks) {
   EXPECT_THAT(Print(hex("1c4301 fc4c 0a"), profile("escpos-80-japan")).missing(),
               ElementsAre("fc 4c in shift-jis"));
   EXPECT_THAT(Print(hex("d6 0a"), profile("escpos-80-china")).missing(),

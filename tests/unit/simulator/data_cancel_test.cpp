@@ -121,7 +121,7 @@ TEST(DataTimeout, AnotherDataCancelDoesNotEndTheDropping) {
   EXPECT_EQ(session.printer.printed(), ascii("kept"));
 }
 
-TEST(DataTimeout, DoesNothingOutsideAGuardedStretchNorWhenItIsZero) {
+TEST(DataTimeout, DoesNothingOutsideAGuardedSectionOrIfItIsZero) {
   const std::string_view commands[] = {fiveSeconds, "1b1d03050105 1b1d03030000 1b1d03040000",
                                        "1b1d03050100 1b1d03030000", dataCancel, never};
   for (std::string_view before : commands) {
@@ -142,7 +142,7 @@ TEST(DataTimeout, StatusIsAnsweredWhileThePrinterDrops) {
   EXPECT_EQ(etbCounterOf(session.ask("17 1b0601")), 0);
 }
 
-TEST(DataCancelEnd, IsHarmlessOutsideAGuardedStretch) {
+TEST(DataCancelEnd, DoesNothingOutsideAGuardedSection) {
   Session session(slow());
   session.send(ascii("ab") + hex(dataCancelEnd) + ascii("cd"));
   session.wait(1s);

@@ -29,7 +29,7 @@ TEST(Tabs, AreAtTheColumnsThatTheJobSets) {
   EXPECT_EQ(Print(hex("1b44 00") + ascii("a\tb\n")).text(), "a       b\n");
 }
 
-TEST(Characters, HaveTheSpacingOfTheJobTwiceIfDoubled) {
+TEST(Characters, HaveTwiceTheSpacingIfTheyAreDoubled) {
   const auto widthOf = [](const Bytes& job) {
     return std::get<Line>(Print(job).paper().items().at(0)).width();
   };

@@ -163,7 +163,7 @@ TEST(Printing, EachByteTakesItsTime) {
   EXPECT_EQ(session.printer.printed(), ascii("0123456789"));
 }
 
-TEST(Printing, TheResultDoesNotDependOnHowOftenThePrinterIsLookedAt) {
+TEST(Printing, TheResultDoesNotDependOnHowOftenThePrinterIsAsked) {
   Session rarely(PrinterBuilder().speed(7));
   Session often(PrinterBuilder().speed(7));
   for (Session* session : {&rarely, &often})

@@ -21,7 +21,7 @@ PrinterBuilder proving(std::string_view proofs) {
   return PrinterBuilder().set("proofs", proofs);
 }
 
-TEST(Proofs, AreReadInAnyOrderAndWrittenInOne) {
+TEST(Proofs, AreReadInAnyOrderAndWrittenInAFixedOrder) {
   EXPECT_EQ(Proofs::parse("in-order+block").text(), "block+in-order");
   EXPECT_EQ(Proofs::parse("process-id").text(), "process-id");
   EXPECT_EQ(Proofs::parse(Proofs::all().text()), Proofs::all());
