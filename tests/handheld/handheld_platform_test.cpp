@@ -168,7 +168,7 @@ TEST(HandheldAccessory, GivesNoSessionIfTheServiceRefuses) {
   unplug();
 }
 
-TEST(HandheldService, ThatThrowsGivesItsCallerAnErrorWithItsText) {
+TEST(HandheldService, GivesItsCallerAnErrorWithTheTextOfItsException) {
   HandheldPlatform platform;
   letServiceRaise(true);
   try {
@@ -180,7 +180,7 @@ TEST(HandheldService, ThatThrowsGivesItsCallerAnErrorWithItsText) {
   letServiceRaise(false);
 }
 
-TEST(HandheldService, ThatThrowsMakesAPortsOpenFail) {
+TEST(HandheldService, MakesTheOpenOfAPortFailIfItThrows) {
   const auto platform = std::make_shared<HandheldPlatform>();
   letServiceRaise(true);
   const auto port =

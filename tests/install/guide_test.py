@@ -141,7 +141,7 @@ class DecisionTable(ProgramTest):
         result = self.run_program(QUORPORT, "-d", row["device"], *timeout, "--log", log, "print", job)
         return result, [line for line in log.read_text().splitlines() if '"typeName":"Error"' in line]
 
-    def test_the_printer_in_the_last_column_causes_each_row(self):
+    def test_the_printer_of_each_row_causes_the_message_of_the_row(self):
         rows = list(ROW.finditer((SOURCES / "docs/did-not-print.md").read_text()))
         self.assertGreater(len(rows), 10)
         with ThreadPoolExecutor(AT_ONCE) as pool:

@@ -38,7 +38,7 @@ struct Call {
   std::vector<Operation> operations;  // that it is made of
 };
 
-/// As text: for results.
+/// The value as text, for results.
 std::string shownResult(bool result);
 std::string shownResult(std::int32_t result);
 std::string shownResult(std::int64_t result);

@@ -91,7 +91,7 @@ def branches(file: dict) -> dict[tuple[int, int], list[int]]:
 
 
 def explanations() -> dict[str, str]:
-    """By file, line of code and way."""
+    """The explanations, by file, line of code and outcome of the condition."""
     rows = (Path(__file__).parent / "uncovered.md").read_text().splitlines()
     cells = [[cell.strip(" `") for cell in re.split(r"(?<!\\)\|", row)[1:-1]] for row in rows if row.startswith("| `")]
     return {"|".join(row[:3]): row[3] for row in cells}

@@ -15,7 +15,7 @@ struct Receipt {
   std::vector<ByteBuffer> parts;  ///< in their order
 };
 
-/// Jobs over ESC/POS on one port, by one proof, on a printer that gives some proofs or none.
+/// ESC/POS jobs on one port that use one proof, on a printer that gives some proofs or no proof.
 struct ProofCase {
   Case common;
   std::string gives;                        ///< the proofs that the printer knows

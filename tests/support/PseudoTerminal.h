@@ -10,7 +10,7 @@
 
 namespace quordalvane::test {
 
-/// One end of a new pseudo-terminal, open, and the path of the line that is the other.
+/// A new pseudo-terminal: one end, which is open, and the path of the other end.
 struct PseudoTerminal {
   int master;
   std::string line;

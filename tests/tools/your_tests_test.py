@@ -23,14 +23,14 @@ class YourTests(Case):
             ran = subprocess.run([*command, file], env=environment, capture_output=True, timeout=DEADLINE, check=False)
             self.assertEqual(ran.returncode == 0, is_right, ran)
 
-    def test_in_python_run(self):
+    def test_the_python_example_runs(self):
         self.check(["python3"], "receipt_test.py")
 
-    def test_in_shell_run(self):
+    def test_the_shell_example_runs(self):
         self.check(["bash"], "receipt_test.sh")
 
     @unittest.skipUnless(shutil.which("node"), "node is not installed")
-    def test_in_javascript_run(self):
+    def test_the_javascript_example_runs(self):
         self.check(["node", "--test"], "receipt.test.js")
 
 

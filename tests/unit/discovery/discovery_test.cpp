@@ -20,7 +20,7 @@ void write(const fs::path& file, const std::string& text) {
   std::ofstream(file) << text << "\n";
 }
 
-/// The places in which the system shows its devices, as a folder of this test.
+/// The system folders that list devices, replaced by a folder of this test.
 class DiscoveryTest : public testing::Test {
  protected:
   DiscoveryTest() {

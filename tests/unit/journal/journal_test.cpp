@@ -218,7 +218,7 @@ TEST_F(AJournal, ForgetsOlderJobs) {
   EXPECT_EQ(onlyJob().name, "receipt 1");
 }
 
-TEST_F(AJournal, KeepsNothingOfTheData) {
+TEST_F(AJournal, DoesNotContainTheData) {
   Till till(ZKEmulationQuorLine);
   print(till, "receipt 1");
   EXPECT_THAT(contentOf(file), HasSubstr("receipt 1"));

@@ -94,7 +94,7 @@ TEST_F(ALock, IsWaitedForAndTheWaitIsReported) {
   EXPECT_EQ(waits, 1);
 }
 
-TEST_F(ALock, ThatIsFreeIsNotWaitedFor) {
+TEST_F(ALock, IsTakenAtOnceIfItIsFree) {
   EXPECT_TRUE(ByteLock::take(file, 7, mode, 60s, [] { ADD_FAILURE() << "a wait"; }));
 }
 

@@ -91,7 +91,7 @@ TEST_F(LogQueueTest, CountsADropOnlyInTheBatchThatItFollows) {
   EXPECT_EQ(take().dropped, 0U);
 }
 
-TEST_F(LogQueueTest, RemainsFullUntilItIsTaken) {
+TEST_F(LogQueueTest, RemainsFullUntilItsRecordsAreTaken) {
   queue_.setCapacity(1);
   queue_.open();
   push("a");

@@ -136,7 +136,7 @@ TEST(ModuleReply, ThrowsARangeErrorIfASettingIsCutShort) {
   EXPECT_EQ(result("T12", "T", INT32_MIN), "std::out_of_range");
 }
 
-TEST(ModuleReply, TakesTheFirstOccurrenceOfTheTitle) {
+TEST(ModuleReply, UsesTheFirstOccurrenceOfTheTitle) {
   EXPECT_EQ(receiving(ascii("T1T2") + fine).run(getPrinterResponse("T", 1, 1000)).result, "\"T1\"");
 }
 

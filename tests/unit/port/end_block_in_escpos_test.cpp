@@ -255,7 +255,7 @@ TEST(EndBlockInEscPos, FailsWithoutAFinalStatus) {
           "Fail to [self getParsedStatus:quorPrinterStatus level:level]: <self>, <status>, 5"));
 }
 
-TEST(EndBlockInEscPos, MayEndOffLineAndThenFindThePrinterOnLine) {
+TEST(EndBlockInEscPos, EndsOffLineEvenIfTheFinalStatusIsOnLine) {
   Scenario scenario = escPosPrinter();
   scenario.script.whenAsked(drawerQuery, whole(bytes("1a")));
   const Outcome run = scenario.run(endCheckedBlock());

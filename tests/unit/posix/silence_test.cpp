@@ -11,7 +11,7 @@
 #include "tests/support/Listener.h"
 #include "tests/unit/posix/Stopwatch.h"
 
-// A printer without space acknowledges for any time; one that has vanished acknowledges nothing.
+// A printer without space still acknowledges; a printer that has vanished acknowledges nothing.
 namespace quordalvane::posix {
 namespace {
 

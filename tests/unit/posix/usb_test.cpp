@@ -28,7 +28,7 @@ void write(const fs::path& file, const std::string& text) {
   std::ofstream(file) << text << "\n";
 }
 
-/// The places in which the system shows its USB printers, as a folder of this test.
+/// The system folders that list USB printers, replaced by a folder of this test.
 class UsbTest : public testing::Test {
  protected:
   UsbRoots roots() const { return {.sys = folder_.file("sys"), .dev = folder_.file("dev")}; }

@@ -34,7 +34,7 @@ Bytes greyRow(const Bytes& file) {
   return row;
 }
 
-// Black to the left of `edge`.
+// A picture that is black to the left of `edge`.
 Bytes halfBlack(int width, int height, int edge) {
   return pngFile(width, height, [=](int x, int) { return x < edge ? black : white; });
 }

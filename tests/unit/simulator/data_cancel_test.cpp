@@ -58,7 +58,7 @@ TEST(DataCancel, EndsTheLineThatWasBegun) {
   EXPECT_EQ(renderText(session.printer.paper()), "012\nnew\n");
 }
 
-TEST(DataCancel, MakesThePrinterContinueWithANewCommand) {
+TEST(DataCancel, MakesTheNextByteBeginACommand) {
   Session session(slow());
   session.send("1d7630 00 0a00 0100 00000000000000000000");
   session.wait(1s);

@@ -115,7 +115,7 @@ TEST(Replies, AreTheSameWhereverTheRequestIsSplit) {
   }
 }
 
-TEST(Replies, ARequestToRecoverClearsTheErrorsThatCanBeClearedAndMayDropTheRest) {
+TEST(Replies, ARecoveryRequestClearsErrorsAndCanDropTheData) {
   Session session(PrinterBuilder().with(Flag::CutterError));
   session.send(ascii("kept\n"));
   session.send("100501");
