@@ -4,9 +4,9 @@
 
 namespace quordalvane {
 
-/// A data cancel and its end. The data cancel makes a printer that supports the checked block drop
-/// the data that it holds. The end must follow: without it, a printer on which a data time-out was
-/// ever set would drop the data of later jobs.
+/// The command that begins a data cancel and the command that ends it. The data cancel makes a
+/// printer that supports the checked block drop the data that it holds. The end must follow:
+/// without it, a printer on which a data time-out was ever set would drop the data of later jobs.
 inline constexpr std::uint8_t dropAll[] = {0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00,
                                            0x1b, 0x1d, 0x03, 0x04, 0x00, 0x00};
 

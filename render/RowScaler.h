@@ -19,7 +19,7 @@ class RowScaler {
   unsigned height() const { return height_; }
 
   /// Returns the next row, which is as wide as the scaled picture. It is valid until the next call.
-  /// May be called `height()` times. Throws the exceptions of `Picture::read`.
+  /// Must not be called more than `height()` times. Throws the exceptions of `Picture::read`.
   ByteView next();
 
  private:

@@ -7,7 +7,7 @@ namespace quordalvane::simulator {
 
 class PrinterState;
 
-/// Makes the printer one of a kind: applies the settings of a profile. A profile is a text of lines
+/// Applies the settings of a profile to the printer. A profile is a text of lines
 /// KEY=VALUE with the keys of `PrinterState::set`; empty lines and lines that begin with `#` are
 /// ignored. `name` is one of `profileNames`, or the path of a file, which must contain a slash.
 ///

@@ -149,8 +149,8 @@ bool Descriptor::hasUnderWay() const {
   return isSocket() && outputCount() != idleOutputCount_;
 }
 
-// Returns the system's count of the output. For a Bluetooth socket it is the space that is left;
-// for any other socket, the bytes under way.
+// Returns the system's count of the output. For a Bluetooth socket, the system counts the free
+// space; for any other socket, the bytes under way.
 int Descriptor::outputCount() const {
   int count = 0;
   return ::ioctl(number_, SIOCOUTQ, &count) == 0 ? count : idleOutputCount_;

@@ -33,8 +33,8 @@ struct GlyphKey {
   }
 };
 
-// The font caches live until the program ends, when nobody draws any more. They are freed then, so
-// that a leak checker reports nothing.
+// The font caches live until the program ends, when nobody draws any more. The destructor frees
+// them, so that a leak checker reports nothing.
 struct FontCaches {
   ~FontCaches() {
     cairo_debug_reset_static_data();

@@ -17,7 +17,7 @@ class SocketLink {
   SocketLink(const SocketLink&) = delete;
   SocketLink& operator=(const SocketLink&) = delete;
 
-  /// For a run loop to watch; the number is valid as long as the link.
+  /// The descriptor, for a run loop to watch; valid as long as the link.
   int number() const { return number_; }
 
   bool hasBytes();
@@ -28,13 +28,13 @@ class SocketLink {
   /// Ends the connection for both sides.
   void end();
 
-  /// True once the other side has ended it, even if bytes are left to read.
+  /// True once the other side has ended the connection, even if bytes are left to read.
   bool isHungUp();
 
-  /// True once the other side has ended it and all earlier bytes have been read.
+  /// True once the other side has ended the connection and all earlier bytes have been read.
   bool isLost();
 
-  /// True if a write can only fail.
+  /// True if every further write will fail.
   bool isOutputBroken();
 
  private:

@@ -60,7 +60,8 @@ void QueuePrinter::close() {
   turn_.reset();
 }
 
-/// If the locks cannot be used, it prints without one: printing matters more than the order.
+/// If the locks cannot be used, the job is printed without a lock: printing matters more than the
+/// order.
 void QueuePrinter::takeTurn() {
   try {
     turn_ = takeDevice(deviceIdentity(parseDeviceSpec(uri_.device)), longestTurn, onWait_);

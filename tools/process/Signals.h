@@ -10,8 +10,8 @@
 namespace quordalvane::tool {
 
 /// Turns SIGINT, SIGTERM and SIGHUP into events that a program can wait for. While this object
-/// lives, they do not interrupt the calling thread or the threads that it starts. SIGINT and
-/// SIGTERM arrive even if the parent process ignored them, as shells do for commands in the
+/// lives, these signals do not interrupt the calling thread or the threads that it starts. SIGINT
+/// and SIGTERM arrive even if the parent process ignored them, as shells do for commands in the
 /// background. An ignored SIGHUP remains ignored: a parent that ignores it, like nohup, wants the
 /// command to outlive its terminal.
 class StopSignals {
