@@ -80,8 +80,9 @@ struct Scheme {
   /// belong to this scheme.
   std::optional<std::string> (*placeMeantBy)(std::string_view text) = nullptr;
 
-  /// Returns the places of all devices that an empty place means now, without commas or
-  /// backslashes. The pointer is null if an empty place means one device or is not allowed.
+  /// Returns the places of all devices that an empty place stands for at this moment. None of them
+  /// contains a comma or a backslash. The pointer is null if an empty place means one device or is
+  /// not allowed.
   std::vector<std::string> (*places)() = nullptr;
 
   /// True if each process has its own device of this kind.

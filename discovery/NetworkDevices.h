@@ -7,10 +7,10 @@
 
 namespace quordalvane {
 
-/// Returns the printers that announce a raw port on the local network, ordered by name. It asks
-/// the system's discovery service and listens for all of `limit`. A printer that answered in
-/// that time is reachable; one that the service only remembers may not be. No address and no port
-/// is tried. Throws a `std::exception` whose text says why the service could not be asked.
+/// Returns the printers that announce a raw port on the local network, ordered by name. It asks the
+/// system's discovery service and listens for all of `limit`. A printer that answered in that time
+/// is reachable; one that the service only remembers may not be. It never connects to an address or
+/// a port. Throws a `std::exception` whose text says why the service could not be asked.
 std::vector<FoundDevice> networkDevices(std::chrono::milliseconds limit);
 
 }  // namespace quordalvane

@@ -90,7 +90,7 @@ bool ExternalAccessoryPort::resetCounter() {
   return true;
 }
 
-/// For line mode. Waits until the counter reads 0 and no paper is left in the exit. The wait also
+/// In line mode, waits until the counter reads 0 and no paper is left in the exit. The wait also
 /// ends, without an error, if the printer is off line. Its time starts with the reset of the
 /// counter.
 bool ExternalAccessoryPort::awaitClearPath(QuorPrinterStatus_2* status, std::int64_t* resultCode,
@@ -130,7 +130,7 @@ bool ExternalAccessoryPort::awaitClearPath(QuorPrinterStatus_2* status, std::int
   return false;
 }
 
-/// For ESC/POS. Asks for a new status for the caller's record. The block continues even if the
+/// In ESC/POS, asks for a new status for the caller's record. The block continues even if the
 /// printer does not give a status.
 bool ExternalAccessoryPort::refreshStatus(QuorPrinterStatus_2* status, std::uint32_t level) {
   constexpr auto selector = beginSelector;
@@ -212,7 +212,7 @@ bool ExternalAccessoryPort::endTimedOut(WholeSecondsWait& wait) {
   return false;
 }
 
-/// For line mode. Waits until the counter reads 2 or the printer is off line.
+/// In line mode, waits until the counter reads 2 or the printer is off line.
 bool ExternalAccessoryPort::awaitCount(QuorPrinterStatus_2* quorPrinterStatus, std::uint32_t level,
                                        WholeSecondsWait& wait) {
   constexpr auto selector = endSelector;
@@ -241,8 +241,7 @@ bool ExternalAccessoryPort::awaitCount(QuorPrinterStatus_2* quorPrinterStatus, s
   }
 }
 
-/// For ESC/POS. Waits until the printer reports the end of the block or answers that it is off
-/// line.
+/// In ESC/POS, waits until the printer reports the end of the block or answers that it is off line.
 bool ExternalAccessoryPort::awaitReport(WholeSecondsWait& wait) {
   constexpr auto selector = endSelector;
   bool etbCountUp = false;

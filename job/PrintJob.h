@@ -49,7 +49,8 @@ class QUOR_EXPORT PrintJob {
   struct Options {
     /// The proof by which the printer is to confirm the job. If null, the `proof=` of the device
     /// counts, and Auto if the device has none. With None the printer is asked nothing, and the
-    /// best outcome is Unconfirmed. The same is true for ProcessId and InOrder in line mode.
+    /// best outcome is Unconfirmed. In line mode, ProcessId and InOrder have the same effect as
+    /// None.
     std::optional<ProofKind> proof = std::nullopt;
 
     /// Called when a stage begins, each time that the link has taken some data, and when the reason

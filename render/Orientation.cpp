@@ -9,7 +9,7 @@
 namespace quordalvane::render {
 namespace {
 
-// Numbers of either byte order, at places that may be outside of the data.
+// Reads numbers in the byte order of the data. The positions may be outside the data.
 class Reader {
  public:
   explicit Reader(ByteView data) : data_(data), isLittle_(!data.empty() && data[0] == 'I') {}
@@ -30,7 +30,8 @@ class Reader {
   const bool isLittle_;
 };
 
-// The value of the entry with this name among the entries that describe the picture.
+// Returns the value of the entry with this name in the list of entries that describe the picture;
+// null if there is none.
 std::optional<std::uint32_t> entry(const Reader& reader, std::uint32_t name) {
   constexpr std::size_t entrySize = 12;
   const auto directory = reader.number(4, 4);

@@ -4,17 +4,17 @@
 
 namespace quordalvane::render {
 
-/// How a camera was held, from the side from which its rows were written.
+/// How the rows in a picture file must be turned, because the camera was not held upright.
 struct Orientation {
   bool isTransposed = false;   ///< the rows of the file are columns of the picture
   bool isRightFirst = false;   ///< each row of the file is mirrored
-  bool isBottomFirst = false;  ///< the rows of the file are in reverse
+  bool isBottomFirst = false;  ///< the rows of the file are in reverse order
 
   bool isUpright() const { return !isTransposed && !isRightFirst && !isBottomFirst; }
 };
 
-/// Reads it from the data in EXIF that a camera writes into a JPEG file. Upright if it is not
-/// there, or the data are damaged.
+/// Reads the orientation from the EXIF data that a camera writes into a JPEG file. Returns upright
+/// if it is missing or the data is damaged.
 Orientation orientationIn(ByteView exif);
 
 }  // namespace quordalvane::render

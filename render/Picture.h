@@ -30,9 +30,9 @@ class Picture {
 };
 
 /// Opens the picture in a PNG or JPEG file; the first bytes show which of them it is. `file` must
-/// outlive the picture. A JPEG picture may be scaled down, but never to less than `leastWidth`, and
-/// is upright if its camera has noted how it was held. Throws RenderError if the file is neither
-/// PNG nor JPEG, is damaged, or has more than `mostPixels`.
+/// outlive the picture. A JPEG picture may be scaled down, but never to less than `leastWidth`. It
+/// is turned upright if the camera has recorded how it was held. Throws RenderError if the file is
+/// neither PNG nor JPEG, is damaged, or has more than `mostPixels`.
 std::unique_ptr<Picture> openPicture(ByteView file, unsigned leastWidth);
 
 }  // namespace quordalvane::render

@@ -8,10 +8,10 @@
 
 namespace quordalvane::render {
 
-/// A picture turned upright. It holds all pixels, a byte each.
+/// A picture that is turned upright. All of its pixels are kept in memory, one byte each.
 class TurnedPicture : public Picture {
  public:
-  /// Throws as the picture does.
+  /// Reads all of `picture`. Throws the exceptions of `Picture::read`.
   TurnedPicture(Picture& picture, Orientation orientation);
 
   unsigned width() const override { return turn_.isTransposed ? rows_ : columns_; }

@@ -6,11 +6,13 @@
 
 namespace quordalvane::posix {
 
-/// The paths of what is in the folder, in no order; empty if it cannot be read.
+/// Returns the paths of the files in a folder, in no particular order. Returns an empty list if the
+/// folder cannot be read.
 std::vector<std::filesystem::path> entriesOf(const std::filesystem::path& folder);
 
-/// The beginning of a file in which the system describes a device, without the end of its line; ""
-/// if it cannot be read. A device may have given the content, so its length is bounded.
+/// Returns the beginning of a file in which the system describes a device, without the line end.
+/// The content may come from the device, so its length is limited. Returns "" if the file cannot be
+/// read.
 std::string contentOf(const std::filesystem::path& file);
 
 }  // namespace quordalvane::posix

@@ -92,8 +92,9 @@ UsbPrinter UsbAccessory::find() {
   return *known_;
 }
 
-// Some makers give all their printers one serial number. Once two such have been seen, only their
-// nodes distinguish them.
+// Searches for the printer that was found before; returns null if it is not found. Some makers give
+// all their printers the same serial number. Once two such printers were found, only their nodes
+// distinguish them.
 std::optional<UsbPrinter> UsbAccessory::findAgain() {
   std::vector<UsbPrinter> same = known_ ? usbPrinters(roots_) : std::vector<UsbPrinter>();
   std::erase_if(same, [this](const UsbPrinter& one) { return !one.isSameDevice(*known_); });

@@ -115,7 +115,8 @@ bool isChosen(const UsbPrinter& printer, std::string_view place) {
   return place.empty() || isOfModel || printer.serial == place;
 }
 
-// Returns a list of the chosen ones of `printers`, each with the text that chooses it alone.
+// Returns a list of the printers in `chosen`, for people. Each is listed with the device text that
+// selects only this one among `printers`.
 std::string listed(const std::vector<UsbPrinter>& chosen, const std::vector<UsbPrinter>& printers) {
   std::string text;
   for (const UsbPrinter& printer : chosen) {

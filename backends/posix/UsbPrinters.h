@@ -23,12 +23,13 @@ struct UsbPrinter {
   /// model without serial numbers can be distinguished only by their nodes.
   bool isSameDevice(const UsbPrinter& other) const;
 
-  /// Returns "Maker Model", either of them alone, or "".
+  /// Returns "Maker Model", or only one of the two if the other is missing, or "".
   std::string makerAndModel() const;
 };
 
-/// Returns the device text that chooses this one of `printers`. It contains the serial number, or
-/// the node if there is no serial number, it could be taken for a path, or it chooses another one.
+/// Returns the device text that selects `printer` among `printers`. It contains the serial number.
+/// It contains the node instead if there is no serial number, or if the serial number could be
+/// taken for a path or selects another printer.
 std::string textOf(const UsbPrinter& printer, const std::vector<UsbPrinter>& printers);
 
 /// The reason why no USB printer can be chosen.

@@ -29,7 +29,8 @@ constexpr auto rawPort = "_pdl-datastream._tcp";
 
 constexpr std::int32_t any = -1;  // interface or protocol
 constexpr std::uint32_t noFlags = 0;
-constexpr std::uint32_t fromCache = 1;  // the service remembers it, and has not heard it now
+constexpr std::uint32_t fromCache =
+    1;  // the service only remembers the announcement and has not received it now
 
 // No shop has so many printers. The limit protects against a flood of announcements.
 constexpr std::size_t mostAnnouncements = 100;
