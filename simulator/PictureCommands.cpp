@@ -6,9 +6,20 @@
 
 namespace quordalvane::simulator {
 
-void Typesetter::addImage(std::vector<Bitmap> layers) {
+// An image or a symbol begins at the position to which the job has moved, as in page mode.
+Place Typesetter::beginPicture() {
+  const unsigned across = line_.empty() ? line_.position() : 0;
   line_.endIfBegun(target());
-  Line line{{}, line_.place(), 0};
+  Place place = line_.place();
+  if (place.alignment == Alignment::Left) {
+    place.left += across;
+    place.room -= across;
+  }
+  return place;
+}
+
+void Typesetter::addImage(std::vector<Bitmap> layers) {
+  Line line{{}, beginPicture(), 0};
   for (Bitmap& layer : layers) {
     if (layer.width > 0 && layer.height > 0) {
       line.items.push_back({0, std::move(layer)});
@@ -20,8 +31,7 @@ void Typesetter::addImage(std::vector<Bitmap> layers) {
 }
 
 void Typesetter::addSymbol(Symbol symbol) {
-  line_.endIfBegun(target());
-  symbol.place = line_.place();
+  symbol.place = beginPicture();
   target().add(std::move(symbol));
 }
 

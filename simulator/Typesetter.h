@@ -150,6 +150,7 @@ class Typesetter {
   Paper& target() { return page_ ? page_->paper() : paper_; }
   void feed(unsigned dots);
   void cutHere(bool partial);
+  Place beginPicture();
   void addSymbol(Symbol symbol);
   void addImage(std::vector<Bitmap> layers);
   void endPage();

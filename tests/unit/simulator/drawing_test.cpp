@@ -14,6 +14,24 @@ TEST(Margins, MoveLinesImagesAndSymbolsToTheRight) {
   EXPECT_GT(print.darkIn(100, 8, 12, 24), 10U);
 }
 
+TEST(Pictures, BeginAtThePositionToWhichTheJobHasMoved) {
+  EXPECT_EQ(Print(hex("1b24 6400") + square).darkIn(100, 0, 8, 8), 64U);
+  EXPECT_EQ(Print(hex("1d4c 0a00 1b24 6400 1b6100") + square).darkIn(110, 0, 8, 8), 64U);
+  const Bytes area = hex("1b4c 1b57 0000 0000 8001 2c01 1b24 6400");
+  EXPECT_EQ(Print(area + square + hex("0c")).darkIn(100, 0, 8, 8), 64U);
+  const Print code(area + hex("1d286b 0400 31 50 30 68 1d286b 0300 31 51 30 0c"));
+  EXPECT_EQ(code.darkIn(0, 0, 100, 200), 0U);
+  EXPECT_GT(code.darkIn(100, 0, 63, 63), 500U);
+}
+
+TEST(Pictures, AfterTextBeginAtTheLeftOfTheNextLine) {
+  EXPECT_EQ(Print(ascii("text") + square).darkIn(0, 30, 8, 8), 64U);
+}
+
+TEST(Pictures, ThatAreCentredStayInTheCentre) {
+  EXPECT_EQ(Print(hex("1b6101 1b24 6400") + square).darkIn(188, 0, 8, 8), 64U);
+}
+
 TEST(Margins, LimitAlignmentAndTheLengthOfLines) {
   const Print centred(hex("1d4c 6400 1d57 6400 1b6101") + square);
   EXPECT_EQ(centred.darkIn(146, 0, 8, 8), 64U);
@@ -223,7 +241,7 @@ TEST(PageMode, MovesUpAndDownThePage) {
   const Print print(hex("1b4c 1d24 7c00") + square + hex("1d5c 9cff") + hex("1b24 6400") +
                     hex("1d24 1800") + square + hex("0c"));
   EXPECT_EQ(print.darkIn(0, 100, 8, 8), 64U);
-  EXPECT_EQ(print.darkIn(0, 0, 8, 8), 64U);
+  EXPECT_EQ(print.darkIn(100, 0, 8, 8), 64U);
 }
 
 TEST(PageMode, TakesNoMemoryWithoutEnd) {
