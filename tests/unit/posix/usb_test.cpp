@@ -1,17 +1,13 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <poll.h>
 #include <signal.h>
-#include <sys/eventfd.h>
-#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
 
-#include "backends/posix/Link.h"
 #include "backends/posix/UsbAccessory.h"
 #include "tests/support/PseudoTerminal.h"
 #include "tests/support/TemporaryFolder.h"
@@ -312,103 +308,6 @@ TEST_F(UsbTest, OpensTheNodeOfThePrinterThatIsPluggedInNow) {
   std::uint8_t heard = 0;
   EXPECT_EQ(printer.receiveUntil(&heard, 1, deadlineIn(10)), 1);
   EXPECT_EQ(heard, 'x');
-}
-
-/// A link at the printer driver; packets are those of a socket pair, which may be empty.
-struct DriverLink {
-  explicit DriverLink(Descriptor::Kind kind) {
-    int ends[2];
-    EXPECT_EQ(::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0, ends), 0);
-    link = std::make_unique<Link>(Descriptor(ends[0], kind));
-    printer = std::make_unique<Descriptor>(ends[1], Descriptor::Kind::Socket);
-  }
-
-  void say(std::string_view packet) const {
-    ASSERT_EQ(::send(printer->number(), packet.data(), packet.size(), MSG_NOSIGNAL),
-              static_cast<ssize_t>(packet.size()));
-  }
-
-  std::unique_ptr<Link> link;
-  std::unique_ptr<Descriptor> printer;
-};
-
-TEST(UsbLink, AnEmptyPacketDoesNotEndTheLink) {
-  const DriverLink driver(Descriptor::Kind::UsbPrinter);
-  driver.say("");
-  EXPECT_FALSE(driver.link->hasBytes());
-  EXPECT_FALSE(driver.link->isLost());
-  driver.say("");
-  driver.say("x");
-  driver.link->waitForBytes(10);
-  ASSERT_TRUE(driver.link->hasBytes());
-  std::uint8_t byte = 0;
-  EXPECT_EQ(driver.link->read(&byte, 1), 1);
-  EXPECT_EQ(byte, 'x');
-}
-
-TEST(UsbLink, AVanishedPrinterIsALostLink) {
-  DriverLink driver(Descriptor::Kind::UsbPrinter);
-  driver.printer.reset();
-  driver.link->waitForBytes(10);
-  EXPECT_TRUE(driver.link->isLost());
-}
-
-TEST(UsbLink, APrinterThatOnlyTakesBytesIsNotLostBecauseItIsSilent) {
-  const DriverLink driver(Descriptor::Kind::MuteUsbPrinter);
-  EXPECT_FALSE(driver.link->hasBytes());
-  driver.link->waitForBytes(0.001);
-  EXPECT_FALSE(driver.link->isLost());
-  const std::uint8_t byte = 'x';
-  EXPECT_EQ(driver.link->write(&byte, 1), 1);
-}
-
-TEST(UsbLink, ATransferThatBrokeOffCountsAsTakenBecauseItMayHaveArrived) {
-  // Writing to the page at address 0 fails with EIO, like a transfer of the driver that is broken
-  // off.
-  const Descriptor driver(::open("/proc/self/mem", O_RDWR | O_CLOEXEC),
-                          Descriptor::Kind::UsbPrinter);
-  const std::uint8_t bytes[] = {1, 2, 3};
-  EXPECT_EQ(driver.send(bytes, 3), 3);
-}
-
-TEST(UsbLink, NothingIsSentToAPrinterThatWasPulledBefore) {
-  const auto pulled = test::openPseudoTerminal();
-  const int line = ::open(pulled.line.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-  ::close(pulled.master);  // it hangs up, as the driver does
-  const Descriptor driver(line, Descriptor::Kind::UsbPrinter);
-  const std::uint8_t bytes[] = {1, 2, 3};
-  EXPECT_EQ(driver.send(bytes, 3), -1);
-  EXPECT_EQ(errno, ENODEV);
-  std::uint8_t heard = 0;
-  EXPECT_EQ(driver.receive(&heard, 1), 0);
-}
-
-TEST(UsbLink, APrinterWhoseReadsTheDriverRefusesOnlyTakesBytes) {
-  const Descriptor refusing(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK), Descriptor::Kind::Terminal);
-  EXPECT_EQ(usbKindOf(refusing.number()), Descriptor::Kind::MuteUsbPrinter);
-  const auto terminal = test::openPseudoTerminal();
-  const Descriptor answering(terminal.master, Descriptor::Kind::Terminal);
-  EXPECT_EQ(usbKindOf(answering.number()), Descriptor::Kind::UsbPrinter);
-}
-
-TEST(UsbLink, OnlyUsbPrintersHaveAPortThatReports) {
-  const DriverLink driver(Descriptor::Kind::Socket);
-  EXPECT_EQ(driver.link->portState(), "");
-}
-
-TEST(UsbLink, HasBytesUnderWayAsLongAsTheDriverTakesNoMore) {
-  int ends[2];
-  ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0, ends), 0);
-  const Descriptor driver(ends[0], Descriptor::Kind::UsbPrinter);
-  const Descriptor printer(ends[1], Descriptor::Kind::Socket);
-  EXPECT_FALSE(driver.hasUnderWay());
-  std::vector<std::uint8_t> piece(65536);
-  while (driver.send(piece.data(), piece.size()) > 0) {
-  }
-  EXPECT_TRUE(driver.hasUnderWay());
-  while (printer.receive(piece.data(), piece.size()) > 0) {
-  }
-  EXPECT_FALSE(driver.hasUnderWay());
 }
 
 }  // namespace
