@@ -123,17 +123,6 @@ TEST_F(UsbTest, IsChosenBySerialNumberModelOrDeviceFile) {
   EXPECT_EQ(nodeOf((roots().dev / "usb/lp10").string()), "lp10");
 }
 
-TEST_F(UsbTest, AModelHasHexadecimalDigitsAlone) {
-  plugIn(0, till, "A", "09af:AF90");
-  EXPECT_EQ(nodeOf("09AF:af90"), "lp0");
-  for (const char odd : {'/', ':', '`', 'g', '@', 'G'}) {
-    pull(0);
-    const std::string model = "04b" + std::string(1, odd) + ":0202";
-    plugIn(0, till, "A", model);
-    EXPECT_EQ(reason(model), code(UsbError::NotPluggedIn)) << model;
-  }
-}
-
 TEST_F(UsbTest, APathMayBeALinkToTheDeviceFile) {
   plugIn(0, till, "A");
   plugIn(1, till, "B");
