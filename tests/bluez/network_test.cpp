@@ -55,7 +55,7 @@ TEST_F(Search, DoesNotCallAPrinterReachableThatIsOnlyRemembered) {
                                                  Field(&FoundDevice::reachable, std::nullopt)));
 }
 
-TEST_F(Search, ListensToTheServiceAlone) {
+TEST_F(Search, AcceptsSignalsOnlyFromTheService) {
   const StandInAvahi avahi(std::vector<StandInAnnouncement>(1));
   const auto connection = sdbus::createSystemBusConnection();
   const auto forger =

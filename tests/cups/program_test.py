@@ -189,7 +189,7 @@ class SideChannel(ProgramCase):
         self.assertEqual(self.answer(), (DRAIN, IO_ERROR, b""))
         self.assertEqual(process.wait(DEADLINE), HOLD)
 
-    def test_says_at_once_that_it_drains_nothing_in_mid_job(self):
+    def test_answers_at_once_that_it_cannot_drain_during_a_job(self):
         printer = self.simulator()
         process = self.start(printer, channel=self.theirs)
         process.stdin.write(RECEIPT)

@@ -18,14 +18,14 @@ class Listening(Case):
         for settings in ((), (f"password-file={self.folder}/missing",), (f"password-file={self.file('empty', b'')}",)):
             self.assertFails("password-file=FILE", f"state-directory={self.folder}", "listen-hostname=*", *settings)
 
-    def test_an_option_that_it_does_not_take_is_refused_with_what_it_takes(self):
+    def test_a_wrong_option_is_refused_with_the_right_values(self):
         for setting, saying in (("upload-timeout=soon", "upload-timeout=\"soon\": takes seconds, from 1 to 86400"),
                                 ("upload-timeout=0", "takes seconds"), ("server-port=65536", "port"),
                                 ("log-level=loud", "takes debug, info, warn or error"),
                                 ("listen-host=*", "option \"listen-host\": the server takes listen-hostname, server-port")):
             self.assertFails(saying, f"state-directory={self.folder}", setting)
 
-    def test_a_state_that_cannot_be_kept_is_reported(self):
+    def test_a_state_that_cannot_be_saved_is_reported(self):
         self.assertFails("cannot be made", f"state-directory={self.file('file', b'')}")
 
     def test_the_machine_keeps_its_name_if_root_starts_the_server(self):

@@ -35,7 +35,7 @@ class Restarting(Application):
             self.await_state("completed", job)
         self.assertEqual(self.first_lines(3), ["job 0", "job 1", "job 2"])
 
-    def test_a_job_and_its_hold_are_on_disk_before_the_client_hears_of_them(self):
+    def test_a_job_and_its_hold_are_on_disk_before_the_client_gets_the_answer(self):
         self.printer.set(coverOpen=True)
         first = self.print(b"job 0\n")
         self.await_message("waiting: cover open", first)
@@ -47,7 +47,7 @@ class Restarting(Application):
         self.assertEqual(self.client.job(held)[0], "held")
         self.assertEqual(self.first_lines(2), ["job 0", "job 2"])
 
-    def test_a_job_that_waited_is_printed_though_its_fonts_have_changed(self):
+    def test_a_job_that_waited_is_printed_although_the_fonts_have_changed(self):
         self.printer.set(coverOpen=True)
         job = self.print("\u4e2d\n".encode())
         self.await_message("waiting: cover open", job)

@@ -111,7 +111,7 @@ class KnownNames(SmallTree):
         self.write("iphone-IOPort/ExternalAccessoryPort.h", "".join(f"  int {member};\n" for member in members))
         return known_names.violations(self.root)
 
-    def test_the_names_in_their_order_are_accepted(self):
+    def test_all_names_in_their_order_are_accepted(self):
         self.assertEqual(self.objections(*known_names.MEMBERS), [])
 
     def test_a_name_only_in_a_comment_or_a_text_counts_as_missing(self):

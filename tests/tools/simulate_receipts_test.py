@@ -107,7 +107,7 @@ class Receipts(Case):
         self.assertEqual(lines, [f"line {n}" for n in range(count)])
         self.assertIn("torn off", self.text(1).splitlines()[-1])
 
-    def test_a_print_without_space_for_its_receipt_does_not_end_with_0(self):
+    def test_a_full_disk_for_the_receipt_changes_the_exit_status(self):
         full = self.folder / "full.txt"
         full.symlink_to("/dev/full")
         result = run("print", "-d", "virtual:", "--receipt", full, "--json", "-", data=b"text\n")

@@ -45,7 +45,7 @@ TEST(CInterface, KeepsTheLastErrorAfterASuccess) {
   EXPECT_STREQ(quor_last_error(), "lost");
 }
 
-TEST(CInterface, AnswersAPlainValueOrZero) {
+TEST(CInterface, ReturnsThePlainValueOrZero) {
   EXPECT_EQ(answered([] { return 7; }), 7);
   EXPECT_EQ(answered([]() -> int { throw PortException("lost"); }), 0);
 }

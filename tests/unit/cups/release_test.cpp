@@ -30,11 +30,11 @@ class Release : public testing::Test {
   test::TemporaryFolder folder;
 };
 
-TEST_F(Release, IsByAPersonIfTheSchedulerThatHeldTheJobStillRuns) {
+TEST_F(Release, WasMadeByAPersonIfTheSchedulerThatHeldTheJobStillRuns) {
   EXPECT_TRUE(isReleased(told, told - 1, {}));
 }
 
-TEST_F(Release, IsByAPersonIfTheEarlierSchedulerRecordedThatItHeldTheJob) {
+TEST_F(Release, WasMadeByAPersonIfTheEarlierSchedulerRecordedThatItHeldTheJob) {
   EXPECT_TRUE(isReleased(told, told + 90'000, recordOf(told + 30'000)));
 }
 

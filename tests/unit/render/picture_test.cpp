@@ -108,7 +108,7 @@ TEST(Picture, InJpegIsReadAtASmallerScaleButNotBelowThePaper) {
   EXPECT_EQ(openPicture(file, 4000)->width(), 4000U);
 }
 
-TEST(Picture, InJpegIsUprightHoweverItsCameraWasHeld) {
+TEST(Picture, InJpegIsUprightWhateverItsOrientation) {
   // Where the black corner is then.
   constexpr struct {
     bool isAtTheRight, isAtTheBottom;
@@ -139,7 +139,7 @@ TEST(Picture, OfATurnedCameraIsNeverReadSmallerThanThePaper) {
   EXPECT_EQ(openPicture(file, 576)->width(), 1000U);
 }
 
-TEST(Picture, WithDamagedDataOfItsCameraIsReadAsItIs) {
+TEST(Picture, WithDamagedCameraDataIsNotTurned) {
   Bytes wrong = exif(6, false);
   for (std::size_t size = 0; size < wrong.size() - 6; ++size) {
     const Bytes cut(wrong.begin(), wrong.begin() + static_cast<std::ptrdiff_t>(size));

@@ -36,7 +36,7 @@ TEST(Profile, ThatIsBuiltInChangesAPrinterAndIsNamed) {
   EXPECT_FALSE(state.dialect.lineMode);
 }
 
-TEST(Profile, IsTheSameAfterEachOther) {
+TEST(Profile, IsTheSameAfterAnyOtherProfile) {
   for (const std::string_view before : profileNames()) {
     for (const std::string_view name : profileNames()) {
       PrinterState fresh;

@@ -141,7 +141,7 @@ TEST(UnaskedStatus, IsSentAtOnceAndAtEachChangeUntilItIsEnded) {
   EXPECT_EQ(session.receive(), Bytes{});
 }
 
-TEST(UnaskedStatus, IsSentAtChangesOfTheChosenConditionsAlone) {
+TEST(UnaskedStatus, IsSentOnlyAtChangesOfTheChosenConditions) {
   const std::pair<const char*, unsigned> conditions[] = {
       {"compulsionSwitch", 1},           {"coverOpen", 2},    {"offline", 2},
       {"receiptPaperNearEmptyInner", 8}, {"overTemp", 2 | 4}, {"receiptPaperEmpty", 2 | 8},

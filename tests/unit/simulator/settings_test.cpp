@@ -42,7 +42,7 @@ TEST(Settings, EachKeyChangesItsValue) {
   EXPECT_EQ(state.paperMillimetres(), 58U);
 }
 
-TEST(Settings, EachIsReadAsItIsSet) {
+TEST(Settings, EachIsReadBackAsItWasSet) {
   const std::pair<const char*, const char*> values[] = {
       {"lacks", "1b4c+1d286b"}, {"lacks", "none"},    {"codePages", "0:437+16:1252"},
       {"codePages", "small"},   {"flow", "xonxoff"},  {"flow", "none"},
