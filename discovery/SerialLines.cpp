@@ -10,8 +10,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// How many folders a USB device may be above its serial line: an interface and a port are between
-// them.
+// In the system's folders, the folder of a USB device is at most this many levels above that of its
+// serial line; the folders of an interface and a port are between them.
 constexpr int highest = 4;
 
 // Consoles and pseudo-terminals have no hardware. The driver of classic serial ports also creates

@@ -62,7 +62,8 @@ struct FixedForm {
   std::size_t length;
 };
 
-// If a prefix begins with another prefix, it must precede the shorter one, here and below.
+// The first match counts, here and below. So the longer of two prefixes that begin alike must
+// precede the shorter one.
 const FixedForm fixedForms[] = {
     {{0x1b, 0x1d, 0x03}, 6}, {{0x1b, 0x23, 0x2a}, 5}, {{0x1b, 0x23, 0x2c}, 6},
     {{0x1b, 0x23}, 3},       {{0x1b, 0x2a, 0x72}, 4},

@@ -27,7 +27,7 @@ constexpr auto serverInterface = "org.freedesktop.Avahi.Server";
 // receipt printers do not speak.
 constexpr auto rawPort = "_pdl-datastream._tcp";
 
-constexpr std::int32_t any = -1;  // interface or protocol
+constexpr std::int32_t any = -1;  // means any interface or any protocol
 constexpr std::uint32_t noFlags = 0;
 constexpr std::uint32_t fromCache =
     1;  // the service only remembers the announcement and has not received it now
