@@ -22,7 +22,7 @@ std::string inWords(const QuorPrinterStatus_2& status) {
   return words;
 }
 
-// The port is opened anew after a link was lost.
+// Opens the port again if the link was lost.
 std::string ask(ExternalAccessoryPort& port) {
   try {
     if (!port.isConnected() && !port.open()) {

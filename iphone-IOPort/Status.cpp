@@ -40,7 +40,7 @@ bool ExternalAccessoryPort::getParsedStatus(QuorPrinterStatus_2* quorPrinterStat
   constexpr auto selector = statusSelector;
   assert(quorPrinterStatus != nullptr);
   QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%p, %d", quorPrinterStatus, level);
-  readLeftovers(drainSize);  // its result is not needed
+  readLeftovers(drainSize);  // the result of the read is not needed
   QUOR_LOG(ZKLogTypeProcess, 0, "p_emulation: %d", p_emulation);
   bool result = false;
   if (p_emulation == ZKEmulationESCPOS) {

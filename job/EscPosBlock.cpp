@@ -129,7 +129,7 @@ MaybeSetback EscPosBlock::judgeProof() const {
   }
   if (*count < countOfTwoMarks) {
     return Setback{PrintObstacle::NoProof,
-                   "the printer lost its count during the job, as one that is switched off and on"};
+                   "the printer lost its count during the job; perhaps it was switched off and on"};
   }
   return Setback{PrintObstacle::NoProof, "the printer reported " + std::to_string(*count - 1) +
                                              " ends of jobs instead of this one's"};

@@ -14,7 +14,7 @@ namespace quordalvane {
 /// The size at which a log file is replaced by a new one, and the number of old files that are
 /// kept.
 struct LogRotation {
-  std::uint64_t maximumBytes = 10U << 20U;  ///< of one file; zero means no limit
+  std::uint64_t maximumBytes = 10U << 20U;  ///< the size limit of one file; zero means no limit
   unsigned keptFiles = 5;                   ///< number of old files; may be zero
 };
 
@@ -59,7 +59,7 @@ class QUOR_EXPORT RotatingFile {
   dev_t device_ = 0;
   ino_t inode_ = 0;
   bool isRegular_ = false;
-  std::uint64_t size_ = 0;  // of the file, without the lines in the buffer
+  std::uint64_t size_ = 0;  // the size of the file, without the lines in the buffer
   std::string buffer_;
   std::error_code rotationFailure_;  // an error that was not thrown yet
 };

@@ -10,8 +10,8 @@ namespace quordalvane::simulator {
 /// An encoding in which a character can have two or more bytes.
 enum class MultiByte : std::uint8_t { None, ShiftJis, Gb18030, Big5, EucKr };
 
-/// The character sets that a printer has, and the numbers by which a job selects them. A plain
-/// value.
+/// The character sets that a printer has, and the numbers by which a job selects them. Objects can
+/// be copied and compared.
 class CharacterSets {
  public:
   /// Has the code-page numbers of most ESC/POS printers, and the Japanese encoding.
@@ -25,7 +25,7 @@ class CharacterSets {
   /// std::invalid_argument, with a text for people, and changes nothing.
   void setPages(std::string_view text);
 
-  /// The numbers of the pages as they were set.
+  /// The text that `setPages` received last.
   const std::string& pages() const { return pagesText_; }
 
   /// Sets the multi-byte encoding by its name: `none`, `shift-jis`, `gb18030`, `big5` or `euc-kr`.

@@ -59,7 +59,7 @@ constexpr Table katakanaAndSigns = {
 
 struct Source {
   std::string_view page;
-  const char* encoding;  // for the system's converter; null if `table` is used
+  const char* encoding;  // the name for the system's converter; null if `table` is used
   const Table* table;
 };
 

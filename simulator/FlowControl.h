@@ -23,7 +23,7 @@ class FlowControl {
   /// How many bytes must be free for a host to continue.
   static std::size_t spaceAgain(std::size_t size);
 
-  /// Another host is there, and was asked nothing.
+  /// To be called when another host connects: it was not asked to pause.
   void restart() { isPaused_ = false; }
 
  private:

@@ -24,7 +24,7 @@ Bitmap tallColumnImage(ByteView command);
 Bitmap fromColumns(ByteView columns, unsigned count, unsigned tall, unsigned scaleX,
                    unsigned scaleY);
 
-/// The same image, enlarged, and cut off at the width of the widest paper.
+/// Returns `image`, enlarged, and cut off at the width of the widest paper.
 Bitmap enlarged(const Bitmap& image, unsigned scaleX, unsigned scaleY);
 
 /// The images that one command stores and another prints: the print buffer of 1d 28 4c and 1d 38

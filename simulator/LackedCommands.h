@@ -19,7 +19,7 @@ class LackedCommands {
   /// True if this complete command is one of them.
   bool has(ByteView command) const;
 
-  /// As `parse` takes it.
+  /// Returns the commands as a text that `parse` accepts.
   std::string text() const;
 
   bool operator==(const LackedCommands&) const = default;

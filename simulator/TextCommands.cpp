@@ -106,7 +106,7 @@ void Typesetter::nationalSet(ByteView command) {
 
 void Typesetter::multiByte(ByteView command) {
   const bool on = command[1] == 0x26;
-  // Only turning it on fails if the printer has no multi-byte text.
+  // If the printer has no multi-byte text, only the command that turns it on fails.
   if (!decoder_.setMultiByte(on) && on) {
     paper_.noteSkipped(command);
   }

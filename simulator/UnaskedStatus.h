@@ -15,8 +15,8 @@ class UnaskedStatus {
   /// ends.
   void choose(std::uint8_t conditions);
 
-  /// The four bytes to be sent now: with the first call after a choice, and whenever a chosen
-  /// condition has changed since then. Empty otherwise.
+  /// Returns the four bytes to be sent now: on the first call after a choice, and whenever a chosen
+  /// condition has changed since the last call. Empty otherwise.
   Bytes change(const PrinterState& state);
 
  private:

@@ -23,9 +23,9 @@ namespace quordalvane::simulator {
 
 /// A virtual printer. It outlives its connections, each of which is a `PrinterLink`.
 ///
-/// It is a state machine over bytes and time, without a thread, clock or input of its own. Its
-/// behaviour depends only on the bytes and times that it is given, not on how often it is called.
-/// The times must not decrease. It must not be used by two threads at once.
+/// The virtual printer is a state machine over bytes and time, without a thread, clock or input of
+/// its own. Its behaviour depends only on the bytes and times that it is given, not on how often it
+/// is called. The times must not decrease. It must not be used by two threads at once.
 class VirtualPrinter {
  public:
   explicit VirtualPrinter(PrinterState state);

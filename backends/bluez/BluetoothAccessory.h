@@ -15,8 +15,8 @@ namespace quordalvane::bluez {
 /// ports ignore it. Its name and address come from the Bluetooth service, unless `identity`
 /// contains them. The service is asked only when the accessory is asked, and at most once a second.
 ///
-/// Its manufacturer is always that of `identity`, whichever maker built the printer: a port chooses
-/// only accessories of one maker, and a user who names this device wants to use it.
+/// The accessory's manufacturer is always that of `identity`, whichever maker built the printer: a
+/// port chooses only accessories of one maker, and a user who names this device wants to use it.
 class BluetoothAccessory : public posix::LinkAccessory {
  public:
   /// `place` selects the printer, as described at `choosePrinter`.

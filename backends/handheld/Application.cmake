@@ -6,7 +6,7 @@ file(GLOB QUOR_HANDHELD_SOURCES CONFIGURE_DEPENDS
   ${QUOR_ROOT}/platform/*.cpp ${QUOR_ROOT}/parsers/*.cpp ${QUOR_ROOT}/text/*.cpp ${QUOR_ROOT}/logging/*.cpp
   ${QUOR_ROOT}/iphone-IOPort/*.cpp ${QUOR_ROOT}/job/*.cpp ${QUOR_ROOT}/c-interface/*.cpp
   ${QUOR_ROOT}/backends/handheld/*.cpp ${QUOR_ROOT}/backends/handheld/*.mm)
-# It connects device specifications of this system's kind.
+# Devices.cpp uses the back ends of Linux, which the handheld platform does not have.
 list(REMOVE_ITEM QUOR_HANDHELD_SOURCES ${QUOR_ROOT}/c-interface/Devices.cpp)
 
 add_library(quor_for_handheld STATIC ${QUOR_HANDHELD_SOURCES})

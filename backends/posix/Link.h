@@ -108,9 +108,9 @@ class Link {
   std::size_t next_ = 0;
   std::size_t end_ = 0;
 
-  bool ended_ = false;        // no more bytes will arrive, and all that arrived were read
-  bool dry_ = false;          // the last `receive` emptied the input
-  Tick dryAt_{};              // when the last `receive` emptied the input
+  bool ended_ = false;  // no more bytes will arrive, and all bytes that arrived have been read
+  bool dry_ = false;    // the last `receive` emptied the input
+  Tick dryAt_{};        // when the last `receive` emptied the input
   bool beingWaited_ = false;  // a thread waits for input and may fill `ahead_` without the lock
 
   ReplyExpectation expectation_;

@@ -85,7 +85,8 @@ UsbPrinter UsbAccessory::find() {
   if (const auto again = findAgain()) {
     known_ = again;
   } else if (known_ && !known_->serial.empty() && !hasTwin_ && place_.starts_with('/')) {
-    return findUsbPrinter(known_->serial, roots_);  // another device may have its old node by now
+    // Another device may have the printer's old node by now.
+    return findUsbPrinter(known_->serial, roots_);
   } else {
     known_ = findUsbPrinter(place_, roots_);
   }

@@ -23,9 +23,9 @@ Descriptor::Kind usbKindOf(int number);
 /// announces no protocol, so ports ignore it. It reports its name, model and serial number itself,
 /// unless `identity` contains them.
 ///
-/// Its manufacturer is always that of `identity`, whichever maker built the printer: a port chooses
-/// only accessories of one maker, and a user who names this device wants to use it. The real maker
-/// is part of the name.
+/// The accessory's manufacturer is always that of `identity`, whichever maker built the printer: a
+/// port chooses only accessories of one maker, and a user who names this device wants to use it.
+/// The real maker is part of the name.
 class UsbAccessory : public LinkAccessory {
  public:
   /// `place` selects the printer, as described at `findUsbPrinter`. Once it was found, it is

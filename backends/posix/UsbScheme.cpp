@@ -20,7 +20,8 @@ constexpr OpenCause causes[] = {
     {of(UsbError::Ambiguous), "ambiguous", "more than one printer fits",
      "name one of them by its serial number or its path", usbCategory},
     {of(UsbError::NoDriver), "no-driver", "the driver usblp is not loaded",
-     "load it: sudo modprobe usblp; if it is on a blacklist below /etc/modprobe.d, take it off",
+     "load it: sudo modprobe usblp; if a blacklist below /etc/modprobe.d names it, remove that "
+     "line",
      usbCategory},
     {of(UsbError::HeldByPrintSystem), "held-by-print-system",
      "another program has taken it from the driver, as the print system's USB back end does",

@@ -1,7 +1,7 @@
 """The C library: how it is found, its prototypes, and its error codes as exceptions.
 
-It is called by ctypes and not by a compiled module, so that one package serves every version of Python and needs no
-compiler. A call by ctypes takes far less time than an exchange with a printer.
+The package calls the library by ctypes and not by a compiled module, so that one package serves every version of Python
+and needs no compiler. A call by ctypes takes far less time than an exchange with a printer.
 """
 
 from __future__ import annotations

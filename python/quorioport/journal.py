@@ -134,7 +134,7 @@ class Journal:
 
     def forget(self, name: str) -> bool:
         """Removes a job: a later call with its name prints it again, even if it is on paper. Returns False if there is
-        none.
+        no such job.
 
         Raises OperationError while a process prints the job.
         """

@@ -102,7 +102,7 @@ class VirtualPrinter:
         self._ask({"set": {key_of(name): value for name, value in settings.items()}})
 
     def state(self) -> dict[str, Any]:
-        """Its state by name: flags, firmware, counters and more."""
+        """Returns the printer's state by name: flags, firmware, counters and more."""
         state = self._ask({"get": "state"})["state"]
         assert isinstance(state, dict)
         return state

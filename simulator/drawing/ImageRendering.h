@@ -20,8 +20,8 @@ struct Picture {
 /// below it. May be called from any thread.
 Picture renderPicture(const Paper& paper);
 
-/// The same picture as a PNG file. Needs little more memory than the file, however long the paper
-/// is. Empty if the file cannot be created, for example for lack of memory.
+/// Returns the picture of `renderPicture` as a PNG file. Needs little more memory than the file,
+/// however long the paper is. Empty if the file cannot be created, for example for lack of memory.
 Bytes renderPng(const Paper& paper);
 
 /// The same PNG file, with the size of the picture in dots. A picture that is taller than

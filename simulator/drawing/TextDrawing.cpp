@@ -127,7 +127,7 @@ class GlyphCache {
     return glyphs_.emplace(key, glyphOf(key)).first->second;
   }
 
-  std::mutex mutex;  // to be held by each thread that draws
+  std::mutex mutex;  // each thread must hold this while it draws
 
  private:
   FontCaches fonts_;

@@ -50,7 +50,7 @@ struct LinkTraits {
   bool resets = true;
   bool linksAnew = true;         ///< each session has a link of its own
   bool standsSideBySide = true;  ///< a new session leaves the one before it alone
-  bool knowsWhatIsOwed = true;   ///< it can say that no reply is on its way
+  bool knowsWhatIsOwed = true;   ///< the link knows when no reply is on its way
   bool endsForTheDevice = true;  ///< the device learns of the end of a session
 };
 

@@ -130,7 +130,7 @@ TEST_P(LinkContract, TheEndOfTheSessionEndsTheLinkForTheDevice) {
 
 TEST_P(LinkContract, TheEndOfTheSessionLeavesTimeForADeviceThatReportsWhileItReads) {
   peer->stall();
-  const Bytes taken = fill(256 << 10);  // which any machine carries while the end waits
+  const Bytes taken = fill(256 << 10);  // so few that any machine moves them while the end waits
   Bytes arrived;
   std::thread device([&] {
     while (arrived.size() < taken.size()) {

@@ -3,10 +3,10 @@
 namespace quordalvane::contract {
 namespace {
 
-constexpr double instantly = generously / 2;  // for an end without a wait
+constexpr double instantly = generously / 2;  // seconds; a longer call has waited
 
 TEST_P(LinkContract, AWaitForBytesEndsAtOnceWhenBytesAreThere) {
-  ASSERT_EQ(write({1}), 1);  // it may be answered, so the wait would last
+  ASSERT_EQ(write({1}), 1);  // the device may answer, so the call would wait
   peer->write({1});
   const double start = now();
   input->waitUntilReady(generously);

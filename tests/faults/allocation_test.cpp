@@ -177,7 +177,7 @@ TEST(NewPortWithoutMemory, LeavesNoThread) {
   EXPECT_GT(failures, 5U);
 }
 
-/// With a platform that throws, and no memory to report it.
+/// The platform throws, and there is no memory to report the exception.
 class NoMemoryAtAll : public testing::TestWithParam<bool> {
  protected:
   /// Whether the platform's k-th call was made.

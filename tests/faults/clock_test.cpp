@@ -111,8 +111,8 @@ class ClockSweep : public testing::TestWithParam<std::tuple<std::int32_t, Printe
     }
   }
 
-  /// The same for a step that is too long to wait for: after some more readings, which must not end
-  /// the wait, the clock is corrected.
+  /// Sets the clock back by a step that is too long to wait for. After some more readings, which
+  /// must not end the wait, the clock is corrected.
   static void stepBackForAWhile(const Call& call, const Outcome& undisturbed,
                                 std::int64_t seconds) {
     constexpr std::size_t readings = 30;
@@ -193,7 +193,8 @@ TEST(ClockStep, DelaysEachWaitByTheStepAndNoMore) {
     const Outcome undisturbed = scenario.runOnPort(call);
     ASSERT_GT(undisturbed.seconds, 1) << call.name << " waits for nothing";
     const std::size_t readings = readingsOf(undisturbed);
-    scenario.script.stepsClock(readings, -hour);  // at the last look of the last wait
+    // The last wait reads the clock for the last time then.
+    scenario.script.stepsClock(readings, -hour);
     const Outcome delayed = scenario.runOnPort(call);
     EXPECT_EQ(delayed.result, undisturbed.result) << call.name;
     EXPECT_NEAR(delayed.seconds, undisturbed.seconds + static_cast<double>(hour), 2) << call.name;

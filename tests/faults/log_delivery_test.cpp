@@ -60,14 +60,14 @@ class SpoilingSink : public LogSink {
   // Belongs to the writer while it has records.
   std::uint64_t given = 0;
   std::uint64_t told = 0;
-  std::uint64_t words = 0;  // of the report
+  std::uint64_t words = 0;  // how often missing records were reported
   bool struck = false;
 
  private:
   const std::uint64_t k_;
   const bool fromThereOn_;
   bool begun_ = false;
-  std::optional<AllocationFault> fault_;  // of the writer's thread
+  std::optional<AllocationFault> fault_;  // on the writer's thread
   std::atomic<bool> entered_ = false;
   std::atomic<bool> released_ = false;
 };

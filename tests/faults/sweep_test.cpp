@@ -97,7 +97,7 @@ class FaultyRun {
   const bool fromThereOn_;
   std::shared_ptr<Fault> fault_;
   std::shared_ptr<FaultPlan> plan_;
-  std::string result_;  // of the operation itself, in the latest world
+  std::string result_;  // the result of the operation in the latest world
 };
 
 class FaultSweep : public testing::TestWithParam<std::tuple<std::int32_t, bool>> {

@@ -18,7 +18,7 @@
 
  @private
   id<NSStreamDelegate> delegate_;
-  NSThread* thread_;  // on which it is scheduled, or nil
+  NSThread* thread_;  // the thread on whose loop the watch is scheduled, or nil
   std::atomic<bool> isTold_;
 }
 

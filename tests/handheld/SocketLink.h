@@ -42,7 +42,7 @@ class SocketLink {
 
   const int number_;
   std::mutex mutex_;
-  bool isEnded_ = false;   // by this side
+  bool isEnded_ = false;   // this side has ended the connection
   bool isBroken_ = false;  // an error was seen
 };
 

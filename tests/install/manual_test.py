@@ -47,7 +47,7 @@ def settings() -> list[str]:
 
 
 def proofs() -> list[str]:
-    """As `print` names them if it is given another."""
+    """The proofs that `print` lists if it is given an unknown one."""
     refusal = subprocess.run([QUORPORT, "print", "--proof", "nonsense", "-"], capture_output=True, text=True, input="")
     return re.split(", | or ", re.search(r"takes (auto, .*), not", refusal.stderr).group(1))
 

@@ -8,7 +8,7 @@ namespace quordalvane::test {
 namespace {
 
 constexpr double slice = 0.1;
-constexpr double retryPause = 0.05;  // of the retrying writer, of line-mode status, of a begin
+constexpr double retryPause = 0.05;  // between two tries of a write, a line-mode status or a begin
 constexpr double endPause = 0.1;
 constexpr double pollPause = 0.2;
 constexpr double guardTimes = 1.0 + 1.5;
@@ -54,12 +54,14 @@ class Bounds {
 
   double end() const {
     const double mark = 2 * command();
-    return emulation_ == lineMode ? mark + wait(end_, endPause) + status()
-                                  : mark + 2 * command() + wait(end_, pollPause) + status() +
-                                        3 * slice;  // for a report, the byte after it, the drain
+    // The three slices are for the report, the byte after it and the drain.
+    return emulation_ == lineMode
+               ? mark + wait(end_, endPause) + status()
+               : mark + 2 * command() + wait(end_, pollPause) + status() + 3 * slice;
   }
 
-  /// This wait measures fractions of a second, so it does not get the extra second.
+  /// This wait is measured in fractions of a second, so the extra second for whole-second limits is
+  /// not added.
   static double response(double limit) { return limit + pollPause + slice; }
 
   double commandMode() const { return guardTimes + 2 * command() + response(moduleLimit); }
@@ -210,10 +212,10 @@ class Watch {
   }
 
   const bool endsBlockInEscPos_;
-  std::int64_t offered_ = 0;  // by this attempt of the writer
+  std::int64_t offered_ = 0;  // by the writer's current attempt
   std::int64_t taken_ = 0;
   int followed_ = 0;           // single bytes read since the last write
-  bool beginsReport_ = false;  // the first of them
+  bool beginsReport_ = false;  // true if the first of these bytes begins a report
   std::string stretch_;
 };
 

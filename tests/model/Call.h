@@ -35,7 +35,7 @@ struct Call {
   std::string name;
   std::function<std::string(ExternalAccessoryPort&, Caller&)> onPort;
   std::function<std::string(Model&, Caller&)> onModel;
-  std::vector<Operation> operations;  // that it is made of
+  std::vector<Operation> operations;  // the operations of which the call consists
 };
 
 /// The value as text, for results.
@@ -83,7 +83,8 @@ Call disconnectBluetoothConnection();
 /// Every public operation once, with plain arguments.
 std::vector<Call> allCalls();
 
-/// One after the other on the same port; the results joined by "; ".
+/// Makes one call of several: they run one after the other on the same port, and the results are
+/// joined by "; ".
 Call inTurn(std::vector<Call> calls);
 
 }  // namespace quordalvane::test

@@ -118,7 +118,7 @@ class Model {
   const Creation creation_;
   Platform& platform_;
   Trace& trace_;
-  const std::shared_ptr<const void> receiver_;  // of the streams' events
+  const std::shared_ptr<const void> receiver_;  // receives the streams' events
   const std::int32_t limit_;                    // the creation time-out in whole seconds
   std::uint32_t endMillis_;
   std::uint32_t holdMillis_ = 0;

@@ -21,9 +21,9 @@ struct Outcome {
   bool opened = false;  // before the call
   std::string result;
   Caller caller;
-  std::string properties;  // of the port, afterwards
+  std::string properties;  // the port's properties after the call
   std::vector<Line> lines;
-  double seconds = 0;  // of virtual time
+  double seconds = 0;  // in virtual time
 
   /// The bytes that passed and the waits, repetitions folded.
   std::string wire() const { return view(lines, {About::Data, About::Wait}); }

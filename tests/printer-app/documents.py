@@ -31,7 +31,7 @@ def chunk(name: bytes, data: bytes) -> bytes:
 
 
 def png(rows: list[bytes], size: tuple[int, int] | None = None) -> bytes:
-    """Grey; `size` is what the file claims, if that is another one."""
+    """Grey; `size` is the size in the file's header if it differs from the real one."""
     width, height = size or (len(rows[0]), len(rows))
     return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, 8, 0, 0, 0, 0))
             + chunk(b"IDAT", zlib.compress(b"".join(b"\0" + row for row in rows))) + chunk(b"IEND", b""))
@@ -115,7 +115,8 @@ def pwg_page(rows: list[bytes], height: int, bits: int) -> bytes:
 
 
 def pwg(*pages: list[bytes], height: int = 0, bits: int = 8) -> bytes:
-    """Pages of so many bits a pixel, 8 of grey; `height` is what each page claims, if that is another one."""
+    """Pages of so many bits a pixel, 8 of grey; `height` is the height in each page's header if it differs from the
+    real one."""
     return b"RaS2" + b"".join(pwg_page(rows, height or len(rows), bits) for rows in pages)
 
 

@@ -6,7 +6,7 @@ from application import RAW, ROOT, Application, collection, keyword
 from documents import FIGURE, apple, figures, jpeg, page, png, pwg
 from harness import main
 
-# Of 80 mm at 203 dots an inch; the print head has 576 dots, and a page loses 31 at its left.
+# A page is 80 mm wide at 203 dots an inch. The print head has only 576 dots, so the page loses 31 dots at its left.
 PAPER, LOST = 639, 31
 EDGE = 48  # of the head, in the picture of a receipt
 PAGE = page(PAPER, 320, LOST + 48, 40)

@@ -65,7 +65,7 @@ class Mutant:
         return text[: self.start] + self.new + text[self.end :]
 
     def describe(self, text: str) -> tuple[str, str]:
-        """The line, as it is and as it becomes."""
+        """The line before and after the change."""
         begin = text.rfind("\n", 0, self.start) + 1
         end = text.find("\n", self.end)
         changed = text[begin : self.start] + self.new + text[self.end : end]
@@ -81,7 +81,7 @@ def is_code(text: str, place: int) -> bool:
 
 
 def bare(text: str) -> str:
-    """Without comments, in one line."""
+    """Returns the text in one line and without comments."""
     return " ".join(re.sub(r"(?m)(?:^|(?<=\s))//[^\"\n]*$", "", text).split())
 
 
@@ -125,7 +125,7 @@ class Tried:
         self.answers = ledger.of(area.name, "")
 
     def name(self, mutant: Mutant) -> str:
-        """It outlives changes elsewhere in the file, and of comments."""
+        """The mutant's name, which does not depend on the rest of the file or on comments."""
         text = self.sources[mutant.path]
         earlier = text[: mutant.start].count("\n" + text[text.rfind("\n", 0, mutant.start) + 1 : mutant.end])
         return f"{mutant.path} {tuple(map(bare, mutant.describe(text)))} {earlier}"

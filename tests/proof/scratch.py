@@ -19,7 +19,7 @@ ENVIRONMENT = os.environ | {
     "QUOR_SCRIPTS": "4000", "QUOR_SIMULATED_JOBS": "2000", "QUOR_SIMULATED_PROOFS": "2000", "QUOR_PORT_CYCLES": "100", "QUOR_PORT_RELEASES": "50",
     "QUOR_PROPERTY_WRITES": "1000", "QUOR_LOG_RECORDS": "1000", "GTEST_FAIL_FAST": "1", "GTEST_BRIEF": "1",
 }
-SHARDS = 4  # of a program that waits more than it works
+SHARDS = 4  # processes for a program that mostly waits
 QUICK_LINKER = ["-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=mold", "-DCMAKE_SHARED_LINKER_FLAGS=-fuse-ld=mold"] if shutil.which("mold") else []
 
 

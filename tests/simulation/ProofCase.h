@@ -12,7 +12,7 @@ namespace quordalvane::simulation {
 /// A job whose parts are found again on the paper, whatever the printer prints between them.
 struct Receipt {
   ByteBuffer data;
-  std::vector<ByteBuffer> parts;  ///< in their order
+  std::vector<ByteBuffer> parts;  ///< in the order in which they are printed
 };
 
 /// ESC/POS jobs on one port that use one proof, on a printer that gives some proofs or no proof.

@@ -66,7 +66,7 @@ RULES = (
     # The links of the system take over a connection that the Bluetooth service has made.
     Rule("backends/bluez", ("platform", "backends", PUBLIC), EVERY_SYSTEM_HEADER),
     Rule("backends/bluez/BluetoothScheme.h", (PUBLIC,), set()),
-    # On the device the frameworks' own headers; here those of the same names in its sub-folder.
+    # The device has the frameworks' own headers; this system has headers of the same names in a sub-folder.
     Rule("backends/handheld", ("platform", PUBLIC), EVERY_SYSTEM_HEADER),
     Rule("discovery", ("backends", "text", PUBLIC), EVERY_SYSTEM_HEADER),
     Rule("job", ("iphone-IOPort", "platform", PUBLIC), STANDARD, NO_CLOCK),

@@ -16,7 +16,7 @@ Bytes bytes(std::string_view pairs);
 /// The characters of a text as bytes.
 Bytes ascii(std::string_view text);
 
-/// One after the other.
+/// Returns the bytes of `first`, followed by those of `second`.
 Bytes operator+(Bytes first, const Bytes& second);
 
 /// "<1b 06 01>": how traces and records show bytes.

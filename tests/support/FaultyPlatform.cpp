@@ -271,7 +271,7 @@ class FaultyPlatform::Parts {
     return runLoops_.try_emplace(&next, next, plan).first->second;
   }
 
-  Platform& below;  // which the whole keeps
+  Platform& below;  // the FaultyPlatform keeps it alive
   const Plan plan;
   FaultyManager manager;
   FaultyDevice device;

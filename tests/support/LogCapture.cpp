@@ -45,7 +45,7 @@ void LogCapture::clear() {
 std::vector<LogRecord> LogCapture::take() {
   const LogStatistics now = LogWriter::sharedInstance().statistics();
   if (now.handedOver == seen_.handedOver) {
-    return {};  // without the change of threads that a flush costs
+    return {};  // no flush is needed, which would cost a change of threads
   }
   const bool isComplete =
       LogWriter::sharedInstance().flush(std::chrono::minutes(1)) && now.dropped == seen_.dropped;

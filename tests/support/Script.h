@@ -36,7 +36,7 @@ struct Script {
   Reply deliveries;
   std::vector<Answer> answers;
   std::optional<std::size_t> mostPerRead;
-  std::map<std::size_t, std::int64_t> readResults;  // of the n-th read of the stream, from 1
+  std::map<std::size_t, std::int64_t> readResults;  // of the stream's n-th read; n counts from 1
   /// The link's answer whether bytes may still arrive: always, never, or from a write that may be
   /// answered until the next read that returns bytes.
   enum class Expects { Always, Never, WhereAsked };
@@ -46,7 +46,7 @@ struct Script {
   std::vector<std::size_t> attempts;  // how many bytes each `write:` can send; later ones send all
   std::optional<std::size_t> mostPerWrite;
   double noSpaceUntil = 0;
-  std::map<std::size_t, std::int64_t> writeResults;  // of the n-th write to the stream, from 1
+  std::map<std::size_t, std::int64_t> writeResults;  // of the stream's n-th write, from 1
 
   // -- The link and the clock ---------------------------------------------------------------------
   std::vector<bool> connectedAnswers;  // the answers to the first questions; later answers are true

@@ -21,9 +21,9 @@ enum class About { Question, Data, Wait, Lifecycle, Log };
 /// One line of a trace.
 struct Line {
   About about;
-  std::string method;  // of a log record
+  std::string method;  // the method that a log record names
   std::string text;
-  double at = 0;  // in seconds, of a call to the platform
+  double at = 0;  // the time of a call to the platform, in seconds
 
   /// True if the two lines are equal except for their times.
   bool operator==(const Line& other) const {

@@ -42,7 +42,8 @@ class VirtualThread : public NSThread {
   bool start() override;
   void cancel() override {}
 
-  /// As promised, for callers that take turns in virtual time; throws std::logic_error on others.
+  /// Keeps the promise of NSThread for threads that take turns in virtual time; throws
+  /// std::logic_error on any other thread.
   bool performAndWait(std::function<void()> routine) override;
 
  private:

@@ -4,7 +4,7 @@ import struct
 import zlib
 
 SIGNATURE = b"\x89PNG\r\n\x1a\n"
-CHANNELS = {0: 1, 2: 3, 4: 2, 6: 4}  # by colour type
+CHANNELS = {0: 1, 2: 3, 4: 2, 6: 4}  # the number of channels of each colour type
 
 
 class Picture:
@@ -33,7 +33,7 @@ class Picture:
         return rows
 
     def brightness(self, x: int, y: int) -> int:
-        """Of a pixel, 0 to 255."""
+        """The brightness of a pixel, 0 to 255."""
         pixel = self.rows[y][x * self.channels:(x + 1) * self.channels]
         return sum(pixel[:3]) // 3 if self.channels > 2 else pixel[0]
 

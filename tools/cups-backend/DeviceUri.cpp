@@ -99,7 +99,7 @@ std::string deviceIn(std::string_view path) {
   std::string whole = deviceTextOf(path, isNoData);
   refuseCredentials(whole, scheme);
   if (scheme == nullptr) {
-    return whole;  // it may be a device text without a scheme
+    return whole;  // the URI may be a device text without a scheme
   }
   const std::string_view rest = inside.substr(name.size());
   if (rest.starts_with(':')) {

@@ -26,7 +26,8 @@ class StopWish {
   /// Marks `job` as being printed; it must live until `endJob`.
   void beginJob(PrintJob& job);
 
-  /// Marks the job as ended. Its outcome must be in the journal already.
+  /// Marks the job as ended. The caller must have recorded the outcome of the job in the journal
+  /// before.
   void endJob();
 
  private:

@@ -10,8 +10,8 @@ namespace {
 
 struct Option {
   std::string_view name;
-  std::string_view values;                                  // that it takes, for people
-  bool (*set)(Settings& settings, std::string_view value);  // false for another value
+  std::string_view values;  // the valid values, as a text for people
+  bool (*set)(Settings& settings, std::string_view value);  // returns false for an invalid value
 };
 
 template <typename Number>

@@ -90,7 +90,7 @@ class Grammar {
       sub.footer(own + (own.empty() ? "" : "\n") + help::commandFooter);
     }
     help_ = &addCommand("help", "show the help of a command");
-    help_->add_option("COMMAND", helpOn_, "the command; without one, the help of all");
+    help_->add_option("COMMAND", helpOn_, "the command; without it, the general help is shown");
   }
 
   std::variant<Order, std::string> parse(std::vector<std::string> arguments) {

@@ -30,7 +30,6 @@ class Interruption {
   /// `giveUp` must deliver its argument, the report, and end the process. It is called only while
   /// nothing is open that must be closed. It is necessary because an attempt to connect, or a read
   /// from a pipe, cannot be interrupted.
-  /// connect nor a read from a pipe can be interrupted.
   ///
   /// `report` is used if the request ends the command before `setReport`.
   Interruption(Report report, GiveUp giveUp);
@@ -96,9 +95,9 @@ class Interruption {
   std::optional<ExitCode> code_;  // the exit status of the request; empty if there was none
 };
 
-/// This system's platform, with sleeps that a request interrupts. Some loops of a port never sleep.
-/// But each of them asks whether the accessory is connected, so a request interrupts that question
-/// as well.
+/// The ordinary platform, except that a request interrupts its sleeps. Some loops of a port never
+/// sleep. But each of them asks whether the accessory is connected, so a request interrupts that
+/// question as well.
 class InterruptiblePlatform : public ForwardingPlatform {
  public:
   explicit InterruptiblePlatform(std::shared_ptr<Interruption> interruption);

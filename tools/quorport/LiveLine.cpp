@@ -10,7 +10,7 @@ namespace {
 
 constexpr auto eraseLine = "\r\x1b[K";
 
-// One column less than the terminal has: a longer line would wrap and could not be erased.
+// Returns one column less than the terminal has: a longer line would wrap and could not be erased.
 std::size_t longestOn(int descriptor) {
   constexpr std::size_t usual = 80;
   winsize size{};

@@ -16,7 +16,7 @@ Json jsonOf(const QuorPrinterStatus_2& status);
 /// Remarks about the printer for people: first whether it can print, and if not, why.
 std::vector<std::string> remarks(const QuorPrinterStatus_2& status);
 
-/// The same remarks as lines of text.
+/// Returns the remarks as lines of text.
 std::string describe(const QuorPrinterStatus_2& status);
 
 /// Every field of the record as a line of text.

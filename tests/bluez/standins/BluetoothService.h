@@ -26,9 +26,9 @@ struct StandInDevice {
 
 /// How the stand-in connects.
 enum class Connecting {
-  InOrder,       ///< hands over the connection, and answers when that was taken
+  InOrder,       ///< hands over the connection, and answers after the program has taken it
   AnswersEarly,  ///< answers before it hands over the connection
-  OfAnother,     ///< hands over one of a device that nobody has asked for, then the right one
+  OfAnother,     ///< first hands over a connection of another device, then the right one
   Refuses,       ///< answers with an error
   Never,         ///< does not answer
 };

@@ -22,7 +22,7 @@ constexpr int killed = 137;
 constexpr int usage = 64;
 
 void* option(std::uint64_t value) {
-  return reinterpret_cast<void*>(value);  // as ptrace takes its options
+  return reinterpret_cast<void*>(value);  // ptrace takes its options as a pointer
 }
 
 std::string textAt(pid_t thread, std::uint64_t address) {

@@ -18,7 +18,7 @@ struct UsbIdentity {
   std::string serial;  ///< "" if it reports none
   std::string id = "MFG:Quor Dalvane;CMD:ESCPOS;MDL:XQ700;CLS:PRINTER;";
   std::uint8_t protocol = 2;       ///< 1 only takes bytes, 2 answers as well
-  bool isSecondInterface = false;  ///< its first one is then of the maker's own class
+  bool isSecondInterface = false;  ///< if true, the first interface is of the maker's own class
 };
 
 /// The printer's end of a USB cable: a gadget of this kernel, whose endpoints the program serves.

@@ -25,7 +25,7 @@ class JournalCase : public testing::Test {
             .timeout = std::chrono::milliseconds(0)};
   }
 
-  /// As a program prints under a name, from the opening of the journal to the outcome.
+  /// Prints under a name as a program does: opens the journal, prints, and returns the outcome.
   NamedJobResult print(Till& till, const std::string& name, bool again = false,
                        const ByteBuffer& data = receiptText) {
     Journal journal(file);

@@ -42,8 +42,8 @@ inline auto failedBy(const std::string& error, const std::string& arguments = "<
   return testing::EndsWith("Error | " + error + "\nEnd | " + arguments + ", -> 0\n");
 }
 
-/// The same for a wait that began this number of seconds after the clock's first second and has
-/// passed its limit.
+/// The last records of an operation whose wait has passed its limit; the wait began `start` seconds
+/// after the clock's first second.
 inline auto timedOut(const std::string& limit, int seconds, int now, int start = 0) {
   constexpr int first = 1000000;
   return failedBy("end.tv_sec - start.tv_sec > " + limit + ", " + std::to_string(first + now) +

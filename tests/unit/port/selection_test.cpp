@@ -23,7 +23,7 @@ Scenario choosing(std::optional<std::string> portName, std::vector<AccessoryIden
   return scenario;
 }
 
-/// Without the blank beside an empty text.
+/// Returns the records without the blank that an empty text leaves at the end of a line.
 std::string withoutEmptyTexts(std::string records) {
   for (std::size_t blank; (blank = records.find(" \n")) != std::string::npos;) {
     records.erase(blank, 1);

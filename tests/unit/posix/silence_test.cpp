@@ -34,7 +34,7 @@ class Printer {
     return socket;
   }
 
-  /// From now on nothing reaches it, and so it acknowledges nothing.
+  /// From now on nothing reaches the other side, so it acknowledges nothing.
   void pullTheCable() const {
     std::array<sock_filter, 1> takeNothing = {{BPF_STMT(BPF_RET | BPF_K, 0)}};
     const sock_fprog filter{.len = takeNothing.size(), .filter = takeNothing.data()};

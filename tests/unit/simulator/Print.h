@@ -45,8 +45,8 @@ class Print {
     return dots;
   }
 
-  static constexpr unsigned leftEdge = 48;  // from the picture's edge to the print
-  static constexpr unsigned paperTop = 36;  // to the first line
+  static constexpr unsigned leftEdge = 48;  // dots from the picture's left edge to the print
+  static constexpr unsigned paperTop = 36;  // dots from the picture's top to the first line
 
  private:
   Session session_;

@@ -30,7 +30,7 @@ struct Answer {
   std::optional<QuorPrinterStatus_2> status;
   std::optional<ProofKind> proof;
   ByteBuffer bytes;        // the first bytes that arrived, understood or not
-  std::string portReport;  // without a status: the last trouble that the port reported
+  std::string portReport;  // the last error that the port reported, if there is no status
   bool isLinkLost = false;
 };
 

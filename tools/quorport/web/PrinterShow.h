@@ -12,7 +12,7 @@
 
 namespace quordalvane::tool {
 
-/// One printer as browsers see it.
+/// Shows one printer to browsers.
 class PrinterShow {
  public:
   /// `number` counts from 1. `station` and `control` must outlive this.

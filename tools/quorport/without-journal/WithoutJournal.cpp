@@ -9,7 +9,7 @@ namespace {
 [[noreturn]] void refuseJournal() {
   throw CommandFailure(
       ExitCode::NoJournal,
-      "this quorport was built without the journal of jobs, which takes SQLite and Nettle; "
+      "this quorport was built without the journal of jobs, which needs SQLite and Nettle; "
       "nothing was sent");
 }
 
