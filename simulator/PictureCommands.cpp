@@ -1,5 +1,6 @@
 // The commands for pictures and symbols.
 
+#include <algorithm>
 #include <utility>
 
 #include "simulator/Typesetter.h"
@@ -8,10 +9,11 @@ namespace quordalvane::simulator {
 
 // An image or a symbol begins at the position to which the job has moved, as in page mode.
 Place Typesetter::beginPicture() {
-  const unsigned across = line_.empty() ? line_.position() : 0;
+  const unsigned position = line_.empty() ? line_.position() : 0;
   line_.endIfBegun(target());
   Place place = line_.place();
   if (place.alignment == Alignment::Left) {
+    const unsigned across = std::min(position, place.room - 1);
     place.left += across;
     place.room -= across;
   }

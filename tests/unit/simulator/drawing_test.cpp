@@ -24,6 +24,10 @@ TEST(Pictures, BeginAtThePositionToWhichTheJobHasMoved) {
   EXPECT_GT(code.darkIn(100, 0, 63, 63), 500U);
 }
 
+TEST(Pictures, BeginWithinAPrintAreaThatBecameNarrower) {
+  EXPECT_EQ(Print(hex("1b24 6400 1d57 3200") + square).darkIn(49, 0, 8, 8), 64U);
+}
+
 TEST(Pictures, AfterTextBeginAtTheLeftOfTheNextLine) {
   EXPECT_EQ(Print(ascii("text") + square).darkIn(0, 30, 8, 8), 64U);
 }
