@@ -65,8 +65,7 @@ bool lookAfterJobs(pappl_system_t* system, void* file) {
   papplSystemIteratePrinters(
       system,
       [](pappl_printer_t* printer, void* /*data*/) {
-        if (papplPrinterGetState(printer) == IPP_PSTATE_IDLE &&
-            papplPrinterGetNumberOfActiveJobs(printer) > 0) {
+        if (waitsInVain(printer)) {
           letOldestGoNext(printer);
           papplPrinterResume(printer);
         }

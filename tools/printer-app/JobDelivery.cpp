@@ -83,6 +83,9 @@ class Delivery {
       if (isWaiting) {
         std::this_thread::sleep_for(pause);
       }
+      if (isOlderUnderWay(job_)) {
+        continue;
+      }
       const PrintResult result = attempt();
       if (result.outcome != PrintOutcome::Refused) {
         return judge(result);

@@ -1,6 +1,7 @@
 #include "tools/printer-app/JobOrder.h"
 
 #include <algorithm>
+#include <map>
 #include <mutex>
 #include <utility>
 #include <vector>
@@ -57,6 +58,33 @@ void letOldestGoNext(pappl_printer_t* printer) {
       hold(job);
     }
   }
+}
+
+bool isOlderUnderWay(pappl_job_t* job) {
+  struct Search {
+    int id;
+    bool isFound;
+  } search = {papplJobGetID(job), false};
+  papplPrinterIterateActiveJobs(
+      papplJobGetPrinter(job),
+      [](pappl_job_t* other, void* data) {
+        auto& asked = *static_cast<Search*>(data);
+        asked.isFound |=
+            papplJobGetID(other) < asked.id && papplJobGetState(other) == IPP_JSTATE_PROCESSING;
+      },
+      &search, 1, 0);
+  return search.isFound;
+}
+
+bool waitsInVain(pappl_printer_t* printer) {
+  static std::map<int, int> oldestJobs;  // by printer; 0 if none waits
+  int oldest = 0;
+  if (papplPrinterGetState(printer) == IPP_PSTATE_IDLE) {
+    const std::vector<WaitingJob> waiting = waitingJobs(printer);
+    oldest = waiting.empty() ? 0 : waiting.front().id;
+  }
+  const int before = std::exchange(oldestJobs[papplPrinterGetID(printer)], oldest);
+  return oldest != 0 && oldest == before;
 }
 
 // A job that a user holds has a time until which it is held; the time may be "indefinite".
