@@ -94,6 +94,17 @@ static void AQuestionWithoutAnAnswerHasItsCause(void) {
   done(port);
 }
 
+static void AJudgedAnswerThatHasNoPlaceIsAUsageError(void) {
+  QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
+  EXPECT_FAILURE(quor_printer_status(port, NULL, 0), QUOR_USAGE, "status");
+  EXPECT_FAILURE(quor_printer_is_online(port, NULL), QUOR_USAGE, "answer");
+  EXPECT_FAILURE(quor_printer_firmware(port, NULL, 8, NULL), QUOR_USAGE, "buffer");
+  EXPECT_FAILURE(quor_printer_dip_switches(port, NULL), QUOR_USAGE, "settings");
+  EXPECT_FAILURE(quor_printer_button_security_timeout(port, NULL), QUOR_USAGE, "time-out");
+  EXPECT_FAILURE(quor_printer_proof(port, NULL), QUOR_USAGE, "proof");
+  done(port);
+}
+
 const Sentence inquirySentences[] = {SENTENCE(AJudgedStatusIsThePrinters),
                                      SENTENCE(APrinterSaysWhichProofItGives),
                                      SENTENCE(TheRestOfOneAnswerIsNotTakenForTheNext),
@@ -101,4 +112,5 @@ const Sentence inquirySentences[] = {SENTENCE(AJudgedStatusIsThePrinters),
                                      SENTENCE(JudgedQuestionsGiveEveryFactAboutThePrinter),
                                      SENTENCE(AnOffLinePrinterIsNotAskedForItsFirmware),
                                      SENTENCE(AQuestionWithoutAnAnswerHasItsCause),
+                                     SENTENCE(AJudgedAnswerThatHasNoPlaceIsAUsageError),
                                      {0}};
