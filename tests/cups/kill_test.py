@@ -21,7 +21,7 @@ class Killed(ProgramCase):
         code, said = self.run_to_end(self.start(self.printer, self.receipt, options=f"job-uuid={call}", under=under))
         return code, "STATE: paused\n" in said, printed(self.printer) > before
 
-    def test_its_death_is_always_noticed(self):
+    def test_the_death_of_the_back_end_is_always_noticed(self):
         self.printer, self.receipt = self.simulator(), self.file("receipt", RECEIPT)
         call, code = 0, KILLED
         while code == KILLED:

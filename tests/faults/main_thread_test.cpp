@@ -32,7 +32,7 @@ class Life {
     threads_ = std::make_shared<CountedThreads>(world_.platform());
   }
 
-  /// The result of the step.
+  /// Returns the result of the step as text.
   std::string run(Step faulty) {
     std::string result = take(Step::Creation, faulty);
     if (faulty != Step::Creation) {

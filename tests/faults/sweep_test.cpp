@@ -54,7 +54,7 @@ class FaultyRun {
   FaultyRun(Call call, MakeFault makeFault, bool fromThereOn)
       : call_(std::move(call)), makeFault_(std::move(makeFault)), fromThereOn_(fromThereOn) {}
 
-  /// Fails the k-th call. False if there was none.
+  /// Fails the k-th call. Returns false if there was no k-th call.
   bool run(Scenario scenario, std::uint64_t k) {
     scenario.layerStepsBack = std::max<std::int64_t>(0, -makeFault_()->clockStep());
     scenario.layer = [this, k, below = scenario.layer](std::shared_ptr<Platform> next) {

@@ -43,7 +43,7 @@ class SocketLink {
   const int number_;
   std::mutex mutex_;
   bool isEnded_ = false;   // this side has ended the connection
-  bool isBroken_ = false;  // an error was seen
+  bool isBroken_ = false;  // a call has failed with an error
 };
 
 }  // namespace quordalvane::test

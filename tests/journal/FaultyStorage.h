@@ -5,7 +5,7 @@
 namespace quordalvane::test {
 
 /// A layer below SQLite that fails a call on purpose, as a disk does. As long as it lives, every
-/// database of the process lies on it. One at a time.
+/// database of the process lies on it. Only one may exist at a time.
 class FaultyStorage {
  public:
   /// The call that fails: that of this number, counted from 1 over all opens, writes, syncs and
@@ -15,7 +15,7 @@ class FaultyStorage {
   FaultyStorage(const FaultyStorage&) = delete;
   FaultyStorage& operator=(const FaultyStorage&) = delete;
 
-  /// Calls so far.
+  /// The number of calls so far.
   std::uint64_t calls() const;
 };
 

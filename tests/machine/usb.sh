@@ -36,7 +36,7 @@ doctor() { # EXIT_CODE CAUSE_OR_TEXT [OPTION …]: whether the doctor says so
   answers "$wanted" "$said" quorport -d usb: -t 1000 "$@" doctor --json
 }
 
-prints() { # DEVICE [OPTION …]
+prints() { # DEVICE [OPTION …]: prints a receipt
   printed_on=$1
   shift
   answers 0 '"outcome":"printed"' quorport -d "$printed_on" "$@" print /run/receipt --json

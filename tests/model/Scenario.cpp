@@ -76,7 +76,7 @@ Outcome runOn(Port& port, const Scenario& scenario, ScriptedWorld& world, Side s
   return run;
 }
 
-/// The first difference of two texts, with the lines before it; "" if there is none.
+/// The first difference of two texts, with the lines before it; "" if the texts are equal.
 std::string firstDifference(const char* firstName, const std::string& first, const char* secondName,
                             const std::string& second) {
   if (first == second) {

@@ -56,7 +56,7 @@ struct Scenario {
   std::optional<std::int64_t> dataTimeoutSeconds{};
   std::optional<std::string> systemVersion{};
   bool isOpen = true;
-  enum class Opens { Surely, Perhaps } opens = Opens::Surely;  // if it is to be open
+  enum class Opens { Surely, Perhaps } opens = Opens::Surely;  // only if `isOpen`
   bool logging = true;
   std::set<std::int32_t> levels = {0};
 

@@ -79,7 +79,7 @@ class Client:
             printer=(ipp.attribute(ipp.NAME, "printer-name", name),)))
 
     def print(self, contents: bytes, kind: str = "text/plain", *attributes: bytes) -> int:
-        """The number of the job."""
+        """Sends a print job and returns its number."""
         answer = self.ask(ipp.PRINT_JOB, ipp.attribute(ipp.FORMAT, "document-format", kind), job=attributes, data=contents)
         return answer[0]["job-id"][0]
 
@@ -87,7 +87,7 @@ class Client:
         self.ask(operation, ipp.attribute(ipp.INTEGER, "job-id", job))
 
     def job(self, job: int) -> tuple[str, str]:
-        """State and message."""
+        """Returns the job's state and its message."""
         found = self.ask(ipp.GET_JOB, ipp.attribute(ipp.INTEGER, "job-id", job))[0]
         return STATES[found["job-state"][0]], found.get("job-state-message", [""])[0]
 

@@ -64,7 +64,7 @@ def jpeg(rows: list[bytes]) -> bytes:
             size = abs(step).bit_length()
             bits.add(size, 4)  # the code of a size is the size itself
             bits.add(step if step > 0 else step + (1 << size) - 1, size)
-            bits.add(0, 1)  # nothing but the mean
+            bits.add(0, 1)  # no coefficients except the mean
     means = bytes([0, 0, 0, 12] + [0] * 12) + bytes(range(12))
     rest = bytes([1] + [0] * 15) + b"\0"
     return (b"\xff\xd8" + segment(0xDB, b"\0" + b"\1" * 64)

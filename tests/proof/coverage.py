@@ -4,7 +4,7 @@ ends, the C interface and the virtual printer's replies.
 Usage: coverage.py BUILD, a folder built by the coverage preset. Runs its test programs and counts each way
 that a condition in the sources can take. It is clang's count of the sources, not of the machine code: what a
 compiler adds for exceptions and for the cleaning up of temporaries is not in it. Conditions that are
-constants, as in `while (true)`, are omitted: they have one outcome.
+constants, as in `while (true)`, are omitted, because they have only one outcome.
 
 Prints each branch that no test takes, with its explanation from uncovered.md. Fails when one of the first four
 rooms is not explained or they take fewer than 98 of 100 together, when an explanation is of no such branch, or

@@ -131,7 +131,7 @@ class Tried:
         return f"{mutant.path} {tuple(map(bare, mutant.describe(text)))} {earlier}"
 
     def state(self, mutant: Mutant, answer: str) -> str:
-        """What the answer depends on."""
+        """Everything on which the answer depends."""
         source = bare(self.sources[mutant.path])
         if answer == "compiler":
             return digest_of_texts(source)

@@ -93,7 +93,7 @@ def options() -> argparse.Namespace:
 
 
 def prove(row: Row, size: str, ledger: Ledger, state: str) -> bool:
-    """Runs the row as far as there is time, and writes the results so far. False when it fails."""
+    """Runs the row as far as there is time, and writes the results so far. Returns false if the row fails."""
     print(f"== {row.title}, {size} size", flush=True)
     failure = None
     try:

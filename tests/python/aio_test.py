@@ -114,7 +114,7 @@ class Asynchronous(unittest.IsolatedAsyncioTestCase):
         self.addCleanup(may_open.set)
         port.port.worker.submit(may_open.wait)
         opening = asyncio.create_task(port.__aenter__())
-        await asyncio.sleep(0)  # it has begun
+        await asyncio.sleep(0)  # the call has begun
         opening.cancel()
         with self.assertRaises(asyncio.CancelledError):
             await opening

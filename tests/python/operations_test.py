@@ -42,7 +42,7 @@ ENDINGS = {"disconnect", "close"}
 # Parts of Port for the package's other classes.
 INNER = {"handle", "start_job", "worker"}
 
-# What raises each error.
+# For each error, a call that raises it.
 ERRORS: dict[type[Exception], Callable[[], object]] = {
     quorioport.UsageError: lambda: on("virtual:", lambda port: port.read(-1)),
     quorioport.OperationError: lambda: Port("virtual:").status(),
@@ -113,7 +113,7 @@ class Operations(unittest.TestCase):
             answers = in_threads(*(lambda n=name, a=arguments: getattr(port, n)(*a) for name, arguments in calls))
             for (name, _), answer in zip(calls * THREADS, answers, strict=True):
                 self.assertAnswers(name, answer)
-            self.assertRaises(quorioport.LinkLostError, in_threads, port.disconnect)  # the second one of them
+            self.assertRaises(quorioport.LinkLostError, in_threads, port.disconnect)  # the second call finds no link
             self.assertTrue(port.is_open)
             in_threads(port.close)
             self.assertFalse(port.is_open)

@@ -101,7 +101,7 @@ PrintResult World::printAgain(const ByteBuffer& data) {
 
 void World::recover() {
   accessory_->setFaults({});
-  platform_->clock().usleep(10000000);  // past the last turn
+  platform_->clock().usleep(10000000);  // later than the last turn
   for (const Turn& turn : given_.turns) {
     set(turn.flag, false);
   }

@@ -24,7 +24,7 @@ class Help(unittest.TestCase):
                 self.assertEqual(done.returncode, 0, done.stderr)
                 self.assertTrue(done.stdout.startswith("usage: ./dev COMMAND\n"), done.stdout)
 
-    def test_an_unknown_command_is_refused_with_the_list(self):
+    def test_an_unknown_command_is_refused_and_the_commands_are_listed(self):
         done = dev("fly")
         self.assertEqual(done.returncode, 2)
         self.assertIn("no command 'fly'", done.stderr)

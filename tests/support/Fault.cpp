@@ -94,7 +94,7 @@ class Disconnected : public Fault {
   bool isConnected(EAAccessory&) override { return false; }
 };
 
-/// Lost, back, lost, back.
+/// The link is lost at the first question, back at the second, and so on in turn.
 class Reconnecting : public Fault {
  public:
   Reconnecting() : Fault("reconnect") {}

@@ -9,8 +9,8 @@
 
 namespace quordalvane::test {
 
-/// Gathers every log record of the process, raw and in order, from its first use on. For one
-/// thread.
+/// Gathers every log record of the process, raw and in order, from its first use on. Only one
+/// thread may use it.
 class LogCapture {
  public:
   static LogCapture& instance();
@@ -22,7 +22,7 @@ class LogCapture {
   /// Forgets all records so far.
   void clear();
 
-  /// All records since the last call or `clear`. Throws when one was dropped.
+  /// All records since the last call or `clear`. Throws if a record was dropped.
   std::vector<LogRecord> take();
 
  private:
@@ -31,7 +31,7 @@ class LogCapture {
   LogCapture();
 
   const std::shared_ptr<Sink> sink_;
-  LogStatistics seen_{};  // the state at the last call
+  LogStatistics seen_{};  // the statistics at the last call
 };
 
 /// Logging is switched as given while this object exists, and off afterwards.

@@ -25,7 +25,8 @@ class Scheduler {
     friend class Scheduler;
     std::condition_variable turn_;
     bool hasTurn_ = false;
-    std::optional<std::pair<Instant, std::uint64_t>> due_;  // empty: it waits until it is woken
+    // If empty, the thread waits until it is woken.
+    std::optional<std::pair<Instant, std::uint64_t>> due_;
   };
 
   /// The calling thread becomes the first one and has the turn.

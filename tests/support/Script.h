@@ -56,7 +56,7 @@ struct Script {
   std::optional<std::size_t> lostAfterReads;       // of the stream
   std::size_t lostAfterCalls = 100000;             // so that every run ends
   std::map<std::size_t, std::int64_t> clockSteps;  // seconds, before the n-th reading, from 1
-  std::int64_t startMicroseconds = 0;              // past the full second
+  std::int64_t startMicroseconds = 0;              // microseconds after the full second
 
   // -- The same as sentences ----------------------------------------------------------------------
   Script& delivers(Bytes what, double at = 0);

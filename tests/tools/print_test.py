@@ -57,7 +57,7 @@ class Printing(Case):
             self.assertExit(code, result)
             self.assertEqual(result.json()["device"], device)
 
-    def test_an_error_at_the_start_has_an_outcome(self):
+    def test_an_error_before_the_job_is_reported_as_refused(self):
         for arguments in (("--log", self.folder), ("-p", "BT:nobody"), ("--receipt", self.folder / "no" / "a.txt")):
             result = run("-d", "virtual:", "print", "-", *arguments, "--json", data=b"text\n")
             self.assertEqual(set(result.json()), KEYS)

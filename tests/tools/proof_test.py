@@ -158,7 +158,7 @@ class OrdinaryPrinters(Case):
             ready, _, _ = select.select([master], [], [], 1)
             try:
                 shown += os.read(master, 4096) if ready else b""
-            except OSError:  # the other side has gone
+            except OSError:  # the other side has closed the connection
                 break
         return shown
 

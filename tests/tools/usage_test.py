@@ -59,7 +59,7 @@ class Usage(Case):
         for arguments in (("xyzzy",), ("online", "--xyzzy"), ("x" * 100000,)):
             self.assertNotIn("did you mean", self.assertFailsInBothForms(2, *arguments).err)
 
-    def test_an_option_before_its_command_is_refused_with_the_right_order(self):
+    def test_an_option_before_its_command_is_refused_and_the_right_order_is_shown(self):
         self.assertFailsInBothForms(2, "--end-timeout", "2000", "print", "-", saying='"--end-timeout" belongs after the command print')
         self.assertFailsInBothForms(2, "-v", "status", saying='"-v" belongs after the command status')
 
@@ -89,7 +89,7 @@ class Usage(Case):
     def test_print_needs_a_file(self):
         self.assertFailsInBothForms(2, "print", saying="FILE")
 
-    def test_an_invalid_time_is_refused_with_the_valid_values(self):
+    def test_an_invalid_time_is_refused_and_the_valid_values_are_named(self):
         for wrong in ("abc", "-1", "4294967296", "1.5", "", "0x10", "99999999999999999999"):
             result = self.assertFailsInBothForms(2, "online", "--timeout", wrong, saying="4294967295")
             self.assertIn("--timeout", result.err)
@@ -104,7 +104,7 @@ class Usage(Case):
         for name in ("line", "LINE", "EscPos"):
             self.assertExit(0, run("online", "-e", name))
 
-    def test_an_unknown_emulation_is_refused_with_the_known_ones(self):
+    def test_an_unknown_emulation_is_refused_and_the_known_ones_are_listed(self):
         self.assertFailsInBothForms(2, "online", "-e", "pcl", saying="line, escpos or unknown")
 
     def test_a_log_level_is_0_to_63(self):
@@ -114,7 +114,7 @@ class Usage(Case):
     def test_a_receipt_is_a_picture_or_a_text(self):
         self.assertFailsInBothForms(2, "print", "-", "--receipt", "a.pdf", saying=".png or .txt")
 
-    def test_an_invalid_device_is_refused_with_the_right_form(self):
+    def test_an_invalid_device_is_refused_and_the_right_form_is_shown(self):
         for spec, saying in [
             ("udp:h:1", "tcp:HOST:PORT"),
             ("kitchen:9100", "tcp:kitchen:9100"),

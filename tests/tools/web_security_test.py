@@ -107,7 +107,7 @@ class Limits(BrowserCase):
         return b""
 
     def drop(self, data: bytes):
-        """Sends bytes and leaves."""
+        """Sends bytes and disconnects."""
         with self.browser.connect() as connection, contextlib.suppress(ConnectionError):
             connection.sendall(data)
 

@@ -14,8 +14,8 @@ Bytes statusBlock(Dice& dice) {
     block[place] = dice.oneIn(2) ? 0 : dice.byte();
   }
   constexpr std::uint8_t all = 0xff;
-  block[2] &= dice.oneIn(3) ? all : std::uint8_t{0xfd};  // mostly on line
-  block[4] &= dice.oneIn(3) ? all : std::uint8_t{0xef};  // mostly no paper in the exit
+  block[2] &= dice.oneIn(3) ? all : std::uint8_t{0xfd};  // the printer is mostly on line
+  block[4] &= dice.oneIn(3) ? all : std::uint8_t{0xef};  // the exit mostly contains no paper
   block[6] = dice.among<std::uint8_t>({0, 0, 0, 1, 2, 2, 2, 3, 255});
   if (dice.oneIn(5)) {
     block.resize(1 + dice.below(63), 0x5a);

@@ -44,7 +44,7 @@ StandInBluetooth::StandInBluetooth(StandInPlan plan)
     try {
       connection_->enterEventLoop();
     } catch (const sdbus::Error&) {
-      // The bus has gone.
+      // The bus has ended.
     }
   });
 }

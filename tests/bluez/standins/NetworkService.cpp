@@ -33,7 +33,7 @@ StandInAvahi::StandInAvahi(std::vector<StandInAnnouncement> announcements)
     try {
       connection_->enterEventLoop();
     } catch (const sdbus::Error&) {
-      // The bus has gone.
+      // The bus has ended.
     }
   });
 }

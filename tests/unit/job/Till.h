@@ -40,7 +40,7 @@ class Till {
     ZKEmulation emulation = ZKEmulationQuorLine;
     std::string portSettings = {};
     std::uint32_t timeoutMillis = 10000;
-    ProofKind proof = ProofKind::Auto;  ///< of the device
+    ProofKind proof = ProofKind::Auto;  ///< the `proof=` of the device
   };
 
   Till(simulator::PrinterBuilder printer, Setting setting)

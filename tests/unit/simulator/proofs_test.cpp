@@ -29,7 +29,7 @@ TEST(Proofs, AreReadInAnyOrderAndWrittenInAFixedOrder) {
   EXPECT_EQ(Proofs::parse("none"), Proofs());
 }
 
-TEST(Proofs, AnUnknownNameIsRefusedWithTheKnownOnes) {
+TEST(Proofs, AnUnknownNameIsRefusedAndTheKnownOnesAreListed) {
   for (const auto* wrong : {"x", "block+", "+", "block,in-order", "none+block", "Block"}) {
     EXPECT_THAT([&] { PrinterState().set("proofs", wrong); },
                 ThrowsMessage<std::invalid_argument>(HasSubstr("block, process-id and in-order")))
