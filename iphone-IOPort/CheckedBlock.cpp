@@ -1,4 +1,4 @@
-// The checked block: begins and ends a job whose printing is verified. Also data cancel.
+// The checked block, which begins and ends a job whose printing is verified, and the data cancel.
 
 #include <algorithm>
 #include <array>

@@ -66,7 +66,7 @@ std::size_t appendSpecial(std::string& out, std::string_view text) {
     appendControl(out, character.codePoint);
   } else if (character.length > 1) {
     out += text.substr(0, character.length);
-  } else {  // it is a quotation mark or a backslash
+  } else {  // the character is a quotation mark or a backslash
     out += '\\';
     out += text.front();
   }

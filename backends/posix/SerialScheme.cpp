@@ -225,8 +225,8 @@ constinit const Scheme serialScheme = {
     .make = make,
     .ifSilent = "switch the printer on; check the cable at both ends",
     .ifNotUnderstood =
-        "set the printer to 8 data bits, no parity, 1 stop bit; check that it is the "
-        "printer's line",
+        "set the printer to 8 data bits, no parity, 1 stop bit; check that the "
+        "printer is on this line",
     .causes = causes,
     .keys = keys,
     .placeMeantBy = placeMeantBy,

@@ -25,13 +25,13 @@ Picture renderPicture(const Paper& paper);
 Bytes renderPng(const Paper& paper);
 
 /// The same PNG file, with the size of the picture in dots. A picture that is taller than
-/// `pieceRows`, which is not 0, is also given in pieces of so many rows, from the top, because few
-/// programs show a picture of many metres. The last piece may be shorter.
+/// `pieceRows`, which is not 0, is also given in pieces of this number of rows, from the top,
+/// because few programs show a picture of many metres. The last piece may be shorter.
 struct PngPicture {
   unsigned width = 0;
   unsigned height = 0;
   Bytes png;
-  std::vector<Bytes> pieces;  ///< PNG files; empty if it is not taller
+  std::vector<Bytes> pieces;  ///< PNG files; empty if the picture is not taller
 };
 PngPicture renderPngPicture(const Paper& paper, unsigned pieceRows);
 

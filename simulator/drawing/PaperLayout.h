@@ -55,7 +55,7 @@ class PaperLayout {
   unsigned position() const { return y_; }
   unsigned end() const { return end_; }
 
-  /// The end of the last piece; without margins the end of the print.
+  /// The end of the last piece; if there are no pieces, the end of the print.
   unsigned bottom() const { return pieces_.empty() ? end_ : pieces_.back().bottom; }
 
  private:

@@ -97,7 +97,7 @@ class PrinterDriverMaker : public PosixLinkMaker {
     int ends[2];
     EXPECT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends), 0);
     EXPECT_EQ(::fcntl(ends[0], F_SETFL, O_NONBLOCK), 0);
-    platform().ignoreSigPipe();  // the driver reports none
+    platform().ignoreSigPipe();  // the real driver does not raise this signal
     other_ = ends[1];
     return {ends[0], Descriptor::Kind::UsbPrinter};
   }

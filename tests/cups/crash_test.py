@@ -73,7 +73,7 @@ class Lane:
                 try:
                     os.kill(process, signal.SIGKILL)
                 except ProcessLookupError:
-                    continue  # it has just ended
+                    continue  # the process has just ended
 
     def state(self, job: int) -> str | None:
         """The state of the job, if only a person can change it now; null otherwise."""

@@ -80,7 +80,7 @@ class QueueCase(Case):
             try:
                 fields = (entry / "stat").read_text().rsplit(")", 1)[1].split() if entry.name.isdigit() else []
             except (FileNotFoundError, ProcessLookupError):
-                continue  # it has ended meanwhile
+                continue  # the process has ended meanwhile
             if fields and int(fields[1]) == process and fields[0] != "Z":
                 found.append(int(entry.name))
         return found

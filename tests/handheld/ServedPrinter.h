@@ -18,7 +18,8 @@ class ServedPrinter {
   ServedPrinter(const ServedPrinter&) = delete;
   ServedPrinter& operator=(const ServedPrinter&) = delete;
 
-  /// The host's end of a new connection; the caller owns it. It ends the connection before it.
+  /// Returns the host's end of a new connection; the caller owns it. The printer ends the previous
+  /// connection.
   int connect();
 
   /// The print data that it has printed so far.

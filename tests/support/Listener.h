@@ -16,7 +16,7 @@ namespace quordalvane::test {
 /// A socket that listens, but accepts no connection by itself.
 class Listener {
  public:
-  /// On the loopback, at some free port.
+  /// Listens on the loopback interface, at any free port.
   static Listener onLoopback(int backlog) {
     sockaddr_in address{};
     address.sin_family = AF_INET;

@@ -153,7 +153,7 @@ class Interrupting(Case):
         folder = f"/proc/{process.pid}/fd"
         try:
             return any(os.readlink(f"{folder}/{number}").startswith("socket:") for number in os.listdir(folder))
-        except FileNotFoundError:  # it was closed while this looked
+        except FileNotFoundError:  # a descriptor was closed during the loop
             return False
 
     @staticmethod

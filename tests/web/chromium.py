@@ -86,7 +86,7 @@ class Browser:
                 self.events.append(message | {"arrived": time.time()})
 
     def event(self, session: str, method: str) -> dict:
-        """The next event of that name, which is then forgotten."""
+        """Waits for the next event of that name and removes it from the queue."""
         end = time.monotonic() + DEADLINE
         while True:
             for event in self.events:

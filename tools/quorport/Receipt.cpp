@@ -54,8 +54,8 @@ Receipt::Receipt(std::string file, const std::shared_ptr<EAAccessory>& accessory
       accessory_(std::dynamic_pointer_cast<virtuals::VirtualAccessory>(accessory)) {
   if (accessory_ == nullptr) {
     throw CommandFailure(ExitCode::Usage,
-                         "--receipt shows the paper of the virtual printer, and the port "
-                         "name chooses another device; it takes --device virtual:");
+                         "--receipt shows the paper of the virtual printer, but the port "
+                         "name chooses another device; use --device virtual:");
   }
   // Opening the file for append does not change an older receipt; a new one replaces it later.
   if (!std::ofstream(file_, std::ios::app)) {

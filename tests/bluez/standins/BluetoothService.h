@@ -39,8 +39,7 @@ struct StandInPlan {
   Connecting connecting = Connecting::InOrder;
   std::string errorName = "org.bluez.Error.Failed";
   std::string errorText = "Host is down (112)";
-  int profilesTaken =
-      0;  ///< so many registrations are refused first, as another program's is there
+  int profilesTaken = 0;  ///< how many registrations are refused first
 
   /// The service's end of a new connection; the caller gets it and owns it.
   std::function<int()> connect = nullptr;

@@ -201,7 +201,7 @@ TEST(Descriptor, IsClosedByTheDescriptorThatTookItOver) {
     number = ends[0];
     Descriptor first(number, Descriptor::Kind::Terminal);
     const Descriptor second(std::move(first));
-    EXPECT_EQ(first.number(), -1);  // NOLINT(bugprone-use-after-move): it says that it has none
+    EXPECT_EQ(first.number(), -1);  // NOLINT(bugprone-use-after-move): a moved descriptor is -1
     EXPECT_EQ(second.number(), number);
     EXPECT_GE(::fcntl(number, F_GETFD), 0);
   }

@@ -148,7 +148,7 @@ TEST(RunLoop, AFinishedSliceLeavesLaterRoutinesToTheNextSlice) {
   EXPECT_TRUE(thread.performAndWait([&] {
     second = std::make_unique<SleepingThread>(
         [&] { EXPECT_TRUE(thread.performAndWait([&] { secondRan = true; })); });
-    second->awaitSleep();  // its routine waits its turn
+    second->awaitSleep();  // the second routine waits for the first
     PosixClock().usleep(30'000);
   }));
   second->join();

@@ -181,7 +181,7 @@ TEST(Serial, ATerminalOfTheMachineIsExclusiveUntilItIsClosed) {
     GTEST_SKIP() << "this user cannot open " << console;
   }
   {
-    const Descriptor first = openSerial(console, {.baud = 38400});  // its only speed
+    const Descriptor first = openSerial(console, {.baud = 38400});  // the only speed of a console
     EXPECT_TRUE(isExclusive(watcher));
   }
   EXPECT_FALSE(isExclusive(watcher));

@@ -16,7 +16,7 @@ using namespace std::chrono_literals;
 
 using Bytes = std::vector<std::uint8_t>;
 
-/// The bytes of pairs of hex digits; other characters between them are for the reader.
+/// Returns the bytes that pairs of hex digits mean; all other characters are ignored.
 inline Bytes hex(std::string_view text) {
   Bytes bytes;
   int half = -1;

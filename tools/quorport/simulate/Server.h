@@ -24,8 +24,8 @@ namespace quordalvane::tool {
 
 /// Runs the virtual printers, and serves their hosts, control clients and browsers.
 ///
-/// It is one loop on one thread. It sleeps until a descriptor is ready or a printer acts by itself,
-/// and then does all work that needs no wait. Receipts are drawn on another thread.
+/// The server is one loop on one thread. It sleeps until a descriptor is ready or a printer acts by
+/// itself, and then does all work that needs no wait. Receipts are drawn on another thread.
 class Server {
  public:
   struct Host {
