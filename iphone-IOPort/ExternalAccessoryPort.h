@@ -400,6 +400,7 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// Says whether a read always waits for its first byte, or only if a byte may arrive.
   enum class Patience { Always, WhereExpected };
   std::optional<ByteBuffer> receive(std::size_t bytesToRead, Patience patience);
+  std::optional<ByteBuffer> observed(std::optional<ByteBuffer> recvBuffer);
   bool readChunk(NSInputStream& stream, ByteBuffer& recvBuffer, std::size_t bytesToRead);
   bool writeWhole(const ByteBuffer& command, Reply reply);
   void usleep(std::int32_t microseconds);

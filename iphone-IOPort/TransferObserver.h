@@ -19,6 +19,9 @@ class QUOR_EXPORT TransferObserver {
 
   /// Called before a read returns `bytes`, which may be empty.
   virtual void bytesRead(std::span<const std::uint8_t> bytes) = 0;
+
+  /// A `read:` is about to fail: the link is lost, or its stream has failed.
+  virtual void readFailed() {}
 };
 
 }  // namespace quordalvane

@@ -146,11 +146,19 @@ std::optional<std::int64_t> ExternalAccessoryPort::writeChunk(
 }
 
 std::optional<ByteBuffer> ExternalAccessoryPort::read(std::size_t bytesToRead) {
-  return receive(bytesToRead, Patience::Always);
+  return observed(receive(bytesToRead, Patience::Always));
 }
 
 std::optional<ByteBuffer> ExternalAccessoryPort::readLeftovers(std::size_t bytesToRead) {
-  return receive(bytesToRead, Patience::WhereExpected);
+  return observed(receive(bytesToRead, Patience::WhereExpected));
+}
+
+/// Lets the observer see the result of a read.
+std::optional<ByteBuffer> ExternalAccessoryPort::observed(std::optional<ByteBuffer> recvBuffer) {
+  if (observer_ != nullptr) {
+    recvBuffer ? observer_->bytesRead(*recvBuffer) : observer_->readFailed();
+  }
+  return recvBuffer;
 }
 
 std::optional<ByteBuffer> ExternalAccessoryPort::receive(std::size_t bytesToRead,
@@ -183,9 +191,6 @@ std::optional<ByteBuffer> ExternalAccessoryPort::receive(std::size_t bytesToRead
   }
   QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%lu, -> %@", bytesToRead,
            LogWriter::createByteArrayDescription(recvBuffer));
-  if (observer_ != nullptr) {
-    observer_->bytesRead(recvBuffer);
-  }
   return recvBuffer;
 }
 

@@ -60,7 +60,7 @@ MaybeSetback CheckedBlock::beginOnPort() {
     });
   } catch (const PortException&) {
     return link().failedExchange("the link did not take a request");
-  } catch (const PortLink::TimeUp&) {
+  } catch (const PortLink::GivenUp&) {
     return link().failedExchange("the exchange with the printer did not end in time");
   }
   keepStatus();
@@ -161,7 +161,7 @@ std::string CheckedBlock::endBlock() {
     hasEnded = link().within(limit + timeToLeave, [this] { return endInTime(); });
   } catch (const PortException&) {
     return "the link did not take a request";
-  } catch (const PortLink::TimeUp&) {
+  } catch (const PortLink::GivenUp&) {
   }
   return hasEnded ? "" : whyNotEnded(link().now() - start);
 }

@@ -92,7 +92,7 @@ void JobRun::finishCancelled(ByteView data) {
       return link_.port().isConnected() && !link_.move(data.first(end), result_.bytesAccepted) &&
              !link_.send(proof_->dropCommand());
     });
-  } catch (const PortLink::TimeUp&) {
+  } catch (const PortLink::GivenUp&) {
   }
   const bool isInCommand = result_.bytesAccepted < end;
   link_.port()

@@ -60,7 +60,7 @@ void PortLink::goOn() const {
     throw Cancelled();
   }
   if (now() > deadline_) {
-    throw TimeUp();
+    throw GivenUp();
   }
 }
 
@@ -79,6 +79,13 @@ void PortLink::bytesRead(ByteView bytes) {
     listener_->bytesRead(bytes);
   }
   goOn();
+}
+
+/// Some operations of the port would look at a lost link until their time-out.
+void PortLink::readFailed() {
+  if (deadline_ != noDeadline) {
+    throw GivenUp();
+  }
 }
 
 MaybeSetback PortLink::move(ByteView data, std::uint64_t& accepted, const Progress& progress,

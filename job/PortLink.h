@@ -16,11 +16,11 @@ namespace quordalvane {
 /// every byte is counted. A PortLink is the only observer of its port while it exists.
 class PortLink final : private TransferObserver {
  public:
-  /// Thrown by an operation of the port that was cancelled, or that took too long.
-  /// @{
+  /// Thrown by an operation of the port that was cancelled.
   struct Cancelled {};
-  struct TimeUp {};
-  /// @}
+
+  /// Thrown by an operation of the port that took too long, or whose link is lost.
+  struct GivenUp {};
 
   using Reply = ExternalAccessoryPort::Reply;
 
@@ -44,15 +44,16 @@ class PortLink final : private TransferObserver {
   /// then.
   void setListener(TransferObserver* listener) { listener_ = listener; }
 
-  /// Calls `operation` and returns its result. If `limit` has passed, the next read or write of the
-  /// operation throws TimeUp. If calls are nested, the earlier limit counts.
+  /// Calls `operation` and returns its result. The next read or write of the operation throws
+  /// GivenUp if `limit` has passed, and each read that fails does. If calls are nested, the earlier
+  /// limit counts.
   template <typename Operation>
   auto within(std::chrono::nanoseconds limit, Operation operation) {
     const Limited limited(*this, now() + limit);
     return operation();
   }
 
-  /// Throws Cancelled if the job was cancelled, or TimeUp if the limit has passed.
+  /// Throws Cancelled if the job was cancelled, or GivenUp if the limit has passed.
   void goOn() const;
 
   /// Ignores a cancel from now on, so that the last commands of a cancelled job can be sent.
@@ -100,16 +101,18 @@ class PortLink final : private TransferObserver {
     const std::chrono::nanoseconds before_;
   };
 
+  static constexpr auto noDeadline = std::chrono::nanoseconds::max();
+
   void bytesWritten(ByteView bytes) override;
   void bytesRead(ByteView bytes) override;
+  void readFailed() override;
 
   const std::shared_ptr<ExternalAccessoryPort> port_;
   const std::atomic<bool>& cancelled_;
   bool isCancelIgnored_ = false;
   TransferObserver* listener_ = nullptr;
-  std::uint64_t* accepted_ =
-      nullptr;  // counts the bytes of the data that is being sent; null if no data is being sent
-  std::chrono::nanoseconds deadline_ = std::chrono::nanoseconds::max();
+  std::uint64_t* accepted_ = nullptr;  // counts the bytes of the data that is sent; null: none is
+  std::chrono::nanoseconds deadline_ = noDeadline;
 };
 
 }  // namespace quordalvane

@@ -88,7 +88,7 @@ class Question final : private TransferObserver {
                           [&] { return operation(link_.port()); });
     } catch (const PortException&) {
       fail(InquiryCause::NoAnswer, "the link did not take the request");
-    } catch (const PortLink::TimeUp&) {
+    } catch (const PortLink::GivenUp&) {
       fail(InquiryCause::NoAnswer, "the exchange with the printer did not end in time");
     }
   }

@@ -230,6 +230,20 @@ TEST_P(InBothEmulations, ALostLinkIsReportedEvenIfAnswersAreUnread) {
   }
 }
 
+TEST_P(InBothEmulations, ALinkLostAfterTheDataIsReportedAtOnce) {
+  for (int millis = 2000; millis < 2400; millis += 10) {
+    Till till(PrinterBuilder().speed(10), {.emulation = GetParam()});
+    simulator::Faults faults = with("late-reply", "100");
+    faults.add("at", std::to_string(millis) + ":cut=at-once");
+    till.reopenWith(faults);
+    const auto start = till.platform->clock().monotonic();
+    const PrintResult result = till.print(receiptText);
+    EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
+    EXPECT_EQ(result.reason, "link lost after all 45 bytes");
+    EXPECT_LT(till.platform->clock().monotonic() - start, milliseconds(millis + 500));
+  }
+}
+
 TEST_P(InBothEmulations, APortThatIsNotOpenRefusesTheJob) {
   Till till(GetParam());
   till.port->close();

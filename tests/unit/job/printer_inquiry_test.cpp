@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <optional>
 
 #include "job/StatusBlock.h"
@@ -86,6 +87,21 @@ TEST(PrinterInquiry, DistinguishesSilenceFromALostLink) {
   EXPECT_EQ(causeOf([&] { silent.inquiry.status(); }), InquiryCause::NoAnswer);
   Asked lost(Script().isLost(0.5));
   EXPECT_EQ(causeOf([&] { lost.inquiry.status(); }), InquiryCause::LinkLost);
+}
+
+// Some of the port's own queries look at a lost link until their time-out.
+TEST(PrinterInquiry, ReportsALostLinkAtOnce) {
+  const std::function<void(PrinterInquiry&)> questions[] = {
+      [](PrinterInquiry& inquiry) { inquiry.firmware(); },
+      [](PrinterInquiry& inquiry) { inquiry.dipSwitches(); },
+      [](PrinterInquiry& inquiry) { inquiry.buttonSecurityTimeout(); },
+  };
+  for (const auto& question : questions) {
+    Asked asked(Script().wheneverAsked(statusRequest, {{onLine, 0.0}}).isLost(0.5));
+    const auto start = asked.now();
+    EXPECT_EQ(causeOf([&] { question(asked.inquiry); }), InquiryCause::LinkLost);
+    EXPECT_LT(asked.now() - start, std::chrono::milliseconds(800));
+  }
 }
 
 TEST(PrinterInquiry, AsksNothingWithoutAKnownEmulation) {
