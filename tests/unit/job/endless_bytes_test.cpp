@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 
 #include "job/PrintJob.h"
 #include "job/PrinterInquiry.h"
@@ -62,12 +63,39 @@ INSTANTIATE_TEST_SUITE_P(Job, EndlessBytes,
                                           testing::Values(ZKEmulationQuorLine, ZKEmulationESCPOS)));
 
 TEST_P(EndlessBytes, EndAJobInTimeAndConfirmNothing) {
-  PrintResult result;
-  EXPECT_LT(timeOf([&result](const auto& port) { result = PrintJob(port).run("receipt\n"); }),
-            std::chrono::seconds(25));
-  EXPECT_NE(result.outcome, PrintOutcome::Printed);
-  EXPECT_EQ(result.outcome == PrintOutcome::Refused, result.bytesAccepted == 0);
-  EXPECT_NE(result.reason, "");
+  for (const ProofKind proof : {ProofKind::Auto, ProofKind::Block, ProofKind::ProcessId,
+                                ProofKind::InOrder, ProofKind::None}) {
+    PrintResult result;
+    const auto time = timeOf(
+        [&](const auto& port) { result = PrintJob(port, {.proof = proof}).run("receipt\n"); });
+    EXPECT_LT(time, std::chrono::seconds(25)) << nameOf(proof);
+    EXPECT_NE(result.outcome, PrintOutcome::Printed) << nameOf(proof);
+    EXPECT_EQ(result.outcome == PrintOutcome::Refused, result.bytesAccepted == 0) << nameOf(proof);
+    EXPECT_NE(result.reason, "") << nameOf(proof);
+  }
+}
+
+// Each byte could be an answer to the first job's question, which the second one hears out.
+TEST(SlowEndlessBytes, EndAJobInTimeThatHearsOutAnEarlierOne) {
+  for (const auto& [proof, byte] :
+       {std::pair(ProofKind::Block, bytes("12")), std::pair(ProofKind::InOrder, bytes("00"))}) {
+    Script script;
+    for (int i = 0; i < 10000; ++i) {
+      script.delivers(byte, 0.7 * i);
+    }
+    for (const char* const query : {"10 04 01", "10 04 02", "10 04 04"}) {
+      script.wheneverAsked(bytes(query), {{bytes("12"), 0.0}});
+    }
+    test::ScriptedWorld world(script);
+    const auto port = ExternalAccessoryPort::initWithPortName("BT:", "", 2000, ZKEmulationESCPOS,
+                                                              world.platform());
+    ASSERT_TRUE(port->open());
+    world.start();
+    PrintJob(port, {.proof = proof}).run("receipt\n");
+    const auto start = world.platform()->clock().monotonic();
+    PrintJob(port, {.proof = proof}).run("receipt\n");
+    EXPECT_LT(world.platform()->clock().monotonic() - start, std::chrono::seconds(40));
+  }
 }
 
 TEST_P(EndlessBytes, EndEveryQuestionInTime) {
