@@ -1,7 +1,9 @@
 #include "journal/Journal.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
+#include <limits>
 #include <map>
 #include <system_error>
 
@@ -17,6 +19,9 @@ namespace quordalvane {
 namespace {
 
 constexpr auto longestOpening = std::chrono::seconds(10);
+
+// A process that asks for a job, or forgets it, has its name for a moment.
+constexpr auto longestMoment = std::chrono::seconds(2);
 
 ByteLock takenForOpening(const std::filesystem::path& file) {
   auto lock = ByteLock::take(lockFileOf(file), offsetOfOpening, modeOfLocks, longestOpening, {});
@@ -77,7 +82,8 @@ std::vector<JobRecord> Journal::jobs() {
 }
 
 // A process may end its job after its rows were read and before its lock is checked. So the rows
-// are read again until they do not change any more.
+// are read again until they do not change any more. A process that has the name of a printed job
+// does not print it.
 JobRecord Journal::jobOf(std::vector<Attempt> attempts) {
   while (!attempts.back().ended && !isBeingPrinted(attempts.back().name)) {
     auto later = attemptsOf(attempts.back().name);
@@ -88,52 +94,60 @@ JobRecord Journal::jobOf(std::vector<Attempt> attempts) {
     }
     attempts = std::move(later);
   }
-  return recordOf(attempts, !attempts.back().ended || isBeingPrinted(attempts.back().name));
+  const bool isPrinted = stateOf(decisive(attempts)) == JobState::Printed;
+  return recordOf(attempts,
+                  !isPrinted && (!attempts.back().ended || isBeingPrinted(attempts.back().name)));
 }
 
 Forgetting Journal::forget(const std::string& name) {
+  return forgetIfBegunBefore(std::numeric_limits<std::int64_t>::max(), name);
+}
+
+std::size_t Journal::forgetOlderThan(std::uint32_t days) {
+  const std::int64_t oldest = millisecondsNow() - std::int64_t{days} * 24 * 60 * 60 * 1000;
+  std::map<std::string, std::int64_t> lastBegun;
+  for (const Attempt& row : allRows(*database_)) {
+    lastBegun[row.name] = row.begun;
+  }
+  return static_cast<std::size_t>(std::ranges::count_if(lastBegun, [&](const auto& job) {
+    return job.second < oldest && forgetIfBegunBefore(oldest, job.first) == Forgetting::Forgotten;
+  }));
+}
+
+/// Forgets a job unless its last attempt is newer, which may have begun a moment ago.
+Forgetting Journal::forgetIfBegunBefore(std::int64_t moment, const std::string& name) {
   const auto lock = withLocksOf(file_, [&](const auto& locks) {
-    return ByteLock::tryTake(locks, lockOffset(name), modeOfLocks);
+    return ByteLock::take(locks, lockOffset(name), modeOfLocks, longestMoment, {});
   });
   if (!lock) {
     return Forgetting::BeingPrinted;
   }
   Transaction transaction(*database_);
   const auto rows = rowsOf(*database_, name);
+  if (rows.empty() || rows.back().begun >= moment) {
+    return Forgetting::Unknown;
+  }
   for (const Attempt& row : rows) {
     deleteRow(*database_, row);
   }
   transaction.commit();
-  return rows.empty() ? Forgetting::Unknown : Forgetting::Forgotten;
-}
-
-std::size_t Journal::forgetOlderThan(std::uint32_t days) {
-  const std::int64_t oldest = millisecondsNow() - std::int64_t{days} * 24 * 60 * 60 * 1000;
-  std::size_t count = 0;
-  for (const JobRecord& job : jobs()) {
-    if (job.begun < oldest && forget(job.name) == Forgetting::Forgotten) {
-      ++count;
-    }
-  }
-  return count;
+  return Forgetting::Forgotten;
 }
 
 std::vector<Attempt> Journal::attemptsOf(std::string_view name) {
   return rowsOf(*database_, name);
 }
 
-void Journal::insert(const Attempt& attempt, const Attempt* superseded) {
+/// Writes a row in the place of the one of the same name and of this number, if there is one. That
+/// row is read again: since its caller read it, somebody else may have noted something in it.
+void Journal::write(const Attempt& attempt, std::int64_t replaced) {
   Transaction transaction(*database_);
-  if (superseded != nullptr) {
-    deleteRow(*database_, *superseded);
+  for (const Attempt& row : rowsOf(*database_, attempt.name)) {
+    if (row.number == replaced) {
+      deleteRow(*database_, row);
+    }
   }
   insertRow(*database_, attempt);
-  transaction.commit();
-}
-
-void Journal::replace(const Attempt& before, const Attempt& after) {
-  Transaction transaction(*database_);
-  replaceRow(*database_, before, after);
   transaction.commit();
 }
 

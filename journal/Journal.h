@@ -76,7 +76,7 @@ class QUOR_EXPORT Journal {
   std::vector<JobRecord> jobs();
 
   /// Removes a job. If a job is run under this name later, it is printed, even if it is on paper
-  /// already.
+  /// already. Waits at most two seconds for another process that has the name.
   Forgetting forget(const std::string& name);
 
   /// Removes the jobs whose last attempt began more than `days` days ago, whatever their outcome
@@ -87,8 +87,8 @@ class QUOR_EXPORT Journal {
   friend class NamedJob;
 
   std::vector<Attempt> attemptsOf(std::string_view name);
-  void insert(const Attempt& attempt, const Attempt* superseded);
-  void replace(const Attempt& before, const Attempt& after);
+  void write(const Attempt& attempt, std::int64_t replaced);
+  Forgetting forgetIfBegunBefore(std::int64_t moment, const std::string& name);
   JobRecord jobOf(std::vector<Attempt> attempts);
   bool isBeingPrinted(const std::string& name) const;
 

@@ -63,7 +63,7 @@ NamedJob::NamedJob(Journal& journal, NamedJobRequest request, std::span<const st
   checkData(attempts);
   attempt_->number = attempts.empty() ? 1 : attempts.back().number + 1;
   if (!attempts.empty() && stateOf(attempts.back()) == JobState::Refused) {
-    refused_ = std::make_unique<Attempt>(attempts.back());
+    refused_ = attempts.back().number;
   }
   answer_ = lock_ ? answerOf(attempts) : beingPrinted(attempts);
 }
@@ -134,7 +134,7 @@ void NamedJob::recordBegin() {
     return;
   }
   try {
-    journal_.insert(*attempt_, refused_.get());
+    journal_.write(*attempt_, refused_);
     hasBegun_ = true;
   } catch (const JournalError& error) {
     failure_ = error;
@@ -158,7 +158,7 @@ void NamedJob::tell() {
   }
   Attempt told = decisive(attempts);
   told.told = millisecondsNow();
-  journal_.replace(decisive(attempts), told);
+  journal_.write(told, told.number);
 }
 
 NamedJobResult NamedJob::refuse(const PrintResult& result) {
@@ -175,11 +175,7 @@ NamedJobResult NamedJob::recordEnd(const PrintResult& result) {
   ended.obstacle = result.obstacle;
   NamedJobResult named{.result = result, .attempt = ended.number};
   try {
-    if (hasBegun_) {
-      journal_.replace(*attempt_, ended);
-    } else {
-      journal_.insert(ended, refused_.get());
-    }
+    journal_.write(ended, hasBegun_ ? ended.number : refused_);
   } catch (const JournalError& error) {
     named.notRecorded = error.what();
   }

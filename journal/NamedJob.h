@@ -128,7 +128,7 @@ class QUOR_EXPORT NamedJob {
   const std::span<const std::uint8_t> data_;
   std::optional<ByteLock> lock_;
   std::unique_ptr<Attempt> attempt_;
-  std::unique_ptr<Attempt> refused_;  // the previous attempt, if it sent no byte of the job
+  std::int64_t refused_ = 0;  // number of the previous attempt, if it sent no byte of the job
   std::optional<NamedJobResult> answer_;
   PrintJob* job_ = nullptr;  // the job that is running
   bool hasBegun_ = false;

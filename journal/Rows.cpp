@@ -76,11 +76,6 @@ void insertRow(Database& database, const Attempt& row) {
   changeSeal(database, row);
 }
 
-void replaceRow(Database& database, const Attempt& before, const Attempt& after) {
-  deleteRow(database, before);
-  insertRow(database, after);
-}
-
 void deleteRow(Database& database, const Attempt& row) {
   database.prepare("DELETE FROM attempt WHERE name = ? AND number = ?")
       .with(row.name)

@@ -16,7 +16,6 @@ std::vector<Attempt> allRows(Database& database);
 // These functions change a row and the seal together. The caller must have begun a transaction.
 
 void insertRow(Database& database, const Attempt& row);
-void replaceRow(Database& database, const Attempt& before, const Attempt& after);
 void deleteRow(Database& database, const Attempt& row);
 
 }  // namespace quordalvane

@@ -1,6 +1,7 @@
 #include <chrono>
 #include <filesystem>
 #include <nlohmann/json.hpp>
+#include <system_error>
 
 #include "job/Words.h"
 #include "journal/Journal.h"
@@ -76,8 +77,13 @@ Report reportOn(const std::vector<JobRecord>& jobs) {
   return report;
 }
 
+bool isMissing(const std::filesystem::path& file) {
+  std::error_code error;
+  return !std::filesystem::exists(file, error) && !error;
+}
+
 Report lookInto(const std::filesystem::path& file, const JobsOptions& options) {
-  if (!options.forget && !options.olderThan && !std::filesystem::exists(file)) {
+  if (!options.forget && !options.olderThan && isMissing(file)) {
     return reportOn({});  // a query must not create the file
   }
   Journal journal(file);

@@ -5,9 +5,12 @@
 #include <sqlite3.h>
 #include <sys/stat.h>
 
+#include <array>
+#include <atomic>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <thread>
 
 #include "journal/History.h"
 #include "journal/JournalFile.h"
@@ -172,7 +175,8 @@ TEST_F(AJournal, ShowsTheOutcomeOfAJobThatEndsWhileItIsRead) {
     Attempt ended = begun;
     ended.ended = 2;
     ended.outcome = nameOf(PrintOutcome::Printed);
-    replaceRow(other, begun, ended);
+    deleteRow(other, begun);
+    insertRow(other, ended);
     lock.reset();
   });
   EXPECT_EQ(journal.jobs().front().state, JobState::Printed);
@@ -206,6 +210,34 @@ TEST_F(AJournal, DoesNotForgetAJobThatIsBeingPrinted) {
   EXPECT_EQ(Journal(file).forget("receipt 1"), Forgetting::BeingPrinted);
 }
 
+TEST_F(AJournal, ForgetsAJobOnceThoughTwoAskAtOnce) {
+  Till till(ZKEmulationQuorLine);
+  constexpr int jobs = 50;
+  std::array<std::atomic<int>, 3> answers = {};
+  const auto forgetAll = [&] {
+    Journal journal(file);
+    for (int job = 0; job < jobs; ++job) {
+      ++answers.at(static_cast<std::size_t>(journal.forget("receipt " + std::to_string(job))));
+    }
+  };
+  for (int job = 0; job < jobs; ++job) {
+    print(till, "receipt " + std::to_string(job));
+  }
+  std::thread other(forgetAll);
+  forgetAll();
+  other.join();
+  EXPECT_EQ(answers.at(static_cast<std::size_t>(Forgetting::Forgotten)), jobs);
+  EXPECT_EQ(answers.at(static_cast<std::size_t>(Forgetting::BeingPrinted)), 0);
+}
+
+TEST_F(AJournal, ShowsAPrintedJobAsPrintedWhileAProcessAsksForIt) {
+  Till till(ZKEmulationQuorLine);
+  print(till, "receipt 1");
+  Journal journal(file);
+  const NamedJob asked(journal, request("receipt 1"), receiptText);
+  EXPECT_EQ(onlyJob().state, JobState::Printed);
+}
+
 TEST_F(AJournal, ForgetsOlderJobs) {
   Till till(ZKEmulationQuorLine);
   print(till, "receipt 1");
@@ -216,6 +248,18 @@ TEST_F(AJournal, ForgetsOlderJobs) {
   EXPECT_EQ(Journal(file).forgetOlderThan(3), 0U);
   EXPECT_EQ(Journal(file).forgetOlderThan(1), 1U);
   EXPECT_EQ(onlyJob().name, "receipt 1");
+}
+
+TEST_F(AJournal, KeepsAnOldJobThatWasTriedAgainToday) {
+  { const Journal made(file); }
+  {
+    Database database(file);
+    insertRow(database, {.name = "old", .number = 1, .begun = millisecondsNow() - 2 * dayMillis});
+    insertRow(database,
+              {.name = "old", .number = 2, .begun = millisecondsNow(), .outcome = "refused"});
+  }
+  EXPECT_EQ(Journal(file).forgetOlderThan(1), 0U);
+  EXPECT_EQ(onlyJob().state, JobState::Unconfirmed);
 }
 
 TEST_F(AJournal, DoesNotContainTheData) {

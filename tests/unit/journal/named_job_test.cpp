@@ -262,6 +262,19 @@ TEST_P(OnceOnly, ALaterAttemptIsNotMarkedAsTold) {
   EXPECT_FALSE(NamedJob(journal, request("receipt 1"), receiptText).answer()->told);
 }
 
+TEST_P(OnceOnly, MarkingAJobAsToldWhileItIsPrintedLeavesTheJournalSound) {
+  Journal journal(file);
+  NamedJob printing(journal, request("receipt 1"), receiptText);
+  PrintJob job(till.port, printing.recorded({.progress = [this](const PrintProgress& progress) {
+    if (progress.stage == PrintStage::End) {
+      Journal other(file);
+      NamedJob(other, request("receipt 1"), receiptText).tell();
+    }
+  }}));
+  EXPECT_EQ(printing.run(job).notRecorded, "");
+  EXPECT_EQ(onlyJob().state, JobState::Printed);
+}
+
 TEST_P(OnceOnly, MarkingAnUnknownNameAsToldChangesNothing) {
   Journal journal(file);
   NamedJob(journal, request("receipt 1"), receiptText).tell();
