@@ -13,7 +13,7 @@ class NoProof final : public Proof {
   /// outlive this object.
   NoProof(std::string why, ByteView dropCommand, PortLink& link, PrintResult& result);
 
-  MaybeSetback begin() override { return std::nullopt; }
+  MaybeSetback begin() override;
   MaybeSetback end(ByteView data) override;
   void leave() override {}
   ByteView dropCommand() const override { return dropCommand_; }

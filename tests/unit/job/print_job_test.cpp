@@ -393,6 +393,7 @@ TEST(AnyJob, OfUnknownEmulationIsSentAndNeverConfirmed) {
   const PrintResult result = till.print(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
   EXPECT_EQ(result.reason, "no job can be confirmed without a known emulation after all 45 bytes");
+  EXPECT_EQ(result.proof, ProofKind::None);
   EXPECT_EQ(till.printed(), receiptText);
 }
 
