@@ -11,12 +11,12 @@ constexpr std::size_t more = 0;
 constexpr std::size_t mostIds = 16;
 constexpr std::size_t longestText = 80;
 
+// Of a mark; with any count.
+constexpr std::uint8_t reportForm[] = {0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00, 0, 0x00};
+constexpr std::size_t countPlace = 6;
+
 bool isFlowControl(std::uint8_t byte) {
   return byte == 0x11 || byte == 0x13;
-}
-
-bool isRealTimeStatus(std::uint8_t byte) {
-  return (byte & 0x93) == 0x12;
 }
 
 bool isInOrderStatus(std::uint8_t byte) {
@@ -38,11 +38,10 @@ bool EscPosAnswers::hasNamed(const JobId& id) const {
 }
 
 void EscPosAnswers::feed(ByteView bytes) {
-  constexpr std::uint8_t reportStart = 0x1b;
   for (const std::uint8_t byte : bytes) {
     // The count in a report may have the value of a flow-control byte.
-    const bool isInReport = !bytes_.empty() && bytes_.front() == reportStart;
-    if (isFlowControl(byte) && !isInReport) {
+    const bool isCount = bytes_.size() == countPlace && bytes_.front() == reportForm[0];
+    if (isFlowControl(byte) && !isCount) {
       continue;
     }
     bytes_.push_back(byte);
@@ -126,18 +125,16 @@ std::size_t EscPosAnswers::takeProcessId() {
 }
 
 std::size_t EscPosAnswers::takeReport() {
-  constexpr std::uint8_t form[] = {0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00, 0, 0x00};
-  constexpr std::size_t countPlace = 6;
   for (std::size_t i = 0; i < bytes_.size(); ++i) {
-    if (i != countPlace && bytes_[i] != form[i]) {
+    if (i != countPlace && bytes_[i] != reportForm[i]) {
       return odd;
     }
   }
-  if (bytes_.size() < std::size(form)) {
+  if (bytes_.size() < std::size(reportForm)) {
     return more;
   }
   report_ = bytes_[countPlace];
-  return std::size(form);
+  return std::size(reportForm);
 }
 
 std::size_t EscPosAnswers::takeText() const {

@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "iphone-IOPort/PortC.h"
 #include "job/ByteView.h"
 
 namespace quordalvane {
@@ -13,6 +14,11 @@ namespace quordalvane {
 /// The process ID of a job: four characters that the printer sends back when it reaches the end of
 /// the job.
 using JobId = std::array<std::uint8_t, 4>;
+
+/// Whether the byte answers a real-time query.
+inline bool isRealTimeStatus(std::uint8_t byte) {
+  return (byte & escPosFixedMask) == escPosFixedBits;
+}
 
 /// Recognises the answers of an ESC/POS printer. They may arrive in any order and in any number of
 /// pieces. Each is recognised by its whole form, because a part of one answer may look like

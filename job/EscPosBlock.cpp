@@ -14,7 +14,6 @@ namespace {
 constexpr std::uint32_t statusLevel = 2;
 constexpr std::uint8_t countOfOneMark = 1;
 constexpr std::uint8_t countOfTwoMarks = 2;
-constexpr std::uint8_t oneStatusRequest[] = {0x10, 0x04, 0x01};
 
 // A mark and a status request. The answer to the request follows the report of the mark; if it
 // arrives alone, the printer sends no report.
@@ -37,7 +36,7 @@ ByteView EscPosBlock::request() const {
 MaybeSetback EscPosBlock::prepare() {
   const auto& escPos = answers().escPos();
   if (memory_.owed.contains(ProofKind::Block) &&
-      !hearOut(link(), oneStatusRequest, [&] { return escPos.realTimeCount(); })) {
+      !hearOut(link(), statusRequest, [&] { return escPos.realTimeCount(); })) {
     return Setback{PrintObstacle::ExchangeFailed,
                    "the printer still owes answers to an earlier job"};
   }
@@ -52,14 +51,14 @@ MaybeSetback EscPosBlock::judgeReadiness() {
 }
 
 MaybeSetback EscPosBlock::markBeginning() {
-  report_.clear();
+  sinceMark_ = {};
   memory_.owed.insert(ProofKind::Block);
   if (auto setback = exchange(markAndRequest)) {
     return setback;
   }
-  link().await([this](ByteView) { return report_.lastCount().has_value(); }, link().timeout());
-  isFirstMarkReported_ = report_.lastCount() == countOfOneMark;
-  if (report_.lastCount() && !isFirstMarkReported_) {
+  link().await([this](ByteView) { return sinceMark_.lastReport().has_value(); }, link().timeout());
+  isFirstMarkReported_ = sinceMark_.lastReport() == countOfOneMark;
+  if (sinceMark_.lastReport() && !isFirstMarkReported_) {
     return Setback{PrintObstacle::ExchangeFailed,
                    "the end of an earlier job was counted for this one before it began"};
   }
@@ -74,7 +73,7 @@ MaybeSetback EscPosBlock::end(ByteView data) {
     return Setback{PrintObstacle::NoProof, "this printer does not report the end of a job"};
   }
   link().drain();
-  report_.clear();
+  sinceMark_ = {};
   auto setback = CheckedBlock::end(data);
   if (!setback) {
     memory_.owed.erase(ProofKind::Block);
@@ -97,14 +96,14 @@ bool EscPosBlock::endInTime() {
 
 void EscPosBlock::bytesRead(ByteView bytes) {
   CheckedBlock::bytesRead(bytes);
-  report_.feed(bytes);
+  sinceMark_.feed(bytes);
   stopIfReported();
 }
 
 /// Ends the port's wait some time after the report was seen. The port recognises only a report that
 /// arrives in one read, and would otherwise wait until its time-out.
 void EscPosBlock::stopIfReported() {
-  if (!awaitsReport_ || report_.lastCount() != countOfTwoMarks) {
+  if (!awaitsReport_ || sinceMark_.lastReport() != countOfTwoMarks) {
     return;
   }
   reportedAt_ = reportedAt_.value_or(link().now());
@@ -115,7 +114,7 @@ void EscPosBlock::stopIfReported() {
 }
 
 MaybeSetback EscPosBlock::judgeProof() const {
-  const auto count = report_.lastCount();
+  const auto count = sinceMark_.lastReport();
   if (count == countOfTwoMarks) {
     return std::nullopt;
   }

@@ -3,8 +3,8 @@
 #include <chrono>
 #include <optional>
 
-#include "job/BlockReport.h"
 #include "job/CheckedBlock.h"
+#include "job/EscPosAnswers.h"
 #include "job/PortMemory.h"
 
 namespace quordalvane {
@@ -29,7 +29,7 @@ class EscPosBlock final : public CheckedBlock {
   void stopIfReported();
 
   PortMemory& memory_;
-  BlockReport report_;
+  EscPosAnswers sinceMark_;  // what the printer has sent since the last mark
   bool isFirstMarkReported_ = false;
   bool awaitsReport_ = false;
   std::optional<std::chrono::nanoseconds> reportedAt_;  // when the report was first seen

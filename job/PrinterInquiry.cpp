@@ -44,10 +44,6 @@ bool areWholeBlocks(const Bytes& bytes) {
   return endOfBlocks(bytes) == bytes.size();
 }
 
-bool isRealTimeStatus(std::uint8_t byte) {
-  return (byte & escPosFixedMask) == escPosFixedBits;
-}
-
 /// In both emulations the first answer of the online test is a status block; in ESC/POS the answers
 /// to the real-time queries follow.
 bool areWholeAnswers(const Bytes& bytes, ZKEmulation emulation) {

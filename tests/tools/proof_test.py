@@ -14,14 +14,17 @@ RECEIPT = b"1 Espresso        1.80\n" * 10
 IMAGE_HEAD = b"\x1d\x76\x30\x00\x0b\x00\x01\x00"  # eleven bytes of dots follow
 ASKS_ID = b"\x1d\x28\x48\x06\x00\x30\x30ABCD"
 ASKS_IN_ORDER = b"\x1d\x72\x01"
+FLOW_CONTROL = b"\x13\x11"
+UNASKED_STATUS = b"\x14\x00\x00\x0f"
+ID_OF_ANOTHER_JOB = b"\x37\x22A2BC\x00"  # whose 2 has the form of a real-time status
 
 
 class OrdinaryPrinter:
     """Answers `10 04 n`, and the questions in the data that it knows. It prints at once; while its cover is open it
     keeps everything, and continues later. It skips one byte after an unknown escape."""
 
-    def __init__(self, *knows: bytes, opens_in_job: bool = False):
-        self.knows, self.opens_in_job = knows, opens_in_job
+    def __init__(self, *knows: bytes, opens_in_job: bool = False, unasked: bytes = b""):
+        self.knows, self.opens_in_job, self.unasked = knows, opens_in_job, unasked
         self.paper, self.asked = b"", []
         self.last_data = 0.0
         self.is_open = False
@@ -46,11 +49,16 @@ class OrdinaryPrinter:
         with self.lock:
             if command[:2] == b"\x10\x04":
                 self.asked.append(command)
-                self.connection.sendall(self.status(command[2]))
+                self.send(self.status(command[2]))
             else:
                 self.held.append(command)
                 self.print_held()
         return length
+
+    def send(self, answer: bytes):
+        """With the unasked bytes before it; of these, flow control is within it as well."""
+        inside = bytes(byte for byte in self.unasked if byte in FLOW_CONTROL)
+        self.connection.sendall(self.unasked + inside.join(bytes([byte]) for byte in answer))
 
     @staticmethod
     def length(unread: bytes) -> int:
@@ -76,7 +84,7 @@ class OrdinaryPrinter:
                 self.asked.append(command)
                 if command[:2] in self.knows:
                     answer = b"\x37\x22" + command[7:] + b"\0" if command[:2] == b"\x1d\x28" else b"\0"
-                    self.connection.sendall(answer)
+                    self.send(answer)
             elif command[0] == 0x1b:
                 self.asked.append(command)
             elif command[0] >= 0x20 or command == b"\n":
@@ -134,6 +142,16 @@ class OrdinaryPrinters(Case):
                     printer = OrdinaryPrinter(*knows)
                     self.assertPrinted(proof, self.printed_on(printer, data=data))
                     self.assertEqual(printer.paper, RECEIPT)
+
+    def test_unasked_bytes_neither_fake_nor_spoil_the_proof(self):
+        for unasked in (FLOW_CONTROL, UNASKED_STATUS, ID_OF_ANOTHER_JOB, FLOW_CONTROL + UNASKED_STATUS + ID_OF_ANOTHER_JOB):
+            for knows, proof in (((KNOWS_ID, KNOWS_IN_ORDER), "process-id"), ((KNOWS_IN_ORDER,), "in-order")):
+                with self.subTest(unasked=unasked, proof=proof):
+                    printer = OrdinaryPrinter(*knows, unasked=unasked)
+                    self.assertPrinted(proof, self.printed_on(printer))
+                    self.assertEqual(printer.paper, RECEIPT)
+            result = self.printed_on(OrdinaryPrinter(unasked=unasked))
+            self.assertEqual((result.json()["outcome"], result.json()["proof"]), ("unconfirmed", "none"), unasked)
 
     def test_a_printer_that_pauses_keeps_the_job_and_confirms_it_later(self):
         for knows, proof in (((KNOWS_ID,), "process-id"), ((KNOWS_IN_ORDER,), "in-order")):

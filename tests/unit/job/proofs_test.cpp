@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "job/EscPosAnswers.h"
 #include "job/PortMemory.h"
 #include "job/ProcessIdProof.h"
 #include "tests/support/Bytes.h"
@@ -304,65 +303,6 @@ TEST(ProcessIds, AreNewForEachJobAndRepeatableInVirtualTime) {
     for (const std::uint8_t character : randomProcessId(one)) {
       EXPECT_TRUE(character >= 0x20 && character <= 0x7e);
     }
-  }
-}
-
-TEST(EscPosAnswers, AreDistinguishedByTheirWholeFormInAnyPieces) {
-  const auto stream = test::bytes(
-      "12 10 00 00 00 13 37 22 36 32 11 41 7e 00 05 1b 1d 03 01 00 00 13 00 37 25 00 5f 41 42 00");
-  for (std::size_t piece = 1; piece <= stream.size(); ++piece) {
-    EscPosAnswers answers;
-    for (std::size_t at = 0; at < stream.size(); at += piece) {
-      answers.feed(ByteView(stream).subspan(at, std::min(piece, stream.size() - at)));
-    }
-    EXPECT_EQ(answers.lastRealTimeStatus(), 0x12);
-    EXPECT_EQ(answers.inOrderCount(), 1U) << "05 alone";
-    EXPECT_EQ(answers.lastReport(), 0x13);
-    EXPECT_TRUE(answers.hasNamed({0x36, 0x32, 0x41, 0x7e}));
-  }
-}
-
-TEST(EscPosAnswers, DistinguishTheProcessIdOfAnotherJob) {
-  EscPosAnswers answers;
-  answers.feed(test::bytes("37 22 41 42 43 44 00"));
-  EXPECT_TRUE(answers.hasNamed({'A', 'B', 'C', 'D'}));
-  EXPECT_FALSE(answers.hasNamed({'A', 'B', 'C', 'E'}));
-}
-
-/// The answers that a printer's bytes hold.
-EscPosAnswers answersIn(const ByteBuffer& bytes) {
-  EscPosAnswers answers;
-  answers.feed(bytes);
-  return answers;
-}
-
-TEST(EscPosAnswers, LoseOnlyTheByteThatBeginsNothing) {
-  EXPECT_EQ(answersIn(test::bytes("1d 00 00 00")).inOrderCount(), 3U);
-  EXPECT_EQ(answersIn(test::bytes("10 12")).realTimeCount(), 1U) << "no status of four bytes";
-  for (const char* const odd : {"1d", "10 12", "37 41", "37 25 01", "37 22 1f", "37 22 7f",
-                                "37 22 41 42 43 44 45", "1b 1d 03 01 00 01", "5f 41 1f"}) {
-    EXPECT_TRUE(answersIn(test::bytes(odd)).isAnyOdd()) << odd;
-  }
-  EXPECT_FALSE(answersIn(test::bytes("37 22 41 42 43 44 45")).hasNamed({'A', 'B', 'C', 'D'}));
-}
-
-TEST(EscPosAnswers, KnowTheLastSixteenIds) {
-  EscPosAnswers answers;
-  for (std::uint8_t i = 0; i < 17; ++i) {
-    answers.feed(ByteBuffer{0x37, 0x22, 0x20, 0x20, 0x20, static_cast<std::uint8_t>('A' + i), 0});
-  }
-  EXPECT_FALSE(answers.hasNamed({0x20, 0x20, 0x20, 'A'}));
-  for (std::uint8_t i = 1; i < 17; ++i) {
-    EXPECT_TRUE(answers.hasNamed({0x20, 0x20, 0x20, static_cast<std::uint8_t>('A' + i)})) << i;
-  }
-}
-
-TEST(EscPosAnswers, TakeATextOf79CharactersAndNoLongerOne) {
-  for (const std::size_t length : {79U, 80U}) {
-    ByteBuffer text = {0x5f};
-    text.insert(text.end(), length, '~');
-    text.push_back(0);
-    EXPECT_EQ(answersIn(text).isAnyOdd(), length == 80) << length;
   }
 }
 
