@@ -115,10 +115,7 @@ std::string CheckedBlock::whyNoAnswer() const {
   if (!answers_.last().empty()) {
     return "the printer has not answered all that it was asked";
   }
-  return answers_.isAnyOdd()
-             ? "the printer's answer is not a status of this emulation"
-             : "the printer does not answer; it may be switched off, set to another "
-               "emulation, or in use by another program";
+  return answers_.isAnyOdd() ? "the printer's answer is not a status of this emulation" : noAnswer;
 }
 
 /// Ends the data cancel of a block that is abandoned. Otherwise a printer on which a data time-out

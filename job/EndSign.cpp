@@ -53,8 +53,8 @@ bool EndSign::awaitSign() {
   const auto limit =
       std::chrono::milliseconds(link().port().endCheckedBlockTimeoutMillis()) + wholeSecond;
   const auto start = link().now();
-  const auto isDecided = [this](ByteView) { return isSeen() || !isPossible(); };
-  while (!link().await(isDecided, std::min<std::chrono::nanoseconds>(statusPause, limit))) {
+  const auto isEnough = [this](ByteView) { return isDecided(); };
+  while (!link().await(isEnough, std::min<std::chrono::nanoseconds>(statusPause, limit))) {
     if (!link().port().isConnected() || link().now() - start > limit) {
       return isSeen();
     }
@@ -64,12 +64,10 @@ bool EndSign::awaitSign() {
 }
 
 void EndSign::noteStatus() {
-  const auto isDecided = [this] { return isSeen() || !isPossible(); };
-  if (askRealTimeStatus(link(), answers_, result(), statusPause, isDecided)) {
-    return;
+  const auto isEnough = [this] { return isDecided(); };
+  if (!askRealTimeStatus(link(), answers_, result(), statusPause, isEnough)) {
+    reportWaiting(whyNotReady(*result().status));
   }
-  const std::string errors = errorsIn(*result().status);
-  reportWaiting(errors.empty() && result().status->offline != 0 ? "off line" : errors);
 }
 
 MaybeSetback EndSign::whyUnseen() {
@@ -78,11 +76,8 @@ MaybeSetback EndSign::whyUnseen() {
                    "the printer answered more often than this job has asked it"};
   }
   noteStatus();
-  if (result().status) {
-    const std::string errors = errorsIn(*result().status);
-    if (!errors.empty() || result().status->offline != 0) {
-      return Setback{PrintObstacle::PrinterNotReady, errors.empty() ? "off line" : errors};
-    }
+  if (const std::string why = result().status ? whyNotReady(*result().status) : ""; !why.empty()) {
+    return Setback{PrintObstacle::PrinterNotReady, why};
   }
   const auto limit = link().port().endCheckedBlockTimeoutMillis();
   return link().failedExchange("no confirmation within " + inSeconds(limit));

@@ -44,6 +44,9 @@ class EndSign : public Proof {
   /// Returns whether a sign that was not seen yet can still arrive.
   virtual bool isPossible() const { return true; }
 
+  /// Whether waiting is of no more use.
+  bool isDecided() const { return isSeen() || !isPossible(); }
+
   bool awaitSign();
   void noteStatus();
   MaybeSetback whyUnseen();

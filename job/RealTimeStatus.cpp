@@ -4,6 +4,7 @@
 
 #include "iphone-IOPort/PortC.h"
 #include "job/StatusText.h"
+#include "job/Words.h"
 
 namespace quordalvane {
 namespace {
@@ -18,10 +19,6 @@ constexpr Query queries[] = {
     {{0x10, 0x04, 0x02}, StatusType::CoverOpen},
     {{0x10, 0x04, 0x04}, StatusType::PaperEmpty},
 };
-
-constexpr auto silent =
-    "the printer does not answer; it may be switched off, set to another emulation, or in use by "
-    "another program";
 
 /// Sends the query and returns whether its answer arrived.
 bool isAnswered(const Query& query, PortLink& link, const EscPosAnswers& answers,
@@ -44,7 +41,7 @@ MaybeSetback askRealTimeStatus(PortLink& link, const EscPosAnswers& answers, Pri
   QuorPrinterStatus_2 status = {};
   for (const Query& query : queries) {
     if (!isAnswered(query, link, answers, limit, isEnough)) {
-      return link.failedExchange(silent);
+      return link.failedExchange(noAnswer);
     }
     status.raw[0] = *answers.lastRealTimeStatus();
     status.rawLength = 1;
@@ -59,11 +56,8 @@ MaybeSetback refuseUnready(PortLink& link, const EscPosAnswers& answers, PrintRe
   if (auto setback = askRealTimeStatus(link, answers, result, link.timeout())) {
     return setback;
   }
-  const std::string errors = errorsIn(*result.status);
-  if (errors.empty() && result.status->offline == 0) {
-    return std::nullopt;
-  }
-  return Setback{PrintObstacle::PrinterNotReady, errors.empty() ? "off line" : errors};
+  const std::string why = whyNotReady(*result.status);
+  return why.empty() ? std::nullopt : MaybeSetback({PrintObstacle::PrinterNotReady, why});
 }
 
 }  // namespace quordalvane

@@ -33,11 +33,12 @@ constexpr Cause causes[] = {
 }  // namespace
 
 std::string whyOffline(const QuorPrinterStatus_2& status) {
-  if (status.offline == 0) {
-    return "";
-  }
+  return status.offline == 0 ? "" : whyNotReady(status);
+}
+
+std::string whyNotReady(const QuorPrinterStatus_2& status) {
   const std::string words = errorsIn(status);
-  return words.empty() ? "off line" : words;
+  return words.empty() && status.offline != 0 ? "off line" : words;
 }
 
 std::string errorsIn(const QuorPrinterStatus_2& status) {

@@ -14,4 +14,7 @@ std::string whyOffline(const QuorPrinterStatus_2& status);
 /// are none.
 std::string errorsIn(const QuorPrinterStatus_2& status);
 
+/// Why the printer is not ready: its errors, or "off line"; "" for one that is ready.
+std::string whyNotReady(const QuorPrinterStatus_2& status);
+
 }  // namespace quordalvane

@@ -5,6 +5,11 @@
 
 namespace quordalvane {
 
+/// The reason for which a job fails if its printer is silent.
+inline constexpr auto noAnswer =
+    "the printer does not answer; it may be switched off, set to another emulation, or in use by "
+    "another program";
+
 /// Returns a count with separated thousands: "1,204".
 std::string grouped(std::uint64_t count);
 
