@@ -115,6 +115,8 @@ class OrdinaryPrinters(Case):
             printer = OrdinaryPrinter(*knows)
             self.assertPrinted("process-id", self.printed_on(printer))
             self.assertEqual(printer.paper, RECEIPT)
+            escapes = [command for command in printer.asked if command[:1] == b"\x1b"]
+            self.assertEqual(len(escapes), 2, "of the block, the question's reset and its mark alone")
 
     def test_a_printer_that_knows_only_the_in_order_status_confirms_by_it(self):
         printer = OrdinaryPrinter(KNOWS_IN_ORDER)
