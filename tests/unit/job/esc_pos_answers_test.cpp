@@ -71,14 +71,14 @@ TEST(EscPosAnswers, TakeATextOf79CharactersAndNoLongerOne) {
   }
 }
 
-TEST(EscPosAnswers, GiveTheCountOfTheLastWholeReport) {
+TEST(EscPosAnswers, ReturnTheCountOfTheLastWholeReport) {
   EXPECT_EQ(answersIn(bytes("12 1b 1d 03 01 00 00 01 00 12")).lastReport(), 1);
   EXPECT_EQ(answersIn(bytes("1b 1b 1d 03 01 00 00 01 00")).lastReport(), 1);
   EXPECT_EQ(answersIn(bytes("1b 1d 03 01 00 00 01 00 1b 1d 03 01 00 00 1b 00")).lastReport(), 0x1b);
   EXPECT_EQ(answersIn(bytes("1b 1d 03 01 00 00 01")).lastReport(), std::nullopt);
 }
 
-TEST(EscPosAnswers, TakeNoReportWithAnotherByteInIt) {
+TEST(EscPosAnswers, IgnoreAReportWithAWrongByte) {
   for (std::size_t place : {1U, 2U, 3U, 4U, 5U, 7U}) {
     auto report = bytes("1b 1d 03 01 00 00 01 00");
     report[place] ^= 0x40;
@@ -86,7 +86,7 @@ TEST(EscPosAnswers, TakeNoReportWithAnotherByteInIt) {
   }
 }
 
-TEST(EscPosAnswers, TakeAReportThatFlowControlInterrupts) {
+TEST(EscPosAnswers, RecogniseAReportThatFlowControlInterrupts) {
   for (std::size_t place : {0U, 1U, 2U, 3U, 4U, 5U, 7U, 8U}) {
     auto report = bytes("1b 1d 03 01 00 00 02 00");
     report.insert(report.begin() + static_cast<std::ptrdiff_t>(place), {0x13, 0x11});
