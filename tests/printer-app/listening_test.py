@@ -18,7 +18,7 @@ class Listening(Case):
         for settings in ((), (f"password-file={self.folder}/missing",), (f"password-file={self.file('empty', b'')}",)):
             self.assertFails("password-file=FILE", f"state-directory={self.folder}", "listen-hostname=*", *settings)
 
-    def test_a_wrong_option_is_refused_with_the_right_values(self):
+    def test_a_wrong_option_is_refused_and_the_right_values_are_named(self):
         for setting, saying in (("upload-timeout=soon", "upload-timeout=\"soon\": takes seconds, from 1 to 86400"),
                                 ("upload-timeout=0", "takes seconds"), ("server-port=65536", "port"),
                                 ("log-level=loud", "takes debug, info, warn or error"),
