@@ -38,9 +38,9 @@ std::optional<Place> placeIn(Parser parser, const Bytes& bytes) {
   return place;
 }
 
-/// Requires that the surroundings do not affect the parser. A zero byte before the bytes moves the
-/// field by one; a zero byte after them does not move it; a complete reply after them is always
-/// found.
+/// Requires that more bytes around `bytes` do not confuse the parser. A zero byte before them moves
+/// the field by one. A zero byte after them does not move the field. A complete reply after them is
+/// always found.
 template <typename Parser>
 void requireSteady(Parser parser, const Bytes& bytes, const Bytes& wholeReply) {
   auto place = placeIn(parser, bytes);

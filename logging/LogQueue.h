@@ -84,7 +84,7 @@ class LogQueue {
   /// for at least one record.
   bool take(Batch& batch);
 
-  /// Counts `records` more of the taken records as received by the sinks.
+  /// Adds `records` to the count of the records that the sinks have received.
   void finish(std::size_t records);
 
   /// Counts `records` more of the taken records as finished and dropped: no sink received them.

@@ -8,7 +8,7 @@ namespace {
 // In dots: the longest page for which printers have memory.
 constexpr unsigned longestPage = 2400;
 
-// These limit the memory of a job that selects areas without end.
+// The limits of a page; without them a job that selects areas without end would use all memory.
 constexpr std::size_t mostAreas = 256;
 constexpr std::size_t heaviestPage = heaviestPaper / 16;
 

@@ -127,8 +127,8 @@ struct Symbol {
   unsigned moduleWidth = 3;
   /// The height of a row in dots; for a bar code, its whole height.
   unsigned rowHeight = 162;
-  unsigned level = 0;  ///< the level of error correction; 0: the default
-  /// The columns or the number of a size; 0: the symbology's default.
+  unsigned level = 0;  ///< the level of error correction; 0 means the default
+  /// The number of columns, or the number of a predefined size; 0 means the symbology's default.
   unsigned columns = 0;
   bool isModel1 = false;                  ///< a QR code of model 1, which is drawn as model 2
   Symbology lineKind = Symbology::Ean13;  ///< the kind of a composite code's bar code

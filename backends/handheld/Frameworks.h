@@ -5,7 +5,7 @@
 
 #include "platform/Platform.h"
 
-// Declares the parts of the platform that use frameworks. Each of them is an Objective-C++ source.
+// Declares the parts of the platform that use frameworks. Each part is an Objective-C++ source.
 // C++ sources include this header, so they need no framework's header.
 
 namespace quordalvane::handheld {

@@ -30,9 +30,9 @@ constexpr std::chrono::seconds lingerLimit{2};
 // cheap but not free.
 constexpr std::chrono::seconds silenceInterval{1};
 
-// If a write of at most this many bytes was taken as a whole, the link is assumed to have space: to
-// ask the system costs as much as to send a command, and its buffers hold many commands. A longer
-// write may have filled the buffers.
+// If the system took a whole write of at most this many bytes, the link is assumed to have space:
+// the system's buffers hold many commands, and a query for the space costs as much as sending a
+// command. A longer write may have filled the buffers.
 constexpr std::size_t longestCommand = 4096;
 
 bool wouldBlock(int error) {

@@ -60,9 +60,9 @@ struct Script {
 
   // -- The same as sentences ----------------------------------------------------------------------
   Script& delivers(Bytes what, double at = 0);
-  /// The next time, after earlier ones like this, that `request` was sent.
+  /// Answers one `request` by `reply`; a further call answers the next equal request.
   Script& whenAsked(Bytes request, Reply reply);
-  /// Every time that is not one of those.
+  /// Answers every `request` that no `whenAsked` answers.
   Script& wheneverAsked(Bytes request, Reply reply);
   Script& givesAtMost(std::size_t count);
   Script& readReturns(std::size_t nth, std::int64_t result);

@@ -77,8 +77,9 @@ Report simulate(const Options& options, const Surroundings& surroundings) {
   Report report;
   if (notOk > 0) {
     report.code = ExitCode::ExchangeFailed;
-    report.error = std::to_string(notOk) +
-                   " of the jobs held something that this printer does not know, or was cut off";
+    report.error =
+        std::to_string(notOk) +
+        " of the jobs contained something that this printer does not know, or were cut off";
   }
   return report;
 }

@@ -8,7 +8,7 @@ namespace quordalvane {
 namespace {
 
 [[noreturn]] void refuse() {
-  spec::refuse("bluetooth: this program was built without Bluetooth, which takes libsdbus-c++-dev");
+  spec::refuse("bluetooth: this program was built without Bluetooth, which needs libsdbus-c++-dev");
 }
 
 void checkPlace(const std::string& /*place*/) {
