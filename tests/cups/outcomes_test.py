@@ -173,7 +173,7 @@ class Unconfirmed(QueueCase):
         self.assertSettles(job, "completed")
         self.assertEqual(self.copies(printer) - before, 1)
 
-    def test_moved_to_another_queue_and_released_it_is_printed_there(self):
+    def test_a_job_that_is_moved_to_another_queue_is_printed_there(self):
         printer, other = self.simulator(), self.simulator()
         job = self.unconfirmed(printer, self.queue(printer))
         self.queue(other, "kitchen")

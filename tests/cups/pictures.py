@@ -33,7 +33,7 @@ def of_grey_map(data: bytes) -> Picture:
 
 
 def inked(picture: Picture) -> Picture:
-    """The part of it that holds all its ink."""
+    """The part of the picture that contains all its ink."""
     rows = [row for row, dots in enumerate(picture) if 1 in dots]
     left = min(picture[row].find(1) for row in rows)
     right = max(picture[row].rfind(1) for row in rows)

@@ -4,7 +4,7 @@ from harness import Case, main, run
 
 
 class Finding(Case):
-    def test_it_always_answers_in_both_forms(self):
+    def test_it_always_answers_as_text_and_as_json(self):
         result = run("find", "--json")
         self.assertExit(0, result)
         answer = result.json()

@@ -128,7 +128,7 @@ class Interrupting(Case):
 
     @staticmethod
     def most_offers(log) -> int:
-        """How many times the same bytes were written, by the end of the log."""
+        """How many times the same bytes were written, according to the end of the log."""
         if not log.exists():
             return 0
         with log.open("rb") as file:

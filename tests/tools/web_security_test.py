@@ -228,7 +228,7 @@ class Crowd(BrowserCase):
 
 class Memory(BrowserCase):
     def resident(self, simulator) -> int:
-        """MiB of memory that the process holds."""
+        """The memory of the process, in MiB."""
         for line in Path(f"/proc/{simulator.process.pid}/status").read_text().splitlines():
             if line.startswith("VmRSS:"):
                 return int(line.split()[1]) // 1024

@@ -62,7 +62,7 @@ TEST(EscPosAnswers, KnowTheLastSixteenIds) {
   }
 }
 
-TEST(EscPosAnswers, TakeATextOf79CharactersAndNoLongerOne) {
+TEST(EscPosAnswers, AcceptATextOfAtMost79Characters) {
   for (const std::size_t length : {79U, 80U}) {
     test::Bytes text = {0x5f};
     text.insert(text.end(), length, '~');

@@ -82,7 +82,7 @@ TEST(PrinterWithoutProof, IsNotAskedAgainOnTheSamePort) {
   EXPECT_EQ(second.outcome, PrintOutcome::Unconfirmed);
 }
 
-TEST(NoChosenProof, LeavesTheInOrderAnswerOwed) {
+TEST(PrinterWithoutProof, IsStillExpectedToGiveAnInOrderAnswer) {
   Till till = tillWith(printerWith("none"));
   EXPECT_TRUE(memoryOf(till.port).owed.empty());
   PrintJob(till.port).run(receiptText);

@@ -103,7 +103,7 @@ TEST_F(UsbTest, AFieldWithoutAValueIsIgnored) {
   EXPECT_EQ(printer.model, "T");
 }
 
-TEST_F(UsbTest, HostileTextsAreCutShort) {
+TEST_F(UsbTest, VeryLongTextsAreCutOff) {
   for (const std::string& id : {std::string(), std::string(";;:;:"), std::string("MFG"),
                                 std::string(100'000, ';'), "MFG:" + std::string(100'000, 'x')}) {
     plugIn(0, id, "");
@@ -283,7 +283,7 @@ TEST_F(UsbTest, ANodeThatVanishedSinceItWasSeenIsASystemError) {
   }
 }
 
-TEST_F(UsbTest, OpensTheNodeOfThePrinterThatIsPluggedInNow) {
+TEST_F(UsbTest, OpensTheDeviceFileOfThePresentPrinter) {
   const auto terminal = test::openPseudoTerminal();
   const Descriptor printer(terminal.master, Descriptor::Kind::Terminal);
   plugIn(3, till, "A");

@@ -232,7 +232,7 @@ TEST(Printing, TheReportOfAnEtbIsSentUnaskedAtItsTime) {
   EXPECT_EQ(session.link->nextEvent(session.now), std::nullopt);
 }
 
-TEST(Printing, TheCounterResetActsOnReceptionWhileDataIsHeld) {
+TEST(Printing, ACounterResetTakesEffectWhenItIsReceived) {
   Session session(slow().etbCounter(7));
   session.send(ascii("0123456789"));
   EXPECT_EQ(etbCounterOf(session.ask("1b1e4500 1b0601")), 0);
