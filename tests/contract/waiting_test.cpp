@@ -91,7 +91,7 @@ TEST_P(LinkContract, AWaitForSpaceLastsItsTimeWhileTheDeviceStalls) {
   fill();
   const double start = now();
   output->waitUntilReady(0.02);
-  EXPECT_GE(now() - start, 0.02 - 1e-6);  // less the rounding of a difference of seconds
+  EXPECT_GE(now() - start, 0.02 - 1e-6);  // allows for rounding of the difference
   EXPECT_LT(now() - start, instantly);
 }
 

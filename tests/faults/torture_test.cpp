@@ -19,7 +19,7 @@ constexpr double instant = 0.01;  // later: earlier bytes have been read by then
 
 /// Seconds for which a link may stall; the last is beyond every limit of the operation.
 std::vector<double> stalls(const Bytes& reply) {
-  const bool isModule = reply.size() > longestForPairs;  // which has a limit of ten seconds
+  const bool isModule = reply.size() > longestForPairs;  // the module has a limit of ten seconds
   return {0.2, 1, (isModule ? 10.0 : 1.0) + 2};
 }
 

@@ -105,7 +105,7 @@ class LostLinks(Case):
                     time.sleep(0.01)
                     connection.sendall(b"\x14")
             except OSError:
-                pass  # a line after the last byte may arrive too late
+                pass  # the link may end before a line that follows the last byte
             ended.set()
 
         data = b"a line of the receipt\n" * 1000

@@ -55,7 +55,7 @@ class Hosts(Case):
                 self.assertIn("cover open", result.out)
             self.assertEqual(simulator.state()["buffered"], 100)
 
-    def test_a_host_that_left_much_unread_makes_way_for_the_next(self):
+    def test_a_host_that_disconnects_with_much_unread_makes_way_for_the_next(self):
         for simulator in self.everywhere("--set", "coverOpen=true"):
             if simulator.place.startswith("serial:"):
                 continue  # a terminal holds a few kilobytes only

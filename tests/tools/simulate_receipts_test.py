@@ -27,7 +27,7 @@ class Receipts(Case):
             before = len(self.names()) // 2
             for count in (1, 2):
                 self.assertExit(0, run("-d", simulator.place, "print", "-", data=b"job %d on %s\n" % (count, listen.encode())))
-                self.assertExit(0, run("-d", simulator.place, "online"))  # which leaves nothing
+                self.assertExit(0, run("-d", simulator.place, "online"))  # a question leaves no receipt
                 eventually(lambda: len(self.names()) == 2 * (before + count), "the receipt is written")
                 self.assertIn(f"job {count} on {listen}", self.text(before + count))
             simulator.kill()
@@ -40,7 +40,7 @@ class Receipts(Case):
         eventually(self.names, "the receipt is written")
         self.assertIn("last line", self.text(1))
 
-    def test_each_of_many_quick_connections_is_a_job(self):
+    def test_each_of_many_short_connections_is_a_job_of_its_own(self):
         simulator = self.serve()
         for count in range(1, 21):
             with simulator.connect() as host:

@@ -110,7 +110,7 @@ const Scheme flock = {
         },
 };
 
-TEST(Devices, ASchemeWithoutAPlaceMeansAllThatItKnows) {
+TEST(Devices, ASchemeWithoutAPlaceMeansAllItsDevices) {
   addScheme(flock);
   using Texts = std::vector<std::string>;
   EXPECT_EQ(devicesMeantBy("flock:"), (Texts{"flock:grey", "flock:white"}));

@@ -175,7 +175,7 @@ TEST(Serial, TheLockIsReleasedAtTheClose) {
 }
 
 TEST(Serial, ATerminalOfTheMachineIsExclusiveUntilItIsClosed) {
-  const std::string console = "/dev/tty63";  // which hardly anything uses
+  const std::string console = "/dev/tty63";  // hardly any program uses this one
   const Descriptor watcher = watcherOf(console);
   if (watcher.number() < 0 || isExclusive(watcher)) {
     GTEST_SKIP() << "this user cannot open " << console;

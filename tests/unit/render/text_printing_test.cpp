@@ -76,7 +76,7 @@ TEST(TextPrinting, KeepsAnEmptyLineBetweenDrawnOnes) {
 TEST(TextPrinting, NamesTheCharactersWithoutAGlyph) {
   Job job;
   TextPrinting printing(384, CodePage(), job.output());
-  printing.add("\U0010fffd and é");  // for private use: no font has it
+  printing.add("\U0010fffd and é");  // a private-use character: no font has it
   printing.end();
   EXPECT_EQ(printing.missing(), std::set<char32_t>{0x10fffd});
 }
