@@ -105,7 +105,7 @@ class LostLinks(Case):
                     time.sleep(0.01)
                     connection.sendall(b"\x14")
             except OSError:
-                pass  # the link may end before a line that follows the last byte
+                pass  # the host may close the link before the last report
             ended.set()
 
         data = b"a line of the receipt\n" * 1000
