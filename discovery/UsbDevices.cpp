@@ -34,6 +34,7 @@ FoundDevice found(const UsbPrinter& printer, const std::vector<UsbPrinter>& prin
 std::vector<FoundDevice> usbDevices(const posix::UsbRoots& roots) {
   std::vector<FoundDevice> devices;
   const std::vector<UsbPrinter> printers = posix::usbPrinters(roots);
+  devices.reserve(printers.size());
   for (const UsbPrinter& printer : printers) {
     devices.push_back(found(printer, printers));
   }

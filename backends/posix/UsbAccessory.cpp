@@ -41,7 +41,7 @@ UsbAccessory::UsbAccessory(AccessoryIdentity identity, std::string place, UsbRoo
       roots_(std::move(roots)) {}
 
 std::optional<std::string> UsbAccessory::name() {
-  const auto given = LinkAccessory::name();
+  auto given = LinkAccessory::name();
   if (given && !given->empty()) {
     return given;
   }
