@@ -1,27 +1,26 @@
 #pragma once
 
-#include <cstdint>
+#include <optional>
 
 #include "simulator/Bytes.h"
 #include "simulator/PrinterState.h"
 
 namespace quordalvane::simulator {
 
-/// The status that a printer sends unasked, after a host has chosen the conditions to be watched.
+/// The status that a printer sends unasked after a host has switched it on.
 class UnaskedStatus {
  public:
-  /// Chooses the conditions by the parameter of 1d 61: bit 0 is the drawer, 1 the cover and being
-  /// off line, 2 the errors, 3 the paper, 6 the buttons, which are never pressed. Without any it
-  /// ends.
-  void choose(std::uint8_t conditions);
+  /// Switches the status on. If it is on already, it is sent again at once.
+  void switchOn() { latest_ = Bytes(); }
 
-  /// Returns the four bytes to be sent now: on the first call after a choice, and whenever a chosen
-  /// condition has changed since the last call. Empty otherwise.
+  void switchOff() { latest_.reset(); }
+
+  /// Returns the four bytes to be sent now: on the first call after `switchOn`, and whenever they
+  /// have changed since the last call. Returns no bytes otherwise.
   Bytes change(const PrinterState& state);
 
  private:
-  std::uint8_t conditions_ = 0;
-  Bytes latest_;  // the chosen bits of the latest status; empty before the first
+  std::optional<Bytes> latest_;  // null while it is off; empty until the first `change`
 };
 
 }  // namespace quordalvane::simulator

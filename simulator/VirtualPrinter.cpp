@@ -125,7 +125,11 @@ void VirtualPrinter::act(MachineCommand command, ByteView bytes, Instant now) {
     case MachineCommand::Recover:
       return recover(bytes[2], now);
     case MachineCommand::UnaskedStatus:
-      unasked_.choose(bytes[2]);
+      // Any other n switches on every report: real printers let n choose among them.
+      if (bytes[2] == 0) {
+        return unasked_.switchOff();
+      }
+      unasked_.switchOn();
       return reportChange(now);
     default:
       return answer(command, bytes, now);
@@ -362,7 +366,7 @@ void VirtualPrinter::disconnect(std::uint64_t connection) {
 
 void VirtualPrinter::endConnection() {
   sink_ = nullptr;
-  unasked_.choose(0);
+  unasked_.switchOff();
   asides_.add(queuedEver_, reception_.undecided());
   reception_.restart();
   const bool bringsNothing = !marks_.empty() && marks_.back().begin == queuedEver_;

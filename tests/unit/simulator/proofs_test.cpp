@@ -141,32 +141,15 @@ TEST(UnaskedStatus, IsSentAtOnceAndAtEachChangeUntilItIsEnded) {
   EXPECT_EQ(session.receive(), Bytes{});
 }
 
-TEST(UnaskedStatus, IsSentOnlyAtChangesOfTheChosenConditions) {
-  const std::pair<const char*, unsigned> conditions[] = {
-      {"compulsionSwitch", 1},           {"coverOpen", 2},    {"offline", 2},
-      {"receiptPaperNearEmptyInner", 8}, {"overTemp", 2 | 4}, {"receiptPaperEmpty", 2 | 8},
-  };
-  for (unsigned chosen = 1; chosen < 16; ++chosen) {
-    for (const auto& [flag, bits] : conditions) {
-      Session session;
-      EXPECT_EQ(session.ask(Bytes{0x1d, 0x61, static_cast<std::uint8_t>(chosen)}).size(), 4U);
-      session.printer.setFlag(flag, true, session.now);
-      EXPECT_EQ(session.receive().empty(), (chosen & bits) == 0) << flag << " of " << chosen;
-    }
+TEST(UnaskedStatus, IsSentAtEveryChangeWhateverTheParameterIs) {
+  for (const char* const switchOn : {"1d6101", "1d6108", "1d6180"}) {
+    Session session;
+    EXPECT_EQ(session.ask(switchOn), hex("10 00 00 00")) << switchOn;
+    session.printer.setFlag("coverOpen", true, session.now);
+    EXPECT_EQ(session.receive(), hex("38 00 00 00")) << switchOn;
+    session.printer.setFlag("compulsionSwitch", true, session.now);
+    EXPECT_EQ(session.receive(), hex("3c 00 00 00")) << switchOn;
   }
-}
-
-TEST(UnaskedStatus, ReportsEverythingWhateverWasChosen) {
-  Session session(PrinterBuilder().with(Flag::ReceiptPaperNearEmptyInner));
-  EXPECT_EQ(session.ask("1d6101"), hex("10 00 03 00"));
-}
-
-TEST(UnaskedStatus, EndsIfNoConditionIsChosenThatThereIs) {
-  Session session;
-  session.ask("1d61ff");
-  EXPECT_EQ(session.ask("1d6130"), Bytes{});
-  session.printer.setFlag("coverOpen", true, session.now);
-  EXPECT_EQ(session.receive(), Bytes{});
 }
 
 TEST(UnaskedStatus, NamesErrorsInItsSecondByte) {
