@@ -41,8 +41,7 @@ class Printing {
   explicit Printing(std::function<ExitCode()> print)
       : ended_(::eventfd(0, EFD_CLOEXEC)), thread_([this, print = std::move(print)] {
           code_ = print();
-          const std::uint64_t one = 1;
-          static_cast<void>(::write(ended_, &one, sizeof one));
+          ::eventfd_write(ended_, 1);
         }) {}
 
   int descriptor() const { return ended_; }
