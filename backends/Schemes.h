@@ -9,8 +9,8 @@
 
 namespace quordalvane {
 
-/// Adds `scheme` at the end of the list, unless it is in the list already. It must exist until the
-/// process ends. Call it at the beginning of a program, before other threads exist.
+/// Adds `scheme` at the end of the list, unless it is in the list already. The scheme must exist
+/// until the process ends. Call it at the beginning of a program, before other threads exist.
 QUOR_EXPORT void addScheme(const Scheme& scheme);
 
 /// Returns all schemes, in the order in which help texts list them.

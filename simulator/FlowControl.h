@@ -13,14 +13,14 @@ class FlowControl {
   static constexpr std::uint8_t pause = 0x13;
   static constexpr std::uint8_t goOn = 0x11;
 
-  /// The character to be sent when so many bytes of a buffer of `size` are free; empty if none is
-  /// due.
+  /// Returns the character to be sent if `free` bytes of a buffer of `size` bytes are free; empty
+  /// if no character must be sent.
   std::optional<std::uint8_t> follow(std::size_t free, std::size_t size);
 
   /// Whether the host was asked to pause, and not yet to continue.
   bool isPaused() const { return isPaused_; }
 
-  /// How many bytes must be free for a host to continue.
+  /// Returns how many bytes must be free before the host may continue.
   static std::size_t spaceAgain(std::size_t size);
 
   /// To be called when another host connects: it was not asked to pause.

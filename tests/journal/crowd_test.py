@@ -61,7 +61,7 @@ class Crowd(Case):
             list(tills.map(print_job, order))
         seconds = time.monotonic() - began
         chaos.end()
-        for number in range(NAMES):  # whoever was refused before is printed now
+        for number in range(NAMES):  # prints the jobs that were refused before
             print_job(number)
         eventually(lambda: simulator.state()["buffered"] == 0, "the printer has printed")
         simulator.control({"quit": True})

@@ -125,7 +125,7 @@ std::int32_t Model::writeWithRetry(const Bytes& whole, bool mayBeAnswered) {
   std::string address = log.at(&whole);
   log.start(address);
   const std::int64_t start = second();
-  std::uint32_t total = 0;  // wraps like the port's count
+  std::uint32_t total = 0;  // the sum wraps around, as in the port
   std::optional<Bytes> tail;
   const auto fail = [&](const std::string& error) {
     log.error(error);

@@ -69,7 +69,8 @@ class World {
   Port newPort(std::uint32_t timeoutMillis, std::shared_ptr<Platform> platform) const;
   void set(const std::string& flag, bool value);
 
-  std::unique_ptr<test::Trace> trace_;  // first, as the platforms write to it to the very end
+  // The first member, because the platforms write to it until they are destroyed.
+  std::unique_ptr<test::Trace> trace_;
   const Case& given_;
   const std::shared_ptr<test::VirtualPlatform> platform_;
   const std::shared_ptr<test::FaultyAccessory> accessory_;

@@ -1,4 +1,4 @@
-"""The command's reading of its arguments."""
+"""How the command reads its arguments."""
 
 import os
 import re
