@@ -43,11 +43,9 @@ std::string reasonOf(int code, sqlite3* handle) {
 
 }  // namespace
 
-Statement::Statement(Database& database, const char* sql)
-    : database_(database), handle_(nullptr, sqlite3_finalize) {
-  sqlite3_stmt* made = nullptr;
-  check(sqlite3_prepare_v2(database.handle_.get(), sql, -1, &made, nullptr));
-  handle_.reset(made);
+void Statement::Reset::operator()(sqlite3_stmt* handle) const noexcept {
+  sqlite3_reset(handle);
+  sqlite3_clear_bindings(handle);
 }
 
 void Statement::check(int code) {
@@ -115,6 +113,20 @@ Database::Database(std::filesystem::path file)
     fail(SQLITE_READONLY);
   }
   sqlite3_busy_timeout(opened, longestWaitMillis);
+}
+
+Statement Database::prepare(const char* sql) {
+  auto found = prepared_.find(sql);
+  if (found == prepared_.end()) {
+    sqlite3_stmt* made = nullptr;
+    const int code =
+        sqlite3_prepare_v3(handle_.get(), sql, -1, SQLITE_PREPARE_PERSISTENT, &made, nullptr);
+    if (code != SQLITE_OK) {
+      fail(code);
+    }
+    found = prepared_.emplace(sql, Prepared(made, sqlite3_finalize)).first;
+  }
+  return {*this, found->second.get()};
 }
 
 void Database::execute(const char* sql) {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -12,7 +13,8 @@ struct sqlite3_stmt;
 
 namespace quordalvane {
 
-/// A prepared SQL statement. Each call of `with` binds the next parameter.
+/// A prepared SQL statement, which the database keeps for the next one of the same text. Each call
+/// of `with` binds the next parameter.
 class Statement {
  public:
   Statement& with(std::int64_t value);
@@ -30,11 +32,17 @@ class Statement {
 
  private:
   friend class Database;
-  Statement(class Database& database, const char* sql);
+  Statement(class Database& database, sqlite3_stmt* handle)
+      : database_(database), handle_(handle) {}
   void check(int code);
 
+  /// Makes a statement ready for its next use.
+  struct Reset {
+    void operator()(sqlite3_stmt* handle) const noexcept;
+  };
+
   class Database& database_;
-  std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> handle_;
+  std::unique_ptr<sqlite3_stmt, Reset> handle_;
   int bound_ = 0;
 };
 
@@ -45,7 +53,10 @@ class Database {
   explicit Database(std::filesystem::path file);
 
   void execute(const char* sql);
-  Statement prepare(const char* sql) { return {*this, sql}; }
+
+  /// Returns a statement of this text, which must outlive the database. Only one statement of a
+  /// text may exist at a time. Each text is prepared once: that costs more than to execute it.
+  Statement prepare(const char* sql);
 
   /// Executes `sql` and returns its result, which must be a number.
   std::int64_t number(const char* sql);
@@ -58,8 +69,11 @@ class Database {
 
  private:
   friend class Statement;
+  using Prepared = std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)>;
+
   const std::filesystem::path file_;
   std::unique_ptr<sqlite3, int (*)(sqlite3*)> handle_;
+  std::map<std::string_view, Prepared> prepared_;  // destroyed before the connection
 };
 
 /// While a Snapshot exists, every read sees the database as it was at one moment, even if others
