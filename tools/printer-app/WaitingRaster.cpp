@@ -8,6 +8,9 @@
 #include "tools/printer-app/LibraryFunction.h"
 
 namespace quordalvane::printer_app {
+
+const char* const waitingRasterType = "application/vnd.quordalvane-raster";
+
 namespace {
 
 constexpr std::string_view anyFormat = "application/octet-stream";

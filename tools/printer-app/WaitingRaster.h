@@ -9,6 +9,9 @@ namespace quordalvane::printer_app {
 /// its turn. The framework reads a request by a function of the print system's library, `ippRead`.
 /// This program has a function of that name in front of the library's, which adds to a request with
 /// raster that it was detected as this format.
-inline constexpr auto waitingRasterType = "application/vnd.quordalvane-raster";
+///
+/// It is defined beside that function: a linker takes the function into the program only if the
+/// program uses something of the same source.
+extern const char* const waitingRasterType;
 
 }  // namespace quordalvane::printer_app
