@@ -8,7 +8,7 @@ Bytes UnaskedStatus::change(const PrinterState& state) {
   if (!latest_) {
     return {};
   }
-  const Bytes current = unaskedStatus(state);
+  Bytes current = unaskedStatus(state);
   if (current == *latest_) {
     return {};
   }
