@@ -1,19 +1,47 @@
 """The virtual printer as a server: its receipts, and the record of each job."""
 
+import ctypes
 import json
 import os
 import resource
 import signal
 import socket
+import struct
 import subprocess
+from pathlib import Path
 
 from harness import DEADLINE, STATUS_REQUEST, Case, eventually, finish, main, receive, run, start
 
 
+class Watched:
+    """Reports the names of the files that are created in a folder, empty at first, and of those that are renamed."""
+
+    CREATED, RENAMED = 0x100, 0x80
+    EVENT = struct.Struct("iIII")
+
+    def __init__(self, folder: Path):
+        system = ctypes.CDLL(None, use_errno=True)
+        self.descriptor = system.inotify_init1(os.O_NONBLOCK)
+        watch = system.inotify_add_watch(self.descriptor, str(folder).encode(), self.CREATED | self.RENAMED)
+        assert self.descriptor >= 0 and watch >= 0, os.strerror(ctypes.get_errno())
+
+    def names(self) -> tuple[set[str], set[str]]:
+        events, names = os.read(self.descriptor, 1 << 16), (set(), set())
+        while events:
+            _, mask, _, length = self.EVENT.unpack_from(events)
+            name, events = events[self.EVENT.size:self.EVENT.size + length], events[self.EVENT.size + length:]
+            names[mask == self.RENAMED].add(name.rstrip(b"\0").decode())
+        return names
+
+    def close(self):
+        os.close(self.descriptor)
+
+
 class Receipts(Case):
     def names(self):
+        """The texts and pictures, without the files that are still being written."""
         folder = self.folder / "out"
-        return sorted(name for name in os.listdir(folder) if not name.endswith(".json")) if folder.exists() else []
+        return sorted(name for name in os.listdir(folder) if not name.endswith((".json", ".part"))) if folder.exists() else []
 
     def text(self, number: int) -> str:
         return (self.folder / "out" / f"receipt-{number:04}.txt").read_text()
@@ -32,6 +60,24 @@ class Receipts(Case):
                 self.assertIn(f"job {count} on {listen}", self.text(before + count))
             simulator.kill()
         self.assertEqual(self.names()[:2], ["receipt-0001.png", "receipt-0001.txt"])
+
+    def test_each_file_has_its_name_only_when_it_is_whole(self):
+        (self.folder / "out").mkdir()
+        watched = Watched(self.folder / "out")
+        self.addCleanup(watched.close)
+        simulator = self.serve()
+        self.assertExit(0, run("-d", simulator.place, "print", "-", data=b"text\n"))
+        simulator.stop(signal.SIGTERM)
+        files = {f"receipt-0001.{ending}" for ending in ("txt", "png", "json")}
+        self.assertEqual(watched.names(), ({f".{file}.part" for file in files}, files))
+
+    def test_a_part_that_a_killed_process_has_left_is_no_receipt(self):
+        (self.folder / "out").mkdir()
+        (self.folder / "out" / ".receipt-0007.txt.part").write_text("hal")
+        simulator = self.serve()
+        self.assertExit(0, run("-d", simulator.place, "print", "-", data=b"text\n"))
+        eventually(lambda: len(self.names()) == 2, "the receipt is written")
+        self.assertEqual(self.names(), ["receipt-0001.png", "receipt-0001.txt"])
 
     def test_a_job_that_is_printed_slowly_is_complete(self):
         simulator = self.serve("--set", "speed=200")
@@ -123,7 +169,8 @@ class Receipts(Case):
                                    stderr=subprocess.PIPE)
         with simulator.connect() as host:
             host.sendall(b"a line of text\n" * 20)
-        self.assertIn(b"cannot be written", simulator.process.stderr.readline())
+        self.assertIn(b'receipt-0001.txt" cannot be written: File too large', simulator.process.stderr.readline())
+        self.assertEqual(os.listdir(self.folder / "out"), [])
         self.assertExit(0, run("-d", simulator.place, "online"))
 
     def test_a_path_that_cannot_be_a_folder_is_refused(self):

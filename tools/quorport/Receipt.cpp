@@ -1,6 +1,8 @@
 #include "tools/quorport/Receipt.h"
 
 #include <cerrno>
+#include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <system_error>
 #include <utility>
@@ -20,6 +22,13 @@ std::string whyNotWritten(const std::string& file) {
          " cannot be written: " + std::generic_category().message(errno);
 }
 
+bool isWritten(const std::string& bytes, const std::string& file) {
+  std::ofstream out(file, std::ios::binary | std::ios::trunc);
+  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  out.close();
+  return static_cast<bool>(out);
+}
+
 bool isPicture(const std::string& file) {
   return file.ends_with(".png");
 }
@@ -34,19 +43,28 @@ std::string rendered(const simulator::Paper& paper, const std::string& file) {
 
 }  // namespace
 
-std::string writePaper(const simulator::Paper& paper, const std::string& file) {
+std::string writeFile(const std::string& bytes, const std::string& file) {
+  return isWritten(bytes, file) ? "" : whyNotWritten(file);
+}
+
+std::string writeWholeFile(const std::string& bytes, const std::string& file) {
+  const std::filesystem::path whole(file);
+  const std::string part = whole.parent_path() / ("." + whole.filename().string() + ".part");
+  if (isWritten(bytes, part) && std::rename(part.c_str(), file.c_str()) == 0) {
+    return "";
+  }
+  std::string reason = whyNotWritten(file);
+  std::remove(part.c_str());
+  return reason;
+}
+
+std::string writePaper(const simulator::Paper& paper, const std::string& file,
+                       decltype(writeFile)& write) {
   const std::string bytes = rendered(paper, file);
   if (bytes.empty() && isPicture(file)) {
     return "the receipt " + inQuotes(file) + " cannot be drawn";
   }
-  return writeFile(bytes, file);
-}
-
-std::string writeFile(const std::string& bytes, const std::string& file) {
-  std::ofstream out(file, std::ios::binary | std::ios::trunc);
-  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  out.close();
-  return out ? "" : whyNotWritten(file);
+  return write(bytes, file);
 }
 
 Receipt::Receipt(std::string file, const std::shared_ptr<EAAccessory>& accessory)
@@ -69,7 +87,7 @@ std::string Receipt::write() {
   accessory_->withPrinter([&paper](simulator::VirtualPrinter& printer, simulator::Instant) {
     paper = printer.tearOff();
   });
-  return writePaper(paper, file_);
+  return writePaper(paper, file_, writeFile);
 }
 
 }  // namespace quordalvane::tool

@@ -12,12 +12,19 @@ class VirtualAccessory;
 
 namespace quordalvane::tool {
 
-/// Writes the paper to a file: as a picture if the name ends in .png, otherwise as text. Returns ""
-/// on success, otherwise the reason.
-std::string writePaper(const simulator::Paper& paper, const std::string& file);
-
-/// Writes the bytes to a file. Returns "" on success, otherwise the reason.
+/// Writes the bytes to a file, whatever kind of file it is. Returns "" on success, otherwise the
+/// reason; a part of the bytes may then be in the file.
 std::string writeFile(const std::string& bytes, const std::string& file);
+
+/// Writes the bytes to a new file of the folder that `file` names, which has this name only when it
+/// is whole; before that it is named like `.receipt-0001.png.part`. Returns "" on success,
+/// otherwise the reason, and leaves no part.
+std::string writeWholeFile(const std::string& bytes, const std::string& file);
+
+/// Writes the paper to a file with one of the functions above: as a picture if the name ends in
+/// .png, otherwise as text. Returns "" on success, otherwise the reason.
+std::string writePaper(const simulator::Paper& paper, const std::string& file,
+                       decltype(writeFile)& write);
 
 /// The receipt file of a job on the built-in virtual printer.
 class Receipt {

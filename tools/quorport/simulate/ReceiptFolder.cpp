@@ -49,7 +49,7 @@ ReceiptFolder::Written ReceiptFolder::add(const std::vector<simulator::Paper>& p
   for (const simulator::Paper& paper : papers) {
     const std::string name = nextName();
     for (const char* const ending : {".txt", ".png"}) {
-      written.error = writePaper(paper, name + ending);
+      written.error = writePaper(paper, name + ending, writeWholeFile);
       if (!written.error.empty()) {
         return written;
       }
@@ -66,7 +66,7 @@ std::string ReceiptFolder::addBeside(const std::vector<std::string>& files,
       continue;
     }
     const std::string beside = std::filesystem::path(file).replace_extension(".json").string();
-    if (std::string error = writeFile(text, beside); !error.empty()) {
+    if (std::string error = writeWholeFile(text, beside); !error.empty()) {
       return error;
     }
   }
