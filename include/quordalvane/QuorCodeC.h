@@ -20,20 +20,20 @@ enum {
   QUOR_OK = 0,              /**< done */
   QUOR_NONE = 1,            /**< done, but there is no value to return; nothing is copied */
   QUOR_FAILED = -1,         /**< the operation was tried and failed */
-  QUOR_PORT_EXCEPTION = -2, /**< the port gave up: a failed write or a lost link */
+  QUOR_PORT_EXCEPTION = -2, /**< the operation gave up: a write failed or the link is lost */
   QUOR_UNREADABLE = -3,     /**< the printer's answer does not have the form that it must have */
   QUOR_STOPPED = -4,        /**< the transfer observer stopped the operation */
   QUOR_USAGE = -5,          /**< an argument or the call itself is not allowed; nothing was done */
   QUOR_BUFFER_TOO_SMALL = -6, /**< the buffer is too small; `*length` is the size that is needed */
   QUOR_NO_MEMORY = -7,        /**< memory ran out */
-  QUOR_UNEXPECTED = -8,       /**< the system or a function of the caller failed */
-  QUOR_NOT_READY = -9,        /**< the printer is off line and was not asked */
+  QUOR_UNEXPECTED = -8,       /**< the system failed, or a function that the caller passed */
+  QUOR_NOT_READY = -9,        /**< the printer is off line, so the query was not sent */
   QUOR_NO_JOURNAL = -10       /**< the journal of jobs cannot be used; see QuorJournalC.h */
 };
 
-/** Returns why the calling thread's latest failed call failed, as a text for a person; "" if no
- * call has failed. Never null. The library owns the text, which is valid until the next call on
- * that thread. */
+/** Returns the error text of the calling thread's last failed call, for a person to read; "" if no
+ * call has failed. Never returns null. The library owns the text, which is valid until the next
+ * call on that thread. */
 QUOR_EXPORT const char* quor_last_error(void);
 
 /** Returns the version of the library, for example "0.1.0". The library owns the text, which is

@@ -2,9 +2,9 @@
 #define QUORDALVANE_QUOREXPORT_H
 
 /*
- * Marks a name that programs outside the library may use; every other name is hidden. The mark is
- * the same when the library is built and when it is used. So a type that both sides use, such as an
- * exception, is the same type on both sides.
+ * Marks a name that programs outside the library may use; every other name is hidden. A program
+ * that includes the header sees the same mark as the library. Otherwise an exception of the library
+ * would have another type in the program, which then could not catch it.
  */
 #define QUOR_EXPORT __attribute__((visibility("default")))
 

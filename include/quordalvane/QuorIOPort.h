@@ -38,8 +38,8 @@ typedef struct QuorPrinterStatus_2_ {
   /* Sensors on the receipt paper. */
   uint32_t receiptBlackMarkDetection;  /**< a black mark is at the sensor */
   uint32_t receiptPaperEmpty;          /**< the paper has run out */
-  uint32_t receiptPaperNearEmptyInner; /**< the paper is near its end, by the inner sensor */
-  uint32_t receiptPaperNearEmptyOuter; /**< the paper is near its end, by the outer sensor */
+  uint32_t receiptPaperNearEmptyInner; /**< the inner sensor finds little paper left */
+  uint32_t receiptPaperNearEmptyOuter; /**< the outer sensor finds little paper left */
 
   /* Sensors along the paper path. */
   uint32_t paperPresent;           /**< paper is left in the exit */

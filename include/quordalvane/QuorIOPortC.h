@@ -6,15 +6,15 @@
  *
  * Errors. A function that can fail returns a code, which is 0 or more on success and below 0 on
  * failure; quor_last_error then says why. A pointer must not be null unless the comment of its
- * function allows it. For a null pointer, functions that return a code return QUOR_USAGE, and the
- * others 0.
+ * function allows it. For a null pointer that is not allowed, functions that return a code return
+ * QUOR_USAGE, and the others return 0.
  *
  * Texts and bytes. The library copies its results into a buffer of the caller, of `capacity` bytes,
- * and stores the number of bytes in `*length`; `length` may be null. A text ends with a NUL, which
- * `length` does not count but `capacity` must have room for. If the buffer is too small, nothing is
- * copied, `*length` is still set, and the code is QUOR_BUFFER_TOO_SMALL. So a call with a capacity
- * of 0, with which the buffer may be null, asks for the length. The library does not keep pointers
- * to its input after a call, except functions and their contexts.
+ * and stores the number of bytes in `*length`; `length` may be null. A text ends with a NUL:
+ * `*length` does not count it, but the buffer must have room for it. If the buffer is too small,
+ * nothing is copied, `*length` is still set, and the code is QUOR_BUFFER_TOO_SMALL. To ask for the
+ * length alone, pass a capacity of 0; the buffer may then be null. After a call the library keeps
+ * no pointer to its input, except to functions and their contexts.
  *
  * Handles. The caller must free each handle that it has created. Freeing null has no effect.
  *
@@ -23,7 +23,7 @@
  * unless their comments say otherwise.
  *
  * Time-outs are in milliseconds. Those of a port are rounded down to whole seconds of the wall
- * clock: a time-out of n seconds ends after n to n + 1 seconds, and one below 1000 ms when the
+ * clock: a time-out of n seconds ends after n to n + 1 seconds, and one below 1000 ms ends when the
  * second of the clock changes.
  */
 

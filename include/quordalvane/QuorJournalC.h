@@ -4,9 +4,10 @@
 #include <quordalvane/QuorIOPortC.h>
 
 /** @file
- * Named jobs, for programs that are not written in C++. A named job is printed only once; if its
- * outcome is unknown, it is not printed again before a person was asked. This holds even if the
- * program is killed at any moment. These functions are in libQuorJournal.
+ * Named jobs, for programs that are not written in C++. A named job is printed only once. If its
+ * outcome is unknown, it is printed again only when the caller sets `again`, after a person has
+ * looked at the paper. This holds even if the program is killed at any moment. These functions are
+ * in libQuorJournal.
  *
  *     quor_print_job_create(port, 1, NULL, NULL, &job);
  *     quor_named_job_create(journal, &request, data, size, &named);
@@ -56,13 +57,13 @@ enum {
  * receives the record. */
 typedef struct QuorJobRecord {
   const char* name;   /**< the name of the job */
-  const char* device; /**< the device text of the printer that it was meant for */
+  const char* device; /**< the device text of the job's printer */
   uint64_t bytes;     /**< the length of the job's data */
   int64_t attempts;   /**< the number of attempts so far */
   int64_t begun;      /**< when the latest attempt began, in milliseconds since 1970, UTC */
-  int64_t ended;      /**< when it ended, in the same unit; -1 if the end was not recorded */
+  int64_t ended;      /**< when that attempt ended, likewise; -1 if its end was not recorded */
   int32_t state;      /**< one of the states above */
-  const char* reason; /**< the reason why it was not printed, for a person; "" if it was printed */
+  const char* reason; /**< why the job was not printed, for a person to read; "" if it was */
 } QuorJobRecord;
 
 /** Receives one job. `context` is the pointer that was passed to quor_journal_jobs. */
@@ -73,9 +74,9 @@ typedef void (*QuorJobFunction)(void* context, const QuorJobRecord* job);
 QUOR_EXPORT QuorCode quor_journal_jobs(QuorJournal* journal, QuorJobFunction function,
                                        void* context);
 
-/** Removes a job. If a job is run under this name later, it is printed, even if it is on paper
- * already. Returns QUOR_NONE if there is no job of this name, QUOR_FAILED if a process is printing
- * the job, and QUOR_NO_JOURNAL if the file cannot be written. */
+/** Removes a job. A later job with this name counts as new and is printed, even if the removed job
+ * is on paper already. Returns QUOR_NONE if there is no job of this name, QUOR_FAILED if a process
+ * is printing the job, and QUOR_NO_JOURNAL if the file cannot be written. */
 QUOR_EXPORT QuorCode quor_journal_forget(QuorJournal* journal, const char* name);
 
 /** Removes the jobs whose last attempt began more than `days` days ago, except those that are being
@@ -86,7 +87,8 @@ QUOR_EXPORT QuorCode quor_journal_forget_older_than(QuorJournal* journal, uint32
 
 /* ---- Named job ------------------------------------------------------------------------------- */
 
-/** Called once, on the calling thread, if the called function has to wait for another process. */
+/** A function of the caller. A library function that has to wait for another process calls it once,
+ * on the caller's thread. */
 typedef void (*QuorWaiting)(void* context);
 
 /** The name of a job, and how to run it. */
@@ -94,8 +96,8 @@ typedef struct QuorNamedJobRequest {
   const char* name;   /**< 1 to 255 bytes of UTF-8 without control characters */
   const char* device; /**< the device text; only recorded, for people who read the journal */
 
-  /** If not 0, the job is printed again if nobody knows whether it is on paper. Set it after a
-   * person has looked at the printer. */
+  /** Not 0: print the job again although nobody knows whether it is on paper. Set this only after a
+   * person has looked at the paper. */
   int32_t again;
 
   /** How long to wait for another process that is printing the job. 0 means not to wait. */
@@ -105,14 +107,14 @@ typedef struct QuorNamedJobRequest {
   void* context;       /**< passed to `waiting` */
 } QuorNamedJobRequest;
 
-/** A named job. While it exists, no other one can have the same name in the same journal, in any
- * process. The kernel frees the name when the process ends in any way. */
+/** A named job. While it exists, no process can create another one with the same name in the same
+ * journal. The kernel frees the name when the process ends, even if it is killed. */
 typedef struct QuorNamedJob QuorNamedJob;
 
-/** Claims the name for a job of `size` bytes; waits for another process that has it up to the
- * time-out in the request. Nothing is sent or recorded. Returns QUOR_USAGE if the name is invalid
- * or the journal knows it with other data, and QUOR_NO_JOURNAL if the journal cannot be read or
- * locked. */
+/** Claims the name for a job of `size` bytes. If another process has the name, waits for it, up to
+ * the time-out in the request. Nothing is sent or recorded. Returns QUOR_USAGE if the name is
+ * invalid or the journal has a job of this name with other data, and QUOR_NO_JOURNAL if the journal
+ * cannot be read or locked. */
 QUOR_EXPORT QuorCode quor_named_job_create(QuorJournal* journal, const QuorNamedJobRequest* request,
                                            const void* data, size_t size, QuorNamedJob** job);
 
@@ -125,14 +127,14 @@ QUOR_EXPORT void quor_named_job_free(QuorNamedJob* job);
 QUOR_EXPORT int32_t quor_named_job_is_answered(QuorNamedJob* job);
 
 /** Runs `print_job` with the data. The beginning is recorded on disk before the first byte is sent,
- * and the outcome before this function returns. If the journal gives an answer, that is the result,
- * and the port is not used. In both cases the functions of `print_job` return the result. May be
- * called once, with a print job that has not run; otherwise it returns QUOR_USAGE. Returns
- * QUOR_NO_JOURNAL if the beginning could not be recorded; nothing of the job was sent then, and the
- * port is closed. Other codes are those of quor_print_job_run. */
+ * and the outcome before this function returns. If the journal already gives an answer, this answer
+ * is the result, and the port is not used. In both cases the functions of `print_job` return the
+ * result. May be called once, with a print job that has not run; otherwise it returns QUOR_USAGE.
+ * Returns QUOR_NO_JOURNAL if the beginning could not be recorded; then nothing of the job was sent,
+ * and this function has closed the port. Other codes are those of quor_print_job_run. */
 QUOR_EXPORT QuorCode quor_named_job_run(QuorNamedJob* job, QuorPrintJob* print_job);
 
-/** Records that the job was not sent, and `reason`, for example that the printer cannot be reached.
+/** Records that the job was not sent, with `reason`, for example "the printer cannot be reached".
  * Call it instead of quor_named_job_run. Returns QUOR_USAGE if the journal gives an answer or the
  * job was run. */
 QUOR_EXPORT QuorCode quor_named_job_refuse(QuorNamedJob* job, const char* reason);
@@ -141,19 +143,19 @@ QUOR_EXPORT QuorCode quor_named_job_refuse(QuorNamedJob* job, const char* reason
  * attempt. */
 QUOR_EXPORT int64_t quor_named_job_attempt(QuorNamedJob* job);
 
-/** Returns 1 if an earlier call printed the job, so that this one sends nothing. */
+/** Returns 1 if an earlier call printed the job. This call then sends nothing. */
 QUOR_EXPORT int32_t quor_named_job_is_repeated(QuorNamedJob* job);
 
-/** Copies, as a text for a person, why the outcome could not be recorded; returns QUOR_NONE if it
- * was recorded. The outcome is correct in both cases, but the next call with this name will answer
- * that the outcome is unknown. */
+/** Copies the reason why the outcome could not be recorded, for a person to read. Returns QUOR_NONE
+ * if the outcome was recorded. The outcome is correct in both cases, but the next call with this
+ * name will answer that the outcome is unknown. */
 QUOR_EXPORT QuorCode quor_named_job_not_recorded(QuorNamedJob* job, char* text, size_t capacity,
                                                  size_t* length);
 
 /* ---- Turns ----------------------------------------------------------------------------------- */
 
-/** A turn on a printer. Of all jobs on this machine that ask for a turn, only one at a time has
- * it. */
+/** A turn on a printer. On one machine only one job at a time has it. A job that does not ask for a
+ * turn is not stopped. */
 typedef struct QuorTurn QuorTurn;
 
 /** Takes the turn on the printer with this device text. If another job has it, waits for at most

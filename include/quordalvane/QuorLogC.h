@@ -19,9 +19,9 @@ QUOR_EXPORT int32_t quor_log_is_logging(void);
 QUOR_EXPORT void quor_log_set_logging(int32_t on);
 /** @} */
 
-/** Which levels, from 0 to 63, are logged. Initially only level 0 is. The setter makes exactly the
- * `count` given levels wanted; with a `count` of 0 no level is wanted, and `levels` may be null. If
- * a level is outside 0 to 63, it returns QUOR_USAGE and changes nothing.
+/** Which levels, from 0 to 63, are logged. Initially only level 0 is. After the setter only the
+ * `count` levels in `levels` are logged; with a `count` of 0 no level is, and `levels` may be null.
+ * If a level is outside 0 to 63, it returns QUOR_USAGE and changes nothing.
  * @{ */
 QUOR_EXPORT int32_t quor_log_is_target_level(int32_t level);
 QUOR_EXPORT QuorCode quor_log_set_target_levels(const int32_t* levels, size_t count);
@@ -52,29 +52,30 @@ typedef void (*QuorLogFunction)(void* context, const QuorLogRecord* record);
 typedef struct QuorLogSink QuorLogSink;
 
 /** Passes every record to a function of the caller. The library's writer thread calls it, for one
- * record at a time. It may take as long as it needs, because no thread that logs waits for it, and
- * may itself log. `context` must exist until the sink was removed with QUOR_OK. */
+ * record at a time. The function may take as long as it needs, because no thread that logs waits
+ * for it. It may itself log. `context` must exist until quor_log_remove_sink has returned QUOR_OK
+ * for this sink. */
 QUOR_EXPORT QuorCode quor_log_add_function(QuorLogFunction function, void* context,
                                            QuorLogSink** sink);
 
-/** Appends every record to a file, as one line with a JSON object. Before the file would grow
- * beyond `maximum_bytes` (0 means no limit), a new one is begun: FILE is renamed to FILE.1, FILE.1
- * to FILE.2, and so on; `kept_files` old files are kept. Returns QUOR_UNEXPECTED if the file cannot
- * be opened. */
+/** Appends every record to a file, as one line with a JSON object. If a record would make the file
+ * longer than `maximum_bytes` (0 means no limit), a new file is begun: FILE is renamed to FILE.1,
+ * FILE.1 to FILE.2, and so on; `kept_files` old files are kept. Returns QUOR_UNEXPECTED if the file
+ * cannot be opened. */
 QUOR_EXPORT QuorCode quor_log_add_file(const char* path, uint64_t maximum_bytes,
                                        uint32_t kept_files, QuorLogSink** sink);
 
 /** Writes every record to standard error, as one readable line. */
 QUOR_EXPORT QuorCode quor_log_add_standard_error(QuorLogSink** sink);
 
-/** Removes the sink after it has received all records logged before, and frees the handle in any
- * case. Returns QUOR_FAILED if the sink was still busy after 2 s, or is itself the caller; its
- * function may then still be called, until quor_log_flush has returned QUOR_OK. */
+/** Waits until the sink has received all earlier records, removes it, and frees the handle in any
+ * case. Returns QUOR_FAILED if the sink is still busy after 2 s, or if the sink itself makes this
+ * call; its function may then still be called, until quor_log_flush has returned QUOR_OK. */
 QUOR_EXPORT QuorCode quor_log_remove_sink(QuorLogSink* sink);
 
-/** Waits until the sinks have received every record so far. Returns QUOR_FAILED if this takes
- * longer than `timeout`, or at once if a sink calls it while records are left. With a time-out of 0
- * it does not wait. */
+/** Waits until the sinks have received every record logged so far. Returns QUOR_FAILED if this
+ * takes longer than `timeout`, or at once if a sink makes this call while records are in the queue.
+ * With a time-out of 0 it does not wait. */
 QUOR_EXPORT QuorCode quor_log_flush(uint32_t timeout);
 
 /** Sets how many records may wait for the sinks, initially 8192. If the queue is full, a record is

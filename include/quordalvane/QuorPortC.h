@@ -57,20 +57,21 @@ QUOR_EXPORT void quor_port_free(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_open(QuorPort* port);
 
 /** Ends the session and, on the main thread, also the port's thread. Pauses 0.1 s first if the
- * version of the system is 10.0 or more; the version is that of the kernel, which is lower today.
- * Waits until the printer has taken the bytes that are under way: at most two seconds over a
+ * version of the system is 10.0 or more; the version is that of the kernel, which is below 10.0
+ * today. Waits until the printer has taken the bytes that are under way: at most two seconds over a
  * socket, and not at all if no bytes are under way. May be called on a port that is not open. */
 QUOR_EXPORT QuorCode quor_port_close(QuorPort* port);
 
-/** Returns 1 while the chosen accessory is attached, even if an open found it but got no session.
- * Returns 0 before quor_port_open and after quor_port_close. */
+/** Returns 1 while the chosen accessory is attached, even if quor_port_open could not open a
+ * session on it. Returns 0 before quor_port_open and after quor_port_close. */
 QUOR_EXPORT int32_t quor_port_is_connected(QuorPort* port);
 
 /* ---- Port: bytes ----------------------------------------------------------------------------- */
 
-/** Offers `size` bytes to the link; if it has no space, waits for it once, for at most 0.1 s.
- * Stores in `*written` how many bytes the link took: 0 to `size`. Returns QUOR_FAILED if the link
- * is lost or reports an error; `*written` is then 0, and the number of bytes sent is unknown. */
+/** Offers `size` bytes to the link. If the link has no space, waits once for space, for at most 0.1
+ * s. Stores in `*written` how many bytes the link took: 0 to `size`. Returns QUOR_FAILED if the
+ * link is lost or reports an error; `*written` is then 0, and the number of bytes sent is
+ * unknown. */
 QUOR_EXPORT QuorCode quor_port_write(QuorPort* port, const void* data, size_t size,
                                      size_t* written);
 
@@ -79,36 +80,36 @@ QUOR_EXPORT QuorCode quor_port_write(QuorPort* port, const void* data, size_t si
  * lost or reports an error; bytes that this call has already taken are then dropped. */
 QUOR_EXPORT QuorCode quor_port_read(QuorPort* port, void* buffer, size_t capacity, size_t* length);
 
-/** Sends a whole short command. It tries again every 50 ms until all of it is sent or the creation
- * time-out has passed, and stores the number of bytes in `*written`. Returns QUOR_FAILED, with 0 in
- * `*written`, if the link is lost or the time-out passes; a part of the command may have been sent
- * then. Use it only for commands that a link takes at once: if an attempt is taken only in part,
- * bytes may be left out or sent twice. Send print data by a print job. */
+/** Sends a whole short command. Tries again every 50 ms until the whole command is sent or the
+ * creation time-out has passed, and stores the number of bytes in `*written`. Returns QUOR_FAILED,
+ * with 0 in `*written`, if the link is lost or the time-out passes; a part of the command may have
+ * been sent then. Use it only for commands that a link takes at once: if the link takes only a part
+ * of a command, bytes may be left out or sent twice. Send print data by a print job. */
 QUOR_EXPORT QuorCode quor_port_write_with_retry(QuorPort* port, const void* command, size_t size,
                                                 size_t* written);
 
 /** Functions that observe the bytes of a port, called on the thread that writes or reads them.
  * `bytes_written` receives the number of bytes that the link took, which may be 0. `bytes_read`
- * receives the bytes that a read is about to return, which may be none. If a function does not
- * return 0, the operation of the port ends with QUOR_STOPPED. `context` is the pointer that was set
- * together with the functions. They must not free the port or set its observers.
+ * receives the bytes that a read is about to return, and their number may be 0. If a function does
+ * not return 0, the operation of the port ends with QUOR_STOPPED. `context` is the pointer that was
+ * set together with the functions. The functions must not free the port or set its observers.
  * @{ */
 typedef int32_t (*QuorBytesWritten)(void* context, size_t count);
 typedef int32_t (*QuorBytesRead)(void* context, const uint8_t* bytes, size_t count);
 /** @} */
 
 /** Sets the observers of a port; null removes an observer. `context` must exist until other
- * observers are set. A print job replaces the observers when it runs, and a port has none after
- * it. */
+ * observers are set. A print job that runs replaces the observers, and removes its own at its
+ * end. */
 QUOR_EXPORT QuorCode quor_port_set_transfer_observer(QuorPort* port, QuorBytesWritten bytes_written,
                                                      QuorBytesRead bytes_read, void* context);
 
 /* ---- Port: status ---------------------------------------------------------------------------- */
 
-/** Asks the printer for its status; `level` is only logged. First drops the bytes that wait in the
- * input. Returns QUOR_FAILED if there was no usable answer: in line mode after about 3 s, with the
- * record unchanged; in ESC/POS within the creation time-out, with the record perhaps partly
- * written. Returns QUOR_PORT_EXCEPTION if the link is lost. */
+/** Asks the printer for its status; `level` is only logged. First drops the received bytes that
+ * nobody has read. Returns QUOR_FAILED if there was no usable answer: in line mode after about 3 s,
+ * with the record unchanged; in ESC/POS within the creation time-out, with the record perhaps
+ * partly written. Returns QUOR_PORT_EXCEPTION if the link is lost. */
 QUOR_EXPORT QuorCode quor_port_get_parsed_status(QuorPort* port, QuorPrinterStatus_2* status,
                                                  uint32_t level);
 
@@ -162,11 +163,11 @@ QUOR_EXPORT QuorCode quor_port_retrieve_escpos_firmware_information(QuorPort* po
 /** @} */
 
 /** Asks for both DIP-switch banks and appends them to the banks that
- * quor_port_dip_switch_information returns. Returns QUOR_FAILED if one of them was not answered
- * within the creation time-out; if only bank 2 failed, bank 1 has been appended. */
+ * quor_port_dip_switch_information returns. Returns QUOR_FAILED if the printer did not answer for
+ * one of them within the creation time-out; if only bank 2 failed, bank 1 has been appended. */
 QUOR_EXPORT QuorCode quor_port_retrieve_dip_switch_information(QuorPort* port);
 
-/** Asks for the two setting bytes of `bank`, which is 1 or 2, and stores them in `settings` only.
+/** Asks for the two setting bytes of `bank`, which is 1 or 2, and stores them only in `settings`.
  * Returns QUOR_FAILED if there is no answer of two bytes within the creation time-out; `settings`
  * is then unchanged. */
 QUOR_EXPORT QuorCode quor_port_retrieve_dip_switch_bank(QuorPort* port, uint8_t bank,
@@ -180,23 +181,25 @@ QUOR_EXPORT QuorCode quor_port_retrieve_button_security_timeout(QuorPort* port,
 
 /* ---- Port: the printer's Bluetooth module ---------------------------------------------------- */
 
-/** Puts the module into command mode, and verifies this by a query. Takes 2.5 s, plus up to 11 s
- * for the answer. Returns QUOR_FAILED if the module did not answer or answered with an error, and
- * QUOR_UNREADABLE if its answer is incomplete. */
+/** Puts the module into command mode, and checks that it answers a query. Takes 2.5 s, plus up to
+ * 11 s for the answer. Returns QUOR_FAILED if the module did not answer or answered with an error,
+ * and QUOR_UNREADABLE if its answer is incomplete. */
 QUOR_EXPORT QuorCode quor_port_enter_at_mode(QuorPort* port);
 
-/** Waits up to `timeout`, and at least one second, for the module's result, and copies it. Without
- * `setting_title`, which may be null, the text is the OK or ERROR line. With a title, it is the
- * title and the `setting_length` characters after it; a length of 0 means all characters after it.
- * Returns QUOR_FAILED if no result arrived, and QUOR_UNREADABLE if the result does not contain the
- * title and that many characters. If the buffer is too small, the text is lost. */
+/** Waits up to `timeout`, and at least one second, for the module's result, and copies it.
+ * `setting_title` may be null: the copied text is then the OK or ERROR line. With a title, the
+ * copied text is the title and the `setting_length` characters after it; a length of 0 means all
+ * characters after it. Returns QUOR_FAILED if no result arrived, and QUOR_UNREADABLE if the result
+ * does not contain the title and that many characters. If the buffer is too small, the text is
+ * lost. */
 QUOR_EXPORT QuorCode quor_port_get_printer_response(QuorPort* port, const char* setting_title,
                                                     int32_t setting_length, int32_t timeout,
                                                     char* text, size_t capacity, size_t* length);
 
 /** Ask the module to drop the link, and wait up to the creation time-out until the link is lost.
  * The port remains open. They return QUOR_FAILED if the link is not lost by then. The first
- * function puts the module into command mode; for the second it must be in command mode already.
+ * function puts the module into command mode; the second requires that the module is already in
+ * command mode.
  * @{ */
 QUOR_EXPORT QuorCode quor_port_disconnect(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_disconnect_bluetooth_connection(QuorPort* port);
@@ -224,8 +227,8 @@ QUOR_EXPORT QuorCode quor_port_set_hold_print_timeout(QuorPort* port, uint32_t m
 /** @} */
 
 /** The number of seconds without data after which the printer drops an unfinished job. 0 means
- * never. With a negative value, which is the initial one unless the port settings contain another,
- * the printer keeps its own setting. Of a value above 255 only the low byte is sent.
+ * never. With a negative value the printer keeps its own setting. The initial value is -1, unless
+ * the port settings contain another. Of a value above 255 only the low byte is sent.
  * @{ */
 QUOR_EXPORT int64_t quor_port_data_timeout_seconds(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_set_data_timeout_seconds(QuorPort* port, int64_t seconds);
@@ -252,15 +255,16 @@ QUOR_EXPORT uint64_t quor_port_connection_id(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_set_connection_id(QuorPort* port, uint64_t connection_id);
 /** @} */
 
-/** Returns 1 once an accessory of the model "XQ700" was opened; never 0 again. */
+/** Returns 1 from the first time that an accessory of the model "XQ700" was opened, and 0
+ * before. */
 QUOR_EXPORT int32_t quor_port_is_brondel(QuorPort* port);
 
 /** Returns 1 if the port has a thread of its own, and 0 if it was not created on the main
  * thread. */
 QUOR_EXPORT int32_t quor_port_has_thread71(QuorPort* port);
 
-/** The result of the last open, 1 or 0; QUOR_NONE before the first. Setting a negative value
- * removes the result.
+/** The result of the last quor_port_open: 1 if it succeeded, 0 if it failed; QUOR_NONE if there was
+ * no open yet. Setting a negative value removes the result.
  * @{ */
 QUOR_EXPORT QuorCode quor_port_result71(QuorPort* port, int32_t* result);
 QUOR_EXPORT QuorCode quor_port_set_result71(QuorPort* port, int32_t result);

@@ -15,17 +15,17 @@ extern "C" {
 /* ---- Queries with checked answers ------------------------------------------------------------ */
 
 /** Functions that query a printer over an open port and check its answers. The port's own queries,
- * in QuorPortC.h, do not: they may take the rest of an earlier answer, or bytes of another kind of
- * device, for the answer. Nothing is printed.
+ * in QuorPortC.h, do not check: they may accept the rest of an earlier answer, or bytes of another
+ * kind of device, as the answer. Nothing is printed.
  *
  * They return QUOR_FAILED if there was no answer or the link did not take the query,
  * QUOR_UNREADABLE if something answered but not as a printer does, QUOR_PORT_EXCEPTION if the link
  * is lost, and QUOR_USAGE if the emulation is unknown. Results are then unchanged.
  *
- * Each of them ends within twice the port's time-out plus five seconds, even if the printer never
- * stops sending; quor_printer_disconnect may take ten seconds more. Bytes that wait in the input
- * are dropped. The observers of the port are removed. Only the thread that uses the port may call
- * them.
+ * Each function ends within twice the port's time-out plus five seconds, even if the printer never
+ * stops sending; quor_printer_disconnect may take ten seconds more. Received bytes that nobody has
+ * read are dropped. The observers of the port are removed. Only the thread that uses the port may
+ * call them.
  */
 
 /** Asks for the printer's status; `level` is only logged. */
@@ -49,14 +49,14 @@ QUOR_EXPORT QuorCode quor_printer_dip_switches(QuorPort* port, uint8_t settings[
  * off, otherwise the printer's value plus the port's time-out. */
 QUOR_EXPORT QuorCode quor_printer_button_security_timeout(QuorPort* port, uint32_t* milliseconds);
 
-/** Asks which is the strongest proof of a job that the printer gives, and stores its number from
- * QuorProof.h; QUOR_PROOF_NONE if it gives no proof. An off-line ESC/POS printer may hold back its
- * answers and so appear to give no proof. The query resets the printer's count of marks, so do not
- * send it while another program prints. */
+/** Finds the strongest proof of a job that the printer can give, and stores its number from
+ * QuorProof.h; QUOR_PROOF_NONE if the printer gives no proof. An off-line ESC/POS printer may hold
+ * back its answers and so appear to give none. The query resets the printer's count of marks, so do
+ * not send it while another program prints. */
 QUOR_EXPORT QuorCode quor_printer_proof(QuorPort* port, int32_t* proof);
 
 /** Makes the printer drop the data that it has not printed yet. Returns when the link has taken the
- * command; the printer does not answer it. */
+ * command, because the printer sends no answer. */
 QUOR_EXPORT QuorCode quor_printer_drop_all(QuorPort* port);
 
 /** Makes the printer's Bluetooth module drop the link; the port remains open. */
@@ -71,7 +71,7 @@ enum {
   QUOR_REFUSED = 2      /**< no byte of the job was sent, so it is safe to send the job again */
 };
 
-/** Why a job was not confirmed as printed. A program may need to distinguish these cases. */
+/** Why a job was not confirmed as printed. */
 enum {
   QUOR_OBSTACLE_NONE = 0,              /**< the job was printed, or did not run to its end */
   QUOR_OBSTACLE_PRINTER_NOT_READY = 1, /**< the printer is off line, or paper is in its exit */
@@ -86,14 +86,14 @@ enum {
 /** One print job over an open port. It sends the data once and never repeats it by itself. */
 typedef struct QuorPrintJob QuorPrintJob;
 
-/** Called when the job begins, before its data is sent, each time that the link has taken some
- * data, when the wait for the proof begins, and when the reason of the printer's pause changes (see
- * quor_print_job_waits_for). It is called on the thread that runs the job. */
+/** A function of the caller. The job calls it on the thread that runs the job: when the job begins,
+ * before its data is sent; each time that the link has taken some data; when the wait for the proof
+ * begins; and when the reason of the printer's pause changes (see quor_print_job_waits_for). */
 typedef void (*QuorProgress)(void* context, uint64_t bytes_accepted, uint64_t bytes_total);
 
-/** Creates a job, which keeps the port alive. `proof` is a number from QuorProof.h and says how the
- * printer is to confirm the job; for any other number the function returns QUOR_USAGE. `progress`
- * may be null; `context` must exist until the job has run. */
+/** Creates a job, which keeps the port alive. `proof` is a number from QuorProof.h and selects how
+ * the printer confirms the job; any other number returns QUOR_USAGE. `progress` may be null;
+ * `context` must exist until the job has run. */
 QUOR_EXPORT QuorCode quor_print_job_create(QuorPort* port, int32_t proof, QuorProgress progress,
                                            void* context, QuorPrintJob** job);
 
@@ -107,14 +107,14 @@ QUOR_EXPORT void quor_print_job_free(QuorPrintJob* job);
  * unknown. */
 QUOR_EXPORT QuorCode quor_print_job_run(QuorPrintJob* job, const void* data, size_t size);
 
-/** Abandons the job. Within 0.3 s the job sends the printer a command to drop the data that it
- * holds, if the link takes it, and closes the port. Any thread may call it, also before the run. It
- * is safe in a signal handler. */
+/** Abandons the job. Within 0.3 s the job closes the port; before that it sends the printer a
+ * command to drop its data, if the link takes the command. Any thread may call this function, also
+ * before the run. It is safe in a signal handler. */
 QUOR_EXPORT void quor_print_job_cancel(QuorPrintJob* job);
 
 /** Return the outcome, the obstacle, the result code of the beginning of the checked block (failed
  * if there was no block), and the size of the job in bytes. Before the run the outcome is refused
- * and the obstacle none. Only the thread that ran the job may call them.
+ * and the obstacle is QUOR_OBSTACLE_NONE. Only the thread that ran the job may call them.
  * @{ */
 QUOR_EXPORT int32_t quor_print_job_outcome(QuorPrintJob* job);
 QUOR_EXPORT int32_t quor_print_job_obstacle(QuorPrintJob* job);
@@ -126,16 +126,17 @@ QUOR_EXPORT uint64_t quor_print_job_bytes_total(QuorPrintJob* job);
  * QUOR_PROOF_AUTO if the job ended before one was chosen. */
 QUOR_EXPORT int32_t quor_print_job_proof(QuorPrintJob* job);
 
-/** Copies why the printer has paused in a job that it will continue, for example "cover open"; ""
- * while it prints. Only the progress function may call it, on its thread. */
+/** Copies the reason why the printer has paused in the job, for example "cover open"; "" if it has
+ * not paused. The printer continues when the cause is removed. Only the progress function may call
+ * it, on its thread. */
 QUOR_EXPORT QuorCode quor_print_job_waits_for(QuorPrintJob* job, char* text, size_t capacity,
                                               size_t* length);
 
 /** Returns the exact number of bytes of the job that the link took. */
 QUOR_EXPORT uint64_t quor_print_job_bytes_accepted(QuorPrintJob* job);
 
-/** Stores the last status of the printer; returns QUOR_NONE if there was none. Once data of the job
- * was sent, a status from before the data is dropped. */
+/** Stores the last status of the printer; returns QUOR_NONE if there was none. As soon as data of
+ * the job is sent, a status from before the data is dropped. */
 QUOR_EXPORT QuorCode quor_print_job_status(QuorPrintJob* job, QuorPrinterStatus_2* status);
 
 /** Copy two texts for a person: the reason why the job was not printed, and advice on the next
