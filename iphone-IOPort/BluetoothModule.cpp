@@ -110,8 +110,8 @@ std::optional<std::string> ExternalAccessoryPort::awaitResponse(
   }
 }
 
-/// Returns the result that one chunk of bytes contains; null if it contains no result. If it
-/// contains both an error and an OK, the error counts.
+/// Returns the result that one chunk of the reply contains; null if the chunk contains no result.
+/// If a chunk contains both an error and an OK, the error counts.
 std::optional<std::string> ExternalAccessoryPort::responseIn(
     const std::string& printerResponse, const std::optional<std::string>& settingTitle,
     std::int32_t settingLength) {
@@ -186,8 +186,8 @@ bool ExternalAccessoryPort::disconnectBluetoothConnection() {
   WholeSecondsWait wait(platform_->clock(), timeout_);
   while (true) {
     platform_->currentRunLoop().runUntilDate(0.1);
-    // The module may send bytes before it drops the link; nobody reads them, and without this call
-    // they would hide the loss.
+    // The module may send bytes before it drops the link. Nobody reads these bytes, and without
+    // this call the loss of the link would be noticed only after they are read.
     if (const auto accessory = _selectedAccessory.get()) {
       accessory->noticeLoss();
     }

@@ -27,7 +27,7 @@ constexpr std::uint8_t etbResetEscPos[] = {0x1b, 0x1d, 0x03, 0x02, 0x00, 0x00};
 
 constexpr std::uint8_t reportStart = 0x1b;
 constexpr std::size_t restDataSize = 7;
-constexpr std::size_t reportedCount = 5;  // the index of the count in the bytes after the first one
+constexpr std::size_t reportedCount = 5;  // the index of the count in `afterBytes`
 
 }  // namespace
 
@@ -55,8 +55,8 @@ bool ExternalAccessoryPort::prepareBlock(QuorPrinterStatus_2* status, std::uint3
       return false;
     }
     if (status->offline != 0) {
-      // Returns true although the result code is a failure: the exchange worked, but the block did
-      // not begin.
+      // The result code is a failure, because the block did not begin. The function still returns
+      // true, because the exchange worked.
       QUOR_LOG(ZKLogTypeProcess, 0, "status->offline: %d", status->offline);
       return true;
     }
@@ -110,8 +110,8 @@ bool ExternalAccessoryPort::awaitClearPath(QuorPrinterStatus_2* status, std::int
     if (status->offline == 1 || (status->etbCounter == 0 && status->paperPresent == 0)) {
       return true;
     }
-    // Each pass chooses the limit anew. If paper is taken late, the shorter limit may have passed
-    // already and ends the wait at once.
+    // Each pass chooses its limit anew. When somebody takes the paper late, the shorter limit
+    // applies again; it may have passed already, and then the wait ends at once.
     std::int32_t waitTimeoutSec = wait.timeoutSec();
     std::int64_t errorCode = ZKQuorIOResultCodeFailedError;
     if (status->paperPresent == 1) {
@@ -147,7 +147,8 @@ void ExternalAccessoryPort::setDataTimeout(QuorPrinterStatus_2* status, std::uin
   if (dataTimeoutSeconds() < 0) {
     return;
   }
-  // This is not an error, but readers of the log expect the record under this type.
+  // This is not an error. The record keeps the type "error" because programs that read the log
+  // expect it.
   QUOR_LOG(ZKLogTypeError, 0, "self.dataTimeoutSeconds: %ld", dataTimeoutSeconds());
   const auto timeout = static_cast<std::uint8_t>(dataTimeoutSeconds() & 0xff);
   const std::uint8_t setDataTimeoutCommand[] = {0x1b, 0x1d, 0x03, 0x05, 0x01, timeout};
@@ -182,7 +183,8 @@ bool ExternalAccessoryPort::markEnd() {
   const bool lineMode = p_emulation == ZKEmulationQuorLine;
   const ByteBuffer etbCommand = lineMode ? ByteBuffer(std::begin(etb), std::end(etb))
                                          : ByteBuffer(std::begin(etbEscPos), std::end(etbEscPos));
-  // In line mode the printer only counts the mark; in ESC/POS it answers with a report.
+  // In line mode the printer only counts the mark. In ESC/POS the printer may answer it with a
+  // report.
   if (!writeWhole(etbCommand, lineMode ? Reply::None : Reply::Possible)) {
     QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:etbCommand]: %p, %p", this,
              &etbCommand);
@@ -224,7 +226,7 @@ bool ExternalAccessoryPort::awaitCount(QuorPrinterStatus_2* quorPrinterStatus, s
       usleep(microseconds(secInterval2()));
     }
     if (quorPrinterStatus->offline == 1) {
-      // The caller decides what an off-line printer means for the job.
+      // This is no failure: the caller decides what an off-line printer means for the job.
       QUOR_LOG(ZKLogTypeProcess, 0, "quorPrinterStatus->offline: %d", quorPrinterStatus->offline);
       return true;
     }
@@ -255,8 +257,8 @@ bool ExternalAccessoryPort::awaitReport(WholeSecondsWait& wait) {
     }
     QUOR_LOG(ZKLogTypeProcess, 0, "topByte: %d", *topByte);
     if (*topByte == reportStart) {
-      // Each pass reads one report. If a second one follows instead of the status byte, the test
-      // below fails.
+      // Each pass reads one report. If a second report follows in place of the status byte, the
+      // test below fails.
       if (!readReport(etbCountUp) || !(topByte = awaitByte(wait))) {
         return false;
       }
@@ -264,7 +266,7 @@ bool ExternalAccessoryPort::awaitReport(WholeSecondsWait& wait) {
     QUOR_LOG(ZKLogTypeProcess, 0, "(topByte & 0x93): %d", *topByte & escPosFixedMask);
     QUOR_LOG(ZKLogTypeProcess, 0, "(topByte & 0x08): %d", *topByte & escPosOfflineBit);
     if ((*topByte & escPosFixedMask) != escPosFixedBits) {
-      continue;  // not a status byte: asks again at once, without time-out or pause, by design
+      continue;  // not a status byte: asks again at once; no time-out and no pause, by design
     }
     if (etbCountUp || (*topByte & escPosOfflineBit) != 0) {
       return true;
@@ -309,7 +311,7 @@ void ExternalAccessoryPort::logEmptyRead(const std::optional<ByteBuffer>& data) 
   }
 }
 
-/// Reads the bytes of a report after its first one. Returns false if they cannot be read. An
+/// Reads the bytes of a report that follow its first byte. Returns false if they cannot be read. An
 /// incomplete report is ignored.
 bool ExternalAccessoryPort::readReport(bool& etbCountUp) {
   constexpr auto selector = endSelector;

@@ -122,8 +122,8 @@ bool ExternalAccessoryPort::retrieveESCPOSFirmwareInformation() {
     usleep(modelPollMicroseconds);
     receivedData = read(maxReplySize);
   }
-  // Removes the header byte before the text and the NUL after it. If only one byte arrived, this
-  // range does not exist and `subrange` throws.
+  // The text lies between a header byte and a NUL. If only one byte arrived, this range does not
+  // exist and `subrange` throws.
   const std::string rawString(receivedData->begin(), receivedData->end());
   const Range trimRange = {.location = 1,
                            .length = static_cast<std::int64_t>(rawString.length()) - 2};
@@ -189,8 +189,8 @@ std::optional<ByteBuffer> ExternalAccessoryPort::queryDipSwitchBank(std::uint8_t
     field = findField(parseDipSwitchInfo, data);
   }
   const ByteBuffer chunk = data.value_or(ByteBuffer());
-  // The record shows bytes from the start of the chunk, not from the field, because readers of the
-  // log expect that.
+  // The record shows bytes from the start of the chunk, not from the field, because programs that
+  // read the log expect that.
   QUOR_LOG(ZKLogTypeProcess, 0, "Find DIPSW Info, Position: %d, Raw: %@", field->location,
            LogWriter::createByteArrayDescription(
                subrange(chunk, {.location = 0, .length = field->length})));
@@ -213,7 +213,7 @@ std::int64_t ExternalAccessoryPort::retrieveButtonSecurityTimeout() {
     return -1;
   }
   WholeSecondsWait wait(platform_->clock(), timeout_);
-  wait.isOver();  // unlike the other queries, this one reads the clock twice before it waits
+  wait.isOver();  // reads the clock once more before the wait; only this query does
   ByteBuffer recvBuf;
   while (true) {
     const auto recvData = read(EXPECTED_RECV_SIZE - recvBuf.size()).value_or(ByteBuffer());
@@ -222,7 +222,7 @@ std::int64_t ExternalAccessoryPort::retrieveButtonSecurityTimeout() {
       break;
     }
     if (wait.isOver()) {
-      // The last conversion is unsigned here, unlike in the other queries.
+      // Here the last conversion is %u; the other queries have %d.
       QUOR_LOG(ZKLogTypeError, 0, "end.tv_sec - start.tv_sec > timeout_ / 1000, %ld, %ld, %u",
                wait.end(), wait.start(), wait.timeoutSec());
       QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", -1);

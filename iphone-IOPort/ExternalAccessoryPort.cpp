@@ -17,9 +17,8 @@ bool isDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-/// Returns the digits of the first match of "d[0-9]+"; null if nothing matches. It scans by itself
-/// because settings may have any length, and some regular-expression engines overflow the stack on
-/// long texts.
+/// Returns the digits of the first match of "d[0-9]+"; null if nothing matches. It uses no regular
+/// expression: settings may have any length, and some engines overflow the stack on long texts.
 std::optional<std::string_view> firstDataTimeoutDigits(std::string_view settings) {
   for (std::size_t i = 0; i + 1 < settings.size(); ++i) {
     if (settings[i] == 'd' && isDigit(settings[i + 1])) {
@@ -62,8 +61,8 @@ std::shared_ptr<ExternalAccessoryPort> ExternalAccessoryPort::initWithPortName(
   auto port = std::make_shared<ExternalAccessoryPort>(
       Arguments{std::move(portName), std::move(portSettings), ioTimeoutMillis, emulation,
                 std::move(platform)});
-  // The caller never gets this port, so nobody can close it. This stops the port's thread and
-  // releases the handle, so that the two do not keep each other alive.
+  // The caller never gets this port, so nobody can close it. `abandon` stops the port's thread and
+  // releases its handle. Otherwise port and thread would keep each other alive.
   const auto abandon = [&port] {
     port->stopThread71 = true;
     port->setThread71(nullptr);

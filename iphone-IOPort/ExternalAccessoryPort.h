@@ -43,9 +43,9 @@ QUOR_EXPORT extern const std::uint8_t escAckSoh[3];
 /// **Threads.** Any thread may call the operations. An `open` or `close` that is called on the main
 /// thread runs on the port thread, if there is one. Every other operation runs on the caller's
 /// thread, takes no lock and blocks that thread while it waits. Two threads must not use one port
-/// at the same time, except that the property getters and setters and `isConnected` may be called
-/// from any thread at any time. A port created on the main thread owns a port thread, which keeps
-/// the port alive until `close` is called on the main thread.
+/// at the same time. The exceptions are the property getters and setters and `isConnected`, which
+/// any thread may call at any time. A port created on the main thread owns a port thread, which
+/// keeps the port alive until `close` is called on the main thread.
 ///
 /// **Time.** Time-outs are given in milliseconds and rounded down to whole seconds. A wait with a
 /// limit of n seconds ends once the seconds of the wall clock have advanced by more than n, that is
@@ -67,22 +67,22 @@ class QUOR_EXPORT ExternalAccessoryPort
   ///
   /// `portName` selects the accessory: "BT:" (in any letter case) or null selects the first printer
   /// that is attached; "BT:" followed by a name, serial number or Bluetooth address selects the
-  /// accessory that has it. The first three characters of the port name are its prefix, even if
-  /// they are not "BT:". The name is UTF-8; a byte that does not belong to a valid character counts
-  /// as one character. A port whose name has fewer than three characters cannot be opened. Names
-  /// are compared byte by byte. `portSettings` may contain, at any place, a data time-out option:
-  /// the letter d followed by a number of seconds from 0 to 255; a larger number is logged and
-  /// ignored. `ioTimeoutMillis` is the input/output time-out in milliseconds; with zero, a wait
-  /// ends when the second of the clock changes. The port keeps `platform` alive.
+  /// accessory with that name, number or address. The first three characters of the port name are
+  /// its prefix, even if they are not "BT:". The name is UTF-8; a byte that does not belong to a
+  /// valid character counts as one character. A port whose name has fewer than three characters
+  /// cannot be opened. Names are compared byte by byte. `portSettings` may contain, at any place, a
+  /// data time-out option: the letter d followed by a number of seconds from 0 to 255; a larger
+  /// number is logged and ignored. `ioTimeoutMillis` is the input/output time-out in milliseconds;
+  /// with zero, a wait ends when the second of the clock changes. The port keeps `platform` alive.
   ///
-  /// If it is called on the main thread, it also starts the port thread. Returns null if `platform`
-  /// is null or the thread cannot be created. Any thread may call it.
+  /// On the main thread, this function also starts the port thread. Returns null if `platform` is
+  /// null or the thread cannot be created. Any thread may call this function.
   static std::shared_ptr<ExternalAccessoryPort> initWithPortName(
       std::optional<std::string> portName, std::optional<std::string> portSettings,
       std::uint32_t ioTimeoutMillis, ZKEmulation emulation,
       std::shared_ptr<Platform> platform = processPlatform());
 
-  /// For use by `initWithPortName` only: no other caller can name the type of the argument.
+  /// Only `initWithPortName` can call it, because no other code can name the type of the argument.
   explicit ExternalAccessoryPort(Arguments arguments);
 
   /// Releases the link. It does not close the session in an orderly way and does not end the port
@@ -98,27 +98,26 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// selects, that is made by "quor dalvane" and that announces `quorProtocol`. Opens a session on
   /// that accessory and starts to open the streams, without waiting for them. Always pauses 0.1 s.
   /// Returns true if the session is open. Returns false if no accessory matched, the session was
-  /// refused, or the platform threw an exception, which is logged. Never throws. If an earlier
-  /// session was not closed, it is released. If it is called on the main thread, the port thread
-  /// does the work, unless an earlier `close` has ended that thread.
+  /// refused, or the platform threw an exception, which is logged. Never throws. An earlier session
+  /// that was not closed is released. On the main thread, `open` passes the work to the port
+  /// thread, unless an earlier `close` has ended that thread.
   bool open();
 
-  /// Ends the session: closes the streams and releases the session and the accessory. If it is
-  /// called on the main thread, it also ends the port thread, within about 0.1 s. Never fails and
-  /// never throws; may be called on a port that is not open. Pauses 0.1 s first if the version of
-  /// the system is 10.0 or more; with real links the version is that of the kernel, which is lower
-  /// today. Then waits until the printer has taken the bytes that are under way: at most two
-  /// seconds over a socket, and not at all if no bytes are under way.
+  /// Ends the session: closes the streams and releases the session and the accessory. A call on the
+  /// main thread also ends the port thread, within about 0.1 s. Never fails and never throws; may
+  /// be called on a port that is not open. Pauses 0.1 s first if the version of the system is 10.0
+  /// or more; with real links the version is that of the kernel, which is below 10.0 today. Then
+  /// waits until the printer has taken the bytes that are under way: at most two seconds over a
+  /// socket, and not at all if no bytes are under way.
   void close();
 
-  /// Returns true if the selected accessory is still attached. Returns false before `open` and
-  /// after `close`, and true after an `open` that found an accessory but could not open a session.
-  /// Any thread may call it.
+  /// Returns true while the selected accessory is attached, even if `open` could not open a session
+  /// on it. Returns false before `open` and after `close`. Any thread may call it.
   bool isConnected();
 
   // -- Bytes --------------------------------------------------------------------------------------
 
-  /// Offers `data` to the link; if the link has no space, waits for it once, for at most
+  /// Offers `data` to the link; if the link has no space, waits once for space, for at most
   /// `secInterval2` seconds. Returns the number of bytes that the link took. It may be smaller than
   /// the size of `data`, and is 0 if there was no space or `data` is empty. Returns -1 if the link
   /// is lost or reports an error, or if memory is short; some bytes may have been sent then. Makes
@@ -129,8 +128,8 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// operations do not wait for an answer to its bytes before they send a query of their own.
   enum class Reply { Possible, None };
 
-  /// Does the same for bytes that are not in a ByteBuffer, for example a part of a large job.
-  /// `reply` says whether the printer may answer them.
+  /// Works as the `write` above, for bytes that are not in a ByteBuffer, for example a part of a
+  /// large job. `reply` says whether the printer may answer them.
   std::int32_t write(std::span<const std::uint8_t> data, Reply reply = Reply::Possible);
 
   /// Takes the bytes that have arrived, at most `bytesToRead`; waits at most 0.1 s for the first
@@ -139,33 +138,33 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// are dropped.
   std::optional<ByteBuffer> read(std::size_t bytesToRead);
 
-  /// Works as `read`, but does not wait if every query has been answered, because no byte can
-  /// arrive then. It is meant for dropping bytes that are left over from earlier exchanges.
+  /// Works as `read`, but does not wait for a byte if the printer has answered every query. Call it
+  /// to drop bytes that are left over from earlier exchanges.
   std::optional<ByteBuffer> readLeftovers(std::size_t bytesToRead);
 
-  /// Sends a whole command. It tries again every 50 ms until all of the command is sent, the link
-  /// is lost or the creation time-out has passed. Returns the number of bytes written, which is 0
-  /// for an empty command. Returns -1 if the link is lost, a write fails or the time-out passes; a
-  /// part of the command may have been sent then.
+  /// Sends a whole command. Tries again every 50 ms until the whole command is sent, the link is
+  /// lost or the creation time-out has passed. Returns the number of bytes written, which is 0 for
+  /// an empty command. Returns -1 if the link is lost, a write fails or the time-out passes; a part
+  /// of the command may have been sent then.
   ///
-  /// If the link takes only a part of the command, the count is unreliable: it adds up the bytes of
-  /// all attempts, but is compared with the length of the unsent rest alone. Printers in the field
-  /// are used with this arithmetic, so it is kept. After a partial attempt: (a) if the count equals
-  /// the length of the rest, success is returned although bytes are unsent; (b) if the count is
-  /// below that length, the count is cut from the front of the rest, so that unsent bytes are
-  /// skipped; (c) if the count is above that length, for example because the second attempt sent
-  /// all of the rest, the rest is sent again and again, without pause or time-out, for as long as
-  /// the link takes it. Therefore use this operation for short commands, which a link takes at
-  /// once, and send print data by `write` in a loop, or by a PrintJob.
+  /// If the link takes only a part of the command, the count is unreliable: it is the sum of all
+  /// attempts, but is compared with the length of the unsent rest alone. It is kept because
+  /// printers in use are driven with this arithmetic. After a partial attempt: (a) if the count
+  /// equals the length of the rest, success is returned although bytes are unsent; (b) if the count
+  /// is below that length, as many bytes are removed from the front of the rest, so that unsent
+  /// bytes are skipped; (c) if the count is above that length, for example because the second
+  /// attempt sent all of the rest, the rest is sent again and again, without pause or time-out, for
+  /// as long as the link takes it. Therefore use this operation for short commands, which a link
+  /// takes at once, and send print data by `write` in a loop, or by a PrintJob.
   std::int32_t writeWithRetry(const ByteBuffer& command);
 
   // -- Status -------------------------------------------------------------------------------------
 
   /// Asks the printer for its status and fills `quorPrinterStatus`, which must not be null. First
-  /// drops the bytes that wait in the input. Returns true if the record was filled from a complete
-  /// reply. Returns false if the printer did not answer (in line mode the request is sent twice,
-  /// and each answer is awaited for about 1.5 s; in ESC/POS the creation time-out applies), if its
-  /// answer was not a status (ESC/POS), if a query could not be written (ESC/POS), or if the
+  /// drops the received bytes that nobody has read. Returns true if the record was filled from a
+  /// complete reply. Returns false if the printer did not answer (in line mode the request is sent
+  /// up to two times, each with a wait of about 1.5 s; in ESC/POS the creation time-out applies),
+  /// if its answer was not a status (ESC/POS), if a query could not be written (ESC/POS), or if the
   /// emulation is unknown. If it returns false, the record is unchanged in line mode and may be
   /// partly written in ESC/POS. `level` is only logged.
   ///
@@ -176,16 +175,16 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// Asks whether the printer is ready to print. Returns true if the printer gave its status;
   /// `*onlineStatus` then says whether it is on line. Returns false otherwise; `*onlineStatus` is
   /// then false, or unchanged if the query could not be written. `onlineStatus` must not be null.
-  /// Throws the exceptions of `getParsedStatus`; `*onlineStatus` does not change then.
+  /// Throws the exceptions of `getParsedStatus`; then `*onlineStatus` is unchanged.
   bool getOnlineStatus(bool* onlineStatus);
 
   // -- Checked block ------------------------------------------------------------------------------
 
   /// Prepares the printer for a job whose printing `endCheckedBlock` will verify: resets the
-  /// printer's counter, sets its data time-out if one is configured, and cancels the data that it
-  /// still holds. In line mode it first checks that the printer is on line; after the reset it
-  /// waits until the counter reads 0 (up to the creation time-out) and no paper is left in the exit
-  /// (up to `holdPrintTimeoutMillis`).
+  /// printer's counter, sets its data time-out if one is configured, and makes it drop the data
+  /// that it still holds. In line mode it first checks that the printer is on line; after the reset
+  /// it waits until the counter reads 0 (up to the creation time-out) and no paper is left in the
+  /// exit (up to `holdPrintTimeoutMillis`).
   ///
   /// `status` and `resultCode` must not be null; `status` receives each status that the printer
   /// sends. Returns true if the exchange worked; `*resultCode` is then success, or failed if a
@@ -197,13 +196,13 @@ class QUOR_EXPORT ExternalAccessoryPort
                          std::int64_t* resultCode);
 
   /// Ends the block: marks the end of the job and waits, up to `endCheckedBlockTimeoutMillis`,
-  /// until the printer shows that it has processed all of the job. Returns true if it did. Also
+  /// until the printer shows that it has processed all of the job. Returns true if it has. Also
   /// returns true if the printer goes off line, which ends the wait: `quorPrinterStatus`, which
   /// must not be null, then shows off line, and the caller decides what this means for the job. In
   /// ESC/POS an off-line printer may be on line again before the final status is read, so a true
   /// result alone does not prove that the job was printed. Returns false if a write failed or the
-  /// time-out passed. Throws the exceptions of `getParsedStatus`. In ESC/POS it drops all bytes
-  /// that wait in the input.
+  /// time-out passed. Throws the exceptions of `getParsedStatus`. In ESC/POS it drops the received
+  /// bytes that nobody has read.
   bool endCheckedBlock(QuorPrinterStatus_2* quorPrinterStatus, std::uint32_t level);
 
   /// Makes the printer drop the data that it has received and not yet printed. Returns true if the
@@ -214,7 +213,7 @@ class QUOR_EXPORT ExternalAccessoryPort
 
   /// Asks for the firmware text and stores it in `firmwareInformation`; after a failure the earlier
   /// text remains there. Returns false if the printer gave no status, is off line, or did not
-  /// answer within the creation time-out, which a lost link does not shorten. Throws
+  /// answer within the creation time-out. A lost link does not shorten the wait. Throws
   /// std::out_of_range if an ESC/POS reply has only one byte.
   bool retrieveFirmwareInformation();
 
@@ -231,21 +230,21 @@ class QUOR_EXPORT ExternalAccessoryPort
 
   /// Asks for DIP-switch bank `dipSwNumber` (1 or 2) and returns its two setting bytes. Returns
   /// null if the request could not be written, if no complete reply arrived within the creation
-  /// time-out (which a lost link does not shorten), or if the reply does not hold exactly two
-  /// setting bytes.
+  /// time-out, or if the reply does not hold exactly two setting bytes. A lost link does not
+  /// shorten the wait.
   std::optional<ByteBuffer> retrieveDipSwitchInformation(std::uint8_t dipSwNumber);
 
   /// Asks for the button-security time-out and returns it in milliseconds: 0 if button security is
   /// off, otherwise the printer's 5, 10 or 20 seconds plus the creation time-out, modulo 2^32.
   /// Returns -1 if the request could not be written or if fewer than 7 bytes arrived within the
-  /// creation time-out, which a lost link does not shorten.
+  /// creation time-out. A lost link does not shorten the wait.
   std::int64_t retrieveButtonSecurityTimeout();
 
   // -- The printer's Bluetooth module -------------------------------------------------------------
 
-  /// Puts the module into command mode, and verifies this by asking for its address. Pauses for 2.5
-  /// s in total around the escape sequence, and then waits up to 11 s for the answer. Returns false
-  /// if a write failed, or if the module did not answer or answered with an error. Throws
+  /// Puts the module into command mode, and asks for its address to check this. Pauses for 2.5 s in
+  /// total around the escape sequence, and then waits up to 11 s for the answer. Returns false if a
+  /// write failed, or if the module did not answer or answered with an error. Throws
   /// std::out_of_range if the module answers OK without a whole address.
   bool enterATMode();
 
@@ -253,8 +252,8 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// it replies with OK, returns "\r\nOK\r\n" without a `settingTitle`; with a title, returns the
   /// title and the `settingLength` characters after it, or everything from the title to the end of
   /// the reply if `settingLength` is 0. Returns null if the link is lost, or if no result arrived
-  /// within `timeoutMillis`, which counts in whole seconds, and at least one. A result line that
-  /// arrives in two reads is not recognised. Throws std::out_of_range if an OK reply does not
+  /// within `timeoutMillis`, which is rounded down to whole seconds, at least one. A result line
+  /// that arrives in two reads is not recognised. Throws std::out_of_range if an OK reply does not
   /// contain the title and `settingLength` characters after it, or if `settingLength` is negative.
   std::optional<std::string> getPrinterResponseWithSettingTitle(
       std::optional<std::string> settingTitle, std::int32_t settingLength,
@@ -265,18 +264,19 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// not connected. Throws the exceptions of `enterATMode`.
   bool disconnect();
 
-  /// Does the second half of `disconnect`. The module must be in command mode already.
+  /// Does the second part of `disconnect`: asks the module to drop the link, and waits. The module
+  /// must be in command mode already.
   bool disconnectBluetoothConnection();
 
   // -- For the layer above ------------------------------------------------------------------------
 
-  /// From now on passes every byte that the port reads or writes to `observer`; null ends this. The
-  /// port does not own the observer, which must exist until another one is set. Only the thread
-  /// that uses the port may call this.
+  /// Passes every byte that the port reads or writes from now on to `observer`. With null, no
+  /// observer receives bytes. The port does not own the observer, which must exist until another
+  /// one is set. Only the thread that uses the port may call this.
   void setTransferObserver(TransferObserver* observer) { observer_ = observer; }
 
-  /// Makes the next `close` return without waiting for bytes that are under way to the printer;
-  /// they may be lost. Has no effect on a port that is not open.
+  /// Makes the next `close` return without waiting until the printer has taken the bytes under way,
+  /// which may then be lost. Has no effect on a port that is not open.
   void abandonOutput();
 
   /// The values that were passed to `initWithPortName`. The platform lives at least as long as the
@@ -289,7 +289,7 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// @}
 
   // -- Properties, from any thread ----------------------------------------------------------------
-  // A getter returns a copy, which does not change when the property changes.
+  // A getter returns a copy of the value.
 
   /// The time limit of `endCheckedBlock` in milliseconds. Its initial value is the creation
   /// time-out.
@@ -301,7 +301,7 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// @}
 
   /// How many milliseconds `beginCheckedBlock` waits, in line mode, for somebody to take the paper
-  /// from the exit. The initial value is 0, with which the wait ends when the second of the clock
+  /// from the exit. The initial value is 0: the wait then ends when the second of the clock
   /// changes.
   /// @{
   std::uint32_t holdPrintTimeoutMillis() const { return _holdPrintTimeoutMillis; }
@@ -322,7 +322,7 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// Every DIP-switch bank that was read so far, two bytes each, the oldest first.
   std::vector<ByteBuffer> dipSwitchInformation() const { return _dipSwitchInformation.get(); }
 
-  /// True once an accessory of the model "XQ700" was opened; never false again.
+  /// True from the first time that an accessory of the model "XQ700" was opened.
   bool isBrondel() const { return _isBrondel; }
 
   /// The handle of the port thread; null for a port that was not created on the main thread.
@@ -331,7 +331,7 @@ class QUOR_EXPORT ExternalAccessoryPort
   void setThread71(std::shared_ptr<NSThread> thread) { _thread71.set(std::move(thread)); }
   /// @}
 
-  /// The result of the last `open`; null before the first.
+  /// The result of the last `open`; null if there was no `open` yet.
   /// @{
   std::optional<bool> result71() const { return _result71.get(); }
   void setResult71(std::optional<bool> result) { _result71.set(result); }
@@ -343,15 +343,15 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// The time that `write` waits for space, and the pause before a close, in seconds.
   float secInterval2() const { return _secInterval2; }
 
-  /// The selected accessory's name; null while the port is closed. The setter changes only the
-  /// value that the getter returns, and only until the port is opened or closed.
+  /// The selected accessory's name; null while the port is closed. The setter changes only what the
+  /// getter returns, until the next `open` or `close`.
   /// @{
   std::optional<std::string> name() const { return _name.get(); }
   void setName(std::optional<std::string> name) { _name.set(std::move(name)); }
   /// @}
 
   /// The selected accessory's serial number; null while the port is closed. The setter works like
-  /// that of the name.
+  /// `setName`.
   /// @{
   std::optional<std::string> serialNumber() const { return _serialNumber.get(); }
   void setSerialNumber(std::optional<std::string> serialNumber) {
@@ -360,7 +360,7 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// @}
 
   /// The selected accessory's connection identifier; 0 while the port is closed. The setter works
-  /// like that of the name.
+  /// like `setName`.
   /// @{
   std::uint64_t connectionID() const { return _connectionID; }
   void setConnectionID(std::uint64_t connectionID) { _connectionID = connectionID; }

@@ -9,8 +9,8 @@
 namespace quordalvane {
 namespace {
 
-/// Builds a message. Most messages fit into its buffer and need only one allocation, of exactly
-/// their size.
+/// Builds a message in a fixed buffer. A message that fits into this buffer needs only one
+/// allocation, for the finished text.
 class MessageText {
  public:
   void append(std::string_view text) {
@@ -58,8 +58,9 @@ class MessageText {
   std::string spilled_;
 };
 
-/// The text of an address: 0x and its hexadecimal digits. Every log statement needs one, so it is
-/// written backwards, which saves counting the digits first.
+/// The text of an address: 0x and its hexadecimal digits. The digits are written from the last to
+/// the first, so that they need not be counted before. Every log statement needs this text, so
+/// speed matters.
 class AddressText {
  public:
   explicit AddressText(const void* address) {

@@ -21,7 +21,7 @@
 ///     QUOR_LOG(ZKLogTypeRead, 0, "%lu, -> %@", size, data);
 ///
 /// If logging is off or the level is not wanted, no argument is evaluated. Otherwise the text of
-/// the object's address is built first, and then the message. No lock is held meanwhile, so an
+/// the object's address is built first, and then the message. No lock is held during this, so an
 /// argument may itself log.
 ///
 /// The compiler checks that the conversions of the format fit the arguments. They are:
@@ -50,12 +50,12 @@ namespace quordalvane {
 using LogText = std::variant<std::monostate, std::string_view, std::span<const std::string>,
                              std::span<const std::uint8_t>>;
 
-/// An argument of a message. It refers to an object of the caller, which must exist while the
+/// An argument of a message. A text, list or buffer is not copied: it must exist while the
 /// statement runs. An integer is held as 64 bits. A C string or nullptr is held as an address; %p
 /// prints the address and does not read the text.
 using LogArgument = std::variant<std::uint64_t, double, const void*, const char*, LogText>;
 
-/// Converts an argument to an alternative of LogArgument.
+/// Functions that convert an argument to a LogArgument.
 namespace log_argument {
 
 inline LogText refer(std::string_view text) {
@@ -176,13 +176,13 @@ constexpr bool fitsConversion(LogConversion conversion) {
   }
 }
 
-/// A format, split into one piece for each argument and the rest of the text. The compiler splits
-/// it, so a call need not.
+/// A format, split into one piece for each argument and the rest of the text. The compiler does the
+/// split, so it costs no time at run time.
 template <typename... Arguments>
 struct LogFormatPieces {
   std::array<LogFormatPiece, sizeof...(Arguments)> pieces;
   std::string_view rest;
-  bool fits = true;  // the format has one conversion for each argument, and each fits its argument
+  bool fits = true;  // true: each argument has one conversion, which fits it
 
   constexpr explicit LogFormatPieces(std::string_view format) {
     constexpr std::array<bool (*)(LogConversion), sizeof...(Arguments)> fitting{

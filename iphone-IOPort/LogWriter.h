@@ -20,13 +20,12 @@ class LogDelivery;
 /// Numbers that the logger has counted since the process began.
 struct LogStatistics {
   std::uint64_t handedOver;  ///< number of records passed to outputLogAsyncWithLogType
-  std::uint64_t dropped;     ///< number of those that were dropped because the queue was full or
-                             ///< memory was short
+  std::uint64_t dropped;     ///< number of those dropped because the queue was full or memory was
+                             ///< short
 };
 
 /// The library's logger. It decides which records are wanted and passes them to the sinks that the
-/// application has added. Several threads may call its members at the same time; a sink may call
-/// them as well.
+/// application has added. Several threads may call its members at the same time, and so may a sink.
 class QUOR_EXPORT LogWriter {
  public:
   /// How long `flush` waits if it is called without a time-out.
@@ -74,15 +73,15 @@ class QUOR_EXPORT LogWriter {
                                  std::int64_t lineNumber, const char* methodName,
                                  std::string anyString) noexcept;
 
-  /// Adds `sink`, which must not be null; the logger shares its ownership. The sink receives every
-  /// record from now on, and those that are still in the queue. The first sink starts the thread
-  /// that writes. Throws std::system_error if that thread cannot be started, and std::bad_alloc if
+  /// Adds `sink`, which must not be null; the logger shares its ownership. The sink receives the
+  /// records that are in the queue now and all later ones. The first sink starts the thread that
+  /// writes. Throws std::system_error if that thread cannot be started, and std::bad_alloc if
   /// memory is short; nothing has changed then.
   void addSink(std::shared_ptr<LogSink> sink);
 
   /// Removes `sink`; has no effect if it was not added. Does not wait: records that are being
-  /// delivered at this moment may still reach the sink. Once a following `flush` has returned true,
-  /// the sink is not called again and the logger has released it.
+  /// delivered at this moment may still reach the sink. Call `flush` afterwards: after it has
+  /// returned true, the sink is not called again and the logger has released it.
   void removeSink(const std::shared_ptr<LogSink>& sink);
 
   /// Sets how many records may wait for the sinks; initially 8,192. Throws std::invalid_argument if
@@ -90,10 +89,10 @@ class QUOR_EXPORT LogWriter {
   /// changed then.
   void setQueueCapacity(std::size_t records);
 
-  /// Waits until the sinks have received every record so far, or until `timeout` has passed.
-  /// Returns true if they have received all of them. With a time-out of zero it does not wait. If a
-  /// sink calls it while records are left, it returns false at once, because the sink would wait
-  /// for itself.
+  /// Waits until the sinks have received every record logged so far, or until `timeout` has passed.
+  /// Returns true if the sinks have received all these records. With a time-out of zero it does not
+  /// wait. If a sink calls `flush` while records are in the queue, it returns false at once,
+  /// because the sink would wait for itself.
   bool flush(std::chrono::milliseconds timeout = flushTime);
 
   /// Returns the current counts and does not reset them.
@@ -110,7 +109,7 @@ class QUOR_EXPORT LogWriter {
   static inline std::atomic<bool> logging_{false};
   static inline std::atomic<std::uint64_t> targetLevels_{1};  // bit n is set if level n is wanted
 
-  LogDelivery& delivery_;  // never destroyed, like the logger
+  LogDelivery& delivery_;  // like the logger, it is never destroyed
 };
 
 }  // namespace quordalvane

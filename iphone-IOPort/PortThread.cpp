@@ -9,9 +9,9 @@
 namespace quordalvane {
 
 bool ExternalAccessoryPort::startPortThread() {
-  // The body of the thread owns the port, so the port lives while the thread runs. The handle
-  // releases the body when the thread ends; otherwise port and handle would keep each other alive
-  // for ever.
+  // The function that the thread runs owns the port, so the port exists while the thread runs. The
+  // thread's handle releases this function when the thread ends; otherwise port and handle would
+  // keep each other alive for ever.
   const auto thread = platform_->makeThread([self = shared_from_this()] { self->runLoop71(); });
   setThread71(thread);
   return thread != nullptr && thread->start();
@@ -20,8 +20,8 @@ bool ExternalAccessoryPort::startPortThread() {
 void ExternalAccessoryPort::runLoop71() {
   constexpr auto selector = "-[ExternalAccessoryPort runLoop71]";
   QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@", "");
-  // If the run loop throws, the thread ends, but not the process. `open` and `close` then run on
-  // the caller's thread, as after a close.
+  // If the run loop throws, only the thread ends, not the process. Later calls of `open` and
+  // `close` then run on the caller's thread, as after a close.
   guarded(
       [this] {
         while (!stopThread71) {
@@ -38,8 +38,8 @@ void ExternalAccessoryPort::runLoop71() {
 
 /// Runs the routine on the port thread, or on the calling thread if no port thread can run it. A
 /// port that was not created on the main thread has no port thread; after a close the port thread
-/// has ended or is about to end. A thread that is about to end would still accept the routine, but
-/// would not run the loop that the streams are scheduled on any more.
+/// has ended or is about to end. A thread that is about to end would still run the routine, but
+/// would no longer run the loop on which the routine schedules the streams.
 void ExternalAccessoryPort::performOnPortThread(void (ExternalAccessoryPort::*routine)()) {
   const auto thread = thread71();
   const bool runs = thread != nullptr && !stopThread71;
@@ -92,7 +92,7 @@ void ExternalAccessoryPort::close() {
   };
   guarded(pauseOnNewerSystems, tell);
   if (!guarded(closeOnItsThread, tell)) {
-    close71();  // the session must not be left open because the platform threw
+    close71();  // the platform threw, and the session must not remain open
   }
   if (isMain) {
     stopThread71 = true;

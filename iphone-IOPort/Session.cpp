@@ -23,7 +23,8 @@ bool equalIgnoringCase(std::string_view a, std::string_view b) {
                     [](char x, char y) { return lowerCase(x) == lowerCase(y); });
 }
 
-/// Returns the part of a port name that selects the accessory; null if any accessory will do.
+/// Returns the part of a port name that selects the accessory; null if the name allows any
+/// accessory.
 std::optional<std::string> designationIn(const std::optional<std::string>& portName) {
   if (!portName || equalIgnoringCase(*portName, "BT:")) {
     return std::nullopt;
@@ -212,7 +213,7 @@ void ExternalAccessoryPort::close71() {
         }
       },
       [this] { QUOR_LOG(ZKLogTypeError, 0, "%@", thrownText()); });
-  // From here on the port counts as closed, even if a stream threw.
+  // This also runs after a stream threw: the port counts as closed in any case.
   _session.set(nullptr);
   _selectedAccessory.set(nullptr);
   setConnectionID(0);

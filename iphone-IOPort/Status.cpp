@@ -1,4 +1,4 @@
-// Asks for the printer's status in both emulations, and whether it is on line.
+// Asks for the printer's status, in both emulations, and tests whether the printer is on line.
 
 #include <algorithm>
 #include <cassert>
@@ -91,8 +91,8 @@ bool ExternalAccessoryPort::collectStatus(QuorPrinterStatus_2* quorPrinterStatus
   return false;
 }
 
-/// Reads once. Returns true if the reply is now complete: the record is then filled, and bytes
-/// after the reply are dropped.
+/// Reads once and appends to `buffer`. Returns true if the reply is now complete; the record is
+/// then filled, and bytes after the reply are dropped.
 bool ExternalAccessoryPort::readStatusPiece(ByteBuffer& buffer,
                                             QuorPrinterStatus_2* quorPrinterStatus) {
   constexpr auto selector = statusSelector;
@@ -210,7 +210,7 @@ bool ExternalAccessoryPort::getOnlineStatus(bool* onlineStatus) {
     QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "%p, -> %d", onlineStatus, false);
     return false;
   }
-  // The record need not be cleared: a status that was obtained has set the only field that is read
+  // The record is not cleared first: every successful status query sets the only field that is read
   // here.
   QuorPrinterStatus_2 quorStatus;
   if (!getParsedStatus(&quorStatus, 2)) {

@@ -7,20 +7,21 @@
 
 namespace quordalvane {
 
-/// Sees the bytes that a port reads and writes. It is called on the thread that moves them. An
-/// exception that it throws passes through the port's operation; so an observer can abandon a wait.
+/// Sees the bytes that a port reads and writes. The port calls it on the thread that reads or
+/// writes. If the observer throws, the port's operation ends by that exception; so an observer can
+/// end a wait.
 class QUOR_EXPORT TransferObserver {
  public:
   virtual ~TransferObserver() = default;
 
-  /// Called after the link has taken `bytes`. They are empty if a write ended without a byte being
-  /// taken.
+  /// Called after the link has taken `bytes`. `bytes` is empty if a write ended and the link took
+  /// no byte.
   virtual void bytesWritten(std::span<const std::uint8_t> bytes) = 0;
 
   /// Called before a read returns `bytes`, which may be empty.
   virtual void bytesRead(std::span<const std::uint8_t> bytes) = 0;
 
-  /// A `read:` is about to fail: the link is lost, or its stream has failed.
+  /// Called before a read fails: the link is lost, or its stream has failed.
   virtual void readFailed() {}
 };
 

@@ -24,11 +24,11 @@ struct Deallocation {
   void operator()(void* memory) const noexcept { ::operator delete(memory); }
 };
 
-/// Memory without an object in it. It is allocated by a call of `operator new`, because a compiler
-/// may remove a new expression whose object is not used.
+/// Memory without an object in it. It is allocated by a direct call of `operator new`: a compiler
+/// may remove a new expression whose object nobody uses.
 using RawMemory = std::unique_ptr<void, Deallocation>;
 
-// Without a session there is no stream, and so neither space nor bytes.
+// Null means that there is no session, and so neither space nor bytes.
 bool hasSpaceAvailable(const std::shared_ptr<NSOutputStream>& stream) {
   return stream != nullptr && stream->hasSpaceAvailable();
 }
@@ -111,8 +111,8 @@ std::int32_t ExternalAccessoryPort::offer(std::span<const std::uint8_t> data, co
   return result;
 }
 
-/// Offers all unsent bytes to the stream. Returns the stream's count, or null if the whole write
-/// has failed. A negative count other than -1 is not an error.
+/// Offers all unsent bytes to the stream. Returns the stream's count. Returns null if this makes
+/// the whole write fail. A negative count other than -1 is not an error.
 std::optional<std::int64_t> ExternalAccessoryPort::writeChunk(
     NSOutputStream& stream, std::span<const std::uint8_t> tempData, Reply reply) {
   constexpr auto selector = writeSelector;
@@ -120,8 +120,8 @@ std::optional<std::int64_t> ExternalAccessoryPort::writeChunk(
     QUOR_LOG(ZKLogTypeError, 0, "self.isConnected, %d", 0);
     return std::nullopt;
   }
-  // The contract requires that a write fails if there is no memory for a copy of its data. So this
-  // allocates the memory, but copies nothing: the stream reads the caller's data, which is faster.
+  // A write must fail if there is no memory for a copy of its data. So the memory is allocated, but
+  // nothing is copied: the stream reads the caller's data, which is faster.
   const RawMemory writeBuffer(::operator new(tempData.size(), std::nothrow));
   if (writeBuffer == nullptr) {
     QUOR_LOG(ZKLogTypeError, 0, "writeBuffer == NULL, %p", nullptr);
@@ -153,7 +153,7 @@ std::optional<ByteBuffer> ExternalAccessoryPort::readLeftovers(std::size_t bytes
   return observed(receive(bytesToRead, Patience::WhereExpected));
 }
 
-/// Lets the observer see the result of a read.
+/// Reports the result of a read to the observer, and returns it.
 std::optional<ByteBuffer> ExternalAccessoryPort::observed(std::optional<ByteBuffer> recvBuffer) {
   if (observer_ != nullptr) {
     recvBuffer ? observer_->bytesRead(*recvBuffer) : observer_->readFailed();
@@ -172,8 +172,8 @@ std::optional<ByteBuffer> ExternalAccessoryPort::receive(std::size_t bytesToRead
   }
   const auto stream = inputStream();
   if (!hasBytesAvailable(stream)) {
-    // This is a read but logs the text of `write`, because readers of these logs know the record
-    // so.
+    // This is a read, but the record has the text of `write`, because programs that read the log
+    // expect it.
     QUOR_LOG(ZKLogTypeProcess, 0, "_session.outputStream.hasSpaceAvailable == NO, %d",
              hasSpaceAvailable(outputStream()));
     if (patience == Patience::Always || stream == nullptr || stream->expectsBytes()) {
@@ -194,7 +194,8 @@ std::optional<ByteBuffer> ExternalAccessoryPort::receive(std::size_t bytesToRead
   return recvBuffer;
 }
 
-/// Appends the bytes of one call of the stream. Returns false if the whole read has failed.
+/// Reads from the stream once and appends the bytes. Returns false if this makes the whole read
+/// fail.
 bool ExternalAccessoryPort::readChunk(NSInputStream& stream, ByteBuffer& recvBuffer,
                                       std::size_t bytesToRead) {
   constexpr auto selector = readSelector;
@@ -252,7 +253,8 @@ std::int32_t ExternalAccessoryPort::retryWrite(const ByteBuffer& givenCommand, R
         return -1;
       }
       usleep(microseconds(secInterval1()));
-      // The total is used as an offset into the unsent rest; the declaration says why this is kept.
+      // The sum of all attempts is used as an offset into the unsent rest. The declaration says
+      // why.
       const std::int32_t offset = std::max(amountWritten, 0);
       const Range subDataRange = {.location = offset, .length = length - offset};
       tail = subrange(*command, subDataRange);

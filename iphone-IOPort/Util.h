@@ -9,7 +9,7 @@ class EAAccessory;
 class EAAccessoryManager;
 
 /// Functions for models and Bluetooth addresses, by which a port selects an accessory. Any thread
-/// may call them. All of them are pure except the last two, which ask the platform.
+/// may call them. The last two ask the platform; the others are pure.
 class Util {
  public:
   /// Returns true for a model that is attached by a USB cable: its number ends in "-U".

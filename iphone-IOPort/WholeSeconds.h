@@ -6,9 +6,9 @@
 
 namespace quordalvane {
 
-/// Measures a wait whose limit is a number of whole seconds of the wall clock. The clock may be set
-/// back at any time: the difference is a signed 64-bit number, so a step back only makes the wait
-/// longer.
+/// Measures a wait whose limit is a number of whole seconds of the wall clock. Somebody may set the
+/// clock back at any time: the wait then only becomes longer, because the difference is a signed
+/// 64-bit number.
 class WholeSecondsWait {
  public:
   WholeSecondsWait(Clock& clock, std::uint32_t timeoutMillis)
