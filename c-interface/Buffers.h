@@ -21,16 +21,16 @@ struct Buffer {
 };
 
 /// Checks that a result can be copied into the buffer and returns the buffer. Throws QUOR_USAGE if
-/// `bytes` is null and `capacity` is not 0. It is called before an exchange with the printer, whose
-/// result would otherwise be lost.
+/// `bytes` is null and `capacity` is not 0. Call it before an exchange with the printer, so that
+/// the result of the exchange is not lost.
 const Buffer& usable(const Buffer& buffer);
 
 /// Copies the bytes into the buffer and stores their number. Throws QUOR_BUFFER_TOO_SMALL if the
-/// buffer is too small; the number is stored also then.
+/// buffer is too small; it stores the number also in this case.
 void copyBytes(std::span<const std::uint8_t> bytes, const Buffer& buffer);
 
-/// Copies a text and a NUL after it in the same way. If `text` is null, it returns QUOR_NONE and
-/// stores the length 0.
+/// Copies a text, and a NUL after it, as `copyBytes` does. If `text` is null, it returns QUOR_NONE
+/// and stores the length 0.
 QuorCode copyText(const std::optional<std::string>& text, const Buffer& buffer);
 
 /// Returns a copy of the caller's bytes. Throws QUOR_USAGE if `bytes` is null and `size` is not 0.

@@ -6,7 +6,7 @@
 #include <string>
 
 // Turns C++ exceptions into codes and texts. The library of the journal uses the same functions, so
-// quor_last_error explains the latest failed call of both libraries.
+// quor_last_error returns the text of the last failed call of either library.
 
 namespace quordalvane::c {
 
@@ -41,7 +41,7 @@ QuorCode guarded(Body body) noexcept {
   }
 }
 
-/// Does the same for a function that returns a value instead of a code; the value is 0 on failure.
+/// Works as `guarded`, for a function that returns a value and no code; on failure it returns 0.
 template <typename Body>
 auto answered(Body body) noexcept -> decltype(body()) {
   try {

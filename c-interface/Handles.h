@@ -14,8 +14,8 @@
 
 namespace quordalvane::c {
 
-/// Passes the bytes of a port to functions of the caller. These cannot throw; if one of them does
-/// not return 0, this class throws, which stops the operation.
+/// Passes the bytes of a port to functions of the caller. These functions cannot throw, so they
+/// return 0 to continue; on any other value this class throws, which stops the operation.
 class FunctionObserver : public TransferObserver {
  public:
   FunctionObserver(QuorBytesWritten written, QuorBytesRead read, void* context)
@@ -64,8 +64,8 @@ struct QuorPrintJob {
                                 }
                               }}) {}
 
-  /// Called before the job runs. Throws QUOR_USAGE if it was called before. Sets the result for a
-  /// run that ends by an exception: how many bytes it has sent is unknown then.
+  /// Called before the job runs; a second call throws QUOR_USAGE. Sets the result that holds if the
+  /// run ends by an exception: the number of bytes sent is then unknown.
   void begin(std::size_t size) {
     if (hasRun.exchange(true)) {
       throw quordalvane::c::CallFailure(QUOR_USAGE, "a job runs once");

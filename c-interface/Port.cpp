@@ -1,4 +1,5 @@
-// The functions of a port for creation, connection, bytes, status and the checked block.
+// The functions of the C interface that create, connect and use a port: bytes, status and the
+// checked block.
 
 #include <utility>
 
@@ -29,9 +30,9 @@ ZKEmulation emulationOf(int32_t number) {
   return static_cast<ZKEmulation>(number);
 }
 
-// Returns whether the port has chosen this accessory. It compares the texts that the port took from
-// its accessory, also after an open that failed. The identifier alone does not suffice, because two
-// accessories may have the same.
+// Returns whether the port has chosen this accessory. It compares the name and the serial number
+// too, because two accessories may have the same identifier. The port has these texts even after an
+// open that failed.
 bool hasChosen(const ExternalAccessoryPort& port, EAAccessory& accessory) {
   return accessory.connectionID() == port.connectionID() && accessory.name() == port.name() &&
          accessory.serialNumber() == port.serialNumber();

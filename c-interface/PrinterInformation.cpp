@@ -1,4 +1,4 @@
-// The functions of a port for facts about the printer, and for its Bluetooth module.
+// The functions of the C interface for facts about the printer, and for its Bluetooth module.
 
 #include <algorithm>
 

@@ -21,7 +21,7 @@ struct QuorNamedJob {
         job(*journal, std::move(request), data),
         told(job.answer().value_or(quordalvane::NamedJobResult())) {}
 
-  /// Called before the job is run or refused. Throws QUOR_USAGE if it was called before.
+  /// Called before the job is run or refused. A second call throws QUOR_USAGE.
   void end() {
     if (std::exchange(hasEnded, true)) {
       throw quordalvane::c::CallFailure(QUOR_USAGE, "a job under a name runs once");
@@ -37,7 +37,7 @@ struct QuorNamedJob {
 
 namespace quordalvane::c {
 
-/// Does the same as `guarded`, for functions that read or write a journal: a JournalError becomes
+/// Works as `guarded`, for functions that read or write a journal: a JournalError becomes
 /// QUOR_NO_JOURNAL.
 template <typename Body>
 QuorCode guardedJournal(Body body) noexcept {
