@@ -13,8 +13,7 @@ enum {
   QUOR_PROOF_BLOCK = 2, /**< the printer counts marks before and after the data */
   QUOR_PROOF_PROCESS_ID =
       3, /**< the printer sends back four random characters that end the job; only in ESC/POS */
-  QUOR_PROOF_IN_ORDER = 4 /**< the job ends with a query, which the printer answers when it reaches
-                             it; only in ESC/POS */
+  QUOR_PROOF_IN_ORDER = 4 /**< the printer answers a query that ends the job; only in ESC/POS */
 };
 
 #endif
