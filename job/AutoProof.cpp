@@ -29,8 +29,8 @@ MaybeSetback AutoProof::begin() {
   return chosen_->begin();
 }
 
-/// Asks the printer which proof it gives, once it is ready. Does not ask again if an earlier search
-/// found no proof and no confirming answer has arrived since.
+/// Checks that the printer is ready, and then asks which proof it gives. Does not ask again if an
+/// earlier search found no proof and the printer has sent no confirming answer since.
 MaybeSetback AutoProof::find() {
   if (auto setback = refuseUnready(link(), answers_, result())) {
     return setback;
@@ -45,7 +45,7 @@ MaybeSetback AutoProof::ask() {
     return setback;
   }
   memory_.foundProof = found.kind;
-  // Answers that an earlier search did not wait for may still arrive, so they stay in the list.
+  // The answers that an earlier search did not wait for may still arrive, so the list keeps them.
   memory_.owed.merge(found.owed);
   return std::nullopt;
 }

@@ -13,8 +13,8 @@ namespace {
 
 constexpr std::uint32_t statusLevel = 2;
 
-// Waits of the port may end this much after their limit: they count whole seconds, and finish an
-// exchange that has begun. A wait that takes even longer is abandoned.
+// A wait of the port may end this much after its limit, because it counts whole seconds and
+// finishes an exchange that has begun. A wait that lasts even longer is abandoned.
 constexpr auto timeToLeave = std::chrono::seconds(4);
 
 }  // namespace
@@ -83,9 +83,9 @@ std::string CheckedBlock::whyNotBegun() const {
   return "the printer did not reset its counter within " + inSeconds(link().port().timeoutMillis());
 }
 
-/// Waits for the answers to all earlier requests, and then sends one more. Its answer follows all
-/// reports of earlier jobs, and in line mode it shows that no mark of an earlier job was counted
-/// since the reset. So every later confirmation belongs to this job.
+/// Waits for the answers to all earlier requests, and then sends one more. The answer to this one
+/// arrives after all reports of earlier jobs. In line mode it shows that the printer has counted no
+/// mark of an earlier job since the reset. So every later confirmation belongs to this job.
 MaybeSetback CheckedBlock::synchronise() {
   link().drain();
   if (auto setback = awaitAnswers()) {
@@ -138,8 +138,8 @@ MaybeSetback CheckedBlock::end(ByteView data) {
 
 MaybeSetback CheckedBlock::judgeEnd(ByteView data, const std::string& failure) {
   const auto obstacle = confirmationObstacle(data, link().port().emulation());
-  // A mark in the data may be the reason why the wait timed out, so the obstacle is reported rather
-  // than the time-out.
+  // An obstacle is a command in the data, for example a mark, that may have caused the time-out. So
+  // the obstacle is reported, and not the time-out.
   if (!failure.empty() && (!obstacle || link().isLost())) {
     return link().failedExchange(failure);
   }

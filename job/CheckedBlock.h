@@ -34,7 +34,7 @@ class CheckedBlock : public Proof {
   const QuorPrinterStatus_2& status() const { return status_; }
 
  private:
-  /// Returns a setback if no block may begin on this printer.
+  /// Checks the printer before the block. Returns a setback if no block may begin.
   virtual MaybeSetback prepare() = 0;
 
   /// The command that requests one status answer.
@@ -64,7 +64,7 @@ class CheckedBlock : public Proof {
   void keepStatus();
 
   OwedAnswers answers_;
-  bool isBeginning_ = true;  // answers are counted only before the data is sent
+  bool isBeginning_ = true;  // true before the data is sent; only then are answers counted
   QuorPrinterStatus_2 status_ = {};
 };
 

@@ -11,10 +11,10 @@
 namespace quordalvane {
 namespace {
 
-// The interval at which the printer is asked for its status while it has not finished.
+// The printer is asked for its status at this interval until it has finished.
 constexpr auto statusPause = std::chrono::seconds(1);
 
-// A limit in whole seconds may be exceeded by less than one second.
+// A wait that counts whole seconds may end up to one second after its limit.
 constexpr auto wholeSecond = std::chrono::seconds(1);
 
 }  // namespace

@@ -44,7 +44,7 @@ class EndSign : public Proof {
   /// Returns whether a sign that was not seen yet can still arrive.
   virtual bool isPossible() const { return true; }
 
-  /// Whether waiting is of no more use.
+  /// Returns whether a longer wait cannot change the result.
   bool isDecided() const { return isSeen() || !isPossible(); }
 
   bool awaitSign();

@@ -11,7 +11,7 @@ constexpr std::size_t more = 0;
 constexpr std::size_t mostIds = 16;
 constexpr std::size_t longestText = 80;
 
-// Of a mark; with any count.
+// The report of a mark. Its count may have any value.
 constexpr std::uint8_t reportForm[] = {0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00, 0, 0x00};
 constexpr std::size_t countPlace = 6;
 

@@ -15,7 +15,7 @@ namespace quordalvane {
 /// the job.
 using JobId = std::array<std::uint8_t, 4>;
 
-/// Whether the byte answers a real-time query.
+/// Returns whether the byte has the form of an answer to a real-time query.
 inline bool isRealTimeStatus(std::uint8_t byte) {
   return (byte & escPosFixedMask) == escPosFixedBits;
 }
@@ -43,7 +43,7 @@ class EscPosAnswers {
   std::optional<std::uint8_t> lastReport() const { return report_; }
   /// @}
 
-  /// Return how many answers of this kind there were.
+  /// Each returns how many answers of one kind have arrived.
   /// @{
   std::uint64_t realTimeCount() const { return realTimeCount_; }
   std::uint64_t inOrderCount() const { return inOrderCount_; }
@@ -60,8 +60,8 @@ class EscPosAnswers {
   bool hasNamed(const JobId& id) const;
 
  private:
-  // Each returns the length in bytes of the answer at the beginning of `bytes_`; 0 if this is not
-  // known before more bytes arrive.
+  // Each returns the length in bytes of the answer at the beginning of `bytes_`; 0 if more bytes
+  // are needed to find it.
   std::size_t take();
   std::size_t takeAnswer();
   std::size_t takeUnasked() const;

@@ -32,7 +32,7 @@ ByteView EscPosBlock::request() const {
 }
 
 /// The beginning of a block makes the printer drop the data that it holds. An off-line printer may
-/// hold an earlier job that it will still print, so the status is checked before.
+/// hold an earlier job that it will still print, so the status is checked first.
 MaybeSetback EscPosBlock::prepare() {
   const auto& escPos = answers().escPos();
   if (memory_.owed.contains(ProofKind::Block) &&
@@ -81,8 +81,8 @@ MaybeSetback EscPosBlock::end(ByteView data) {
   return setback;
 }
 
-/// Ends the block by the port's operation. If that had to be abandoned after the report, asks for
-/// the last status here.
+/// Calls the port's operation that ends the block. If this class has abandoned the operation after
+/// the report, asks for the last status itself.
 bool EscPosBlock::endInTime() {
   awaitsReport_ = true;
   try {
@@ -101,7 +101,7 @@ void EscPosBlock::bytesRead(ByteView bytes) {
 }
 
 /// Ends the port's wait some time after the report was seen. The port recognises only a report that
-/// arrives in one read, and would otherwise wait until its time-out.
+/// arrives in one read; for any other it would wait until its time-out.
 void EscPosBlock::stopIfReported() {
   if (!awaitsReport_ || sinceMark_.lastReport() != countOfTwoMarks) {
     return;

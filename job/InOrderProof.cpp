@@ -41,7 +41,8 @@ MaybeSetback InOrderProof::makeQuestion(ByteView data, std::vector<std::uint8_t>
   return std::nullopt;
 }
 
-/// Asks once more after the sign. If the sign was a stray byte, this also waits for the true one.
+/// Sends one more query after the sign and waits for its answer. If the sign was a stray byte, this
+/// wait also covers the true sign.
 MaybeSetback InOrderProof::end(ByteView data) {
   if (auto setback = EndSign::end(data)) {
     return setback;

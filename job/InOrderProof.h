@@ -23,7 +23,7 @@ class InOrderProof final : public EndSign {
 
   PortMemory& memory_;
   std::uint64_t asked_ = 0;
-  bool isSure_ = false;  // the printer owed no answer when the data was sent
+  bool isSure_ = false;  // no query was unanswered when the data was sent
 };
 
 /// The command that requests one in-order status.

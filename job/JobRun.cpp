@@ -82,7 +82,8 @@ void JobRun::reportWaiting(const std::string& reason) {
 }
 
 /// Makes the printer drop the rest of the job. If the job was stopped inside a command, that
-/// command is completed first: otherwise the printer would take the next commands for its payload.
+/// command is completed first: otherwise the printer would read the next commands as the payload of
+/// that one.
 void JobRun::finishCancelled(ByteView data) {
   link_.ignoreCancel();
   const std::size_t end = commandEnd(data, result_.bytesAccepted);

@@ -23,7 +23,7 @@ constexpr auto earlierJobCounted =
 // A printer that holds no data counts a mark as soon as it receives it.
 constexpr auto timeToCount = std::chrono::seconds(1);
 
-// As in the port, a limit in whole seconds may be exceeded by less than one second.
+// As in the port, a wait may end up to one second after its limit.
 constexpr auto wholeSecond = std::chrono::seconds(1);
 constexpr std::uint64_t endPollMicroseconds = 100000;
 
@@ -89,7 +89,8 @@ bool LineModeBlock::endInTime() {
   return hasEnded && confirm();
 }
 
-/// Waits as the port does at the end of a block, but after only one more mark.
+/// Waits until the printer has counted two marks. The port's own operation is not used, because it
+/// would send two more marks; only one is missing.
 bool LineModeBlock::awaitCount() {
   const auto limit = std::chrono::milliseconds(link().port().endCheckedBlockTimeoutMillis());
   const auto start = link().now();
@@ -105,7 +106,7 @@ bool LineModeBlock::awaitCount() {
   }
 }
 
-/// Asks for the status once more: a single answer may be garbled, or belong to another exchange.
+/// Asks for the status once more: a single answer may be damaged, or belong to another exchange.
 bool LineModeBlock::confirm() {
   if (status().offline != 0 || status().etbCounter != countOfTwoMarks) {
     return true;

@@ -10,13 +10,13 @@
 
 namespace quordalvane {
 
-/// Counts the answers that a printer still owes: the status requests that were sent minus the
-/// answers that have arrived. A printer answers in the order in which it was asked, so the count
-/// shows to which request an answer belongs.
+/// Counts the answers that are still expected: the status requests that were sent minus the answers
+/// that have arrived. A printer answers requests in order, so the count shows to which request an
+/// answer belongs.
 class OwedAnswers {
  public:
-  /// Counts the requests and answers of line mode if this is the emulation, and those of ESC/POS
-  /// otherwise.
+  /// Counts the requests and answers of line mode if `emulation` is line mode, otherwise those of
+  /// ESC/POS.
   explicit OwedAnswers(ZKEmulation emulation) : isLineMode_(emulation == ZKEmulationQuorLine) {}
 
   /// Process the next bytes that were sent, and the next bytes that arrived. Requests and answers
@@ -26,7 +26,7 @@ class OwedAnswers {
   void read(ByteView bytes);
   /// @}
 
-  /// Returns true if an answer is still owed.
+  /// Returns true if an answer is still expected.
   bool isAnyOwed() const { return owed_ > 0; }
 
   /// Forgets answers that were not requested: they are left over from an earlier exchange.

@@ -9,21 +9,21 @@
 namespace quordalvane {
 namespace {
 
-// The data is written in pieces of at most this size, and on a slow link of twice the number of
-// bytes that it took last: between two pieces a job checks whether it was cancelled and reports its
-// progress. Smaller pieces would cost more system calls.
+// The data is written in pieces. A piece has at most this size, and on a slow link at most twice
+// the number of bytes that the link took last. Between two pieces a job checks whether it was
+// cancelled, and reports its progress. Smaller pieces would cost more system calls.
 constexpr std::size_t largestPiece = std::size_t{512} * 1024;
 constexpr std::size_t smallestPiece = 256;
 
-// The pause between two attempts on a link that returns at once without bytes or space, or with
-// more bytes than an answer has.
+// The pause before the next attempt on a link. It follows a call that returned at once without
+// bytes or space, or with more bytes than an answer has.
 constexpr std::uint64_t lookPauseMicroseconds = 10000;
 constexpr std::size_t longestAnswer = 128;
 
 constexpr auto longestDrain = std::chrono::seconds(1);
 constexpr std::size_t largestDrain = std::size_t{1} << 20U;
 
-/// Points `counter` to `count` while it exists.
+/// While this object exists, `counter` points to `count`.
 class Counting {
  public:
   Counting(std::uint64_t*& counter, std::uint64_t& count) : counter_(counter) { counter = &count; }
@@ -81,7 +81,7 @@ void PortLink::bytesRead(ByteView bytes) {
   goOn();
 }
 
-/// Some operations of the port would look at a lost link until their time-out.
+/// Without this, some operations of the port would read from a lost link until their time-out.
 void PortLink::readFailed() {
   if (deadline_ != noDeadline) {
     throw GivenUp();

@@ -40,12 +40,12 @@ class PortLink final : private TransferObserver {
   /// Returns the port's input/output time-out, and at least one second.
   std::chrono::milliseconds timeout() const;
 
-  /// Passes all bytes to `listener` from now on; null ends this. The listener must exist until
-  /// then.
+  /// Passes all bytes to `listener` from now on, or to nobody if it is null. The listener must
+  /// exist until the next call.
   void setListener(TransferObserver* listener) { listener_ = listener; }
 
-  /// Calls `operation` and returns its result. The next read or write of the operation throws
-  /// GivenUp if `limit` has passed, and each read that fails does. If calls are nested, the earlier
+  /// Calls `operation` and returns its result. A read or write of the operation throws GivenUp
+  /// after `limit` has passed; a read that fails always throws it. If calls are nested, the earlier
   /// limit counts.
   template <typename Operation>
   auto within(std::chrono::nanoseconds limit, Operation operation) {
@@ -72,15 +72,15 @@ class PortLink final : private TransferObserver {
   void pause();
 
   /// Reads until `isDone` returns true. `isDone` is called once without bytes, and then with the
-  /// bytes of each read. Returns false if `limit` passes or the link is lost before.
+  /// bytes of each read. Returns false if `limit` passes or the link is lost before that.
   bool await(const std::function<bool(ByteView)>& isDone, std::chrono::nanoseconds limit);
 
-  /// Drops the bytes that wait in the input, and waits for more only if an answer may still arrive.
-  /// It stops after one second or a mebibyte, even if the printer never stops sending.
+  /// Drops the received bytes that nobody has read, and waits for more only if an answer may still
+  /// arrive. It stops after one second or a mebibyte, even if the printer never stops sending.
   void drain();
 
-  /// Returns whether the link is lost. Drops the bytes that wait in the input, because a lost link
-  /// counts as connected until they are read.
+  /// Returns whether the link is lost. Drops the received bytes that nobody has read, because a
+  /// lost link counts as connected until they are read.
   bool isLost();
 
   /// Returns the setback for an exchange that failed. Its reason is the loss of the link, or
@@ -88,7 +88,7 @@ class PortLink final : private TransferObserver {
   Setback failedExchange(const std::string& otherwise);
 
  private:
-  /// Sets a deadline while it exists.
+  /// While this object exists, the link has a deadline.
   class Limited {
    public:
     Limited(PortLink& link, std::chrono::nanoseconds deadline);
@@ -111,7 +111,7 @@ class PortLink final : private TransferObserver {
   const std::atomic<bool>& cancelled_;
   bool isCancelIgnored_ = false;
   TransferObserver* listener_ = nullptr;
-  std::uint64_t* accepted_ = nullptr;  // counts the bytes of the data that is sent; null: none is
+  std::uint64_t* accepted_ = nullptr;  // counts sent bytes of the data; null between sends
   std::chrono::nanoseconds deadline_ = noDeadline;
 };
 

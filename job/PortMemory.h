@@ -14,7 +14,7 @@ namespace quordalvane {
 struct PortMemory {
   std::optional<ProofKind>
       foundProof;            ///< the proof that the printer gives; null if it was not asked yet
-  std::set<ProofKind> owed;  ///< the proofs whose queries may still be answered
+  std::set<ProofKind> owed;  ///< the proofs for which the printer may still send an answer
 };
 
 /// Returns the memory of `port`, which must not be null. Any thread may call it, but only one job

@@ -184,7 +184,7 @@ std::optional<std::uint64_t> inOrderRequestsIn(ByteView data) {
   for (std::size_t next = 0; next < data.size();) {
     const ByteView rest = data.subspan(next);
     const auto command = printCommandAt(rest);
-    // The answer to this command contains bytes of the same form.
+    // The answer to this command contains bytes that look like in-order answers.
     if (startsWith(rest, {0x1d, 0x49})) {
       return std::nullopt;
     }

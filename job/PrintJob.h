@@ -30,8 +30,8 @@ struct PrintProgress {
   std::uint64_t bytesAccepted;  ///< how many bytes of the job the link has taken
   std::uint64_t bytesTotal;     ///< the size of the job
 
-  /// Why the printer has paused in a job that it will continue, for example "cover open"; "" while
-  /// it prints.
+  /// The reason why the printer has paused in the job, for example "cover open"; "" if it has not
+  /// paused. The printer continues when the cause is removed.
   std::string waitsFor = {};
 };
 
@@ -47,10 +47,9 @@ class QUOR_EXPORT PrintJob {
  public:
   /// The options of a job.
   struct Options {
-    /// The proof by which the printer is to confirm the job. If null, the `proof=` of the device
-    /// counts, and Auto if the device has none. With None the printer is asked nothing, and the
-    /// best outcome is Unconfirmed. In line mode, ProcessId and InOrder have the same effect as
-    /// None.
+    /// The proof by which the printer confirms the job. If null, the job uses the `proof=` of the
+    /// device, or Auto if the device has none. With None the printer is asked nothing, and the best
+    /// outcome is Unconfirmed. In line mode, ProcessId and InOrder have the same effect as None.
     std::optional<ProofKind> proof = std::nullopt;
 
     /// Called when a stage begins, each time that the link has taken some data, and when the reason
@@ -69,9 +68,9 @@ class QUOR_EXPORT PrintJob {
   /// Prints `data` and returns the result. May be called once. Blocks while the printer is
   /// prepared, while data is sent (up to the port's time-out without progress) and while it waits
   /// for the proof (up to the port's end-of-block time-out), even if the printer never stops
-  /// sending. Until it returns, the job is the port's only observer; then the port has no observer.
-  /// The port remains open, unless the job was cancelled. Exceptions of the platform and of the
-  /// progress function pass through.
+  /// sending. Until it returns, the job is the port's only observer; afterwards the port has no
+  /// observer. The port remains open, unless the job was cancelled. Exceptions of the platform and
+  /// of the progress function pass through.
   /// @{
   PrintResult run(ByteView data);
   PrintResult run(std::string_view text);

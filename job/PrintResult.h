@@ -23,7 +23,7 @@ enum class PrintOutcome {
 /// "printed", "unconfirmed" or "refused".
 QUOR_EXPORT std::string_view nameOf(PrintOutcome outcome);
 
-/// Why a job was not confirmed as printed. A program may need to distinguish these cases.
+/// Why a job was not confirmed as printed.
 enum class PrintObstacle {
   None,             ///< the job was printed, or did not run to its end
   PrinterNotReady,  ///< the printer answered that it is off line, or that paper is in its exit
@@ -37,14 +37,15 @@ enum class PrintObstacle {
 /// The result of a job, for a program and for the person who uses it.
 struct PrintResult {
   PrintOutcome outcome = PrintOutcome::Refused;  ///< how the job ended
-  PrintObstacle obstacle = PrintObstacle::None;  ///< why it was not printed; None if it was printed
+  PrintObstacle obstacle = PrintObstacle::None;  ///< why the job was not printed; None if it was
+                                                 ///< printed
 
   /// The proof that was used. Auto if the job ended before a proof was chosen; None if the printer
   /// gives no proof.
   ProofKind proof = ProofKind::None;
 
-  /// Whether the job asked the printer which proof it gives. A proof that is named in the job's
-  /// options or in the `proof=` of the device saves this query.
+  /// True if the job asked the printer which proof it gives. To save this query, name the proof in
+  /// the job's options or in the `proof=` of the device.
   bool hasAskedForProof = false;
 
   /// The result code of the beginning of the checked block; failed if the job had no checked block.
@@ -53,8 +54,8 @@ struct PrintResult {
   std::uint64_t bytesTotal = 0;     ///< the size of the job
   std::uint64_t bytesAccepted = 0;  ///< exactly how many bytes of the job the link took
 
-  /// The last status of the printer; null if there was none. Once data was sent, a status from
-  /// before the data is dropped, because it says nothing about the data.
+  /// The last status of the printer; null if there was none. As soon as data is sent, an earlier
+  /// status is dropped, because it says nothing about the data.
   std::optional<QuorPrinterStatus_2> status;
 
   /// The reason why the job was not printed, for a person: "cover open", "link lost after 1,204 of

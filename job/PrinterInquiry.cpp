@@ -139,8 +139,8 @@ class Question final : private TransferObserver {
   }
 
  private:
-  // The port rejects most parts of a block in this emulation. If its last read was empty, it timed
-  // out and has mixed up nothing.
+  // In this emulation the port rejects most parts of a block. If the port's last read was empty,
+  // the port has timed out and has mixed up nothing.
   bool isMixedUpInESCPOS(bool isAnswered) const {
     constexpr std::size_t queries = 3;
     const Bytes bytes = joined(reads_);
@@ -171,9 +171,9 @@ QuorPrinterStatus_2 statusFor(Question& question, std::uint32_t level, ZKEmulati
   return status;
 }
 
-// In ESC/POS the port takes the first bytes that arrive for the text. They may be a late status
-// byte, or only the beginning of the text. A complete text begins with this head and ends with a
-// zero byte.
+// In ESC/POS the port accepts the first received bytes as the text. These bytes may be a late
+// status byte, or only the beginning of the text. A complete text begins with this head and ends
+// with a zero byte.
 bool isWholeText(const Bytes& reply) {
   constexpr std::uint8_t head = 0x5f;
   return !reply.empty() && reply.front() == head && reply.back() == 0;
@@ -216,8 +216,8 @@ std::string PrinterInquiry::firmware() {
   }
   bool isOnline = true;
   const auto online = [&isOnline](Port& port) { return port.getOnlineStatus(&isOnline); };
-  // The port asks only a printer that is on line, so being off line may be the reason for the
-  // failure.
+  // The port sends the query only to a printer that is on line. So the query may have failed
+  // because the printer is off line.
   if (!question.isLost() && question.ask(online) && !isOnline) {
     throw InquiryError(InquiryCause::NotReady,
                        "the printer is off line, and is not asked for its firmware then");

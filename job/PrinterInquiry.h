@@ -40,18 +40,18 @@ class QUOR_EXPORT InquiryError : public std::runtime_error {
   InquiryCause cause_;
 };
 
-/// Queries a printer over an open port and checks its answers. The port's own queries do not: they
-/// may take the rest of an earlier answer, or bytes of another kind of device, for the answer.
-/// Nothing is printed.
+/// Queries a printer over an open port and checks its answers. The port's own queries do not check:
+/// they may accept the rest of an earlier answer, or bytes of another kind of device, as the
+/// answer. Nothing is printed.
 ///
 ///     std::cout << (PrinterInquiry(port).isOnline() ? "on line" : "off line");
 ///
 /// Each query throws an InquiryError if there is no valid answer. It ends within twice the port's
 /// input/output time-out plus five seconds, even if the printer never stops sending; `disconnect`
-/// may take ten seconds more. Bytes that wait in the port's input are dropped. During a query the
-/// inquiry is the port's only observer; after it the port has no observer. Exceptions of the
-/// platform pass through. A query blocks the calling thread, and no other thread may use the port
-/// meanwhile.
+/// may take ten seconds more. Received bytes that nobody has read are dropped. During a query the
+/// inquiry is the port's only observer; afterwards the port has no observer. Exceptions of the
+/// platform pass through. A query blocks the calling thread. No other thread may use the port
+/// during a query.
 class QUOR_EXPORT PrinterInquiry {
  public:
   /// `port` must not be null; it is kept alive.
@@ -74,13 +74,13 @@ class QUOR_EXPORT PrinterInquiry {
   /// value plus the port's input/output time-out.
   std::chrono::milliseconds buttonSecurityTimeout();
 
-  /// Asks which is the strongest proof that the printer gives; None if it gives no proof. An
-  /// off-line ESC/POS printer may hold back its answers and so appear to give no proof. The query
+  /// Returns the strongest proof that the printer can give; None if the printer gives no proof. An
+  /// off-line ESC/POS printer may hold back its answers and so appear to give none. The query
   /// resets the printer's count of marks, so do not send it while another program prints.
   ProofKind proof();
 
   /// Makes the printer drop the data that it has not printed yet. Returns when the link has taken
-  /// the command; the printer does not answer it.
+  /// the command, because the printer sends no answer.
   void dropAll();
 
   /// Makes the printer's Bluetooth module drop the link; the port remains open.

@@ -14,13 +14,13 @@
 namespace quordalvane {
 
 /// One way to find out whether a printer has printed a job. JobRun sends and counts the data; the
-/// proof acts before and after the data and judges the answers. It sees every byte that is sent or
-/// received meanwhile.
+/// proof acts before and after the data and judges the answers. From `begin` to the end it sees
+/// every byte that is sent or received.
 ///
 /// Every wait of a proof has a limit. PortLink::Cancelled passes through its functions.
 class Proof : public TransferObserver {
  public:
-  /// Prepares the printer. The data may be sent after success only, not after a setback.
+  /// Prepares the printer. After a setback the data must not be sent.
   virtual MaybeSetback begin() = 0;
 
   /// Ends the job and waits for the printer's confirmation. `data` is the whole job and not empty.

@@ -11,13 +11,13 @@ namespace quordalvane {
 /// The result of asking a printer which proof it gives.
 struct FoundProof {
   ProofKind kind = ProofKind::None;  ///< the strongest proof that the printer gives
-  std::set<ProofKind> owed;          ///< the proofs whose queries may still be answered
+  std::set<ProofKind> owed;          ///< the proofs for which the printer may still send an answer
 };
 
 /// Asks an ESC/POS printer that is on line which proof it gives, and stores the result in `found`.
-/// No paper moves. A printer that knows one of the proofs answers at once; after a second of
-/// silence the search ends. The caller must feed `answers` with all bytes that are read on the
-/// link. Returns a setback if the link does not take the query.
+/// No paper moves. A printer that gives a proof answers at once; after a second of silence the
+/// search ends. The caller must feed `answers` with all bytes that are read on the link. Returns a
+/// setback if the link does not take the query.
 MaybeSetback findProof(PortLink& link, const EscPosAnswers& answers, FoundProof& found);
 
 }  // namespace quordalvane

@@ -12,13 +12,14 @@ namespace quordalvane {
 /// Asks an ESC/POS printer for its status and stores it in `result.status`. Sends only the three
 /// real-time queries, which every such printer knows and which move no paper. The caller must feed
 /// `answers` with all bytes that are read on the link. Waits up to `limit` for each answer. Returns
-/// a setback if an answer is missing, or once `isEnough`, if given, returns true.
+/// a setback if an answer is missing. `isEnough` may be empty; if it returns true, the wait ends at
+/// once and the answer counts as missing.
 MaybeSetback askRealTimeStatus(PortLink& link, const EscPosAnswers& answers, PrintResult& result,
                                std::chrono::nanoseconds limit,
                                const std::function<bool()>& isEnough = {});
 
-/// Does the same with the port's time-out as the limit, and also returns a setback if the printer
-/// is not ready.
+/// Drops old bytes, and then works as `askRealTimeStatus` with the port's time-out as the limit.
+/// Also returns a setback if the printer is not ready.
 MaybeSetback refuseUnready(PortLink& link, const EscPosAnswers& answers, PrintResult& result);
 
 }  // namespace quordalvane

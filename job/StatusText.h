@@ -10,11 +10,12 @@ namespace quordalvane {
 /// Returns "off line" if the printer gives no reason, and "" if it is on line.
 std::string whyOffline(const QuorPrinterStatus_2& status);
 
-/// Returns the errors in the status, in the same words, even if the printer is on line; "" if there
-/// are none.
+/// Returns the errors in the status, in the words of `whyOffline`, even if the printer is on line;
+/// "" if there are no errors.
 std::string errorsIn(const QuorPrinterStatus_2& status);
 
-/// Why the printer is not ready: its errors, or "off line"; "" for one that is ready.
+/// Returns why the printer is not ready: its errors, or "off line". Returns "" if the printer is
+/// ready.
 std::string whyNotReady(const QuorPrinterStatus_2& status);
 
 }  // namespace quordalvane

@@ -5,7 +5,7 @@
 
 namespace quordalvane {
 
-/// The reason for which a job fails if its printer is silent.
+/// The reason of a job that failed because the printer sent no answer.
 inline constexpr auto noAnswer =
     "the printer does not answer; it may be switched off, set to another emulation, or in use by "
     "another program";
@@ -13,7 +13,7 @@ inline constexpr auto noAnswer =
 /// Returns a count with separated thousands: "1,204".
 std::string grouped(std::uint64_t count);
 
-/// Returns a time as text for people; a time of one second or more in whole seconds.
+/// Returns a time as text for people. A time of one second or more is given in whole seconds.
 std::string inSeconds(std::uint32_t millis);
 
 }  // namespace quordalvane
