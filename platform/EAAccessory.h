@@ -61,7 +61,7 @@ class QUOR_EXPORT EAAccessory {
   /// none. It is for programs; a port only passes it on.
   virtual std::uint64_t connectionID() = 0;
 
-  /// Returns how its printer confirms print jobs, if this is configured; otherwise `Auto`. Jobs use
+  /// Returns how the printer confirms print jobs, if this is configured; otherwise `Auto`. Jobs use
   /// it, ports do not.
   virtual ProofKind proof() { return ProofKind::Auto; }
 
@@ -74,9 +74,10 @@ class QUOR_EXPORT EAAccessory {
   /// arrived before were read. Returns true for an accessory without a session.
   virtual bool isConnected() = 0;
 
-  /// For a caller that waits for the end of the link and reads nothing. If the link is lost, unread
-  /// bytes no longer make `isConnected` return true. Has no effect on a link that is not lost. The
-  /// default does nothing; it is for back ends that never keep bytes after the end.
+  /// Checks whether the link is lost, for a caller that waits for this and reads nothing: after the
+  /// call, unread bytes of a lost link no longer make `isConnected` return true. Has no effect on a
+  /// link that is not lost. The default does nothing; it is for back ends that never keep bytes
+  /// after the end.
   virtual void noticeLoss() {}
 
   /// Opens a session on `protocol`. Returns null if the accessory cannot be reached or refuses the

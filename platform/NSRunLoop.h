@@ -16,8 +16,8 @@ class QUOR_EXPORT NSRunLoop {
   /// and returns.
   virtual void runUntilDate(double seconds) = 0;
 
-  /// Does the same, but returns as soon as `awaited` is ready or its link is lost, and at the
-  /// latest after `seconds`.
+  /// Works as the function above, but also returns as soon as `awaited` is ready or its link is
+  /// lost.
   virtual void runUntilDate(double seconds, NSStream& awaited) = 0;
 };
 

@@ -29,7 +29,7 @@ class QUOR_EXPORT NSStream {
   /// loop; other streams do nothing.
   virtual void scheduleInRunLoop(NSRunLoop& runLoop, std::string_view mode) = 0;
 
-  /// Removes the stream from `runLoop` in `mode`; afterwards none of its work runs there. A port
+  /// Removes the stream from `runLoop` in `mode`; afterwards the stream does no work on it. A port
   /// calls this after `close`. Has no effect if the stream is not scheduled on this loop. If a port
   /// is destroyed while it is open, its streams are destroyed without this call, and remove
   /// themselves.
@@ -38,8 +38,8 @@ class QUOR_EXPORT NSStream {
   /// Starts to open the stream. The stream may still be opening when this returns.
   virtual void open() = 0;
 
-  /// Ends the stream. After it there are no bytes to read and no space to write. A second call has
-  /// no effect.
+  /// Ends the stream. Afterwards there are no bytes to read and there is no space to write. A
+  /// second call has no effect.
   virtual void close() = 0;
 
   /// Blocks until the stream has bytes to read or space to write, its link is lost, or `seconds`
@@ -68,8 +68,8 @@ class QUOR_EXPORT NSInputStream : public NSStream {
 class QUOR_EXPORT NSOutputStream : public NSStream {
  public:
   /// Returns true if a write would take at least one byte now, or would fail at once because the
-  /// link is lost. So a writer learns of a loss even while unread bytes keep the accessory
-  /// connected. Returns false for a closed stream.
+  /// link is lost. So a writer notices the loss even while the accessory still counts as connected
+  /// because of unread bytes. Returns false for a closed stream.
   virtual bool hasSpaceAvailable() = 0;
 
   /// Says whether the accessory may answer the bytes of the following writes; initially it may. A
@@ -77,8 +77,8 @@ class QUOR_EXPORT NSOutputStream : public NSStream {
   /// use it; other streams do nothing.
   virtual void setMayBeAnswered(bool /*mayBeAnswered*/) {}
 
-  /// Writes at most `maxLength` bytes. Returns the number of bytes taken, which may be smaller, or
-  /// -1 on an error.
+  /// Writes at most `maxLength` bytes. Returns the number of bytes taken, which may be smaller than
+  /// `maxLength`, or -1 on an error.
   virtual std::int64_t write(const std::uint8_t* buffer, std::size_t maxLength) = 0;
 };
 

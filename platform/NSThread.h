@@ -13,8 +13,8 @@ class QUOR_EXPORT NSThread {
   virtual ~NSThread() = default;
 
   /// Starts the thread. May be called once. Returns false if the system cannot create the thread;
-  /// its body then never runs and is destroyed before this returns. Otherwise the body is destroyed
-  /// when it has ended.
+  /// its body then never runs and is destroyed before `start` returns. Otherwise the body is
+  /// destroyed when it has ended.
   virtual bool start() = 0;
 
   /// Marks the thread as cancelled. This is only a request and does not end the thread.
@@ -22,8 +22,8 @@ class QUOR_EXPORT NSThread {
 
   /// Runs `routine` on the thread's run loop, and returns true when it has finished. Returns false
   /// without running it if the thread has not started or does not run its loop any more. If
-  /// `routine` throws, this throws the same exception. If it is called on the thread itself, it
-  /// runs `routine` directly.
+  /// `routine` throws, `performAndWait` throws the same exception. A call on the thread itself runs
+  /// `routine` directly.
   virtual bool performAndWait(std::function<void()> routine) = 0;
 };
 

@@ -19,8 +19,7 @@ enum class ProofKind : std::int32_t {
       QUOR_PROOF_BLOCK,  ///< the checked block: the printer counts marks before and after the data
   ProcessId =
       QUOR_PROOF_PROCESS_ID,  ///< the printer sends back four random characters that end the job
-  InOrder = QUOR_PROOF_IN_ORDER,  ///< the job ends with a query, which the printer answers when it
-                                  ///< reaches it
+  InOrder = QUOR_PROOF_IN_ORDER,  ///< the printer answers a query that ends the job
 };
 
 /// The name and the description of a proof.
