@@ -17,8 +17,8 @@ std::int32_t parseFirmwareInfo(const std::uint8_t* bytes, std::int32_t count,
 
 /// Finds the settings of a DIP-switch bank: the bytes between the first 1b 23 2c 31 or 1b 23 2c 32
 /// and the last 0a. It uses the last 0a because a setting byte may be 0a itself. Returns 0 and the
-/// position of the settings, which are two bytes or more, or a value other than 0 if there are
-/// fewer. A length other than 2 means that the reply was mixed with other bytes.
+/// position of the settings, which are two bytes or more. Returns a value other than 0 if there are
+/// fewer than two bytes. A length above 2 means that other bytes were mixed into the reply.
 std::int32_t parseDipSwitchInfo(const std::uint8_t* bytes, std::int32_t count,
                                 std::int32_t* location, std::int32_t* length);
 

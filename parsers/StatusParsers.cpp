@@ -59,7 +59,8 @@ constexpr std::array<StateByte, 3> lineStateBytes = {
     &Status::connectedInterface,
 };
 
-// The decoder reads only these bytes, so it stays inside `raw` for any `rawLength`.
+// The state bytes follow the flag bytes, and all of them are inside `raw`. So the decoder stays
+// inside `raw`, whatever `rawLength` is.
 static_assert(firstFlagByte + (lineFlags.size() + 7) / 8 == firstStateByte);
 static_assert(firstStateByte + lineStateBytes.size() <= sizeof Status::raw);
 

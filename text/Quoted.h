@@ -11,7 +11,7 @@ namespace quordalvane {
 /// bytes replaced.
 std::string printable(std::string_view text);
 
-/// Returns the same text in quotation marks, cut after 60 bytes.
+/// Cuts the text after 60 bytes, and returns its `printable` form in quotation marks.
 std::string inQuotes(std::string_view text);
 
 }  // namespace quordalvane
