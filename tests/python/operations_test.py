@@ -83,19 +83,6 @@ def in_threads(*calls: Callable[[], object]) -> list[object]:
         return [future.result() for future in [pool.submit(begin, call) for call in calls * THREADS]]
 
 
-async def dropped(port: AsyncPort):
-    """Makes the module drop the link.
-
-    The module obeys after a second without bytes. A busy machine may deliver bytes late and so shorten that second.
-    """
-    for _ in range(3):
-        try:
-            return await port.disconnect()
-        except quorioport.OperationError:
-            pass
-    return await port.disconnect()
-
-
 class Operations(unittest.TestCase):
     def printer(self) -> VirtualPrinter:
         printer = VirtualPrinter(**SETTINGS)
@@ -126,6 +113,7 @@ class Operations(unittest.TestCase):
             answers = in_threads(*(lambda n=name, a=arguments: getattr(port, n)(*a) for name, arguments in calls))
             for (name, _), answer in zip(calls * THREADS, answers, strict=True):
                 self.assertAnswers(name, answer)
+            port.status()  # the module obeys a second after the last byte; the answer shows that all bytes have arrived
             self.assertRaises(quorioport.LinkLostError, in_threads, port.disconnect)  # the second call finds no link
             self.assertTrue(port.is_open)
             in_threads(port.close)
@@ -138,7 +126,8 @@ class Operations(unittest.TestCase):
                 answers = await asyncio.gather(*(getattr(port, name)(*OPERATIONS[name][0]) for name in names))
                 for name, answer in zip(names, answers, strict=True):
                     self.assertAnswers(name, answer)
-                await dropped(port)
+                await port.status()  # the module obeys a second after the last byte, which has now arrived
+                await port.disconnect()
                 self.assertTrue(port.is_open and port.port.is_open)
                 await asyncio.gather(*(port.close() for _ in range(THREADS)))
                 self.assertFalse(port.is_open)
