@@ -57,7 +57,7 @@ AccessoryNotices::~AccessoryNotices() {
 bool AccessoryNotices::await(std::chrono::milliseconds time) {
   const SteadyTime deadline = SteadyClock::now() + time;
   bool isThere = take();
-  while (!isThere && SteadyClock::now() < deadline) {
+  while (!isThere && !hasPassed(deadline)) {
     pollfd awaited{.fd = socket_, .events = POLLIN, .revents = 0};
     const timespec left = timeLeft(deadline);
     ::ppoll(&awaited, 1, &left, nullptr);

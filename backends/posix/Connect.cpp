@@ -52,7 +52,7 @@ Descriptor connectUntil(SteadyTime deadline, const SocketAddress& address) {
         0) {
       return socket;
     }
-  } while (errno == EINTR && SteadyClock::now() < deadline);
+  } while (errno == EINTR && !hasPassed(deadline));
   constexpr std::array unfinished = {EINPROGRESS, EALREADY, EAGAIN, EINTR};
   const bool timedOut = std::count(unfinished.begin(), unfinished.end(), errno) > 0;
   throw std::system_error(timedOut ? ETIMEDOUT : errno, std::generic_category());

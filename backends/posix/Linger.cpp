@@ -38,9 +38,8 @@ void linger(const Descriptor& connection, SteadyTime deadline) {
     return;
   }
   connection.endOutput();
-  for (auto now = SteadyClock::now(); now < deadline && mayComeMore && connection.hasUnderWay();
-       now = SteadyClock::now()) {
-    connection.pollUntil(POLLIN, std::min(deadline, now + lookInterval));
+  while (mayComeMore && connection.hasUnderWay() && !hasPassed(deadline)) {
+    connection.pollUntil(POLLIN, std::min(deadline, SteadyClock::now() + lookInterval));
     mayComeMore = discardInput(connection);
   }
 }

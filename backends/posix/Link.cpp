@@ -56,7 +56,7 @@ void Link::release() {
   if (!descriptor) {
     return;
   }
-  next_ = end_ = 0;
+  next_ = end_;  // drops the unread bytes
   const bool isAwaited = !abandoned_ && !outputBroken_;
   lock.unlock();
   const SteadyTime now = SteadyClock::now();
@@ -76,7 +76,7 @@ void Link::noticeLoss() {
     return;  // the thread that waits for input will take the bytes that arrive
   }
   if (descriptor_->pollUntil(POLLRDHUP, SteadyTime{}) != 0) {
-    next_ = end_ = 0;
+    next_ = end_;
     ended_ = true;
   }
 }
@@ -121,7 +121,7 @@ void Link::waitForBytes(double seconds) {
   if (!descriptor_) {
     return;
   }
-  if (count == -1 && wouldBlock(error) && seconds > 0 && SteadyClock::now() >= deadline) {
+  if (count == -1 && wouldBlock(error) && seconds > 0 && hasPassed(deadline)) {
     expectation_.waitedInVain();
   }
   noteReceived(count, error);

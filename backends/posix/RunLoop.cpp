@@ -33,7 +33,7 @@ void ThreadRunLoop::runUntilDate(double seconds) {
   do {
     runCarried(lock);
   } while (arrived_.wait_until(lock, deadline, [this] { return !waiting_.empty(); }) &&
-           SteadyClock::now() < deadline);
+           !hasPassed(deadline));
 }
 
 void ThreadRunLoop::runUntilDate(double seconds, NSStream& awaited) {

@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
+#include <linux/netlink.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <string_view>
 
 #include "backends/posix/AccessoryNotices.h"
@@ -63,6 +65,37 @@ TEST_F(Notices, OfOtherDevicesDoNotShortenAWait) {
   const Stopwatch watch;
   EXPECT_FALSE(notices->await(20ms));
   EXPECT_GE(watch.seconds(), 0.02);
+}
+
+// Any user may send to these groups of sockets, and the machine may receive from them.
+int groupSocket(unsigned group) {
+  const int number =
+      ::socket(AF_NETLINK, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, NETLINK_USERSOCK);
+  sockaddr_nl address{};
+  address.nl_family = AF_NETLINK;
+  address.nl_groups = group;
+  const auto* const generic = reinterpret_cast<const sockaddr*>(&address);
+  return ::bind(number, generic, sizeof address) == 0 ? number : (::close(number), -1);
+}
+
+TEST(LostNotices, EndAWaitBecauseTheyMayHaveBeenOfPrinters) {
+  constexpr unsigned group = 1;
+  const int receiver = groupSocket(group);
+  if (receiver < 0) {
+    GTEST_SKIP() << "this user cannot receive from a group";
+  }
+  AccessoryNotices notices(receiver);
+  const int sender = groupSocket(0);
+  sockaddr_nl everyone{};
+  everyone.nl_family = AF_NETLINK;
+  everyone.nl_groups = group;
+  for (int i = 0; i < 100'000 && errno != ENOBUFS; ++i) {
+    ::sendto(sender, diskIsThere.data(), diskIsThere.size(), 0,
+             reinterpret_cast<const sockaddr*>(&everyone), sizeof everyone);
+  }
+  ::close(sender);
+  EXPECT_TRUE(notices.await(0s));
+  EXPECT_FALSE(notices.await(0s));
 }
 
 TEST(NoNotices, LetAWaitLastItsTime) {
