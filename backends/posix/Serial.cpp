@@ -10,6 +10,7 @@
 #include <sys/sysmacros.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <system_error>
 #include <utility>
@@ -73,8 +74,8 @@ termios2 rawSettings(const SerialSettings& wanted) {
 // Returns whether two speeds are close enough. A printer samples the middle of each bit, so it
 // loses a byte of ten bits if the speeds differ by 5 %.
 bool isCloseTo(unsigned baud, unsigned wanted) {
-  const double difference = static_cast<double>(baud) - wanted;
-  return difference < 0.03 * wanted && -difference < 0.03 * wanted;
+  const std::uint64_t difference = std::max(baud, wanted) - std::min(baud, wanted);
+  return 100 * difference / wanted < 3;
 }
 
 void configure(int number, const SerialSettings& wanted, const std::string& path) {

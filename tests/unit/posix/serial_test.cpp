@@ -174,17 +174,55 @@ TEST(Serial, TheLockIsReleasedAtTheClose) {
   EXPECT_EQ(failure(line.path()), "it opened");
 }
 
+/// A console of the machine, which hardly any program uses. It has one speed, 38400, and no flow
+/// control by wires.
+class Console {
+ public:
+  explicit Console(std::string path) : path_(std::move(path)), watcher_(watcherOf(path_)) {}
+
+  const std::string& path() const { return path_; }
+  bool isFree() const { return watcher_.number() >= 0 && !isInExclusiveMode(); }
+  bool isInExclusiveMode() const { return isExclusive(watcher_); }
+
+ private:
+  const std::string path_;
+  const Descriptor watcher_;
+};
+
 TEST(Serial, ATerminalOfTheMachineIsExclusiveUntilItIsClosed) {
-  const std::string console = "/dev/tty63";  // hardly any program uses this one
-  const Descriptor watcher = watcherOf(console);
-  if (watcher.number() < 0 || isExclusive(watcher)) {
-    GTEST_SKIP() << "this user cannot open " << console;
+  const Console console("/dev/tty63");
+  if (!console.isFree()) {
+    GTEST_SKIP() << "this user cannot open " << console.path();
   }
   {
-    const Descriptor first = openSerial(console, {.baud = 38400});  // the only speed of a console
-    EXPECT_TRUE(isExclusive(watcher));
+    const Descriptor first = openSerial(console.path(), {.baud = 38400});
+    EXPECT_TRUE(console.isInExclusiveMode());
   }
-  EXPECT_FALSE(isExclusive(watcher));
+  EXPECT_FALSE(console.isInExclusiveMode());
+}
+
+TEST(Serial, RefusesALineWhoseSpeedIsWrongByThreePercent) {
+  const Console console("/dev/tty62");
+  if (!console.isFree()) {
+    GTEST_SKIP() << "this user cannot open " << console.path();
+  }
+  for (const unsigned closeEnough : {37282U, 38400U, 39587U}) {
+    EXPECT_EQ(failure(console.path(), {.baud = closeEnough}), "it opened");
+  }
+  for (const unsigned tooFar : {9600U, 37281U, 39588U, 115200U, 4000000U}) {
+    EXPECT_EQ(failure(console.path(), {.baud = tooFar}),
+              console.path() + ": the line does not run at " + std::to_string(tooFar) +
+                  " baud: Invalid argument");
+  }
+}
+
+TEST(Serial, RefusesALineWithoutTheGivenFlowControl) {
+  const Console console("/dev/tty61");
+  if (!console.isFree()) {
+    GTEST_SKIP() << "this user cannot open " << console.path();
+  }
+  EXPECT_EQ(failure(console.path(), {.baud = 38400, .flow = Flow::RtsCts}),
+            console.path() + ": the line has no flow control by RTS and CTS: Invalid argument");
 }
 
 /// A process that holds the line, as another program would, until it is destroyed.
