@@ -125,7 +125,7 @@ std::size_t EscPosAnswers::takeProcessId() {
 }
 
 std::size_t EscPosAnswers::takeReport() {
-  for (std::size_t i = 0; i < bytes_.size(); ++i) {
+  for (std::size_t i = 1; i < bytes_.size(); ++i) {
     if (i != countPlace && bytes_[i] != reportForm[i]) {
       return odd;
     }

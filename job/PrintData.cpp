@@ -64,10 +64,12 @@ std::string obstructed(const Obstacle& obstacle, std::size_t position,
                   : "");
 }
 
-/// Every command begins with a control character. Most bytes of a job are text, which is skipped
+/// No command begins with a byte above this one. Most bytes of a job are text, which is skipped
 /// quickly.
+constexpr std::uint8_t highestFirstByte = 0x1d;
+
 bool isText(std::uint8_t byte) {
-  return byte >= 0x20;
+  return byte > highestFirstByte;
 }
 
 constexpr std::size_t mostLookedThrough = std::size_t{1} << 20U;
