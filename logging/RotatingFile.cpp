@@ -21,7 +21,7 @@ std::error_code lastError() noexcept {
 
 bool endsAmidLine(int descriptor, off_t size) noexcept {
   char last = '\n';
-  return size > 0 && ::pread(descriptor, &last, 1, size - 1) == 1 && last != '\n';
+  return size > 0 && ::pread(descriptor, &last, sizeof last, size - 1) == 1 && last != '\n';
 }
 
 }  // namespace

@@ -241,6 +241,17 @@ TEST_F(RotatingFileTest, LeavesNoHalfLineWhenTheDiskIsFull) {
   EXPECT_EQ(contents(), "first\nsecond\nfourth\n");
 }
 
+TEST_F(RotatingFileTest, WritesOnWhileTheProgramCanOpenNoFile) {
+  RotatingFile file(path_, {});
+  rlimit before{};
+  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+  const rlimit none{.rlim_cur = 0, .rlim_max = before.rlim_max};
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+  EXPECT_NO_THROW(put(file, {"one\n"}));
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
+  EXPECT_EQ(contents(), "one\n");
+}
+
 TEST_F(RotatingFileTest, GrowsAndReportsOnceThatItCannotBeRotated) {
   std::filesystem::create_directory(path_ + ".1");  // in the way
   RotatingFile file(path_, {.maximumBytes = 4, .keptFiles = 1});
