@@ -11,7 +11,7 @@ constexpr std::size_t longest = 100;
 // bytes and ends with a whole character.
 std::size_t wholeCharacters(std::string_view text) {
   std::size_t end = longest;
-  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xc0U) == 0x80U) {
+  while ((static_cast<unsigned char>(text[end]) & 0xc0U) == 0x80U) {
     --end;
   }
   return end;
@@ -35,7 +35,7 @@ std::string_view nameOf(Via via) {
 
 std::string shownText(std::string_view text) {
   std::string shown;
-  appendPrintable(shown, text.substr(0, 4 * longest));
+  appendPrintable(shown, text);
   if (shown.size() > longest) {
     shown.resize(wholeCharacters(shown));
     shown += "...";
