@@ -38,7 +38,7 @@ QuorCode quor_port_retrieve_dip_switch_information(QuorPort* port) {
   return run(&ExternalAccessoryPort::retrieveDipSwitchInformation, port, noDipSwitches);
 }
 
-QuorCode quor_port_retrieve_dip_switch_bank(QuorPort* port, uint8_t bank, uint8_t settings[2]) {
+QuorCode quor_port_retrieve_dip_switch_bank(QuorPort* port, uint8_t bank, uint8_t* settings) {
   return guarded([&] {
     given(settings, "the settings");
     const auto bytes = given(port).retrieveDipSwitchInformation(bank);

@@ -33,7 +33,7 @@ QuorCode quor_printer_firmware(QuorPort* port, char* text, size_t capacity, size
   });
 }
 
-QuorCode quor_printer_dip_switches(QuorPort* port, uint8_t settings[4]) {
+QuorCode quor_printer_dip_switches(QuorPort* port, uint8_t* settings) {
   return guarded([&] {
     given(settings, "the settings");
     for (const auto& bank : inquiry(port).dipSwitches()) {
