@@ -13,8 +13,7 @@ struct WriteOutcome {
   std::error_code error;
 };
 
-/// Writes all of `bytes` to the descriptor, and waits as long as this takes. The descriptor may be
-/// a non-blocking one.
+/// Writes all of `bytes` to the descriptor, which may be non-blocking. Waits without a time limit.
 WriteOutcome writeAll(int descriptor, std::string_view bytes) noexcept;
 
 }  // namespace quordalvane

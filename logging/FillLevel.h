@@ -6,8 +6,8 @@
 
 namespace quordalvane {
 
-/// The fill level of a queue, for which the thread that empties the queue waits. It has its own
-/// lock, so a thread that was just woken never holds the lock that the threads need which fill the
+/// The fill level of a queue. The thread that empties the queue waits until the level rises. The
+/// level has its own lock, so a thread that wakes up here does not block the threads that fill the
 /// queue. Any thread may call the functions.
 class FillLevel {
  public:
@@ -26,7 +26,7 @@ class FillLevel {
   /// Waits until the level is at least `level`.
   void await(Level level);
 
-  /// Does the same, but waits for at most `timeout`.
+  /// Works as the function above, but waits for at most `timeout`.
   void await(Level level, std::chrono::milliseconds timeout);
 
  private:

@@ -13,13 +13,13 @@ namespace quordalvane {
 /// appendJsonLine.
 class QUOR_EXPORT JsonFileSink : public LogSink {
  public:
-  /// Opens `path` as RotatingFile does. Throws std::system_error if it cannot be opened.
+  /// Opens `path` as RotatingFile does. Throws std::system_error if the file cannot be opened.
   explicit JsonFileSink(std::string path, LogRotation rotation = {})
       : file_(std::move(path), rotation) {}
 
   /// Throws std::system_error if writing fails, for example because the disk is full or the folder
-  /// was removed. The records that could not be written are lost; the next call tries again with
-  /// its own records.
+  /// was removed. The records that could not be written are lost. A later call tries to write its
+  /// own records.
   void write(std::span<const LogRecord> records) override;
 
  private:

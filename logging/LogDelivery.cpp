@@ -21,7 +21,7 @@ constexpr const char* memoryWasShort = "log records dropped here, memory was sho
 constexpr std::string_view sinkFailed = "logging: a sink failed, records are missing from it: ";
 
 void reportToStandardError(std::string_view reason) noexcept {
-  // If this fails, there is no way left to report it.
+  // A failure here is ignored, because nothing is left to which it could be reported.
   try {
     std::string line(sinkFailed);
     appendPrintable(line, reason);
@@ -33,8 +33,9 @@ void reportToStandardError(std::string_view reason) noexcept {
   }
 }
 
-/// Blocks all signals on the writer thread. So it handles no signal of the application, and a pipe
-/// without a reader is an error of one sink and does not end the process.
+/// Blocks all signals on the writer thread. So this thread never handles a signal of the
+/// application. A write to a pipe without a reader fails for one sink, and SIGPIPE does not end the
+/// process.
 void blockSignals() noexcept {
   sigset_t all;
   sigfillset(&all);
@@ -104,8 +105,8 @@ void LogDelivery::runWriter(LogQueue::Batch& batch) {
   }
 }
 
-/// Passes the batch to every sink, with reports of the records that are missing before and after
-/// it. Returns false if memory is short; no sink has received a record then.
+/// Passes the batch to every sink. Adds a report of the records that are missing before the batch,
+/// and one of those after it. Returns false if memory is short; then no sink has received a record.
 bool LogDelivery::deliver(LogQueue::Batch& batch) {
   try {
     const AttachedSinks sinks = attachedSinks();
@@ -137,7 +138,7 @@ void LogDelivery::noteUndelivered(const LogQueue::Batch& batch) noexcept {
   undelivered_.records += batch.records.size() + batch.dropped;
 }
 
-/// Returns the record that reports missing records, in their place.
+/// Returns a record that reports how many records are missing. It takes their place in the log.
 LogRecord LogDelivery::recordOf(const Missing& missing, const char* why) {
   return {.time = missing.since,
           .thread = currentThreadId(),

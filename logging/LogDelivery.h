@@ -16,35 +16,35 @@
 namespace quordalvane {
 
 /// Delivers records from any thread to the sinks. A writer thread, which starts with the first
-/// sink, calls the sinks. A child process created by fork has no such thread, so it delivers
+/// sink, calls the sinks. A child process created by fork has no writer thread and delivers
 /// nothing.
 ///
-/// Several threads may call its members at the same time; a sink may call them as well.
+/// Several threads may call the members at the same time, and so may a sink.
 class LogDelivery {
  public:
   LogDelivery() = default;
 
-  /// Passes the queued records to the sinks and ends the writer thread. Waits for a sink as long as
-  /// it takes. Meanwhile only sinks may still log, and their records are discarded.
+  /// Passes the queued records to the sinks and ends the writer thread. Waits for the sinks without
+  /// a time limit. During this wait only sinks may log, and their records are discarded.
   ~LogDelivery();
 
   LogDelivery(const LogDelivery&) = delete;
   LogDelivery& operator=(const LogDelivery&) = delete;
 
   /// Puts the record into the queue and returns without waiting for a sink. If the queue is full,
-  /// the record is dropped. A record of type Error, in the place of the dropped ones, then reports
-  /// how many they were. Records that could not be delivered because memory was short are reported
-  /// in the same way. Before the first sink is added, records are discarded.
+  /// the record is dropped; a record of type Error then takes the place of the dropped records and
+  /// reports their number. Records that cannot be delivered because memory is short are reported in
+  /// the same way. Before the first sink is added, records are discarded.
   void handOver(LogRecord&& record) noexcept { queue_.push(std::move(record)); }
 
-  /// Adds `sink`, which must not be null; its ownership is shared. The sink receives every record
-  /// from now on, and those that are still in the queue. Throws std::system_error if the writer
+  /// Adds `sink`, which must not be null; this object shares its ownership. The sink receives the
+  /// records that are in the queue now and all later ones. Throws std::system_error if the writer
   /// thread cannot be started, and std::bad_alloc if memory is short; nothing has changed then.
   void addSink(std::shared_ptr<LogSink> sink);
 
   /// Removes `sink`; has no effect if it was not added. Does not wait: records that are being
-  /// delivered at this moment may still reach the sink. Once a following `flush` has returned true,
-  /// the sink is not called again and its ownership is released.
+  /// delivered at this moment may still reach the sink. Call `flush` afterwards: after it has
+  /// returned true, the sink is not called again and this object has released it.
   void removeSink(const std::shared_ptr<LogSink>& sink);
 
   /// Sets how many records may wait for the sinks; initially 8,192. Records that are being
@@ -53,9 +53,9 @@ class LogDelivery {
   void setQueueCapacity(std::size_t records);
 
   /// Waits until the sinks have received every record queued so far, or until `timeout` has passed,
-  /// for example because a sink hangs. Returns true if they have received all of them. With a
-  /// time-out of zero it does not wait. If a sink calls it while records are left, it returns false
-  /// at once, because the sink would wait for itself.
+  /// for example because a sink hangs. Returns true if the sinks have received all these records.
+  /// With a time-out of zero it does not wait. If a sink calls `flush` while records are in the
+  /// queue, it returns false at once, because the sink would wait for itself.
   bool flush(std::chrono::milliseconds timeout);
 
   /// Returns how many records were handed over, and how many of them were dropped.
@@ -67,7 +67,7 @@ class LogDelivery {
     std::shared_ptr<LogSink> sink;
     bool failureReported = false;
   };
-  /// Counts records that were not delivered. `since` is the time of the first of them.
+  /// Counts records that were not delivered. `since` is the time of the first one.
   struct Missing {
     std::uint64_t records = 0;
     std::chrono::system_clock::time_point since;

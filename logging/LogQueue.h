@@ -17,8 +17,8 @@ namespace quordalvane {
 /// `lose`.
 class LogQueue {
  public:
-  /// The records that the writer takes at once, and the number of records that were dropped between
-  /// them and the next batch. Records are dropped only while others are queued.
+  /// The records that the writer takes together, and the number of records that were dropped after
+  /// them, before the next batch. Records are dropped only while others are queued.
   struct Batch {
     RecordBatch records;        ///< in the order in which they were pushed
     std::uint64_t dropped = 0;  ///< number of records dropped after the last of `records`
@@ -31,23 +31,23 @@ class LogQueue {
     std::uint64_t handedOver =
         0;  ///< number of records pushed, including those pushed while the queue was closed
     std::uint64_t dropped =
-        0;  ///< number of those that were dropped because the queue was full, or lost
+        0;  ///< number of these that were dropped because the queue was full, or lost
   };
 
   /// The initial and the maximum number of records that may wait. Memory for this number is
-  /// allocated in advance, and again for the writer; the maximum limits it to a few hundred
-  /// megabytes.
+  /// allocated in advance, once for the queue and once for the writer. The maximum number needs a
+  /// few hundred megabytes.
   /// @{
   static constexpr std::size_t defaultCapacity = 8192;
   static constexpr std::size_t maximumCapacity = 1048576;
   /// @}
 
-  /// The maximum total size in bytes of the waiting messages; above it the queue counts as full. A
-  /// few messages can reach it, because dumps of print data are long.
+  /// The maximum total size in bytes of the waiting messages. Above this size the queue counts as
+  /// full. A few messages can be enough for that, because dumps of print data are long.
   static constexpr std::size_t textLimit = std::size_t{64} << 20U;
 
-  /// How long `take` waits for more records after the first. One wake-up of the writer then serves
-  /// all of them; a wake-up costs more than many records.
+  /// How long `take` waits for more records after the first. The writer then wakes up once for all
+  /// these records, because a wake-up costs more than many records.
   static constexpr std::chrono::milliseconds usualGatherTime{1};
 
   /// Creates a closed queue. With a `gatherTime` of zero, `take` does not wait for more records
@@ -57,14 +57,14 @@ class LogQueue {
 
   /// Puts the record into the queue, or drops it if the queue is full. The value of `record` is
   /// unspecified afterwards. A full queue stays full until the writer takes its records, so all
-  /// records that are dropped meanwhile are missing at one place. A closed queue discards the
+  /// records that are dropped until then are missing at one place. A closed queue discards the
   /// record and does not count it as dropped, because no sink misses it.
   void push(LogRecord&& record) noexcept;
 
-  /// Sets how many records may wait; records that the writer has taken are not counted. If more are
-  /// queued already, they stay in the queue, and the queue is full. Throws std::invalid_argument if
-  /// `records` is 0 or more than the maximum, and std::bad_alloc if memory is short; nothing has
-  /// changed then.
+  /// Sets how many records may wait; records that the writer has taken are not counted. If more
+  /// records than that are in the queue, they stay in it, and the queue is full. Throws
+  /// std::invalid_argument if `records` is 0 or more than the maximum, and std::bad_alloc if memory
+  /// is short; nothing has changed then.
   void setCapacity(std::size_t records);
 
   /// The queue accepts records from `open` to `close`. It is initially closed, and allocates no
@@ -75,9 +75,9 @@ class LogQueue {
   void close() noexcept;
   /// @}
 
-  /// Waits for a record, then for more records for at most the gather time, and swaps all of them
-  /// with `batch`, which must be empty. It stops waiting for more once the queue is half full or
-  /// closed. Returns false at once if the queue is closed and empty.
+  /// Waits for a record, then for more records for at most the gather time, and swaps all queued
+  /// records with `batch`, which must be empty. The wait for more ends early if the queue is half
+  /// full or closed. Returns false at once if the queue is closed and empty.
   ///
   /// The queue then uses the memory of `batch`, which it enlarges to its capacity. If memory is
   /// short, the queue can hold only as many records as `batch` has room for. `batch` must have room
@@ -94,7 +94,7 @@ class LogQueue {
   /// `timeout`. With a time-out of zero it does not wait.
   bool waitUntilFinished(std::chrono::milliseconds timeout);
 
-  /// Returns both counts, taken at the same moment.
+  /// Returns the counts, all of the same moment.
   Counts counts() const;
 
  private:

@@ -14,10 +14,10 @@ class QUOR_EXPORT LogSink {
   virtual ~LogSink() = default;
 
   /// Writes the records in the given order, and returns when they have left this process. Only the
-  /// writer thread of the delivery calls it, never for two batches at once, and always with at
-  /// least one record. It may take as long as it needs and may itself log, because no thread that
-  /// logs waits for it. The caller owns the records; they are valid during the call. If it throws,
-  /// some of the records were not written. The delivery reports the first exception of a sink to
+  /// writer thread of the delivery calls `write`, with one batch at a time and at least one record.
+  /// `write` may take as long as it needs and may itself log, because no thread that logs waits for
+  /// it. The caller owns the records; they are valid during the call. An exception means that some
+  /// of the records were not written. The delivery reports the first exception of a sink to
   /// standard error and continues to call the sink.
   ///
   /// The texts are exactly those of the program and the printer. A sink that shows them to people

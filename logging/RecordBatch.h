@@ -8,9 +8,10 @@
 
 namespace quordalvane {
 
-/// Records that are passed to the sinks together. When records are cleared, the batch keeps their
-/// memory, and gives it to the callers that add the next ones. Otherwise each logging thread would
-/// allocate memory that the writer thread frees, which costs both of them several times as much.
+/// Records that are passed to the sinks together. Cleared records keep their memory, and the
+/// callers of `add` get this memory for their next records. Otherwise each logging thread would
+/// allocate memory and the writer thread would free it, which costs both threads several times as
+/// much.
 class RecordBatch {
  public:
   /// The records in the order in which they were added. The span is valid until the batch is
@@ -27,8 +28,7 @@ class RecordBatch {
   /// Returns how many records in total `add` can take without an allocation.
   std::size_t capacity() const noexcept { return slots_.capacity(); }
 
-  /// Adds the record by swapping: afterwards `record` holds a record that was cleared before, or an
-  /// empty one.
+  /// Adds the record by swapping: afterwards `record` is a cleared or empty record.
   void add(LogRecord& record);
 
   /// Removes all records but keeps their memory, except that of very long messages.

@@ -22,13 +22,13 @@ struct LogRotation {
 /// begun: FILE is renamed to FILE.1, FILE.1 to FILE.2, and so on up to the first free number. If no
 /// number is free, the oldest file is replaced. A line is never split between files; a line that is
 /// longer than the maximum gets a file of its own. Only a regular file is rotated. Only one thread
-/// may use the object, and only one process the file: two processes that rotate the same file lose
-/// lines.
+/// may use the object, and only one process may use the file: two processes that rotate the same
+/// file lose lines.
 class QUOR_EXPORT RotatingFile {
  public:
   /// Opens the file. A missing file is created; only its owner may read and write it. Programs that
   /// this process executes do not inherit the open file. If the file ends in the middle of a line,
-  /// a line feed is added first. Throws std::system_error if it cannot be opened.
+  /// a line feed is added first. Throws std::system_error if the file cannot be opened.
   RotatingFile(std::string path, LogRotation rotation);
   ~RotatingFile();
 
@@ -39,10 +39,10 @@ class QUOR_EXPORT RotatingFile {
   /// until 256 KiB have been collected. Throws the exceptions of `flush`.
   void append(std::string_view line);
 
-  /// Writes the lines that are in memory. If the file was moved or removed meanwhile, creates it
-  /// again. Throws std::system_error if this or the writing fails; the lines in memory are then
-  /// lost, and the file does not end in the middle of a line. If a rotation failed, it writes the
-  /// lines first and then throws; the file then grows beyond its maximum.
+  /// Writes the lines that are in memory. If somebody has moved or removed the file, creates it
+  /// again. Throws std::system_error if the file cannot be created or written; the lines in memory
+  /// are then lost, and the file does not end in the middle of a line. If a rotation failed,
+  /// `flush` first writes the lines and then throws; the file then grows beyond its maximum.
   void flush();
 
  private:
