@@ -25,9 +25,8 @@ int openOrMake(const std::filesystem::path& file, unsigned mode) {
   }
   const int made = ::open(file.c_str(), flags | O_CREAT, mode);
   if (made >= 0) {
-    ::fchmod(
-        made,
-        mode);  // sets the mode whatever the process's umask is; an existing file keeps its own
+    // A new file gets this mode even if the umask would remove some bits.
+    ::fchmod(made, mode);
   }
   return made;
 }

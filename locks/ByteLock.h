@@ -13,10 +13,11 @@ namespace quordalvane {
 
 /// A lock on one byte of a file. It is held while this object exists.
 ///
-/// The kernel releases the lock when the process ends in any way. It stores no process ID, which
-/// could later belong to another process. It excludes every other `ByteLock` on the same byte, in
-/// this process and in others. It has no effect on programs that do not try to take it. A forked
-/// child process shares the lock, and holds it until it ends or executes another program.
+/// The kernel releases the lock when the process ends, even if the process is killed. The lock
+/// stores no process ID, because another process could later have this ID. While the lock is held,
+/// no process can take another `ByteLock` on the same byte. Programs that do not try to take the
+/// lock are not affected. A forked child process shares the lock, and holds it until the child ends
+/// or executes another program.
 class QUOR_EXPORT ByteLock {
  public:
   /// Takes the lock on byte `offset` of `file`, without waiting. A missing file is created with the
@@ -25,13 +26,13 @@ class QUOR_EXPORT ByteLock {
   static std::optional<ByteLock> tryTake(const std::filesystem::path& file, std::int64_t offset,
                                          unsigned mode);
 
-  /// Does the same, but waits up to `limit` for the lock; if it has to wait, it calls `onWait`
-  /// once. Returns null if the time has passed. With a limit of zero it does not wait.
+  /// Works as `tryTake`, but waits up to `limit` for the lock, and calls `onWait` once if it has to
+  /// wait. Returns null if the lock is not free by then. With a limit of zero it does not wait.
   static std::optional<ByteLock> take(const std::filesystem::path& file, std::int64_t offset,
                                       unsigned mode, std::chrono::milliseconds limit,
                                       const std::function<void()>& onWait);
 
-  /// Returns whether the lock on byte `offset` of `file` is held, by this process or another.
+  /// Returns whether any process, this one included, holds the lock on byte `offset` of `file`.
   /// Returns false if the file does not exist. Throws `std::system_error` if the file cannot be
   /// opened or asked.
   static bool isTaken(const std::filesystem::path& file, std::int64_t offset);
@@ -46,8 +47,9 @@ class QUOR_EXPORT ByteLock {
   int descriptor_;  // -1 if the lock was moved to another object
 };
 
-/// Returns the offset, 1 to 2^62, of the byte for the lock of `name`. It is the same for the same
-/// name in every process. If two names have the same offset, they only wait for each other.
+/// Returns the offset, 1 to 2^62, of the byte for the lock of `name`. A name has the same offset in
+/// every process. Two names may share an offset; then a job of one name also waits for a job of the
+/// other.
 QUOR_EXPORT std::int64_t lockOffset(std::string_view name);
 
 }  // namespace quordalvane

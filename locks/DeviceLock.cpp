@@ -15,7 +15,8 @@ constexpr unsigned everyUser = 0666;
 constexpr unsigned thisUser = 0600;
 constexpr mode_t thisUsersFolder = 0700;
 
-// Returns whether every user may create files in this folder, and none may remove those of others.
+// Returns whether every user may create files in this folder, and no user may remove the files of
+// another.
 bool isShared(const std::filesystem::path& folder) {
   struct stat found = {};
   return ::stat(folder.c_str(), &found) == 0 && S_ISDIR(found.st_mode) &&
@@ -23,8 +24,8 @@ bool isShared(const std::filesystem::path& folder) {
          ::access(folder.c_str(), W_OK | X_OK) == 0;
 }
 
-// Returns this user's private folder. Throws if it belongs to another user, who could have created
-// it first to read the files in it.
+// Returns this user's private folder. Throws if the folder belongs to another user: that user may
+// have created it to read the files in it.
 std::filesystem::path privateFolder() {
   const char* const temporary = std::getenv("TMPDIR");
   std::filesystem::path folder =
