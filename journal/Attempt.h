@@ -17,7 +17,7 @@ struct Attempt {
   Fingerprint data = {};
   std::string device = {};                 ///< the text of the device
   std::int64_t begun = 0;                  ///< in milliseconds since 1970, UTC
-  std::optional<std::int64_t> ended = {};  ///< in the same unit; null until the outcome is known
+  std::optional<std::int64_t> ended = {};  ///< in the same unit; null before its end
   std::string outcome = {};                ///< the name of a `PrintOutcome`; "" until it is known
   std::uint64_t bytesAccepted = 0;         ///< as in `PrintResult`
   std::string reason = {};                 ///< as in `PrintResult`
@@ -28,8 +28,8 @@ struct Attempt {
   PrintObstacle obstacle =
       PrintObstacle::NoProof;  ///< as in `PrintResult`; valid once the attempt has ended
 
-  /// When a person was told that nobody knows whether the job is on paper, in milliseconds since
-  /// 1970, UTC; null if nobody was told.
+  /// The time at which a person was told that nobody knows whether the job is on paper, in
+  /// milliseconds since 1970, UTC; null if no person was told.
   std::optional<std::int64_t> told = {};
 };
 

@@ -13,8 +13,8 @@ struct sqlite3_stmt;
 
 namespace quordalvane {
 
-/// A prepared SQL statement, which the database keeps for the next one of the same text. Each call
-/// of `with` binds the next parameter.
+/// A prepared SQL statement. The database keeps it, and uses it again for the next statement of the
+/// same text. Each call of `with` binds the next parameter.
 class Statement {
  public:
   Statement& with(std::int64_t value);
@@ -55,7 +55,8 @@ class Database {
   void execute(const char* sql);
 
   /// Returns a statement of this text, which must outlive the database. Only one statement of a
-  /// text may exist at a time. Each text is prepared once: that costs more than to execute it.
+  /// text may exist at a time. Each text is prepared only once, because preparing a statement costs
+  /// more than executing it.
   Statement prepare(const char* sql);
 
   /// Executes `sql` and returns its result, which must be a number.
@@ -76,8 +77,8 @@ class Database {
   std::map<std::string_view, Prepared> prepared_;  // destroyed before the connection
 };
 
-/// While a Snapshot exists, every read sees the database as it was at one moment, even if others
-/// write meanwhile.
+/// While a Snapshot exists, every read sees the database as it was at one moment, even if other
+/// processes write to it.
 class Snapshot {
  public:
   explicit Snapshot(Database& database) : database_(database) { database_.execute("BEGIN"); }
@@ -89,8 +90,8 @@ class Snapshot {
   Database& database_;
 };
 
-/// Makes either all of its changes or none of them: the destructor reverts them unless `commit` has
-/// returned.
+/// Makes either all changes between its creation and `commit`, or none: the destructor reverts them
+/// unless `commit` has returned.
 class Transaction {
  public:
   /// Begins the transaction. Waits for other writers, at most ten seconds.
@@ -101,7 +102,7 @@ class Transaction {
   Transaction(const Transaction&) = delete;
   Transaction& operator=(const Transaction&) = delete;
 
-  /// Makes the changes permanent. They are on disk when it returns.
+  /// Makes the changes permanent. They are on disk when `commit` returns.
   void commit();
 
  private:

@@ -27,7 +27,7 @@ std::string reasonOf(const Attempt& attempt);
 ProofKind proofOf(const Attempt& attempt);
 
 /// Returns the record of the job with these attempts. `isBeingPrinted` says whether the process of
-/// the last one is still printing it.
+/// the last attempt is still printing the job.
 JobRecord recordOf(const std::vector<Attempt>& attempts, bool isBeingPrinted);
 
 /// Returns the current time in milliseconds since 1970, UTC.

@@ -20,7 +20,8 @@ namespace {
 
 constexpr auto longestOpening = std::chrono::seconds(10);
 
-// A process that asks for a job, or forgets it, has its name for a moment.
+// A process that only looks a job up, or removes it, holds the lock on its name no longer than
+// this.
 constexpr auto longestMoment = std::chrono::seconds(2);
 
 ByteLock takenForOpening(const std::filesystem::path& file) {
@@ -41,7 +42,7 @@ std::unique_ptr<Database> opened(const std::filesystem::path& file) {
     auto database = std::make_unique<Database>(file);
     bringUpToDate(*database);
     database->execute("PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL");
-    const Snapshot snapshot(*database);  // others may print and write meanwhile
+    const Snapshot snapshot(*database);  // other processes may print and write during the check
     checkSeal(*database);
     return database;
   } catch (const std::system_error& error) {
@@ -81,9 +82,9 @@ std::vector<JobRecord> Journal::jobs() {
   return records;
 }
 
-// A process may end its job after its rows were read and before its lock is checked. So the rows
-// are read again until they do not change any more. A process that has the name of a printed job
-// does not print it.
+// A process may end a job after the rows of the job were read and before its lock is checked. So
+// the rows are read again until two readings are equal. A printed job counts as printed even if a
+// process holds its lock, because no process prints it again.
 JobRecord Journal::jobOf(std::vector<Attempt> attempts) {
   while (!attempts.back().ended && !isBeingPrinted(attempts.back().name)) {
     auto later = attemptsOf(attempts.back().name);
@@ -114,7 +115,8 @@ std::size_t Journal::forgetOlderThan(std::uint32_t days) {
   }));
 }
 
-/// Forgets a job unless its last attempt is newer, which may have begun a moment ago.
+/// Removes the job if its last attempt began before `moment`. This is checked here, under the lock,
+/// because another attempt may have begun since the caller looked.
 Forgetting Journal::forgetIfBegunBefore(std::int64_t moment, const std::string& name) {
   const auto lock = withLocksOf(file_, [&](const auto& locks) {
     return ByteLock::take(locks, lockOffset(name), modeOfLocks, longestMoment, {});
@@ -138,8 +140,9 @@ std::vector<Attempt> Journal::attemptsOf(std::string_view name) {
   return rowsOf(*database_, name);
 }
 
-/// Writes a row in the place of the one of the same name and of this number, if there is one. That
-/// row is read again: since its caller read it, somebody else may have noted something in it.
+/// Writes a row. It replaces the row of the same name with the number `replaced`, if there is one.
+/// The old row is read again here, because another process may have changed it since the caller
+/// read it.
 void Journal::write(const Attempt& attempt, std::int64_t replaced) {
   Transaction transaction(*database_);
   for (const Attempt& row : rowsOf(*database_, attempt.name)) {

@@ -28,15 +28,15 @@ enum class JobState {
 /// One job of a journal, after its latest attempt.
 struct JobRecord {
   std::string name;
-  std::string device;         ///< the device text of the printer that it was meant for
+  std::string device;         ///< the device text of the job's printer
   std::uint64_t bytes = 0;    ///< the length of the job's data
   std::int64_t attempts = 0;  ///< the number of attempts so far
   std::int64_t begun = 0;  ///< when the latest attempt began, in milliseconds since 1970, UTC, by
                            ///< the clock at that time
   std::optional<std::int64_t>
-      ended;  ///< when it ended, in the same unit; null if the end was not recorded
+      ended;  ///< when that attempt ended, in the same unit; null if the end was not recorded
   JobState state = JobState::Refused;
-  std::string reason;  ///< the reason why it was not printed, for a person; "" if it was printed
+  std::string reason;  ///< why the job was not printed, for a person; "" if it was printed
 };
 
 /// The result of removing a job from the journal.
@@ -75,8 +75,8 @@ class QUOR_EXPORT Journal {
   /// Returns all jobs, ordered by name.
   std::vector<JobRecord> jobs();
 
-  /// Removes a job. If a job is run under this name later, it is printed, even if it is on paper
-  /// already. Waits at most two seconds for another process that has the name.
+  /// Removes a job. A later job with this name counts as new and is printed, even if the removed
+  /// job is on paper already. Waits at most two seconds for another process that has the name.
   Forgetting forget(const std::string& name);
 
   /// Removes the jobs whose last attempt began more than `days` days ago, whatever their outcome

@@ -51,8 +51,8 @@ class Descriptor {
   const int number_;
 };
 
-// If a file's name is not on disk when the power fails, the name is lost, with all data of the
-// file.
+// Writes the names in the folder to disk. Without this, a power failure could remove the name of a
+// new file, and with it all data of the file.
 void syncFolder(const std::filesystem::path& folder, const std::filesystem::path& file) {
   const Descriptor opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (opened.number() < 0 || ::fsync(opened.number()) != 0) {

@@ -23,8 +23,8 @@ std::filesystem::path preparedPath(const std::filesystem::path& file);
 
 /// Creates an empty journal that only this user may read and write. The file gets its name only
 /// when it is complete and on disk. So an empty or incomplete file is a damaged journal, never a
-/// new one. The caller must ensure that no other process creates it at the same time. Throws
-/// `JournalError` if it cannot be created.
+/// new one. The caller must ensure that no other process creates the file at the same time. Throws
+/// `JournalError` if the file cannot be created.
 void makeJournal(const std::filesystem::path& file);
 
 /// The lock file of a journal. One of its bytes is the lock for opening the journal; others are the

@@ -28,8 +28,8 @@ PrintResult unconfirmed(const Attempt& attempt, const std::string& reason) {
   result.obstacle = attempt.obstacle;
   result.proof = proofOf(attempt);
   result.bytesTotal = attempt.data.bytes;
-  // It is unknown how many bytes an attempt without a recorded end has sent; it may have sent all
-  // of them.
+  // If the end of an attempt was not recorded, nobody knows how many bytes it sent. It may have
+  // sent all bytes.
   result.bytesAccepted = attempt.ended ? attempt.bytesAccepted : attempt.data.bytes;
   result.reason = reason;
   result.advice = adviceFor(result);
@@ -104,8 +104,7 @@ std::optional<NamedJobResult> NamedJob::answerOf(const std::vector<Attempt>& att
   return std::nullopt;
 }
 
-/// Answers Unconfirmed rather than Refused, because the other process may have the job on paper a
-/// moment later.
+/// Answers Unconfirmed and not Refused, because the other process may print the job a moment later.
 NamedJobResult NamedJob::beingPrinted(const std::vector<Attempt>& attempts) const {
   const auto millis = static_cast<std::uint32_t>(request_.timeout.count());
   return {.result = unconfirmed(*attempt_,
@@ -127,8 +126,8 @@ PrintJob::Options NamedJob::recorded(PrintJob::Options options) {
   return options;
 }
 
-/// Runs in the middle of a checked block. If recording fails, it cancels the job and throws
-/// nothing, because an exception would leave the printer inside the block.
+/// Runs in the middle of a checked block. If the record cannot be written, this function cancels
+/// the job and does not throw, because an exception would leave the printer inside the block.
 void NamedJob::recordBegin() {
   if (failure_) {
     return;

@@ -21,19 +21,19 @@ struct NamedJobRequest {
   std::string name;    ///< 1 to 255 bytes of UTF-8 without control characters
   std::string device;  ///< the device text; only recorded, for people who read the journal
 
-  /// If true, the job is printed again if nobody knows whether it is on paper. Set it after a
-  /// person has looked at the printer.
+  /// True: print the job again although nobody knows whether it is on paper. Set this only after a
+  /// person has looked at the paper.
   bool again = false;
 
-  /// If true, only the name identifies the job, and its data may differ from call to call, for
-  /// example because the program that creates the data writes the time into it.
+  /// True: only the name identifies the job. The data may differ from call to call, for example
+  /// because it contains the time.
   bool isNameEnough = false;
 
   /// How long to wait for another process that is printing the job. Zero means not to wait.
   std::chrono::milliseconds timeout = std::chrono::seconds(10);
 
-  /// Called once, on the thread of the constructor, if it has to wait for another process that is
-  /// printing the job. May be empty.
+  /// The constructor of `NamedJob` calls this function once, on its own thread, if it has to wait
+  /// for another process that is printing the job. May be empty.
   std::function<void()> onWait = {};
 };
 
@@ -42,10 +42,11 @@ struct NamedJobResult {
   PrintResult result;  ///< the result of the attempt that decides the job's state
   std::int64_t attempt =
       0;  ///< the number of that attempt, 1 for the first; 0 if there was no attempt
-  bool isRepeated = false;  ///< true if an earlier call printed the job; this one sent nothing
+  bool isRepeated = false;  ///< true if an earlier call printed the job; this call sent nothing
 
-  /// Only in an answer without printing: when that attempt began, and when a person was told that
-  /// the outcome is unknown (see `NamedJob::tell`). Both are in milliseconds since 1970, UTC.
+  /// Two times, in milliseconds since 1970, UTC: when that attempt began, and when a person was
+  /// told that the outcome is unknown (see `NamedJob::tell`). They are set only if the journal gave
+  /// the answer and nothing was sent.
   /// @{
   std::int64_t begun = 0;
   std::optional<std::int64_t> told = {};
@@ -57,8 +58,8 @@ struct NamedJobResult {
   std::string notRecorded = {};
 };
 
-/// A named job. It is printed only once; if its outcome is unknown, it is not printed again before
-/// a person was asked.
+/// A named job. It is printed only once. If its outcome is unknown, it is printed again only when
+/// the caller sets `again`, after a person has looked at the paper.
 ///
 ///     Journal journal(Journal::defaultFile());
 ///     NamedJob named(journal, {.name = "receipt 4711", .device = device}, data);
@@ -68,18 +69,18 @@ struct NamedJobResult {
 ///     }
 ///
 /// The beginning is recorded on disk before the first byte of the job is sent, and the outcome
-/// before it is returned. If the process ends between the two, nobody knows whether the job is on
-/// paper; the job is not sent again unless `again` is set.
+/// before `run` returns it. If the process ends between these records, nobody knows whether the job
+/// is on paper.
 ///
-/// While a NamedJob exists, no other one can have the same name in the same journal, in any
-/// process. The kernel frees the name when the process ends in any way. The journal and the data
-/// must outlive this object.
+/// While a NamedJob exists, no process can create another one with the same name in the same
+/// journal. The kernel frees the name when the process ends, even if it is killed. The journal and
+/// the data must outlive this object.
 class QUOR_EXPORT NamedJob {
  public:
-  /// Claims the name; waits for another process that has it up to the time-out in `request`. Throws
-  /// `std::invalid_argument`, with a message for people, if the name is invalid or the journal
-  /// knows it with other data (length or SHA-256). Throws `JournalError` if the journal cannot be
-  /// read or locked. Nothing is sent or recorded here.
+  /// Claims the name. If another process has the name, waits for it, up to the time-out in
+  /// `request`. Throws `std::invalid_argument`, with a message for people, if the name is invalid
+  /// or the journal has a job of this name with other data (length or SHA-256). Throws
+  /// `JournalError` if the journal cannot be read or locked. Nothing is sent or recorded here.
   NamedJob(Journal& journal, NamedJobRequest request, std::span<const std::uint8_t> data);
 
   ~NamedJob();
@@ -97,14 +98,14 @@ class QUOR_EXPORT NamedJob {
   ///   reason says so.
   const std::optional<NamedJobResult>& answer() const { return answer_; }
 
-  /// Returns `options` with a progress function that also records the beginning of the job. The
-  /// `PrintJob` that is passed to `run` must have these options.
+  /// Returns `options` with a progress function that also records the beginning of the job. Use the
+  /// returned options for the `PrintJob` that is passed to `run`.
   PrintJob::Options recorded(PrintJob::Options options = {});
 
   /// Runs `job`, which must have the options that `recorded` returned, and records its outcome. May
   /// be called once, if `answer` is null. Throws `JournalError` if the beginning of the job could
-  /// not be recorded; nothing of the job was sent then, and the port is closed. Exceptions of
-  /// `PrintJob::run` pass through.
+  /// not be recorded; then nothing of the job was sent, and `run` has closed the port. Exceptions
+  /// of `PrintJob::run` pass through.
   NamedJobResult run(PrintJob& job);
 
   /// Records that a person is being told now that nobody knows whether the job is on paper. Later

@@ -7,8 +7,8 @@ namespace quordalvane {
 /// Returns the version of the tables that this library writes.
 std::int64_t schemaVersion();
 
-/// Creates the tables in an empty database that no other process uses. When it returns, they are in
-/// this one file, on disk. Throws `JournalError` if this fails.
+/// Creates the tables in an empty database that no other process uses. When the function returns,
+/// all tables are on disk, in this one file. Throws `JournalError` if this fails.
 void makeTables(Database& database);
 
 /// Converts the tables of an older version, with all their rows. Throws `JournalError`, and changes
