@@ -26,8 +26,8 @@ struct Discovery {
 
 /// Finds the devices that could be printers: USB printers, paired Bluetooth printers, printers that
 /// announce themselves on the network, and serial lines, in this order. Opens none of them and
-/// sends nothing to any of them. It takes two seconds, because it listens to the network for so
-/// long; the search for Bluetooth printers has the same limit.
+/// sends nothing to any of them. It takes two seconds, because it listens to the network for that
+/// time; the search for Bluetooth printers has the same limit.
 ///
 ///     for (const FoundDevice& found : discoverDevices().devices) {
 ///       std::cout << found.device << " is " << found.name << "\n";

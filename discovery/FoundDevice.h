@@ -12,8 +12,8 @@ enum class Via { Usb, Bluetooth, Network, Serial };
 /// Returns "usb", "bluetooth", "network" or "serial".
 std::string_view nameOf(Via via);
 
-/// A device that could be a printer. The texts are those that the device gives of itself, so they
-/// may be wrong. They are short, valid UTF-8 and have no control characters.
+/// A device that could be a printer. The device itself supplies the texts, so they may be wrong.
+/// They are short, valid UTF-8 and have no control characters.
 struct FoundDevice {
   std::string device;        ///< the device text, as `parseDeviceSpec` takes it
   std::string name;          ///< its name, or a description if it has no name; never empty
@@ -21,7 +21,7 @@ struct FoundDevice {
   std::string maker;         ///< "" if it is not known
   std::string model;         ///< "" if it is not known
   Via via;
-  std::optional<bool> reachable;  ///< null if only opening a session would show it
+  std::optional<bool> reachable;  ///< null if this is unknown before a session is opened
 };
 
 /// Makes a text from outside fit for a `FoundDevice`: escapes control characters, and cuts it after

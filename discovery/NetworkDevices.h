@@ -8,9 +8,10 @@
 namespace quordalvane {
 
 /// Returns the printers that announce a raw port on the local network, ordered by name. It asks the
-/// system's discovery service and listens for all of `limit`. A printer that answered in that time
-/// is reachable; one that the service only remembers may not be. It never connects to an address or
-/// a port. Throws a `std::exception` whose text says why the service could not be asked.
+/// system's discovery service and listens for all of `limit`. `reachable` is true for a printer
+/// that answered in this time, and null for one that the service only remembers. The function never
+/// connects to an address or a port. Throws a `std::exception` whose text says why the service
+/// could not be asked.
 std::vector<FoundDevice> networkDevices(std::chrono::milliseconds limit);
 
 }  // namespace quordalvane

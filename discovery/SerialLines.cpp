@@ -10,12 +10,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// In the system's folders, the folder of a USB device is at most this many levels above that of its
-// serial line; the folders of an interface and a port are between them.
+// In the system's folders, the folder of a USB device is at most this many levels above the folder
+// of its serial line. The folders of an interface and a port are between these two.
 constexpr int highest = 4;
 
-// Consoles and pseudo-terminals have no hardware. The driver of classic serial ports also creates
-// lines for ports that do not exist.
+// Returns whether the line has hardware. Consoles and pseudo-terminals have none. The driver of
+// classic serial ports also creates lines for ports that do not exist.
 bool hasHardware(const fs::path& entry) {
   constexpr auto noHardware = "0";
   std::error_code error;
@@ -35,8 +35,8 @@ fs::path usbDeviceOf(const fs::path& entry) {
   return {};
 }
 
-// Returns the link to `node` that remains the same if the device is plugged in at another place;
-// `node` itself if there is no such link.
+// Returns the link to `node` whose name does not change when the device is plugged in at another
+// place; returns `node` itself if there is no such link.
 fs::path lastingNameOf(const fs::path& node, const SerialRoots& roots) {
   std::vector<fs::path> links = posix::entriesOf(roots.dev / "serial/by-id");
   std::sort(links.begin(), links.end());

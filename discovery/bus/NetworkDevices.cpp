@@ -129,8 +129,8 @@ class Search {
         });
   }
 
-  // Notes a printer. It is announced once for each interface and kind of address; the shortest
-  // address is kept.
+  // Adds a printer to the result. A printer is announced once for each interface and kind of
+  // address; only its shortest address is kept.
   void note(const std::string& name, const std::string& place, const Texts& texts, bool isHeard) {
     if (place.empty() || place.ends_with(":0")) {
       return;
