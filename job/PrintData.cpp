@@ -89,6 +89,27 @@ bool isSilentSymbol(ByteView command) {
          command[function] != 0x52;
 }
 
+/// Commands, besides the in-order request, whose answers contain bytes of the form of an in-order
+/// status.
+const std::initializer_list<std::uint8_t> similarlyAnswered[] = {
+    {0x1b, 0x06}, {0x1b, 0x23}, {0x1b, 0x75}, {0x1b, 0x76}, {0x1d, 0x28, 0x45}, {0x1d, 0x49},
+};
+
+/// Returns true for a command that asks about stored graphics.
+bool isGraphicsQuestion(ByteView command) {
+  constexpr std::uint8_t questions[] = {0x00, 0x03, 0x04, 0x30, 0x33, 0x34, 0x40, 0x50};
+  constexpr std::size_t function = 6;
+  return startsWith(command, {0x1d, 0x28, 0x4c}) && command.size() > function &&
+         std::ranges::find(questions, command[function]) != std::end(questions);
+}
+
+bool isSimilarlyAnswered(ByteView command) {
+  return isGraphicsQuestion(command) ||
+         (startsWith(command, {0x1d, 0x28, 0x6b}) && !isSilentSymbol(command)) ||
+         std::any_of(std::begin(similarlyAnswered), std::end(similarlyAnswered),
+                     [&](const auto& prefix) { return startsWith(command, prefix); });
+}
+
 bool mayBeAnswered(ByteView command) {
   return !isSilentSymbol(command) &&
          std::any_of(std::begin(answeredCommands), std::end(answeredCommands),
@@ -186,13 +207,14 @@ std::optional<std::uint64_t> inOrderRequestsIn(ByteView data) {
   for (std::size_t next = 0; next < data.size();) {
     const ByteView rest = data.subspan(next);
     const auto command = printCommandAt(rest);
-    // The answer to this command contains bytes that look like in-order answers.
-    if (startsWith(rest, {0x1d, 0x49})) {
+    if (isSimilarlyAnswered(rest)) {
       return std::nullopt;
     }
     if (!command) {
       // Other commands may begin inside an unknown one.
-      const bool mayHoldAnother = std::find(rest.begin() + 1, rest.end(), 0x1d) != rest.end();
+      const bool mayHoldAnother = std::any_of(rest.begin() + 1, rest.end(), [](std::uint8_t byte) {
+        return byte == 0x1b || byte == 0x1d;
+      });
       return mayHoldAnother ? std::nullopt : std::optional(count);
     }
     count += startsWith(rest, {0x1d, 0x72}) ? 1U : 0U;

@@ -13,6 +13,8 @@ using test::Dice;
 constexpr std::initializer_list<std::uint8_t> idQuestion = {0x1d, 0x28, 0x48, 0x06, 0x00, 0x30,
                                                             0x30, 'A',  'B',  'C',  'D'};
 constexpr std::initializer_list<std::uint8_t> inOrderQuestion = {0x1d, 0x72, 0x01};
+// A job that asks it is not confirmed in order: the answer looks like that of an in-order question.
+constexpr std::initializer_list<std::uint8_t> paperQuestion = {0x1b, 0x76};
 
 /// A line of letters that no other has.
 ByteBuffer line(Dice& dice) {
@@ -36,13 +38,14 @@ ByteBuffer image(Dice& dice) {
   return command;
 }
 
-Receipt receipt(Dice& dice) {
+Receipt receipt(Dice& dice, bool isHonest) {
   Receipt made;
   for (std::uint64_t i = dice.between(1, 6); i > 0; --i) {
     made.parts.push_back(dice.oneIn(5) ? image(dice) : line(dice));
     made.data.insert(made.data.end(), made.parts.back().begin(), made.parts.back().end());
     if (dice.oneIn(20)) {
-      const auto question = dice.among({idQuestion, inOrderQuestion});
+      const auto question = isHonest ? dice.among({idQuestion, inOrderQuestion})
+                                     : dice.among({idQuestion, inOrderQuestion, paperQuestion});
       made.data.insert(made.data.end(), question.begin(), question.end());
     }
   }
@@ -136,7 +139,7 @@ ProofCase makeProofCase(std::uint64_t seed) {
     }
   }
   for (std::uint64_t i = dice.between(1, 2); i > 0; --i) {
-    made.receipts.push_back(receipt(dice));
+    made.receipts.push_back(receipt(dice, made.isHonest));
   }
   return made;
 }

@@ -5,6 +5,8 @@
 
 #include <vector>
 
+#include "tests/support/Bytes.h"
+
 namespace quordalvane {
 namespace {
 
@@ -259,10 +261,15 @@ TEST(InOrderRequests, AreCountedOutsideOfPayloadAndParameters) {
   }
 }
 
-TEST(InOrderRequests, CannotBeCountedAfterAnUnknownCommandOrAQuestionForAName) {
-  for (const Bytes& data : {Bytes{0x1b, 0xff, 'a', 0x1d, 0x72, 0x01}, Bytes{0x1c, 0x1d, 0x72, 0x01},
-                            Bytes{0x1d, 0x49, 0x41}}) {
-    EXPECT_EQ(inOrderRequestsIn(data), std::nullopt) << testing::PrintToString(data);
+TEST(InOrderRequests, CannotBeCountedAfterAnUnknownCommandOrAQuestionWithASimilarAnswer) {
+  for (const char* const data :
+       {"1b ff 61 1d 72 01", "1b ff 61 1b 76", "1c 1d 72 01", "1d 49 41", "1b 76", "1b 75 00",
+        "1b 06 01", "1b 23 2a 0a 00", "1d 28 45 02 00 04 01", "1d 28 4c 02 00 30 00",
+        "1d 28 4c 04 00 30 50 4b 43", "1d 28 6b 03 00 31 52 30"}) {
+    EXPECT_EQ(inOrderRequestsIn(test::bytes(data)), std::nullopt) << data;
+  }
+  for (const char* const silent : {"1d 28 4c 02 00 30 32", "1d 28 6b 03 00 31 51 30", "1d 61 00"}) {
+    EXPECT_EQ(inOrderRequestsIn(test::bytes(silent)), 0U) << silent;
   }
   EXPECT_EQ(inOrderRequestsIn(Bytes{0x1d, 0xff, 'a'}), 0U) << "nothing after it begins a request";
 }

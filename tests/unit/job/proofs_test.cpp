@@ -267,6 +267,20 @@ TEST(InOrderSign, CannotBeFakedByAStrayByteWhileThePrinterPrints) {
   }
 }
 
+TEST(InOrderSign, CannotBeFakedByAnswersToOtherQuestionsInTheData) {
+  for (const char* const question : {"1b 76", "1b 75 00", "1b 06 01", "1d 28 45 02 00 04 01",
+                                     "1d 28 4c 02 00 30 33", "1d 28 6b 03 00 31 52 30"}) {
+    Till till = tillWith(printerWith("in-order").speed(10));
+    ByteBuffer data = test::bytes(std::string(question) + " " + question + " " + question);
+    data.insert(data.end(), receiptText.begin(), receiptText.end());
+    const PrintResult result = PrintJob(till.port, {.proof = ProofKind::InOrder}).run(data);
+    const ByteBuffer paper = till.printed();
+    EXPECT_TRUE(result.outcome != PrintOutcome::Printed ||
+                !std::ranges::search(paper, receiptText).empty())
+        << question;
+  }
+}
+
 TEST(InOrderSign, CannotBeFakedByLateAnswersToAnEarlierJob) {
   Till till = tillWith(printerWith("in-order").speed(10));
   till.port->setEndCheckedBlockTimeoutMillis(1000);
