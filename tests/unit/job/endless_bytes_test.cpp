@@ -1,14 +1,17 @@
-// Printers, or other devices, that never stop sending.
+// Printers, or other devices, that never stop sending, and links on which the port never stops
+// repeating a command.
 
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "job/PrintJob.h"
 #include "job/PrinterInquiry.h"
 #include "tests/support/ScriptedWorld.h"
+#include "tests/unit/job/Till.h"
 
 namespace quordalvane {
 namespace {
@@ -16,6 +19,7 @@ namespace {
 using test::bytes;
 using test::Script;
 
+constexpr const char* signInEscPos = "1b 1d 03 01 00 00 02 00";
 constexpr const char* patterns[] = {
     "00",
     "11 13",
@@ -28,26 +32,48 @@ constexpr const char* patterns[] = {
     "48",
     "89 01 00 00 00 00 00 00 05",
     "89 01 00 00 00 00 02 00 05",
-    "1b 1d 03 01 00 00 02 00",
+    signInEscPos,
 };
 
-/// Sends a byte of the pattern every 30 ms, for longer than any operation may take.
-Script chatter(const char* pattern) {
+/// A byte of the pattern every 30 ms, for longer than any operation may take.
+test::Reply chatter(const char* pattern) {
   const test::Bytes all = bytes(pattern);
-  Script script;
+  test::Reply pieces;
   for (std::size_t i = 0; i < 4000; ++i) {
-    script.delivers({all[i % all.size()]}, 0.03 * static_cast<double>(i));
+    pieces.push_back({{all[i % all.size()]}, 0.03 * static_cast<double>(i)});
   }
+  return pieces;
+}
+
+Script chatterer(const char* pattern) {
+  Script script;
+  script.deliveries = chatter(pattern);
   return script;
+}
+
+/// A printer that answers as it should until it receives the data, and then never stops sending.
+Script chattererAfter(const test::Bytes& data, const char* pattern) {
+  Script script;
+  const char* const notCounted = "89 01 00 00 00 00 00 00 05";
+  const char* const counted = "89 01 00 00 00 00 01 00 05";
+  for (const char* const status : {notCounted, notCounted, notCounted, counted}) {
+    script.whenAsked(bytes("1b 06 01"), {{bytes(status), 0.0}});
+  }
+  for (const char* const query : {"10 04 01", "10 04 02", "10 04 04"}) {
+    script.wheneverAsked(bytes(query), {{bytes("12"), 0.0}});
+  }
+  script.whenAsked(bytes("1b 1d 03 01 00 00"), {{bytes("1b 1d 03 01 00 00 01 00"), 0.0}});
+  return script.whenAsked(data, chatter(pattern));
 }
 
 class EndlessBytes : public testing::TestWithParam<std::tuple<const char*, ZKEmulation>> {
  protected:
   /// How long `operation` takes on a port with a time-out of 2 s.
   static std::chrono::nanoseconds timeOf(
-      const std::function<void(const std::shared_ptr<ExternalAccessoryPort>&)>& operation) {
-    const auto& [pattern, emulation] = GetParam();
-    test::ScriptedWorld world(chatter(pattern));
+      const std::function<void(const std::shared_ptr<ExternalAccessoryPort>&)>& operation,
+      const Script& script = chatterer(std::get<0>(GetParam()))) {
+    const ZKEmulation emulation = std::get<1>(GetParam());
+    test::ScriptedWorld world(script);
     const auto port =
         ExternalAccessoryPort::initWithPortName("BT:", "", 2000, emulation, world.platform());
     EXPECT_TRUE(port->open());
@@ -73,6 +99,20 @@ TEST_P(EndlessBytes, EndAJobInTimeAndConfirmNothing) {
     EXPECT_EQ(result.outcome == PrintOutcome::Refused, result.bytesAccepted == 0) << nameOf(proof);
     EXPECT_NE(result.reason, "") << nameOf(proof);
   }
+}
+
+// Only the bytes of the printer's sign confirm the job.
+TEST_P(EndlessBytes, AfterTheDataEndAJobInTime) {
+  const test::Bytes data = test::ascii("receipt\n");
+  PrintResult result;
+  const auto time = timeOf(
+      [&](const auto& port) { result = PrintJob(port, {.proof = ProofKind::Block}).run(data); },
+      chattererAfter(data, std::get<0>(GetParam())));
+  EXPECT_LT(time, std::chrono::seconds(25));
+  const auto& [pattern, emulation] = GetParam();
+  const bool isSign = emulation == ZKEmulationESCPOS && std::string_view(pattern) == signInEscPos;
+  EXPECT_EQ(result.outcome, isSign ? PrintOutcome::Printed : PrintOutcome::Unconfirmed);
+  EXPECT_EQ(result.bytesAccepted, data.size());
 }
 
 // Each byte could be an answer to the first job's question, which the second one hears out.
@@ -119,6 +159,19 @@ TEST_P(EndlessBytes, EndEveryQuestionInTime) {
     });
     EXPECT_LT(time, std::chrono::seconds(22)) << "question " << (&question - questions);
   }
+}
+
+// After the link has taken a part of a command, the port repeats the rest without a pause.
+TEST(EndlessWrites, OfThePortEndAJobInTime) {
+  Till till(ZKEmulationQuorLine);
+  simulator::Faults full = with("no-space", "4:120");
+  full.add("no-space", "6:600000");
+  till.reopenWith(full);
+  const auto start = till.platform->clock().monotonic();
+  const PrintResult result = till.print(receiptText);
+  EXPECT_LT(till.platform->clock().monotonic() - start, std::chrono::seconds(16));
+  EXPECT_EQ(result.outcome, PrintOutcome::Refused);
+  EXPECT_EQ(result.reason, "the exchange with the printer did not end in time");
 }
 
 }  // namespace

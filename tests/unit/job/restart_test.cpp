@@ -29,11 +29,12 @@ void switchOffAndOn(Till& till) {
 TEST_P(Restart, DuringTheDataLeavesTheJobUnconfirmed) {
   Till till(PrinterBuilder().speed(500).buffer(1000), {.emulation = GetParam()});
   bool isDone = false;
-  PrintJob job(till.port, {.progress = [&](const PrintProgress& progress) {
-                 if (progress.bytesAccepted > 1200 && !std::exchange(isDone, true)) {
-                   switchOffAndOn(till);
-                 }
-               }});
+  PrintJob job(till.port,
+               {.proof = ProofKind::Block, .progress = [&](const PrintProgress& progress) {
+                  if (progress.bytesAccepted > 1200 && !std::exchange(isDone, true)) {
+                    switchOffAndOn(till);
+                  }
+                }});
   const PrintResult result = job.run(ByteBuffer(3000, 'x'));
   ASSERT_TRUE(isDone);
   EXPECT_LT(till.printed().size(), 3000U);
@@ -42,11 +43,12 @@ TEST_P(Restart, DuringTheDataLeavesTheJobUnconfirmed) {
 
 TEST_P(Restart, BetweenTheDataAndItsEndLeavesTheJobUnconfirmed) {
   Till till(PrinterBuilder().speed(10), {.emulation = GetParam()});
-  PrintJob job(till.port, {.progress = [&](const PrintProgress& progress) {
-                 if (progress.stage == PrintStage::End) {
-                   switchOffAndOn(till);
-                 }
-               }});
+  PrintJob job(till.port,
+               {.proof = ProofKind::Block, .progress = [&](const PrintProgress& progress) {
+                  if (progress.stage == PrintStage::End) {
+                    switchOffAndOn(till);
+                  }
+                }});
   const PrintResult result = job.run(receiptText);
   EXPECT_LT(till.printed().size(), receiptText.size());
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
