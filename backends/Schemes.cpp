@@ -1,6 +1,7 @@
 #include "backends/Schemes.h"
 
 #include <algorithm>
+#include <iterator>
 #include <vector>
 
 #include "backends/posix/Schemes.h"
@@ -10,10 +11,11 @@ namespace quordalvane {
 namespace {
 
 std::vector<const Scheme*>& table() {
-  static std::vector<const Scheme*> schemes = {
-      &virtuals::virtualScheme, &posix::tcpScheme, &posix::unixScheme,
-      &posix::serialScheme,     &posix::usbScheme,
-  };
+  static std::vector<const Scheme*> schemes = [] {
+    std::vector<const Scheme*> all = {&virtuals::virtualScheme};
+    all.insert(all.end(), std::begin(posix::schemes), std::end(posix::schemes));
+    return all;
+  }();
   return schemes;
 }
 
