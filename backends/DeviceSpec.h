@@ -15,24 +15,17 @@ namespace quordalvane {
 
 /// Describes how to reach one device, and the texts of its accessory.
 ///
-/// It is written as a device text, `SCHEME:PLACE[,key=value...]`:
-///
-/// | text | device |
-/// |---|---|
-/// | `virtual:`, `virtual:NAME` or `virtual:KEY=VALUE` | the virtual printer |
-/// | `tcp:HOST:PORT` | a printer on the network; an IPv6 address in brackets, `tcp:[::1]:9100` |
-/// | `unix:PATH` | a local socket |
-/// | `serial:PATH` | a serial line |
-/// | `usb:`, `usb:SERIAL`, `usb:VID:PID` or `usb:/dev/usb/lpN` | a printer at the USB driver |
-/// | `bluetooth:`, `bluetooth:ADDRESS` or `bluetooth:NAME` | a paired printer, with its library |
+/// It is written as a device text, `SCHEME:PLACE[,key=value...]`, for example
+/// `tcp:192.0.2.10:9100`, `usb:` or `virtual:,coverOpen=true`. The section DEVICES of the manual
+/// page `quorport(1)` lists the schemes, their places and the keys of their own; `quorport --help`
+/// shows them in short. `addScheme` adds further schemes.
 ///
 /// The scheme may be left out in two cases. `HOST` means `tcp:HOST:9100`. A path below `/dev` whose
 /// name shows the kind of device means a device of that kind: `/dev/ttyUSB0` means
 /// `serial:/dev/ttyUSB0`, and `/dev/usb/lp0` means `usb:/dev/usb/lp0`.
 ///
 /// Every scheme takes `name`, `serial`, `model`, `manufacturer`, `protocol`, `address`, `id` and
-/// `proof`. `serial:` also takes `baud`, `bits`, `parity`, `stop` and `flow`; `virtual:` takes the
-/// printer's own keys. Only `protocol` and the printer's own keys may be given more than once. An
+/// `proof`. Only `protocol` and the virtual printer's own keys may be given more than once. An
 /// empty value is allowed. `address` takes six pairs of hex digits joined by colons; `proof` takes
 /// the name of a proof, as `nameOf` returns it.
 ///
