@@ -9,14 +9,14 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// A port asks for the texts of an accessory one after the other, so one answer of the service is
-// used for this long.
+// How long one answer of the service is used. A port asks for the texts of an accessory one by one,
+// and the service is not asked again for each text.
 constexpr auto lookInterval = 1s;
 constexpr auto lookTimeout = 3s;
 
 }  // namespace
 
-/// An answer of the service: the printer, or the reason why it cannot be chosen.
+/// An answer of the service: the printer, or the reason why no printer can be chosen.
 struct BluetoothAccessory::Look {
   SteadyTime at;
   std::optional<KnownDevice> printer;

@@ -12,11 +12,12 @@
 namespace quordalvane::bluez {
 
 /// A printer that is paired with this machine. While it is not paired, it announces no protocol, so
-/// ports ignore it. Its name and address come from the Bluetooth service, unless `identity`
-/// contains them. The service is asked only when the accessory is asked, and at most once a second.
+/// ports ignore it. The name and the address are those of the Bluetooth service, unless `identity`
+/// contains them. The accessory asks the service only when somebody calls the accessory, and at
+/// most once a second.
 ///
-/// The accessory's manufacturer is always that of `identity`, whichever maker built the printer: a
-/// port chooses only accessories of one maker, and a user who names this device wants to use it.
+/// The accessory's manufacturer is always the one in `identity`, whoever made the printer: a port
+/// chooses only accessories of one maker, and a user who names this device wants to use it.
 class BluetoothAccessory : public posix::LinkAccessory {
  public:
   /// `place` selects the printer, as described at `choosePrinter`.
@@ -25,10 +26,11 @@ class BluetoothAccessory : public posix::LinkAccessory {
   std::optional<std::string> name() override;
   std::vector<std::string> protocolStrings() override;
 
-  /// Returns the description, with the address that the service has for the printer.
+  /// Returns the description, with the printer's address as the service reports it.
   std::string description() override;
 
-  /// Also returns the reason if the printer cannot be chosen now.
+  /// Returns the reason of the base class; if there is none, the reason why the printer cannot be
+  /// chosen now.
   std::string lastError() override;
   std::error_code lastErrorCode() override;
 

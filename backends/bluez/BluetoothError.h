@@ -28,7 +28,7 @@ enum class BluetoothError {
 /// `std::errc::device_or_resource_busy`.
 const std::error_category& bluetoothCategory();
 
-/// Throws a `std::system_error` with the code `error`. Its message is for people and begins with
+/// Throws a `std::system_error` with the code `error` and a message for people that begins with
 /// `text`.
 [[noreturn]] void fail(BluetoothError error, const std::string& text);
 

@@ -72,7 +72,8 @@ void checkPlace(const std::string& place) {
 
 std::shared_ptr<EAAccessory> make(const DeviceSpec& spec, AccessoryIdentity identity,
                                   Clock& /*clock*/) {
-  // A name that equals the place is only the default, and the printer's own name is better.
+  // The default of the name is the place. The printer's own name is better, so the default is
+  // removed.
   if (identity.name == spec.place) {
     identity.name = std::nullopt;
   }
@@ -88,7 +89,7 @@ std::vector<std::string> places() {
       addresses.push_back(printer.address);
     }
   } catch (const std::system_error&) {
-    // The accessory of the empty place will report the reason.
+    // The error is ignored here: the accessory for the empty place will report the reason.
   }
   return addresses;
 }

@@ -4,10 +4,10 @@
 
 namespace quordalvane {
 
-/// Adds the scheme of printers that are paired with this machine, so that device texts may be
-/// `bluetooth:`, `bluetooth:ADDRESS` and `bluetooth:NAME`. A program calls it before it parses a
-/// device text and before it starts a thread; a second call has no effect. The Bluetooth service is
-/// not asked, and no thread is started, before such a device is named.
+/// Adds the scheme of printers that are paired with this machine. Device texts may then be
+/// `bluetooth:`, `bluetooth:ADDRESS` or `bluetooth:NAME`. Call this function before the program
+/// parses a device text or starts a thread; a second call has no effect. The function does not ask
+/// the Bluetooth service and starts no thread.
 QUOR_EXPORT void addBluetoothScheme();
 
 }  // namespace quordalvane

@@ -17,8 +17,8 @@ using namespace std::chrono_literals;
 
 constexpr auto noReply = "org.freedesktop.DBus.Error.NoReply";
 
-// The result of an attempt to connect. It carries an error as text, so that no exception passes
-// from one thread to another.
+// The result of an attempt to connect. An error is stored as text, so that no exception passes from
+// one thread to another.
 struct Attempt {
   std::unique_ptr<sdbus::IConnection> connection;
   std::string error;
@@ -43,8 +43,8 @@ int millisecondsUntil(SteadyTime deadline) {
 
 }  // namespace
 
-// Connects on another thread: a bus that accepts the connection but does not answer blocks its
-// caller for a minute and a half.
+// Connects on another thread, because a bus that accepts the connection but does not answer blocks
+// the connecting thread for a minute and a half.
 Bus::Bus(SteadyTime deadline) {
   std::packaged_task<Attempt()> task(connectToBus);
   auto attempt = task.get_future();
@@ -57,7 +57,7 @@ Bus::Bus(SteadyTime deadline) {
     fail(BluetoothError::NoBus, made.error);
   }
   connection_ = std::move(made.connection);
-  // This limit is for the few calls that the library makes by itself.
+  // The limit for the few calls that the library makes by itself.
   connection_->setMethodCallTimeout(2s);
 }
 

@@ -26,8 +26,8 @@ struct Method {
 class Bus {
  public:
   /// Connects to the bus. Throws a `std::system_error` with `BluetoothError::NoBus` if there is no
-  /// bus, or if it has not accepted the connection by `deadline`. In the latter case the attempt
-  /// ends later by itself.
+  /// bus, or if it has not accepted the connection by `deadline`. An attempt that was too slow ends
+  /// later by itself.
   explicit Bus(SteadyTime deadline);
 
   sdbus::IConnection& connection() { return *connection_; }
@@ -46,8 +46,9 @@ class Bus {
     return answerTo(message, *proxy, deadline);
   }
 
-  /// Handles messages of the bus until `isDone` returns true. Returns false if it does not by
-  /// `deadline`. Throws a `std::system_error` with `BluetoothError::NoBus` if the bus has ended.
+  /// Handles messages of the bus until `isDone` returns true. Returns false if `isDone` has not
+  /// returned true by `deadline`. Throws a `std::system_error` with `BluetoothError::NoBus` if the
+  /// bus has ended.
   bool handleUntil(SteadyTime deadline, const std::function<bool()>& isDone);
 
   /// Handles messages of the bus until `isDone` returns true, or until the descriptor `watched`

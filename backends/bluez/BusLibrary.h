@@ -13,12 +13,12 @@
 /// file define the same names, and no other file depends on the version.
 namespace quordalvane::bluez {
 
-/// Receives a message that matches a rule.
+/// A function that receives each message that matches a rule.
 using MessageHandler = std::function<void(sdbus::Message&)>;
 
 #if QUOR_SDBUS_VERSION == 1
 
-// In version 1 every name is a plain text.
+// Version 1 has no types for names: every name is a plain text.
 using ServiceName = std::string;
 using InterfaceName = std::string;
 using MemberName = std::string;
@@ -27,13 +27,13 @@ using ErrorName = std::string;
 /// The error in an answer; null if the answer is not an error.
 using ReplyError = const sdbus::Error*;
 
-/// Receives the answer to a call.
+/// A function that receives the answer to a call.
 using ReplyHandler = std::function<void(sdbus::MethodReply&, const ReplyError&)>;
 
-/// A method or a property of an object.
+/// A function that adds one method or property to an object.
 using Served = std::function<void(sdbus::IObject&, const std::string& interface)>;
 
-/// Returns a method whose calls `function` answers.
+/// Returns a method that calls `function`.
 template <typename Function>
 Served method(const std::string& name, Function function) {
   return [=](sdbus::IObject& object, const std::string& interface) {
@@ -41,7 +41,7 @@ Served method(const std::string& name, Function function) {
   };
 }
 
-/// Returns a property whose value `getter` returns.
+/// Returns a property with the value that `getter` returns.
 template <typename Getter>
 Served property(const std::string& name, Getter getter) {
   return [=](sdbus::IObject& object, const std::string& interface) {
@@ -64,8 +64,8 @@ inline std::string callerOf(const sdbus::IObject& object) {
   return object.getCurrentlyProcessedMessage()->getSender();
 }
 
-/// Sends the call. Later, while messages are handled, `take` receives the answer, unless the call
-/// was cancelled.
+/// Sends the call. `take` receives the answer later, while messages are handled, unless the call is
+/// cancelled before.
 inline sdbus::PendingAsyncCall send(sdbus::IProxy& proxy, const sdbus::MethodCall& message,
                                     ReplyHandler take, std::chrono::seconds timeout) {
   return proxy.callMethod(message, std::move(take), timeout);

@@ -43,7 +43,8 @@ class ServiceWatch {
   sdbus::Slot match_;
 };
 
-/// The watch over a connection: the bus on which it was made, and the event that ends it.
+/// The objects of the thread that watches a connection: the bus over which the connection was made,
+/// and the watch for the end of the service.
 struct Care {
   explicit Care(SteadyTime deadline) : bus(deadline), watch(bus) {}
 
@@ -51,8 +52,9 @@ struct Care {
   ServiceWatch watch;
 };
 
-// Returns a copy of the descriptor by which the connection can be ended. The copy does not keep the
-// connection open, because the owner's descriptor shuts it down before it is closed.
+// Returns a copy of the descriptor, by which another thread can end the connection. The copy does
+// not keep the connection open: the owner's descriptor shuts the connection down before it is
+// closed.
 Descriptor handleOn(Descriptor& connection) {
   connection.setBeforeClose(shutDown);
   const int copy = ::fcntl(connection.number(), F_DUPFD_CLOEXEC, 0);
@@ -68,7 +70,7 @@ void lookAfter(std::unique_ptr<Care> care, Descriptor connection) {
   try {
     care->bus.handleWhileOpen(connection.number(), [&] { return care->watch.hasLeft(); });
   } catch (const std::system_error&) {
-    // The bus has ended, and so the service cannot be reached any more.
+    // The bus has ended, so the service cannot be reached any more.
   }
   connection.shutdown();
 }

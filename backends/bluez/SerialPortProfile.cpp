@@ -53,14 +53,15 @@ SerialPortProfile::~SerialPortProfile() {
   try {
     bus_.call(SteadyClock::now() + 1s, ofManager("UnregisterProfile"), sdbus::ObjectPath(ownPath));
   } catch (const std::exception&) {
-    // The service has ended, or removes the profile when this program leaves the bus.
+    // The error is ignored: either the service has ended, or it removes the profile when this
+    // program leaves the bus.
   }
 }
 
 posix::Descriptor SerialPortProfile::connect(const KnownDevice& printer, SteadyTime deadline) {
   awaited_ = printer.path;
   callConnect(printer, deadline);
-  // The service may pass the connection before or after it answers.
+  // The service may pass the connection either before or after it answers the call.
   const bool isThere = bus_.handleUntil(deadline, [this] { return taken_.has_value(); });
   awaited_.clear();
   if (!isThere) {
@@ -72,8 +73,8 @@ posix::Descriptor SerialPortProfile::connect(const KnownDevice& printer, SteadyT
 
 void SerialPortProfile::serve() {
   object_ = sdbus::createObject(bus_.connection(), sdbus::ObjectPath(ownPath));
-  // Nothing to do in the others: the link itself ends when the service disconnects the printer or
-  // stops.
+  // The other methods do nothing: when the service disconnects the printer or stops, the link ends
+  // by itself.
   serveOn(
       *object_, profileInterface,
       {method("NewConnection", [this](const sdbus::ObjectPath& device, const sdbus::UnixFd& file,

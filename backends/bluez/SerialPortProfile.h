@@ -10,24 +10,24 @@
 
 namespace quordalvane::bluez {
 
-/// Registers the serial port profile with the Bluetooth service while it exists. Only one program
-/// of the machine can register it at a time, so it is kept only while connecting, not for a whole
-/// session.
+/// While this object exists, the serial port profile is registered with the Bluetooth service. Only
+/// one program of the machine at a time can register the profile. So a program keeps this object
+/// only while it connects, not for a whole session.
 class SerialPortProfile {
  public:
   /// Registers the profile on `bus`, which must outlive this object. If another program has
-  /// registered it, tries again until `deadline`. Throws a `std::system_error` with a code of
-  /// `bluetoothCategory()` if it fails.
+  /// registered the profile, tries again until `deadline`. Throws a `std::system_error` with a code
+  /// of `bluetoothCategory()` if all attempts fail.
   SerialPortProfile(Bus& bus, SteadyTime deadline);
 
-  /// Unregisters the profile. If the service does not answer within a second, it will remove the
-  /// profile by itself when this program leaves the bus.
+  /// Unregisters the profile, and waits one second for the answer. A service that does not answer
+  /// removes the profile when this program leaves the bus.
   ~SerialPortProfile();
   SerialPortProfile(const SerialPortProfile&) = delete;
   SerialPortProfile& operator=(const SerialPortProfile&) = delete;
 
   /// Connects to `printer` and returns the connection. Throws a `std::system_error` with a code of
-  /// `bluetoothCategory()` if it fails; the code is `NotAuthorized` if `deadline` passes.
+  /// `bluetoothCategory()` on failure; the code is `NotAuthorized` if `deadline` passes.
   posix::Descriptor connect(const KnownDevice& printer, SteadyTime deadline);
 
  private:

@@ -40,9 +40,9 @@ bool areSameInAnyCase(std::string_view one, std::string_view other) {
                     [](char a, char b) { return inUpperCase(a) == inUpperCase(b); });
 }
 
-// Returns whether a device with this class may be a printer: an imaging device with the bit for
-// printers. Many receipt printers report no class, so a device without a class may be a printer as
-// well.
+// Returns whether a device with this class may be a printer. Printers are imaging devices with the
+// bit for printers. Many receipt printers report no class, so a device without a class may also be
+// a printer.
 bool mayBePrinterByClass(std::uint32_t deviceClass) {
   constexpr std::uint32_t imaging = 0x06;
   constexpr std::uint32_t printer = 0x80;
@@ -107,7 +107,7 @@ std::vector<KnownDevice> fittingDevices(const Knowledge& knowledge, std::string_
   std::vector<KnownDevice> fitting;
   std::copy_if(knowledge.devices.begin(), knowledge.devices.end(), std::back_inserter(fitting),
                [place](const KnownDevice& device) { return fits(device, place); });
-  // A device that is only in range must not hide a paired device of the same name.
+  // A device that is in range but not paired must not hide a paired device of the same name.
   if (std::any_of(fitting.begin(), fitting.end(), [](const auto& one) { return one.isPaired; })) {
     std::erase_if(fitting, [](const auto& one) { return !one.isPaired; });
   }
@@ -150,9 +150,9 @@ constexpr std::array meanings = {
     Meaning{"org.bluez.Error.AuthenticationTimeout", BluetoothError::NotAuthorized},
 };
 
-// The service uses the same error name for most failures of a connection. Only the text shows which
-// failure it was: it contains the words of the system or, in later versions, a word of the service
-// itself.
+// The service uses the same error name for most failures of a connection. Only the error's text
+// distinguishes these failures: it contains the system's own message or, in later versions of the
+// service, a keyword of the service.
 constexpr std::array words = {
     Meaning{"Host is down", BluetoothError::HostDown},
     Meaning{"No route to host", BluetoothError::HostDown},
@@ -161,7 +161,7 @@ constexpr std::array words = {
     Meaning{"connection-timeout", BluetoothError::HostDown},
     Meaning{"resource busy", BluetoothError::InUse},
     Meaning{"connection-busy", BluetoothError::InUse},
-    // The system cannot open a second connection to one channel.
+    // The system refuses a second connection to the same channel.
     Meaning{"create-socket", BluetoothError::InUse},
     Meaning{"already-connected", BluetoothError::InUse},
     Meaning{"refused", BluetoothError::Rejected},

@@ -19,7 +19,7 @@ inline constexpr auto serialPort = "00001101-0000-1000-8000-00805f9b34fb";
 struct KnownDevice {
   std::string path;     ///< the path of its object on the bus
   std::string address;  ///< "01:23:45:67:89:AB"
-  std::string name;     ///< the name that the user gave it, or its own; may contain any characters
+  std::string name;     ///< the name that the user gave, or the device's own; any characters
   bool isPaired = false;
   bool hasSerialPort = false;
   bool mayBePrinter =
@@ -34,8 +34,8 @@ struct Knowledge {
   std::vector<KnownDevice> devices;  ///< ordered by address
 };
 
-/// Asks the service for everything that it knows. Throws a `std::system_error` with a code of
-/// `bluetoothCategory()` if it does not answer by `deadline`.
+/// Asks the service for all its adapters and devices. Throws a `std::system_error` with a code of
+/// `bluetoothCategory()` if the service does not answer by `deadline`.
 Knowledge askService(Bus& bus, SteadyTime deadline);
 
 /// Returns the devices that are paired, offer a serial port, and have a class that a printer may
@@ -43,12 +43,12 @@ Knowledge askService(Bus& bus, SteadyTime deadline);
 std::vector<KnownDevice> pairedPrinters(const Knowledge& knowledge);
 
 /// Returns the one paired printer that `place` selects. `place` is an address in upper or lower
-/// case, a name, or "" for the only printer. Throws a `std::system_error` that says why if there is
-/// not exactly one.
+/// case, a name, or "" for the only printer. If there is not exactly one such printer, throws a
+/// `std::system_error` that says why.
 KnownDevice choosePrinter(const Knowledge& knowledge, std::string_view place);
 
-/// Translates an error of the bus or of the service to a `std::system_error` and throws it. The
-/// message contains the service's own words.
+/// Throws a `std::system_error` for an error of the bus or of the service. The message contains the
+/// text of that error.
 [[noreturn]] void failAs(const sdbus::Error& error, const std::string& about);
 
 }  // namespace quordalvane::bluez
