@@ -22,7 +22,7 @@ class HandheldSession final : public EASession {
       output_->close();
       input_->close();
     } catch (const FrameworkError&) {
-      // The session is released in any case.
+      // The error is ignored: the session is released in any case.
     }
   }
 
@@ -68,8 +68,8 @@ class HandheldAccessory final : public EAAccessory {
     });
   }
 
-  // The service reports the end of a link at once, but bytes that arrived before must still be
-  // readable.
+  // The service reports the end of a link at once. The accessory still counts as connected until
+  // the bytes that arrived before the end are read.
   bool isConnected() override {
     const bool stands = ask([this] { return [accessory_.get() isConnected] == YES; });
     const std::lock_guard lock(mutex_);

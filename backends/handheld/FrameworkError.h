@@ -11,9 +11,9 @@ class FrameworkError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// Throws a `FrameworkError` with `text`, unless the text is empty. It is compiled as C++, so that
-/// the exception is thrown outside the Objective-C handlers of the caller, which have ended by
-/// then.
+/// Throws a `FrameworkError` with `text`, unless the text is empty. This function is compiled as
+/// C++. The caller's Objective-C handlers have ended before the call, so the exception does not
+/// pass through them.
 void throwIfRaised(const std::string& text);
 
 }  // namespace quordalvane::handheld

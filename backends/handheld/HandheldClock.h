@@ -4,7 +4,7 @@
 
 namespace quordalvane::handheld {
 
-/// Uses the clocks and sleeps that all systems of this family have.
+/// The clock of the handheld platform. It calls POSIX functions for time and sleep.
 class HandheldClock final : public Clock {
  public:
   TimeValue gettimeofday() override;

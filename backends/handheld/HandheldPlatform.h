@@ -17,7 +17,7 @@ namespace quordalvane::handheld {
 ///     auto port = ExternalAccessoryPort::initWithPortName("BT:", "", 10000, ZKEmulationESCPOS);
 class HandheldPlatform final : public Platform {
  public:
-  /// Does not call the frameworks yet.
+  /// Creates the platform without any call to the frameworks.
   HandheldPlatform();
 
   EAAccessoryManager& sharedAccessoryManager() override { return *accessories_; }
@@ -28,8 +28,9 @@ class HandheldPlatform final : public Platform {
   /// time, even if the loop has nothing to do.
   NSRunLoop& currentRunLoop() override;
 
-  /// Returns a thread of the framework. Its run loop has its own source, so that it waits when
-  /// there is nothing to do, and accepts routines until the body has ended.
+  /// Returns a thread of the framework, which accepts routines until its body has ended. The
+  /// thread's run loop has a source of its own, without which the loop would return at once when it
+  /// has nothing to do.
   std::shared_ptr<NSThread> makeThread(std::function<void()> body) override;
 
   bool isMainThread() override;

@@ -9,8 +9,8 @@
 
 #include "backends/handheld/FrameworkError.h"
 
-// For Objective-C++ only. The C++ objects of this folder use it to own and to call objects of the
-// frameworks.
+// For Objective-C++ only. With this header the C++ objects of this folder own and call objects of
+// the frameworks.
 
 #if __has_feature(objc_arc)
 #error \
@@ -65,9 +65,9 @@ inline NSString* stringOf(const std::string& text) {
   return [NSString stringWithUTF8String:text.c_str()];
 }
 
-/// Runs `question`, which calls a framework, in its own autorelease pool and returns its answer.
-/// Throws a `FrameworkError` if the framework raises an exception. So no exception of one language
-/// passes through code of the other.
+/// Runs `question`, which calls a framework, in an autorelease pool of its own, and returns the
+/// answer of `question`. If the framework raises an exception, `ask` throws a `FrameworkError`. So
+/// no exception of one language passes through code of the other.
 template <typename Question>
 auto ask(Question question) {
   using Answer = std::invoke_result_t<Question>;

@@ -5,8 +5,8 @@
 
 namespace quordalvane::handheld {
 
-/// A routine of the port that a framework calls. It is compiled as C++, so that no exception of the
-/// routine reaches the framework.
+/// A routine of the port that a framework calls. This class is compiled as C++, so that no
+/// exception of the routine reaches the framework.
 class Routine {
  public:
   explicit Routine(std::function<void()> body) : body_(std::move(body)) {}

@@ -14,7 +14,7 @@ void sleepUntil(NSDate* date) {
   std::this_thread::sleep_for(std::chrono::duration<double>(std::max(left, 0.0)));
 }
 
-/// Stands for the framework's loop of the calling thread. The object has no state.
+/// Forwards each call to the framework's loop of the calling thread. The object has no state.
 class HandheldRunLoop final : public NSRunLoop {
  public:
   void runUntilDate(double seconds) override {

@@ -7,9 +7,9 @@
 
 namespace quordalvane::handheld {
 
-/// Counts the events of a stream. The framework delivers them on the loop on which the stream is
-/// scheduled, and this class lets another thread wait for the next one. Any thread may call the
-/// functions.
+/// Counts the events of a stream. The framework delivers the events on the loop on which the stream
+/// is scheduled. With this class another thread can wait for the next event. Any thread may call
+/// the functions.
 class StreamEvents {
  public:
   /// Counts an event and wakes waiting threads. The framework calls it.

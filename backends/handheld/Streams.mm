@@ -59,12 +59,13 @@ class HandheldStream : public Interface {
           [stream_.get() removeFromRunLoop:loop_.get() forMode:mode_.get()];
         }
       } @catch (NSException*) {
-        // The stream is released in any case.
+        // The error is ignored: the stream is released in any case.
       }
     }
   }
 
-  // An object of this folder receives the events: a port does not use them, but a wait needs them.
+  // The port's delegate is ignored, because a port does not use the events. `QuorStreamDelegate`
+  // receives them for the waits.
   void setDelegate(std::weak_ptr<const void> delegate) override {
     const bool isCleared = delegate.expired();
     ask([this, isCleared] { [stream_.get() setDelegate:isCleared ? nil : delegate_.get()]; });
@@ -149,8 +150,8 @@ class HandheldStream : public Interface {
   const std::shared_ptr<StreamEvents> events_ = std::make_shared<StreamEvents>();
   const Retained<QuorStreamDelegate> delegate_ =
       Retained<QuorStreamDelegate>::adopting([[QuorStreamDelegate alloc] init]);
-  Retained<::NSRunLoop> loop_;  // the loop on which it is scheduled, or nil
-  Retained<NSString> mode_;     // the mode in which it is scheduled
+  Retained<::NSRunLoop> loop_;  // the loop on which the stream is scheduled, or nil
+  Retained<NSString> mode_;     // the mode in which the stream is scheduled
 };
 
 class HandheldInputStream final : public HandheldStream<NSInputStream, ::NSInputStream> {

@@ -54,14 +54,15 @@ struct Body {
 
 - (void)live {
   @autoreleasepool {
-    // Without a source the loop would not wait, and routines that are passed to it would never run.
+    // Without a source the loop would return at once and never run the routines that other threads
+    // pass to it.
     NSPort* const source = [NSPort port];
     NSRunLoop* const loop = [NSRunLoop currentRunLoop];
     [loop addPort:source forMode:NSDefaultRunLoopMode];
     body->life->enter(Life::Stage::Turning);
     body->routine.run();
     body->life->enter(Life::Stage::Ended);
-    // Runs the routines that were accepted before.
+    // Runs the routines that were accepted before the body ended.
     [loop runUntilDate:[NSDate date]];
     [loop removePort:source forMode:NSDefaultRunLoopMode];
   }
@@ -102,7 +103,7 @@ class HandheldThread final : public NSThread {
 
   bool start() override {
     const bool isStarted = begin();
-    body_ = Retained<QuorThreadBody>();  // the thread owns it now, and releases it at its end
+    body_ = Retained<QuorThreadBody>();  // the thread now owns the body, and releases it at its end
     if (isStarted) {
       life_->awaitStart();
     }
@@ -141,8 +142,8 @@ class HandheldThread final : public NSThread {
     }
   }
 
-  /// If the thread ends before it has run the routine, the framework throws; `carried` then shows
-  /// that the routine has not run.
+  /// The framework throws if the thread ends before it has run the routine. The exception is
+  /// ignored, because `carried` shows that the routine has not run.
   static void carry(Routine& carried, ::NSThread* thread) {
     @autoreleasepool {
       const auto carrier =
