@@ -14,8 +14,9 @@
 namespace quordalvane::posix {
 namespace {
 
-// Returns which senders to listen to. udev repeats the notice of the kernel after it has set the
-// group and the permissions of the device file. Before that an ordinary user cannot open the file.
+// Returns the sender of notices to listen to: udev if it runs, otherwise the kernel. udev repeats
+// each notice of the kernel after it has set the group and the permissions of the device file;
+// before that an ordinary user cannot open the file.
 unsigned senders() {
   constexpr unsigned kernel = 1;
   constexpr unsigned udev = 2;
@@ -66,8 +67,8 @@ bool AccessoryNotices::await(std::chrono::milliseconds time) {
   return isThere;
 }
 
-// Takes all notices that have arrived. Returns true if one was about a printer, or if the system
-// has dropped some because there were too many.
+// Takes all notices that have arrived. Returns true if a notice was about a printer, or if the
+// system has dropped notices because there were too many.
 bool AccessoryNotices::take() {
   std::array<char, 8192> notice;
   bool isThere = false;

@@ -6,8 +6,9 @@
 
 namespace quordalvane::posix {
 
-/// Receives the system's notices that a USB printer or a serial line was plugged in or unplugged.
-/// They wake a program that waits for its printer as soon as the printer is back. For example:
+/// Receives the system's notices that a USB printer or a serial line was plugged in or unplugged. A
+/// program that waits for its printer wakes up as soon as the printer is plugged in again. For
+/// example:
 ///
 ///     AccessoryNotices notices;
 ///     while (!print(receipt)) {

@@ -17,8 +17,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// If an idle connection is silent for this interval, the system sends the other side a probe, and
-// repeats it after each further interval, up to `keepAliveCount` times.
+// If nothing arrives on an idle connection for this interval, the system sends a probe to the other
+// side. It repeats the probe after each further interval, up to `keepAliveCount` times.
 constexpr std::chrono::seconds keepAliveInterval{15};
 constexpr int keepAliveCount = 7;
 
@@ -38,7 +38,8 @@ void boundConnect(const Descriptor& socket, SteadyTime deadline) {
   setOption(socket, SOL_SOCKET, SO_SNDTIMEO, timeout);
 }
 
-// Returns a connected socket. Throws an exception with the reason if it cannot connect.
+// Returns a connected socket. Throws an exception with the reason if there is no connection by
+// `deadline`.
 Descriptor connectUntil(SteadyTime deadline, const SocketAddress& address) {
   const int number = ::socket(address.storage.ss_family, SOCK_STREAM | SOCK_CLOEXEC, 0);
   if (number == -1) {
@@ -47,7 +48,8 @@ Descriptor connectUntil(SteadyTime deadline, const SocketAddress& address) {
   Descriptor socket(number, Descriptor::Kind::Socket);
   do {
     boundConnect(socket, deadline);
-    // If a signal interrupts `connect`, the next call waits for the end of the same attempt.
+    // If a signal interrupts `connect`, the attempt goes on in the system, and the next call waits
+    // for its end.
     if (::connect(number, reinterpret_cast<const sockaddr*>(&address.storage), address.length) ==
         0) {
       return socket;

@@ -14,19 +14,19 @@ namespace quordalvane::posix {
 /// addresses.
 inline constexpr std::chrono::milliseconds connectTimeout{5000};
 
-/// Connects to the first of `addresses` that answers. There must be at least one address. Each
-/// address gets an equal share of the time that is left until `deadline`, so that a silent one
-/// leaves time for the next. If all fail, throws the error of the last one.
+/// Connects to the first of `addresses` that answers. There must be at least one address. The time
+/// left until `deadline` is divided equally among the addresses, so that a silent address leaves
+/// time for the next. If all addresses fail, throws the error of the last address.
 Descriptor connectToAny(const std::vector<SocketAddress>& addresses, SteadyTime deadline);
 
 /// Connects to `host`, which is a name or an address (IPv6 without brackets). The connection sends
-/// small amounts of data at once. If the other side vanishes without a sign, an idle connection
-/// fails after two minutes. A printer that stops the flow, for example because it is out of paper,
-/// may do so for any time.
+/// small amounts of data at once. If the other side vanishes without closing the connection, an
+/// idle connection fails after two minutes. A printer may stop the flow of data for any time, for
+/// example while it is out of paper.
 ///
 /// Throws a `std::system_error`, with a message for people, if nothing answers within `timeout`,
-/// which must be above zero. Its code is one of the system or, if a name cannot be resolved, of
-/// `resolverCategory()`. A lookup that has not finished by then ends later by itself.
+/// which must be above zero. The code of the error is one of the system or, if a name cannot be
+/// resolved, of `resolverCategory()`. A lookup that is too slow ends later by itself.
 Descriptor connectTcp(const std::string& host, std::uint16_t port,
                       std::chrono::milliseconds timeout = connectTimeout);
 

@@ -5,14 +5,15 @@
 
 namespace quordalvane::posix {
 
-/// The clock for all time limits in this folder. It does not change when the wall clock is set.
+/// The clock for all time limits in this folder. Setting the wall clock does not affect it.
 using SteadyClock = std::chrono::steady_clock;
 
 /// A point in time on this clock.
 using SteadyTime = SteadyClock::time_point;
 
-/// Returns the point in time `seconds` from now. For zero, a negative number and not-a-number it
-/// returns now. More than a year counts as a year, so that sums with the result do not overflow.
+/// Returns the point in time `seconds` from now. Returns the present time for zero, a negative
+/// number and not-a-number. More than a year counts as a year, so that sums with the result do not
+/// overflow.
 SteadyTime deadlineIn(double seconds);
 
 /// Returns whether no time is left until `deadline`.

@@ -16,8 +16,8 @@ namespace quordalvane::posix {
 namespace {
 
 // How long a receive on a socket waits for bytes. The system measures this time in coarse ticks of
-// at most 10 ms, so it is not exact. A wait whose limit is not above `patienceAtMost` uses `poll`
-// instead, which is exact.
+// at most 10 ms, so the wait is not exact. A wait with a limit of at most `patienceAtMost` uses
+// `poll`, which is exact.
 constexpr std::chrono::milliseconds patience{30};
 constexpr std::chrono::milliseconds patienceAtMost{50};
 
@@ -26,7 +26,7 @@ bool makePatient(int socket) {
   return ::setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit) == 0;
 }
 
-// Calls `transfer`, again if a signal has interrupted it, and returns its result.
+// Calls `transfer`, repeats the call if a signal has interrupted it, and returns its result.
 template <typename Transfer>
 std::ptrdiff_t uninterrupted(Transfer transfer) {
   std::ptrdiff_t count = transfer();
@@ -118,9 +118,9 @@ std::ptrdiff_t Descriptor::send(const std::uint8_t* bytes, std::size_t length) c
     return isSocket() ? ::send(number_, bytes, length, MSG_DONTWAIT | MSG_NOSIGNAL)
                       : ::write(number_, bytes, length);
   });
-  // If a transfer breaks off, the driver reports EIO, or ENODEV if it has already noticed that the
-  // printer was unplugged, as if nothing had been sent. But the printer may have received any part
-  // of the bytes, so all of them count as taken; the next call fails.
+  // If a transfer is interrupted, the driver reports an error as if nothing had been sent: EIO, or
+  // ENODEV if it has already noticed that the printer was unplugged. But the printer may have
+  // received any part of the bytes. So all bytes count as taken, and the next call fails.
   const bool brokeOff = isUsb(kind_) && count == -1 && (errno == EIO || errno == ENODEV);
   return brokeOff ? static_cast<std::ptrdiff_t>(length) : count;
 }
@@ -162,8 +162,8 @@ std::chrono::milliseconds Descriptor::silence() const {
   if (::getsockopt(number_, IPPROTO_TCP, TCP_INFO, &info, &length) != 0) {
     return {};
   }
-  // A single unanswered question means nothing: it may have been sent just now. While a printer has
-  // no space, the pauses between the system's questions grow to two minutes.
+  // A single unanswered probe of the system means nothing, because the system may have sent it just
+  // now. While a printer has no space, the pauses between the probes grow to two minutes.
   const bool askedInVain = info.tcpi_retransmits + info.tcpi_probes > 1;
   return std::chrono::milliseconds(askedInVain ? info.tcpi_last_ack_recv : 0);
 }

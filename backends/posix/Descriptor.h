@@ -9,13 +9,14 @@
 namespace quordalvane::posix {
 
 /// Owns the open descriptor of a connection, and closes it in its destructor. A moved-from object
-/// owns no descriptor. `receive` and `send` never block. The object has no state of the connection,
-/// so any thread may call it, except that a move must be the only call.
+/// owns no descriptor. `receive` and `send` never block. Several threads may call the functions at
+/// the same time, because the object stores no state of the connection. During a move no other call
+/// is allowed.
 class Descriptor {
  public:
   /// The kind of connection.
   enum class Kind {
-    Socket,     ///< can be shut down; the system can wait for its input
+    Socket,     ///< can be shut down, and a receive can wait for its input
     Bluetooth,  ///< a socket whose two directions end together
     Terminal,   ///< a serial line or a pseudo-terminal
 
@@ -44,14 +45,15 @@ class Descriptor {
   /// stream, or -1 with an error in `errno`; the error is EAGAIN if there are no bytes now.
   std::ptrdiff_t receive(std::uint8_t* buffer, std::size_t maxLength) const;
 
-  /// Does the same, but waits until `deadline` for the first bytes; signals do not shorten the
-  /// wait. If bytes arrive soon on a socket, it needs only one system call.
+  /// Works as `receive`, but waits until `deadline` for the first bytes; signals do not shorten the
+  /// wait. If bytes soon arrive on a socket, this takes only one system call.
   std::ptrdiff_t receiveUntil(std::uint8_t* buffer, std::size_t maxLength,
                               SteadyTime deadline) const;
 
   /// Sends at most `length` bytes without waiting and without causing a signal. Returns the number
-  /// of bytes taken, which may be smaller, or -1 with an error in `errno`; the error is EAGAIN if
-  /// there is no space now. It does not return -1 if a part of the bytes may have arrived.
+  /// of bytes taken, which may be smaller than `length`, or -1 with an error in `errno`; the error
+  /// is EAGAIN if there is no space now. It never returns -1 if a part of the bytes may have
+  /// arrived.
   std::ptrdiff_t send(const std::uint8_t* bytes, std::size_t length) const;
 
   /// Returns true if a `receive` that does not fill its buffer shows that the input is now empty.
@@ -62,18 +64,18 @@ class Descriptor {
   /// past it does not wait.
   short pollUntil(short events, SteadyTime deadline) const;
 
-  /// Returns true if bytes were sent that have not reached the other side. Returns false if this
-  /// kind of descriptor cannot report it.
+  /// Returns true if sent bytes have not reached the other side yet. Returns false if this kind of
+  /// descriptor cannot report this.
   bool hasUnderWay() const;
 
-  /// Returns for how long the other side has acknowledged nothing, although the system has asked
-  /// more than once about the bytes under way. Returns zero while the other side acknowledges that
-  /// it has no space, and if this kind of descriptor cannot report it.
+  /// Returns for how long the other side has acknowledged nothing, although the system has repeated
+  /// the bytes or its probe. Returns zero while the other side answers that it has no space, and if
+  /// this kind of descriptor cannot report the time.
   std::chrono::milliseconds silence() const;
 
-  /// Returns, as a text for people, why a USB printer does not print, as its USB port reports it,
-  /// for example "paper out". Returns "" if the port reports nothing, and for other kinds of
-  /// descriptors.
+  /// Returns, as a text for people, the reason that the USB port of a printer reports why it does
+  /// not print, for example "paper out". Returns "" if the port reports nothing, and for other
+  /// kinds of descriptors.
   std::string portState() const;
 
   /// Shuts down the output, so that the other side sees that no more bytes follow. Has no effect on
@@ -90,7 +92,7 @@ class Descriptor {
   int number_;
   Kind kind_;
   int idleOutputCount_ = 0;  // the count that the system reports if no bytes are under way
-  bool isPatient_;           // a system call that receives may wait for a short time
+  bool isPatient_;           // a receiving system call may wait for a short time
   void (*beforeClose_)(int number) = nullptr;
 };
 

@@ -49,8 +49,8 @@ void addThoseThatHaveItOpen(const struct stat& file, std::set<pid_t>& found) {
   }
 }
 
-// Adds the processes that hold a lock on the file. A line of the system's list is "1: FLOCK
-// ADVISORY WRITE 412 00:05:337 0 EOF", with the device in hex.
+// Adds the processes that hold a lock on the file. The system lists each lock in one line, with the
+// device in hex: "1: FLOCK ADVISORY WRITE 412 00:05:337 0 EOF".
 void addThoseThatLockedIt(const struct stat& file, std::set<pid_t>& found) {
   std::ifstream locks(processes / "locks");
   std::ostringstream device;

@@ -9,12 +9,12 @@
 namespace quordalvane::posix {
 namespace {
 
-// The interval at which the system is asked whether the last byte was taken, because it does not
-// report this by itself.
+// The system does not report by itself that the last byte was taken, so it is asked at this
+// interval.
 constexpr std::chrono::milliseconds lookInterval{5};
 
-// The maximum number of full buffers that are dropped between two checks, so that a device that
-// never stops sending cannot delay the end.
+// The maximum number of full buffers that are dropped between two checks. Without a maximum, a
+// device that never stops sending could delay the end.
 constexpr int discardedAtOnce = 16;
 
 // Drops the bytes that have arrived. Returns true if more may arrive.
@@ -32,7 +32,7 @@ bool discardInput(const Descriptor& connection) {
 }  // namespace
 
 void linger(const Descriptor& connection, SteadyTime deadline) {
-  // Unread input would also turn the close into a reset, so it is read first.
+  // If input were unread, the close would become a reset, so the input is read first.
   bool mayComeMore = discardInput(connection);
   if (!mayComeMore || !connection.hasUnderWay()) {
     return;

@@ -12,27 +12,26 @@
 namespace quordalvane::posix {
 namespace {
 
-// Returns the current tick. If the input was empty, it counts as empty until the next tick, without
-// a system call. This is long enough for the questions around one transfer, and too short to be
-// noticed.
+// Returns the current tick. After a look at an empty input, the input counts as empty until the
+// next tick, without another system call. A tick is long enough for the checks around one transfer,
+// and too short to be noticed.
 Tick currentTick() {
   timespec now{};
   ::clock_gettime(CLOCK_MONOTONIC_COARSE, &now);
   return std::chrono::seconds(now.tv_sec) + Tick(now.tv_nsec);
 }
 
-// How long the end of a connection may wait for the device. It is long enough for a slow device to
-// take the bytes of a receipt that the system still holds, and short enough for a caller that waits
-// for the close.
+// How long the end of a connection may wait for the device. In this time a slow device can take the
+// bytes of a receipt that the system still holds, and a caller can wait so long for the close.
 constexpr std::chrono::seconds lingerLimit{2};
 
-// The interval at which the system is asked whether the other side still answers. The question is
-// cheap but not free.
+// The system is asked at this interval whether the other side still answers. The question is cheap
+// but not free.
 constexpr std::chrono::seconds silenceInterval{1};
 
-// If the system took a whole write of at most this many bytes, the link is assumed to have space:
-// the system's buffers hold many commands, and a query for the space costs as much as sending a
-// command. A longer write may have filled the buffers.
+// After a write of at most this many bytes that the system took whole, the link counts as having
+// space: the system's buffers hold many commands, and a query for the space costs as much as
+// sending a command. A longer write may have filled the buffers.
 constexpr std::size_t longestCommand = 4096;
 
 bool wouldBlock(int error) {
@@ -73,7 +72,7 @@ bool Link::isLost() {
 void Link::noticeLoss() {
   const std::lock_guard lock(mutex_);
   if (!descriptor_ || beingWaited_) {
-    return;  // the thread that waits for input will take the bytes that arrive
+    return;  // the thread that waits for input will itself notice the loss
   }
   if (descriptor_->pollUntil(POLLRDHUP, SteadyTime{}) != 0) {
     next_ = end_;
@@ -198,7 +197,7 @@ std::string Link::portState() {
   return descriptor_ ? descriptor_->portState() : "";
 }
 
-// Checks for bytes in the input, unless the answer is known or a waiting thread will find it out.
+// Checks whether there is input, unless this is known or a waiting thread checks it.
 void Link::look() {
   const bool known = unread() > 0 || ended_ || !descriptor_ || beingWaited_;
   if (known || (dry_ && currentTick() == dryAt_)) {
@@ -235,8 +234,9 @@ void Link::noteReceived(std::ptrdiff_t count, int error) {
   }
 }
 
-// Returns true if the other side has vanished without a sign while bytes were under way to it. The
-// system is asked only from time to time; in between the result is false.
+// Returns true if the other side has vanished, without closing the connection, while bytes were
+// under way to it. The system is asked only from time to time; between these times the result is
+// false.
 bool Link::hasFallenSilent() {
   const Tick now = currentTick();
   if (now < nextSilenceLook_) {
@@ -252,7 +252,7 @@ void Link::noteDry() {
 }
 
 // Records a reply if bytes arrived after the last write and all of them were taken. Bytes that
-// arrived before the write cannot be its reply, even if they are taken after it.
+// arrived before the write cannot be the reply to it, even if they are taken after the write.
 void Link::noteAnswered() {
   if (unread() == 0 && dry_ && cameSinceWrite_) {
     cameSinceWrite_ = false;

@@ -19,29 +19,30 @@ using Tick = std::chrono::nanoseconds;
 /// One open connection. It holds the descriptor, the bytes that were read ahead, and the state of
 /// both directions. A session, its two streams and its accessory share it.
 ///
-/// A port asks for the state of the link before every transfer. If possible, it is answered from
-/// the last `receive` on the descriptor, which shows bytes, an empty input, the end of the stream
-/// and errors. So a whole exchange needs only a few system calls.
+/// A port asks for the state of the link before every transfer. If possible, the link answers from
+/// the result of its last `receive`, which showed bytes, an empty input, the end of the stream or
+/// an error. So a whole exchange needs only a few system calls.
 ///
 /// Any thread may call the functions. No lock is held while a function waits.
 class Link {
  public:
-  /// How long the other side may leave sent bytes without an acknowledgement. It must be longer
-  /// than two minutes, because that is the longest pause in which the system asks a printer without
-  /// space.
+  /// How long the other side may leave sent bytes without an acknowledgement. This must be longer
+  /// than two minutes, the longest pause between two probes that the system sends to a printer
+  /// without space.
   static constexpr std::chrono::milliseconds givenUpAfter{150'000};
 
-  /// `silenceLimit` replaces `givenUpAfter`.
+  /// Creates a link over `descriptor`. The other side counts as lost after `silenceLimit` without
+  /// an acknowledgement.
   explicit Link(Descriptor descriptor, std::chrono::milliseconds silenceLimit = givenUpAfter);
 
   /// Makes `release` return at once; the bytes under way may be lost.
   void abandon();
 
-  /// Ends the connection. After it there are no bytes to read and no space to write. It returns
-  /// when the device has taken the bytes under way, at once if there are none, and after two
-  /// seconds at the latest. Bytes that the device has not taken by then are lost if it sends
-  /// anything afterwards. Waits of other threads end when this returns; on a terminal they may
-  /// continue to their own deadline. A second call has no effect.
+  /// Ends the connection. Afterwards there are no bytes to read and there is no space to write. It
+  /// returns when the device has taken the bytes under way, and after two seconds at the latest. If
+  /// the device has not taken all bytes by then and sends anything afterwards, the rest is lost.
+  /// When `release` returns, the waits of other threads end; on a terminal they may continue to
+  /// their own deadline. A second call has no effect.
   void release();
 
   /// Returns true once the end of the stream, a hang-up or an error was seen, or the other side was
@@ -53,8 +54,8 @@ class Link {
   /// returns true.
   void noticeLoss();
 
-  /// Returns true if a read would return at least one byte. False may be a few milliseconds old, up
-  /// to one tick of the system's clock.
+  /// Returns true if a read would return at least one byte. A result of false may be a few
+  /// milliseconds old, up to one tick of the system's clock.
   bool hasBytes();
 
   /// Reads at most `maxLength` bytes. Returns their number, 0 if there are no bytes or the stream
@@ -108,20 +109,19 @@ class Link {
   std::size_t next_ = 0;
   std::size_t end_ = 0;
 
-  bool ended_ = false;  // no more bytes will arrive, and all bytes that arrived have been read
-  bool dry_ = false;    // the last `receive` emptied the input
-  Tick dryAt_{};        // when the last `receive` emptied the input
-  bool beingWaited_ = false;  // a thread waits for input and may fill `ahead_` without the lock
+  bool ended_ = false;        // true if no more bytes will arrive and all that arrived were read
+  bool dry_ = false;          // true if the last `receive` emptied the input
+  Tick dryAt_{};              // when the last `receive` emptied the input
+  bool beingWaited_ = false;  // true if a waiting thread may fill `ahead_` without the lock
 
   ReplyExpectation expectation_;
-  bool cameSinceWrite_ = false;  // bytes arrived after the last write that may be answered
+  bool cameSinceWrite_ = false;  // true if bytes arrived after the last write that may be answered
 
-  bool mayBeFull_ =
-      false;  // the last write was long or was taken only in part, so there may be no space
-  bool outputBroken_ = false;  // a write has failed, or the other side does not answer any more
-  bool abandoned_ = false;     // `release` need not wait for the bytes under way
+  bool mayBeFull_ = false;     // true if the last write was long or was taken only in part
+  bool outputBroken_ = false;  // true if a write has failed or the other side no longer answers
+  bool abandoned_ = false;     // true if `release` need not wait for the bytes under way
 
-  Tick nextSilenceLook_{};  // when the system is asked again whether the other side still answers
+  Tick nextSilenceLook_{};  // the next time to ask the system whether the other side still answers
 };
 
 }  // namespace quordalvane::posix

@@ -13,7 +13,7 @@
 namespace quordalvane::posix {
 
 /// Connects to a device and returns the descriptor of the connection. Throws a `std::exception`,
-/// with a message for people, if it cannot connect.
+/// with a message for people, on failure.
 using Connector = std::function<Descriptor()>;
 
 /// An accessory that is reached through a descriptor. Each session opens its own connection, and
@@ -27,19 +27,19 @@ class LinkAccessory : public IdentifiedAccessory {
   bool isConnected() override;
   void noticeLoss() override;
 
-  /// Connects and returns the session. Returns null if it cannot connect or the accessory does not
-  /// announce `protocol`.
+  /// Connects and returns the session. Returns null if the connection fails or the accessory does
+  /// not announce `protocol`.
   std::shared_ptr<EASession> openSession(const std::string& protocol) override;
 
-  /// Returns, as a text for people, why the latest `openSession` returned null; "" if it did not
-  /// return null or was never called.
+  /// Returns, as a text for people, why the latest `openSession` returned null; "" if the latest
+  /// call succeeded or there was none.
   virtual std::string lastError();
 
-  /// Returns the error code of this reason; 0 if it has no code.
+  /// Returns the error code of the reason that `lastError` returns; 0 if the reason has no code.
   virtual std::error_code lastErrorCode();
 
-  /// Returns, as a text for people, why the device of the newest session does not print, as its
-  /// port reports it. Returns "" if the port reports nothing or the session has ended.
+  /// Returns, as a text for people, the reason that the device's port reports why the device does
+  /// not print. Returns "" if the port reports nothing or the newest session has ended.
   std::string portState();
 
  private:

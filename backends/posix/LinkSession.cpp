@@ -6,7 +6,7 @@ namespace quordalvane::posix {
 namespace {
 
 // The common part of both directions. These streams report no events, so a delegate is never
-// called. A run loop gets to know a stream only when it waits for it.
+// called. A stream is not scheduled: a run loop receives it as an argument when it waits for it.
 template <typename Stream>
 class LinkStream : public Stream {
  public:

@@ -17,16 +17,16 @@ namespace quordalvane::posix {
 /// version is the release of the kernel.
 class QUOR_EXPORT PosixPlatform final : public Platform {
  public:
-  /// Creates a platform with `accessories` in this order. None of them may be null. More can be
-  /// attached later.
+  /// Creates a platform with `accessories` in this order. No accessory may be null. More
+  /// accessories can be attached later.
   explicit PosixPlatform(std::vector<std::shared_ptr<EAAccessory>> accessories = {});
   ~PosixPlatform() override;
   PosixPlatform(const PosixPlatform&) = delete;
   PosixPlatform& operator=(const PosixPlatform&) = delete;
 
-  /// Adds an accessory, which must not be null, at the end of the list. It is never removed. The
-  /// list omits it while it announces no protocol, for example while a USB printer is not plugged
-  /// in. Any thread may call it.
+  /// Adds an accessory, which must not be null, at the end of the list. An accessory is never
+  /// removed. While it announces no protocol, for example while a USB printer is not plugged in,
+  /// `connectedAccessories` does not return it. Any thread may call it.
   void attach(std::shared_ptr<EAAccessory> accessory);
 
   EAAccessoryManager& sharedAccessoryManager() override;

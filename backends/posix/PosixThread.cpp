@@ -14,8 +14,8 @@ void live(const std::shared_ptr<ThreadRunLoop>& loop, std::function<void()> body
   loop->attach();
   body();
   loop->finish();
-  // Objects that the body owns are destroyed with it, and may use the run loop of this thread once
-  // more. So the loop is detached last.
+  // The objects that the body owns are destroyed here, and their destructors may use the run loop
+  // of this thread. So the loop is detached after that.
   body = nullptr;
   loop->detach();
 }

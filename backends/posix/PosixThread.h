@@ -10,8 +10,8 @@ namespace quordalvane::posix {
 class ThreadRunLoop;
 
 /// A detached thread, which ends by itself or with the process. The thread has no reference to this
-/// handle, so its body may own the owner of the handle: there is no cycle of references once the
-/// thread has started. An exception that leaves the body ends the process.
+/// handle. So the thread's body may own the object that owns the handle, without a cycle of
+/// references after the start. An exception that leaves the body ends the process.
 class PosixThread final : public NSThread {
  public:
   explicit PosixThread(std::function<void()> body);
@@ -21,8 +21,7 @@ class PosixThread final : public NSThread {
   /// Has no effect, because the thread cannot ask whether it was cancelled.
   void cancel() override {}
 
-  /// Accepts routines from `start` until the body has ended. A routine that was accepted always
-  /// runs.
+  /// Routines are accepted from `start` until the body has ended. An accepted routine always runs.
   bool performAndWait(std::function<void()> routine) override;
 
  private:

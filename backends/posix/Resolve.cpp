@@ -35,8 +35,8 @@ LookupResult askResolver(const std::string& host, std::uint16_t port) {
   const std::string service = std::to_string(port);
   int error = ::getaddrinfo(host.c_str(), service.c_str(), &hints, &found);
   if (error != 0 && host == "localhost") {
-    // "localhost" means this machine everywhere, but a system without a hosts file does not know
-    // the name.
+    // "localhost" always means this machine, but the resolver does not know the name on a system
+    // without a hosts file.
     error = ::getaddrinfo(nullptr, service.c_str(), &hints, &found);
   }
   if (error != 0) {

@@ -17,7 +17,7 @@ class PlainRunLoop final : public NSRunLoop {
 
 }  // namespace
 
-// A routine that was passed to the loop. The object is on the stack of the thread that waits for
+// A routine that was passed to the loop. This object is on the stack of the thread that waits for
 // the routine.
 struct ThreadRunLoop::Carried {
   enum class State { Waiting, Ran, Refused };
@@ -95,9 +95,9 @@ void ThreadRunLoop::detach() {
   attached = nullptr;
 }
 
-// Runs the waiting routines in order, without the lock. Routines that arrive meanwhile run in the
-// next call, so that a caller that never stops passing routines cannot prevent this one from
-// ending.
+// Runs the waiting routines in order, without the lock. Routines that arrive during this call run
+// in the next call. Otherwise a thread that never stops passing routines could prevent this call
+// from ending.
 void ThreadRunLoop::runCarried(std::unique_lock<std::mutex>& lock) {
   for (auto left = waiting_.size(); left > 0 && !waiting_.empty(); --left) {
     Carried& carried = *waiting_.front();

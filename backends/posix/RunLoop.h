@@ -15,17 +15,17 @@ class ThreadRunLoop final : public NSRunLoop {
  public:
   void runUntilDate(double seconds) override;
 
-  /// Routines that arrive while this waits for the stream run in the next call.
+  /// Routines that arrive during the wait for the stream run in the next call.
   void runUntilDate(double seconds, NSStream& awaited) override;
 
   /// Begins to accept routines. Called before the thread is started.
   void open();
 
-  /// Runs the routines that wait, and refuses all later ones. The loop's thread calls it at its
+  /// Runs the waiting routines, and refuses all later ones. The loop's thread calls `finish` at its
   /// end.
   void finish();
 
-  /// Refuses the routines that wait and all later ones. Called if the thread cannot be started.
+  /// Refuses the waiting routines and all later ones. Called if the thread cannot be started.
   void refuse();
 
   /// Runs `routine` on the loop's thread, as described at `NSThread::performAndWait`.

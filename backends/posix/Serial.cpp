@@ -1,7 +1,8 @@
 #include "backends/posix/Serial.h"
 
-// The usual header has constants for some speeds only, whereas the kernel's own structure has a
-// field for any speed. The two headers cannot be included together.
+// This file includes the kernel's header and not <termios.h>, because a program cannot include
+// both. The kernel's structure has a field for any speed; <termios.h> has constants for some speeds
+// only.
 #include <asm/termbits.h>
 #include <fcntl.h>
 #include <sys/file.h>
@@ -24,8 +25,8 @@ namespace {
   throw std::system_error(code, std::generic_category(), text);
 }
 
-// Returns the flag for a speed. A speed that has a constant is set by this constant, so that every
-// program can read the setting.
+// Returns the flag for a speed. If there is a constant for the speed, this constant is returned, so
+// that every program can read the setting.
 tcflag_t speedFlag(unsigned baud) {
   constexpr std::pair<unsigned, tcflag_t> numbered[] = {
       {1200, B1200},     {2400, B2400},     {4800, B4800},     {9600, B9600},
@@ -64,15 +65,16 @@ termios2 rawSettings(const SerialSettings& wanted) {
   raw.c_iflag = wanted.flow == Flow::XonXoff ? IXON : 0U;
   raw.c_cc[VSTART] = 0x11;
   raw.c_cc[VSTOP] = 0x13;
-  // With a minimum of one byte, a read of 0 bytes means a hang-up and never an empty input.
+  // With a minimum of one byte, a read returns 0 bytes only after a hang-up, never for an empty
+  // input.
   raw.c_cc[VMIN] = 1;
   raw.c_ispeed = wanted.baud;
   raw.c_ospeed = wanted.baud;
   return raw;
 }
 
-// Returns whether two speeds are close enough. A printer samples the middle of each bit, so it
-// loses a byte of ten bits if the speeds differ by 5 %.
+// Returns whether the line's speed is close enough to the wanted one. The receiver samples the
+// middle of each bit, so a byte of ten bits is lost if the speeds differ by 5 %.
 bool isCloseTo(unsigned baud, unsigned wanted) {
   const std::uint64_t difference = std::max(baud, wanted) - std::min(baud, wanted);
   return 100 * difference / wanted < 3;
@@ -95,9 +97,9 @@ void configure(int number, const SerialSettings& wanted, const std::string& path
   fail(EBUSY, path + ": in use by " + holderInWords(path));
 }
 
-// Returns whether the descriptor is a pseudo-terminal, which must not be set to exclusive mode: it
-// would stay in this mode while its other end is open, even after the program was killed, and
-// nobody could open it. The lock suffices, because it ends with the program.
+// Returns whether the descriptor is a pseudo-terminal. A pseudo-terminal must not be set to
+// exclusive mode: it would remain in this mode while its other end is open, even after the program
+// was killed, and nobody could open it. The lock alone is enough, because it ends with the program.
 bool isPseudoTerminal(int number) {
   constexpr unsigned first = 136;
   constexpr unsigned last = 143;
@@ -111,7 +113,7 @@ void giveBack(int number) {
 }
 
 // Reserves the line for this program, or throws. If the line is in exclusive mode but no process
-// has it open, a program was killed; the mode is then ignored.
+// has it open, the program that set the mode was killed. The mode is then ignored.
 void reserve(Descriptor& line, const std::string& path) {
   int isExclusive = 0;
   if (::flock(line.number(), LOCK_EX | LOCK_NB) != 0 ||

@@ -30,9 +30,9 @@ struct SerialSettings {
 std::vector<unsigned> usualBaudRates();
 
 /// Opens the serial line at `path` in raw mode, for exclusive use by this program: it takes an
-/// advisory lock and sets the line to exclusive mode, and releases both when the line is closed.
-/// The line does not become the controlling terminal, and keeps its settings when it is closed.
-/// Never waits for a modem.
+/// advisory lock and sets the line to exclusive mode; both end when the line is closed. The line
+/// does not become the controlling terminal. It keeps its settings after it is closed. Never waits
+/// for a modem.
 ///
 /// Throws a `std::system_error` with a message for people. The code is EBUSY if another program, or
 /// another descriptor of this program, uses the line; the message then names the other program, if

@@ -78,8 +78,8 @@ std::error_code UsbAccessory::lastErrorCode() {
   return !ofOpening && !seek(&why) && why ? why->code() : ofOpening;
 }
 
-// Returns the printer. One that was found before has priority, because `place` may match another
-// printer by now.
+// Returns the printer. A printer that was found before has priority, because another printer may
+// match `place` by now.
 UsbPrinter UsbAccessory::find() {
   const std::lock_guard lock(mutex_);
   if (const auto again = findAgain()) {
@@ -93,9 +93,9 @@ UsbPrinter UsbAccessory::find() {
   return *known_;
 }
 
-// Searches for the printer that was found before; returns null if it is not found. Some makers give
-// all their printers the same serial number. Once two such printers were found, only their nodes
-// distinguish them.
+// Searches for the printer that was found before; returns null if it is not plugged in. Some makers
+// give all their printers the same serial number. As soon as two such printers were found, only
+// their nodes distinguish them.
 std::optional<UsbPrinter> UsbAccessory::findAgain() {
   std::vector<UsbPrinter> same = known_ ? usbPrinters(roots_) : std::vector<UsbPrinter>();
   std::erase_if(same, [this](const UsbPrinter& one) { return !one.isSameDevice(*known_); });

@@ -9,9 +9,10 @@
 
 namespace quordalvane::posix {
 
-/// Opens the device node of `printer`. The driver lets only one program at a time open it. Throws a
-/// `std::system_error`, with a message for people, if it cannot be opened. The code is EBUSY if
-/// another program has opened the printer; the message then names that program, if it is known.
+/// Opens the device node of `printer`. The driver lets only one program at a time open a printer.
+/// Throws a `std::system_error`, with a message for people, if the printer cannot be opened. The
+/// code is EBUSY if another program has opened the printer; the message then names that program, if
+/// it is known.
 Descriptor openUsbPrinter(const UsbPrinter& printer);
 
 /// Returns `MuteUsbPrinter` if the printer at the open descriptor cannot answer, and `UsbPrinter`
@@ -20,17 +21,17 @@ Descriptor openUsbPrinter(const UsbPrinter& printer);
 Descriptor::Kind usbKindOf(int number);
 
 /// A USB printer, which may be plugged in and unplugged at any time. While it is not plugged in, it
-/// announces no protocol, so ports ignore it. It reports its name, model and serial number itself,
-/// unless `identity` contains them.
+/// announces no protocol, so ports ignore it. The name, the model and the serial number are those
+/// that the printer reports, unless `identity` contains them.
 ///
-/// The accessory's manufacturer is always that of `identity`, whichever maker built the printer: a
-/// port chooses only accessories of one maker, and a user who names this device wants to use it.
-/// The real maker is part of the name.
+/// The accessory's manufacturer is always the one in `identity`, whoever made the printer: a port
+/// chooses only accessories of one maker, and a user who names this device wants to use it. The
+/// name contains the real maker.
 class UsbAccessory : public LinkAccessory {
  public:
-  /// `place` selects the printer, as described at `findUsbPrinter`. Once it was found, it is
-  /// recognised by its texts, even if its device node has changed, unless another
-  /// printer has the same texts.
+  /// `place` selects the printer, as described at `findUsbPrinter`. After the first search it is
+  /// recognised by its texts, even if its device node has changed, unless another printer has the
+  /// same texts.
   UsbAccessory(AccessoryIdentity identity, std::string place, UsbRoots roots = {});
 
   std::optional<std::string> name() override;
@@ -38,7 +39,8 @@ class UsbAccessory : public LinkAccessory {
   std::optional<std::string> modelNumber() override;
   std::vector<std::string> protocolStrings() override;
 
-  /// Also returns the reason if the printer cannot be found now.
+  /// Returns the reason of the base class; if there is none, the reason why the printer cannot be
+  /// found now.
   std::string lastError() override;
   std::error_code lastErrorCode() override;
 
@@ -51,7 +53,7 @@ class UsbAccessory : public LinkAccessory {
   const UsbRoots roots_;
   std::mutex mutex_;                 // guards the members below
   std::optional<UsbPrinter> known_;  // the printer as it was found last
-  bool hasTwin_ = false;             // whether another printer with the same texts was ever found
+  bool hasTwin_ = false;             // true if a second printer with the same texts was ever found
 };
 
 }  // namespace quordalvane::posix

@@ -115,8 +115,8 @@ bool isChosen(const UsbPrinter& printer, std::string_view place) {
   return place.empty() || isOfModel || printer.serial == place;
 }
 
-// Returns a list of the printers in `chosen`, for people. Each is listed with the device text that
-// selects only this one among `printers`.
+// Returns a list of the printers in `chosen`, for people. The list gives for each printer the
+// device text that selects only this printer among `printers`.
 std::string listed(const std::vector<UsbPrinter>& chosen, const std::vector<UsbPrinter>& printers) {
   std::string text;
   for (const UsbPrinter& printer : chosen) {
@@ -137,7 +137,7 @@ fs::path ownNodeOf(const fs::path& device, const UsbRoots& roots) {
   return roots.dev / "bus/usb" / number("busnum") / number("devnum");
 }
 
-// If a printer is plugged in that the driver does not serve, throws an exception with the reason.
+// Throws an exception with the reason if the driver does not serve a printer that is plugged in.
 void failIfUnserved(const std::string& wanted, const UsbRoots& roots) {
   constexpr std::string_view printerClass = "07";
   constexpr std::string_view networkPrinting = "04";  // a protocol that the driver does not serve
@@ -159,8 +159,8 @@ void failIfUnserved(const std::string& wanted, const UsbRoots& roots) {
   }
 }
 
-// Returns whether a USB hub has switched off the power of a port. In the system's folders, each
-// port of a hub has a file that counts this.
+// Returns whether a USB hub has switched off the power of a port because of too much current. In
+// the system's folders, each port of a hub has a file that counts such events.
 bool hasHubDroppedOne(const UsbRoots& roots) {
   for (const fs::path& entry : entriesOf(roots.sys / "bus/usb/devices")) {
     for (const fs::path& port : entriesOf(entry)) {

@@ -9,15 +9,14 @@
 
 namespace quordalvane::posix {
 
-/// One printer at the system's USB printer driver, with the texts that it reports of itself.
+/// One printer at the system's USB printer driver, with the texts that the printer reports.
 struct UsbPrinter {
-  std::filesystem::path
-      node;  ///< for example "/dev/usb/lp0"; the number may change each time it is plugged in
-  std::string vendor;   ///< four hex digits
-  std::string product;  ///< four hex digits
-  std::string serial;   ///< "" if it reports none
-  std::string maker;    ///< "" if it reports none
-  std::string model;    ///< "" if it reports none
+  std::filesystem::path node;  ///< for example "/dev/usb/lp0"; may change at each plugging in
+  std::string vendor;          ///< four hex digits
+  std::string product;         ///< four hex digits
+  std::string serial;          ///< "" if the printer reports none
+  std::string maker;           ///< "" if the printer reports none
+  std::string model;           ///< "" if the printer reports none
 
   /// Returns whether `other` is the same device, as far as its texts show. Two printers of one
   /// model without serial numbers can be distinguished only by their nodes.
@@ -39,7 +38,7 @@ enum class UsbError {
   NoDriver,           ///< the printer is plugged in, but the system's driver is not loaded
   HeldByPrintSystem,  ///< a program has taken the printer from the driver, as the print system does
   TakenFromDriver,    ///< a program has taken the printer from the driver and has not given it back
-  DroppedByHub,       ///< a USB hub has switched its power off
+  DroppedByHub,       ///< a USB hub has switched off the printer's power
 };
 
 /// Returns the error category of these codes. `HeldByPrintSystem` is equivalent to

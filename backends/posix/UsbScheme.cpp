@@ -56,7 +56,8 @@ std::string fileOf(const DeviceSpec& spec) {
 
 std::shared_ptr<EAAccessory> make(const DeviceSpec& spec, AccessoryIdentity identity,
                                   Clock& /*clock*/) {
-  // A name that equals the place is only the default, and the printer's own name is better.
+  // The default of the name is the place. The printer's own name is better, so the default is
+  // removed.
   if (identity.name == spec.place) {
     identity.name = std::nullopt;
   }
