@@ -8,8 +8,8 @@
 namespace quordalvane::virtuals {
 namespace {
 
-// An input stream from the simulated printer. It need not be scheduled on a run loop, because it
-// can be asked on any thread whether it is ready.
+// An input stream from the simulated printer. The stream need not be scheduled on a run loop,
+// because any thread can ask whether it is ready.
 class VirtualInputStream : public NSInputStream {
  public:
   explicit VirtualInputStream(std::shared_ptr<VirtualLink> link) : link_(std::move(link)) {}

@@ -17,7 +17,7 @@ namespace quordalvane::virtuals {
 /// An accessory with a simulated printer, which runs in this process and uses the caller's clock.
 class VirtualAccessory : public IdentifiedAccessory {
  public:
-  /// `clock` must outlive the accessory and its sessions. The link of each session initially has
+  /// `clock` must outlive the accessory and its sessions. The link of each new session begins with
   /// `faults`.
   VirtualAccessory(AccessoryIdentity identity, std::unique_ptr<simulator::VirtualPrinter> printer,
                    Clock& clock, simulator::Faults faults = {});
@@ -25,8 +25,8 @@ class VirtualAccessory : public IdentifiedAccessory {
   bool isConnected() override;
   void noticeLoss() override;
 
-  /// Opens a new connection to the printer, which ends the previous one. Returns null unless the
-  /// accessory has announced `protocol`.
+  /// Opens a new connection to the printer, and ends the previous one. Returns null if the
+  /// accessory does not announce `protocol`.
   std::shared_ptr<EASession> openSession(const std::string& protocol) override;
 
   /// Advances the simulated printer to the current time, and then calls `look`, which may read or
@@ -43,9 +43,9 @@ class VirtualAccessory : public IdentifiedAccessory {
   std::weak_ptr<VirtualLink> link_;  // the link of the newest session
 };
 
-/// Creates an accessory with a simulated printer. `options` set its state, by the names of the
-/// flags of the status record, its settings and its faults. Throws std::invalid_argument for an
-/// invalid option; the message names the key and the values that it takes.
+/// Creates an accessory with a simulated printer. `options` set the printer's flags, by their names
+/// in the status record, its settings and its faults. Throws std::invalid_argument for an invalid
+/// option; the message names the key and the values that it takes.
 std::shared_ptr<VirtualAccessory> makePrinterAccessory(
     AccessoryIdentity identity, const std::vector<std::pair<std::string, std::string>>& options,
     Clock& clock);

@@ -9,7 +9,7 @@ namespace {
 
 using simulator::Instant;
 
-/// Returns the microseconds from `now` to `then`, rounded up: a wait that ended before its event
+/// Returns the microseconds from `now` to `then`, rounded up: if a wait ended before the event, it
 /// would have to be repeated.
 std::uint64_t microsecondsUntil(Instant now, Instant then) {
   return static_cast<std::uint64_t>(
@@ -110,8 +110,8 @@ void VirtualLink::waitForSpace(double seconds) {
   wait(Awaited::Space, seconds);
 }
 
-/// Sleeps from one event of the printer to the next. It locks the printer only between the sleeps,
-/// so that other threads can use it meanwhile.
+/// Sleeps from one event of the printer to the next. The printer is locked only between the sleeps,
+/// so that other threads can use it during a sleep.
 void VirtualLink::wait(Awaited awaited, double seconds) {
   const Instant deadline =
       clock_.monotonic() + std::chrono::round<Instant>(std::chrono::duration<double>(seconds));

@@ -17,7 +17,7 @@ namespace quordalvane::virtuals {
 struct PrinterInside {
   std::mutex mutex;
   std::unique_ptr<simulator::VirtualPrinter> printer;
-  simulator::Faults faults;  // the faults of later links
+  simulator::Faults faults;  // the faults that each new link begins with
 };
 
 /// One connection to a simulated printer. A session, its streams and its accessory share it. Each
@@ -48,7 +48,7 @@ class VirtualLink {
   std::int64_t write(std::span<const std::uint8_t> bytes);
   std::int64_t read(std::span<std::uint8_t> bytes);
 
-  /// Ends the connection. After it there are no bytes to read and no space to write.
+  /// Ends the connection. Afterwards there are no bytes to read and there is no space to write.
   void close();
 
   /// Wait until there are bytes to read or space to write, the link is lost, or `seconds` have
