@@ -14,8 +14,8 @@ namespace quordalvane {
 /// The texts with which an accessory describes itself. The defaults fit a printer of the maker
 /// "quor dalvane".
 struct AccessoryIdentity {
-  std::optional<std::string> name;          ///< a port name may select the accessory by it
-  std::optional<std::string> serialNumber;  ///< a port name may select the accessory by it as well
+  std::optional<std::string> name;          ///< a port name may select the accessory by its name
+  std::optional<std::string> serialNumber;  ///< a port name may select the accessory by this number
   std::optional<std::string> modelNumber;   ///< for example "XQ700"
 
   /// The maker. A port chooses only accessories of the default maker; the letter case does not
@@ -27,7 +27,7 @@ struct AccessoryIdentity {
   std::vector<std::string> protocolStrings = {"com.quordalvane.receipt"};
 
   ProofKind proof =
-      ProofKind::Auto;  ///< how its printer confirms jobs; Auto if this is not configured
+      ProofKind::Auto;  ///< how the printer confirms jobs; Auto if this is not configured
   std::string address;  ///< the Bluetooth address, for the description; may be ""
   std::uint64_t connectionID = 0;  ///< a number that distinguishes the accessories of a process
 };
@@ -36,7 +36,7 @@ struct AccessoryIdentity {
 /// back ends.
 class QUOR_EXPORT IdentifiedAccessory : public EAAccessory {
  public:
-  /// The accessory describes itself by `identity`.
+  /// The functions below return the texts of `identity`.
   explicit IdentifiedAccessory(AccessoryIdentity identity);
 
   std::optional<std::string> name() override { return identity_.name; }

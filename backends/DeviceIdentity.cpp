@@ -16,8 +16,7 @@ std::string inSmallLetters(std::string text) {
   return text;
 }
 
-// Returns the path with all links resolved. The path may not exist yet, if the device is not
-// plugged in.
+// Returns the path with all links resolved. The path need not exist: the device may be unplugged.
 std::string throughLinks(const std::string& path) {
   std::error_code error;
   const auto absolute = std::filesystem::absolute(path, error);

@@ -203,8 +203,8 @@ std::string offers(const std::string& place) {
   refuse("device " + inQuotes(text) + ": takes " + listed + ", then ,key=value" + offers(place));
 }
 
-// Returns the scheme of `place`, which may be written without it, and changes `place` to the place
-// in this scheme.
+// Returns the scheme of the device text `text`, which may omit the scheme. Changes `place` to the
+// place in this scheme.
 const Scheme& schemeOf(std::string_view text, std::string& place) {
   const std::size_t colon = place.find(':');
   if (const Scheme* const named =

@@ -35,13 +35,13 @@ struct DeviceSpec {
   std::string scheme;  ///< for example "tcp"
   std::string place;   ///< the text after the scheme
 
-  /// The texts from the keys; a text that was not given has its default. The default of the name is
-  /// the place. The connection identifier is not set here.
+  /// The texts of the accessory, taken from the keys. A text without a key has its default; the
+  /// default of the name is the place. The connection identifier is not set here.
   AccessoryIdentity identity;
 
   std::optional<std::uint64_t> id;  ///< the connection identifier, if the key `id` was given
 
-  /// The keys that only this scheme takes, as given and in the given order.
+  /// The keys that only this scheme takes, and their values, in the order of the device text.
   std::vector<std::pair<std::string, std::string>> options;
 };
 

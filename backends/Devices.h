@@ -15,16 +15,16 @@
 namespace quordalvane {
 
 /// Creates the accessory that `spec` describes. It connects only when a session is opened on it.
-/// Its connection identifier is that of `spec`, or otherwise the next number in this process: 1, 2,
-/// and so on. `clock` must outlive the accessory; the virtual printer uses it.
+/// Its connection identifier is the `id` of `spec`; without one, it is the next number in this
+/// process: 1, 2, and so on. `clock` must outlive the accessory; the virtual printer uses it.
 ///
 /// Throws `std::invalid_argument`, with a message for people, if there is no back end for the
 /// scheme or the virtual printer refuses an option. Any thread may call it.
 QUOR_EXPORT std::shared_ptr<EAAccessory> makeAccessory(const DeviceSpec& spec, Clock& clock);
 
-/// Returns the texts of the devices that `text` means. For `bluetooth:` there is one for each
-/// printer that is paired now, with the keys of `text`. For any other text, and if no printer is
-/// paired, it is `text` itself. Any thread may call it.
+/// Returns the device texts that `text` stands for. `bluetooth:` stands for one device text for
+/// each printer that is paired now, with the keys of `text`. Any other text stands for itself, and
+/// so does `bluetooth:` if no printer is paired. Any thread may call it.
 QUOR_EXPORT std::vector<std::string> devicesMeantBy(const std::string& text);
 
 /// Creates the platform of an ordinary program, attaches the devices in `specs` to it in this
@@ -34,22 +34,22 @@ QUOR_EXPORT std::vector<std::string> devicesMeantBy(const std::string& text);
 ///     quordalvane::connectDevices({"tcp:192.0.2.10:9100,name=Kitchen"});
 ///
 /// Nothing is connected before a port is opened. Returns the platform, to which more devices can be
-/// attached. Throws the exceptions of `parseDeviceSpec` and `makeAccessory`; the platform of the
-/// process does not change then.
+/// attached. Throws the exceptions of `parseDeviceSpec` and `makeAccessory`; then the platform of
+/// the process is unchanged.
 QUOR_EXPORT std::shared_ptr<posix::PosixPlatform> connectDevices(
     const std::vector<std::string>& specs);
 
-/// Returns, as a text for people, why the latest session on `accessory` could not be opened.
-/// Returns "" if it was opened, or if the accessory's back end gives no reasons.
+/// Returns, as a text for people, the reason why the latest session on `accessory` could not be
+/// opened. Returns "" if the session was opened, or if the accessory's back end gives no reasons.
 QUOR_EXPORT std::string lastOpenError(EAAccessory& accessory);
 
-/// Returns the error code of this reason; 0 if it has no code. `std::errc::device_or_resource_busy`
-/// means that another program uses the device.
+/// Returns the error code of the reason that `lastOpenError` returns; 0 if the reason has no code.
+/// `std::errc::device_or_resource_busy` means that another program uses the device.
 QUOR_EXPORT std::error_code lastOpenErrorCode(EAAccessory& accessory);
 
-/// Returns, as a text for people, why a USB printer does not print, for example "paper out". Its
-/// USB port reports this even if the printer does not answer. Returns "" if the port reports
-/// nothing, if no session is open on `accessory`, and for all other devices.
+/// Returns, as a text for people, why a USB printer does not print, for example "paper out". The
+/// printer's USB port reports the reason even if the printer does not answer. Returns "" if the
+/// port reports nothing, if no session is open on `accessory`, and for all other devices.
 QUOR_EXPORT std::string portState(EAAccessory& accessory);
 
 }  // namespace quordalvane

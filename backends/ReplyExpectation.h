@@ -5,15 +5,15 @@
 namespace quordalvane {
 
 /// Keeps track of whether a reply of the device may still arrive, so that no reader waits for bytes
-/// that cannot arrive. The writer says for each write whether it may be answered. The number of
-/// replies is unknown, so in doubt this class expects one more:
+/// that cannot arrive. The writer says of each write whether the device may answer it. The number
+/// of replies is unknown, so in case of doubt this class expects another reply:
 ///
 /// - A write that cannot be answered changes nothing.
-/// - After any other write a reply is expected until bytes have arrived after it and all of them
-///   were taken.
-/// - If a write is followed by a wait without bytes and then by another write, two replies are
-///   expected: the next bytes may be the late reply to the first write.
-/// - After a reply, a whole wait without bytes means that no more replies are expected.
+/// - After any other write, a reply is expected until bytes have arrived after this write and the
+///   reader has taken all of them.
+/// - After a write, a wait without bytes and another write, two replies are expected: the next
+///   bytes may be the late reply to the first write.
+/// - After a reply and a whole wait without bytes, no more replies are expected.
 ///
 /// The class is not thread-safe; the link that owns the object protects it by a lock.
 class ReplyExpectation {
@@ -36,7 +36,7 @@ class ReplyExpectation {
     repliedSinceWrite_ = false;
   }
 
-  /// Records that bytes arrived and that all of them were taken.
+  /// Records that bytes arrived and that the reader took all of them.
   void ranDryAfterBytes() {
     repliedSinceWrite_ = true;
     silentSinceWrite_ = false;

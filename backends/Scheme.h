@@ -17,13 +17,13 @@ namespace quordalvane {
 /// A key that only one scheme takes.
 struct SchemeKey {
   std::string_view name;                  ///< the text before the equals sign
-  std::string_view values;                ///< the values that it takes, as a text for people
+  std::string_view values;                ///< the values that the key takes, as a text for people
   bool (*takes)(std::string_view value);  ///< returns whether the key takes this value
 };
 
 /// A reason why a device may fail to open, and the advice for it.
 struct OpenCause {
-  static constexpr int anyCode = 0;  ///< the `code` that stands for every error of the category
+  static constexpr int anyCode = 0;  ///< as `code`: every error of the category
 
   int code;                 ///< an error code of the system or of `category`
   std::string_view name;    ///< the name of the cause for scripts
@@ -41,13 +41,14 @@ struct OpenCause {
 struct SchemeVariant {
   DeviceSpec spec;    ///< the device with this setting
   std::string words;  ///< the setting in words: "at 9600 baud"
-  std::string keys;   ///< the keys that select it: ",baud=9600"
+  std::string keys;   ///< the keys that select this setting: ",baud=9600"
   std::string_view
       cause;  ///< the name of the finding if the printer answers only with this setting
 };
 
 /// A scheme: all data about one way to reach devices. The table of all schemes is in
-/// `backends/Schemes.cpp`. The command's help, completion and advice are made from it.
+/// `backends/Schemes.cpp`. The help, the completion and the advice of the command are made from
+/// this table.
 ///
 /// A scheme is defined as `constinit const Scheme scheme = {.name = "tcp", ...}`. Members with a
 /// default may be left out.
@@ -59,7 +60,7 @@ struct Scheme {
   /// Throws `std::invalid_argument` for an invalid place.
   void (*checkPlace)(const std::string& place);
 
-  /// Creates the accessory. Throws `std::invalid_argument` for an option that it refuses.
+  /// Creates the accessory. Throws `std::invalid_argument` for an option that is not valid.
   std::shared_ptr<EAAccessory> (*make)(const DeviceSpec& spec, AccessoryIdentity identity,
                                        Clock& clock);
 
@@ -69,23 +70,24 @@ struct Scheme {
   std::span<const OpenCause> causes = {};  ///< possible reasons if a session cannot be opened
   std::span<const SchemeKey> keys = {};    ///< the keys that only this scheme takes
 
-  /// A text for people about keys that are not listed in `keys`. If it is not empty, `make` checks
-  /// those keys, and they may be written in place of the place: `virtual:coverOpen=true`.
+  /// A text for people about keys that are not listed in `keys`. If this text is not empty, `make`
+  /// checks those keys, and a device text may have them directly after the scheme, without a place:
+  /// `virtual:coverOpen=true`.
   std::string_view moreKeys = {};
 
   /// The name of the accessory if the place is empty.
   std::string_view nameWithoutPlace = {};
 
-  /// Returns the place that a person means by `text`, which names no scheme; nullopt if it does not
-  /// belong to this scheme.
+  /// Returns the place in this scheme that a person means by `text`, a device text without a
+  /// scheme; nullopt if `text` does not belong to this scheme.
   std::optional<std::string> (*placeMeantBy)(std::string_view text) = nullptr;
 
-  /// Returns the places of all devices that an empty place stands for at this moment. None of them
-  /// contains a comma or a backslash. The pointer is null if an empty place means one device or is
-  /// not allowed.
+  /// Returns the places of all devices that an empty place stands for at this moment. No returned
+  /// place contains a comma or a backslash. The pointer is null if an empty place means one device
+  /// or is not allowed.
   std::vector<std::string> (*places)() = nullptr;
 
-  /// True if each process has its own device of this kind.
+  /// True if every process has a device of its own, which no other process can use.
   bool isOfOneProcess = false;
 
   /// Returns the path of the file that is opened for the device; "" if it is unknown now. The
