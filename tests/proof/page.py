@@ -36,10 +36,11 @@ def figures(page: str) -> dict[str, dict[str, str]]:
 def written(figures: dict[str, dict[str, str]]) -> str:
     lines = [
         "# The proof", "",
-        "`./dev prove` writes this page. Each row shows the figures of its last run, at the size that it names: `commit`,",
-        "`nightly` or `release`, each larger than the one before. The column *how far* is the share of this size that is",
-        "done; a run that was stopped continues there. A row that was not run says so. The third column says which part",
-        "of a row `./dev test` runs at each commit, at the size `commit`; only `./dev prove` runs the rest.", "",
+        "`./dev prove` writes this page. Each row shows the figures of its last run, and the size of this run: `commit`,",
+        "`nightly` or `release`. `nightly` has more cases than `commit`, and `release` has more than `nightly`. The column",
+        "*how far* shows how much of this size is done; a run that was stopped continues there. A row that was not run says",
+        "so. The column *at each commit* says which part of a row `./dev test` runs, at the size `commit`; only",
+        "`./dev prove` runs the rest.", "",
         HEAD, "|" + "---|" * 10,
     ]
     defects = [cells(line) for line in table("defects.md")[2:]]
@@ -49,11 +50,11 @@ def written(figures: dict[str, dict[str, str]]) -> str:
         values = [row.title, row.shows, row.suite, *(figure[name] for name in FIGURES[:5]), str(found), figure["run at"]]
         lines.append("| " + " | ".join(values) + " |")
     lines += [
-        "", "Other programs used the machines as well. After a run, `build/proof/details.md` holds the commands, the output of",
-        "each program and the tables of mutants, branches and breaks.", "",
+        "", "Other programs used the machines as well. After a run, `build/proof/details.md` contains the commands, the output of",
+        "each program, and the tables of mutants, branches and breaks.", "",
         "[tests/proof/defects.md](../tests/proof/defects.md) lists the defects that were found, each with the test that would",
-        "find it again. Two tables beside it list the branches that no test takes and the mutants that no test can kill, each",
-        "with the reason.",
+        "find it again. Beside that file, `uncovered.md` lists the branches that no test takes, and `survivors.md` lists the",
+        "mutants that no test can kill; both give the reasons.",
     ]
     return "\n".join(lines) + "\n"
 
