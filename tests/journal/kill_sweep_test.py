@@ -6,19 +6,12 @@ QUOR_KILL_POINTS is the number of calls that are tried for each printer, evenly 
 import os
 import subprocess
 
-from harness import DEADLINE, QUORPORT, Case, eventually, main, run
+from harness import DEADLINE, QUORPORT, Case, eventually, main, proof_names, run
 
 KILL_AT = os.environ["KILL_AT"]
 POINTS = os.environ.get("QUOR_KILL_POINTS", "16")
 KILLED = 137
 RECEIPT = b"Espresso  2.20\nCake  3.80\n"
-
-
-def proofs(emulation: str) -> list[str]:
-    """The options that this command accepts."""
-    if emulation == "line" or "--proof" not in run("print", "--help").out:
-        return [""]
-    return ["block", "process-id", "in-order"]
 
 
 class KillSweep(Case):
@@ -78,7 +71,7 @@ class KillSweep(Case):
         return sum(outcomes.values())
 
     def test_no_job_is_on_paper_twice_and_none_is_printed_without_paper(self):
-        settings = [(emulation, proof) for emulation in ("line", "escpos") for proof in proofs(emulation)]
+        settings = [("line", ""), *(("escpos", proof) for proof in proof_names())]
         print(f"{sum(self.sweep(*setting) for setting in settings)} cases")
 
 

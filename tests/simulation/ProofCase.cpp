@@ -116,14 +116,23 @@ void addTroubles(Case& made, Dice& dice) {
 
 }  // namespace
 
+std::vector<ProofKind> everyProof() {
+  std::vector<ProofKind> kinds;
+  for (const ProofWords& proof : proofWords) {
+    if (proof.kind != ProofKind::None) {
+      kinds.push_back(proof.kind);
+    }
+  }
+  return kinds;
+}
+
 ProofCase makeProofCase(std::uint64_t seed) {
   Dice dice(seed);
   ProofCase made;
   Case& common = made.common;
   common.seed = seed;
   common.emulation = ZKEmulationESCPOS;
-  common.proof = dice.among({ProofKind::Auto, ProofKind::Auto, ProofKind::Block,
-                             ProofKind::ProcessId, ProofKind::InOrder});
+  common.proof = dice.oneIn(5) ? ProofKind::Auto : dice.among(everyProof());
   made.gives = dice.among<const char*>({"none", "block", "process-id", "in-order",
                                         "block+process-id", "block+in-order", "process-id+in-order",
                                         "block+process-id+in-order"});

@@ -26,6 +26,9 @@ struct ProofCase {
   bool isHonest = false;
 };
 
+/// All proofs that can be chosen for a job: `Auto` and those that a printer can give.
+std::vector<ProofKind> everyProof();
+
 /// The case of a seed.
 ProofCase makeProofCase(std::uint64_t seed);
 

@@ -91,9 +91,7 @@ bool isBeyondACount(const Fault& one, const Fault& other) {
 
 class EverySchedule : public testing::TestWithParam<ProofKind> {};
 
-INSTANTIATE_TEST_SUITE_P(Simulation, EverySchedule,
-                         testing::Values(ProofKind::Auto, ProofKind::Block, ProofKind::ProcessId,
-                                         ProofKind::InOrder));
+INSTANTIATE_TEST_SUITE_P(Simulation, EverySchedule, testing::ValuesIn(everyProof()));
 
 TEST_P(EverySchedule, OfTwoFaultsNeverConfirmsAJobWithoutThePaper) {
   const Receipt receipt = threeCommands();

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <initializer_list>
 #include <random>
+#include <vector>
 
 #include "tests/support/Bytes.h"
 
@@ -27,6 +28,11 @@ class Dice {
   template <typename Value>
   Value among(std::initializer_list<Value> values) {
     return values.begin()[below(values.size())];
+  }
+
+  template <typename Value>
+  Value among(const std::vector<Value>& values) {
+    return values[below(values.size())];
   }
 
   Bytes bytes(std::size_t count) {

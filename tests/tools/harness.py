@@ -71,6 +71,12 @@ def run(*arguments, data: bytes | None = None, **options) -> Result:
     return finish(start(*arguments, **options), began, data)
 
 
+def proof_names() -> list[str]:
+    """The names of the proofs that a printer can give, as the help of `print` lists them."""
+    help_text = " ".join(run("print", "--help").out.split())
+    return re.search(r"auto, (\S+(?:, \S+)*) or none", help_text)[1].split(", ")
+
+
 def eventually(condition: Callable[[], object], what: str):
     """Asks until the answer is true, and returns it."""
     end = time.monotonic() + DEADLINE

@@ -3,7 +3,7 @@
 import os
 import pty
 
-from harness import STATUS_KEYS, Case, finish, main, run, start
+from harness import STATUS_KEYS, Case, finish, main, proof_names, run, start
 
 KEYS = {"ok", "device", "outcome", "proof", "resultCode", "bytesTotal", "bytesAccepted", "status", "error"}
 
@@ -79,7 +79,7 @@ class Printing(Case):
             self.assertEqual((answer["outcome"], answer["proof"]), ("printed", used))
 
     def test_a_named_proof_is_the_one_that_is_used(self):
-        for proof in ("block", "process-id", "in-order"):
+        for proof in proof_names():
             answer = run("-d", "virtual:", "-e", "escpos", "print", "--proof", proof, "-", "--json", data=b"text\n").json()
             self.assertEqual((answer["outcome"], answer["proof"]), ("printed", proof))
 

@@ -89,15 +89,14 @@ INSTANTIATE_TEST_SUITE_P(Job, EndlessBytes,
                                           testing::Values(ZKEmulationQuorLine, ZKEmulationESCPOS)));
 
 TEST_P(EndlessBytes, EndAJobInTimeAndConfirmNothing) {
-  for (const ProofKind proof : {ProofKind::Auto, ProofKind::Block, ProofKind::ProcessId,
-                                ProofKind::InOrder, ProofKind::None}) {
+  for (const auto& [proof, name, about] : proofWords) {
     PrintResult result;
     const auto time = timeOf(
         [&](const auto& port) { result = PrintJob(port, {.proof = proof}).run("receipt\n"); });
-    EXPECT_LT(time, std::chrono::seconds(25)) << nameOf(proof);
-    EXPECT_NE(result.outcome, PrintOutcome::Printed) << nameOf(proof);
-    EXPECT_EQ(result.outcome == PrintOutcome::Refused, result.bytesAccepted == 0) << nameOf(proof);
-    EXPECT_NE(result.reason, "") << nameOf(proof);
+    EXPECT_LT(time, std::chrono::seconds(25)) << name;
+    EXPECT_NE(result.outcome, PrintOutcome::Printed) << name;
+    EXPECT_EQ(result.outcome == PrintOutcome::Refused, result.bytesAccepted == 0) << name;
+    EXPECT_NE(result.reason, "") << name;
   }
 }
 

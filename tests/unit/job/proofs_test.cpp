@@ -139,9 +139,9 @@ TEST(NamedProof, NoneMeansThatThePrinterIsNotAsked) {
 }
 
 TEST(Proofs, CanBeFoundByTheirNames) {
-  for (const ProofKind kind : {ProofKind::Auto, ProofKind::Block, ProofKind::ProcessId,
-                               ProofKind::InOrder, ProofKind::None}) {
-    EXPECT_EQ(proofNamed(nameOf(kind)), kind);
+  for (const ProofWords& proof : proofWords) {
+    EXPECT_EQ(proofNamed(proof.name), proof.kind);
+    EXPECT_EQ(nameOf(proof.kind), proof.name);
   }
   EXPECT_EQ(proofNamed("Block"), std::nullopt);
 }
@@ -152,9 +152,7 @@ class EndSignProof : public testing::TestWithParam<ProofKind> {
     options.proof = GetParam();
     return PrintJob(till.port, std::move(options)).run(receiptText);
   }
-  static const char* name() {
-    return GetParam() == ProofKind::ProcessId ? "process-id" : "in-order";
-  }
+  static const char* name() { return nameOf(GetParam()).data(); }
 };
 
 INSTANTIATE_TEST_SUITE_P(Job, EndSignProof,
