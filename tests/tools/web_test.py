@@ -224,6 +224,20 @@ class Stream(BrowserCase):
         answers = [entry for entry in entries if entry["kind"] == "answer"]
         self.assertEqual([len(entry["bytes"]) for entry in answers], [18])
 
+    def test_shows_a_page_that_is_opened_late_the_latest_entries_of_the_log(self):
+        simulator, browser = self.open()
+        events = self.events(browser)
+        for _ in range(250):
+            simulator.control({"get": "counters"})
+        seen = []
+        while len(seen) < 250:
+            seen += events.next("log")["entries"]
+        late = self.events(browser)
+        late.next("snapshot")
+        simulator.control({"get": "counters"})
+        log = late.next("log")
+        self.assertEqual((log["entries"], log["skipped"]), (seen[50:], 50))
+
     def test_continues_after_the_last_event_that_was_read(self):
         simulator, browser = self.open()
         events = self.events(browser)

@@ -137,6 +137,7 @@ Answer Site::readEvents(const http::Request& request, const http::EventLog& even
     const auto& paper = printer.paper().events();
     first.insert(first.end(), paper.begin(), paper.end());
   }
+  first.push_back(http::eventText("log", inOneLine(traffic_.kept())));
   return answer;
 }
 

@@ -7,6 +7,7 @@
 #include "tools/quorport/simulate/Control.h"
 #include "tools/quorport/web/PrinterShow.h"
 #include "tools/quorport/web/ReceiptShelf.h"
+#include "tools/quorport/web/TrafficLog.h"
 
 namespace quordalvane::tool {
 
@@ -14,8 +15,9 @@ namespace quordalvane::tool {
 class Site {
  public:
   /// The arguments must outlive it.
-  Site(std::deque<PrinterShow>& printers, const ReceiptShelf& receipts, Control& control)
-      : printers_(printers), receipts_(receipts), control_(control) {}
+  Site(std::deque<PrinterShow>& printers, const ReceiptShelf& receipts, const TrafficLog& traffic,
+       Control& control)
+      : printers_(printers), receipts_(receipts), traffic_(traffic), control_(control) {}
 
   /// `events` is the log that readers of events are sent; `now` is the time for control lines.
   http::Answer answer(const http::Request& request, const http::EventLog& events,
@@ -30,6 +32,7 @@ class Site {
 
   std::deque<PrinterShow>& printers_;
   const ReceiptShelf& receipts_;
+  const TrafficLog& traffic_;
   Control& control_;
 };
 

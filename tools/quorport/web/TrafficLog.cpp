@@ -122,9 +122,19 @@ Json TrafficLog::take() {
   Json entries = Json::array();
   for (const Entry& entry : entries_) {
     entries.push_back(inJson(entry));
+    kept_.push_back(entries.back());
   }
   entries_.clear();
+  notKept_ += skipped_;
+  while (kept_.size() > mostKept) {
+    kept_.pop_front();
+    ++notKept_;
+  }
   return {{"entries", std::move(entries)}, {"skipped", std::exchange(skipped_, 0)}};
+}
+
+Json TrafficLog::kept() const {
+  return {{"entries", kept_}, {"skipped", notKept_}};
 }
 
 }  // namespace quordalvane::tool

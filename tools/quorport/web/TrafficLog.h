@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,10 +14,11 @@ namespace quordalvane::tool {
 
 /// Collects the commands that printers received, and their answers, until they are shown.
 /// Consecutive characters become one entry. If there are too many entries, the rest is only
-/// counted.
+/// counted. Keeps the latest entries for pages that are opened later.
 class TrafficLog {
  public:
   static constexpr std::size_t mostEntries = 500;
+  static constexpr std::size_t mostKept = 200;  ///< as many as the page shows
 
   /// Adds a command to printer number `printer`, or an answer of it; `time` is in milliseconds
   /// since 1970.
@@ -33,6 +35,10 @@ class TrafficLog {
 
   /// Returns the entries as one JSON object, and removes them.
   Json take();
+
+  /// Returns the latest entries that `take` has returned, in the same form. Those before them are
+  /// counted as skipped.
+  Json kept() const;
 
  private:
   struct Entry {
@@ -52,6 +58,8 @@ class TrafficLog {
 
   std::vector<Entry> entries_;
   std::uint64_t skipped_ = 0;
+  std::deque<Json> kept_;
+  std::uint64_t notKept_ = 0;
 };
 
 }  // namespace quordalvane::tool

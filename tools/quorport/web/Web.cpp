@@ -74,7 +74,7 @@ class Web : public Audience {
  public:
   Web(std::unique_ptr<Listener> place, std::list<Station>& stations, Control& control)
       : place_(std::move(place)),
-        site_(printers_, receipts_, control),
+        site_(printers_, receipts_, traffic_, control),
         server_(place_->descriptor(), endpointOf(*place_), [this](const http::Request& request) {
           return site_.answer(request, server_.events(), now_);
         }) {

@@ -34,8 +34,8 @@ export async function control(printer, line) {
 }
 
 /**
- * if the server has refused it, this connects again=>if the server has refused the connection, this function connects
- * again
+ * Calls the handler of each event with its data, and `onLink` with true or false when the connection opens or fails. If
+ * the server has refused the connection, connects again.
  */
 export function follow(handlers, onLink) {
   const source = new EventSource("api/events");
