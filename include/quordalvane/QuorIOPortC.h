@@ -22,9 +22,9 @@
  * properties and call quor_port_is_connected at any time. Any thread may call the other functions,
  * unless their comments say otherwise.
  *
- * Time-outs are in milliseconds. Those of a port are rounded down to whole seconds of the wall
- * clock: a time-out of n seconds ends after n to n + 1 seconds, and one below 1000 ms ends when the
- * second of the clock changes.
+ * Time-outs are in milliseconds. The time-outs of a port are rounded down to whole seconds of the
+ * wall clock: a time-out of n seconds ends after n to n + 1 seconds, and a time-out below 1000 ms
+ * ends when the second of the clock changes.
  */
 
 #include <quordalvane/QuorCodeC.h>

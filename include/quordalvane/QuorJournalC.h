@@ -48,9 +48,9 @@ QUOR_EXPORT QuorCode quor_journal_file(QuorJournal* journal, char* text, size_t 
 /** The state of a job in a journal. */
 enum {
   QUOR_JOB_REFUSED = 0,     /**< no attempt sent any byte of the job */
-  QUOR_JOB_UNCONFIRMED = 1, /**< nobody knows whether it is on paper */
-  QUOR_JOB_PRINTING = 2,    /**< a running process is printing it */
-  QUOR_JOB_PRINTED = 3      /**< the printer confirmed that it was printed */
+  QUOR_JOB_UNCONFIRMED = 1, /**< nobody knows whether the job is on paper */
+  QUOR_JOB_PRINTING = 2,    /**< a running process is printing the job */
+  QUOR_JOB_PRINTED = 3      /**< the printer confirmed that the job was printed */
 };
 
 /** One job of a journal. The library owns its texts, which are valid only during the call that
@@ -121,9 +121,8 @@ QUOR_EXPORT QuorCode quor_named_job_create(QuorJournal* journal, const QuorNamed
 /** Frees the handle and the name. */
 QUOR_EXPORT void quor_named_job_free(QuorNamedJob* job);
 
-/** Returns 1 if the journal gives an answer without printing: the job was printed, nobody knows
- * whether it is on paper, or another process is still printing it. Returns 0 if the job must be
- * run. */
+/** Returns 1 if the journal already has the answer: the job was printed, nobody knows whether the
+ * job is on paper, or another process is still printing it. Returns 0 if the job must be run. */
 QUOR_EXPORT int32_t quor_named_job_is_answered(QuorNamedJob* job);
 
 /** Runs `print_job` with the data. The beginning is recorded on disk before the first byte is sent,
@@ -159,10 +158,10 @@ QUOR_EXPORT QuorCode quor_named_job_not_recorded(QuorNamedJob* job, char* text, 
 typedef struct QuorTurn QuorTurn;
 
 /** Takes the turn on the printer with this device text. If another job has it, waits for at most
- * `timeout`. The turn ends when it is freed or the process ends. Returns QUOR_NONE, with null in
- * `*turn`, for a printer that no other process can use, such as "virtual:"; QUOR_FAILED if another
- * job still has the turn; QUOR_USAGE if `device` is not a device text; QUOR_UNEXPECTED if the lock
- * file cannot be used. `waiting` may be null. */
+ * `timeout`. The turn ends when quor_turn_free is called or the process ends. For a printer that no
+ * other process can use, such as "virtual:", stores null in `*turn` and returns QUOR_NONE. Returns
+ * QUOR_FAILED if another job still has the turn, QUOR_USAGE if `device` is not a device text, and
+ * QUOR_UNEXPECTED if the lock file cannot be used. `waiting` may be null. */
 QUOR_EXPORT QuorCode quor_turn_take(const char* device, uint32_t timeout, QuorWaiting waiting,
                                     void* context, QuorTurn** turn);
 

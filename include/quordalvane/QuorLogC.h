@@ -70,7 +70,8 @@ QUOR_EXPORT QuorCode quor_log_add_standard_error(QuorLogSink** sink);
 
 /** Waits until the sink has received all earlier records, removes it, and frees the handle in any
  * case. Returns QUOR_FAILED if the sink is still busy after 2 s, or if the sink itself makes this
- * call; its function may then still be called, until quor_log_flush has returned QUOR_OK. */
+ * call. In both cases the function of the sink may still be called, until quor_log_flush has
+ * returned QUOR_OK. */
 QUOR_EXPORT QuorCode quor_log_remove_sink(QuorLogSink* sink);
 
 /** Waits until the sinks have received every record logged so far. Returns QUOR_FAILED if this

@@ -36,9 +36,9 @@ enum {
 typedef struct QuorPort QuorPort;
 
 /** Creates a port and opens nothing. `port_name` is "BT:" or null for the first printer that is
- * attached, or "BT:" followed by a name, serial number or Bluetooth address. It is UTF-8; its first
- * three characters are the prefix, even if they are not "BT:". `port_settings` may be null, or
- * contain the letter d followed by the data time-out, 0 to 255 seconds. `timeout` is the
+ * attached, or "BT:" followed by a name, serial number or Bluetooth address. The name is UTF-8; its
+ * first three characters are the prefix, even if they are not "BT:". `port_settings` may be null,
+ * or contain the letter d followed by the data time-out, 0 to 255 seconds. `timeout` is the
  * input/output time-out, called the creation time-out below; with 0, a wait ends when the second of
  * the clock changes. On the main thread the function also starts the port's own thread, which runs
  * until quor_port_close. Returns QUOR_FAILED, with null in `*port`, if quor_connect_devices was not
@@ -83,8 +83,8 @@ QUOR_EXPORT QuorCode quor_port_read(QuorPort* port, void* buffer, size_t capacit
 /** Sends a whole short command. Tries again every 50 ms until the whole command is sent or the
  * creation time-out has passed, and stores the number of bytes in `*written`. Returns QUOR_FAILED,
  * with 0 in `*written`, if the link is lost or the time-out passes; a part of the command may have
- * been sent then. Use it only for commands that a link takes at once: if the link takes only a part
- * of a command, bytes may be left out or sent twice. Send print data by a print job. */
+ * been sent then. Use this function only for commands that a link takes at once: if the link takes
+ * only a part of a command, bytes may be left out or sent twice. Send print data by a print job. */
 QUOR_EXPORT QuorCode quor_port_write_with_retry(QuorPort* port, const void* command, size_t size,
                                                 size_t* written);
 
@@ -107,9 +107,9 @@ QUOR_EXPORT QuorCode quor_port_set_transfer_observer(QuorPort* port, QuorBytesWr
 /* ---- Port: status ---------------------------------------------------------------------------- */
 
 /** Asks the printer for its status; `level` is only logged. First drops the received bytes that
- * nobody has read. Returns QUOR_FAILED if there was no usable answer: in line mode after about 3 s,
- * with the record unchanged; in ESC/POS within the creation time-out, with the record perhaps
- * partly written. Returns QUOR_PORT_EXCEPTION if the link is lost. */
+ * nobody has read. Returns QUOR_FAILED if there was no usable answer. In line mode this takes about
+ * 3 s, and the record is unchanged. In ESC/POS it takes up to the creation time-out, and the record
+ * may be partly written. Returns QUOR_PORT_EXCEPTION if the link is lost. */
 QUOR_EXPORT QuorCode quor_port_get_parsed_status(QuorPort* port, QuorPrinterStatus_2* status,
                                                  uint32_t level);
 
@@ -132,9 +132,10 @@ enum {
 /** Prepares the printer for a job whose printing quor_port_end_checked_block will verify. `status`
  * receives each status that the printer sends. Returns QUOR_OK if the exchange worked;
  * `*result_code` is then success, or failed if a line-mode printer was off line and nothing was
- * sent. Returns QUOR_FAILED, with failed or paper present in `*result_code`, if the exchange
- * failed, if the printer's counter was not reset within the creation time-out, or if nobody took
- * the paper within the hold-print time-out. Returns QUOR_PORT_EXCEPTION if the link is lost. */
+ * sent. Returns QUOR_FAILED if the exchange failed, or if the printer's counter was not reset
+ * within the creation time-out; `*result_code` is then failed. Also returns QUOR_FAILED if nobody
+ * took the paper within the hold-print time-out; `*result_code` is then paper present. Returns
+ * QUOR_PORT_EXCEPTION if the link is lost. */
 QUOR_EXPORT QuorCode quor_port_begin_checked_block(QuorPort* port, QuorPrinterStatus_2* status,
                                                    uint32_t level, int64_t* result_code);
 
@@ -152,10 +153,10 @@ QUOR_EXPORT QuorCode quor_port_start_data_cancel(QuorPort* port);
 /* ---- Port: facts about the printer ----------------------------------------------------------- */
 
 /** Ask for the firmware text, which quor_port_firmware_information then returns; after a failure it
- * still returns the earlier text. The first function checks the status before, and fails if the
- * printer is off line; the others send only the query of line mode or of ESC/POS. They return
- * QUOR_FAILED if there is no answer within the creation time-out, and QUOR_UNREADABLE if an ESC/POS
- * reply has only one byte.
+ * still returns the earlier text. The first function also checks the status, and fails if the
+ * printer is off line. The second sends only the query of line mode, and the third sends only the
+ * query of ESC/POS. All three return QUOR_FAILED if there is no answer within the creation
+ * time-out, and QUOR_UNREADABLE if an ESC/POS reply has only one byte.
  * @{ */
 QUOR_EXPORT QuorCode quor_port_retrieve_firmware_information(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_retrieve_firmware_information2(QuorPort* port);
@@ -197,9 +198,9 @@ QUOR_EXPORT QuorCode quor_port_get_printer_response(QuorPort* port, const char* 
                                                     char* text, size_t capacity, size_t* length);
 
 /** Ask the module to drop the link, and wait up to the creation time-out until the link is lost.
- * The port remains open. They return QUOR_FAILED if the link is not lost by then. The first
- * function puts the module into command mode; the second requires that the module is already in
- * command mode.
+ * The port remains open. Both functions return QUOR_FAILED if the link is not lost by then. The
+ * first function puts the module into command mode; the second requires that the module is already
+ * in command mode.
  * @{ */
 QUOR_EXPORT QuorCode quor_port_disconnect(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_disconnect_bluetooth_connection(QuorPort* port);

@@ -16,11 +16,10 @@ extern "C" {
 
 /** Functions that query a printer over an open port and check its answers. The port's own queries,
  * in QuorPortC.h, do not check: they may accept the rest of an earlier answer, or bytes of another
- * kind of device, as the answer. Nothing is printed.
- *
- * They return QUOR_FAILED if there was no answer or the link did not take the query,
- * QUOR_UNREADABLE if something answered but not as a printer does, QUOR_PORT_EXCEPTION if the link
- * is lost, and QUOR_USAGE if the emulation is unknown. Results are then unchanged.
+ * kind of device, as the answer. Nothing is printed. The functions return QUOR_FAILED if there was
+ * no answer or the link did not take the query, QUOR_UNREADABLE if the answer was not that of a
+ * printer, QUOR_PORT_EXCEPTION if the link is lost, and QUOR_USAGE if the emulation is unknown.
+ * Results are then unchanged.
  *
  * Each function ends within twice the port's time-out plus five seconds, even if the printer never
  * stops sending; quor_printer_disconnect may take ten seconds more. Received bytes that nobody has
@@ -83,7 +82,7 @@ enum {
       5 /**< all data was sent, but its confirmation is missing or could belong to another job */
 };
 
-/** One print job over an open port. It sends the data once and never repeats it by itself. */
+/** One print job over an open port. The job sends its data once, and never again by itself. */
 typedef struct QuorPrintJob QuorPrintJob;
 
 /** A function of the caller. The job calls it on the thread that runs the job: when the job begins,
@@ -108,8 +107,8 @@ QUOR_EXPORT void quor_print_job_free(QuorPrintJob* job);
 QUOR_EXPORT QuorCode quor_print_job_run(QuorPrintJob* job, const void* data, size_t size);
 
 /** Abandons the job. Within 0.3 s the job closes the port; before that it sends the printer a
- * command to drop its data, if the link takes the command. Any thread may call this function, also
- * before the run. It is safe in a signal handler. */
+ * command to drop its data, if the link takes the command. Any thread and any signal handler may
+ * call this function, also before the run. */
 QUOR_EXPORT void quor_print_job_cancel(QuorPrintJob* job);
 
 /** Return the outcome, the obstacle, the result code of the beginning of the checked block (failed
@@ -140,7 +139,7 @@ QUOR_EXPORT uint64_t quor_print_job_bytes_accepted(QuorPrintJob* job);
 QUOR_EXPORT QuorCode quor_print_job_status(QuorPrintJob* job, QuorPrinterStatus_2* status);
 
 /** Copy two texts for a person: the reason why the job was not printed, and advice on the next
- * step. Both are "" if the job was printed.
+ * step. Both texts are "" if the job was printed.
  * @{ */
 QUOR_EXPORT QuorCode quor_print_job_reason(QuorPrintJob* job, char* text, size_t capacity,
                                            size_t* length);
