@@ -187,7 +187,7 @@ bool ExternalAccessoryPort::disconnectBluetoothConnection() {
   while (true) {
     platform_->currentRunLoop().runUntilDate(0.1);
     // The module may send bytes before it drops the link. Nobody reads these bytes, and without
-    // this call the loss of the link would be noticed only after they are read.
+    // this call `isConnected` would return true until somebody reads them.
     if (const auto accessory = _selectedAccessory.get()) {
       accessory->noticeLoss();
     }

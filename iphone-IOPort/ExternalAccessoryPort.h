@@ -48,7 +48,7 @@ QUOR_EXPORT extern const std::uint8_t escAckSoh[3];
 /// keeps the port alive until `close` is called on the main thread.
 ///
 /// **Time.** Time-outs are given in milliseconds and rounded down to whole seconds. A wait with a
-/// limit of n seconds ends once the seconds of the wall clock have advanced by more than n, that is
+/// limit of n seconds ends when the seconds of the wall clock have advanced by more than n, that is
 /// after n to n + 1 seconds. A limit below 1000 ms counts as 0 seconds: the wait ends when the
 /// second of the clock changes. The "creation time-out" is the one that was passed to
 /// `initWithPortName`.
@@ -85,8 +85,8 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// Only `initWithPortName` can call it, because no other code can name the type of the argument.
   explicit ExternalAccessoryPort(Arguments arguments);
 
-  /// Releases the link. It does not close the session in an orderly way and does not end the port
-  /// thread; call `close` for that.
+  /// Releases the link. Does not close the streams first and does not end the port thread; call
+  /// `close` for that.
   ~ExternalAccessoryPort() = default;
 
   ExternalAccessoryPort(const ExternalAccessoryPort&) = delete;
@@ -118,14 +118,14 @@ class QUOR_EXPORT ExternalAccessoryPort
   // -- Bytes --------------------------------------------------------------------------------------
 
   /// Offers `data` to the link; if the link has no space, waits once for space, for at most
-  /// `secInterval2` seconds. Returns the number of bytes that the link took. It may be smaller than
-  /// the size of `data`, and is 0 if there was no space or `data` is empty. Returns -1 if the link
-  /// is lost or reports an error, or if memory is short; some bytes may have been sent then. Makes
-  /// the process ignore the signal SIGPIPE.
+  /// `secInterval2` seconds. Returns the number of bytes that the link took. This number may be
+  /// smaller than the size of `data`, and is 0 if there was no space or `data` is empty. Returns -1
+  /// if the link is lost or reports an error, or if memory is short; some bytes may have been sent
+  /// then. Makes the process ignore the signal SIGPIPE.
   std::int32_t write(const ByteBuffer& data);
 
   /// Says whether the printer may answer the bytes of a write. After a write with `None`, later
-  /// operations do not wait for an answer to its bytes before they send a query of their own.
+  /// operations send their queries at once and do not first wait for an answer to this write.
   enum class Reply { Possible, None };
 
   /// Works as the `write` above, for bytes that are not in a ByteBuffer, for example a part of a
@@ -148,14 +148,14 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// of the command may have been sent then.
   ///
   /// If the link takes only a part of the command, the count is unreliable: it is the sum of all
-  /// attempts, but is compared with the length of the unsent rest alone. It is kept because
-  /// printers in use are driven with this arithmetic. After a partial attempt: (a) if the count
-  /// equals the length of the rest, success is returned although bytes are unsent; (b) if the count
-  /// is below that length, as many bytes are removed from the front of the rest, so that unsent
-  /// bytes are skipped; (c) if the count is above that length, for example because the second
-  /// attempt sent all of the rest, the rest is sent again and again, without pause or time-out, for
-  /// as long as the link takes it. Therefore use this operation for short commands, which a link
-  /// takes at once, and send print data by `write` in a loop, or by a PrintJob.
+  /// attempts, but is compared with the length of the unsent rest alone. This arithmetic is kept
+  /// because printers in use are driven with it. After a partial attempt: (a) if the count equals
+  /// the length of the rest, success is returned although bytes are unsent; (b) if the count is
+  /// below that length, as many bytes are removed from the front of the rest, so that unsent bytes
+  /// are skipped; (c) if the count is above that length, for example because the second attempt
+  /// sent all of the rest, the rest is sent again and again, without pause or time-out, for as long
+  /// as the link takes it. Therefore use this operation for short commands, which a link takes at
+  /// once, and send print data by `write` in a loop, or by a PrintJob.
   std::int32_t writeWithRetry(const ByteBuffer& command);
 
   // -- Status -------------------------------------------------------------------------------------
@@ -182,9 +182,9 @@ class QUOR_EXPORT ExternalAccessoryPort
 
   /// Prepares the printer for a job whose printing `endCheckedBlock` will verify: resets the
   /// printer's counter, sets its data time-out if one is configured, and makes it drop the data
-  /// that it still holds. In line mode it first checks that the printer is on line; after the reset
-  /// it waits until the counter reads 0 (up to the creation time-out) and no paper is left in the
-  /// exit (up to `holdPrintTimeoutMillis`).
+  /// that it still holds. In line mode, `beginCheckedBlock` first checks that the printer is on
+  /// line. After the reset it waits, up to the creation time-out, until the counter reads 0, and,
+  /// up to `holdPrintTimeoutMillis`, until no paper is left in the exit.
   ///
   /// `status` and `resultCode` must not be null; `status` receives each status that the printer
   /// sends. Returns true if the exchange worked; `*resultCode` is then success, or failed if a
@@ -197,12 +197,12 @@ class QUOR_EXPORT ExternalAccessoryPort
 
   /// Ends the block: marks the end of the job and waits, up to `endCheckedBlockTimeoutMillis`,
   /// until the printer shows that it has processed all of the job. Returns true if it has. Also
-  /// returns true if the printer goes off line, which ends the wait: `quorPrinterStatus`, which
-  /// must not be null, then shows off line, and the caller decides what this means for the job. In
-  /// ESC/POS an off-line printer may be on line again before the final status is read, so a true
-  /// result alone does not prove that the job was printed. Returns false if a write failed or the
-  /// time-out passed. Throws the exceptions of `getParsedStatus`. In ESC/POS it drops the received
-  /// bytes that nobody has read.
+  /// returns true if the printer goes off line, because this ends the wait: `quorPrinterStatus`
+  /// then shows off line, and the caller decides what this means for the job. `quorPrinterStatus`
+  /// must not be null. In ESC/POS an off-line printer may be on line again before the final status
+  /// is read, so a true result alone does not prove that the job was printed. Returns false if a
+  /// write failed or the time-out passed. Throws the exceptions of `getParsedStatus`. In ESC/POS it
+  /// drops the received bytes that nobody has read.
   bool endCheckedBlock(QuorPrinterStatus_2* quorPrinterStatus, std::uint32_t level);
 
   /// Makes the printer drop the data that it has received and not yet printed. Returns true if the
@@ -249,12 +249,13 @@ class QUOR_EXPORT ExternalAccessoryPort
   bool enterATMode();
 
   /// Waits for the module's reply. Returns "\r\nERROR\r\n" if the module replies with an error. If
-  /// it replies with OK, returns "\r\nOK\r\n" without a `settingTitle`; with a title, returns the
-  /// title and the `settingLength` characters after it, or everything from the title to the end of
-  /// the reply if `settingLength` is 0. Returns null if the link is lost, or if no result arrived
-  /// within `timeoutMillis`, which is rounded down to whole seconds, at least one. A result line
-  /// that arrives in two reads is not recognised. Throws std::out_of_range if an OK reply does not
-  /// contain the title and `settingLength` characters after it, or if `settingLength` is negative.
+  /// the module replies with OK and `settingTitle` is null, returns "\r\nOK\r\n". If it replies
+  /// with OK and there is a title, returns the title and the `settingLength` characters after it; a
+  /// length of 0 means all characters after the title. Returns null if the link is lost, or if no
+  /// result arrived within `timeoutMillis`, which is rounded down to whole seconds, at least one. A
+  /// result line that arrives in two reads is not recognised. Throws std::out_of_range if an OK
+  /// reply does not contain the title and `settingLength` characters after it, or if
+  /// `settingLength` is negative.
   std::optional<std::string> getPrinterResponseWithSettingTitle(
       std::optional<std::string> settingTitle, std::int32_t settingLength,
       std::int32_t timeoutMillis);

@@ -24,7 +24,7 @@
 /// the object's address is built first, and then the message. No lock is held during this, so an
 /// argument may itself log.
 ///
-/// The compiler checks that the conversions of the format fit the arguments. They are:
+/// The compiler checks that the conversions of the format fit the arguments. The conversions are:
 ///     %d   integer, bool or enumeration: its low 32 bits, signed; a bool is 1 or 0
 ///     %u   likewise, unsigned
 ///     %ld  likewise, all 64 bits, signed
@@ -142,9 +142,9 @@ constexpr LogConversion longConversionOf(char letter) {
   }
 }
 
-/// Removes the beginning of `format`, up to and including its next conversion, and returns it. The
-/// conversion is `None` if no per cent sign is left, or if the letters after it are not a
-/// conversion.
+/// Removes the beginning of `format`, up to and including its next conversion, and returns this
+/// beginning. The conversion is `None` if no per cent sign is left, or if the letters after it are
+/// not a conversion.
 constexpr LogFormatPiece takePiece(std::string_view& format) {
   const std::size_t sign = format.find('%');
   if (sign == std::string_view::npos) {
@@ -226,7 +226,7 @@ std::string formatMessage(const LogFormat<std::type_identity_t<Arguments>...>& f
   return buildMessage(format.pieces(), format.rest(), referred);
 }
 
-/// A log record without its message. It is constructed before the message is built.
+/// A log record without its message. The record is constructed before the message is built.
 class LogStatement {
  public:
   LogStatement(ZKLogType type, std::int32_t level, const void* object, const char* file,

@@ -13,7 +13,7 @@ struct Range {
 };
 
 /// Returns the elements of `sequence` (a string or a byte buffer) that are in `range`. Throws
-/// std::out_of_range if one of them does not exist; it never shortens the range.
+/// std::out_of_range if an element of the range does not exist; the range is never shortened.
 template <typename Sequence>
 Sequence subrange(const Sequence& sequence, Range range) {
   const auto [location, length] = range;

@@ -24,8 +24,8 @@ struct Deallocation {
   void operator()(void* memory) const noexcept { ::operator delete(memory); }
 };
 
-/// Memory without an object in it. It is allocated by a direct call of `operator new`: a compiler
-/// may remove a new expression whose object nobody uses.
+/// Memory without an object in it, allocated by a direct call of `operator new`: a compiler may
+/// remove a new expression whose object nobody uses.
 using RawMemory = std::unique_ptr<void, Deallocation>;
 
 // Null means that there is no session, and so neither space nor bytes.

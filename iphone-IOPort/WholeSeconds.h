@@ -16,7 +16,8 @@ class WholeSecondsWait {
         timeoutSec_(static_cast<std::int32_t>(timeoutMillis / 1000)),
         start_(clock.gettimeofday().tv_sec) {}
 
-  /// Reads the clock. Returns true once its seconds have advanced by more than the limit.
+  /// Reads the clock. Returns true if its seconds have advanced by more than the limit since the
+  /// start.
   bool isOver() { return isOver(timeoutSec_); }
   bool isOver(std::int32_t timeoutSec) {
     end_ = clock_.gettimeofday().tv_sec;

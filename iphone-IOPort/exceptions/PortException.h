@@ -14,8 +14,8 @@ class QUOR_EXPORT PortException : public std::exception {
   /// `reason` is a text for a person: why the exchange was abandoned.
   explicit PortException(std::string reason) : reason_(std::move(reason)) {}
 
-  /// `name` is the same for every exception of this class; `reason` says why this one was thrown.
-  /// The exception owns both texts.
+  /// `name` is the same for every exception of this class; `reason` says why this exception was
+  /// thrown. The exception owns both texts.
   /// @{
   const char* name() const noexcept { return "PortException"; }
   const std::string& reason() const noexcept { return reason_; }
