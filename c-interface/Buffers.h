@@ -25,12 +25,12 @@ struct Buffer {
 /// the result of the exchange is not lost.
 const Buffer& usable(const Buffer& buffer);
 
-/// Copies the bytes into the buffer and stores their number. Throws QUOR_BUFFER_TOO_SMALL if the
-/// buffer is too small; it stores the number also in this case.
+/// Copies the bytes into the buffer and stores their number. If the buffer is too small, stores the
+/// number and throws QUOR_BUFFER_TOO_SMALL.
 void copyBytes(std::span<const std::uint8_t> bytes, const Buffer& buffer);
 
-/// Copies a text, and a NUL after it, as `copyBytes` does. If `text` is null, it returns QUOR_NONE
-/// and stores the length 0.
+/// Copies `text` and a NUL, as `copyBytes` does. If `text` is null, stores the length 0 and returns
+/// QUOR_NONE.
 QuorCode copyText(const std::optional<std::string>& text, const Buffer& buffer);
 
 /// Returns a copy of the caller's bytes. Throws QUOR_USAGE if `bytes` is null and `size` is not 0.
