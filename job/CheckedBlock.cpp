@@ -83,9 +83,10 @@ std::string CheckedBlock::whyNotBegun() const {
   return "the printer did not reset its counter within " + inSeconds(link().port().timeoutMillis());
 }
 
-/// Waits for the answers to all earlier requests, and then sends one more. The answer to this one
-/// arrives after all reports of earlier jobs. In line mode it shows that the printer has counted no
-/// mark of an earlier job since the reset. So every later confirmation belongs to this job.
+/// Waits for the answers to all earlier requests, and then sends one more request. The answer to
+/// this last request arrives after all reports of earlier jobs. In line mode it shows that the
+/// printer has counted no mark of an earlier job since the reset. So every later confirmation
+/// belongs to this job.
 MaybeSetback CheckedBlock::synchronise() {
   link().drain();
   if (auto setback = awaitAnswers()) {

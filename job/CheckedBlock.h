@@ -43,8 +43,8 @@ class CheckedBlock : public Proof {
   /// Judges whether the printer is ready. Called when all requests have been answered.
   virtual MaybeSetback judgeReadiness() = 0;
 
-  /// Sends a mark before the data. If the printer is switched off and on during the job, it counts
-  /// from 0 again, and this mark is missing from its count at the end.
+  /// Sends a mark before the data. If the printer is switched off and on during the job, its count
+  /// begins at 0 again, and at the end this mark is missing from the count.
   virtual MaybeSetback markBeginning() = 0;
 
   /// Ends the block and waits for the printer. Returns false if the block did not end in time.

@@ -48,7 +48,7 @@ MaybeSetback EndSign::askAndAwait(ByteView question) {
   return awaitSign() ? std::nullopt : whyUnseen();
 }
 
-/// Waits for the sign, and meanwhile reports why the printer has paused.
+/// Waits for the sign, and during the wait reports why the printer has paused.
 bool EndSign::awaitSign() {
   const auto limit =
       std::chrono::milliseconds(link().port().endCheckedBlockTimeoutMillis()) + wholeSecond;

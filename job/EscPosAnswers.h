@@ -20,9 +20,9 @@ inline bool isRealTimeStatus(std::uint8_t byte) {
   return (byte & escPosFixedMask) == escPosFixedBits;
 }
 
-/// Recognises the answers of an ESC/POS printer. They may arrive in any order and in any number of
-/// pieces. Each is recognised by its whole form, because a part of one answer may look like
-/// another:
+/// Recognises the answers of an ESC/POS printer. The answers may arrive in any order and in any
+/// number of pieces. An answer is recognised by its whole form, because a part of an answer may
+/// look like another answer:
 ///
 /// - real-time status, one byte with (b AND 93) = 12;
 /// - in-order status, one byte with (b AND 90) = 00;

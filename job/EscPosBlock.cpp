@@ -15,8 +15,8 @@ constexpr std::uint32_t statusLevel = 2;
 constexpr std::uint8_t countOfOneMark = 1;
 constexpr std::uint8_t countOfTwoMarks = 2;
 
-// A mark and a status request. The answer to the request follows the report of the mark; if it
-// arrives alone, the printer sends no report.
+// A mark and a status request. The answer to the request follows the report of the mark; if the
+// answer arrives alone, the printer sends no report.
 constexpr std::uint8_t markAndRequest[] = {0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00, 0x10, 0x04, 0x01};
 
 // How long the operation of the port may continue after the printer's report was seen.

@@ -7,8 +7,9 @@ namespace quordalvane {
 
 /// Ends the job with a query that the printer processes in order with the print data. The answer
 /// does not say which job it belongs to, so it counts only if the printer has answered exactly as
-/// often as it was asked. For this reason one query is sent before the data, and one more after the
-/// answer to the last: a single byte that looks like an answer by chance cannot confirm the job.
+/// often as it was asked. One query is sent before the data, one at the end of the job, and one
+/// more after the answer to that. So a single byte that looks like an answer by chance cannot
+/// confirm the job.
 class InOrderProof final : public EndSign {
  public:
   InOrderProof(PortLink& link, PrintResult& result);

@@ -81,9 +81,9 @@ void JobRun::reportWaiting(const std::string& reason) {
   }
 }
 
-/// Makes the printer drop the rest of the job. If the job was stopped inside a command, that
-/// command is completed first: otherwise the printer would read the next commands as the payload of
-/// that one.
+/// Makes the printer drop the rest of the job. If the job was stopped inside a command, this
+/// command is completed first. Otherwise the printer would read the next commands as the rest of
+/// this command.
 void JobRun::finishCancelled(ByteView data) {
   link_.ignoreCancel();
   const std::size_t end = commandEnd(data, result_.bytesAccepted);

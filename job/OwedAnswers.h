@@ -15,8 +15,8 @@ namespace quordalvane {
 /// answer belongs.
 class OwedAnswers {
  public:
-  /// Counts the requests and answers of line mode if `emulation` is line mode, otherwise those of
-  /// ESC/POS.
+  /// Counts the requests and answers of line mode if `emulation` is line mode, otherwise the
+  /// requests and answers of ESC/POS.
   explicit OwedAnswers(ZKEmulation emulation) : isLineMode_(emulation == ZKEmulationQuorLine) {}
 
   /// Process the next bytes that were sent, and the next bytes that arrived. Requests and answers

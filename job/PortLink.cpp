@@ -15,8 +15,8 @@ namespace {
 constexpr std::size_t largestPiece = std::size_t{512} * 1024;
 constexpr std::size_t smallestPiece = 256;
 
-// The pause before the next attempt on a link. It follows a call that returned at once without
-// bytes or space, or with more bytes than an answer has.
+// The pause after a read or write that returned at once: without bytes or space, or with more bytes
+// than an answer has.
 constexpr std::uint64_t lookPauseMicroseconds = 10000;
 constexpr std::size_t longestAnswer = 128;
 

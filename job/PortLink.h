@@ -40,8 +40,8 @@ class PortLink final : private TransferObserver {
   /// Returns the port's input/output time-out, and at least one second.
   std::chrono::milliseconds timeout() const;
 
-  /// Passes all bytes to `listener` from now on, or to nobody if it is null. The listener must
-  /// exist until the next call.
+  /// Passes all bytes to `listener` from now on, or to nobody if `listener` is null. The listener
+  /// must exist until the next call of this function.
   void setListener(TransferObserver* listener) { listener_ = listener; }
 
   /// Calls `operation` and returns its result. A read or write of the operation throws GivenUp
@@ -76,7 +76,8 @@ class PortLink final : private TransferObserver {
   bool await(const std::function<bool(ByteView)>& isDone, std::chrono::nanoseconds limit);
 
   /// Drops the received bytes that nobody has read, and waits for more only if an answer may still
-  /// arrive. It stops after one second or a mebibyte, even if the printer never stops sending.
+  /// arrive. `drain` stops after one second or one mebibyte, even if the printer never stops
+  /// sending.
   void drain();
 
   /// Returns whether the link is lost. Drops the received bytes that nobody has read, because a

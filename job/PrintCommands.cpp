@@ -69,8 +69,8 @@ const FixedForm fixedForms[] = {
     {{0x1b, 0x23}, 3},       {{0x1b, 0x2a, 0x72}, 4},
 };
 
-/// Commands of a variable length: their prefix, the length of the shortest one, and a function that
-/// reads one from data of at least this length.
+/// Commands of a variable length: their prefix, the length of the shortest command, and a function
+/// that reads a command from data of at least this length.
 struct Form {
   std::initializer_list<std::uint8_t> prefix;
   std::size_t shortest;

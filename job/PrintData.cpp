@@ -19,8 +19,8 @@ struct Obstacle {
   std::string_view what;
 };
 
-// A status request in the data leaves an additional answer in the input. In ESC/POS such an answer
-// cannot be confused with the report; in line mode it can be confused with the status.
+// A status request in the data leaves an additional answer in the input. In line mode this answer
+// can be confused with the status. In ESC/POS it cannot be confused with the report.
 const Obstacle obstacles[] = {
     {{0x17}, Matters::Always, "an end-of-block mark (17), which the printer counts"},
     {{0x1b, 0x1d, 0x03}, Matters::Always, "a command of the checked block (1b 1d 03)"},
@@ -64,8 +64,7 @@ std::string obstructed(const Obstacle& obstacle, std::size_t position,
                   : "");
 }
 
-/// No command begins with a byte above this one. Most bytes of a job are text, which is skipped
-/// quickly.
+/// No command begins with a higher byte. Most bytes of a job are text, which is skipped quickly.
 constexpr std::uint8_t highestFirstByte = 0x1d;
 
 bool isText(std::uint8_t byte) {
@@ -211,7 +210,7 @@ std::optional<std::uint64_t> inOrderRequestsIn(ByteView data) {
       return std::nullopt;
     }
     if (!command) {
-      // Other commands may begin inside an unknown one.
+      // A known command may begin inside an unknown command.
       const bool mayHoldAnother = std::any_of(rest.begin() + 1, rest.end(), [](std::uint8_t byte) {
         return byte == 0x1b || byte == 0x1d;
       });

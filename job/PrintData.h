@@ -11,9 +11,9 @@
 namespace quordalvane {
 
 /// Returns, in words and with the position, why a checked block cannot confirm the printing of
-/// `data`: a command in the data causes answers like those by which the printer confirms a job in
-/// this emulation, or the data ends inside a command. Returns null if only the block itself can
-/// cause these answers.
+/// `data`. There are two reasons: a command in the data causes answers that look like the printer's
+/// confirmation in this emulation, or the data ends inside a command. Returns null if there is no
+/// such reason.
 ///
 /// The payload of a command that states its length (an image, a barcode, a stored graphic) is not
 /// searched, as long as all commands before it are known. The parameters of a command are searched
@@ -26,14 +26,15 @@ std::optional<std::string> confirmationObstacle(ByteView data, ZKEmulation emula
 bool isNeverAnswered(ByteView data);
 
 /// Returns the end of the command that contains `position`. The printer takes all bytes up to there
-/// for a part of this command. Returns `position` itself if it is not inside a command or follows
-/// an unknown one, and the end of the data if the command does not end before.
+/// for a part of this command. Returns `position` itself if `position` is not inside a command, or
+/// if an unknown command precedes it. Returns the end of the data if the command does not end
+/// before.
 std::size_t commandEnd(ByteView data, std::size_t position);
 
-/// Returns, in words, why a query after `data` would prove nothing: the data ends inside a command,
-/// so that the printer takes the query for data, or it contains a command that makes the printer
-/// drop data. Returns null if neither applies. The payload of commands that state its length is
-/// searched only for the command that clears the buffer in real time.
+/// Returns, in words, why a query after `data` would prove nothing. There are two reasons: the data
+/// ends inside a command, so that the printer takes the query for data, or a command in the data
+/// makes the printer drop data. Returns null if neither applies. The payload of commands that state
+/// its length is searched only for the command that clears the buffer in real time.
 std::optional<std::string> endSignObstacle(ByteView data);
 
 /// Returns how many in-order answers the data itself requests; null if they cannot be counted.

@@ -35,8 +35,8 @@ struct PrintProgress {
   std::string waitsFor = {};
 };
 
-/// One print job over an open port. It begins a proof, sends the data, ends the proof, and reports
-/// the outcome. It sends the data once and never repeats it by itself. An example:
+/// One print job over an open port. A job begins a proof, sends the data, ends the proof, and
+/// reports the outcome. It sends the data once, and never again by itself. An example:
 ///
 ///     const PrintResult result = PrintJob(port).run("1 Espresso   1.80\n");
 ///
@@ -53,7 +53,7 @@ class QUOR_EXPORT PrintJob {
     std::optional<ProofKind> proof = std::nullopt;
 
     /// Called when a stage begins, each time that the link has taken some data, and when the reason
-    /// of the printer's pause changes. It is called on the thread of `run`.
+    /// of the printer's pause changes. The calls are made on the thread of `run`.
     std::function<void(const PrintProgress&)> progress = {};
   };
 
@@ -78,7 +78,7 @@ class QUOR_EXPORT PrintJob {
 
   /// Abandons the job. At its next read or write, after at most 0.3 s, the job sends the printer a
   /// command to drop the data that it holds, if the link takes it within 0.5 s, and closes the
-  /// port. Any thread may call it, also before `run`. It is safe in a signal handler.
+  /// port. Any thread and any signal handler may call it, also before `run`.
   void cancel() noexcept { cancelled_ = true; }
 
  private:

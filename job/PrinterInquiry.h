@@ -46,15 +46,15 @@ class QUOR_EXPORT InquiryError : public std::runtime_error {
 ///
 ///     std::cout << (PrinterInquiry(port).isOnline() ? "on line" : "off line");
 ///
-/// Each query throws an InquiryError if there is no valid answer. It ends within twice the port's
-/// input/output time-out plus five seconds, even if the printer never stops sending; `disconnect`
-/// may take ten seconds more. Received bytes that nobody has read are dropped. During a query the
-/// inquiry is the port's only observer; afterwards the port has no observer. Exceptions of the
-/// platform pass through. A query blocks the calling thread. No other thread may use the port
-/// during a query.
+/// Each query throws an InquiryError if there is no valid answer. A query ends within twice the
+/// port's input/output time-out plus five seconds, even if the printer never stops sending;
+/// `disconnect` may take ten seconds more. Received bytes that nobody has read are dropped. During
+/// a query the inquiry is the port's only observer; afterwards the port has no observer. Exceptions
+/// of the platform pass through. A query blocks the calling thread. No other thread may use the
+/// port during a query.
 class QUOR_EXPORT PrinterInquiry {
  public:
-  /// `port` must not be null; it is kept alive.
+  /// `port` must not be null; this object keeps the port alive.
   explicit PrinterInquiry(std::shared_ptr<ExternalAccessoryPort> port) : port_(std::move(port)) {}
 
   /// Asks for the printer's status. `level` is only logged.

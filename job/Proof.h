@@ -33,8 +33,7 @@ class Proof : public TransferObserver {
   /// Returns the command that makes the printer drop the data that it has not printed yet.
   virtual ByteView dropCommand() const = 0;
 
-  /// Called with a reason when the printer pauses in a job that it will continue, and with "" when
-  /// it continues.
+  /// Called with a reason when the printer pauses in a job, and with "" when it continues the job.
   using Waiting = std::function<void(const std::string&)>;
   void setWaiting(Waiting waiting) { waiting_ = std::move(waiting); }
 
