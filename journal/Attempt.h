@@ -18,7 +18,7 @@ struct Attempt {
   std::string device = {};                 ///< the text of the device
   std::int64_t begun = 0;                  ///< in milliseconds since 1970, UTC
   std::optional<std::int64_t> ended = {};  ///< in the same unit; null before its end
-  std::string outcome = {};                ///< the name of a `PrintOutcome`; "" until it is known
+  std::string outcome = {};                ///< the name of a `PrintOutcome`; "" before the end
   std::uint64_t bytesAccepted = 0;         ///< as in `PrintResult`
   std::string reason = {};                 ///< as in `PrintResult`
 
@@ -26,7 +26,7 @@ struct Attempt {
   /// journal, which did not record it, wrote this row; the obstacle is then NoProof.
   std::string proof = {};
   PrintObstacle obstacle =
-      PrintObstacle::NoProof;  ///< as in `PrintResult`; valid once the attempt has ended
+      PrintObstacle::NoProof;  ///< as in `PrintResult`; valid after the attempt has ended
 
   /// The time at which a person was told that nobody knows whether the job is on paper, in
   /// milliseconds since 1970, UTC; null if no person was told.

@@ -22,7 +22,7 @@ class Statement {
   Statement& with(std::string_view text);
   Statement& withBlob(std::string_view bytes);
 
-  /// Moves to the next row. Returns false after the last one. Throws `JournalError` if the database
+  /// Moves to the next row. Returns false after the last row. Throws `JournalError` if the database
   /// fails.
   bool step();
 
@@ -54,9 +54,9 @@ class Database {
 
   void execute(const char* sql);
 
-  /// Returns a statement of this text, which must outlive the database. Only one statement of a
-  /// text may exist at a time. Each text is prepared only once, because preparing a statement costs
-  /// more than executing it.
+  /// Returns a statement with the text `sql`, which must outlive the database. At most one
+  /// statement with the same text may exist at a time. Each text is prepared only once, because
+  /// preparing a statement costs more than executing it.
   Statement prepare(const char* sql);
 
   /// Executes `sql` and returns its result, which must be a number.

@@ -11,8 +11,9 @@ namespace quordalvane {
 
 // Functions that derive the state of a job from its attempts.
 
-/// Returns the attempt that decides the state of a job: the one that printed the job; otherwise the
-/// last one that may have put bytes on paper; otherwise the last one. `attempts` must not be empty.
+/// Returns the attempt that decides the state of a job: the attempt that printed the job; otherwise
+/// the last attempt that may have put bytes on paper; otherwise the last attempt. `attempts` must
+/// not be empty.
 const Attempt& decisive(const std::vector<Attempt>& attempts);
 
 /// Returns the state of a job after this attempt. Never returns Printing, because the attempt does
@@ -22,8 +23,8 @@ JobState stateOf(const Attempt& attempt);
 /// Returns, as a text for a person, why the attempt did not print the job.
 std::string reasonOf(const Attempt& attempt);
 
-/// Returns the proof that the attempt used; Auto if it has not chosen one yet, or if its proof was
-/// not recorded.
+/// Returns the proof that the attempt used; Auto if the attempt has not chosen a proof yet, or if
+/// the proof was not recorded.
 ProofKind proofOf(const Attempt& attempt);
 
 /// Returns the record of the job with these attempts. `isBeingPrinted` says whether the process of

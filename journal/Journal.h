@@ -20,9 +20,9 @@ struct Attempt;
 /// The state of a job in a journal.
 enum class JobState {
   Refused,      ///< no attempt sent any byte of the job
-  Unconfirmed,  ///< nobody knows whether it is on paper
-  Printing,     ///< a running process is printing it
-  Printed,      ///< the printer confirmed that it was printed
+  Unconfirmed,  ///< nobody knows whether the job is on paper
+  Printing,     ///< a running process is printing the job
+  Printed,      ///< the printer confirmed that the job was printed
 };
 
 /// One job of a journal, after its latest attempt.

@@ -11,9 +11,9 @@
 
 namespace quordalvane {
 
-/// Returns the name of the network file system that has this number in the kernel; null if it is
-/// not a known network file system. Locks and shared memory do not work across the machines that
-/// use a network file system.
+/// Returns the name of the network file system that has this number in the kernel; null if the
+/// number is not that of a known network file system. Locks and shared memory do not work across
+/// the machines that use a network file system.
 std::optional<std::string_view> networkFileSystem(unsigned long type);
 
 /// Returns the path of `file` with all symbolic links resolved. Creates missing folders above it,

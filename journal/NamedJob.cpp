@@ -28,8 +28,8 @@ PrintResult unconfirmed(const Attempt& attempt, const std::string& reason) {
   result.obstacle = attempt.obstacle;
   result.proof = proofOf(attempt);
   result.bytesTotal = attempt.data.bytes;
-  // If the end of an attempt was not recorded, nobody knows how many bytes it sent. It may have
-  // sent all bytes.
+  // If the end of an attempt was not recorded, nobody knows how many bytes the attempt sent. It may
+  // have sent all bytes.
   result.bytesAccepted = attempt.ended ? attempt.bytesAccepted : attempt.data.bytes;
   result.reason = reason;
   result.advice = adviceFor(result);

@@ -58,8 +58,8 @@ struct NamedJobResult {
   std::string notRecorded = {};
 };
 
-/// A named job. It is printed only once. If its outcome is unknown, it is printed again only when
-/// the caller sets `again`, after a person has looked at the paper.
+/// A named job. The job is printed only once. If its outcome is unknown, it is printed again only
+/// when the caller sets `again`, after a person has looked at the paper.
 ///
 ///     Journal journal(Journal::defaultFile());
 ///     NamedJob named(journal, {.name = "receipt 4711", .device = device}, data);
@@ -73,8 +73,8 @@ struct NamedJobResult {
 /// is on paper.
 ///
 /// While a NamedJob exists, no process can create another one with the same name in the same
-/// journal. The kernel frees the name when the process ends, even if it is killed. The journal and
-/// the data must outlive this object.
+/// journal. The kernel frees the name when the process ends, even if the process is killed. The
+/// journal and the data must outlive this object.
 class QUOR_EXPORT NamedJob {
  public:
   /// Claims the name. If another process has the name, waits for it, up to the time-out in
@@ -87,8 +87,8 @@ class QUOR_EXPORT NamedJob {
   NamedJob(const NamedJob&) = delete;
   NamedJob& operator=(const NamedJob&) = delete;
 
-  /// Returns the answer that the journal gives without printing; null if the job must be run. It
-  /// depends on the facts that the journal has about the name:
+  /// Returns the answer that the journal gives without printing; null if the job must be run. The
+  /// answer depends on the state of the job in the journal:
   ///
   /// - no such job, or the job was refused: null;
   /// - the job was printed: Printed, with `isRepeated`;

@@ -38,8 +38,8 @@ constexpr const char* steps[] = {
     ALTER TABLE attempt ADD COLUMN proof TEXT NOT NULL DEFAULT '';
     ALTER TABLE attempt ADD COLUMN obstacle INTEGER NOT NULL DEFAULT 5;
     )",
-    // Adds the time at which a person was told that the outcome is unknown; after that, a print
-    // queue prints the job only if the person wants it.
+    // Adds the time at which a person was told that the outcome is unknown. After this time a print
+    // queue prints the job only if the person asks for it.
     "ALTER TABLE attempt ADD COLUMN told INTEGER;",
 };
 

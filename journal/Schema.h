@@ -11,9 +11,9 @@ std::int64_t schemaVersion();
 /// all tables are on disk, in this one file. Throws `JournalError` if this fails.
 void makeTables(Database& database);
 
-/// Converts the tables of an older version, with all their rows. Throws `JournalError`, and changes
-/// nothing, if the version is later or the database is not a journal. No other process may be
-/// opening the file at the same time.
+/// Converts the tables of an older version, with all their rows. Changes nothing and throws
+/// `JournalError` if the version is later than this library's or the database is not a journal. No
+/// other process may be opening the file at the same time.
 void bringUpToDate(Database& database);
 
 }  // namespace quordalvane

@@ -19,7 +19,7 @@ class Sha256 {
     sha256_update(&state_, bytes.size(), bytes.data());
   }
 
-  /// Returns the digest of all added bytes, and resets the state to that of a new object.
+  /// Returns the digest of all added bytes. Afterwards the object is as if newly created.
   Digest digest() {
     Digest result = {};
     sha256_digest(&state_, result.size(), result.data());
