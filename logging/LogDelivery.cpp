@@ -105,8 +105,8 @@ void LogDelivery::runWriter(LogQueue::Batch& batch) {
   }
 }
 
-/// Passes the batch to every sink. Adds a report of the records that are missing before the batch,
-/// and one of those after it. Returns false if memory is short; then no sink has received a record.
+/// Passes the batch to every sink. If records are missing before or after the batch, adds a report
+/// of their number there. Returns false if memory is short; then no sink has received a record.
 bool LogDelivery::deliver(LogQueue::Batch& batch) {
   try {
     const AttachedSinks sinks = attachedSinks();
@@ -138,7 +138,8 @@ void LogDelivery::noteUndelivered(const LogQueue::Batch& batch) noexcept {
   undelivered_.records += batch.records.size() + batch.dropped;
 }
 
-/// Returns a record that reports how many records are missing. It takes their place in the log.
+/// Returns a record that reports how many records are missing. The returned record takes their
+/// place in the log.
 LogRecord LogDelivery::recordOf(const Missing& missing, const char* why) {
   return {.time = missing.since,
           .thread = currentThreadId(),

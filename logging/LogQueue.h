@@ -94,7 +94,7 @@ class LogQueue {
   /// `timeout`. With a time-out of zero it does not wait.
   bool waitUntilFinished(std::chrono::milliseconds timeout);
 
-  /// Returns the counts, all of the same moment.
+  /// Returns the counts. All of them are of the same moment.
   Counts counts() const;
 
  private:

@@ -20,8 +20,8 @@ class QUOR_EXPORT LogSink {
   /// of the records were not written. The delivery reports the first exception of a sink to
   /// standard error and continues to call the sink.
   ///
-  /// The texts are exactly those of the program and the printer. A sink that shows them to people
-  /// must escape control characters; see PrintableText.h.
+  /// The texts of a record are not changed: they may contain any bytes of the program or the
+  /// printer. A sink that shows them to people must escape control characters; see PrintableText.h.
   virtual void write(std::span<const LogRecord> records) = 0;
 };
 

@@ -31,7 +31,7 @@ class RecordBatch {
   /// Adds the record by swapping: afterwards `record` is a cleared or empty record.
   void add(LogRecord& record);
 
-  /// Removes all records but keeps their memory, except that of very long messages.
+  /// Removes all records but keeps their memory. Frees only the memory of very long messages.
   void clear() noexcept;
 
  private:

@@ -86,7 +86,7 @@ void RotatingFile::writeBuffer() {
     return;
   }
   std::string lines;
-  lines.swap(buffer_);  // if this throws, the lines are lost
+  lines.swap(buffer_);  // if the write throws, the lines are lost
   if (!isStillInPlace()) {
     open();
   }

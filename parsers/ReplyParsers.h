@@ -5,7 +5,7 @@
 // Functions that find the answer to a query in the bytes that a printer sent in line mode. They are
 // pure, and any thread may call them. They read `bytes[0]` to `bytes[count - 1]`; if `count` is 0
 // or less, there are no bytes, and `bytes` may be null. `location` (an offset into `bytes`) and
-// `length` (in bytes) must not be null. They are written on success only.
+// `length` (in bytes) must not be null. Both are written only on success.
 
 namespace quordalvane {
 
@@ -16,7 +16,7 @@ std::int32_t parseFirmwareInfo(const std::uint8_t* bytes, std::int32_t count,
                                std::int32_t* location, std::int32_t* length);
 
 /// Finds the settings of a DIP-switch bank: the bytes between the first 1b 23 2c 31 or 1b 23 2c 32
-/// and the last 0a. It uses the last 0a because a setting byte may be 0a itself. Returns 0 and the
+/// and the last 0a. The last 0a is used because a setting byte may itself be 0a. Returns 0 and the
 /// position of the settings, which are two bytes or more. Returns a value other than 0 if there are
 /// fewer than two bytes. A length above 2 means that other bytes were mixed into the reply.
 std::int32_t parseDipSwitchInfo(const std::uint8_t* bytes, std::int32_t count,

@@ -64,7 +64,7 @@ constexpr std::array<StateByte, 3> lineStateBytes = {
 static_assert(firstFlagByte + (lineFlags.size() + 7) / 8 == firstStateByte);
 static_assert(firstStateByte + lineStateBytes.size() <= sizeof Status::raw);
 
-// A flag in an ESC/POS reply byte. It is 1 if any bit of `mask` is set.
+// A flag in an ESC/POS reply byte. The flag is 1 if any bit of `mask` is set.
 struct EscPosFlag {
   StatusType query;
   std::uint8_t mask;

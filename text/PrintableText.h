@@ -15,8 +15,8 @@ namespace quordalvane {
 /// Appends the text for people. No other character is changed.
 QUOR_EXPORT void appendPrintable(std::string& out, std::string_view text);
 
-/// Appends the text as a JSON string with its quotation marks. A JSON reader gets back exactly the
-/// same text, if it was valid.
+/// Appends the text as a JSON string with its quotation marks. If the text was valid UTF-8, a JSON
+/// reader gets back exactly this text.
 QUOR_EXPORT void appendJsonString(std::string& out, std::string_view text);
 
 /// Returns whether appendPrintable would append the text unchanged.
