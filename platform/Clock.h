@@ -13,7 +13,8 @@ struct TimeValue {
   std::int64_t tv_usec;  ///< the microseconds of the second, 0 to 999999
 };
 
-/// Returns the time, and offers every way to wait. Several threads may call it at the same time.
+/// Returns the time, and offers every way to wait. Several threads may use a clock at the same
+/// time.
 class QUOR_EXPORT Clock {
  public:
   virtual ~Clock() = default;

@@ -14,8 +14,8 @@
 namespace quordalvane {
 
 /// An open connection to an accessory, with its two streams. Destroying the session ends the
-/// connection and releases the link. This may wait, for a few seconds at most, until the device has
-/// taken the bytes that are under way.
+/// connection and releases the link. The destructor may wait, for a few seconds at most, until the
+/// device has taken the bytes that are under way.
 class QUOR_EXPORT EASession {
  public:
   virtual ~EASession() = default;
@@ -28,7 +28,7 @@ class QUOR_EXPORT EASession {
   /// @}
 
   /// Makes the session end without waiting for the bytes under way, which may be lost. The default
-  /// does nothing; it is for back ends whose sessions never wait at their end.
+  /// does nothing, which is right for back ends whose sessions never wait at their end.
   virtual void abandon() {}
 };
 
@@ -42,7 +42,7 @@ class QUOR_EXPORT EAAccessory {
   /// exactly this text.
   virtual std::optional<std::string> name() = 0;
 
-  /// Returns the serial number. A port name may select the accessory by exactly this text as well.
+  /// Returns the serial number. A port name may also select the accessory by exactly this text.
   virtual std::optional<std::string> serialNumber() = 0;
 
   /// Returns the model number. A port ignores accessories whose model number begins with "KLT" and
@@ -58,7 +58,7 @@ class QUOR_EXPORT EAAccessory {
   virtual std::vector<std::string> protocolStrings() = 0;
 
   /// Returns a number that distinguishes the accessories of the process; 0 if the accessory has
-  /// none. It is for programs; a port only passes it on.
+  /// none. A port does not use this number; it only passes it on to programs.
   virtual std::uint64_t connectionID() = 0;
 
   /// Returns how the printer confirms print jobs, if this is configured; otherwise `Auto`. Jobs use
@@ -67,17 +67,17 @@ class QUOR_EXPORT EAAccessory {
 
   /// Returns a text for people with the accessory's name and, if it has one, its Bluetooth address.
   /// The first part of the text that looks like an address counts as the accessory's address. So
-  /// the address must precede everything else that could look like one.
+  /// the address must precede any other part that could look like an address.
   virtual std::string description() = 0;
 
-  /// Returns false once the link is lost (end of stream, error or hang-up) and all bytes that
-  /// arrived before were read. Returns true for an accessory without a session.
+  /// Returns false if the link is lost (end of stream, error or hang-up) and all bytes that arrived
+  /// before were read. Returns true for an accessory without a session.
   virtual bool isConnected() = 0;
 
   /// Checks whether the link is lost, for a caller that waits for this and reads nothing: after the
   /// call, unread bytes of a lost link no longer make `isConnected` return true. Has no effect on a
-  /// link that is not lost. The default does nothing; it is for back ends that never keep bytes
-  /// after the end.
+  /// link that is not lost. The default does nothing, which is right for back ends that keep no
+  /// bytes after the end.
   virtual void noticeLoss() {}
 
   /// Opens a session on `protocol`. Returns null if the accessory cannot be reached or refuses the
@@ -91,7 +91,7 @@ class QUOR_EXPORT EAAccessoryManager {
   virtual ~EAAccessoryManager() = default;
 
   /// Returns the accessories, none of them null; the list may be empty. The order matters: a port
-  /// takes the first one that it can use.
+  /// takes the first accessory that it can use.
   virtual std::vector<std::shared_ptr<EAAccessory>> connectedAccessories() = 0;
 
   /// Returns true if the platform has its own way to read an accessory's Bluetooth address.

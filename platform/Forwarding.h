@@ -5,9 +5,9 @@
 
 #include "platform/Platform.h"
 
-// Each of these classes passes every call on to another object with the same interface. A class
-// that changes only a few calls of a platform, for example to record them or to make them fail,
-// derives from one of these and overrides those calls.
+// Each of these classes passes every call on to another object with the same interface. To change
+// only a few calls of a platform, for example to record them or to make them fail, derive a class
+// from one of these and override those calls.
 
 namespace quordalvane {
 

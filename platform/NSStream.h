@@ -35,7 +35,7 @@ class QUOR_EXPORT NSStream {
   /// themselves.
   virtual void removeFromRunLoop(NSRunLoop& runLoop, std::string_view mode) = 0;
 
-  /// Starts to open the stream. The stream may still be opening when this returns.
+  /// Starts to open the stream. The stream may still be opening when `open` returns.
   virtual void open() = 0;
 
   /// Ends the stream. Afterwards there are no bytes to read and there is no space to write. A
@@ -50,7 +50,7 @@ class QUOR_EXPORT NSStream {
 /// The direction from the accessory to the port.
 class QUOR_EXPORT NSInputStream : public NSStream {
  public:
-  /// Returns true if a read would return at least one byte now. Returns false once the stream has
+  /// Returns true if a read would return at least one byte now. Returns false if the stream has
   /// ended.
   virtual bool hasBytesAvailable() = 0;
 

@@ -18,8 +18,8 @@
 // accessories that are attached by Bluetooth or by cable. NSStream, NSRunLoop and NSThread are its
 // streams, event loops and threads. UIDevice is the device that a program runs on. "BT:" at the
 // beginning of a port name means there that the accessory is attached by Bluetooth. Here an
-// accessory is any printer that a back end presents as one: at a network address, at the end of a
-// serial line, or simulated.
+// accessory is any printer that a back end offers: at a network address, at the end of a serial
+// line, or simulated.
 
 namespace quordalvane {
 
@@ -47,11 +47,12 @@ class QUOR_EXPORT Platform {
   /// Returns the clock by which ports measure time and wait.
   virtual Clock& clock() = 0;
 
-  /// Returns the run loop of the calling thread. It is valid on this thread until the thread ends.
+  /// Returns the run loop of the calling thread, which is valid on this thread until the thread
+  /// ends.
   virtual NSRunLoop& currentRunLoop() = 0;
 
-  /// Returns a thread that will run `body`; it is not started yet. Returns null if the system
-  /// cannot create a thread.
+  /// Returns a thread, not started yet, that will run `body`. Returns null if the system cannot
+  /// create a thread.
   virtual std::shared_ptr<NSThread> makeThread(std::function<void()> body) = 0;
 
   /// Returns whether the calling thread is the application's main thread.
@@ -65,7 +66,8 @@ class QUOR_EXPORT Platform {
   virtual std::uint32_t randomNumber();
 };
 
-/// Returns the platform of ports that are created without one; null until a platform is set.
+/// Returns the platform that ports use if they are created without a platform; null until a
+/// platform is set.
 QUOR_EXPORT std::shared_ptr<Platform> processPlatform();
 
 /// Sets the platform of the process. Existing ports keep their platform.
