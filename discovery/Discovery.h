@@ -25,15 +25,15 @@ struct Discovery {
 };
 
 /// Finds the devices that could be printers: USB printers, paired Bluetooth printers, printers that
-/// announce themselves on the network, and serial lines, in this order. Opens none of them and
-/// sends nothing to any of them. It takes two seconds, because it listens to the network for that
+/// announce themselves on the network, and serial lines, in this order. Opens no device and sends
+/// nothing to any device. The search takes two seconds, because it listens to the network for that
 /// time; the search for Bluetooth printers has the same limit.
 ///
 ///     for (const FoundDevice& found : discoverDevices().devices) {
 ///       std::cout << found.device << " is " << found.name << "\n";
 ///     }
 ///
-/// Any thread may call it. It uses two threads of its own while it runs.
+/// Any thread may call the function, which runs two threads of its own.
 Discovery discoverDevices(const DiscoveryRoots& roots = {});
 
 }  // namespace quordalvane

@@ -13,11 +13,11 @@ enum class Via { Usb, Bluetooth, Network, Serial };
 std::string_view nameOf(Via via);
 
 /// A device that could be a printer. The device itself supplies the texts, so they may be wrong.
-/// They are short, valid UTF-8 and have no control characters.
+/// Each text is short and is valid UTF-8 without control characters.
 struct FoundDevice {
   std::string device;        ///< the device text, as `parseDeviceSpec` takes it
-  std::string name;          ///< its name, or a description if it has no name; never empty
-  std::string serialNumber;  ///< "" if it has no serial number
+  std::string name;          ///< the device's name, or a description if it has none; never empty
+  std::string serialNumber;  ///< "" if the device has no serial number
   std::string maker;         ///< "" if it is not known
   std::string model;         ///< "" if it is not known
   Via via;

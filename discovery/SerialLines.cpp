@@ -35,8 +35,8 @@ fs::path usbDeviceOf(const fs::path& entry) {
   return {};
 }
 
-// Returns the link to `node` whose name does not change when the device is plugged in at another
-// place; returns `node` itself if there is no such link.
+// Returns the permanent name of `node`: a link whose name does not change when the device is
+// plugged in at another place. Returns `node` itself if there is no such link.
 fs::path lastingNameOf(const fs::path& node, const SerialRoots& roots) {
   std::vector<fs::path> links = posix::entriesOf(roots.dev / "serial/by-id");
   std::sort(links.begin(), links.end());
