@@ -14,9 +14,10 @@
 
 namespace quordalvane {
 
-/// Creates the accessory that `spec` describes. It connects only when a session is opened on it.
-/// Its connection identifier is the `id` of `spec`; without one, it is the next number in this
-/// process: 1, 2, and so on. `clock` must outlive the accessory; the virtual printer uses it.
+/// Creates the accessory that `spec` describes. The accessory connects only when a session is
+/// opened. Its connection identifier is the `id` of `spec` or, if `spec` has no `id`, the next
+/// number in this process: 1, 2, and so on. `clock` must outlive the accessory; the virtual printer
+/// uses it.
 ///
 /// Throws `std::invalid_argument`, with a message for people, if there is no back end for the
 /// scheme or the virtual printer refuses an option. Any thread may call it.

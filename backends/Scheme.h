@@ -30,14 +30,15 @@ struct OpenCause {
   std::string_view text;    ///< the cause, for people
   std::string_view advice;  ///< the next step that is advised to people
 
-  /// The category of the code; null if it is a code of the system.
+  /// The category of `code`; null if `code` is an error code of the system.
   const std::error_category& (*category)() = nullptr;
 
   /// Returns whether this cause explains `error`.
   bool fits(const std::error_code& error) const;
 };
 
-/// One possible setting of a device. The command `doctor` tries them one after the other.
+/// One possible setting of a device. The command `doctor` tries the settings of a device one by
+/// one.
 struct SchemeVariant {
   DeviceSpec spec;    ///< the device with this setting
   std::string words;  ///< the setting in words: "at 9600 baud"
@@ -90,12 +91,12 @@ struct Scheme {
   /// True if every process has a device of its own, which no other process can use.
   bool isOfOneProcess = false;
 
-  /// Returns the path of the file that is opened for the device; "" if it is unknown now. The
+  /// Returns the path of the file that is opened for the device; "" if the path is unknown now. The
   /// pointer is null if no file is opened.
   std::string (*fileOf)(const DeviceSpec& spec) = nullptr;
 
-  /// Returns the possible settings of the device, that of `spec` first. The pointer is null if
-  /// there is only one setting.
+  /// Returns the possible settings of the device, beginning with the setting in `spec`. The pointer
+  /// is null if there is only one setting.
   std::vector<SchemeVariant> (*variants)(const DeviceSpec& spec) = nullptr;
 };
 

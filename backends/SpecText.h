@@ -11,7 +11,7 @@ namespace quordalvane::spec {
 /// Throws `std::invalid_argument` with the message `why`, which is for people.
 [[noreturn]] void refuse(const std::string& why);
 
-/// Parses all of `text` as a number; returns nullopt if it is not one.
+/// Parses all of `text` as a number; returns nullopt if `text` is not a number.
 template <typename Number>
 std::optional<Number> number(std::string_view text) {
   Number value{};

@@ -11,13 +11,13 @@
 
 namespace quordalvane::bluez {
 
-/// A printer that is paired with this machine. While it is not paired, it announces no protocol, so
-/// ports ignore it. The name and the address are those of the Bluetooth service, unless `identity`
-/// contains them. The accessory asks the service only when somebody calls the accessory, and at
-/// most once a second.
+/// A printer that is paired with this machine. While the printer is not paired, the accessory
+/// announces no protocol, so ports ignore it. The name and the address are those of the Bluetooth
+/// service, unless `identity` contains them. The accessory asks the service only when somebody
+/// calls the accessory, and at most once a second.
 ///
-/// The accessory's manufacturer is always the one in `identity`, whoever made the printer: a port
-/// chooses only accessories of one maker, and a user who names this device wants to use it.
+/// The manufacturer is always the one in `identity`, whoever made the printer. A port chooses only
+/// accessories of one maker, and a user who names this device wants to use the printer.
 class BluetoothAccessory : public posix::LinkAccessory {
  public:
   /// `place` selects the printer, as described at `choosePrinter`.

@@ -20,14 +20,14 @@ struct Method {
   std::string name;
 };
 
-/// A separate connection to the system's message bus. It has no thread of its own: the caller's
-/// thread handles messages of the bus while it waits in a call of this class. Only one thread at a
-/// time may use it.
+/// A separate connection to the system's message bus. The connection has no thread of its own: it
+/// handles messages of the bus on the caller's thread, while the caller waits in a function of this
+/// class. Only one thread at a time may use it.
 class Bus {
  public:
   /// Connects to the bus. Throws a `std::system_error` with `BluetoothError::NoBus` if there is no
-  /// bus, or if it has not accepted the connection by `deadline`. An attempt that was too slow ends
-  /// later by itself.
+  /// bus, or if the bus has not accepted the connection by `deadline`. An attempt that was too slow
+  /// ends later by itself.
   explicit Bus(SteadyTime deadline);
 
   sdbus::IConnection& connection() { return *connection_; }

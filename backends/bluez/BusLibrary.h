@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-/// Hides the differences between versions 1 and 2 of the library sdbus-c++. Both halves of this
-/// file define the same names, and no other file depends on the version.
+/// Hides the differences between versions 1 and 2 of the library sdbus-c++. The two parts of this
+/// file, one for each version, define the same names. No other file depends on the version.
 namespace quordalvane::bluez {
 
 /// A function that receives each message that matches a rule.

@@ -64,7 +64,7 @@ Descriptor handleOn(Descriptor& connection) {
   return {copy, Descriptor::Kind::Bluetooth};
 }
 
-// The body of the watching thread. The thread owns everything that it uses. A forked child process
+// The body of the watching thread. The thread owns all objects that it uses. A forked child process
 // does not have the thread and does not need it.
 void lookAfter(std::unique_ptr<Care> care, Descriptor connection) {
   try {

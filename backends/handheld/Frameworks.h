@@ -16,10 +16,10 @@ std::unique_ptr<EAAccessoryManager> makeAccessoryManager();
 /// Returns the device that the program runs on.
 std::unique_ptr<UIDevice> makeDevice();
 
-/// Returns the run loop of the calling thread. It is valid on this thread until the thread ends.
+/// Returns the run loop of the calling thread, which is valid on this thread until the thread ends.
 NSRunLoop& currentRunLoop();
 
-/// Returns a thread that will run `body`; it is not started yet.
+/// Returns a thread, not started yet, that will run `body`.
 std::shared_ptr<NSThread> makeThread(std::function<void()> body);
 
 /// Returns whether the calling thread is the application's main thread.

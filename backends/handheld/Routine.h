@@ -11,7 +11,7 @@ class Routine {
  public:
   explicit Routine(std::function<void()> body) : body_(std::move(body)) {}
 
-  /// Runs the routine, stores an exception that it throws, and then destroys the routine.
+  /// Runs the routine, stores the exception if the routine throws, and then destroys the routine.
   void run() noexcept;
 
   /// Returns whether the routine has run.

@@ -114,7 +114,7 @@ class HandheldStream : public Interface {
   }
 
  protected:
-  /// Returns true if there is no reason to wait for the stream: it is ready, or it has ended.
+  /// Returns true if nobody need wait for the stream: the stream is ready, or it has ended.
   virtual bool isSettled() = 0;
 
   Framework* stream() const { return stream_.get(); }
@@ -133,8 +133,8 @@ class HandheldStream : public Interface {
 
  private:
   /// If the stream is scheduled on the calling thread's loop, runs this loop until something
-  /// happens there. Returns false if it is scheduled on the loop of another thread, or if the loop
-  /// has nothing to do.
+  /// happens there. Returns false if the stream is scheduled on the loop of another thread, or if
+  /// the loop has nothing to do.
   bool turnLoopOnce(SteadyClock::time_point deadline) {
     return ask([this, deadline] {
       if (loop_.get() == nil || ![loop_.get() isEqual:[::NSRunLoop currentRunLoop]]) {

@@ -160,8 +160,8 @@ class HandheldThread final : public NSThread {
   }
 
   const std::shared_ptr<Life> life_ = std::make_shared<Life>();
-  Retained<QuorThreadBody> body_;  // nil once the thread was started
-  Retained<::NSThread> thread_;    // nil before the thread was started
+  Retained<QuorThreadBody> body_;  // nil after the start
+  Retained<::NSThread> thread_;    // nil before the start
 };
 
 }  // namespace

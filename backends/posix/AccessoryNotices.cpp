@@ -14,9 +14,9 @@
 namespace quordalvane::posix {
 namespace {
 
-// Returns the sender of notices to listen to: udev if it runs, otherwise the kernel. udev repeats
-// each notice of the kernel after it has set the group and the permissions of the device file;
-// before that an ordinary user cannot open the file.
+// Returns the sender of notices to listen to: udev if it runs, otherwise the kernel. An ordinary
+// user can open the device file only after udev has set the file's group and permissions. Then udev
+// repeats the notice of the kernel.
 unsigned senders() {
   constexpr unsigned kernel = 1;
   constexpr unsigned udev = 2;

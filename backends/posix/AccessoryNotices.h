@@ -35,7 +35,7 @@ class QUOR_EXPORT AccessoryNotices {
   bool await(std::chrono::milliseconds time);
 
   /// Returns a descriptor that becomes readable when a notice may have arrived; -1 if the system
-  /// sends no notices. This object owns the descriptor.
+  /// sends no notices. The `AccessoryNotices` object owns the descriptor.
   int descriptor() const { return socket_; }
 
  private:

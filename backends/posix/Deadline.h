@@ -19,10 +19,10 @@ SteadyTime deadlineIn(double seconds);
 /// Returns whether no time is left until `deadline`.
 bool hasPassed(SteadyTime deadline);
 
-/// Returns the time left until `deadline` in seconds; 0 once it has passed.
+/// Returns the time left until `deadline` in seconds; 0 if `deadline` has passed.
 double secondsUntil(SteadyTime deadline);
 
-/// Returns the time left until `deadline` in the form that system calls take; 0 once it has passed.
+/// Returns the time left until `deadline` as system calls take it; 0 if `deadline` has passed.
 timespec timeLeft(SteadyTime deadline);
 
 }  // namespace quordalvane::posix

@@ -52,7 +52,7 @@ class Descriptor {
 
   /// Sends at most `length` bytes without waiting and without causing a signal. Returns the number
   /// of bytes taken, which may be smaller than `length`, or -1 with an error in `errno`; the error
-  /// is EAGAIN if there is no space now. It never returns -1 if a part of the bytes may have
+  /// is EAGAIN if there is no space now. `send` never returns -1 if a part of the bytes may have
   /// arrived.
   std::ptrdiff_t send(const std::uint8_t* bytes, std::size_t length) const;
 
@@ -68,9 +68,9 @@ class Descriptor {
   /// descriptor cannot report this.
   bool hasUnderWay() const;
 
-  /// Returns for how long the other side has acknowledged nothing, although the system has repeated
-  /// the bytes or its probe. Returns zero while the other side answers that it has no space, and if
-  /// this kind of descriptor cannot report the time.
+  /// Returns for how long the other side has acknowledged nothing, although the system has sent the
+  /// bytes, or a probe, more than once. Returns zero while the other side answers that it has no
+  /// space, and if this kind of descriptor cannot report the time.
   std::chrono::milliseconds silence() const;
 
   /// Returns, as a text for people, the reason that the USB port of a printer reports why it does

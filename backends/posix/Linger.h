@@ -8,9 +8,8 @@ namespace quordalvane::posix {
 /// own output, or until `deadline` has passed. Drops all input during the wait.
 ///
 /// Without this wait, a printer that reads slowly and sometimes sends a report could lose the rest
-/// of its job: a closed socket answers received bytes with a reset, which also discards the bytes
-/// that the system has not sent yet. The same can happen after `deadline`, if the other side then
-/// sends a byte.
+/// of its job. If a report arrives at a closed socket, the system answers with a reset, and
+/// discards the bytes that it has not sent yet. This can still happen after `deadline`.
 void linger(const Descriptor& connection, SteadyTime deadline);
 
 }  // namespace quordalvane::posix

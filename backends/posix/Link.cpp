@@ -21,16 +21,17 @@ Tick currentTick() {
   return std::chrono::seconds(now.tv_sec) + Tick(now.tv_nsec);
 }
 
-// How long the end of a connection may wait for the device. In this time a slow device can take the
-// bytes of a receipt that the system still holds, and a caller can wait so long for the close.
+// How long the end of a connection may wait for the device. This is enough time for a slow device
+// to take the bytes of a receipt that the system still holds, and not too long for the caller of
+// the close.
 constexpr std::chrono::seconds lingerLimit{2};
 
 // The system is asked at this interval whether the other side still answers. The question is cheap
 // but not free.
 constexpr std::chrono::seconds silenceInterval{1};
 
-// After a write of at most this many bytes that the system took whole, the link counts as having
-// space: the system's buffers hold many commands, and a query for the space costs as much as
+// If the system took all bytes of a write of at most this length, the link is assumed to have
+// space. The system's buffers hold many commands, and a query for the space costs as much as
 // sending a command. A longer write may have filled the buffers.
 constexpr std::size_t longestCommand = 4096;
 
@@ -252,7 +253,7 @@ void Link::noteDry() {
 }
 
 // Records a reply if bytes arrived after the last write and all of them were taken. Bytes that
-// arrived before the write cannot be the reply to it, even if they are taken after the write.
+// arrived before a write cannot be the reply to the write, even if the reader takes them later.
 void Link::noteAnswered() {
   if (unread() == 0 && dry_ && cameSinceWrite_) {
     cameSinceWrite_ = false;

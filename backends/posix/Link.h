@@ -16,8 +16,8 @@ namespace quordalvane::posix {
 /// Reading it costs a fraction of an exact reading.
 using Tick = std::chrono::nanoseconds;
 
-/// One open connection. It holds the descriptor, the bytes that were read ahead, and the state of
-/// both directions. A session, its two streams and its accessory share it.
+/// One open connection. The object has the descriptor, the bytes that were read ahead, and the
+/// state of both directions. A session, its two streams and its accessory share the object.
 ///
 /// A port asks for the state of the link before every transfer. If possible, the link answers from
 /// the result of its last `receive`, which showed bytes, an empty input, the end of the stream or
@@ -38,16 +38,16 @@ class Link {
   /// Makes `release` return at once; the bytes under way may be lost.
   void abandon();
 
-  /// Ends the connection. Afterwards there are no bytes to read and there is no space to write. It
-  /// returns when the device has taken the bytes under way, and after two seconds at the latest. If
-  /// the device has not taken all bytes by then and sends anything afterwards, the rest is lost.
-  /// When `release` returns, the waits of other threads end; on a terminal they may continue to
-  /// their own deadline. A second call has no effect.
+  /// Ends the connection. Afterwards there are no bytes to read and there is no space to write.
+  /// `release` returns when the device has taken the bytes under way, and after two seconds at the
+  /// latest. If the device has not taken all bytes by then and sends anything afterwards, the rest
+  /// is lost. When `release` returns, the waits of other threads end; on a terminal they may
+  /// continue to their own deadline. A second call has no effect.
   void release();
 
-  /// Returns true once the end of the stream, a hang-up or an error was seen, or the other side was
-  /// silent for too long, and all bytes that arrived before were read. Returns false after
-  /// `release`, because a released link is not lost.
+  /// Returns true if the link has ended and all bytes that arrived before the end were read. A link
+  /// ends by the end of the stream, a hang-up or an error, or if the other side does not answer for
+  /// too long. Returns false after `release`, because a released link is not lost.
   bool isLost();
 
   /// If the link has ended, drops the unread bytes that arrived before the end, so that `isLost`

@@ -6,7 +6,8 @@ namespace quordalvane::posix {
 namespace {
 
 // The common part of both directions. These streams report no events, so a delegate is never
-// called. A stream is not scheduled: a run loop receives it as an argument when it waits for it.
+// called. A stream is not scheduled on a run loop: the loop receives the stream as an argument when
+// it waits for it.
 template <typename Stream>
 class LinkStream : public Stream {
  public:
@@ -19,7 +20,7 @@ class LinkStream : public Stream {
   void close() override { link_ = nullptr; }
 
  protected:
-  std::shared_ptr<Link> link_;  // null once closed
+  std::shared_ptr<Link> link_;  // null after `close`
 };
 
 class LinkInputStream final : public LinkStream<NSInputStream> {

@@ -25,7 +25,7 @@ class PosixThread final : public NSThread {
   bool performAndWait(std::function<void()> routine) override;
 
  private:
-  std::function<void()> body_;  // empty once the thread has started
+  std::function<void()> body_;  // empty after the start
   const std::shared_ptr<ThreadRunLoop> loop_;
 };
 

@@ -30,9 +30,9 @@ struct LookupResult {
 using Lookup = std::function<LookupResult()>;
 
 /// Runs `lookup` on a thread of its own and returns the addresses that `lookup` finds. Throws
-/// `std::system_error` with the code of the resolver if the lookup fails, and with EAI_AGAIN if it
-/// has not ended by `deadline`. In that case the lookup continues on its thread, which keeps a copy
-/// of the function.
+/// `std::system_error` with the code of the resolver if the lookup fails, and with EAI_AGAIN if the
+/// lookup has not ended by `deadline`. In that case the lookup continues on its thread, which keeps
+/// a copy of the function.
 std::vector<SocketAddress> lookUpUntil(SteadyTime deadline, Lookup lookup);
 
 /// Returns the addresses of `host`, at least one, in the order in which to try them. A numeric

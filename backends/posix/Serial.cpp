@@ -25,8 +25,8 @@ namespace {
   throw std::system_error(code, std::generic_category(), text);
 }
 
-// Returns the flag for a speed. If there is a constant for the speed, this constant is returned, so
-// that every program can read the setting.
+// Returns the flag for a speed. If the header has a constant for the speed, returns this constant,
+// so that every program can read the setting.
 tcflag_t speedFlag(unsigned baud) {
   constexpr std::pair<unsigned, tcflag_t> numbered[] = {
       {1200, B1200},     {2400, B2400},     {4800, B4800},     {9600, B9600},
@@ -98,8 +98,9 @@ void configure(int number, const SerialSettings& wanted, const std::string& path
 }
 
 // Returns whether the descriptor is a pseudo-terminal. A pseudo-terminal must not be set to
-// exclusive mode: it would remain in this mode while its other end is open, even after the program
-// was killed, and nobody could open it. The lock alone is enough, because it ends with the program.
+// exclusive mode. If the program were killed, the pseudo-terminal would remain in this mode as long
+// as its other end is open, and nobody could open it. The lock alone is enough, because it ends
+// with the program.
 bool isPseudoTerminal(int number) {
   constexpr unsigned first = 136;
   constexpr unsigned last = 143;

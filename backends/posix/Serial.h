@@ -16,8 +16,7 @@ enum class Flow {
   XonXoff,  ///< by the bytes 13 and 11 (hex); a reader never receives these two bytes
 };
 
-/// The settings of a serial line. The defaults are those of most receipt printers when they are
-/// delivered.
+/// The settings of a serial line. The defaults are the factory settings of most receipt printers.
 struct SerialSettings {
   unsigned baud = 9600;  ///< bits per second; any speed that the hardware of the line supports
   unsigned bits = 8;     ///< data bits, 7 or 8
@@ -29,10 +28,10 @@ struct SerialSettings {
 /// Returns the usual speeds of printers, in bits per second and in rising order.
 std::vector<unsigned> usualBaudRates();
 
-/// Opens the serial line at `path` in raw mode, for exclusive use by this program: it takes an
-/// advisory lock and sets the line to exclusive mode; both end when the line is closed. The line
-/// does not become the controlling terminal. It keeps its settings after it is closed. Never waits
-/// for a modem.
+/// Opens the serial line at `path` in raw mode, for exclusive use by this program. For this it
+/// takes an advisory lock and sets the line to exclusive mode; both end when the line is closed.
+/// The line does not become the controlling terminal. It keeps its settings after it is closed.
+/// Never waits for a modem.
 ///
 /// Throws a `std::system_error` with a message for people. The code is EBUSY if another program, or
 /// another descriptor of this program, uses the line; the message then names the other program, if

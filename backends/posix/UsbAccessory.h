@@ -20,18 +20,18 @@ Descriptor openUsbPrinter(const UsbPrinter& printer);
 /// badly.
 Descriptor::Kind usbKindOf(int number);
 
-/// A USB printer, which may be plugged in and unplugged at any time. While it is not plugged in, it
-/// announces no protocol, so ports ignore it. The name, the model and the serial number are those
-/// that the printer reports, unless `identity` contains them.
+/// A USB printer, which may be plugged in and unplugged at any time. While the printer is not
+/// plugged in, the accessory announces no protocol, so ports ignore it. The name, the model and the
+/// serial number are those that the printer reports, unless `identity` contains them.
 ///
-/// The accessory's manufacturer is always the one in `identity`, whoever made the printer: a port
-/// chooses only accessories of one maker, and a user who names this device wants to use it. The
-/// name contains the real maker.
+/// The manufacturer is always the one in `identity`, whoever made the printer. A port chooses only
+/// accessories of one maker, and a user who names this device wants to use the printer. The name
+/// contains the real maker.
 class UsbAccessory : public LinkAccessory {
  public:
-  /// `place` selects the printer, as described at `findUsbPrinter`. After the first search it is
-  /// recognised by its texts, even if its device node has changed, unless another printer has the
-  /// same texts.
+  /// `place` selects the printer, as described at `findUsbPrinter`. After the first search the
+  /// printer is recognised by its texts, even if its device node has changed, unless another
+  /// printer has the same texts.
   UsbAccessory(AccessoryIdentity identity, std::string place, UsbRoots roots = {});
 
   std::optional<std::string> name() override;

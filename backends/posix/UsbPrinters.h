@@ -18,17 +18,17 @@ struct UsbPrinter {
   std::string maker;           ///< "" if the printer reports none
   std::string model;           ///< "" if the printer reports none
 
-  /// Returns whether `other` is the same device, as far as its texts show. Two printers of one
-  /// model without serial numbers can be distinguished only by their nodes.
+  /// Returns whether `other` has the same texts as this device. If there is no serial number, the
+  /// nodes must also be equal, because only the nodes distinguish two printers of one model.
   bool isSameDevice(const UsbPrinter& other) const;
 
   /// Returns "Maker Model", or only one of the two if the other is missing, or "".
   std::string makerAndModel() const;
 };
 
-/// Returns the device text that selects `printer` among `printers`. It contains the serial number.
-/// It contains the node instead if there is no serial number, or if the serial number could be
-/// taken for a path or selects another printer.
+/// Returns the device text that selects `printer` among `printers`. The device text contains the
+/// serial number. If there is no serial number, or if the serial number looks like a path or
+/// selects another printer, the device text contains the node.
 std::string textOf(const UsbPrinter& printer, const std::vector<UsbPrinter>& printers);
 
 /// The reason why no USB printer can be chosen.
@@ -55,10 +55,11 @@ struct UsbRoots {
 /// them.
 std::vector<UsbPrinter> usbPrinters(const UsbRoots& roots = {});
 
-/// Returns the one printer that `place` selects: "" selects the only printer, a path the printer
-/// with this node, `VID:PID` the only printer of this model, and any other text the printer with
-/// this serial number. If there is not exactly one such printer, throws a `std::system_error` with
-/// a code of `usbCategory()`; its message is for people and lists the printers.
+/// Returns the one printer that `place` selects: "" selects the only printer; a path selects the
+/// printer with this node; `VID:PID` selects the only printer of this model; any other text selects
+/// the printer with this serial number. If there is not exactly one such printer, throws a
+/// `std::system_error` with a code of `usbCategory()`; its message is for people and lists the
+/// printers.
 UsbPrinter findUsbPrinter(std::string_view place, const UsbRoots& roots = {});
 
 }  // namespace quordalvane::posix

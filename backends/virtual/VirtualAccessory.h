@@ -45,7 +45,7 @@ class VirtualAccessory : public IdentifiedAccessory {
 
 /// Creates an accessory with a simulated printer. `options` set the printer's flags, by their names
 /// in the status record, its settings and its faults. Throws std::invalid_argument for an invalid
-/// option; the message names the key and the values that it takes.
+/// option; the message names the key and the values that are valid for this key.
 std::shared_ptr<VirtualAccessory> makePrinterAccessory(
     AccessoryIdentity identity, const std::vector<std::pair<std::string, std::string>>& options,
     Clock& clock);

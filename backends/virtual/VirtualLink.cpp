@@ -9,8 +9,8 @@ namespace {
 
 using simulator::Instant;
 
-/// Returns the microseconds from `now` to `then`, rounded up: if a wait ended before the event, it
-/// would have to be repeated.
+/// Returns the microseconds from `now` to `then`, rounded up, so that a wait of this length never
+/// ends before the event.
 std::uint64_t microsecondsUntil(Instant now, Instant then) {
   return static_cast<std::uint64_t>(
       std::chrono::ceil<std::chrono::microseconds>(then - now).count());

@@ -20,9 +20,9 @@ struct PrinterInside {
   simulator::Faults faults;  // the faults that each new link begins with
 };
 
-/// One connection to a simulated printer. A session, its streams and its accessory share it. Each
-/// call first advances the printer to the current time of `clock`. Any thread may call the
-/// functions.
+/// One connection to a simulated printer. A session, its streams and its accessory share the
+/// connection. Each call first advances the printer to the current time of `clock`. Any thread may
+/// call the functions.
 class VirtualLink {
  public:
   VirtualLink(std::shared_ptr<PrinterInside> inside, Clock& clock);
@@ -30,7 +30,7 @@ class VirtualLink {
   VirtualLink(const VirtualLink&) = delete;
   VirtualLink& operator=(const VirtualLink&) = delete;
 
-  /// Returns true once the link has dropped and all bytes that arrived before were read. Returns
+  /// Returns true if the link has dropped and all bytes that arrived before were read. Returns
   /// false after `close`, because a closed link is not lost.
   bool isLost();
 
@@ -63,7 +63,7 @@ class VirtualLink {
 
   const std::shared_ptr<PrinterInside> inside_;
   Clock& clock_;
-  std::unique_ptr<simulator::PrinterLink> link_;  // null once closed
+  std::unique_ptr<simulator::PrinterLink> link_;  // null after `close`
   ReplyExpectation expectation_;
   bool lossNoticed_ = false;
 };
