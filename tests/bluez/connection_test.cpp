@@ -96,14 +96,14 @@ TEST_F(BluetoothConnection, CarriesBytesInBothDirections) {
   EXPECT_EQ(connection.receiveUntil(here, sizeof here, SteadyClock::now() + 10s), 4);
 }
 
-TEST_F(BluetoothConnection, FindsThePrinterByItsNameAndItsAddressInAnyCase) {
+TEST_F(BluetoothConnection, FindsThePrinterByNameOrByAddressInAnyLetterCase) {
   const StandInBluetooth service(plan());
   for (const auto* const place : {"", "Kitchen", "01:23:45:67:89:AB", "01:23:45:67:89:ab"}) {
     EXPECT_EQ(outcome(place), std::error_code()) << place;
   }
 }
 
-TEST_F(BluetoothConnection, ReleasesTheProfileOnceItIsConnected) {
+TEST_F(BluetoothConnection, ReleasesTheSerialPortProfileAfterConnecting) {
   const StandInBluetooth service(plan());
   const posix::Descriptor one = connectBluetooth(address);
   EXPECT_EQ(service.profiles(), 0);
@@ -111,7 +111,7 @@ TEST_F(BluetoothConnection, ReleasesTheProfileOnceItIsConnected) {
   EXPECT_EQ(service.profiles(), 0);
 }
 
-TEST_F(BluetoothConnection, AcceptsTheSocketBeforeOrAfterTheServicesAnswer) {
+TEST_F(BluetoothConnection, AcceptsItsSocketBeforeOrAfterTheServicesAnswer) {
   for (const Connecting connecting : {Connecting::InOrder, Connecting::AnswersEarly}) {
     StandInPlan planned = plan();
     planned.connecting = connecting;
@@ -128,7 +128,7 @@ TEST_F(BluetoothConnection, RejectsTheConnectionOfAnotherDevice) {
   EXPECT_EQ(service.turnedDown(), 1);
 }
 
-TEST_F(BluetoothConnection, WaitsForAProgramThatHoldsTheProfileBriefly) {
+TEST_F(BluetoothConnection, WaitsWhileAnotherProgramHoldsTheProfileBriefly) {
   StandInPlan planned = plan();
   planned.profilesTaken = 3;
   const StandInBluetooth service(planned);
@@ -142,7 +142,7 @@ TEST_F(BluetoothConnection, ReportsAProgramThatNeverReleasesTheProfile) {
   EXPECT_EQ(outcome(address, nullptr, 300ms), code(BluetoothError::ProfileTaken));
 }
 
-TEST_F(BluetoothConnection, FailsInTimeIfNobodyAuthorisesIt) {
+TEST_F(BluetoothConnection, FailsAtTheTimeoutIfNobodyAuthorisesTheConnection) {
   StandInPlan planned = plan();
   planned.connecting = Connecting::Never;
   const StandInBluetooth service(planned);
@@ -152,7 +152,7 @@ TEST_F(BluetoothConnection, FailsInTimeIfNobodyAuthorisesIt) {
   EXPECT_TRUE(test::eventually([&] { return service.profiles() == 0; }));
 }
 
-TEST_F(BluetoothConnection, EndsWhenTheServiceLeaves) {
+TEST_F(BluetoothConnection, EndsWhenTheBluetoothServiceEnds) {
   auto service = std::make_unique<StandInBluetooth>(plan());
   const posix::Descriptor connection = connectBluetooth(address);
   service.reset();
@@ -160,7 +160,7 @@ TEST_F(BluetoothConnection, EndsWhenTheServiceLeaves) {
   EXPECT_EQ(connection.receiveUntil(&byte, 1, SteadyClock::now() + 10s), 0);
 }
 
-TEST_F(BluetoothConnection, EndsWhenTheBusDies) {
+TEST_F(BluetoothConnection, EndsWhenTheMessageBusIsKilled) {
   const StandInBluetooth service(plan());
   const posix::Descriptor connection = connectBluetooth(address);
   bus_.kill();
@@ -168,7 +168,7 @@ TEST_F(BluetoothConnection, EndsWhenTheBusDies) {
   EXPECT_EQ(connection.receiveUntil(&byte, 1, SteadyClock::now() + 10s), 0);
 }
 
-TEST_F(BluetoothConnection, ReachesThePrinterAgainAfterTheServiceHasLeft) {
+TEST_F(BluetoothConnection, SucceedsAgainAfterTheBluetoothServiceRestarts) {
   auto service = std::make_unique<StandInBluetooth>(plan());
   { const posix::Descriptor connection = connectBluetooth(address); }
   service.reset();
@@ -177,7 +177,7 @@ TEST_F(BluetoothConnection, ReachesThePrinterAgainAfterTheServiceHasLeft) {
   EXPECT_EQ(outcome(address), std::error_code());
 }
 
-TEST_F(BluetoothConnection, LeavesNothingOpenAfterAThousandSessions) {
+TEST_F(BluetoothConnection, LeavesNoDescriptorAndNoThreadAfterAThousandSessions) {
   const StandInBluetooth service(plan());
   { const posix::Descriptor first = connectBluetooth(address); }
   ASSERT_TRUE(test::eventually([] { return countOf("/proc/self/task") == 2; }));
@@ -190,7 +190,7 @@ TEST_F(BluetoothConnection, LeavesNothingOpenAfterAThousandSessions) {
   EXPECT_EQ(programsOnTheBus(), 1U);  // when a program leaves the bus, its match rules are removed
 }
 
-TEST_F(BluetoothConnection, WorksInAChildThatWasForkedDuringASession) {
+TEST_F(BluetoothConnection, WorksInAChildProcessThatWasForkedDuringASession) {
   const StandInBluetooth service(plan());
   const posix::Descriptor connection = connectBluetooth(address);
   const posix::Descriptor printer(printer_.exchange(-1), posix::Descriptor::Kind::Socket);
@@ -213,7 +213,7 @@ struct Refusal {
 
 class BluetoothRefusal : public BluetoothConnection, public testing::WithParamInterface<Refusal> {};
 
-TEST_P(BluetoothRefusal, HasTheErrorCodeOfItsCause) {
+TEST_P(BluetoothRefusal, HasTheErrorCodeAndTheTextOfItsCause) {
   StandInPlan planned = plan();
   planned.connecting = Connecting::Refuses;
   planned.errorName = GetParam().name;
@@ -274,14 +274,14 @@ TEST_F(BluetoothConnection, ReportsWhyNoPrinterCanBeReached) {
   }
 }
 
-TEST(BluetoothWithoutABus, IsReportedAtOnce) {
+TEST(UnusableMessageBus, IsReportedAtOnceIfItIsMissing) {
   ::setenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nowhere/at/all", 1);
   std::string text;
   EXPECT_EQ(outcome(address, &text), code(BluetoothError::NoBus));
   EXPECT_THAT(text, testing::HasSubstr("the system's message bus cannot be used"));
 }
 
-TEST(BluetoothWithoutABus, FailsInTimeIfTheBusIsSilent) {
+TEST(UnusableMessageBus, IsReportedAtTheTimeoutIfItDoesNotAnswer) {
   const test::TemporaryFolder folder;
   const int silent = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
   sockaddr_un place{};

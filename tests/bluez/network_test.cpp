@@ -26,12 +26,12 @@ using testing::AllOf;
 using testing::ElementsAre;
 using testing::Field;
 
-class Search : public testing::Test {
+class PrinterSearch : public testing::Test {
  protected:
   const test::PrivateBus bus_;
 };
 
-TEST_F(Search, FindsThePrintersThatAnnounceARawPort) {
+TEST_F(PrinterSearch, FindsThePrintersThatAnnounceARawPort) {
   const StandInAvahi avahi(
       {{.name = "Bar",
         .texts = {"txtvers=1", "ty=Quor Dalvane XQ700", "usb_MFG=Quor Dalvane", "usb_MDL=XQ700"}},
@@ -48,14 +48,14 @@ TEST_F(Search, FindsThePrintersThatAnnounceARawPort) {
   EXPECT_THAT(avahi.askedFor(), ElementsAre("_pdl-datastream._tcp"));
 }
 
-TEST_F(Search, DoesNotCallAPrinterReachableThatIsOnlyRemembered) {
+TEST_F(PrinterSearch, DoesNotReportARememberedPrinterAsReachable) {
   constexpr std::uint32_t remembered = 1;
   const StandInAvahi avahi({{.name = "Bar"}, {.name = "Counter", .flags = 4 | remembered}});
   EXPECT_THAT(networkDevices(500ms), ElementsAre(Field(&FoundDevice::reachable, true),
                                                  Field(&FoundDevice::reachable, std::nullopt)));
 }
 
-TEST_F(Search, AcceptsSignalsOnlyFromTheService) {
+TEST_F(PrinterSearch, IgnoresAnnouncementsForgedByAnotherProgram) {
   const StandInAvahi avahi(std::vector<StandInAnnouncement>(1));
   const auto connection = sdbus::createSystemBusConnection();
   const auto forger =
@@ -69,7 +69,7 @@ TEST_F(Search, AcceptsSignalsOnlyFromTheService) {
   EXPECT_EQ(found.get().size(), 1U);
 }
 
-TEST_F(Search, OmitsAPrinterWithoutAUsableAddress) {
+TEST_F(PrinterSearch, OmitsAPrinterWithoutAUsableAddress) {
   const StandInAvahi avahi({{.name = "silent", .address = ""},
                             {.name = "no port", .port = 0},
                             {.name = "no address", .address = "a,b\n"},
@@ -77,12 +77,12 @@ TEST_F(Search, OmitsAPrinterWithoutAUsableAddress) {
   EXPECT_TRUE(networkDevices(300ms).empty());
 }
 
-TEST_F(Search, ShowsAPrinterOnceHoweverOftenItIsAnnounced) {
+TEST_F(PrinterSearch, ListsAPrinterOnceIfItIsAnnouncedThreeTimes) {
   const StandInAvahi avahi({{}, {}, {}});
   EXPECT_EQ(networkDevices(300ms).size(), 1U);
 }
 
-TEST_F(Search, LimitsTheNumberOfPrintersAndEscapesTheirNames) {
+TEST_F(PrinterSearch, LimitsTheNumberOfPrintersAndEscapesTheirNames) {
   std::vector<StandInAnnouncement> many(1'000);
   for (std::size_t i = 0; i < many.size(); ++i) {
     many[i].name = std::to_string(i) + "\x1b]0;" + std::string(500, 'x');
@@ -97,7 +97,7 @@ TEST_F(Search, LimitsTheNumberOfPrintersAndEscapesTheirNames) {
   }
 }
 
-TEST_F(Search, FindsThePairedPrintersAndNoOtherDevice) {
+TEST_F(PrinterSearch, FindsPairedPrintersAndNoOtherBluetoothDevice) {
   StandInDevice connected;
   connected.address = "01:23:45:67:89:AC";
   connected.alias = "\x1b[2J";
@@ -118,12 +118,12 @@ TEST_F(Search, FindsThePairedPrintersAndNoOtherDevice) {
           AllOf(Field(&FoundDevice::name, "\\u001b[2J"), Field(&FoundDevice::reachable, true))));
 }
 
-TEST_F(Search, ShowsThatAnAdapterIsOff) {
+TEST_F(PrinterSearch, ReportsAPrinterAsUnreachableIfTheAdapterIsOff) {
   const StandInBluetooth service({.isAdapterOn = false});
   EXPECT_EQ(bluetoothDevices(10s).at(0).reachable, false);
 }
 
-TEST_F(Search, ReportsTheKindsThatItCouldNotSearchAndEndsInTime) {
+TEST_F(PrinterSearch, ReportsWithinTwoAndAHalfSecondsWhichLinksWereNotSearched) {
   const auto began = std::chrono::steady_clock::now();
   const Discovery discovery = discoverDevices();
   EXPECT_LT(std::chrono::steady_clock::now() - began, 2500ms);
@@ -132,7 +132,7 @@ TEST_F(Search, ReportsTheKindsThatItCouldNotSearchAndEndsInTime) {
                           testing::HasSubstr("the network was not searched: ")));
 }
 
-TEST_F(Search, FindsBluetoothPrintersBeforeThoseOfTheNetwork) {
+TEST_F(PrinterSearch, ListsBluetoothPrintersBeforeNetworkPrinters) {
   const StandInAvahi avahi({{.name = "Bar"}});
   const StandInBluetooth service({.devices = {StandInDevice{}}});
   const test::TemporaryFolder bare;
@@ -143,7 +143,7 @@ TEST_F(Search, FindsBluetoothPrintersBeforeThoseOfTheNetwork) {
                                              Field(&FoundDevice::via, Via::Network)));
 }
 
-TEST_F(Search, TakesTwoSecondsIfNothingIsFound) {
+TEST_F(PrinterSearch, EndsWithinTwoAndAHalfSecondsIfNothingIsFound) {
   const StandInAvahi avahi({});
   const StandInBluetooth service({.devices = {}});
   const auto began = std::chrono::steady_clock::now();

@@ -9,7 +9,7 @@ namespace {
 /// two.
 constexpr double instantly = 1.9;
 
-TEST_P(LinkContract, ALinkThatTheDeviceClosedIsLostAndEmpty) {
+TEST_P(LinkContract, ALinkClosedByTheDeviceIsLostAndHasNoBytes) {
   peer->close();
   EXPECT_TRUE(isLost());
   EXPECT_FALSE(input->hasBytesAvailable());
@@ -17,7 +17,7 @@ TEST_P(LinkContract, ALinkThatTheDeviceClosedIsLostAndEmpty) {
   EXPECT_LE(input->read(&byte, 1), 0);
 }
 
-TEST_P(LinkContract, SeenBytesCanBeReadBeforeAClosedLinkIsLost) {
+TEST_P(LinkContract, BytesSeenBeforeTheCloseCanBeReadBeforeTheLinkIsLost) {
   peer->write({1, 2, 3});
   ASSERT_TRUE(eventually([this] { return input->hasBytesAvailable(); }));
   peer->close();
@@ -28,7 +28,7 @@ TEST_P(LinkContract, SeenBytesCanBeReadBeforeAClosedLinkIsLost) {
   EXPECT_FALSE(input->hasBytesAvailable());
 }
 
-TEST_P(LinkContract, UnseenBytesCanBeReadBeforeAClosedLinkIsLost) {
+TEST_P(LinkContract, BytesNotSeenBeforeTheCloseCanBeReadBeforeTheLinkIsLost) {
   if (!maker->traits().keepsUnreadBytes) {
     GTEST_SKIP() << "the system throws away bytes that were not read before the end";
   }
@@ -68,7 +68,7 @@ TEST_P(LinkContract, AResetEndsTheLinkEvenWithBytesUnread) {
   EXPECT_FALSE(input->hasBytesAvailable());
 }
 
-TEST_P(LinkContract, WritesToAClosedLinkFailBeforeLong) {
+TEST_P(LinkContract, WritesToAClosedLinkSoonFail) {
   peer->close();
   EXPECT_TRUE(eventually([this] { return write({1}) == -1; }));
   EXPECT_TRUE(isLost());
@@ -87,7 +87,7 @@ TEST_P(LinkContract, BytesThatArrivedBeforeAWriteErrorCanBeRead) {
   EXPECT_TRUE(isLost());
 }
 
-TEST_P(LinkContract, ACallerThatWaitsForTheLossSeesItEvenIfBytesAreUnread) {
+TEST_P(LinkContract, NoticeLossReportsALostLinkEvenIfBytesAreUnread) {
   peer->write({1, 2, 3});
   ASSERT_TRUE(eventually([this] { return input->hasBytesAvailable(); }));
   peer->close();
@@ -97,7 +97,7 @@ TEST_P(LinkContract, ACallerThatWaitsForTheLossSeesItEvenIfBytesAreUnread) {
   }));
 }
 
-TEST_P(LinkContract, AWorkingLinkIsNeverCalledLost) {
+TEST_P(LinkContract, NoticeLossDoesNotReportAWorkingLinkAsLost) {
   accessory->noticeLoss();
   peer->write({1, 2, 3});
   ASSERT_TRUE(eventually([this] { return input->hasBytesAvailable(); }));
@@ -128,7 +128,7 @@ TEST_P(LinkContract, TheEndOfTheSessionEndsTheLinkForTheDevice) {
   EXPECT_TRUE(peer->read(1).empty());
 }
 
-TEST_P(LinkContract, TheEndOfTheSessionLeavesTimeForADeviceThatReportsWhileItReads) {
+TEST_P(LinkContract, TheEndOfASessionWaitsUntilADeviceThatSendsReportsHasReadAllBytes) {
   peer->stall();
   const Bytes taken = fill(256 << 10);  // so few that any machine moves them while the end waits
   Bytes arrived;
@@ -148,7 +148,7 @@ TEST_P(LinkContract, TheEndOfTheSessionLeavesTimeForADeviceThatReportsWhileItRea
   EXPECT_TRUE(arrived == taken);
 }
 
-TEST_P(LinkContract, TheEndOfTheSessionWaitsAFewSecondsAtMostForADeviceThatReadsNothing) {
+TEST_P(LinkContract, TheEndOfASessionWaitsOnlySecondsForADeviceThatReadsNothing) {
   peer->stall();
   fill();
   const double start = now();

@@ -11,7 +11,7 @@ Bytes everyValue() {
   return bytes;
 }
 
-TEST_P(LinkContract, ANewSessionIsConnectedAndEmptyAndHasSpace) {
+TEST_P(LinkContract, ANewSessionIsConnectedWithNoBytesToReadAndSpaceToWrite) {
   EXPECT_TRUE(accessory->isConnected());
   EXPECT_FALSE(input->hasBytesAvailable());
   EXPECT_TRUE(output->hasSpaceAvailable());
@@ -47,7 +47,7 @@ TEST_P(LinkContract, TenThousandBytesInPiecesOfSevenArriveOnceAndInOrder) {
   EXPECT_FALSE(input->hasBytesAvailable());
 }
 
-TEST_P(LinkContract, ReadsTheNumberAskedForAndKeepsTheRest) {
+TEST_P(LinkContract, AReadReturnsTheRequestedCountAndLeavesTheRestForLater) {
   peer->write({1, 2, 3, 4, 5});
   EXPECT_EQ(receive(2), (Bytes{1, 2}));
   EXPECT_TRUE(input->hasBytesAvailable());
@@ -55,7 +55,7 @@ TEST_P(LinkContract, ReadsTheNumberAskedForAndKeepsTheRest) {
   EXPECT_FALSE(input->hasBytesAvailable());
 }
 
-TEST_P(LinkContract, AReadReturnsFewerBytesIfThereAreFewer) {
+TEST_P(LinkContract, AReadReturnsTheAvailableBytesIfMoreAreRequested) {
   peer->write({1, 2, 3});
   ASSERT_TRUE(eventually([this] { return input->hasBytesAvailable(); }));
   Bytes received = receive(1);
@@ -68,7 +68,7 @@ TEST_P(LinkContract, AReadReturnsFewerBytesIfThereAreFewer) {
   EXPECT_EQ(received, (Bytes{1, 2, 3}));
 }
 
-TEST_P(LinkContract, AReadWithoutBytesReturnsZero) {
+TEST_P(LinkContract, AReadReturnsZeroIfNoBytesHaveArrived) {
   std::uint8_t byte = 0;
   EXPECT_EQ(input->read(&byte, 1), 0);
 }
@@ -82,7 +82,7 @@ TEST_P(LinkContract, TransfersOfNoBytesReturnZeroAndChangeNothing) {
   EXPECT_EQ(receive(1), (Bytes{7}));
 }
 
-TEST_P(LinkContract, AStalledDeviceTakesBytesUntilThereIsNoSpace) {
+TEST_P(LinkContract, WritesToAStalledDeviceSucceedUntilThereIsNoSpace) {
   peer->stall();
   const Bytes taken = fill();
   EXPECT_FALSE(taken.empty());
@@ -90,7 +90,7 @@ TEST_P(LinkContract, AStalledDeviceTakesBytesUntilThereIsNoSpace) {
   EXPECT_TRUE(accessory->isConnected());
 }
 
-TEST_P(LinkContract, AWriteWithoutSpaceTakesNothingAndIsNoError) {
+TEST_P(LinkContract, AWriteWithoutSpaceReturnsZeroAndTheLinkRemainsConnected) {
   peer->stall();
   fill();
   // The system counts space in blocks, so some bytes may still fit.
@@ -103,7 +103,7 @@ TEST_P(LinkContract, AWriteWithoutSpaceTakesNothingAndIsNoError) {
   EXPECT_TRUE(accessory->isConnected());
 }
 
-TEST_P(LinkContract, ThereIsSpaceAgainOnceAStalledDeviceReadsAndNothingIsLost) {
+TEST_P(LinkContract, SpaceReturnsWithoutLossAfterAStalledDeviceReads) {
   peer->stall();
   const Bytes taken = fill();
   EXPECT_EQ(peer->read(taken.size()), taken);
@@ -112,7 +112,7 @@ TEST_P(LinkContract, ThereIsSpaceAgainOnceAStalledDeviceReadsAndNothingIsLost) {
   EXPECT_EQ(peer->read(3), (Bytes{1, 2, 3}));
 }
 
-TEST_P(LinkContract, ASecondSessionHasALinkOfItsOwn) {
+TEST_P(LinkContract, ASecondSessionHasItsOwnLink) {
   if (!maker->traits().standsSideBySide) {
     GTEST_SKIP() << "there is one line for all sessions";
   }

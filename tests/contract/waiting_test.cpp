@@ -5,7 +5,7 @@ namespace {
 
 constexpr double instantly = generously / 2;  // seconds; a longer call has waited
 
-TEST_P(LinkContract, AWaitForBytesEndsAtOnceWhenBytesAreThere) {
+TEST_P(LinkContract, AWaitForBytesEndsAtOnceWhenBytesArrive) {
   ASSERT_EQ(write({1}), 1);  // the device may answer, so the call would wait
   peer->write({1});
   const double start = now();
@@ -14,7 +14,7 @@ TEST_P(LinkContract, AWaitForBytesEndsAtOnceWhenBytesAreThere) {
   EXPECT_TRUE(input->hasBytesAvailable());
 }
 
-TEST_P(LinkContract, NoBytesAreExpectedUnlessAQuestionIsUnanswered) {
+TEST_P(LinkContract, BytesAreExpectedOnlyWhileARequestIsUnanswered) {
   if (!maker->traits().knowsWhatIsOwed) {
     GTEST_SKIP() << "the link never knows";
   }
@@ -48,7 +48,7 @@ TEST_P(LinkContract, NoBytesAreExpectedAfterACommandThatIsNeverAnswered) {
   EXPECT_FALSE(input->expectsBytes());
 }
 
-TEST_P(LinkContract, AWaitForTheRestOfAnAnswerLastsItsTime) {
+TEST_P(LinkContract, AWaitForTheRestOfAnAnswerLastsItsWholeTime) {
   ASSERT_EQ(write({1}), 1);
   peer->write({2});
   EXPECT_EQ(receive(1), (Bytes{2}));
@@ -86,7 +86,7 @@ TEST_P(LinkContract, AWaitForSpaceEndsAtOnceWhenThereIsSpace) {
   EXPECT_LT(now() - start, instantly);
 }
 
-TEST_P(LinkContract, AWaitForSpaceLastsItsTimeWhileTheDeviceStalls) {
+TEST_P(LinkContract, AWaitForSpaceLastsItsWholeTimeWhileTheDeviceStalls) {
   peer->stall();
   fill();
   const double start = now();

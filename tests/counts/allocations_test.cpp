@@ -23,7 +23,7 @@ struct Speaker {
   }
 };
 
-TEST(Allocations, AreCountedWithTheirBytes) {
+TEST(AllocationCounter, CountsEachAllocationAndItsBytes) {
   // It is called by its name, because the compiler may remove a new expression whose memory is not
   // used.
   const auto taken = allocationsOf([] { ::operator delete(::operator new(1000)); });
@@ -31,14 +31,14 @@ TEST(Allocations, AreCountedWithTheirBytes) {
   EXPECT_EQ(taken.bytes, 1000U);
 }
 
-TEST(Allocations, ALogStatementAllocatesAndFormatsNothingWhileLoggingIsOff) {
+TEST(AllocationCounts, ALogStatementAllocatesNothingWhileLoggingIsOff) {
   ASSERT_FALSE(LogWriter::isLogging());
   const std::vector<std::uint8_t> bytes(100);
   const auto taken = allocationsOf([&] { Speaker().say(bytes); });
   EXPECT_EQ(taken.count, 0U) << "neither a message nor a description is made without memory";
 }
 
-TEST(Allocations, ALogStatementOfAnUnwantedLevelAllocatesNothing) {
+TEST(AllocationCounts, ALogStatementAllocatesNothingIfItsLevelIsOff) {
   LogWriter::setLogging(true);
   LogWriter::setTargetLogLevels({1});
   const std::vector<std::uint8_t> bytes(100);
@@ -50,7 +50,7 @@ TEST(Allocations, ALogStatementOfAnUnwantedLevelAllocatesNothing) {
 
 // Every buffer that a job takes is filled once: the memory that it takes is the number of bytes
 // that it copies.
-TEST(Allocations, AJobCopiesItsBytesAtMostTwice) {
+TEST(AllocationCounts, AJobCopiesItsBytesAtMostTwice) {
   for (const bench::Medium medium : {bench::Medium::Tcp, bench::Medium::Local}) {
     bench::Peer peer(bench::Core::Second);
     const auto endpoint = bench::makeEndpoint(medium);

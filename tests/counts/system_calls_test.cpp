@@ -82,7 +82,7 @@ std::optional<SystemCalls> callsOfAStatus(AnsweredPort& answered) {
     GTEST_SKIP() << "this system does not let a process be traced"; \
   }
 
-TEST(SystemCalls, AreCountedOneByOne) {
+TEST(SystemCallCounter, CountsEachCall) {
   const auto endpoint = bench::makeEndpoint(Medium::Local);
   bench::BareLink link(endpoint->connect());
   const auto calls = systemCallsOf([&] {
@@ -115,7 +115,7 @@ TEST(SystemCalls, ALineModeStatusOverASerialLineWritesOnceAndWaitsAtMostOnce) {
   EXPECT_LE(exchangeCallsIn(*calls), 7U);
 }
 
-TEST(SystemCalls, AnEscposStatusWritesEachCommandAtOnce) {
+TEST(SystemCalls, AnEscPosStatusSendsItsCommandsInFourCalls) {
   AnsweredPort answered(Medium::Tcp, ZKEmulationESCPOS);
   const auto calls = callsOfAStatus(answered);
   ASSERT_TRACED(calls);
@@ -131,7 +131,7 @@ void awaitArrival(int socket) {
   }
 }
 
-TEST(SystemCalls, ArrivedBytesAreReadWithoutAWaitAndManyAtATime) {
+TEST(SystemCalls, ReadsOfArrivedBytesTakeOneCallPer128BytesAndNoWait) {
   constexpr std::size_t size = 16384;
   const auto endpoint = bench::makeEndpoint(Medium::Tcp);
   bench::OpenPort port(endpoint->device(), ZKEmulationQuorLine);
@@ -169,7 +169,7 @@ long waitsOfAnIdleSlice() {
   return waits[waits.size() / 2];
 }
 
-TEST(WakeUps, AnIdleSliceWakesEitherKindOfThreadOnce) {
+TEST(WakeUps, AnIdleRunLoopSliceWakesItsThreadOnce) {
   EXPECT_EQ(waitsOfAnIdleSlice(), 1);
 
   std::promise<long> waits;

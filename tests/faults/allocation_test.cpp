@@ -147,7 +147,7 @@ class AllocationSweep : public testing::TestWithParam<std::tuple<std::int32_t, b
   }
 };
 
-TEST(NewPortWithoutMemory, LeavesNoThread) {
+TEST(NewPortWithoutMemory, LeavesNoThreadIfAnAllocationFails) {
   const Logging logging(true);
   std::uint64_t failures = 0;
   bool struck = true;
@@ -199,7 +199,7 @@ class NoMemoryAtAll : public testing::TestWithParam<bool> {
   }
 };
 
-TEST_P(NoMemoryAtAll, MakesOpenAndCloseThrowNothing) {
+TEST_P(NoMemoryAtAll, NeverMakesOpenOrCloseThrow) {
   for (const Call& call : {open(), close()}) {
     for (std::uint64_t k = 1; runOnce(call, k) && !HasFailure(); ++k) {
     }
@@ -208,7 +208,7 @@ TEST_P(NoMemoryAtAll, MakesOpenAndCloseThrowNothing) {
 
 INSTANTIATE_TEST_SUITE_P(OnceAndFromThereOn, NoMemoryAtAll, testing::Bool());
 
-TEST_P(AllocationSweep, EndsEveryOperationInADocumentedWay) {
+TEST_P(AllocationSweep, EveryOperationEndsInADocumentedWayIfAnAllocationFails) {
   std::uint64_t strikes = 0;
   for (const Call& call : allCalls()) {
     for (const bool fromThereOn : {false, true}) {

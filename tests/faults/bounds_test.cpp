@@ -30,7 +30,7 @@ Outcome expectEndWithTheLink(const Scenario& scenario, const Call& call,
   return outcome;
 }
 
-TEST(Bounds, TheRetryingWriterRepeatsUntilTheLinkEnds) {
+TEST(TimeBounds, TheRetryingWriterEndsWhenTheLinkIsLost) {
   Scenario scenario = Scenario::in(lineMode, 1000);
   scenario.script.takesInAttempts({3}).isLostAfterBytes(4000);
   const Outcome outcome = expectEndWithTheLink(scenario, writeWithRetry(bytes("1b 40 1b 41 1b 42")),
@@ -39,7 +39,7 @@ TEST(Bounds, TheRetryingWriterRepeatsUntilTheLinkEnds) {
   EXPECT_LE(outcome.sent().size(), 4000U + 3U) << "at most one tail beyond the loss";
 }
 
-TEST(Bounds, AWriteToAnOutputThatTakesNothingEndsWithTheLink) {
+TEST(TimeBounds, AWriteOfWhichTheStreamTakesNothingEndsWhenTheLinkIsLost) {
   Scenario scenario = Scenario::in(lineMode, 1000);
   for (std::size_t nth = 1; nth < 2000; ++nth) {
     scenario.script.writeReturns(nth, 0);
@@ -50,7 +50,7 @@ TEST(Bounds, AWriteToAnOutputThatTakesNothingEndsWithTheLink) {
   EXPECT_EQ(outcome.result, "-1");
 }
 
-TEST(Bounds, AReadFromAnInputThatGivesNothingEndsWithTheLink) {
+TEST(TimeBounds, AReadThatReceivesNothingEndsWhenTheLinkIsLost) {
   Scenario scenario = Scenario::in(lineMode, 1000);
   scenario.script.delivers(bytes("41"));
   for (std::size_t nth = 1; nth < 2000; ++nth) {
@@ -61,7 +61,7 @@ TEST(Bounds, AReadFromAnInputThatGivesNothingEndsWithTheLink) {
   EXPECT_EQ(outcome.result, "none");
 }
 
-TEST(Bounds, TheLoopOverInvalidStatusesEndsWithTheLink) {
+TEST(TimeBounds, TheLoopOverInvalidStatusesEndsWhenTheLinkIsLost) {
   Scenario scenario = Scenario::in(escPos, 1000);
   scenario.script.wheneverAsked(bytes("10 04 01"), {{bytes("00"), 0.05}}).isLost(100);
   const Outcome outcome =
@@ -70,7 +70,7 @@ TEST(Bounds, TheLoopOverInvalidStatusesEndsWithTheLink) {
   EXPECT_NEAR(outcome.seconds, 100, 2);
 }
 
-TEST(Bounds, TheDrainEndsWithTheLink) {
+TEST(TimeBounds, TheDrainOfTheInputEndsWhenTheLinkIsLost) {
   Scenario scenario = Scenario::in(escPos, 1000);
   scenario.script.whenAsked(bytes("10 04 01"), {{bytes("1a"), 0}});
   for (int i = 1; i <= 2000; ++i) {
@@ -82,7 +82,7 @@ TEST(Bounds, TheDrainEndsWithTheLink) {
   EXPECT_NEAR(outcome.seconds, 90, 2);
 }
 
-TEST(Bounds, ApplyToTheRestOfARunWithAnUnboundedPart) {
+TEST(TimeBounds, ApplyToACallExceptItsUnboundedLoop) {
   Scenario scenario = Scenario::in(escPos, 1000);
   scenario.script.wheneverAsked(bytes("10 04 01"), {{bytes("00"), 0.05}}).isLost(100);
   const Call call = endCheckedBlock();
@@ -93,7 +93,7 @@ TEST(Bounds, ApplyToTheRestOfARunWithAnUnboundedPart) {
   EXPECT_NE(overrun(scenario, call, outcome), "") << "as if it had continued without the link";
 }
 
-TEST(Bounds, AreCloseToTheTimesOfASilentPrinter) {
+TEST(TimeBounds, AreCloseToTheTimesOfACallToASilentPrinter) {
   for (const std::int32_t emulation : {unknownEmulation, lineMode, escPos}) {
     for (const Call& call : allCalls()) {
       Scenario scenario = Scenario::in(emulation, 3000);

@@ -141,7 +141,7 @@ class ClockSweep : public testing::TestWithParam<std::tuple<std::int32_t, Printe
   }
 };
 
-TEST_P(ClockSweep, NeverEndsAWaitEarlyNorDelaysItBeyondTheStep) {
+TEST_P(ClockSweep, AClockStepNeverEndsAWaitEarlyOrProlongsItByMoreThanTheStep) {
   std::size_t readings = 0;
   for (const Call& call : allCalls()) {
     const Outcome undisturbed = scenario().run(call);
@@ -167,7 +167,7 @@ INSTANTIATE_TEST_SUITE_P(EmulationAndPrinter, ClockSweep,
                                                           Printer::TakesNothing)));
 
 /// For each kind of wait, one test waits for the whole hour by which the clock is set back.
-TEST(ClockStep, DelaysEachWaitByTheStepAndNoMore) {
+TEST(ClockSetBack, ProlongsEachWaitByTheStepAndNoMore) {
   const std::vector<std::pair<std::int32_t, Call>> waits = {
       {lineMode, writeWithRetry(bytes("1b 40"))},
       {lineMode, beginCheckedBlock()},

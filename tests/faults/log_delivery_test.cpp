@@ -78,7 +78,7 @@ void log(LogDelivery& delivery, const char* message) {
   delivery.handOver(std::move(record));
 }
 
-TEST(LogDeliveryWithoutMemory, CountsUndeliveredRecordsAndContinues) {
+TEST(LogDeliveryWithoutMemory, CountsTheRecordsThatItLosesAndDeliversLaterRecords) {
   bool struck = true;
   std::uint64_t losses = 0;
   for (std::uint64_t k = 1; struck; ++k) {
@@ -104,7 +104,7 @@ TEST(LogDeliveryWithoutMemory, CountsUndeliveredRecordsAndContinues) {
   EXPECT_GT(losses, 0U) << "no allocation that failed cost a record";
 }
 
-TEST(LogDeliveryWithoutMemory, ReportsAllLossesByOneRecordWhenMemoryIsBack) {
+TEST(LogDeliveryWithoutMemory, ReportsAllLossesInOneRecordWhenMemoryIsFreeAgain) {
   for (const std::uint64_t losses : {1U, 2U}) {
     LogDelivery delivery;
     const auto sink = std::make_shared<SpoilingSink>(1, true);

@@ -136,7 +136,7 @@ class MainThreadSweep : public testing::TestWithParam<bool> {
   }
 };
 
-TEST_P(MainThreadSweep, EndsCreationOpenAndCloseInADocumentedWay) {
+TEST_P(MainThreadSweep, CreationOpenAndCloseEndInADocumentedWayAfterAnyFault) {
   std::uint64_t strikes = 0;
   std::vector<MakeFault> faults = allFaults();
   faults.insert(faults.end(), threadFaults().begin(), threadFaults().end());

@@ -134,7 +134,7 @@ class FaultSweep : public testing::TestWithParam<std::tuple<std::int32_t, bool>>
   }
 };
 
-TEST_P(FaultSweep, EndsEveryOperationInADocumentedWay) {
+TEST_P(FaultSweep, EveryOperationEndsInADocumentedWayAfterAnyFault) {
   std::uint64_t cases = 0;
   for (const MakeFault& makeFault : allFaults()) {
     std::uint64_t strikes = 0;

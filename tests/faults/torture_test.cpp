@@ -182,7 +182,7 @@ class LinkTorture : public testing::TestWithParam<std::int32_t> {
   static inline std::size_t cases_ = 0;
 };
 
-TEST_P(LinkTorture, OfRepliesEndsAsTheModelSays) {
+TEST_P(LinkTorture, AnOperationEndsAsTheModelPredictsIfRepliesAreDamaged) {
   for (const Call& call : calls()) {
     const Bytes sent = scenario().runOnPort(call).sent();
     std::size_t number = 0;
@@ -210,7 +210,7 @@ TEST_P(LinkTorture, OfRepliesEndsAsTheModelSays) {
   expectCases(1000);
 }
 
-TEST_P(LinkTorture, OfUnaskedBytesEndsAsTheModelSays) {
+TEST_P(LinkTorture, AnOperationEndsAsTheModelPredictsIfUnaskedBytesArrive) {
   std::vector<Call> calls = {read(200), getPrinterResponse("*AILBA:", 12, limitMillis),
                              getPrinterResponse(std::nullopt, 0, limitMillis)};
   calls.back().name += "-untitled";
@@ -225,7 +225,7 @@ TEST_P(LinkTorture, OfUnaskedBytesEndsAsTheModelSays) {
   expectCases(1000);
 }
 
-TEST_P(LinkTorture, OfCommandsEndsAsTheModelSays) {
+TEST_P(LinkTorture, AnOperationEndsAsTheModelPredictsIfItsCommandsAreDisturbed) {
   for (const Call& call : calls()) {
     std::size_t before = 0;
     std::size_t number = 0;

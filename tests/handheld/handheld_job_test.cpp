@@ -59,12 +59,12 @@ class HandheldJob : public testing::TestWithParam<ZKEmulation> {
   ServedPrinter printer{lateAnswers()};
 };
 
-TEST_P(HandheldJob, FromTheMainThreadIsPrinted) {
+TEST_P(HandheldJob, IsPrintedFromTheMainThread) {
   EXPECT_EQ(print(std::make_shared<handheld::HandheldPlatform>()), PrintOutcome::Printed);
   EXPECT_EQ(printer.printed(), bytesOf(receipt));
 }
 
-TEST_P(HandheldJob, FromAnotherThreadIsPrinted) {
+TEST_P(HandheldJob, IsPrintedFromAnotherThread) {
   std::thread([this] {
     EXPECT_EQ(print(std::make_shared<handheld::HandheldPlatform>()), PrintOutcome::Printed);
   }).join();
@@ -111,7 +111,7 @@ std::vector<std::string> HandheldJob::recordsOf(const std::shared_ptr<Platform>&
   return recordsWithoutAddresses();
 }
 
-TEST_P(HandheldJob, LogsTheSameRecordsAsOverDescriptors) {
+TEST_P(HandheldJob, LogsTheSameRecordsAsAJobOnThePosixPlatform) {
   const auto handheld = std::make_shared<handheld::HandheldPlatform>();
   const auto descriptors = std::make_shared<posix::PosixPlatform>();
   ServedPrinter another{lateAnswers()};
@@ -149,7 +149,7 @@ class SleeplessPlatform : public ForwardingPlatform {
   Sleepless clock_{ForwardingPlatform::clock()};
 };
 
-TEST(HandheldCycles, CanBeRepeatedThousandsOfTimesOnTheMainThread) {
+TEST(HandheldPort, CanBeOpenedAndClosedThousandsOfTimesOnTheMainThread) {
   ServedPrinter printer;
   plugIn({.connect = [&printer] { return printer.connect(); }});
   const auto platform =

@@ -55,7 +55,7 @@ class TurningThread {
   const std::shared_ptr<NSThread> handle_;
 };
 
-TEST(HandheldThread, RunsACarriedRoutineOnItsOwnThreadBeforeTheCallReturns) {
+TEST(HandheldThread, RunsACallersRoutineBeforeTheCallReturns) {
   HandheldPlatform platform;
   TurningThread thread(platform);
   ASSERT_TRUE(thread.handle().start());
@@ -65,7 +65,7 @@ TEST(HandheldThread, RunsACarriedRoutineOnItsOwnThreadBeforeTheCallReturns) {
   EXPECT_TRUE(ranOn != std::this_thread::get_id());
 }
 
-TEST(HandheldThread, ThrowsTheExceptionOfACarriedRoutineInTheCaller) {
+TEST(HandheldThread, RethrowsTheExceptionOfARoutineInTheCaller) {
   HandheldPlatform platform;
   TurningThread thread(platform);
   ASSERT_TRUE(thread.handle().start());
@@ -74,7 +74,7 @@ TEST(HandheldThread, ThrowsTheExceptionOfACarriedRoutineInTheCaller) {
   EXPECT_TRUE(thread.handle().performAndWait([] {})) << "the loop continues";
 }
 
-TEST(HandheldThread, RunsARoutineThatItCarriesToItselfDirectly) {
+TEST(HandheldThread, RunsItsOwnRoutineDirectly) {
   HandheldPlatform platform;
   TurningThread thread(platform);
   ASSERT_TRUE(thread.handle().start());
@@ -84,7 +84,7 @@ TEST(HandheldThread, RunsARoutineThatItCarriesToItselfDirectly) {
   EXPECT_TRUE(hasRun);
 }
 
-TEST(HandheldThread, RefusesARoutineBeforeItHasStarted) {
+TEST(HandheldThread, RefusesARoutineBeforeTheThreadStarts) {
   HandheldPlatform platform;
   const auto thread = platform.makeThread([] {});
   bool hasRun = false;
@@ -92,7 +92,7 @@ TEST(HandheldThread, RefusesARoutineBeforeItHasStarted) {
   EXPECT_FALSE(hasRun);
 }
 
-TEST(HandheldThread, RefusesARoutineAfterItsEnd) {
+TEST(HandheldThread, RefusesOrRunsARoutineThatArrivesWhileTheThreadEnds) {
   HandheldPlatform platform;
   for (int i = 0; i < 200;
        ++i) {  // the thread may end at any moment while a routine is passed to it
@@ -106,7 +106,7 @@ TEST(HandheldThread, RefusesARoutineAfterItsEnd) {
   }
 }
 
-TEST(HandheldThread, ReleasesItsBodyAtItsEnd) {
+TEST(HandheldThread, ReleasesItsFunctionWhenTheThreadEnds) {
   HandheldPlatform platform;
   auto held = std::make_shared<int>();
   const std::weak_ptr<int> watched = held;
@@ -128,7 +128,7 @@ TEST(HandheldRunLoop, WaitsItsWholeTimeOnAThreadWithoutSources) {
   }).join();
 }
 
-TEST(HandheldRunLoop, WaitsIfThereIsNothingToDo) {
+TEST(HandheldRunLoop, WaitsIfThereIsNoRoutineToRun) {
   HandheldPlatform platform;
   TurningThread thread(platform);
   ASSERT_TRUE(thread.handle().start());
@@ -137,12 +137,12 @@ TEST(HandheldRunLoop, WaitsIfThereIsNothingToDo) {
   EXPECT_LE(thread.slices(), 8);
 }
 
-TEST(HandheldDevice, HasTheFrameworksVersion) {
+TEST(HandheldDevice, ReturnsTheSystemVersionOfTheFramework) {
   HandheldPlatform platform;
   EXPECT_EQ(platform.currentDevice().systemVersion(), "12.5.7");
 }
 
-TEST(HandheldAccessory, HasTheTextsOfTheServicesAccessory) {
+TEST(HandheldAccessory, ReturnsTheTextsThatTheServiceGives) {
   HandheldPlatform platform;
   plugIn({.name = "Küche", .serialNumber = "0042", .modelNumber = "XQ700", .connect = nullptr});
   const auto accessories = platform.sharedAccessoryManager().connectedAccessories();
@@ -159,7 +159,7 @@ TEST(HandheldAccessory, HasTheTextsOfTheServicesAccessory) {
   EXPECT_TRUE(platform.sharedAccessoryManager().connectedAccessories().empty());
 }
 
-TEST(HandheldAccessory, GivesNoSessionIfTheServiceRefuses) {
+TEST(HandheldAccessory, ReturnsNoSessionIfTheServiceRefusesTheConnection) {
   HandheldPlatform platform;
   plugIn({.connect = [] { return -1; }});
   const auto accessory = platform.sharedAccessoryManager().connectedAccessories().front();
@@ -168,7 +168,7 @@ TEST(HandheldAccessory, GivesNoSessionIfTheServiceRefuses) {
   unplug();
 }
 
-TEST(HandheldService, GivesItsCallerAnErrorWithTheTextOfItsException) {
+TEST(ExceptionOfTheAccessoryService, IsThrownToTheCallerAsAnErrorWithItsText) {
   HandheldPlatform platform;
   letServiceRaise(true);
   try {
@@ -180,7 +180,7 @@ TEST(HandheldService, GivesItsCallerAnErrorWithTheTextOfItsException) {
   letServiceRaise(false);
 }
 
-TEST(HandheldService, MakesTheOpenOfAPortFailIfItThrows) {
+TEST(ExceptionOfTheAccessoryService, MakesTheOpenOfAPortFail) {
   const auto platform = std::make_shared<HandheldPlatform>();
   letServiceRaise(true);
   const auto port =

@@ -18,9 +18,9 @@ std::string contentOf(const std::string& file) {
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-class Damage : public JournalCase {
+class DamagedJournal : public JournalCase {
  protected:
-  Damage() {
+  DamagedJournal() {
     Till till(ZKEmulationQuorLine);
     for (int i = 0; i < 40; ++i) {
       print(till, "receipt " + std::to_string(i) + std::string(100, '.'));
@@ -61,7 +61,7 @@ class Damage : public JournalCase {
   std::size_t cases = 0;
 };
 
-TEST_F(Damage, AFileThatIsCutAtAnyKilobyteIsRefused) {
+TEST_F(DamagedJournal, IsRefusedIfItsFileIsCutAtAnyKilobyte) {
   for (std::size_t size = 0; size < newer.size(); size += kilobyte) {
     check(newer.substr(0, size), "cut at " + std::to_string(size));
   }
@@ -70,7 +70,7 @@ TEST_F(Damage, AFileThatIsCutAtAnyKilobyteIsRefused) {
   RecordProperty("cases", std::to_string(cases));
 }
 
-TEST_F(Damage, APartlyOutdatedPageNeverChangesAnAnswer) {
+TEST_F(DamagedJournal, NeverGivesAWrongAnswerIfAPageIsHalfWritten) {
   older.resize(newer.size(), '\0');
   for (std::size_t at = 0; at < newer.size(); at += kilobyte) {
     const std::size_t page = at / pageSize * pageSize;
@@ -88,7 +88,7 @@ TEST_F(Damage, APartlyOutdatedPageNeverChangesAnAnswer) {
   RecordProperty("cases", std::to_string(cases));
 }
 
-TEST_F(Damage, AKilobyteOfZerosNeverChangesAnAnswer) {
+TEST_F(DamagedJournal, NeverGivesAWrongAnswerIfAKilobyteIsZero) {
   for (std::size_t at = 0; at < newer.size(); at += kilobyte) {
     std::string content = newer;
     content.replace(at, kilobyte, kilobyte, '\0');

@@ -64,7 +64,7 @@ class StorageSweep : public JournalCase, public testing::WithParamInterface<Sett
   int unconfirmed = 0;
 };
 
-TEST_P(StorageSweep, EndsWithAnErrorAndNothingSentOrWithTheTrueOutcome) {
+TEST_P(StorageSweep, AJobEndsWithItsTrueOutcomeOrSendsNothingAndReportsAnError) {
   std::uint64_t call = 1;
   while (failAt(call) && !HasFailure()) {
     ++call;

@@ -18,7 +18,7 @@ namespace {
 /// How many ports main releases before it counts the threads: each thread still runs for a slice.
 constexpr std::uint64_t cyclesBetweenCounts = 500;
 
-TEST(PortCycles, OnTheMainThreadLeaveNoThread) {
+TEST(OpenAndClose, LeaveNoThreadIfCalledOnTheMainThread) {
   const auto platform = std::make_shared<SleeplessPlatform>();
   ASSERT_TRUE(platform->isMainThread());
   const auto before = threadsAtRest();
@@ -38,7 +38,7 @@ TEST(PortCycles, OnTheMainThreadLeaveNoThread) {
   EXPECT_TRUE(threadsComeBackTo(before));
 }
 
-TEST(PortCycles, MayOpenOnOneThreadAndCloseOnAnother) {
+TEST(OpenAndClose, MayBeCalledOnDifferentThreads) {
   const auto platform = std::make_shared<SleeplessPlatform>();
   const auto before = threadsAtRest();
   for (int i = 0; i < 300; ++i) {
@@ -56,7 +56,7 @@ TEST(PortCycles, MayOpenOnOneThreadAndCloseOnAnother) {
   EXPECT_TRUE(threadsComeBackTo(before));
 }
 
-TEST(PortCycles, AReleasedPortIsDestroyedSoonAfterItsClose) {
+TEST(ReleasedPort, IsDestroyedSoonAfterItsClose) {
   const auto platform = std::make_shared<SleeplessPlatform>();
   auto port = makePort(platform);
   const std::weak_ptr<ExternalAccessoryPort> weak = port;
@@ -98,7 +98,7 @@ class NotingPlatform : public ForwardingPlatform {
   const std::shared_ptr<Release> release_;
 };
 
-TEST(PortReleases, OnThePortThreadDestroyThePortOnThatThread) {
+TEST(ReleasedPort, IsDestroyedOnItsPortThreadIfThatReleasesItLast) {
   const auto platform = std::make_shared<SleeplessPlatform>();
   const auto before = threadsAtRest();
   const std::uint64_t count = caseCount("QUOR_PORT_RELEASES", 1000);

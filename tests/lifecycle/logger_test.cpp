@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::uint64_t writers = 8;
 
-TEST(Logger, CountsEachRecordOfEightThreadsThatItLoses) {
+TEST(Logger, CountsEachLostRecordOfEightThreads) {
   LogWriter& logger = LogWriter::sharedInstance();
   const std::uint64_t count = caseCount("QUOR_LOG_RECORDS", 20000);
   RecordProperty("cases", std::to_string(writers * count));
@@ -73,7 +73,7 @@ TEST(Logger, CountsEachRecordOfEightThreadsThatItLoses) {
   EXPECT_TRUE(inOrder) << "each thread's records arrive in its order";
 }
 
-TEST(Logger, ChangesItsLevelsWhileEightThreadsLog) {
+TEST(Logger, LetsItsLevelsBeChangedWhileEightThreadsReadThem) {
   const std::uint64_t count = caseCount("QUOR_LOG_RECORDS", 20000);
   LogWriter::setTargetLogLevels({3});
   std::atomic<bool> stop = false;

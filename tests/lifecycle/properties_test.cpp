@@ -39,7 +39,7 @@ void askDuring(Work work, Ask ask) {
   }
 }
 
-TEST(PortProperties, AreReadWholeWhileTheyAreWritten) {
+TEST(PortProperties, NeverReturnHalfWrittenValues) {
   const auto port = makePort(std::make_shared<SleeplessPlatform>());
   const std::string one(40, '1');
   const std::string two(50, '2');
@@ -78,7 +78,7 @@ TEST(PortProperties, AreReadWholeWhileTheyAreWritten) {
   port->close();
 }
 
-TEST(PortProperties, AreReadWhileThePortIsOpenedAskedAndClosed) {
+TEST(PortProperties, CanBeReadWhileThePortIsOpenedAskedAndClosed) {
   const auto port = makePort(std::make_shared<SleeplessPlatform>());
   const std::uint64_t count = caseCount("QUOR_PROPERTY_WRITES", 20000) / 100;
   RecordProperty("cases", std::to_string(count));

@@ -111,7 +111,7 @@ ROWS = (
         (faults("*Clock*"),), WHOLE_ROW),
     Row("bounds", "Bounds",
         "Every operation ends within its limit; an operation without a limit ends when its link ends",
-        (faults("Bounds.*"),), WHOLE_ROW),
+        (faults("TimeBounds.*"),), WHOLE_ROW),
     Row("fuzz", "Fuzzing",
         "Arbitrary input makes no parser, text function, virtual printer or operation of the port crash, hang or "
         "overrun",

@@ -82,7 +82,7 @@ Difference differenceOf(ByteView one, ByteView other) {
   return difference;
 }
 
-TEST(TenScripts, ArePrintedAsInTheReference) {
+TEST(TextInTenScripts, IsPrintedAsInTheReferenceImage) {
   const Rendered text = rendered(contentsOf("examples/ten-scripts.txt"));
   EXPECT_TRUE(text.missing.empty()) << text.missing.size() << " characters without a glyph";
   const Bytes paper = paperOf(text.job);
@@ -102,7 +102,7 @@ TEST(TenScripts, ArePrintedAsInTheReference) {
 }
 
 // A missing script must be noticed; otherwise the test above shows nothing.
-TEST(TenScripts, DifferFromTheReferenceIfAScriptIsMissing) {
+TEST(TextInTenScripts, DiffersFromTheReferenceImageIfAScriptIsMissing) {
   std::string text = contentsOf("examples/ten-scripts.txt");
   const std::size_t line = text.find("Thai");
   text.replace(line, text.find('\n', line) - line, "Thai");

@@ -108,7 +108,7 @@ class SimulatedJobs : public testing::TestWithParam<std::uint64_t> {
   static constexpr std::uint64_t parts = 2;
 };
 
-TEST_P(SimulatedJobs, AreNeverCalledPrintedWithoutThePaper) {
+TEST_P(SimulatedJobs, AreReportedAsPrintedOnlyIfThePaperHasThePrint) {
   const auto replayed = test::replayedSeed("job");
   const std::uint64_t first = replayed.value_or(test::firstSeed());
   const std::uint64_t count = replayed ? 1 : test::caseCount("QUOR_SIMULATED_JOBS", 20000);

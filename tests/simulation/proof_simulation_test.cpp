@@ -70,7 +70,7 @@ class SimulatedProofs : public testing::TestWithParam<std::uint64_t> {
   static constexpr std::uint64_t parts = 2;
 };
 
-TEST_P(SimulatedProofs, NeverConfirmAJobWithoutThePaper) {
+TEST_P(SimulatedProofs, NeverConfirmAJobThatIsNotOnPaper) {
   const auto replayed = test::replayedSeed("proof");
   const std::uint64_t first = replayed.value_or(test::firstSeed());
   const std::uint64_t count = replayed ? 1 : test::caseCount("QUOR_SIMULATED_PROOFS", 20000);

@@ -57,20 +57,20 @@ Ran runWith(const std::vector<std::string>& arguments, const std::string& input 
   return {code, out.text(), err.text()};
 }
 
-TEST(Run, WritesToTheStreamsThatItIsGiven) {
+TEST(Command, WritesToTheGivenStreams) {
   const Ran ran = runWith({"-d", "virtual:", "online"});
   EXPECT_EQ(ran.code, 0);
   EXPECT_EQ(ran.out, "virtual: on line\n");
   EXPECT_EQ(ran.err, "");
 }
 
-TEST(Run, ReadsFromTheStreamThatItIsGiven) {
+TEST(Command, ReadsTheJobFromTheGivenStream) {
   const Ran ran = runWith({"-d", "virtual:", "print", "-"}, "text\n");
   EXPECT_EQ(ran.code, 0);
   EXPECT_EQ(ran.out, "virtual: printed: the printer confirmed all 5 bytes\n");
 }
 
-TEST(Run, TakesAZeroByteInAnyArgumentAsData) {
+TEST(Command, TreatsAZeroByteInAnArgumentAsData) {
   const std::string odd("BT:a\0b", 6);
   const Ran ran = runWith({"--port-name", odd, "online"});
   EXPECT_EQ(ran.code, 3);
@@ -78,7 +78,7 @@ TEST(Run, TakesAZeroByteInAnyArgumentAsData) {
   EXPECT_THAT(ran.err, Not(HasSubstr(std::string(1, '\0'))));
 }
 
-TEST(Run, CanRunAgainInTheSameProcess) {
+TEST(Command, CanRunSeveralTimesInOneProcess) {
   EXPECT_EQ(runWith({"online"}).code, 0);
   EXPECT_EQ(runWith({"-d", "virtual:,offline=true", "online"}).code, 4);
   EXPECT_EQ(runWith({"online"}).code, 0);
@@ -95,7 +95,7 @@ class InterruptionTest : public testing::Test {
                              }};
 };
 
-TEST_F(InterruptionTest, EndsTheCommandWhileNothingIsOpen) {
+TEST_F(InterruptionTest, EndsTheCommandAtOnceWhileNoPortIsOpen) {
   interruption_.interrupt(ExitCode::Interrupted);
   EXPECT_EQ(givenUp_, 1);
 }
@@ -108,7 +108,7 @@ TEST_F(InterruptionTest, NamesTheDeviceThatTheCommandUsed) {
   EXPECT_EQ(toldAtLast_, "tcp:192.0.2.10:9100: interrupted");
 }
 
-TEST_F(InterruptionTest, EndsASleepOfAnExchange) {
+TEST_F(InterruptionTest, EndsTheSleepOfAnExchange) {
   interruption_.beginExchange();
   test::SleepingThread exchange([this] { EXPECT_THROW(interruption_.sleep(1h), Interrupted); });
   exchange.awaitSleep();
@@ -117,7 +117,7 @@ TEST_F(InterruptionTest, EndsASleepOfAnExchange) {
   EXPECT_EQ(givenUp_, 0);
 }
 
-TEST_F(InterruptionTest, EndsEveryLaterSleep) {
+TEST_F(InterruptionTest, EndsEveryLaterSleepOfTheExchange) {
   interruption_.beginExchange();
   interruption_.interrupt(ExitCode::Interrupted);
   EXPECT_THROW(interruption_.sleep(1h), Interrupted);
@@ -133,7 +133,7 @@ TEST_F(InterruptionTest, EndsAnExchangeThatNeverSleeps) {
   EXPECT_NO_THROW(interruption_.check());
 }
 
-TEST_F(InterruptionTest, DoesNotEndTheSleepsOfTheFinalSteps) {
+TEST_F(InterruptionTest, DoesNotEndASleepAfterTheExchange) {
   interruption_.beginExchange();
   interruption_.interrupt(ExitCode::Interrupted);
   interruption_.end();
@@ -142,7 +142,7 @@ TEST_F(InterruptionTest, DoesNotEndTheSleepsOfTheFinalSteps) {
   EXPECT_GE(std::chrono::steady_clock::now() - before, 1ms);
 }
 
-TEST_F(InterruptionTest, EndsTheCommandWhenNothingIsOpenAnyMore) {
+TEST_F(InterruptionTest, DuringAnExchangeEndsTheCommandWhenThePortIsClosed) {
   interruption_.beginExchange();
   interruption_.end();
   interruption_.interrupt(ExitCode::Interrupted);
@@ -151,7 +151,7 @@ TEST_F(InterruptionTest, EndsTheCommandWhenNothingIsOpenAnyMore) {
   EXPECT_EQ(givenUp_, 1);
 }
 
-TEST_F(InterruptionTest, HasNoEffectAtTheEnd) {
+TEST_F(InterruptionTest, HasNoEffectAfterTheLastStepOfTheCommand) {
   interruption_.end();
   interruption_.interrupt(ExitCode::Interrupted);
   EXPECT_EQ(givenUp_, 0);

@@ -15,7 +15,7 @@ constexpr std::uint64_t usualScripts = 10000;
 constexpr std::uint64_t usualScripts = 100000;
 #endif
 
-TEST(PortAndModel, AgreeOnEveryOperationOnASilentLink) {
+TEST(PortAndModel, HaveTheSameEffectsForEveryOperationOnASilentLink) {
   for (const std::int32_t emulation : {unknownEmulation, lineMode, escPos}) {
     for (const Call& call : allCalls()) {
       SCOPED_TRACE(call.name + " in emulation " + std::to_string(emulation));

@@ -14,17 +14,17 @@ std::string identityOf(const std::string& text) {
   return deviceIdentity(parseDeviceSpec(text));
 }
 
-TEST(DeviceIdentity, IsTheSchemeAndThePlaceForAllKeys) {
+TEST(DeviceIdentity, IsTheSchemeAndThePlaceWithoutTheKeys) {
   EXPECT_EQ(identityOf("tcp:192.0.2.10:9100,name=Kitchen"), "tcp:192.0.2.10:9100");
   EXPECT_NE(identityOf("tcp:192.0.2.10:9100"), identityOf("tcp:192.0.2.10:9101"));
 }
 
-TEST(DeviceIdentity, OfAHostIgnoresLetterCase) {
+TEST(DeviceIdentity, IgnoresTheLetterCaseOfAHost) {
   EXPECT_EQ(identityOf("tcp:Till-1.Shop:9100"), identityOf("tcp:till-1.shop:9100"));
   EXPECT_EQ(identityOf("tcp:A-Z:9100"), identityOf("tcp:a-z:9100"));
 }
 
-TEST(DeviceIdentity, OfAPathFollowsSymbolicLinks) {
+TEST(DeviceIdentity, FollowsSymbolicLinksOfAPath) {
   const test::TemporaryFolder folder;
   std::ofstream(folder.file("ttyUSB0")) << "";
   std::filesystem::create_symlink(folder.file("ttyUSB0"), folder.file("printer"));
@@ -34,7 +34,7 @@ TEST(DeviceIdentity, OfAPathFollowsSymbolicLinks) {
   EXPECT_NE(identityOf(direct), identityOf("unix:" + folder.file("ttyUSB0")));
 }
 
-TEST(DeviceIdentity, OfTheBuiltInPrinterIsEmpty) {
+TEST(DeviceIdentity, IsEmptyForTheBuiltInVirtualPrinter) {
   EXPECT_EQ(identityOf("virtual:"), "");
 }
 

@@ -21,7 +21,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Pair;
 
-TEST(DeviceSpec, UsesThePlaceAsTheNameForEachScheme) {
+TEST(DeviceSpec, UsesThePlaceAsTheDefaultNameInEachScheme) {
   const std::pair<std::string, std::string> cases[] = {
       {"tcp", "192.0.2.10:9100"}, {"tcp", "[2001:db8::1]:9100"}, {"unix", "/run/printer"},
       {"serial", "/dev/ttyS0"},   {"virtual", "kitchen"},
@@ -36,13 +36,13 @@ TEST(DeviceSpec, UsesThePlaceAsTheNameForEachScheme) {
   }
 }
 
-TEST(DeviceSpec, TheVirtualPrinterNeedsNoPlaceAndHasItsOwnName) {
+TEST(DeviceSpec, TheVirtualPrinterNeedsNoPlaceAndHasADefaultName) {
   const DeviceSpec spec = parseDeviceSpec("virtual:");
   EXPECT_EQ(spec.place, "");
   EXPECT_EQ(spec.identity.name, "virtual printer");
 }
 
-TEST(DeviceSpec, IsAPrinterOfTheMakerByDefault) {
+TEST(DeviceSpec, HasTheMakersNameAndProtocolByDefault) {
   const AccessoryIdentity identity = parseDeviceSpec("unix:p").identity;
   EXPECT_EQ(identity.manufacturer, "quor dalvane");
   EXPECT_THAT(identity.protocolStrings, ElementsAre("com.quordalvane.receipt"));
@@ -51,7 +51,7 @@ TEST(DeviceSpec, IsAPrinterOfTheMakerByDefault) {
   EXPECT_EQ(identity.address, "");
 }
 
-TEST(DeviceSpec, TakesTheTextsOfTheAccessory) {
+TEST(DeviceSpec, SetsEachTextOfTheAccessoryByItsKey) {
   const DeviceSpec spec = parseDeviceSpec(
       "unix:p,name=Till "
       "1,serial=S7,model=XQ700,manufacturer=Other,protocol=a.b,address=01:23:45:67:89:ab,id=9,"
@@ -66,7 +66,7 @@ TEST(DeviceSpec, TakesTheTextsOfTheAccessory) {
   EXPECT_EQ(spec.identity.proof, ProofKind::InOrder);
 }
 
-TEST(DeviceSpec, TakesTheSameKeysOnEveryScheme) {
+TEST(DeviceSpec, AcceptsTheCommonKeysInEveryScheme) {
   for (const char* start : {"virtual:", "tcp:h:1", "unix:p", "serial:/dev/x"}) {
     const std::string text =
         start + ",name=n,serial=,model=,manufacturer=,protocol=,address=,id=0,proof=none"s;
@@ -75,7 +75,7 @@ TEST(DeviceSpec, TakesTheSameKeysOnEveryScheme) {
   }
 }
 
-TEST(DeviceSpec, RefusesAnAddressThatNoPortCouldFind) {
+TEST(DeviceSpec, RefusesAnInvalidBluetoothAddress) {
   for (const char* wrong :
        {"01:23", "0123456789AB", "01-23-45-67-89-AB", "01:23:45:67:89:AG", "01:23:45:67:89:AB ",
         " 01:23:45:67:89:AB", "01:23:45:67:89:AB:CD", "01:23:45:67:89:", "x"}) {
@@ -85,7 +85,7 @@ TEST(DeviceSpec, RefusesAnAddressThatNoPortCouldFind) {
   }
 }
 
-TEST(DeviceSpec, TakesOnlyTheNamesOfProofs) {
+TEST(DeviceSpec, AcceptsOnlyTheNamesOfProofsAsProof) {
   EXPECT_EQ(parseDeviceSpec("unix:p").identity.proof, ProofKind::Auto);
   for (const ProofWords& proof : proofWords) {
     EXPECT_EQ(parseDeviceSpec("unix:p,proof=" + std::string(proof.name)).identity.proof,
@@ -98,19 +98,19 @@ TEST(DeviceSpec, TakesOnlyTheNamesOfProofs) {
   }
 }
 
-TEST(DeviceSpec, ProtocolsReplaceTheUsualOneAndKeepTheirOrder) {
+TEST(DeviceSpec, GivenProtocolsReplaceTheDefaultAndKeepTheirOrder) {
   EXPECT_THAT(parseDeviceSpec("unix:p,protocol=b,protocol=a").identity.protocolStrings,
               ElementsAre("b", "a"));
 }
 
-TEST(DeviceSpec, AnEmptyValueIsTheEmptyText) {
+TEST(DeviceSpec, AnEmptyValueSetsAnEmptyText) {
   const AccessoryIdentity identity = parseDeviceSpec("unix:p,name=,serial=,manufacturer=").identity;
   EXPECT_EQ(identity.name, "");
   EXPECT_EQ(identity.serialNumber, "");
   EXPECT_EQ(identity.manufacturer, "");
 }
 
-TEST(DeviceSpec, ABackslashTakesTheNextCharacterAsItIs) {
+TEST(DeviceSpec, ABackslashEscapesTheNextCharacter) {
   const DeviceSpec spec = parseDeviceSpec(R"(unix:/a\,b\\c,name=x\,y=\z)");
   EXPECT_EQ(spec.place, R"(/a,b\c)");
   EXPECT_EQ(spec.identity.name, "x,y=z");
@@ -127,7 +127,7 @@ TEST(DeviceSpec, AcceptsIdentifiersOf64Bits) {
   }
 }
 
-TEST(DeviceSpec, AHostAloneIsAPrinterOnTheNetworkAtTheUsualPort) {
+TEST(DeviceSpec, AHostNameWithoutASchemeMeansTcpPort9100) {
   for (const char* host :
        {"kitchen", "printer.example", "192.0.2.10", "[2001:db8::1]", "a-z", "A_Z", "0-9"}) {
     const DeviceSpec spec = parseDeviceSpec(host + ",name=Till"s);
@@ -137,14 +137,14 @@ TEST(DeviceSpec, AHostAloneIsAPrinterOnTheNetworkAtTheUsualPort) {
   }
 }
 
-TEST(DeviceSpec, APathWhoseNameShowsItsKindNeedsNoScheme) {
+TEST(DeviceSpec, APathOfATerminalDeviceNeedsNoScheme) {
   for (const char* path : {"/dev/ttyUSB0", "/dev/ttyS1", "/dev/serial/by-id/usb-x", "/dev/pts/3"}) {
     EXPECT_EQ(parseDeviceSpec(path).scheme, "serial");
     EXPECT_EQ(parseDeviceSpec(path).place, path);
   }
 }
 
-TEST(DeviceSpec, AUsbPrinterTakesAnyPlaceAndAnEmptyOne) {
+TEST(DeviceSpec, AUsbPrinterAcceptsAnyPlaceEvenAnEmptyOne) {
   for (const char* place : {"", "S 1/7", "04b8:0202", "/dev/usb/lp0"}) {
     EXPECT_EQ(parseDeviceSpec("usb:"s + place).place, place);
   }
@@ -153,14 +153,14 @@ TEST(DeviceSpec, AUsbPrinterTakesAnyPlaceAndAnEmptyOne) {
   EXPECT_THAT(failure("usb:" + std::string(4096, 'S')), HasSubstr("1 to 4095"));
 }
 
-TEST(DeviceSpec, SuggestsTheRightFormForATextWithoutAScheme) {
+TEST(DeviceSpec, TheErrorOfATextWithoutASchemeSuggestsTheRightForm) {
   EXPECT_THAT(failure("/run/printer"),
               AllOf(HasSubstr("\"unix:/run/printer\""), HasSubstr("\"serial:/run/printer\"")));
   EXPECT_THAT(failure("kitchen:9100"), HasSubstr("perhaps \"tcp:kitchen:9100\""));
   EXPECT_THAT(failure("tcp"), testing::Not(HasSubstr("perhaps")));
 }
 
-TEST(Schemes, EachHasItsHelpTextAndItsAdvice) {
+TEST(Scheme, HasHelpTextsAndAdvice) {
   for (const Scheme* const scheme : schemes()) {
     EXPECT_EQ(findScheme(scheme->name), scheme);
     EXPECT_NE(scheme->about, "") << scheme->name;
@@ -173,7 +173,7 @@ TEST(Schemes, EachHasItsHelpTextAndItsAdvice) {
   EXPECT_EQ(findScheme("pigeon"), nullptr);
 }
 
-TEST(Schemes, EachReasonOfTheUsbDriverHasAnAdviceOfItsOwn) {
+TEST(Scheme, EachErrorOfTheUsbDriverHasItsOwnAdvice) {
   using posix::UsbError;
   const auto causes = findScheme("usb")->causes;
   for (const UsbError error : {UsbError::NotPluggedIn, UsbError::Ambiguous, UsbError::NoDriver,
@@ -186,7 +186,7 @@ TEST(Schemes, EachReasonOfTheUsbDriverHasAnAdviceOfItsOwn) {
   }
 }
 
-TEST(Schemes, ACauseOfTheSystemFitsBothOfItsCategoriesAndNoOther) {
+TEST(OpenCause, MatchesItsErrorInTheSystemAndTheGenericCategoryOnly) {
   const OpenCause busy{EBUSY, "in-use", "another program uses it", "end the other program"};
   EXPECT_TRUE(busy.fits({EBUSY, std::generic_category()}));
   EXPECT_TRUE(busy.fits({EBUSY, std::system_category()}));
@@ -194,7 +194,7 @@ TEST(Schemes, ACauseOfTheSystemFitsBothOfItsCategoriesAndNoOther) {
   EXPECT_FALSE(busy.fits({ENOENT, std::system_category()}));
 }
 
-TEST(DeviceSpec, TheVirtualPrinterKeepsItsKeysInOrder) {
+TEST(DeviceSpec, KeepsTheOrderOfTheVirtualPrintersKeys) {
   for (const char* start : {"virtual:,", "virtual:"}) {
     EXPECT_EQ(parseDeviceSpec(start + "cover=open,model=M"s).options.front().second, "open");
   }
@@ -204,7 +204,7 @@ TEST(DeviceSpec, TheVirtualPrinterKeepsItsKeysInOrder) {
   EXPECT_EQ(spec.identity.modelNumber, "M");
 }
 
-TEST(DeviceSpec, AnUnknownSchemeIsAnErrorThatNamesTheSchemes) {
+TEST(DeviceSpec, TheErrorOfAnUnknownSchemeNamesTheKnownSchemes) {
   for (const char* wrong :
        {"", ":", "tcp", "virtual", "udp:h:1", "h h", "TCP:h:1", " tcp:h:1", "tcp,:", "pty:"}) {
     EXPECT_THAT(failure(wrong), AllOf(HasSubstr("virtual:"), HasSubstr("tcp:HOST:PORT"),
@@ -213,7 +213,7 @@ TEST(DeviceSpec, AnUnknownSchemeIsAnErrorThatNamesTheSchemes) {
   }
 }
 
-TEST(DeviceSpec, AnUnknownKeyIsAnErrorThatNamesItAndTheKeys) {
+TEST(DeviceSpec, TheErrorOfAnUnknownKeyNamesTheKeyAndTheKnownKeys) {
   EXPECT_THAT(failure("tcp:h:1,colour=red"),
               AllOf(HasSubstr("\"colour\""), HasSubstr("tcp:"), HasSubstr("name"), HasSubstr("id"),
                     testing::Not(HasSubstr("baud"))));
@@ -222,14 +222,14 @@ TEST(DeviceSpec, AnUnknownKeyIsAnErrorThatNamesItAndTheKeys) {
               AllOf(HasSubstr("\"bauds\""), HasSubstr("baud")));
 }
 
-TEST(DeviceSpec, APartWithoutAnEqualsSignIsAnError) {
+TEST(DeviceSpec, AKeyWithoutAnEqualsSignIsAnError) {
   for (const char* wrong :
        {"unix:p,", "unix:p,name", "unix:p,=x", "virtual:,,", "unix:p,name=a,"}) {
     EXPECT_THAT(failure(wrong), HasSubstr("key=value")) << wrong;
   }
 }
 
-TEST(DeviceSpec, AKeyGivenTwiceIsAnErrorThatNamesIt) {
+TEST(DeviceSpec, TheErrorOfARepeatedKeyNamesTheKey) {
   EXPECT_THAT(failure("unix:p,name=a,name=a"), AllOf(HasSubstr("\"name\""), HasSubstr("twice")));
   EXPECT_THAT(failure("serial:/dev/x,baud=9600,baud=9600"), HasSubstr("\"baud\""));
 }
@@ -239,7 +239,7 @@ TEST(DeviceSpec, ABackslashAtTheEndIsAnError) {
   EXPECT_THAT(failure(R"(unix:p,name=\\\)"), HasSubstr("backslash"));
 }
 
-TEST(DeviceSpec, TheErrorOfAnInvalidPlaceNamesTheValidOnes) {
+TEST(DeviceSpec, TheErrorOfAnInvalidPlaceNamesTheValidForm) {
   for (const std::string& wrong :
        {""s, "h"s, "h:"s, ":1"s, "h:0"s, "h:65536"s, "h:-1"s, "h:1 "s, "h h:1"s, "::1:9100"s,
         "[]:1"s, "h\0i:1"s, "h:1\0"s, std::string(254, 'h') + ":1"}) {
@@ -253,7 +253,7 @@ TEST(DeviceSpec, TheErrorOfAnInvalidPlaceNamesTheValidOnes) {
   EXPECT_THAT(failure("serial:/dev\0"s), HasSubstr("without a zero"));
 }
 
-TEST(HostAndPort, IsSplitAtTheLastColonAndLosesItsBrackets) {
+TEST(HostAndPort, AreSplitAtTheLastColonAndTheHostLosesItsBrackets) {
   EXPECT_EQ(parseHostAndPort("printer.example:9100").host, "printer.example");
   EXPECT_EQ(parseHostAndPort("printer.example:9100").port, 9100);
   EXPECT_EQ(parseHostAndPort("[::1]:65535").host, "::1");
@@ -262,7 +262,7 @@ TEST(HostAndPort, IsSplitAtTheLastColonAndLosesItsBrackets) {
   EXPECT_EQ(parseHostAndPort("[::1]:65535").port, 65535);
 }
 
-TEST(DeviceSpec, TheErrorIsShortAndPrintableWhateverTheText) {
+TEST(DeviceSpec, TheErrorOfAnyInvalidTextIsShortAndPrintable) {
   const std::string odd = "\0\x1b[31m%s%n\r\n\xff"s;
   const std::string huge(1'000'000, '%');
   for (const std::string& wrong :
@@ -276,14 +276,14 @@ TEST(DeviceSpec, TheErrorIsShortAndPrintableWhateverTheText) {
   }
 }
 
-TEST(DeviceSpec, TakesTextsOfAnyLengthAndEveryByte) {
+TEST(DeviceSpec, AcceptsValuesOfAnyLengthWithAnyByte) {
   std::string odd = "%n \x1b\xff"s + '\0';
   EXPECT_EQ(parseDeviceSpec("unix:p,name=" + odd).identity.name, odd);
   const std::string huge(1'000'000, 'x');
   EXPECT_EQ(parseDeviceSpec("virtual:,name=" + huge).identity.name, huge);
 }
 
-TEST(DeviceText, IsReadBackForEveryPlace) {
+TEST(DeviceText, IsParsedBackToTheSamePlace) {
   for (const std::string place : {"S 1/7", "a,b", "a\\b", "\\", ",baud=9600"}) {
     EXPECT_EQ(parseDeviceSpec(spec::deviceText("usb", place)).place, place);
   }

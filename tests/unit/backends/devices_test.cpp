@@ -21,7 +21,7 @@ std::shared_ptr<EAAccessory> make(const std::string& text) {
   return makeAccessory(parseDeviceSpec(text), clock);
 }
 
-TEST(Devices, EverySchemeMakesAnAccessoryThatIsConnectedAndHasTheGivenTexts) {
+TEST(Devices, TheAccessoryOfEverySchemeIsConnectedAndHasTheGivenTexts) {
   for (const char* place : {"virtual:", "tcp:127.0.0.1:9", "unix:/none", "serial:/dev/none"}) {
     const auto accessory = make(place + std::string(",name=Till,serial=S,model=M,id=77"));
     ASSERT_NE(accessory, nullptr) << place;
@@ -34,14 +34,14 @@ TEST(Devices, EverySchemeMakesAnAccessoryThatIsConnectedAndHasTheGivenTexts) {
   }
 }
 
-TEST(Devices, AnAccessoryIsDescribedByTheTextsThatItHas) {
+TEST(Devices, TheDescriptionOfAnAccessoryContainsTheTextsThatAreSet) {
   EXPECT_EQ(make("unix:/a,id=7,name=N,model=M,serial=S,manufacturer=K,address=01:23:45:67:89:ab")
                 ->description(),
             "<accessory 7, address 01:23:45:67:89:ab: N, model M, serial S, maker K>");
   EXPECT_EQ(make("unix:/a,id=8,name=N")->description(), "<accessory 8: N, maker quor dalvane>");
 }
 
-TEST(Devices, AccessoriesWithoutAnIdentifierAreNumbered) {
+TEST(Devices, AccessoriesWithoutAnIdentifierGetConsecutiveNumbers) {
   const auto first = make("unix:/a")->connectionID();
   EXPECT_GE(first, 1U);
   EXPECT_EQ(make("tcp:127.0.0.1:9")->connectionID(), first + 1);
@@ -49,7 +49,7 @@ TEST(Devices, AccessoriesWithoutAnIdentifierAreNumbered) {
   EXPECT_EQ(make("serial:/a")->connectionID(), first + 2);
 }
 
-TEST(Devices, AnUnreachableAccessoryOpensNoSessionAndGivesTheReason) {
+TEST(Devices, AnUnreachableAccessoryOpensNoSessionAndReportsTheReason) {
   for (const std::string place : {"/none/there", "/tmp"}) {
     for (const std::string scheme : {"unix:", "serial:"}) {
       const auto accessory = make(scheme + place);
@@ -59,7 +59,7 @@ TEST(Devices, AnUnreachableAccessoryOpensNoSessionAndGivesTheReason) {
   }
 }
 
-TEST(Devices, ASchemeThatNobodyKnowsIsAnErrorThatNamesIt) {
+TEST(Devices, TheErrorOfAnUnknownSchemeNamesTheScheme) {
   DeviceSpec spec = parseDeviceSpec("unix:/a");
   spec.scheme = "pigeon";
   posix::PosixClock clock;
@@ -81,7 +81,7 @@ TEST(Devices, OpensASocketAndASerialLineAtTheirPlaces) {
   EXPECT_NE(make("serial:" + terminal.line)->openSession(protocol), nullptr);
 }
 
-TEST(Devices, ASerialLineHasTheSettingsOfItsKeys) {
+TEST(Devices, ASerialLineGetsTheSettingsOfItsKeys) {
   const auto terminal = test::openPseudoTerminal();
   const posix::Descriptor master(terminal.master, posix::Descriptor::Kind::Terminal);
   const auto session =
@@ -110,7 +110,7 @@ const Scheme flock = {
         },
 };
 
-TEST(Devices, ASchemeWithoutAPlaceMeansAllItsDevices) {
+TEST(Devices, ASchemeWithoutAPlaceMeansAllDevicesOfTheScheme) {
   addScheme(flock);
   using Texts = std::vector<std::string>;
   EXPECT_EQ(devicesMeantBy("flock:"), (Texts{"flock:grey", "flock:white"}));
@@ -121,7 +121,7 @@ TEST(Devices, ASchemeWithoutAPlaceMeansAllItsDevices) {
   EXPECT_EQ(devicesMeantBy("pigeon:"), Texts{"pigeon:"});
 }
 
-TEST(Devices, ConnectingThemSetsThePlatformOfTheProcess) {
+TEST(Devices, ConnectDevicesSetsThePlatformOfTheProcess) {
   const auto platform = connectDevices({"unix:/a,id=4", "tcp:127.0.0.1:9,id=3"});
   EXPECT_EQ(processPlatform(), platform);
   const auto accessories = platform->sharedAccessoryManager().connectedAccessories();
@@ -131,7 +131,7 @@ TEST(Devices, ConnectingThemSetsThePlatformOfTheProcess) {
   setProcessPlatform(nullptr);
 }
 
-TEST(Devices, AWrongTextLeavesThePlatformOfTheProcessAsItWas) {
+TEST(Devices, AnInvalidDeviceLeavesThePlatformOfTheProcessUnchanged) {
   const auto before = connectDevices({});
   EXPECT_THROW(connectDevices({"unix:/a", "udp:b"}), std::invalid_argument);
   EXPECT_EQ(processPlatform(), before);

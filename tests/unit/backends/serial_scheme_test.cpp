@@ -15,7 +15,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Pair;
 
-TEST(DeviceSpec, ASerialLineTakesAnySpeedThatALineMayHave) {
+TEST(DeviceSpec, ASerialLineAcceptsAnySpeedFrom50To4000000Baud) {
   EXPECT_TRUE(parseDeviceSpec("serial:/dev/x").options.empty());
   for (const char* right : {"50", "9601", "115200", "4000000"}) {
     EXPECT_THAT(parseDeviceSpec("serial:/dev/x,baud="s + right).options,
@@ -28,7 +28,7 @@ TEST(DeviceSpec, ASerialLineTakesAnySpeedThatALineMayHave) {
   }
 }
 
-TEST(DeviceSpec, ASerialLineTakesItsFramingAndFlowControl) {
+TEST(DeviceSpec, ASerialLineAcceptsValidFramingAndFlowControl) {
   EXPECT_THAT(parseDeviceSpec("serial:/dev/x,bits=7,parity=even,stop=2,flow=rtscts").options,
               ElementsAre(Pair("bits", "7"), Pair("parity", "even"), Pair("stop", "2"),
                           Pair("flow", "rtscts")));
@@ -41,7 +41,7 @@ TEST(DeviceSpec, ASerialLineTakesItsFramingAndFlowControl) {
   EXPECT_THAT(failure("tcp:h:1,flow=none"), HasSubstr("\"flow\""));
 }
 
-TEST(Schemes, EverySerialSettingIsWrittenInTheFormThatIsRead) {
+TEST(SerialVariants, HaveKeysThatADeviceSpecAccepts) {
   const DeviceSpec given = parseDeviceSpec("serial:/dev/x,baud=38400,flow=rtscts,name=Till");
   const auto variants = findScheme("serial")->variants(given);
   EXPECT_EQ(variants.front().keys, "");
@@ -64,7 +64,7 @@ std::vector<std::string> waysToSet(const std::string& line) {
   return ways;
 }
 
-TEST(Schemes, TheSerialSettingsToTryAreSpeedsThenFramingsThenNoFlowControl) {
+TEST(SerialVariants, TrySpeedsThenFramingsThenNoFlowControl) {
   EXPECT_THAT(waysToSet("serial:/dev/x,baud=4800,flow=xonxoff"),
               ElementsAre(" at 4800 baud, flow control xonxoff",
                           "wrong-speed,baud=1200 at 1200 baud, flow control xonxoff",
@@ -88,7 +88,7 @@ TEST(Schemes, TheSerialSettingsToTryAreSpeedsThenFramingsThenNoFlowControl) {
                           "wrong-flow,flow=none at 4800 baud"));
 }
 
-TEST(Schemes, TheSerialSettingsToTryIncludeTheUsualOne) {
+TEST(SerialVariants, IncludeTheDefaultSettings) {
   const auto ways = waysToSet("serial:/dev/x,stop=2");
   EXPECT_EQ(ways.front(), " at 9600 baud with 8 data bits, parity none and 2 stop bits");
   EXPECT_THAT(ways, testing::Contains("wrong-parity,stop=1 at 9600 baud"));

@@ -15,7 +15,7 @@ QuorCode codeOf(const Exception& exception) {
   return guarded([&] { throw exception; });
 }
 
-TEST(CInterface, GivesEachKindOfExceptionItsCode) {
+TEST(CInterface, MapsEachKindOfExceptionToItsCode) {
   EXPECT_EQ(codeOf(CallFailure(QUOR_STOPPED, "stopped")), QUOR_STOPPED);
   EXPECT_EQ(codeOf(PortException("lost")), QUOR_PORT_EXCEPTION);
   EXPECT_EQ(codeOf(std::out_of_range("cut")), QUOR_UNREADABLE);
@@ -26,31 +26,31 @@ TEST(CInterface, GivesEachKindOfExceptionItsCode) {
   EXPECT_EQ(codeOf(7), QUOR_UNEXPECTED);
 }
 
-TEST(CInterface, KeepsTheWholeTextOfAnException) {
+TEST(CInterface, LastErrorIsTheTextOfTheException) {
   codeOf(PortException("the link is lost"));
   EXPECT_STREQ(quor_last_error(), "the link is lost");
 }
 
-TEST(CInterface, CutsATextThatIsLongerThanItCanKeep) {
+TEST(CInterface, CutsAnErrorTextAfter511Bytes) {
   codeOf(std::runtime_error(std::string(10000, 'x')));
   const std::string kept = quor_last_error();
   EXPECT_EQ(kept.size(), 511U);
   EXPECT_EQ(kept.find_first_not_of('x'), std::string::npos);
 }
 
-TEST(CInterface, KeepsTheLastErrorAfterASuccess) {
+TEST(CInterface, ASuccessfulCallDoesNotClearTheLastError) {
   codeOf(PortException("lost"));
   EXPECT_EQ(guarded([] {}), QUOR_OK);
   EXPECT_EQ(guarded([] { return QuorCode{QUOR_NONE}; }), QUOR_NONE);
   EXPECT_STREQ(quor_last_error(), "lost");
 }
 
-TEST(CInterface, ReturnsThePlainValueOrZero) {
+TEST(CInterface, ReturnsTheValueOfACallOrZeroIfTheCallThrows) {
   EXPECT_EQ(answered([] { return 7; }), 7);
   EXPECT_EQ(answered([]() -> int { throw PortException("lost"); }), 0);
 }
 
-TEST(CInterface, CatchesExceptionsOfTheCallersFunctionAndLeavesTheOutcomeUnconfirmed) {
+TEST(CInterface, AnExceptionOfTheProgressFunctionIsCaughtAndLeavesTheJobUnconfirmed) {
   const char* const spec = "virtual:";
   QuorPort* port = nullptr;
   QuorPrintJob* job = nullptr;

@@ -38,36 +38,36 @@ TEST(BackEndJob, IsReadFromTheSchedulersArguments) {
   EXPECT_EQ(job.controlFile, "/var/spool/cups/c00012");
 }
 
-TEST(BackEndJob, FromAPipeHasOneCopyBecauseTheDataContainsAll) {
+TEST(BackEndJob, HasOneCopyIfItsDataIsReadFromAPipe) {
   const BackEndJob job = parse({"quor", "123456", "anna", "receipt", "3", "job-uuid=a"});
   EXPECT_FALSE(job.file);
   EXPECT_EQ(job.copies, 1U);
   EXPECT_EQ(job.controlFile, "/var/spool/cups/c123456");
 }
 
-TEST(BackEndJob, KnowsWhenItEndedBefore) {
+TEST(BackEndJob, HasTheTimeAtWhichTheSchedulerCompletedTheJob) {
   EXPECT_EQ(parse({"quor", "1", "a", "t", "1", "job-uuid=a time-at-completed=1795316641"}).ended,
             1795316641);
 }
 
-TEST(BackEndJob, KnowsThatItsQueueIsInAClass) {
+TEST(BackEndJob, IsOfAClassIfTheSchedulerNamesTheClass) {
   Variables variables = usual;
   variables["CLASS"] = "tills";
   EXPECT_TRUE(parse({"quor", "1", "a", "t", "1", ""}, variables).isOfClass);
 }
 
-TEST(BackEndJob, WithoutANameGetsANewNameEachTime) {
+TEST(BackEndJob, GetsANewNameEachTimeIfItHasNoUuid) {
   const std::vector<std::string> arguments = {"quor", "1", "a", "t", "1", "xjob-uuid=a"};
   EXPECT_NE(parse(arguments).name, parse(arguments).name);
 }
 
-TEST(BackEndJob, TakesItsUriFromTheArgumentsIfNothingElseHasIt) {
+TEST(BackEndJob, TakesItsUriFromTheFirstArgumentIfTheVariableIsMissing) {
   EXPECT_EQ(
       parse({"quor:/usb", "1", "a", "t", "1", ""}, {{"HOME", "/"}, {"CUPS_CACHEDIR", "/c"}}).uri,
       "quor:/usb");
 }
 
-TEST(BackEndJob, RefusesOtherArguments) {
+TEST(BackEndJob, RefusesAWrongNumberOfArgumentsOrCopies) {
   EXPECT_THROW(parse({"quor", "1", "a", "t", "1"}), std::invalid_argument);
   EXPECT_THROW(parse({"quor", "1", "a", "t", "1", "", "f", "g"}), std::invalid_argument);
   for (const char* copies : {"0", "-1", "10000", "two", ""}) {
@@ -75,7 +75,7 @@ TEST(BackEndJob, RefusesOtherArguments) {
   }
 }
 
-TEST(JobBlocks, AreTheCopiesOfAJob) {
+TEST(BlocksOfAJob, AreOneForEachCopy) {
   BackEndJob job;
   job.name = "receipt";
   job.copies = 2;
@@ -88,7 +88,7 @@ TEST(JobBlocks, AreTheCopiesOfAJob) {
   EXPECT_EQ(dataOf(blocks[1], {'a', 'b'}), (std::vector<std::uint8_t>{'a', 'b'}));
 }
 
-TEST(JobBlocks, AreOneIfTheCopiesBelongTogether) {
+TEST(BlocksOfAJob, AreASingleBlockIfTheCopiesAreConfirmedTogether) {
   BackEndJob job;
   job.name = "receipt";
   job.copies = 2;
@@ -101,7 +101,7 @@ TEST(JobBlocks, AreOneIfTheCopiesBelongTogether) {
   EXPECT_EQ(dataOf(blocks[0], {'a', 'b'}), (std::vector<std::uint8_t>{'a', 'b', 'a', 'b'}));
 }
 
-TEST(JobBlocks, OfASingleCopyHaveTheNameOfTheJob) {
+TEST(BlocksOfAJob, HaveTheNameOfTheJobIfThereIsOneCopy) {
   BackEndJob job;
   job.name = "receipt";
   EXPECT_EQ(blocksOf(job, {}).at(0).name, "receipt");

@@ -18,7 +18,7 @@ void PrintTo(const Pair& pair, std::ostream* out) {
 
 class DeviceUris : public testing::TestWithParam<Pair> {};
 
-TEST_P(DeviceUris, NameTheDevice) {
+TEST_P(DeviceUris, AreParsedIntoTheNamedDevice) {
   EXPECT_EQ(parseDeviceUri(GetParam().uri).device, GetParam().device);
 }
 
@@ -47,15 +47,15 @@ INSTANTIATE_TEST_SUITE_P(
                     Pair{"quor:serial:/dev/ttyS0", "serial:/dev/ttyS0"},
                     Pair{"quor:/dev/ttyS0", "/dev/ttyS0"}, Pair{"quor:192.0.2.10", "192.0.2.10"}));
 
-class Devices : public testing::TestWithParam<Pair> {};
+class FoundDevices : public testing::TestWithParam<Pair> {};
 
-TEST_P(Devices, HaveAUriThatNamesThem) {
+TEST_P(FoundDevices, HaveAUriThatNamesTheDevice) {
   EXPECT_EQ(uriOf(GetParam().device), GetParam().uri);
   EXPECT_EQ(parseDeviceUri(GetParam().uri).device, GetParam().device);
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Found, Devices,
+    Found, FoundDevices,
     testing::Values(Pair{"quor:/tcp/192.0.2.10:9100", "tcp:192.0.2.10:9100"},
                     Pair{"quor:/tcp/[fe80::1%25eth0]:9100", "tcp:[fe80::1%eth0]:9100"},
                     Pair{"quor:/usb/A%2CB%20C", "usb:A\\,B C"}, Pair{"quor:/usb/", "usb:"},

@@ -15,7 +15,7 @@ FoundDevice found(const std::string& device, const std::string& name, Via via) {
           .reachable = std::nullopt};
 }
 
-TEST(Listing, ShowsTheKnownFactsOfAPrinter) {
+TEST(BackEndListing, ShowsTheMakerModelAndSerialNumberOfAPrinter) {
   FoundDevice device = found("usb:A\\,1", "The \"best\" printer", Via::Usb);
   device.serialNumber = "A,1";
   device.maker = "Maker";
@@ -25,12 +25,12 @@ TEST(Listing, ShowsTheKnownFactsOfAPrinter) {
             "\"MFG:Maker;MDL:T 20;SN:A,1;CLS:PRINTER;\" \"\"\n");
 }
 
-TEST(Listing, SaysThatAPrinterIsUnknown) {
+TEST(BackEndListing, CallsAPrinterUnknownIfItsMakerAndModelAreUnknown) {
   EXPECT_EQ(listingOf(found("serial:/dev/ttyS0", "a serial line", Via::Serial)),
             "direct quor:/serial/dev/ttyS0 \"Unknown\" \"a serial line\" \"CLS:PRINTER;\" \"\"\n");
 }
 
-TEST(Listing, DistinguishesTheNetworkFromOtherLinks) {
+TEST(BackEndListing, MarksANetworkPrinterAsNetworkAndNotAsDirect) {
   EXPECT_EQ(listingOf(found("tcp:till.local:9100", "till", Via::Network)),
             "network quor:/tcp/till.local:9100 \"Unknown\" \"till\" \"CLS:PRINTER;\" \"\"\n");
 }

@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::int64_t told = 1'000'000'000'000;
 
-class Release : public testing::Test {
+class ReleaseOfAHeldJob : public testing::Test {
  protected:
   /// The record of a job that the scheduler wrote at that time.
   std::filesystem::path recordOf(std::int64_t millis) {
@@ -30,30 +30,30 @@ class Release : public testing::Test {
   test::TemporaryFolder folder;
 };
 
-TEST_F(Release, WasMadeByAPersonIfTheSchedulerThatHeldTheJobStillRuns) {
+TEST_F(ReleaseOfAHeldJob, IsByAPersonIfTheSchedulerThatHeldTheJobStillRuns) {
   EXPECT_TRUE(isReleased(told, told - 1, {}));
 }
 
-TEST_F(Release, WasMadeByAPersonIfTheEarlierSchedulerRecordedThatItHeldTheJob) {
+TEST_F(ReleaseOfAHeldJob, IsByAPersonIfTheEarlierSchedulerRecordedTheHold) {
   EXPECT_TRUE(isReleased(told, told + 90'000, recordOf(told + 30'000)));
 }
 
-TEST_F(Release, IsUnknownIfTheRecordIsOlder) {
+TEST_F(ReleaseOfAHeldJob, IsUncertainIfTheRecordIsOlderThanTheHold) {
   EXPECT_FALSE(isReleased(told, told + 90'000, recordOf(told - 1)));
   EXPECT_FALSE(isReleased(told, told + 90'000, recordOf(told + 500)));
 }
 
-TEST_F(Release, IsUnknownIfTheNewSchedulerHasWrittenTheRecord) {
+TEST_F(ReleaseOfAHeldJob, IsUncertainIfTheNewSchedulerHasWrittenTheRecord) {
   EXPECT_FALSE(isReleased(told, told + 90'000, recordOf(told + 90'001)));
 }
 
-TEST_F(Release, IsUnknownWithoutARecordOrAScheduler) {
+TEST_F(ReleaseOfAHeldJob, IsUncertainWithoutARecordOrAScheduler) {
   EXPECT_FALSE(isReleased(told, told + 90'000, {}));
   EXPECT_FALSE(isReleased(told, told + 90'000, folder.file("c00001")));
   EXPECT_FALSE(isReleased(told, std::nullopt, recordOf(told + 30'000)));
 }
 
-TEST_F(Release, SchedulerStartIsTheEndOfTheTickInWhichItsProcessStarted) {
+TEST_F(ReleaseOfAHeldJob, SchedulerStartIsRoundedUpToTheClockTick) {
   const auto start = schedulerStart(::getpid());
   ASSERT_TRUE(start);
   const std::int64_t tick = 1000 / ::sysconf(_SC_CLK_TCK);

@@ -34,7 +34,7 @@ class Written {
   int ends_[2] = {-1, -1};
 };
 
-TEST(StatusLines, HaveTheFormThatTheSchedulerReads) {
+TEST(StatusLines, HaveThePrefixesThatTheSchedulerReads) {
   Written written;
   StatusLines lines("", written.descriptor());
   lines.inform("waiting: cover open");
@@ -45,7 +45,7 @@ TEST(StatusLines, HaveTheFormThatTheSchedulerReads) {
             "INFO: waiting: cover open\nERROR: unconfirmed\nDEBUG: again\nPAGE: 2 1\n");
 }
 
-TEST(StatusLines, ReportEachStateOnce) {
+TEST(StatusLines, DoNotRepeatAnUnchangedState) {
   Written written;
   StatusLines lines("", written.descriptor());
   lines.inform("a");
@@ -55,7 +55,7 @@ TEST(StatusLines, ReportEachStateOnce) {
   EXPECT_EQ(written.text(), "INFO: a\nINFO: b\nINFO: a\n");
 }
 
-TEST(StatusLines, HoldNoControlCharacterAndNoSecondLine) {
+TEST(StatusLines, EscapeControlCharactersAndLineFeeds) {
   Written written;
   StatusLines lines("", written.descriptor());
   lines.complain("a\nSTATE: paused\x1b[2J");
@@ -64,7 +64,7 @@ TEST(StatusLines, HoldNoControlCharacterAndNoSecondLine) {
   EXPECT_EQ(written.text().size(), 2001U);
 }
 
-TEST(StatusLines, ReportOnlyTheChangedReasons) {
+TEST(StatusLines, ReportOnlyChangedStateReasons) {
   Written written;
   StatusLines lines("", written.descriptor());
   lines.setReasons({"cover-open-error", "offline-report"});
@@ -77,14 +77,14 @@ TEST(StatusLines, ReportOnlyTheChangedReasons) {
             "STATE: -media-empty-error,offline-report\n");
 }
 
-TEST(StatusLines, RemoveTheReasonsOfAnEarlierProcess) {
+TEST(StatusLines, RemoveTheStateReasonsOfAnEarlierProcess) {
   Written written;
   StatusLines lines("quor-unconfirmed-warning,toner-low-warning", written.descriptor());
   lines.setReasons({"offline-report"});
   EXPECT_EQ(written.text(), "STATE: -quor-unconfirmed-warning\nSTATE: +offline-report\n");
 }
 
-TEST(StatusLines, AreLostIfNobodyReadsThem) {
+TEST(StatusLines, AreDiscardedWithoutAnErrorIfThePipeIsClosed) {
   std::signal(SIGPIPE, SIG_IGN);
   int ends[2];
   ASSERT_EQ(::pipe(ends), 0);
@@ -99,7 +99,7 @@ QuorPrinterStatus_2 status(std::uint32_t QuorPrinterStatus_2::*flag) {
   return record;
 }
 
-TEST(StateReasons, TranslateTheStatusIntoThePrintSystemsKeywords) {
+TEST(StateReasons, AreThePrintSystemsKeywordsForThePrinterStatus) {
   EXPECT_EQ(reasonsIn({}), StateReasons());
   EXPECT_EQ(reasonsIn(status(&QuorPrinterStatus_2::offline)), StateReasons{"offline-report"});
   EXPECT_EQ(reasonsIn(status(&QuorPrinterStatus_2::coverOpen)), StateReasons{"cover-open-error"});
@@ -117,13 +117,13 @@ TEST(StateReasons, TranslateTheStatusIntoThePrintSystemsKeywords) {
   EXPECT_EQ(reasonsIn(status(&QuorPrinterStatus_2::cutterError)), StateReasons{"other-error"});
 }
 
-TEST(StateReasons, IncludeEveryReasonThatABackEndCanReport) {
+TEST(StateReasons, ListOfAllReasonsHasThoseOfTheBackEndOnly) {
   EXPECT_TRUE(everyReason().count("quor-unconfirmed-warning"));
   EXPECT_TRUE(everyReason().count("cover-open-error"));
   EXPECT_FALSE(everyReason().count("toner-low-warning"));
 }
 
-TEST(StateBits, TranslateTheStatusIntoTheSideChannelsBits) {
+TEST(StateBits, AreTheSideChannelsBitsForThePrinterStatus) {
   EXPECT_EQ(stateBitsOf({}), CUPS_SC_STATE_ONLINE);
   QuorPrinterStatus_2 record = status(&QuorPrinterStatus_2::receiptPaperEmpty);
   record.offline = 1;

@@ -84,11 +84,11 @@ class DiscoveryTest : public testing::Test {
   const fs::path dev_ = folder_.file("dev");
 };
 
-TEST_F(DiscoveryTest, FindsNothingOnABareMachine) {
+TEST_F(DiscoveryTest, FindsNothingOnAMachineWithoutPrinters) {
   EXPECT_TRUE(found().empty());
 }
 
-TEST_F(DiscoveryTest, AUsbPrinterIsFoundWithItsTextsAndReachable) {
+TEST_F(DiscoveryTest, FindsAUsbPrinterWithItsTextsAsReachable) {
   plugInPrinter(0, "MFG:Quor Dalvane;MDL:XQ700;", "S 1/7");
   const FoundDevice printer = found().at(0);
   EXPECT_EQ(printer.device, "usb:S 1/7");
@@ -100,20 +100,20 @@ TEST_F(DiscoveryTest, AUsbPrinterIsFoundWithItsTextsAndReachable) {
   EXPECT_EQ(printer.reachable, true);
 }
 
-TEST_F(DiscoveryTest, AUsbPrinterWithoutADeviceFileIsNotReachable) {
+TEST_F(DiscoveryTest, ReportsAUsbPrinterWithoutADeviceFileAsUnreachable) {
   plugInPrinter(0, "MFG:M;MDL:T;", "1");
   fs::remove(dev_ / "usb/lp0");
   EXPECT_EQ(found().at(0).reachable, false);
 }
 
-TEST_F(DiscoveryTest, AUsbPrinterWithoutTextsIsNamedByItsNumbers) {
+TEST_F(DiscoveryTest, NamesAUsbPrinterWithoutTextsByItsVendorAndProductNumbers) {
   plugInPrinter(0, "", "");
   const FoundDevice printer = found().at(0);
   EXPECT_EQ(printer.name, "USB printer 04b8:0202");
   EXPECT_EQ(printer.device, "usb:" + (dev_ / "usb/lp0").string());
 }
 
-TEST_F(DiscoveryTest, AUsbPrinterIsNamedByItsMakerOrItsModelAlone) {
+TEST_F(DiscoveryTest, NamesAUsbPrinterByItsMakerOrModelIfTheOtherIsMissing) {
   plugInPrinter(0, "MFG:M;", "1");
   plugInPrinter(1, "MDL:T;", "2");
   const auto printers = found();
@@ -121,7 +121,7 @@ TEST_F(DiscoveryTest, AUsbPrinterIsNamedByItsMakerOrItsModelAlone) {
   EXPECT_EQ(printers.at(1).name, "T");
 }
 
-TEST_F(DiscoveryTest, TheDeviceFileReplacesAnUnusableSerialNumber) {
+TEST_F(DiscoveryTest, AddressesAUsbPrinterByItsDeviceFileIfItsSerialNumberIsUnusable) {
   plugInPrinter(0, "", "twice");
   plugInPrinter(1, "", "twice");
   plugInPrinter(2, "", "\x1b]0;gone");
@@ -130,7 +130,7 @@ TEST_F(DiscoveryTest, TheDeviceFileReplacesAnUnusableSerialNumber) {
   EXPECT_THAT(texts(), ElementsAre(node + "0", node + "1", node + "2", "usb:once"));
 }
 
-TEST_F(DiscoveryTest, ASerialLineIsNamedAndNotOpened) {
+TEST_F(DiscoveryTest, ListsASerialLineWithoutReportingWhetherItIsReachable) {
   fs::create_directories(sys_ / "class/tty/tty1");  // a console: no hardware
   addLine("ttyS0", "4");
   addLine("ttyS1", "0");
@@ -142,7 +142,7 @@ TEST_F(DiscoveryTest, ASerialLineIsNamedAndNotOpened) {
   EXPECT_EQ(lines[0].reachable, std::nullopt);
 }
 
-TEST_F(DiscoveryTest, ASerialLineAtUsbHasTheTextsOfItsDevice) {
+TEST_F(DiscoveryTest, NamesASerialLineByTheTextsOfItsUsbDevice) {
   plugInLine("ttyUSB0", "UART \x1b[1m");
   const FoundDevice line = found().at(0);
   EXPECT_EQ(line.name, "serial line ttyUSB0 at UART \\u001b[1m");
@@ -150,14 +150,14 @@ TEST_F(DiscoveryTest, ASerialLineAtUsbHasTheTextsOfItsDevice) {
   EXPECT_EQ(line.serialNumber, "A1");
 }
 
-TEST_F(DiscoveryTest, ASerialLineHasTheTextsOfNoDeviceFarAboveIt) {
+TEST_F(DiscoveryTest, IgnoresTheTextsOfAUsbDeviceThatIsNotTheSerialLinesParent) {
   plugInLine("ttyUSB0", "UART", "2-1.1/2-1.1:1.0");
   EXPECT_EQ(found().at(0).name, "serial line ttyUSB0 at UART");
   plugInLine("ttyUSB1", "UART", "2-1.2/2-1.2.1/2-1.2.1:1.0");
   EXPECT_EQ(found().at(1).name, "serial line ttyUSB1");
 }
 
-TEST_F(DiscoveryTest, SerialLinesAreInTheOrderOfTheirNames) {
+TEST_F(DiscoveryTest, SortsSerialLinesByName) {
   std::vector<std::string> expected;
   for (const int number : {3, 7, 1, 9, 0, 5, 8, 2, 6, 4}) {
     const std::string name = "ttyS" + std::to_string(number);
@@ -168,7 +168,7 @@ TEST_F(DiscoveryTest, SerialLinesAreInTheOrderOfTheirNames) {
   EXPECT_EQ(texts(), expected);
 }
 
-TEST_F(DiscoveryTest, TheFirstOfSeveralPermanentNamesIsTaken) {
+TEST_F(DiscoveryTest, UsesTheFirstOfSeveralPermanentNamesOfASerialLine) {
   plugInLine("ttyUSB0", "UART");
   const fs::path folder = dev_ / "serial/by-id";
   for (const char name : {'d', 'h', 'b', 'j', 'a', 'f', 'i', 'c', 'g', 'e'}) {
@@ -177,7 +177,7 @@ TEST_F(DiscoveryTest, TheFirstOfSeveralPermanentNamesIsTaken) {
   EXPECT_THAT(texts(), ElementsAre("serial:" + (folder / "a").string()));
 }
 
-TEST_F(DiscoveryTest, ASerialLineHasItsPermanentName) {
+TEST_F(DiscoveryTest, AddressesASerialLineByItsPermanentName) {
   plugInLine("ttyUSB0", "UART");
   addLine("ttyS0", "4");
   const fs::path lasting = dev_ / "serial/by-id/usb-UART_A1";

@@ -7,7 +7,7 @@
 namespace quordalvane {
 namespace {
 
-TEST(ShownText, IsPrintableForEveryTextOfADevice) {
+TEST(ShownText, IsPrintableForAnyTextOfADevice) {
   EXPECT_EQ(shownText("XQ700"), "XQ700");
   for (const std::string& text : {std::string("\x1b[2J"), std::string("\xff\xfe"),
                                   std::string("a\0b", 3), std::string("\n")}) {
@@ -15,7 +15,7 @@ TEST(ShownText, IsPrintableForEveryTextOfADevice) {
   }
 }
 
-TEST(ShownText, IsShortAndEndsWithAWholeCharacter) {
+TEST(ShownText, IsCutAfterAWholeCharacter) {
   std::string text;
   for (int i = 0; i < 1'000; ++i) {
     text += "\u20ac";  // three bytes

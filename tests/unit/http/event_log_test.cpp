@@ -27,7 +27,7 @@ TEST(EventLog, NumbersItsEventsFromOne) {
   EXPECT_EQ(log.event(3), nullptr);
 }
 
-TEST(EventLog, ForgetsTheOldestBeyondItsLimit) {
+TEST(EventLog, DropsTheOldestEventsBeyondItsByteLimit) {
   EventLog log(100);
   for (int i = 0; i < 50; ++i) {
     log.add("state", "0123456789");
@@ -40,14 +40,14 @@ TEST(EventLog, ForgetsTheOldestBeyondItsLimit) {
   EXPECT_FALSE(log.holdsAllAfter(51));
 }
 
-TEST(EventLog, DropsAnEventThatIsTooLong) {
+TEST(EventLog, DropsAnEventThatIsLongerThanItsByteLimit) {
   EventLog log(20);
   log.add("state", std::string(100, 'x'));
   EXPECT_EQ(log.bytes(), 0U);
   EXPECT_FALSE(log.holdsAllAfter(0));
 }
 
-TEST(EventReader, ReadsTheFirstTextsAndThenEachEvent) {
+TEST(EventReader, ReadsTheInitialTextsAndThenEachNewEvent) {
   EventLog log(1000);
   log.add("old", "{}");
   for (const std::size_t piece : {1U, 3U, 64U}) {
@@ -61,7 +61,7 @@ TEST(EventReader, ReadsTheFirstTextsAndThenEachEvent) {
   }
 }
 
-TEST(EventReader, IsDisconnectedIfItIsTooSlow) {
+TEST(EventReader, IsLostIfTheLogHasDroppedItsNextEvent) {
   EventLog log(100);
   EventReader reader(log, {}, 0);
   log.add("state", "0123456789");
@@ -72,7 +72,7 @@ TEST(EventReader, IsDisconnectedIfItIsTooSlow) {
   EXPECT_TRUE(reader.isLost());
 }
 
-TEST(EventReader, IsKeptAliveOnlyIfItHasNothingToRead) {
+TEST(EventReader, GetsAKeepAliveLineOnlyIfItHasNothingToRead) {
   EventLog log(1000);
   EventReader reader(log, {}, 0);
   reader.keepAlive();

@@ -35,12 +35,12 @@ unsigned statusOfOrigin(std::string_view origin) {
   return statusOf(asked);
 }
 
-TEST(Gate, AcceptsARequestWithTheToken) {
+TEST(RequestGate, AcceptsARequestWithTheToken) {
   EXPECT_EQ(statusOf(visit()), 200U);
   EXPECT_EQ(gate().below(visit().path), "api/printers");
 }
 
-TEST(Gate, RefusesEveryOtherToken) {
+TEST(RequestGate, RefusesEveryOtherToken) {
   for (const std::string& path :
        {std::string(), std::string("/"), "/" + token, token + "/", "//" + token + "/",
         "/" + token.substr(1) + "0/", "/" + token + "0/", "/" + std::string(32, '0') + "/"}) {
@@ -50,7 +50,7 @@ TEST(Gate, RefusesEveryOtherToken) {
   }
 }
 
-TEST(Gate, AcceptsOnlyThisMachineInTheHost) {
+TEST(RequestGate, AcceptsOnlyThisMachinesNamesInTheHostHeader) {
   for (const char* host : {"127.0.0.1:8080", "localhost:8080", "[::1]:8080", "192.0.2.1:8080"}) {
     EXPECT_EQ(statusOfHost(host), 200U) << host;
   }
@@ -62,7 +62,7 @@ TEST(Gate, AcceptsOnlyThisMachineInTheHost) {
   }
 }
 
-TEST(Gate, AcceptsAHostWithoutAPortOnPort80) {
+TEST(RequestGate, AcceptsAHostHeaderWithoutAPortOnPort80) {
   const Gate usual({.host = "127.0.0.1", .port = 80}, token);
   Visit asked = visit();
   for (const char* host : {"127.0.0.1", "localhost:80", "[::1]"}) {
@@ -71,7 +71,7 @@ TEST(Gate, AcceptsAHostWithoutAPortOnPort80) {
   }
 }
 
-TEST(Gate, RefusesEveryOtherOrigin) {
+TEST(RequestGate, RefusesEveryOtherOrigin) {
   EXPECT_EQ(statusOfOrigin("http://127.0.0.1:8080"), 200U);
   for (const char* origin : {"null", "http://127.0.0.1", "https://127.0.0.1:8080",
                              "http://localhost:8080", "http://127.0.0.1:8080.evil.example", " "}) {
@@ -79,7 +79,7 @@ TEST(Gate, RefusesEveryOtherOrigin) {
   }
 }
 
-TEST(Gate, TakesControlLinesOnlyAsJson) {
+TEST(RequestGate, AcceptsControlLinesOnlyAsJson) {
   Visit asked = visit();
   asked.method = "POST";
   for (const char* type : {"application/json", "application/json; charset=utf-8"}) {
@@ -96,12 +96,12 @@ TEST(Gate, TakesControlLinesOnlyAsJson) {
   }
 }
 
-TEST(Gate, WritesAnIpv6AddressInBrackets) {
+TEST(Endpoint, WritesAnIpv6AddressInBrackets) {
   EXPECT_EQ((Endpoint{.host = "::1", .port = 80}).text(), "[::1]:80");
   EXPECT_EQ((Endpoint{.host = "127.0.0.1", .port = 8080}).text(), "127.0.0.1:8080");
 }
 
-TEST(Token, IsDifferentEachTime) {
+TEST(RandomToken, IsDifferentEachTime) {
   std::set<std::string> tokens;
   for (int i = 0; i < 100; ++i) {
     tokens.insert(randomToken());

@@ -13,12 +13,12 @@ namespace {
 using simulator::PrinterBuilder;
 using std::chrono::milliseconds;
 
-class Cancelling : public testing::TestWithParam<ZKEmulation> {};
+class JobCancellation : public testing::TestWithParam<ZKEmulation> {};
 
-INSTANTIATE_TEST_SUITE_P(Job, Cancelling, testing::Values(ZKEmulationQuorLine, ZKEmulationESCPOS),
-                         emulationName);
+INSTANTIATE_TEST_SUITE_P(Job, JobCancellation,
+                         testing::Values(ZKEmulationQuorLine, ZKEmulationESCPOS), emulationName);
 
-TEST_P(Cancelling, ACancelledJobMakesThePrinterDropItsDataAndClosesThePort) {
+TEST_P(JobCancellation, MakesThePrinterDropTheDataAndClosesThePort) {
   const ByteBuffer data(5000, 'x');
   Till till(PrinterBuilder().speed(200), {.emulation = GetParam()});
   PrintJob job(till.port);
@@ -35,7 +35,7 @@ TEST_P(Cancelling, ACancelledJobMakesThePrinterDropItsDataAndClosesThePort) {
   EXPECT_LT(till.printed().size(), 1000U);
 }
 
-TEST_P(Cancelling, ACancelledJobCompletesItsImageSoThatThePrinterReadsTheCancel) {
+TEST_P(JobCancellation, CompletesAnImageSoThatThePrinterReadsTheCancelCommand) {
   ByteBuffer data = {0x1d, 0x76, 0x30, 0, 10, 0, 100, 0};
   data.resize(8 + 1000, 0x55);
   data.insert(data.end(), 5000, 'x');
@@ -48,7 +48,7 @@ TEST_P(Cancelling, ACancelledJobCompletesItsImageSoThatThePrinterReadsTheCancel)
   EXPECT_EQ(till.print(receiptText).outcome, PrintOutcome::Printed);
 }
 
-TEST_P(Cancelling, AJobCancelledInALongImageEndsInTime) {
+TEST_P(JobCancellation, EndsTheJobWithinASecondInALongImage) {
   ByteBuffer data = {0x1d, 0x76, 0x30, 0, 72, 0, 0xe8, 0x03};
   data.resize(8 + 72000, 0x55);
   Till till(PrinterBuilder().speed(2000), {.emulation = GetParam()});
@@ -64,7 +64,7 @@ TEST_P(Cancelling, AJobCancelledInALongImageEndsInTime) {
 
 // The time-out of the block must not drop the data of later jobs. The port repeats its write
 // without a pause once the link has taken a part of a command.
-TEST_P(Cancelling, AJobCanBeCancelledWhileThePortWritesWithoutEnd) {
+TEST_P(JobCancellation, EndsAJobWhileThePortWritesWithoutEnd) {
   Till till(GetParam());
   till.port->close();
   till.accessory->setFaults(with("no-space", "2:3000"));
@@ -74,7 +74,7 @@ TEST_P(Cancelling, AJobCanBeCancelledWhileThePortWritesWithoutEnd) {
   EXPECT_EQ(job.run(receiptText).outcome, PrintOutcome::Refused);
 }
 
-TEST_P(Cancelling, AJobCanBeCancelledWhileThePortRepeatsAWrite) {
+TEST_P(JobCancellation, EndsAJobWithinASecondWhileThePortRepeatsAWrite) {
   Till till(GetParam());
   till.port->close();
   simulator::Faults full = with("no-space", "4:120");
@@ -88,7 +88,7 @@ TEST_P(Cancelling, AJobCanBeCancelledWhileThePortRepeatsAWrite) {
   EXPECT_LT(till.platform->clock().monotonic() - start, milliseconds(4000));
 }
 
-TEST_P(Cancelling, AJobCanBeCancelledTwice) {
+TEST_P(JobCancellation, CanBeRequestedSeveralTimes) {
   Till till(PrinterBuilder().speed(100), {.emulation = GetParam()});
   till.port->close();
   till.accessory->setFaults(with("no-space", "300:60000"));
@@ -101,7 +101,7 @@ TEST_P(Cancelling, AJobCanBeCancelledTwice) {
   EXPECT_FALSE(till.port->isConnected());
 }
 
-TEST_P(Cancelling, AJobThatIsCancelledBeforeItBeganSendsNothing) {
+TEST_P(JobCancellation, SendsNothingIfTheJobHasNotBegun) {
   Till till(GetParam());
   PrintJob job(till.port);
   job.cancel();
@@ -111,7 +111,7 @@ TEST_P(Cancelling, AJobThatIsCancelledBeforeItBeganSendsNothing) {
   EXPECT_EQ(till.printed(), ByteBuffer());
 }
 
-TEST_P(Cancelling, AJobCancelledOnAFullLinkOmitsItsLastCommands) {
+TEST_P(JobCancellation, OmitsTheLastCommandsIfTheLinkIsFull) {
   for (const char* const noSpace : {"0:60000", "300:60000"}) {
     Till till(GetParam());
     till.port->close();
@@ -128,7 +128,7 @@ TEST_P(Cancelling, AJobCancelledOnAFullLinkOmitsItsLastCommands) {
   }
 }
 
-TEST_P(Cancelling, AJobCancelledOnAClosedPortReportsOnlyTheCancellation) {
+TEST_P(JobCancellation, IsTheOnlyReportedReasonIfThePortIsClosed) {
   Till till(GetParam());
   till.port->close();
   PrintJob job(till.port);

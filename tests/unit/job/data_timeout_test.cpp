@@ -37,7 +37,7 @@ class DataTimeout : public testing::TestWithParam<ZKEmulation> {
 INSTANTIATE_TEST_SUITE_P(Job, DataTimeout, testing::Values(ZKEmulationQuorLine, ZKEmulationESCPOS),
                          emulationName);
 
-TEST_P(DataTimeout, ThatDropsTheRestOfAJobLeavesItUnconfirmed) {
+TEST_P(DataTimeout, LeavesAJobUnconfirmedIfThePrinterDroppedTheRest) {
   ByteBuffer data(100000, 'x');
   Till till = tillWithTimeout(PrinterBuilder().speed(50000));
   till.port->setEndCheckedBlockTimeoutMillis(3000);
@@ -53,7 +53,7 @@ TEST_P(DataTimeout, ThatDropsTheRestOfAJobLeavesItUnconfirmed) {
   EXPECT_LT(till.printed().size(), data.size());
 }
 
-TEST_P(DataTimeout, OfACancelledJobEndsWithIt) {
+TEST_P(DataTimeout, DoesNotDropLaterJobsAfterACancelledJob) {
   Till till = tillWithTimeout(PrinterBuilder().speed(1000));
   PrintJob job(till.port);
   till.at(milliseconds(1000), [&job] { job.cancel(); });
@@ -61,7 +61,7 @@ TEST_P(DataTimeout, OfACancelledJobEndsWithIt) {
   EXPECT_TRUE(printsLaterOn(till));
 }
 
-TEST_P(DataTimeout, OfAnEarlierJobEndsWithACancelledOne) {
+TEST_P(DataTimeout, SetByAnEarlierJobDoesNotDropLaterJobsAfterACancelledJob) {
   Till till = tillWithTimeout(PrinterBuilder().speed(1000));
   EXPECT_EQ(till.print(receiptText).outcome, PrintOutcome::Printed);
   till.port->setDataTimeoutSeconds(-1);
@@ -71,7 +71,7 @@ TEST_P(DataTimeout, OfAnEarlierJobEndsWithACancelledOne) {
   EXPECT_TRUE(printsLaterOn(till));
 }
 
-TEST_P(DataTimeout, OfARefusedJobEndsWithIt) {
+TEST_P(DataTimeout, DoesNotDropLaterJobsAfterARefusedJob) {
   Till till = tillWithTimeout(PrinterBuilder().coverOpen());
   EXPECT_EQ(till.print(receiptText).outcome, PrintOutcome::Refused);
   till.set("coverOpen", false);

@@ -66,7 +66,8 @@ Script chattererAfter(const test::Bytes& data, const char* pattern) {
   return script.whenAsked(data, chatter(pattern));
 }
 
-class EndlessBytes : public testing::TestWithParam<std::tuple<const char*, ZKEmulation>> {
+class PrinterThatNeverStopsSending
+    : public testing::TestWithParam<std::tuple<const char*, ZKEmulation>> {
  protected:
   /// How long `operation` takes on a port with a time-out of 2 s.
   static std::chrono::nanoseconds timeOf(
@@ -84,11 +85,11 @@ class EndlessBytes : public testing::TestWithParam<std::tuple<const char*, ZKEmu
   }
 };
 
-INSTANTIATE_TEST_SUITE_P(Job, EndlessBytes,
+INSTANTIATE_TEST_SUITE_P(Job, PrinterThatNeverStopsSending,
                          testing::Combine(testing::ValuesIn(patterns),
                                           testing::Values(ZKEmulationQuorLine, ZKEmulationESCPOS)));
 
-TEST_P(EndlessBytes, EndAJobInTimeAndConfirmNothing) {
+TEST_P(PrinterThatNeverStopsSending, CannotDelayAJobBeyond25SecondsOrConfirmTheJob) {
   for (const auto& [proof, name, about] : proofWords) {
     PrintResult result;
     const auto time = timeOf(
@@ -101,7 +102,7 @@ TEST_P(EndlessBytes, EndAJobInTimeAndConfirmNothing) {
 }
 
 // Only the bytes of the printer's sign confirm the job.
-TEST_P(EndlessBytes, AfterTheDataEndAJobInTime) {
+TEST_P(PrinterThatNeverStopsSending, AfterTheDataEndAJobInTime) {
   const test::Bytes data = test::ascii("receipt\n");
   PrintResult result;
   const auto time = timeOf(
@@ -115,7 +116,7 @@ TEST_P(EndlessBytes, AfterTheDataEndAJobInTime) {
 }
 
 // Each byte could be an answer to the first job's question, which the second one hears out.
-TEST(SlowEndlessBytes, EndAJobInTimeThatHearsOutAnEarlierOne) {
+TEST(PrinterThatSendsSlowlyWithoutEnd, CannotDelayTheNextJobBeyond40Seconds) {
   for (const auto& [proof, byte] :
        {std::pair(ProofKind::Block, bytes("12")), std::pair(ProofKind::InOrder, bytes("00"))}) {
     Script script;
@@ -137,7 +138,7 @@ TEST(SlowEndlessBytes, EndAJobInTimeThatHearsOutAnEarlierOne) {
   }
 }
 
-TEST_P(EndlessBytes, EndEveryQuestionInTime) {
+TEST_P(PrinterThatNeverStopsSending, CannotDelayAnInquiryBeyond22Seconds) {
   const std::function<void(PrinterInquiry&)> questions[] = {
       [](PrinterInquiry& inquiry) { inquiry.status(); },
       [](PrinterInquiry& inquiry) { inquiry.isOnline(); },

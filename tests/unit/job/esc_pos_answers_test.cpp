@@ -19,7 +19,7 @@ EscPosAnswers answersIn(const test::Bytes& sent) {
   return answers;
 }
 
-TEST(EscPosAnswers, AreDistinguishedByTheirWholeFormInAnyPieces) {
+TEST(EscPosAnswers, AreRecognisedInPiecesOfAnySize) {
   const auto stream = bytes(
       "12 10 00 00 00 13 37 22 36 32 11 41 7e 00 05 1b 1d 03 01 00 00 13 00 37 25 00 5f 41 42 00");
   for (std::size_t piece = 1; piece <= stream.size(); ++piece) {
@@ -34,14 +34,14 @@ TEST(EscPosAnswers, AreDistinguishedByTheirWholeFormInAnyPieces) {
   }
 }
 
-TEST(EscPosAnswers, DistinguishTheProcessIdOfAnotherJob) {
+TEST(EscPosAnswers, DistinguishTheProcessIdsOfTwoJobs) {
   EscPosAnswers answers;
   answers.feed(bytes("37 22 41 42 43 44 00"));
   EXPECT_TRUE(answers.hasNamed({'A', 'B', 'C', 'D'}));
   EXPECT_FALSE(answers.hasNamed({'A', 'B', 'C', 'E'}));
 }
 
-TEST(EscPosAnswers, LoseOnlyTheByteThatBeginsNothing) {
+TEST(EscPosAnswers, SkipOnlyTheByteThatBeginsNoAnswer) {
   EXPECT_EQ(answersIn(bytes("1d 00 00 00")).inOrderCount(), 3U);
   EXPECT_EQ(answersIn(bytes("10 12")).realTimeCount(), 1U) << "no status of four bytes";
   for (const char* const odd : {"1d", "10 12", "37 41", "37 25 01", "37 22 1f", "37 22 7f",
@@ -51,7 +51,7 @@ TEST(EscPosAnswers, LoseOnlyTheByteThatBeginsNothing) {
   EXPECT_FALSE(answersIn(bytes("37 22 41 42 43 44 45")).hasNamed({'A', 'B', 'C', 'D'}));
 }
 
-TEST(EscPosAnswers, KnowTheLastSixteenIds) {
+TEST(EscPosAnswers, RememberTheLastSixteenProcessIds) {
   EscPosAnswers answers;
   for (std::uint8_t i = 0; i < 17; ++i) {
     answers.feed(test::Bytes{0x37, 0x22, 0x20, 0x20, 0x20, static_cast<std::uint8_t>('A' + i), 0});
@@ -71,7 +71,7 @@ TEST(EscPosAnswers, AcceptATextOfAtMost79Characters) {
   }
 }
 
-TEST(EscPosAnswers, ReturnTheCountOfTheLastWholeReport) {
+TEST(EscPosAnswers, ReturnTheCountOfTheLastCompleteReport) {
   EXPECT_EQ(answersIn(bytes("12 1b 1d 03 01 00 00 01 00 12")).lastReport(), 1);
   EXPECT_EQ(answersIn(bytes("1b 1b 1d 03 01 00 00 01 00")).lastReport(), 1);
   EXPECT_EQ(answersIn(bytes("1b 1d 03 01 00 00 01 00 1b 1d 03 01 00 00 1b 00")).lastReport(), 0x1b);
@@ -86,7 +86,7 @@ TEST(EscPosAnswers, IgnoreAReportWithAWrongByte) {
   }
 }
 
-TEST(EscPosAnswers, RecogniseAReportThatFlowControlInterrupts) {
+TEST(EscPosAnswers, RecogniseAReportWithFlowControlBytesInside) {
   for (std::size_t place : {0U, 1U, 2U, 3U, 4U, 5U, 7U, 8U}) {
     auto report = bytes("1b 1d 03 01 00 00 02 00");
     report.insert(report.begin() + static_cast<std::ptrdiff_t>(place), {0x13, 0x11});

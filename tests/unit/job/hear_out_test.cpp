@@ -43,7 +43,7 @@ class Hearing : private TransferObserver {
   EscPosAnswers answers_;
 };
 
-TEST(HearOut, EndsAfterTwoQuestionsWithOneAnswerEachAndASecondOfSilence) {
+TEST(WaitForLateAnswers, EndsAfterTwoRequestsWithOneAnswerEachAndASecondOfSilence) {
   Hearing hearing;
   EXPECT_TRUE(hearing.hearOut());
   EXPECT_EQ(hearing.answers(), 2U);
@@ -51,19 +51,19 @@ TEST(HearOut, EndsAfterTwoQuestionsWithOneAnswerEachAndASecondOfSilence) {
   EXPECT_LT(hearing.time, seconds(3));
 }
 
-TEST(HearOut, BeginsAgainAfterAQuestionWithTwoAnswers) {
+TEST(WaitForLateAnswers, BeginsAgainAfterARequestWithTwoAnswers) {
   Hearing hearing(with("duplicate-reply", "2"));
   EXPECT_TRUE(hearing.hearOut());
   EXPECT_EQ(hearing.answers(), 1U + 2U + 1U + 1U);
 }
 
-TEST(HearOut, IsGivenUpAfterSixQuestions) {
+TEST(WaitForLateAnswers, FailsAfterSixRequestsWithTwoAnswersEach) {
   Hearing hearing(with("duplicate-reply", "all"));
   EXPECT_FALSE(hearing.hearOut());
   EXPECT_EQ(hearing.answers(), 6U * 2U);
 }
 
-TEST(HearOut, FailsAtTheTimeoutOfAPrinterThatDoesNotAnswer) {
+TEST(WaitForLateAnswers, FailsAtTheTimeoutIfThePrinterDoesNotAnswer) {
   Hearing hearing(with("drop-reply", "all"));
   EXPECT_FALSE(hearing.hearOut());
   EXPECT_GE(hearing.time, seconds(3));

@@ -6,7 +6,7 @@
 namespace quordalvane {
 namespace {
 
-TEST(GroupedCount, HasACommaBetweenThousands) {
+TEST(GroupedCount, HasACommaAfterTheThousands) {
   EXPECT_EQ(grouped(0), "0");
   EXPECT_EQ(grouped(999), "999");
   EXPECT_EQ(grouped(1204), "1,204");

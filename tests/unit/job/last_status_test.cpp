@@ -43,11 +43,11 @@ PrintResult printOn(const std::vector<test::Bytes>& last) {
   return PrintJob(port).run("receipt\n");
 }
 
-TEST(LastStatus, WithBothMarksCountedConfirmsTheJob) {
+TEST(LastStatus, ConfirmsTheJobIfThePrinterCountedBothEndMarks) {
   EXPECT_EQ(printOn({statusOf(1), statusOf(2)}).outcome, PrintOutcome::Printed);
 }
 
-TEST(LastStatus, WithAnErrorConfirmsNothingAndTheErrorIsTheReason) {
+TEST(LastStatus, LeavesTheJobUnconfirmedIfItReportsAnError) {
   constexpr int flags = 30;
   int errors = 0;
   for (int flag = 0; flag < flags; ++flag) {
@@ -62,13 +62,13 @@ TEST(LastStatus, WithAnErrorConfirmsNothingAndTheErrorIsTheReason) {
   EXPECT_EQ(errors, 17) << "sixteen errors, and off line";
 }
 
-TEST(LastStatus, ThatTheNextStatusContradictsConfirmsNothing) {
+TEST(LastStatus, LeavesTheJobUnconfirmedIfTheNextStatusContradictsTheCount) {
   const PrintResult result = printOn({statusOf(1), statusOf(2), statusOf(1)});
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
   EXPECT_EQ(result.reason, "the printer's last two answers do not agree after all 8 bytes");
 }
 
-TEST(LastStatus, WithOneMarkTooFewConfirmsNothing) {
+TEST(LastStatus, LeavesTheJobUnconfirmedIfOneEndMarkIsMissing) {
   EXPECT_EQ(printOn({statusOf(1)}).outcome, PrintOutcome::Unconfirmed);
 }
 

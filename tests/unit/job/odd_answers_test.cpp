@@ -26,7 +26,7 @@ PrintResult printOn(const Script& script, PrintJob::Options options = {.proof = 
 
 const test::Bytes statusRequest = bytes("1b 06 01");
 
-TEST(OddAnswers, ThatAreNotLineModeStatusesRefuseTheJob) {
+TEST(JobWithOddAnswers, IsRefusedIfTheAnswersAreNoLineModeStatuses) {
   // Blocks that are long enough for a counter but do not have the fixed bits, and blocks that are
   // too short.
   for (const char* const block : {"09 01 00 00 00 00 00 00 05", "01"}) {
@@ -37,7 +37,7 @@ TEST(OddAnswers, ThatAreNotLineModeStatusesRefuseTheJob) {
   }
 }
 
-TEST(OddAnswers, WithoutACounterRefuseTheJobWithThatReason) {
+TEST(JobWithOddAnswers, IsRefusedIfTheStatusHasNoCounter) {
   for (const char* const block : {"82 01", "86 01 00 00 00 00"}) {
     const PrintResult result =
         printOn(Script().wheneverAsked(statusRequest, {{bytes(block), 0.0}}));
@@ -46,7 +46,7 @@ TEST(OddAnswers, WithoutACounterRefuseTheJobWithThatReason) {
   }
 }
 
-TEST(OddAnswers, ThatNeverArriveRefuseTheJob) {
+TEST(JobWithOddAnswers, IsRefusedIfAnAnswerNeverArrives) {
   Script script;
   script.whenAsked(statusRequest, {});  // asked again, and answered once for two questions
   script.wheneverAsked(statusRequest, {{bytes("89 01 00 00 00 00 00 00 05"), 0.0}});
@@ -55,7 +55,7 @@ TEST(OddAnswers, ThatNeverArriveRefuseTheJob) {
   EXPECT_EQ(result.reason, "the printer has not answered all that it was asked");
 }
 
-TEST(OddAnswers, ThatArriveTwiceAreNotTakenForTheNextAnswer) {
+TEST(JobWithOddAnswers, IsNotConfirmedByAnAnswerThatArrivesTwice) {
   const auto fresh = bytes("89 01 00 00 00 00 00 00 05");
   Script script;
   script.whenAsked(statusRequest, {{fresh, 0.0}, {fresh, 0.0}});
@@ -65,7 +65,7 @@ TEST(OddAnswers, ThatArriveTwiceAreNotTakenForTheNextAnswer) {
   EXPECT_EQ(result.outcome, PrintOutcome::Refused) << "two ends were counted before the job";
 }
 
-TEST(OddAnswers, ThatChangeTheirKindDuringTheJobConfirmNothing) {
+TEST(JobWithOddAnswers, IsUnconfirmedIfTheLastAnswerIsNoStatus) {
   Script script;
   for (int beforeTheMark = 0; beforeTheMark < 3; ++beforeTheMark) {
     script.whenAsked(statusRequest, {{bytes("89 01 00 00 00 00 00 00 05"), 0.0}});
@@ -78,7 +78,7 @@ TEST(OddAnswers, ThatChangeTheirKindDuringTheJobConfirmNothing) {
   EXPECT_EQ(result.reason, "the printer's last two answers do not agree after all 8 bytes");
 }
 
-TEST(OddAnswers, ThatNeverStopRefuseTheJob) {
+TEST(JobWithOddAnswers, IsRefusedIfUnaskedBytesNeverStop) {
   const test::Bytes chatter(std::size_t{2} << 20U, 'x');
   Script script;
   script.wheneverAsked(statusRequest, {{bytes("89 01 00 00 00 00 00 00 05"), 0.0}});
@@ -88,7 +88,7 @@ TEST(OddAnswers, ThatNeverStopRefuseTheJob) {
   EXPECT_EQ(result.reason, "the printer has not answered all that it was asked");
 }
 
-TEST(OddAnswers, OfAPrinterThatWasOffLineForAMomentOnlyConfirmNothing) {
+TEST(JobWithOddAnswers, IsUnconfirmedIfOneStatusDuringTheJobIsOffLine) {
   const auto onLine = bytes("12");
   const auto request = bytes("10 04 01");
   Script script;
@@ -107,7 +107,7 @@ TEST(OddAnswers, OfAPrinterThatWasOffLineForAMomentOnlyConfirmNothing) {
             "end of the job after all 8 bytes");
 }
 
-TEST(OddAnswers, ThatAreInvalidAreReportedWithoutAWaitingTime) {
+TEST(JobWithOddAnswers, IsRefusedWithAHintIfThePrinterDoesNotAnswer) {
   const PrintResult result = printOn(Script());
   EXPECT_EQ(result.outcome, PrintOutcome::Refused);
   EXPECT_EQ(result.reason,
@@ -115,7 +115,7 @@ TEST(OddAnswers, ThatAreInvalidAreReportedWithoutAWaitingTime) {
             "use by another program");
 }
 
-TEST(OddAnswers, WithACounterThatIsNotResetAreReported) {
+TEST(JobWithOddAnswers, IsRefusedIfThePrinterDoesNotResetItsCounter) {
   for (const char* const block : {"89 01 00 00 00 00 01 00 05", "89 01 00 00 00 00 03 00 05"}) {
     const PrintResult result =
         printOn(Script().wheneverAsked(statusRequest, {{bytes(block), 0.0}}));
@@ -124,7 +124,7 @@ TEST(OddAnswers, WithACounterThatIsNotResetAreReported) {
   }
 }
 
-TEST(OddAnswers, AFullLinkThatEndsIsReportedAsLost) {
+TEST(JobWithOddAnswers, IsRefusedAsLinkLostIfAFullLinkEnds) {
   const PrintResult result = printOn(Script().hasNoSpace().isLost(1.0), {.proof = ProofKind::None});
   EXPECT_EQ(result.outcome, PrintOutcome::Refused);
   EXPECT_EQ(result.obstacle, PrintObstacle::LinkLost);

@@ -11,7 +11,7 @@ const Bytes lineModeRequest = {0x1b, 0x2a, 0x72, 0x42, 0x1b, 0x1d, 0x03,
                                0x04, 0x00, 0x00, 0x1b, 0x06, 0x01};
 const Bytes statusBlock = {0x89, 1, 0x80, 0x81, 0x82, 0, 0, 0, 5};
 
-TEST(OwedAnswers, CountFromTheRequestToTheEndOfTheBlockInPiecesOfAnySize) {
+TEST(OwedAnswers, AreOwedFromTheLastByteOfTheRequestToTheLastByteOfTheAnswer) {
   OwedAnswers answers(ZKEmulationQuorLine);
   EXPECT_FALSE(answers.isAnyOwed());
   for (const auto byte : lineModeRequest) {
@@ -26,7 +26,7 @@ TEST(OwedAnswers, CountFromTheRequestToTheEndOfTheBlockInPiecesOfAnySize) {
   EXPECT_EQ(answers.last(), statusBlock);
 }
 
-TEST(OwedAnswers, AreCountedOneByOne) {
+TEST(OwedAnswers, AreCountedForEachRequest) {
   OwedAnswers answers(ZKEmulationQuorLine);
   for (int i = 0; i < 3; ++i) {
     answers.written(lineModeRequest);
@@ -38,7 +38,7 @@ TEST(OwedAnswers, AreCountedOneByOne) {
   EXPECT_FALSE(answers.isAnyOwed());
 }
 
-TEST(OwedAnswers, IgnoreBytesThatArrivedUnasked) {
+TEST(OwedAnswers, IgnoreUnaskedBytesOnceTheSurplusIsForgotten) {
   OwedAnswers answers(ZKEmulationQuorLine);
   answers.read(statusBlock);
   answers.written(lineModeRequest);
@@ -53,7 +53,7 @@ TEST(OwedAnswers, IgnoreBytesThatArrivedUnasked) {
   EXPECT_TRUE(answers.isAnyOwed());
 }
 
-TEST(OwedAnswers, IgnoreBytesOfAnotherKind) {
+TEST(OwedAnswers, IgnoreBytesThatAreNoStatusBlock) {
   OwedAnswers answers(ZKEmulationQuorLine);
   answers.written(lineModeRequest);
   answers.read(Bytes{0x00, 0x09, 0x81, 0xc9});
@@ -64,7 +64,7 @@ TEST(OwedAnswers, IgnoreBytesOfAnotherKind) {
   EXPECT_FALSE(answers.isAnyOwed());
 }
 
-TEST(OwedAnswers, InESCPOSAreSingleBytesOutsideOfReports) {
+TEST(OwedAnswers, AreSingleBytesOutsideReportsInEscPos) {
   OwedAnswers answers(ZKEmulationESCPOS);
   for (const std::uint8_t query : Bytes{1, 2, 4}) {
     answers.written(Bytes{0x10, 0x04, query});
@@ -78,7 +78,7 @@ TEST(OwedAnswers, InESCPOSAreSingleBytesOutsideOfReports) {
   EXPECT_EQ(answers.last(), Bytes{0x1a});
 }
 
-TEST(OwedAnswers, InESCPOSIgnoreTheCharactersOfAProcessId) {
+TEST(OwedAnswers, IgnoreTheCharactersOfAProcessIdInEscPos) {
   OwedAnswers answers(ZKEmulationESCPOS);
   answers.written(Bytes{0x10, 0x04, 0x01});
   for (const std::uint8_t byte : Bytes{0x37, 0x22, '2', '6', '2', '6', 0x00}) {

@@ -11,7 +11,7 @@ namespace {
 
 using test::bytes;
 
-TEST(PortLink, HearsAnAnswerInPiecesAsSoonAsItsLastByteArrives) {
+TEST(PortLink, ReturnsAnAnswerInPiecesAsSoonAsItsLastByteArrives) {
   const auto question = bytes("10 04 01");
   test::ScriptedWorld world(
       test::Script().whenAsked(question, {{bytes("37 22"), 0.0}, {bytes("00"), 0.001}}));

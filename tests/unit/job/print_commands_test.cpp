@@ -110,9 +110,9 @@ std::string nameOf(const testing::TestParamInfo<Command>& info) {
   return name;
 }
 
-class PrintCommands : public testing::TestWithParam<Command> {};
+class UncountedCommands : public testing::TestWithParam<Command> {};
 
-TEST_P(PrintCommands, EndAfterTheirParametersAndHaveNoPayload) {
+TEST_P(UncountedCommands, EndAfterTheirParameters) {
   for (const std::size_t bytesAfter : {0U, 16U}) {
     auto data = GetParam().bytes;
     const std::size_t length = data.size();
@@ -124,7 +124,7 @@ TEST_P(PrintCommands, EndAfterTheirParametersAndHaveNoPayload) {
   }
 }
 
-TEST_P(PrintCommands, AreLongerThanTheDataIfTheirEndIsMissing) {
+TEST_P(UncountedCommands, AreLongerThanTheDataIfTheirEndIsMissing) {
   auto data = GetParam().bytes;
   data.pop_back();
   const auto command = printCommandAt(data);
@@ -132,7 +132,7 @@ TEST_P(PrintCommands, AreLongerThanTheDataIfTheirEndIsMissing) {
   EXPECT_GT(command->length, data.size());
 }
 
-INSTANTIATE_TEST_SUITE_P(Each, PrintCommands, testing::ValuesIn(commands), nameOf);
+INSTANTIATE_TEST_SUITE_P(Each, UncountedCommands, testing::ValuesIn(commands), nameOf);
 
 /// A command up to its payload, and the length of that.
 struct CountedCommand {
@@ -168,7 +168,7 @@ const CountedCommand countedCommands[] = {
     {{0x1d, 0x6b, 79, 255}, 255},
 };
 
-TEST(CountedCommands, EndAfterTheirPayload) {
+TEST(CountedCommands, EndAfterTheirCountedPayload) {
   for (const CountedCommand& row : countedCommands) {
     for (const std::size_t bytesAfter : {0U, 16U}) {
       auto data = row.head;
@@ -181,7 +181,7 @@ TEST(CountedCommands, EndAfterTheirPayload) {
   }
 }
 
-TEST(CountedCommands, HaveTheLengthThatTheirHeadsGive) {
+TEST(CountedCommands, HaveTheLengthThatTheirHeaderGives) {
   for (const CountedCommand& row : countedCommands) {
     const auto command = printCommandAt(row.head);
     ASSERT_TRUE(command) << testing::PrintToString(row.head);
@@ -200,7 +200,7 @@ TEST(CountedCommands, AreLongerThanTheDataIfAByteIsMissing) {
   }
 }
 
-TEST(UnknownCommands, HaveNoKnownEnd) {
+TEST(UnknownCommands, AreNotParsed) {
   const std::vector<std::uint8_t> unknown[] = {
       {0x10, 0x14, 9},
       {0x1b, 0x28, '@', 0, 0},
@@ -224,7 +224,7 @@ TEST(UnknownCommands, HaveNoKnownEnd) {
   }
 }
 
-TEST(TerminatedBarcodes, EndWithTheirZeroAfter255PrintableCharactersAtMost) {
+TEST(TerminatedBarcodes, EndAtTheirZeroAfterAtMost255PrintableCharacters) {
   for (const std::uint8_t kind : {std::uint8_t{0}, std::uint8_t{6}}) {
     for (const std::size_t count : {0U, 255U, 256U}) {
       std::vector<std::uint8_t> data = {0x1d, 0x6b, kind};
@@ -241,7 +241,7 @@ TEST(TerminatedBarcodes, EndWithTheirZeroAfter255PrintableCharactersAtMost) {
   }
 }
 
-TEST(OtherBytes, AreCommandsOfTheirOwn) {
+TEST(ByteOutsideCommands, IsParsedAsACommandOfOneByte) {
   for (const std::uint8_t byte : std::vector<std::uint8_t>{0, 0x0f, 0x11, 0x1a, 0x1e, 0x20, 0xff}) {
     EXPECT_EQ(printCommandAt(std::vector<std::uint8_t>{byte, 'x'})->length, 1U);
   }

@@ -125,7 +125,7 @@ const Case cases[] = {
     {"a command's first byte at the end", {'a', 0x1b}, false, false},
 };
 
-TEST(ConfirmationObstacle, IsFoundOnlyOutsideOfCountedPayload) {
+TEST(ConfirmationObstacle, IsNotFoundInsideACountedPayload) {
   for (const Case& row : cases) {
     EXPECT_EQ(!confirmationObstacle(row.data, ZKEmulationQuorLine), row.confirmableInLineMode)
         << row.what;
@@ -134,7 +134,7 @@ TEST(ConfirmationObstacle, IsFoundOnlyOutsideOfCountedPayload) {
   }
 }
 
-TEST(ConfirmationObstacle, IsFoundAfterTooManyTabStops) {
+TEST(ConfirmationObstacle, IsFoundAfterMoreThan32TabStops) {
   const Bytes image = {0x1d, 0x76, 0x30, 0, 1, 0, 1, 0, 0x17};
   for (const int count : {32, 33}) {
     Bytes data = {0x1b, 0x44};
@@ -147,20 +147,20 @@ TEST(ConfirmationObstacle, IsFoundAfterTooManyTabStops) {
   }
 }
 
-TEST(ConfirmationObstacle, NamesItsKindAndItsPlace) {
+TEST(ConfirmationObstacle, NamesTheCommandAndItsOffset) {
   Bytes data(1500, 'x');
   data[1204] = 0x17;
   EXPECT_THAT(confirmationObstacle(data, ZKEmulationESCPOS).value_or(""),
               HasSubstr("an end-of-block mark (17), which the printer counts at byte 1,204"));
 }
 
-TEST(ConfirmationObstacle, AfterAnUnknownCommandNamesThatCommand) {
+TEST(ConfirmationObstacle, NamesTheUnknownCommandBeforeTheObstacle) {
   EXPECT_THAT(
       confirmationObstacle(Bytes{'a', 0x1b, 0xff, 'b', 0x17}, ZKEmulationESCPOS).value_or(""),
       HasSubstr("the command at byte 1 is not known"));
 }
 
-TEST(IsNeverAnswered, IsTrueOfTextImagesAndUsualCommands) {
+TEST(IsNeverAnswered, IsTrueForTextImagesAndUsualCommands) {
   const Bytes quiet[] = {
       {},
       {'a', '\n'},
@@ -174,7 +174,7 @@ TEST(IsNeverAnswered, IsTrueOfTextImagesAndUsualCommands) {
   }
 }
 
-TEST(IsNeverAnswered, IsFalseForRequestsAndUnknownCommands) {
+TEST(IsNeverAnswered, IsFalseForRequestsUnknownCommandsAndVeryLongData) {
   const Bytes answered[] = {
       {'a', 0x10, 0x04, 0x01},
       {0x1d, 0x72, 0x01},
@@ -201,7 +201,7 @@ TEST(IsNeverAnswered, IsFalseForRequestsAndUnknownCommands) {
   EXPECT_FALSE(isNeverAnswered(Bytes((std::size_t{1} << 20U) + 1, 'a')));
 }
 
-TEST(CommandEnd, IsTheEndOfTheCommandAtAPlace) {
+TEST(CommandEnd, IsTheEndOfTheCommandThatContainsTheOffset) {
   const Bytes data = {'a',  0x1d, 0x76, 0x30, 0,    1,  0, 2,  0,
                       0x55, 0x55, 'b',  0x1d, 0x6b, 73, 9, 'x'};
   for (std::size_t place : {0U, 1U, 11U, 12U}) {
@@ -217,7 +217,7 @@ TEST(CommandEnd, IsTheEndOfTheCommandAtAPlace) {
   EXPECT_EQ(commandEnd(Bytes{0x1b, 0xff, 0x1d, 0x76}, 3), 3U) << "nobody knows";
 }
 
-TEST(EndSignObstacle, IsACommandOutsideOfImagesThatMakesThePrinterDropData) {
+TEST(EndSignObstacle, IsACommandOutsideImagesThatMakesThePrinterDropData) {
   EXPECT_EQ(endSignObstacle(Bytes{'a', '\n'}), std::nullopt);
   for (const Bytes& data : {Bytes{'a', 0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00},
                             Bytes{0x1b, 0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00},
@@ -227,12 +227,12 @@ TEST(EndSignObstacle, IsACommandOutsideOfImagesThatMakesThePrinterDropData) {
   }
 }
 
-TEST(EndSignObstacle, IsACommandWhoseEndIsMissing) {
+TEST(EndSignObstacle, IsAnIncompleteCommandAtTheEndOfTheData) {
   EXPECT_THAT(endSignObstacle(Bytes{'a', 0x1d, 0x76, 0x30, 0, 1, 0, 2, 0, 0xff}).value_or(""),
               HasSubstr("the data ends inside the command that begins at byte 1"));
 }
 
-TEST(EndSignObstacle, InsideAnImageIsOnlyARealTimeCommand) {
+TEST(EndSignObstacle, CanOnlyBeARealTimeCommandInsideAnImage) {
   for (const Bytes& before : {Bytes{}, Bytes{'a'}}) {
     Bytes data = before;
     data.insert(data.end(), {0x1d, 0x76, 0x30, 0, 1, 0, 3, 0, 0x1b, 0x1d, 0x03});
@@ -247,7 +247,7 @@ TEST(EndSignObstacle, InsideAnImageIsOnlyARealTimeCommand) {
               HasSubstr("drops data"));
 }
 
-TEST(InOrderRequests, AreCountedOutsideOfPayloadAndParameters) {
+TEST(InOrderRequests, AreCountedOutsidePayloadsAndParameters) {
   const std::pair<Bytes, std::uint64_t> rows[] = {
       {{}, 0},
       {{'a', '\n'}, 0},

@@ -16,7 +16,7 @@ class InBothEmulations : public testing::TestWithParam<ZKEmulation> {};
 INSTANTIATE_TEST_SUITE_P(Job, InBothEmulations,
                          testing::Values(ZKEmulationQuorLine, ZKEmulationESCPOS), emulationName);
 
-TEST_P(InBothEmulations, AJobThatIsOnPaperIsReportedAsPrinted) {
+TEST_P(InBothEmulations, AJobOnPaperIsReportedAsPrinted) {
   Till till(GetParam());
   const PrintResult result = till.print(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Printed) << result.reason;
@@ -29,7 +29,7 @@ TEST_P(InBothEmulations, AJobThatIsOnPaperIsReportedAsPrinted) {
   EXPECT_EQ(till.printed(), receiptText);
 }
 
-TEST_P(InBothEmulations, AJobDoesNotWaitForAnAnswerThatCannotArrive) {
+TEST_P(InBothEmulations, AJobOnAnIdlePrinterSendsItsDataWithin100Milliseconds) {
   Till till(GetParam());
   Clock& clock = till.platform->clock();
   const auto start = clock.monotonic();
@@ -44,7 +44,7 @@ TEST_P(InBothEmulations, AJobDoesNotWaitForAnAnswerThatCannotArrive) {
   EXPECT_LT(firstByte, milliseconds(100)) << "not even one slice";
 }
 
-TEST_P(InBothEmulations, AJobIsConfirmedByTheBlockUnlessAnotherProofIsChosen) {
+TEST_P(InBothEmulations, AJobIsConfirmedByTheCheckedBlockByDefault) {
   Till till(GetParam());
   EXPECT_EQ(PrintJob(till.port).run(receiptText).proof, ProofKind::Block);
 }
@@ -57,7 +57,7 @@ TEST_P(InBothEmulations, AnEmptyJobIsRefused) {
   EXPECT_EQ(till.printed(), ByteBuffer());
 }
 
-TEST_P(InBothEmulations, JobsInARowAreEachPrintedOnce) {
+TEST_P(InBothEmulations, ConsecutiveJobsAreEachPrintedOnce) {
   Till till(GetParam());
   ByteBuffer expected;
   for (int i = 0; i < 3; ++i) {
@@ -79,7 +79,7 @@ TEST_P(InBothEmulations, ALongJobOnASlowPrinterWithASmallBufferIsPrintedOnceAndW
   EXPECT_EQ(till.printed(), data);
 }
 
-TEST_P(InBothEmulations, AnOpenCoverRefusesTheJobAndNoByteOfItIsSent) {
+TEST_P(InBothEmulations, AJobIsRefusedWithoutSendingAByteIfTheCoverIsOpen) {
   Till till(PrinterBuilder().coverOpen(), {.emulation = GetParam()});
   const PrintResult result = till.print(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Refused);
@@ -92,7 +92,7 @@ TEST_P(InBothEmulations, AnOpenCoverRefusesTheJobAndNoByteOfItIsSent) {
   EXPECT_EQ(till.printed(), ByteBuffer());
 }
 
-TEST_P(InBothEmulations, PaperThatRunsOutInMidJobLeavesItUnconfirmedWithCountAndCause) {
+TEST_P(InBothEmulations, AJobIsUnconfirmedWithCountAndCauseIfPaperRunsOut) {
   Till till(PrinterBuilder().speed(10), {.emulation = GetParam()});
   till.after(milliseconds(2000), "receiptPaperEmpty", true);
   const PrintResult result = till.print(receiptText);
@@ -123,7 +123,7 @@ TEST_P(InBothEmulations, AJobThatPrintsLongerThanTheEndTimeoutIsUnconfirmed) {
   EXPECT_LT(clock.monotonic() - end, milliseconds(5000)) << "limits count in whole seconds";
 }
 
-TEST_P(InBothEmulations, AJobWithoutAnAnswerToItsEndReportsNoEarlierStatus) {
+TEST_P(InBothEmulations, AJobWhoseEndIsNotAnsweredReportsNoEarlierStatus) {
   Till till(PrinterBuilder().speed(10), {.emulation = GetParam()});
   till.port->close();
   till.accessory->setFaults(with("at", "2000:drop-reply=all"));
@@ -135,7 +135,7 @@ TEST_P(InBothEmulations, AJobWithoutAnAnswerToItsEndReportsNoEarlierStatus) {
   EXPECT_EQ(result.status.has_value(), GetParam() == ZKEmulationQuorLine);
 }
 
-TEST_P(InBothEmulations, AMarkInTheDataIsNeverTakenForTheEndOfTheJob) {
+TEST_P(InBothEmulations, AnEndMarkInTheDataDoesNotConfirmTheJob) {
   ByteBuffer data = receiptText;
   data.insert(data.begin() + 5, {0x17, 0x17, 0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00});
   Till till(PrinterBuilder().speed(10), {.emulation = GetParam()});
@@ -145,7 +145,7 @@ TEST_P(InBothEmulations, AMarkInTheDataIsNeverTakenForTheEndOfTheJob) {
   EXPECT_EQ(result.bytesAccepted, data.size());
 }
 
-TEST_P(InBothEmulations, AJobWithAMarkInItsDataReportsWhyItIsNotConfirmed) {
+TEST_P(InBothEmulations, AJobWithAnEndMarkInItsDataReportsWhyItCannotBeConfirmed) {
   ByteBuffer data = receiptText;
   data.push_back(0x17);
   Till till(GetParam());
@@ -180,7 +180,7 @@ TEST_P(InBothEmulations, AJobIsNotConfirmedByLateAnswersToEarlierJobs) {
   }
 }
 
-TEST_P(InBothEmulations, AJobWithLateAnswersIsStillConfirmed) {
+TEST_P(InBothEmulations, AJobIsConfirmedEvenIfAnswersAreTwoSecondsLate) {
   Till till(GetParam());
   till.port->close();
   till.accessory->setFaults(with("late-reply", "2000"));
@@ -190,7 +190,7 @@ TEST_P(InBothEmulations, AJobWithLateAnswersIsStillConfirmed) {
   EXPECT_EQ(result.outcome, PrintOutcome::Printed) << result.reason;
 }
 
-TEST_P(InBothEmulations, AMarkInThePayloadOfAnImageDoesNotPreventConfirmation) {
+TEST_P(InBothEmulations, AnEndMarkInAnImageDoesNotPreventConfirmation) {
   ByteBuffer data = {0x1d, 0x76, 0x30, 0, 2, 0, 2, 0, 0x17, 0x17, 0x10, 0x04, 0x0a};
   Till till(GetParam());
   const PrintResult result = till.print(data);
@@ -198,7 +198,7 @@ TEST_P(InBothEmulations, AMarkInThePayloadOfAnImageDoesNotPreventConfirmation) {
   EXPECT_EQ(till.printed(), data);
 }
 
-TEST_P(InBothEmulations, ALinkLostInMidJobIsReportedWithTheExactCount) {
+TEST_P(InBothEmulations, ALinkLostDuringAJobIsReportedWithTheExactByteCount) {
   const ByteBuffer data(3000, 'x');
   Till till(PrinterBuilder().speed(500).buffer(1000), {.emulation = GetParam()});
   till.port->close();
@@ -244,7 +244,7 @@ TEST_P(InBothEmulations, ALinkLostAfterTheDataIsReportedAtOnce) {
   }
 }
 
-TEST_P(InBothEmulations, APortThatIsNotOpenRefusesTheJob) {
+TEST_P(InBothEmulations, AJobOnAClosedPortIsRefused) {
   Till till(GetParam());
   till.port->close();
   const PrintResult result = till.print(receiptText);
@@ -265,7 +265,7 @@ TEST_P(InBothEmulations, AJobFailsAtTheTimeoutIfThePrinterTakesNoMoreData) {
   EXPECT_LT(till.platform->clock().monotonic() - start, std::chrono::seconds(8));
 }
 
-TEST_P(InBothEmulations, AJobWithoutABlockIsNeverCalledPrinted) {
+TEST_P(InBothEmulations, AJobWithoutAProofIsNeverReportedAsPrinted) {
   Till till(GetParam());
   PrintJob job(till.port, {.proof = ProofKind::None});
   const PrintResult result = job.run(receiptText);
@@ -275,7 +275,7 @@ TEST_P(InBothEmulations, AJobWithoutABlockIsNeverCalledPrinted) {
   EXPECT_EQ(till.printed(), receiptText);
 }
 
-TEST_P(InBothEmulations, ProgressReportsEachStage) {
+TEST_P(InBothEmulations, ProgressReportsEachStageOfAJob) {
   Till till(GetParam());
   std::vector<std::pair<PrintStage, std::uint64_t>> seen;
   PrintJob job(till.port, {.progress = [&seen](const PrintProgress& progress) {
@@ -288,7 +288,7 @@ TEST_P(InBothEmulations, ProgressReportsEachStage) {
                                          testing::Pair(PrintStage::End, receiptText.size())));
 }
 
-TEST_P(InBothEmulations, ProgressGrowsFromNothingToTheWholeJob) {
+TEST_P(InBothEmulations, ProgressCountsFromZeroToAllBytesOfTheJob) {
   Till till(PrinterBuilder().speed(20000).buffer(1000), {.emulation = GetParam()});
   std::vector<std::uint64_t> seen;
   PrintJob job(till.port, {.progress = [&seen](const PrintProgress& progress) {
@@ -302,7 +302,7 @@ TEST_P(InBothEmulations, ProgressGrowsFromNothingToTheWholeJob) {
   EXPECT_EQ(seen.back(), 5000U);
 }
 
-TEST(EscPosJob, IsNotConfirmedWithoutItsReportEvenIfThePrinterIsOnLineAgain) {
+TEST(EscPosJob, IsUnconfirmedWithoutItsReportEvenIfThePrinterIsOnLineAgain) {
   Till till(PrinterBuilder().speed(10), {.emulation = ZKEmulationESCPOS});
   till.after(milliseconds(2000), "coverOpen", true);
   till.after(milliseconds(2250), "coverOpen", false);
@@ -311,7 +311,7 @@ TEST(EscPosJob, IsNotConfirmedWithoutItsReportEvenIfThePrinterIsOnLineAgain) {
   EXPECT_LT(till.printed().size(), receiptText.size());
 }
 
-TEST(EscPosJob, ReportsThatThePrinterCountedTheEndOfAnotherJob) {
+TEST(EscPosJob, ReportsThatThePrinterAlsoCountedTheEndOfAnotherJob) {
   Till till(ZKEmulationESCPOS);
   PrintJob job(till.port, {.progress = [&till](const PrintProgress& progress) {
                  if (progress.stage == PrintStage::Data && progress.bytesAccepted == 0) {
@@ -346,7 +346,7 @@ TEST(EscPosJob, IsNotConfirmedByTheLateReportOfAnEarlierJob) {
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed) << "printed in no time";
 }
 
-TEST(EscPosJob, IsConfirmedSoonByAReportInPieces) {
+TEST(EscPosJob, IsConfirmedWithinSecondsByAReportInPieces) {
   Till till(ZKEmulationESCPOS);
   for (const char* const places : {"1", "2", "6", "7", "1/2/3/4/5/6/7"}) {
     till.port->close();
@@ -360,7 +360,7 @@ TEST(EscPosJob, IsConfirmedSoonByAReportInPieces) {
   }
 }
 
-TEST(EscPosJob, WithAStatusRequestInItsDataIsConfirmedByItsReport) {
+TEST(EscPosJob, IsConfirmedEvenIfItsDataContainsAStatusRequest) {
   Till till(ZKEmulationESCPOS);
   ByteBuffer data = receiptText;
   data.insert(data.end(), {0x10, 0x04, 0x01});
@@ -377,7 +377,7 @@ TEST(LineModeJob, IsRefusedWhilePaperIsLeftInTheExit) {
   EXPECT_EQ(result.reason, "paper was left in the printer's exit");
 }
 
-TEST(LineModeJob, WithAStatusRequestInItsDataSaysWhyItCannotBeConfirmed) {
+TEST(LineModeJob, ReportsThatAStatusRequestInItsDataPreventsConfirmation) {
   Till till(ZKEmulationQuorLine);
   ByteBuffer data = receiptText;
   data.insert(data.end(), {0x1b, 0x06, 0x01});
@@ -388,7 +388,7 @@ TEST(LineModeJob, WithAStatusRequestInItsDataSaysWhyItCannotBeConfirmed) {
             "that the printer's sign could be the data's own after all 48 bytes");
 }
 
-TEST(AnyJob, OfUnknownEmulationIsSentAndNeverConfirmed) {
+TEST(JobInAnUnknownEmulation, IsSentAndNeverConfirmed) {
   Till till(PrinterBuilder(), {.emulation = ZKEmulationUnknown, .timeoutMillis = 1000});
   const PrintResult result = till.print(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);

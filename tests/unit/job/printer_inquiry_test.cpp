@@ -54,7 +54,7 @@ std::optional<InquiryCause> causeOf(Ask question) {
   return std::nullopt;
 }
 
-TEST(StatusBlockHead, HasTheTwoFixedBitsAndRoomForTheLayout) {
+TEST(StatusBlockHead, HasTheTwoFixedBitsAndALengthOfAtLeastTwo) {
   for (int byte = 0; byte < 256; ++byte) {
     EXPECT_EQ(startsStatusBlock(static_cast<std::uint8_t>(byte)), byte >= 0x82 && byte <= 0xbf)
         << byte;
@@ -82,7 +82,7 @@ TEST(PrinterInquiry, RefusesAnAnswerThatIsNotAStatus) {
   }
 }
 
-TEST(PrinterInquiry, DistinguishesSilenceFromALostLink) {
+TEST(PrinterInquiry, DistinguishesASilentPrinterFromALostLink) {
   Asked silent{Script()};
   EXPECT_EQ(causeOf([&] { silent.inquiry.status(); }), InquiryCause::NoAnswer);
   Asked lost(Script().isLost(0.5));
@@ -104,7 +104,7 @@ TEST(PrinterInquiry, ReportsALostLinkAtOnce) {
   }
 }
 
-TEST(PrinterInquiry, AsksNothingWithoutAKnownEmulation) {
+TEST(PrinterInquiry, FailsWithoutAKnownEmulation) {
   Asked asked(Script(), ZKEmulationUnknown);
   EXPECT_EQ(causeOf([&] { asked.inquiry.status(); }), InquiryCause::UnknownEmulation);
   EXPECT_EQ(causeOf([&] { asked.inquiry.isOnline(); }), InquiryCause::UnknownEmulation);
@@ -124,7 +124,7 @@ TEST(PrinterInquiry, WaitsForTheRestOfAFirstAnswerInPieces) {
   EXPECT_LT(asked.now() - start, std::chrono::seconds(3)) << "it waits for silence alone";
 }
 
-TEST(PrinterInquiry, DoesNotTakePartOfALateAnswerForTheOnlineState) {
+TEST(PrinterInquiry, DoesNotReadTheOnlineStateFromPartOfALateAnswer) {
   // Bytes within the block look like the answers of a printer that is on line.
   const test::Bytes head = bytes("8c 01");
   const test::Bytes soon = bytes("12 12 12");
@@ -142,7 +142,7 @@ TEST(PrinterInquiry, DoesNotTakePartOfALateAnswerForTheOnlineState) {
   }
 }
 
-TEST(PrinterInquiry, AsksNoThirdTimeForTheOnlineStateIfBothAnswersAreWhole) {
+TEST(PrinterInquiry, AsksForTheOnlineStateTwiceIfBothAnswersAreComplete) {
   Asked asked(Script().wheneverAsked(statusRequest, {{onLine, 0.0}}));
   EXPECT_TRUE(asked.inquiry.isOnline());
   EXPECT_EQ(asked.inquiry.heard(), test::operator+(onLine, onLine));
@@ -158,7 +158,7 @@ TEST(PrinterInquiry, ReturnsTheOnlineStateInEscPos) {
   EXPECT_TRUE(asked.inquiry.isOnline());
 }
 
-TEST(PrinterInquiry, DoesNotTakePartOfAnAnswerForTheFirmwareInEscPos) {
+TEST(PrinterInquiry, RefusesAnIncompleteFirmwareAnswerInEscPos) {
   for (const char* const answer : {"12 5f 56 31 00", "5f 56 31", "5f"}) {
     Script script;
     for (const char* const query : {"10 04 01", "10 04 02", "10 04 04"}) {
@@ -170,7 +170,7 @@ TEST(PrinterInquiry, DoesNotTakePartOfAnAnswerForTheFirmwareInEscPos) {
   }
 }
 
-TEST(PrinterInquiry, ReportsThatAnOffLinePrinterIsNotAskedForItsFirmware) {
+TEST(PrinterInquiry, ReportsAnOffLinePrinterAsNotReadyForTheFirmwareRequest) {
   Asked asked(Script().wheneverAsked(statusRequest, {{offLine, 0.0}}));
   EXPECT_EQ(causeOf([&] { asked.inquiry.firmware(); }), InquiryCause::NotReady);
 }
@@ -181,7 +181,7 @@ TEST(PrinterInquiry, ReturnsTheButtonSecurityTimeout) {
   EXPECT_EQ(asked.inquiry.buttonSecurityTimeout(), std::chrono::milliseconds(12'000));
 }
 
-TEST(PrinterInquiry, ReturnsNoButtonSecurityTimeoutOfAPrinterThatHasSwitchedItOff) {
+TEST(PrinterInquiry, ReturnsZeroIfButtonSecurityIsSwitchedOff) {
   const auto report = bytes("1b 23 2c 31 c0 00 0a");
   Asked asked(Script().wheneverAsked(bytes("1b 23 2c 31 0a 00"), {{report, 0.0}}));
   EXPECT_EQ(asked.inquiry.buttonSecurityTimeout(), std::chrono::milliseconds(0));
@@ -220,7 +220,7 @@ TEST(PrinterInquiry, ReturnsBothBanksOfTheDipSwitches) {
   EXPECT_EQ(causeOf([&] { silent.inquiry.dipSwitches(); }), InquiryCause::NoAnswer);
 }
 
-TEST(PrinterInquiry, ReturnsTheProofThatThePrinterGives) {
+TEST(PrinterInquiry, ReturnsTheStrongestProofThatThePrinterSupports) {
   EXPECT_EQ(Asked(Script().wheneverAsked(statusRequest, {{onLine, 0.0}})).inquiry.proof(),
             ProofKind::Block);
   EXPECT_EQ(Asked(Script().wheneverAsked(statusRequest, {{bytes("82 01"), 0.0}})).inquiry.proof(),
@@ -246,7 +246,7 @@ TEST(PrinterInquiry, DropsTheLinkOfABluetoothModule) {
   EXPECT_EQ(causeOf([&] { odd.inquiry.disconnect(); }), InquiryCause::NotUnderstood);
 }
 
-TEST(PrinterInquiry, MakesThePrinterDropEverything) {
+TEST(PrinterInquiry, CanMakeThePrinterDropAllData) {
   Asked asked{Script()};
   EXPECT_EQ(causeOf([&] { asked.inquiry.dropAll(); }), std::nullopt);
 }
@@ -257,7 +257,7 @@ TEST(PrinterInquiry, ReportsThatTheLinkDidNotTakeAWholeCommand) {
 }
 
 // The port repeats its write without a time-out once the link has taken a part of a command.
-TEST(PrinterInquiry, LeavesAPortThatWritesWithoutEnd) {
+TEST(PrinterInquiry, EndsWithinSecondsEvenIfThePortWritesWithoutEnd) {
   Till till(PrinterBuilder(), {.timeoutMillis = 2000});
   till.port->close();
   simulator::Faults full = with("no-space", "4:120");

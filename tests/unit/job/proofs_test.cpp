@@ -20,9 +20,9 @@ struct Choice {
   ProofKind chosen;
 };
 
-class ChosenProof : public testing::TestWithParam<Choice> {};
+class DefaultProof : public testing::TestWithParam<Choice> {};
 
-INSTANTIATE_TEST_SUITE_P(Job, ChosenProof,
+INSTANTIATE_TEST_SUITE_P(Job, DefaultProof,
                          testing::Values(Choice{"block+process-id+in-order", ProofKind::Block},
                                          Choice{"block", ProofKind::Block},
                                          Choice{"process-id+in-order", ProofKind::ProcessId},
@@ -39,7 +39,7 @@ Till tillWith(PrinterBuilder printer) {
   return {std::move(printer), {.emulation = ZKEmulationESCPOS}};
 }
 
-TEST_P(ChosenProof, IsTheStrongestThatThePrinterGives) {
+TEST_P(DefaultProof, IsTheStrongestThatThePrinterSupports) {
   Till till = tillWith(printerWith(GetParam().gives));
   for (int i = 0; i < 2; ++i) {  // the second job need not ask
     const PrintResult result = PrintJob(till.port).run(receiptText);
@@ -48,7 +48,7 @@ TEST_P(ChosenProof, IsTheStrongestThatThePrinterGives) {
   }
 }
 
-TEST_P(ChosenProof, ConfirmsAJobOnlyAfterThePrinterHasPrintedIt) {
+TEST_P(DefaultProof, ConfirmsAJobOnlyAfterTheJobIsPrinted) {
   Till till = tillWith(printerWith(GetParam().gives).speed(100));
   const PrintResult result = PrintJob(till.port).run(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Printed) << result.reason;
@@ -56,7 +56,7 @@ TEST_P(ChosenProof, ConfirmsAJobOnlyAfterThePrinterHasPrintedIt) {
   EXPECT_FALSE(std::ranges::search(paper, receiptText).empty());
 }
 
-TEST(StrongestProof, IsChosenThoughItsAnswerFollowsThatOfAWeakerOne) {
+TEST(StrongestProof, IsChosenEvenIfAWeakerProofIsAnsweredFirst) {
   Till till = tillWith(printerWith("block+process-id+in-order"));
   till.reopenWith(with("late-reply", "50@block"));
   EXPECT_EQ(PrintJob(till.port).run(receiptText).proof, ProofKind::Block);
@@ -72,7 +72,7 @@ TEST(PrinterWithoutProof, LeavesTheJobUnconfirmedDirectlyAfterTheData) {
   EXPECT_THAT(result.reason, testing::StartsWith("this printer confirms nothing"));
 }
 
-TEST(PrinterWithoutProof, IsNotAskedAgainOnTheSamePort) {
+TEST(PrinterWithoutProof, IsAskedForProofsOnlyOnceOnAPort) {
   Till till = tillWith(printerWith("none"));
   EXPECT_TRUE(PrintJob(till.port).run(receiptText).hasAskedForProof);
   const auto start = till.platform->clock().monotonic();
@@ -82,7 +82,7 @@ TEST(PrinterWithoutProof, IsNotAskedAgainOnTheSamePort) {
   EXPECT_EQ(second.outcome, PrintOutcome::Unconfirmed);
 }
 
-TEST(PrinterWithoutProof, IsStillExpectedToGiveAnInOrderAnswer) {
+TEST(PrinterWithoutProof, MayStillAnswerTheInOrderRequestLater) {
   Till till = tillWith(printerWith("none"));
   EXPECT_TRUE(memoryOf(till.port).owed.empty());
   PrintJob(till.port).run(receiptText);
@@ -92,7 +92,7 @@ TEST(PrinterWithoutProof, IsStillExpectedToGiveAnInOrderAnswer) {
   EXPECT_TRUE(memoryOf(answering.port).owed.empty());
 }
 
-TEST(PrinterWithoutProof, IsAskedAgainAfterALateAnswer) {
+TEST(PrinterWithoutProof, IsAskedForProofsAgainAfterALateAnswer) {
   Till till = tillWith(printerWith("process-id"));
   till.reopenWith(with("late-reply", "1500@process-id"));
   EXPECT_EQ(PrintJob(till.port).run(receiptText).proof, ProofKind::None);
@@ -103,7 +103,7 @@ TEST(PrinterWithoutProof, IsAskedAgainAfterALateAnswer) {
   EXPECT_EQ(PrintJob(till.port).run(receiptText).proof, ProofKind::ProcessId);
 }
 
-TEST(PrinterWithoutProof, IsNotAskedWhileItIsNotReady) {
+TEST(PrinterWithoutProof, RefusesTheNextJobIfItsCoverIsOpen) {
   Till till = tillWith(printerWith("none"));
   PrintJob(till.port).run(receiptText);
   till.set("coverOpen", true);
@@ -112,7 +112,7 @@ TEST(PrinterWithoutProof, IsNotAskedWhileItIsNotReady) {
   EXPECT_EQ(result.reason, "cover open");
 }
 
-TEST(NamedProof, OfTheDeviceIsUsedWithoutAskingThePrinter) {
+TEST(NamedProof, IsUsedWithoutAskingThePrinter) {
   Till till(printerWith("process-id+in-order"),
             {.emulation = ZKEmulationESCPOS, .proof = ProofKind::InOrder});
   const PrintResult result = PrintJob(till.port).run(receiptText);
@@ -121,7 +121,7 @@ TEST(NamedProof, OfTheDeviceIsUsedWithoutAskingThePrinter) {
   EXPECT_FALSE(result.hasAskedForProof);
 }
 
-TEST(NamedProof, OfTheJobOverridesThatOfTheDevice) {
+TEST(NamedProof, OverridesTheProofOfTheDeviceIfTheJobNamesAProof) {
   Till till(printerWith("process-id+in-order"),
             {.emulation = ZKEmulationESCPOS, .proof = ProofKind::InOrder});
   EXPECT_EQ(PrintJob(till.port, {.proof = ProofKind::ProcessId}).run(receiptText).proof,
@@ -131,14 +131,14 @@ TEST(NamedProof, OfTheJobOverridesThatOfTheDevice) {
   EXPECT_TRUE(asked.hasAskedForProof);
 }
 
-TEST(NamedProof, NoneMeansThatThePrinterIsNotAsked) {
+TEST(NamedProof, NoneLeavesTheJobUnconfirmed) {
   Till till(printerWith("block"), {.emulation = ZKEmulationESCPOS, .proof = ProofKind::None});
   const PrintResult result = PrintJob(till.port).run(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
   EXPECT_EQ(result.proof, ProofKind::None);
 }
 
-TEST(Proofs, CanBeFoundByTheirNames) {
+TEST(ProofName, IdentifiesItsProof) {
   for (const ProofWords& proof : proofWords) {
     EXPECT_EQ(proofNamed(proof.name), proof.kind);
     EXPECT_EQ(nameOf(proof.kind), proof.name);
@@ -158,7 +158,7 @@ class EndSignProof : public testing::TestWithParam<ProofKind> {
 INSTANTIATE_TEST_SUITE_P(Job, EndSignProof,
                          testing::Values(ProofKind::ProcessId, ProofKind::InOrder));
 
-TEST_P(EndSignProof, WaitsForAPrinterThatPausesAndReportsWhy) {
+TEST_P(EndSignProof, WaitsForAPausedPrinterAndReportsTheCause) {
   Till till = tillWith(printerWith(name()).speed(10));
   till.after(milliseconds(2000), "coverOpen", true);
   till.after(milliseconds(5000), "coverOpen", false);
@@ -170,7 +170,7 @@ TEST_P(EndSignProof, WaitsForAPrinterThatPausesAndReportsWhy) {
   EXPECT_THAT(waits, testing::Contains("cover open"));
 }
 
-TEST_P(EndSignProof, EndsAtTheEndTimeoutAndNamesTheCause) {
+TEST_P(EndSignProof, IsUnconfirmedWithItsCauseAtTheEndTimeout) {
   Till till = tillWith(printerWith(name()).speed(10));
   till.port->setEndCheckedBlockTimeoutMillis(5000);
   till.after(milliseconds(2000), "coverOpen", true);
@@ -188,12 +188,12 @@ TEST_P(EndSignProof, RefusesAPrinterThatIsNotReady) {
   EXPECT_EQ(result.reason, "cover open");
 }
 
-TEST_P(EndSignProof, IsNotGivenByAPrinterThatDoesNotKnowIt) {
+TEST_P(EndSignProof, LeavesTheJobUnconfirmedIfThePrinterLacksTheProof) {
   Till till = tillWith(printerWith("none"));
   EXPECT_EQ(printBy(till).outcome, PrintOutcome::Unconfirmed);
 }
 
-TEST_P(EndSignProof, IsNotAffectedByTheSameCommandsInTheData) {
+TEST_P(EndSignProof, IsNotAffectedByTheSameRequestInTheData) {
   for (const char* const question : {"1d 28 48 06 00 30 30 41 42 43 44", "1d 72 01"}) {
     for (const char* const wrapped : {"", "1d 76 30 00 0b 00 01 00 "}) {
       ByteBuffer data = test::bytes(std::string(wrapped) + question);
@@ -209,7 +209,7 @@ TEST_P(EndSignProof, IsNotAffectedByTheSameCommandsInTheData) {
   }
 }
 
-TEST_P(EndSignProof, IsNotTrustedWithDataThatMakesThePrinterDropData) {
+TEST_P(EndSignProof, LeavesTheJobUnconfirmedIfTheDataMakesThePrinterDropData) {
   Till till = tillWith(printerWith(name()));
   ByteBuffer data = receiptText;
   data.insert(data.end(), {0x10, 0x14, 0x08, 0x01, 0x03, 0x14, 0x01, 0x06, 0x02, 0x08});
@@ -229,10 +229,10 @@ std::ostream& operator<<(std::ostream& out, const SignFault& fault) {
   return out << nameOf(fault.proof) << ", " << fault.name << "=" << fault.value;
 }
 
-class FaultySign : public testing::TestWithParam<SignFault> {};
+class FaultyEndSign : public testing::TestWithParam<SignFault> {};
 
 INSTANTIATE_TEST_SUITE_P(
-    Job, FaultySign,
+    Job, FaultyEndSign,
     testing::Values(SignFault{ProofKind::ProcessId, "wrong-id", "all", false},
                     SignFault{ProofKind::ProcessId, "late-reply", "3000@process-id", true},
                     SignFault{ProofKind::ProcessId, "late-reply", "30000@process-id", false},
@@ -246,7 +246,7 @@ INSTANTIATE_TEST_SUITE_P(
                     SignFault{ProofKind::InOrder, "foreign-reply", "in-order", false},
                     SignFault{ProofKind::InOrder, "drop-reply", "in-order", false}));
 
-TEST_P(FaultySign, ConfirmsTheJobOnlyIfItIsUnambiguousAndInTime) {
+TEST_P(FaultyEndSign, ConfirmsTheJobOnlyIfUnambiguousAndBeforeTheTimeout) {
   Till till = tillWith(printerWith("process-id+in-order"));
   till.reopenWith(with(GetParam().name, GetParam().value));
   const PrintResult result = PrintJob(till.port, {.proof = GetParam().proof}).run(receiptText);
@@ -254,7 +254,7 @@ TEST_P(FaultySign, ConfirmsTheJobOnlyIfItIsUnambiguousAndInTime) {
   EXPECT_NE(result.outcome, PrintOutcome::Refused);
 }
 
-TEST(InOrderSign, CannotBeFakedByAStrayByteWhileThePrinterPrints) {
+TEST(InOrderSign, CannotBeFakedByAStrayByteWhileTheJobIsPrinted) {
   for (int reply = 4; reply <= 12; ++reply) {
     Till till = tillWith(printerWith("in-order").speed(10));
     till.reopenWith(with("stray-byte", ("00@" + std::to_string(reply)).c_str()));
@@ -293,7 +293,7 @@ TEST(InOrderSign, CannotBeFakedByLateAnswersToAnEarlierJob) {
   EXPECT_GE(till.printed().size(), both);
 }
 
-TEST(CancelledJob, OnAPrinterWithoutABlockClearsItsBuffer) {
+TEST(CancelledJob, ClearsTheBufferOfAPrinterWithoutCheckedBlocks) {
   for (const char* const proofs : {"process-id", "in-order", "none"}) {
     Till till = tillWith(printerWith(proofs).speed(200));
     PrintJob job(till.port);
@@ -305,7 +305,7 @@ TEST(CancelledJob, OnAPrinterWithoutABlockClearsItsBuffer) {
   }
 }
 
-TEST(ProcessIds, AreNewForEachJobAndRepeatableInVirtualTime) {
+TEST(ProcessIds, AreNewForEachJobAndReproducibleInVirtualTime) {
   test::VirtualPlatform one;
   test::VirtualPlatform other;
   const JobId first = randomProcessId(one);

@@ -12,10 +12,10 @@ namespace {
 
 using simulator::PrinterBuilder;
 
-class Restart : public testing::TestWithParam<ZKEmulation> {};
+class PrinterRestart : public testing::TestWithParam<ZKEmulation> {};
 
-INSTANTIATE_TEST_SUITE_P(Job, Restart, testing::Values(ZKEmulationQuorLine, ZKEmulationESCPOS),
-                         emulationName);
+INSTANTIATE_TEST_SUITE_P(Job, PrinterRestart,
+                         testing::Values(ZKEmulationQuorLine, ZKEmulationESCPOS), emulationName);
 
 // The link remains open, but the printer's data is lost, and its count begins at 0 again.
 void switchOffAndOn(Till& till) {
@@ -26,7 +26,7 @@ void switchOffAndOn(Till& till) {
   });
 }
 
-TEST_P(Restart, DuringTheDataLeavesTheJobUnconfirmed) {
+TEST_P(PrinterRestart, LeavesTheJobUnconfirmedIfItHappensDuringTheData) {
   Till till(PrinterBuilder().speed(500).buffer(1000), {.emulation = GetParam()});
   bool isDone = false;
   PrintJob job(till.port,
@@ -41,7 +41,7 @@ TEST_P(Restart, DuringTheDataLeavesTheJobUnconfirmed) {
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
 }
 
-TEST_P(Restart, BetweenTheDataAndItsEndLeavesTheJobUnconfirmed) {
+TEST_P(PrinterRestart, LeavesTheJobUnconfirmedIfItHappensAfterTheData) {
   Till till(PrinterBuilder().speed(10), {.emulation = GetParam()});
   PrintJob job(till.port,
                {.proof = ProofKind::Block, .progress = [&](const PrintProgress& progress) {
@@ -54,7 +54,7 @@ TEST_P(Restart, BetweenTheDataAndItsEndLeavesTheJobUnconfirmed) {
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
 }
 
-TEST_P(Restart, ARefusedJobLeavesAnEarlierJobInThePrinter) {
+TEST_P(PrinterRestart, ARefusedJobDoesNotDropAnEarlierJobInThePrinter) {
   Till till(PrinterBuilder().speed(100), {.emulation = GetParam()});
   till.after(std::chrono::milliseconds(1500), "coverOpen", true);
   const ByteBuffer first(450, 'a');

@@ -50,14 +50,14 @@ void setContent(const std::string& file, const std::string& content) {
   std::ofstream(file, std::ios::binary | std::ios::trunc) << content;
 }
 
-class AJournal : public JournalCase {
+class JournalTest : public JournalCase {
  protected:
   std::string openError() {
     return errorOf<JournalError>([this] { Journal(file).jobs(); });
   }
 };
 
-TEST_F(AJournal, IsMadeWithItsFoldersForThisUserAlone) {
+TEST_F(JournalTest, CreatesItsFileAndFoldersForThisUserAlone) {
   const std::string deep = folder.file("one/two/jobs.db");
   Journal journal(deep);
   EXPECT_EQ(modeOf(folder.file("one")), 0700U);
@@ -68,7 +68,7 @@ TEST_F(AJournal, IsMadeWithItsFoldersForThisUserAlone) {
   EXPECT_TRUE(journal.jobs().empty());
 }
 
-TEST_F(AJournal, IsInTheStateFolderByDefault) {
+TEST_F(JournalTest, UsesAFileInTheStateFolderByDefault) {
   ::setenv("XDG_STATE_HOME", "/somewhere/state", 1);
   EXPECT_EQ(Journal::defaultFile(), "/somewhere/state/quorport/jobs.db");
   ::setenv("XDG_STATE_HOME", "relative", 1);
@@ -80,7 +80,7 @@ TEST_F(AJournal, IsInTheStateFolderByDefault) {
   EXPECT_THROW(Journal::defaultFile(), JournalError);
 }
 
-TEST_F(AJournal, RecordsItsVersion) {
+TEST_F(JournalTest, RecordsItsVersionInTheFile) {
   { const Journal journal(file); }
   sqlite3* database = nullptr;
   ASSERT_EQ(sqlite3_open(file.c_str(), &database), SQLITE_OK);
@@ -92,7 +92,7 @@ TEST_F(AJournal, RecordsItsVersion) {
   sqlite3_close(database);
 }
 
-TEST_F(AJournal, OfALaterVersionIsRefusedAndLeftAsItIs) {
+TEST_F(JournalTest, RefusesAFileOfALaterVersionAndLeavesTheFileUnchanged) {
   { const Journal journal(file); }
   execute(file, "PRAGMA user_version = 1000; CREATE TABLE later (x)");
   const std::string before = contentOf(file);
@@ -100,7 +100,7 @@ TEST_F(AJournal, OfALaterVersionIsRefusedAndLeftAsItIs) {
   EXPECT_EQ(contentOf(file), before);
 }
 
-TEST_F(AJournal, IsNotMadeFromAnotherProgramsFile) {
+TEST_F(JournalTest, RefusesAFileOfAnotherProgram) {
   setContent(file, std::string(5000, 'x'));
   EXPECT_THAT(openError(), AllOf(HasSubstr(file), HasSubstr("not a journal")));
   EXPECT_EQ(contentOf(file), std::string(5000, 'x'));
@@ -111,7 +111,7 @@ TEST_F(AJournal, IsNotMadeFromAnotherProgramsFile) {
   EXPECT_THAT(openError(), HasSubstr("another program's database"));
 }
 
-TEST_F(AJournal, ThatCannotBeOpenedIsReportedWithItsFileAndTheReason) {
+TEST_F(JournalTest, NamesTheFileAndTheReasonIfItCannotBeOpened) {
   std::filesystem::create_directory(file);
   EXPECT_THAT(openError(), HasSubstr(file));
   setContent(folder.file("plain"), "");
@@ -120,21 +120,21 @@ TEST_F(AJournal, ThatCannotBeOpenedIsReportedWithItsFileAndTheReason) {
   EXPECT_THAT(errorOf<JournalError>([&] { Journal(""); }), HasSubstr("empty"));
 }
 
-TEST_F(AJournal, IsTheSameThroughEverySymbolicLink) {
+TEST_F(JournalTest, IsTheSameThroughASymbolicLink) {
   Journal journal(file);
   std::filesystem::create_symlink(file, folder.file("link"));
   Journal linked(folder.file("link"));
   EXPECT_EQ(journal.file(), linked.file());
 }
 
-TEST_F(AJournal, IsCompletedByTheNextProcessAfterItsMakerWasKilled) {
+TEST_F(JournalTest, IsCreatedAnewIfItsCreationWasInterrupted) {
   setContent(file + ".new", "half a database");
   setContent(file + ".new-wal", "its log");
   EXPECT_EQ(openError(), "");
   EXPECT_FALSE(std::filesystem::exists(file + ".new-wal"));
 }
 
-TEST_F(AJournal, WithChangedRowsIsDamaged) {
+TEST_F(JournalTest, ReportsChangedRowsAsDamage) {
   Till till(ZKEmulationQuorLine);
   print(till, "receipt 1");
   print(till, "receipt 2");
@@ -149,7 +149,7 @@ TEST_F(AJournal, WithChangedRowsIsDamaged) {
   }
 }
 
-TEST_F(AJournal, IsSoundForAProgramThatOpensItWhileAnotherOnePrints) {
+TEST_F(JournalTest, CanBeOpenedWhileAnotherProcessPrints) {
   Till till(ZKEmulationQuorLine);
   print(till, "receipt 1");
   Journal other(file);
@@ -163,7 +163,7 @@ TEST_F(AJournal, IsSoundForAProgramThatOpensItWhileAnotherOnePrints) {
   EXPECT_TRUE(hook.hasCalled());
 }
 
-TEST_F(AJournal, ShowsTheOutcomeOfAJobThatEndsWhileItIsRead) {
+TEST_F(JournalTest, ShowsTheOutcomeOfAJobThatEndsWhileTheJournalIsRead) {
   { const Journal made(file); }
   Database other(file);
   const Attempt begun{.name = "receipt 1", .number = 1, .begun = 1};
@@ -182,7 +182,7 @@ TEST_F(AJournal, ShowsTheOutcomeOfAJobThatEndsWhileItIsRead) {
   EXPECT_EQ(journal.jobs().front().state, JobState::Printed);
 }
 
-TEST_F(AJournal, WithUnusableLocksIsReportedWithItsFile) {
+TEST_F(JournalTest, NamesItsFileIfItsLocksAreUnusable) {
   Till till(ZKEmulationQuorLine);
   print(till, "receipt 1");
   Journal journal(file);
@@ -194,7 +194,7 @@ TEST_F(AJournal, WithUnusableLocksIsReportedWithItsFile) {
               HasSubstr(file + ": its locks: "));
 }
 
-TEST_F(AJournal, ForgetsAJobByItsName) {
+TEST_F(JournalTest, ForgetsAJobByItsName) {
   Till till(ZKEmulationQuorLine);
   print(till, "receipt 1");
   print(till, "receipt 2");
@@ -204,13 +204,13 @@ TEST_F(AJournal, ForgetsAJobByItsName) {
   EXPECT_FALSE(print(till, "receipt 1").isRepeated);
 }
 
-TEST_F(AJournal, DoesNotForgetAJobThatIsBeingPrinted) {
+TEST_F(JournalTest, DoesNotForgetAJobThatIsBeingPrinted) {
   Journal journal(file);
   const NamedJob held(journal, request("receipt 1"), receiptText);
   EXPECT_EQ(Journal(file).forget("receipt 1"), Forgetting::BeingPrinted);
 }
 
-TEST_F(AJournal, ForgetsAJobOnceThoughTwoAskAtOnce) {
+TEST_F(JournalTest, ForgetsAJobOnceIfTwoThreadsForgetTheJobAtOnce) {
   Till till(ZKEmulationQuorLine);
   constexpr int jobs = 50;
   std::array<std::atomic<int>, 3> answers = {};
@@ -230,7 +230,7 @@ TEST_F(AJournal, ForgetsAJobOnceThoughTwoAskAtOnce) {
   EXPECT_EQ(answers.at(static_cast<std::size_t>(Forgetting::BeingPrinted)), 0);
 }
 
-TEST_F(AJournal, ShowsAPrintedJobAsPrintedWhileAProcessAsksForIt) {
+TEST_F(JournalTest, ShowsAPrintedJobAsPrintedWhileAProcessRequestsTheJob) {
   Till till(ZKEmulationQuorLine);
   print(till, "receipt 1");
   Journal journal(file);
@@ -238,7 +238,7 @@ TEST_F(AJournal, ShowsAPrintedJobAsPrintedWhileAProcessAsksForIt) {
   EXPECT_EQ(onlyJob().state, JobState::Printed);
 }
 
-TEST_F(AJournal, ForgetsOlderJobs) {
+TEST_F(JournalTest, ForgetsOnlyJobsOlderThanTheGivenDays) {
   Till till(ZKEmulationQuorLine);
   print(till, "receipt 1");
   {
@@ -250,7 +250,7 @@ TEST_F(AJournal, ForgetsOlderJobs) {
   EXPECT_EQ(onlyJob().name, "receipt 1");
 }
 
-TEST_F(AJournal, KeepsAnOldJobThatWasTriedAgainToday) {
+TEST_F(JournalTest, DoesNotForgetAnOldJobThatWasRepeatedToday) {
   { const Journal made(file); }
   {
     Database database(file);
@@ -262,7 +262,7 @@ TEST_F(AJournal, KeepsAnOldJobThatWasTriedAgainToday) {
   EXPECT_EQ(onlyJob().state, JobState::Unconfirmed);
 }
 
-TEST_F(AJournal, DoesNotContainTheData) {
+TEST_F(JournalTest, DoesNotContainTheDataOfAJob) {
   Till till(ZKEmulationQuorLine);
   print(till, "receipt 1");
   EXPECT_THAT(contentOf(file), HasSubstr("receipt 1"));

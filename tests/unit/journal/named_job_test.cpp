@@ -16,7 +16,7 @@ namespace {
 
 using testing::HasSubstr;
 
-class OnceOnly : public JournalCase, public testing::WithParamInterface<ZKEmulation> {
+class NamedJobTest : public JournalCase, public testing::WithParamInterface<ZKEmulation> {
  protected:
   Till till{GetParam()};
 
@@ -40,7 +40,7 @@ class OnceOnly : public JournalCase, public testing::WithParamInterface<ZKEmulat
   }
 };
 
-TEST_P(OnceOnly, AnUnknownNameIsPrintedAndRecorded) {
+TEST_P(NamedJobTest, AJobWithANewNameIsPrintedAndRecorded) {
   const auto first = print(till, "receipt 1");
   EXPECT_EQ(first.result.outcome, PrintOutcome::Printed);
   EXPECT_EQ(first.attempt, 1);
@@ -56,7 +56,7 @@ TEST_P(OnceOnly, AnUnknownNameIsPrintedAndRecorded) {
   EXPECT_TRUE(known.ended);
 }
 
-TEST_P(OnceOnly, APrintedNameIsAnsweredAtOnceAndSendsNothing) {
+TEST_P(NamedJobTest, APrintedJobIsReportedAsPrintedAndSendsNothing) {
   print(till, "receipt 1");
   const auto second = print(till, "receipt 1");
   EXPECT_EQ(second.result.outcome, PrintOutcome::Printed);
@@ -67,7 +67,7 @@ TEST_P(OnceOnly, APrintedNameIsAnsweredAtOnceAndSendsNothing) {
   EXPECT_EQ(till.printed(), receiptText);
 }
 
-TEST_P(OnceOnly, AnAnswerNamesTheProofAndTheObstacleOfItsAttempt) {
+TEST_P(NamedJobTest, ARepeatedJobReportsTheProofAndObstacleOfItsFirstAttempt) {
   const auto first = print(till, "receipt 1");
   ASSERT_NE(first.result.proof, ProofKind::Auto);
   EXPECT_EQ(print(till, "receipt 1").result.proof, first.result.proof);
@@ -86,13 +86,13 @@ TEST_P(OnceOnly, AnAnswerNamesTheProofAndTheObstacleOfItsAttempt) {
   EXPECT_EQ(second.result.advice, lost.result.advice);
 }
 
-TEST_P(OnceOnly, APrintedNameIsNotPrintedAgainEvenIfThatIsAskedFor) {
+TEST_P(NamedJobTest, APrintedJobIsNotPrintedAgainEvenOnRequest) {
   print(till, "receipt 1");
   EXPECT_TRUE(print(till, "receipt 1", true).isRepeated);
   EXPECT_EQ(till.printed(), receiptText);
 }
 
-TEST_P(OnceOnly, ARefusedNameIsPrintedWhenTheCauseHasEnded) {
+TEST_P(NamedJobTest, ARefusedJobIsPrintedAfterTheCauseHasEnded) {
   till.set("coverOpen", true);
   const auto refused = print(till, "receipt 1");
   EXPECT_EQ(refused.result.outcome, PrintOutcome::Refused);
@@ -105,7 +105,7 @@ TEST_P(OnceOnly, ARefusedNameIsPrintedWhenTheCauseHasEnded) {
   EXPECT_FALSE(second.isRepeated);
 }
 
-TEST_P(OnceOnly, AnUnconfirmedNameIsAnsweredWithItsCauseAndSendsNothing) {
+TEST_P(NamedJobTest, AnUnconfirmedJobIsReportedWithItsCauseAndSendsNothing) {
   Till slow(simulator::PrinterBuilder().speed(1), {.emulation = GetParam()});
   slow.port->setEndCheckedBlockTimeoutMillis(0);
   const auto first = print(slow, "receipt 1");
@@ -119,7 +119,7 @@ TEST_P(OnceOnly, AnUnconfirmedNameIsAnsweredWithItsCauseAndSendsNothing) {
   EXPECT_EQ(till.printed(), ByteBuffer());
 }
 
-TEST_P(OnceOnly, AnUnconfirmedNameIsPrintedAgainIfThatIsAskedFor) {
+TEST_P(NamedJobTest, AnUnconfirmedJobIsPrintedAgainOnRequest) {
   dieInTheMiddle("receipt 1");
   const auto again = print(till, "receipt 1", true);
   EXPECT_EQ(again.result.outcome, PrintOutcome::Printed);
@@ -129,7 +129,7 @@ TEST_P(OnceOnly, AnUnconfirmedNameIsPrintedAgainIfThatIsAskedFor) {
   EXPECT_TRUE(print(till, "receipt 1").isRepeated);
 }
 
-TEST_P(OnceOnly, AJobThatAProcessAbandonedIsUnconfirmedWithThatCause) {
+TEST_P(NamedJobTest, AJobIsUnconfirmedIfItsProcessEndedDuringPrinting) {
   dieInTheMiddle("receipt 1");
   const auto next = print(till, "receipt 1");
   EXPECT_EQ(next.result.outcome, PrintOutcome::Unconfirmed);
@@ -141,14 +141,14 @@ TEST_P(OnceOnly, AJobThatAProcessAbandonedIsUnconfirmedWithThatCause) {
   EXPECT_FALSE(onlyJob().ended);
 }
 
-TEST_P(OnceOnly, ARefusedSecondAttemptLeavesTheFirstUnconfirmed) {
+TEST_P(NamedJobTest, AJobRemainsUnconfirmedAfterARefusedSecondAttempt) {
   dieInTheMiddle("receipt 1");
   till.set("coverOpen", true);
   EXPECT_EQ(print(till, "receipt 1", true).result.outcome, PrintOutcome::Refused);
   EXPECT_EQ(print(till, "receipt 1").result.outcome, PrintOutcome::Unconfirmed);
 }
 
-TEST_P(OnceOnly, RepeatedRefusalsDoNotFillTheDisk) {
+TEST_P(NamedJobTest, ARepeatedlyRefusedJobTakesOneRowOfTheJournal) {
   till.set("coverOpen", true);
   for (int attempt = 1; attempt <= 3; ++attempt) {
     EXPECT_EQ(print(till, "receipt 1").attempt, attempt);
@@ -158,7 +158,7 @@ TEST_P(OnceOnly, RepeatedRefusalsDoNotFillTheDisk) {
   EXPECT_EQ(allRows(database).size(), 1U);
 }
 
-TEST_P(OnceOnly, OtherDataUnderTheNameIsAUsageErrorAndSendsNothing) {
+TEST_P(NamedJobTest, AKnownNameWithOtherDataIsAUsageErrorAndSendsNothing) {
   till.set("coverOpen", true);
   print(till, "receipt 1");
   till.set("coverOpen", false);
@@ -171,7 +171,7 @@ TEST_P(OnceOnly, OtherDataUnderTheNameIsAUsageErrorAndSendsNothing) {
   EXPECT_EQ(till.printed(), ByteBuffer());
 }
 
-TEST_P(OnceOnly, TheBeginningIsOnDiskBeforeTheFirstByteIsSent) {
+TEST_P(NamedJobTest, AJobIsRecordedAsBegunBeforeItsFirstByteIsSent) {
   Journal journal(file);
   NamedJob named(journal, request("receipt 1"), receiptText);
   std::vector<std::string> seen;
@@ -187,7 +187,7 @@ TEST_P(OnceOnly, TheBeginningIsOnDiskBeforeTheFirstByteIsSent) {
   EXPECT_EQ(seen, std::vector<std::string>{"it is being printed"});
 }
 
-TEST_P(OnceOnly, AJobOfALivingProcessIsWaitedForAndThenReported) {
+TEST_P(NamedJobTest, AJobIsUnconfirmedIfAnotherProcessPrintsTheJobPastTheTimeout) {
   Journal journal(file);
   const NamedJob held(journal, request("receipt 1"), receiptText);
   int waits = 0;
@@ -203,7 +203,7 @@ TEST_P(OnceOnly, AJobOfALivingProcessIsWaitedForAndThenReported) {
   EXPECT_FALSE(NamedJob(other, request("receipt 2"), receiptText).answer());
 }
 
-TEST_P(OnceOnly, TheOutcomeOfTheProcessThatWasWaitedForIsAnswered) {
+TEST_P(NamedJobTest, AJobThatAnotherProcessPrintedMeanwhileIsNotPrintedAgain) {
   Journal journal(file);
   auto held = std::make_unique<NamedJob>(journal, request("receipt 1"), receiptText);
   auto asked = request("receipt 1");
@@ -220,7 +220,7 @@ TEST_P(OnceOnly, TheOutcomeOfTheProcessThatWasWaitedForIsAnswered) {
   EXPECT_EQ(till.printed(), receiptText);
 }
 
-TEST_P(OnceOnly, APrinterThatCannotBeReachedIsRecordedAsRefused) {
+TEST_P(NamedJobTest, AJobIsRecordedAsRefusedIfThePrinterCannotBeReached) {
   Journal journal(file);
   PrintResult unreachable;
   unreachable.reason = "cannot be reached";
@@ -231,7 +231,7 @@ TEST_P(OnceOnly, APrinterThatCannotBeReachedIsRecordedAsRefused) {
   EXPECT_EQ(print(till, "receipt 1").result.outcome, PrintOutcome::Printed);
 }
 
-TEST_P(OnceOnly, AnAnswerShowsWhetherAPersonWasInformed) {
+TEST_P(NamedJobTest, AnAnswerShowsWhenAPersonWasInformedOfTheOutcome) {
   dieInTheMiddle("receipt 1");
   Journal journal(file);
   const std::int64_t begun = onlyJob().begun;
@@ -251,7 +251,7 @@ TEST_P(OnceOnly, AnAnswerShowsWhetherAPersonWasInformed) {
   EXPECT_FALSE(before.ended);
 }
 
-TEST_P(OnceOnly, ALaterAttemptIsNotMarkedAsTold) {
+TEST_P(NamedJobTest, ALaterAttemptIsNotMarkedAsReportedToAPerson) {
   dieInTheMiddle("receipt 1");
   {
     Journal journal(file);
@@ -262,7 +262,7 @@ TEST_P(OnceOnly, ALaterAttemptIsNotMarkedAsTold) {
   EXPECT_FALSE(NamedJob(journal, request("receipt 1"), receiptText).answer()->told);
 }
 
-TEST_P(OnceOnly, MarkingAJobAsToldWhileItIsPrintedLeavesTheJournalSound) {
+TEST_P(NamedJobTest, MarkingAJobAsReportedDuringPrintingDoesNotDamageTheJournal) {
   Journal journal(file);
   NamedJob printing(journal, request("receipt 1"), receiptText);
   PrintJob job(till.port, printing.recorded({.progress = [this](const PrintProgress& progress) {
@@ -275,13 +275,13 @@ TEST_P(OnceOnly, MarkingAJobAsToldWhileItIsPrintedLeavesTheJournalSound) {
   EXPECT_EQ(onlyJob().state, JobState::Printed);
 }
 
-TEST_P(OnceOnly, MarkingAnUnknownNameAsToldChangesNothing) {
+TEST_P(NamedJobTest, MarkingAnUnknownJobAsReportedChangesNothing) {
   Journal journal(file);
   NamedJob(journal, request("receipt 1"), receiptText).tell();
   EXPECT_TRUE(journal.jobs().empty());
 }
 
-TEST_P(OnceOnly, ANameMayIdentifyAJobByItself) {
+TEST_P(NamedJobTest, AJobCanBeIdentifiedByItsNameWithoutItsData) {
   print(till, "receipt 1");
   Journal journal(file);
   auto asked = request("receipt 1");
@@ -292,7 +292,7 @@ TEST_P(OnceOnly, ANameMayIdentifyAJobByItself) {
   EXPECT_TRUE(named.answer()->isRepeated);
 }
 
-TEST_P(OnceOnly, AClockThatSteppedBackDoesNotChangeTheOrderOfTheAttempts) {
+TEST_P(NamedJobTest, TheOrderOfAttemptsDoesNotDependOnTheClock) {
   { const Journal made(file); }
   {
     Database database(file);
@@ -311,7 +311,7 @@ TEST_P(OnceOnly, AClockThatSteppedBackDoesNotChangeTheOrderOfTheAttempts) {
   EXPECT_EQ(onlyJob().state, JobState::Printed);
 }
 
-INSTANTIATE_TEST_SUITE_P(Emulations, OnceOnly,
+INSTANTIATE_TEST_SUITE_P(Emulations, NamedJobTest,
                          testing::Values(ZKEmulationQuorLine, ZKEmulationESCPOS), emulationName);
 
 TEST_F(JournalCase, AnInvalidNameIsAUsageErrorAndSendsNothing) {

@@ -50,9 +50,9 @@ INSERT INTO seal VALUES
 PRAGMA journal_mode = WAL;
 )";
 
-class AnOlderJournal : public JournalCase {
+class JournalOfAnOlderVersion : public JournalCase {
  protected:
-  AnOlderJournal() { execute(firstVersion); }
+  JournalOfAnOlderVersion() { execute(firstVersion); }
 
   /// Changes the file by SQLite alone.
   void execute(const std::string& sql) const {
@@ -66,7 +66,7 @@ class AnOlderJournal : public JournalCase {
   std::int64_t version() const { return Database(file).number("PRAGMA user_version"); }
 };
 
-TEST_F(AnOlderJournal, IsConvertedWithAllItsRows) {
+TEST_F(JournalOfAnOlderVersion, IsConvertedWithAllItsRows) {
   const auto jobs = Journal(file).jobs();
   ASSERT_EQ(jobs.size(), 4U);
   EXPECT_EQ(jobs[0].state, JobState::Printed);
@@ -81,7 +81,7 @@ TEST_F(AnOlderJournal, IsConvertedWithAllItsRows) {
   EXPECT_EQ(Journal(file).jobs().size(), 4U) << "and opens again";
 }
 
-TEST_F(AnOlderJournal, AnswersEarlierNamesAndTakesNewJobs) {
+TEST_F(JournalOfAnOlderVersion, ReportsEarlierJobsAndAcceptsNewAttempts) {
   Till till(ZKEmulationQuorLine);
   const auto printed = print(till, "receipt 1");
   EXPECT_TRUE(printed.isRepeated);
@@ -97,7 +97,7 @@ TEST_F(AnOlderJournal, AnswersEarlierNamesAndTakesNewJobs) {
   EXPECT_EQ(Journal(file).jobs().size(), 4U);
 }
 
-TEST_F(AnOlderJournal, ThatIsDamagedIsRefusedAndLeftAsItIs) {
+TEST_F(JournalOfAnOlderVersion, IsRefusedAndLeftUnchangedIfItIsDamaged) {
   execute("UPDATE attempt SET outcome = 'refused' WHERE name = 'receipt 1'");
   EXPECT_THAT(errorOf<JournalError>([this] { Journal journal(file); }), HasSubstr("damaged"));
   EXPECT_EQ(version(), 1);

@@ -51,13 +51,13 @@ class Holder {
   pid_t process_ = 0;
 };
 
-class ALock : public testing::Test {
+class ByteLockTest : public testing::Test {
  protected:
   const test::TemporaryFolder folder;
   const std::string file = folder.file("locks");
 };
 
-TEST_F(ALock, ExcludesOthersOfTheSameProcessUntilItEnds) {
+TEST_F(ByteLockTest, ExcludesOtherLocksOfTheSameProcessUntilItIsReleased) {
   {
     const auto lock = ByteLock::tryTake(file, 7, mode);
     ASSERT_TRUE(lock);
@@ -68,14 +68,14 @@ TEST_F(ALock, ExcludesOthersOfTheSameProcessUntilItEnds) {
   EXPECT_TRUE(ByteLock::tryTake(file, 7, mode));
 }
 
-TEST_F(ALock, OfOneByteLeavesTheOthersFree) {
+TEST_F(ByteLockTest, LocksOnlyItsOwnByte) {
   const auto lock = ByteLock::tryTake(file, 7, mode);
   EXPECT_TRUE(ByteLock::tryTake(file, 6, mode));
   EXPECT_TRUE(ByteLock::tryTake(file, 8, mode));
   EXPECT_FALSE(ByteLock::isTaken(file, 6));
 }
 
-TEST_F(ALock, IsReleasedWhenTheProcessThatHoldsItDies) {
+TEST_F(ByteLockTest, IsReleasedWhenTheProcessThatHoldsItDies) {
   Holder holder(file, 7);
   EXPECT_FALSE(ByteLock::tryTake(file, 7, mode));
   EXPECT_TRUE(ByteLock::isTaken(file, 7));
@@ -83,7 +83,7 @@ TEST_F(ALock, IsReleasedWhenTheProcessThatHoldsItDies) {
   EXPECT_TRUE(ByteLock::tryTake(file, 7, mode));
 }
 
-TEST_F(ALock, IsWaitedForAndTheWaitIsReported) {
+TEST_F(ByteLockTest, WaitsForAnotherProcessAndReportsTheWait) {
   Holder holder(file, 7);
   int waits = 0;
   const auto lock = ByteLock::take(file, 7, mode, 60s, [&] {
@@ -94,23 +94,23 @@ TEST_F(ALock, IsWaitedForAndTheWaitIsReported) {
   EXPECT_EQ(waits, 1);
 }
 
-TEST_F(ALock, IsTakenAtOnceIfItIsFree) {
+TEST_F(ByteLockTest, IsAcquiredAtOnceIfItIsFree) {
   EXPECT_TRUE(ByteLock::take(file, 7, mode, 60s, [] { ADD_FAILURE() << "a wait"; }));
 }
 
-TEST_F(ALock, IsNotTakenAfterTheTimeout) {
+TEST_F(ByteLockTest, FailsAtTheTimeoutIfAnotherHolderRemains) {
   const auto held = ByteLock::tryTake(file, 7, mode);
   const auto start = std::chrono::steady_clock::now();
   EXPECT_FALSE(ByteLock::take(file, 7, mode, 30ms, {}));
   EXPECT_GE(std::chrono::steady_clock::now() - start, 30ms);
 }
 
-TEST_F(ALock, WithATimeoutOfZeroDoesNotWait) {
+TEST_F(ByteLockTest, DoesNotWaitIfTheTimeoutIsZero) {
   const auto held = ByteLock::tryTake(file, 7, mode);
   EXPECT_FALSE(ByteLock::take(file, 7, mode, 0ms, [] { ADD_FAILURE() << "a wait"; }));
 }
 
-TEST_F(ALock, HasAFileOfTheGivenMode) {
+TEST_F(ByteLockTest, CreatesItsFileWithTheGivenMode) {
   for (const unsigned wanted : {0600U, 0666U}) {
     const std::string other = folder.file(std::to_string(wanted));
     const auto lock = ByteLock::tryTake(other, 1, wanted);
@@ -120,17 +120,17 @@ TEST_F(ALock, HasAFileOfTheGivenMode) {
   }
 }
 
-TEST_F(ALock, OfAFileThatCannotBeOpenedIsAnError) {
+TEST_F(ByteLockTest, ThrowsIfItsFileCannotBeOpenedOrIsALink) {
   EXPECT_THROW(ByteLock::tryTake(folder.file("none/locks"), 1, mode), std::system_error);
   ASSERT_EQ(::symlink(file.c_str(), folder.file("link").c_str()), 0);
   EXPECT_THROW(ByteLock::tryTake(folder.file("link"), 1, mode), std::system_error);
 }
 
-TEST_F(ALock, IsNotTakenWithoutAFile) {
+TEST_F(ByteLockTest, IsFreeIfItsFileIsMissing) {
   EXPECT_FALSE(ByteLock::isTaken(file, 1));
 }
 
-TEST(LockOffset, IsTheSameForTheSameNameAndNeverZero) {
+TEST(LockOffset, IsEqualForEqualNamesOnlyAndNeverZero) {
   EXPECT_EQ(lockOffset("receipt 1"), lockOffset("receipt 1"));
   EXPECT_NE(lockOffset("receipt 1"), lockOffset("receipt 2"));
   EXPECT_GT(lockOffset(""), 0);

@@ -38,19 +38,19 @@ class LockFolder : public testing::Test {
   const test::TemporaryFolder folder;
 };
 
-TEST_F(LockFolder, IsTheFolderOfAllUsersIfThereIsOne) {
+TEST_F(LockFolder, IsTheSharedFolderOfAllUsersIfItIsWritable) {
   ASSERT_EQ(::mkdir(folder.file("shared").c_str(), 0700), 0);
   ASSERT_EQ(::chmod(folder.file("shared").c_str(), 01777), 0);
   EXPECT_EQ(deviceLockFile(folder.file("shared")), folder.file("shared/quorport.locks"));
 }
 
-TEST_F(LockFolder, IsOtherwiseThisUsersRuntimeFolder) {
+TEST_F(LockFolder, IsThisUsersRuntimeFolderIfTheSharedFolderIsUnusable) {
   EXPECT_EQ(deviceLockFile(folder.file("none")), folder.file("runtime/quorport.locks"));
   ASSERT_EQ(::mkdir(folder.file("closed").c_str(), 0755), 0);
   EXPECT_EQ(deviceLockFile(folder.file("closed")), folder.file("runtime/quorport.locks"));
 }
 
-TEST_F(LockFolder, IsOtherwiseAPrivateFolder) {
+TEST_F(LockFolder, IsAPrivateFolderIfTheRuntimeFolderIsUnknown) {
   ::unsetenv("XDG_RUNTIME_DIR");
   const auto file = deviceLockFile(folder.file("none"));
   const std::string own = folder.file("quorport-" + std::to_string(::geteuid()));
@@ -60,7 +60,7 @@ TEST_F(LockFolder, IsOtherwiseAPrivateFolder) {
   EXPECT_EQ(found.st_mode & 0777U, 0700U);
 }
 
-TEST_F(LockFolder, IsNotAFolderThatIsALink) {
+TEST_F(LockFolder, IsRefusedIfItIsASymbolicLink) {
   ::unsetenv("XDG_RUNTIME_DIR");
   const std::string own = folder.file("quorport-" + std::to_string(::geteuid()));
   ASSERT_EQ(::symlink("/", own.c_str()), 0);

@@ -11,7 +11,7 @@
 namespace quordalvane {
 namespace {
 
-TEST(DescriptorOutput, WritesAllToAFullPipeThatWouldNotWait) {
+TEST(DescriptorOutput, WritesAllBytesToAFullNonBlockingPipe) {
   std::array<int, 2> ends;
   ASSERT_EQ(::pipe2(ends.data(), O_NONBLOCK | O_CLOEXEC), 0);
   const std::string text(std::size_t{1} << 20U, 'x');

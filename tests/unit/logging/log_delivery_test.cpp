@@ -64,7 +64,7 @@ void log(LogDelivery& delivery, std::string message) {
   delivery.handOver(recordOf(std::move(message)));
 }
 
-TEST(LogDelivery, GivesEverySinkEveryRecordInOrder) {
+TEST(LogDelivery, DeliversEveryRecordToEverySinkInOrder) {
   LogDelivery delivery;
   const auto first = std::make_shared<KeepingSink>();
   const auto second = std::make_shared<KeepingSink>();
@@ -87,7 +87,7 @@ TEST(LogDelivery, DiscardsRecordsFromBeforeTheFirstSink) {
   EXPECT_THAT(sink->messages(), ElementsAre("kept"));
 }
 
-TEST(LogDelivery, DeliversQueuedRecordsAtItsEnd) {
+TEST(LogDelivery, DeliversQueuedRecordsBeforeItIsDestroyed) {
   const auto sink = std::make_shared<KeepingSink>();
   {
     LogDelivery delivery;
@@ -98,7 +98,7 @@ TEST(LogDelivery, DeliversQueuedRecordsAtItsEnd) {
   EXPECT_THAT(sink->messages(), ElementsAre("a", "b"));
 }
 
-TEST(LogDelivery, DeliversWithoutBeingAskedToFlush) {
+TEST(LogDelivery, DeliversRecordsWithoutAFlush) {
   LogDelivery delivery;
   Gate arrived;
   delivery.addSink(std::make_shared<CallbackSink>([&](const LogRecord&) { arrived.open(); }));
@@ -106,7 +106,7 @@ TEST(LogDelivery, DeliversWithoutBeingAskedToFlush) {
   arrived.pass();
 }
 
-TEST(LogDelivery, MakesNoCallerWaitForASinkAndReportsDropsInTheStream) {
+TEST(LogDelivery, DropsRecordsInsteadOfWaitingForASlowSinkAndLogsTheirCount) {
   LogDelivery delivery;
   const auto sink = std::make_shared<HangingSink>();
   delivery.setQueueCapacity(3);
@@ -128,7 +128,7 @@ TEST(LogDelivery, MakesNoCallerWaitForASinkAndReportsDropsInTheStream) {
   EXPECT_EQ(delivery.counts().dropped, 2U);
 }
 
-TEST(LogDelivery, ReportsDropsByAnErrorRecordWithTheTimeOfTheFirst) {
+TEST(LogDelivery, LogsDroppedRecordsAsAnErrorWithTheTimeOfTheFirstDrop) {
   const auto sink = std::make_shared<HangingSink>();
   LogDelivery delivery;
   delivery.setQueueCapacity(1);
@@ -150,7 +150,7 @@ TEST(LogDelivery, ReportsDropsByAnErrorRecordWithTheTimeOfTheFirst) {
   EXPECT_EQ(drop.object, "0x0");
 }
 
-TEST(LogDelivery, AccountsForEveryRecordOfManyThreads) {
+TEST(LogDelivery, DeliversOrCountsAsDroppedEveryRecordOfEightThreads) {
   constexpr int threadCount = 8;
   constexpr int recordCount = 2000;
   LogDelivery delivery;
@@ -188,7 +188,7 @@ TEST(LogDelivery, AccountsForEveryRecordOfManyThreads) {
   EXPECT_EQ(delivery.counts().dropped, dropped);
 }
 
-TEST(LogDelivery, EndsAFlushIfASinkHangs) {
+TEST(LogDelivery, EndsAFlushAtItsTimeoutIfASinkHangs) {
   LogDelivery delivery;
   const auto sink = std::make_shared<HangingSink>();
   delivery.addSink(sink);
@@ -276,7 +276,7 @@ TEST(LogDelivery, ReportsEachFailingSink) {
   EXPECT_THAT(redirected.text(), HasSubstr("an exception without a text"));
 }
 
-TEST(LogDelivery, ContinuesIfNobodyReadsStandardError) {
+TEST(LogDelivery, DeliversToOtherSinksIfStandardErrorIsABrokenPipe) {
   const test::RedirectedStandardError redirected;
   std::array<int, 2> pipe{};
   ASSERT_EQ(::pipe(pipe.data()), 0);

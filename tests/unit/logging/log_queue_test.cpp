@@ -70,7 +70,7 @@ TEST_F(LogQueueTest, DropsRecordsWhileFullAndCountsEachDrop) {
   EXPECT_EQ(queue_.counts().dropped, 3U);
 }
 
-TEST_F(LogQueueTest, KeepsTheTimeOfTheFirstDrop) {
+TEST_F(LogQueueTest, RecordsTheTimeOfTheFirstDrop) {
   queue_.setCapacity(1);
   queue_.open();
   for (const auto second : {1s, 2s, 3s}) {
@@ -81,7 +81,7 @@ TEST_F(LogQueueTest, KeepsTheTimeOfTheFirstDrop) {
   EXPECT_EQ(take().firstDropTime.time_since_epoch(), 2s);
 }
 
-TEST_F(LogQueueTest, CountsADropOnlyInTheBatchThatItFollows) {
+TEST_F(LogQueueTest, CountsADropInOneBatchOnly) {
   queue_.setCapacity(1);
   queue_.open();
   push("a");
@@ -114,7 +114,7 @@ TEST_F(LogQueueTest, KeepsQueuedRecordsBeyondASmallerCapacity) {
   EXPECT_EQ(batch.dropped, 1U);
 }
 
-TEST_F(LogQueueTest, RefusesACapacityOfZeroOrBeyondTheMaximumWhetherOpenOrNot) {
+TEST_F(LogQueueTest, RefusesACapacityOfZeroOrBeyondTheMaximum) {
   for (const bool open : {false, true}) {
     for (const std::size_t records :
          {std::size_t{0}, LogQueue::maximumCapacity + 1, std::numeric_limits<std::size_t>::max()}) {
@@ -141,7 +141,7 @@ TEST_F(LogQueueTest, Holds8192RecordsByDefault) {
   EXPECT_EQ(take().records.size(), 8192U);
 }
 
-TEST_F(LogQueueTest, IsFullWhenAFewMessagesHoldTooMuchText) {
+TEST_F(LogQueueTest, IsFullIfItsMessagesHoldTooMuchText) {
   queue_.open();
   push(std::string(LogQueue::textLimit, 'x'));
   push("dropped");
@@ -151,7 +151,7 @@ TEST_F(LogQueueTest, IsFullWhenAFewMessagesHoldTooMuchText) {
   EXPECT_EQ(queue_.counts().dropped, 1U);
 }
 
-TEST_F(LogQueueTest, HoldsMoreRecordsAsSoonAsItsCapacityGrows) {
+TEST_F(LogQueueTest, HoldsMoreRecordsAfterItsCapacityGrows) {
   queue_.setCapacity(1);
   queue_.open();
   push("a");
@@ -171,7 +171,7 @@ TEST_F(LogQueueTest, CountsLostRecordsAsFinishedAndAsDropped) {
   EXPECT_EQ(queue_.counts().dropped, 1U);
 }
 
-TEST_F(LogQueueTest, WakesAWaiterWhenARecordIsDeliveredOrLost) {
+TEST_F(LogQueueTest, WakesAWaitingThreadWhenARecordIsDeliveredOrLost) {
   queue_.open();
   for (const bool isLost : {false, true}) {
     push("a");
@@ -187,7 +187,7 @@ TEST_F(LogQueueTest, WakesAWaiterWhenARecordIsDeliveredOrLost) {
   }
 }
 
-TEST_F(LogQueueTest, IsFinishedWhenAllThatWasQueuedIsFinished) {
+TEST_F(LogQueueTest, IsFinishedWhenAllQueuedRecordsAreFinished) {
   queue_.open();
   EXPECT_TRUE(queue_.waitUntilFinished(0ms));
   push("a");
@@ -221,7 +221,7 @@ class OneTake {
 constexpr std::chrono::hours forEver{1};
 constexpr std::chrono::milliseconds patience{30'000};
 
-TEST(GatheringLogQueue, IsTakenOnceItIsHalfFull) {
+TEST(LogQueueThatGathers, ReturnsItsRecordsWhenItIsHalfFull) {
   LogQueue queue(forEver);
   queue.setCapacity(4);
   queue.open();
@@ -233,7 +233,7 @@ TEST(GatheringLogQueue, IsTakenOnceItIsHalfFull) {
   queue.close();  // releases a taker that still waits for more records
 }
 
-TEST(GatheringLogQueue, IsTakenWhenItIsClosed) {
+TEST(LogQueueThatGathers, ReturnsItsRecordsWhenItIsClosed) {
   LogQueue queue(forEver);
   queue.open();
   queue.push(recordOf("a"));
@@ -243,7 +243,7 @@ TEST(GatheringLogQueue, IsTakenWhenItIsClosed) {
   EXPECT_TRUE(queue.waitUntilFinished(patience));
 }
 
-TEST_F(LogQueueTest, GivesOutQueuedRecordsAfterItsCloseAndThenEnds) {
+TEST_F(LogQueueTest, ReturnsQueuedRecordsAfterItIsClosedAndThenEnds) {
   queue_.open();
   push("a");
   queue_.close();

@@ -9,7 +9,7 @@ namespace {
 
 using test::recordOf;
 
-TEST(RecordBatch, GivesTheMemoryOfAFinishedRecordToTheNextCaller) {
+TEST(RecordBatch, ReusesTheMemoryOfAClearedRecord) {
   RecordBatch batch;
   LogRecord first = recordOf(std::string(100, 'a'));
   const char* const memory = first.message.data();
@@ -34,7 +34,7 @@ TEST(RecordBatch, FreesTheMemoryOfALongMessage) {
   EXPECT_LT(next.message.capacity(), 1000U);
 }
 
-TEST(RecordBatch, GrowsAfterFinishedRecords) {
+TEST(RecordBatch, GrowsAfterItWasCleared) {
   RecordBatch batch;
   for (int round = 0; round < 2; ++round) {
     for (int i = 0; i < 5 + round; ++i) {

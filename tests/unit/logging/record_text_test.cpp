@@ -34,7 +34,7 @@ std::string readableOf(const LogRecord& record) {
   return out;
 }
 
-TEST(RecordText, WritesEveryFieldOnceAsOneJsonObjectALine) {
+TEST(RecordText, WritesEveryFieldOfARecordAsOneJsonObjectPerLine) {
   EXPECT_EQ(jsonOf(fullRecord()),
             R"({"time":"2024-02-29T23:59:58.001042Z","thread":4711,"type":3,)"
             R"("typeName":"InternalMethodEnd","level":-1,"object":"0x7ffe00001000",)"
@@ -43,7 +43,7 @@ TEST(RecordText, WritesEveryFieldOnceAsOneJsonObjectALine) {
             "\"message\":\"\\\"BT:Shop\\\"\\n\xEF\xBF\xBD, -> 1\"}\n");
 }
 
-TEST(RecordText, WritesOneReadableLineWithoutRawControlCharacters) {
+TEST(RecordText, WritesARecordAsOneReadableLineWithoutControlCharacters) {
   EXPECT_EQ(readableOf(fullRecord()),
             "2024-02-29T23:59:58.001042Z 4711 InternalMethodEnd -1 0x7ffe00001000 "
             "iphone-IOPort/Session.cpp:1234567890123 -[ExternalAccessoryPort write:] "
@@ -63,7 +63,7 @@ TEST(RecordText, EscapesControlCharactersOfEveryText) {
   }
 }
 
-TEST(RecordText, NamesEachTypeByItsNumberAndName) {
+TEST(RecordText, WritesTheNumberAndTheNameOfEachRecordType) {
   const std::vector<std::pair<ZKLogType, std::string>> types{
       {ZKLogTypeQuorIOAPIStart, R"("type":0,"typeName":"QuorIOAPIStart",)"},
       {ZKLogTypeQuorIOAPIEnd, R"("type":1,"typeName":"QuorIOAPIEnd",)"},
@@ -82,7 +82,7 @@ TEST(RecordText, NamesEachTypeByItsNumberAndName) {
   }
 }
 
-TEST(RecordText, ShowsTimesBeforeTheEpochOfTheClock) {
+TEST(RecordText, WritesTimesBefore1970) {
   LogRecord record = recordOf("");
   record.time = system_clock::time_point{} - 1ns;
   EXPECT_NE(jsonOf(record).find("1969-12-31T23:59:59.999999Z"), std::string::npos);

@@ -51,14 +51,14 @@ TEST_F(RotatingFileTest, WritesAfter256KiBEvenWithoutAFlush) {
   EXPECT_EQ(std::filesystem::file_size(path_), 262'144U);
 }
 
-TEST_F(RotatingFileTest, RotatesBeforeALineThatWouldExceedTheMaximum) {
+TEST_F(RotatingFileTest, StartsANewFileWhenALineDoesNotFit) {
   RotatingFile file(path_, {.maximumBytes = 8, .keptFiles = 5});
   put(file, {"aaa\n", "bbb\n", "ccc\n"});
   EXPECT_EQ(contents(".1"), "aaa\nbbb\n");
   EXPECT_EQ(contents(), "ccc\n");
 }
 
-TEST_F(RotatingFileTest, KeepsTheNewestFilesAndReplacesTheOldest) {
+TEST_F(RotatingFileTest, KeepsTheNewestFilesAndDeletesTheOldest) {
   RotatingFile file(path_, {.maximumBytes = 4, .keptFiles = 2});
   put(file, {"aaa\n", "bbb\n", "ccc\n", "ddd\n"});
   EXPECT_EQ(contents(), "ddd\n");
@@ -67,7 +67,7 @@ TEST_F(RotatingFileTest, KeepsTheNewestFilesAndReplacesTheOldest) {
   EXPECT_FALSE(exists(".3"));
 }
 
-TEST_F(RotatingFileTest, RotatesAtOnceHoweverManyFilesAreToBeKept) {
+TEST_F(RotatingFileTest, RotatesQuicklyEvenIfTheLimitOfKeptFilesIsHuge) {
   RotatingFile file(path_, {.maximumBytes = 4, .keptFiles = std::numeric_limits<unsigned>::max()});
   put(file, {"aaa\n", "bbb\n", "ccc\n"});
   EXPECT_EQ(contents(), "ccc\n");
@@ -75,7 +75,7 @@ TEST_F(RotatingFileTest, RotatesAtOnceHoweverManyFilesAreToBeKept) {
   EXPECT_EQ(contents(".2"), "aaa\n");
 }
 
-TEST_F(RotatingFileTest, DoesNotMoveFilesAfterAGapInTheNumbers) {
+TEST_F(RotatingFileTest, DoesNotRenameFilesAfterAGapInTheirNumbers) {
   std::ofstream(path_ + ".2") << "old\n";
   RotatingFile file(path_, {.maximumBytes = 4, .keptFiles = 3});
   put(file, {"aaa\n", "bbb\n"});
@@ -84,20 +84,20 @@ TEST_F(RotatingFileTest, DoesNotMoveFilesAfterAGapInTheNumbers) {
   EXPECT_FALSE(exists(".3"));
 }
 
-TEST_F(RotatingFileTest, KeepsNoOldFileIfTheLimitIsZero) {
+TEST_F(RotatingFileTest, KeepsNoOldFileIfTheLimitOfKeptFilesIsZero) {
   RotatingFile file(path_, {.maximumBytes = 4, .keptFiles = 0});
   put(file, {"aaa\n", "bbb\n", "ccc\n"});
   EXPECT_EQ(contents(), "ccc\n");
   EXPECT_FALSE(exists(".1"));
 }
 
-TEST_F(RotatingFileTest, GrowsForEverWhenTheMaximumIsZero) {
+TEST_F(RotatingFileTest, NeverRotatesIfTheMaximumSizeIsZero) {
   RotatingFile file(path_, {.maximumBytes = 0, .keptFiles = 5});
   put(file, {"aaa\n", "bbb\n"});
   EXPECT_EQ(contents(), "aaa\nbbb\n");
 }
 
-TEST_F(RotatingFileTest, WritesALineThatIsTooLongToAFileOfItsOwn) {
+TEST_F(RotatingFileTest, WritesATooLongLineToItsOwnFile) {
   RotatingFile file(path_, {.maximumBytes = 4, .keptFiles = 5});
   put(file, {"a\n", "bbbbbbbb\n", "c\n"});
   EXPECT_EQ(contents(".2"), "a\n");
@@ -105,14 +105,14 @@ TEST_F(RotatingFileTest, WritesALineThatIsTooLongToAFileOfItsOwn) {
   EXPECT_EQ(contents(), "c\n");
 }
 
-TEST_F(RotatingFileTest, KeepsNoEmptyFileWhenItsFirstLineIsTooLong) {
+TEST_F(RotatingFileTest, DoesNotRotateAnEmptyFileBeforeATooLongLine) {
   RotatingFile file(path_, {.maximumBytes = 4, .keptFiles = 5});
   put(file, {"bbbbbbbb\n"});
   EXPECT_EQ(contents(), "bbbbbbbb\n");
   EXPECT_FALSE(exists(".1"));
 }
 
-TEST_F(RotatingFileTest, CountsTheEarlierContentOfTheFile) {
+TEST_F(RotatingFileTest, CountsTheContentOfAnExistingFileTowardsTheMaximum) {
   std::ofstream(path_) << "aaa\n";
   RotatingFile file(path_, {.maximumBytes = 6, .keptFiles = 5});
   put(file, {"bbb\n"});
@@ -120,7 +120,7 @@ TEST_F(RotatingFileTest, CountsTheEarlierContentOfTheFile) {
   EXPECT_EQ(contents(), "bbb\n");
 }
 
-TEST_F(RotatingFileTest, CompletesATornLineFirst) {
+TEST_F(RotatingFileTest, EndsAnUnfinishedLineOfAnExistingFileFirst) {
   for (const std::string torn : {"t", "tor"}) {
     std::ofstream(path_) << torn;
     RotatingFile file(path_, {});
@@ -129,7 +129,7 @@ TEST_F(RotatingFileTest, CompletesATornLineFirst) {
   }
 }
 
-TEST_F(RotatingFileTest, IsReadableForItsOwnerAlone) {
+TEST_F(RotatingFileTest, CreatesAFileThatOnlyItsOwnerCanRead) {
   const RotatingFile file(path_, {});
   struct stat facts {};
   ASSERT_EQ(::stat(path_.c_str(), &facts), 0);
@@ -147,7 +147,7 @@ std::ptrdiff_t openDescriptors() {
   return std::ranges::distance(std::filesystem::directory_iterator("/proc/self/fd"));
 }
 
-TEST_F(RotatingFileTest, HoldsOneDescriptorWhileItRotatesAndNoDescriptorAfterItsEnd) {
+TEST_F(RotatingFileTest, HoldsOneDescriptorWhileItIsOpenAndNoneAfterwards) {
   const auto before = openDescriptors();
   {
     RotatingFile file(path_, {.maximumBytes = 4, .keptFiles = 1});
@@ -173,7 +173,7 @@ TEST_F(RotatingFileTest, CreatesItsFileAgainIfItWasMovedAway) {
   EXPECT_EQ(contents(), "two\n");
 }
 
-TEST_F(RotatingFileTest, ContinuesInAFileThatReplacedItsOwn) {
+TEST_F(RotatingFileTest, AppendsToAFileThatReplacedItsOwnFile) {
   RotatingFile file(path_, {});
   put(file, {"one\n"});
   std::filesystem::rename(path_, path_ + ".moved");
@@ -183,7 +183,7 @@ TEST_F(RotatingFileTest, ContinuesInAFileThatReplacedItsOwn) {
   EXPECT_EQ(contents(), "another's\ntwo\n");
 }
 
-TEST_F(RotatingFileTest, ReportsAMissingFolderAndWritesAgainWhenItIsBack) {
+TEST_F(RotatingFileTest, ReportsAMissingFolderAndWritesAgainWhenTheFolderIsBack) {
   const std::string inner = folder_.file("inner");
   std::filesystem::create_directory(inner);
   RotatingFile file(inner + "/port.log", {});
@@ -194,11 +194,11 @@ TEST_F(RotatingFileTest, ReportsAMissingFolderAndWritesAgainWhenItIsBack) {
   EXPECT_EQ(contentsOf(inner + "/port.log"), "kept\n");
 }
 
-TEST_F(RotatingFileTest, ReportsThatItCannotBeOpened) {
+TEST_F(RotatingFileTest, ThrowsIfItCannotBeOpened) {
   EXPECT_THROW(RotatingFile(folder_.file("none/port.log"), {}), std::system_error);
 }
 
-TEST_F(RotatingFileTest, ReportsThatTheDiskIsFull) {
+TEST_F(RotatingFileTest, ThrowsIfTheDiskIsFull) {
   RotatingFile file("/dev/full", {});
   try {
     put(file, {"lost\n"});
@@ -229,7 +229,7 @@ class FileSizeLimit {
   void (*handler_)(int);
 };
 
-TEST_F(RotatingFileTest, LeavesNoHalfLineWhenTheDiskIsFull) {
+TEST_F(RotatingFileTest, LeavesNoIncompleteLineWhenTheDiskIsFull) {
   RotatingFile file(path_, {});
   put(file, {"first\n"});
   {
@@ -252,7 +252,7 @@ TEST_F(RotatingFileTest, WritesOnWhileTheProgramCanOpenNoFile) {
   EXPECT_EQ(contents(), "one\n");
 }
 
-TEST_F(RotatingFileTest, GrowsAndReportsOnceThatItCannotBeRotated) {
+TEST_F(RotatingFileTest, ReportsOnceThatItCannotRotateAndThenGrows) {
   std::filesystem::create_directory(path_ + ".1");  // in the way
   RotatingFile file(path_, {.maximumBytes = 4, .keptFiles = 1});
   EXPECT_THROW(put(file, {"aaa\n", "bbb\n"}), std::system_error);

@@ -20,7 +20,7 @@ using testing::ElementsAre;
 
 const std::array<LogRecord, 2> recordCount{recordOf("one"), recordOf("two\x1b[2J")};
 
-TEST(JsonFileSink, WritesOneJsonObjectALine) {
+TEST(JsonFileSink, WritesOneJsonObjectPerLine) {
   const test::TemporaryFolder folder;
   JsonFileSink(folder.file("port.log")).write(recordCount);
   std::string expected;
@@ -58,7 +58,7 @@ TEST(StandardErrorSink, WritesOneReadableLineForEachRecord) {
   EXPECT_EQ(redirected.text(), expected);
 }
 
-TEST(StandardErrorSink, WritesMoreThanItGathersAtOnce) {
+TEST(StandardErrorSink, WritesMoreTextThanItsBufferHolds) {
   const std::vector<LogRecord> many(3000, recordOf(std::string(100, 'x')));
   std::string expected;
   for (const LogRecord& record : many) {
@@ -88,7 +88,7 @@ TEST(StandardErrorSink, WritesAfter64KiBEvenWithoutAFlush) {
   EXPECT_LT(first, 65'536 + static_cast<ssize_t>(line.size()));
 }
 
-TEST(StandardErrorSink, ReportsThatStandardErrorCannotBeWritten) {
+TEST(StandardErrorSink, ThrowsIfStandardErrorCannotBeWritten) {
   const test::RedirectedStandardError redirected;
   ::close(STDERR_FILENO);
   EXPECT_THROW(StandardErrorSink().write(recordCount), std::system_error);
@@ -100,7 +100,7 @@ TEST(CallbackSink, CallsTheFunctionForEachRecordInOrder) {
   EXPECT_THAT(seen, ElementsAre("one", "two\\u001b[2J"));
 }
 
-TEST(CallbackSink, ShowsTheOtherFieldsAsTheyAre) {
+TEST(CallbackSink, EscapesMessageAndObjectAndPassesOtherFieldsUnchanged) {
   LogRecord record = recordOf("a\nb");
   record.object = "c\nd";
   record.level = 5;
@@ -115,7 +115,7 @@ TEST(CallbackSink, ShowsTheOtherFieldsAsTheyAre) {
   }).write(std::span(&record, 1));
 }
 
-TEST(CallbackSink, EscapesTheObjectButNotThePlainMessage) {
+TEST(CallbackSink, EscapesTheObjectEvenIfTheMessageNeedsNoEscape) {
   LogRecord record = recordOf("plain");
   record.object = "c\nd";
   std::string seen;
@@ -123,7 +123,7 @@ TEST(CallbackSink, EscapesTheObjectButNotThePlainMessage) {
   EXPECT_EQ(seen, "c\\nd");
 }
 
-TEST(CallbackSink, ContinuesAfterAnExceptionAndThrowsTheFirst) {
+TEST(CallbackSink, CallsTheFunctionAfterAnExceptionAndRethrowsTheFirst) {
   std::vector<std::string> seen;
   CallbackSink sink([&](const LogRecord& record) {
     seen.push_back(record.message);

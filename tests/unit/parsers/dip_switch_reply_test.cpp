@@ -30,7 +30,7 @@ std::optional<Place> settingsByText(const Bytes& bytes) {
   return Place{static_cast<std::int32_t>(start + 4), static_cast<std::int32_t>(end - start - 4)};
 }
 
-TEST(DipSwitchReply, IsFoundWithAnyTwoSettingBytesOfEitherBank) {
+TEST(DipSwitchReply, IsFoundWithAnyTwoSettingBytesInBothBanks) {
   for (const char bank : {'1', '2'}) {
     for (unsigned value = 0; value < 0x10000; ++value) {
       const Bytes pair = {static_cast<std::uint8_t>(value >> 8), static_cast<std::uint8_t>(value)};
@@ -53,13 +53,13 @@ TEST(DipSwitchReply, IsNotFoundWithFewerThanTwoSettingBytes) {
   EXPECT_EQ(settings(reply('1', {0x0a})), std::nullopt);
 }
 
-TEST(DipSwitchReply, RunsToTheLastLineFeedOfAllTheBytes) {
+TEST(DipSwitchReply, SettingsEndAtTheLastLineFeedOfTheInput) {
   EXPECT_EQ(settings(reply('1', {0x12, 0x34, 0x56})), (Place{4, 3}));
   EXPECT_EQ(settings(reply('1', {0x12, 0x34}) + Bytes{0x0a}), (Place{4, 3}));
   EXPECT_EQ(settings(reply('1', {0x12, 0x34}) + reply('2', {0x56, 0x78})), (Place{4, 9}));
 }
 
-TEST(DipSwitchReply, EndsAtTheLastLineFeed) {
+TEST(DipSwitchReply, SettingsEndBeforeBytesAfterTheLastLineFeed) {
   EXPECT_EQ(settings(reply('2', {0x12, 0x34}) + Bytes{0x00, 0x89}), (Place{4, 2}));
 }
 
@@ -71,7 +71,7 @@ TEST(DipSwitchReply, IsFoundAfterNoise) {
   }
 }
 
-TEST(DipSwitchReply, DoesNotEndAtALineFeedBeforeIt) {
+TEST(DipSwitchReply, IsNotFoundIfTheOnlyLineFeedsPrecedeTheReply) {
   EXPECT_EQ(settings(Bytes(20, 0x0a) + Bytes{0x1b, 0x23, 0x2c, 0x31, 0x01, 0x02}), std::nullopt);
 }
 
@@ -84,14 +84,14 @@ TEST(DipSwitchReply, IsNotFoundIfItIsCutOff) {
   }
 }
 
-TEST(DipSwitchReply, IsNotFoundInNoBytes) {
+TEST(DipSwitchReply, IsNotFoundInAnEmptyInput) {
   Place place = {-1, -2};
   EXPECT_NE(parseDipSwitchInfo(nullptr, 0, &place.location, &place.length), 0);
   EXPECT_NE(parseDipSwitchInfo(nullptr, -5, &place.location, &place.length), 0);
   EXPECT_EQ(place, (Place{-1, -2}));
 }
 
-TEST(DipSwitchReply, AgreesWithATextSearchInRandomBytes) {
+TEST(DipSwitchReply, IsFoundWhereATextSearchFindsItInRandomBytes) {
   std::mt19937 random(52);
   int hits = 0;
   for (int round = 0; round < 20000; ++round) {

@@ -43,7 +43,7 @@ QuorPrinterStatus_2 afterAnswer(QuorPrinterStatus_2 record, StatusType query, in
   return record;
 }
 
-TEST(EscPosStatus, AppliesEveryValidByteToTheFieldsOfItsQueryAlone) {
+TEST(EscPosStatus, AValidByteChangesOnlyTheFieldsOfItsQuery) {
   for (const StatusType query : answeredByAByte) {
     int valid = 0;
     for (int byte = 0; byte < 256; ++byte) {
@@ -60,7 +60,7 @@ TEST(EscPosStatus, AppliesEveryValidByteToTheFieldsOfItsQueryAlone) {
   }
 }
 
-TEST(EscPosStatus, RejectsEveryOtherByteAndChangesNothing) {
+TEST(EscPosStatus, AnInvalidByteIsRejectedAndChangesNothing) {
   for (const StatusType query : answeredByAByte) {
     int rejected = 0;
     for (int byte = 0; byte < 256; ++byte) {
@@ -77,7 +77,7 @@ TEST(EscPosStatus, RejectsEveryOtherByteAndChangesNothing) {
   }
 }
 
-TEST(EscPosStatus, RejectsEveryByteForAnUnknownQuery) {
+TEST(EscPosStatus, EveryByteIsRejectedForAnUnknownQuery) {
   for (const StatusType query : {StatusType::All, static_cast<StatusType>(4), StatusType{~0U}}) {
     for (int byte = 0; byte < 256; ++byte) {
       const QuorPrinterStatus_2 before = recordAnswering(byte);
@@ -88,7 +88,7 @@ TEST(EscPosStatus, RejectsEveryByteForAnUnknownQuery) {
   }
 }
 
-TEST(EscPosStatus, NeedsOnlyOneOfTheTwoBitsForPaperOutOrNearEnd) {
+TEST(EscPosStatus, EitherOfTwoBitsReportsPaperOutOrNearEnd) {
   for (const int byte : {0x32, 0x52, 0x72}) {
     QuorPrinterStatus_2 status = recordAnswering(byte);
     ASSERT_NE(BuildParsedStatusESCPOS(&status, StatusType::PaperEmpty), 0);
@@ -103,7 +103,7 @@ TEST(EscPosStatus, NeedsOnlyOneOfTheTwoBitsForPaperOutOrNearEnd) {
   }
 }
 
-TEST(EscPosStatus, ReadsTheByteWhateverTheLength) {
+TEST(EscPosStatus, TheLengthOfTheReplyIsIgnored) {
   QuorPrinterStatus_2 status = recordAnswering(0x1a);
   status.rawLength = 0;
   EXPECT_NE(BuildParsedStatusESCPOS(&status, StatusType::CashDrawer), 0);
@@ -111,7 +111,7 @@ TEST(EscPosStatus, ReadsTheByteWhateverTheLength) {
   EXPECT_EQ(status.compulsionSwitch, 0U);
 }
 
-TEST(StatusType, HasFixedValues) {
+TEST(StatusType, HasTheNumbersOfThePublicInterface) {
   EXPECT_EQ(static_cast<std::uint32_t>(StatusType::CashDrawer), 0U);
   EXPECT_EQ(static_cast<std::uint32_t>(StatusType::CoverOpen), 1U);
   EXPECT_EQ(static_cast<std::uint32_t>(StatusType::PaperEmpty), 2U);

@@ -77,7 +77,7 @@ TEST(FirmwareReply, IsTheFirstOfTwoReplies) {
   EXPECT_EQ(text(head + ascii("one") + tail + head + ascii("three") + tail), (Place{3, 3}));
 }
 
-TEST(FirmwareReply, IsFoundBeforeOtherBytes) {
+TEST(FirmwareReply, IsFoundIfOtherBytesFollow) {
   EXPECT_EQ(text(head + ascii("1") + tail + Bytes{0x89, 0x01}), (Place{3, 1}));
 }
 
@@ -88,14 +88,14 @@ TEST(FirmwareReply, IsNotFoundIfItIsCutOff) {
   }
 }
 
-TEST(FirmwareReply, IsNotFoundInNoBytes) {
+TEST(FirmwareReply, IsNotFoundInAnEmptyInput) {
   Place place = {-1, -2};
   EXPECT_NE(parseFirmwareInfo(nullptr, 0, &place.location, &place.length), 0);
   EXPECT_NE(parseFirmwareInfo(nullptr, -5, &place.location, &place.length), 0);
   EXPECT_EQ(place, (Place{-1, -2}));
 }
 
-TEST(FirmwareReply, AgreesWithASlowSearchInRandomBytes) {
+TEST(FirmwareReply, IsFoundWhereASlowSearchFindsItInRandomBytes) {
   std::mt19937 random(51);
   int hits = 0;
   for (int round = 0; round < 2000; ++round) {

@@ -26,7 +26,7 @@ QuorPrinterStatus_2 parsed(const Bytes& bytes) {
   return status;
 }
 
-TEST(StatusLength, IsTheLowSixBitsOfTheFirstByteOr1IfTheyAre0) {
+TEST(StatusLength, IsTheLowSixBitsOfTheFirstByteOr1IfTheBitsAre0) {
   for (std::int32_t top = 0; top < 256; top += 64) {
     EXPECT_EQ(CalculateStatusLength(top), 1) << top;
     for (std::int32_t length = 1; length <= 63; ++length) {
@@ -35,7 +35,7 @@ TEST(StatusLength, IsTheLowSixBitsOfTheFirstByteOr1IfTheyAre0) {
   }
 }
 
-TEST(LineStatus, SetsEachFlagToExactlyOneWithoutTheOthers) {
+TEST(LineStatus, EachBitSetsOneFlagTo1AndNoOtherFlag) {
   for (std::size_t k = 0; k < flagCount; ++k) {
     std::array<std::uint8_t, 4> flags = {};
     flags[k / 8] = static_cast<std::uint8_t>(1U << (k % 8));
@@ -45,7 +45,7 @@ TEST(LineStatus, SetsEachFlagToExactlyOneWithoutTheOthers) {
   }
 }
 
-TEST(LineStatus, ClearsEachFlagToExactlyZeroWithoutTheOthers) {
+TEST(LineStatus, EachMissingBitClearsOneFlagAndNoOtherFlag) {
   for (std::size_t k = 0; k < flagCount; ++k) {
     std::array<std::uint8_t, 4> flags = {allBits, allBits, allBits, allBits};
     flags[k / 8] = static_cast<std::uint8_t>(allBits ^ (1U << (k % 8)));
@@ -56,7 +56,7 @@ TEST(LineStatus, ClearsEachFlagToExactlyZeroWithoutTheOthers) {
   }
 }
 
-TEST(LineStatus, NamesTheFlagOfEachBit) {
+TEST(LineStatus, TheFirstAndLastBitOfEachByteSetTheRightFlag) {
   // The first and last flags of each byte; the others follow the record's order.
   EXPECT_EQ(parsed(reply({0x01, 0, 0, 0})).coverOpen, 1U);
   EXPECT_EQ(parsed(reply({0x02, 0, 0, 0})).offline, 1U);

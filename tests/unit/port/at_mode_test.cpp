@@ -24,7 +24,7 @@ Scenario receiving(const Bytes& chunk) {
 
 const std::string reader = "getPrinterResponseWithSettingTitle:settingLength:timeoutMillis:";
 
-TEST(AtMode, IsEnteredBetweenGuardTimesAndConfirmedByTheAddress) {
+TEST(AtCommandMode, IsEnteredAfterGuardTimesAndConfirmedByTheModulesAddress) {
   const Outcome run = replying(address + fine).run(enterATMode());
   EXPECT_EQ(run.result, "true");
   EXPECT_EQ(run.wire(),
@@ -37,7 +37,7 @@ TEST(AtMode, IsEnteredBetweenGuardTimesAndConfirmedByTheAddress) {
   EXPECT_EQ(run.records("enterATMode"), "Start |\nEnd | -> 1\n");
 }
 
-TEST(AtMode, FailsWhenTheEscapeSequenceCannotBeWritten) {
+TEST(AtCommandMode, FailsWhenTheEscapeSequenceCannotBeWritten) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.writeReturns(1, -1);
   const Outcome run = scenario.run(enterATMode());
@@ -49,7 +49,7 @@ TEST(AtMode, FailsWhenTheEscapeSequenceCannotBeWritten) {
   )"));
 }
 
-TEST(AtMode, FailsWhenTheAddressQueryCannotBeWritten) {
+TEST(AtCommandMode, FailsWhenTheAddressQueryCannotBeWritten) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.writeReturns(2, -1);
   const Outcome run = scenario.run(enterATMode());
@@ -61,7 +61,7 @@ TEST(AtMode, FailsWhenTheAddressQueryCannotBeWritten) {
   )"));
 }
 
-TEST(AtMode, FailsWhenTheModuleAnswersAnError) {
+TEST(AtCommandMode, FailsWhenTheModuleAnswersAnError) {
   const Outcome run = replying(failed).run(enterATMode());
   EXPECT_EQ(run.result, "false");
   EXPECT_EQ(run.records("enterATMode"),
@@ -69,7 +69,7 @@ TEST(AtMode, FailsWhenTheModuleAnswersAnError) {
             "*AILBA:\nEnd | -> 0\n");
 }
 
-TEST(AtMode, FailsWhenTheModuleDoesNotAnswer) {
+TEST(AtCommandMode, FailsWhenTheModuleDoesNotAnswer) {
   const Outcome run = Scenario::in(lineMode).run(enterATMode());
   EXPECT_EQ(run.result, "false");
   EXPECT_NE(
@@ -79,7 +79,7 @@ TEST(AtMode, FailsWhenTheModuleDoesNotAnswer) {
   EXPECT_NE(run.records(reader).find("Error | interval > TIMEOUT_SEC, "), std::string::npos);
 }
 
-TEST(AtMode, ThrowsARangeErrorOnAnOkWithoutAWholeAddress) {
+TEST(AtCommandMode, ThrowsARangeErrorIfTheModuleAnswersOkWithoutAWholeAddress) {
   for (const Bytes& reply : {fine, ascii("\r\n*AILBA:0011") + fine}) {
     const Outcome run = replying(reply).run(enterATMode());
     EXPECT_EQ(run.result, "std::out_of_range");
@@ -87,7 +87,7 @@ TEST(AtMode, ThrowsARangeErrorOnAnOkWithoutAWholeAddress) {
   }
 }
 
-TEST(ModuleReply, IsTheTitleAndTheCharactersAfterIt) {
+TEST(ModuleReply, IsTheTitleAndTheRequestedNumberOfCharactersAfterTheTitle) {
   const Outcome run = receiving(address + fine).run(getPrinterResponse("*AILBA:", 12, 10000));
   EXPECT_EQ(run.result, "\"*AILBA:0011223344FF\"");
   EXPECT_EQ(run.records(reader),
@@ -98,7 +98,7 @@ TEST(ModuleReply, IsTheTitleAndTheCharactersAfterIt) {
             "End | *AILBA:, 12, 10000, -> *AILBA:0011223344FF\n");
 }
 
-TEST(ModuleReply, IsTheErrorWhereverItArrives) {
+TEST(ModuleReply, IsTheErrorEvenIfOtherTextPrecedesTheError) {
   const Outcome run = receiving(fine + ascii("x") + failed).run(getPrinterResponse("T", 1, 1000));
   EXPECT_EQ(run.result, "\"\r\nERROR\r\n\"") << "the error is looked for first";
   EXPECT_NE(run.records(reader).find("[printerResponse rangeOfString:responseNG2].location != "
@@ -107,7 +107,7 @@ TEST(ModuleReply, IsTheErrorWhereverItArrives) {
   EXPECT_TRUE(run.records(reader).ends_with("End | T, 1, 1000, -> \r\nERROR\r\n\n"));
 }
 
-TEST(ModuleReply, IsTheOkIfNoTitleIsGiven) {
+TEST(ModuleReply, IsOkIfNoTitleIsGiven) {
   const Outcome run = receiving(ascii("a") + fine).run(getPrinterResponse({}, 5, 1000));
   EXPECT_EQ(run.result, "\"\r\nOK\r\n\"");
   EXPECT_TRUE(run.records(reader).starts_with("Start | (null), 5, 1000\n"));
@@ -115,7 +115,7 @@ TEST(ModuleReply, IsTheOkIfNoTitleIsGiven) {
       "Process | settingTitle == nil, 0x0\nEnd | (null), 5, 1000, -> \r\nOK\r\n\n"));
 }
 
-TEST(ModuleReply, IsEverythingFromTheTitleOnIfTheLengthIs0) {
+TEST(ModuleReply, IsAllTextFromTheTitleOnIfTheLengthIs0) {
   const Outcome run =
       receiving(ascii("abTITLE=7") + fine).run(getPrinterResponse("TITLE", 0, 1000));
   EXPECT_EQ(run.result, "\"TITLE=7\r\nOK\r\n\"");
@@ -123,7 +123,7 @@ TEST(ModuleReply, IsEverythingFromTheTitleOnIfTheLengthIs0) {
       "Process | settingLength == 0, 0\nEnd | TITLE, 0, 1000, -> TITLE=7\r\nOK\r\n\n"));
 }
 
-TEST(ModuleReply, ThrowsARangeErrorIfASettingIsCutShort) {
+TEST(ModuleReply, ThrowsARangeErrorIfTheSettingIsIncomplete) {
   const auto result = [](const std::string& text, const char* title, std::int32_t length) {
     return receiving(ascii(text) + fine).run(getPrinterResponse(title, length, 1000)).result;
   };
@@ -148,20 +148,20 @@ TEST(ModuleReply, HasOneCharacterForEachByte) {
             "A\"");
 }
 
-TEST(ModuleReply, IsNotFoundInTwoPieces) {
+TEST(ModuleReply, IsNotFoundIfItArrivesInTwoPieces) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.delivers(ascii("\r\nO")).delivers(ascii("K\r\n"), 0.05);
   EXPECT_EQ(scenario.run(getPrinterResponse({}, 0, 1000)).result, "none");
 }
 
-TEST(ModuleReply, IsFoundInALaterChunk) {
+TEST(ModuleReply, IsFoundInALaterRead) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.delivers(ascii("noise")).delivers(fine, 0.7);
   const Outcome run = scenario.run(getPrinterResponse({}, 0, 1000));
   EXPECT_EQ(run.result, "\"\r\nOK\r\n\"");
 }
 
-TEST(ModuleReply, IsNullAtOnceWhenAReadFails) {
+TEST(ModuleReply, IsNullAtOnceWhenTheFirstReadFails) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.isLost();
   const Outcome run = scenario.run(getPrinterResponse("T", 1, 10000));
@@ -183,7 +183,7 @@ TEST(ModuleReply, IsNullWhenALaterReadFails) {
       "Error | Fail to [[self read:512] retain]: <self>\nEnd | T, 1, 10000, -> 0x0\n"));
 }
 
-TEST(ModuleReply, HasALimitOfWholeSecondsAndAtLeastOne) {
+TEST(ModuleReply, IsAwaitedForWholeSecondsAndForAtLeastOne) {
   const std::pair<std::int32_t, int> rows[] = {{10000, 10}, {1999, 1}, {1000, 1},      {999, 1},
                                                {0, 1},      {-5, 1},   {INT32_MIN, 1}, {2000, 2}};
   for (const auto& [millis, seconds] : rows) {
@@ -194,7 +194,7 @@ TEST(ModuleReply, HasALimitOfWholeSecondsAndAtLeastOne) {
   }
 }
 
-TEST(ModuleReply, MeasuresFractionsOfASecond) {
+TEST(ModuleReply, IsAwaitedByAClockThatCountsFractionsOfASecond) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.startsPastTheSecond(900000);
   const Outcome run = scenario.run(getPrinterResponse("T", 1, 1000));
@@ -210,7 +210,7 @@ TEST(ModuleReply, MeasuresFractionsOfASecond) {
       << run.records(reader);
 }
 
-TEST(ModuleReply, ContinuesWhenExactlyTheLimitHasPassed) {
+TEST(ModuleReply, IsStillAwaitedWhenExactlyTheLimitHasPassed) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.readReturns(1, 0);
   scenario.script.delivers(ascii("x")).delivers(fine, 1.2).stepsClock(2, 1);

@@ -7,7 +7,7 @@ namespace {
 
 const std::string method = "beginCheckedBlock:level:resultCode:";
 
-TEST(BeginBlockInLineMode, TakesAllStepsWithoutASleep) {
+TEST(BeginBlockInLineMode, SendsAllCommandsWithoutASleep) {
   Scenario scenario = lineModePrinter();
   scenario.dataTimeoutSeconds = 10;
   const Outcome run = scenario.run(beginCheckedBlock(5));
@@ -25,7 +25,7 @@ TEST(BeginBlockInLineMode, TakesAllStepsWithoutASleep) {
       << "line mode always asks for level 2";
 }
 
-TEST(BeginBlockInLineMode, DoesNotWaitAfterCommandsThatAreNeverAnswered) {
+TEST(BeginBlockInLineMode, DoesNotWaitAfterACommandThatIsNeverAnswered) {
   Scenario scenario = lineModePrinter();
   scenario.dataTimeoutSeconds = 10;
   scenario.script.expects = Script::Expects::WhereAsked;
@@ -47,7 +47,7 @@ TEST(BeginBlockInLineMode, SendsNothingToAPrinterThatIsOffLine) {
   )"));
 }
 
-TEST(BeginBlockInLineMode, FailsWithoutAFirstStatus) {
+TEST(BeginBlockInLineMode, FailsIfTheFirstStatusIsMissing) {
   const Outcome run = Scenario::in(lineMode).run(beginCheckedBlock());
   EXPECT_EQ(run.result, "false");
   EXPECT_EQ(run.caller.resultCode, -1);
@@ -59,7 +59,7 @@ TEST(BeginBlockInLineMode, FailsWithoutAFirstStatus) {
   )"));
 }
 
-TEST(BeginBlockInLineMode, HasTheResultCodeFailedIfTheStatusThrows) {
+TEST(BeginBlockInLineMode, SetsTheResultCodeToFailedIfTheStatusThrows) {
   Scenario scenario = lineModePrinter();
   scenario.script.isLost();
   const Outcome run = scenario.run(beginCheckedBlock());
@@ -80,7 +80,7 @@ TEST(BeginBlockInLineMode, FailsWhenTheCounterCannotBeReset) {
             std::string::npos);
 }
 
-TEST(BeginBlockInLineMode, ChecksTheConnectionBeforeTheFirstStatusOfTheWait) {
+TEST(BeginBlockInLineMode, FailsIfTheLinkIsLostBeforeTheWaitForTheCounter) {
   Scenario scenario = lineModePrinter();
   scenario.script.isLostAfterBytes(13 + 4);
   const Outcome run = scenario.run(beginCheckedBlock());
@@ -89,7 +89,7 @@ TEST(BeginBlockInLineMode, ChecksTheConnectionBeforeTheFirstStatusOfTheWait) {
   EXPECT_THAT(run.records(method), failedBy("self.isConnected: 0"));
 }
 
-TEST(BeginBlockInLineMode, ChecksTheConnectionAgainToLogALostLink) {
+TEST(BeginBlockInLineMode, ChecksTheConnectionASecondTimeForTheLogRecordOfALostLink) {
   Scenario scenario = lineModePrinter();
   std::vector<bool> answers(6 + 2, true);  // the first status, and the reset
   answers.push_back(false);
@@ -118,7 +118,7 @@ TEST(BeginBlockInLineMode, FailsWhenTheCounterIsNot0WithinTheTimeout) {
   EXPECT_THAT(run.records(method), timedOut("waitTimeout", 1, 2));
 }
 
-TEST(BeginBlockInLineMode, FailsWithItsOwnCodeWhenPaperRemainsPastTheHoldPrintTimeout) {
+TEST(BeginBlockInLineMode, FailsWithThePaperPresentCodeAtTheHoldPrintTimeout) {
   Scenario scenario = lineModePrinter(lineStatus({paperPresentFlag}), 60000);
   scenario.holdMillis = 2999;
   const Outcome run = scenario.run(beginCheckedBlock());
@@ -127,7 +127,7 @@ TEST(BeginBlockInLineMode, FailsWithItsOwnCodeWhenPaperRemainsPastTheHoldPrintTi
   EXPECT_THAT(run.records(method), timedOut("waitTimeout", 2, 3));
 }
 
-TEST(BeginBlockInLineMode, SucceedsWhenThePaperIsTakenInTime) {
+TEST(BeginBlockInLineMode, SucceedsIfThePaperIsTakenBeforeTheTimeout) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.holdMillis = 5000;
   scenario.script.whenAsked(lineRequest, whole(lineStatus({paperPresentFlag})))
@@ -138,7 +138,7 @@ TEST(BeginBlockInLineMode, SucceedsWhenThePaperIsTakenInTime) {
   EXPECT_EQ(run.caller.resultCode, 0);
 }
 
-TEST(BeginBlockInLineMode, ChoosesTheLimitAnewInEachPass) {
+TEST(BeginBlockInLineMode, ChoosesItsTimeoutAnewInEachPass) {
   Scenario scenario = Scenario::in(lineMode, 1000);
   scenario.holdMillis = 10000;
   scenario.script.whenAsked(lineRequest, whole(lineStatus()));
@@ -153,7 +153,7 @@ TEST(BeginBlockInLineMode, ChoosesTheLimitAnewInEachPass) {
   EXPECT_THAT(run.records(method), timedOut("waitTimeout", 1, 3));
 }
 
-TEST(BeginBlockInLineMode, EndsWithoutAnErrorIfThePrinterBecomesOffLine) {
+TEST(BeginBlockInLineMode, SucceedsIfThePrinterBecomesOffLineDuringTheWait) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.whenAsked(lineRequest, whole(lineStatus({}, 1)))
       .whenAsked(lineRequest, whole(lineStatus({offlineFlag, paperPresentFlag}, 1)));
@@ -163,7 +163,7 @@ TEST(BeginBlockInLineMode, EndsWithoutAnErrorIfThePrinterBecomesOffLine) {
   EXPECT_EQ(run.caller.status.offline, 1U);
 }
 
-TEST(BeginBlockInLineMode, AsksAgainAfterAStatusThatFailed) {
+TEST(BeginBlockInLineMode, AsksAgainAfterAFailedStatus) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.whenAsked(lineRequest, whole(lineStatus()))
       .whenAsked(lineRequest, {})
@@ -175,7 +175,7 @@ TEST(BeginBlockInLineMode, AsksAgainAfterAStatusThatFailed) {
   EXPECT_EQ(run.wire().find("select"), std::string::npos) << "it sleeps with usleep here";
 }
 
-TEST(BeginBlockInLineMode, FailsWhenTheStatusKeepsFailingPastTheTimeout) {
+TEST(BeginBlockInLineMode, FailsIfEveryStatusFailsUntilTheTimeout) {
   Scenario scenario = Scenario::in(lineMode, 3000);
   scenario.script.whenAsked(lineRequest, whole(lineStatus()));
   const Outcome run = scenario.run(beginCheckedBlock());
@@ -184,7 +184,7 @@ TEST(BeginBlockInLineMode, FailsWhenTheStatusKeepsFailingPastTheTimeout) {
   EXPECT_THAT(run.records(method), timedOut("timeoutSec", 3, 6));
 }
 
-TEST(BeginBlockInLineMode, StartsItsTimeAtTheReset) {
+TEST(BeginBlockInLineMode, MeasuresItsTimeoutFromTheCounterReset) {
   Scenario scenario = Scenario::in(lineMode, 1000);
   scenario.script.whenAsked(lineRequest, {{lineStatus(), 1.4}})
       .wheneverAsked(lineRequest, whole(lineStatus({}, 1)));
@@ -192,7 +192,7 @@ TEST(BeginBlockInLineMode, StartsItsTimeAtTheReset) {
   EXPECT_THAT(run.records(method), timedOut("waitTimeout", 1, 3, 1));
 }
 
-TEST(BeginBlockInLineMode, HasALimitOf0SecondsBelow1000Milliseconds) {
+TEST(BeginBlockInLineMode, TreatsATimeoutBelow1000MillisecondsAs0Seconds) {
   Scenario scenario = lineModePrinter(lineStatus({}, 1), 999);
   scenario.script.startsPastTheSecond(600000);
   const Outcome run = scenario.run(beginCheckedBlock());
@@ -200,7 +200,7 @@ TEST(BeginBlockInLineMode, HasALimitOf0SecondsBelow1000Milliseconds) {
   EXPECT_THAT(run.records(method), timedOut("waitTimeout", 0, 1));
 }
 
-TEST(BeginBlockInLineMode, IsNotTimedOutByAClockThatStepsBack) {
+TEST(BeginBlockInLineMode, DoesNotTimeOutWhenTheClockIsSetBack) {
   Scenario scenario = Scenario::in(lineMode, 0);
   for (const unsigned counter : {1U, 1U, 0U}) {
     scenario.script.whenAsked(lineRequest, whole(lineStatus({}, counter)));
@@ -217,7 +217,7 @@ class BeginBlock : public testing::TestWithParam<std::int32_t> {
   static std::size_t writesBefore() { return GetParam() == lineMode ? 3 : 5; }
 };
 
-TEST_P(BeginBlock, SendsNoDataTimeoutWhenThatIsNegative) {
+TEST_P(BeginBlock, SendsNoDataTimeoutIfTheSettingIsNegative) {
   for (const std::int64_t seconds : {std::int64_t{-1}, INT64_MIN}) {
     Scenario scenario = printer();
     scenario.dataTimeoutSeconds = seconds;
@@ -229,7 +229,7 @@ TEST_P(BeginBlock, SendsNoDataTimeoutWhenThatIsNegative) {
   }
 }
 
-TEST_P(BeginBlock, SendsTheLowByteOfTheDataTimeout) {
+TEST_P(BeginBlock, SendsTheLowByteOfTheDataTimeoutSetting) {
   const std::pair<std::int64_t, std::uint8_t> rows[] = {
       {0, 0x00}, {255, 0xff}, {256, 0x00}, {300, 0x2c}, {INT64_MAX, 0xff}};
   for (const auto& [seconds, byte] : rows) {
@@ -268,7 +268,7 @@ TEST_P(BeginBlock, FailsWhenTheDataCancelCannotBeSent) {
 
 INSTANTIATE_TEST_SUITE_P(Emulation, BeginBlock, testing::Values(lineMode, escPos));
 
-TEST(BeginBlockInEscPos, TakesAllSteps) {
+TEST(BeginBlockInEscPos, SendsCounterResetStatusRequestsAndDataCancel) {
   const Outcome run = escPosPrinter().run(beginCheckedBlock(5));
   EXPECT_EQ(run.result, "true");
   EXPECT_EQ(run.caller.resultCode, 0);
@@ -276,20 +276,20 @@ TEST(BeginBlockInEscPos, TakesAllSteps) {
   EXPECT_EQ(run.records("getParsedStatus:level:").substr(0, 20), "Start | <status>, 5\n");
 }
 
-TEST(BeginBlockInEscPos, BeginsEvenIfThePrinterIsOffLine) {
+TEST(BeginBlockInEscPos, SucceedsEvenIfThePrinterIsOffLine) {
   const Outcome run = escPosPrinter("1a").run(beginCheckedBlock());
   EXPECT_EQ(run.result, "true");
   EXPECT_EQ(run.caller.resultCode, 0);
   EXPECT_EQ(run.caller.status.offline, 1U);
 }
 
-TEST(BeginBlockInEscPos, BeginsEvenWithoutAStatus) {
+TEST(BeginBlockInEscPos, SucceedsEvenIfTheStatusIsInvalid) {
   const Outcome run = escPosPrinter("00").run(beginCheckedBlock());
   EXPECT_EQ(run.result, "true");
   EXPECT_EQ(run.caller.resultCode, 0);
 }
 
-TEST(BeginBlockInEscPos, FailsWhenTheLinkIsLostAfterTheReset) {
+TEST(BeginBlockInEscPos, FailsIfTheLinkIsLostAfterTheCounterReset) {
   Scenario scenario = escPosPrinter();
   scenario.script.isLostAfterBytes(6);
   const Outcome run = scenario.run(beginCheckedBlock());
@@ -298,7 +298,7 @@ TEST(BeginBlockInEscPos, FailsWhenTheLinkIsLostAfterTheReset) {
   EXPECT_THAT(run.records(method), failedBy("self.isConnected: 0"));
 }
 
-TEST(BeginBlockInEscPos, AsksForTheLostConnectionOnlyOnce) {
+TEST(BeginBlockInEscPos, ChecksALostConnectionOnlyOnce) {
   Scenario scenario = escPosPrinter();
   scenario.script.saysConnected({true, true, false, true});
   const Outcome run = scenario.run(beginCheckedBlock());
@@ -306,7 +306,7 @@ TEST(BeginBlockInEscPos, AsksForTheLostConnectionOnlyOnce) {
   EXPECT_THAT(run.records(method), failedBy("self.isConnected: 0"));
 }
 
-TEST(BeginBlockInEscPos, ThrowsTheExceptionOfTheStatus) {
+TEST(BeginBlockInEscPos, PassesOnTheExceptionOfTheStatusRequest) {
   Scenario scenario = Scenario::in(escPos);
   scenario.script.isLost(0.5);
   const Outcome run = scenario.run(beginCheckedBlock());
@@ -323,7 +323,7 @@ TEST(BeginBlockInEscPos, FailsWhenTheCounterCannotBeReset) {
               failedBy("Fail to [self writeWithRetry:etbResetCommand]: <self>, <address>"));
 }
 
-TEST(BeginBlockOfAnUnknownEmulation, TakesTheStepsOfEscPos) {
+TEST(BeginBlockOfAnUnknownEmulation, SendsTheCommandsOfEscPos) {
   const Outcome run = Scenario::in(unknownEmulation).run(beginCheckedBlock());
   EXPECT_EQ(run.result, "true");
   EXPECT_EQ(run.caller.resultCode, 0);

@@ -15,7 +15,7 @@ Scenario withSetting(unsigned setting, std::uint32_t timeout = 10000) {
   return scenario;
 }
 
-TEST(ButtonSecurity, IsTheTopTwoBitsOfTheFifthByteAlone) {
+TEST(ButtonSecurityTimeout, DependsOnTheTopTwoBitsOfTheFifthByteOnly) {
   const std::int64_t times[] = {20000 + 1234, 10000 + 1234, 5000 + 1234, 0};
   const char* const shownTimes[] = {"20000", "10000", "5000", "0"};
   for (unsigned setting = 0; setting < 256; ++setting) {
@@ -27,7 +27,7 @@ TEST(ButtonSecurity, IsTheTopTwoBitsOfTheFifthByteAlone) {
   }
 }
 
-TEST(ButtonSecurity, ReadsExactlySevenBytes) {
+TEST(ButtonSecurityTimeout, IsReadFromExactlySevenBytes) {
   Scenario scenario = withSetting(0x45);
   scenario.script.delivers(bytes("99"), 0.05);
   const Outcome run = scenario.run(inTurn({retrieveButtonSecurityTimeout(), read(9)}));
@@ -40,7 +40,7 @@ TEST(ButtonSecurity, ReadsExactlySevenBytes) {
   )"));
 }
 
-TEST(ButtonSecurity, ReadsTheClockForTheStartAndForTheEndBeforeItReadsTheReply) {
+TEST(ButtonSecurityTimeout, ReadsTheClockTwiceBeforeTheReply) {
   const std::string all = withSetting(0x45).run(retrieveButtonSecurityTimeout()).all();
   const std::size_t written = all.find("End writeWithRetry: | ");
   const std::string_view between =
@@ -50,7 +50,7 @@ TEST(ButtonSecurity, ReadsTheClockForTheStartAndForTheEndBeforeItReadsTheReply) 
       << between;
 }
 
-TEST(ButtonSecurity, JoinsAReplyInPieces) {
+TEST(ButtonSecurityTimeout, IsReadFromAReplyInPieces) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.whenAsked(request, {{bytes("1b 23 2c")}, {bytes("31 85 00 0a"), 0.1}});
   const Outcome run = scenario.run(retrieveButtonSecurityTimeout());
@@ -63,13 +63,13 @@ TEST(ButtonSecurity, JoinsAReplyInPieces) {
   )"));
 }
 
-TEST(ButtonSecurity, AcceptsAnySevenBytes) {
+TEST(ButtonSecurityTimeout, IsReadFromAnySevenBytes) {
   Scenario scenario = Scenario::in(lineMode, 0);
   scenario.script.whenAsked(request, whole(bytes("00 00 00 00 80 00 00")));
   EXPECT_EQ(scenario.run(retrieveButtonSecurityTimeout()).result, "5000");
 }
 
-TEST(ButtonSecurity, WrapsItsSumAt32Bits) {
+TEST(ButtonSecurityTimeout, WrapsAt32Bits) {
   EXPECT_EQ(withSetting(0x00, 4294967295U).run(retrieveButtonSecurityTimeout()).result, "19999");
   EXPECT_EQ(withSetting(0x40, 4294957296U).run(retrieveButtonSecurityTimeout()).result, "0");
   EXPECT_EQ(withSetting(0x80, 4294962295U).run(retrieveButtonSecurityTimeout()).result,
@@ -77,7 +77,7 @@ TEST(ButtonSecurity, WrapsItsSumAt32Bits) {
   EXPECT_EQ(withSetting(0xc0, 4294967295U).run(retrieveButtonSecurityTimeout()).result, "0");
 }
 
-TEST(ButtonSecurity, FailsWhenTheReplyRemainsTooShort) {
+TEST(ButtonSecurityTimeout, IsAnErrorIfTheReplyRemainsTooShort) {
   Scenario scenario = Scenario::in(lineMode, 1000);
   scenario.script.whenAsked(request, whole(bytes("1b 23 2c 31 45 00")));
   const Outcome run = scenario.run(retrieveButtonSecurityTimeout());
@@ -97,7 +97,7 @@ TEST(ButtonSecurity, FailsWhenTheReplyRemainsTooShort) {
   )"));
 }
 
-TEST(ButtonSecurity, LogsItsLimitAsUnsigned) {
+TEST(ButtonSecurityTimeout, LogsTheTimeLimitOfItsQueryAsUnsigned) {
   Scenario scenario = Scenario::in(lineMode, 4294967295U);
   scenario.script.stepsClock(3, 5000000).stepsClock(4, 5000000);
   const Outcome run = scenario.run(retrieveButtonSecurityTimeout());
@@ -105,7 +105,7 @@ TEST(ButtonSecurity, LogsItsLimitAsUnsigned) {
   EXPECT_NE(run.records(method).find(", 4294967\n"), std::string::npos) << run.records(method);
 }
 
-TEST(ButtonSecurity, FailsWithoutAReadWhenTheRequestIsWrittenShort) {
+TEST(ButtonSecurityTimeout, IsNotReadIfItsRequestCannotBeWritten) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.writeReturns(1, -1);
   const Outcome run = scenario.run(retrieveButtonSecurityTimeout());
@@ -118,7 +118,7 @@ TEST(ButtonSecurity, FailsWithoutAReadWhenTheRequestIsWrittenShort) {
   )"));
 }
 
-TEST(ButtonSecurity, WaitsToItsTimeoutWhenTheLinkIsLost) {
+TEST(ButtonSecurityTimeout, IsAwaitedUntilTheTimeLimitEvenIfTheLinkIsLost) {
   Scenario scenario = Scenario::in(lineMode, 1000);
   scenario.script.isLostAfterBytes(6);
   const Outcome run = scenario.run(retrieveButtonSecurityTimeout());

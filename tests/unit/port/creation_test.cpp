@@ -28,7 +28,7 @@ class NewPort : public testing::Test {
   Logging logging_{true};
 };
 
-TEST_F(NewPort, OnAnotherThreadStartsNoPortThread) {
+TEST_F(NewPort, StartsNoPortThreadIfItIsMadeOutsideTheMainThread) {
   const Port port = create("BT:Shop", "d10", 5000, ZKEmulationESCPOS);
   EXPECT_EQ(port->thread71(), nullptr);
   EXPECT_EQ(whole(world_.trace().lines()), text(R"(
@@ -40,7 +40,7 @@ TEST_F(NewPort, OnAnotherThreadStartsNoPortThread) {
   )"));
 }
 
-TEST_F(NewPort, OnTheMainThreadStartsThePortThread) {
+TEST_F(NewPort, StartsThePortThreadIfItIsMadeOnTheMainThread) {
   world_.machine().setMainThread(true);
   const Port port = create();
   EXPECT_NE(port->thread71(), nullptr);
@@ -55,7 +55,7 @@ TEST_F(NewPort, OnTheMainThreadStartsThePortThread) {
   port->close();
 }
 
-TEST_F(NewPort, WithoutAPlatformIsNull) {
+TEST_F(NewPort, IsNullIfThereIsNoPlatform) {
   EXPECT_EQ(ExternalAccessoryPort::initWithPortName("BT:", "", 1000, ZKEmulationQuorLine, nullptr),
             nullptr);
   EXPECT_EQ(records(), text(R"(
@@ -100,7 +100,7 @@ TEST_F(NewPort, IsNullWhenThePortThreadCannotBeMadeOrStarted) {
   }
 }
 
-TEST_F(NewPort, KeepsItsArgumentsAndHasItsDefaults) {
+TEST_F(NewPort, HasTheGivenArgumentsAndTheDefaultProperties) {
   const Port port = create("BT:", "", 4321, ZKEmulationESCPOS);
   EXPECT_EQ(port->endCheckedBlockTimeoutMillis(), 4321U);
   EXPECT_EQ(port->holdPrintTimeoutMillis(), 0U);
@@ -116,13 +116,13 @@ TEST_F(NewPort, KeepsItsArgumentsAndHasItsDefaults) {
   EXPECT_EQ(port->timeoutMillis(), 4321U);
 }
 
-TEST_F(NewPort, StoresItsIntervalsInSinglePrecision) {
+TEST_F(NewPort, StoresItsWaitingIntervalsInSinglePrecision) {
   const Port port = create();
   EXPECT_EQ(static_cast<double>(port->secInterval1()), 0.05000000074505806);
   EXPECT_EQ(static_cast<double>(port->secInterval2()), 0.10000000149011612);
 }
 
-TEST_F(NewPort, LetsTheApplicationChangeItsLimits) {
+TEST_F(NewPort, LetsTheApplicationChangeItsTimeouts) {
   const Port port = create();
   port->setEndCheckedBlockTimeoutMillis(1);
   port->setHoldPrintTimeoutMillis(4294967295U);
@@ -133,7 +133,7 @@ TEST_F(NewPort, LetsTheApplicationChangeItsLimits) {
   EXPECT_EQ(port->timeoutMillis(), 10000U);
 }
 
-TEST_F(NewPort, LetsItsOtherPropertiesBeSet) {
+TEST_F(NewPort, LetsTheApplicationSetItsOtherProperties) {
   const Port port = create();
   port->setName("n");
   port->setSerialNumber("s");
@@ -161,12 +161,12 @@ TEST_F(NewPort, LogsATimeoutOf2To31OrMoreAsNegative) {
   EXPECT_TRUE(records().starts_with("Start | BT:, , -2147483648, 1\n"));
 }
 
-TEST_F(NewPort, TreatsPercentSignsAsText) {
+TEST_F(NewPort, TreatsPercentSignsInItsNameAndSettingsAsText) {
   create("BT:%d%s%n%@", "%p%%");
   EXPECT_TRUE(records().starts_with("Start | BT:%d%s%n%@, %p%%, 10000, 1\n")) << records();
 }
 
-TEST_F(NewPort, AcceptsEveryKindOfName) {
+TEST_F(NewPort, AcceptsEmptyLongAndBinaryNames) {
   for (const std::string& name :
        {std::string(), std::string("B"), std::string("BT"), std::string("bt:"),
         std::string(10U << 20U, 'x'), std::string("BT:\0x", 5), std::string("BT:\r\n\x1b\x07")}) {
@@ -177,12 +177,12 @@ TEST_F(NewPort, AcceptsEveryKindOfName) {
   }
 }
 
-TEST_F(NewPort, AcceptsAnUnnamedEmulation) {
+TEST_F(NewPort, AcceptsAnEmulationNumberWithoutAName) {
   const Port port = create("BT:", "", 0, static_cast<ZKEmulation>(77));
   EXPECT_TRUE(records().starts_with("Start | BT:, , 0, 77\n"));
 }
 
-TEST_F(NewPort, DestructionReleasesAnOpenSessionWithoutClosingIt) {
+TEST_F(NewPort, ReleasesAnOpenSessionWithoutClosingTheSessionWhenDestroyed) {
   Port port = create();
   EXPECT_TRUE(port->open());
   world_.trace().clear();

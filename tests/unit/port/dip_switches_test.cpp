@@ -19,7 +19,7 @@ bool hasBanks(const Outcome& run, const std::string& banks) {
   return run.properties.find("dipSwitchInformation" + banks + "\n") != std::string::npos;
 }
 
-TEST(DipSwitches, AreReadBankByBank) {
+TEST(DipSwitches, AreReadOneBankAfterTheOther) {
   const Outcome run = answering("c0 01 0a", "02 03 0a").run(retrieveDipSwitchInformation());
   EXPECT_EQ(run.result, "true");
   EXPECT_TRUE(hasBanks(run, " <c0 01> <02 03>"));
@@ -40,7 +40,7 @@ TEST(DipSwitches, AreReadBankByBank) {
   )")) << "the bytes shown are the first of the chunk";
 }
 
-TEST(DipSwitches, AreAskedForInTheSameWayInEveryEmulation) {
+TEST(DipSwitches, AreRequestedInTheSameWayInEveryEmulation) {
   for (const std::int32_t emulation : {unknownEmulation, escPos}) {
     Scenario scenario = answering("c0 01 0a", "02 03 0a");
     scenario.creation.emulation = emulation;
@@ -49,7 +49,7 @@ TEST(DipSwitches, AreAskedForInTheSameWayInEveryEmulation) {
   }
 }
 
-TEST(DipSwitches, AreAppendedToThoseReadBefore) {
+TEST(DipSwitches, AreAppendedToTheBanksReadBefore) {
   const Outcome run =
       answering("c0 01 0a", "02 03 0a")
           .run(inTurn({retrieveDipSwitchInformation(), retrieveDipSwitchInformation()}));
@@ -57,7 +57,7 @@ TEST(DipSwitches, AreAppendedToThoseReadBefore) {
   EXPECT_TRUE(hasBanks(run, " <c0 01> <02 03> <c0 01> <02 03>"));
 }
 
-TEST(DipSwitches, KeepBank1WhenBank2Fails) {
+TEST(DipSwitches, KeepBank1IfBank2CannotBeRead) {
   Scenario scenario = Scenario::in(lineMode, 0);
   scenario.script.whenAsked(bank1Request, whole(bytes("1b 23 2c 31 c0 01 0a")));
   const Outcome run = scenario.run(retrieveDipSwitchInformation());
@@ -70,7 +70,7 @@ TEST(DipSwitches, KeepBank1WhenBank2Fails) {
   )"));
 }
 
-TEST(DipSwitches, AreNotAskedForBank2WhenBank1Fails) {
+TEST(DipSwitches, RequestNoBank2IfBank1CannotBeRead) {
   const Outcome run = Scenario::in(lineMode, 0).run(retrieveDipSwitchInformation());
   EXPECT_EQ(run.result, "false");
   EXPECT_EQ(run.sent(), bank1Request);
@@ -88,7 +88,7 @@ TEST(DipSwitchBank, MayContainTheBytesThatBeginOrEndAReply) {
   }
 }
 
-TEST(DipSwitchBank, FailsWithTheLengthErrorWhenTheFieldIsNotTwoBytes) {
+TEST(DipSwitchBank, IsAnErrorIfItHasMoreThanTwoBytes) {
   const Outcome run = answering("01 02 03 0a", "00 00 0a").run(retrieveDipSwitchBank(1));
   EXPECT_EQ(run.result, "none");
   EXPECT_EQ(run.records("retrieveDipSwitchInformation:"), text(R"(
@@ -99,14 +99,14 @@ TEST(DipSwitchBank, FailsWithTheLengthErrorWhenTheFieldIsNotTwoBytes) {
   )"));
 }
 
-TEST(DipSwitchBank, WaitsForMoreBytesWhenTheFieldIsTooShort) {
+TEST(DipSwitchBank, IsAwaitedFurtherIfAReplyHasFewerThanTwoBytes) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.whenAsked(bank1Request,
                             {{bytes("1b 23 2c 31 c0 0a")}, {bytes("1b 23 2c 31 c1 02 0a"), 0.15}});
   EXPECT_EQ(scenario.run(retrieveDipSwitchBank(1)).result, "<c1 02>");
 }
 
-TEST(DipSwitchBank, PollsEvery200MillisecondsUntilTheTimeout) {
+TEST(DipSwitchBank, IsPolledEvery200MillisecondsUntilTheTimeout) {
   const Outcome run = Scenario::in(lineMode, 1000).run(retrieveDipSwitchBank(2));
   EXPECT_EQ(run.result, "none");
   EXPECT_EQ(run.wire(), text(R"(
@@ -124,7 +124,7 @@ TEST(DipSwitchBank, PollsEvery200MillisecondsUntilTheTimeout) {
   )"));
 }
 
-TEST(DipSwitchBank, FailsWithoutAReadWhenTheRequestIsWrittenShort) {
+TEST(DipSwitchBank, IsNotReadIfItsRequestCannotBeWritten) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.writeReturns(1, -1);
   const Outcome run = scenario.run(retrieveDipSwitchBank(1));
@@ -136,12 +136,12 @@ TEST(DipSwitchBank, FailsWithoutAReadWhenTheRequestIsWrittenShort) {
   )"));
 }
 
-TEST(DipSwitchBank, SendsTheBankAsADigitAbove30) {
+TEST(DipSwitchBank, IsRequestedByTheByte30PlusItsNumber) {
   const Outcome run = Scenario::in(lineMode, 0).run(retrieveDipSwitchBank(255));
   EXPECT_EQ(run.sent(), bytes("1b 23 2c 2f 0a 00")) << "the low eight bits of the sum";
 }
 
-TEST(DipSwitchBank, WaitsToItsTimeoutWhenTheLinkIsLost) {
+TEST(DipSwitchBank, IsAwaitedUntilTheTimeoutEvenIfTheLinkIsLost) {
   Scenario scenario = Scenario::in(lineMode, 1000);
   scenario.script.isLostAfterBytes(6);
   const Outcome run = scenario.run(retrieveDipSwitchBank(1));

@@ -9,7 +9,7 @@ const Bytes addressQuery = ascii("AT*AILBA?\r");
 const Bytes dropCommand = ascii("AT*AMWS=10,0,0,0,1,0\r");
 const std::string method = "disconnectBluetoothConnection";
 
-TEST(Disconnect, EntersCommandModeAndDropsTheLink) {
+TEST(Disconnect, EntersAtModeAndDropsTheLink) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.whenAsked(addressQuery, whole(ascii("\r\n*AILBA:0011223344FF\r\n\r\nOK\r\n")))
       .isLost(3.0);
@@ -20,7 +20,7 @@ TEST(Disconnect, EntersCommandModeAndDropsTheLink) {
   EXPECT_EQ(run.calls().find("close"), std::string::npos) << "the port remains open";
 }
 
-TEST(Disconnect, DoesNotSendTheDropCommandWithoutCommandMode) {
+TEST(Disconnect, SendsNoDropCommandIfAtModeCannotBeEntered) {
   Scenario scenario = Scenario::in(lineMode);
   const Outcome run = scenario.run(disconnect());
   EXPECT_EQ(run.result, "false");
@@ -44,7 +44,7 @@ TEST(Disconnect, FailsWhenTheLinkIsNotDropped) {
   )"));
 }
 
-TEST(Disconnect, ThrowsTheRangeErrorOfTheReply) {
+TEST(Disconnect, PassesOnTheRangeErrorOfAModuleReply) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.whenAsked(addressQuery, whole(ascii("\r\nOK\r\n")));
   const Outcome run = scenario.run(disconnect());
@@ -52,7 +52,7 @@ TEST(Disconnect, ThrowsTheRangeErrorOfTheReply) {
   EXPECT_EQ(run.records("disconnect"), "Start |\n");
 }
 
-TEST(DroppingTheLink, EndsAfterOneSliceWithoutASleepWhenTheLinkIsLostAtOnce) {
+TEST(DropOfTheLink, SucceedsAfterOneRunLoopSliceIfTheLinkIsLostAtOnce) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.isLost(0.05);
   const Outcome run = scenario.run(disconnectBluetoothConnection());
@@ -65,7 +65,7 @@ TEST(DroppingTheLink, EndsAfterOneSliceWithoutASleepWhenTheLinkIsLostAtOnce) {
   )"));
 }
 
-TEST(DroppingTheLink, ChecksTheConnectionAgainForTheLog) {
+TEST(DropOfTheLink, ChecksTheConnectionASecondTimeForTheLog) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.saysConnected({true, true, false, true});
   const Outcome run = scenario.run(disconnectBluetoothConnection());
@@ -77,7 +77,7 @@ TEST(DroppingTheLink, ChecksTheConnectionAgainForTheLog) {
   )"));
 }
 
-TEST(DroppingTheLink, ChecksEvery300MillisecondsUntilTheTimeout) {
+TEST(DropOfTheLink, ChecksTheLinkEvery300MillisecondsUntilTheTimeout) {
   const Outcome run = Scenario::in(lineMode, 1000).run(disconnectBluetoothConnection());
   EXPECT_EQ(run.result, "false");
   EXPECT_EQ(run.wire(), "output.write " + shown(dropCommand) +
@@ -89,12 +89,12 @@ TEST(DroppingTheLink, ChecksEvery300MillisecondsUntilTheTimeout) {
   )"));
 }
 
-TEST(DroppingTheLink, EndsWhenTheSecondsDifferByMoreThanTheLimit) {
+TEST(DropOfTheLink, FailsWhenMoreWholeSecondsThanTheLimitHavePassed) {
   const Outcome run = Scenario::in(lineMode, 10000).run(disconnectBluetoothConnection());
   EXPECT_NE(run.records(method).find("1000011, 1000000, 10"), std::string::npos);
 }
 
-TEST(DroppingTheLink, DoesNotReadTheModulesReply) {
+TEST(DropOfTheLink, DoesNotReadTheModulesReply) {
   Scenario scenario = Scenario::in(lineMode, 1000);
   scenario.script.whenAsked(dropCommand, whole(ascii("\r\nERROR\r\n")));
   const Outcome run = scenario.run(disconnectBluetoothConnection());
@@ -102,7 +102,7 @@ TEST(DroppingTheLink, DoesNotReadTheModulesReply) {
   EXPECT_EQ(run.records("read:"), "");
 }
 
-TEST(DroppingTheLink, FailsWhenTheCommandCannotBeWritten) {
+TEST(DropOfTheLink, FailsWhenTheCommandCannotBeWritten) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.isLost();
   const Outcome run = scenario.run(disconnectBluetoothConnection());

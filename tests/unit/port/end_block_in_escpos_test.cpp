@@ -19,7 +19,7 @@ Scenario reporting(const char* firstAnswer) {
   return scenario;
 }
 
-TEST(EndBlockInEscPos, EndsWithTheReportAndLogsEveryStep) {
+TEST(EndBlockInEscPos, SucceedsWithTheReportOfThePrinterAndLogsEveryStep) {
   const Outcome run = reporting("12").run(endCheckedBlock(5));
   EXPECT_EQ(run.result, "true");
   EXPECT_EQ(run.wire(), text(R"(
@@ -51,7 +51,7 @@ TEST(EndBlockInEscPos, EndsWithTheReportAndLogsEveryStep) {
   )"));
 }
 
-TEST(EndBlockInEscPos, WaitsForTheReportOverSeveralPasses) {
+TEST(EndBlockInEscPos, WaitsForTheReportOfThePrinter) {
   Scenario scenario = escPosPrinter();
   scenario.script.whenAsked(escPosEtb, {{report, 0.5}});
   const Outcome run = scenario.run(endCheckedBlock());
@@ -59,7 +59,7 @@ TEST(EndBlockInEscPos, WaitsForTheReportOverSeveralPasses) {
   EXPECT_NE(run.records(method).find("etbCountUp: 1\n"), std::string::npos);
 }
 
-TEST(EndBlockInEscPos, IsFalseWhenNoReportArrives) {
+TEST(EndBlockInEscPos, FailsAtTheTimeoutIfNoReportArrives) {
   Scenario scenario = escPosPrinter();
   scenario.endMillis = 1000;
   const Outcome run = scenario.run(endCheckedBlock());
@@ -79,7 +79,7 @@ TEST(EndBlockInEscPos, IsFalseWhenNoReportArrives) {
   EXPECT_THAT(run.records(method), timedOut("timeoutSec", 1, 2));
 }
 
-TEST(EndBlockInEscPos, EndsWithoutAReportIfThePrinterIsOffLine) {
+TEST(EndBlockInEscPos, SucceedsWithoutAReportIfThePrinterIsOffLine) {
   const Outcome run = escPosPrinter("1a").run(endCheckedBlock());
   EXPECT_EQ(run.result, "true");
   EXPECT_EQ(run.caller.status.offline, 1U);
@@ -87,7 +87,7 @@ TEST(EndBlockInEscPos, EndsWithoutAReportIfThePrinterIsOffLine) {
   EXPECT_NE(run.records(method).find("Process | (topByte & 0x08): 8\n"), std::string::npos);
 }
 
-TEST(EndBlockInEscPos, BeginsTheNextPassAtOnceAfterAnInvalidStatus) {
+TEST(EndBlockInEscPos, AsksAgainAtOnceAfterAnInvalidStatus) {
   Scenario scenario = escPosPrinter();
   scenario.script.whenAsked(drawerQuery, whole(bytes("00")))
       .whenAsked(drawerQuery, whole(bytes("1a")));
@@ -104,7 +104,7 @@ TEST(EndBlockInEscPos, BeginsTheNextPassAtOnceAfterAnInvalidStatus) {
   )"));
 }
 
-TEST(EndBlockInEscPos, EndsALoopOfInvalidStatusesWithinOnePassOfALostLink) {
+TEST(EndBlockInEscPos, StopsAskingAfterInvalidStatusesWhenTheLinkIsLost) {
   Scenario scenario = escPosPrinter("00");
   scenario.script.isLostAfterBytes(100000);
   const Outcome run = scenario.run(endCheckedBlock());
@@ -121,14 +121,14 @@ TEST(EndBlockInEscPos, IgnoresAReportWhoseCountIs0) {
   EXPECT_EQ(run.records(method).find("etbCountUp"), std::string::npos);
 }
 
-TEST(EndBlockInEscPos, KeepsAReportEvenIfALaterOneHasTheCount0) {
+TEST(EndBlockInEscPos, SucceedsEvenIfASecondReportHasTheCount0) {
   Scenario scenario = escPosPrinter();
   scenario.script.whenAsked(escPosEtb, whole(report))
       .whenAsked(drawerQuery, whole(bytes("00 1b 1d 03 01 00 00 00 00")));
   EXPECT_EQ(scenario.run(endCheckedBlock()).result, "true");
 }
 
-TEST(EndBlockInEscPos, ReadsOnlyOneReportInAPass) {
+TEST(EndBlockInEscPos, TreatsASecondReportInOnePassAsAStatus) {
   Scenario scenario = escPosPrinter();
   scenario.endMillis = 1000;
   const Bytes zero = bytes("1b 1d 03 01 00 00 00 00");
@@ -143,7 +143,7 @@ TEST(EndBlockInEscPos, ReadsOnlyOneReportInAPass) {
       << "the second 1b is in the place of the status";
 }
 
-TEST(EndBlockInEscPos, FailsWhenNothingReadableFollowsThe1b) {
+TEST(EndBlockInEscPos, FailsIfTheReadAfterTheFirstByteOfAReportFails) {
   Scenario scenario = Scenario::in(escPos);
   scenario.script.whenAsked(escPosEtb, whole(bytes("1b"))).isLostAfterReads(1);
   const Outcome run = scenario.run(endCheckedBlock());
@@ -152,7 +152,7 @@ TEST(EndBlockInEscPos, FailsWhenNothingReadableFollowsThe1b) {
               failedBy("Fail to [[self read:restDataSize] retain]: <self>, 7"));
 }
 
-TEST(EndBlockInEscPos, TreatsACutOffReportAsOneWithoutACount) {
+TEST(EndBlockInEscPos, TreatsAReportThatEndsBeforeItsCountAsNoReport) {
   for (std::size_t length = 1; length < report.size(); ++length) {
     Scenario scenario = escPosPrinter();
     scenario.endMillis = 1000;
@@ -163,7 +163,7 @@ TEST(EndBlockInEscPos, TreatsACutOffReportAsOneWithoutACount) {
   }
 }
 
-TEST(EndBlockInEscPos, ReadsTheRestOfAReportAsTheStatus) {
+TEST(EndBlockInEscPos, TakesALateByteAfterAnIncompleteReportForTheStatus) {
   Scenario scenario = escPosPrinter();
   scenario.script.whenAsked(escPosEtb, {{bytes("1b 1d 03")}, {bytes("1a"), 0.15}});
   const Outcome run = scenario.run(endCheckedBlock());
@@ -190,7 +190,7 @@ TEST(EndBlockInEscPos, PollsForTheStatusByteUntilTheTimeout) {
       << "the request is not repeated inside the poll";
 }
 
-TEST(EndBlockInEscPos, PollsAfterAReportUntilTheTimeout) {
+TEST(EndBlockInEscPos, PollsForTheStatusAfterAReportUntilTheTimeout) {
   Scenario scenario = Scenario::in(escPos);
   scenario.endMillis = 1000;
   scenario.script.whenAsked(escPosEtb, whole(report));
@@ -199,7 +199,7 @@ TEST(EndBlockInEscPos, PollsAfterAReportUntilTheTimeout) {
   EXPECT_NE(run.records(method).find("etbCountUp: 1\n"), std::string::npos);
 }
 
-TEST(EndBlockInEscPos, WaitsToTheTimeoutWhenTheLinkIsLostDuringThePoll) {
+TEST(EndBlockInEscPos, WaitsUntilTheTimeoutEvenIfTheLinkIsLostDuringThePoll) {
   Scenario scenario = Scenario::in(escPos);
   scenario.endMillis = 2000;
   scenario.script.isLost(0.5);
@@ -234,7 +234,7 @@ TEST(EndBlockInEscPos, DrainsTheInputBeforeTheFinalStatus) {
   EXPECT_NE(run.wire().find("input.read 1 -> <aa>\ninput.read 1 -> <bb>\n"), std::string::npos);
 }
 
-TEST(EndBlockInEscPos, EndsTheDrainWithinOneReadOfALostLink) {
+TEST(EndBlockInEscPos, StopsDrainingTheInputWhenTheLinkIsLost) {
   Scenario scenario = reporting("12");
   scenario.script.whenAsked(escPosEtb, {});
   scenario.script.deliveries = {{Bytes(50000, 0xaa), 0.15}};
@@ -243,7 +243,7 @@ TEST(EndBlockInEscPos, EndsTheDrainWithinOneReadOfALostLink) {
   EXPECT_EQ(run.result, "false");
 }
 
-TEST(EndBlockInEscPos, FailsWithoutAFinalStatus) {
+TEST(EndBlockInEscPos, FailsIfTheFinalStatusIsInvalid) {
   Scenario scenario = escPosPrinter();
   scenario.script.whenAsked(drawerQuery, whole(bytes("1a")))
       .whenAsked(drawerQuery, whole(bytes("00")));
@@ -255,7 +255,7 @@ TEST(EndBlockInEscPos, FailsWithoutAFinalStatus) {
           "Fail to [self getParsedStatus:quorPrinterStatus level:level]: <self>, <status>, 5"));
 }
 
-TEST(EndBlockInEscPos, EndsOffLineEvenIfTheFinalStatusIsOnLine) {
+TEST(EndBlockInEscPos, SucceedsWithoutAReportEvenIfTheFinalStatusIsOnLine) {
   Scenario scenario = escPosPrinter();
   scenario.script.whenAsked(drawerQuery, whole(bytes("1a")));
   const Outcome run = scenario.run(endCheckedBlock());
@@ -263,7 +263,7 @@ TEST(EndBlockInEscPos, EndsOffLineEvenIfTheFinalStatusIsOnLine) {
   EXPECT_EQ(run.caller.status.offline, 0U);
 }
 
-TEST(EndBlockOfAnUnknownEmulation, FollowsEscPosAndCannotSucceed) {
+TEST(EndBlockOfAnUnknownEmulation, SendsTheCommandsOfEscPosAndFails) {
   Scenario scenario = reporting("12");
   scenario.creation.emulation = unknownEmulation;
   const Outcome run = scenario.run(endCheckedBlock());

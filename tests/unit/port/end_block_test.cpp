@@ -7,7 +7,7 @@ namespace {
 
 const std::string method = "endCheckedBlock:level:";
 
-TEST(EndBlockInLineMode, IsTrueWithoutASleepWhenTheCounterIs2AtOnce) {
+TEST(EndBlockInLineMode, SucceedsWithoutASleepIfTheCounterIs2AtOnce) {
   const Outcome run = lineModePrinter(lineStatus({}, 2)).run(endCheckedBlock(5));
   EXPECT_EQ(run.result, "true");
   EXPECT_EQ(run.wire(),
@@ -21,7 +21,7 @@ TEST(EndBlockInLineMode, IsTrueWithoutASleepWhenTheCounterIs2AtOnce) {
   EXPECT_EQ(run.records("getParsedStatus:level:").substr(0, 20), "Start | <status>, 5\n");
 }
 
-TEST(EndBlockInLineMode, DoesNotWaitForAnAnswerToItsMarks) {
+TEST(EndBlockInLineMode, DoesNotWaitForAnAnswerToItsEndMarks) {
   Scenario scenario = lineModePrinter(lineStatus({}, 2));
   scenario.script.expects = Script::Expects::WhereAsked;
   const Outcome run = scenario.run(inTurn({startDataCancel(), endCheckedBlock()}));
@@ -29,7 +29,7 @@ TEST(EndBlockInLineMode, DoesNotWaitForAnAnswerToItsMarks) {
   EXPECT_EQ(run.wire().find("slice"), std::string::npos) << run.wire();
 }
 
-TEST(EndBlockInLineMode, WaitsForLeftoversOfEarlierQuestions) {
+TEST(EndBlockInLineMode, WaitsForLateAnswersToEarlierRequests) {
   Scenario scenario = lineModePrinter(lineStatus({}, 2));
   scenario.script.expects = Script::Expects::WhereAsked;
   const Outcome run = scenario.run(inTurn({write(bytes("41")), endCheckedBlock()}));
@@ -37,7 +37,7 @@ TEST(EndBlockInLineMode, WaitsForLeftoversOfEarlierQuestions) {
   EXPECT_NE(run.wire().find("slice for input 0.1"), std::string::npos) << run.wire();
 }
 
-TEST(EndBlockInLineMode, IsTrueWhenThePrinterIsOffLine) {
+TEST(EndBlockInLineMode, SucceedsIfThePrinterIsOffLine) {
   const Outcome run = lineModePrinter(lineStatus({offlineFlag}, 1)).run(endCheckedBlock());
   EXPECT_EQ(run.result, "true");
   EXPECT_EQ(run.caller.status.offline, 1U);
@@ -55,7 +55,7 @@ TEST(EndBlockInLineMode, WaitsUntilTheCounterIsExactly2) {
   EXPECT_NE(run.wire().find("select 100000\n"), std::string::npos);
 }
 
-TEST(EndBlockInLineMode, DoesNotAcceptAnyOtherCounter) {
+TEST(EndBlockInLineMode, FailsForEveryCounterOtherThan2) {
   for (const unsigned counter : {0U, 1U, 3U, 4U, 130U, 255U}) {
     Scenario scenario = lineModePrinter(lineStatus({}, counter));
     scenario.endMillis = 1000;
@@ -65,18 +65,18 @@ TEST(EndBlockInLineMode, DoesNotAcceptAnyOtherCounter) {
   }
 }
 
-TEST(EndBlockInLineMode, HasATimeoutOfItsOwn) {
+TEST(EndBlockInLineMode, HasItsOwnTimeout) {
   Scenario scenario = lineModePrinter(lineStatus({}, 1), 60000);
   scenario.endMillis = 2000;
   EXPECT_THAT(scenario.run(endCheckedBlock()).records(method), timedOut("timeoutSec", 2, 3));
 }
 
-TEST(EndBlockInLineMode, HasTheCreationTimeoutUntilAnotherIsSet) {
+TEST(EndBlockInLineMode, HasTheTimeoutOfThePortByDefault) {
   const Outcome run = lineModePrinter(lineStatus({}, 1), 1000).run(endCheckedBlock());
   EXPECT_THAT(run.records(method), timedOut("timeoutSec", 1, 2));
 }
 
-TEST(EndBlockInLineMode, StartsItsTimeBeforeTheEtb) {
+TEST(EndBlockInLineMode, MeasuresItsTimeoutFromBeforeTheEtb) {
   Scenario scenario = lineModePrinter(lineStatus({}, 1));
   scenario.endMillis = 1000;
   scenario.script.takesInAttempts(std::vector<std::size_t>(10, 0));  // 1.5 s for the ETB
@@ -84,7 +84,7 @@ TEST(EndBlockInLineMode, StartsItsTimeBeforeTheEtb) {
   EXPECT_THAT(run.records(method), timedOut("timeoutSec", 1, 2));
 }
 
-TEST(EndBlockInLineMode, HasALimitOf0SecondsBelow1000Milliseconds) {
+TEST(EndBlockInLineMode, TreatsATimeoutBelow1000MillisecondsAs0Seconds) {
   Scenario scenario = lineModePrinter(lineStatus({}, 1));
   scenario.endMillis = 999;
   scenario.script.startsPastTheSecond(850000);
@@ -92,7 +92,7 @@ TEST(EndBlockInLineMode, HasALimitOf0SecondsBelow1000Milliseconds) {
   EXPECT_THAT(run.records(method), timedOut("timeoutSec", 0, 1));
 }
 
-TEST(EndBlockInLineMode, ContinuesToPollAfterAStatusThatFailed) {
+TEST(EndBlockInLineMode, AsksAgainAfterAFailedStatus) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.whenAsked(lineRequest, {})
       .whenAsked(lineRequest, {})
@@ -103,7 +103,7 @@ TEST(EndBlockInLineMode, ContinuesToPollAfterAStatusThatFailed) {
   EXPECT_EQ(run.wire().find("select"), std::string::npos);
 }
 
-TEST(EndBlockInLineMode, FailsWhenTheStatusKeepsFailing) {
+TEST(EndBlockInLineMode, FailsIfEveryStatusFailsUntilTheTimeout) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.endMillis = 2000;
   const Outcome run = scenario.run(endCheckedBlock());
@@ -111,7 +111,7 @@ TEST(EndBlockInLineMode, FailsWhenTheStatusKeepsFailing) {
   EXPECT_THAT(run.records(method), timedOut("timeoutSec", 2, 3));
 }
 
-TEST(EndBlockInLineMode, ThrowsTheExceptionOfTheStatus) {
+TEST(EndBlockInLineMode, PassesOnTheExceptionOfTheStatusRequest) {
   Scenario scenario = lineModePrinter();
   scenario.script.isLostAfterBytes(8);
   const Outcome run = scenario.run(endCheckedBlock());
@@ -119,7 +119,7 @@ TEST(EndBlockInLineMode, ThrowsTheExceptionOfTheStatus) {
   EXPECT_EQ(run.records(method), "Start | <status>, 5\nProcess | p_emulation: 1\n");
 }
 
-TEST(EndBlockInLineMode, IsNotTimedOutByAClockThatStepsBack) {
+TEST(EndBlockInLineMode, DoesNotTimeOutWhenTheClockIsSetBack) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.endMillis = 0;
   scenario.script.whenAsked(lineRequest, whole(lineStatus({}, 1)))

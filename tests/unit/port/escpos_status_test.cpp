@@ -9,7 +9,7 @@ namespace {
 
 const std::string method = "getParsedStatus:level:";
 
-TEST(EscPosStatus, AsksThreeQueriesInAFixedOrderAndLogsEveryStep) {
+TEST(EscPosStatusRequest, SendsThreeQueriesInAFixedOrderAndLogsEveryStep) {
   const Outcome run = escPosPrinter("12", "16", "72").run(getParsedStatus(9));
   EXPECT_EQ(run.result, "true");
   EXPECT_EQ(run.wire(), escPosStatusAsked("12", "16", "72"));
@@ -23,7 +23,7 @@ TEST(EscPosStatus, AsksThreeQueriesInAFixedOrderAndLogsEveryStep) {
   )"));
 }
 
-TEST(EscPosStatus, FillsTheFieldsOfTheThreeQueriesAndNoOthers) {
+TEST(EscPosStatusRequest, SetsTheFieldsOfItsThreeQueriesAndNoOtherField) {
   const Outcome run = escPosPrinter("1e", "16", "7e").run(getParsedStatus());
   QuorPrinterStatus_2 expected = Caller().status;
   expected.coverOpen = expected.offline = expected.compulsionSwitch = 1;
@@ -33,7 +33,7 @@ TEST(EscPosStatus, FillsTheFieldsOfTheThreeQueriesAndNoOthers) {
   EXPECT_EQ(std::memcmp(&run.caller.status, &expected, sizeof expected), 0);
 }
 
-TEST(EscPosStatus, ClearsThreeFieldsBeforeAnythingIsWritten) {
+TEST(EscPosStatusRequest, ClearsThreeFieldsBeforeItWritesAQuery) {
   Scenario scenario = Scenario::in(escPos);
   scenario.script.writeReturns(1, -1);
   const Outcome run = scenario.run(getParsedStatus());
@@ -49,7 +49,7 @@ TEST(EscPosStatus, ClearsThreeFieldsBeforeAnythingIsWritten) {
   )"));
 }
 
-TEST(EscPosStatus, IsFalseWhenAnyQueryCannotBeWritten) {
+TEST(EscPosStatusRequest, FailsIfAnyQueryCannotBeWritten) {
   for (const std::size_t write : {2U, 3U, 4U}) {
     Scenario scenario = escPosPrinter();
     scenario.script.writeReturns(write, -1);
@@ -61,13 +61,13 @@ TEST(EscPosStatus, IsFalseWhenAnyQueryCannotBeWritten) {
   }
 }
 
-TEST(EscPosStatus, IsFalseWhenTheLinkIsLostBeforeTheFirstWrite) {
+TEST(EscPosStatusRequest, FailsIfTheLinkIsLostBeforeTheFirstWrite) {
   Scenario scenario = escPosPrinter();
   scenario.script.isLost();
   EXPECT_EQ(scenario.run(getParsedStatus()).result, "false");
 }
 
-TEST(EscPosStatus, UsesOnlyTheFirstByteAndLeavesTheRestForTheNextQuery) {
+TEST(EscPosStatusRequest, ReadsOneByteForEachQueryAndLeavesTheRestForTheNext) {
   Scenario scenario = Scenario::in(escPos);
   scenario.script.whenAsked(drawerQuery, whole(bytes("1a 16 32")));
   const Outcome run = scenario.run(getParsedStatus());
@@ -77,7 +77,7 @@ TEST(EscPosStatus, UsesOnlyTheFirstByteAndLeavesTheRestForTheNextQuery) {
   EXPECT_EQ(run.caller.status.receiptPaperEmpty, 1U);
 }
 
-TEST(EscPosStatus, IsFalseAndSendsNoMoreQueriesIfAnAnswerIsRejected) {
+TEST(EscPosStatusRequest, FailsAndSendsNoMoreQueriesIfAnAnswerIsInvalid) {
   const struct {
     const char* answers[3];
     const char* error;
@@ -99,7 +99,7 @@ TEST(EscPosStatus, IsFalseAndSendsNoMoreQueriesIfAnAnswerIsRejected) {
   }
 }
 
-TEST(EscPosStatus, PollsUntilTheTimeoutHasPassed) {
+TEST(EscPosStatusRequest, PollsForAnAnswerUntilTheTimeout) {
   const Outcome run = Scenario::in(escPos, 1000).run(getParsedStatus());
   EXPECT_EQ(run.result, "false");
   EXPECT_EQ(run.wire(), text(R"(
@@ -124,7 +124,7 @@ TEST(EscPosStatus, PollsUntilTheTimeoutHasPassed) {
   )"));
 }
 
-TEST(EscPosStatus, HasOneTimeoutForAllThreeQueries) {
+TEST(EscPosStatusRequest, HasOneTimeoutForAllThreeQueries) {
   Scenario scenario = Scenario::in(escPos, 1000);
   scenario.script.whenAsked(drawerQuery, {{bytes("12"), 0.9}})
       .whenAsked(coverQuery, {{bytes("12"), 0.9}});
@@ -133,13 +133,13 @@ TEST(EscPosStatus, HasOneTimeoutForAllThreeQueries) {
   EXPECT_NE(run.records(method).find("> TIMEOUT_SEC, 1000002, 1000000, 1\n"), std::string::npos);
 }
 
-TEST(EscPosStatus, ChecksTheTimeOnlyAfterAnEmptyRead) {
+TEST(EscPosStatusRequest, ChecksItsTimeoutOnlyAfterAnEmptyRead) {
   Scenario scenario = escPosPrinter("12", "12", "12", 0);
   scenario.script.stepsClock(3, 100).stepsClock(4, 100);
   EXPECT_EQ(scenario.run(getParsedStatus()).result, "true");
 }
 
-TEST(EscPosStatus, IsNotTimedOutByAClockThatStepsBack) {
+TEST(EscPosStatusRequest, DoesNotTimeOutWhenTheClockIsSetBack) {
   Scenario scenario = Scenario::in(escPos, 0);
   scenario.script.stepsClock(4, -1)
       .whenAsked(drawerQuery, {{bytes("12"), 0.25}})
@@ -148,7 +148,7 @@ TEST(EscPosStatus, IsNotTimedOutByAClockThatStepsBack) {
   EXPECT_EQ(scenario.run(getParsedStatus()).result, "true");
 }
 
-TEST(EscPosStatus, LogsAFailedReadAndPollsAgain) {
+TEST(EscPosStatusRequest, LogsAFailedReadAndPollsAgain) {
   Scenario scenario = escPosPrinter();
   scenario.script.readReturns(1, -1);
   const Outcome run = scenario.run(getParsedStatus());
@@ -162,7 +162,7 @@ TEST(EscPosStatus, LogsAFailedReadAndPollsAgain) {
   )")) << "without a length, as there is no buffer";
 }
 
-TEST(EscPosStatus, ThrowsWhenTheLinkIsLostDuringAnyPoll) {
+TEST(EscPosStatusRequest, ThrowsIfTheLinkIsLostDuringAnyPoll) {
   for (const std::size_t answered : {0U, 1U, 2U}) {
     Scenario scenario = Scenario::in(escPos);
     const Bytes queries[] = {drawerQuery, coverQuery, paperQuery};
@@ -176,7 +176,7 @@ TEST(EscPosStatus, ThrowsWhenTheLinkIsLostDuringAnyPoll) {
   }
 }
 
-TEST(EscPosStatus, ChecksTheConnectionAgainToLogALostLink) {
+TEST(EscPosStatusRequest, ChecksTheConnectionASecondTimeForTheLogRecordOfALostLink) {
   Scenario scenario = Scenario::in(escPos);
   // The discarding read, and two questions before each of the two writes.
   scenario.script.saysConnected({true, true, true, true, true, false, true});
@@ -185,7 +185,7 @@ TEST(EscPosStatus, ChecksTheConnectionAgainToLogALostLink) {
   EXPECT_TRUE(run.records(method).ends_with("Error | self.isConnected, 1\nEnd | <status>, 2\n"));
 }
 
-TEST(EscPosStatus, WritesTheNextQueryAsSoonAsTheLastAnswerIsParsed) {
+TEST(EscPosStatusRequest, SendsTheNextQueryAsSoonAsTheLastAnswerIsParsed) {
   Scenario scenario = escPosPrinter();
   scenario.script.delivers(bytes("55"), 0.2);
   const Outcome run = scenario.run(getParsedStatus());

@@ -16,7 +16,7 @@ bool hasFirmware(const Outcome& run, const std::string& shownText) {
   return run.properties.starts_with("firmwareInformation " + shownText + "\n");
 }
 
-TEST(Firmware, IsAskedForInLineModeAfterTheStatus) {
+TEST(FirmwareText, IsRequestedAfterTheStatusInLineMode) {
   Scenario scenario = lineModePrinter();
   scenario.script.whenAsked(lineQuery, whole(lineReply("V1.0")));
   const Outcome run = scenario.run(retrieveFirmwareInformation());
@@ -37,7 +37,7 @@ TEST(Firmware, IsAskedForInLineModeAfterTheStatus) {
   )"));
 }
 
-TEST(Firmware, IsAskedForInEscPosAfterTheStatus) {
+TEST(FirmwareText, IsRequestedAfterTheStatusInEscPos) {
   Scenario scenario = escPosPrinter();
   scenario.script.whenAsked(escPosQuery, whole(bytes("5f") + ascii("V2") + bytes("00")));
   const Outcome run = scenario.run(retrieveFirmwareInformation());
@@ -51,7 +51,7 @@ TEST(Firmware, IsAskedForInEscPosAfterTheStatus) {
   )"));
 }
 
-TEST(Firmware, IsNotAskedForWithoutAStatus) {
+TEST(FirmwareText, IsNotRequestedIfTheStatusFails) {
   const Outcome run = Scenario::in(lineMode).run(retrieveFirmwareInformation());
   EXPECT_EQ(run.result, "false");
   EXPECT_EQ(run.records("retrieveFirmwareInformation"), text(R"(
@@ -61,7 +61,7 @@ TEST(Firmware, IsNotAskedForWithoutAStatus) {
   )"));
 }
 
-TEST(Firmware, IsNotAskedForWhenThePrinterIsOffLine) {
+TEST(FirmwareText, IsNotRequestedIfThePrinterIsOffLine) {
   const Outcome run = lineModePrinter(lineStatus({offlineFlag})).run(retrieveFirmwareInformation());
   EXPECT_EQ(run.result, "false");
   EXPECT_EQ(run.sent(), lineRequest);
@@ -72,7 +72,7 @@ TEST(Firmware, IsNotAskedForWhenThePrinterIsOffLine) {
   )"));
 }
 
-TEST(Firmware, ReturnsFalseIfTheStatusThrowsAPortException) {
+TEST(FirmwareText, IsNotRequestedIfTheStatusThrowsAPortException) {
   Scenario scenario = lineModePrinter();
   scenario.script.isLost();
   const Outcome run = scenario.run(retrieveFirmwareInformation());
@@ -84,19 +84,19 @@ TEST(Firmware, ReturnsFalseIfTheStatusThrowsAPortException) {
   )"));
 }
 
-TEST(Firmware, EndsAtTheStatusWithAnUnknownEmulation) {
+TEST(FirmwareText, IsNotRequestedInAnUnknownEmulation) {
   const Outcome run = Scenario::in(unknownEmulation).run(retrieveFirmwareInformation());
   EXPECT_EQ(run.result, "false");
   EXPECT_EQ(run.sent(), Bytes{});
 }
 
-TEST(Firmware, IsAnsweredToTheLineModeQueryWithAnUnknownEmulation) {
+TEST(FirmwareText, IsReadByTheLineModeQueryEvenInAnUnknownEmulation) {
   Scenario scenario = Scenario::in(unknownEmulation);
   scenario.script.whenAsked(lineQuery, whole(lineReply("X")));
   EXPECT_EQ(scenario.run(retrieveFirmwareInformation2()).result, "true");
 }
 
-TEST(Firmware, KeepsTheEarlierTextWhenALaterQueryFails) {
+TEST(FirmwareText, RemainsUnchangedIfALaterQueryFails) {
   Scenario scenario = Scenario::in(lineMode, 0);
   scenario.script.whenAsked(lineQuery, whole(lineReply("old")));
   const Outcome run =
@@ -105,7 +105,7 @@ TEST(Firmware, KeepsTheEarlierTextWhenALaterQueryFails) {
   EXPECT_TRUE(hasFirmware(run, "\"old\""));
 }
 
-TEST(Firmware, ReplacesTheEarlierText) {
+TEST(FirmwareText, ReplacesTheTextOfAnEarlierQuery) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.whenAsked(lineQuery, whole(lineReply("old")))
       .whenAsked(lineQuery, whole(lineReply("new")));
@@ -114,7 +114,7 @@ TEST(Firmware, ReplacesTheEarlierText) {
   EXPECT_TRUE(hasFirmware(run, "\"new\""));
 }
 
-TEST(LineFirmware, EndsAtOnceWithoutAReadWhenTheRequestIsWrittenShort) {
+TEST(LineModeFirmware, IsNotReadIfItsRequestCannotBeWritten) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.writeReturns(1, -1);
   const Outcome run = scenario.run(retrieveFirmwareInformation2());
@@ -127,7 +127,7 @@ TEST(LineFirmware, EndsAtOnceWithoutAReadWhenTheRequestIsWrittenShort) {
   )"));
 }
 
-TEST(LineFirmware, PollsEvery200MillisecondsUntilTheTimeout) {
+TEST(LineModeFirmware, IsPolledEvery200MillisecondsUntilTheTimeout) {
   const Outcome run = Scenario::in(lineMode, 1000).run(retrieveFirmwareInformation2());
   EXPECT_EQ(run.result, "false");
   EXPECT_EQ(run.wire(), text(R"(
@@ -145,7 +145,7 @@ TEST(LineFirmware, PollsEvery200MillisecondsUntilTheTimeout) {
   )"));
 }
 
-TEST(LineFirmware, HasALimitOf0SecondsBelow1000Milliseconds) {
+TEST(LineModeFirmware, TreatsATimeoutBelow1000MillisecondsAs0Seconds) {
   Scenario scenario = Scenario::in(lineMode, 999);
   scenario.script.startsPastTheSecond(650000);
   const Outcome run = scenario.run(retrieveFirmwareInformation2());
@@ -157,7 +157,7 @@ TEST(LineFirmware, HasALimitOf0SecondsBelow1000Milliseconds) {
   )"));
 }
 
-TEST(LineFirmware, IsNeverFoundWhenItIsSplitOverTwoChunks) {
+TEST(LineModeFirmware, IsNotFoundIfItArrivesInTwoReads) {
   Scenario scenario = Scenario::in(lineMode, 0);
   const Bytes reply = lineReply("V1.0");
   for (std::size_t cut = 1; cut < reply.size(); ++cut) {
@@ -169,7 +169,7 @@ TEST(LineFirmware, IsNeverFoundWhenItIsSplitOverTwoChunks) {
   }
 }
 
-TEST(LineFirmware, IsFoundAfterOtherBytes) {
+TEST(LineModeFirmware, IsFoundAfterOtherBytes) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.whenAsked(lineQuery, whole(bytes("00 1b 23") + lineReply("V9")));
   const Outcome run = scenario.run(retrieveFirmwareInformation2());
@@ -178,7 +178,7 @@ TEST(LineFirmware, IsFoundAfterOtherBytes) {
             std::string::npos);
 }
 
-TEST(LineFirmware, WaitsToItsTimeoutWhenTheLinkIsLost) {
+TEST(LineModeFirmware, IsAwaitedUntilTheTimeoutEvenIfTheLinkIsLost) {
   Scenario scenario = Scenario::in(lineMode, 1000);
   scenario.script.isLostAfterBytes(5);
   const Outcome run = scenario.run(retrieveFirmwareInformation2());
@@ -187,7 +187,7 @@ TEST(LineFirmware, WaitsToItsTimeoutWhenTheLinkIsLost) {
             std::string::npos);
 }
 
-TEST(EscPosFirmware, EndsAtOnceWithoutAReadWhenTheRequestIsWrittenShort) {
+TEST(EscPosFirmware, IsNotReadIfItsRequestCannotBeWritten) {
   Scenario scenario = Scenario::in(escPos);
   scenario.script.writeReturns(1, -1);
   const Outcome run = scenario.run(retrieveESCPOSFirmwareInformation());
@@ -199,7 +199,7 @@ TEST(EscPosFirmware, EndsAtOnceWithoutAReadWhenTheRequestIsWrittenShort) {
   )"));
 }
 
-TEST(EscPosFirmware, PollsEvery100MillisecondsUntilTheTimeout) {
+TEST(EscPosFirmware, IsPolledEvery100MillisecondsUntilTheTimeout) {
   const Outcome run = Scenario::in(escPos, 1000).run(retrieveESCPOSFirmwareInformation());
   EXPECT_EQ(run.result, "false");
   EXPECT_EQ(run.wire(), text(R"(
@@ -215,7 +215,7 @@ TEST(EscPosFirmware, PollsEvery100MillisecondsUntilTheTimeout) {
             std::string::npos);
 }
 
-TEST(EscPosFirmware, TreatsTheFirstChunkAsTheWholeReply) {
+TEST(EscPosFirmware, IsTakenFromTheFirstReadEvenIfTheReplyIsIncomplete) {
   Scenario scenario = Scenario::in(escPos);
   scenario.script.whenAsked(escPosQuery, {{bytes("5f 41 42"), 0.15}, {bytes("43 00"), 0.5}});
   const Outcome run = scenario.run(retrieveESCPOSFirmwareInformation());
@@ -231,7 +231,7 @@ TEST(EscPosFirmware, MayBeEmpty) {
   EXPECT_TRUE(hasFirmware(run, "\"\""));
 }
 
-TEST(EscPosFirmware, ThrowsARangeErrorOnAReplyOfOneByteAndKeepsTheEarlierText) {
+TEST(EscPosFirmware, ThrowsARangeErrorAndKeepsItsTextIfTheReplyHasOneByte) {
   Scenario scenario = escPosPrinter();
   scenario.script.whenAsked(escPosQuery, whole(bytes("5f 41 00")))
       .whenAsked(escPosQuery, whole(bytes("5f")));

@@ -10,7 +10,7 @@ namespace {
 
 const std::string method = "getParsedStatus:level:";
 
-TEST(LineStatus, IsAskedForWithOneRequestAndLogsEveryStep) {
+TEST(LineStatusRequest, SendsOneCommandAndLogsEveryStep) {
   const Outcome run = lineModePrinter(lineStatus({}, 3)).run(getParsedStatus(9));
   EXPECT_EQ(run.result, "true");
   EXPECT_EQ(run.caller.status.etbCounter, 3);
@@ -24,7 +24,7 @@ TEST(LineStatus, IsAskedForWithOneRequestAndLogsEveryStep) {
   )"));
 }
 
-TEST(LineStatus, ThrowsAwayPendingBytesBeforeTheRequest) {
+TEST(LineStatusRequest, DiscardsPendingBytesFirst) {
   Scenario scenario = lineModePrinter();
   scenario.script.delivers(Bytes(300, 0x41));
   const Outcome run = scenario.run(getParsedStatus());
@@ -34,7 +34,7 @@ TEST(LineStatus, ThrowsAwayPendingBytesBeforeTheRequest) {
             "2 x input.read 128 -> " + shown(Bytes(128, 0x41)) + "\n");
 }
 
-TEST(LineStatus, DoesNotWaitForLeftoversIfNoBytesCanArrive) {
+TEST(LineStatusRequest, DoesNotWaitForPendingBytesIfNoneCanArrive) {
   Scenario scenario = lineModePrinter();
   scenario.script.expects = Script::Expects::Never;
   const Outcome run = scenario.run(getParsedStatus());
@@ -42,7 +42,7 @@ TEST(LineStatus, DoesNotWaitForLeftoversIfNoBytesCanArrive) {
   EXPECT_EQ(run.wire().find("slice"), std::string::npos);
 }
 
-TEST(LineStatus, IsPutTogetherFromSeveralPieces) {
+TEST(LineStatusRequest, JoinsAReplyInPieces) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.whenAsked(
       lineRequest, {{bytes("89 01")}, {bytes("02 00 00 00"), 0.04}, {bytes("04 00 05"), 0.3}});
@@ -60,7 +60,7 @@ TEST(LineStatus, IsPutTogetherFromSeveralPieces) {
   )"));
 }
 
-TEST(LineStatus, IsFilledWithExactlyTheAnnouncedLength) {
+TEST(LineStatusRequest, StoresExactlyAsManyBytesAsTheReplyAnnounces) {
   Scenario scenario = lineModePrinter(lineStatus() + Bytes(100, 0x77));
   const Outcome run = scenario.run(inTurn({getParsedStatus(), read(200)}));
   EXPECT_EQ(run.result, "true; <>") << "bytes beyond it are dropped";
@@ -68,7 +68,7 @@ TEST(LineStatus, IsFilledWithExactlyTheAnnouncedLength) {
   EXPECT_EQ(run.caller.status.raw[9], 0xee);
 }
 
-TEST(LineStatus, TakesEveryAnnouncedLength) {
+TEST(LineStatusRequest, AcceptsEveryLengthThatAReplyCanAnnounce) {
   for (unsigned first = 0; first < 256; ++first) {
     const std::size_t length = std::max(1U, first & 0x3fU);
     Bytes reply(length, 0xff);
@@ -80,7 +80,7 @@ TEST(LineStatus, TakesEveryAnnouncedLength) {
   }
 }
 
-TEST(LineStatus, IsAskedForTwiceWithTenReadsEach) {
+TEST(LineStatusRequest, IsSentTwiceWithTenReadsEach) {
   const Outcome run = Scenario::in(lineMode).run(getParsedStatus());
   EXPECT_EQ(run.result, "false");
   EXPECT_EQ(run.wire(), text(R"(
@@ -117,7 +117,7 @@ TEST(LineStatus, IsAskedForTwiceWithTenReadsEach) {
   )"));
 }
 
-TEST(LineStatus, DoesNotChangeTheRecordWithoutACompleteReply) {
+TEST(LineStatusRequest, DoesNotChangeTheRecordIfTheReplyIsIncomplete) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.wheneverAsked(lineRequest, whole(bytes("89 01 ff ff")));
   const Outcome run = scenario.run(getParsedStatus());
@@ -126,7 +126,7 @@ TEST(LineStatus, DoesNotChangeTheRecordWithoutACompleteReply) {
   EXPECT_EQ(std::memcmp(&run.caller.status, &untouched.status, sizeof untouched.status), 0);
 }
 
-TEST(LineStatus, StartsTheSecondAttemptWithAnEmptyBuffer) {
+TEST(LineStatusRequest, StartsTheSecondAttemptWithAnEmptyBuffer) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.whenAsked(lineRequest, whole(bytes("89 01 ff")))
       .whenAsked(lineRequest, whole(lineStatus({}, 2)));
@@ -135,7 +135,7 @@ TEST(LineStatus, StartsTheSecondAttemptWithAnEmptyBuffer) {
   EXPECT_EQ(run.caller.status.etbCounter, 2);
 }
 
-TEST(LineStatus, TakesALateFirstReplyForTheBeginningOfTheSecond) {
+TEST(LineStatusRequest, TakesALateReplyToTheFirstAttemptAsTheReplyToTheSecond) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.whenAsked(lineRequest, {{lineStatus({}, 1), 1.49}})
       .whenAsked(lineRequest, whole(lineStatus({}, 2)));
@@ -144,7 +144,7 @@ TEST(LineStatus, TakesALateFirstReplyForTheBeginningOfTheSecond) {
   EXPECT_EQ(run.caller.status.etbCounter, 1);
 }
 
-TEST(LineStatus, ThrowsWhenTheRequestCannotBeWritten) {
+TEST(LineStatusRequest, ThrowsIfItsCommandCannotBeWritten) {
   Scenario scenario = lineModePrinter();
   scenario.script.writeReturns(1, -1);
   const Outcome run = scenario.run(getParsedStatus(7));
@@ -157,7 +157,7 @@ TEST(LineStatus, ThrowsWhenTheRequestCannotBeWritten) {
   )"));
 }
 
-TEST(LineStatus, TreatsAShortWriteAsAFailedWrite) {
+TEST(LineStatusRequest, TreatsAShortWriteAsAFailedWrite) {
   Scenario scenario = lineModePrinter();
   scenario.script.takesInAttempts({7, 6});  // the total 13 meets the tail of 6: repeated; lost then
   scenario.script.isLostAfterBytes(13);
@@ -167,13 +167,13 @@ TEST(LineStatus, TreatsAShortWriteAsAFailedWrite) {
   EXPECT_EQ(scenario.run(getParsedStatus()).result, "PortException: Native WritePort failed");
 }
 
-TEST(LineStatus, ThrowsWhenTheLinkIsLostBeforeTheRequest) {
+TEST(LineStatusRequest, ThrowsIfTheLinkIsLostBeforeItsCommand) {
   Scenario scenario = lineModePrinter();
   scenario.script.isLost();
   EXPECT_EQ(scenario.run(getParsedStatus()).result, "PortException: Native WritePort failed");
 }
 
-TEST(LineStatus, ThrowsWhenTheLinkIsLostDuringTheWait) {
+TEST(LineStatusRequest, ThrowsWhenTheLinkIsLostDuringTheWait) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.isLost(0.3);
   const Outcome run = scenario.run(getParsedStatus());
@@ -187,7 +187,7 @@ TEST(LineStatus, ThrowsWhenTheLinkIsLostDuringTheWait) {
   )"));
 }
 
-TEST(LineStatus, ChecksTheConnectionAgainToLogALostLink) {
+TEST(LineStatusRequest, ChecksTheConnectionASecondTimeForTheLogRecordOfALostLink) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.saysConnected({true, true, true, false, true});
   const Outcome run = scenario.run(getParsedStatus());
@@ -204,7 +204,7 @@ TEST(LineStatus, ChecksTheConnectionAgainToLogALostLink) {
   )")) << "its own records precede the one that shows it";
 }
 
-TEST(LineStatus, ChecksTheConnectionAgainOnlyIfItLogs) {
+TEST(LineStatusRequest, ChecksALostConnectionOnlyOnceIfLoggingIsOff) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.logging = false;
   scenario.script.saysConnected({true, true, true, false, true});
@@ -212,7 +212,7 @@ TEST(LineStatus, ChecksTheConnectionAgainOnlyIfItLogs) {
   EXPECT_TRUE(run.all().ends_with("accessory.isConnected 0\n"));
 }
 
-TEST(LineStatus, LogsAReadThatFailedAndContinues) {
+TEST(LineStatusRequest, LogsAFailedReadAndContinues) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.whenAsked(lineRequest, whole(lineStatus())).readReturns(1, -1);
   const Outcome run = scenario.run(getParsedStatus());
@@ -226,12 +226,12 @@ TEST(LineStatus, LogsAReadThatFailedAndContinues) {
   )"));
 }
 
-TEST(LineStatus, LogsALevelOf2To31OrMoreAsNegative) {
+TEST(LineStatusRequest, LogsALevelOf2To31OrMoreAsNegative) {
   const Outcome run = lineModePrinter().run(getParsedStatus(4294967295U));
   EXPECT_EQ(run.records(method).substr(0, 21), "Start | <status>, -1\n");
 }
 
-TEST(StatusOfAnUnknownEmulation, IsFalseWithoutAQuestionToThePrinter) {
+TEST(StatusOfAnUnknownEmulation, FailsWithoutARequestToThePrinter) {
   Scenario scenario = Scenario::in(unknownEmulation);
   scenario.script.delivers(bytes("01 02"));
   const Outcome run = scenario.run(getParsedStatus());

@@ -73,7 +73,7 @@ TEST(FormatMessage, ShowsAll64BitsOfALongInteger) {
   EXPECT_EQ(formatMessage("%lu", std::size_t{512}), "512");
 }
 
-TEST(FormatMessage, ShowsSixDecimals) {
+TEST(FormatMessage, ShowsFloatingPointNumbersWithSixDecimals) {
   EXPECT_EQ(formatMessage("%f", 10.3), "10.300000");
   EXPECT_EQ(formatMessage("%f", 0.05F), "0.050000");
   EXPECT_EQ(formatMessage("%f", -0.0000004), "-0.000000");
@@ -81,7 +81,7 @@ TEST(FormatMessage, ShowsSixDecimals) {
   EXPECT_EQ(formatMessage("%f", -HUGE_VAL), "-inf");
 }
 
-TEST(FormatMessage, ShowsTheLongestFloatingPointNumberWhole) {
+TEST(FormatMessage, ShowsAllDigitsOfTheLongestFloatingPointNumber) {
   const std::string text = formatMessage("%f", std::numeric_limits<double>::lowest());
   EXPECT_EQ(text.size(), 317U);
   EXPECT_TRUE(text.starts_with("-17976931348623157") && text.ends_with(".000000")) << text;
@@ -92,7 +92,7 @@ class DecimalComma : public std::numpunct<char> {
   char do_decimal_point() const override { return ','; }
 };
 
-TEST(FormatMessage, ShowsAFullStopInAnyLocale) {
+TEST(FormatMessage, ShowsADecimalPointInAnyLocale) {
   std::setlocale(LC_NUMERIC,
                  "de_DE.UTF-8");  // changes nothing if the machine has no such locale
   const std::locale former =
@@ -103,7 +103,7 @@ TEST(FormatMessage, ShowsAFullStopInAnyLocale) {
   EXPECT_EQ(text, "1.500000");
 }
 
-TEST(FormatMessage, ShowsAddresses) {
+TEST(FormatMessage, ShowsPointersAsAddresses) {
   const auto* pointer = reinterpret_cast<const int*>(std::uintptr_t{0x7ffeabc0});
   EXPECT_EQ(formatMessage("%p", pointer), "0x7ffeabc0");
   const auto shared = std::make_shared<int>(1);
@@ -120,7 +120,7 @@ TEST(FormatMessage, ShowsANullAddressAsZero) {
   EXPECT_EQ(formatMessage("%p", std::unique_ptr<int>()), "0x0");
 }
 
-TEST(FormatMessage, ShowsTexts) {
+TEST(FormatMessage, ShowsTextsOfEachStringType) {
   const std::string text = "Shop printer";
   EXPECT_EQ(formatMessage("%@", text), text);
   EXPECT_EQ(formatMessage("%@", std::string_view(text)), text);
@@ -140,19 +140,19 @@ TEST(FormatMessage, DistinguishesANullTextFromAnEmptyOne) {
   EXPECT_EQ(formatMessage("%@", std::optional<std::string>("")), "");
 }
 
-TEST(FormatMessage, ShowsLists) {
+TEST(FormatMessage, ShowsTheItemsOfAList) {
   using List = std::vector<std::string>;
   EXPECT_EQ(formatMessage("%@", List{"jp.one", "jp.two", ""}), "(jp.one, jp.two, )");
   EXPECT_EQ(formatMessage("%@", List{}), "()");
 }
 
-TEST(FormatMessage, ShowsBytes) {
+TEST(FormatMessage, ShowsByteSequencesInHex) {
   const std::vector<std::uint8_t> bytes{0x1b, 0x06, 0xff};
   EXPECT_EQ(formatMessage("%@, -> %d", bytes, 3), "<1b 06 ff>, -> 3");
   EXPECT_EQ(formatMessage("%@", std::optional(bytes)), "<1b 06 ff>");
 }
 
-TEST(FormatMessage, ShowsMessagesOfAnyLengthWhole) {
+TEST(FormatMessage, DoesNotCutLongMessages) {
   for (std::size_t length = 180; length < 520; ++length) {
     const std::string text(length, 'x');
     EXPECT_EQ(formatMessage("%@, %d, %@, %@.", text, 7, text, text + text),
@@ -160,11 +160,11 @@ TEST(FormatMessage, ShowsMessagesOfAnyLengthWhole) {
   }
 }
 
-TEST(FormatMessage, TakesAPerCentSignInsideOfAnArgumentAsText) {
+TEST(FormatMessage, TreatsAPercentSignInAnArgumentAsText) {
   EXPECT_EQ(formatMessage("%@, %d", "%p %s %", 1), "%p %s %, 1");
 }
 
-TEST(FormatMessage, DoesNotChangeOtherText) {
+TEST(FormatMessage, DoesNotChangeTextOutsidePlaceholders) {
   EXPECT_EQ(formatMessage("[a hasPrefix:b] == NO): %@, %@;", "x", "y"),
             "[a hasPrefix:b] == NO): x, y;");
 }
@@ -238,7 +238,7 @@ TEST_F(LogStatementTest, FillsEveryFieldOfTheRecord) {
   EXPECT_LE(record.time, std::chrono::system_clock::now());
 }
 
-TEST_F(LogStatementTest, EvaluatesAndBuildsNothingWhenLoggingIsOff) {
+TEST_F(LogStatementTest, EvaluatesNoArgumentAndBuildsNoMessageIfLoggingIsOff) {
   LogWriter::setLogging(false);
   const std::uint64_t handedOver = LogWriter::sharedInstance().statistics().handedOver;
   const std::uint64_t descriptions = test::descriptionsMade();
@@ -248,7 +248,7 @@ TEST_F(LogStatementTest, EvaluatesAndBuildsNothingWhenLoggingIsOff) {
   EXPECT_THAT(messages(), IsEmpty());
 }
 
-TEST_F(LogStatementTest, EvaluatesAndBuildsOnceWhenLoggingIsOn) {
+TEST_F(LogStatementTest, EvaluatesItsArgumentsOnceIfLoggingIsOn) {
   const std::uint64_t handedOver = LogWriter::sharedInstance().statistics().handedOver;
   const std::uint64_t descriptions = test::descriptionsMade();
   EXPECT_EQ(speaker_.countedArguments(0), 1);
@@ -257,14 +257,14 @@ TEST_F(LogStatementTest, EvaluatesAndBuildsOnceWhenLoggingIsOn) {
   EXPECT_THAT(messages(), ElementsAre("1, <1b>"));
 }
 
-TEST_F(LogStatementTest, EvaluatesNothingForALevelThatIsNotWanted) {
+TEST_F(LogStatementTest, EvaluatesNoArgumentIfItsLevelIsOff) {
   EXPECT_EQ(speaker_.countedArguments(1), 0);
   LogWriter::setTargetLogLevels({1});
   EXPECT_EQ(speaker_.countedArguments(0), 0);
   EXPECT_EQ(speaker_.countedArguments(1), 1);
 }
 
-TEST_F(LogStatementTest, ChecksTheGatesEachTime) {
+TEST_F(LogStatementTest, ChecksEachTimeWhetherLoggingIsOn) {
   speaker_.speak("one");
   LogWriter::setLogging(false);
   speaker_.speak("two");
@@ -279,7 +279,7 @@ TEST_F(LogStatementTest, IsASingleStatementInAnIfWithoutBraces) {
   EXPECT_THAT(messages(), ElementsAre("second", "first"));
 }
 
-TEST_F(LogStatementTest, AllowsLoggingInItsArguments) {
+TEST_F(LogStatementTest, MayContainAnotherLogStatementInItsArguments) {
   speaker_.nest();
   const std::vector<std::string> seen = messages();
   ASSERT_EQ(seen.size(), 2U);

@@ -42,7 +42,7 @@ TEST_F(LogWriterTest, LogsOnlyLevelZeroByDefault) {
   EXPECT_FALSE(LogWriter::isTargetLogLevel(1));
 }
 
-TEST_F(LogWriterTest, LogsOnlyTheNamedLevels) {
+TEST_F(LogWriterTest, LogsOnlyTheTargetLevels) {
   LogWriter::setTargetLogLevels({1, 63});
   for (std::int32_t level = -65; level < 130; ++level) {
     EXPECT_EQ(LogWriter::isTargetLogLevel(level), level == 1 || level == 63) << level;
@@ -51,18 +51,18 @@ TEST_F(LogWriterTest, LogsOnlyTheNamedLevels) {
   EXPECT_FALSE(LogWriter::isTargetLogLevel(1));
 }
 
-TEST_F(LogWriterTest, RefusesAnInvalidLevelAndThenChangesNothing) {
+TEST_F(LogWriterTest, RefusesAnInvalidLevelAndChangesNothing) {
   EXPECT_THROW(LogWriter::setTargetLogLevels({1, 64}), std::out_of_range);
   EXPECT_THROW(LogWriter::setTargetLogLevels({-1, 1}), std::out_of_range);
   EXPECT_TRUE(LogWriter::isTargetLogLevel(0));
   EXPECT_FALSE(LogWriter::isTargetLogLevel(1));
 }
 
-TEST_F(LogWriterTest, IsTheSameInTheWholeProcess) {
+TEST_F(LogWriterTest, IsASingleInstanceInTheProcess) {
   EXPECT_EQ(&LogWriter::sharedInstance(), &LogWriter::sharedInstance());
 }
 
-TEST_F(LogWriterTest, DescribesEveryByte) {
+TEST_F(LogWriterTest, DescribesEachByteInHex) {
   EXPECT_EQ(LogWriter::createByteArrayDescription({0x1b, 0x06, 0x01}), "<1b 06 01>");
   EXPECT_EQ(LogWriter::createByteArrayDescription({0xff}), "<ff>");
   const std::vector<std::uint8_t> many(1000, 0xa5);
@@ -71,7 +71,7 @@ TEST_F(LogWriterTest, DescribesEveryByte) {
   EXPECT_EQ(description.substr(2996), "5 a5>");
 }
 
-TEST_F(LogWriterTest, DescribesNoBytesByEmptyBrackets) {
+TEST_F(LogWriterTest, DescribesAnEmptySequenceByEmptyBrackets) {
   EXPECT_EQ(LogWriter::createByteArrayDescription(std::vector<std::uint8_t>()), "<>");
   EXPECT_EQ(LogWriter::createByteArrayDescription(nullptr, 0), "<>");
 }
@@ -102,7 +102,7 @@ TEST_F(LogWriterTest, PassesEveryFieldToTheSinksWithTimeAndThread) {
   EXPECT_GE(record.time, before);
 }
 
-TEST_F(LogWriterTest, CountsRecordsAndDrops) {
+TEST_F(LogWriterTest, CountsLoggedAndDroppedRecords) {
   LogWriter& writer = LogWriter::sharedInstance();
   const LogStatistics before = writer.statistics();
   std::atomic<bool> entered{false};
@@ -151,7 +151,7 @@ TEST_F(LogWriterAtExit, WritesQueuedRecords) {
       testing::ExitedWithCode(0), testing::ResultOf(linesOf, 5000));
 }
 
-TEST_F(LogWriterAtExit, EndsEvenIfOtherThreadsStillLog) {
+TEST_F(LogWriterAtExit, LetsTheProcessEndEvenIfOtherThreadsStillLog) {
   EXPECT_EXIT(
       {
         LogWriter::sharedInstance().addSink(
@@ -174,7 +174,7 @@ TEST_F(LogWriterAtExit, EndsEvenIfOtherThreadsStillLog) {
       testing::ExitedWithCode(0), "");
 }
 
-TEST_F(LogWriterAtExit, EndsEvenIfASinkHangs) {
+TEST_F(LogWriterAtExit, LetsTheProcessEndEvenIfASinkHangs) {
   EXPECT_EXIT(
       {
         static std::atomic<bool> entered{false};

@@ -59,7 +59,7 @@ std::vector<std::string> leftOpen(const std::vector<Line>& lines) {
   return open;
 }
 
-TEST(LoggingContract, LogsExactlyOneExitForEachEntry) {
+TEST(LoggingContract, EachEntryRecordHasExactlyOneExitRecord) {
   for (const Scenario& scenario : manyScenarios()) {
     for (const Call& call : allCalls()) {
       const Outcome run = scenario.run(call);
@@ -70,7 +70,7 @@ TEST(LoggingContract, LogsExactlyOneExitForEachEntry) {
   }
 }
 
-TEST(LoggingContract, LogsNoExitIfAnExceptionPassesThrough) {
+TEST(LoggingContract, AnOperationThatThrowsLogsNoExitRecord) {
   // The link is lost after this number of bytes. If it were lost sooner, the call's own write would
   // fail without an exception.
   const std::pair<Call, std::size_t> losses[] = {
@@ -84,7 +84,7 @@ TEST(LoggingContract, LogsNoExitIfAnExceptionPassesThrough) {
   }
 }
 
-TEST(LoggingContract, MakesNoRecordAndNoDescriptionWhenLoggingIsOff) {
+TEST(LoggingContract, NoRecordAndNoDescriptionIsMadeIfLoggingIsOff) {
   const std::uint64_t handedOver = LogWriter::sharedInstance().statistics().handedOver;
   const std::uint64_t descriptions = descriptionsMade();
   for (Scenario scenario : manyScenarios()) {
@@ -97,7 +97,7 @@ TEST(LoggingContract, MakesNoRecordAndNoDescriptionWhenLoggingIsOff) {
   EXPECT_EQ(descriptionsMade(), descriptions);
 }
 
-TEST(LoggingContract, MakesNoDescriptionForALevelThatIsNotWanted) {
+TEST(LoggingContract, NoDescriptionIsMadeIfItsLevelIsOff) {
   const std::uint64_t descriptions = descriptionsMade();
   for (Scenario scenario : manyScenarios()) {
     scenario.levels = {1};
@@ -108,7 +108,7 @@ TEST(LoggingContract, MakesNoDescriptionForALevelThatIsNotWanted) {
   EXPECT_EQ(descriptionsMade(), descriptions);
 }
 
-TEST(LoggingContract, MakesDescriptionsWhenLoggingIsOn) {
+TEST(LoggingContract, DescriptionsAreMadeIfLoggingIsOn) {
   const std::uint64_t handedOver = LogWriter::sharedInstance().statistics().handedOver;
   const std::uint64_t descriptions = descriptionsMade();
   answeringPrinter(lineMode).runOnPort(inTurn(allCalls()));
@@ -130,7 +130,7 @@ class SwitchesLogging : public ForwardingPlatform {
   const bool on_;
 };
 
-TEST(LoggingContract, ChecksTheGatesAtEveryStatement) {
+TEST(LoggingContract, EveryStatementChecksWhetherLoggingIsOn) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.layer = [](std::shared_ptr<Platform> next) {
     return std::make_shared<SwitchesLogging>(std::move(next), false);
@@ -144,7 +144,7 @@ TEST(LoggingContract, ChecksTheGatesAtEveryStatement) {
             "Write | EAAccessory, size: 1, command: <41>\nEnd | <41>, -> 1\n");
 }
 
-TEST(LoggingContract, NamesThePortTheSourceAndTheMethodInEveryRecord) {
+TEST(LoggingContract, EveryRecordNamesThePortTheSourceAndTheMethod) {
   ScriptedWorld world;
   const auto port =
       ExternalAccessoryPort::initWithPortName("BT:", "", 0, ZKEmulationQuorLine, world.platform());
@@ -166,14 +166,14 @@ TEST(LoggingContract, NamesThePortTheSourceAndTheMethodInEveryRecord) {
   }
 }
 
-TEST(LoggingContract, UsesNoRecordTypeOfTheLayerAbove) {
+TEST(LoggingContract, NoRecordHasATypeOfTheLayerAboveThePort) {
   for (const Scenario& scenario : manyScenarios()) {
     const Outcome run = scenario.runOnPort(inTurn({getOnlineStatus(), read(5), startDataCancel()}));
     EXPECT_EQ(run.all().find("unexpected type"), std::string::npos);
   }
 }
 
-TEST(LoggingContract, LogsNothingForAccessorsAndDestruction) {
+TEST(LoggingContract, AccessorsAndDestructionLogNothing) {
   ScriptedWorld world;
   auto port =
       ExternalAccessoryPort::initWithPortName("BT:", "", 0, ZKEmulationQuorLine, world.platform());

@@ -7,7 +7,7 @@ namespace {
 
 const std::string method = "getOnlineStatus:";
 
-TEST(OnlineStatus, IsOnLineWhenThePrinterSaysSo) {
+TEST(OnlineStatus, IsTrueIfTheStatusIsOnLine) {
   Scenario scenario = lineModePrinter();
   const Outcome run = scenario.run(getOnlineStatus());
   EXPECT_EQ(run.result, "true");
@@ -26,7 +26,7 @@ TEST(OnlineStatus, IsOnLineWhenThePrinterSaysSo) {
   EXPECT_EQ(run.records("getParsedStatus:level:").substr(0, 21), "Start | <address>, 2\n");
 }
 
-TEST(OnlineStatus, IsTrueAndOffLineWhenThePrinterIsOffLine) {
+TEST(OnlineStatus, IsFalseWithoutAnErrorIfTheStatusIsOffLine) {
   const Outcome run = lineModePrinter(lineStatus({offlineFlag})).run(getOnlineStatus());
   EXPECT_EQ(run.result, "true");
   EXPECT_FALSE(run.caller.onlineStatus);
@@ -37,7 +37,7 @@ TEST(OnlineStatus, IsTrueAndOffLineWhenThePrinterIsOffLine) {
   )"));
 }
 
-TEST(OnlineStatus, DependsOnTheDrawerAnswerInEscPos) {
+TEST(OnlineStatus, IsReadFromTheDrawerQueryInEscPos) {
   const Outcome onLine = escPosPrinter("12").run(getOnlineStatus());
   EXPECT_EQ(onLine.result, "true");
   EXPECT_TRUE(onLine.caller.onlineStatus);
@@ -46,7 +46,7 @@ TEST(OnlineStatus, DependsOnTheDrawerAnswerInEscPos) {
   EXPECT_FALSE(offLine.caller.onlineStatus);
 }
 
-TEST(OnlineStatus, ThrowsAwayTheAnswerToItsShortRequest) {
+TEST(OnlineStatus, IgnoresTheAnswerToItsShortRequest) {
   Scenario scenario = lineModePrinter();
   scenario.script.whenAsked(shortRequest, whole(lineStatus({offlineFlag})));
   const Outcome run = scenario.run(getOnlineStatus());
@@ -54,7 +54,7 @@ TEST(OnlineStatus, ThrowsAwayTheAnswerToItsShortRequest) {
   EXPECT_TRUE(run.caller.onlineStatus);
 }
 
-TEST(OnlineStatus, KeepsTheFlagIfTheShortRequestCannotBeWritten) {
+TEST(OnlineStatus, IsUnchangedIfItsShortRequestCannotBeWritten) {
   for (const bool before : {true, false}) {
     Scenario scenario = lineModePrinter();
     scenario.script.writeReturns(1, -1);
@@ -75,7 +75,7 @@ TEST(OnlineStatus, KeepsTheFlagIfTheShortRequestCannotBeWritten) {
   }
 }
 
-TEST(OnlineStatus, SetsTheFlagToFalseWhenThereIsNoStatus) {
+TEST(OnlineStatus, IsFalseIfTheStatusFails) {
   const Outcome run = Scenario::in(lineMode).run(getOnlineStatus());
   EXPECT_EQ(run.result, "false");
   EXPECT_FALSE(run.caller.onlineStatus);
@@ -86,7 +86,7 @@ TEST(OnlineStatus, SetsTheFlagToFalseWhenThereIsNoStatus) {
   )"));
 }
 
-TEST(OnlineStatus, DoesNotChangeTheFlagWhenTheStatusThrows) {
+TEST(OnlineStatus, IsUnchangedIfTheStatusThrows) {
   Scenario scenario = lineModePrinter();
   scenario.script.isLostAfterBytes(3);
   const Outcome run = scenario.run(getOnlineStatus());
@@ -96,7 +96,7 @@ TEST(OnlineStatus, DoesNotChangeTheFlagWhenTheStatusThrows) {
       << "an exception that passes through leaves no exit record";
 }
 
-TEST(OnlineStatus, IsFalseWithAnUnknownEmulation) {
+TEST(OnlineStatus, IsFalseInAnUnknownEmulation) {
   const Outcome run = Scenario::in(unknownEmulation).run(getOnlineStatus());
   EXPECT_EQ(run.result, "false");
   EXPECT_FALSE(run.caller.onlineStatus);

@@ -32,7 +32,7 @@ class PortThreadWithoutList : public PortThread {
         }) {}
 };
 
-TEST_F(PortThreadWithoutList, TurnsAnExceptionIntoAFailedOpen) {
+TEST_F(PortThreadWithoutList, AnExceptionOnThePortThreadMakesTheOpenFail) {
   const Port port = create();
   const std::string all = during([&] { EXPECT_FALSE(port->open()); });
   EXPECT_NE(all.find("port thread: Error open71 | Throws exception, class: "
@@ -68,7 +68,7 @@ class PortThatCannotPause : public PortThread {
         }) {}
 };
 
-TEST_F(PortThatCannotPause, FailsToOpenAlthoughTheSessionExists) {
+TEST_F(PortThatCannotPause, FailsToOpenEvenIfItsSessionWasOpened) {
   const Port port = create();
   EXPECT_FALSE(port->open());
   EXPECT_EQ(port->result71(), true);
@@ -92,15 +92,15 @@ class CarryingRaises : public ForwardingPlatform {
   };
 };
 
-class PortThreadThatCarriesNothing : public PortThread {
+class PortThreadThatRefusesRoutines : public PortThread {
  protected:
-  PortThreadThatCarriesNothing()
+  PortThreadThatRefusesRoutines()
       : PortThread([](std::shared_ptr<Platform> next) -> std::shared_ptr<Platform> {
           return std::make_shared<CarryingRaises>(std::move(next));
         }) {}
 };
 
-TEST_F(PortThreadThatCarriesNothing, NeverMakesOpenOrCloseThrow) {
+TEST_F(PortThreadThatRefusesRoutines, NeverMakesOpenOrCloseThrow) {
   const Port port = create();
   bool opened = true;
   const std::string all = during([&] {

@@ -3,7 +3,7 @@
 namespace quordalvane::test {
 namespace {
 
-TEST_F(PortThread, RunsTheOpenOfTheMainThread) {
+TEST_F(PortThread, RunsAnOpenThatTheMainThreadCalls) {
   const Port port = create();
   pass(0.05);
   EXPECT_EQ(during([&] { EXPECT_TRUE(port->open()); }), text(R"(
@@ -29,7 +29,7 @@ TEST_F(PortThread, RunsTheOpenOfTheMainThread) {
   port->close();
 }
 
-TEST_F(PortThread, RunsTheCloseOfTheMainThreadAndThenEnds) {
+TEST_F(PortThread, RunsACloseThatTheMainThreadCallsAndThenEnds) {
   const Port port = create();
   EXPECT_TRUE(port->open());
   const std::string all = during([&] {
@@ -57,7 +57,7 @@ TEST_F(PortThread, RunsTheCloseOfTheMainThreadAndThenEnds) {
   )"));
 }
 
-TEST_F(PortThread, RunsItsLoopInSlicesAndTracesEachSliceOnce) {
+TEST_F(PortThread, LogsEachSliceOfItsRunLoopOnce) {
   const Port port = [&] {
     const Logging logging(true, {1});
     auto created = create();
@@ -110,7 +110,7 @@ TEST_F(PortThread, LetsThePortExpireWithinThreeTenthsOfASecondAfterTheClose) {
   }
 }
 
-TEST_F(PortThread, EndsEvenIfAnApplicationHoldsItsHandle) {
+TEST_F(PortThread, EndsEvenIfTheApplicationHoldsItsHandle) {
   Port port = create();
   const std::shared_ptr<NSThread> handle = port->thread71();
   const std::weak_ptr<ExternalAccessoryPort> weak = port;
@@ -120,7 +120,7 @@ TEST_F(PortThread, EndsEvenIfAnApplicationHoldsItsHandle) {
   EXPECT_TRUE(isHeldBy(weak, 0)) << "there is no cycle through the handle";
 }
 
-TEST_F(PortThread, ContinuesAfterACloseOnAnotherThread) {
+TEST_F(PortThread, ContinuesAfterACloseThatAnotherThreadCalls) {
   const Port port = create();
   const std::weak_ptr<ExternalAccessoryPort> weak = port;
   port->open();
@@ -132,7 +132,7 @@ TEST_F(PortThread, ContinuesAfterACloseOnAnotherThread) {
   EXPECT_TRUE(isHeldBy(weak, 1));
 }
 
-TEST_F(PortThread, ClosesOnTheMainThreadAPortThatWasOpenedOnAnother) {
+TEST_F(PortThread, APortOpenedOnAnotherThreadCanBeClosedOnTheMainThread) {
   const Port port = create();
   elsewhere([&port] { EXPECT_TRUE(port->open()); });
   EXPECT_TRUE(port->isConnected());
@@ -140,7 +140,7 @@ TEST_F(PortThread, ClosesOnTheMainThreadAPortThatWasOpenedOnAnother) {
   EXPECT_FALSE(port->isConnected());
 }
 
-TEST_F(PortThread, IsNotUsedByAnOpenOnAnotherThread) {
+TEST_F(PortThread, IsNotUsedIfAnotherThreadOpensThePort) {
   const Port port = create();
   const std::string all = during([&] { elsewhere([&port] { EXPECT_TRUE(port->open()); }); });
   EXPECT_EQ(all.find("performAndWait"), std::string::npos);
@@ -148,7 +148,7 @@ TEST_F(PortThread, IsNotUsedByAnOpenOnAnotherThread) {
   port->close();
 }
 
-TEST_F(PortThread, ThatWasNeverMadeDoesNotHinderOpenAndCloseOnTheMainThread) {
+TEST_F(PortThread, OpenAndCloseWorkOnTheMainThreadIfThePortThreadWasNeverMade) {
   world_.machine().setMainThread(false);
   const Port port = create();
   EXPECT_EQ(port->thread71(), nullptr);
@@ -159,7 +159,7 @@ TEST_F(PortThread, ThatWasNeverMadeDoesNotHinderOpenAndCloseOnTheMainThread) {
   EXPECT_FALSE(port->isConnected());
 }
 
-TEST_F(PortThread, ThatHasEndedDoesNotHinderOpenAndCloseOnTheMainThread) {
+TEST_F(PortThread, OpenAndCloseWorkOnTheMainThreadIfThePortThreadHasEnded) {
   const Port port = create();
   port->close();
   pass(1);
@@ -169,7 +169,7 @@ TEST_F(PortThread, ThatHasEndedDoesNotHinderOpenAndCloseOnTheMainThread) {
   EXPECT_FALSE(port->isConnected());
 }
 
-TEST_F(PortThread, ThatIsEndingDoesNotHinderOpenAndCloseOnTheMainThread) {
+TEST_F(PortThread, OpenAndCloseWorkOnTheMainThreadWhileThePortThreadEnds) {
   for (const double after : {0.0, 0.01, 0.05, 0.09, 0.1, 0.11, 0.2}) {
     const Port port = create();
     pass(0.03);
@@ -184,7 +184,7 @@ TEST_F(PortThread, ThatIsEndingDoesNotHinderOpenAndCloseOnTheMainThread) {
   }
 }
 
-TEST_F(PortThread, ThatIsEndingGetsNoMoreWork) {
+TEST_F(PortThread, GetsNoMoreRoutinesWhileItEnds) {
   for (const double after : {0.0, 0.01, 0.05, 0.09, 0.1, 0.11, 0.2}) {
     const Port port = create();
     pass(0.03);
@@ -203,7 +203,7 @@ TEST_F(PortThread, ThatIsEndingGetsNoMoreWork) {
   }
 }
 
-TEST_F(PortThread, TakesManyCyclesOfOpenAndClose) {
+TEST_F(PortThread, RunsManyCyclesOfOpenAndClose) {
   for (int cycle = 0; cycle < 100; ++cycle) {
     Port port = create();
     const std::weak_ptr<ExternalAccessoryPort> weak = port;
@@ -215,7 +215,7 @@ TEST_F(PortThread, TakesManyCyclesOfOpenAndClose) {
   }
 }
 
-TEST_F(PortThread, TakesATenthOfASecondForAnOpenThatFails) {
+TEST_F(PortThread, AFailedOpenTakesATenthOfASecond) {
   world_.machine().detachAll();
   const Port port = create();
   const double before = now();
@@ -224,7 +224,7 @@ TEST_F(PortThread, TakesATenthOfASecondForAnOpenThatFails) {
   port->close();
 }
 
-TEST_F(PortThread, DoesNotRepeatTheResultOfAnEarlierOpen) {
+TEST_F(PortThread, AFailedOpenReplacesTheResultOfAnEarlierOpen) {
   const Port port = create();
   EXPECT_TRUE(port->open());
   world_.machine().detachAll();

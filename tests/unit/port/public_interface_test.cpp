@@ -83,7 +83,7 @@ static_assert(ZKQuorIOResultCodeSuccess == 0 && ZKQuorIOResultCodeFailedError ==
               ZKQuorIOResultCodeInProcessError == -2 && ZKQuorIOResultCodePaperPresentError == -3 &&
               ZKQuorIOResultCodeInUseError == -100);
 
-TEST(PortException, CarriesItsNameAndItsReason) {
+TEST(PortException, HasItsNameAndItsReason) {
   const PortException exception("why");
   EXPECT_STREQ(exception.name(), "PortException");
   EXPECT_EQ(exception.reason(), "why");
@@ -110,7 +110,7 @@ class SharedPort : public testing::Test {
   std::shared_ptr<Port> port_;
 };
 
-TEST_F(SharedPort, MayBeAskedFromSeveralThreadsWhileItWorks) {
+TEST_F(SharedPort, ReturnsItsPropertiesToSeveralThreadsDuringAnOperation) {
   std::atomic<bool> done = false;
   std::atomic<std::uint64_t> torn = 0;
   std::vector<std::thread> askers;
@@ -151,7 +151,7 @@ TEST_F(SharedPort, MayBeAskedFromSeveralThreadsWhileItWorks) {
   EXPECT_EQ(torn, 0U);
 }
 
-TEST_F(SharedPort, ReturnsCopiesThatLaterChangesDoNotAffect) {
+TEST_F(SharedPort, ReturnsCopiesThatLaterOperationsDoNotChange) {
   EXPECT_TRUE(port_->open());
   EXPECT_TRUE(port_->retrieveDipSwitchInformation());
   const auto before = port_->dipSwitchInformation();

@@ -11,7 +11,7 @@ Scenario delivering(const Bytes& what) {
   return scenario;
 }
 
-TEST(Read, TakesTheBytesOfTheStreamAndLogsEveryStep) {
+TEST(PortRead, ReturnsTheBytesOfTheStreamAndLogsEveryStep) {
   const Outcome run = delivering(bytes("10 20")).run(read(128));
   EXPECT_EQ(run.result, "<10 20>");
   EXPECT_EQ(run.all(), text(R"(
@@ -31,7 +31,7 @@ TEST(Read, TakesTheBytesOfTheStreamAndLogsEveryStep) {
   )"));
 }
 
-TEST(Read, WaitsOneSliceAndReturnsAnEmptyBufferIfNoByteArrives) {
+TEST(PortRead, ReturnsAnEmptyBufferAfterOneRunLoopSliceIfNoByteArrives) {
   const Outcome run = Scenario::in(lineMode).run(read(5));
   EXPECT_EQ(run.result, "<>");
   EXPECT_EQ(run.all(), text(R"(
@@ -48,7 +48,7 @@ TEST(Read, WaitsOneSliceAndReturnsAnEmptyBufferIfNoByteArrives) {
   )"));
 }
 
-TEST(Read, ChecksTheSpaceOfTheOutputOnlyForTheLog) {
+TEST(PortRead, ChecksTheOutputsSpaceOnlyIfLoggingIsOn) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.logging = false;
   const Outcome run = scenario.run(read(5));
@@ -60,7 +60,7 @@ TEST(Read, ChecksTheSpaceOfTheOutputOnlyForTheLog) {
   )"));
 }
 
-TEST(Read, LogsThatTheOutputIsFull) {
+TEST(PortRead, LogsThatTheOutputHasNoSpace) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.hasNoSpace();
   const Outcome run = scenario.run(read(5));
@@ -68,7 +68,7 @@ TEST(Read, LogsThatTheOutputIsFull) {
             std::string::npos);
 }
 
-TEST(Read, Of0BytesReturnsAnEmptyBufferWithoutReading) {
+TEST(PortRead, ReturnsAnEmptyBufferIf0BytesAreRequested) {
   const Outcome run = delivering(bytes("10")).run(read(0));
   EXPECT_EQ(run.result, "<>");
   EXPECT_EQ(run.wire(), "");
@@ -78,13 +78,13 @@ TEST(Read, Of0BytesReturnsAnEmptyBufferWithoutReading) {
   )"));
 }
 
-TEST(Read, Of0BytesWhenNotConnectedReturnsNull) {
+TEST(PortRead, ReturnsNullIf0BytesAreRequestedOnALostLink) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.isLost();
   EXPECT_EQ(scenario.run(read(0)).result, "none");
 }
 
-TEST(Read, MovesAtMost128BytesInOneCall) {
+TEST(PortRead, ReadsAtMost128BytesFromTheStreamInOneCall) {
   const Bytes much(300, 0x41);
   const Outcome run = delivering(much).run(read(300));
   EXPECT_EQ(run.result, shown(much));
@@ -92,12 +92,12 @@ TEST(Read, MovesAtMost128BytesInOneCall) {
                             shown(Bytes(44, 0x41)) + "\n");
 }
 
-TEST(Read, TakesNoMoreThanAsked) {
+TEST(PortRead, ReturnsNoMoreBytesThanRequested) {
   const Outcome run = delivering(bytes("01 02 03 04")).run(inTurn({read(3), read(3)}));
   EXPECT_EQ(run.result, "<01 02 03>; <04>");
 }
 
-TEST(Read, StopsAsSoonAsTheStreamHasNothingMore) {
+TEST(PortRead, ReturnsAsSoonAsTheStreamHasNoMoreBytes) {
   Scenario scenario = delivering(bytes("01 02"));
   scenario.script.delivers(bytes("03"), 0.05);
   const Outcome run = scenario.run(read(3));
@@ -105,13 +105,13 @@ TEST(Read, StopsAsSoonAsTheStreamHasNothingMore) {
   EXPECT_EQ(run.wire(), "input.read 3 -> <01 02>\n");
 }
 
-TEST(Read, WaitsItsSliceEvenIfNoByteCanArrive) {
+TEST(PortRead, WaitsOneRunLoopSliceEvenIfNoByteCanArrive) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.expects = Script::Expects::Never;
   EXPECT_EQ(scenario.run(read(3)).wire(), "slice for input 0.1\n");
 }
 
-TEST(Read, ReturnsBytesThatArriveWithinTheSliceAtOnce) {
+TEST(PortRead, ReturnsBytesThatArriveDuringTheSliceAtOnce) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.delivers(bytes("01"), 0.05);
   const Outcome run = scenario.run(inTurn({read(3), writeWithRetry({})}));
@@ -119,7 +119,7 @@ TEST(Read, ReturnsBytesThatArriveWithinTheSliceAtOnce) {
   EXPECT_NE(run.all().find("gettimeofday 1000000.050000"), std::string::npos);
 }
 
-TEST(Read, ReturnsNullWhenNotConnected) {
+TEST(PortRead, ReturnsNullIfTheLinkIsLost) {
   Scenario scenario = delivering(bytes("01"));
   scenario.script.isLost();
   const Outcome run = scenario.run(read(9));
@@ -131,7 +131,7 @@ TEST(Read, ReturnsNullWhenNotConnected) {
   )"));
 }
 
-TEST(Read, DropsGatheredBytesWhenTheLinkIsLostMeanwhile) {
+TEST(PortRead, ReturnsNullIfTheLinkIsLostAfterTheFirstBytes) {
   Scenario scenario = delivering(bytes("01 02 03 04"));
   scenario.script.givesAtMost(2).isLostAfterReads(1);
   const Outcome run = scenario.run(read(4));
@@ -144,7 +144,7 @@ TEST(Read, DropsGatheredBytesWhenTheLinkIsLostMeanwhile) {
   )"));
 }
 
-TEST(Read, ReturnsNullOnEveryNegativeCount) {
+TEST(PortRead, ReturnsNullIfTheStreamReturnsANegativeCount) {
   for (const std::int64_t count : {std::int64_t{-1}, std::int64_t{-2}, INT64_MIN}) {
     Scenario scenario = delivering(bytes("01"));
     scenario.script.readReturns(1, count);
@@ -158,7 +158,7 @@ TEST(Read, ReturnsNullOnEveryNegativeCount) {
   }
 }
 
-TEST(Read, AppendsNothingForACountOf0) {
+TEST(PortRead, ReadsAgainIfTheStreamReturnsTheCount0) {
   Scenario scenario = delivering(bytes("01"));
   scenario.script.readReturns(1, 0);
   const Outcome run = scenario.run(read(1));
@@ -167,7 +167,7 @@ TEST(Read, AppendsNothingForACountOf0) {
             std::string::npos);
 }
 
-TEST(Read, ReadsNoByteBeyondItsBuffersForAnyCountOfTheStream) {
+TEST(PortRead, ReadsNoByteBeyondItsBuffersForAnyCountOfTheStream) {
   for (const std::int64_t count :
        {std::int64_t{2}, std::int64_t{129}, std::int64_t{1000000}, INT64_MAX}) {
     Scenario scenario = delivering(bytes("01"));
@@ -176,13 +176,13 @@ TEST(Read, ReadsNoByteBeyondItsBuffersForAnyCountOfTheStream) {
   }
 }
 
-TEST(Read, WithoutAnAccessoryReturnsNull) {
+TEST(PortRead, ReturnsNullIfThereIsNoAccessory) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.isOpen = false;
   EXPECT_EQ(scenario.run(read(1)).result, "none");
 }
 
-TEST(Read, OfALostLinkDoesNotWait) {
+TEST(PortRead, DoesNotWaitIfTheLinkIsLost) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.isLost();
   EXPECT_EQ(scenario.run(read(1)).wire(), "");

@@ -40,13 +40,13 @@ TEST(RetryingWriter, SendsTheCommandInOneAttemptAndLogsEveryStep) {
   )"));
 }
 
-TEST(RetryingWriter, SendsAnEmptyCommandAs0) {
+TEST(RetryingWriter, Returns0ForAnEmptyCommand) {
   const Outcome run = Scenario::in(lineMode).run(writeWithRetry({}));
   EXPECT_EQ(run.result, "0");
   EXPECT_EQ(run.records("writeWithRetry:"), "Start | <data>\nEnd | <data>, -> 0\n");
 }
 
-TEST(RetryingWriter, SendsTheWholeCommandAfterAttemptsThatTookNothing) {
+TEST(RetryingWriter, SendsTheWholeCommandAfterAttemptsThatSentNothing) {
   const Outcome run = takingInAttempts({0, 0, 8}).run(writeWithRetry(command));
   EXPECT_EQ(run.result, "8");
   EXPECT_EQ(run.sent(), command);
@@ -59,13 +59,13 @@ TEST(RetryingWriter, SendsTheWholeCommandAfterAttemptsThatTookNothing) {
   )"));
 }
 
-TEST(RetryingWriter, TreatsATotalEqualToTheTailAsComplete) {
+TEST(RetryingWriter, StopsEarlyIfTheSentTotalEqualsTheRest) {
   const Outcome run = takingInAttempts({3, 2}).run(writeWithRetry(command));
   EXPECT_EQ(run.result, "5");
   EXPECT_EQ(run.sent(), bytes("01 02 03 04 05")) << "three bytes remain unsent";
 }
 
-TEST(RetryingWriter, CutsTheTailAtTheTotalAndSkipsBytes) {
+TEST(RetryingWriter, SkipsBytesAfterTwoPartialWrites) {
   Scenario scenario = takingInAttempts({1, 2});
   scenario.script.writeReturns(3, -1);
   const Outcome run = scenario.run(writeWithRetry(command));
@@ -78,7 +78,7 @@ TEST(RetryingWriter, CutsTheTailAtTheTotalAndSkipsBytes) {
   )")) << "04 is never sent";
 }
 
-TEST(RetryingWriter, RepeatsTheTailWithoutEndIfTheTotalIsGreater) {
+TEST(RetryingWriter, RepeatsTheRestWithoutEndIfTheSentTotalExceedsTheCommand) {
   Scenario scenario = takingInAttempts({3, 5});
   scenario.script.isLostAfterBytes(8 + 10 * 5);
   const Outcome run = scenario.run(writeWithRetry(command));
@@ -90,7 +90,7 @@ TEST(RetryingWriter, RepeatsTheTailWithoutEndIfTheTotalIsGreater) {
   )")) << "without a pause and without a time-out";
 }
 
-TEST(RetryingWriter, EndsTheRepetitionOnePassAfterTheLinkIsLost) {
+TEST(RetryingWriter, EndsItsRepetitionWhenTheLinkIsLost) {
   Scenario scenario = takingInAttempts({3, 5});
   scenario.script.isLostAfterBytes(100000);
   const Outcome run = scenario.run(writeWithRetry(command));
@@ -98,7 +98,7 @@ TEST(RetryingWriter, EndsTheRepetitionOnePassAfterTheLinkIsLost) {
   EXPECT_LT(run.sent().size(), 100000U + 5U);
 }
 
-TEST(RetryingWriter, GivesUpOnlyWhenTheSecondsHaveMovedOnByMoreThanTheLimit) {
+TEST(RetryingWriter, FailsWhenMoreWholeSecondsThanTheTimeoutHavePassed) {
   Scenario scenario = Scenario::in(lineMode, 2000);
   scenario.script.hasNoSpace();
   const Outcome run = scenario.run(writeWithRetry(command));
@@ -117,14 +117,14 @@ TEST(RetryingWriter, GivesUpOnlyWhenTheSecondsHaveMovedOnByMoreThanTheLimit) {
   )"));
 }
 
-TEST(RetryingWriter, CountsSecondsOfTheClockAndNotSinceTheCall) {
+TEST(RetryingWriter, MeasuresItsTimeoutInWholeSecondsOfTheClock) {
   Scenario scenario = Scenario::in(lineMode, 2000);
   scenario.script.hasNoSpace().startsPastTheSecond(950000);
   const Outcome run = scenario.run(writeWithRetry(command));
   EXPECT_EQ(run.wire().substr(0, 4), "13 x") << "2.05 s";
 }
 
-TEST(RetryingWriter, HasALimitOf0SecondsBelow1000Milliseconds) {
+TEST(RetryingWriter, TreatsATimeoutBelow1000MillisecondsAs0Seconds) {
   for (const std::uint32_t timeout : {0U, 1U, 999U}) {
     Scenario scenario = Scenario::in(lineMode, timeout);
     scenario.script.hasNoSpace().startsPastTheSecond(890000);
@@ -139,13 +139,13 @@ TEST(RetryingWriter, HasALimitOf0SecondsBelow1000Milliseconds) {
   }
 }
 
-TEST(RetryingWriter, ChecksTheTimeOnlyAfterAnAttemptThatLeftBytes) {
+TEST(RetryingWriter, ChecksItsTimeoutOnlyAfterAPartialWrite) {
   Scenario scenario = Scenario::in(lineMode, 0);
   scenario.script.stepsClock(2, 100);
   EXPECT_EQ(scenario.run(writeWithRetry(command)).result, "8");
 }
 
-TEST(RetryingWriter, IsNotTimedOutByAClockThatStepsBack) {
+TEST(RetryingWriter, DoesNotTimeOutWhenTheClockIsSetBack) {
   for (const std::int64_t step : {-1, -3600, -315360000}) {
     Scenario scenario = takingInAttempts({0, 8}, 0);
     scenario.script.stepsClock(2, step);
@@ -153,7 +153,7 @@ TEST(RetryingWriter, IsNotTimedOutByAClockThatStepsBack) {
   }
 }
 
-TEST(RetryingWriter, TreatsTheLargestTimeoutAsALongLimit) {
+TEST(RetryingWriter, TreatsTheLargestTimeoutAsAVeryLongTime) {
   Scenario scenario = takingInAttempts({0, 8}, 4294967295U);
   scenario.script.stepsClock(2, 4294967);
   EXPECT_EQ(scenario.run(writeWithRetry(command)).result, "8");
@@ -161,7 +161,7 @@ TEST(RetryingWriter, TreatsTheLargestTimeoutAsALongLimit) {
   EXPECT_EQ(scenario.run(writeWithRetry(command)).result, "-1");
 }
 
-TEST(RetryingWriter, DoesNotWriteWhenNotConnected) {
+TEST(RetryingWriter, DoesNotWriteIfTheLinkIsLost) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.isLost();
   const Outcome run = scenario.run(writeWithRetry(command));
@@ -177,7 +177,7 @@ TEST(RetryingWriter, DoesNotWriteWhenNotConnected) {
   )"));
 }
 
-TEST(RetryingWriter, FailsWhenTheWriterFails) {
+TEST(RetryingWriter, FailsIfAWriteFails) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.writeReturns(1, -1);
   const Outcome run = scenario.run(writeWithRetry(command));
@@ -189,7 +189,7 @@ TEST(RetryingWriter, FailsWhenTheWriterFails) {
   )"));
 }
 
-TEST(RetryingWriter, FailsWhenTheLinkIsLostBetweenTwoAttempts) {
+TEST(RetryingWriter, FailsIfTheLinkIsLostBetweenTwoAttempts) {
   Scenario scenario = takingInAttempts({4});
   scenario.script.isLost(0.01);
   const Outcome run = scenario.run(writeWithRetry(command));
@@ -262,7 +262,7 @@ void checkEverySplit(const Bytes& whole, const std::vector<std::size_t>& counts,
   }
 }
 
-TEST(RetryingWriter, KeepsItsContractForEverySplitOfEveryCommand) {
+TEST(RetryingWriter, SendsTheDocumentedBytesForEverySplitOfEveryCommand) {
   for (std::size_t length = 0; length <= 13; ++length) {
     Bytes whole(length);
     std::iota(whole.begin(), whole.end(), std::uint8_t{1});

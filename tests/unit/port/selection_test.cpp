@@ -41,17 +41,17 @@ std::uint64_t chosen(const Scenario& scenario) {
   return identifier;
 }
 
-TEST(Selection, ChoosesTheFirstPrinterForABarePrefixInAnyLetterCase) {
+TEST(PrinterSelection, ChoosesTheFirstPrinterIfThePortNameIsOnlyAPrefix) {
   for (const char* name : {"BT:", "bt:", "Bt:", "bT:"}) {
     EXPECT_EQ(chosen(choosing(name, {printer(1), printer(2)})), 1U) << name;
   }
 }
 
-TEST(Selection, ChoosesTheFirstPrinterWithoutAPortName) {
+TEST(PrinterSelection, ChoosesTheFirstPrinterIfThePortNameIsNull) {
   EXPECT_EQ(chosen(choosing(std::nullopt, {printer(1), printer(2)})), 1U);
 }
 
-TEST(Selection, LogsItsChoice) {
+TEST(PrinterSelection, LogsTheChosenPrinter) {
   const Outcome run = choosing("BT:", {printer(1)}).run(open());
   EXPECT_EQ(run.records("open71"), text(R"(
     Start |
@@ -61,7 +61,7 @@ TEST(Selection, LogsItsChoice) {
   )"));
 }
 
-TEST(Selection, ChoosesTheFirstPrinterWithTheGivenName) {
+TEST(PrinterSelection, ChoosesTheFirstPrinterWithTheGivenName) {
   AccessoryIdentity other = printer(3);
   other.name = "Printer 2";
   const Outcome run = choosing("BT:Printer 2", {printer(1), printer(2), other}).run(open());
@@ -81,17 +81,17 @@ TEST(Selection, ChoosesTheFirstPrinterWithTheGivenName) {
   )"));
 }
 
-TEST(Selection, ComparesNamesExactly) {
+TEST(PrinterSelection, ComparesNamesExactly) {
   EXPECT_EQ(chosen(choosing("BT:printer 1", {printer(1)})), 0U);
   EXPECT_EQ(chosen(choosing("BT:Printer 1 ", {printer(1)})), 0U);
 }
 
-TEST(Selection, ChoosesTheFirstPrinterWithTheGivenSerialNumber) {
+TEST(PrinterSelection, ChoosesTheFirstPrinterWithTheGivenSerialNumber) {
   EXPECT_EQ(chosen(choosing("xx!SN2", {printer(1), printer(2)})), 2U)
       << "the first three characters are always dropped";
 }
 
-TEST(Selection, DropsAPrefixOfThreeCharactersWhateverTheirBytes) {
+TEST(PrinterSelection, IgnoresTheFirstThreeCharactersOfThePortNameWhateverTheyAre) {
   struct {
     const char* what;
     const char* prefix;
@@ -114,13 +114,13 @@ TEST(Selection, DropsAPrefixOfThreeCharactersWhateverTheirBytes) {
   }
 }
 
-TEST(Selection, PrefersTheEarlierAccessoryOverTheBetterMatch) {
+TEST(PrinterSelection, PrefersAnEarlierSerialNumberMatchToALaterNameMatch) {
   AccessoryIdentity bySerial = printer(1);
   bySerial.serialNumber = "Printer 2";
   EXPECT_EQ(chosen(choosing("BT:Printer 2", {bySerial, printer(2)})), 1U);
 }
 
-TEST(Selection, FindsTheGivenAddressInAnyLetterCase) {
+TEST(PrinterSelection, FindsTheGivenAddressInAnyLetterCase) {
   AccessoryIdentity second = printer(2);
   second.address = "00:11:aa:BB:cc:dd";
   for (const char* name :
@@ -129,7 +129,7 @@ TEST(Selection, FindsTheGivenAddressInAnyLetterCase) {
   }
 }
 
-TEST(Selection, FindsTheAddressOfAnAccessoryWhoseOtherTextsLookLikeOne) {
+TEST(PrinterSelection, FindsAnAddressOnlyInTheAddressOfAnAccessory) {
   AccessoryIdentity odd = printer(1);
   odd.name = "[fe80::12:34:56:78:9a:bc]:9100";
   odd.serialNumber = "12:34:56:78:9A:BD";
@@ -139,7 +139,7 @@ TEST(Selection, FindsTheAddressOfAnAccessoryWhoseOtherTextsLookLikeOne) {
   EXPECT_EQ(chosen(choosing("BT:12:34:56:78:9A:BC", {odd})), 0U);
 }
 
-TEST(Selection, LogsWhyAnAddressDoesNotFit) {
+TEST(PrinterSelection, LogsWhyAnAddressDoesNotMatch) {
   AccessoryIdentity other = printer(1);
   other.address = "00:11:22:33:44:55";
   const Outcome run = choosing("BT:00:11:22:33:44:66", {other, printer(2)}).run(open());
@@ -164,7 +164,7 @@ TEST(Selection, LogsWhyAnAddressDoesNotFit) {
   )"));
 }
 
-TEST(Selection, ComparesAnAddressWithTheWholePortName) {
+TEST(PrinterSelection, RefusesAPortNameWithOtherTextBesideAnAddress) {
   AccessoryIdentity addressed = printer(1);
   addressed.address = "00:11:22:33:44:55";
   const Outcome run = choosing("BT:x 00:11:22:33:44:55", {addressed}).run(open());
@@ -175,7 +175,7 @@ TEST(Selection, ComparesAnAddressWithTheWholePortName) {
             std::string::npos);
 }
 
-TEST(Selection, SkipsKltModelsThatAreAttachedByCable) {
+TEST(PrinterSelection, SkipsKltModelsThatAreAttachedByUsb) {
   AccessoryIdentity cable = printer(1);
   cable.modelNumber = "KLT20-U";
   const Outcome run = choosing("BT:", {cable, printer(2)}).run(open());
@@ -184,7 +184,7 @@ TEST(Selection, SkipsKltModelsThatAreAttachedByCable) {
   EXPECT_EQ(chosen(choosing("BT:Printer 1", {cable})), 0U) << "also when it is designated";
 }
 
-TEST(Selection, ChoosesOtherModelsByCableAndKltModelsWithoutCable) {
+TEST(PrinterSelection, ChoosesOtherUsbModelsAndKltModelsThatAreNotUsb) {
   for (const char* model : {"XQ20-U", "KLT20", "klt20-U", "KLT-Ux", "XKLT-U", ""}) {
     AccessoryIdentity other = printer(1);
     other.modelNumber = model;
@@ -195,7 +195,7 @@ TEST(Selection, ChoosesOtherModelsByCableAndKltModelsWithoutCable) {
   EXPECT_EQ(chosen(choosing("BT:", {none})), 1U);
 }
 
-TEST(Selection, ChoosesOnlyTheMakersPrintersInAnyLetterCase) {
+TEST(PrinterSelection, ChoosesOnlyTheMakersPrintersInAnyLetterCase) {
   AccessoryIdentity loud = printer(1);
   loud.manufacturer = "QUOR Dalvane";
   EXPECT_EQ(chosen(choosing("BT:", {loud})), 1U);
@@ -214,7 +214,7 @@ TEST(Selection, ChoosesOnlyTheMakersPrintersInAnyLetterCase) {
   }
 }
 
-TEST(Selection, ChoosesOnlyAccessoriesThatAnnounceTheProtocol) {
+TEST(PrinterSelection, ChoosesOnlyAccessoriesThatAnnounceTheProtocol) {
   AccessoryIdentity foreign = printer(1);
   foreign.protocolStrings = {"com.other", "com.quordalvane.receipt2", "COM.QUORDALVANE.RECEIPT"};
   AccessoryIdentity silent = printer(2);
@@ -231,7 +231,7 @@ TEST(Selection, ChoosesOnlyAccessoriesThatAnnounceTheProtocol) {
   EXPECT_NE(run.calls().find("accessory.openSession com.quordalvane.receipt\n"), std::string::npos);
 }
 
-TEST(Selection, ContinuesAfterAMatchThatIsNotAPrinter) {
+TEST(PrinterSelection, SkipsAMatchingAccessoryThatIsNotAPrinter) {
   AccessoryIdentity foreign = printer(1);
   foreign.name = "Twin";
   foreign.manufacturer = "other";
@@ -240,7 +240,7 @@ TEST(Selection, ContinuesAfterAMatchThatIsNotAPrinter) {
   EXPECT_EQ(chosen(choosing("BT:Twin", {foreign, twin})), 2U);
 }
 
-TEST(Selection, MatchesAnEmptyNameOrSerialNumberIfNothingFollowsThePrefix) {
+TEST(PrinterSelection, ABarePrefixMatchesAnEmptyNameOrSerialNumber) {
   AccessoryIdentity nameless = printer(2);
   nameless.name = "";
   AccessoryIdentity unnumbered = printer(3);
@@ -253,7 +253,7 @@ TEST(Selection, MatchesAnEmptyNameOrSerialNumberIfNothingFollowsThePrefix) {
   EXPECT_EQ(chosen(choosing("abc", {printer(1), none})), 0U) << "null equals no text";
 }
 
-TEST(Selection, FindsNothingWithoutAccessories) {
+TEST(PrinterSelection, FailsIfThereIsNoAccessory) {
   const Outcome run = choosing("BT:", {}).run(open());
   EXPECT_EQ(run.result, "false");
   EXPECT_EQ(run.records("open71"), text(R"(
@@ -264,7 +264,7 @@ TEST(Selection, FindsNothingWithoutAccessories) {
   )"));
 }
 
-TEST(Selection, FailsForAPortNameBelowThreeCharacters) {
+TEST(PrinterSelection, FailsForAPortNameBelowThreeCharacters) {
   for (const char* name : {"", "B", "BT", "\u00e4\u00f6", "\U0001f5a8\u20ac", "\xff\xff"}) {
     const Outcome run = choosing(name, {printer(1)}).runOnPort(open());
     EXPECT_EQ(run.result, "false") << name;
@@ -277,7 +277,7 @@ TEST(Selection, FailsForAPortNameBelowThreeCharacters) {
   }
 }
 
-TEST(Selection, RemembersTheBrondelModelForGood) {
+TEST(PrinterSelection, RemembersForEverThatABrondelModelWasOpened) {
   AccessoryIdentity brondel = printer(1);
   brondel.modelNumber = "XQ700";
   const Outcome run =
@@ -294,7 +294,7 @@ TEST(Selection, RemembersTheBrondelModelForGood) {
   }
 }
 
-TEST(Selection, KeepsTheBrondelModelWhenAnotherPrinterIsOpened) {
+TEST(PrinterSelection, RemembersTheBrondelModelAfterALaterOpenFails) {
   AccessoryIdentity brondel = printer(1);
   brondel.modelNumber = "XQ700";
   ScriptedWorld world({}, {brondel});
@@ -307,7 +307,7 @@ TEST(Selection, KeepsTheBrondelModelWhenAnotherPrinterIsOpened) {
   EXPECT_TRUE(port->isBrondel());
 }
 
-TEST(Selection, PrefersThePlatformsOwnWayToReadAnAddress) {
+TEST(PrinterSelection, ReadsTheAddressFromThePlatformIfThePlatformOffersIt) {
   AccessoryIdentity described = printer(1);
   described.address = "00:11:22:33:44:55";
   const auto reading = [&](const char* own) {

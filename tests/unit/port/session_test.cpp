@@ -14,7 +14,7 @@ Scenario closed() {
   return scenario;
 }
 
-TEST(Session, OpensBothStreamsInTheirOrderAndPauses) {
+TEST(PortSession, OpensItsInputThenItsOutputAndPauses) {
   const Outcome run = closed().run(open());
   EXPECT_EQ(run.result, "true");
   EXPECT_EQ(run.all(), text(R"(
@@ -39,7 +39,7 @@ TEST(Session, OpensBothStreamsInTheirOrderAndPauses) {
             std::string::npos);
 }
 
-TEST(Session, ClosesItsPartsInOrder) {
+TEST(PortSession, ClosesItsPartsInOrder) {
   const Outcome run = Scenario::in(lineMode).run(close());
   EXPECT_EQ(run.all(), text(R"(
     Start close |
@@ -59,7 +59,7 @@ TEST(Session, ClosesItsPartsInOrder) {
             std::string::npos);
 }
 
-TEST(Session, PausesEvenIfOpeningFailsAtOnce) {
+TEST(PortSession, PausesEvenIfTheOpenFails) {
   Scenario scenario = closed();
   scenario.accessories = {};
   const Outcome run = scenario.run(open());
@@ -67,18 +67,18 @@ TEST(Session, PausesEvenIfOpeningFailsAtOnce) {
   EXPECT_EQ(run.wire(), "usleep 100000\n");
 }
 
-TEST(Session, MayBeClosedWithoutBeingOpen) {
+TEST(PortSession, MayBeClosedEvenIfItIsNotOpen) {
   const Outcome run = closed().run(inTurn({close(), close()}));
   EXPECT_EQ(run.records("close71"), "2 x {\n  Start |\n  End |\n}\n");
 }
 
-TEST(Session, IsConnectedOnlyFromOpenToClose) {
+TEST(PortSession, IsConnectedOnlyFromOpenToClose) {
   const Outcome run =
       closed().run(inTurn({isConnected(), open(), isConnected(), close(), isConnected()}));
   EXPECT_EQ(run.result, "false; true; true; true; false");
 }
 
-TEST(Session, IsNotConnectedWithoutAnAccessory) {
+TEST(PortSession, IsNotConnectedIfThereIsNoAccessory) {
   const Outcome run = closed().run(isConnected());
   EXPECT_EQ(run.all(), text(R"(
     Start isConnected |
@@ -87,7 +87,7 @@ TEST(Session, IsNotConnectedWithoutAnAccessory) {
   )"));
 }
 
-TEST(Session, HasNoBytesAndNoSpaceAfterTheClose) {
+TEST(PortSession, HasNoBytesAndNoSpaceAfterTheClose) {
   Scenario scenario = closed();
   scenario.script.delivers(bytes("01"));
   const Outcome run =
@@ -95,14 +95,14 @@ TEST(Session, HasNoBytesAndNoSpaceAfterTheClose) {
   EXPECT_EQ(run.result, "true; true; 0; none; -1");
 }
 
-TEST(Session, IsReplacedByOpeningAgainWithoutAClose) {
+TEST(PortSession, IsReplacedByASecondOpen) {
   const Outcome run = closed().run(inTurn({open(), open(), isConnected()}));
   EXPECT_EQ(run.result, "true; true; true");
   const std::string calls = run.calls();
   EXPECT_NE(calls.find("session.release"), std::string::npos) << "the old one is not leaked";
 }
 
-TEST(Session, IsMissingAfterAReopenThatMatchedNothing) {
+TEST(PortSession, IsReleasedByASecondOpenThatFindsNoPrinter) {
   ScriptedWorld world;
   const auto port =
       ExternalAccessoryPort::initWithPortName("BT:", "", 0, ZKEmulationQuorLine, world.platform());
@@ -166,7 +166,7 @@ std::shared_ptr<EASession> refused(const std::shared_ptr<EASession>&) {
   return nullptr;
 }
 
-TEST(Session, CanBeRefused) {
+TEST(PortSession, MakesTheOpenFailIfTheAccessoryRefusesTheSession) {
   Scenario scenario = closed();
   scenario.layer = SessionsChanged::layer(&refused);
   const Outcome run = scenario.run(inTurn({open(), isConnected()}));
@@ -175,7 +175,7 @@ TEST(Session, CanBeRefused) {
   EXPECT_NE(run.properties.find("result71 0\n"), std::string::npos);
 }
 
-TEST(Session, ThatWasRefusedMakesAStatusWaitAndFail) {
+TEST(PortSession, AStatusRequestWaitsAndFailsIfTheSessionWasRefused) {
   for (const std::int32_t emulation : {lineMode, escPos}) {
     Scenario scenario = Scenario::in(emulation, 1000);
     scenario.layer = SessionsChanged::layer(&refused);
@@ -185,7 +185,7 @@ TEST(Session, ThatWasRefusedMakesAStatusWaitAndFail) {
   }
 }
 
-TEST(Session, ThatWasRefusedMakesReadsAndWritesFail) {
+TEST(PortSession, ReadsAndWritesFailIfTheSessionWasRefused) {
   Scenario scenario = closed();
   scenario.layer = SessionsChanged::layer(&refused);
   const Outcome run = scenario.run(inTurn({open(), write(bytes("41")), read(5)}));
@@ -202,7 +202,7 @@ class CountingSession : public ForwardingSession {
   int& abandoned_;
 };
 
-TEST(Session, IsAbandonedWithTheOutputIfThereIsASession) {
+TEST(PortSession, IsAbandonedByAbandonOutput) {
   int abandoned = 0;
   ScriptedWorld world({}, {shopPrinter()},
                       SessionsChanged::layer([&abandoned](std::shared_ptr<EASession> next) {
@@ -285,7 +285,7 @@ struct Raised {
 
 class SessionThatThrows : public testing::TestWithParam<Raised> {};
 
-TEST_P(SessionThatThrows, MakesOpenFalseAndIsLogged) {
+TEST_P(SessionThatThrows, MakesTheOpenFailAndIsLogged) {
   Scenario scenario = closed();
   scenario.layer = raising(true, GetParam().kind);
   const Outcome run = scenario.runOnPort(open());
@@ -316,7 +316,7 @@ INSTANTIATE_TEST_SUITE_P(
                            "Throws exception, class: quordalvane::test::(anonymous "
                            "namespace)::Surprise"}));
 
-TEST(Session, ClearsItsPropertiesEvenIfClosingThrows) {
+TEST(PortSession, ClearsItsPropertiesEvenIfClosingThrows) {
   Scenario scenario = closed();
   scenario.layer = raising(false, Raise::Other);
   const Outcome run = scenario.runOnPort(inTurn({open(), close()}));

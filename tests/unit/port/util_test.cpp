@@ -10,7 +10,7 @@
 namespace quordalvane {
 namespace {
 
-TEST(UsbDevice, IsAModelThatEndsInU) {
+TEST(UsbModel, HasANameThatEndsInMinusU) {
   for (const char* model : {"KLT20-U", "-U", "XQ-U-U"}) {
     EXPECT_TRUE(Util::isUsbDevice(model)) << model;
   }
@@ -41,13 +41,13 @@ TEST(BluetoothAddress, IsSixPairsOfHexDigitsJoinedByColons) {
   }
 }
 
-TEST(BluetoothAddress, IsFoundInALongText) {
+TEST(BluetoothAddress, IsFoundAtTheEndOfALongText) {
   EXPECT_EQ(Util::getMACAddressFromString(std::string(10U << 20U, 'a')), "");
   EXPECT_EQ(Util::getMACAddressFromString(std::string(10U << 20U, ':') + "00:11:22:33:44:55"),
             "00:11:22:33:44:55");
 }
 
-TEST(Subrange, IsTheGivenPart) {
+TEST(Subrange, IsTheGivenPartOfATextOrOfBytes) {
   const std::string text = "abcdef";
   EXPECT_EQ(subrange(text, {0, 6}), "abcdef");
   EXPECT_EQ(subrange(text, {2, 3}), "cde");
@@ -55,7 +55,7 @@ TEST(Subrange, IsTheGivenPart) {
   EXPECT_EQ(subrange(test::bytes("01 02 03"), {1, 2}), test::bytes("02 03"));
 }
 
-TEST(Subrange, ThrowsWhenTheRangeIsNotWholeInside) {
+TEST(Subrange, ThrowsIfPartOfTheRangeIsOutside) {
   const std::string text = "abcdef";
   for (const auto& [location, length] :
        std::initializer_list<std::pair<std::int64_t, std::int64_t>>{{0, 7},
@@ -84,7 +84,7 @@ TEST(AsciiText, HasOneCharacterForEachByte) {
   EXPECT_EQ(asciiText(test::Bytes{}), "");
 }
 
-TEST(Microseconds, AreMultipliedInSinglePrecisionAndCutOff) {
+TEST(Microseconds, AreMultipliedInSinglePrecisionAndTruncated) {
   EXPECT_EQ(microseconds(0.05F), 50000);
   EXPECT_EQ(microseconds(0.1F), 100000);
   EXPECT_EQ(microseconds(1.5F), 1500000) << "not parted into seconds";

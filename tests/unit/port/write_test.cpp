@@ -9,7 +9,7 @@ Scenario open() {
   return Scenario::in(lineMode);
 }
 
-TEST(Write, OffersTheWholeBufferAndLogsEveryStep) {
+TEST(PortWrite, PassesTheWholeBufferToTheStreamAndLogsEveryStep) {
   const Outcome run = open().run(write(bytes("1b 06 01")));
   EXPECT_EQ(run.result, "3");
   EXPECT_EQ(run.all(), text(R"(
@@ -27,7 +27,7 @@ TEST(Write, OffersTheWholeBufferAndLogsEveryStep) {
   )"));
 }
 
-TEST(Write, WaitsOneSliceForSpaceAndReturns0WithoutAny) {
+TEST(PortWrite, Returns0AfterOneRunLoopSliceWithoutSpace) {
   Scenario scenario = open();
   scenario.script.hasNoSpace();
   const Outcome run = scenario.run(write(bytes("41")));
@@ -43,7 +43,7 @@ TEST(Write, WaitsOneSliceForSpaceAndReturns0WithoutAny) {
   )"));
 }
 
-TEST(Write, ContinuesAsSoonAsThereIsSpaceWithinTheSlice) {
+TEST(PortWrite, WritesAsSoonAsThereIsSpaceDuringTheSlice) {
   Scenario scenario = open();
   scenario.script.hasNoSpace(0.03);
   const Outcome run = scenario.run(inTurn({write(bytes("41")), getOnlineStatus()}));
@@ -51,7 +51,7 @@ TEST(Write, ContinuesAsSoonAsThereIsSpaceWithinTheSlice) {
   EXPECT_NE(run.all().find("gettimeofday 1000000.030000"), std::string::npos);
 }
 
-TEST(Write, OfAnEmptyBufferReturns0AfterTheCheckForSpace) {
+TEST(PortWrite, Returns0ForAnEmptyBufferAfterItChecksForSpace) {
   const Outcome run = open().run(write({}));
   EXPECT_EQ(run.result, "0");
   EXPECT_EQ(run.all(), text(R"(
@@ -63,7 +63,7 @@ TEST(Write, OfAnEmptyBufferReturns0AfterTheCheckForSpace) {
   )"));
 }
 
-TEST(Write, ReturnsThePartialCountWhenTheStreamThenHasNoSpace) {
+TEST(PortWrite, ReturnsThePartialCountIfTheStreamHasNoMoreSpace) {
   Scenario scenario = open();
   scenario.script.takesInAttempts({2});
   const Outcome run = scenario.run(write(bytes("41 42 43")));
@@ -75,7 +75,7 @@ TEST(Write, ReturnsThePartialCountWhenTheStreamThenHasNoSpace) {
   )"));
 }
 
-TEST(Write, OffersTheWholeRestAgainWhileThereIsSpace) {
+TEST(PortWrite, PassesTheRestToTheStreamAgainWhileThereIsSpace) {
   Scenario scenario = open();
   scenario.script.takesAtMost(2);
   const Outcome run = scenario.run(write(bytes("41 42 43 44 45")));
@@ -87,7 +87,7 @@ TEST(Write, OffersTheWholeRestAgainWhileThereIsSpace) {
   )"));
 }
 
-TEST(Write, ReturnsMinus1WhenNotConnectedAlthoughThereIsSpace) {
+TEST(PortWrite, ReturnsMinus1IfTheLinkIsLostEvenIfThereIsSpace) {
   Scenario scenario = open();
   scenario.script.isLost();
   const Outcome run = scenario.run(write(bytes("41")));
@@ -100,7 +100,7 @@ TEST(Write, ReturnsMinus1WhenNotConnectedAlthoughThereIsSpace) {
   )"));
 }
 
-TEST(Write, Returns0WithoutACheckOfTheConnectionIfThereIsNoSpace) {
+TEST(PortWrite, Returns0WithoutAConnectionCheckIfThereIsNoSpace) {
   Scenario scenario = open();
   scenario.script.isLost().hasNoSpace();
   const Outcome run = scenario.run(write(bytes("41")));
@@ -108,13 +108,13 @@ TEST(Write, Returns0WithoutACheckOfTheConnectionIfThereIsNoSpace) {
   EXPECT_EQ(run.records("isConnected"), "");
 }
 
-TEST(Write, OfAnEmptyBufferReturns0WhenNotConnected) {
+TEST(PortWrite, Returns0ForAnEmptyBufferEvenIfTheLinkIsLost) {
   Scenario scenario = open();
   scenario.script.isLost();
   EXPECT_EQ(scenario.run(write({})).result, "0");
 }
 
-TEST(Write, ChecksTheConnectionBeforeEachChunk) {
+TEST(PortWrite, ChecksTheConnectionBeforeEachWriteToTheStream) {
   Scenario scenario = open();
   scenario.script.takesAtMost(2).isLostAfterBytes(4);
   const Outcome run = scenario.run(write(bytes("41 42 43 44 45")));
@@ -122,7 +122,7 @@ TEST(Write, ChecksTheConnectionBeforeEachChunk) {
   EXPECT_EQ(run.sent(), bytes("41 42 43 44"));
 }
 
-TEST(Write, ReturnsMinus1WhenTheStreamReportsAnError) {
+TEST(PortWrite, ReturnsMinus1WhenTheStreamReportsAnError) {
   Scenario scenario = open();
   scenario.script.writeReturns(1, -1);
   const Outcome run = scenario.run(write(bytes("41 42")));
@@ -134,7 +134,7 @@ TEST(Write, ReturnsMinus1WhenTheStreamReportsAnError) {
   )"));
 }
 
-TEST(Write, LogsTheRestOfTheBufferWhenALaterChunkFails) {
+TEST(PortWrite, LogsTheRemainingByteCountIfALaterWriteFails) {
   Scenario scenario = open();
   scenario.script.takesAtMost(2).writeReturns(2, -1);
   const Outcome run = scenario.run(write(bytes("41 42 43 44 45")));
@@ -143,7 +143,7 @@ TEST(Write, LogsTheRestOfTheBufferWhenALaterChunkFails) {
             std::string::npos);
 }
 
-TEST(Write, WithoutASessionReturns0) {
+TEST(PortWrite, Returns0IfThereIsNoSession) {
   Scenario scenario = open();
   scenario.isOpen = false;
   const Outcome run = scenario.run(write(bytes("41")));
@@ -154,7 +154,7 @@ TEST(Write, WithoutASessionReturns0) {
   )"));
 }
 
-TEST(Write, TakesEveryByteValue) {
+TEST(PortWrite, SendsEveryByteValueUnchanged) {
   Bytes all(256);
   for (std::size_t value = 0; value < all.size(); ++value) {
     all[value] = static_cast<std::uint8_t>(value);
@@ -164,7 +164,7 @@ TEST(Write, TakesEveryByteValue) {
   EXPECT_EQ(run.sent(), all);
 }
 
-TEST(Write, ReadsNoByteBeyondItsBuffersForAnyCountTaken) {
+TEST(PortWrite, ReadsNoByteBeyondItsBuffersForAnyCountTaken) {
   for (const std::int64_t count : {std::int64_t{-2}, std::int64_t{-100}, std::int64_t{4},
                                    std::int64_t{1000000}, INT64_MAX, INT64_MIN}) {
     Scenario scenario = open();
@@ -175,7 +175,7 @@ TEST(Write, ReadsNoByteBeyondItsBuffersForAnyCountTaken) {
   }
 }
 
-TEST(Write, ContinuesAfterAChunkOfWhichTheStreamTookNothing) {
+TEST(PortWrite, WritesAgainAfterAWriteThatSentNothing) {
   Scenario scenario = open();
   scenario.script.writeReturns(1, 0);
   const Outcome run = scenario.run(write(bytes("41")));

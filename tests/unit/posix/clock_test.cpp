@@ -11,7 +11,7 @@
 namespace quordalvane::posix {
 namespace {
 
-TEST(PosixClock, GivesTheTimeOfDay) {
+TEST(PosixClock, ReturnsTheTimeOfDay) {
   const std::time_t before = std::time(nullptr);
   const TimeValue now = PosixClock().gettimeofday();
   EXPECT_GE(now.tv_sec + 1, before);  // the coarse clock may be a moment late or early
@@ -20,21 +20,21 @@ TEST(PosixClock, GivesTheTimeOfDay) {
   EXPECT_LT(now.tv_usec, 1'000'000);
 }
 
-TEST(PosixClock, MeasuresForward) {
+TEST(PosixClock, MonotonicTimeGrowsDuringASleep) {
   PosixClock clock;
   const auto before = clock.monotonic();
   clock.usleep(1000);
   EXPECT_GE(clock.monotonic() - before, std::chrono::microseconds(1000));
 }
 
-TEST(PosixClock, SleepsAtLeastAsLongAsItIsAskedTo) {
+TEST(PosixClock, SleepsAtLeastAsLongAsRequested) {
   const Stopwatch watch;
   PosixClock().usleep(20'000);
   EXPECT_GE(watch.seconds(), 0.020);
   EXPECT_LT(watch.seconds(), 5);
 }
 
-TEST(PosixClock, SleepsOfASingleMicrosecondAddUp) {
+TEST(PosixClock, AThousandSleepsOfAMicrosecondLastAMillisecond) {
   constexpr int sleeps = 1000;
   PosixClock clock;
   const Stopwatch watch;
@@ -44,14 +44,14 @@ TEST(PosixClock, SleepsOfASingleMicrosecondAddUp) {
   EXPECT_GE(watch.seconds(), 1e-6 * sleeps);
 }
 
-TEST(PosixClock, ASelectSleepOfMoreThanASecondLastsThatLong) {
+TEST(PosixClock, ASelectSleepMayLastLongerThanASecond) {
   const Stopwatch watch;
   PosixClock().select(1'000'001);
   EXPECT_GE(watch.seconds(), 1.000'001);
   EXPECT_LT(watch.seconds(), 5);
 }
 
-TEST(PosixClock, SleepsOfZeroOrLessReturnAtOnce) {
+TEST(PosixClock, SleepsOfZeroOrNegativeTimeReturnAtOnce) {
   const Stopwatch watch;
   PosixClock clock;
   clock.usleep(0);
@@ -82,7 +82,7 @@ TEST(Deadline, IsNowForZeroNegativeOrInvalidSeconds) {
   }
 }
 
-TEST(Deadline, OfMoreThanAYearIsAYear) {
+TEST(Deadline, IsAtMostAYearAhead) {
   for (const double seconds : {1e10, 1e300, static_cast<double>(INFINITY)}) {
     const SteadyTime before = SteadyClock::now();
     const SteadyTime deadline = deadlineIn(seconds);

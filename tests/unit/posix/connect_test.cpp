@@ -85,13 +85,13 @@ TEST(ConnectTcp, ResolvesNames) {
   EXPECT_GE(connectTcp("localhost", listener.port()).number(), 0);
 }
 
-TEST(ConnectToAny, SkipsAnAddressThatRefuses) {
+TEST(ConnectToAny, SkipsAnAddressThatRefusesTheConnection) {
   const Listener listener = Listener::onLoopback(4);
   EXPECT_GE(connectToAny({at(closedPort()), at(listener.port())}, SteadyClock::now() + 5s).number(),
             0);
 }
 
-TEST(ConnectToAny, SkipsASilentAddressAfterHalfOfTheTime) {
+TEST(ConnectToAny, SkipsASilentAddressAfterHalfTheTimeout) {
   const Listener silent = Listener::onLoopback(0);
   connectUntilSilent([&](auto timeout) { return connectTcp("127.0.0.1", silent.port(), timeout); });
   const Listener listener = Listener::onLoopback(4);
@@ -110,7 +110,7 @@ TEST(ConnectToAny, ThrowsTheErrorOfTheLastAddress) {
               HasSubstr("Connection refused"));
 }
 
-TEST(ConnectTcp, ARefusalIsAnErrorAtOnceThatNamesThePlace) {
+TEST(ConnectTcp, TheErrorOfARefusalNamesTheHostAndThePort) {
   const std::uint16_t port = closedPort();
   const Stopwatch watch;
   EXPECT_THAT(failure([=] { connectTcp("127.0.0.1", port); }),
@@ -119,7 +119,7 @@ TEST(ConnectTcp, ARefusalIsAnErrorAtOnceThatNamesThePlace) {
   EXPECT_LT(watch.seconds(), 4);
 }
 
-TEST(ConnectTcp, AHostThatNeverAnswersFailsInTime) {
+TEST(ConnectTcp, FailsAtTheTimeoutIfTheHostNeverAnswers) {
   const Listener listener = Listener::onLoopback(0);
   const auto [seconds, why] = connectUntilSilent(
       [&](auto timeout) { return connectTcp("127.0.0.1", listener.port(), timeout); });
@@ -128,7 +128,7 @@ TEST(ConnectTcp, AHostThatNeverAnswersFailsInTime) {
   EXPECT_THAT(why, HasSubstr("timed out"));
 }
 
-TEST(ConnectTcp, SignalsNeitherStopNorProlongIt) {
+TEST(ConnectTcp, SignalsNeitherEndNorProlongTheAttempt) {
   const SignalStorm storm;
   const Listener listener = Listener::onLoopback(0);
   const auto [seconds, why] = connectUntilSilent(
@@ -139,7 +139,7 @@ TEST(ConnectTcp, SignalsNeitherStopNorProlongIt) {
   EXPECT_GT(storm.strikes(), 0);
 }
 
-TEST(ConnectTcp, AnUnknownHostIsAnErrorThatNamesIt) {
+TEST(ConnectTcp, TheErrorOfAnUnknownHostNamesTheHost) {
   const std::string host(80, 'h');
   EXPECT_THAT(failure([&] { connectTcp(host, 9100); }), HasSubstr(host));
 }
@@ -151,14 +151,14 @@ TEST(ConnectUnix, ConnectsAndClosesOnExec) {
   EXPECT_EQ(::fcntl(socket.number(), F_GETFD), FD_CLOEXEC);
 }
 
-TEST(ConnectUnix, AMissingPathAndAFolderAreErrorsThatNameThem) {
+TEST(ConnectUnix, TheErrorOfAnUnusablePathNamesThePathAndTheReason) {
   const TemporaryFolder folder;
   EXPECT_THAT(failure([&] { connectUnix(folder.file("none")); }),
               AllOf(HasSubstr(folder.file("none")), HasSubstr("No such file")));
   EXPECT_THAT(failure([&] { connectUnix(folder.file("")); }), HasSubstr("refused"));
 }
 
-TEST(ConnectUnix, TakesTheLongestPathThatASocketHasAndNoLongerOne) {
+TEST(ConnectUnix, AcceptsAPathOf107BytesAndRefusesALongerOne) {
   const TemporaryFolder folder;
   std::string path = folder.file("");
   path += std::string(107 - path.size(), 's');
@@ -181,14 +181,14 @@ class NoMoreFiles {
   rlimit before_{};
 };
 
-TEST(ConnectUnix, SaysThatTheProcessMayOpenNoMoreFiles) {
+TEST(ConnectUnix, ReportsThatTheProcessMayOpenNoMoreFiles) {
   const TemporaryFolder folder;
   const Listener listener = Listener::at(folder.file("s"), 4);
   const NoMoreFiles none;
   EXPECT_THAT(failure([&] { connectUnix(folder.file("s")); }), HasSubstr("Too many open files"));
 }
 
-TEST(ConnectUnix, AListenerThatNeverAnswersFailsInTime) {
+TEST(ConnectUnix, FailsAtTheTimeoutIfTheListenerNeverAnswers) {
   const SignalStorm storm;
   const TemporaryFolder folder;
   const Listener listener = Listener::at(folder.file("s"), 0);

@@ -56,14 +56,14 @@ class TcpDescriptor : public testing::Test {
   std::uint8_t buffer_[16] = {};
 };
 
-TEST_F(TcpDescriptor, ReceivesTheBytesThatArrivedAndReportsIfThereAreNone) {
+TEST_F(TcpDescriptor, ReceivesArrivedBytesOrReportsThatThereAreNone) {
   EXPECT_EQ(socket_.receive(buffer_, sizeof buffer_), -1);
   EXPECT_EQ(errno, EAGAIN);
   deviceWrites("abc", 3);
   EXPECT_EQ(receiveUntil(inAnHour()), 3);
 }
 
-TEST_F(TcpDescriptor, AWaitEndsAtItsDeadlineAndSaysThatNothingIsThere) {
+TEST_F(TcpDescriptor, AWaitEndsAtItsDeadlineIfNoByteArrives) {
   for (const auto length : {0ms, 10ms, 120ms}) {
     const Stopwatch watch;
     EXPECT_EQ(receiveUntil(SteadyClock::now() + length), -1);
@@ -73,7 +73,7 @@ TEST_F(TcpDescriptor, AWaitEndsAtItsDeadlineAndSaysThatNothingIsThere) {
   }
 }
 
-TEST_F(TcpDescriptor, AShortWaitIsNotProlongedToATickOfTheSystem) {
+TEST_F(TcpDescriptor, AWaitOf2MillisecondsEndsWithin25Milliseconds) {
   double shortest = atOnce;
   for (int i = 0; i < 20; ++i) {
     const Stopwatch watch;
@@ -83,7 +83,7 @@ TEST_F(TcpDescriptor, AShortWaitIsNotProlongedToATickOfTheSystem) {
   EXPECT_LT(shortest, 0.025);  // the wait of a socket by itself takes thirty
 }
 
-TEST_F(TcpDescriptor, TheTimeoutOfTheSocketDoesNotProlongAWait) {
+TEST_F(TcpDescriptor, AWaitOf100MillisecondsIsNotProlongedByTheSocketsTimeout) {
   double shortest = atOnce;
   for (int i = 0; i < 5; ++i) {
     const Stopwatch watch;
@@ -93,7 +93,7 @@ TEST_F(TcpDescriptor, TheTimeoutOfTheSocketDoesNotProlongAWait) {
   EXPECT_LT(shortest, 0.9);
 }
 
-TEST_F(TcpDescriptor, ASignalEndsNoWait) {
+TEST_F(TcpDescriptor, SignalsDoNotEndAWait) {
   const SignalStorm storm;
   const Stopwatch watch;
   EXPECT_EQ(receiveUntil(SteadyClock::now() + 100ms), -1);
@@ -109,14 +109,14 @@ TEST_F(TcpDescriptor, TheEndOfTheStreamEndsAWait) {
   EXPECT_LT(watch.seconds(), atOnce);
 }
 
-TEST_F(TcpDescriptor, TheEndOfTheStreamIsReportedAfterAnEarlierError) {
+TEST_F(TcpDescriptor, TheEndOfTheStreamIsReportedEvenIfErrnoIsSet) {
   ::close(std::exchange(device_, -1));
   ASSERT_EQ(receiveUntil(inAnHour()), 0);
   errno = EINTR;
   EXPECT_EQ(socket_.receive(buffer_, sizeof buffer_), 0);
 }
 
-TEST_F(TcpDescriptor, BytesAreReceivedOnceAfterAnEarlierError) {
+TEST_F(TcpDescriptor, BytesAreReceivedEvenIfErrnoIsSet) {
   deviceWrites("ab", 2);
   ASSERT_EQ(socket_.pollUntil(POLLIN, inAnHour()), POLLIN);
   errno = EINTR;
@@ -124,7 +124,7 @@ TEST_F(TcpDescriptor, BytesAreReceivedOnceAfterAnEarlierError) {
   EXPECT_EQ(buffer_[0], 'a');
 }
 
-TEST_F(TcpDescriptor, AResetEndsAWaitAndIsReportedAsOne) {
+TEST_F(TcpDescriptor, AResetEndsAWaitAndIsReportedAsAReset) {
   deviceResets();
   const Stopwatch watch;
   EXPECT_EQ(receiveUntil(inAnHour()), -1);
@@ -132,14 +132,14 @@ TEST_F(TcpDescriptor, AResetEndsAWaitAndIsReportedAsOne) {
   EXPECT_LT(watch.seconds(), atOnce);
 }
 
-TEST_F(TcpDescriptor, PollingReturnsTheEventsThatAreThereAndNoOthers) {
+TEST_F(TcpDescriptor, APollReturnsOnlyTheEventsThatHaveHappened) {
   EXPECT_EQ(socket_.pollUntil(POLLIN, SteadyTime{}), 0);
   EXPECT_EQ(socket_.pollUntil(POLLOUT, inAnHour()), POLLOUT);
   deviceWrites("a", 1);
   EXPECT_EQ(socket_.pollUntil(POLLIN, inAnHour()), POLLIN);
 }
 
-TEST_F(TcpDescriptor, EndingTheOutputEndsTheStreamOnlyForTheDevice) {
+TEST_F(TcpDescriptor, EndOutputEndsOnlyTheDirectionToTheDevice) {
   socket_.endOutput();
   char byte = 0;
   EXPECT_EQ(::read(device_, &byte, 1), 0);
@@ -155,13 +155,13 @@ TEST_F(TcpDescriptor, AShutdownEndsBothDirections) {
   EXPECT_EQ(errno, EPIPE);
 }
 
-TEST_F(TcpDescriptor, ASideThatAcknowledgesIsNotSilent) {
+TEST_F(TcpDescriptor, APeerThatAcknowledgesBytesIsNotSilent) {
   const std::uint8_t byte = 'x';
   ASSERT_EQ(socket_.send(&byte, 1), 1);
   EXPECT_EQ(socket_.silence(), 0ms);
 }
 
-TEST(LocalDescriptor, HasBytesUnderWayUntilTheDeviceHasReadThem) {
+TEST(LocalDescriptor, HasBytesUnderWayUntilTheDeviceReadsThem) {
   int ends[2] = {-1, -1};
   ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends), 0);
   const Descriptor link(ends[0], Descriptor::Kind::Socket);
@@ -192,7 +192,7 @@ TEST(TerminalDescriptor, ReportsNoBytesUnderWay) {
   EXPECT_FALSE(link.hasUnderWay());
 }
 
-TEST(Descriptor, IsClosedByTheDescriptorThatTookItOver) {
+TEST(Descriptor, AMovedDescriptorIsClosedByItsNewOwner) {
   int number = -1;
   {
     int ends[2] = {-1, -1};

@@ -67,17 +67,17 @@ class LingerTest : public testing::Test {
   const Descriptor link_{pair_.ends[0], Descriptor::Kind::Socket};
 };
 
-TEST_F(LingerTest, EndsAtOnceWhenNothingIsUnderWay) {
+TEST_F(LingerTest, EndsAtOnceIfNoBytesAreUnderWay) {
   EXPECT_LT(lingered(), atOnce);
 }
 
-TEST_F(LingerTest, LeavesTheOutputOpenWhenNothingIsUnderWay) {
+TEST_F(LingerTest, LeavesTheOutputOpenIfNoBytesAreUnderWay) {
   lingered();
   const std::uint8_t byte = 'x';
   EXPECT_EQ(link().send(&byte, 1), 1);
 }
 
-TEST_F(LingerTest, WaitsUntilTheDeviceHasTakenEverythingAndEndsTheOutput) {
+TEST_F(LingerTest, WaitsUntilTheDeviceHasReadAllBytes) {
   const std::size_t sent = fill();
   test::SleepingThread lingering([this] { EXPECT_LT(lingered(), atOnce); });
   lingering.awaitSleep();
@@ -85,13 +85,13 @@ TEST_F(LingerTest, WaitsUntilTheDeviceHasTakenEverythingAndEndsTheOutput) {
   lingering.join();
 }
 
-TEST_F(LingerTest, EndsWhenTheDeviceEndsItsDirection) {
+TEST_F(LingerTest, EndsAtOnceIfTheDeviceHasEndedItsOutput) {
   fill();
   ASSERT_EQ(::shutdown(device(), SHUT_WR), 0);
   EXPECT_LT(lingered(), atOnce);
 }
 
-TEST_F(LingerTest, EndsWhenTheDeviceEndsItsDirectionMeanwhile) {
+TEST_F(LingerTest, EndsWhenTheDeviceEndsItsOutputDuringTheWait) {
   fill();
   test::SleepingThread lingering([this] { EXPECT_LT(lingered(), atOnce); });
   lingering.awaitSleep();
@@ -114,14 +114,14 @@ long waitsOfThisThread() {
   return usage.ru_nvcsw;
 }
 
-TEST_F(LingerTest, LeavesTheProcessorToOthersWhileItWaits) {
+TEST_F(LingerTest, SleepsWhileItWaits) {
   fill();
   const long before = waitsOfThisThread();
   linger(link(), SteadyClock::now() + 100ms);
   EXPECT_GE(waitsOfThisThread() - before, 2);
 }
 
-TEST_F(LingerTest, ThrowsAwayTheDevicesBytes) {
+TEST_F(LingerTest, DiscardsBytesFromTheDevice) {
   const std::vector<std::uint8_t> words(10'000, 'd');
   ASSERT_EQ(::write(device(), words.data(), words.size()), static_cast<ssize_t>(words.size()));
   lingered();
@@ -130,7 +130,7 @@ TEST_F(LingerTest, ThrowsAwayTheDevicesBytes) {
   EXPECT_EQ(errno, EAGAIN);
 }
 
-TEST_F(LingerTest, EndsAtTheDeadlineThoughTheDeviceNeverStopsSending) {
+TEST_F(LingerTest, EndsAtTheDeadlineEvenIfTheDeviceNeverStopsSending) {
   fill();
   std::atomic<bool> isOver = false;
   std::thread talking([&] {

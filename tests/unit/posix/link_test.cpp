@@ -51,7 +51,7 @@ class LinkTest : public testing::Test {
   int ends_[2] = {-1, -1};
 };
 
-TEST_F(LinkTest, AReplyEndsTheWaitForIt) {
+TEST_F(LinkTest, AReplyEndsTheWaitForBytes) {
   ASSERT_EQ(ask(), 1);
   SleepingThread waiting([this] {
     const Stopwatch watch;
@@ -133,7 +133,7 @@ TEST_F(LinkTest, TheEndOfASessionEndsAWaitOnItsStreams) {
   EXPECT_FALSE(input->hasBytesAvailable());
 }
 
-TEST_F(LinkTest, TheEndOfASessionLeavesNoBytesUnreadWhichWouldResetTheLink) {
+TEST_F(LinkTest, TheEndOfASessionReadsAllBytesSoThatTheLinkIsNotReset) {
   deviceWrites(20'000);
   session.reset();
   // Had there been a reset, this would be an error instead of the end of the stream.
@@ -151,7 +151,7 @@ TEST_F(LinkTest, BytesAreExpectedFromARequestUntilItsAnswer) {
   }
 }
 
-TEST_F(LinkTest, AnAnswerStillCountsAfterWritesThatAreNeverAnswered) {
+TEST_F(LinkTest, AnAnswerIsCountedEvenAfterAWriteThatIsNeverAnswered) {
   ASSERT_EQ(ask(), 1);
   deviceWrites(1);
   input->waitUntilReady(1);
@@ -161,7 +161,7 @@ TEST_F(LinkTest, AnAnswerStillCountsAfterWritesThatAreNeverAnswered) {
   EXPECT_FALSE(input->expectsBytes());
 }
 
-TEST_F(LinkTest, AWriteThatIsNeverAnsweredDoesNotAnswerAnEarlierRequest) {
+TEST_F(LinkTest, AWriteThatIsNeverAnsweredLeavesAnEarlierRequestUnanswered) {
   ASSERT_EQ(ask(), 1);
   input->waitUntilReady(0.01);
   output->setMayBeAnswered(false);
@@ -169,7 +169,7 @@ TEST_F(LinkTest, AWriteThatIsNeverAnsweredDoesNotAnswerAnEarlierRequest) {
   EXPECT_TRUE(input->expectsBytes());
 }
 
-TEST_F(LinkTest, AfterAnUnansweredRequestTheReplyMayBeALateOneUntilAWaitEndsWithoutBytes) {
+TEST_F(LinkTest, ALateReplyKeepsBytesExpectedUntilAWaitBringsNoBytes) {
   ASSERT_EQ(ask(), 1);
   input->waitUntilReady(0.01);
   ASSERT_EQ(ask(), 1);
@@ -181,7 +181,7 @@ TEST_F(LinkTest, AfterAnUnansweredRequestTheReplyMayBeALateOneUntilAWaitEndsWith
   EXPECT_FALSE(input->expectsBytes());
 }
 
-TEST_F(LinkTest, AWriteThatWasTakenWholeAndFilledTheBufferLeavesNoSpace) {
+TEST_F(LinkTest, ThereIsNoSpaceAfterAWholeWriteThatFilledTheBuffer) {
   const std::vector<std::uint8_t> piece(8192);
   std::int64_t taken = 1;
   while (output->hasSpaceAvailable()) {
@@ -191,7 +191,7 @@ TEST_F(LinkTest, AWriteThatWasTakenWholeAndFilledTheBufferLeavesNoSpace) {
   EXPECT_EQ(taken, static_cast<std::int64_t>(piece.size())) << "no write was cut short";
 }
 
-TEST_F(LinkTest, AWriteErrorEndsTheLinkThoughTheDeviceCouldStillSend) {
+TEST_F(LinkTest, AWriteErrorEndsTheLinkEvenIfTheDeviceCouldStillSend) {
   ASSERT_TRUE(accessory.isConnected());
   ASSERT_EQ(::shutdown(device(), SHUT_RD), 0);
   EXPECT_EQ(ask(), -1);
@@ -199,7 +199,7 @@ TEST_F(LinkTest, AWriteErrorEndsTheLinkThoughTheDeviceCouldStillSend) {
   EXPECT_EQ(ask(), -1);
 }
 
-TEST_F(LinkTest, BytesReadAheadBeforeARequestAreNotTakenForItsAnswer) {
+TEST_F(LinkTest, BytesThatArrivedBeforeARequestAreNotItsAnswer) {
   deviceWrites(3);
   ASSERT_TRUE(input->hasBytesAvailable());
   ASSERT_EQ(ask(), 1);
@@ -208,7 +208,7 @@ TEST_F(LinkTest, BytesReadAheadBeforeARequestAreNotTakenForItsAnswer) {
   EXPECT_TRUE(input->expectsBytes());
 }
 
-TEST_F(LinkTest, AWaitInALoopSeesUnaskedBytesAtOnce) {
+TEST_F(LinkTest, AWaitOfZeroTimeSeesUnaskedBytes) {
   EXPECT_FALSE(input->hasBytesAvailable());
   input->waitUntilReady(0);
   deviceWrites(1);
@@ -216,18 +216,18 @@ TEST_F(LinkTest, AWaitInALoopSeesUnaskedBytesAtOnce) {
   EXPECT_TRUE(input->hasBytesAvailable());
 }
 
-TEST_F(LinkTest, AReadTakesBytesThatNobodyCheckedFor) {
+TEST_F(LinkTest, AReadNeedsNoEarlierCheckForBytes) {
   deviceWrites(1);
   EXPECT_EQ(input->read(&byte, 1), 1);
   EXPECT_EQ(byte, 'd');
 }
 
-TEST_F(LinkTest, ALossIsNoticedByTheFirstCheckWithoutARead) {
+TEST_F(LinkTest, TheFirstConnectionCheckReportsALostLinkWithoutARead) {
   ASSERT_EQ(::shutdown(device(), SHUT_WR), 0);
   EXPECT_FALSE(accessory.isConnected());
 }
 
-TEST_F(LinkTest, ACallerThatWaitsForTheLossSeesItDespiteUnseenBytes) {
+TEST_F(LinkTest, NoticeLossReportsALostLinkEvenIfBytesAreUnseen) {
   deviceWrites(3);
   ASSERT_EQ(::shutdown(device(), SHUT_WR), 0);
   accessory.noticeLoss();
@@ -235,20 +235,20 @@ TEST_F(LinkTest, ACallerThatWaitsForTheLossSeesItDespiteUnseenBytes) {
   EXPECT_FALSE(input->hasBytesAvailable());
 }
 
-TEST_F(LinkTest, ClosedStreamsFailEveryTransfer) {
+TEST_F(LinkTest, TransfersOnClosedStreamsFail) {
   input->close();
   output->close();
   EXPECT_EQ(input->read(&byte, 1), -1);
   EXPECT_EQ(ask(), -1);
 }
 
-TEST_F(LinkTest, TheStreamsOfAnEndedSessionFailEveryTransfer) {
+TEST_F(LinkTest, TransfersAfterTheEndOfTheSessionFail) {
   session.reset();
   EXPECT_EQ(input->read(&byte, 1), -1);
   EXPECT_EQ(ask(), -1);
 }
 
-TEST_F(LinkTest, AfterAWriteErrorTheInputIsCheckedAgain) {
+TEST_F(LinkTest, TheInputIsCheckedAgainAfterAWriteError) {
   EXPECT_FALSE(input->hasBytesAvailable());
   deviceWrites(3);
   ASSERT_EQ(::shutdown(device(), SHUT_RD), 0);
@@ -256,7 +256,7 @@ TEST_F(LinkTest, AfterAWriteErrorTheInputIsCheckedAgain) {
   EXPECT_TRUE(input->hasBytesAvailable());
 }
 
-TEST_F(LinkTest, AnAccessoryAnswersWhileTheEndOfItsSessionWaits) {
+TEST_F(LinkTest, AConnectionCheckDoesNotWaitForTheEndOfASession) {
   while (ask() == 1) {
   }
   SleepingThread ending([this] { session.reset(); });
@@ -279,7 +279,7 @@ TEST(LinkAccessory, RefusesAProtocolThatItDoesNotAnnounceWithoutConnecting) {
   EXPECT_NE(accessory.lastError().find("com.example.other"), std::string::npos);
 }
 
-TEST(LinkAccessory, GivesTheReasonOfItsFailureUntilItConnects) {
+TEST(LinkAccessory, ReportsWhyAConnectionFailedUntilAConnectionSucceeds) {
   bool reachable = false;
   LinkAccessory accessory(AccessoryIdentity{}, [&] {
     if (!reachable) {
@@ -298,7 +298,7 @@ TEST(LinkAccessory, GivesTheReasonOfItsFailureUntilItConnects) {
   EXPECT_FALSE(accessory.lastErrorCode());
 }
 
-TEST(LinkAccessory, GivesAReasonWithoutACode) {
+TEST(LinkAccessory, ReportsAReasonWithoutAnErrorCode) {
   LinkAccessory accessory(AccessoryIdentity{}, []() -> Descriptor {
     throw std::runtime_error("no reason in particular");
   });

@@ -23,7 +23,7 @@ constexpr auto printerIsGone =
     "libudev\0\xfe\xed\xca\xfe\0ACTION=remove\0SUBSYSTEM=usbmisc\0DEVNAME=/dev/usb/lp0\0"sv;
 constexpr auto diskIsThere = "add@/devices/sda\0ACTION=add\0SUBSYSTEM=block\0"sv;
 
-class Notices : public testing::Test {
+class DeviceNotices : public testing::Test {
  protected:
   void SetUp() override {
     ASSERT_EQ(::socketpair(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0, ends_), 0);
@@ -43,7 +43,7 @@ class Notices : public testing::Test {
   int ends_[2] = {-1, -1};
 };
 
-TEST_F(Notices, OfPrintersAndSerialLinesEndAWaitAtOnce) {
+TEST_F(DeviceNotices, ANoticeOfAPrinterOrSerialLineEndsAWaitAtOnce) {
   for (const auto notice : {printerIsThere, lineIsThere, printerIsGone}) {
     say(notice);
     EXPECT_TRUE(notices->await(10s));
@@ -51,14 +51,14 @@ TEST_F(Notices, OfPrintersAndSerialLinesEndAWaitAtOnce) {
   }
 }
 
-TEST_F(Notices, ThatArrivedBeforeTheWaitEndIt) {
+TEST_F(DeviceNotices, ANoticeThatArrivedBeforeAWaitEndsTheWait) {
   say(diskIsThere);
   say(printerIsThere);
   say(diskIsThere);
   EXPECT_TRUE(notices->await(0s));
 }
 
-TEST_F(Notices, OfOtherDevicesDoNotShortenAWait) {
+TEST_F(DeviceNotices, ANoticeOfAnotherDeviceDoesNotShortenAWait) {
   say(diskIsThere);
   say("SUBSYSTEM=usbmisc"sv);
   say(""sv);
@@ -98,14 +98,14 @@ TEST(LostNotices, EndAWaitBecauseTheyMayHaveBeenOfPrinters) {
   EXPECT_FALSE(notices.await(0s));
 }
 
-TEST(NoNotices, LetAWaitLastItsTime) {
+TEST(DeviceNoticesWithoutASocket, LetAWaitLastItsWholeTime) {
   AccessoryNotices notices(-1);
   const Stopwatch watch;
   EXPECT_FALSE(notices.await(20ms));
   EXPECT_GE(watch.seconds(), 0.02);
 }
 
-TEST(SystemNotices, CanBeWaitedForByAnyUser) {
+TEST(SystemDeviceNotices, CanBeAwaitedByAnyUser) {
   AccessoryNotices notices;
   notices.await(0s);
 }

@@ -16,7 +16,7 @@ std::shared_ptr<EAAccessory> accessory() {
       AccessoryIdentity{}, []() -> Descriptor { throw std::runtime_error("never connected"); });
 }
 
-TEST(PosixPlatform, PresentsItsAccessoriesInTheOrderInWhichTheyWereAttached) {
+TEST(PosixPlatform, ListsAccessoriesInTheOrderOfTheirAttachment) {
   const auto first = accessory();
   const auto second = accessory();
   const auto third = accessory();
@@ -49,11 +49,11 @@ TEST(PosixPlatform, OmitsAnAccessoryThatAnnouncesNoProtocol) {
   EXPECT_EQ(manager.connectedAccessories(), (std::vector{first}));
 }
 
-TEST(PosixPlatform, HasNoAccessoriesUnlessTheyAreGiven) {
+TEST(PosixPlatform, HasNoAccessoriesByDefault) {
   EXPECT_TRUE(PosixPlatform().sharedAccessoryManager().connectedAccessories().empty());
 }
 
-TEST(PosixPlatform, HasNoWayOfItsOwnToReadAnAddress) {
+TEST(PosixPlatform, DoesNotReadAddressesItself) {
   EXPECT_FALSE(PosixPlatform().sharedAccessoryManager().readsAddresses());
 }
 
@@ -63,13 +63,13 @@ TEST(PosixPlatform, NamesTheKernelsReleaseAsTheSystemVersion) {
   EXPECT_EQ(PosixPlatform().currentDevice().systemVersion(), names.release);
 }
 
-TEST(PosixPlatform, KnowsTheMainThread) {
+TEST(PosixPlatform, RecognisesTheMainThread) {
   PosixPlatform platform;
   EXPECT_TRUE(platform.isMainThread());
   std::thread([&] { EXPECT_FALSE(platform.isMainThread()); }).join();
 }
 
-TEST(PosixPlatform, IgnoresTheSignalOfABrokenPipeAtEachCall) {
+TEST(PosixPlatform, IgnoresTheBrokenPipeSignalAgainAtEachCall) {
   PosixPlatform platform;
   for (int i = 0; i < 2; ++i) {
     std::signal(SIGPIPE, SIG_DFL);
@@ -78,7 +78,7 @@ TEST(PosixPlatform, IgnoresTheSignalOfABrokenPipeAtEachCall) {
   }
 }
 
-TEST(PosixPlatform, MakesThreadsThatAreNotStarted) {
+TEST(PosixPlatform, MakesThreadsWithoutStartingThem) {
   bool ran = false;
   const auto thread = PosixPlatform().makeThread([&] { ran = true; });
   ASSERT_NE(thread, nullptr);

@@ -22,7 +22,7 @@ sockaddr_in asIPv4(const SocketAddress& address) {
   return reinterpret_cast<const sockaddr_in&>(address.storage);
 }
 
-TEST(Resolve, ANumericAddressNeedsNoLookup) {
+TEST(Resolve, AcceptsNumericIpv4Addresses) {
   const auto addresses = resolve("127.0.0.9", 9100, SteadyClock::now() + 5s);
   ASSERT_EQ(addresses.size(), 1U);
   EXPECT_EQ(asIPv4(addresses[0]).sin_addr.s_addr, inet_addr("127.0.0.9"));
@@ -35,7 +35,7 @@ TEST(Resolve, AcceptsIpv6Addresses) {
   EXPECT_EQ(addresses[0].storage.ss_family, AF_INET6);
 }
 
-TEST(Resolve, AnImpossibleNameIsAnError) {
+TEST(Resolve, ThrowsAResolverErrorForAnImpossibleName) {
   // No part of a host name may be this long, so the resolver asks no server.
   try {
     resolve(std::string(200, 'a'), 9100, SteadyClock::now() + 5s);
@@ -45,7 +45,7 @@ TEST(Resolve, AnImpossibleNameIsAnError) {
   }
 }
 
-TEST(Resolve, ALookupThatDoesNotEndIsAbandonedAtTheDeadline) {
+TEST(Resolve, AbandonsALookupAtTheDeadline) {
   std::promise<void> release;
   std::promise<void> left;
   const Stopwatch watch;
@@ -62,7 +62,7 @@ TEST(Resolve, ALookupThatDoesNotEndIsAbandonedAtTheDeadline) {
   left.get_future().wait();
 }
 
-TEST(Resolve, TheResultOfALookupIsReturnedOrThrown) {
+TEST(Resolve, ReturnsTheAddressesOrThrowsTheErrorOfALookup) {
   const SteadyTime deadline = SteadyClock::now() + 5s;
   EXPECT_EQ(
       lookUpUntil(deadline, [] { return LookupResult{std::vector<SocketAddress>(3)}; }).size(), 3U);

@@ -43,7 +43,7 @@ void onThread(const std::function<void()>& body) {
   thread.performAndWait([] {});  // refused or done, the body is over with the captured variables
 }
 
-TEST(RunLoop, ASliceLastsItsTimeOnBothKindsOfThread) {
+TEST(RunLoop, ASliceLastsItsWholeTimeOnTheMainThreadAndOnOtherThreads) {
   const auto slice = [] {
     const Stopwatch watch;
     currentRunLoop().runUntilDate(0.02);
@@ -63,7 +63,7 @@ TEST(RunLoop, SignalsDoNotShortenASlice) {
   EXPECT_GT(storm.strikes(), 0);
 }
 
-TEST(RunLoop, ASliceOfNoTimeOrLessReturnsAtOnce) {
+TEST(RunLoop, ASliceOfZeroOrNegativeTimeReturnsAtOnce) {
   const auto slices = [] {
     const Stopwatch watch;
     currentRunLoop().runUntilDate(0);
@@ -74,7 +74,7 @@ TEST(RunLoop, ASliceOfNoTimeOrLessReturnsAtOnce) {
   onThread(slices);
 }
 
-TEST(RunLoop, AwaitsTheStreamForTheRestOfTheSlice) {
+TEST(RunLoop, WaitsForTheStreamDuringTheRestOfTheSlice) {
   const auto slice = [] {
     RecordingStream stream;
     const Stopwatch watch;
@@ -87,7 +87,7 @@ TEST(RunLoop, AwaitsTheStreamForTheRestOfTheSlice) {
   onThread(slice);
 }
 
-TEST(RunLoop, RunsCarriedRoutinesBeforeItAwaitsTheStream) {
+TEST(RunLoop, RunsRoutinesOfOtherThreadsBeforeItWaitsForTheStream) {
   bool ran = false;
   std::atomic<bool> carried = false;
   std::atomic<bool> turned = false;
@@ -115,7 +115,7 @@ TEST(RunLoop, RunsCarriedRoutinesBeforeItAwaitsTheStream) {
   }
 }
 
-TEST(RunLoop, ACarriedRoutineWakesALongSlice) {
+TEST(RunLoop, ARoutineOfAnotherThreadWakesALongSlice) {
   std::atomic<bool> stop = false;
   PosixThread thread([&] {
     while (!stop) {
@@ -133,7 +133,7 @@ TEST(RunLoop, ACarriedRoutineWakesALongSlice) {
   }
 }
 
-TEST(RunLoop, AFinishedSliceLeavesLaterRoutinesToTheNextSlice) {
+TEST(RunLoop, ARoutineThatArrivesAfterASliceRunsInTheNextSlice) {
   std::atomic<bool> secondRan = false;
   bool secondRanInFirstSlice = false;
   PosixThread thread([&] {

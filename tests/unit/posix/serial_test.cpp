@@ -52,7 +52,7 @@ std::string failure(const std::string& path, const SerialSettings& settings = {}
   return "it opened";
 }
 
-TEST(Serial, OpensALineRawWithEightBitsNoParityAndOneStopBit) {
+TEST(SerialLine, IsRawWithEightBitsNoParityAndOneStopBitByDefault) {
   const Line line;
   const termios settings = settingsOf(openSerial(line.path()));
   EXPECT_EQ(settings.c_cflag & CSIZE, static_cast<tcflag_t>(CS8));
@@ -63,20 +63,20 @@ TEST(Serial, OpensALineRawWithEightBitsNoParityAndOneStopBit) {
   EXPECT_EQ(settings.c_lflag & (ECHO | ICANON | ISIG | IEXTEN), 0U);
 }
 
-TEST(Serial, SetsTheGivenRateOrItsDefault) {
+TEST(SerialLine, HasTheGivenSpeedOr9600BaudByDefault) {
   const Line line;
   EXPECT_EQ(speedOf(openSerial(line.path()).number()), 9600U);
   EXPECT_EQ(speedOf(openSerial(line.path(), {.baud = 115200}).number()), 115200U);
 }
 
-TEST(Serial, OpensALineAtAnySpeed) {
+TEST(SerialLine, CanHaveAnySpeed) {
   const Line line;
   for (const unsigned baud : {1200U, 9601U, 74880U, 250000U, 921600U}) {
     EXPECT_EQ(speedOf(openSerial(line.path(), {.baud = baud}).number()), baud);
   }
 }
 
-TEST(Serial, UsesTheSystemsConstantForAUsualSpeed) {
+TEST(SerialLine, HasTheSystemsConstantForAStandardSpeed) {
   const std::pair<unsigned, speed_t> numbered[] = {
       {1200, B1200},     {2400, B2400},     {4800, B4800},     {9600, B9600},
       {19200, B19200},   {38400, B38400},   {57600, B57600},   {115200, B115200},
@@ -89,7 +89,7 @@ TEST(Serial, UsesTheSystemsConstantForAUsualSpeed) {
   }
 }
 
-TEST(Serial, SetsTheGivenFlowControl) {
+TEST(SerialLine, HasTheGivenFlowControl) {
   const Line line;
   EXPECT_NE(settingsOf(openSerial(line.path(), {.flow = Flow::RtsCts})).c_cflag & CRTSCTS, 0U);
   const termios soft = settingsOf(openSerial(line.path(), {.flow = Flow::XonXoff}));
@@ -100,12 +100,12 @@ TEST(Serial, SetsTheGivenFlowControl) {
   EXPECT_EQ(settingsOf(openSerial(line.path())).c_cflag & CRTSCTS, 0U);
 }
 
-TEST(Serial, SetsTwoStopBits) {
+TEST(SerialLine, CanHaveTwoStopBits) {
   const Line line;
   EXPECT_NE(settingsOf(openSerial(line.path(), {.stop = 2})).c_cflag & CSTOPB, 0U);
 }
 
-TEST(Serial, APrinterThatStopsTheFlowLosesNothing) {
+TEST(SerialLine, LosesNoByteIfThePrinterStopsTheFlow) {
   const auto terminal = test::openPseudoTerminal();
   const Descriptor printer(terminal.master, Descriptor::Kind::Terminal);
   const Descriptor line = openSerial(terminal.line, {.flow = Flow::XonXoff});
@@ -133,7 +133,7 @@ TEST(Serial, APrinterThatStopsTheFlowLosesNothing) {
   EXPECT_EQ(printed, job);
 }
 
-TEST(Serial, ASecondProgramIsRefusedWithTheReason) {
+TEST(SerialLine, RefusesASecondProgramWithTheReason) {
   const Line line;
   const Descriptor first = openSerial(line.path());
   EXPECT_THAT(failure(line.path()), AllOf(HasSubstr(line.path()), HasSubstr("in use by")));
@@ -144,7 +144,7 @@ TEST(Serial, ASecondProgramIsRefusedWithTheReason) {
   }
 }
 
-TEST(Serial, ARefusedUserLeavesTheLineToTheFirst) {
+TEST(SerialLine, RemainsLockedByTheFirstProgramAfterARefusal) {
   const Line line;
   const Descriptor first = openSerial(line.path());
   failure(line.path());
@@ -162,13 +162,13 @@ Descriptor watcherOf(const std::string& path) {
           Descriptor::Kind::Terminal};
 }
 
-TEST(Serial, APseudoTerminalIsLockedButNotExclusive) {
+TEST(SerialLine, DoesNotSetThePseudoTerminalExclusive) {
   const Line line;
   const Descriptor first = openSerial(line.path());
   EXPECT_FALSE(isExclusive(first));
 }
 
-TEST(Serial, TheLockIsReleasedAtTheClose) {
+TEST(SerialLine, CanBeOpenedAgainAfterItsClose) {
   const Line line;
   { const Descriptor first = openSerial(line.path()); }
   EXPECT_EQ(failure(line.path()), "it opened");
@@ -189,7 +189,7 @@ class Console {
   const Descriptor watcher_;
 };
 
-TEST(Serial, ATerminalOfTheMachineIsExclusiveUntilItIsClosed) {
+TEST(SerialLine, SetsAHardwareTerminalExclusiveUntilItsClose) {
   const Console console("/dev/tty63");
   if (!console.isFree()) {
     GTEST_SKIP() << "this user cannot open " << console.path();
@@ -201,7 +201,7 @@ TEST(Serial, ATerminalOfTheMachineIsExclusiveUntilItIsClosed) {
   EXPECT_FALSE(console.isInExclusiveMode());
 }
 
-TEST(Serial, RefusesALineWhoseSpeedIsWrongByThreePercent) {
+TEST(SerialLine, RefusesALineWhoseSpeedIsWrongByThreePercent) {
   const Console console("/dev/tty62");
   if (!console.isFree()) {
     GTEST_SKIP() << "this user cannot open " << console.path();
@@ -216,7 +216,7 @@ TEST(Serial, RefusesALineWhoseSpeedIsWrongByThreePercent) {
   }
 }
 
-TEST(Serial, RefusesALineWithoutTheGivenFlowControl) {
+TEST(SerialLine, RefusesALineWithoutTheGivenFlowControl) {
   const Console console("/dev/tty61");
   if (!console.isFree()) {
     GTEST_SKIP() << "this user cannot open " << console.path();
@@ -256,7 +256,7 @@ class OtherProgram {
   pid_t process_ = -1;
 };
 
-TEST(Serial, TheProgramThatUsesTheLineIsNamed) {
+TEST(SerialLine, NamesTheProgramThatUsesTheLine) {
   const Line line;
   const OtherProgram other(line.path());
   EXPECT_THAT(holdersOf(line.path()), testing::Contains(other.process()));
@@ -265,7 +265,7 @@ TEST(Serial, TheProgramThatUsesTheLineIsNamed) {
                     HasSubstr("(process " + std::to_string(other.process()) + ")")));
 }
 
-TEST(Serial, AProgramOfAnotherUserIsFoundByItsLock) {
+TEST(SerialLine, NamesAProgramOfAnotherUserByItsLock) {
   const Line line;
   const OtherProgram other(line.path());
   const pid_t child = ::fork();
@@ -285,7 +285,7 @@ TEST(Serial, AProgramOfAnotherUserIsFoundByItsLock) {
   EXPECT_EQ(status, 0);
 }
 
-TEST(Serial, TheExclusiveModeOfAKilledProgramIsNoObstacleForRoot) {
+TEST(SerialLine, RootCanOpenALineThatAKilledProgramLeftExclusive) {
   const Line line;
   const int left = ::open(line.path().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
   ASSERT_EQ(::ioctl(left, TIOCEXCL), 0);
@@ -298,14 +298,14 @@ TEST(Serial, TheExclusiveModeOfAKilledProgramIsNoObstacleForRoot) {
   EXPECT_EQ(failure(line.path()), "it opened");
 }
 
-TEST(Serial, ClosesOnExecAndDoesNotBlock) {
+TEST(SerialLine, IsClosedOnExecAndDoesNotBlock) {
   const Line line;
   const Descriptor opened = openSerial(line.path());
   EXPECT_EQ(::fcntl(opened.number(), F_GETFD), FD_CLOEXEC);
   EXPECT_NE(::fcntl(opened.number(), F_GETFL) & O_NONBLOCK, 0);
 }
 
-TEST(Serial, DoesNotBecomeTheControllingTerminal) {
+TEST(SerialLine, DoesNotBecomeTheControllingTerminal) {
   const Line line;
   const pid_t child = ::fork();
   if (child == 0) {
@@ -319,14 +319,14 @@ TEST(Serial, DoesNotBecomeTheControllingTerminal) {
   EXPECT_EQ(status, 0);
 }
 
-TEST(Serial, APlainFileIsAnErrorThatSaysSo) {
+TEST(SerialLine, TheErrorOfAPlainFileSaysThatItIsNoSerialLine) {
   std::string path = testing::TempDir() + "plainXXXXXX";
   const Descriptor file(::mkstemp(path.data()), Descriptor::Kind::Terminal);
   EXPECT_THAT(failure(path), AllOf(HasSubstr(path), HasSubstr("not a serial line")));
   ::unlink(path.c_str());
 }
 
-TEST(Serial, APathThatIsNotASerialLineIsAnErrorThatNamesIt) {
+TEST(SerialLine, TheErrorOfAnUnusablePathNamesThePathAndTheReason) {
   EXPECT_THAT(failure("/tmp"), AllOf(HasSubstr("/tmp"), HasSubstr("Is a directory")));
   EXPECT_THAT(failure("/dev/null"), AllOf(HasSubstr("/dev/null"), HasSubstr("not a serial line")));
   EXPECT_THAT(failure("/dev/there-is-none"), HasSubstr("No such file"));

@@ -65,7 +65,7 @@ bool isLostWithin(Link& link, double seconds) {
   return true;
 }
 
-TEST(Silence, ALinkWhoseBytesNobodyAcknowledgesIsLost) {
+TEST(SilentLink, IsLostIfItsBytesAreNotAcknowledged) {
   Printer printer;
   Link link(printer.connect(), 300ms);
   printer.pullTheCable();
@@ -75,7 +75,7 @@ TEST(Silence, ALinkWhoseBytesNobodyAcknowledgesIsLost) {
   EXPECT_EQ(link.write(&byte, 1), -1);
 }
 
-TEST(Silence, ALinkThatIsCutOffWhileItsPrinterHasNoSpaceIsLost) {
+TEST(SilentLink, IsLostIfTheCableIsPulledWhileThePrinterHasNoSpace) {
   Printer printer;
   Link link(printer.connect(), 300ms);
   fill(link);
@@ -83,7 +83,7 @@ TEST(Silence, ALinkThatIsCutOffWhileItsPrinterHasNoSpaceIsLost) {
   EXPECT_TRUE(isLostWithin(link, generously));
 }
 
-TEST(Silence, APrinterThatHasNoSpaceForLongerThanTheLimitKeepsItsLink) {
+TEST(SilentLink, RemainsConnectedIfThePrinterHasNoSpaceForLongerThanTheLimit) {
   Printer printer;
   Link link(printer.connect(), 300ms);
   fill(link);
@@ -91,13 +91,13 @@ TEST(Silence, APrinterThatHasNoSpaceForLongerThanTheLimitKeepsItsLink) {
   EXPECT_FALSE(isLostWithin(link, 3));
 }
 
-TEST(Silence, AnIdleLinkIsNotLostForBeingSilent) {
+TEST(SilentLink, RemainsConnectedIfItIsIdle) {
   Printer printer;
   Link link(printer.connect(), 1ms);
   EXPECT_FALSE(isLostWithin(link, 1.5));
 }
 
-TEST(Silence, TheEndOfALinkThatWasLostInThisWayDoesNotWait) {
+TEST(SilentLink, ClosesAtOnceAfterItWasLost) {
   Printer printer;
   Link link(printer.connect(), 300ms);
   fill(link);

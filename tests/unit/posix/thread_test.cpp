@@ -39,7 +39,7 @@ class TurningThread {
   }};
 };
 
-TEST(PosixThread, RunsItsBodyOnAnotherThreadWithItsOwnLoop) {
+TEST(PosixThread, RunsItsFunctionOnAnotherThreadWithItsOwnRunLoop) {
   TurningThread turning;
   PosixPlatform platform;
   NSRunLoop* const ours = &platform.currentRunLoop();
@@ -50,7 +50,7 @@ TEST(PosixThread, RunsItsBodyOnAnotherThreadWithItsOwnLoop) {
   }));
 }
 
-TEST(PosixThread, PerformsRoutinesOnItselfAndAlwaysOnTheSameThread) {
+TEST(PosixThread, RunsEveryRoutineOnItsOwnThread) {
   TurningThread turning;
   std::thread::id first;
   std::thread::id second;
@@ -60,14 +60,14 @@ TEST(PosixThread, PerformsRoutinesOnItselfAndAlwaysOnTheSameThread) {
   EXPECT_NE(first, std::this_thread::get_id());
 }
 
-TEST(PosixThread, RefusesRoutinesBeforeItHasStarted) {
+TEST(PosixThread, RefusesARoutineBeforeItHasStarted) {
   PosixThread thread([] {});
   bool ran = false;
   EXPECT_FALSE(thread.performAndWait([&] { ran = true; }));
   EXPECT_FALSE(ran);
 }
 
-TEST(PosixThread, AcceptsRoutinesAsSoonAsItIsStarted) {
+TEST(PosixThread, AcceptsARoutineAsSoonAsItIsStarted) {
   for (int i = 0; i < 50; ++i) {
     TurningThread turning;
     bool ran = false;
@@ -76,7 +76,7 @@ TEST(PosixThread, AcceptsRoutinesAsSoonAsItIsStarted) {
   }
 }
 
-TEST(PosixThread, RefusesRoutinesOnceItsBodyHasEnded) {
+TEST(PosixThread, RefusesARoutineAfterItsFunctionHasEnded) {
   PosixThread thread([] {});
   ASSERT_TRUE(thread.start());
   EXPECT_TRUE(eventually([&] { return !thread.performAndWait([] {}); }));
@@ -85,7 +85,7 @@ TEST(PosixThread, RefusesRoutinesOnceItsBodyHasEnded) {
   EXPECT_FALSE(ran);
 }
 
-TEST(PosixThread, RunsEveryRoutineThatItAcceptsWhileItEnds) {
+TEST(PosixThread, RunsEveryRoutineThatItAcceptsDuringItsEnd) {
   int accepted = 0;
   for (int i = 0; i < 10'000; ++i) {
     PosixThread thread([] {});
@@ -98,7 +98,7 @@ TEST(PosixThread, RunsEveryRoutineThatItAcceptsWhileItEnds) {
   EXPECT_GT(accepted, 0) << "the threads were always over first, so nothing was tried";
 }
 
-TEST(PosixThread, CallersFromManyThreadsAreAllServedOrRefused) {
+TEST(PosixThread, RunsOrRefusesEveryRoutineOfManyThreads) {
   for (int round = 0; round < 100; ++round) {
     std::atomic<bool> stop = false;
     PosixThread thread([&] {
@@ -125,7 +125,7 @@ TEST(PosixThread, CallersFromManyThreadsAreAllServedOrRefused) {
   }
 }
 
-TEST(PosixThread, RunsARoutineDirectlyWhenItIsCalledOnItself) {
+TEST(PosixThread, RunsARoutineOfItsOwnDirectly) {
   TurningThread turning;
   int depth = 0;
   EXPECT_TRUE(turning.thread.performAndWait([&] {
@@ -135,7 +135,7 @@ TEST(PosixThread, RunsARoutineDirectlyWhenItIsCalledOnItself) {
   }));
 }
 
-TEST(PosixThread, ThrowsAnExceptionInTheCallerAndContinues) {
+TEST(PosixThread, RethrowsTheExceptionOfARoutineInTheCallerAndRunsLaterRoutines) {
   TurningThread turning;
   EXPECT_THROW(turning.thread.performAndWait([] { throw std::out_of_range("far"); }),
                std::out_of_range);
@@ -143,7 +143,7 @@ TEST(PosixThread, ThrowsAnExceptionInTheCallerAndContinues) {
   EXPECT_TRUE(turning.thread.performAndWait([] {}));
 }
 
-TEST(PosixThread, ReleasesItsBodyAtItsEndEvenIfItsHandleExists) {
+TEST(PosixThread, ReleasesItsFunctionWhenTheFunctionHasEnded) {
   auto held = std::make_shared<int>();
   const std::weak_ptr<int> watched = held;
   PosixThread thread([held = std::move(held)] {});
@@ -152,7 +152,7 @@ TEST(PosixThread, ReleasesItsBodyAtItsEndEvenIfItsHandleExists) {
   EXPECT_TRUE(eventually([&] { return watched.expired(); }));
 }
 
-TEST(PosixThread, CanBeReleasedUnstartedWithItsBody) {
+TEST(PosixThread, ReleasesItsFunctionIfItIsNeverStarted) {
   auto held = std::make_shared<int>();
   const std::weak_ptr<int> watched = held;
   std::make_unique<PosixThread>([held = std::move(held)] {}).reset();
@@ -172,7 +172,7 @@ struct Owner {
   std::atomic<bool>& ended;
 };
 
-TEST(PosixThread, MayReleaseTheLastReferenceToItsOwner) {
+TEST(PosixThread, MayDestroyItsOwnerOnItsOwnThread) {
   for (int i = 0; i < 200; ++i) {
     std::atomic<bool> calledItself = false;
     std::atomic<bool> ended = false;
@@ -230,7 +230,7 @@ class NoMoreThreads {
   pthread_attr_t before_;
 };
 
-TEST(PosixThread, ThatCannotBeCreatedThrowsAndReleasesItsBody) {
+TEST(PosixThread, DoesNotStartAndReleasesItsFunctionIfTheSystemRefusesAThread) {
   auto held = std::make_shared<int>();
   const std::weak_ptr<int> watched = held;
   bool ran = false;
@@ -245,7 +245,7 @@ TEST(PosixThread, ThatCannotBeCreatedThrowsAndReleasesItsBody) {
   EXPECT_FALSE(ran);
 }
 
-TEST(PosixThread, ThatCannotBeCreatedReturnsToEveryCaller) {
+TEST(PosixThread, RefusesEveryRoutineIfTheSystemRefusesAThread) {
   std::atomic<PosixThread*> target = nullptr;
   std::atomic<bool> stop = false;
   std::atomic<int> performed = 0;
@@ -270,7 +270,7 @@ TEST(PosixThread, ThatCannotBeCreatedReturnsToEveryCaller) {
   EXPECT_EQ(performed, 0);
 }
 
-TEST(PosixThreadDeathTest, TheProcessMayExitWhileThreadsTurnTheirLoops) {
+TEST(PosixThreadDeathTest, TheProcessMayExitWhileThreadsRunTheirLoops) {
   for (int i = 0; i < 10; ++i) {
     EXPECT_EXIT(
         {

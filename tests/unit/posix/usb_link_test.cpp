@@ -33,7 +33,7 @@ struct DriverLink {
   std::unique_ptr<Descriptor> printer;
 };
 
-TEST(UsbLink, AnEmptyPacketDoesNotEndTheLink) {
+TEST(UsbLink, IsNotEndedByAnEmptyPacket) {
   const DriverLink driver(Descriptor::Kind::UsbPrinter);
   driver.say("");
   EXPECT_FALSE(driver.link->hasBytes());
@@ -47,14 +47,14 @@ TEST(UsbLink, AnEmptyPacketDoesNotEndTheLink) {
   EXPECT_EQ(byte, 'x');
 }
 
-TEST(UsbLink, AVanishedPrinterIsALostLink) {
+TEST(UsbLink, IsLostIfThePrinterVanishes) {
   DriverLink driver(Descriptor::Kind::UsbPrinter);
   driver.printer.reset();
   driver.link->waitForBytes(10);
   EXPECT_TRUE(driver.link->isLost());
 }
 
-TEST(UsbLink, APrinterThatOnlyTakesBytesIsNotLostBecauseItIsSilent) {
+TEST(UsbLink, IsNotLostIfThePrinterNeverSends) {
   const DriverLink driver(Descriptor::Kind::MuteUsbPrinter);
   EXPECT_FALSE(driver.link->hasBytes());
   driver.link->waitForBytes(0.001);
@@ -63,7 +63,7 @@ TEST(UsbLink, APrinterThatOnlyTakesBytesIsNotLostBecauseItIsSilent) {
   EXPECT_EQ(driver.link->write(&byte, 1), 1);
 }
 
-TEST(UsbLink, ATransferThatBrokeOffCountsAsTakenBecauseItMayHaveArrived) {
+TEST(UsbLink, CountsAnInterruptedTransferAsSent) {
   // Writing to the page at address 0 fails with EIO, like a transfer of the driver that is broken
   // off.
   const Descriptor driver(::open("/proc/self/mem", O_RDWR | O_CLOEXEC),
@@ -72,7 +72,7 @@ TEST(UsbLink, ATransferThatBrokeOffCountsAsTakenBecauseItMayHaveArrived) {
   EXPECT_EQ(driver.send(bytes, 3), 3);
 }
 
-TEST(UsbLink, NothingIsSentToAPrinterThatWasPulledBefore) {
+TEST(UsbLink, SendsNothingToAPrinterThatIsUnplugged) {
   const auto pulled = test::openPseudoTerminal();
   const int line = ::open(pulled.line.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
   ::close(pulled.master);  // the line hangs up, as the driver does
@@ -84,7 +84,7 @@ TEST(UsbLink, NothingIsSentToAPrinterThatWasPulledBefore) {
   EXPECT_EQ(driver.receive(&heard, 1), 0);
 }
 
-TEST(UsbLink, APrinterWhoseReadsTheDriverRefusesOnlyTakesBytes) {
+TEST(UsbLink, IsWriteOnlyIfTheDriverRefusesReads) {
   const Descriptor refusing(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK), Descriptor::Kind::Terminal);
   EXPECT_EQ(usbKindOf(refusing.number()), Descriptor::Kind::MuteUsbPrinter);
   const auto terminal = test::openPseudoTerminal();
@@ -92,12 +92,12 @@ TEST(UsbLink, APrinterWhoseReadsTheDriverRefusesOnlyTakesBytes) {
   EXPECT_EQ(usbKindOf(answering.number()), Descriptor::Kind::UsbPrinter);
 }
 
-TEST(UsbLink, OnlyUsbPrintersHaveAPortThatReports) {
+TEST(UsbLink, ReportsAPortStateOnlyForUsbPrinters) {
   const DriverLink driver(Descriptor::Kind::Socket);
   EXPECT_EQ(driver.link->portState(), "");
 }
 
-TEST(UsbLink, HasBytesUnderWayAsLongAsTheDriverTakesNoMore) {
+TEST(UsbLink, HasBytesUnderWayWhileTheDriverHasNoSpace) {
   int ends[2];
   ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0, ends), 0);
   const Descriptor driver(ends[0], Descriptor::Kind::UsbPrinter);

@@ -78,7 +78,7 @@ class UsbTest : public testing::Test {
 
 const std::string till = "MFG:Quor Dalvane;CMD:ESCPOS;MDL:XQ700;CLS:PRINTER;";
 
-TEST_F(UsbTest, APrinterIsDescribedWithoutOpeningIt) {
+TEST_F(UsbTest, ReadsMakerModelAndSerialNumberOfAPrinter) {
   plugIn(0, till, "S 1/7");
   const UsbPrinter printer = findUsbPrinter("", roots());
   EXPECT_EQ(printer.maker, "Quor Dalvane");
@@ -87,7 +87,7 @@ TEST_F(UsbTest, APrinterIsDescribedWithoutOpeningIt) {
   EXPECT_EQ(printer.vendor + ":" + printer.product, "04b8:0202");
 }
 
-TEST_F(UsbTest, LongFieldNamesAndASerialNumberInTheTextAreRead) {
+TEST_F(UsbTest, ReadsLongFieldNamesOfTheDeviceId) {
   plugIn(0, "MANUFACTURER: M ;MODEL:T;SERIALNUMBER:77", "");
   const UsbPrinter printer = findUsbPrinter("", roots());
   EXPECT_EQ(printer.maker, "M");
@@ -95,7 +95,7 @@ TEST_F(UsbTest, LongFieldNamesAndASerialNumberInTheTextAreRead) {
   EXPECT_EQ(printer.serial, "77");
 }
 
-TEST_F(UsbTest, AFieldWithoutAValueIsIgnored) {
+TEST_F(UsbTest, IgnoresAFieldWithoutAValueInTheDeviceId) {
   plugIn(0, "SN;MFG;MDL:T;", "");
   const UsbPrinter printer = findUsbPrinter("", roots());
   EXPECT_EQ(printer.serial, "");
@@ -103,7 +103,7 @@ TEST_F(UsbTest, AFieldWithoutAValueIsIgnored) {
   EXPECT_EQ(printer.model, "T");
 }
 
-TEST_F(UsbTest, VeryLongTextsAreCutOff) {
+TEST_F(UsbTest, CutsVeryLongDeviceIds) {
   for (const std::string& id : {std::string(), std::string(";;:;:"), std::string("MFG"),
                                 std::string(100'000, ';'), "MFG:" + std::string(100'000, 'x')}) {
     plugIn(0, id, "");
@@ -112,7 +112,7 @@ TEST_F(UsbTest, VeryLongTextsAreCutOff) {
   }
 }
 
-TEST_F(UsbTest, IsChosenBySerialNumberModelOrDeviceFile) {
+TEST_F(UsbTest, FindsAPrinterBySerialNumberModelOrDeviceFile) {
   plugIn(0, till, "S 1/7");
   plugIn(10, till, "second", "0519:0003");
   plugIn(2, till, "", "0519:00aB");
@@ -123,14 +123,14 @@ TEST_F(UsbTest, IsChosenBySerialNumberModelOrDeviceFile) {
   EXPECT_EQ(nodeOf((roots().dev / "usb/lp10").string()), "lp10");
 }
 
-TEST_F(UsbTest, APathMayBeALinkToTheDeviceFile) {
+TEST_F(UsbTest, FindsAPrinterByASymbolicLinkToItsDeviceFile) {
   plugIn(0, till, "A");
   plugIn(1, till, "B");
   fs::create_symlink(roots().dev / "usb/lp1", roots().dev / "receipts");
   EXPECT_EQ(nodeOf((roots().dev / "receipts").string()), "lp1");
 }
 
-TEST_F(UsbTest, IsNamedByATextThatChoosesIt) {
+TEST_F(UsbTest, NamesAPrinterByADeviceTextThatFindsThePrinter) {
   plugIn(0, till, "a, b\\c");
   plugIn(1, till, "/slash");
   const auto printers = usbPrinters(roots());
@@ -139,7 +139,7 @@ TEST_F(UsbTest, IsNamedByATextThatChoosesIt) {
   EXPECT_EQ(nodeOf("a, b\\c"), "lp0");
 }
 
-TEST_F(UsbTest, TwoOfOneModelAreAnErrorThatNamesBoth) {
+TEST_F(UsbTest, TheErrorOfTwoMatchingPrintersNamesBoth) {
   plugIn(0, till, "A");
   plugIn(1, till, "");
   std::string text;
@@ -148,7 +148,7 @@ TEST_F(UsbTest, TwoOfOneModelAreAnErrorThatNamesBoth) {
   EXPECT_EQ(reason("04b8:0202"), code(UsbError::Ambiguous));
 }
 
-TEST_F(UsbTest, TwoOfOneSerialNumberAreNamedByTheirNodes) {
+TEST_F(UsbTest, NamesPrintersWithTheSameSerialNumberByTheirDeviceFiles) {
   plugIn(0, till, "0123456789");
   plugIn(1, till, "0123456789");
   std::string text;
@@ -156,7 +156,7 @@ TEST_F(UsbTest, TwoOfOneSerialNumberAreNamedByTheirNodes) {
   EXPECT_THAT(text, AllOf(HasSubstr("usb/lp0 ("), HasSubstr("usb/lp1 (")));
 }
 
-TEST_F(UsbTest, AMissingPrinterIsReported) {
+TEST_F(UsbTest, ReportsThatThePrinterIsNotPluggedIn) {
   EXPECT_EQ(reason(""), code(UsbError::NotPluggedIn));
   plugIn(0, till, "A");
   std::string text;
@@ -164,20 +164,20 @@ TEST_F(UsbTest, AMissingPrinterIsReported) {
   EXPECT_THAT(text, HasSubstr("plugged in: usb:A"));
 }
 
-TEST_F(UsbTest, AMissingDriverIsNamed) {
+TEST_F(UsbTest, ReportsThatTheDriverIsMissing) {
   write(roots().sys / "bus/usb/devices/1-1:1.0/bInterfaceClass", "07");
   EXPECT_EQ(reason(""), code(UsbError::NoDriver));
   write(roots().sys / "bus/usb/devices/1-1:1.0/bInterfaceProtocol", "04");
   EXPECT_EQ(reason(""), code(UsbError::NotPluggedIn)) << "the driver leaves that one to others";
 }
 
-TEST_F(UsbTest, APrinterThatWasNotGivenBackToTheDriverIsNamed) {
+TEST_F(UsbTest, ReportsThatAPrinterWasNotGivenBackToTheDriver) {
   write(roots().sys / "bus/usb/devices/1-1:1.0/bInterfaceClass", "07");
   fs::create_directories(roots().sys / "module/usblp");
   EXPECT_EQ(reason(""), code(UsbError::TakenFromDriver));
 }
 
-TEST_F(UsbTest, TheProgramThatTookAPrinterFromTheDriverIsNamed) {
+TEST_F(UsbTest, NamesTheProgramThatTookAPrinterFromTheDriver) {
   const fs::path device = roots().sys / "bus/usb/devices/1-1";
   const fs::path interface = device / "1-1:1.0";
   write(device / "busnum", "1");
@@ -203,7 +203,7 @@ TEST_F(UsbTest, TheProgramThatTookAPrinterFromTheDriverIsNamed) {
   EXPECT_THAT(text, HasSubstr("(process " + std::to_string(other) + ")"));
 }
 
-TEST_F(UsbTest, AHubThatSwitchedThePowerOffIsNamed) {
+TEST_F(UsbTest, ReportsThatAHubSwitchedOffThePower) {
   const fs::path port = roots().sys / "bus/usb/devices/1-0:1.0/usb1-port1";
   write(port / "over_current_count", "0");
   EXPECT_EQ(reason(""), code(UsbError::NotPluggedIn));
@@ -211,7 +211,7 @@ TEST_F(UsbTest, AHubThatSwitchedThePowerOffIsNamed) {
   EXPECT_EQ(reason(""), code(UsbError::DroppedByHub));
 }
 
-TEST_F(UsbTest, TheAccessoryHasTheTextsOfThePrinterUnlessGivenOthers) {
+TEST_F(UsbTest, AnAccessoryHasTheTextsOfThePrinterByDefault) {
   plugIn(0, till, "S1");
   UsbAccessory accessory({}, "", roots());
   EXPECT_EQ(accessory.name(), "Quor Dalvane XQ700");
@@ -228,7 +228,7 @@ TEST_F(UsbTest, TheAccessoryHasTheTextsOfThePrinterUnlessGivenOthers) {
   EXPECT_EQ(named.serialNumber(), "S");
 }
 
-TEST_F(UsbTest, APrinterThatIsNotPluggedInAnnouncesNoProtocolAndSaysWhy) {
+TEST_F(UsbTest, AnAccessoryAnnouncesNoProtocolWhileThePrinterIsUnplugged) {
   UsbAccessory accessory({}, "S1", roots());
   EXPECT_TRUE(accessory.protocolStrings().empty());
   EXPECT_EQ(accessory.lastErrorCode(), code(UsbError::NotPluggedIn));
@@ -240,7 +240,7 @@ TEST_F(UsbTest, APrinterThatIsNotPluggedInAnnouncesNoProtocolAndSaysWhy) {
   EXPECT_TRUE(accessory.protocolStrings().empty());
 }
 
-TEST_F(UsbTest, APrinterThatIsPluggedInAgainIsFoundByItsTextsAndNotByItsNumber) {
+TEST_F(UsbTest, FindsAReplacedPrinterByItsTextsAndNotByItsDeviceFile) {
   plugIn(0, till, "mine");
   UsbAccessory accessory({}, (roots().dev / "usb/lp0").string(), roots());
   EXPECT_EQ(accessory.serialNumber(), "mine");
@@ -252,7 +252,7 @@ TEST_F(UsbTest, APrinterThatIsPluggedInAgainIsFoundByItsTextsAndNotByItsNumber) 
   EXPECT_FALSE(accessory.protocolStrings().empty());
 }
 
-TEST_F(UsbTest, OneOfTwoWithTheSameSerialNumberIsNeverTakenForTheOther) {
+TEST_F(UsbTest, NeverConfusesTwoPrintersWithTheSameSerialNumber) {
   plugIn(0, till, "0123456789");
   const auto bar = test::openPseudoTerminal();
   const Descriptor printer(bar.master, Descriptor::Kind::Terminal);
@@ -271,7 +271,7 @@ TEST_F(UsbTest, OneOfTwoWithTheSameSerialNumberIsNeverTakenForTheOther) {
   EXPECT_TRUE(accessory.protocolStrings().empty());
 }
 
-TEST_F(UsbTest, ANodeThatVanishedSinceItWasSeenIsASystemError) {
+TEST_F(UsbTest, ThrowsASystemErrorIfTheDeviceFileVanishesBeforeTheOpen) {
   plugIn(0, till, "A");
   const UsbPrinter printer = findUsbPrinter("", roots());
   pull(0);
@@ -283,7 +283,7 @@ TEST_F(UsbTest, ANodeThatVanishedSinceItWasSeenIsASystemError) {
   }
 }
 
-TEST_F(UsbTest, OpensTheDeviceFileOfThePresentPrinter) {
+TEST_F(UsbTest, OpensTheDeviceFileOfThePluggedInPrinter) {
   const auto terminal = test::openPseudoTerminal();
   const Descriptor printer(terminal.master, Descriptor::Kind::Terminal);
   plugIn(3, till, "A");

@@ -28,12 +28,12 @@ int blackDots(DitherKind kind, std::uint8_t grey) {
 
 class EveryDither : public testing::TestWithParam<DitherKind> {};
 
-TEST_P(EveryDither, LeavesWhiteWhiteAndBlackBlack) {
+TEST_P(EveryDither, DrawsWhiteAsNoDotsAndBlackAsAllDots) {
   EXPECT_EQ(blackDots(GetParam(), 255), 0);
   EXPECT_EQ(blackDots(GetParam(), 0), rows * static_cast<int>(width));
 }
 
-TEST_P(EveryDither, BlackensTheShareOfDotsThatTheGreyAsksFor) {
+TEST_P(EveryDither, DrawsGreyAsTheMatchingShareOfBlackDots) {
   for (const int grey : {32, 64, 96, 128, 160, 192, 224}) {
     const double share =
         1.0 * blackDots(GetParam(), static_cast<std::uint8_t>(grey)) / (rows * width);
@@ -41,7 +41,7 @@ TEST_P(EveryDither, BlackensTheShareOfDotsThatTheGreyAsksFor) {
   }
 }
 
-TEST_P(EveryDither, SpreadsTheDotsOfAMiddleGrey) {
+TEST_P(EveryDither, SpreadsTheDotsOfAMiddleGreyEvenly) {
   Dither dither(GetParam(), width);
   const Bytes row(width, 128);
   for (int y = 0; y < rows; ++y) {
@@ -52,7 +52,7 @@ TEST_P(EveryDither, SpreadsTheDotsOfAMiddleGrey) {
   }
 }
 
-TEST_P(EveryDither, TreatsAMissingPartOfTheWidthAsWhite) {
+TEST_P(EveryDither, TreatsTheMissingEndOfARowAsWhite) {
   Dither dither(GetParam(), 16);
   const ByteView dots = dither.dots(Bytes(3, 0));
   EXPECT_EQ(Bytes(dots.begin(), dots.end()), (Bytes{0xe0, 0x00}));

@@ -39,7 +39,7 @@ Bytes halfBlack(int width, int height, int edge) {
   return pngFile(width, height, [=](int x, int) { return x < edge ? black : white; });
 }
 
-TEST(Picture, IsPrintedInBandsAtTheLeft) {
+TEST(Picture, IsPrintedAsARasterImageAtTheLeft) {
   Bytes expected = {0x1d, 0x76, 0x30, 0, 48, 0, 2, 0};
   for (int row = 0; row < 2; ++row) {
     Bytes dots(48);
@@ -50,7 +50,7 @@ TEST(Picture, IsPrintedInBandsAtTheLeft) {
   EXPECT_EQ(printed(halfBlack(16, 2, 12)), expected);
 }
 
-TEST(Picture, ThatIsWiderThanThePaperIsScaledDown) {
+TEST(Picture, IsScaledDownToTheWidthOfThePaper) {
   const Bytes job = printed(halfBlack(1920, 20, 960));
   ASSERT_EQ(job.size(), 8U + 4 * 48);
   for (std::size_t x = 0; x < 48; ++x) {
@@ -58,14 +58,14 @@ TEST(Picture, ThatIsWiderThanThePaperIsScaledDown) {
   }
 }
 
-TEST(Picture, InPngIsWhiteIfItIsTransparent) {
+TEST(PngPicture, IsWhiteWhereItIsTransparent) {
   EXPECT_EQ(greyRow(pngFile(3, 1, [](int x, int) { return x == 0   ? 0U
                                                           : x == 1 ? black
                                                                    : white; })),
             (Bytes{255, 0, 255}));
 }
 
-TEST(Picture, InPngHasTheBrightnessOfItsColours) {
+TEST(PngPicture, HasTheBrightnessOfItsColours) {
   const Bytes row =
       greyRow(pngFile(3, 1, [](int x, int) { return black | 0xffU << (16 - 8 * x); }));
   EXPECT_NEAR(row[0], 76, 2);
@@ -73,7 +73,7 @@ TEST(Picture, InPngHasTheBrightnessOfItsColours) {
   EXPECT_NEAR(row[2], 28, 2);
 }
 
-TEST(Picture, InPngIsReadWhateverItsDepthAndOrder) {
+TEST(PngPicture, IsReadInEveryColourDepthAndRowOrder) {
   for (const PngKind kind :
        {PngKind::Grey1, PngKind::Grey16, PngKind::Palette, PngKind::Rgb16, PngKind::Interlaced}) {
     const Bytes file = pngFile(kind, 24, 16);  // black in its left half
@@ -88,7 +88,7 @@ TEST(Picture, InPngIsReadWhateverItsDepthAndOrder) {
   }
 }
 
-TEST(Picture, InJpegIsReadRowByRow) {
+TEST(JpegPicture, IsReadRowByRow) {
   const Bytes file = jpegFile(64, 16);
   const auto picture = openPicture(file, 384);
   ASSERT_EQ(picture->width(), 64U);
@@ -101,14 +101,14 @@ TEST(Picture, InJpegIsReadRowByRow) {
   }
 }
 
-TEST(Picture, InJpegIsReadAtASmallerScaleButNotBelowThePaper) {
+TEST(JpegPicture, IsReadAtASmallerScaleNotNarrowerThanThePaper) {
   const Bytes file = jpegFile(4000, 16);
   EXPECT_EQ(openPicture(file, 384)->width(), 500U);
   EXPECT_EQ(openPicture(file, 576)->width(), 1000U);
   EXPECT_EQ(openPicture(file, 4000)->width(), 4000U);
 }
 
-TEST(Picture, InJpegIsUprightWhateverItsOrientation) {
+TEST(JpegPicture, IsTurnedUprightForEveryExifOrientation) {
   // Where the black corner is then.
   constexpr struct {
     bool isAtTheRight, isAtTheBottom;
@@ -134,12 +134,12 @@ TEST(Picture, InJpegIsUprightWhateverItsOrientation) {
   }
 }
 
-TEST(Picture, OfATurnedCameraIsNeverReadSmallerThanThePaper) {
+TEST(JpegPicture, IsNotNarrowerThanThePaperIfExifTurnsThePicture) {
   const Bytes file = withExif(jpegFile(16, 4000), exif(6, false));
   EXPECT_EQ(openPicture(file, 576)->width(), 1000U);
 }
 
-TEST(Picture, WithDamagedCameraDataIsNotTurned) {
+TEST(JpegPicture, IsNotTurnedIfItsExifDataIsDamaged) {
   Bytes wrong = exif(6, false);
   for (std::size_t size = 0; size < wrong.size() - 6; ++size) {
     const Bytes cut(wrong.begin(), wrong.begin() + static_cast<std::ptrdiff_t>(size));
@@ -152,7 +152,7 @@ TEST(Picture, WithDamagedCameraDataIsNotTurned) {
   EXPECT_EQ(openPicture(withExif(jpegFile(64, 16), exif(9, false)), 64)->width(), 64U);
 }
 
-TEST(Picture, ThatClaimsToBeHugeIsRefusedBeforeMemoryIsTaken) {
+TEST(Picture, IsRefusedIfItsHeaderClaimsAHugeSize) {
   EXPECT_NE(
       refusalOf(withSize(halfBlack(16, 2, 8), 65000, 65000)).find("the most is 64000000 in all"),
       std::string::npos);
@@ -161,7 +161,7 @@ TEST(Picture, ThatClaimsToBeHugeIsRefusedBeforeMemoryIsTaken) {
   EXPECT_NE(refusalOf(jpegFile(9000, 8000)).find("the most is 64000000"), std::string::npos);
 }
 
-TEST(Picture, ThatIsInvalidOrCutOffIsRefused) {
+TEST(Picture, IsRefusedIfItsFileIsInvalidOrCutOff) {
   EXPECT_EQ(refusalOf(ascii("%PDF-1.4")), "this is no picture in PNG or JPEG");
   EXPECT_EQ(refusalOf({}), "this is no picture in PNG or JPEG");
   for (const Bytes& whole : {halfBlack(64, 64, 20), jpegFile(64, 64)}) {
@@ -172,7 +172,7 @@ TEST(Picture, ThatIsInvalidOrCutOffIsRefused) {
   }
 }
 
-TEST(Picture, ThatIsWhiteSendsNoBytes) {
+TEST(Picture, SendsNoBytesIfItIsWhite) {
   EXPECT_EQ(printed(halfBlack(16, 300, 0)), Bytes());
 }
 

@@ -28,7 +28,7 @@ Bytes band(std::uint8_t rows, const std::vector<Bytes>& content) {
   return bytes;
 }
 
-TEST(RasterBands, LeaveOutWhiteRowsAtTheTopAndTheEndAndKeepThoseBetween) {
+TEST(RasterBands, OmitWhiteRowsAtTheTopAndTheBottomOfAPage) {
   Job job;
   RasterBands bands(16, job.output());
   add(bands, white, 3);
@@ -51,7 +51,7 @@ TEST(RasterBands, HaveAtMost255Rows) {
   EXPECT_EQ(job.pieces[2], band(1, {black}));
 }
 
-TEST(RasterBands, OfAWhitePageHaveNoBytes) {
+TEST(RasterBands, SendNoBytesForAWhitePage) {
   Job job;
   RasterBands bands(16, job.output());
   add(bands, white, 600);

@@ -22,24 +22,24 @@ Bytes printedRow(unsigned pageDots, unsigned head, unsigned first, unsigned end)
   return bytes.empty() ? bytes : Bytes(bytes.begin() + 8, bytes.end());
 }
 
-TEST(RasterPage, LosesItsMarginsOnBothSides) {
+TEST(RasterPage, IsCutOnBothSidesToTheWidthOfThePrintHead) {
   // 639 dots are paper of 80 mm, and the head has 576: 31 at the left, 32 at the right.
   EXPECT_EQ(printedRow(639, 576, 31, 607), Bytes(72, 0xff));
   EXPECT_EQ(printedRow(639, 576, 0, 31), Bytes());
   EXPECT_EQ(printedRow(639, 576, 607, 639), Bytes());
 }
 
-TEST(RasterPage, ThatIsAsWideAsTheHeadIsPrintedAsItIs) {
+TEST(RasterPage, IsPrintedUnchangedIfItIsAsWideAsThePrintHead) {
   EXPECT_EQ(printedRow(576, 576, 0, 576), Bytes(72, 0xff));
 }
 
-TEST(RasterPage, ThatIsNarrowerThanTheHeadLiesAtTheLeft) {
+TEST(RasterPage, IsPrintedAtTheLeftIfItIsNarrowerThanThePrintHead) {
   Bytes expected(72);
   std::fill(expected.begin(), expected.begin() + 48, std::uint8_t{0xff});
   EXPECT_EQ(printedRow(384, 576, 0, 384), expected);
 }
 
-TEST(RasterPage, PassesOnExactlyTheBytesThatItCounts) {
+TEST(RasterPage, SendsAsManyBytesAsItPredicts) {
   for (const std::size_t rows : {1U, 254U, 255U, 256U, 2'000U}) {
     Job job;
     RasterPage page(576, 576, job.output());

@@ -23,7 +23,7 @@ bool isDrawn(const Bytes& piece) {
   return piece.size() > 4 && piece[0] == 0x1d && piece[1] == 0x76;
 }
 
-TEST(TestPage, HasEachCharacterOfEveryUsualPageAsText) {
+TEST(CodePageTestPage, ContainsEveryCharacterOfEachStandardCodePageAsText) {
   for (const std::uint8_t number : numbers) {
     const CodePage page{std::to_string(number)};
     const Bytes job = testPage(std::to_string(number)).all();
@@ -39,7 +39,7 @@ TEST(TestPage, HasEachCharacterOfEveryUsualPageAsText) {
   }
 }
 
-TEST(TestPage, DrawsEachLineBelowItsText) {
+TEST(CodePageTestPage, DrawsEachLineOfTextAgainAsAnImage) {
   const Job job = testPage("16");
   EXPECT_EQ(std::ranges::count_if(job.pieces, isDrawn), 8);
   const auto drawn = std::ranges::find_if(job.pieces, isDrawn);
@@ -49,7 +49,7 @@ TEST(TestPage, DrawsEachLineBelowItsText) {
   EXPECT_EQ((*(drawn - 2))[4], 0x80);  // the euro
 }
 
-TEST(TestPage, NamesItsNumberAndFitsTheNarrowestPaper) {
+TEST(CodePageTestPage, NamesItsCodePageAndFitsTheNarrowestPaper) {
   const Job job = testPage("6:1251");
   const Bytes title = ascii("Code page 6");
   EXPECT_TRUE(std::ranges::find(job.pieces, title) != job.pieces.end());

@@ -30,22 +30,22 @@ std::string refusalOf(const std::string& text) {
   return "";
 }
 
-TEST(TextLines, EndWithALineFeedAReturnAndALineFeedOrAFormFeed) {
+TEST(TextLines, EndAtALineFeedACarriageReturnWithLineFeedOrAFormFeed) {
   EXPECT_EQ(linesOf("one\ntwo\r\n\nfour\ffive"), (Lines{"one", "two", "", "four", "five"}));
 }
 
-TEST(TextLines, AreTheSameInPiecesOfAnySize) {
+TEST(TextLines, AreTheSameIfTheTextArrivesInPieces) {
   const std::string text = "Café\r\nΕυχαριστώ\t€\n買い上げ\n𝄞";
   for (std::size_t size = 1; size < text.size(); ++size) {
     EXPECT_EQ(linesOf(text, size), linesOf(text)) << size;
   }
 }
 
-TEST(TextLines, HaveTabulatorsUpToTheNextColumnOfEight) {
+TEST(TextLines, ReplaceATabBySpacesUpToAMultipleOfEightColumns) {
   EXPECT_EQ(linesOf("a\tb\té12345678\tc"), (Lines{"a       b       é12345678       c"}));
 }
 
-TEST(TextLines, LeaveOutAByteOrderMarkAtTheBeginning) {
+TEST(TextLines, OmitAByteOrderMarkAtTheBeginning) {
   EXPECT_EQ(linesOf("\ufeffone"), (Lines{"one"}));
 }
 
@@ -54,14 +54,14 @@ TEST(TextLines, AreRefusedIfTheyAreNotUtf8) {
   EXPECT_EQ(refusalOf("Caf\xc3"), "this is no UTF-8 at byte 3 of the text");
 }
 
-TEST(TextLines, AreRefusedIfTheyHoldACommand) {
+TEST(TextLines, AreRefusedIfTheyContainAControlCharacter) {
   EXPECT_NE(refusalOf("one\x1b@").find("a control character at byte 3"), std::string::npos);
   EXPECT_NE(refusalOf(std::string("one\0", 4)).find("at byte 3"), std::string::npos);
   EXPECT_NE(refusalOf("one\u0085").find("at byte 3"), std::string::npos);
   EXPECT_NE(refusalOf("one\rtwo").find("at byte 3"), std::string::npos);
 }
 
-TEST(TextLines, WithoutALineEndAreBrokenAtABlank) {
+TEST(TextLines, AreBrokenAtASpaceIfTheyAreTooLong) {
   std::string text;
   for (int i = 0; i < 2000; ++i) {
     text += "word ";
@@ -82,7 +82,7 @@ TEST(TextLines, AreNotBrokenBeforeACombiningCharacter) {
   EXPECT_EQ(lines, (Lines{letters + "\u0301", "y"}));
 }
 
-TEST(TextLines, OfCombiningCharactersWithoutAnEndAreBounded) {
+TEST(TextLines, HaveABoundedLengthEvenIfTheyContainOnlyCombiningCharacters) {
   std::string text = "e";
   for (std::size_t i = 0; i < 2 * longestLine; ++i) {
     text += "\u0301";

@@ -30,11 +30,11 @@ bool isDrawn(const Bytes& job) {
   return std::search(job.begin(), job.end(), raster.begin(), raster.end()) != job.end();
 }
 
-TEST(TextPrinting, SendsAsciiAsText) {
+TEST(PrintedText, IsSentAsCharactersIfItIsAscii) {
   EXPECT_EQ(printed("Total  12.00\n\nbye"), ascii("Total  12.00\n\nbye\n"));
 }
 
-TEST(TextPrinting, WrapsTextAtABlankOrAtTheWidth) {
+TEST(PrintedText, IsWrappedAtASpaceOrAtTheWidthOfThePaper) {
   // 384 dots are 32 columns.
   EXPECT_EQ(printed("1234567890 1234567890 12345678901 rest\n"),
             ascii("1234567890 1234567890\n12345678901 rest\n"));
@@ -42,21 +42,21 @@ TEST(TextPrinting, WrapsTextAtABlankOrAtTheWidth) {
   EXPECT_EQ(printed(std::string(32, 'x') + " y"), ascii(std::string(32, 'x') + "\ny\n"));
 }
 
-TEST(TextPrinting, DrawsALineWithACharacterThatIsNotOfTheCodePage) {
+TEST(PrintedText, IsDrawnAsAnImageIfTheCodePageLacksACharacter) {
   EXPECT_TRUE(isDrawn(printed("3 €")));
   EXPECT_FALSE(isDrawn(printed("3 €", CodePage("16"))));
   EXPECT_TRUE(isDrawn(printed("Спасибо", CodePage("16"))));
 }
 
-TEST(TextPrinting, SelectsTheCodePageOnceAndEncodesInIt) {
+TEST(PrintedText, IsEncodedInTheCodePageWhichIsSelectedOnce) {
   EXPECT_EQ(printed("3 €\ncafé\n", CodePage("16")), selectPage16 + ascii("3 \x80\ncaf\xe9\n"));
 }
 
-TEST(TextPrinting, CombinesALetterAndItsAccent) {
+TEST(PrintedText, CombinesALetterWithItsAccent) {
   EXPECT_EQ(printed("cafe\u0301", CodePage("16")), selectPage16 + ascii("caf\xe9\n"));
 }
 
-TEST(TextPrinting, DrawsTheSameIfTheTextArrivesAtOnceOrByteByByte) {
+TEST(PrintedText, IsTheSameIfTheTextArrivesByteByByte) {
   const std::string text = "a\né\nb\n";
   Job job;
   TextPrinting printing(384, CodePage(), job.output());
@@ -67,13 +67,13 @@ TEST(TextPrinting, DrawsTheSameIfTheTextArrivesAtOnceOrByteByByte) {
   EXPECT_EQ(job.all(), printed(text));
 }
 
-TEST(TextPrinting, KeepsAnEmptyLineBetweenDrawnOnes) {
+TEST(PrintedText, HasAnEmptyLineBetweenTwoDrawnLines) {
   const Bytes once = printed("é\né\n");
   const Bytes apart = printed("é\n\né\n");
   EXPECT_GT(apart.size(), once.size());
 }
 
-TEST(TextPrinting, NamesTheCharactersWithoutAGlyph) {
+TEST(PrintedText, ReportsTheCharactersWithoutAGlyph) {
   Job job;
   TextPrinting printing(384, CodePage(), job.output());
   printing.add("\U0010fffd and é");  // a private-use character: no font has it
@@ -81,7 +81,7 @@ TEST(TextPrinting, NamesTheCharactersWithoutAGlyph) {
   EXPECT_EQ(printing.missing(), std::set<char32_t>{0x10fffd});
 }
 
-TEST(TextPrinting, DrawsALineOfMoreThanABandOfRows) {
+TEST(PrintedText, CanHaveADrawnLineOfMoreThan255Rows) {
   std::string text;
   for (int i = 0; i < 400; ++i) {
     text += "été ";
@@ -91,13 +91,13 @@ TEST(TextPrinting, DrawsALineOfMoreThanABandOfRows) {
   EXPECT_GT(job.size(), 255U * 48);
 }
 
-TEST(CodePage, TakesANumberOrANumberAndAName) {
+TEST(CodePage, IsGivenByANumberOrByANumberAndAName) {
   EXPECT_EQ(CodePage("16").number(), 16);
   EXPECT_EQ(CodePage("6:1251").encoded("Да"), (Bytes{0xc4, 0xe0}));
   EXPECT_EQ(CodePage("0").encoded("é"), (Bytes{0x82}));
 }
 
-TEST(CodePage, RefusesAnUnknownPageAndNamesTheKnownOnes) {
+TEST(CodePage, TheErrorOfAnUnknownPageNamesTheKnownPages) {
   for (const std::string text :
        {"", "x", "256", "-1", "200", "16:", "16:nonsense", "16:utf-8", "16 "}) {
     try {
@@ -109,7 +109,7 @@ TEST(CodePage, RefusesAnUnknownPageAndNamesTheKnownOnes) {
   }
 }
 
-TEST(CodePage, DoesNotReplaceAMissingCharacterByASimilarOne) {
+TEST(CodePage, DoesNotReplaceAMissingCharacterByASimilarCharacter) {
   EXPECT_EQ(CodePage("0").encoded("€"), std::nullopt);
 }
 

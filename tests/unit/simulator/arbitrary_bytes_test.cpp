@@ -21,7 +21,7 @@ Bytes randomBytes(std::mt19937_64& chance, std::size_t most) {
   return bytes;
 }
 
-TEST(ArbitraryBytes, MakeThePaperAsLongAsItsPrint) {
+TEST(RandomBytes, MakeABoundedNumberOfItemsOnPaper) {
   std::mt19937_64 chance(1);
   for (int run = 0; run < 5'000; ++run) {
     Session session;
@@ -31,7 +31,7 @@ TEST(ArbitraryBytes, MakeThePaperAsLongAsItsPrint) {
   }
 }
 
-TEST(ArbitraryBytes, GiveTheSameResultWholeAndByteByByte) {
+TEST(RandomBytes, HaveTheSameEffectIfTheyArriveByteByByte) {
   std::mt19937_64 chance(2);
   for (int run = 0; run < 500; ++run) {
     const Bytes bytes = randomBytes(chance, 200);
@@ -46,7 +46,7 @@ TEST(ArbitraryBytes, GiveTheSameResultWholeAndByteByByte) {
   }
 }
 
-TEST(ArbitraryBytes, ANewLinkIsAnsweredWhateverTheLastOneSent) {
+TEST(RandomBytes, DoNotPreventAnswersToTheNextConnection) {
   std::mt19937_64 chance(3);
   for (int run = 0; run < 2'000; ++run) {
     Session session(PrinterBuilder().speed(100));
@@ -56,7 +56,7 @@ TEST(ArbitraryBytes, ANewLinkIsAnsweredWhateverTheLastOneSent) {
   }
 }
 
-TEST(ArbitraryBytes, CanBeDrawn) {
+TEST(RandomBytes, CanAlwaysBeDrawnAsAPicture) {
   std::mt19937_64 chance(4);
   for (int run = 0; run < 30; ++run) {
     Session session;
@@ -67,7 +67,7 @@ TEST(ArbitraryBytes, CanBeDrawn) {
   }
 }
 
-TEST(ArbitraryBytes, AnIncompleteCommandAlwaysNeedsMoreBytes) {
+TEST(RandomBytes, NeverMakeAnIncompleteCommandLookComplete) {
   std::mt19937_64 chance(5);
   for (int run = 0; run < 100'000; ++run) {
     const Dialect dialect = run % 2 == 0 ? Dialect() : Dialect{Proofs(), false};
@@ -85,7 +85,7 @@ TEST(ArbitraryBytes, AnIncompleteCommandAlwaysNeedsMoreBytes) {
   }
 }
 
-TEST(ArbitraryBytes, AHugeCountTakesNoMemoryUntilItsBytesArrive) {
+TEST(HugeCount, TakesNoMemoryUntilItsBytesArrive) {
   Session session;
   session.send("1d384c ffffffff 30 70");
   session.send("1d7630 00 ffff ffff");
@@ -93,7 +93,7 @@ TEST(ArbitraryBytes, AHugeCountTakesNoMemoryUntilItsBytesArrive) {
   EXPECT_EQ(session.printer.buffered(), 0U);
 }
 
-TEST(ArbitraryBytes, TakeBoundedMemoryIfTheyMoveNoPaper) {
+TEST(EndlessJob, TakesBoundedMemoryIfItMovesNoPaper) {
   for (const char* command : {"1d56 00", "1b64 00", "1b24 0000 41", "1b24 0000 1b2a 00 0100 ff"}) {
     Session session;
     const Bytes once = hex(command);
@@ -108,7 +108,7 @@ TEST(ArbitraryBytes, TakeBoundedMemoryIfTheyMoveNoPaper) {
   }
 }
 
-TEST(ArbitraryBytes, WithoutEndFillPapersOfBoundedSize) {
+TEST(EndlessJob, IsDividedIntoPapersOfBoundedSize) {
   const std::pair<const char*, Bytes> jobs[] = {
       {"text", Bytes(100, 'x') + ascii("\n")},
       {"images", hex("1d7630 00 4800 0a00") + Bytes(720, 0xaa)},
@@ -127,7 +127,7 @@ TEST(ArbitraryBytes, WithoutEndFillPapersOfBoundedSize) {
   }
 }
 
-TEST(ArbitraryBytes, ThatFeedPaperWithoutEndAreStillReadable) {
+TEST(EndlessJob, GivesAShortTextIfItOnlyFeedsPaper) {
   Session session;
   Bytes job = hex("1d2100");
   for (int i = 0; i < 10'000; ++i)

@@ -41,7 +41,7 @@ std::string rowOf(const Bitmap& picture, unsigned y) {
   return row;
 }
 
-TEST(BitmapFile, IsReadFromItsLastRowInEachDepth) {
+TEST(BitmapFile, IsReadInEachColourDepthAndRowOrder) {
   const std::pair<unsigned, Bytes> rows[] = {
       {1, hex("60000000 80000000")},
       {4, hex("0ff00000 f0000000")},
@@ -57,7 +57,7 @@ TEST(BitmapFile, IsReadFromItsLastRowInEachDepth) {
   }
 }
 
-TEST(BitmapFile, WithoutKnownDotsIsEmpty) {
+TEST(BitmapFile, IsEmptyIfItIsCutOffOrInvalid) {
   const Bytes right = file(3, 2, 1, hex("60000000 a0000000"));
   for (std::size_t length = 0; length < right.size(); ++length) {
     EXPECT_EQ(fromBitmapFile(ByteView(right).first(length)).width, 0U) << length;
@@ -75,7 +75,7 @@ TEST(BitmapFile, WithoutKnownDotsIsEmpty) {
   }
 }
 
-TEST(BitmapFile, IsWhiteIfAColourIsMissing) {
+TEST(BitmapFile, IsWhiteWhereAColourOfThePaletteIsMissing) {
   Bytes wrong = file(3, 1, 8, hex("00010200"));
   wrong[14] = 0xff;
   wrong[15] = 0x03;

@@ -11,7 +11,7 @@ void enterCommandMode(Session& session) {
   session.wait(1s);
 }
 
-TEST(BluetoothModule, AnswersCommandsAfterTheEscapeSequenceBetweenItsGuardTimes) {
+TEST(BluetoothModule, AnswersCommandsAfterAnEscapeSequenceBetweenGuardTimes) {
   Session session(PrinterBuilder().bluetoothAddress("00A1B2C3D4E5"));
   enterCommandMode(session);
   session.send(ascii("AT*AILBA?\r"));
@@ -21,7 +21,7 @@ TEST(BluetoothModule, AnswersCommandsAfterTheEscapeSequenceBetweenItsGuardTimes)
   EXPECT_TRUE(session.printer.printed().empty());
 }
 
-TEST(BluetoothModule, ACommandMayArriveInPieces) {
+TEST(BluetoothModule, AcceptsACommandInPieces) {
   Session session;
   enterCommandMode(session);
   session.send(ascii("AT*AI"));
@@ -31,7 +31,7 @@ TEST(BluetoothModule, ACommandMayArriveInPieces) {
   EXPECT_EQ(session.receive(), ascii("\r\n*AILBA:001122334455\r\n\r\nOK\r\n"));
 }
 
-TEST(BluetoothModule, AnEndlessCommandIsAnErrorAndTakesNoMemory) {
+TEST(BluetoothModule, AnswersAnEndlessCommandWithAnError) {
   Session session;
   enterCommandMode(session);
   for (int i = 0; i < 1'000; ++i)
@@ -40,7 +40,7 @@ TEST(BluetoothModule, AnEndlessCommandIsAnErrorAndTakesNoMemory) {
   EXPECT_EQ(session.receive(), ascii("\r\nERROR\r\n"));
 }
 
-TEST(BluetoothModule, ACommandThatBeginsAsAKnownOneIsAnError) {
+TEST(BluetoothModule, AnswersAKnownCommandWithTrailingBytesWithAnError) {
   Session session;
   enterCommandMode(session);
   for (const char* command :
@@ -50,7 +50,7 @@ TEST(BluetoothModule, ACommandThatBeginsAsAKnownOneIsAnError) {
   }
 }
 
-TEST(BluetoothModule, DropsTheLinkWithinHalfASecondAfterTheReply) {
+TEST(BluetoothModule, DropsTheLinkWithinHalfASecondAfterItsReply) {
   Session session;
   enterCommandMode(session);
   session.send(ascii("AT*AMWS=10,0,0,0,1,0\r"));
@@ -68,7 +68,7 @@ TEST(BluetoothModule, DropsTheLinkWithinHalfASecondAfterTheReply) {
   EXPECT_EQ(session.link->nextEvent(session.now), std::nullopt);
 }
 
-TEST(BluetoothModule, ANewLinkStartsInDataMode) {
+TEST(BluetoothModule, IsInDataModeAtTheStartOfANewLink) {
   Session session;
   enterCommandMode(session);
   session.reconnect();
@@ -84,7 +84,7 @@ struct Near {
   const char* printed;
 };
 
-TEST(BluetoothModule, TakesAnIncompleteEscapeSequenceForData) {
+TEST(BluetoothModule, TreatsAnIncompleteEscapeSequenceAsData) {
   const Near cases[] = {
       {"too little silence before", 999ms, "///", 2s, "", "x///"},
       {"too little silence after", 1s, "///", 999ms, "y", "x///y"},
@@ -107,7 +107,7 @@ TEST(BluetoothModule, TakesAnIncompleteEscapeSequenceForData) {
   }
 }
 
-TEST(BluetoothModule, TheEscapeSequenceMayArriveInPieces) {
+TEST(BluetoothModule, AcceptsTheEscapeSequenceInPieces) {
   Session session;
   session.wait(1s);
   session.send(ascii("/"));
@@ -119,7 +119,7 @@ TEST(BluetoothModule, TheEscapeSequenceMayArriveInPieces) {
   EXPECT_EQ(session.receive(), ascii("\r\nERROR\r\n"));
 }
 
-TEST(BluetoothModule, SlashesThatWaitForTheirGuardTimeAreNotLostWhenTheHostHangsUp) {
+TEST(BluetoothModule, PrintsAnIncompleteEscapeSequenceIfTheHostDisconnects) {
   Session session;
   session.wait(1s);
   session.send(ascii("//"));
@@ -127,7 +127,7 @@ TEST(BluetoothModule, SlashesThatWaitForTheirGuardTimeAreNotLostWhenTheHostHangs
   EXPECT_EQ(session.printer.printed(), ascii("//"));
 }
 
-TEST(BluetoothModule, ThePrinterDoesNotAnswerInCommandMode) {
+TEST(BluetoothModule, SendsNoReportOfThePrinterInCommandMode) {
   Session session(PrinterBuilder().speed(1));
   session.send(hex("1b1d03010000"));
   enterCommandMode(session);

@@ -52,7 +52,7 @@ std::string inPage(int number, std::string_view bytes) {
   return Print(select + hex(bytes) + ascii("\n"), profile("escpos-80")).text();
 }
 
-TEST(CodePages, HaveTheCharactersOfTheirStandards) {
+TEST(CodePages, ContainTheCharactersOfTheirStandards) {
   EXPECT_EQ(inPage(0, "82 9b e1 fb"), "é¢ß√");
   EXPECT_EQ(inPage(1, "b1 b2 dd a5 f1 e9"), "ｱｲﾝ･円♥");
   EXPECT_EQ(inPage(11, "a4 a5 80"), "ΑΒÇ");
@@ -66,14 +66,14 @@ TEST(CodePages, HaveTheCharactersOfTheirStandards) {
   EXPECT_EQ(inPage(49, "e0 f9"), "אש");
 }
 
-TEST(CodePages, OfMalteseAndEsperantoHaveAllTheLettersOfIso8859_3) {
+TEST(CodePages, Page853ContainsAllLettersOfIso8859Part3) {
   const UpperHalf& page = upperHalfOf("853");
   for (const char32_t character : upperHalfOf("iso8859-3")) {
     EXPECT_NE(std::find(page.begin(), page.end(), character), page.end()) << unsigned(character);
   }
 }
 
-TEST(CodePages, AllExist) {
+TEST(CodePages, AreAllFilledWithCharacters) {
   for (const std::string& name : codePageNames()) {
     const UpperHalf& page = upperHalfOf(name);
     const auto there = 128 - std::count(page.begin(), page.end(), noCharacter);
@@ -83,7 +83,7 @@ TEST(CodePages, AllExist) {
   }
 }
 
-TEST(CodePages, AreDrawnAsTheirCharactersAreDrawnFromUnicode) {
+TEST(CodePages, PrintTheSameGlyphsAsUnicodeText) {
   for (const std::string& name : codePageNames()) {
     Bytes job = hex("1b7407");
     std::u32string characters;
@@ -102,27 +102,27 @@ TEST(CodePages, AreDrawnAsTheirCharactersAreDrawnFromUnicode) {
   }
 }
 
-TEST(CodePages, HaveTheNumbersOfTheProfile) {
+TEST(CodePages, HaveTheNumbersThatTheProfileGives) {
   const Bytes job = hex("1b7406 e0 0a");
   EXPECT_EQ(Print(job, profile("escpos-58")).text(), "а");
   EXPECT_EQ(Print(job, profile("escpos-80").set("codePages", "0:850+6:1253")).text(), "ΰ");
   EXPECT_EQ(Print(hex("9d 0a"), profile("escpos-80").set("codePages", "0:850")).text(), "Ø");
 }
 
-TEST(CodePages, AreIgnoredAndRecordedIfThePrinterLacksThem) {
+TEST(UnknownCodePage, IsIgnoredAndRecorded) {
   const Print print(hex("1b7413 1b74c8 d5 0a"), profile("escpos-80"));
   EXPECT_EQ(print.text(), "€");
   EXPECT_THAT(print.missing(), ElementsAre("page 200"));
   EXPECT_FALSE(print.paper().record().isClean());
 }
 
-TEST(CodePages, ListTheBytesWithoutACharacter) {
+TEST(ByteWithoutACharacter, IsListedInTheRecord) {
   EXPECT_THAT(Print(hex("1b7410 8182 0a"), profile("escpos-80")).missing(),
               ElementsAre("81 in page 16"));
   EXPECT_THAT(Print(hex("1b7410 8082 0a"), profile("escpos-80")).missing(), IsEmpty());
 }
 
-TEST(CodePages, AreSetOnlyByNumbersAndNames) {
+TEST(CodePageSetting, AcceptsOnlyNumbersWithKnownNames) {
   CharacterSets sets;
   for (const char* wrong : {"0", "x:437", "256:437", "0:438", "0:", ":437", "0:437,1:850"}) {
     EXPECT_THAT([&] { sets.setPages(wrong); },
@@ -133,7 +133,7 @@ TEST(CodePages, AreSetOnlyByNumbersAndNames) {
   EXPECT_THROW(sets.setMultiByte("utf-8"), std::invalid_argument);
 }
 
-TEST(Utf8Text, IsReadOnlyByAPrinterThatKnowsIt) {
+TEST(Utf8Text, IsReadOnlyIfThePrinterSupportsUtf8) {
   for (const std::string_view name : profileNames()) {
     EXPECT_NE(Print(hex("c3 a9 0a"), profile(name)).text(), "é") << name;
   }
@@ -141,13 +141,13 @@ TEST(Utf8Text, IsReadOnlyByAPrinterThatKnowsIt) {
   EXPECT_EQ(Print(hex("c3 a9 0a"), profile("escpos-80").set("utf8", "true")).text(), "é");
 }
 
-TEST(Utf8Text, IsSelectedAndLeftByACommand) {
+TEST(Utf8Text, IsSelectedAndDeselectedByCommands) {
   const PrinterBuilder knowsIt = profile("escpos-80").set("utf8", "true");
   EXPECT_EQ(Print(hex("1b7400 1c284302003002 c3a9 1c284302003001 c3a9 0a"), knowsIt).text(), "é├⌐");
   EXPECT_EQ(Print(hex("1c284302003002 c3a9 0a"), profile("escpos-80")).text(), "├⌐");
 }
 
-TEST(NationalSets, ChangeTwelveBytes) {
+TEST(NationalCharacterSet, ReplacesSomeAsciiCharacters) {
   EXPECT_EQ(Print(hex("1b5202") + ascii("[\\]{|}~@\n")).text(), "ÄÖÜäöüß§");
   EXPECT_EQ(Print(hex("1b5203") + ascii("#\n")).text(), "£");
   EXPECT_EQ(Print(hex("1b5207") + ascii("#\\\n")).text(), "₧Ñ");
@@ -156,7 +156,7 @@ TEST(NationalSets, ChangeTwelveBytes) {
   EXPECT_EQ(Print(hex("1b5202 1b40") + ascii("[\n")).text(), "[");
 }
 
-TEST(MultiByteText, OfEachLanguageIsRead) {
+TEST(MultiByteText, IsReadInEachLanguage) {
   EXPECT_EQ(Print(hex("93fa967b 0a"), profile("escpos-80-japan")).text(), "ô·û{")
       << "Japanese printers wait for a command";
   EXPECT_EQ(Print(hex("1c4301 93fa967b 41 0a"), profile("escpos-80-japan")).text(), "日本A");
@@ -168,7 +168,7 @@ TEST(MultiByteText, OfEachLanguageIsRead) {
 }
 
 // Such characters are two letters wide, even if a code page also has them as narrow characters.
-TEST(MultiByteText, IsDrawnAsItsCharactersAreDrawnFromUnicode) {
+TEST(MultiByteText, IsDrawnWithTheSameGlyphsAsUnicodeText) {
   const struct {
     const char* language;
     const char* job;
@@ -191,7 +191,7 @@ TEST(MultiByteText, IsDrawnAsItsCharactersAreDrawnFromUnicode) {
   }
 }
 
-TEST(CodePages, DrawTheirWideCharactersAsUnicodeDoes) {
+TEST(CodePages, PrintTheSameWideGlyphsAsUnicodeText) {
   const Print print(hex("1b7401 f1f2f3f4f5f6f7f9fafbfcfd 0a"), profile("escpos-80"));
   TextStyle style;
   style.wide = true;
@@ -204,14 +204,14 @@ TEST(MultiByteText, EndsWhenACodePageIsSelected) {
   EXPECT_EQ(Print(hex("1c2e 1b7410 d6d0 0a"), profile("escpos-80-china")).text(), "ÖÐ");
 }
 
-TEST(MultiByteText, IsTwoLettersWide) {
+TEST(MultiByteText, HasCharactersTwiceAsWideAsALetter) {
   const Print print(hex("d6d0b9fa 41 1b7400 0a"), profile("escpos-80-china"));
   const auto& line = std::get<Line>(print.paper().items().at(0));
   EXPECT_EQ(line.width(), 60U);
   EXPECT_EQ(line.items.at(1).x, 48U);
 }
 
-TEST(MultiByteText, HasAnUnderlineAndASpacingOfItsOwn) {
+TEST(MultiByteText, HasItsOwnUnderlineAndSpacing) {
   const Print print(hex("1c2d02 1c53 0204 d6d0b9fa 41 0a"), profile("escpos-80-china"));
   const auto& line = std::get<Line>(print.paper().items().at(0));
   const auto& wide = std::get<TextRun>(line.items.at(0).content);
@@ -221,7 +221,7 @@ TEST(MultiByteText, HasAnUnderlineAndASpacingOfItsOwn) {
   EXPECT_EQ(line.width(), 2U * (24 + 6) + 12);
 }
 
-TEST(MultiByteText, ListsTheCharactersThatItLacks) {
+TEST(MultiByteText, RecordsTheCharactersThatThePrinterLacks) {
   EXPECT_THAT(Print(hex("1c4301 fc4c 0a"), profile("escpos-80-japan")).missing(),
               ElementsAre("fc 4c in shift-jis"));
   EXPECT_THAT(Print(hex("d6 0a"), profile("escpos-80-china")).missing(),

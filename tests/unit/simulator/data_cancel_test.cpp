@@ -13,7 +13,7 @@ PrinterBuilder slow() {
   return PrinterBuilder().speed(10);
 }
 
-TEST(DataCancel, DropsReceivedDataThatIsNotPrintedWithItsEtbs) {
+TEST(DataCancel, DropsUnprintedDataAndItsEndMarks) {
   Session session(slow());
   session.send(ascii("0123456789") + hex("17 1b1d03010000"));
   session.wait(300ms);
@@ -28,7 +28,7 @@ TEST(DataCancel, DropsReceivedDataThatIsNotPrintedWithItsEtbs) {
   EXPECT_EQ(session.printer.state().etbCounter, 1);
 }
 
-TEST(DataCancel, ActsAtAnyPlaceAndInAnyPieces) {
+TEST(DataCancel, IsObeyedAnywhereInTheDataAndInPieces) {
   for (std::size_t at = 0; at <= 6; ++at) {
     Session session(slow());
     const Bytes command = hex(dataCancel);
@@ -48,7 +48,7 @@ TEST(DataCancel, FreesTheBufferOfAnOffLinePrinter) {
   EXPECT_EQ(session.link->space(session.now), 20U);
 }
 
-TEST(DataCancel, EndsTheLineThatWasBegun) {
+TEST(DataCancel, EndsAnUnfinishedLine) {
   Session session(slow());
   session.send(ascii("012345"));
   session.wait(300ms);
@@ -58,7 +58,7 @@ TEST(DataCancel, EndsTheLineThatWasBegun) {
   EXPECT_EQ(renderText(session.printer.paper()), "012\nnew\n");
 }
 
-TEST(DataCancel, MakesTheNextByteBeginACommand) {
+TEST(DataCancel, EndsAnUnfinishedCommand) {
   Session session(slow());
   session.send("1d7630 00 0a00 0100 00000000000000000000");
   session.wait(1s);
@@ -71,7 +71,7 @@ TEST(DataCancel, MakesTheNextByteBeginACommand) {
   EXPECT_EQ(std::get<TextRun>(std::get<Line>(items[0]).items[0].content).text, U"hello");
 }
 
-TEST(DataTimeout, DropsAllDataUntilTheEndOfTheDataCancel) {
+TEST(DataTimeout, DropsAllDataUntilTheDataCancelEndCommand) {
   Session session(slow().coverOpen());
   session.send(hex(fiveSeconds) + hex(dataCancel) + ascii("held") + hex("17"));
   EXPECT_EQ(session.link->nextEvent(session.now), session.now + 5s);
@@ -88,7 +88,7 @@ TEST(DataTimeout, DropsAllDataUntilTheEndOfTheDataCancel) {
   EXPECT_EQ(session.printer.printed(), ascii("new"));
 }
 
-TEST(DataTimeout, CountsFromTheLastByteReceived) {
+TEST(DataTimeout, RunsFromTheLastReceivedByte) {
   Session session(slow().coverOpen());
   session.send(hex(fiveSeconds) + hex(dataCancel));
   for (int i = 0; i < 3; ++i) {
@@ -103,7 +103,7 @@ TEST(DataTimeout, CountsFromTheLastByteReceived) {
   EXPECT_EQ(session.printer.buffered(), 0U);
 }
 
-TEST(DataTimeout, EarlierPrintRemainsOnPaper) {
+TEST(DataTimeout, DoesNotRemovePrintThatIsOnPaper) {
   Session session(slow());
   session.send(hex(fiveSeconds) + hex(dataCancel) + Bytes(100, 'x'));
   session.wait(1h);
@@ -111,7 +111,7 @@ TEST(DataTimeout, EarlierPrintRemainsOnPaper) {
   EXPECT_EQ(session.printer.printed().size(), 50U);
 }
 
-TEST(DataTimeout, AnotherDataCancelDoesNotEndTheDropping) {
+TEST(DataTimeout, IsNotEndedByAnotherDataCancel) {
   Session session;
   session.send(hex(fiveSeconds) + hex(dataCancel));
   session.wait(5s);
@@ -121,7 +121,7 @@ TEST(DataTimeout, AnotherDataCancelDoesNotEndTheDropping) {
   EXPECT_EQ(session.printer.printed(), ascii("kept"));
 }
 
-TEST(DataTimeout, DoesNothingOutsideAGuardedSectionOrIfItIsZero) {
+TEST(DataTimeout, DropsNothingIfItIsZeroOrNoDataCancelPrecedes) {
   const std::string_view commands[] = {fiveSeconds, "1b1d03050105 1b1d03030000 1b1d03040000",
                                        "1b1d03050100 1b1d03030000", dataCancel, never};
   for (std::string_view before : commands) {
@@ -134,7 +134,7 @@ TEST(DataTimeout, DoesNothingOutsideAGuardedSectionOrIfItIsZero) {
   }
 }
 
-TEST(DataTimeout, StatusIsAnsweredWhileThePrinterDrops) {
+TEST(DataTimeout, DoesNotPreventStatusAnswers) {
   Session session;
   session.send(hex(fiveSeconds) + hex(dataCancel));
   session.wait(6s);
@@ -142,7 +142,7 @@ TEST(DataTimeout, StatusIsAnsweredWhileThePrinterDrops) {
   EXPECT_EQ(etbCounterOf(session.ask("17 1b0601")), 0);
 }
 
-TEST(DataCancelEnd, DoesNothingOutsideAGuardedSection) {
+TEST(DataCancelEnd, DropsNothingWithoutAnEarlierDataCancel) {
   Session session(slow());
   session.send(ascii("ab") + hex(dataCancelEnd) + ascii("cd"));
   session.wait(1s);

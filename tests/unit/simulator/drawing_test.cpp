@@ -14,7 +14,7 @@ TEST(Margins, MoveLinesImagesAndSymbolsToTheRight) {
   EXPECT_GT(print.darkIn(100, 8, 12, 24), 10U);
 }
 
-TEST(Pictures, BeginAtThePositionToWhichTheJobHasMoved) {
+TEST(PrintedImages, BeginAtTheHorizontalPositionThatTheJobSets) {
   EXPECT_EQ(Print(hex("1b24 6400") + square).darkIn(100, 0, 8, 8), 64U);
   EXPECT_EQ(Print(hex("1d4c 0a00 1b24 6400 1b6100") + square).darkIn(110, 0, 8, 8), 64U);
   const Bytes area = hex("1b4c 1b57 0000 0000 8001 2c01 1b24 6400");
@@ -24,19 +24,19 @@ TEST(Pictures, BeginAtThePositionToWhichTheJobHasMoved) {
   EXPECT_GT(code.darkIn(100, 0, 63, 63), 500U);
 }
 
-TEST(Pictures, BeginWithinAPrintAreaThatBecameNarrower) {
+TEST(PrintedImages, BeginInsideAPrintAreaThatBecomesNarrower) {
   EXPECT_EQ(Print(hex("1b24 6400 1d57 3200") + square).darkIn(49, 0, 8, 8), 64U);
 }
 
-TEST(Pictures, AfterTextBeginAtTheLeftOfTheNextLine) {
+TEST(PrintedImages, BeginAtTheLeftOfTheNextLineAfterText) {
   EXPECT_EQ(Print(ascii("text") + square).darkIn(0, 30, 8, 8), 64U);
 }
 
-TEST(Pictures, ThatAreCentredStayInTheCentre) {
+TEST(PrintedImages, AreCentredEvenIfTheJobSetsAPosition) {
   EXPECT_EQ(Print(hex("1b6101 1b24 6400") + square).darkIn(188, 0, 8, 8), 64U);
 }
 
-TEST(Margins, LimitAlignmentAndTheLengthOfLines) {
+TEST(Margins, LimitAlignmentAndLineLength) {
   const Print centred(hex("1d4c 6400 1d57 6400 1b6101") + square);
   EXPECT_EQ(centred.darkIn(146, 0, 8, 8), 64U);
   EXPECT_EQ(Print(hex("1d57 3c00") + ascii("123456789\n")).text(), "12345\n6789\n");
@@ -46,12 +46,12 @@ TEST(Margins, AlwaysLeaveRoomForALetter) {
   EXPECT_EQ(Print(hex("1d4c ffff 1d57 0000") + ascii("ab\n")).text(), "a\nb\n");
 }
 
-TEST(Tabs, AreAtTheColumnsThatTheJobSets) {
+TEST(Tabs, MoveToTheColumnsThatTheJobSets) {
   EXPECT_EQ(Print(hex("1b44 03 0a 00") + ascii("a\tb\tc\td\n")).text(), "a  b      cd\n");
   EXPECT_EQ(Print(hex("1b44 00") + ascii("a\tb\n")).text(), "a       b\n");
 }
 
-TEST(Characters, HaveTwiceTheSpacingIfTheyAreDoubled) {
+TEST(Characters, HaveTwiceTheSpacingIfTheyAreTwiceAsWide) {
   const auto widthOf = [](const Bytes& job) {
     return std::get<Line>(Print(job).paper().items().at(0)).width();
   };
@@ -59,7 +59,7 @@ TEST(Characters, HaveTwiceTheSpacingIfTheyAreDoubled) {
   EXPECT_EQ(widthOf(hex("1b2006 1d2110") + ascii("ab\n")), 72U);
 }
 
-TEST(Characters, OfTheSecondColourAreGrey) {
+TEST(Characters, AreGreyInTheSecondColour) {
   const auto darkest = [](const char* colour) {
     const Print print(hex(colour) + hex("1d2177") + ascii("M\n"));
     unsigned most = 0;
@@ -72,7 +72,7 @@ TEST(Characters, OfTheSecondColourAreGrey) {
   EXPECT_GT(darkest("1b7201"), 80U);
 }
 
-TEST(Characters, AreTurnedAQuarterClockwise) {
+TEST(Characters, CanBeTurnedClockwiseByAQuarter) {
   const Print upright(ascii("L\n"));
   const Print turned(hex("1b5601") + ascii("L\n"));
   for (unsigned y = 0; y < 24; ++y)
@@ -80,7 +80,7 @@ TEST(Characters, AreTurnedAQuarterClockwise) {
       EXPECT_EQ(upright.dark(x, y), turned.dark(23 - y, x)) << x << ", " << y;
 }
 
-TEST(Lines, BeginAtTheRightIfTurnedUpsideDown) {
+TEST(Lines, BeginAtTheRightIfTheyAreUpsideDown) {
   const Print upright(ascii("LF\n"));
   const Print turned(hex("1b7b01") + ascii("LF\n"));
   for (unsigned y = 0; y < 24; ++y)
@@ -89,14 +89,14 @@ TEST(Lines, BeginAtTheRightIfTurnedUpsideDown) {
   EXPECT_EQ(turned.text(), "LF\n");
 }
 
-TEST(Feeds, MoveBackNoFurtherThanTheBeginning) {
+TEST(ReverseFeed, StopsAtTheBeginningOfThePaper) {
   const Print print(square + hex("1b4b 08 1d4c 6400") + square);
   EXPECT_EQ(print.darkIn(0, 0, 8, 8), 64U);
   EXPECT_EQ(print.darkIn(100, 0, 8, 8), 64U);
   EXPECT_EQ(Print(hex("1b65 ff") + square).darkIn(0, 0, 8, 8), 64U);
 }
 
-TEST(UserCharacters, AreDrawnWhileTheyAreTurnedOn) {
+TEST(UserDefinedCharacters, AreDrawnWhileTheyAreSelected) {
   const Bytes define = hex("1b26 03 41 42 02 ffffff ffffff 02 800000 000001");
   const Print print(define + hex("1b2501") + ascii("AB\n") + hex("1b2500") + ascii("A\n"));
   EXPECT_EQ(print.darkIn(0, 0, 2, 24), 48U);
@@ -106,20 +106,20 @@ TEST(UserCharacters, AreDrawnWhileTheyAreTurnedOn) {
   EXPECT_EQ(Print(define + hex("1b2501 1b3f41") + ascii("A\n")).text(), "A\n");
 }
 
-TEST(DownloadedImage, IsPrintedAsOftenAsTheJobAsks) {
+TEST(DownloadedImage, IsPrintedAtEachPrintCommandInTheGivenScale) {
   const Print print(hex("1d2a 01 01 ff00000000000000 1d2f00 1d2f03"));
   EXPECT_EQ(print.darkIn(0, 0, 8, 8), 8U);
   EXPECT_EQ(print.darkIn(0, 8, 16, 16), 32U);
 }
 
-TEST(NumberedImages, AreStoredAndPrinted) {
+TEST(NumberedImages, AreStoredAndPrintedByTheirNumbers) {
   const Print print(
       hex("1c71 02 0100 0100 ff00000000000000 0100 0100 ffff000000000000 1b40 1c70 02 00"));
   EXPECT_EQ(print.darkIn(0, 0, 8, 8), 16U);
   EXPECT_EQ(Print("1c70 09 00").text(), "[not shown: 1c 70 09 (1)]\n");
 }
 
-TEST(Graphics, AreKeptUnderAKeyAndErased) {
+TEST(StoredGraphics, ArePrintedByTheirKeyUntilTheyAreErased) {
   const char* define = "1d284c 0c00 30 43 30 4142 01 0800 0100 31 ff";
   const char* print = "1d284c 0600 30 45 4142 01 02";
   EXPECT_EQ(Print(std::string(define) + "1b40" + print).darkIn(0, 0, 8, 2), 16U);
@@ -130,7 +130,7 @@ TEST(Graphics, AreKeptUnderAKeyAndErased) {
             8U);
 }
 
-TEST(Graphics, OfTwoColoursAreInkAndGrey) {
+TEST(StoredGraphics, AreBlackAndGreyInTwoColours) {
   const Print print(
       "1d284c 0b00 30 70 30 01 01 31 0800 0100 f0 "
       "1d284c 0b00 30 70 30 01 01 32 0800 0100 0f 1d284c 0200 30 32");
@@ -139,14 +139,14 @@ TEST(Graphics, OfTwoColoursAreInkAndGrey) {
   EXPECT_GT(print.darkness(7, 0), 80U);
 }
 
-TEST(BitImage, OfAnyHeightIsDrawn) {
+TEST(BitImage, IsDrawnAtAnyHeight) {
   const Print print("1d51 30 00 0200 0200 8001 ffff");
   EXPECT_EQ(print.row(0, 0, 3), "##.");
   EXPECT_EQ(print.row(15, 0, 3), "##.");
   EXPECT_EQ(print.row(7, 0, 3), ".#.");
 }
 
-TEST(Symbols, OfEveryKindAreDrawnAndNamed) {
+TEST(BarcodeOfEveryKind, IsDrawnAndNamed) {
   const struct {
     const char* job;
     const char* text;
@@ -168,7 +168,7 @@ TEST(Symbols, OfEveryKindAreDrawnAndNamed) {
   }
 }
 
-TEST(Symbols, WithTwoPartsHaveABarCodeAndAPartAboveIt) {
+TEST(CompositeSymbol, HasABarcodeAndATwoDimensionalPart) {
   const std::string more = "1d286b 0d00 34 50 30 31 41 2831302941424331";
   const std::string print = "1d286b 0300 34 51 30";
   const struct {
@@ -198,7 +198,7 @@ TEST(Symbols, WithTwoPartsHaveABarCodeAndAPartAboveIt) {
   EXPECT_EQ(printed.row(60, 0, 240), printed.row(80, 0, 240)) << "the bars";
 }
 
-TEST(Symbols, OfAnOlderModelAreListedInTheRecord) {
+TEST(QrCodeOfModel1, IsDrawnAsModel2AndRecorded) {
   const Print print("1d286b 0400 31 41 31 00 1d286b 0500 31 50 30 6869 1d286b 0300 31 51 30");
   EXPECT_EQ(print.text(), "[QR code hi]\n");
   ASSERT_EQ(print.paper().record().events().size(), 1U);
@@ -208,11 +208,11 @@ TEST(Symbols, OfAnOlderModelAreListedInTheRecord) {
   EXPECT_TRUE(print.paper().record().isClean());
 }
 
-TEST(Symbols, ThatCannotBeDrawnAreListed) {
+TEST(UndrawableBarcode, IsNamedInTheText) {
   EXPECT_EQ(Print("1d6b 43 03 313261").text(), "[no EAN-13 of 12a]\n");
 }
 
-TEST(PageMode, PrintsItsContentWhenItEnds) {
+TEST(PageMode, PrintsAPageWhenThePageEnds) {
   const Print print(hex("1b4c") + ascii("one\ntwo\n") + hex("0c") + ascii("after\n"));
   EXPECT_EQ(print.text(), "one\ntwo\nafter\n");
   EXPECT_EQ(Print(hex("1b4c") + ascii("lost\n") + hex("1b53") + ascii("kept\n")).text(), "kept\n");
@@ -224,13 +224,13 @@ TEST(PageMode, PrintsAPageAgain) {
   EXPECT_EQ(Print(hex("1b4c") + ascii("a\n") + hex("1b0c 1b0c 1b53")).text(), "a\na\n");
 }
 
-TEST(PageMode, PlacesItsAreas) {
+TEST(PageMode, PrintsAnAreaAtItsPosition) {
   const Print print(hex("1b4c 1b57 6400 3200 6400 3200") + square + hex("0c"));
   EXPECT_EQ(print.darkIn(100, 50, 8, 8), 64U);
   EXPECT_EQ(print.darkIn(0, 0, 384, 100), 64U);
 }
 
-TEST(PageMode, PrintsInFourDirections) {
+TEST(PageMode, PrintsAnAreaInEachOfFourDirections) {
   const std::pair<const char*, std::pair<unsigned, unsigned>> cornerOf[] = {
       {"00", {0, 0}}, {"01", {0, 92}}, {"02", {192, 92}}, {"03", {192, 0}}};
   for (const auto& [direction, corner] : cornerOf) {
@@ -241,14 +241,14 @@ TEST(PageMode, PrintsInFourDirections) {
   }
 }
 
-TEST(PageMode, MovesUpAndDownThePage) {
+TEST(PageMode, MovesThePrintPositionUpAndDown) {
   const Print print(hex("1b4c 1d24 7c00") + square + hex("1d5c 9cff") + hex("1b24 6400") +
                     hex("1d24 1800") + square + hex("0c"));
   EXPECT_EQ(print.darkIn(0, 100, 8, 8), 64U);
   EXPECT_EQ(print.darkIn(100, 0, 8, 8), 64U);
 }
 
-TEST(PageMode, TakesNoMemoryWithoutEnd) {
+TEST(PageMode, TakesBoundedMemory) {
   std::vector<Paper> papers;
   Session session;
   session.printer.keepJobs([&](Paper paper) { papers.push_back(std::move(paper)); });
@@ -263,7 +263,7 @@ TEST(PageMode, TakesNoMemoryWithoutEnd) {
   EXPECT_LT(session.printer.paper().weight(), heaviestPaper + 500'000);
 }
 
-TEST(Display, GetsItsBytesWithoutAMarkOnThePaper) {
+TEST(CustomerDisplay, ShowsItsTextWithoutPrint) {
   const Print print(hex("1b3d02") + ascii("Total 4.20\n") + hex("1b3d01") + ascii("paper\n"));
   EXPECT_EQ(print.text(), "paper\n");
   const auto& events = print.paper().record().events();
@@ -272,13 +272,13 @@ TEST(Display, GetsItsBytesWithoutAMarkOnThePaper) {
   EXPECT_EQ(events[0].text, "Total 4.20");
 }
 
-TEST(Display, SharesBytesWithThePrinterIfBothAreSelected) {
+TEST(CustomerDisplay, ShowsTextThatIsAlsoPrintedIfBothAreSelected) {
   const Print print(hex("1b3d03") + ascii("both\n") + hex("1b3d00") + ascii("paper\n"));
   EXPECT_EQ(print.text(), "both\npaper\n");
   EXPECT_EQ(print.paper().record().events().at(0).text, "both");
 }
 
-TEST(Display, DoesNotShowTheParametersOfItsCommands) {
+TEST(CustomerDisplay, DoesNotShowTheParametersOfItsCommands) {
   const Print print(hex("1b3d02 1f24 4142 1f58 34 0c 1f43 31") + ascii("Total") +
                     hex("1b57 01 01 41424344 1b57 01 30") + ascii(" 4.20") + hex("1b3d01") +
                     ascii("paper\n"));
@@ -287,7 +287,7 @@ TEST(Display, DoesNotShowTheParametersOfItsCommands) {
   EXPECT_TRUE(print.paper().record().isClean());
 }
 
-TEST(SymbolSize, IsAnsweredForEachKind) {
+TEST(BarcodeSizeRequest, IsAnsweredForEachKindOfBarcode) {
   const struct {
     const char* stored;
     const char* ask;
@@ -311,7 +311,7 @@ TEST(SymbolSize, IsAnsweredForEachKind) {
   }
 }
 
-TEST(SymbolSize, IsAnsweredInDots) {
+TEST(BarcodeSizeRequest, IsAnsweredInDots) {
   Session session;
   session.send("1d286b 0300 31 43 0a 1d286b 0500 31 50 30 6869");
   EXPECT_EQ(session.ask("1d286b 0300 31 52 30"), hex("3736 323130 1f 323130 1f 31 1f 30 00"));

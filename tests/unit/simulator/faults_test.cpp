@@ -21,7 +21,7 @@ Faults also(Faults faults, std::string_view name, std::string_view value) {
   return faults;
 }
 
-TEST(Faults, AreGivenToTheBuilderByTheirOwnCallOrAsASetting) {
+TEST(InjectedFaults, CanBeGivenToTheBuilderByACallOrAsASetting) {
   const PrinterBuilder builder =
       PrinterBuilder().fault("short-writes", "3").seed(5).set("late-reply", "20").set("seed", "7");
   ASSERT_EQ(builder.faults().list.size(), 2U);
@@ -32,7 +32,7 @@ TEST(Faults, AreGivenToTheBuilderByTheirOwnCallOrAsASetting) {
   EXPECT_THROW(PrinterBuilder().fault("no-such-fault", "1"), std::invalid_argument);
 }
 
-TEST(Faults, AShortWriteTakesNoMoreThanItsCount) {
+TEST(InjectedFaults, AShortWriteTakesNoMoreThanItsCount) {
   Session session(with("short-writes", "3"));
   EXPECT_EQ(session.link->space(session.now), 3U);
   EXPECT_EQ(session.link->write(ascii("abcdef"), session.now), 3U);
@@ -40,7 +40,7 @@ TEST(Faults, AShortWriteTakesNoMoreThanItsCount) {
   EXPECT_EQ(session.printer.printed(), ascii("abcdef"));
 }
 
-TEST(Faults, ThereIsNoSpaceForAWhileAfterTheGivenByte) {
+TEST(InjectedFaults, NoSpaceFaultLeavesNoSpaceForTheGivenTime) {
   Session session(with("no-space", "4:1500"));
   EXPECT_EQ(session.link->write(ascii("abcdef"), session.now), 4U);
   EXPECT_EQ(session.link->space(session.now), 0U);
@@ -52,7 +52,7 @@ TEST(Faults, ThereIsNoSpaceForAWhileAfterTheGivenByte) {
   EXPECT_EQ(session.link->nextEvent(session.now), std::nullopt);
 }
 
-TEST(Faults, TheBytesBeforeAStallAndACutAreThoseOfAllWrites) {
+TEST(InjectedFaults, BytesBeforeAStallOrACutAreCountedOverAllWrites) {
   for (const auto& [name, value] : {std::pair{"no-space", "4:1500"}, {"cut-after-in", "4"}}) {
     Session session(with(name, value));
     EXPECT_EQ(session.link->write(ascii("abc"), session.now), 3U) << name;
@@ -61,7 +61,7 @@ TEST(Faults, TheBytesBeforeAStallAndACutAreThoseOfAllWrites) {
   }
 }
 
-TEST(Faults, ALateReplyIsDelayedByExactlyTheGivenTime) {
+TEST(InjectedFaults, ALateReplyIsDelayedByExactlyTheGivenTime) {
   Session session(with("late-reply", "700"));
   EXPECT_EQ(session.ask(statusRequest), Bytes{});
   EXPECT_EQ(session.link->nextEvent(session.now), session.now + 700ms);
@@ -71,7 +71,7 @@ TEST(Faults, ALateReplyIsDelayedByExactlyTheGivenTime) {
   EXPECT_EQ(session.receive(), statusBlock);
 }
 
-TEST(Faults, ALateReplyDelaysTheLaterOnes) {
+TEST(InjectedFaults, ALateReplyDelaysLaterReplies) {
   Session session(with("late-reply", "700@1"));
   session.send("100401");
   session.wait(100ms);
@@ -82,7 +82,7 @@ TEST(Faults, ALateReplyDelaysTheLaterOnes) {
   EXPECT_EQ(session.ask("100401"), hex("12"));
 }
 
-TEST(Faults, ASplitReplyArrivesInPiecesAtTheGivenOffsets) {
+TEST(InjectedFaults, ASplitReplyArrivesInPiecesAtTheGivenOffsets) {
   Session session(with("split-reply", "1/8"));
   EXPECT_EQ(session.ask(statusRequest), hex("89"));
   session.wait(50ms);
@@ -91,14 +91,14 @@ TEST(Faults, ASplitReplyArrivesInPiecesAtTheGivenOffsets) {
   EXPECT_EQ(session.receive(), hex("05"));
 }
 
-TEST(Faults, ADuplicateReplyArrivesTwice) {
+TEST(InjectedFaults, ADuplicateReplyArrivesTwice) {
   Session session(with("duplicate-reply", "2"));
   EXPECT_EQ(session.ask(statusRequest), statusBlock);
   EXPECT_EQ(session.ask(statusRequest), statusBlock + statusBlock);
   EXPECT_EQ(session.ask(statusRequest), statusBlock);
 }
 
-TEST(Faults, ADroppedReplyDoesNotArrive) {
+TEST(InjectedFaults, ADroppedReplyDoesNotArrive) {
   Session once(with("drop-reply", "1"));
   EXPECT_EQ(once.ask(statusRequest), Bytes{});
   EXPECT_EQ(once.ask(statusRequest), statusBlock);
@@ -114,7 +114,7 @@ int wrongBits(const Bytes& a, const Bytes& b) {
   return count;
 }
 
-TEST(Faults, ACorruptReplyHasOneWrongBitThatTheSeedDecides) {
+TEST(InjectedFaults, ACorruptReplyHasOneWrongBitChosenByTheSeed) {
   std::vector<Bytes> replies;
   for (unsigned seed = 0; seed <= 100; ++seed) {
     Faults faults = with("corrupt-reply", "all");
@@ -129,7 +129,7 @@ TEST(Faults, ACorruptReplyHasOneWrongBitThatTheSeedDecides) {
             replies.end());
 }
 
-TEST(Faults, WithoutASeedTheChoicesAreThoseOfSeedZero) {
+TEST(InjectedFaults, TheDefaultSeedIsZero) {
   for (const char* request : {"1b0601", "1d4941"}) {
     Session unseeded(with("corrupt-reply", "all"));
     Session seeded(also(with("corrupt-reply", "all"), "seed", "0"));
@@ -137,21 +137,21 @@ TEST(Faults, WithoutASeedTheChoicesAreThoseOfSeedZero) {
   }
 }
 
-TEST(Faults, AStrayByteArrivesBeforeAReply) {
+TEST(InjectedFaults, AStrayByteArrivesBeforeAReply) {
   Session session(with("stray-byte", "1b@2"));
   EXPECT_EQ(session.ask("100401"), hex("12"));
   EXPECT_EQ(session.ask("100401"), hex("1b 12"));
   EXPECT_EQ(session.ask("100401"), hex("12"));
 }
 
-TEST(Faults, ASilentPrinterAnswersNothingFromTheGivenReplyOn) {
+TEST(InjectedFaults, ASilentPrinterSendsNoReplyFromTheGivenNumberOn) {
   Session session(with("silence", "2"));
   EXPECT_EQ(session.ask("100401"), hex("12"));
   EXPECT_EQ(session.ask("100401 1b0601 1d4941"), Bytes{});
   EXPECT_TRUE(session.link->connected(session.now));
 }
 
-TEST(Faults, FaultsOnOneReplyAddUp) {
+TEST(InjectedFaults, SeveralFaultsCanAffectOneReply) {
   Session session(
       also(also(with("stray-byte", "ff"), "duplicate-reply", "all"), "late-reply", "10"));
   EXPECT_EQ(session.ask("100401"), Bytes{});
@@ -159,7 +159,7 @@ TEST(Faults, FaultsOnOneReplyAddUp) {
   EXPECT_EQ(session.receive(), hex("ff12 ff12"));
 }
 
-TEST(Faults, TheLinkIsCutAfterTheGivenBytesInAndItsAnswersCanBeRead) {
+TEST(InjectedFaults, ALinkIsCutAfterTheGivenReceivedBytesAndItsAnswersCanBeRead) {
   Session session(with("cut-after-in", "5"));
   EXPECT_EQ(session.link->write(hex("100401") + ascii("abc"), session.now), 5U);
   EXPECT_TRUE(session.link->dropped(session.now));
@@ -171,7 +171,7 @@ TEST(Faults, TheLinkIsCutAfterTheGivenBytesInAndItsAnswersCanBeRead) {
   EXPECT_EQ(session.printer.printed(), ascii("ab"));
 }
 
-TEST(Faults, ALinkCutAtOnceLosesUnreadBytes) {
+TEST(InjectedFaults, ALinkCutAtOnceLosesUnreadBytes) {
   Session session(with("cut-after-in", "3:at-once"));
   session.send("100401");
   EXPECT_FALSE(session.link->connected(session.now));
@@ -179,7 +179,7 @@ TEST(Faults, ALinkCutAtOnceLosesUnreadBytes) {
   EXPECT_EQ(session.receive(), Bytes{});
 }
 
-TEST(Faults, AResetLinkSaysThatItWasReset) {
+TEST(InjectedFaults, AResetLinkReportsTheReset) {
   Session session(with("cut-after-in", "3:reset"));
   session.send("100401");
   EXPECT_FALSE(session.link->connected(session.now));
@@ -187,7 +187,7 @@ TEST(Faults, AResetLinkSaysThatItWasReset) {
   EXPECT_EQ(session.receive(), Bytes{});
 }
 
-TEST(Faults, TheLinkIsCutAfterTheGivenBytesOut) {
+TEST(InjectedFaults, ALinkIsCutAfterTheGivenNumberOfSentBytes) {
   for (std::size_t count = 0; count <= statusBlock.size(); ++count) {
     Session session(with("cut-after-out", std::to_string(count)));
     session.send(statusRequest);
@@ -197,7 +197,7 @@ TEST(Faults, TheLinkIsCutAfterTheGivenBytesOut) {
   }
 }
 
-TEST(Faults, TheFirstOfSeveralCutsEndsTheLink) {
+TEST(InjectedFaults, TheFirstOfSeveralCutsEndsTheLink) {
   for (const auto& [first, second] : {std::pair{"3:reset", "5:drain"}, {"5:drain", "3:reset"}}) {
     Session in(also(with("cut-after-in", first), "cut-after-in", second));
     EXPECT_EQ(in.link->write(ascii("abcdef"), in.now), 3U);
@@ -212,20 +212,20 @@ TEST(Faults, TheFirstOfSeveralCutsEndsTheLink) {
   EXPECT_FALSE(same.link->wasReset(same.now));
 }
 
-TEST(Faults, TheShortestOfSeveralShortWritesCounts) {
+TEST(InjectedFaults, TheSmallestOfSeveralWriteLimitsApplies) {
   for (const auto& [first, second] : {std::pair{"2", "5"}, {"5", "2"}}) {
     Session session(also(with("short-writes", first), "short-writes", second));
     EXPECT_EQ(session.link->write(ascii("abcdef"), session.now), 2U);
   }
 }
 
-TEST(Faults, ALinkCutBeforeTheFirstByteEndsAtOnce) {
+TEST(InjectedFaults, ALinkCutBeforeTheFirstByteEndsAtOnce) {
   Session session(with("cut-after-in", "0"));
   EXPECT_FALSE(session.link->connected(session.now));
   EXPECT_EQ(session.link->space(session.now), 0U);
 }
 
-TEST(Faults, APrinterThatPrintsNothingTakesDataAndAnswersButDoesNotCount) {
+TEST(InjectedFaults, APrinterThatPrintsNothingAnswersButDoesNotCountEndMarks) {
   Session session(with("prints-nothing", "true"));
   EXPECT_TRUE(session.send(ascii("a job") + hex("17 1b1d03010000")));
   EXPECT_EQ(session.ask(statusRequest), statusBlock);
@@ -233,7 +233,7 @@ TEST(Faults, APrinterThatPrintsNothingTakesDataAndAnswersButDoesNotCount) {
   EXPECT_EQ(session.link->space(session.now), session.printer.state().bufferSize());
 }
 
-TEST(Faults, TheBeginningOfACommandDecidesWhetherItIsLost) {
+TEST(InjectedFaults, ACommandIsLostIfTheFaultIsActiveAtItsFirstByte) {
   const Bytes image = hex("1d7630 00 0a00 0a00") + Bytes(100, 0x17);
   const std::span<const std::uint8_t> bytes(image);
   const struct {
@@ -259,7 +259,7 @@ TEST(Faults, TheBeginningOfACommandDecidesWhetherItIsLost) {
   }
 }
 
-TEST(Faults, ALinkThatEndsInALostImageLeavesNoState) {
+TEST(InjectedFaults, ALostUnfinishedImageDoesNotAffectTheNextConnection) {
   Session session(with("prints-nothing", "true"));
   session.send(hex("1d7630 00 0a00 0a00") + Bytes(50, 0x17));
   session.faults = {};
@@ -269,7 +269,7 @@ TEST(Faults, ALinkThatEndsInALostImageLeavesNoState) {
   EXPECT_EQ(session.printer.state().etbCounter, 1);
 }
 
-TEST(Faults, AScriptAppliesSettingsAndFaultsAtTheirTimes) {
+TEST(InjectedFaults, AScriptAppliesSettingsAndFaultsAtTheirTimes) {
   Faults script = with("at", "1000:coverOpen=true");
   script.add("at", "2000:coverOpen=false");
   script.add("at", "3000:cut=reset");
@@ -286,7 +286,7 @@ TEST(Faults, AScriptAppliesSettingsAndFaultsAtTheirTimes) {
   EXPECT_TRUE(session.link->wasReset(session.now));
 }
 
-TEST(Faults, AScriptAppliesEverythingThatIsDueAtOneMoment) {
+TEST(InjectedFaults, AScriptAppliesAllStepsThatAreDueAtOneMoment) {
   Faults script = with("at", "1000:coverOpen=true");
   script.add("at", "1000:receiptPaperEmpty=true");
   Session session(script);
@@ -294,7 +294,7 @@ TEST(Faults, AScriptAppliesEverythingThatIsDueAtOneMoment) {
   EXPECT_EQ(session.ask("100402"), hex("36"));
 }
 
-TEST(Faults, AScriptRunsEvenIfNobodyReadsTheState) {
+TEST(InjectedFaults, AScriptRunsEvenIfTheStateIsNotRead) {
   Faults script = with("at", "1000:coverOpen=true");
   script.add("at", "2000:coverOpen=false");
   Session session(PrinterBuilder().speed(10), script);
@@ -304,7 +304,7 @@ TEST(Faults, AScriptRunsEvenIfNobodyReadsTheState) {
   EXPECT_EQ(session.printer.printed().size(), 30U);
 }
 
-TEST(Faults, FaultsCanBeAddedAndClearedDuringALink) {
+TEST(InjectedFaults, CanBeAddedAndClearedDuringALink) {
   Session session;
   for (const auto& [name, value] : {std::pair{"silence", "1"},
                                     {"short-writes", "1"},
@@ -321,7 +321,7 @@ TEST(Faults, FaultsCanBeAddedAndClearedDuringALink) {
   EXPECT_EQ(session.link->nextEvent(session.now), std::nullopt);
 }
 
-TEST(Faults, AWrongValueIsRefusedWithTheNameAndTheValuesItTakes) {
+TEST(InjectedFaults, TheErrorOfAWrongValueNamesTheFaultAndItsValues) {
   const struct {
     const char* name;
     const char* value;
@@ -364,7 +364,7 @@ TEST(Faults, AWrongValueIsRefusedWithTheNameAndTheValuesItTakes) {
               ThrowsMessage<std::invalid_argument>(HasSubstr("coverOpen takes true or false")));
 }
 
-TEST(Faults, AreKnownByTheirNames) {
+TEST(InjectedFaults, HaveTheDocumentedNames) {
   for (const char* name :
        {"short-writes", "no-space", "late-reply", "split-reply", "duplicate-reply", "drop-reply",
         "corrupt-reply", "stray-byte", "silence", "cut-after-in", "cut-after-out", "cut",

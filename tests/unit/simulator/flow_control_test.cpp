@@ -9,7 +9,7 @@ PrinterBuilder slow() {
   return PrinterBuilder().set("flow", "xonxoff").buffer(256).speed(100);
 }
 
-TEST(FlowControl, PausesAHostBeforeTheBufferIsFullAndContinuesWhenHalfOfItIsFree) {
+TEST(FlowControl, PausesAHostBeforeTheBufferIsFullUntilHalfIsFree) {
   Session session(slow());
   session.send(Bytes(191, 'a'));
   EXPECT_EQ(session.receive(), Bytes{}) << "more than a quarter is free";
@@ -25,14 +25,14 @@ TEST(FlowControl, PausesAHostBeforeTheBufferIsFullAndContinuesWhenHalfOfItIsFree
   EXPECT_EQ(session.receive(), hex("11"));
 }
 
-TEST(FlowControl, IsNotThereUnlessItIsSet) {
+TEST(FlowControl, IsOffByDefault) {
   Session session(slow().set("flow", "none"));
   session.send(Bytes(250, 'a'));
   session.wait(10s);
   EXPECT_EQ(session.receive(), Bytes{});
 }
 
-TEST(FlowControl, LetsAHostContinueWhenTheDataIsDroppedOrTheSettingEnds) {
+TEST(FlowControl, LetsAHostContinueWhenDataIsDroppedOrFlowControlIsSwitchedOff) {
   Session dropped(slow());
   dropped.send(Bytes(200, 'a'));
   EXPECT_EQ(dropped.ask("1014 0801031401060208"), hex("13 372500 11"));
@@ -42,7 +42,7 @@ TEST(FlowControl, LetsAHostContinueWhenTheDataIsDroppedOrTheSettingEnds) {
   EXPECT_EQ(ended.receive(), hex("13 11"));
 }
 
-TEST(FlowControl, PausesTheNextHostAsWell) {
+TEST(FlowControl, AlsoPausesTheNextHost) {
   Session session(slow().coverOpen());
   session.send(Bytes(200, 'a'));
   EXPECT_EQ(session.receive(), hex("13"));

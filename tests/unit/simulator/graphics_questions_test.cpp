@@ -18,7 +18,7 @@ std::size_t numberIn(const Bytes& reply) {
   return std::stoul(std::string(reply.begin() + 2, reply.end() - 1));
 }
 
-TEST(GraphicsQuestions, AFreePartShrinksWithEachImage) {
+TEST(GraphicsMemoryRequest, ReportsLessFreeMemoryAfterEachStoredImage) {
   Session session;
   const std::size_t empty = numberIn(session.ask("1d284c02003033"));
   session.send(store(keep, ascii("A1")));
@@ -29,14 +29,14 @@ TEST(GraphicsQuestions, AFreePartShrinksWithEachImage) {
   EXPECT_EQ(numberIn(session.ask("1d284c02003030")), empty) << "the whole stays as it is";
 }
 
-TEST(GraphicsQuestions, NameTheImagesOfEachMemory) {
+TEST(GraphicsMemoryRequest, ReturnsTheKeysOfTheImagesInEachMemory) {
   Session session;
   session.send(store(keep, ascii("A1")) + store(keep, ascii("B1")) + store(download, ascii("C1")));
   EXPECT_EQ(session.ask("1d284c04003040 4b43"), hex("37 72 40") + ascii("A1B1") + hex("00"));
   EXPECT_EQ(session.ask("1d284c04003050 4b43"), hex("37 73 40") + ascii("C1") + hex("00"));
 }
 
-TEST(GraphicsQuestions, NameMoreThanFortyImagesInGroups) {
+TEST(GraphicsMemoryRequest, ReturnsMoreThanFortyKeysInGroups) {
   Session session(PrinterBuilder().buffer(4096));
   for (std::uint8_t i = 0; i < 41; ++i) {
     session.send(store(keep, {static_cast<std::uint8_t>(' ' + i), '1'}));
@@ -47,7 +47,7 @@ TEST(GraphicsQuestions, NameMoreThanFortyImagesInGroups) {
   EXPECT_EQ(Bytes(reply.end() - 7, reply.end()), hex("00 37 72 40") + ascii("H1") + hex("00"));
 }
 
-TEST(GraphicsQuestions, AndTheHostsWordsAboutThemLeaveNothingOnThePaper) {
+TEST(GraphicsMemoryRequest, PrintsNothing) {
   Session session;
   session.ask("1d284c04003040 4b43 06 15 1d284c02003030");
   EXPECT_EQ(renderText(session.printer.paper()), "");

@@ -13,12 +13,12 @@
 namespace quordalvane::simulator {
 namespace {
 
-TEST(Picture, IsAsWideAsThePaperWithItsMargins) {
+TEST(PaperPicture, IsAsWideAsThePaperWithItsMargins) {
   EXPECT_EQ(Print(ascii("x\n")).picture().width, 384U + 2 * Print::leftEdge);
   EXPECT_EQ(Print(ascii("x\n"), PrinterBuilder()).picture().width, 576U + 2 * Print::leftEdge);
 }
 
-TEST(Picture, ContinuesAfterABarcodeWithLettersBeyondAscii) {
+TEST(PaperPicture, ContinuesAfterABarcodeWithANonAsciiText) {
   const Print print(ascii("text\n") + hex("1d4802 1d6b49 04 7b42e941") + ascii("text\n") +
                     hex("1d6b04 41 42 00") + ascii("last line\n"));
   constexpr unsigned barcode = 162 + 24 + 3 * 6;  // height with its text and the space around
@@ -28,7 +28,7 @@ TEST(Picture, ContinuesAfterABarcodeWithLettersBeyondAscii) {
   EXPECT_GT(print.darkIn(0, 60 + 2 * barcode, 120, 24), 50U) << "the last line";
 }
 
-TEST(Plane, ShowsTheTextBesideInvalidBytes) {
+TEST(DrawingPlane, ShowsTheTextAfterInvalidCharacters) {
   Plane plane(100, 24);
   drawText(plane, std::u32string{0xd800, 0xffffffe9, 0x110000, U'\0', U'X'}, TextStyle{}, 0, 0,
            Plane::ink);
@@ -39,7 +39,7 @@ TEST(Plane, ShowsTheTextBesideInvalidBytes) {
   EXPECT_GT(dark, 20U);
 }
 
-TEST(Plane, IgnoresDotsOutsideOfIt) {
+TEST(DrawingPlane, IgnoresDotsOutsideItsArea) {
   Plane plane(10, 10);
   plane.fill(-5, -5, 10, 10, Plane::ink);
   plane.fill(8, 8, 1'000'000, 1'000'000, Plane::ink);
@@ -49,46 +49,46 @@ TEST(Plane, IgnoresDotsOutsideOfIt) {
   EXPECT_EQ(plane.row(9)[9], Plane::ink);
 }
 
-TEST(Picture, OfARasterImageHasItsDotsAndNoOthers) {
+TEST(PaperPicture, ShowsExactlyTheDotsOfARasterImage) {
   const Print print(hex("1d7630 00 0200 0200 a501 0ff0"));
   EXPECT_EQ(print.row(0, 0, 20), "#.#..#.#.......#....");
   EXPECT_EQ(print.row(1, 0, 20), "....########........");
   EXPECT_EQ(print.darkIn(0, 2, 384, 10), 0U);
 }
 
-TEST(Picture, OfARasterImageIsScaledAsTheCommandSays) {
+TEST(PaperPicture, ScalesARasterImageAsTheCommandRequires) {
   const Print print(hex("1d7630 03 0100 0100 a0"));
   EXPECT_EQ(print.row(0, 0, 8), "##..##..");
   EXPECT_EQ(print.row(1, 0, 8), "##..##..");
   EXPECT_EQ(print.row(2, 0, 8), "........");
 }
 
-TEST(Picture, OfABitImageReadsItsColumnsFromTheTop) {
+TEST(PaperPicture, ShowsTheColumnsOfABitImageFromTopToBottom) {
   const Print print(hex("1b2a 21 0300 800001 c00000 000000 0a"));
   EXPECT_EQ(print.row(0, 0, 4), "##..");
   EXPECT_EQ(print.row(1, 0, 4), ".#..");
   EXPECT_EQ(print.row(23, 0, 4), "#...");
 }
 
-TEST(Picture, OfAStoredImageIsDrawnWhenPrintedAndAligned) {
+TEST(PaperPicture, ShowsAStoredImageAlignedWhereItIsPrinted) {
   const Print print(hex("1b6101 1d284c 0b00 30 70 30 01 01 31 0800 0100 99 1d284c 0200 30 32"));
   EXPECT_EQ(print.row(0, 188, 8), "#..##..#");
   EXPECT_EQ(print.darkIn(0, 0, 384, 4), 4U);
 }
 
-TEST(Picture, OfAnImageByColumnsIsTheSame) {
+TEST(PaperPicture, ShowsTheDotsOfAnImageStoredByColumns) {
   const Print print(hex("1d284c 0c00 30 71 30 01 01 31 0200 0300 80 60 1d284c 0200 30 32"));
   EXPECT_EQ(print.row(0, 0, 3), "#..");
   EXPECT_EQ(print.row(1, 0, 3), ".#.");
   EXPECT_EQ(print.row(2, 0, 3), ".#.");
 }
 
-TEST(Picture, OfStripesHasNoGapsBetweenThem) {
+TEST(PaperPicture, HasNoGapBetweenStripesOfAnImage) {
   const Print print(hex("1b3318 1b2a 21 0100 ffffff 0a 1b2a 21 0100 ffffff 0a"));
   EXPECT_EQ(print.darkIn(0, 0, 1, 48), 48U);
 }
 
-TEST(Picture, ShowsTextInItsCells) {
+TEST(PaperPicture, ShowsEachCharacterInItsCell) {
   const Print print(ascii("X X\n"));
   EXPECT_GT(print.darkIn(0, 0, 5, 24), 5U);
   EXPECT_GT(print.darkIn(7, 0, 5, 24), 5U);
@@ -97,7 +97,7 @@ TEST(Picture, ShowsTextInItsCells) {
   EXPECT_EQ(print.darkIn(36, 0, 340, 24), 0U);
 }
 
-TEST(Picture, ShowsBoldUnderlinedAndInverseText) {
+TEST(PaperPicture, ShowsBoldUnderlinedAndInverseText) {
   const std::size_t plain = Print(ascii("HM\n")).darkIn(0, 0, 24, 24);
   EXPECT_GT(Print(hex("1b4501") + ascii("HM\n")).darkIn(0, 0, 24, 24), plain);
   EXPECT_EQ(Print(hex("1b2d02") + ascii("HM\n")).darkIn(0, 22, 24, 2), 48U);
@@ -106,7 +106,7 @@ TEST(Picture, ShowsBoldUnderlinedAndInverseText) {
   EXPECT_LT(inverse.darkIn(0, 0, 24, 24), 24U * 24U);
 }
 
-TEST(Picture, ShowsDoubleHeightAndDoubleWidth) {
+TEST(PaperPicture, ShowsDoubleHeightAndDoubleWidth) {
   const Print print(hex("1d2111") + ascii("HH\n") + hex("1d2100") + ascii("H\n"));
   EXPECT_GT(print.darkIn(0, 24, 24, 20), 20U);
   EXPECT_GT(print.darkIn(24, 24, 24, 20), 20U);
@@ -114,13 +114,13 @@ TEST(Picture, ShowsDoubleHeightAndDoubleWidth) {
   EXPECT_GT(print.darkIn(0, 48, 12, 24), 10U);
 }
 
-TEST(Picture, FeedsByTheDotsThatAreAskedFor) {
+TEST(PaperPicture, FeedsByTheGivenNumberOfDots) {
   const Print print(hex("1b4a07 1d7630 00 0100 0100 ff"));
   EXPECT_EQ(print.darkIn(0, 0, 384, 7), 0U);
   EXPECT_EQ(print.darkIn(0, 7, 384, 1), 8U);
 }
 
-TEST(Picture, DividesThePaperAtEachCut) {
+TEST(PaperPicture, ShowsFullAndPartialCutsDifferently) {
   const unsigned whole = Print(ascii("a\nb\n")).picture().height;
   const unsigned partly = Print(ascii("a\n") + hex("1d5601") + ascii("b\n")).picture().height;
   const unsigned apart = Print(ascii("a\n") + hex("1d5600") + ascii("b\n")).picture().height;
@@ -128,7 +128,7 @@ TEST(Picture, DividesThePaperAtEachCut) {
   EXPECT_LT(partly, apart);
 }
 
-TEST(Picture, OfABarCodeHasItsBarsHeightAndPlace) {
+TEST(PaperPicture, ShowsABarcodeWithTheGivenHeightAndPosition) {
   // Start, three characters and stop of Code 39, 13 modules each with three narrow to one wide...
   // the first character is always the star: bar, wide gap, bar, gap, wide bar, gap, wide bar, gap,
   // bar.
@@ -140,7 +140,7 @@ TEST(Picture, OfABarCodeHasItsBarsHeightAndPlace) {
   EXPECT_EQ(print.darkIn(0, top + 16, 384, 4), 0U);
 }
 
-TEST(Picture, ShowsTheTextOfABarCodeAtTheWantedPlace) {
+TEST(PaperPicture, ShowsTheTextOfABarcodeAtTheGivenPlace) {
   const auto inkAround = [](const char* place) {
     const Print print(hex(place) + hex("1d6840 1d6b 45 03 41 42 43"));
     return std::pair{print.picture().height, print.darkIn(0, 6, 384, 24)};
@@ -157,7 +157,7 @@ TEST(Picture, ShowsTheTextOfABarCodeAtTheWantedPlace) {
   EXPECT_GT(above.second, 0U);
 }
 
-TEST(Symbols, ACheckDigitIsAddedAndAWrongOneCorrected) {
+TEST(BarcodeEncoder, AddsOrCorrectsTheCheckDigit) {
   const auto ean = [](const char* data) {
     Symbol barcode;
     barcode.symbology = Symbology::Ean13;
@@ -169,7 +169,7 @@ TEST(Symbols, ACheckDigitIsAddedAndAWrongOneCorrected) {
   EXPECT_EQ(ean("4006381333930"), "4006381333931");
 }
 
-TEST(Symbols, EachSymbologyTakesDataOfItsKind) {
+TEST(BarcodeEncoder, EncodesValidDataInEachSymbology) {
   const std::pair<Symbology, const char*> cases[] = {
       {Symbology::UpcA, "01234567890"},    {Symbology::UpcE, "0123456"},
       {Symbology::UpcE, "01234567890"},    {Symbology::UpcE, "01234567"},
@@ -197,7 +197,7 @@ Symbol qrCode(const std::string& data) {
   return code;
 }
 
-TEST(Symbols, DataThatASymbologyCannotHoldGivesNoSymbol) {
+TEST(BarcodeEncoder, ReturnsEmptyIfTheSymbologyCannotRepresentTheData) {
   Symbol barcode;
   barcode.symbology = Symbology::Ean13;
   barcode.data = "12a";
@@ -207,7 +207,7 @@ TEST(Symbols, DataThatASymbologyCannotHoldGivesNoSymbol) {
   EXPECT_FALSE(encode(qrCode("")).has_value());
 }
 
-TEST(Symbols, AQrCodeIsSquareWithItsThreeCornersAndGrowsWithItsCorrection) {
+TEST(BarcodeEncoder, AQrCodeIsSquareAndGrowsWithItsErrorCorrection) {
   Symbol code = qrCode("hello");
   const Bitmap low = encode(code).value().modules;
   ASSERT_EQ(low.width, 21U);
@@ -224,20 +224,20 @@ TEST(Symbols, AQrCodeIsSquareWithItsThreeCornersAndGrowsWithItsCorrection) {
   EXPECT_GT(encode(code).value().modules.width, width);
 }
 
-TEST(Picture, OfAQrCodeHasModulesOfTheSizeThatIsAskedFor) {
+TEST(PaperPicture, ShowsAQrCodeInTheGivenModuleSize) {
   const Print print(
       hex("1d286b 0300 31 43 04 1d286b 0800 31 50 30 68656c6c6f 1d286b 0300 31 51 30"));
   EXPECT_EQ(print.darkIn(0, 6, 28, 4), 28U * 4U);
   EXPECT_EQ(print.darkIn(28, 6, 4, 4), 0U);
 }
 
-TEST(Picture, NamesBelowThePaperTheCommandsThatItLeavesOut) {
+TEST(PaperPicture, NamesTheCommandsThatItOmitsBelowThePaper) {
   const unsigned without = Print(ascii("text\n")).picture().height;
   const Print with(hex("1c99") + ascii("text\n"));
   EXPECT_EQ(with.picture().height, without + 24 + 6);
 }
 
-TEST(Picture, OfALongPaperShowsAllOfIt) {
+TEST(PaperPicture, ShowsALongPaperToItsEnd) {
   Bytes job;
   for (int i = 0; i < 700; ++i)
     job = std::move(job) + ascii("line\n");
@@ -246,7 +246,7 @@ TEST(Picture, OfALongPaperShowsAllOfIt) {
   EXPECT_EQ(print.darkIn(0, 21'000, 384, 1), 8U);
 }
 
-TEST(Picture, AsAFileTakesNoMoreMemoryForALongPaper) {
+TEST(PaperPicture, IsASmallPngFileForALongEmptyPaper) {
   Paper paper(widePaperDots);
   paper.feed(100'000);
   const Bytes png = renderPng(paper);
@@ -254,13 +254,13 @@ TEST(Picture, AsAFileTakesNoMoreMemoryForALongPaper) {
   EXPECT_LT(png.size(), 1'000'000U) << "of 67 million dots";
 }
 
-TEST(Picture, OfEmptyPaperIsSmall) {
+TEST(PaperPicture, IsShortForEmptyPaper) {
   const Print print(Bytes{});
   EXPECT_GT(print.picture().height, 0U);
   EXPECT_LT(print.picture().height, 100U);
 }
 
-TEST(Picture, BecomesAPngFile) {
+TEST(PaperPicture, CanBeEncodedAsAPngFile) {
   Session session;
   session.send(ascii("x\n"));
   const Bytes png = renderPng(session.printer.paper());

@@ -18,7 +18,7 @@ std::vector<std::string> namesIn(const Listing& listing) {
 
 using Names = std::vector<std::string>;
 
-TEST(Name, IsTheNameInPrinterManuals) {
+TEST(CommandName, IsTheNameInPrinterManuals) {
   EXPECT_EQ(nameOf(hex("1d 56 00")).name, "GS V");
   EXPECT_EQ(nameOf(hex("1d 28 6b 03 00 31 43 05")).name, "GS ( k");
   EXPECT_EQ(nameOf(hex("1b 1d 03 01 00 00")).meaning, "end of block, with a report");
@@ -27,7 +27,7 @@ TEST(Name, IsTheNameInPrinterManuals) {
   EXPECT_EQ(nameOf(hex("1d ff 00")).meaning, "");
 }
 
-TEST(Listing, PutsCharactersTogetherAndNamesCommands) {
+TEST(CommandListing, JoinsCharactersIntoTextAndNamesCommands) {
   const Bytes job = hex("1b 40 48 69 0a 1d 79 00 1b");
   const Listing listing = listCommands(job, Dialect(), 0, 100);
   EXPECT_EQ(namesIn(listing), (Names{"ESC @", "text", "LF", "GS y", "NUL", "cut off"}));
@@ -37,7 +37,7 @@ TEST(Listing, PutsCharactersTogetherAndNamesCommands) {
   EXPECT_EQ(listing.next, job.size());
 }
 
-TEST(Listing, ExplainsEachKnownCommand) {
+TEST(CommandListing, ExplainsEachKnownCommand) {
   for (const unsigned lead : {0x10U, 0x12U, 0x1bU, 0x1cU, 0x1dU, 0x1fU}) {
     for (unsigned selector = 0; selector <= 0xff; ++selector) {
       Bytes job(300, 0);
@@ -49,7 +49,7 @@ TEST(Listing, ExplainsEachKnownCommand) {
   }
 }
 
-TEST(Listing, CanBeReadInPartsThatContinueEachOther) {
+TEST(CommandListing, CanBeReadInConsecutiveParts) {
   const Bytes job = hex("41 0a 42 0a 43 0a");
   const Listing first = listCommands(job, Dialect(), 0, 3);
   EXPECT_EQ(namesIn(first), (Names{"text", "LF", "text"}));
@@ -57,7 +57,7 @@ TEST(Listing, CanBeReadInPartsThatContinueEachOther) {
   EXPECT_EQ(namesIn(listCommands(job, Dialect(), first.next, 3)), (Names{"LF", "text", "LF"}));
 }
 
-TEST(JobBytes, KeepTheFirstBytesOfAJobAndCountAll) {
+TEST(JobBytes, AreStoredUpToALimitAndCountedBeyondTheLimit) {
   JobBytes bytes;
   bytes.receive(hex("01 02 03 04 05"));
   bytes.pass(3);
@@ -72,7 +72,7 @@ TEST(JobBytes, KeepTheFirstBytesOfAJobAndCountAll) {
   EXPECT_EQ(longOne.count, JobBytes::mostKept + 100);
 }
 
-TEST(JobRecord, CountsOffsetsFromTheBeginningOfTheJobAfterOneThatWasCutOff) {
+TEST(JobRecord, CountsOffsetsFromTheJobsBeginningAfterAnUnfinishedJob) {
   std::vector<JobRecord> records;
   VirtualPrinter printer(PrinterBuilder().keepReceived().state());
   printer.keepJobs([&](const Paper& paper) { records.push_back(paper.record()); });
@@ -88,7 +88,7 @@ TEST(JobRecord, CountsOffsetsFromTheBeginningOfTheJobAfterOneThatWasCutOff) {
   EXPECT_EQ(records[1].unknown()[0].offset, 2U);
 }
 
-TEST(JobRecord, CountsOffsetsFromTheBeginningOfTheJobAfterOneThatVanished) {
+TEST(JobRecord, CountsOffsetsFromTheJobsBeginningAfterAVanishedJob) {
   std::vector<JobRecord> records;
   VirtualPrinter printer(PrinterBuilder().state());
   printer.keepJobs([&](const Paper& paper) { records.push_back(paper.record()); });
@@ -102,7 +102,7 @@ TEST(JobRecord, CountsOffsetsFromTheBeginningOfTheJobAfterOneThatVanished) {
   EXPECT_EQ(records[0].unknown()[0].offset, 2U);
 }
 
-TEST(Settings, EachHasAFormAndAllButListsAValueThatItTakes) {
+TEST(SettingForm, OffersOnlyValuesThatTheSettingAccepts) {
   PrinterState state;
   for (const SettingForm& form : settingForms()) {
     const auto value = state.get(form.key);

@@ -13,7 +13,7 @@ std::string printed(const Bytes& job) {
 
 const Bytes mark = hex("1d3a");
 
-TEST(Macro, IsPrintedWhileItIsDefinedAndAsOftenAsItIsAskedFor) {
+TEST(Macro, IsPrintedDuringItsDefinitionAndAtEachExecution) {
   EXPECT_EQ(printed(mark + ascii("a\n") + mark + ascii("b\n") + hex("1d5e 02 00 00")),
             "a\nb\na\na\n");
 }
@@ -23,17 +23,17 @@ TEST(Macro, MayBeginAndEndInTheMiddleOfALine) {
             "<aaaa>\n");
 }
 
-TEST(Macro, HoldsCommandsAndOutlivesAnInitialisation) {
+TEST(Macro, ContainsCommandsAndRemainsAfterAnInitialisation) {
   EXPECT_EQ(printed(mark + hex("1b6102") + ascii("x\n") + mark + hex("1b40 1d5e 01 00 00")),
             std::string(31, ' ') + "x\n" + std::string(31, ' ') + "x\n");
 }
 
-TEST(Macro, ThatIsExecutedWhileItIsDefinedIsLost) {
+TEST(Macro, IsDeletedIfItIsExecutedDuringItsDefinition) {
   EXPECT_EQ(printed(mark + ascii("a\n") + hex("1d5e 01 00 00 1d5e 01 00 00")),
             "a\n[not shown: 1d 5e 01 (2)]\n");
 }
 
-TEST(Macro, WithoutCommandsPrintsNothing) {
+TEST(Macro, PrintsNothingIfItIsEmpty) {
   EXPECT_EQ(printed(mark + ascii("a\n") + mark + mark + mark + hex("1d5e 01 00 00")),
             "a\n[not shown: 1d 5e 01 (1)]\n");
 }
@@ -53,7 +53,7 @@ TEST(Macro, KeepsNoMoreBytesThanItsLimit) {
   EXPECT_EQ(count, Macro::mostBytes);
 }
 
-TEST(Macro, CannotKeepThePrinterBusyForEver) {
+TEST(Macro, RunsALimitedNumberOfCommandsInOneJob) {
   Macro macro;
   macro.startOrEnd();
   macro.keep(ascii("x"));
@@ -69,7 +69,7 @@ TEST(Macro, CannotKeepThePrinterBusyForEver) {
   EXPECT_TRUE(macro.execute(1));
 }
 
-TEST(Macro, EndsWhenItsPaperIsTornOff) {
+TEST(Macro, EndsWhenThePrinterTearsOffALongPaper) {
   std::vector<Paper> papers;
   Session session(PrinterBuilder().buffer(100'000));
   session.printer.keepJobs([&](Paper paper) { papers.push_back(std::move(paper)); });

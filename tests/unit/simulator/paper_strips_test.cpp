@@ -11,7 +11,7 @@ PaperItem lineOf(const std::u32string& text) {
   return line;
 }
 
-TEST(PaperStrips, FollowThePaper) {
+TEST(PaperStrips, ShowNewlyPrintedRowsAndCuts) {
   PaperStrips paper(widePaperDots);
   const auto first = paper.add({lineOf(U"one")});
   ASSERT_EQ(first.strips.size(), 1U);
@@ -24,7 +24,7 @@ TEST(PaperStrips, FollowThePaper) {
   EXPECT_EQ(paper.length(), 2 * lineSpacing);
 }
 
-TEST(PaperStrips, ShowThePrintThatWasThereWhenPaperIsFedBack) {
+TEST(PaperStrips, ShowEarlierPrintAgainIfThePaperIsFedBack) {
   PaperStrips over(widePaperDots);
   over.add({lineOf(U"one")});
   const auto changed = over.add({Feed{-30}, lineOf(U"  I")});
@@ -34,7 +34,7 @@ TEST(PaperStrips, ShowThePrintThatWasThereWhenPaperIsFedBack) {
   EXPECT_NE(changed.strips[0].png, alone.add({lineOf(U"  I")}).strips[0].png);
 }
 
-TEST(PaperStrips, AreSeveralIfThePaperIsLong) {
+TEST(PaperStrips, AreDividedIfTheNewPaperIsLong) {
   PaperStrips paper(widePaperDots);
   const auto changed = paper.add({Feed{3000}});
   ASSERT_EQ(changed.strips.size(), 3U);
@@ -42,7 +42,7 @@ TEST(PaperStrips, AreSeveralIfThePaperIsLong) {
   EXPECT_EQ(changed.strips[2].height, 3000 - 2 * PaperStrips::mostRows);
 }
 
-TEST(PaperStrips, AreMissingIfNothingWasPrinted) {
+TEST(PaperStrips, AreNotMadeIfNothingWasPrinted) {
   PaperStrips paper(widePaperDots);
   EXPECT_TRUE(paper.add({}).strips.empty());
   EXPECT_TRUE(paper.add({Feed{-100}}).strips.empty());

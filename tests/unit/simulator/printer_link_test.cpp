@@ -5,7 +5,7 @@
 namespace quordalvane::simulator {
 namespace {
 
-TEST(PrinterLink, ReadsNoMoreThanIsAskedFor) {
+TEST(PrinterLink, ReadsNoMoreBytesThanRequested) {
   Session session;
   session.send(statusRequest);
   Bytes two(2);
@@ -15,7 +15,7 @@ TEST(PrinterLink, ReadsNoMoreThanIsAskedFor) {
   EXPECT_EQ(session.link->read({}, session.now), 0U);
 }
 
-TEST(PrinterLink, ANewLinkEndsTheOneBeforeIt) {
+TEST(PrinterLink, EndsWhenANewLinkBegins) {
   Session session;
   session.send(statusRequest);
   const auto other = session.connect();
@@ -27,7 +27,7 @@ TEST(PrinterLink, ANewLinkEndsTheOneBeforeIt) {
   EXPECT_EQ(other->available(session.now), 1U);
 }
 
-TEST(PrinterLink, AReplyThatNobodyReadDoesNotReachTheNextLink) {
+TEST(PrinterLink, DoesNotSendAnUnreadReplyToTheNextLink) {
   Session session(PrinterBuilder().speed(1));
   session.send("1b0601 1b1d03010000");
   session.reconnect();
@@ -37,7 +37,7 @@ TEST(PrinterLink, AReplyThatNobodyReadDoesNotReachTheNextLink) {
       << "a report is sent to any host that is connected";
 }
 
-TEST(PrinterLink, ThePrinterContinuesAfterItsLinkWasCut) {
+TEST(PrinterLink, DoesNotStopThePrinterWhenItIsCut) {
   Session session(PrinterBuilder().speed(10), with("cut-after-in", "20"));
   ASSERT_TRUE(session.send(Bytes(20, 'x')));
   EXPECT_TRUE(session.link->dropped(session.now));
@@ -46,7 +46,7 @@ TEST(PrinterLink, ThePrinterContinuesAfterItsLinkWasCut) {
   EXPECT_EQ(session.printer.buffered(), 10U);
 }
 
-TEST(PrinterLink, AnIdleLinkHasNothingDue) {
+TEST(PrinterLink, HasNoNextEventIfItIsIdle) {
   Session session;
   EXPECT_EQ(session.link->nextEvent(session.now), std::nullopt);
   EXPECT_TRUE(session.link->connected(session.now));
@@ -57,7 +57,7 @@ PrinterBuilder standing() {
   return PrinterBuilder().coverOpen().buffer(16);
 }
 
-TEST(AFullPrinter, AnswersRequestsInOnePieceAndByteByByte) {
+TEST(PrinterWithAFullBuffer, AnswersRequestsEvenIfTheyArriveByteByByte) {
   for (const char* request : {"100402", "1b0601", "1b2a7242 1b1d03040000 1b0601", "1d4941"}) {
     Session session(standing());
     ASSERT_TRUE(session.send(Bytes(16, 'x')));
@@ -72,7 +72,7 @@ TEST(AFullPrinter, AnswersRequestsInOnePieceAndByteByByte) {
   }
 }
 
-TEST(AFullPrinter, TakesNoPrintDataAndNoLaterByte) {
+TEST(PrinterWithAFullBuffer, AcceptsNoPrintDataAndNoByteAfterPrintData) {
   for (const char* data : {"78 100402", "17 100402", "1b45 01 100402"}) {
     Session session(standing());
     ASSERT_TRUE(session.send(Bytes(16, 'x')));
@@ -84,20 +84,20 @@ TEST(AFullPrinter, TakesNoPrintDataAndNoLaterByte) {
   }
 }
 
-TEST(AFullPrinter, AnswersNoRequestInTheMiddleOfAnImage) {
+TEST(PrinterWithAFullBuffer, AnswersNoRequestInsideAnImage) {
   Session session(standing());
   ASSERT_TRUE(session.send(hex("1d7630 00 0a00 0a00") + Bytes(8, 0)));
   EXPECT_EQ(session.link->write(hex("100402"), session.now), 0U);
 }
 
-TEST(AFullPrinter, ObeysADataCancelAndHasSpaceAgain) {
+TEST(PrinterWithAFullBuffer, HasSpaceAgainAfterADataCancel) {
   Session session(standing());
   ASSERT_TRUE(session.send(Bytes(16, 'x')));
   EXPECT_TRUE(session.send(dataCancel));
   EXPECT_EQ(session.link->space(session.now), 16U);
 }
 
-TEST(AFullPrinter, HasTheFaultsOfItsLink) {
+TEST(PrinterWithAFullBuffer, IsStillAffectedByInjectedFaults) {
   Session slow(standing(), with("short-writes", "2"));
   while (slow.send(ascii("xx"))) {
   }

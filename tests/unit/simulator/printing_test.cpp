@@ -11,7 +11,7 @@ PrinterBuilder slow() {
   return PrinterBuilder().speed(10).buffer(100);
 }
 
-TEST(Printing, DataIsPrintedOnceAndInOrder) {
+TEST(VirtualPrinter, PrintsDataOnceAndInOrder) {
   Session session;
   Bytes job = ascii("A line\n") + hex("1d7630 00 0100 0200 1b17") + hex("1b45 01") + ascii("x\n");
   for (std::uint8_t byte : job)
@@ -21,13 +21,13 @@ TEST(Printing, DataIsPrintedOnceAndInOrder) {
   EXPECT_EQ(session.printer.buffered(), 0U);
 }
 
-TEST(Printing, CommandsToTheMachineAreNotPrintData) {
+TEST(VirtualPrinter, DoesNotRecordControlCommandsAsPrintedData) {
   Session session;
   session.send(ascii("ab") + hex("1b0601 100401 1b2a7242 1b1e4500 17 1b1d03010000") + ascii("cd"));
   EXPECT_EQ(session.printer.printed(), ascii("abcd"));
 }
 
-TEST(Printing, BytesInsideACountedPayloadAreDataOnly) {
+TEST(VirtualPrinter, TreatsCommandsInsideACountedPayloadAsData) {
   const char* trap = "17 100401 1b0601 1b1d03030000 1b1d03010000 1d4941 100402";
   const Bytes payload = hex(trap);
   ASSERT_EQ(payload.size(), 25U);
@@ -54,7 +54,7 @@ TEST(Printing, BytesInsideACountedPayloadAreDataOnly) {
   }
 }
 
-TEST(Printing, NoParameterOfACommandIsPrintedAsText) {
+TEST(VirtualPrinter, PrintsNoParameterOfACommandAsText) {
   const char* commands[] = {
       "1d43 30 30 30",
       "1d43 31 30 30 31 31 30 30",
@@ -118,7 +118,7 @@ TEST(Printing, NoParameterOfACommandIsPrintedAsText) {
   }
 }
 
-TEST(Printing, ABitImageHasOneByteAColumnOrThree) {
+TEST(VirtualPrinter, ReadsOneOrThreeBytesForEachColumnOfABitImage) {
   for (const char* mode : {"00", "01", "20", "21"}) {
     Session session;
     const std::size_t columns = 4;
@@ -128,20 +128,20 @@ TEST(Printing, ABitImageHasOneByteAColumnOrThree) {
   }
 }
 
-TEST(Printing, BytesInsideABarcodeThatEndsWithAZeroAreData) {
+TEST(VirtualPrinter, TreatsCommandsInsideAZeroTerminatedBarcodeAsData) {
   Session session;
   session.send("1d6b04 1017 41 00 17");
   EXPECT_EQ(session.printer.printed(), hex("1d6b04 1017 41 00"));
   EXPECT_EQ(session.printer.state().etbCounter, 1);
 }
 
-TEST(Printing, TheMakersCommandIsDistinguishedFromABitImage) {
+TEST(VirtualPrinter, DistinguishesTheMakersCommandFromABitImage) {
   Session session;
   EXPECT_EQ(session.ask("1b2a 21 0100 1b0601 1b2a7242 1b0601").size(), 9U)
       << "the first request is image data";
 }
 
-TEST(Printing, PrintDataIsKeptOnlyIfThatIsWanted) {
+TEST(VirtualPrinter, StoresPrintedDataOnlyOnRequest) {
   VirtualPrinter printer(PrinterBuilder().state());
   PrinterLink link(printer, 0s);
   EXPECT_EQ(link.write(hex("1b401b40") + ascii("text\n"), 0s), 9U);
@@ -150,7 +150,7 @@ TEST(Printing, PrintDataIsKeptOnlyIfThatIsWanted) {
   EXPECT_EQ(printer.paper().items().size(), 1U);
 }
 
-TEST(Printing, EachByteTakesItsTime) {
+TEST(VirtualPrinter, PrintsAtTheGivenSpeed) {
   Session session(slow());
   session.send(ascii("0123456789"));
   EXPECT_EQ(session.printer.buffered(), 10U);
@@ -163,7 +163,7 @@ TEST(Printing, EachByteTakesItsTime) {
   EXPECT_EQ(session.printer.printed(), ascii("0123456789"));
 }
 
-TEST(Printing, TheResultDoesNotDependOnHowOftenThePrinterIsAsked) {
+TEST(VirtualPrinter, PrintsTheSameHoweverOftenItsStateIsRead) {
   Session rarely(PrinterBuilder().speed(7));
   Session often(PrinterBuilder().speed(7));
   for (Session* session : {&rarely, &often})
@@ -179,7 +179,7 @@ TEST(Printing, TheResultDoesNotDependOnHowOftenThePrinterIsAsked) {
   EXPECT_EQ(rarely.link->nextEvent(rarely.now), often.link->nextEvent(often.now));
 }
 
-TEST(Printing, AFullBufferLeavesNoSpaceUntilThereIsRoomForACommandAgain) {
+TEST(VirtualPrinter, HasNoSpaceAfterAFullBufferUntilAQuarterIsFree) {
   Session session(slow());
   EXPECT_EQ(session.link->write(Bytes(150, 'x'), session.now), 100U);
   EXPECT_EQ(session.link->space(session.now), 0U);
@@ -190,14 +190,14 @@ TEST(Printing, AFullBufferLeavesNoSpaceUntilThereIsRoomForACommandAgain) {
   EXPECT_EQ(session.link->space(session.now), 25U);
 }
 
-TEST(Printing, AnEtbThatIsPassedBeforeThereIsSpaceAgainIsTheNextEvent) {
+TEST(VirtualPrinter, AnnouncesTheReportOfAnEndMarkAsItsNextEvent) {
   Session session(slow());
   EXPECT_TRUE(session.send(ascii("0123") + hex("1b1d03010000") + Bytes(90, 'x')));
   EXPECT_EQ(session.link->space(session.now), 0U);
   EXPECT_EQ(session.link->nextEvent(session.now), session.now + 1s);
 }
 
-TEST(Printing, AnImageLargerThanTheBufferPassesThroughIt) {
+TEST(VirtualPrinter, PrintsAnImageLargerThanItsBuffer) {
   Session session(PrinterBuilder().speed(1000).buffer(16));
   const Bytes job = hex("1d7630 00 4800 0a00") + Bytes(720, 0x17) + hex("0a");
   std::size_t sent = 0;
@@ -210,7 +210,7 @@ TEST(Printing, AnImageLargerThanTheBufferPassesThroughIt) {
   EXPECT_EQ(session.printer.printed(), job);
 }
 
-TEST(Printing, AnEtbCountsWhenEverythingBeforeItHasBeenPrinted) {
+TEST(VirtualPrinter, CountsAnEndMarkWhenAllEarlierDataIsPrinted) {
   Session session(slow());
   session.send(ascii("0123") + hex("17 17"));
   session.wait(499ms);
@@ -221,7 +221,7 @@ TEST(Printing, AnEtbCountsWhenEverythingBeforeItHasBeenPrinted) {
   EXPECT_EQ(etbCounterOf(session.ask(statusRequest)), 2);
 }
 
-TEST(Printing, TheReportOfAnEtbIsSentUnaskedAtItsTime) {
+TEST(VirtualPrinter, SendsTheReportOfAnEndMarkWhenAllEarlierDataIsPrinted) {
   Session session(slow());
   session.send(ascii("0123") + hex("1b1d03010000"));
   EXPECT_EQ(session.link->nextEvent(session.now), session.now + 1s);
@@ -232,7 +232,7 @@ TEST(Printing, TheReportOfAnEtbIsSentUnaskedAtItsTime) {
   EXPECT_EQ(session.link->nextEvent(session.now), std::nullopt);
 }
 
-TEST(Printing, ACounterResetTakesEffectWhenItIsReceived) {
+TEST(VirtualPrinter, ResetsItsCounterWhenTheCommandArrives) {
   Session session(slow().etbCounter(7));
   session.send(ascii("0123456789"));
   EXPECT_EQ(etbCounterOf(session.ask("1b1e4500 1b0601")), 0);
@@ -240,7 +240,7 @@ TEST(Printing, ACounterResetTakesEffectWhenItIsReceived) {
   EXPECT_EQ(session.printer.state().etbCounter, 0);
 }
 
-TEST(Printing, StatusIsAnsweredWhileDataIsHeld) {
+TEST(VirtualPrinter, AnswersAStatusRequestBeforeEarlierDataIsPrinted) {
   Session session(slow());
   session.send(ascii("0123456789"));
   EXPECT_EQ(session.ask("100401"), hex("12"));
@@ -248,7 +248,7 @@ TEST(Printing, StatusIsAnsweredWhileDataIsHeld) {
   EXPECT_EQ(session.printer.buffered(), 10U);
 }
 
-TEST(Printing, AnOffLinePrinterKeepsItsDataAndPrintsItWhenItIsReady) {
+TEST(VirtualPrinter, PrintsHeldDataWhenItIsOnLineAgain) {
   Session session(slow());
   session.send(ascii("0123456789") + hex("17"));
   session.wait(300ms);
@@ -265,7 +265,7 @@ TEST(Printing, AnOffLinePrinterKeepsItsDataAndPrintsItWhenItIsReady) {
   EXPECT_EQ(session.printer.printed(), ascii("0123456789"));
 }
 
-TEST(Printing, AnUnlimitedPrinterThatWasOffLinePrintsAllAtOnceWhenItIsReady) {
+TEST(VirtualPrinter, PrintsHeldDataAtOnceWhenOnLineAgainIfItsSpeedIsUnlimited) {
   Session session(PrinterBuilder().paperOut());
   session.send(ascii("0123456789") + hex("17"));
   EXPECT_EQ(session.printer.buffered(), 11U);
@@ -274,7 +274,7 @@ TEST(Printing, AnUnlimitedPrinterThatWasOffLinePrintsAllAtOnceWhenItIsReady) {
   EXPECT_EQ(session.printer.state().etbCounter, 1);
 }
 
-TEST(Printing, ANewSpeedTakesEffectAtOnce) {
+TEST(VirtualPrinter, UsesANewSpeedAtOnce) {
   Session session(slow());
   session.send(ascii("0123456789"));
   session.wait(500ms);
@@ -285,7 +285,7 @@ TEST(Printing, ANewSpeedTakesEffectAtOnce) {
   EXPECT_EQ(session.link->space(session.now), 100U);
 }
 
-TEST(Printing, TheDataOfAHostIsPrintedAfterItDisconnected) {
+TEST(VirtualPrinter, PrintsTheDataOfAHostThatHasDisconnected) {
   Session session(slow());
   session.send(ascii("0123456789"));
   session.wait(200ms);
@@ -295,7 +295,7 @@ TEST(Printing, TheDataOfAHostIsPrintedAfterItDisconnected) {
   EXPECT_EQ(session.printer.printed(), ascii("0123456789"));
 }
 
-TEST(Printing, ACommandThatALinkLeftUnfinishedDoesNotSwallowTheNextLinksBytes) {
+TEST(VirtualPrinter, EndsAnUnfinishedCommandWhenTheHostDisconnects) {
   for (const PrinterBuilder& printer : {PrinterBuilder(), slow()}) {
     Session session(printer);
     session.send(ascii("a") + hex("1d7630 00 0a00 0a00 ffff"));
@@ -312,7 +312,7 @@ TEST(Printing, ACommandThatALinkLeftUnfinishedDoesNotSwallowTheNextLinksBytes) {
   }
 }
 
-TEST(Printing, TearingOffLeavesACleanPaper) {
+TEST(VirtualPrinter, HasEmptyPaperAfterATearOff) {
   Session session;
   session.send(ascii("one\n"));
   EXPECT_EQ(session.printer.tearOff().items().size(), 1U);
@@ -321,7 +321,7 @@ TEST(Printing, TearingOffLeavesACleanPaper) {
   EXPECT_EQ(session.printer.printedBytes(), 4U);
 }
 
-TEST(Printing, AnUnfinishedLineIsTornOffWithThePaper) {
+TEST(VirtualPrinter, TearsOffAnUnfinishedLineWithThePaper) {
   Session session;
   session.send(ascii("half"));
   EXPECT_EQ(session.printer.tearOff().items().size(), 1U);
@@ -329,7 +329,7 @@ TEST(Printing, AnUnfinishedLineIsTornOffWithThePaper) {
   EXPECT_EQ(session.printer.tearOff().items().size(), 1U);
 }
 
-TEST(Printing, EachConnectionIsAJobWhosePaperIsKeptWhenItHasBeenPrinted) {
+TEST(VirtualPrinter, TreatsEachConnectionWithPrintAsAJob) {
   Session session(slow());
   std::vector<std::string> jobs;
   session.printer.keepJobs([&jobs](const Paper& paper) { jobs.push_back(renderText(paper)); });
@@ -345,7 +345,7 @@ TEST(Printing, EachConnectionIsAJobWhosePaperIsKeptWhenItHasBeenPrinted) {
   EXPECT_EQ(jobs, (std::vector<std::string>{"one\n", "two\n", "1b0601\n"}));
 }
 
-TEST(Printing, ADroppedJobAlsoEnds) {
+TEST(VirtualPrinter, EndsAJobThatIsDropped) {
   Session session(slow());
   std::vector<std::string> jobs;
   session.printer.keepJobs([&jobs](const Paper& paper) { jobs.push_back(renderText(paper)); });

@@ -23,7 +23,7 @@ std::string fileOf(const std::string& text) {
   return path;
 }
 
-TEST(Profile, ThatIsBuiltInChangesAPrinterAndIsNamed) {
+TEST(Profile, IsAppliedByItsName) {
   for (const std::string_view name : profileNames()) {
     PrinterState state;
     applyProfile(name, state);
@@ -36,7 +36,7 @@ TEST(Profile, ThatIsBuiltInChangesAPrinterAndIsNamed) {
   EXPECT_FALSE(state.dialect.lineMode);
 }
 
-TEST(Profile, IsTheSameAfterAnyOtherProfile) {
+TEST(Profile, DoesNotDependOnAnEarlierProfile) {
   for (const std::string_view before : profileNames()) {
     for (const std::string_view name : profileNames()) {
       PrinterState fresh;
@@ -52,20 +52,20 @@ TEST(Profile, IsTheSameAfterAnyOtherProfile) {
   }
 }
 
-TEST(Profile, OfACommonPrinterKnowsNoLineMode) {
+TEST(Profile, CanLackLineMode) {
   Session session(PrinterBuilder().set("profile", "escpos-80"));
   EXPECT_EQ(session.ask("1b0601 1b232a0a00"), Bytes{});
   EXPECT_EQ(session.ask("100401 1d7201"), hex("12 00"));
 }
 
-TEST(Profile, OfAFileIsReadLineByLine) {
+TEST(Profile, CanBeReadFromAFile) {
   PrinterState state;
   applyProfile(fileOf("# mine\n\nmaker=Mine\npaper=58\n"), state);
   EXPECT_EQ(state.maker(), "Mine");
   EXPECT_EQ(state.paperMillimetres(), 58U);
 }
 
-TEST(Profile, CanMakeCommandsUnknown) {
+TEST(Profile, CanLackGivenCommands) {
   Session session(PrinterBuilder().set("lacks", "1b4c+1d61 1d7201"));
   EXPECT_EQ(session.ask("1d61ff 1d7201 1d7202 100401"), hex("00 12"));
   session.send(hex("1b4c") + ascii("a\n"));
@@ -79,13 +79,13 @@ TEST(Profile, CanMakeCommandsUnknown) {
   EXPECT_EQ(session.ask("1d7201"), hex("00"));
 }
 
-TEST(Profile, OfASmallPrinterHasNoPageMode) {
+TEST(Profile, CanLackPageMode) {
   Session session(PrinterBuilder().set("profile", "silent-58"));
   session.send(hex("1b4c 1b57 0000 0000 c800 6400") + ascii("a\n") + hex("0c"));
   EXPECT_EQ(session.printer.paper().record().unknown().size(), 2U);
 }
 
-TEST(Profile, LacksOnlyCommandsThatAreNamedInHex) {
+TEST(LackedCommands, AreGivenInHexOnly) {
   for (const char* wrong : {"1b", "1b4", "zz4c", "1b4c4c4c4c", "1b4c,1d61", "+1b4cx0"}) {
     PrinterState state;
     EXPECT_THAT([&] { state.set("lacks", wrong); },
@@ -95,7 +95,7 @@ TEST(Profile, LacksOnlyCommandsThatAreNamedInHex) {
   }
 }
 
-TEST(Profile, ThatIsWrongIsRefusedWithItsLineAndChangesNothing) {
+TEST(Profile, IsRefusedWithTheWrongLineAndChangesNothing) {
   PrinterState state;
   const std::string path = fileOf("maker=Mine\npaper=59\n");
   EXPECT_THAT([&] { applyProfile(path, state); }, ThrowsMessage<std::invalid_argument>(AllOf(

@@ -21,7 +21,7 @@ PrinterBuilder proving(std::string_view proofs) {
   return PrinterBuilder().set("proofs", proofs);
 }
 
-TEST(Proofs, AreReadInAnyOrderAndWrittenInAFixedOrder) {
+TEST(ProofsOfAPrinter, AreParsedInAnyOrderAndWrittenInAFixedOrder) {
   EXPECT_EQ(Proofs::parse("in-order+block").text(), "block+in-order");
   EXPECT_EQ(Proofs::parse("process-id").text(), "process-id");
   EXPECT_EQ(Proofs::parse(Proofs::all().text()), Proofs::all());
@@ -29,7 +29,7 @@ TEST(Proofs, AreReadInAnyOrderAndWrittenInAFixedOrder) {
   EXPECT_EQ(Proofs::parse("none"), Proofs());
 }
 
-TEST(Proofs, AnUnknownNameIsRefusedAndTheKnownOnesAreListed) {
+TEST(ProofsOfAPrinter, TheErrorOfAnUnknownProofNamesTheKnownProofs) {
   for (const auto* wrong : {"x", "block+", "+", "block,in-order", "none+block", "Block"}) {
     EXPECT_THAT([&] { PrinterState().set("proofs", wrong); },
                 ThrowsMessage<std::invalid_argument>(HasSubstr("block, process-id and in-order")))
@@ -37,14 +37,14 @@ TEST(Proofs, AnUnknownNameIsRefusedAndTheKnownOnesAreListed) {
   }
 }
 
-TEST(Proofs, AreAllKnownByDefault) {
+TEST(ProofsOfAPrinter, AreAllSupportedByDefault) {
   Session session;
   EXPECT_EQ(session.ask("1b1d03010000"), hex("1b1d03010000 01 00"));
   EXPECT_EQ(session.ask(askId), idReport);
   EXPECT_EQ(session.ask("1d7201"), hex("00"));
 }
 
-TEST(Proofs, ThatAreNotKnownAreNotAnsweredAndPrintNothing) {
+TEST(ProofsOfAPrinter, AreNotAnsweredAndPrintNothingIfThePrinterLacksTheProofs) {
   Session session(proving("none"));
   EXPECT_EQ(session.ask("1b1d03020000"), Bytes{});
   EXPECT_EQ(session.ask("1b1d03010000"), Bytes{});
@@ -54,13 +54,13 @@ TEST(Proofs, ThatAreNotKnownAreNotAnsweredAndPrintNothing) {
   EXPECT_EQ(session.printer.state().etbCounter, 0);
 }
 
-TEST(Proofs, APrinterWithoutABlockPrintsTheTextInItsCommands) {
+TEST(ProofsOfAPrinter, APrinterWithoutCheckedBlocksPrintsTextAfterABlockCommand) {
   Session session(proving("process-id"));
   session.send(hex("1b1d03010000") + ascii("Hello\n"));
   EXPECT_THAT(renderText(session.printer.paper()), HasSubstr("Hello\n"));
 }
 
-TEST(Proofs, AnUnknownDataCancelDropsNothing) {
+TEST(ProofsOfAPrinter, APrinterWithoutCheckedBlocksIgnoresADataCancel) {
   Session session(proving("process-id").coverOpen());
   session.send(ascii("kept\n"));
   session.send(dataCancel);
@@ -78,14 +78,14 @@ TEST(ProcessId, IsReturnedAfterAllEarlierDataIsPrinted) {
   EXPECT_EQ(session.receive(), idReport);
 }
 
-TEST(ProcessId, OfCharactersThatAreNotPrintableIsNotAnswered) {
+TEST(ProcessId, IsNotAnsweredIfItHasAnUnprintableCharacter) {
   Session session;
   EXPECT_EQ(session.ask("1d 28 48 06 00 30 30 1f 42 43 44"), Bytes{});
   EXPECT_EQ(session.ask("1d 28 48 06 00 30 30 41 42 43 7f"), Bytes{});
   EXPECT_EQ(session.ask("1d 28 48 06 00 30 30 20 7e 20 7e"), hex("37 22 20 7e 20 7e 00"));
 }
 
-TEST(ProcessId, IsAnsweredWhereverItsCommandIsSplit) {
+TEST(ProcessId, IsAnsweredEvenIfItsCommandArrivesInPieces) {
   const Bytes command = hex(askId);
   for (std::size_t at = 1; at < command.size(); ++at) {
     Session session;
@@ -96,14 +96,14 @@ TEST(ProcessId, IsAnsweredWhereverItsCommandIsSplit) {
   }
 }
 
-TEST(ProcessId, InsideTheDotsOfAnImageIsData) {
+TEST(ProcessId, RequestInsideAnImageIsNotAnswered) {
   Session session;
   EXPECT_EQ(session.ask("1d 76 30 00 0b 00 01 00 1d 28 48 06 00 30 30 41 42 43 44"), Bytes{});
   EXPECT_EQ(session.ask("1d 76 30 00 03 00 01 00 1d 72 01"), Bytes{});
   EXPECT_EQ(session.ask("1d 76 30 00 0a 00 01 00 10 14 08 01 03 14 01 06 02 08"), Bytes{});
 }
 
-TEST(InOrderStatus, IsAnsweredInItsTurnAndReportsPaperAndDrawer) {
+TEST(InOrderStatus, IsAnsweredAfterEarlierDataAndReportsPaperAndDrawer) {
   Session slow(PrinterBuilder().speed(10));
   slow.send(ascii("1234567\n"));
   EXPECT_EQ(slow.ask("1d7231"), Bytes{});
@@ -115,7 +115,7 @@ TEST(InOrderStatus, IsAnsweredInItsTurnAndReportsPaperAndDrawer) {
   EXPECT_EQ(session.ask("1d7203"), Bytes{}) << "there is no such query";
 }
 
-TEST(InOrderStatus, WaitsWhileThePrinterIsOffLine) {
+TEST(InOrderStatus, IsNotAnsweredWhileThePrinterIsOffLine) {
   Session session(PrinterBuilder().coverOpen());
   EXPECT_EQ(session.ask("1d7201"), Bytes{});
   EXPECT_EQ(session.ask("100402"), hex("16"));
@@ -123,7 +123,7 @@ TEST(InOrderStatus, WaitsWhileThePrinterIsOffLine) {
   EXPECT_EQ(session.receive(), hex("00"));
 }
 
-TEST(UnaskedStatus, IsSentAtOnceAndAtEachChangeUntilItIsEnded) {
+TEST(UnaskedStatus, IsSentAtOnceAndAtEachChangeUntilItIsSwitchedOff) {
   Session session;
   EXPECT_EQ(session.ask("1d61ff"), hex("10 00 00 00"));
   session.printer.setFlag("coverOpen", true, session.now);
@@ -141,7 +141,7 @@ TEST(UnaskedStatus, IsSentAtOnceAndAtEachChangeUntilItIsEnded) {
   EXPECT_EQ(session.receive(), Bytes{});
 }
 
-TEST(UnaskedStatus, IsSentAtEveryChangeWhateverTheParameterIs) {
+TEST(UnaskedStatus, IsSentAtEveryChangeForEveryParameterExceptZero) {
   for (const char* const switchOn : {"1d6101", "1d6108", "1d6180"}) {
     Session session;
     EXPECT_EQ(session.ask(switchOn), hex("10 00 00 00")) << switchOn;
@@ -152,7 +152,7 @@ TEST(UnaskedStatus, IsSentAtEveryChangeWhateverTheParameterIs) {
   }
 }
 
-TEST(UnaskedStatus, NamesErrorsInItsSecondByte) {
+TEST(UnaskedStatus, ReportsErrorsInItsSecondByte) {
   const std::pair<const char*, const char*> errors[] = {
       {"mechError", "18 04 00 00"},
       {"cutterError", "18 08 00 00"},
@@ -167,7 +167,7 @@ TEST(UnaskedStatus, NamesErrorsInItsSecondByte) {
   }
 }
 
-TEST(UnaskedStatus, EndsWithItsConnection) {
+TEST(UnaskedStatus, EndsWhenItsConnectionEnds) {
   Session session;
   session.ask("1d61ff");
   session.reconnect();
@@ -175,7 +175,7 @@ TEST(UnaskedStatus, EndsWithItsConnection) {
   EXPECT_EQ(session.receive(), Bytes{});
 }
 
-TEST(ClearBuffer, DropsTheDataAndConfirmsIt) {
+TEST(ClearBufferCommand, DropsTheDataAndIsConfirmed) {
   Session session(PrinterBuilder().coverOpen());
   session.send(ascii("dropped\n"));
   session.send(askId);
@@ -186,7 +186,7 @@ TEST(ClearBuffer, DropsTheDataAndConfirmsIt) {
   EXPECT_TRUE(session.printer.paper().items().empty());
 }
 
-TEST(ProofFaults, AffectOnlyRepliesOfOneKind) {
+TEST(FaultsOfOneReplyKind, DropOrRepeatOnlyRepliesOfThatKind) {
   Session session(with("drop-reply", "process-id"));
   EXPECT_EQ(session.ask(std::string(askId) + "1d7201 100401"), hex("00 12"));
   Session twice(with("duplicate-reply", "in-order"));
@@ -197,7 +197,7 @@ TEST(ProofFaults, AffectOnlyRepliesOfOneKind) {
   EXPECT_EQ(cleared.ask(clearBuffer), Bytes{});
 }
 
-TEST(ProofFaults, MakeOneKindOfReplyLateOrCutIt) {
+TEST(FaultsOfOneReplyKind, DelayOrSplitOnlyRepliesOfThatKind) {
   Session late(with("late-reply", "700@process-id"));
   EXPECT_EQ(late.ask("1d7201" + std::string(askId)), hex("00"));
   late.wait(700ms);
@@ -210,7 +210,7 @@ TEST(ProofFaults, MakeOneKindOfReplyLateOrCutIt) {
   EXPECT_EQ(split.receive(), hex("42 43 44 00"));
 }
 
-TEST(ProofFaults, AWrongIdIsWellFormedAndNotTheOneThatWasSent) {
+TEST(FaultsOfOneReplyKind, AWrongProcessIdIsWellFormedAndDiffersFromTheRequest) {
   for (unsigned seed = 0; seed < 40; ++seed) {
     Faults faults = with("wrong-id", "all");
     faults.seed = seed;
@@ -227,7 +227,7 @@ TEST(ProofFaults, AWrongIdIsWellFormedAndNotTheOneThatWasSent) {
   }
 }
 
-TEST(ProofFaults, AForeignReplyPrecedesTheRightOne) {
+TEST(FaultsOfOneReplyKind, AForeignReplyPrecedesTheRightReply) {
   Session id(with("foreign-reply", "process-id"));
   const Bytes both = id.ask(askId);
   ASSERT_EQ(both.size(), 2 * idReport.size());
@@ -237,7 +237,7 @@ TEST(ProofFaults, AForeignReplyPrecedesTheRightOne) {
   EXPECT_EQ(status.ask("1d7201"), hex("00 00"));
 }
 
-TEST(ProofFaults, AForeignReportHasAnyCountButTheRightOne) {
+TEST(FaultsOfOneReplyKind, AForeignReportNeverHasTheRightCount) {
   std::set<std::uint8_t> counts;
   for (unsigned seed = 0; seed < 2000; ++seed) {
     Faults faults = with("foreign-reply", "block");
@@ -252,7 +252,7 @@ TEST(ProofFaults, AForeignReportHasAnyCountButTheRightOne) {
   EXPECT_EQ(counts.count(1), 0U);
 }
 
-TEST(ProofFaults, RefuseAKindThatTheyCannotAffect) {
+TEST(FaultsOfOneReplyKind, RefuseAKindOfReplyThatTheFaultCannotAffect) {
   EXPECT_THROW(parseFault("foreign-reply", "unasked"), std::invalid_argument);
   EXPECT_THROW(parseFault("wrong-id", "in-order"), std::invalid_argument);
   EXPECT_THROW(parseFault("drop-reply", "status"), std::invalid_argument);

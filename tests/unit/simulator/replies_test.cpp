@@ -93,14 +93,14 @@ std::vector<Exchange> exchanges() {
   };
 }
 
-TEST(Replies, HaveTheDocumentedBytes) {
+TEST(PrinterReplies, HaveTheDocumentedBytes) {
   for (const Exchange& exchange : exchanges()) {
     Session session(exchange.printer);
     EXPECT_EQ(session.ask(exchange.request), exchange.reply) << exchange.what;
   }
 }
 
-TEST(Replies, AreTheSameWhereverTheRequestIsSplit) {
+TEST(PrinterReplies, AreTheSameIfTheRequestArrivesInPieces) {
   for (const Exchange& exchange : exchanges()) {
     const Bytes request = hex(exchange.request);
     for (std::size_t at = 0; at <= request.size(); ++at) {
@@ -115,7 +115,7 @@ TEST(Replies, AreTheSameWhereverTheRequestIsSplit) {
   }
 }
 
-TEST(Replies, ARecoveryRequestClearsErrorsAndCanDropTheData) {
+TEST(RecoveryRequest, ClearsErrorsAndCanDropTheData) {
   Session session(PrinterBuilder().with(Flag::CutterError));
   session.send(ascii("kept\n"));
   session.send("100501");
@@ -130,7 +130,7 @@ TEST(Replies, ARecoveryRequestClearsErrorsAndCanDropTheData) {
   EXPECT_TRUE(session.printer.state().flag(Flag::Offline));
 }
 
-TEST(Replies, EveryFlagHasItsOwnBit) {
+TEST(StatusBlock, HasABitForEachFlag) {
   for (std::size_t k = 0; k < flagCount; ++k) {
     PrinterState state;
     for (std::size_t other = 0; other < flagCount; ++other)
@@ -146,7 +146,7 @@ TEST(Replies, EveryFlagHasItsOwnBit) {
   }
 }
 
-TEST(Replies, OnlyCoverPaperAndErrorsMakeThePrinterOffLine) {
+TEST(OffLineFlag, IsSetByOpenCoverMissingPaperAndErrorsOnly) {
   for (std::size_t k = 0; k < flagCount; ++k) {
     const auto flag = static_cast<Flag>(k);
     const bool error = flag >= Flag::OverTemp && flag <= Flag::VoltageError;
@@ -156,7 +156,7 @@ TEST(Replies, OnlyCoverPaperAndErrorsMakeThePrinterOffLine) {
   }
 }
 
-TEST(Replies, AHostThatNeverReadsCannotMakeThePrinterRememberWithoutEnd) {
+TEST(PrinterReplies, TakeBoundedMemoryIfTheHostNeverReads) {
   Session session;
   for (int i = 0; i < 20'000; ++i)
     session.send(statusRequest);

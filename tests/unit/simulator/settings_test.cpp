@@ -14,7 +14,7 @@ namespace {
 using testing::HasSubstr;
 using testing::ThrowsMessage;
 
-TEST(Settings, EachKeyChangesItsValue) {
+TEST(PrinterSettings, CanBeSetByTheirKeys) {
   PrinterState state;
   state.set("coverOpen", "true");
   state.set("firmware", "Ver 2.10");
@@ -42,7 +42,7 @@ TEST(Settings, EachKeyChangesItsValue) {
   EXPECT_EQ(state.paperMillimetres(), 58U);
 }
 
-TEST(Settings, EachIsReadBackAsItWasSet) {
+TEST(PrinterSettings, AreReadBackAsTheyWereSet) {
   const std::pair<const char*, const char*> values[] = {
       {"lacks", "1b4c+1d286b"}, {"lacks", "none"},    {"codePages", "0:437+16:1252"},
       {"codePages", "small"},   {"flow", "xonxoff"},  {"flow", "none"},
@@ -58,7 +58,7 @@ TEST(Settings, EachIsReadBackAsItWasSet) {
   EXPECT_EQ(PrinterState().get("colour"), std::nullopt);
 }
 
-TEST(Settings, EveryFlagIsSetByItsName) {
+TEST(PrinterSettings, SetEachFlagByItsName) {
   for (std::size_t k = 0; k < flagCount; ++k) {
     PrinterState state;
     const auto flag = static_cast<Flag>(k);
@@ -69,7 +69,7 @@ TEST(Settings, EveryFlagIsSetByItsName) {
   }
 }
 
-TEST(Settings, AWrongValueIsRefusedWithTheKeyAndTheValuesItTakes) {
+TEST(PrinterSettings, TheErrorOfAWrongValueNamesTheKeyAndItsValues) {
   const struct {
     const char* key;
     const char* value;
@@ -101,7 +101,7 @@ TEST(Settings, AWrongValueIsRefusedWithTheKeyAndTheValuesItTakes) {
   }
 }
 
-TEST(Settings, ARefusalHasAPrintableText) {
+TEST(PrinterSettings, TheErrorOfAWrongValueIsPrintable) {
   const std::string odd = "\x1b[31m\a\x7f\xc2\x9b\n";
   const auto printable = [](char c) { return c >= ' ' && c <= '~'; };
   const auto expectShown = [&](const auto& refused) {
@@ -118,26 +118,26 @@ TEST(Settings, ARefusalHasAPrintableText) {
   expectShown([&] { parseFault("late-reply", odd); });
 }
 
-TEST(Settings, AFirmwareTextOf64CharactersFitsAndOneOf65DoesNot) {
+TEST(PrinterSettings, AcceptAFirmwareTextOfAtMost64Characters) {
   PrinterState state;
   EXPECT_NO_THROW(state.setFirmware(std::string(64, '~')));
   EXPECT_THROW(state.setFirmware(std::string(65, '~')), std::invalid_argument);
 }
 
-TEST(Settings, ButtonSecurityIsTheTwoTopBitsOfTheFirstByteOfBank1) {
+TEST(PrinterSettings, ButtonSecuritySetsTheTopTwoBitsOfDipSwitchBank1) {
   const PrinterState state = PrinterBuilder().dipBank1({0x15, 0x77}).buttonSecurity(2).state();
   EXPECT_EQ(state.dipBanks[0], (DipBank{0x95, 0x77}));
   EXPECT_EQ(state.buttonSecurity(), 2U);
   EXPECT_THROW(PrinterBuilder().buttonSecurity(4), std::invalid_argument);
 }
 
-TEST(Settings, AnAddressHasTwelveHexDigits) {
+TEST(PrinterSettings, ABluetoothAddressHasTwelveHexDigits) {
   EXPECT_EQ(PrinterBuilder().bluetoothAddress("0A1b2C3d4E5f").state().bluetoothAddress(),
             "0A1b2C3d4E5f");
   EXPECT_THROW(PrinterBuilder().bluetoothAddress("00:11:22:33:44:55"), std::invalid_argument);
 }
 
-TEST(Settings, ARunningPrinterAppliesThemAtOnce) {
+TEST(PrinterSettings, ChangeARunningPrinterAtOnce) {
   Session session;
   EXPECT_TRUE(session.printer.setFlag("coverOpen", true, session.now));
   EXPECT_FALSE(session.printer.setFlag("coverAjar", true, session.now));

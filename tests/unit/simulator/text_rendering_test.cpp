@@ -97,12 +97,12 @@ std::vector<Job> jobs() {
   };
 }
 
-TEST(TextRendering, ShowsEachCommandAsItIsRead) {
+TEST(ReceiptAsText, ShowsTheEffectOfEachCommand) {
   for (const Job& job : jobs())
     EXPECT_EQ(printed(job.bytes), job.text) << job.what;
 }
 
-TEST(TextRendering, IsTheSameWhereverTheJobIsSplit) {
+TEST(ReceiptAsText, IsTheSameIfTheJobArrivesInPieces) {
   for (const Job& job : jobs()) {
     for (std::size_t at = 0; at <= job.bytes.size(); ++at) {
       Session session(PrinterBuilder().narrowPaper());
@@ -114,20 +114,20 @@ TEST(TextRendering, IsTheSameWhereverTheJobIsSplit) {
   }
 }
 
-TEST(TextRendering, WidePaperHas48Columns) {
+TEST(ReceiptAsText, Has48ColumnsOnWidePaper) {
   EXPECT_EQ(printed(Bytes(49, 'x') + ascii("\n"), PrinterBuilder()),
             std::string(48, 'x') + "\nx\n");
 }
 
-TEST(TextRendering, InitialisingForgetsTheSettingsOfTheLastJob) {
+TEST(ReceiptAsText, InitialisationResetsTheFormatOfEarlierText) {
   EXPECT_EQ(printed(hex("1b6102 1d2111 1b3300") + hex("1b40") + ascii("a\n\nb\n")), "a\n\nb\n");
 }
 
-TEST(TextRendering, InitialisingForgetsAStoredImage) {
+TEST(ReceiptAsText, InitialisationDeletesAStoredImage) {
   EXPECT_EQ(printed(hex("1d284c 0b00 30 70 30 01 01 31 0800 0100 ff 1b40 1d284c 0200 30 32")), "");
 }
 
-TEST(TextRendering, ListsNoMoreThanAHundredKindsOfCommands) {
+TEST(ReceiptAsText, ListsNoMoreThanAHundredKindsOfCommands) {
   Session session;
   for (int n = 0; n < 256; ++n)
     session.send(Bytes{0x1d, 0x7c, static_cast<std::uint8_t>(n)});
@@ -135,21 +135,21 @@ TEST(TextRendering, ListsNoMoreThanAHundredKindsOfCommands) {
   EXPECT_EQ(session.printer.paper().skipped().at("others"), 156U);
 }
 
-TEST(TextRendering, ACutInTheSamePlaceIsOneCut) {
+TEST(ReceiptAsText, ShowsOneCutForSeveralCutsAtOnePlace) {
   const std::string once = printed(ascii("a\n") + hex("1d56 00"));
   EXPECT_EQ(printed(ascii("a\n") + hex("1d56 00 1d56 01 1d56 00")), once);
   EXPECT_EQ(printed(ascii("a\n") + hex("1d56 01 1d56 00")), once);
   EXPECT_NE(printed(ascii("a\n") + hex("1d56 01 1d56 01")), once);
 }
 
-TEST(Text, IsOfCodePage437UnlessAPrinterThatKnowsUtf8FindsItValid) {
+TEST(PrintedText, IsReadAsCodePage437UnlessItIsUtf8AndThePrinterSupportsUtf8) {
   EXPECT_EQ(printed(ascii("Caf\xc3\xa9 5 \xe2\x82\xac\n"), thatKnowsUtf8()), "Café 5 €\n");
   EXPECT_EQ(printed(hex("43 61 66 82 20 9c 35 0a"), thatKnowsUtf8()), "Café £5\n");
   EXPECT_EQ(printed(ascii("Caf\xc3\xa9\n")), "Caf├⌐\n");
   EXPECT_EQ(printed(hex("da c4 c4 bf 0a c0 c4 c4 d9 0a c9 cd cd bb 0a")), "┌──┐\n└──┘\n╔══╗\n");
 }
 
-TEST(Text, IsReadAndWrittenInUtf8ForAnyBytes) {
+TEST(Utf8Conversion, ReplacesInvalidBytesAndCharacters) {
   EXPECT_EQ(fromUtf8("A\x7f\u00e9\u20ac\U0001f600"), U"A\x7f\u00e9\u20ac\U0001f600");
   EXPECT_EQ(fromUtf8("\xe9"
                      "A\xe2\x82"),
@@ -160,18 +160,18 @@ TEST(Text, IsReadAndWrittenInUtf8ForAnyBytes) {
             "A");
 }
 
-TEST(Text, IsOfTheSelectedCodePageOnceOneIsSelected) {
+TEST(PrintedText, IsReadInTheSelectedCodePage) {
   EXPECT_EQ(printed(hex("1b7410 80 e9 0a")), "€é\n");
   EXPECT_EQ(printed(hex("1b7413 d5 82 0a")), "€é\n");
   EXPECT_EQ(printed(hex("1b7400 c3 a9 0a"), thatKnowsUtf8()), "├⌐\n");
   EXPECT_EQ(printed(hex("1b7400 1b40 c3 a9 0a"), thatKnowsUtf8()), "é\n");
 }
 
-TEST(Text, OfAnUnknownCodePageIsListedAndReadAsBefore) {
+TEST(PrintedText, IsReadAsBeforeIfAnUnknownCodePageIsSelected) {
   EXPECT_EQ(printed(hex("1b7410 1b74 ff e9 0a")), "é\n[not shown: 1b 74 ff (1)]\n");
 }
 
-TEST(Text, KeepsTheCharactersOfALongRunWhole) {
+TEST(PrintedText, IsNotDividedInsideACharacter) {
   std::string run;
   for (int i = 0; i < 500; ++i)
     run += "€";
@@ -180,7 +180,7 @@ TEST(Text, KeepsTheCharactersOfALongRunWhole) {
   EXPECT_EQ(lines, run);
 }
 
-TEST(Text, HasNoControlCharactersInIt) {
+TEST(PrintedText, ContainsNoControlCharacter) {
   EXPECT_EQ(printed(hex("c2 9b 33 31 6d 0a"), thatKnowsUtf8()), "┬¢31m\n");
   EXPECT_EQ(printed(hex("41 7f 42 0a")), "A⌂B\n");
 }

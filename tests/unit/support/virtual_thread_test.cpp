@@ -10,7 +10,7 @@ namespace quordalvane::test {
 namespace {
 
 /// A platform with a thread that runs its loop for a second when it is started.
-class VirtualThreads : public testing::Test {
+class VirtualThreadTest : public testing::Test {
  protected:
   void pass(std::uint64_t seconds) { platform_.clock().usleep(seconds * 1000000); }
 
@@ -19,7 +19,7 @@ class VirtualThreads : public testing::Test {
       platform_.makeThread([this] { platform_.currentRunLoop().runUntilDate(1); });
 };
 
-TEST_F(VirtualThreads, PerformARoutineAndWaitForIt) {
+TEST_F(VirtualThreadTest, RunsARoutineAndLetsTheCallerWaitForTheRoutine) {
   ASSERT_TRUE(thread_->start());
   std::thread::id performer;
   EXPECT_TRUE(thread_->performAndWait([&] {
@@ -31,7 +31,7 @@ TEST_F(VirtualThreads, PerformARoutineAndWaitForIt) {
   pass(5);
 }
 
-TEST_F(VirtualThreads, DropARoutineThatTheyRefusedBeforeTheyStarted) {
+TEST_F(VirtualThreadTest, ReleasesARoutineThatItRefusedBeforeItStarted) {
   const auto performed = std::make_shared<std::atomic<int>>(0);
   EXPECT_FALSE(thread_->performAndWait([performed] { ++*performed; }));
   EXPECT_EQ(performed.use_count(), 1);
@@ -40,13 +40,13 @@ TEST_F(VirtualThreads, DropARoutineThatTheyRefusedBeforeTheyStarted) {
   EXPECT_EQ(*performed, 0);
 }
 
-TEST_F(VirtualThreads, RefuseRoutinesWhenTheyHaveEnded) {
+TEST_F(VirtualThreadTest, RefusesARoutineAfterItHasEnded) {
   ASSERT_TRUE(thread_->start());
   pass(5);
   EXPECT_FALSE(thread_->performAndWait([] { FAIL() << "was performed"; }));
 }
 
-TEST_F(VirtualThreads, RefuseAWaitOfAThreadThatTheyDoNotSchedule) {
+TEST_F(VirtualThreadTest, ThrowsIfAThreadOutsideItsScheduleWaits) {
   ASSERT_TRUE(thread_->start());
   std::thread([&] {
     EXPECT_THROW(thread_->performAndWait([] { FAIL() << "was performed"; }), std::logic_error);

@@ -54,29 +54,29 @@ constexpr Case cases[] = {
      "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD"},
 };
 
-TEST(PrintableText, ShowsControlCharactersAsEscapesAndInvalidBytesAsReplacements) {
+TEST(PrintableText, EscapesControlCharactersAndReplacesInvalidBytes) {
   for (const Case& c : cases) {
     EXPECT_EQ(printable(c.text), c.shown) << c.what;
     EXPECT_EQ(json(c.text), '"' + std::string(c.shown) + '"') << c.what;
   }
 }
 
-TEST(PrintableText, IsPrintableExactlyWhenNothingWouldChange) {
+TEST(PrintableText, IsPrintableExactlyIfNoCharacterNeedsAnEscape) {
   for (const Case& c : cases) {
     EXPECT_EQ(isPrintable(c.text), c.text == c.shown) << c.what;
     EXPECT_TRUE(isPrintable(c.shown)) << c.what;
   }
 }
 
-TEST(PrintableText, ShowsQuotationMarksAndBackslashesUnchangedToPeople) {
+TEST(PrintableText, LeavesQuotationMarksAndBackslashesUnchanged) {
   EXPECT_EQ(printable(R"(a"b\c)"), R"(a"b\c)");
 }
 
-TEST(PrintableText, EscapesQuotationMarksAndBackslashesForJson) {
+TEST(PrintableText, EscapesQuotationMarksAndBackslashesInJson) {
   EXPECT_EQ(json(R"(a"b\c)"), R"("a\"b\\c")");
 }
 
-TEST(PrintableText, EscapesControlBytesInAnyPairOfBytes) {
+TEST(PrintableText, NeverContainsAControlCharacterForAnyPairOfBytes) {
   for (unsigned pair = 0; pair < 0x10000; ++pair) {
     const std::string text{static_cast<char>(pair >> 8U), static_cast<char>(pair & 0xFFU)};
     for (const std::string& shown : {printable(text), json(text)}) {
@@ -88,7 +88,7 @@ TEST(PrintableText, EscapesControlBytesInAnyPairOfBytes) {
   }
 }
 
-TEST(PrintableText, AppendsToTheText) {
+TEST(PrintableText, AppendsToTheOutput) {
   std::string out = "x";
   appendPrintable(out, "y");
   appendJsonString(out, "z");

@@ -5,7 +5,7 @@
 namespace quordalvane {
 namespace {
 
-TEST(Quoted, EscapesControlCharactersAndKeepsOtherLetters) {
+TEST(QuotedText, EscapesControlCharactersAndLeavesLettersUnchanged) {
   EXPECT_EQ(printable("K\xc3\xbc"
                       "che\x1b\n"),
             "K\xc3\xbc"
@@ -16,12 +16,12 @@ TEST(Quoted, EscapesControlCharactersAndKeepsOtherLetters) {
             "che\\u001b\\n\"");
 }
 
-TEST(Quoted, CutsALongTextAfter60Bytes) {
+TEST(QuotedText, CutsALongTextAfter60Bytes) {
   EXPECT_EQ(inQuotes(std::string(60, 'x')), '"' + std::string(60, 'x') + '"');
   EXPECT_EQ(inQuotes(std::string(61, 'x')), '"' + std::string(60, 'x') + "...\"");
 }
 
-TEST(Quoted, ReplacesACharacterThatTheCutDivides) {
+TEST(QuotedText, ReplacesACharacterThatIsCutInHalf) {
   EXPECT_EQ(inQuotes(std::string(59, 'x') + "\xc3\xbc"),
             '"' + std::string(59, 'x') + "\xEF\xBF\xBD...\"");
 }
