@@ -2,7 +2,7 @@
 
 #include "Sentences.h"
 
-static void TheFirmwareIsNullUntilItWasRetrieved(void) {
+static void TheFirmwareTextIsNullUntilItIsRetrieved(void) {
   QuorPort* port = openPortTo("virtual:,firmware=Till 4.2", QUOR_EMULATION_LINE);
   char text[32] = "before";
   size_t length = 99;
@@ -15,7 +15,7 @@ static void TheFirmwareIsNullUntilItWasRetrieved(void) {
   done(port);
 }
 
-static void ATooSmallBufferIsNotTouchedAndTheLengthIsStored(void) {
+static void ATooSmallBufferIsUnchangedAndTheNeededLengthIsReturned(void) {
   QuorPort* port = openPortTo("virtual:,firmware=Till 4.2", QUOR_EMULATION_ESCPOS);
   char text[9] = "before";
   size_t length = 0;
@@ -32,13 +32,13 @@ static void ATooSmallBufferIsNotTouchedAndTheLengthIsStored(void) {
   done(port);
 }
 
-static void AnOffLinePrinterGivesNoFirmwareText(void) {
+static void TheFirmwareOfAnOffLinePrinterCannotBeRetrieved(void) {
   QuorPort* port = openPortTo("virtual:,offline=true", QUOR_EMULATION_LINE);
   EXPECT_FAILURE(quor_port_retrieve_firmware_information(port), QUOR_FAILED, "firmware");
   done(port);
 }
 
-static void DipSwitchBanksGather(void) {
+static void RetrievedDipSwitchBanksAreStored(void) {
   QuorPort* port = openPortTo("virtual:,dip1=c102,dip2=0304", QUOR_EMULATION_LINE);
   const uint8_t both[] = {0xc1, 0x02, 0x03, 0x04};
   uint8_t banks[8] = {0};
@@ -53,7 +53,7 @@ static void DipSwitchBanksGather(void) {
   done(port);
 }
 
-static void OneDipSwitchBankIsAnsweredAndNotKept(void) {
+static void ASingleDipSwitchBankIsReturnedAndNotStored(void) {
   QuorPort* port = openPortTo("virtual:,dip2=0304", QUOR_EMULATION_LINE);
   uint8_t settings[3] = {0, 0, 0xee};
   size_t length = 99;
@@ -64,7 +64,7 @@ static void OneDipSwitchBankIsAnsweredAndNotKept(void) {
   done(port);
 }
 
-static void TheButtonSecurityTimeoutHoldsTheCreationTimeout(void) {
+static void TheButtonSecurityTimeoutIncludesTheTimeoutOfThePort(void) {
   QuorPort* port = openPortTo("virtual:,dip1=8000", QUOR_EMULATION_LINE);
   uint32_t milliseconds = 0;
   EXPECT(quor_port_retrieve_button_security_timeout(port, &milliseconds) == QUOR_OK);
@@ -72,7 +72,7 @@ static void TheButtonSecurityTimeoutHoldsTheCreationTimeout(void) {
   done(port);
 }
 
-static void AQuestionToASilentPrinterFails(void) {
+static void ARetrievalFromASilentPrinterFails(void) {
   QuorPort* port = openPortTo("virtual:,drop-reply=all", QUOR_EMULATION_LINE);
   uint32_t milliseconds = 7;
   uint8_t settings[2] = {7, 7};
@@ -103,7 +103,7 @@ static void TheBluetoothModuleAnswersAndDropsTheLink(void) {
   done(port);
 }
 
-static void TheModulesAddressIsReadByItsTitle(void) {
+static void TheAddressOfABluetoothModuleIsReadByItsTitle(void) {
   QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
   char text[64] = "";
   size_t length = 0;
@@ -123,7 +123,7 @@ static void TheModulesAddressIsReadByItsTitle(void) {
   done(port);
 }
 
-static void PropertiesKeepTheValuesThatWereSet(void) {
+static void PropertiesOfAPortReturnTheValuesThatWereSet(void) {
   QuorPort* port = portTo("virtual:", QUOR_EMULATION_ESCPOS);
   EXPECT(quor_port_emulation(port) == QUOR_EMULATION_ESCPOS);
   EXPECT(quor_port_timeout(port) == 3000);
@@ -151,7 +151,7 @@ static void TheSettingsStringSetsTheDataTimeout(void) {
   done(port);
 }
 
-static void TheAccessorysTextsAreThereWhileThePortIsOpen(void) {
+static void AnOpenPortHasTheTextsOfItsAccessory(void) {
   QuorPort* port = portTo("virtual:,name=Till,serial=S1,id=77,model=XQ700", QUOR_EMULATION_LINE);
   char text[8] = "";
   int32_t result = 7;
@@ -171,7 +171,7 @@ static void TheAccessorysTextsAreThereWhileThePortIsOpen(void) {
   quor_port_free(port);
 }
 
-static void TheAccessorysTextsCanBeSet(void) {
+static void TheNameAndTheSerialNumberOfAPortCanBeSet(void) {
   QuorPort* port = portTo("virtual:", QUOR_EMULATION_LINE);
   char text[8] = "";
   int32_t result = 7;
@@ -190,7 +190,7 @@ static void TheAccessorysTextsCanBeSet(void) {
   done(port);
 }
 
-static void AnAnswerThatHasNoPlaceIsAUsageErrorAndThePrinterIsNotAsked(void) {
+static void ANullResultPointerIsAUsageErrorAndSendsNothing(void) {
   QuorPort* port = openPortTo("virtual:,dip1=8000", QUOR_EMULATION_LINE);
   uint32_t milliseconds = 0;
   EXPECT_FAILURE(quor_port_result71(port, NULL), QUOR_USAGE, "result");
@@ -203,18 +203,18 @@ static void AnAnswerThatHasNoPlaceIsAUsageErrorAndThePrinterIsNotAsked(void) {
 }
 
 const Sentence informationSentences[] = {
-    SENTENCE(TheFirmwareIsNullUntilItWasRetrieved),
-    SENTENCE(ATooSmallBufferIsNotTouchedAndTheLengthIsStored),
-    SENTENCE(AnOffLinePrinterGivesNoFirmwareText),
-    SENTENCE(DipSwitchBanksGather),
-    SENTENCE(OneDipSwitchBankIsAnsweredAndNotKept),
-    SENTENCE(TheButtonSecurityTimeoutHoldsTheCreationTimeout),
-    SENTENCE(AQuestionToASilentPrinterFails),
+    SENTENCE(TheFirmwareTextIsNullUntilItIsRetrieved),
+    SENTENCE(ATooSmallBufferIsUnchangedAndTheNeededLengthIsReturned),
+    SENTENCE(TheFirmwareOfAnOffLinePrinterCannotBeRetrieved),
+    SENTENCE(RetrievedDipSwitchBanksAreStored),
+    SENTENCE(ASingleDipSwitchBankIsReturnedAndNotStored),
+    SENTENCE(TheButtonSecurityTimeoutIncludesTheTimeoutOfThePort),
+    SENTENCE(ARetrievalFromASilentPrinterFails),
     SENTENCE(TheBluetoothModuleAnswersAndDropsTheLink),
-    SENTENCE(TheModulesAddressIsReadByItsTitle),
-    SENTENCE(PropertiesKeepTheValuesThatWereSet),
+    SENTENCE(TheAddressOfABluetoothModuleIsReadByItsTitle),
+    SENTENCE(PropertiesOfAPortReturnTheValuesThatWereSet),
     SENTENCE(TheSettingsStringSetsTheDataTimeout),
-    SENTENCE(TheAccessorysTextsAreThereWhileThePortIsOpen),
-    SENTENCE(TheAccessorysTextsCanBeSet),
-    SENTENCE(AnAnswerThatHasNoPlaceIsAUsageErrorAndThePrinterIsNotAsked),
+    SENTENCE(AnOpenPortHasTheTextsOfItsAccessory),
+    SENTENCE(TheNameAndTheSerialNumberOfAPortCanBeSet),
+    SENTENCE(ANullResultPointerIsAUsageErrorAndSendsNothing),
     {NULL, NULL}};

@@ -2,7 +2,7 @@
 
 #include "Sentences.h"
 
-static void AJudgedStatusIsThePrinters(void) {
+static void AnInquiryReturnsTheStatusOfThePrinter(void) {
   QuorPort* port = openPortTo("virtual:,coverOpen=true", QUOR_EMULATION_LINE);
   QuorPrinterStatus_2 status = {0};
   int32_t online = 7;
@@ -16,7 +16,7 @@ static void AJudgedStatusIsThePrinters(void) {
   done(port);
 }
 
-static void APrinterSaysWhichProofItGives(void) {
+static void AnInquiryReturnsTheProofThatThePrinterSupports(void) {
   static const struct {
     const char* device;
     int32_t emulation;
@@ -35,7 +35,7 @@ static void APrinterSaysWhichProofItGives(void) {
   }
 }
 
-static void TheRestOfOneAnswerIsNotTakenForTheNext(void) {
+static void AnInquiryDoesNotTakeALateAnswerForTheNext(void) {
   QuorPort* port = openPortTo("virtual:,offline=true,split-reply=3@1", QUOR_EMULATION_LINE);
   int32_t online = 7;
   EXPECT(quor_printer_is_online(port, &online) == QUOR_OK);
@@ -43,7 +43,7 @@ static void TheRestOfOneAnswerIsNotTakenForTheNext(void) {
   done(port);
 }
 
-static void AnAnswerThatIsNotAPrintersIsUnreadable(void) {
+static void AnInquiryReportsAnInvalidAnswerAsUnreadable(void) {
   QuorPort* port = openPortTo("virtual:,stray-byte=41@1", QUOR_EMULATION_LINE);
   QuorPrinterStatus_2 status;
   memset(&status, 0x5a, sizeof status);
@@ -52,7 +52,7 @@ static void AnAnswerThatIsNotAPrintersIsUnreadable(void) {
   done(port);
 }
 
-static void JudgedQuestionsGiveEveryFactAboutThePrinter(void) {
+static void AnInquiryReturnsFirmwareDipSwitchesAndButtonSecurity(void) {
   QuorPort* port =
       openPortTo("virtual:,firmware=Till 4.2,dip1=8002,dip2=0304", QUOR_EMULATION_LINE);
   const uint8_t both[] = {0x80, 0x02, 0x03, 0x04};
@@ -73,7 +73,7 @@ static void JudgedQuestionsGiveEveryFactAboutThePrinter(void) {
   done(port);
 }
 
-static void AnOffLinePrinterIsNotAskedForItsFirmware(void) {
+static void AnInquiryForTheFirmwareOfAnOffLinePrinterIsNotReady(void) {
   QuorPort* port = openPortTo("virtual:,offline=true", QUOR_EMULATION_LINE);
   char text[16] = "before";
   EXPECT_FAILURE(quor_printer_firmware(port, text, sizeof text, NULL), QUOR_NOT_READY, "off line");
@@ -81,7 +81,7 @@ static void AnOffLinePrinterIsNotAskedForItsFirmware(void) {
   done(port);
 }
 
-static void AQuestionWithoutAnAnswerHasItsCause(void) {
+static void AnUnansweredInquiryReportsItsCause(void) {
   QuorPrinterStatus_2 status;
   QuorPort* port = openPortTo("virtual:,drop-reply=all", QUOR_EMULATION_LINE);
   EXPECT_FAILURE(quor_printer_status(port, &status, 0), QUOR_FAILED, "did not answer");
@@ -94,7 +94,7 @@ static void AQuestionWithoutAnAnswerHasItsCause(void) {
   done(port);
 }
 
-static void AJudgedAnswerThatHasNoPlaceIsAUsageError(void) {
+static void AnInquiryWithANullResultPointerIsAUsageError(void) {
   QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
   EXPECT_FAILURE(quor_printer_status(port, NULL, 0), QUOR_USAGE, "status");
   EXPECT_FAILURE(quor_printer_is_online(port, NULL), QUOR_USAGE, "answer");
@@ -105,12 +105,12 @@ static void AJudgedAnswerThatHasNoPlaceIsAUsageError(void) {
   done(port);
 }
 
-const Sentence inquirySentences[] = {SENTENCE(AJudgedStatusIsThePrinters),
-                                     SENTENCE(APrinterSaysWhichProofItGives),
-                                     SENTENCE(TheRestOfOneAnswerIsNotTakenForTheNext),
-                                     SENTENCE(AnAnswerThatIsNotAPrintersIsUnreadable),
-                                     SENTENCE(JudgedQuestionsGiveEveryFactAboutThePrinter),
-                                     SENTENCE(AnOffLinePrinterIsNotAskedForItsFirmware),
-                                     SENTENCE(AQuestionWithoutAnAnswerHasItsCause),
-                                     SENTENCE(AJudgedAnswerThatHasNoPlaceIsAUsageError),
+const Sentence inquirySentences[] = {SENTENCE(AnInquiryReturnsTheStatusOfThePrinter),
+                                     SENTENCE(AnInquiryReturnsTheProofThatThePrinterSupports),
+                                     SENTENCE(AnInquiryDoesNotTakeALateAnswerForTheNext),
+                                     SENTENCE(AnInquiryReportsAnInvalidAnswerAsUnreadable),
+                                     SENTENCE(AnInquiryReturnsFirmwareDipSwitchesAndButtonSecurity),
+                                     SENTENCE(AnInquiryForTheFirmwareOfAnOffLinePrinterIsNotReady),
+                                     SENTENCE(AnUnansweredInquiryReportsItsCause),
+                                     SENTENCE(AnInquiryWithANullResultPointerIsAUsageError),
                                      {0}};

@@ -12,7 +12,7 @@ static QuorPrintJob* jobOn(QuorPort* port) {
   return job;
 }
 
-static void AJobThatIsOnPaperIsReportedAsPrinted(void) {
+static void AJobOnPaperIsReportedAsPrinted(void) {
   QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
   QuorPrintJob* job = jobOn(port);
   QuorPrinterStatus_2 status = {0};
@@ -31,7 +31,7 @@ static void AJobThatIsOnPaperIsReportedAsPrinted(void) {
   done(port);
 }
 
-static void AJobRunsOnce(void) {
+static void AJobCanRunOnlyOnce(void) {
   QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
   QuorPrintJob* job = jobOn(port);
   EXPECT(quor_print_job_outcome(job) == QUOR_REFUSED);
@@ -42,7 +42,7 @@ static void AJobRunsOnce(void) {
   done(port);
 }
 
-static void AnUncheckedJobIsUnconfirmed(void) {
+static void AJobWithoutAProofIsUnconfirmed(void) {
   QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
   QuorPrintJob* job = NULL;
   QuorPrinterStatus_2 status = {0};
@@ -56,7 +56,7 @@ static void AnUncheckedJobIsUnconfirmed(void) {
   done(port);
 }
 
-static void AnOpenCoverRefusesTheJobWithReasonAndAdvice(void) {
+static void AJobIsRefusedWithReasonAndAdviceIfTheCoverIsOpen(void) {
   QuorPort* port = openPortTo("virtual:,coverOpen=true", QUOR_EMULATION_LINE);
   QuorPrintJob* job = jobOn(port);
   char text[256] = "";
@@ -72,7 +72,7 @@ static void AnOpenCoverRefusesTheJobWithReasonAndAdvice(void) {
   done(port);
 }
 
-static void ALinkLostInMidJobIsReportedWithTheExactCount(void) {
+static void AJobOnALostLinkIsUnconfirmedWithItsByteCount(void) {
   QuorPort* port = openPortTo("virtual:,cut-after-in=300", QUOR_EMULATION_LINE);
   QuorPrintJob* job = jobOn(port);
   static char data[1000];
@@ -87,7 +87,7 @@ static void ALinkLostInMidJobIsReportedWithTheExactCount(void) {
   done(port);
 }
 
-static void AJobSaysWhichProofWasUsed(void) {
+static void AJobReportsWhichProofWasUsed(void) {
   static const struct {
     const char* device;
     int32_t emulation;
@@ -112,7 +112,7 @@ static void AJobSaysWhichProofWasUsed(void) {
   }
 }
 
-static void AProofThatThereIsNotIsRefused(void) {
+static void AnUnknownProofIsRefused(void) {
   QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
   QuorPrintJob* job = NULL;
   EXPECT_FAILURE(quor_print_job_create(port, 5, NULL, NULL, &job), QUOR_USAGE, "no proof 5");
@@ -161,7 +161,7 @@ static void note(void* context, uint64_t accepted, uint64_t total) {
   steps->total = total;
 }
 
-static void ProgressGrowsToTheWholeJob(void) {
+static void ProgressReachesTheSizeOfTheJob(void) {
   QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
   QuorPrintJob* job = NULL;
   Steps steps = {0, 0, 0};
@@ -193,7 +193,7 @@ static void cancelFromAnotherThread(void* context, uint64_t accepted, uint64_t t
   }
 }
 
-static void AJobIsCancelledFromAnotherThread(void) {
+static void AJobCanBeCancelledFromAnotherThread(void) {
   QuorPort* port = openPortTo("virtual:,speed=100,buffer=512", QUOR_EMULATION_LINE);
   Canceller canceller = {.job = NULL, .started = false};
   static char data[100000];
@@ -211,7 +211,7 @@ static void AJobIsCancelledFromAnotherThread(void) {
   done(port);
 }
 
-static void AJobThatIsCancelledBeforeItBeganSendsNothing(void) {
+static void AJobCancelledBeforeItsBeginningSendsNothing(void) {
   QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
   QuorPrintJob* job = jobOn(port);
   quor_print_job_cancel(job);
@@ -223,7 +223,7 @@ static void AJobThatIsCancelledBeforeItBeganSendsNothing(void) {
   done(port);
 }
 
-static void AJobKeepsItsPortWhenTheHandleIsFreed(void) {
+static void AJobCanRunAfterThePortHandleIsFreed(void) {
   QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
   QuorPrintJob* job = jobOn(port);
   quor_port_free(port);
@@ -243,7 +243,7 @@ static int32_t countRead(void* context, const uint8_t* bytes, size_t count) {
   return countWrite(context, count);
 }
 
-static void AFreedPortsObserverIsNotCalledByTheJobThatKeepsThePort(void) {
+static void AJobDoesNotCallTheTransferObserverOfAFreedPort(void) {
   QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
   QuorPrintJob* job = jobOn(port);
   unsigned calls = 0;
@@ -254,7 +254,7 @@ static void AFreedPortsObserverIsNotCalledByTheJobThatKeepsThePort(void) {
   quor_print_job_free(job);
 }
 
-static void AJobsStatusNeedsAPlace(void) {
+static void TheStatusOfAJobNeedsAPointer(void) {
   QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
   QuorPrintJob* job = jobOn(port);
   EXPECT_FAILURE(quor_print_job_status(job, NULL), QUOR_USAGE, "status");
@@ -280,19 +280,19 @@ static void AJobNeedsAPortAndItsData(void) {
   done(port);
 }
 
-const Sentence jobSentences[] = {SENTENCE(AJobThatIsOnPaperIsReportedAsPrinted),
-                                 SENTENCE(AJobRunsOnce),
-                                 SENTENCE(AnUncheckedJobIsUnconfirmed),
-                                 SENTENCE(AnOpenCoverRefusesTheJobWithReasonAndAdvice),
-                                 SENTENCE(ALinkLostInMidJobIsReportedWithTheExactCount),
-                                 SENTENCE(AJobSaysWhichProofWasUsed),
-                                 SENTENCE(AProofThatThereIsNotIsRefused),
+const Sentence jobSentences[] = {SENTENCE(AJobOnPaperIsReportedAsPrinted),
+                                 SENTENCE(AJobCanRunOnlyOnce),
+                                 SENTENCE(AJobWithoutAProofIsUnconfirmed),
+                                 SENTENCE(AJobIsRefusedWithReasonAndAdviceIfTheCoverIsOpen),
+                                 SENTENCE(AJobOnALostLinkIsUnconfirmedWithItsByteCount),
+                                 SENTENCE(AJobReportsWhichProofWasUsed),
+                                 SENTENCE(AnUnknownProofIsRefused),
                                  SENTENCE(ProgressNamesTheCauseOfAPause),
-                                 SENTENCE(ProgressGrowsToTheWholeJob),
-                                 SENTENCE(AJobIsCancelledFromAnotherThread),
-                                 SENTENCE(AJobThatIsCancelledBeforeItBeganSendsNothing),
-                                 SENTENCE(AJobKeepsItsPortWhenTheHandleIsFreed),
-                                 SENTENCE(AFreedPortsObserverIsNotCalledByTheJobThatKeepsThePort),
-                                 SENTENCE(AJobsStatusNeedsAPlace),
+                                 SENTENCE(ProgressReachesTheSizeOfTheJob),
+                                 SENTENCE(AJobCanBeCancelledFromAnotherThread),
+                                 SENTENCE(AJobCancelledBeforeItsBeginningSendsNothing),
+                                 SENTENCE(AJobCanRunAfterThePortHandleIsFreed),
+                                 SENTENCE(AJobDoesNotCallTheTransferObserverOfAFreedPort),
+                                 SENTENCE(TheStatusOfAJobNeedsAPointer),
                                  SENTENCE(AJobNeedsAPortAndItsData),
                                  {NULL, NULL}};

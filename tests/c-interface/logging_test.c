@@ -27,7 +27,7 @@ static void exchangeAStatus(void) {
   done(port);
 }
 
-static void RecordsReachTheFunctionUntilItIsRemoved(void) {
+static void LogRecordsArePassedToTheFunctionUntilItIsRemoved(void) {
   Journal journal = {.complete = true};
   QuorLogSink* sink = NULL;
   REQUIRE(quor_log_add_function(note, &journal, &sink) == QUOR_OK);
@@ -41,7 +41,7 @@ static void RecordsReachTheFunctionUntilItIsRemoved(void) {
   EXPECT(journal.records == records);
 }
 
-static void NothingIsLoggedUntilItIsSwitchedOn(void) {
+static void NothingIsLoggedUntilLoggingIsSwitchedOn(void) {
   Journal journal = {.complete = true};
   QuorLogSink* sink = NULL;
   REQUIRE(quor_log_add_function(note, &journal, &sink) == QUOR_OK);
@@ -61,7 +61,7 @@ static void countLooksAtTheConnection(void* context, const QuorLogRecord* record
   *looks += strstr(record->method, "isConnected") != NULL;
 }
 
-static void AnOpenThatFailsLogsNothingThatNobodyAsked(void) {
+static void AFailedOpenLogsNoCheckOfTheConnection(void) {
   unsigned looks = 0;
   QuorLogSink* sink = NULL;
   REQUIRE(quor_log_add_function(countLooksAtTheConnection, &looks, &sink) == QUOR_OK);
@@ -74,7 +74,7 @@ static void AnOpenThatFailsLogsNothingThatNobodyAsked(void) {
   done(port);
 }
 
-static void OnlyWantedLevelsAreLogged(void) {
+static void OnlyTargetLevelsAreLogged(void) {
   const int32_t levels[] = {3, 63};
   const int32_t unknown[] = {3, 64};
   Journal journal = {.complete = true};
@@ -95,7 +95,7 @@ static void OnlyWantedLevelsAreLogged(void) {
   EXPECT(journal.records == 0);
 }
 
-static void AFileHoldsAnObjectALine(void) {
+static void ALogFileHasOneJsonObjectPerLine(void) {
   const char* const path = "c_interface_log.jsonl";
   QuorLogSink* sink = NULL;
   remove(path);
@@ -118,7 +118,7 @@ static void AFileHoldsAnObjectALine(void) {
   remove(path);
 }
 
-static void AFileThatCannotBeOpenedIsRefused(void) {
+static void ALogFileThatCannotBeOpenedIsRefused(void) {
   QuorLogSink* sink = NULL;
   EXPECT_FAILURE(quor_log_add_file("/no/such/folder/log", 0, 0, &sink), QUOR_UNEXPECTED,
                  "/no/such/folder/log");
@@ -128,7 +128,7 @@ static void AFileThatCannotBeOpenedIsRefused(void) {
   EXPECT_FAILURE(quor_log_add_standard_error(NULL), QUOR_USAGE, "sink");
 }
 
-static void StandardErrorIsASink(void) {
+static void LogRecordsCanBeWrittenToStandardError(void) {
   QuorLogSink* sink = NULL;
   QuorLogStatistics statistics = {0};
   REQUIRE(freopen("c_interface_stderr.txt", "w", stderr) != NULL);
@@ -166,7 +166,7 @@ static void waitAtTheGate(void* context, const QuorLogRecord* record) {
   pthread_mutex_unlock(&gate->mutex);
 }
 
-static void TheRemovalOfASinkAtWorkIsReported(void) {
+static void TheRemovalOfABusySinkIsReported(void) {
   Gate gate = {.mutex = PTHREAD_MUTEX_INITIALIZER, .changed = PTHREAD_COND_INITIALIZER};
   QuorLogSink* sink = NULL;
   REQUIRE(quor_log_add_function(waitAtTheGate, &gate, &sink) == QUOR_OK);
@@ -187,7 +187,7 @@ static void TheRemovalOfASinkAtWorkIsReported(void) {
   EXPECT(quor_log_flush(60000) == QUOR_OK);
 }
 
-static void TheQueueRefusesACapacityOfZeroOrAboveItsMaximum(void) {
+static void TheLogQueueRefusesACapacityOfZeroOrAboveItsMaximum(void) {
   EXPECT_FAILURE(quor_log_set_queue_capacity(0), QUOR_USAGE, "1 to 1048576");
   EXPECT_FAILURE(quor_log_set_queue_capacity(1048577), QUOR_USAGE, "1 to 1048576");
   EXPECT_FAILURE(quor_log_set_queue_capacity(SIZE_MAX), QUOR_USAGE, "1 to 1048576");
@@ -196,13 +196,13 @@ static void TheQueueRefusesACapacityOfZeroOrAboveItsMaximum(void) {
   EXPECT_FAILURE(quor_log_statistics(NULL), QUOR_USAGE, "statistics");
 }
 
-const Sentence loggingSentences[] = {SENTENCE(RecordsReachTheFunctionUntilItIsRemoved),
-                                     SENTENCE(NothingIsLoggedUntilItIsSwitchedOn),
-                                     SENTENCE(AnOpenThatFailsLogsNothingThatNobodyAsked),
-                                     SENTENCE(OnlyWantedLevelsAreLogged),
-                                     SENTENCE(AFileHoldsAnObjectALine),
-                                     SENTENCE(AFileThatCannotBeOpenedIsRefused),
-                                     SENTENCE(StandardErrorIsASink),
-                                     SENTENCE(TheRemovalOfASinkAtWorkIsReported),
-                                     SENTENCE(TheQueueRefusesACapacityOfZeroOrAboveItsMaximum),
+const Sentence loggingSentences[] = {SENTENCE(LogRecordsArePassedToTheFunctionUntilItIsRemoved),
+                                     SENTENCE(NothingIsLoggedUntilLoggingIsSwitchedOn),
+                                     SENTENCE(AFailedOpenLogsNoCheckOfTheConnection),
+                                     SENTENCE(OnlyTargetLevelsAreLogged),
+                                     SENTENCE(ALogFileHasOneJsonObjectPerLine),
+                                     SENTENCE(ALogFileThatCannotBeOpenedIsRefused),
+                                     SENTENCE(LogRecordsCanBeWrittenToStandardError),
+                                     SENTENCE(TheRemovalOfABusySinkIsReported),
+                                     SENTENCE(TheLogQueueRefusesACapacityOfZeroOrAboveItsMaximum),
                                      {NULL, NULL}};

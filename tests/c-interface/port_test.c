@@ -27,7 +27,7 @@ static void AnInvalidDeviceTextDoesNotChangeTheDevices(void) {
   done(port);
 }
 
-static void WithoutDevicesNoAccessoryMatches(void) {
+static void APortWithoutDevicesCannotBeOpened(void) {
   EXPECT(quor_connect_devices(NULL, 0) == QUOR_OK);
   QuorPort* port = NULL;
   REQUIRE(quor_port_create(NULL, NULL, 1000, QUOR_EMULATION_LINE, &port) == QUOR_OK);
@@ -35,7 +35,7 @@ static void WithoutDevicesNoAccessoryMatches(void) {
   done(port);
 }
 
-static void AnEmulationThatThereIsNotIsRefused(void) {
+static void AnUnknownEmulationIsRefused(void) {
   const char* const spec = "virtual:";
   REQUIRE(quor_connect_devices(&spec, 1) == QUOR_OK);
   QuorPort* port = NULL;
@@ -63,7 +63,7 @@ static void TheErrorOfAnUnreachablePrinterNamesItsPlace(void) {
   done(port);
 }
 
-static void TheReasonIsThatOfThePrinterThatThePortNameChooses(void) {
+static void AFailedOpenReportsTheReasonOfTheChosenPrinter(void) {
   const char* const specs[] = {"unix:/no/such/place,name=A,id=7",
                                "unix:/no/other/place,name=B,id=7"};
   const char* const names[] = {"BT:A", "BT:B"};
@@ -86,7 +86,7 @@ static void APortNameThatIsTooShortIsReported(void) {
   done(port);
 }
 
-static void NullIsAnsweredAndNotFollowed(void) {
+static void ANullPointerIsAUsageError(void) {
   size_t count = 0;
   EXPECT_FAILURE(quor_port_open(NULL), QUOR_USAGE, "port must not be null");
   EXPECT_FAILURE(quor_port_create(NULL, NULL, 0, 0, NULL), QUOR_USAGE, "null");
@@ -108,7 +108,7 @@ static void NullIsAnsweredAndNotFollowed(void) {
   done(port);
 }
 
-static void MoreBytesThanCanBeCountedAreNotEvenLookedAt(void) {
+static void AWriteOfMoreThanTwoGibibytesIsRefused(void) {
   QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
   size_t count = 99;
   EXPECT_FAILURE(quor_port_write(port, "a", (size_t)INT32_MAX + 1, &count), QUOR_USAGE, "counted");
@@ -145,7 +145,7 @@ static void BytesAreWrittenAndRead(void) {
   done(port);
 }
 
-static void ALostLinkFailsWithoutACount(void) {
+static void AReadOrWriteOnALostLinkFails(void) {
   QuorPort* port = openPortTo("virtual:,cut-after-in=1:at-once", QUOR_EMULATION_LINE);
   QuorPrinterStatus_2 status = {0};
   uint8_t byte = 0;
@@ -159,7 +159,7 @@ static void ALostLinkFailsWithoutACount(void) {
   done(port);
 }
 
-static void TheStatusReportsTheFault(void) {
+static void AStatusReportsAnOpenCover(void) {
   QuorPort* port = openPortTo("virtual:,coverOpen=true", QUOR_EMULATION_LINE);
   QuorPrinterStatus_2 status = {0};
   int32_t online = 1;
@@ -170,7 +170,7 @@ static void TheStatusReportsTheFault(void) {
   done(port);
 }
 
-static void APrinterOnLineIsOnLine(void) {
+static void TheOnlineStatusReportsAPrinterThatIsOnLine(void) {
   QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_ESCPOS);
   int32_t online = 0;
   EXPECT(quor_port_get_online_status(port, &online) == QUOR_OK);
@@ -178,7 +178,7 @@ static void APrinterOnLineIsOnLine(void) {
   done(port);
 }
 
-static void ASilentPrinterGivesNoStatus(void) {
+static void TheStatusOfASilentPrinterFails(void) {
   QuorPort* port = openPortTo("virtual:,drop-reply=all", QUOR_EMULATION_LINE);
   QuorPrinterStatus_2 status;
   memset(&status, 7, sizeof status);
@@ -191,7 +191,7 @@ static void ASilentPrinterGivesNoStatus(void) {
   done(port);
 }
 
-static void ACheckedBlockBeginsAndEnds(void) {
+static void ACheckedBlockCanBeBegunAndEnded(void) {
   QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
   QuorPrinterStatus_2 status = {0};
   int64_t result = QUOR_RESULT_FAILED;
@@ -205,7 +205,7 @@ static void ACheckedBlockBeginsAndEnds(void) {
   done(port);
 }
 
-static void ABlockOnAPrinterOffLineIsRefusedInItsResultCode(void) {
+static void ACheckedBlockOnAnOffLinePrinterIsRefusedByItsResultCode(void) {
   QuorPort* port = openPortTo("virtual:,offline=true", QUOR_EMULATION_LINE);
   QuorPrinterStatus_2 status = {0};
   int64_t result = QUOR_RESULT_SUCCESS;
@@ -215,7 +215,7 @@ static void ABlockOnAPrinterOffLineIsRefusedInItsResultCode(void) {
   done(port);
 }
 
-static void TheResultCodeReportsPaperInTheExit(void) {
+static void ACheckedBlockReportsPaperInTheExitByItsResultCode(void) {
   QuorPort* port = openPortTo("virtual:,paperPresent=true", QUOR_EMULATION_LINE);
   QuorPrinterStatus_2 status = {0};
   int64_t result = QUOR_RESULT_SUCCESS;
@@ -243,7 +243,7 @@ static int32_t countRead(void* context, const uint8_t* bytes, size_t count) {
   return 0;
 }
 
-static void ObserversSeeEveryByteAndStopAnOperation(void) {
+static void ATransferObserverSeesEveryByteAndCanStopAnOperation(void) {
   QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
   Traffic traffic = {0, 0, 0};
   uint8_t reply[4] = {0};
@@ -267,7 +267,7 @@ static void* lastErrorThere(void* unused) {
   return (void*)quor_last_error();
 }
 
-static void TheLastErrorIsEachThreadsOwn(void) {
+static void EachThreadHasItsOwnLastError(void) {
   EXPECT(strcmp(quor_last_error(), "") == 0);
   EXPECT_FAILURE(quor_port_open(NULL), QUOR_USAGE, "port");
   pthread_t thread;
@@ -278,29 +278,29 @@ static void TheLastErrorIsEachThreadsOwn(void) {
   EXPECT(strstr(quor_last_error(), "port") != NULL);
 }
 
-static void TheVersionIsThatOfTheProject(void) {
+static void TheVersionIsTheVersionOfTheProject(void) {
   EXPECT(strcmp(quor_version(), QUOR_VERSION) == 0);
 }
 
 const Sentence portSentences[] = {SENTENCE(APortNeedsDevices),
                                   SENTENCE(AnInvalidDeviceTextDoesNotChangeTheDevices),
-                                  SENTENCE(WithoutDevicesNoAccessoryMatches),
-                                  SENTENCE(AnEmulationThatThereIsNotIsRefused),
+                                  SENTENCE(APortWithoutDevicesCannotBeOpened),
+                                  SENTENCE(AnUnknownEmulationIsRefused),
                                   SENTENCE(APortIsConnectedFromOpenToClose),
                                   SENTENCE(TheErrorOfAnUnreachablePrinterNamesItsPlace),
-                                  SENTENCE(TheReasonIsThatOfThePrinterThatThePortNameChooses),
+                                  SENTENCE(AFailedOpenReportsTheReasonOfTheChosenPrinter),
                                   SENTENCE(APortNameThatIsTooShortIsReported),
-                                  SENTENCE(NullIsAnsweredAndNotFollowed),
-                                  SENTENCE(MoreBytesThanCanBeCountedAreNotEvenLookedAt),
+                                  SENTENCE(ANullPointerIsAUsageError),
+                                  SENTENCE(AWriteOfMoreThanTwoGibibytesIsRefused),
                                   SENTENCE(BytesAreWrittenAndRead),
-                                  SENTENCE(ALostLinkFailsWithoutACount),
-                                  SENTENCE(TheStatusReportsTheFault),
-                                  SENTENCE(APrinterOnLineIsOnLine),
-                                  SENTENCE(ASilentPrinterGivesNoStatus),
-                                  SENTENCE(ACheckedBlockBeginsAndEnds),
-                                  SENTENCE(ABlockOnAPrinterOffLineIsRefusedInItsResultCode),
-                                  SENTENCE(TheResultCodeReportsPaperInTheExit),
-                                  SENTENCE(ObserversSeeEveryByteAndStopAnOperation),
-                                  SENTENCE(TheLastErrorIsEachThreadsOwn),
-                                  SENTENCE(TheVersionIsThatOfTheProject),
+                                  SENTENCE(AReadOrWriteOnALostLinkFails),
+                                  SENTENCE(AStatusReportsAnOpenCover),
+                                  SENTENCE(TheOnlineStatusReportsAPrinterThatIsOnLine),
+                                  SENTENCE(TheStatusOfASilentPrinterFails),
+                                  SENTENCE(ACheckedBlockCanBeBegunAndEnded),
+                                  SENTENCE(ACheckedBlockOnAnOffLinePrinterIsRefusedByItsResultCode),
+                                  SENTENCE(ACheckedBlockReportsPaperInTheExitByItsResultCode),
+                                  SENTENCE(ATransferObserverSeesEveryByteAndCanStopAnOperation),
+                                  SENTENCE(EachThreadHasItsOwnLastError),
+                                  SENTENCE(TheVersionIsTheVersionOfTheProject),
                                   {NULL, NULL}};

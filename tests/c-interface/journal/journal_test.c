@@ -6,7 +6,7 @@
 #include "JournalInFolder.h"
 #include "Sentences.h"
 
-static void AJournalSaysWhichFileItIs(void) {
+static void AJournalReturnsThePathOfItsFile(void) {
   QuorJournal* journal = journalInFolder();
   char path[256] = "";
   size_t length = 0;
@@ -18,7 +18,7 @@ static void AJournalSaysWhichFileItIs(void) {
   quor_journal_free(NULL);
 }
 
-static void AJournalWithoutAFileNameLiesWhereStateLies(void) {
+static void AJournalWithoutAFileNameIsInTheStateFolder(void) {
   QuorJournal* journal = journalInFolder();
   char here[256] = "";
   char path[512] = "";
@@ -30,7 +30,7 @@ static void AJournalWithoutAFileNameLiesWhereStateLies(void) {
   quor_journal_free(journal);
 }
 
-static void AJournalThatCannotBeKeptHasACodeOfItsOwnAndNamesItsFile(void) {
+static void AJournalThatCannotBeOpenedHasItsOwnErrorCode(void) {
   QuorJournal* journal = NULL;
   EXPECT_FAILURE(quor_journal_open("/proc/jobs.db", &journal), QUOR_NO_JOURNAL, "/proc/jobs.db: ");
   EXPECT(journal == NULL);
@@ -52,7 +52,7 @@ static void see(void* context, const QuorJobRecord* job) {
   EXPECT((job->reason[0] == '\0') == (job->state == QUOR_JOB_PRINTED));
 }
 
-static void EachJobIsShownByItsName(void) {
+static void EachJobOfAJournalIsListedByItsName(void) {
   QuorJournal* journal = journalInFolder();
   Seen seen = {0};
   EXPECT(quor_journal_jobs(journal, see, &seen) == QUOR_OK);
@@ -67,7 +67,7 @@ static void EachJobIsShownByItsName(void) {
   quor_journal_free(journal);
 }
 
-static void AJobThatIsBeingPrintedIsShownAsSuchAndNotForgotten(void) {
+static void AJobThatIsBeingPrintedCannotBeForgotten(void) {
   QuorJournal* journal = journalInFolder();
   Seen seen = {0};
   EXPECT(printNamed(journal, "a", "virtual:coverOpen=true") == QUOR_REFUSED);
@@ -80,7 +80,7 @@ static void AJobThatIsBeingPrintedIsShownAsSuchAndNotForgotten(void) {
   quor_journal_free(journal);
 }
 
-static void AForgottenJobIsPrintedAsANewOne(void) {
+static void AForgottenJobIsPrintedAsANewJob(void) {
   QuorJournal* journal = journalInFolder();
   EXPECT(printNamed(journal, "a", "virtual:") == QUOR_PRINTED);
   EXPECT(quor_journal_forget(journal, "a") == QUOR_OK);
@@ -91,7 +91,7 @@ static void AForgottenJobIsPrintedAsANewOne(void) {
   quor_journal_free(journal);
 }
 
-static void OlderJobsAreForgottenAndCounted(void) {
+static void OlderJobsAreForgottenAndTheirNumberIsReturned(void) {
   QuorJournal* journal = journalInFolder();
   uint64_t count = 7;
   EXPECT(printNamed(journal, "a", "virtual:") == QUOR_PRINTED);
@@ -101,7 +101,7 @@ static void OlderJobsAreForgottenAndCounted(void) {
   quor_journal_free(journal);
 }
 
-static void AJournalsFunctionsNeedTheirPointers(void) {
+static void AJournalFunctionRefusesANullPointer(void) {
   QuorJournal* journal = journalInFolder();
   EXPECT_FAILURE(quor_journal_open("jobs.db", NULL), QUOR_USAGE, "place for the journal");
   EXPECT_FAILURE(quor_journal_jobs(NULL, see, NULL), QUOR_USAGE, "journal");
@@ -113,13 +113,13 @@ static void AJournalsFunctionsNeedTheirPointers(void) {
 }
 
 const Sentence journalSentences[] = {
-    SENTENCE(AJournalSaysWhichFileItIs),
-    SENTENCE(AJournalWithoutAFileNameLiesWhereStateLies),
-    SENTENCE(AJournalThatCannotBeKeptHasACodeOfItsOwnAndNamesItsFile),
-    SENTENCE(EachJobIsShownByItsName),
-    SENTENCE(AJobThatIsBeingPrintedIsShownAsSuchAndNotForgotten),
-    SENTENCE(AForgottenJobIsPrintedAsANewOne),
-    SENTENCE(OlderJobsAreForgottenAndCounted),
-    SENTENCE(AJournalsFunctionsNeedTheirPointers),
+    SENTENCE(AJournalReturnsThePathOfItsFile),
+    SENTENCE(AJournalWithoutAFileNameIsInTheStateFolder),
+    SENTENCE(AJournalThatCannotBeOpenedHasItsOwnErrorCode),
+    SENTENCE(EachJobOfAJournalIsListedByItsName),
+    SENTENCE(AJobThatIsBeingPrintedCannotBeForgotten),
+    SENTENCE(AForgottenJobIsPrintedAsANewJob),
+    SENTENCE(OlderJobsAreForgottenAndTheirNumberIsReturned),
+    SENTENCE(AJournalFunctionRefusesANullPointer),
     {NULL, NULL},
 };

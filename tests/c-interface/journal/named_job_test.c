@@ -12,7 +12,7 @@ static QuorPrintJob* jobOn(QuorPort* port, QuorProgress progress, void* context)
   return job;
 }
 
-static void AnUnknownNameIsPrintedAndRecorded(void) {
+static void AJobWithANewNameIsPrintedAndRecorded(void) {
   QuorJournal* journal = journalInFolder();
   QuorNamedJob* named = namedJob(journal, "receipt 1");
   char text[8] = "";
@@ -27,7 +27,7 @@ static void AnUnknownNameIsPrintedAndRecorded(void) {
   quor_journal_free(journal);
 }
 
-static void APrintedNameIsAnsweredAndNothingIsAskedOfThePort(void) {
+static void ARepeatedPrintedJobIsAnsweredWithoutThePort(void) {
   QuorJournal* journal = journalInFolder();
   EXPECT(printNamed(journal, "receipt 1", "virtual:") == QUOR_PRINTED);
   QuorPort* port = portTo("virtual:", QUOR_EMULATION_LINE); /* is never opened */
@@ -68,7 +68,7 @@ static void dieInTheMiddle(const char* name) {
   REQUIRE(waitpid(process, &status, 0) == process && status == 0);
 }
 
-static void AnUnfinishedJobIsUnconfirmedAndPrintedOnlyIfThatIsAskedFor(void) {
+static void AnUnfinishedJobIsUnconfirmedAndPrintedAgainOnlyOnRequest(void) {
   QuorJournal* journal = journalInFolder();
   dieInTheMiddle("receipt 1");
   QuorPort* port = portTo("virtual:", QUOR_EMULATION_LINE);
@@ -92,7 +92,7 @@ static void AnUnfinishedJobIsUnconfirmedAndPrintedOnlyIfThatIsAskedFor(void) {
   quor_journal_free(journal);
 }
 
-static void AnUnreachablePrinterIsRecordedAndTheJobIsPrintedLater(void) {
+static void AJobForAnUnreachablePrinterIsRecordedAndPrintedLater(void) {
   QuorJournal* journal = journalInFolder();
   QuorNamedJob* named = namedJob(journal, "receipt 1");
   EXPECT(quor_named_job_refuse(named, "cannot be reached") == QUOR_OK);
@@ -110,7 +110,7 @@ static void countWaits(void* context) {
   ++*(unsigned*)context;
 }
 
-static void ANameThatAnotherJobHasIsWaitedForAndThenUnconfirmed(void) {
+static void AJobIsUnconfirmedIfAnotherJobHasItsNamePastTheTimeout(void) {
   QuorJournal* journal = journalInFolder();
   QuorNamedJob* held = namedJob(journal, "receipt 1");
   unsigned waits = 0;
@@ -129,7 +129,7 @@ static void ANameThatAnotherJobHasIsWaitedForAndThenUnconfirmed(void) {
   quor_journal_free(journal);
 }
 
-static void NamesThatAreNoneAndOtherDataAreUsageErrors(void) {
+static void AnInvalidNameOrOtherDataUnderAKnownNameIsAUsageError(void) {
   QuorJournal* journal = journalInFolder();
   QuorNamedJobRequest request = {.name = "a\nb", .device = "virtual:"};
   QuorNamedJob* named = NULL;
@@ -143,7 +143,7 @@ static void NamesThatAreNoneAndOtherDataAreUsageErrors(void) {
   quor_journal_free(journal);
 }
 
-static void AJobUnderANameIsCancelledAsAnyOther(void) {
+static void ANamedJobCanBeCancelled(void) {
   QuorJournal* journal = journalInFolder();
   QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
   QuorPrintJob* job = jobOn(port, NULL, NULL);
@@ -163,7 +163,7 @@ static void note(void* context, uint64_t accepted, uint64_t total) {
   EXPECT(total == receiptSize);
 }
 
-static void ProgressIsAlsoReportedUnderAName(void) {
+static void ANamedJobReportsItsProgress(void) {
   QuorJournal* journal = journalInFolder();
   QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
   uint64_t accepted = 0;
@@ -179,7 +179,7 @@ static void ProgressIsAlsoReportedUnderAName(void) {
   quor_journal_free(journal);
 }
 
-static void ABeginningThatCannotBeRecordedSendsNothing(void) {
+static void AJobWhoseBeginningCannotBeRecordedSendsNothing(void) {
   QuorJournal* journal = journalInFolder();
   QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
   QuorPrintJob* job = jobOn(port, NULL, NULL);
@@ -206,7 +206,7 @@ static void fillDiskOnce(void* context, uint64_t accepted, uint64_t total) {
   }
 }
 
-static void AnOutcomeThatCannotBeRecordedIsReturnedWithAWarning(void) {
+static void AJobWhoseOutcomeCannotBeRecordedReturnsAWarning(void) {
   QuorJournal* journal = journalInFolder();
   QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
   QuorPrintJob* job = jobOn(port, fillDiskOnce, NULL);
@@ -222,7 +222,7 @@ static void AnOutcomeThatCannotBeRecordedIsReturnedWithAWarning(void) {
   quor_journal_free(journal);
 }
 
-static void ANamedJobKeepsItsJournalWhenTheHandleIsFreed(void) {
+static void ANamedJobCanRunAfterTheJournalHandleIsFreed(void) {
   QuorJournal* journal = journalInFolder();
   QuorNamedJob* named = namedJob(journal, "receipt 1");
   quor_journal_free(journal);
@@ -230,7 +230,7 @@ static void ANamedJobKeepsItsJournalWhenTheHandleIsFreed(void) {
   quor_named_job_free(named);
 }
 
-static void ANamedJobNeedsItsPointers(void) {
+static void ANamedJobFunctionRefusesANullPointer(void) {
   QuorJournal* journal = journalInFolder();
   QuorNamedJobRequest request = {.name = "a", .device = "virtual:"};
   QuorNamedJob* named = NULL;
@@ -251,17 +251,17 @@ static void ANamedJobNeedsItsPointers(void) {
 }
 
 const Sentence namedJobSentences[] = {
-    SENTENCE(AnUnknownNameIsPrintedAndRecorded),
-    SENTENCE(APrintedNameIsAnsweredAndNothingIsAskedOfThePort),
-    SENTENCE(AnUnfinishedJobIsUnconfirmedAndPrintedOnlyIfThatIsAskedFor),
-    SENTENCE(AnUnreachablePrinterIsRecordedAndTheJobIsPrintedLater),
-    SENTENCE(ANameThatAnotherJobHasIsWaitedForAndThenUnconfirmed),
-    SENTENCE(NamesThatAreNoneAndOtherDataAreUsageErrors),
-    SENTENCE(AJobUnderANameIsCancelledAsAnyOther),
-    SENTENCE(ProgressIsAlsoReportedUnderAName),
-    SENTENCE(ABeginningThatCannotBeRecordedSendsNothing),
-    SENTENCE(AnOutcomeThatCannotBeRecordedIsReturnedWithAWarning),
-    SENTENCE(ANamedJobKeepsItsJournalWhenTheHandleIsFreed),
-    SENTENCE(ANamedJobNeedsItsPointers),
+    SENTENCE(AJobWithANewNameIsPrintedAndRecorded),
+    SENTENCE(ARepeatedPrintedJobIsAnsweredWithoutThePort),
+    SENTENCE(AnUnfinishedJobIsUnconfirmedAndPrintedAgainOnlyOnRequest),
+    SENTENCE(AJobForAnUnreachablePrinterIsRecordedAndPrintedLater),
+    SENTENCE(AJobIsUnconfirmedIfAnotherJobHasItsNamePastTheTimeout),
+    SENTENCE(AnInvalidNameOrOtherDataUnderAKnownNameIsAUsageError),
+    SENTENCE(ANamedJobCanBeCancelled),
+    SENTENCE(ANamedJobReportsItsProgress),
+    SENTENCE(AJobWhoseBeginningCannotBeRecordedSendsNothing),
+    SENTENCE(AJobWhoseOutcomeCannotBeRecordedReturnsAWarning),
+    SENTENCE(ANamedJobCanRunAfterTheJournalHandleIsFreed),
+    SENTENCE(ANamedJobFunctionRefusesANullPointer),
     {NULL, NULL},
 };

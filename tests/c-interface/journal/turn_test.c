@@ -5,7 +5,7 @@ static void countWaits(void* context) {
   ++*(unsigned*)context;
 }
 
-static void JobsTakeTurnsOnOnePrinter(void) {
+static void AJobWaitsForItsTurnOnThePrinter(void) {
   QuorTurn* first = NULL;
   QuorTurn* second = NULL;
   unsigned waits = 0;
@@ -22,7 +22,7 @@ static void JobsTakeTurnsOnOnePrinter(void) {
   quor_turn_free(NULL);
 }
 
-static void NobodyWaitsForThePrinterOfThisProcess(void) {
+static void NoTurnIsNeededForTheVirtualPrinterOfThisProcess(void) {
   QuorTurn* turn = NULL;
   EXPECT(quor_turn_take("virtual:", 0, NULL, NULL, &turn) == QUOR_NONE);
   EXPECT(turn == NULL);
@@ -36,8 +36,8 @@ static void ATurnNeedsADevice(void) {
 }
 
 const Sentence turnSentences[] = {
-    SENTENCE(JobsTakeTurnsOnOnePrinter),
-    SENTENCE(NobodyWaitsForThePrinterOfThisProcess),
+    SENTENCE(AJobWaitsForItsTurnOnThePrinter),
+    SENTENCE(NoTurnIsNeededForTheVirtualPrinterOfThisProcess),
     SENTENCE(ATurnNeedsADevice),
     {NULL, NULL},
 };
