@@ -15,7 +15,7 @@ ADDRESS = "01:23:45:67:89:AB"
 DEVICE = f"bluetooth:{ADDRESS}"
 
 
-class Printing(BusCase):
+class BluetoothPrinting(BusCase):
     def printer(self, *settings: str) -> str:
         """The socket of a virtual printer."""
         options = [part for setting in settings for part in ("--set", setting)]
@@ -25,7 +25,7 @@ class Printing(BusCase):
     def receipt(self, lines: int) -> str:
         return self.file("receipt", b"a line of the receipt\n" * lines)
 
-    def test_a_receipt_is_printed_by_name_and_by_address(self):
+    def test_a_receipt_is_printed_by_the_printers_name_or_address(self):
         self.bluetooth(printer=self.printer())
         for device in (DEVICE, DEVICE.lower(), "bluetooth:Kitchen", "bluetooth:"):
             result = self.run_command("-d", device, "print", self.receipt(9), "--json")
@@ -37,13 +37,13 @@ class Printing(BusCase):
         for name in (f"BT:{ADDRESS}", "BT:Kitchen"):
             self.assertExit(0, self.run_command("-d", "bluetooth:", "-p", name, "status"))
 
-    def test_all_paired_printers_are_listed_and_nothing_else(self):
+    def test_list_shows_all_paired_printers_and_no_other_device(self):
         self.bluetooth("another=01:23:45:67:89:AC", "alias=Bar", "another=01:23:45:67:89:AD", "paired=no",
                        "another=01:23:45:67:89:AE", "class=5a020c")
         answer = self.run_command("-d", "bluetooth:", "list", "--json").json()
         self.assertEqual([found["name"] for found in answer["accessories"]], ["Kitchen", "Bar"])
 
-    def test_find_shows_the_printer_and_reports_the_kind_that_it_could_not_search(self):
+    def test_find_shows_the_printer_and_reports_that_the_network_was_not_searched(self):
         self.bluetooth()
         result = self.run_command("find", "--json")
         self.assertExit(0, result)
@@ -51,7 +51,7 @@ class Printing(BusCase):
                       result.json()["found"])
         self.assertIn("the network was not searched", result.err)
 
-    def test_a_service_that_ends_in_mid_job_is_a_lost_link_and_the_next_job_works(self):
+    def test_if_the_bluetooth_service_ends_during_a_job_the_link_is_lost_and_the_next_job_works(self):
         printer = self.printer("speed=500")
         service = self.bluetooth(printer=printer)
         process = self.start_command("-d", DEVICE, "print", self.receipt(400), "--json")
@@ -67,7 +67,7 @@ class Printing(BusCase):
         self.served.set(speed=0)
         self.assertExit(0, self.run_command("-d", DEVICE, "print", self.receipt(9)))
 
-    def test_a_bus_that_dies_in_mid_job_is_a_lost_link(self):
+    def test_if_the_message_bus_ends_during_a_job_the_link_is_lost(self):
         self.bluetooth(printer=self.printer("speed=500"))
         process = self.start_command("-d", DEVICE, "print", self.receipt(400), "--json")
         self.addCleanup(process.kill)
@@ -77,7 +77,7 @@ class Printing(BusCase):
         self.assertIn(process.returncode, (5, 6), out)
         self.assertIn(b"lost", out)
 
-    def test_a_printer_out_of_range_in_mid_job_is_a_lost_link_with_the_count(self):
+    def test_if_the_printer_leaves_the_range_during_a_job_the_lost_link_and_the_byte_count_are_reported(self):
         listener = self.open_local(self.folder / "printer")
         self.bluetooth(printer=str(self.folder / "printer"))
         process = self.start_command("-d", DEVICE, "print", "--unchecked", self.receipt(400), "--json")
@@ -117,13 +117,13 @@ FAILURES = {
 }
 
 
-class Failing(BusCase):
+class BluetoothFailures(BusCase):
     def assertTold(self, code: int, text: str):
         result = self.run_command("-d", DEVICE, "status", "--json")
         self.assertExit(code, result)
         self.assertIn(text, result.json()["error"])
 
-    def test_each_failure_has_its_text_its_exit_code_and_advice(self):
+    def test_each_failure_has_its_message_exit_status_and_advice(self):
         for name, (settings, code, text, advice) in FAILURES.items():
             service = self.bluetooth(*settings)
             with self.subTest(name):
@@ -133,14 +133,14 @@ class Failing(BusCase):
                 self.assertIn(advice, doctor.out)
             self.end(service)
 
-    def test_a_missing_bus_is_reported(self):
+    def test_a_missing_message_bus_is_reported(self):
         self.assertTold(3, "the system's message bus cannot be used")
 
-    def test_a_missing_service_is_reported(self):
+    def test_a_missing_bluetooth_service_is_reported(self):
         self.start_bus()
         self.assertTold(3, "the Bluetooth service does not run")
 
-    def test_a_service_that_hangs_is_reported_in_time(self):
+    def test_a_bluetooth_service_that_hangs_is_reported_within_12_seconds(self):
         service = self.bluetooth()
         service.send_signal(signal.SIGSTOP)
         self.addCleanup(service.send_signal, signal.SIGCONT)
@@ -149,14 +149,14 @@ class Failing(BusCase):
         self.assertIn("does not answer", result.json()["error"])
         self.assertLess(result.seconds, 12)
 
-    def test_a_missing_authorisation_is_reported_in_time(self):
+    def test_a_missing_authorisation_is_reported_within_15_seconds(self):
         self.bluetooth("never=yes")
         result = self.run_command("-d", DEVICE, "status", "--json")
         self.assertExit(3, result)
         self.assertIn("not authorised in time", result.json()["error"])
         self.assertLess(result.seconds, 15)
 
-    def test_control_characters_of_a_name_do_not_reach_the_terminal(self):
+    def test_control_characters_of_a_printers_name_are_escaped_on_the_terminal(self):
         self.bluetooth("alias=\x1b[2J" + "x" * 200, "error=org.bluez.Error.Failed \x1b[2J")
         result = self.run_command("-d", DEVICE, "status")
         self.assertExit(3, result)
@@ -167,7 +167,7 @@ class Loading(unittest.TestCase):
     def libraries(self, program: str) -> str:
         return subprocess.run(["ldd", program], check=True, capture_output=True, text=True).stdout
 
-    def test_a_program_without_bluetooth_loads_no_message_bus(self):
+    def test_the_port_library_does_not_link_the_message_bus(self):
         library = Path(os.environ["LIBRARIES"], "libQuorIOPort.so")
         self.assertNotRegex(self.libraries(str(library)), r"dbus|systemd")
         self.assertRegex(self.libraries(QUORPORT), r"libsdbus-c\+\+")

@@ -40,7 +40,7 @@ def install() -> str:
     return ""
 
 
-class Clients(unittest.TestCase):
+class OtherLibraries(unittest.TestCase):
     def setUp(self):
         self.start("escpos-80")
 
@@ -72,7 +72,7 @@ class Clients(unittest.TestCase):
         self.assertIn("Total 4.20", text, mode)
         return text
 
-    def test_other_libraries_print_some_scripts_and_question_marks_for_the_rest(self):
+    def test_other_libraries_print_question_marks_for_the_scripts_that_the_printer_lacks(self):
         """`quorport print --text` draws what a printer lacks; docs/text-and-pictures.md has these figures beside it."""
         scripts = [line.split(maxsplit=1) for line in SCRIPTS.read_text(encoding="utf-8").splitlines()[:10]]
         latin, right_to_left = {"Latin", "Euro", "Cyrillic"}, {"Greek", "Arabic", "Hebrew"}
@@ -82,15 +82,15 @@ class Clients(unittest.TestCase):
             self.assertEqual({script for script, words in scripts if words in paper}, arrives, client)
             self.assertEqual(paper.count("?"), marks, client)
 
-    def test_receiptio_prints_and_finds_the_printer_on_line_in_each_mode(self):
+    def test_receiptio_prints_and_reads_the_status_in_each_emulation(self):
         for mode in MODES:
             self.check("receiptio", mode)
 
-    def test_receiptio_finds_out_by_itself_how_the_printer_speaks(self):
+    def test_receiptio_detects_the_emulation_of_the_printer(self):
         self.start("both")
         self.check("receiptio")
 
-    def test_node_thermal_printer_is_connected_and_prints(self):
+    def test_node_thermal_printer_connects_and_prints(self):
         self.check("node-thermal-printer")
 
     def test_escpos_prints(self):
@@ -99,7 +99,7 @@ class Clients(unittest.TestCase):
     def test_node_escpos_gets_every_status_and_prints(self):
         self.check("@node-escpos")
 
-    def test_receipt_printer_encoder_chooses_code_pages_that_the_printer_has(self):
+    def test_receipt_printer_encoder_selects_code_pages_that_the_printer_has(self):
         self.assertIn("Grüße €", self.check("receipt-printer-encoder"))
 
 

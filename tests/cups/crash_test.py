@@ -151,7 +151,7 @@ class Crashes(unittest.TestCase):
         finally:
             lane.close()
 
-    def test_no_job_is_printed_twice_and_none_is_completed_without_paper(self):
+    def test_no_job_is_printed_twice_and_no_job_is_completed_without_paper(self):
         ends = []
         with concurrent.futures.ThreadPoolExecutor(len(POLICIES)) as lanes:
             results = lanes.map(lambda policy: self.run_lane(policy, "quor", QUOR, VICTIMS, MOMENTS), POLICIES)
@@ -168,7 +168,7 @@ class Crashes(unittest.TestCase):
         report("quor", ends)
         print(f"{len(ends)} cases: jobs that are {dict(states)}")
 
-    def test_the_print_systems_own_back_end_for_comparison(self):
+    def test_the_print_systems_own_back_end_is_measured_for_comparison(self):
         """This test asserts nothing: its figures are for comparison with ours. It tries half of the moments."""
         victims = ("worker", "scheduler stopped", "scheduler killed")
         with concurrent.futures.ThreadPoolExecutor(len(POLICIES)) as lanes:

@@ -31,17 +31,17 @@ class DocumentCase(QueueCase):
 
 
 class Documents(DocumentCase):
-    def test_of_a_raw_queue_are_each_printed_once(self):
+    def test_all_documents_of_a_job_are_printed_once_by_a_raw_queue(self):
         job = self.scheduler.print_documents(self.queue(self.printer), FIRST, SECOND)
         self.assertSettles(job, "completed")
         self.assertPaper(FIRST, SECOND)
 
-    def test_that_pass_a_filter_are_each_printed_once(self):
+    def test_all_documents_of_a_job_are_printed_once_by_a_queue_with_a_filter(self):
         job = self.scheduler.print_documents(self.filtered_queue(), FIRST, SECOND, FIRST, kind=TEXT)
         self.assertSettles(job, "completed")
         self.assertPaper(FIRST, SECOND, FIRST)
 
-    def test_that_a_person_sends_again_are_printed_again(self):
+    def test_documents_that_a_person_sends_again_are_printed_again(self):
         job = self.scheduler.print_documents(self.filtered_queue(), FIRST, SECOND, kind=TEXT)
         self.assertSettles(job, "completed")
         self.scheduler.on_job(ipp.RESTART_JOB, job)
@@ -53,11 +53,11 @@ class Documents(DocumentCase):
 class Banners(DocumentCase):
     SHEETS = ipp.attribute(ipp.NAME, "job-sheets", "slip", "slip")
 
-    def test_are_printed_before_and_after_a_receipt_of_a_raw_queue(self):
+    def test_banners_are_printed_before_and_after_a_receipt_of_a_raw_queue(self):
         self.assertSettles(self.print_job(self.queue(self.printer), RECEIPT, self.SHEETS), "completed")
         self.assertPaper(BANNER, RECEIPT, BANNER)
 
-    def test_are_printed_before_and_after_a_receipt_that_passes_a_filter(self):
+    def test_banners_are_printed_before_and_after_a_receipt_that_passes_a_filter(self):
         job = self.scheduler.print_job(self.filtered_queue(), RECEIPT, self.SHEETS, kind=TEXT)
         self.assertSettles(job, "completed")
         self.assertPaper(BANNER, RECEIPT, BANNER)
@@ -66,13 +66,13 @@ class Banners(DocumentCase):
 class Copies(DocumentCase):
     THREE = ipp.attribute(ipp.INTEGER, "copies", 3)
 
-    def test_are_each_confirmed(self):
+    def test_each_copy_is_confirmed_by_itself(self):
         job = self.print_job(self.queue(self.printer), RECEIPT, self.THREE)
         self.assertSettles(job, "completed")
         self.assertEqual(self.story(job).count("PAGE: "), 3)
         self.assertPaper(RECEIPT * 3)
 
-    def test_are_confirmed_together_if_the_queue_asks_for_it(self):
+    def test_all_copies_are_confirmed_together_if_the_queue_is_set_so(self):
         job = self.print_job(self.queue(self.printer, query="?copies=together"), RECEIPT, self.THREE)
         self.assertSettles(job, "completed")
         self.assertEqual(self.story(job).count("PAGE: "), 1)

@@ -35,7 +35,7 @@ def pdf(content: bytes, width: float, height: float) -> bytes:
                    % (len(objects) + 1, table, len(objects) + 1, len(file)))
 
 
-class Everywhere(Application, QueueCase):
+class DriverlessQueue(Application, QueueCase):
     """The queue `till` of a scheduler, for the printer `till` of the application."""
 
     back_ends = {"ipp": INSTALLED / "backend/ipp"}
@@ -62,7 +62,7 @@ class Everywhere(Application, QueueCase):
         found, = self.receipt_files("png", 1)
         return found
 
-    def test_a_pdf_is_confirmed_and_looks_like_its_page(self):
+    def test_a_pdf_is_printed_like_its_page_and_confirmed(self):
         page = pdf(MARKS, 80 * MILLIMETRE, 200 * MILLIMETRE)
         self.assertSettles(self.print_file("page.pdf", page), "completed")
         drawn = subprocess.run(["gs", "-q", "-sDEVICE=pgmraw", f"-r{DOTS_PER_INCH}", "-o", "-", self.folder / "page.pdf"],
@@ -74,19 +74,19 @@ class Everywhere(Application, QueueCase):
         self.assertLess(sum(differences) / len(differences), 0.01)
         self.assertLess(max(differences), 0.1)
 
-    def test_two_copies_are_two(self):
+    def test_two_copies_take_twice_the_bytes_of_one(self):
         page = pdf(MARKS, 80 * MILLIMETRE, 200 * MILLIMETRE)
         self.assertSettles(self.print_file("page.pdf", page), "completed")
         once = printed(self.printer)
         self.assertSettles(self.print_file("page.pdf", page, "-n", "2"), "completed")
         self.assertAlmostEqual((printed(self.printer) - once) / once, 2, delta=0.05)
 
-    def test_a_text_is_confirmed_and_on_paper(self):
+    def test_a_text_is_printed_and_confirmed(self):
         self.assertSettles(self.print_file("receipt.txt", b"Espresso  2.20\nCake  3.80\n"), "completed")
         ink = pictures.inked(pictures.of_receipt(self.picture()))
         self.assertGreater(sum(map(sum, ink)), 500)
 
-    def test_a_job_waits_for_the_printer_and_is_completed_by_its_paper(self):
+    def test_a_job_waits_until_the_cover_is_closed_and_is_then_completed(self):
         self.printer.set(coverOpen=True)
         job = self.print_file("page.pdf", pdf(MARKS, 80 * MILLIMETRE, 200 * MILLIMETRE))
         eventually(lambda: "cover-open" in " ".join(self.scheduler.reasons("till")), "the queue shows the cover")
@@ -95,7 +95,7 @@ class Everywhere(Application, QueueCase):
         self.assertSettles(job, "completed")
         self.assertTrue(self.picture())
 
-    def test_a_job_of_which_nobody_knows_is_not_printed_again(self):
+    def test_a_job_that_may_be_on_paper_is_not_printed_again(self):
         """The print system itself decides the state of this job, and may call it completed: see the guide."""
         page = pdf(MARKS, 80 * MILLIMETRE, 200 * MILLIMETRE)
         self.assertSettles(self.print_file("page.pdf", page), "completed")

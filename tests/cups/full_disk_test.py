@@ -36,14 +36,14 @@ class FullDisk(QueueCase):
         (self.disk / "filler").unlink()
 
 
-class OfTheJournal(FullDisk):
+class FullDiskOfTheJournal(FullDisk):
     def setUp(self):
         super().setUp()
         self.mount("cache")
         self.printer = self.simulator()
         self.queue(self.printer)
 
-    def test_a_full_disk_of_the_journal_makes_a_job_wait_before_it_is_sent(self):
+    def test_a_job_waits_unsent_while_the_disk_of_the_journal_is_full(self):
         self.fill()
         job = self.print_job("till")
         eventually(lambda: "waiting: the journal" in self.scheduler.message("till"), "the journal is named")
@@ -52,7 +52,7 @@ class OfTheJournal(FullDisk):
         self.assertSettles(job, "completed")
         self.assertEqual(self.copies(self.printer), 1)
 
-    def test_a_disk_that_fills_during_a_job_changes_nothing_on_paper(self):
+    def test_a_job_is_printed_once_if_the_disk_fills_during_printing(self):
         self.printer.set(speed=200)
         job = self.print_job("till", RECEIPT * 20)
         eventually(lambda: self.printer.state()["printedBytes"] > 0, "the job is under way")
@@ -65,14 +65,14 @@ class OfTheJournal(FullDisk):
         self.assertEqual(self.copies(self.printer, len(RECEIPT) * 20), 2)
 
 
-class OfTheSpool(FullDisk):
+class FullDiskOfTheSpool(FullDisk):
     def setUp(self):
         super().setUp()
         self.mount("spool")
         self.printer = self.simulator()
         self.queue(self.printer)
 
-    def test_a_full_disk_of_the_spool_refuses_a_job_and_prints_the_next(self):
+    def test_a_job_is_refused_while_the_disk_of_the_spool_is_full_and_the_next_is_printed(self):
         self.fill()
         with self.assertRaises((ipp.Refused, OSError, http.client.HTTPException)):
             self.print_job("till", RECEIPT * 10_000)
@@ -80,7 +80,7 @@ class OfTheSpool(FullDisk):
         self.assertSettles(self.print_job("till"), "completed")
         self.assertEqual(self.copies(self.printer), 1)
 
-    def test_a_lost_record_of_a_held_job_causes_no_second_copy(self):
+    def test_a_held_job_whose_record_is_lost_is_not_printed_twice(self):
         self.printer.set(coverOpen=True)
         job = self.print_job("till", RECEIPT * 40)
         self.assertWaits(job, "till", "waiting: cover open", "cover-open-error", "offline-report")

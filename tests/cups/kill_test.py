@@ -12,7 +12,7 @@ KILLED = 137
 FIRST_FILE = "/stat"  # calls are counted from its opening: the scheduler's record in /proc, read before anything else is done
 
 
-class Killed(ProgramCase):
+class KilledBackEnd(ProgramCase):
     def killed_at(self, call: int) -> tuple[int, bool, bool]:
         """The exit code, whether the back end asks the scheduler to stop the queue, and whether the receipt is on
         paper."""
@@ -21,7 +21,7 @@ class Killed(ProgramCase):
         code, said = self.run_to_end(self.start(self.printer, self.receipt, options=f"job-uuid={call}", under=under))
         return code, "STATE: paused\n" in said, printed(self.printer) > before
 
-    def test_the_death_of_the_back_end_is_always_noticed(self):
+    def test_a_back_end_that_is_killed_at_any_call_has_reported_or_printed_the_job(self):
         self.printer, self.receipt = self.simulator(), self.file("receipt", RECEIPT)
         call, code = 0, KILLED
         while code == KILLED:
@@ -32,7 +32,7 @@ class Killed(ProgramCase):
         self.assertGreater(call, 10)
         print(f"{call} cases")
 
-    def test_the_print_systems_library_does_not_delay_its_beginning(self):
+    def test_the_back_end_does_not_load_the_print_systems_library(self):
         said = subprocess.run(["ldd", QUOR], capture_output=True, text=True, check=True).stdout
         self.assertNotIn("libcups", said)
 

@@ -23,25 +23,25 @@ class Listing(BusCase):
     def assertInTime(self):
         self.assertLess(least(lambda: self.list()[1], LIMIT), LIMIT)
 
-    def test_has_a_line_for_each_printer_in_the_form_of_the_print_system(self):
+    def test_the_back_end_lists_each_printer_in_the_form_of_the_print_system(self):
         self.bluetooth("alias=Kitchen", "another=01:23:45:67:89:AC", 'alias=The "best"')
         lines = [line for line in self.list()[0].splitlines() if "bluetooth" in line]
         self.assertEqual(lines, [
             f'direct quor:/bluetooth/{ADDRESS} "Unknown" "Kitchen" "CLS:PRINTER;" ""',
             r'direct quor:/bluetooth/01:23:45:67:89:AC "Unknown" "The \"best\"" "CLS:PRINTER;" ""'])
 
-    def test_takes_less_than_three_seconds(self):
+    def test_the_list_takes_less_than_three_seconds(self):
         self.bluetooth()
         self.assertInTime()
 
-    def test_takes_no_longer_if_the_services_never_answer(self):
+    def test_the_list_takes_less_than_three_seconds_even_if_a_service_never_answers(self):
         listener = socket.socket(socket.AF_UNIX)
         self.addCleanup(listener.close)
         listener.bind(str(self.socket))
         listener.listen()
         self.assertInTime()
 
-    def test_works_on_a_system_without_services(self):
+    def test_the_list_takes_less_than_three_seconds_without_services(self):
         self.assertInTime()
 
 
@@ -67,24 +67,24 @@ class Uris(BusCase):
         self.assertEqual(process.wait(DEADLINE), 0, said)
         eventually(lambda: printer.state()["printedBytes"] == len(RECEIPT), "the receipt is on paper")
 
-    def test_name_a_printer_at_a_local_socket(self):
+    def test_a_uri_can_name_a_printer_at_a_local_socket(self):
         printer = self.simulator(f"unix:{self.folder}/a printer")
         self.assertPrints(f"quor:/unix{self.folder}/a%20printer", printer)
 
-    def test_name_a_printer_on_a_serial_line(self):
+    def test_a_uri_can_name_a_printer_on_a_serial_line(self):
         printer = self.simulator("pty:")
         self.assertPrints(f"quor:/serial{printer.place.removeprefix('pty:').removeprefix('serial:')}?baud=115200", printer)
 
-    def test_name_a_printer_that_is_paired(self):
+    def test_a_uri_can_name_a_paired_bluetooth_printer(self):
         printer = self.simulator(f"unix:{self.folder}/printer")
         self.bluetooth(printer=printer.place.partition(":")[2])
         self.assertPrints(f"quor:/bluetooth/{ADDRESS}", printer)
 
-    def test_may_contain_the_text_of_a_device(self):
+    def test_a_uri_can_contain_a_device_text(self):
         printer = self.simulator()
         self.assertPrints(f"quor:{printer.place},name=Kitchen", printer)
 
-    def test_of_printers_that_are_not_there_say_what_is_missing(self):
+    def test_the_queue_message_of_a_missing_printer_names_the_missing_device(self):
         self.assertRegex(self.why_it_waits("quor:/usb/4711"), "4711")
         self.assertRegex(self.why_it_waits("quor:/serial/dev/ttyNone"), "ttyNone")
         self.assertRegex(self.why_it_waits("quor:/unix/run/nobody"), "/run/nobody")

@@ -58,7 +58,7 @@ class Load(QueueCase):
     def settle(self, job: int) -> str:
         return eventually(lambda: (now := self.scheduler.state(job)) in SETTLED and now, f"job {job} ends")
 
-    def test_each_job_is_on_paper_once_and_in_the_order_of_its_queue(self):
+    def test_each_job_is_printed_once_and_in_the_order_of_its_queue(self):
         printers = [self.simulator("tcp:0", "--receipts", str(self.folder / f"paper{number}")) for number in range(QUEUES)]
         queues = [self.queue(printer, f"till{number}") for number, printer in enumerate(printers)]
         weathers = [Weather(printer, seed) for seed, printer in enumerate(printers)]

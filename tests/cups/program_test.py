@@ -15,7 +15,7 @@ OK, IO_ERROR, NO_RESPONSE, NOT_IMPLEMENTED = 1, 2, 4, 7
 
 
 class Data(ProgramCase):
-    def test_may_be_in_a_file_or_in_a_pipe(self):
+    def test_the_data_of_a_job_is_read_from_a_file_or_from_a_pipe(self):
         printer = self.simulator()
         code, said = self.run_to_end(self.start(printer, self.file("data", RECEIPT)))
         self.assertEqual((code, printed(printer)), (DONE, len(RECEIPT)), said)
@@ -23,7 +23,7 @@ class Data(ProgramCase):
         code, said = self.run_to_end(self.start(printer, copies=3, options="job-uuid=b"), RECEIPT)
         self.assertEqual((code, printed(printer)), (DONE, 2 * len(RECEIPT)), "the filters make the copies of a pipe")
 
-    def test_that_are_empty_cancel_the_job(self):
+    def test_a_job_without_data_is_canceled(self):
         printer = self.simulator()
         for process, data in ((self.start(printer), b""), (self.start(printer, self.file("empty", b"")), None)):
             code, said = self.run_to_end(process, data)
@@ -31,27 +31,27 @@ class Data(ProgramCase):
             self.assertIn("ERROR: the job cannot be printed: it is empty: there is nothing to print", said)
         self.assertEqual(printed(printer), 0)
 
-    def test_that_cannot_be_read_hold_the_job(self):
+    def test_a_job_whose_data_cannot_be_read_is_held(self):
         code, said = self.run_to_end(self.start(self.simulator(), str(self.folder / "gone")))
         self.assertEqual(code, HOLD, said)
         self.assertIn("ERROR: the job cannot be read: No such file", said)
 
 
 class Copies(ProgramCase):
-    def test_are_confirmed_one_by_one(self):
+    def test_copies_are_confirmed_one_by_one(self):
         printer = self.simulator()
         code, said = self.run_to_end(self.start(printer, self.file("data", RECEIPT), copies=3))
         self.assertEqual((code, printed(printer)), (DONE, 3 * len(RECEIPT)), said)
         for copy in (1, 2, 3):
             self.assertIn(f"PAGE: {copy} 1\n", said)
 
-    def test_can_be_confirmed_together(self):
+    def test_copies_can_be_confirmed_together(self):
         printer = self.simulator()
         code, said = self.run_to_end(self.start(printer, self.file("data", RECEIPT), copies=3, query="?copies=together"))
         self.assertEqual((code, printed(printer)), (DONE, 3 * len(RECEIPT)), said)
         self.assertIn("PAGE: 1 3\n", said)
 
-    def test_that_are_on_paper_are_not_printed_with_the_rest(self):
+    def test_copies_that_are_printed_are_not_repeated_when_the_job_is_restarted(self):
         printer = self.simulator("tcp:0", "--set", "speed=400")
         file = self.file("data", RECEIPT * 4)
         process = self.start(printer, file, copies=3)
@@ -68,7 +68,7 @@ class Copies(ProgramCase):
 
 
 class Stopped(ProgramCase):
-    def test_a_job_under_way_ends_with_0_within_a_second(self):
+    def test_a_stopped_back_end_ends_with_status_0_within_a_second(self):
         printer = self.simulator("tcp:0", "--set", "speed=200")
         file = self.file("data", RECEIPT * 50)
 
@@ -83,7 +83,7 @@ class Stopped(ProgramCase):
 
         self.assertLess(least(stopped, 1), 1)
 
-    def test_a_job_is_held_if_anybody_but_its_scheduler_stops_it(self):
+    def test_a_job_is_held_if_another_process_than_the_scheduler_stops_the_back_end(self):
         printer = self.simulator("tcp:0", "--set", "speed=200")
         process = self.start(printer, self.file("data", RECEIPT * 50))
         eventually(lambda: printer.state()["printedBytes"] > 0, "it prints")
@@ -92,7 +92,7 @@ class Stopped(ProgramCase):
         self.assertEqual(code, HOLD, said)
         self.assertIn("ERROR: unconfirmed: cancelled", said)
 
-    def test_a_job_that_waits_ends_when_its_scheduler_has_gone(self):
+    def test_a_waiting_back_end_ends_when_its_scheduler_has_ended(self):
         printer = self.simulator()
         printer.set(coverOpen=True)
         process = self.start(printer, self.file("data", RECEIPT))
@@ -104,8 +104,8 @@ class Stopped(ProgramCase):
         self.assertEqual(printed(printer), 0)
 
 
-class OfAClass(ProgramCase):
-    def test_a_refused_job_goes_to_the_next_printer(self):
+class JobOfAClass(ProgramCase):
+    def test_a_refused_job_of_a_class_is_printed_on_the_next_printer(self):
         printer = self.simulator()
         printer.set(coverOpen=True)
         code, said = self.run_to_end(self.start(printer, self.file("data", RECEIPT), CLASS="tills"))
@@ -114,14 +114,14 @@ class OfAClass(ProgramCase):
         self.assertEqual(self.run_to_end(self.start(other, self.file("data", RECEIPT), CLASS="tills"))[0], DONE)
         self.assertEqual(printed(other), len(RECEIPT))
 
-    def test_an_unconfirmed_job_does_not_go_to_the_next_printer(self):
+    def test_an_unconfirmed_job_of_a_class_is_not_printed_on_the_next_printer(self):
         printer = self.simulator("tcp:0", "--set", "cut-after-in=45")
         code, said = self.run_to_end(self.start(printer, self.file("data", RECEIPT), CLASS="tills"))
         self.assertEqual(code, HOLD, said)
 
 
 class Arguments(ProgramCase):
-    def test_that_do_not_describe_a_job_are_refused(self):
+    def test_arguments_that_describe_no_job_are_refused(self):
         for arguments in (("1",), ("1", "anna", "receipt", "none", "", "/dev/null")):
             said = subprocess.run([QUOR, *arguments], capture_output=True, timeout=DEADLINE,
                                   env={"DEVICE_URI": "quor:/usb", "CUPS_CACHEDIR": str(self.folder)})
@@ -162,7 +162,7 @@ class SideChannel(ProgramCase):
         printer.set(receiptPaperEmpty=False)
         self.assertEqual(process.wait(DEADLINE), DONE)
 
-    def test_says_that_the_output_is_drained_when_it_is_printed(self):
+    def test_reports_that_the_output_is_drained_after_it_is_printed(self):
         printer = self.simulator()
         printer.set(coverOpen=True)
         process = self.start(printer, self.file("data", RECEIPT), channel=self.theirs)
@@ -189,7 +189,7 @@ class SideChannel(ProgramCase):
         self.assertEqual(self.answer(), (DRAIN, IO_ERROR, b""))
         self.assertEqual(process.wait(DEADLINE), HOLD)
 
-    def test_answers_at_once_that_it_cannot_drain_during_a_job(self):
+    def test_refuses_a_drain_at_once_while_data_is_still_arriving(self):
         printer = self.simulator()
         process = self.start(printer, channel=self.theirs)
         process.stdin.write(RECEIPT)
@@ -202,7 +202,7 @@ class SideChannel(ProgramCase):
         self.assertEqual(process.wait(DEADLINE), DONE)
         self.assertEqual(printed(printer), 2 * len(RECEIPT))
 
-    def test_drains_the_data_of_a_pipe_that_is_closed(self):
+    def test_drains_the_data_after_its_pipe_is_closed(self):
         printer = self.simulator()
         printer.set(coverOpen=True)
         process = self.start(printer, channel=self.theirs)

@@ -5,7 +5,7 @@ from queues import RECEIPT, QueueCase, eventually, ipp
 
 
 class OnePrinterOfTwoQueues(QueueCase):
-    def test_prints_their_jobs_one_after_the_other(self):
+    def test_a_printer_of_two_queues_prints_their_jobs_one_after_the_other(self):
         receipts = self.folder / "receipts"
         printer = self.simulator("tcp:0", "--receipts", str(receipts), "--set", "speed=200")
         first, second = self.queue(printer, "first"), self.queue(printer, "second")
@@ -21,7 +21,7 @@ class OnePrinterOfTwoQueues(QueueCase):
         self.assertEqual("".join(file.read_text() for file in sorted(receipts.glob("*.txt"))),
                          "for the first queue\n" * 20 + "for the second queue\n" * 20)
 
-    def test_is_free_when_the_job_that_has_it_is_canceled(self):
+    def test_a_printer_of_two_queues_is_free_after_its_job_is_canceled(self):
         printer = self.simulator()
         printer.set(coverOpen=True)
         first, second = self.queue(printer, "first"), self.queue(printer, "second")
@@ -36,7 +36,7 @@ class OnePrinterOfTwoQueues(QueueCase):
         self.assertEqual(self.copies(printer), 1)
 
 
-class Class(QueueCase):
+class PrinterClass(QueueCase):
     def setUp(self):
         super().setUp()
         self.printers = [self.simulator(), self.simulator()]
@@ -48,14 +48,14 @@ class Class(QueueCase):
     def paper(self) -> list[float]:
         return [self.copies(printer) for printer in self.printers]
 
-    def test_a_job_that_a_printer_refuses_is_printed_on_the_next_one(self):
+    def test_a_job_that_one_printer_refuses_is_printed_on_the_next_printer(self):
         self.printers[0].set(coverOpen=True)
         jobs = [self.print_on_class() for _ in range(3)]
         for job in jobs:
             self.assertSettles(job, "completed")
         self.assertEqual(self.paper(), [0, 3])
 
-    def test_a_job_that_all_printers_refuse_waits_for_one_of_them(self):
+    def test_a_job_that_all_printers_refuse_is_printed_when_one_of_them_is_ready(self):
         for printer in self.printers:
             printer.set(coverOpen=True)
         job = self.print_on_class()
@@ -66,7 +66,7 @@ class Class(QueueCase):
         self.assertSettles(job, "completed")
         self.assertEqual(self.paper(), [0, 1])
 
-    def test_a_job_of_which_nobody_knows_is_not_printed_on_the_next_one(self):
+    def test_a_job_that_may_be_on_paper_is_not_printed_on_the_next_printer(self):
         for printer in self.printers:
             printer.control({"fault": {"cut-after-in": 45}})
         self.assertSettles(self.print_on_class(), "held")

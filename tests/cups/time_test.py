@@ -13,7 +13,7 @@ LEAST, GREATEST = 9, 40  # jobs on each back end
 MOST = 0.150  # seconds more than the peer
 
 
-class Times(QueueCase):
+class JobTime(QueueCase):
     back_ends = {"quor": QUOR, "socket": SOCKET}
 
     def seconds(self, queue: str, file: str) -> float:
@@ -24,7 +24,7 @@ class Times(QueueCase):
         self.assertSettles(job, "completed")
         return time.monotonic() - began
 
-    def test_at_most_150_ms_more_than_a_back_end_that_confirms_nothing(self):
+    def test_a_job_takes_at_most_150_ms_more_than_with_a_back_end_that_confirms_nothing(self):
         """Compares the shortest of several times: other work on the machine only makes a time longer."""
         ours, theirs = self.simulator(), self.simulator()
         self.queue(ours, "ours")

@@ -105,7 +105,7 @@ class Guides(ProgramTest):
             self.assertRegex(actual, re.compile(rf"\A{pattern(expected)}\Z", re.S), f"of: {command}")
         self.assertEqual(len(shown), len(wanted) + 1)
 
-    def test_each_command_prints_the_lines_after_it(self):
+    def test_each_command_in_a_guide_prints_the_shown_output(self):
         runs = []
         with ThreadPoolExecutor(AT_ONCE) as pool:
             for page in PAGES:
@@ -118,7 +118,7 @@ class Guides(ProgramTest):
                 run.result()
         self.assertGreater(len(runs), 10)
 
-    def test_no_command_is_shown_that_is_not_run(self):
+    def test_each_command_that_a_guide_shows_is_run_by_a_test(self):
         for page in PAGES:
             text = page.read_text()
             for kind, block in BLOCK.findall(text):
@@ -141,7 +141,7 @@ class DecisionTable(ProgramTest):
         result = self.run_program(QUORPORT, "-d", row["device"], *timeout, "--log", log, "print", job)
         return result, [line for line in log.read_text().splitlines() if '"typeName":"Error"' in line]
 
-    def test_the_printer_of_each_row_causes_the_message_of_the_row(self):
+    def test_the_fault_of_each_row_causes_the_message_of_the_row(self):
         rows = list(ROW.finditer((SOURCES / "docs/did-not-print.md").read_text()))
         self.assertGreater(len(rows), 10)
         with ThreadPoolExecutor(AT_ONCE) as pool:

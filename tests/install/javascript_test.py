@@ -27,13 +27,13 @@ class JavaScript(ProgramTest):
                               capture_output=True, text=True, timeout=60, env={**os.environ, "NODE_PATH": self.modules})
         return done.returncode, done.stdout + done.stderr
 
-    def test_it_reports_each_outcome(self):
+    def test_the_javascript_example_reports_each_outcome(self):
         self.assertEqual(self.outcome("virtual:"), (0, "printed \n"))
         self.assertEqual(self.outcome("virtual:,coverOpen=true"), (1, "refused cover open\n"))
         code, text = self.outcome("virtual:,cut-after-in=300")
         self.assertEqual((code, text.split()[0]), (6, "unconfirmed"))
 
-    def test_it_names_the_fault(self):
+    def test_the_javascript_example_names_the_cause_of_a_failure(self):
         code, text = self.outcome("nonsense:")
         self.assertEqual(code, 1)
         self.assertIn("nonsense", text)

@@ -58,24 +58,24 @@ class Manual(ProgramTest):
         self.assertEqual(rendered.stderr, "")
         return re.sub(".\b", "", rendered.stdout).replace("‐", "-").replace("−", "-")
 
-    def test_it_names_every_command_and_every_option_and_no_others(self):
+    def test_the_manual_page_names_every_command_and_exactly_the_options_of_the_help(self):
         text = self.text()
         self.assertEqual(all_options(), set(re.findall(r"(?<!\S)\[?(--[a-z-]+)", text)))
         for command in commands():
             self.assertRegex(text, rf"(?m)^ +{command}\b")
 
-    def test_it_names_every_fault_and_no_other(self):
+    def test_the_manual_page_names_exactly_the_faults_of_the_simulator(self):
         listed = re.findall(r'FaultKind::\w+, "([\w-]+)"', (SOURCES / "simulator/Faults.cpp").read_text())
         self.assertGreater(len(listed), 10)
         text = " ".join(self.text().split())
         told = re.search(r"And it takes faults: (.*?), which causes", text).group(1)
         self.assertEqual(sorted(re.split(r", and |, | and ", told)), sorted([*listed, "seed"]))
 
-    def test_it_names_every_exit_status(self):
+    def test_the_manual_page_names_every_exit_status(self):
         told = re.findall(r"(?m)^ {7}(\d+) ", self.text().partition("EXIT STATUS")[2].partition("ENVIRONMENT")[0])
         self.assertEqual(told, "0 1 2 3 4 5 6 7 129 130 143".split())
 
-    def test_its_version_is_the_commands(self):
+    def test_the_manual_page_has_the_version_of_the_command(self):
         version = self.run_program(QUORPORT, "--version").stdout.split()[-1]
         self.assertIn(f"QuorIOPort {version}", MANUAL.read_text())
 
@@ -87,37 +87,37 @@ class BashCompletion(ProgramTest):
         self.assertEqual(result.stderr, "")
         return result.stdout.split()
 
-    def test_it_offers_the_commands(self):
+    def test_commands_are_offered(self):
         self.assertEqual(self.offered("quorport "), commands())
         self.assertEqual(self.offered("quorport -d tcp:192.0.2.10:9100 onl"), ["online"])
         self.assertEqual(self.offered("quorport --log-level 3 --json can"), ["cancel"])
 
-    def test_it_offers_each_command_its_options(self):
+    def test_the_options_of_each_command_are_offered(self):
         top = options(help_of())
         self.assertEqual(set(self.offered("quorport --")), top)
         for command in commands():
             expected = top - {"--version"} | options(help_of(command))
             self.assertEqual(set(self.offered(f"quorport {command} --")), expected, command)
 
-    def test_it_offers_the_values_that_the_help_lists(self):
+    def test_the_values_that_the_help_lists_are_offered(self):
         self.assertEqual(self.offered("quorport -e "), ["line", "escpos", "unknown"])
         self.assertEqual(self.offered("quorport print --proof "), proofs())
         self.assertEqual(self.offered("quorport simulate --per "), ["cut", "job", "connection"])
 
-    def test_it_offers_the_schemes_of_devices(self):
+    def test_the_schemes_of_devices_are_offered(self):
         for option in ("-d ", "--device ", "--device="):
             self.assertEqual(sorted(self.offered(f"quorport {option}")), schemes())
         self.assertEqual(self.offered("quorport -d v"), ["virtual:"])
 
-    def test_it_offers_the_places_and_the_settings_of_a_served_printer(self):
+    def test_the_places_and_the_settings_of_a_virtual_printer_are_offered(self):
         self.assertEqual(self.offered("quorport simulate --listen "), ["tcp:", "unix:", "pty:"])
         self.assertEqual(sorted(self.offered("quorport simulate --set ")), settings())
         self.assertEqual(self.offered("quorport simulate --set=coverO"), ["coverOpen="])
 
-    def test_it_offers_the_value_of_an_option_with_an_equals_sign(self):
+    def test_values_are_offered_after_an_equals_sign(self):
         self.assertEqual(self.offered("quorport --emulation=es"), ["escpos"])
 
-    def test_it_offers_nothing_for_a_free_value(self):
+    def test_nothing_is_offered_for_an_arbitrary_value(self):
         for line in ("quorport -p ", "quorport --timeout ", "quorport --timeout=", "quorport simulate --control "):
             self.assertEqual(self.offered(line), [], line)
 
@@ -133,16 +133,16 @@ class ZshCompletion(ProgramTest):
         found, = (line for line in self.specifications(*command) if line.startswith(f"*{option}=["))
         return re.search(r":\((.*)\)$", found).group(1).replace("\\", "").split()
 
-    def test_it_offers_the_commands(self):
+    def test_commands_are_offered(self):
         self.assertEqual([line.partition(":")[0] for line in self.specifications()], commands())
 
-    def test_it_offers_each_command_its_options(self):
+    def test_the_options_of_each_command_are_offered(self):
         top = options(help_of())
         for command in commands():
             offered = set(re.findall(r"(?m)^\*?(--[a-z-]+)", "\n".join(self.specifications(command))))
             self.assertEqual(offered, top - {"--version"} | options(help_of(command)), command)
 
-    def test_it_offers_values(self):
+    def test_the_values_of_options_are_offered(self):
         self.assertEqual(sorted(self.values("--device", "list")), schemes())
         self.assertEqual(self.values("--emulation", "list"), ["line", "escpos", "unknown"])
         self.assertEqual(self.values("--proof", "print"), proofs())

@@ -38,8 +38,8 @@ class Chaos:
         self.thread.join()
 
 
-class Crowd(Case):
-    def test_each_name_is_on_paper_once_or_reported_as_unconfirmed(self):
+class ManyProcesses(Case):
+    def test_each_named_job_is_printed_once_or_reported_as_unconfirmed(self):
         simulator = self.simulator("tcp:0", "--set", f"speed={SPEED}", "--receipts", str(self.folder / "paper"))
         journal = self.folder / "jobs.db"
         told = collections.defaultdict(set)

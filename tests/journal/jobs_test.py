@@ -10,7 +10,7 @@ KEYS = {"job", "attempt", "repeated"}
 RECEIPT = b"Espresso  2.20\nTotal     2.20\n"
 
 
-class Jobs(Case):
+class NamedJobs(Case):
     def setUp(self):
         super().setUp()
         self.journal = self.folder / "jobs.db"
@@ -26,7 +26,7 @@ class Jobs(Case):
     def receipts(self, simulator) -> int:
         return simulator.state()["printedBytes"]
 
-    def test_a_name_is_printed_once_even_if_it_is_printed_again(self):
+    def test_a_job_with_a_known_name_is_printed_only_once(self):
         for emulation in ("line", "escpos"):
             simulator = self.simulator()
             first = self.print_job(simulator.place, emulation, "-e", emulation)
@@ -39,19 +39,19 @@ class Jobs(Case):
             self.assertEqual(again.json()["bytesAccepted"], len(RECEIPT))
             self.assertEqual(self.receipts(simulator), printed)
 
-    def test_people_read_that_it_was_printed_before(self):
+    def test_the_message_says_that_the_job_was_printed_before(self):
         simulator = self.simulator()
         self.print_job(simulator.place, "one")
         result = run("-d", simulator.place, "print", "-", "--job", "one", "--journal", self.journal, data=RECEIPT)
         self.assertIn("printed: already, in attempt 1; nothing was sent now", result.out)
 
-    def test_a_printed_name_is_answered_without_its_printer(self):
+    def test_a_printed_job_is_answered_even_if_its_printer_is_missing(self):
         simulator = self.simulator()
         self.assertExit(0, self.print_job(simulator.place, "one"))
         simulator.kill()
         self.assertExit(0, self.print_job(simulator.place, "one"))
 
-    def test_a_job_of_a_killed_process_is_unconfirmed_until_a_user_asks_for_it_again(self):
+    def test_a_job_of_a_killed_process_is_unconfirmed_until_a_user_prints_the_job_again(self):
         simulator = self.simulator("tcp:0", "--set", "speed=5")
         process = start("-d", simulator.place, "print", self.file("receipt", RECEIPT), "--job", "one", "--journal", self.journal)
         eventually(lambda: simulator.state()["printedBytes"] > 0, "it prints")
@@ -72,7 +72,7 @@ class Jobs(Case):
         self.assertEqual((again.json()["outcome"], again.json()["attempt"]), ("printed", 2))
         self.assertGreater(self.receipts(simulator), printed)
 
-    def test_a_name_that_is_being_printed_is_waited_for(self):
+    def test_print_waits_for_another_process_that_prints_the_same_job(self):
         simulator = self.simulator("tcp:0", "--set", "speed=20")
         first = start("-d", simulator.place, "print", self.file("receipt", RECEIPT), "--job", "one", "--journal", self.journal)
         eventually(lambda: self.receipts(simulator) > 0, "it prints")
@@ -85,7 +85,7 @@ class Jobs(Case):
         self.assertIn("another process is printing this job: waiting", patient.err)
         self.assertExit(0, finish(first, time.monotonic()))
 
-    def test_other_data_under_the_name_is_a_usage_error(self):
+    def test_other_data_under_a_known_name_is_a_usage_error(self):
         simulator = self.simulator()
         self.assertExit(0, self.print_job(simulator.place, "one"))
         printed = self.receipts(simulator)
@@ -102,11 +102,11 @@ class Jobs(Case):
             self.assertIn("1 to 255 bytes of UTF-8", result.json()["error"])
         self.assertExit(0, self.print_job("virtual:", "n" * 255))
 
-    def test_again_and_journal_need_a_name(self):
+    def test_the_options_again_and_journal_need_a_job_name(self):
         self.assertExit(2, run("-d", "virtual:", "print", "-", "--again", data=RECEIPT))
         self.assertExit(2, run("-d", "virtual:", "print", "-", "--journal", self.journal, data=RECEIPT))
 
-    def test_every_answer_of_a_print_under_a_name_has_its_keys(self):
+    def test_every_json_answer_of_a_named_job_has_its_keys(self):
         for arguments in (("-d", "virtual:", "print", "--job", "one"),  # no file
                           ("print", "-", "--job", "one"),  # no device
                           ("-d", "virtual:", "print", self.folder / "missing", "--job", "one"),
@@ -131,7 +131,7 @@ class Jobs(Case):
             self.assertEqual(result.json()["job"], "one")
         self.assertEqual(self.receipts(simulator), 0)
 
-    def test_an_unreachable_printer_is_recorded_as_refused_and_printed_later(self):
+    def test_a_job_for_an_unreachable_printer_is_recorded_as_refused_and_printed_later(self):
         place = self.refusing_place()
         result = self.print_job(place, "one")
         self.assertExit(3, result)
@@ -142,7 +142,7 @@ class Jobs(Case):
         self.assertExit(0, later)
         self.assertEqual(later.json()["attempt"], 2)
 
-    def test_the_list_has_every_key(self):
+    def test_the_json_list_of_jobs_has_every_key(self):
         self.assertEqual(self.jobs(), [])
         self.assertFalse(self.journal.exists())
         self.print_job("virtual:", "one")
@@ -153,7 +153,7 @@ class Jobs(Case):
             self.assertRegex(job[key], r"^20\d\d-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z$")
         self.assertRegex(run("jobs", "--journal", self.journal).out, r"^20.* printed  one  30 bytes on virtual:\n$")
 
-    def test_a_forgotten_job_is_printed_as_a_new_one(self):
+    def test_a_forgotten_job_is_printed_as_a_new_job(self):
         self.print_job("virtual:", "one")
         self.print_job("virtual:", "two")
         self.assertEqual([job["job"] for job in self.jobs("--forget", "one")], ["two"])
@@ -162,20 +162,20 @@ class Jobs(Case):
         self.assertExit(2, unknown)
         self.assertIn('no job "three"', unknown.err)
 
-    def test_only_older_jobs_are_forgotten_by_age(self):
+    def test_the_option_older_than_forgets_only_older_jobs(self):
         self.print_job("virtual:", "one")
         self.assertEqual(len(self.jobs("--older-than", "1")), 1)
         self.assertEqual(self.jobs("--older-than", "0"), [])
         self.assertExit(2, run("jobs", "--older-than", "soon"))
 
-    def test_the_file_belongs_to_the_user_and_is_in_the_state_folder(self):
+    def test_the_journal_is_in_the_state_folder_and_readable_by_its_user_alone(self):
         environment = {**os.environ, "XDG_STATE_HOME": str(self.folder / "state")}
         self.assertExit(0, run("-d", "virtual:", "print", "-", "--job", "one", data=RECEIPT, env=environment))
         folder = self.folder / "state" / "quorport"
         self.assertEqual(folder.stat().st_mode & 0o777, 0o700)
         self.assertEqual((folder / "jobs.db").stat().st_mode & 0o777, 0o600)
 
-    def test_an_interrupted_job_is_recorded_as_it_ended(self):
+    def test_the_outcome_of_an_interrupted_job_is_recorded(self):
         simulator = self.simulator("tcp:0", "--set", "speed=5")
         process = start("-d", simulator.place, "print", self.file("receipt", RECEIPT), "--json", "--job", "one", "--journal",
                         self.journal)

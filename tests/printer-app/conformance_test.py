@@ -12,13 +12,13 @@ LEFT_TO_THE_FRAMEWORK = {
 }
 
 
-class Conforming(Application):
+class Conformance(Application):
     def ipptool(self, test: str, *arguments: str) -> str:
         result = subprocess.run(["ipptool", "-tv", *arguments, self.client.uri, f"{test}.test"], capture_output=True,
                                 text=True, timeout=60)
         return result.stdout
 
-    def test_it_passes_all_tests_but_those_that_the_framework_fails(self):
+    def test_the_printer_application_passes_all_ipp_tests_that_its_framework_passes(self):
         eventually(lambda: self.client.printer()["printer-up-time"] > [0], "a second is over")
         document = self.file("document", b"a line of text\n")
         for test in ("ipp-1.1", "ipp-2.0", "ipp-everywhere"):

@@ -13,7 +13,7 @@ PAGE = page(PAPER, 320, LOST + 48, 40)
 PICTURE = page(320, 160, 48, 40)
 
 
-class Formats(Application):
+class DocumentFormats(Application):
     def figure(self, contents: bytes, kind: str) -> tuple[int, list[str]]:
         """The one figure that the document prints: its left edge, and its cells."""
         job = self.print(contents, kind)
@@ -21,12 +21,12 @@ class Formats(Application):
         (found,) = figures(self.receipt_files("png", job)[-1].read_bytes())
         return found
 
-    def test_each_prints_the_same_picture_at_the_same_place(self):
+    def test_each_image_format_prints_the_same_picture_at_the_same_place(self):
         for contents, kind in ((pwg(PAGE), "image/pwg-raster"), (apple(PAGE), "image/urf"), (png(PICTURE), "image/png"),
                                (jpeg(PICTURE), "image/jpeg")):
             self.assertEqual(self.figure(contents, kind), (EDGE + 48, list(FIGURE)), kind)
 
-    def test_white_at_the_top_and_the_end_of_a_page_is_not_printed(self):
+    def test_white_rows_at_the_top_and_the_bottom_of_a_page_are_not_printed(self):
         self.await_state("completed", self.print(pwg(page(PAPER, 3000, 48, 1400)), "image/pwg-raster"))
         self.assertEqual(self.printed(1)[0].split("\n")[0], f"[image 576 x {documents.HEIGHT} dots]")
 
@@ -34,7 +34,7 @@ class Formats(Application):
         for rows in (page(576, 3000, 48, 2000), page(2480, 300, 48 + (2480 - 576) // 2, 40), page(576, 4000, 48, 3800)):
             self.assertEqual(self.figure(pwg(rows), "image/pwg-raster"), (EDGE + 48, list(FIGURE)))
 
-    def test_the_printers_own_commands_are_passed_on(self):
+    def test_a_raw_document_is_sent_to_the_printer_unchanged(self):
         self.await_state("completed", self.print(b"plain bytes\n", RAW))
         self.assertEqual(self.printed(1), ["plain bytes\n"])
 
@@ -42,23 +42,23 @@ class Formats(Application):
         self.await_state("completed", self.print(b"word " * 40000))
         self.assertEqual(self.printed(1)[0].replace("\n", " ").count("word "), 40000)
 
-    def test_a_character_without_a_glyph_is_a_box_and_is_reported(self):
+    def test_a_character_without_a_glyph_is_drawn_as_a_box_and_logged(self):
         self.await_state("completed", self.print("\U0010fffd\n".encode()))
         self.assertRegex(self.printed(1)[0], r"\A\[image 576 x \d+ dots\]")
         self.assertIn("U+10FFFD", self.log())
 
-    def test_a_custom_length_is_taken(self):
+    def test_a_custom_paper_length_is_accepted(self):
         size = {"media-size": {"x-dimension": 8000, "y-dimension": 43210}}
         self.await_state("completed", self.print(pwg(PAGE), "image/pwg-raster", collection("media-col", size)))
         self.await_state("completed", self.print(b"text\n", "text/plain", collection("media-col", size)))
         self.assertEqual(len(self.printed(2)), 2)
 
 
-class Unprintable(Application):
+class UnprintableDocument(Application):
     def message(self, contents: bytes, kind: str) -> str:
         return self.await_state("aborted", self.print(contents, kind))
 
-    def test_is_aborted_and_says_why(self):
+    def test_a_job_with_an_unprintable_document_is_aborted_with_the_reason(self):
         for contents, kind, why in (
                 (b"Caf\xe9\n", "text/plain", "this is no UTF-8 at byte 3 of the text"),
                 (png([b"\0" * 8], (60000, 60000)), "image/png", "the most is 64000000 in all"),
@@ -73,19 +73,19 @@ class Unprintable(Application):
         self.assertEqual(self.printed(), [])
 
 
-class Options(Application):
+class JobOptions(Application):
     def record(self, contents: bytes, kind: str, *attributes: bytes) -> dict:
         """What the printer did for a job."""
         job = self.print(contents, kind, *attributes)
         self.await_state("completed", job)
         return self.records(job)[-1]
 
-    def test_the_paper_is_cut_where_the_job_says(self):
+    def test_the_paper_is_cut_as_the_job_option_says(self):
         pages = pwg(PAGE, PAGE)
         for value, cuts in (("document", 1), ("job", 1), ("page", 2), ("none", 0)):
             self.assertEqual(self.record(pages, "image/pwg-raster", keyword("quor-cut", value))["cuts"], cuts, value)
 
-    def test_each_copy_is_a_document(self):
+    def test_each_copy_is_cut_like_a_document(self):
         copies = ipp.attribute(ipp.INTEGER, "copies", 3)
         for kind, contents in (("text/plain", b"text\n"), ("image/png", png(PICTURE)), ("image/pwg-raster", pwg(PAGE)),
                                (RAW, b"raw\n\x1dV\0")):
@@ -93,14 +93,14 @@ class Options(Application):
         self.assertEqual(self.record(b"text\n", "text/plain", copies, keyword("quor-cut", "job"))["cuts"], 1)
         self.assertEqual(self.printed(5)[-1].count("text\n"), 3)
 
-    def test_a_drawer_is_opened_by_a_job_of_any_format(self):
+    def test_a_job_of_any_format_can_open_the_drawer(self):
         for kind, contents in (("text/plain", b"text\n"), ("image/png", png(PICTURE)), (RAW, b"raw\n"),
                                ("image/pwg-raster", pwg(PAGE))):
             for number in (1, 2):
                 record = self.record(contents, kind, keyword("quor-drawer", f"drawer-{number}"))
                 self.assertEqual(record["drawer"], 1, kind)
 
-    def test_the_printers_own_commands_are_cut_only_if_the_job_asks_for_it(self):
+    def test_a_raw_document_is_cut_only_if_the_job_option_is_set(self):
         self.assertEqual(self.record(b"raw\n", RAW)["cuts"], 0)
         self.assertEqual(self.record(b"raw\n", RAW, keyword("quor-cut", "job"))["cuts"], 1)
 

@@ -20,7 +20,7 @@ class Jobs(Application):
         (record,) = self.records(1)
         self.assertEqual((record["drawer"], record["cuts"], record["unknown"]), (1, 1, []))
 
-    def test_a_job_that_the_printer_refuses_waits_and_continues_by_itself(self):
+    def test_a_job_that_the_printer_refuses_is_printed_when_the_printer_is_ready(self):
         self.printer.set(coverOpen=True)
         job = self.print(TEXT)
         self.await_message("waiting: cover open", job)
@@ -31,7 +31,7 @@ class Jobs(Application):
         self.assertEqual(len(self.printed(1)), 1)
         eventually(lambda: self.client.printer()["printer-state-reasons"] == ["none"], "the reason is gone")
 
-    def test_a_hundred_jobs_that_wait_are_printed_once_and_in_the_order_in_which_they_arrived(self):
+    def test_a_hundred_waiting_jobs_are_printed_once_in_their_order_of_arrival(self):
         self.printer.set(coverOpen=True)
         texts = [f"job {number}" for number in range(1, 101)]
         for text in texts:
@@ -42,7 +42,7 @@ class Jobs(Application):
             self.await_state("completed", job)
         self.assertEqual([text.split("\n")[0] for text in self.printed(100)], texts)
 
-    def test_pages_of_raster_wait_in_the_same_queue(self):
+    def test_raster_jobs_and_text_jobs_wait_in_the_same_queue(self):
         self.printer.set(coverOpen=True)
         first = self.print(pwg(PAGE), "image/pwg-raster")
         self.await_message("waiting: cover open", first)
@@ -53,7 +53,7 @@ class Jobs(Application):
             self.await_state("completed", job)
         self.assertEqual([text.split(" ")[0] for text in self.printed(5)], ["[image", "job", "[image", "[image", "job"])
 
-    def test_a_job_that_waits_can_be_canceled(self):
+    def test_a_waiting_job_can_be_canceled(self):
         self.printer.set(coverOpen=True)
         job = self.print(TEXT)
         self.await_message("waiting: cover open", job)
@@ -63,7 +63,7 @@ class Jobs(Application):
         self.await_state("completed", self.print(TEXT))
         self.assertEqual(len(self.printed(1)), 1)
 
-    def test_a_job_that_a_user_holds_waits_until_it_is_released(self):
+    def test_a_job_that_a_user_holds_is_printed_after_its_release(self):
         self.printer.set(coverOpen=True)
         first, held, last = (self.print(b"job %d\n" % number) for number in range(3))
         self.await_message("waiting: cover open", first)
@@ -83,10 +83,10 @@ class Jobs(Application):
         self.assertEqual(self.client.job(job)[0], "aborted")
 
 
-class Conditions(Application):
+class PrinterConditions(Application):
     model = "line-80"
 
-    def test_are_reasons_of_the_printers_state(self):
+    def test_each_condition_of_the_printer_is_a_reason_of_its_state(self):
         for condition, reason in {"headUpError": "other", "receiptPaperNearEmptyInner": "media-low", "jamError": "media-jam",
                                   "overTemp": "other"}.items():
             self.printer.set(**{condition: True})
@@ -94,7 +94,7 @@ class Conditions(Application):
             self.printer.set(**{condition: False})
 
 
-class Leaving(Application):
+class DisconnectedClient(Application):
     """Clients that disappear while they send a document."""
 
     def check(self, contents: bytes, kind: str, *sent: int):
@@ -104,15 +104,15 @@ class Leaving(Application):
         eventually(lambda: set(self.client.jobs().values()) <= {"completed", "aborted"}, "nothing hangs")
         self.assertEqual(self.printed(1), ["the next one\n"])
 
-    def test_a_client_that_leaves_in_a_text_prints_nothing(self):
+    def test_a_client_that_disconnects_during_a_text_prints_nothing(self):
         text = b"line of text\n" * 1000
         self.check(text, "text/plain", 0, 1, 6500, len(text) - 1)
 
-    def test_a_client_that_leaves_in_a_page_of_raster_prints_nothing(self):
+    def test_a_client_that_disconnects_during_a_raster_page_prints_nothing(self):
         whole = pwg(PAGE)
         self.check(whole, "image/pwg-raster", 0, 2, 1000, len(whole) - 50, len(whole) - 1)
 
-    def test_a_client_that_leaves_between_two_pages_of_raster_prints_nothing(self):
+    def test_a_client_that_disconnects_between_two_raster_pages_prints_nothing(self):
         self.check(apple(PAGE, PAGE), "image/urf", len(apple(PAGE)))
 
     def test_the_document_of_a_silent_client_is_aborted(self):

@@ -7,7 +7,7 @@ from application import APPLICATION, free_port
 from harness import Case, main
 
 
-class Listening(Case):
+class ServerStart(Case):
     def assertFails(self, saying: str, *settings: str):
         result = subprocess.run([APPLICATION, "server", *(word for setting in settings for word in ("-o", setting))],
                                 capture_output=True, text=True, timeout=30, env=os.environ | {"TMPDIR": str(self.folder)})
@@ -18,17 +18,17 @@ class Listening(Case):
         for settings in ((), (f"password-file={self.folder}/missing",), (f"password-file={self.file('empty', b'')}",)):
             self.assertFails("password-file=FILE", f"state-directory={self.folder}", "listen-hostname=*", *settings)
 
-    def test_a_wrong_option_is_refused_and_the_right_values_are_named(self):
+    def test_the_error_of_a_wrong_option_names_the_valid_values(self):
         for setting, saying in (("upload-timeout=soon", "upload-timeout=\"soon\": takes seconds, from 1 to 86400"),
                                 ("upload-timeout=0", "takes seconds"), ("server-port=65536", "port"),
                                 ("log-level=loud", "takes debug, info, warn or error"),
                                 ("listen-host=*", "option \"listen-host\": the server takes listen-hostname, server-port")):
             self.assertFails(saying, f"state-directory={self.folder}", setting)
 
-    def test_a_state_that_cannot_be_saved_is_reported(self):
+    def test_a_state_directory_that_cannot_be_made_is_reported(self):
         self.assertFails("cannot be made", f"state-directory={self.file('file', b'')}")
 
-    def test_the_machine_keeps_its_name_if_root_starts_the_server(self):
+    def test_a_server_started_by_root_does_not_change_the_host_name(self):
         log = self.folder / "log"
         script = f'hostname shop; "$@" & until grep -qs Listening {log}; do sleep 0.05; done; hostname; kill $!; wait'
         rights = [] if os.geteuid() == 0 else ["--user", "--map-root-user"]

@@ -108,13 +108,13 @@ class Network(Application):
 
 
 class Finding(Network):
-    def test_its_printers_are_announced(self):
+    def test_the_printers_of_the_application_are_announced(self):
         def found() -> str:
             return subprocess.run(["ippfind", "_ipp._tcp", "-T", "2", "--print-name"], capture_output=True, text=True).stdout
 
         eventually(lambda: "till" in found(), "the printer is announced")
 
-    def test_every_device_of_find_can_be_added_on_the_web_page(self):
+    def test_every_device_that_find_lists_can_be_added_on_the_web_page(self):
         devices = [found["device"] for found in run("find", "--json").json()["found"]]
         self.assertIn(BLUETOOTH, devices)
         self.assertTrue([device for device in devices if device.startswith("tcp:")], devices)
@@ -148,7 +148,7 @@ class Rights(Network):
         self.printer.set(coverOpen=False)
         self.await_state("completed", job)
 
-    def test_another_machine_changes_nothing_by_ipp(self):
+    def test_another_machine_cannot_change_a_printer_by_ipp(self):
         with self.assertRaisesRegex(ipp.Refused, "HTTP 403"):
             self.elsewhere.add_printer("another", "escpos-80", "tcp:127.0.0.1:9100")
         self.assertForbidden(ipp.PAUSE_PRINTER)
@@ -167,13 +167,13 @@ class Rights(Network):
         self.assertIn("driver_name", page)
         self.assertTrue(cookie.startswith("auth="), cookie)
 
-    def test_the_web_page_takes_only_the_right_password(self):
+    def test_the_web_page_accepts_only_the_right_password(self):
         self.assertNotIn("driver_name", self.page("/addprinter")[0])
         for wrong in ("", "a passwor", "a password ", "another password", "~"):
             self.assertRefused(wrong)
         self.assertTaken(PASSWORD)
 
-    def test_the_web_page_takes_a_new_password_and_no_longer_the_old_one(self):
+    def test_the_web_page_accepts_a_new_password_and_refuses_the_old_password(self):
         self.password = "a new password"
         self.restart()
         self.assertRefused(PASSWORD)

@@ -23,7 +23,7 @@ class Restarting(Application):
     def first_lines(self, count: int) -> list[str]:
         return [text.split("\n")[0] for text in self.printed(count)]
 
-    def test_jobs_that_waited_are_printed_once_and_in_their_order(self):
+    def test_waiting_jobs_are_printed_once_and_in_order_after_a_restart(self):
         self.printer.set(coverOpen=True)
         jobs = [self.print(b"job %d\n" % number) for number in range(3)]
         self.await_message("waiting: cover open", jobs[0])
@@ -35,7 +35,7 @@ class Restarting(Application):
             self.await_state("completed", job)
         self.assertEqual(self.first_lines(3), ["job 0", "job 1", "job 2"])
 
-    def test_a_job_and_its_hold_are_on_disk_before_the_client_gets_the_answer(self):
+    def test_a_job_and_its_hold_are_on_disk_before_the_client_is_answered(self):
         self.printer.set(coverOpen=True)
         first = self.print(b"job 0\n")
         self.await_message("waiting: cover open", first)
@@ -47,7 +47,7 @@ class Restarting(Application):
         self.assertEqual(self.client.job(held)[0], "held")
         self.assertEqual(self.first_lines(2), ["job 0", "job 2"])
 
-    def test_a_job_that_waited_is_printed_although_the_fonts_have_changed(self):
+    def test_a_waiting_job_is_printed_even_if_the_fonts_have_changed(self):
         self.printer.set(coverOpen=True)
         job = self.print("\u4e2d\n".encode())
         self.await_message("waiting: cover open", job)
@@ -58,7 +58,7 @@ class Restarting(Application):
         self.await_state("completed", job)
         self.assertEqual(len(self.printed(1)), 1)
 
-    def test_a_page_of_raster_that_waited_is_printed(self):
+    def test_a_waiting_raster_page_is_printed_after_a_restart(self):
         self.printer.set(coverOpen=True)
         job = self.print(pwg(page(639, 320, 80, 40)), "image/pwg-raster")
         self.await_message("waiting: cover open", job)
@@ -67,7 +67,7 @@ class Restarting(Application):
         self.await_state("completed", job)
         self.assertRegex(self.printed(1)[0], r"\A\[image 576 x \d+ dots\]")
 
-    def test_a_page_of_raster_that_was_being_printed_is_told_and_not_repeated(self):
+    def test_a_raster_page_that_was_being_printed_is_reported_and_not_repeated(self):
         self.printer.set(speed=2000)
         job = self.print(pwg(page(639, 1200, 80, 1000)), "image/pwg-raster")
         eventually(lambda: self.printer.state()["printedBytes"] > 100, "the job is under way")
@@ -76,7 +76,7 @@ class Restarting(Application):
         self.printer.set(speed=0)
         self.await_state("completed", self.print(b"the next one\n"))
 
-    def test_a_job_that_a_user_held_remains_held(self):
+    def test_a_job_that_a_user_held_is_still_held_after_a_restart(self):
         self.printer.set(coverOpen=True)
         first = self.print(b"job 0\n")
         self.await_message("waiting: cover open", first)  # the framework may start two jobs that arrive at once
@@ -139,7 +139,7 @@ class Crashes(Application):
         state = self.settled(job)
         return state, (self.paper() - before) / len(COPY)
 
-    def test_no_job_is_printed_twice_and_none_is_completed_without_paper(self):
+    def test_no_job_is_printed_twice_and_no_job_is_completed_without_paper(self):
         self.printer.set(speed=SPEED)
         self.await_state("completed", self.print(b"the first one\n", RAW))  # the printer's proof is known now
         states = collections.Counter()
