@@ -45,14 +45,14 @@ int main(int argc, char** argv) try {
     if (port && port->open()) {
       state = PrinterInquiry(port).isOnline() ? "on line" : "off line";
     }
-  } catch (const InquiryError&) {  // the log says why
+  } catch (const InquiryError&) {  // the log contains the reason
   }
   std::cout << state << '\n';
   if (port) {
     port->close();
   }
 
-  logger.flush();  // every record has reached the application
+  logger.flush();  // now every record has reached the application
   logger.removeSink(sink);
   return state == "on line" ? 0 : 1;
 } catch (const std::exception& error) {  // a DEVICE that does not exist, for example

@@ -1,6 +1,7 @@
-// Prints each line of its input as a receipt, under the name that is its first word: once, although
-// it may be killed at any moment and is then started again with the same input. It also continues
-// when the printer's cable was pulled and put back. Usage: kiosk DEVICE [JOURNAL]
+// Prints each line of its input as a receipt. The first word of the line is the name of the job.
+// The program may be killed at any moment and started again with the same input: it prints each
+// receipt only once. It continues when the printer's cable was pulled and plugged in again. Usage:
+// kiosk DEVICE [JOURNAL]
 #include <chrono>
 #include <exception>
 #include <iostream>
@@ -16,7 +17,7 @@ using namespace quordalvane;
 
 namespace {
 
-// Each attempt has a link of its own, so that it never reads answers to an earlier attempt.
+// Each attempt opens a new link, so that it never reads answers to an earlier attempt.
 NamedJobResult printNow(NamedJob& named) {
   const auto port = ExternalAccessoryPort::initWithPortName("BT:", "", 3000, ZKEmulationQuorLine);
   if (!port || !port->open()) {
@@ -37,8 +38,8 @@ NamedJobResult attempt(Journal& journal, const std::string& device, const std::s
   return named.answer() ? *named.answer() : printNow(named);
 }
 
-// A refused receipt is tried again until it is sent, at once if the printer is plugged in again. A
-// receipt that may be on paper is never sent again.
+// Repeats a refused receipt until it is sent: every half second, and at once when the printer is
+// plugged in again. Never repeats a receipt that may be on paper.
 void print(Journal& journal, const std::string& device, const std::string& receipt) {
   posix::AccessoryNotices notices;
   for (std::string last;; notices.await(std::chrono::milliseconds(500))) {

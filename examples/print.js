@@ -1,7 +1,7 @@
 #!/usr/bin/env node
-// Prints a text. Usage: print.js DEVICE TEXT. Needs the package koffi of npm, which calls C.
+// Prints a text. Usage: print.js DEVICE TEXT. Needs the npm package koffi, which calls C functions.
 //
-// Exits with 0 if the text was printed, 6 if that is not proven, and 1 otherwise.
+// The exit status is 0 if the text was printed, 6 if nothing proves that it was printed, and 1 otherwise.
 'use strict';
 const koffi = require('koffi');
 const {promisify} = require('util');
@@ -41,7 +41,7 @@ async function print(device, data) {
   try {
     check(openPort(port[0]));
     check(createJob(port[0], proofAuto, null, null, job));
-    // This runs on a thread of its own, so that the event loop continues.
+    // The job runs on another thread, so that the event loop continues.
     if (await promisify(runJob.async)(job[0], data, data.length) < 0) {
       throw new Error('the job could not be run');
     }

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Prints a text and reads the printer's state. Usage: print.py DEVICE TEXT
 
-Exits with 0 if the text was printed, 6 if that is not proven, and 1 otherwise.
+The exit status is 0 if the text was printed, 6 if nothing proves that it was printed, and 1 otherwise.
 """
 import ctypes
 import sys

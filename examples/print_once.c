@@ -1,5 +1,5 @@
-/* Prints a text under a name: once, however often it is started, and although it may be killed at
- * any moment. Usage: print_once DEVICE NAME TEXT [JOURNAL] */
+/* Prints a text under a name. The program may be started again and again, and killed at any moment:
+ * it prints the text only once. Usage: print_once DEVICE NAME TEXT [JOURNAL] */
 #include <quordalvane/QuorJournalC.h>
 #include <stdio.h>
 #include <string.h>
@@ -9,7 +9,7 @@ static void wait_for_turn(void* context) {
   fprintf(stderr, "another job is on this printer: waiting\n");
 }
 
-/* A printer that is busy for too long or cannot be reached has got nothing: try again later. */
+/* If the printer is busy for too long or cannot be reached, nothing was sent: try again later. */
 static QuorCode run(const char* device, QuorPort* port, QuorNamedJob* named, QuorPrintJob* job) {
   QuorTurn* turn = NULL;
   if (!quor_named_job_is_answered(named) &&

@@ -37,11 +37,12 @@ int main(int argc, char** argv) try {
       std::cout << "printed: hand the receipt over\n";
       return 0;
     case PrintOutcome::Refused:
-      // Nothing was sent. Remove the cause and send the very same job again.
+      // Nothing was sent. Remove the cause and send the same job again.
       std::cout << "refused: " << result.reason << "; " << result.advice << '\n';
       return 1;
     case PrintOutcome::Unconfirmed:
-      // It may be on paper. Only a person who looks can find out: a program must not send it again.
+      // The job may be on paper. Only a person who looks at the paper knows: a program must not
+      // send the job again.
       std::cout << "unconfirmed: " << result.reason << "; " << result.advice << '\n';
       return 6;
   }

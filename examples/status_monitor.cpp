@@ -1,4 +1,5 @@
-// Reports the changes of a printer until it is stopped. Usage: status_monitor DEVICE
+// Reports each change of a printer's state, until you stop the program. Usage: status_monitor
+// DEVICE
 #include <chrono>
 #include <exception>
 #include <iostream>
@@ -22,7 +23,7 @@ std::string inWords(const QuorPrinterStatus_2& status) {
   return words;
 }
 
-// Opens the port again if the link was lost.
+// Asks for the status. Opens the port first if its link was lost.
 std::string ask(ExternalAccessoryPort& port) {
   try {
     if (!port.isConnected() && !port.open()) {

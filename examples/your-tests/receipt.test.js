@@ -1,5 +1,5 @@
-// A shop's own test of its receipts, with the virtual printer instead of a real one. Needs quorport in the
-// PATH. Run it by: node --test receipt.test.js
+// Tests the receipts of a shop on a virtual printer. Needs quorport in the PATH. Run it with:
+// node --test receipt.test.js
 
 const assert = require("node:assert");
 const { spawn } = require("node:child_process");
@@ -10,7 +10,7 @@ const path = require("node:path");
 const readline = require("node:readline");
 const test = require("node:test");
 
-/** The code under test: yours stands here. */
+/** The code under test: put yours here. */
 function printReceipt(host, port) {
   const printer = net.connect(port, host);
   printer.end(Buffer.from("\x1b@\x1bt\x13Caf\x82  2.80 \xd5\n\x1bp\0\x19\xfa\x1dVA\0", "latin1"));

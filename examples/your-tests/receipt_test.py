@@ -1,4 +1,4 @@
-"""A shop's own test of its receipts, with the virtual printer instead of a real one. Needs quorport in the PATH."""
+"""Tests the receipts of a shop on a virtual printer. Needs quorport in the PATH."""
 
 import json
 import socket

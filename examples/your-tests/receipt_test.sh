@@ -1,6 +1,6 @@
 #!/bin/bash
-# A shop's own test of its receipts, with the virtual printer instead of a real one. Needs quorport in the PATH. The
-# exit status is 0 if the receipt is right.
+# Tests the receipts of a shop on a virtual printer. Needs quorport in the PATH. The exit status is 0 if the receipt is
+# right.
 set -euo pipefail
 
 folder=$(mktemp -d)
@@ -22,7 +22,7 @@ print_receipt "$host" "$port"
 until [[ -s $folder/receipt-0001.json ]]; do sleep 0.01; done
 
 kill "$printer"
-wait "$printer" # not 0 if a job held anything that the printer does not know
+wait "$printer" # fails if a job contained anything that the printer does not know
 grep -q 'Café  2.80 €' "$folder/receipt-0001.txt"
 grep -q '"drawer":1' "$folder/receipt-0001.json"
 echo "the receipt is right"
