@@ -18,7 +18,7 @@ typedef struct QuorPrinterStatus_2_ {
   uint32_t coverOpen; /**< the cover is open */
   uint32_t offline;   /**< the printer is not ready to print */
   uint32_t
-      compulsionSwitch; /**< the level at the switch input; in ESC/POS, at the drawer connector */
+      compulsionSwitch; /**< the level of the switch input; in ESC/POS, of the drawer connector */
 
   /* Errors. */
   uint32_t overTemp;              /**< the print head is too hot to print */
@@ -63,7 +63,7 @@ typedef struct QuorPrinterStatus_2_ {
   /** The link in use: 0 unknown, 1 serial, 2 USB, 3 Ethernet, 4 wireless LAN, 5 Bluetooth. */
   uint8_t connectedInterface;
 
-  uint32_t rawLength; /**< the number of bytes of the last reply in raw */
+  uint32_t rawLength; /**< how many bytes of raw the last reply fills */
   uint8_t raw[63];    /**< the last reply as it was received */
 } QuorPrinterStatus_2;
 

@@ -61,9 +61,9 @@ typedef struct QuorJobRecord {
   uint64_t bytes;     /**< the length of the job's data */
   int64_t attempts;   /**< the number of attempts so far */
   int64_t begun;      /**< when the latest attempt began, in milliseconds since 1970, UTC */
-  int64_t ended;      /**< when that attempt ended, likewise; -1 if its end was not recorded */
+  int64_t ended;      /**< when that attempt ended, in the same unit; -1 if this was not recorded */
   int32_t state;      /**< one of the states above */
-  const char* reason; /**< why the job was not printed, for a person to read; "" if it was */
+  const char* reason; /**< why the job was not printed, for a person; "" if it was printed */
 } QuorJobRecord;
 
 /** Receives one job. `context` is the pointer that was passed to quor_journal_jobs. */
@@ -153,15 +153,15 @@ QUOR_EXPORT QuorCode quor_named_job_not_recorded(QuorNamedJob* job, char* text, 
 
 /* ---- Turns ----------------------------------------------------------------------------------- */
 
-/** A turn on a printer. On one machine only one job at a time has it. A job that does not ask for a
- * turn is not stopped. */
+/** A turn on a printer. On one machine only one job at a time has the turn. A job that does not ask
+ * for a turn is not stopped. */
 typedef struct QuorTurn QuorTurn;
 
-/** Takes the turn on the printer with this device text. If another job has it, waits for at most
- * `timeout`. The turn ends when quor_turn_free is called or the process ends. For a printer that no
- * other process can use, such as "virtual:", stores null in `*turn` and returns QUOR_NONE. Returns
- * QUOR_FAILED if another job still has the turn, QUOR_USAGE if `device` is not a device text, and
- * QUOR_UNEXPECTED if the lock file cannot be used. `waiting` may be null. */
+/** Takes the turn on the printer with this device text. If another job has the turn, waits for at
+ * most `timeout`. The turn ends when quor_turn_free is called or the process ends. For a printer
+ * that no other process can use, such as "virtual:", stores null in `*turn` and returns QUOR_NONE.
+ * Returns QUOR_FAILED if another job still has the turn, QUOR_USAGE if `device` is not a device
+ * text, and QUOR_UNEXPECTED if the lock file cannot be used. `waiting` may be null. */
 QUOR_EXPORT QuorCode quor_turn_take(const char* device, uint32_t timeout, QuorWaiting waiting,
                                     void* context, QuorTurn** turn);
 

@@ -12,16 +12,16 @@
 extern "C" {
 #endif
 
-/** Whether logging is on. It is off initially. When it is switched off, records that are already in
- * the queue are still delivered.
+/** Whether logging is on. Logging is off initially. After it is switched off, records that are
+ * already in the queue are still delivered.
  * @{ */
 QUOR_EXPORT int32_t quor_log_is_logging(void);
 QUOR_EXPORT void quor_log_set_logging(int32_t on);
 /** @} */
 
-/** Which levels, from 0 to 63, are logged. Initially only level 0 is. After the setter only the
- * `count` levels in `levels` are logged; with a `count` of 0 no level is, and `levels` may be null.
- * If a level is outside 0 to 63, it returns QUOR_USAGE and changes nothing.
+/** Which levels, from 0 to 63, are logged; initially only level 0. The setter replaces them by the
+ * `count` levels in `levels`. With a `count` of 0 no level is logged, and `levels` may be null. If
+ * a level is outside 0 to 63, the setter changes nothing and returns QUOR_USAGE.
  * @{ */
 QUOR_EXPORT int32_t quor_log_is_target_level(int32_t level);
 QUOR_EXPORT QuorCode quor_log_set_target_levels(const int32_t* levels, size_t count);
@@ -51,10 +51,10 @@ typedef void (*QuorLogFunction)(void* context, const QuorLogRecord* record);
 /** A destination of log records. */
 typedef struct QuorLogSink QuorLogSink;
 
-/** Passes every record to a function of the caller. The library's writer thread calls it, for one
- * record at a time. The function may take as long as it needs, because no thread that logs waits
- * for it. It may itself log. `context` must exist until quor_log_remove_sink has returned QUOR_OK
- * for this sink. */
+/** Passes every record to a function of the caller. The library's writer thread calls the function,
+ * for one record at a time. The function may take as long as it needs, because no thread that logs
+ * waits for it. It may itself log. `context` must exist until quor_log_remove_sink has returned
+ * QUOR_OK for this sink. */
 QUOR_EXPORT QuorCode quor_log_add_function(QuorLogFunction function, void* context,
                                            QuorLogSink** sink);
 

@@ -16,11 +16,11 @@ extern "C" {
 /* ---- Devices --------------------------------------------------------------------------------- */
 
 /** Makes the `count` devices in `specs` the accessories of this process, in this order. Ports that
- * are created from then on find them; earlier ports keep their accessories. A device text is
+ * are created later find these devices; earlier ports keep their accessories. A device text is
  * SCHEME:PLACE[,key=value...], for example "virtual:", "tcp:192.0.2.10:9100", "unix:PATH" or
  * "serial:PATH". With a `count` of 0 there are no devices, and `specs` may be null. Nothing is
- * connected before a port is opened. Returns QUOR_USAGE if a text is not a device; the devices do
- * not change then. */
+ * connected before a port is opened. Returns QUOR_USAGE, and changes nothing, if a text is not a
+ * device. */
 QUOR_EXPORT QuorCode quor_connect_devices(const char* const* specs, size_t count);
 
 /* ---- Port: creation and connection ----------------------------------------------------------- */
@@ -53,7 +53,7 @@ QUOR_EXPORT void quor_port_free(QuorPort* port);
 
 /** Chooses the accessory that the port name selects and opens a session on it. Takes 0.1 s plus the
  * time that the link needs to connect. Returns QUOR_FAILED if the port name has fewer than three
- * characters, if no accessory matches, or if the chosen one cannot be reached. */
+ * characters, if no accessory matches, or if the chosen accessory cannot be reached. */
 QUOR_EXPORT QuorCode quor_port_open(QuorPort* port);
 
 /** Ends the session and, on the main thread, also the port's thread. Pauses 0.1 s first if the
@@ -75,7 +75,7 @@ QUOR_EXPORT int32_t quor_port_is_connected(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_write(QuorPort* port, const void* data, size_t size,
                                      size_t* written);
 
-/** Takes the bytes that have arrived, at most `capacity`; waits at most 0.1 s for the first one.
+/** Takes the bytes that have arrived, at most `capacity`; waits at most 0.1 s for the first byte.
  * Stores in `*length` how many bytes it took, which may be 0. Returns QUOR_FAILED if the link is
  * lost or reports an error; bytes that this call has already taken are then dropped. */
 QUOR_EXPORT QuorCode quor_port_read(QuorPort* port, void* buffer, size_t capacity, size_t* length);
@@ -152,11 +152,11 @@ QUOR_EXPORT QuorCode quor_port_start_data_cancel(QuorPort* port);
 
 /* ---- Port: facts about the printer ----------------------------------------------------------- */
 
-/** Ask for the firmware text, which quor_port_firmware_information then returns; after a failure it
- * still returns the earlier text. The first function also checks the status, and fails if the
- * printer is off line. The second sends only the query of line mode, and the third sends only the
- * query of ESC/POS. All three return QUOR_FAILED if there is no answer within the creation
- * time-out, and QUOR_UNREADABLE if an ESC/POS reply has only one byte.
+/** Ask for the firmware text. After success, quor_port_firmware_information returns this text;
+ * after a failure it still returns the earlier text. The first function also checks the status, and
+ * fails if the printer is off line. The second sends only the query of line mode, and the third
+ * sends only the query of ESC/POS. All three return QUOR_FAILED if there is no answer within the
+ * creation time-out, and QUOR_UNREADABLE if an ESC/POS reply has only one byte.
  * @{ */
 QUOR_EXPORT QuorCode quor_port_retrieve_firmware_information(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_retrieve_firmware_information2(QuorPort* port);
@@ -164,8 +164,8 @@ QUOR_EXPORT QuorCode quor_port_retrieve_escpos_firmware_information(QuorPort* po
 /** @} */
 
 /** Asks for both DIP-switch banks and appends them to the banks that
- * quor_port_dip_switch_information returns. Returns QUOR_FAILED if the printer did not answer for
- * one of them within the creation time-out; if only bank 2 failed, bank 1 has been appended. */
+ * quor_port_dip_switch_information returns. Returns QUOR_FAILED if the printer did not answer for a
+ * bank within the creation time-out; if only bank 2 failed, bank 1 has been appended. */
 QUOR_EXPORT QuorCode quor_port_retrieve_dip_switch_information(QuorPort* port);
 
 /** Asks for the two setting bytes of `bank`, which is 1 or 2, and stores them only in `settings`.
@@ -191,8 +191,8 @@ QUOR_EXPORT QuorCode quor_port_enter_at_mode(QuorPort* port);
  * `setting_title` may be null: the copied text is then the OK or ERROR line. With a title, the
  * copied text is the title and the `setting_length` characters after it; a length of 0 means all
  * characters after it. Returns QUOR_FAILED if no result arrived, and QUOR_UNREADABLE if the result
- * does not contain the title and that many characters. If the buffer is too small, the text is
- * lost. */
+ * does not contain the title and `setting_length` characters after it. If the buffer is too small,
+ * the text is lost. */
 QUOR_EXPORT QuorCode quor_port_get_printer_response(QuorPort* port, const char* setting_title,
                                                     int32_t setting_length, int32_t timeout,
                                                     char* text, size_t capacity, size_t* length);
@@ -229,7 +229,7 @@ QUOR_EXPORT QuorCode quor_port_set_hold_print_timeout(QuorPort* port, uint32_t m
 
 /** The number of seconds without data after which the printer drops an unfinished job. 0 means
  * never. With a negative value the printer keeps its own setting. The initial value is -1, unless
- * the port settings contain another. Of a value above 255 only the low byte is sent.
+ * the port settings contain another value. Of a value above 255 only the low byte is sent.
  * @{ */
 QUOR_EXPORT int64_t quor_port_data_timeout_seconds(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_set_data_timeout_seconds(QuorPort* port, int64_t seconds);
@@ -244,8 +244,8 @@ QUOR_EXPORT QuorCode quor_port_dip_switch_information(QuorPort* port, uint8_t* b
                                                       size_t capacity, size_t* length);
 
 /** The name, the serial number and the connection identifier of the chosen accessory. While the
- * port is closed, the functions for the texts return QUOR_NONE, and that for the identifier returns
- * 0. Setting a text to null removes it.
+ * port is closed, the functions for the texts return QUOR_NONE, and the function for the identifier
+ * returns 0. Setting a text to null removes it.
  * @{ */
 QUOR_EXPORT QuorCode quor_port_name(QuorPort* port, char* text, size_t capacity, size_t* length);
 QUOR_EXPORT QuorCode quor_port_set_name(QuorPort* port, const char* name);

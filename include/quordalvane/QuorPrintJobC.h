@@ -24,7 +24,7 @@ extern "C" {
  * Each function ends within twice the port's time-out plus five seconds, even if the printer never
  * stops sending; quor_printer_disconnect may take ten seconds more. Received bytes that nobody has
  * read are dropped. The observers of the port are removed. Only the thread that uses the port may
- * call them.
+ * call the functions.
  */
 
 /** Asks for the printer's status; `level` is only logged. */
@@ -91,19 +91,19 @@ typedef struct QuorPrintJob QuorPrintJob;
 typedef void (*QuorProgress)(void* context, uint64_t bytes_accepted, uint64_t bytes_total);
 
 /** Creates a job, which keeps the port alive. `proof` is a number from QuorProof.h and selects how
- * the printer confirms the job; any other number returns QUOR_USAGE. `progress` may be null;
- * `context` must exist until the job has run. */
+ * the printer confirms the job; for any other number this function returns QUOR_USAGE. `progress`
+ * may be null; `context` must exist until the job has run. */
 QUOR_EXPORT QuorCode quor_print_job_create(QuorPort* port, int32_t proof, QuorProgress progress,
                                            void* context, QuorPrintJob** job);
 
 /** Frees the handle and releases the port. Must not be called while the job runs. */
 QUOR_EXPORT void quor_print_job_free(QuorPrintJob* job);
 
-/** Prints `size` bytes and returns when the outcome is known; the functions below return it.
- * QUOR_OK says nothing about the outcome. May be called once; a second call returns QUOR_USAGE.
- * Blocks up to the time-outs of the port. The port remains open, unless the job was cancelled. If
- * memory is short or the system fails, the outcome is unconfirmed and the number of bytes sent is
- * unknown. */
+/** Prints `size` bytes and returns when the outcome is known; the functions below return the
+ * outcome. QUOR_OK says nothing about the outcome. May be called once; a second call returns
+ * QUOR_USAGE. Blocks up to the time-outs of the port. The port remains open, unless the job was
+ * cancelled. If memory is short or the system fails, the outcome is unconfirmed and the number of
+ * bytes sent is unknown. */
 QUOR_EXPORT QuorCode quor_print_job_run(QuorPrintJob* job, const void* data, size_t size);
 
 /** Abandons the job. Within 0.3 s the job closes the port; before that it sends the printer a
@@ -122,7 +122,7 @@ QUOR_EXPORT uint64_t quor_print_job_bytes_total(QuorPrintJob* job);
 /** @} */
 
 /** Returns the proof that was used: QUOR_PROOF_NONE if the printer gives no proof, and
- * QUOR_PROOF_AUTO if the job ended before one was chosen. */
+ * QUOR_PROOF_AUTO if the job ended before a proof was chosen. */
 QUOR_EXPORT int32_t quor_print_job_proof(QuorPrintJob* job);
 
 /** Copies the reason why the printer has paused in the job, for example "cover open"; "" if it has
@@ -135,7 +135,7 @@ QUOR_EXPORT QuorCode quor_print_job_waits_for(QuorPrintJob* job, char* text, siz
 QUOR_EXPORT uint64_t quor_print_job_bytes_accepted(QuorPrintJob* job);
 
 /** Stores the last status of the printer; returns QUOR_NONE if there was none. As soon as data of
- * the job is sent, a status from before the data is dropped. */
+ * the job is sent, an earlier status is dropped. */
 QUOR_EXPORT QuorCode quor_print_job_status(QuorPrintJob* job, QuorPrinterStatus_2* status);
 
 /** Copy two texts for a person: the reason why the job was not printed, and advice on the next
