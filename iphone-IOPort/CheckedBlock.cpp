@@ -17,11 +17,12 @@ namespace {
 constexpr auto beginSelector = "-[ExternalAccessoryPort beginCheckedBlock:level:resultCode:]";
 constexpr auto endSelector = "-[ExternalAccessoryPort endCheckedBlock:level:]";
 
-// Mark the end of a job. The printer counts each mark when it reaches it.
+// These commands mark the end of a job. The printer counts each mark after it has processed
+// everything before the mark.
 constexpr std::uint8_t etb[] = {0x17, 0x17};
 constexpr std::uint8_t etbEscPos[] = {0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00};
 
-// Set the printer's count of marks to zero.
+// These commands set the printer's count of marks to zero.
 constexpr std::uint8_t etbReset[] = {0x1b, 0x1e, 0x45, 0x00};
 constexpr std::uint8_t etbResetEscPos[] = {0x1b, 0x1d, 0x03, 0x02, 0x00, 0x00};
 
@@ -91,7 +92,7 @@ bool ExternalAccessoryPort::resetCounter() {
 }
 
 /// In line mode, waits until the counter reads 0 and no paper is left in the exit. The wait also
-/// ends, without an error, if the printer is off line. Its time starts with the reset of the
+/// ends, without an error, if the printer is off line. The time-out starts with the reset of the
 /// counter.
 bool ExternalAccessoryPort::awaitClearPath(QuorPrinterStatus_2* status, std::int64_t* resultCode,
                                            WholeSecondsWait& wait) {
@@ -183,8 +184,8 @@ bool ExternalAccessoryPort::markEnd() {
   const bool lineMode = p_emulation == ZKEmulationQuorLine;
   const ByteBuffer etbCommand = lineMode ? ByteBuffer(std::begin(etb), std::end(etb))
                                          : ByteBuffer(std::begin(etbEscPos), std::end(etbEscPos));
-  // In line mode the printer only counts the mark. In ESC/POS the printer may answer it with a
-  // report.
+  // In line mode the printer only counts the mark. In ESC/POS the printer may answer the mark with
+  // a report.
   if (!writeWhole(etbCommand, lineMode ? Reply::None : Reply::Possible)) {
     QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:etbCommand]: %p, %p", this,
              &etbCommand);
@@ -311,8 +312,8 @@ void ExternalAccessoryPort::logEmptyRead(const std::optional<ByteBuffer>& data) 
   }
 }
 
-/// Reads the bytes of a report that follow its first byte. Returns false if they cannot be read. An
-/// incomplete report is ignored.
+/// Reads the bytes of a report that follow its first byte. Returns false if these bytes cannot be
+/// read. An incomplete report is ignored.
 bool ExternalAccessoryPort::readReport(bool& etbCountUp) {
   constexpr auto selector = endSelector;
   const auto rest = read(restDataSize);

@@ -94,10 +94,10 @@ class QUOR_EXPORT ExternalAccessoryPort
 
   // -- Connection ---------------------------------------------------------------------------------
 
-  /// Searches the accessories that are attached now, and chooses the first that the port name
-  /// selects, that is made by "quor dalvane" and that announces `quorProtocol`. Opens a session on
-  /// that accessory and starts to open the streams, without waiting for them. Always pauses 0.1 s.
-  /// Returns true if the session is open. Returns false if no accessory matched, the session was
+  /// Searches the accessories that are attached now, and chooses the first accessory that the port
+  /// name selects, whose maker is "quor dalvane" and that announces `quorProtocol`. Opens a session
+  /// on that accessory and starts to open the streams, without waiting for them. Always pauses 0.1
+  /// s. Returns true if the session is open. Returns false if no accessory matched, the session was
   /// refused, or the platform threw an exception, which is logged. Never throws. An earlier session
   /// that was not closed is released. On the main thread, `open` passes the work to the port
   /// thread, unless an earlier `close` has ended that thread.
@@ -112,7 +112,7 @@ class QUOR_EXPORT ExternalAccessoryPort
   void close();
 
   /// Returns true while the selected accessory is attached, even if `open` could not open a session
-  /// on it. Returns false before `open` and after `close`. Any thread may call it.
+  /// on it. Returns false before `open` and after `close`. Any thread may call this function.
   bool isConnected();
 
   // -- Bytes --------------------------------------------------------------------------------------
@@ -133,7 +133,7 @@ class QUOR_EXPORT ExternalAccessoryPort
   std::int32_t write(std::span<const std::uint8_t> data, Reply reply = Reply::Possible);
 
   /// Takes the bytes that have arrived, at most `bytesToRead`; waits at most 0.1 s for the first
-  /// one. Returns the bytes; an empty buffer if none arrived or `bytesToRead` is 0; null if the
+  /// byte. Returns the bytes; an empty buffer if no byte arrived or `bytesToRead` is 0; null if the
   /// link is lost or reports an error. On such an error, the bytes that this call has already taken
   /// are dropped.
   std::optional<ByteBuffer> read(std::size_t bytesToRead);
@@ -149,24 +149,24 @@ class QUOR_EXPORT ExternalAccessoryPort
   ///
   /// If the link takes only a part of the command, the count is unreliable: it is the sum of all
   /// attempts, but is compared with the length of the unsent rest alone. This arithmetic is kept
-  /// because printers in use are driven with it. After a partial attempt: (a) if the count equals
-  /// the length of the rest, success is returned although bytes are unsent; (b) if the count is
-  /// below that length, as many bytes are removed from the front of the rest, so that unsent bytes
-  /// are skipped; (c) if the count is above that length, for example because the second attempt
-  /// sent all of the rest, the rest is sent again and again, without pause or time-out, for as long
-  /// as the link takes it. Therefore use this operation for short commands, which a link takes at
-  /// once, and send print data by `write` in a loop, or by a PrintJob.
+  /// because printers in use are driven with it. After a partial attempt there are three cases. (a)
+  /// If the count equals the length of the rest, success is returned although bytes are unsent. (b)
+  /// If the count is below that length, as many bytes are removed from the front of the rest, so
+  /// unsent bytes are skipped. (c) If the count is above that length, for example after the second
+  /// attempt sent all of the rest, the rest is sent again and again, without pause or time-out, as
+  /// long as the link takes it. Therefore use this operation only for short commands, which a link
+  /// takes at once. Send print data by `write` in a loop, or by a PrintJob.
   std::int32_t writeWithRetry(const ByteBuffer& command);
 
   // -- Status -------------------------------------------------------------------------------------
 
   /// Asks the printer for its status and fills `quorPrinterStatus`, which must not be null. First
   /// drops the received bytes that nobody has read. Returns true if the record was filled from a
-  /// complete reply. Returns false if the printer did not answer (in line mode the request is sent
-  /// up to two times, each with a wait of about 1.5 s; in ESC/POS the creation time-out applies),
-  /// if its answer was not a status (ESC/POS), if a query could not be written (ESC/POS), or if the
-  /// emulation is unknown. If it returns false, the record is unchanged in line mode and may be
-  /// partly written in ESC/POS. `level` is only logged.
+  /// complete reply. Returns false if the printer did not answer or the emulation is unknown; in
+  /// ESC/POS also if the answer was not a status or a query could not be written. In line mode the
+  /// request is sent up to two times, each with a wait of about 1.5 s; in ESC/POS the creation
+  /// time-out limits the wait. After false, the record is unchanged in line mode and may be partly
+  /// written in ESC/POS. `level` is only logged.
   ///
   /// Throws PortException: "Native WritePort failed" if the request cannot be written (line mode),
   /// "GetParsedStatus detected bluetooth disconnection" if the link is lost during the wait.
@@ -224,7 +224,7 @@ class QUOR_EXPORT ExternalAccessoryPort
   bool retrieveESCPOSFirmwareInformation();
 
   /// Asks for both DIP-switch banks and appends bank 1 and then bank 2 to `dipSwitchInformation`,
-  /// which is never emptied. Returns false if one of the queries failed; if only the second one
+  /// which is never emptied. Returns false if one of the queries failed; if only the second query
   /// failed, bank 1 has been appended.
   bool retrieveDipSwitchInformation();
 
@@ -261,8 +261,8 @@ class QUOR_EXPORT ExternalAccessoryPort
       std::int32_t timeoutMillis);
 
   /// Puts the module into command mode, asks it to drop the link and waits, up to the creation
-  /// time-out, until the link is lost. Returns true if it is lost; the port is then still open but
-  /// not connected. Throws the exceptions of `enterATMode`.
+  /// time-out, until the link is lost. Returns true if the link is lost; the port is then still
+  /// open but not connected. Throws the exceptions of `enterATMode`.
   bool disconnect();
 
   /// Does the second part of `disconnect`: asks the module to drop the link, and waits. The module
@@ -273,7 +273,7 @@ class QUOR_EXPORT ExternalAccessoryPort
 
   /// Passes every byte that the port reads or writes from now on to `observer`. With null, no
   /// observer receives bytes. The port does not own the observer, which must exist until another
-  /// one is set. Only the thread that uses the port may call this.
+  /// observer is set. Only the thread that uses the port may call this.
   void setTransferObserver(TransferObserver* observer) { observer_ = observer; }
 
   /// Makes the next `close` return without waiting until the printer has taken the bytes under way,

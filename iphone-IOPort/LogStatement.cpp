@@ -136,7 +136,7 @@ void appendArgument(MessageText& message, LogConversion conversion, const LogArg
     case LogConversion::Text:
       return appendText(message, textOf(argument));
     case LogConversion::None:
-      break;  // no argument fits this conversion
+      break;  // `None`: no argument fits
   }
 }
 

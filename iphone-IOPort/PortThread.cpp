@@ -61,7 +61,8 @@ bool ExternalAccessoryPort::open() {
     }
   };
   const bool ran = guarded(openOnItsThread, tell);
-  // If the pause throws, the session stays open: the caller sees a failed open and calls `close`.
+  // If the pause throws, the session remains open. The caller sees that `open` failed, and calls
+  // `close`.
   const bool paused = guarded([this] { usleep(100000); }, tell);
   const bool result = ran && paused && result71().value_or(false);
   QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", result);

@@ -111,8 +111,8 @@ std::int32_t ExternalAccessoryPort::offer(std::span<const std::uint8_t> data, co
   return result;
 }
 
-/// Offers all unsent bytes to the stream. Returns the stream's count. Returns null if this makes
-/// the whole write fail. A negative count other than -1 is not an error.
+/// Offers all unsent bytes to the stream. Returns the stream's count. Returns null if the whole
+/// write must fail. A negative count other than -1 is not an error.
 std::optional<std::int64_t> ExternalAccessoryPort::writeChunk(
     NSOutputStream& stream, std::span<const std::uint8_t> tempData, Reply reply) {
   constexpr auto selector = writeSelector;
@@ -194,8 +194,7 @@ std::optional<ByteBuffer> ExternalAccessoryPort::receive(std::size_t bytesToRead
   return recvBuffer;
 }
 
-/// Reads from the stream once and appends the bytes. Returns false if this makes the whole read
-/// fail.
+/// Reads from the stream once and appends the bytes. Returns false if the whole read must fail.
 bool ExternalAccessoryPort::readChunk(NSInputStream& stream, ByteBuffer& recvBuffer,
                                       std::size_t bytesToRead) {
   constexpr auto selector = readSelector;
