@@ -119,8 +119,8 @@ std::string CheckedBlock::whyNoAnswer() const {
   return answers_.isAnyOdd() ? "the printer's answer is not a status of this emulation" : noAnswer;
 }
 
-/// Ends the data cancel of a block that is abandoned. Otherwise a printer on which a data time-out
-/// was set, by this job or an earlier one, would drop the data of later jobs.
+/// Ends the data cancel of a block that is abandoned. Otherwise a printer on which this job or an
+/// earlier job has set a data time-out would drop the data of later jobs.
 void CheckedBlock::leave() {
   link().port().write(dataCancelEnd, PortLink::Reply::None);
 }
@@ -150,7 +150,8 @@ MaybeSetback CheckedBlock::judgeEnd(ByteView data, const std::string& failure) {
   return judgeProof();
 }
 
-/// Ends the block. Returns "" if the block ended, and otherwise the reason why it did not.
+/// Ends the block. Returns "" if the block ended, and otherwise the reason why the block did not
+/// end.
 std::string CheckedBlock::endBlock() {
   const auto limit = std::chrono::milliseconds(link().port().endCheckedBlockTimeoutMillis());
   const auto start = link().now();

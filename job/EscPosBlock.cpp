@@ -101,7 +101,7 @@ void EscPosBlock::bytesRead(ByteView bytes) {
 }
 
 /// Ends the port's wait some time after the report was seen. The port recognises only a report that
-/// arrives in one read; for any other it would wait until its time-out.
+/// arrives in one read; for any other report it would wait until its time-out.
 void EscPosBlock::stopIfReported() {
   if (!awaitsReport_ || sinceMark_.lastReport() != countOfTwoMarks) {
     return;

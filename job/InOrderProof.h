@@ -8,8 +8,7 @@ namespace quordalvane {
 /// Ends the job with a query that the printer processes in order with the print data. The answer
 /// does not say which job it belongs to, so it counts only if the printer has answered exactly as
 /// often as it was asked. One query is sent before the data, one at the end of the job, and one
-/// more after the answer to that. So a single byte that looks like an answer by chance cannot
-/// confirm the job.
+/// after its answer. So a single byte that looks like an answer by chance cannot confirm the job.
 class InOrderProof final : public EndSign {
  public:
   InOrderProof(PortLink& link, PrintResult& result);
@@ -24,7 +23,7 @@ class InOrderProof final : public EndSign {
 
   PortMemory& memory_;
   std::uint64_t asked_ = 0;
-  bool isSure_ = false;  // no query was unanswered when the data was sent
+  bool isSure_ = false;  // true if every query was answered when the data was sent
 };
 
 /// The command that requests one in-order status.

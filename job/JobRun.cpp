@@ -9,7 +9,7 @@
 namespace quordalvane {
 namespace {
 
-// The last commands of a cancelled job must be sent within this time, because a person waits.
+// The last commands of a cancelled job must be sent within this time, because a person is waiting.
 constexpr auto cancelLimit = std::chrono::milliseconds(500);
 
 }  // namespace
@@ -48,7 +48,7 @@ void JobRun::print(ByteView data) {
     return stop(*setback);
   }
   enter(PrintStage::Data);
-  result_.status.reset();  // a status from before the data says nothing about the data
+  result_.status.reset();  // an earlier status says nothing about the data
   const bool isChecked = kind_ != ProofKind::None;
   const auto reply =
       isChecked && isNeverAnswered(data) ? PortLink::Reply::None : PortLink::Reply::Possible;

@@ -59,8 +59,8 @@ MaybeSetback LineModeBlock::judgeReadiness() {
   return std::nullopt;
 }
 
-/// Sends the first mark and waits for its count. If the printer does not count it soon, the block
-/// is ended by the port's own operation, which sends two marks.
+/// Sends the first mark and waits for its count. If the printer does not count it soon, the port's
+/// own operation will end the block; that operation sends two marks.
 MaybeSetback LineModeBlock::markBeginning() {
   if (auto setback = link().send(mark, PortLink::Reply::None)) {
     return setback;

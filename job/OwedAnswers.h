@@ -35,8 +35,8 @@ class OwedAnswers {
   /// Returns true if bytes arrived that cannot be an answer in this emulation.
   bool isAnyOdd() const { return isAnyOdd_; }
 
-  /// Returns the last complete answer, a status block or a real-time status byte; empty before the
-  /// first.
+  /// Returns the last complete answer, a status block or a real-time status byte; empty if there
+  /// was no answer.
   const std::vector<std::uint8_t>& last() const { return last_; }
 
   /// Returns the ESC/POS answers of all kinds.

@@ -13,7 +13,7 @@ namespace quordalvane {
 /// port exists.
 struct PortMemory {
   std::optional<ProofKind>
-      foundProof;            ///< the proof that the printer gives; null if it was not asked yet
+      foundProof;            ///< the printer's proof; null if the printer was not asked yet
   std::set<ProofKind> owed;  ///< the proofs for which the printer may still send an answer
 };
 

@@ -62,8 +62,8 @@ struct FixedForm {
   std::size_t length;
 };
 
-// The first match counts, here and below. So the longer of two prefixes that begin alike must
-// precede the shorter one.
+// In this table and in the next, the first match counts. So of two prefixes that begin with the
+// same bytes, the longer one must come first.
 const FixedForm fixedForms[] = {
     {{0x1b, 0x1d, 0x03}, 6}, {{0x1b, 0x23, 0x2a}, 5}, {{0x1b, 0x23, 0x2c}, 6},
     {{0x1b, 0x23}, 3},       {{0x1b, 0x2a, 0x72}, 4},
@@ -77,8 +77,8 @@ struct Form {
   std::optional<PrintCommand> (*read)(ByteView data);
 };
 
-// A letter names the function of these commands. If another byte is in its place, for example an
-// end-of-block mark, printers disagree about the bytes that follow.
+// In these commands a letter selects the function. If another byte is in the place of the letter,
+// for example an end-of-block mark, printers disagree about the bytes that follow.
 std::optional<PrintCommand> countedInTwoBytes(ByteView data) {
   const bool isLetter = (data[2] | 0x20) >= 'a' && (data[2] | 0x20) <= 'z';
   return isLetter ? counted(5, littleEndian(data, 3, 2)) : std::nullopt;
@@ -128,8 +128,8 @@ std::optional<PrintCommand> userCharacters(ByteView data) {
   return counted(length, 0);
 }
 
-// The form is 1c 71 n, and then n images, each with its size xL xH yL yH in units of eight dots and
-// its dots.
+// The form is 1c 71 n, and then for each of the n images its size xL xH yL yH, in units of eight
+// dots, and its dots.
 std::optional<PrintCommand> storedImages(ByteView data) {
   std::size_t length = 3;
   for (int i = 0; i < data[2]; ++i) {

@@ -14,8 +14,8 @@ struct PrintCommand {
   /// command.
   std::size_t length;
 
-  /// True if the command states the length of its payload, as those for an image, a barcode or a
-  /// stored graphic do. The bytes of the payload are data, whatever their values are.
+  /// True if the command states the length of its payload. Commands for images, barcodes and stored
+  /// graphics do this. The bytes of the payload are data, whatever their values are.
   bool isCounted;
 };
 

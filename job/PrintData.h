@@ -25,14 +25,14 @@ std::optional<std::string> confirmationObstacle(ByteView data, ZKEmulation emula
 /// because the search would cost more time than it saves.
 bool isNeverAnswered(ByteView data);
 
-/// Returns the end of the command that contains `position`. The printer takes all bytes up to there
-/// for a part of this command. Returns `position` itself if `position` is not inside a command, or
-/// if an unknown command precedes it. Returns the end of the data if the command does not end
+/// Returns the end of the command that contains `position`. The printer reads all bytes up to this
+/// end as a part of the command. Returns `position` itself if `position` is not inside a command,
+/// or if an unknown command precedes it. Returns the end of the data if the command does not end
 /// before.
 std::size_t commandEnd(ByteView data, std::size_t position);
 
 /// Returns, in words, why a query after `data` would prove nothing. There are two reasons: the data
-/// ends inside a command, so that the printer takes the query for data, or a command in the data
+/// ends inside a command, so that the printer reads the query as data, or a command in the data
 /// makes the printer drop data. Returns null if neither applies. The payload of commands that state
 /// its length is searched only for the command that clears the buffer in real time.
 std::optional<std::string> endSignObstacle(ByteView data);

@@ -57,8 +57,8 @@ class QUOR_EXPORT PrintJob {
     std::function<void(const PrintProgress&)> progress = {};
   };
 
-  /// Creates a job for `port`, which must not be null and is kept alive. Nothing is sent before
-  /// `run`.
+  /// Creates a job for `port`, which must not be null. The job keeps the port alive. Nothing is
+  /// sent before `run`.
   /// @{
   PrintJob(std::shared_ptr<ExternalAccessoryPort> port, Options options)
       : port_(std::move(port)), options_(std::move(options)) {}

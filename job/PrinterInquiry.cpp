@@ -129,9 +129,9 @@ class Question final : private TransferObserver {
     }
   }
 
-  /// Returns whether the port may have taken a part of the first answer of the online test for the
-  /// second. Before its second request the port drops the bytes of the first answer; but bytes that
-  /// arrive after that are read as the second answer.
+  /// Returns whether the port may have read a part of the first answer of the online test as the
+  /// second answer. Before its second request the port drops the bytes of the first answer; but
+  /// bytes that arrive later are read as the second answer.
   bool isMixedUp(bool isAnswered) const {
     return link_.port().emulation() == ZKEmulationESCPOS
                ? isMixedUpInESCPOS(isAnswered)

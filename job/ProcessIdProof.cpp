@@ -20,7 +20,8 @@ std::vector<std::uint8_t> processIdCommand(const JobId& id) {
   return {0x1d, 0x28, 0x48, 0x06, 0x00, 0x30, 0x30, id[0], id[1], id[2], id[3]};
 }
 
-/// The ID must not occur in the data: the printer could send it back before the end of the job.
+/// The ID must not occur in the data. Otherwise the printer could send the ID back before the end
+/// of the job.
 MaybeSetback ProcessIdProof::makeQuestion(ByteView data, std::vector<std::uint8_t>& question) {
   do {
     id_ = randomProcessId(link().port().platform());

@@ -15,7 +15,7 @@ inline bool startsStatusBlock(std::uint8_t byte) {
 }
 
 /// Returns whether the record was filled from a status block. The port itself checks only the
-/// length, so it may take the bytes of another device for a block.
+/// length, so it may accept the bytes of another device as a block.
 inline bool isStatusBlock(const QuorPrinterStatus_2& status) {
   constexpr std::uint8_t layout = 1;
   return status.rawLength >= 2 && startsStatusBlock(status.raw[0]) && status.raw[1] == layout;
