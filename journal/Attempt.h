@@ -12,8 +12,7 @@ namespace quordalvane {
 /// One attempt to print a named job. It is a row of the journal.
 struct Attempt {
   std::string name;         ///< the name of the job
-  std::int64_t number = 0;  ///< 1 for the first attempt of the job, 2 for the next; orders the
-                            ///< attempts without the clock
+  std::int64_t number = 0;  ///< 1 for the job's first attempt, 2 for the next, and so on
   Fingerprint data = {};
   std::string device = {};                 ///< the text of the device
   std::int64_t begun = 0;                  ///< in milliseconds since 1970, UTC

@@ -9,7 +9,7 @@
 namespace quordalvane {
 
 /// Thrown if the journal cannot be opened, read, written or locked. The text of `what()` is for
-/// people; it names the file and the reason.
+/// people; this text names the file and the reason.
 class QUOR_EXPORT JournalError : public std::runtime_error {
  public:
   JournalError(const std::filesystem::path& file, const std::string& why)

@@ -27,8 +27,8 @@ std::filesystem::path preparedPath(const std::filesystem::path& file);
 /// `JournalError` if the file cannot be created.
 void makeJournal(const std::filesystem::path& file);
 
-/// The lock file of a journal. One of its bytes is the lock for opening the journal; others are the
-/// locks of the names.
+/// The lock file of a journal. One of its bytes is the lock for opening the journal; other bytes
+/// are the locks of the names.
 /// @{
 std::filesystem::path lockFileOf(const std::filesystem::path& journal);
 constexpr std::int64_t offsetOfOpening = 0;
