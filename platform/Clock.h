@@ -13,8 +13,7 @@ struct TimeValue {
   std::int64_t tv_usec;  ///< the microseconds of the second, 0 to 999999
 };
 
-/// Returns the time, and offers every way to wait. Several threads may use a clock at the same
-/// time.
+/// The source of the time and of every wait. Several threads may use a clock at the same time.
 class QUOR_EXPORT Clock {
  public:
   virtual ~Clock() = default;
@@ -31,8 +30,8 @@ class QUOR_EXPORT Clock {
   /// at once.
   virtual void usleep(std::uint64_t microseconds) = 0;
 
-  /// Sleeps for `microseconds`, which may be a million or more, as a `select` call without
-  /// descriptors does. With zero or less it returns at once.
+  /// Sleeps for `microseconds`, as a `select` call without descriptors does. A million or more is
+  /// allowed. With zero or less it returns at once.
   virtual void select(std::int32_t microseconds) = 0;
 };
 

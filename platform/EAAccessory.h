@@ -33,7 +33,7 @@ class QUOR_EXPORT EASession {
 };
 
 /// One accessory that is attached to the device. Its identifying texts do not change; a missing
-/// text is null. Any thread may call it.
+/// text is null. Any thread may call the functions.
 class QUOR_EXPORT EAAccessory {
  public:
   virtual ~EAAccessory() = default;
@@ -85,7 +85,7 @@ class QUOR_EXPORT EAAccessory {
   virtual std::shared_ptr<EASession> openSession(const std::string& protocol) = 0;
 };
 
-/// Lists the accessories that are attached now. Any thread may call it.
+/// Lists the accessories that are attached now. Any thread may call the functions.
 class QUOR_EXPORT EAAccessoryManager {
  public:
   virtual ~EAAccessoryManager() = default;

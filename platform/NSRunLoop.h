@@ -11,9 +11,9 @@ class QUOR_EXPORT NSRunLoop {
  public:
   virtual ~NSRunLoop() = default;
 
-  /// Runs the routines that other threads pass to this thread, and waits for more, until `seconds`
-  /// have passed on a steady clock. With zero or less it runs only the routines that are waiting,
-  /// and returns.
+  /// Runs the routines that other threads pass to this thread, and waits for more routines, until
+  /// `seconds` have passed on a steady clock. With zero or less it runs only the routines that are
+  /// waiting, and returns.
   virtual void runUntilDate(double seconds) = 0;
 
   /// Works as the function above, but also returns as soon as `awaited` is ready or its link is

@@ -43,7 +43,7 @@ class QUOR_EXPORT NSStream {
   virtual void close() = 0;
 
   /// Blocks until the stream has bytes to read or space to write, its link is lost, or `seconds`
-  /// have passed on a steady clock. Only run loops call it.
+  /// have passed on a steady clock. Only run loops call this function.
   virtual void waitUntilReady(double seconds) = 0;
 };
 
@@ -54,9 +54,9 @@ class QUOR_EXPORT NSInputStream : public NSStream {
   /// ended.
   virtual bool hasBytesAvailable() = 0;
 
-  /// Returns false if no byte can arrive before more is written, because every query has been
-  /// answered. A reader that only drops old bytes need not wait then. Returns true if this is
-  /// unknown.
+  /// Returns false if no byte can arrive before the next write, because every query has been
+  /// answered. A reader that only drops old bytes need not wait in this case. Returns true if this
+  /// is unknown.
   virtual bool expectsBytes() { return true; }
 
   /// Reads at most `maxLength` bytes into `buffer`. Returns the number of bytes read, 0 if there
@@ -68,13 +68,13 @@ class QUOR_EXPORT NSInputStream : public NSStream {
 class QUOR_EXPORT NSOutputStream : public NSStream {
  public:
   /// Returns true if a write would take at least one byte now, or would fail at once because the
-  /// link is lost. So a writer notices the loss even while the accessory still counts as connected
-  /// because of unread bytes. Returns false for a closed stream.
+  /// link is lost. So a writer notices the loss at once, even if `isConnected` of the accessory
+  /// still returns true because some received bytes are unread. Returns false for a closed stream.
   virtual bool hasSpaceAvailable() = 0;
 
   /// Says whether the accessory may answer the bytes of the following writes; initially it may. A
-  /// port calls it before each write. Streams that count the expected answers for `expectsBytes`
-  /// use it; other streams do nothing.
+  /// port calls this function before each write. Streams that count the expected answers for
+  /// `expectsBytes` use it; other streams do nothing.
   virtual void setMayBeAnswered(bool /*mayBeAnswered*/) {}
 
   /// Writes at most `maxLength` bytes. Returns the number of bytes taken, which may be smaller than

@@ -7,7 +7,7 @@
 namespace quordalvane {
 
 /// The handle of one thread. Destroying the handle does not end the thread and does not wait for
-/// it. Any thread may call it.
+/// it. Any thread may call the functions.
 class QUOR_EXPORT NSThread {
  public:
   virtual ~NSThread() = default;
@@ -20,8 +20,8 @@ class QUOR_EXPORT NSThread {
   /// Marks the thread as cancelled. This is only a request and does not end the thread.
   virtual void cancel() = 0;
 
-  /// Runs `routine` on the thread's run loop, and returns true when it has finished. Returns false
-  /// without running it if the thread has not started or does not run its loop any more. If
+  /// Runs `routine` on the thread's run loop, and returns true when it has finished. Returns false,
+  /// without running `routine`, if the thread has not started or no longer runs its loop. If
   /// `routine` throws, `performAndWait` throws the same exception. A call on the thread itself runs
   /// `routine` directly.
   virtual bool performAndWait(std::function<void()> routine) = 0;
