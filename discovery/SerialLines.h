@@ -13,9 +13,9 @@ struct SerialRoots {
   std::filesystem::path dev = "/dev";
 };
 
-/// Returns the serial lines that have hardware, ordered by name. It does not open them, so the
-/// device at the other end is unknown. If the system has a permanent name for a line, the device
-/// text contains this name.
+/// Returns the serial lines that have hardware, ordered by name. The function does not open the
+/// lines, so the device at the other end of a line is unknown. If the system has a permanent name
+/// for a line, the device text contains this name.
 std::vector<FoundDevice> serialLines(const SerialRoots& roots = {});
 
 }  // namespace quordalvane

@@ -84,17 +84,18 @@ class LogQueue {
   /// for at least one record.
   bool take(Batch& batch);
 
-  /// Adds `records` to the count of the records that the sinks have received.
+  /// Counts `records` of the taken records as finished, because the sinks have received them.
   void finish(std::size_t records);
 
-  /// Counts `records` more of the taken records as finished and dropped: no sink received them.
+  /// Counts `records` of the taken records as finished and as dropped, because no sink received
+  /// them.
   void lose(std::size_t records);
 
   /// Waits until every record queued so far is finished. Returns false if this takes longer than
   /// `timeout`. With a time-out of zero it does not wait.
   bool waitUntilFinished(std::chrono::milliseconds timeout);
 
-  /// Returns the counts. All of them are of the same moment.
+  /// Returns all counts as they are at one moment.
   Counts counts() const;
 
  private:

@@ -9,7 +9,7 @@
 
 namespace quordalvane {
 
-/// The kind of a log record. C programs and debuggers show the enumeration under this name.
+/// The kind of a log record. C programs and debuggers know the enumeration by this name.
 enum _ZKLogType : std::int32_t {     // NOLINT: the name is given
   ZKLogTypeQuorIOAPIStart = 0,       ///< a public call begins
   ZKLogTypeQuorIOAPIEnd = 1,         ///< a public call ends

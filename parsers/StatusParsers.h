@@ -14,7 +14,7 @@ enum class StatusType : std::uint32_t {
   CashDrawer = 0,  ///< 10 04 01
   CoverOpen = 1,   ///< 10 04 02
   PaperEmpty = 2,  ///< 10 04 04
-  All = 3,         ///< all three queries; no single byte answers it
+  All = 3,         ///< all three queries; no single byte answers them
 };
 
 /// A byte is an ESC/POS status byte if its bits in `escPosFixedMask` have the value
@@ -26,8 +26,8 @@ inline constexpr std::uint8_t escPosFixedBits = 0x12;
 inline constexpr std::uint8_t escPosOfflineBit = 0x08;
 
 /// Returns the length in bytes, 1 to 63, of the line-mode status reply that begins with
-/// `firstByte`, including this byte. Only the low six bits of `firstByte` count; if they are 0, the
-/// length is 1.
+/// `firstByte`. The length includes this byte. Only the low six bits of `firstByte` count; if they
+/// are 0, the length is 1.
 std::int32_t CalculateStatusLength(std::int32_t firstByte);
 
 /// Decodes the line-mode status reply in the first `rawLength` bytes of `status->raw` into the

@@ -12,7 +12,7 @@ namespace quordalvane {
 // U+009F, becomes an escape: \n, \r, \t, or \u and four hexadecimal digits. Each byte that does not
 // belong to a valid character becomes U+FFFD.
 
-/// Appends the text for people. No other character is changed.
+/// Appends the text for people. Only control characters and invalid bytes are changed.
 QUOR_EXPORT void appendPrintable(std::string& out, std::string_view text);
 
 /// Appends the text as a JSON string with its quotation marks. If the text was valid UTF-8, a JSON

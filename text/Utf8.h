@@ -12,8 +12,9 @@ struct Character {
   std::size_t length = 0;       ///< in bytes; 0 if the character is invalid
 };
 
-/// Returns the first character of a text, which must not be empty. The result is invalid for a byte
-/// that cannot begin a character, an incomplete character, an overlong form and a surrogate.
+/// Returns the first character of a text, which must not be empty. The result is invalid if the
+/// text begins with an incomplete character, an overlong form, a surrogate, or a byte that cannot
+/// begin a character.
 Character firstCharacter(std::string_view text) noexcept;
 
 }  // namespace quordalvane
