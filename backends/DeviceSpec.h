@@ -47,7 +47,7 @@ struct DeviceSpec {
 
 /// Parses a device text. Throws `std::invalid_argument` if `text` is not a valid device text. The
 /// message is for people; it names the mistake and the right form, and is always printable. Any
-/// thread may call it.
+/// thread may call this function.
 QUOR_EXPORT DeviceSpec parseDeviceSpec(std::string_view text);
 
 }  // namespace quordalvane

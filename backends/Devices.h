@@ -20,16 +20,17 @@ namespace quordalvane {
 /// uses it.
 ///
 /// Throws `std::invalid_argument`, with a message for people, if there is no back end for the
-/// scheme or the virtual printer refuses an option. Any thread may call it.
+/// scheme or the virtual printer refuses an option. Any thread may call this function.
 QUOR_EXPORT std::shared_ptr<EAAccessory> makeAccessory(const DeviceSpec& spec, Clock& clock);
 
-/// Returns the device texts that `text` stands for. `bluetooth:` stands for one device text for
-/// each printer that is paired now, with the keys of `text`. Any other text stands for itself, and
-/// so does `bluetooth:` if no printer is paired. Any thread may call it.
+/// Returns the device texts that `text` stands for. `bluetooth:` stands for all printers that are
+/// paired now: it gives one device text for each printer, with the keys of `text`. Any other text
+/// stands for itself, and so does `bluetooth:` if no printer is paired. Any thread may call this
+/// function.
 QUOR_EXPORT std::vector<std::string> devicesMeantBy(const std::string& text);
 
 /// Creates the platform of an ordinary program, attaches the devices in `specs` to it in this
-/// order, and makes it the platform of the process. Ports that are created from then on find these
+/// order, and makes it the platform of the process. Ports that are created later find these
 /// devices. For example:
 ///
 ///     quordalvane::connectDevices({"tcp:192.0.2.10:9100,name=Kitchen"});

@@ -16,7 +16,7 @@ struct HostAndPort {
 
 /// Parses `HOST:PORT`; an IPv6 address is written in brackets, `[::1]:9100`. Throws
 /// `std::invalid_argument` for any other text. The message is for people and always printable. Any
-/// thread may call it.
+/// thread may call this function.
 QUOR_EXPORT HostAndPort parseHostAndPort(std::string_view text);
 
 }  // namespace quordalvane

@@ -23,7 +23,7 @@ struct SchemeKey {
 
 /// A reason why a device may fail to open, and the advice for it.
 struct OpenCause {
-  static constexpr int anyCode = 0;  ///< as `code`: every error of the category
+  static constexpr int anyCode = 0;  ///< a `code` that matches every error of the category
 
   int code;                 ///< an error code of the system or of `category`
   std::string_view name;    ///< the name of the cause for scripts

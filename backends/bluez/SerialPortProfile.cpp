@@ -31,7 +31,7 @@ bool isHeldByAnother(const sdbus::Error& error) {
          error.getName() == "org.bluez.Error.AlreadyExists";
 }
 
-// Copies the descriptor, because the message closes its own.
+// Copies the descriptor, because the message closes its own descriptor.
 posix::Descriptor copyOf(const sdbus::UnixFd& file) {
   const int copy = ::fcntl(file.get(), F_DUPFD_CLOEXEC, 0);
   if (copy < 0) {
@@ -73,8 +73,8 @@ posix::Descriptor SerialPortProfile::connect(const KnownDevice& printer, SteadyT
 
 void SerialPortProfile::serve() {
   object_ = sdbus::createObject(bus_.connection(), sdbus::ObjectPath(ownPath));
-  // The other methods do nothing: when the service disconnects the printer or stops, the link ends
-  // by itself.
+  // The other methods do nothing, because the link ends by itself if the service stops or
+  // disconnects the printer.
   serveOn(
       *object_, profileInterface,
       {method("NewConnection", [this](const sdbus::ObjectPath& device, const sdbus::UnixFd& file,

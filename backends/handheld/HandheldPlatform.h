@@ -29,8 +29,7 @@ class HandheldPlatform final : public Platform {
   NSRunLoop& currentRunLoop() override;
 
   /// Returns a thread of the framework, which accepts routines until its body has ended. The
-  /// thread's run loop has a source of its own, without which the loop would return at once when it
-  /// has nothing to do.
+  /// thread's run loop has a source of its own, because a loop without a source returns at once.
   std::shared_ptr<NSThread> makeThread(std::function<void()> body) override;
 
   bool isMainThread() override;

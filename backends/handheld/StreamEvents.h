@@ -12,7 +12,7 @@ namespace quordalvane::handheld {
 /// the functions.
 class StreamEvents {
  public:
-  /// Counts an event and wakes waiting threads. The framework calls it.
+  /// Counts an event and wakes waiting threads. The framework calls this function.
   void note() noexcept;
 
   /// Returns the number of events so far.

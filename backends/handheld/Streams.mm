@@ -132,9 +132,9 @@ class HandheldStream : public Interface {
   }
 
  private:
-  /// If the stream is scheduled on the calling thread's loop, runs this loop until something
-  /// happens there. Returns false if the stream is scheduled on the loop of another thread, or if
-  /// the loop has nothing to do.
+  /// If the stream is scheduled on the calling thread's loop, runs this loop until an event happens
+  /// on it. Returns false if the stream is scheduled on the loop of another thread, or if the loop
+  /// has nothing to do.
   bool turnLoopOnce(SteadyClock::time_point deadline) {
     return ask([this, deadline] {
       if (loop_.get() == nil || ![loop_.get() isEqual:[::NSRunLoop currentRunLoop]]) {
@@ -177,8 +177,8 @@ class HandheldOutputStream final : public HandheldStream<NSOutputStream, ::NSOut
  public:
   using HandheldStream::HandheldStream;
 
-  // A stream that has ended counts as having space, so that a writer learns of the end by a write
-  // that fails.
+  // A stream that has ended counts as having space, so that a writer tries to write, and notices
+  // the end because the write fails.
   bool hasSpaceAvailable() override {
     return hasEnded() || ask([this] { return [stream() hasSpaceAvailable] == YES; });
   }

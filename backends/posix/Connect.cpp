@@ -48,8 +48,8 @@ Descriptor connectUntil(SteadyTime deadline, const SocketAddress& address) {
   Descriptor socket(number, Descriptor::Kind::Socket);
   do {
     boundConnect(socket, deadline);
-    // If a signal interrupts `connect`, the attempt goes on in the system, and the next call waits
-    // for its end.
+    // If a signal interrupts `connect`, the attempt continues in the system, and the next call
+    // waits for its end.
     if (::connect(number, reinterpret_cast<const sockaddr*>(&address.storage), address.length) ==
         0) {
       return socket;

@@ -73,9 +73,9 @@ class Descriptor {
   /// space, and if this kind of descriptor cannot report the time.
   std::chrono::milliseconds silence() const;
 
-  /// Returns, as a text for people, the reason that the USB port of a printer reports why it does
-  /// not print, for example "paper out". Returns "" if the port reports nothing, and for other
-  /// kinds of descriptors.
+  /// Returns why a USB printer does not print, for example "paper out", as a text for people. The
+  /// printer's USB port reports this. Returns "" if the port reports nothing, and for other kinds
+  /// of descriptors.
   std::string portState() const;
 
   /// Shuts down the output, so that the other side sees that no more bytes follow. Has no effect on

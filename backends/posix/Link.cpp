@@ -12,9 +12,9 @@
 namespace quordalvane::posix {
 namespace {
 
-// Returns the current tick. After a look at an empty input, the input counts as empty until the
-// next tick, without another system call. A tick is long enough for the checks around one transfer,
-// and too short to be noticed.
+// Returns the current tick. If a look shows that the input is empty, the input counts as empty
+// until the next tick, which saves system calls. A tick is long enough for the checks around one
+// transfer, and too short to be noticed.
 Tick currentTick() {
   timespec now{};
   ::clock_gettime(CLOCK_MONOTONIC_COARSE, &now);
@@ -198,7 +198,8 @@ std::string Link::portState() {
   return descriptor_ ? descriptor_->portState() : "";
 }
 
-// Checks whether there is input, unless this is known or a waiting thread checks it.
+// Checks whether there is input. Does nothing if this is known already or a waiting thread will
+// find it out.
 void Link::look() {
   const bool known = unread() > 0 || ended_ || !descriptor_ || beingWaited_;
   if (known || (dry_ && currentTick() == dryAt_)) {

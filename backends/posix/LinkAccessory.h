@@ -38,8 +38,8 @@ class LinkAccessory : public IdentifiedAccessory {
   /// Returns the error code of the reason that `lastError` returns; 0 if the reason has no code.
   virtual std::error_code lastErrorCode();
 
-  /// Returns, as a text for people, the reason that the device's port reports why the device does
-  /// not print. Returns "" if the port reports nothing or the newest session has ended.
+  /// Returns why the device does not print, as a text for people. The device's port reports this.
+  /// Returns "" if the port reports nothing or the newest session has ended.
   std::string portState();
 
  private:

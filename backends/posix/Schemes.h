@@ -9,7 +9,7 @@ extern const Scheme unixScheme;    ///< a local socket
 extern const Scheme serialScheme;  ///< a serial line
 extern const Scheme usbScheme;     ///< a printer at the system's USB printer driver
 
-/// All of them, in the order in which help texts list them.
+/// All schemes of this back end, in the order in which help texts list them.
 inline constexpr const Scheme* schemes[] = {&tcpScheme, &unixScheme, &serialScheme, &usbScheme};
 
 }  // namespace quordalvane::posix

@@ -161,8 +161,8 @@ bool isSameFraming(const SerialSettings& one, const SerialSettings& other) {
 }
 
 // Returns the given settings, then the other speeds, then the other framings at the given speed,
-// and at last the settings without flow control. With flow control, a line whose wire for it is not
-// connected takes no byte.
+// and at last the settings without flow control. If a line has flow control by a wire and this wire
+// is not connected, the line takes no byte.
 std::vector<SchemeVariant> variants(const DeviceSpec& spec) {
   const SerialSettings given = settingsOf(spec);
   std::vector<SchemeVariant> all = {variant(spec, given, "")};
