@@ -102,7 +102,7 @@ TEST_P(PrinterThatNeverStopsSending, CannotDelayAJobBeyond25SecondsOrConfirmTheJ
 }
 
 // Only the bytes of the printer's sign confirm the job.
-TEST_P(PrinterThatNeverStopsSending, AfterTheDataEndAJobInTime) {
+TEST_P(PrinterThatNeverStopsSending, CannotDelayTheEndOfAJobBeyond25Seconds) {
   const test::Bytes data = test::ascii("receipt\n");
   PrintResult result;
   const auto time = timeOf(
