@@ -35,7 +35,7 @@ class Folder(unittest.TestCase):
 
 
 @unittest.skipUnless(shutil.which("git"), "needs git")
-class Rows(Folder):
+class ProofRows(Folder):
     def setUp(self):
         super().setUp()
         patch = mock.patch.object(prove, "described_tree", return_value="a1b2c3d")
@@ -60,7 +60,7 @@ class Rows(Folder):
     def runs(self) -> list[str]:
         return (self.folder / "runs").read_text().split()
 
-    def test_the_cases_of_all_steps_are_added(self):
+    def test_the_cases_of_all_steps_of_a_row_are_added(self):
         fuzzing = printing("a: 7 inputs, nothing found\nb: 5 inputs, nothing found", steps.fuzzing)
         self.assertEqual(self.run_row(printing("30 jobs in 10 s"), fuzzing)["cases"], "42")
 
@@ -69,38 +69,38 @@ class Rows(Folder):
             with self.assertRaisesRegex(prove.Failed, "no case was run"):
                 self.run_row(printing("3 cases"), idle)
 
-    def test_a_portion_that_was_run_is_not_run_again(self):
+    def test_a_finished_portion_of_a_row_is_not_run_again(self):
         for _ in range(2):
             self.assertEqual(self.run_row(self.counting(3))["cases"], "3")
         self.assertEqual(self.runs(), ["0", "1", "2"])
 
-    def test_a_larger_size_runs_the_portions_that_are_missing(self):
+    def test_a_larger_size_runs_only_the_missing_portions(self):
         self.run_row(self.counting(2))
         self.assertEqual(self.run_row(self.counting(4))["cases"], "4")
         self.assertEqual(self.runs(), ["0", "1", "2", "3"])
 
-    def test_a_portion_that_fails_is_run_again(self):
+    def test_a_failed_portion_is_run_again(self):
         with self.assertRaises(prove.Failed):
             self.run_row(self.counting(1, "0 cases"))
         self.assertEqual(self.run_row(self.counting(1))["far"], "100%")
 
-    def test_changed_sources_begin_from_the_start(self):
+    def test_a_row_begins_again_if_the_sources_have_changed(self):
         self.run_row(self.counting(2))
         self.run_row(self.counting(2), state="another state")
         self.assertEqual(self.runs(), ["0", "1", "0", "1"])
 
-    def test_a_finished_run_shows_how_far_it_is(self):
+    def test_a_run_reports_its_share_of_a_larger_size(self):
         self.run_row(self.counting(1))
         steps.Clock.end = 0
         self.assertEqual(self.run_row(self.counting(4))["far"], "25.0%")
 
-    def test_a_program_that_runs_at_the_end_is_ended_and_not_counted(self):
+    def test_a_program_that_still_runs_at_the_time_limit_is_ended_and_not_counted(self):
         steps.Clock.end = time.monotonic() + 0.2
         sleeper = steps.Step((sys.executable, "-c", "import time; time.sleep(600); print('1 cases')"))
         with self.assertRaises(steps.Stopped):
             self.run_row(sleeper)
 
-    def test_a_program_that_keeps_its_own_cases_reports_its_share(self):
+    def test_a_program_that_records_its_cases_itself_reports_its_share_when_ended(self):
         begun = self.folder / "begun"
         os.mkfifo(begun)
         code = f"import signal, time\ntry:\n    signal.signal(signal.SIGTERM, lambda *_: 1 / 0); open({str(begun)!r}, 'w').close()\n" \
@@ -111,8 +111,8 @@ class Rows(Folder):
 
 
 @unittest.skipUnless(shutil.which("git"), "needs git")
-class Main(Folder):
-    def test_a_run_that_is_stopped_before_its_first_row_in_a_new_tree_ends_well(self):
+class ProveCommand(Folder):
+    def test_a_run_that_is_stopped_before_its_first_row_succeeds_in_a_new_tree(self):
         folder, page_before = self.folder / "build/proof", page.PAGE.read_text()
         self.addCleanup(setattr, steps.Clock, "end", float("inf"))
         for number in (signal.SIGINT, signal.SIGTERM):
@@ -154,7 +154,7 @@ class Mutants(Folder):
         tried = self.tried()
         return sum(tried.answer(mutant) is not None for mutant in tried.drawn)
 
-    def test_a_change_elsewhere_does_not_change_the_drawn_mutants(self):
+    def test_a_change_of_another_line_does_not_change_the_drawn_mutants(self):
         drawn = [mutant.describe(self.SOURCE) for mutant in self.tried().drawn]
         self.assertEqual(len(drawn), 4)
         self.write("one.cpp", "// above\n" + self.SOURCE)
@@ -163,7 +163,7 @@ class Mutants(Folder):
         again = [mutant.describe(tried.sources[mutant.path]) for mutant in tried.drawn if mutant.path == "one.cpp"]
         self.assertEqual(again, drawn)
 
-    def test_a_mutant_that_a_test_noticed_is_tried_again_when_the_test_or_its_source_changes(self):
+    def test_a_killed_mutant_is_tried_again_when_its_test_or_its_source_changes(self):
         self.answer_all("F.AddsOne")
         self.write("tests/more_test.cpp", "TEST(G, AddsTwo) {\n  EXPECT_EQ(g(1), 3);\n}\n")
         self.assertEqual(self.kept(), 4)
@@ -180,7 +180,7 @@ class Mutants(Folder):
             self.write("tests/more_test.cpp", f'const char* answer = "{answer}";\n')
             self.assertEqual(self.kept(), 0)
 
-    def test_a_comment_has_none_tried_again(self):
+    def test_a_change_of_a_comment_has_no_mutant_tried_again(self):
         for answer in ("F.AddsOne", "compiler", "survived"):
             self.answer_all(answer)
             self.write("one.cpp", "// another word\n" + self.SOURCE.replace("a + 1;", "a + 1;  // and one more"))
@@ -189,13 +189,13 @@ class Mutants(Folder):
             self.write("one.cpp", self.SOURCE)
             self.write("tests/one_test.cpp", self.TEST)
 
-    def test_a_survivor_that_is_to_be_tried_again_is_still_counted(self):
+    def test_a_surviving_mutant_that_must_be_tried_again_is_still_counted(self):
         self.answer_all("survived")
         self.write("tests/more_test.cpp", "int added;\n")
         self.assertEqual(len(self.tried().counted(0)), 4)
         self.assertEqual(len(self.tried().missing(0)), 4)
 
-    def test_a_test_is_found_by_its_name_whatever_its_kind(self):
+    def test_the_body_of_a_test_of_any_kind_is_found_by_its_name(self):
         sources = self.TEST + "TEST_P(Link,\n       Waits) {\n}\nstatic void APortWrites(void) {\n  a();\n}\n"
         self.assertIn("f(1)", mutation.body_of("F.AddsOne", sources))
         self.assertIn("Waits", mutation.body_of("Posix/Link.Waits/Tcp", sources))
@@ -204,49 +204,49 @@ class Mutants(Folder):
         self.assertEqual(mutation.body_of("G.IsNot", sources), "")
 
 
-class Page(unittest.TestCase):
+class ProofPage(unittest.TestCase):
     FIGURES = {"size": "nightly", "far": "12.5%", "cases": "1,000", "time": "3.0 min", "result": "nothing found",
                "run at": "a1b2c3d, 2026-11-21, 2 cores"}
 
-    def test_each_row_names_the_part_that_runs_at_each_commit(self):
+    def test_each_row_of_the_proof_page_names_the_part_that_runs_at_each_commit(self):
         for row in rows.ROWS:
             self.assertIn(f"| {row.shows} | {row.suite} | not run |", page.written({}))
 
-    def test_a_run_of_another_row_keeps_the_figures_of_a_row(self):
+    def test_a_run_of_one_row_does_not_change_the_figures_of_another_row(self):
         text = page.written({"Soak": self.FIGURES})
         self.assertEqual(page.figures(text), {"Soak": self.FIGURES})
 
-    def test_the_page_of_the_tree_has_a_line_for_each_row(self):
+    def test_the_committed_proof_page_has_a_line_for_each_row(self):
         lines = page.PAGE.read_text().splitlines()
         titles = [page.cells(line)[0] for line in lines[lines.index(page.HEAD) + 2:] if line.startswith("| ")]
         self.assertEqual(titles, [row.title for row in rows.ROWS], "./dev prove --page writes it anew")
 
-    def test_each_title_belongs_to_one_row(self):
+    def test_no_two_rows_have_the_same_title(self):
         titles = [row.title for row in rows.ROWS]
         self.assertEqual(len(set(titles)), len(titles))
 
 
-class Tables(unittest.TestCase):
+class ProofTables(unittest.TestCase):
     """If a line of the product changes, its explanation or its break must be changed as well."""
 
     def assert_line(self, file: str, line: str):
         lines = [" ".join(one.split()) for one in (steps.ROOT / file).read_text().splitlines()]
         self.assertIn(line.replace(r"\|", "|"), lines, file)
 
-    def test_each_explained_line_exists(self):
+    def test_each_line_that_the_tables_explain_exists_in_the_sources(self):
         for table in ("survivors.md", "uncovered.md"):
             for file, line, *_ in (page.cells(row) for row in page.table(table)[2:]):
                 with self.subTest(table=table):
                     self.assert_line(file.strip("`"), line.strip("`"))
 
-    def test_each_broken_line_exists_exactly_once(self):
+    def test_each_line_that_a_break_replaces_exists_exactly_once(self):
         for one in breaks.BREAKS:
             with self.subTest(one.what):
                 self.assertEqual((steps.ROOT / one.path).read_text().count(one.old), 1)
                 self.assertIn(steps.ROOT / one.path, areas.area_of(one.path).files())
 
 
-    def test_the_coverage_runs_the_programs_that_its_preset_builds_and_there_are_tests_for_each(self):
+    def test_the_coverage_runs_exactly_the_programs_that_its_preset_builds(self):
         presets = json.loads((steps.ROOT / "CMakePresets.json").read_text())["buildPresets"]
         targets = next(one["targets"] for one in presets if one["name"] == "coverage")
         self.assertCountEqual(targets, [*(f"{name}_tests" for name in coverage.PROGRAMS), coverage.SENTENCES])
@@ -267,11 +267,11 @@ class DescribedTree(Folder):
     def write(self, file: str, text: str):
         (self.folder / file).write_text(text)
 
-    def test_it_is_the_commit_also_when_the_run_has_written_its_page(self):
+    def test_a_tree_is_clean_even_if_a_run_has_written_the_proof_page(self):
         self.write("docs/proof.md", "new")
         self.assertRegex(prove.described_tree(self.folder), "^[0-9a-f]+$")
 
-    def test_it_is_dirty_when_a_file_is_changed_or_new(self):
+    def test_a_tree_is_dirty_if_a_file_is_changed_or_new(self):
         for file in ("source.cpp", "more.cpp"):
             with self.subTest(file):
                 self.write(file, "2")

@@ -11,13 +11,13 @@ from quorioport import AsyncPort, AsyncPrintJob, Obstacle, Outcome, VirtualPrint
 RECEIPT = b"1 Espresso        1.80\n\n\n"
 
 
-class Asynchronous(unittest.IsolatedAsyncioTestCase):
+class AsyncPorts(unittest.IsolatedAsyncioTestCase):
     def printer(self, **settings) -> VirtualPrinter:
         printer = VirtualPrinter(**settings)
         self.addCleanup(printer.close)
         return printer
 
-    async def test_each_operation_has_its_answer(self):
+    async def test_each_operation_of_an_async_port_returns_its_answer(self):
         printer = self.printer(firmware="V7.1", dip1="c0ff", dip2="0102")
         async with AsyncPort(printer.device, timeout=5) as port:
             self.assertTrue(port.is_open)
@@ -72,14 +72,14 @@ class Asynchronous(unittest.IsolatedAsyncioTestCase):
         self.assertTrue(all(result.printed for result in results), results)
         self.assertLess(time.monotonic() - before, 3 * len(RECEIPT) * 2 / 40)
 
-    async def test_progress_is_reported_in_the_loop(self):
+    async def test_progress_is_reported_in_the_event_loop(self):
         loop, told = asyncio.get_running_loop(), []
         async with AsyncPort(self.printer().device) as port:
             await port.print(RECEIPT, progress=lambda p: told.append((p.bytes_accepted, asyncio.get_running_loop())))
         self.assertEqual([told[0][0], told[-1][0]], [0, len(RECEIPT)])
         self.assertTrue(all(where is loop for _, where in told))
 
-    async def test_progress_is_an_iterator_as_well(self):
+    async def test_progress_can_be_read_from_an_iterator(self):
         async with AsyncPort(self.printer().device) as port:
             job = AsyncPrintJob(port)
             steps = [progress.bytes_accepted async for progress in job.steps(RECEIPT)]
@@ -88,7 +88,7 @@ class Asynchronous(unittest.IsolatedAsyncioTestCase):
             with self.assertRaisesRegex(quorioport.UsageError, "once"):
                 await job.run(RECEIPT)
 
-    async def test_a_cancelled_task_cancels_its_job_and_ends_after_it(self):
+    async def test_a_cancelled_task_cancels_its_job_and_ends_after_the_job(self):
         async with AsyncPort(self.printer(speed=5).device, end_timeout=60) as port:
             begun = asyncio.Event()
             job = AsyncPrintJob(port, progress=lambda p: p.bytes_accepted and begun.set())
@@ -99,7 +99,7 @@ class Asynchronous(unittest.IsolatedAsyncioTestCase):
                 await task
             self.assertEqual((job.result.outcome, job.result.obstacle), (Outcome.UNCONFIRMED, Obstacle.CANCELLED))
 
-    async def test_an_error_of_the_progress_function_cancels_the_job_and_is_raised_after_its_end(self):
+    async def test_an_exception_of_the_progress_function_cancels_the_job_and_is_raised_after_the_job_ends(self):
         def fail(progress):
             raise LookupError("no such till")
 
@@ -122,7 +122,7 @@ class Asynchronous(unittest.IsolatedAsyncioTestCase):
         self.assertFalse(await port.is_connected())
         self.assertFalse(port.is_open)
 
-    async def test_a_job_that_is_cancelled_before_it_runs_sends_nothing(self):
+    async def test_a_job_that_is_cancelled_before_its_start_sends_nothing(self):
         async with AsyncPort(self.printer().device) as port:
             job = AsyncPrintJob(port)
             job.cancel()

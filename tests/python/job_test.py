@@ -13,7 +13,7 @@ from quorioport import Emulation, Obstacle, Outcome, Port, PrintJob, Proof, Virt
 RECEIPT = b"THE CORNER BAKERY\n\n1 Espresso        1.80\n\n\n"
 
 
-class Jobs(unittest.TestCase):
+class PrintJobs(unittest.TestCase):
     def printer(self, **settings) -> VirtualPrinter:
         printer = VirtualPrinter(**settings)
         self.addCleanup(printer.close)
@@ -39,7 +39,7 @@ class Jobs(unittest.TestCase):
                 result.raise_unless_printed()
                 self.assertIn("Espresso", printer.next_receipt().text)
 
-    def test_each_proof_is_used_if_it_is_asked_for(self):
+    def test_each_proof_is_used_if_it_is_named(self):
         for proof in (proof for proof in Proof if proof not in (Proof.AUTO, Proof.NONE)):
             with self.subTest(proof):
                 result = self.port(self.printer(), emulation=Emulation.ESCPOS).print(RECEIPT, proof=proof)
@@ -49,7 +49,7 @@ class Jobs(unittest.TestCase):
         with self.assertRaises(ValueError):
             self.port(self.printer()).print(RECEIPT, proof="luck")
 
-    def test_progress_says_what_a_printer_that_pauses_waits_for(self):
+    def test_progress_reports_why_a_printer_pauses(self):
         printer, told = self.printer(speed=40, proofs="process-id"), []
 
         def watch(progress):
@@ -63,7 +63,7 @@ class Jobs(unittest.TestCase):
         self.assertTrue(port.print(RECEIPT, progress=watch).printed)
         self.assertIn("cover open", told)
 
-    def test_a_refused_job_says_why_and_what_to_do(self):
+    def test_a_refused_job_reports_its_reason_and_advice(self):
         result = self.port(self.printer(cover_open=True)).print(RECEIPT)
         self.assertEqual((result.outcome, result.obstacle), (Outcome.REFUSED, Obstacle.PRINTER_NOT_READY))
         self.assertEqual(result.bytes_accepted, 0)
@@ -73,11 +73,11 @@ class Jobs(unittest.TestCase):
             result.raise_unless_printed()
         self.assertIs(caught.exception.result, result)
 
-    def test_a_job_whose_sign_is_missing_is_unconfirmed(self):
+    def test_a_job_that_the_printer_does_not_confirm_in_time_is_unconfirmed(self):
         result = self.port(self.printer(speed=5), end_timeout=1).print(RECEIPT)
         self.assertEqual((result.outcome, result.bytes_accepted), (Outcome.UNCONFIRMED, len(RECEIPT)))
 
-    def test_progress_counts_up_to_the_end(self):
+    def test_progress_counts_from_zero_to_all_bytes(self):
         told = []
         data = RECEIPT * 500
         result = self.port(self.printer()).print(data, progress=told.append)
@@ -87,19 +87,19 @@ class Jobs(unittest.TestCase):
         self.assertEqual(accepted, sorted(accepted))
         self.assertEqual({progress.bytes_total for progress in told}, {len(data)})
 
-    def test_progress_is_an_iterator_as_well(self):
+    def test_progress_can_be_read_from_an_iterator(self):
         job = PrintJob(self.port(self.printer()))
         steps = [progress.bytes_accepted for progress in job.steps(RECEIPT)]
         self.assertEqual((steps[0], steps[-1]), (0, len(RECEIPT)))
         self.assertTrue(job.result.printed)
 
-    def test_leaving_the_iterator_cancels_the_job(self):
+    def test_a_loop_over_the_progress_that_is_left_early_cancels_the_job(self):
         job = PrintJob(self.port(self.printer(speed=10)))
         for _ in job.steps(RECEIPT * 100):
             break
         self.assertEqual(job.result.obstacle, Obstacle.CANCELLED)
 
-    def test_an_error_of_the_progress_function_cancels_the_job_and_is_raised(self):
+    def test_an_exception_of_the_progress_function_cancels_the_job_and_is_raised(self):
         def fail(progress):
             raise LookupError("no such till")
 
@@ -107,7 +107,7 @@ class Jobs(unittest.TestCase):
         with self.assertRaisesRegex(LookupError, "no such till"):
             job.run(RECEIPT)
 
-    def test_any_thread_may_cancel(self):
+    def test_any_thread_can_cancel_a_job(self):
         job = PrintJob(self.port(self.printer(speed=10), end_timeout=60))
         begun = threading.Event()
         job._progress = lambda progress: progress.bytes_accepted and begun.set()
@@ -117,32 +117,32 @@ class Jobs(unittest.TestCase):
         canceller.join()
         self.assertEqual((result.outcome, result.obstacle), (Outcome.UNCONFIRMED, Obstacle.CANCELLED))
 
-    def test_a_job_that_is_cancelled_before_it_runs_sends_nothing(self):
+    def test_a_job_that_is_cancelled_before_its_start_sends_nothing(self):
         job = PrintJob(self.port(self.printer()))
         job.cancel()
         result = job.run(RECEIPT)
         self.assertEqual((result.outcome, result.obstacle), (Outcome.REFUSED, Obstacle.CANCELLED))
 
-    def test_a_job_is_sent_once(self):
+    def test_a_job_can_run_only_once(self):
         job = PrintJob(self.port(self.printer()))
         job.run(RECEIPT)
         with self.assertRaisesRegex(quorioport.UsageError, "once"):
             job.run(RECEIPT)
 
-    def test_a_text_is_refused_as_data(self):
+    def test_a_str_is_refused_as_print_data(self):
         with self.assertRaisesRegex(TypeError, "encode"):
             self.port(self.printer()).print("hello")
 
-    def test_an_object_that_holds_bytes_is_printed(self):
+    def test_a_bytearray_or_memoryview_is_printed(self):
         port = self.port(self.printer())
         for data in (bytearray(RECEIPT), memoryview(RECEIPT)):
             self.assertTrue(port.print(data).printed)
 
-    def test_a_closed_port_prints_nothing(self):
+    def test_a_job_on_a_closed_port_raises_an_error(self):
         with self.assertRaisesRegex(quorioport.OperationError, "not open"):
             Port("virtual:").print(RECEIPT)
 
-    def test_an_interrupt_cancels_the_job_and_is_raised_after_its_end(self):
+    def test_ctrl_c_cancels_the_job_and_is_raised_after_the_job_ends(self):
         program = """
 import sys
 from quorioport import Port, PrintJob

@@ -22,7 +22,7 @@ with Journal(sys.argv[1]) as journal:
 """
 
 
-class Named(unittest.TestCase):
+class NamedJobs(unittest.TestCase):
     def setUp(self):
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
@@ -35,7 +35,7 @@ class Named(unittest.TestCase):
         self.addCleanup(printer.close)
         return printer
 
-    def test_a_job_is_printed_once(self):
+    def test_a_job_with_a_known_name_is_printed_only_once(self):
         printer = self.printer()
         port = Port(printer.device)
         first, second = (self.journal.print("order-1", RECEIPT, port) for _ in range(2))
@@ -47,7 +47,7 @@ class Named(unittest.TestCase):
         with self.assertRaises(quorioport.OperationError):
             printer.next_receipt(timeout=0.2)
 
-    def test_an_unconfirmed_job_is_printed_again_only_if_somebody_has_looked(self):
+    def test_an_unconfirmed_job_is_printed_again_only_on_request(self):
         port = Port(self.printer(speed=5).device, timeout=1, end_timeout=1)
         self.assertEqual(self.journal.print("order-1", RECEIPT, port).outcome, Outcome.UNCONFIRMED)
         self.assertEqual(self.journal.print("order-1", RECEIPT, port).attempt, 1)
@@ -55,19 +55,19 @@ class Named(unittest.TestCase):
         again = self.journal.print("order-1", RECEIPT, port, again=True)
         self.assertEqual((again.outcome, again.attempt), (Outcome.PRINTED, 2))
 
-    def test_a_printer_that_cannot_be_reached_is_an_error_and_a_refused_job(self):
+    def test_an_unreachable_printer_raises_an_error_and_the_job_is_recorded_as_refused(self):
         with self.assertRaisesRegex(quorioport.OperationError, "/nowhere/at/all"):
             self.journal.print("order-1", RECEIPT, Port("unix:/nowhere/at/all"))
         self.assertEqual(self.journal.jobs()[0].state, JobState.REFUSED)
         self.assertTrue(self.journal.print("order-1", RECEIPT, Port("virtual:")).printed)
 
-    def test_an_open_port_remains_open(self):
+    def test_a_port_that_was_open_before_a_named_job_remains_open(self):
         with Port(self.printer().device) as port:
             for name in ("a", "b"):
                 self.assertTrue(self.journal.print(name, RECEIPT, port).printed)
             self.assertTrue(port.is_open)
 
-    def test_the_jobs_are_listed_and_forgotten(self):
+    def test_the_jobs_of_a_journal_can_be_listed_and_forgotten(self):
         self.journal.print("order-1", RECEIPT, Port("virtual:"))
         job, = self.journal.jobs()
         self.assertEqual((job.name, job.device, job.bytes, job.attempts, job.state, job.reason),
@@ -80,7 +80,7 @@ class Named(unittest.TestCase):
         with self.assertRaises(quorioport.UsageError):
             self.journal.forget_older_than(-1)
 
-    def test_each_mistake_is_named_and_nothing_is_sent(self):
+    def test_an_invalid_argument_raises_an_error_and_nothing_is_sent(self):
         self.journal.print("order-1", RECEIPT, Port("virtual:"))
         for name, data in (("order-1", b"another receipt\n"), ("", RECEIPT), ("a\nb", RECEIPT), ("x" * 256, RECEIPT)):
             with self.subTest(name=name), self.assertRaises(quorioport.UsageError):
@@ -111,7 +111,7 @@ class Named(unittest.TestCase):
         result = self.journal.print("order-1", b"receipt\n" * 40, Port(printer.device))
         self.assertEqual((result.outcome, result.attempt), (Outcome.UNCONFIRMED, 1))
 
-    def test_an_interrupted_interpreter_cancels_and_records(self):
+    def test_ctrl_c_cancels_a_named_job_and_its_outcome_is_recorded(self):
         till = subprocess.Popen([sys.executable, "-c", TILL, self.file, self.printer(speed=40).device],
                                 stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
         self.assertEqual(till.stdout.readline(), "begun\n")

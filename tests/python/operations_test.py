@@ -98,7 +98,7 @@ class Operations(unittest.TestCase):
         if name == "print":
             self.assertTrue(answer.printed, answer)
 
-    def test_are_all_in_a_table_of_this_test(self):
+    def test_each_operation_of_the_package_is_in_a_table_of_this_test(self):
         self.assertEqual(operations_of(Port) - INNER, {*OPERATIONS, *ENDINGS, "is_open"})
         self.assertEqual(operations_of(AsyncPort) - {"port"}, operations_of(Port) - INNER)
         self.assertEqual(operations_of(PrintJob), {"run", "steps", "cancel"})
@@ -107,7 +107,7 @@ class Operations(unittest.TestCase):
         self.assertEqual(operations_of(VirtualPrinter),
                          {"clear_faults", "close", "fault", "next_receipt", "set", "state"})
 
-    def test_of_a_port_may_be_called_by_any_thread(self):
+    def test_the_operations_of_a_port_can_be_called_by_any_thread(self):
         with Port(self.printer().device, timeout=5) as port:
             calls = [(name, arguments) for name, (arguments, _) in OPERATIONS.items()]
             answers = in_threads(*(lambda n=name, a=arguments: getattr(port, n)(*a) for name, arguments in calls))
@@ -119,7 +119,7 @@ class Operations(unittest.TestCase):
             in_threads(port.close)
             self.assertFalse(port.is_open)
 
-    def test_of_a_port_may_be_awaited_by_several_tasks(self):
+    def test_the_operations_of_an_async_port_can_be_awaited_by_several_tasks(self):
         async def run():
             async with AsyncPort(self.printer().device, timeout=5) as port:
                 names = [*OPERATIONS] * THREADS
@@ -134,7 +134,7 @@ class Operations(unittest.TestCase):
 
         asyncio.run(run())
 
-    def test_of_a_job_may_be_called_by_any_thread(self):
+    def test_the_operations_of_a_job_can_be_called_by_any_thread(self):
         def cancelled() -> quorioport.Obstacle:
             job = PrintJob(port)
             job.cancel()
@@ -146,7 +146,7 @@ class Operations(unittest.TestCase):
             self.assertEqual(in_threads(lambda: [*PrintJob(port).steps(RECEIPT)][-1]), [end] * THREADS)
             self.assertEqual(in_threads(cancelled), [quorioport.Obstacle.CANCELLED] * THREADS)
 
-    def test_of_a_job_may_be_awaited_by_several_tasks(self):
+    def test_the_operations_of_an_async_job_can_be_awaited_by_several_tasks(self):
         async def steps(port: AsyncPort) -> int:
             return [progress.bytes_accepted async for progress in AsyncPrintJob(port).steps(RECEIPT)][-1]
 
@@ -164,7 +164,7 @@ class Operations(unittest.TestCase):
 
         asyncio.run(run())
 
-    def test_of_a_journal_may_be_called_in_threads_with_a_journal_each(self):
+    def test_several_threads_can_use_a_journal_object_each_for_the_same_file(self):
         def use() -> tuple[bool, str, list[quorioport.JobState], int]:
             with Journal(file) as journal:
                 result, jobs = journal.print("order-1", RECEIPT, Port(printer.device), timeout=30), journal.jobs()
@@ -185,7 +185,7 @@ class Operations(unittest.TestCase):
         with self.assertRaises(quorioport.OperationError):
             printer.next_receipt(timeout=0.2)
 
-    def test_of_a_virtual_printer_may_be_called_by_any_thread(self):
+    def test_the_operations_of_a_virtual_printer_can_be_called_by_any_thread(self):
         printer = self.printer()
         in_threads(lambda: printer.set(cover_open=True), lambda: printer.fault(late_reply=1), printer.clear_faults)
         self.assertEqual(in_threads(lambda: printer.state()["coverOpen"]), [True] * THREADS)
@@ -198,8 +198,8 @@ class Operations(unittest.TestCase):
         in_threads(printer.close)
 
 
-class Names(unittest.TestCase):
-    def test_each_error_has_its_cause(self):
+class PublicNames(unittest.TestCase):
+    def test_each_exception_class_is_raised_by_its_cause(self):
         errors = {value for name in quorioport.__all__ if inspect.isclass(value := getattr(quorioport, name))
                   and issubclass(value, quorioport.QuorError) and value is not quorioport.QuorError}
         self.assertEqual(set(ERRORS), errors)
@@ -208,7 +208,7 @@ class Names(unittest.TestCase):
                 cause()
             self.assertIs(type(raised.exception), error)
 
-    def test_all_are_used_by_a_test(self):
+    def test_each_public_name_of_the_package_is_used_by_a_test(self):
         used = set()
         for file in Path(__file__).parent.glob("*_test.py"):
             for node in ast.walk(ast.parse(file.read_text())):

@@ -25,7 +25,7 @@ class OtherLibraries(unittest.TestCase):
             self.assertIn("THE CORNER BAKERY", printer.next_receipt().text)
 
     @unittest.skipUnless(shutil.which("npm"), "needs npm")
-    def test_a_receipt_library_of_npm(self):
+    def test_a_receipt_composed_by_an_npm_library_is_printed(self):
         with tempfile.TemporaryDirectory() as folder:
             subprocess.run(["npm", "install", "--silent", "--no-audit", "--no-fund", ENCODER], cwd=folder, check=True,
                            capture_output=True, timeout=240)
@@ -33,7 +33,7 @@ class OtherLibraries(unittest.TestCase):
         self.assertPrints(data)
 
     @unittest.skipUnless(importlib.util.find_spec("escpos"), "needs python-escpos")
-    def test_python_escpos(self):
+    def test_a_receipt_composed_by_python_escpos_is_printed(self):
         from escpos.printer import Dummy
 
         receipt = Dummy()

@@ -17,8 +17,8 @@ def programs(page: str) -> list[str]:
     return re.findall(r"^```python\n(.*?)^```", (ROOT / page).read_text(), re.M | re.S)
 
 
-class Pages(unittest.TestCase):
-    def test_the_program_of_the_readme_prints(self):
+class ProgramsInTheGuides(unittest.TestCase):
+    def test_the_python_program_of_the_readme_prints(self):
         program, = programs("README.md")
         self.assertLessEqual(len([line for line in program.splitlines() if line]), 6)
         with VirtualPrinter() as printer:
@@ -27,7 +27,7 @@ class Pages(unittest.TestCase):
             self.assertEqual((done.returncode, done.stdout.split()), (0, ["printed"]), done.stderr)
             self.assertIn("THE CORNER BAKERY", printer.next_receipt().text)
 
-    def test_every_other_program_can_be_read(self):
+    def test_every_program_of_the_python_guide_is_valid_syntax(self):
         shown = programs("docs/python.md")
         self.assertGreater(len(shown), 4)
         for program in shown:

@@ -29,8 +29,8 @@ def test_that_fails(virtual_printer):
 """
 
 
-class Plugin(unittest.TestCase):
-    def test_a_shop_asks_what_was_printed(self):
+class PytestPlugin(unittest.TestCase):
+    def test_the_pytest_plugin_gives_each_test_a_virtual_printer(self):
         with tempfile.TemporaryDirectory() as folder:
             (Path(folder) / "test_shop.py").write_text(SHOP)
             done = subprocess.run(["pytest-3", "-q", "-p", "quorioport.pytest_plugin", folder], capture_output=True,

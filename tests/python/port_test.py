@@ -9,7 +9,7 @@ import quorioport
 from quorioport import Emulation, Port, VirtualPrinter
 
 
-class Questions(unittest.TestCase):
+class PortQueries(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         cls.printer = VirtualPrinter(firmware="V7.1", dip1="c0ff", dip2="0102")
@@ -21,7 +21,7 @@ class Questions(unittest.TestCase):
         self.addCleanup(port.close)
         return port
 
-    def test_each_has_its_answer(self):
+    def test_each_query_of_a_port_returns_its_answer(self):
         port = self.port()
         self.assertTrue(port.is_open)
         self.assertTrue(port.is_connected())
@@ -33,7 +33,7 @@ class Questions(unittest.TestCase):
         self.assertEqual(port.serial_number(), "")
         self.assertGreater(port.connection_id(), 0)
 
-    def test_a_status_names_its_conditions(self):
+    def test_a_status_reports_the_conditions_of_the_printer(self):
         for emulation in (Emulation.LINE, Emulation.ESCPOS):
             with self.subTest(emulation):
                 port = self.port(emulation=emulation)
@@ -48,7 +48,7 @@ class Questions(unittest.TestCase):
                 self.printer.set(cover_open=False)
                 port.close()
 
-    def test_bytes_are_written_and_read(self):
+    def test_raw_bytes_can_be_written_and_read(self):
         port = self.port()
         self.assertEqual(port.write(b"\x1b\x06\x01"), 3)
         answer = b""
@@ -62,13 +62,13 @@ class Questions(unittest.TestCase):
         with self.assertRaisesRegex(quorioport.UsageError, "0 or more"):
             port.read(-1)
 
-    def test_the_bluetooth_module_drops_the_link(self):
+    def test_disconnect_makes_the_bluetooth_module_drop_the_link(self):
         port = self.port(timeout=5)
         port.disconnect()
         with self.assertRaises(quorioport.LinkLostError):
             port.status()
 
-    def test_several_threads_take_turns(self):
+    def test_several_threads_can_query_a_port_at_once(self):
         port = self.port()
         answers = []
         threads = [threading.Thread(target=lambda: answers.append(port.firmware())) for _ in range(8)]
@@ -78,15 +78,15 @@ class Questions(unittest.TestCase):
             thread.join()
         self.assertEqual(answers, ["V7.1"] * 8)
 
-    def test_records_reach_a_logger(self):
+    def test_log_records_are_passed_to_a_python_logger(self):
         with (self.assertLogs("quorioport", logging.DEBUG) as logs, quorioport.forward_log(),
               Port(self.printer.device) as port):
             port.is_online()
         self.assertTrue(any("getOnlineStatus" in line for line in logs.output), logs.output[:5])
 
 
-class Opening(unittest.TestCase):
-    def test_a_closed_port_answers_nothing(self):
+class OpeningAPort(unittest.TestCase):
+    def test_a_query_of_a_closed_port_raises_an_error(self):
         port = Port("virtual:")
         self.assertFalse(port.is_open)
         self.assertFalse(port.is_connected())
@@ -94,7 +94,7 @@ class Opening(unittest.TestCase):
             port.status()
         port.close()
 
-    def test_a_port_opens_again_after_a_close(self):
+    def test_a_port_can_be_opened_again_after_a_close(self):
         port = Port("virtual:")
         for _ in range(2):
             with port:
@@ -108,7 +108,7 @@ class Opening(unittest.TestCase):
         with Port(devices) as port:
             self.assertEqual(port.name(), "Bar")
 
-    def test_each_mistake_is_named(self):
+    def test_an_invalid_argument_raises_an_error_that_names_the_cause(self):
         for device, error, said in (("pigeon:home", quorioport.UsageError, "pigeon"),
                                     ("unix:/nowhere/at/all", quorioport.OperationError, "/nowhere/at/all")):
             with self.subTest(device), self.assertRaisesRegex(error, said):
@@ -117,7 +117,7 @@ class Opening(unittest.TestCase):
             with self.subTest(wrong), self.assertRaises(ValueError):
                 Port("virtual:", **wrong)
 
-    def test_a_port_that_is_forgotten_is_closed_and_reported(self):
+    def test_a_port_that_was_not_closed_is_closed_with_a_warning_when_collected(self):
         with VirtualPrinter() as printer:
             port = Port(printer.device)
             port.open()
@@ -127,7 +127,7 @@ class Opening(unittest.TestCase):
             with Port(printer.device) as port:  # the printer serves one host at a time
                 self.assertTrue(port.is_online())
 
-    def test_the_package_and_the_library_are_of_one_version(self):
+    def test_the_package_and_the_library_have_the_same_version(self):
         self.assertEqual(quorioport._library.function("version")().decode(), quorioport.__version__)
 
 

@@ -13,11 +13,11 @@ class Typing(unittest.TestCase):
         done = subprocess.run(command, cwd=PACKAGE, capture_output=True, text=True, timeout=300)
         self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
 
-    def test_mypy_finds_nothing(self):
+    def test_mypy_finds_no_error_in_the_package(self):
         self.assertSilent("mypy", "--config-file", "pyproject.toml", "--cache-dir", "/dev/null", "quorioport")
 
     @unittest.skipUnless(shutil.which("ruff"), "needs ruff")
-    def test_ruff_finds_nothing(self):
+    def test_ruff_finds_no_error_in_the_package(self):
         self.assertSilent("ruff", "check", "--no-cache", ".")
 
 

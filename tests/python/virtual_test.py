@@ -10,8 +10,8 @@ import quorioport
 from quorioport import Port, VirtualPrinter
 
 
-class Virtual(unittest.TestCase):
-    def test_a_receipt_is_text_picture_and_record(self):
+class VirtualPrinters(unittest.TestCase):
+    def test_a_receipt_has_a_text_a_picture_and_a_record(self):
         with VirtualPrinter() as printer:
             with Port(printer.device, emulation=quorioport.Emulation.ESCPOS) as port:
                 port.print(b"Caf\x82\n\x1d\x56\x00")
@@ -20,7 +20,7 @@ class Virtual(unittest.TestCase):
         self.assertTrue(receipt.picture.startswith(b"\x89PNG"))
         self.assertEqual(receipt.record["cuts"], 1)
 
-    def test_a_receipt_is_read_in_a_locale_of_another_encoding(self):
+    def test_a_receipt_is_read_as_utf8_in_any_locale(self):
         program = """
 from quorioport import Emulation, Port, VirtualPrinter
 with VirtualPrinter() as printer:
@@ -33,7 +33,7 @@ with VirtualPrinter() as printer:
                              text=True, timeout=60, check=False)
         self.assertEqual(ran.stdout, "'Caf\\xe9\\n'\n", ran)
 
-    def test_each_receipt_is_handed_out_once_and_in_order(self):
+    def test_each_receipt_is_returned_once_and_in_order(self):
         with VirtualPrinter() as printer:
             for number in range(3):
                 with Port(printer.device) as port:
@@ -43,13 +43,13 @@ with VirtualPrinter() as printer:
             with self.assertRaisesRegex(quorioport.OperationError, "no job ended within 0.01 s"):
                 printer.next_receipt(timeout=0.01)
 
-    def test_its_state_is_set_in_either_spelling(self):
+    def test_settings_can_be_spelled_in_snake_case_or_camel_case(self):
         with VirtualPrinter(cover_open=True, speed=200) as printer:
             self.assertEqual((printer.state()["coverOpen"], printer.state()["speed"]), (True, 200))
             printer.set(cover_open=False, receiptPaperEmpty=True)
             self.assertEqual((printer.state()["coverOpen"], printer.state()["receiptPaperEmpty"]), (False, True))
 
-    def test_faults_are_given_and_taken_away(self):
+    def test_faults_can_be_injected_and_cleared(self):
         with VirtualPrinter() as printer, Port(printer.device, timeout=2) as port:
             printer.fault(drop_reply="all")
             with self.assertRaises(quorioport.OperationError):
@@ -57,7 +57,7 @@ with VirtualPrinter() as printer:
             printer.clear_faults()
             self.assertNotEqual(port.firmware(), "")
 
-    def test_an_unknown_name_is_an_error_that_names_it(self):
+    def test_the_error_of_an_unknown_setting_names_the_setting(self):
         with VirtualPrinter() as printer:
             with self.assertRaisesRegex(quorioport.UsageError, "coverAjar"):
                 printer.set(cover_ajar=True)
@@ -67,7 +67,7 @@ with VirtualPrinter() as printer:
         with self.assertRaisesRegex(quorioport.SystemFailureError, "install"):
             VirtualPrinter(command="/nowhere/quorport")
 
-    def test_a_stopped_printer_leaves_nothing(self):
+    def test_a_stopped_virtual_printer_leaves_no_process_and_no_file(self):
         printer = VirtualPrinter()
         folder, process = Path(printer._folder.name), printer._process.pid
         printer.close()

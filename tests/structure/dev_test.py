@@ -16,21 +16,21 @@ def dev(*words: str) -> subprocess.CompletedProcess:
     return subprocess.run([ROOT / "dev", *words], capture_output=True, text=True, timeout=60)
 
 
-class Help(unittest.TestCase):
-    def test_help_is_a_command_and_an_option(self):
+class DevHelp(unittest.TestCase):
+    def test_help_of_dev_is_a_command_and_an_option(self):
         for words in (["help"], ["--help"], ["-h"], []):
             with self.subTest(words):
                 done = dev(*words)
                 self.assertEqual(done.returncode, 0, done.stderr)
                 self.assertTrue(done.stdout.startswith("usage: ./dev COMMAND\n"), done.stdout)
 
-    def test_an_unknown_command_is_refused_and_the_commands_are_listed(self):
+    def test_the_error_of_an_unknown_command_lists_the_commands(self):
         done = dev("fly")
         self.assertEqual(done.returncode, 2)
         self.assertIn("no command 'fly'", done.stderr)
         self.assertIn("usage: ./dev", done.stderr)
 
-    def test_an_unknown_argument_is_refused_before_anything_is_done(self):
+    def test_an_unknown_argument_is_refused_before_the_command_starts(self):
         for words, takes in ((("test", "--fast"), "--real"), (("demo", "--help"), "no argument"),
                              (("check", "all"), "--all"), (("package", "--try", "me"), "--try")):
             with self.subTest(words):
@@ -40,7 +40,7 @@ class Help(unittest.TestCase):
                 self.assertEqual(done.stdout, "")
 
 
-class Packages(unittest.TestCase):
+class DevPackages(unittest.TestCase):
     """The functions of scripts/packages.sh, on a system whose packages the test chooses."""
 
     def setUp(self):
@@ -58,25 +58,25 @@ class Packages(unittest.TestCase):
         return subprocess.run([shutil.which("bash"), "-c", script], cwd=ROOT, capture_output=True, text=True,
                               env={**os.environ, "PATH": str(self.bin)}, timeout=60)
 
-    def test_the_command_that_is_shown_fetches_the_package_lists_first(self):
+    def test_the_suggested_install_command_updates_the_package_lists_first(self):
         self.has("sudo")
         self.assertEqual(self.shell("command_for_others cmake g++").stdout,
                          "sudo sh -c 'apt-get update && apt-get install --yes --no-install-recommends cmake g++'\n")
 
-    def test_the_command_that_is_shown_works_without_sudo(self):
+    def test_the_suggested_install_command_uses_su_if_sudo_is_missing(self):
         self.assertTrue(self.shell("command_for_others cmake").stdout.startswith("su -c 'apt-get update && "))
 
-    def test_nothing_is_asked_of_a_system_that_has_everything(self):
+    def test_no_command_is_suggested_if_all_packages_are_installed(self):
         self.has("dpkg-query", "echo installed")
         done = self.shell("need_packages cmake g++")
         self.assertEqual((done.returncode, done.stdout, done.stderr), (0, "", ""))
 
-    def test_the_packages_of_each_door_hold_a_compiler(self):
+    def test_the_packages_of_build_and_package_include_a_compiler(self):
         """dpkg-buildpackage refuses to start without build-essential, whatever other packages are there."""
         self.assertIn("g++", self.shell('echo "${build_packages[@]}"').stdout)
         self.assertIn("build-essential", self.shell('echo "${package_packages[@]}"').stdout)
 
-    def test_the_debian_packages_are_built_with_every_library(self):
+    def test_the_build_dependencies_of_the_debian_packages_include_every_library(self):
         """A missing package does not make the build fail: the build omits a part of the product."""
         libraries = [name for name in self.shell('echo "${build_packages[@]} ${package_packages[@]}"').stdout.split()
                      if name.endswith("-dev") and name not in ("libgtest-dev", "libgmock-dev")]
@@ -86,7 +86,7 @@ class Packages(unittest.TestCase):
         self.assertEqual(set(libraries) - needed, set())
 
 
-class Quietly(unittest.TestCase):
+class DevOutput(unittest.TestCase):
     def quietly(self, command: str) -> tuple[subprocess.CompletedProcess, str]:
         with tempfile.TemporaryDirectory() as folder:
             log = Path(folder) / "log/step.txt"
@@ -94,12 +94,12 @@ class Quietly(unittest.TestCase):
             done = subprocess.run(["bash", "-c", script], cwd=ROOT, capture_output=True, text=True, timeout=60)
             return done, log.read_text()
 
-    def test_a_step_that_succeeds_shows_only_its_name(self):
+    def test_a_successful_step_shows_only_its_name(self):
         done, log = self.quietly("seq 1000")
         self.assertEqual((done.returncode, len(done.stdout.splitlines())), (0, 2), done.stdout)
         self.assertEqual(len(log.splitlines()), 1000)
 
-    def test_a_step_that_fails_shows_its_end_and_ends_the_script(self):
+    def test_a_failed_step_shows_the_end_of_its_output_and_ends_the_script(self):
         done, log = self.quietly("seq 1000; echo the error >&2; exit 3")
         self.assertEqual((done.returncode, len(log.splitlines())), (1, 1001))
         self.assertIn("the error\n./dev: compiling failed; the whole log is ", done.stderr)
@@ -107,7 +107,7 @@ class Quietly(unittest.TestCase):
         self.assertNotIn("after", done.stdout)
 
 
-class Warnings(unittest.TestCase):
+class CompilerWarnings(unittest.TestCase):
     """A newer compiler gives more warnings; these must not stop the build of a user who only needs the program."""
 
     def commands(self, preset: str) -> list[str]:
@@ -118,7 +118,7 @@ class Warnings(unittest.TestCase):
             self.assertEqual(done.returncode, 0, done.stderr)
             return [entry["command"] for entry in json.loads((Path(folder) / "compile_commands.json").read_text())]
 
-    def test_are_shown_to_everybody_and_are_errors_only_for_developers(self):
+    def test_compiler_warnings_are_errors_only_in_the_developer_preset(self):
         for preset, are_errors in (("default", False), ("developer", True)):
             with self.subTest(preset):
                 commands = self.commands(preset)
@@ -137,11 +137,11 @@ class CommitMessage(unittest.TestCase):
         self.assertEqual((done.returncode, done.stdout), (0, ""))
         return done.stderr.splitlines()
 
-    def test_a_good_message_causes_no_output(self):
+    def test_a_good_commit_message_causes_no_output(self):
         self.assertEqual(self.reminders("job: do this\n\nFor that reason.\n# a comment\n"), [])
         self.assertEqual(self.reminders("Merge branch 'x'\n"), [])
 
-    def test_each_fault_of_a_message_is_named(self):
+    def test_each_fault_of_a_commit_message_is_reported(self):
         for message, fault in (("Do this\n\nWhy.\n", "area"), ("Job: do this\n\nWhy.\n", "area"),
                                ("job: do this\n\n# only a comment\n", "body"),
                                ("job: " + "x" * 68 + "\n\nWhy.\n", "73 characters")):

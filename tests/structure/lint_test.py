@@ -58,40 +58,40 @@ class Lint(unittest.TestCase):
                                    env={**os.environ, "PATH": path}, capture_output=True, timeout=60)
         return self.done.returncode == 0, set((self.root / "read").read_text().split())
 
-    def test_a_source_that_passed_is_not_read_again(self):
+    def test_a_source_that_passed_is_not_checked_again(self):
         self.assertEqual(self.lint(), (True, set()))
 
-    def test_all_reads_every_source_of_the_product(self):
+    def test_the_option_all_checks_every_source(self):
         self.assertEqual(self.lint("--all"), (True, {"Job.cpp", "Other.cpp", "Third.cpp"}))
 
-    def test_a_source_that_changed_is_read(self):
+    def test_a_changed_source_is_checked(self):
         self.write("job/Other.cpp", "int other;\n")
         self.assertEqual(self.lint(), (True, {"Other.cpp"}))
 
-    def test_a_header_that_changed_is_read_with_all_that_include_it(self):
+    def test_a_changed_header_has_all_sources_that_include_the_header_checked(self):
         self.write("job/deep.h", "#pragma once\nint deep;\n")
         self.assertEqual(self.lint(), (True, {"Job.cpp"}))
         self.write("include/own/Public.h", "#pragma once\nint own;\n")
         self.assertEqual(self.lint(), (True, {"Third.cpp"}))
 
-    def test_other_rules_or_another_version_read_everything(self):
+    def test_changed_rules_or_a_new_linter_version_have_every_source_checked(self):
         for file in (".clang-tidy", "version"):
             with self.subTest(file):
                 self.write(file, "b\n")
                 self.assertEqual(len(self.lint()[1]), 3)
 
-    def test_rules_of_a_folder_count_for_its_sources_alone(self):
+    def test_changed_rules_of_a_folder_have_only_the_sources_of_the_folder_checked(self):
         self.write("tools/Tool.cpp", "int tool;\n")
         self.commands({"job/Other.cpp": "-O2", "tools/Tool.cpp": "-O2"})
         self.lint()
         self.write("tools/.clang-tidy", "Checks: b\n")
         self.assertEqual(self.lint(), (True, {"Tool.cpp"}))
 
-    def test_another_compile_command_reads_its_source(self):
+    def test_a_changed_compile_command_has_its_source_checked(self):
         self.commands({"job/Job.cpp": "-O2", "job/Other.cpp": "-O0", "job/Third.cpp": "-O2"})
         self.assertEqual(self.lint(), (True, {"Other.cpp"}))
 
-    def test_a_source_that_fails_is_shown_and_read_until_it_passes(self):
+    def test_a_failing_source_is_reported_and_checked_until_it_passes(self):
         self.write("job/Other.cpp", "BAD\n")
         for _ in range(2):
             self.assertEqual(self.lint(), (False, {"Other.cpp"}))

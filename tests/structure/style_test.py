@@ -63,11 +63,11 @@ class Style(unittest.TestCase):
             return subprocess.run([sys.executable, "-B", ROOT / "scripts/lint.py", "build"], cwd=root, text=True,
                                   stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=100)
 
-    def test_the_written_style_passes(self):
+    def test_code_in_the_documented_style_passes(self):
         done = self.lint(GOOD)
         self.assertEqual(done.returncode, 0, done.stdout)
 
-    def test_each_fault_fails(self):
+    def test_each_violation_of_the_style_fails(self):
         for fault, (good, bad) in FAULTS.items():
             with self.subTest(fault):
                 text = GOOD.replace(good, bad)
