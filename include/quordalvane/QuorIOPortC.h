@@ -7,7 +7,7 @@
  * Errors. A function that can fail returns a code, which is 0 or more on success and below 0 on
  * failure; quor_last_error then says why. A pointer must not be null unless the comment of its
  * function allows it. For a null pointer that is not allowed, functions that return a code return
- * QUOR_USAGE, and the others return 0.
+ * QUOR_USAGE, and all other functions return 0.
  *
  * Texts and bytes. The library copies its results into a buffer of the caller, of `capacity` bytes,
  * and stores the number of bytes in `*length`; `length` may be null. A text ends with a NUL:

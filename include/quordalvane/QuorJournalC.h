@@ -107,8 +107,8 @@ typedef struct QuorNamedJobRequest {
   void* context;       /**< passed to `waiting` */
 } QuorNamedJobRequest;
 
-/** A named job. While it exists, no process can create another one with the same name in the same
- * journal. The kernel frees the name when the process ends, even if it is killed. */
+/** A named job. While it exists, no process can create another named job with the same name in the
+ * same journal. The kernel frees the name when the process ends, even if it is killed. */
 typedef struct QuorNamedJob QuorNamedJob;
 
 /** Claims the name for a job of `size` bytes. If another process has the name, waits for it, up to
@@ -125,12 +125,13 @@ QUOR_EXPORT void quor_named_job_free(QuorNamedJob* job);
  * job is on paper, or another process is still printing it. Returns 0 if the job must be run. */
 QUOR_EXPORT int32_t quor_named_job_is_answered(QuorNamedJob* job);
 
-/** Runs `print_job` with the data. The beginning is recorded on disk before the first byte is sent,
- * and the outcome before this function returns. If the journal already gives an answer, this answer
- * is the result, and the port is not used. In both cases the functions of `print_job` return the
- * result. May be called once, with a print job that has not run; otherwise it returns QUOR_USAGE.
- * Returns QUOR_NO_JOURNAL if the beginning could not be recorded; then nothing of the job was sent,
- * and this function has closed the port. Other codes are those of quor_print_job_run. */
+/** Runs `print_job` with the data. The beginning is recorded on disk before the first byte is sent.
+ * The outcome is recorded before this function returns. If the journal already gives an answer,
+ * this answer is the result, and the port is not used. In both cases the functions of `print_job`
+ * return the result. May be called once, with a print job that has not run; otherwise it returns
+ * QUOR_USAGE. Returns QUOR_NO_JOURNAL if the beginning could not be recorded; then nothing of the
+ * job was sent, and this function has closed the port. All other codes are those of
+ * quor_print_job_run. */
 QUOR_EXPORT QuorCode quor_named_job_run(QuorNamedJob* job, QuorPrintJob* print_job);
 
 /** Records that the job was not sent, with `reason`, for example "the printer cannot be reached".

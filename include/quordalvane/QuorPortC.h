@@ -119,8 +119,8 @@ QUOR_EXPORT QuorCode quor_port_get_online_status(QuorPort* port, int32_t* online
 
 /* ---- Port: checked block --------------------------------------------------------------------- */
 
-/** The result of beginning a checked block. The port itself returns success, failed and paper
- * present; the other two are for the layers above it. */
+/** The result of beginning a checked block. The port itself returns only success, failed and paper
+ * present. Programs above the port may use all five results. */
 enum {
   QUOR_RESULT_SUCCESS = 0, /**< the block has begun */
   QUOR_RESULT_FAILED = -1, /**< an exchange with the printer failed, or the printer is off line */
@@ -235,7 +235,8 @@ QUOR_EXPORT int64_t quor_port_data_timeout_seconds(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_set_data_timeout_seconds(QuorPort* port, int64_t seconds);
 /** @} */
 
-/** Copies the firmware text that was received last. Returns QUOR_NONE if none was received yet. */
+/** Copies the firmware text that was received last. Returns QUOR_NONE if no firmware text was
+ * received yet. */
 QUOR_EXPORT QuorCode quor_port_firmware_information(QuorPort* port, char* text, size_t capacity,
                                                     size_t* length);
 

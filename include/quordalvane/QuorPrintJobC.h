@@ -50,8 +50,8 @@ QUOR_EXPORT QuorCode quor_printer_button_security_timeout(QuorPort* port, uint32
 
 /** Finds the strongest proof of a job that the printer can give, and stores its number from
  * QuorProof.h; QUOR_PROOF_NONE if the printer gives no proof. An off-line ESC/POS printer may hold
- * back its answers and so appear to give none. The query resets the printer's count of marks, so do
- * not send it while another program prints. */
+ * back its answers; it then seems to give no proof. The query resets the printer's count of marks,
+ * so do not send it while another program prints. */
 QUOR_EXPORT QuorCode quor_printer_proof(QuorPort* port, int32_t* proof);
 
 /** Makes the printer drop the data that it has not printed yet. Returns when the link has taken the
@@ -127,15 +127,15 @@ QUOR_EXPORT int32_t quor_print_job_proof(QuorPrintJob* job);
 
 /** Copies the reason why the printer has paused in the job, for example "cover open"; "" if it has
  * not paused. The printer continues when the cause is removed. Only the progress function may call
- * it, on its thread. */
+ * this function, and only on the thread that runs the job. */
 QUOR_EXPORT QuorCode quor_print_job_waits_for(QuorPrintJob* job, char* text, size_t capacity,
                                               size_t* length);
 
 /** Returns the exact number of bytes of the job that the link took. */
 QUOR_EXPORT uint64_t quor_print_job_bytes_accepted(QuorPrintJob* job);
 
-/** Stores the last status of the printer; returns QUOR_NONE if there was none. As soon as data of
- * the job is sent, an earlier status is dropped. */
+/** Stores the last status of the printer; returns QUOR_NONE if there was no status. As soon as data
+ * of the job is sent, an earlier status is dropped. */
 QUOR_EXPORT QuorCode quor_print_job_status(QuorPrintJob* job, QuorPrinterStatus_2* status);
 
 /** Copy two texts for a person: the reason why the job was not printed, and advice on the next
