@@ -5,12 +5,13 @@
 
 namespace quordalvane {
 
-/// A property that several threads may read and write at the same time. A reader gets either the
-/// old or the new value, never a mixture.
+/// A property that several threads may read and write at the same time. A reader gets the old value
+/// or the new value, never a mixture.
 template <typename Value>
 class AtomicProperty {
  public:
-  /// The initial value is that of the type's default constructor, or `value`.
+  /// The initial value is `value`. Without it, the type's default constructor makes the initial
+  /// value.
   /// @{
   AtomicProperty() = default;
   explicit AtomicProperty(Value value) : value_(std::move(value)) {}

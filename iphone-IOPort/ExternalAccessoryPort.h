@@ -50,7 +50,7 @@ QUOR_EXPORT extern const std::uint8_t escAckSoh[3];
 /// **Time.** Time-outs are given in milliseconds and rounded down to whole seconds. A wait with a
 /// limit of n seconds ends when the seconds of the wall clock have advanced by more than n, that is
 /// after n to n + 1 seconds. A limit below 1000 ms counts as 0 seconds: the wait ends when the
-/// second of the clock changes. The "creation time-out" is the one that was passed to
+/// second of the clock changes. The "creation time-out" is the time-out that was passed to
 /// `initWithPortName`.
 ///
 /// **Errors.** On failure, counts are -1, buffers and strings are null, and booleans are false. The
@@ -317,7 +317,7 @@ class QUOR_EXPORT ExternalAccessoryPort
   void setDataTimeoutSeconds(std::int64_t seconds) { _dataTimeoutSeconds = seconds; }
   /// @}
 
-  /// The firmware text that was received last; null if none was received yet.
+  /// The firmware text that was received last; null if no firmware text was received yet.
   std::optional<std::string> firmwareInformation() const { return _firmwareInformation.get(); }
 
   /// Every DIP-switch bank that was read so far, two bytes each, the oldest first.

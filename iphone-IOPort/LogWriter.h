@@ -74,7 +74,7 @@ class QUOR_EXPORT LogWriter {
                                  std::string anyString) noexcept;
 
   /// Adds `sink`, which must not be null; the logger shares its ownership. The sink receives the
-  /// records that are in the queue now and all later ones. The first sink starts the thread that
+  /// records that are in the queue now and all later records. The first sink starts the thread that
   /// writes. Throws std::system_error if that thread cannot be started, and std::bad_alloc if
   /// memory is short; nothing has changed then.
   void addSink(std::shared_ptr<LogSink> sink);

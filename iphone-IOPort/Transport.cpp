@@ -28,7 +28,7 @@ struct Deallocation {
 /// remove a new expression whose object nobody uses.
 using RawMemory = std::unique_ptr<void, Deallocation>;
 
-// Null means that there is no session, and so neither space nor bytes.
+// A null stream means that there is no session. Then there is no space, and there are no bytes.
 bool hasSpaceAvailable(const std::shared_ptr<NSOutputStream>& stream) {
   return stream != nullptr && stream->hasSpaceAvailable();
 }

@@ -4,8 +4,8 @@
 
 namespace quordalvane {
 
-/// The result of beginning a checked block. The port itself returns success, failed and paper
-/// present; the other two are for the layers above it.
+/// The result of beginning a checked block. The port itself returns only success, failed and paper
+/// present. Programs above the port may use all five results.
 enum ZKQuorIOResultCode : std::int64_t {
   ZKQuorIOResultCodeSuccess = 0,  ///< the block has begun
   ZKQuorIOResultCodeFailedError =
