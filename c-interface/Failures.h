@@ -6,7 +6,7 @@
 #include <string>
 
 // Turns C++ exceptions into codes and texts. The library of the journal uses the same functions, so
-// quor_last_error returns the text of the last failed call of either library.
+// quor_last_error also returns the text of a failed call of that library.
 
 namespace quordalvane::c {
 
