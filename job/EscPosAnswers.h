@@ -37,7 +37,7 @@ class EscPosAnswers {
   /// Processes the next bytes that arrived.
   void feed(ByteView bytes);
 
-  /// Return the last answer of each kind; null if there was none.
+  /// Each returns the last answer of one kind; null if there was no such answer.
   /// @{
   std::optional<std::uint8_t> lastRealTimeStatus() const { return realTimeStatus_; }
   std::optional<std::uint8_t> lastReport() const { return report_; }

@@ -7,8 +7,9 @@ namespace quordalvane {
 
 /// Ends the job with a query that the printer processes in order with the print data. The answer
 /// does not say which job it belongs to, so it counts only if the printer has answered exactly as
-/// often as it was asked. One query is sent before the data, one at the end of the job, and one
-/// after its answer. So a single byte that looks like an answer by chance cannot confirm the job.
+/// often as it was asked. Three queries are sent: before the data, at the end of the job, and after
+/// the answer to the second query. So a single byte that looks like an answer by chance cannot
+/// confirm the job.
 class InOrderProof final : public EndSign {
  public:
   InOrderProof(PortLink& link, PrintResult& result);

@@ -63,7 +63,7 @@ struct FixedForm {
 };
 
 // In this table and in the next, the first match counts. So of two prefixes that begin with the
-// same bytes, the longer one must come first.
+// same bytes, the longer prefix must be listed first.
 const FixedForm fixedForms[] = {
     {{0x1b, 0x1d, 0x03}, 6}, {{0x1b, 0x23, 0x2a}, 5}, {{0x1b, 0x23, 0x2c}, 6},
     {{0x1b, 0x23}, 3},       {{0x1b, 0x2a, 0x72}, 4},
@@ -201,7 +201,8 @@ bool startsCommand(std::uint8_t byte) {
   return byte == 0x10 || (byte >= 0x1b && byte <= 0x1d);
 }
 
-/// Returns whether `data` and `prefix` are equal up to the end of the shorter one.
+/// Returns whether `data` and `prefix` begin with the same bytes, compared up to the end of the
+/// shorter sequence.
 bool mayStartWith(ByteView data, std::initializer_list<std::uint8_t> prefix) {
   const auto known = std::min(data.size(), prefix.size());
   return std::equal(prefix.begin(), prefix.begin() + known, data.begin());

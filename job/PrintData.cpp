@@ -40,7 +40,7 @@ bool holds(ByteView data, std::initializer_list<std::uint8_t> bytes) {
   return std::search(data.begin(), data.end(), bytes.begin(), bytes.end()) != data.end();
 }
 
-/// Returns the obstacle at the beginning of `data`; null if there is none.
+/// Returns the obstacle at the beginning of `data`; null if `data` does not begin with an obstacle.
 const Obstacle* obstacleAt(ByteView data, ZKEmulation emulation) {
   const auto* const found =
       std::find_if(std::begin(obstacles), std::end(obstacles), [&](const Obstacle& obstacle) {

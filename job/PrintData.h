@@ -21,7 +21,7 @@ namespace quordalvane {
 std::optional<std::string> confirmationObstacle(ByteView data, ZKEmulation emulation);
 
 /// Returns true if the printer certainly does not answer anything in `data`: all commands in it are
-/// known, and none of them asks for an answer. Returns false for data of more than a mebibyte,
+/// known, and no command asks for an answer. Returns false for data of more than a mebibyte,
 /// because the search would cost more time than it saves.
 bool isNeverAnswered(ByteView data);
 
@@ -33,8 +33,8 @@ std::size_t commandEnd(ByteView data, std::size_t position);
 
 /// Returns, in words, why a query after `data` would prove nothing. There are two reasons: the data
 /// ends inside a command, so that the printer reads the query as data, or a command in the data
-/// makes the printer drop data. Returns null if neither applies. The payload of commands that state
-/// its length is searched only for the command that clears the buffer in real time.
+/// makes the printer drop data. Returns null if there is no such reason. The payload of commands
+/// that state its length is searched only for the command that clears the buffer in real time.
 std::optional<std::string> endSignObstacle(ByteView data);
 
 /// Returns how many in-order answers the data itself requests; null if they cannot be counted.

@@ -48,8 +48,9 @@ class QUOR_EXPORT PrintJob {
   /// The options of a job.
   struct Options {
     /// The proof by which the printer confirms the job. If null, the job uses the `proof=` of the
-    /// device, or Auto if the device has none. With None the printer is asked nothing, and the best
-    /// outcome is Unconfirmed. In line mode, each proof but Auto and Block has the effect of None.
+    /// device. If the device has no `proof=`, the job uses Auto. With None the printer is asked
+    /// nothing, and the best outcome is Unconfirmed. In line mode, each proof but Auto and Block
+    /// has the effect of None.
     std::optional<ProofKind> proof = std::nullopt;
 
     /// Called when a stage begins, each time that the link has taken some data, and when the reason

@@ -54,8 +54,8 @@ struct PrintResult {
   std::uint64_t bytesTotal = 0;     ///< the size of the job
   std::uint64_t bytesAccepted = 0;  ///< exactly how many bytes of the job the link took
 
-  /// The last status of the printer; null if there was none. As soon as data is sent, an earlier
-  /// status is dropped, because it says nothing about the data.
+  /// The last status of the printer; null if there was no status. As soon as data is sent, an
+  /// earlier status is dropped, because it says nothing about the data.
   std::optional<QuorPrinterStatus_2> status;
 
   /// The reason why the job was not printed, for a person: "cover open", "link lost after 1,204 of

@@ -75,7 +75,7 @@ class QUOR_EXPORT PrinterInquiry {
   std::chrono::milliseconds buttonSecurityTimeout();
 
   /// Returns the strongest proof that the printer can give; None if the printer gives no proof. An
-  /// off-line ESC/POS printer may hold back its answers and so appear to give none. The query
+  /// off-line ESC/POS printer may hold back its answers; it then seems to give no proof. The query
   /// resets the printer's count of marks, so do not send it while another program prints.
   ProofKind proof();
 

@@ -60,7 +60,7 @@ class Proof : public TransferObserver {
   PrintResult& result_;
 };
 
-/// Returns the proof that is configured for the port's accessory; Auto if none is configured.
+/// Returns the proof that is configured for the port's accessory; Auto if no proof is configured.
 ProofKind proofOf(ExternalAccessoryPort& port);
 
 /// Creates a proof of this kind. If the emulation of the link's port has no such proof, the
