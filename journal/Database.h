@@ -54,7 +54,7 @@ class Database {
 
   void execute(const char* sql);
 
-  /// Returns a statement with the text `sql`, which must outlive the database. At most one
+  /// Returns a statement with the text `sql`. The text must outlive the database. At most one
   /// statement with the same text may exist at a time. Each text is prepared only once, because
   /// preparing a statement costs more than executing it.
   Statement prepare(const char* sql);
@@ -90,8 +90,8 @@ class Snapshot {
   Database& database_;
 };
 
-/// Makes either all changes between its creation and `commit`, or none: the destructor reverts them
-/// unless `commit` has returned.
+/// Groups the changes between its creation and `commit`. If `commit` has not returned, the
+/// destructor reverts all of them.
 class Transaction {
  public:
   /// Begins the transaction. Waits for other writers, at most ten seconds.

@@ -66,7 +66,7 @@ class QUOR_EXPORT Journal {
   Journal& operator=(const Journal&) = delete;
 
   /// Returns the path of `quorport/jobs.db` in `$XDG_STATE_HOME`, or in `~/.local/state` if this
-  /// variable is not set. Throws `JournalError` if `$HOME` is not set either.
+  /// variable is not set. Throws `JournalError` if both this variable and `$HOME` are not set.
   static std::filesystem::path defaultFile();
 
   /// Returns the path of the file, with all symbolic links resolved.
