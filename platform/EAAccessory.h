@@ -57,8 +57,8 @@ class QUOR_EXPORT EAAccessory {
   /// "com.quordalvane.receipt", and ignores accessories without this protocol.
   virtual std::vector<std::string> protocolStrings() = 0;
 
-  /// Returns a number that distinguishes the accessories of the process; 0 if the accessory has
-  /// none. A port does not use this number; it only passes it on to programs.
+  /// Returns a number that distinguishes the accessories of the process; 0 if the accessory has no
+  /// number. A port does not use this number; it only passes it on to programs.
   virtual std::uint64_t connectionID() = 0;
 
   /// Returns how the printer confirms print jobs, if this is configured; otherwise `Auto`. Jobs use
@@ -90,8 +90,8 @@ class QUOR_EXPORT EAAccessoryManager {
  public:
   virtual ~EAAccessoryManager() = default;
 
-  /// Returns the accessories, none of them null; the list may be empty. The order matters: a port
-  /// takes the first accessory that it can use.
+  /// Returns the accessories. The list may be empty, and contains no null. The order matters: a
+  /// port takes the first accessory that it can use.
   virtual std::vector<std::shared_ptr<EAAccessory>> connectedAccessories() = 0;
 
   /// Returns true if the platform has its own way to read an accessory's Bluetooth address.

@@ -59,8 +59,8 @@ class QUOR_EXPORT NSInputStream : public NSStream {
   /// is unknown.
   virtual bool expectsBytes() { return true; }
 
-  /// Reads at most `maxLength` bytes into `buffer`. Returns the number of bytes read, 0 if there
-  /// were none, or a negative number on an error.
+  /// Reads at most `maxLength` bytes into `buffer`. Returns the number of bytes read, which is 0 if
+  /// there were no bytes, or a negative number on an error.
   virtual std::int64_t read(std::uint8_t* buffer, std::size_t maxLength) = 0;
 };
 

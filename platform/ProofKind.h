@@ -43,10 +43,10 @@ inline constexpr ProofWords proofWords[] = {
 /// Returns the name of a proof.
 QUOR_EXPORT std::string_view nameOf(ProofKind kind);
 
-/// Returns the proof with this name; null if there is none.
+/// Returns the proof with this name; null if no proof has it.
 QUOR_EXPORT std::optional<ProofKind> proofNamed(std::string_view name);
 
-/// Returns the proof with this number; null if there is none.
+/// Returns the proof with this number; null if no proof has it.
 std::optional<ProofKind> proofNumbered(std::int32_t number);
 
 /// Returns, as a text for people, how the printer proves a job.
