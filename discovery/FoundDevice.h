@@ -16,7 +16,7 @@ std::string_view nameOf(Via via);
 /// Each text is short and is valid UTF-8 without control characters.
 struct FoundDevice {
   std::string device;        ///< the device text, as `parseDeviceSpec` takes it
-  std::string name;          ///< the device's name, or a description if it has none; never empty
+  std::string name;          ///< the name, or a description if there is no name; never empty
   std::string serialNumber;  ///< "" if the device has no serial number
   std::string maker;         ///< "" if it is not known
   std::string model;         ///< "" if it is not known

@@ -14,8 +14,8 @@ namespace fs = std::filesystem;
 // of its serial line. The folders of an interface and a port are between these two.
 constexpr int highest = 4;
 
-// Returns whether the line has hardware. Consoles and pseudo-terminals have none. The driver of
-// classic serial ports also creates lines for ports that do not exist.
+// Returns whether the line has hardware. Consoles and pseudo-terminals have no hardware. The driver
+// of classic serial ports also creates lines for ports that do not exist.
 bool hasHardware(const fs::path& entry) {
   constexpr auto noHardware = "0";
   std::error_code error;

@@ -48,7 +48,7 @@ class QUOR_EXPORT ByteLock {
 };
 
 /// Returns the offset, 1 to 2^62, of the byte for the lock of `name`. A name has the same offset in
-/// every process. Two names may share an offset; then a job of one name also waits for a job of the
+/// every process. Two names may share an offset; then jobs of these two names also wait for each
 /// other.
 QUOR_EXPORT std::int64_t lockOffset(std::string_view name);
 

@@ -38,8 +38,9 @@ class LogDelivery {
   void handOver(LogRecord&& record) noexcept { queue_.push(std::move(record)); }
 
   /// Adds `sink`, which must not be null; this object shares its ownership. The sink receives the
-  /// records that are in the queue now and all later ones. Throws std::system_error if the writer
-  /// thread cannot be started, and std::bad_alloc if memory is short; nothing has changed then.
+  /// records that are in the queue now and all later records. Throws std::system_error if the
+  /// writer thread cannot be started, and std::bad_alloc if memory is short; nothing has changed
+  /// then.
   void addSink(std::shared_ptr<LogSink> sink);
 
   /// Removes `sink`; has no effect if it was not added. Does not wait: records that are being
@@ -67,7 +68,7 @@ class LogDelivery {
     std::shared_ptr<LogSink> sink;
     bool failureReported = false;
   };
-  /// Counts records that were not delivered. `since` is the time of the first one.
+  /// Counts records that were not delivered. `since` is the time of the first such record.
   struct Missing {
     std::uint64_t records = 0;
     std::chrono::system_clock::time_point since;

@@ -23,7 +23,7 @@ class LogQueue {
     RecordBatch records;        ///< in the order in which they were pushed
     std::uint64_t dropped = 0;  ///< number of records dropped after the last of `records`
     std::chrono::system_clock::time_point firstDropTime;  ///< the time of the first dropped record;
-                                                          ///< has no meaning if none was dropped
+                                                          ///< not valid if `dropped` is 0
   };
 
   /// Numbers that the queue has counted since it was created.

@@ -11,7 +11,7 @@
 
 namespace quordalvane {
 
-/// The size at which a log file is replaced by a new one, and the number of old files that are
+/// The size at which a log file is replaced by a new file, and the number of old files that are
 /// kept.
 struct LogRotation {
   std::uint64_t maximumBytes = 10U << 20U;  ///< the size limit of one file; zero means no limit
