@@ -182,7 +182,7 @@ bool takesPlace(const Scheme& scheme, const std::string& place) {
   }
 }
 
-// Returns a hint with the devices that a text without a scheme may mean; "" if there are none.
+// Returns a hint with the devices that a text without a scheme may mean; "" if no device fits.
 std::string offers(const std::string& place) {
   std::string listed;
   const bool isPath = place.starts_with('/');

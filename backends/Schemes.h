@@ -16,7 +16,7 @@ QUOR_EXPORT void addScheme(const Scheme& scheme);
 /// Returns all schemes, in the order in which help texts list them.
 std::span<const Scheme* const> schemes();
 
-/// Returns the scheme with this name; null if there is none.
+/// Returns the scheme with this name; null if no scheme has it.
 const Scheme* findScheme(std::string_view name);
 
 }  // namespace quordalvane

@@ -29,8 +29,8 @@ class BluetoothAccessory : public posix::LinkAccessory {
   /// Returns the description, with the printer's address as the service reports it.
   std::string description() override;
 
-  /// Returns the reason of the base class; if there is none, the reason why the printer cannot be
-  /// chosen now.
+  /// Returns the reason of the base class. If the base class gives no reason, returns the reason
+  /// why the printer cannot be chosen now.
   std::string lastError() override;
   std::error_code lastErrorCode() override;
 

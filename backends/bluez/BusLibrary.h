@@ -77,7 +77,7 @@ inline sdbus::Slot addMatch(sdbus::IConnection& connection, const std::string& r
   return connection.addMatch(rule, std::move(take));
 }
 
-/// Handles one message that has arrived. Returns false if there is none.
+/// Handles one message that has arrived. Returns false if no message has arrived.
 inline bool handleMessage(sdbus::IConnection& connection) {
   return connection.processPendingRequest();
 }

@@ -53,15 +53,15 @@ SerialPortProfile::~SerialPortProfile() {
   try {
     bus_.call(SteadyClock::now() + 1s, ofManager("UnregisterProfile"), sdbus::ObjectPath(ownPath));
   } catch (const std::exception&) {
-    // The error is ignored: either the service has ended, or it removes the profile when this
-    // program leaves the bus.
+    // The error is ignored. Either the service has ended, or the service removes the profile when
+    // this program leaves the bus.
   }
 }
 
 posix::Descriptor SerialPortProfile::connect(const KnownDevice& printer, SteadyTime deadline) {
   awaited_ = printer.path;
   callConnect(printer, deadline);
-  // The service may pass the connection either before or after it answers the call.
+  // The service may pass the connection before or after its answer to the call.
   const bool isThere = bus_.handleUntil(deadline, [this] { return taken_.has_value(); });
   awaited_.clear();
   if (!isThere) {

@@ -67,7 +67,7 @@ inline NSString* stringOf(const std::string& text) {
 
 /// Runs `question`, which calls a framework, in an autorelease pool of its own, and returns the
 /// answer of `question`. If the framework raises an exception, `ask` throws a `FrameworkError`. So
-/// no exception of one language passes through code of the other.
+/// no exception passes from Objective-C code through C++ code.
 template <typename Question>
 auto ask(Question question) {
   using Answer = std::invoke_result_t<Question>;

@@ -38,7 +38,7 @@ class Descriptor {
   /// Sets a function that is called with the descriptor just before it is closed.
   void setBeforeClose(void (*act)(int number)) { beforeClose_ = act; }
 
-  /// Returns the descriptor, which this object still owns; -1 if it owns none.
+  /// Returns the descriptor, which this object still owns; -1 if this object owns no descriptor.
   int number() const { return number_; }
 
   /// Receives at most `maxLength` bytes without waiting. Returns their number, 0 at the end of the
@@ -79,7 +79,7 @@ class Descriptor {
   std::string portState() const;
 
   /// Shuts down the output, so that the other side sees that no more bytes follow. Has no effect on
-  /// kinds that cannot do this.
+  /// kinds of descriptors that cannot be shut down.
   void endOutput() const;
 
   /// Shuts down both directions. Threads that wait in `pollUntil` return.

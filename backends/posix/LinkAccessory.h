@@ -17,7 +17,7 @@ namespace quordalvane::posix {
 using Connector = std::function<Descriptor()>;
 
 /// An accessory that is reached through a descriptor. Each session opens its own connection, and
-/// `isConnected` refers to the newest one. Before the first session the accessory counts as
+/// `isConnected` refers to the newest connection. Before the first session the accessory counts as
 /// attached.
 class LinkAccessory : public IdentifiedAccessory {
  public:
@@ -32,7 +32,7 @@ class LinkAccessory : public IdentifiedAccessory {
   std::shared_ptr<EASession> openSession(const std::string& protocol) override;
 
   /// Returns, as a text for people, why the latest `openSession` returned null; "" if the latest
-  /// call succeeded or there was none.
+  /// call succeeded or there was no call.
   virtual std::string lastError();
 
   /// Returns the error code of the reason that `lastError` returns; 0 if the reason has no code.

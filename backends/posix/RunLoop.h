@@ -21,11 +21,11 @@ class ThreadRunLoop final : public NSRunLoop {
   /// Begins to accept routines. Called before the thread is started.
   void open();
 
-  /// Runs the waiting routines, and refuses all later ones. The loop's thread calls `finish` at its
-  /// end.
+  /// Runs the waiting routines, and refuses all later routines. The loop's thread calls `finish` at
+  /// its end.
   void finish();
 
-  /// Refuses the waiting routines and all later ones. Called if the thread cannot be started.
+  /// Refuses the waiting routines and all later routines. Called if the thread cannot be started.
   void refuse();
 
   /// Runs `routine` on the loop's thread, as described at `NSThread::performAndWait`.

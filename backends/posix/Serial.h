@@ -29,9 +29,9 @@ struct SerialSettings {
 std::vector<unsigned> usualBaudRates();
 
 /// Opens the serial line at `path` in raw mode, for exclusive use by this program. For this it
-/// takes an advisory lock and sets the line to exclusive mode; both end when the line is closed.
-/// The line does not become the controlling terminal. It keeps its settings after it is closed.
-/// Never waits for a modem.
+/// takes an advisory lock and sets the line to exclusive mode. The lock and the mode end when the
+/// line is closed. The line does not become the controlling terminal. It keeps its settings after
+/// it is closed. Never waits for a modem.
 ///
 /// Throws a `std::system_error` with a message for people. The code is EBUSY if another program, or
 /// another descriptor of this program, uses the line; the message then names the other program, if

@@ -39,8 +39,8 @@ class UsbAccessory : public LinkAccessory {
   std::optional<std::string> modelNumber() override;
   std::vector<std::string> protocolStrings() override;
 
-  /// Returns the reason of the base class; if there is none, the reason why the printer cannot be
-  /// found now.
+  /// Returns the reason of the base class. If the base class gives no reason, returns the reason
+  /// why the printer cannot be found now.
   std::string lastError() override;
   std::error_code lastErrorCode() override;
 

@@ -22,7 +22,7 @@ struct UsbPrinter {
   /// nodes must also be equal, because only the nodes distinguish two printers of one model.
   bool isSameDevice(const UsbPrinter& other) const;
 
-  /// Returns "Maker Model", or only one of the two if the other is missing, or "".
+  /// Returns "Maker Model". A missing part is left out; if both parts are missing, returns "".
   std::string makerAndModel() const;
 };
 
@@ -51,8 +51,8 @@ struct UsbRoots {
   std::filesystem::path dev = "/dev";
 };
 
-/// Returns the printers that are plugged in, ordered by the numbers of their nodes. Opens none of
-/// them.
+/// Returns the printers that are plugged in, ordered by the numbers of their nodes. Opens no
+/// printer.
 std::vector<UsbPrinter> usbPrinters(const UsbRoots& roots = {});
 
 /// Returns the one printer that `place` selects: "" selects the only printer; a path selects the

@@ -56,8 +56,8 @@ std::string fileOf(const DeviceSpec& spec) {
 
 std::shared_ptr<EAAccessory> make(const DeviceSpec& spec, AccessoryIdentity identity,
                                   Clock& /*clock*/) {
-  // The default of the name is the place. The printer's own name is better, so the default is
-  // removed.
+  // If the device text gives no name, the name is equal to the place. The printer's own name is
+  // better, so this default is removed.
   if (identity.name == spec.place) {
     identity.name = std::nullopt;
   }
