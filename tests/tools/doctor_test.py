@@ -11,6 +11,7 @@ import termios
 import threading
 import time
 import tty
+import unittest
 from pathlib import Path
 
 from harness import (QUORPORT, STATUS_KEYS, STATUS_REQUEST, Case, answer_status, finish, main, receive, run, start,
@@ -107,6 +108,16 @@ class Causes(Case):
         printer = self.serial_printer(termios.B9600)
         os.chmod(printer.path, 0)
         self.assertCause("no-permission", 3, "-d", f"serial:{printer.path}", process=self.run_without_rights)
+
+    @unittest.skipIf(os.geteuid() != 0, "only root can give the line to a group")
+    def test_the_advice_is_to_join_the_lines_group_but_never_that_of_root(self):
+        printer = self.serial_printer(termios.B9600)
+        os.chmod(printer.path, 0o660)
+        for group in ("lp", "root"):
+            shutil.chown(printer.path, "root", group)
+            advice = self.run_without_rights("-d", f"serial:{printer.path}", "doctor").out
+            self.assertIn("you are not allowed to open it", advice)
+            self.assertEqual(f"usermod -aG {group} " in advice, group != "root", advice)
 
     def run_without_rights(self, *arguments: str):
         """Root may open every file: the test then runs as another user, who can reach a copy of the command."""

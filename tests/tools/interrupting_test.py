@@ -171,6 +171,20 @@ class Interrupting(Case):
         self.assertEqual(answer, {"ok": False, "device": answer["device"], **self.refused(answer["bytesTotal"]),
                                   "error": "interrupted"})
 
+    @staticmethod
+    def delays_signals(process) -> bool:
+        with open(f"/proc/{process.pid}/status") as file:
+            blocked = next(int(line.split()[1], 16) for line in file if line.startswith("SigBlk"))
+        return bool(blocked & 1 << (signal.SIGINT - 1))
+
+    def test_a_signal_while_the_arguments_are_read_loses_no_outcome(self):
+        """It takes a while to read very many of them."""
+        process = start("-d", "virtual:", "print", self.file("job", b"text\n"), *["--json"] * 20_000)
+        eventually(lambda: self.delays_signals(process), "signals have to wait")
+        self.assertEqual(self.threads(process), 1, "nothing reads the signals yet")
+        answer = self.interrupted(process).json()
+        self.assertEqual((answer["ok"], answer["outcome"], answer["bytesAccepted"]), (False, "refused", 0))
+
     def test_a_read_from_a_pipe_is_abandoned(self):
         process = start("-d", "virtual:", "print", "-", "--json", stdin=-1)
         eventually(lambda: self.threads(process) > 1, "the command waits for signals")

@@ -225,16 +225,24 @@ TEST(SerialLine, RefusesALineWithoutTheGivenFlowControl) {
             console.path() + ": the line has no flow control by RTS and CTS: Invalid argument");
 }
 
+bool lock(int line) {
+  return ::flock(line, LOCK_EX) == 0;
+}
+
+bool makeExclusive(int line) {
+  return ::ioctl(line, TIOCEXCL) == 0;
+}
+
 /// A process that holds the line, as another program would, until it is destroyed.
 class OtherProgram {
  public:
-  explicit OtherProgram(const std::string& path) {
+  explicit OtherProgram(const std::string& path, bool (*hold)(int line) = lock) {
     int ready[2];
     EXPECT_EQ(::pipe2(ready, O_CLOEXEC), 0);
     process_ = ::fork();
     if (process_ == 0) {
       const int line = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
-      const bool isHeld = ::flock(line, LOCK_EX) == 0 && ::write(ready[1], "x", 1) == 1;
+      const bool isHeld = hold(line) && ::write(ready[1], "x", 1) == 1;
       while (isHeld) {
         ::pause();
       }
@@ -263,6 +271,12 @@ TEST(SerialLine, NamesTheProgramThatUsesTheLine) {
   EXPECT_THAT(failure(line.path()),
               AllOf(HasSubstr("in use by another program: unit_posix_test"),
                     HasSubstr("(process " + std::to_string(other.process()) + ")")));
+}
+
+TEST(SerialLine, InTheExclusiveModeOfAnotherProgramIsRefusedEvenToRoot) {
+  const Line line;
+  const OtherProgram other(line.path(), makeExclusive);
+  EXPECT_THAT(failure(line.path()), HasSubstr("in use by another program"));
 }
 
 TEST(SerialLine, NamesAProgramOfAnotherUserByItsLock) {

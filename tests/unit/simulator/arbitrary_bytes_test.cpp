@@ -127,6 +127,17 @@ TEST(EndlessJob, IsDividedIntoPapersOfBoundedSize) {
   }
 }
 
+TEST(EndlessJob, InPageModeIsDividedIntoPagesOfBoundedSize) {
+  Session session;
+  session.send("1b4c");
+  const Bytes line = Bytes(100, 'x') + ascii("\n");
+  int lines = 0;
+  constexpr int tooMany = 50'000;
+  for (; session.printer.paper().items().empty() && lines < tooMany; ++lines)
+    session.send(line);
+  EXPECT_LT(lines, tooMany) << "no page was printed";
+}
+
 TEST(EndlessJob, GivesAShortTextIfItOnlyFeedsPaper) {
   Session session;
   Bytes job = hex("1d2100");

@@ -235,6 +235,8 @@ TEST(PaperPicture, NamesTheCommandsThatItOmitsBelowThePaper) {
   const unsigned without = Print(ascii("text\n")).picture().height;
   const Print with(hex("1c99") + ascii("text\n"));
   EXPECT_EQ(with.picture().height, without + 24 + 6);
+  const Print withAnother(hex("1c98") + ascii("text\n"));
+  EXPECT_NE(with.picture().pixels, withAnother.picture().pixels);
 }
 
 TEST(PaperPicture, ShowsALongPaperToItsEnd) {
