@@ -18,9 +18,9 @@
  *
  * Handles. The caller must free each handle that it has created. Freeing null has no effect.
  *
- * Threads. Only one thread at a time may use a port, except that any thread may get or set its
- * properties and call quor_port_is_connected at any time. Any thread may call the other functions,
- * unless their comments say otherwise.
+ * Threads. Only one thread at a time may use a port. The exceptions are its properties and
+ * quor_port_is_connected, which any thread may use at any time. Any thread may call the other
+ * functions, unless their comments say otherwise.
  *
  * Time-outs are in milliseconds. The time-outs of a port are rounded down to whole seconds of the
  * wall clock: a time-out of n seconds ends after n to n + 1 seconds, and a time-out below 1000 ms

@@ -139,10 +139,11 @@ enum {
 QUOR_EXPORT QuorCode quor_port_begin_checked_block(QuorPort* port, QuorPrinterStatus_2* status,
                                                    uint32_t level, int64_t* result_code);
 
-/** Marks the end of the job and waits, up to the end-of-block time-out, until the printer has
- * processed all of the job or is off line; `status` shows which of the two. In ESC/POS, QUOR_OK
- * alone does not prove that the job was printed; use a print job for that. Returns QUOR_FAILED if a
- * write failed or the time-out passed, and QUOR_PORT_EXCEPTION if the link is lost. */
+/** Marks the end of the job and waits, up to the end-of-block time-out. The wait ends when the
+ * printer has processed all of the job or is off line; `status` shows which of the two. In ESC/POS,
+ * QUOR_OK alone does not prove that the job was printed; use a print job for that. Returns
+ * QUOR_FAILED if a write failed or the time-out passed, and QUOR_PORT_EXCEPTION if the link is
+ * lost. */
 QUOR_EXPORT QuorCode quor_port_end_checked_block(QuorPort* port, QuorPrinterStatus_2* status,
                                                  uint32_t level);
 
@@ -174,9 +175,9 @@ QUOR_EXPORT QuorCode quor_port_retrieve_dip_switch_information(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_retrieve_dip_switch_bank(QuorPort* port, uint8_t bank,
                                                         uint8_t settings[2]);
 
-/** Asks for the button-security time-out and stores it in `*milliseconds`: 0 if button security is
- * off, otherwise the printer's 5, 10 or 20 seconds plus the creation time-out, modulo 2^32. Returns
- * QUOR_FAILED if there is no answer within the creation time-out. */
+/** Asks for the button-security time-out and stores it in `*milliseconds`. The value is 0 if button
+ * security is off. Otherwise it is the printer's 5, 10 or 20 seconds plus the creation time-out,
+ * modulo 2^32. Returns QUOR_FAILED if there is no answer within the creation time-out. */
 QUOR_EXPORT QuorCode quor_port_retrieve_button_security_timeout(QuorPort* port,
                                                                 uint32_t* milliseconds);
 

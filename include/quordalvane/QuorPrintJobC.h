@@ -17,9 +17,9 @@ extern "C" {
 /** Functions that query a printer over an open port and check its answers. The port's own queries,
  * in QuorPortC.h, do not check: they may accept the rest of an earlier answer, or bytes of another
  * kind of device, as the answer. Nothing is printed. The functions return QUOR_FAILED if there was
- * no answer or the link did not take the query, QUOR_UNREADABLE if the answer was not that of a
- * printer, QUOR_PORT_EXCEPTION if the link is lost, and QUOR_USAGE if the emulation is unknown.
- * Results are then unchanged.
+ * no answer or the link did not take the query, and QUOR_UNREADABLE if the answer was not that of a
+ * printer. They return QUOR_PORT_EXCEPTION if the link is lost, and QUOR_USAGE if the emulation is
+ * unknown. Results are then unchanged.
  *
  * Each function ends within twice the port's time-out plus five seconds, even if the printer never
  * stops sending; quor_printer_disconnect may take ten seconds more. Received bytes that nobody has
@@ -44,8 +44,8 @@ QUOR_EXPORT QuorCode quor_printer_firmware(QuorPort* port, char* text, size_t ca
  * 2. */
 QUOR_EXPORT QuorCode quor_printer_dip_switches(QuorPort* port, uint8_t settings[4]);
 
-/** Asks for the button-security time-out and stores it in milliseconds: 0 if button security is
- * off, otherwise the printer's value plus the port's time-out. */
+/** Asks for the button-security time-out and stores it in milliseconds. The value is 0 if button
+ * security is off. Otherwise it is the printer's value plus the port's time-out. */
 QUOR_EXPORT QuorCode quor_printer_button_security_timeout(QuorPort* port, uint32_t* milliseconds);
 
 /** Finds the strongest proof of a job that the printer can give, and stores its number from
