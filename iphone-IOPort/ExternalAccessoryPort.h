@@ -65,13 +65,13 @@ class QUOR_EXPORT ExternalAccessoryPort
  public:
   /// Creates a port. Nothing is checked and nothing is opened.
   ///
-  /// `portName` selects the accessory: "BT:" (in any letter case) or null selects the first printer
-  /// that is attached; "BT:" followed by a name, serial number or Bluetooth address selects the
+  /// `portName` selects the accessory. "BT:" (in any letter case) or null selects the first printer
+  /// that is attached. "BT:" followed by a name, serial number or Bluetooth address selects the
   /// accessory with that name, number or address. The first three characters of the port name are
   /// its prefix, even if they are not "BT:". The name is UTF-8; a byte that does not belong to a
   /// valid character counts as one character. A port whose name has fewer than three characters
   /// cannot be opened. Names are compared byte by byte. `portSettings` may contain, at any place, a
-  /// data time-out option: the letter d followed by a number of seconds from 0 to 255; a larger
+  /// data time-out option: the letter d followed by a number of seconds from 0 to 255. A larger
   /// number is logged and ignored. `ioTimeoutMillis` is the input/output time-out in milliseconds;
   /// with zero, a wait ends when the second of the clock changes. The port keeps `platform` alive.
   ///
@@ -94,13 +94,13 @@ class QUOR_EXPORT ExternalAccessoryPort
 
   // -- Connection ---------------------------------------------------------------------------------
 
-  /// Searches the accessories that are attached now, and chooses the first accessory that the port
-  /// name selects, whose maker is "quor dalvane" and that announces `quorProtocol`. Opens a session
-  /// on that accessory and starts to open the streams, without waiting for them. Always pauses 0.1
-  /// s. Returns true if the session is open. Returns false if no accessory matched, the session was
-  /// refused, or the platform threw an exception, which is logged. Never throws. An earlier session
-  /// that was not closed is released. On the main thread, `open` passes the work to the port
-  /// thread, unless an earlier `close` has ended that thread.
+  /// Chooses the first attached accessory that the port name selects, whose maker is "quor dalvane"
+  /// and that announces `quorProtocol`. Opens a session on that accessory and starts to open the
+  /// streams, without waiting for them. Always pauses 0.1 s. Returns true if the session is open.
+  /// Returns false if no accessory matched, the session was refused, or the platform threw an
+  /// exception, which is logged. Never throws. An earlier session that was not closed is released.
+  /// On the main thread, `open` passes the work to the port thread, unless an earlier `close` has
+  /// ended that thread.
   bool open();
 
   /// Ends the session: closes the streams and releases the session and the accessory. A call on the
@@ -180,11 +180,12 @@ class QUOR_EXPORT ExternalAccessoryPort
 
   // -- Checked block ------------------------------------------------------------------------------
 
-  /// Prepares the printer for a job whose printing `endCheckedBlock` will verify: resets the
+  /// Prepares the printer for a job whose printing `endCheckedBlock` will verify. Resets the
   /// printer's counter, sets its data time-out if one is configured, and makes it drop the data
-  /// that it still holds. In line mode, `beginCheckedBlock` first checks that the printer is on
-  /// line. After the reset it waits, up to the creation time-out, until the counter reads 0, and,
-  /// up to `holdPrintTimeoutMillis`, until no paper is left in the exit.
+  /// that it still holds. Line mode has two more steps: before the reset, the printer must be on
+  /// line; after the reset, `beginCheckedBlock` waits until the counter reads 0 and no paper is
+  /// left in the exit. The creation time-out limits the wait for the counter;
+  /// `holdPrintTimeoutMillis` limits the wait for the paper.
   ///
   /// `status` and `resultCode` must not be null; `status` receives each status that the printer
   /// sends. Returns true if the exchange worked; `*resultCode` is then success, or failed if a
@@ -195,14 +196,14 @@ class QUOR_EXPORT ExternalAccessoryPort
   bool beginCheckedBlock(QuorPrinterStatus_2* status, std::uint32_t level,
                          std::int64_t* resultCode);
 
-  /// Ends the block: marks the end of the job and waits, up to `endCheckedBlockTimeoutMillis`,
-  /// until the printer shows that it has processed all of the job. Returns true if it has. Also
-  /// returns true if the printer goes off line, because this ends the wait: `quorPrinterStatus`
-  /// then shows off line, and the caller decides what this means for the job. `quorPrinterStatus`
-  /// must not be null. In ESC/POS an off-line printer may be on line again before the final status
-  /// is read, so a true result alone does not prove that the job was printed. Returns false if a
-  /// write failed or the time-out passed. Throws the exceptions of `getParsedStatus`. In ESC/POS it
-  /// drops the received bytes that nobody has read.
+  /// Ends the block: marks the end of the job, and waits until the printer shows that it has
+  /// processed all of the job. `endCheckedBlockTimeoutMillis` limits the wait. Returns true if the
+  /// printer has processed the job. Also returns true if the printer goes off line during the wait;
+  /// `quorPrinterStatus` then shows off line, and the caller decides what this means for the job.
+  /// `quorPrinterStatus` must not be null. In ESC/POS an off-line printer may be on line again
+  /// before the final status is read, so a true result alone does not prove that the job was
+  /// printed. Returns false if a write failed or the time-out passed. Throws the exceptions of
+  /// `getParsedStatus`. In ESC/POS it drops the received bytes that nobody has read.
   bool endCheckedBlock(QuorPrinterStatus_2* quorPrinterStatus, std::uint32_t level);
 
   /// Makes the printer drop the data that it has received and not yet printed. Returns true if the
@@ -234,10 +235,10 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// shorten the wait.
   std::optional<ByteBuffer> retrieveDipSwitchInformation(std::uint8_t dipSwNumber);
 
-  /// Asks for the button-security time-out and returns it in milliseconds: 0 if button security is
-  /// off, otherwise the printer's 5, 10 or 20 seconds plus the creation time-out, modulo 2^32.
-  /// Returns -1 if the request could not be written or if fewer than 7 bytes arrived within the
-  /// creation time-out. A lost link does not shorten the wait.
+  /// Asks for the button-security time-out and returns it in milliseconds. The value is 0 if button
+  /// security is off. Otherwise it is the printer's 5, 10 or 20 seconds plus the creation time-out,
+  /// modulo 2^32. Returns -1 if the request could not be written or if fewer than 7 bytes arrived
+  /// within the creation time-out. A lost link does not shorten the wait.
   std::int64_t retrieveButtonSecurityTimeout();
 
   // -- The printer's Bluetooth module -------------------------------------------------------------
