@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::uint32_t statusLevel = 2;
 
-// A wait of the port may end this much after its limit, because it counts whole seconds and
+// How much longer than its limit a wait of the port may last: the port counts whole seconds, and
 // finishes an exchange that has begun. A wait that lasts even longer is abandoned.
 constexpr auto timeToLeave = std::chrono::seconds(4);
 

@@ -41,8 +41,8 @@ MaybeSetback InOrderProof::makeQuestion(ByteView data, std::vector<std::uint8_t>
   return std::nullopt;
 }
 
-/// Sends one more query after the sign and waits for its answer. If the sign was a stray byte, this
-/// wait also covers the true sign.
+/// Sends one more query after the sign and waits for its answer. If the sign was only a stray byte,
+/// the true sign also arrives during this wait.
 MaybeSetback InOrderProof::end(ByteView data) {
   if (auto setback = EndSign::end(data)) {
     return setback;

@@ -128,8 +128,8 @@ std::optional<PrintCommand> userCharacters(ByteView data) {
   return counted(length, 0);
 }
 
-// The form is 1c 71 n, and then for each of the n images its size xL xH yL yH, in units of eight
-// dots, and its dots.
+// The form is 1c 71 n, followed by n images. Each image begins with its size, xL xH yL yH in units
+// of eight dots; its dots follow.
 std::optional<PrintCommand> storedImages(ByteView data) {
   std::size_t length = 3;
   for (int i = 0; i < data[2]; ++i) {

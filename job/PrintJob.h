@@ -66,20 +66,20 @@ class QUOR_EXPORT PrintJob {
   explicit PrintJob(std::shared_ptr<ExternalAccessoryPort> port) : PrintJob(std::move(port), {}) {}
   /// @}
 
-  /// Prints `data` and returns the result. May be called once. Blocks while the printer is
-  /// prepared, while data is sent (up to the port's time-out without progress) and while it waits
-  /// for the proof (up to the port's end-of-block time-out), even if the printer never stops
-  /// sending. Until it returns, the job is the port's only observer; afterwards the port has no
-  /// observer. The port remains open, unless the job was cancelled. Exceptions of the platform and
-  /// of the progress function pass through.
+  /// Prints `data` and returns the result. May be called once. Blocks until the printer is
+  /// prepared, the data is sent and the proof has arrived. The sending fails after the port's
+  /// time-out without progress. The wait for the proof ends after the port's end-of-block time-out,
+  /// even if the printer never stops sending. Until it returns, the job is the port's only
+  /// observer; afterwards the port has no observer. The port remains open, unless the job was
+  /// cancelled. Exceptions of the platform and of the progress function pass through.
   /// @{
   PrintResult run(ByteView data);
   PrintResult run(std::string_view text);
   /// @}
 
   /// Abandons the job. At its next read or write, after at most 0.3 s, the job sends the printer a
-  /// command to drop the data that it holds, if the link takes it within 0.5 s, and closes the
-  /// port. Any thread and any signal handler may call it, also before `run`.
+  /// command to drop its data, and closes the port. It gives the command up if the link does not
+  /// take it within 0.5 s. Any thread and any signal handler may call it, also before `run`.
   void cancel() noexcept { cancelled_ = true; }
 
  private:

@@ -27,8 +27,8 @@ struct Attempt {
   PrintObstacle obstacle =
       PrintObstacle::NoProof;  ///< as in `PrintResult`; valid after the attempt has ended
 
-  /// The time at which a person was told that nobody knows whether the job is on paper, in
-  /// milliseconds since 1970, UTC; null if no person was told.
+  /// When a person was told that the outcome is unknown, in milliseconds since 1970, UTC; null if
+  /// no person was told.
   std::optional<std::int64_t> told = {};
 };
 

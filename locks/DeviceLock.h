@@ -26,7 +26,7 @@ QUOR_EXPORT std::optional<ByteLock> takeDevice(std::string_view identity,
 
 /// Returns the path of the file that holds these locks. The file is in `/run/lock`, where all users
 /// of the machine share it. If there is no such folder, the file is in `$XDG_RUNTIME_DIR` or, if
-/// this is not set, in a private temporary folder; then jobs of different users do not wait for
+/// this is not set, in a private temporary folder. Then jobs of different users do not wait for
 /// each other.
 QUOR_EXPORT std::filesystem::path deviceLockFile();
 

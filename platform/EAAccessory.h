@@ -74,10 +74,9 @@ class QUOR_EXPORT EAAccessory {
   /// before were read. Returns true for an accessory without a session.
   virtual bool isConnected() = 0;
 
-  /// Checks whether the link is lost, for a caller that waits for this and reads nothing: after the
-  /// call, unread bytes of a lost link no longer make `isConnected` return true. Has no effect on a
-  /// link that is not lost. The default does nothing, which is right for back ends that keep no
-  /// bytes after the end.
+  /// For a caller that waits for the loss of the link and reads nothing. If the link is lost,
+  /// unread bytes no longer make `isConnected` return true. Otherwise this has no effect. The
+  /// default does nothing, which is right for back ends that keep no bytes after the end.
   virtual void noticeLoss() {}
 
   /// Opens a session on `protocol`. Returns null if the accessory cannot be reached or refuses the
