@@ -79,8 +79,8 @@ struct Scheme {
   /// The name of the accessory if the place is empty.
   std::string_view nameWithoutPlace = {};
 
-  /// Returns the place in this scheme that a person means by `text`, a device text without a
-  /// scheme; nullopt if `text` does not belong to this scheme.
+  /// `text` is a device text without a scheme. Returns the place that a person means by it; nullopt
+  /// if `text` does not belong to this scheme.
   std::optional<std::string> (*placeMeantBy)(std::string_view text) = nullptr;
 
   /// Returns the places of all devices that an empty place stands for at this moment. No returned

@@ -20,8 +20,8 @@ class SerialPortProfile {
   /// of `bluetoothCategory()` if all attempts fail.
   SerialPortProfile(Bus& bus, SteadyTime deadline);
 
-  /// Unregisters the profile, and waits one second for the answer. A service that does not answer
-  /// removes the profile when this program leaves the bus.
+  /// Unregisters the profile, and waits one second for the answer. If the service does not answer,
+  /// it will remove the profile when this program leaves the bus.
   ~SerialPortProfile();
   SerialPortProfile(const SerialPortProfile&) = delete;
   SerialPortProfile& operator=(const SerialPortProfile&) = delete;

@@ -65,7 +65,7 @@ class HandheldStream : public Interface {
   }
 
   // The port's delegate is ignored, because a port does not use the events. `QuorStreamDelegate`
-  // receives them for the waits.
+  // receives the events, because the waits of this class need them.
   void setDelegate(std::weak_ptr<const void> delegate) override {
     const bool isCleared = delegate.expired();
     ask([this, isCleared] { [stream_.get() setDelegate:isCleared ? nil : delegate_.get()]; });
@@ -177,8 +177,8 @@ class HandheldOutputStream final : public HandheldStream<NSOutputStream, ::NSOut
  public:
   using HandheldStream::HandheldStream;
 
-  // A stream that has ended counts as having space, so that a writer tries to write, and notices
-  // the end because the write fails.
+  // A stream that has ended counts as having space. A writer then tries to write, and notices the
+  // end because the write fails.
   bool hasSpaceAvailable() override {
     return hasEnded() || ask([this] { return [stream() hasSpaceAvailable] == YES; });
   }

@@ -118,9 +118,10 @@ std::ptrdiff_t Descriptor::send(const std::uint8_t* bytes, std::size_t length) c
     return isSocket() ? ::send(number_, bytes, length, MSG_DONTWAIT | MSG_NOSIGNAL)
                       : ::write(number_, bytes, length);
   });
-  // If a transfer is interrupted, the driver reports an error as if nothing had been sent: EIO, or
-  // ENODEV if the driver already knows that the printer was unplugged. But the printer may have
-  // received any part of the bytes. So all bytes count as taken, and the next call fails.
+  // If a transfer is interrupted, the driver reports an error as if nothing had been sent. The
+  // error is EIO, or ENODEV if the driver already knows that the printer was unplugged. But the
+  // printer may have received any part of the bytes. So all bytes count as taken, and the next call
+  // fails.
   const bool brokeOff = isUsb(kind_) && count == -1 && (errno == EIO || errno == ENODEV);
   return brokeOff ? static_cast<std::ptrdiff_t>(length) : count;
 }

@@ -41,8 +41,8 @@ class Link {
   /// Ends the connection. Afterwards there are no bytes to read and there is no space to write.
   /// `release` returns when the device has taken the bytes under way, and after two seconds at the
   /// latest. If the device has not taken all bytes by then and sends anything afterwards, the rest
-  /// is lost. When `release` returns, the waits of other threads end; on a terminal they may
-  /// continue to their own deadline. A second call has no effect.
+  /// is lost. When `release` returns, the waits of other threads end. Only waits on a terminal may
+  /// continue until their deadline. A second call has no effect.
   void release();
 
   /// Returns true if the link has ended and all bytes that arrived before the end were read. A link
@@ -101,8 +101,8 @@ class Link {
 
   std::mutex mutex_;  // guards the members below
 
-  // Null after `release`. A thread that waits shares the ownership, so that the system cannot reuse
-  // the number for another file while the thread polls it.
+  // Null after `release`. A waiting thread shares the ownership of the descriptor. Otherwise the
+  // system could reuse its number for another file while the thread polls it.
   std::shared_ptr<const Descriptor> descriptor_;
 
   std::array<std::uint8_t, 4096> ahead_{};  // the bytes from next_ to end_ are unread

@@ -12,9 +12,9 @@
 /// The platform on POSIX systems.
 namespace quordalvane::posix {
 
-/// The platform of an ordinary program: real time, real threads, and the accessories that are
-/// attached to it, which may belong to any back end. The current device is this machine, and its
-/// version is the release of the kernel.
+/// The platform of an ordinary program, with real time and real threads. The attached accessories
+/// may belong to any back end. The current device is this machine, and its version is the release
+/// of the kernel.
 class QUOR_EXPORT PosixPlatform final : public Platform {
  public:
   /// Creates a platform with `accessories` in this order. No accessory may be null. More
