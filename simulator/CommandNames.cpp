@@ -4,7 +4,7 @@
 #include <array>
 #include <cstdint>
 
-#include "simulator/HexText.h"
+#include "text/Hex.h"
 
 namespace quordalvane::simulator {
 namespace {

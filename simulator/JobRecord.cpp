@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "simulator/CommandNames.h"
-#include "simulator/HexText.h"
+#include "text/Hex.h"
 
 namespace quordalvane::simulator {
 namespace {
@@ -77,7 +77,7 @@ void JobRecord::noteQuestion(ByteView command, ByteView answer) {
   if (asked_.size() < longestList) {
     asked_.push_back({beginningOf(command), Bytes(answer.begin(), answer.end())});
   }
-  noteEvent(EventKind::Question, hexText(beginningOf(command)));
+  noteEvent(EventKind::Question, hexText(beginningOf(command), " "));
 }
 
 void JobRecord::noteUnknown(std::uint64_t offset, ByteView command) {
@@ -94,7 +94,7 @@ void JobRecord::noteCutOff(std::uint64_t offset, ByteView command) {
 
 void JobRecord::noteMissing(ByteView bytes, const std::string& page) {
   if (missing_.size() < longestList) {
-    missing_.insert(hexText(bytes) + " in " + page);
+    missing_.insert(hexText(bytes, " ") + " in " + page);
   }
 }
 

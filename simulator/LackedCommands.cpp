@@ -51,9 +51,7 @@ std::string LackedCommands::text() const {
   std::string text;
   for (const Bytes& beginning : beginnings_) {
     text += text.empty() ? "" : "+";
-    for (const std::uint8_t byte : beginning) {
-      appendHex(text, byte);
-    }
+    text += hexText(beginning);
   }
   return text.empty() ? "none" : text;
 }

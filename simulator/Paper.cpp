@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "simulator/HexText.h"
+#include "text/Hex.h"
 
 namespace quordalvane::simulator {
 namespace {
@@ -159,7 +159,7 @@ std::vector<Paper> piecesOf(const Paper& paper) {
 }
 
 void Paper::noteSkipped(ByteView command) {
-  const std::string name = hexText(command.first(std::min(command.size(), bytesThatName)));
+  const std::string name = hexText(command.first(std::min(command.size(), bytesThatName)), " ");
   const bool room = skipped_.size() < skippedKinds || skipped_.contains(name);
   ++skipped_[room ? name : "others"];
 }

@@ -137,14 +137,6 @@ struct Setting {
   Choices examples = nullptr;  // returns some of the accepted values
 };
 
-std::string hexOf(const DipBank& bank) {
-  std::string text;
-  for (const std::uint8_t byte : bank) {
-    appendHex(text, byte);
-  }
-  return text;
-}
-
 std::string truthOf(bool value) {
   return value ? "true" : "false";
 }
@@ -237,10 +229,10 @@ constexpr Setting settings[] = {
      [](const State& state) { return std::to_string(state.typeId); }},
     {"dip1", Kind::Text, 0, 4, "bank 1 of the DIP switches, four hex digits",
      [](State& state, Text value) { state.dipBanks[0] = bankFrom("dip1", value); },
-     [](const State& state) { return hexOf(state.dipBanks[0]); }},
+     [](const State& state) { return hexText(state.dipBanks[0]); }},
     {"dip2", Kind::Text, 0, 4, "bank 2 of the DIP switches, four hex digits",
      [](State& state, Text value) { state.dipBanks[1] = bankFrom("dip2", value); },
-     [](const State& state) { return hexOf(state.dipBanks[1]); }},
+     [](const State& state) { return hexText(state.dipBanks[1]); }},
     {"presenterState", Kind::Number, 0, 3, "0 idle, 1 holding paper, 2 retracted, 3 ejected",
      [](State& state, Text value) {
        state.presenterState =

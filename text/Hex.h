@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -20,5 +21,8 @@ constexpr bool isHexDigit(char c) {
 inline void appendHex(std::string& out, std::uint8_t byte) {
   out += {hexDigits[byte >> 4U], hexDigits[byte & 0xFU]};
 }
+
+/// Returns each byte as two lower-case hexadecimal digits, with `separator` between the bytes.
+std::string hexText(std::span<const std::uint8_t> bytes, std::string_view separator = "");
 
 }  // namespace quordalvane

@@ -121,11 +121,7 @@ std::string randomToken() {
   if (::getrandom(chance.data(), chance.size(), 0) != static_cast<ssize_t>(chance.size())) {
     throw std::system_error(errno, std::generic_category());
   }
-  std::string token;
-  for (const unsigned char byte : chance) {
-    appendHex(token, byte);
-  }
-  return token;
+  return hexText(chance);
 }
 
 }  // namespace quordalvane::http

@@ -3,9 +3,9 @@
 #include <nlohmann/json.hpp>
 
 #include "job/Words.h"
+#include "text/Hex.h"
 #include "text/Quoted.h"
 #include "tools/quorport/Commands.h"
-#include "tools/quorport/Hex.h"
 #include "tools/quorport/Printer.h"
 #include "tools/quorport/Report.h"
 
@@ -38,7 +38,7 @@ Report dipswitch(const Options& options, const Surroundings& surroundings) {
   Report report = done("DIP switches");
   report.json["banks"] = Json::array();
   for (const auto& bank : banks) {
-    const std::string hex = hexOf(bank);
+    const std::string hex = hexText(bank);
     report.json["banks"].push_back(hex);
     report.text +=
         "  bank " + std::to_string(report.json["banks"].size()) + ": " + spaced(hex) + " (hex)\n";

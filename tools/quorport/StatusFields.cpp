@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "job/StatusText.h"
-#include "tools/quorport/Hex.h"
+#include "text/Hex.h"
 
 namespace quordalvane::tool {
 namespace {
@@ -70,7 +70,7 @@ std::string nameOf(const std::array<std::string_view, count>& names, std::uint8_
 
 std::string rawHex(const Status& status) {
   const std::size_t length = std::min<std::size_t>(status.rawLength, sizeof status.raw);
-  return hexOf({status.raw, length});
+  return hexText({status.raw, length});
 }
 
 }  // namespace

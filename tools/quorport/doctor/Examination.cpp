@@ -9,9 +9,9 @@
 #include "backends/DeviceSpec.h"
 #include "backends/Devices.h"
 #include "backends/Schemes.h"
+#include "text/Hex.h"
 #include "text/Quoted.h"
 #include "tools/quorport/CommandFailure.h"
-#include "tools/quorport/Hex.h"
 #include "tools/quorport/Printer.h"
 #include "tools/quorport/StatusFields.h"
 #include "tools/quorport/doctor/OpeningFindings.h"
@@ -176,7 +176,7 @@ class Examination {
     }
     if (!bytes_.empty()) {
       return failedExchange("not-understood",
-                            "the answer is not that of a printer of this kind: " + hexOf(bytes_),
+                            "the answer is not that of a printer of this kind: " + hexText(bytes_),
                             std::string(scheme_.ifNotUnderstood));
     }
     return failedExchange("silent", "it can be opened, but nothing answers" + portReport_,

@@ -8,8 +8,8 @@
 
 #include "simulator/Faults.h"
 #include "simulator/PrinterState.h"
+#include "text/Hex.h"
 #include "text/Quoted.h"
-#include "tools/quorport/Hex.h"
 
 namespace quordalvane::tool {
 namespace {
@@ -76,8 +76,8 @@ Json stateOf(const simulator::VirtualPrinter& printer) {
     json[simulator::flagNames[i]] = state.flag(static_cast<simulator::Flag>(i));
   }
   json["firmware"] = state.firmware();
-  json["dip1"] = hexOf(state.dipBanks[0]);
-  json["dip2"] = hexOf(state.dipBanks[1]);
+  json["dip1"] = hexText(state.dipBanks[0]);
+  json["dip2"] = hexText(state.dipBanks[1]);
   json["speed"] = state.bytesPerSecond;
   json["profile"] = printable(state.profile);
   json["proofs"] = state.dialect.proofs.text();

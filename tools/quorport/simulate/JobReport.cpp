@@ -2,7 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "tools/quorport/Hex.h"
+#include "text/Hex.h"
 
 namespace quordalvane::tool {
 namespace {
@@ -31,12 +31,12 @@ const char* nameOf(simulator::JobRecord::EventKind kind) {
 Json inJson(const JobReport& report, const simulator::JobRecord& record) {
   Json asked = Json::array();
   for (const auto& question : record.asked()) {
-    asked.push_back({{"command", hexOf(question.command)}, {"answer", hexOf(question.answer)}});
+    asked.push_back({{"command", hexText(question.command)}, {"answer", hexText(question.answer)}});
   }
   Json unknown = Json::array();
   for (const auto& command : record.unknown()) {
     unknown.push_back(
-        {{"offset", command.offset}, {"bytes", hexOf(command.bytes)}, {"name", command.name}});
+        {{"offset", command.offset}, {"bytes", hexText(command.bytes)}, {"name", command.name}});
   }
   Json events = Json::array();
   for (const auto& event : record.events()) {

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "simulator/CommandListing.h"
-#include "tools/quorport/Hex.h"
+#include "text/Hex.h"
 #include "tools/quorport/TimeText.h"
 
 namespace quordalvane::tool {
@@ -31,7 +31,7 @@ Json commandsIn(const simulator::Listing& listing, simulator::ByteView job) {
     const auto shown = std::min<std::uint64_t>(command.length, shownBytes);
     commands.push_back({{"offset", command.offset},
                         {"length", command.length},
-                        {"bytes", hexOf(job.subspan(command.offset, shown))},
+                        {"bytes", hexText(job.subspan(command.offset, shown))},
                         {"name", command.name},
                         {"meaning", command.meaning}});
     if (!command.isKnown) {

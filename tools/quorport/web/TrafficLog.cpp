@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "simulator/CommandNames.h"
+#include "text/Hex.h"
 #include "text/Quoted.h"
-#include "tools/quorport/Hex.h"
 
 namespace quordalvane::tool {
 namespace {
@@ -110,7 +110,7 @@ Json TrafficLog::inJson(const Entry& entry) {
                {"name", entry.name},
                {"meaning", entry.meaning}};
   if (entry.length > 0) {
-    json.update({{"bytes", hexOf(entry.bytes)}, {"length", entry.length}});
+    json.update({{"bytes", hexText(entry.bytes)}, {"length", entry.length}});
   }
   if (!entry.answer.empty()) {
     json["answer"] = entry.answer;
