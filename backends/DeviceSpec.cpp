@@ -8,6 +8,7 @@
 #include "backends/Schemes.h"
 #include "backends/SpecText.h"
 #include "text/Hex.h"
+#include "text/Number.h"
 #include "text/Quoted.h"
 
 namespace quordalvane {
@@ -68,7 +69,7 @@ void addProtocol(DeviceSpec& spec, const std::string& value) {
 }
 
 void setId(DeviceSpec& spec, const std::string& value) {
-  spec.id = spec::number<std::uint64_t>(value);
+  spec.id = numberIn<std::uint64_t>(value);
   if (!spec.id) {
     refuse("id=" + inQuotes(value) + ": takes a number from 0 to 18446744073709551615");
   }

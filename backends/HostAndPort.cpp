@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "backends/SpecText.h"
+#include "text/Number.h"
 #include "text/Quoted.h"
 
 namespace quordalvane {
@@ -14,7 +15,7 @@ HostAndPort parseHostAndPort(std::string_view text) {
   const std::string_view host = bracketed ? written.substr(1, written.size() - 2) : written;
   const auto port = colon == std::string_view::npos
                         ? std::uint16_t{0}
-                        : spec::number<std::uint16_t>(text.substr(colon + 1)).value_or(0);
+                        : numberIn<std::uint16_t>(text.substr(colon + 1)).value_or(0);
 
   constexpr std::size_t longestHost = 253;
   const bool plain =

@@ -4,11 +4,11 @@
 #include <iconv.h>
 
 #include <algorithm>
-#include <charconv>
 #include <cstddef>
 #include <utility>
 
 #include "render/RenderError.h"
+#include "text/Number.h"
 
 namespace quordalvane::render {
 namespace {
@@ -45,14 +45,12 @@ std::string usualNumbers() {
                     usualNumbers());
 }
 
-std::uint8_t numberIn(std::string_view text) {
-  std::uint8_t number = 0;
-  const char* const end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, number);
-  if (error != std::errc() || stop != end) {
+std::uint8_t pageNumber(std::string_view text) {
+  const auto number = numberIn<std::uint8_t>(text);
+  if (!number) {
     fail("a code page's number is from 0 to 255");
   }
-  return number;
+  return *number;
 }
 
 std::string_view usualName(std::uint8_t number) {
@@ -123,7 +121,7 @@ CodePage::CodePage() = default;
 
 CodePage::CodePage(std::string_view text) {
   const std::size_t colon = text.find(':');
-  number_ = numberIn(text.substr(0, colon));
+  number_ = pageNumber(text.substr(0, colon));
   const std::string_view name =
       colon == std::string_view::npos ? usualName(*number_) : text.substr(colon + 1);
   converter_ = std::make_unique<Converter>(systemName(name));

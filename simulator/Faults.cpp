@@ -1,13 +1,13 @@
 #include "simulator/Faults.h"
 
 #include <algorithm>
-#include <charconv>
 #include <limits>
 #include <optional>
 #include <stdexcept>
 #include <utility>
 
 #include "simulator/PrinterState.h"
+#include "text/Number.h"
 #include "text/Quoted.h"
 
 namespace quordalvane::simulator {
@@ -20,13 +20,8 @@ constexpr std::uint64_t longestMilliseconds = 365ULL * 24 * 3600 * 1000;
 
 std::optional<std::uint64_t> number(
     Text text, int base = 10, std::uint64_t most = std::numeric_limits<std::uint64_t>::max()) {
-  std::uint64_t value = 0;
-  const char* end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, value, base);
-  if (text.empty() || error != std::errc() || stop != end || value > most) {
-    return std::nullopt;
-  }
-  return value;
+  const auto value = numberIn<std::uint64_t>(text, base);
+  return value && *value <= most ? value : std::nullopt;
 }
 
 // Removes the text after the last `mark` from the end of `text` and returns it; empty if there is

@@ -7,6 +7,7 @@
 
 #include "simulator/Profile.h"
 #include "text/Hex.h"
+#include "text/Number.h"
 #include "text/Quoted.h"
 
 namespace quordalvane::simulator {
@@ -75,13 +76,11 @@ constexpr std::uint32_t stopsPrinting =
 template <typename Number>
 Number numberFrom(std::string_view key, std::string_view value, std::string_view takes,
                   Number largest = std::numeric_limits<Number>::max()) {
-  Number number = 0;
-  const char* end = value.data() + value.size();
-  const auto [stop, error] = std::from_chars(value.data(), end, number);
-  if (value.empty() || error != std::errc() || stop != end || number > largest) {
+  const auto number = numberIn<Number>(value);
+  if (!number || *number > largest) {
     refuse(key, value, takes);
   }
-  return number;
+  return *number;
 }
 
 bool truthFrom(std::string_view key, std::string_view value) {

@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <charconv>
 #include <filesystem>
 #include <fstream>
 #include <optional>
@@ -13,6 +12,7 @@
 #include <sstream>
 
 #include "backends/posix/SystemFiles.h"
+#include "text/Number.h"
 
 namespace quordalvane::posix {
 namespace {
@@ -20,13 +20,6 @@ namespace {
 namespace fs = std::filesystem;
 
 const fs::path processes = "/proc";
-
-std::optional<pid_t> processNumber(const std::string& name) {
-  pid_t number = 0;
-  const char* const end = name.data() + name.size();
-  const auto [stop, error] = std::from_chars(name.data(), end, number);
-  return error == std::errc() && stop == end ? std::optional(number) : std::nullopt;
-}
 
 bool isSameFile(const struct stat& one, const struct stat& other) {
   return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
@@ -42,7 +35,7 @@ bool hasOpen(const fs::path& process, const struct stat& file) {
 
 void addThoseThatHaveItOpen(const struct stat& file, std::set<pid_t>& found) {
   for (const fs::path& entry : entriesOf(processes)) {
-    const auto process = processNumber(entry.filename().string());
+    const auto process = numberIn<pid_t>(entry.filename().string());
     if (process && hasOpen(entry, file)) {
       found.insert(*process);
     }
@@ -64,7 +57,7 @@ void addThoseThatLockedIt(const struct stat& file, std::set<pid_t>& found) {
     std::istringstream words(line);
     std::string number, kind, mode, access, process, inode;
     if (words >> number >> kind >> mode >> access >> process >> inode && inode == device.str()) {
-      if (const auto holder = processNumber(process)) {
+      if (const auto holder = numberIn<pid_t>(process)) {
         found.insert(*holder);
       }
     }

@@ -7,6 +7,7 @@
 #include "backends/posix/LinkAccessory.h"
 #include "backends/posix/Schemes.h"
 #include "backends/posix/Serial.h"
+#include "text/Number.h"
 
 namespace quordalvane::posix {
 namespace {
@@ -65,7 +66,7 @@ std::string nameOf(const std::array<std::pair<std::string_view, Value>, count>& 
 }
 
 bool isBaud(std::string_view value) {
-  const auto baud = spec::number<unsigned>(value);
+  const auto baud = numberIn<unsigned>(value);
   return baud && *baud >= 50 && *baud <= 4'000'000;
 }
 
@@ -97,11 +98,11 @@ SerialSettings settingsOf(const DeviceSpec& spec) {
   SerialSettings settings;
   for (const auto& [key, value] : spec.options) {
     if (key == "baud") {
-      settings.baud = spec::number<unsigned>(value).value_or(settings.baud);
+      settings.baud = numberIn<unsigned>(value).value_or(settings.baud);
     } else if (key == "bits") {
-      settings.bits = spec::number<unsigned>(value).value_or(settings.bits);
+      settings.bits = numberIn<unsigned>(value).value_or(settings.bits);
     } else if (key == "stop") {
-      settings.stop = spec::number<unsigned>(value).value_or(settings.stop);
+      settings.stop = numberIn<unsigned>(value).value_or(settings.stop);
     } else if (key == "parity") {
       settings.parity = named(parities, value).value_or(settings.parity);
     } else if (key == "flow") {

@@ -62,7 +62,7 @@ RULES = (
     Rule("backends/Devices*", ("platform", "backends", PUBLIC), STANDARD, NO_CLOCK),
     Rule("backends/Schemes*", ("platform", "backends", PUBLIC), STANDARD, NO_CLOCK),
     Rule("backends/virtual", ("platform", "backends/*", "simulator"), STANDARD | {"csignal"}, NO_CLOCK),
-    Rule("backends/posix", ("platform", "backends/*", PUBLIC), EVERY_SYSTEM_HEADER),
+    Rule("backends/posix", ("platform", "text", "backends/*", PUBLIC), EVERY_SYSTEM_HEADER),
     # The links of the system take over a connection that the Bluetooth service has made.
     Rule("backends/bluez", ("platform", "backends", PUBLIC), EVERY_SYSTEM_HEADER),
     Rule("backends/bluez/BluetoothScheme.h", (PUBLIC,), set()),

@@ -5,8 +5,8 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "backends/SpecText.h"
 #include "journal/Journal.h"
+#include "text/Number.h"
 #include "text/Quoted.h"
 
 namespace quordalvane::cups {
@@ -38,7 +38,7 @@ std::string randomName() {
 }
 
 unsigned copiesIn(const std::string& text) {
-  const auto copies = spec::number<unsigned>(text);
+  const auto copies = numberIn<unsigned>(text);
   if (!copies || *copies == 0 || *copies > mostCopies) {
     throw std::invalid_argument("copies " + inQuotes(text) + ": takes 1 to 9999");
   }
@@ -79,7 +79,7 @@ BackEndJob parseBackEndJob(const std::vector<std::string>& arguments,
   if (job.name.empty()) {
     job.name = randomName();
   }
-  job.ended = spec::number<std::int64_t>(option(options, "time-at-completed"));
+  job.ended = numberIn<std::int64_t>(option(options, "time-at-completed"));
   if (arguments.size() == mostArguments) {
     job.file = arguments[6];
     job.copies = copiesIn(arguments[4]);

@@ -7,6 +7,7 @@
 #include "backends/DeviceSpec.h"
 #include "backends/Schemes.h"
 #include "backends/SpecText.h"
+#include "text/Number.h"
 #include "text/Quoted.h"
 #include "tools/cups-backend/Escapes.h"
 
@@ -26,7 +27,7 @@ bool isAllData(char /*c*/) {
 }
 
 std::uint32_t milliseconds(const std::string& key, const std::string& value) {
-  const auto millis = spec::number<std::uint32_t>(value);
+  const auto millis = numberIn<std::uint32_t>(value);
   if (!millis) {
     refuse(key + "=" + inQuotes(value) + ": takes milliseconds, from 0 to 4294967295");
   }

@@ -1,21 +1,19 @@
 #include "tools/cups-backend/Escapes.h"
 
-#include <charconv>
 #include <stdexcept>
 
 #include "text/Hex.h"
+#include "text/Number.h"
 
 namespace quordalvane::cups {
 namespace {
 
 char escapedCharacter(std::string_view digits) {
-  unsigned code = 0;
-  const char* const end = digits.data() + digits.size();
-  const auto [stop, error] = std::from_chars(digits.data(), end, code, 16);
-  if (digits.size() != 2 || error != std::errc() || stop != end) {
+  const auto code = numberIn<unsigned>(digits, 16);
+  if (digits.size() != 2 || !code) {
     throw std::invalid_argument("a percent sign in a URI takes two hex digits, such as %20");
   }
-  return static_cast<char>(code);
+  return static_cast<char>(*code);
 }
 
 void refuseControl(char c) {

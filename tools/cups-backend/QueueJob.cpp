@@ -4,9 +4,9 @@
 #include <memory>
 #include <thread>
 
-#include "backends/SpecText.h"
 #include "job/PrinterInquiry.h"
 #include "job/StatusText.h"
+#include "text/Number.h"
 #include "tools/cups-backend/Release.h"
 
 namespace quordalvane::cups {
@@ -51,7 +51,7 @@ ExitCode QueueJob::print(const std::vector<std::uint8_t>& copy,
 void QueueJob::forgetOldJobs() const {
   constexpr unsigned jobsBetween = 100;
   constexpr std::uint32_t daysKept = 30;
-  const auto number = spec::number<unsigned>(job_.number);
+  const auto number = numberIn<unsigned>(job_.number);
   if (!number || *number % jobsBetween != 0) {
     return;
   }

@@ -5,12 +5,12 @@
 
 #include <array>
 #include <cerrno>
-#include <charconv>
 #include <cstddef>
 #include <system_error>
 #include <utility>
 
 #include "text/Hex.h"
+#include "text/Number.h"
 
 namespace quordalvane::http {
 namespace {
@@ -58,10 +58,9 @@ std::optional<HostHeader> parsed(std::string_view text) {
   if (rest.empty()) {
     return host;
   }
-  const char* const end = rest.data() + rest.size();
-  const auto [stop, error] = std::from_chars(rest.data() + 1, end, host.port);
-  const bool isPort = rest.front() == ':' && error == std::errc() && stop == end;
-  return isPort ? std::optional(host) : std::nullopt;
+  const auto port = numberIn<decltype(host.port)>(rest.substr(1));
+  host.port = port.value_or(0);
+  return rest.front() == ':' && port ? std::optional(host) : std::nullopt;
 }
 
 bool isJson(std::string_view contentType) {

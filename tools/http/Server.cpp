@@ -10,8 +10,8 @@
 #include <system_error>
 #include <utility>
 
+#include "text/Number.h"
 #include "tools/http/Connections.h"
-#include "tools/http/Number.h"
 
 namespace quordalvane::http {
 namespace {
@@ -229,7 +229,7 @@ class Server::Machine {
     const std::string type = headerOf(connection, "Content-Type");
     auto refused = gate_.refuses(
         {.method = method, .path = path, .host = host, .origin = origin, .contentType = type});
-    const auto length = numberIn(headerOf(connection, "Content-Length"));
+    const auto length = numberIn<std::uint64_t>(headerOf(connection, "Content-Length"));
     if (!refused && length.value_or(0) > longestBody) {
       return Refusal{413, "a request has at most 65536 bytes"};
     }
@@ -242,7 +242,7 @@ class Server::Machine {
                     .path = std::string(gate_.below(path)),
                     .query = {},
                     .body = std::move(body),
-                    .lastEvent = numberIn(headerOf(connection, "Last-Event-ID"))};
+                    .lastEvent = numberIn<std::uint64_t>(headerOf(connection, "Last-Event-ID"))};
     MHD_get_connection_values(connection, MHD_GET_ARGUMENT_KIND, keepArgument, &request.query);
     try {
       return handler_(request);

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "backends/SpecText.h"
+#include "text/Number.h"
 #include "text/Quoted.h"
 
 namespace quordalvane::printer_app {
@@ -16,7 +17,7 @@ struct Option {
 
 template <typename Number>
 bool setNumber(Number& number, std::string_view text, int most) {
-  const auto found = spec::number<int>(text);
+  const auto found = numberIn<int>(text);
   const bool isInRange = found && *found >= 1 && *found <= most;
   number = isInRange ? Number(*found) : number;
   return isInRange;

@@ -2,12 +2,12 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <charconv>
 #include <limits>
 #include <map>
 #include <utility>
 
 #include "platform/ProofKind.h"
+#include "text/Number.h"
 #include "text/Quoted.h"
 #include "tools/quorport/HelpTexts.h"
 #include "tools/quorport/JournalGrammar.h"
@@ -25,14 +25,12 @@ struct Range {
 };
 
 std::uint32_t number(const std::string& text, Range range, const std::string& unit) {
-  std::uint32_t value = 0;
-  const char* const end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, value);
-  if (error != std::errc() || stop != end || value < range.least || value > range.largest) {
+  const auto value = numberIn<std::uint32_t>(text);
+  if (!value || *value < range.least || *value > range.largest) {
     throw CLI::ValidationError("takes " + unit + " from " + std::to_string(range.least) + " to " +
                                std::to_string(range.largest) + ", not " + inQuotes(text));
   }
-  return value;
+  return *value;
 }
 
 ProofKind proof(const std::string& text) {

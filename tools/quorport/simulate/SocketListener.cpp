@@ -11,12 +11,12 @@
 
 #include <array>
 #include <cerrno>
-#include <charconv>
 #include <chrono>
 #include <stdexcept>
 #include <system_error>
 
 #include "backends/posix/Resolve.h"
+#include "text/Number.h"
 
 namespace quordalvane::tool {
 namespace {
@@ -173,10 +173,8 @@ std::optional<ListenAddress> parseListenAddress(std::string_view text) {
   const std::size_t colon = text.rfind(':');
   const std::string_view digits = colon == std::string_view::npos ? text : text.substr(colon + 1);
   std::string_view host = colon == std::string_view::npos ? "" : text.substr(0, colon);
-  std::uint16_t port = 0;
-  const char* const end = digits.data() + digits.size();
-  const auto [stop, error] = std::from_chars(digits.data(), end, port);
-  if (digits.empty() || error != std::errc() || stop != end) {
+  const auto port = numberIn<std::uint16_t>(digits);
+  if (!port) {
     return std::nullopt;
   }
   if (host.size() > 2 && host.front() == '[' && host.back() == ']') {
@@ -184,7 +182,7 @@ std::optional<ListenAddress> parseListenAddress(std::string_view text) {
   } else if (host.find_first_of(":[],") != std::string_view::npos) {
     return std::nullopt;
   }
-  return ListenAddress{.host = host.empty() ? "127.0.0.1" : std::string(host), .port = port};
+  return ListenAddress{.host = host.empty() ? "127.0.0.1" : std::string(host), .port = *port};
 }
 
 std::unique_ptr<Listener> listenOnTcp(const ListenAddress& address) {

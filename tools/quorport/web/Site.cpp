@@ -4,7 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
-#include "tools/http/Number.h"
+#include "text/Number.h"
 #include "tools/quorport/web/Forms.h"
 #include "tools/quorport/web/PageFiles.h"
 
@@ -12,7 +12,6 @@ namespace quordalvane::tool {
 namespace {
 
 using http::Answer;
-using http::numberIn;
 
 constexpr auto receiptFolder = "receipts/";
 constexpr auto pageFolder = "page/";
@@ -21,7 +20,7 @@ constexpr auto controlName = "/control";
 
 std::optional<std::uint64_t> numberOf(const http::Request& request, const std::string& key) {
   const auto found = request.query.find(key);
-  return found == request.query.end() ? std::nullopt : numberIn(found->second);
+  return found == request.query.end() ? std::nullopt : numberIn<std::uint64_t>(found->second);
 }
 
 Answer inJson(const Json& json) {
@@ -81,7 +80,8 @@ Answer Site::post(const http::Request& request, simulator::Instant now) {
   }
   const std::size_t begin = std::string_view(printerFolder).size();
   const std::size_t end = path.size() - std::string_view(controlName).size();
-  const auto printer = end > begin ? numberIn(path.substr(begin, end - begin)) : std::nullopt;
+  const auto printer =
+      end > begin ? numberIn<std::uint64_t>(path.substr(begin, end - begin)) : std::nullopt;
   if (!printer || *printer < 1 || *printer > printers_.size()) {
     return notThere();
   }
@@ -92,7 +92,7 @@ Answer Site::post(const http::Request& request, simulator::Instant now) {
 Answer Site::receipt(const http::Request& request) const {
   const std::string name = request.path.substr(std::string_view(receiptFolder).size());
   const std::size_t dot = std::min(name.find('.'), name.size());
-  const auto id = numberIn(std::string_view(name).substr(0, dot));
+  const auto id = numberIn<std::uint64_t>(std::string_view(name).substr(0, dot));
   if (!id) {
     return notThere();
   }
