@@ -1,20 +1,13 @@
 #include "backends/DeviceIdentity.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <system_error>
 
 #include "backends/Schemes.h"
+#include "text/LetterCase.h"
 
 namespace quordalvane {
 namespace {
-
-std::string inSmallLetters(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(), [](char letter) {
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-  });
-  return text;
-}
 
 // Returns the path with all links resolved. The path need not exist: the device may be unplugged.
 std::string throughLinks(const std::string& path) {
@@ -32,7 +25,7 @@ std::string deviceIdentity(const DeviceSpec& spec) {
     return "";
   }
   const std::string file = scheme->fileOf == nullptr ? "" : scheme->fileOf(spec);
-  return spec.scheme + ":" + (file.empty() ? inSmallLetters(spec.place) : throughLinks(file));
+  return spec.scheme + ":" + (file.empty() ? lowerCase(spec.place) : throughLinks(file));
 }
 
 }  // namespace quordalvane

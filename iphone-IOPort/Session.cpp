@@ -8,20 +8,12 @@
 #include "iphone-IOPort/LogStatement.h"
 #include "iphone-IOPort/PortName.h"
 #include "iphone-IOPort/Util.h"
+#include "text/LetterCase.h"
 
 namespace quordalvane {
 namespace {
 
 constexpr auto open71Selector = "-[ExternalAccessoryPort open71]";
-
-char lowerCase(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-bool equalIgnoringCase(std::string_view a, std::string_view b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [](char x, char y) { return lowerCase(x) == lowerCase(y); });
-}
 
 /// Returns the part of a port name that selects the accessory; null if the name allows any
 /// accessory.

@@ -6,6 +6,7 @@
 #include "backends/SpecText.h"
 #include "backends/posix/Holders.h"
 #include "backends/posix/SystemFiles.h"
+#include "text/LetterCase.h"
 
 namespace quordalvane::posix {
 namespace {
@@ -97,21 +98,13 @@ bool comesBefore(const UsbPrinter& one, const UsbPrinter& other) {
   return first.size() != second.size() ? first.size() < second.size() : first < second;
 }
 
-std::string inSmallLetters(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(), [](char letter) {
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-  });
-  return text;
-}
-
 bool isChosen(const UsbPrinter& printer, std::string_view place) {
   if (place.starts_with('/')) {
     std::error_code error;
     return fs::weakly_canonical(fs::path(place), error) ==
            fs::weakly_canonical(printer.node, error);
   }
-  const bool isOfModel =
-      inSmallLetters(std::string(place)) == inSmallLetters(printer.vendor + ":" + printer.product);
+  const bool isOfModel = equalIgnoringCase(place, printer.vendor + ":" + printer.product);
   return place.empty() || isOfModel || printer.serial == place;
 }
 

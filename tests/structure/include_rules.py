@@ -57,7 +57,7 @@ RULES = (
     Rule("simulator", ("text",), (STANDARD - THREADS) | {"iconv.h", "zint.h"}, NO_CLOCK),
     Rule("simulator/drawing", ("simulator/*", "text"), (STANDARD - THREADS) | DRAWING, NO_CLOCK),
     Rule("backends", ("platform", "text", PUBLIC), STANDARD, NO_CLOCK),
-    Rule("backends/DeviceIdentity.cpp", ("platform", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
+    Rule("backends/DeviceIdentity.cpp", ("platform", "text", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
     Rule("backends/DeviceSpec.cpp", ("platform", "text", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
     Rule("backends/Devices*", ("platform", "backends", PUBLIC), STANDARD, NO_CLOCK),
     Rule("backends/Schemes*", ("platform", "backends", PUBLIC), STANDARD, NO_CLOCK),

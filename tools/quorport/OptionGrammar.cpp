@@ -1,12 +1,12 @@
 #include "tools/quorport/OptionGrammar.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <limits>
 #include <map>
 #include <utility>
 
 #include "platform/ProofKind.h"
+#include "text/LetterCase.h"
 #include "text/Number.h"
 #include "text/Quoted.h"
 #include "tools/quorport/HelpTexts.h"
@@ -46,11 +46,7 @@ ZKEmulation emulation(const std::string& text) {
       {"escpos", ZKEmulationESCPOS},
       {"unknown", ZKEmulationUnknown},
   };
-  std::string name = text;
-  std::ranges::transform(name, name.begin(), [](char letter) {
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-  });
-  const auto found = names.find(name);
+  const auto found = names.find(lowerCase(text));
   if (found == names.end()) {
     throw CLI::ValidationError("takes line, escpos or unknown, not " + inQuotes(text));
   }
