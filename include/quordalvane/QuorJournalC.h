@@ -111,10 +111,10 @@ typedef struct QuorNamedJobRequest {
  * same journal. The kernel frees the name when the process ends, even if it is killed. */
 typedef struct QuorNamedJob QuorNamedJob;
 
-/** Claims the name for a job of `size` bytes. If another process has the name, waits for it, up to
- * the time-out in the request. Nothing is sent or recorded. Returns QUOR_USAGE if the name is
- * invalid or the journal has a job of this name with other data, and QUOR_NO_JOURNAL if the journal
- * cannot be read or locked. */
+/** Claims the name for a job of `size` bytes. If another process has the name, waits until that
+ * process frees it, up to the time-out in the request. Nothing is sent or recorded. Returns
+ * QUOR_USAGE if the name is invalid or the journal has a job of this name with other data, and
+ * QUOR_NO_JOURNAL if the journal cannot be read or locked. */
 QUOR_EXPORT QuorCode quor_named_job_create(QuorJournal* journal, const QuorNamedJobRequest* request,
                                            const void* data, size_t size, QuorNamedJob** job);
 

@@ -86,8 +86,7 @@ QUOR_EXPORT QuorCode quor_log_set_queue_capacity(size_t records);
 /** Numbers that the logger has counted since the process began. */
 typedef struct QuorLogStatistics {
   uint64_t handed_over; /**< number of records passed to the logger */
-  uint64_t dropped; /**< number of those that were dropped because the queue was full or memory was
-                       short */
+  uint64_t dropped;     /**< number of records dropped: the queue was full or memory was short */
 } QuorLogStatistics;
 
 /** Stores the current counts in `*statistics` and does not reset them. */

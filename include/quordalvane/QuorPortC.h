@@ -35,13 +35,14 @@ enum {
 /** One connection to one printer. */
 typedef struct QuorPort QuorPort;
 
-/** Creates a port and opens nothing. `port_name` is "BT:" or null for the first printer that is
- * attached, or "BT:" followed by a name, serial number or Bluetooth address. The name is UTF-8; its
- * first three characters are the prefix, even if they are not "BT:". `port_settings` may be null,
- * or contain the letter d followed by the data time-out, 0 to 255 seconds. `timeout` is the
- * input/output time-out, called the creation time-out below; with 0, a wait ends when the second of
- * the clock changes. On the main thread the function also starts the port's own thread, which runs
- * until quor_port_close. Returns QUOR_FAILED, with null in `*port`, if quor_connect_devices was not
+/** Creates a port and opens nothing. `port_name` selects the printer. "BT:" or null selects the
+ * first printer that is attached. "BT:" followed by a name, serial number or Bluetooth address
+ * selects the printer with that name, number or address. `port_name` is UTF-8; its first three
+ * characters are the prefix, even if they are not "BT:". `port_settings` may be null, or contain
+ * the letter d followed by the data time-out, 0 to 255 seconds. `timeout` is the input/output
+ * time-out, called the creation time-out below; with 0, a wait ends when the second of the clock
+ * changes. On the main thread the function also starts the port's own thread, which runs until
+ * quor_port_close. Returns QUOR_FAILED, with null in `*port`, if quor_connect_devices was not
  * called before or the thread cannot be created. */
 QUOR_EXPORT QuorCode quor_port_create(const char* port_name, const char* port_settings,
                                       uint32_t timeout, int32_t emulation, QuorPort** port);
