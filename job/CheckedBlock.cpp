@@ -119,8 +119,8 @@ std::string CheckedBlock::whyNoAnswer() const {
   return answers_.isAnyOdd() ? "the printer's answer is not a status of this emulation" : noAnswer;
 }
 
-/// Ends the data cancel of a block that is abandoned. Otherwise a printer on which this job or an
-/// earlier job has set a data time-out would drop the data of later jobs.
+/// Ends the data cancel of a block that is abandoned. Otherwise the printer would drop the data of
+/// later jobs, if this job or an earlier job has set a data time-out.
 void CheckedBlock::leave() {
   link().port().write(dataCancelEnd, PortLink::Reply::None);
 }

@@ -6,7 +6,7 @@ namespace quordalvane {
 
 /// The command that begins a data cancel and the command that ends it. The data cancel makes a
 /// printer that supports the checked block drop the data that it holds. The end must follow.
-/// Otherwise a printer on which a data time-out was ever set would drop the data of later jobs.
+/// Otherwise the printer would drop the data of later jobs, if a data time-out was ever set.
 inline constexpr std::uint8_t dropAll[] = {0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00,
                                            0x1b, 0x1d, 0x03, 0x04, 0x00, 0x00};
 

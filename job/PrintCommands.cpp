@@ -140,8 +140,8 @@ std::optional<PrintCommand> storedImages(ByteView data) {
   return counted(length, 0);
 }
 
-/// Reads a command that ends with a zero byte. Printers agree on its end only if all of them accept
-/// its content. If the zero is missing, the command is longer than the data.
+/// Reads a command that ends with a zero byte. Printers agree on the end of the command only if all
+/// printers accept its content. If the zero is missing, the command is longer than the data.
 std::optional<PrintCommand> terminated(ByteView data, std::size_t header, std::size_t most,
                                        bool (*isOdd)(std::uint8_t before, std::uint8_t byte)) {
   const auto content = data.subspan(header);

@@ -24,7 +24,7 @@ class Proof : public TransferObserver {
   virtual MaybeSetback begin() = 0;
 
   /// Ends the job and waits for the printer's confirmation. `data` is the whole job and not empty.
-  /// Success proves that the printer has printed all of it.
+  /// Success proves that the printer has printed the whole job.
   virtual MaybeSetback end(ByteView data) = 0;
 
   /// Restores the printer's state after `begin` returned a setback.
