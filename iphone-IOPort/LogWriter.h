@@ -20,8 +20,7 @@ class LogDelivery;
 /// Numbers that the logger has counted since the process began.
 struct LogStatistics {
   std::uint64_t handedOver;  ///< number of records passed to outputLogAsyncWithLogType
-  std::uint64_t dropped;     ///< number of those dropped because the queue was full or memory was
-                             ///< short
+  std::uint64_t dropped;     ///< number of records dropped: the queue was full or memory was short
 };
 
 /// The library's logger. It decides which records are wanted and passes them to the sinks that the

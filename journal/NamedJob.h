@@ -77,9 +77,9 @@ struct NamedJobResult {
 /// journal and the data must outlive this object.
 class QUOR_EXPORT NamedJob {
  public:
-  /// Claims the name. If another process has the name, waits for it, up to the time-out in
-  /// `request`. Throws `std::invalid_argument`, with a message for people, if the name is invalid
-  /// or the journal has a job of this name with other data (length or SHA-256). Throws
+  /// Claims the name. If another process has the name, waits until that process frees it, up to the
+  /// time-out in `request`. Throws `std::invalid_argument`, with a message for people, if the name
+  /// is invalid or the journal has a job of this name with other data (length or SHA-256). Throws
   /// `JournalError` if the journal cannot be read or locked. Nothing is sent or recorded here.
   NamedJob(Journal& journal, NamedJobRequest request, std::span<const std::uint8_t> data);
 

@@ -61,10 +61,10 @@ class LogQueue {
   /// record and does not count it as dropped, because no sink misses it.
   void push(LogRecord&& record) noexcept;
 
-  /// Sets how many records may wait; records that the writer has taken are not counted. If more
-  /// records than that are in the queue, they stay in it, and the queue is full. Throws
-  /// std::invalid_argument if `records` is 0 or more than the maximum, and std::bad_alloc if memory
-  /// is short; nothing has changed then.
+  /// Sets how many records may wait; records that the writer has taken are not counted. Records
+  /// that are already in the queue remain there, even if they are more than `records`; the queue is
+  /// then full. Throws std::invalid_argument if `records` is 0 or more than the maximum, and
+  /// std::bad_alloc if memory is short; nothing has changed then.
   void setCapacity(std::size_t records);
 
   /// The queue accepts records from `open` to `close`. It is initially closed, and allocates no

@@ -29,9 +29,9 @@ class QUOR_EXPORT NSStream {
   /// loop; other streams do nothing.
   virtual void scheduleInRunLoop(NSRunLoop& runLoop, std::string_view mode) = 0;
 
-  /// Removes the stream from `runLoop` in `mode`; afterwards the stream does no work on it. A port
-  /// calls this after `close`. Has no effect if the stream is not scheduled on this loop. If a port
-  /// is destroyed while it is open, its streams are destroyed without this call, and remove
+  /// Removes the stream from `runLoop` in `mode`; afterwards the stream does no work on this loop.
+  /// A port calls this after `close`. Has no effect if the stream is not scheduled on this loop. If
+  /// a port is destroyed while it is open, its streams are destroyed without this call, and remove
   /// themselves.
   virtual void removeFromRunLoop(NSRunLoop& runLoop, std::string_view mode) = 0;
 
