@@ -253,8 +253,9 @@ void Link::noteDry() {
   dryAt_ = currentTick();
 }
 
-// Records a reply if bytes arrived after the last write and all of them were taken. Bytes that
-// arrived before a write cannot be the reply to the write, even if the reader takes them later.
+// Records a reply if bytes arrived after the last write and the reader took all of these bytes.
+// Bytes that arrived before a write cannot be the reply to the write, even if the reader takes them
+// later.
 void Link::noteAnswered() {
   if (unread() == 0 && dry_ && cameSinceWrite_) {
     cameSinceWrite_ = false;

@@ -26,7 +26,7 @@ namespace {
 }
 
 // Returns the flag for a speed. If the header has a constant for the speed, returns this constant,
-// so that every program can read the setting.
+// because some programs can read the speed only in this form.
 tcflag_t speedFlag(unsigned baud) {
   constexpr std::pair<unsigned, tcflag_t> numbered[] = {
       {1200, B1200},     {2400, B2400},     {4800, B4800},     {9600, B9600},

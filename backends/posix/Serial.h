@@ -9,7 +9,7 @@ namespace quordalvane::posix {
 
 enum class Parity { None, Even, Odd, Mark, Space };
 
-/// How the printer can stop the flow of bytes to it.
+/// How a printer can stop the flow of bytes that it receives.
 enum class Flow {
   None,
   RtsCts,   ///< by a wire of the serial line
