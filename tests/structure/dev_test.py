@@ -85,6 +85,13 @@ class DevPackages(unittest.TestCase):
         self.assertGreater(len(libraries), 10)
         self.assertEqual(set(libraries) - needed, set())
 
+    def test_the_licence_of_every_library_is_listed(self):
+        lists = " ".join(f'"${{{command}_packages[@]}}"' for command in ("build", "check", "package", "real", "bench"))
+        libraries = {name for name in self.shell(f"echo {lists}").stdout.split() if name.endswith("-dev")}
+        listed = (ROOT / "docs/licences.md").read_text()
+        self.assertGreater(len(libraries), 10)
+        self.assertEqual([name for name in sorted(libraries) if f"`{name}`" not in listed], [])
+
 
 class DevOutput(unittest.TestCase):
     def quietly(self, command: str) -> tuple[subprocess.CompletedProcess, str]:
