@@ -121,7 +121,7 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// `secInterval2` seconds. Returns the number of bytes that the link took. This number may be
   /// smaller than the size of `data`, and is 0 if there was no space or `data` is empty. Returns -1
   /// if the link is lost or reports an error, or if memory is short; some bytes may have been sent
-  /// then. Makes the process ignore the signal SIGPIPE.
+  /// before. Makes the process ignore the signal SIGPIPE.
   std::int32_t write(const ByteBuffer& data);
 
   /// Says whether the printer may answer the bytes of a write. After a write with `None`, later
@@ -145,7 +145,7 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// Sends a whole command. Tries again every 50 ms until the whole command is sent, the link is
   /// lost or the creation time-out has passed. Returns the number of bytes written, which is 0 for
   /// an empty command. Returns -1 if the link is lost, a write fails or the time-out passes; a part
-  /// of the command may have been sent then.
+  /// of the command may have been sent before.
   ///
   /// If the link takes only a part of the command, the count is unreliable: it is the sum of all
   /// attempts, but is compared with the length of the unsent rest alone. This arithmetic is kept
@@ -165,11 +165,12 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// complete reply. Returns false if the printer did not answer or the emulation is unknown; in
   /// ESC/POS also if the answer was not a status or a query could not be written. In line mode the
   /// request is sent up to two times, each with a wait of about 1.5 s; in ESC/POS the creation
-  /// time-out limits the wait. After false, the record is unchanged in line mode and may be partly
-  /// written in ESC/POS. `level` is only logged.
+  /// time-out limits the wait. If it returns false, the record is unchanged in line mode, and may
+  /// be partly written in ESC/POS. `level` is only logged.
   ///
-  /// Throws PortException: "Native WritePort failed" if the request cannot be written (line mode),
-  /// "GetParsedStatus detected bluetooth disconnection" if the link is lost during the wait.
+  /// Throws PortException "Native WritePort failed" if the request cannot be written (line mode).
+  /// Throws PortException "GetParsedStatus detected bluetooth disconnection" if the link is lost
+  /// during the wait.
   bool getParsedStatus(QuorPrinterStatus_2* quorPrinterStatus, std::uint32_t level);
 
   /// Asks whether the printer is ready to print. Returns true if the printer gave its status;

@@ -75,7 +75,7 @@ class QUOR_EXPORT LogWriter {
   /// Adds `sink`, which must not be null; the logger shares its ownership. The sink receives the
   /// records that are in the queue now and all later records. The first sink starts the thread that
   /// writes. Throws std::system_error if that thread cannot be started, and std::bad_alloc if
-  /// memory is short; nothing has changed then.
+  /// memory is short; in both cases nothing has changed.
   void addSink(std::shared_ptr<LogSink> sink);
 
   /// Removes `sink`; has no effect if it was not added. Does not wait: records that are being
@@ -84,8 +84,8 @@ class QUOR_EXPORT LogWriter {
   void removeSink(const std::shared_ptr<LogSink>& sink);
 
   /// Sets how many records may wait for the sinks; initially 8,192. Throws std::invalid_argument if
-  /// `records` is 0 or more than 1,048,576, and std::bad_alloc if memory is short; nothing has
-  /// changed then.
+  /// `records` is 0 or more than 1,048,576, and std::bad_alloc if memory is short; in both cases
+  /// nothing has changed.
   void setQueueCapacity(std::size_t records);
 
   /// Waits until the sinks have received every record logged so far, or until `timeout` has passed.

@@ -84,8 +84,9 @@ QUOR_EXPORT QuorCode quor_port_read(QuorPort* port, void* buffer, size_t capacit
 /** Sends a whole short command. Tries again every 50 ms until the whole command is sent or the
  * creation time-out has passed, and stores the number of bytes in `*written`. Returns QUOR_FAILED,
  * with 0 in `*written`, if the link is lost or the time-out passes; a part of the command may have
- * been sent then. Use this function only for commands that a link takes at once: if the link takes
- * only a part of a command, bytes may be left out or sent twice. Send print data by a print job. */
+ * been sent before. Use this function only for commands that a link takes at once: if the link
+ * takes only a part of a command, bytes may be left out or sent twice. Send print data by a print
+ * job. */
 QUOR_EXPORT QuorCode quor_port_write_with_retry(QuorPort* port, const void* command, size_t size,
                                                 size_t* written);
 
