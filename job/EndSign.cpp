@@ -14,7 +14,7 @@ namespace {
 // The printer is asked for its status at this interval until it has finished.
 constexpr auto statusPause = std::chrono::seconds(1);
 
-// A wait that counts whole seconds may end up to one second after its limit.
+// A wait that counts whole seconds ends at most one second after its limit.
 constexpr auto wholeSecond = std::chrono::seconds(1);
 
 }  // namespace

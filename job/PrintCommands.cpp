@@ -113,7 +113,8 @@ std::optional<PrintCommand> downloadedImage(ByteView data) {
   return counted(4, std::size_t{8} * data[2] * data[3]);
 }
 
-// The form is 1b 26 y c1 c2, and then for each character its width x and y times x bytes.
+// The form is 1b 26 y c1 c2, followed by the characters. Each character begins with its width x; y
+// times x bytes follow.
 std::optional<PrintCommand> userCharacters(ByteView data) {
   const std::size_t rows = data[2];
   const std::uint8_t first = data[3];

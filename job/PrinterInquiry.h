@@ -19,10 +19,10 @@ namespace quordalvane {
 
 /// Why an inquiry got no valid answer.
 enum class InquiryCause {
-  NoAnswer,       ///< the printer did not answer in time, or the link did not take the query
-  NotUnderstood,  ///< something answered, but not as a printer does
-  NotReady,  ///< the printer is off line, and this query is only sent to a printer that is on line
-  LinkLost,  ///< the link was lost
+  NoAnswer,          ///< the printer did not answer in time, or the link did not take the query
+  NotUnderstood,     ///< something answered, but not as a printer does
+  NotReady,          ///< the printer is off line; this query needs a printer that is on line
+  LinkLost,          ///< the link was lost
   UnknownEmulation,  ///< the port's emulation is unknown, so the right command is unknown
 };
 
