@@ -39,8 +39,8 @@ class LogDelivery {
 
   /// Adds `sink`, which must not be null; this object shares its ownership. The sink receives the
   /// records that are in the queue now and all later records. Throws std::system_error if the
-  /// writer thread cannot be started, and std::bad_alloc if memory is short; nothing has changed
-  /// then.
+  /// writer thread cannot be started, and std::bad_alloc if memory is short; in both cases nothing
+  /// has changed.
   void addSink(std::shared_ptr<LogSink> sink);
 
   /// Removes `sink`; has no effect if it was not added. Does not wait: records that are being
@@ -50,7 +50,7 @@ class LogDelivery {
 
   /// Sets how many records may wait for the sinks; initially 8,192. Records that are being
   /// delivered are not counted. Throws std::invalid_argument if `records` is 0 or more than
-  /// 1,048,576, and std::bad_alloc if memory is short; nothing has changed then.
+  /// 1,048,576, and std::bad_alloc if memory is short; in both cases nothing has changed.
   void setQueueCapacity(std::size_t records);
 
   /// Waits until the sinks have received every record queued so far, or until `timeout` has passed,

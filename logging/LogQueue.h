@@ -18,7 +18,7 @@ namespace quordalvane {
 class LogQueue {
  public:
   /// The records that the writer takes together, and the number of records that were dropped after
-  /// them, before the next batch. Records are dropped only while others are queued.
+  /// them, before the next batch. Records are dropped only while other records are queued.
   struct Batch {
     RecordBatch records;        ///< in the order in which they were pushed
     std::uint64_t dropped = 0;  ///< number of records dropped after the last of `records`
@@ -30,8 +30,7 @@ class LogQueue {
   struct Counts {
     std::uint64_t handedOver =
         0;  ///< number of records pushed, including those pushed while the queue was closed
-    std::uint64_t dropped =
-        0;  ///< number of these that were dropped because the queue was full, or lost
+    std::uint64_t dropped = 0;  ///< number of records dropped because the queue was full, or lost
   };
 
   /// The initial and the maximum number of records that may wait. Memory for this number is
@@ -56,7 +55,7 @@ class LogQueue {
       : gatherTime_(gatherTime) {}
 
   /// Puts the record into the queue, or drops it if the queue is full. The value of `record` is
-  /// unspecified afterwards. A full queue stays full until the writer takes its records, so all
+  /// unspecified afterwards. A full queue remains full until the writer takes its records, so all
   /// records that are dropped until then are missing at one place. A closed queue discards the
   /// record and does not count it as dropped, because no sink misses it.
   void push(LogRecord&& record) noexcept;
@@ -64,7 +63,7 @@ class LogQueue {
   /// Sets how many records may wait; records that the writer has taken are not counted. Records
   /// that are already in the queue remain there, even if they are more than `records`; the queue is
   /// then full. Throws std::invalid_argument if `records` is 0 or more than the maximum, and
-  /// std::bad_alloc if memory is short; nothing has changed then.
+  /// std::bad_alloc if memory is short; in both cases nothing has changed.
   void setCapacity(std::size_t records);
 
   /// The queue accepts records from `open` to `close`. It is initially closed, and allocates no
