@@ -11,8 +11,9 @@ using Status = QuorPrinterStatus_2;
 using Flag = std::uint32_t Status::*;
 using StateByte = std::uint8_t Status::*;
 
-// The layout of the line-mode reply. Byte 0 contains the length, and byte 1 the version of the
-// layout. The flags follow, eight in each byte from the lowest bit up, and then the state bytes.
+// The layout of the line-mode reply. Byte 0 contains the length, and byte 1 contains the version of
+// the layout. The next bytes contain the flags, eight in each byte, from the lowest bit up. The
+// state bytes follow the flags.
 constexpr std::size_t firstFlagByte = 2;
 constexpr std::size_t firstStateByte = 6;
 

@@ -30,8 +30,8 @@ struct ProofWords {
       about;  ///< how the printer proves a job: "it counts marks before and after each job"
 };
 
-/// A table of all proofs. The order is `Auto`, then the proofs that a printer can give, the
-/// strongest first, then `None`.
+/// A table of all proofs. `Auto` is first and `None` is last. Between them are the proofs that a
+/// printer can give, beginning with the strongest.
 inline constexpr ProofWords proofWords[] = {
     {ProofKind::Auto, "auto", "it is asked for its proof"},
     {ProofKind::Block, "block", "it counts marks before and after each job"},

@@ -7,7 +7,8 @@
 namespace quordalvane {
 namespace {
 
-/// Writes the last `width` decimal digits of `value` to `to`. Returns the position after them.
+/// Writes the last `width` decimal digits of `value` at `to`. Returns the position after these
+/// digits.
 char* putDigits(char* to, std::int64_t value, int width) noexcept {
   for (int place = width - 1; place >= 0; --place, value /= 10) {
     to[place] = static_cast<char>('0' + value % 10);
