@@ -10,6 +10,11 @@ while read -r file; do
   [ -z "$(grep -E 'not found|undefined symbol' needs)" ]
 done <files
 
+# The guides, the examples and the news are installed, and not compressed.
+for page in NEWS.md README.md docs/quick-start.md examples/print.py; do
+  [ -s "$pages/$page" ]
+done
+
 quorport --version
 quorport --device virtual: print "$pages/examples/receipt.txt"
 quorport-printer-app --version
