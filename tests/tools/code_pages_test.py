@@ -37,7 +37,7 @@ class CodePages(Case):
         simulator.stop(signal.SIGTERM)
         return (folder / "receipt-0001.txt").read_text().split("\n")
 
-    def test_have_the_characters_that_python_knows(self):
+    def test_each_code_page_has_the_characters_that_python_maps(self):
         rows = [range(first, first + 32) for first in range(0x80, 0x100, 32)]
         job = b"".join(b"\x1bt%c" % number + b"".join(bytes(row) + b".\n" for row in rows) for number in COMMON)
         lines = iter(self.printed("escpos-80", job))
@@ -46,7 +46,7 @@ class CodePages(Case):
                 expected = "".join(character(page, byte) for byte in row) + "."
                 self.assertEqual(next(lines), expected, page)
 
-    def test_have_more_bytes_in_the_languages_that_need_them(self):
+    def test_printers_for_east_asia_print_multi_byte_text(self):
         for profile, select, encoding, text in (("japan", b"\x1cC\1", "cp932", "領収書 東京都 円"),
                                                 ("china", b"", "gb18030", "收据 北京市 龦€"),
                                                 ("taiwan", b"", "big5", "收據 臺北市"),

@@ -9,22 +9,22 @@ from harness import DEADLINE, FLAGS, STATUS_REQUEST, Case, eventually, main, rec
 STATE_KEYS = {*FLAGS, "firmware", "dip1", "dip2", "speed", "profile", "proofs", "etbCounter", "buffered", "printedBytes"}
 
 
-class State(Case):
-    def test_the_state_has_every_key_of_its_kind(self):
+class PrinterState(Case):
+    def test_the_state_of_a_virtual_printer_has_every_key(self):
         state = self.simulator().state()
         self.assertEqual(set(state), STATE_KEYS)
         for flag in FLAGS:
             self.assertIs(state[flag], flag == "etbAvailable")
         self.assertEqual((state["dip1"], state["dip2"], state["speed"]), ("0000", "0000", 0))
 
-    def test_every_setting_can_be_read_back(self):
+    def test_every_setting_can_be_read_back_from_the_state(self):
         simulator = self.simulator()
         wanted = {"firmware": "X 9", "dip1": "0a1b", "dip2": "ffff", "speed": 1234,
                   "proofs": "process-id+in-order"}
         simulator.set(**wanted)
         self.assertLessEqual(wanted.items(), simulator.state().items())
 
-    def test_every_flag_is_set_and_cleared(self):
+    def test_every_flag_can_be_set_and_cleared(self):
         simulator = self.simulator()
         for flag in FLAGS:
             simulator.set(**{flag: True})
@@ -32,7 +32,7 @@ class State(Case):
             simulator.set(**{flag: False})
             self.assertIs(simulator.state()[flag], False)
 
-    def test_a_fault_that_stops_a_printer_makes_it_off_line(self):
+    def test_a_flag_that_stops_the_printer_also_sets_off_line(self):
         simulator = self.simulator()
         for flag in ["coverOpen", "receiptPaperEmpty", *FLAGS[3:16]]:
             simulator.set(**{flag: True})
@@ -40,22 +40,22 @@ class State(Case):
             simulator.set(**{flag: False})
             self.assertIs(simulator.state()["offline"], False, flag)
 
-    def test_printed_bytes_are_counted(self):
+    def test_the_state_counts_the_printed_bytes(self):
         simulator = self.simulator()
         self.assertExit(0, run("-d", simulator.place, "print", "-", data=b"12345\n"))
         state = simulator.state()
         self.assertEqual((state["printedBytes"], state["buffered"], state["etbCounter"]), (6, 0, 2))
 
 
-class Faults(Case):
-    def test_a_fault_affects_this_printer_until_it_is_cleared(self):
+class InjectedFaults(Case):
+    def test_a_fault_affects_the_printer_until_the_fault_is_cleared(self):
         simulator = self.simulator()
         self.assertEqual(simulator.control({"fault": {"drop-reply": "all"}}), {"ok": True})
         self.assertExit(1, run("-d", simulator.place, "status"))
         self.assertEqual(simulator.control({"clear": "faults"}), {"ok": True})
         self.assertExit(0, run("-d", simulator.place, "status"))
 
-    def test_numbers_and_booleans_are_accepted_as_values(self):
+    def test_numbers_and_booleans_are_accepted_as_values_of_faults(self):
         simulator = self.simulator()
         self.assertEqual(simulator.control({"fault": {"late-reply": 150, "prints-nothing": True}}), {"ok": True})
         result = run("-d", simulator.place, "status")
@@ -64,7 +64,7 @@ class Faults(Case):
         self.assertExit(6, run("-d", simulator.place, "print", "--unchecked", "-", data=b"lost\n"))
         self.assertEqual(simulator.state()["printedBytes"], 0)
 
-    def test_the_seed_decides_random_choices_on_this_link_and_the_next(self):
+    def test_the_seed_decides_random_choices_on_the_present_and_the_next_link(self):
         simulator = self.simulator()
         self.assertEqual(simulator.control({"fault": {"corrupt-reply": "all"}}), {"ok": True})
 
@@ -83,13 +83,13 @@ class Faults(Case):
             self.assertEqual(second_reply(), replies[-1])
         self.assertGreater(len(set(replies)), 1)
 
-    def test_a_delayed_fault_takes_effect(self):
+    def test_a_delayed_fault_takes_effect_during_a_connection(self):
         simulator = self.simulator()
         with simulator.connect():
             eventually(lambda: simulator.control({"fault": {"at": "50:coverOpen=true"}})["ok"], "taken")
             eventually(lambda: simulator.state()["coverOpen"], "the cover opens by itself")
 
-    def test_a_delayed_fault_takes_effect_without_a_host(self):
+    def test_a_delayed_fault_takes_effect_without_a_connection(self):
         simulator = self.simulator()
         later = {"at": "60:receiptPaperEmpty=true"}, {"at": "30:coverOpen=true"}, {"at": "90:drop-reply=all"}
         for fault in later:
@@ -98,7 +98,7 @@ class Faults(Case):
         eventually(lambda: simulator.state()["receiptPaperEmpty"], "the paper runs out")
         eventually(lambda: run("-d", simulator.place, "status").code == 1, "no reply arrives any more")
 
-    def test_a_delayed_fault_outlives_the_link(self):
+    def test_a_delayed_fault_takes_effect_after_the_connection_has_ended(self):
         simulator = self.simulator()
         with simulator.connect() as host:
             host.sendall(STATUS_REQUEST)
@@ -106,7 +106,7 @@ class Faults(Case):
             self.assertEqual(simulator.control({"fault": {"at": "500:coverOpen=true"}}), {"ok": True})
         eventually(lambda: simulator.state()["coverOpen"], "the cover opens by itself")
 
-    def test_a_delayed_fault_is_cleared_with_the_others(self):
+    def test_clearing_all_faults_also_clears_delayed_faults(self):
         simulator = self.simulator()
         for fault in ({"at": "300:coverOpen=true"}, {"at": "301:receiptPaperEmpty=true"}):
             self.assertEqual(simulator.control({"fault": fault}), {"ok": True})
@@ -116,14 +116,14 @@ class Faults(Case):
         self.assertFalse(simulator.state()["coverOpen"] or simulator.state()["receiptPaperEmpty"])
 
 
-class BadLines(Case):
+class ControlLines(Case):
     def refused(self, line: bytes, saying: str):
         answer = self.printer.raw_control(line + b"\n")
         self.assertEqual(set(answer), {"ok", "error"}, line)
         self.assertIs(answer["ok"], False)
         self.assertIn(saying, answer["error"], line)
 
-    def test_the_answer_to_a_bad_line_names_the_right_form_and_nothing_changes(self):
+    def test_an_invalid_control_line_changes_nothing_and_its_answer_names_the_valid_form(self):
         self.printer = self.simulator()
         before = self.printer.state()
         for line, saying in [
@@ -162,13 +162,13 @@ class BadLines(Case):
         self.assertEqual(self.printer.state(), before)
         self.assertExit(0, run("-d", self.printer.place, "status"))
 
-    def test_a_line_without_end_is_refused_once_and_the_next_one_is_heard(self):
+    def test_an_endless_control_line_is_refused_once_and_the_next_line_is_answered(self):
         simulator = self.simulator()
         answer = simulator.raw_control(b"x" * 200000 + b"\n")
         self.assertIn("65536", answer["error"])
         self.assertEqual(set(simulator.state()), STATE_KEYS)
 
-    def test_a_line_may_arrive_in_pieces(self):
+    def test_a_control_line_may_arrive_in_pieces(self):
         simulator = self.simulator()
         for byte in b'{"get":"sta':
             simulator.process.stdin.write(bytes([byte]))
@@ -176,7 +176,7 @@ class BadLines(Case):
         self.assertEqual(set(simulator.raw_control(b'te"}\n')["state"]), STATE_KEYS)
 
 
-class Socket(Case):
+class ControlSocket(Case):
     def connect(self):
         connection = socket.socket(socket.AF_UNIX)
         self.addCleanup(connection.close)
@@ -189,7 +189,7 @@ class Socket(Case):
         file.flush()
         return json.loads(file.readline())
 
-    def test_it_answers_several_at_once_and_beside_standard_input(self):
+    def test_the_control_socket_serves_several_clients_besides_standard_input(self):
         simulator = self.simulator("tcp:0", "--control", f"unix:{self.folder}/control")
         files = [self.connect()[1] for _ in range(5)]
         for file in files:
@@ -197,7 +197,7 @@ class Socket(Case):
             self.assertEqual(self.ask(file, {"get": "state"})["state"]["speed"], 5)
         self.assertEqual(simulator.state()["speed"], 5)
 
-    def test_a_client_that_leaves_before_the_answer_disturbs_no_other(self):
+    def test_a_client_that_disconnects_before_its_answer_affects_no_other_client(self):
         simulator = self.simulator("tcp:0", "--control", f"unix:{self.folder}/control")
         simulator.state()
         before = simulator.descriptors()
@@ -209,7 +209,7 @@ class Socket(Case):
             connection.close()
         eventually(lambda: simulator.descriptors() == before, "all descriptors are closed")
 
-    def test_a_client_that_never_reads_blocks_no_other(self):
+    def test_a_client_that_never_reads_blocks_no_other_client(self):
         simulator = self.simulator("tcp:0", "--control", f"unix:{self.folder}/control")
         connection, _ = self.connect()
         connection.setblocking(False)
@@ -222,7 +222,7 @@ class Socket(Case):
         self.assertEqual(simulator.control({"quit": True}), {"ok": True})
         self.assertEqual(simulator.process.wait(DEADLINE), 0)
 
-    def test_quit_is_answered_and_ends_it_with_0(self):
+    def test_quit_is_answered_and_ends_the_virtual_printer_with_status_0(self):
         simulator = self.simulator("tcp:0", "--control", f"unix:{self.folder}/control")
         self.assertEqual(self.ask(self.connect()[1], {"quit": True}), {"ok": True})
         self.assertEqual(simulator.process.wait(DEADLINE), 0)
@@ -234,8 +234,8 @@ class Socket(Case):
             self.assertIn("--control", result.err)
 
 
-class OneSession(Case):
-    def test_a_cover_opened_in_mid_job_is_seen_and_the_job_ends_confirmed(self):
+class CoverDuringAJob(Case):
+    def test_a_job_is_confirmed_after_its_cover_is_opened_and_closed(self):
         simulator = self.simulator("pty:", "--set", "speed=40", "--set", "buffer=64")
         result = []
         job = threading.Thread(target=lambda: result.append(run(

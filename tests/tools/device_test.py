@@ -54,22 +54,22 @@ class Firmware(Asking):
         replies = ON_LINE | {FIRMWARE[emulation][0]: reply}
         self.assertEqual(self.answer(replies, "-e", emulation, "firmware"), {"ok": True, "firmware": text})
 
-    def test_texts_of_every_length_are_read_in_both_emulations(self):
+    def test_firmware_texts_of_every_length_are_read_in_both_emulations(self):
         letters = (string.ascii_letters + string.digits + string.punctuation)[:64]
         at_once((self.assertTold, letters[:length], emulation, reply % letters[:length].encode())
                 for emulation, (_, reply) in FIRMWARE.items() for length in range(1, 65))
 
-    def test_bytes_that_are_not_a_text_are_not_a_reply(self):
+    def test_a_reply_without_its_frame_bytes_is_refused(self):
         request, _ = FIRMWARE["escpos"]
         at_once((self.failure, 1, ON_LINE | {request: reply}, "-t", "0", "-e", "escpos", "firmware")
                 for reply in (b"\x12\x5fV1.2\x00", b"V1.2\x00", b"\x12\x00"))
 
-    def test_a_reply_in_two_pieces_is_not_accepted(self):
+    def test_a_firmware_reply_in_two_pieces_is_refused(self):
         at_once((self.failure, 1, ON_LINE | {request: in_pieces(*pieces, pause=0.2)},
                  "-t", "1000", "-e", emulation, "firmware")
                 for emulation, (request, reply) in FIRMWARE.items() for pieces in pieces_of(reply % b"V1.2"))
 
-    def test_a_reply_that_is_cut_off_is_not_accepted(self):
+    def test_a_firmware_reply_that_is_cut_off_is_a_lost_link(self):
         at_once((self.failure, 5, ON_LINE | {request: last_words(words)}, "-t", "1000", "-e", emulation, "firmware")
                 for emulation, (request, reply) in FIRMWARE.items() for words, _ in pieces_of(reply % b"V1.2"))
 
@@ -78,21 +78,21 @@ class DipSwitches(Asking):
     def assertTold(self, settings: tuple[bytes, bytes], replies: dict):
         self.assertEqual(self.answer(replies, "dipswitch"), {"ok": True, "banks": [bank.hex() for bank in settings]})
 
-    def test_banks_may_hold_the_bytes_that_frame_a_reply(self):
+    def test_dip_switch_banks_may_contain_the_bytes_that_frame_a_reply(self):
         settings = [bytes(pair) for pair in itertools.product((0x00, 0x0a, 0x1b, 0x23), repeat=2)]
         at_once((self.assertTold, pair, banks(*pair)) for pair in zip(settings, reversed(settings)))
 
-    def test_replies_in_two_pieces_are_not_accepted(self):
+    def test_dip_switch_replies_in_two_pieces_are_refused(self):
         at_once((self.failure, 1, banks(b"\x45\x02") | {bank_request(bank): in_pieces(*pieces, pause=0.2)},
                  "-t", "1000", "dipswitch")
                 for bank in (1, 2) for pieces in pieces_of(bank_reply(bank, b"\x45\x02")))
 
-    def test_replies_that_are_cut_off_are_not_accepted(self):
+    def test_a_dip_switch_reply_that_is_cut_off_is_a_lost_link(self):
         at_once((self.failure, 5, banks(b"\x45\x02") | {bank_request(bank): last_words(words)},
                  "-t", "1000", "dipswitch")
                 for bank in (1, 2) for words, _ in pieces_of(bank_reply(bank, b"\x45\x02")))
 
-    def test_button_security_adds_the_time_out_to_the_setting_unless_it_is_off(self):
+    def test_button_security_adds_the_time_out_to_the_setting_unless_the_setting_is_off(self):
         def check(timeout: int, setting: int, milliseconds: int):
             replies = banks(bytes([setting << 6 | 0x0a, 0x0a]))
             self.assertEqual(self.answer(replies, "-t", str(timeout), "button-security"),
@@ -130,11 +130,11 @@ class BluetoothModule(Asking):
     def assertStays(self, replies: dict):
         self.failure(1, replies, "-t", "1000", "disconnect")
 
-    def test_a_dropped_link_is_a_success_even_if_the_module_answers_first(self):
+    def test_disconnect_succeeds_if_the_module_drops_the_link_after_any_answer(self):
         at_once((self.assertDrops, {ADDRESS_REQUEST: ADDRESS, DROP_REQUEST: last_words(words)})
                 for words in (b"", b"\r\nOK\r\n", b"\r\nO", bytes(5000)))
 
-    def test_a_module_that_does_not_answer_or_says_error_or_does_not_drop_is_a_failure(self):
+    def test_disconnect_fails_if_the_module_does_not_answer_or_does_not_drop_the_link(self):
         at_once((self.assertStays, replies) for replies in (
             {},
             {ADDRESS_REQUEST: b"\r\nERROR\r\n"},
@@ -144,17 +144,17 @@ class BluetoothModule(Asking):
             {ADDRESS_REQUEST: ADDRESS, DROP_REQUEST: b"\r\nOK\r\n"},
             {ADDRESS_REQUEST: ADDRESS, DROP_REQUEST: b"\r\nERROR\r\n"}))
 
-    def test_an_answer_without_a_whole_address_is_reported(self):
+    def test_disconnect_reports_an_answer_without_a_whole_address(self):
         def check(answer: bytes):
             error = self.failure(1, {ADDRESS_REQUEST: answer}, "-t", "1000", "disconnect")
             self.assertEqual(error, "the Bluetooth module answered without its address")
 
         at_once((check, answer) for answer in (b"\r\nOK\r\n", b"\r\n*AILBA:0011\r\nOK\r\n"))
 
-    def test_a_result_in_two_reads_is_not_accepted(self):
+    def test_disconnect_fails_if_the_answer_arrives_in_two_pieces(self):
         self.assertStays({ADDRESS_REQUEST: in_pieces(ADDRESS[:-3], ADDRESS[-3:], pause=0.5)})
 
-    def test_a_link_that_is_lost_before_the_module_has_answered_is_a_lost_link(self):
+    def test_disconnect_reports_a_link_that_is_lost_before_the_answer(self):
         at_once((self.failure, 5, {ADDRESS_REQUEST: last_words(words)}, "-t", "1000", "disconnect")
                 for words in (b"", ADDRESS[:10]))
 

@@ -63,7 +63,7 @@ def say_nothing(connection: socket.socket):
         pass
 
 
-class Causes(Case):
+class DoctorCauses(Case):
     """Each test causes one failure; the first cause that the doctor names must be the right one."""
 
     def assertCause(self, cause: str, code: int, *arguments: str, process=run):
@@ -86,25 +86,25 @@ class Causes(Case):
         self.addCleanup(printer.close)
         return printer
 
-    def test_nothing_listens(self):
+    def test_doctor_reports_that_no_program_listens_at_the_address(self):
         self.assertCause("nothing-listens", 3, "-d", self.refusing_place())
 
-    def test_nobody_answers_at_the_address(self):
+    def test_doctor_reports_that_the_host_does_not_answer(self):
         self.assertCause("unreachable", 3, "-d", self.silent_place())
 
-    def test_the_host_does_not_resolve(self):
+    def test_doctor_reports_that_the_host_name_cannot_be_resolved(self):
         # No part of a host name may be this long, so the resolver asks no server.
         self.assertCause("not-resolved", 3, "-d", f"tcp:{'a' * 200}:9100")
 
-    def test_the_path_does_not_exist(self):
+    def test_doctor_reports_that_the_path_does_not_exist(self):
         for scheme in ("serial", "unix"):
             self.assertCause("no-such-path", 3, "-d", f"{scheme}:{self.folder}/none")
 
-    def test_the_path_is_not_a_serial_line(self):
+    def test_doctor_reports_that_the_path_is_not_a_serial_line(self):
         for path in (self.file("plain", b""), self.folder, "/dev/null"):
             self.assertCause("no-tty", 3, "-d", f"serial:{path}")
 
-    def test_the_serial_line_may_not_be_opened(self):
+    def test_doctor_reports_that_the_user_may_not_open_the_serial_line(self):
         printer = self.serial_printer(termios.B9600)
         os.chmod(printer.path, 0)
         self.assertCause("no-permission", 3, "-d", f"serial:{printer.path}", process=self.run_without_rights)
@@ -128,19 +128,19 @@ class Causes(Case):
         began = time.monotonic()
         return finish(start(*arguments, executable=copy, user=65534, group=65534, extra_groups=[]), began)
 
-    def test_another_program_holds_the_serial_line(self):
+    def test_doctor_reports_that_another_program_uses_the_serial_line(self):
         printer = self.serial_printer(termios.B9600)
         os.chmod(printer.path, 0o666)
         fcntl.ioctl(printer.line, termios.TIOCEXCL)
         self.assertCause("in-use", 4, "-d", f"serial:{printer.path}", process=self.run_without_rights)
 
-    def test_the_program_that_has_locked_the_serial_line_is_named(self):
+    def test_doctor_names_the_program_that_has_locked_the_serial_line(self):
         printer = self.serial_printer(termios.B9600)
         fcntl.flock(printer.line, fcntl.LOCK_EX)
         self.assertCause("in-use", 4, "-d", f"serial:{printer.path}")
         self.assertIn(f"(process {os.getpid()})", run("-d", f"serial:{printer.path}", "doctor").out)
 
-    def test_the_printer_talks_at_another_speed(self):
+    def test_doctor_finds_the_speed_of_a_serial_printer(self):
         printer = self.serial_printer(termios.B19200)
         self.assertCause("wrong-speed", 1, "-d", f"serial:{printer.path}")
         result = run("-d", f"serial:{printer.path},baud=38400", "doctor")
@@ -148,7 +148,7 @@ class Causes(Case):
         self.assertIn(",baud=19200", result.out)
         self.assertExit(0, run("-d", f"serial:{printer.path},baud=19200", "doctor"))
 
-    def test_the_printer_answers_in_the_other_emulation(self):
+    def test_doctor_reports_that_the_printer_uses_the_other_emulation(self):
         escpos, line = self.peer(answer_escpos_alone), self.peer(lambda c: answer_status(c, status_block()))
         self.assertCause("other-emulation", 1, "-d", escpos.place)
         self.assertCause("other-emulation", 1, "-d", line.place, "-e", "escpos")
@@ -156,21 +156,21 @@ class Causes(Case):
         for place in (escpos.place, line.place):
             self.assertExit(0, run("-d", place, "-e", "unknown", "doctor"))
 
-    def test_the_printer_is_silent(self):
+    def test_doctor_reports_a_silent_printer(self):
         place = self.peer(say_nothing).place
         self.assertCause("silent", 1, "-d", place)
         # Another till's job may be under way; switching the printer off would lose it.
         self.assertIn("  do:    end the other program", run("-d", place, "doctor").out)
 
-    def test_an_answer_that_is_not_a_printers_is_found(self):
+    def test_doctor_reports_a_device_that_is_not_a_printer(self):
         for greeting in (b"SSH-2.0-door\r\n", NOISE):
             peer = self.peer(lambda c, greeting=greeting: (receive(c, 7), c.sendall(greeting), say_nothing(c)))
             self.assertCause("not-understood", 1, "-d", peer.place)
 
-    def test_the_link_ends_as_soon_as_it_is_used(self):
+    def test_doctor_reports_a_link_that_ends_after_the_first_byte(self):
         self.assertCause("link-lost", 5, "-d", self.peer(lambda connection: receive(connection, 1)).place)
 
-    def test_the_printer_says_why_it_does_not_print(self):
+    def test_doctor_reports_why_the_printer_does_not_print(self):
         for setting, cause in (("coverOpen", "cover-open"), ("receiptPaperEmpty", "paper-out"),
                                ("paperPresent", "paper-in-exit"), ("cutterError", "printer-error"),
                                ("offline", "off-line")):
@@ -179,24 +179,24 @@ class Causes(Case):
         for setting, cause in (("coverOpen", "cover-open"), ("receiptPaperEmpty", "paper-out"), ("offline", "off-line")):
             self.assertEqual(self.assertCause(cause, 4, "-e", "escpos", "-d", f"virtual:{setting}=true"), [cause])
 
-    def test_every_reason_of_the_printer_is_named(self):
+    def test_doctor_names_every_reason_why_the_printer_is_not_ready(self):
         named = self.assertCause("cover-open", 4, "-d", "virtual:coverOpen=true,receiptPaperEmpty=true,jamError=true")
         self.assertEqual(named, ["cover-open", "paper-out", "printer-error"])
 
-    def test_a_device_with_another_maker_or_protocol_is_found(self):
+    def test_doctor_reports_a_device_with_another_maker_or_protocol(self):
         named = self.assertCause("no-printer", 3, "-d", "virtual:manufacturer=somebody")
         self.assertEqual(named, ["no-printer"])
 
-    def test_a_port_name_that_chooses_no_device_is_found(self):
+    def test_doctor_reports_a_port_name_that_matches_no_device(self):
         self.assertCause("port-name", 3, "-d", "virtual:Bar", "-p", "BT:Till")
 
-    def test_the_first_faulty_device_decides_the_exit_status(self):
+    def test_the_first_faulty_device_decides_the_exit_status_of_doctor(self):
         self.assertCause("paper-out", 4, "-d", "virtual:", "-d", "virtual:receiptPaperEmpty=true",
                          "-d", f"unix:{self.folder}/none")
 
 
-class Health(Case):
-    def test_a_printer_without_a_fault_is_well(self):
+class DoctorResult(Case):
+    def test_doctor_reports_a_printer_without_a_fault_as_well(self):
         for listen in ("tcp:0", f"unix:{self.folder}/printer", "pty:"):
             simulator = self.simulator(listen, "--set", "receiptPaperNearEmptyInner=true")
             result = run("-d", simulator.place, "doctor")
@@ -210,7 +210,7 @@ class Health(Case):
             self.assertEqual(device["proof"], "block")
             self.assertIn("  proof: block: it counts marks", result.out)
 
-    def test_it_says_how_an_escpos_printer_confirms_jobs_or_that_it_does_not(self):
+    def test_doctor_reports_how_an_escpos_printer_confirms_jobs(self):
         for proofs, found in (("block+in-order", "block"), ("process-id+in-order", "process-id"), ("in-order", "in-order"),
                               ("none", "none")):
             simulator = self.simulator("tcp:0", "--set", f"proofs={proofs}")
@@ -222,11 +222,11 @@ class Health(Case):
             self.assertEqual(device["proof"], found)
         self.assertIn("unconfirmed at best", result.out)
 
-    def test_a_printer_that_is_off_line_is_not_asked_how_it_confirms_jobs(self):
+    def test_doctor_reports_no_proof_for_a_printer_that_is_off_line(self):
         result = run("-d", "virtual:coverOpen=true", "-e", "escpos", "doctor", "--json")
         self.assertIsNone(result.json()["devices"][0]["proof"])
 
-    def test_nothing_is_printed_and_the_printer_keeps_its_data(self):
+    def test_doctor_prints_nothing_and_does_not_drop_data_in_the_printer(self):
         simulator = self.simulator("tcp:0", "--set", "offline=true")
         self.assertExit(6, run("-d", simulator.place, "print", "--unchecked", "-", data=b"kept\n"))
         held = simulator.state()["buffered"]
@@ -235,19 +235,19 @@ class Health(Case):
         self.assertEqual(simulator.state()["buffered"], held)
         self.assertEqual(simulator.state()["printedBytes"], 0)
 
-    def test_it_needs_a_device(self):
+    def test_doctor_needs_a_device(self):
         self.assertFailsInBothForms(2, "doctor", saying="--device")
         self.assertFailsInBothForms(2, "-d", "pigeon:", "doctor", saying="pigeon")
 
 
-class Bundles(Case):
+class DoctorBundle(Case):
     def bundle(self, *arguments: str) -> tuple[int, dict]:
         path = self.folder / "bundle.json"
         result = run(*arguments, "doctor", "--bundle", path)
         self.assertIn(str(path), result.out)
         return result.code, json.loads(path.read_text())
 
-    def test_it_holds_versions_options_findings_status_and_records(self):
+    def test_a_bundle_contains_versions_options_findings_and_log_records(self):
         code, bundle = self.bundle("-d", "virtual:coverOpen=true", "-t", "1234")
         self.assertEqual(code, 4)
         self.assertEqual(set(bundle), {"time", "versions", "options", "findings", "log"})
@@ -259,19 +259,19 @@ class Bundles(Case):
         self.assertEqual(device["status"]["coverOpen"], 1)
         self.assertTrue(any("getParsedStatus" in record["method"] for record in bundle["log"]))
 
-    def test_it_works_together_with_a_log_of_the_user(self):
+    def test_a_bundle_can_be_written_together_with_a_log(self):
         log = self.folder / "log"
         _, bundle = self.bundle("-d", "virtual:", "--log", log)
         self.assertEqual(len(log.read_text().splitlines()), len(bundle["log"]))
 
-    def test_only_its_owner_may_read_it(self):
+    def test_only_its_owner_may_read_a_bundle(self):
         path = self.folder / "bundle.json"
         before = os.umask(0)
         self.addCleanup(os.umask, before)
         self.assertExit(0, run("-d", "virtual:", "doctor", "--json", "--bundle", path))
         self.assertEqual(stat.S_IMODE(path.stat().st_mode), 0o600)
 
-    def test_an_existing_file_is_not_touched(self):
+    def test_a_bundle_does_not_replace_an_existing_file(self):
         path = self.file("precious", b"keep me")
         link = self.folder / "link"
         link.symlink_to(self.folder / "nowhere")
@@ -279,14 +279,14 @@ class Bundles(Case):
             self.assertFailsInBothForms(2, "-d", "virtual:", "doctor", "--bundle", str(place), saying="exists")
         self.assertEqual(Path(path).read_bytes(), b"keep me")
 
-    def test_nothing_is_examined_if_the_file_cannot_be_made(self):
+    def test_doctor_examines_nothing_if_the_bundle_cannot_be_written(self):
         asked = []
         peer = self.peer(asked.append)
         self.assertFailsInBothForms(2, "-d", peer.place, "doctor", "--bundle", f"{self.folder}/no/file",
                                     saying="No such file")
         self.assertEqual(asked, [])
 
-    def test_an_invalid_device_leaves_no_file(self):
+    def test_an_invalid_device_leaves_no_bundle(self):
         path = self.folder / "bundle.json"
         self.assertExit(2, run("-d", "pigeon:", "doctor", "--bundle", path))
         self.assertFalse(path.exists())

@@ -47,7 +47,7 @@ class EndlessBytes(harness.Case):
             peer.close()
         return pattern, command, emulation, result
 
-    def test_every_command_ends_in_time_and_accepts_no_random_bytes(self):
+    def test_every_command_ends_and_reports_no_false_answer_if_the_printer_never_stops_sending(self):
         self.receipt = self.file("receipt", b"receipt\n")
         with concurrent.futures.ThreadPoolExecutor(AT_ONCE) as pool:
             runs = [pool.submit(self.attempt, *case) for case in itertools.product(PATTERNS, COMMANDS, EMULATIONS)]

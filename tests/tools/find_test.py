@@ -3,8 +3,8 @@
 from harness import Case, main, run
 
 
-class Finding(Case):
-    def test_it_always_answers_as_text_and_as_json(self):
+class Find(Case):
+    def test_find_always_succeeds_as_text_and_as_json(self):
         result = run("find", "--json")
         self.assertExit(0, result)
         answer = result.json()

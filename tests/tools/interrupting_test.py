@@ -13,7 +13,7 @@ import time
 from harness import DEADLINE, Case, count_etbs, eventually, finish, main, receive, start
 
 
-class Interrupting(Case):
+class Signals(Case):
     def interrupted(self, process, *, by=signal.SIGINT, data: bytes | None = None):
         process.send_signal(by)
         result = finish(process, time.monotonic(), data)
@@ -22,7 +22,7 @@ class Interrupting(Case):
         self.assertLess(result.seconds, 1.9, "a signal takes effect within a second")
         return result
 
-    def test_a_job_under_way_is_cancelled_and_the_port_closed(self):
+    def test_a_signal_cancels_the_job_and_closes_the_port(self):
         for by in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
             simulator = self.simulator("tcp:0", "--set", "speed=50")
             process = start("-d", simulator.place, "print", self.file("job", b"line of text\n" * 1000), "--json")
@@ -33,7 +33,7 @@ class Interrupting(Case):
             self.assertGreater(answer["bytesAccepted"], 0)
             self.assertIn("cancelled", answer["error"])
 
-    def test_the_printer_drops_the_rest(self):
+    def test_a_signal_makes_the_printer_drop_the_rest_of_the_job(self):
         simulator = self.simulator("tcp:0", "--set", "speed=20")
         process = start("-d", simulator.place, "print", self.file("job", b"line of text\n" * 100))
         eventually(lambda: simulator.state()["buffered"] > 1000, "the whole job is in the printer")
@@ -41,7 +41,7 @@ class Interrupting(Case):
         eventually(lambda: simulator.state()["buffered"] == 0, "the printer has dropped the rest")
         self.assertLess(simulator.state()["printedBytes"], 1300)
 
-    def test_a_printer_that_takes_nothing_does_not_hold_up_the_end(self):
+    def test_a_printer_that_accepts_no_data_does_not_delay_the_end_after_a_signal(self):
         contact, stop = threading.Event(), threading.Event()
 
         def handle(connection):
@@ -55,7 +55,7 @@ class Interrupting(Case):
         self.assertTrue(contact.wait(DEADLINE))
         self.interrupted(process)
 
-    def test_the_outcome_is_reported_even_if_the_signal_arrives_while_the_port_closes(self):
+    def test_the_outcome_is_reported_even_if_a_signal_arrives_during_the_close(self):
         stop = threading.Event()
         self.addCleanup(stop.set)
         place = self.peer(lambda connection: stop.wait(DEADLINE), room=2048).place
@@ -69,7 +69,7 @@ class Interrupting(Case):
         answer = result.json()
         self.assertEqual((answer["outcome"], answer["bytesAccepted"]), ("unconfirmed", 20_000))
 
-    def test_a_printed_job_remains_printed_if_a_signal_arrives_while_the_port_closes(self):
+    def test_a_printed_job_is_reported_as_printed_if_a_signal_arrives_during_the_close(self):
         """Nobody reads the log meanwhile. That delays the end of the command, but not the end of the connection."""
         closed = threading.Event()
         job = self.file("job", b"text\n")
@@ -87,7 +87,7 @@ class Interrupting(Case):
         self.assertExit(0, result)
         self.assertEqual(result.json()["outcome"], "printed")
 
-    def test_an_exchange_under_way_ends_and_the_port_is_closed(self):
+    def test_a_signal_ends_a_query_and_closes_the_port(self):
         contact, closed = threading.Event(), threading.Event()
 
         def handle(connection):
@@ -106,7 +106,7 @@ class Interrupting(Case):
             self.assertEqual(answer, {"ok": False, "error": "interrupted", "device": answer["device"]})
             self.assertTrue(closed.wait(DEADLINE), "the port is closed")
 
-    def test_an_endless_retry_is_abandoned(self):
+    def test_a_signal_ends_a_query_whose_write_repeats_without_end(self):
         """A port whose count of a command is wrong repeats the rest without end: to a link that takes it each time, and
         to a link that never takes it."""
         log = self.folder / "log"
@@ -117,7 +117,7 @@ class Interrupting(Case):
             self.assertAnswers(f"virtual:,{faults}", {"ok": False, "error": "interrupted"}, self.interrupted(process))
             log.unlink()
 
-    def test_a_job_that_retries_its_beginning_without_end_is_abandoned(self):
+    def test_a_signal_ends_a_job_whose_first_write_repeats_without_end(self):
         log, job = self.folder / "log", self.file("job", b"text\n")
         for faults in ("no-space=4:120", "no-space=4:120,no-space=6:600000"):
             process = start("-t", "1000", "-d", f"virtual:,{faults}", "print", job, "--json", "--log", log)
@@ -137,7 +137,7 @@ class Interrupting(Case):
         offers = re.findall(rb'"line":(\d+),"method":"-\[ExternalAccessoryPort write:\]","message":"(<[^>]*>)"', end)
         return max(collections.Counter(offers).values(), default=0)
 
-    def test_a_connection_attempt_is_abandoned(self):
+    def test_a_signal_ends_a_connection_attempt(self):
         place, job = self.silent_place(), self.file("job", b"text\n")
         for command, keys in ((("online",), {}), (("print", job), self.refused(5))):
             process = start("-d", place, *command, "--json")
@@ -160,7 +160,7 @@ class Interrupting(Case):
     def threads(process) -> int:
         return len(os.listdir(f"/proc/{process.pid}/task"))
 
-    def test_a_signal_before_the_command_has_begun_loses_no_outcome(self):
+    def test_a_signal_before_the_start_of_a_job_does_not_suppress_the_outcome(self):
         """A log that nobody reads delays the beginning; the command may or may not have read the job by then."""
         log = self.folder / "log"
         os.mkfifo(log)
@@ -177,15 +177,15 @@ class Interrupting(Case):
             blocked = next(int(line.split()[1], 16) for line in file if line.startswith("SigBlk"))
         return bool(blocked & 1 << (signal.SIGINT - 1))
 
-    def test_a_signal_while_the_arguments_are_read_loses_no_outcome(self):
-        """It takes a while to read very many of them."""
+    def test_a_signal_during_the_reading_of_arguments_does_not_suppress_the_outcome(self):
+        """The command needs a while to read very many arguments."""
         process = start("-d", "virtual:", "print", self.file("job", b"text\n"), *["--json"] * 20_000)
         eventually(lambda: self.delays_signals(process), "signals have to wait")
         self.assertEqual(self.threads(process), 1, "nothing reads the signals yet")
         answer = self.interrupted(process).json()
         self.assertEqual((answer["ok"], answer["outcome"], answer["bytesAccepted"]), (False, "refused", 0))
 
-    def test_a_read_from_a_pipe_is_abandoned(self):
+    def test_a_signal_ends_a_read_from_a_pipe(self):
         process = start("-d", "virtual:", "print", "-", "--json", stdin=-1)
         eventually(lambda: self.threads(process) > 1, "the command waits for signals")
         process.send_signal(signal.SIGINT)

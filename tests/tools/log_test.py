@@ -7,13 +7,13 @@ from harness import Case, main, run
 KEYS = {"time", "thread", "type", "typeName", "level", "object", "file", "line", "method", "message"}
 
 
-class Log(Case):
+class LogOption(Case):
     def logged(self, *arguments: str, code: int = 0) -> list[dict]:
         target = self.folder / "log"
         self.assertExit(code, run(*arguments, "--log", target))
         return [json.loads(line) for line in target.read_text().splitlines()]
 
-    def test_every_record_is_an_object_with_every_key(self):
+    def test_every_log_record_is_a_json_object_with_every_key(self):
         records = self.logged("status")
         self.assertGreater(len(records), 10)
         for record in records:
@@ -21,7 +21,7 @@ class Log(Case):
             self.assertIn(record["type"], range(8))
             self.assertEqual(record["level"], 0)
 
-    def test_every_method_that_is_entered_is_left(self):
+    def test_every_entry_record_of_a_method_has_an_exit_record(self):
         for code, arguments in ((0, ("-d", "virtual:", "print", self.file("job", b"text\n"))), (0, ("status",)),
                                 (3, ("-d", f"unix:{self.folder}/none", "status"))):
             depth = {}
@@ -33,38 +33,38 @@ class Log(Case):
             self.assertIn("-[ExternalAccessoryPort runLoop71]", {method for method, _ in depth})
             self.assertEqual({key: left for key, left in depth.items() if left}, {})
 
-    def test_the_last_record_is_there_when_the_command_has_ended(self):
+    def test_all_log_records_are_written_when_the_command_ends(self):
         ends = {record["method"] for record in self.logged("status")[-2:] if record["typeName"].endswith("End")}
         self.assertEqual(ends, {"-[ExternalAccessoryPort close]", "-[ExternalAccessoryPort runLoop71]"})
 
-    def test_a_job_with_a_receipt_uses_one_port_and_logs_no_error(self):
+    def test_a_job_with_a_receipt_logs_one_port_and_no_error(self):
         job = self.file("job", b"text\n")
         records = self.logged("-d", "virtual:", "print", "--receipt", self.folder / "receipt.txt", job)
         self.assertEqual({record["object"] for record in records}, {record["object"] for record in records[:1]})
         self.assertEqual([record for record in records if record["typeName"] == "Error"], [])
 
-    def test_a_command_that_opens_no_port_is_not_recorded(self):
+    def test_a_command_that_opens_no_port_logs_nothing(self):
         self.assertEqual(self.logged("list"), [])
 
-    def test_other_levels_are_logged_when_asked_for(self):
+    def test_the_option_log_level_selects_the_logged_levels(self):
         self.assertEqual({record["level"] for record in self.logged("status", "--log-level", "1")}, {1})
         both = self.logged("status", "--log-level", "1", "--log-level", "0")
         self.assertEqual({record["level"] for record in both}, {0, 1})
 
-    def test_a_dash_means_standard_error(self):
+    def test_a_dash_as_the_log_file_means_standard_error(self):
         result = run("-d", "virtual:", "online", "--log", "-")
         self.assertExit(0, result)
         self.assertEqual(result.out, "virtual: on line\n")
         for line in result.err.splitlines():
             self.assertEqual(set(json.loads(line)), KEYS)
 
-    def test_control_characters_from_outside_do_not_reach_the_log_raw(self):
+    def test_control_characters_of_arguments_are_escaped_in_the_log(self):
         target = self.folder / "log"
         run("-p", b"BT:\x1b[2J\xff", "online", "--log", target)
         self.assertNotIn(b"\x1b", target.read_bytes())
         self.assertIn("BT:\x1b[2J\ufffd", json.loads(target.read_text().splitlines()[0])["message"])
 
-    def test_control_characters_of_accessory_and_printer_do_not_reach_the_log_raw(self):
+    def test_control_characters_of_accessory_and_printer_are_escaped_in_the_log(self):
         target = self.folder / "log"
         odd = bytes(range(1, 0x20)) + b"\x7f\xc2\x9b\xff"
         device = b"virtual:,name=" + odd.replace(b",", b"") + b",serial=" + odd.replace(b",", b"")
@@ -79,7 +79,7 @@ class Log(Case):
             self.assertTrue(line.isprintable(), line)
             json.loads(line)
 
-    def test_a_log_that_cannot_be_opened_is_reported_before_anything_is_done(self):
+    def test_a_log_file_that_cannot_be_opened_is_reported_before_the_command_starts(self):
         contacted = []
         peer = self.peer(contacted.append)
         for target in (self.folder, self.folder / "none" / "log", ""):
@@ -87,7 +87,7 @@ class Log(Case):
             self.assertIn("cannot be opened", result.err)
         self.assertEqual(contacted, [])
 
-    def test_a_full_disk_does_not_disturb_the_exchange(self):
+    def test_a_full_disk_of_the_log_does_not_make_the_command_fail(self):
         result = run("online", "--log", "/dev/full")
         self.assertExit(0, result)
         self.assertEqual(result.out, "virtual: on line\n")

@@ -12,7 +12,7 @@ from harness import DEADLINE, STATUS_KEYS, Case, Running, answer_status, eventua
 QUICK = ("--interval", "100")
 
 
-class Changes(Case):
+class MonitorChanges(Case):
     def monitor(self, *arguments: str, **options) -> Running:
         monitor = Running("monitor", *QUICK, *arguments, **options)
         self.addCleanup(monitor.kill)
@@ -21,7 +21,7 @@ class Changes(Case):
     def change(self, monitor: Running) -> dict:
         return json.loads(monitor.line())
 
-    def test_each_change_is_one_object(self):
+    def test_monitor_writes_each_change_as_a_json_object(self):
         simulator = self.simulator("tcp:0", "--set", "connectedInterface=0")
         monitor = self.monitor("-d", simulator.place, "--json")
         first = self.change(monitor)
@@ -37,7 +37,7 @@ class Changes(Case):
         simulator.set(coverOpen=False)
         self.assertEqual(self.change(monitor)["state"], "ready")
 
-    def test_each_change_is_a_line_for_people(self):
+    def test_monitor_writes_each_change_as_a_line_of_text(self):
         simulator = self.simulator("tcp:0", "--set", "connectedInterface=0")
         monitor = self.monitor("-d", simulator.place)
         self.assertRegex(monitor.line(), r"^\d{4}-\d\d-\d\d \d\d:\d\d:\d\d  tcp:127.0.0.1:\d+: ready to print$")
@@ -46,7 +46,7 @@ class Changes(Case):
         simulator.set(receiptPaperEmpty=True)
         self.assertRegex(monitor.line(), r": not ready: paper out; the paper is near its end$")
 
-    def test_a_lost_link_is_reported_and_opened_again(self):
+    def test_monitor_reports_a_lost_link_and_connects_again(self):
         place = f"unix:{self.folder}/printer"
         simulator = self.simulator(place)
         monitor = self.monitor("-d", place, "--json")
@@ -59,14 +59,14 @@ class Changes(Case):
         self.simulator(place)
         self.assertEqual(self.change(monitor)["state"], "ready")
 
-    def test_it_waits_for_a_printer_that_appears_later(self):
+    def test_monitor_waits_for_a_printer_that_appears_later(self):
         place = f"unix:{self.folder}/printer"
         monitor = self.monitor("-d", place, "--json")
         self.assertEqual(self.change(monitor)["state"], "unreachable")
         self.simulator(place)
         self.assertEqual(self.change(monitor)["state"], "ready")
 
-    def test_a_printer_that_falls_silent_is_reported(self):
+    def test_monitor_reports_a_printer_that_stops_answering(self):
         answers = threading.Event()
         answers.set()
 
@@ -82,7 +82,7 @@ class Changes(Case):
         answers.set()
         self.assertEqual(self.change(monitor)["state"], "ready")
 
-    def test_on_a_terminal_a_line_below_the_changes_is_rewritten(self):
+    def test_monitor_rewrites_a_status_line_below_the_changes_on_a_terminal(self):
         master, terminal = pty.openpty()
         self.addCleanup(os.close, master)
         arguments = ("monitor", *QUICK, "--count", "3", "-d", "virtual:connectedInterface=0")
@@ -102,8 +102,8 @@ class Changes(Case):
         self.assertEqual(lines[-1], "")
 
 
-class Ends(Case):
-    def test_an_interrupt_closes_the_port(self):
+class MonitorEnd(Case):
+    def test_ctrl_c_closes_the_port_of_monitor(self):
         peer = self.peer(lambda connection: answer_status(connection, status_block()))
         for arguments in ((), ("--json",)):
             monitor = Running("monitor", *QUICK, "-d", peer.place, *arguments)
@@ -112,13 +112,13 @@ class Ends(Case):
             self.assertEqual(monitor.stop(signal.SIGINT), 130)
             peer.wait_until_idle()
 
-    def test_an_interrupt_ends_the_wait_for_a_printer_that_is_not_there(self):
+    def test_ctrl_c_ends_the_wait_of_monitor_for_a_missing_printer(self):
         monitor = Running("monitor", "--interval", "3600000", "-d", f"unix:{self.folder}/none")
         self.addCleanup(monitor.kill)
         monitor.line()
         self.assertEqual(monitor.stop(signal.SIGINT), 130)
 
-    def test_after_the_given_count_the_last_answer_decides_the_exit_status(self):
+    def test_monitor_ends_after_the_given_count_with_the_status_of_the_last_answer(self):
         silent = self.peer(lambda connection: connection.recv(4096) and connection.recv(4096) and connection.recv(4096))
         for code, place in ((0, "virtual:"), (0, "virtual:coverOpen=true"), (3, f"unix:{self.folder}/none"),
                             (1, silent.place)):
@@ -128,14 +128,14 @@ class Ends(Case):
             self.assertEqual("error" in result.json(), code != 0, result)
             self.assertEqual(result.err, "")
 
-    def test_a_port_name_that_chooses_no_device_ends_it_at_once(self):
+    def test_a_port_name_that_matches_no_device_ends_monitor_at_once(self):
         self.assertFailsInBothForms(3, "monitor", "-d", "virtual:Bar", "-p", "BT:Till", saying="Bar")
 
-    def test_numbers_out_of_range_are_refused(self):
+    def test_monitor_refuses_an_interval_or_a_count_out_of_range(self):
         for option, value in (("--interval", "99"), ("--interval", "x"), ("--count", "0"), ("--count", "-1")):
             self.assertFailsInBothForms(2, "monitor", option, value, saying=option)
 
-    def test_it_ends_when_nobody_reads_its_output(self):
+    def test_monitor_ends_when_its_output_is_a_broken_pipe(self):
         simulator = self.simulator()
         process = start("monitor", *QUICK, "-d", simulator.place, stdout=subprocess.PIPE)
         process.stdout.readline()

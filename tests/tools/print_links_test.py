@@ -9,7 +9,7 @@ from harness import DEADLINE, STATUS_REQUEST, Case, count_etbs, finish, main, re
 EVERY_BYTE = bytes(range(256))
 
 
-class ByteForByte(Case):
+class JobBytesOnTheLink(Case):
     """A peer receives the job, once and whole."""
 
     def collect(self, data: bytes, read: int, *arguments: str) -> bytes:
@@ -26,14 +26,14 @@ class ByteForByte(Case):
         peer.wait_until_idle()
         return bytes(received)
 
-    def test_every_byte_value_passes(self):
+    def test_every_byte_value_arrives_at_the_printer_unchanged(self):
         self.assertEqual(self.collect(EVERY_BYTE * 3, 4096), EVERY_BYTE * 3)
 
-    def test_a_mebibyte_passes_through_reads_of_seven_bytes(self):
+    def test_a_mebibyte_arrives_whole_at_a_printer_that_reads_seven_bytes_at_a_time(self):
         data = EVERY_BYTE * 4096
         self.assertEqual(self.collect(data, 7), data)
 
-    def test_a_pipe_that_stalls_is_read_to_its_end(self):
+    def test_a_job_from_a_pipe_that_stalls_is_printed_whole(self):
         simulator = self.simulator()
         began = time.monotonic()
         process = start("-d", simulator.place, "print", "-", "--json", stdin=-1)
@@ -44,7 +44,7 @@ class ByteForByte(Case):
         self.assertExit(0, result)
         self.assertEqual(result.json()["bytesAccepted"], 24)
 
-    def test_a_checked_job_reaches_a_peer_whole_and_is_confirmed_by_its_count(self):
+    def test_a_checked_job_arrives_whole_and_is_confirmed_by_the_counter(self):
         job = b"A checked job\n"
         seen = []
         peer = self.peer(lambda connection: seen.append(count_etbs(connection)))
@@ -53,7 +53,7 @@ class ByteForByte(Case):
         peer.wait_until_idle()
         self.assertEqual(seen[0].count(job), 1)
 
-    def test_a_job_on_a_printer_that_counts_nothing_is_unconfirmed(self):
+    def test_a_job_on_a_printer_that_counts_no_end_marks_is_unconfirmed(self):
         def handle(connection):
             unread = b""
             while more := connection.recv(4096):
@@ -68,7 +68,7 @@ class ByteForByte(Case):
 
 
 class LostLinks(Case):
-    def test_a_job_on_a_cut_link_is_printed_only_if_it_is_on_paper(self):
+    def test_a_job_on_a_cut_link_is_reported_as_printed_only_if_it_is_on_paper(self):
         job = self.file("job", b"0123456789" * 5)
         seen = set()
         for count in range(0, 140, 7):
@@ -84,7 +84,7 @@ class LostLinks(Case):
             simulator.kill()
         self.assertLessEqual({"refused", "unconfirmed"}, seen)
 
-    def test_a_reset_in_mid_job_is_not_a_success(self):
+    def test_a_job_whose_link_is_reset_is_unconfirmed(self):
         def handle(connection):
             receive(connection, 1000)
             connection.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, b"\1\0\0\0\0\0\0\0")
@@ -94,7 +94,7 @@ class LostLinks(Case):
         self.assertLess(result.json()["bytesAccepted"], 8_000_000)
         self.assertIn("link", result.json()["error"])
 
-    def test_a_printer_that_reports_while_it_reads_slowly_gets_the_whole_job(self):
+    def test_a_slow_printer_that_sends_reports_receives_the_whole_job(self):
         taken = bytearray()
         ended = threading.Event()
 

@@ -8,13 +8,13 @@ from harness import STATUS_KEYS, Case, finish, main, proof_names, run, start
 KEYS = {"ok", "device", "outcome", "proof", "resultCode", "bytesTotal", "bytesAccepted", "status", "error"}
 
 
-class Printing(Case):
+class PrintCommand(Case):
     def each_link(self, *arguments: str):
         for listen in ("tcp:0", f"unix:{self.folder}/printer", "pty:"):
             with self.subTest(listen=listen):
                 yield self.simulator(listen, *arguments)
 
-    def test_a_printed_job_has_every_key_and_no_error(self):
+    def test_the_json_answer_of_a_printed_job_has_every_key_and_no_error(self):
         for simulator in self.each_link():
             for emulation in ("line", "escpos"):
                 result = run("-d", simulator.place, "-e", emulation, "print", "-", "--json", data=b"one\ntwo\n")
@@ -25,7 +25,7 @@ class Printing(Case):
                 self.assertEqual((answer["bytesTotal"], answer["bytesAccepted"]), (8, 8))
                 self.assertEqual(set(answer["status"]), STATUS_KEYS)
 
-    def test_without_json_a_sentence_reports_that_it_was_printed(self):
+    def test_the_text_answer_of_a_printed_job_is_a_sentence(self):
         result = run("-d", "virtual:", "print", "-", data=b"x" * 1203 + b"\n")
         self.assertExit(0, result)
         self.assertEqual((result.out, result.err), ("virtual: printed: the printer confirmed all 1,204 bytes\n", ""))
@@ -51,7 +51,7 @@ class Printing(Case):
         for way in ("--device tcp:HOST:PORT", "QUORPORT_DEVICE", "--device virtual:"):
             self.assertIn(way, answer["error"])
 
-    def test_the_answer_names_the_device(self):
+    def test_the_answer_of_print_names_the_device(self):
         for device, code in (("virtual:", 0), ("virtual:,coverOpen=true", 4), (f"unix:{self.folder}/none", 3)):
             result = run("-d", device, "print", "-", "--json", data=b"text\n")
             self.assertExit(code, result)
@@ -63,7 +63,7 @@ class Printing(Case):
             self.assertEqual(set(result.json()), KEYS)
             self.assertEqual((result.json()["outcome"], result.json()["bytesAccepted"]), ("refused", 0))
 
-    def test_an_unchecked_job_is_unconfirmed_at_best(self):
+    def test_an_unchecked_job_is_unconfirmed(self):
         for simulator in self.each_link():
             result = run("-d", simulator.place, "print", "--unchecked", "-", "--json", data=b"text\n")
             self.assertExit(6, result)
@@ -72,13 +72,13 @@ class Printing(Case):
             self.assertEqual((answer["ok"], answer["outcome"], answer["status"]), (False, "unconfirmed", None))
             self.assertEqual((answer["bytesTotal"], answer["bytesAccepted"]), (5, 5))
 
-    def test_the_answer_names_the_proof_that_was_used(self):
+    def test_the_answer_of_print_names_the_proof_that_was_used(self):
         for proofs, used in (("block", "block"), ("process-id+in-order", "process-id"), ("in-order", "in-order")):
             device = f"virtual:,proofs={proofs}"
             answer = run("-d", device, "-e", "escpos", "print", "-", "--json", data=b"text\n").json()
             self.assertEqual((answer["outcome"], answer["proof"]), ("printed", used))
 
-    def test_a_named_proof_is_the_one_that_is_used(self):
+    def test_the_option_proof_selects_the_proof(self):
         for proof in proof_names():
             answer = run("-d", "virtual:", "-e", "escpos", "print", "--proof", proof, "-", "--json", data=b"text\n").json()
             self.assertEqual((answer["outcome"], answer["proof"]), ("printed", proof))
@@ -88,7 +88,7 @@ class Printing(Case):
             result = run("-d", "virtual:,proof=in-order", "-e", "escpos", "print", *options, "-", "--json", data=b"text\n")
             self.assertEqual((result.json()["outcome"], result.json()["proof"]), ("printed", used))
 
-    def test_an_answer_names_the_proof_and_the_key_that_saves_the_question(self):
+    def test_a_hint_names_the_device_key_that_makes_later_jobs_start_faster(self):
         asked = run("-d", "virtual:proofs=process-id", "-e", "escpos", "print", "-", data=b"text\n")
         self.assertIn("hint: ,proof=process-id after the device saves", asked.out)
         silent = run("-d", "virtual:proofs=none", "-e", "escpos", "print", "-", data=b"text\n")
@@ -96,7 +96,7 @@ class Printing(Case):
         for options in (("-d", "virtual:"), ("-d", "virtual:,proof=block", "-e", "escpos")):
             self.assertNotIn("hint", run(*options, "print", "-", data=b"text\n").out)
 
-    def test_a_job_without_a_proof_is_unconfirmed_at_best(self):
+    def test_a_job_without_a_proof_is_unconfirmed(self):
         for option in (("--proof", "none"), ("--unchecked",)):
             result = run("-d", "virtual:", "print", *option, "-", "--json", data=b"text\n")
             self.assertExit(6, result)
@@ -107,7 +107,7 @@ class Printing(Case):
         self.assertExit(2, result)
         self.assertRegex(result.err, 'takes auto, block, .* or none, not "hope"')
 
-    def test_a_printer_that_is_not_ready_is_refused_with_the_cause(self):
+    def test_a_job_is_refused_with_the_cause_if_the_printer_is_not_ready(self):
         for simulator in self.each_link("--set", "coverOpen=true"):
             for emulation in ("line", "escpos"):
                 result = run("-d", simulator.place, "-e", emulation, "print", "-", "--json", data=b"text\n")
@@ -117,7 +117,7 @@ class Printing(Case):
                 self.assertIn("cover open", answer["error"])
                 self.assertIn("next: ", result.err)
 
-    def test_paper_in_the_exit_is_waited_for_and_then_refused(self):
+    def test_a_job_is_refused_after_the_hold_time_out_if_paper_is_in_the_exit(self):
         result = run("-d", "virtual:,paperPresent=true", "print", "-", "--json", "--hold-print-timeout", "0", data=b"x\n")
         self.assertExit(4, result)
         self.assertEqual(result.json()["resultCode"], -3)
@@ -127,14 +127,14 @@ class Printing(Case):
         self.assertExit(6, result)
         self.assertEqual((result.json()["outcome"], result.json()["bytesAccepted"]), ("unconfirmed", 90))
 
-    def test_an_accessory_that_cannot_be_opened_is_refused(self):
+    def test_a_job_is_refused_if_the_printer_cannot_be_reached(self):
         result = run("-d", f"unix:{self.folder}/none", "print", "-", "--json", data=b"text\n")
         self.assertExit(3, result)
         answer = result.json()
         self.assertEqual(set(answer), KEYS)
         self.assertEqual((answer["outcome"], answer["bytesTotal"], answer["bytesAccepted"]), ("refused", 5, 0))
 
-    def test_files_that_cannot_be_read_are_named_and_nothing_is_sent(self):
+    def test_a_job_file_that_cannot_be_read_is_named_and_nothing_is_sent(self):
         contacted = []
         peer = self.peer(contacted.append)
         for name in ("none", "."):
@@ -146,7 +146,7 @@ class Printing(Case):
             self.assertExit(2, run("-d", peer.place, "print", "-", stdin=unreadable))
         self.assertEqual(contacted, [])
 
-    def test_a_terminal_shows_the_progress_and_a_file_does_not(self):
+    def test_the_progress_is_shown_on_a_terminal_but_not_written_to_a_file(self):
         job = self.file("job", b"text\n" * 200)
         ours, theirs = pty.openpty()
         process = start("-d", "virtual:", "print", job, stderr=theirs)
@@ -164,18 +164,18 @@ class Printing(Case):
         self.assertEqual(run("-d", "virtual:", "print", job).err, "")
 
 
-class Receipts(Case):
-    def test_a_receipt_is_the_paper_as_text(self):
+class ReceiptOption(Case):
+    def test_a_receipt_file_can_contain_the_paper_as_text(self):
         target = self.folder / "receipt.txt"
         self.assertExit(0, run("-d", "virtual:", "print", "-", "--receipt", target, data=b"Bread  4.20\n"))
         self.assertEqual(target.read_text().strip(), "Bread  4.20")
 
-    def test_a_receipt_holds_no_control_character_of_the_job(self):
+    def test_a_text_receipt_contains_no_control_character_of_the_job(self):
         target = self.folder / "receipt.txt"
         self.assertExit(0, run("-d", "virtual:", "print", "-", "--receipt", target, data=bytes(range(0x80, 0xa0)) + b"a\x7f\x05\x07\xc2\x9b\n"))
         self.assertTrue(target.read_text().replace("\n", "").isprintable(), target.read_text())
 
-    def test_a_receipt_is_the_paper_as_a_picture(self):
+    def test_a_receipt_file_can_contain_the_paper_as_a_picture(self):
         target = self.folder / "receipt.png"
         self.assertExit(0, run("-d", "virtual:", "print", "-", "--receipt", target, data=b"Bread  4.20\n"))
         self.assertTrue(target.read_bytes().startswith(b"\x89PNG\r\n\x1a\n"))
@@ -188,19 +188,19 @@ class Receipts(Case):
         self.assertIn("virtual:", result.err)
         self.assertEqual(contacted, [])
 
-    def test_the_receipt_is_of_the_printer_that_the_port_name_chooses(self):
+    def test_the_receipt_shows_the_paper_of_the_printer_that_the_port_name_chooses(self):
         target = self.folder / "receipt.txt"
         peer = self.peer(lambda connection: None)
         self.assertExit(0, run("-d", peer.place, "-d", "virtual:B", "-p", "BT:B", "print", "-", "--receipt", target,
                                data=b"text\n"))
         self.assertEqual(target.read_text().strip(), "text")
 
-    def test_a_receipt_that_cannot_be_written_is_reported_before_anything_is_sent(self):
+    def test_a_receipt_file_that_cannot_be_created_is_reported_before_the_job_is_sent(self):
         result = run("-d", "virtual:", "print", "-", "--receipt", self.folder / "none" / "a.txt", "--json", data=b"text\n")
         self.assertExit(2, result)
         self.assertEqual(result.json()["bytesAccepted"], 0)
 
-    def test_a_receipt_that_does_not_fit_on_the_disk_is_a_failure_of_a_printed_job(self):
+    def test_a_receipt_that_does_not_fit_on_the_disk_makes_the_command_fail_after_the_print(self):
         target = self.folder / "receipt.txt"
         target.symlink_to("/dev/full")
         result = run("-d", "virtual:", "print", "-", "--receipt", target, "--json", data=b"text\n")

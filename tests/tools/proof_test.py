@@ -110,7 +110,7 @@ class OrdinaryPrinters(Case):
         self.assertExit(0, result)
         self.assertEqual((result.json()["outcome"], result.json()["proof"]), ("printed", proof))
 
-    def test_a_printer_that_knows_process_ids_confirms_by_them(self):
+    def test_a_printer_that_supports_process_ids_confirms_by_process_id(self):
         for knows in ((KNOWS_ID, KNOWS_IN_ORDER), (KNOWS_ID,)):
             printer = OrdinaryPrinter(*knows)
             self.assertPrinted("process-id", self.printed_on(printer))
@@ -118,12 +118,12 @@ class OrdinaryPrinters(Case):
             escapes = [command for command in printer.asked if command[:1] == b"\x1b"]
             self.assertEqual(len(escapes), 2, "of the block, the question's reset and its mark alone")
 
-    def test_a_printer_that_knows_only_the_in_order_status_confirms_by_it(self):
+    def test_a_printer_that_supports_only_the_in_order_status_confirms_by_the_in_order_status(self):
         printer = OrdinaryPrinter(KNOWS_IN_ORDER)
         self.assertPrinted("in-order", self.printed_on(printer))
         self.assertEqual(printer.paper, RECEIPT)
 
-    def test_a_printer_that_confirms_nothing_leaves_the_job_unconfirmed_directly_after_its_data(self):
+    def test_a_job_on_a_printer_without_a_proof_is_unconfirmed_directly_after_its_data(self):
         printer = OrdinaryPrinter()
         result = self.printed_on(printer)
         self.assertExit(6, result)
@@ -131,13 +131,13 @@ class OrdinaryPrinters(Case):
         eventually(lambda: printer.paper == RECEIPT, "the printer has taken the data")
         self.assertLess(time.monotonic() - printer.last_data, 4)
 
-    def test_a_named_proof_is_not_asked_for(self):
+    def test_a_proof_that_the_device_names_is_used_without_asking_the_printer(self):
         printer = OrdinaryPrinter(KNOWS_ID, KNOWS_IN_ORDER)
         self.assertPrinted("process-id", self.printed_on(printer, keys=",proof=process-id"))
         questions = [command for command in printer.asked if command[:1] != b"\x10"]
         self.assertEqual([question[:2] for question in questions], [KNOWS_ID], "and nothing of the checked block")
 
-    def test_questions_in_the_data_do_not_affect_the_proof(self):
+    def test_status_requests_in_the_data_do_not_affect_the_proof(self):
         for question in (ASKS_ID, ASKS_IN_ORDER):
             for data in (question + RECEIPT, IMAGE_HEAD + question.ljust(11, b"\x55") + RECEIPT):
                 for knows, proof in (((KNOWS_ID, KNOWS_IN_ORDER), "process-id"), ((KNOWS_IN_ORDER,), "in-order")):
@@ -145,7 +145,7 @@ class OrdinaryPrinters(Case):
                     self.assertPrinted(proof, self.printed_on(printer, data=data))
                     self.assertEqual(printer.paper, RECEIPT)
 
-    def test_unasked_bytes_neither_fake_nor_spoil_the_proof(self):
+    def test_unasked_bytes_neither_fake_nor_prevent_the_proof(self):
         for unasked in (FLOW_CONTROL, UNASKED_STATUS, ID_OF_ANOTHER_JOB, FLOW_CONTROL + UNASKED_STATUS + ID_OF_ANOTHER_JOB):
             for knows, proof in (((KNOWS_ID, KNOWS_IN_ORDER), "process-id"), ((KNOWS_IN_ORDER,), "in-order")):
                 with self.subTest(unasked=unasked, proof=proof):
@@ -155,7 +155,7 @@ class OrdinaryPrinters(Case):
             result = self.printed_on(OrdinaryPrinter(unasked=unasked))
             self.assertEqual((result.json()["outcome"], result.json()["proof"]), ("unconfirmed", "none"), unasked)
 
-    def test_a_printer_that_pauses_keeps_the_job_and_confirms_it_later(self):
+    def test_a_job_is_confirmed_after_the_printer_has_paused(self):
         for knows, proof in (((KNOWS_ID,), "process-id"), ((KNOWS_IN_ORDER,), "in-order")):
             printer = OrdinaryPrinter(*knows, opens_in_job=True)
             peer = self.peer(printer.serve)

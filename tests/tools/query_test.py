@@ -8,7 +8,7 @@ from harness import (FLAGS, STATUS_KEYS, STATUS_REQUEST, Case, answer_status, an
                      main, receive, run, status_block)
 
 
-class OverEveryLink(Case):
+class QueriesOverEveryLink(Case):
     """Each test runs against a printer that the command itself serves."""
 
     def each_link(self, *arguments: str):
@@ -16,7 +16,7 @@ class OverEveryLink(Case):
             with self.subTest(listen=listen):
                 yield self.simulator(listen, *arguments)
 
-    def test_status_has_every_field_and_no_other(self):
+    def test_the_json_status_has_exactly_the_documented_fields(self):
         for simulator in self.each_link("--set", "receiptPaperNearEmptyInner=true", "--set", "connectedInterface=2"):
             result = run("-d", simulator.place, "status", "--json")
             self.assertExit(0, result)
@@ -29,7 +29,7 @@ class OverEveryLink(Case):
             self.assertEqual(answer["status"]["connectedInterface"], 2)
             self.assertEqual(answer["status"]["raw"], "890100000420000002")
 
-    def test_a_change_of_the_printer_shows_in_the_next_status(self):
+    def test_a_change_of_the_printer_is_in_the_next_status(self):
         for simulator in self.each_link():
             self.assertTrue(run("-d", simulator.place, "status").out.startswith(f"{simulator.place}: Ready to print.\n"))
             simulator.set(coverOpen=True, receiptPaperEmpty=True)
@@ -37,7 +37,7 @@ class OverEveryLink(Case):
             self.assertExit(0, result)
             self.assertTrue(result.out.startswith(f"{simulator.place}: Not ready: cover open, paper out.\n"), result)
 
-    def test_online_answers_with_text_object_and_exit_code(self):
+    def test_online_answers_by_text_json_and_exit_status(self):
         for simulator in self.each_link():
             for emulation in ("line", "escpos"):
                 for offline, code, text in ((False, 0, "on line\n"), (True, 4, "off line\n")):
@@ -60,7 +60,7 @@ class OverEveryLink(Case):
                 self.assertAnswers(simulator.place, {"ok": True, "firmware": text}, result)
                 self.assertEqual(run("-d", simulator.place, "-e", emulation, "firmware").out, f"{simulator.place}: {text}\n")
 
-    def test_dip_switches_are_two_banks_in_hex(self):
+    def test_dipswitch_returns_two_banks_in_hex(self):
         for simulator in self.each_link():
             simulator.set(dip1="0a1b", dip2="00FF")
             result = run("-d", simulator.place, "dipswitch", "--json")
@@ -69,7 +69,7 @@ class OverEveryLink(Case):
             self.assertEqual(run("-d", simulator.place, "dipswitch").out,
                              f"{simulator.place}: DIP switches\n  bank 1: 0a 1b (hex)\n  bank 2: 00 ff (hex)\n")
 
-    def test_button_security_is_a_time_in_milliseconds(self):
+    def test_button_security_returns_a_time_in_milliseconds(self):
         for simulator in self.each_link():
             times = {}
             for bank in ("0000", "4000", "8000", "c000"):
@@ -98,13 +98,13 @@ class OverEveryLink(Case):
             self.assertAnswers(simulator.place, {"ok": True}, result)
             eventually(lambda: simulator.state()["buffered"] == 0, "the printer to drop it")
 
-    def test_the_printed_listening_address_is_a_device_for_list(self):
+    def test_the_listening_address_of_a_virtual_printer_is_a_valid_device(self):
         for simulator in self.each_link():
             (accessory,) = run("-d", simulator.place + ",name=Till,serial=1", "list", "--json").json()["accessories"]
             self.assertEqual((accessory["name"], accessory["chosen"]), ("Till", True))
 
 
-class Listing(Case):
+class ListCommand(Case):
     KEYS = {"name", "serialNumber", "modelNumber", "manufacturer", "protocolStrings", "connectionID", "connected",
             "chosen"}
 
@@ -117,14 +117,14 @@ class Listing(Case):
     def chosen(self, *arguments: str) -> list[str]:
         return [accessory["name"] for accessory in self.listed(*arguments) if accessory["chosen"]]
 
-    def test_an_accessory_has_every_key_with_its_devices_value(self):
+    def test_list_shows_every_key_of_an_accessory_with_the_value_of_its_device(self):
         (accessory,) = self.listed("-d", "virtual:Till,serial=7,model=M1,protocol=a,protocol=b,id=18446744073709551615")
         self.assertEqual(set(accessory), self.KEYS)
         self.assertEqual(accessory, {
             "name": "Till", "serialNumber": "7", "modelNumber": "M1", "manufacturer": "quor dalvane",
             "protocolStrings": ["a", "b"], "connectionID": 18446744073709551615, "connected": True, "chosen": False})
 
-    def test_control_characters_of_an_accessory_are_escaped(self):
+    def test_control_characters_of_an_accessory_are_escaped_in_the_list(self):
         odd = b"\x1b[31m\x07\r\xc2\x9b\xff"
         device = b"virtual:,name=" + odd + b",model=" + odd + b",manufacturer=" + odd + b",serial=" + odd
         for form in ((), ("--json",)):
@@ -132,12 +132,12 @@ class Listing(Case):
             self.assertExit(0, result)
             self.assertTrue(result.out.rstrip("\n").replace("\n", "").isprintable(), result)
 
-    def test_a_value_that_a_device_lacks_is_null(self):
+    def test_list_shows_a_missing_text_of_a_device_as_null(self):
         (accessory,) = self.listed("-d", "virtual:")
         self.assertIsNone(accessory["serialNumber"])
         self.assertIsNone(accessory["modelNumber"])
 
-    def test_the_marked_accessory_is_the_one_that_the_port_opens(self):
+    def test_list_marks_the_accessory_that_a_port_would_open(self):
         two = ("-d", "virtual:A,serial=1", "-d", "virtual:B,serial=2,address=01:23:45:67:89:AB")
         self.assertEqual(self.chosen(*two), ["A"])
         self.assertEqual(self.chosen(*two, "-p", "bt:"), ["A"])
@@ -147,11 +147,11 @@ class Listing(Case):
         self.assertEqual(self.chosen(*two, "-p", "BT:C"), [])
         self.assertEqual(self.chosen(*two, "-p", "BT"), [])
 
-    def test_other_makers_and_protocols_are_passed_over(self):
+    def test_list_does_not_mark_accessories_of_other_makers_or_protocols(self):
         self.assertEqual(
             self.chosen("-d", "virtual:A,manufacturer=other", "-d", "virtual:B,protocol=other", "-d", "virtual:C"), ["C"])
 
-    def test_nothing_is_connected_by_listing(self):
+    def test_list_does_not_connect_to_a_device(self):
         def refuse(_connection):
             self.contacted = True
 
@@ -160,19 +160,19 @@ class Listing(Case):
         self.assertEqual(self.listed("-d", peer.place)[0]["chosen"], True)
         self.assertFalse(self.contacted)
 
-    def test_the_answer_names_the_device_of_the_chosen_accessory(self):
+    def test_the_answer_of_list_names_the_device_of_the_chosen_accessory(self):
         two = ("-d", "virtual:A", "-d", "virtual:B,id=7")
         self.assertEqual(run(*two, "-p", "BT:B", "list", "--json").json()["device"], "virtual:B,id=7")
         self.assertIsNone(run(*two, "-p", "BT:C", "list", "--json").json()["device"])
 
-    def test_without_json_a_star_marks_the_chosen_accessory(self):
+    def test_a_star_marks_the_chosen_accessory_in_the_text_of_list(self):
         out = run("list", "-d", "virtual:A", "-d", "virtual:B", "-p", "BT:B").out
         self.assertRegex(out, r'(?m)^  virtual:A  "A"')
         self.assertRegex(out, r'(?m)^\* virtual:B  "B"')
 
 
-class AgainstAPeer(Case):
-    def test_every_flag_and_state_byte_is_read(self):
+class QueryAnswers(Case):
+    def test_status_reads_every_flag_and_state_byte(self):
         for flag in FLAGS:
             block = status_block(flag, counter=201, presenter=3, interface=4)
             peer = self.peer(lambda connection, block=block: answer_status(connection, block))
@@ -181,7 +181,7 @@ class AgainstAPeer(Case):
             self.assertEqual((status["etbCounter"], status["presenterState"], status["connectedInterface"]), (201, 3, 4))
             self.assertEqual((status["rawLength"], status["raw"]), (9, block.hex()))
 
-    def test_the_verbose_form_shows_every_field_with_its_name(self):
+    def test_the_verbose_status_shows_every_field_with_its_name(self):
         peer = self.peer(lambda connection: answer_status(connection, status_block("jamError", presenter=1)))
         result = run("-d", peer.place, "status", "-v")
         self.assertExit(0, result)
@@ -190,7 +190,7 @@ class AgainstAPeer(Case):
         self.assertRegex(result.out, r"(?m)^  jamError +yes$")
         self.assertRegex(result.out, r"(?m)^  presenterState +holding paper$")
 
-    def test_an_answer_may_arrive_in_single_bytes(self):
+    def test_a_status_that_arrives_in_single_bytes_is_read(self):
         def handle(connection):
             unread = b""
             while more := connection.recv(64):
@@ -205,7 +205,7 @@ class AgainstAPeer(Case):
         for _ in range(20):
             self.assertExit(4, run("-d", self.peer(handle).place, "online"))
 
-    def test_the_rest_of_the_first_answer_is_not_taken_for_the_second(self):
+    def test_online_does_not_take_the_rest_of_one_answer_for_the_next_answer(self):
         block = status_block("offline")
 
         def online_of_a_printer_that_pauses_behind(count: int):
@@ -223,7 +223,7 @@ class AgainstAPeer(Case):
 
         at_once((online_of_a_printer_that_pauses_behind, count) for count in range(1, len(block)))
 
-    def test_the_first_answer_is_not_taken_for_the_escpos_answers(self):
+    def test_online_does_not_take_a_late_status_block_for_escpos_answers(self):
         # Bytes within the block look like the answers of a printer that is on line.
         block = bytes([0x8c, 1, 0x12, 0x12, 0x12, 0x12, 0x12, 0x12, 0x12, 0x12, 0x12, 0x12])
 
@@ -248,7 +248,7 @@ class AgainstAPeer(Case):
 
         at_once((online_of_a_printer_that_pauses_behind, count) for count in range(len(block) + 1))
 
-    def test_a_printer_that_answers_late_or_in_pieces_is_on_line_in_both_emulations(self):
+    def test_online_is_right_even_if_the_printer_answers_late_or_in_pieces(self):
         def check(fault: str, offline: bool, emulation: str):
             place = self.simulator("tcp:0", "--set", fault, "--set", f"offline={str(offline).lower()}").place
             result = run("-d", place, "-e", emulation, "online", "--json")
@@ -259,7 +259,7 @@ class AgainstAPeer(Case):
         at_once((check, fault, offline, emulation)
                 for fault in faults for offline in (False, True) for emulation in ("line", "escpos"))
 
-    def test_blocks_of_every_length_are_read(self):
+    def test_status_blocks_of_every_length_are_read(self):
         longest = bytes([0x80, 1, 0x02, 0, 0, 0x20, 7, 2, 3]) + bytes(range(100, 154))
 
         def check(length: int):
@@ -275,7 +275,7 @@ class AgainstAPeer(Case):
 
         at_once((check, length) for length in range(2, 64))
 
-    def test_a_silent_printer_is_asked_twice_and_then_the_exchange_fails(self):
+    def test_status_fails_after_two_requests_to_a_silent_printer(self):
         heard = []
 
         def handle(connection):
@@ -290,12 +290,12 @@ class AgainstAPeer(Case):
         peer.wait_until_idle()
         self.assertEqual([words.count(STATUS_REQUEST) for words in heard[:2]], [2, 2])
 
-    def test_a_link_that_ends_is_a_lost_link(self):
+    def test_each_query_reports_a_link_that_ends_as_lost(self):
         peer = self.peer(lambda connection: receive(connection, 1))
         for command in ("status", "online", "firmware", "dipswitch", "button-security"):
             self.assertFailsInBothForms(5, "-d", peer.place, "-t", "1000", command, saying="lost")
 
-    def test_bytes_that_nobody_reads_do_not_hide_a_lost_link(self):
+    def test_a_lost_link_is_reported_even_if_bytes_are_unread(self):
         def closes(connection, words):
             connection.setsockopt(socket.IPPROTO_TCP, socket.TCP_CORK, 1)  # the words and the end in one packet
             connection.sendall(words)
@@ -317,7 +317,7 @@ class AgainstAPeer(Case):
                 for end, commands in ((closes, patient + hasty), (resets, patient))
                 for words in (b"\x10\0\0\0", b"j" * 10000) for arguments in commands)
 
-    def test_a_status_cut_at_every_byte_is_never_taken_for_one(self):
+    def test_an_incomplete_status_is_never_accepted(self):
         block = status_block()
         for count in range(len(block)):
             def handle(connection, count=count):
@@ -328,17 +328,17 @@ class AgainstAPeer(Case):
 
             self.assertExit(5, run("-d", self.peer(handle).place, "status"))
 
-    def test_a_link_that_takes_nothing_is_reported_as_a_failed_exchange(self):
+    def test_status_reports_a_link_that_accepts_no_bytes(self):
         full = "virtual:,no-space=0:600000"
         self.assertFailsInBothForms(1, "-d", full, "-t", "0", "status", saying="the link did not take the request")
 
-    def test_without_a_known_emulation_no_printer_is_called_silent(self):
+    def test_a_query_in_an_unknown_emulation_reports_the_missing_emulation(self):
         for command in (("status",), ("online",), ("firmware",), ("monitor", "--count", "1")):
             result = run("-e", "unknown", *command, "--json")
             self.assertExit(1, result)
             self.assertIn("--emulation line or escpos", result.json()["error"])
 
-    def test_a_device_that_is_not_a_printer_is_not_ready(self):
+    def test_a_device_that_is_not_a_printer_is_not_reported_as_ready(self):
         def check(words: bytes, *command: str):
             def handle(connection):
                 while connection.recv(4096):
@@ -353,10 +353,10 @@ class AgainstAPeer(Case):
                 for words in (b"HTTP/1.1 400 Bad Request\r\n\r\n", b"\0", b"ERROR\r\n")
                 for command in (("status",), ("online",), ("monitor", "--count", "1")))
 
-    def test_an_off_line_printer_is_not_asked_for_its_firmware(self):
+    def test_firmware_reports_that_the_printer_is_off_line(self):
         self.assertFailsInBothForms(4, "-d", "virtual:,coverOpen=true", "firmware", saying="off line")
 
-    def test_control_characters_in_a_firmware_text_do_not_reach_the_terminal(self):
+    def test_control_characters_of_a_firmware_text_are_escaped_on_the_terminal(self):
         def handle(connection):
             unread = b""
             while more := connection.recv(64):
@@ -373,12 +373,12 @@ class AgainstAPeer(Case):
         self.assertEqual(run("-d", place, "-e", "escpos", "firmware", "--json").json()["firmware"], "a\x1b[2J\ufffd")
 
 
-class Devices(Case):
+class DeviceOption(Case):
     """The device that a command uses, and that the command names it."""
 
     QUERIES = ("list", "status", "online", "firmware", "dipswitch", "button-security", "disconnect", "cancel")
 
-    def test_without_a_device_a_query_looks_at_the_virtual_printer_and_says_so(self):
+    def test_a_query_without_a_device_uses_the_virtual_printer_and_says_so(self):
         for command in self.QUERIES:
             result = run(command, "--json")
             self.assertExit(0, result)
@@ -386,7 +386,7 @@ class Devices(Case):
             self.assertIn("no device is given: this is the virtual printer", result.err)
             self.assertEqual(run("-d", "virtual:", command).err, "")
 
-    def test_a_variable_may_hold_devices_and_the_command_line_overrides_it(self):
+    def test_devices_can_be_given_by_a_variable_and_overridden_on_the_command_line(self):
         devices = {"QUORPORT_DEVICE": "  virtual:A   virtual:B,coverOpen=true "}
         result = run("-p", "BT:B", "online", "--json", env=devices)
         self.assertExit(4, result)
@@ -397,7 +397,7 @@ class Devices(Case):
         self.assertExit(2, wrong)
         self.assertIn("QUORPORT_DEVICE: ", wrong.err)
 
-    def test_a_failure_also_names_the_device(self):
+    def test_the_answer_of_a_failed_query_names_the_device(self):
         for command in ("status", "online", "firmware", "dipswitch", "button-security", "disconnect", "cancel"):
             place = self.refusing_place()
             self.assertEqual(run("-d", place, command, "--json").json()["device"], place)
@@ -411,24 +411,24 @@ class Devices(Case):
                 self.assertIn("--device", result.err)
 
 
-class Opening(Case):
-    def test_a_host_that_refuses_is_not_opened(self):
+class OpenErrors(Case):
+    def test_a_host_that_refuses_the_connection_is_reported_at_once(self):
         result = self.assertFailsInBothForms(3, "-d", self.refusing_place(), "online", saying="refused")
         self.assertLess(result.seconds, 5)
 
-    def test_a_host_that_never_answers_fails_in_time(self):
+    def test_a_host_that_never_answers_is_reported_within_ten_seconds(self):
         result = run("-d", self.silent_place(), "online")
         self.assertExit(3, result)
         self.assertLess(result.seconds, 10)
 
-    def test_paths_that_lead_to_no_device_are_named(self):
+    def test_the_error_of_a_path_without_a_device_names_the_path(self):
         plain = self.file("plain", b"")
         for spec in (f"unix:{plain}", f"unix:{self.folder}/none", f"serial:{plain}", f"serial:{self.folder}",
                      f"serial:{self.folder}/none"):
             result = self.assertFailsInBothForms(3, "-d", spec, "online", saying="reached")
             self.assertIn(str(self.folder), result.err)
 
-    def test_if_no_accessory_matches_the_present_ones_are_named(self):
+    def test_the_error_of_a_port_name_without_a_match_names_the_accessories(self):
         self.assertFailsInBothForms(3, "-d", "virtual:Bar", "-p", "BT:Till", "online", saying="Bar")
 
 

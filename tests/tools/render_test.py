@@ -34,23 +34,23 @@ class Rendering(Case):
         self.assertEqual((answer["outcome"], answer["bytesAccepted"]), ("refused", 0))
         self.assertIn(saying, answer["error"])
 
-    def test_text_of_the_code_page_is_text_and_any_other_line_is_drawn(self):
+    def test_a_line_with_characters_outside_the_code_page_is_drawn_as_an_image(self):
         text = "Total 3.00\nCafé 2 €\nСпасибо\n".encode()
         self.assertRegex(self.printed(text, "--text"), r"\ATotal 3\.00\n\[image 576 x \d+ dots\]\n\Z")
         self.assertRegex(self.printed(text, "--text", "--codepage", "16"),
                          r"\ATotal 3\.00\nCafé 2 €\n\[image 576 x \d+ dots\]\n\Z")
 
-    def test_a_picture_is_as_wide_as_the_paper_at_most(self):
+    def test_a_picture_is_scaled_down_to_the_width_of_the_paper(self):
         for width in ("384", "512", "576"):
             self.assertEqual(self.printed(png(1000, 500, 0), "--image", "--width", width).split("\n")[0],
                              f"[image {width} x {500 * int(width) // 1000} dots]")
 
-    def test_plain_bytes_are_sent_as_they_are(self):
+    def test_a_job_without_text_or_image_option_is_sent_unchanged(self):
         for job in (b"\x1b@text\n", b"\x80\xff\n", "Café\n".encode()):
             result = run("-d", "virtual:", "print", "-", "--json", data=job)
             self.assertEqual(result.json()["bytesTotal"], len(job))
 
-    def test_the_drawer_opens_before_or_after_and_the_cut_is_the_end(self):
+    def test_the_drawer_opens_before_or_after_the_job_and_the_cut_ends_the_print(self):
         pulse, cut = b"\x1bp\1\x32\xfa", b"\x1dVB\0"
         for options, job in ((("--drawer", "2", "--cut"), pulse + b"x" + cut),
                              (("--drawer", "2", "--drawer-after", "--cut"), b"x" + cut + pulse)):
@@ -60,19 +60,19 @@ class Rendering(Case):
             peer.wait_until_idle()
             self.assertEqual(taken[0], job)
 
-    def test_utf8_text_that_is_printed_as_bytes_gets_a_hint(self):
+    def test_utf8_text_without_the_option_text_causes_a_hint(self):
         hint = "with --text it is printed as it reads"
         self.assertIn(hint, run("-d", "virtual:", "print", "-", data="Café\n".encode()).err)
         for job, options in ((b"Cafe\n", ()), ("\x1b@Café\n".encode(), ()), (b"Caf\xe9\n", ()),
                              ("Café\n".encode(), ("--text",))):
             self.assertNotIn(hint, run("-d", "virtual:", "print", "-", *options, data=job).err, job)
 
-    def test_characters_without_a_glyph_are_named(self):
+    def test_characters_without_a_glyph_are_reported(self):
         result = run("-d", "virtual:", "print", "--text", "-", data="\U0010fffd\n".encode())
         self.assertExit(0, result)
         self.assertIn("U+10FFFD", result.err)
 
-    def test_a_file_without_text_or_picture_is_refused_and_nothing_is_sent(self):
+    def test_a_file_that_is_neither_text_nor_picture_is_refused_and_nothing_is_sent(self):
         self.assertRefused("no UTF-8 at byte 3", b"Caf\xe9\n", "--text")
         self.assertRefused("a control character at byte 0", b"\x1b@", "--text")
         self.assertRefused("no picture in PNG or JPEG", b"%PDF-1.4", "--image")
@@ -93,7 +93,7 @@ class Rendering(Case):
         self.assertIn(letters, self.printed_test_page("46"))
         self.assertNotIn(letters, self.printed_test_page("6:1251"))
 
-    def test_wrong_options_are_reported_before_anything_is_sent(self):
+    def test_wrong_rendering_options_are_reported_before_the_job_is_sent(self):
         for saying, options in (("--width", ("--text", "--width", "500")), ("--drawer", ("--drawer", "3")),
                                 ("--text", ("--codepage", "16")), ("--image", ("--text", "--image")),
                                 ("16:1252", ("--text", "--codepage", "200")), ("FILE", ("--test-page", "--codepage", "16"))):

@@ -17,7 +17,7 @@ class SerialLine(Case):
     def slow_printer(self):
         return self.simulator("pty:", "--set", "speed=2000")
 
-    def test_a_second_program_is_refused_before_anything_is_sent(self):
+    def test_a_second_program_on_a_serial_line_is_refused_and_sends_nothing(self):
         printer = self.slow_printer()
         line = os.open(printer.place.removeprefix("serial:"), os.O_RDWR | os.O_NOCTTY)
         self.addCleanup(os.close, line)
@@ -41,7 +41,7 @@ class SerialLine(Case):
         first.communicate()
         self.assertEqual(first.returncode, 0)
 
-    def test_a_program_that_is_killed_leaves_the_line_to_the_next(self):
+    def test_a_serial_line_can_be_opened_after_its_program_was_killed(self):
         printer = self.slow_printer()
         long = self.file("long", b"a line of the first\n" * 200)
         killed = start("-d", printer.place, "print", long)
@@ -51,19 +51,19 @@ class SerialLine(Case):
         self.assertExit(0, run("-d", printer.place, "status"))
         self.assertTrue(printer.state())
 
-    def test_the_line_is_released_at_the_end_of_the_command(self):
+    def test_a_serial_line_is_released_at_the_end_of_the_command(self):
         printer = self.simulator("pty:")
         for _ in range(3):
             self.assertExit(0, run("-d", printer.place, "online"))
 
 
-class FlowByCharacters(Case):
+class FlowControlCharacters(Case):
     """The virtual printer asks its host to pause and to continue, and the command obeys."""
 
     def printer(self):
         return self.simulator("pty:", "--set", "speed=2000", "--set", "buffer=512", "--set", "flow=xonxoff")
 
-    def test_is_seen_by_a_program_that_reads_everything(self):
+    def test_a_virtual_printer_sends_flow_control_characters_to_the_host(self):
         line = os.open(self.printer().place.removeprefix("serial:"), os.O_RDWR | os.O_NOCTTY)
         self.addCleanup(os.close, line)
         tty.setraw(line)
@@ -72,7 +72,7 @@ class FlowByCharacters(Case):
             self.assertTrue(select.select([line], [], [], DEADLINE)[0], sign)
             self.assertEqual(os.read(line, 1), sign)
 
-    def test_is_obeyed_and_the_job_is_printed(self):
+    def test_a_job_is_printed_whole_if_the_printer_sends_flow_control_characters(self):
         job = self.file("job", b"a line of a long job\n" * 100)
         self.assertExit(0, run("-d", self.printer().place + ",flow=xonxoff", "print", job))
 
@@ -147,10 +147,10 @@ class FlowControl(Case):
         self.assertIn(job, printer.received)
         self.assertLess(printer.held_back_after, len(job), "the job waited for the printer")
 
-    def test_a_job_loses_nothing_on_a_printer_that_stops_the_flow_by_bytes(self):
+    def test_a_job_loses_no_byte_if_the_printer_stops_the_flow_by_characters(self):
         self.assertPrintsAll("xonxoff", FlowPrinter.stop_by_bytes)
 
-    def test_a_job_loses_nothing_on_a_printer_that_takes_nothing_for_a_while(self):
+    def test_a_job_loses_no_byte_if_the_printer_accepts_no_data_for_a_while(self):
         self.assertPrintsAll("rtscts", FlowPrinter.take_nothing)
 
 

@@ -9,8 +9,8 @@ import socket
 from harness import DEADLINE, STATUS_REQUEST, Case, eventually, main, receive, run, status_block
 
 
-class Hosts(Case):
-    def test_both_emulations_are_answered_at_once(self):
+class HostConnections(Case):
+    def test_a_virtual_printer_answers_requests_of_both_emulations(self):
         with self.simulator().connect() as host:
             host.sendall(STATUS_REQUEST + b"\x10\x04\x01" + b"\x1b\x23\x2c\x31\x0a\x00" + b"\x1d\x49\x41")
             answer = receive(host, 9 + 1 + 7 + 1)
@@ -46,7 +46,7 @@ class Hosts(Case):
         for listen in ("tcp:", f"unix:{self.folder}/printer", "pty:"):
             yield self.simulator(listen, *arguments)
 
-    def test_a_host_that_leaves_a_stopped_printer_makes_way_for_the_next(self):
+    def test_the_next_host_is_served_after_a_host_disconnects_from_a_stopped_printer(self):
         for simulator in self.everywhere("--set", "coverOpen=true", "--set", "buffer=100"):
             for _ in range(3):
                 self.leave_behind(simulator, b"x" * 93000)
@@ -55,7 +55,7 @@ class Hosts(Case):
                 self.assertIn("cover open", result.out)
             self.assertEqual(simulator.state()["buffered"], 100)
 
-    def test_a_host_that_disconnects_with_much_unread_makes_way_for_the_next(self):
+    def test_the_next_host_is_served_after_a_host_disconnects_with_much_unread_data(self):
         for simulator in self.everywhere("--set", "coverOpen=true"):
             if simulator.place.startswith("serial:"):
                 continue  # a terminal holds a few kilobytes only
@@ -70,7 +70,7 @@ class Hosts(Case):
             self.assertExit(0, result)
             self.assertIn("cover open", result.out)
 
-    def test_a_host_keeps_its_place_and_its_data_while_another_waits(self):
+    def test_the_data_of_a_connected_host_is_printed_before_the_next_host_is_served(self):
         simulator = self.simulator("tcp:", "--set", "coverOpen=true", "--set", "buffer=1000")
         with simulator.connect() as first, simulator.connect() as second:
             first.sendall(b"x" * 300_000)
@@ -81,7 +81,7 @@ class Hosts(Case):
             first.close()
             self.assertEqual(len(receive(second, 9)), 9)
 
-    def test_the_data_of_a_host_that_left_is_printed_if_no_other_connects(self):
+    def test_the_data_of_a_disconnected_host_is_printed_if_no_other_host_connects(self):
         for simulator in self.everywhere("--set", "coverOpen=true", "--set", "buffer=100"):
             sent = self.leave_behind(simulator, b"x" * 2000)
             self.assertEqual(sent, 2000)
@@ -90,7 +90,7 @@ class Hosts(Case):
             eventually(lambda: simulator.state()["printedBytes"] == sent, "all of it is printed")
             self.assertExit(0, run("-d", simulator.place, "online"))
 
-    def test_a_host_that_left_a_slow_printer_is_printed_before_the_next_one(self):
+    def test_the_data_of_a_disconnected_host_is_printed_before_the_data_of_the_next_host(self):
         for simulator in self.everywhere("--set", "speed=4000", "--set", "buffer=100"):
             sent = self.leave_behind(simulator, b"x" * 2000)
             # A checked job begins with a data cancel, which would drop the data of the first job in
@@ -98,7 +98,7 @@ class Hosts(Case):
             self.assertExit(6, run("-d", simulator.place, "print", "--unchecked", "-", data=b"second\n"))
             eventually(lambda: simulator.state()["printedBytes"] == sent + 7, "both are printed")
 
-    def test_a_full_printer_is_asked_by_the_host_that_filled_it(self):
+    def test_a_printer_with_a_full_buffer_answers_the_host_that_filled_the_buffer(self):
         for listen in ("tcp:", f"unix:{self.folder}/printer"):
             simulator = self.simulator(listen, "--set", "coverOpen=true", "--set", "buffer=100")
             with simulator.connect() as host:
@@ -107,13 +107,13 @@ class Hosts(Case):
                     host.sendall(byte)
                 self.assertEqual(receive(host, 1), b"\x16")
 
-    def test_a_host_that_only_half_closes_gets_its_answers(self):
+    def test_a_host_that_only_ends_its_output_receives_its_answers(self):
         with self.simulator().connect() as host:
             host.sendall(STATUS_REQUEST)
             host.shutdown(socket.SHUT_WR)
             self.assertEqual(len(receive(host, 100)), 9)
 
-    def test_the_next_host_waits_for_the_one_before(self):
+    def test_the_next_host_waits_until_the_first_host_disconnects(self):
         simulator = self.simulator()
         with simulator.connect() as first, simulator.connect() as second:
             second.sendall(STATUS_REQUEST)
@@ -123,7 +123,7 @@ class Hosts(Case):
             first.close()
             self.assertEqual(len(receive(second, 9)), 9)
 
-    def test_a_host_that_resets_its_link_disturbs_no_other_host(self):
+    def test_a_host_that_resets_its_link_affects_no_other_host(self):
         simulator = self.simulator("tcp:0", "--set", "offline=true", "--set", "buffer=100")
         for waits in (False, True):
             with simulator.connect() as host:
@@ -134,7 +134,7 @@ class Hosts(Case):
         simulator.set(offline=False)
         self.assertExit(0, run("-d", simulator.place, "online"))
 
-    def test_a_hundred_connections_leave_no_descriptor(self):
+    def test_a_hundred_connections_leave_no_open_descriptor(self):
         for listen in ("tcp:0", f"unix:{self.folder}/printer"):
             simulator = self.simulator(listen)
             simulator.state()
@@ -148,7 +148,7 @@ class Hosts(Case):
                         self.assertEqual(len(receive(host, 9)), 9)
             eventually(lambda: simulator.descriptors() == before, "all descriptors are closed")
 
-    def test_a_hundred_users_of_a_terminal_leave_no_descriptor(self):
+    def test_a_hundred_connections_by_a_pseudo_terminal_leave_no_open_descriptor(self):
         simulator = self.simulator("pty:")
         simulator.state()
         before = simulator.descriptors()
@@ -160,7 +160,7 @@ class Hosts(Case):
             os.close(terminal)
         eventually(lambda: simulator.descriptors() == before, "all descriptors are closed")
 
-    def test_it_sleeps_while_nothing_happens(self):
+    def test_an_idle_virtual_printer_uses_no_processor_time(self):
         for listen in ("tcp:0", "pty:"):
             simulator = self.simulator(listen, "--set", "offline=true", "--set", "buffer=16")
             if listen == "pty:":
@@ -181,21 +181,21 @@ class Hosts(Case):
 
 
 class DroppedLinks(Case):
-    def test_a_cut_link_is_closed_after_the_earlier_bytes(self):
+    def test_a_cut_link_is_closed_after_all_earlier_bytes_are_sent(self):
         simulator = self.simulator("tcp:0", "--set", "cut-after-in=6:drain")
         with simulator.connect() as host:
             host.sendall(STATUS_REQUEST * 2 + b"more")
             self.assertEqual(len(receive(host, 100)), 18)
         self.assertExit(5, run("-d", simulator.place, "status"))
 
-    def test_a_reset_link_is_reset(self):
+    def test_a_reset_fault_resets_the_connection(self):
         simulator = self.simulator("tcp:0", "--set", "cut-after-in=3:reset")
         with simulator.connect() as host:
             host.sendall(STATUS_REQUEST)
             with self.assertRaises(ConnectionResetError):
                 receive(host, 100)
 
-    def test_a_terminal_that_dropped_its_user_is_replaced_and_its_name_reported(self):
+    def test_a_pseudo_terminal_whose_link_was_cut_is_replaced_and_its_new_name_is_reported(self):
         simulator = self.simulator("pty:", "--set", "cut-after-in=3:drain")
         terminal = os.open(simulator.place.removeprefix("serial:"), os.O_RDWR | os.O_NOCTTY)
         os.write(terminal, STATUS_REQUEST)
@@ -209,7 +209,7 @@ class DroppedLinks(Case):
         self.assertEqual(simulator.control({"clear": "faults"}), {"ok": True})
         self.assertExit(0, run("-d", place, "online"))
 
-    def test_a_terminal_that_drops_everybody_at_once_still_takes_control_lines(self):
+    def test_a_pseudo_terminal_that_drops_every_host_still_accepts_control_lines(self):
         simulator = self.simulator("pty:", "--set", "cut-after-in=0:reset", "--control", f"unix:{self.folder}/control")
         with socket.socket(socket.AF_UNIX) as control:
             control.settimeout(DEADLINE)
@@ -218,7 +218,7 @@ class DroppedLinks(Case):
             self.assertEqual(receive(control, 12), b'{"ok":true}\n')
         self.assertEqual(simulator.stop(signal.SIGTERM), 0)
 
-    def test_a_cut_by_a_control_line_ends_the_link_that_there_is_and_no_other(self):
+    def test_a_cut_by_a_control_line_ends_only_the_present_link(self):
         simulator = self.simulator()
         with simulator.connect() as host:
             host.sendall(STATUS_REQUEST)

@@ -37,7 +37,7 @@ class Watched:
         os.close(self.descriptor)
 
 
-class Receipts(Case):
+class ReceiptFiles(Case):
     def names(self):
         """The texts and pictures, without the files that are still being written."""
         folder = self.folder / "out"
@@ -49,7 +49,7 @@ class Receipts(Case):
     def serve(self, *arguments: str, listen: str = "tcp:0"):
         return self.simulator(listen, "--receipts", str(self.folder / "out"), *arguments)
 
-    def test_each_job_is_a_numbered_text_and_picture(self):
+    def test_each_job_gives_a_numbered_text_file_and_picture_file(self):
         for listen in ("tcp:0", "pty:"):
             simulator = self.serve(listen=listen)
             before = len(self.names()) // 2
@@ -61,7 +61,7 @@ class Receipts(Case):
             simulator.kill()
         self.assertEqual(self.names()[:2], ["receipt-0001.png", "receipt-0001.txt"])
 
-    def test_each_file_has_its_name_only_when_it_is_whole(self):
+    def test_a_receipt_file_gets_its_name_only_when_it_is_complete(self):
         (self.folder / "out").mkdir()
         watched = Watched(self.folder / "out")
         self.addCleanup(watched.close)
@@ -71,7 +71,7 @@ class Receipts(Case):
         files = {f"receipt-0001.{ending}" for ending in ("txt", "png", "json")}
         self.assertEqual(watched.names(), ({f".{file}.part" for file in files}, files))
 
-    def test_a_part_that_a_killed_process_has_left_is_no_receipt(self):
+    def test_an_incomplete_file_of_a_killed_process_is_not_counted_as_a_receipt(self):
         (self.folder / "out").mkdir()
         (self.folder / "out" / ".receipt-0007.txt.part").write_text("hal")
         simulator = self.serve()
@@ -79,14 +79,14 @@ class Receipts(Case):
         eventually(lambda: len(self.names()) == 2, "the receipt is written")
         self.assertEqual(self.names(), ["receipt-0001.png", "receipt-0001.txt"])
 
-    def test_a_job_that_is_printed_slowly_is_complete(self):
+    def test_the_receipt_of_a_slowly_printed_job_is_complete(self):
         simulator = self.serve("--set", "speed=200")
         with simulator.connect() as host:
             host.sendall(b"first line\nsecond line\nlast line\n")
         eventually(self.names, "the receipt is written")
         self.assertIn("last line", self.text(1))
 
-    def test_each_of_many_short_connections_is_a_job_of_its_own(self):
+    def test_each_of_many_short_connections_is_a_separate_job(self):
         simulator = self.serve()
         for count in range(1, 21):
             with simulator.connect() as host:
@@ -95,7 +95,7 @@ class Receipts(Case):
         for count in range(1, 21):
             self.assertEqual([line for line in self.text(count).splitlines() if "job" in line], [f"job {count}"])
 
-    def test_a_job_that_waits_in_the_printer_is_one_of_its_own(self):
+    def test_jobs_that_wait_in_a_stopped_printer_are_separate_jobs(self):
         simulator = self.serve("--set", "coverOpen=true")
         for text in (b"first\n", b"", STATUS_REQUEST, b"second, without an end"):
             with simulator.connect() as host:
@@ -106,7 +106,7 @@ class Receipts(Case):
         eventually(lambda: len(self.names()) == 4, "both receipts are written")
         self.assertEqual((self.text(1), self.text(2)), ("first\n", "second, without an end\n"))
 
-    def test_on_a_connection_that_remains_a_cut_ends_a_job(self):
+    def test_a_cut_ends_a_job_on_a_connection_that_remains_open(self):
         simulator = self.serve()
         with simulator.connect() as host:
             for count in (1, 2):
@@ -114,7 +114,7 @@ class Receipts(Case):
                 eventually(lambda: len(self.names()) == 2 * count, "the receipt is written")
                 self.assertIn(f"job {count}", self.text(count))
 
-    def test_the_last_paper_is_kept_at_the_end(self):
+    def test_the_last_paper_is_saved_when_the_virtual_printer_ends(self):
         simulator = self.serve()
         with simulator.connect() as host:
             host.sendall(b"half a job\n" + STATUS_REQUEST)
@@ -122,14 +122,14 @@ class Receipts(Case):
             self.assertEqual(simulator.stop(signal.SIGTERM), 0)
         self.assertIn("half a job", self.text(1))
 
-    def test_numbers_continue_after_existing_ones(self):
+    def test_receipt_numbers_continue_after_existing_receipts(self):
         (self.folder / "out").mkdir()
         (self.folder / "out" / "receipt-0041.txt").write_text("older")
         simulator = self.serve()
         self.assertExit(0, run("-d", simulator.place, "print", "-", data=b"newer\n"))
         eventually(lambda: "receipt-0042.txt" in self.names(), "the receipt is written")
 
-    def test_a_job_without_end_takes_bounded_memory_and_its_paper_is_torn_off(self):
+    def test_an_endless_job_takes_bounded_memory_and_its_paper_is_torn_off(self):
         simulator = self.simulator("tcp:0")
         with simulator.connect() as host:
             for _ in range(60):
@@ -139,7 +139,7 @@ class Receipts(Case):
             peak = next(int(line.split()[1]) for line in file if line.startswith("VmHWM"))
         self.assertLess(peak, 64 << 10, "kilobytes")
 
-    def test_the_pieces_of_a_paper_that_is_too_long_are_receipts(self):
+    def test_a_paper_that_is_too_long_is_saved_as_several_receipts(self):
         simulator = self.simulator("tcp:0", "--receipts", str(self.folder / "out"), stderr=subprocess.PIPE)
         count = 30_000
         with simulator.connect() as host:
@@ -155,7 +155,7 @@ class Receipts(Case):
         self.assertEqual(lines, [f"line {n}" for n in range(count)])
         self.assertIn("torn off", self.text(1).splitlines()[-1])
 
-    def test_a_full_disk_for_the_receipt_changes_the_exit_status(self):
+    def test_a_full_disk_for_the_receipt_makes_print_fail(self):
         full = self.folder / "full.txt"
         full.symlink_to("/dev/full")
         result = run("print", "-d", "virtual:", "--receipt", full, "--json", "-", data=b"text\n")
@@ -163,7 +163,7 @@ class Receipts(Case):
         self.assertEqual((result.json()["ok"], result.json()["outcome"]), (False, "printed"))
         self.assertIn("full.txt", result.json()["error"])
 
-    def test_a_receipt_beyond_the_largest_file_is_reported_and_the_printer_serves_on(self):
+    def test_a_receipt_that_cannot_be_written_is_reported_and_the_printer_continues(self):
         def limit():
             resource.setrlimit(resource.RLIMIT_FSIZE, (100, 100))
 
@@ -175,19 +175,19 @@ class Receipts(Case):
         self.assertEqual(os.listdir(self.folder / "out"), [])
         self.assertExit(0, run("-d", simulator.place, "online"))
 
-    def test_a_path_that_cannot_be_a_folder_is_refused(self):
+    def test_a_receipts_path_that_is_a_plain_file_is_refused(self):
         result = run("simulate", "--listen", "tcp:0", "--receipts", self.file("plain", b""))
         self.assertExit(2, result)
         self.assertIn("--receipts", result.err)
 
-    def test_a_path_that_leads_nowhere_is_refused(self):
+    def test_a_receipts_path_without_a_parent_folder_is_refused(self):
         result = run("simulate", "--listen", "tcp:0", "--receipts", f"{self.folder}/no/such")
         self.assertExit(2, result)
         self.assertIn("No such file or directory", result.err)
         self.assertFalse((self.folder / "no").exists())
 
 
-class Records(Case):
+class JobRecords(Case):
     """The record of each job by `--json`."""
 
     def record_of(self, job: bytes, *arguments: str, replies: int = 0, listen: str = "tcp:0"):
@@ -204,13 +204,13 @@ class Records(Case):
         process.terminate()
         return record, process.wait(DEADLINE), place
 
-    def test_a_plain_job_has_every_key(self):
+    def test_the_record_of_a_plain_job_has_every_key(self):
         record, code, place = self.record_of(b"text\n")
         self.assertEqual(record, {"job": 1, "printer": place, "ok": True, "files": [], "cuts": 0, "drawer": 0, "beeps": 0,
                                   "codePages": [], "asked": [], "unknown": [], "missing": [], "events": []})
         self.assertEqual(code, 0)
 
-    def test_cuts_pulses_and_beeps_are_counted(self):
+    def test_a_record_counts_cuts_drawer_pulses_and_beeps(self):
         job = b"\x1bt\x13a\n\x1bp\0\x19\xfa\x10\x14\1\0\1\x1bB\2\3\x1b(A\4\0\x30\1\1\1\x1dV\0b\n\x1dV\1"
         record, _, _ = self.record_of(job)
         self.assertEqual((record["cuts"], record["drawer"], record["beeps"], record["codePages"]), (2, 2, 2, [19]))
@@ -218,39 +218,39 @@ class Records(Case):
         self.assertEqual([event["event"] for event in record["events"]],
                          ["drawer", "drawer", "beep", "beep", "cut", "cut"])
 
-    def test_the_words_on_the_display_are_an_event_and_not_on_the_paper(self):
+    def test_text_for_the_customer_display_is_an_event_of_the_record_and_not_printed(self):
         folder = self.folder / "display"
         record, _, _ = self.record_of(b"\x1b=\2Total 4.20\x1b=\1paper\n", "--receipts", str(folder))
         self.assertEqual(record["events"], [{"event": "display", "text": "Total 4.20"}])
         self.assertEqual((folder / "receipt-0001.txt").read_text(), "paper\n")
 
-    def test_a_symbol_that_is_drawn_in_another_form_is_an_event(self):
+    def test_a_qr_code_drawn_as_another_model_is_an_event_of_the_record(self):
         record, code, _ = self.record_of(b"\x1d(k\4\0001A1\0\x1d(k\5\0001P0hi\x1d(k\3\0001Q0", "--strict")
         self.assertEqual([event["event"] for event in record["events"]], ["replaced"])
         self.assertIn("model 2", record["events"][0]["text"])
         self.assertEqual((record["ok"], code), (True, 0))
 
-    def test_a_command_that_the_printer_lacks_is_unknown(self):
+    def test_a_command_that_the_printer_lacks_is_recorded_as_unknown(self):
         record, code, _ = self.record_of(b"\x1bLa\n\x0c", "--strict", "--set", "lacks=1b4c")
         self.assertEqual(record["unknown"], [{"offset": 0, "bytes": "1b4c", "name": "ESC L"}])
         self.assertEqual((record["ok"], code), (False, 1))
 
-    def test_a_drawer_that_is_opened_without_paper_is_a_job(self):
+    def test_a_job_that_only_opens_the_drawer_has_a_record(self):
         record, _, _ = self.record_of(b"\x1bp\0\x19\xfa")
         self.assertEqual((record["drawer"], record["files"]), (1, []))
 
-    def test_questions_have_their_answers(self):
+    def test_a_record_lists_each_request_with_its_answer(self):
         record, _, _ = self.record_of(b"a\n\x10\x04\1\x1dr\1\x1d(H\6\x0000ABCD", replies=9)
         self.assertEqual(record["asked"], [{"command": "100401", "answer": "12"}, {"command": "1d7201", "answer": "00"},
                                            {"command": "1d284806003030" + "41424344", "answer": "37224142434400"}])
 
-    def test_an_unknown_command_has_its_offset_bytes_and_name(self):
+    def test_a_record_lists_each_unknown_command_with_offset_bytes_and_name(self):
         record, code, _ = self.record_of(b"a\n\x10\x04\1\x1dy\n\x1b\x99", replies=1)
         self.assertEqual(record["unknown"], [{"offset": 5, "bytes": "1d79", "name": "GS y"},
                                              {"offset": 8, "bytes": "1b99", "name": "ESC 99"}])
         self.assertEqual((record["ok"], code), (True, 0))
 
-    def test_strict_judges_unknown_commands_missing_characters_and_cut_off_data(self):
+    def test_the_option_strict_rejects_unknown_commands_missing_characters_and_incomplete_data(self):
         for job, key in ((b"a\x1dy\n", "unknown"), (b"\x1bt\x10\x81\n", "missing"), (b"a\n\x1dv0\0\x09\0", "unknown")):
             record, code, _ = self.record_of(job, "--strict")
             self.assertEqual((record["ok"], code), (False, 1), job)
@@ -260,7 +260,7 @@ class Records(Case):
         record, code, _ = self.record_of(b"\x1bt\x10\x80\n\x1dV\0", "--strict")
         self.assertEqual((record["ok"], code), (True, 0))
 
-    def test_each_cut_ends_a_receipt_if_that_is_chosen(self):
+    def test_each_cut_ends_a_receipt_with_the_option_per_cut(self):
         job = b"one\n\x1dV\0two\n\x1dV\0\n\n"
         for per, count in (("cut", 2), ("job", 1), ("connection", 1)):
             folder = self.folder / per
@@ -273,7 +273,7 @@ class Records(Case):
             self.assertIn("one", (folder / "receipt-0001.txt").read_text())
         self.assertIn("two", (self.folder / "cut" / "receipt-0002.txt").read_text())
 
-    def test_a_cut_ends_a_job_only_if_that_is_chosen(self):
+    def test_a_cut_ends_a_job_with_the_option_per_job_only(self):
         """Both connections remain open. The paper of the second was cut later, and its record still arrives."""
         processes = {}
         for per in ("connection", "job"):
@@ -294,7 +294,7 @@ class Records(Case):
         connection.close()
         self.assertEqual(json.loads(process.stdout.readline())["cuts"], 2)
 
-    def test_a_record_stays_whole_among_answers_that_nobody_has_read_yet(self):
+    def test_a_record_is_written_whole_even_if_earlier_answers_are_unread(self):
         count = 400
         process = start("--json", "simulate", "--listen", "tcp:0", stdin=subprocess.PIPE)
         self.addCleanup(finish, process, 0)
@@ -313,7 +313,7 @@ class Records(Case):
         self.assertEqual([line["job"] for line in lines if "job" in line], [1])
         self.assertEqual(sum("state" in line for line in lines), count)
 
-    def test_an_unknown_division_is_refused(self):
+    def test_an_unknown_value_of_the_option_per_is_refused(self):
         result = run("simulate", "--listen", "tcp:0", "--per", "day")
         self.assertExit(2, result)
         self.assertIn("cut, job or connection", result.err)

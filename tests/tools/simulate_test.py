@@ -8,24 +8,24 @@ import stat
 from harness import DEADLINE, Case, eventually, main, run, start, finish
 
 
-class Places(Case):
-    def test_over_tcp_it_reports_its_port(self):
+class ListeningAddresses(Case):
+    def test_simulate_reports_its_tcp_port(self):
         for listen in ("tcp:", "tcp:0", "tcp::0", "tcp:127.0.0.1:0", "tcp:localhost:0"):
             self.assertRegex(self.simulator(listen).place, r"^tcp:(127\.0\.0\.1|\[::1\]):[1-9]\d*$")
 
-    def test_with_json_its_first_line_is_an_object(self):
+    def test_the_first_line_of_simulate_is_a_json_object_with_the_option_json(self):
         process = start("--json", "simulate", "--listen", "tcp:0")
         self.addCleanup(finish, process, 0)
         self.addCleanup(process.terminate)
         place = json.loads(process.stdout.readline())["listening"][0]
         self.assertExit(0, run("-d", place, "online"))
 
-    def test_only_this_machine_reaches_it_by_default(self):
+    def test_only_this_machine_can_connect_to_a_virtual_printer_by_default(self):
         for listen in ("tcp:", "tcp:0"):
             self.assertTrue(self.simulator(listen).place.startswith("tcp:127.0.0.1:"))
         self.assertTrue(self.simulator("tcp:0.0.0.0:0").place.startswith("tcp:0.0.0.0:"))
 
-    def test_an_invalid_address_is_refused_with_the_valid_forms(self):
+    def test_the_error_of_an_invalid_listening_address_names_the_valid_forms(self):
         for wrong in ("", "tcp::", "tcp:x", "tcp:h:65536", "tcp:a:b:1", "usb:1", "pty:x", "unix:", "unix:/a,b=c",
                       "unix:/" + "x" * 200, "tcp:127.0.0.1:-1"):
             result = run("simulate", "--listen", wrong)
@@ -34,13 +34,13 @@ class Places(Case):
             self.assertEqual(result.out, "")
         self.assertExit(2, run("simulate"))
 
-    def test_an_address_in_use_is_reported(self):
+    def test_a_listening_address_in_use_is_reported(self):
         first = self.simulator("tcp:0")
         result = run("simulate", "--listen", first.place)
         self.assertExit(1, result)
         self.assertIn("in use", result.err)
 
-    def test_a_plain_file_at_its_path_is_not_touched(self):
+    def test_a_plain_file_at_the_path_of_a_socket_is_not_replaced(self):
         path = self.file("printer", b"precious")
         for option in (["--listen", f"unix:{path}"], ["--listen", "tcp:0", "--control", f"unix:{path}"]):
             result = run("simulate", *option)
@@ -49,7 +49,7 @@ class Places(Case):
         with open(path, "rb") as file:
             self.assertEqual(file.read(), b"precious")
 
-    def test_a_socket_with_a_listener_is_not_touched(self):
+    def test_a_socket_with_a_listener_is_not_replaced(self):
         place = f"unix:{self.folder}/printer"
         self.simulator(place)
         self.assertExit(1, run("simulate", "--listen", place))
@@ -61,17 +61,17 @@ class Places(Case):
         self.assertTrue((self.folder / "printer").exists())
         self.assertExit(0, run("-d", self.simulator(place).place, "online"))
 
-    def test_it_removes_its_sockets_at_its_end(self):
+    def test_simulate_removes_its_sockets_when_it_ends(self):
         for by in (signal.SIGTERM, signal.SIGHUP):
             simulator = self.simulator(f"unix:{self.folder}/printer", "--control", f"unix:{self.folder}/control")
             self.assertEqual(simulator.stop(by), 0)
             self.assertEqual(os.listdir(self.folder), [])
 
-    def test_only_its_owner_may_use_the_control_socket(self):
+    def test_only_the_owner_of_simulate_may_use_its_control_socket(self):
         self.simulator("tcp:0", "--control", f"unix:{self.folder}/control")
         self.assertEqual(stat.S_IMODE(os.stat(self.folder / "control").st_mode), 0o600)
 
-    def test_invalid_settings_are_refused(self):
+    def test_invalid_settings_of_a_virtual_printer_are_refused(self):
         for wrong, saying in [("coverOpen", "KEY=VALUE"), ("coverOpen=1", "true or false"), ("x=1", "firmware"),
                               ("late-reply=x", "MS"), ("speed=-1", "bytes a second")]:
             result = run("simulate", "--listen", "tcp:0", "--set", wrong)
@@ -80,12 +80,12 @@ class Places(Case):
             self.assertIn("--set", result.err)
 
 
-class Ending(Case):
-    def test_each_signal_ends_it_with_status_0(self):
+class EndOfSimulate(Case):
+    def test_each_end_signal_ends_simulate_with_status_0(self):
         for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
             self.assertEqual(self.simulator().stop(number), 0)
 
-    def test_a_signal_ends_it_even_if_a_host_is_connected(self):
+    def test_a_signal_ends_simulate_even_if_a_host_is_connected(self):
         simulator = self.simulator("tcp:0", "--set", "offline=true")
         with simulator.connect() as host:
             host.sendall(b"x" * 100)
@@ -93,14 +93,14 @@ class Ending(Case):
             self.assertEqual(simulator.stop(signal.SIGTERM), 0)
             self.assertEqual(host.recv(1), b"")
 
-    def test_the_end_of_standard_input_does_not_end_it(self):
+    def test_the_end_of_standard_input_does_not_end_simulate(self):
         simulator = self.simulator()
         simulator.process.stdin.close()
         self.assertExit(0, run("-d", simulator.place, "online"))
         self.assertIsNone(simulator.process.poll())
         simulator.process.stdin = None
 
-    def test_a_closed_standard_output_does_not_end_it(self):
+    def test_a_closed_standard_output_does_not_end_simulate(self):
         simulator = self.simulator()
         simulator.process.stdout.close()
         simulator.process.stdin.write(b'{"get":"state"}\n' * 3)
@@ -109,7 +109,7 @@ class Ending(Case):
             self.assertExit(0, run("-d", simulator.place, "online"))
         self.assertIsNone(simulator.process.poll())
 
-    def test_signals_that_a_shell_ignores_for_background_commands_end_it(self):
+    def test_signals_that_a_shell_ignores_for_background_commands_end_simulate(self):
         def ignore():
             signal.signal(signal.SIGINT, signal.SIG_IGN)
 
@@ -120,7 +120,7 @@ class Ending(Case):
         process.send_signal(signal.SIGINT)
         self.assertEqual(process.wait(DEADLINE), 0)
 
-    def test_it_survives_its_terminal_if_sighup_is_ignored(self):
+    def test_simulate_continues_after_sighup_if_sighup_is_ignored(self):
         def ignore():
             signal.signal(signal.SIGHUP, signal.SIG_IGN)
 

@@ -17,7 +17,7 @@ def connect(place: str) -> socket.socket:
     return connection
 
 
-class Printers(Case):
+class SeveralPrinters(Case):
     def setUp(self):
         super().setUp()
         self.process = start("--json", "simulate", "--listen", "tcp:,name=till", "--listen", "tcp:,name=kitchen",
@@ -34,12 +34,12 @@ class Printers(Case):
         self.process.stdin.flush()
         return self.line()
 
-    def test_report_their_addresses_with_their_names(self):
+    def test_several_virtual_printers_report_their_addresses_with_their_names(self):
         self.assertRegex(self.places[0], r"^tcp:127\.0\.0\.1:\d+,name=till$")
         self.assertRegex(self.places[1], r"^tcp:127\.0\.0\.1:\d+,name=kitchen$")
         self.assertExit(0, run("-d", self.places[1], "online"))
 
-    def test_print_separately_and_their_jobs_name_them(self):
+    def test_several_virtual_printers_print_separately_and_each_record_names_its_printer(self):
         with connect(self.places[0]) as till, connect(self.places[1]) as kitchen:
             kitchen.sendall(b"soup\n")
             till.sendall(b"bill\n" + STATUS_REQUEST)
@@ -49,7 +49,7 @@ class Printers(Case):
             kitchen.close()
             self.assertEqual(self.line()["printer"], "kitchen")
 
-    def test_are_controlled_one_by_one_and_together(self):
+    def test_several_virtual_printers_can_be_controlled_singly_and_together(self):
         self.assertEqual(self.control({"printer": "kitchen", "set": {"coverOpen": True}}), {"ok": True})
         self.assertFalse(self.control({"printer": "till", "get": "state"})["state"]["coverOpen"])
         self.assertTrue(self.control({"printer": "kitchen", "get": "state"})["state"]["coverOpen"])
@@ -57,14 +57,14 @@ class Printers(Case):
         for name in ("till", "kitchen"):
             self.assertTrue(self.control({"printer": name, "get": "state"})["state"]["compulsionSwitch"])
 
-    def test_that_do_not_exist_are_refused_with_a_list_of_those_that_do(self):
+    def test_the_error_of_an_unknown_printer_lists_the_known_printers(self):
         answer = self.control({"printer": "bar", "get": "state"})
         self.assertFalse(answer["ok"])
         self.assertIn("kitchen", answer["error"])
 
 
-class Hosts(Case):
-    def test_that_are_refused_see_the_connection_end(self):
+class HostsOption(Case):
+    def test_a_second_host_is_disconnected_with_the_option_hosts_refuse(self):
         simulator = self.simulator("tcp:0", "--hosts", "refuse")
         with simulator.connect() as first:
             first.sendall(STATUS_REQUEST)
@@ -82,7 +82,7 @@ class Hosts(Case):
 
         eventually(answers, "a host that comes after the first has left is served")
 
-    def test_in_turns_print_between_the_jobs_of_a_connected_host(self):
+    def test_hosts_in_turns_print_between_the_jobs_of_a_connected_host(self):
         folder = self.folder / "receipts"
         simulator = self.simulator("tcp:0", "--hosts", "turns", "--receipts", str(folder))
         with simulator.connect() as first, simulator.connect() as second:
@@ -95,7 +95,7 @@ class Hosts(Case):
         texts = [(folder / f"receipt-000{number}.txt").read_text() for number in range(1, 5)]
         self.assertEqual(texts, ["one\n", "not one\n", "three\n", "not three\n"])
 
-    def test_in_turns_keep_their_place_while_they_print(self):
+    def test_hosts_in_turns_are_not_interrupted_while_their_data_is_printed(self):
         simulator = self.simulator("tcp:0", "--hosts", "turns", "--set", "speed=20")
         with simulator.connect() as first, simulator.connect() as second:
             first.sendall(b"x" * 30)
@@ -104,14 +104,14 @@ class Hosts(Case):
             self.assertEqual(len(receive(second, 9)), 9)
             self.assertEqual(simulator.state()["printedBytes"], 30, "the second waited for its turn")
 
-    def test_need_a_known_rule(self):
+    def test_an_unknown_value_of_the_option_hosts_is_refused(self):
         result = run("simulate", "--listen", "tcp:0", "--hosts", "all")
         self.assertExit(2, result)
         self.assertIn("one, turns or refuse", result.err)
 
 
 class Drawing(Case):
-    def test_does_not_delay_an_answer(self):
+    def test_drawing_a_long_receipt_does_not_delay_an_answer(self):
         """A receipt of fifty metres takes seconds to draw; the printer answers meanwhile."""
         folder = self.folder / "receipts"
         simulator = self.simulator("tcp:0", "--receipts", str(folder))

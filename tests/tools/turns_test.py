@@ -7,7 +7,7 @@ from harness import Case, eventually, finish, main, run, start
 RECEIPT = b"Espresso  2.20\nTotal     2.20\n"
 
 
-class Turns(Case):
+class TurnsOnAPrinter(Case):
     def test_jobs_take_turns_on_a_printer_and_report_that_they_wait(self):
         simulator = self.simulator("tcp:0", "--set", "speed=20")
         job = self.file("receipt", RECEIPT)
@@ -43,7 +43,7 @@ class Turns(Case):
         first.kill()
         first.communicate()
 
-    def test_questions_do_not_disturb_a_job(self):
+    def test_queries_do_not_affect_a_job(self):
         simulator = self.simulator("tcp:0", "--set", "speed=20")
         job = start("-d", simulator.place, "print", self.file("receipt", RECEIPT))
         eventually(lambda: simulator.state()["printedBytes"] > 0, "it prints")

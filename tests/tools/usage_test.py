@@ -10,15 +10,15 @@ COMMANDS = """list status online print cancel firmware dipswitch button-security
     simulate help jobs find""".split()
 
 
-class Usage(Case):
-    def test_help_names_every_command_and_ends_with_0(self):
+class CommandLine(Case):
+    def test_help_names_every_command_and_ends_with_status_0(self):
         result = run("--help")
         self.assertExit(0, result)
         self.assertEqual(result.err, "")
         listing = result.out.partition("Commands:\n")[2].partition("\n\n")[0]
         self.assertEqual(sorted(re.findall(r"^  (\S+)", listing, re.M)), sorted(COMMANDS))
 
-    def test_every_command_has_a_help_of_its_own(self):
+    def test_every_command_has_its_own_help(self):
         for command in COMMANDS:
             result = run(command, "--help")
             self.assertExit(0, result)
@@ -40,18 +40,18 @@ class Usage(Case):
         self.assertExit(0, result)
         self.assertRegex(result.out, r"^quorport \d+\.\d+\.\d+\n$")
 
-    def test_a_command_is_needed(self):
+    def test_a_missing_command_is_an_error_that_names_the_commands(self):
         for command in set(COMMANDS) - {"help"}:
             self.assertFailsInBothForms(2, saying=command)
 
-    def test_an_unknown_command_is_named_and_the_known_ones_listed(self):
+    def test_the_error_of_an_unknown_command_names_the_command_and_the_known_commands(self):
         self.assertFailsInBothForms(2, "statsu", saying="statsu")
         self.assertFailsInBothForms(2, "statsu", saying="button-security")
 
-    def test_an_unknown_option_is_named(self):
+    def test_the_error_of_an_unknown_option_names_the_option(self):
         self.assertFailsInBothForms(2, "status", "--tiemout", "3", saying="--tiemout")
 
-    def test_a_mistyped_name_is_answered_with_a_similar_one(self):
+    def test_the_error_of_a_mistyped_command_or_option_suggests_a_similar_name(self):
         for arguments, meant in ((("statsu",), "status"), (("firm",), "firmware"), (("help", "prnt"), "print"),
                                  (("--tiemout=3", "online"), "--timeout"), (("online", "--devcie", "x"), "--device"),
                                  (("print", "-", "--reciept", "a.txt"), "--receipt")):
@@ -59,62 +59,62 @@ class Usage(Case):
         for arguments in (("xyzzy",), ("online", "--xyzzy"), ("x" * 100000,)):
             self.assertNotIn("did you mean", self.assertFailsInBothForms(2, *arguments).err)
 
-    def test_an_option_before_its_command_is_refused_and_the_right_order_is_shown(self):
+    def test_the_error_of_an_option_before_its_command_shows_the_right_order(self):
         self.assertFailsInBothForms(2, "--end-timeout", "2000", "print", "-", saying='"--end-timeout" belongs after the command print')
         self.assertFailsInBothForms(2, "-v", "status", saying='"-v" belongs after the command status')
 
-    def test_unexpected_words_are_named_in_their_order(self):
+    def test_the_error_of_unexpected_arguments_names_the_arguments_in_order(self):
         self.assertFailsInBothForms(2, "status", "a", "b", "c", saying='"a", "b", "c"')
 
-    def test_help_is_a_command_as_well(self):
+    def test_the_command_help_shows_the_same_text_as_the_option_help(self):
         self.assertEqual(run("help").out, run("--help").out)
         for command in COMMANDS:
             self.assertEqual(run("help", command).out, run(command, "--help").out, command)
             self.assertExit(0, run("help", command))
 
-    def test_a_usage_error_of_print_has_an_outcome(self):
+    def test_the_json_answer_of_a_usage_error_of_print_has_an_outcome(self):
         for arguments in (("print",), ("print", "-"), ("print", "a", "b"), ("-d", "virtual:", "print", "-", "--tiemout"),
                           ("-t", "x", "print", "-"), ("-d", "pigeon:", "print", "-"), ("print", "-", "-e", "pcl")):
             answer = run(*arguments, "--json", data=b"text\n").json()
             self.assertEqual((answer["ok"], answer["outcome"], answer["bytesAccepted"]), (False, "refused", 0), arguments)
             self.assertTrue(answer["error"])
 
-    def test_an_option_without_its_value_is_named(self):
+    def test_the_error_of_a_missing_value_names_the_option(self):
         self.assertFailsInBothForms(2, "online", "--timeout=", saying="--timeout")
         self.assertIn("--timeout", run("online", "--timeout").err)
 
-    def test_too_many_arguments_are_named(self):
+    def test_the_error_of_a_second_file_names_the_file(self):
         self.assertFailsInBothForms(2, "print", "a", "b", saying="b")
 
     def test_print_needs_a_file(self):
         self.assertFailsInBothForms(2, "print", saying="FILE")
 
-    def test_an_invalid_time_is_refused_and_the_valid_values_are_named(self):
+    def test_the_error_of_an_invalid_time_names_the_valid_values(self):
         for wrong in ("abc", "-1", "4294967296", "1.5", "", "0x10", "99999999999999999999"):
             result = self.assertFailsInBothForms(2, "online", "--timeout", wrong, saying="4294967295")
             self.assertIn("--timeout", result.err)
         for option in ("--end-timeout", "--hold-print-timeout"):
             self.assertFailsInBothForms(2, "print", "-", option, "4294967296", saying=option)
 
-    def test_times_at_both_ends_of_the_range_are_taken(self):
+    def test_times_at_both_ends_of_the_range_are_accepted(self):
         for right in ("0", "4294967295", "0010"):
             self.assertExit(0, run("online", "--timeout", right))
 
-    def test_an_emulation_is_taken_in_any_letter_case(self):
+    def test_an_emulation_is_accepted_in_any_letter_case(self):
         for name in ("line", "LINE", "EscPos"):
             self.assertExit(0, run("online", "-e", name))
 
-    def test_an_unknown_emulation_is_refused_and_the_known_ones_are_listed(self):
+    def test_the_error_of_an_unknown_emulation_lists_the_known_emulations(self):
         self.assertFailsInBothForms(2, "online", "-e", "pcl", saying="line, escpos or unknown")
 
-    def test_a_log_level_is_0_to_63(self):
+    def test_a_log_level_must_be_from_0_to_63(self):
         refusal = self.assertFailsInBothForms(2, "online", "--log-level", "99").json()["error"]
         self.assertTrue(refusal.startswith('--log-level takes a level from 0 to 63, not "99"'), refusal)
 
-    def test_a_receipt_is_a_picture_or_a_text(self):
+    def test_a_receipt_file_must_be_a_png_or_txt_file(self):
         self.assertFailsInBothForms(2, "print", "-", "--receipt", "a.pdf", saying=".png or .txt")
 
-    def test_an_invalid_device_is_refused_and_the_right_form_is_shown(self):
+    def test_the_error_of_an_invalid_device_shows_the_right_form(self):
         for spec, saying in [
             ("udp:h:1", "tcp:HOST:PORT"),
             ("kitchen:9100", "tcp:kitchen:9100"),
@@ -133,20 +133,20 @@ class Usage(Case):
             result = self.assertFailsInBothForms(2, "-d", spec, "online", saying=saying)
             self.assertIn("--device", result.err)
 
-    def test_global_options_are_taken_before_and_after_the_command(self):
+    def test_global_options_are_accepted_before_and_after_the_command(self):
         before = run("-d", "virtual:,coverOpen=true", "--json", "online")
         after = run("online", "--json", "-d", "virtual:,coverOpen=true")
         self.assertEqual((before.code, before.out), (after.code, after.out))
         self.assertExit(4, before)
 
-    def test_if_an_option_is_given_twice_the_last_one_counts(self):
+    def test_the_last_value_of_a_repeated_option_is_used(self):
         self.assertExit(2, run("online", "-t", "5", "-t", "x"))
         self.assertExit(0, run("online", "-e", "unknown", "-e", "line"))
 
-    def test_a_value_may_be_empty(self):
+    def test_the_value_of_an_option_may_be_empty(self):
         self.assertExit(0, run("online", "--settings=", "--settings", ""))
 
-    def test_a_device_does_not_swallow_the_command_after_it(self):
+    def test_a_command_may_follow_a_device_option(self):
         self.assertExit(0, run("-d", "virtual:A", "-d", "virtual:B", "online"))
 
     def test_a_word_after_a_double_dash_is_not_an_option(self):
@@ -159,7 +159,7 @@ class Usage(Case):
         self.file("status", b"text\n")
         self.assertExit(0, run("-d", "virtual:", "print", "status", cwd=self.folder))
 
-    def test_control_characters_and_invalid_bytes_are_escaped(self):
+    def test_control_characters_and_invalid_bytes_of_arguments_are_escaped(self):
         for name in (b"BT:a\x1b[2J\x07", b"BT:\xff\xfe", b"BT:%s%n%d", b"BT:" + b"x" * 100000):
             result = run("-p", name, "online")
             self.assertExit(3, result)
@@ -168,17 +168,17 @@ class Usage(Case):
             self.assertLess(len(result.err), 2000)
             self.assertIs(run("-p", name, "online", "--json").json()["ok"], False)
 
-    def test_port_names_that_are_too_short_match_nothing_and_are_reported(self):
+    def test_a_port_name_that_is_too_short_is_reported(self):
         for name in ("", "B", "BT"):
             self.assertFailsInBothForms(3, "-p", name, "online", saying="shorter than its prefix of three characters")
 
-    def test_hostile_settings_are_only_searched_for_their_option(self):
+    def test_arbitrary_port_settings_have_no_effect_but_their_option(self):
         for settings in ("%s%n", "d300", "dd5", "x" * 100000, "\x1b"):
             self.assertExit(0, run("-s", settings, "online"))
 
 
 class StandardStreams(Case):
-    def test_the_printer_never_gets_the_descriptor_of_a_closed_stream(self):
+    def test_a_printer_link_never_reuses_the_descriptor_of_a_closed_standard_stream(self):
         simulator = self.simulator()
         for closed in ("<&-", ">&-", "2>&-", "<&- >&- 2>&-"):
             command = f'exec "$QUORPORT" -d {simulator.place} print "$0" {closed}'
@@ -187,25 +187,25 @@ class StandardStreams(Case):
             self.assertEqual(shell.returncode, 0, closed)
         self.assertEqual(simulator.state()["printedBytes"], 4 * len(b"text\n"))
 
-    def test_an_answer_that_nobody_can_read_is_a_failure(self):
+    def test_a_command_fails_if_its_answer_cannot_be_written(self):
         with open("/dev/full", "wb") as full:
             for command in ("status", "list", "online", "firmware", "--help"):
                 result = run(command, stdout=full)
                 self.assertExit(1, result)
                 self.assertIn("standard output", result.err)
 
-    def test_a_printed_job_whose_result_nobody_can_read_ends_as_unconfirmed(self):
+    def test_print_ends_as_unconfirmed_if_the_answer_of_a_printed_job_cannot_be_written(self):
         for options in ((), ("--json",)):
             with open("/dev/full", "wb") as full:
                 result = run("-d", "virtual:", "print", "-", *options, data=b"text\n", stdout=full)
             self.assertExit(6, result)
             self.assertIn("the result could not be written to standard output: No space left", result.err)
 
-    def test_a_job_that_was_not_printed_keeps_its_status_when_nobody_can_read_it(self):
+    def test_print_ends_with_the_status_of_a_refused_job_even_if_the_answer_cannot_be_written(self):
         with open("/dev/full", "wb") as full:
             self.assertExit(4, run("-d", "virtual:coverOpen=true", "print", "-", data=b"text\n", stdout=full))
 
-    def test_a_reader_that_disconnects_does_not_kill_the_command(self):
+    def test_a_broken_output_pipe_does_not_kill_the_command(self):
         reader, writer = os.pipe()
         os.close(reader)
         with open(writer, "wb") as pipe:

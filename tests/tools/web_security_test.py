@@ -18,7 +18,7 @@ def line_of(answer: bytes) -> bytes:
     return answer.split(b"\r\n", 1)[0]
 
 
-class Strangers(BrowserCase):
+class WebRequestsOfOthers(BrowserCase):
     def setUp(self):
         super().setUp()
         self.simulator_, self.browser = self.open()
@@ -40,7 +40,7 @@ class Strangers(BrowserCase):
             self.refused(path)
         self.refused("/api/control", "POST", Content_Type="application/json")
 
-    def test_pages_of_another_origin_read_and_change_nothing(self):
+    def test_pages_of_another_origin_can_read_and_change_nothing(self):
         for origin in ("http://evil.example", "null", "https://" + self.browser.authority, "http://127.0.0.1",
                        f"http://localhost:{self.browser.port}", "http://127.0.0.1:1", ""):
             headers = {"Origin": origin or " x"}
@@ -53,7 +53,7 @@ class Strangers(BrowserCase):
         self.assertEqual(self.browser.ask("api/printers", Origin=own).status, 200)
         self.assertEqual(self.browser.control({"get": "state"}, Origin=own)["ok"], True)
 
-    def test_preflight_requests_get_no_permission(self):
+    def test_preflight_requests_are_refused(self):
         answer = self.browser.ask("api/control", "OPTIONS", Origin="http://" + self.browser.authority,
                                   Access_Control_Request_Method="POST")
         self.assertEqual(answer.status, 405)
@@ -67,13 +67,13 @@ class Strangers(BrowserCase):
         for host in (f"127.0.0.1:{port}", f"localhost:{port}", f"[::1]:{port}"):
             self.assertEqual(self.browser.ask("", Host=host).status, 200, host)
 
-    def test_requests_that_send_a_form_change_nothing(self):
+    def test_form_submissions_are_refused_and_change_nothing(self):
         for kind in ("text/plain", "application/x-www-form-urlencoded", "multipart/form-data; boundary=x", "application/jsonx"):
             answer = self.browser.ask("api/control", "POST", b'{"set": {"coverOpen": true}}', Content_Type=kind)
             self.assertEqual(answer.status, 415, kind)
         self.assertFalse(self.simulator_.state()["coverOpen"])
 
-    def test_answers_forbid_other_scripts_and_guessing_of_types(self):
+    def test_answers_forbid_foreign_scripts_and_content_type_sniffing(self):
         for path in ("", "page/main.js", "api/printers", "receipts/9", "/elsewhere"):
             headers = self.browser.ask(path).headers
             self.assertIn("default-src 'none'", headers["Content-Security-Policy"])
@@ -83,13 +83,13 @@ class Strangers(BrowserCase):
             self.assertEqual(headers["Referrer-Policy"], "no-referrer")
             self.assertEqual(headers["Cross-Origin-Resource-Policy"], "same-origin")
 
-    def test_other_machines_do_not_reach_it_by_default(self):
+    def test_other_machines_cannot_reach_the_web_server_by_default(self):
         inode_lines = [line.split() for line in Path("/proc/net/tcp").read_text().splitlines()[1:]]
         places = [fields[1] for fields in inode_lines if int(fields[1].split(":")[1], 16) == self.browser.port and fields[3] == "0A"]
         self.assertEqual(places, [f"0100007F:{self.browser.port:04X}"])
 
 
-class Limits(BrowserCase):
+class WebRequestLimits(BrowserCase):
     def setUp(self):
         super().setUp()
         self.simulator_, self.browser = self.open()
@@ -155,7 +155,7 @@ class Limits(BrowserCase):
         self.assertIsNone(self.simulator_.process.poll())
         self.assertEqual(self.browser.ask("").status, 200)
 
-    def test_strange_paths_and_queries_cause_no_error(self):
+    def test_unusual_paths_and_queries_cause_no_server_error(self):
         for path in ("receipts/1.json?from=-1", "receipts/99999999999999999999", "receipts/1.png%00", "api/receipts?before=x",
                      "api/printers/0/control", "api/printers/18446744073709551616/control", "page/%2e%2e/index.html",
                      "%2e%2e/", "api/receipts?before=%ff&&=&before"):
@@ -164,7 +164,7 @@ class Limits(BrowserCase):
                 self.assertIn(answer.status, (200, 404), path)
 
 
-class Crowd(BrowserCase):
+class ManyWebClients(BrowserCase):
     """Clients that use up resources; printing takes as long as without them."""
 
     JOB = b"a line of text\n" * 200
@@ -174,7 +174,7 @@ class Crowd(BrowserCase):
         self.assertExit(0, result)
         self.assertLess(result.seconds, 5)
 
-    def test_a_thousand_idle_clients_delay_nothing(self):
+    def test_a_thousand_idle_web_clients_do_not_delay_other_clients(self):
         simulator, browser = self.open()
         clients = [browser.connect() for _ in range(500)]
         for client in clients[::2]:
@@ -190,7 +190,7 @@ class Crowd(BrowserCase):
             for client in clients:
                 client.close()
 
-    def test_readers_of_a_byte_a_second_delay_nothing(self):
+    def test_web_clients_that_read_a_byte_a_second_do_not_delay_other_clients(self):
         simulator, browser = self.open()
         quick = self.events(browser)
         slow = []
@@ -206,7 +206,7 @@ class Crowd(BrowserCase):
             for connection in slow:
                 self.assertTrue(connection.recv(1))
 
-    def test_a_reader_that_reads_nothing_is_disconnected(self):
+    def test_a_web_client_that_reads_nothing_is_disconnected(self):
         simulator, browser = self.open()
         stuck = browser.connect(room=2048)
         self.addCleanup(stuck.close)
@@ -226,7 +226,7 @@ class Crowd(BrowserCase):
         self.assertTrue(has_ended())
 
 
-class Memory(BrowserCase):
+class WebServerMemory(BrowserCase):
     def resident(self, simulator) -> int:
         """The memory of the process, in MiB."""
         for line in Path(f"/proc/{simulator.process.pid}/status").read_text().splitlines():
@@ -234,7 +234,7 @@ class Memory(BrowserCase):
                 return int(line.split()[1]) // 1024
         raise AssertionError("no such line")
 
-    def test_a_thousand_receipts_take_no_more_memory_than_two_hundred(self):
+    def test_a_thousand_stored_receipts_take_no_more_memory_than_two_hundred(self):
         simulator, browser = self.open()
         events = self.events(browser)
 

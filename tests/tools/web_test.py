@@ -31,25 +31,25 @@ def print_job(simulator, data: bytes):
         host.sendall(data)
 
 
-class Address(BrowserCase):
-    def test_is_in_the_first_object_of_json(self):
+class WebAddress(BrowserCase):
+    def test_the_web_address_is_in_the_first_json_line(self):
         shop = Running("--json", "simulate", "--listen", "tcp:0", "--web", "0")
         self.addCleanup(shop.kill)
         first = json.loads(shop.line())
         self.assertRegex(first["web"], r"^http://127\.0\.0\.1:\d+/[0-9a-f]{32}/$")
 
-    def test_is_different_each_time(self):
+    def test_the_web_address_is_different_each_time(self):
         self.assertNotEqual(self.open()[1].prefix, self.open()[1].prefix)
 
-    def test_that_is_invalid_is_a_usage_error(self):
+    def test_an_invalid_web_address_is_a_usage_error(self):
         for text in ("", "eighty", "127.0.0.1:65536"):
             self.assertFailsInBothForms(2, "simulate", "--listen", "tcp:0", "--web", text, saying="--web takes")
 
-    def test_that_is_in_use_is_refused(self):
+    def test_a_web_address_that_is_in_use_is_refused(self):
         _, browser = self.open()
         self.assertFailsInBothForms(1, "simulate", "--listen", "tcp:0", "--web", str(browser.port), saying="listen")
 
-    def test_shows_the_page_and_its_files(self):
+    def test_the_web_address_serves_the_page_and_its_files(self):
         _, browser = self.open()
         page = browser.ask("")
         self.assertEqual((page.status, page.headers["Content-Type"]), (200, "text/html; charset=utf-8"))
@@ -62,7 +62,7 @@ class Address(BrowserCase):
 
 
 class ControlLines(BrowserCase):
-    def test_every_input_answers_each_line_alike(self):
+    def test_the_web_and_standard_input_answer_each_control_line_alike(self):
         simulator, browser = self.open()
         lines = [b'{"set": {"coverOpen": true, "speed": 300}}', b'{"get": "state"}', b'{"get": "settings"}',
                  b'{"get": "counters"}', b'{"fault": {"late-reply": "30@block"}}', b'{"get": "faults"}', b'{"clear": "faults"}',
@@ -72,7 +72,7 @@ class ControlLines(BrowserCase):
             self.assertEqual(browser.control(line), simulator.raw_control(line + b"\n"), line)
             self.assertEqual(browser.control(line, printer=1), simulator.raw_control(line + b"\n"), line)
 
-    def test_a_printer_is_controlled_by_its_number_even_without_a_name(self):
+    def test_a_printer_without_a_name_is_controlled_by_its_number(self):
         simulator, browser = self.open("--listen", "tcp:0")
         self.assertEqual(browser.control({"set": {"coverOpen": True}}, printer=2), {"ok": True})
         self.assertFalse(simulator.state()["coverOpen"])
@@ -81,12 +81,12 @@ class ControlLines(BrowserCase):
         answer = browser.ask("api/printers/3/control", "POST", b"{}", Content_Type="application/json")
         self.assertEqual(answer.status, 404)
 
-    def test_a_control_line_ends_the_program(self):
+    def test_the_control_line_quit_ends_simulate(self):
         simulator, browser = self.open()
         self.assertEqual(browser.control({"quit": True}), {"ok": True})
         self.assertEqual(simulator.process.wait(30), 0)
 
-    def test_a_control_line_tears_the_paper_off(self):
+    def test_the_control_line_tear_tears_the_paper_off(self):
         simulator, browser = self.open()
         events = self.events(browser)
         with simulator.connect() as host:
@@ -99,7 +99,7 @@ class ControlLines(BrowserCase):
         self.assertEqual(events.next("receipt")["id"], 2)
         self.assertEqual(browser.ask("receipts/2.txt").content, b"rest\n")
 
-    def test_a_control_line_prints_a_test_receipt_between_the_jobs_of_a_host(self):
+    def test_the_control_line_print_prints_a_test_receipt_between_the_jobs_of_a_host(self):
         simulator, browser = self.open("--set", "profile=escpos-58")
         events = self.events(browser)
         self.assertEqual(browser.control({"print": "test"}), {"ok": True})
@@ -127,8 +127,8 @@ class ControlLines(BrowserCase):
         self.assertEqual(counters, {"jobs": 1, "cuts": 2, "drawer": 1, "beeps": 0, "bytes": 19})
 
 
-class Forms(BrowserCase):
-    def test_list_every_setting_and_fault_with_its_values(self):
+class WebForms(BrowserCase):
+    def test_the_forms_list_every_setting_and_fault_with_its_values(self):
         simulator, browser = self.open()
         forms = browser.json("api/forms")
         self.assertEqual({form["key"] for form in forms["flags"]} | {"firmware", "dip1", "dip2", "speed", "profile", "proofs",
@@ -144,7 +144,7 @@ class Forms(BrowserCase):
         for action in forms["actions"]:
             self.assertEqual(simulator.control(action["line"]), {"ok": True})
 
-    def test_get_settings_returns_the_value_of_each_setting(self):
+    def test_the_control_line_get_settings_returns_the_value_of_each_setting(self):
         _, browser = self.open()
         keys = {form["key"] for form in browser.json("api/forms")["settings"]}
         browser.control({"set": {"paper": 58, "utf8": False, "maker": "Mine"}})
@@ -153,8 +153,8 @@ class Forms(BrowserCase):
         self.assertEqual((settings["paper"], settings["utf8"], settings["maker"], settings["codePages"]), (58, False, "Mine", "common"))
 
 
-class Stream(BrowserCase):
-    def test_begins_with_the_state_of_all_printers(self):
+class EventStream(BrowserCase):
+    def test_the_event_stream_begins_with_the_state_of_all_printers(self):
         _, browser = self.open("--listen", "tcp:0,name=kitchen")
         snapshot = self.events(browser).next()
         self.assertEqual(snapshot["event"], "snapshot")
@@ -163,7 +163,7 @@ class Stream(BrowserCase):
         for key in ("state", "settings", "counters", "faults", "paper", "host", "place"):
             self.assertIn(key, snapshot["printers"][0])
 
-    def test_shows_the_paper_line_by_line_as_it_is_printed(self):
+    def test_the_event_stream_has_each_printed_line_of_paper(self):
         simulator, browser = self.open()
         events = self.events(browser)
         with simulator.connect() as host:
@@ -176,7 +176,7 @@ class Stream(BrowserCase):
             self.assertEqual(events.next("paper")["cuts"], [{"row": 90, "partial": False}])
         self.assertEqual(events.all_of("torn", "receipt")["receipt"]["cuts"], 1)
 
-    def test_replaces_the_rows_that_are_printed_over(self):
+    def test_the_event_stream_replaces_rows_that_are_printed_over(self):
         simulator, browser = self.open()
         events = self.events(browser)
         with simulator.connect() as host:
@@ -188,7 +188,7 @@ class Stream(BrowserCase):
                 paper = events.next("paper")
             self.assertEqual(paper["row"], 0)
 
-    def test_shows_a_page_that_is_opened_late_the_paper_so_far(self):
+    def test_the_event_stream_gives_a_page_opened_later_the_paper_so_far(self):
         simulator, browser = self.open()
         with simulator.connect() as host:
             host.sendall(b"early\n")
@@ -196,7 +196,7 @@ class Stream(BrowserCase):
             late = self.events(browser)
             self.assertEqual([late.next()["event"] for _ in range(2)], ["snapshot", "paper"])
 
-    def test_shows_each_change_of_the_state(self):
+    def test_the_event_stream_has_each_change_of_the_state(self):
         simulator, browser = self.open()
         events = self.events(browser)
         events.next("snapshot")
@@ -206,7 +206,7 @@ class Stream(BrowserCase):
         faults = eventually(lambda: events.next("state")["faults"], "the fault is there")
         self.assertEqual(faults, [{"name": "late-reply", "value": "300"}])
 
-    def test_logs_commands_answers_control_lines_and_hosts(self):
+    def test_the_event_stream_logs_commands_answers_control_lines_and_hosts(self):
         simulator, browser = self.open()
         events = self.events(browser)
         with simulator.connect() as host:
@@ -224,7 +224,7 @@ class Stream(BrowserCase):
         answers = [entry for entry in entries if entry["kind"] == "answer"]
         self.assertEqual([len(entry["bytes"]) for entry in answers], [18])
 
-    def test_shows_a_page_that_is_opened_late_the_latest_entries_of_the_log(self):
+    def test_the_event_stream_gives_a_page_opened_later_the_latest_log_entries(self):
         simulator, browser = self.open()
         events = self.events(browser)
         for _ in range(250):
@@ -238,7 +238,7 @@ class Stream(BrowserCase):
         log = late.next("log")
         self.assertEqual((log["entries"], log["skipped"]), (seen[50:], 50))
 
-    def test_continues_after_the_last_event_that_was_read(self):
+    def test_the_event_stream_continues_after_the_last_event_that_was_read(self):
         simulator, browser = self.open()
         events = self.events(browser)
         simulator.set(coverOpen=True)
@@ -250,7 +250,7 @@ class Stream(BrowserCase):
         self.assertEqual(self.events(browser, Last_Event_ID="x").next()["event"], "snapshot")
 
 
-class Receipts(BrowserCase):
+class WebReceipts(BrowserCase):
     JOB = b"\x1b@Hello\n\x1b\x45\x01bold\n\x1d\x79\x00" + CUT
 
     def receipt(self, data: bytes = JOB, *arguments: str):
@@ -259,14 +259,14 @@ class Receipts(BrowserCase):
         print_job(simulator, data)
         return browser, events.next("receipt")
 
-    def test_are_picture_text_and_bytes(self):
+    def test_a_receipt_is_served_as_picture_text_and_bytes(self):
         browser, receipt = self.receipt()
         address = receipt["address"]
         self.assertEqual(browser.ask(address + ".bin").content, self.JOB)
         self.assertTrue(browser.ask(address + ".txt").content.startswith(b"Hello\nbold\n"))
         self.assertEqual(size_of(browser.ask(address + ".png").content), (receipt["width"], receipt["height"]))
 
-    def test_name_each_command(self):
+    def test_a_receipt_names_each_command_of_its_job(self):
         browser, receipt = self.receipt()
         told = browser.json(receipt["address"] + ".json")
         commands = [(c["offset"], c["name"], c["meaning"]) for c in told["commands"]]
@@ -276,7 +276,7 @@ class Receipts(BrowserCase):
         self.assertEqual([(u["name"], u["offset"]) for u in told["record"]["unknown"]], [("GS y", 16)])
         self.assertEqual((told["kept"], told["bytes"], told["next"]), (len(self.JOB), len(self.JOB), None))
 
-    def test_list_their_commands_in_parts(self):
+    def test_the_commands_of_a_receipt_are_served_in_parts(self):
         browser, receipt = self.receipt(b"a\n" * 1500)
         address = receipt["address"] + ".json"
         first = browser.json(address)
@@ -284,7 +284,7 @@ class Receipts(BrowserCase):
         rest = browser.json(f"{address}?from={first['next']}")
         self.assertEqual((len(rest["commands"]), rest["commands"][0]["offset"], rest["next"]), (1000, 2000, None))
 
-    def test_a_picture_of_any_length_is_served_in_pieces(self):
+    def test_the_picture_of_a_long_receipt_is_served_in_pieces(self):
         browser, receipt = self.receipt(b"a line of text\n" * 300)
         address, rows = receipt["address"] + ".png", receipt["pieceRows"]
         self.assertGreater(receipt["height"], 2 * rows)
@@ -295,26 +295,26 @@ class Receipts(BrowserCase):
         for row in (1, rows + 1, 3 * rows, 10**18):
             self.assertEqual(browser.ask(f"{address}?from={row}").status, 404, row)
 
-    def test_a_short_picture_is_one_piece(self):
+    def test_the_picture_of_a_short_receipt_is_served_in_one_piece(self):
         browser, receipt = self.receipt()
         address = receipt["address"] + ".png"
         self.assertEqual(browser.ask(address + "?from=0").content, browser.ask(address).content)
         self.assertEqual(browser.ask(f"{address}?from={receipt['pieceRows']}").status, 404)
 
-    def test_of_a_job_without_paper_have_no_picture(self):
+    def test_the_receipt_of_a_job_without_paper_has_no_picture(self):
         browser, receipt = self.receipt(b"\x1b\x70\x00\x10\x10")
         self.assertEqual((receipt["width"], receipt["height"]), (0, 0))
         self.assertEqual(browser.ask(receipt["address"] + ".png").status, 404)
         self.assertEqual(browser.json(receipt["address"] + ".json")["record"]["drawer"], 1)
 
-    def test_end_at_each_cut_if_that_is_chosen(self):
+    def test_a_receipt_ends_at_each_cut_with_the_option_per_cut(self):
         simulator, browser = self.open("--per", "cut")
         events = self.events(browser)
         print_job(simulator, b"one\n" + CUT + b"two\n" + CUT)
         self.assertEqual([events.next("receipt")["id"] for _ in range(2)], [1, 2])
         self.assertIn(b"two", browser.ask("receipts/2.txt").content)
 
-    def test_name_their_printer(self):
+    def test_a_receipt_names_its_printer(self):
         simulator, browser = self.open("--listen", "tcp:0,name=kitchen")
         events = self.events(browser)
         place = browser.json("api/printers")["printers"][1]["place"]

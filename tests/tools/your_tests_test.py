@@ -11,7 +11,7 @@ from harness import DEADLINE, QUORPORT, Case, main
 EXAMPLES = Path(__file__).parents[2] / "examples/your-tests"
 
 
-class YourTests(Case):
+class ExampleTests(Case):
     def check(self, command: list[str], name: str):
         """Runs the example unchanged, and with a receipt whose code page lacks a character."""
         source = (EXAMPLES / name).read_text(encoding="utf-8")
@@ -23,14 +23,14 @@ class YourTests(Case):
             ran = subprocess.run([*command, file], env=environment, capture_output=True, timeout=DEADLINE, check=False)
             self.assertEqual(ran.returncode == 0, is_right, ran)
 
-    def test_the_python_example_runs(self):
+    def test_the_python_example_of_a_test_passes(self):
         self.check(["python3"], "receipt_test.py")
 
-    def test_the_shell_example_runs(self):
+    def test_the_shell_example_of_a_test_passes(self):
         self.check(["bash"], "receipt_test.sh")
 
     @unittest.skipUnless(shutil.which("node"), "node is not installed")
-    def test_the_javascript_example_runs(self):
+    def test_the_javascript_example_of_a_test_passes(self):
         self.check(["node", "--test"], "receipt.test.js")
 
 

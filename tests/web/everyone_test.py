@@ -51,7 +51,7 @@ OPERATED = {"button", "link", "switch", "checkbox", "textbox", "searchbox", "com
             "DisclosureTriangle"}
 
 
-class Everyone(ShopCase):
+class Accessibility(ShopCase):
     def shop_with_a_receipt(self, **emulation) -> tuple[Page, str]:
         shop = self.shop()
         page = self.shop_page(shop, **emulation)
@@ -69,7 +69,7 @@ class Everyone(ShopCase):
         page.until("document.querySelector('.commands tr')", "the commands are listed")
         yield page
 
-    def test_every_control_is_reached_by_the_keyboard_and_shows_it(self):
+    def test_every_control_can_be_reached_by_the_keyboard_with_a_visible_focus(self):
         for page in self.both_pages():
             for _ in range(400):
                 page.press("Tab")
@@ -79,7 +79,7 @@ class Everyone(ShopCase):
                 self.assertTrue(at["outline"] and at["seen"], at)
             self.assertEqual(page.evaluate(UNVISITED), [])
 
-    def test_a_printer_is_operated_by_the_keyboard_alone(self):
+    def test_a_printer_can_be_operated_by_the_keyboard_alone(self):
         page = self.shop_page(self.shop())
         self.tab_to(page, "document.querySelector('.switches input')")
         page.press("Space")
@@ -113,34 +113,34 @@ class Everyone(ShopCase):
                 self.assertEqual(roles.count(landmark), 1, landmark)
             self.assertGreaterEqual(roles.count("heading"), 2)
 
-    def test_conditions_are_switches_and_say_whether_they_are_on(self):
+    def test_each_condition_is_a_switch_that_exposes_whether_it_is_on(self):
         page, _ = self.shop_with_a_receipt()
         self.turn(page, "Cover open")
         self.condition(page, "Off line: cover open")
         switches = {node["name"]: node.get("checked") for node in page.tree() if node["role"] == "switch"}
         self.assertEqual((switches["Cover open"], switches["Paper out"]), ("true", "false"))
 
-    def test_sliders_say_their_value_in_words(self):
+    def test_each_slider_exposes_its_value_in_words(self):
         page = self.shop_page(self.shop())
         self.assertEqual({node["name"] for node in page.tree() if node["role"] == "slider"}, {"Speed", "Buffer"})
         # The browser's own tree gives the position of a native slider, whatever its words.
         spoken = "[...document.querySelectorAll('.sliders input')].map((one) => one.getAttribute('aria-valuetext'))"
         self.assertEqual(page.evaluate(spoken), ["unlimited", "4\u2009096 bytes"])
 
-    def test_a_change_is_announced_once(self):
+    def test_a_change_is_announced_once_to_screen_readers(self):
         page = self.shop_page(self.shop())
         self.turn(page, "Cover open")
         page.until("document.querySelector('#announcer').textContent.endsWith('Off line: cover open')")
         self.assertEqual(page.evaluate("document.querySelectorAll('[aria-live=assertive]').length"), 0)
 
-    def test_every_text_is_readable_in_the_light_and_in_the_dark(self):
+    def test_every_text_has_enough_contrast_in_the_light_and_the_dark_theme(self):
         for dark in (False, True):
             for page in self.both_pages(dark=dark):
                 self.assertEqual(page.evaluate(FAINT), [], f"dark: {dark}")
                 lightness = page.evaluate("getComputedStyle(document.body).backgroundColor.match(/\\d+/g).map(Number)")
                 self.assertEqual(sum(lightness) < 3 * 64, dark)
 
-    def test_nothing_is_wider_than_a_phone_of_360_pixels(self):
+    def test_the_page_fits_on_a_phone_of_360_pixels(self):
         for page in self.both_pages(width=360, height=740):
             self.assertEqual(page.evaluate("document.documentElement.scrollWidth"), 360)
             small = page.evaluate("""[...document.querySelectorAll('button, select, summary, input:not([type=checkbox])')]

@@ -81,7 +81,7 @@ class OtherOrigin(ShopCase):
             try {{ return String(await {script}); }} catch {{ return ''; }}
           }})({shop.address!r})""")
 
-    def test_no_attempt_of_another_page_gets_or_changes_anything(self):
+    def test_a_page_of_another_origin_can_read_and_change_nothing(self):
         shop = self.shop()
         own = self.shop_page(shop)
         own.evaluate("document.title = 'the shop'")
@@ -93,7 +93,7 @@ class OtherOrigin(ShopCase):
         state = own.evaluate("fetch('api/printers').then((answer) => answer.json()).then((all) => all.printers[0].state.coverOpen)")
         self.assertIs(state, False)
 
-    def test_the_page_s_own_origin_may(self):
+    def test_a_page_of_the_own_origin_can_read_and_change_the_printer(self):
         """The attempts above work from the page's own origin, so they are not merely broken."""
         shop = self.shop()
         own = self.shop_page(shop)

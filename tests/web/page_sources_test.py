@@ -31,14 +31,14 @@ def files(*endings: str) -> list[Path]:
     return sorted(file for file in FOLDER.iterdir() if file.suffix in endings)
 
 
-class Sources(unittest.TestCase):
-    def test_nothing_in_them_breaks_the_policy(self):
+class PageSources(unittest.TestCase):
+    def test_the_page_sources_follow_the_security_policy(self):
         for fault, (endings, pattern) in FORBIDDEN.items():
             for file in files(*endings.split()):
                 with self.subTest(fault, file=file.name):
                     self.assertIsNone(re.search(pattern, file.read_text()))
 
-    def test_the_patterns_find_what_they_forbid(self):
+    def test_each_pattern_of_the_policy_finds_its_violation(self):
         for fault, bad in {"a script in the document": "<script>go()</script>", "a style in the document": '<p style="x">',
                            "a handler in the document": '<p onclick="x()">', "an address elsewhere": "https://fonts.example/x",
                            "markup made of a text": "p.innerHTML = text", "code made of a text": "eval(text)",
@@ -55,7 +55,7 @@ class Sources(unittest.TestCase):
             used |= set(names)
         self.assertEqual({file.name for file in files(".js", ".css", ".svg")} - used, set())
 
-    def test_their_files_and_lines_are_short(self):
+    def test_the_files_and_lines_of_the_page_sources_are_short(self):
         for file in files(".html", ".css", ".js"):
             lines = file.read_text().splitlines()
             self.assertLessEqual(len(lines), LONGEST_FILE, file.name)
@@ -63,7 +63,7 @@ class Sources(unittest.TestCase):
 
 
 @unittest.skipUnless(shutil.which("node"), "needs node")
-class Modules(unittest.TestCase):
+class PageModules(unittest.TestCase):
     """Runs under node, which reads a file as a module if its package says so."""
 
     def setUp(self):
@@ -74,7 +74,7 @@ class Modules(unittest.TestCase):
             shutil.copy(file, self.folder)
         (self.folder / "package.json").write_text('{"type": "module"}')
 
-    def test_they_parse_and_functions_without_a_document_are_right(self):
+    def test_the_page_modules_pass_their_unit_tests(self):
         done = subprocess.run(["node", "--experimental-vm-modules", "--no-warnings", "modules_test.js"], cwd=self.folder,
                               capture_output=True, text=True, timeout=60)
         self.assertEqual(done.returncode, 0, done.stdout + done.stderr)

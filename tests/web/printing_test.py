@@ -18,8 +18,8 @@ INK = """[...document.querySelectorAll('.strip canvas')].reduce((sum, canvas) =>
 FIGURE = "[...document.querySelectorAll('.figures dt')].find((name) => name.textContent === {0!r}).nextSibling.textContent"
 
 
-class Printing(ShopCase):
-    def test_a_job_waits_for_the_cover_and_is_printed_when_the_page_closes_it(self):
+class PrintingOnThePage(ShopCase):
+    def test_a_job_waits_until_the_cover_is_closed_on_the_page(self):
         shop = self.shop("--set", "speed=50", "--set", "profile=escpos-80")
         page = self.shop_page(shop)
         page.until(f"{INK} === 0", "no paper hangs out")
@@ -37,7 +37,7 @@ class Printing(ShopCase):
         out, _ = till.communicate(timeout=DEADLINE)
         self.assertEqual((till.returncode, json.loads(out)["outcome"]), (0, "printed"))
 
-    def test_a_receipt_has_an_address_and_shows_picture_text_and_named_bytes(self):
+    def test_the_page_of_a_receipt_shows_picture_text_and_named_bytes(self):
         shop = self.shop("--set", "profile=escpos-80")
         page = self.shop_page(shop)
         with shop.connect() as till:
@@ -57,7 +57,7 @@ class Printing(ShopCase):
             self.assertIn("GS V", names)
             self.assertIn("1b 40", seen.evaluate("document.querySelector('.commands code').textContent"))
 
-    def test_a_receipt_of_many_metres_is_shown_to_its_end(self):
+    def test_a_receipt_of_many_metres_is_shown_whole(self):
         shop = self.shop()
         with shop.connect() as till:
             till.sendall(b"many metres of paper\n" * 1400)
@@ -70,18 +70,18 @@ class Printing(ShopCase):
         page.evaluate("document.querySelector('.whole').scrollTop = 1e6")
         page.until(f"{pieces}.at(-1).naturalHeight > 0", "its end is shown")
 
-    def test_a_missing_receipt_is_reported(self):
+    def test_the_page_of_a_missing_receipt_reports_that(self):
         shop = self.shop()
         page = self.browser.page(f"{shop.address}receipts/99")
         self.addCleanup(page.close)
         page.until("document.querySelector('[role=alert]')?.textContent", "the page says so")
 
-    def test_a_test_receipt_is_printed_by_a_button(self):
+    def test_a_button_prints_a_test_receipt(self):
         page = self.shop_page(self.shop())
         self.press(page, "Print a test receipt")
         page.until("document.querySelectorAll('#receipts li').length === 1", "the receipt is listed")
 
-    def test_the_paper_is_torn_off_by_a_button_and_moves_only_if_motion_is_wanted(self):
+    def test_a_button_tears_the_paper_off_without_animation_if_reduced_motion_is_set(self):
         for calm in (False, True):
             shop = self.shop()
             page = self.shop_page(shop, calm=calm)
@@ -99,7 +99,7 @@ class Printing(ShopCase):
                 page.until("document.querySelectorAll('#receipts li').length === 1", "the receipt is listed")
             self.assertEqual(page.evaluate("globalThis.seen.length > 0"), not calm)
 
-    def test_text_of_a_printer_is_never_markup(self):
+    def test_text_from_a_printer_is_never_interpreted_as_markup(self):
         shop = self.shop()
         page = self.shop_page(shop)
         with shop.connect() as till:
@@ -111,7 +111,7 @@ class Printing(ShopCase):
         self.assertEqual(page.evaluate("[document.title, document.querySelectorAll('img[src=x]').length]"), ["Receipt 1", 0])
 
 
-class Switching(ShopCase):
+class PageControls(ShopCase):
     def state(self, page, printer: int = 1) -> dict:
         """The printer's own word."""
         return page.evaluate(f"""fetch('api/printers').then((answer) => answer.json())
@@ -137,7 +137,7 @@ class Switching(ShopCase):
         buttons = page.evaluate("[...document.querySelectorAll('button')].map((button) => button.textContent)")
         self.assertLessEqual({action["label"].capitalize() for action in forms["actions"]}, set(buttons))
 
-    def test_a_change_by_a_control_line_is_shown(self):
+    def test_the_page_shows_a_change_by_a_control_line(self):
         shop = self.shop()
         page = self.shop_page(shop)
         page.evaluate("""fetch('api/control', {method: 'POST', headers: {'Content-Type': 'application/json'},
@@ -145,7 +145,7 @@ class Switching(ShopCase):
         self.condition(page, "Off line: paper out")
         page.until("document.querySelector('.sliders output').textContent === '200 bytes a second'")
 
-    def test_a_refused_value_is_reported_and_the_old_one_shown_again(self):
+    def test_the_page_reports_a_refused_value_and_shows_the_old_value_again(self):
         page = self.shop_page(self.shop())
         page.evaluate("document.querySelector('.settings').open = true")
         field = "[...document.querySelectorAll('.settings label')].find((label) => /firmware/i.test(label.textContent)).control"
@@ -153,7 +153,7 @@ class Switching(ShopCase):
         page.until("document.querySelector('[role=alert]').textContent.includes('firmware')", "the refusal is shown")
         page.until(f"{field}.value === 'Virtual 1.0'", "the old value is shown")
 
-    def test_a_fault_with_its_parameters_is_added_and_cleared(self):
+    def test_a_fault_with_parameters_can_be_added_and_cleared_on_the_page(self):
         page = self.shop_page(self.shop())
         page.evaluate("document.querySelector('.faults').open = true")
         page.evaluate("""(() => {
@@ -170,7 +170,7 @@ class Switching(ShopCase):
         page.until("document.querySelector('.faults li') === null", "no fault is listed")
         self.assertEqual(self.state(page)["faults"], [])
 
-    def test_the_log_is_filtered_by_words_bytes_and_kind(self):
+    def test_the_log_on_the_page_can_be_filtered_by_words_bytes_and_kind(self):
         shop = self.shop("--set", "profile=escpos-80")
         page = self.shop_page(shop)
         with shop.connect() as till:
@@ -189,7 +189,7 @@ class Switching(ShopCase):
         self.assertEqual(page.evaluate("document.querySelectorAll('.entries .command').length"), 0)
         self.assertGreater(page.evaluate("document.querySelectorAll('.entries .answer').length"), 0)
 
-    def test_the_end_of_the_server_is_noticed(self):
+    def test_the_page_shows_that_the_server_has_ended(self):
         shop = self.shop()
         page = self.browser.page(shop.address)
         self.addCleanup(page.close)

@@ -25,7 +25,7 @@ FIRST = 200  # receipts until each list of the page has its full length
 HEAP_GROWTH = 1 << 20  # bytes
 
 
-class Speed(ShopCase):
+class PageSpeed(ShopCase):
     def place_of_the_newest_line(self, page: Page) -> tuple[int, int]:
         """The middle of the line at the slot, in pixels of the page as it is seen."""
         page.evaluate("document.querySelector('.paper').scrollIntoView({block: 'end', behavior: 'instant'})")
@@ -37,7 +37,7 @@ class Speed(ShopCase):
           })()""")
         return round(x), round(y)
 
-    def test_a_line_is_seen_within_100_ms(self):
+    def test_a_printed_line_is_visible_on_the_page_within_100_ms(self):
         shop = self.shop("--set", "profile=escpos-80")
         page = self.shop_page(shop, width=WIDTH, height=HEIGHT)
         with shop.connect() as till:
@@ -73,7 +73,7 @@ class Speed(ShopCase):
             page.until(f"document.querySelector('.strip').ariaLabel.startsWith('{metres}.0')", f"{metres} m hang out")
             return page.memory()
 
-    def test_a_thousand_receipts_and_twenty_metres_do_not_make_the_page_grow(self):
+    def test_the_memory_of_the_page_is_bounded_after_a_thousand_receipts(self):
         shop = self.shop("--set", "profile=escpos-80", "--set", "speed=20000", "--per", "cut")
         page = self.shop_page(shop)
         self.print_receipts(shop, page, FIRST, FIRST)
