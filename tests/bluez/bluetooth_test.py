@@ -32,7 +32,7 @@ class BluetoothPrinting(BusCase):
             self.assertExit(0, result)
             self.assertEqual(result.json()["outcome"], "printed")
 
-    def test_a_port_name_with_the_address_chooses_the_printer(self):
+    def test_a_port_name_with_an_address_or_a_name_selects_the_printer(self):
         self.bluetooth("another=01:23:45:67:89:AC", printer=self.printer())
         for name in (f"BT:{ADDRESS}", "BT:Kitchen"):
             self.assertExit(0, self.run_command("-d", "bluetooth:", "-p", name, "status"))
@@ -167,7 +167,7 @@ class Loading(unittest.TestCase):
     def libraries(self, program: str) -> str:
         return subprocess.run(["ldd", program], check=True, capture_output=True, text=True).stdout
 
-    def test_the_port_library_does_not_link_the_message_bus(self):
+    def test_the_port_library_does_not_link_the_message_bus_library(self):
         library = Path(os.environ["LIBRARIES"], "libQuorIOPort.so")
         self.assertNotRegex(self.libraries(str(library)), r"dbus|systemd")
         self.assertRegex(self.libraries(QUORPORT), r"libsdbus-c\+\+")

@@ -111,7 +111,7 @@ TEST_F(BluetoothConnection, ReleasesTheSerialPortProfileAfterConnecting) {
   EXPECT_EQ(service.profiles(), 0);
 }
 
-TEST_F(BluetoothConnection, AcceptsItsSocketBeforeOrAfterTheServicesAnswer) {
+TEST_F(BluetoothConnection, AcceptsItsSocketEvenIfTheServiceAnswersLater) {
   for (const Connecting connecting : {Connecting::InOrder, Connecting::AnswersEarly}) {
     StandInPlan planned = plan();
     planned.connecting = connecting;
@@ -168,7 +168,7 @@ TEST_F(BluetoothConnection, EndsWhenTheMessageBusIsKilled) {
   EXPECT_EQ(connection.receiveUntil(&byte, 1, SteadyClock::now() + 10s), 0);
 }
 
-TEST_F(BluetoothConnection, SucceedsAgainAfterTheBluetoothServiceRestarts) {
+TEST_F(BluetoothConnection, CanBeMadeAgainAfterTheBluetoothServiceRestarts) {
   auto service = std::make_unique<StandInBluetooth>(plan());
   { const posix::Descriptor connection = connectBluetooth(address); }
   service.reset();

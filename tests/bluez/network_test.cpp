@@ -123,7 +123,7 @@ TEST_F(PrinterSearch, ReportsAPrinterAsUnreachableIfTheAdapterIsOff) {
   EXPECT_EQ(bluetoothDevices(10s).at(0).reachable, false);
 }
 
-TEST_F(PrinterSearch, ReportsWithinTwoAndAHalfSecondsWhichLinksWereNotSearched) {
+TEST_F(PrinterSearch, ReportsWithin2500MillisecondsWhichLinksWereNotSearched) {
   const auto began = std::chrono::steady_clock::now();
   const Discovery discovery = discoverDevices();
   EXPECT_LT(std::chrono::steady_clock::now() - began, 2500ms);
@@ -143,7 +143,7 @@ TEST_F(PrinterSearch, ListsBluetoothPrintersBeforeNetworkPrinters) {
                                              Field(&FoundDevice::via, Via::Network)));
 }
 
-TEST_F(PrinterSearch, EndsWithinTwoAndAHalfSecondsIfNothingIsFound) {
+TEST_F(PrinterSearch, EndsWithin2500MillisecondsIfNothingIsFound) {
   const StandInAvahi avahi({});
   const StandInBluetooth service({.devices = {}});
   const auto began = std::chrono::steady_clock::now();

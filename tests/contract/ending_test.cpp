@@ -17,7 +17,7 @@ TEST_P(LinkContract, ALinkClosedByTheDeviceIsLostAndHasNoBytes) {
   EXPECT_LE(input->read(&byte, 1), 0);
 }
 
-TEST_P(LinkContract, BytesSeenBeforeTheCloseCanBeReadBeforeTheLinkIsLost) {
+TEST_P(LinkContract, BytesThatWereSeenCanBeReadAfterTheDeviceClosesTheLink) {
   peer->write({1, 2, 3});
   ASSERT_TRUE(eventually([this] { return input->hasBytesAvailable(); }));
   peer->close();
@@ -28,7 +28,7 @@ TEST_P(LinkContract, BytesSeenBeforeTheCloseCanBeReadBeforeTheLinkIsLost) {
   EXPECT_FALSE(input->hasBytesAvailable());
 }
 
-TEST_P(LinkContract, BytesNotSeenBeforeTheCloseCanBeReadBeforeTheLinkIsLost) {
+TEST_P(LinkContract, BytesThatWereNotSeenCanBeReadAfterTheDeviceClosesTheLink) {
   if (!maker->traits().keepsUnreadBytes) {
     GTEST_SKIP() << "the system throws away bytes that were not read before the end";
   }
@@ -41,7 +41,7 @@ TEST_P(LinkContract, BytesNotSeenBeforeTheCloseCanBeReadBeforeTheLinkIsLost) {
   EXPECT_FALSE(input->hasBytesAvailable());
 }
 
-TEST_P(LinkContract, AHalfCloseByTheDeviceEndsTheLink) {
+TEST_P(LinkContract, ALinkIsLostIfTheDeviceEndsItsOutput) {
   if (!maker->traits().closesOneWay) {
     GTEST_SKIP() << "the link has no directions";
   }
@@ -120,7 +120,7 @@ TEST_P(LinkContract, AClosedStreamHasNoBytesAndNoSpaceAndCanBeClosedAgain) {
   }
 }
 
-TEST_P(LinkContract, TheEndOfTheSessionEndsTheLinkForTheDevice) {
+TEST_P(LinkContract, TheDeviceSeesTheLinkEndWhenTheSessionEnds) {
   if (!maker->traits().endsForTheDevice) {
     GTEST_SKIP() << "a cable that nobody uses is still a cable";
   }
@@ -184,14 +184,14 @@ TEST_P(LinkContract, StreamsThatOutliveTheirSessionHaveNoBytesAndNoSpace) {
   EXPECT_LE(output->write(&byte, 1), 0);
 }
 
-TEST_P(LinkContract, AnAccessoryWithoutASessionIsConnectedEvenAfterALoss) {
+TEST_P(LinkContract, AnAccessoryIsConnectedAfterTheSessionOfALostLinkEnds) {
   peer->close();
   EXPECT_TRUE(isLost());
   session.reset();
   EXPECT_TRUE(accessory->isConnected());
 }
 
-TEST_P(LinkContract, ALostLinkCanBeFollowedByANewSession) {
+TEST_P(LinkContract, ANewSessionCanBeOpenedAfterALinkIsLost) {
   if (!maker->traits().linksAnew) {
     GTEST_SKIP() << "there is one line for all sessions";
   }

@@ -73,7 +73,7 @@ TEST_P(LinkContract, AReadReturnsZeroIfNoBytesHaveArrived) {
   EXPECT_EQ(input->read(&byte, 1), 0);
 }
 
-TEST_P(LinkContract, TransfersOfNoBytesReturnZeroAndChangeNothing) {
+TEST_P(LinkContract, AReadOrWriteOfZeroBytesReturnsZeroAndChangesNothing) {
   peer->write({7});
   ASSERT_TRUE(eventually([this] { return input->hasBytesAvailable(); }));
   EXPECT_EQ(input->read(nullptr, 0), 0);
@@ -103,7 +103,7 @@ TEST_P(LinkContract, AWriteWithoutSpaceReturnsZeroAndTheLinkRemainsConnected) {
   EXPECT_TRUE(accessory->isConnected());
 }
 
-TEST_P(LinkContract, SpaceReturnsWithoutLossAfterAStalledDeviceReads) {
+TEST_P(LinkContract, ThereIsSpaceAgainAfterAStalledDeviceReadsAllBytes) {
   peer->stall();
   const Bytes taken = fill();
   EXPECT_EQ(peer->read(taken.size()), taken);

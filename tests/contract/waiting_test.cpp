@@ -114,7 +114,7 @@ TEST_P(LinkContract, AWaitForSpaceEndsAtOnceWhenTheLinkIsLost) {
   EXPECT_LT(now() - start, instantly);
 }
 
-TEST_P(LinkContract, AWaitForSpaceEndsAtOnceWhenTheDeviceHalfCloses) {
+TEST_P(LinkContract, AWaitForSpaceEndsAtOnceWhenTheDeviceEndsItsOutput) {
   if (!maker->traits().closesOneWay) {
     GTEST_SKIP() << "the link has no directions";
   }
@@ -127,7 +127,7 @@ TEST_P(LinkContract, AWaitForSpaceEndsAtOnceWhenTheDeviceHalfCloses) {
   EXPECT_TRUE(isLost());
 }
 
-TEST_P(LinkContract, UnreadBytesBeforeAHalfCloseDoNotShortenAWaitForSpace) {
+TEST_P(LinkContract, UnreadBytesBeforeTheEndOfTheDevicesOutputDoNotShortenAWaitForSpace) {
   if (!maker->traits().closesOneWay) {
     GTEST_SKIP() << "the link has no directions";
   }

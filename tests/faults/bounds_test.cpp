@@ -82,7 +82,7 @@ TEST(TimeBounds, TheDrainOfTheInputEndsWhenTheLinkIsLost) {
   EXPECT_NEAR(outcome.seconds, 90, 2);
 }
 
-TEST(TimeBounds, ApplyToACallExceptItsUnboundedLoop) {
+TEST(TimeBounds, ApplyToTheRestOfACallWithAnUnboundedLoop) {
   Scenario scenario = Scenario::in(escPos, 1000);
   scenario.script.wheneverAsked(bytes("10 04 01"), {{bytes("00"), 0.05}}).isLost(100);
   const Call call = endCheckedBlock();
@@ -93,7 +93,7 @@ TEST(TimeBounds, ApplyToACallExceptItsUnboundedLoop) {
   EXPECT_NE(overrun(scenario, call, outcome), "") << "as if it had continued without the link";
 }
 
-TEST(TimeBounds, AreCloseToTheTimesOfACallToASilentPrinter) {
+TEST(TimeBounds, AreCloseToTheRealDurationsWithASilentPrinter) {
   for (const std::int32_t emulation : {unknownEmulation, lineMode, escPos}) {
     for (const Call& call : allCalls()) {
       Scenario scenario = Scenario::in(emulation, 3000);

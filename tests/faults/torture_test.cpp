@@ -225,7 +225,7 @@ TEST_P(LinkTorture, AnOperationEndsAsTheModelPredictsIfUnaskedBytesArrive) {
   expectCases(1000);
 }
 
-TEST_P(LinkTorture, AnOperationEndsAsTheModelPredictsIfItsCommandsAreDisturbed) {
+TEST_P(LinkTorture, AnOperationEndsAsTheModelPredictsIfWritesOfItsCommandsFail) {
   for (const Call& call : calls()) {
     std::size_t before = 0;
     std::size_t number = 0;

@@ -74,7 +74,7 @@ TEST(HandheldThread, RethrowsTheExceptionOfARoutineInTheCaller) {
   EXPECT_TRUE(thread.handle().performAndWait([] {})) << "the loop continues";
 }
 
-TEST(HandheldThread, RunsItsOwnRoutineDirectly) {
+TEST(HandheldThread, RunsARoutineDirectlyIfTheThreadCallsItself) {
   HandheldPlatform platform;
   TurningThread thread(platform);
   ASSERT_TRUE(thread.handle().start());

@@ -70,7 +70,7 @@ class KillSweep(Case):
         print(f"{emulation} {proof or 'auto'}: killed at {sum(outcomes.values())} of {count} calls: {outcomes}")
         return sum(outcomes.values())
 
-    def test_a_killed_command_never_prints_a_job_twice_or_reports_a_missing_print(self):
+    def test_after_a_kill_no_job_is_printed_twice_and_no_unprinted_job_is_reported_as_printed(self):
         settings = [("line", ""), *(("escpos", proof) for proof in proof_names())]
         print(f"{sum(self.sweep(*setting) for setting in settings)} cases")
 

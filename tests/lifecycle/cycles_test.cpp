@@ -18,7 +18,7 @@ namespace {
 /// How many ports main releases before it counts the threads: each thread still runs for a slice.
 constexpr std::uint64_t cyclesBetweenCounts = 500;
 
-TEST(OpenAndClose, LeaveNoThreadIfCalledOnTheMainThread) {
+TEST(OpenAndClose, LeaveNoThreadIfTheMainThreadCallsThem) {
   const auto platform = std::make_shared<SleeplessPlatform>();
   ASSERT_TRUE(platform->isMainThread());
   const auto before = threadsAtRest();
@@ -38,7 +38,7 @@ TEST(OpenAndClose, LeaveNoThreadIfCalledOnTheMainThread) {
   EXPECT_TRUE(threadsComeBackTo(before));
 }
 
-TEST(OpenAndClose, MayBeCalledOnDifferentThreads) {
+TEST(OpenAndClose, MayBeCalledByDifferentThreads) {
   const auto platform = std::make_shared<SleeplessPlatform>();
   const auto before = threadsAtRest();
   for (int i = 0; i < 300; ++i) {
@@ -98,7 +98,7 @@ class NotingPlatform : public ForwardingPlatform {
   const std::shared_ptr<Release> release_;
 };
 
-TEST(ReleasedPort, IsDestroyedOnItsPortThreadIfThatReleasesItLast) {
+TEST(ReleasedPort, IsDestroyedOnThePortThreadIfThePortThreadReleasesItLast) {
   const auto platform = std::make_shared<SleeplessPlatform>();
   const auto before = threadsAtRest();
   const std::uint64_t count = caseCount("QUOR_PORT_RELEASES", 1000);

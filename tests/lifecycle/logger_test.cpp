@@ -73,7 +73,7 @@ TEST(Logger, CountsEachLostRecordOfEightThreads) {
   EXPECT_TRUE(inOrder) << "each thread's records arrive in its order";
 }
 
-TEST(Logger, LetsItsLevelsBeChangedWhileEightThreadsReadThem) {
+TEST(Logger, CanChangeItsLevelsWhileEightThreadsReadTheLevels) {
   const std::uint64_t count = caseCount("QUOR_LOG_RECORDS", 20000);
   LogWriter::setTargetLogLevels({3});
   std::atomic<bool> stop = false;

@@ -78,7 +78,7 @@ TEST(PortProperties, NeverReturnHalfWrittenValues) {
   port->close();
 }
 
-TEST(PortProperties, CanBeReadWhileThePortIsOpenedAskedAndClosed) {
+TEST(PortProperties, CanBeReadWhileAnotherThreadUsesThePort) {
   const auto port = makePort(std::make_shared<SleeplessPlatform>());
   const std::uint64_t count = caseCount("QUOR_PROPERTY_WRITES", 20000) / 100;
   RecordProperty("cases", std::to_string(count));

@@ -60,11 +60,11 @@ class ProofRows(Folder):
     def runs(self) -> list[str]:
         return (self.folder / "runs").read_text().split()
 
-    def test_the_cases_of_all_steps_of_a_row_are_added(self):
+    def test_the_case_counts_of_all_steps_of_a_row_are_added(self):
         fuzzing = printing("a: 7 inputs, nothing found\nb: 5 inputs, nothing found", steps.fuzzing)
         self.assertEqual(self.run_row(printing("30 jobs in 10 s"), fuzzing)["cases"], "42")
 
-    def test_a_step_without_a_case_fails_its_row(self):
+    def test_a_step_that_ran_no_case_makes_its_row_fail(self):
         for idle in (printing("0 cases"), printing("all is well"), printing("a: 0 inputs", steps.fuzzing)):
             with self.assertRaisesRegex(prove.Failed, "no case was run"):
                 self.run_row(printing("3 cases"), idle)

@@ -93,7 +93,7 @@ class EverySchedule : public testing::TestWithParam<ProofKind> {};
 
 INSTANTIATE_TEST_SUITE_P(Simulation, EverySchedule, testing::ValuesIn(everyProof()));
 
-TEST_P(EverySchedule, OfTwoFaultsConfirmsAJobOnlyIfTheJobIsOnPaper) {
+TEST_P(EverySchedule, WithTwoFaultsConfirmsAJobOnlyIfTheJobIsOnPaper) {
   const Receipt receipt = threeCommands();
   const auto faults = everyFault(GetParam());
   std::uint64_t cases = 0;

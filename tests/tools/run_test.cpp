@@ -142,7 +142,7 @@ TEST_F(InterruptionTest, DoesNotEndASleepAfterTheExchange) {
   EXPECT_GE(std::chrono::steady_clock::now() - before, 1ms);
 }
 
-TEST_F(InterruptionTest, DuringAnExchangeEndsTheCommandWhenThePortIsClosed) {
+TEST_F(InterruptionTest, EndsTheCommandAfterTheExchangeIfItArrivedDuringTheExchange) {
   interruption_.beginExchange();
   interruption_.end();
   interruption_.interrupt(ExitCode::Interrupted);

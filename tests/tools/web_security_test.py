@@ -115,7 +115,7 @@ class WebRequestLimits(BrowserCase):
         return (f"{method} {self.browser.prefix}api/control HTTP/1.1\r\nHost: {self.browser.authority}\r\n"
                 f"Content-Type: application/json\r\n{more}").encode()
 
-    def test_a_request_with_too_large_a_body_is_refused(self):
+    def test_a_request_with_a_too_large_body_is_refused(self):
         answer = self.browser.ask("api/control", "POST", b" " * 65537, Content_Type="application/json")
         self.assertEqual(answer.status, 413)
         endless = self.head("Transfer-Encoding: chunked\r\n\r\n") + b"8000\r\n" + b" " * 32768 + b"\r\n" + \
@@ -124,13 +124,13 @@ class WebRequestLimits(BrowserCase):
         longest = b'{"get": "state"}'.ljust(65536)
         self.assertTrue(self.browser.control(longest)["ok"])
 
-    def test_a_request_with_too_large_a_head_is_refused(self):
+    def test_a_request_with_a_too_large_header_is_refused(self):
         for more in (f"X: {'x' * 100000}\r\n\r\n", "X: y\r\n" * 20000 + "\r\n", "Cookie: " + "c" * 1000000):
             self.assertRegex(line_of(self.send(self.head(more))), rb"^(HTTP/1.1 4\d\d .*)?$")
         self.assertRegex(line_of(self.send(b"GET /" + b"x" * 200000 + b" HTTP/1.1\r\n\r\n")), rb"^(HTTP/1.1 4\d\d .*)?$")
         self.assertEqual(self.browser.ask("").status, 200)
 
-    def test_too_many_readers_are_refused_with_a_reason(self):
+    def test_too_many_readers_of_the_event_stream_are_refused_with_a_reason(self):
         readers = [self.events(self.browser) for _ in range(READERS)]
         for reader in readers:
             reader.next("snapshot")
@@ -140,7 +140,7 @@ class WebRequestLimits(BrowserCase):
         readers[0].close()
         self.assertEqual(self.events(self.browser).status, 200, "a reader that disconnected still holds its place")
 
-    def test_arbitrary_bytes_do_not_end_the_server(self):
+    def test_arbitrary_bytes_do_not_end_the_web_server(self):
         chance = random.Random(22)
         samples = [self.head("Content-Length: 5\r\n\r\n") + b"hello", self.head("\r\n", "GET"),
                    self.head("Expect: 100-continue\r\nContent-Length: 70000\r\n\r\n"), self.head("Content-Length: -1\r\n\r\n"),

@@ -42,7 +42,7 @@ TEST(DeviceSpec, TheVirtualPrinterNeedsNoPlaceAndHasADefaultName) {
   EXPECT_EQ(spec.identity.name, "virtual printer");
 }
 
-TEST(DeviceSpec, HasTheMakersNameAndProtocolByDefault) {
+TEST(DeviceSpec, HasTheMakersNameAndTheMakersProtocolByDefault) {
   const AccessoryIdentity identity = parseDeviceSpec("unix:p").identity;
   EXPECT_EQ(identity.manufacturer, "quor dalvane");
   EXPECT_THAT(identity.protocolStrings, ElementsAre("com.quordalvane.receipt"));
@@ -160,7 +160,7 @@ TEST(DeviceSpec, TheErrorOfATextWithoutASchemeSuggestsTheRightForm) {
   EXPECT_THAT(failure("tcp"), testing::Not(HasSubstr("perhaps")));
 }
 
-TEST(Scheme, HasHelpTextsAndAdvice) {
+TEST(Scheme, HasHelpTextsForItsKeysAndAdviceForItsErrors) {
   for (const Scheme* const scheme : schemes()) {
     EXPECT_EQ(findScheme(scheme->name), scheme);
     EXPECT_NE(scheme->about, "") << scheme->name;
@@ -186,7 +186,7 @@ TEST(Scheme, EachErrorOfTheUsbDriverHasItsOwnAdvice) {
   }
 }
 
-TEST(OpenCause, MatchesItsErrorInTheSystemAndTheGenericCategoryOnly) {
+TEST(OpenCause, MatchesItsErrorNumberInTheSystemAndGenericCategoriesOnly) {
   const OpenCause busy{EBUSY, "in-use", "another program uses it", "end the other program"};
   EXPECT_TRUE(busy.fits({EBUSY, std::generic_category()}));
   EXPECT_TRUE(busy.fits({EBUSY, std::system_category()}));
@@ -253,7 +253,7 @@ TEST(DeviceSpec, TheErrorOfAnInvalidPlaceNamesTheValidForm) {
   EXPECT_THAT(failure("serial:/dev\0"s), HasSubstr("without a zero"));
 }
 
-TEST(HostAndPort, AreSplitAtTheLastColonAndTheHostLosesItsBrackets) {
+TEST(HostAndPort, AreSplitAtTheLastColonAndBracketsAreRemoved) {
   EXPECT_EQ(parseHostAndPort("printer.example:9100").host, "printer.example");
   EXPECT_EQ(parseHostAndPort("printer.example:9100").port, 9100);
   EXPECT_EQ(parseHostAndPort("[::1]:65535").host, "::1");
@@ -283,7 +283,7 @@ TEST(DeviceSpec, AcceptsValuesOfAnyLengthWithAnyByte) {
   EXPECT_EQ(parseDeviceSpec("virtual:,name=" + huge).identity.name, huge);
 }
 
-TEST(DeviceText, IsParsedBackToTheSamePlace) {
+TEST(DeviceText, CanBeParsedBackToTheSamePlace) {
   for (const std::string place : {"S 1/7", "a,b", "a\\b", "\\", ",baud=9600"}) {
     EXPECT_EQ(parseDeviceSpec(spec::deviceText("usb", place)).place, place);
   }

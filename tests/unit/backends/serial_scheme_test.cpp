@@ -41,7 +41,7 @@ TEST(DeviceSpec, ASerialLineAcceptsValidFramingAndFlowControl) {
   EXPECT_THAT(failure("tcp:h:1,flow=none"), HasSubstr("\"flow\""));
 }
 
-TEST(SerialVariants, HaveKeysThatADeviceSpecAccepts) {
+TEST(SerialSettingsToTry, HaveKeysThatADeviceSpecAccepts) {
   const DeviceSpec given = parseDeviceSpec("serial:/dev/x,baud=38400,flow=rtscts,name=Till");
   const auto variants = findScheme("serial")->variants(given);
   EXPECT_EQ(variants.front().keys, "");
@@ -64,7 +64,7 @@ std::vector<std::string> waysToSet(const std::string& line) {
   return ways;
 }
 
-TEST(SerialVariants, TrySpeedsThenFramingsThenNoFlowControl) {
+TEST(SerialSettingsToTry, AreSpeedsThenFramingsThenNoFlowControl) {
   EXPECT_THAT(waysToSet("serial:/dev/x,baud=4800,flow=xonxoff"),
               ElementsAre(" at 4800 baud, flow control xonxoff",
                           "wrong-speed,baud=1200 at 1200 baud, flow control xonxoff",
@@ -88,7 +88,7 @@ TEST(SerialVariants, TrySpeedsThenFramingsThenNoFlowControl) {
                           "wrong-flow,flow=none at 4800 baud"));
 }
 
-TEST(SerialVariants, IncludeTheDefaultSettings) {
+TEST(SerialSettingsToTry, IncludeTheDefaultSettings) {
   const auto ways = waysToSet("serial:/dev/x,stop=2");
   EXPECT_EQ(ways.front(), " at 9600 baud with 8 data bits, parity none and 2 stop bits");
   EXPECT_THAT(ways, testing::Contains("wrong-parity,stop=1 at 9600 baud"));

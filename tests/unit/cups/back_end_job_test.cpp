@@ -45,7 +45,7 @@ TEST(BackEndJob, HasOneCopyIfItsDataIsReadFromAPipe) {
   EXPECT_EQ(job.controlFile, "/var/spool/cups/c123456");
 }
 
-TEST(BackEndJob, HasTheTimeAtWhichTheSchedulerCompletedTheJob) {
+TEST(BackEndJob, HasTheTimeAtWhichTheSchedulerCompletedTheJobBefore) {
   EXPECT_EQ(parse({"quor", "1", "a", "t", "1", "job-uuid=a time-at-completed=1795316641"}).ended,
             1795316641);
 }

@@ -130,7 +130,7 @@ TEST_F(DiscoveryTest, AddressesAUsbPrinterByItsDeviceFileIfItsSerialNumberIsUnus
   EXPECT_THAT(texts(), ElementsAre(node + "0", node + "1", node + "2", "usb:once"));
 }
 
-TEST_F(DiscoveryTest, ListsASerialLineWithoutReportingWhetherItIsReachable) {
+TEST_F(DiscoveryTest, DoesNotReportWhetherASerialLineIsReachable) {
   fs::create_directories(sys_ / "class/tty/tty1");  // a console: no hardware
   addLine("ttyS0", "4");
   addLine("ttyS1", "0");

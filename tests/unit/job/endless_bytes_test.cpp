@@ -162,7 +162,7 @@ TEST_P(PrinterThatNeverStopsSending, CannotDelayAnInquiryBeyond22Seconds) {
 }
 
 // After the link has taken a part of a command, the port repeats the rest without a pause.
-TEST(EndlessWrites, OfThePortEndAJobInTime) {
+TEST(PortThatWritesWithoutEnd, CannotDelayAJobBeyond16Seconds) {
   Till till(ZKEmulationQuorLine);
   simulator::Faults full = with("no-space", "4:120");
   full.add("no-space", "6:600000");

@@ -41,7 +41,7 @@ TEST(EscPosAnswers, DistinguishTheProcessIdsOfTwoJobs) {
   EXPECT_FALSE(answers.hasNamed({'A', 'B', 'C', 'E'}));
 }
 
-TEST(EscPosAnswers, SkipOnlyTheByteThatBeginsNoAnswer) {
+TEST(EscPosAnswers, OmitOnlyAByteThatBeginsNoAnswer) {
   EXPECT_EQ(answersIn(bytes("1d 00 00 00")).inOrderCount(), 3U);
   EXPECT_EQ(answersIn(bytes("10 12")).realTimeCount(), 1U) << "no status of four bytes";
   for (const char* const odd : {"1d", "10 12", "37 41", "37 25 01", "37 22 1f", "37 22 7f",

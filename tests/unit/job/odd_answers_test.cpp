@@ -26,7 +26,7 @@ PrintResult printOn(const Script& script, PrintJob::Options options = {.proof = 
 
 const test::Bytes statusRequest = bytes("1b 06 01");
 
-TEST(JobWithOddAnswers, IsRefusedIfTheAnswersAreNoLineModeStatuses) {
+TEST(JobWithOddAnswers, IsRefusedIfTheAnswersAreNotLineModeStatuses) {
   // Blocks that are long enough for a counter but do not have the fixed bits, and blocks that are
   // too short.
   for (const char* const block : {"09 01 00 00 00 00 00 00 05", "01"}) {
@@ -124,7 +124,7 @@ TEST(JobWithOddAnswers, IsRefusedIfThePrinterDoesNotResetItsCounter) {
   }
 }
 
-TEST(JobWithOddAnswers, IsRefusedAsLinkLostIfAFullLinkEnds) {
+TEST(JobWithOddAnswers, IsRefusedBecauseOfALostLinkIfAFullLinkEnds) {
   const PrintResult result = printOn(Script().hasNoSpace().isLost(1.0), {.proof = ProofKind::None});
   EXPECT_EQ(result.outcome, PrintOutcome::Refused);
   EXPECT_EQ(result.obstacle, PrintObstacle::LinkLost);

@@ -217,7 +217,7 @@ TEST(CommandEnd, IsTheEndOfTheCommandThatContainsTheOffset) {
   EXPECT_EQ(commandEnd(Bytes{0x1b, 0xff, 0x1d, 0x76}, 3), 3U) << "nobody knows";
 }
 
-TEST(EndSignObstacle, IsACommandOutsideImagesThatMakesThePrinterDropData) {
+TEST(ObstacleToAnEndSign, IsACommandOutsideImagesThatMakesThePrinterDropData) {
   EXPECT_EQ(endSignObstacle(Bytes{'a', '\n'}), std::nullopt);
   for (const Bytes& data : {Bytes{'a', 0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00},
                             Bytes{0x1b, 0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00},
@@ -227,12 +227,12 @@ TEST(EndSignObstacle, IsACommandOutsideImagesThatMakesThePrinterDropData) {
   }
 }
 
-TEST(EndSignObstacle, IsAnIncompleteCommandAtTheEndOfTheData) {
+TEST(ObstacleToAnEndSign, IsAnIncompleteCommandAtTheEndOfTheData) {
   EXPECT_THAT(endSignObstacle(Bytes{'a', 0x1d, 0x76, 0x30, 0, 1, 0, 2, 0, 0xff}).value_or(""),
               HasSubstr("the data ends inside the command that begins at byte 1"));
 }
 
-TEST(EndSignObstacle, CanOnlyBeARealTimeCommandInsideAnImage) {
+TEST(ObstacleToAnEndSign, CanOnlyBeARealTimeCommandInsideAnImage) {
   for (const Bytes& before : {Bytes{}, Bytes{'a'}}) {
     Bytes data = before;
     data.insert(data.end(), {0x1d, 0x76, 0x30, 0, 1, 0, 3, 0, 0x1b, 0x1d, 0x03});
@@ -261,7 +261,7 @@ TEST(InOrderRequests, AreCountedOutsidePayloadsAndParameters) {
   }
 }
 
-TEST(InOrderRequests, CannotBeCountedAfterAnUnknownCommandOrAQuestionWithASimilarAnswer) {
+TEST(InOrderRequests, CannotBeCountedAfterAnUnknownCommandOrARequestWithASimilarAnswer) {
   for (const char* const data :
        {"1b ff 61 1d 72 01", "1b ff 61 1b 76", "1c 1d 72 01", "1d 49 41", "1b 76", "1b 75 00",
         "1b 06 01", "1b 23 2a 0a 00", "1d 28 45 02 00 04 01", "1d 28 4c 02 00 30 00",

@@ -103,7 +103,7 @@ TEST(PrinterWithoutProof, IsAskedForProofsAgainAfterALateAnswer) {
   EXPECT_EQ(PrintJob(till.port).run(receiptText).proof, ProofKind::ProcessId);
 }
 
-TEST(PrinterWithoutProof, RefusesTheNextJobIfItsCoverIsOpen) {
+TEST(PrinterWithoutProof, RefusesALaterJobIfItsCoverIsOpen) {
   Till till = tillWith(printerWith("none"));
   PrintJob(till.port).run(receiptText);
   till.set("coverOpen", true);
@@ -121,7 +121,7 @@ TEST(NamedProof, IsUsedWithoutAskingThePrinter) {
   EXPECT_FALSE(result.hasAskedForProof);
 }
 
-TEST(NamedProof, OverridesTheProofOfTheDeviceIfTheJobNamesAProof) {
+TEST(NamedProof, OfAJobOverridesTheProofThatTheDeviceNames) {
   Till till(printerWith("process-id+in-order"),
             {.emulation = ZKEmulationESCPOS, .proof = ProofKind::InOrder});
   EXPECT_EQ(PrintJob(till.port, {.proof = ProofKind::ProcessId}).run(receiptText).proof,
@@ -131,7 +131,7 @@ TEST(NamedProof, OverridesTheProofOfTheDeviceIfTheJobNamesAProof) {
   EXPECT_TRUE(asked.hasAskedForProof);
 }
 
-TEST(NamedProof, NoneLeavesTheJobUnconfirmed) {
+TEST(NamedProof, LeavesTheJobUnconfirmedIfItIsNone) {
   Till till(printerWith("block"), {.emulation = ZKEmulationESCPOS, .proof = ProofKind::None});
   const PrintResult result = PrintJob(till.port).run(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
@@ -146,7 +146,7 @@ TEST(ProofName, IdentifiesItsProof) {
   EXPECT_EQ(proofNamed("Block"), std::nullopt);
 }
 
-class EndSignProof : public testing::TestWithParam<ProofKind> {
+class ProofByASignAfterTheData : public testing::TestWithParam<ProofKind> {
  protected:
   static PrintResult printBy(Till& till, PrintJob::Options options = {}) {
     options.proof = GetParam();
@@ -155,10 +155,10 @@ class EndSignProof : public testing::TestWithParam<ProofKind> {
   static const char* name() { return nameOf(GetParam()).data(); }
 };
 
-INSTANTIATE_TEST_SUITE_P(Job, EndSignProof,
+INSTANTIATE_TEST_SUITE_P(Job, ProofByASignAfterTheData,
                          testing::Values(ProofKind::ProcessId, ProofKind::InOrder));
 
-TEST_P(EndSignProof, WaitsForAPausedPrinterAndReportsTheCause) {
+TEST_P(ProofByASignAfterTheData, WaitsForAPausedPrinterAndReportsTheCause) {
   Till till = tillWith(printerWith(name()).speed(10));
   till.after(milliseconds(2000), "coverOpen", true);
   till.after(milliseconds(5000), "coverOpen", false);
@@ -170,7 +170,7 @@ TEST_P(EndSignProof, WaitsForAPausedPrinterAndReportsTheCause) {
   EXPECT_THAT(waits, testing::Contains("cover open"));
 }
 
-TEST_P(EndSignProof, IsUnconfirmedWithItsCauseAtTheEndTimeout) {
+TEST_P(ProofByASignAfterTheData, IsUnconfirmedWithItsCauseAtTheEndTimeout) {
   Till till = tillWith(printerWith(name()).speed(10));
   till.port->setEndCheckedBlockTimeoutMillis(5000);
   till.after(milliseconds(2000), "coverOpen", true);
@@ -181,19 +181,19 @@ TEST_P(EndSignProof, IsUnconfirmedWithItsCauseAtTheEndTimeout) {
   EXPECT_LT(till.platform->clock().monotonic() - start, seconds(12));
 }
 
-TEST_P(EndSignProof, RefusesAPrinterThatIsNotReady) {
+TEST_P(ProofByASignAfterTheData, RefusesAPrinterThatIsNotReady) {
   Till till = tillWith(printerWith(name()).coverOpen());
   const PrintResult result = printBy(till);
   EXPECT_EQ(result.outcome, PrintOutcome::Refused);
   EXPECT_EQ(result.reason, "cover open");
 }
 
-TEST_P(EndSignProof, LeavesTheJobUnconfirmedIfThePrinterLacksTheProof) {
+TEST_P(ProofByASignAfterTheData, LeavesTheJobUnconfirmedIfThePrinterLacksTheProof) {
   Till till = tillWith(printerWith("none"));
   EXPECT_EQ(printBy(till).outcome, PrintOutcome::Unconfirmed);
 }
 
-TEST_P(EndSignProof, IsNotAffectedByTheSameRequestInTheData) {
+TEST_P(ProofByASignAfterTheData, IsNotAffectedByItsRequestInsideTheData) {
   for (const char* const question : {"1d 28 48 06 00 30 30 41 42 43 44", "1d 72 01"}) {
     for (const char* const wrapped : {"", "1d 76 30 00 0b 00 01 00 "}) {
       ByteBuffer data = test::bytes(std::string(wrapped) + question);
@@ -209,7 +209,7 @@ TEST_P(EndSignProof, IsNotAffectedByTheSameRequestInTheData) {
   }
 }
 
-TEST_P(EndSignProof, LeavesTheJobUnconfirmedIfTheDataMakesThePrinterDropData) {
+TEST_P(ProofByASignAfterTheData, LeavesTheJobUnconfirmedIfTheDataMakesThePrinterDropData) {
   Till till = tillWith(printerWith(name()));
   ByteBuffer data = receiptText;
   data.insert(data.end(), {0x10, 0x14, 0x08, 0x01, 0x03, 0x14, 0x01, 0x06, 0x02, 0x08});
@@ -229,10 +229,10 @@ std::ostream& operator<<(std::ostream& out, const SignFault& fault) {
   return out << nameOf(fault.proof) << ", " << fault.name << "=" << fault.value;
 }
 
-class FaultyEndSign : public testing::TestWithParam<SignFault> {};
+class FaultySignAfterTheData : public testing::TestWithParam<SignFault> {};
 
 INSTANTIATE_TEST_SUITE_P(
-    Job, FaultyEndSign,
+    Job, FaultySignAfterTheData,
     testing::Values(SignFault{ProofKind::ProcessId, "wrong-id", "all", false},
                     SignFault{ProofKind::ProcessId, "late-reply", "3000@process-id", true},
                     SignFault{ProofKind::ProcessId, "late-reply", "30000@process-id", false},
@@ -246,7 +246,7 @@ INSTANTIATE_TEST_SUITE_P(
                     SignFault{ProofKind::InOrder, "foreign-reply", "in-order", false},
                     SignFault{ProofKind::InOrder, "drop-reply", "in-order", false}));
 
-TEST_P(FaultyEndSign, ConfirmsTheJobOnlyIfUnambiguousAndBeforeTheTimeout) {
+TEST_P(FaultySignAfterTheData, ConfirmsTheJobOnlyIfItIsUnambiguousAndInTime) {
   Till till = tillWith(printerWith("process-id+in-order"));
   till.reopenWith(with(GetParam().name, GetParam().value));
   const PrintResult result = PrintJob(till.port, {.proof = GetParam().proof}).run(receiptText);
@@ -254,7 +254,7 @@ TEST_P(FaultyEndSign, ConfirmsTheJobOnlyIfUnambiguousAndBeforeTheTimeout) {
   EXPECT_NE(result.outcome, PrintOutcome::Refused);
 }
 
-TEST(InOrderSign, CannotBeFakedByAStrayByteWhileTheJobIsPrinted) {
+TEST(InOrderProof, CannotBeFakedByAStrayByteWhileTheJobIsPrinted) {
   for (int reply = 4; reply <= 12; ++reply) {
     Till till = tillWith(printerWith("in-order").speed(10));
     till.reopenWith(with("stray-byte", ("00@" + std::to_string(reply)).c_str()));
@@ -265,7 +265,7 @@ TEST(InOrderSign, CannotBeFakedByAStrayByteWhileTheJobIsPrinted) {
   }
 }
 
-TEST(InOrderSign, CannotBeFakedByAnswersToOtherQuestionsInTheData) {
+TEST(InOrderProof, CannotBeFakedByAnswersToOtherRequestsInTheData) {
   for (const char* const question : {"1b 76", "1b 75 00", "1b 06 01", "1d 28 45 02 00 04 01",
                                      "1d 28 4c 02 00 30 33", "1d 28 6b 03 00 31 52 30"}) {
     Till till = tillWith(printerWith("in-order").speed(10));
@@ -279,7 +279,7 @@ TEST(InOrderSign, CannotBeFakedByAnswersToOtherQuestionsInTheData) {
   }
 }
 
-TEST(InOrderSign, CannotBeFakedByLateAnswersToAnEarlierJob) {
+TEST(InOrderProof, CannotBeFakedByLateAnswersToAnEarlierJob) {
   Till till = tillWith(printerWith("in-order").speed(10));
   till.port->setEndCheckedBlockTimeoutMillis(1000);
   PrintJob::Options options{.proof = ProofKind::InOrder};
@@ -293,7 +293,7 @@ TEST(InOrderSign, CannotBeFakedByLateAnswersToAnEarlierJob) {
   EXPECT_GE(till.printed().size(), both);
 }
 
-TEST(CancelledJob, ClearsTheBufferOfAPrinterWithoutCheckedBlocks) {
+TEST(CancelledJob, ClearsTheBufferOfAPrinterThatLacksCheckedBlocks) {
   for (const char* const proofs : {"process-id", "in-order", "none"}) {
     Till till = tillWith(printerWith(proofs).speed(200));
     PrintJob job(till.port);

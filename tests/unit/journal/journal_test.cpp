@@ -120,14 +120,14 @@ TEST_F(JournalTest, NamesTheFileAndTheReasonIfItCannotBeOpened) {
   EXPECT_THAT(errorOf<JournalError>([&] { Journal(""); }), HasSubstr("empty"));
 }
 
-TEST_F(JournalTest, IsTheSameThroughASymbolicLink) {
+TEST_F(JournalTest, IsTheSameIfItIsOpenedThroughASymbolicLink) {
   Journal journal(file);
   std::filesystem::create_symlink(file, folder.file("link"));
   Journal linked(folder.file("link"));
   EXPECT_EQ(journal.file(), linked.file());
 }
 
-TEST_F(JournalTest, IsCreatedAnewIfItsCreationWasInterrupted) {
+TEST_F(JournalTest, IsCreatedAgainIfItsCreationWasInterrupted) {
   setContent(file + ".new", "half a database");
   setContent(file + ".new-wal", "its log");
   EXPECT_EQ(openError(), "");

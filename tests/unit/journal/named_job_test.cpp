@@ -314,7 +314,9 @@ TEST_P(NamedJobTest, TheOrderOfAttemptsDoesNotDependOnTheClock) {
 INSTANTIATE_TEST_SUITE_P(Emulations, NamedJobTest,
                          testing::Values(ZKEmulationQuorLine, ZKEmulationESCPOS), emulationName);
 
-TEST_F(JournalCase, AnInvalidNameIsAUsageErrorAndSendsNothing) {
+using JobName = JournalCase;
+
+TEST_F(JobName, AnInvalidNameIsAUsageErrorAndSendsNothing) {
   Till till(ZKEmulationQuorLine);
   for (const std::string& name :
        {std::string(), std::string(256, 'n'), std::string("a\nb"), std::string("\x7f"),
@@ -326,7 +328,7 @@ TEST_F(JournalCase, AnInvalidNameIsAUsageErrorAndSendsNothing) {
   EXPECT_EQ(till.printed(), ByteBuffer());
 }
 
-TEST_F(JournalCase, NamesOfEveryLengthAndLanguageAreTaken) {
+TEST_F(JobName, NamesUpTo255BytesInEveryLanguageAreAccepted) {
   Till till(ZKEmulationQuorLine);
   for (const std::string& name : {std::string("1"), std::string(255, 'n'),
                                   std::string("Größe 日本 🧾"), std::string("' OR 1")}) {

@@ -221,7 +221,7 @@ class OneTake {
 constexpr std::chrono::hours forEver{1};
 constexpr std::chrono::milliseconds patience{30'000};
 
-TEST(LogQueueThatGathers, ReturnsItsRecordsWhenItIsHalfFull) {
+TEST(LogQueueWithADelay, ReturnsItsRecordsAsSoonAsItIsHalfFull) {
   LogQueue queue(forEver);
   queue.setCapacity(4);
   queue.open();
@@ -233,7 +233,7 @@ TEST(LogQueueThatGathers, ReturnsItsRecordsWhenItIsHalfFull) {
   queue.close();  // releases a taker that still waits for more records
 }
 
-TEST(LogQueueThatGathers, ReturnsItsRecordsWhenItIsClosed) {
+TEST(LogQueueWithADelay, ReturnsItsRecordsAsSoonAsItIsClosed) {
   LogQueue queue(forEver);
   queue.open();
   queue.push(recordOf("a"));

@@ -40,7 +40,7 @@ TEST_F(RotatingFileTest, WritesLinesInOrder) {
   EXPECT_EQ(contents(), "one\ntwo\nthree\n");
 }
 
-TEST_F(RotatingFileTest, WritesAfter256KiBEvenWithoutAFlush) {
+TEST_F(RotatingFileTest, WritesItsBufferAfter256KiBEvenWithoutAFlush) {
   RotatingFile file(path_, {});
   const std::string line = std::string(1023, 'x') + '\n';
   for (int count = 0; count < 255; ++count) {
@@ -241,7 +241,7 @@ TEST_F(RotatingFileTest, LeavesNoIncompleteLineWhenTheDiskIsFull) {
   EXPECT_EQ(contents(), "first\nsecond\nfourth\n");
 }
 
-TEST_F(RotatingFileTest, WritesOnWhileTheProgramCanOpenNoFile) {
+TEST_F(RotatingFileTest, ContinuesToWriteWhileTheProcessCanOpenNoFile) {
   RotatingFile file(path_, {});
   rlimit before{};
   ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);

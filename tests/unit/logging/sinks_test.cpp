@@ -69,7 +69,7 @@ TEST(StandardErrorSink, WritesMoreTextThanItsBufferHolds) {
   EXPECT_EQ(redirected.text(), expected);
 }
 
-TEST(StandardErrorSink, WritesAfter64KiBEvenWithoutAFlush) {
+TEST(StandardErrorSink, WritesItsBufferAfter64KiB) {
   const std::vector<LogRecord> many(700, recordOf(std::string(100, 'x')));
   std::string line;
   appendReadableLine(line, many.front());

@@ -91,7 +91,7 @@ TEST(DipSwitchReply, IsNotFoundInAnEmptyInput) {
   EXPECT_EQ(place, (Place{-1, -2}));
 }
 
-TEST(DipSwitchReply, IsFoundWhereATextSearchFindsItInRandomBytes) {
+TEST(DipSwitchReply, IsFoundInRandomBytesAtTheSamePlaceAsByATextSearch) {
   std::mt19937 random(52);
   int hits = 0;
   for (int round = 0; round < 20000; ++round) {

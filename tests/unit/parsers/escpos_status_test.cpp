@@ -103,7 +103,7 @@ TEST(EscPosStatus, EitherOfTwoBitsReportsPaperOutOrNearEnd) {
   }
 }
 
-TEST(EscPosStatus, TheLengthOfTheReplyIsIgnored) {
+TEST(EscPosStatus, TheRecordedLengthOfTheReplyIsIgnored) {
   QuorPrinterStatus_2 status = recordAnswering(0x1a);
   status.rawLength = 0;
   EXPECT_NE(BuildParsedStatusESCPOS(&status, StatusType::CashDrawer), 0);

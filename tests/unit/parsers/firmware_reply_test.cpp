@@ -95,7 +95,7 @@ TEST(FirmwareReply, IsNotFoundInAnEmptyInput) {
   EXPECT_EQ(place, (Place{-1, -2}));
 }
 
-TEST(FirmwareReply, IsFoundWhereASlowSearchFindsItInRandomBytes) {
+TEST(FirmwareReply, IsFoundInRandomBytesAtTheSamePlaceAsByASlowSearch) {
   std::mt19937 random(51);
   int hits = 0;
   for (int round = 0; round < 2000; ++round) {

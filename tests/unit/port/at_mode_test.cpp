@@ -61,7 +61,7 @@ TEST(AtCommandMode, FailsWhenTheAddressQueryCannotBeWritten) {
   )"));
 }
 
-TEST(AtCommandMode, FailsWhenTheModuleAnswersAnError) {
+TEST(AtCommandMode, FailsWhenTheModuleAnswersWithAnError) {
   const Outcome run = replying(failed).run(enterATMode());
   EXPECT_EQ(run.result, "false");
   EXPECT_EQ(run.records("enterATMode"),
@@ -183,7 +183,7 @@ TEST(ModuleReply, IsNullWhenALaterReadFails) {
       "Error | Fail to [[self read:512] retain]: <self>\nEnd | T, 1, 10000, -> 0x0\n"));
 }
 
-TEST(ModuleReply, IsAwaitedForWholeSecondsAndForAtLeastOne) {
+TEST(ModuleReply, IsAwaitedForAWholeNumberOfSecondsAndAtLeastOne) {
   const std::pair<std::int32_t, int> rows[] = {{10000, 10}, {1999, 1}, {1000, 1},      {999, 1},
                                                {0, 1},      {-5, 1},   {INT32_MIN, 1}, {2000, 2}};
   for (const auto& [millis, seconds] : rows) {
@@ -194,7 +194,7 @@ TEST(ModuleReply, IsAwaitedForWholeSecondsAndForAtLeastOne) {
   }
 }
 
-TEST(ModuleReply, IsAwaitedByAClockThatCountsFractionsOfASecond) {
+TEST(ModuleReply, IsAwaitedWithATimeoutThatCountsFractionsOfASecond) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.startsPastTheSecond(900000);
   const Outcome run = scenario.run(getPrinterResponse("T", 1, 1000));

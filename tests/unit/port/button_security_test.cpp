@@ -40,7 +40,7 @@ TEST(ButtonSecurityTimeout, IsReadFromExactlySevenBytes) {
   )"));
 }
 
-TEST(ButtonSecurityTimeout, ReadsTheClockTwiceBeforeTheReply) {
+TEST(ButtonSecurityTimeout, QueryReadsTheClockTwiceBeforeItReadsTheReply) {
   const std::string all = withSetting(0x45).run(retrieveButtonSecurityTimeout()).all();
   const std::size_t written = all.find("End writeWithRetry: | ");
   const std::string_view between =

@@ -24,15 +24,15 @@ class ListRaises : public ForwardingPlatform {
   Manager manager_;
 };
 
-class PortThreadWithoutList : public PortThread {
+class PortThreadOnWhichTheOpenThrows : public PortThread {
  protected:
-  PortThreadWithoutList()
+  PortThreadOnWhichTheOpenThrows()
       : PortThread([](std::shared_ptr<Platform> next) -> std::shared_ptr<Platform> {
           return std::make_shared<ListRaises>(std::move(next));
         }) {}
 };
 
-TEST_F(PortThreadWithoutList, AnExceptionOnThePortThreadMakesTheOpenFail) {
+TEST_F(PortThreadOnWhichTheOpenThrows, MakesTheOpenFail) {
   const Port port = create();
   const std::string all = during([&] { EXPECT_FALSE(port->open()); });
   EXPECT_NE(all.find("port thread: Error open71 | Throws exception, class: "

@@ -3,7 +3,7 @@
 namespace quordalvane::test {
 namespace {
 
-TEST_F(PortThread, RunsAnOpenThatTheMainThreadCalls) {
+TEST_F(PortThread, RunsAnOpenThatTheMainThreadRequests) {
   const Port port = create();
   pass(0.05);
   EXPECT_EQ(during([&] { EXPECT_TRUE(port->open()); }), text(R"(
@@ -29,7 +29,7 @@ TEST_F(PortThread, RunsAnOpenThatTheMainThreadCalls) {
   port->close();
 }
 
-TEST_F(PortThread, RunsACloseThatTheMainThreadCallsAndThenEnds) {
+TEST_F(PortThread, RunsACloseThatTheMainThreadRequestsAndThenEnds) {
   const Port port = create();
   EXPECT_TRUE(port->open());
   const std::string all = during([&] {

@@ -14,7 +14,7 @@ Scenario closed() {
   return scenario;
 }
 
-TEST(PortSession, OpensItsInputThenItsOutputAndPauses) {
+TEST(PortSession, OpensItsInputThenItsOutputAndThenPauses) {
   const Outcome run = closed().run(open());
   EXPECT_EQ(run.result, "true");
   EXPECT_EQ(run.all(), text(R"(

@@ -11,7 +11,7 @@ struct Version {
 
 class SystemVersion : public PortThread, public testing::WithParamInterface<Version> {};
 
-TEST_P(SystemVersion, DecidesWhetherACloseWaits) {
+TEST_P(SystemVersion, DecidesWhetherACloseLastsATenthOfASecond) {
   world_.machine().setMainThread(false);
   world_.machine().setSystemVersion(GetParam().text);
   const Port port = create();

@@ -169,7 +169,7 @@ TEST_F(LinkTest, AWriteThatIsNeverAnsweredLeavesAnEarlierRequestUnanswered) {
   EXPECT_TRUE(input->expectsBytes());
 }
 
-TEST_F(LinkTest, ALateReplyKeepsBytesExpectedUntilAWaitBringsNoBytes) {
+TEST_F(LinkTest, BytesAreStillExpectedAfterALateReplyUntilAWaitEndsWithoutBytes) {
   ASSERT_EQ(ask(), 1);
   input->waitUntilReady(0.01);
   ASSERT_EQ(ask(), 1);
@@ -216,7 +216,7 @@ TEST_F(LinkTest, AWaitOfZeroTimeSeesUnaskedBytes) {
   EXPECT_TRUE(input->hasBytesAvailable());
 }
 
-TEST_F(LinkTest, AReadNeedsNoEarlierCheckForBytes) {
+TEST_F(LinkTest, AReadReturnsBytesWithoutAnEarlierCheckForBytes) {
   deviceWrites(1);
   EXPECT_EQ(input->read(&byte, 1), 1);
   EXPECT_EQ(byte, 'd');

@@ -78,7 +78,7 @@ int groupSocket(unsigned group) {
   return ::bind(number, generic, sizeof address) == 0 ? number : (::close(number), -1);
 }
 
-TEST(LostNotices, EndAWaitBecauseTheyMayHaveBeenOfPrinters) {
+TEST(LostDeviceNotices, EndAWaitBecauseTheyMayHaveReportedAPrinter) {
   constexpr unsigned group = 1;
   const int receiver = groupSocket(group);
   if (receiver < 0) {

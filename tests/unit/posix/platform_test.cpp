@@ -53,7 +53,7 @@ TEST(PosixPlatform, HasNoAccessoriesByDefault) {
   EXPECT_TRUE(PosixPlatform().sharedAccessoryManager().connectedAccessories().empty());
 }
 
-TEST(PosixPlatform, DoesNotReadAddressesItself) {
+TEST(PosixPlatform, OffersNoAddressReader) {
   EXPECT_FALSE(PosixPlatform().sharedAccessoryManager().readsAddresses());
 }
 

@@ -125,7 +125,7 @@ TEST(PosixThread, RunsOrRefusesEveryRoutineOfManyThreads) {
   }
 }
 
-TEST(PosixThread, RunsARoutineOfItsOwnDirectly) {
+TEST(PosixThread, RunsARoutineDirectlyIfTheThreadCallsItself) {
   TurningThread turning;
   int depth = 0;
   EXPECT_TRUE(turning.thread.performAndWait([&] {

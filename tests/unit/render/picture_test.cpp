@@ -101,7 +101,7 @@ TEST(JpegPicture, IsReadRowByRow) {
   }
 }
 
-TEST(JpegPicture, IsReadAtASmallerScaleNotNarrowerThanThePaper) {
+TEST(JpegPicture, IsReadAtTheSmallestScaleThatIsAsWideAsThePaper) {
   const Bytes file = jpegFile(4000, 16);
   EXPECT_EQ(openPicture(file, 384)->width(), 500U);
   EXPECT_EQ(openPicture(file, 576)->width(), 1000U);

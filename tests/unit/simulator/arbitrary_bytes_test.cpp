@@ -21,7 +21,7 @@ Bytes randomBytes(std::mt19937_64& chance, std::size_t most) {
   return bytes;
 }
 
-TEST(RandomBytes, MakeABoundedNumberOfItemsOnPaper) {
+TEST(RandomBytes, PrintNoMoreItemsThanTheyHaveBytes) {
   std::mt19937_64 chance(1);
   for (int run = 0; run < 5'000; ++run) {
     Session session;

@@ -19,12 +19,12 @@ CommandScanner scannerAfter(std::size_t length) {
   return scanner;
 }
 
-TEST(CommandScanner, KeepsTwoMebibytesOfACommand) {
+TEST(CommandScanner, StoresAtMostTwoMebibytesOfACommand) {
   EXPECT_EQ(scannerAfter(2 * mebibyte).bytes().size(), 2 * mebibyte);
   EXPECT_EQ(scannerAfter(2 * mebibyte + 1).bytes().size(), 2 * mebibyte);
 }
 
-TEST(CommandScanner, KeepsAnEighthOfAMebibyteOfMemoryForTheNextCommand) {
+TEST(CommandScanner, KeepsAtMost128KiBOfMemoryForTheNextCommand) {
   for (const std::size_t length : {mebibyte / 8, mebibyte / 4, mebibyte}) {
     CommandScanner scanner = scannerAfter(length);
     ASSERT_EQ(scanner.bytes().capacity(), length);

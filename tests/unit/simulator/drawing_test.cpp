@@ -130,7 +130,7 @@ TEST(StoredGraphics, ArePrintedByTheirKeyUntilTheyAreErased) {
             8U);
 }
 
-TEST(StoredGraphics, AreBlackAndGreyInTwoColours) {
+TEST(StoredGraphics, AreDrawnInBlackAndGreyIfTheyHaveTwoColours) {
   const Print print(
       "1d284c 0b00 30 70 30 01 01 31 0800 0100 f0 "
       "1d284c 0b00 30 70 30 01 01 32 0800 0100 0f 1d284c 0200 30 32");
@@ -220,7 +220,7 @@ TEST(PageMode, PrintsAPageWhenThePageEnds) {
             "kept\n");
 }
 
-TEST(PageMode, PrintsAPageAgain) {
+TEST(PageMode, CanPrintTheSamePageAgain) {
   EXPECT_EQ(Print(hex("1b4c") + ascii("a\n") + hex("1b0c 1b0c 1b53")).text(), "a\na\n");
 }
 

@@ -52,7 +52,7 @@ TEST(InjectedFaults, NoSpaceFaultLeavesNoSpaceForTheGivenTime) {
   EXPECT_EQ(session.link->nextEvent(session.now), std::nullopt);
 }
 
-TEST(InjectedFaults, BytesBeforeAStallOrACutAreCountedOverAllWrites) {
+TEST(InjectedFaults, AStallOrACutCountsTheBytesOfAllWrites) {
   for (const auto& [name, value] : {std::pair{"no-space", "4:1500"}, {"cut-after-in", "4"}}) {
     Session session(with(name, value));
     EXPECT_EQ(session.link->write(ascii("abc"), session.now), 3U) << name;
@@ -144,7 +144,7 @@ TEST(InjectedFaults, AStrayByteArrivesBeforeAReply) {
   EXPECT_EQ(session.ask("100401"), hex("12"));
 }
 
-TEST(InjectedFaults, ASilentPrinterSendsNoReplyFromTheGivenNumberOn) {
+TEST(InjectedFaults, ASilentPrinterAnswersOnlyTheRequestsBeforeTheGivenOne) {
   Session session(with("silence", "2"));
   EXPECT_EQ(session.ask("100401"), hex("12"));
   EXPECT_EQ(session.ask("100401 1b0601 1d4941"), Bytes{});

@@ -190,7 +190,7 @@ TEST(VirtualPrinter, HasNoSpaceAfterAFullBufferUntilAQuarterIsFree) {
   EXPECT_EQ(session.link->space(session.now), 25U);
 }
 
-TEST(VirtualPrinter, AnnouncesTheReportOfAnEndMarkAsItsNextEvent) {
+TEST(VirtualPrinter, AnnouncesTheTimeOfItsNextReport) {
   Session session(slow());
   EXPECT_TRUE(session.send(ascii("0123") + hex("1b1d03010000") + Bytes(90, 'x')));
   EXPECT_EQ(session.link->space(session.now), 0U);
@@ -232,7 +232,7 @@ TEST(VirtualPrinter, SendsTheReportOfAnEndMarkWhenAllEarlierDataIsPrinted) {
   EXPECT_EQ(session.link->nextEvent(session.now), std::nullopt);
 }
 
-TEST(VirtualPrinter, ResetsItsCounterWhenTheCommandArrives) {
+TEST(VirtualPrinter, ResetsItsEndMarkCounterAsSoonAsTheResetCommandArrives) {
   Session session(slow().etbCounter(7));
   session.send(ascii("0123456789"));
   EXPECT_EQ(etbCounterOf(session.ask("1b1e4500 1b0601")), 0);
@@ -312,7 +312,7 @@ TEST(VirtualPrinter, EndsAnUnfinishedCommandWhenTheHostDisconnects) {
   }
 }
 
-TEST(VirtualPrinter, HasEmptyPaperAfterATearOff) {
+TEST(VirtualPrinter, HasEmptyPaperAfterThePaperIsTornOff) {
   Session session;
   session.send(ascii("one\n"));
   EXPECT_EQ(session.printer.tearOff().items().size(), 1U);

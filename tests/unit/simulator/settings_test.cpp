@@ -137,7 +137,7 @@ TEST(PrinterSettings, ABluetoothAddressHasTwelveHexDigits) {
   EXPECT_THROW(PrinterBuilder().bluetoothAddress("00:11:22:33:44:55"), std::invalid_argument);
 }
 
-TEST(PrinterSettings, ChangeARunningPrinterAtOnce) {
+TEST(PrinterSettings, TakeEffectAtOnceOnARunningPrinter) {
   Session session;
   EXPECT_TRUE(session.printer.setFlag("coverOpen", true, session.now));
   EXPECT_FALSE(session.printer.setFlag("coverAjar", true, session.now));

@@ -21,7 +21,7 @@ TEST(UtcText, TruncatesTheSecondToTheRequestedDigits) {
   EXPECT_EQ(utc(time, 3), "at 2024-02-29T23:59:59.123Z");
 }
 
-TEST(UtcText, Shows1970AndTheMomentBefore) {
+TEST(UtcText, ShowsTimesJustBeforeAndAtTheBeginningOf1970) {
   EXPECT_EQ(utc(sys_days(year(1970) / 1 / 1), 3), "at 1970-01-01T00:00:00.000Z");
   EXPECT_EQ(utc(sys_days(year(1970) / 1 / 1) - 1us, 6), "at 1969-12-31T23:59:59.999999Z");
 }
