@@ -24,8 +24,8 @@ struct Speaker {
 };
 
 TEST(AllocationCounter, CountsEachAllocationAndItsBytes) {
-  // It is called by its name, because the compiler may remove a new expression whose memory is not
-  // used.
+  // The test calls operator new by name, because the compiler may remove a new expression whose
+  // memory is not used.
   const auto taken = allocationsOf([] { ::operator delete(::operator new(1000)); });
   EXPECT_EQ(taken.count, 1U);
   EXPECT_EQ(taken.bytes, 1000U);

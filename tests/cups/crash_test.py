@@ -168,7 +168,7 @@ class Crashes(unittest.TestCase):
         report("quor", ends)
         print(f"{len(ends)} cases: jobs that are {dict(states)}")
 
-    def test_the_print_systems_own_back_end_is_measured_for_comparison(self):
+    def test_outcomes_of_crashes_of_the_cups_socket_back_end_are_measured(self):
         """This test asserts nothing: its figures are for comparison with ours. It tries half of the moments."""
         victims = ("worker", "scheduler stopped", "scheduler killed")
         with concurrent.futures.ThreadPoolExecutor(len(POLICIES)) as lanes:

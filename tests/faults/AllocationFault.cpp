@@ -8,8 +8,8 @@
 namespace quordalvane::test {
 namespace {
 
-// There is one fault at a time in the whole process, so that a routine also fails on the thread to
-// which it is passed.
+// The whole process has one fault at a time, so that the allocations of a routine also fail if the
+// routine runs on another covered thread.
 struct Plan {
   std::atomic<bool> armed = false;
   std::atomic<Allocation> which = Allocation::Any;

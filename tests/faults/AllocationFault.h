@@ -7,8 +7,8 @@ namespace quordalvane::test {
 /// Which allocations a fault affects: all, or only those that return null instead of throwing.
 enum class Allocation { Any, AnsweringNull };
 
-/// While it lives, the k-th allocation of the threads that are covered fails, alone or with all
-/// that follow. There is one at a time.
+/// As long as the object lives, the k-th allocation of the covered threads fails, alone or with all
+/// later allocations. Only one object may exist at a time.
 class AllocationFault {
  public:
   /// `k` counts from 1. The calling thread is covered from now on.

@@ -29,7 +29,7 @@ struct Circumstances {
   Layer layer = {};
 };
 
-/// Memory is also short on the threads that it makes.
+/// A platform on whose threads allocations fail too.
 class CoveredThreads : public ForwardingPlatform {
  public:
   using ForwardingPlatform::ForwardingPlatform;

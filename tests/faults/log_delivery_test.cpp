@@ -21,7 +21,7 @@ constexpr std::chrono::minutes patience{1};
 
 /// Counts the records that it receives and those that are reported missing. Its first write waits
 /// until it is released and then lets the k-th allocation of the next turn fail, alone or with all
-/// that follow until memory is back. It allocates nothing itself.
+/// that follow until memory is back. The sink itself allocates nothing.
 class SpoilingSink : public LogSink {
  public:
   explicit SpoilingSink(std::uint64_t k, bool fromThereOn = false)
@@ -57,7 +57,7 @@ class SpoilingSink : public LogSink {
   /// Call this only while the writer has nothing to do.
   void memoryIsBack() { fault_.reset(); }
 
-  // Belongs to the writer while it has records.
+  // Only the writer's thread may use these members while the writer has records.
   std::uint64_t given = 0;
   std::uint64_t told = 0;
   std::uint64_t words = 0;  // how often missing records were reported

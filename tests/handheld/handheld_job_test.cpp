@@ -134,7 +134,7 @@ TEST_P(HandheldJob, LogsTheSameRecordsAsAJobOnThePosixPlatform) {
 INSTANTIATE_TEST_SUITE_P(Emulation, HandheldJob,
                          testing::Values(ZKEmulationQuorLine, ZKEmulationESCPOS));
 
-/// The same platform without the pauses of a port's open and close.
+/// A platform without the pauses of a port's open and close.
 class SleeplessPlatform : public ForwardingPlatform {
  public:
   using ForwardingPlatform::ForwardingPlatform;

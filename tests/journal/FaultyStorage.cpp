@@ -34,7 +34,7 @@ auto forwarded(sqlite3_file* file, Arguments... arguments) {
   return (real(file)->pMethods->*Method)(real(file), arguments...);
 }
 
-// The same, and fails with `Code` when it is its turn.
+// Forwards a method of a file, or fails with `Code` if this is the call that must fail.
 template <auto Method, int Code, typename... Arguments>
 int failing(sqlite3_file* file, Arguments... arguments) {
   return failsNow() ? Code : forwarded<Method>(file, arguments...);

@@ -25,19 +25,19 @@ std::size_t statusLength(std::uint8_t firstByte);
 /// Fills the record from its `raw`.
 void decodeStatus(QuorPrinterStatus_2& status);
 
-/// Applies the answer `raw[0]` to real-time query 0, 1 or 2; false if it is no answer.
+/// Applies `raw[0]`, the answer to real-time query 0, 1 or 2; false if the byte is no answer.
 bool decodeRealTimeStatus(QuorPrinterStatus_2& status, unsigned query);
 
 /// Whether a printer answers this command of the port; the function lists the settings and marks
 /// that a printer never answers.
 bool isAnswered(const Bytes& command);
 
-/// The place of the firmware text, or of a bank's settings, in a reply; false if it is not
+/// Finds the firmware text, or the settings of a bank, in a reply; false if the reply is not
 /// complete.
 bool findFirmware(const Bytes& reply, std::int32_t& location, std::int32_t& length);
 bool findDipSwitches(const Bytes& reply, std::int32_t& location, std::int32_t& length);
 
-/// One character a byte; U+FFFD for those that are not ASCII.
+/// The text with one character for each byte; U+FFFD for a byte that is not ASCII.
 std::string asciiDecoded(const Bytes& bytes);
 
 }  // namespace quordalvane::test

@@ -180,7 +180,7 @@ class Mutants(Folder):
             self.write("tests/more_test.cpp", f'const char* answer = "{answer}";\n')
             self.assertEqual(self.kept(), 0)
 
-    def test_a_change_of_a_comment_has_no_mutant_tried_again(self):
+    def test_no_mutant_is_tried_again_after_a_change_of_a_comment(self):
         for answer in ("F.AddsOne", "compiler", "survived"):
             self.answer_all(answer)
             self.write("one.cpp", "// another word\n" + self.SOURCE.replace("a + 1;", "a + 1;  // and one more"))

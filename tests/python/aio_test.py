@@ -1,4 +1,4 @@
-"""The port for asyncio: the same answers, and a loop that is never blocked."""
+"""The port for asyncio: its operations return the answers of a Port and never block the event loop."""
 
 import asyncio
 import threading

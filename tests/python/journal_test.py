@@ -1,4 +1,4 @@
-"""Jobs under a name in Python: once on paper, even if the interpreter ends in the middle."""
+"""Named jobs in Python: each is printed once, even if the interpreter ends in the middle."""
 
 import os
 import signal

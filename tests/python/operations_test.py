@@ -39,7 +39,7 @@ OPERATIONS = {
     "drop_all": ((), None),
 }
 ENDINGS = {"disconnect", "close"}
-# Parts of Port for the package's other classes.
+# Attributes of Port that only other classes of the package use.
 INNER = {"handle", "start_job", "worker"}
 
 # For each error, a call that raises it.

@@ -1,4 +1,4 @@
-"""A port in Python, against the virtual printer and against nothing."""
+"""A port in Python, with the virtual printer and without a printer."""
 
 import gc
 import logging

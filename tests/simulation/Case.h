@@ -13,7 +13,7 @@
 
 namespace quordalvane::simulation {
 
-/// A flag of the printer that changes in mid-run.
+/// A change of a flag of the printer during the run.
 struct Turn {
   std::chrono::milliseconds after;
   std::string flag;

@@ -60,8 +60,8 @@ std::string anyReply(Dice& dice) {
   return dice.oneIn(2) ? anyKind(dice) : std::to_string(dice.between(1, 20));
 }
 
-// Each fault adds at most one byte that looks like an in-order answer. A count cannot detect two
-// such bytes, as the documents say.
+// Each fault adds at most one byte that looks like an in-order answer, because a count of the
+// answers cannot detect two of these bytes.
 void addFault(Case& made, Dice& dice) {
   auto add = [&made](const char* name, const std::string& value) {
     made.faults.emplace_back(name, value);

@@ -32,7 +32,7 @@ class Witness : public test::Fault {
   bool sawFailure_ = false;
 };
 
-/// One till and one printer, with all the trouble of a case.
+/// A host and its virtual printer, with all faults of a case.
 class World {
  public:
   explicit World(const Case& given);

@@ -104,7 +104,7 @@ class Relay(threading.Thread):
             return
 
     def carry(self, till: int, printer: int):
-        """Until one side ends, or the cut."""
+        """Passes bytes on in both directions until one side ends or the link is cut."""
         directions = Direction(till, printer), Direction(printer, till)
         while not self.stopping:
             with self.lock:
@@ -127,7 +127,7 @@ class Relay(threading.Thread):
 
     @staticmethod
     def take(direction: Direction, weather: Weather) -> bool:
-        """False at the end of the source."""
+        """Takes the bytes that have arrived; returns False if the source has ended."""
         try:
             data = os.read(direction.source, READ_SIZE)
         except BlockingIOError:

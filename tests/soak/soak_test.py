@@ -88,7 +88,7 @@ class Soak:
         self.before = self.till.ask("resources")
 
     def printed_bytes(self) -> int:
-        """The paper of a printer that has taken all bytes that reached it and has no delay."""
+        """How many bytes the printer has printed, after it has taken all bytes that reached it."""
         if not self.relay.cut_done.wait(30):
             raise Failure(f"{self.name}: the relay does not listen again after a cut")
         return self.printer.state()["printedBytes"]
@@ -142,7 +142,7 @@ class Soak:
                 raise Failure(f"{self.name}: {drift} bytes more are {kind}")
 
     def check_paper(self):
-        """The printer may wrap lines, and its last line may have no line end."""
+        """Compares the paper without spaces and line ends, because the printer may wrap lines and omit the last line end."""
         expected, whole_lines = ("".join(text.split()) for text in (self.paper, self.paper.rpartition("\n")[0]))
 
         def torn_off() -> str:

@@ -40,7 +40,7 @@ class Rule:
 
 
 NO_CLOCK = r"\b\w+_clock\b"
-# The locale of the program must not change how a text is read, or a record.
+# The locale of the program must not change how a text or a record is read.
 NO_LOCALE = r"\b(strto\w+|ato[fil]+|sto[fdil]+|s?n?(print|scan)f|setlocale)\b"
 NO_CLOCK_OR_LOCALE = NO_CLOCK + "|" + NO_LOCALE
 
@@ -76,15 +76,15 @@ RULES = (
          STANDARD | DESCRIPTORS | {"sys/vfs.h", "sqlite3.h", "nettle/sha2.h"}),
     Rule("render", ("text",), STANDARD | {"cairo.h", "csetjmp", "glib.h", "iconv.h", "jpeglib.h", "pango/pangocairo.h", "png.h"}, NO_CLOCK),
     Rule("c-interface", ("job", "iphone-IOPort", "logging", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
-    # It is a part of the journal's library, so that a program without named jobs loads no database.
+    # The folder belongs to the journal's library, so that a program without named jobs loads no database.
     Rule("c-interface/journal", ("c-interface/*", "journal", "locks", "job", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
     # The command also serves the simulator to others, without a port.
     Rule("tools", ("job", "journal", "locks", "iphone-IOPort", "logging", "text", "backends", "discovery", "platform", "render",
                    "simulator", "tools/http", "tools/process", PUBLIC), EVERY_SYSTEM_HEADER),
-    # A web server that knows no printer: microhttpd.h and the system.
+    # The web server includes no header of a printer, only microhttpd.h and headers of the system.
     Rule("tools/http", ("text",), EVERY_SYSTEM_HEADER),
     Rule("tools/process", (), EVERY_SYSTEM_HEADER),
-    # The print system's access to the same jobs; it has no printer of its own.
+    # The back end for CUPS prints the jobs of the print system, without the simulator.
     Rule("tools/printer-app", ("render", "job", "journal", "locks", "iphone-IOPort", "text", "backends", "discovery",
                                "platform", PUBLIC), EVERY_SYSTEM_HEADER),
     Rule("tools/cups-backend", ("job", "journal", "locks", "iphone-IOPort", "logging", "text", "backends", "discovery",

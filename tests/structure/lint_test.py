@@ -87,7 +87,7 @@ class Lint(unittest.TestCase):
         self.write("tools/.clang-tidy", "Checks: b\n")
         self.assertEqual(self.lint(), (True, {"Tool.cpp"}))
 
-    def test_a_changed_compile_command_has_its_source_checked(self):
+    def test_a_source_is_checked_again_when_its_compile_command_changes(self):
         self.commands({"job/Job.cpp": "-O2", "job/Other.cpp": "-O0", "job/Third.cpp": "-O2"})
         self.assertEqual(self.lint(), (True, {"Other.cpp"}))
 

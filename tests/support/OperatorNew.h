@@ -16,8 +16,9 @@ void* take(std::size_t size, OnShortage onShortage) noexcept;
 
 }  // namespace quordalvane::test
 
-// This replaces every form except those with extended alignment, which the project does not use: a
-// sanitizer has its own forms, and memory must be freed by the same form.
+// This file replaces every form of operator new except the forms with extended alignment, which the
+// project does not use. A sanitizer has its own forms, and memory must be freed by the form that
+// allocated it.
 
 void* operator new(std::size_t size) {
   void* const memory = quordalvane::test::take(size, quordalvane::test::OnShortage::Raises);

@@ -64,7 +64,7 @@ class Scheduler {
   void wake(Thread& thread);
 
   /// Runs `event` at `instant`, on whichever thread waits then and before any thread that is due at
-  /// that instant. It must not wait.
+  /// that instant. The event must not wait.
   void at(Instant instant, std::function<void()> event);
 
  private:

@@ -1,4 +1,4 @@
-"""The control lines of a running printer."""
+"""The control lines of a running virtual printer."""
 
 import json
 import socket

@@ -32,7 +32,7 @@ def pieces_of(reply: bytes):
 
 
 class Asking(Case):
-    """Each peer serves one run of the command; the runs are parallel."""
+    """Tests whose peers each serve one run of the command; the runs are parallel."""
 
     def answer(self, replies: dict, *arguments: str):
         place = self.peer(answering(replies)).place
@@ -103,7 +103,7 @@ class DipSwitches(Asking):
         at_once((check, timeout, 3, 0) for timeout in (1001, 4294967295))
 
     def test_button_security_also_adds_a_time_out_below_a_second(self):
-        """Such a time-out may end at once; only the virtual printer answers soon enough."""
+        """A time-out below a second may end at once, so only the built-in virtual printer answers soon enough."""
         for timeout in (0, 1, 999):
             result = run("-d", "virtual:,dip1=4a0a", "-t", str(timeout), "button-security", "--json")
             self.assertExit(0, result)

@@ -78,7 +78,7 @@ def proof_names() -> list[str]:
 
 
 def eventually(condition: Callable[[], object], what: str):
-    """Asks until the answer is true, and returns it."""
+    """Calls `condition` until its answer is true, and returns the answer."""
     end = time.monotonic() + DEADLINE
     while not (answer := condition()):
         if time.monotonic() > end:
@@ -92,7 +92,7 @@ def place_of(bound: socket.socket) -> str:
 
 
 def receive(source: socket.socket, count: int) -> bytes:
-    """This number of bytes, or fewer if the other side ends."""
+    """Returns `count` bytes, or fewer if the other side ends."""
     taken = b""
     while len(taken) < count and (more := source.recv(count - len(taken))):
         taken += more
@@ -293,7 +293,7 @@ def status_block(*flags: str, counter: int = 0, presenter: int = 0, interface: i
 
 
 def answer_status(connection: socket.socket, block: bytes):
-    """Answers every status request with the block until the host leaves."""
+    """Answers every status request with the block until the host disconnects."""
     unread = b""
     while more := connection.recv(4096):
         unread += more
@@ -303,7 +303,7 @@ def answer_status(connection: socket.socket, block: bytes):
 
 
 def count_etbs(connection: socket.socket) -> bytes:
-    """A printer in line mode that counts, until the host leaves. Returns all that it received."""
+    """A printer in line mode that counts blocks until the host disconnects. Returns all bytes that it received."""
     seen, unread = bytearray(), b""
     while more := connection.recv(4096):
         seen.extend(more)

@@ -18,7 +18,7 @@ class Signals(Case):
         process.send_signal(by)
         result = finish(process, time.monotonic(), data)
         self.assertExit(128 + by, result)
-        # Less time than a close that waits for the printer.
+        # A close that waits for the printer takes longer.
         self.assertLess(result.seconds, 1.9, "a signal takes effect within a second")
         return result
 
@@ -70,7 +70,7 @@ class Signals(Case):
         self.assertEqual((answer["outcome"], answer["bytesAccepted"]), ("unconfirmed", 20_000))
 
     def test_a_printed_job_is_reported_as_printed_if_a_signal_arrives_during_the_close(self):
-        """Nobody reads the log meanwhile. That delays the end of the command, but not the end of the connection."""
+        """No program reads the log during the job. This delays the end of the command, but not the end of the connection."""
         closed = threading.Event()
         job = self.file("job", b"text\n")
         peer = self.peer(lambda connection: (count_etbs(connection), closed.set()))
@@ -107,8 +107,8 @@ class Signals(Case):
             self.assertTrue(closed.wait(DEADLINE), "the port is closed")
 
     def test_a_signal_ends_a_query_whose_write_repeats_without_end(self):
-        """A port whose count of a command is wrong repeats the rest without end: to a link that takes it each time, and
-        to a link that never takes it."""
+        """A port that counts the bytes of a command wrongly sends the rest again without end, both to a link that accepts
+        the rest each time and to a link that never does."""
         log = self.folder / "log"
         for command, faults in (("dipswitch", "no-space=4:120"), ("dipswitch", "no-space=4:120,no-space=8:600000"),
                                 ("cancel", "no-space=4:120"), ("status", "no-space=2:120")):

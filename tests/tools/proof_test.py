@@ -20,8 +20,8 @@ ID_OF_ANOTHER_JOB = b"\x37\x22A2BC\x00"  # whose 2 has the form of a real-time s
 
 
 class OrdinaryPrinter:
-    """Answers `10 04 n`, and the questions in the data that it knows. It prints at once; while its cover is open it
-    keeps everything, and continues later. It skips one byte after an unknown escape."""
+    """A printer that answers `10 04 n` and the requests in the data that it supports. The printer prints at once; while its
+    cover is open it stores all commands and prints them later. It skips one byte after an unknown escape."""
 
     def __init__(self, *knows: bytes, opens_in_job: bool = False, unasked: bytes = b""):
         self.knows, self.opens_in_job, self.unasked = knows, opens_in_job, unasked
@@ -39,7 +39,7 @@ class OrdinaryPrinter:
                 unread = unread[taken:]
 
     def take(self, unread: bytes) -> int:
-        """Handles the command at the beginning, and returns its number of bytes; 0 if it is not whole."""
+        """Handles the first command of `unread`, and returns its number of bytes; 0 if the command is not complete."""
         if not unread:
             return 0
         length = self.length(unread)
@@ -56,7 +56,7 @@ class OrdinaryPrinter:
         return length
 
     def send(self, answer: bytes):
-        """With the unasked bytes before it; of these, flow control is within it as well."""
+        """Sends the unasked bytes and then the answer; those of flow control also precede each later byte of the answer."""
         inside = bytes(byte for byte in self.unasked if byte in FLOW_CONTROL)
         self.connection.sendall(self.unasked + inside.join(bytes([byte]) for byte in answer))
 

@@ -1,4 +1,4 @@
-"""The commands that ask the printer something, over every kind of link."""
+"""The commands that query the printer, over every kind of link."""
 
 import re
 import socket
@@ -374,7 +374,7 @@ class QueryAnswers(Case):
 
 
 class DeviceOption(Case):
-    """The device that a command uses, and that the command names it."""
+    """Each command uses the device of its options and names the device in its answer."""
 
     QUERIES = ("list", "status", "online", "firmware", "dipswitch", "button-security", "disconnect", "cancel")
 

@@ -112,7 +112,7 @@ class HostsOption(Case):
 
 class Drawing(Case):
     def test_drawing_a_long_receipt_does_not_delay_an_answer(self):
-        """A receipt of fifty metres takes seconds to draw; the printer answers meanwhile."""
+        """A receipt of fifty metres takes seconds to draw; the printer must answer during that time."""
         folder = self.folder / "receipts"
         simulator = self.simulator("tcp:0", "--receipts", str(folder))
         with simulator.connect() as host:

@@ -74,7 +74,7 @@ class Browser:
         return reply["result"]
 
     def receive(self, end: float, what: str):
-        """Takes in what the browser says next."""
+        """Reads the next messages of the browser."""
         ready, _, _ = select.select([self.answers], [], [], max(0, end - time.monotonic()))
         more = os.read(self.answers, 1 << 20) if ready else b""
         assert more, f"the browser does not answer: {what}"
@@ -138,7 +138,7 @@ class Page:
         return answer["result"].get("value")
 
     def until(self, expression: str, what: str = ""):
-        """Asks again and again until the expression is true, and returns its value."""
+        """Evaluates the expression until it is true, and returns its value."""
         answer = self.evaluate(f"""new Promise((resolve) => {{
             const ask = () => {{
               const value = ({expression});

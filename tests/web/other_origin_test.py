@@ -6,7 +6,7 @@ import threading
 from harness import main
 from shop import Shop, ShopCase
 
-# The attempts of such a page; each returns the answer that it got. `shop` is the address with its secret token.
+# The attempts of a page of another origin; each returns the answer that it got. `shop` is the address with its secret token.
 ATTEMPTS = {
     "reads": "fetch(shop + 'api/printers').then((answer) => answer.text())",
     "reads without asking": "fetch(shop + 'api/printers', {mode: 'no-cors'}).then((answer) => answer.text())",
@@ -94,7 +94,7 @@ class OtherOrigin(ShopCase):
         self.assertIs(state, False)
 
     def test_a_page_of_the_own_origin_can_read_and_change_the_printer(self):
-        """The attempts above work from the page's own origin, so they are not merely broken."""
+        """The attempts of Elsewhere succeed from the page's own origin, which shows that the attempts themselves work."""
         shop = self.shop()
         own = self.shop_page(shop)
         for name in ("reads", "follows the events", "switches"):

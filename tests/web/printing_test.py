@@ -113,7 +113,7 @@ class PrintingOnThePage(ShopCase):
 
 class PageControls(ShopCase):
     def state(self, page, printer: int = 1) -> dict:
-        """The printer's own word."""
+        """The state that the server reports for a printer."""
         return page.evaluate(f"""fetch('api/printers').then((answer) => answer.json())
             .then(({{printers}}) => printers.find((printer) => printer.id === {printer}))""")
 

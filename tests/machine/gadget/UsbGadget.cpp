@@ -171,7 +171,7 @@ void UsbGadget::describe(const UsbIdentity& identity) {
   toHost_ = opened(files_ / "ep2");
 }
 
-// This also removes the remains of a program that was killed.
+// Also removes the USB gadget that an earlier, killed program has left.
 void UsbGadget::removeAll() {
   std::error_code error;
   ::umount(files_.c_str());

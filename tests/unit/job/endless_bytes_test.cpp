@@ -115,7 +115,7 @@ TEST_P(PrinterThatNeverStopsSending, CannotDelayTheEndOfAJobBeyond25Seconds) {
   EXPECT_EQ(result.bytesAccepted, data.size());
 }
 
-// Each byte could be an answer to the first job's question, which the second one hears out.
+// Each byte could be a late answer to the request of the first job, for which the second job waits.
 TEST(PrinterThatSendsSlowlyWithoutEnd, CannotDelayTheNextJobBeyond40Seconds) {
   for (const auto& [proof, byte] :
        {std::pair(ProofKind::Block, bytes("12")), std::pair(ProofKind::InOrder, bytes("00"))}) {

@@ -1,4 +1,4 @@
-// The answers that a printer owes to an earlier job.
+// The wait of a job for late answers to the requests of an earlier job.
 
 #include "job/HearOut.h"
 
@@ -13,7 +13,8 @@ namespace {
 
 using std::chrono::seconds;
 
-/// A port to a printer with these faults, which is heard out by its in-order status.
+/// A port to a virtual printer with these faults, which waits for late answers with the requests of
+/// the in-order proof.
 class Hearing : private TransferObserver {
  public:
   explicit Hearing(simulator::Faults faults = {}) {

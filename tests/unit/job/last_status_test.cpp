@@ -1,4 +1,4 @@
-// Line-mode jobs: the last answers that a printer must give before a job is called printed.
+// Line-mode jobs: the last answers that a printer must send before a job is reported as printed.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

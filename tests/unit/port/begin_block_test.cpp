@@ -138,7 +138,7 @@ TEST(BeginBlockInLineMode, SucceedsIfThePaperIsTakenBeforeTheTimeout) {
   EXPECT_EQ(run.caller.resultCode, 0);
 }
 
-TEST(BeginBlockInLineMode, ChoosesItsTimeoutAnewInEachPass) {
+TEST(BeginBlockInLineMode, UsesTheBeginTimeoutAgainAfterThePaperIsTaken) {
   Scenario scenario = Scenario::in(lineMode, 1000);
   scenario.holdMillis = 10000;
   scenario.script.whenAsked(lineRequest, whole(lineStatus()));

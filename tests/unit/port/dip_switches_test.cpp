@@ -40,7 +40,7 @@ TEST(DipSwitches, AreReadOneBankAfterTheOther) {
   )")) << "the bytes shown are the first of the chunk";
 }
 
-TEST(DipSwitches, AreRequestedInTheSameWayInEveryEmulation) {
+TEST(DipSwitches, AreRequestedWithTheSameBytesInEveryEmulation) {
   for (const std::int32_t emulation : {unknownEmulation, escPos}) {
     Scenario scenario = answering("c0 01 0a", "02 03 0a");
     scenario.creation.emulation = emulation;

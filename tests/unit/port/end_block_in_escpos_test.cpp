@@ -128,7 +128,7 @@ TEST(EndBlockInEscPos, SucceedsEvenIfASecondReportHasTheCount0) {
   EXPECT_EQ(scenario.run(endCheckedBlock()).result, "true");
 }
 
-TEST(EndBlockInEscPos, TreatsASecondReportInOnePassAsAStatus) {
+TEST(EndBlockInEscPos, ReadsTheStartOfASecondReportAsTheStatusByte) {
   Scenario scenario = escPosPrinter();
   scenario.endMillis = 1000;
   const Bytes zero = bytes("1b 1d 03 01 00 00 00 00");

@@ -184,7 +184,7 @@ TEST(PrinterSelection, SkipsKltModelsThatAreAttachedByUsb) {
   EXPECT_EQ(chosen(choosing("BT:Printer 1", {cable})), 0U) << "also when it is designated";
 }
 
-TEST(PrinterSelection, ChoosesOtherUsbModelsAndNonUsbKltModels) {
+TEST(PrinterSelection, ChoosesModelsWithoutTheKltPrefixOrWithoutTheUSuffix) {
   for (const char* model : {"XQ20-U", "KLT20", "klt20-U", "KLT-Ux", "XKLT-U", ""}) {
     AccessoryIdentity other = printer(1);
     other.modelNumber = model;

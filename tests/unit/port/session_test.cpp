@@ -59,7 +59,7 @@ TEST(PortSession, ClosesItsPartsInOrder) {
             std::string::npos);
 }
 
-TEST(PortSession, PausesEvenIfTheOpenFails) {
+TEST(PortSession, PausesATenthOfASecondEvenIfTheOpenFails) {
   Scenario scenario = closed();
   scenario.accessories = {};
   const Outcome run = scenario.run(open());

@@ -1,7 +1,7 @@
 #include "tests/unit/posix/LineSpeed.h"
 
-// This is a source of its own, because its header and the usual header for terminals exclude each
-// other.
+// These functions have their own source file, because <asm/termbits.h> and <termios.h> cannot be
+// included together.
 #include <asm/termbits.h>
 #include <sys/ioctl.h>
 

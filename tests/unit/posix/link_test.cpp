@@ -227,7 +227,7 @@ TEST_F(LinkTest, TheFirstConnectionCheckReportsALostLinkWithoutARead) {
   EXPECT_FALSE(accessory.isConnected());
 }
 
-TEST_F(LinkTest, NoticeLossReportsALostLinkEvenIfBytesAreUnseen) {
+TEST_F(LinkTest, NoticeLossReportsALostLinkEvenIfBytesAreUnread) {
   deviceWrites(3);
   ASSERT_EQ(::shutdown(device(), SHUT_WR), 0);
   accessory.noticeLoss();
@@ -268,7 +268,7 @@ TEST_F(LinkTest, AConnectionCheckDoesNotWaitForTheEndOfASession) {
   ending.join();
 }
 
-TEST(LinkAccessory, RefusesAProtocolThatItDoesNotAnnounceWithoutConnecting) {
+TEST(LinkAccessory, RefusesAnUnannouncedProtocolAndDoesNotConnect) {
   bool connected = false;
   LinkAccessory accessory(AccessoryIdentity{}, [&]() -> Descriptor {
     connected = true;

@@ -167,7 +167,7 @@ TEST(MultiByteText, IsReadInEachLanguage) {
   EXPECT_EQ(Print(hex("c7d1b1b9 0a"), profile("escpos-80-korea")).text(), "한국");
 }
 
-// Such characters are two letters wide, even if a code page also has them as narrow characters.
+// Characters of two bytes are two letters wide, even if a code page also has them as narrow ones.
 TEST(MultiByteText, IsDrawnWithTheSameGlyphsAsUnicodeText) {
   const struct {
     const char* language;

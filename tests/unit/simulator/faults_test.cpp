@@ -294,7 +294,7 @@ TEST(InjectedFaults, AScriptAppliesAllStepsThatAreDueAtOneMoment) {
   EXPECT_EQ(session.ask("100402"), hex("36"));
 }
 
-TEST(InjectedFaults, AScriptRunsEvenIfTheStateIsNotRead) {
+TEST(InjectedFaults, ATimedFaultPausesPrintingEvenIfTheHostReadsNothing) {
   Faults script = with("at", "1000:coverOpen=true");
   script.add("at", "2000:coverOpen=false");
   Session session(PrinterBuilder().speed(10), script);

@@ -42,7 +42,7 @@ TEST(FlowControl, LetsAHostContinueWhenDataIsDroppedOrFlowControlIsSwitchedOff) 
   EXPECT_EQ(ended.receive(), hex("13 11"));
 }
 
-TEST(FlowControl, AlsoPausesTheNextHost) {
+TEST(FlowControl, PausesANewHostWhileTheBufferIsStillFull) {
   Session session(slow().coverOpen());
   session.send(Bytes(200, 'a'));
   EXPECT_EQ(session.receive(), hex("13"));

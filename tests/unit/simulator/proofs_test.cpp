@@ -237,7 +237,7 @@ TEST(FaultsOfOneReplyKind, AForeignReplyPrecedesTheRightReply) {
   EXPECT_EQ(status.ask("1d7201"), hex("00 00"));
 }
 
-TEST(FaultsOfOneReplyKind, AForeignReportNeverHasTheRightCount) {
+TEST(FaultsOfOneReplyKind, TheCountOfAForeignBlockReportIsAlwaysWrong) {
   std::set<std::uint8_t> counts;
   for (unsigned seed = 0; seed < 2000; ++seed) {
     Faults faults = with("foreign-reply", "block");
