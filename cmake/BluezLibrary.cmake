@@ -2,7 +2,7 @@
 # library.
 add_library(QuorBluez SHARED $<TARGET_OBJECTS:quor_bluez>
             # Sources that the port's library does not export.
-            $<FILTER:$<TARGET_OBJECTS:quor_posix>,INCLUDE,/Descriptor|/Link|/Linger>
+            $<FILTER:$<TARGET_OBJECTS:quor_posix>,INCLUDE,/Deadline|/Descriptor|/Link|/Linger>
             $<FILTER:$<TARGET_OBJECTS:quor_backend_common>,INCLUDE,/SpecText>
             $<FILTER:$<TARGET_OBJECTS:quor_text>,INCLUDE,/Quoted>)
 add_library(QuorIOPort::QuorBluez ALIAS QuorBluez)
