@@ -1,8 +1,9 @@
 #include "tools/quorport/OptionGrammar.h"
 
 #include <CLI/CLI.hpp>
+#include <initializer_list>
 #include <limits>
-#include <map>
+#include <string_view>
 #include <utility>
 
 #include "platform/ProofKind.h"
@@ -40,17 +41,28 @@ ProofKind proof(const std::string& text) {
   throw CLI::ValidationError("takes " + proofNames() + ", not " + inQuotes(text));
 }
 
-ZKEmulation emulation(const std::string& text) {
-  static const std::map<std::string, ZKEmulation> names = {
-      {"line", ZKEmulationQuorLine},
-      {"escpos", ZKEmulationESCPOS},
-      {"unknown", ZKEmulationUnknown},
-  };
-  const auto found = names.find(lowerCase(text));
-  if (found == names.end()) {
-    throw CLI::ValidationError("takes line, escpos or unknown, not " + inQuotes(text));
+template <typename Value>
+using Choices = std::initializer_list<std::pair<std::string_view, Value>>;
+
+// Returns the value whose name is `name`, which was given as `text`.
+template <typename Value>
+Value chosen(std::string_view name, const std::string& text, Choices<Value> choices) {
+  std::string names;
+  for (const auto& [choice, value] : choices) {
+    if (choice == name) {
+      return value;
+    }
+    names += names.empty() ? "" : choice == (choices.end() - 1)->first ? " or " : ", ";
+    names += choice;
   }
-  return found->second;
+  throw CLI::ValidationError("takes " + names + ", not " + inQuotes(text));
+}
+
+ZKEmulation emulation(const std::string& text) {
+  return chosen<ZKEmulation>(lowerCase(text), text,
+                             {{"line", ZKEmulationQuorLine},
+                              {"escpos", ZKEmulationESCPOS},
+                              {"unknown", ZKEmulationUnknown}});
 }
 
 // Wraps `take`; prefixes its errors with the option's name.
@@ -189,36 +201,6 @@ void addMonitorOptions(CLI::App& app, Options& all) {
   app.footer(help::monitorFooter);
 }
 
-namespace {
-
-ReceiptPer receiptPer(const std::string& text) {
-  if (text == "cut") {
-    return ReceiptPer::Cut;
-  }
-  if (text == "job") {
-    return ReceiptPer::Job;
-  }
-  if (text == "connection") {
-    return ReceiptPer::Connection;
-  }
-  throw CLI::ValidationError("takes cut, job or connection, not " + inQuotes(text));
-}
-
-HostRule hostRule(const std::string& text) {
-  if (text == "one") {
-    return HostRule::One;
-  }
-  if (text == "turns") {
-    return HostRule::Turns;
-  }
-  if (text == "refuse") {
-    return HostRule::Refuse;
-  }
-  throw CLI::ValidationError("takes one, turns or refuse, not " + inQuotes(text));
-}
-
-}  // namespace
-
 void addSimulateOptions(CLI::App& app, Options& all) {
   SimulateOptions& options = all.simulate;
   addTexts(app, "--listen", "SPEC",
@@ -231,7 +213,11 @@ void addSimulateOptions(CLI::App& app, Options& all) {
       app, "--hosts", "one|turns|refuse",
       "hosts that connect while another is connected: they wait, print between its jobs, or are "
       "refused (default: one)",
-      [&options](const std::string& text) { options.hosts = hostRule(text); });
+      [&options](const std::string& text) {
+        options.hosts = chosen<HostRule>(
+            text, text,
+            {{"one", HostRule::One}, {"turns", HostRule::Turns}, {"refuse", HostRule::Refuse}});
+      });
   addTexts(app, "--set", "KEY=VALUE",
            "the printer's state or a fault, as on virtual: devices; may be repeated",
            options.settings);
@@ -240,7 +226,12 @@ void addSimulateOptions(CLI::App& app, Options& all) {
       ->type_name("FOLDER");
   addText(app, "--per", "cut|job|connection",
           "how the output is divided into receipts (default: job)",
-          [&options](const std::string& text) { options.per = receiptPer(text); });
+          [&options](const std::string& text) {
+            options.per = chosen<ReceiptPer>(text, text,
+                                             {{"cut", ReceiptPer::Cut},
+                                              {"job", ReceiptPer::Job},
+                                              {"connection", ReceiptPer::Connection}});
+          });
   app.add_flag("--strict", options.strict,
                "end with status 1 if a job held an unknown command, a character that its code page "
                "lacks, or a command that was cut off");
