@@ -1,8 +1,10 @@
 #include <chrono>
 #include <filesystem>
 #include <nlohmann/json.hpp>
+#include <string_view>
 #include <system_error>
 
+#include "job/PrintResult.h"
 #include "job/Words.h"
 #include "journal/Journal.h"
 #include "text/Quoted.h"
@@ -18,18 +20,18 @@ std::chrono::system_clock::time_point timeOf(std::int64_t milliseconds) {
   return std::chrono::system_clock::time_point(std::chrono::milliseconds(milliseconds));
 }
 
-std::string nameOf(JobState state) {
+std::string_view nameOf(JobState state) {
   switch (state) {
     case JobState::Printed:
-      return "printed";
+      return nameOf(PrintOutcome::Printed);
     case JobState::Unconfirmed:
-      return "unconfirmed";
+      return nameOf(PrintOutcome::Unconfirmed);
     case JobState::Printing:
       return "printing";
     case JobState::Refused:
       break;
   }
-  return "refused";
+  return nameOf(PrintOutcome::Refused);
 }
 
 Json jsonOf(const JobRecord& job) {
@@ -44,7 +46,7 @@ Json jsonOf(const JobRecord& job) {
 }
 
 std::string lineOf(const JobRecord& job) {
-  std::string line = localText(timeOf(job.begun)) + "  " + nameOf(job.state) + "  " +
+  std::string line = localText(timeOf(job.begun)) + "  " + std::string(nameOf(job.state)) + "  " +
                      printable(job.name) + "  " + grouped(job.bytes) + " bytes on " +
                      printable(job.device);
   if (job.attempts > 1) {
