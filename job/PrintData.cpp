@@ -80,8 +80,8 @@ const std::initializer_list<std::uint8_t> answeredCommands[] = {
     {0x1d, 0x49}, {0x1d, 0x61}, {0x1d, 0x67}, {0x1d, 0x72},
 };
 
-/// Returns true for a command for two-dimensional barcodes, except for the function that asks for
-/// the size.
+/// Returns true for a command for two-dimensional barcodes that the printer does not answer. The
+/// printer answers only the function that asks for the size.
 bool isSilentSymbol(ByteView command) {
   constexpr std::size_t function = 6;
   return startsWith(command, {0x1d, 0x28, 0x6b}) && command.size() > function &&

@@ -12,8 +12,8 @@
 namespace quordalvane {
 
 /// Returns the name of the network file system that has this number in the kernel; null if the
-/// number is not that of a known network file system. Locks and shared memory do not work across
-/// the machines that use a network file system.
+/// number is not that of a known network file system. On a network file system, locks and shared
+/// memory do not work between machines.
 std::optional<std::string_view> networkFileSystem(unsigned long type);
 
 /// Returns the path of `file` with all symbolic links resolved. Creates missing folders above it,

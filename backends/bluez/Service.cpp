@@ -12,7 +12,8 @@ using Properties = std::map<std::string, sdbus::Variant>;
 using Interfaces = std::map<std::string, Properties>;
 using Objects = std::map<sdbus::ObjectPath, Interfaces>;
 
-// Returns the property `name`; `otherwise` if it is missing or has another type.
+// Returns the value of the property `name`. Returns `otherwise` if the property is missing or has
+// another type.
 template <typename Value>
 Value valueOf(const Properties& properties, const std::string& name, Value otherwise) {
   const auto found = properties.find(name);

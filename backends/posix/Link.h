@@ -13,7 +13,7 @@
 namespace quordalvane::posix {
 
 /// A time on a steady clock that changes only at the ticks of the system, every few milliseconds.
-/// Reading it costs a fraction of an exact reading.
+/// Reading this clock costs much less than reading an exact clock.
 using Tick = std::chrono::nanoseconds;
 
 /// One open connection. The object has the descriptor, the bytes that were read ahead, and the
