@@ -202,9 +202,15 @@ std::size_t GraphicsMemory::used() const {
   return sum;
 }
 
-Bytes GraphicsMemory::reply(ByteView command) const {
-  const std::uint8_t function = command[6];
-  switch (function) {
+Bytes GraphicsMemory::reply(ByteView command) {
+  constexpr std::uint8_t nextGroup = 0x06;
+  if (command.size() == 1) {
+    if (command[0] == nextGroup && !groups_.empty()) {
+      groups_.pop_front();
+    }
+    return currentGroup();
+  }
+  switch (command[6]) {
     case 64:
       return namesReply(0x72, keptMemory);
     case 80:
@@ -220,9 +226,7 @@ Bytes GraphicsMemory::reply(ByteView command) const {
   }
 }
 
-// Forty names at most in a group. A printer waits for the host's word after each group; here all
-// are sent at once, and the words are ignored.
-Bytes GraphicsMemory::namesReply(std::uint8_t identifier, unsigned memory) const {
+Bytes GraphicsMemory::namesReply(std::uint8_t identifier, unsigned memory) {
   constexpr std::size_t groupBytes = 80;
   constexpr std::uint8_t last = 0x40;
   constexpr std::uint8_t moreFollows = 0x41;
@@ -232,17 +236,17 @@ Bytes GraphicsMemory::namesReply(std::uint8_t identifier, unsigned memory) const
     names.push_back(static_cast<std::uint8_t>(at->first));
     names.push_back(static_cast<std::uint8_t>(at->first >> 8U));
   }
-  Bytes reply;
-  std::size_t begin = 0;
+  groups_.clear();
+  ByteView rest = names;
   do {
-    const std::size_t end = std::min(begin + groupBytes, names.size());
-    reply.insert(reply.end(), {0x37, identifier, end < names.size() ? moreFollows : last});
-    reply.insert(reply.end(), names.begin() + static_cast<std::ptrdiff_t>(begin),
-                 names.begin() + static_cast<std::ptrdiff_t>(end));
-    reply.push_back(0);
-    begin = end;
-  } while (begin < names.size());
-  return reply;
+    const ByteView part = rest.first(std::min(groupBytes, rest.size()));
+    rest = rest.subspan(part.size());
+    Bytes group = {0x37, identifier, rest.empty() ? last : moreFollows};
+    group.insert(group.end(), part.begin(), part.end());
+    group.push_back(0);
+    groups_.push_back(std::move(group));
+  } while (!rest.empty());
+  return currentGroup();
 }
 
 GraphicsMemory::Outcome GraphicsMemory::print(unsigned key, unsigned scaleX, unsigned scaleY) {
@@ -344,6 +348,7 @@ GraphicsMemory::Outcome GraphicsMemory::define(ByteView parameters, unsigned mem
 
 void GraphicsMemory::initialise() {
   buffer_.clear();
+  cancelNames();
   erase(downloadMemory, downloadMemory + memorySize);
   erase(downloadedImage, downloadedImage + 1);
 }

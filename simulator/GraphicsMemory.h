@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <vector>
 
@@ -45,8 +46,13 @@ class GraphicsMemory {
 
   /// The answer to a whole command 1d 28 4c that asks how large the memory is (function 0 or 48),
   /// how much of it is free (3, 4, 51 or 52), or for the names of the images that are kept (64) or
-  /// downloaded (80).
-  Bytes reply(ByteView command) const;
+  /// downloaded (80). More than forty names are divided into groups; the answer is the first group.
+  /// To the byte 06 alone the answer is the next group, and to 15 the same group again; it is empty
+  /// if there is none.
+  Bytes reply(ByteView command);
+
+  /// Forgets the groups of names that were not sent, because the host does not want them.
+  void cancelNames() { groups_.clear(); }
 
   /// Initialises the printer. Images in permanent memory are kept.
   void initialise();
@@ -55,7 +61,8 @@ class GraphicsMemory {
   using Image = std::vector<Bitmap>;
 
   Outcome applyGraphics(ByteView parameters);
-  Bytes namesReply(std::uint8_t identifier, unsigned memory) const;
+  Bytes namesReply(std::uint8_t identifier, unsigned memory);
+  Bytes currentGroup() const { return groups_.empty() ? Bytes() : groups_.front(); }
   std::size_t used() const;
   Outcome store(unsigned key, Image image);
   Outcome print(unsigned key, unsigned scaleX, unsigned scaleY);
@@ -68,6 +75,7 @@ class GraphicsMemory {
   Image buffer_;
   Image image_;
   std::map<unsigned, Image> stored_;
+  std::deque<Bytes> groups_;  // of names; the first of them was sent last
 };
 
 }  // namespace quordalvane::simulator

@@ -48,7 +48,7 @@ class Printing {
   Bytes sizeReply(ByteView command) const { return typesetter_.sizeReply(command); }
 
   /// The answer to a command that asks for stored images, when its turn comes.
-  Bytes graphicsReply(ByteView command) const { return typesetter_.graphicsReply(command); }
+  Bytes graphicsReply(ByteView command) { return typesetter_.graphicsReply(command); }
 
   JobRecord& record() { return typesetter_.record(); }
   const Paper& paper() const { return typesetter_.paper(); }

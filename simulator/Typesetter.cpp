@@ -143,8 +143,6 @@ void Typesetter::control(std::uint8_t byte) {
   finishText();
   switch (byte) {
     case 0x00:
-    case 0x06:  // a host's words about the names of stored images
-    case 0x15:
     case 0x0d:  // lines end with 0a; a 0d before it adds nothing
       return;
     case 0x09:
@@ -154,6 +152,7 @@ void Typesetter::control(std::uint8_t byte) {
     case 0x0c:
       return endPage();
     case 0x18:
+      graphics_.cancelNames();
       return page_ ? page_->clear() : void();
     default:
       return paper_.noteSkipped({&byte, 1});

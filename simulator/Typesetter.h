@@ -42,7 +42,7 @@ class Typesetter {
   Bytes sizeReply(ByteView command) const { return symbols_.sizeReply(command); }
 
   /// The answer to a command 1d 28 4c that asks for stored images.
-  Bytes graphicsReply(ByteView command) const { return graphics_.reply(command); }
+  Bytes graphicsReply(ByteView command) { return graphics_.reply(command); }
 
   /// True if the job has selected the display and not the printer.
   bool isDisplayAlone() const { return !printerListens_; }

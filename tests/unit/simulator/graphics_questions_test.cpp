@@ -41,10 +41,26 @@ TEST(GraphicsMemoryRequest, ReturnsMoreThanFortyKeysInGroups) {
   for (std::uint8_t i = 0; i < 41; ++i) {
     session.send(store(keep, {static_cast<std::uint8_t>(' ' + i), '1'}));
   }
-  const Bytes reply = session.ask("1d284c04003040 4b43");
-  ASSERT_EQ(reply.size(), 3U + 80U + 1U + 3U + 2U + 1U);
-  EXPECT_EQ(reply[2], 0x41) << "more follows";
-  EXPECT_EQ(Bytes(reply.end() - 7, reply.end()), hex("00 37 72 40") + ascii("H1") + hex("00"));
+  const Bytes first = session.ask("1d284c04003040 4b43");
+  ASSERT_EQ(first.size(), 3U + 80U + 1U);
+  EXPECT_EQ(Bytes(first.begin(), first.begin() + 5), hex("37 72 41") + ascii(" 1"));
+  EXPECT_EQ(session.ask("15"), first) << "again";
+  const Bytes second = hex("37 72 40") + ascii("H1") + hex("00");
+  EXPECT_EQ(session.ask("06"), second);
+  EXPECT_EQ(session.ask("15"), second) << "again";
+  EXPECT_EQ(session.ask("06"), Bytes()) << "there is no third group";
+}
+
+TEST(GraphicsQuestions, SendNoFurtherGroupToAHostThatCancels) {
+  Session session(PrinterBuilder().buffer(4096));
+  for (std::uint8_t i = 0; i < 41; ++i) {
+    session.send(store(download, {static_cast<std::uint8_t>(' ' + i), '1'}));
+  }
+  for (const char* const ending : {"18", "1b40"}) {
+    session.ask("1d284c04003050 4b43");
+    session.ask(ending);
+    EXPECT_EQ(session.ask("06"), Bytes()) << ending;
+  }
 }
 
 TEST(GraphicsMemoryRequest, PrintsNothing) {
