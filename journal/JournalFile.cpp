@@ -98,6 +98,15 @@ void refuseNetwork(const std::filesystem::path& file) {
   }
 }
 
+// The locks and the database's own log are files beside the journal, and are named after it. Under
+// two names, two processes would not see each other's.
+void refuseSecondName(const std::filesystem::path& file) {
+  struct stat found = {};
+  if (::stat(file.c_str(), &found) == 0 && S_ISREG(found.st_mode) && found.st_nlink > 1) {
+    throw JournalError(file, "it has a second name (a hard link); remove that name");
+  }
+}
+
 }  // namespace
 
 std::optional<std::string_view> networkFileSystem(unsigned long type) {
@@ -117,6 +126,7 @@ std::filesystem::path preparedPath(const std::filesystem::path& file) {
     auto whole = std::filesystem::weakly_canonical(std::filesystem::absolute(file));
     makeFolder(whole.parent_path(), whole);
     refuseNetwork(whole.parent_path());
+    refuseSecondName(whole);
     return whole;
   } catch (const std::filesystem::filesystem_error& error) {
     throw JournalError(file, error.code().message());

@@ -127,6 +127,17 @@ TEST_F(JournalTest, IsTheSameIfItIsOpenedThroughASymbolicLink) {
   EXPECT_EQ(journal.file(), linked.file());
 }
 
+TEST_F(JournalTest, IsRefusedWhileItHasASecondNameAsAHardLink) {
+  { const Journal journal(file); }
+  std::filesystem::create_hard_link(file, folder.file("second"));
+  EXPECT_THAT(openError(), HasSubstr("second name"));
+  EXPECT_THAT(errorOf<JournalError>([&] { Journal(folder.file("second")); }),
+              HasSubstr("second name"));
+  EXPECT_FALSE(std::filesystem::exists(lockFileOf(folder.file("second"))));
+  std::filesystem::remove(folder.file("second"));
+  EXPECT_EQ(openError(), "");
+}
+
 TEST_F(JournalTest, IsCreatedAgainIfItsCreationWasInterrupted) {
   setContent(file + ".new", "half a database");
   setContent(file + ".new-wal", "its log");
