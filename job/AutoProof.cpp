@@ -19,8 +19,8 @@ MaybeSetback AutoProof::begin() {
   const ProofKind kind = *memory_.foundProof;
   if (kind == ProofKind::None) {
     chosen_ = std::make_unique<NoProof>(
-        "this printer confirms nothing: it answers none of the questions that prove a job",
-        clearBuffer, link(), result());
+        "the printer answered no question about its proof within 1 s; no confirmation", clearBuffer,
+        link(), result());
   } else {
     chosen_ = makeProof(kind, link(), result());
   }

@@ -54,11 +54,15 @@ ExitCode codeOf(const PrintResult& result) {
 }
 
 // A hint that tells the user how the next job can avoid the question about the proof; "" if this
-// job did not ask it.
+// job did not ask it. A printer that gave no proof may only have been slow this time.
 std::string hintOf(const PrintResult& result) {
-  return result.hasAskedForProof ? "\n  hint: ,proof=" + std::string(nameOf(result.proof)) +
-                                       " after the device saves asking how the printer confirms"
-                                 : "";
+  if (!result.hasAskedForProof) {
+    return "";
+  }
+  const std::string condition =
+      result.proof == ProofKind::None ? "if every job ends without an answer, " : "";
+  return "\n  hint: " + condition + ",proof=" + std::string(nameOf(result.proof)) +
+         " after the device saves asking how the printer confirms";
 }
 
 Report reportOn(const PrintResult& result) {
