@@ -316,16 +316,18 @@ def count_etbs(connection: socket.socket) -> bytes:
 
 
 def answering(replies: dict[bytes, bytes | Callable[[socket.socket], None]]):
-    """A printer that answers each request until the host disconnects: with bytes, or by a function."""
+    """A printer that answers each request until the host disconnects: with bytes, or by a function. On a busy machine
+    several requests arrive together; it answers them in their order."""
 
     def handle(connection):
         unread = b""
         while more := connection.recv(4096):
             unread += more
-            for request, reply in replies.items():
-                if unread.endswith(request):
-                    unread = b""
-                    reply(connection) if callable(reply) else connection.sendall(reply)
+            while there := [(unread.find(request), request) for request in replies if request in unread]:
+                begin, request = min(there)
+                unread = unread[begin + len(request):]
+                reply = replies[request]
+                reply(connection) if callable(reply) else connection.sendall(reply)
 
     return handle
 

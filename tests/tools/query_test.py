@@ -4,7 +4,7 @@ import re
 import socket
 import threading
 
-from harness import (FLAGS, STATUS_KEYS, STATUS_REQUEST, Case, answer_status, answering, at_once, eventually, in_pieces,
+from harness import (DEADLINE, FLAGS, STATUS_KEYS, STATUS_REQUEST, Case, answer_status, answering, at_once, eventually, in_pieces,
                      main, receive, run, status_block)
 
 
@@ -247,6 +247,12 @@ class QueryAnswers(Case):
             self.assertAnswers(peer.place, {"ok": True, "online": False}, result)
 
         at_once((online_of_a_printer_that_pauses_behind, count) for count in range(len(block) + 1))
+
+    def test_a_peer_answers_requests_that_arrive_together_in_their_order(self):
+        peer = self.peer(answering({b"ab": b"1", b"b": b"2", b"c": b"3"}))
+        with socket.create_connection(peer.listener.getsockname(), DEADLINE) as connection:
+            connection.sendall(b"xabbc")
+            self.assertEqual(receive(connection, 3), b"123")
 
     def test_online_is_right_even_if_the_printer_answers_late_or_in_pieces(self):
         def check(fault: str, offline: bool, emulation: str):

@@ -92,10 +92,10 @@ TEST(RetryingWriter, RepeatsTheRestWithoutEndIfTheSentTotalExceedsTheCommand) {
 
 TEST(RetryingWriter, EndsItsRepetitionWhenTheLinkIsLost) {
   Scenario scenario = takingInAttempts({3, 5});
-  scenario.script.isLostAfterBytes(100000);
+  scenario.script.isLostAfterBytes(10000);
   const Outcome run = scenario.run(writeWithRetry(command));
   EXPECT_EQ(run.result, "-1");
-  EXPECT_LT(run.sent().size(), 100000U + 5U);
+  EXPECT_LT(run.sent().size(), 10000U + 5U);
 }
 
 TEST(RetryingWriter, FailsWhenMoreWholeSecondsThanTheTimeoutHavePassed) {

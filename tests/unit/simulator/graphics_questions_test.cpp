@@ -51,7 +51,7 @@ TEST(GraphicsMemoryRequest, ReturnsMoreThanFortyKeysInGroups) {
   EXPECT_EQ(session.ask("06"), Bytes()) << "there is no third group";
 }
 
-TEST(GraphicsQuestions, SendNoFurtherGroupToAHostThatCancels) {
+TEST(GraphicsMemoryRequest, ReturnsNoFurtherKeysToAHostThatCancels) {
   Session session(PrinterBuilder().buffer(4096));
   for (std::uint8_t i = 0; i < 41; ++i) {
     session.send(store(download, {static_cast<std::uint8_t>(' ' + i), '1'}));
