@@ -31,7 +31,6 @@ QuorLogRecord recordOf(const LogRecord& record) {
           .message = record.message.c_str()};
 }
 
-// Adds the sink that `make` returns, and stores its handle in `*sink`.
 template <typename Make>
 QuorCode add(QuorLogSink** sink, Make make) {
   return guarded([&] {

@@ -153,7 +153,6 @@ std::optional<ByteBuffer> ExternalAccessoryPort::readLeftovers(std::size_t bytes
   return observed(receive(bytesToRead, Patience::WhereExpected));
 }
 
-/// Reports the result of a read to the observer, and returns it.
 std::optional<ByteBuffer> ExternalAccessoryPort::observed(std::optional<ByteBuffer> recvBuffer) {
   if (observer_ != nullptr) {
     recvBuffer ? observer_->bytesRead(*recvBuffer) : observer_->readFailed();

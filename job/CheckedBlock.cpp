@@ -104,7 +104,6 @@ MaybeSetback CheckedBlock::exchange(ByteView command) {
   return setback ? setback : awaitAnswers();
 }
 
-/// Reads until the printer has answered every request.
 MaybeSetback CheckedBlock::awaitAnswers() {
   if (link().await([this](ByteView) { return !answers_.isAnyOwed(); }, link().timeout())) {
     return std::nullopt;

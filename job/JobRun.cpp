@@ -105,7 +105,6 @@ void JobRun::finishCancelled(ByteView data) {
                       : "cancelled"});
 }
 
-/// Records that the job ends without a confirmation.
 void JobRun::stop(const Setback& setback) {
   const bool isAnyOut = result_.bytesAccepted > 0;
   result_.outcome = isAnyOut ? PrintOutcome::Unconfirmed : PrintOutcome::Refused;

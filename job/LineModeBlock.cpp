@@ -33,7 +33,6 @@ ByteView LineModeBlock::request() const {
   return escAckSoh;
 }
 
-/// Fills the status record from the last answer.
 void LineModeBlock::takeStatus() {
   const auto& block = answers().last();
   QuorPrinterStatus_2& now = status();

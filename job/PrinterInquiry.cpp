@@ -76,7 +76,6 @@ class Question final : private TransferObserver {
     link_.setListener(this);
   }
 
-  /// Calls `operation` on the port and returns its result.
   template <typename Operation>
   auto ask(Operation operation, std::chrono::seconds extra = {}) {
     try {
@@ -98,14 +97,12 @@ class Question final : private TransferObserver {
     throw InquiryError(cause, text);
   }
 
-  /// Throws an InquiryError if the port's emulation is unknown.
   void requireEmulation() {
     if (link_.port().emulation() == ZKEmulationUnknown) {
       fail(InquiryCause::UnknownEmulation, "the printer cannot be asked without a known emulation");
     }
   }
 
-  /// Asks an ESC/POS printer which proof it gives.
   ProofKind askForProof() {
     link_.drain();
     FoundProof found;

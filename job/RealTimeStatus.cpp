@@ -20,7 +20,6 @@ constexpr Query queries[] = {
     {{0x10, 0x04, 0x04}, StatusType::PaperEmpty},
 };
 
-/// Sends the query and returns whether its answer arrived.
 bool isAnswered(const Query& query, PortLink& link, const EscPosAnswers& answers,
                 std::chrono::nanoseconds limit, const std::function<bool()>& isEnough) {
   const std::uint64_t before = answers.realTimeCount();
