@@ -83,7 +83,6 @@ void setProof(DeviceSpec& spec, const std::string& value) {
   spec.identity.proof = *proof;
 }
 
-// A key that every scheme takes.
 struct CommonKey {
   std::string_view name;
   void (*set)(DeviceSpec& spec, const std::string& value);
@@ -120,7 +119,6 @@ auto findKey(const Keys& keys, std::string_view name) {
   refuse("key " + inQuotes(name) + ": " + std::string(scheme.name) + ": takes " + listed);
 }
 
-// Sets the keys of `spec` in the order in which they were given.
 class KeySetter {
  public:
   KeySetter(const Scheme& scheme, DeviceSpec& spec) : scheme_(scheme), spec_(spec) {}

@@ -13,7 +13,6 @@ namespace {
 
 constexpr std::chrono::seconds limit{2};
 
-/// The result of searching for one kind of device.
 struct Findings {
   std::vector<FoundDevice> devices;
   std::string error;

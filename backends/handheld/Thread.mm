@@ -75,7 +75,6 @@ struct Body {
 
 @end
 
-/// A routine that one thread passes to another.
 @interface QuorCarriedRoutine : NSObject {
  @public
   quordalvane::handheld::Routine* routine;

@@ -68,7 +68,7 @@ bool AccessoryNotices::await(std::chrono::milliseconds time) {
 }
 
 // Takes all notices that have arrived. Returns true if a notice was about a printer, or if the
-// system has dropped notices because there were too many.
+// system has dropped notices.
 bool AccessoryNotices::take() {
   std::array<char, 8192> notice;
   bool isThere = false;

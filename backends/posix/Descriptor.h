@@ -31,7 +31,6 @@ class Descriptor {
   Descriptor(int number, Kind kind);
   ~Descriptor();
 
-  /// Takes ownership of the descriptor of `other`.
   Descriptor(Descriptor&& other) noexcept;
   Descriptor& operator=(Descriptor&&) = delete;
 

@@ -208,7 +208,6 @@ void Link::look() {
   receive();
 }
 
-// Reads the bytes that have arrived into the empty buffer.
 void Link::receive() {
   const std::ptrdiff_t count = descriptor_->receive(ahead_.data(), ahead_.size());
   noteReceived(count, errno);

@@ -9,7 +9,6 @@ namespace quordalvane::posix {
 /// passed.
 void sleepUntil(SteadyTime deadline);
 
-/// Uses the system's own clocks and sleeps.
 class PosixClock final : public Clock {
  public:
   TimeValue gettimeofday() override;

@@ -35,7 +35,6 @@ constexpr std::uint32_t fromCache =
 // No shop has so many printers. The limit protects against a flood of announcements.
 constexpr std::size_t mostAnnouncements = 100;
 
-/// An announcement, as the service reports it.
 struct Announcement {
   std::int32_t interface;
   std::int32_t protocol;
