@@ -68,19 +68,19 @@ class Lint(unittest.TestCase):
         self.write("job/Other.cpp", "int other;\n")
         self.assertEqual(self.lint(), (True, {"Other.cpp"}))
 
-    def test_a_changed_header_has_all_sources_that_include_the_header_checked(self):
+    def test_all_sources_that_include_a_changed_header_are_checked(self):
         self.write("job/deep.h", "#pragma once\nint deep;\n")
         self.assertEqual(self.lint(), (True, {"Job.cpp"}))
         self.write("include/own/Public.h", "#pragma once\nint own;\n")
         self.assertEqual(self.lint(), (True, {"Third.cpp"}))
 
-    def test_changed_rules_or_a_new_linter_version_have_every_source_checked(self):
+    def test_every_source_is_checked_after_changed_rules_or_a_new_linter_version(self):
         for file in (".clang-tidy", "version"):
             with self.subTest(file):
                 self.write(file, "b\n")
                 self.assertEqual(len(self.lint()[1]), 3)
 
-    def test_changed_rules_of_a_folder_have_only_the_sources_of_the_folder_checked(self):
+    def test_only_the_sources_of_a_folder_are_checked_when_its_rules_change(self):
         self.write("tools/Tool.cpp", "int tool;\n")
         self.commands({"job/Other.cpp": "-O2", "tools/Tool.cpp": "-O2"})
         self.lint()

@@ -110,7 +110,7 @@ class DoctorCauses(Case):
         self.assertCause("no-permission", 3, "-d", f"serial:{printer.path}", process=self.run_without_rights)
 
     @unittest.skipIf(os.geteuid() != 0, "only root can give the line to a group")
-    def test_the_advice_is_to_join_the_lines_group_but_never_that_of_root(self):
+    def test_doctor_advises_to_join_the_group_of_the_line_unless_it_is_root(self):
         printer = self.serial_printer(termios.B9600)
         os.chmod(printer.path, 0o660)
         for group in ("lp", "root"):

@@ -30,11 +30,11 @@ class ReleaseOfAHeldJob : public testing::Test {
   test::TemporaryFolder folder;
 };
 
-TEST_F(ReleaseOfAHeldJob, IsTakenAsMadeByAPersonIfTheSchedulerThatHeldTheJobStillRuns) {
+TEST_F(ReleaseOfAHeldJob, IsAttributedToAPersonIfTheSchedulerThatHeldTheJobStillRuns) {
   EXPECT_TRUE(isReleased(told, told - 1, {}));
 }
 
-TEST_F(ReleaseOfAHeldJob, IsTakenAsMadeByAPersonIfTheEarlierSchedulerRecordedTheHold) {
+TEST_F(ReleaseOfAHeldJob, IsAttributedToAPersonIfTheEarlierSchedulerRecordedTheHold) {
   EXPECT_TRUE(isReleased(told, told + 90'000, recordOf(told + 30'000)));
 }
 

@@ -84,7 +84,7 @@ TEST(PrinterWithoutProof, IsAskedForProofsOnlyOnceOnAPort) {
   EXPECT_EQ(second.outcome, PrintOutcome::Unconfirmed);
 }
 
-TEST(PrinterWithoutProof, MayStillAnswerTheInOrderRequestLater) {
+TEST(PrinterWithoutProof, OwesAnAnswerToTheInOrderRequestAfterTheJob) {
   Till till = tillWith(printerWith("none"));
   EXPECT_TRUE(memoryOf(till.port).owed.empty());
   PrintJob(till.port).run(receiptText);
@@ -133,7 +133,7 @@ TEST(NamedProof, OfAJobOverridesTheProofThatTheDeviceNames) {
   EXPECT_TRUE(asked.hasAskedForProof);
 }
 
-TEST(NamedProof, LeavesTheJobUnconfirmedIfItIsNone) {
+TEST(NamedProof, TheValueNoneLeavesTheJobUnconfirmed) {
   Till till(printerWith("block"), {.emulation = ZKEmulationESCPOS, .proof = ProofKind::None});
   const PrintResult result = PrintJob(till.port).run(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);

@@ -89,7 +89,7 @@ TEST(BeginBlockInLineMode, FailsIfTheLinkIsLostBeforeTheWaitForTheCounter) {
   EXPECT_THAT(run.records(method), failedBy("self.isConnected: 0"));
 }
 
-TEST(BeginBlockInLineMode, ChecksTheConnectionASecondTimeForTheLogRecordOfALostLink) {
+TEST(BeginBlockInLineMode, ChecksALostConnectionAgainForItsLogRecord) {
   Scenario scenario = lineModePrinter();
   std::vector<bool> answers(6 + 2, true);  // the first status, and the reset
   answers.push_back(false);

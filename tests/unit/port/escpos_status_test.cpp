@@ -176,9 +176,9 @@ TEST(EscPosStatusRequest, ThrowsIfTheLinkIsLostDuringAnyPoll) {
   }
 }
 
-TEST(EscPosStatusRequest, ChecksTheConnectionASecondTimeForTheLogRecordOfALostLink) {
+TEST(EscPosStatusRequest, ChecksALostConnectionAgainForItsLogRecord) {
   Scenario scenario = Scenario::in(escPos);
-  // The discarding read, and two questions before each of the two writes.
+  // One check for the read that discards old input, and two checks before each of the two writes.
   scenario.script.saysConnected({true, true, true, true, true, false, true});
   const Outcome run = scenario.run(getParsedStatus());
   EXPECT_EQ(run.result, "PortException: GetParsedStatus detected bluetooth disconnection");

@@ -187,7 +187,7 @@ TEST(LineStatusRequest, ThrowsWhenTheLinkIsLostDuringTheWait) {
   )"));
 }
 
-TEST(LineStatusRequest, ChecksTheConnectionASecondTimeForTheLogRecordOfALostLink) {
+TEST(LineStatusRequest, ChecksALostConnectionAgainForItsLogRecord) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.saysConnected({true, true, true, false, true});
   const Outcome run = scenario.run(getParsedStatus());

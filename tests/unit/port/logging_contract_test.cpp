@@ -166,7 +166,7 @@ TEST(LoggingContract, EveryRecordNamesThePortTheSourceAndTheMethod) {
   }
 }
 
-TEST(LoggingContract, NoRecordHasATypeOfTheLayerAboveThePort) {
+TEST(LoggingContract, EveryRecordHasATypeOfThePort) {
   for (const Scenario& scenario : manyScenarios()) {
     const Outcome run = scenario.runOnPort(inTurn({getOnlineStatus(), read(5), startDataCancel()}));
     EXPECT_EQ(run.all().find("unexpected type"), std::string::npos);

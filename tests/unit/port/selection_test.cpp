@@ -91,7 +91,7 @@ TEST(PrinterSelection, ChoosesTheFirstPrinterWithTheGivenSerialNumber) {
       << "the first three characters are always dropped";
 }
 
-TEST(PrinterSelection, IgnoresTheFirstThreeCharactersOfThePortNameWhateverTheyAre) {
+TEST(PrinterSelection, IgnoresTheFirstThreeCharactersOfThePortNameInAnyScript) {
   struct {
     const char* what;
     const char* prefix;

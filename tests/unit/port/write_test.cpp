@@ -164,7 +164,7 @@ TEST(PortWrite, SendsEveryByteValueUnchanged) {
   EXPECT_EQ(run.sent(), all);
 }
 
-TEST(PortWrite, ReadsNoByteBeyondItsBuffersForAnyCountTaken) {
+TEST(PortWrite, ReadsNoByteBeyondItsBuffersForAnyCountOfTheStream) {
   for (const std::int64_t count : {std::int64_t{-2}, std::int64_t{-100}, std::int64_t{4},
                                    std::int64_t{1000000}, INT64_MAX, INT64_MIN}) {
     Scenario scenario = open();

@@ -273,7 +273,7 @@ TEST(SerialLine, NamesTheProgramThatUsesTheLine) {
                     HasSubstr("(process " + std::to_string(other.process()) + ")")));
 }
 
-TEST(SerialLine, InTheExclusiveModeOfAnotherProgramIsRefusedEvenToRoot) {
+TEST(SerialLine, IsRefusedEvenToRootDuringExclusiveUseByAnotherProgram) {
   const Line line;
   const OtherProgram other(line.path(), makeExclusive);
   EXPECT_THAT(failure(line.path()), HasSubstr("in use by another program"));

@@ -48,7 +48,7 @@ TEST(PrintedText, IsDrawnAsAnImageIfTheCodePageLacksACharacter) {
   EXPECT_TRUE(isDrawn(printed("Спасибо", CodePage("16"))));
 }
 
-TEST(PrintedText, IsEncodedInTheCodePageWhichIsSelectedOnce) {
+TEST(PrintedText, IsEncodedInItsCodePageAfterOneSelection) {
   EXPECT_EQ(printed("3 €\ncafé\n", CodePage("16")), selectPage16 + ascii("3 \x80\ncaf\xe9\n"));
 }
 

@@ -144,7 +144,7 @@ TEST(InjectedFaults, AStrayByteArrivesBeforeAReply) {
   EXPECT_EQ(session.ask("100401"), hex("12"));
 }
 
-TEST(InjectedFaults, ASilentPrinterAnswersOnlyTheRequestsBeforeTheGivenOne) {
+TEST(InjectedFaults, ThePrinterIsSilentFromTheGivenRequestOn) {
   Session session(with("silence", "2"));
   EXPECT_EQ(session.ask("100401"), hex("12"));
   EXPECT_EQ(session.ask("100401 1b0601 1d4941"), Bytes{});

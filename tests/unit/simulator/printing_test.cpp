@@ -163,7 +163,7 @@ TEST(VirtualPrinter, PrintsAtTheGivenSpeed) {
   EXPECT_EQ(session.printer.printed(), ascii("0123456789"));
 }
 
-TEST(VirtualPrinter, PrintsTheSameHoweverOftenItsStateIsRead) {
+TEST(VirtualPrinter, PrintsTheSameIfItsStateIsReadThousandsOfTimes) {
   Session rarely(PrinterBuilder().speed(7));
   Session often(PrinterBuilder().speed(7));
   for (Session* session : {&rarely, &often})

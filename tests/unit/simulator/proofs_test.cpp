@@ -44,7 +44,7 @@ TEST(ProofsOfAPrinter, AreAllSupportedByDefault) {
   EXPECT_EQ(session.ask("1d7201"), hex("00"));
 }
 
-TEST(ProofsOfAPrinter, AreNotAnsweredAndPrintNothingIfThePrinterLacksTheProofs) {
+TEST(ProofsOfAPrinter, RequestsForUnsupportedProofsAreNotAnsweredAndPrintNothing) {
   Session session(proving("none"));
   EXPECT_EQ(session.ask("1b1d03020000"), Bytes{});
   EXPECT_EQ(session.ask("1b1d03010000"), Bytes{});
