@@ -79,8 +79,8 @@ class QUOR_EXPORT Journal {
   /// job is on paper already. Waits at most two seconds for another process that has the name.
   Forgetting forget(const std::string& name);
 
-  /// Removes the jobs whose last attempt began more than `days` days ago, whatever their outcome
-  /// is, except those that are being printed. Returns how many jobs it removed.
+  /// Removes the jobs whose last attempt began more than `days` days ago, with any outcome. A job
+  /// that is being printed is not removed. Returns how many jobs it removed.
   std::size_t forgetOlderThan(std::uint32_t days);
 
  private:

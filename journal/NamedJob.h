@@ -39,10 +39,9 @@ struct NamedJobRequest {
 
 /// The result of a named job.
 struct NamedJobResult {
-  PrintResult result;  ///< the result of the attempt that decides the job's state
-  std::int64_t attempt =
-      0;  ///< the number of that attempt, 1 for the first; 0 if there was no attempt
-  bool isRepeated = false;  ///< true if an earlier call printed the job; this call sent nothing
+  PrintResult result;        ///< the result of the attempt that decides the job's state
+  std::int64_t attempt = 0;  ///< the number of the deciding attempt, from 1; 0 without an attempt
+  bool isRepeated = false;   ///< true if an earlier call printed the job; this call sent nothing
 
   /// Two times, in milliseconds since 1970, UTC: when that attempt began, and when a person was
   /// told that the outcome is unknown (see `NamedJob::tell`). They are set only if the journal gave

@@ -21,9 +21,8 @@ Tick currentTick() {
   return std::chrono::seconds(now.tv_sec) + Tick(now.tv_nsec);
 }
 
-// How long the end of a connection may wait for the device. This is enough time for a slow device
-// to take the bytes of a receipt that the system still holds, and not too long for the caller of
-// the close.
+// How long the end of a connection may wait for the device. In this time even a slow device takes
+// the rest of a receipt. A longer time would delay the caller.
 constexpr std::chrono::seconds lingerLimit{2};
 
 // The system is asked at this interval whether the other side still answers. The question is cheap
