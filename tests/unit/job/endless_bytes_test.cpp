@@ -90,14 +90,14 @@ INSTANTIATE_TEST_SUITE_P(Job, PrinterThatNeverStopsSending,
                                           testing::Values(ZKEmulationQuorLine, ZKEmulationESCPOS)));
 
 TEST_P(PrinterThatNeverStopsSending, CannotDelayAJobBeyond25SecondsOrConfirmTheJob) {
-  for (const auto& [proof, name, about] : proofWords) {
+  for (const ProofWords& proof : proofWords) {
     PrintResult result;
     const auto time = timeOf(
-        [&](const auto& port) { result = PrintJob(port, {.proof = proof}).run("receipt\n"); });
-    EXPECT_LT(time, std::chrono::seconds(25)) << name;
-    EXPECT_NE(result.outcome, PrintOutcome::Printed) << name;
-    EXPECT_EQ(result.outcome == PrintOutcome::Refused, result.bytesAccepted == 0) << name;
-    EXPECT_NE(result.reason, "") << name;
+        [&](const auto& port) { result = PrintJob(port, {.proof = proof.kind}).run("receipt\n"); });
+    EXPECT_LT(time, std::chrono::seconds(25)) << proof.name;
+    EXPECT_NE(result.outcome, PrintOutcome::Printed) << proof.name;
+    EXPECT_EQ(result.outcome == PrintOutcome::Refused, result.bytesAccepted == 0) << proof.name;
+    EXPECT_NE(result.reason, "") << proof.name;
   }
 }
 
