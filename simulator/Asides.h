@@ -6,17 +6,17 @@
 
 namespace quordalvane::simulator {
 
-/// The bytes of a stream that acted at once and were not queued: they keep their place among those
-/// that were, so that offsets in the job count them.
+/// Counts the bytes of a stream that acted at once and were not queued, each at its place among the
+/// queued bytes. Offsets in the job thus include them.
 class Asides {
  public:
   /// Adds bytes that were received before the byte that was queued as number `before`.
   void add(std::uint64_t before, std::size_t count);
 
-  /// The print position is before the byte that was queued as number `position`.
+  /// Sets the print position, which is before the byte that was queued as number `position`.
   void pass(std::uint64_t position);
 
-  /// How many bytes the print position has passed.
+  /// Returns how many bytes the print position has passed.
   std::uint64_t passed() const { return passed_; }
 
  private:

@@ -22,7 +22,7 @@ class BluetoothModule {
     std::function<void(ByteView, Instant)> toHost;
   };
 
-  /// A module whose link begins at `now`, in data mode.
+  /// Begins a link at `now`, in data mode.
   BluetoothModule(std::string address, Outlets outlets, Instant now);
 
   /// Accepts bytes from the host.
@@ -31,7 +31,7 @@ class BluetoothModule {
   /// Lets time pass. To be called for each time that `nextEvent` returns, in order.
   void advance(Instant now);
 
-  /// When the module next acts by itself; empty if it does not.
+  /// Returns the time at which the module next acts by itself; empty if it will not.
   std::optional<Instant> nextEvent() const;
 
   /// Passes all held bytes to the printer, because the host has left.
@@ -39,10 +39,11 @@ class BluetoothModule {
 
   bool inCommandMode() const { return commandMode_; }
 
-  /// The count of bytes that are held because they may be the escape sequence.
+  /// Returns the count of bytes that are held because they may be the escape sequence.
   std::size_t keptBack() const { return escape_.size(); }
 
-  /// True if a command has asked for the link to end and the delay of that command has passed.
+  /// Returns true if a command has asked for the link to end and the delay of that command has
+  /// passed.
   bool wantsLinkDropped() const { return dropped_; }
 
  private:

@@ -19,8 +19,8 @@ class CharacterMemory {
 
   void turn(bool on) { isOn_ = on; }
 
-  /// The dots of a character. Null if the job has not defined it, or has turned its own characters
-  /// off.
+  /// Returns the dots of a character. Returns null if the job has not defined it, or has turned its
+  /// own characters off.
   const Bitmap* find(std::uint8_t byte) const;
 
  private:

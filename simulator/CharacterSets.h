@@ -14,10 +14,11 @@ enum class MultiByte : std::uint8_t { None, ShiftJis, Gb18030, Big5, EucKr };
 /// be copied and compared.
 class CharacterSets {
  public:
-  /// Has the code-page numbers of most ESC/POS printers, and the Japanese encoding.
+  /// Sets the code-page numbers of most ESC/POS printers, and the Japanese encoding.
   CharacterSets();
 
-  /// The name of the code page that 1b 74 selects by this number; empty if the printer has none.
+  /// Returns the name of the code page that 1b 74 selects by this number; empty if the printer has
+  /// none.
   std::string_view page(std::uint8_t number) const { return pages_[number]; }
 
   /// Sets the numbers of the code pages. `text` is `common`, `small`, or pairs NUMBER:NAME
@@ -25,7 +26,7 @@ class CharacterSets {
   /// std::invalid_argument, with a text for people, and changes nothing.
   void setPages(std::string_view text);
 
-  /// The text that `setPages` received last.
+  /// Returns the text that `setPages` received last.
   const std::string& pages() const { return pagesText_; }
 
   /// Sets the multi-byte encoding by its name: `none`, `shift-jis`, `gb18030`, `big5` or `euc-kr`.
@@ -42,7 +43,7 @@ class CharacterSets {
   std::string pagesText_ = "common";
 };
 
-/// The name that `CharacterSets::setMultiByte` reads.
+/// Returns the name that `CharacterSets::setMultiByte` reads.
 std::string_view nameOf(MultiByte encoding);
 
 }  // namespace quordalvane::simulator

@@ -13,7 +13,7 @@ namespace quordalvane::simulator {
 struct ListedCommand {
   std::uint64_t offset = 0;  ///< where the command begins in the job
   std::uint64_t length = 0;
-  /// See `nameOf`. "text" for characters, and "cut off" for an incomplete command.
+  /// The name that `nameOf` returns; "text" for characters, "cut off" for an incomplete command.
   std::string name;
   std::string meaning;  ///< the effect in words; for text, the characters
   bool isKnown = true;  ///< true if the printer knows the command

@@ -181,7 +181,7 @@ constexpr std::string_view controlNames[] = {
     "SYN", "ETB", "CAN", "EM",  "SUB", "ESC", "FS",  "GS",  "RS",  "US",
 };
 
-// The name of a byte, as manuals write it.
+// Returns the name of a byte, as manuals write it.
 std::string nameOf(std::uint8_t byte) {
   if (byte < std::size(controlNames)) {
     return std::string(controlNames[byte]);
@@ -189,7 +189,7 @@ std::string nameOf(std::uint8_t byte) {
   return byte > 0x20 && byte < 0x7f ? std::string(1, static_cast<char>(byte)) : hexText({&byte, 1});
 }
 
-// True if the name includes the byte that selects a function, as in GS ( k.
+// Returns true if the name includes the byte that selects a function, as in GS ( k.
 bool hasFunction(ByteView command) {
   const std::uint8_t selector = command[1];
   return command.size() > 2 && (selector == '(' || selector == '8') && command[0] >= 0x1b;

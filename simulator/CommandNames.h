@@ -13,7 +13,7 @@ struct CommandName {
   std::string_view meaning;  ///< its effect in a few words; empty if unknown
 };
 
-/// The name of one complete command, or of a single character.
+/// Returns the name of one complete command, or of a single character.
 CommandName nameOf(ByteView command);
 
 }  // namespace quordalvane::simulator

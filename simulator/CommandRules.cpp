@@ -10,7 +10,7 @@ std::uint64_t word(ByteView bytes, std::size_t at) {
   return static_cast<std::uint64_t>(bytes[at]) | static_cast<std::uint64_t>(bytes[at + 1]) << 8U;
 }
 
-// The limit keeps a missing terminator from swallowing the rest of the job.
+// The limit `most` prevents a missing terminator from taking the rest of the job.
 std::uint64_t untilNul(ByteView bytes, std::size_t from, std::size_t most) {
   const bool ended = bytes.size() > from && bytes.back() == 0;
   return ended || bytes.size() >= from + most ? bytes.size() : bytes.size() + 1;

@@ -12,10 +12,10 @@ namespace quordalvane::simulator::rules {
 /// 1b 44: columns that end with a zero.
 std::uint64_t tabStops(ByteView bytes);
 
-/// The length is in two bytes after the selector: 1d 28 4c pL pH ...
+/// 1d 28 4c pL pH and others: the length is in two bytes after the selector.
 std::uint64_t countedByWord(ByteView bytes);
 
-/// The length is in four bytes: 1d 38 4c.
+/// 1d 38 4c: the length is in four bytes.
 std::uint64_t countedByDoubleWord(ByteView bytes);
 
 /// 1b 2a: one or three bytes for each column.

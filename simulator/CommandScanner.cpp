@@ -5,7 +5,7 @@
 namespace quordalvane::simulator {
 namespace {
 
-// In bytes: an image of two metres of the widest paper.
+// The size in bytes of an image that covers two metres of the widest paper.
 constexpr std::size_t longestKept = std::size_t{2} * 1024 * 1024;
 
 }  // namespace

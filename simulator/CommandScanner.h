@@ -8,30 +8,30 @@
 namespace quordalvane::simulator {
 
 /// Divides a byte stream into commands, byte by byte, so that the boundaries of packets do not
-/// matter. Bytes inside the payload of a command are only data. Stores at most the longest command
-/// that can be printed; the rest of a longer one is only counted.
+/// matter. Bytes inside the payload of a command are only data. A command longer than any that can
+/// be printed is stored in part, and its other bytes are only counted.
 class CommandScanner {
  public:
-  /// The printer knows the commands of this dialect, from the next command on.
+  /// Sets the dialect that the printer knows, from the next command on.
   void setDialect(const Dialect& dialect) { nextDialect_ = dialect; }
 
   /// Adds the next byte. Returns true if it completes a command.
   bool feed(std::uint8_t byte);
 
-  /// The bytes of the current command. A complete command can be read until the next byte.
+  /// Returns the bytes of the current command. A complete command can be read until the next byte.
   const Bytes& bytes() const { return bytes_; }
 
-  /// What the complete command does to the printer.
+  /// Returns the effect of the complete command on the printer.
   MachineCommand command() const;
 
-  /// True if the printer knows the complete command, even if only by its length.
+  /// Returns true if the printer knows the complete command, even if only by its length.
   bool isKnown() const;
 
-  /// True while an unfinished command may still become a command for the printer itself, not only
-  /// for the paper.
+  /// Returns true while an unfinished command may still become a command for the printer itself,
+  /// not only for the paper.
   bool mayConcernTheMachine() const;
 
-  /// True after the first byte of a command and before its last.
+  /// Returns true after the first byte of a command and before its last.
   bool insideCommand() const { return length_ < needed_ && length_ > 0; }
 
   /// Forgets an unfinished command; the next byte starts a new one.

@@ -16,8 +16,8 @@ class Conversion {
   /// If the system does not know the encoding, every character is `noCharacter`.
   explicit Conversion(const char* encoding);
 
-  /// The single character that these bytes encode. `noCharacter` if they encode no character,
-  /// several characters, or a control character.
+  /// Returns the single character that these bytes encode. Returns `noCharacter` if they encode no
+  /// character, several characters, or a control character.
   char32_t characterOf(ByteView bytes);
 
  private:

@@ -10,8 +10,8 @@ void Typesetter::peripheral(ByteView command) {
   printerListens_ = (command[2] & 1U) != 0 || !displayListens_;
 }
 
-// True for bytes that do not reach the paper: bytes for the display alone, until the printer is
-// selected again, and the display's own commands at any time.
+// Returns true for bytes that do not reach the paper. These are all bytes while only the display is
+// selected, and the display's own commands at any time.
 bool Typesetter::isForDisplay(ByteView command) {
   constexpr std::uint8_t ofDisplays = 0x1f;
   if (command[0] == ofDisplays && command.size() > 1) {

@@ -15,7 +15,7 @@ namespace {
 
 using Text = std::string_view;
 
-// A year. Longer times are a mistake, and sums of shorter times cannot overflow.
+// One year. A longer time is refused as a mistake, so sums of times cannot overflow.
 constexpr std::uint64_t longestMilliseconds = 365ULL * 24 * 3600 * 1000;
 
 std::optional<std::uint64_t> number(

@@ -70,13 +70,13 @@ struct FaultForm {
   std::span<const FaultPart> parts;
 };
 
-/// The forms of all faults.
+/// Returns the forms of all faults.
 std::vector<FaultForm> faultForms();
 
-/// The words that a part accepts; empty if it is a number or any text.
+/// Returns the words that a part accepts; empty if it is a number or any text.
 std::vector<std::string_view> choicesOf(FaultPart::Kind kind);
 
-/// True if there is a fault of this name.
+/// Returns true if there is a fault of this name.
 bool isFault(std::string_view name);
 
 /// Reads the fault `name` with the value `value`, as docs/virtual-printer.md describes them. Throws

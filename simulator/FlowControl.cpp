@@ -5,7 +5,7 @@
 namespace quordalvane::simulator {
 namespace {
 
-// A host sends some bytes before it obeys; small buffers keep a part of theirs free.
+// A host sends some more bytes before it pauses. A part of the buffer is kept free for them.
 std::size_t nearlyFull(std::size_t size) {
   return std::min<std::size_t>(size / 4, 256);
 }

@@ -6,8 +6,8 @@
 
 namespace quordalvane::simulator {
 
-/// Asks a host to pause while a buffer is nearly full, and to continue when it has space again, by
-/// a character each, as serial printers do.
+/// Asks a host to pause while a buffer is nearly full, and to continue when the buffer has space
+/// again. Each request is one character, as on serial printers.
 class FlowControl {
  public:
   static constexpr std::uint8_t pause = 0x13;
@@ -17,13 +17,13 @@ class FlowControl {
   /// if no character must be sent.
   std::optional<std::uint8_t> follow(std::size_t free, std::size_t size);
 
-  /// Whether the host was asked to pause, and not yet to continue.
+  /// Returns true if the host was asked to pause, and not yet to continue.
   bool isPaused() const { return isPaused_; }
 
   /// Returns how many bytes must be free before the host may continue.
   static std::size_t spaceAgain(std::size_t size);
 
-  /// To be called when another host connects: it was not asked to pause.
+  /// Forgets the requests to a host; to be called when another host connects.
   void restart() { isPaused_ = false; }
 
  private:

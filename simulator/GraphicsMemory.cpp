@@ -17,8 +17,8 @@ unsigned word(ByteView bytes, std::size_t at) {
   return bytes[at] + 256U * bytes[at + 1];
 }
 
-// The key of an image is one of these numbers, which stands for the image's memory, plus the two
-// bytes or the number by which jobs name the image there.
+// The key of an image is the sum of two numbers: one of these, which stands for the image's memory,
+// and the number or the two bytes that name the image in this memory.
 constexpr unsigned keptMemory = 1U << 16U;       // for graphics; survives an initialisation
 constexpr unsigned downloadMemory = 2U << 16U;   // for graphics
 constexpr unsigned numberedMemory = 3U << 16U;   // for 1c 71; survives an initialisation
@@ -59,7 +59,7 @@ Bitmap fromRows(ByteView rows, unsigned width, unsigned height, unsigned scaleX,
   return image;
 }
 
-// A number of bytes in decimal digits.
+// Returns a number of bytes in decimal digits.
 Bytes numberReply(std::uint8_t identifier, std::size_t number) {
   Bytes reply = {0x37, identifier};
   for (const char digit : std::to_string(number)) {
@@ -150,7 +150,7 @@ GraphicsMemory::Outcome GraphicsMemory::applyGraphics(ByteView parameters) {
   const unsigned memory = isKept ? keptMemory : downloadMemory;
   switch (function) {
     case 1:
-    case 49:  // the density, which is the same
+    case 49:  // the density, which has no effect here
       return Outcome::Stored;
     case 2:
     case 50:

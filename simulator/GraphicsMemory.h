@@ -10,14 +10,14 @@
 
 namespace quordalvane::simulator {
 
-/// The dots of a raster command 1d 76 30 (hex), scaled. The result is empty if dots are missing.
+/// Returns the scaled dots of a raster command 1d 76 30 (hex); empty if dots are missing.
 Bitmap rasterImage(ByteView command);
 
-/// The dots of a bit-image command 1b 2a: a stripe of 8 or 24 dots, scaled by its density. The
-/// result is empty if the mode does not exist.
+/// Returns the dots of a bit-image command 1b 2a: a stripe of 8 or 24 dots, scaled by its density;
+/// empty if the mode does not exist.
 Bitmap columnImage(ByteView command);
 
-/// The dots of a bit-image command 1d 51, in which the job sets the height.
+/// Returns the dots of a bit-image command 1d 51, in which the job sets the height.
 Bitmap tallColumnImage(ByteView command);
 
 /// Converts columns to dots and enlarges them. Each column has `tall` dots; the highest bit of its
@@ -41,7 +41,7 @@ class GraphicsMemory {
   /// command is invalid.
   Outcome apply(ByteView command);
 
-  /// The image to be printed: one bitmap for each colour.
+  /// Returns the image to be printed: one bitmap for each colour.
   const std::vector<Bitmap>& image() const { return image_; }
 
   /// The answer to a whole command 1d 28 4c that asks how large the memory is (function 0 or 48),
@@ -54,7 +54,7 @@ class GraphicsMemory {
   /// Forgets the groups of names that were not sent, because the host does not want them.
   void cancelNames() { groups_.clear(); }
 
-  /// Initialises the printer. Images in permanent memory are kept.
+  /// Removes the images that do not survive an initialisation of the printer.
   void initialise();
 
  private:

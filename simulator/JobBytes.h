@@ -7,8 +7,8 @@
 
 namespace quordalvane::simulator {
 
-/// The received bytes: those of the current job, and then those that are not printed yet. Of a long
-/// job only the first bytes are kept.
+/// Holds the received bytes: first those of the current job, then those that are not printed yet.
+/// Of a long job it holds only the first bytes.
 class JobBytes {
  public:
   static constexpr std::size_t mostKept = std::size_t{1} << 20U;
@@ -16,8 +16,7 @@ class JobBytes {
   /// Adds received bytes.
   void receive(ByteView bytes);
 
-  /// Notes that the first `position` of all received bytes have been printed: they belong to the
-  /// job.
+  /// Notes that the first `position` of all received bytes have been printed and belong to the job.
   void pass(std::uint64_t position);
 
   /// Ends the job. Returns its first bytes, and in `count` the number of all its bytes.

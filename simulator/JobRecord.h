@@ -57,16 +57,16 @@ class JobRecord {
   /// printer does not have, like "page 200".
   const std::set<std::string>& missing() const { return missing_; }
 
-  /// The received job: its first bytes, and the count of all of them. Only for a printer with
-  /// `PrinterState::keepsReceived`; otherwise empty and 0.
+  /// Return the first received bytes of the job, and the count of all its bytes. Both are empty or
+  /// 0 unless the printer has `PrinterState::keepsReceived`.
   const Bytes& received() const { return received_; }
   std::uint64_t receivedCount() const { return receivedCount_; }
   void setReceived(Bytes bytes, std::uint64_t count);
 
-  /// True if the printer could print all of the job correctly.
+  /// Returns true if the printer could print all of the job correctly.
   bool isClean() const { return unknown_.empty() && missing_.empty(); }
 
-  /// True if the job contained only questions.
+  /// Returns true if the job contained only questions.
   bool isEmpty() const;
 
   void noteCodePage(std::uint8_t number);

@@ -16,7 +16,7 @@ class LackedCommands {
   /// text for people, for any other text.
   static LackedCommands parse(std::string_view text);
 
-  /// True if this complete command is one of them.
+  /// Returns true if the complete command `command` is one of the lacked commands.
   bool has(ByteView command) const;
 
   /// Returns the commands as a text that `parse` accepts.

@@ -6,7 +6,7 @@
 
 namespace quordalvane::simulator {
 
-// The width that is left for text. A margin is limited, so that at least a letter fits.
+// Returns the width that is left for text. A margin is limited, so that at least a letter fits.
 unsigned LineBuilder::room() const {
   constexpr unsigned least = 12;
   const unsigned left = std::min(left_, paperWidth_ - least);
@@ -34,9 +34,9 @@ void LineBuilder::add(std::u32string_view text, const TextStyle& style, Paper& p
   }
 }
 
-// True if no more pieces are useful. Side by side, a line has at most as many pieces as dots; all
-// others are printed over them. A job could add such layers for ever, but after some of them no
-// change is visible.
+// Returns true if further pieces are useless. Side by side, a line has at most as many pieces as
+// dots; further pieces are printed over them. A job could add such layers for ever, but after a few
+// layers no change is visible.
 bool LineBuilder::isFull() const {
   constexpr std::size_t mostLayers = 8;
   return line_.items.size() >= mostLayers * paperWidth_;

@@ -73,7 +73,8 @@ constexpr Pattern patterns[] = {
     {AskSymbolSize, Always, 8, {0x1d, 0x28, 0x6b, 0x03, 0x00, any, 0x52, any}},
 };
 
-// Saves the search for most bytes of a job: no pattern begins with a text character.
+// Returns true for text. Most bytes of a job are text, and need no search, because no pattern
+// begins with a text character.
 bool isText(ByteView bytes) {
   return bytes[0] >= 0x20;
 }

@@ -33,17 +33,18 @@ enum class MachineCommand {
   AskSymbolSize,
 };
 
-/// True for commands that act when they are received, ahead of the print data in the buffer.
+/// Returns true for commands that act when they are received, ahead of the print data in the
+/// buffer.
 bool actsOnReception(MachineCommand command);
 
-/// True for commands that wait for their turn: they act when all print data before them are
+/// Returns true for commands that wait for their turn: they act when all print data before them is
 /// printed.
 bool actsInTurn(MachineCommand command);
 
-/// The meaning of `bytes`, which is one complete command, for a printer of this dialect.
+/// Returns the meaning of `bytes`, which is one complete command, for a printer of this dialect.
 MachineCommand machineCommand(ByteView bytes, const Dialect& dialect);
 
-/// True if further bytes may make `bytes` a command other than `Printing`.
+/// Returns true if further bytes may make `bytes` a command other than `Printing`.
 bool mayBecomeMachineCommand(ByteView bytes, const Dialect& dialect);
 
 }  // namespace quordalvane::simulator

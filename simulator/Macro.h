@@ -23,7 +23,7 @@ class Macro {
   /// that has not ended is lost; then the result is also false.
   bool execute(unsigned times);
 
-  /// The next command to execute; null if there is none. Valid until the next call.
+  /// Returns the next command to execute; null if there is none. Valid until the next call.
   const Bytes* next();
 
   /// Ends the current execution.

@@ -12,18 +12,18 @@ namespace quordalvane::simulator {
 /// Reads text in a multi-byte encoding.
 class MultiByteText {
  public:
-  /// `sevenBit` selects the older Japanese code, whose bytes are 21 to 7e (hex). Only for Shift-JIS
-  /// printers.
+  /// `sevenBit` selects the older Japanese code, whose bytes are 21 to 7e (hex). It requires
+  /// Shift-JIS.
   explicit MultiByteText(MultiByte encoding, bool sevenBit = false);
 
-  /// True if a multi-byte character can begin with this byte.
+  /// Returns true if a multi-byte character can begin with this byte.
   bool begins(std::uint8_t byte) const;
 
-  /// The length in bytes of the character at the start of `bytes`, at least one; 0 if there is no
-  /// such character.
+  /// Returns the length in bytes of the character at the start of `bytes`, at least one; 0 if there
+  /// is no such character.
   std::size_t lengthOf(ByteView bytes) const;
 
-  /// The character that `bytes` encode; `noCharacter` if there is none.
+  /// Returns the character that `bytes` encode; `noCharacter` if there is none.
   char32_t characterOf(ByteView bytes);
 
  private:

@@ -5,7 +5,7 @@
 namespace quordalvane::simulator {
 namespace {
 
-// In dots: the longest page for which printers have memory.
+// The length in dots of the longest page for which printers have memory.
 constexpr unsigned longestPage = 2400;
 
 // The limits of a page; without them a job that selects areas without end would use all memory.
@@ -51,7 +51,8 @@ void PageBuilder::begin(const PageArea& place) {
   areas_.push_back({place, std::make_shared<Paper>(std::max(width, 12U))});
 }
 
-// Copies the area first if `page()` has returned it, because a returned page must not change.
+// If `page()` has returned the area, this function copies it first, because a returned page must
+// not change.
 Paper& PageBuilder::paper() {
   std::shared_ptr<Paper>& content = areas_.back().content;
   if (content.use_count() > 1) {

@@ -21,17 +21,17 @@ class PageBuilder {
   /// 3 downwards from the upper right.
   void setDirection(unsigned direction);
 
-  /// The paper of the selected area, and its width in the selected direction.
+  /// Return the paper of the selected area, and its width in the selected direction.
   Paper& paper();
   unsigned width() const { return areas_.back().content->width(); }
 
   /// Removes the print of the selected area.
   void clear();
 
-  /// True if the page needs more memory than any printer has.
+  /// Returns true if the page needs more memory than any printer has.
   bool isTooLong() const;
 
-  /// The page as built so far.
+  /// Returns the page as built so far.
   Page page() const;
 
  private:

@@ -87,7 +87,7 @@ struct Line {
   bool upsideDown = false;
 
   unsigned width() const;
-  /// The height of the highest item, without the line spacing.
+  /// Returns the height of the highest item, without the line spacing.
   unsigned contentHeight() const;
   unsigned height() const;
 };
@@ -168,7 +168,7 @@ struct PageArea {
 };
 
 /// The content of page mode, which is printed at once. The page ends at the end of its last area.
-/// If the job set no area, it ends after its last print.
+/// If the job set no area, the page ends after its last print.
 struct Page {
   std::vector<PageArea> areas;
   bool endsWithPrint = true;
@@ -176,9 +176,9 @@ struct Page {
 
 using PaperItem = std::variant<Line, Symbol, Feed, MoveTo, Page, Cut>;
 
-/// The greatest weight of a paper, in bytes. A printer then tears the paper off, so that even the
-/// longest job takes no more memory. This is enough for about five thousand lines of text, or seven
-/// metres of image.
+/// The greatest weight of a paper, in bytes. A heavier paper is torn off, so that even the longest
+/// job takes no more memory. This is enough for about five thousand lines of text, or seven metres
+/// of image.
 inline constexpr std::size_t heaviestPaper = std::size_t{4} * 1024 * 1024;
 
 /// The greatest length of a paper in dots. It is fifty metres, the length of a roll.
@@ -192,9 +192,9 @@ class Paper {
   unsigned width() const { return width_; }
   const std::vector<PaperItem>& items() const { return items_; }
 
-  /// The commands that were skipped because they cannot be shown on paper, by their first bytes in
-  /// hex, with the count of their occurrences. After a hundred kinds, all further ones are counted
-  /// as "others".
+  /// Returns the commands that were skipped because they cannot be shown on paper, by their first
+  /// bytes in hex, with the count of their occurrences. After a hundred kinds, all further ones are
+  /// counted as "others".
   const std::map<std::string, std::size_t>& skipped() const { return skipped_; }
 
   void add(PaperItem item);
@@ -211,21 +211,21 @@ class Paper {
 
   void noteSkipped(ByteView command);
 
-  /// The events of the job that print nothing.
+  /// Returns the events of the job that print nothing.
   const JobRecord& record() const { return record_; }
   JobRecord& record() { return record_; }
 
-  /// The approximate memory of the items, in bytes.
+  /// Returns the approximate memory of the items, in bytes.
   std::size_t weight() const { return weight_; }
 
-  /// The most dots that the paper can be long.
+  /// Returns the greatest length that the paper can have, in dots.
   std::uint64_t length() const { return length_; }
 
-  /// True if a printer tears the paper off before it prints more.
+  /// Returns true if a printer tears the paper off before it prints more.
   bool isTooLong() const { return weight_ > heaviestPaper || length_ > longestPaper; }
 
-  /// True if the paper was torn off because it reached a limit. The job then continues on the next
-  /// paper.
+  /// Returns true if the paper was torn off because it reached a limit. The job then continues on
+  /// new paper.
   bool goesOn() const { return goesOn_; }
   void setGoesOn() { goesOn_ = true; }
 
@@ -239,7 +239,7 @@ class Paper {
   bool goesOn_ = false;
 };
 
-/// The pieces into which the cuts divide the paper, in order; empty pieces are left out.
+/// Returns the pieces into which the cuts divide the paper, in order; empty pieces are left out.
 std::vector<Paper> piecesOf(const Paper& paper);
 
 }  // namespace quordalvane::simulator

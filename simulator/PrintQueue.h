@@ -27,8 +27,8 @@ class PrintQueue {
   /// Removes and returns the first byte, if the printer is done with it by `now`.
   std::optional<Taken> take(Instant now);
 
-  /// When the printer is done with the first `count` bytes (1 to `size()`); empty while it is
-  /// stopped.
+  /// Returns the time at which the printer is done with the first `count` bytes (1 to `size()`);
+  /// empty while it is stopped.
   std::optional<Instant> doneWith(std::size_t count) const;
 
   /// Starts or stops the printing, or changes its speed in bytes a second (0: unlimited). All bytes

@@ -6,7 +6,7 @@
 namespace quordalvane::simulator {
 namespace {
 
-// In bytes. The limit is for a host that asks questions and never reads the answers.
+// In bytes. This limits the answers to a host that asks questions and never reads.
 constexpr std::size_t mostWaiting = std::size_t{64} * 1024;
 
 // In bytes. In command mode the printer receives nothing, so the state of its buffer does not
@@ -51,7 +51,7 @@ std::size_t PrinterLink::space(Instant now) {
   return std::min(room, mostTaken());
 }
 
-// How many bytes the link itself accepts, whatever the printer has space for.
+// Returns how many bytes the link itself accepts, regardless of the space in the printer.
 std::size_t PrinterLink::mostTaken() const {
   if (ended_ || stalled()) {
     return 0;
@@ -262,8 +262,8 @@ bool PrinterLink::stalled() const {
                      [](const Stall& stall) { return stall.until.has_value(); });
 }
 
-// How many bytes can arrive before the next cut or stall. No write goes past that byte, so that the
-// fault takes effect at the exact byte.
+// Returns how many bytes can arrive before the next cut or stall. No write goes past that byte, so
+// that the fault takes effect at the exact byte.
 std::uint64_t PrinterLink::bytesBeforeCut() const {
   std::uint64_t most = std::numeric_limits<std::uint64_t>::max();
   for (const Cut& cut : cuts_) {

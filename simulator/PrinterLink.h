@@ -31,29 +31,29 @@ class PrinterLink {
   PrinterLink(const PrinterLink&) = delete;
   PrinterLink& operator=(const PrinterLink&) = delete;
 
-  /// The count of bytes that a write would accept now. 0 while the printer's buffer is full, and
-  /// always after the link has dropped.
+  /// Returns the count of bytes that a write would accept now: 0 while the printer's buffer is
+  /// full, and always after the link has dropped.
   std::size_t space(Instant now);
 
-  /// Sends bytes to the printer. Returns how many of the first bytes it accepted, normally at most
-  /// `space(now)`. A printer whose buffer is full still accepts requests, if no other bytes precede
-  /// them.
+  /// Sends bytes to the printer. Returns how many of the first bytes were accepted, normally at
+  /// most `space(now)`. A printer whose buffer is full still accepts requests, if no other bytes
+  /// precede them.
   std::size_t write(ByteView bytes, Instant now);
 
-  /// The count of bytes that can be read now.
+  /// Returns the count of bytes that can be read now.
   std::size_t available(Instant now);
 
-  /// Moves at most `out.size()` bytes from the printer into `out`. Returns their count; 0 if there
-  /// are none. Bytes that arrived before the link dropped can still be read.
+  /// Moves at most `out.size()` bytes from the printer into `out`. Returns the count of moved
+  /// bytes; 0 if there are none. Bytes that arrived before the link dropped can still be read.
   std::size_t read(std::span<std::uint8_t> out, Instant now);
 
-  /// True until the link has dropped and all earlier bytes have been read.
+  /// Returns true until the link has dropped and all earlier bytes have been read.
   bool connected(Instant now);
 
-  /// True if the link has dropped, even if there are bytes to read.
+  /// Returns true if the link has dropped, even if there are bytes to read.
   bool dropped(Instant now);
 
-  /// True if the link has ended by a reset, which a host can distinguish from a close.
+  /// Returns true if the link has ended by a reset, which a host can distinguish from a close.
   bool wasReset(Instant now);
 
   /// Adds a fault, which affects the link from `now` on. The fault counts bytes and replies from
@@ -66,8 +66,8 @@ class PrinterLink {
   /// Removes all faults. Replies in transit keep their delay, and an ended link remains ended.
   void clearFaults(Instant now);
 
-  /// The next time after `now` at which the space, the bytes to read, or the link itself may change
-  /// without a call. Empty if no change is due.
+  /// Returns the next time after `now` at which the space, the bytes to read, or the link itself
+  /// may change without a call. Returns empty if no change is due.
   std::optional<Instant> nextEvent(Instant now);
 
  private:

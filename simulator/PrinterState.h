@@ -57,7 +57,7 @@ extern const std::array<std::string_view, flagCount> flagNames;
 /// drawer, error, presenter, slip or other.
 extern const std::array<std::string_view, flagCount> flagGroups;
 
-/// The flag of this name; empty if there is none.
+/// Returns the flag of this name; empty if there is none.
 std::optional<Flag> flagNamed(std::string_view name);
 
 /// The form of a setting that is not a flag, for programs that ask the user for it. See
@@ -74,7 +74,7 @@ struct SettingForm {
   bool isFree = true;                       ///< values other than the choices are also accepted
 };
 
-/// The forms of all settings that are not flags.
+/// Returns the forms of all settings that are not flags.
 std::vector<SettingForm> settingForms();
 
 using DipBank = std::array<std::uint8_t, 2>;
@@ -83,8 +83,8 @@ using DipBank = std::array<std::uint8_t, 2>;
 /// value, without links or time.
 class PrinterState {
  public:
-  /// The condition that the printer reports. `Offline` is also true while the cover is open, the
-  /// paper is out or an error is present, even if the flag itself is not set.
+  /// Returns the condition that the printer reports. `Offline` is also true while the cover is
+  /// open, the paper is out or an error is present, even if the flag itself is not set.
   bool flag(Flag flag) const;
   void setFlag(Flag flag, bool value);
 
@@ -109,16 +109,17 @@ class PrinterState {
   /// accepts.
   void set(std::string_view key, std::string_view value);
 
-  /// The value of a setting that is not a flag, in the form that `set` reads. Empty if there is no
-  /// such setting.
+  /// Returns the value of a setting that is not a flag, in the form that `set` reads. Returns empty
+  /// if there is no such setting.
   std::optional<std::string> get(std::string_view key) const;
 
-  /// Takes 1 to 64 printable ASCII characters; throws std::invalid_argument for any other value.
+  /// Sets the firmware text, 1 to 64 printable ASCII characters. Throws std::invalid_argument for
+  /// any other text.
   void setFirmware(std::string_view text);
   const std::string& firmware() const { return firmware_; }
 
-  /// The texts that ESC/POS programs can ask for. Each takes 1 to 64 printable ASCII characters;
-  /// throws std::invalid_argument for any other value.
+  /// Set the texts that ESC/POS programs can ask for, 1 to 64 printable ASCII characters each.
+  /// Throw std::invalid_argument for any other text.
   void setMaker(std::string_view text);
   void setModelName(std::string_view text);
   void setSerialNumber(std::string_view text);
@@ -126,16 +127,16 @@ class PrinterState {
   const std::string& modelName() const { return modelName_; }
   const std::string& serialNumber() const { return serialNumber_; }
 
-  /// Takes 12 hex digits; throws std::invalid_argument for any other value.
+  /// Sets the address, 12 hex digits. Throws std::invalid_argument for any other text.
   void setBluetoothAddress(std::string_view digits);
   const std::string& bluetoothAddress() const { return bluetoothAddress_; }
 
-  /// Takes at least 16 bytes, because the longest command needs them; throws std::invalid_argument
-  /// for a smaller value.
+  /// Sets the size of the buffer, at least 16 bytes, because the longest command needs them. Throws
+  /// std::invalid_argument for a smaller size.
   void setBufferSize(std::size_t bytes);
   std::size_t bufferSize() const { return bufferSize_; }
 
-  /// Takes 58 or 80; throws std::invalid_argument for any other value.
+  /// Sets the width of the paper, 58 or 80. Throws std::invalid_argument for any other width.
   void setPaperWidth(unsigned millimetres);
   unsigned paperMillimetres() const { return paperMillimetres_; }
 
@@ -155,9 +156,9 @@ class PrinterState {
   std::uint8_t connectedInterface =
       5;  ///< 0 unknown, 1 serial, 2 USB, 3 Ethernet, 4 WLAN, 5 Bluetooth
   std::uint32_t bytesPerSecond = 0;  ///< the printing speed; 0: unlimited
-  bool flowControl = false;          ///< it asks hosts to pause and to continue; see `FlowControl`
-  bool keepsPrinted = false;         ///< all print data are kept, for tests
-  bool keepsReceived = false;        ///< the bytes of each job are kept in its record
+  bool flowControl = false;  ///< the printer asks hosts to pause and to continue; see `FlowControl`
+  bool keepsPrinted = false;   ///< all print data are kept, for tests
+  bool keepsReceived = false;  ///< the bytes of each job are kept in its record
 
  private:
   std::uint32_t flags_ = 1U << static_cast<unsigned>(Flag::EtbAvailable);

@@ -14,20 +14,20 @@ class Printing {
  public:
   explicit Printing(unsigned paperWidth) : typesetter_(paperWidth) {}
 
-  /// The printer knows the commands of this dialect, from the next command on.
+  /// Sets the dialect that the printer knows, from the next command on.
   void setDialect(const Dialect& dialect);
 
-  /// The printer does not know these commands, from the next command on.
+  /// Sets the commands that the printer lacks, from the next command on.
   void setLacked(const LackedCommands& lacked) { lacked_ = lacked; }
 
-  /// The printer has these character sets from now on.
+  /// Sets the character sets of the printer.
   void setCharacterSets(const CharacterSets& sets) { typesetter_.setCharacterSets(sets); }
 
   /// Processes one byte of print data, which is at `offset` in the job. Returns true if it
   /// completed a command or a character.
   bool pass(std::uint8_t byte, std::uint64_t offset);
 
-  /// The complete command; valid until the next byte.
+  /// Returns the complete command; valid until the next byte.
   ByteView command() const { return scanner_.bytes(); }
 
   /// Executes the next command of a running macro. Returns false if there is none. To be called
@@ -43,19 +43,19 @@ class Printing {
   /// Ends the job.
   void endJob() { typesetter_.endJob(); }
 
-  /// The answer to a command that asks for the size of a symbol. To be called when the command's
-  /// turn comes.
+  /// Returns the answer to a command that asks for the size of a symbol. To be called when the
+  /// command's turn comes.
   Bytes sizeReply(ByteView command) const { return typesetter_.sizeReply(command); }
 
-  /// The answer to a command that asks for stored images, when its turn comes.
+  /// Returns the answer to a command that asks for stored images, when its turn comes.
   Bytes graphicsReply(ByteView command) { return typesetter_.graphicsReply(command); }
 
   JobRecord& record() { return typesetter_.record(); }
   const Paper& paper() const { return typesetter_.paper(); }
   Paper tearOff();
 
-  /// Like `tearOff`, in the middle of a job, but keeps an unfinished line. Also ends a running
-  /// macro.
+  /// Tears the paper off in the middle of a job. Unlike `tearOff`, it leaves an unfinished line to
+  /// the next paper. It also ends a running macro.
   Paper tearOffFinishedLines();
 
  private:

@@ -15,7 +15,7 @@ class PrinterState;
 /// invalid. The text of the error is for people and names the line and the reason.
 void applyProfile(std::string_view name, PrinterState& state);
 
-/// The names of the built-in profiles.
+/// Returns the names of the built-in profiles.
 std::vector<std::string_view> profileNames();
 
 }  // namespace quordalvane::simulator

@@ -24,7 +24,7 @@ class Proofs {
 
   bool has(Proof proof) const { return (bits_ & bit(proof)) != 0; }
 
-  /// The text that `parse` reads.
+  /// Returns the text that `parse` reads.
   std::string text() const;
 
   bool operator==(const Proofs&) const = default;

@@ -13,25 +13,25 @@ namespace quordalvane::simulator {
 /// all other bytes on for printing, in order.
 class Reception {
  public:
-  /// The printer knows the commands of this dialect, from the next command on.
+  /// Sets the dialect that the printer knows, from the next command on.
   void setDialect(const Dialect& dialect) { scanner_.setDialect(dialect); }
 
-  /// The printer does not know these commands, from the next command on; they count as print data.
+  /// Sets the commands that the printer lacks, from the next command on; they count as print data.
   void setLacked(const LackedCommands& lacked) { lacked_ = lacked; }
 
   using OnPiece = std::function<void(MachineCommand, ByteView)>;
 
   /// Processes `bytes`. Calls `onPiece`, in the order of the stream, with complete commands that
   /// act at once and with complete commands that act in their turn. All other bytes are passed to
-  /// it as `MachineCommand::Printing`, in pieces of any size. If `vanish` is true, each command
-  /// that begins in `bytes` is lost as a whole, unless it acts at once.
+  /// `onPiece` as `MachineCommand::Printing`, in pieces of any size. If `vanish` is true, each
+  /// command that begins in `bytes` is lost as a whole, unless it acts at once.
   void take(ByteView bytes, bool vanish, const OnPiece& onPiece);
 
-  /// The count of bytes that are held because they may begin a command that acts at once.
+  /// Returns the count of bytes that are held because they may begin a command that acts at once.
   std::size_t undecided() const { return undecided_.size(); }
 
-  /// How many bytes at the start of `bytes` belong to commands that act at once. The last of them
-  /// may be unfinished. These bytes need no space in the print buffer.
+  /// Returns how many bytes at the start of `bytes` belong to commands that act at once. The last
+  /// command may be unfinished. These bytes need no space in the print buffer.
   std::size_t actingAtOnce(ByteView bytes) const;
 
   /// Forgets an unfinished command; the next byte starts a new one.

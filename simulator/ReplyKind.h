@@ -15,8 +15,8 @@ enum class ReplyKind {
   Cleared,    ///< the report that the buffer was cleared
 };
 
-/// The kind of this name: `block`, `process-id`, `in-order`, `unasked` or `cleared`; empty for any
-/// other name.
+/// Returns the kind of this name: `block`, `process-id`, `in-order`, `unasked` or `cleared`; empty
+/// for any other name.
 std::optional<ReplyKind> replyKindNamed(std::string_view name);
 
 }  // namespace quordalvane::simulator

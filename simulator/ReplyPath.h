@@ -29,13 +29,13 @@ class ReplyPath {
   /// Accepts a reply that the printer sends at `at`.
   void send(ByteView reply, Instant at, ReplyKind kind = ReplyKind::Other);
 
-  /// When the next byte arrives; empty if none is in transit.
+  /// Returns the time at which the next byte arrives; empty if no byte is in transit.
   std::optional<Instant> nextArrival() const;
 
   /// Removes and returns the next byte, if it has arrived by `now`.
   std::optional<std::uint8_t> arrive(Instant now);
 
-  /// The count of bytes in transit.
+  /// Returns the count of bytes in transit.
   std::size_t underWay() const { return underWay_.size(); }
 
  private:

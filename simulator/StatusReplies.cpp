@@ -28,7 +28,7 @@ std::uint8_t byteOf(unsigned bits) {
   return static_cast<std::uint8_t>(bits);
 }
 
-// The paper bits of the in-order status and of the unasked status.
+// Returns the paper bits of the in-order status and of the unasked status.
 unsigned paperBits(const PrinterState& state) {
   return bits(state, Flag::ReceiptPaperNearEmptyInner, 0x03) |
          bits(state, Flag::ReceiptPaperEmpty, 0x0c);
@@ -38,8 +38,8 @@ bool hasAny(const PrinterState& state, std::initializer_list<Flag> flags) {
   return std::any_of(flags.begin(), flags.end(), [&](Flag flag) { return state.flag(flag); });
 }
 
-// The error bits of the real-time status. There is one bit each for errors that an operator can
-// clear, for cutter errors, for errors that nobody can clear, and for errors that end by
+// Returns the error bits of the real-time status. There is one bit each for errors that an operator
+// can clear, for cutter errors, for errors that nobody can clear, and for errors that end by
 // themselves.
 unsigned errorBits(const PrinterState& state) {
   const bool isRecoverable =

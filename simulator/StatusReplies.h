@@ -7,43 +7,44 @@
 
 namespace quordalvane::simulator {
 
-/// The status block of line mode: a header with the length, the version of the layout, the thirty
-/// flags as one bit each, the counter and the two state bytes. Always nine bytes.
+/// Returns the status block of line mode: a header with the length, the version of the layout, the
+/// thirty flags as one bit each, the counter and the two state bytes. It always has nine bytes.
 Bytes statusBlock(const PrinterState& state);
 
-/// The byte that answers a real-time status request 10 04 `query` (hex): 1 is the printer, 2 the
-/// cause of being off line, 3 the error, 4 the paper. A query for a device that the printer does
-/// not have reports nothing unusual.
+/// Returns the byte that answers a real-time status request 10 04 `query` (hex): 1 is the printer,
+/// 2 the cause of being off line, 3 the error, 4 the paper. A query for a device that the printer
+/// does not have reports nothing unusual.
 Bytes realTimeStatus(const PrinterState& state, std::uint8_t query);
 
-/// The firmware reply of line mode: the text between 1b 23 2a and 0a 00.
+/// Returns the firmware reply of line mode: the text between 1b 23 2a and 0a 00.
 Bytes firmwareReply(const PrinterState& state);
 
-/// The answer to the ESC/POS question 1d 49 `query` about the printer's identity: one byte for a
-/// number, or a text between 5f and 00. Empty if there is no such question.
+/// Returns the answer to the ESC/POS question 1d 49 `query` about the printer's identity: one byte
+/// for a number, or a text between 5f and 00. Returns empty if there is no such question.
 Bytes identityReply(const PrinterState& state, std::uint8_t query);
 
-/// The settings of a DIP-switch bank. `digit` is the ASCII digit 1 or 2 in the request.
+/// Returns the settings of a DIP-switch bank. `digit` is the ASCII digit 1 or 2 in the request.
 Bytes dipSwitchReply(const PrinterState& state, std::uint8_t digit);
 
-/// The report that an ESC/POS printer sends when everything before an ETB is printed: the new value
-/// of its counter.
+/// Returns the report that an ESC/POS printer sends when everything before an ETB is printed. It
+/// holds the new value of the printer's counter.
 Bytes etbReport(const PrinterState& state);
 
-/// The reply to a process-ID command: it contains the four characters of the command.
+/// Returns the reply to a process-ID command: it contains the four characters of the command.
 Bytes processIdReport(ByteView command);
 
-/// The byte that answers a status request 1d 72, 1b 75 or 1b 76, about the paper or the drawer.
+/// Returns the byte that answers a status request 1d 72, 1b 75 or 1b 76, about the paper or the
+/// drawer.
 Bytes inOrderStatus(const PrinterState& state, ByteView command);
 
-/// The answer to a command 1d 28 45 that begins a change of settings, or asks for the value of a
-/// memory switch or of another setting. All these values are 0.
+/// Returns the answer to a command 1d 28 45 that begins a change of settings, or asks for the value
+/// of a memory switch or of another setting. All these values are 0.
 Bytes settingReply(ByteView command);
 
-/// The four bytes that report a change without a question.
+/// Returns the four bytes that report a change without a question.
 Bytes unaskedStatus(const PrinterState& state);
 
-/// The reply after the buffer was cleared.
+/// Returns the reply after the buffer was cleared.
 Bytes clearedReport();
 
 }  // namespace quordalvane::simulator

@@ -52,7 +52,7 @@ const Family& familyOf(Symbology symbology) {
   return families[static_cast<std::size_t>(symbology)];
 }
 
-// The height of a composite symbol's bar code, in modules. The library leaves it open.
+// The height of a composite symbol's bar code, in modules. The library does not set it.
 constexpr unsigned barCodeInModules = 36;
 
 // The library has a separate number for each bar code with a two-dimensional part.
@@ -97,13 +97,13 @@ std::string withoutStars(std::string data) {
 }
 
 // Removes the check digit, if the number has one, because the encoder calculates it. This also
-// corrects a wrong digit: printers print no code that a till cannot read.
+// corrects a wrong check digit, because printers print no code that a till cannot read.
 std::string withoutCheckDigit(const std::string& data, std::size_t digits) {
   return data.size() == digits ? data.substr(0, digits - 1) : data;
 }
 
-// The six digits of UPC-E for an eleven-digit UPC-A number; the number itself if it has no such
-// form.
+// Returns the six digits of UPC-E for an eleven-digit UPC-A number; the number itself if it has no
+// such form.
 std::string zeroSuppressed(const std::string& data) {
   if (data.size() != 11 && data.size() != 12) {
     return withoutCheckDigit(data, 8);

@@ -14,19 +14,19 @@ struct EncodedSymbol {
   std::vector<unsigned> rowHeights;  ///< the rows' heights in modules; empty if all are equal
   std::string text;
 
-  /// The height of row `row` of the symbol, and of all rows together, in dots.
+  /// Return the height of row `row` of the symbol, and of all rows together, in dots.
   unsigned rowHeightIn(const Symbol& symbol, unsigned row) const;
   unsigned heightIn(const Symbol& symbol) const;
 };
 
-/// Encodes the symbol. Empty if its symbology cannot represent the data. May be called from any
-/// thread.
+/// Encodes the symbol. Returns empty if the symbol's symbology cannot represent the data. May be
+/// called from any thread.
 std::optional<EncodedSymbol> encode(const Symbol& symbol);
 
-/// The name of the symbology, for people.
+/// Returns the name of the symbology, for people.
 std::string symbologyName(Symbology symbology);
 
-/// The data for people, as printed beside the symbol, including a check digit that the printer
+/// Returns the data as people read it beside the symbol, with any check digit that the printer
 /// adds.
 std::string readableData(const Symbol& symbol, const EncodedSymbol& encoded);
 

@@ -114,7 +114,7 @@ std::string code128Text(const std::string& data) {
   return text;
 }
 
-// The value of a parameter that jobs write either as a number or as an ASCII digit.
+// Returns the value of a parameter that jobs write either as a number or as an ASCII digit.
 unsigned numberOf(std::uint8_t byte) {
   return byte >= '0' && byte <= '9' ? byte - '0' : byte;
 }

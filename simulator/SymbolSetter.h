@@ -19,14 +19,15 @@ class SymbolSetter {
   /// 66.
   void setBarcode(ByteView command);
 
-  /// The bar code of a command 1d 6b. Empty if its symbology is unknown or its end is missing.
+  /// Returns the bar code of a command 1d 6b; empty if the symbology is unknown or the end of the
+  /// command is missing.
   std::optional<Symbol> barcode(ByteView command) const;
 
   /// Applies the command 1d 5a, which sets the kind of the symbols that 1b 5a prints.
   void setKindAtOnce(ByteView command) { kindAtOnce_ = command[2]; }
 
-  /// The symbol of a complete command 1b 5a, which prints it at once. Empty if the kind does not
-  /// exist.
+  /// Returns the symbol of a complete command 1b 5a, which is to be printed at once; empty if the
+  /// kind does not exist.
   std::optional<Symbol> symbolAtOnce(ByteView command) const;
 
   enum class Outcome { Stored, Print, Unknown };
@@ -36,8 +37,8 @@ class SymbolSetter {
 
   const Symbol& symbol() const { return *chosen_; }
 
-  /// The answer to a command 1d 28 6b that asks about the stored symbol: its size in dots, and
-  /// whether it can be printed. Empty if the command asks nothing.
+  /// Returns the answer to a command 1d 28 6b that asks about the stored symbol: its size in dots,
+  /// and whether it can be printed. Returns empty if the command asks nothing.
   Bytes sizeReply(ByteView command) const;
 
  private:

@@ -9,7 +9,7 @@
 namespace quordalvane::simulator {
 namespace {
 
-// In bytes. A longer run is converted without waiting for its end, so that it needs no more memory.
+// In bytes. A longer run is converted before its end arrives, so that it needs no more memory.
 constexpr std::size_t longestRun = 256;
 
 constexpr char32_t house = 0x2302;  // a house, for byte 7f in the printers' own fonts
@@ -76,7 +76,7 @@ DecodedText TextDecoder::putMultiByte(std::uint8_t byte) {
   if (length > bytes.size()) {
     return {};
   }
-  if (length == 0) {  // these bytes form no character, so the last byte begins anew
+  if (length == 0) {  // these bytes form no character, but one may begin with the last byte
     run_.pop_back();
     DecodedText text = finish();
     const DecodedText next = put(byte);

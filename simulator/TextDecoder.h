@@ -18,8 +18,8 @@ struct DecodedText {
   Bytes missing;        ///< bytes that have no character; may be empty
 };
 
-/// Converts the text bytes of a job to characters. The job's commands select them from the
-/// character sets of the printer.
+/// Converts the text bytes of a job to characters. The job's commands select one of the character
+/// sets of the printer.
 ///
 /// If the printer knows UTF-8, and the job has not yet selected a code page, a run of bytes from 80
 /// (hex) up is UTF-8, provided that the whole run is valid. All other bytes belong to the selected
@@ -31,7 +31,8 @@ class TextDecoder {
   /// Sets the printer's character sets. The job's selection does not change.
   void setCharacterSets(const CharacterSets& sets);
 
-  /// Adds a text byte, at least 20 (hex). Returns the characters that are certain now.
+  /// Adds a text byte, at least 20 (hex). Returns the characters that this byte completes; later
+  /// bytes cannot change them.
   DecodedText put(std::uint8_t byte);
 
   /// Returns the remaining characters. To be called before anything that is not text.
@@ -56,8 +57,8 @@ class TextDecoder {
   /// printer does not know UTF-8.
   bool setUtf8(bool on);
 
-  /// The current selection, for people: the number of the page, or the name of the multi-byte
-  /// encoding.
+  /// Returns the current selection, for people: the number of the page, or the name of the
+  /// multi-byte encoding.
   std::string selection() const;
 
   /// Resets everything that the job has selected.
@@ -78,7 +79,7 @@ class TextDecoder {
   std::string run_;                           // bytes that are not converted yet
 };
 
-/// True if the character is always as wide as two letters.
+/// Returns true if the character is always as wide as two letters.
 bool isWide(char32_t character);
 
 }  // namespace quordalvane::simulator

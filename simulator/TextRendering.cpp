@@ -13,7 +13,7 @@ namespace {
 
 constexpr unsigned cell = 12;  // the width of a column in dots
 
-// A longer feed is described in words instead of empty lines.
+// The most empty lines that show a feed; a longer feed is described in words.
 constexpr unsigned mostEmptyLines = 12;
 constexpr unsigned dotsPerMillimetre = 8;
 

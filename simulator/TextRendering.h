@@ -7,13 +7,14 @@
 
 namespace quordalvane::simulator {
 
-/// The paper as UTF-8 text, with one line for each line of print. Alignment and positions become
-/// blanks, a feed becomes empty lines, a cut a dashed line. An image, a bar code or a QR code is
-/// described in brackets. The last lines are the remarks, each in brackets.
+/// Returns the paper as UTF-8 text, with one line for each line of print. Alignment and positions
+/// become blanks, a feed becomes empty lines, and a cut becomes a dashed line. An image, a bar code
+/// or a QR code is described in brackets. The last lines are the remarks, each in brackets.
 std::string renderText(const Paper& paper);
 
-/// Sentences about the paper for people: which commands could not be shown, and that it was torn
-/// off before the end of its job. Empty if neither happened.
+/// Returns sentences about the paper for people: they name the commands that could not be shown,
+/// and say if the paper was torn off before the end of its job. Returns no sentence if all is
+/// shown.
 std::vector<std::string> remarksOn(const Paper& paper);
 
 }  // namespace quordalvane::simulator

@@ -38,13 +38,13 @@ class Typesetter {
   const Paper& paper() const { return paper_; }
   JobRecord& record() { return paper_.record(); }
 
-  /// The answer to a command 1d 28 6b that asks for the size of a symbol.
+  /// Returns the answer to a command 1d 28 6b that asks for the size of a symbol.
   Bytes sizeReply(ByteView command) const { return symbols_.sizeReply(command); }
 
   /// The answer to a command 1d 28 4c that asks for stored images.
   Bytes graphicsReply(ByteView command) { return graphics_.reply(command); }
 
-  /// True if the job has selected the display and not the printer.
+  /// Returns true if the job has selected the display and not the printer.
   bool isDisplayAlone() const { return !printerListens_; }
 
   /// Executes a complete command, or prints a character.

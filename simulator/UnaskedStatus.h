@@ -7,10 +7,11 @@
 
 namespace quordalvane::simulator {
 
-/// The status that a printer sends unasked after a host has switched it on.
+/// A status that a printer sends without a question, after a host has switched this service on.
 class UnaskedStatus {
  public:
-  /// Switches the status on. If it is on already, it is sent again at once.
+  /// Switches the service on. The next `change` then returns the status, even if the service was on
+  /// already.
   void switchOn() { latest_ = Bytes(); }
 
   void switchOff() { latest_.reset(); }

@@ -18,15 +18,15 @@ std::size_t sequenceLength(std::uint8_t lead) {
   return lead >= 0xf0 && lead <= 0xf4 ? 4 : 0;
 }
 
-// The multi-byte character at the start of `bytes`. Empty if there is none, or if it is a control
-// character.
+// Returns the multi-byte character at the start of `bytes`. Returns empty if there is none, or if
+// it is a control character.
 std::optional<Character> decoded(std::string_view bytes) {
   constexpr std::uint32_t firstAfterControls = 0xa0;
   const Character first = firstCharacter(bytes);
   return first.codePoint < firstAfterControls ? std::nullopt : std::optional(first);
 }
 
-// The character at the start of `bytes`, which may be invalid UTF-8.
+// Returns the character at the start of `bytes`, which may be invalid UTF-8.
 Character decodedAnything(std::string_view bytes) {
   const auto byte = static_cast<std::uint8_t>(bytes.front());
   return byte < 0x80 ? Character{byte, 1} : decoded(bytes).value_or(Character{noCharacter, 1});

@@ -15,12 +15,12 @@ std::string toUtf8(std::u32string_view text);
 /// character, U+FFFD.
 std::u32string fromUtf8(std::string_view bytes);
 
-/// Converts bytes from 80 (hex) up. Empty unless all of them are valid UTF-8 without control
-/// characters.
+/// Converts bytes from 80 (hex) up. Returns empty unless all of them are valid UTF-8 without
+/// control characters.
 std::optional<std::u32string> wholeUtf8(std::string_view bytes);
 
-/// The count of bytes at the start of a run that can be converted without splitting a character
-/// whose end has not arrived.
+/// Returns the count of bytes at the start of a run that can be converted without splitting a
+/// character whose end has not arrived.
 std::size_t wholeCharactersIn(std::string_view run);
 
 }  // namespace quordalvane::simulator

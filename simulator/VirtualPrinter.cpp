@@ -90,7 +90,7 @@ void VirtualPrinter::obey(MachineCommand command, ByteView bytes, Instant now) {
   question_.clear();
 }
 
-// To be called before the paper, with its record, is passed on.
+// Adds the received bytes to the record of the paper. To be called before the paper is passed on.
 void VirtualPrinter::recordReceived(std::uint64_t position) {
   jobBytes_.pass(position);
   auto [bytes, count] = jobBytes_.take();
@@ -125,7 +125,7 @@ void VirtualPrinter::act(MachineCommand command, ByteView bytes, Instant now) {
     case MachineCommand::Recover:
       return recover(bytes[2], now);
     case MachineCommand::UnaskedStatus:
-      // Any other n switches on every report: real printers let n choose among them.
+      // Any other n switches all reports on; on real printers, n chooses some of them.
       if (bytes[2] == 0) {
         return unasked_.switchOff();
       }
@@ -168,7 +168,7 @@ void VirtualPrinter::reportChange(Instant now) {
   reply(unasked_.change(state_), now, ReplyKind::Unasked);
 }
 
-// A host that was asked to pause is also asked to continue if the setting ends.
+// If flow control is switched off, a paused host is asked to continue.
 void VirtualPrinter::controlFlow(Instant at) {
   if (!state_.flowControl && !flow_.isPaused()) {
     return;
@@ -328,7 +328,7 @@ std::size_t VirtualPrinter::readyAgain() const {
   return std::clamp<std::size_t>(state_.bufferSize() / 4, 1, 64);
 }
 
-// How many bytes it must print until so many are free, which is more than there are now.
+// Returns how many bytes the printer must print until `bytes` are free, which is more than now.
 std::size_t VirtualPrinter::untilFree(std::size_t bytes) const {
   return buffered() + bytes - state_.bufferSize();
 }

@@ -41,22 +41,21 @@ class VirtualPrinter {
   /// Changes a setting from `now` on, as `PrinterState::set` does, and throws as it does.
   void set(std::string_view key, std::string_view value, Instant now);
 
-  /// Lets the printer work until `now`. The functions below show its state at the latest of these
-  /// times.
+  /// Lets the printer work until `now`. The functions below show its state at the latest `now`.
   void advance(Instant now);
 
-  /// The output since the paper was last torn off.
+  /// Returns the output since the paper was last torn off.
   const Paper& paper() const { return printing_.paper(); }
 
-  /// The print data that produced the paper, byte for byte, without ETBs and without commands that
-  /// act on reception. The last line may still be open. Only for a printer with
-  /// `PrinterState::keepsPrinted`; otherwise empty.
+  /// Returns the print data that produced the paper, byte for byte, without ETBs and without
+  /// commands that act on reception. The last line may still be open. Returns empty unless the
+  /// printer has `PrinterState::keepsPrinted`.
   const Bytes& printed() const { return printed_; }
 
-  /// The count of bytes of print data that have been printed since the beginning.
+  /// Returns the count of bytes of print data that have been printed since the beginning.
   std::uint64_t printedBytes() const { return printedBytes_; }
 
-  /// The count of bytes that have been received but not printed.
+  /// Returns the count of bytes that have been received but not printed.
   std::size_t buffered() const { return queue_.size() + reception_.undecided(); }
 
   /// Ends the current line, and removes and returns the paper. `printed` becomes empty.
@@ -94,12 +93,12 @@ class VirtualPrinter {
   void disconnect(std::uint64_t connection);
   bool isConnection(std::uint64_t connection) const { return connection == connection_; }
 
-  /// How many bytes it can accept: the free part of its buffer. Returns 0 while that is less than a
-  /// command may need, which is 64 bytes, or a quarter of a small buffer.
+  /// Returns how many bytes the printer can accept: the free part of its buffer, or 0 if this is
+  /// less than a command may need. A command may need 64 bytes, or a quarter of a small buffer.
   std::size_t space() const;
 
-  /// How many bytes at the start of `bytes` need no free space, because they act on reception and
-  /// are not stored.
+  /// Returns how many bytes at the start of `bytes` need no free space, because they act on
+  /// reception and are not stored.
   std::size_t actingAtOnce(ByteView bytes) const { return reception_.actingAtOnce(bytes); }
 
   /// Accepts all of `bytes`; there must be at most `space()` or `actingAtOnce(bytes)` of them. With
@@ -110,8 +109,8 @@ class VirtualPrinter {
   /// Sends bytes to the host, if there is one: an answer, or a report without a question.
   void reply(ByteView bytes, Instant at, ReplyKind kind = ReplyKind::Other);
 
-  /// The next time at which the printer, without any call, gets space, passes an ETB, has printed
-  /// everything, or drops data. Empty if nothing is due.
+  /// Returns the next time at which the printer gets space, passes an ETB, has printed everything
+  /// or drops data without a call. Returns empty if nothing is due.
   std::optional<Instant> nextEvent() const;
 
  private:

@@ -65,7 +65,7 @@ Palette makePalette() {
 
 const Palette palette = makePalette();
 
-// The remarks, in lines that fit below the paper.
+// Returns the remarks, in lines that fit below the paper.
 std::vector<std::string> remarkLines(const Paper& paper) {
   const std::size_t columns = paper.width() / remarkStyle.cellWidth();
   std::vector<std::string> lines;
@@ -185,7 +185,7 @@ Bytes pngOf(const BandedPicture& banded) {
   return writer.finish();
 }
 
-// The whole picture and its pieces, drawn once.
+// Draws the picture once, and writes it as a whole and in pieces.
 void drawInPieces(const BandedPicture& banded, unsigned pieceRows, PngPicture& picture) {
   PngWriter whole(picture.width, picture.height, palette);
   std::optional<PngWriter> piece;

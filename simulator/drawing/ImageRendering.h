@@ -15,13 +15,14 @@ struct Picture {
   std::vector<std::uint32_t> pixels;
 };
 
-/// The paper as a picture of one pixel a dot, with margins beside the print and torn edges at its
-/// cuts. A symbol whose data cannot be encoded is replaced by its name. Remarks on the paper are
-/// below it. May be called from any thread.
+/// Returns the paper as a picture of one pixel a dot, with margins beside the print and torn edges
+/// at its cuts. A symbol whose data cannot be encoded is replaced by its name. Remarks on the paper
+/// are drawn below it. May be called from any thread.
 Picture renderPicture(const Paper& paper);
 
-/// Returns the picture of `renderPicture` as a PNG file. Needs little more memory than the file,
-/// however long the paper is. Empty if the file cannot be created, for example for lack of memory.
+/// Returns the picture of `renderPicture` as a PNG file. This needs little more memory than the
+/// file, however long the paper is. Returns empty if the file cannot be created, for example for
+/// lack of memory.
 Bytes renderPng(const Paper& paper);
 
 /// The same PNG file, with the size of the picture in dots. A picture that is taller than

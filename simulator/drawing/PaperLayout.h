@@ -51,11 +51,12 @@ class PaperLayout {
   const std::vector<PlacedItem>& items() const { return items_; }
   const std::vector<Piece>& pieces() const { return pieces_; }
 
-  /// The position at which the next item begins, and the lowest position that was printed or fed.
+  /// Return the position at which the next item begins, and the lowest position that was printed or
+  /// fed.
   unsigned position() const { return y_; }
   unsigned end() const { return end_; }
 
-  /// The end of the last piece; if there are no pieces, the end of the print.
+  /// Returns the end of the last piece; if there are no pieces, the end of the print.
   unsigned bottom() const { return pieces_.empty() ? end_ : pieces_.back().bottom; }
 
  private:

@@ -38,7 +38,7 @@ class PaperStrips {
   /// Adds the next items. Returns the rows that changed, including empty ones.
   Change add(std::vector<PaperItem> items);
 
-  /// The length of the paper so far, in dots.
+  /// Returns the length of the paper so far, in dots.
   unsigned length() const { return layout_.end(); }
   unsigned width() const { return width_; }
 

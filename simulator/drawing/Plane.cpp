@@ -10,7 +10,7 @@ struct Range {
   unsigned end;
 };
 
-// The part of a range that is between 0 and `limit`.
+// Returns the part of a range that is between 0 and `limit`.
 Range within(std::int64_t begin, std::int64_t length, unsigned limit) {
   const auto clamped = [&](std::int64_t place) {
     return static_cast<unsigned>(std::clamp<std::int64_t>(place, 0, limit));

@@ -30,13 +30,13 @@ class Plane {
   void dots(const Bitmap& bitmap, int x, int y, unsigned scaleX, unsigned scaleY,
             std::uint8_t darkness);
 
-  /// Darkens dots towards `darkness`, the more the darker `stencil` is there.
+  /// Darkens dots towards `darkness`. The darker a dot of `stencil`, the darker is the result.
   void draw(const Plane& stencil, int x, int y, std::uint8_t darkness);
 
-  /// The plane turned clockwise by this count of quarter turns.
+  /// Returns the plane turned clockwise by this count of quarter turns.
   Plane turned(unsigned quarters) const;
 
-  /// The dots, row by row, for drawing by outside libraries.
+  /// Returns the dots, row by row, for drawing by outside libraries.
   std::uint8_t* data() { return dots_.data(); }
 
  private:

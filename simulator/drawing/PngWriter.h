@@ -11,8 +11,8 @@ namespace quordalvane::simulator {
 /// The colour 0x00RRGGBB for each value of a dot.
 using Palette = std::array<std::uint32_t, 256>;
 
-/// Writes a picture of one byte a dot as a PNG file, row by row. So even a very long picture needs
-/// no more memory than its file.
+/// Writes a picture of one byte a dot as a PNG file, row by row. Even a very long picture thus
+/// needs no more memory than its file.
 class PngWriter {
  public:
   PngWriter(unsigned width, unsigned height, const Palette& palette);
@@ -23,8 +23,8 @@ class PngWriter {
   /// Adds the next row, which must be as wide as the picture.
   void add(ByteView row);
 
-  /// Returns the file; to be called after the last row. Empty if it could not be created, for
-  /// example for lack of memory.
+  /// Returns the file; empty if it could not be created, for example for lack of memory. To be
+  /// called after the last row.
   Bytes finish();
 
  private:

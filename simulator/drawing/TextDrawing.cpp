@@ -52,7 +52,7 @@ struct Deleter {
 template <typename Type>
 using Owned = std::unique_ptr<Type, Deleter>;
 
-// A font family that has the character; a monospaced one, if possible.
+// Returns a font family that has the character, if possible a monospaced one.
 std::string familyFor(char32_t character) {
   const Owned<FcPattern> wanted(FcPatternCreate());
   const Owned<FcCharSet> set(FcCharSetCreate());
