@@ -16,20 +16,21 @@ class CodePage {
   /// Creates a code page with only ASCII, which every printer can print.
   CodePage();
 
-  /// `text` is the number of a page, from 0 to 255, as most ESC/POS printers count their pages, for
-  /// example 16; or NUMBER:NAME for a printer that counts in another way, for example 6:1251.
-  /// Throws RenderError if `text` is anything else, if the number has no usual meaning, or if this
-  /// system does not know the page.
+  /// `text` is the number of a page, from 0 to 255, that most ESC/POS printers use for it, for
+  /// example 16. For a printer with other numbers it is NUMBER:NAME, for example 6:1251. Throws
+  /// RenderError if `text` is anything else, if the number is not a usual one, or if this system
+  /// does not know the page.
   explicit CodePage(std::string_view text);
   ~CodePage();
   CodePage(CodePage&&) noexcept;
   CodePage& operator=(CodePage&&) noexcept;
 
-  /// Returns the number to select in the printer; null with only ASCII, where nothing is selected.
+  /// Returns the number to select in the printer; null with only ASCII, for which nothing is
+  /// selected.
   std::optional<std::uint8_t> number() const { return number_; }
 
   /// Converts a line of UTF-8 to the printer's bytes, one for each character. Returns null if the
-  /// printer lacks one of the characters. A letter followed by combining accents counts as the one
+  /// printer lacks one of the characters. A letter followed by combining accents counts as one
   /// accented letter.
   std::optional<std::vector<std::uint8_t>> encoded(const std::string& line) const;
 

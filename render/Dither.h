@@ -21,9 +21,9 @@ class Dither {
   /// `width` is in dots and must be a multiple of 8.
   Dither(DitherKind kind, unsigned width);
 
-  /// Returns the dots of the next row, in the form that `RasterBands` takes. They are valid until
-  /// the next call. `grey` has one byte for each pixel; 0 is black and 255 white. If it is narrower
-  /// than the width, the rest of the row is white.
+  /// Returns the dots of the next row, in the form that `RasterBands` takes. The dots are valid
+  /// until the next call. `grey` has one byte for each pixel; 0 is black and 255 white. If `grey`
+  /// is narrower than the width, the rest of the row is white.
   ByteView dots(ByteView grey);
 
  private:

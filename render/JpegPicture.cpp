@@ -1,6 +1,6 @@
 #include "render/JpegPicture.h"
 
-// The library's header uses names of <cstdio> without including it, so it must follow it.
+// The library's header uses names of <cstdio> without including it, so <cstdio> must precede it.
 #include <cstdio>
 //
 #include <jpeglib.h>
@@ -27,7 +27,7 @@ struct JpegPicture::Decoder {
 namespace {
 
 // The library reports an error by a call that must not return. An exception must not pass through
-// the library, so this jumps.
+// the library, so this function jumps.
 [[noreturn]] void leave(j_common_ptr info) {
   std::longjmp(*static_cast<std::jmp_buf*>(info->client_data), 1);
 }
@@ -127,7 +127,7 @@ void JpegPicture::read(std::span<std::uint8_t> grey) {
   if (!readRow(decoder_->info, decoder_->failure, grey.data())) {
     fail(decoder_->info);
   }
-  // If the file is cut short, the library only warns, and fills the rest with grey.
+  // If the file is incomplete, the library only warns, and fills the rest with grey.
   if (decoder_->errors.num_warnings > 0) {
     fail(decoder_->info);
   }

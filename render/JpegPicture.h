@@ -7,8 +7,8 @@
 
 namespace quordalvane::render {
 
-/// A picture in a JPEG file, which is decoded row by row. The rows are those that the camera wrote,
-/// so the picture may not be upright.
+/// A picture in a JPEG file, which is decoded row by row. The rows are as the camera wrote them, so
+/// the picture may not be upright.
 class JpegPicture : public Picture {
  public:
   JpegPicture(ByteView file, unsigned leastWidth);

@@ -13,8 +13,8 @@ struct Orientation {
   bool isUpright() const { return !isTransposed && !isRightFirst && !isBottomFirst; }
 };
 
-/// Reads the orientation from the EXIF data that a camera writes into a JPEG file. Returns upright
-/// if it is missing or the data is damaged.
+/// Reads the orientation from the EXIF data that a camera writes into a JPEG file. Returns an
+/// upright orientation if there is none or the data is damaged.
 Orientation orientationIn(ByteView exif);
 
 }  // namespace quordalvane::render

@@ -8,8 +8,8 @@ namespace quordalvane::render {
 
 using ByteView = std::span<const std::uint8_t>;
 
-/// Receives the next bytes for the printer; they are valid during the call. If it throws, the
-/// exception passes through the renderer, which must not be used afterwards.
+/// Receives the next bytes for the printer; they are valid during the call. If an output throws,
+/// the exception passes through the renderer, which must not be used afterwards.
 using Output = std::function<void(ByteView)>;
 
 }  // namespace quordalvane::render

@@ -29,10 +29,10 @@ class Picture {
   virtual void read(std::span<std::uint8_t> grey) = 0;
 };
 
-/// Opens the picture in a PNG or JPEG file; the first bytes show which of them it is. `file` must
-/// outlive the picture. A JPEG picture may be scaled down, but never to less than `leastWidth`. It
-/// is turned upright if the camera has recorded how it was held. Throws RenderError if the file is
-/// neither PNG nor JPEG, is damaged, or has more than `mostPixels`.
+/// Opens the picture in a PNG or JPEG file, whose first bytes show its format. `file` must outlive
+/// the picture. A JPEG picture may be scaled down, but never to less than `leastWidth`. A picture
+/// is turned upright if the camera has recorded how the camera was held. Throws RenderError if the
+/// file is neither PNG nor JPEG, is damaged, or has more than `mostPixels`.
 std::unique_ptr<Picture> openPicture(ByteView file, unsigned leastWidth);
 
 }  // namespace quordalvane::render

@@ -12,7 +12,7 @@ namespace quordalvane::render {
 /// in memory.
 inline constexpr std::uint64_t mostWidth = 65535;
 
-/// Throws RenderError if the width or height is 0 or the picture is too large. It is called before
+/// Throws RenderError if the width or height is 0 or the picture is too large. To be called before
 /// memory is allocated for the picture.
 inline void checkSize(std::uint64_t width, std::uint64_t height) {
   if (width == 0 || height == 0) {

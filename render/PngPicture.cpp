@@ -17,7 +17,7 @@ constexpr std::size_t pixelBytes = 4;
 constexpr std::size_t longestError = 127;
 
 // The library reports an error by a call that must not return. An exception must not pass through
-// the library, so this jumps.
+// the library, so this function jumps.
 [[noreturn]] void leave(png_structp png, png_const_charp why) {
   char* const error = static_cast<char*>(png_get_error_ptr(png));
   std::strncpy(error, why, longestError);

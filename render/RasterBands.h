@@ -8,8 +8,8 @@
 
 namespace quordalvane::render {
 
-/// Turns rows of dots into raster images of at most 255 rows, called bands. Many printers print
-/// rubbish if an image is longer. Only one band is kept in memory, so a page may have any length.
+/// Turns rows of dots into raster images of at most 255 rows, called bands. Many printers print a
+/// longer image wrongly. Only one band is kept in memory, so a page may have any length.
 ///
 ///     RasterBands bands(576, output);
 /// bands.add(row); // once for each row
@@ -29,8 +29,8 @@ class RasterBands {
   /// White rows are sent only once a row with a black dot follows them.
   void add(ByteView dots);
 
-  /// Sends all rows so far, including white rows at the end, because something else follows on the
-  /// paper.
+  /// Sends all rows so far, including white rows at the end. To be called if something else follows
+  /// on the paper.
   void flush();
 
   /// Sends the rest, except white rows at the end.

@@ -9,9 +9,9 @@
 
 namespace quordalvane::render {
 
-/// Turns a page of grey pixels that a client has drawn into raster images for the printer. A page
-/// is usually as wide as the paper, which is wider than the print head; then only the middle of
-/// each row is printed. A page that is narrower than the head is printed at the left. Only one band
+/// Converts a page of grey pixels, drawn by a client, to raster images for the printer. A page is
+/// usually as wide as the paper. As the paper is wider than the print head, only the middle of each
+/// row is then printed. A page that is narrower than the head is printed at the left. Only one band
 /// is kept in memory, so a page may have any length.
 class RasterPage {
  public:

@@ -5,7 +5,8 @@
 namespace quordalvane::render {
 namespace {
 
-// Returns where pixel `number` begins in the source when `whole` pixels are scaled to `parts`.
+// Returns the source position at which pixel `number` begins if `whole` pixels are scaled to
+// `parts`.
 unsigned begin(std::uint64_t number, unsigned whole, unsigned parts) {
   return static_cast<unsigned>(number * whole / parts);
 }

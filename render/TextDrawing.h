@@ -25,7 +25,7 @@ class TextDrawing {
   void draw(const std::string& line, const Output& takeRow);
 
   /// Returns the characters for which no font on this machine has a glyph, at most a hundred. On
-  /// the paper each of them is a box with the character's number.
+  /// the paper each of these characters is a box with its number.
   const std::set<char32_t>& missing() const { return missing_; }
 
  private:

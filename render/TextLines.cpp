@@ -22,8 +22,8 @@ std::string place(std::uint64_t offset) {
   return " at byte " + std::to_string(offset) + " of the text";
 }
 
-// Returns true for a mark that belongs to the character before it; a line must not be broken
-// between them.
+// Returns true for a mark that belongs to the preceding character; a line must not be broken
+// between the two.
 bool belongsToTheOneBefore(std::uint32_t codePoint) {
   return g_unichar_iszerowidth(codePoint) != 0 || g_unichar_ismark(codePoint) != 0;
 }

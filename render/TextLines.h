@@ -8,8 +8,8 @@
 
 namespace quordalvane::render {
 
-/// The maximum number of bytes of a line. A longer line is broken, at a blank if it has one, so
-/// that an endless line needs no more memory than this.
+/// The maximum number of bytes of a line. A longer line is broken, if possible at a blank, so that
+/// an endless line needs no more memory than this.
 inline constexpr std::size_t longestLine = 4096;
 
 /// Splits UTF-8 text into lines that can be printed.

@@ -10,7 +10,7 @@ constexpr unsigned letterWidth = 12;
 constexpr std::uint8_t lineFeed = '\n';
 
 // Returns how many of the letters go into a row of `columns` columns. The row ends at its last
-// blank, if it has one.
+// blank, if it contains one.
 std::size_t lettersInRow(ByteView letters, std::size_t columns) {
   if (letters.size() <= columns) {
     return letters.size();
