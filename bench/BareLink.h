@@ -5,8 +5,8 @@
 
 namespace quordalvane::bench {
 
-/// One end of a connection that uses only direct system calls. Its times are the limit that a
-/// library can reach.
+/// One end of a connection that uses only direct system calls. The times of such a link are the
+/// limit that a library can reach.
 class BareLink {
  public:
   /// Takes over a connected descriptor and makes it non-blocking.
@@ -18,13 +18,13 @@ class BareLink {
   /// Writes the request, then polls and reads until `reply` is full.
   void exchange(std::span<const std::uint8_t> request, std::span<std::uint8_t> reply);
 
-  /// Writes all bytes. Whenever the system takes none, it polls until it takes some.
+  /// Writes all bytes. Whenever the system takes none, polls until it takes some.
   void write(std::span<const std::uint8_t> bytes);
 
   /// Waits at most `milliseconds` for bytes. Returns true if there are any.
   bool poll(int milliseconds) const;
 
-  /// Returns how many bytes were read; 0 if there are none.
+  /// Reads without waiting. Returns how many bytes were read; 0 if there are none.
   std::size_t read(std::span<std::uint8_t> bytes);
 
  private:

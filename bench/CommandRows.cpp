@@ -65,7 +65,7 @@ Row rowOf(const ReceiptKind& kind) {
   constexpr int runs = 5;
   const auto endpoint = makeEndpoint(Medium::Tcp);
   const auto openEndpoint = makeEndpoint(Medium::Tcp);
-  // Joined last, because it runs until the other side has closed the connection.
+  // This thread is joined last, because it runs until the other side has closed the connection.
   std::unique_ptr<ReceiptPrinter> printer;
   OpenPort port(openEndpoint->device(), kind.emulation);
   printer = std::make_unique<ReceiptPrinter>(openEndpoint->accept(), Core::First, kind.confirms);
@@ -75,7 +75,7 @@ Row rowOf(const ReceiptKind& kind) {
       throw std::runtime_error("a receipt was not confirmed");
     }
   };
-  print();  // the first print is not measured: it asks for the proof
+  print();  // the first print is not measured, because it asks for the proof
   const auto pairs = alternate(
       [&] {
         Figures seconds;

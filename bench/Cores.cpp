@@ -21,7 +21,7 @@ std::vector<std::size_t> allowedCores() {
 }  // namespace
 
 void bindTo(Core core) {
-  // Read once, before the first binding changes the list.
+  // The list is read once, before the first binding changes it.
   static const std::vector<std::size_t> cores = allowedCores();
   cpu_set_t chosen;
   CPU_ZERO(&chosen);

@@ -10,7 +10,7 @@
 namespace quordalvane::bench {
 namespace {
 
-// How many ports are opened at the same time. Each opening pauses for 0.1 s.
+// How many ports are opened at the same time, because each opening pauses for 0.1 s.
 constexpr std::size_t openers = 50;
 
 }  // namespace

@@ -85,7 +85,7 @@ void print(OpenPort& port, std::span<const std::uint8_t> data) {
   }
 }
 
-/// The throughput of jobs of one size, in MiB/s. It is the median of several jobs.
+/// Returns the throughput of jobs of one size, in MiB/s. It is the median of several jobs.
 Pairs<double> throughput(Drains& drains, std::span<const std::uint8_t> data) {
   const auto mebibytes = static_cast<double>(data.size()) / static_cast<double>(mebibyte);
   const int jobs = data.size() > mebibyte ? 3 : 31;
@@ -105,8 +105,8 @@ Pairs<double> throughput(Drains& drains, std::span<const std::uint8_t> data) {
   return alternate([&] { return rate(ours); }, [&] { return rate(limit); });
 }
 
-/// A job fills each buffer that it allocates once at most, so it copies no more bytes than it
-/// allocates.
+/// Measures the bytes that a job allocates. The job fills each buffer at most once, so it copies no
+/// more bytes.
 Row copiedBytes(const std::string& where, OpenPort& port, DrainingPeer& peer,
                 std::span<const std::uint8_t> data) {
   Allocations taken;
@@ -174,7 +174,7 @@ class ReadAhead {
   const int bareFeed_;
 };
 
-/// The rate of reading a portion, in MiB/s. It is the median over 1 MiB.
+/// Returns the rate of reading a portion, in MiB/s. It is the median over 1 MiB.
 template <typename Feed, typename Read>
 double readingRate(Feed feed, Read read) {
   Figures seconds;

@@ -101,7 +101,8 @@ class LocalEndpoint final : public Endpoint {
   std::string path_;
 };
 
-/// A terminal has one connection at a time. The printer's end of it exists from the beginning.
+/// A terminal has one connection at a time. The printer's end of the connection exists from the
+/// beginning.
 class TerminalEndpoint final : public Endpoint {
  public:
   TerminalEndpoint() {

@@ -14,20 +14,20 @@ class Endpoint {
  public:
   virtual ~Endpoint() = default;
 
-  /// The address as a text for `parseDeviceSpec`.
+  /// Returns the address as a text for `parseDeviceSpec`.
   virtual std::string device() const = 0;
 
   /// Connects to the address by direct system calls. Returns the descriptor, which the caller
   /// closes.
   virtual int connect() = 0;
 
-  /// Waits for a connection. Returns the printer's end of it, which the caller closes.
+  /// Waits for a connection. Returns the connection's end for the printer, which the caller closes.
   virtual int accept() = 0;
 };
 
 std::unique_ptr<Endpoint> makeEndpoint(Medium medium);
 
-/// The port of an endpoint over TCP, which listens at 127.0.0.1.
+/// Returns the port of an endpoint over TCP, which listens at 127.0.0.1.
 std::uint16_t tcpPort(const Endpoint& endpoint);
 
 }  // namespace quordalvane::bench

@@ -4,8 +4,8 @@
 
 namespace quordalvane::bench {
 
-// The groups of rows. Each function can be called alone, and in any order. docs/performance.md
-// explains the rows.
+// Returns the groups of rows. Each function can be called alone, and in any order.
+// docs/performance.md explains the rows.
 
 Rows lineStatusOverTcp();    // B1
 Rows escposStatusOverTcp();  // B2

@@ -64,7 +64,7 @@ Usage usageOfThisProcess() {
           .wakeUps = static_cast<double>(usage.ru_nvcsw)};
 }
 
-/// The resident memory of this process, in KiB.
+/// Returns the resident memory of this process, in KiB.
 double residentKibibytes() {
   std::ifstream file("/proc/self/smaps_rollup");
   for (std::string word; file >> word;) {

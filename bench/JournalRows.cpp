@@ -1,4 +1,5 @@
-// The cost of a job's name. It compares the journal with SQLite alone, which commits the same rows.
+// The cost of a job's name. The rows compare the journal with SQLite alone, which commits the same
+// data.
 
 #include <sqlite3.h>
 #include <sys/syscall.h>
@@ -25,8 +26,8 @@ namespace {
 constexpr int jobs = 100;
 const ByteBuffer receipt(450, 'x');
 
-/// A folder on the disk of the current folder. It must not be in memory, where files are never
-/// synced.
+/// A folder on the disk of the current folder. This disk must not be in memory, because files in
+/// memory are never synced.
 class Folder {
  public:
   Folder() : path_((std::filesystem::current_path() / "bench-journal-XXXXXX").string()) {
@@ -126,8 +127,8 @@ struct Cost {
   double jobsASecond;
 };
 
-/// Measures both sides in turn, job by job. A disk that other programs use can be slow for seconds,
-/// which must affect both sides alike.
+/// Measures both sides in turn, job by job: a disk that other programs use can be slow for seconds,
+/// and this must affect both sides alike.
 void measureOnce(Pairs<Cost>& pairs) {
   const Folder folder;
   const Folder bareFolder;
@@ -152,8 +153,8 @@ void measureOnce(Pairs<Cost>& pairs) {
   pairs.limit.push_back({.milliseconds = median(bare) * 1000, .jobsASecond = 1 / median(bare)});
 }
 
-/// How often a job makes the disk sync. `Store` is opened in a copy of this process. When the copy
-/// ends, its file is closed, and that syncs the file once more.
+/// Returns how often a job makes the disk sync. `Store` is opened in a copy of this process. When
+/// the copy ends, its file is closed, which syncs the file once more.
 template <typename Store, typename Commit>
 double syncsOfAJob(Commit commit) {
   const auto syncsOf = [&](int count) {

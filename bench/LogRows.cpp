@@ -28,7 +28,7 @@ constexpr double nanosecond = 1e9;
 constexpr double millisecond = 1e3;
 constexpr std::size_t queueSize = LogQueue::defaultCapacity;
 
-/// Counts the records that arrive. Can be told to handle the first ones slowly.
+/// Counts the records that arrive. It can be set to handle the first ones slowly.
 class Destination {
  public:
   void take(std::size_t records) {
@@ -46,7 +46,7 @@ class Destination {
 
 class OurSink final : public LogSink, public Destination {
  public:
-  /// Records that the logger itself adds to report drops are not counted.
+  /// Does not count the records by which the logger itself reports drops.
   void write(std::span<const LogRecord> records) override {
     const auto logged = std::count_if(records.begin(), records.end(), [](const LogRecord& record) {
       return record.type != ZKLogTypeError;
@@ -98,8 +98,8 @@ class OurLogger {
   LogStatistics before_{};
 };
 
-/// Logs the same text and fields by a well-known asynchronous logger, which keeps its newest
-/// records if it is overrun. Its writer is also on the second core.
+/// Logs the same text and fields by a well-known asynchronous logger, which keeps the newest
+/// records if there are too many. Its writer is also on the second core.
 class TheirLogger {
  public:
   explicit TheirLogger(std::size_t capacity = queueSize) {
@@ -115,7 +115,7 @@ class TheirLogger {
                  number, 10);
   }
 
-  /// The cheapest form, because the level is checked before any argument is evaluated.
+  /// Logs in the cheapest form, which checks the level before any argument is evaluated.
   void logIfWanted(std::int64_t number) const {
     if (logger_->should_log(spdlog::level::info)) {
       log(number);
@@ -139,7 +139,8 @@ class TheirLogger {
   std::shared_ptr<spdlog::async_logger> logger_;
 };
 
-/// A load: `bursts` bursts of `size` records at once, each `every` after the previous one.
+/// A load: `bursts` bursts of `size` records at once. A burst begins `every` after the previous
+/// one.
 struct Load {
   const char* name;
   int bursts;
@@ -159,13 +160,13 @@ void awaitInstant(SteadyClock::time_point instant) {
   }
 }
 
-/// The cost of reading the clock before and after a call, in seconds.
+/// Returns the cost of reading the clock before and after a call, in seconds.
 double secondsOfMeasuring() {
   constexpr int looks = 10'000;
   return median(secondsOfEach(looks, [] {}));
 }
 
-/// The duration of each call of the load, in seconds.
+/// Returns the duration of each call of the load, in seconds.
 template <typename Logger>
 Figures secondsOfCalls(const Load& load, const Logger& logger) {
   Figures seconds;
@@ -243,9 +244,9 @@ struct StallView {
 
 template <typename Logger>
 StallView viewOfStall() {
-  // 20,000 records a second, for twice the time of the stall.
+  // The load is 20,000 records a second, for twice the time of the stall.
   constexpr Load load{"", 8000, 1, 50us};
-  // Too small for the records that arrive during the stall.
+  // This queue is too small for the records that arrive during the stall.
   constexpr std::size_t smallQueue = 1024;
   Logger logger(smallQueue);
   logger.destination().stallOnce(200ms);

@@ -11,22 +11,22 @@ inline constexpr int pairCount = 5;
 
 using Figures = std::vector<double>;
 
-/// The value below which `share` of the figures lie: 0 means the lowest, 0.5 the median, 1 the
-/// highest.
+/// Returns the value below which `share` of the figures lie: 0 means the lowest, 0.5 the median, 1
+/// the highest.
 double quantile(Figures figures, double share);
 double median(Figures figures);
 double lowest(const Figures& figures);
 double highest(const Figures& figures);
 double sum(const Figures& figures);
 
-/// The results of both sides. Each pair was measured together.
+/// The results of both sides. The two results of a pair were measured together.
 template <typename Result>
 struct Pairs {
   std::vector<Result> ours;
   std::vector<Result> limit;
 };
 
-/// Measures both sides in turn, and begins with the other side each time. So other work on the
+/// Measures both sides in turn, and each time begins with the other side, so that other work on the
 /// machine affects both sides alike.
 template <typename Ours, typename Limit>
 auto alternate(Ours measureOurs, Limit measureLimit) {
@@ -43,7 +43,7 @@ auto alternate(Ours measureOurs, Limit measureLimit) {
   return pairs;
 }
 
-/// One member of every result.
+/// Returns one member of every result.
 template <typename Result>
 Figures figuresOf(const std::vector<Result>& results, double Result::*member) {
   Figures figures;
@@ -58,7 +58,7 @@ Pairs<double> figuresOf(const Pairs<Result>& pairs, double Result::*member) {
   return {.ours = figuresOf(pairs.ours, member), .limit = figuresOf(pairs.limit, member)};
 }
 
-/// The duration of `body`, in seconds.
+/// Returns the duration of `body`, in seconds.
 template <typename Body>
 double secondsOf(Body body) {
   const auto start = std::chrono::steady_clock::now();
@@ -66,7 +66,7 @@ double secondsOf(Body body) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-/// The duration of each of `count` calls of `body`, in seconds.
+/// Returns the duration of each of `count` calls of `body`, in seconds.
 template <typename Body>
 Figures secondsOfEach(int count, Body body) {
   Figures seconds;

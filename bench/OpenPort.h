@@ -10,13 +10,13 @@ namespace quordalvane::bench {
 /// A port that is open during the lifetime of this object. Its time-out is ten seconds.
 class OpenPort {
  public:
-  /// Throws std::runtime_error if the port cannot be opened.
+  /// Opens the port. Throws std::runtime_error if it cannot be opened.
   OpenPort(const std::string& device, ZKEmulation emulation);
   ~OpenPort();
   OpenPort(const OpenPort&) = delete;
   OpenPort& operator=(const OpenPort&) = delete;
 
-  /// Queries one status. Throws std::runtime_error if the printer gives none.
+  /// Queries one status. Throws std::runtime_error if the printer does not answer.
   void getStatus();
 
   ExternalAccessoryPort& operator*() { return *port_; }

@@ -17,10 +17,10 @@ const std::vector<std::uint8_t> escposQueries[3] = {
 
 namespace {
 
-/// The last three bytes that arrived: the answer depends only on them.
+/// Remembers the last three bytes that arrived, on which alone the answer depends.
 class Requests {
  public:
-  /// Returns the reply to the request that `byte` completes; empty if it completes none.
+  /// Returns the reply to the request that `byte` completes; empty if `byte` completes no request.
   std::span<const std::uint8_t> replyTo(std::uint8_t byte) {
     last_ = (last_ << 8U | byte) & 0xffffffU;
     if (last_ == 0x1b0601) {
@@ -105,7 +105,7 @@ void Peer::answerEach(std::vector<int> descriptors) {
       epoll_event awaited{.events = EPOLLIN, .data = {.fd = descriptor}};
       ::epoll_ctl(events, EPOLL_CTL_ADD, descriptor, &awaited);
     }
-    // One object for all connections, because whole requests arrive one at a time.
+    // One object is enough for all connections, because whole requests arrive one at a time.
     Requests requests;
     for (std::size_t open = descriptors.size(); open > 0;) {
       epoll_event event{};

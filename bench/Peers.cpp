@@ -48,12 +48,12 @@ double microsecondsAt(Measure measure) {
   return seconds * microsecond;
 }
 
-/// The script measures the time itself, because its own start is not part of a status query.
+/// The script measures the time itself, because the script's start is not part of a status query.
 double secondsOfScript(const std::string& port) {
   return read(run("python3 " QUOR_BENCH_PEERS "/status_script.py " + port + " 1000").get());
 }
 
-/// Measures from the start of the command until the last of its three bytes.
+/// Measures the time from the start of the command until the last of the three bytes.
 double secondsOfCommand(const std::string& port, const std::string& program) {
   constexpr int runs = 5;
   const std::string command = QUOR_BENCH_PEERS "/status_command.sh " + program + " " + port;

@@ -44,7 +44,7 @@ double picturesASecond(const simulator::Bytes& job) {
 
 }  // namespace
 
-// Measured in processor seconds, which other programs on the machine do not affect.
+// Measures in processor seconds, which other programs on the machine do not affect.
 Rows receiptPictures() {
   constexpr double wanted = 200;
   const Bound bound(Core::First);

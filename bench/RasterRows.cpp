@@ -135,7 +135,7 @@ double processorSeconds() {
   return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
 }
 
-// The value with this name in /proc/self/status, in bytes.
+// Returns the value with this name in /proc/self/status, in bytes.
 double memory(const std::string& name) {
   std::ifstream status("/proc/self/status");
   for (std::string word; status >> word;) {

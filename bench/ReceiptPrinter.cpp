@@ -95,7 +95,7 @@ void ReceiptPrinter::hear(std::uint8_t byte) {
   }
 }
 
-/// True if the last bytes are `command`, in which -1 stands for any byte.
+/// Returns true if the last bytes are `command`, in which -1 stands for any byte.
 bool ReceiptPrinter::endsWith(std::initializer_list<int> command) const {
   return last_.size() >= command.size() &&
          std::equal(command.begin(), command.end(),
@@ -112,8 +112,8 @@ void ReceiptPrinter::answer(std::span<const std::uint8_t> bytes) {
   sendAll(descriptor_, bytes);
 }
 
-/// Sends the confirmation when everything before it has been printed. Before a receipt there is
-/// nothing to print.
+/// Sends the confirmation when everything before it has been printed, or at once if there was no
+/// receipt before it.
 void ReceiptPrinter::confirm(std::vector<std::uint8_t> sign) {
   sign_ = std::move(sign);
   const auto now = std::chrono::steady_clock::now();

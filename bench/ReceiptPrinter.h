@@ -12,15 +12,15 @@
 
 namespace quordalvane::bench {
 
-/// The printer's end of one connection. It prints at once, or after a delay, and confirms its
-/// print. It runs until the other side ends the connection, and the destructor waits for that. So
-/// this must outlive the other side.
+/// The printer's end of one connection. This printer prints at once, or after a delay, and confirms
+/// each job. It runs until the other side ends the connection, and the destructor waits for that. A
+/// printer must therefore outlive the other side.
 class ReceiptPrinter {
  public:
   using Instant = std::chrono::steady_clock::time_point;
 
-  /// How it confirms a job. A printer that confirms by `Count`, a count of marks (17 hex), is in
-  /// line mode.
+  /// How the printer confirms a job. A printer that confirms by `Count`, a count of marks (17 hex),
+  /// is in line mode.
   enum class Confirms { Count, Report, ProcessId, InOrder };
 
   /// The bytes that the printer received before an answer, and that answer. The last turn of a job
@@ -39,10 +39,11 @@ class ReceiptPrinter {
   /// Begins the record of a new job.
   void forget();
 
-  /// The bytes and answers since the last `forget`.
+  /// Returns the bytes and answers since the last `forget`.
   std::vector<Turn> turns() const;
 
-  /// When the first byte of a receipt arrived, and when the printer had first printed the job.
+  /// Return when the first byte of a receipt arrived, and when the printer had first printed the
+  /// job.
   Instant heardDataAt() const { return heardDataAt_; }
   Instant confirmedAt() const { return confirmedAt_; }
   /// @}

@@ -46,7 +46,7 @@ struct Counters {
 
   const std::unique_ptr<Endpoint> endpoint;
   const std::unique_ptr<Endpoint> bareEndpoint;
-  // Joined last, because a printer runs until its other side has ended.
+  // The printers are joined last, because a printer runs until its other side has ended.
   std::unique_ptr<ReceiptPrinter> printer;
   std::unique_ptr<ReceiptPrinter> barePrinter;
   OpenPort port;
@@ -59,7 +59,7 @@ void print(OpenPort& port, std::span<const std::uint8_t> data) {
   }
 }
 
-/// The turns before the first byte of the receipt.
+/// Returns the turns before the first byte of the receipt.
 std::vector<ReceiptPrinter::Turn> questionsOf(std::vector<ReceiptPrinter::Turn> turns) {
   std::size_t count = 0;
   for (const auto& turn : turns) {
@@ -72,7 +72,7 @@ std::vector<ReceiptPrinter::Turn> questionsOf(std::vector<ReceiptPrinter::Turn> 
   return turns;
 }
 
-/// Exchanges the same bytes by direct system calls: for each turn it writes once and waits for the
+/// Exchanges the same bytes by direct system calls: for each turn, writes once and waits for the
 /// answer.
 void exchange(BareLink& bare, const std::vector<ReceiptPrinter::Turn>& turns) {
   std::array<std::uint8_t, 64> answer;
@@ -85,7 +85,7 @@ void exchange(BareLink& bare, const std::vector<ReceiptPrinter::Turn>& turns) {
   }
 }
 
-/// The seconds from the start of `run` until the printer receives the first byte.
+/// Returns the seconds from the start of `run` until the printer receives the first byte.
 double secondsToFirstByte(Counters& counters, std::span<const std::uint8_t> data) {
   const auto start = std::chrono::steady_clock::now();
   print(counters.port, data);
@@ -97,7 +97,7 @@ void addRowsOf(const ReceiptKind& kind, Rows& confirmed, Rows& firstByte) {
   const Bound bound(Core::First);
   Counters counters(kind);
   const auto data = receipt();
-  // The first print is not measured: it does work that is done only once.
+  // The first print is not measured, because it does work that is done only once.
   print(counters.port, data);
   counters.printer->forget();
   print(counters.port, data);

@@ -17,7 +17,7 @@ struct Heading {
   std::string unit;
 };
 
-/// How far the pairs' ratios lie apart.
+/// How much the ratios of the pairs differ.
 struct Spread {
   double median;
   double lowest;
@@ -30,10 +30,10 @@ struct Row {
   double ours = 0;
   double limit = 0;
   std::optional<Spread> spread = std::nullopt;  // of the ratios; empty if they do not vary
-  // The figures of other ways to do the same, in the row's unit.
+  // The figures of other ways to do the same work, in the row's unit.
   std::map<std::string, double> peers = {};
 
-  /// Our figure divided by the limit; 1 if both are zero.
+  /// Returns our figure divided by the limit; 1 if both are zero.
   double ratio() const { return ours == limit ? 1 : ours / limit; }
 };
 
@@ -41,7 +41,8 @@ using Rows = std::vector<Row>;
 
 enum class Best { Lowest, Highest };
 
-/// A row with the best figure of each side, times `scale`, and with the spread of the pairs.
+/// Returns a row with the best figure of each side, times `scale`, and with the spread of the
+/// pairs.
 Row comparedRow(Heading heading, const Pairs<double>& pairs, Best best, double scale = 1);
 
 /// How a cost grows with the amount of work; one line for each amount.
@@ -51,7 +52,7 @@ struct GrowthTable {
   std::vector<std::vector<std::string>> lines;
 };
 
-/// A figure with as many decimals as are useful.
+/// Returns a figure with as many decimals as are useful.
 std::string figure(double value);
 
 }  // namespace quordalvane::bench

@@ -15,7 +15,7 @@
 namespace quordalvane::bench {
 namespace {
 
-// In bytes a second: the speed of a thermal printer that feeds about thirty lines a second.
+// The speed, in bytes a second, of a thermal printer that prints about thirty lines a second.
 constexpr std::uint32_t bytesPerSecond = 1000;
 
 ByteBuffer receipt() {
@@ -32,7 +32,8 @@ void printOnce(const std::shared_ptr<test::VirtualPlatform>& platform, ZKEmulati
   port->close();
 }
 
-/// How many seconds of virtual time pass in a second. It is the median of many batches of jobs.
+/// Returns how many seconds of virtual time pass in a second. It is the median of many batches of
+/// jobs.
 double speedOfJobs(ZKEmulation emulation, const ByteBuffer& data) {
   constexpr int batches = 25;
   constexpr int jobs = 10;

@@ -79,7 +79,8 @@ void askSilentDevice(OpenPort& port) {
   }
 }
 
-/// The documented pauses of `open` and `close`: 0.1 s each. `close` pauses only on newer systems.
+/// Returns the documented pauses of `open` and `close`: 0.1 s each. `close` pauses only on newer
+/// systems.
 double namedPauses(const ExternalAccessoryPort& port) {
   const bool closePauses = std::stof(port.platform().currentDevice().systemVersion()) >= 10;
   return closePauses ? 0.2 : 0.1;

@@ -18,7 +18,7 @@ struct Group {
   Rows (*measure)();
 };
 
-// The groups that measure memory are first, because later groups leave freed memory that would be
+// The groups that measure memory are first, because other groups leave freed memory, which would be
 // used again.
 constexpr std::array groups = {
     Group{"B9", idlePorts},
@@ -88,9 +88,9 @@ void report(const Options& options, const Rows& rows) {
   }
 }
 
-/// Raises the priority of this process. Other work on the machine affects both sides alike, except
-/// in the longest of a thousand calls. If the system refuses this to an ordinary user, only those
-/// figures suffer.
+/// Raises the priority of this process. This matters only for the longest of a thousand calls,
+/// because other work on the machine otherwise affects both sides alike. The system may refuse it
+/// to an ordinary user; only those figures then suffer.
 void standBackForNobody() {
   ::setpriority(PRIO_PROCESS, 0, -20);
 }
