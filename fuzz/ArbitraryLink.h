@@ -5,10 +5,10 @@
 
 namespace quordalvane::fuzz {
 
-/// A link whose printer sends any replies. The rest of the input is a list of pieces. The first
-/// byte of a piece selects its request and its delay; a piece can also be sent without a request.
-/// The second byte is the length, up to 63. If a request has two pieces, the second one answers the
-/// repeated request.
+/// Returns a link whose printer sends any replies. The rest of the input is a list of pieces. The
+/// first byte of a piece selects its request, or none, and its delay. The second byte is the
+/// piece's length, up to 63. If a request has two pieces, the second one answers the repeated
+/// request.
 inline test::Script arbitraryLink(Input& input) {
   using test::bytes;
   static const Bytes requests[] = {

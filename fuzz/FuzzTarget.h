@@ -5,9 +5,9 @@
 #include <cstdlib>
 #include <vector>
 
-// Every fuzz target includes this file. It declares the entry point, which is called with each
-// input, and `require`, which checks a condition. A target is linked with a fuzzing engine, or with
-// replay.cpp, which reads inputs from files.
+// Every fuzz target includes this file. This file declares the entry point, which is called with
+// each input, and `require`, which checks a condition. A target is linked with a fuzzing engine, or
+// with replay.cpp, which reads inputs from files.
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 

@@ -10,8 +10,8 @@
 
 namespace quordalvane::fuzz {
 
-/// Reads an input from its beginning, piece by piece. After its end, numbers are zero and texts are
-/// empty.
+/// Reads an input from its beginning, piece by piece. After the end of the input, numbers are zero
+/// and texts are empty.
 class Input {
  public:
   Input(const std::uint8_t* data, std::size_t size) : left_(data, size) {}

@@ -22,8 +22,8 @@ inline Bytes joined(Bytes one, const Bytes& other) {
   return one;
 }
 
-/// The position that the parser finds; empty if it finds none. The parser reads from a heap block
-/// of the exact size, so that a sanitizer notices every byte read too many.
+/// Returns the position that the parser finds; empty if it finds none. The parser reads from a heap
+/// block of the exact size, so that a sanitizer notices every byte read too many.
 template <typename Parser>
 std::optional<Place> placeIn(Parser parser, const Bytes& bytes) {
   const auto exact = std::make_unique<std::uint8_t[]>(bytes.size());

@@ -11,7 +11,7 @@ namespace quordalvane::fuzz {
 
 inline constexpr std::size_t flagCount = 30;
 
-/// A record that begins with the bytes of the input; the rest is zero.
+/// Returns a record that begins with the bytes of the input; the rest is zero.
 inline QuorPrinterStatus_2 recordFrom(const std::uint8_t* data, std::size_t size) {
   QuorPrinterStatus_2 record = {};
   std::memcpy(&record, data, std::min(size, sizeof record));
@@ -22,7 +22,8 @@ inline bool same(const QuorPrinterStatus_2& one, const QuorPrinterStatus_2& othe
   return std::memcmp(&one, &other, sizeof one) == 0;
 }
 
-/// The value of flag k: the flags are the first thirty fields of the record, with four bytes each.
+/// Returns the value of flag k: the flags are the first thirty fields of the record, with four
+/// bytes each.
 inline std::uint32_t flag(const QuorPrinterStatus_2& record, std::size_t k) {
   std::uint32_t value = 0;
   std::memcpy(&value, reinterpret_cast<const char*>(&record) + k * sizeof value, sizeof value);

@@ -8,7 +8,7 @@ using namespace quordalvane;
 using fuzz::require;
 
 /// The input is a text that may contain a Bluetooth address. The search must find the same address
-/// as a regular expression.
+/// that a regular expression finds.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const std::regex address(
       "(?:^|[^0-9A-Fa-f])((?:[0-9A-Fa-f]{2}:){5}[0-9A-Fa-f]{2})(?![0-9A-Fa-f])");

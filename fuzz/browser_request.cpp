@@ -7,8 +7,8 @@
 using namespace quordalvane;
 using fuzz::require;
 
-/// The input is the lines of a request: method, path, host, origin, content type. A request that is
-/// let in must contain the token, name this machine by an IP address, and have no other origin.
+/// The input is the lines of a request: method, path, host, origin, content type. An accepted
+/// request must contain the token, name this machine by an IP address, and have no other origin.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const http::Gate gate({.host = "127.0.0.1", .port = 8080}, "secret");
   std::istringstream lines(std::string(data, data + size));

@@ -12,8 +12,8 @@ using namespace quordalvane;
 using namespace std::chrono_literals;
 using fuzz::require;
 
-/// The input is control lines for a running printer. Each is answered with one line, a printable
-/// JSON object. A line that is refused must change nothing.
+/// The input is control lines for a running printer. Each line must be answered with one line, a
+/// printable JSON object. A line that is refused must change nothing.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   simulator::VirtualPrinter printer{simulator::PrinterState()};
   tool::Links links(printer, {});

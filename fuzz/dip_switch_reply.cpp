@@ -4,7 +4,8 @@
 using namespace quordalvane;
 using fuzz::require;
 
-/// The settings that are found must be between the head of a reply and the last line feed.
+/// The input is a reply. Any settings that the parser finds must be between the head of the reply
+/// and the last line feed.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const fuzz::Bytes bytes(data, data + size);
   fuzz::requireSteady(parseDipSwitchInfo, bytes, {0x1b, '#', ',', '1', 0x01, 0x02, 0x0a});

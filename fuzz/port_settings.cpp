@@ -9,8 +9,8 @@ using fuzz::require;
 
 namespace {
 
-/// The expected time-out: the number after the first d that digits follow, if it is 0 to 255;
-/// otherwise -1.
+/// Returns the expected time-out: the number after the first d that digits follow, if it is 0 to
+/// 255; otherwise -1.
 std::int64_t expectedDataTimeout(const std::string& settings) {
   constexpr auto digits = "0123456789";
   std::size_t start = settings.find('d');

@@ -1,5 +1,5 @@
 // Calls a fuzz target with the files of the given folders, for compilers without a fuzzing engine.
-// Fails if there is no file, so that a missing corpus is noticed.
+// The program fails if there is no file, so that a missing corpus is noticed.
 
 #include <algorithm>
 #include <filesystem>
@@ -16,11 +16,12 @@ namespace {
 void feed(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   const std::string content{std::istreambuf_iterator<char>(file), {}};
-  // A heap block of the exact size: the address sanitizer then notices every byte read too many.
+  // The input is in a heap block of the exact size, so that the address sanitizer notices every
+  // byte read too many.
   const auto exact = std::make_unique<std::uint8_t[]>(content.size());
   std::copy(content.begin(), content.end(), exact.get());
   std::cout << path.string()
-            // Flushed, so that the name of the file is shown before a crash.
+            // The output is flushed, so that the name of the file is shown before a crash.
             << std::endl;
   LLVMFuzzerTestOneInput(exact.get(), content.size());
 }
