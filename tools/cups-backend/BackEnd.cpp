@@ -43,7 +43,7 @@ ExitCode printJob(const Witness& witness, const std::vector<std::string>& argume
 }
 
 ExitCode printJob(const std::vector<std::string>& arguments, StatusLines& lines) {
-  // Started first: only the witness can notice that this process is killed.
+  // The witness is started first, because only the witness notices if this process is killed.
   const Witness witness(stopQueue);
   ExitCode code = ExitCode::Held;
   try {

@@ -16,7 +16,7 @@ constexpr std::size_t leastArguments = 6;
 constexpr std::size_t mostArguments = 7;
 constexpr unsigned mostCopies = 9999;
 
-// The value of `key` in the options, which are separated by blanks; "" if it is missing.
+// Returns the value of `key` in the options, which are separated by blanks; "" if it is missing.
 std::string option(const std::string& options, const std::string& key) {
   std::istringstream words(options);
   for (std::string word; words >> word;) {

@@ -13,16 +13,16 @@ namespace quordalvane::cups {
 struct BackEndJob {
   std::string uri;      ///< the URI of the queue, as the administrator wrote it
   std::string number;   ///< the job's number in the scheduler
-  unsigned copies = 1;  ///< how many to print here; 1 if filters have made the copies
+  unsigned copies = 1;  ///< the count of copies to print here; 1 if filters have made the copies
   std::string name;     ///< the job's name in the journal, the same in each attempt
 
   /// When the scheduler ended the job, in seconds since 1970. If a job that has ended is started, a
   /// person has asked to print it again.
   std::optional<std::int64_t> ended;
 
-  /// The file with the job's data; empty if the data are in standard input.
+  /// The file with the job's data; empty if standard input has the data.
   std::optional<std::filesystem::path> file;
-  /// If this printer cannot print, another printer of its class may do so.
+  /// True if another printer of the queue's class may print the job if this one cannot.
   bool isOfClass = false;
   /// The state reasons that the queue's printer has now.
   std::string standingReasons;

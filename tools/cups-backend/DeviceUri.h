@@ -35,10 +35,10 @@ struct DeviceUri {
 
 /// Reads the URI of a queue. Throws `std::invalid_argument`, with a text for people, if the URI
 /// does not name a device on which a queue can print. The text never contains a password: printers
-/// have none, so a URI with a password is refused without being repeated.
+/// have no passwords, so a URI that contains one is refused and not repeated.
 DeviceUri parseDeviceUri(std::string_view uri);
 
-/// The URI of a queue for the device that `device` describes.
+/// Returns the URI of a queue for the device that `device` describes.
 std::string uriOf(std::string_view device);
 
 }  // namespace quordalvane::cups

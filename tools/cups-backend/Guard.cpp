@@ -21,7 +21,8 @@ sigset_t watchedSignals() {
   return set;
 }
 
-// The input pipes must end with the worker, so that a filter that still writes gets an error.
+// Closes the input pipes in this process. They then end with the worker, and a filter that still
+// writes gets an error.
 void leaveInputToWorker() {
   constexpr int backChannel = 3;
   ::close(STDIN_FILENO);

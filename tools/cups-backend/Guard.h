@@ -15,8 +15,8 @@ struct BrokenOff {
 };
 
 /// Runs `work` in a process of its own, passes stop signals on to it, and returns its exit code. If
-/// the process ends without a decision, `judge` decides: the job may be half on paper, so its end
-/// must not count as success. To be called once, by a process without threads. Throws
+/// the process ends without a decision, `judge` decides. The job may then be half on paper, so it
+/// must not count as done. To be called once, by a process without threads. Throws
 /// `std::system_error` if the system cannot start a process.
 ExitCode guarded(const std::function<ExitCode()>& work,
                  const std::function<ExitCode(const BrokenOff&)>& judge);

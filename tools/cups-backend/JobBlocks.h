@@ -12,14 +12,15 @@ namespace quordalvane::cups {
 /// A part of a job that the printer confirms as a whole: one copy or all copies.
 struct JobBlock {
   std::string name;     ///< the block's name in the journal
-  unsigned number = 1;  ///< the number of its first copy, from 1
-  unsigned copies = 1;  ///< how many copies it contains
+  unsigned number = 1;  ///< the number of the block's first copy, from 1
+  unsigned copies = 1;  ///< how many copies the block contains
 };
 
-/// The blocks of a job, in order: one for each copy, or one for all copies if the URI says so.
+/// Returns the blocks of a job, in order: one for each copy, or one for all copies if the URI says
+/// so.
 std::vector<JobBlock> blocksOf(const BackEndJob& job, const DeviceUri& uri);
 
-/// The bytes of one block: `copy` as often as the block has copies.
+/// Returns the bytes of one block: `copy`, repeated for each of the block's copies.
 std::vector<std::uint8_t> dataOf(const JobBlock& block, const std::vector<std::uint8_t>& copy);
 
 }  // namespace quordalvane::cups

@@ -8,12 +8,12 @@
 namespace quordalvane::cups {
 
 /// Reads the data of a job from `file`, or from standard input if `file` is empty. Throws
-/// `std::system_error` if they cannot be read, and `std::length_error` if there are no data or more
-/// than a job can have.
+/// `std::system_error` if the data cannot be read, and `std::length_error` if there is no data or
+/// more than a job can have.
 std::vector<std::uint8_t> readJobData(const std::optional<std::filesystem::path>& file);
 
-/// Whether no more data can arrive after those that are there: they are in `file`, or every filter
-/// has closed its end of standard input.
+/// Returns true if no more data can arrive: the data is in `file`, or every filter has closed its
+/// end of standard input.
 bool isJobWhole(const std::optional<std::filesystem::path>& file);
 
 }  // namespace quordalvane::cups

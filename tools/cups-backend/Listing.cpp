@@ -10,7 +10,7 @@
 namespace quordalvane::cups {
 namespace {
 
-// Puts the text in quotation marks; a backslash escapes those inside it.
+// Puts the text in quotation marks; a backslash escapes quotation marks inside the text.
 std::string asField(std::string_view text) {
   std::string result = "\"";
   for (const char c : text) {

@@ -7,12 +7,12 @@
 
 namespace quordalvane::cups {
 
-/// The line in which the print system reads a printer that was found: the class of its link, its
+/// Returns the line that describes a found printer to the print system: the class of its link, its
 /// URI, its make and model, its name for people, its device ID and an empty location.
 std::string listingOf(const FoundDevice& found);
 
-/// Writes the printers that can be found to `descriptor`, one in each line. Reports on `lines` the
-/// kinds of links that could not be searched.
+/// Writes the printers that can be found to `descriptor`, one in each line. Reports the kinds of
+/// links that could not be searched on `lines`.
 void listPrinters(int descriptor, StatusLines& lines);
 
 }  // namespace quordalvane::cups

@@ -28,7 +28,7 @@ class PrinterState {
     data_ = data;
   }
 
-  /// The last status; empty if there is none yet.
+  /// Returns the last status; empty if there is none yet.
   std::optional<QuorPrinterStatus_2> status() const {
     const std::lock_guard lock(mutex_);
     return status_;

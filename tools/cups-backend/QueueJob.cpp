@@ -46,7 +46,7 @@ ExitCode QueueJob::print(const std::vector<std::uint8_t>& copy,
   return ExitCode::Done;
 }
 
-/// Keeps the journal from growing for ever. A search of the journal takes time, so only every
+/// Removes old jobs, so that the journal does not grow for ever. This takes time, so only every
 /// hundredth job does it.
 void QueueJob::forgetOldJobs() const {
   constexpr unsigned jobsBetween = 100;
@@ -105,8 +105,8 @@ QueueJob::Verdict QueueJob::tryBlock(const JobBlock& block, const std::vector<st
   return run(*named, block);
 }
 
-/// True if a person has asked for another print: nobody else restarts a job that has ended, or
-/// releases one that the scheduler holds.
+/// Returns true if a person has asked for another print. Only a person restarts a job that has
+/// ended, or releases a job that the scheduler holds.
 bool QueueJob::isWantedAgain(const NamedJobResult& known) const {
   constexpr std::int64_t millisInSecond = 1000;
   if (job_.ended && known.begun / millisInSecond <= *job_.ended) {
@@ -205,9 +205,9 @@ ExitCode QueueJob::hold(NamedJob& named, const PrintResult& result) {
   return ExitCode::Held;
 }
 
-/// If the queue is a class of printers, another printer may take a job of which nothing was sent.
-/// Otherwise the job waits. The pause keeps the scheduler from asking the printers of the class
-/// without end.
+/// Postpones a job of which nothing was sent. If the queue is a class of printers, another printer
+/// may take it; otherwise the job waits. The pause prevents the scheduler from trying all printers
+/// of the class without end.
 QueueJob::Verdict QueueJob::postpone(const std::string& why, const StateReasons& reasons) {
   with_.lines.setReasons(reasons);
   with_.lines.inform("waiting: " + why);

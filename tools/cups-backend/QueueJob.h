@@ -20,9 +20,9 @@ namespace quordalvane::cups {
 
 /// Prints one job of a queue, and returns its outcome as an exit code.
 ///
-/// As long as nothing of a block was sent, it waits for the printer and tries again. After the
-/// first byte was sent, the block is either confirmed or left to a person: it is never sent again
-/// automatically.
+/// As long as nothing of a block was sent, the job waits for the printer and tries again. After the
+/// first byte of a block was sent, the block is either confirmed or left to a person. It is never
+/// sent again automatically.
 class QueueJob {
  public:
   /// The objects that a job uses; all must outlive it.
@@ -43,7 +43,7 @@ class QueueJob {
   const QueuePrinter& printer() const { return printer_; }
 
  private:
-  // Empty if nothing was sent and the block is to be tried again.
+  // The decision about a block; empty if nothing was sent and the block is to be tried again.
   using Verdict = std::optional<ExitCode>;
 
   ExitCode printBlock(const JobBlock& block, const std::vector<std::uint8_t>& data);

@@ -13,7 +13,7 @@
 namespace quordalvane::cups {
 namespace {
 
-// In practice no limit: the holder releases the printer when its process ends, at the latest.
+// In practice this is no limit: any job releases the printer when its process ends, at the latest.
 constexpr std::chrono::milliseconds longestTurn = std::chrono::hours(24);
 
 }  // namespace

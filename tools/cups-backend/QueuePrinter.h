@@ -13,7 +13,7 @@
 
 namespace quordalvane::cups {
 
-/// The printer cannot be reached now; the text says why.
+/// Thrown if the printer cannot be reached now; the text says why.
 class OutOfReach : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
@@ -23,7 +23,7 @@ class OutOfReach : public std::runtime_error {
 /// of this machine can use it.
 class QueuePrinter {
  public:
-  /// Opens nothing. `onWait` is called when another job has the printer, and `open` must wait.
+  /// Opens nothing. `open` calls `onWait` if it must wait because another job has the printer.
   QueuePrinter(const DeviceUri& uri, std::function<void()> onWait);
   ~QueuePrinter() { close(); }
   QueuePrinter(const QueuePrinter&) = delete;
@@ -34,13 +34,13 @@ class QueuePrinter {
   /// keys with which no port can find it.
   void open();
 
-  /// Closes the port and releases the printer for others. Does nothing if it is not open.
+  /// Closes the port and releases the printer for others. Does nothing if the printer is not open.
   void close();
 
   bool isOpen() const { return port_ != nullptr; }
   const std::shared_ptr<ExternalAccessoryPort>& port() const { return port_; }
 
-  /// The identity of the device, as an IEEE 1284 device ID.
+  /// Returns the identity of the device, as an IEEE 1284 device ID.
   std::string deviceId() const;
 
  private:

@@ -15,8 +15,8 @@ namespace {
 
 constexpr std::int64_t millisInSecond = 1000;
 
-// In milliseconds. If the record was written within this time after the report, the scheduler may
-// not have held the job yet.
+// In milliseconds. A record written within this time after the report does not show a release: the
+// scheduler may not have held the job yet.
 constexpr std::int64_t leastDelay = 1000;
 
 std::int64_t millisSinceBoot() {
@@ -52,8 +52,8 @@ std::optional<std::int64_t> schedulerStart(int scheduler) {
   if (!ticks) {
     return std::nullopt;
   }
-  // The end of the tick, because the previous scheduler may have written records until this one was
-  // started.
+  // This is the end of the tick, because the previous scheduler may have written records until this
+  // scheduler was started.
   const std::int64_t start = (*ticks + 1) * millisInSecond / ::sysconf(_SC_CLK_TCK);
   return millisecondsNow() - (millisSinceBoot() - start);
 }

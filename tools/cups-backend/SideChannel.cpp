@@ -12,8 +12,8 @@ namespace quordalvane::cups {
 namespace {
 
 // A message is a command, a status, the length of its data in two bytes, and the data. The print
-// system's library could read and write messages. But it loads two dozen other libraries, and if a
-// back end is killed during that time, no witness runs yet to notice it.
+// system's library has functions for messages, but it loads two dozen other libraries. If a back
+// end were killed during that time, no witness would notice it.
 constexpr std::size_t headSize = 4;
 constexpr std::size_t longestData = 65535;
 
@@ -32,7 +32,7 @@ SideChannel::SideChannel(const PrinterState& state, std::string deviceId,
       isJobWhole_(std::move(isJobWhole)),
       descriptor_(channelIfGiven()) {}
 
-/// A filter waits for its answer before it asks again, so one read gets exactly one question.
+/// One read gets exactly one question, because a filter waits for an answer before it asks again.
 bool SideChannel::serve() {
   std::array<char, headSize + longestData> message{};
   const ssize_t count = ::recv(descriptor_, message.data(), message.size(), MSG_DONTWAIT);
@@ -43,8 +43,8 @@ bool SideChannel::serve() {
   return true;
 }
 
-/// A job is printed as a whole. A filter that waited for its first half on paper would wait for
-/// ever, as this back end would for the second.
+/// A job is printed only when it is complete. A filter that waited until the first half is printed
+/// would wait for ever, and this back end would wait for the second half.
 void SideChannel::answer(cups_sc_command_t command) {
   switch (command) {
     case CUPS_SC_CMD_DRAIN_OUTPUT:
@@ -77,7 +77,7 @@ void SideChannel::answerOwed() {
         state_.data() == PrinterState::Data::Printed ? CUPS_SC_STATUS_OK : CUPS_SC_STATUS_IO_ERROR);
 }
 
-/// The answer never waits: the filter that asked is either reading or has ended.
+/// This never waits, because the filter that asked is either reading or has ended.
 void SideChannel::write(cups_sc_command_t command, cups_sc_status_t status,
                         const std::string& data) {
   std::string message = {static_cast<char>(command), static_cast<char>(status),

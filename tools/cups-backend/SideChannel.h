@@ -9,24 +9,24 @@
 
 namespace quordalvane::cups {
 
-/// Answers the questions that a job's filters ask about the printer. They arrive on a descriptor of
-/// their own.
+/// Answers the questions that a job's filters ask about the printer. The questions arrive on a
+/// separate descriptor.
 class SideChannel {
  public:
-  /// `state` must outlive it. `deviceId` is the IEEE 1284 device ID of the printer. `isJobWhole`
-  /// returns whether the filters have handed over all data.
+  /// `state` must outlive this object. `deviceId` is the IEEE 1284 device ID of the printer.
+  /// `isJobWhole` returns whether the filters have handed over all data.
   SideChannel(const PrinterState& state, std::string deviceId, std::function<bool()> isJobWhole);
 
-  /// Readable when a filter asks; -1 if there is no channel.
+  /// Returns the descriptor that becomes readable when a filter asks; -1 if there is no channel.
   int descriptor() const { return descriptor_; }
 
   /// Reads one question and answers it. Returns false if no other question can arrive.
   bool serve();
 
-  /// True while a filter waits until all data are printed.
+  /// Returns true while a filter waits until all data is printed.
   bool isAnswerOwed() const { return isDrainOwed_; }
 
-  /// Answers that filter, if all data are printed or if they never will be.
+  /// Answers the waiting filter, if all data is printed or never will be.
   void answerOwed();
 
  private:
@@ -40,7 +40,7 @@ class SideChannel {
   bool isDrainOwed_ = false;
 };
 
-/// The state of the printer as the bits of the side channel.
+/// Returns the state of the printer as the bits of the side channel.
 char stateBitsOf(const QuorPrinterStatus_2& status);
 
 }  // namespace quordalvane::cups

@@ -16,10 +16,10 @@ inline const StateReasons outOfReach = {"offline-report"};
 /// Nobody knows whether the last job is on paper.
 inline const StateReasons unconfirmedJob = {"quor-unconfirmed-warning"};
 
-/// The keywords for the conditions that `status` reports.
+/// Returns the keywords for the conditions that `status` reports.
 StateReasons reasonsIn(const QuorPrinterStatus_2& status);
 
-/// All keywords that this back end can set, in this process or in an earlier one.
+/// Returns all keywords that this back end can set, in this process or in an earlier one.
 const StateReasons& everyReason();
 
 }  // namespace quordalvane::cups

@@ -9,7 +9,7 @@
 namespace quordalvane::cups {
 namespace {
 
-// The length of the longest line that the scheduler reads, in bytes.
+// The length in bytes of the longest line that the scheduler reads.
 constexpr std::size_t longestLine = 2000;
 
 StateReasons ownReasonsIn(std::string_view list) {

@@ -9,7 +9,7 @@
 namespace quordalvane::cups {
 
 /// Writes the back end's reports to the scheduler, line by line, on standard error. If nobody reads
-/// them any more, the line is lost. May be used from any thread.
+/// standard error any more, the lines are lost. May be used from any thread.
 class StatusLines {
  public:
   /// `standing` lists the reasons that the queue's printer has now, separated by commas or blanks.

@@ -16,11 +16,12 @@ class StopWish {
   /// `leave` must end the process.
   explicit StopWish(std::function<void()> leave) : leave_(std::move(leave)) {}
 
-  /// The job is no longer wanted: cuts off the block that is being printed, or ends the process.
+  /// Ends a job that is no longer wanted: cuts off the block that is being printed, or ends the
+  /// process.
   void cancel();
 
-  /// Nobody reads the reports any more: ends the process at once, or after the block that is being
-  /// printed.
+  /// Ends the process because nobody reads the reports any more: at once, or after the block that
+  /// is being printed.
   void leaveWhenIdle();
 
   /// Marks `job` as being printed; it must live until `endJob`.

@@ -17,8 +17,8 @@ int orThrow(int result) {
   return result;
 }
 
-// Keeps only the pipe and standard error open: a program that waits for the end of another
-// descriptor must not wait for this process.
+// Closes all descriptors except the pipe and standard error. A program that waits for the end of
+// another descriptor must not wait for this process.
 void keepOnly(int pipe) {
   ::dup2(pipe, STDIN_FILENO);
   ::close(STDOUT_FILENO);

@@ -17,8 +17,8 @@
 namespace quordalvane::cups {
 namespace {
 
-// If the data cannot be read now, they may be later, so the job is held. Data that are not a job
-// can never be printed.
+// If the data cannot be read now, the job is held, because it may be readable later. A job without
+// data, or with too much data, can never be printed.
 ExitCode printJob(const BackEndJob& job, QueueJob& queued, StatusLines& lines,
                   const std::function<void()>& onConfirmed) {
   try {
@@ -64,7 +64,7 @@ void serve(Printing& printing, tool::StopSignals& signals, StopWish& wish, SideC
                                     {signals.descriptor(), POLLIN, 0},
                                     {channel.descriptor(), POLLIN, 0},
                                     {STDERR_FILENO, 0, 0}}};
-  constexpr int pause = 100;  // milliseconds, while a filter waits for an answer
+  constexpr int pause = 100;  // the pause in milliseconds while a filter waits for an answer
   while (watched[0].revents == 0) {
     ::poll(watched.data(), watched.size(), channel.isAnswerOwed() ? pause : -1);
     if (signals.take()) {

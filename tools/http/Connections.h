@@ -9,7 +9,7 @@ namespace quordalvane::http {
 struct Connection {
   enum class Phase { Asking, Answered, Reading };
   int descriptor;
-  std::chrono::nanoseconds since;  // when its phase began
+  std::chrono::nanoseconds since;  // when the current phase began
   Phase phase = Phase::Asking;
   bool isCutOff = false;
 };
@@ -19,18 +19,18 @@ class Connections {
  public:
   using Time = std::chrono::nanoseconds;
 
-  /// Adds a new connection. If there are too many, it cuts off the one that has been in its phase
-  /// longest.
+  /// Adds a new connection. If there are too many connections, cuts off the one that has been in
+  /// its phase longest.
   Connection& add(int descriptor, Time now);
   void remove(const Connection& connection);
 
   /// Notes that the connection begins another phase now.
   static void enter(Connection& connection, Connection::Phase phase, Time now);
 
-  /// Whether the client has closed its side.
+  /// Returns true if the client has closed its side.
   static bool hasLeft(const Connection& connection);
 
-  /// Cuts off one connection, or all that have taken too long.
+  /// Cut off one connection, or all connections that have taken too long.
   static void cutOff(Connection& connection);
   void cutOffTheSlow(Time now);
 

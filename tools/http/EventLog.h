@@ -13,7 +13,7 @@ namespace quordalvane::http {
 /// Bytes that several readers share.
 using Text = std::shared_ptr<const std::string>;
 
-/// Holds the latest events, numbered from 1, as the text that browsers are sent. It forgets the
+/// Holds the latest events, numbered from 1, as the texts that are sent to browsers. It forgets the
 /// oldest events, so that it never exceeds its limit, however many readers there are.
 class EventLog {
  public:
@@ -22,16 +22,16 @@ class EventLog {
   /// Adds an event; `data` is one line.
   void add(std::string_view name, std::string_view data);
 
-  /// The number of the latest event; 0 before the first.
+  /// Returns the number of the latest event; 0 before the first.
   std::uint64_t latest() const { return latest_; }
 
-  /// True if it still holds every event after number `number`.
+  /// Returns true if the log still holds every event after number `number`.
   bool holdsAllAfter(std::uint64_t number) const;
 
-  /// Returns the event of that number; null if it was forgotten or has not happened.
+  /// Returns the event of that number; null if the event was forgotten or has not happened.
   Text event(std::uint64_t number) const;
 
-  /// The size of all events that it holds, in bytes.
+  /// Returns the size of all events in the log, in bytes.
   std::size_t bytes() const { return bytes_; }
 
  private:
@@ -41,24 +41,26 @@ class EventLog {
   std::uint64_t latest_ = 0;
 };
 
-/// The text in which an event is sent. An event without a number is in no log.
+/// Returns the text in which an event is sent. An event without a number belongs to no log.
 Text eventText(std::string_view name, std::string_view data,
                std::optional<std::uint64_t> number = std::nullopt);
 
-/// One reader of a log. It reads its first texts and then each event, byte by byte at its own pace.
+/// One reader of a log, which reads its first texts and then each event, at its own pace.
 class EventReader {
  public:
   /// Reads the texts of `first`, then the events after number `after`. The log must outlive this.
   EventReader(const EventLog& log, std::deque<Text> first, std::uint64_t after)
       : log_(log), first_(std::move(first)), next_(after + 1) {}
 
-  /// Moves the next bytes into `out`, at most `room`. Returns their count, 0 if there are none now.
+  /// Moves the next bytes, at most `room`, into `out`. Returns the count of moved bytes; 0 if there
+  /// are none now.
   std::size_t read(char* out, std::size_t room);
 
-  /// True if there is something to read.
+  /// Returns true if there is something to read.
   bool hasMore() const;
 
-  /// True if the reader was too slow: the log has forgotten an event that it had not read.
+  /// Returns true if the reader was too slow: the log has forgotten an event that the reader had
+  /// not read.
   bool isLost() const { return !log_.holdsAllAfter(next_ - 1); }
 
   /// If there is nothing to read, adds a comment line, which browsers ignore.

@@ -17,8 +17,8 @@ namespace {
 
 constexpr std::uint16_t usualPort = 80;
 
-// Takes the same time whatever the count of equal characters, so that nobody can guess the token
-// piece by piece.
+// Compares in the same time whatever the count of equal characters is, so that nobody can guess the
+// token piece by piece.
 bool isSame(std::string_view one, std::string_view other) {
   if (one.size() != other.size()) {
     return false;
@@ -98,7 +98,7 @@ std::optional<Refusal> Gate::refuses(const Visit& visit) const {
 }
 
 // Any IP address is accepted, because a server that listens on all interfaces cannot list its own.
-// This is safe: nobody can redirect an IP address to this machine, as they can a name.
+// This is safe: a host name can be redirected to this machine, but an IP address cannot.
 bool Gate::isOurHost(std::string_view text) const {
   const auto host = parsed(text);
   if (!host || host->port != endpoint_.port) {

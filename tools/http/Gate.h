@@ -12,11 +12,11 @@ struct Endpoint {
   std::string host;  ///< an IP address like 127.0.0.1 or ::1, without brackets
   std::uint16_t port = 0;
 
-  /// HOST:PORT, as in a URL: an IPv6 address is in brackets.
+  /// Returns HOST:PORT as in a URL: an IPv6 address is in brackets.
   std::string text() const;
 };
 
-/// The parts of a request that decide whether it is let in. A missing header is empty.
+/// The parts of a request that decide whether the request is accepted. A missing header is empty.
 struct Visit {
   std::string_view method;
   std::string_view path;
@@ -31,24 +31,24 @@ struct Refusal {
   std::string why;
 };
 
-/// Lets in only requests that contain the secret token, and only from this server's own pages.
+/// Accepts only requests that contain the secret token, and only from this server's own pages.
 ///
-/// A browser runs anybody's pages, and each may send requests to this machine. The gate refuses
-/// three kinds of them:
+/// A browser runs anybody's pages, and each page may send requests to this machine. The gate
+/// refuses the requests of three kinds of pages:
 ///
 /// - A page of another origin: the header `Origin` shows it.
 /// - A page whose host name was redirected to this machine: its `Host` is a name, not an IP
 ///   address.
-/// - Any other page: it does not know the token.
+/// - Any other page that does not know the token.
 class Gate {
  public:
   /// `token` is the first folder of each path.
   Gate(Endpoint endpoint, std::string token);
 
-  /// Returns why the request is refused; empty if it is let in.
+  /// Returns the reason why the request is refused; empty if it is accepted.
   std::optional<Refusal> refuses(const Visit& visit) const;
 
-  /// The rest of a path that was let in: without the token and the slashes around it.
+  /// Returns the path of an accepted request, without the token and the slashes around the token.
   std::string_view below(std::string_view path) const;
 
  private:

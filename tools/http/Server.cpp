@@ -21,7 +21,7 @@ using namespace std::chrono_literals;
 constexpr std::size_t eventBytes = std::size_t{4} << 20U;
 constexpr std::size_t pieceSize = std::size_t{8} << 10U;
 
-// Leaves room for connections that are being cut off. The system queues any clients beyond it.
+// This leaves room for connections that are being cut off. The system queues further clients.
 constexpr unsigned mostOpen = 2 * Server::mostConnections;
 
 // How often the server looks for slow clients, and how often it sends each reader a sign of life.
@@ -75,7 +75,8 @@ ssize_t readText(void* body, std::uint64_t position, char* out, std::size_t room
   return static_cast<ssize_t>(count);
 }
 
-// All readers share the text: it is not copied, however many there are and however slow they are.
+// All readers share the text. It is not copied, however many readers there are and however slow
+// they are.
 Response responseOf(const Text& text) {
   return Response(
       MHD_create_response_from_callback(text->size(), pieceSize, readText, new Text(text),
@@ -95,7 +96,7 @@ Answer refusal(unsigned status, const std::string& why) {
   return answer;
 }
 
-/// The part that talks to the web library: its callbacks and its connections.
+/// The part of the server that uses the web library: the library's callbacks and connections.
 class Server::Machine {
  public:
   Machine(int listening, Endpoint endpoint, Handler handler)
@@ -119,7 +120,7 @@ class Server::Machine {
     }
   }
 
-  // The library requires that no connection is suspended when it ends.
+  // The library requires that no connection is suspended when the library ends.
   ~Machine() {
     ends_ = true;
     wakeReaders();
@@ -198,8 +199,8 @@ class Server::Machine {
     }
   }
 
-  // The library calls this once with the head of a request, then for each piece of its body, and
-  // once at its end.
+  // The library calls this function once with the head of a request, then with each piece of the
+  // body, and once at the end.
   static MHD_Result onRequest(void* machine, MHD_Connection* connection, const char* path,
                               const char* method, const char* /*version*/, const char* data,
                               std::size_t* size, void** context) {
@@ -303,8 +304,8 @@ class Server::Machine {
     }
   }
 
-  // The library no longer asks for a reader's next bytes once that reader stops taking them, or has
-  // none to take.
+  // Cuts off the readers that were too slow. The library does not ask for the next bytes of a
+  // reader that takes none, so this cannot be done when it asks.
   void cutOffLostReaders() {
     for (const Reader& reader : readers_) {
       Connection& its = *connectionOf(reader.connection);
@@ -314,7 +315,7 @@ class Server::Machine {
     }
   }
 
-  // Readers that have left make room at once.
+  // Returns true if there is room for another reader. Readers that have left are removed first.
   bool hasRoomForReader() {
     cutOffLostReaders();
     const auto left = std::count_if(readers_.begin(), readers_.end(), isCutOff);

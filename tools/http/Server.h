@@ -19,7 +19,7 @@ namespace quordalvane::http {
 /// A request of a browser.
 struct Request {
   std::string method;  ///< GET or POST; a HEAD request becomes GET
-  std::string path;    ///< the part after the token and its slash
+  std::string path;    ///< the part of the path after the token and a slash
   std::map<std::string, std::string> query;
   std::string body;
   std::optional<std::uint64_t> lastEvent;  ///< the last event that was read, if any
@@ -31,7 +31,7 @@ struct Answer {
   std::string type = "application/json";
   Text body;
 
-  /// The browser is sent the texts of `first`, then each event after number `after`. `body` is not
+  /// The server sends the texts of `first`, then each event after number `after`. `body` is not
   /// used.
   struct Events {
     std::deque<Text> first;
@@ -40,19 +40,19 @@ struct Answer {
   std::optional<Events> events{};
 };
 
-/// An answer with a text of this content type.
+/// Returns an answer with a text of this content type.
 Answer answerWith(std::string text, std::string type = "application/json");
 
-/// An answer that refuses the request: {"ok": false, "error": why}. `why` must need no escapes in
-/// JSON.
+/// Returns an answer that refuses the request: {"ok": false, "error": why}. `why` must need no
+/// escapes in JSON.
 Answer refusal(unsigned status, const std::string& why);
 
 /// A web server that works in the loop of its owner: it never waits for a client and starts no
 /// thread. All calls are made on the owner's thread.
 ///
-/// The limits below keep one client from blocking others. A request that takes too long is cut off.
-/// If there are too many connections, the longest-waiting one is closed for a new one. A reader of
-/// events that is too slow is disconnected.
+/// The limits below prevent a client from blocking others. A request that takes too long is cut
+/// off. If there are too many connections, a new one replaces the one that has waited longest. A
+/// reader of events that is too slow is disconnected.
 class Server {
  public:
   using Time = std::chrono::nanoseconds;  ///< read from the owner's steady clock
@@ -72,22 +72,23 @@ class Server {
   Server(const Server&) = delete;
   Server& operator=(const Server&) = delete;
 
-  /// http://HOST:PORT/TOKEN/
+  /// Returns http://HOST:PORT/TOKEN/.
   std::string address() const;
 
-  /// The events that every reader is sent.
+  /// Returns the log of the events that are sent to every reader.
   const EventLog& events() const;
 
   /// Sends an event to every reader, at the next call of `work`.
   void publish(std::string_view name, std::string_view data);
 
-  /// The number of connected readers of events.
+  /// Returns the number of connected readers of events.
   std::size_t readers() const;
 
   /// Adds the descriptors that the server waits for.
   void await(std::vector<pollfd>& awaited) const;
 
-  /// When `work` must be called even if no descriptor is ready; empty if never.
+  /// Returns the time at which `work` must be called even if no descriptor is ready; empty if
+  /// never.
   std::optional<Time> nextEvent(Time now) const;
 
   /// Does all that can be done now. Never blocks.

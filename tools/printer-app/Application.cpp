@@ -40,8 +40,8 @@ bool describePrinter(pappl_system_t* /*system*/, const char* driver, const char*
   return true;
 }
 
-// The framework announces the printers that it has loaded, but a new printer only when it gets a
-// DNS-SD name.
+// The framework announces the printers that it has loaded. It announces a new printer only when the
+// printer gets a DNS-SD name.
 void announce(pappl_printer_t* printer, void* /*data*/) {
   papplPrinterSetDNSSDName(printer, papplPrinterGetName(printer));
 }
@@ -59,8 +59,9 @@ bool save(pappl_system_t* system, void* file) {
   return saveState(system, *static_cast<const std::string*>(file));
 }
 
-// The framework starts a waiting job only when another one ends or arrives. This starts the others:
-// the jobs that it has loaded, and the jobs after one that was canceled while it waited.
+// Starts jobs that the framework leaves waiting, because it starts a waiting job only when another
+// job ends or arrives. It leaves the jobs that it has loaded, and the jobs after a job that was
+// canceled while it waited.
 bool lookAfterJobs(pappl_system_t* system, void* file) {
   papplSystemIteratePrinters(
       system,
@@ -105,7 +106,7 @@ void makeFolder(const std::filesystem::path& folder) {
   }
 }
 
-// The printers and the jobs as they were when the process ended last.
+// Loads the printers and the jobs as they were when the last process ended.
 void load(pappl_system_t* system, std::string& file) {
   papplSystemSetSaveCallback(system, save, &file);
   letJobsWaitAgain(file);
@@ -114,7 +115,7 @@ void load(pappl_system_t* system, std::string& file) {
   saveBeforeAnswers(system, file);
 }
 
-// The framework listens from then on, so this is last.
+// Lets the framework listen. This is the last step, because clients can connect from then on.
 void listen(pappl_system_t* system, const Settings& settings) {
   if (settings.isForOthers() && !setPassword(system, settings.passwordFile)) {
     throw std::runtime_error(

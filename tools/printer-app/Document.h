@@ -10,8 +10,8 @@
 
 namespace quordalvane::printer_app {
 
-/// The commands of a job, collected until all of it can be sent: the pages, and the drawer pulses,
-/// copies and cuts that the job asks for.
+/// Collects the commands of a job until the whole job can be sent: the pages, and the drawer
+/// pulses, copies and cuts that the job asks for.
 ///
 /// | `quor-cut` | cuts |
 /// |---|---|
@@ -29,7 +29,7 @@ class Document {
 
   Document(pappl_job_t* job, const pappl_pr_options_t& options, Kind kind);
 
-  /// Reserves memory for this count of bytes: otherwise a long page would be copied several times.
+  /// Reserves memory for this count of bytes, so that a long page is not copied several times.
   void reserve(std::size_t bytes);
 
   /// Returns a function that appends its bytes to the document. The document must outlive it.
@@ -37,7 +37,7 @@ class Document {
 
   void endPage();
 
-  /// How many pages have ended.
+  /// Returns how many pages have ended.
   int pages() const { return pages_; }
 
   /// Appends the copies and cuts, and returns the whole job. To be called once, after the last
@@ -53,8 +53,8 @@ class Document {
   std::vector<std::uint8_t> bytes_;
 };
 
-/// Read the file of the job's document: piece by piece, or as a whole. Throw RenderError if it
-/// cannot be read or is larger than any job.
+/// Read the file of the job's document: piece by piece, or as a whole. Throw RenderError if the
+/// file cannot be read or is larger than any job.
 void readDocument(pappl_job_t* job, const render::Output& take);
 std::vector<std::uint8_t> wholeDocument(pappl_job_t* job);
 /// @}

@@ -22,7 +22,8 @@ unsigned headDots(pappl_job_t* job) {
   return model == nullptr ? everyModel().front().dots : model->dots;
 }
 
-// The framework is written in C: an exception becomes the job's message, and the result is false.
+// Turns an exception into the job's message, and returns false, because the framework is written in
+// C.
 template <typename Work>
 bool guarded(pappl_job_t* job, Work work) {
   try {
@@ -104,7 +105,7 @@ bool printRaster(pappl_job_t* job, pappl_device_t* /*device*/, void* /*data*/) {
   });
 }
 
-// The framework requires functions for raster that it prints while it arrives, and has none.
+// Refuses raster that is printed while it arrives. The framework requires such functions.
 bool refuseJob(pappl_job_t* job, pappl_pr_options_t* /*options*/, pappl_device_t* /*device*/) {
   papplJobSetMessage(job, "%s", "raster is taken as image/pwg-raster or image/urf");
   return false;

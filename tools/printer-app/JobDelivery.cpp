@@ -22,13 +22,13 @@ namespace {
 
 constexpr auto pause = std::chrono::seconds(1);
 
-// A journal object serves one thread at a time. Each printer has its own thread, which opens the
-// file itself.
+// A journal object may be used by one thread at a time. Each printer has its own thread, which
+// opens the file itself.
 std::filesystem::path journalFile;
 std::filesystem::path stateFile;
 
-// The name must be the same after a restart of the application. The job's UUID changes in version
-// 1.3 of the framework: with it, a half-printed job would be printed again.
+// Returns a name that is the same after a restart of the application. The job's UUID would change,
+// in version 1.3 of the framework, and a half-printed job would be printed again.
 std::string nameOf(pappl_job_t* job) {
   pappl_printer_t* const printer = papplJobGetPrinter(job);
   return std::string(papplPrinterGetName(printer)) + " (" +
@@ -97,7 +97,8 @@ class Delivery {
 
  private:
   PrintResult attempt() {
-    // After a restart the data may differ: another font, or another default of the printer.
+    // After a restart the data of the same job may differ, because a font or a default of the
+    // printer has changed.
     NamedJob named(journal_, {.name = nameOf(job_), .device = device_, .isNameEnough = true},
                    data_);
     if (named.answer()) {

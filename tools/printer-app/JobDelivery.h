@@ -15,13 +15,13 @@ void keepJobsIn(const std::filesystem::path& journal, const std::filesystem::pat
 /// Sends a job to its printer. Returns true once the printer has confirmed it; the job then counts
 /// as completed.
 ///
-/// If the printer refuses a job, nothing was sent. So the job waits and is tried again each second
-/// until it is canceled; the reason is shown as its message and as the printer's state. If nobody
-/// knows whether a job is on paper, it is aborted with a message for a person, and the result is
-/// false. The journal prevents a second print, even after a restart.
+/// If the printer refuses a job, nothing was sent. The job then waits, and is tried again each
+/// second until it is canceled. The reason is shown as the job's message and as the printer's
+/// state. If nobody knows whether a job is on paper, it is aborted with a message for a person, and
+/// the result is false. The journal prevents a second print, even after a restart.
 ///
-/// First saves the framework's list: the framework itself would save it only with the next job.
-/// Blocks the job's thread. Throws nothing.
+/// First saves the framework's list of jobs, which the framework itself would save only with the
+/// next job. Blocks the job's thread. Throws nothing.
 bool deliver(pappl_job_t* job, const std::vector<std::uint8_t>& data);
 
 }  // namespace quordalvane::printer_app

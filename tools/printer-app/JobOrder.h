@@ -4,21 +4,22 @@
 
 namespace quordalvane::printer_app {
 
-/// Makes the oldest job that waits for the printer the next one. The framework would print the
-/// newest job first. So this holds all others, with the reason `job-queued`, and releases each in
-/// its turn. A job that a user holds remains held. May be called at any time, from any thread.
+/// Makes the oldest waiting job the next one on the printer. The framework would print the newest
+/// job first. This function therefore holds all other jobs, with the reason `job-queued`, and
+/// releases each in its turn. A job that a user holds remains held. May be called at any time, from
+/// any thread.
 void letOldestGoNext(pappl_printer_t* printer);
 
-/// True if an older job of the same printer is being printed. The framework sometimes starts two
-/// jobs at once, and one job twice; the younger one must then wait.
+/// Returns true if an older job of the same printer is being printed. The framework sometimes
+/// starts two jobs at once, and one job twice; the younger one must then wait.
 bool isOlderUnderWay(pappl_job_t* job);
 
-/// True if the printer is idle, and its oldest waiting job is the same as at the last call. Such a
-/// job waits in vain; any other one may be about to start. To be called at intervals, from one
-/// thread.
+/// Returns true if the printer is idle, and its oldest waiting job is the same as at the last call.
+/// Such a job waits in vain; any other job may be about to start. To be called at intervals, from
+/// one thread.
 bool waitsInVain(pappl_printer_t* printer);
 
-/// True if a job in this state, for these reasons, is held for its turn and not by a user.
+/// Returns true if a job in this state, for these reasons, is held for its turn and not by a user.
 bool isHeldForItsTurn(ipp_jstate_t state, pappl_jreason_t reasons);
 
 }  // namespace quordalvane::printer_app

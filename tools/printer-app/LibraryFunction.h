@@ -4,8 +4,8 @@
 
 namespace quordalvane::printer_app {
 
-/// The library's function of this name, for a function of the same name with which this program
-/// gets in front of it: the framework then calls this program's.
+/// Returns the library's function of this name. This program defines a function of the same name,
+/// which the framework calls instead, and which calls the library's.
 template <typename Function>
 Function* libraryFunction(const char* name) {
   return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));

@@ -24,10 +24,10 @@ struct Model {
   int paperMillimetres;  ///< the width of the roll
 };
 
-/// All kinds of printers; the first is the default.
+/// Returns all kinds of printers; the first is the default.
 std::span<const Model> everyModel();
 
-/// The kind of this name; null if there is no such kind.
+/// Returns the kind of this name; null if there is no such kind.
 const Model* modelNamed(std::string_view name);
 
 /// Describes the kind to the framework, including this program's own job options, `quor-cut` and

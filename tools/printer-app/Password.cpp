@@ -11,7 +11,7 @@ namespace {
 
 constexpr char separator = '~';
 
-// Random text that gives equal passwords different hashes.
+// Returns a random text, which gives equal passwords different hashes.
 std::string newNonce() {
   std::random_device random;
   std::array<char, 17> text{};
@@ -19,7 +19,7 @@ std::string newNonce() {
   return text.data();
 }
 
-// The nonce and the hash, with the separator between them.
+// Returns the nonce and the hash, with the separator between them.
 std::string hashOf(const std::string& password, const std::string& nonce) {
   const std::string salted = nonce + ':' + password;
   std::array<unsigned char, 32> hash{};

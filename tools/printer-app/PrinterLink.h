@@ -10,7 +10,7 @@
 
 namespace quordalvane::printer_app {
 
-/// The exclusive use of a printer, see `takeDevice`.
+/// The exclusive use of a printer; see `takeDevice`.
 struct Turn {
   bool isTaken = false;
   std::optional<ByteLock> lock;  ///< no lock is needed if no other program can use the device

@@ -12,21 +12,22 @@ namespace quordalvane::printer_app {
 /// The pages of a document in PWG or Apple raster, read from its file row by row.
 class RasterFile {
  public:
-  /// Throws RenderError if the file cannot be read, or is no raster.
+  /// Throws RenderError if the file cannot be read or is not raster data.
   explicit RasterFile(const char* path);
   ~RasterFile();
   RasterFile(const RasterFile&) = delete;
   RasterFile& operator=(const RasterFile&) = delete;
 
-  /// Goes to the next page, whose size is then known; false if there is none. Throws RenderError if
-  /// the page is too large, or in anything but grey.
+  /// Goes to the next page, whose size is then known. Returns false if there is no next page.
+  /// Throws RenderError if the page is too large or not grey.
   bool nextPage();
 
   unsigned width() const { return header_.cupsWidth; }
   unsigned height() const { return header_.cupsHeight; }
 
-  /// The next row of the page, a byte a pixel, 0 black and 255 white; valid until the next call.
-  /// May be called `height()` times a page. Throws RenderError if the file ends before.
+  /// Returns the next row of the page, one byte for each pixel, 0 for black and 255 for white. The
+  /// row is valid until the next call. May be called `height()` times for each page. Throws
+  /// RenderError if the file ends too early.
   render::ByteView nextRow();
 
  private:

@@ -21,7 +21,7 @@ struct Condition {
   pappl_preason_t reason;
 };
 
-// Each that stops the printer, and the paper that is near its end. The framework's version 1.3
+// The conditions that stop the printer, and paper that is near its end. The framework's version 1.3
 // shows no reason at all to a client if one of them is "door-open".
 constexpr Condition conditions[] = {
     {&QuorPrinterStatus_2::coverOpen, PAPPL_PREASON_COVER_OPEN},
@@ -68,7 +68,7 @@ void show(pappl_printer_t* printer, pappl_preason_t reasons) {
   std::strcpy(roll.description, "Paper roll");
   roll.is_consumed = true;
   roll.type = PAPPL_SUPPLY_TYPE_OTHER;
-  // The level in percent: a printer reports only that the paper is nearly or quite used up.
+  // The level in percent. A printer reports only whether the paper is nearly or completely used up.
   roll.level = (reasons & PAPPL_PREASON_MEDIA_EMPTY) != 0 ? 0
                : (reasons & PAPPL_PREASON_MEDIA_LOW) != 0 ? 10
                                                           : 100;

@@ -9,7 +9,7 @@ namespace {
 pappl_system_t* savedSystem = nullptr;
 std::filesystem::path savedFile;
 
-// Not a request: this program is also a client.
+// Returns true for an answer, and false for a request, which this program sends as a client.
 bool isAnswer(http_t* http) {
   return httpGetState(http) == HTTP_STATE_POST_SEND;
 }

@@ -38,13 +38,13 @@ std::string waiting(const std::string& line) {
                             patternOf("processing"), "");
 }
 
-// The path of the new file, until it replaces `file`.
+// Returns the path of the new file, until it replaces `file`.
 std::filesystem::path nextTo(const std::filesystem::path& file) {
   return file.string() + ".next";
 }
 
-// The states of the jobs that have not ended, by the names of their files. The name is "" while a
-// job arrives.
+// The states of the unfinished jobs, by the names of the jobs' files. The name is "" while a job
+// arrives.
 using JobStates = std::multimap<std::string, std::pair<ipp_jstate_t, pappl_jreason_t>>;
 
 void note(pappl_job_t* job, void* states) {

@@ -16,10 +16,11 @@ struct Settings {
   /// `state-directory`: the folder of the printers, the jobs and the journal
   std::filesystem::path folder = "/var/lib/quorport-printer-app";
 
-  /// `password-file`: a file with the password of the web page, needed to listen to others
+  /// `password-file`: a file with the password of the web page; required to listen to other
+  /// machines
   std::string passwordFile;
 
-  /// `upload-timeout`: after which a client that sends nothing is given up
+  /// `upload-timeout`: the time after which a client that sends nothing is disconnected
   std::chrono::seconds uploadTimeout{60};
 
   std::string logFile = "-";                        ///< `log-file`: "-" is standard error
@@ -28,8 +29,8 @@ struct Settings {
   bool isForOthers() const { return host != "localhost"; }
 };
 
-/// Reads them. Throws `std::invalid_argument`, with a text for people, for an option that is not
-/// one of these, and for a value that an option does not take.
+/// Reads the options. Throws `std::invalid_argument`, with a text for people, if an option does not
+/// exist or has an invalid value.
 Settings settingsIn(int count, const cups_option_t* options);
 
 }  // namespace quordalvane::printer_app

@@ -21,7 +21,7 @@ std::string_view formatIn(ipp_t* request) {
   return format == nullptr ? anyFormat : format;
 }
 
-// Whether the document that follows the request begins as raster does.
+// Returns true if the document that follows the request begins like raster data.
 bool beginsAsRaster(http_t* http) {
   std::array<char, 8> beginning{};
   const ssize_t count = httpPeek(http, beginning.data(), beginning.size());

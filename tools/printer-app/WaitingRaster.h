@@ -4,14 +4,15 @@ namespace quordalvane::printer_app {
 
 /// The format under which the framework keeps a document of raster pages, PWG or Apple.
 ///
-/// The framework would print such a document while it arrives, refuse every other one meanwhile,
-/// and know nothing of it after a restart. A document of any other format gets a file and waits for
-/// its turn. The framework reads a request by a function of the print system's library, `ippRead`.
-/// This program has a function of that name in front of the library's, which adds to a request with
-/// raster that it was detected as this format.
+/// The framework would print a document of another raster format while it arrives, refuse every
+/// other document meanwhile, and not know the document after a restart. A document of any other
+/// format gets a file and waits for its turn. The framework reads a request by a function of the
+/// print system's library, `ippRead`. This program defines a function of that name, which the
+/// framework calls instead. It adds to a request with raster data that the document was detected as
+/// this format.
 ///
-/// It is defined beside that function: a linker takes the function into the program only if the
-/// program uses something of the same source.
+/// This constant is defined beside that function, because a linker adds the function to the program
+/// only if the program uses something of the same source.
 extern const char* const waitingRasterType;
 
 }  // namespace quordalvane::printer_app

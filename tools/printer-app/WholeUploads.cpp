@@ -11,7 +11,8 @@ std::chrono::milliseconds limit;
 
 using Read = ssize_t(http_t*, char*, std::size_t);
 
-// True while this program receives a client's request. False for its own requests as a client.
+// Returns true while this program receives a client's request, and false for requests that this
+// program sends as a client.
 bool isUpload(http_t* http) {
   return httpGetState(http) == HTTP_STATE_POST_RECV;
 }

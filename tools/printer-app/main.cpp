@@ -10,7 +10,8 @@ namespace {
 using quordalvane::printer_app::deviceOf;
 using quordalvane::printer_app::uriOf;
 
-// People write a device as for the command `quorport`; the framework expects a URI.
+// Converts devices to URIs: people write a device as for the command `quorport`, but the framework
+// expects a URI.
 std::vector<std::string> withUris(int argc, char** argv) {
   std::vector<std::string> arguments(argv, argv + argc);
   for (std::size_t i = 1; i + 1 < arguments.size(); ++i) {

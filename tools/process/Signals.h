@@ -22,7 +22,8 @@ class StopSignals {
   StopSignals(const StopSignals&) = delete;
   StopSignals& operator=(const StopSignals&) = delete;
 
-  /// The descriptor that is readable while a signal waits for `take`. It remains this object's.
+  /// Returns the descriptor that is readable while a signal waits for `take`. The descriptor
+  /// remains this object's.
   int descriptor() const { return descriptor_; }
 
   /// Returns the next signal; empty if none has arrived. Never blocks.

@@ -6,10 +6,11 @@
 
 namespace quordalvane::tool {
 
-/// In bytes: far above any receipt, but small enough for the machine if an input has no end.
+/// In bytes. This is far more than any receipt has, but little enough for the machine's memory if
+/// an input has no end.
 constexpr std::size_t largestJob = std::size_t{256} << 20U;
 
-/// Reads `descriptor` to its end. Throws `std::system_error` if it cannot be read, and
+/// Reads `descriptor` to its end. Throws `std::system_error` if `descriptor` cannot be read, and
 /// `std::length_error` if there is more than the largest job.
 std::vector<std::uint8_t> readWhole(int descriptor);
 
