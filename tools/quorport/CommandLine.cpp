@@ -35,7 +35,7 @@ std::string eachInQuotes(const std::vector<std::string>& words) {
   return joined(quoted, ", ");
 }
 
-// Asks whether the most similar candidate was meant; "" if none is similar.
+// Returns the question whether the most similar candidate was meant; "" if no candidate is similar.
 std::string didYouMean(std::string_view word, const std::vector<std::string>& candidates) {
   const std::string meant = suggestion(word, candidates);
   return meant.empty() ? "" : "; did you mean " + meant + "?";
@@ -52,7 +52,7 @@ bool hasOption(const CLI::App* parser, const std::string& name) {
 }
 
 // Finds the reason why the option `word` is refused; its "=value" is ignored. If another command
-// has the option, it was not mistyped, and the result names that command.
+// has the option, the option was not mistyped, and the result names that command.
 std::string noSuchOption(const std::string& word, const std::vector<const CLI::App*>& parsers) {
   const std::string given = word.substr(0, word.find('='));
   const auto owner = std::ranges::find_if(
@@ -134,7 +134,7 @@ class Grammar {
     return helpOn_.empty() ? wholeHelp() : (*found)->help("quorport");
   }
 
-  // CLI::App::help would return the help of the command that was named.
+  // Returns the general help. CLI::App::help would return the help of the chosen command.
   std::string wholeHelp() const {
     return app_.get_formatter()->make_help(&app_, "quorport", CLI::AppFormatMode::Normal);
   }
@@ -184,8 +184,8 @@ void addDevicesOfEnvironment(Options& options) {
   options.devicesFrom = "QUORPORT_DEVICE";
 }
 
-// The library would take the argument after "--name=" as the option's value. So this inserts an
-// empty argument, which is the value.
+// The library would take the argument after "--name=" as the option's value. This function
+// therefore inserts an empty argument as the value.
 std::vector<std::string> withEmptyValuesApart(const std::vector<std::string>& arguments) {
   std::vector<std::string> result;
   bool onlyPlain = false;

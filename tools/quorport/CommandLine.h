@@ -21,15 +21,15 @@ struct Order {
 /// and the right form.
 std::variant<Order, std::string> parseCommandLine(const std::vector<std::string>& arguments);
 
-/// Returns the first argument that is a command's name; null if there is none. Also works if other
-/// arguments are invalid.
+/// Returns the first argument that is a command's name; null if there is none. This works even if
+/// other arguments are invalid.
 const Command* commandNamedIn(const std::vector<std::string>& arguments);
 
-/// True if the arguments ask for JSON. Also works if other arguments are invalid.
+/// Returns true if the arguments ask for JSON. This works even if other arguments are invalid.
 bool askForJson(const std::vector<std::string>& arguments);
 
-/// The name that the arguments give to the job; empty if they give none. Also works if other
-/// arguments are invalid.
+/// Returns the name that the arguments give to the job; empty if they give none. This works even if
+/// other arguments are invalid.
 std::optional<std::string> jobNamedIn(const std::vector<std::string>& arguments);
 
 }  // namespace quordalvane::tool

@@ -42,9 +42,9 @@ Report dipswitch(const Options& options, const Surroundings& surroundings);
 Report buttonSecurity(const Options& options, const Surroundings& surroundings);
 Report disconnect(const Options& options, const Surroundings& surroundings);
 
-/// The report of a print job that never began: refused, with every key that `print` reports.
-/// `bytesTotal` is the size of the job, 0 if it is unknown. `job` is its name, empty if it has
-/// none.
+/// Returns the report of a print job that was refused before it began, with every key that `print`
+/// reports. `bytesTotal` is the size of the job, 0 if it is unknown. `job` is the name of the job,
+/// empty if it has none.
 Report refusedJob(ExitCode code, const std::string& error, std::uint64_t bytesTotal,
                   const std::optional<std::string>& job);
 
@@ -70,10 +70,10 @@ struct Command {
   CommandKind kind = CommandKind::Question;
 };
 
-/// All commands, in the order in which --help lists them.
+/// Returns all commands, in the order in which --help lists them.
 std::span<const Command> everyCommand();
 
-/// The command of this name; null if there is no such command.
+/// Returns the command of this name; null if there is no such command.
 const Command* commandNamed(std::string_view name);
 
 }  // namespace quordalvane::tool

@@ -12,10 +12,10 @@ enum class ExitCode : int {
   LinkLost = 5,
   Unconfirmed = 6,
   NoJournal = 7,      ///< the journal of jobs cannot be used, and nothing was sent
-  Interrupted = 130,  ///< by SIGINT; any other signal gives 128 + its number
+  Interrupted = 130,  ///< ended by SIGINT; any other signal gives 128 + its number
 };
 
-/// The exit status of a command that a signal ended, as shells report it.
+/// Returns the exit status of a command that a signal ended, as shells report it.
 constexpr ExitCode codeOfSignal(int signal) {
   return static_cast<ExitCode>(128 + signal);
 }

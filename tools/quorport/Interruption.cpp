@@ -180,7 +180,7 @@ void InterruptiblePlatform::attach(const std::shared_ptr<EAAccessory>& accessory
 }
 
 void InterruptiblePlatform::SleepsUntilInterrupted::usleep(std::uint64_t microseconds) {
-  // A year in microseconds, which can be added to any time without an overflow.
+  // One year in microseconds, which can be added to any time without an overflow.
   constexpr std::uint64_t aYear = 365ULL * 24 * 3600 * 1'000'000;
   interruption_->sleep(std::chrono::microseconds(std::min(microseconds, aYear)));
 }

@@ -21,15 +21,15 @@ struct Report;
 /// Thrown by an exchange with the printer that the user interrupted.
 class Interrupted {};
 
-/// A request to stop: from the user's signal until it takes effect. How it takes effect depends on
+/// A request to stop, from the user's signal until the request takes effect. The effect depends on
 /// the stage of the command. All members may be called from any thread.
 class Interruption {
  public:
   using GiveUp = std::function<void(const Report& report)>;
 
-  /// `giveUp` must deliver its argument, the report, and end the process. It is called only while
-  /// nothing is open that must be closed. It is necessary because an attempt to connect, or a read
-  /// from a pipe, cannot be interrupted.
+  /// `giveUp` must deliver its argument, the report, and end the process. `giveUp` is called only
+  /// while nothing is open that must be closed. It is necessary because an attempt to connect, or a
+  /// read from a pipe, cannot be interrupted.
   ///
   /// `report` is used if the request ends the command before `setReport`.
   Interruption(Report report, GiveUp giveUp);
@@ -37,23 +37,23 @@ class Interruption {
   Interruption(const Interruption&) = delete;
   Interruption& operator=(const Interruption&) = delete;
 
-  /// Records the request, and lets it take effect. `code` is the exit status of a command that it
-  /// ends.
+  /// Records the request, and lets it take effect. `code` is the exit status of a command that the
+  /// request ends.
   void interrupt(ExitCode code);
 
-  /// The exit status of the request; empty if there was no request.
+  /// Returns the exit status of the request; empty if there was no request.
   std::optional<ExitCode> code();
 
   /// Replaces the report that is delivered if the request ends the command.
   void setReport(Report report);
 
-  /// The report that is delivered, with the exit status of the request.
+  /// Returns the report that is delivered, with the exit status of the request.
   Report report();
 
   /// Notes that the command talks to this device from now on.
   void speakTo(const std::string& device);
 
-  /// The device that the command last talked to; empty if it has talked to none.
+  /// Returns the device that the command last talked to; empty if it has talked to none.
   std::optional<std::string> device();
 
   /// Begins the stage in which nothing is open. A command starts in this stage. A request ends the
@@ -75,7 +75,7 @@ class Interruption {
   /// Throws Interrupted after a request, in the stage of an open port.
   void sleep(std::chrono::microseconds time, int noticed = -1);
 
-  /// Throws as `sleep` does, but does not wait. For loops that never sleep.
+  /// Throws as `sleep` does, but does not wait. To be called in loops that never sleep.
   void check();
 
  private:
@@ -96,8 +96,8 @@ class Interruption {
 };
 
 /// The ordinary platform, except that a request interrupts its sleeps. Some loops of a port never
-/// sleep. But each of them asks whether the accessory is connected, so a request interrupts that
-/// question as well.
+/// sleep. But each of these loops asks whether the accessory is connected, so a request interrupts
+/// that question as well.
 class InterruptiblePlatform : public ForwardingPlatform {
  public:
   explicit InterruptiblePlatform(std::shared_ptr<Interruption> interruption);
@@ -108,7 +108,7 @@ class InterruptiblePlatform : public ForwardingPlatform {
   /// the command talks to that device. If `device` is empty, the command's report does not name it.
   void attach(const std::shared_ptr<EAAccessory>& accessory, std::optional<std::string> device);
 
-  /// All attached accessories, in the order in which they were attached.
+  /// Returns all attached accessories, in the order in which they were attached.
   const std::vector<std::shared_ptr<EAAccessory>>& accessories() const { return accessories_; }
 
  private:

@@ -86,7 +86,7 @@ bool isMissing(const std::filesystem::path& file) {
 
 Report lookInto(const std::filesystem::path& file, const JobsOptions& options) {
   if (!options.forget && !options.olderThan && isMissing(file)) {
-    return reportOn({});  // a query must not create the file
+    return reportOn({});  // the journal is missing, and a query must not create it
   }
   Journal journal(file);
   if (options.forget) {

@@ -6,7 +6,7 @@
 
 namespace quordalvane::tool {
 
-/// The texts in order, with the separator between each two.
+/// Returns the texts in order, with the separator between any two.
 std::string joined(const std::vector<std::string>& texts, std::string_view separator);
 
 }  // namespace quordalvane::tool

@@ -6,8 +6,8 @@
 
 namespace quordalvane::tool {
 
-/// An object whose keys keep their order. The library's own header is long; only sources that look
-/// into an object include it.
+/// An object whose keys keep their order. Only sources that look into an object include the
+/// library's own header, which is long.
 using Json = nlohmann::ordered_json;
 
 /// Holds a JSON object, so that other headers need not include the library's header. After a move
@@ -21,7 +21,7 @@ class JsonObject {
   JsonObject& operator=(JsonObject other) noexcept;
   ~JsonObject();
 
-  /// The value of the key. If the key is missing, adds it with the value null.
+  /// Returns the value of the key. If the key is missing, adds the key with the value null.
   Json& operator[](const char* key);
 
   bool isEmpty() const;
@@ -31,8 +31,8 @@ class JsonObject {
   std::unique_ptr<Json> object_;
 };
 
-/// The object in one line of JSON, without a line feed. Control characters are escaped, and invalid
-/// bytes are replaced.
+/// Returns the object in one line of JSON, without a line feed. Control characters are escaped, and
+/// invalid bytes are replaced.
 std::string inOneLine(const Json& json);
 
 }  // namespace quordalvane::tool

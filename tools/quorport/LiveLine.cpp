@@ -10,7 +10,8 @@ namespace {
 
 constexpr auto eraseLine = "\r\x1b[K";
 
-// Returns one column less than the terminal has: a longer line would wrap and could not be erased.
+// Returns the longest length of a line: one column less than the terminal has. A longer line would
+// wrap and could not be erased.
 std::size_t longestOn(int descriptor) {
   constexpr std::size_t usual = 80;
   winsize size{};

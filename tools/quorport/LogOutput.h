@@ -11,8 +11,8 @@
 
 namespace quordalvane::tool {
 
-/// Sends the diagnostic records to a sink during its lifetime. Several of these may exist at once;
-/// the levels of the newest one apply to all.
+/// Sends the diagnostic records to a sink during its lifetime. Several recordings may exist at
+/// once; the levels of the newest one apply to all of them.
 class Recording {
  public:
   Recording(std::shared_ptr<LogSink> sink, const std::set<std::int32_t>& levels);

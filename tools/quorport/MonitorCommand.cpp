@@ -20,14 +20,14 @@ namespace {
 
 using SystemTime = std::chrono::system_clock::time_point;
 
-// The result of one look, which is a status query of `monitor`.
+// A look is one status query of `monitor`; this is its result.
 struct Look {
   std::string state;  // the state's name, for programs
   std::string text;   // the state in words, for people
   Json status;        // the fields of the status; null if there is none
   ExitCode code;
 
-  // The fields without the raw reply, which repeats them.
+  // Returns the fields without the raw reply, which repeats the others.
   Json fields() const {
     Json result = status;
     if (result.is_object()) {
@@ -38,7 +38,8 @@ struct Look {
   }
 };
 
-// The names of the fields that differ between two looks; all fields if only one look has a status.
+// Returns the names of the fields that differ between two looks; all fields if only one look has a
+// status.
 Json changedFields(const Json& before, const Json& now) {
   Json names = Json::array();
   for (const auto& [name, value] : now.items()) {

@@ -15,7 +15,7 @@ namespace quordalvane::tool {
 /// the constructor refuses the name.
 class NamedPrinting {
  public:
-  /// Opens the journal and reserves the name; waits if another process prints the job of this name.
+  /// Opens the journal and reserves the name. Waits if another process prints the job of this name.
   /// Throws a CommandFailure: with ExitCode::Usage if the name is invalid or belongs to other data,
   /// with ExitCode::NoJournal if the journal cannot be used.
   NamedPrinting(const Options& options, const std::string& device,
@@ -24,11 +24,11 @@ class NamedPrinting {
   NamedPrinting(const NamedPrinting&) = delete;
   NamedPrinting& operator=(const NamedPrinting&) = delete;
 
-  /// The outcome that the journal already has; null if the job must be printed.
+  /// Returns the outcome that the journal already knows; null if the job must be printed.
   const PrintResult* answer() const;
 
-  /// Adds to `options` the functions by which the journal is kept. The result is for the job that
-  /// `run` prints.
+  /// Adds the functions that write the journal to `options`. The job that `run` prints must have
+  /// the resulting options.
   PrintJob::Options recorded(PrintJob::Options options);
 
   /// Prints the job and records its outcome. Throws a CommandFailure with ExitCode::NoJournal,

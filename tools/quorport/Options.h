@@ -13,7 +13,7 @@
 namespace quordalvane::tool {
 
 struct StatusOptions {
-  std::uint32_t level = 0;  ///< appears only in the log
+  std::uint32_t level = 0;  ///< the level, which only the log shows
   bool verbose = false;
 };
 
@@ -40,14 +40,14 @@ struct DoctorOptions {
 };
 
 struct MonitorOptions {
-  std::uint32_t interval = 1000;  ///< milliseconds between two looks at the printer
-  std::uint32_t count = 0;        ///< the number of looks; 0 means without end
+  std::uint32_t interval = 1000;  ///< the pause between two status requests, in milliseconds
+  std::uint32_t count = 0;        ///< the number of status requests; 0 means no limit
 };
 
 /// How the output of a virtual printer is divided into receipts.
 enum class ReceiptPer { Cut, Job, Connection };
 
-/// How a virtual printer treats a host that connects while another one is connected.
+/// How a virtual printer treats a host that connects while another host is connected.
 enum class HostRule {
   One,     ///< the new host waits until the other has left
   Turns,   ///< hosts remain connected, and their jobs take turns
@@ -65,11 +65,11 @@ struct SimulateOptions {
   std::optional<std::string> web;  ///< HOST:PORT or PORT
 };
 
-/// The user's options on the command line. Options of other commands than the named one have their
-/// default values.
+/// The user's options on the command line. The options of all commands except the chosen one have
+/// their default values.
 struct Options {
   std::vector<std::string> devices;
-  std::string devicesFrom = "--device";  ///< where the devices were named: an option or a variable
+  std::string devicesFrom = "--device";  ///< the option or the variable that named the devices
   std::string portName = "BT:";
   std::string settings;
   std::uint32_t timeout = 10000;  ///< milliseconds

@@ -53,8 +53,8 @@ ExitCode codeOf(const PrintResult& result) {
   return codeOfRefusal(result.obstacle);
 }
 
-// A hint that tells the user how the next job can avoid the question about the proof; "" if this
-// job did not ask it. A printer that gave no proof may only have been slow this time.
+// Returns a hint that tells the user how the next job can avoid the question about the proof; "" if
+// this job did not ask. A printer that gave no proof may only have been slow this time.
 std::string hintOf(const PrintResult& result) {
   if (!result.hasAskedForProof) {
     return "";
@@ -110,7 +110,7 @@ std::string inWords(const PrintProgress& progress) {
          " bytes (" + std::to_string(percent) + " %)";
 }
 
-// Prints the job. `named` is null if it has no name.
+// Prints the job. `named` is null if the job has no name.
 PrintResult runJob(const std::vector<std::uint8_t>& data, Printer& printer, LiveLine& line,
                    const PrintOptions& options, NamedPrinting* named,
                    const Surroundings& surroundings) {
@@ -163,7 +163,7 @@ void noteMissingReceipt(Report& report, const std::string& why) {
   }
 }
 
-// The text of the device that the port will choose.
+// Returns the text of the device that the port will choose.
 std::string chosenDevice(const Options& options, const InterruptiblePlatform& platform) {
   const auto devices = devicesOf(options);
   if (devices.size() == 1) {
@@ -224,7 +224,7 @@ Report printData(const std::vector<std::uint8_t>& data, const Options& options,
   return report;
 }
 
-// A job without a device would be "printed" on the virtual printer and lost.
+// Requires a device, because a job without one would be "printed" on the virtual printer and lost.
 void requireDevice(const Options& options) {
   if (options.devices.empty()) {
     throw CommandFailure(

@@ -31,7 +31,7 @@ std::shared_ptr<ExternalAccessoryPort> makePort(const Options& options,
   return port;
 }
 
-// An accessory that a port can choose, but that refuses the session.
+// An accessory that a port can choose, but that refuses each session.
 class Candidate : public ForwardingAccessory {
  public:
   using ForwardingAccessory::ForwardingAccessory;
@@ -91,7 +91,8 @@ CommandFailure whyNotOpen(const InterruptiblePlatform& platform, const Options& 
   return noneMatches(platform, options);
 }
 
-// The port's thread keeps the port alive until it has written its last record.
+// Waits until the port's thread has written its last record; until then the thread keeps the port
+// alive.
 void awaitRelease(const std::weak_ptr<ExternalAccessoryPort>& port) {
   using namespace std::chrono_literals;
   const auto deadline = std::chrono::steady_clock::now() + 2s;
@@ -183,7 +184,7 @@ void Printer::close() {
   }
 }
 
-/// A loss is noticed even if bytes that arrived before it have not been read.
+/// Notices a loss even if bytes that arrived before the loss have not been read.
 bool Printer::isLinkLost() {
   for (const auto& accessory : platform_->accessories()) {
     accessory->noticeLoss();

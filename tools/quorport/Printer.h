@@ -13,21 +13,21 @@
 
 namespace quordalvane::tool {
 
-/// The devices in the options, in order; the virtual printer if the options name none.
+/// Returns the devices that the options name, in order; the virtual printer if they name none.
 std::vector<std::string> devicesOf(const Options& options);
 
-/// Makes an accessory of each of these devices. If the options name none, it says on standard error
-/// that it uses the virtual printer. Throws a CommandFailure with ExitCode::Usage for an invalid
-/// device text.
+/// Makes an accessory of each device that `devicesOf` returns. If the options name none, writes to
+/// standard error that the virtual printer is used. Throws a CommandFailure with ExitCode::Usage
+/// for an invalid device text.
 std::shared_ptr<InterruptiblePlatform> presentDevices(const Options& options,
                                                       const Surroundings& surroundings);
 
-/// The accessory that a port with these options would choose; null if it would choose none. Opens
-/// no connection, and writes no diagnostic records.
+/// Returns the accessory that a port with these options would choose; null if it would choose none.
+/// Opens no connection, and writes no diagnostic records.
 std::shared_ptr<EAAccessory> chosenAccessory(const InterruptiblePlatform& platform,
                                              const Options& options);
 
-/// The failure to report if the port name chooses none of the platform's accessories.
+/// Returns the failure to report if the port name chooses none of the platform's accessories.
 CommandFailure noneMatches(const InterruptiblePlatform& platform, const Options& options);
 
 /// The port of a command, open during the lifetime of this object.
@@ -41,8 +41,8 @@ class Printer {
   Printer(const std::shared_ptr<InterruptiblePlatform>& platform, const Options& options,
           const Surroundings& surroundings);
 
-  /// Closes the port. If diagnostic records are written, it waits until the port's thread has
-  /// written its last one: usually 0.1 s, at most two seconds.
+  /// Closes the port. If diagnostic records are written, waits until the port's thread has written
+  /// its last record: usually 0.1 s, at most two seconds.
   ~Printer();
   Printer(const Printer&) = delete;
   Printer& operator=(const Printer&) = delete;
@@ -61,11 +61,11 @@ class Printer {
     }
   }
 
-  /// The failure to report if a question got no answer.
+  /// Returns the failure to report if a question got no answer.
   CommandFailure failure(const InquiryError& error);
 
-  /// A text to append to an error message: the faults in the port's last status, like "; its port
-  /// reports: paper out". "" if that status shows no fault.
+  /// Returns the faults in the port's last status, as a text to append to an error message: "; its
+  /// port reports: paper out". Returns "" if that status shows no fault.
   std::string portReport() const;
 
  private:

@@ -75,7 +75,7 @@ Receipt::Receipt(std::string file, const std::shared_ptr<EAAccessory>& accessory
                          "--receipt shows the paper of the virtual printer, but the port "
                          "name chooses another device; use --device virtual:");
   }
-  // Opening the file for append does not change an older receipt; a new one replaces it later.
+  // Opening the file for append does not change an older receipt, which the new one replaces later.
   if (!std::ofstream(file_, std::ios::app)) {
     throw CommandFailure(ExitCode::Usage,
                          "--receipt: " + whyNotWritten(file_) + "; nothing was sent");

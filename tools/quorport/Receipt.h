@@ -16,21 +16,21 @@ namespace quordalvane::tool {
 /// reason; a part of the bytes may then be in the file.
 std::string writeFile(const std::string& bytes, const std::string& file);
 
-/// Writes the bytes to a new file of the folder that `file` names, which has this name only when it
-/// is whole; before that it is named like `.receipt-0001.png.part`. Returns "" on success,
-/// otherwise the reason, and leaves no part.
+/// Writes the bytes to a new file, which gets the name `file` only when it is complete; before that
+/// its name is like `.receipt-0001.png.part`. Returns "" on success, otherwise the reason; then
+/// there is no file.
 std::string writeWholeFile(const std::string& bytes, const std::string& file);
 
-/// Writes the paper to a file with one of the functions above: as a picture if the name ends in
-/// .png, otherwise as text. Returns "" on success, otherwise the reason.
+/// Writes the paper to a file by `write`, one of the functions above: as a picture if the name ends
+/// in .png, otherwise as text. Returns "" on success, otherwise the reason.
 std::string writePaper(const simulator::Paper& paper, const std::string& file,
                        decltype(writeFile)& write);
 
 /// The receipt file of a job on the built-in virtual printer.
 class Receipt {
  public:
-  /// `accessory` must not be null. Throws a CommandFailure with ExitCode::Usage if it is not the
-  /// virtual printer, or if the file cannot be written.
+  /// `accessory` must not be null. Throws a CommandFailure with ExitCode::Usage if `accessory` is
+  /// not the virtual printer, or if the file cannot be written.
   Receipt(std::string file, const std::shared_ptr<EAAccessory>& accessory);
 
   /// Writes everything that the printer has printed so far. Returns "" on success, otherwise the

@@ -12,7 +12,7 @@ struct RenderOptions {
 
   Content content = Content::Bytes;
   std::uint32_t width = 576;  ///< the width of the paper in dots
-  /// The text that render::CodePage reads. Empty means ASCII only.
+  /// The code page, as render::CodePage reads it. Empty means ASCII only.
   std::optional<std::string> codePage;
   /// True: an ordered pattern for grey; false: error diffusion.
   bool isOrdered = false;

@@ -31,7 +31,7 @@ std::string labelOf(const std::optional<std::string>& device) {
   if (!device) {
     return "";
   }
-  // The text "virtual:" already ends in a colon.
+  // No colon is added to the text "virtual:", which already ends in one.
   return printable(*device) + (device->ends_with(':') ? " " : ": ");
 }
 

@@ -18,26 +18,26 @@ struct Report {
   std::string error;  ///< for people: the reason of the failure; "" on success
 };
 
-/// The report of a command that succeeded, with one line for people.
+/// Returns the report of a command that succeeded, with one line for people.
 Report done(const std::string& line);
 
-/// The report of a command that failed, which contains only the failure.
+/// Returns the report of a command that failed, which contains only the failure.
 Report failed(ExitCode code, const std::string& error);
 
 /// Adds the failure to the report.
 void setFailed(Report& report, ExitCode code, const std::string& error);
 
-/// The prefix that names the device in a text for people: "tcp:192.0.2.10:9100: "; "" if `device`
-/// is empty.
+/// Returns the prefix that names the device in a text for people: "tcp:192.0.2.10:9100: "; "" if
+/// `device` is empty.
 std::string labelOf(const std::optional<std::string>& device);
 
 /// Adds the name of the device to a report that is not empty: as `device` to the object, and as a
 /// prefix to the texts for people. Does nothing if `device` is empty.
 void nameDevice(Report& report, const std::optional<std::string>& device);
 
-/// Writes the report: its text, or with `asJson` its object, to standard output, and its error to
-/// standard error. If standard output cannot be written, returns the reason and reports it on
-/// standard error.
+/// Writes the report's text, or with `asJson` the report's object, to standard output, and the
+/// report's error to standard error. If standard output cannot be written, returns the reason and
+/// reports it on standard error.
 std::error_code deliver(const Report& report, bool asJson, const Streams& streams);
 
 }  // namespace quordalvane::tool

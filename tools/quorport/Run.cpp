@@ -31,7 +31,8 @@ struct Answer {
   CommandKind kind;
 };
 
-// The report of a command that did not begin. `job` is the name of the job, empty if it has none.
+// Returns the report of a command that did not begin. `job` is the name of the job, empty if it has
+// none.
 Report refusal(CommandKind kind, ExitCode code, const std::string& error,
                const std::optional<std::string>& job) {
   return kind == CommandKind::Printing ? refusedJob(code, error, 0, job) : failed(code, error);
@@ -118,10 +119,10 @@ Answer answerTo(const std::vector<std::string>& arguments, const Streams& stream
   return {refusal(kind, code, error, jobNamedIn(arguments)), askForJson(arguments), kind};
 }
 
-// The exit status of a command that succeeded, but whose result could not be written. A query then
-// counts as failed. A print job then counts as unconfirmed: its user has not seen that it was
-// printed, and must not simply print it again. If standard output was closed from the start, the
-// result was not wanted, and the job counts as printed.
+// Returns the exit status of a command that succeeded, but whose result could not be written. A
+// query then counts as failed. A print job then counts as unconfirmed, because its user has not
+// seen that it was printed, and must not simply print it again. If standard output was closed from
+// the start, nobody wanted the result, and the job counts as printed.
 ExitCode codeOfLostResult(CommandKind kind, const std::error_code& error) {
   if (kind != CommandKind::Printing) {
     return ExitCode::ExchangeFailed;

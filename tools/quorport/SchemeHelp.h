@@ -4,7 +4,8 @@
 
 namespace quordalvane::tool {
 
-/// The part of --help that lists the schemes, one in each line, with the syntax of their devices.
+/// Returns the part of --help that lists the schemes, one in each line, with the syntax of their
+/// devices.
 std::string schemeHelp();
 
 }  // namespace quordalvane::tool

@@ -16,7 +16,7 @@ namespace {
 using Status = QuorPrinterStatus_2;
 
 // A flag's name, and the remark to be made if it is set. The remark is "" if the summary contains
-// it or nobody needs it.
+// it or if nobody needs it.
 struct FlagField {
   std::string_view name;
   std::uint32_t Status::*flag;

@@ -4,14 +4,14 @@
 
 namespace quordalvane::tool {
 
-/// The descriptors that a command reads and writes. They remain the caller's.
+/// The descriptors that a command reads and writes. The caller remains their owner.
 struct Streams {
   int in = 0;
   int out = 1;
   int err = 2;
 };
 
-/// Writes a line for people to standard error, with the command's name first.
+/// Writes `line`, a message for the user, to standard error, after the command's name.
 void complain(const std::string& line, const Streams& streams);
 
 }  // namespace quordalvane::tool

@@ -7,10 +7,11 @@
 namespace quordalvane::tool {
 namespace {
 
-// Longer words match no name, and the work grows with the square of the length.
+// Longer words are not compared: they match no name, and the work grows with the square of the
+// length.
 constexpr std::size_t longestWord = 40;
 
-// The count of letters that were left out, added, replaced, or exchanged with their neighbour.
+// Returns how many letters were left out, added, replaced, or exchanged with their neighbours.
 std::size_t distance(std::string_view a, std::string_view b) {
   std::vector<std::vector<std::size_t>> table(a.size() + 1, std::vector<std::size_t>(b.size() + 1));
   for (std::size_t i = 0; i <= a.size(); ++i) {

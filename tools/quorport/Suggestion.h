@@ -6,9 +6,9 @@
 
 namespace quordalvane::tool {
 
-/// The candidate that the writer of `word` probably meant. It begins with the word, or differs from
-/// it in few letters. If there are several, the nearest one is returned, and the first of equally
-/// near ones. "" if there is none.
+/// Returns the candidate that the writer of `word` probably meant. This candidate begins with the
+/// word, or differs from it in few letters. If there are several, returns the nearest one, or the
+/// first of equally near ones. Returns "" if there is none.
 std::string suggestion(std::string_view word, const std::vector<std::string>& candidates);
 
 }  // namespace quordalvane::tool

@@ -12,7 +12,7 @@ bool isOfText(std::uint32_t codePoint) {
   return !isControl || codePoint == '\t' || codePoint == '\n' || codePoint == '\r';
 }
 
-// True for UTF-8 text without printer commands that contains a character outside ASCII.
+// Returns true for UTF-8 text without printer commands that contains a character outside ASCII.
 bool isTextBeyondAscii(std::string_view text) {
   bool isBeyond = false;
   while (!text.empty()) {

@@ -7,7 +7,7 @@
 
 namespace quordalvane::tool {
 
-/// Warns on standard error if the bytes are UTF-8 text with other characters than ASCII, which the
+/// Warns on standard error if the bytes are UTF-8 text with characters outside ASCII, which the
 /// printer would print wrongly.
 void hintAtText(std::span<const std::uint8_t> job, const Streams& streams);
 

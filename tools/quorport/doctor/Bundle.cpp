@@ -69,7 +69,7 @@ class Bundle::Records : public LogSink {
     }
   }
 
-  /// To be called after the last record has been written.
+  /// Returns all records. To be called after the last record has been written.
   const Json& all() const { return all_; }
 
  private:
@@ -84,7 +84,7 @@ Bundle::Bundle(const Options& options)
                          "--bundle: the file " + inQuotes(path_) +
                              " cannot be made: " + std::generic_category().message(errno));
   }
-  // The file is removed again, so that an interrupted examination leaves no file.
+  // The file is removed now, so that an interrupted examination leaves no file.
   ::close(file);
   ::unlink(path_.c_str());
   recording_.emplace(records_, options.logLevels);

@@ -10,7 +10,8 @@
 namespace quordalvane::tool {
 
 /// A file for support staff. It is one JSON object with the versions, the options, the findings and
-/// the diagnostic records of the whole examination. Collects the records during its lifetime.
+/// the diagnostic records of the whole examination. A bundle collects the records during its
+/// lifetime.
 class Bundle {
  public:
   /// Throws a CommandFailure with ExitCode::Usage if the file exists already or cannot be created.

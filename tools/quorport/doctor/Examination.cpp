@@ -20,8 +20,8 @@
 namespace quordalvane::tool {
 namespace {
 
-// The longest time-out in milliseconds. Printers answer within some milliseconds, and users do not
-// want to wait for a diagnosis as long as for a receipt.
+// The longest time-out in milliseconds. Printers answer within milliseconds, and users do not want
+// to wait for a diagnosis as long as for a receipt.
 constexpr std::uint32_t longestTimeout = 1000;
 
 // The result of one status query.
@@ -87,7 +87,7 @@ class Examination {
   }
 
  private:
-  // The device as given, and then with its other possible settings.
+  // Returns the device as given, and then with its other possible settings.
   std::vector<SchemeVariant> variants() const {
     if (scheme_.variants != nullptr) {
       return scheme_.variants(spec_);

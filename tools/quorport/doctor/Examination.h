@@ -17,11 +17,11 @@ namespace quordalvane::tool {
 
 /// The result of examining one device.
 struct Diagnosis {
-  std::string device;  ///< its device text
+  std::string device;  ///< the device's text
   Findings findings;   ///< the faults of the printer; may be empty
   std::vector<std::string> remarks;
-  std::optional<QuorPrinterStatus_2> status;   ///< the last status; empty if there was none
-  std::optional<ProofKind> proof;              ///< empty if the printer was not asked for it
+  std::optional<QuorPrinterStatus_2> status;  ///< the last status; empty if there was none
+  std::optional<ProofKind> proof;  ///< how the printer confirms jobs; empty if it was not asked
   ZKEmulation emulation = ZKEmulationUnknown;  ///< the emulation in which the printer answered
 };
 

@@ -12,15 +12,15 @@
 namespace quordalvane::tool {
 namespace {
 
-// A device in use by another program will be ready again; the other causes mean that the device
-// cannot be reached, which is the default code.
+// The default code means that the device cannot be reached. Only a device that another program uses
+// has another code, because it will be ready again.
 Finding notOpened(std::string_view cause, std::string_view text, std::string_view advice,
                   ExitCode code = ExitCode::NoAccessory) {
   return {cause, code, std::string(text), std::string(advice)};
 }
 
-// The group that has more rights to the file than other users; "" if there is none, or if it is
-// root's.
+// Returns the group that has more rights to the file than other users; "" if there is none, or if
+// it is the group root.
 std::string groupOf(const std::string& path) {
   struct stat file {};
   if (path.empty() || ::stat(path.c_str(), &file) != 0 || file.st_gid == 0 ||

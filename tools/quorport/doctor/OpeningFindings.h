@@ -9,7 +9,7 @@
 
 namespace quordalvane::tool {
 
-/// The exit status of a command that could not open a device because of `error`.
+/// Returns the exit status of a command that could not open a device because of `error`.
 ExitCode codeOfOpening(const std::error_code& error);
 
 /// Finds out why a session on the device could not be opened. To be called after a failed attempt.

@@ -10,7 +10,7 @@ Finding notReady(std::string_view cause, const std::string& text, const std::str
   return {cause, ExitCode::NotReady, text, advice};
 }
 
-// The reasons in the status for which there is no separate finding.
+// Returns the reasons in the status for which there is no separate finding.
 std::string otherReasons(QuorPrinterStatus_2 status) {
   status.coverOpen = 0;
   status.receiptPaperEmpty = 0;

@@ -9,7 +9,7 @@
 
 namespace quordalvane::tool {
 
-/// The conditions in the status that prevent printing.
+/// Returns the conditions in the status that prevent printing.
 Findings findingsIn(const QuorPrinterStatus_2& status);
 
 }  // namespace quordalvane::tool

@@ -16,18 +16,20 @@
 
 namespace quordalvane::tool {
 
-/// The browsers that show and control the printers. Works on the printers' loop, and never waits.
+/// The browsers that show and control the printers. It works on the printers' loop, and never
+/// waits.
 class Audience {
  public:
   virtual ~Audience() = default;
 
-  /// The URL of the page, with the token that lets a browser in.
+  /// Returns the URL of the page, with the token that lets a browser in.
   virtual std::string address() const = 0;
 
-  /// Adds the descriptors that it waits for.
+  /// Adds the descriptors for which this object waits.
   virtual void await(std::vector<pollfd>& awaited) const = 0;
 
-  /// When `work` must be called even if no descriptor is ready; empty if never.
+  /// Returns the time at which `work` must be called even if no descriptor is ready; empty if
+  /// never.
   virtual std::optional<simulator::Instant> nextEvent(simulator::Instant now) const = 0;
 
   /// Shows the printers' latest output, and does all that can be done for browsers now.

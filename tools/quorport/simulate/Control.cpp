@@ -40,7 +40,7 @@ std::string textOf(const std::string& key, const Json& value) {
   refuse(key + " takes true, false, a number or a text, not " + shortened(value));
 }
 
-// Refuses a value of the wrong JSON type: on a command line all types look alike, in JSON they
+// Refuses a value of the wrong JSON type. On a command line all types look alike, but in JSON they
 // differ.
 void checkKind(const std::string& key, const Json& value) {
   if (simulator::flagNamed(key) && !value.is_boolean()) {

@@ -15,7 +15,8 @@ namespace quordalvane::tool {
 
 /// Executes control lines, which change or query the running printers; each line is one JSON
 /// object. A line applies to the printer that its key `printer` names, or to all of them. Standard
-/// input, the control socket and browsers all use this class, so each of them can do the same.
+/// input, the control socket and browsers all use this class, so they all understand the same
+/// lines.
 class Control {
  public:
   /// Actions on the whole printer. If an action is impossible, it throws std::invalid_argument with
@@ -26,7 +27,7 @@ class Control {
     std::function<Counters()> counters = [] { return Counters(); };
   };
 
-  /// Adds a printer. `name` may be empty. `printer` and `links` must outlive this.
+  /// Adds a printer. `name` may be empty. `printer` and `links` must outlive this object.
   void add(const std::string& name, simulator::VirtualPrinter& printer, Links& links, Deeds deeds);
 
   /// Executes a line and returns the answer, one JSON object. In it `ok` is true, or false with the
@@ -40,10 +41,10 @@ class Control {
                                       std::optional<std::size_t> only)>;
   void listen(Listener listener) { listener_ = std::move(listener); }
 
-  /// The answer to a line `get` about the printer of that number.
+  /// Returns the answer to a line `get` about the printer of that number.
   Json get(const std::string& what, std::size_t printer) const;
 
-  /// True if a line has asked for the end.
+  /// Returns true if a line has asked the program to end.
   bool quitWanted() const { return quitWanted_; }
 
  private:

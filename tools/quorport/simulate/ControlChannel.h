@@ -12,14 +12,15 @@
 
 namespace quordalvane::tool {
 
-/// Reads control lines from one descriptor and writes their answers to another. Never waits for
-/// either: if the answers are not read, it reads no more lines.
+/// Reads control lines from one descriptor and writes their answers to another. It never waits for
+/// either. While nobody reads the answers, it reads no more lines.
 class ControlChannel {
  public:
-  /// Uses descriptors that remain the caller's; they may be blocking. `control` must outlive this.
+  /// Uses descriptors that remain the caller's; they may be blocking. `control` must outlive this
+  /// object.
   ControlChannel(int in, int out, Control& control) : in_(in), out_(out), control_(control) {}
 
-  /// Reads from and writes to the line, which it owns.
+  /// Reads from and writes to `line`, and becomes its owner.
   ControlChannel(std::unique_ptr<Line> line, Control& control);
 
   /// Adds the descriptors that the channel waits for.
@@ -32,10 +33,10 @@ class ControlChannel {
   /// queued, it blocks until all are written.
   void say(const std::string& lines);
 
-  /// Writes all that is queued; blocks until it is written.
+  /// Writes all queued lines; blocks until they are written.
   void flush();
 
-  /// True if the input has ended and all answers are written.
+  /// Returns true if the input has ended and all answers are written.
   bool isOver() const { return inputEnded_ && answers_.empty(); }
 
   bool hasAnswers() const { return !answers_.empty(); }

@@ -5,7 +5,7 @@
 
 namespace quordalvane::tool {
 
-/// A receipt as text and as picture.
+/// A receipt as text and as a picture.
 struct DrawnReceipt {
   static constexpr unsigned pieceRows = 4000;  ///< half a metre
 

@@ -18,8 +18,8 @@ constexpr std::size_t reserve = 64;
 
 constexpr std::size_t pieceSize = 4096;
 
-// In bytes. The system buffers less than this for one connection, so the end of a host is always
-// found.
+// In bytes. The system buffers less than this for one connection, so it is always found that a host
+// has left.
 constexpr std::size_t mostReadAhead = std::size_t{16} << 20U;
 
 constexpr std::size_t mostOutgoing = std::size_t{64} << 10U;
@@ -39,7 +39,7 @@ void HostConnection::await(std::vector<pollfd>& awaited) const {
   const int wantsSpace = outgoing_.empty() ? 0 : POLLOUT;
   const int wantsEnd = hostEnded_ ? 0 : POLLRDHUP;
   const auto events = static_cast<short>(wantsInput | wantsSpace | wantsEnd);
-  // Otherwise poll would return at once, again and again, for a line whose host has left.
+  // A line whose host has left is not awaited: poll would return at once, again and again.
   if (events != 0 && !wasDropped()) {
     awaited.push_back({.fd = line_->descriptor().number(), .events = events, .revents = 0});
   }
@@ -62,8 +62,8 @@ void HostConnection::work(Instant now) {
   }
 }
 
-// While the printer has no space, nothing is read from the host. So the end of the connection is
-// found here. Then the rest is read, which is short, because nothing can follow.
+// While the printer has no space, nothing is read from the host. The end of the connection is
+// therefore found here. Then the rest is read; it is short, because nothing can follow.
 void HostConnection::noticeHangUp() {
   constexpr int hangUp = POLLRDHUP | POLLHUP | POLLERR;
   const bool wouldBeRead = hostEnded_ || wantsBytes();

@@ -13,19 +13,20 @@
 
 namespace quordalvane::tool {
 
-/// Carries bytes between a host's line and the printer's link. It reads from the line only as much
-/// as the printer has space for, so that a slow printer slows its host down. It reads a few bytes
-/// more, because the printer must see requests even if it is full. If the host leaves, its last
+/// Carries bytes between a host's line and the printer's link. It reads from the line only as many
+/// bytes as the printer has space for, so that a slow printer slows its host down. It also reads a
+/// few more bytes, because even a full printer must see requests. If the host leaves, its last
 /// bytes are still passed to the printer as it gets space.
 class HostConnection {
  public:
-  /// The link must outlive this.
+  /// The link must outlive this object.
   HostConnection(std::unique_ptr<Line> line, simulator::PrinterLink& link);
 
   /// Adds the descriptors that the connection waits for.
   void await(std::vector<pollfd>& awaited) const;
 
-  /// When `work` must be called even if no descriptor is ready; empty if never.
+  /// Returns the time at which `work` must be called even if no descriptor is ready; empty if
+  /// never.
   std::optional<simulator::Instant> nextEvent(simulator::Instant now) const;
 
   /// Does all that can be done now.
@@ -33,24 +34,26 @@ class HostConnection {
 
   bool isOver() const { return over_; }
 
-  /// True if no byte is under way in either direction, so that the line can be released.
+  /// Returns true if no byte is under way in either direction, so that the line can be released.
   bool isIdle() const { return incoming_.empty() && outgoing_.empty() && !wasDropped(); }
 
   /// Releases the line of an idle connection, which must not be used afterwards.
   std::unique_ptr<Line> release() { return std::move(line_); }
 
-  /// From now on, reads from the line, up to a limit, even if the printer has no space. Ends when
-  /// the printer has taken all of it. Otherwise unread bytes would hide that the host has left.
+  /// From now on, reads from the line, up to a limit, even if the printer has no space, because
+  /// unread bytes would hide that the host has left. This ends when the printer has taken all
+  /// bytes.
   void readAhead() { readsAhead_ = true; }
   bool readsAhead() const { return readsAhead_; }
 
-  /// True if the host has ended its side, and everything that it sent has been read from the line.
+  /// Returns true if the host has ended its side, and everything that it sent has been read from
+  /// the line.
   bool hostEnded() const { return hostEnded_; }
 
-  /// True if the printer ended the connection.
+  /// Returns true if the printer ended the connection.
   bool wasDropped() const { return lastSettling_.has_value(); }
 
-  /// When the host last sent bytes; empty if never.
+  /// Returns the time at which the host last sent bytes; empty if it has sent none.
   std::optional<simulator::Instant> lastReceived() const { return lastReceived_; }
 
  private:

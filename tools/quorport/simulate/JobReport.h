@@ -16,7 +16,7 @@ struct JobReport {
   std::vector<std::string> files;
 };
 
-/// The report and the record of the job as one JSON object.
+/// Returns the report and the record of the job as one JSON object.
 Json inJson(const JobReport& report, const simulator::JobRecord& record);
 
 }  // namespace quordalvane::tool

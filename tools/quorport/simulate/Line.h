@@ -28,14 +28,14 @@ class Line {
   virtual void endOutput() = 0;
 
   /// To be called after `endOutput`, every few milliseconds. Returns true once the host has read
-  /// everything, so that closing the line loses nothing. Later bytes of the host are discarded.
-  /// Does not wait.
+  /// everything, so that closing the line loses nothing. Discards later bytes of the host. Does not
+  /// wait.
   virtual bool hasSettled() = 0;
 
-  /// Makes the closing of the line a reset, if this kind of line can.
+  /// Makes the line end by a reset when it is closed, if this kind of line can.
   virtual void resetOnClose() = 0;
 
-  /// True if the host has reset the connection.
+  /// Returns true if the host has reset the connection.
   virtual bool wasReset() const = 0;
 
  private:

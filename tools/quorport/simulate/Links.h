@@ -16,7 +16,7 @@ namespace quordalvane::tool {
 /// The links of a printer, one at a time, with the faults that affect them.
 class Links {
  public:
-  /// `faults` affect every link. The printer must outlive this.
+  /// `faults` affect every link. The printer must outlive this object.
   Links(simulator::VirtualPrinter& printer, simulator::Faults faults)
       : printer_(printer), faults_(std::move(faults)) {}
 
@@ -34,13 +34,14 @@ class Links {
   /// Removes all faults, even delayed ones. The seed is kept.
   void clear(simulator::Instant now);
 
-  /// The faults that affect every link or are pending, in the order in which they were added.
+  /// Returns the faults that affect every link or are pending, in the order in which they were
+  /// added.
   std::vector<simulator::Fault> faults() const;
 
   /// Applies the pending faults and settings whose time has arrived.
   void work(simulator::Instant now);
 
-  /// When the next pending fault or setting is due; empty if none is pending.
+  /// Returns the time at which the next pending fault or setting is due; empty if none is pending.
   std::optional<simulator::Instant> nextEvent() const;
 
  private:

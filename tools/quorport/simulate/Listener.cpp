@@ -19,8 +19,8 @@ constexpr std::string_view ptyScheme = "pty:";
   throw CommandFailure(ExitCode::Usage, option + " takes " + takes + ", not " + inQuotes(text));
 }
 
-// Reads the path. A backslash makes the next character a part of it. A comma is refused, because in
-// a device text it begins a key.
+// Reads the path. A backslash makes the next character a part of the path. A comma is refused,
+// because in a device text it begins a key.
 std::string pathIn(const std::string& text, const std::string& option) {
   std::string path;
   for (std::size_t i = unixScheme.size(); i < text.size(); ++i) {

@@ -12,14 +12,14 @@ class Listener {
  public:
   virtual ~Listener() = default;
 
-  /// The address as the text of a device.
+  /// Returns the address as the text of a device.
   virtual std::string place() const = 0;
 
-  /// Becomes readable when a host connects.
+  /// Returns the descriptor that becomes readable when a host connects.
   virtual int descriptor() const = 0;
 
-  /// True if the descriptor becomes readable only when another host waits for its turn, and not
-  /// when the current one sends data.
+  /// Returns true if the descriptor becomes readable only when another host waits for its turn, and
+  /// not when the current one sends data.
   virtual bool hostsQueue() const = 0;
 
   /// Returns the connection of the next host; null if there is none yet. Does not wait. Throws
@@ -27,8 +27,8 @@ class Listener {
   virtual std::unique_ptr<Line> accept() = 0;
 
   /// To be called after the last accepted connection has ended and its Line is destroyed. `dropped`
-  /// means that the printer ended it: the host must notice that, and the address may change. Throws
-  /// std::system_error if the address cannot be opened again.
+  /// means that the printer ended the connection. The host must then notice this, so the address
+  /// may change. Throws std::system_error if the address cannot be opened again.
   virtual void resume(bool dropped) = 0;
 };
 

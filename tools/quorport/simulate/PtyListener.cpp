@@ -31,8 +31,8 @@ Descriptor terminal(int number) {
   return {orThrow(number), Descriptor::Kind::Terminal};
 }
 
-// Opens the other side of the terminal, and sets it to pass bytes unchanged, whichever program
-// opens it next.
+// Opens the other side of the terminal, and sets the terminal to pass bytes unchanged, whichever
+// program opens it next.
 Descriptor openOtherSide(const std::string& path) {
   Descriptor other = terminal(::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
   termios settings{};
@@ -66,8 +66,8 @@ class PtyLine : public Line {
  private:
   const std::string path_;
 
-  // This process holds the other side open until there is a host: the system treats a terminal that
-  // nobody has open as ended.
+  // The other side of the terminal. This process keeps it open until there is a host, because the
+  // system treats a terminal that nobody has open as ended.
   std::optional<Descriptor> held_;
 
   int emptyLooks_ = 0;

@@ -9,10 +9,11 @@ namespace quordalvane::tool {
 
 /// A pseudo-terminal, whose other side hosts open like a serial line.
 ///
-/// This side does not see when the other side is opened, so there is always a connection. It ends
-/// when the last host that has sent data closes the terminal, and the next connection begins at
-/// once. A host notices a dropped link only if its terminal disappears. So when the printer drops
-/// the link, the terminal is removed, and a new one with another name is created.
+/// This side does not see when the other side is opened, so there is always a connection. A
+/// connection ends when the terminal is closed by all hosts and at least one of them has sent data;
+/// the next connection begins at once. A host notices a dropped link only if its terminal
+/// disappears. If the printer drops the link, the terminal is therefore removed, and a new one with
+/// another name is created.
 class PtyListener : public Listener {
  public:
   /// Throws std::system_error if the system has no terminal left.

@@ -7,8 +7,8 @@
 
 namespace quordalvane::tool {
 
-/// A folder for receipts: receipt-0001.txt and receipt-0001.png, and so on. A file has such a name
-/// only when it is whole, so that another program can read it as soon as it sees it.
+/// A folder for receipts: receipt-0001.txt and receipt-0001.png, and so on. A file gets such a name
+/// only when it is complete, so that another program can read any file that it sees.
 class ReceiptFolder {
  public:
   /// Creates the folder if it does not exist. The numbers continue after the highest existing one.

@@ -16,8 +16,8 @@
 namespace quordalvane::tool {
 namespace {
 
-// In bytes, approximately. Even a job without paper has a weight, so the count of waiting jobs is
-// limited.
+// Returns the approximate size of a job in bytes. Even a job without paper has a size, so the count
+// of waiting jobs is limited.
 std::size_t weightOf(const ReceiptWriter::Job& job) {
   return sizeof job + job.paper.weight();
 }

@@ -23,7 +23,7 @@ class ReceiptWriter {
     simulator::Paper paper;
     bool apart = false;  ///< each piece of paper is a receipt of its own
     std::size_t station = 0;
-    bool isLookedAt = false;  ///< true if browsers look at it, so its receipts must be drawn
+    bool isLookedAt = false;  ///< true if the receipts must be drawn for browsers
   };
 
   /// The report of a job as a line, and the errors about its files.
@@ -40,17 +40,17 @@ class ReceiptWriter {
   /// the system has no thread or descriptor left.
   explicit ReceiptWriter(ReceiptFolder* folder);
 
-  /// Finishes the current job; the waiting ones are lost.
+  /// Finishes the current job; the waiting jobs are lost.
   ~ReceiptWriter();
   ReceiptWriter(const ReceiptWriter&) = delete;
   ReceiptWriter& operator=(const ReceiptWriter&) = delete;
 
-  /// Adds a job. Blocks only while the waiting jobs together are heavier than `mostWaiting`.
+  /// Adds a job. Blocks only while the waiting jobs together are larger than `mostWaiting`.
   void add(Job job);
 
   static constexpr std::size_t mostWaiting = std::size_t{16} << 20U;
 
-  /// Becomes readable when a job is done.
+  /// Returns the descriptor that becomes readable when a job is done.
   int descriptor() const { return done_; }
 
   /// Returns the jobs that were completed since the last call, in order. Does not wait.

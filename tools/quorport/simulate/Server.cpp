@@ -134,8 +134,8 @@ void Server::announce() {
   }
 }
 
-// Announces an address that has changed. It goes to standard error, because standard output has the
-// answers to control lines.
+// Writes each address that has changed to standard error, because standard output has the answers
+// to control lines.
 void Server::announceOthers() {
   for (const Station& station : stations_) {
     const std::string place = specOf(station);

@@ -69,14 +69,14 @@ class Server {
   const Habits habits_;
   StopSignals signals_;
   Places places_;
-  ReceiptWriter writer_;  // must outlive the printers: their destructors end their last jobs
+  ReceiptWriter writer_;  // must outlive the printers, whose destructors end their last jobs
   unsigned long jobs_ = 0;
   unsigned long jobsNotOk_ = 0;
   std::unique_ptr<Audience> audience_;  // must outlive the printers as well; may be null
   std::list<Station> stations_;
   Control control_;
   std::map<const Station*, std::string> announced_;  // the last announced address of each printer
-  // Control lines on standard input, answers on standard output.
+  // The channel with control lines on standard input and answers on standard output.
   ControlChannel own_;
   std::list<ControlChannel> channels_;
   std::optional<simulator::Instant> quitAt_;  // the latest time of the end, after a request to quit

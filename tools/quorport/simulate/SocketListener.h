@@ -18,11 +18,11 @@ struct ListenAddress {
   std::uint16_t port;  ///< 0 means any free port
 };
 
-/// Reads HOST:PORT, PORT or an empty text. Without a host it means this machine only, and without a
-/// port any free one. Returns empty if the text has another form.
+/// Reads HOST:PORT, PORT or an empty text. Without a host, only this machine can connect; without a
+/// port, any free port is used. Returns empty if the text has another form.
 std::optional<ListenAddress> parseListenAddress(std::string_view text);
 
-/// Throws a std::exception if the system refuses.
+/// Listens at the address. Throws a std::exception if the system refuses.
 std::unique_ptr<Listener> listenOnTcp(const ListenAddress& address);
 
 enum class SocketAccess { AsUsual, OwnerAlone };

@@ -15,7 +15,7 @@ using namespace std::chrono_literals;
 using simulator::earlier;
 using simulator::Instant;
 
-// If nothing is received for this time after a cut, the cut ends the job.
+// A cut ends the job if nothing is received for this time after the cut.
 constexpr Instant quietTime = 1s;
 
 // A host that sends nothing for this time, and has no data in the printer, loses its turn to the
@@ -181,14 +181,15 @@ bool Station::mayMakeRoom(Instant now) const {
   return host_->isIdle() && printer_.buffered() == 0 && (!last || now >= *last + turnTime);
 }
 
-// A host that has left keeps its turn while the printer prints its last bytes. But a printer that
-// is off line may never do so; then the next host is served first.
+// Returns true if a host that has left must give up its turn. Usually it keeps its turn while the
+// printer prints its last bytes. But a printer that is off line may never print them, and then the
+// next host is served first.
 bool Station::hostMakesWay() const {
   return host_->hostEnded() && printer_.state().flag(simulator::Flag::Offline);
 }
 
-// While the printer is off line, unread bytes hide the end of a host. So as soon as another host
-// waits, they are read to find it.
+// While the printer is off line, unread bytes hide the end of a host. These bytes are therefore
+// read as soon as another host waits.
 bool Station::hostMayHaveLeft() const {
   return listener_->hostsQueue() && !host_->hostEnded() && !host_->readsAhead() &&
          printer_.state().flag(simulator::Flag::Offline);
@@ -223,8 +224,9 @@ void Station::printTest() {
   waiting_.push_back(testHost(printer_.state()));
 }
 
-// A job ends with its connection, which the printer itself notices. On a connection that remains
-// open, a job ends with a cut that nothing follows. Empty if no such end is due.
+// Returns the time at which a cut ends the job; empty if no such end is due. On a connection that
+// remains open, a job ends with a cut that nothing follows. The printer itself notices the end of a
+// connection, which also ends a job.
 std::optional<Instant> Station::endOfJob() const {
   const auto lastReceived = host_ ? host_->lastReceived() : std::nullopt;
   if (habits_.per == ReceiptPer::Connection || !lastReceived || !endsInCut(printer_.paper())) {

@@ -28,50 +28,51 @@ class Station {
     ReceiptPer per = ReceiptPer::Job;
   };
 
-  /// Is called with the paper of each job.
+  /// The function that is called with the paper of each job.
   using Keeper = std::function<void(Station&, simulator::Paper)>;
   Station(std::string name, std::unique_ptr<Listener> listener, simulator::PrinterState state,
           simulator::Faults faults, Habits habits, Keeper keep);
   Station(const Station&) = delete;
   Station& operator=(const Station&) = delete;
 
-  /// The name that the user gave it; may be empty.
+  /// Returns the name that the user gave the printer; may be empty.
   const std::string& name() const { return name_; }
 
-  /// Its current address, as the text of a device.
+  /// Returns the current address, as the text of a device.
   std::string place() const { return listener_->place(); }
 
   simulator::VirtualPrinter& printer() { return printer_; }
   const simulator::VirtualPrinter& printer() const { return printer_; }
   Links& links() { return links_; }
 
-  /// True if a host is connected.
+  /// Returns true if a host is connected.
   bool hasHost() const { return host_.has_value(); }
 
   /// `watch` is called with true when a host connects, and with false when it leaves.
   void watchHosts(std::function<void(bool)> watch) { watchHosts_ = std::move(watch); }
 
-  /// The counts since the beginning, including the paper in the printer.
+  /// Returns the counts since the beginning, including the paper in the printer.
   Counters counters() const;
 
-  /// Ends the current paper, even in the middle of a job.
+  /// Tears off the paper that has been printed so far, even in the middle of a job.
   void tearOff() { give(printer_.tearOff()); }
 
   /// Queues a test receipt, which is printed between two jobs like the job of another host. Throws
   /// std::invalid_argument, with a text for people, if too many hosts wait already.
   void printTest();
 
-  /// Adds the descriptors that it waits for.
+  /// Adds the descriptors for which this station waits.
   void await(std::vector<pollfd>& awaited) const;
 
-  /// When `work` must be called even if no descriptor is ready; empty if never.
+  /// Returns the time at which `work` must be called even if no descriptor is ready; empty if
+  /// never.
   std::optional<simulator::Instant> nextEvent(simulator::Instant now) const;
 
   /// `advance` moves the printer's time to `now`. `work` then does all that can be done for hosts.
   void advance(simulator::Instant now);
   void work(simulator::Instant now);
 
-  /// Ends the connection and takes the rest of the paper.
+  /// Ends the connection and tears off the rest of the paper.
   void close();
 
  private:

@@ -29,7 +29,7 @@ constexpr auto doubled = "\x1d\x21\x11";
 constexpr auto single = "\x1d\x21";  // followed by a zero byte
 constexpr auto bold = "\x1b\x45\x01";
 constexpr auto notBold = "\x1b\x45";  // followed by a zero byte
-// Four lines. The commands before it show that this job is ESC/POS, in which it is a feed.
+// A feed of four lines. It is a feed only in ESC/POS, which the commands before it show.
 constexpr auto fed = "\x1b\x64\x04";
 constexpr auto fullCut = "\x1d\x56";  // followed by a zero byte
 
@@ -38,7 +38,7 @@ std::string line(const std::string& name, const std::string& value) {
   return name + std::string(column - name.size(), ' ') + value + "\n";
 }
 
-// Uses only commands that every printer profile knows.
+// Returns a test receipt, which uses only commands that every printer profile knows.
 std::string receiptOf(const simulator::PrinterState& printer) {
   const std::string zero(1, '\0');
   std::string text = std::string(initialise) + centred + doubled + "TEST\n" + single + zero;

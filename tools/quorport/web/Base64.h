@@ -6,7 +6,7 @@
 
 namespace quordalvane::tool {
 
-/// The bytes in base64, with padding.
+/// Returns the bytes in base64, with padding.
 std::string base64(std::span<const std::uint8_t> bytes);
 
 }  // namespace quordalvane::tool

@@ -4,7 +4,7 @@
 
 namespace quordalvane::tool {
 
-/// The forms of all settings, faults and actions, from which a page builds its inputs.
+/// Returns the forms of all settings, faults and actions, from which a page builds its inputs.
 Json everyForm();
 
 }  // namespace quordalvane::tool

@@ -24,7 +24,7 @@ PaperArtist::Print LivePaper::follow(const simulator::Paper& paper) {
   return print;
 }
 
-// The last item may have grown, since the paper joins consecutive feeds, and consecutive cuts.
+// The last item may have changed, because the paper joins consecutive feeds and consecutive cuts.
 void LivePaper::followLast(const PaperItem& last, PaperArtist::Print& print) {
   const auto* feed = std::get_if<simulator::Feed>(&last);
   const auto* cut = std::get_if<simulator::Cut>(&last);

@@ -9,11 +9,11 @@
 
 namespace quordalvane::tool {
 
-/// The paper of one printer, as browsers see it while it is printed. Notes how much of the paper
-/// has been passed on to be drawn, and keeps the events that show its latest rows.
+/// The paper of one printer, as browsers see it while it is printed. It notes how much of the paper
+/// has been passed on to be drawn, and keeps the events that show the latest rows.
 class LivePaper {
  public:
-  /// A page that is opened is sent at least this many of the latest rows, if there are so many.
+  /// A newly opened page gets at least this many of the latest rows, if there are so many.
   static constexpr unsigned mostRows = 16'000;
 
   /// Returns what was printed since the last call. The caller must set the number of the printer.
@@ -23,7 +23,7 @@ class LivePaper {
   void begin();
 
   /// To be called if the printer prints faster than its paper can be drawn. The rest of this paper
-  /// is not shown; the next paper is.
+  /// is not shown; the next paper is shown again.
   void giveUp() { isLost_ = true; }
   bool isLost() const { return isLost_; }
 

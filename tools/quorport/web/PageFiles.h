@@ -11,10 +11,10 @@ struct PageFile {
   std::string_view content;
 };
 
-/// All files of the page; they are embedded when the program is built.
+/// Returns all files of the page; they are embedded when the program is built.
 std::span<const PageFile> pageFiles();
 
-/// The media type of a file by its name; empty if the type is unknown.
+/// Returns the media type of a file by its name; empty if the type is unknown.
 std::string_view typeOf(std::string_view name);
 
 }  // namespace quordalvane::tool

@@ -45,11 +45,11 @@ class PaperArtist {
 
   static constexpr std::size_t mostWaiting = std::size_t{16} << 20U;
 
-  /// Adds an output to be drawn. If too much is waiting, it does not add it and returns false. But
-  /// an output that has no items, and only ends a paper, is always added.
+  /// Adds an output to be drawn. Returns false, and adds nothing, if too much is waiting. An output
+  /// that has no items, and only ends a paper, is always added.
   bool add(Print print);
 
-  /// Becomes readable when an output is drawn.
+  /// Returns the descriptor that becomes readable when an output is drawn.
   int descriptor() const { return done_; }
 
   /// Returns the drawings since the last call, in order. Does not wait.

@@ -15,7 +15,7 @@ namespace quordalvane::tool {
 /// Shows one printer to browsers.
 class PrinterShow {
  public:
-  /// `number` counts from 1. `station` and `control` must outlive this.
+  /// `number` counts from 1. `station` and `control` must outlive this object.
   PrinterShow(unsigned number, Station& station, const Control& control)
       : number_(number), station_(station), control_(control) {}
 
@@ -23,10 +23,11 @@ class PrinterShow {
   Station& station() const { return station_; }
   LivePaper& paper() { return paper_; }
 
-  /// All facts about the printer, except the picture of its paper.
+  /// Returns all facts about the printer, except the picture of its paper.
   Json describe() const;
 
-  /// The facts that can change, as one line of JSON; empty if none has changed since the last call.
+  /// Returns the facts that can change, as one line of JSON; empty if none has changed since the
+  /// last call.
   std::optional<std::string> change();
 
  private:

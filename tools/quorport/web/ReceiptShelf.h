@@ -16,8 +16,8 @@
 
 namespace quordalvane::tool {
 
-/// Holds the latest receipts for browsers. Forgets the oldest ones, so that it never exceeds its
-/// limits.
+/// Holds the latest receipts for browsers. It forgets the oldest receipts, so that it never exceeds
+/// its limits.
 class ReceiptShelf {
  public:
   static constexpr std::size_t mostReceipts = 200;
@@ -31,25 +31,27 @@ class ReceiptShelf {
     simulator::Dialect dialect;
   };
 
-  /// Adds the receipts of a job that ended at `time`, in milliseconds since 1970. Returns their
-  /// count.
+  /// Adds the receipts of a job that ended at `time`, in milliseconds since 1970. Returns the count
+  /// of these receipts.
   std::size_t add(ReceiptWriter::Done job, const Origin& origin, std::int64_t time);
 
-  /// A short list of the latest receipts before number `before`, the newest first.
+  /// Returns a short list of the latest receipts before number `before`, the newest first.
   Json list(std::optional<std::uint64_t> before = std::nullopt) const;
 
-  /// All facts about a receipt, with its commands from number `from` on; null if there is no such
-  /// receipt.
+  /// Returns all facts about a receipt, with its commands from number `from` on; null if there is
+  /// no such receipt.
   Json describe(std::uint64_t id, std::uint64_t from) const;
 
-  /// The receipt as a file: `kind` is `png`, `txt` or `bin`. Null if there is no such receipt.
+  /// Returns the receipt as a file: `kind` is `png`, `txt` or `bin`. Returns null if there is no
+  /// such receipt.
   http::Text file(std::uint64_t id, const std::string& kind) const;
 
-  /// The rows of its picture from that one on, `DrawnReceipt::pieceRows` at most: a PNG file. Null
-  /// if there is no such receipt, or no piece begins there.
+  /// Returns a PNG file with the rows of the receipt's picture from number `row` on, at most
+  /// `DrawnReceipt::pieceRows` of them. Returns null if there is no such receipt, or if no piece
+  /// begins at this row.
   http::Text piece(std::uint64_t id, std::uint64_t row) const;
 
-  /// The approximate size of all receipts, in bytes.
+  /// Returns the approximate size of all receipts, in bytes.
   std::size_t bytes() const { return bytes_; }
 
  private:
@@ -62,7 +64,7 @@ class ReceiptShelf {
     unsigned cuts;
     unsigned width;
     unsigned height;
-    http::Text record;  // the record of its job, as one line of JSON
+    http::Text record;  // the record of the receipt's job, as one line of JSON
     http::Text text;
     http::Text received;
     http::Text picture;              // the PNG file; null if there is no paper

@@ -122,7 +122,7 @@ Json Site::snapshot() const {
       {"printers", std::move(printers)}, {"receipts", receipts_.list()}, {"version", QUOR_VERSION}};
 }
 
-// A reader that reconnects soon enough is sent only the events that it missed.
+// A reader that reconnects soon enough gets only the events that it missed.
 Answer Site::readEvents(const http::Request& request, const http::EventLog& events) const {
   Answer answer{.type = "text/event-stream", .body = nullptr, .events = Answer::Events()};
   if (request.lastEvent && events.holdsAllAfter(*request.lastEvent)) {

@@ -14,12 +14,13 @@ namespace quordalvane::tool {
 /// Answers the requests of browsers; docs/browser.md describes the addresses.
 class Site {
  public:
-  /// The arguments must outlive it.
+  /// The arguments must outlive this object.
   Site(std::deque<PrinterShow>& printers, const ReceiptShelf& receipts, const TrafficLog& traffic,
        Control& control)
       : printers_(printers), receipts_(receipts), traffic_(traffic), control_(control) {}
 
-  /// `events` is the log that readers of events are sent; `now` is the time for control lines.
+  /// Returns the answer to a request. `events` is the log for readers of events; `now` is the time
+  /// for control lines.
   http::Answer answer(const http::Request& request, const http::EventLog& events,
                       simulator::Instant now);
 

@@ -20,15 +20,15 @@ class TrafficLog {
   static constexpr std::size_t mostEntries = 500;
   static constexpr std::size_t mostKept = 200;  ///< as many as the page shows
 
-  /// Adds a command to printer number `printer`, or an answer of it; `time` is in milliseconds
-  /// since 1970.
+  /// Adds a command to printer number `printer`, or an answer of this printer; `time` is in
+  /// milliseconds since 1970.
   void add(unsigned printer, const simulator::VirtualPrinter::Deed& deed, std::int64_t time);
 
   /// Adds a control line and its answer; `printer` 0 means all printers.
   void addControl(unsigned printer, std::string_view line, std::string_view answer,
                   std::int64_t time);
 
-  /// Adds that a host has connected or left.
+  /// Adds the fact that a host has connected or left.
   void addHost(unsigned printer, bool isConnected, std::int64_t time);
 
   bool isEmpty() const { return entries_.empty(); }

@@ -1,5 +1,5 @@
-// Shows the printers to browsers: whatever happens at the printers becomes an event, and requests
-// from browsers become control lines.
+// Shows the printers to browsers. Each change of a printer becomes an event, and requests from
+// browsers become control lines.
 
 #include <chrono>
 #include <deque>

@@ -1,5 +1,5 @@
-// The paper of a printer, drawn row by row. It consists of sheets of a fixed height, and the oldest are dropped: so
-// twenty metres of paper take as much memory as one.
+// The paper of a printer, drawn row by row. It consists of sheets of a fixed height. The oldest
+// sheets are dropped, so twenty metres of paper take as much memory as one metre.
 
 import { make } from "./dom.js";
 import { paperLength } from "./words.js";
@@ -47,7 +47,7 @@ export class Paper {
     this.order = this.order.then(async () => this.add(part, await picture)).catch(() => {});
   }
 
-  /** The paper is torn off: the next rows belong to a new one. */
+  /** Removes the paper, which was torn off. The next rows belong to a new paper. */
   tear() {
     this.order = this.order.then(() => {
       const gone = this.strip;

@@ -4,7 +4,7 @@ import { make, write } from "./dom.js";
 import { receiptsBefore } from "./server.js";
 import { clockTime, counted, paperLength } from "./words.js";
 
-/** How many are shown at first, and how many at most if the user asks for older ones. */
+/** How many receipts are shown at first, and at most if the user asks for older ones. */
 const shownAtFirst = 24;
 export const mostReceipts = 200;
 

@@ -48,7 +48,7 @@ class Slider {
 
   show(value) {
     if (this.value === value) {
-      return; // the user may be moving it
+      return; // the user may be moving the slider
     }
     this.value = value;
     this.input.value = this.kind.index(this.steps, value);

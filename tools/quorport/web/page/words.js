@@ -71,7 +71,7 @@ export function paperLength(dots) {
 
 const stoppingGroups = ["cover", "error"];
 
-/** Whether the printer is ready, and if not, why, from the flags that the server lists. */
+/** The printer's condition in words: ready, or the reasons why not, from the flags that the server lists. */
 export function condition(flags, state) {
   if (!state.offline) {
     return "Ready";
