@@ -48,7 +48,7 @@ class Handle:
 
     @property
     def created(self) -> ctypes.c_void_p:
-        """The library's handle. Raises OperationError if there is none."""
+        """The library's handle. Raises OperationError if it was not created."""
         if not self._port:
             raise OperationError("the port is not open")
         return self._port

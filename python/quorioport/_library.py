@@ -126,7 +126,7 @@ def add(
 
 
 def load() -> None:
-    """Loads the library that QUORIOPORT_LIBRARY names; without that variable, the system's."""
+    """Loads the library that the variable QUORIOPORT_LIBRARY names; without the variable, the system's library."""
     name = os.environ.get("QUORIOPORT_LIBRARY", "libQuorIOPort.so.0")
     try:
         add(ctypes.CDLL(name), CODES, OTHERS)

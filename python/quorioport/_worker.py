@@ -26,7 +26,7 @@ class Worker:
     def call(
         self, function: Callable[Parameters, Result], *args: Parameters.args, **kwargs: Parameters.kwargs
     ) -> Result:
-        """Runs the function on the thread, and waits for it. Ctrl-C ends the wait, not the function."""
+        """Runs the function on the thread, and waits until it ends. Ctrl-C ends the wait, not the function."""
         return self.submit(function, *args, **kwargs).result()
 
     async def wait(

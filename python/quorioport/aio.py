@@ -50,7 +50,7 @@ class AsyncPort:
         self._handle = self._port.handle
 
     async def __aenter__(self) -> Self:
-        """Opens the port. One that opens after its task was cancelled is closed."""
+        """Opens the port. If the task is cancelled meanwhile, the port is closed as soon as it is open."""
         try:
             await self.open()
         except BaseException:
@@ -150,7 +150,7 @@ class AsyncPort:
 
 
 class AsyncPrintJob:
-    """A PrintJob for asyncio; its `steps` are used by `async for`."""
+    """A PrintJob for asyncio. `async for` iterates over its `steps`."""
 
     def __init__(
         self, port: AsyncPort, *, proof: Proof = Proof.AUTO, progress: Callable[[Progress], object] | None = None

@@ -34,7 +34,7 @@ class Outcome(Enum):
 class Proof(Enum):
     """How a printer confirms a job."""
 
-    #: The printer cannot confirm a job. It is not asked, and each job is unconfirmed at best.
+    #: The printer is not asked for a confirmation, and each job is unconfirmed at best.
     NONE = "none"
     #: The key `proof=` of the device decides. If it is missing, the printer is asked before the job.
     AUTO = "auto"
@@ -42,7 +42,7 @@ class Proof(Enum):
     BLOCK = "block"
     #: The printer returns four random characters that end the job. Only in ESC/POS.
     PROCESS_ID = "process-id"
-    #: The printer answers a question after the data, when it has printed them. Only in ESC/POS.
+    #: The printer answers a question after the data when it has printed the data. Only in ESC/POS.
     IN_ORDER = "in-order"
 
 
@@ -72,7 +72,7 @@ class Progress:
     #: How many bytes the link has accepted.
     bytes_accepted: int
     bytes_total: int
-    #: Why the printer has paused, for example "cover open"; "" if it has not.
+    #: Why the printer has paused, for example "cover open"; "" if it has not paused.
     waits_for: str
 
 

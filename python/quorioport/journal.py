@@ -1,4 +1,4 @@
-"""Jobs with names. Each is printed once, or is left to a person's decision, even if the program is killed at any
+"""Jobs with names. Each job is printed once, or is left to a person's decision, even if the program is killed at any
 moment.
 """
 
@@ -222,7 +222,7 @@ class Named:
 
     @contextmanager
     def _created(self, handle: Handle) -> Iterator[None]:
-        """Creates the library's port for the block, but does not open it: a known outcome needs no open port."""
+        """Creates the library's port for the block. A known outcome needs no open port, so this does not open it."""
         handle.create()
         try:
             yield
@@ -232,8 +232,8 @@ class Named:
 
     @contextmanager
     def _opened(self, job: ctypes.c_void_p, handle: Handle) -> Iterator[None]:
-        """Waits for the printer's turn, and opens the port for the block. Records it in the journal if the port cannot
-        be opened.
+        """Waits for the printer's turn, and opens the port for the block. If the port cannot be opened, records this in
+        the journal.
         """
         if handle.is_open:
             yield

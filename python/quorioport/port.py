@@ -37,7 +37,7 @@ def configuration(
     hold_print_timeout: float | None = None,
     data_timeout: int | None = None,
 ) -> Configuration:
-    """The options of a port in the library's units. Raises UsageError if a value is out of range."""
+    """Converts the options of a port to the library's units. Raises UsageError if a value is out of range."""
     return Configuration(
         devices=(device,) if isinstance(device, str) else tuple(device),
         port_name=port_name,
@@ -95,7 +95,7 @@ class Port:
         self._worker = Worker()
 
     def __enter__(self) -> Self:
-        """Opens the port. One that opens after Ctrl-C is closed."""
+        """Opens the port. After Ctrl-C, the port is closed as soon as it is open."""
         try:
             self.open()
         except BaseException:

@@ -1,4 +1,4 @@
-"""The virtual printer, for programs and tests: a printer whose paper they can read."""
+"""The virtual printer: a printer whose paper programs and tests can read."""
 
 from __future__ import annotations
 
@@ -98,7 +98,7 @@ class VirtualPrinter:
         self._forget()
 
     def set(self, **settings: object) -> None:
-        """Changes its state: `set(cover_open=True)`. Raises UsageError for an unknown name or value."""
+        """Changes the printer's state: `set(cover_open=True)`. Raises UsageError for an unknown name or value."""
         self._ask({"set": {key_of(name): value for name, value in settings.items()}})
 
     def state(self) -> dict[str, Any]:
@@ -116,10 +116,8 @@ class VirtualPrinter:
         self._ask({"clear": "faults"})
 
     def next_receipt(self, timeout: float = PATIENCE) -> Receipt:
-        """Waits for the next job that has ended, and returns its receipt; the oldest is first. Raises OperationError
-        after `timeout` seconds without one.
-
-        A job ends when its port is closed.
+        """Returns the oldest receipt that was not returned yet. Waits until its job has ended; raises OperationError if
+        none has ended within `timeout` seconds. A job ends when its port is closed.
         """
         try:
             record = self._jobs.get(timeout=timeout)
