@@ -4,7 +4,7 @@
 find_program(QUOR_OBJCXX_COMPILER NAMES clang++)
 find_path(GNUSTEP_INCLUDE_DIR Foundation/Foundation.h PATH_SUFFIXES GNUstep)
 find_library(GNUSTEP_LIBRARY gnustep-base)
-# The runtime of Objective-C is in gcc's own folder, whichever compiler builds the rest.
+# The runtime of Objective-C is in gcc's own folder, even if another compiler builds the sources.
 execute_process(COMMAND gcc -print-file-name=include
                 OUTPUT_VARIABLE QUOR_COMPILER_INCLUDE_DIR OUTPUT_STRIP_TRAILING_WHITESPACE)
 find_path(OBJC_INCLUDE_DIR objc/objc.h PATHS ${QUOR_COMPILER_INCLUDE_DIR})

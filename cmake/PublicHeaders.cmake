@@ -1,4 +1,4 @@
-# The installed headers: those that programs include, and those that these include in turn.
+# The installed headers: the headers that programs include, and the headers that those include.
 set(QUOR_PUBLIC_HEADERS
   backends/AccessoryIdentity.h
   backends/DeviceIdentity.h

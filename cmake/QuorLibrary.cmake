@@ -12,8 +12,8 @@ list(TRANSFORM rooms REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>" OUTPUT_VARIABLE obje
 list(APPEND objects $<FILTER:$<TARGET_OBJECTS:quor_simulator>,EXCLUDE,/drawing/>)
 
 # QUOR_EXPORT decides which names are exported: the rooms are compiled with all other names hidden.
-# The map adds two things. It gives the exported names the library's version. And it hides names
-# that other headers make visible, such as instances of standard templates.
+# The map gives the exported names the library's version. It also hides names that other headers
+# make visible, such as instances of standard templates.
 set(export_map ${PROJECT_BINARY_DIR}/exports.map)
 file(CONFIGURE OUTPUT ${export_map} @ONLY CONTENT [[
 QUORIOPORT_@PROJECT_VERSION_MAJOR@ {
@@ -50,7 +50,7 @@ set_target_properties(QuorIOPort PROPERTIES VERSION ${PROJECT_VERSION}
 target_link_options(QuorIOPort PRIVATE LINKER:--version-script=${export_map} LINKER:--no-undefined)
 target_link_libraries(QuorIOPort PRIVATE ${ZINT_LIBRARY} Threads::Threads)
 
-# Linked by name, so that only programs that link statically need the package of that library.
+# The library is linked by name, so that only programs that link statically need its package.
 set(QUOR_STATIC_LINKS zint pthread)
 quor_product(QuorIOPortStatic STATIC)
 target_link_libraries(QuorIOPortStatic INTERFACE ${QUOR_STATIC_LINKS})

@@ -1,6 +1,6 @@
 # Completes the arguments of quorport in bash. Needs the package bash-completion, which loads this
-# file. It reads the command's help, and therefore offers exactly the commands, options and values
-# that the command accepts.
+# file. The completion reads the command's help, and therefore offers exactly the commands, options
+# and values that the command accepts.
 
 # Reads a help text and writes its options, one in each line: short form, long form, type of the
 # value ("-" if there is none), description.

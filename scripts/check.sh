@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # check.sh BUILD [--all]: checks formatting, lint, the reference, include rules and documentation.
-# BUILD is a configured build folder. With --all every source is linted, otherwise only those that
-# changed since they last passed. All checks run, even after a failed one; the last line names those
-# that failed.
+# BUILD is a configured build folder. With --all every source is linted, otherwise only the sources
+# that changed since they last passed. All checks run, even after a failed one; the last line names
+# the failed checks.
 set -uo pipefail
 build=$1
 failed=()

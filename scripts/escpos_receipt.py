@@ -56,7 +56,7 @@ def raster(picture: str, scale: int) -> bytes:
 
 
 def line(text: str = "", amount: str = "") -> bytes:
-    """A line with the amount at the right edge."""
+    """Returns a line with the amount at the right edge."""
     return (text + amount.rjust(COLUMNS - len(text))).rstrip().encode("ascii") + b"\n"
 
 

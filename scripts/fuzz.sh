@@ -2,8 +2,8 @@
 # fuzz.sh BUILD LIMIT [TARGET …]: runs the named fuzz targets of the build folder, or all of them,
 # one on each core. LIMIT is an option of the fuzzing engine that applies to each target:
 # -max_total_time=SECONDS or -runs=INPUTS. QUOR_SEED is the seed of the inputs; 0 means a random
-# one. New inputs are collected in BUILD/corpus. An input that fails is written to BUILD/found,
-# beside the target's log, and fails the run.
+# seed. New inputs are collected in BUILD/corpus. An input that fails is written to BUILD/found,
+# beside the target's log, and makes the run fail.
 set -euo pipefail
 build=$1
 limit=$2

@@ -25,7 +25,7 @@ RULES = ".clang-tidy"
 
 @cache
 def included(file: Path) -> tuple[Path, ...]:
-    """The project's headers that the file includes directly."""
+    """Returns the project's headers that the file includes directly."""
     names = [name.decode() for name in INCLUDE.findall(file.read_bytes())]
     places = (file.parent, ROOT, ROOT / "include")
     found = (next((place / name for place in places if (place / name).is_file()), None) for name in names)
@@ -33,7 +33,7 @@ def included(file: Path) -> tuple[Path, ...]:
 
 
 def closure(source: Path) -> list[Path]:
-    """The source, and all of the project's headers that it includes, directly or indirectly."""
+    """Returns the source, and all of the project's headers that it includes, directly or indirectly."""
     seen, left = set(), [source]
     while left:
         file = left.pop()
@@ -49,7 +49,7 @@ def content(file: Path) -> bytes:
 
 
 def sources(build: Path) -> dict[Path, str]:
-    """The product's sources, each with its compile command."""
+    """Returns the product's sources, each with its compile command."""
     found = {}
     for entry in json.loads((build / "compile_commands.json").read_text()):
         file = Path(entry["directory"], entry["file"]).resolve()
@@ -66,7 +66,7 @@ class Lint:
 
     @staticmethod
     def rules(source: Path) -> list[Path]:
-        """The files that configure the checks of the source's folder."""
+        """Returns the files that configure the checks of the source's folder."""
         folders = [folder for folder in source.parents if folder.is_relative_to(ROOT)]
         return [folder / RULES for folder in folders if (folder / RULES).is_file()]
 

@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# The Debian packages that ./dev needs, and how it gets them. Sourced by ./dev.
+# The Debian packages that ./dev needs, and functions that install them. Sourced by ./dev.
 
 # shellcheck disable=SC2034  # the lists are used by ./dev
 build_packages=(cmake ninja-build g++ pkg-config libgtest-dev libgmock-dev libcli11-dev
@@ -20,7 +20,7 @@ prove_packages=(llvm)
 bench_packages=(libbenchmark-dev libcups2-dev libspdlog-dev python3)
 
 # need_packages NAME …: returns when all packages are installed. For root it installs the missing
-# ones. For other users it shows the command that installs them, and ends the script.
+# packages. For other users it shows the command that installs them, and ends the script.
 need_packages() {
   command -v dpkg-query >/dev/null || return 0 # not Debian: the build will show the missing packages
   local package missing=()

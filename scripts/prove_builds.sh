@@ -13,7 +13,7 @@ while (($#)); do
   shift || true
 done
 
-wanted() { # wanted ROW …: succeeds if one of these rows was asked for
+wanted() { # wanted ROW …: succeeds if one of these rows is to be run
   ((${#rows[@]})) || return 0
   local row
   for row in "${rows[@]}"; do

@@ -2,14 +2,14 @@
 # trial.sh FOLDER: tries the packages as a new user would, in a bare Debian system that it creates
 # in FOLDER/bare. It installs the packages of FOLDER there, and runs the scripts of scripts/trial,
 # each of which begins with the claim that it tests. It needs root, debootstrap and the network. The
-# bare system does not see this machine's files, and the trials have a network of their own, so they
-# cannot meet this machine's ports. Each step shows its duration.
+# bare system does not see this machine's files, and the trials have a network of their own, so this
+# machine's ports cannot disturb them. Each step shows its duration.
 set -euo pipefail
 folder=$1
 root=$folder/bare
 suite=$(. /etc/os-release && echo "$VERSION_CODENAME")
 
-# The packages neither contain nor require these tools, and only recommend these packages.
+# Tools that the packages neither contain nor require, and packages that they only recommend.
 tools=(cmake g++ iproute2 ninja-build pkg-config)
 recommended=(cups fonts-dejavu-core libzint-dev python3-venv systemd)
 
@@ -18,7 +18,7 @@ trials=(programs programs_in_c readme_program python wheel print_system printer_
 longest=300 # seconds
 
 # inside WORD … COMMAND: runs the command in a root shell of the bare system, in the folder of the
-# trials. The words are options of unshare. All processes of the command end with it.
+# trials. The words are options of unshare. All processes of the command end when the command ends.
 inside() {
   unshare --mount --pid --fork --kill-child --mount-proc --root="$root" --wd=/trial "${@:1:$#-1}" \
     env --ignore-environment HOME=/trial PATH=/usr/sbin:/usr/bin:/sbin:/bin DEBIAN_FRONTEND=noninteractive \
@@ -37,7 +37,7 @@ step() {
   printf '%5d.%d s  %s\n' $((milliseconds / 1000)) $((milliseconds / 100 % 10)) "$1"
 }
 
-# The claim of a trial: its first line.
+# Writes the claim of a trial, which is its first line.
 claim_of() {
   sed -n '1s/^# \(.*\)\.$/\1/p' "scripts/trial/$1.sh"
 }

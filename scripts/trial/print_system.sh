@@ -25,7 +25,7 @@ await_paper "THE CORNER BAKERY"
 await_journal 1
 [ "$(stat --format %U /var/cache/cups/quor/jobs.db)" = lp ]
 
-# Root has read the journal; the back end must still be able to write it.
+# Root has read the journal; the back end must still be able to write to it.
 echo "another receipt" | lp -d till -
 await_paper "another receipt"
 await_journal 2
