@@ -9,8 +9,9 @@
 
 namespace quordalvane::bench {
 
-/// Many open line-mode ports over TCP, each with a port thread, and a peer that answers all of
-/// them. A crowd must be created on the main thread, because otherwise the ports have no threads.
+/// A crowd is many open line-mode ports over TCP, each with a port thread, and a peer that answers
+/// all of them. A crowd must be created on the main thread, because otherwise the ports have no
+/// threads.
 class Crowd {
  public:
   Crowd(int count, Core peerCore);

@@ -17,7 +17,7 @@ struct Heading {
   std::string unit;
 };
 
-/// How much the ratios of the pairs differ.
+/// Values that show how much the ratios of the pairs differ.
 struct Spread {
   double median;
   double lowest;

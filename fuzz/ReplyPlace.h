@@ -38,9 +38,9 @@ std::optional<Place> placeIn(Parser parser, const Bytes& bytes) {
   return place;
 }
 
-/// Requires that more bytes around `bytes` do not confuse the parser. A zero byte before them moves
-/// the field by one. A zero byte after them does not move the field. A complete reply after them is
-/// always found.
+/// Requires that additional bytes around `bytes` do not confuse the parser. A zero byte before
+/// `bytes` moves the field by one. A zero byte after `bytes` does not move the field. A complete
+/// reply after `bytes` is always found.
 template <typename Parser>
 void requireSteady(Parser parser, const Bytes& bytes, const Bytes& wholeReply) {
   auto place = placeIn(parser, bytes);

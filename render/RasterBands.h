@@ -33,7 +33,7 @@ class RasterBands {
   /// on the paper.
   void flush();
 
-  /// Sends the rest, except white rows at the end.
+  /// Sends the remaining rows, except white rows at the end.
   void end();
 
  private:

@@ -25,7 +25,7 @@ class RasterPage {
   /// Adds a row of `pageDots` pixels, one byte each; 0 is black and 255 white.
   void add(ByteView grey) { bands_.add(dither_.dots(grey.subspan(skipped_))); }
 
-  /// Sends the rest, except white rows at the end.
+  /// Sends the remaining rows, except white rows at the end.
   void end() { bands_.end(); }
 
  private:

@@ -26,7 +26,7 @@ class TextPrinting {
   /// Adds a line that is always drawn. The text added before must have ended with a line end.
   void addDrawn(const std::string& line);
 
-  /// Sends the rest. Throws the exceptions of TextLines::end.
+  /// Sends the remaining text. Throws the exceptions of TextLines::end.
   void end();
 
   /// Returns the characters that have no glyph; see TextDrawing::missing.

@@ -4,7 +4,7 @@
 
 namespace quordalvane::simulator {
 
-// The bytes are 1b 26 y c1 c2. Then, for each character, its width x, and y times x bytes, column
+// The bytes are 1b 26 y c1 c2, and then for each character its width x and y times x bytes, column
 // by column.
 void CharacterMemory::define(ByteView command) {
   const unsigned bytesAColumn = command[2];

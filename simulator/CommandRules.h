@@ -9,67 +9,68 @@
 /// requires. In these comments, bytes are in hex.
 namespace quordalvane::simulator::rules {
 
-/// 1b 44: columns that end with a zero.
+/// 1b 44 is followed by columns and a zero.
 std::uint64_t tabStops(ByteView bytes);
 
-/// 1d 28 4c pL pH and others: the length is in two bytes after the selector.
+/// 1d 28 4c pL pH and others have their length in two bytes after the selector.
 std::uint64_t countedByWord(ByteView bytes);
 
-/// 1d 38 4c: the length is in four bytes.
+/// 1d 38 4c has its length in four bytes.
 std::uint64_t countedByDoubleWord(ByteView bytes);
 
-/// 1b 2a: one or three bytes for each column.
+/// 1b 2a has one or three bytes for each column.
 std::uint64_t bitImage(ByteView bytes);
 
-/// 1d 76 30 and 1d 51: the width in bytes and the height.
+/// 1d 76 30 and 1d 51 contain the width in bytes and the height.
 std::uint64_t raster(ByteView bytes);
 
-/// 1d 2a: the width and height in units of eight dots.
+/// 1d 2a contains the width and the height in units of eight dots.
 std::uint64_t downloadedImage(ByteView bytes);
 
-/// 1d 6b: the data end with a zero, or have a count.
+/// The data of 1d 6b ends with a zero, or is preceded by its count.
 std::uint64_t barcode(ByteView bytes);
 
-/// 1d 56: with or without a feed.
+/// 1d 56 may contain a feed.
 std::uint64_t cut(ByteView bytes);
 
-/// 10 04: questions about ink and other devices have one parameter more.
+/// 10 04 has one more parameter in questions about ink and other devices.
 std::uint64_t realTimeStatus(ByteView bytes);
 
-/// 10 14: each function has its own parameters.
+/// The parameters of 10 14 depend on its function.
 std::uint64_t realTimeAction(ByteView bytes);
 
-/// 1d 43: the form of a counter, as numbers or as digits.
+/// 1d 43 contains the form of a counter, as numbers or as digits.
 std::uint64_t counter(ByteView bytes);
 
-/// 1d 44 m fn a kc1 kc2 b c, then a bitmap file, which contains its own size.
+/// 1d 44 m fn a kc1 kc2 b c is followed by a bitmap file, which contains its own size.
 std::uint64_t bitmapFile(ByteView bytes);
 
-/// 1c 61: function 0 has a parameter.
+/// 1c 61 has a parameter in function 0.
 std::uint64_t cheque(ByteView bytes);
 
-/// 1b 5a: version, error correction and size, then the count of the data.
+/// 1b 5a contains the version, the error correction, the size, and the count of the data.
 std::uint64_t countedSymbol(ByteView bytes);
 
-/// 1c 67: function 1 is followed by data.
+/// 1c 67 is followed by data in function 1.
 std::uint64_t userMemory(ByteView bytes);
 
-/// 1b 26 y c1 c2; for each character follow its width x and y times x bytes.
+/// 1b 26 y c1 c2 is followed, for each character, by its width x and y times x bytes.
 std::uint64_t userCharacters(ByteView bytes);
 
-/// 1c 71 n; then for each of n images its size xL xH yL yH in units of eight dots, and its dots.
+/// 1c 71 n is followed, for each of n images, by its size xL xH yL yH in units of eight dots, and
+/// its dots.
 std::uint64_t storedImages(ByteView bytes);
 
-/// 1d 27 n: n line segments, each with its beginning and end.
+/// 1d 27 n is followed by n line segments, each with its beginning and end.
 std::uint64_t dividedCurves(ByteView bytes);
 
-/// 12 56 and 12 76: a count of rows of 384 dots, and the rows.
+/// 12 56 and 12 76 contain a count of rows of 384 dots, and the rows.
 std::uint64_t rowsOfDots(ByteView bytes);
 
-/// 12 2a r n: r rows of n bytes.
+/// 12 2a r n is followed by r rows of n bytes.
 std::uint64_t countedRows(ByteView bytes);
 
-/// 1b 57 n m x1 y1 x2 y2, a command of displays: m says whether the position follows.
+/// 1b 57 n m x1 y1 x2 y2 is a command of displays; m says whether the position follows.
 std::uint64_t displayWindow(ByteView bytes);
 
 }  // namespace quordalvane::simulator::rules

@@ -59,7 +59,7 @@ Bitmap fromRows(ByteView rows, unsigned width, unsigned height, unsigned scaleX,
   return image;
 }
 
-// Returns a number of bytes in decimal digits.
+// Returns the reply that contains the count of bytes in decimal digits.
 Bytes numberReply(std::uint8_t identifier, std::size_t number) {
   Bytes reply = {0x37, identifier};
   for (const char digit : std::to_string(number)) {
@@ -266,8 +266,8 @@ GraphicsMemory::Outcome GraphicsMemory::erase(unsigned first, unsigned last) {
   return Outcome::Stored;
 }
 
-// The bytes are 1c 71 n. Then, for each image, its size in units of eight dots, and its columns.
-// They replace all earlier images of this memory.
+// The bytes are 1c 71 n, and then for each image its size in units of eight dots and its columns.
+// The images replace all earlier images of this memory.
 GraphicsMemory::Outcome GraphicsMemory::storeNumbered(ByteView command) {
   erase(numberedMemory, numberedMemory + memorySize);
   std::size_t at = 3;

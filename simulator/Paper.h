@@ -72,7 +72,7 @@ struct LineItem {
 };
 
 /// The horizontal place of a line: the `room` dots that follow the first `left` dots of the print
-/// area. If `room` is 0, all dots after the first `left`.
+/// area. If `room` is 0, the place is all dots after the first `left`.
 struct Place {
   Alignment alignment = Alignment::Left;
   unsigned left = 0;
@@ -184,7 +184,7 @@ inline constexpr std::size_t heaviestPaper = std::size_t{4} * 1024 * 1024;
 /// The greatest length of a paper in dots. It is fifty metres, the length of a roll.
 inline constexpr std::uint64_t longestPaper = 400'000;
 
-/// The output of a printer, from the top. It only grows.
+/// The output of a printer, from the top. Output is only added, never removed.
 class Paper {
  public:
   explicit Paper(unsigned widthInDots = widePaperDots) : width_(widthInDots) {}

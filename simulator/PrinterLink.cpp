@@ -6,11 +6,11 @@
 namespace quordalvane::simulator {
 namespace {
 
-// In bytes. This limits the answers to a host that asks questions and never reads.
+// The most bytes that wait for a host. The limit is for a host that asks questions and never reads.
 constexpr std::size_t mostWaiting = std::size_t{64} * 1024;
 
-// In bytes. In command mode the printer receives nothing, so the state of its buffer does not
-// matter.
+// The count of bytes that a write accepts in command mode. The printer then receives nothing, so
+// the space in its buffer does not matter.
 constexpr std::size_t commandModeSpace = 256;
 
 }  // namespace

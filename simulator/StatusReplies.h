@@ -30,7 +30,7 @@ Bytes dipSwitchReply(const PrinterState& state, std::uint8_t digit);
 /// holds the new value of the printer's counter.
 Bytes etbReport(const PrinterState& state);
 
-/// Returns the reply to a process-ID command: it contains the four characters of the command.
+/// Returns the reply to a process-ID command, which contains the four characters of the command.
 Bytes processIdReport(ByteView command);
 
 /// Returns the byte that answers a status request 1d 72, 1b 75 or 1b 76, about the paper or the
@@ -44,7 +44,7 @@ Bytes settingReply(ByteView command);
 /// Returns the four bytes that report a change without a question.
 Bytes unaskedStatus(const PrinterState& state);
 
-/// Returns the reply after the buffer was cleared.
+/// Returns the reply that reports that the buffer was cleared.
 Bytes clearedReport();
 
 }  // namespace quordalvane::simulator

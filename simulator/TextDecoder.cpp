@@ -9,7 +9,8 @@
 namespace quordalvane::simulator {
 namespace {
 
-// In bytes. A longer run is converted before its end arrives, so that it needs no more memory.
+// The length of the longest run in bytes. A longer run is converted before its end arrives, so that
+// it needs no more memory.
 constexpr std::size_t longestRun = 256;
 
 constexpr char32_t house = 0x2302;  // a house, for byte 7f in the printers' own fonts

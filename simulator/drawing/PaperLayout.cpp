@@ -84,7 +84,7 @@ unsigned PaperLayout::heightOf(PlacedItem& placed) const {
   return partialCut;
 }
 
-// Never moves back past the beginning of the piece.
+// Moves the position, but never back past the beginning of the piece.
 void PaperLayout::moveOn(int dots) {
   const auto top = static_cast<std::int64_t>(begin_) + margins_.end;
   y_ = static_cast<unsigned>(std::max<std::int64_t>(std::int64_t{y_} + dots, top));

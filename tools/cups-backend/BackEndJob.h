@@ -16,8 +16,8 @@ struct BackEndJob {
   unsigned copies = 1;  ///< the count of copies to print here; 1 if filters have made the copies
   std::string name;     ///< the job's name in the journal, the same in each attempt
 
-  /// When the scheduler ended the job, in seconds since 1970. If a job that has ended is started, a
-  /// person has asked to print it again.
+  /// The time at which the scheduler ended the job, in seconds since 1970. If a job that has ended
+  /// is started, a person has asked to print it again.
   std::optional<std::int64_t> ended;
 
   /// The file with the job's data; empty if standard input has the data.

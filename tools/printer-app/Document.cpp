@@ -13,7 +13,8 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-// In bytes. This is far more than any receipt has, but little enough for the machine's memory.
+// The size of the largest job in bytes. This is far more than any receipt has, but little enough
+// for the machine's memory.
 constexpr std::size_t largestJob = std::size_t{64} << 20U;
 constexpr std::size_t pieceSize = std::size_t{64} << 10U;
 

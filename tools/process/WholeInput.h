@@ -6,8 +6,8 @@
 
 namespace quordalvane::tool {
 
-/// In bytes. This is far more than any receipt has, but little enough for the machine's memory if
-/// an input has no end.
+/// The size of the largest job in bytes. This is far more than any receipt has, but little enough
+/// for the machine's memory if an input has no end.
 constexpr std::size_t largestJob = std::size_t{256} << 20U;
 
 /// Reads `descriptor` to its end. Throws `std::system_error` if `descriptor` cannot be read, and

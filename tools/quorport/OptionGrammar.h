@@ -9,7 +9,8 @@ class App;
 namespace quordalvane::tool {
 
 // Each function adds options to the parser `app`. While `app` parses, it writes the values into
-// `options`, and throws CLI::ValidationError for a wrong value. Both must outlive the parsing.
+// `options`, and throws CLI::ValidationError for a wrong value. `app` and `options` must outlive
+// the parsing.
 
 void addGlobalOptions(CLI::App& app, Options& options);
 void addStatusOptions(CLI::App& app, Options& options);

@@ -84,7 +84,8 @@ Bundle::Bundle(const Options& options)
                          "--bundle: the file " + inQuotes(path_) +
                              " cannot be made: " + std::generic_category().message(errno));
   }
-  // The file is removed now, so that an interrupted examination leaves no file.
+  // The file is removed now and created again at the end, so that an interrupted examination leaves
+  // no file.
   ::close(file);
   ::unlink(path_.c_str());
   recording_.emplace(records_, options.logLevels);

@@ -18,8 +18,8 @@ constexpr std::size_t reserve = 64;
 
 constexpr std::size_t pieceSize = 4096;
 
-// In bytes. The system buffers less than this for one connection, so it is always found that a host
-// has left.
+// The most bytes that are read ahead. The system buffers less for one connection, so it is always
+// found that a host has left.
 constexpr std::size_t mostReadAhead = std::size_t{16} << 20U;
 
 constexpr std::size_t mostOutgoing = std::size_t{64} << 10U;

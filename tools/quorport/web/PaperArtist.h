@@ -16,7 +16,7 @@ namespace quordalvane::tool {
 /// Draws the printers' papers while they grow, on a thread of its own.
 class PaperArtist {
  public:
-  /// New output of one printer. Several outputs that wait are joined.
+  /// New output of one printer. Outputs that wait for the thread are joined.
   struct Print {
     std::size_t printer = 0;
     std::vector<simulator::PaperItem> items;
