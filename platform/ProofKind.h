@@ -24,20 +24,20 @@ enum class ProofKind : std::int32_t {
 
 /// The name and the description of a proof.
 struct ProofWords {
-  ProofKind kind;         ///< the proof
-  std::string_view name;  ///< its name, as people and programs write it
-  std::string_view
-      about;  ///< how the printer proves a job: "it counts marks before and after each job"
+  ProofKind kind;          ///< the proof
+  std::string_view name;   ///< its name, as people and programs write it
+  std::string_view about;  ///< how the printer proves a job, as a sentence
 };
 
 /// A table of all proofs. `Auto` is first and `None` is last. Between them are the proofs that a
 /// printer can give, beginning with the strongest.
 inline constexpr ProofWords proofWords[] = {
-    {ProofKind::Auto, "auto", "it is asked for its proof"},
-    {ProofKind::Block, "block", "it counts marks before and after each job"},
-    {ProofKind::ProcessId, "process-id", "it names the characters that end each job"},
-    {ProofKind::InOrder, "in-order", "it answers the question that ends each job, in its turn"},
-    {ProofKind::None, "none", "it confirms no job, so that each is unconfirmed at best"},
+    {ProofKind::Auto, "auto", "the printer is asked for its proof"},
+    {ProofKind::Block, "block", "the printer counts marks before and after each job"},
+    {ProofKind::ProcessId, "process-id", "the printer returns the characters that end each job"},
+    {ProofKind::InOrder, "in-order",
+     "the printer answers the question that ends each job, in order"},
+    {ProofKind::None, "none", "the printer confirms no job, so each job is unconfirmed at best"},
 };
 
 /// Returns the name of a proof.

@@ -21,12 +21,12 @@ constexpr std::string_view noRoute =
     "check the address, the cable and the printer's power; ping the address";
 
 constexpr OpenCause causes[] = {
-    {ECONNREFUSED, "nothing-listens", "nothing listens there", noListener},
+    {ECONNREFUSED, "nothing-listens", "nothing listens at the address and port", noListener},
     {ETIMEDOUT, "unreachable", "nobody answers at the address", noRoute},
     {EHOSTUNREACH, "unreachable", "nobody answers at the address", noRoute},
     {ENETUNREACH, "unreachable", "there is no route to the address", noRoute},
     {OpenCause::anyCode, "not-resolved", "the host name cannot be resolved",
-     "check its spelling; give the address in figures, as the printer's self-test prints it",
+     "check its spelling; use the numeric address, which the printer's self-test prints",
      resolverCategory},
 };
 
@@ -63,10 +63,10 @@ constinit const Scheme tcpScheme = {
     .checkPlace = checkPlace,
     .make = make,
     .ifSilent =
-        "end the other program that may hold the printer, which serves one at a time; check "
-        "that it is the printer's address; switch the printer off and on only if nobody "
+        "if another program uses the printer, which serves one at a time, end that program; check "
+        "that the address is the printer's; switch the printer off and on only if nobody "
         "prints on it",
-    .ifNotUnderstood = "check that it is the printer's address and port",
+    .ifNotUnderstood = "check that the address and the port are the printer's",
     .causes = causes,
     .placeMeantBy = placeMeantBy,
 };

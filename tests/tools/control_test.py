@@ -127,12 +127,12 @@ class ControlLines(Case):
         self.printer = self.simulator()
         before = self.printer.state()
         for line, saying in [
-            (b"", "no JSON"),
-            (b"hello", "no JSON"),
-            (b"{", "no JSON"),
-            (b'{"get":"state"} x', "no JSON"),
-            (b"\xff\xfe", "no JSON"),
-            (b"[" * 5000, "no JSON"),
+            (b"", "not JSON"),
+            (b"hello", "not JSON"),
+            (b"{", "not JSON"),
+            (b'{"get":"state"} x', "not JSON"),
+            (b"\xff\xfe", "not JSON"),
+            (b"[" * 5000, "not JSON"),
             (b"[]", '{"get": "state"}'),
             (b"null", '{"get": "state"}'),
             (b"{}", '{"get": "state"}'),

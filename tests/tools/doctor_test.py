@@ -144,7 +144,7 @@ class DoctorCauses(Case):
         printer = self.serial_printer(termios.B19200)
         self.assertCause("wrong-speed", 1, "-d", f"serial:{printer.path}")
         result = run("-d", f"serial:{printer.path},baud=38400", "doctor")
-        self.assertIn("talks at 19200 baud, and was asked at 38400", result.out)
+        self.assertIn("answers at 19200 baud, but was asked at 38400", result.out)
         self.assertIn(",baud=19200", result.out)
         self.assertExit(0, run("-d", f"serial:{printer.path},baud=19200", "doctor"))
 
@@ -208,7 +208,7 @@ class DoctorResult(Case):
             self.assertEqual(device["device"], simulator.place)
             self.assertEqual(set(device["status"]), STATUS_KEYS)
             self.assertEqual(device["proof"], "block")
-            self.assertIn("  proof: block: it counts marks", result.out)
+            self.assertIn("  proof: block: the printer counts marks", result.out)
 
     def test_doctor_reports_how_an_escpos_printer_confirms_jobs(self):
         for proofs, found in (("block+in-order", "block"), ("process-id+in-order", "process-id"), ("in-order", "in-order"),
@@ -216,8 +216,8 @@ class DoctorResult(Case):
             simulator = self.simulator("tcp:0", "--set", f"proofs={proofs}")
             result = run("-d", simulator.place, "-e", "escpos", "doctor")
             self.assertExit(0, result)
-            self.assertIn(f"  proof: {found}: it ", result.out)
-            self.assertIn(f",proof={found} saves", result.out)
+            self.assertIn(f"  proof: {found}: the printer ", result.out)
+            self.assertIn(f",proof={found} a job need not ask", result.out)
             (device,) = run("-d", simulator.place, "-e", "escpos", "doctor", "--json").json()["devices"]
             self.assertEqual(device["proof"], found)
         self.assertIn("unconfirmed at best", result.out)

@@ -342,7 +342,7 @@ class QueryAnswers(Case):
         for command in (("status",), ("online",), ("firmware",), ("monitor", "--count", "1")):
             result = run("-e", "unknown", *command, "--json")
             self.assertExit(1, result)
-            self.assertIn("--emulation line or escpos", result.json()["error"])
+            self.assertIn("use --emulation line or --emulation escpos", result.json()["error"])
 
     def test_a_device_that_is_not_a_printer_is_not_reported_as_ready(self):
         def check(words: bytes, *command: str):
@@ -389,7 +389,7 @@ class DeviceOption(Case):
             result = run(command, "--json")
             self.assertExit(0, result)
             self.assertEqual(result.json()["device"], "virtual:")
-            self.assertIn("no device is given: this is the virtual printer", result.err)
+            self.assertIn("no device is given, so the virtual printer is used", result.err)
             self.assertEqual(run("-d", "virtual:", command).err, "")
 
     def test_devices_can_be_given_by_a_variable_and_overridden_on_the_command_line(self):

@@ -61,7 +61,7 @@ class Rendering(Case):
             self.assertEqual(taken[0], job)
 
     def test_utf8_text_without_the_option_text_causes_a_hint(self):
-        hint = "with --text it is printed as it reads"
+        hint = "--text prints the right ones"
         self.assertIn(hint, run("-d", "virtual:", "print", "-", data="Café\n".encode()).err)
         for job, options in ((b"Cafe\n", ()), ("\x1b@Café\n".encode(), ()), (b"Caf\xe9\n", ()),
                              ("Café\n".encode(), ("--text",))):
@@ -73,7 +73,7 @@ class Rendering(Case):
         self.assertIn("U+10FFFD", result.err)
 
     def test_a_file_that_is_neither_text_nor_picture_is_refused_and_nothing_is_sent(self):
-        self.assertRefused("no UTF-8 at byte 3", b"Caf\xe9\n", "--text")
+        self.assertRefused("not UTF-8 at byte 3", b"Caf\xe9\n", "--text")
         self.assertRefused("a control character at byte 0", b"\x1b@", "--text")
         self.assertRefused("no picture in PNG or JPEG", b"%PDF-1.4", "--image")
         self.assertRefused("64000000", png(8, 2, 0, claimed=(60000, 60000)), "--image")

@@ -316,7 +316,7 @@ class JobRecords(Case):
     def test_an_unknown_value_of_the_option_per_is_refused(self):
         result = run("simulate", "--listen", "tcp:0", "--per", "day")
         self.assertExit(2, result)
-        self.assertIn("cut, job or connection", result.err)
+        self.assertIn('takes "cut", "job" or "connection"', result.err)
 
 
 if __name__ == "__main__":

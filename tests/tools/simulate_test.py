@@ -45,7 +45,7 @@ class ListeningAddresses(Case):
         for option in (["--listen", f"unix:{path}"], ["--listen", "tcp:0", "--control", f"unix:{path}"]):
             result = run("simulate", *option)
             self.assertExit(1, result)
-            self.assertIn("no socket", result.err)
+            self.assertIn("not a socket", result.err)
         with open(path, "rb") as file:
             self.assertEqual(file.read(), b"precious")
 

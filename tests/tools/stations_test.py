@@ -107,7 +107,7 @@ class HostsOption(Case):
     def test_an_unknown_value_of_the_option_hosts_is_refused(self):
         result = run("simulate", "--listen", "tcp:0", "--hosts", "all")
         self.assertExit(2, result)
-        self.assertIn("one, turns or refuse", result.err)
+        self.assertIn('takes "one", "turns" or "refuse"', result.err)
 
 
 class Drawing(Case):

@@ -26,11 +26,11 @@ class CommandLine(Case):
 
     def test_the_help_of_a_command_mentions_the_global_options(self):
         for command in set(COMMANDS) - {"help"}:
-            self.assertIn("--device and --json, are taken here as well: quorport --help", run(command, "--help").out)
+            self.assertIn("--device and --json, can follow as well; quorport --help lists them.", run(command, "--help").out)
 
     def test_the_help_of_doctor_says_that_it_needs_a_device(self):
         self.assertExit(2, run("doctor"))
-        self.assertRegex(run("doctor", "--help").out, r"Without one there is\s+nothing to look at, and the exit status is 2")
+        self.assertRegex(run("doctor", "--help").out, r"Without --device the\s+exit status is 2")
 
     def test_the_help_of_print_names_the_outcome_of_an_unchecked_job(self):
         self.assertIn("unconfirmed at best", " ".join(run("-d", "virtual:", "print", "--help").out.split()))
@@ -60,8 +60,8 @@ class CommandLine(Case):
             self.assertNotIn("did you mean", self.assertFailsInBothForms(2, *arguments).err)
 
     def test_the_error_of_an_option_before_its_command_shows_the_right_order(self):
-        self.assertFailsInBothForms(2, "--end-timeout", "2000", "print", "-", saying='"--end-timeout" belongs after the command print')
-        self.assertFailsInBothForms(2, "-v", "status", saying='"-v" belongs after the command status')
+        self.assertFailsInBothForms(2, "--end-timeout", "2000", "print", "-", saying='"--end-timeout" must follow the command print')
+        self.assertFailsInBothForms(2, "-v", "status", saying='"-v" must follow the command status')
 
     def test_the_error_of_unexpected_arguments_names_the_arguments_in_order(self):
         self.assertFailsInBothForms(2, "status", "a", "b", "c", saying='"a", "b", "c"')
@@ -105,7 +105,7 @@ class CommandLine(Case):
             self.assertExit(0, run("online", "-e", name))
 
     def test_the_error_of_an_unknown_emulation_lists_the_known_emulations(self):
-        self.assertFailsInBothForms(2, "online", "-e", "pcl", saying="line, escpos or unknown")
+        self.assertFailsInBothForms(2, "online", "-e", "pcl", saying='takes "line", "escpos" or "unknown", not "pcl"')
 
     def test_a_log_level_must_be_from_0_to_63(self):
         refusal = self.assertFailsInBothForms(2, "online", "--log-level", "99").json()["error"]

@@ -44,7 +44,7 @@ std::string didYouMean(std::string_view word, const std::vector<std::string>& ca
 std::string noSuchCommand(const std::string& word) {
   const std::string question = didYouMean(word, namesOfCommands());
   return "there is no command " + inQuotes(word) + (question.empty() ? "." : question) +
-         " The commands are " + joined(namesOfCommands(), ", ");
+         " The commands are: " + joined(namesOfCommands(), ", ");
 }
 
 bool hasOption(const CLI::App* parser, const std::string& name) {
@@ -58,7 +58,7 @@ std::string noSuchOption(const std::string& word, const std::vector<const CLI::A
   const auto owner = std::ranges::find_if(
       parsers, [&given](const CLI::App* parser) { return hasOption(parser, given); });
   if (owner != parsers.end()) {
-    return "the option " + inQuotes(given) + " belongs after the command " + (*owner)->get_name();
+    return "the option " + inQuotes(given) + " must follow the command " + (*owner)->get_name();
   }
   std::vector<std::string> names;
   for (const CLI::App* const parser : parsers) {
@@ -90,7 +90,8 @@ class Grammar {
       sub.footer(own + (own.empty() ? "" : "\n") + help::commandFooter);
     }
     help_ = &addCommand("help", "show the help of a command");
-    help_->add_option("COMMAND", helpOn_, "the command; without it, the general help is shown");
+    help_->add_option("COMMAND", helpOn_,
+                      "the command to explain; if none is given, the general help is shown");
   }
 
   std::variant<Order, std::string> parse(std::vector<std::string> arguments) {
@@ -110,7 +111,7 @@ class Grammar {
       return helpOn();
     }
     if (chosen() == nullptr) {
-      throw usage("a command is missing: it is one of " + joined(namesOfCommands(), ", "));
+      throw usage("a command is missing; the commands are: " + joined(namesOfCommands(), ", "));
     }
     return Order{chosen(), options_};
   }
@@ -157,7 +158,7 @@ class Grammar {
     if (parsed.empty()) {
       return noSuchCommand(words.front());
     }
-    return "more words than " + parsed.front()->get_name() + " takes: " + eachInQuotes(words);
+    return "too many arguments for " + parsed.front()->get_name() + ": " + eachInQuotes(words);
   }
 
   CommandFailure usage(const std::string& what) const {

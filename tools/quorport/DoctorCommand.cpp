@@ -57,7 +57,7 @@ std::string proofLine(const Diagnosis& diagnosis) {
   }
   return "  proof: " + inWords(*diagnosis.proof) +
          (diagnosis.emulation == ZKEmulationESCPOS
-              ? "; ,proof=" + std::string(nameOf(*diagnosis.proof)) + " saves jobs the question"
+              ? "; with ,proof=" + std::string(nameOf(*diagnosis.proof)) + " a job need not ask"
               : "") +
          "\n";
 }
@@ -79,8 +79,9 @@ Findings examinePortName(const Options& options, const Surroundings& surrounding
       chosenAccessory(*platform, anyPrinter) == nullptr) {
     return {};
   }
-  return {{"port-name", ExitCode::NoAccessory, noneMatches(*platform, options).what(),
-           "use BT: for the first printer, or a name that quorport list shows"}};
+  return {
+      {"port-name", ExitCode::NoAccessory, noneMatches(*platform, options).what(),
+       "use --port-name BT: for the first printer, or BT: and a name that quorport list shows"}};
 }
 
 void add(Report& report, const Findings& findings) {
@@ -114,7 +115,7 @@ Report examineAll(const Options& options, const Surroundings& surroundings) {
 Report doctor(const Options& options, const Surroundings& surroundings) {
   if (options.devices.empty()) {
     throw CommandFailure(ExitCode::Usage,
-                         "doctor looks at devices: name at least one with --device");
+                         "doctor examines devices: name at least one with --device");
   }
   std::optional<Bundle> bundle;
   if (options.doctor.bundle) {
@@ -129,7 +130,7 @@ Report doctor(const Options& options, const Surroundings& surroundings) {
       report.code = report.code == ExitCode::Done ? ExitCode::ExchangeFailed : report.code;
     } else {
       report.text += "\nThe file " + printable(*options.doctor.bundle) +
-                     " can be sent on; it holds no print data.\n";
+                     " holds no print data and can be sent to others.\n";
     }
   }
   return report;

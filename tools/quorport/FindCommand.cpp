@@ -43,7 +43,7 @@ Report find(const Options& /*options*/, const Surroundings& surroundings) {
     report.text += lineOf(found);
   }
   if (report.text.empty()) {
-    report.text = "Nothing to print on was found.\n";
+    report.text = "No printer was found.\n";
   }
   for (const std::string& why : discovery.unsearched) {
     complain(why, surroundings.streams);

@@ -8,55 +8,56 @@ inline constexpr auto description =
     "Talks to receipt printers: asks for their state, prints, and reports the outcome honestly.";
 
 inline constexpr auto statusesAndExamples =
-    "Exit status: 0 done, 1 the exchange with the printer failed, 2 usage, 3 no accessory matched "
-    "or\n"
-    "it could not be opened, 4 the printer is not ready, 5 the link was lost, 6 unconfirmed,\n"
-    "7 the journal of jobs cannot be kept, and nothing was sent,\n"
-    "128 and its number on a signal: 129 hung up, 130 interrupted, 143 terminated.\n"
+    "Exit status: 0 done, 1 the exchange with the printer failed, 2 wrong usage, 3 no accessory\n"
+    "matched or it could not be opened, 4 the printer is not ready, 5 the link was lost,\n"
+    "6 unconfirmed, 7 the journal of jobs cannot be written, and nothing was sent,\n"
+    "128 plus the number of a signal: 129 hung up, 130 interrupted, 143 terminated.\n"
     "\n"
-    "Without a device print refuses, and every other command uses the virtual printer and "
-    "says\n"
-    "so. The variable QUORPORT_DEVICE names devices, separated by blanks.\n"
+    "Without a device, print sends nothing and ends with exit status 2; every other command uses\n"
+    "the virtual printer and says so. The variable QUORPORT_DEVICE names devices, separated by\n"
+    "blanks.\n"
     "\n"
-    "  quorport -d virtual: print receipt.txt                 on the printer that is built in\n"
+    "  quorport -d virtual: print receipt.txt                 on the virtual printer\n"
     "  quorport -d tcp:192.0.2.10:9100 status\n"
     "  quorport -d tcp:192.0.2.10:9100 doctor                 when something does not work\n"
     "  quorport simulate --listen tcp:127.0.0.1:9100\n";
 
 inline constexpr auto printFooter =
     "The outcome is one of\n"
-    "  printed      the printer confirmed that it printed all of this job (exit status 0)\n"
-    "  unconfirmed  bytes were handed over, and nothing proves that they were printed: sending\n"
-    "               them again may print twice (6)\n"
-    "  refused      nothing of the job was sent (1, 3, 4 or 5)\n";
+    "  printed      the printer confirmed that it printed the whole job (exit status 0)\n"
+    "  unconfirmed  bytes were sent, and nothing proves that they were printed: if they are sent\n"
+    "               again, they may be printed twice (exit status 6)\n"
+    "  refused      nothing of the job was sent (exit status 1, 3, 4 or 5)\n";
 
 inline constexpr auto commandFooter =
-    "The global options, such as --device and --json, are taken here as well: quorport --help";
+    "The global options, such as --device and --json, can follow as well; quorport --help lists "
+    "them.";
 
 inline constexpr auto doctorFooter =
-    "It examines every --device that is given, and prints nothing. Without one there is\n"
-    "nothing to look at, and the exit status is 2. A serial printer that does not answer is asked\n"
-    "at every other speed as well, which may make it print stray characters.\n"
-    "The exit status is 0 if all is well, otherwise that of the first finding: 1, 3, 4 or 5.\n";
+    "This command examines the device of every --device, and prints nothing. Without --device the\n"
+    "exit status is 2. If a serial printer does not answer, it is asked at every other speed as\n"
+    "well, and may print stray characters.\n"
+    "The exit status is 0 if no fault is found, otherwise that of the first fault: 1, 3, 4 or 5.\n";
 
 inline constexpr auto monitorFooter =
-    "Each change is one line on standard output, with --json one JSON object: time, ok (whether\n"
-    "the printer answered), device, state (ready, not-ready, no-answer, link-lost or "
-    "unreachable),\n"
-    "text, status (null if there is none), changed, the names of its fields, and error if ok is "
-    "false.\n"
-    "A lost link is opened again. Meanwhile a printer that serves one host at a time serves no\n"
-    "other. With --count the exit status is that of the last look: 0, 1, 3 or 5.\n";
+    "Each change is one line on standard output. With --json the line is a JSON object with the\n"
+    "keys time, ok (whether the printer answered), device, state (ready, not-ready, no-answer,\n"
+    "link-lost or unreachable), text, status (null if there is none), changed (the names of the\n"
+    "changed fields of the status), and error if ok is false.\n"
+    "If the link is lost, this command opens it again. A printer that serves one host at a time\n"
+    "serves no other host meanwhile. With --count the exit status is that of the last status\n"
+    "request: 0, 1, 3 or 5.\n";
 
 inline constexpr auto simulateFooter =
-    "The first line on standard output is the place where it listens: the word listening, a\n"
-    "blank, and a SPEC for --device. A terminal that was dropped is replaced by one with another\n"
-    "path, which is written to standard error in the same words.\n"
-    "With --json that line is an object, and each job is another one when it ends.\n"
-    "On standard input and on the control socket it takes one JSON object a line and answers one:\n"
+    "The first line on standard output names the place where the printer listens: the word\n"
+    "listening, a blank, and a SPEC for --device. If a terminal was dropped, another one with a\n"
+    "new path replaces it, and the same line with this path is written to standard error.\n"
+    "With --json that first line is a JSON object, and each job adds another one when it ends.\n"
+    "Each line on standard input and on the control socket is a JSON object, and is answered by\n"
+    "one:\n"
     "  {\"set\": {\"coverOpen\": true, \"speed\": 200}}   {\"get\": \"state\"}   {\"quit\": true}\n"
     "  {\"fault\": {\"late-reply\": 300}}               {\"clear\": \"faults\"}\n"
     "  {\"tear\": \"paper\"}                           {\"print\": \"test\"}\n"
-    "With --web a browser shows the paper as it comes out, and sends the same lines.\n";
+    "With --web a browser shows the paper while it is printed, and sends the same lines.\n";
 
 }  // namespace quordalvane::tool::help

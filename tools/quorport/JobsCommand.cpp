@@ -60,11 +60,11 @@ void forget(Journal& journal, const std::string& name) {
     case Forgetting::Forgotten:
       return;
     case Forgetting::Unknown:
-      throw CommandFailure(ExitCode::Usage, "--forget: the journal knows no job " + inQuotes(name));
+      throw CommandFailure(ExitCode::Usage, "--forget: the journal has no job " + inQuotes(name));
     case Forgetting::BeingPrinted:
       throw CommandFailure(ExitCode::NotReady,
                            "--forget: the job " + inQuotes(name) +
-                               " is being printed; it can be forgotten when it ends");
+                               " is being printed; forget it after it has ended");
   }
 }
 

@@ -7,10 +7,10 @@ namespace quordalvane::tool {
 namespace {
 
 constexpr auto jobsFooter =
-    "A job is in the journal if it was printed with --job. Its outcome is printed, unconfirmed\n"
-    "(also if the process that printed it has ended in the middle), refused, or printing while a\n"
-    "process does. A forgotten job is printed if its name is used again, even if it is on "
-    "paper.\n";
+    "A job is in the journal if it was printed with --job. Its outcome is printed, unconfirmed,\n"
+    "refused, or, while a process prints it, printing. If that process ends too early, the job is\n"
+    "unconfirmed. If the name of a forgotten job is used again, the job is printed even if it is\n"
+    "on paper already.\n";
 
 void addJournal(CLI::App& app, std::optional<std::string>& journal) {
   app.add_option("--journal", journal,
@@ -23,13 +23,14 @@ void addJournal(CLI::App& app, std::optional<std::string>& journal) {
 
 void addJournalOptions(CLI::App& app, PrintOptions& options) {
   CLI::Option* const job =
-      app.add_option("--job", options.job,
-                     "print under this name: only once, however often it is asked for")
+      app.add_option(
+             "--job", options.job,
+             "print the job under this name, and only once, even if the command is repeated")
           ->type_name("NAME")
           ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
   addJournal(app, options.journal);
   app.add_flag("--again", options.again,
-               "print the named job again although it may be on paper already")
+               "print the named job again even if it may already be on paper")
       ->needs(job);
   app.get_option("--journal")->needs(job);
 }
@@ -37,11 +38,11 @@ void addJournalOptions(CLI::App& app, PrintOptions& options) {
 void addJobsOptions(CLI::App& app, Options& all) {
   JobsOptions& options = all.jobs;
   addJournal(app, options.journal);
-  app.add_option("--forget", options.forget, "take the job of this name out of the journal")
+  app.add_option("--forget", options.forget, "remove the job of this name from the journal")
       ->type_name("NAME")
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
   app.add_option("--older-than", options.olderThan,
-                 "take out the jobs whose last attempt is more than this number of days ago")
+                 "remove the jobs whose last attempt is more than this number of days ago")
       ->type_name("DAYS")
       ->check(CLI::Range(0U, std::numeric_limits<std::uint32_t>::max()))
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);

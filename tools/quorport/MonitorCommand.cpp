@@ -113,7 +113,7 @@ class Monitor {
     surroundings_.interruption->begin();
     const bool isLost = failure.code() == ExitCode::LinkLost;
     return {isLost ? "link-lost" : "unreachable",
-            failure.what() + std::string("; it is tried again"), nullptr, failure.code()};
+            failure.what() + std::string("; quorport tries again"), nullptr, failure.code()};
   }
 
   void note(const Look& now) {

@@ -92,11 +92,12 @@ void NamedPrinting::addTo(Report& report) const {
   report.json["attempt"] = result.attempt;
   report.json["repeated"] = result.isRepeated;
   if (result.isRepeated) {
-    report.text = "printed: already, in attempt " + std::to_string(result.attempt) +
+    report.text = "printed: already printed in attempt " + std::to_string(result.attempt) +
                   "; nothing was sent now\n";
   }
   if (!result.notRecorded.empty()) {
-    complain("the outcome is not recorded: " + printable(result.notRecorded), recording_->streams);
+    complain("the outcome could not be recorded: " + printable(result.notRecorded),
+             recording_->streams);
   }
 }
 

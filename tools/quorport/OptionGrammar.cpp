@@ -53,7 +53,7 @@ Value chosen(std::string_view name, const std::string& text, Choices<Value> choi
       return value;
     }
     names += names.empty() ? "" : choice == (choices.end() - 1)->first ? " or " : ", ";
-    names += choice;
+    names += inQuotes(choice);
   }
   throw CLI::ValidationError("takes " + names + ", not " + inQuotes(text));
 }
@@ -109,18 +109,20 @@ void addGlobalOptions(CLI::App& app, Options& options) {
            "QUORPORT_DEVICE)",
            options.devices);
   app.add_option("-p,--port-name", options.portName,
-                 "BT: for the first accessory, BT:NAME for a certain one (default BT:)")
+                 "BT: for the first accessory, BT:NAME for the one of that name (default BT:)")
       ->type_name("NAME")
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
   app.add_option("-s,--settings", options.settings, "the port's settings")
       ->type_name("TEXT")
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
   addTime(app, "-t,--timeout", "the input/output time-out (default 10000)", options.timeout);
-  addText(app, "-e,--emulation", "NAME", "line, escpos or unknown (default line)",
+  addText(app, "-e,--emulation", "NAME",
+          "the printer's command language: line, escpos or unknown (default line)",
           [&options](const std::string& text) { options.emulation = emulation(text); });
-  app.add_option("--log", options.log,
-                 "write the diagnostic records to this file, a JSON object a line; - is standard "
-                 "error")
+  app.add_option(
+         "--log", options.log,
+         "write the diagnostic records to this file, each as a line with a JSON object; - is "
+         "standard error")
       ->type_name("FILE")
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
   app.add_option_function<std::vector<std::string>>(
@@ -133,7 +135,7 @@ void addGlobalOptions(CLI::App& app, Options& options) {
                                 number(text, {0, highestLogLevel}, "a level")));
                           }
                         }),
-         "a level of records to write; may be repeated (default 0)")
+         "write the records of this level; may be repeated (default 0)")
       ->type_name("N")
       ->allow_extra_args(false);
   app.add_flag("--json", options.json, "print the result as one JSON object");
@@ -141,11 +143,11 @@ void addGlobalOptions(CLI::App& app, Options& options) {
 
 void addStatusOptions(CLI::App& app, Options& all) {
   StatusOptions& options = all.status;
-  addText(app, "--level", "N", "the level of the status, which is only logged (default 0)",
+  addText(app, "--level", "N", "the level of the status, which only the log shows (default 0)",
           [&options](const std::string& text) {
             options.level = number(text, {0, longestTime}, "a number");
           });
-  app.add_flag("-v,--verbose", options.verbose, "show every field, also the empty ones");
+  app.add_flag("-v,--verbose", options.verbose, "show every field, even if it is empty");
 }
 
 void addPrintOptions(CLI::App& app, Options& all) {
@@ -154,18 +156,20 @@ void addPrintOptions(CLI::App& app, Options& all) {
       app.add_option("FILE", options.file, "the file to print; - is standard input")->required();
   addText(app, "--proof", "NAME",
           "how the printer confirms the job: " + proofNames() +
-              " (default proof= of the device, or auto: it is asked which of them it gives)",
+              " (default: proof= of the device, otherwise auto, which asks the printer)",
           [&options](const std::string& text) { options.proof = proof(text); });
   app.add_flag_callback(
       "--unchecked", [&options] { options.proof = ProofKind::None; },
-      "send without a proof, as --proof none: the printer is not asked before or after, and the "
-      "outcome is unconfirmed at best");
+      "print without a proof, like --proof none: the printer is asked neither before nor after the "
+      "job, and the outcome is unconfirmed at best");
   addTime(app, "--end-timeout",
-          "how long to wait for the confirmation (default: the input/output time-out)",
+          "the time to wait for the confirmation (default: the input/output time-out)",
           options.endTimeout);
-  addTime(app, "--hold-print-timeout", "how long to wait for paper to be taken from the exit",
+  addTime(app, "--hold-print-timeout",
+          "the time to wait until somebody takes the paper from the exit",
           options.holdPrintTimeout);
-  addText(app, "--receipt", "FILE.png|.txt", "write the paper of virtual: to this file",
+  addText(app, "--receipt", "FILE.png|.txt",
+          "write the receipt that the virtual printer printed to this file",
           [&options](const std::string& text) {
             if (!text.ends_with(".png") && !text.ends_with(".txt")) {
               throw CLI::ValidationError("takes a name that ends in .png or .txt, not " +
@@ -182,7 +186,7 @@ void addDoctorOptions(CLI::App& app, Options& all) {
   DoctorOptions& options = all.doctor;
   app.add_option("--bundle", options.bundle,
                  "write versions, findings, status and diagnostic records to this new file, which "
-                 "can be sent on")
+                 "holds no print data")
       ->type_name("FILE")
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
   app.footer(help::doctorFooter);
@@ -190,11 +194,12 @@ void addDoctorOptions(CLI::App& app, Options& all) {
 
 void addMonitorOptions(CLI::App& app, Options& all) {
   MonitorOptions& options = all.monitor;
-  addText(app, "--interval", "MS", "the pause between two looks (default 1000)",
+  addText(app, "--interval", "MS", "the pause between two status requests (default 1000)",
           [&options](const std::string& text) {
             options.interval = number(text, {100, longestTime}, "milliseconds");
           });
-  addText(app, "--count", "N", "end after this number of looks (default: when interrupted)",
+  addText(app, "--count", "N",
+          "end after this number of status requests (default: when interrupted)",
           [&options](const std::string& text) {
             options.count = number(text, {1, longestTime}, "a number");
           });
@@ -204,42 +209,44 @@ void addMonitorOptions(CLI::App& app, Options& all) {
 void addSimulateOptions(CLI::App& app, Options& all) {
   SimulateOptions& options = all.simulate;
   addTexts(app, "--listen", "SPEC",
-           "tcp:, tcp:PORT or tcp:HOST:PORT (no port or 0: any free one; for this machine alone "
-           "unless HOST is given), unix:PATH, or pty:, each with ,name=NAME if wanted; may be "
-           "repeated, for a printer each",
+           "tcp:, tcp:PORT or tcp:HOST:PORT (without PORT or with 0: any free port; without HOST: "
+           "only this machine can connect), unix:PATH, or pty:; ,name=NAME names the printer; may "
+           "be repeated, once for each printer",
            options.listen)
       ->required();
   addText(
       app, "--hosts", "one|turns|refuse",
-      "hosts that connect while another is connected: they wait, print between its jobs, or are "
-      "refused (default: one)",
+      "let a host that connects while another is connected wait (one), print between the other's "
+      "jobs (turns), or be refused (refuse) (default: one)",
       [&options](const std::string& text) {
         options.hosts = chosen<HostRule>(
             text, text,
             {{"one", HostRule::One}, {"turns", HostRule::Turns}, {"refuse", HostRule::Refuse}});
       });
   addTexts(app, "--set", "KEY=VALUE",
-           "the printer's state or a fault, as on virtual: devices; may be repeated",
+           "set the printer's state or a fault, like the keys of virtual:; may be repeated",
            options.settings);
   app.add_option("--receipts", options.receipts,
-                 "write the paper of each job into this folder, as text and as a picture")
+                 "write the receipt of each job into this folder, as text and as a picture")
       ->type_name("FOLDER");
   addText(app, "--per", "cut|job|connection",
-          "how the output is divided into receipts (default: job)",
+          "begin a new receipt after each cut, job or connection (default: job)",
           [&options](const std::string& text) {
             options.per = chosen<ReceiptPer>(text, text,
                                              {{"cut", ReceiptPer::Cut},
                                               {"job", ReceiptPer::Job},
                                               {"connection", ReceiptPer::Connection}});
           });
-  app.add_flag("--strict", options.strict,
-               "end with status 1 if a job held an unknown command, a character that its code page "
-               "lacks, or a command that was cut off");
-  app.add_option("--control", options.control, "take control lines on this socket as well")
+  app.add_flag(
+      "--strict", options.strict,
+      "end with exit status 1 if a job held an unknown command, an incomplete command, or a "
+      "character that its code page lacks");
+  app.add_option("--control", options.control, "accept control lines on this socket as well")
       ->type_name("unix:PATH");
-  app.add_option("--web", options.web,
-                 "show the printers in a browser, at an address that standard output shows; for "
-                 "this machine alone unless HOST is given")
+  app.add_option(
+         "--web", options.web,
+         "show the printers in a browser, at the address that is written to standard output; "
+         "without HOST, only this machine can connect")
       ->type_name("[HOST:]PORT");
   app.footer(help::simulateFooter);
 }

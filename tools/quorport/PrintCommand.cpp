@@ -61,8 +61,8 @@ std::string hintOf(const PrintResult& result) {
   }
   const std::string condition =
       result.proof == ProofKind::None ? "if every job ends without an answer, " : "";
-  return "\n  hint: " + condition + ",proof=" + std::string(nameOf(result.proof)) +
-         " after the device saves asking how the printer confirms";
+  return "\n  hint: " + condition + "with ,proof=" + std::string(nameOf(result.proof)) +
+         " after the device, a job need not ask how the printer confirms it";
 }
 
 Report reportOn(const PrintResult& result) {
@@ -98,11 +98,10 @@ void setTimeouts(ExternalAccessoryPort& port, const PrintOptions& options) {
 
 std::string inWords(const PrintProgress& progress) {
   if (progress.stage == PrintStage::Begin) {
-    return "begins: asking the printer";
+    return "asking the printer before the job";
   }
   if (progress.stage == PrintStage::End) {
-    return "sent all " + grouped(progress.bytesTotal) +
-           " bytes, ends: waiting until they are printed";
+    return "sent all " + grouped(progress.bytesTotal) + " bytes, waiting until they are printed";
   }
   const std::uint64_t percent =
       progress.bytesTotal == 0 ? 100 : progress.bytesAccepted * 100 / progress.bytesTotal;
@@ -144,7 +143,7 @@ PrintResult runJob(const std::vector<std::uint8_t>& data, Printer& printer, Live
     result.reason += printer.portReport();
   }
   surroundings.interruption->end();
-  line.show("closes the port");
+  line.show("closing the port");
   return result;
 }
 
@@ -230,8 +229,8 @@ void requireDevice(const Options& options) {
     throw CommandFailure(
         ExitCode::Usage,
         "no printer is named, and nothing was sent: name one, such as --device "
-        "tcp:HOST:PORT, or set the variable QUORPORT_DEVICE; --device virtual: tries the "
-        "printer that is built in");
+        "tcp:HOST:PORT, or set the variable QUORPORT_DEVICE; --device virtual: prints on the "
+        "virtual printer");
   }
 }
 

@@ -111,7 +111,7 @@ std::shared_ptr<InterruptiblePlatform> presentDevices(const Options& options,
                                                       const Surroundings& surroundings) {
   auto platform = std::make_shared<InterruptiblePlatform>(surroundings.interruption);
   if (options.devices.empty()) {
-    complain("no device is given: this is the virtual printer; --device names another",
+    complain("no device is given, so the virtual printer is used; --device names another printer",
              surroundings.streams);
   }
   for (const std::string& spec : devicesOf(options)) {
@@ -145,12 +145,11 @@ std::shared_ptr<EAAccessory> chosenAccessory(const InterruptiblePlatform& platfo
 }
 
 CommandFailure noneMatches(const InterruptiblePlatform& platform, const Options& options) {
-  const std::string what =
-      prefixLength(options.portName)
-          ? "no accessory matches the port name " + inQuotes(options.portName) + ", which"
-          : printable(tooShort(options.portName)) + "; it";
+  const std::string what = prefixLength(options.portName)
+                               ? "no accessory matches the port name " + inQuotes(options.portName)
+                               : printable(tooShort(options.portName));
   return {ExitCode::NoAccessory,
-          what + " takes BT: or BT: and a name, serial number or Bluetooth address; present: " +
+          what + "; use BT: alone, or with a name, serial number or Bluetooth address; present: " +
               namesOf(platform.accessories())};
 }
 
@@ -197,7 +196,8 @@ CommandFailure Printer::failure(const InquiryError& error) {
     return {ExitCode::LinkLost, "the link to the printer was lost"};
   }
   if (error.cause() == InquiryCause::UnknownEmulation) {
-    return {ExitCode::ExchangeFailed, error.what() + std::string(": --emulation line or escpos")};
+    return {ExitCode::ExchangeFailed,
+            error.what() + std::string("; use --emulation line or --emulation escpos")};
   }
   if (error.cause() == InquiryCause::NotReady) {
     return {ExitCode::NotReady, error.what()};

@@ -24,7 +24,7 @@ std::optional<ByteLock> takePrinter(const std::string& device, const Options& op
       complain("another job is on this printer: waiting", surroundings.streams);
     });
   } catch (const std::system_error& error) {
-    complain("jobs cannot take turns on this printer: " + printable(error.what()),
+    complain("the printer cannot be reserved for this job: " + printable(error.what()),
              surroundings.streams);
     return std::nullopt;
   }

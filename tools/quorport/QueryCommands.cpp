@@ -21,7 +21,7 @@ std::string spaced(const std::string& hex) {
 Report cancel(const Options& options, const Surroundings& surroundings) {
   Printer printer(options, surroundings);
   printer.ask([](PrinterInquiry& inquiry) { inquiry.dropAll(); });
-  return done("The printer got the command to drop the data that it has not yet printed.");
+  return done("The command to drop all data that is not yet printed was sent to the printer.");
 }
 
 Report firmware(const Options& options, const Surroundings& surroundings) {

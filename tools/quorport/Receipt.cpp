@@ -72,8 +72,8 @@ Receipt::Receipt(std::string file, const std::shared_ptr<EAAccessory>& accessory
       accessory_(std::dynamic_pointer_cast<virtuals::VirtualAccessory>(accessory)) {
   if (accessory_ == nullptr) {
     throw CommandFailure(ExitCode::Usage,
-                         "--receipt shows the paper of the virtual printer, but the port "
-                         "name chooses another device; use --device virtual:");
+                         "--receipt needs the virtual printer, but the port name chooses "
+                         "another device; use --device virtual:");
   }
   // Opening the file for append does not change an older receipt, which the new one replaces later.
   if (!std::ofstream(file_, std::ios::app)) {

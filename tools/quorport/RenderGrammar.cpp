@@ -19,30 +19,31 @@ CLI::Option* addValue(CLI::App& app, const std::string& name, const std::string&
 void addContent(CLI::App& app, RenderOptions& options, CLI::Option& file) {
   CLI::Option* const text = app.add_flag_callback(
       "--text", [&options] { options.content = Content::Text; },
-      "FILE is UTF-8 text in any script: lines of the printer's own characters are sent as text, "
-      "others are drawn");
+      "print FILE as UTF-8 text in any script: lines of the printer's own characters are sent as "
+      "text, other lines are drawn");
   CLI::Option* const image = app.add_flag_callback(
       "--image", [&options] { options.content = Content::Picture; },
-      "FILE is a picture in PNG or JPEG; a picture wider than the paper is shrunk to its width");
+      "print FILE as a picture in PNG or JPEG; if it is wider than the paper, it is shrunk");
   CLI::Option* const page = app.add_flag_callback(
       "--test-page",
       [&options, &file] {
         options.content = Content::TestPage;
         file.required(false);
       },
-      "instead of FILE, print all characters of the code page, each line as text and drawn: where "
-      "the two differ, the printer lacks the page");
+      "print all characters of the code page instead of FILE, each line twice, as text and drawn: "
+      "if "
+      "the two differ, the printer lacks the code page");
   text->excludes(image);
   page->excludes(text)->excludes(image)->excludes(&file);
-  CLI::Option* const codePage = addValue(
-      app, "--codepage", "N",
-      "for --text and --test-page, the printer's characters besides ASCII: the number of its code "
-      "page, such as 16, or NUMBER:NAME, such as 6:1251",
-      options.codePage);
+  CLI::Option* const codePage = addValue(app, "--codepage", "N",
+                                         "use this code page of the printer for characters outside "
+                                         "ASCII, with --text and --test-page: "
+                                         "a number, such as 16, or NUMBER:NAME, such as 6:1251",
+                                         options.codePage);
   page->needs(codePage);
   app.add_flag_callback(
          "--ordered", [&options] { options.isOrdered = true; },
-         "with --image, show grey by a regular pattern, which suits drawings better than "
+         "show grey by a regular pattern, with --image; this suits drawings better than "
          "photographs")
       ->needs(image);
   app.parse_complete_callback([&options] {
@@ -55,14 +56,15 @@ void addContent(CLI::App& app, RenderOptions& options, CLI::Option& file) {
 
 void addSurroundings(CLI::App& app, RenderOptions& options) {
   addValue(app, "--width", "DOTS",
-           "of the paper, for text and pictures: 384, 512, 576 or 832 (default 576)", options.width)
+           "the width of the paper, for text and pictures: 384, 512, 576 or 832 (default 576)",
+           options.width)
       ->check(CLI::IsMember({384, 512, 576, 832}).description(""));
   app.add_flag("--cut", options.cut, "cut the paper at the end");
   CLI::Option* const drawer =
-      addValue(app, "--drawer", "1|2", "open this cash drawer, before anything is printed",
+      addValue(app, "--drawer", "1|2", "open this cash drawer before anything is printed",
                options.drawer)
           ->check(CLI::Range(1, 2).description(""));
-  app.add_flag("--drawer-after", options.drawerAfter, "open the drawer after all is printed")
+  app.add_flag("--drawer-after", options.drawerAfter, "open the drawer after everything is printed")
       ->needs(drawer);
 }
 

@@ -47,7 +47,7 @@ void tellMissing(const std::set<char32_t>& missing, const Streams& streams) {
 render::Output into(Bytes& job) {
   return [&job](std::span<const std::uint8_t> bytes) {
     if (job.size() + bytes.size() > largestJob) {
-      throw render::RenderError("what is to be printed is larger than 256 MiB");
+      throw render::RenderError("the job is larger than 256 MiB");
     }
     job.insert(job.end(), bytes.begin(), bytes.end());
   };

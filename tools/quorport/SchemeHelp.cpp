@@ -24,17 +24,18 @@ std::string linesOf(const Scheme& scheme) {
 }  // namespace
 
 std::string schemeHelp() {
-  std::string text = "A SPEC is one of these, then any number of ,key=value:\n";
+  std::string text = "A SPEC is one of these forms, followed by any number of ,key=value:\n";
   for (const Scheme* const scheme : schemes()) {
     text += linesOf(*scheme);
   }
   return text +
-         "Every one takes the keys name, serial, model, manufacturer, protocol (repeatable),\n"
+         "Every form takes the keys name, serial, model, manufacturer, protocol (repeatable),\n"
          "address, id and proof (" +
          proofNames() +
          ": how the printer\n"
-         "confirms jobs). A host alone is tcp:HOST:9100; a path such as /dev/ttyUSB0 needs no\n"
-         "scheme.\n";
+         "confirms jobs). A host without a scheme means tcp:HOST:9100; a path such as "
+         "/dev/ttyUSB0\n"
+         "needs no scheme.\n";
 }
 
 }  // namespace quordalvane::tool

@@ -79,7 +79,7 @@ Report simulate(const Options& options, const Surroundings& surroundings) {
     report.code = ExitCode::ExchangeFailed;
     report.error =
         std::to_string(notOk) +
-        " of the jobs contained something that this printer does not know, or were cut off";
+        " of the jobs were incomplete, or contained something that this printer does not know";
   }
   return report;
 }

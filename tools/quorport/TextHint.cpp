@@ -31,8 +31,8 @@ bool isTextBeyondAscii(std::string_view text) {
 void hintAtText(std::span<const std::uint8_t> job, const Streams& streams) {
   if (isTextBeyondAscii({reinterpret_cast<const char*>(job.data()), job.size()})) {
     complain(
-        "this is text in UTF-8, which most printers take for other characters: with --text "
-        "it is printed as it reads",
+        "the file is text in UTF-8, and most printers print other characters for its bytes; "
+        "--text prints the right ones",
         streams);
   }
 }

@@ -82,7 +82,7 @@ Bundle::Bundle(const Options& options)
   if (file < 0) {
     throw CommandFailure(ExitCode::Usage,
                          "--bundle: the file " + inQuotes(path_) +
-                             " cannot be made: " + std::generic_category().message(errno));
+                             " cannot be created: " + std::generic_category().message(errno));
   }
   // The file is removed now and created again at the end, so that an interrupted examination leaves
   // no file.
@@ -103,7 +103,7 @@ std::string Bundle::write(const Json& findings) {
   const int file = createNew(path_);
   if (file < 0) {
     return "the bundle " + inQuotes(path_) +
-           " cannot be made: " + std::generic_category().message(errno);
+           " cannot be created: " + std::generic_category().message(errno);
   }
   const WriteOutcome outcome =
       writeAll(file, bundle.dump(1, ' ', false, Json::error_handler_t::replace) + "\n");

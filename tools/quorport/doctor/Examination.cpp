@@ -152,7 +152,7 @@ class Examination {
     if (!variant.keys.empty()) {
       diagnosis_.findings.push_back(failedExchange(
           variant.cause,
-          "the printer talks " + variant.words + ", and was asked " + variants().front().words,
+          "the printer answers " + variant.words + ", but was asked " + variants().front().words,
           "write " + variant.keys + " after the path, or set the printer to the other values"));
     }
     if (emulation != options_.emulation && options_.emulation != ZKEmulationUnknown) {
@@ -160,7 +160,7 @@ class Examination {
       const EmulationName given = nameOf(options_.emulation);
       diagnosis_.findings.push_back(failedExchange(
           "other-emulation",
-          std::string("the printer answers in ") + found.text + ", and not in " + given.text,
+          std::string("the printer answers in ") + found.text + " and not in " + given.text,
           std::string("use --emulation ") + found.option + ", or set the printer to " +
               given.text));
     }
@@ -176,10 +176,10 @@ class Examination {
     }
     if (!bytes_.empty()) {
       return failedExchange("not-understood",
-                            "the answer is not that of a printer of this kind: " + hexText(bytes_),
+                            "the answer is not a receipt printer's: " + hexText(bytes_),
                             std::string(scheme_.ifNotUnderstood));
     }
-    return failedExchange("silent", "it can be opened, but nothing answers" + portReport_,
+    return failedExchange("silent", "the device can be opened, but does not answer" + portReport_,
                           std::string(scheme_.ifSilent));
   }
 

@@ -33,7 +33,7 @@ std::string groupOf(const std::string& path) {
 
 Finding noPermission(const std::string& file) {
   const std::string group = groupOf(file);
-  return notOpened("no-permission", "you are not allowed to open it",
+  return notOpened("no-permission", "you are not allowed to open the device",
                    group.empty() ? "ask its owner for the right to read and write it"
                                  : "join the group that owns it, and log in again: sudo usermod "
                                    "-aG " +
@@ -50,7 +50,7 @@ Finding findingFor(const DeviceSpec& spec, const std::error_code& code) {
       return notOpened(cause.name, cause.text, cause.advice, codeOfOpening(code));
     }
   }
-  return notOpened("not-opened", "it cannot be opened", "read the system's message");
+  return notOpened("not-opened", "the device cannot be opened", "read the system's message");
 }
 
 }  // namespace
@@ -62,7 +62,7 @@ ExitCode codeOfOpening(const std::error_code& error) {
 Finding whyNotOpened(const DeviceSpec& spec, EAAccessory& accessory) {
   const std::string why = lastOpenError(accessory);
   if (why.empty()) {
-    return notOpened("no-printer", "its manufacturer or protocol is not a printer's",
+    return notOpened("no-printer", "the device's manufacturer or protocol is not a printer's",
                      "leave out manufacturer= and protocol=");
   }
   Finding finding = findingFor(spec, lastOpenErrorCode(accessory));

@@ -17,7 +17,7 @@ namespace {
 using Pairs = std::vector<std::pair<std::string, std::string>>;
 
 constexpr auto everyRequest =
-    "a line takes one of {\"set\": {KEY: VALUE, ...}}, {\"get\": \"state\"}, "
+    "a line must be one of {\"set\": {KEY: VALUE, ...}}, {\"get\": \"state\"}, "
     "{\"fault\": {NAME: VALUE, ...}}, {\"clear\": \"faults\"}, {\"tear\": \"paper\"}, "
     "{\"print\": \"test\"} and {\"quit\": true}";
 
@@ -139,8 +139,8 @@ std::string Control::answer(std::string_view line, simulator::Instant now,
   } catch (const Json::parse_error& error) {
     const std::string why = error.what();
     answer = {{"ok", false},
-              {"error", "the line is no JSON (" + printable(why.substr(why.find(']') + 2)) + "); " +
-                            everyRequest}};
+              {"error", "the line is not JSON (" + printable(why.substr(why.find(']') + 2)) +
+                            "); " + everyRequest}};
   } catch (const std::exception& error) {
     answer = {{"ok", false}, {"error", printable(error.what())}};
   }
@@ -166,7 +166,7 @@ Control::Printers Control::printersIn(Json& request, std::optional<std::size_t> 
     names += !isMeant ? "" : (names.empty() ? "" : ", ") + inQuotes(printer.name);
   }
   if (chosen.empty()) {
-    refuse("there is no printer " + shortened(name) + "; there are " + names);
+    refuse("there is no printer " + shortened(name) + "; the printers are " + names);
   }
   if (isNamed) {
     request.erase("printer");

@@ -20,7 +20,7 @@ constexpr std::size_t mostWaiting = std::size_t{1} << 20U;
 constexpr std::size_t pieceSize = 4096;
 
 constexpr auto tooLong =
-    "{\"ok\":false,\"error\":\"the line is too long; it takes at most 65536 bytes\"}\n";
+    "{\"ok\":false,\"error\":\"the line is too long; at most 65536 bytes are allowed\"}\n";
 
 bool isReady(int descriptor, short events) {
   pollfd asked{.fd = descriptor, .events = events, .revents = 0};

@@ -33,8 +33,8 @@ ReceiptFolder::ReceiptFolder(std::string folder) : folder_(std::move(folder)) {
       last_ = std::max(last_, numberIn(entry.path().filename().string()));
     }
   } catch (const std::filesystem::filesystem_error& error) {
-    throw CommandFailure(ExitCode::Usage, "--receipts takes a folder, and " + inQuotes(folder_) +
-                                              " cannot be one: " + error.code().message());
+    throw CommandFailure(ExitCode::Usage, "--receipts: the folder " + inQuotes(folder_) +
+                                              " cannot be used: " + error.code().message());
   }
 }
 

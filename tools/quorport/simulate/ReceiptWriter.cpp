@@ -103,7 +103,7 @@ ReceiptWriter::Done ReceiptWriter::write(Job job) {
   try {
     keep(job, job.apart ? piecesOf(job.paper) : std::vector{job.paper}, done);
   } catch (const std::exception& error) {
-    done.complaints.push_back(std::string("a receipt is lost: ") + error.what());
+    done.complaints.push_back(std::string("a receipt could not be written: ") + error.what());
   }
   std::erase(done.complaints, "");
   done.record = std::move(job.paper.record());

@@ -165,8 +165,7 @@ void Server::workForControls(Instant now) {
 
 void Server::keep(Station& station, simulator::Paper paper) {
   if (paper.goesOn()) {
-    complain("the paper grew too long and was torn off; the job continues on the next one",
-             streams_);
+    complain("the paper grew too long and was torn off; the job continues on new paper", streams_);
   }
   if (audience_ != nullptr) {
     audience_->tearOff(numberOf(station), paper);

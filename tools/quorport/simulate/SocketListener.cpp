@@ -157,10 +157,10 @@ void removeStaleSocket(const std::string& path) {
     return;
   }
   if (!S_ISSOCK(found.st_mode)) {
-    throw std::runtime_error("there is a file already that is no socket, and it is left alone");
+    throw std::runtime_error("the file exists already and is not a socket");
   }
   if (somebodyListensAt(unixAddress(path))) {
-    throw std::runtime_error("somebody listens there already");
+    throw std::runtime_error("another program already listens there");
   }
   check(::unlink(path.c_str()) == 0);
 }

@@ -219,7 +219,7 @@ Counters Station::counters() const {
 
 void Station::printTest() {
   if (waiting_.size() >= mostWaiting) {
-    throw std::invalid_argument("too many hosts wait for this printer already");
+    throw std::invalid_argument("too many hosts are already waiting for this printer");
   }
   waiting_.push_back(testHost(printer_.state()));
 }

@@ -209,7 +209,7 @@ std::unique_ptr<Audience> openWeb(std::unique_ptr<Listener> place, std::list<Sta
     return std::make_unique<Web>(std::move(place), stations, control);
   } catch (const std::exception& error) {
     throw CommandFailure(ExitCode::ExchangeFailed,
-                         std::string("the page cannot be served: ") + error.what());
+                         std::string("the web page cannot be served: ") + error.what());
   }
 }
 

@@ -10,7 +10,7 @@ std::vector<std::uint8_t> rendered(const std::vector<std::uint8_t>& contents,
   if (options.content != RenderOptions::Content::Bytes || options.cut || options.drawer) {
     throw CommandFailure(ExitCode::Usage,
                          "this quorport was built without --text, --image, --cut and --drawer, "
-                         "which take Pango, libjpeg and libpng; nothing was sent");
+                         "which need Pango, libjpeg and libpng; nothing was sent");
   }
   hintAtText(contents, streams);
   return contents;

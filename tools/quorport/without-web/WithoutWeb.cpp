@@ -8,7 +8,7 @@ namespace quordalvane::tool {
 std::unique_ptr<Audience> openWeb(std::unique_ptr<Listener> /*place*/,
                                   std::list<Station>& /*stations*/, Control& /*control*/) {
   throw CommandFailure(ExitCode::Usage,
-                       "--web: this program was built without the page, which needs "
+                       "--web: this program was built without the web page, which needs "
                        "libmicrohttpd-dev");
 }
 

@@ -27,7 +27,7 @@ export class Faults {
       ...faults.map((fault) => make("option", {value: fault.name}, fault.name)));
     this.effect = make("p", {class: "hint", id: freshId("effect")});
     this.parts = make("div", {class: "fields"});
-    this.list = make("ul", {class: "plain", "aria-label": "Faults that hold"});
+    this.list = make("ul", {class: "plain", "aria-label": "Active faults"});
     this.element = make("details", {class: "faults"}, make("summary", {}, "Faults ", this.count),
       this.list, this.form(), ...this.clearing(actions));
     this.choose();

@@ -89,7 +89,7 @@ export class Log {
 
   tell() {
     write(this.note, this.list.children.length === 0 ? "Nothing to show." :
-      `The newest ${mostShown} at most; ${counted(this.entries.length, "entry", "entries")} kept.`);
+      `At most the newest ${mostShown} are shown, of ${counted(this.entries.length, "entry", "entries")}.`);
   }
 
   row(entry) {

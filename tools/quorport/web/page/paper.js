@@ -12,7 +12,7 @@ export const mostSheets = 16;
 const mostWords = 2000; // characters
 
 const partingMillis = 450;
-const tooFast = "The paper comes faster than it can be shown. Its receipt will show it.";
+const tooFast = "The paper is printed faster than it can be shown. The receipt will show all of it.";
 
 function decoded(base64) {
   const bytes = Uint8Array.from(atob(base64), (character) => character.charCodeAt(0));
@@ -21,7 +21,7 @@ function decoded(base64) {
 
 export class Paper {
   constructor(printerName, place) {
-    this.empty = make("p", {class: "hint"}, "Nothing hangs out. Print to ", make("code", {}, place));
+    this.empty = make("p", {class: "hint"}, "No paper hangs out of the printer. Print to ", make("code", {}, place));
     const label = `Paper of ${printerName}`;
     this.element = make("div", {class: "paper", role: "region", tabindex: "0", "aria-label": label});
     this.order = Promise.resolve(); // draws events in order, although their pictures are decoded at the same time

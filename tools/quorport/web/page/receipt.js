@@ -46,9 +46,9 @@ function figures(receipt) {
 function complaints({record}) {
   const unknown = record.unknown.map(({name, offset, bytes}) =>
     `unknown command ${name} at byte ${offset}: ${paired(bytes)}`);
-  const missing = record.missing.map((one) => `no character for ${one}`);
+  const missing = record.missing.map((one) => `the character ${one} is missing`);
   const items = [...unknown, ...missing].map((text) => make("li", {}, text));
-  return items.length === 0 ? [] : [part("Not printed as meant", make("ul", {}, ...items))];
+  return items.length === 0 ? [] : [part("Not printed as intended", make("ul", {}, ...items))];
 }
 
 /** A table that scrolls sideways. */

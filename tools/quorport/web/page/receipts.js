@@ -12,7 +12,7 @@ export class Receipts {
   constructor(place) {
     this.list = make("ul", {class: "plain receipts", "aria-labelledby": "receipts-title"});
     this.note = make("p", {});
-    this.older = make("button", {type: "button", onclick: () => this.showOlder()}, "Show older ones");
+    this.older = make("button", {type: "button", onclick: () => this.showOlder()}, "Show older receipts");
     place.replaceChildren(make("div", {class: "title"}, make("h2", {id: "receipts-title"}, "Receipts"), this.note),
       this.list, this.older);
     this.begin([], new Map());
@@ -53,7 +53,7 @@ export class Receipts {
 
   row(receipt) {
     const where = this.names.size > 1 ? [make("span", {}, this.names.get(receipt.printer) ?? "")] : [];
-    const fault = receipt.ok ? [] : [make("span", {class: "refused"}, "not as it was meant")];
+    const fault = receipt.ok ? [] : [make("span", {class: "refused"}, "not as intended")];
     return make("li", {"data-receipt": receipt.id}, make("a", {href: receipt.address}, this.picture(receipt),
       make("strong", {}, `Receipt ${receipt.id}`), ...where, ...fault,
       make("span", {class: "hint"}, `${clockTime(receipt.time).slice(0, 8)}, ${this.size(receipt)}`)));
