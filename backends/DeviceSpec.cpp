@@ -162,7 +162,7 @@ class KeySetter {
   bool isFirstOf(const std::string& name) {
     const bool isFirst = seen_.insert(name).second;
     if (!isFirst && name != repeatable) {
-      refuse("key " + inQuotes(name) + ": takes one value, and was given twice");
+      refuse("key " + inQuotes(name) + " was given twice, but takes only one value");
     }
     return isFirst;
   }
@@ -199,7 +199,8 @@ std::string offers(const std::string& place) {
   for (const Scheme* const scheme : schemes()) {
     append(listed, std::string(scheme->name) + ":" + std::string(scheme->place));
   }
-  refuse("device " + inQuotes(text) + ": takes " + listed + ", then ,key=value" + offers(place));
+  refuse("device " + inQuotes(text) + ": takes " + listed + ", followed by any ,key=value" +
+         offers(place));
 }
 
 // Returns the scheme of the device text `text`, which may omit the scheme. Changes `place` to the

@@ -13,7 +13,7 @@ void refuse(const std::string& why) {
 void checkPath(const std::string& place, std::size_t longest) {
   if (place.empty() || place.size() > longest || place.find('\0') != std::string::npos) {
     refuse("path " + inQuotes(place) + ": takes 1 to " + std::to_string(longest) +
-           " bytes without a zero");
+           " bytes, none of them zero");
   }
 }
 

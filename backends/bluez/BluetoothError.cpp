@@ -10,7 +10,7 @@ class BluetoothCategory : public std::error_category {
   std::string message(int code) const override {
     switch (static_cast<BluetoothError>(code)) {
       case BluetoothError::NoBus:
-        return "the system's message bus cannot be used";
+        return "the system's message bus cannot be reached";
       case BluetoothError::NoService:
         return "the Bluetooth service does not run";
       case BluetoothError::NoAnswer:
@@ -20,17 +20,17 @@ class BluetoothCategory : public std::error_category {
       case BluetoothError::AdapterOff:
         return "the Bluetooth adapter is switched off";
       case BluetoothError::NotPaired:
-        return "it is not paired";
+        return "the printer is not paired";
       case BluetoothError::Ambiguous:
         return "more than one paired printer fits";
       case BluetoothError::NoSerialPort:
-        return "it offers no serial port";
+        return "the device offers no serial port";
       case BluetoothError::Rejected:
-        return "the printer turned the connection down";
+        return "the printer refused the connection";
       case BluetoothError::NotAuthorized:
         return "the connection was not authorised in time";
       case BluetoothError::HostDown:
-        return "it does not answer over the air";
+        return "the printer does not answer over the air";
       case BluetoothError::InUse:
         return "in use by another program";
       case BluetoothError::ProfileTaken:
@@ -38,7 +38,7 @@ class BluetoothCategory : public std::error_category {
       case BluetoothError::Denied:
         return "this user may not use the Bluetooth service";
       case BluetoothError::Failed:
-        return "the Bluetooth service cannot connect to it";
+        return "the Bluetooth service cannot connect to the printer";
     }
     return "unknown";
   }

@@ -20,36 +20,41 @@ constexpr int of(BluetoothError error) {
 }
 
 constexpr OpenCause causes[] = {
-    {of(BluetoothError::NoBus), "no-bus", "the system's message bus cannot be used",
-     "start it: sudo systemctl start dbus; in a container, hand in /run/dbus", bluetoothCategory},
+    {of(BluetoothError::NoBus), "no-bus", "the system's message bus cannot be reached",
+     "start the message bus: sudo systemctl start dbus; in a container, mount /run/dbus",
+     bluetoothCategory},
     {of(BluetoothError::NoService), "no-service", "the Bluetooth service does not run",
-     "install the package bluez and start it: sudo systemctl start bluetooth", bluetoothCategory},
+     "install the package bluez and start the service: sudo systemctl start bluetooth",
+     bluetoothCategory},
     {of(BluetoothError::NoAnswer), "no-answer-of-service", "the Bluetooth service does not answer",
-     "start it again: sudo systemctl restart bluetooth", bluetoothCategory},
+     "restart the service: sudo systemctl restart bluetooth", bluetoothCategory},
     {of(BluetoothError::NoAdapter), "no-adapter", "the machine has no Bluetooth adapter",
-     "plug one in; bluetoothctl list shows those that the system sees", bluetoothCategory},
+     "plug an adapter in; bluetoothctl list shows those that the system sees", bluetoothCategory},
     {of(BluetoothError::AdapterOff), "adapter-off", "the Bluetooth adapter is switched off",
-     "switch it on: rfkill unblock bluetooth, then bluetoothctl power on", bluetoothCategory},
+     "switch the adapter on: rfkill unblock bluetooth, then bluetoothctl power on",
+     bluetoothCategory},
     {of(BluetoothError::NotPaired), "not-paired", "no such printer is paired",
-     "pair it: bluetoothctl scan on, then bluetoothctl pair ADDRESS and bluetoothctl trust ADDRESS",
+     "pair the printer: bluetoothctl scan on, then bluetoothctl pair ADDRESS and bluetoothctl "
+     "trust ADDRESS",
      bluetoothCategory},
     {of(BluetoothError::Ambiguous), "ambiguous", "more than one paired printer fits",
      "name one of them by its address", bluetoothCategory},
     {of(BluetoothError::NoSerialPort), "no-serial-port", "the device offers no serial port",
-     "check that it is the printer; if it is, switch it on, then bluetoothctl remove ADDRESS, and "
-     "pair it again",
+     "check that the device is the printer; if so, switch it on, remove it by bluetoothctl remove "
+     "ADDRESS, and pair it again",
      bluetoothCategory},
-    {of(BluetoothError::Rejected), "rejected", "the printer turned the connection down",
-     "remove it and pair it again: bluetoothctl remove ADDRESS, then bluetoothctl pair ADDRESS; "
-     "end another host's connection to it",
+    {of(BluetoothError::Rejected), "rejected", "the printer refused the connection",
+     "if another host is connected to the printer, end that connection; otherwise pair the printer "
+     "again: bluetoothctl remove ADDRESS, then bluetoothctl pair ADDRESS",
      bluetoothCategory},
     {of(BluetoothError::NotAuthorized), "not-authorized",
      "the connection was not authorised in time",
-     "confirm the printer's question on its screen or this one; bluetoothctl trust ADDRESS spares "
-     "the question",
+     "confirm the question on the printer's screen or on this machine's; after bluetoothctl trust "
+     "ADDRESS nobody is asked",
      bluetoothCategory},
     {of(BluetoothError::HostDown), "out-of-range", "the printer does not answer over the air",
-     "switch the printer on and bring it nearer; end another host's connection to it",
+     "switch the printer on and bring it nearer; if another host is connected to it, end that "
+     "connection",
      bluetoothCategory},
     {of(BluetoothError::InUse), "in-use", "another program uses the printer",
      "end the other program", bluetoothCategory},
@@ -57,9 +62,11 @@ constexpr OpenCause causes[] = {
      "another program holds the serial port profile of the Bluetooth service",
      "end the other program, which may be a terminal or a modem manager", bluetoothCategory},
     {of(BluetoothError::Denied), "no-permission", "this user may not use the Bluetooth service",
-     "join the group and log in again: sudo usermod -aG bluetooth $USER", bluetoothCategory},
-    {of(BluetoothError::Failed), "not-connected", "the Bluetooth service cannot connect to it",
-     "switch the printer off and on only if nobody prints on it; journalctl -u bluetooth tells "
+     "join the group bluetooth and log in again: sudo usermod -aG bluetooth $USER",
+     bluetoothCategory},
+    {of(BluetoothError::Failed), "not-connected",
+     "the Bluetooth service cannot connect to the printer",
+     "switch the printer off and on only if nobody prints on it; journalctl -u bluetooth shows "
      "more",
      bluetoothCategory},
 };
@@ -101,9 +108,9 @@ constinit const Scheme bluetoothScheme = {
     .checkPlace = checkPlace,
     .make = make,
     .ifSilent =
-        "end the other host's connection to the printer, if there is one; set it to the emulation "
-        "that you ask in; switch it off and on only if nobody prints on it",
-    .ifNotUnderstood = "check that it is the receipt printer",
+        "if another host is connected to the printer, end that connection; set the printer to the "
+        "emulation in which you ask; switch it off and on only if nobody prints on it",
+    .ifNotUnderstood = "check that the device is the receipt printer",
     .causes = causes,
     .places = places,
 };

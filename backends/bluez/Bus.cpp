@@ -50,7 +50,7 @@ Bus::Bus(SteadyTime deadline) {
   auto attempt = task.get_future();
   std::thread(std::move(task)).detach();
   if (attempt.wait_until(deadline) != std::future_status::ready) {
-    fail(BluetoothError::NoBus, "it does not answer");
+    fail(BluetoothError::NoBus, "the message bus does not answer");
   }
   Attempt made = attempt.get();
   if (!made.connection) {

@@ -179,7 +179,7 @@ std::string Descriptor::portState() const {
     return state;
   }
   return (state.empty() ? "" : state + "; ") +
-         "it takes bytes and has no way to answer, so nothing can be proved";
+         "the device takes bytes but cannot answer, so no job can be confirmed";
 }
 
 void Descriptor::endOutput() const {

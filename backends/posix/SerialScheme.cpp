@@ -89,9 +89,9 @@ bool isFlow(std::string_view value) {
 constexpr SchemeKey keys[] = {
     {"baud", "the bits a second, 50 to 4000000, such as 9600, 19200 or 115200", isBaud},
     {"bits", "the data bits, 7 or 8", isBits},
-    {"parity", "none, even, odd, mark or space", isParity},
+    {"parity", R"("none", "even", "odd", "mark" or "space")", isParity},
     {"stop", "the stop bits, 1 or 2", isStop},
-    {"flow", "none, rtscts or xonxoff", isFlow},
+    {"flow", R"("none", "rtscts" or "xonxoff")", isFlow},
 };
 
 SerialSettings settingsOf(const DeviceSpec& spec) {

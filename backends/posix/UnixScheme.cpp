@@ -41,9 +41,9 @@ constinit const Scheme unixScheme = {
     .checkPlace = checkPlace,
     .make = make,
     .ifSilent =
-        "end the other program that may hold the printer, which serves one at a time; check "
-        "that it is the printer's socket",
-    .ifNotUnderstood = "check that it is the printer's socket",
+        "if another program uses the printer, which serves one at a time, end that program; check "
+        "that the socket is the printer's",
+    .ifNotUnderstood = "check that the socket is the printer's",
     .causes = causes,
     .fileOf = fileOf,
 };

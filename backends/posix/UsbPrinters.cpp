@@ -20,17 +20,17 @@ class UsbCategory : public std::error_category {
   std::string message(int code) const override {
     switch (static_cast<UsbError>(code)) {
       case UsbError::NotPluggedIn:
-        return "it is not plugged in";
+        return "the printer is not plugged in";
       case UsbError::Ambiguous:
         return "more than one printer fits";
       case UsbError::NoDriver:
         return "the driver usblp is not loaded";
       case UsbError::HeldByPrintSystem:
-        return "it was taken from the driver usblp";
+        return "another program took the printer from the driver usblp";
       case UsbError::TakenFromDriver:
-        return "it was taken from the driver usblp and not given back";
+        return "a program took the printer from the driver usblp and did not give it back";
       case UsbError::DroppedByHub:
-        return "a hub has switched its power off";
+        return "a hub has switched off the printer's power";
     }
     return "unknown";
   }

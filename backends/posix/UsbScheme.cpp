@@ -15,24 +15,27 @@ constexpr int of(UsbError error) {
 }
 
 constexpr OpenCause causes[] = {
-    {of(UsbError::NotPluggedIn), "not-plugged-in", "it is not plugged in",
+    {of(UsbError::NotPluggedIn), "not-plugged-in", "the printer is not plugged in",
      "plug the printer in and switch it on; lsusb shows what the system sees", usbCategory},
     {of(UsbError::Ambiguous), "ambiguous", "more than one printer fits",
-     "name one of them by its serial number or its path", usbCategory},
+     "name one of the printers by its serial number or its path", usbCategory},
     {of(UsbError::NoDriver), "no-driver", "the driver usblp is not loaded",
-     "load it: sudo modprobe usblp; if a blacklist below /etc/modprobe.d names it, remove that "
-     "line",
+     "load the driver: sudo modprobe usblp; if a blacklist below /etc/modprobe.d names usblp, "
+     "remove that line",
      usbCategory},
     {of(UsbError::HeldByPrintSystem), "held-by-print-system",
-     "another program has taken it from the driver, as the print system's USB back end does",
+     "another program has taken the printer from the driver, as the print system's USB back end "
+     "does",
      "remove the printer from the print system, then unplug it and plug it in again", usbCategory},
     {of(UsbError::TakenFromDriver), "taken-from-driver",
-     "a program has taken it from the driver usblp and not given it back",
-     "unplug it and plug it in again", usbCategory},
-    {of(UsbError::DroppedByHub), "dropped-by-hub", "a hub has switched its power off",
+     "a program has taken the printer from the driver usblp and not given it back",
+     "unplug the printer and plug it in again", usbCategory},
+    {of(UsbError::DroppedByHub), "dropped-by-hub", "a hub has switched off the printer's power",
      "plug the printer into a hub with a power supply, or into the machine itself", usbCategory},
-    {ENOENT, "not-plugged-in", "it is not plugged in", "plug the printer in and switch it on"},
-    {ENODEV, "not-plugged-in", "it is not plugged in", "plug the printer in and switch it on"},
+    {ENOENT, "not-plugged-in", "the printer is not plugged in",
+     "plug the printer in and switch it on"},
+    {ENODEV, "not-plugged-in", "the printer is not plugged in",
+     "plug the printer in and switch it on"},
     {EBUSY, "in-use", "another program uses the printer", "end the other program"},
 };
 
@@ -73,9 +76,9 @@ constinit const Scheme usbScheme = {
     .checkPlace = checkPlace,
     .make = make,
     .ifSilent =
-        "set the printer to the emulation that you ask in; switch it off and on only if "
+        "set the printer to the emulation in which you ask; switch it off and on only if "
         "nobody prints on it",
-    .ifNotUnderstood = "check that it is the receipt printer",
+    .ifNotUnderstood = "check that the device is the receipt printer",
     .causes = causes,
     .placeMeantBy = placeMeantBy,
     .fileOf = fileOf,

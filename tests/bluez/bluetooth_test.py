@@ -104,11 +104,11 @@ class BluetoothPrinting(BusCase):
 
 # What is wrong, the exit code, words of the answer, and words of the doctor's advice.
 FAILURES = {
-    "no adapter": (["adapter=none"], 3, "no Bluetooth adapter", "plug one in"),
+    "no adapter": (["adapter=none"], 3, "no Bluetooth adapter", "plug an adapter in"),
     "adapter off": (["adapter=off"], 3, "adapter is switched off", "bluetoothctl power on"),
     "not paired": (["paired=no"], 3, "not paired", "bluetoothctl pair"),
     "no serial port": (["services=0000110a-0000-1000-8000-00805f9b34fb"], 3, "offers no serial port", "bluetoothctl remove"),
-    "rejected": (["error=org.bluez.Error.Failed Connection refused (111)"], 3, "turned the connection down", "pair it again"),
+    "rejected": (["error=org.bluez.Error.Failed Connection refused (111)"], 3, "refused the connection", "pair the printer again"),
     "host down": (["error=org.bluez.Error.Failed Host is down (112)"], 3, "does not answer over the air", "bring it nearer"),
     "out of range": (["error=org.bluez.Error.Failed br-connection-page-timeout"], 3, "does not answer over the air", "bring it nearer"),
     "in use": (["error=org.bluez.Error.Failed Device or resource busy (16)"], 4, "in use by another program", "end the other program"),
@@ -134,7 +134,7 @@ class BluetoothFailures(BusCase):
             self.end(service)
 
     def test_a_missing_message_bus_is_reported(self):
-        self.assertTold(3, "the system's message bus cannot be used")
+        self.assertTold(3, "the system's message bus cannot be reached")
 
     def test_a_missing_bluetooth_service_is_reported(self):
         self.start_bus()

@@ -160,7 +160,7 @@ class DoctorCauses(Case):
         place = self.peer(say_nothing).place
         self.assertCause("silent", 1, "-d", place)
         # Another till's job may be under way; switching the printer off would lose it.
-        self.assertIn("  do:    end the other program", run("-d", place, "doctor").out)
+        self.assertIn("  do:    if another program uses the printer", run("-d", place, "doctor").out)
 
     def test_doctor_reports_a_device_that_is_not_a_printer(self):
         for greeting in (b"SSH-2.0-door\r\n", NOISE):
