@@ -53,9 +53,9 @@ QuorCode codeOfCurrentException() noexcept {
   } catch (const std::invalid_argument& failure) {
     return keep(QUOR_USAGE, failure.what());
   } catch (const std::length_error&) {
-    return keep(QUOR_NO_MEMORY, "more bytes than fit into memory");
+    return keep(QUOR_NO_MEMORY, "the bytes do not fit into memory");
   } catch (const std::bad_alloc&) {
-    return keep(QUOR_NO_MEMORY, "no memory left");
+    return keep(QUOR_NO_MEMORY, "no memory is left");
   } catch (const std::exception& failure) {
     return keep(QUOR_UNEXPECTED, failure.what());
   } catch (...) {

@@ -68,7 +68,8 @@ struct QuorPrintJob {
   /// run ends by an exception: the number of bytes sent is then unknown.
   void begin(std::size_t size) {
     if (hasRun.exchange(true)) {
-      throw quordalvane::c::CallFailure(QUOR_USAGE, "a job runs once");
+      throw quordalvane::c::CallFailure(QUOR_USAGE,
+                                        "the job has run already; a job runs only once");
     }
     result.outcome = quordalvane::PrintOutcome::Unconfirmed;
     result.obstacle = quordalvane::PrintObstacle::ExchangeFailed;

@@ -25,7 +25,8 @@ static_assert(sameNumber(QUOR_RESULT_IN_USE, ZKQuorIOResultCodeInUseError));
 
 ZKEmulation emulationOf(int32_t number) {
   if (number < ZKEmulationUnknown || number > ZKEmulationESCPOS) {
-    throw CallFailure(QUOR_USAGE, "there is no emulation " + std::to_string(number));
+    throw CallFailure(QUOR_USAGE,
+                      "there is no emulation with the number " + std::to_string(number));
   }
   return static_cast<ZKEmulation>(number);
 }
@@ -157,12 +158,12 @@ QuorCode quor_port_begin_checked_block(QuorPort* port, QuorPrinterStatus_2* stat
 QuorCode quor_port_end_checked_block(QuorPort* port, QuorPrinterStatus_2* status, uint32_t level) {
   return guarded([&] {
     succeed(given(port).endCheckedBlock(&given(status, "the status"), level),
-            "the printer did not show in time that it has worked through everything");
+            "the printer did not show in time that it has processed everything");
   });
 }
 
 QuorCode quor_port_start_data_cancel(QuorPort* port) {
   return guarded([&] {
-    succeed(given(port).startDataCancel(), "the data cancel could not be written whole");
+    succeed(given(port).startDataCancel(), "the whole command to cancel data could not be written");
   });
 }

@@ -113,7 +113,7 @@ MaybeSetback CheckedBlock::awaitAnswers() {
 
 std::string CheckedBlock::whyNoAnswer() const {
   if (!answers_.last().empty()) {
-    return "the printer has not answered all that it was asked";
+    return "the printer has not answered every question";
   }
   return answers_.isAnyOdd() ? "the printer's answer is not a status of this emulation" : noAnswer;
 }
@@ -166,7 +166,7 @@ std::string CheckedBlock::endBlock() {
 
 std::string CheckedBlock::whyNotEnded(std::chrono::nanoseconds waited) const {
   const std::uint32_t limit = link().port().endCheckedBlockTimeoutMillis();
-  return waited < std::chrono::milliseconds(limit) ? "the printer's last status could not be had"
+  return waited < std::chrono::milliseconds(limit) ? "the printer's last status could not be read"
                                                    : "no confirmation within " + inSeconds(limit);
 }
 

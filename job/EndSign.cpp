@@ -73,7 +73,7 @@ void EndSign::noteStatus() {
 MaybeSetback EndSign::whyUnseen() {
   if (!isPossible()) {
     return Setback{PrintObstacle::NoProof,
-                   "the printer answered more often than this job has asked it"};
+                   "the printer gave more answers than this job has asked questions"};
   }
   noteStatus();
   if (const std::string why = result().status ? whyNotReady(*result().status) : ""; !why.empty()) {

@@ -60,7 +60,7 @@ MaybeSetback EscPosBlock::markBeginning() {
   isFirstMarkReported_ = sinceMark_.lastReport() == countOfOneMark;
   if (sinceMark_.lastReport() && !isFirstMarkReported_) {
     return Setback{PrintObstacle::ExchangeFailed,
-                   "the end of an earlier job was counted for this one before it began"};
+                   "before this job began, the printer counted the end of an earlier job"};
   }
   return std::nullopt;
 }

@@ -29,7 +29,7 @@ MaybeSetback InOrderProof::makeQuestion(ByteView data, std::vector<std::uint8_t>
   const auto inData = inOrderRequestsIn(data);
   if (!isSure_ || (inData && answers().inOrderCount() > asked_ + *inData)) {
     return Setback{PrintObstacle::NoProof,
-                   "the printer did not answer exactly once to a question before the job"};
+                   "before the job, the printer did not answer a question exactly once"};
   }
   if (!inData) {
     return Setback{PrintObstacle::NoProof,

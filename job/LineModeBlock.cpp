@@ -18,7 +18,7 @@ constexpr std::uint8_t countOfTwoMarks = 2;
 constexpr std::uint8_t mark[] = {0x17};
 constexpr std::uint8_t markAndEnd[] = {0x17, 0x1b, 0x1d, 0x03, 0x04, 0x00, 0x00};
 constexpr auto earlierJobCounted =
-    "the end of an earlier job was counted for this one before it began";
+    "before this job began, the printer counted the end of an earlier job";
 
 // A printer that holds no data counts a mark as soon as it receives it.
 constexpr auto timeToCount = std::chrono::seconds(1);

@@ -217,7 +217,7 @@ std::string PrinterInquiry::firmware() {
   // because the printer is off line.
   if (!question.isLost() && question.ask(online) && !isOnline) {
     throw InquiryError(InquiryCause::NotReady,
-                       "the printer is off line, and is not asked for its firmware then");
+                       "the printer is off line, and can only be asked for its firmware on line");
   }
   question.fail(InquiryCause::NoAnswer, "the printer did not report its firmware");
 }

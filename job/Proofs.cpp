@@ -22,11 +22,12 @@ std::unique_ptr<Proof> make(PortLink& link, PrintResult& result) {
 }
 
 std::unique_ptr<Proof> makeUnasked(PortLink& link, PrintResult& result) {
-  return std::make_unique<NoProof>("no confirmation was asked for", dropAll, link, result);
+  return std::make_unique<NoProof>("no confirmation was requested", dropAll, link, result);
 }
 
 std::unique_ptr<Proof> makeUnknown(PortLink& link, PrintResult& result) {
-  return std::make_unique<NoProof>("line mode has no such proof", dropAll, link, result);
+  return std::make_unique<NoProof>("line mode does not have the chosen proof", dropAll, link,
+                                   result);
 }
 
 using Maker = std::unique_ptr<Proof> (*)(PortLink& link, PrintResult& result);

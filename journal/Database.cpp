@@ -25,7 +25,7 @@ std::string reasonOf(int code, sqlite3* handle) {
     case SQLITE_FULL:
       return "the disk is full";
     case SQLITE_READONLY:
-      return "it may only be read";
+      return "it is read-only";
     case SQLITE_CANTOPEN:
       return withSystemError("it cannot be opened", handle);
     case SQLITE_CORRUPT:

@@ -30,8 +30,8 @@ JobState stateOf(const Attempt& attempt) {
 }
 
 std::string reasonOf(const Attempt& attempt) {
-  return attempt.outcome.empty() ? "a process that printed this ended in the middle; up to " +
-                                       grouped(attempt.data.bytes) + " bytes went out"
+  return attempt.outcome.empty() ? "the process that printed the job ended too early; up to " +
+                                       grouped(attempt.data.bytes) + " bytes were sent"
                                  : attempt.reason;
 }
 
@@ -49,7 +49,7 @@ JobRecord recordOf(const std::vector<Attempt>& attempts, bool isBeingPrinted) {
   record.begun = decided.begun;
   record.ended = decided.ended;
   record.state = isBeingPrinted ? JobState::Printing : stateOf(decided);
-  record.reason = isBeingPrinted ? "it is being printed" : reasonOf(decided);
+  record.reason = isBeingPrinted ? "the job is being printed" : reasonOf(decided);
   return record;
 }
 

@@ -69,27 +69,27 @@ void makeFolder(const std::filesystem::path& folder, const std::filesystem::path
   if (::mkdir(folder.c_str(), ownFolder) == 0) {
     syncFolder(folder.has_parent_path() ? folder.parent_path() : ".", file);
   } else if (errno != EEXIST) {
-    fail(file, "its folder cannot be made");
+    fail(file, "its folder cannot be created");
   }
 }
 
 void removeIfThere(const std::filesystem::path& file, const std::filesystem::path& journal) {
   if (::unlink(file.c_str()) != 0 && errno != ENOENT) {
-    fail(journal, "the rest of an earlier attempt to make it cannot be removed");
+    fail(journal, "the rest of an earlier attempt to create it cannot be removed");
   }
 }
 
 void makeEmptyFile(const std::filesystem::path& file, const std::filesystem::path& journal) {
   const Descriptor made(::open(file.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, ownFile));
   if (made.number() < 0) {
-    fail(journal, "it cannot be made");
+    fail(journal, "it cannot be created");
   }
 }
 
 void refuseNetwork(const std::filesystem::path& file) {
   struct statfs found = {};
   if (::statfs(file.c_str(), &found) != 0) {
-    fail(file, "its file system cannot be asked");
+    fail(file, "the kind of its file system cannot be read");
   }
   if (const auto name = networkFileSystem(static_cast<unsigned long>(found.f_type))) {
     throw JournalError(file,
@@ -144,7 +144,7 @@ void makeJournal(const std::filesystem::path& file) {
     makeTables(database);
   }
   if (::rename(unfinished.c_str(), file.c_str()) != 0) {
-    fail(file, "it cannot be made");
+    fail(file, "it cannot be created");
   }
   syncFolder(file.parent_path(), file);
 }

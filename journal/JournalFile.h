@@ -42,7 +42,7 @@ auto withLocksOf(const std::filesystem::path& journal, Action action) {
   try {
     return action(lockFileOf(journal));
   } catch (const std::system_error& error) {
-    throw JournalError(journal, "its locks: " + std::string(error.what()));
+    throw JournalError(journal, "its locks cannot be used: " + std::string(error.what()));
   }
 }
 

@@ -72,9 +72,9 @@ NamedJob::~NamedJob() = default;
 
 void NamedJob::checkData(const std::vector<Attempt>& attempts) const {
   if (!request_.isNameEnough && !attempts.empty() && attempts.front().data != attempt_->data) {
-    throw std::invalid_argument("the name of the job is that of other data, of " +
+    throw std::invalid_argument("the name belongs to a job with other data, of " +
                                 grouped(attempts.front().data.bytes) +
-                                " bytes; each job takes a name of its own");
+                                " bytes; each job needs a name of its own");
   }
 }
 

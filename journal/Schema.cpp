@@ -58,13 +58,14 @@ void migrate(Database& database, std::int64_t version) {
 
 void refuseWhatIsNoJournal(Database& database, std::int64_t version) {
   if (version <= 0 || database.number("PRAGMA application_id") != applicationId) {
-    throw JournalError(database.file(), "it is no journal: empty, or another program's database");
+    throw JournalError(database.file(),
+                       "it is not a journal, but an empty file or another program's database");
   }
   if (version > schemaVersion()) {
-    throw JournalError(database.file(),
-                       "it is of version " + std::to_string(version) +
-                           ", which a later program wrote; this one knows versions up to " +
-                           std::to_string(schemaVersion()));
+    throw JournalError(database.file(), "a later program wrote it in version " +
+                                            std::to_string(version) +
+                                            "; this program knows versions up to " +
+                                            std::to_string(schemaVersion()));
   }
 }
 

@@ -18,7 +18,8 @@ namespace {
 constexpr const char* queueWasFull = "log records dropped here, the queue was full: ";
 constexpr const char* memoryWasShort = "log records dropped here, memory was short: ";
 
-constexpr std::string_view sinkFailed = "logging: a sink failed, records are missing from it: ";
+constexpr std::string_view sinkFailed =
+    "logging: a sink failed; records are missing from its output: ";
 
 void reportToStandardError(std::string_view reason) noexcept {
   // A failure here is ignored, because nothing is left to which it could be reported.

@@ -59,7 +59,7 @@ QuorCode quor_journal_forget(QuorJournal* journal, const char* name) {
   return guardedJournal([&] {
     const Forgetting answer = given(journal).forget(&given(name, "the name"));
     succeed(answer != Forgetting::BeingPrinted,
-            "the job is being printed; it can be forgotten when it ends");
+            "the job is being printed; forget it after it has ended");
     return answer == Forgetting::Unknown ? QUOR_NONE : QUOR_OK;
   });
 }

@@ -24,7 +24,8 @@ struct QuorNamedJob {
   /// Called before the job is run or refused. A second call throws QUOR_USAGE.
   void end() {
     if (std::exchange(hasEnded, true)) {
-      throw quordalvane::c::CallFailure(QUOR_USAGE, "a job under a name runs once");
+      throw quordalvane::c::CallFailure(QUOR_USAGE,
+                                        "the named job has run already; it runs only once");
     }
   }
 

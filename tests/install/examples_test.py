@@ -112,7 +112,7 @@ class Kiosk(ProgramTest):
             if words.startswith("printed"):
                 self.assertEqual(text.count(receipt), 1, words)
             else:
-                self.assertIn("call the staff: a process that printed this ended in the middle", words)
+                self.assertIn("call the staff: the process that printed the job ended too early", words)
 
 
 class ApplicationLog(ProgramTest):

@@ -43,7 +43,7 @@ class NamedJobs(Case):
         simulator = self.simulator()
         self.print_job(simulator.place, "one")
         result = run("-d", simulator.place, "print", "-", "--job", "one", "--journal", self.journal, data=RECEIPT)
-        self.assertIn("printed: already, in attempt 1; nothing was sent now", result.out)
+        self.assertIn("printed: already printed in attempt 1; nothing was sent now", result.out)
 
     def test_a_printed_job_is_answered_even_if_its_printer_is_missing(self):
         simulator = self.simulator()
@@ -58,7 +58,7 @@ class NamedJobs(Case):
         self.assertEqual([job["outcome"] for job in self.jobs()], ["printing"])
         process.kill()
         process.communicate()
-        cause = f"a process that printed this ended in the middle; up to {len(RECEIPT)} bytes went out"
+        cause = f"the process that printed the job ended too early; up to {len(RECEIPT)} bytes were sent"
         known = self.jobs()[0]
         self.assertEqual((known["outcome"], known["reason"], known["ended"]), ("unconfirmed", cause, None))
         simulator.set(speed=0)

@@ -52,7 +52,7 @@ TEST(JobWithOddAnswers, IsRefusedIfAnAnswerNeverArrives) {
   script.wheneverAsked(statusRequest, {{bytes("89 01 00 00 00 00 00 00 05"), 0.0}});
   const PrintResult result = printOn(script);
   EXPECT_EQ(result.outcome, PrintOutcome::Refused);
-  EXPECT_EQ(result.reason, "the printer has not answered all that it was asked");
+  EXPECT_EQ(result.reason, "the printer has not answered every question");
 }
 
 TEST(JobWithOddAnswers, IsNotConfirmedByAnAnswerThatArrivesTwice) {
@@ -85,7 +85,7 @@ TEST(JobWithOddAnswers, IsRefusedIfUnaskedBytesNeverStop) {
   script.wheneverAsked(bytes("1b 1d 03 03 00 00"), {{chatter, 0.0}});
   const PrintResult result = printOn(script);
   EXPECT_EQ(result.outcome, PrintOutcome::Refused);
-  EXPECT_EQ(result.reason, "the printer has not answered all that it was asked");
+  EXPECT_EQ(result.reason, "the printer has not answered every question");
 }
 
 TEST(JobWithOddAnswers, IsUnconfirmedIfOneStatusDuringTheJobIsOffLine) {

@@ -134,7 +134,7 @@ TEST_P(NamedJobTest, AJobIsUnconfirmedIfItsProcessEndedDuringPrinting) {
   const auto next = print(till, "receipt 1");
   EXPECT_EQ(next.result.outcome, PrintOutcome::Unconfirmed);
   EXPECT_EQ(next.result.reason,
-            "a process that printed this ended in the middle; up to 45 bytes went out");
+            "the process that printed the job ended too early; up to 45 bytes were sent");
   EXPECT_EQ(till.printed(), ByteBuffer());
   EXPECT_EQ(onlyJob().state, JobState::Unconfirmed);
   EXPECT_EQ(onlyJob().reason, next.result.reason);

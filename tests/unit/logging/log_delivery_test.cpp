@@ -262,7 +262,7 @@ TEST(LogDelivery, ReportsAFailingSinkOnceAndContinuesWithTheOthers) {
   }
   EXPECT_THAT(healthy->messages(), ElementsAre("a", "b"));
   EXPECT_EQ(redirected.text(),
-            "logging: a sink failed, records are missing from it: no room\\nat all\n");
+            "logging: a sink failed; records are missing from its output: no room\\nat all\n");
 }
 
 TEST(LogDelivery, ReportsEachFailingSink) {
