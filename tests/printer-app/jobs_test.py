@@ -13,7 +13,7 @@ TEXT = "Café 2,40 €\nTotal 2.40\n".encode()
 class Jobs(Application):
     def test_a_job_is_completed_when_the_printer_has_confirmed_it(self):
         job = self.print(TEXT, "text/plain", keyword("quor-drawer", "drawer-1"))
-        self.assertEqual(self.await_state("completed", job), "the printer confirmed it")
+        self.assertEqual(self.await_state("completed", job), "the printer confirmed the job")
         (receipt,) = self.printed(1)
         self.assertRegex(receipt, r"\A\[image 576 x \d+ dots\]\nTotal 2\.40\n")
         self.assertIn("partial cut", receipt)

@@ -22,11 +22,11 @@ class ServerStart(Case):
         for setting, saying in (("upload-timeout=soon", "upload-timeout=\"soon\": takes seconds, from 1 to 86400"),
                                 ("upload-timeout=0", "takes seconds"), ("server-port=65536", "port"),
                                 ("log-level=loud", "takes debug, info, warn or error"),
-                                ("listen-host=*", "option \"listen-host\": the server takes listen-hostname, server-port")):
+                                ("listen-host=*", "the server has no option \"listen-host\"; its options are listen-hostname, server-port")):
             self.assertFails(saying, f"state-directory={self.folder}", setting)
 
-    def test_a_state_directory_that_cannot_be_made_is_reported(self):
-        self.assertFails("cannot be made", f"state-directory={self.file('file', b'')}")
+    def test_a_state_directory_that_cannot_be_created_is_reported(self):
+        self.assertFails("cannot be created", f"state-directory={self.file('file', b'')}")
 
     def test_a_server_started_by_root_does_not_change_the_host_name(self):
         log = self.folder / "log"

@@ -8,7 +8,8 @@ namespace {
 
 void complainUnconfirmed(const std::string& why, StatusLines& lines) {
   lines.setReasons(unconfirmedJob);
-  lines.complain("unconfirmed: " + why + "; look at the paper: releasing the job prints it again");
+  lines.complain("unconfirmed: " + why +
+                 "; look at the paper before you release the job, which prints it again");
 }
 
 // Returns true if a person must decide about the block, and reports why. Returns false if the block
@@ -17,7 +18,7 @@ bool mustBeHeld(Journal& journal, const JobBlock& block, const DeviceUri& uri, c
                 StatusLines& lines) {
   NamedJob named(journal, {.name = block.name, .device = uri.device, .isNameEnough = true}, {});
   if (!named.answer()) {
-    lines.complain(end.how + "; the rest was not sent: releasing the job prints the rest");
+    lines.complain(end.how + "; the rest was not sent; release the job to print the rest");
     return true;
   }
   if (named.answer()->isRepeated) {

@@ -29,7 +29,7 @@ std::string variable(const char* name) {
 void stopQueue() {
   StatusLines lines("");
   lines.setReasons(unconfirmedJob);
-  lines.complain("unconfirmed: the back end was ended in mid-job");
+  lines.complain("unconfirmed: the back end was ended during the job");
   lines.stopQueue();
 }
 

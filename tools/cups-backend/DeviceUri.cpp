@@ -37,8 +37,7 @@ std::uint32_t milliseconds(const std::string& key, const std::string& value) {
 bool isSecondOf(const std::string& key, const std::string& value, std::string_view first,
                 std::string_view second) {
   if (value != first && value != second) {
-    refuse(key + "=" + inQuotes(value) + ": takes " + std::string(first) + " or " +
-           std::string(second));
+    refuse(key + "=" + inQuotes(value) + ": takes " + inQuotes(first) + " or " + inQuotes(second));
   }
   return value == second;
 }
@@ -66,7 +65,7 @@ void addQuery(DeviceUri& uri, std::string_view query) {
     query.remove_prefix(std::min(query.size(), pair.size() + 1));
     const std::size_t equals = pair.find('=');
     if (equals == std::string_view::npos) {
-      refuse("a URI's query takes key=value, joined by &");
+      refuse("the query of a URI must be pairs key=value, joined by &");
     }
     const std::string key = deviceTextOf(pair.substr(0, equals), isAllData);
     const std::string value = deviceTextOf(pair.substr(equals + 1), isAllData);
@@ -83,7 +82,7 @@ void addQuery(DeviceUri& uri, std::string_view query) {
 void refuseCredentials(std::string_view path, const Scheme* scheme) {
   const bool mayHoldAt = scheme != nullptr && scheme->name != "tcp";
   if (!mayHoldAt && path.find('@') != std::string_view::npos) {
-    refuse("a user or a password is in the URI; the printers take neither");
+    refuse("the URI contains a user or a password; printers take neither");
   }
 }
 
@@ -117,8 +116,8 @@ std::string_view withoutAuthority(std::string_view text) {
   }
   if (!text.starts_with("///")) {
     refuse(
-        "the URI of a queue is quor:/tcp/HOST:PORT, for example, with one slash first; a host, "
-        "a user or a password is not taken there");
+        "the URI of a queue must have one slash after quor:, as in quor:/tcp/HOST:PORT; two "
+        "slashes would begin a host, a user or a password");
   }
   return text.substr(2);
 }
@@ -157,7 +156,7 @@ std::string placeInUri(const Scheme* scheme, std::string_view place) {
 
 DeviceUri parseDeviceUri(std::string_view uri) {
   if (!uri.starts_with(ownScheme)) {
-    refuse("the URI of a queue of this back end begins with quor:");
+    refuse("the URI of a queue of this back end must begin with quor:");
   }
   const std::string_view text = withoutAuthority(uri.substr(ownScheme.size()));
   const std::size_t question = text.find('?');
@@ -166,7 +165,7 @@ DeviceUri parseDeviceUri(std::string_view uri) {
   addQuery(result, question == std::string_view::npos ? "" : text.substr(question + 1));
   if (findScheme(parseDeviceSpec(result.device).scheme)->isOfOneProcess) {
     refuse(
-        "the printer that is built in has no paper; a queue takes a real one, such as "
+        "the virtual printer has no paper; a queue needs a real printer, such as "
         "quor:/tcp/HOST:9100");
   }
   return result;

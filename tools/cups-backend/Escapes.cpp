@@ -11,14 +11,14 @@ namespace {
 char escapedCharacter(std::string_view digits) {
   const auto code = numberIn<unsigned>(digits, 16);
   if (digits.size() != 2 || !code) {
-    throw std::invalid_argument("a percent sign in a URI takes two hex digits, such as %20");
+    throw std::invalid_argument("two hex digits must follow a percent sign in a URI, as in %20");
   }
   return static_cast<char>(*code);
 }
 
 void refuseControl(char c) {
   if (static_cast<unsigned char>(c) < ' ' || c == '\x7f') {
-    throw std::invalid_argument("a control character in a URI names no device");
+    throw std::invalid_argument("a URI must not contain control characters");
   }
 }
 

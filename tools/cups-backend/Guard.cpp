@@ -48,7 +48,7 @@ bool awaitWorker(pid_t worker, pid_t scheduler, const sigset_t& signals, int& st
 std::string endOf(int status) {
   return WIFSIGNALED(status)
              ? "the process that printed was ended by signal " + std::to_string(WTERMSIG(status))
-             : "the process that printed was told to stop";
+             : "the process that printed was asked to stop";
 }
 
 }  // namespace

@@ -121,7 +121,7 @@ QueueJob::Verdict QueueJob::answered(NamedJob& named, const JobBlock& block) {
   if (!known.isRepeated) {
     return hold(named, known.result);
   }
-  with_.lines.note("printed already, in attempt " + std::to_string(known.attempt) +
+  with_.lines.note("already printed in attempt " + std::to_string(known.attempt) +
                    "; nothing was sent now");
   return confirm(block, known.result);
 }
@@ -159,7 +159,7 @@ QueueJob::Verdict QueueJob::run(NamedJob& named, const JobBlock& block) {
 QueueJob::Verdict QueueJob::judge(NamedJob& named, const NamedJobResult& result,
                                   const JobBlock& block) {
   if (!result.notRecorded.empty()) {
-    with_.lines.complain("the outcome is not recorded: " + result.notRecorded);
+    with_.lines.complain("the outcome could not be recorded: " + result.notRecorded);
   }
   if (result.result.status) {
     with_.state.setStatus(*result.result.status);
@@ -196,7 +196,7 @@ ExitCode QueueJob::hold(NamedJob& named, const PrintResult& result) {
   }
   with_.lines.setReasons(reasons);
   with_.lines.complain("unconfirmed: " + result.reason +
-                       "; look at the paper: releasing the job prints it again");
+                       "; look at the paper before you release the job, which prints it again");
   try {
     named.tell();
   } catch (const JournalError& error) {

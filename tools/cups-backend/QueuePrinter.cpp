@@ -45,7 +45,7 @@ void QueuePrinter::open() {
     if (why.empty()) {
       throw std::invalid_argument(
           "the keys of the device " + inQuotes(uri_.device) +
-          " keep it from being chosen; leave manufacturer and protocol out");
+          " prevent the port from choosing it; leave out manufacturer and protocol");
     }
     throw OutOfReach(why);
   }
@@ -69,7 +69,7 @@ void QueuePrinter::takeTurn() {
     return;
   }
   if (!turn_) {
-    throw OutOfReach("another job has had the printer for a day");
+    throw OutOfReach("another job has been using the printer for a day");
   }
 }
 

@@ -83,16 +83,18 @@ std::optional<Refusal> Gate::refuses(const Visit& visit) const {
     return Refusal{403, "open this server by its IP address, not by a name"};
   }
   if (!visit.origin.empty() && visit.origin != "http://" + std::string(visit.host)) {
-    return Refusal{403, "this server answers no page but its own"};
+    return Refusal{403, "this server answers only requests of its own page"};
   }
   if (!hasToken(visit.path)) {
-    return Refusal{403, "the address lacks the token that standard output shows"};
+    return Refusal{
+        403,
+        "the address lacks the token; use the whole address that was written to standard output"};
   }
   if (visit.method != "GET" && visit.method != "HEAD" && visit.method != "POST") {
-    return Refusal{405, "this server takes GET, HEAD and POST"};
+    return Refusal{405, "this server accepts only GET, HEAD and POST"};
   }
   if (visit.method == "POST" && !isJson(visit.contentType)) {
-    return Refusal{415, "a control line is sent as application/json"};
+    return Refusal{415, "a control line must be sent as application/json"};
   }
   return std::nullopt;
 }

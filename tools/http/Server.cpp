@@ -232,7 +232,7 @@ class Server::Machine {
         {.method = method, .path = path, .host = host, .origin = origin, .contentType = type});
     const auto length = numberIn<std::uint64_t>(headerOf(connection, "Content-Length"));
     if (!refused && length.value_or(0) > longestBody) {
-      return Refusal{413, "a request has at most 65536 bytes"};
+      return Refusal{413, "the request is too long; at most 65536 bytes are allowed"};
     }
     return refused;
   }
@@ -254,7 +254,8 @@ class Server::Machine {
 
   MHD_Result send(MHD_Connection* connection, const Answer& answer) {
     if (answer.events && !hasRoomForReader()) {
-      return send(connection, refusal(503, "too many pages are open; close one, or try again"));
+      return send(connection,
+                  refusal(503, "too many pages are open; close one, or try again later"));
     }
     const Response response =
         answer.events ? beginReading(connection, *answer.events) : responseOf(answer.body);

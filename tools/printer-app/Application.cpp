@@ -86,7 +86,7 @@ pappl_system_t* createSystem(const Settings& settings) {
       (settings.folder / "jobs").c_str(), settings.logFile.c_str(), settings.logLevel, nullptr,
       false);
   if (system == nullptr) {
-    throw std::runtime_error("the framework cannot start");
+    throw std::runtime_error("the printer application framework cannot start");
   }
   papplSystemSetFooterHTML(system, "QuorIOPort");
   if (isForOthers) {
@@ -102,7 +102,7 @@ void makeFolder(const std::filesystem::path& folder) {
   std::filesystem::create_directories(folder, error);
   if (error) {
     throw std::runtime_error("the folder " + folder.string() +
-                             " cannot be made: " + error.message());
+                             " cannot be created: " + error.message());
   }
 }
 
@@ -119,8 +119,8 @@ void load(pappl_system_t* system, std::string& file) {
 void listen(pappl_system_t* system, const Settings& settings) {
   if (settings.isForOthers() && !setPassword(system, settings.passwordFile)) {
     throw std::runtime_error(
-        "to listen to other machines takes -o password-file=FILE, a file with the password of the "
-        "web page in its first line");
+        "a server that listens to other machines needs -o password-file=FILE, a file whose first "
+        "line is the password of the web page");
   }
   papplSystemAddListeners(system, settings.host == "*" ? nullptr : settings.host.c_str());
 }

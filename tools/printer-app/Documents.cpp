@@ -100,14 +100,14 @@ bool printRaster(pappl_job_t* job, pappl_device_t* /*device*/, void* /*data*/) {
       addPage(raster, document, head);
     }
     if (document.pages() == 0) {
-      throw render::RenderError("the document has no page");
+      throw render::RenderError("the document has no pages");
     }
   });
 }
 
 // Refuses raster that is printed while it arrives. The framework requires such functions.
 bool refuseJob(pappl_job_t* job, pappl_pr_options_t* /*options*/, pappl_device_t* /*device*/) {
-  papplJobSetMessage(job, "%s", "raster is taken as image/pwg-raster or image/urf");
+  papplJobSetMessage(job, "%s", "raster data must be sent as image/pwg-raster or image/urf");
   return false;
 }
 

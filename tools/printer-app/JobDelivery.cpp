@@ -127,7 +127,7 @@ class Delivery {
   bool judge(const PrintResult& result) {
     showReasons(printer_, result);
     if (result.outcome == PrintOutcome::Printed) {
-      papplJobSetMessage(job_, "%s", "the printer confirmed it");
+      papplJobSetMessage(job_, "%s", "the printer confirmed the job");
       return true;
     }
     papplJobSetMessage(job_, "unconfirmed: %s; %s", printable(result.reason).c_str(),

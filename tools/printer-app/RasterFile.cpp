@@ -21,7 +21,7 @@ RasterFile::RasterFile(const char* path)
     : file_(::open(path, O_RDONLY | O_CLOEXEC)), raster_(cupsRasterOpen(file_, CUPS_RASTER_READ)) {
   if (raster_ == nullptr) {
     ::close(file_);
-    throw render::RenderError("the document is no raster, or cannot be read");
+    throw render::RenderError("the document is not raster data, or cannot be read");
   }
 }
 
@@ -35,7 +35,7 @@ bool RasterFile::nextPage() {
   }
   render::checkSize(width(), height());
   if (!isGrey(header_)) {
-    throw render::RenderError("a page of raster is in another form than 8 bits of grey a pixel");
+    throw render::RenderError("a page of raster data must have 8 bits of grey per pixel");
   }
   row_.resize(header_.cupsBytesPerLine);
   return true;
@@ -44,7 +44,7 @@ bool RasterFile::nextPage() {
 render::ByteView RasterFile::nextRow() {
   if (cupsRasterReadPixels(raster_.get(), row_.data(), header_.cupsBytesPerLine) !=
       header_.cupsBytesPerLine) {
-    throw render::RenderError("the document is cut short: nothing was printed");
+    throw render::RenderError("the document is incomplete; nothing was printed");
   }
   return row_;
 }

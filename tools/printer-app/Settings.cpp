@@ -75,7 +75,8 @@ Settings settingsIn(int count, const cups_option_t* options) {
   for (const cups_option_t* given = options; given != options + count; ++given) {
     const auto* const option = std::ranges::find(known, given->name, &Option::name);
     if (option == std::end(known)) {
-      spec::refuse("option " + inQuotes(given->name) + ": the server takes " + knownNames());
+      spec::refuse("the server has no option " + inQuotes(given->name) + "; its options are " +
+                   knownNames());
     }
     if (!option->set(settings, given->value)) {
       spec::refuse(std::string(option->name) + "=" + inQuotes(given->value) + ": takes " +

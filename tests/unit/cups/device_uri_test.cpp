@@ -82,16 +82,16 @@ TEST_P(WrongUris, AreRefusedWithTheReason) {
 
 INSTANTIATE_TEST_SUITE_P(
     Refused, WrongUris,
-    testing::Values(Pair{"socket://192.0.2.10", "begins with quor:"},
+    testing::Values(Pair{"socket://192.0.2.10", "must begin with quor:"},
                     Pair{"quor:/tcp/192.0.2.10:0", "takes HOST:PORT"}, Pair{"quor:", "takes"},
                     Pair{"quor:/telex/12", "takes"},
                     Pair{"quor:/tcp/a:1?speed=fast", "key \"speed\""},
-                    Pair{"quor:/tcp/a:1?name", "takes key=value"},
+                    Pair{"quor:/tcp/a:1?name", "must be pairs key=value"},
                     Pair{"quor:/tcp/a%2:1", "two hex digits"}, Pair{"quor:/tcp/a%zz:1", "two hex"},
                     Pair{"quor:/usb/a%0Ab", "control character"},
-                    Pair{"quor:/tcp/a:1?emulation=pcl", "takes line or escpos"},
+                    Pair{"quor:/tcp/a:1?emulation=pcl", R"(takes "line" or "escpos")"},
                     Pair{"quor:/tcp/a:1?timeout=-1", "takes milliseconds"},
-                    Pair{"quor:/tcp/a:1?copies=all", "takes separate or together"},
+                    Pair{"quor:/tcp/a:1?copies=all", R"(takes "separate" or "together")"},
                     Pair{"quor:/virtual", "has no paper"}));
 
 TEST(PasswordsInUris, AreRefusedWithoutBeingRepeated) {
