@@ -43,7 +43,8 @@ void setPage(Pages& pages, std::string_view pair) {
       names.append(names.empty() ? "" : ", ").append(page);
     }
     throw std::invalid_argument(
-        "codePages takes common, small, or pairs NUMBER:NAME joined by blanks or + with a number "
+        "codePages takes \"common\", \"small\", or pairs NUMBER:NAME joined by blanks or + with a "
+        "number "
         "from 0 to 255 and one of the names " +
         names + ", not " + inQuotes(pair));
   }
@@ -80,8 +81,9 @@ void CharacterSets::setMultiByte(std::string_view name) {
       return;
     }
   }
-  throw std::invalid_argument("multiByte takes none, shift-jis, gb18030, big5 or euc-kr, not " +
-                              inQuotes(name));
+  throw std::invalid_argument(
+      "multiByte takes \"none\", \"shift-jis\", \"gb18030\", \"big5\" or \"euc-kr\", not " +
+      inQuotes(name));
 }
 
 std::string_view nameOf(MultiByte encoding) {

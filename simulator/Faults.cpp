@@ -200,36 +200,36 @@ struct Form {
 
 constexpr Form commandForms[] = {
     {FaultKind::ShortWrites, "short-writes", "a count of bytes from 1", parsePositiveCount,
-     "no write takes more than these bytes", countOfBytes},
+     "no write takes more than the given count of bytes", countOfBytes},
     {FaultKind::NoSpace, "no-space", "BYTES:MS", parseNoSpace,
-     "after this count of bytes there is no space for this time", stall},
+     "after the given count of bytes there is no space for the given time", stall},
     {FaultKind::LateReply, "late-reply",
      "MS or MS@REPLY, REPLY being a number or a kind like process-id", parseLate,
-     "replies are delayed by this time", delay},
+     "each reply is delayed by the given time", delay},
     {FaultKind::SplitReply, "split-reply", "rising offsets like 3/7 or 3/7@REPLY", parseSplit,
-     "replies arrive in pieces", split},
-    {FaultKind::DuplicateReply, "duplicate-reply", everyReply, parseReply, "replies are sent twice",
-     oneReply},
-    {FaultKind::DropReply, "drop-reply", everyReply, parseReply, "replies are lost", oneReply},
+     "each reply arrives in pieces", split},
+    {FaultKind::DuplicateReply, "duplicate-reply", everyReply, parseReply,
+     "each reply is sent twice", oneReply},
+    {FaultKind::DropReply, "drop-reply", everyReply, parseReply, "each reply is lost", oneReply},
     {FaultKind::CorruptReply, "corrupt-reply", everyReply, parseReply,
-     "one bit of a reply is wrong", oneReply},
+     "one bit of each reply is wrong", oneReply},
     {FaultKind::StrayByte, "stray-byte", "two hex digits, or two hex digits@REPLY", parseStrayByte,
-     "this byte is sent before a reply", strayByte},
+     "the given byte is sent before each reply", strayByte},
     {FaultKind::WrongId, "wrong-id", "all or the number of a reply", parseIdReply,
-     "one character of a returned process ID is wrong", oneReply},
+     "one character of each returned process ID is wrong", oneReply},
     {FaultKind::ForeignReply, "foreign-reply", "block, process-id or in-order", parseProof,
      "a reply of this kind to another host's job is sent first", proofReply},
     {FaultKind::Silence, "silence", "the number of a reply", parseReplyNumber,
-     "this reply and all after it are lost", replyNumber},
+     "the reply with the given number and all later replies are lost", replyNumber},
     {FaultKind::CutAfterIn, "cut-after-in", "BYTES or BYTES:drain|at-once|reset", parseCut,
-     "the link ends when it has received this count of bytes", cutAfter},
+     "the link ends when the printer has received the given count of bytes", cutAfter},
     {FaultKind::CutAfterOut, "cut-after-out", "BYTES or BYTES:drain|at-once|reset", parseCut,
-     "the link ends when the printer has sent this count of bytes", cutAfter},
+     "the link ends when the printer has sent the given count of bytes", cutAfter},
     {FaultKind::Cut, "cut", "drain, at-once or reset", parseEnding, "the link ends now", cutNow},
     {FaultKind::PrintsNothing, "prints-nothing", "true", parseTrue,
-     "all data are accepted but nothing is printed", Parts()},
+     "all data is accepted but nothing is printed", Parts()},
     {FaultKind::At, "at", "MS:KEY=VALUE with a printer setting or another fault", parseAt,
-     "after this time a setting or a fault takes effect", later},
+     "after the given time a setting or a fault takes effect", later},
 };
 
 constexpr std::pair<Text, ReplyKind> replyNames[] = {
@@ -271,7 +271,7 @@ std::vector<FaultForm> faultForms() {
   for (const Form& form : commandForms) {
     forms.push_back({form.name, form.takes, form.effect, form.parts});
   }
-  forms.push_back({"seed", "a whole number", "decides all random choices", seed});
+  forms.push_back({"seed", "a whole number", "the start value of all random choices", seed});
   return forms;
 }
 

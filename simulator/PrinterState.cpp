@@ -92,7 +92,7 @@ bool truthFrom(std::string_view key, std::string_view value) {
 
 bool isXonXoff(std::string_view value) {
   if (value != "none" && value != "xonxoff") {
-    refuse("flow", value, "none or xonxoff");
+    refuse("flow", value, "\"none\" or \"xonxoff\"");
   }
   return value == "xonxoff";
 }
@@ -145,28 +145,28 @@ std::vector<Text> multiBytes() {
 }
 
 constexpr Setting settings[] = {
-    {"speed", Kind::Number, 0, anyNumber, "bytes a second; 0 is without delay",
+    {"speed", Kind::Number, 0, anyNumber, "bytes a second; 0 means no delay",
      [](State& state, Text value) {
        state.bytesPerSecond =
            numberFrom<std::uint32_t>("speed", value, "bytes a second, 0 for unlimited");
      },
      [](const State& state) { return std::to_string(state.bytesPerSecond); }},
-    {"buffer", Kind::Number, smallestBuffer, anyNumber, "bytes that it holds",
+    {"buffer", Kind::Number, smallestBuffer, anyNumber, "the bytes that the printer can hold",
      [](State& state, Text value) {
        state.setBufferSize(
            numberFrom<std::uint32_t>("buffer", value, "a count of bytes, 16 or more"));
      },
      [](const State& state) { return std::to_string(state.bufferSize()); }},
-    {"flow", Kind::Text, 0, 0, "whether it asks hosts to pause by 13 and to continue by 11",
+    {"flow", Kind::Text, 0, 0, "xonxoff: the byte 13 pauses hosts, and 11 lets them continue",
      [](State& state, Text value) { state.flowControl = isXonXoff(value); },
      [](const State& state) { return std::string(state.flowControl ? "xonxoff" : "none"); },
      [] {
        return std::vector<Text>{"none", "xonxoff"};
      }},
-    {"profile", Kind::Text, 0, 0, "the kind of printer; sets several of these",
+    {"profile", Kind::Text, 0, 0, "the kind of printer; sets several other settings",
      [](State& state, Text value) { applyProfile(value, state); },
      [](const State& state) { return state.profile; }, nullptr, profileNames},
-    {"paper", Kind::Number, 58, 80, "millimetres, of the next roll",
+    {"paper", Kind::Number, 58, 80, "the width of the next roll in millimetres",
      [](State& state, Text value) {
        state.setPaperWidth(numberFrom<unsigned>("paper", value, "58 or 80 (mm)"));
      },
@@ -174,7 +174,7 @@ constexpr Setting settings[] = {
      [] {
        return std::vector<Text>{"58", "80"};
      }},
-    {"proofs", Kind::Text, 0, 0, "the proofs that it knows, joined by +",
+    {"proofs", Kind::Text, 0, 0, "the proofs that the printer gives, joined by +",
      [](State& state, Text value) { state.dialect.proofs = Proofs::parse(value); },
      [](const State& state) { return state.dialect.proofs.text(); }, nullptr,
      [] {
@@ -185,43 +185,44 @@ constexpr Setting settings[] = {
                                 "in-order",
                                 "none"};
      }},
-    {"lacks", Kind::Text, 0, 0, "commands that it lacks, by their first bytes, like 1b4c+1d286b",
+    {"lacks", Kind::Text, 0, 0,
+     "commands that the printer lacks, by their first bytes, like 1b4c+1d286b",
      [](State& state, Text value) { state.lacked = LackedCommands::parse(value); },
      [](const State& state) { return state.lacked.text(); }},
-    {"lineMode", Kind::Flag, 0, 0, "it knows the maker's own commands",
+    {"lineMode", Kind::Flag, 0, 0, "the printer knows the maker's own commands",
      [](State& state, Text value) { state.dialect.lineMode = truthFrom("lineMode", value); },
      [](const State& state) { return truthOf(state.dialect.lineMode); }},
-    {"utf8", Kind::Flag, 0, 0, "it reads UTF-8 until a job selects a code page",
+    {"utf8", Kind::Flag, 0, 0, "the printer reads UTF-8 until a job selects a code page",
      [](State& state, Text value) { state.characters.utf8 = truthFrom("utf8", value); },
      [](const State& state) { return truthOf(state.characters.utf8); }},
-    {"codePages", Kind::Text, 0, 0, "the numbers of its code pages, like 0:437+16:1252",
+    {"codePages", Kind::Text, 0, 0, "the numbers of the code pages, like 0:437+16:1252",
      [](State& state, Text value) { state.characters.setPages(value); },
      [](const State& state) { return state.characters.pages(); }, nullptr,
      [] {
        return std::vector<Text>{"common", "small"};
      }},
-    {"multiByte", Kind::Text, 0, 0, "characters of several bytes",
+    {"multiByte", Kind::Text, 0, 0, "the encoding of characters of several bytes",
      [](State& state, Text value) { state.characters.setMultiByte(value); },
      [](const State& state) { return std::string(nameOf(state.characters.multiByte)); },
      multiBytes},
-    {"firmware", Kind::Text, 0, longestText, "its firmware text",
+    {"firmware", Kind::Text, 0, longestText, "the firmware text",
      [](State& state, Text value) { state.setFirmware(value); },
      [](const State& state) { return state.firmware(); }},
-    {"maker", Kind::Text, 0, longestText, "the maker that it answers",
+    {"maker", Kind::Text, 0, longestText, "the maker that the printer reports",
      [](State& state, Text value) { state.setMaker(value); },
      [](const State& state) { return state.maker(); }},
-    {"modelName", Kind::Text, 0, longestText, "the model that it answers",
+    {"modelName", Kind::Text, 0, longestText, "the model that the printer reports",
      [](State& state, Text value) { state.setModelName(value); },
      [](const State& state) { return state.modelName(); }},
-    {"serialNumber", Kind::Text, 0, longestText, "the serial number that it answers",
+    {"serialNumber", Kind::Text, 0, longestText, "the serial number that the printer reports",
      [](State& state, Text value) { state.setSerialNumber(value); },
      [](const State& state) { return state.serialNumber(); }},
-    {"modelId", Kind::Number, 0, 255, "the number of its model",
+    {"modelId", Kind::Number, 0, 255, "the number of the model",
      [](State& state, Text value) {
        state.modelId = numberFrom<std::uint8_t>("modelId", value, "a number from 0 to 255");
      },
      [](const State& state) { return std::to_string(state.modelId); }},
-    {"typeId", Kind::Number, 0, 255, "the number of its type",
+    {"typeId", Kind::Number, 0, 255, "the number of the type",
      [](State& state, Text value) {
        state.typeId = numberFrom<std::uint8_t>("typeId", value, "a number from 0 to 255");
      },

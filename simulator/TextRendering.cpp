@@ -195,8 +195,7 @@ std::vector<std::string> remarksOn(const Paper& paper) {
     remarks.push_back(std::move(text));
   }
   if (paper.goesOn()) {
-    remarks.emplace_back(
-        "torn off: the paper grew too long, and the job continues on the next one");
+    remarks.emplace_back("torn off: the paper grew too long, and the job continues on new paper");
   }
   return remarks;
 }

@@ -31,8 +31,9 @@ TEST(ProofsOfAPrinter, AreParsedInAnyOrderAndWrittenInAFixedOrder) {
 
 TEST(ProofsOfAPrinter, TheErrorOfAnUnknownProofNamesTheKnownProofs) {
   for (const auto* wrong : {"x", "block+", "+", "block,in-order", "none+block", "Block"}) {
-    EXPECT_THAT([&] { PrinterState().set("proofs", wrong); },
-                ThrowsMessage<std::invalid_argument>(HasSubstr("block, process-id and in-order")))
+    EXPECT_THAT(
+        [&] { PrinterState().set("proofs", wrong); },
+        ThrowsMessage<std::invalid_argument>(HasSubstr(R"("block", "process-id" and "in-order")")))
         << wrong;
   }
 }

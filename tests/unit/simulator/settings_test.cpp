@@ -89,7 +89,7 @@ TEST(PrinterSettings, TheErrorOfAWrongValueNamesTheKeyAndItsValues) {
       {"connectedInterface", "6", "0 to 5"},
       {"connectedInterface", "260", "0 to 5"},
       {"paper", "60", "58 or 80"},
-      {"flow", "rtscts", "none or xonxoff"},
+      {"flow", "rtscts", R"("none" or "xonxoff")"},
       {"colour", "red", "receiptPaperEmpty"},
   };
   for (const auto& c : cases) {
