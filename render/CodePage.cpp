@@ -40,15 +40,15 @@ std::string usualNumbers() {
 
 [[noreturn]] void fail(const std::string& why) {
   throw RenderError(why +
-                    "; a code page is a number such as 16, or NUMBER:NAME for a printer that "
-                    "counts in another way. Usual are " +
+                    "; a code page is a number such as 16, or NUMBER:NAME for a printer with "
+                    "other numbers. The usual numbers are " +
                     usualNumbers());
 }
 
 std::uint8_t pageNumber(std::string_view text) {
   const auto number = numberIn<std::uint8_t>(text);
   if (!number) {
-    fail("a code page's number is from 0 to 255");
+    fail("the number of a code page must be from 0 to 255");
   }
   return *number;
 }
@@ -56,7 +56,7 @@ std::uint8_t pageNumber(std::string_view text) {
 std::string_view usualName(std::uint8_t number) {
   const auto* const found = std::ranges::find(usualPages, number, &UsualPage::number);
   if (found == std::end(usualPages)) {
-    fail("the number " + std::to_string(number) + " has no usual meaning");
+    fail("the number " + std::to_string(number) + " is not one of the usual numbers");
   }
   return found->name;
 }

@@ -32,7 +32,7 @@ std::unique_ptr<Picture> openPicture(ByteView file, unsigned leastWidth) {
     }
     return std::make_unique<TurnedPicture>(*picture, orientation);
   }
-  throw RenderError("this is no picture in PNG or JPEG");
+  throw RenderError("the data is not a picture in PNG or JPEG");
 }
 
 }  // namespace quordalvane::render

@@ -29,7 +29,7 @@ void stayQuiet(png_structp /*png*/, png_const_charp /*why*/) {}
 void readPiece(png_structp png, png_bytep data, std::size_t length) {
   ByteView& left = *static_cast<ByteView*>(png_get_io_ptr(png));
   if (left.size() < length) {
-    png_error(png, "the file is cut short");
+    png_error(png, "the file is incomplete");
   }
   std::memcpy(data, left.data(), length);
   left = left.subspan(length);

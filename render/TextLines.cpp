@@ -41,7 +41,7 @@ void TextLines::add(std::string_view piece) {
       if (left.size() < longestCharacter) {
         break;
       }
-      throw RenderError("this is no UTF-8" + place(offset_));
+      throw RenderError("the text is not UTF-8" + place(offset_));
     }
     addCharacter(character.codePoint, left.substr(0, character.length));
     offset_ += character.length;
@@ -52,7 +52,7 @@ void TextLines::add(std::string_view piece) {
 
 void TextLines::end() {
   if (!unread_.empty()) {
-    throw RenderError("this is no UTF-8" + place(offset_));
+    throw RenderError("the text is not UTF-8" + place(offset_));
   }
   if (!line_.empty()) {
     endLine();
@@ -61,7 +61,7 @@ void TextLines::end() {
 
 void TextLines::addCharacter(std::uint32_t codePoint, std::string_view character) {
   if (std::exchange(afterReturn_, codePoint == '\r') && codePoint != '\n') {
-    throw RenderError("a carriage return stands alone" + place(offset_ - 1));
+    throw RenderError("a carriage return without a line feed" + place(offset_ - 1));
   }
   if (codePoint == '\n' || codePoint == '\f') {
     endLine();
@@ -71,8 +71,8 @@ void TextLines::addCharacter(std::uint32_t codePoint, std::string_view character
     } while (column_ % tabWidth != 0);
   } else if (codePoint != '\r' && isControl(codePoint)) {
     throw RenderError("a control character" + place(offset_) +
-                      " would be a command to the printer; the bytes of a printer's own commands "
-                      "are printed without being taken for text");
+                      " would be a command to the printer; do not print a file with printer "
+                      "commands as text");
   } else if (codePoint != '\r' && !(codePoint == byteOrderMark && offset_ == 0)) {
     addLetter(codePoint, character);
   }

@@ -162,8 +162,8 @@ TEST(Picture, IsRefusedIfItsHeaderClaimsAHugeSize) {
 }
 
 TEST(Picture, IsRefusedIfItsFileIsInvalidOrCutOff) {
-  EXPECT_EQ(refusalOf(ascii("%PDF-1.4")), "this is no picture in PNG or JPEG");
-  EXPECT_EQ(refusalOf({}), "this is no picture in PNG or JPEG");
+  EXPECT_EQ(refusalOf(ascii("%PDF-1.4")), "the data is not a picture in PNG or JPEG");
+  EXPECT_EQ(refusalOf({}), "the data is not a picture in PNG or JPEG");
   for (const Bytes& whole : {halfBlack(64, 64, 20), jpegFile(64, 64)}) {
     for (std::size_t size = 8; size < whole.size() * 2 / 3; size += 7) {
       const Bytes file(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
