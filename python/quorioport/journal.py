@@ -170,7 +170,7 @@ class Journal:
         be reached or another job uses it; then nothing was sent, and the journal records that.
         """
         if len(port.configuration.devices) != 1:
-            raise UsageError("a job under a name is for a port of one device")
+            raise UsageError("a job under a name needs a port with exactly one device")
         running = RunningJob(progress, proof)
         job = Named(self._raw, name, port.configuration.devices[0], again, milliseconds(timeout, "timeout"))
         future = port.worker.submit(job.run, port.handle, running, bytes_of(data))

@@ -122,7 +122,7 @@ class VirtualPrinter:
         try:
             record = self._jobs.get(timeout=timeout)
         except queue.Empty:
-            raise OperationError(f"no job ended within {timeout} s; one ends when its port is closed") from None
+            raise OperationError(f"no job ended within {timeout} s; a job ends when its port is closed") from None
         files = [Path(name) for name in record["files"]]
         text = "".join(file.read_text(encoding="utf-8") for file in files if file.suffix == ".txt")
         pictures = [file.read_bytes() for file in files if file.suffix == ".png"]
