@@ -85,7 +85,7 @@ void print(OpenPort& port, std::span<const std::uint8_t> data) {
   }
 }
 
-/// Returns the throughput of jobs of one size, in MiB/s. It is the median of several jobs.
+/// Returns the median throughput of several jobs of one size, in MiB/s.
 Pairs<double> throughput(Drains& drains, std::span<const std::uint8_t> data) {
   const auto mebibytes = static_cast<double>(data.size()) / static_cast<double>(mebibyte);
   const int jobs = data.size() > mebibyte ? 3 : 31;
@@ -174,7 +174,7 @@ class ReadAhead {
   const int bareFeed_;
 };
 
-/// Returns the rate of reading a portion, in MiB/s. It is the median over 1 MiB.
+/// Returns the median rate of reading a portion, over 1 MiB, in MiB/s.
 template <typename Feed, typename Read>
 double readingRate(Feed feed, Read read) {
   Figures seconds;

@@ -57,8 +57,8 @@ class JobRecord {
   /// printer does not have, like "page 200".
   const std::set<std::string>& missing() const { return missing_; }
 
-  /// Return the first received bytes of the job, and the count of all its bytes. Both are empty or
-  /// 0 unless the printer has `PrinterState::keepsReceived`.
+  /// Return the first received bytes of the job, and the count of all its bytes. Without
+  /// `PrinterState::keepsReceived`, the bytes are empty and the count is 0.
   const Bytes& received() const { return received_; }
   std::uint64_t receivedCount() const { return receivedCount_; }
   void setReceived(Bytes bytes, std::uint64_t count);

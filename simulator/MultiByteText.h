@@ -12,8 +12,8 @@ namespace quordalvane::simulator {
 /// Reads text in a multi-byte encoding.
 class MultiByteText {
  public:
-  /// `sevenBit` selects the older Japanese code, whose bytes are 21 to 7e (hex). It requires
-  /// Shift-JIS.
+  /// `sevenBit` selects the older Japanese code, whose bytes are 21 to 7e (hex). `sevenBit`
+  /// requires Shift-JIS.
   explicit MultiByteText(MultiByte encoding, bool sevenBit = false);
 
   /// Returns true if a multi-byte character can begin with this byte.

@@ -177,8 +177,8 @@ struct Page {
 using PaperItem = std::variant<Line, Symbol, Feed, MoveTo, Page, Cut>;
 
 /// The greatest weight of a paper, in bytes. A heavier paper is torn off, so that even the longest
-/// job takes no more memory. This is enough for about five thousand lines of text, or seven metres
-/// of image.
+/// job takes no more memory. The weight is enough for about five thousand lines of text, or seven
+/// metres of image.
 inline constexpr std::size_t heaviestPaper = std::size_t{4} * 1024 * 1024;
 
 /// The greatest length of a paper in dots. It is fifty metres, the length of a roll.

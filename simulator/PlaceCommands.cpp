@@ -12,7 +12,7 @@ namespace {
 // past the blade.
 constexpr unsigned headToBlade = 96;
 
-// In page mode, a vertical position means the foot of a line. This is the height of a line in dots.
+// The height of a line in dots. In page mode, a vertical position means the foot of a line.
 constexpr unsigned lineFoot = 24;
 
 unsigned word(ByteView command, std::size_t at) {

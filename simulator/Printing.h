@@ -54,8 +54,8 @@ class Printing {
   const Paper& paper() const { return typesetter_.paper(); }
   Paper tearOff();
 
-  /// Tears the paper off in the middle of a job. Unlike `tearOff`, it leaves an unfinished line to
-  /// the next paper. It also ends a running macro.
+  /// Tears the paper off in the middle of a job. Unlike `tearOff`, this function leaves an
+  /// unfinished line to the next paper, and ends a running macro.
   Paper tearOffFinishedLines();
 
  private:

@@ -31,7 +31,7 @@ class Reception {
   std::size_t undecided() const { return undecided_.size(); }
 
   /// Returns how many bytes at the start of `bytes` belong to commands that act at once. The last
-  /// command may be unfinished. These bytes need no space in the print buffer.
+  /// command may be unfinished. The counted bytes need no space in the print buffer.
   std::size_t actingAtOnce(ByteView bytes) const;
 
   /// Forgets an unfinished command; the next byte starts a new one.

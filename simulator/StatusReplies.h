@@ -8,7 +8,8 @@
 namespace quordalvane::simulator {
 
 /// Returns the status block of line mode: a header with the length, the version of the layout, the
-/// thirty flags as one bit each, the counter and the two state bytes. It always has nine bytes.
+/// thirty flags as one bit each, the counter and the two state bytes. The block always has nine
+/// bytes.
 Bytes statusBlock(const PrinterState& state);
 
 /// Returns the byte that answers a real-time status request 10 04 `query` (hex): 1 is the printer,
@@ -26,8 +27,8 @@ Bytes identityReply(const PrinterState& state, std::uint8_t query);
 /// Returns the settings of a DIP-switch bank. `digit` is the ASCII digit 1 or 2 in the request.
 Bytes dipSwitchReply(const PrinterState& state, std::uint8_t digit);
 
-/// Returns the report that an ESC/POS printer sends when everything before an ETB is printed. It
-/// holds the new value of the printer's counter.
+/// Returns the report that an ESC/POS printer sends when everything before an ETB is printed. The
+/// report holds the new value of the printer's counter.
 Bytes etbReport(const PrinterState& state);
 
 /// Returns the reply to a process-ID command, which contains the four characters of the command.

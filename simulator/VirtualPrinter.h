@@ -25,7 +25,7 @@ namespace quordalvane::simulator {
 ///
 /// The virtual printer is a state machine over bytes and time, without a thread, clock or input of
 /// its own. Its behaviour depends only on the bytes and times that it is given, not on how often it
-/// is called. The times must not decrease. It must not be used by two threads at once.
+/// is called. The times must not decrease. A printer must not be used by two threads at once.
 class VirtualPrinter {
  public:
   explicit VirtualPrinter(PrinterState state);
@@ -41,7 +41,8 @@ class VirtualPrinter {
   /// Changes a setting from `now` on, as `PrinterState::set` does, and throws as it does.
   void set(std::string_view key, std::string_view value, Instant now);
 
-  /// Lets the printer work until `now`. The functions below show its state at the latest `now`.
+  /// Lets the printer work until `now`. The functions below show the printer's state at the latest
+  /// `now`.
   void advance(Instant now);
 
   /// Returns the output since the paper was last torn off.
@@ -114,8 +115,8 @@ class VirtualPrinter {
   std::optional<Instant> nextEvent() const;
 
  private:
-  /// A command, or the end of a connection, that takes effect when the first `end` bytes ever
-  /// queued have been printed.
+  /// A command, or the end of a connection. It takes effect when the first `end` queued bytes have
+  /// been printed.
   struct Mark {
     std::optional<MachineCommand> command;  // empty means the end of a connection
     Bytes bytes;                            // the bytes of the command, which are not printed

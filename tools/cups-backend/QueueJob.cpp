@@ -46,8 +46,8 @@ ExitCode QueueJob::print(const std::vector<std::uint8_t>& copy,
   return ExitCode::Done;
 }
 
-/// Removes old jobs, so that the journal does not grow for ever. This takes time, so only every
-/// hundredth job does it.
+/// Removes old jobs, so that the journal does not grow for ever. The search for them takes time, so
+/// only every hundredth job makes it.
 void QueueJob::forgetOldJobs() const {
   constexpr unsigned jobsBetween = 100;
   constexpr std::uint32_t daysKept = 30;

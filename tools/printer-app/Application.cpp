@@ -59,9 +59,9 @@ bool save(pappl_system_t* system, void* file) {
   return saveState(system, *static_cast<const std::string*>(file));
 }
 
-// Starts jobs that the framework leaves waiting, because it starts a waiting job only when another
-// job ends or arrives. It leaves the jobs that it has loaded, and the jobs after a job that was
-// canceled while it waited.
+// Starts jobs that would wait in vain: the jobs that the framework has loaded, and the jobs after a
+// job that was canceled while it waited. The framework starts a waiting job only when another job
+// ends or arrives.
 bool lookAfterJobs(pappl_system_t* system, void* file) {
   papplSystemIteratePrinters(
       system,

@@ -4,8 +4,8 @@
 
 namespace quordalvane::printer_app {
 
-/// Returns the library's function of this name. This program defines a function of the same name,
-/// which the framework calls instead, and which calls the library's.
+/// Returns the library's function of this name. This program defines functions of the same names;
+/// the framework calls these, and they call the library's.
 template <typename Function>
 Function* libraryFunction(const char* name) {
   return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));

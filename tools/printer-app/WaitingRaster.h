@@ -8,8 +8,8 @@ namespace quordalvane::printer_app {
 /// other document meanwhile, and not know the document after a restart. A document of any other
 /// format gets a file and waits for its turn. The framework reads a request by a function of the
 /// print system's library, `ippRead`. This program defines a function of that name, which the
-/// framework calls instead. It adds to a request with raster data that the document was detected as
-/// this format.
+/// framework calls instead. This function adds to a request with raster data that the document was
+/// detected as this format.
 ///
 /// This constant is defined beside that function, because a linker adds the function to the program
 /// only if the program uses something of the same source.

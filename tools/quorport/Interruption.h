@@ -28,8 +28,8 @@ class Interruption {
   using GiveUp = std::function<void(const Report& report)>;
 
   /// `giveUp` must deliver its argument, the report, and end the process. `giveUp` is called only
-  /// while nothing is open that must be closed. It is necessary because an attempt to connect, or a
-  /// read from a pipe, cannot be interrupted.
+  /// while nothing is open that must be closed. `giveUp` is necessary because an attempt to
+  /// connect, or a read from a pipe, cannot be interrupted.
   ///
   /// `report` is used if the request ends the command before `setReport`.
   Interruption(Report report, GiveUp giveUp);
@@ -104,8 +104,9 @@ class InterruptiblePlatform : public ForwardingPlatform {
 
   Clock& clock() override { return clock_; }
 
-  /// Adds an accessory. `device` is its device text: opening a session on the accessory means that
-  /// the command talks to that device. If `device` is empty, the command's report does not name it.
+  /// Adds an accessory. `device` is the accessory's device text. From the opening of a session on
+  /// the accessory, the command talks to this device. If `device` is empty, the command's report
+  /// does not name the device.
   void attach(const std::shared_ptr<EAAccessory>& accessory, std::optional<std::string> device);
 
   /// Returns all attached accessories, in the order in which they were attached.

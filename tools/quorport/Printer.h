@@ -27,7 +27,8 @@ std::shared_ptr<InterruptiblePlatform> presentDevices(const Options& options,
 std::shared_ptr<EAAccessory> chosenAccessory(const InterruptiblePlatform& platform,
                                              const Options& options);
 
-/// Returns the failure to report if the port name chooses none of the platform's accessories.
+/// Returns the failure that a command reports if the port name chooses none of the platform's
+/// accessories.
 CommandFailure noneMatches(const InterruptiblePlatform& platform, const Options& options);
 
 /// The port of a command, open during the lifetime of this object.
@@ -61,7 +62,7 @@ class Printer {
     }
   }
 
-  /// Returns the failure to report if a question got no answer.
+  /// Returns the failure that a command reports if a question got no answer.
   CommandFailure failure(const InquiryError& error);
 
   /// Returns the faults in the port's last status, as a text to append to an error message: "; its

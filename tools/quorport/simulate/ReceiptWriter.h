@@ -26,7 +26,7 @@ class ReceiptWriter {
     bool isLookedAt = false;  ///< true if the receipts must be drawn for browsers
   };
 
-  /// The report of a job as a line, and the errors about its files.
+  /// The report of a job as a line, and the errors about the job's files.
   struct Done {
     std::string line;
     std::vector<std::string> complaints;
