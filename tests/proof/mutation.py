@@ -214,7 +214,8 @@ def report(tried: list[Tried], count: int, seed: int) -> int:
         print("\n".join(row for row, _ in survivors))
         explained = sum(bool(why) for _, why in survivors)
         print(f"{one.area.name}: {killed} of {len(counted)} killed"
-              + (f" ({killed / len(counted):.1%}), {explained} cannot be" if counted else "") + f", of {goal} mutants")
+              + (f" ({killed / len(counted):.1%}), {explained} cannot be killed" if counted else "")
+              + f", drawn from {goal} mutants")
         isGood = isGood and all(why for _, why in survivors) and killed >= ENOUGH * len(counted)
     print(f"{total['counted']} of {total['goal']} cases: {total['killed']} killed, drawn by seed {seed}")
     return 0 if isGood else 1
