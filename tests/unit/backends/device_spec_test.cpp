@@ -248,9 +248,9 @@ TEST(DeviceSpec, TheErrorOfAnInvalidPlaceNamesTheValidForm) {
   EXPECT_THAT(failure("unix:"), HasSubstr("1 to 107"));
   EXPECT_THAT(failure("unix:" + std::string(108, 'p')), HasSubstr("1 to 107"));
   EXPECT_EQ(failure("unix:" + std::string(107, 'p')), "it was taken");
-  EXPECT_THAT(failure("unix:a\0b"s), HasSubstr("without a zero"));
+  EXPECT_THAT(failure("unix:a\0b"s), HasSubstr("none of them zero"));
   EXPECT_THAT(failure("serial:"), HasSubstr("1 to 4095"));
-  EXPECT_THAT(failure("serial:/dev\0"s), HasSubstr("without a zero"));
+  EXPECT_THAT(failure("serial:/dev\0"s), HasSubstr("none of them zero"));
 }
 
 TEST(HostAndPort, AreSplitAtTheLastColonAndBracketsAreRemoved) {

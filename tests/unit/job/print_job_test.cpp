@@ -334,7 +334,7 @@ TEST(EscPosJob, ReportsThatItsLastStatusIsInvalid) {
   ASSERT_TRUE(till.port->open());
   const PrintResult result = till.print(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
-  EXPECT_EQ(result.reason, "the printer's last status could not be had after all 45 bytes");
+  EXPECT_EQ(result.reason, "the printer's last status could not be read after all 45 bytes");
 }
 
 TEST(EscPosJob, IsNotConfirmedByTheLateReportOfAnEarlierJob) {
