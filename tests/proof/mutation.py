@@ -8,7 +8,8 @@ The result of each mutant is kept in build/proof/mutants.json, so that a run tha
 continues at the same point. A mutant that a test noticed is not tried again while its source and that test are
 the same; any other is tried again after each change of the sources or the tests of its area. Comments do not count.
 
-Survivors must be explained in survivors.md; fails when one is not, or when fewer than 95 of 100 are killed.
+Survivors must be explained in survivors.md, which also says whether a test could notice the change. Fails when a
+survivor is not explained, or when fewer than 95 of 100 are killed of those that a test could notice.
 """
 
 import argparse
@@ -97,11 +98,17 @@ def mutants(area: areas.Area) -> list[Mutant]:
     return found
 
 
-def explanations() -> dict[str, str]:
+@dataclass(frozen=True)
+class Explanation:
+    is_noticeable: bool = True  # whether a test could notice the change
+    why: str = ""
+
+
+def explanations() -> dict[str, Explanation]:
     """Each survivor that is known, by its file and both lines."""
     rows = (areas.ROOT / "tests/proof/survivors.md").read_text().splitlines()
     cells = [[cell.strip(" `") for cell in re.split(r"(?<!\\)\|", row)[1:-1]] for row in rows if row.startswith("| `")]
-    return {"|".join(row[:3]): row[3] for row in cells}
+    return {"|".join(row[:3]): Explanation(row[3] == "yes", row[4]) for row in cells}
 
 
 def body_of(test: str, sources: str) -> str:
@@ -168,15 +175,17 @@ class Tried:
                 self.ledger.keep()
                 print(f"{mutant.path}: {mutant.describe(text)[1]}: {answer}", file=sys.stderr, flush=True)
 
-    def survivors(self, count: int, known: dict[str, str]) -> list[tuple[str, str]]:
-        """A row of the table for each, and its explanation or nothing."""
+    def survivors(self, count: int, known: dict[str, Explanation]) -> list[tuple[str, Explanation]]:
+        """A row of the table for each, and its explanation."""
         rows = []
         for mutant in self.counted(count):
             if self.shown(mutant) == "survived":
                 lines = mutant.describe((areas.ROOT / mutant.path).read_text())
                 old, new = (line.replace("|", r"\|") for line in lines)
-                why = known.get(f"{mutant.path}|{old}|{new}", "")
-                rows.append((f"| `{mutant.path}` | `{old}` | `{new}` | {why or '**not explained**'} |", why))
+                known_as = known.get(f"{mutant.path}|{old}|{new}", Explanation())
+                noticeable = "yes" if known_as.is_noticeable else "no"
+                why = known_as.why or "**not explained**"
+                rows.append((f"| `{mutant.path}` | `{old}` | `{new}` | {noticeable} | {why} |", known_as))
         return rows
 
 
@@ -212,11 +221,10 @@ def report(tried: list[Tried], count: int, seed: int) -> int:
         killed = len(counted) - len(survivors)
         total.update(counted=len(counted), killed=killed, goal=min(count, goal) if count else goal)
         print("\n".join(row for row, _ in survivors))
-        explained = sum(bool(why) for _, why in survivors)
-        print(f"{one.area.name}: {killed} of {len(counted)} killed"
-              + (f" ({killed / len(counted):.1%}), {explained} cannot be killed" if counted else "")
-              + f", drawn from {goal} mutants")
-        isGood = isGood and all(why for _, why in survivors) and killed >= ENOUGH * len(counted)
+        noticeable = killed + sum(known_as.is_noticeable for _, known_as in survivors)
+        print(f"{one.area.name}: {killed} of {noticeable} killed" + (f" ({killed / noticeable:.1%})" if noticeable else "")
+              + f"; {len(counted) - noticeable} more change nothing; drawn from {goal:,} mutants")
+        isGood = isGood and all(known_as.why for _, known_as in survivors) and killed >= ENOUGH * noticeable
     print(f"{total['counted']} of {total['goal']} cases: {total['killed']} killed, drawn by seed {seed}")
     return 0 if isGood else 1
 

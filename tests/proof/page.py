@@ -54,7 +54,7 @@ def written(figures: dict[str, dict[str, str]]) -> str:
         "each program, and the tables of mutants, branches and breaks.", "",
         "[tests/proof/defects.md](../tests/proof/defects.md) lists the defects that were found, each with the test that would",
         "find it again. Beside that file, `uncovered.md` lists the branches that no test takes, and `survivors.md` lists the",
-        "mutants that no test can kill; both give the reasons.",
+        "mutants that no test kills; both give the reasons.",
     ]
     return "\n".join(lines) + "\n"
 

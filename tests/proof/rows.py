@@ -158,7 +158,7 @@ ROWS = (
         (Step(python("coverage.py", "build-coverage")),), NOTHING),
     Row("mutation", "Mutation",
         "Tests notice random small changes (mutants) of the code in the areas that the result names, drawn with "
-        "seed 1",
+        "seed 1. The result counts apart the changes that no test could notice",
         (Step(python("mutation.py", (10, 60, 0)), ends_itself=True),), NOTHING),
     Row("breaks", "Chosen breaks",
         "Each of twenty deliberate defects, ten in the port and ten in other rooms, makes an ordinary test fail",
