@@ -29,8 +29,7 @@ bool CommandScanner::feed(std::uint8_t byte) {
 }
 
 MachineCommand CommandScanner::command() const {
-  const bool isWhole = bytes_.size() == length_;
-  return isWhole ? machineCommand(bytes_, dialect_) : MachineCommand::Printing;
+  return machineCommand(bytes_, dialect_);
 }
 
 bool CommandScanner::isKnown() const {

@@ -61,8 +61,7 @@ std::size_t PrinterLink::mostTaken() const {
 }
 
 std::size_t PrinterLink::heardWithoutSpace(ByteView bytes) const {
-  const bool goesStraightToThePrinter = !module_.inCommandMode() && module_.keptBack() == 0;
-  return goesStraightToThePrinter ? std::min(mostTaken(), printer_.actingAtOnce(bytes)) : 0;
+  return std::min(mostTaken(), printer_.actingAtOnce(bytes));
 }
 
 std::size_t PrinterLink::write(ByteView bytes, Instant now) {

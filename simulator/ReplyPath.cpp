@@ -75,7 +75,7 @@ void ReplyPath::distort(Bytes& reply, const Fault& fault) const {
 void ReplyPath::send(ByteView reply, Instant at, ReplyKind kind) {
   ++count_;
   kind_ = kind;
-  if (isLost() || reply.empty()) {
+  if (isLost()) {
     return;
   }
   Bytes bytes(reply.begin(), reply.end());

@@ -136,5 +136,16 @@ TEST(BluetoothModule, SendsNoReportOfThePrinterInCommandMode) {
   EXPECT_EQ(session.printer.state().etbCounter, 1);
 }
 
+TEST(BluetoothModule, ASecondCommandToDropTheLinkDoesNotDelayTheDrop) {
+  Session session;
+  enterCommandMode(session);
+  session.send(ascii("AT*AMWS=10,0,0,0,1,0\r"));
+  const auto due = session.link->nextEvent(session.now);
+  session.wait(100ms);
+  session.send(ascii("AT*AMWS=10,0,0,0,1,0\r"));
+  EXPECT_EQ(session.link->nextEvent(session.now), due);
+  EXPECT_EQ(session.receive(), ascii("\r\nOK\r\n\r\nOK\r\n"));
+}
+
 }  // namespace
 }  // namespace quordalvane::simulator

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/unit/simulator/Session.h"
+
 namespace quordalvane::simulator {
 namespace {
 
@@ -10,8 +12,7 @@ constexpr std::size_t mebibyte = 1'048'576;
 // A scanner that has received the first `length` bytes of a command of four gibibytes.
 CommandScanner scannerAfter(std::size_t length) {
   CommandScanner scanner;
-  for (const std::uint8_t byte :
-       std::initializer_list<std::uint8_t>{0x1d, 0x38, 0x4c, 0xff, 0xff, 0xff, 0xff}) {
+  for (const std::uint8_t byte : hex("1d384c ffffffff")) {
     scanner.feed(byte);
   }
   for (std::size_t i = 7; i < length; ++i) {

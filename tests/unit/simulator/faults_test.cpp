@@ -374,5 +374,12 @@ TEST(InjectedFaults, HaveTheDocumentedNames) {
   EXPECT_FALSE(isFault("seed"));
 }
 
+TEST(Faults, ACutDoesNotChangeHowAnEarlierCutEndedTheLink) {
+  Session session;
+  session.link->addFault(parseFault("cut", "reset"), session.now);
+  session.link->addFault(parseFault("cut", "drain"), session.now);
+  EXPECT_TRUE(session.link->wasReset(session.now));
+}
+
 }  // namespace
 }  // namespace quordalvane::simulator

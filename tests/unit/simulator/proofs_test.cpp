@@ -259,5 +259,11 @@ TEST(FaultsOfOneReplyKind, RefuseAKindOfReplyThatTheFaultCannotAffect) {
   EXPECT_THROW(parseFault("drop-reply", "status"), std::invalid_argument);
 }
 
+TEST(ProofFaults, AWrongIdLeavesOtherRepliesAsTheyAre) {
+  Session session(with("wrong-id", "all"));
+  EXPECT_EQ(session.ask("1d7201"), hex("00"));
+  EXPECT_EQ(session.ask("100401"), hex("12"));
+}
+
 }  // namespace
 }  // namespace quordalvane::simulator
