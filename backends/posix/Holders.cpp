@@ -55,11 +55,10 @@ void addThoseThatLockedIt(const struct stat& file, std::set<pid_t>& found) {
   device << minor(file.st_dev) << ':' << std::dec << file.st_ino;
   for (std::string line; std::getline(locks, line);) {
     std::istringstream words(line);
-    std::string number, kind, mode, access, process, inode;
+    std::string number, kind, mode, access, inode;
+    pid_t process = 0;
     if (words >> number >> kind >> mode >> access >> process >> inode && inode == device.str()) {
-      if (const auto holder = numberIn<pid_t>(process)) {
-        found.insert(*holder);
-      }
+      found.insert(process);
     }
   }
 }

@@ -23,7 +23,7 @@ bool discardInput(const Descriptor& connection) {
   for (int i = 0; i < discardedAtOnce; ++i) {
     const std::ptrdiff_t count = connection.receive(discarded.data(), discarded.size());
     if (count <= 0) {
-      return count == -1 && (errno == EAGAIN || errno == EWOULDBLOCK);
+      return count == -1 && errno == EAGAIN;
     }
   }
   return true;

@@ -35,7 +35,7 @@ constexpr std::chrono::seconds silenceInterval{1};
 constexpr std::size_t longestCommand = 4096;
 
 bool wouldBlock(int error) {
-  return error == EAGAIN || error == EWOULDBLOCK;
+  return error == EAGAIN;
 }
 
 }  // namespace

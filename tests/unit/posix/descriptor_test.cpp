@@ -192,6 +192,13 @@ TEST(TerminalDescriptor, ReportsNoBytesUnderWay) {
   EXPECT_FALSE(link.hasUnderWay());
 }
 
+TEST(Descriptor, ThatIsNoPrinterReportsNoStateOfAPort) {
+  for (const auto kind : {Descriptor::Kind::UsbPrinter, Descriptor::Kind::Terminal}) {
+    const Descriptor null(::open("/dev/null", O_RDWR | O_CLOEXEC), kind);
+    EXPECT_EQ(null.portState(), "");
+  }
+}
+
 TEST(Descriptor, AMovedDescriptorIsClosedByItsNewOwner) {
   int number = -1;
   {

@@ -240,12 +240,61 @@ TEST_F(LinkTest, TransfersOnClosedStreamsFail) {
   output->close();
   EXPECT_EQ(input->read(&byte, 1), -1);
   EXPECT_EQ(ask(), -1);
+  EXPECT_FALSE(input->expectsBytes());
+  output->setMayBeAnswered(false);
+  const Stopwatch watch;
+  input->waitUntilReady(30);
+  output->waitUntilReady(30);
+  EXPECT_LT(watch.seconds(), 20);
 }
 
 TEST_F(LinkTest, TransfersAfterTheEndOfTheSessionFail) {
   session.reset();
   EXPECT_EQ(input->read(&byte, 1), -1);
   EXPECT_EQ(ask(), -1);
+  const Stopwatch watch;
+  input->waitUntilReady(30);
+  output->waitUntilReady(30);
+  EXPECT_LT(watch.seconds(), 20);
+}
+
+TEST_F(LinkTest, AnEndedSessionIsNotALostLink) {
+  session.reset();
+  accessory.noticeLoss();
+  EXPECT_TRUE(accessory.isConnected());
+  EXPECT_EQ(accessory.portState(), "");
+}
+
+TEST_F(LinkTest, ALossIsLeftToTheThreadThatWaitsForBytes) {
+  ASSERT_EQ(ask(), 1);
+  SleepingThread waiting([this] { input->waitUntilReady(30); });
+  waiting.awaitSleep();
+  accessory.noticeLoss();
+  EXPECT_TRUE(accessory.isConnected());
+  ASSERT_EQ(::shutdown(device(), SHUT_WR), 0);
+  waiting.join();
+  EXPECT_FALSE(accessory.isConnected());
+}
+
+TEST_F(LinkTest, ASocketReportsNoStateOfAPort) {
+  EXPECT_EQ(accessory.portState(), "");
+}
+
+TEST(Link, CanBeReleasedTwice) {
+  int ends[2] = {-1, -1};
+  ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends), 0);
+  const Descriptor other(ends[1], Descriptor::Kind::Socket);
+  Link link(Descriptor(ends[0], Descriptor::Kind::Socket));
+  link.release();
+  link.release();
+  EXPECT_FALSE(link.isLost());
+}
+
+TEST(LinkAccessory, IsConnectedAndHasNoStateBeforeItsFirstSession) {
+  LinkAccessory accessory({}, []() -> Descriptor { throw std::runtime_error("never called"); });
+  accessory.noticeLoss();
+  EXPECT_TRUE(accessory.isConnected());
+  EXPECT_EQ(accessory.portState(), "");
 }
 
 TEST_F(LinkTest, TheInputIsCheckedAgainAfterAWriteError) {

@@ -100,6 +100,20 @@ TEST(SerialLine, HasTheGivenFlowControl) {
   EXPECT_EQ(settingsOf(openSerial(line.path())).c_cflag & CRTSCTS, 0U);
 }
 
+// A pseudo-terminal has no parity bit and always eight bits, but it keeps the kind of the parity.
+TEST(SerialLine, SetsTheKindOfTheParity) {
+  const std::pair<Parity, tcflag_t> kinds[] = {
+      {Parity::None, 0},       {Parity::Even, 0},
+      {Parity::Odd, PARODD},   {Parity::Mark, PARODD | CMSPAR},
+      {Parity::Space, CMSPAR},
+  };
+  const Line line;
+  for (const auto& [parity, flags] : kinds) {
+    const Descriptor opened = openSerial(line.path(), {.bits = 7, .parity = parity});
+    EXPECT_EQ(settingsOf(opened).c_cflag & (PARODD | CMSPAR), flags);
+  }
+}
+
 TEST(SerialLine, CanHaveTwoStopBits) {
   const Line line;
   EXPECT_NE(settingsOf(openSerial(line.path(), {.stop = 2})).c_cflag & CSTOPB, 0U);
@@ -270,6 +284,15 @@ TEST(SerialLine, NamesTheProgramThatUsesTheLine) {
   EXPECT_THAT(holdersOf(line.path()), testing::Contains(other.process()));
   EXPECT_THAT(failure(line.path()),
               AllOf(HasSubstr("in use by another program: unit_posix_test"),
+                    HasSubstr("(process " + std::to_string(other.process()) + ")")));
+}
+
+TEST(SerialLine, NamesBothProgramsThatUseTheLine) {
+  const Line line;
+  const OtherProgram one(line.path());
+  const OtherProgram other(line.path(), [](int) { return true; });
+  EXPECT_THAT(failure(line.path()),
+              AllOf(HasSubstr("(process " + std::to_string(one.process()) + "), "),
                     HasSubstr("(process " + std::to_string(other.process()) + ")")));
 }
 

@@ -103,6 +103,81 @@ TEST_F(UsbTest, IgnoresAFieldWithoutAValueInTheDeviceId) {
   EXPECT_EQ(printer.model, "T");
 }
 
+TEST(UsbPrinter, IsTheSameDeviceIfAllItsTextsAreAndWithoutASerialNumberItsNodeAsWell) {
+  const UsbPrinter one{"/dev/usb/lp0", "04b8", "0202", "S1", "Maker", "Model"};
+  const UsbPrinter elsewhere{"/dev/usb/lp1", "04b8", "0202", "S1", "Maker", "Model"};
+  EXPECT_TRUE(one.isSameDevice(elsewhere));
+  for (auto text : {&UsbPrinter::vendor, &UsbPrinter::product, &UsbPrinter::serial,
+                    &UsbPrinter::maker, &UsbPrinter::model}) {
+    UsbPrinter other = one;
+    other.*text = "other";
+    EXPECT_FALSE(one.isSameDevice(other));
+  }
+  UsbPrinter nameless = one;
+  nameless.serial = "";
+  EXPECT_TRUE(nameless.isSameDevice(nameless));
+  UsbPrinter namelessElsewhere = elsewhere;
+  namelessElsewhere.serial = "";
+  EXPECT_FALSE(nameless.isSameDevice(namelessElsewhere));
+}
+
+TEST(UsbPrinter, IsCalledByItsMakerAndItsModelAsFarAsTheyAreKnown) {
+  UsbPrinter printer;
+  EXPECT_EQ(printer.makerAndModel(), "");
+  printer.maker = "Maker";
+  EXPECT_EQ(printer.makerAndModel(), "Maker");
+  printer.model = "Model";
+  EXPECT_EQ(printer.makerAndModel(), "Maker Model");
+  printer.maker = "";
+  EXPECT_EQ(printer.makerAndModel(), "Model");
+}
+
+TEST(UsbErrors, OfAPrinterThatAnotherProgramHoldsMeanBusyAndOthersOnlyThemselves) {
+  const auto errorOf = [](UsbError error) {
+    return std::error_code(static_cast<int>(error), usbCategory());
+  };
+  EXPECT_EQ(errorOf(UsbError::HeldByPrintSystem), std::errc::device_or_resource_busy);
+  EXPECT_NE(errorOf(UsbError::NotPluggedIn), std::errc::device_or_resource_busy);
+  EXPECT_EQ(usbCategory().message(99), "unknown");
+}
+
+TEST_F(UsbTest, OtherDevicesOfTheDriverAreNotListed) {
+  plugIn(0, till, "S1");
+  fs::create_directories(roots().sys / "class/usbmisc/hiddev0");
+  EXPECT_EQ(usbPrinters(roots()).size(), 1U);
+}
+
+TEST_F(UsbTest, APrinterWithoutTextsIsCalledByItsPlace) {
+  plugIn(0, "", "");
+  UsbAccessory accessory({}, "04b8:0202", roots());
+  EXPECT_EQ(accessory.name(), "usb:04b8:0202");
+  EXPECT_EQ(accessory.serialNumber(), std::nullopt);
+  EXPECT_EQ(accessory.modelNumber(), std::nullopt);
+}
+
+TEST_F(UsbTest, AnAccessoryWithoutItsPrinterHasOnlyTheTextsThatWereGiven) {
+  AccessoryIdentity given;
+  given.name = "";
+  UsbAccessory accessory(given, "S1", roots());
+  EXPECT_EQ(accessory.name(), "usb:S1");
+  EXPECT_EQ(accessory.serialNumber(), std::nullopt);
+  EXPECT_EQ(accessory.modelNumber(), std::nullopt);
+}
+
+TEST_F(UsbTest, PrintersWithoutTextsAreListedByTheirNodesAlone) {
+  plugIn(0, "", "");
+  plugIn(1, "", "");
+  std::string text;
+  EXPECT_EQ(reason("", &text), code(UsbError::Ambiguous));
+  EXPECT_THAT(text, HasSubstr("usb/lp0, usb:"));
+}
+
+TEST_F(UsbTest, AZeroAtTheEndOfASystemFileIsNotPartOfItsText) {
+  plugIn(0, till, "");
+  std::ofstream(roots().sys / "devices/1-0/serial") << "S1" << '\0' << '\n';
+  EXPECT_EQ(findUsbPrinter("", roots()).serial, "S1");
+}
+
 TEST_F(UsbTest, CutsVeryLongDeviceIds) {
   for (const std::string& id : {std::string(), std::string(";;:;:"), std::string("MFG"),
                                 std::string(100'000, ';'), "MFG:" + std::string(100'000, 'x')}) {
