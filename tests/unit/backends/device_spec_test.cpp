@@ -1,13 +1,17 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <netdb.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <limits>
+#include <stdexcept>
 
 #include "backends/DeviceSpec.h"
 #include "backends/HostAndPort.h"
 #include "backends/Schemes.h"
 #include "backends/SpecText.h"
+#include "backends/posix/Resolve.h"
 #include "backends/posix/UsbPrinters.h"
 #include "tests/unit/backends/SpecFailure.h"
 #include "text/PrintableText.h"
@@ -194,6 +198,21 @@ TEST(OpenCause, MatchesItsErrorNumberInTheSystemAndGenericCategoriesOnly) {
   EXPECT_FALSE(busy.fits({ENOENT, std::system_category()}));
 }
 
+TEST(Schemes, AnUnknownHostHasTheCauseOfTheResolverWhateverItsCode) {
+  const auto& causes = findScheme("tcp")->causes;
+  for (const int code : {EAI_NONAME, EAI_AGAIN, EAI_FAIL}) {
+    const std::error_code error(code, posix::resolverCategory());
+    EXPECT_EQ(std::ranges::count_if(causes, [&](const auto& cause) { return cause.fits(error); }),
+              1);
+  }
+}
+
+TEST(Schemes, ASchemeOfAKnownNameIsNotAddedAgain) {
+  const std::size_t before = schemes().size();
+  addScheme(*findScheme("tcp"));
+  EXPECT_EQ(schemes().size(), before);
+}
+
 TEST(DeviceSpec, KeepsTheOrderOfTheVirtualPrintersKeys) {
   for (const char* start : {"virtual:,", "virtual:"}) {
     EXPECT_EQ(parseDeviceSpec(start + "cover=open,model=M"s).options.front().second, "open");
@@ -260,6 +279,12 @@ TEST(HostAndPort, AreSplitAtTheLastColonAndBracketsAreRemoved) {
   EXPECT_EQ(parseHostAndPort("[a]:1").host, "a");
   EXPECT_EQ(parseHostAndPort(std::string(253, 'h') + ":1").host.size(), 253U);
   EXPECT_EQ(parseHostAndPort("[::1]:65535").port, 65535);
+}
+
+TEST(HostAndPort, ABracketAtOneEndAndABlankAreRefused) {
+  for (const char* text : {"[::1:9100", "::1]:9100", "a b:9100", "caf\xc3\xa9:9100"}) {
+    EXPECT_THROW(parseHostAndPort(text), std::invalid_argument) << text;
+  }
 }
 
 TEST(DeviceSpec, TheErrorOfAnyInvalidTextIsShortAndPrintable) {

@@ -59,6 +59,23 @@ TEST(Devices, AnUnreachableAccessoryOpensNoSessionAndReportsTheReason) {
   }
 }
 
+TEST(Devices, TheReasonOfAFailureHasACodeAndTheVirtualPrinterHasNone) {
+  const auto absent = make("unix:/none/there");
+  EXPECT_EQ(absent->openSession(protocol), nullptr);
+  EXPECT_EQ(lastOpenErrorCode(*absent), std::errc::no_such_file_or_directory);
+  EXPECT_EQ(portState(*absent), "");
+  const auto simulated = make("virtual:");
+  EXPECT_EQ(simulated->openSession("com.example.unknown"), nullptr);
+  EXPECT_EQ(lastOpenErrorCode(*simulated), std::error_code());
+  EXPECT_EQ(portState(*simulated), "");
+}
+
+TEST(Devices, TheVirtualPrinterIsNotLostBeforeItsFirstSession) {
+  const auto simulated = make("virtual:");
+  simulated->noticeLoss();
+  EXPECT_TRUE(simulated->isConnected());
+}
+
 TEST(Devices, TheErrorOfAnUnknownSchemeNamesTheScheme) {
   DeviceSpec spec = parseDeviceSpec("unix:/a");
   spec.scheme = "pigeon";
@@ -85,12 +102,13 @@ TEST(Devices, ASerialLineGetsTheSettingsOfItsKeys) {
   const auto terminal = test::openPseudoTerminal();
   const posix::Descriptor master(terminal.master, posix::Descriptor::Kind::Terminal);
   const auto session =
-      make("serial:" + terminal.line + ",baud=19200,stop=2,flow=rtscts")->openSession(protocol);
+      make("serial:" + terminal.line + ",baud=19200,bits=8,parity=odd,stop=2,flow=rtscts")
+          ->openSession(protocol);
   ASSERT_NE(session, nullptr);
   termios settings{};
   ASSERT_EQ(::tcgetattr(terminal.master, &settings), 0);
   EXPECT_EQ(::cfgetospeed(&settings), speed_t{B19200});
-  EXPECT_EQ(settings.c_cflag & (CSTOPB | CRTSCTS), CSTOPB | CRTSCTS);
+  EXPECT_EQ(settings.c_cflag & (CSTOPB | CRTSCTS | PARODD), CSTOPB | CRTSCTS | PARODD);
 }
 
 /// A scheme that knows its printers by itself, as that of Bluetooth does.
