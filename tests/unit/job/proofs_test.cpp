@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "job/PortMemory.h"
 #include "job/ProcessIdProof.h"
 #include "tests/support/Bytes.h"
@@ -53,7 +55,8 @@ TEST_P(DefaultProof, ConfirmsAJobOnlyAfterTheJobIsPrinted) {
   const PrintResult result = PrintJob(till.port).run(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Printed) << result.reason;
   const ByteBuffer paper = till.printed();
-  EXPECT_FALSE(std::ranges::search(paper, receiptText).empty());
+  EXPECT_NE(std::search(paper.begin(), paper.end(), receiptText.begin(), receiptText.end()),
+            paper.end());
 }
 
 TEST(StrongestProof, IsChosenEvenIfAWeakerProofIsAnsweredFirst) {

@@ -161,6 +161,9 @@ TEST(PosixThread, ReleasesItsFunctionIfItIsNeverStarted) {
 
 // Owns its thread, whose body owns this object, as in a port.
 struct Owner {
+  Owner(std::atomic<bool>& hasCalledItself, std::atomic<bool>& hasEnded)
+      : calledItself(hasCalledItself), ended(hasEnded) {}
+
   ~Owner() {
     calledItself = thread->performAndWait([] {});
     thread->cancel();
@@ -177,7 +180,7 @@ TEST(PosixThread, MayDestroyItsOwnerOnItsOwnThread) {
     std::atomic<bool> calledItself = false;
     std::atomic<bool> ended = false;
     std::atomic<bool> released = false;
-    auto owner = std::make_shared<Owner>(nullptr, calledItself, ended);
+    auto owner = std::make_shared<Owner>(calledItself, ended);
     owner->thread = std::make_shared<PosixThread>([owner, &released] {
       while (!released) {
         currentRunLoop().runUntilDate(0.001);
