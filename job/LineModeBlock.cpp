@@ -122,10 +122,6 @@ MaybeSetback LineModeBlock::judgeProof() const {
   if (!isConfirmed_) {
     return Setback{PrintObstacle::NoProof, "the printer's last two answers do not agree"};
   }
-  if (!hasCounter(status())) {
-    return Setback{PrintObstacle::NoProof,
-                   "the printer's last answer is not a status with a counter"};
-  }
   if (const std::string errors = errorsIn(status()); !errors.empty()) {
     return Setback{PrintObstacle::PrinterNotReady, errors};
   }

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <set>
 #include <vector>
 
 #include "tests/support/Bytes.h"
@@ -258,6 +259,15 @@ TEST(InOrderRequests, AreCountedOutsidePayloadsAndParameters) {
   };
   for (const auto& [data, count] : rows) {
     EXPECT_EQ(inOrderRequestsIn(data), count) << testing::PrintToString(data);
+  }
+}
+
+TEST(InOrderRequests, CannotBeCountedInDataWithAQuestionAboutGraphics) {
+  const std::set<int> questions = {0x00, 0x03, 0x04, 0x30, 0x33, 0x34, 0x40, 0x50};
+  for (int function = 0; function <= 0xff; ++function) {
+    const auto byte = static_cast<std::uint8_t>(function);
+    const auto count = inOrderRequestsIn(Bytes{0x1d, 0x28, 0x4c, 0x02, 0x00, 0x30, byte});
+    EXPECT_EQ(count.has_value(), !questions.contains(function)) << function;
   }
 }
 
