@@ -292,7 +292,7 @@ TEST(SerialLine, NamesBothProgramsThatUseTheLine) {
   const OtherProgram one(line.path());
   const OtherProgram other(line.path(), [](int) { return true; });
   EXPECT_THAT(failure(line.path()),
-              AllOf(HasSubstr("(process " + std::to_string(one.process()) + "), "),
+              AllOf(HasSubstr("), "), HasSubstr("(process " + std::to_string(one.process()) + ")"),
                     HasSubstr("(process " + std::to_string(other.process()) + ")")));
 }
 
