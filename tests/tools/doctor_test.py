@@ -116,7 +116,7 @@ class DoctorCauses(Case):
         for group in ("lp", "root"):
             shutil.chown(printer.path, "root", group)
             advice = self.run_without_rights("-d", f"serial:{printer.path}", "doctor").out
-            self.assertIn("you are not allowed to open it", advice)
+            self.assertIn("you are not allowed to open the device", advice)
             self.assertEqual(f"usermod -aG {group} " in advice, group != "root", advice)
 
     def run_without_rights(self, *arguments: str):

@@ -34,10 +34,11 @@ std::string groupOf(const std::string& path) {
 Finding noPermission(const std::string& file) {
   const std::string group = groupOf(file);
   return notOpened("no-permission", "you are not allowed to open the device",
-                   group.empty() ? "ask its owner for the right to read and write it"
-                                 : "join the group that owns it, and log in again: sudo usermod "
-                                   "-aG " +
-                                       group + " $USER");
+                   group.empty()
+                       ? "ask the owner of the device for the right to read and write it"
+                       : "join the group that owns the device, and log in again: sudo usermod "
+                         "-aG " +
+                             group + " $USER");
 }
 
 Finding findingFor(const DeviceSpec& spec, const std::error_code& code) {
