@@ -13,7 +13,7 @@ using namespace std::chrono_literals;
 using fuzz::require;
 
 /// The input is control lines for a running printer. Each line must be answered with one line, a
-/// printable JSON object. A line that is refused must change nothing.
+/// printable JSON object. A refused line must change nothing.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   simulator::VirtualPrinter printer{simulator::PrinterState()};
   tool::Links links(printer, {});

@@ -24,7 +24,7 @@ class StopWish {
   /// is being printed.
   void leaveWhenIdle();
 
-  /// Marks `job` as being printed; it must live until `endJob`.
+  /// Marks `job` as being printed. `job` must live until `endJob`.
   void beginJob(PrintJob& job);
 
   /// Marks the job as ended. The caller must have recorded the outcome of the job in the journal

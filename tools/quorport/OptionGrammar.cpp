@@ -65,7 +65,7 @@ ZKEmulation emulation(const std::string& text) {
                               {"unknown", ZKEmulationUnknown}});
 }
 
-// Wraps `take`; prefixes its errors with the option's name.
+// Returns a function that calls `take` and prefixes the errors of `take` with the option's name.
 template <typename Take>
 auto prefixedErrors(std::string name, Take take) {
   return [name = std::move(name), take](const auto& value) {

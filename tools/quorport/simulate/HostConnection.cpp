@@ -12,8 +12,8 @@ namespace {
 using namespace std::chrono_literals;
 using simulator::Instant;
 
-// The bytes that are read from a host while the printer has no space: enough for requests, which
-// are short.
+// How many bytes are read from a host while the printer has no space. This is enough for requests,
+// which are short.
 constexpr std::size_t reserve = 64;
 
 constexpr std::size_t pieceSize = 4096;

@@ -9,8 +9,8 @@
 
 namespace quordalvane::tool {
 
-/// The paper of one printer, as browsers see it while it is printed. It notes how much of the paper
-/// has been passed on to be drawn, and keeps the events that show the latest rows.
+/// The paper of one printer while it is printed, in the form that browsers show. It notes how much
+/// of the paper has been passed on to be drawn, and keeps the events that show the latest rows.
 class LivePaper {
  public:
   /// A newly opened page gets at least this many of the latest rows, if there are so many.
