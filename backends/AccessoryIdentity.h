@@ -36,7 +36,7 @@ struct AccessoryIdentity {
 /// back ends.
 class QUOR_EXPORT IdentifiedAccessory : public EAAccessory {
  public:
-  /// The functions below return the texts of `identity`.
+  /// The accessory has the texts of `identity`; the functions below return them.
   explicit IdentifiedAccessory(AccessoryIdentity identity);
 
   std::optional<std::string> name() override { return identity_.name; }

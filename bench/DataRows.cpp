@@ -127,7 +127,7 @@ void printDataOver(Medium medium, const std::string& where, Rows& rows) {
   rows.push_back(copiedBytes(where, drains.port, drains.peer, all));
 }
 
-/// Reads bytes that the peer has already sent, so that no read waits.
+/// Reads only bytes that have already arrived; a read never waits for the peer.
 class ReadAhead {
  public:
   static constexpr std::size_t portion = 32 * kibibyte;

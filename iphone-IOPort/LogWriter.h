@@ -24,7 +24,8 @@ struct LogStatistics {
 };
 
 /// The library's logger. It decides which records are wanted and passes them to the sinks that the
-/// application has added. Several threads may call its members at the same time, and so may a sink.
+/// application has added. Several threads may call its members at the same time. A sink may
+/// call them as well.
 class QUOR_EXPORT LogWriter {
  public:
   /// How long `flush` waits if it is called without a time-out.

@@ -27,7 +27,7 @@ class InOrderProof final : public EndSign {
   bool isSure_ = false;  // true if every query was answered when the data was sent
 };
 
-/// The command that requests one in-order status.
+/// Requests one status, which the printer sends after it has processed all earlier bytes.
 inline constexpr std::uint8_t inOrderRequest[] = {0x1d, 0x72, 0x01};
 
 }  // namespace quordalvane

@@ -53,7 +53,7 @@ class PortLink final : private TransferObserver {
     return operation();
   }
 
-  /// Throws Cancelled if the job was cancelled, or GivenUp if the limit has passed.
+  /// Throws Cancelled if the job was cancelled, or GivenUp if the time limit has passed.
   void goOn() const;
 
   /// Ignores a cancel from now on, so that the last commands of a cancelled job can be sent.

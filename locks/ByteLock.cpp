@@ -15,7 +15,7 @@ namespace {
 
 constexpr auto lookPause = std::chrono::milliseconds(10);
 
-// The file is first opened without O_CREAT. With this flag the kernel refuses to open another
+// The file is first opened without O_CREAT. If O_CREAT is given, the kernel refuses to open another
 // user's file in a folder that everybody may write to.
 int openOrMake(const std::filesystem::path& file, unsigned mode) {
   constexpr int flags = O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;

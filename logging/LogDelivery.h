@@ -19,7 +19,7 @@ namespace quordalvane {
 /// sink, calls the sinks. A child process created by fork has no writer thread and delivers
 /// nothing.
 ///
-/// Several threads may call the members at the same time, and so may a sink.
+/// Several threads may call the members at the same time. A sink may call them as well.
 class LogDelivery {
  public:
   LogDelivery() = default;

@@ -28,7 +28,7 @@ class QUOR_EXPORT EASession {
   /// @}
 
   /// Makes the session end without waiting for the bytes under way, which may be lost. The default
-  /// does nothing, which is right for back ends whose sessions never wait at their end.
+  /// does nothing, which is right if the sessions of a back end close without waiting.
   virtual void abandon() {}
 };
 

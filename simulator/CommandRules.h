@@ -12,10 +12,10 @@ namespace quordalvane::simulator::rules {
 /// 1b 44 is followed by columns and a zero.
 std::uint64_t tabStops(ByteView bytes);
 
-/// 1d 28 4c pL pH and others have their length in two bytes after the selector.
+/// Commands such as 1d 28 4c pL pH give the length of their data in two bytes after the selector.
 std::uint64_t countedByWord(ByteView bytes);
 
-/// 1d 38 4c has its length in four bytes.
+/// The command 1d 38 4c gives the length of its data in four bytes.
 std::uint64_t countedByDoubleWord(ByteView bytes);
 
 /// 1b 2a has one or three bytes for each column.

@@ -261,8 +261,8 @@ bool PrinterLink::stalled() const {
                      [](const Stall& stall) { return stall.until.has_value(); });
 }
 
-// Returns how many bytes can arrive before the next cut or stall. No write goes past that byte, so
-// that the fault takes effect at the exact byte.
+// Returns how many bytes can arrive before the link is next cut or stalled. No write goes past that
+// byte, so that the fault takes effect at the exact byte.
 std::uint64_t PrinterLink::bytesBeforeCut() const {
   std::uint64_t most = std::numeric_limits<std::uint64_t>::max();
   for (const Cut& cut : cuts_) {

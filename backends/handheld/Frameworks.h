@@ -10,7 +10,7 @@
 
 namespace quordalvane::handheld {
 
-/// Returns a manager of the accessories that the accessory service has connected.
+/// Returns a manager that lists the accessories now connected to the device.
 std::unique_ptr<EAAccessoryManager> makeAccessoryManager();
 
 /// Returns the device that the program runs on.

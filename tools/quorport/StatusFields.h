@@ -13,8 +13,8 @@ namespace quordalvane::tool {
 /// digits.
 Json jsonOf(const QuorPrinterStatus_2& status);
 
-/// Returns remarks about the printer for people. The first remark says whether the printer can
-/// print, and if not, why.
+/// Returns remarks about the printer that a person can read. The first remark says whether the
+/// printer can print, and if not, why.
 std::vector<std::string> remarks(const QuorPrinterStatus_2& status);
 
 /// Returns the remarks as lines of text.

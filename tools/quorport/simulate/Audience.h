@@ -16,8 +16,8 @@
 
 namespace quordalvane::tool {
 
-/// The browsers that show and control the printers. An audience works on the printers' loop, and
-/// never waits.
+/// The browsers that show and control the printers. An audience runs in the event loop that also
+/// runs the printers, so it must never block.
 class Audience {
  public:
   virtual ~Audience() = default;
