@@ -41,7 +41,7 @@ void TextLines::add(std::string_view piece) {
       if (left.size() < longestCharacter) {
         break;
       }
-      throw RenderError("the text is not UTF-8" + place(offset_));
+      throw RenderError("invalid UTF-8" + place(offset_));
     }
     addCharacter(character.codePoint, left.substr(0, character.length));
     offset_ += character.length;
@@ -52,7 +52,7 @@ void TextLines::add(std::string_view piece) {
 
 void TextLines::end() {
   if (!unread_.empty()) {
-    throw RenderError("the text is not UTF-8" + place(offset_));
+    throw RenderError("invalid UTF-8" + place(offset_));
   }
   if (!line_.empty()) {
     endLine();

@@ -34,7 +34,7 @@ def all_options() -> set[str]:
 
 
 def schemes() -> list[str]:
-    listing = help_of().partition("A SPEC is one of these")[2].partition("Every one takes")[0]
+    listing = help_of().partition("A SPEC is one of these")[2].partition("Every form takes")[0]
     return sorted(set(re.findall(r"^  (\w+:)", listing, re.M)))
 
 

@@ -132,8 +132,8 @@ pull
 
 says_that_it_cannot_answer() { # KEY=VALUE …
   plug_in "$@"
-  doctor 1 'it takes bytes and has no way to answer' &&
-    answers 1 'it takes bytes and has no way to answer' quorport -d usb: -t 1000 print /run/receipt --json &&
+  doctor 1 'the device takes bytes but cannot answer' &&
+    answers 1 'the device takes bytes but cannot answer' quorport -d usb: -t 1000 print /run/receipt --json &&
     answers 6 '"outcome":"unconfirmed"' quorport -d usb: -t 1000 print --proof none /run/receipt --json &&
     [ "$(cat /run/carried)" -ge "$(wc -c </run/receipt)" ]
 }

@@ -60,14 +60,14 @@ class UnprintableDocument(Application):
 
     def test_a_job_with_an_unprintable_document_is_aborted_with_the_reason(self):
         for contents, kind, why in (
-                (b"Caf\xe9\n", "text/plain", "this is no UTF-8 at byte 3 of the text"),
+                (b"Caf\xe9\n", "text/plain", "invalid UTF-8 at byte 3 of the text"),
                 (png([b"\0" * 8], (60000, 60000)), "image/png", "the most is 64000000 in all"),
                 (pwg(PAGE, height=4_000_000_000), "image/pwg-raster", "the most is 64000000 in all"),
-                (pwg(PAGE, height=321), "image/pwg-raster", "cut short"),
+                (pwg(PAGE, height=321), "image/pwg-raster", "incomplete"),
                 (pwg(), "image/pwg-raster", "no page"),
                 (b"a line of text\n", "image/urf", "no raster"),
                 (pwg(PAGE, bits=24), "image/pwg-raster", "8 bits of grey"),
-                (png(PICTURE)[:200], "image/png", "cut short"),
+                (png(PICTURE)[:200], "image/png", "incomplete"),
                 (jpeg(PICTURE)[:100], "image/jpeg", "cannot be read")):
             self.assertIn(why, self.message(contents, kind))
         self.assertEqual(self.printed(), [])

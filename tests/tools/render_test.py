@@ -73,7 +73,7 @@ class Rendering(Case):
         self.assertIn("U+10FFFD", result.err)
 
     def test_a_file_that_is_neither_text_nor_picture_is_refused_and_nothing_is_sent(self):
-        self.assertRefused("not UTF-8 at byte 3", b"Caf\xe9\n", "--text")
+        self.assertRefused("invalid UTF-8 at byte 3", b"Caf\xe9\n", "--text")
         self.assertRefused("a control character at byte 0", b"\x1b@", "--text")
         self.assertRefused("not a picture in PNG or JPEG", b"%PDF-1.4", "--image")
         self.assertRefused("64000000", png(8, 2, 0, claimed=(60000, 60000)), "--image")

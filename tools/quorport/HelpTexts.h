@@ -10,7 +10,7 @@ inline constexpr auto description =
 inline constexpr auto statusesAndExamples =
     "Exit status: 0 done, 1 the exchange with the printer failed, 2 wrong usage, 3 no accessory\n"
     "matched or it could not be opened, 4 the printer is not ready, 5 the link was lost,\n"
-    "6 unconfirmed, 7 the journal of jobs cannot be written, and nothing was sent,\n"
+    "6 unconfirmed, 7 the journal of jobs cannot be used, and nothing was sent,\n"
     "128 plus the number of a signal: 129 hung up, 130 interrupted, 143 terminated.\n"
     "\n"
     "Without a device, print sends nothing and ends with exit status 2; every other command uses\n"

@@ -79,7 +79,7 @@ static void AnUnfinishedJobIsUnconfirmedAndPrintedAgainOnlyOnRequest(void) {
   EXPECT(quor_named_job_run(named, job) == QUOR_OK);
   EXPECT(quor_print_job_outcome(job) == QUOR_UNCONFIRMED);
   EXPECT(quor_print_job_reason(job, text, sizeof text, NULL) == QUOR_OK);
-  EXPECT(strstr(text, "ended in the middle; up to 16 bytes went out") != NULL);
+  EXPECT(strstr(text, "ended too early; up to 16 bytes were sent") != NULL);
   EXPECT(quor_named_job_is_repeated(named) == 0);
   quor_named_job_free(named);
   quor_print_job_free(job);

@@ -105,7 +105,7 @@ TEST_F(JournalTest, RefusesAFileOfAnotherProgram) {
   EXPECT_THAT(openError(), AllOf(HasSubstr(file), HasSubstr("not a journal")));
   EXPECT_EQ(contentOf(file), std::string(5000, 'x'));
   setContent(file, "");
-  EXPECT_THAT(openError(), HasSubstr("no journal: empty"));
+  EXPECT_THAT(openError(), HasSubstr("not a journal, but an empty file"));
   std::filesystem::remove(file);
   execute(file, "CREATE TABLE songs (title); PRAGMA user_version = 1");
   EXPECT_THAT(openError(), HasSubstr("another program's database"));
@@ -200,9 +200,9 @@ TEST_F(JournalTest, NamesItsFileIfItsLocksAreUnusable) {
   std::filesystem::remove(lockFileOf(file));
   std::filesystem::create_symlink("elsewhere", lockFileOf(file));
   EXPECT_THAT(errorOf<JournalError>([&] { journal.forget("receipt 1"); }),
-              HasSubstr(file + ": its locks: "));
+              HasSubstr(file + ": its locks cannot be used: "));
   EXPECT_THAT(errorOf<JournalError>([&] { NamedJob(journal, request("receipt 2"), receiptText); }),
-              HasSubstr(file + ": its locks: "));
+              HasSubstr(file + ": its locks cannot be used: "));
 }
 
 TEST_F(JournalTest, ForgetsAJobByItsName) {

@@ -184,7 +184,7 @@ TEST_P(NamedJobTest, AJobIsRecordedAsBegunBeforeItsFirstByteIsSent) {
     }
   }}));
   named.run(job);
-  EXPECT_EQ(seen, std::vector<std::string>{"it is being printed"});
+  EXPECT_EQ(seen, std::vector<std::string>{"the job is being printed"});
 }
 
 TEST_P(NamedJobTest, AJobIsUnconfirmedIfAnotherProcessPrintsTheJobPastTheTimeout) {

@@ -76,7 +76,7 @@ TEST_F(JournalOfAnOlderVersion, IsConvertedWithAllItsRows) {
   EXPECT_EQ(jobs[2].reason, "link lost after 17 of 45 bytes");
   EXPECT_EQ(jobs[2].begun, 1795317153848);
   EXPECT_EQ(jobs[2].ended, 1795317153967);
-  EXPECT_THAT(jobs[3].reason, HasSubstr("ended in the middle"));
+  EXPECT_THAT(jobs[3].reason, HasSubstr("ended too early"));
   EXPECT_EQ(version(), schemaVersion());
   EXPECT_EQ(Journal(file).jobs().size(), 4U) << "and opens again";
 }

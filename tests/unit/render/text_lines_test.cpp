@@ -50,8 +50,8 @@ TEST(TextLines, OmitAByteOrderMarkAtTheBeginning) {
 }
 
 TEST(TextLines, AreRefusedIfTheyAreNotUtf8) {
-  EXPECT_EQ(refusalOf("Caf\xe9 au lait"), "the text is not UTF-8 at byte 3 of the text");
-  EXPECT_EQ(refusalOf("Caf\xc3"), "the text is not UTF-8 at byte 3 of the text");
+  EXPECT_EQ(refusalOf("Caf\xe9 au lait"), "invalid UTF-8 at byte 3 of the text");
+  EXPECT_EQ(refusalOf("Caf\xc3"), "invalid UTF-8 at byte 3 of the text");
 }
 
 TEST(TextLines, AreRefusedIfTheyContainAControlCharacter) {
