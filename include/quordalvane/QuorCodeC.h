@@ -26,14 +26,14 @@ enum {
   QUOR_USAGE = -5,          /**< an argument or the call itself is not allowed; nothing was done */
   QUOR_BUFFER_TOO_SMALL = -6, /**< the buffer is too small; `*length` is the size that is needed */
   QUOR_NO_MEMORY = -7,        /**< memory ran out */
-  QUOR_UNEXPECTED = -8,       /**< the system failed, or a function that the caller passed */
+  QUOR_UNEXPECTED = -8,       /**< the system, or a function passed by the caller, failed */
   QUOR_NOT_READY = -9,        /**< the printer is off line, so the query was not sent */
   QUOR_NO_JOURNAL = -10       /**< the journal of jobs cannot be used; see QuorJournalC.h */
 };
 
 /** Returns the error text of the calling thread's last failed call, for a person to read; "" if no
- * call has failed. Never returns null. The library owns the text, which is valid until the next
- * call on that thread. */
+ * call has failed. Never returns null. The library owns the text, which is valid until that thread
+ * calls the library again. */
 QUOR_EXPORT const char* quor_last_error(void);
 
 /** Returns the version of the library, for example "0.1.0". The library owns the text, which is

@@ -14,7 +14,7 @@
  * `*length` does not count it, but the buffer must have room for it. If the buffer is too small,
  * nothing is copied, `*length` is still set, and the code is QUOR_BUFFER_TOO_SMALL. To ask for the
  * length alone, pass a capacity of 0; the buffer may then be null. After a call the library keeps
- * no pointer to its input, except to functions and their contexts.
+ * no pointer that the caller passed, except pointers to functions and to their contexts.
  *
  * Handles. The caller must free each handle that it has created. Freeing null has no effect.
  *
@@ -24,7 +24,7 @@
  *
  * Time-outs are in milliseconds. The time-outs of a port are rounded down to whole seconds of the
  * wall clock: a time-out of n seconds ends after n to n + 1 seconds, and a time-out below 1000 ms
- * ends when the second of the clock changes.
+ * ends when the clock reaches its next second.
  */
 
 #include <quordalvane/QuorCodeC.h>

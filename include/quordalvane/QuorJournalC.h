@@ -6,8 +6,8 @@
 /** @file
  * Named jobs, for programs that are not written in C++. A named job is printed only once. If its
  * outcome is unknown, it is printed again only when the caller sets `again`, after a person has
- * looked at the paper. This holds even if the program is killed at any moment. These functions are
- * in libQuorJournal.
+ * looked at the paper. Both rules hold even if the program is killed at any moment. These functions
+ * are in libQuorJournal.
  *
  *     quor_print_job_create(port, 1, NULL, NULL, &job);
  *     quor_named_job_create(journal, &request, data, size, &named);
@@ -35,7 +35,7 @@ typedef struct QuorJournal QuorJournal;
  * `file` is null, the file is quorport/jobs.db in $XDG_STATE_HOME, or in ~/.local/state if this
  * variable is not set. Returns QUOR_NO_JOURNAL if the file cannot be read and written, is damaged,
  * is not a journal, was written by a later version of this library, is on a network file system, or
- * has a second name, as a hard link. */
+ * has more than one hard link. */
 QUOR_EXPORT QuorCode quor_journal_open(const char* file, QuorJournal** journal);
 
 /** Frees the handle. Named jobs that still exist keep the journal open. */
@@ -61,15 +61,15 @@ typedef struct QuorJobRecord {
   uint64_t bytes;     /**< the length of the job's data */
   int64_t attempts;   /**< the number of attempts so far */
   int64_t begun;      /**< when the latest attempt began, in milliseconds since 1970, UTC */
-  int64_t ended;      /**< when that attempt ended, in the same unit; -1 if this was not recorded */
-  int32_t state;      /**< one of the states above */
+  int64_t ended; /**< when that attempt ended, in the same unit; -1 if the end was not recorded */
+  int32_t state; /**< one of the states above */
   const char* reason; /**< why the job was not printed, for a person; "" if it was printed */
 } QuorJobRecord;
 
 /** Receives one job. `context` is the pointer that was passed to quor_journal_jobs. */
 typedef void (*QuorJobFunction)(void* context, const QuorJobRecord* job);
 
-/** Calls `function` for each job, ordered by name, and then returns. Returns QUOR_NO_JOURNAL if the
+/** Calls `function` once for each job, in the order of the names. Returns QUOR_NO_JOURNAL if the
  * file cannot be read. */
 QUOR_EXPORT QuorCode quor_journal_jobs(QuorJournal* journal, QuorJobFunction function,
                                        void* context);
@@ -79,7 +79,7 @@ QUOR_EXPORT QuorCode quor_journal_jobs(QuorJournal* journal, QuorJobFunction fun
  * is printing the job, and QUOR_NO_JOURNAL if the file cannot be written. */
 QUOR_EXPORT QuorCode quor_journal_forget(QuorJournal* journal, const char* name);
 
-/** Removes the jobs whose last attempt began more than `days` days ago, except those that are being
+/** Removes the jobs whose last attempt began more than `days` days ago, except jobs that are being
  * printed. Stores in `*count` how many jobs it removed; `count` may be null. Returns
  * QUOR_NO_JOURNAL if the file cannot be written. */
 QUOR_EXPORT QuorCode quor_journal_forget_older_than(QuorJournal* journal, uint32_t days,
@@ -87,14 +87,14 @@ QUOR_EXPORT QuorCode quor_journal_forget_older_than(QuorJournal* journal, uint32
 
 /* ---- Named job ------------------------------------------------------------------------------- */
 
-/** A function of the caller. A library function that has to wait for another process calls it once,
- * on the caller's thread. */
+/** A function of the caller. A library function that has to wait for another process calls this
+ * function once, on the caller's thread. */
 typedef void (*QuorWaiting)(void* context);
 
 /** The name of a job, and how to run it. */
 typedef struct QuorNamedJobRequest {
   const char* name;   /**< 1 to 255 bytes of UTF-8 without control characters */
-  const char* device; /**< the device text; only recorded, for people who read the journal */
+  const char* device; /**< the device text, recorded only for people who read the journal */
 
   /** Not 0: print the job again although nobody knows whether it is on paper. Set this only after a
    * person has looked at the paper. */
@@ -125,44 +125,44 @@ QUOR_EXPORT void quor_named_job_free(QuorNamedJob* job);
  * job is on paper, or another process is still printing it. Returns 0 if the job must be run. */
 QUOR_EXPORT int32_t quor_named_job_is_answered(QuorNamedJob* job);
 
-/** Runs `print_job` with the data. The beginning is recorded on disk before the first byte is sent.
- * The outcome is recorded before this function returns. If the journal already gives an answer,
- * this answer is the result, and the port is not used. In both cases the functions of `print_job`
- * return the result. May be called once, with a print job that has not run; otherwise it returns
- * QUOR_USAGE. Returns QUOR_NO_JOURNAL if the beginning could not be recorded; then nothing of the
- * job was sent, and this function has closed the port. All other codes are those of
- * quor_print_job_run. */
+/** Runs `print_job` with the data. The beginning of the job is recorded on disk before the first
+ * byte is sent; the outcome is recorded before this function returns. If the journal already gives
+ * an answer, this answer is the result, and the port is not used. Afterwards the functions of
+ * `print_job` return the result, even if it is the journal's answer. May be called once, with a
+ * print job that has not run; otherwise this function returns QUOR_USAGE. Returns QUOR_NO_JOURNAL
+ * if the beginning could not be recorded; in this case nothing of the job was sent, and this
+ * function has closed the port. All other codes are those of quor_print_job_run. */
 QUOR_EXPORT QuorCode quor_named_job_run(QuorNamedJob* job, QuorPrintJob* print_job);
 
-/** Records that the job was not sent, with `reason`, for example "the printer cannot be reached".
- * Call it instead of quor_named_job_run. Returns QUOR_USAGE if the journal gives an answer or the
- * job was run. */
+/** Records that the job was not sent; `reason` says why, for example "the printer cannot be
+ * reached". Call this function instead of quor_named_job_run. Returns QUOR_USAGE if the journal
+ * gives an answer or the job was run. */
 QUOR_EXPORT QuorCode quor_named_job_refuse(QuorNamedJob* job, const char* reason);
 
-/** Returns the number of the attempt that decides the outcome, 1 for the first; 0 if there was no
- * attempt. */
+/** Returns the number of the attempt that decides the outcome. The job's first attempt has the
+ * number 1; 0 means that there was no attempt. */
 QUOR_EXPORT int64_t quor_named_job_attempt(QuorNamedJob* job);
 
-/** Returns 1 if an earlier call printed the job. This call then sends nothing. */
+/** Returns 1 if the job was printed by an earlier call; quor_named_job_run then sends nothing. */
 QUOR_EXPORT int32_t quor_named_job_is_repeated(QuorNamedJob* job);
 
 /** Copies the reason why the outcome could not be recorded, for a person to read. Returns QUOR_NONE
- * if the outcome was recorded. The outcome is correct in both cases, but the next call with this
- * name will answer that the outcome is unknown. */
+ * if the outcome was recorded. An outcome that was not recorded is correct as well, but the next
+ * call with this job name will answer that the outcome is unknown. */
 QUOR_EXPORT QuorCode quor_named_job_not_recorded(QuorNamedJob* job, char* text, size_t capacity,
                                                  size_t* length);
 
 /* ---- Turns ----------------------------------------------------------------------------------- */
 
-/** A turn on a printer. On one machine only one job at a time has the turn. A job that does not ask
- * for a turn is not stopped. */
+/** A turn: the right to use a printer. On one machine only one job at a time has the turn of a
+ * printer. A job that does not ask for a turn is not stopped. */
 typedef struct QuorTurn QuorTurn;
 
-/** Takes the turn on the printer with this device text. If another job has the turn, waits for at
- * most `timeout`. The turn ends when quor_turn_free is called or the process ends. For a printer
- * that no other process can use, such as "virtual:", stores null in `*turn` and returns QUOR_NONE.
- * Returns QUOR_FAILED if another job still has the turn, QUOR_USAGE if `device` is not a device
- * text, and QUOR_UNEXPECTED if the lock file cannot be used. `waiting` may be null. */
+/** Takes the turn of the printer with this device text. If another job has the turn, waits up to
+ * `timeout` until the turn is free. The turn ends when quor_turn_free is called or the process
+ * ends. For a printer that no other process can use, such as "virtual:", stores null in `*turn` and
+ * returns QUOR_NONE. Returns QUOR_FAILED if the turn is not free by then, QUOR_USAGE if `device` is
+ * not a device text, and QUOR_UNEXPECTED if the lock file cannot be used. `waiting` may be null. */
 QUOR_EXPORT QuorCode quor_turn_take(const char* device, uint32_t timeout, QuorWaiting waiting,
                                     void* context, QuorTurn** turn);
 

@@ -20,7 +20,7 @@ extern "C" {
  * SCHEME:PLACE[,key=value...], for example "virtual:", "tcp:192.0.2.10:9100", "unix:PATH" or
  * "serial:PATH". With a `count` of 0 there are no devices, and `specs` may be null. Nothing is
  * connected before a port is opened. Returns QUOR_USAGE, and changes nothing, if a text is not a
- * device. */
+ * valid device text. */
 QUOR_EXPORT QuorCode quor_connect_devices(const char* const* specs, size_t count);
 
 /* ---- Port: creation and connection ----------------------------------------------------------- */
@@ -28,7 +28,7 @@ QUOR_EXPORT QuorCode quor_connect_devices(const char* const* specs, size_t count
 /** The command system that a port speaks with its printer. */
 enum {
   QUOR_EMULATION_UNKNOWN = 0, /**< unknown: every query of the status fails */
-  QUOR_EMULATION_LINE = 1,    /**< the maker's line mode */
+  QUOR_EMULATION_LINE = 1,    /**< the maker's own command set, called line mode */
   QUOR_EMULATION_ESCPOS = 2   /**< the common command set of receipt printers */
 };
 
@@ -40,8 +40,8 @@ typedef struct QuorPort QuorPort;
  * selects the printer with that name, number or address. `port_name` is UTF-8; its first three
  * characters are the prefix, even if they are not "BT:". `port_settings` may be null, or contain
  * the letter d followed by the data time-out, 0 to 255 seconds. `timeout` is the input/output
- * time-out, called the creation time-out below; with 0, a wait ends when the second of the clock
- * changes. On the main thread the function also starts the port's own thread, which runs until
+ * time-out, called the creation time-out below; with 0, a wait ends when the clock reaches its next
+ * second. On the main thread the function also starts the port's own thread, which runs until
  * quor_port_close. Returns QUOR_FAILED, with null in `*port`, if quor_connect_devices was not
  * called before or the thread cannot be created. */
 QUOR_EXPORT QuorCode quor_port_create(const char* port_name, const char* port_settings,
@@ -59,8 +59,9 @@ QUOR_EXPORT QuorCode quor_port_open(QuorPort* port);
 
 /** Ends the session and, on the main thread, also the port's thread. Pauses 0.1 s first if the
  * version of the system is 10.0 or more; the version is that of the kernel, which is below 10.0
- * today. Waits until the printer has taken the bytes that are under way: at most two seconds over a
- * socket, and not at all if no bytes are under way. May be called on a port that is not open. */
+ * today. Waits until the printer has taken the bytes that were written: at most two seconds over a
+ * socket, and not at all if the printer has taken them already. May be called on a port that is not
+ * open. */
 QUOR_EXPORT QuorCode quor_port_close(QuorPort* port);
 
 /** Returns 1 while the chosen accessory is attached, even if quor_port_open could not open a
@@ -82,36 +83,38 @@ QUOR_EXPORT QuorCode quor_port_write(QuorPort* port, const void* data, size_t si
 QUOR_EXPORT QuorCode quor_port_read(QuorPort* port, void* buffer, size_t capacity, size_t* length);
 
 /** Sends a whole short command. Tries again every 50 ms until the whole command is sent or the
- * creation time-out has passed, and stores the number of bytes in `*written`. Returns QUOR_FAILED,
- * with 0 in `*written`, if the link is lost or the time-out passes; a part of the command may have
- * been sent before. Use this function only for commands that a link takes at once: if the link
- * takes only a part of a command, bytes may be left out or sent twice. Send print data by a print
- * job. */
+ * creation time-out has passed, and stores the number of bytes sent in `*written`. Returns
+ * QUOR_FAILED, with 0 in `*written`, if the link is lost or the time-out passes; a part of the
+ * command may have been sent before. Use this function only for commands that a link takes at once:
+ * if the link takes only a part of a command, bytes may be left out or sent twice. Send print data
+ * by a print job. */
 QUOR_EXPORT QuorCode quor_port_write_with_retry(QuorPort* port, const void* command, size_t size,
                                                 size_t* written);
 
-/** Functions that observe the bytes of a port, called on the thread that writes or reads them.
- * `bytes_written` receives the number of bytes that the link took, which may be 0. `bytes_read`
- * receives the bytes that a read is about to return, and their number may be 0. If a function does
- * not return 0, the operation of the port ends with QUOR_STOPPED. `context` is the pointer that was
- * set together with the functions. The functions must not free the port or set its observers.
+/** Functions that observe the bytes of a port. The port calls them on the thread that writes or
+ * reads the bytes. `bytes_written` receives the number of bytes that the link took, which may be 0.
+ * `bytes_read` receives the bytes that a read is about to return; there may be no bytes. If a
+ * function does not return 0, the operation of the port ends with QUOR_STOPPED. `context` is the
+ * pointer that was set together with the functions. The functions must not free the port or set its
+ * observers.
  * @{ */
 typedef int32_t (*QuorBytesWritten)(void* context, size_t count);
 typedef int32_t (*QuorBytesRead)(void* context, const uint8_t* bytes, size_t count);
 /** @} */
 
 /** Sets the observers of a port; null removes an observer. `context` must exist until other
- * observers are set. A print job that runs replaces the observers, and removes its own at its
- * end. */
+ * observers are set. A print job replaces the observers while it runs; afterwards the port has no
+ * observers. */
 QUOR_EXPORT QuorCode quor_port_set_transfer_observer(QuorPort* port, QuorBytesWritten bytes_written,
                                                      QuorBytesRead bytes_read, void* context);
 
 /* ---- Port: status ---------------------------------------------------------------------------- */
 
 /** Asks the printer for its status; `level` is only logged. First drops the received bytes that
- * nobody has read. Returns QUOR_FAILED if there was no usable answer. In line mode this takes about
- * 3 s, and the record is unchanged. In ESC/POS it takes up to the creation time-out, and the record
- * may be partly written. Returns QUOR_PORT_EXCEPTION if the link is lost. */
+ * nobody has read. Returns QUOR_FAILED if there was no usable answer. In line mode this failure
+ * takes about 3 s, and the record is unchanged. In ESC/POS the failure takes up to the creation
+ * time-out, and the record may be partly written. Returns QUOR_PORT_EXCEPTION if the link is
+ * lost. */
 QUOR_EXPORT QuorCode quor_port_get_parsed_status(QuorPort* port, QuorPrinterStatus_2* status,
                                                  uint32_t level);
 
@@ -126,9 +129,9 @@ QUOR_EXPORT QuorCode quor_port_get_online_status(QuorPort* port, int32_t* online
 enum {
   QUOR_RESULT_SUCCESS = 0, /**< the block has begun */
   QUOR_RESULT_FAILED = -1, /**< an exchange with the printer failed, or the printer is off line */
-  QUOR_RESULT_IN_PROCESS = -2,    /**< for a layer above: not finished yet */
+  QUOR_RESULT_IN_PROCESS = -2,    /**< not finished yet; never returned by the port */
   QUOR_RESULT_PAPER_PRESENT = -3, /**< nobody took the paper from the exit in time */
-  QUOR_RESULT_IN_USE = -100       /**< for a layer above: another program uses the printer */
+  QUOR_RESULT_IN_USE = -100 /**< another program uses the printer; never returned by the port */
 };
 
 /** Prepares the printer for a job whose printing quor_port_end_checked_block will verify. `status`
@@ -141,11 +144,10 @@ enum {
 QUOR_EXPORT QuorCode quor_port_begin_checked_block(QuorPort* port, QuorPrinterStatus_2* status,
                                                    uint32_t level, int64_t* result_code);
 
-/** Marks the end of the job and waits, up to the end-of-block time-out. The wait ends when the
- * printer has processed all of the job or is off line; `status` shows which of the two. In ESC/POS,
- * QUOR_OK alone does not prove that the job was printed; use a print job for that. Returns
- * QUOR_FAILED if a write failed or the time-out passed, and QUOR_PORT_EXCEPTION if the link is
- * lost. */
+/** Marks the end of the job. Waits, up to the end-of-block time-out, until the printer has
+ * processed all of the job or is off line; `status` shows which of the two. In ESC/POS, QUOR_OK
+ * alone does not prove that the job was printed; use a print job for that. Returns QUOR_FAILED if a
+ * write failed or the time-out passed, and QUOR_PORT_EXCEPTION if the link is lost. */
 QUOR_EXPORT QuorCode quor_port_end_checked_block(QuorPort* port, QuorPrinterStatus_2* status,
                                                  uint32_t level);
 
@@ -171,9 +173,9 @@ QUOR_EXPORT QuorCode quor_port_retrieve_escpos_firmware_information(QuorPort* po
  * bank within the creation time-out; if only bank 2 failed, bank 1 has been appended. */
 QUOR_EXPORT QuorCode quor_port_retrieve_dip_switch_information(QuorPort* port);
 
-/** Asks for the two setting bytes of `bank`, which is 1 or 2, and stores them only in `settings`.
- * Returns QUOR_FAILED if there is no answer of two bytes within the creation time-out; `settings`
- * is then unchanged. */
+/** Asks for the two setting bytes of `bank`, which is 1 or 2, and stores them in `settings`; the
+ * port does not keep them. Returns QUOR_FAILED if there is no answer of two bytes within the
+ * creation time-out; `settings` is then unchanged. */
 QUOR_EXPORT QuorCode quor_port_retrieve_dip_switch_bank(QuorPort* port, uint8_t bank,
                                                         uint8_t settings[2]);
 
@@ -185,9 +187,9 @@ QUOR_EXPORT QuorCode quor_port_retrieve_button_security_timeout(QuorPort* port,
 
 /* ---- Port: the printer's Bluetooth module ---------------------------------------------------- */
 
-/** Puts the module into command mode, and checks that it answers a query. Takes 2.5 s, plus up to
- * 11 s for the answer. Returns QUOR_FAILED if the module did not answer or answered with an error,
- * and QUOR_UNREADABLE if its answer is incomplete. */
+/** Puts the printer's Bluetooth module into command mode, and checks that the module answers a
+ * query. Takes 2.5 s, plus up to 11 s for the answer. Returns QUOR_FAILED if the module did not
+ * answer or answered with an error, and QUOR_UNREADABLE if its answer is incomplete. */
 QUOR_EXPORT QuorCode quor_port_enter_at_mode(QuorPort* port);
 
 /** Waits up to `timeout`, and at least one second, for the module's result, and copies it.
@@ -260,16 +262,16 @@ QUOR_EXPORT uint64_t quor_port_connection_id(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_set_connection_id(QuorPort* port, uint64_t connection_id);
 /** @} */
 
-/** Returns 1 from the first time that an accessory of the model "XQ700" was opened, and 0
- * before. */
+/** Returns 1 if quor_port_open has ever chosen an accessory of the model "XQ700", and 0
+ * otherwise. */
 QUOR_EXPORT int32_t quor_port_is_brondel(QuorPort* port);
 
 /** Returns 1 if the port has a thread of its own, and 0 if it was not created on the main
  * thread. */
 QUOR_EXPORT int32_t quor_port_has_thread71(QuorPort* port);
 
-/** The result of the last quor_port_open: 1 if it succeeded, 0 if it failed; QUOR_NONE if there was
- * no open yet. Setting a negative value removes the result.
+/** The result of the last quor_port_open: 1 if it succeeded, 0 if it failed; QUOR_NONE if the port
+ * was not opened yet. Setting a negative value removes the result.
  * @{ */
 QUOR_EXPORT QuorCode quor_port_result71(QuorPort* port, int32_t* result);
 QUOR_EXPORT QuorCode quor_port_set_result71(QuorPort* port, int32_t result);

@@ -19,7 +19,7 @@ extern "C" {
  * kind of device, as the answer. Nothing is printed. The functions return QUOR_FAILED if there was
  * no answer or the link did not take the query, and QUOR_UNREADABLE if the answer was not that of a
  * printer. They return QUOR_PORT_EXCEPTION if the link is lost, and QUOR_USAGE if the emulation is
- * unknown. Results are then unchanged.
+ * unknown. A function that fails does not change its results.
  *
  * Each function ends within twice the port's time-out plus five seconds, even if the printer never
  * stops sending; quor_printer_disconnect may take ten seconds more. Received bytes that nobody has
@@ -50,8 +50,8 @@ QUOR_EXPORT QuorCode quor_printer_button_security_timeout(QuorPort* port, uint32
 
 /** Finds the strongest proof of a job that the printer can give, and stores its number from
  * QuorProof.h; QUOR_PROOF_NONE if the printer gives no proof. An off-line ESC/POS printer may hold
- * back its answers; it then seems to give no proof. The query resets the printer's count of marks,
- * so do not send it while another program prints. */
+ * back its answers; it then seems to give no proof. The query resets the printer's count of
+ * end-of-job marks, so do not send it while another program prints. */
 QUOR_EXPORT QuorCode quor_printer_proof(QuorPort* port, int32_t* proof);
 
 /** Makes the printer drop the data that it has not printed yet. Returns when the link has taken the
@@ -85,9 +85,10 @@ enum {
 /** One print job over an open port. The job sends its data once, and never again by itself. */
 typedef struct QuorPrintJob QuorPrintJob;
 
-/** A function of the caller. The job calls it on the thread that runs the job: when the job begins,
- * before its data is sent; each time that the link has taken some data; when the wait for the proof
- * begins; and when the reason of the printer's pause changes (see quor_print_job_waits_for). */
+/** A function of the caller. The job calls it on the thread that runs the job: when the job begins;
+ * when its data is about to be sent; each time that the link has taken some data; when the wait for
+ * the proof begins; and when the reason of the printer's pause changes (see
+ * quor_print_job_waits_for). */
 typedef void (*QuorProgress)(void* context, uint64_t bytes_accepted, uint64_t bytes_total);
 
 /** Creates a job, which keeps the port alive. `proof` is a number from QuorProof.h and selects how
@@ -106,14 +107,16 @@ QUOR_EXPORT void quor_print_job_free(QuorPrintJob* job);
  * bytes sent is unknown. */
 QUOR_EXPORT QuorCode quor_print_job_run(QuorPrintJob* job, const void* data, size_t size);
 
-/** Abandons the job. Within 0.3 s the job closes the port; before that it sends the printer a
- * command to drop its data, if the link takes the command. Any thread and any signal handler may
- * call this function, also before the run. */
+/** Abandons the job. At its next read or write, after at most 0.3 s, the job notices the cancel.
+ * Then it sends the printer a command to drop its data, gives up if the link does not take this
+ * command within 0.5 s, and closes the port. Any thread and any signal handler may call this
+ * function, even before the run. */
 QUOR_EXPORT void quor_print_job_cancel(QuorPrintJob* job);
 
-/** Return the outcome, the obstacle, the result code of the beginning of the checked block (failed
- * if there was no block), and the size of the job in bytes. Before the run the outcome is refused
- * and the obstacle is QUOR_OBSTACLE_NONE. Only the thread that ran the job may call them.
+/** Return the outcome, the obstacle (why the job was not confirmed), the result code of the
+ * beginning of the checked block (failed if there was no block), and the size of the job in bytes.
+ * Before the run the outcome is refused and the obstacle is QUOR_OBSTACLE_NONE. Only the thread
+ * that ran the job may call these functions.
  * @{ */
 QUOR_EXPORT int32_t quor_print_job_outcome(QuorPrintJob* job);
 QUOR_EXPORT int32_t quor_print_job_obstacle(QuorPrintJob* job);
