@@ -30,7 +30,7 @@ class AtomicProperty {
     std::swap(value_, value);
   }
 
-  /// Calls `change` with the value, which it may change in place. `change` must not use the
+  /// Calls `change` with the value. `change` may modify the value in place, but must not use the
   /// property itself.
   template <typename Change>
   void update(Change change) {

@@ -1,4 +1,5 @@
-// The checked block, which begins and ends a job whose printing is verified, and the data cancel.
+// The checked block, which encloses a job whose printing is verified, and the data cancel, which
+// makes the printer drop its data.
 
 #include <algorithm>
 #include <array>
@@ -111,8 +112,8 @@ bool ExternalAccessoryPort::awaitClearPath(QuorPrinterStatus_2* status, std::int
     if (status->offline == 1 || (status->etbCounter == 0 && status->paperPresent == 0)) {
       return true;
     }
-    // Each pass chooses its limit anew. When somebody takes the paper late, the shorter limit
-    // applies again; it may have passed already, and then the wait ends at once.
+    // Each pass of the loop chooses its limit anew. After somebody has taken the paper, the
+    // creation time-out is the limit again; if this time has passed already, the wait ends at once.
     std::int32_t waitTimeoutSec = wait.timeoutSec();
     std::int64_t errorCode = ZKQuorIOResultCodeFailedError;
     if (status->paperPresent == 1) {
@@ -148,8 +149,8 @@ void ExternalAccessoryPort::setDataTimeout(QuorPrinterStatus_2* status, std::uin
   if (dataTimeoutSeconds() < 0) {
     return;
   }
-  // This is not an error. The record keeps the type "error" because programs that read the log
-  // expect it.
+  // Setting the data time-out is not an error. The log record keeps the type "error" because
+  // programs that read the log expect this type.
   QUOR_LOG(ZKLogTypeError, 0, "self.dataTimeoutSeconds: %ld", dataTimeoutSeconds());
   const auto timeout = static_cast<std::uint8_t>(dataTimeoutSeconds() & 0xff);
   const std::uint8_t setDataTimeoutCommand[] = {0x1b, 0x1d, 0x03, 0x05, 0x01, timeout};
@@ -169,7 +170,7 @@ bool ExternalAccessoryPort::endCheckedBlock(QuorPrinterStatus_2* quorPrinterStat
   assert(quorPrinterStatus != nullptr);
   QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%p, %d", quorPrinterStatus, level);
   QUOR_LOG(ZKLogTypeProcess, 0, "p_emulation: %d", p_emulation);
-  // The time of every wait starts here, before anything is sent.
+  // The time of all waits of this function starts here, before anything is sent.
   WholeSecondsWait wait(platform_->clock(), endCheckedBlockTimeoutMillis());
   const bool result =
       markEnd() && (p_emulation == ZKEmulationQuorLine
@@ -227,7 +228,7 @@ bool ExternalAccessoryPort::awaitCount(QuorPrinterStatus_2* quorPrinterStatus, s
       usleep(microseconds(secInterval2()));
     }
     if (quorPrinterStatus->offline == 1) {
-      // This is no failure: the caller decides what an off-line printer means for the job.
+      // An off-line printer is no failure here: the caller decides what this means for the job.
       QUOR_LOG(ZKLogTypeProcess, 0, "quorPrinterStatus->offline: %d", quorPrinterStatus->offline);
       return true;
     }
@@ -258,8 +259,8 @@ bool ExternalAccessoryPort::awaitReport(WholeSecondsWait& wait) {
     }
     QUOR_LOG(ZKLogTypeProcess, 0, "topByte: %d", *topByte);
     if (*topByte == reportStart) {
-      // Each pass reads one report. If a second report follows in place of the status byte, the
-      // test below fails.
+      // Each pass of the loop reads one report. If a second report arrives in place of the status
+      // byte, the test below fails.
       if (!readReport(etbCountUp) || !(topByte = awaitByte(wait))) {
         return false;
       }

@@ -189,8 +189,8 @@ std::optional<ByteBuffer> ExternalAccessoryPort::queryDipSwitchBank(std::uint8_t
     field = findField(parseDipSwitchInfo, data);
   }
   const ByteBuffer chunk = data.value_or(ByteBuffer());
-  // The record shows bytes from the start of the chunk, not from the field, because programs that
-  // read the log expect that.
+  // The log record shows bytes from the start of the chunk, not from the start of the field,
+  // because programs that read the log expect this.
   QUOR_LOG(ZKLogTypeProcess, 0, "Find DIPSW Info, Position: %d, Raw: %@", field->location,
            LogWriter::createByteArrayDescription(
                subrange(chunk, {.location = 0, .length = field->length})));
@@ -213,7 +213,7 @@ std::int64_t ExternalAccessoryPort::retrieveButtonSecurityTimeout() {
     return -1;
   }
   WholeSecondsWait wait(platform_->clock(), timeout_);
-  wait.isOver();  // reads the clock once more before the wait; only this query does
+  wait.isOver();  // reads the clock once more before the wait; only this query does so
   ByteBuffer recvBuf;
   while (true) {
     const auto recvData = read(EXPECTED_RECV_SIZE - recvBuf.size()).value_or(ByteBuffer());
@@ -222,7 +222,7 @@ std::int64_t ExternalAccessoryPort::retrieveButtonSecurityTimeout() {
       break;
     }
     if (wait.isOver()) {
-      // Here the last conversion is %u; the other queries have %d.
+      // Here the last conversion is %u; in the same log record of the other queries it is %d.
       QUOR_LOG(ZKLogTypeError, 0, "end.tv_sec - start.tv_sec > timeout_ / 1000, %ld, %ld, %u",
                wait.end(), wait.start(), wait.timeoutSec());
       QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", -1);
@@ -235,7 +235,7 @@ std::int64_t ExternalAccessoryPort::retrieveButtonSecurityTimeout() {
   const std::size_t timeoutByte = dipSwSettingByte >> 6;
   const std::uint32_t setting = settings[timeoutByte];
   QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", setting);
-  // Adds the port's own time-out, in 32 bits, unless button security is off.
+  // If button security is on, adds the port's own time-out, in 32 bits.
   return setting == 0 ? 0 : std::int64_t{static_cast<std::uint32_t>(setting + timeout_)};
 }
 

@@ -50,7 +50,7 @@ QUOR_EXPORT extern const std::uint8_t escAckSoh[3];
 /// **Time.** Time-outs are given in milliseconds and rounded down to whole seconds. A wait with a
 /// limit of n seconds ends when the seconds of the wall clock have advanced by more than n, that is
 /// after n to n + 1 seconds. A limit below 1000 ms counts as 0 seconds: the wait ends when the
-/// second of the clock changes. The "creation time-out" is the time-out that was passed to
+/// clock reaches its next second. The "creation time-out" is the time-out that was passed to
 /// `initWithPortName`.
 ///
 /// **Errors.** On failure, counts are -1, buffers and strings are null, and booleans are false. The
@@ -73,7 +73,8 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// cannot be opened. Names are compared byte by byte. `portSettings` may contain, at any place, a
   /// data time-out option: the letter d followed by a number of seconds from 0 to 255. A larger
   /// number is logged and ignored. `ioTimeoutMillis` is the input/output time-out in milliseconds;
-  /// with zero, a wait ends when the second of the clock changes. The port keeps `platform` alive.
+  /// with zero, a wait ends when the clock reaches its next second. The port keeps `platform`
+  /// alive.
   ///
   /// On the main thread, this function also starts the port thread. Returns null if `platform` is
   /// null or the thread cannot be created. Any thread may call this function.
@@ -82,7 +83,8 @@ class QUOR_EXPORT ExternalAccessoryPort
       std::uint32_t ioTimeoutMillis, ZKEmulation emulation,
       std::shared_ptr<Platform> platform = processPlatform());
 
-  /// Only `initWithPortName` can call it, because no other code can name the type of the argument.
+  /// Only `initWithPortName` can call this constructor, because no other code can name the type of
+  /// the argument.
   explicit ExternalAccessoryPort(Arguments arguments);
 
   /// Releases the link. Does not close the streams first and does not end the port thread; call
@@ -94,8 +96,8 @@ class QUOR_EXPORT ExternalAccessoryPort
 
   // -- Connection ---------------------------------------------------------------------------------
 
-  /// Chooses the first attached accessory that the port name selects, whose maker is "quor dalvane"
-  /// and that announces `quorProtocol`. Opens a session on that accessory and starts to open the
+  /// Chooses the first attached accessory that matches the port name, has the maker "quor dalvane"
+  /// and announces `quorProtocol`. Opens a session on that accessory and starts to open the
   /// streams, without waiting for them. Always pauses 0.1 s. Returns true if the session is open.
   /// Returns false if no accessory matched, the session was refused, or the platform threw an
   /// exception, which is logged. Never throws. An earlier session that was not closed is released.
@@ -107,8 +109,8 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// main thread also ends the port thread, within about 0.1 s. Never fails and never throws; may
   /// be called on a port that is not open. Pauses 0.1 s first if the version of the system is 10.0
   /// or more; with real links the version is that of the kernel, which is below 10.0 today. Then
-  /// waits until the printer has taken the bytes that are under way: at most two seconds over a
-  /// socket, and not at all if no bytes are under way.
+  /// waits until the printer has taken the bytes that were written: at most two seconds over a
+  /// socket, and not at all if the printer has taken them already.
   void close();
 
   /// Returns true while the selected accessory is attached, even if `open` could not open a session
@@ -128,7 +130,7 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// operations send their queries at once and do not first wait for an answer to this write.
   enum class Reply { Possible, None };
 
-  /// Works as the `write` above, for bytes that are not in a ByteBuffer, for example a part of a
+  /// Works as the `write` of a ByteBuffer, but takes bytes from any memory, for example a part of a
   /// large job. `reply` says whether the printer may answer them.
   std::int32_t write(std::span<const std::uint8_t> data, Reply reply = Reply::Possible);
 
@@ -151,11 +153,11 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// attempts, but is compared with the length of the unsent rest alone. This arithmetic is kept
   /// because printers in use are driven with it. After a partial attempt there are three cases. (a)
   /// If the count equals the length of the rest, success is returned although bytes are unsent. (b)
-  /// If the count is below that length, as many bytes are removed from the front of the rest, so
-  /// unsent bytes are skipped. (c) If the count is above that length, for example after the second
-  /// attempt sent all of the rest, the rest is sent again and again, without pause or time-out, as
-  /// long as the link takes it. Therefore use this operation only for short commands, which a link
-  /// takes at once. Send print data by `write` in a loop, or by a PrintJob.
+  /// If the count is below that length, this number of bytes is removed from the front of the rest,
+  /// so unsent bytes are skipped. (c) If the count is above that length, for example after the
+  /// second attempt sent all of the rest, the rest is sent again and again, without pause or
+  /// time-out, as long as the link takes it. Therefore use this operation only for short commands,
+  /// which a link takes at once. Send print data by `write` in a loop, or by a PrintJob.
   std::int32_t writeWithRetry(const ByteBuffer& command);
 
   // -- Status -------------------------------------------------------------------------------------
@@ -168,7 +170,7 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// time-out limits the wait. If it returns false, the record is unchanged in line mode, and may
   /// be partly written in ESC/POS. `level` is only logged.
   ///
-  /// Throws PortException "Native WritePort failed" if the request cannot be written (line mode).
+  /// In line mode, throws PortException "Native WritePort failed" if the request cannot be written.
   /// Throws PortException "GetParsedStatus detected bluetooth disconnection" if the link is lost
   /// during the wait.
   bool getParsedStatus(QuorPrinterStatus_2* quorPrinterStatus, std::uint32_t level);
@@ -190,10 +192,10 @@ class QUOR_EXPORT ExternalAccessoryPort
   ///
   /// `status` and `resultCode` must not be null; `status` receives each status that the printer
   /// sends. Returns true if the exchange worked; `*resultCode` is then success, or failed if a
-  /// line-mode printer was off line and nothing was sent. Returns false if the exchange or a wait
-  /// failed; `*resultCode` is then failed or paper present. `level` is passed to the status query
-  /// in ESC/POS. Throws the exceptions of `getParsedStatus`, and PortException "[beginCheckedBlock]
-  /// Failed to set data cancel timeout"; `*resultCode` is then failed.
+  /// line-mode printer was off line and nothing was sent. Returns false if the exchange failed or a
+  /// wait ended without success; `*resultCode` is then failed or paper present. `level` is passed
+  /// to the status query in ESC/POS. Throws the exceptions of `getParsedStatus`, and PortException
+  /// "[beginCheckedBlock] Failed to set data cancel timeout"; `*resultCode` is then failed.
   bool beginCheckedBlock(QuorPrinterStatus_2* status, std::uint32_t level,
                          std::int64_t* resultCode);
 
@@ -244,10 +246,10 @@ class QUOR_EXPORT ExternalAccessoryPort
 
   // -- The printer's Bluetooth module -------------------------------------------------------------
 
-  /// Puts the module into command mode, and asks for its address to check this. Pauses for 2.5 s in
-  /// total around the escape sequence, and then waits up to 11 s for the answer. Returns false if a
-  /// write failed, or if the module did not answer or answered with an error. Throws
-  /// std::out_of_range if the module answers OK without a whole address.
+  /// Puts the printer's Bluetooth module into command mode. To check this, asks the module for its
+  /// address. Pauses for 2.5 s in total around the escape sequence, and then waits up to 11 s for
+  /// the answer. Returns false if a write failed, or if the module did not answer or answered with
+  /// an error. Throws std::out_of_range if the module answers OK without a whole address.
   bool enterATMode();
 
   /// Waits for the module's reply. Returns "\r\nERROR\r\n" if the module replies with an error. If
@@ -275,11 +277,12 @@ class QUOR_EXPORT ExternalAccessoryPort
 
   /// Passes every byte that the port reads or writes from now on to `observer`. With null, no
   /// observer receives bytes. The port does not own the observer, which must exist until another
-  /// observer is set. Only the thread that uses the port may call this.
+  /// observer is set. Only the thread that uses the port may call this function.
   void setTransferObserver(TransferObserver* observer) { observer_ = observer; }
 
-  /// Makes the next `close` return without waiting until the printer has taken the bytes under way,
-  /// which may then be lost. Has no effect on a port that is not open.
+  /// Makes the next `close` return without waiting until the printer has taken the bytes that were
+  /// written. The bytes that it has not taken may be lost. Has no effect on a port that is not
+  /// open.
   void abandonOutput();
 
   /// The values that were passed to `initWithPortName`. The platform lives at least as long as the
@@ -304,8 +307,8 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// @}
 
   /// How many milliseconds `beginCheckedBlock` waits, in line mode, for somebody to take the paper
-  /// from the exit. The initial value is 0: the wait then ends when the second of the clock
-  /// changes.
+  /// from the exit. The initial value is 0: with it, the wait ends when the clock reaches its next
+  /// second.
   /// @{
   std::uint32_t holdPrintTimeoutMillis() const { return _holdPrintTimeoutMillis; }
   void setHoldPrintTimeoutMillis(std::uint32_t millis) { _holdPrintTimeoutMillis = millis; }
@@ -325,7 +328,7 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// Every DIP-switch bank that was read so far, two bytes each, the oldest first.
   std::vector<ByteBuffer> dipSwitchInformation() const { return _dipSwitchInformation.get(); }
 
-  /// True from the first time that an accessory of the model "XQ700" was opened.
+  /// True if `open` has ever chosen an accessory of the model "XQ700".
   bool isBrondel() const { return _isBrondel; }
 
   /// The handle of the port thread; null for a port that was not created on the main thread.
@@ -334,7 +337,7 @@ class QUOR_EXPORT ExternalAccessoryPort
   void setThread71(std::shared_ptr<NSThread> thread) { _thread71.set(std::move(thread)); }
   /// @}
 
-  /// The result of the last `open`; null if there was no `open` yet.
+  /// The result of the last `open`; null if `open` was not called yet.
   /// @{
   std::optional<bool> result71() const { return _result71.get(); }
   void setResult71(std::optional<bool> result) { _result71.set(result); }

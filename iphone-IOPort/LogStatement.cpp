@@ -59,8 +59,8 @@ class MessageText {
 };
 
 /// The text of an address: 0x and its hexadecimal digits. The digits are written from the last to
-/// the first, so that they need not be counted before. Every log statement needs this text, so
-/// speed matters.
+/// the first, so that they need not be counted first. Every log statement needs this text, so speed
+/// matters.
 class AddressText {
  public:
   explicit AddressText(const void* address) {

@@ -21,14 +21,14 @@
 ///     QUOR_LOG(ZKLogTypeRead, 0, "%lu, -> %@", size, data);
 ///
 /// If logging is off or the level is not wanted, no argument is evaluated. Otherwise the text of
-/// the object's address is built first, and then the message. No lock is held during this, so an
-/// argument may itself log.
+/// the object's address is built first, and then the message. No lock is held meanwhile, so the
+/// evaluation of an argument may itself log.
 ///
 /// The compiler checks that the conversions of the format fit the arguments. The conversions are:
 ///     %d   integer, bool or enumeration: its low 32 bits, signed; a bool is 1 or 0
-///     %u   likewise, unsigned
-///     %ld  likewise, all 64 bits, signed
-///     %lu  likewise, unsigned
+///     %u   the same types: the low 32 bits, unsigned
+///     %ld  the same types: all 64 bits, signed
+///     %lu  the same types: all 64 bits, unsigned
 ///     %f   floating-point number with six decimals and a full stop, in every locale
 ///     %p   raw or smart pointer: 0x and lower-case hexadecimal digits; null is 0x0
 ///     %@   string, C string, view or optional string: its text; "(null)" if null
@@ -182,7 +182,7 @@ template <typename... Arguments>
 struct LogFormatPieces {
   std::array<LogFormatPiece, sizeof...(Arguments)> pieces;
   std::string_view rest;
-  bool fits = true;  // true: each argument has one conversion, which fits it
+  bool fits = true;  // true if each argument has one conversion that fits the argument
 
   constexpr explicit LogFormatPieces(std::string_view format) {
     constexpr std::array<bool (*)(LogConversion), sizeof...(Arguments)> fitting{

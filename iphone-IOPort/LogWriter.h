@@ -20,7 +20,8 @@ class LogDelivery;
 /// Numbers that the logger has counted since the process began.
 struct LogStatistics {
   std::uint64_t handedOver;  ///< number of records passed to outputLogAsyncWithLogType
-  std::uint64_t dropped;     ///< number of records dropped: the queue was full or memory was short
+  std::uint64_t dropped;     ///< number of these records that were dropped: the queue was full or
+                             ///< memory was short
 };
 
 /// The library's logger. It decides which records are wanted and passes them to the sinks that the
@@ -28,7 +29,7 @@ struct LogStatistics {
 /// call them as well.
 class QUOR_EXPORT LogWriter {
  public:
-  /// How long `flush` waits if it is called without a time-out.
+  /// The longest time that `flush` waits if it is called without a time-out.
   static constexpr std::chrono::milliseconds flushTime{2000};
 
   /// Returns whether logging is on. It is off until the application switches it on. Takes no lock.
@@ -90,9 +91,9 @@ class QUOR_EXPORT LogWriter {
   void setQueueCapacity(std::size_t records);
 
   /// Waits until the sinks have received every record logged so far, or until `timeout` has passed.
-  /// Returns true if the sinks have received all these records. With a time-out of zero it does not
-  /// wait. If a sink calls `flush` while records are in the queue, it returns false at once,
-  /// because the sink would wait for itself.
+  /// Returns true if the sinks have received all these records. With a time-out of zero `flush`
+  /// does not wait. If a sink calls `flush` while records are in the queue, `flush` returns false
+  /// at once, because the sink would wait for itself.
   bool flush(std::chrono::milliseconds timeout = flushTime);
 
   /// Returns the current counts and does not reset them.

@@ -25,7 +25,8 @@ void ExternalAccessoryPort::runLoop71() {
   guarded(
       [this] {
         while (!stopThread71) {
-          // The text lacks its final bracket. Programs search logs for exactly this text.
+          // The text of this log record lacks its final bracket, because programs search logs for
+          // exactly this text.
           QUOR_LOG(
               ZKLogTypeProcess, 1,
               "[NSRunLoop.currentRunLoop runUntilDate:[NSDate dateWithTimeIntervalSinceNow:0.1]");

@@ -205,7 +205,8 @@ void ExternalAccessoryPort::close71() {
         }
       },
       [this] { QUOR_LOG(ZKLogTypeError, 0, "%@", thrownText()); });
-  // This also runs after a stream threw: the port counts as closed in any case.
+  // The next lines also run if a stream has thrown an exception: the port counts as closed in any
+  // case.
   _session.set(nullptr);
   _selectedAccessory.set(nullptr);
   setConnectionID(0);

@@ -57,7 +57,7 @@ bool ExternalAccessoryPort::getParsedStatusQuorLine(QuorPrinterStatus_2* quorPri
   constexpr auto selector = statusSelector;
   const ByteBuffer commandData = {0x1b, 0x2a, 0x72, 0x42,              // prepare
                                   0x1b, 0x1d, 0x03, 0x04, 0x00, 0x00,  // data-cancel end
-                                  0x1b, 0x06, 0x01};                   // sends the status block
+                                  0x1b, 0x06, 0x01};                   // status request
   for (int i = 0; i < statusAttempts; ++i) {
     if (!writeWhole(commandData, Reply::Possible)) {
       QUOR_LOG(ZKLogTypeError, 0, "Fail to [self writeWithRetry:commandData], %p, %p", this,

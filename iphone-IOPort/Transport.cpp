@@ -171,8 +171,8 @@ std::optional<ByteBuffer> ExternalAccessoryPort::receive(std::size_t bytesToRead
   }
   const auto stream = inputStream();
   if (!hasBytesAvailable(stream)) {
-    // This is a read, but the record has the text of `write`, because programs that read the log
-    // expect it.
+    // This function reads, but the log record has the text of `write`, because programs that read
+    // the log expect this text.
     QUOR_LOG(ZKLogTypeProcess, 0, "_session.outputStream.hasSpaceAvailable == NO, %d",
              hasSpaceAvailable(outputStream()));
     if (patience == Patience::Always || stream == nullptr || stream->expectsBytes()) {
@@ -251,8 +251,8 @@ std::int32_t ExternalAccessoryPort::retryWrite(const ByteBuffer& givenCommand, R
         return -1;
       }
       usleep(microseconds(secInterval1()));
-      // The sum of all attempts is used as an offset into the unsent rest. The declaration says
-      // why.
+      // The sum of all attempts is used as an offset into the unsent rest. The comment on the
+      // declaration of `writeWithRetry` says why.
       const std::int32_t offset = std::max(amountWritten, 0);
       const Range subDataRange = {.location = offset, .length = length - offset};
       tail = subrange(*command, subDataRange);

@@ -7,7 +7,7 @@
 namespace quordalvane {
 
 /// Measures a wait whose limit is a number of whole seconds of the wall clock. Somebody may set the
-/// clock back at any time: the wait then only becomes longer, because the difference is a signed
+/// clock back at any time: this only makes the wait longer, because the difference is a signed
 /// 64-bit number.
 class WholeSecondsWait {
  public:

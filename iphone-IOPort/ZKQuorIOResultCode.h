@@ -10,9 +10,10 @@ enum ZKQuorIOResultCode : std::int64_t {
   ZKQuorIOResultCodeSuccess = 0,  ///< the block has begun
   ZKQuorIOResultCodeFailedError =
       -1,  ///< an exchange with the printer failed, or the printer is off line
-  ZKQuorIOResultCodeInProcessError = -2,     ///< for a layer above: not finished yet
+  ZKQuorIOResultCodeInProcessError = -2,     ///< not finished yet; never returned by the port
   ZKQuorIOResultCodePaperPresentError = -3,  ///< nobody took the paper from the exit in time
-  ZKQuorIOResultCodeInUseError = -100,  ///< for a layer above: another program uses the printer
+  ZKQuorIOResultCodeInUseError =
+      -100,  ///< another program uses the printer; never returned by the port
 };
 
 }  // namespace quordalvane

@@ -11,7 +11,7 @@ namespace quordalvane {
 /// Thrown if an exchange with the printer must be abandoned.
 class QUOR_EXPORT PortException : public std::exception {
  public:
-  /// `reason` is a text for a person: why the exchange was abandoned.
+  /// `reason` says why the exchange was abandoned, as a text for a person.
   explicit PortException(std::string reason) : reason_(std::move(reason)) {}
 
   /// `name` is the same for every exception of this class; `reason` says why this exception was
