@@ -9,7 +9,8 @@
 namespace quordalvane {
 namespace {
 
-// Returns the path with all links resolved. The path need not exist: the device may be unplugged.
+// Returns the path with all symbolic links resolved. The path need not exist, because the device
+// may be unplugged.
 std::string throughLinks(const std::string& path) {
   std::error_code error;
   const auto absolute = std::filesystem::absolute(path, error);

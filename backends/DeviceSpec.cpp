@@ -204,7 +204,7 @@ std::string offers(const std::string& place) {
 }
 
 // Returns the scheme of the device text `text`, which may omit the scheme. Changes `place` to the
-// place in this scheme.
+// place that the text means in this scheme.
 const Scheme& schemeOf(std::string_view text, std::string& place) {
   const std::size_t colon = place.find(':');
   if (const Scheme* const named =

@@ -13,21 +13,21 @@
 
 namespace quordalvane {
 
-/// Describes how to reach one device, and the texts of its accessory.
+/// Describes how one device is reached, and which texts its accessory has.
 ///
-/// It is written as a device text, `SCHEME:PLACE[,key=value...]`, for example
+/// A `DeviceSpec` is written as a device text, `SCHEME:PLACE[,key=value...]`, for example
 /// `tcp:192.0.2.10:9100`, `usb:` or `virtual:,coverOpen=true`. The section DEVICES of the manual
 /// page `quorport(1)` lists the schemes, their places and the keys of their own; `quorport --help`
-/// shows them in short. `addScheme` adds further schemes.
+/// lists them briefly. `addScheme` adds further schemes.
 ///
 /// The scheme may be left out in two cases. `HOST` means `tcp:HOST:9100`. A path below `/dev` whose
 /// name shows the kind of device means a device of that kind: `/dev/ttyUSB0` means
 /// `serial:/dev/ttyUSB0`, and `/dev/usb/lp0` means `usb:/dev/usb/lp0`.
 ///
-/// Every scheme takes `name`, `serial`, `model`, `manufacturer`, `protocol`, `address`, `id` and
-/// `proof`. Only `protocol` and the virtual printer's own keys may be given more than once. An
-/// empty value is allowed. `address` takes six pairs of hex digits joined by colons; `proof` takes
-/// the name of a proof, as `nameOf` returns it.
+/// Every scheme takes the keys `name`, `serial`, `model`, `manufacturer`, `protocol`, `address`,
+/// `id` and `proof`. Only `protocol` and the virtual printer's own keys may be given more than
+/// once. An empty value is allowed. `address` takes six pairs of hex digits joined by colons;
+/// `proof` takes the name of a proof, as `nameOf` returns it.
 ///
 /// A backslash removes the special meaning of the next character: in a place or a value, `\,` is a
 /// comma and `\\` a backslash.
@@ -36,7 +36,7 @@ struct DeviceSpec {
   std::string place;   ///< the text after the scheme
 
   /// The texts of the accessory, taken from the keys. A text without a key has its default; the
-  /// default of the name is the place. The connection identifier is not set here.
+  /// default of the name is the place. The member `connectionID` is not set.
   AccessoryIdentity identity;
 
   std::optional<std::uint64_t> id;  ///< the connection identifier, if the key `id` was given

@@ -15,9 +15,9 @@
 namespace quordalvane {
 
 /// Creates the accessory that `spec` describes. The accessory connects only when a session is
-/// opened. Its connection identifier is the `id` of `spec` or, if `spec` has no `id`, the next
-/// number in this process: 1, 2, and so on. `clock` must outlive the accessory; the virtual printer
-/// uses it.
+/// opened. The accessory's connection identifier is the `id` of `spec` or, if `spec` has no `id`,
+/// the next number in this process: 1, 2, and so on. `clock` must outlive the accessory; the
+/// virtual printer uses it.
 ///
 /// Throws `std::invalid_argument`, with a message for people, if there is no back end for the
 /// scheme or the virtual printer refuses an option. Any thread may call this function.
@@ -36,8 +36,8 @@ QUOR_EXPORT std::vector<std::string> devicesMeantBy(const std::string& text);
 ///     quordalvane::connectDevices({"tcp:192.0.2.10:9100,name=Kitchen"});
 ///
 /// Nothing is connected before a port is opened. Returns the platform, to which more devices can be
-/// attached. Throws the exceptions of `parseDeviceSpec` and `makeAccessory`; then the platform of
-/// the process is unchanged.
+/// attached. Throws the exceptions of `parseDeviceSpec` and `makeAccessory`; in this case the
+/// platform of the process does not change.
 QUOR_EXPORT std::shared_ptr<posix::PosixPlatform> connectDevices(
     const std::vector<std::string>& specs);
 

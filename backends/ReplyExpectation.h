@@ -6,7 +6,7 @@ namespace quordalvane {
 
 /// Keeps track of whether a reply of the device may still arrive, so that no reader waits for bytes
 /// that cannot arrive. The writer says of each write whether the device may answer it. The number
-/// of replies is unknown, so in case of doubt this class expects another reply:
+/// of replies is unknown, so in case of doubt this class expects one more reply:
 ///
 /// - A write that cannot be answered changes nothing.
 /// - After any other write, a reply is expected until bytes have arrived after this write and the
@@ -20,7 +20,7 @@ class ReplyExpectation {
  public:
   bool replyMayCome() const { return pending_; }
 
-  /// Says whether the device may answer the following writes; initially it may.
+  /// Sets whether the device may answer the following writes; initially it may.
   void setMayBeAnswered(bool mayBeAnswered) { mayBeAnswered_ = mayBeAnswered; }
   bool mayBeAnswered() const { return mayBeAnswered_; }
 

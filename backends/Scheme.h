@@ -17,8 +17,8 @@ namespace quordalvane {
 /// A key that only one scheme takes.
 struct SchemeKey {
   std::string_view name;                  ///< the text before the equals sign
-  std::string_view values;                ///< the values that the key takes, as a text for people
-  bool (*takes)(std::string_view value);  ///< returns whether the key takes this value
+  std::string_view values;                ///< the accepted values, as a text for people
+  bool (*takes)(std::string_view value);  ///< returns whether the key accepts this value
 };
 
 /// A reason why a device may fail to open, and the advice for it.
@@ -26,9 +26,9 @@ struct OpenCause {
   static constexpr int anyCode = 0;  ///< a `code` that matches every error of the category
 
   int code;                 ///< an error code of the system or of `category`
-  std::string_view name;    ///< the name of the cause for scripts
+  std::string_view name;    ///< the name by which scripts know the cause
   std::string_view text;    ///< the cause, for people
-  std::string_view advice;  ///< the next step that is advised to people
+  std::string_view advice;  ///< the next step for the user
 
   /// The category of `code`; null if `code` is an error code of the system.
   const std::error_category& (*category)() = nullptr;
@@ -44,7 +44,7 @@ struct SchemeVariant {
   std::string words;  ///< the setting in words: "at 9600 baud"
   std::string keys;   ///< the keys that select this setting: ",baud=9600"
   std::string_view
-      cause;  ///< the name of the finding if the printer answers only with this setting
+      cause;  ///< the name of the fault that `doctor` reports if only this setting gets answers
 };
 
 /// A scheme: all data about one way to reach devices. The table of all schemes is in
@@ -68,7 +68,7 @@ struct Scheme {
   std::string_view ifSilent;         ///< advice if the device can be opened but never answers
   std::string_view ifNotUnderstood;  ///< advice if the device answers, but not as a printer does
 
-  std::span<const OpenCause> causes = {};  ///< possible reasons if a session cannot be opened
+  std::span<const OpenCause> causes = {};  ///< the reasons why opening may fail
   std::span<const SchemeKey> keys = {};    ///< the keys that only this scheme takes
 
   /// A text for people about keys that are not listed in `keys`. If this text is not empty, `make`
@@ -79,8 +79,8 @@ struct Scheme {
   /// The name of the accessory if the place is empty.
   std::string_view nameWithoutPlace = {};
 
-  /// `text` is a device text without a scheme. Returns the place that a person means by it; nullopt
-  /// if `text` does not belong to this scheme.
+  /// Returns the place that a person means by `text`, a device text without a scheme; nullopt if
+  /// `text` does not belong to this scheme.
   std::optional<std::string> (*placeMeantBy)(std::string_view text) = nullptr;
 
   /// Returns the places of all devices that an empty place stands for at this moment. No returned

@@ -9,8 +9,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// How long one answer of the service is used. A port asks for the texts of an accessory one by one,
-// and the service is not asked again for each text.
+// How long an answer of the Bluetooth service is reused. A port asks for the texts of an accessory
+// one by one; without reuse, the service would be asked for each text.
 constexpr auto lookInterval = 1s;
 constexpr auto lookTimeout = 3s;
 

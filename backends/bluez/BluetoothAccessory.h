@@ -12,9 +12,9 @@
 namespace quordalvane::bluez {
 
 /// A printer that is paired with this machine. While the printer is not paired, the accessory
-/// announces no protocol, so ports ignore it. The name and the address are those of the Bluetooth
-/// service, unless `identity` contains them. The accessory asks the service only when somebody
-/// calls the accessory, and at most once a second.
+/// announces no protocol, so ports ignore it. The name and the address are those that the Bluetooth
+/// service reports, unless `identity` contains them. The accessory asks the service only when
+/// somebody calls the accessory, and at most once a second.
 ///
 /// The manufacturer is always the one in `identity`, whoever made the printer. A port chooses only
 /// accessories of one maker, and a user who names this device wants to use the printer.
@@ -29,8 +29,8 @@ class BluetoothAccessory : public posix::LinkAccessory {
   /// Returns the description, with the printer's address as the service reports it.
   std::string description() override;
 
-  /// Returns the reason of the base class. If the base class gives no reason, returns the reason
-  /// why the printer cannot be chosen now.
+  /// Returns the reason that the base class returns. If that is "", returns the reason why the
+  /// printer cannot be chosen now.
   std::string lastError() override;
   std::error_code lastErrorCode() override;
 

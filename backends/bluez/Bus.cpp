@@ -57,7 +57,7 @@ Bus::Bus(SteadyTime deadline) {
     fail(BluetoothError::NoBus, made.error);
   }
   connection_ = std::move(made.connection);
-  // The limit for the few calls that the library makes by itself.
+  // The time limit for the few calls that the library makes by itself.
   connection_->setMethodCallTimeout(2s);
 }
 

@@ -44,7 +44,7 @@ class ServiceWatch {
 };
 
 /// The objects of the thread that watches a connection: the bus over which the connection was made,
-/// and the watch for the end of the service.
+/// and the object that notices the end of the service.
 struct Care {
   explicit Care(SteadyTime deadline) : bus(deadline), watch(bus) {}
 
@@ -53,8 +53,8 @@ struct Care {
 };
 
 // Returns a copy of the descriptor, by which another thread can end the connection. The copy does
-// not keep the connection open: the owner's descriptor shuts the connection down before it is
-// closed.
+// not keep the connection open: the owner shuts the connection down before it closes its own
+// descriptor.
 Descriptor handleOn(Descriptor& connection) {
   connection.setBeforeClose(shutDown);
   const int copy = ::fcntl(connection.number(), F_DUPFD_CLOEXEC, 0);

@@ -18,8 +18,8 @@ constexpr auto ownPath = "/com/quordalvane/serialport";
 constexpr auto profileInterface = "org.bluez.Profile1";
 constexpr auto rejected = "org.bluez.Error.Rejected";
 
-// The pause between attempts to register. Another program that connects holds the profile only for
-// a moment.
+// The pause between attempts to register the profile. Another program holds the profile only while
+// it connects.
 constexpr auto retryInterval = 50ms;
 
 Method ofManager(const std::string& name) {
@@ -61,7 +61,7 @@ SerialPortProfile::~SerialPortProfile() {
 posix::Descriptor SerialPortProfile::connect(const KnownDevice& printer, SteadyTime deadline) {
   awaited_ = printer.path;
   callConnect(printer, deadline);
-  // The service may pass the connection before or after its answer to the call.
+  // The service may pass on the connection before or after it answers the call.
   const bool isThere = bus_.handleUntil(deadline, [this] { return taken_.has_value(); });
   awaited_.clear();
   if (!isThere) {

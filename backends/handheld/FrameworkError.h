@@ -5,7 +5,7 @@
 
 namespace quordalvane::handheld {
 
-/// Thrown instead of an exception of a framework; contains its text.
+/// Thrown instead of a framework's exception, whose text it contains.
 class FrameworkError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;

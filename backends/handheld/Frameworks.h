@@ -16,7 +16,8 @@ std::unique_ptr<EAAccessoryManager> makeAccessoryManager();
 /// Returns the device that the program runs on.
 std::unique_ptr<UIDevice> makeDevice();
 
-/// Returns the run loop of the calling thread, which is valid on this thread until the thread ends.
+/// Returns the run loop of the calling thread. The loop is valid only on this thread, until the
+/// thread ends.
 NSRunLoop& currentRunLoop();
 
 /// Returns a thread, not started yet, that will run `body`.

@@ -8,7 +8,7 @@
 namespace quordalvane::handheld {
 namespace {
 
-// The longest sleep. Its sum with any time of the steady clock does not overflow.
+// The longest sleep. The sum of this sleep and any time of the steady clock does not overflow.
 constexpr std::chrono::microseconds longestSleep = std::chrono::hours(24) * 365;
 
 }  // namespace

@@ -29,7 +29,8 @@ class HandheldPlatform final : public Platform {
   NSRunLoop& currentRunLoop() override;
 
   /// Returns a thread of the framework, which accepts routines until its body has ended. The
-  /// thread's run loop has a source of its own, because a loop without a source returns at once.
+  /// thread's run loop has an event source of its own, because a loop without an event source
+  /// returns at once.
   std::shared_ptr<NSThread> makeThread(std::function<void()> body) override;
 
   bool isMainThread() override;

@@ -9,8 +9,8 @@
 
 #include "backends/handheld/FrameworkError.h"
 
-// For Objective-C++ only. With this header the C++ objects of this folder own and call objects of
-// the frameworks.
+// Only Objective-C++ sources include this header. With it, the C++ objects of this folder own and
+// call objects of the frameworks.
 
 #if __has_feature(objc_arc)
 #error \

@@ -7,8 +7,8 @@
 namespace quordalvane::handheld {
 namespace {
 
-// A loop without a source returns at once, but a port expects that running a loop takes the given
-// time.
+// A loop without an event source returns at once, but a port expects that running a loop takes the
+// given time.
 void sleepUntil(NSDate* date) {
   const double left = [date timeIntervalSinceNow];
   std::this_thread::sleep_for(std::chrono::duration<double>(std::max(left, 0.0)));

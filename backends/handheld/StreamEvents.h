@@ -18,7 +18,7 @@ class StreamEvents {
   /// Returns the number of events so far.
   std::uint64_t count();
 
-  /// Blocks until there were more than `seen` events, or until `deadline`.
+  /// Blocks until more than `seen` events have happened, or until `deadline`.
   void awaitMoreThan(std::uint64_t seen, std::chrono::steady_clock::time_point deadline);
 
  private:

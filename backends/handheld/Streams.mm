@@ -133,8 +133,8 @@ class HandheldStream : public Interface {
 
  private:
   /// If the stream is scheduled on the calling thread's loop, runs this loop until an event happens
-  /// on it. Returns false if the stream is scheduled on the loop of another thread, or if the loop
-  /// has nothing to do.
+  /// on the loop. Returns false if the stream is scheduled on the loop of another thread, or if the
+  /// loop has nothing to do.
   bool turnLoopOnce(SteadyClock::time_point deadline) {
     return ask([this, deadline] {
       if (loop_.get() == nil || ![loop_.get() isEqual:[::NSRunLoop currentRunLoop]]) {

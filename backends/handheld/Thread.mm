@@ -54,8 +54,8 @@ struct Body {
 
 - (void)live {
   @autoreleasepool {
-    // Without a source the loop would return at once and never run the routines that other threads
-    // pass to it.
+    // Without an event source the loop would return at once and never run the routines that other
+    // threads pass to it.
     NSPort* const source = [NSPort port];
     NSRunLoop* const loop = [NSRunLoop currentRunLoop];
     [loop addPort:source forMode:NSDefaultRunLoopMode];

@@ -15,8 +15,8 @@ namespace quordalvane::posix {
 namespace {
 
 // Returns the sender of notices to listen to: udev if it runs, otherwise the kernel. An ordinary
-// user can open the device file only after udev has set the file's group and permissions. Then udev
-// repeats the notice of the kernel.
+// user can open the device file only after udev has set the file's group and permissions. After
+// that, udev repeats the kernel's notice.
 unsigned senders() {
   constexpr unsigned kernel = 1;
   constexpr unsigned udev = 2;

@@ -30,8 +30,8 @@ class QUOR_EXPORT AccessoryNotices {
   AccessoryNotices(const AccessoryNotices&) = delete;
   AccessoryNotices& operator=(const AccessoryNotices&) = delete;
 
-  /// Blocks until there is a notice or `time` has passed on a steady clock; with zero it does not
-  /// wait. Returns true if there was a notice since the last call.
+  /// Blocks until there is a notice or `time` has passed on a steady clock. Does not block if
+  /// `time` is zero. Returns true if there was a notice since the last call.
   bool await(std::chrono::milliseconds time);
 
   /// Returns a descriptor that becomes readable when a notice may have arrived; -1 if the system

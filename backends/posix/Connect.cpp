@@ -49,7 +49,7 @@ Descriptor connectUntil(SteadyTime deadline, const SocketAddress& address) {
   do {
     boundConnect(socket, deadline);
     // If a signal interrupts `connect`, the attempt continues in the system, and the next call
-    // waits for its end.
+    // waits for the end of the attempt.
     if (::connect(number, reinterpret_cast<const sockaddr*>(&address.storage), address.length) ==
         0) {
       return socket;

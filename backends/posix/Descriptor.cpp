@@ -151,7 +151,7 @@ bool Descriptor::hasUnderWay() const {
 }
 
 // Returns the system's count of the output. For a Bluetooth socket, the system counts the free
-// space; for any other socket, the bytes under way.
+// space; for any other socket, the bytes under way, which have not reached the other side yet.
 int Descriptor::outputCount() const {
   int count = 0;
   return ::ioctl(number_, SIOCOUTQ, &count) == 0 ? count : idleOutputCount_;

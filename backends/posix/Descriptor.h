@@ -59,8 +59,8 @@ class Descriptor {
   bool shortReceiveEmpties() const { return isSocket(); }
 
   /// Waits until one of the poll `events`, an error or a hang-up occurs; signals do not shorten the
-  /// wait. Returns the events that occurred, or 0 if the deadline passed. With a deadline in the
-  /// past it does not wait.
+  /// wait. Returns the events that occurred, or 0 if the deadline passed. Does not wait if the
+  /// deadline is in the past.
   short pollUntil(short events, SteadyTime deadline) const;
 
   /// Returns true if sent bytes have not reached the other side yet. Returns false if this kind of
@@ -91,7 +91,7 @@ class Descriptor {
   int number_;
   Kind kind_;
   int idleOutputCount_ = 0;  // the count that the system reports if no bytes are under way
-  bool isPatient_;           // a receiving system call may wait for a short time
+  bool isPatient_;           // true if a receiving system call may wait briefly
   void (*beforeClose_)(int number) = nullptr;
 };
 

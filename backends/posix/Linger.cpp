@@ -9,12 +9,12 @@
 namespace quordalvane::posix {
 namespace {
 
-// The system does not report by itself that the last byte was taken, so it is asked at this
-// interval.
+// The system does not report by itself that the other side has taken the last byte, so the loop
+// asks the system at this interval.
 constexpr std::chrono::milliseconds lookInterval{5};
 
-// The maximum number of full buffers that are dropped between two checks. Without a maximum, a
-// device that never stops sending could delay the end.
+// The maximum number of full buffers that are dropped between two checks of the deadline. Without a
+// maximum, a device that never stops sending could keep `linger` from returning.
 constexpr int discardedAtOnce = 16;
 
 // Drops the bytes that have arrived. Returns true if more may arrive.

@@ -12,7 +12,7 @@
 namespace quordalvane::posix {
 namespace {
 
-// Returns the current tick. If a look shows that the input is empty, the input counts as empty
+// Returns the current tick. If a check shows that the input is empty, the input counts as empty
 // until the next tick, which saves system calls. A tick is long enough for the checks around one
 // transfer, and too short to be noticed.
 Tick currentTick() {
@@ -21,12 +21,12 @@ Tick currentTick() {
   return std::chrono::seconds(now.tv_sec) + Tick(now.tv_nsec);
 }
 
-// How long the end of a connection may wait for the device. In this time even a slow device takes
-// the rest of a receipt. A longer time would delay the caller.
+// How long closing a connection may wait for the device. In this time even a slow device takes the
+// rest of a receipt. A longer time would delay the caller.
 constexpr std::chrono::seconds lingerLimit{2};
 
-// The system is asked at this interval whether the other side still answers. The question is cheap
-// but not free.
+// The system is asked at this interval whether the other side still answers. Each such question
+// costs a little time.
 constexpr std::chrono::seconds silenceInterval{1};
 
 // If the system took all bytes of a write of at most this length, the link is assumed to have

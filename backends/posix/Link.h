@@ -35,11 +35,11 @@ class Link {
   /// an acknowledgement.
   explicit Link(Descriptor descriptor, std::chrono::milliseconds silenceLimit = givenUpAfter);
 
-  /// Makes `release` return at once; the bytes under way may be lost.
+  /// Makes `release` return at once; bytes that the device has not taken yet may be lost.
   void abandon();
 
   /// Ends the connection. Afterwards there are no bytes to read and there is no space to write.
-  /// `release` returns when the device has taken the bytes under way, and after two seconds at the
+  /// `release` returns when the device has taken all written bytes, and after two seconds at the
   /// latest. If the device has not taken all bytes by then and sends anything afterwards, the rest
   /// is lost. When `release` returns, the waits of other threads end. Only waits on a terminal may
   /// continue until their deadline. A second call has no effect.
@@ -72,7 +72,7 @@ class Link {
   /// is lost.
   bool hasSpace();
 
-  /// Says whether the other side may answer the bytes that are written from now on; initially it
+  /// Sets whether the other side may answer the bytes that are written from now on; initially it
   /// may.
   void setMayBeAnswered(bool mayBeAnswered);
 

@@ -18,7 +18,7 @@ using Connector = std::function<Descriptor()>;
 
 /// An accessory that is reached through a descriptor. Each session opens its own connection, and
 /// `isConnected` refers to the newest connection. Before the first session the accessory counts as
-/// attached.
+/// connected.
 class LinkAccessory : public IdentifiedAccessory {
  public:
   /// `openSession` calls `connect` on its own thread.

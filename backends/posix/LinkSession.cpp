@@ -6,8 +6,8 @@ namespace quordalvane::posix {
 namespace {
 
 // The common part of both directions. These streams report no events, so a delegate is never
-// called. A stream is not scheduled on a run loop: the loop receives the stream as an argument when
-// it waits for it.
+// called. A stream is not scheduled on a run loop: whoever waits for a stream passes it to the
+// loop.
 template <typename Stream>
 class LinkStream : public Stream {
  public:

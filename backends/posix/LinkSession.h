@@ -8,8 +8,8 @@
 namespace quordalvane::posix {
 
 /// A session over a link. The link is connected before the session exists, so its streams are open
-/// from the start. The streams may outlive the session; then there are no bytes to read and there
-/// is no space to write.
+/// from the start. The streams may outlive the session; after its end they have no bytes to read
+/// and no space to write.
 class LinkSession : public EASession {
  public:
   explicit LinkSession(std::shared_ptr<Link> link);

@@ -8,8 +8,8 @@
 namespace quordalvane::posix {
 namespace {
 
-// The longest sleep; no process runs so long. Its sum with any time of the steady clock does not
-// overflow.
+// The longest sleep; no process runs so long. The sum of this sleep and any time of the steady
+// clock does not overflow.
 constexpr std::chrono::microseconds longestSleep = std::chrono::hours(24) * 365 * 100;
 
 }  // namespace
@@ -20,7 +20,7 @@ void sleepUntil(SteadyTime deadline) {
   const auto whole = floor<seconds>(sinceOrigin);
   const timespec until{.tv_sec = whole.count(),
                        .tv_nsec = nanoseconds(sinceOrigin - whole).count()};
-  // CLOCK_MONOTONIC is the clock behind the steady clock of the standard library.
+  // The steady clock of the standard library reads CLOCK_MONOTONIC.
   while (::clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &until, nullptr) == EINTR) {
   }
 }

@@ -16,8 +16,8 @@ namespace quordalvane::posix {
 Descriptor openUsbPrinter(const UsbPrinter& printer);
 
 /// Returns `MuteUsbPrinter` if the printer at the open descriptor cannot answer, and `UsbPrinter`
-/// otherwise. The driver refuses to read from a printer that cannot answer or is known to answer
-/// badly.
+/// otherwise. The driver refuses to read from a printer that cannot answer or is known to give
+/// faulty answers.
 Descriptor::Kind usbKindOf(int number);
 
 /// A USB printer, which may be plugged in and unplugged at any time. While the printer is not
@@ -39,8 +39,8 @@ class UsbAccessory : public LinkAccessory {
   std::optional<std::string> modelNumber() override;
   std::vector<std::string> protocolStrings() override;
 
-  /// Returns the reason of the base class. If the base class gives no reason, returns the reason
-  /// why the printer cannot be found now.
+  /// Returns the reason that the base class returns. If that is "", returns the reason why the
+  /// printer cannot be found now.
   std::string lastError() override;
   std::error_code lastErrorCode() override;
 

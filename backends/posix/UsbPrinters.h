@@ -11,7 +11,7 @@ namespace quordalvane::posix {
 
 /// One printer at the system's USB printer driver, with the texts that the printer reports.
 struct UsbPrinter {
-  std::filesystem::path node;  ///< for example "/dev/usb/lp0"; may change at each plugging in
+  std::filesystem::path node;  ///< for example "/dev/usb/lp0"; may change when replugged
   std::string vendor;          ///< four hex digits
   std::string product;         ///< four hex digits
   std::string serial;          ///< "" if the printer reports none

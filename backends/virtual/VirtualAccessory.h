@@ -30,7 +30,7 @@ class VirtualAccessory : public IdentifiedAccessory {
   std::shared_ptr<EASession> openSession(const std::string& protocol) override;
 
   /// Advances the simulated printer to the current time, and then calls `look`, which may read or
-  /// change it. `look` must not call this object. Any thread may call it.
+  /// change the printer. `look` must not call this object. Any thread may call it.
   void withPrinter(const std::function<void(simulator::VirtualPrinter&, simulator::Instant)>& look);
 
  protected:
@@ -43,9 +43,9 @@ class VirtualAccessory : public IdentifiedAccessory {
   std::weak_ptr<VirtualLink> link_;  // the link of the newest session
 };
 
-/// Creates an accessory with a simulated printer. `options` set the printer's flags, by their names
-/// in the status record, its settings and its faults. Throws std::invalid_argument for an invalid
-/// option; the message names the key and the values that are valid for this key.
+/// Creates an accessory with a simulated printer. `options` set the flags (by their names in the
+/// status record), the settings and the faults of the printer. Throws std::invalid_argument for an
+/// invalid option; the message names the key and the values that are valid for this key.
 std::shared_ptr<VirtualAccessory> makePrinterAccessory(
     AccessoryIdentity identity, const std::vector<std::pair<std::string, std::string>>& options,
     Clock& clock);

@@ -30,8 +30,8 @@ class VirtualLink {
   VirtualLink(const VirtualLink&) = delete;
   VirtualLink& operator=(const VirtualLink&) = delete;
 
-  /// Returns true if the link has dropped and all bytes that arrived before were read. Returns
-  /// false after `close`, because a closed link is not lost.
+  /// Returns true if the link has dropped and all bytes that arrived before the drop were read.
+  /// Returns false after `close`, because a closed link is not lost.
   bool isLost();
 
   /// If the link has dropped, `isLost` returns true from now on even if bytes are left to read.
@@ -43,7 +43,7 @@ class VirtualLink {
   /// Returns false if no reply can arrive.
   bool expectsBytes();
 
-  /// Says whether the printer may answer the bytes that are written from now on; initially it may.
+  /// Sets whether the printer may answer the bytes that are written from now on; initially it may.
   void setMayBeAnswered(bool mayBeAnswered);
   std::int64_t write(std::span<const std::uint8_t> bytes);
   std::int64_t read(std::span<std::uint8_t> bytes);
