@@ -6,17 +6,17 @@
 
 namespace quordalvane::simulator {
 
-/// Counts the bytes of a stream that acted at once and were not queued, each at its place among the
-/// queued bytes. Offsets in the job thus include them.
+/// Counts the bytes that the printer executed at once and therefore did not queue, each at its
+/// position among the queued bytes. Offsets in the job thus include these bytes.
 class Asides {
  public:
-  /// Adds bytes that were received before the byte that was queued as number `before`.
+  /// Adds `count` such bytes, which were received just before the queued byte number `before`.
   void add(std::uint64_t before, std::size_t count);
 
-  /// Sets the print position, which is before the byte that was queued as number `position`.
+  /// Moves the print position to just before the queued byte number `position`.
   void pass(std::uint64_t position);
 
-  /// Returns how many bytes the print position has passed.
+  /// Returns how many of the added bytes the print position has passed.
   std::uint64_t passed() const { return passed_; }
 
  private:

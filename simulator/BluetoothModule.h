@@ -11,12 +11,12 @@
 namespace quordalvane::simulator {
 
 /// The Bluetooth module between a link and its printer. In data mode it passes bytes on. An escape
-/// sequence with a guard time before and after it switches the module to command mode, for the rest
-/// of the link. One module serves one link.
+/// sequence with a silence (the guard time) before and after it switches the module to command
+/// mode, until the link ends. One module serves one link.
 class BluetoothModule {
  public:
-  /// The module's two outputs: data for the printer, and its own replies for the host, each with
-  /// the time at which it is sent.
+  /// The module's two outputs: data for the printer, and the module's own replies for the host.
+  /// Each output receives the time of sending.
   struct Outlets {
     std::function<void(ByteView, Instant)> toPrinter;
     std::function<void(ByteView, Instant)> toHost;
@@ -28,10 +28,10 @@ class BluetoothModule {
   /// Accepts bytes from the host.
   void receive(ByteView bytes, Instant now);
 
-  /// Lets time pass. To be called for each time that `nextEvent` returns, in order.
+  /// Lets time pass until `now`. To be called for each time that `nextEvent` returns, in order.
   void advance(Instant now);
 
-  /// Returns the time at which the module next acts by itself; empty if it will not.
+  /// Returns the time at which the module next acts by itself; empty if the module will not.
   std::optional<Instant> nextEvent() const;
 
   /// Passes all held bytes to the printer, because the host has left.

@@ -4,8 +4,8 @@
 
 namespace quordalvane::simulator {
 
-// The bytes are 1b 26 y c1 c2, and then for each character its width x and y times x bytes, column
-// by column.
+// The command is 1b 26 y c1 c2, followed for each character by its width x and by y times x bytes,
+// column by column.
 void CharacterMemory::define(ByteView command) {
   const unsigned bytesAColumn = command[2];
   std::size_t at = 5;

@@ -17,8 +17,8 @@ class CharacterSets {
   /// Sets the code-page numbers of most ESC/POS printers, and the Japanese encoding.
   CharacterSets();
 
-  /// Returns the name of the code page that 1b 74 selects by this number; empty if the printer has
-  /// none.
+  /// Returns the name of the code page that the command 1b 74 (hex) selects by this number; empty
+  /// if the printer has no such page.
   std::string_view page(std::uint8_t number) const { return pages_[number]; }
 
   /// Sets the numbers of the code pages. `text` is `common`, `small`, or pairs NUMBER:NAME
@@ -34,7 +34,7 @@ class CharacterSets {
   void setMultiByte(std::string_view name);
 
   MultiByte multiByte = MultiByte::ShiftJis;
-  bool utf8 = false;  ///< reads valid UTF-8 until a job selects a page
+  bool utf8 = false;  ///< the printer reads valid UTF-8 until a job selects a page
 
   bool operator==(const CharacterSets&) const = default;
 

@@ -4,7 +4,7 @@
 
 namespace quordalvane::simulator {
 
-// In 1b 3d n, bit 0 of n selects the printer and bit 1 the display.
+// In the command 1b 3d n, bit 0 of n selects the printer, and bit 1 selects the display.
 void Typesetter::peripheral(ByteView command) {
   displayListens_ = (command[2] & 2U) != 0;
   printerListens_ = (command[2] & 1U) != 0 || !displayListens_;

@@ -24,8 +24,8 @@ std::optional<std::uint64_t> number(
   return value && *value <= most ? value : std::nullopt;
 }
 
-// Removes the text after the last `mark` from the end of `text` and returns it; empty if there is
-// no mark.
+// Removes the last `mark` and the text after it from `text`, and returns this text; empty if there
+// is no mark.
 std::optional<Text> takeTail(Text& text, char mark) {
   const std::size_t at = text.rfind(mark);
   if (at == Text::npos) {
@@ -94,8 +94,8 @@ bool parseEnding(Text text, Fault& fault) {
   return true;
 }
 
-// Reads VALUE or VALUE@REPLY. REPLY is the number or the kind of the affected replies; without it,
-// each reply is affected.
+// Reads VALUE or VALUE@REPLY. REPLY selects the affected replies by number or kind; without REPLY,
+// every reply is affected.
 bool parseAtReply(Text text, Fault& fault, bool (*parseValue)(Text, Fault&)) {
   const auto reply = takeTail(text, '@');
   return (!reply || parseOneReply(*reply, fault)) && parseValue(text, fault);

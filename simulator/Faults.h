@@ -47,13 +47,13 @@ struct Fault {
   std::optional<ReplyKind> replyKind;  ///< the kind of the affected replies; empty: all replies
   std::vector<std::uint64_t> offsets;  ///< the positions at which a reply is split, ascending
   Ending ending = Ending::Drain;
-  std::string key;  ///< only for `At`: the setting or fault that it applies
+  std::string key;  ///< only for `At`: the setting or fault to apply
   std::string value;
   std::string name;   ///< the fault's name, as the user wrote it
   std::string given;  ///< the fault's value, as the user wrote it
 };
 
-/// A part of a fault's value, for programs that ask the user for it.
+/// Describes a part of a fault's value to programs that ask the user for the value.
 struct FaultPart {
   std::string_view before;  ///< the text between this part and the previous one
   std::string_view label;   ///< the part's meaning, in a word or two

@@ -5,7 +5,8 @@
 namespace quordalvane::simulator {
 namespace {
 
-// A host sends some more bytes before it pauses. A part of the buffer is kept free for them.
+// After a request to pause, a host may still send some bytes. A part of the buffer is kept free for
+// these bytes.
 std::size_t nearlyFull(std::size_t size) {
   return std::min<std::size_t>(size / 4, 256);
 }

@@ -266,8 +266,8 @@ GraphicsMemory::Outcome GraphicsMemory::erase(unsigned first, unsigned last) {
   return Outcome::Stored;
 }
 
-// The bytes are 1c 71 n, and then for each image its size in units of eight dots and its columns.
-// The images replace all earlier images of this memory.
+// The command is 1c 71 n, followed for each image by its size in units of eight dots and by its
+// columns. The images replace all earlier images of this memory.
 GraphicsMemory::Outcome GraphicsMemory::storeNumbered(ByteView command) {
   erase(numberedMemory, numberedMemory + memorySize);
   std::size_t at = 3;
@@ -286,7 +286,7 @@ GraphicsMemory::Outcome GraphicsMemory::storeNumbered(ByteView command) {
   return Outcome::Stored;
 }
 
-// The bytes are 1d 44 m fn a kc1 kc2 tone colour, followed by a bitmap file.
+// The command is 1d 44 m fn a kc1 kc2 tone colour, followed by a bitmap file.
 GraphicsMemory::Outcome GraphicsMemory::storeFile(ByteView command) {
   constexpr std::uint8_t toKept = 67;
   constexpr std::uint8_t toDownload = 83;
@@ -298,7 +298,8 @@ GraphicsMemory::Outcome GraphicsMemory::storeFile(ByteView command) {
   return store(memory + word(command, 5), {fromBitmapFile(command.subspan(9))});
 }
 
-// The bytes are m fn tone scaleX scaleY colour xL xH yL yH, followed by the dots of one colour.
+// The parameters are m fn tone scaleX scaleY colour xL xH yL yH, followed by the dots of one
+// colour.
 GraphicsMemory::Outcome GraphicsMemory::addToBuffer(ByteView parameters, bool byColumns) {
   if (parameters.size() < 10) {
     return Outcome::Unknown;
@@ -321,7 +322,7 @@ GraphicsMemory::Outcome GraphicsMemory::addToBuffer(ByteView parameters, bool by
   return Outcome::Stored;
 }
 
-// The bytes are m fn tone key key colours xL xH yL yH, followed by each colour and its dots.
+// The parameters are m fn tone key key colours xL xH yL yH, followed by each colour and its dots.
 GraphicsMemory::Outcome GraphicsMemory::define(ByteView parameters, unsigned memory,
                                                bool byColumns) {
   if (parameters.size() < 10) {

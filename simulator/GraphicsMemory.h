@@ -25,30 +25,31 @@ Bitmap tallColumnImage(ByteView command);
 Bitmap fromColumns(ByteView columns, unsigned count, unsigned tall, unsigned scaleX,
                    unsigned scaleY);
 
-/// Returns `image`, enlarged, and cut off at the width of the widest paper.
+/// Returns `image` enlarged, without the dots beyond the width of the widest paper.
 Bitmap enlarged(const Bitmap& image, unsigned scaleX, unsigned scaleY);
 
-/// The images that one command stores and another prints: the print buffer of 1d 28 4c and 1d 38
-/// 4c, and the memories of 1d 28 4c, 1d 44, 1c 71 and 1d 2a (hex). Holds at most `mostBytes`.
+/// The images that one command stores and another prints: the print buffer of the commands 1d 28 4c
+/// and 1d 38 4c (hex), and the memories of the commands 1d 28 4c, 1d 44, 1c 71 and 1d 2a. Holds at
+/// most `mostBytes`.
 class GraphicsMemory {
  public:
   enum class Outcome { Stored, Print, Unknown };
 
   static constexpr std::size_t mostBytes = std::size_t{1} << 20U;
 
-  /// Executes a command that stores an image, or one that prints it: 1c 70 or 1d 2f. If the result
-  /// is `Print`, the caller prints `image()`. `Unknown` means that the image does not fit or the
-  /// command is invalid.
+  /// Executes a command that stores an image, or a command that prints a stored image (1c 70 or 1d
+  /// 2f). If the result is `Print`, the caller prints `image()`. `Unknown` means that the image
+  /// does not fit or the command is invalid.
   Outcome apply(ByteView command);
 
   /// Returns the image to be printed: one bitmap for each colour.
   const std::vector<Bitmap>& image() const { return image_; }
 
-  /// The answer to a whole command 1d 28 4c that asks how large the memory is (function 0 or 48),
-  /// how much of it is free (3, 4, 51 or 52), or for the names of the images that are kept (64) or
-  /// downloaded (80). More than forty names are divided into groups; the answer is the first group.
-  /// To the byte 06 alone the answer is the next group, and to 15 the same group again; it is empty
-  /// if there is none.
+  /// Returns the answer to a complete command 1d 28 4c that asks for the size of the memory
+  /// (function 0 or 48), for its free part (3, 4, 51 or 52), for the names of the kept images (64)
+  /// or for the names of the downloaded images (80). More than forty names are divided into groups,
+  /// and the answer is the first group. `command` may also be a single byte: 06 asks for the next
+  /// group, and 15 asks for the same group again. The answer is empty if there is no such group.
   Bytes reply(ByteView command);
 
   /// Forgets the groups of names that were not sent, because the host does not want them.
@@ -75,7 +76,7 @@ class GraphicsMemory {
   Image buffer_;
   Image image_;
   std::map<unsigned, Image> stored_;
-  std::deque<Bytes> groups_;  // of names; the first of them was sent last
+  std::deque<Bytes> groups_;  // groups of names; the front one was sent last
 };
 
 }  // namespace quordalvane::simulator

@@ -9,8 +9,8 @@
 
 namespace quordalvane::simulator {
 
-/// The events of a job that put nothing on the paper, and the parts that the printer could not
-/// print. Each list ends after `longestList` entries, so that no job makes it grow for ever.
+/// Records the events of a job that print nothing, and the parts of the job that the printer could
+/// not print. Each list ends after `longestList` entries, so that no job makes it grow for ever.
 class JobRecord {
  public:
   struct Question {
@@ -21,13 +21,12 @@ class JobRecord {
   struct Unknown {
     std::uint64_t offset;  ///< where the command begins in the job
     Bytes bytes;           ///< the first bytes of the command
-    std::string name;      ///< a name like "GS y"; "cut off" if it is incomplete
+    std::string name;      ///< a name like "GS y"; "cut off" for an incomplete one
   };
 
   enum class EventKind : std::uint8_t { Cut, Drawer, Beep, Display, Question, Replaced };
 
-  /// An event that puts nothing on the paper. Events are in the order in which the printer executed
-  /// them.
+  /// An event that prints nothing. Events are in the order in which the printer executed them.
   struct Event {
     EventKind kind;
     /// The display's text, the question in hex, or, for `Replaced`, the two forms.
@@ -53,8 +52,8 @@ class JobRecord {
   const std::vector<Question>& asked() const { return asked_; }
   const std::vector<Unknown>& unknown() const { return unknown_; }
 
-  /// Bytes without a character in the selected code page, like "81 in page 16", and pages that the
-  /// printer does not have, like "page 200".
+  /// Returns the bytes that have no character in the selected code page, like "81 in page 16", and
+  /// the pages that the printer does not have, like "page 200".
   const std::set<std::string>& missing() const { return missing_; }
 
   /// Return the first received bytes of the job, and the count of all its bytes. Without

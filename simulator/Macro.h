@@ -7,20 +7,21 @@
 
 namespace quordalvane::simulator {
 
-/// A macro: the commands between two 1d 3a (hex), which 1d 5e executes again. These commands are
-/// also executed while they are defined. A macro outlives its job and an initialisation.
+/// A macro: the commands between two commands 1d 3a (hex), which the command 1d 5e executes again.
+/// While the job defines the macro, its commands are executed as usual. A macro outlives its job
+/// and an initialisation.
 class Macro {
  public:
-  /// Executes 1d 3a: begins a definition, or ends the current one.
+  /// Executes the command 1d 3a: begins a definition, or ends the current one.
   void startOrEnd();
 
   /// Adds a command to the current definition, if there is one. After a command that does not fit,
   /// no more are added.
   void keep(ByteView command);
 
-  /// Executes 1d 5e: starts the execution of the macro, `times` times. Returns false if there is
-  /// nothing to execute, because no macro is defined or the job has reached its limit. A definition
-  /// that has not ended is lost; then the result is also false.
+  /// Executes the command 1d 5e: starts to execute the macro `times` times. Returns false if there
+  /// is nothing to execute, because no macro is defined or the job has reached its limit. If the
+  /// definition of the macro has not ended, it is lost, and the result is false.
   bool execute(unsigned times);
 
   /// Returns the next command to execute; null if there is none. Valid until the next call.

@@ -25,7 +25,7 @@ struct TextStyle {
   bool bold = false;
   bool inverse = false;
   bool smallFont = false;  ///< characters of 9 x 17 dots instead of 12 x 24
-  /// A character is as wide as two letters, as in East Asian scripts.
+  /// Each character is as wide as two letters, as in East Asian scripts.
   bool wide = false;
   bool rotated = false;           ///< each character is turned by 90 degrees clockwise
   bool grey = false;              ///< printed in the second colour
@@ -167,8 +167,8 @@ struct PageArea {
   bool operator==(const PageArea&) const = default;
 };
 
-/// The content of page mode, which is printed at once. The page ends at the end of its last area.
-/// If the job set no area, the page ends after its last print.
+/// The content of page mode, which is printed as a whole. The page ends at the end of its last
+/// area. If the job set no area, the page ends after its last print.
 struct Page {
   std::vector<PageArea> areas;
   bool endsWithPrint = true;
@@ -176,9 +176,9 @@ struct Page {
 
 using PaperItem = std::variant<Line, Symbol, Feed, MoveTo, Page, Cut>;
 
-/// The greatest weight of a paper, in bytes. A heavier paper is torn off, so that even the longest
-/// job takes no more memory. The weight is enough for about five thousand lines of text, or seven
-/// metres of image.
+/// The greatest weight of a paper: the memory of its items, in bytes. A heavier paper is torn off,
+/// so that even the longest job takes no more memory. The weight is enough for about five thousand
+/// lines of text, or seven metres of image.
 inline constexpr std::size_t heaviestPaper = std::size_t{4} * 1024 * 1024;
 
 /// The greatest length of a paper in dots. It is fifty metres, the length of a roll.

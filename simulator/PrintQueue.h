@@ -9,7 +9,7 @@
 
 namespace quordalvane::simulator {
 
-/// The bytes in a printer's buffer, which it prints at its speed. Each byte is done at an exact
+/// The bytes in a printer's buffer, which it prints at its speed. Each byte is finished at an exact
 /// time, which does not depend on when `take` is called. The bytes of a command take effect with
 /// its last byte.
 class PrintQueue {
@@ -24,11 +24,11 @@ class PrintQueue {
   void push(ByteView bytes, Instant now);
   void clear() { bytes_.clear(); }
 
-  /// Removes and returns the first byte, if the printer is done with it by `now`.
+  /// Removes and returns the first byte, if the printer has finished it by `now`.
   std::optional<Taken> take(Instant now);
 
   /// Returns the time at which the printer is done with the first `count` bytes (1 to `size()`);
-  /// empty while it is stopped.
+  /// empty while the printing is stopped.
   std::optional<Instant> doneWith(std::size_t count) const;
 
   /// Starts or stops the printing, or changes its speed in bytes a second (0: unlimited). All bytes

@@ -9,8 +9,9 @@
 namespace quordalvane::simulator {
 
 /// Describes a printer, and the faults of its links, in one expression:
-/// `PrinterBuilder().speed(200).coverOpen().fault("late-reply", "300")`. Other settings are as in
-/// `PrinterState`, and there are no other faults. An invalid value throws std::invalid_argument.
+/// `PrinterBuilder().speed(200).coverOpen().fault("late-reply", "300")`. Settings that the
+/// expression does not name have their defaults in `PrinterState`. The links have only the named
+/// faults. An invalid value throws std::invalid_argument.
 class PrinterBuilder {
  public:
   /// Sets how many bytes of print data are printed in a second; 0 means unlimited.
@@ -39,7 +40,7 @@ class PrinterBuilder {
   /// Sets or clears any flag.
   PrinterBuilder& with(Flag flag, bool value = true);
 
-  /// Adds a fault of every link, in the form that `parseFault` reads.
+  /// Adds a fault to every link, in the form that `parseFault` reads.
   PrinterBuilder& fault(std::string_view name, std::string_view value);
 
   /// Sets the seed of the random choices of faults.

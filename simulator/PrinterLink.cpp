@@ -9,8 +9,8 @@ namespace {
 // The most bytes that wait for a host. The limit is for a host that asks questions and never reads.
 constexpr std::size_t mostWaiting = std::size_t{64} * 1024;
 
-// The count of bytes that a write accepts in command mode. The printer then receives nothing, so
-// the space in its buffer does not matter.
+// The count of bytes that a write accepts in command mode. In this mode the Bluetooth module passes
+// nothing to the printer, so the space in the printer's buffer does not matter.
 constexpr std::size_t commandModeSpace = 256;
 
 }  // namespace
@@ -18,8 +18,8 @@ constexpr std::size_t commandModeSpace = 256;
 PrinterLink::PrinterLink(VirtualPrinter& printer, Instant now, const Faults& faults)
     : printer_(printer),
       connection_(printer.connect([this](ByteView bytes, Instant at, ReplyKind kind) {
-        // The module has one radio channel. While the module itself answers commands, the printer's
-        // replies do not get through.
+        // The Bluetooth module has one radio channel. While the module itself answers commands, the
+        // printer's replies do not reach the host.
         if (!module_.inCommandMode()) {
           send(bytes, at, kind);
         }
@@ -261,8 +261,8 @@ bool PrinterLink::stalled() const {
                      [](const Stall& stall) { return stall.until.has_value(); });
 }
 
-// Returns how many bytes can arrive before the link is next cut or stalled. No write goes past that
-// byte, so that the fault takes effect at the exact byte.
+// Returns how many bytes can arrive before a fault next drops or stalls the simulated connection.
+// No write goes past the last of these bytes, so that the fault takes effect at the exact byte.
 std::uint64_t PrinterLink::bytesBeforeCut() const {
   std::uint64_t most = std::numeric_limits<std::uint64_t>::max();
   for (const Cut& cut : cuts_) {
@@ -276,7 +276,7 @@ std::uint64_t PrinterLink::bytesBeforeCut() const {
   return most;
 }
 
-// If several cuts have the same byte count, the first in the list takes effect.
+// If several faults drop the link after the same byte count, the first in the list takes effect.
 void PrinterLink::cutIfReached(FaultKind afterWhat) {
   const std::uint64_t bytes = afterWhat == FaultKind::CutAfterIn ? bytesIn_ : bytesOut_;
   const auto reached = std::find_if(cuts_.begin(), cuts_.end(), [&](const Cut& cut) {

@@ -32,7 +32,7 @@ class PrinterLink {
   PrinterLink& operator=(const PrinterLink&) = delete;
 
   /// Returns the count of bytes that a write would accept now: 0 while the printer's buffer is
-  /// full, and always after the link has dropped.
+  /// full, and 0 after the link has dropped.
   std::size_t space(Instant now);
 
   /// Sends bytes to the printer. Returns how many of the first bytes were accepted, normally at
@@ -71,7 +71,7 @@ class PrinterLink {
   std::optional<Instant> nextEvent(Instant now);
 
  private:
-  struct Coming {  // a setting or fault that `at` delays
+  struct Coming {  // a setting or fault that the fault `at` delays
     Instant due;
     std::string key;
     std::string value;

@@ -60,13 +60,13 @@ extern const std::array<std::string_view, flagCount> flagGroups;
 /// Returns the flag of this name; empty if there is none.
 std::optional<Flag> flagNamed(std::string_view name);
 
-/// The form of a setting that is not a flag, for programs that ask the user for it. See
+/// The form of a setting that is not a flag, for programs that ask the user for its value. See
 /// `PrinterState::set`.
 struct SettingForm {
   enum class Kind { Flag, Number, Text };
   std::string_view key;
   Kind kind = Kind::Text;
-  std::uint32_t least = 0;  ///< the least value, if it is a number
+  std::uint32_t least = 0;  ///< the least value of a number
   /// The greatest value of a number, or the length of a text; 0: no limit.
   std::uint32_t most = 0;
   std::string_view about;                   ///< the setting's meaning, in a few words

@@ -9,7 +9,7 @@
 
 namespace quordalvane::simulator {
 
-/// The printing part of the printer: executes print data when their turn comes.
+/// The printing part of the printer, which executes the print data in their order.
 class Printing {
  public:
   explicit Printing(unsigned paperWidth) : typesetter_(paperWidth) {}
@@ -43,11 +43,12 @@ class Printing {
   /// Ends the job.
   void endJob() { typesetter_.endJob(); }
 
-  /// Returns the answer to a command that asks for the size of a symbol. To be called when the
-  /// command's turn comes.
+  /// Returns the answer to a command that asks for the size of a symbol. To be called when
+  /// everything before the command is printed.
   Bytes sizeReply(ByteView command) const { return typesetter_.sizeReply(command); }
 
-  /// Returns the answer to a command that asks for stored images, when its turn comes.
+  /// Returns the answer to a command that asks for stored images. To be called when everything
+  /// before the command is printed.
   Bytes graphicsReply(ByteView command) { return typesetter_.graphicsReply(command); }
 
   JobRecord& record() { return typesetter_.record(); }

@@ -8,9 +8,9 @@ namespace quordalvane::simulator {
 
 /// A way in which a printer confirms that it has printed everything sent before.
 enum class Proof : std::uint8_t {
-  Block,      ///< the checked block: the printer counts ETBs, and reports each
+  Block,      ///< the checked block: the printer counts ETB bytes (17 hex), and reports each
   ProcessId,  ///< the printer sends back four characters that the host chose
-  InOrder,    ///< the printer answers a status request only when its turn comes
+  InOrder,    ///< the printer answers a status request after all earlier data is printed
 };
 
 /// The proofs that a printer can give. A plain value.

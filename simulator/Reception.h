@@ -9,8 +9,8 @@
 
 namespace quordalvane::simulator {
 
-/// The receiving part of the printer: finds the commands in the stream that act at once, and passes
-/// all other bytes on for printing, in order.
+/// The receiving part of the printer: finds the commands that act at once, and passes on all other
+/// bytes, in order, for printing.
 class Reception {
  public:
   /// Sets the dialect that the printer knows, from the next command on.
@@ -21,10 +21,10 @@ class Reception {
 
   using OnPiece = std::function<void(MachineCommand, ByteView)>;
 
-  /// Processes `bytes`. Calls `onPiece`, in the order of the stream, with complete commands that
-  /// act at once and with complete commands that act in their turn. All other bytes are passed to
-  /// `onPiece` as `MachineCommand::Printing`, in pieces of any size. If `vanish` is true, each
-  /// command that begins in `bytes` is lost as a whole, unless it acts at once.
+  /// Processes `bytes`. Calls `onPiece`, in the order of the stream, with each complete command for
+  /// which `actsOnReception` or `actsInTurn` is true. All other bytes are passed to `onPiece` as
+  /// `MachineCommand::Printing`, in pieces of any size. If `vanish` is true, each command that
+  /// begins in `bytes` is lost as a whole, unless it acts at once.
   void take(ByteView bytes, bool vanish, const OnPiece& onPiece);
 
   /// Returns the count of bytes that are held because they may begin a command that acts at once.

@@ -5,7 +5,7 @@
 
 namespace quordalvane::simulator {
 
-/// The kind of question that a reply answers, as far as faults distinguish them.
+/// The kinds of replies that faults distinguish.
 enum class ReplyKind {
   Other,
   Block,      ///< the report of an ETB in a checked block

@@ -28,7 +28,7 @@ std::uint8_t byteOf(unsigned bits) {
   return static_cast<std::uint8_t>(bits);
 }
 
-// Returns the paper bits of the in-order status and of the unasked status.
+// Returns the paper bits of the in-order status (see `inOrderStatus`) and of the unasked status.
 unsigned paperBits(const PrinterState& state) {
   return bits(state, Flag::ReceiptPaperNearEmptyInner, 0x03) |
          bits(state, Flag::ReceiptPaperEmpty, 0x0c);

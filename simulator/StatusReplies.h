@@ -34,8 +34,8 @@ Bytes etbReport(const PrinterState& state);
 /// Returns the reply to a process-ID command, which contains the four characters of the command.
 Bytes processIdReport(ByteView command);
 
-/// Returns the byte that answers a status request 1d 72, 1b 75 or 1b 76, about the paper or the
-/// drawer.
+/// Returns the in-order status: the byte by which the printer answers a status request 1d 72, 1b 75
+/// or 1b 76, about the paper or the drawer, after it has printed all earlier data.
 Bytes inOrderStatus(const PrinterState& state, ByteView command);
 
 /// Returns the answer to a command 1d 28 45 that begins a change of settings, or asks for the value

@@ -52,7 +52,7 @@ const Family& familyOf(Symbology symbology) {
   return families[static_cast<std::size_t>(symbology)];
 }
 
-// The height of a composite symbol's bar code, in modules. The library does not set it.
+// The height of a composite symbol's bar code, in modules. The library does not set this height.
 constexpr unsigned barCodeInModules = 36;
 
 // The library has a separate number for each bar code with a two-dimensional part.

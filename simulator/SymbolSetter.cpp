@@ -91,7 +91,8 @@ std::string textOf(ByteView bytes) {
 }
 
 // In Code 128, {A, {B and {C in the data select a code set. In set C, a byte is a pair of digits.
-// The encoder selects the sets itself, so only the text is needed. {1 is a mark of GS1 codes.
+// The encoder selects the sets itself, so only the text is needed. The sequence {1 marks a GS1
+// code.
 std::string code128Text(const std::string& data) {
   std::string text;
   bool pairs = false;
@@ -177,9 +178,9 @@ std::optional<Symbol> SymbolSetter::barcode(ByteView command) const {
   return barcode;
 }
 
-// The bytes are 1b 5a m n k dL dH, then the data. n is the error-correction level, k the width of a
-// module, m the columns of PDF417. m also names the QR version, but the encoder chooses that
-// itself.
+// The command is 1b 5a m n k dL dH, followed by the data. n is the error-correction level, k is the
+// width of a module, and m is the number of columns of PDF417. For QR, m is the version, but the
+// encoder chooses the version itself.
 std::optional<Symbol> SymbolSetter::symbolAtOnce(ByteView command) const {
   constexpr Symbology kindsAtOnce[] = {Symbology::Pdf417, Symbology::DataMatrix, Symbology::Qr};
   constexpr std::string_view qrLevels = "LMQH";

@@ -15,15 +15,15 @@ class SymbolSetter {
  public:
   SymbolSetter();
 
-  /// Applies a setting: height 1d 68, module width 1d 77, position of the text 1d 48, its font 1d
-  /// 66.
+  /// Applies a setting: the height (1d 68), the module width (1d 77), the position of the text (1d
+  /// 48) or the font of the text (1d 66).
   void setBarcode(ByteView command);
 
   /// Returns the bar code of a command 1d 6b; empty if the symbology is unknown or the end of the
   /// command is missing.
   std::optional<Symbol> barcode(ByteView command) const;
 
-  /// Applies the command 1d 5a, which sets the kind of the symbols that 1b 5a prints.
+  /// Applies the command 1d 5a, which sets the kind of the symbols that the command 1b 5a prints.
   void setKindAtOnce(ByteView command) { kindAtOnce_ = command[2]; }
 
   /// Returns the symbol of a complete command 1b 5a, which is to be printed at once; empty if the
@@ -32,7 +32,7 @@ class SymbolSetter {
 
   enum class Outcome { Stored, Print, Unknown };
 
-  /// Executes a command 1d 28 6b. After `Print` the caller prints `symbol()`.
+  /// Executes a command 1d 28 6b. If the result is `Print`, the caller prints `symbol()`.
   Outcome applyTwoDimensional(ByteView command);
 
   const Symbol& symbol() const { return *chosen_; }

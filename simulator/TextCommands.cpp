@@ -118,8 +118,8 @@ void Typesetter::multiByteCode(ByteView command) {
   }
 }
 
-// The bytes are 1c 28 43 02 00 30 m: m is 1 for the code page, 2 for UTF-8. The font, 1c 28 41, has
-// no effect.
+// The command is 1c 28 43 02 00 30 m: m is 1 for the code page, 2 for UTF-8. The command for the
+// font, 1c 28 41, has no effect.
 void Typesetter::characterEncoding(ByteView command) {
   constexpr std::uint8_t font = 0x41;
   if (command[2] == font) {

@@ -13,7 +13,7 @@ namespace {
 // it needs no more memory.
 constexpr std::size_t longestRun = 256;
 
-constexpr char32_t house = 0x2302;  // a house, for byte 7f in the printers' own fonts
+constexpr char32_t house = 0x2302;  // the sign that printers' own fonts have for byte 7f
 
 Bytes bytesOf(const std::string& run) {
   return {run.begin(), run.end()};

@@ -38,23 +38,23 @@ class TextDecoder {
   /// Returns the remaining characters. To be called before anything that is not text.
   DecodedText finish();
 
-  /// Executes 1b 74: selects a code page. Returns false, and changes nothing, if the printer has no
-  /// page of this number.
+  /// Executes the command 1b 74: selects a code page. Returns false, and changes nothing, if the
+  /// printer has no page of this number.
   bool selectPage(std::uint8_t number);
 
-  /// Executes 1b 52: selects an international character set. Returns false if there is none of this
-  /// number.
+  /// Executes the command 1b 52: selects an international character set. Returns false if no set
+  /// has this number.
   bool selectNationalSet(std::uint8_t number);
 
   /// Turns multi-byte characters on or off. Returns false if the printer has none.
   bool setMultiByte(bool on);
 
-  /// Executes 1c 43: turns multi-byte characters on and selects their code; 0 is the seven-bit
-  /// code, 1 the printer's own. Returns false if the printer has none.
+  /// Executes the command 1c 43: turns multi-byte characters on and selects their code; 0 is the
+  /// seven-bit code, 1 the printer's own. Returns false if the printer has none.
   bool selectMultiByteCode(std::uint8_t number);
 
-  /// Executes 1c 28 43: selects UTF-8, or the selected code page again. Returns false if the
-  /// printer does not know UTF-8.
+  /// Executes the command 1c 28 43: selects UTF-8, or the selected code page again. Returns false
+  /// if the printer does not know UTF-8.
   bool setUtf8(bool on);
 
   /// Returns the current selection, for people: the number of the page, or the name of the

@@ -9,7 +9,8 @@ namespace quordalvane::simulator {
 
 /// Returns the paper as UTF-8 text, with one line for each line of print. Alignment and positions
 /// become blanks, a feed becomes empty lines, and a cut becomes a dashed line. An image, a bar code
-/// or a QR code is described in brackets. The last lines are the remarks, each in brackets.
+/// or a QR code is described in brackets. The last lines are the remarks (see `remarksOn`), each in
+/// brackets.
 std::string renderText(const Paper& paper);
 
 /// Returns sentences about the paper for people: they name the commands that could not be shown,

@@ -16,7 +16,7 @@ namespace quordalvane::simulator {
 
 /// The settings that apply only to multi-byte characters.
 struct KanjiStyle {
-  std::uint8_t width = 1;  ///< the width and the height are factors
+  std::uint8_t width = 1;  ///< a factor, as is the height
   std::uint8_t height = 1;
   std::uint8_t underline = 0;
   unsigned spacing = 0;
@@ -26,8 +26,8 @@ struct KanjiStyle {
 /// stream.
 ///
 /// One command is ambiguous: 1b 64 n (hex) feeds n lines in ESC/POS; in line mode, if n is 0 to 3,
-/// it cuts. The command is a feed if the job has already used a command that only ESC/POS has;
-/// otherwise it is a cut. A job ends at an ETB.
+/// it cuts the paper. The command is a feed if the job has already used a command that only ESC/POS
+/// has; otherwise it is a cut. A job ends at an ETB.
 class Typesetter {
  public:
   explicit Typesetter(unsigned paperWidth);
@@ -41,7 +41,7 @@ class Typesetter {
   /// Returns the answer to a command 1d 28 6b that asks for the size of a symbol.
   Bytes sizeReply(ByteView command) const { return symbols_.sizeReply(command); }
 
-  /// The answer to a command 1d 28 4c that asks for stored images.
+  /// Returns the answer to a command 1d 28 4c that asks for stored images.
   Bytes graphicsReply(ByteView command) { return graphics_.reply(command); }
 
   /// Returns true if the job has selected the display and not the printer.

@@ -21,7 +21,7 @@ class UnaskedStatus {
   Bytes change(const PrinterState& state);
 
  private:
-  std::optional<Bytes> latest_;  // null while it is off; empty until the first `change`
+  std::optional<Bytes> latest_;  // null while the service is off; empty until the first `change`
 };
 
 }  // namespace quordalvane::simulator

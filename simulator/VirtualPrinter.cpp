@@ -80,8 +80,8 @@ void VirtualPrinter::receive(ByteView bytes, Instant now, bool vanish) {
 }
 
 void VirtualPrinter::obey(MachineCommand command, ByteView bytes, Instant now) {
-  // If the speed is unlimited, the earlier bytes of the same packet are printed before this command
-  // acts.
+  // If the speed is unlimited, the bytes that precede this command in its packet are printed before
+  // the command acts.
   printUntil(now);
   asides_.add(queuedEver_, bytes.size());
   show(Deed::Kind::Command, bytes);
@@ -125,7 +125,8 @@ void VirtualPrinter::act(MachineCommand command, ByteView bytes, Instant now) {
     case MachineCommand::Recover:
       return recover(bytes[2], now);
     case MachineCommand::UnaskedStatus:
-      // Any other n switches all reports on; on real printers, n chooses some of them.
+      // A parameter other than 0 switches all reports on; on real printers, it chooses some of the
+      // reports.
       if (bytes[2] == 0) {
         return unasked_.switchOff();
       }
@@ -323,12 +324,13 @@ std::size_t VirtualPrinter::freeBytes() const {
 }
 
 // A nearly full printer accepts nothing until it has room for a whole command: if it accepted
-// single bytes, its sender would split a command.
+// single bytes, the host would split a command.
 std::size_t VirtualPrinter::readyAgain() const {
   return std::clamp<std::size_t>(state_.bufferSize() / 4, 1, 64);
 }
 
-// Returns how many bytes the printer must print until `bytes` are free, which is more than now.
+// Returns how many bytes the printer must print until `bytes` bytes are free; `bytes` must be more
+// than are free now.
 std::size_t VirtualPrinter::untilFree(std::size_t bytes) const {
   return buffered() + bytes - state_.bufferSize();
 }

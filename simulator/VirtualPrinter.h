@@ -63,7 +63,7 @@ class VirtualPrinter {
   Paper tearOff();
 
   /// Makes each connection a job. When all its data have been printed or dropped, the paper is torn
-  /// off and passed to `keep`, unless it is empty. A paper that exceeds its limits
+  /// off and passed to `keep`, unless the paper is empty. A paper that exceeds its limits
   /// (`Paper::isTooLong`) is torn off and passed on earlier. Without this call such a paper is
   /// lost.
   using JobKeeper = std::function<void(Paper)>;
@@ -89,8 +89,8 @@ class VirtualPrinter {
   /// Returns a number that distinguishes this connection from all others.
   std::uint64_t connect(Sink sink);
 
-  /// Ends the connection, unless another one has begun. A command that it left unfinished remains
-  /// unfinished. Replies are dropped until the next connection.
+  /// Ends the connection, unless another one has begun. A command that the host left unfinished
+  /// remains unfinished. Replies are dropped until the next connection.
   void disconnect(std::uint64_t connection);
   bool isConnection(std::uint64_t connection) const { return connection == connection_; }
 
@@ -110,8 +110,8 @@ class VirtualPrinter {
   /// Sends bytes to the host, if there is one: an answer, or a report without a question.
   void reply(ByteView bytes, Instant at, ReplyKind kind = ReplyKind::Other);
 
-  /// Returns the next time at which the printer gets space, passes an ETB, has printed everything
-  /// or drops data without a call. Returns empty if nothing is due.
+  /// Returns the next time at which the printer, without a call, gets space, passes an ETB, has
+  /// printed everything or drops data. Returns empty if nothing is due.
   std::optional<Instant> nextEvent() const;
 
  private:

@@ -36,7 +36,7 @@ struct Margins {
 /// The space above and below a symbol, and between the symbol and its text, in dots.
 inline constexpr unsigned symbolSpace = 6;
 
-/// The position of each item on a paper. The paper must outlive this.
+/// The position of each item on a paper. The paper must outlive this object.
 class PaperLayout {
  public:
   /// Places all items of a paper. The first piece begins at `top`.
@@ -45,7 +45,7 @@ class PaperLayout {
   /// Begins an empty layout, for a paper that will grow.
   PaperLayout(unsigned top, Margins margins);
 
-  /// Places the next item, which must outlive this.
+  /// Places the next item, which must outlive this object.
   void add(const PaperItem& item);
 
   const std::vector<PlacedItem>& items() const { return items_; }

@@ -165,7 +165,7 @@ class Painter {
     }
   }
 
-  // Draws a dashed line, because the pieces still hang together.
+  // Draws a dashed line, because a partial cut leaves the pieces connected.
   void paintPartialCut(int y, unsigned height) {
     constexpr unsigned dash = 6;
     for (unsigned x = 0; x < plane_.width(); x += 2 * dash) {

@@ -58,7 +58,7 @@ void PngWriter::chunk(const char* type, ByteView data) {
   addNumber(file_, static_cast<std::uint32_t>(sum));
 }
 
-// Writes a piece of the file whenever one is full, and at the end.
+// Adds the compressed bytes to the file whenever a piece is full, and at the end of the data.
 void PngWriter::compress(ByteView data, bool last) {
   z_stream& deflate = stream_->deflate;
   deflate.next_in = const_cast<Bytef*>(data.data());
