@@ -45,7 +45,7 @@ MaybeSetback AutoProof::ask() {
     return setback;
   }
   memory_.foundProof = found.kind;
-  // The answers that an earlier search did not wait for may still arrive, so the list keeps them.
+  // Answers that an earlier search did not wait for may still arrive, so they remain in the list.
   memory_.owed.merge(found.owed);
   return std::nullopt;
 }

@@ -84,9 +84,9 @@ std::string CheckedBlock::whyNotBegun() const {
 }
 
 /// Waits for the answers to all earlier requests, and then sends one more request. The answer to
-/// this last request arrives after all reports of earlier jobs. In line mode it shows that the
-/// printer has counted no mark of an earlier job since the reset. So every later confirmation
-/// belongs to this job.
+/// this last request arrives after all reports of earlier jobs. In line mode the answer shows that
+/// the printer has counted no mark of an earlier job since its counter was reset. So every
+/// confirmation that arrives after this answer belongs to this job.
 MaybeSetback CheckedBlock::synchronise() {
   link().drain();
   if (auto setback = awaitAnswers()) {
@@ -118,8 +118,8 @@ std::string CheckedBlock::whyNoAnswer() const {
   return answers_.isAnyOdd() ? "the printer's answer is not a status of this emulation" : noAnswer;
 }
 
-/// Ends the data cancel of a block that is abandoned. Otherwise the printer would drop the data of
-/// later jobs, if this job or an earlier job has set a data time-out.
+/// Ends the data cancel that an abandoned block has begun. Otherwise the printer would drop the
+/// data of later jobs, if this job or an earlier job has set a data time-out.
 void CheckedBlock::leave() {
   link().port().write(dataCancelEnd, PortLink::Reply::None);
 }
@@ -138,8 +138,8 @@ MaybeSetback CheckedBlock::end(ByteView data) {
 
 MaybeSetback CheckedBlock::judgeEnd(ByteView data, const std::string& failure) {
   const auto obstacle = confirmationObstacle(data, link().port().emulation());
-  // An obstacle is a command in the data, for example a mark, that may have caused the time-out. So
-  // the obstacle is reported, and not the time-out.
+  // If the data contains an obstacle, that is a command that prevents a confirmation, this command
+  // may have caused the time-out. So the obstacle is reported, and not the time-out.
   if (!failure.empty() && (!obstacle || link().isLost())) {
     return link().failedExchange(failure);
   }
@@ -149,8 +149,7 @@ MaybeSetback CheckedBlock::judgeEnd(ByteView data, const std::string& failure) {
   return judgeProof();
 }
 
-/// Ends the block. Returns "" if the block ended, and otherwise the reason why the block did not
-/// end.
+/// Ends the block. Returns "" on success, and otherwise the reason why the block did not end.
 std::string CheckedBlock::endBlock() {
   const auto limit = std::chrono::milliseconds(link().port().endCheckedBlockTimeoutMillis());
   const auto start = link().now();

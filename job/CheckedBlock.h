@@ -10,7 +10,7 @@
 
 namespace quordalvane {
 
-/// A proof by the port's checked block. This class is the common part for both emulations.
+/// A proof that uses the port's checked block. This class is the common part for both emulations.
 class CheckedBlock : public Proof {
  public:
   MaybeSetback begin() override;
@@ -34,7 +34,8 @@ class CheckedBlock : public Proof {
   const QuorPrinterStatus_2& status() const { return status_; }
 
  private:
-  /// Checks the printer before the block. Returns a setback if no block may begin.
+  /// Checks the printer before the block. Returns a setback, which holds the reason, if no block
+  /// may begin.
   virtual MaybeSetback prepare() = 0;
 
   /// The command that requests one status answer.
@@ -43,8 +44,9 @@ class CheckedBlock : public Proof {
   /// Judges whether the printer is ready. Called when all requests have been answered.
   virtual MaybeSetback judgeReadiness() = 0;
 
-  /// Sends a mark before the data. If the printer is switched off and on during the job, its count
-  /// begins at 0 again, and at the end this mark is missing from the count.
+  /// Before the data, sends a mark that the printer counts. If the printer is switched off and on
+  /// during the job, its count begins at 0 again, and at the end this mark is missing from the
+  /// count.
   virtual MaybeSetback markBeginning() = 0;
 
   /// Ends the block and waits for the printer. Returns false if the block did not end in time.

@@ -11,7 +11,7 @@
 namespace quordalvane {
 namespace {
 
-// The printer is asked for its status at this interval until it has finished.
+// At this interval the printer is asked for its status, until it has finished the job.
 constexpr auto statusPause = std::chrono::seconds(1);
 
 // A wait that counts whole seconds ends at most one second after its limit.
@@ -48,7 +48,8 @@ MaybeSetback EndSign::askAndAwait(ByteView question) {
   return awaitSign() ? std::nullopt : whyUnseen();
 }
 
-/// Waits for the sign, and during the wait reports why the printer has paused.
+/// Waits for the sign that the job was printed. During the wait, reports why the printer has
+/// paused.
 bool EndSign::awaitSign() {
   const auto limit =
       std::chrono::milliseconds(link().port().endCheckedBlockTimeoutMillis()) + wholeSecond;

@@ -27,21 +27,21 @@ class EndSign : public Proof {
 
   const EscPosAnswers& answers() const { return answers_; }
 
-  /// Sends `question` and waits until the sign is seen. Success proves that the job was printed.
+  /// Sends `question` and waits for the sign. If the sign arrives, the job was printed.
   MaybeSetback askAndAwait(ByteView question);
 
  private:
-  /// Makes sure that the sign of no other job can arrive.
+  /// Makes sure that no sign of another job can arrive.
   virtual MaybeSetback prepare() { return std::nullopt; }
 
-  /// Stores the query for a job of `data` in `question`. Returns a setback if the data itself could
-  /// cause the sign.
+  /// Stores in `question` the query that will follow `data`. Returns a setback if the data itself
+  /// could cause the sign.
   virtual MaybeSetback makeQuestion(ByteView data, std::vector<std::uint8_t>& question) = 0;
 
-  /// Returns whether the sign of this job was seen.
+  /// Returns whether the sign of this job has arrived.
   virtual bool isSeen() const = 0;
 
-  /// Returns whether a sign that was not seen yet can still arrive.
+  /// Returns whether the sign can still arrive if it has not arrived yet.
   virtual bool isPossible() const { return true; }
 
   /// Returns whether a longer wait cannot change the result.

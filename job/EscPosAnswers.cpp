@@ -11,7 +11,7 @@ constexpr std::size_t more = 0;
 constexpr std::size_t mostIds = 16;
 constexpr std::size_t longestText = 80;
 
-// The report of a mark. Its count may have any value.
+// The form of a printer's report of a mark. The count in the report may have any value.
 constexpr std::uint8_t reportForm[] = {0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00, 0, 0x00};
 constexpr std::size_t countPlace = 6;
 
@@ -39,7 +39,7 @@ bool EscPosAnswers::hasNamed(const JobId& id) const {
 
 void EscPosAnswers::feed(ByteView bytes) {
   for (const std::uint8_t byte : bytes) {
-    // The count in a report may have the value of a flow-control byte.
+    // The count in a report may be equal to a flow-control byte.
     const bool isCount = bytes_.size() == countPlace && bytes_.front() == reportForm[0];
     if (isFlowControl(byte) && !isCount) {
       continue;

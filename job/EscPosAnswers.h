@@ -22,16 +22,17 @@ inline bool isRealTimeStatus(std::uint8_t byte) {
 
 /// Recognises the answers of an ESC/POS printer. The answers may arrive in any order and in any
 /// number of pieces. An answer is recognised by its whole form, because a part of an answer may
-/// look like another answer:
+/// look like another answer. The answers are, with their bytes in hexadecimal:
 ///
-/// - real-time status, one byte with (b AND 93) = 12;
-/// - in-order status, one byte with (b AND 90) = 00;
-/// - status that the printer sends without a request, four bytes: (b AND 93) = 10, then three with
-/// (b AND 90) = 00;
-/// - process ID, 37 22, four characters, 00; confirmation of a cleared buffer, 37 25 00;
-/// - report of a mark, 1b 1d 03 01 00 00 count 00;
-/// - text, 5f, printable characters, 00;
-/// - flow control, 11 or 13, at any place.
+/// - real-time status: one byte b with (b AND 93) = 12;
+/// - in-order status, sent after all earlier data was processed: one byte b with (b AND 90) = 00;
+/// - automatic status, sent without a request: one byte with (b AND 93) = 10, and three bytes with
+///   (b AND 90) = 00;
+/// - process ID: the bytes 37 22, four characters, and 00;
+/// - confirmation of a cleared buffer: the bytes 37 25 00;
+/// - report of a mark: the bytes 1b 1d 03 01 00 00, the count, and 00;
+/// - text: the byte 5f, printable characters, and 00;
+/// - flow control: the byte 11 or 13, anywhere.
 class EscPosAnswers {
  public:
   /// Processes the next bytes that arrived.
@@ -53,7 +54,7 @@ class EscPosAnswers {
   /// an in-order status.
   bool isAnyProof() const { return !ids_.empty() || report_ || inOrderCount_ > 0; }
 
-  /// Returns whether there was a byte that does not belong to any answer.
+  /// Returns whether a byte has arrived that does not belong to any answer.
   bool isAnyOdd() const { return isAnyOdd_; }
 
   /// Returns whether the printer has sent this process ID.
@@ -61,7 +62,7 @@ class EscPosAnswers {
 
  private:
   // Each returns the length in bytes of the answer at the beginning of `bytes_`; 0 if more bytes
-  // are needed to find it.
+  // are needed to find the length.
   std::size_t take();
   std::size_t takeAnswer();
   std::size_t takeUnasked() const;

@@ -15,11 +15,11 @@ constexpr std::uint32_t statusLevel = 2;
 constexpr std::uint8_t countOfOneMark = 1;
 constexpr std::uint8_t countOfTwoMarks = 2;
 
-// A mark and a status request. The answer to the request follows the report of the mark; if the
-// answer arrives alone, the printer sends no report.
+// A mark and a status request. The printer reports the mark before it answers the request; if only
+// the answer arrives, the printer does not send reports.
 constexpr std::uint8_t markAndRequest[] = {0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00, 0x10, 0x04, 0x01};
 
-// How long the operation of the port may continue after the printer's report was seen.
+// How long the operation of the port may continue after the printer's report has arrived.
 constexpr auto timeToEnd = std::chrono::seconds(2);
 
 }  // namespace
@@ -81,8 +81,8 @@ MaybeSetback EscPosBlock::end(ByteView data) {
   return setback;
 }
 
-/// Calls the port's operation that ends the block. If this class has abandoned the operation after
-/// the report, asks for the last status itself.
+/// Calls the port's operation that ends the block. If this class has abandoned the operation
+/// because the report has arrived, asks for the last status itself.
 bool EscPosBlock::endInTime() {
   awaitsReport_ = true;
   try {
@@ -100,8 +100,8 @@ void EscPosBlock::bytesRead(ByteView bytes) {
   stopIfReported();
 }
 
-/// Ends the port's wait some time after the report was seen. The port recognises only a report that
-/// arrives in one read; for any other report it would wait until its time-out.
+/// Ends the port's wait some time after the report has arrived. The port recognises only a report
+/// that arrives in one read; for any other report it would wait until its time-out.
 void EscPosBlock::stopIfReported() {
   if (!awaitsReport_ || sinceMark_.lastReport() != countOfTwoMarks) {
     return;

@@ -29,10 +29,10 @@ class EscPosBlock final : public CheckedBlock {
   void stopIfReported();
 
   PortMemory& memory_;
-  EscPosAnswers sinceMark_;  // what the printer has sent since the last mark
+  EscPosAnswers sinceMark_;  // the answers that have arrived since the last mark
   bool isFirstMarkReported_ = false;
   bool awaitsReport_ = false;
-  std::optional<std::chrono::nanoseconds> reportedAt_;  // when the report was first seen
+  std::optional<std::chrono::nanoseconds> reportedAt_;  // when the report arrived; null before
 };
 
 }  // namespace quordalvane

@@ -7,7 +7,7 @@ constexpr auto quiet = std::chrono::seconds(1);
 constexpr int enough = 2;
 constexpr int mostRounds = 6;
 
-// The limit for the whole wait is this plus twice the port's time-out.
+// The limit for the whole wait is this time plus twice the port's time-out.
 constexpr auto timeForSilence = std::chrono::seconds(5);
 
 bool awaitAnother(PortLink& link, const std::function<std::uint64_t()>& count,

@@ -8,7 +8,7 @@ namespace quordalvane {
 InOrderProof::InOrderProof(PortLink& link, PrintResult& result)
     : EndSign(link, result), memory_(memoryOf(link.port().shared_from_this())) {}
 
-/// Sends a query before the data. A printer that holds no data answers it at once.
+/// Sends a query before the data. A printer that holds no data answers the query at once.
 MaybeSetback InOrderProof::prepare() {
   const auto count = [this] { return answers().inOrderCount(); };
   if (memory_.owed.contains(ProofKind::InOrder) && !hearOut(link(), inOrderRequest, count)) {
@@ -41,8 +41,8 @@ MaybeSetback InOrderProof::makeQuestion(ByteView data, std::vector<std::uint8_t>
   return std::nullopt;
 }
 
-/// Sends one more query after the sign and waits for its answer. If the sign was only a stray byte,
-/// the true sign also arrives during this wait.
+/// After the sign that the job was printed, sends one more query and waits for its answer. If the
+/// sign was only a stray byte, the true sign arrives during this wait.
 MaybeSetback InOrderProof::end(ByteView data) {
   if (auto setback = EndSign::end(data)) {
     return setback;

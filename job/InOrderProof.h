@@ -5,11 +5,11 @@
 
 namespace quordalvane {
 
-/// Ends the job with a query that the printer processes in order with the print data. The answer
-/// does not say which job it belongs to, so it counts only if the printer has answered exactly as
-/// often as it was asked. Three queries are sent: before the data, at the end of the job, and after
-/// the answer to the second query. So a single byte that looks like an answer by chance cannot
-/// confirm the job.
+/// Ends the job with a query that the printer answers in order, that is, after all data before the
+/// query. The answer does not say which job it belongs to, so it counts only if the printer has
+/// answered exactly as often as it was asked. Three queries are sent: before the data, at the end
+/// of the job, and after the answer to the second query. So a single byte that looks like an answer
+/// by chance cannot confirm the job.
 class InOrderProof final : public EndSign {
  public:
   InOrderProof(PortLink& link, PrintResult& result);
@@ -27,7 +27,8 @@ class InOrderProof final : public EndSign {
   bool isSure_ = false;  // true if every query was answered when the data was sent
 };
 
-/// Requests one status, which the printer sends after it has processed all earlier bytes.
+/// The command that requests one status, which the printer sends after it has processed all earlier
+/// bytes.
 inline constexpr std::uint8_t inOrderRequest[] = {0x1d, 0x72, 0x01};
 
 }  // namespace quordalvane

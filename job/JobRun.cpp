@@ -9,7 +9,8 @@
 namespace quordalvane {
 namespace {
 
-// The last commands of a cancelled job must be sent within this time, because a person is waiting.
+// The last commands of a cancelled job must be sent within this time, because a person is waiting
+// for the cancel.
 constexpr auto cancelLimit = std::chrono::milliseconds(500);
 
 }  // namespace

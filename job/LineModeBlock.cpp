@@ -58,8 +58,8 @@ MaybeSetback LineModeBlock::judgeReadiness() {
   return std::nullopt;
 }
 
-/// Sends the first mark and waits for its count. If the printer does not count it soon, the port's
-/// own operation will end the block; that operation sends two marks.
+/// Sends the first mark and waits until the printer has counted this mark. If the printer does not
+/// count it soon, the port's own operation, which sends two marks, will end the block.
 MaybeSetback LineModeBlock::markBeginning() {
   if (auto setback = link().send(mark, PortLink::Reply::None)) {
     return setback;
@@ -105,7 +105,8 @@ bool LineModeBlock::awaitCount() {
   }
 }
 
-/// Asks for the status once more: a single answer may be damaged, or belong to another exchange.
+/// Asks for the status once more, because a single answer may be damaged or belong to another
+/// exchange.
 bool LineModeBlock::confirm() {
   if (status().offline != 0 || status().etbCounter != countOfTwoMarks) {
     return true;

@@ -23,7 +23,7 @@ class LineModeBlock final : public CheckedBlock {
   bool confirm();
 
   bool isFirstMarkCounted_ = false;
-  bool isConfirmed_ = true;  // a second status agreed with the first
+  bool isConfirmed_ = true;  // false if a second status did not agree with the first
 };
 
 }  // namespace quordalvane

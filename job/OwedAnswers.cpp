@@ -7,7 +7,7 @@ namespace quordalvane {
 namespace {
 
 constexpr std::uint32_t lineModeRequest = 0x1b0601;
-constexpr std::uint32_t realTimeRequest = 0x1004;  // the number of the query follows
+constexpr std::uint32_t realTimeRequest = 0x1004;  // a third byte, the number of the query, follows
 
 }  // namespace
 

@@ -15,8 +15,8 @@ namespace {
 constexpr std::size_t largestPiece = std::size_t{512} * 1024;
 constexpr std::size_t smallestPiece = 256;
 
-// The pause after a read or write that returned at once: without bytes or space, or with more bytes
-// than an answer has.
+// The pause after a write that found no space, after a read that found no bytes, and after a read
+// of more bytes than an answer has.
 constexpr std::uint64_t lookPauseMicroseconds = 10000;
 constexpr std::size_t longestAnswer = 128;
 
@@ -81,7 +81,8 @@ void PortLink::bytesRead(ByteView bytes) {
   goOn();
 }
 
-/// Without this, some operations of the port would read from a lost link until their time-out.
+/// Without this exception, some operations of the port would read from a lost link until their
+/// time-out.
 void PortLink::readFailed() {
   if (deadline_ != noDeadline) {
     throw GivenUp();

@@ -45,8 +45,8 @@ class PortLink final : private TransferObserver {
   void setListener(TransferObserver* listener) { listener_ = listener; }
 
   /// Calls `operation` and returns its result. A read or write of the operation throws GivenUp
-  /// after `limit` has passed; a read that fails always throws it. If calls are nested, the earlier
-  /// limit counts.
+  /// after `limit` has passed; a read that fails always throws it. If calls are nested, the limit
+  /// that ends first counts.
   template <typename Operation>
   auto within(std::chrono::nanoseconds limit, Operation operation) {
     const Limited limited(*this, now() + limit);
@@ -60,15 +60,15 @@ class PortLink final : private TransferObserver {
   void ignoreCancel() { isCancelIgnored_ = true; }
 
   /// Sends all of `data`, each byte once, and counts in `accepted` how many bytes the link took.
-  /// Returns a setback if the link is lost, or takes no byte for as long as the time-out. `reply`
-  /// says whether the printer may answer the data.
+  /// Returns a setback, which holds the reason, if the link is lost, or takes no byte for as long
+  /// as the time-out. `reply` says whether the printer may answer the data.
   MaybeSetback move(ByteView data, std::uint64_t& accepted, const Progress& progress = {},
                     Reply reply = Reply::Possible);
 
   /// Sends a short command, which does not count as data of the job.
   MaybeSetback send(ByteView command, Reply reply = Reply::Possible);
 
-  /// Sleeps for a moment, before the next attempt on a link that had no bytes or no space.
+  /// Sleeps for a moment. Called between two attempts on a link that has no bytes or no space.
   void pause();
 
   /// Reads until `isDone` returns true. `isDone` is called once without bytes, and then with the
@@ -84,8 +84,8 @@ class PortLink final : private TransferObserver {
   /// lost link counts as connected until they are read.
   bool isLost();
 
-  /// Returns the setback for an exchange that failed. Its reason is the loss of the link, or
-  /// `otherwise` if the link is not lost.
+  /// Returns the setback for an exchange that failed. The reason in it is "link lost" if the link
+  /// is lost, and `otherwise` if not.
   Setback failedExchange(const std::string& otherwise);
 
  private:
@@ -112,7 +112,8 @@ class PortLink final : private TransferObserver {
   const std::atomic<bool>& cancelled_;
   bool isCancelIgnored_ = false;
   TransferObserver* listener_ = nullptr;
-  std::uint64_t* accepted_ = nullptr;  // counts sent bytes of the data; null between sends
+  std::uint64_t* accepted_ =
+      nullptr;  // counts the sent bytes of the data; null if nothing is being sent
   std::chrono::nanoseconds deadline_ = noDeadline;
 };
 

@@ -113,8 +113,8 @@ std::optional<PrintCommand> downloadedImage(ByteView data) {
   return counted(4, std::size_t{8} * data[2] * data[3]);
 }
 
-// The form is 1b 26 y c1 c2, followed by the characters. Each character begins with its width x; y
-// times x bytes follow.
+// The command has the form 1b 26 y c1 c2, followed by the characters. Each character begins with
+// its width x; y times x bytes follow.
 std::optional<PrintCommand> userCharacters(ByteView data) {
   const std::size_t rows = data[2];
   const std::uint8_t first = data[3];
@@ -129,8 +129,8 @@ std::optional<PrintCommand> userCharacters(ByteView data) {
   return counted(length, 0);
 }
 
-// The form is 1c 71 n, followed by n images. Each image begins with its size, xL xH yL yH in units
-// of eight dots; its dots follow.
+// The command has the form 1c 71 n, followed by n images. Each image begins with its size, xL xH yL
+// yH in units of eight dots; its dots follow.
 std::optional<PrintCommand> storedImages(ByteView data) {
   std::size_t length = 3;
   for (int i = 0; i < data[2]; ++i) {

@@ -10,7 +10,7 @@
 namespace quordalvane {
 namespace {
 
-/// In which emulation a command in the data prevents a confirmation.
+/// The emulations in which a command in the data prevents a confirmation.
 enum class Matters { Always, InLineMode };
 
 struct Obstacle {
@@ -19,8 +19,9 @@ struct Obstacle {
   std::string_view what;
 };
 
-// A status request in the data leaves an additional answer in the input. In line mode this answer
-// can be confused with the status. In ESC/POS it cannot be confused with the report.
+// A status request in the data causes an additional answer. In line mode this answer can be
+// confused with the status that confirms the job. In ESC/POS it cannot be confused with the report
+// that confirms the job.
 const Obstacle obstacles[] = {
     {{0x17}, Matters::Always, "an end-of-block mark (17), which the printer counts"},
     {{0x1b, 0x1d, 0x03}, Matters::Always, "a command of the checked block (1b 1d 03)"},
@@ -64,7 +65,8 @@ std::string obstructed(const Obstacle& obstacle, std::size_t position,
                   : "");
 }
 
-/// No command begins with a higher byte. Most bytes of a job are text, which is skipped quickly.
+/// No command begins with a byte above this one. Most bytes of a job are text. Text is above this
+/// byte, so it is skipped quickly.
 constexpr std::uint8_t highestFirstByte = 0x1d;
 
 bool isText(std::uint8_t byte) {
@@ -73,23 +75,24 @@ bool isText(std::uint8_t byte) {
 
 constexpr std::size_t mostLookedThrough = std::size_t{1} << 20U;
 
-/// The first bytes of commands that printers answer, always or in some of their functions.
+/// The first bytes of the commands that printers answer. Some of these commands have several
+/// functions, of which printers answer only some.
 const std::initializer_list<std::uint8_t> answeredCommands[] = {
     {0x05},       {0x10},       {0x1b, 0x06}, {0x1b, 0x1d, 0x03}, {0x1b, 0x23},
     {0x1b, 0x75}, {0x1b, 0x76}, {0x1c, 0x28}, {0x1c, 0x67},       {0x1d, 0x28},
     {0x1d, 0x49}, {0x1d, 0x61}, {0x1d, 0x67}, {0x1d, 0x72},
 };
 
-/// Returns true for a command for two-dimensional barcodes that the printer does not answer. The
-/// printer answers only the function that asks for the size.
+/// Returns true if the command belongs to two-dimensional barcodes and the printer does not answer
+/// it. Of these commands, a printer answers only the function that asks for the size.
 bool isSilentSymbol(ByteView command) {
   constexpr std::size_t function = 6;
   return startsWith(command, {0x1d, 0x28, 0x6b}) && command.size() > function &&
          command[function] != 0x52;
 }
 
-/// Commands, besides the in-order request, whose answers contain bytes of the form of an in-order
-/// status.
+/// Commands whose answers contain bytes that look like an in-order status. The command that
+/// requests an in-order status is not in this list.
 const std::initializer_list<std::uint8_t> similarlyAnswered[] = {
     {0x1b, 0x06}, {0x1b, 0x23}, {0x1b, 0x75}, {0x1b, 0x76}, {0x1d, 0x28, 0x45}, {0x1d, 0x49},
 };
@@ -180,7 +183,7 @@ std::optional<std::string> confirmationObstacle(ByteView data, ZKEmulation emula
 
 std::optional<std::string> endSignObstacle(ByteView data) {
   constexpr auto dropsData = "the data itself holds a command at which a printer drops data";
-  // A real-time command takes effect at any place in the data.
+  // A real-time command takes effect wherever its bytes are in the data.
   if (holds(data, {0x10, 0x14, 0x08})) {
     return dropsData;
   }

@@ -27,17 +27,19 @@ bool isNeverAnswered(ByteView data);
 
 /// Returns the end of the command that contains `position`. The printer reads all bytes up to this
 /// end as a part of the command. Returns `position` itself if `position` is not inside a command,
-/// or if an unknown command precedes it. Returns the end of the data if the command does not end
-/// before.
+/// or if an unknown command precedes it. If the data ends inside the command, returns the end of
+/// the data.
 std::size_t commandEnd(ByteView data, std::size_t position);
 
 /// Returns, in words, why a query after `data` would prove nothing. There are two reasons: the data
 /// ends inside a command, so that the printer reads the query as data, or a command in the data
-/// makes the printer drop data. Returns null if there is no such reason. The payload of commands
-/// that state its length is searched only for the command that clears the buffer in real time.
+/// makes the printer drop data. Returns null if there is no such reason. If a command states the
+/// length of its payload, this payload is searched only for the command that clears the buffer in
+/// real time.
 std::optional<std::string> endSignObstacle(ByteView data);
 
-/// Returns how many in-order answers the data itself requests; null if they cannot be counted.
+/// Returns how many in-order statuses (see inOrderRequest) the data itself requests; null if they
+/// cannot be counted.
 std::optional<std::uint64_t> inOrderRequestsIn(ByteView data);
 
 }  // namespace quordalvane

@@ -49,8 +49,8 @@ class QUOR_EXPORT PrintJob {
   struct Options {
     /// The proof by which the printer confirms the job. If null, the job uses the `proof=` of the
     /// device. If the device has no `proof=`, the job uses Auto. With None the printer is asked
-    /// nothing, and the best outcome is Unconfirmed. In line mode, each proof but Auto and Block
-    /// has the effect of None.
+    /// nothing, and the best outcome is Unconfirmed. In line mode, every proof except Auto and
+    /// Block has the effect of None.
     std::optional<ProofKind> proof = std::nullopt;
 
     /// Called when a stage begins, each time that the link has taken some data, and when the reason
@@ -67,19 +67,21 @@ class QUOR_EXPORT PrintJob {
   /// @}
 
   /// Prints `data` and returns the result. May be called once. Blocks until the printer is
-  /// prepared, the data is sent and the proof has arrived. The sending fails after the port's
-  /// time-out without progress. The wait for the proof ends after the port's end-of-block time-out,
-  /// even if the printer never stops sending. Until it returns, the job is the port's only
-  /// observer; afterwards the port has no observer. The port remains open, unless the job was
-  /// cancelled. Exceptions of the platform and of the progress function pass through.
+  /// prepared, the data is sent and the proof has arrived. The sending fails if the link takes no
+  /// data for as long as the port's time-out. The wait for the proof ends after the port's
+  /// end-of-block time-out, even if the printer never stops sending. Until `run` returns, the job
+  /// is the port's only observer; afterwards the port has no observer. The port remains open,
+  /// unless the job was cancelled. Exceptions of the platform and of the progress function pass
+  /// through.
   /// @{
   PrintResult run(ByteView data);
   PrintResult run(std::string_view text);
   /// @}
 
-  /// Abandons the job. At its next read or write, after at most 0.3 s, the job sends the printer a
-  /// command to drop its data, and closes the port. It gives the command up if the link does not
-  /// take it within 0.5 s. Any thread and any signal handler may call it, also before `run`.
+  /// Abandons the job. At its next read or write, after at most 0.3 s, the job notices the cancel.
+  /// Then it sends the printer a command to drop its data, gives up if the link does not take this
+  /// command within 0.5 s, and closes the port. Any thread and any signal handler may call
+  /// `cancel`, even before `run`.
   void cancel() noexcept { cancelled_ = true; }
 
  private:

@@ -18,7 +18,7 @@ using Bytes = std::vector<std::uint8_t>;
 
 constexpr std::atomic<bool> neverCancelled = false;
 
-// The port's waits count in whole seconds, and some of its operations wait twice.
+// The port measures its waits in whole seconds, and some of its operations wait twice.
 constexpr auto timeForPauses = std::chrono::seconds(5);
 constexpr auto timeForModule = std::chrono::seconds(10);
 
@@ -88,7 +88,7 @@ class Question final : private TransferObserver {
     }
   }
 
-  /// Throws an InquiryError with `cause` and `text`; if the link is lost, the error says so
+  /// Throws an InquiryError with `cause` and `text`. If the link is lost, the error says this
   /// instead.
   [[noreturn]] void fail(InquiryCause cause, const std::string& text) {
     if (link_.isLost()) {
@@ -114,7 +114,7 @@ class Question final : private TransferObserver {
 
   bool isLost() { return link_.isLost(); }
 
-  /// Reads until the printer is silent after a complete answer. Stops after the time-out.
+  /// Reads until the printer is silent after a complete answer, or until the time-out has passed.
   void hearOut() {
     constexpr std::chrono::milliseconds slice(100);  // the duration of a read that receives nothing
     Port& port = link_.port();
@@ -127,8 +127,8 @@ class Question final : private TransferObserver {
   }
 
   /// Returns whether the port may have read a part of the first answer of the online test as the
-  /// second answer. Before its second request the port drops the bytes of the first answer; but
-  /// bytes that arrive later are read as the second answer.
+  /// second answer. Before its second request the port drops the bytes of the first answer, but it
+  /// reads bytes that arrive later as the second answer.
   bool isMixedUp(bool isAnswered) const {
     return link_.port().emulation() == ZKEmulationESCPOS
                ? isMixedUpInESCPOS(isAnswered)
@@ -136,7 +136,7 @@ class Question final : private TransferObserver {
   }
 
  private:
-  // In this emulation the port rejects most parts of a block. If the port's last read was empty,
+  // In ESC/POS the port rejects most parts of a status block. If the port's last read was empty,
   // the port has timed out and has mixed up nothing.
   bool isMixedUpInESCPOS(bool isAnswered) const {
     constexpr std::size_t queries = 3;
@@ -168,9 +168,9 @@ QuorPrinterStatus_2 statusFor(Question& question, std::uint32_t level, ZKEmulati
   return status;
 }
 
-// In ESC/POS the port accepts the first received bytes as the text. These bytes may be a late
-// status byte, or only the beginning of the text. A complete text begins with this head and ends
-// with a zero byte.
+// In ESC/POS the port accepts the first received bytes as the firmware text. These bytes may be a
+// late status byte, or only the beginning of the text. A complete text begins with this head and
+// ends with a zero byte.
 bool isWholeText(const Bytes& reply) {
   constexpr std::uint8_t head = 0x5f;
   return !reply.empty() && reply.front() == head && reply.back() == 0;

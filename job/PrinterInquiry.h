@@ -20,7 +20,7 @@ namespace quordalvane {
 /// Why an inquiry got no valid answer.
 enum class InquiryCause {
   NoAnswer,          ///< the printer did not answer in time, or the link did not take the query
-  NotUnderstood,     ///< something answered, but not as a printer does
+  NotUnderstood,     ///< the answer is not one that a printer gives
   NotReady,          ///< the printer is off line; this query needs a printer that is on line
   LinkLost,          ///< the link was lost
   UnknownEmulation,  ///< the port's emulation is unknown, so the right command is unknown
@@ -92,8 +92,8 @@ class QUOR_EXPORT PrinterInquiry {
 
  private:
   const std::shared_ptr<ExternalAccessoryPort> port_;
-  std::vector<std::vector<std::uint8_t>>
-      reads_;  // one entry for each read of the last query; empty if the read received nothing
+  std::vector<std::vector<std::uint8_t>> reads_;  // one entry for each read of the last query; an
+                                                  // entry is empty if its read received nothing
 };
 
 }  // namespace quordalvane

@@ -14,13 +14,14 @@
 namespace quordalvane {
 
 /// One way to find out whether a printer has printed a job. JobRun sends and counts the data; the
-/// proof acts before and after the data and judges the answers. From `begin` to the end it sees
-/// every byte that is sent or received.
+/// proof acts before and after the data and judges the answers. From the call of `begin` to the end
+/// of the job, the proof sees every byte that is sent or received.
 ///
 /// Every wait of a proof has a limit. PortLink::Cancelled passes through its functions.
 class Proof : public TransferObserver {
  public:
-  /// Prepares the printer. After a setback the data must not be sent.
+  /// Prepares the printer. If it returns a setback (the reason of a failure), the data must not be
+  /// sent.
   virtual MaybeSetback begin() = 0;
 
   /// Ends the job and waits for the printer's confirmation. `data` is the whole job and not empty.
@@ -33,7 +34,8 @@ class Proof : public TransferObserver {
   /// Returns the command that makes the printer drop the data that it has not printed yet.
   virtual ByteView dropCommand() const = 0;
 
-  /// Called with a reason when the printer pauses in a job, and with "" when it continues the job.
+  /// Called with a reason when the printer pauses in a job, and with "" when the printer continues
+  /// the job.
   using Waiting = std::function<void(const std::string&)>;
   void setWaiting(Waiting waiting) { waiting_ = std::move(waiting); }
 

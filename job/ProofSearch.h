@@ -17,7 +17,7 @@ struct FoundProof {
 /// Asks an ESC/POS printer that is on line which proof it gives, and stores the result in `found`.
 /// No paper moves. A printer that gives a proof answers at once; after a second of silence the
 /// search ends. The caller must feed `answers` with all bytes that are read on the link. Returns a
-/// setback if the link does not take the query.
+/// setback, which holds the reason, if the link does not take the query.
 MaybeSetback findProof(PortLink& link, const EscPosAnswers& answers, FoundProof& found);
 
 }  // namespace quordalvane

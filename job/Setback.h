@@ -10,7 +10,7 @@ namespace quordalvane {
 /// The reason why a job ends without a confirmation.
 struct Setback {
   PrintObstacle obstacle;
-  std::string reason;  ///< for a person
+  std::string reason;  ///< the reason as a text for a person
 };
 
 /// A setback, or null after success.

@@ -9,7 +9,7 @@
 namespace quordalvane {
 
 /// Returns whether a status block of line mode may begin with this byte: its two highest bits are
-/// 10, and its length covers at least the header and the version of the layout.
+/// 10, and the length in it covers at least the header and the version of the layout.
 inline bool startsStatusBlock(std::uint8_t byte) {
   return (byte & 0xc0) == 0x80 && CalculateStatusLength(byte) >= 2;
 }

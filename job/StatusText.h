@@ -10,8 +10,8 @@ namespace quordalvane {
 /// Returns "off line" if the printer gives no reason, and "" if the printer is on line.
 std::string whyOffline(const QuorPrinterStatus_2& status);
 
-/// Returns the errors in the status, in the words of `whyOffline`, even if the printer is on line;
-/// "" if there are no errors.
+/// Returns the errors in the status, in the words of `whyOffline`, or "" if there are no errors.
+/// The printer may have errors while it is on line.
 std::string errorsIn(const QuorPrinterStatus_2& status);
 
 /// Returns why the printer is not ready: its errors, or "off line". Returns "" if the printer is

@@ -5,7 +5,7 @@
 
 namespace quordalvane {
 
-/// The reason of a job that failed because the printer sent no answer.
+/// The reason that a job reports if it failed because the printer sent no answer.
 inline constexpr auto noAnswer =
     "the printer does not answer; it may be switched off, set to another emulation, or in use by "
     "another program";
