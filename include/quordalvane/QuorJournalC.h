@@ -147,8 +147,8 @@ QUOR_EXPORT int64_t quor_named_job_attempt(QuorNamedJob* job);
 QUOR_EXPORT int32_t quor_named_job_is_repeated(QuorNamedJob* job);
 
 /** Copies the reason why the outcome could not be recorded, for a person to read. Returns QUOR_NONE
- * if the outcome was recorded. An outcome that was not recorded is correct as well, but the next
- * call with this job name will answer that the outcome is unknown. */
+ * if the outcome was recorded. The outcome is correct even if it was not recorded, but in this case
+ * the next call with the same job name will answer that the outcome is unknown. */
 QUOR_EXPORT QuorCode quor_named_job_not_recorded(QuorNamedJob* job, char* text, size_t capacity,
                                                  size_t* length);
 
