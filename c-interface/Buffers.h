@@ -9,7 +9,7 @@
 
 #include "c-interface/Failures.h"
 
-// Texts and bytes enter and leave the library as copies from and into the caller's buffers.
+// The library copies texts and bytes from the caller's buffers and into the caller's buffers.
 
 namespace quordalvane::c {
 
@@ -25,8 +25,8 @@ struct Buffer {
 /// the result of the exchange is not lost.
 const Buffer& usable(const Buffer& buffer);
 
-/// Copies the bytes into the buffer and stores their number. If the buffer is too small, stores the
-/// number and throws QUOR_BUFFER_TOO_SMALL.
+/// Copies the bytes into the buffer and stores their number. If the buffer is too small, stores
+/// only the number and throws QUOR_BUFFER_TOO_SMALL.
 void copyBytes(std::span<const std::uint8_t> bytes, const Buffer& buffer);
 
 /// Copies `text` and a NUL, as `copyBytes` does. If `text` is null, stores the length 0 and returns

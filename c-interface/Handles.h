@@ -64,8 +64,8 @@ struct QuorPrintJob {
                                 }
                               }}) {}
 
-  /// Called before the job runs; a second call throws QUOR_USAGE. Sets the result that holds if the
-  /// run ends by an exception: the number of bytes sent is then unknown.
+  /// Called before the job runs; a second call throws QUOR_USAGE. Sets the result for a run that
+  /// ends with an exception: the number of bytes sent is then unknown.
   void begin(std::size_t size) {
     if (hasRun.exchange(true)) {
       throw quordalvane::c::CallFailure(QUOR_USAGE,
@@ -76,7 +76,7 @@ struct QuorPrintJob {
     result.bytesTotal = size;
   }
 
-  std::string waitsFor;  // set while the job runs
+  std::string waitsFor;  // the reason of the printer's pause; set while the job runs
   Progress progress;     // may be empty; a named job extends it before the run
   quordalvane::PrintJob job;
   quordalvane::PrintResult result;

@@ -33,7 +33,7 @@ ZKEmulation emulationOf(int32_t number) {
 
 // Returns whether the port has chosen this accessory. It also compares the name and the serial
 // number, because two accessories may have the same identifier. The port has these texts even after
-// an open that failed.
+// `open` has failed.
 bool hasChosen(const ExternalAccessoryPort& port, EAAccessory& accessory) {
   return accessory.connectionID() == port.connectionID() && accessory.name() == port.name() &&
          accessory.serialNumber() == port.serialNumber();
