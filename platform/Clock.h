@@ -30,8 +30,8 @@ class QUOR_EXPORT Clock {
   /// at once.
   virtual void usleep(std::uint64_t microseconds) = 0;
 
-  /// Sleeps for `microseconds`, as a `select` call without descriptors does. A million or more is
-  /// allowed. With zero or less it returns at once.
+  /// Sleeps for `microseconds`, as a `select` call without descriptors does. A value of a million
+  /// or more is allowed. With zero or less it returns at once.
   virtual void select(std::int32_t microseconds) = 0;
 };
 

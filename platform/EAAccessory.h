@@ -15,7 +15,7 @@ namespace quordalvane {
 
 /// An open connection to an accessory, with its two streams. Destroying the session ends the
 /// connection and releases the link. The destructor may wait, for a few seconds at most, until the
-/// device has taken the bytes that are under way.
+/// device has taken the bytes that were written.
 class QUOR_EXPORT EASession {
  public:
   virtual ~EASession() = default;
@@ -27,8 +27,9 @@ class QUOR_EXPORT EASession {
   virtual std::shared_ptr<NSOutputStream> outputStream() = 0;
   /// @}
 
-  /// Makes the session end without waiting for the bytes under way, which may be lost. The default
-  /// does nothing, which is right if the sessions of a back end close without waiting.
+  /// Makes the session end without waiting until the device has taken the bytes that were written.
+  /// The bytes that it has not taken may be lost. The default does nothing, which is right if the
+  /// sessions of a back end close without waiting.
   virtual void abandon() {}
 };
 
@@ -42,7 +43,7 @@ class QUOR_EXPORT EAAccessory {
   /// exactly this text.
   virtual std::optional<std::string> name() = 0;
 
-  /// Returns the serial number. A port name may also select the accessory by exactly this text.
+  /// Returns the serial number. A port name may select the accessory by exactly this text.
   virtual std::optional<std::string> serialNumber() = 0;
 
   /// Returns the model number. A port ignores accessories whose model number begins with "KLT" and
@@ -62,21 +63,22 @@ class QUOR_EXPORT EAAccessory {
   virtual std::uint64_t connectionID() = 0;
 
   /// Returns how the printer confirms print jobs, if this is configured; otherwise `Auto`. Jobs use
-  /// it, ports do not.
+  /// this setting; ports do not.
   virtual ProofKind proof() { return ProofKind::Auto; }
 
   /// Returns a text for people with the accessory's name and, if it has one, its Bluetooth address.
   /// The first part of the text that looks like an address counts as the accessory's address. So
-  /// the address must precede any other part that could look like an address.
+  /// the address must precede any other part of the text that could look like an address.
   virtual std::string description() = 0;
 
   /// Returns false if the link is lost (end of stream, error or hang-up) and all bytes that arrived
-  /// before were read. Returns true for an accessory without a session.
+  /// before the loss were read. Returns true for an accessory without a session.
   virtual bool isConnected() = 0;
 
-  /// For a caller that waits for the loss of the link and reads nothing. If the link is lost,
-  /// unread bytes no longer make `isConnected` return true. Otherwise this has no effect. The
-  /// default does nothing, which is right for back ends that keep no bytes after the end.
+  /// Called by code that waits for the loss of the link and reads nothing. If the link is lost,
+  /// unread bytes no longer make `isConnected` return true. If the link is not lost, this call has
+  /// no effect. The default does nothing, which is right for back ends that keep no unread bytes
+  /// after the link is lost.
   virtual void noticeLoss() {}
 
   /// Opens a session on `protocol`. Returns null if the accessory cannot be reached or refuses the

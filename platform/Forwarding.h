@@ -41,7 +41,8 @@ class ForwardingRunLoop : public NSRunLoop {
   NSRunLoop& next_;
 };
 
-/// The common part of both directions. `Stream` is NSInputStream or NSOutputStream.
+/// The common part of the classes for input and output streams. `Stream` is NSInputStream or
+/// NSOutputStream.
 template <typename Stream>
 class ForwardingStream : public Stream {
  public:

@@ -12,12 +12,12 @@ class QUOR_EXPORT NSRunLoop {
   virtual ~NSRunLoop() = default;
 
   /// Runs the routines that other threads pass to this thread, and waits for more routines, until
-  /// `seconds` have passed on a steady clock. With zero or less it runs only the routines that are
-  /// waiting, and returns.
+  /// `seconds` have passed on a steady clock. With zero or less it runs only the routines that were
+  /// passed already, and returns.
   virtual void runUntilDate(double seconds) = 0;
 
-  /// Works as the function above, but also returns as soon as `awaited` is ready or its link is
-  /// lost.
+  /// Works as the function above, but also returns as soon as `awaited` has bytes or space, or its
+  /// link is lost.
   virtual void runUntilDate(double seconds, NSStream& awaited) = 0;
 };
 

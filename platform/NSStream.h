@@ -24,9 +24,9 @@ class QUOR_EXPORT NSStream {
   /// does not keep the receiver alive.
   virtual void setDelegate(std::weak_ptr<const void> delegate) = 0;
 
-  /// Schedules the stream on `runLoop`, in `mode`. A port calls this before `open`, on the thread
-  /// of the loop. A stream that needs a loop to move its bytes or to report its events uses this
-  /// loop; other streams do nothing.
+  /// Schedules the stream on `runLoop`, in the run-loop mode `mode`. A port calls this before
+  /// `open`, on the thread of the loop. A stream that needs a loop to move its bytes or to report
+  /// its events uses this loop; other streams do nothing.
   virtual void scheduleInRunLoop(NSRunLoop& runLoop, std::string_view mode) = 0;
 
   /// Removes the stream from `runLoop` in `mode`; afterwards the stream does no work on this loop.
@@ -72,9 +72,9 @@ class QUOR_EXPORT NSOutputStream : public NSStream {
   /// still returns true because some received bytes are unread. Returns false for a closed stream.
   virtual bool hasSpaceAvailable() = 0;
 
-  /// Says whether the accessory may answer the bytes of the following writes; initially it may. A
-  /// port calls this function before each write. Streams that count the expected answers for
-  /// `expectsBytes` use it; other streams do nothing.
+  /// Says whether the accessory may answer the bytes of later writes; initially it may. A port
+  /// calls this function before each write. Streams that count the expected answers for
+  /// `expectsBytes` use this information; other streams ignore it.
   virtual void setMayBeAnswered(bool /*mayBeAnswered*/) {}
 
   /// Writes at most `maxLength` bytes. Returns the number of bytes taken, which may be smaller than

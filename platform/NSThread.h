@@ -13,17 +13,17 @@ class QUOR_EXPORT NSThread {
   virtual ~NSThread() = default;
 
   /// Starts the thread. May be called once. Returns false if the system cannot create the thread;
-  /// its body then never runs and is destroyed before `start` returns. Otherwise the body is
-  /// destroyed when it has ended.
+  /// the function that the thread should run is then never called, and is destroyed before `start`
+  /// returns. Otherwise this function is destroyed when it has returned.
   virtual bool start() = 0;
 
   /// Marks the thread as cancelled. This is only a request and does not end the thread.
   virtual void cancel() = 0;
 
-  /// Runs `routine` on the thread's run loop, and returns true when it has finished. Returns false,
-  /// without running `routine`, if the thread has not started or no longer runs its loop. If
-  /// `routine` throws, `performAndWait` throws the same exception. A call on the thread itself runs
-  /// `routine` directly.
+  /// Runs `routine` on the thread's run loop, and returns true when the routine has finished.
+  /// Returns false, without running `routine`, if the thread has not started or no longer runs its
+  /// loop. If `routine` throws, `performAndWait` throws the same exception. A call on the thread
+  /// itself runs `routine` directly.
   virtual bool performAndWait(std::function<void()> routine) = 0;
 };
 

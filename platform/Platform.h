@@ -61,8 +61,8 @@ class QUOR_EXPORT Platform {
   /// Makes the process ignore the signal SIGPIPE.
   virtual void ignoreSigPipe() = 0;
 
-  /// Returns a number of 32 unpredictable bits. The default takes it from the system's generator.
-  /// Jobs use it, ports do not.
+  /// Returns a number of 32 unpredictable bits. The default takes the number from the system's
+  /// random generator. Jobs use this function; ports do not.
   virtual std::uint32_t randomNumber();
 };
 

@@ -16,7 +16,7 @@ enum class ProofKind : std::int32_t {
   None = QUOR_PROOF_NONE,  ///< no proof
   Auto = QUOR_PROOF_AUTO,  ///< the printer is asked which of the other proofs it gives
   Block =
-      QUOR_PROOF_BLOCK,  ///< the checked block: the printer counts marks before and after the data
+      QUOR_PROOF_BLOCK,  ///< the checked block: the printer counts the marks that enclose the data
   ProcessId =
       QUOR_PROOF_PROCESS_ID,  ///< the printer sends back four random characters that end the job
   InOrder = QUOR_PROOF_IN_ORDER,  ///< the printer answers a query that ends the job
