@@ -9,11 +9,11 @@
 
 namespace quordalvane {
 
-/// The ESC/POS status queries, each with the command that sends it.
+/// The ESC/POS status queries.
 enum class StatusType : std::uint32_t {
-  CashDrawer = 0,  ///< 10 04 01
-  CoverOpen = 1,   ///< 10 04 02
-  PaperEmpty = 2,  ///< 10 04 04
+  CashDrawer = 0,  ///< sent by the command 10 04 01
+  CoverOpen = 1,   ///< sent by the command 10 04 02
+  PaperEmpty = 2,  ///< sent by the command 10 04 04
   All = 3,         ///< all three queries; no single byte answers them
 };
 
