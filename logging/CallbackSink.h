@@ -11,17 +11,17 @@ namespace quordalvane {
 /// Calls a function of the application for every record.
 class QUOR_EXPORT CallbackSink : public LogSink {
  public:
-  /// The application's function. It runs on the writer thread and may itself log. If it throws, the
-  /// delivery reports the first exception and continues to call it. The received records contain
-  /// the object and the message as appendPrintable writes them: control characters are escaped and
-  /// invalid bytes replaced.
+  /// The application's function. It runs on the writer thread and may itself log. If it throws,
+  /// LogDelivery reports the first exception and continues to call the function. The received
+  /// records contain the object and the message as appendPrintable writes them: control characters
+  /// are escaped and invalid bytes replaced.
   using Callback = std::function<void(const LogRecord&)>;
 
   /// Stores `callback`, which must not be empty.
   explicit CallbackSink(Callback callback) : callback_(std::move(callback)) {}
 
-  /// Calls the function for every record, also after a call that threw. Afterwards throws the first
-  /// of these exceptions.
+  /// Calls the function for every record, even if an earlier call threw. Afterwards throws the
+  /// first exception that a call threw.
   void write(std::span<const LogRecord> records) override;
 
  private:

@@ -6,8 +6,8 @@
 
 namespace quordalvane {
 
-/// The number of bytes that the system took, and the error that ended the write early, if there was
-/// one.
+/// The number of bytes that the system took, and the error that ended the write early, if an error
+/// occurred.
 struct WriteOutcome {
   std::size_t written = 0;
   std::error_code error;

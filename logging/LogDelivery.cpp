@@ -35,8 +35,8 @@ void reportToStandardError(std::string_view reason) noexcept {
 }
 
 /// Blocks all signals on the writer thread. So this thread never handles a signal of the
-/// application. A write to a pipe without a reader fails for one sink, and SIGPIPE does not end the
-/// process.
+/// application. If a sink writes to a pipe without a reader, only this write fails, and SIGPIPE
+/// does not end the process.
 void blockSignals() noexcept {
   sigset_t all;
   sigfillset(&all);
@@ -106,8 +106,9 @@ void LogDelivery::runWriter(LogQueue::Batch& batch) {
   }
 }
 
-/// Passes the batch to every sink. If records are missing before or after the batch, adds a report
-/// of their number there. Returns false if memory is short; then no sink has received a record.
+/// Passes the batch to every sink. If records are missing before or after the batch, adds a record
+/// there that reports their number. Returns false if memory is short; then no sink has received a
+/// record.
 bool LogDelivery::deliver(LogQueue::Batch& batch) {
   try {
     const AttachedSinks sinks = attachedSinks();
@@ -139,8 +140,8 @@ void LogDelivery::noteUndelivered(const LogQueue::Batch& batch) noexcept {
   undelivered_.records += batch.records.size() + batch.dropped;
 }
 
-/// Returns a record that reports how many records are missing. The returned record takes their
-/// place in the log.
+/// Returns a record that reports how many records are missing. In the log, this record replaces the
+/// missing records.
 LogRecord LogDelivery::recordOf(const Missing& missing, const char* why) {
   return {.time = missing.since,
           .thread = currentThreadId(),

@@ -55,8 +55,8 @@ class LogDelivery {
 
   /// Waits until the sinks have received every record queued so far, or until `timeout` has passed,
   /// for example because a sink hangs. Returns true if the sinks have received all these records.
-  /// With a time-out of zero it does not wait. If a sink calls `flush` while records are in the
-  /// queue, it returns false at once, because the sink would wait for itself.
+  /// With a time-out of zero `flush` does not wait. If a sink calls `flush` while records are in
+  /// the queue, `flush` returns false at once, because the sink would wait for itself.
   bool flush(std::chrono::milliseconds timeout);
 
   /// Returns how many records were handed over, and how many of them were dropped.

@@ -30,7 +30,8 @@ class LogQueue {
   struct Counts {
     std::uint64_t handedOver =
         0;  ///< number of records pushed, including those pushed while the queue was closed
-    std::uint64_t dropped = 0;  ///< number of records dropped because the queue was full, or lost
+    std::uint64_t dropped = 0;  ///< number of these records that were dropped because the queue was
+                                ///< full, or lost (see lose)
   };
 
   /// The initial and the maximum number of records that may wait. Memory for this number is
@@ -42,15 +43,15 @@ class LogQueue {
   /// @}
 
   /// The maximum total size in bytes of the waiting messages. Above this size the queue counts as
-  /// full. A few messages can be enough for that, because dumps of print data are long.
+  /// full. A few messages can be enough to exceed it, because dumps of print data are long.
   static constexpr std::size_t textLimit = std::size_t{64} << 20U;
 
-  /// How long `take` waits for more records after the first. The writer then wakes up once for all
-  /// these records, because a wake-up costs more than many records.
+  /// How long `take` waits for more records after the first record. The writer then wakes up once
+  /// for all these records, because a wake-up costs more than many records.
   static constexpr std::chrono::milliseconds usualGatherTime{1};
 
   /// Creates a closed queue. With a `gatherTime` of zero, `take` does not wait for more records
-  /// after the first.
+  /// after the first record.
   explicit LogQueue(std::chrono::milliseconds gatherTime = usualGatherTime)
       : gatherTime_(gatherTime) {}
 
@@ -74,24 +75,26 @@ class LogQueue {
   void close() noexcept;
   /// @}
 
-  /// Waits for a record, then for more records for at most the gather time, and swaps all queued
-  /// records with `batch`, which must be empty. The wait for more ends early if the queue is half
-  /// full or closed. Returns false at once if the queue is closed and empty.
+  /// Waits for a first record, and after it for more records, at most for the gather time. Then
+  /// swaps all queued records with `batch`, which must be empty. The wait for more records ends
+  /// early if the queue is half full or closed. Returns false at once if the queue is closed and
+  /// empty.
   ///
-  /// The queue then uses the memory of `batch`, which it enlarges to its capacity. If memory is
-  /// short, the queue can hold only as many records as `batch` has room for. `batch` must have room
-  /// for at least one record.
+  /// The queue then uses the memory of `batch`, after it has enlarged this memory to the capacity
+  /// of the queue. If memory is short, the queue can hold only as many records as `batch` has room
+  /// for. `batch` must have room for at least one record.
   bool take(Batch& batch);
 
-  /// Counts `records` of the taken records as finished, because the sinks have received them.
+  /// Counts taken records as finished, because the sinks have received them; `records` is their
+  /// number.
   void finish(std::size_t records);
 
-  /// Counts `records` of the taken records as finished and as dropped, because no sink received
-  /// them.
+  /// Counts taken records as dropped, because no sink received them; `records` is their number.
+  /// These records are finished as well, so nobody waits for them.
   void lose(std::size_t records);
 
   /// Waits until every record queued so far is finished. Returns false if this takes longer than
-  /// `timeout`. With a time-out of zero it does not wait.
+  /// `timeout`. With a time-out of zero this function does not wait.
   bool waitUntilFinished(std::chrono::milliseconds timeout);
 
   /// Returns all counts as they are at one moment.

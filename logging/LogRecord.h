@@ -15,7 +15,7 @@ enum _ZKLogType : std::int32_t {     // NOLINT: the name is given
   ZKLogTypeQuorIOAPIEnd = 1,         ///< a public call ends
   ZKLogTypeInternalMethodStart = 2,  ///< an internal method begins
   ZKLogTypeInternalMethodEnd = 3,    ///< an internal method ends
-  ZKLogTypeWrite = 4,                ///< bytes that went to the printer
+  ZKLogTypeWrite = 4,                ///< bytes that were sent to the printer
   ZKLogTypeRead = 5,                 ///< bytes that the printer sent
   ZKLogTypeProcess = 6,              ///< a step of an operation
   ZKLogTypeError = 7,                ///< something failed
@@ -33,8 +33,8 @@ std::int32_t currentThreadId() noexcept;
 /// Returns the time for a record that is made now.
 std::chrono::system_clock::time_point currentTime() noexcept;
 
-/// One log record. `file` and `method` are not copied: they are never null and must stay valid
-/// until the process ends, like the string literals of a program.
+/// One log record. `file` and `method` are not copied: they are never null and must be valid until
+/// the process ends, as string literals are.
 struct LogRecord {
   std::chrono::system_clock::time_point time;  ///< when the record was made
   std::int32_t thread = 0;            ///< the ID of the thread that logged; see currentThreadId

@@ -35,8 +35,8 @@ class QUOR_EXPORT RotatingFile {
   RotatingFile(const RotatingFile&) = delete;
   RotatingFile& operator=(const RotatingFile&) = delete;
 
-  /// Adds `line`, which must end with a line feed. The line may stay in memory until `flush`, or
-  /// until 256 KiB have been collected. Throws the exceptions of `flush`.
+  /// Adds `line`, which must end with a line feed. The line may remain in memory until `flush` is
+  /// called, or until 256 KiB of lines have been collected. Throws the exceptions of `flush`.
   void append(std::string_view line);
 
   /// Writes the lines that are in memory. If somebody has moved or removed the file, creates it
