@@ -34,7 +34,7 @@ class QUOR_EXPORT ByteLock {
 
   /// Returns whether any process, this one included, holds the lock on byte `offset` of `file`.
   /// Returns false if the file does not exist. Throws `std::system_error` if the file cannot be
-  /// opened or asked.
+  /// opened or the lock cannot be queried.
   static bool isTaken(const std::filesystem::path& file, std::int64_t offset);
 
   ByteLock(ByteLock&& other) noexcept;
