@@ -16,13 +16,14 @@ struct Attempt {
   Fingerprint data = {};
   std::string device = {};                 ///< the text of the device
   std::int64_t begun = 0;                  ///< in milliseconds since 1970, UTC
-  std::optional<std::int64_t> ended = {};  ///< in the same unit; null before its end
-  std::string outcome = {};                ///< the name of a `PrintOutcome`; "" before the end
-  std::uint64_t bytesAccepted = 0;         ///< as in `PrintResult`
-  std::string reason = {};                 ///< as in `PrintResult`
+  std::optional<std::int64_t> ended = {};  ///< in the same unit; null before the attempt has ended
+  std::string outcome = {};  ///< the name of a `PrintOutcome`; "" before the attempt has ended
+  std::uint64_t bytesAccepted = 0;  ///< as in `PrintResult`
+  std::string reason = {};          ///< as in `PrintResult`
 
-  /// The name of the proof that was used, as in `PrintResult`. "" if an older version of the
-  /// journal, which did not record it, wrote this row; the obstacle is then NoProof.
+  /// The name of the proof that was used, as in `PrintResult`. "" in a row that an older version of
+  /// the journal wrote, because older versions did not record the proof; the obstacle is then
+  /// NoProof.
   std::string proof = {};
   PrintObstacle obstacle =
       PrintObstacle::NoProof;  ///< as in `PrintResult`; valid after the attempt has ended

@@ -13,8 +13,8 @@ struct sqlite3_stmt;
 
 namespace quordalvane {
 
-/// A prepared SQL statement. The database keeps it, and uses it again for the next statement of the
-/// same text. Each call of `with` binds the next parameter.
+/// A prepared SQL statement. The database keeps the prepared form, and uses it again for the next
+/// statement with the same text. Each call of `with` binds the next parameter.
 class Statement {
  public:
   Statement& with(std::int64_t value);

@@ -6,7 +6,8 @@
 
 namespace quordalvane {
 
-/// Identifies the data of a job. The journal keeps only this, because the data itself is private.
+/// Identifies the data of a job. The journal keeps only the fingerprint, because the data itself is
+/// private.
 struct Fingerprint {
   std::uint64_t bytes = 0;  ///< the length of the data
   std::string sha256;       ///< the SHA-256 of the data, 32 bytes

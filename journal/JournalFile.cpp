@@ -98,8 +98,8 @@ void refuseNetwork(const std::filesystem::path& file) {
   }
 }
 
-// The locks and the database's own log are files beside the journal, and are named after it. Under
-// two names, two processes would not see each other's.
+// The locks and the database's own log are files beside the journal, and are named after it. If two
+// processes used two names of one journal, neither would see the locks and the log of the other.
 void refuseSecondName(const std::filesystem::path& file) {
   struct stat found = {};
   if (::stat(file.c_str(), &found) == 0 && S_ISREG(found.st_mode) && found.st_nlink > 1) {

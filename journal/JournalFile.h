@@ -18,7 +18,7 @@ std::optional<std::string_view> networkFileSystem(unsigned long type);
 
 /// Returns the path of `file` with all symbolic links resolved. Creates missing folders above it,
 /// which only this user may use, and writes them to disk. Throws `JournalError` if this fails, or
-/// if a folder is on a network file system, or if the file has a second name, as a hard link.
+/// if a folder is on a network file system, or if the file has more than one hard link.
 std::filesystem::path preparedPath(const std::filesystem::path& file);
 
 /// Creates an empty journal that only this user may read and write. The file gets its name only
@@ -28,7 +28,7 @@ std::filesystem::path preparedPath(const std::filesystem::path& file);
 void makeJournal(const std::filesystem::path& file);
 
 /// The lock file of a journal. One of its bytes is the lock for opening the journal; other bytes
-/// are the locks of the names.
+/// are the locks of the job names.
 /// @{
 std::filesystem::path lockFileOf(const std::filesystem::path& journal);
 constexpr std::int64_t offsetOfOpening = 0;

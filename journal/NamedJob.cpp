@@ -126,8 +126,9 @@ PrintJob::Options NamedJob::recorded(PrintJob::Options options) {
   return options;
 }
 
-/// Runs in the middle of a checked block. If the record cannot be written, this function cancels
-/// the job and does not throw, because an exception would leave the printer inside the block.
+/// The job calls this function in the middle of a checked block. If the record cannot be written,
+/// this function cancels the job and does not throw, because an exception would leave the printer
+/// inside the block.
 void NamedJob::recordBegin() {
   if (failure_) {
     return;

@@ -19,7 +19,7 @@ namespace quordalvane {
 /// The name of a job, and how to run it.
 struct NamedJobRequest {
   std::string name;    ///< 1 to 255 bytes of UTF-8 without control characters
-  std::string device;  ///< the device text; only recorded, for people who read the journal
+  std::string device;  ///< the device text, recorded only for people who read the journal
 
   /// True: print the job again although nobody knows whether it is on paper. Set this only after a
   /// person has looked at the paper.
@@ -32,8 +32,8 @@ struct NamedJobRequest {
   /// How long to wait for another process that is printing the job. Zero means not to wait.
   std::chrono::milliseconds timeout = std::chrono::seconds(10);
 
-  /// The constructor of `NamedJob` calls this function once, on its own thread, if it has to wait
-  /// for another process that is printing the job. May be empty.
+  /// The constructor of `NamedJob` calls this function once, on the caller's thread, if the
+  /// constructor has to wait for another process that is printing the job. May be empty.
   std::function<void()> onWait = {};
 };
 
@@ -43,17 +43,17 @@ struct NamedJobResult {
   std::int64_t attempt = 0;  ///< the number of the deciding attempt, from 1; 0 without an attempt
   bool isRepeated = false;   ///< true if an earlier call printed the job; this call sent nothing
 
-  /// Two times, in milliseconds since 1970, UTC: when that attempt began, and when a person was
-  /// told that the outcome is unknown (see `NamedJob::tell`). They are set only if the journal gave
-  /// the answer and nothing was sent.
+  /// Two times, in milliseconds since 1970, UTC: when the deciding attempt began, and when a person
+  /// was told that the outcome is unknown (see `NamedJob::tell`). Both times are set only if the
+  /// journal gave the answer and nothing was sent.
   /// @{
   std::int64_t begun = 0;
   std::optional<std::int64_t> told = {};
   /// @}
 
   /// The reason why the outcome could not be recorded, for a person; "" if it was recorded.
-  /// `result` is correct in both cases, but the next call with this name will answer that the
-  /// outcome is unknown.
+  /// `result` is correct even if it was not recorded, but in this case the next call with the same
+  /// job name will answer that the outcome is unknown.
   std::string notRecorded = {};
 };
 
@@ -91,8 +91,8 @@ class QUOR_EXPORT NamedJob {
   ///
   /// - no such job, or the job was refused: null;
   /// - the job was printed: Printed, with `isRepeated`;
-  /// - the outcome is unknown, or the process ended before it recorded one: Unconfirmed, with the
-  ///   reason; null if `again` is set;
+  /// - the outcome is unknown, or the process ended before it recorded an outcome: Unconfirmed,
+  ///   with the reason; null if `again` is set;
   /// - another process is still printing the job when the time-out has passed: Unconfirmed; the
   ///   reason says so.
   const std::optional<NamedJobResult>& answer() const { return answer_; }

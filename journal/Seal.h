@@ -11,8 +11,8 @@ namespace quordalvane {
 // the job of that row would be printed again. Therefore the journal keeps a digest of all its rows,
 // the seal.
 
-/// Adds a row to the digest of all rows, or removes it if it was added before. The caller must have
-/// begun a transaction.
+/// Adds a row to the digest of all rows; if the row was added before, removes it from the digest.
+/// The caller must have begun a transaction.
 void changeSeal(Database& database, const Attempt& row);
 
 /// Reads the whole file. Throws `JournalError` unless the file is sound and contains exactly the
