@@ -7,8 +7,8 @@ namespace {
 
 constexpr std::size_t longest = 100;
 
-// Returns the length of the longest beginning of a valid UTF-8 text that has at most `longest`
-// bytes and ends with a whole character.
+// Returns how many bytes of `text`, which is valid UTF-8 and longer than `longest`, should be kept:
+// at most `longest`, and only whole characters.
 std::size_t wholeCharacters(std::string_view text) {
   std::size_t end = longest;
   while ((static_cast<unsigned char>(text[end]) & 0xc0U) == 0x80U) {

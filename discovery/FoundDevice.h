@@ -24,8 +24,8 @@ struct FoundDevice {
   std::optional<bool> reachable;  ///< null if this is unknown before a session is opened
 };
 
-/// Makes a text from outside fit for a `FoundDevice`: escapes control characters, and cuts it after
-/// about 100 bytes.
+/// Makes a text from outside fit for a `FoundDevice`: escapes control characters, and shortens the
+/// text to about 100 bytes.
 std::string shownText(std::string_view text);
 
 }  // namespace quordalvane

@@ -36,7 +36,7 @@ fs::path usbDeviceOf(const fs::path& entry) {
 }
 
 // Returns the permanent name of `node`: a link whose name does not change when the device is
-// plugged in at another place. Returns `node` itself if there is no such link.
+// plugged into another socket. Returns `node` itself if there is no such link.
 fs::path lastingNameOf(const fs::path& node, const SerialRoots& roots) {
   std::vector<fs::path> links = posix::entriesOf(roots.dev / "serial/by-id");
   std::sort(links.begin(), links.end());

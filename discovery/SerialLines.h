@@ -14,7 +14,7 @@ struct SerialRoots {
 };
 
 /// Returns the serial lines that have hardware, ordered by name. The function does not open the
-/// lines, so the device at the other end of a line is unknown. If the system has a permanent name
+/// lines, so the device that is connected to a line is unknown. If the system has a permanent name
 /// for a line, the device text contains this name.
 std::vector<FoundDevice> serialLines(const SerialRoots& roots = {});
 

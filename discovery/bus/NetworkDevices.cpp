@@ -76,15 +76,15 @@ std::string placeOf(const std::string& address, std::uint16_t port, std::int32_t
   return "[" + address + (isOfLink ? "%" + std::string(name) : "") + "]" + end;
 }
 
-/// Receives announcements and asks for the address of each.
+/// Receives announcements of printers and asks for the address of each printer.
 class Search {
  public:
   Search(Bus& bus, SteadyTime deadline)
       : bus_(bus),
         server_(sdbus::createProxy(bus.connection(), bluez::ServiceName(serviceName),
                                    sdbus::ObjectPath("/"))),
-        // The match is added first, because announcements may arrive before the answer to
-        // ServiceBrowserNew.
+        // The match rule for announcements is added first, because they may arrive before the
+        // answer to ServiceBrowserNew.
         match_(bluez::addMatch(bus.connection(),
                                "type='signal',sender='org.freedesktop.Avahi',"
                                "interface='org.freedesktop.Avahi.ServiceBrowser',member='ItemNew'",
