@@ -7,8 +7,8 @@
 
 namespace quordalvane {
 
-/// Parses all of `text` as a number in this base. Returns null if it is not a number or does not
-/// fit into the type.
+/// Parses all of `text` as a number in the base `base`. Returns null if the text is not a number or
+/// the number does not fit into the type.
 template <typename Number>
 std::optional<Number> numberIn(std::string_view text, int base = 10) {
   Number number{};

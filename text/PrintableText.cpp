@@ -55,7 +55,7 @@ void appendControl(std::string& out, std::uint32_t codePoint) {
 }
 
 /// Appends the first character of `text`, which needs an escape or is longer than a byte. Returns
-/// how many bytes of the text it took.
+/// how many bytes of the text this character has.
 std::size_t appendSpecial(std::string& out, std::string_view text) {
   const Character character = firstCharacter(text);
   if (character.length == 0) {
