@@ -9,7 +9,8 @@
 
 namespace quordalvane::cups {
 
-/// The job that the scheduler has handed to this back end, in its arguments and its environment.
+/// The job that the scheduler has handed to this back end, in the arguments and the environment of
+/// the process.
 struct BackEndJob {
   std::string uri;      ///< the URI of the queue, as the administrator wrote it
   std::string number;   ///< the job's number in the scheduler
@@ -24,11 +25,11 @@ struct BackEndJob {
   std::optional<std::filesystem::path> file;
   /// True if another printer of the queue's class may print the job if this one cannot.
   bool isOfClass = false;
-  /// The state reasons that the queue's printer has now.
+  /// The state reasons (keywords of the print system) that the queue's printer has now.
   std::string standingReasons;
   std::filesystem::path journal;
 
-  /// The scheduler's own record of the job; empty if its place is unknown.
+  /// The file with the scheduler's own record of the job; empty if its path is unknown.
   std::filesystem::path controlFile;
 };
 

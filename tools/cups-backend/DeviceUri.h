@@ -18,9 +18,10 @@ namespace quordalvane::cups {
 /// | `quor:/usb/SERIAL`, `quor:/usb` | `usb:SERIAL`, `usb:` |
 /// | `quor:` and the text of a device | that device |
 ///
-/// `%41` stands for the character with this code. A comma, a slash or a question mark that is
-/// written in this way is data, not a separator. The query takes the keys of the device, and also
-/// `emulation`, `timeout`, `end-timeout` and `copies`, which set the members below.
+/// A percent sign with two hex digits, like `%41`, stands for the character with this code. A
+/// comma, a slash or a question mark that is written in this way is data, not a separator. The
+/// query takes the keys of the device, and also `emulation`, `timeout`, `end-timeout` and `copies`,
+/// which set the members below.
 struct DeviceUri {
   std::string device;  ///< the device text, as `parseDeviceSpec` reads it
 

@@ -21,8 +21,8 @@ sigset_t watchedSignals() {
   return set;
 }
 
-// Closes the input pipes in this process. They then end with the worker, and a filter that still
-// writes gets an error.
+// Closes the input pipes in this process. The pipes then end together with the worker, and a filter
+// that still writes gets an error.
 void leaveInputToWorker() {
   constexpr int backChannel = 3;
   ::close(STDIN_FILENO);

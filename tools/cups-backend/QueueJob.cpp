@@ -47,7 +47,7 @@ ExitCode QueueJob::print(const std::vector<std::uint8_t>& copy,
 }
 
 /// Removes old jobs, so that the journal does not grow for ever. The search for them takes time, so
-/// only every hundredth job makes it.
+/// only one job in a hundred searches.
 void QueueJob::forgetOldJobs() const {
   constexpr unsigned jobsBetween = 100;
   constexpr std::uint32_t daysKept = 30;
@@ -218,8 +218,8 @@ QueueJob::Verdict QueueJob::postpone(const std::string& why, const StateReasons&
   return ExitCode::NextPrinter;
 }
 
-/// Asks the printer over the open link until it is ready. Closes a lost link; the next attempt
-/// opens a new one.
+/// Asks for the status over the open link until the printer is ready. Closes a lost link; the next
+/// attempt opens a new one.
 void QueueJob::awaitReady(const PrintResult& refused) {
   if (refused.obstacle != PrintObstacle::PrinterNotReady || !printer_.port()->isConnected()) {
     printer_.close();

@@ -15,8 +15,8 @@ namespace {
 
 constexpr std::int64_t millisInSecond = 1000;
 
-// The least delay, in milliseconds, between the report and a record that shows a release. Before
-// that, the scheduler may not have held the job yet.
+// The least delay, in milliseconds, between the report and a record that shows a release. Within
+// this delay, the scheduler may not have held the job yet.
 constexpr std::int64_t leastDelay = 1000;
 
 std::int64_t millisSinceBoot() {

@@ -13,7 +13,7 @@ namespace {
 
 // A message is a command, a status, the length of its data in two bytes, and the data. The print
 // system's library has functions for messages, but it loads two dozen other libraries. If a back
-// end were killed during that time, no witness would notice it.
+// end were killed while they are loaded, no witness process would notice that.
 constexpr std::size_t headSize = 4;
 constexpr std::size_t longestData = 65535;
 
@@ -44,7 +44,7 @@ bool SideChannel::serve() {
 }
 
 /// A job is printed only when it is complete. A filter that waited until the first half is printed
-/// would wait for ever, and this back end would wait for the second half.
+/// would wait for ever, because this back end would wait for the second half.
 void SideChannel::answer(cups_sc_command_t command) {
   switch (command) {
     case CUPS_SC_CMD_DRAIN_OUTPUT:
@@ -77,7 +77,7 @@ void SideChannel::answerOwed() {
         state_.data() == PrinterState::Data::Printed ? CUPS_SC_STATUS_OK : CUPS_SC_STATUS_IO_ERROR);
 }
 
-/// This never waits, because the filter that asked is either reading or has ended.
+/// This function never waits, because the filter that asked is either reading or has ended.
 void SideChannel::write(cups_sc_command_t command, cups_sc_status_t status,
                         const std::string& data) {
   std::string message = {static_cast<char>(command), static_cast<char>(status),

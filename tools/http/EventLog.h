@@ -48,7 +48,8 @@ Text eventText(std::string_view name, std::string_view data,
 /// One reader of a log, which reads its first texts and then each event, at its own pace.
 class EventReader {
  public:
-  /// Reads the texts of `first`, then the events after number `after`. The log must outlive this.
+  /// Reads the texts of `first`, then the events after number `after`. The log must outlive this
+  /// object.
   EventReader(const EventLog& log, std::deque<Text> first, std::uint64_t after)
       : log_(log), first_(std::move(first)), next_(after + 1) {}
 

@@ -17,8 +17,8 @@ namespace {
 
 constexpr std::uint16_t usualPort = 80;
 
-// Compares in the same time whatever the count of equal characters is, so that nobody can guess the
-// token piece by piece.
+// The comparison takes the same time, however many characters are equal, so that nobody can guess
+// the token piece by piece.
 bool isSame(std::string_view one, std::string_view other) {
   if (one.size() != other.size()) {
     return false;

@@ -37,7 +37,7 @@ struct Refusal {
 /// refuses the requests of three kinds of pages:
 ///
 /// - A page of another origin: the header `Origin` shows it.
-/// - A page whose host name was redirected to this machine: its `Host` is a name, not an IP
+/// - A page whose host name was redirected to this machine: the header `Host` is a name, not an IP
 ///   address.
 /// - Any other page that does not know the token.
 class Gate {

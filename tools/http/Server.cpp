@@ -24,7 +24,8 @@ constexpr std::size_t pieceSize = std::size_t{8} << 10U;
 // This leaves room for connections that are being cut off. The system queues further clients.
 constexpr unsigned mostOpen = 2 * Server::mostConnections;
 
-// How often the server looks for slow clients, and how often it sends each reader a sign of life.
+// How often the server looks for slow clients, and how often it sends each reader a comment line,
+// which shows that the server still runs.
 constexpr Server::Time reviewPause = 1s;
 constexpr Server::Time heartbeat = 10s;
 
@@ -305,8 +306,8 @@ class Server::Machine {
     }
   }
 
-  // Cuts off the readers that were too slow. The library does not ask for the next bytes of a
-  // reader that takes none, so this cannot be done when it asks.
+  // Cuts off the readers that were too slow. The library asks for the next bytes only for a reader
+  // that takes bytes, so a check at that moment would miss the readers that take none.
   void cutOffLostReaders() {
     for (const Reader& reader : readers_) {
       Connection& its = *connectionOf(reader.connection);

@@ -65,8 +65,8 @@ class Server {
   static constexpr std::chrono::seconds longestWait{20};     ///< the limit for a whole request
   static constexpr std::chrono::seconds longestAnswer{120};  ///< the limit for reading an answer
 
-  /// `listening` is a socket that already listens at `endpoint`; it remains the caller's. Throws
-  /// std::system_error or std::runtime_error if the system refuses.
+  /// `listening` is a socket that already listens at `endpoint`; the caller remains its owner.
+  /// Throws std::system_error or std::runtime_error if the server cannot be started.
   Server(int listening, Endpoint endpoint, Handler handler);
   ~Server();
   Server(const Server&) = delete;

@@ -6,8 +6,8 @@ namespace quordalvane::printer_app {
 
 /// Makes the oldest waiting job the next one on the printer. The framework would print the newest
 /// job first. This function therefore holds all other jobs, with the reason `job-queued`, and
-/// releases each in its turn. A job that a user holds remains held. May be called at any time, from
-/// any thread.
+/// releases them one after another. A job that a user holds remains held. May be called at any
+/// time, from any thread.
 void letOldestGoNext(pappl_printer_t* printer);
 
 /// Returns true if an older job of the same printer is being printed. The framework sometimes

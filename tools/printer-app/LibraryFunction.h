@@ -4,8 +4,8 @@
 
 namespace quordalvane::printer_app {
 
-/// Returns the library's function of this name. This program defines functions of the same names;
-/// the framework calls these, and they call the library's.
+/// Returns the library's function of this name. This program defines its own function of this name,
+/// which the framework calls instead, and which itself calls the library's function.
 template <typename Function>
 Function* libraryFunction(const char* name) {
   return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));

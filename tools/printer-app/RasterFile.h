@@ -18,8 +18,8 @@ class RasterFile {
   RasterFile(const RasterFile&) = delete;
   RasterFile& operator=(const RasterFile&) = delete;
 
-  /// Goes to the next page, whose size is then known. Returns false if there is no next page.
-  /// Throws RenderError if the page is too large or not grey.
+  /// Begins the next page, whose size is known from then on. Returns false if there is no next
+  /// page. Throws RenderError if the page is too large or not grey.
   bool nextPage();
 
   unsigned width() const { return header_.cupsWidth; }

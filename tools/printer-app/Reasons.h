@@ -5,7 +5,7 @@
 
 namespace quordalvane::printer_app {
 
-/// Shows the printer's state after a job in `printer-state-reasons`.
+/// Shows in `printer-state-reasons` the state in which a job has left the printer.
 void showReasons(pappl_printer_t* printer, const PrintResult& result);
 
 /// Asks an idle printer for its status, at most every two seconds, and shows it in

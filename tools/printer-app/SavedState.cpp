@@ -38,7 +38,7 @@ std::string waiting(const std::string& line) {
                             patternOf("processing"), "");
 }
 
-// Returns the path of the new file, until it replaces `file`.
+// Returns the path under which the new file is written before it replaces `file`.
 std::filesystem::path nextTo(const std::filesystem::path& file) {
   return file.string() + ".next";
 }

@@ -9,8 +9,8 @@ namespace quordalvane::tool {
 void occupyDescriptors(int last);
 
 /// Returns a new event descriptor, by which one thread wakes another that polls. `eventfd_write`
-/// makes the descriptor readable, and `eventfd_read` makes it unreadable; neither blocks. The
-/// caller closes it. Throws std::system_error if the system has no descriptor left.
+/// makes the descriptor readable, and `eventfd_read` makes it unreadable; neither function blocks.
+/// The caller closes the descriptor. Throws std::system_error if the system has no descriptor left.
 int openEvent();
 
 }  // namespace quordalvane::tool

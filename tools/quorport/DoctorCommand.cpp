@@ -45,7 +45,7 @@ std::string inLines(const Findings& findings) {
   return text;
 }
 
-// How the printer confirms jobs, and what follows from it.
+// Returns in words how the printer confirms jobs, and the consequence.
 std::string inWords(ProofKind proof) {
   const ProofKind found = proof == ProofKind::Auto ? ProofKind::None : proof;
   return std::string(nameOf(found)) + ": " + std::string(aboutOf(found));
@@ -69,8 +69,8 @@ std::string inLines(const Diagnosis& diagnosis) {
   return (words.empty() ? text : text + label + words + "\n") + proofLine(diagnosis);
 }
 
-// Reports a port name that chooses none of the devices. It reports nothing if no port name could
-// choose one: then another fault is the cause.
+// Reports the port name as a fault if it chooses no device, but `BT:` would choose one. If `BT:`
+// would choose none, the cause is another fault.
 Findings examinePortName(const Options& options, const Surroundings& surroundings) {
   const auto platform = presentDevices(options, surroundings);
   Options anyPrinter = options;

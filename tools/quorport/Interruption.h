@@ -31,7 +31,7 @@ class Interruption {
   /// while nothing is open that must be closed. `giveUp` is necessary because an attempt to
   /// connect, or a read from a pipe, cannot be interrupted.
   ///
-  /// `report` is used if the request ends the command before `setReport`.
+  /// `report` is used if the request ends the command before `setReport` is called.
   Interruption(Report report, GiveUp giveUp);
   ~Interruption();
   Interruption(const Interruption&) = delete;
@@ -71,8 +71,8 @@ class Interruption {
   /// Begins the last stage, whose steps are always completed: a request has no effect any more.
   void end();
 
-  /// Waits for `time`, or until the descriptor `noticed` is readable; -1 means no descriptor.
-  /// Throws Interrupted after a request, in the stage of an open port.
+  /// Waits for `time`, or until the descriptor `noticed` is readable; -1 means no descriptor. In
+  /// the stage of an open port, throws Interrupted after a request.
   void sleep(std::chrono::microseconds time, int noticed = -1);
 
   /// Throws as `sleep` does, but does not wait. To be called in loops that never sleep.

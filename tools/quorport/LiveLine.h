@@ -13,7 +13,7 @@ class LiveLine {
   LiveLine(const LiveLine&) = delete;
   LiveLine& operator=(const LiveLine&) = delete;
 
-  /// Shows `text` instead of the previous text, cut to the width of the terminal.
+  /// Shows `text` instead of the previous text, shortened to the width of the terminal.
   void show(const std::string& text);
 
   /// Removes the line, so that other text can be written.

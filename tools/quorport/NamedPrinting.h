@@ -27,7 +27,7 @@ class NamedPrinting {
   /// Returns the outcome that the journal already knows; null if the job must be printed.
   const PrintResult* answer() const;
 
-  /// Adds the functions that write the journal to `options`. The job that `run` prints must have
+  /// Adds to `options` the functions that write the journal. The job that `run` prints must have
   /// the resulting options.
   PrintJob::Options recorded(PrintJob::Options options);
 

@@ -13,7 +13,7 @@
 namespace quordalvane::tool {
 
 struct StatusOptions {
-  std::uint32_t level = 0;  ///< the level, which only the log shows
+  std::uint32_t level = 0;  ///< the level of the query, which only the log shows
   bool verbose = false;
 };
 

@@ -53,8 +53,9 @@ ExitCode codeOf(const PrintResult& result) {
   return codeOfRefusal(result.obstacle);
 }
 
-// Returns a hint that tells the user how the next job can avoid the question about the proof; "" if
-// this job did not ask. A printer that gave no proof may only have been slow this time.
+// Returns a hint for the user: how the next job can avoid the question about the printer's proof
+// (how it confirms jobs). Returns "" if this job did not ask. A printer that gave no proof may only
+// have been slow this time.
 std::string hintOf(const PrintResult& result) {
   if (!result.hasAskedForProof) {
     return "";
@@ -153,7 +154,8 @@ std::optional<Receipt> receiptFor(const Options& options, const InterruptiblePla
                 : std::nullopt;
 }
 
-// Adds the failure to the report. The job still counts as printed, but the exit status is not 0.
+// Adds to the report that the receipt file is missing. The job still counts as printed, but the
+// exit status is not 0.
 void noteMissingReceipt(Report& report, const std::string& why) {
   if (report.code == ExitCode::Done) {
     report.code = ExitCode::ExchangeFailed;
@@ -177,7 +179,7 @@ std::string chosenDevice(const Options& options, const InterruptiblePlatform& pl
   return devices[static_cast<std::size_t>(chosen - accessories.begin())];
 }
 
-// Waits for the printer's turn, prints the job, and returns its outcome.
+// Waits until no other job uses the printer, prints the job, and returns its outcome.
 PrintResult sendData(const std::vector<std::uint8_t>& data,
                      const std::shared_ptr<InterruptiblePlatform>& platform,
                      const std::string& device, NamedPrinting* named, const Options& options,

@@ -47,8 +47,9 @@ class Candidate : public ForwardingAccessory {
   bool chosen_ = false;
 };
 
-// The platform of a port that only chooses an accessory. It pretends to be off the main thread, so
-// that the port starts no thread, and it skips the pauses around a session, because there is none.
+// The platform of a port that only chooses an accessory. It reports that the calling thread is not
+// the main thread, so that the port starts no thread. It skips the pauses around a session, because
+// no session is opened.
 class Trial : public ForwardingPlatform {
  public:
   Trial() : Trial(std::make_shared<posix::PosixPlatform>()) {}

@@ -17,8 +17,8 @@ namespace quordalvane::tool {
 std::string writeFile(const std::string& bytes, const std::string& file);
 
 /// Writes the bytes to a new file, which gets the name `file` only when it is complete; before that
-/// its name is like `.receipt-0001.png.part`. Returns "" on success, otherwise the reason; then
-/// there is no file.
+/// its name is like `.receipt-0001.png.part`. Returns "" on success. On a failure, returns the
+/// reason and leaves no file.
 std::string writeWholeFile(const std::string& bytes, const std::string& file);
 
 /// Writes the paper to a file by `write`, one of the functions above: as a picture if the name ends

@@ -20,8 +20,8 @@ class Bundle {
   Bundle(const Bundle&) = delete;
   Bundle& operator=(const Bundle&) = delete;
 
-  /// Stops collecting, and writes the file, which only its owner may read. Returns "" on success,
-  /// otherwise the reason; then there is no file. To be called once.
+  /// Stops collecting, and writes the file, which only its owner may read. Returns "" on success.
+  /// On a failure, returns the reason and leaves no file. To be called once.
   std::string write(const Json& findings);
 
  private:

@@ -87,7 +87,7 @@ class Examination {
   }
 
  private:
-  // Returns the device as given, and then with its other possible settings.
+  // Returns the device with the given settings, and then with each other possible setting.
   std::vector<SchemeVariant> variants() const {
     if (scheme_.variants != nullptr) {
       return scheme_.variants(spec_);

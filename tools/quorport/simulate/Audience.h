@@ -35,7 +35,8 @@ class Audience {
   /// Shows the printers' latest output, and does all that can be done for browsers now.
   virtual void work(simulator::Instant now) = 0;
 
-  /// To be called when the paper of a station was torn off; stations are numbered from 0.
+  /// To be called when the paper of a station (a printer with its address) was torn off. Stations
+  /// are numbered from 0.
   virtual void tearOff(std::size_t station, const simulator::Paper& paper) = 0;
 
   /// To be called when the receipts of a job have been drawn.
@@ -44,7 +45,7 @@ class Audience {
 
 /// Serves browsers at `place`, which must be of scheme `tcp:`. `stations` and `control` must
 /// outlive the result. Throws a CommandFailure: with ExitCode::Usage in a build without the web
-/// server, with ExitCode::ExchangeFailed if the system refuses.
+/// server, with ExitCode::ExchangeFailed if the server cannot be started.
 std::unique_ptr<Audience> openWeb(std::unique_ptr<Listener> place, std::list<Station>& stations,
                                   Control& control);
 

@@ -30,9 +30,9 @@ class Control {
   /// Adds a printer. `name` may be empty. `printer` and `links` must outlive this object.
   void add(const std::string& name, simulator::VirtualPrinter& printer, Links& links, Deeds deeds);
 
-  /// Executes a line and returns the answer, one JSON object. In it `ok` is true, or false with the
-  /// reason in `error`; then nothing has changed. With `only`, the line applies to the printer of
-  /// that number, from 0.
+  /// Executes a line and returns the answer, one JSON object. The key `ok` of the answer is true;
+  /// on a failure it is false, `error` contains the reason, and nothing has changed. If `only` is
+  /// given, the line applies only to the printer of that number, from 0.
   std::string answer(std::string_view line, simulator::Instant now,
                      std::optional<std::size_t> only = std::nullopt);
 

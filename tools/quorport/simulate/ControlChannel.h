@@ -13,7 +13,7 @@
 namespace quordalvane::tool {
 
 /// Reads control lines from one descriptor and writes their answers to another. It never waits for
-/// either. While nobody reads the answers, it reads no more lines.
+/// either descriptor. While nobody reads the answers, it reads no more lines.
 class ControlChannel {
  public:
   /// Uses descriptors that remain the caller's; they may be blocking. `control` must outlive this
@@ -29,8 +29,8 @@ class ControlChannel {
   /// Does all that can be done now.
   void work(simulator::Instant now);
 
-  /// Queues other lines, each with its line feed, after the pending answers. If too many bytes are
-  /// queued, it blocks until all are written.
+  /// Queues `lines`, which are not answers and each end in a line feed, after the pending answers.
+  /// If too many bytes are queued, it blocks until all are written.
   void say(const std::string& lines);
 
   /// Writes all queued lines; blocks until they are written.

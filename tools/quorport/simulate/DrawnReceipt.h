@@ -13,7 +13,7 @@ struct DrawnReceipt {
   unsigned width = 0;               ///< the picture's width in dots; 0 if there is no paper
   unsigned height = 0;              ///< the picture's height in dots; 0 if there is no paper
   std::string picture;              ///< a PNG file; empty if there is no paper
-  std::vector<std::string> pieces;  ///< PNG files of `pieceRows` each; empty if it is not taller
+  std::vector<std::string> pieces;  ///< PNG files of `pieceRows` rows; empty unless taller
 };
 
 }  // namespace quordalvane::tool

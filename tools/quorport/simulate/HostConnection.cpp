@@ -18,14 +18,14 @@ constexpr std::size_t reserve = 64;
 
 constexpr std::size_t pieceSize = 4096;
 
-// The most bytes that are read ahead. The system buffers less for one connection, so it is always
-// found that a host has left.
+// The most bytes that are read ahead. The system buffers fewer bytes for one connection, so this
+// class always notices that a host has left.
 constexpr std::size_t mostReadAhead = std::size_t{16} << 20U;
 
 constexpr std::size_t mostOutgoing = std::size_t{64} << 10U;
 
 // After the printer has dropped the link: how long the host may take to read the last bytes before
-// they are given up, and how often the connection checks it.
+// they are lost, and how often this is checked.
 constexpr Instant settlingTime = 1s;
 constexpr Instant settlingPause = 10ms;
 
@@ -146,8 +146,8 @@ void HostConnection::giveToHost(Instant now) {
   }
 }
 
-// Called when all bytes have been sent: ends the connection if the printer or the host has ended
-// it.
+// Called when all bytes have been sent: ends the connection if the printer has dropped the link or
+// the host has left.
 void HostConnection::followDrop(Instant now) {
   if (link_.wasReset(now)) {
     line_->resetOnClose();

@@ -69,13 +69,13 @@ class HostConnection {
   std::unique_ptr<Line> line_;
   simulator::PrinterLink& link_;
   std::vector<std::uint8_t> outgoing_;
-  std::vector<std::uint8_t> incoming_;  // bytes that the printer has not taken yet
-  std::size_t passedOn_ = 0;            // how many of those bytes the printer has taken
+  std::vector<std::uint8_t> incoming_;  // bytes from the host, kept until the printer has all
+  std::size_t passedOn_ = 0;            // how many of `incoming_` the printer has taken
   bool readsAhead_ = false;
   bool hostEnded_ = false;
   bool over_ = false;
   std::optional<simulator::Instant> lastReceived_;
-  // The latest end of the connection, after a drop.
+  // The time at which the connection ends at the latest, after the printer has dropped the link.
   std::optional<simulator::Instant> lastSettling_;
 };
 

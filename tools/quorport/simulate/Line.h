@@ -24,7 +24,7 @@ class Line {
   /// reports the next host.
   virtual void noteHostEnded() {}
 
-  /// Sends the host an end of data, if this kind of line can.
+  /// Sends the host an end of data, if this kind of line can do so.
   virtual void endOutput() = 0;
 
   /// To be called after `endOutput`, every few milliseconds. Returns true once the host has read
@@ -32,7 +32,7 @@ class Line {
   /// wait.
   virtual bool hasSettled() = 0;
 
-  /// Makes the line end by a reset when it is closed, if this kind of line can.
+  /// Makes the line end by a reset when it is closed, if this kind of line can do so.
   virtual void resetOnClose() = 0;
 
   /// Returns true if the host has reset the connection.

@@ -134,7 +134,7 @@ void Server::announce() {
   }
 }
 
-// Writes each address that has changed to standard error, because standard output has the answers
+// Writes to standard error each address that has changed, because standard output has the answers
 // to control lines.
 void Server::announceOthers() {
   for (const Station& station : stations_) {

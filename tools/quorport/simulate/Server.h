@@ -79,7 +79,7 @@ class Server {
   // The channel with control lines on standard input and answers on standard output.
   ControlChannel own_;
   std::list<ControlChannel> channels_;
-  std::optional<simulator::Instant> quitAt_;  // the latest time of the end, after a request to quit
+  std::optional<simulator::Instant> quitAt_;  // the deadline of a request to quit; empty if none
 };
 
 }  // namespace quordalvane::tool

@@ -18,8 +18,8 @@ using simulator::Instant;
 // A cut ends the job if nothing is received for this time after the cut.
 constexpr Instant quietTime = 1s;
 
-// A host that sends nothing for this time, and has no data in the printer, loses its turn to the
-// next host.
+// A host that sends nothing for this time, and has no data in the printer, must let the next host
+// print.
 constexpr Instant turnTime = 200ms;
 
 constexpr std::size_t mostWaiting = 64;

@@ -36,8 +36,8 @@ class TrafficLog {
   /// Returns the entries as one JSON object, and removes them.
   Json take();
 
-  /// Returns the latest entries that `take` has returned, in the same form. Those before them are
-  /// counted as skipped.
+  /// Returns the latest entries that `take` has returned, in the same form. The entries before
+  /// these are counted as skipped.
   Json kept() const;
 
  private:

@@ -45,7 +45,7 @@ Json inJson(const PaperArtist::Drawing& drawing, const simulator::Strip& strip) 
           {"cuts", Json::array()},          {"time", drawing.printed}};
 }
 
-// Only the last event of a drawing contains its text and its cuts.
+// Only the last event of a drawing contains the text and the cuts of the drawing.
 std::vector<std::pair<std::string, unsigned>> eventsOf(const PaperArtist::Drawing& drawing) {
   std::vector<Json> events;
   for (const simulator::Strip& strip : drawing.change.strips) {

@@ -5,8 +5,8 @@ import { inputFor } from "./inputs.js";
 import { titled } from "./words.js";
 
 /**
- * Joins the parameters of a fault to its value, each preceded by its own separator. Optional parameters that are empty
- * are left out.
+ * Joins the parameters of a fault into the fault's value, each preceded by its own separator. Optional parameters that
+ * are empty are left out.
  */
 export function joined(parts, values) {
   if (parts.length === 0) {

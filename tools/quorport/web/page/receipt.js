@@ -73,7 +73,7 @@ function commandRow(command) {
     make("td", {}, make("code", {}, bytesOf(command))));
 }
 
-/** All commands, loaded in portions. */
+/** All commands, loaded a part at a time. */
 function commands(receipt) {
   const rows = make("tbody", {class: "commands"});
   const more = make("button", {type: "button"}, "Show the next commands");
