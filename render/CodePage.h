@@ -16,17 +16,17 @@ class CodePage {
   /// Creates a code page with only ASCII, which every printer can print.
   CodePage();
 
-  /// `text` is the number of a page, from 0 to 255, that most ESC/POS printers use for it, for
-  /// example 16. For a printer with other numbers it is NUMBER:NAME, for example 6:1251. Throws
-  /// RenderError if `text` is anything else, if the number is not a usual one, or if this system
-  /// does not know the page.
+  /// `text` is the number of a page, from 0 to 255, as most ESC/POS printers number it, for example
+  /// 16. For a printer that numbers its pages differently, `text` is NUMBER:NAME, for example
+  /// 6:1251. Throws RenderError if `text` is anything else, if the number is not a usual one, or if
+  /// this system does not know the page.
   explicit CodePage(std::string_view text);
   ~CodePage();
   CodePage(CodePage&&) noexcept;
   CodePage& operator=(CodePage&&) noexcept;
 
-  /// Returns the number to select in the printer; null with only ASCII, for which nothing is
-  /// selected.
+  /// Returns the number of the page to select in the printer; null for ASCII alone, which needs no
+  /// selection.
   std::optional<std::uint8_t> number() const { return number_; }
 
   /// Converts a line of UTF-8 to the printer's bytes, one for each character. Returns null if the

@@ -53,8 +53,9 @@ unsigned divisor(unsigned width, unsigned leastWidth) {
 constexpr int exifMarker = JPEG_APP0 + 1;
 constexpr unsigned longestMarker = 65535;
 
-// Each of these steps begins with setjmp, to which an error in the library returns; the step then
-// returns false. A step has no object with a destructor, because the jump would skip it.
+// Each step below begins with setjmp. An error in the library jumps back to it, and the step
+// returns false. A step has no object with a destructor, because the jump would skip the
+// destructor.
 
 bool readHeader(jpeg_decompress_struct& info, std::jmp_buf& failure, ByteView file) {
   if (setjmp(failure) != 0) {

@@ -8,8 +8,8 @@
 
 namespace quordalvane::render {
 
-/// The maximum number of pixels in a row, the same as in JPEG. It is limited because a row is kept
-/// in memory.
+/// The maximum number of pixels in a row, the same as in JPEG. The width is limited because a row
+/// is kept in memory.
 inline constexpr std::uint64_t mostWidth = 65535;
 
 /// Throws RenderError if the width or height is 0 or the picture is too large. To be called before

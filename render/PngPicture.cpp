@@ -35,8 +35,9 @@ void readPiece(png_structp png, png_bytep data, std::size_t length) {
   left = left.subspan(length);
 }
 
-// Each of these steps begins with setjmp, to which an error in the library returns; the step then
-// returns false. A step has no object with a destructor, because the jump would skip it.
+// Each step below begins with setjmp. An error in the library jumps back to it, and the step
+// returns false. A step has no object with a destructor, because the jump would skip the
+// destructor.
 
 bool readHeader(png_structp png, png_infop info) {
   if (setjmp(png_jmpbuf(png)) != 0) {

@@ -9,7 +9,7 @@ namespace {
 constexpr unsigned letterWidth = 12;
 constexpr std::uint8_t lineFeed = '\n';
 
-// Returns how many of the letters go into a row of `columns` columns. The row ends at its last
+// Returns how many of the letters fit into a row of `columns` columns. The row ends at its last
 // blank, if it contains one.
 std::size_t lettersInRow(ByteView letters, std::size_t columns) {
   if (letters.size() <= columns) {
@@ -64,8 +64,8 @@ void TextPrinting::printText(ByteView letters) {
   } while (!letters.empty());
 }
 
-// Also switches off the mode in which a printer for Chinese or Japanese takes two bytes for one
-// character.
+// Selects the code page, and switches off the mode in which a printer for Chinese or Japanese takes
+// two bytes for one character.
 void TextPrinting::selectCodePage() {
   if (codePage_.number() && !std::exchange(isPageSelected_, true)) {
     const std::uint8_t select[] = {0x1c, 0x2e, 0x1b, 0x74, *codePage_.number()};

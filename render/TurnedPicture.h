@@ -20,8 +20,8 @@ class TurnedPicture : public Picture {
 
  private:
   const Orientation turn_;
-  const unsigned columns_;  // of the file
-  const unsigned rows_;     // of the file
+  const unsigned columns_;  // the number of pixel columns in the file
+  const unsigned rows_;     // the number of pixel rows in the file
   std::vector<std::uint8_t> pixels_;
   unsigned row_ = 0;
 };
