@@ -1,4 +1,4 @@
-"""The C library of the journal. It is loaded by the first Journal, so programs without one need not install it."""
+"""The C library of the journal. The first Journal loads it, so programs without a journal need not install it."""
 
 from __future__ import annotations
 

@@ -1,4 +1,4 @@
-"""A port for asyncio. It never blocks the loop: each call runs on the port's own thread."""
+"""A port for asyncio. It never blocks the event loop: each call runs on the port's own thread."""
 
 from __future__ import annotations
 
@@ -20,7 +20,7 @@ class AsyncPort:
         async with AsyncPort("tcp:192.0.2.10:9100") as port:
             result = await port.print(receipt)
 
-    If a task is cancelled while it prints, it cancels the job, and ends after the job has ended.
+    If a task is cancelled while it prints, the job is cancelled, and the task ends after the job has ended.
     """
 
     def __init__(
@@ -66,7 +66,7 @@ class AsyncPort:
 
     @property
     def port(self) -> Port:
-        """The Port that this uses; its operations block."""
+        """The Port that this object uses; the operations of the Port block."""
         return self._port
 
     @property
@@ -105,7 +105,7 @@ class AsyncPort:
         proof: Proof = Proof.AUTO,
         progress: Callable[[Progress], object] | None = None,
     ) -> PrintResult:
-        """As Port.print; `progress` is called in the loop."""
+        """As Port.print; `progress` is called in the event loop."""
         return await AsyncPrintJob(self, proof=proof, progress=progress).run(data)
 
     async def status(self) -> Status:
@@ -155,7 +155,7 @@ class AsyncPrintJob:
     def __init__(
         self, port: AsyncPort, *, proof: Proof = Proof.AUTO, progress: Callable[[Progress], object] | None = None
     ) -> None:
-        """As PrintJob; `progress` is called in the loop."""
+        """As PrintJob; `progress` is called in the event loop."""
         self._port = port.port
         self._proof = proof
         self._progress = progress

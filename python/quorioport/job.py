@@ -34,7 +34,7 @@ class Outcome(Enum):
 class Proof(Enum):
     """How a printer confirms a job."""
 
-    #: The printer is not asked for a confirmation, and each job is unconfirmed at best.
+    #: The printer is not asked for a confirmation, so the best outcome of a job is UNCONFIRMED.
     NONE = "none"
     #: The key `proof=` of the device decides. If it is missing, the printer is asked before the job.
     AUTO = "auto"
@@ -84,7 +84,7 @@ class PrintResult:
     obstacle: Obstacle
     #: The proof that was used. NONE if the printer has none, AUTO if the printer was not asked yet.
     proof: Proof
-    #: Why the job was not printed, for people; "" if it was.
+    #: Why the job was not printed, for people; "" if it was printed.
     reason: str
     #: What to do next, for people; "" if the job was printed.
     advice: str
@@ -140,7 +140,7 @@ class RunningJob:
         return self.run_with(handle, lambda job: c.call("print_job_run", job, data, len(data)))
 
     def run_with(self, handle: Handle, run: Callable[[ctypes.c_void_p], object]) -> PrintResult:
-        """Calls `run` with the library's job. `run` must print it."""
+        """Calls `run` with the library's job, which `run` must print."""
         observer = c.PROGRESS(self._report)
         self._create(handle, observer)
         try:

@@ -50,7 +50,7 @@ class JobRecord:
     #: None if the end was not recorded.
     ended: datetime | None
     state: JobState
-    #: Why the job was not printed, for people; "" if it was.
+    #: Why the job was not printed, for people; "" if it was printed.
     reason: str
 
 
@@ -62,7 +62,7 @@ class NamedResult(PrintResult):
     attempt: int
     #: True if an earlier call printed the job; this call sent nothing.
     repeated: bool
-    #: Why the outcome could not be recorded; "" if it was.
+    #: Why the outcome could not be recorded; "" if it was recorded.
     not_recorded: str
 
 
@@ -161,10 +161,11 @@ class Journal:
     ) -> NamedResult:
         """Prints the data once under a name. Returns the result of this call, or of an earlier one.
 
-        The beginning is on disk before the first byte is sent, and the outcome before this returns. If nobody knows
-        whether a job is on paper, it remains unconfirmed and nothing is sent, unless `again` says that a person has
-        looked. If the port is closed, it is opened when it is needed, and closed afterwards. Waits at most `timeout`
-        seconds for another process that prints this job, and as long for another job on this printer.
+        The beginning of the attempt is on disk before the first byte is sent, and the outcome is on disk before this
+        method returns. If nobody knows whether a job is on paper, it remains unconfirmed and nothing is sent, unless
+        `again` says that a person has looked. If the port is closed, it is opened when it is needed, and closed
+        afterwards. Waits at most `timeout` seconds for another process that prints this job, and at most `timeout`
+        seconds for another job on this printer.
 
         Raises UsageError if the name is invalid or belongs to other data. Raises OperationError if the printer cannot
         be reached or another job uses it; then nothing was sent, and the journal records that.
@@ -222,7 +223,7 @@ class Named:
 
     @contextmanager
     def _created(self, handle: Handle) -> Iterator[None]:
-        """Creates the library's port for the block. A known outcome needs no open port, so this does not open it."""
+        """Creates the library's port for the block, without opening it, because a known outcome needs no open port."""
         handle.create()
         try:
             yield

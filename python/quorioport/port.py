@@ -76,10 +76,10 @@ class Port:
 
         `device` is a text such as "tcp:192.0.2.10:9100", "usb:" or "virtual:". If it is a list, `port_name` chooses:
         "BT:" means the first, and "BT:" with a name, serial number or address means the device that has it. Times are
-        in seconds. `timeout` is for each exchange with the printer. `end_timeout` is for the printing of a job after
-        its last byte (None: as `timeout`). `hold_print_timeout` is for somebody to take paper from the exit. If a job
-        is unfinished, the printer drops it after `data_timeout` seconds without data; 0 means never, None means the
-        printer's own setting.
+        in seconds. `timeout` limits each exchange with the printer. `end_timeout` limits the wait for the end of
+        printing after a job's last byte (None: as `timeout`). `hold_print_timeout` limits the wait until somebody takes
+        paper from the exit. The printer drops an unfinished job after `data_timeout` seconds without data; 0 means
+        never, None means the printer's own setting.
         """
         self.configuration = configuration(
             device,
@@ -123,13 +123,14 @@ class Port:
 
     @property
     def handle(self) -> Handle:
-        """The library's port, to be used on that thread."""
+        """The library's port, to be used on the worker's thread."""
         return self._handle
 
     def open(self) -> None:
         """Connects to the chosen printer; does nothing if the port is open.
 
-        Raises UsageError for an invalid device text, and OperationError if no printer matches or it cannot be reached.
+        Raises UsageError for an invalid device text, and OperationError if no printer matches or the printer cannot be
+        reached.
         """
         self._worker.call(self._handle.open)
 
@@ -204,7 +205,7 @@ class Port:
     def write(self, data: bytes) -> int:
         """Sends bytes over the link and returns how many it accepted, which may be 0. Waits at most 0.1 s.
 
-        For commands of your own; print receipts with `print`.
+        Use this method for commands of your own; print receipts with `print`.
         """
         return self._worker.call(self._handle.write, data)
 

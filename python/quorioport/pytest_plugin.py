@@ -1,4 +1,4 @@
-"""A fixture for pytest: `virtual_printer` is a printer for a single test.
+"""A fixture for pytest: `virtual_printer` is a virtual printer for a single test.
 
     def test_the_receipt_names_the_shop(virtual_printer):
         print_receipt(to=virtual_printer.device)
