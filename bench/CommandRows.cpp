@@ -75,7 +75,7 @@ Row rowOf(const ReceiptKind& kind) {
       throw std::runtime_error("a receipt was not confirmed");
     }
   };
-  print();  // the first print is not measured, because it asks for the proof
+  print();  // the first print is not measured, because it asks how the printer confirms jobs
   const auto pairs = alternate(
       [&] {
         Figures seconds;

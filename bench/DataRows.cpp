@@ -174,7 +174,7 @@ class ReadAhead {
   const int bareFeed_;
 };
 
-/// Returns the median rate of reading a portion, over 1 MiB, in MiB/s.
+/// Reads 1 MiB in portions. Returns the rate of the median portion, in MiB/s.
 template <typename Feed, typename Read>
 double readingRate(Feed feed, Read read) {
   Figures seconds;

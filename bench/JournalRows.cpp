@@ -127,8 +127,8 @@ struct Cost {
   double jobsASecond;
 };
 
-/// Measures both sides in turn, job by job: a disk that other programs use can be slow for seconds,
-/// and this must affect both sides alike.
+/// Measures both sides alternately, job by job: a disk that other programs use can be slow for
+/// seconds, and this must affect both sides alike.
 void measureOnce(Pairs<Cost>& pairs) {
   const Folder folder;
   const Folder bareFolder;
@@ -154,7 +154,7 @@ void measureOnce(Pairs<Cost>& pairs) {
 }
 
 /// Returns how often a job makes the disk sync. `Store` is opened in a copy of this process. When
-/// the copy ends, its file is closed, which syncs the file once more.
+/// the copy of the process ends, its file is closed, which syncs the file once more.
 template <typename Store, typename Commit>
 double syncsOfAJob(Commit commit) {
   const auto syncsOf = [&](int count) {

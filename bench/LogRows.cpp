@@ -28,7 +28,7 @@ constexpr double nanosecond = 1e9;
 constexpr double millisecond = 1e3;
 constexpr std::size_t queueSize = LogQueue::defaultCapacity;
 
-/// Counts the records that arrive. It can be set to handle the first ones slowly.
+/// Counts the records that arrive. It can be set to handle the first records slowly.
 class Destination {
  public:
   void take(std::size_t records) {
@@ -139,8 +139,8 @@ class TheirLogger {
   std::shared_ptr<spdlog::async_logger> logger_;
 };
 
-/// A load: `bursts` bursts of `size` records at once. A burst begins `every` after the previous
-/// one.
+/// A load: `bursts` bursts of `size` records at once. A burst begins when `every` has passed since
+/// the previous one began.
 struct Load {
   const char* name;
   int bursts;

@@ -26,8 +26,8 @@ struct Pairs {
   std::vector<Result> limit;
 };
 
-/// Measures both sides in turn, and each time begins with the other side, so that other work on the
-/// machine affects both sides alike.
+/// Measures the two sides alternately. Each pair begins with the side that was second in the
+/// previous pair, so that other work on the machine affects both sides alike.
 template <typename Ours, typename Limit>
 auto alternate(Ours measureOurs, Limit measureLimit) {
   Pairs<std::invoke_result_t<Ours>> pairs;

@@ -17,7 +17,7 @@ const std::vector<std::uint8_t> escposQueries[3] = {
 
 namespace {
 
-/// Remembers the last three bytes that arrived, on which alone the answer depends.
+/// Remembers the last three bytes that arrived. The answer depends only on these bytes.
 class Requests {
  public:
   /// Returns the reply to the request that `byte` completes; empty if `byte` completes no request.

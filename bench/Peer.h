@@ -36,7 +36,7 @@ class Peer {
   /// connection closes without sending a byte. The endpoint must outlive this object.
   void answerAll(Endpoint& endpoint);
 
-  /// Answers on many connections in turn.
+  /// Answers on many connections, in the order in which requests arrive.
   void answerEach(std::vector<int> descriptors);
 
   /// Reads everything that arrives, and calls `taken` with the size of each piece.

@@ -23,8 +23,8 @@ class ReceiptPrinter {
   /// is in line mode.
   enum class Confirms { Count, Report, ProcessId, InOrder };
 
-  /// The bytes that the printer received before an answer, and that answer. The last turn of a job
-  /// may have no answer.
+  /// The bytes that the printer received before one of its answers, and this answer. The last turn
+  /// of a job may have no answer.
   struct Turn {
     std::vector<std::uint8_t> heard;
     std::vector<std::uint8_t> answer;
@@ -42,8 +42,8 @@ class ReceiptPrinter {
   /// Returns the bytes and answers since the last `forget`.
   std::vector<Turn> turns() const;
 
-  /// Return when the first byte of a receipt arrived, and when the printer had first printed the
-  /// job.
+  /// Return when the first byte of a receipt arrived, and when the printer had printed the job and
+  /// first confirmed it.
   Instant heardDataAt() const { return heardDataAt_; }
   Instant confirmedAt() const { return confirmedAt_; }
   /// @}

@@ -29,7 +29,7 @@ struct Row {
   Heading heading;
   double ours = 0;
   double limit = 0;
-  std::optional<Spread> spread = std::nullopt;  // of the ratios; empty if they do not vary
+  std::optional<Spread> spread = std::nullopt;  // the spread of the ratios; empty if it is zero
   // The figures of other ways to do the same work, in the row's unit.
   std::map<std::string, double> peers = {};
 

@@ -32,7 +32,7 @@ void printOnce(const std::shared_ptr<test::VirtualPlatform>& platform, ZKEmulati
   port->close();
 }
 
-/// Returns how many seconds of virtual time pass in a second, as the median of many batches of
+/// Returns how many seconds of virtual time pass in a real second, as the median of many batches of
 /// jobs.
 double speedOfJobs(ZKEmulation emulation, const ByteBuffer& data) {
   constexpr int batches = 25;

@@ -89,8 +89,8 @@ void report(const Options& options, const Rows& rows) {
 }
 
 /// Raises the priority of this process. This matters only for the longest of a thousand calls,
-/// because other work on the machine otherwise affects both sides alike. The system may refuse it
-/// to an ordinary user; only those figures then suffer.
+/// because other work on the machine otherwise affects both sides alike. The system may refuse this
+/// to an ordinary user; in that case only the figures for the longest calls suffer.
 void standBackForNobody() {
   ::setpriority(PRIO_PROCESS, 0, -20);
 }

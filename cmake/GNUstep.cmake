@@ -19,7 +19,7 @@ endif()
 set(GNUSTEP_FOUND TRUE)
 set(CMAKE_OBJCXX_COMPILER ${QUOR_OBJCXX_COMPILER})
 set(CMAKE_OBJCXX_STANDARD 20)
-# This language has another compiler, which must not decide how C++ headers are precompiled.
+# Objective-C++ has another compiler, which must not decide how C++ headers are precompiled.
 set(pch_extension ${CMAKE_PCH_EXTENSION})
 set(pch_prologue ${CMAKE_PCH_PROLOGUE})
 enable_language(OBJCXX)

@@ -1,4 +1,5 @@
-# The installed headers: the headers that programs include, and the headers that those include.
+# The installed headers: the headers that programs include, and the headers that these headers
+# include.
 set(QUOR_PUBLIC_HEADERS
   backends/AccessoryIdentity.h
   backends/DeviceIdentity.h

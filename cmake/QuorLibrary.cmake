@@ -1,7 +1,6 @@
-# The library that programs link: the rooms below in one libQuorIOPort, shared and static, and the
-# files that are installed with it. Headers are installed below include/quordalvane/, in the same
-# folders as in the tree. That folder is also in the include path, so that programs write the same
-# includes as the project's own sources.
+# The library that programs link: the folders below in one libQuorIOPort, as a shared and as a static library, and the
+# files that are installed with it. Headers are installed below include/quordalvane/, in the same folders as in the
+# tree. That folder is also in the include path, so that programs write the same includes as the project's own sources.
 include(CMakePackageConfigHelpers)
 include(PublicHeaders)
 
@@ -11,9 +10,9 @@ list(TRANSFORM rooms REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>" OUTPUT_VARIABLE obje
 # Only the command draws pictures of the paper, so programs do not need the drawing library.
 list(APPEND objects $<FILTER:$<TARGET_OBJECTS:quor_simulator>,EXCLUDE,/drawing/>)
 
-# QUOR_EXPORT decides which names are exported: the rooms are compiled with all other names hidden.
-# The map gives the exported names the library's version. It also hides names that other headers
-# make visible, such as instances of standard templates.
+# QUOR_EXPORT decides which names are exported: the sources are compiled with all other names hidden. The map gives the
+# exported names the library's version. It also hides names that other headers make visible, such as instances of
+# standard templates.
 set(export_map ${PROJECT_BINARY_DIR}/exports.map)
 file(CONFIGURE OUTPUT ${export_map} @ONLY CONTENT [[
 QUORIOPORT_@PROJECT_VERSION_MAJOR@ {
@@ -78,13 +77,13 @@ install(EXPORT QuorIOPortTargets NAMESPACE QuorIOPort:: DESTINATION ${package_fo
         COMPONENT development)
 configure_package_config_file(cmake/QuorIOPortConfig.cmake.in QuorIOPortConfig.cmake
                               INSTALL_DESTINATION ${package_folder})
-# Before 1.0, any minor version may change the interface of programs.
+# Before 1.0, any minor version may change the interface that programs use.
 write_basic_package_version_file(QuorIOPortConfigVersion.cmake COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/QuorIOPortConfig.cmake
               ${PROJECT_BINARY_DIR}/QuorIOPortConfigVersion.cmake
         DESTINATION ${package_folder} COMPONENT development)
 
-# The file is written at installation, because only then the prefix is known.
+# The pkg-config file is written at installation, because the prefix is not known before.
 list(TRANSFORM QUOR_STATIC_LINKS PREPEND "-l" OUTPUT_VARIABLE static_flags)
 list(JOIN static_flags " " static_flags)
 install(CODE "

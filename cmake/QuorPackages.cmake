@@ -49,7 +49,7 @@ if(NOT sdbus-c++_FOUND)
 endif()
 if(sdbus-c++_FOUND)
   set(QUOR_BLUETOOTH ON)
-  # The interfaces of the versions differ; backends/bluez/BusLibrary.h gives them one form.
+  # The interfaces of versions 1 and 2 differ; backends/bluez/BusLibrary.h hides the differences.
   target_compile_definitions(SDBusCpp::sdbus-c++ INTERFACE QUOR_SDBUS_VERSION=${sdbus-c++_VERSION_MAJOR})
 else()
   set(QUOR_BLUETOOTH OFF)

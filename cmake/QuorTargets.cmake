@@ -47,9 +47,8 @@ function(quor_interface name)
   target_link_libraries(${name} INTERFACE ${ARG_LINKS})
 endfunction()
 
-# quor_left_out(WHAT PACKAGES FOLDER …): reports that a part is not built because packages are
-# missing. The file lists the folders of tests that are therefore not built, so that they do not
-# count as forgotten.
+# quor_left_out(WHAT PACKAGES FOLDER …): reports that a part is not built because packages are missing. The file
+# left_out.txt lists the folders of tests that are therefore not built, so that they do not count as forgotten.
 file(REMOVE ${PROJECT_BINARY_DIR}/left_out.txt)
 function(quor_left_out what packages)
   message(STATUS "Left out: ${what}, which needs ${packages}")

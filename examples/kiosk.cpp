@@ -1,6 +1,6 @@
 // Prints each line of its input as a receipt. The first word of the line is the name of the job.
 // The program may be killed at any moment and started again with the same input: it prints each
-// receipt only once. It continues when the printer's cable was pulled and plugged in again. Usage:
+// receipt only once. It continues after the printer's cable was pulled and plugged in again. Usage:
 // kiosk DEVICE [JOURNAL]
 #include <chrono>
 #include <exception>

@@ -1,5 +1,5 @@
-/* Prints a text under a name. The program may be started again and again, and killed at any moment:
- * it prints the text only once. Usage: print_once DEVICE NAME TEXT [JOURNAL] */
+/* Prints a text under a name. The program may be started again and again, and may be killed at any
+ * moment: it prints the text only once. Usage: print_once DEVICE NAME TEXT [JOURNAL] */
 #include <quordalvane/QuorJournalC.h>
 #include <stdio.h>
 #include <string.h>

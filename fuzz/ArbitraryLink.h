@@ -5,10 +5,10 @@
 
 namespace quordalvane::fuzz {
 
-/// Returns a link whose printer sends any replies. The rest of the input is a list of pieces. The
-/// first byte of a piece selects its request, or none, and its delay. The second byte is the
-/// piece's length, up to 63. If a request has two pieces, the second one answers the repeated
-/// request.
+/// Returns a link whose printer sends arbitrary replies, which the rest of the input lists in
+/// pieces. The first byte of a piece selects the request that the piece answers, or none, and the
+/// delay of the piece. The second byte is the length of the piece, up to 63. If two pieces answer
+/// one request, the second piece answers the repeated request.
 inline test::Script arbitraryLink(Input& input) {
   using test::bytes;
   static const Bytes requests[] = {

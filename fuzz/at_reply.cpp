@@ -4,8 +4,8 @@
 using namespace quordalvane;
 
 /// Tests replies of the Bluetooth module. The first byte sets how many characters are requested,
-/// and whether they follow a title. The rest is the reply, divided into pieces by bytes 80 (hex).
-/// The port and its model must agree in everything.
+/// and whether they follow a title. The rest is the reply, in which each byte 80 (hex) begins a new
+/// piece. The port and the test's model of the port must agree in everything.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::Input input(data, size);
   const std::uint8_t how = input.byte();

@@ -4,7 +4,7 @@
 using namespace quordalvane;
 using fuzz::require;
 
-/// The input is replies. The parser must find the first complete text.
+/// The input is a sequence of replies. The parser must find the first complete text.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const fuzz::Bytes bytes(data, data + size);
   fuzz::requireSteady(parseFirmwareInfo, bytes, {0x1b, '#', '*', 'A', 0x0a, 0x00});

@@ -34,7 +34,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   if (const auto address = tool::parseListenAddress(text)) {
     require(!address->host.empty());
-    // Without a host it must listen for this machine only.
+    // An address without a host must accept connections from this machine only.
     const bool namesHost = text.rfind(':') != std::string::npos && text.rfind(':') > 0;
     require(namesHost || address->host == "127.0.0.1");
   }

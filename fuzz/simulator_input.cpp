@@ -59,9 +59,9 @@ void check(std::span<const std::uint8_t> bytes, std::string_view proofs) {
 
 }  // namespace
 
-/// A host sends any bytes. Whether they are sent in one piece or byte by byte, the replies and the
-/// paper must be the same. A slow printer must also take the bytes, and print no more than was
-/// sent. All of this must also be true for a printer without the checked block.
+/// A host sends arbitrary bytes, first in one piece, then byte by byte; the replies and the paper
+/// must be the same. A slow printer must accept all bytes, and print no more than was sent. All of
+/// this must also be true for a printer that does not support the checked block.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::span<const std::uint8_t> bytes(data, size);
   check(bytes, "block+process-id+in-order");

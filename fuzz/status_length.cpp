@@ -6,7 +6,8 @@
 using namespace quordalvane;
 using fuzz::require;
 
-/// The input is a number. Even if it is not a byte, it must give a length that fits the record.
+/// The input is a number. Even if the number is outside the range of a byte, the resulting length
+/// must fit the record.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::int32_t firstByte = 0;
   std::memcpy(&firstByte, data, size < sizeof firstByte ? size : sizeof firstByte);

@@ -26,7 +26,7 @@ def save(page: Page, name: str):
 
 
 def print_receipts(shop: Shop, page: Page):
-    """Prints two receipts and tears them off, and a third that remains in the printer because its host is still
+    """Prints two receipts, which are torn off, and a third one, which remains in the printer because its host is still
     connected.
     """
     for number in (1, 2):

@@ -2,8 +2,8 @@
 # Keeps long outputs off the screen. Sourced by ./dev.
 
 # quietly WHAT LOG COMMAND …: runs the command and writes its output to the file LOG. A terminal
-# shows the latest line during the run. If the command fails, this shows the end of LOG and ends the
-# script.
+# shows the latest line during the run. If the command fails, the function shows the last lines of
+# LOG and ends the script.
 quietly() {
   local what=$1 log=$2
   shift 2

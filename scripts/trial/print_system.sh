@@ -1,4 +1,4 @@
-# A queue that was created as its guide describes prints as the user lp, in a print system that root has started.
+# A queue, created as its guide describes, prints as the user lp in a print system that root has started.
 . ./printer.sh
 serve_printer
 cupsd

@@ -18,7 +18,7 @@ await_paper() {
   until grep -qs "$1" "$paper"/*.txt; do sleep 0.01; done
 }
 
-# programs_of KIND PAGE: writes the page's code blocks of this kind.
+# programs_of KIND PAGE: writes the code blocks of this kind from the page to standard output.
 programs_of() {
   sed -n '/^```'"$1"'$/,/^```$/{//!p}' "$2"
 }
