@@ -68,7 +68,7 @@ class BluetoothConnection : public testing::Test {
     return ends[1];
   }
 
-  /// The number of programs on the bus, without the one that asks.
+  /// The number of programs on the bus, without this program.
   static std::size_t programsOnTheBus() {
     const auto deadline = SteadyClock::now() + 10s;
     Bus bus(deadline);

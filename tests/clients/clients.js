@@ -1,4 +1,4 @@
-// Prints one receipt by a client library, asks for the status where the library can, and says what it got:
+// Prints one receipt by a client library, asks for the status if the library can, and shows the answers:
 //   node clients.js CLIENT HOST PORT [MODE] [FILE]
 // With FILE the receipt is this text, otherwise a line.
 
@@ -17,7 +17,7 @@ function within(milliseconds, promise, what) {
 }
 
 const clients = {
-  // It always connects to port 9100.
+  // This library always connects to port 9100.
   async receiptio(host, port, mode) {
     const { print } = require("receiptio");
     return print(`^^^RECEIPT\n\n${lines.map((line) => `${line}|`).join("\n")}`, `-d ${host} ${mode ? `-p ${mode} ` : ""}-c 42`);
@@ -58,7 +58,7 @@ const clients = {
     const device = new Adapter(host, port);
     await new Promise((resolve, reject) => device.open((error) => (error ? reject(error) : resolve())));
     const printer = new Printer(device, {});
-    // It reads the four answers only if they arrive in one piece; so its four questions leave in one.
+    // This library reads the four answers only if they arrive together, so its four questions are sent together.
     device.device.cork();
     process.nextTick(() => device.device.uncork());
     const statuses = await within(5000, printer.getStatuses(), "statuses");

@@ -25,7 +25,7 @@ MODES = ("escpos", "epson", "citizen", "fit", "impact", "impactb", "generic")
 
 
 def install() -> str:
-    """An empty text, or why it cannot be done."""
+    """Installs the libraries. Returns an empty text, or the reason why this is impossible."""
     if not shutil.which("npm"):
         return "npm is not installed"
     FOLDER.mkdir(parents=True, exist_ok=True)
@@ -73,7 +73,7 @@ class OtherLibraries(unittest.TestCase):
         return text
 
     def test_other_libraries_print_question_marks_for_the_scripts_that_the_printer_lacks(self):
-        """`quorport print --text` draws what a printer lacks; docs/text-and-pictures.md has these figures beside it."""
+        """docs/text-and-pictures.md compares these figures with those of `quorport print --text`."""
         scripts = [line.split(maxsplit=1) for line in SCRIPTS.read_text(encoding="utf-8").splitlines()[:10]]
         latin, right_to_left = {"Latin", "Euro", "Cyrillic"}, {"Greek", "Arabic", "Hebrew"}
         for client, arrives, marks in (("receiptio", latin, 100), ("receipt-printer-encoder", latin | right_to_left, 47),

@@ -21,7 +21,8 @@ class LinkContract : public testing::TestWithParam<LinkKind> {
     open();
   }
 
-  // Only the tests of a stalled device wait for one.
+  // A session normally waits for its device when it ends. Here only the tests of a stalled device
+  // do so.
   void TearDown() override {
     if (session) {
       session->abandon();
@@ -69,7 +70,7 @@ class LinkContract : public testing::TestWithParam<LinkKind> {
     return eventually([this] { return !accessory->isConnected(); });
   }
 
-  /// Reads until `count` bytes have arrived, or fewer if no more do.
+  /// Reads until `count` bytes have arrived, or until no more arrive.
   Bytes receive(std::size_t count) {
     Bytes bytes(count);
     std::size_t got = 0;

@@ -44,12 +44,12 @@ class Peer {
 
 /// Abilities that only some kinds of links have.
 struct LinkTraits {
-  bool takesEveryByte = true;    ///< the device obeys none of them
-  bool keepsUnreadBytes = true;  ///< bytes from before the end can be read after it
+  bool takesEveryByte = true;    ///< the device executes no byte as a command
+  bool keepsUnreadBytes = true;  ///< bytes that arrived before the end can be read after it
   bool closesOneWay = true;
   bool resets = true;
-  bool linksAnew = true;         ///< each session has a link of its own
-  bool standsSideBySide = true;  ///< a new session leaves the one before it alone
+  bool linksAnew = true;         ///< each session makes a new link
+  bool standsSideBySide = true;  ///< a new session does not end the session before it
   bool knowsWhatIsOwed = true;   ///< the link knows when no reply is on its way
   bool endsForTheDevice = true;  ///< the device learns of the end of a session
 };

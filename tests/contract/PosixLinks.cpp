@@ -108,7 +108,7 @@ class PrinterDriverMaker : public PosixLinkMaker {
 
 class PtyMaker : public PosixLinkMaker {
  public:
-  // Closing it throws away unread bytes, and the next session opens the same line again.
+  // Closing a terminal drops its unread bytes, and the next session opens the same terminal again.
   LinkTraits traits() const override {
     return {.keepsUnreadBytes = false,
             .closesOneWay = false,

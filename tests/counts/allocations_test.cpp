@@ -10,7 +10,8 @@
 #include "iphone-IOPort/LogStatement.h"
 #include "job/PrintJob.h"
 
-// The memory taken from the heap, and so the number of copies from one buffer into another.
+// These tests measure the memory that is taken from the heap. The memory shows how often bytes were
+// copied from one buffer into another.
 
 namespace quordalvane {
 namespace {

@@ -53,7 +53,7 @@ std::size_t waitsIn(const SystemCalls& calls) {
   return count;
 }
 
-/// The calls that move bytes or wait. A sanitizer makes others of its own.
+/// Counts the calls that move bytes or wait. A sanitizer itself makes calls of other kinds.
 std::size_t exchangeCallsIn(const SystemCalls& calls) {
   std::size_t count = waitsIn(calls);
   for (const long number : {SYS_read, SYS_recvfrom, SYS_write, SYS_sendto, SYS_rt_sigaction}) {
@@ -62,8 +62,8 @@ std::size_t exchangeCallsIn(const SystemCalls& calls) {
   return count;
 }
 
-/// The system calls of one status. The port checks an idle line again if the system's clock has
-/// ticked meanwhile, as it does on a busy machine. No tick has changed the shortest of many
+/// The system calls of one status. If the system's clock has ticked meanwhile, as on a busy
+/// machine, the port checks an idle line again. The clock does not tick during the shortest of many
 /// exchanges.
 std::optional<SystemCalls> callsOfAStatus(AnsweredPort& answered) {
   constexpr int exchanges = 20;
@@ -123,7 +123,7 @@ TEST(SystemCalls, AnEscPosStatusSendsItsCommandsInFourCalls) {
   EXPECT_LE(exchangeCallsIn(*calls), 16U);
 }
 
-/// Waits until the other side's system has all that was sent to it.
+/// Waits until the system of the other side has received all bytes that were sent.
 void awaitArrival(int socket) {
   for (int underWay = 1; underWay > 0;) {
     std::this_thread::yield();
@@ -176,7 +176,7 @@ TEST(WakeUps, AnIdleRunLoopSliceWakesItsThreadOnce) {
   posix::PosixThread thread([&] { waits.set_value(waitsOfAnIdleSlice()); });
   ASSERT_TRUE(thread.start());
   EXPECT_EQ(waits.get_future().get(), 1);
-  thread.performAndWait([] {});  // refused or done, the body is over
+  thread.performAndWait([] {});  // returns, even if refused, only after the body
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-"""Every process that has to do with a job is killed at every moment of it, under every error policy of the queue.
+"""Each process that works on a job is killed at many moments of the job, under each error policy of the queue.
 
 QUOR_CRASH_MOMENTS is the number of moments of a job that are tried for each process and policy; 20 at night.
 """
@@ -169,7 +169,7 @@ class Crashes(unittest.TestCase):
         print(f"{len(ends)} cases: jobs that are {dict(states)}")
 
     def test_outcomes_of_crashes_of_the_cups_socket_back_end_are_measured(self):
-        """This test asserts nothing: its figures are for comparison with ours. It tries half of the moments."""
+        """This test asserts nothing: we compare its figures with those of `quor`. It tries half of the moments."""
         victims = ("worker", "scheduler stopped", "scheduler killed")
         with concurrent.futures.ThreadPoolExecutor(len(POLICIES)) as lanes:
             cases = sum(lanes.map(lambda policy: self.run_lane(policy, "socket", SOCKET, victims, (MOMENTS + 1) // 2), POLICIES), [])

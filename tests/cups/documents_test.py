@@ -21,7 +21,7 @@ class DocumentCase(QueueCase):
         return name
 
     def paper(self) -> str:
-        """Everything that is on paper, in its order; the printer is ended."""
+        """Ends the printer, and returns the text of all its paper, in order."""
         self.printer.control({"quit": True})
         self.printer.process.wait()
         return "".join(receipt.read_text() for receipt in sorted(self.receipts.glob("*.txt")))

@@ -1,4 +1,4 @@
-"""Queues on a disk without space: of the journal, and of the scheduler's own files. Only root can mount such a disk."""
+"""Queues if the disk of the journal, or the disk of the scheduler, is full. Only root can mount such a disk."""
 
 import http.client
 import os

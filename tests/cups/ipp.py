@@ -48,7 +48,7 @@ def attribute(tag: int, name: str, *values) -> bytes:
     for value in values:
         data = value_bytes(tag, value)
         encoded += struct.pack(">BH", tag, len(name)) + name.encode() + struct.pack(">H", len(data)) + data
-        name = ""  # further values have none
+        name = ""  # further values have no name
     return encoded
 
 

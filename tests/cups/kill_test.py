@@ -9,7 +9,8 @@ from queues import QUOR, RECEIPT, printed
 
 KILL_AT = os.environ["KILL_AT"]
 KILLED = 137
-FIRST_FILE = "/stat"  # calls are counted from its opening: the scheduler's record in /proc, read before anything else is done
+# The back end first opens this file, the scheduler's record in /proc. Calls are counted from then on.
+FIRST_FILE = "/stat"
 
 
 class KilledBackEnd(ProgramCase):

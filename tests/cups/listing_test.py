@@ -1,4 +1,4 @@
-"""The printers that the back end lists, and the ways to one that the URI of a queue names."""
+"""The printers that the back end lists, and the printers that the URIs of queues name."""
 
 import socket
 import subprocess

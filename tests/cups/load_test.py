@@ -1,6 +1,6 @@
-"""Eight clients print on four queues and four printers, each of which fails now and then.
+"""Eight clients print on four queues; the printer of each queue fails now and then.
 
-QUOR_QUEUE_JOBS is how many jobs; 200 by night.
+QUOR_QUEUE_JOBS is the number of jobs; 200 at night.
 """
 
 import collections

@@ -163,7 +163,7 @@ class Unconfirmed(QueueCase):
     def test_a_held_job_can_be_released_after_the_scheduler_restarts(self):
         printer = self.simulator()
         job = self.unconfirmed(printer, self.queue(printer))
-        # The scheduler's record must be younger than what the journal has, see isReleased.
+        # The scheduler's record must be newer than the journal's record, see isReleased.
         time.sleep(1.1)
         self.scheduler.end()
         self.scheduler.start()
@@ -217,7 +217,7 @@ class Empty(QueueCase):
 
 
 class BackEndKilledBeforeItBegins(QueueCase):
-    """The one way to end a back end that nothing can notice: see the guide."""
+    """The only way to end a back end unnoticed: see the guide."""
 
     def test_the_page_log_counts_no_page_if_the_back_end_was_killed_before_it_began(self):
         program = self.scheduler.folder / "bin/backend/quor"

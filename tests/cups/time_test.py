@@ -10,7 +10,7 @@ from queues import QUOR, QueueCase
 from scheduler import SOCKET, as_nobody
 
 LEAST, GREATEST = 9, 40  # jobs on each back end
-MOST = 0.150  # seconds more than the peer
+MOST = 0.150  # seconds more than the other back end
 
 
 class JobTime(QueueCase):

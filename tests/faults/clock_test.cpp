@@ -193,7 +193,7 @@ TEST(ClockSetBack, ProlongsEachWaitByTheStepAndNoMore) {
     const Outcome undisturbed = scenario.runOnPort(call);
     ASSERT_GT(undisturbed.seconds, 1) << call.name << " waits for nothing";
     const std::size_t readings = readingsOf(undisturbed);
-    // The last wait reads the clock for the last time then.
+    // The clock is set back before its last reading, which belongs to the last wait.
     scenario.script.stepsClock(readings, -hour);
     const Outcome delayed = scenario.runOnPort(call);
     EXPECT_EQ(delayed.result, undisturbed.result) << call.name;

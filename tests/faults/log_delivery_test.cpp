@@ -88,7 +88,7 @@ TEST(LogDeliveryWithoutMemory, CountsTheRecordsThatItLosesAndDeliversLaterRecord
     delivery.addSink(sink);
     log(delivery, "taken");
     sink->waitUntilItHangs();
-    delivery.setQueueCapacity(2);  // so that the turn also makes room for it
+    delivery.setQueueCapacity(2);  // so that the writer's next turn allocates memory for it
     for (const char* message : {"a", "b", "dropped"}) {
       log(delivery, message);
     }

@@ -1,5 +1,5 @@
-// Every call to the platform fails, in every way, for a port of the main thread: while it is
-// created and its thread with it, and while open and close are carried to that thread.
+// Every call to the platform fails, in every way, for a port of the main thread: while the port and
+// its thread are created, and while open and close are passed to this thread.
 
 #include <gtest/gtest.h>
 

@@ -47,8 +47,8 @@ bool isDocumented(const std::string& operation, const Fault& fault, const std::s
   return true;
 }
 
-/// An operation in which one call to the platform, or every call from one on, fails. Then the fault
-/// is over, and the port is closed, opened and asked.
+/// Runs an operation in which one call to the platform fails, alone or with all later calls.
+/// Afterwards, without the fault, the port is closed, opened and asked for its status.
 class FaultyRun {
  public:
   FaultyRun(Call call, MakeFault makeFault, bool fromThereOn)

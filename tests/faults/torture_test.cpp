@@ -15,9 +15,9 @@ namespace {
 
 constexpr std::uint32_t limitMillis = 1000;
 constexpr std::size_t longestForPairs = 20;
-constexpr double instant = 0.01;  // later: earlier bytes have been read by then
+constexpr double instant = 0.01;  // so much later that earlier bytes have been read
 
-/// Seconds for which a link may stall; the last is beyond every limit of the operation.
+/// Seconds for which a link stalls; the last stall is longer than every limit of the operation.
 std::vector<double> stalls(const Bytes& reply) {
   const bool isModule = reply.size() > longestForPairs;  // the module has a limit of ten seconds
   return {0.2, 1, (isModule ? 10.0 : 1.0) + 2};

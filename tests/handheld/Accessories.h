@@ -25,7 +25,8 @@ void plugIn(PluggedAccessory accessory);
 /// Removes the accessory from the service.
 void unplug();
 
-/// Makes the service throw an exception of the framework at every question, or stops that.
+/// With true, the service throws an exception of the framework at every question; with false, it
+/// answers again.
 void letServiceRaise(bool raises);
 
 }  // namespace quordalvane::test

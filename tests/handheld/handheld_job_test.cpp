@@ -32,7 +32,7 @@ std::shared_ptr<ExternalAccessoryPort> portOn(std::shared_ptr<Platform> platform
   return ExternalAccessoryPort::initWithPortName("BT:", "", 10000, emulation, std::move(platform));
 }
 
-/// The answers are so late that every one is waited for; so no race changes the records.
+/// The answers are so late that the port waits for each of them; so no race changes the records.
 simulator::PrinterBuilder lateAnswers() {
   return simulator::PrinterBuilder().fault("late-reply", "20");
 }

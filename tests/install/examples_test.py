@@ -91,7 +91,7 @@ class Kiosk(ProgramTest):
         printer = Program(self, QUORPORT, "simulate", "--listen", f"unix:{self.folder}/printer", "--receipts", paper)
         device = printer.line().removeprefix("listening ")
         receipts = [f"receipt-{number}." for number in range(4)]
-        for killed_after in range(len(receipts)):  # lines: the process dies while the next one is under way
+        for killed_after in range(len(receipts)):  # receipts; the process dies while it prints the next one
             kiosk = Program(self, EXAMPLES / "kiosk", device, self.folder / "jobs.db")
             for receipt in receipts:
                 kiosk.write(receipt)

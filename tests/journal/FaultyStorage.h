@@ -4,8 +4,8 @@
 
 namespace quordalvane::test {
 
-/// A layer below SQLite that fails a call on purpose, as a disk does. As long as the object lives,
-/// every database of the process uses the layer. Only one object may exist at a time.
+/// A layer below SQLite that makes a call fail on purpose, as on a bad disk. As long as the object
+/// lives, every database of the process uses the layer. Only one object may exist at a time.
 class FaultyStorage {
  public:
   /// Makes the call with the number `failing` fail, counted from 1 over all opens, writes, syncs

@@ -1,6 +1,7 @@
 """Every open, write, sync and truncation below the journal of a command fails, one after the other.
 
-The command ends with 7 and has sent nothing, or it tells what is true; the next start finds a sound journal.
+Either the command ends with 7 and has sent nothing, or it reports the true outcome. The next
+start finds an undamaged journal.
 """
 
 import os

@@ -1,6 +1,6 @@
 """Eight tills print under names that they share, on one slow printer whose link is cut now and then.
 
-QUOR_CROWD_NAMES is how many names; 1000 by night.
+QUOR_CROWD_NAMES is the number of names; 1000 at night.
 """
 
 import collections

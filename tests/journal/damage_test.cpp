@@ -1,4 +1,4 @@
-// Files that a disk has cut short, or of which it has written a part of a page.
+// Journals that a disk has shortened, or of which the disk has written only a part of a page.
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -41,8 +41,8 @@ class DamagedJournal : public JournalCase {
     return found;
   }
 
-  /// The answer is an error or, if the changed bytes are not used, the same as that of the whole
-  /// file.
+  /// The answer is an error; or, if the changed bytes are not used, the same answer as for the
+  /// undamaged file.
   void check(const std::string& content, const std::string& what) {
     std::ofstream(file, std::ios::binary | std::ios::trunc) << content;
     try {

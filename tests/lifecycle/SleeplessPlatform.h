@@ -45,7 +45,8 @@ inline std::shared_ptr<ExternalAccessoryPort> makePort(const std::shared_ptr<Pla
   return ExternalAccessoryPort::initWithPortName("BT:", "", 1000, ZKEmulationQuorLine, platform);
 }
 
-/// The kernel's own count. A listing of the threads misses some while others end.
+/// The kernel's own count of the threads. A listing of the threads misses some of them while others
+/// end.
 inline int threadCount() {
   std::ifstream status("/proc/self/status");
   std::string word;

@@ -70,7 +70,7 @@ TEST(ReleasedPort, IsDestroyedSoonAfterItsClose) {
   EXPECT_TRUE(weak.expired());
 }
 
-/// The end of one port, as its watchers saw it.
+/// Facts about the end of one port, recorded by the platform and the test.
 struct Release {
   std::atomic<bool> mainHasLetGo = false;
   std::atomic<std::thread::id> releasedOn;

@@ -21,7 +21,7 @@ class CablePeer : public Peer {
   void write(const Bytes& bytes) override { cable_.say(bytes); }
   void say(std::uint8_t byte) override { cable_.say({byte}); }
   Bytes read(std::size_t count) override { return cable_.take(count); }
-  void stall() override {}  // it takes no bytes unless a test asks for that
+  void stall() override {}  // the printer takes no bytes unless a test asks for them
   void close() override { cable_.pull(); }
   void closeWriting() override { throw std::logic_error("a cable has no directions"); }
   void reset() override { throw std::logic_error("a cable is pulled"); }

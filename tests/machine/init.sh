@@ -17,7 +17,7 @@ check() { # NAME CONDITION …: one case
   if "$@"; then echo "ok $name"; else echo "not ok $name"; cat /run/answer; fi
 }
 
-within() { # SECONDS CONDITION …: waits until it holds
+within() { # SECONDS CONDITION …: waits until CONDITION holds
   left=$(($1 * 50))
   shift
   until "$@"; do
@@ -27,7 +27,7 @@ within() { # SECONDS CONDITION …: waits until it holds
   done
 }
 
-answers() { # EXIT_CODE TEXT COMMAND …: whether it ends so and says so
+answers() { # EXIT_CODE TEXT COMMAND …: whether COMMAND ends with EXIT_CODE and its output contains TEXT
   wanted=$1 text=$2
   shift 2
   "$@" >/run/answer 2>&1
@@ -36,7 +36,7 @@ answers() { # EXIT_CODE TEXT COMMAND …: whether it ends so and says so
   [ "$code" = "$wanted" ] && grep -qF -- "$text" /run/answer
 }
 
-field() { sed -n "s/.*\"$1\":\"\{0,1\}\([^\",}]*\).*/\1/p" /run/answer; } # NAME: its value in the answer
+field() { sed -n "s/.*\"$1\":\"\{0,1\}\([^\",}]*\).*/\1/p" /run/answer; } # NAME: the value of NAME in the answer
 
 as_kiosk() { su kiosk -c "$*"; } # COMMAND …: runs it as an ordinary user
 

@@ -36,7 +36,7 @@ def output(*command: str, **more) -> str:
 
 
 def kernel(folder: Path) -> Path:
-    """The unpacked package of the kernel. Of several tests that begin at once, one makes it."""
+    """The unpacked package of the kernel. If several tests begin at once, only one unpacks it."""
     folder.mkdir(parents=True, exist_ok=True)
     unpacked = folder / "kernel"
     with (folder / "lock").open("w") as lock:

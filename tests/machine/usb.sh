@@ -30,7 +30,7 @@ seq 1 40 | sed 's/^/a line of the receipt, number /' >/run/receipt
 seq 1 200 | sed 's/^/a line of the long receipt, number /' >/run/long
 length=$(wc -c </run/long)
 
-doctor() { # EXIT_CODE CAUSE_OR_TEXT [OPTION …]: whether the doctor says so
+doctor() { # EXIT_CODE CAUSE_OR_TEXT [OPTION …]: whether the doctor reports this exit code, and this cause or text
   wanted=$1 said=$2
   shift 2
   answers "$wanted" "$said" quorport -d usb: -t 1000 "$@" doctor --json
@@ -144,8 +144,8 @@ pull
 
 # --- jobs that do not end as they should
 
-# No byte may arrive that was not counted, but for the commands around the job; the driver may still hold 8 KiB of the
-# counted bytes.
+# Every byte that arrives must have been counted, except the commands around the job. The driver may still hold 8 KiB
+# of the counted bytes.
 is_honest() {
   accepted=$(field bytesAccepted)
   carried=$(cat /run/carried)

@@ -24,7 +24,7 @@ struct StandInDevice {
   std::vector<std::string> services = {"00001101-0000-1000-8000-00805F9B34FB"};
 };
 
-/// How the stand-in connects.
+/// How the stand-in reacts when a program asks for a connection.
 enum class Connecting {
   InOrder,       ///< hands over the connection, and answers after the program has taken it
   AnswersEarly,  ///< answers before it hands over the connection
@@ -41,12 +41,12 @@ struct StandInPlan {
   std::string errorText = "Host is down (112)";
   int profilesTaken = 0;  ///< how many registrations are refused first
 
-  /// The service's end of a new connection; the caller gets it and owns it.
+  /// Makes a connection, and returns the end that the stand-in hands to the program.
   std::function<int()> connect = nullptr;
 };
 
-/// The part of the Bluetooth service that printers need, on the system's bus: the objects of
-/// adapters and devices, and profiles. It serves on a thread of its own until its end.
+/// A stand-in on the system's bus for the part of the Bluetooth service that printers need:
+/// adapters, devices and profiles. A separate thread serves it until it is destroyed.
 class StandInBluetooth {
  public:
   explicit StandInBluetooth(StandInPlan plan);
@@ -54,7 +54,7 @@ class StandInBluetooth {
   StandInBluetooth(const StandInBluetooth&) = delete;
   StandInBluetooth& operator=(const StandInBluetooth&) = delete;
 
-  /// How many programs have the profile registered.
+  /// The number of programs that have registered the profile.
   int profiles() const { return static_cast<int>(profileCount_); }
 
   /// How many connections of other devices were rejected.

@@ -20,9 +20,9 @@ struct StandInAnnouncement {
   std::uint32_t flags = 0;  ///< of its resolution; 1 if the service only remembers it
 };
 
-/// The part of the network's discovery service that a search needs, on the system's bus. It
-/// announces everything before it answers a program that browses. It serves on a thread of its own
-/// until its end.
+/// A stand-in on the system's bus for the part of the network's discovery service that a search
+/// needs. It announces everything before it answers a program that browses. A separate thread
+/// serves it until it is destroyed.
 class StandInAvahi {
  public:
   explicit StandInAvahi(std::vector<StandInAnnouncement> announcements);
@@ -30,7 +30,7 @@ class StandInAvahi {
   StandInAvahi(const StandInAvahi&) = delete;
   StandInAvahi& operator=(const StandInAvahi&) = delete;
 
-  /// The types that were asked for.
+  /// The service types that programs have asked for.
   std::vector<std::string> askedFor() const { return askedFor_; }
 
  private:

@@ -1,6 +1,7 @@
-// Loaded before a program (LD_PRELOAD), it makes the program's databases lie on a disk that fails:
-// at the call number QUOR_FAILING_CALL, 0 for none, and at all later ones if QUOR_AND_ALL_LATER is
-// set. How many calls there were is written into the file QUOR_STORAGE_CALLS when the program ends.
+// This library is loaded before a program (LD_PRELOAD). It makes the disk of the program's
+// databases fail at the call number QUOR_FAILING_CALL (0: at no call), and at all later calls if
+// QUOR_AND_ALL_LATER is set. When the program ends, the library writes the number of calls to the
+// file QUOR_STORAGE_CALLS.
 #include <cstdlib>
 #include <fstream>
 

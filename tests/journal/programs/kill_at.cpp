@@ -1,8 +1,8 @@
 // Runs a program and kills it at one of its system calls. Usage: kill_at K PLACE COMMAND …
 //
-// Calls of all its threads are counted from the first open of a path that holds PLACE. The program
-// is killed when it enters call K, before the call has any effect. If it ends before that, its exit
-// status is passed on.
+// Calls of all its threads are counted from the first open of a path that contains PLACE. The
+// program is killed when it enters call K, before the call has any effect. If the program ends
+// before call K, its exit status is also that of kill_at.
 #include <fcntl.h>
 #include <sys/ptrace.h>
 #include <sys/syscall.h>

@@ -16,12 +16,12 @@ inline constexpr int adapterProtocol = 1;
 /// The address of a serial port over Bluetooth, as the kernel has it.
 struct RfcommAddress {
   sa_family_t family = AF_BLUETOOTH;
-  std::array<std::uint8_t, 6> address = {};  ///< the last pair of the text first
+  std::array<std::uint8_t, 6> address = {};  ///< the pairs of the text in reverse order
   std::uint8_t channel = 0;
 };
 
-/// A socket that listens at `channel` of the adapter with this address, "01:23:45:67:89:AB"; -1 if
-/// there is none.
+/// Returns a socket that listens at `channel` of the adapter with this address, such as
+/// "01:23:45:67:89:AB"; -1 if the socket cannot listen.
 inline int listenAt(const char* address, std::uint8_t channel) {
   RfcommAddress place{.channel = channel};
   for (std::size_t i = 0; i < place.address.size(); ++i) {
@@ -33,15 +33,15 @@ inline int listenAt(const char* address, std::uint8_t channel) {
   return isListening ? number : -1;
 }
 
-/// Where the kernel takes commands for adapters.
+/// The address at which the kernel takes commands for adapters.
 struct ManagementAddress {
   sa_family_t family = AF_BLUETOOTH;
-  std::uint16_t adapter = 0xffff;  // none
+  std::uint16_t adapter = 0xffff;  // no particular adapter
   std::uint16_t channel = 3;
 };
 
-/// Switches the adapter hci`index` on or off, and waits until that is done. Switching it off ends
-/// each of its connections, as if a printer were switched off.
+/// Switches the adapter hci`index` on or off, and waits until this is done. Switching the adapter
+/// off ends each of its connections, as if a printer were switched off.
 inline void setPowered(std::uint8_t index, bool isOn) {
   constexpr std::uint8_t command = 5;
   const int number = ::socket(AF_BLUETOOTH, SOCK_RAW | SOCK_CLOEXEC, adapterProtocol);

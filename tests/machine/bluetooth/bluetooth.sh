@@ -21,7 +21,7 @@ start_service() {
   sdptool add --channel=3 SP >/dev/null </dev/null
 }
 
-# It answers each command a moment later, and takes one command at a time.
+# bluetoothctl takes one command at a time, and answers it a moment later.
 control() { # COMMAND …
   (
     sleep 1
@@ -42,7 +42,7 @@ serve() { # SETTING …: the virtual printer behind the peer
   within 20 test -S $socket
 }
 
-switch_on() { # [OFF_AFTER]: the peer
+switch_on() { # [OFF_AFTER]: starts the peer
   [ -z "$peer" ] || { kill "$peer" 2>/dev/null; wait "$peer" 2>/dev/null; }
   rm -f /run/carried
   peer $printer 3 $socket /run/carried $1 &
@@ -118,8 +118,8 @@ for cut in $(seq 60 150 7500); do
   echo "exit $code, accepted $accepted, the printer got $carried" >>/run/answer
   honest() {
     case $code:$(field outcome) in 6:unconfirmed | 5:refused) ;; *) return 1 ;; esac
-    # Except for the commands around the job, no byte may arrive that was not counted. More bytes may be counted than
-    # arrived, because the two kernels hold some kilobytes.
+    # Every byte that arrives must have been counted, except the commands around the job. More bytes may be counted
+    # than arrived, because the two kernels hold some kilobytes.
     [ $((accepted + 512)) -ge "$carried" ]
   }
   check "switched-off-after-$cut-bytes-is-not-printed" honest

@@ -1,6 +1,6 @@
 // The printer at the other end of a Bluetooth link: switches the adapter hci1 on, carries bytes
-// between the connections to a channel of it and a virtual printer's socket, and may switch the
-// adapter off after a number of bytes.
+// between the socket of a virtual printer and the connections to a channel of the adapter, and may
+// switch the adapter off after a number of bytes.
 //
 //     peer ADDRESS CHANNEL SOCKET COUNT_FILE [SWITCH_OFF_AFTER]
 #include <poll.h>

@@ -28,7 +28,7 @@ class Cable {
   void say(contract::Bytes bytes);
 
   /// Takes `count` bytes from the host, or those that arrive before the cable is pulled. After a
-  /// generous time this function pulls it.
+  /// generous time this function pulls the cable.
   contract::Bytes take(std::size_t count);
 
  private:

@@ -73,7 +73,8 @@ Bytes endpoint(std::uint8_t address, std::size_t packet) {
           0};
 }
 
-// The interfaces with their endpoints, at one speed: the one from the host is the first.
+// The interfaces with their endpoints, at one speed. The endpoint that receives from the host is
+// the first.
 Bytes descriptorsFor(const UsbIdentity& identity, std::size_t packet) {
   Bytes bytes;
   if (identity.isSecondInterface) {
@@ -120,7 +121,7 @@ void describeTo(int control, const Bytes& bytes) {
   }
 }
 
-// The text after its length of two bytes, which counts itself.
+// The text, preceded by a length of two bytes, which includes these two bytes.
 std::string withLength(const std::string& text) {
   const std::size_t length = text.size() + 2;
   return {std::string{static_cast<char>(length >> 8), static_cast<char>(length)} + text};
@@ -203,7 +204,7 @@ bool UsbGadget::say(std::span<const std::uint8_t> bytes) {
 }
 
 void UsbGadget::stall() {
-  // The endpoint is stalled by a transfer in the wrong direction.
+  // A transfer in the wrong direction stalls the endpoint.
   const std::uint8_t byte = 0;
   if (::write(fromHost_, &byte, 1) >= 0 || errno != EBADMSG) {
     fail("the stall");

@@ -48,7 +48,8 @@ class UsbGadget {
   /// False if the cable is out.
   bool say(std::span<const std::uint8_t> bytes);
 
-  /// Stalls the endpoint to which the host writes: its transfers fail until it clears that.
+  /// Stalls the endpoint to which the host writes: the host's transfers fail until the host clears
+  /// the stall.
   void stall();
 
   /// Sets the answer to the question for the port status: 18 ready, 38 paper out, 10 error (hex).
@@ -73,7 +74,7 @@ class UsbGadget {
   int control_ = -1;
   int fromHost_ = -1;
   int toHost_ = -1;
-  int end_ = -1;  // becomes readable when the control requests are served no more
+  int end_ = -1;  // becomes readable when control requests are no longer served
   std::thread server_;
 };
 
