@@ -21,7 +21,7 @@ enum {
   QUOR_NONE = 1,            /**< done, but there is no value to return; nothing is copied */
   QUOR_FAILED = -1,         /**< the operation was tried and failed */
   QUOR_PORT_EXCEPTION = -2, /**< the operation gave up: a write failed or the link is lost */
-  QUOR_UNREADABLE = -3,     /**< the printer's answer does not have the form that it must have */
+  QUOR_UNREADABLE = -3,     /**< the printer's answer does not have the required form */
   QUOR_STOPPED = -4,        /**< the transfer observer stopped the operation */
   QUOR_USAGE = -5,          /**< an argument or the call itself is not allowed; nothing was done */
   QUOR_BUFFER_TOO_SMALL = -6, /**< the buffer is too small; `*length` is the size that is needed */

@@ -54,8 +54,8 @@ typedef struct QuorPrinterStatus_2_ {
 
   uint32_t etbAvailable; /**< the printer reports its ETB counter */
 
-  /** The number of ETB commands that the printer has processed, modulo 256. It is valid only if
-   * etbAvailable is 1. */
+  /** The number of ETB commands that the printer has processed, modulo 256. The number is valid
+   * only if etbAvailable is 1. */
   uint8_t etbCounter;
 
   uint8_t presenterState; /**< 0 idle, 1 holding paper, 2 retracted, 3 ejected */

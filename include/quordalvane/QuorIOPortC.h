@@ -5,16 +5,16 @@
  * The library for programs that are not written in C++. No exception crosses this interface.
  *
  * Errors. A function that can fail returns a code, which is 0 or more on success and below 0 on
- * failure; quor_last_error then says why. A pointer must not be null unless the comment of its
- * function allows it. For a null pointer that is not allowed, functions that return a code return
- * QUOR_USAGE, and all other functions return 0.
+ * failure. After a failure, quor_last_error says why. A pointer must not be null unless the comment
+ * of its function allows it. For a null pointer that is not allowed, functions that return a code
+ * return QUOR_USAGE, and all other functions return 0.
  *
  * Texts and bytes. The library copies its results into a buffer of the caller, of `capacity` bytes,
- * and stores the number of bytes in `*length`; `length` may be null. A text ends with a NUL:
- * `*length` does not count it, but the buffer must have room for it. If the buffer is too small,
- * nothing is copied, `*length` is still set, and the code is QUOR_BUFFER_TOO_SMALL. To ask for the
- * length alone, pass a capacity of 0; the buffer may then be null. After a call the library keeps
- * no pointer that the caller passed, except pointers to functions and to their contexts.
+ * and stores the number of bytes in `*length`; `length` may be null. A text ends with a NUL.
+ * `*length` does not count the NUL, but the buffer must have room for it. If the buffer is too
+ * small, nothing is copied, `*length` is still set, and the code is QUOR_BUFFER_TOO_SMALL. To ask
+ * for the length alone, pass a capacity of 0; the buffer may then be null. After a call the library
+ * keeps no pointer that the caller passed, except pointers to functions and to their contexts.
  *
  * Handles. The caller must free each handle that it has created. Freeing null has no effect.
  *

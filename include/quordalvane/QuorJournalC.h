@@ -31,11 +31,11 @@ extern "C" {
 /** A file in which jobs are recorded under their names. */
 typedef struct QuorJournal QuorJournal;
 
-/** Opens a journal. If the file is missing, it is created; only this user may read and write it. If
- * `file` is null, the file is quorport/jobs.db in $XDG_STATE_HOME, or in ~/.local/state if this
- * variable is not set. Returns QUOR_NO_JOURNAL if the file cannot be read and written, is damaged,
- * is not a journal, was written by a later version of this library, is on a network file system, or
- * has more than one hard link. */
+/** Opens a journal. If the file is missing, it is created; only this user may read and write the
+ * new file. If `file` is null, the file is quorport/jobs.db in $XDG_STATE_HOME, or in
+ * ~/.local/state if this variable is not set. Returns QUOR_NO_JOURNAL if the file cannot be read
+ * and written, is damaged, is not a journal, was written by a later version of this library, is on
+ * a network file system, or has more than one hard link. */
 QUOR_EXPORT QuorCode quor_journal_open(const char* file, QuorJournal** journal);
 
 /** Frees the handle. Named jobs that still exist keep the journal open. */

@@ -52,9 +52,10 @@ QUOR_EXPORT QuorCode quor_port_create(const char* port_name, const char* port_se
  * port alive. */
 QUOR_EXPORT void quor_port_free(QuorPort* port);
 
-/** Chooses the accessory that the port name selects and opens a session on it. Takes 0.1 s plus the
- * time that the link needs to connect. Returns QUOR_FAILED if the port name has fewer than three
- * characters, if no accessory matches, or if the chosen accessory cannot be reached. */
+/** Chooses the accessory that matches the port name, and opens a session on this accessory. Takes
+ * 0.1 s plus the time that the link needs to connect. Returns QUOR_FAILED if the port name has
+ * fewer than three characters, if no accessory matches, or if the chosen accessory cannot be
+ * reached. */
 QUOR_EXPORT QuorCode quor_port_open(QuorPort* port);
 
 /** Ends the session and, on the main thread, also the port's thread. Pauses 0.1 s first if the
@@ -192,7 +193,7 @@ QUOR_EXPORT QuorCode quor_port_retrieve_button_security_timeout(QuorPort* port,
  * answer or answered with an error, and QUOR_UNREADABLE if its answer is incomplete. */
 QUOR_EXPORT QuorCode quor_port_enter_at_mode(QuorPort* port);
 
-/** Waits up to `timeout`, and at least one second, for the module's result, and copies it.
+/** Waits for the module's result, up to `timeout` and at least one second, and copies the result.
  * `setting_title` may be null: the copied text is then the OK or ERROR line. With a title, the
  * copied text is the title and the `setting_length` characters after it; a length of 0 means all
  * characters after it. Returns QUOR_FAILED if no result arrived, and QUOR_UNREADABLE if the result
@@ -266,7 +267,7 @@ QUOR_EXPORT QuorCode quor_port_set_connection_id(QuorPort* port, uint64_t connec
  * otherwise. */
 QUOR_EXPORT int32_t quor_port_is_brondel(QuorPort* port);
 
-/** Returns 1 if the port has a thread of its own, and 0 if it was not created on the main
+/** Returns 1 if the port has a thread of its own, and 0 if the port was not created on the main
  * thread. */
 QUOR_EXPORT int32_t quor_port_has_thread71(QuorPort* port);
 

@@ -48,10 +48,10 @@ QUOR_EXPORT QuorCode quor_printer_dip_switches(QuorPort* port, uint8_t settings[
  * security is off. Otherwise it is the printer's value plus the port's time-out. */
 QUOR_EXPORT QuorCode quor_printer_button_security_timeout(QuorPort* port, uint32_t* milliseconds);
 
-/** Finds the strongest proof of a job that the printer can give, and stores its number from
- * QuorProof.h; QUOR_PROOF_NONE if the printer gives no proof. An off-line ESC/POS printer may hold
- * back its answers; it then seems to give no proof. The query resets the printer's count of
- * end-of-job marks, so do not send it while another program prints. */
+/** Finds the strongest proof of a job that the printer can give, and stores the number of this
+ * proof from QuorProof.h; QUOR_PROOF_NONE if the printer gives no proof. An off-line ESC/POS
+ * printer may hold back its answers; it then seems to give no proof. The query resets the printer's
+ * count of end-of-job marks, so do not send it while another program prints. */
 QUOR_EXPORT QuorCode quor_printer_proof(QuorPort* port, int32_t* proof);
 
 /** Makes the printer drop the data that it has not printed yet. Returns when the link has taken the
