@@ -8,7 +8,7 @@ namespace quordalvane {
 /// data-cancel section.
 inline constexpr std::uint8_t dataCancel[] = {0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00};
 
-/// Closes the data-cancel section; has no effect if no such section is open.
+/// Closes the data-cancel section; has no effect if no data-cancel section is open.
 inline constexpr std::uint8_t dataCancelEnd[] = {0x1b, 0x1d, 0x03, 0x04, 0x00, 0x00};
 
 /// Asks an ESC/POS printer whether it is ready.

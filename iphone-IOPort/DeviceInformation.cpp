@@ -26,8 +26,8 @@ constexpr std::uint8_t writeBuf[] = {0x1b, 0x23, 0x2c, 0x31, 0x0a, 0x00};
 
 using ReplyParser = decltype(&parseFirmwareInfo);
 
-/// Returns the range of the complete field that `parse` finds in `data`; null if there is no such
-/// field. If there is no data, the parser is called with null and 0.
+/// Returns the range of the complete field that `parse` finds in `data`; null if `data` contains no
+/// complete field. If there is no data, the parser is called with null and 0.
 std::optional<Range> findField(ReplyParser parse, const std::optional<ByteBuffer>& data) {
   std::int32_t location = 0;
   std::int32_t length = 0;

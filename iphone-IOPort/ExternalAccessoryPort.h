@@ -136,8 +136,8 @@ class QUOR_EXPORT ExternalAccessoryPort
 
   /// Takes the bytes that have arrived, at most `bytesToRead`; waits at most 0.1 s for the first
   /// byte. Returns the bytes; an empty buffer if no byte arrived or `bytesToRead` is 0; null if the
-  /// link is lost or reports an error. On such an error, the bytes that this call has already taken
-  /// are dropped.
+  /// link is lost or reports an error. If the read fails, the bytes that it has already taken are
+  /// dropped.
   std::optional<ByteBuffer> read(std::size_t bytesToRead);
 
   /// Works as `read`, but does not wait for a byte if the printer has answered every query. Call it
@@ -178,15 +178,15 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// Asks whether the printer is ready to print. Returns true if the printer gave its status;
   /// `*onlineStatus` then says whether it is on line. Returns false otherwise; `*onlineStatus` is
   /// then false, or unchanged if the query could not be written. `onlineStatus` must not be null.
-  /// Throws the exceptions of `getParsedStatus`; then `*onlineStatus` is unchanged.
+  /// Throws the exceptions of `getParsedStatus`; after an exception `*onlineStatus` is unchanged.
   bool getOnlineStatus(bool* onlineStatus);
 
   // -- Checked block ------------------------------------------------------------------------------
 
   /// Prepares the printer for a job whose printing `endCheckedBlock` will verify. Resets the
-  /// printer's counter, sets its data time-out if one is configured, and makes it drop the data
-  /// that it still holds. Line mode has two more steps: before the reset, the printer must be on
-  /// line; after the reset, `beginCheckedBlock` waits until the counter reads 0 and no paper is
+  /// printer's counter, sets its data time-out if one is configured, and makes the printer drop the
+  /// data that it still holds. Line mode has two more steps: before the reset, the printer must be
+  /// on line; after the reset, `beginCheckedBlock` waits until the counter reads 0 and no paper is
   /// left in the exit. The creation time-out limits the wait for the counter;
   /// `holdPrintTimeoutMillis` limits the wait for the paper.
   ///
@@ -307,7 +307,7 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// @}
 
   /// How many milliseconds `beginCheckedBlock` waits, in line mode, for somebody to take the paper
-  /// from the exit. The initial value is 0: with it, the wait ends when the clock reaches its next
+  /// from the exit. The initial value is 0. With 0, the wait ends when the clock reaches its next
   /// second.
   /// @{
   std::uint32_t holdPrintTimeoutMillis() const { return _holdPrintTimeoutMillis; }

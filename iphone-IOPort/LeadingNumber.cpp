@@ -9,8 +9,8 @@
 namespace quordalvane {
 namespace {
 
-/// `number` is outside the range of a float. Returns true if it is too large, and false if it is
-/// too small.
+/// Called for a `number` outside the range of a float. Returns true if the number is too large, and
+/// false if it is too small.
 bool isTooLarge(std::string_view number) {
   const std::size_t mark = std::min(number.find_first_of("eE"), number.size());
   const std::string_view digits = number.substr(0, mark);

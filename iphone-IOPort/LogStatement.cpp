@@ -59,7 +59,7 @@ class MessageText {
 };
 
 /// The text of an address: 0x and its hexadecimal digits. The digits are written from the last to
-/// the first, so that they need not be counted first. Every log statement needs this text, so speed
+/// the first, because their number is unknown. Every log statement needs this text, so speed
 /// matters.
 class AddressText {
  public:

@@ -24,15 +24,16 @@ struct LogStatistics {
                              ///< memory was short
 };
 
-/// The library's logger. It decides which records are wanted and passes them to the sinks that the
-/// application has added. Several threads may call its members at the same time. A sink may
-/// call them as well.
+/// The library's logger. The logger decides which records are wanted, and passes these records to
+/// the sinks that the application has added. Several threads may call its members at the same time.
+/// A sink may call them as well.
 class QUOR_EXPORT LogWriter {
  public:
   /// The longest time that `flush` waits if it is called without a time-out.
   static constexpr std::chrono::milliseconds flushTime{2000};
 
-  /// Returns whether logging is on. It is off until the application switches it on. Takes no lock.
+  /// Returns whether logging is on. Logging is off until the application switches it on. Takes no
+  /// lock.
   static bool isLogging() noexcept { return logging_.load(std::memory_order_relaxed); }
 
   /// Returns whether records of `level` are wanted. Initially only level 0 is wanted; a level
@@ -51,9 +52,9 @@ class QUOR_EXPORT LogWriter {
   /// 63.
   static void setTargetLogLevels(const std::set<std::int32_t>& levels);
 
-  /// Returns the logger of this process. It is created at the first call and never destroyed, so
-  /// that threads may log until the process ends. A normal exit of the process calls `flush`, which
-  /// then waits for at most `flushTime`.
+  /// Returns the logger of this process. The logger is created at the first call and never
+  /// destroyed, so that threads may log until the process ends. A normal exit of the process calls
+  /// `flush`, which then waits for at most `flushTime`.
   static LogWriter& sharedInstance();
 
   /// Returns all bytes as pairs of lower-case hexadecimal digits, separated by blanks, in angle

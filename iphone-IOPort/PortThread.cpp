@@ -21,7 +21,7 @@ void ExternalAccessoryPort::runLoop71() {
   constexpr auto selector = "-[ExternalAccessoryPort runLoop71]";
   QUOR_LOG(ZKLogTypeInternalMethodStart, 0, "%@", "");
   // If the run loop throws, only the thread ends, not the process. Later calls of `open` and
-  // `close` then run on the caller's thread, as after a close.
+  // `close` then run on the caller's thread, as they do after a close.
   guarded(
       [this] {
         while (!stopThread71) {

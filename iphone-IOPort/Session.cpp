@@ -1,4 +1,5 @@
-// Chooses the accessory, opens and closes the session on it, and tests whether it is connected.
+// Chooses the accessory, opens and closes the session on it, and tests whether the port is
+// connected.
 
 #include <algorithm>
 #include <stdexcept>

@@ -152,8 +152,8 @@ bool ExternalAccessoryPort::writeStatusCommand(const ByteBuffer& command, Reply 
   return true;
 }
 
-/// Waits for the answer to one query and stores it in the record. Returns false if the time-out
-/// passes.
+/// Waits for the answer to one query and stores the answer in the record. Returns false if the
+/// time-out passes.
 bool ExternalAccessoryPort::awaitStatusByte(QuorPrinterStatus_2* quorPrinterStatus,
                                             std::uint32_t level, WholeSecondsWait& wait) {
   constexpr auto selector = statusSelector;

@@ -28,7 +28,8 @@ struct Deallocation {
 /// remove a new expression whose object nobody uses.
 using RawMemory = std::unique_ptr<void, Deallocation>;
 
-// A null stream means that there is no session. Then there is no space, and there are no bytes.
+// A null stream means that there is no session. Without a session there is no space, and there are
+// no bytes.
 bool hasSpaceAvailable(const std::shared_ptr<NSOutputStream>& stream) {
   return stream != nullptr && stream->hasSpaceAvailable();
 }

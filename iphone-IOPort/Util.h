@@ -12,7 +12,8 @@ class EAAccessoryManager;
 /// may call them. The last two ask the platform; the others are pure.
 class Util {
  public:
-  /// Returns true if `modelNumber` ends in "-U". Such a model is attached by a USB cable.
+  /// Returns true if `modelNumber` ends in "-U". A model with such a number is attached by a USB
+  /// cable.
   static bool isUsbDevice(std::string_view modelNumber);
 
   /// Returns the first Bluetooth address in `text`, in the letter case of the text: six pairs of
