@@ -30,7 +30,7 @@ MaybeSetback AutoProof::begin() {
 }
 
 /// Checks that the printer is ready, and then asks which proof it gives. Does not ask again if an
-/// earlier search found no proof and the printer has sent no confirming answer since.
+/// earlier search found no proof and the printer has later sent no answer that can confirm a job.
 MaybeSetback AutoProof::find() {
   if (auto setback = refuseUnready(link(), answers_, result())) {
     return setback;

@@ -10,7 +10,7 @@ namespace quordalvane {
 
 /// Asks an ESC/POS printer which proof it gives, and then forwards all calls to that proof. The
 /// answer is kept for as long as the port exists. The printer is asked again only if the search
-/// found no proof and the printer has sent a confirming answer since.
+/// found no proof and the printer has later sent an answer that can confirm a job.
 class AutoProof final : public Proof {
  public:
   AutoProof(PortLink& link, PrintResult& result);

@@ -11,9 +11,10 @@
 namespace quordalvane {
 
 /// The common part of the proofs of ordinary ESC/POS printers. The job ends with a query, which the
-/// printer answers after it has printed everything before it; this answer is the sign that the job
-/// was printed. An ordinary ESC/POS printer keeps its job while it is off line and continues later,
-/// so the proof waits up to the end-of-block time-out. No command of a checked block is sent.
+/// printer answers after it has printed everything before the query; this answer is the sign that
+/// the job was printed. An ordinary ESC/POS printer keeps its job while it is off line and
+/// continues later, so the proof waits up to the end-of-block time-out. No command of a checked
+/// block is sent.
 class EndSign : public Proof {
  public:
   MaybeSetback begin() override;

@@ -38,13 +38,13 @@ class EscPosAnswers {
   /// Processes the next bytes that arrived.
   void feed(ByteView bytes);
 
-  /// Each returns the last answer of one kind; null if there was no such answer.
+  /// Each of these functions returns the last answer of one kind; null if there was no such answer.
   /// @{
   std::optional<std::uint8_t> lastRealTimeStatus() const { return realTimeStatus_; }
   std::optional<std::uint8_t> lastReport() const { return report_; }
   /// @}
 
-  /// Each returns how many answers of one kind have arrived.
+  /// Each of these functions returns how many answers of one kind have arrived.
   /// @{
   std::uint64_t realTimeCount() const { return realTimeCount_; }
   std::uint64_t inOrderCount() const { return inOrderCount_; }
@@ -61,8 +61,8 @@ class EscPosAnswers {
   bool hasNamed(const JobId& id) const;
 
  private:
-  // Each returns the length in bytes of the answer at the beginning of `bytes_`; 0 if more bytes
-  // are needed to find the length.
+  // Each of these functions returns the length in bytes of the answer at the beginning of `bytes_`;
+  // 0 if more bytes are needed to find the length.
   std::size_t take();
   std::size_t takeAnswer();
   std::size_t takeUnasked() const;

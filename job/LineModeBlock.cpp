@@ -23,7 +23,7 @@ constexpr auto earlierJobCounted =
 // A printer that holds no data counts a mark as soon as it receives it.
 constexpr auto timeToCount = std::chrono::seconds(1);
 
-// As in the port, a wait ends at most one second after its limit.
+// A wait ends at most one second after its limit, as a wait of the port does.
 constexpr auto wholeSecond = std::chrono::seconds(1);
 constexpr std::uint64_t endPollMicroseconds = 100000;
 

@@ -9,8 +9,8 @@
 
 namespace quordalvane {
 
-/// Facts that earlier jobs on a port have found out about its printer. They are kept as long as the
-/// port exists.
+/// Facts that earlier jobs on a port have found out about its printer. These facts are kept as long
+/// as the port exists.
 struct PortMemory {
   std::optional<ProofKind>
       foundProof;            ///< the printer's proof; null if the printer was not asked yet

@@ -27,7 +27,7 @@ std::optional<PrintCommand> counted(std::size_t header, std::size_t payload) {
   return PrintCommand{header + payload, true};
 }
 
-/// Commands that share their first byte and their fixed length; `selectors` lists their second
+/// Commands that have the same first byte and the same fixed length; `selectors` lists their second
 /// bytes.
 struct PlainForms {
   std::uint8_t lead;

@@ -10,8 +10,8 @@ namespace quordalvane {
 
 /// A command in print data, or a byte that is not part of a command.
 struct PrintCommand {
-  /// The length in bytes. It is larger than the rest of the data if the data ends inside the
-  /// command.
+  /// The length of the command in bytes. If the data ends inside the command, this length is larger
+  /// than the rest of the data.
   std::size_t length;
 
   /// True if the command states the length of its payload. Commands for images, barcodes and stored
@@ -20,8 +20,8 @@ struct PrintCommand {
 };
 
 /// Returns the command at the beginning of `data`, which must not be empty. Returns null if the
-/// command is unknown, or if printers differ in its parameters. The end of the command is then
-/// unknown, and so is everything after it.
+/// command is unknown, or if printers differ in its parameters. In both cases the end of the
+/// command is unknown, and so is everything after the command.
 std::optional<PrintCommand> printCommandAt(ByteView data);
 
 }  // namespace quordalvane

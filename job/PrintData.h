@@ -12,8 +12,8 @@ namespace quordalvane {
 
 /// Returns, in words and with the position, why a checked block cannot confirm the printing of
 /// `data`. There are two reasons: a command in the data causes answers that look like the printer's
-/// confirmation in this emulation, or the data ends inside a command. Returns null if there is no
-/// such reason.
+/// confirmation in this emulation, or the data ends inside a command. Returns null if a checked
+/// block can confirm the printing.
 ///
 /// The payload of a command that states its length (an image, a barcode, a stored graphic) is not
 /// searched, as long as all commands before it are known. The parameters of a command are searched
@@ -33,9 +33,9 @@ std::size_t commandEnd(ByteView data, std::size_t position);
 
 /// Returns, in words, why a query after `data` would prove nothing. There are two reasons: the data
 /// ends inside a command, so that the printer reads the query as data, or a command in the data
-/// makes the printer drop data. Returns null if there is no such reason. If a command states the
-/// length of its payload, this payload is searched only for the command that clears the buffer in
-/// real time.
+/// makes the printer drop data. Returns null if a query after `data` can prove the printing. If a
+/// command states the length of its payload, this payload is searched only for the command that
+/// clears the buffer in real time.
 std::optional<std::string> endSignObstacle(ByteView data);
 
 /// Returns how many in-order statuses (see inOrderRequest) the data itself requests; null if they

@@ -36,7 +36,7 @@ struct PrintProgress {
 };
 
 /// One print job over an open port. A job begins a proof, sends the data, ends the proof, and
-/// reports the outcome. It sends the data once, and never again by itself. An example:
+/// reports the outcome. A job sends the data once, and never again by itself. An example:
 ///
 ///     const PrintResult result = PrintJob(port).run("1 Espresso   1.80\n");
 ///

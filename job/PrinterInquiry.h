@@ -76,7 +76,8 @@ class QUOR_EXPORT PrinterInquiry {
 
   /// Returns the strongest proof that the printer can give; None if the printer gives no proof. An
   /// off-line ESC/POS printer may hold back its answers; it then seems to give no proof. The query
-  /// resets the printer's count of marks, so do not send it while another program prints.
+  /// resets the printer's count of end-of-job marks, so do not send it while another program
+  /// prints.
   ProofKind proof();
 
   /// Makes the printer drop the data that it has not printed yet. Returns when the link has taken
