@@ -9,7 +9,7 @@
 
 namespace quordalvane {
 
-/// One attempt to print a named job. It is a row of the journal.
+/// One attempt to print a named job. An attempt is one row of the journal.
 struct Attempt {
   std::string name;         ///< the name of the job
   std::int64_t number = 0;  ///< 1 for the job's first attempt, 2 for the next, and so on

@@ -102,7 +102,7 @@ class Transaction {
   Transaction(const Transaction&) = delete;
   Transaction& operator=(const Transaction&) = delete;
 
-  /// Makes the changes permanent. They are on disk when `commit` returns.
+  /// Makes the changes permanent. When `commit` returns, the changes are on disk.
   void commit();
 
  private:

@@ -20,8 +20,8 @@ namespace {
 
 constexpr auto longestOpening = std::chrono::seconds(10);
 
-// A process that only looks a job up, or removes it, holds the lock on its name no longer than
-// this.
+// A process that only looks up or removes a job holds the lock on the job's name no longer than
+// this time.
 constexpr auto longestMoment = std::chrono::seconds(2);
 
 ByteLock takenForOpening(const std::filesystem::path& file) {
@@ -115,8 +115,8 @@ std::size_t Journal::forgetOlderThan(std::uint32_t days) {
   }));
 }
 
-/// Removes the job if its last attempt began before `moment`. This is checked here, under the lock,
-/// because another attempt may have begun since the caller looked.
+/// Removes the job if its last attempt began before `moment`. The time is checked here, under the
+/// lock, because another attempt may have begun since the caller looked.
 Forgetting Journal::forgetIfBegunBefore(std::int64_t moment, const std::string& name) {
   const auto lock = withLocksOf(file_, [&](const auto& locks) {
     return ByteLock::take(locks, lockOffset(name), modeOfLocks, longestMoment, {});

@@ -54,11 +54,11 @@ enum class Forgetting {
 /// the file is then unchanged.
 class QUOR_EXPORT Journal {
  public:
-  /// Opens `file` and checks all of its content. If the file is missing, it is created, with the
-  /// folders above it; only this user may read and write it. A second file, for locks, is created
-  /// in the same folder; the name of this file ends in `.locks`. Throws `JournalError` if the file
-  /// cannot be written, is damaged, is empty, is not a journal, was written by a later version of
-  /// this library, is on a network file system, or has more than one hard link.
+  /// Opens `file` and checks all of its content. If the file is missing, it is created, as are the
+  /// folders above it; only this user may read and write the new file. A second file, for locks, is
+  /// created in the same folder; the name of this file ends in `.locks`. Throws `JournalError` if
+  /// the file cannot be written, is damaged, is empty, is not a journal, was written by a later
+  /// version of this library, is on a network file system, or has more than one hard link.
   explicit Journal(const std::filesystem::path& file);
 
   ~Journal();
