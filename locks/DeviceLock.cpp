@@ -25,7 +25,7 @@ bool isShared(const std::filesystem::path& folder) {
 }
 
 // Returns this user's private folder. Throws if the folder belongs to another user: that user may
-// have created it to read the files in it.
+// have created the folder to read the files in it.
 std::filesystem::path privateFolder() {
   const char* const temporary = std::getenv("TMPDIR");
   std::filesystem::path folder =

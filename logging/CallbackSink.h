@@ -11,10 +11,10 @@ namespace quordalvane {
 /// Calls a function of the application for every record.
 class QUOR_EXPORT CallbackSink : public LogSink {
  public:
-  /// The application's function. It runs on the writer thread and may itself log. If it throws,
-  /// LogDelivery reports the first exception and continues to call the function. The received
-  /// records contain the object and the message as appendPrintable writes them: control characters
-  /// are escaped and invalid bytes replaced.
+  /// The application's function. The function runs on the writer thread and may itself log. If the
+  /// function throws, LogDelivery reports the first exception and continues to call the function.
+  /// The received records contain the object and the message as appendPrintable writes them:
+  /// control characters are escaped and invalid bytes replaced.
   using Callback = std::function<void(const LogRecord&)>;
 
   /// Stores `callback`, which must not be empty.

@@ -32,7 +32,7 @@ class LogDelivery {
   LogDelivery& operator=(const LogDelivery&) = delete;
 
   /// Puts the record into the queue and returns without waiting for a sink. If the queue is full,
-  /// the record is dropped; a record of type Error then takes the place of the dropped records and
+  /// the record is dropped; in the log, a record of type Error replaces the dropped records and
   /// reports their number. Records that cannot be delivered because memory is short are reported in
   /// the same way. Before the first sink is added, records are discarded.
   void handOver(LogRecord&& record) noexcept { queue_.push(std::move(record)); }

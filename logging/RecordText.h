@@ -14,8 +14,8 @@ namespace quordalvane {
 /// whatever bytes the texts of the record contain.
 QUOR_EXPORT void appendJsonLine(std::string& out, const LogRecord& record);
 
-/// Appends the record as one line for people. It has the same fields in the same order, except the
-/// number of the type. Control characters are escaped.
+/// Appends the record as one line for people. The line has the fields of the JSON object in the
+/// same order, except the number of the type. Control characters are escaped.
 QUOR_EXPORT void appendReadableLine(std::string& out, const LogRecord& record);
 
 }  // namespace quordalvane

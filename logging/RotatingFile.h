@@ -42,7 +42,7 @@ class QUOR_EXPORT RotatingFile {
   /// Writes the lines that are in memory. If somebody has moved or removed the file, creates it
   /// again. Throws std::system_error if the file cannot be created or written; the lines in memory
   /// are then lost, and the file does not end in the middle of a line. If a rotation failed,
-  /// `flush` first writes the lines and then throws; the file then grows beyond its maximum.
+  /// `flush` first writes the lines and then throws; afterwards the file grows beyond its maximum.
   void flush();
 
  private:
