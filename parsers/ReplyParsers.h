@@ -2,10 +2,11 @@
 
 #include <cstdint>
 
-// Functions that find the answer to a query in the bytes that a printer sent in line mode. They are
-// pure, and any thread may call them. They read `bytes[0]` to `bytes[count - 1]`; if `count` is 0
-// or less, there are no bytes, and `bytes` may be null. `location` (an offset into `bytes`) and
-// `length` (in bytes) must not be null. Both are written only on success.
+// Functions that find the answer to a query in the bytes that a printer sent in line mode. The
+// functions are pure, and any thread may call them. They read `bytes[0]` to `bytes[count - 1]`; if
+// `count` is 0 or less, there are no bytes, and `bytes` may be null. `location` (an offset into
+// `bytes`) and `length` (in bytes) must not be null. `location` and `length` are written only on
+// success.
 
 namespace quordalvane {
 

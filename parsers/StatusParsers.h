@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
-// Functions that decode a printer's status replies. They use only the record that is passed to
-// them, so any thread may call them.
+// Functions that decode a printer's status replies. The functions use only the record that is
+// passed to them, so any thread may call them.
 
 namespace quordalvane {
 

@@ -26,12 +26,12 @@ class QUOR_EXPORT Clock {
   /// good for intervals but not for dates.
   virtual std::chrono::nanoseconds monotonic() = 0;
 
-  /// Sleeps for at least `microseconds`; a signal does not shorten the sleep. With zero it returns
-  /// at once.
+  /// Sleeps for at least `microseconds`; a signal does not shorten the sleep. With zero `usleep`
+  /// returns at once.
   virtual void usleep(std::uint64_t microseconds) = 0;
 
   /// Sleeps for `microseconds`, as a `select` call without descriptors does. A value of a million
-  /// or more is allowed. With zero or less it returns at once.
+  /// or more is allowed. With zero or less `select` returns at once.
   virtual void select(std::int32_t microseconds) = 0;
 };
 

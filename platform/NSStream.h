@@ -32,7 +32,7 @@ class QUOR_EXPORT NSStream {
   /// Removes the stream from `runLoop` in `mode`; afterwards the stream does no work on this loop.
   /// A port calls this after `close`. Has no effect if the stream is not scheduled on this loop. If
   /// a port is destroyed while it is open, its streams are destroyed without this call, and remove
-  /// themselves.
+  /// themselves from the loop.
   virtual void removeFromRunLoop(NSRunLoop& runLoop, std::string_view mode) = 0;
 
   /// Starts to open the stream. The stream may still be opening when `open` returns.

@@ -14,7 +14,7 @@ class QUOR_EXPORT NSThread {
 
   /// Starts the thread. May be called once. Returns false if the system cannot create the thread;
   /// the function that the thread should run is then never called, and is destroyed before `start`
-  /// returns. Otherwise this function is destroyed when it has returned.
+  /// returns. If the thread was created, this function is destroyed after it has returned.
   virtual bool start() = 0;
 
   /// Marks the thread as cancelled. This is only a request and does not end the thread.

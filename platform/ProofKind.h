@@ -25,7 +25,7 @@ enum class ProofKind : std::int32_t {
 /// The name and the description of a proof.
 struct ProofWords {
   ProofKind kind;          ///< the proof
-  std::string_view name;   ///< its name, as people and programs write it
+  std::string_view name;   ///< the name of the proof, as people and programs write it
   std::string_view about;  ///< how the printer proves a job, as a sentence
 };
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-// Upper and lower case of the ASCII letters; other characters do not change.
+// Functions for upper and lower case of the ASCII letters. Other characters do not change.
 namespace quordalvane {
 
 constexpr char lowerCase(char c) {

@@ -7,8 +7,8 @@
 
 namespace quordalvane {
 
-// Texts from printers and ports may contain any bytes. Both `append` functions append such a text
-// as valid UTF-8 without control characters. Each control character, including DEL and U+0080 to
+// Texts from printers and ports may contain any bytes. The two `append` functions append a text as
+// valid UTF-8 without control characters. Each control character, including DEL and U+0080 to
 // U+009F, becomes an escape: \n, \r, \t, or \u and four hexadecimal digits. Each byte that does not
 // belong to a valid character becomes U+FFFD.
 
