@@ -31,9 +31,9 @@ ZKEmulation emulationOf(int32_t number) {
   return static_cast<ZKEmulation>(number);
 }
 
-// Returns whether the port has chosen this accessory. It also compares the name and the serial
-// number, because two accessories may have the same identifier. The port has these texts even after
-// `open` has failed.
+// Returns whether the port has chosen this accessory. The function compares the identifier, the
+// name and the serial number, because two accessories may have the same identifier. The port has
+// these texts even after `open` has failed.
 bool hasChosen(const ExternalAccessoryPort& port, EAAccessory& accessory) {
   return accessory.connectionID() == port.connectionID() && accessory.name() == port.name() &&
          accessory.serialNumber() == port.serialNumber();

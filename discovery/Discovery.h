@@ -19,15 +19,15 @@ struct DiscoveryRoots {
 struct Discovery {
   std::vector<FoundDevice> devices;
 
-  /// One line for each kind of device that could not be searched for. Each line gives the reason,
-  /// for a person.
+  /// One text for each kind of device that could not be searched for. The text gives the reason to
+  /// a person.
   std::vector<std::string> unsearched;
 };
 
 /// Finds the devices that could be printers: USB printers, paired Bluetooth printers, printers that
 /// announce themselves on the network, and serial lines, in this order. Opens no device and sends
 /// nothing to any device. The search takes two seconds, because it listens to the network for that
-/// time; the search for Bluetooth printers has the same limit.
+/// time; the search for Bluetooth printers takes at most as long.
 ///
 ///     for (const FoundDevice& found : discoverDevices().devices) {
 ///       std::cout << found.device << " is " << found.name << "\n";

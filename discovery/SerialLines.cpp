@@ -14,16 +14,16 @@ namespace fs = std::filesystem;
 // of its serial line. The folders of an interface and a port are between these two.
 constexpr int highest = 4;
 
-// Returns whether the line has hardware. Consoles and pseudo-terminals have no hardware. The driver
-// of classic serial ports also creates lines for ports that do not exist.
+// Returns whether the serial line has hardware. Consoles and pseudo-terminals have no hardware. The
+// driver of classic serial ports creates lines even for ports that do not exist.
 bool hasHardware(const fs::path& entry) {
   constexpr auto noHardware = "0";
   std::error_code error;
   return fs::exists(entry / "device", error) && posix::contentOf(entry / "type") != noHardware;
 }
 
-// Returns the folder of the USB device that the line belongs to; empty if the line is not part of a
-// USB device.
+// Returns the folder of the USB device that the serial line belongs to; empty if the line is not
+// part of a USB device.
 fs::path usbDeviceOf(const fs::path& entry) {
   std::error_code error;
   fs::path folder = fs::canonical(entry / "device", error);
