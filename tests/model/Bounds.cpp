@@ -8,7 +8,7 @@ namespace quordalvane::test {
 namespace {
 
 constexpr double slice = 0.1;
-constexpr double retryPause = 0.05;  // between two tries of a write, a line-mode status or a begin
+constexpr double retryPause = 0.05;  // between two tries of a write, a status or a block's begin
 constexpr double endPause = 0.1;
 constexpr double pollPause = 0.2;
 constexpr double guardTimes = 1.0 + 1.5;
@@ -212,7 +212,7 @@ class Watch {
   }
 
   const bool endsBlockInEscPos_;
-  std::int64_t offered_ = 0;  // by the writer's current attempt
+  std::int64_t offered_ = 0;  // bytes offered by the writer's current attempt
   std::int64_t taken_ = 0;
   int followed_ = 0;           // single bytes read since the last write
   bool beginsReport_ = false;  // true if the first of these bytes begins a report

@@ -23,7 +23,7 @@ struct Caller {
   bool onlineStatus = true;
 };
 
-/// An operation by its name, with its own limit if it is given one.
+/// The name of an operation, and the time-out that the call passes to it, if any.
 struct Operation {
   std::string name;
   std::int32_t timeoutMillis = 0;

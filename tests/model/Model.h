@@ -34,7 +34,7 @@ struct Raised {
 /// a run of the port. It lives on one thread that is not the main thread.
 class Model {
  public:
-  /// As for a port, the platform and the trace must outlive it.
+  /// The platform and the trace must outlive the model.
   Model(Creation creation, Platform& platform, Trace& trace);
 
   bool open();

@@ -13,7 +13,7 @@ inline std::string number(std::int64_t value) {
   return std::to_string(value);
 }
 
-/// The form of an unsigned value by "%d".
+/// An unsigned value as "%d" prints it.
 inline std::string signed32(std::uint32_t value) {
   return std::to_string(static_cast<std::int32_t>(value));
 }
@@ -60,7 +60,7 @@ class Model::Log {
   const std::string method_;
 };
 
-/// An object without a name in the trace: a command that an operation made for itself.
+/// An object without a name in the trace, such as a command that an operation made itself.
 inline constexpr const char* someAddress = "<address>";
 
 }  // namespace quordalvane::test

@@ -113,7 +113,8 @@ bool findDipSwitches(const Bytes& reply, std::int32_t& location, std::int32_t& l
     ++head;
   }
   const auto end = std::find(reply.rbegin(), reply.rend(), 0x0a);
-  const auto behind = static_cast<std::size_t>(reply.rend() - end);  // 1 + the place of the 0a
+  const auto behind =
+      static_cast<std::size_t>(reply.rend() - end);  // the index of the last 0a, plus 1
   if (head + 4 > reply.size() || behind < head + 4 + 2 + 1) {
     return false;
   }

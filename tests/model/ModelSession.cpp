@@ -38,7 +38,7 @@ std::string addressIn(const std::string& text) {
   return "";
 }
 
-/// Whether the bytes are one character as UTF-8 has it.
+/// Whether the bytes are exactly one character in UTF-8.
 bool isCharacter(const std::string& bytes) {
   const auto fits = [&bytes](std::initializer_list<std::array<int, 2>> ranges) {
     return std::equal(bytes.begin(), bytes.end(), ranges.begin(), ranges.end(),
@@ -171,7 +171,7 @@ bool Model::openSession(const Log& log) {
   return true;
 }
 
-/// Runs code that may throw. False if it did, which is logged.
+/// Runs code that may throw. If it throws, logs the exception and returns false.
 bool Model::survives(const Log& log, const std::function<void()>& work) {
   try {
     work();

@@ -74,7 +74,7 @@ std::int32_t Model::write(const Bytes& data, bool mayBeAnswered) {
   return result;
 }
 
-/// A read that only clears away leftovers does not wait if the stream expects no bytes.
+/// A read that only drops left-over bytes does not wait if the stream expects no bytes.
 std::optional<Bytes> Model::read(std::size_t bytesToRead, bool waitsInAnyCase) {
   const Log log(*this, "read:");
   const std::string asked = std::to_string(bytesToRead);

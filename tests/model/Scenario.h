@@ -50,7 +50,7 @@ struct Scenario {
   Script script{};
   std::vector<AccessoryIdentity> accessories = {shopPrinter()};
   Layer layer{};
-  std::int64_t layerStepsBack = 0;  // the seconds by which a clock in the layer steps back
+  std::int64_t layerStepsBack = 0;  // seconds by which the clock of `layer` steps back
   std::optional<std::uint32_t> endMillis{};
   std::optional<std::uint32_t> holdMillis{};
   std::optional<std::int64_t> dataTimeoutSeconds{};

@@ -77,7 +77,7 @@ def jpeg(rows: list[bytes]) -> bytes:
 
 
 def packed(row: bytes) -> bytes:
-    """Runs of equal bytes, and others one by one."""
+    """The row in the coded form: each run of equal bytes as a count and a byte."""
     data, at = b"", 0
     while at < len(row):
         end = at + 1
@@ -115,8 +115,8 @@ def pwg_page(rows: list[bytes], height: int, bits: int) -> bytes:
 
 
 def pwg(*pages: list[bytes], height: int = 0, bits: int = 8) -> bytes:
-    """Pages of so many bits a pixel, 8 of grey; `height` is the height in each page's header if it differs from the
-    real one."""
+    """Pages with this number of bits a pixel (8 means grey). `height` is the height in each page's header if it differs from
+    the real one."""
     return b"RaS2" + b"".join(pwg_page(rows, height or len(rows), bits) for rows in pages)
 
 

@@ -15,13 +15,13 @@ NAMED = re.compile(r"`([\w/]+\.(?:cpp|py))`(?::((?: `\w+`,?)+))?")
 
 
 def named_tests() -> list[tuple[str, list[str]]]:
-    """The files of the page's table, each with its named tests; without names, all of its tests."""
+    """The test files in the table of the page, each with the tests that the table names; [] means all of its tests."""
     rows = [row for row in (ROOT / "docs/security.md").read_text().splitlines() if row.startswith("| **")]
     return [(file, re.findall(r"\w+", tests)) for row in rows for file, tests in NAMED.findall(row)]
 
 
 def ctest_names(file: str, tests: list[str]) -> list[str]:
-    """Patterns of ctest's names for them."""
+    """Patterns for the names that ctest gives to these tests."""
     path = Path(file)
     source = (ROOT / path).read_text()
     if absent := [test for test in tests if not re.search(rf"\b{test}\b", source)]:
@@ -35,7 +35,7 @@ def ctest_names(file: str, tests: list[str]) -> list[str]:
 
 
 def numbers(build: str, patterns: set[str]) -> list[str]:
-    """The places in ctest's list of the tests that fit; each pattern must fit one."""
+    """The positions of the matching tests in ctest's list; each pattern must match at least one test."""
     listing = subprocess.run(["ctest", "--test-dir", build, "--show-only=json-v1"], stdout=subprocess.PIPE,
                              check=True)
     names = [test["name"] for test in json.loads(listing.stdout)["tests"]]

@@ -1,13 +1,13 @@
 """How many branches of the product the tests take: of the port, the parsers, the print job, the logger, the back
 ends, the C interface and the virtual printer's replies.
 
-Usage: coverage.py BUILD, a folder built by the coverage preset. Runs its test programs and counts each way
-that a condition in the sources can take. It is clang's count of the sources, not of the machine code: what a
-compiler adds for exceptions and for the cleaning up of temporaries is not in it. Conditions that are
+Usage: coverage.py BUILD, a folder built by the coverage preset. Runs its test programs and counts each way that
+a condition in the sources can take. Clang counts the branches of the sources, not of the machine code: branches
+that a compiler adds for exceptions and for the destruction of temporaries are omitted. Conditions that are
 constants, as in `while (true)`, are omitted, because they have only one outcome.
 
 Prints each branch that no test takes, with its explanation from uncovered.md. Fails when one is not explained,
-when an explanation is of no such branch, when the tests take fewer than 95 of 100 branches of a room, or fewer
+when an explanation belongs to no such branch, when the tests take fewer than 95 of 100 branches of a room, or fewer
 than 98 of 100 of all rooms together.
 """
 

@@ -1,8 +1,8 @@
 """Changes small things in the product, one at a time, and sees whether a test notices.
 
-Usage: mutation.py COUNT [--seed SEED] [AREA …]. Of all mutants that the operators make of an area's sources
-COUNT are drawn by SEED (1 unless given); 0 is all of them. A mutant that does not compile is drawn again. A change
-elsewhere in the sources leaves the draw as it is.
+Usage: mutation.py COUNT [--seed SEED] [AREA …]. Of all mutants that the operators make of an area's sources COUNT
+are drawn by SEED (1 unless given); 0 is all of them. A mutant that does not compile is drawn again. A change
+elsewhere in the sources does not change which mutants are drawn.
 
 The result of each mutant is kept in build/proof/mutants.json, so that a run that was stopped (SIGINT, SIGTERM)
 continues at the same point. A mutant that a test noticed is not tried again while its source and that test are
@@ -27,7 +27,8 @@ from ledger import Ledger, digest_of_texts
 ENOUGH = 0.95
 AT_ONCE = 40  # mutants of one file follow each other within a batch
 
-# The replacements. Blanks around an operator keep templates, arrows and includes out. A text cannot be subtracted.
+# The replacements. The blanks around an operator exclude templates, arrows and includes. A text cannot be subtracted,
+# so the pattern of + excludes texts.
 OPERATORS = (
     (r" == ", " != "),
     (r" != ", " == "),

@@ -102,7 +102,7 @@ def prove(row: Row, size: str, ledger: Ledger, state: str) -> bool:
         failure = failed
         print(failed, file=sys.stderr)
     except (Stopped, KeyboardInterrupt):
-        pass  # the units before it count
+        pass  # the units that were done before the stop count
     keys = [unit.key() for step in row.steps for unit in step.units(size)]
     done = {key: unit for key, unit in ledger.of(row.key, state).items() if key in keys}
     known = figures(PAGE.read_text()) if PAGE.exists() else {}

@@ -23,8 +23,8 @@ SHARDS = 4  # processes for a program that mostly waits
 QUICK_LINKER = ["-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=mold", "-DCMAKE_SHARED_LINKER_FLAGS=-fuse-ld=mold"] if shutil.which("mold") else []
 
 
-# How many seconds each program may take. One that hangs has noticed the break, and one that a busy machine delays
-# has not: the unbroken program says how long it takes there.
+# How many seconds each program may take, by the time of the unbroken program on this machine. A program that hangs has
+# noticed the break; a program that a busy machine delays has not.
 limits: dict[str, float] = {}
 LONGEST_RUN, SHORTEST_LIMIT, SLACK = 600, 60, 4
 

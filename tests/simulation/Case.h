@@ -32,7 +32,7 @@ struct Case {
   std::vector<std::pair<std::string, std::string>> faults;
   std::vector<Turn> turns;
   ByteBuffer data;
-  ByteBuffer onPaper;           // the part that must be printed: all but marks and requests
+  ByteBuffer onPaper;           // the data without marks and requests
   bool dataMakesSigns = false;  // a mark or a request is in the data
 };
 

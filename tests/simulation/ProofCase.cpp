@@ -13,10 +13,11 @@ using test::Dice;
 constexpr std::initializer_list<std::uint8_t> idQuestion = {0x1d, 0x28, 0x48, 0x06, 0x00, 0x30,
                                                             0x30, 'A',  'B',  'C',  'D'};
 constexpr std::initializer_list<std::uint8_t> inOrderQuestion = {0x1d, 0x72, 0x01};
-// A job that asks it is not confirmed in order: the answer looks like that of an in-order question.
+// A job that contains this question is not confirmed by the in-order proof, because the answer
+// looks like an in-order answer.
 constexpr std::initializer_list<std::uint8_t> paperQuestion = {0x1b, 0x76};
 
-/// A line of letters that no other has.
+/// A line of letters that no other line has.
 ByteBuffer line(Dice& dice) {
   ByteBuffer letters;
   for (std::uint64_t i = dice.between(12, 40); i > 0; --i) {

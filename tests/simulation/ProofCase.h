@@ -32,13 +32,13 @@ std::vector<ProofKind> everyProof();
 /// The case of a seed.
 ProofCase makeProofCase(std::uint64_t seed);
 
-/// Whether the printer gives `proof`; of Auto, whether it gives any.
+/// Whether the printer gives `proof`; for Auto, whether it gives any proof.
 bool gives(const ProofCase& given, ProofKind proof);
 
 /// Whether all parts of the receipt are on the paper, in their order.
 bool isOn(const ByteBuffer& paper, const Receipt& receipt);
 
-/// Whether none of its parts is.
+/// Whether no part of the receipt is on the paper.
 bool isNotOn(const ByteBuffer& paper, const Receipt& receipt);
 
 std::ostream& operator<<(std::ostream& out, const ProofCase& given);

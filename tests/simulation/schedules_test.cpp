@@ -48,7 +48,7 @@ bool isPrintedWith(ProofKind proof, const Fault& fault) {
   return printWith(caseOf(proof, {fault}), threeCommands(), paper).outcome == PrintOutcome::Printed;
 }
 
-/// The first number from which on the fault no longer affects the job.
+/// The smallest number from which on the fault no longer affects the job.
 std::uint64_t firstHarmless(ProofKind proof, const std::string& fault) {
   std::uint64_t number = 1;
   while (!isPrintedWith(proof, {fault, std::to_string(number)})) {

@@ -2,8 +2,8 @@
 // answers with the outcome of each job and with the resources that it uses.
 //
 //     till DEVICE LOG-FILE line|escpos
-//     print BYTES keep|anew     a job of the bytes that follow this line, so many, on the port that
-//                               there is or on a new one
+//     print BYTES keep|anew     prints a job: as many bytes as given, which follow this line, on
+//                               the open port (keep) or on a new port (anew)
 // resources after the port is closed and released
 
 #include <malloc.h>
@@ -44,8 +44,8 @@ std::uint64_t residentMemory() {
   return pages * 4096;
 }
 
-/// The resources of the process when no more than `threads` run: a port thread still runs for a
-/// slice after its port is closed. A thread that never ends is counted as well.
+/// The resources of the process as soon as at most `threads` threads run: a port thread still runs
+/// for a slice after its port is closed. A thread that never ends is counted as well.
 Json resources(std::ptrdiff_t threads) {
   using namespace std::chrono_literals;
   if (!LogWriter::sharedInstance().flush(1min)) {

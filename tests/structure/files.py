@@ -1,4 +1,4 @@
-"""How files are named, and that a room's library is made of all of them. Usage: files.py ROOT
+"""Checks the names of files, and that each room's library contains all sources of the room. Usage: files.py ROOT
 
 A reader finds the class Foo in Foo.h and Foo.cpp and its test in foo_test.cpp; a source that lies in a room
 is part of the room's library without being listed anywhere.

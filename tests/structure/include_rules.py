@@ -34,7 +34,7 @@ EVERY_SYSTEM_HEADER = None
 @dataclass(frozen=True)
 class Rule:
     place: str  # a folder or files, from the root; the longest place that matches a file applies to it
-    rooms: tuple[str, ...]  # the rooms that it may include besides its own place
+    rooms: tuple[str, ...]  # the rooms that it may include besides itself
     headers: set[str] | None  # the headers in angle brackets that it may include
     forbidden: str = ""  # a pattern that its lines must not contain
 

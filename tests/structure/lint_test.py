@@ -51,7 +51,7 @@ class Lint(unittest.TestCase):
              for file, words in options.items()]))
 
     def lint(self, *options: str) -> tuple[bool, set[str]]:
-        """Whether it passed, and which sources were read."""
+        """Whether the lint passed, and which sources it read."""
         (self.root / "read").write_text("")
         path = f"{self.root}/bin:{os.environ['PATH']}"
         self.done = subprocess.run([sys.executable, "-B", LINT, *options, "build"], cwd=self.root, text=True,

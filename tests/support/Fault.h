@@ -36,14 +36,14 @@ class Fault {
 
   virtual bool befalls(PlatformCall call) const = 0;
 
-  /// Whether it may affect every call from a certain one on. With a clock that steps back at every
-  /// reading no wait would end, and no contract promises that it does.
+  /// Whether the fault may affect a call and all later calls. If the clock stepped back at every
+  /// reading, no wait would end, and no contract promises the end of such a wait.
   virtual bool mayLast() const { return true; }
 
-  /// By how many seconds the wall clock jumps at each call that it affects.
+  /// By how many seconds the wall clock jumps at each call that the fault affects.
   virtual std::int64_t clockStep() const { return 0; }
 
-  /// Before the call is made; may throw.
+  /// Called before the platform's call is made; may throw.
   virtual void before() {}
 
   virtual bool hasSpace(NSOutputStream& next) { return next.hasSpaceAvailable(); }
@@ -79,7 +79,8 @@ const std::vector<MakeFault>& allFaults();
 /// The ways in which threads can fail, besides throwing; for ports that have a thread.
 const std::vector<MakeFault>& threadFaults();
 
-/// Throws an exception that is not a standard one at every call that it affects.
+/// Makes a fault that throws, at every call that it affects, an exception that is not a standard
+/// one.
 std::shared_ptr<Fault> anotherException();
 
 /// An exception of a FaultyPlatform that is not a standard one.

@@ -34,7 +34,7 @@ class LogCapture {
   LogStatistics seen_{};  // the statistics at the last call
 };
 
-/// Logging is switched as given while this object exists, and off afterwards.
+/// Switches logging on or off, as given, while this object exists; afterwards logging is off.
 class Logging {
  public:
   explicit Logging(bool on, const std::set<std::int32_t>& levels = {0});

@@ -4,8 +4,8 @@
 #include <cstdlib>
 #include <new>
 
-// Replaces the program's operator new, in all forms, by a function of the file that includes this.
-// Only one source of a program may include it.
+// Replaces the program's operator new, in all forms, by a function of the file that includes this
+// header. Only one source of a program may include this header.
 
 namespace quordalvane::test {
 

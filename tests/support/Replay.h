@@ -12,8 +12,8 @@ namespace quordalvane::test {
 /// The case that this run is to repeat; empty if it is to run them all.
 std::optional<std::string> replayedCase();
 
-/// The number after `kind` in the replayed case, a seed; empty if another kind or no case is
-/// replayed.
+/// The seed of the replayed case, which is the number after `kind`; empty if the replayed case has
+/// another kind or no case is replayed.
 std::optional<std::uint64_t> replayedSeed(const std::string& kind);
 
 /// Whether this run is to run the case: all of them, or this one alone.
@@ -22,7 +22,7 @@ bool isChosen(const std::string& name);
 /// "repeat with: ./dev replay NAME", for failure messages.
 std::string howToReplay(const std::string& name);
 
-/// Shows the steps of the replayed case, and its name; the same text each time.
+/// Shows the name and the steps of the replayed case; the text is the same each time.
 void showReplay(const std::string& text);
 
 /// The seed of the first case: QUOR_FIRST_SEED, or 1. So a long run can be divided into portions.

@@ -102,8 +102,8 @@ void Scheduler::wait(std::unique_lock<std::mutex>& lock, Thread& self) {
   self.turn_.wait(lock, [&self] { return self.hasTurn_; });
 }
 
-/// Moves time to the next wait or event that is due. Events are run here, without the lock; the
-/// first thread that is due gets the turn.
+/// Moves time to the next wait or event that is due. This function runs events itself, without the
+/// lock; the first thread that is due gets the turn.
 void Scheduler::passTurn(std::unique_lock<std::mutex>& lock) {
   while (true) {
     Thread* const next = nextThread();

@@ -56,8 +56,8 @@ class Scheduler {
   /// that takes no turns here.
   void waitUntil(Instant instant);
 
-  /// Waits until another thread wakes this one. Ends the process with a message when nothing can:
-  /// every thread waits and no event is due. Throws as `waitUntil`.
+  /// Waits until another thread wakes this one. If nothing can wake it, because every thread waits
+  /// and no event is due, ends the process with a message. Throws as `waitUntil`.
   void waitUntilWoken();
 
   /// Wakes a waiting thread: it is due now.

@@ -37,19 +37,19 @@ struct Script {
   std::vector<Answer> answers;
   std::optional<std::size_t> mostPerRead;
   std::map<std::size_t, std::int64_t> readResults;  // of the stream's n-th read; n counts from 1
-  /// The link's answer whether bytes may still arrive: always, never, or from a write that may be
-  /// answered until the next read that returns bytes.
+  /// When the link says that bytes may still arrive: always; never; or after each write that may be
+  /// answered, up to the next read that returns bytes.
   enum class Expects { Always, Never, WhereAsked };
   Expects expects = Expects::Always;
 
   // -- Output -------------------------------------------------------------------------------------
-  std::vector<std::size_t> attempts;  // how many bytes each `write:` can send; later ones send all
+  std::vector<std::size_t> attempts;  // bytes that each `write:` sends; further calls send all
   std::optional<std::size_t> mostPerWrite;
   double noSpaceUntil = 0;
   std::map<std::size_t, std::int64_t> writeResults;  // of the stream's n-th write, from 1
 
   // -- The link and the clock ---------------------------------------------------------------------
-  std::vector<bool> connectedAnswers;  // the answers to the first questions; later answers are true
+  std::vector<bool> connectedAnswers;  // to the first questions; all later answers are true
   std::optional<double> lostAt;
   std::optional<double> backAt;
   std::optional<std::size_t> lostAfterBytes;       // written
@@ -58,7 +58,8 @@ struct Script {
   std::map<std::size_t, std::int64_t> clockSteps;  // seconds, before the n-th reading, from 1
   std::int64_t startMicroseconds = 0;              // microseconds after the full second
 
-  // -- The same as sentences ----------------------------------------------------------------------
+  // -- Functions that set these members
+  // ------------------------------------------------------------
   Script& delivers(Bytes what, double at = 0);
   /// Answers one `request` by `reply`; a further call answers the next equal request.
   Script& whenAsked(Bytes request, Reply reply);

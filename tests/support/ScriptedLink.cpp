@@ -110,8 +110,9 @@ void ScriptedLink::answer(std::span<const std::uint8_t> data) {
   }
 }
 
-/// The answer to the longest request among the bytes just sent. Of several, an answer that is given
-/// once precedes one that is always given, and an earlier one precedes a later one.
+/// The answer to the longest request among the bytes just sent. If several answers fit, an answer
+/// that is given only once precedes an answer that is always given, and an earlier answer precedes
+/// a later answer.
 Script::Answer* ScriptedLink::nextAnswer() {
   const auto rank = [](const Script::Answer& answer) {
     return std::pair(answer.request.size(), !answer.always);

@@ -16,8 +16,8 @@ AccessoryIdentity shopPrinter();
 /// Inserts a platform between a port and the scripted platform, for example one with a fault.
 using Layer = std::function<std::shared_ptr<Platform>(std::shared_ptr<Platform>)>;
 
-/// A platform under virtual time with accessories on a scripted link, and a trace of the calls that
-/// are asked of it. While it is used, no other virtual platform may be made on the thread.
+/// A platform under virtual time with accessories on a scripted link, and a trace of the calls to
+/// the platform. While this object is used, no other virtual platform may be made on the thread.
 class ScriptedWorld {
  public:
   explicit ScriptedWorld(const Script& script = {},
@@ -35,7 +35,7 @@ class ScriptedWorld {
   Trace& trace() { return trace_; }
 
  private:
-  Trace trace_;  // first, as all other members write to it to the very end
+  Trace trace_;  // first, because the other members write to it until they are destroyed
   const std::int64_t startMicroseconds_;
   const std::shared_ptr<test::VirtualPlatform> machine_;
   const std::shared_ptr<ScriptedLink> link_;

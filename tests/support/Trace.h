@@ -31,14 +31,14 @@ struct Line {
   }
 };
 
-/// The events, in order: calls to the platform and log records. Addresses are shown by the names
-/// that they were given; any other is "<address>", and null is "0x0".
+/// The events, in order: calls to the platform and log records. An address is shown by the name
+/// that `name` gave it; an address without a name is "<address>", and null is "0x0".
 class Trace {
  public:
   /// Begins with the records that are logged from now on.
   Trace();
 
-  /// Reads a clock for each call to the platform; lines have no time before it is set.
+  /// Sets the clock that is read for each call to the platform; until then lines have no time.
   void measureBy(std::function<double()> clock) { clock_ = std::move(clock); }
 
   void name(const void* object, std::string name);

@@ -43,8 +43,8 @@ class VirtualClock : public Clock {
 
 /// A platform on which only its own clock moves time: a sleep, a slice or a wait moves time to the
 /// next event, and the same calls give the same run. The thread that makes the platform takes the
-/// first turn; others are made by `makeThread`. Threads that the platform did not make may read its
-/// state, but not wait.
+/// first turn; `makeThread` makes all other threads. Threads that the platform did not make may
+/// read its state, but not wait.
 class VirtualPlatform : public Platform {
  public:
   VirtualPlatform();
@@ -73,7 +73,7 @@ class VirtualPlatform : public Platform {
   bool isMainThread() override;
   void ignoreSigPipe() override;
 
-  /// The next number of a seed that is always the same, so that runs are alike.
+  /// The next random number; the seed is always the same, so that all runs are the same.
   std::uint32_t randomNumber() override { return static_cast<std::uint32_t>(chance_()); }
 
  private:

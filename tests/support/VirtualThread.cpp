@@ -9,7 +9,8 @@
 namespace quordalvane::test {
 namespace {
 
-/// The calling thread's loop, kept apart by scheduler: a test may use several platforms in turn.
+/// The calling thread's loop for one scheduler: a test may use several platforms one after the
+/// other.
 struct OwnLoop {
   const Scheduler* scheduler = nullptr;
   std::shared_ptr<VirtualRunLoop> loop;

@@ -5,14 +5,14 @@
 //     usb_printer [KEY=VALUE …]
 //
 //     controller=NAME    the cable's end, dummy_udc.0 unless given
-//     socket=PATH        of the virtual printer
-//     carried=FILE       in which it keeps count of the bytes that arrived
+//     socket=PATH        the socket of the virtual printer
+//     carried=FILE       the file for the count of the bytes that arrived
 //     port-status=HEX    18 ready, 38 paper out, 10 error
 //     vendor=, product=, serial=, id=, protocol=1|2, interface=second    see UsbIdentity
-//     empty-packets=yes  sends one of no bytes before and after each answer
-//     pull-after=COUNT   pulls the cable after so many bytes
-//     stall-after=COUNT  stalls once after so many bytes
-//     hold-after=COUNT   takes nothing more after so many bytes
+//     empty-packets=yes  sends an empty packet before and after each answer
+//     pull-after=COUNT   pulls the cable after COUNT bytes
+//     stall-after=COUNT  stalls once after COUNT bytes
+//     hold-after=COUNT   takes nothing more after COUNT bytes
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
