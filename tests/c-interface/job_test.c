@@ -115,7 +115,8 @@ static void AJobReportsWhichProofWasUsed(void) {
 static void AnUnknownProofIsRefused(void) {
   QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
   QuorPrintJob* job = NULL;
-  EXPECT_FAILURE(quor_print_job_create(port, 5, NULL, NULL, &job), QUOR_USAGE, "no proof 5");
+  EXPECT_FAILURE(quor_print_job_create(port, 5, NULL, NULL, &job), QUOR_USAGE,
+                 "no proof with the number 5");
   EXPECT(job == NULL);
   done(port);
 }

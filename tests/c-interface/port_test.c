@@ -39,8 +39,10 @@ static void AnUnknownEmulationIsRefused(void) {
   const char* const spec = "virtual:";
   REQUIRE(quor_connect_devices(&spec, 1) == QUOR_OK);
   QuorPort* port = NULL;
-  EXPECT_FAILURE(quor_port_create(NULL, NULL, 1000, 3, &port), QUOR_USAGE, "emulation 3");
-  EXPECT_FAILURE(quor_port_create(NULL, NULL, 1000, -1, &port), QUOR_USAGE, "emulation -1");
+  EXPECT_FAILURE(quor_port_create(NULL, NULL, 1000, 3, &port), QUOR_USAGE,
+                 "no emulation with the number 3");
+  EXPECT_FAILURE(quor_port_create(NULL, NULL, 1000, -1, &port), QUOR_USAGE,
+                 "no emulation with the number -1");
   EXPECT(port == NULL);
 }
 

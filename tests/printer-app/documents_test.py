@@ -65,7 +65,7 @@ class UnprintableDocument(Application):
                 (pwg(PAGE, height=4_000_000_000), "image/pwg-raster", "the most is 64000000 in all"),
                 (pwg(PAGE, height=321), "image/pwg-raster", "incomplete"),
                 (pwg(), "image/pwg-raster", "no page"),
-                (b"a line of text\n", "image/urf", "no raster"),
+                (b"a line of text\n", "image/urf", "not raster data"),
                 (pwg(PAGE, bits=24), "image/pwg-raster", "8 bits of grey"),
                 (png(PICTURE)[:200], "image/png", "incomplete"),
                 (jpeg(PICTURE)[:100], "image/jpeg", "cannot be read")):
