@@ -176,7 +176,7 @@ TEST(WakeUps, AnIdleRunLoopSliceWakesItsThreadOnce) {
   posix::PosixThread thread([&] { waits.set_value(waitsOfAnIdleSlice()); });
   ASSERT_TRUE(thread.start());
   EXPECT_EQ(waits.get_future().get(), 1);
-  thread.performAndWait([] {});  // returns, even if refused, only after the body
+  thread.performAndWait([] {});  // returns only after the body has ended
 }
 
 }  // namespace

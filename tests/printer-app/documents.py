@@ -115,8 +115,8 @@ def pwg_page(rows: list[bytes], height: int, bits: int) -> bytes:
 
 
 def pwg(*pages: list[bytes], height: int = 0, bits: int = 8) -> bytes:
-    """Pages with this number of bits a pixel (8 means grey). `height` is the height in each page's header if it differs from
-    the real one."""
+    """Pages with this number of bits a pixel (8 means grey). `height` is the height in each page's header if it differs
+    from the real one."""
     return b"RaS2" + b"".join(pwg_page(rows, height or len(rows), bits) for rows in pages)
 
 

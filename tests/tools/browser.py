@@ -65,7 +65,7 @@ class Events:
         self.last = ""
 
     def next(self, *names: str) -> dict:
-        """The next event of one of these names, or of any; its name is under `event`."""
+        """The next event, or the next one with one of the given names; the key `event` holds its name."""
         while True:
             event, data = "", ""
             for line in iter(self.response.readline, b"\n"):

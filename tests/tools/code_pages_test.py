@@ -18,7 +18,7 @@ MISSING = "\ufffd"
 def character(page: str, byte: int) -> str:
     """The character as printers have it; control characters are excluded."""
     if (page, byte) == ("cp857", 0xd5):
-        return "€"  # printers have the euro sign there, Python has no character
+        return "€"  # here printers have the euro sign, and Python has no character
     text = codecs.decode(bytes([byte]), page, "replace")
     return text if ord(text) >= 0xa0 else MISSING
 

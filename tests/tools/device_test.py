@@ -1,4 +1,4 @@
-"""The commands that read facts from a printer and its Bluetooth module, with peers that answer in every way."""
+"""The commands that read facts from a printer and its Bluetooth module, with printers that answer in every way."""
 
 import itertools
 import string
@@ -27,7 +27,7 @@ def banks(first: bytes, second: bytes = b"\0\0") -> dict[bytes, bytes]:
 
 
 def pieces_of(reply: bytes):
-    """The reply cut in two, at every offset."""
+    """The reply in two pieces, divided at every offset."""
     return [(reply[:offset], reply[offset:]) for offset in range(1, len(reply))]
 
 

@@ -17,7 +17,7 @@ from pathlib import Path
 from harness import (QUORPORT, STATUS_KEYS, STATUS_REQUEST, Case, answer_status, finish, main, receive, run, start,
                      status_block)
 
-NOISE = b"\x05\xff\x1b\x80\x00"  # the bytes that arrive if the speeds differ; as many as the first byte announces
+NOISE = b"\x05\xff\x1b\x80\x00"  # arrives if the speeds differ; its first byte announces its length
 
 
 class SerialPrinter:
@@ -45,7 +45,7 @@ class SerialPrinter:
 
     def close(self):
         os.close(self.line)
-        self.thread.join()  # a read ends if no program has the line open
+        self.thread.join()  # the read fails when no program has the line open
         os.close(self.master)
 
 
@@ -159,7 +159,7 @@ class DoctorCauses(Case):
     def test_doctor_reports_a_silent_printer(self):
         place = self.peer(say_nothing).place
         self.assertCause("silent", 1, "-d", place)
-        # Another till's job may be under way; switching the printer off would lose it.
+        # The printer may be printing another till's job; switching the printer off would lose this job.
         self.assertIn("  do:    if another program uses the printer", run("-d", place, "doctor").out)
 
     def test_doctor_reports_a_device_that_is_not_a_printer(self):

@@ -16,8 +16,8 @@ COMMANDS = (("print",), ("status",), ("online",), ("cancel",), ("firmware",), ("
 UNANSWERED = ("print", "firmware", "dipswitch", "button-security", "disconnect")
 EMULATIONS = ("line", "escpos")
 PAUSE = 0.03  # seconds between two bytes
-LIMIT = 25  # seconds; each exchange may take one
-AT_ONCE = 60  # each of them waits nearly all the time
+LIMIT = 25  # seconds; the time-out of each exchange is one second
+AT_ONCE = 60  # commands that run in parallel; each waits nearly all the time
 
 
 def chatter(pattern: str):

@@ -208,7 +208,7 @@ class Simulator(Running):
         self.err.close()
 
     def next_place(self) -> str:
-        """The path of the terminal that replaces a dropped one."""
+        """The path of the terminal that replaces a dropped terminal."""
         said = re.compile(rb"^listening (.*)\n", re.MULTILINE)
         return eventually(lambda: said.findall(os.pread(self.err.fileno(), 65536, 0)), "it listens again")[-1].decode()
 
@@ -245,7 +245,7 @@ class Simulator(Running):
 
 class Peer:
     """A printer on TCP that the test controls: `handle` serves each host that connects, one after the other. `room` is
-    how many bytes its system holds for it, about; 0 leaves that to the system."""
+    roughly the number of bytes that the system keeps until the printer reads them; 0 means the system's default."""
 
     def __init__(self, handle: Callable[[socket.socket], None], room: int = 0):
         self.handle = handle
@@ -282,7 +282,8 @@ class Peer:
         self.thread.join(DEADLINE)
 
 
-# The answers of printers, written independently: the simulator alone must not be the test of the command.
+# Answers of printers, written independently of the simulator, so that the command is not tested against the simulator
+# alone.
 STATUS_REQUEST = b"\x1b\x06\x01"
 RESET_COUNTER = b"\x1b\x1e\x45\x00"
 
@@ -347,7 +348,7 @@ def wait_until_taken(connection: socket.socket):
 
 
 def in_pieces(*pieces: bytes, pause: float = 0.05):
-    """A reply that arrives bit by bit: each is read before the printer pauses and continues."""
+    """A reply that arrives in pieces: the host reads each piece before the printer pauses and continues."""
 
     def send(connection: socket.socket):
         for piece in pieces:

@@ -18,7 +18,7 @@ class Signals(Case):
         process.send_signal(by)
         result = finish(process, time.monotonic(), data)
         self.assertExit(128 + by, result)
-        # A close that waits for the printer takes longer.
+        # If the close waited for the printer, it would take longer.
         self.assertLess(result.seconds, 1.9, "a signal takes effect within a second")
         return result
 
@@ -161,7 +161,7 @@ class Signals(Case):
         return len(os.listdir(f"/proc/{process.pid}/task"))
 
     def test_a_signal_before_the_start_of_a_job_does_not_suppress_the_outcome(self):
-        """A log that nobody reads delays the beginning; the command may or may not have read the job by then."""
+        """A log that nobody reads delays the job. The signal may arrive before or after the command reads the job."""
         log = self.folder / "log"
         os.mkfifo(log)
         process = start("-d", "virtual:", "print", self.file("job", b"text\n"), "--json", "--log", log)
@@ -178,7 +178,7 @@ class Signals(Case):
         return bool(blocked & 1 << (signal.SIGINT - 1))
 
     def test_a_signal_during_the_reading_of_arguments_does_not_suppress_the_outcome(self):
-        """The command needs a while to read very many arguments. Only a signal that arrives meanwhile counts."""
+        """The command needs a while to read very many arguments; the test tries to interrupt it then."""
         place, job = self.silent_place(), self.file("job", b"text\n")
         for _ in range(5):
             process = start("-d", place, "print", job, *["--json"] * 10_000)

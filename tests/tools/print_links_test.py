@@ -10,7 +10,7 @@ EVERY_BYTE = bytes(range(256))
 
 
 class JobBytesOnTheLink(Case):
-    """A peer receives the job, once and whole."""
+    """A printer of the test receives the whole job once."""
 
     def collect(self, data: bytes, read: int, *arguments: str) -> bytes:
         received = bytearray()
@@ -39,7 +39,7 @@ class JobBytesOnTheLink(Case):
         process = start("-d", simulator.place, "print", "-", "--json", stdin=-1)
         process.stdin.write(b"first half, ")
         process.stdin.flush()
-        self.assertEqual(run("-d", simulator.place, "online").code, 0)  # nothing is open meanwhile
+        self.assertEqual(run("-d", simulator.place, "online").code, 0)  # the command has no connection during this wait
         result = finish(process, began, b"second half\n")
         self.assertExit(0, result)
         self.assertEqual(result.json()["bytesAccepted"], 24)

@@ -317,7 +317,7 @@ class QueryAnswers(Case):
             self.assertExit(5, result)
             self.assertIn("lost", result.json()["error"])
 
-        patient = (("dipswitch",), ("disconnect",))  # in every case these wait longer than a reset takes
+        patient = (("dipswitch",), ("disconnect",))  # these commands always wait longer than a reset takes
         hasty = (("firmware",), ("-e", "escpos", "firmware"))
         at_once((check, end, words, *arguments)
                 for end, commands in ((closes, patient + hasty), (resets, patient))

@@ -80,7 +80,7 @@ class FlowControlCharacters(Case):
 class FlowPrinter:
     """A printer on a serial line that stops the flow after some bytes; it passes its data to a virtual printer."""
 
-    MOMENT = 0.3  # seconds; what is on its way arrives sooner
+    MOMENT = 0.3  # seconds; bytes that are on their way arrive sooner
 
     def __init__(self, place: str, hold_back):
         self.hold_back = hold_back

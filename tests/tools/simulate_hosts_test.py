@@ -176,7 +176,7 @@ class HostConnections(Case):
                     return sum(map(int, file.read().rsplit(")", 1)[1].split()[11:13]))
 
             before = ticks()
-            select.select([], [], [], 1)  # the one second over which we measure
+            select.select([], [], [], 1)  # the second during which the test measures
             self.assertLess(ticks() - before, os.sysconf("SC_CLK_TCK") // 4)
 
 

@@ -274,7 +274,7 @@ class JobRecords(Case):
         self.assertIn("two", (self.folder / "cut" / "receipt-0002.txt").read_text())
 
     def test_a_cut_ends_a_job_with_the_option_per_job_only(self):
-        """By job, the cut gives a record while the connection is open; by connection, the record arrives after its end."""
+        """With `--per job` a cut gives a record while the connection is open; with `--per connection` only its end."""
         processes = {}
         for per in ("connection", "job"):
             process = start("--json", "simulate", "--listen", "tcp:0", "--per", per)

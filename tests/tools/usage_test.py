@@ -1,4 +1,4 @@
-"""How the command reads its arguments."""
+"""The arguments of the command, and the errors of wrong arguments."""
 
 import os
 import re

@@ -179,7 +179,7 @@ class ManyWebClients(BrowserCase):
         clients = [browser.connect() for _ in range(500)]
         for client in clients[::2]:
             with contextlib.suppress(ConnectionError):
-                client.sendall(b"GET / HTTP/1.1\r\nHost: ")  # and never more
+                client.sendall(b"GET / HTTP/1.1\r\nHost: ")  # and then nothing more
         clients += [browser.connect() for _ in range(500)]
         try:
             self.print_in_time(simulator)

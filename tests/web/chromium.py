@@ -26,7 +26,7 @@ SHIFT = 8
 
 
 class Browser:
-    """A run of Chromium with a profile of its own, gone when it is closed."""
+    """A run of Chromium with a profile of its own, which is removed when Chromium is closed."""
 
     def __init__(self):
         assert CHROMIUM, "chromium is not installed"
@@ -124,7 +124,7 @@ class Page:
     def go(self, address: str):
         """Opens an address and waits until its document is loaded."""
         answer = self.call("Page.navigate", url=address)
-        if "loaderId" in answer:  # otherwise the address differs from the one before by its fragment alone
+        if "loaderId" in answer:  # otherwise only the fragment of the address has changed
             self.browser.event(self.session, "Page.loadEventFired")
 
     def resize(self, width: int, height: int, scale: float = 1):

@@ -17,7 +17,7 @@ UNVISITED = """[...document.querySelectorAll('a[href], button, input, select, su
   .filter((element) => element.checkVisibility() && !element.dataset.visited)
   .map((element) => element.outerHTML.slice(0, 120))"""
 
-# Texts whose contrast to what is under them is lower than 4.5, or 3 if they are large.
+# Texts whose contrast to their background is lower than 4.5, or lower than 3 if the text is large.
 FAINT = """(() => {
   const parsed = (text) => (text.match(/[\\d.]+/g) ?? [0, 0, 0, 0]).map(Number);
   const light = (colour) => {

@@ -27,7 +27,7 @@ HEAP_GROWTH = 1 << 20  # bytes
 
 class PageSpeed(ShopCase):
     def place_of_the_newest_line(self, page: Page) -> tuple[int, int]:
-        """The middle of the line at the slot, in pixels of the page as it is seen."""
+        """The middle of the line at the slot, in pixels of the visible page."""
         page.evaluate("document.querySelector('.paper').scrollIntoView({block: 'end', behavior: 'instant'})")
         x, y = page.evaluate("""(() => {
             const box = document.querySelector('.paper').getBoundingClientRect();

@@ -47,7 +47,8 @@ class DiscoveryTest : public testing::Test {
     write(dev_ / name, "");
   }
 
-  /// The line's own folder lies in that of the interface, as far below its device as `below` says.
+  /// Puts the folder of the line into the folder of its USB interface. `below` is the path from the
+  /// folder of the device to the folder of the interface.
   void plugInLine(const std::string& name, const std::string& product,
                   const fs::path& below = "2-1:1.0") {
     const fs::path device = sys_ / "devices/2-1";

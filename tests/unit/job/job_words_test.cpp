@@ -15,7 +15,7 @@ TEST(GroupedCount, HasACommaAfterTheThousands) {
 
 TEST(WhyOffline, IsEmptyForAPrinterThatIsOnLine) {
   QuorPrinterStatus_2 status = {};
-  status.coverOpen = 1;  // the rest of its text does not matter
+  status.coverOpen = 1;  // on line: the open cover is no reason
   EXPECT_EQ(whyOffline(status), "");
 }
 

@@ -27,8 +27,8 @@ PrintResult printOn(const Script& script, PrintJob::Options options = {.proof = 
 const test::Bytes statusRequest = bytes("1b 06 01");
 
 TEST(JobWithOddAnswers, IsRefusedIfTheAnswersAreNotLineModeStatuses) {
-  // Blocks that are long enough for a counter but do not have the fixed bits, and blocks that are
-  // too short.
+  // The first block is long enough for a counter, but lacks the fixed bits; the second block is too
+  // short.
   for (const char* const block : {"09 01 00 00 00 00 00 00 05", "01"}) {
     const PrintResult result =
         printOn(Script().wheneverAsked(statusRequest, {{bytes(block), 0.0}}));
@@ -48,7 +48,7 @@ TEST(JobWithOddAnswers, IsRefusedIfTheStatusHasNoCounter) {
 
 TEST(JobWithOddAnswers, IsRefusedIfAnAnswerNeverArrives) {
   Script script;
-  script.whenAsked(statusRequest, {});  // asked again, and answered once for two questions
+  script.whenAsked(statusRequest, {});  // the job asks again, and gets one answer for two questions
   script.wheneverAsked(statusRequest, {{bytes("89 01 00 00 00 00 00 00 05"), 0.0}});
   const PrintResult result = printOn(script);
   EXPECT_EQ(result.outcome, PrintOutcome::Refused);

@@ -14,7 +14,7 @@ struct Command {
   std::vector<std::uint8_t> bytes;
 };
 
-// In the tests more data follows each command; each must still end at the same place.
+// In the tests more data follows each command; the end of the command must not change.
 const Command commands[] = {
     {"real-time status", {0x10, 0x04, 1}},
     {"real-time request", {0x10, 0x05, 1}},
@@ -134,7 +134,7 @@ TEST_P(UncountedCommands, AreLongerThanTheDataIfTheirEndIsMissing) {
 
 INSTANTIATE_TEST_SUITE_P(Each, UncountedCommands, testing::ValuesIn(commands), nameOf);
 
-/// A command up to its payload, and the length of that.
+/// A command up to its payload, and the length of the payload.
 struct CountedCommand {
   std::vector<std::uint8_t> head;
   std::size_t payload;

@@ -156,8 +156,8 @@ TEST_P(InBothEmulations, AJobWithAnEndMarkInItsDataReportsWhyItCannotBeConfirmed
   EXPECT_EQ(result.reason.find("cannot be confirmed: "), 0U) << result.reason;
 }
 
-// The end marks of an earlier job are still in the printer, and answers are so late that an answer
-// to an earlier question could be taken for the newest one's.
+// The end marks of an earlier job are still in the printer, and answers are so late that the answer
+// to an earlier question could be taken for the answer to the newest question.
 TEST_P(InBothEmulations, AJobIsNotConfirmedByLateAnswersToEarlierJobs) {
   const ByteBuffer data(520, 'n');
   for (const char* const delay : {"400", "1600", "2000", "4000"}) {

@@ -89,7 +89,7 @@ TEST(PrinterInquiry, DistinguishesASilentPrinterFromALostLink) {
   EXPECT_EQ(causeOf([&] { lost.inquiry.status(); }), InquiryCause::LinkLost);
 }
 
-// Some of the port's own queries look at a lost link until their time-out.
+// Some of the port's own queries continue until their time-out even if the link is lost.
 TEST(PrinterInquiry, ReportsALostLinkAtOnce) {
   const std::function<void(PrinterInquiry&)> questions[] = {
       [](PrinterInquiry& inquiry) { inquiry.firmware(); },
@@ -115,7 +115,7 @@ TEST(PrinterInquiry, WaitsForTheRestOfAFirstAnswerInPieces) {
   Script script;
   const test::Bytes head(offLine.begin(), offLine.begin() + 1);
   const test::Bytes rest(offLine.begin() + 1, offLine.end());
-  // The rest of the first answer, if only its length is checked, looks like an on-line status.
+  // If only the length is checked, the rest of the first answer looks like an on-line status.
   script.whenAsked(statusRequest, {{head, 0.0}, {rest, 0.15}});
   script.wheneverAsked(statusRequest, {{offLine, 0.0}});
   Asked asked(script);

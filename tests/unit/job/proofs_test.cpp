@@ -1,4 +1,4 @@
-// The choice of a job's proof, and the confirmation by each.
+// The choice of a job's proof, and the confirmation by each kind of proof.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

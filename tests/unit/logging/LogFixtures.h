@@ -58,7 +58,7 @@ inline std::string contentsOf(const std::string& path) {
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-/// Standard error is a file as long as this lives.
+/// Redirects standard error to a file as long as this object exists.
 class RedirectedStandardError {
  public:
   RedirectedStandardError() : saved_(::dup(STDERR_FILENO)) {

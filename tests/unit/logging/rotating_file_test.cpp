@@ -208,7 +208,7 @@ TEST_F(RotatingFileTest, ThrowsIfTheDiskIsFull) {
   }
 }
 
-/// No file of this process may grow beyond the given size meanwhile.
+/// As long as this object exists, no file of this process can grow beyond the given size.
 class FileSizeLimit {
  public:
   explicit FileSizeLimit(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {

@@ -26,8 +26,8 @@ inline std::ostream& operator<<(std::ostream& out, const Place& place) {
   return out << place.length << " bytes at " << place.location;
 }
 
-/// A parser's answer as one value: null if it found nothing. Fails the test if the parser then
-/// touched the place it was given.
+/// A parser's answer as one value: null if it found nothing. If the parser finds nothing, it must
+/// not change the place that it was given; otherwise the test fails.
 template <typename Parser>
 std::optional<Place> found(Parser parser, const Bytes& bytes) {
   const ExactBytes exact(bytes);

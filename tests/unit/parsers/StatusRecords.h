@@ -25,7 +25,7 @@ inline std::uint32_t flag(const QuorPrinterStatus_2& status, std::size_t k) {
   return value;
 }
 
-/// A record full of old values, with `reply` (at most 63 bytes) as the one received.
+/// A record full of old values, whose received bytes are `reply` (at most 63 bytes).
 inline QuorPrinterStatus_2 recordHolding(const Bytes& reply) {
   QuorPrinterStatus_2 status;
   std::memset(&status, 0xa5, sizeof status);

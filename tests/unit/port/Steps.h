@@ -15,7 +15,7 @@ inline std::string written(const Bytes& command) {
   return "output.write " + shown(command) + " -> " + std::to_string(command.size()) + "\n";
 }
 
-/// A read of at most `size` bytes that gets these.
+/// A read of at most `size` bytes that returns `bytes`.
 inline std::string received(std::size_t size, const Bytes& bytes) {
   return "input.read " + std::to_string(size) + " -> " + shown(bytes) + "\n";
 }

@@ -91,7 +91,7 @@ TEST(BeginBlockInLineMode, FailsIfTheLinkIsLostBeforeTheWaitForTheCounter) {
 
 TEST(BeginBlockInLineMode, ChecksALostConnectionAgainForItsLogRecord) {
   Scenario scenario = lineModePrinter();
-  std::vector<bool> answers(6 + 2, true);  // the first status, and the reset
+  std::vector<bool> answers(6 + 2, true);  // checks of the first status and of the reset
   answers.push_back(false);
   answers.push_back(true);
   scenario.script.saysConnected(answers);

@@ -30,7 +30,8 @@ TEST_P(DataCancel, FailsIfTheCommandIsWrittenOnlyInPart) {
   Scenario scenario = Scenario::in(GetParam());
   scenario.script.takesInAttempts({4, 0}).isLostAfterBytes(4);
   EXPECT_EQ(scenario.run(startDataCancel()).result, "false");
-  scenario.script = Script().takesInAttempts({2, 2});  // 4 is the tail's length, and not 6
+  scenario.script =
+      Script().takesInAttempts({2, 2});  // 4 is the length of the tail, not of the command
   EXPECT_EQ(scenario.run(startDataCancel()).result, "false");
 }
 

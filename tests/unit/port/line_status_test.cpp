@@ -159,11 +159,11 @@ TEST(LineStatusRequest, ThrowsIfItsCommandCannotBeWritten) {
 
 TEST(LineStatusRequest, TreatsAShortWriteAsAFailedWrite) {
   Scenario scenario = lineModePrinter();
-  scenario.script.takesInAttempts({7, 6});  // the total 13 meets the tail of 6: repeated; lost then
+  scenario.script.takesInAttempts({7, 6});  // 13 in total, but the tail has 6: sent again
   scenario.script.isLostAfterBytes(13);
   EXPECT_EQ(scenario.run(getParsedStatus()).result, "PortException: Native WritePort failed");
   scenario = lineModePrinter();
-  scenario.script.takesInAttempts({5, 3});  // 8 is the length of the tail and taken for success
+  scenario.script.takesInAttempts({5, 3});  // 8 is also the length of the tail: counts as success
   EXPECT_EQ(scenario.run(getParsedStatus()).result, "PortException: Native WritePort failed");
 }
 

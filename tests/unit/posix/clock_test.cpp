@@ -14,7 +14,7 @@ namespace {
 TEST(PosixClock, ReturnsTheTimeOfDay) {
   const std::time_t before = std::time(nullptr);
   const TimeValue now = PosixClock().gettimeofday();
-  EXPECT_GE(now.tv_sec + 1, before);  // the coarse clock may be a moment late or early
+  EXPECT_GE(now.tv_sec + 1, before);  // std::time may differ from the clock by a moment
   EXPECT_LE(now.tv_sec, std::time(nullptr) + 1);
   EXPECT_GE(now.tv_usec, 0);
   EXPECT_LT(now.tv_usec, 1'000'000);

@@ -25,8 +25,8 @@ using test::TemporaryFolder;
 using testing::AllOf;
 using testing::HasSubstr;
 
-// Connects until the listener answers no more, and returns how long the last attempt took and why
-// it failed. The time-out is long enough to distinguish it from an immediate failure.
+// Connects until the listener no longer answers, and returns how long the last attempt took and why
+// it failed. The time-out is long enough to distinguish a time-out from an immediate failure.
 template <typename Connect>
 std::pair<double, std::string> connectUntilSilent(Connect connect) {
   std::vector<Descriptor> waiting;

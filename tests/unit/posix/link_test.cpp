@@ -84,7 +84,7 @@ TEST_F(LinkTest, AConnectionCheckDuringAWaitDoesNotTakeTheReply) {
       EXPECT_LT(watch.seconds(), 20);
     });
     waiting.awaitSleep();
-    PosixClock().usleep(20'000);  // long enough for the link to trust no earlier look
+    PosixClock().usleep(20'000);  // after this time the link checks the socket again
     deviceWrites(1);
     EXPECT_TRUE(accessory.isConnected());
     waiting.join();
@@ -136,7 +136,7 @@ TEST_F(LinkTest, TheEndOfASessionEndsAWaitOnItsStreams) {
 TEST_F(LinkTest, TheEndOfASessionReadsAllBytesSoThatTheLinkIsNotReset) {
   deviceWrites(20'000);
   session.reset();
-  // Had there been a reset, this would be an error instead of the end of the stream.
+  // After a reset, this read would return an error instead of the end of the stream.
   EXPECT_EQ(::read(device(), &byte, 1), 0);
 }
 
@@ -313,7 +313,7 @@ TEST_F(LinkTest, AConnectionCheckDoesNotWaitForTheEndOfASession) {
   const Stopwatch watch;
   accessory.isConnected();
   EXPECT_FALSE(input->hasBytesAvailable());
-  EXPECT_LT(watch.seconds(), 1);  // an end that waits takes two seconds
+  EXPECT_LT(watch.seconds(), 1);  // the end of the session takes two seconds
   ending.join();
 }
 

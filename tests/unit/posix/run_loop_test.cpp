@@ -40,7 +40,7 @@ void onThread(const std::function<void()>& body) {
   while (!ended) {
     std::this_thread::yield();
   }
-  thread.performAndWait([] {});  // refused or done, the body is over with the captured variables
+  thread.performAndWait([] {});  // returns only after the body has ended
 }
 
 TEST(RunLoop, ASliceLastsItsWholeTimeOnTheMainThreadAndOnOtherThreads) {

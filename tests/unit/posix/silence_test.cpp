@@ -87,7 +87,7 @@ TEST(SilentLink, RemainsConnectedIfThePrinterHasNoSpaceForLongerThanTheLimit) {
   Printer printer;
   Link link(printer.connect(), 300ms);
   fill(link);
-  // By then the system's probes are further apart than the limit.
+  // After three seconds the intervals between the system's probes are longer than the limit.
   EXPECT_FALSE(isLostWithin(link, 3));
 }
 
@@ -105,7 +105,7 @@ TEST(SilentLink, ClosesAtOnceAfterItWasLost) {
   ASSERT_TRUE(isLostWithin(link, generously));
   const Stopwatch watch;
   link.release();
-  EXPECT_LT(watch.seconds(), 1.9);  // a wait in vain lasts two
+  EXPECT_LT(watch.seconds(), 1.9);  // if the close waited, it would take two seconds
 }
 
 }  // namespace

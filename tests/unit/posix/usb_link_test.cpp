@@ -15,7 +15,7 @@
 namespace quordalvane::posix {
 namespace {
 
-/// A link at the printer driver; packets are those of a socket pair, which may be empty.
+/// A link to a pair of sockets that replaces the printer driver; a packet may be empty.
 struct DriverLink {
   explicit DriverLink(Descriptor::Kind kind) {
     int ends[2];

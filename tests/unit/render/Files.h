@@ -16,7 +16,7 @@
 
 namespace quordalvane::render {
 
-/// A PNG file of so many pixels, each 0xAARRGGBB as `colour` says, not multiplied by the alpha.
+/// A PNG file of this size. `colour` returns each pixel as 0xAARRGGBB, not multiplied by the alpha.
 inline Bytes pngFile(int width, int height, const std::function<std::uint32_t(int, int)>& colour) {
   cairo_surface_t* const surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height);
   cairo_t* const canvas = cairo_create(surface);
@@ -43,7 +43,7 @@ inline Bytes pngFile(int width, int height, const std::function<std::uint32_t(in
   return file;
 }
 
-/// The file with another size in its header, whose checksum is right.
+/// The file with another size in its header; the checksum of the header is right.
 inline Bytes withSize(Bytes png, std::uint32_t width, std::uint32_t height) {
   for (unsigned i = 0; i < 4; ++i) {
     png[16 + i] = static_cast<std::uint8_t>(width >> (24 - 8 * i));

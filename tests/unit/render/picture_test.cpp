@@ -109,7 +109,7 @@ TEST(JpegPicture, IsReadAtTheSmallestScaleThatIsAsWideAsThePaper) {
 }
 
 TEST(JpegPicture, IsTurnedUprightForEveryExifOrientation) {
-  // Where the black corner is then.
+  // The place of the black corner in the upright picture.
   constexpr struct {
     bool isAtTheRight, isAtTheBottom;
   } corners[] = {{false, false}, {true, false}, {true, true}, {false, true}};

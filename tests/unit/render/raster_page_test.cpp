@@ -23,7 +23,8 @@ Bytes printedRow(unsigned pageDots, unsigned head, unsigned first, unsigned end)
 }
 
 TEST(RasterPage, IsCutOnBothSidesToTheWidthOfThePrintHead) {
-  // 639 dots are paper of 80 mm, and the head has 576: 31 at the left, 32 at the right.
+  // Paper of 80 mm is 639 dots wide, and the head 576. So the page loses 31 dots at the left and 32
+  // at the right.
   EXPECT_EQ(printedRow(639, 576, 31, 607), Bytes(72, 0xff));
   EXPECT_EQ(printedRow(639, 576, 0, 31), Bytes());
   EXPECT_EQ(printedRow(639, 576, 607, 639), Bytes());

@@ -57,7 +57,7 @@ class Session {
   bool send(const Bytes& bytes) { return link->write(bytes, now) == bytes.size(); }
   bool send(std::string_view hexText) { return send(hex(hexText)); }
 
-  /// Reads all that is there.
+  /// Reads all bytes that have arrived.
   Bytes receive() {
     Bytes bytes(link->available(now));
     bytes.resize(link->read(bytes, now));

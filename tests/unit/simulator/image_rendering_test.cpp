@@ -129,9 +129,8 @@ TEST(PaperPicture, ShowsFullAndPartialCutsDifferently) {
 }
 
 TEST(PaperPicture, ShowsABarcodeWithTheGivenHeightAndPosition) {
-  // Start, three characters and stop of Code 39, 13 modules each with three narrow to one wide...
-  // the first character is always the star: bar, wide gap, bar, gap, wide bar, gap, wide bar, gap,
-  // bar.
+  // Code 39 begins with a star: bar, wide gap, bar, gap, wide bar, gap, wide bar, gap, bar. With
+  // the gap after it, the star has 13 modules.
   const Print print(hex("1d6810 1d7702 1d6b 45 03 41 42 43"));
   const unsigned top = 6;
   EXPECT_EQ(print.row(top, 0, 2), "##");

@@ -52,7 +52,7 @@ TEST(PrinterLink, HasNoNextEventIfItIsIdle) {
   EXPECT_TRUE(session.link->connected(session.now));
 }
 
-// A printer that has stopped, with a buffer that is soon full.
+// A printer that does not print, and whose buffer is soon full.
 PrinterBuilder standing() {
   return PrinterBuilder().coverOpen().buffer(16);
 }

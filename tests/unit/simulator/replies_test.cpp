@@ -141,7 +141,8 @@ TEST(StatusBlock, HasABitForEachFlag) {
     const std::uint8_t bit = static_cast<std::uint8_t>(1U << k % 8);
     EXPECT_TRUE((block[2 + k / 8] & bit) != 0) << flagNames[k];
     block[2 + k / 8] = static_cast<std::uint8_t>(block[2 + k / 8] & ~bit);
-    block[2] = static_cast<std::uint8_t>(block[2] & ~2U);  // off line may follow from the flag
+    block[2] =
+        static_cast<std::uint8_t>(block[2] & ~2U);  // the flag may also make the printer off line
     EXPECT_EQ(block, hex("89 01 00000000 00 00 05")) << flagNames[k];
   }
 }
