@@ -10,7 +10,8 @@ namespace quordalvane::simulator {
 /// position among the queued bytes. Offsets in the job thus include these bytes.
 class Asides {
  public:
-  /// Adds `count` such bytes, which were received just before the queued byte number `before`.
+  /// Adds `count` bytes that were executed at once and were received just before the queued byte
+  /// number `before`.
   void add(std::uint64_t before, std::size_t count);
 
   /// Moves the print position to just before the queued byte number `position`.

@@ -19,8 +19,8 @@ class CharacterMemory {
 
   void turn(bool on) { isOn_ = on; }
 
-  /// Returns the dots of a character. Returns null if the job has not defined it, or has turned its
-  /// own characters off.
+  /// Returns the dots of a character. Returns null if the job has not defined the character, or has
+  /// switched off the characters that it defined.
   const Bitmap* find(std::uint8_t byte) const;
 
  private:

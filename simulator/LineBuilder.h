@@ -19,7 +19,7 @@ class LineBuilder {
   /// Adds text. Whenever the line is full, it is added to `paper`, and the rest begins a new line.
   void add(std::u32string_view text, const TextStyle& style, Paper& paper);
 
-  /// Adds dots at the current position, cut off at the edge of the print area.
+  /// Adds dots at the current position. Dots beyond the edge of the print area are left out.
   void add(Bitmap dots);
 
   /// Moves to `x` dots from the left end. Does nothing if that is beyond the paper.

@@ -14,7 +14,7 @@ class PageBuilder {
  public:
   explicit PageBuilder(unsigned paperWidth);
 
-  /// Selects an area of the page; the part outside the page is cut off.
+  /// Selects an area of the page; the part outside the page is left out.
   void setArea(unsigned x, unsigned y, unsigned width, unsigned height);
 
   /// Selects one of four print directions: 0 normal, 1 upwards from the lower left, 2 upside down,

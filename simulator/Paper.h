@@ -29,7 +29,7 @@ struct TextStyle {
   bool wide = false;
   bool rotated = false;           ///< each character is turned by 90 degrees clockwise
   bool grey = false;              ///< printed in the second colour
-  std::uint8_t underline = 0;     ///< the line's thickness in dots, 0 to 2
+  std::uint8_t underline = 0;     ///< the underline's thickness in dots, 0 to 2
   std::uint8_t widthFactor = 1;   ///< 1 to 8
   std::uint8_t heightFactor = 1;  ///< 1 to 8
   std::uint8_t spacing = 0;       ///< dots to the right of each character, at single width
@@ -205,8 +205,8 @@ class Paper {
   /// Moves the paper back, at most to its beginning or to a cut.
   void feedBack(unsigned dots);
 
-  /// Cuts the paper. If it is cut already, nothing changes, except that a full cut replaces a
-  /// partial one.
+  /// Cuts the paper. If the paper is cut there already, nothing changes, except that a full cut
+  /// replaces a partial one.
   void cut(bool partial);
 
   void noteSkipped(ByteView command);

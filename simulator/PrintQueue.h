@@ -27,7 +27,7 @@ class PrintQueue {
   /// Removes and returns the first byte, if the printer has finished it by `now`.
   std::optional<Taken> take(Instant now);
 
-  /// Returns the time at which the printer is done with the first `count` bytes (1 to `size()`);
+  /// Returns the time at which the printer has finished the first `count` bytes (1 to `size()`);
   /// empty while the printing is stopped.
   std::optional<Instant> doneWith(std::size_t count) const;
 

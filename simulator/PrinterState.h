@@ -158,7 +158,7 @@ class PrinterState {
   std::uint32_t bytesPerSecond = 0;  ///< the printing speed; 0: unlimited
   bool flowControl = false;  ///< the printer asks hosts to pause and to continue; see `FlowControl`
   bool keepsPrinted = false;   ///< all print data are kept, for tests
-  bool keepsReceived = false;  ///< the bytes of each job are kept in its record
+  bool keepsReceived = false;  ///< the bytes of each job are kept in the job's record
 
  private:
   std::uint32_t flags_ = 1U << static_cast<unsigned>(Flag::EtbAvailable);

@@ -10,8 +10,8 @@ constexpr std::uint8_t statusBlockLength = 9;
 constexpr std::uint8_t layoutVersion = 1;
 constexpr std::uint8_t romVersion = 1;
 
-// Bits 1 and 4 are set in every real-time status byte; they distinguish it from flow-control
-// characters.
+// Bits 1 and 4 are set in every real-time status byte, which distinguishes such a byte from a
+// flow-control character.
 constexpr unsigned realTimeMark = 0x12;
 
 Bytes framed(Bytes head, const std::string& text, const Bytes& tail) {

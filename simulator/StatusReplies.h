@@ -12,12 +12,12 @@ namespace quordalvane::simulator {
 /// bytes.
 Bytes statusBlock(const PrinterState& state);
 
-/// Returns the byte that answers a real-time status request 10 04 `query` (hex): 1 is the printer,
-/// 2 the cause of being off line, 3 the error, 4 the paper. A query for a device that the printer
-/// does not have reports nothing unusual.
+/// Returns the byte that answers a real-time status request 10 04 `query` (hex): 1 asks about the
+/// printer, 2 about the cause of being off line, 3 about the error, and 4 about the paper. A query
+/// for a device that the printer does not have reports nothing unusual.
 Bytes realTimeStatus(const PrinterState& state, std::uint8_t query);
 
-/// Returns the firmware reply of line mode: the text between 1b 23 2a and 0a 00.
+/// Returns the firmware reply of line mode: the text between the bytes 1b 23 2a and 0a 00.
 Bytes firmwareReply(const PrinterState& state);
 
 /// Returns the answer to the ESC/POS question 1d 49 `query` about the printer's identity: one byte

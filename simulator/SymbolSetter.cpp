@@ -46,7 +46,7 @@ constexpr std::uint8_t askSize = 82;
 struct Kind {
   std::uint8_t number;
   std::uint8_t replyId;
-  bool saysError;  // true if the reply about its size ends with an error number
+  bool saysError;  // true if the reply about the size ends with an error number
   Symbology symbology;
   unsigned moduleWidth;
   unsigned rowHeight;

@@ -49,7 +49,7 @@ class VirtualPrinter {
   const Paper& paper() const { return printing_.paper(); }
 
   /// Returns the print data that produced the paper, byte for byte, without ETBs and without
-  /// commands that act on reception. The last line may still be open. Returns empty unless the
+  /// commands that act on reception. The last line may be unfinished. Returns empty unless the
   /// printer has `PrinterState::keepsPrinted`.
   const Bytes& printed() const { return printed_; }
 

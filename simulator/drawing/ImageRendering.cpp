@@ -142,7 +142,8 @@ class BandedPicture {
     }
   }
 
-  // Draws torn edges above the piece, and also below it unless its end is still in the printer.
+  // Draws torn edges above the piece, and below the piece unless the end of the piece is still in
+  // the printer.
   void drawPiece(Bytes& row, const Piece& piece, unsigned y, unsigned shift,
                  std::uint8_t value) const {
     const unsigned fromTop = y - piece.top;

@@ -17,7 +17,7 @@ struct Picture {
 
 /// Returns the paper as a picture of one pixel a dot, with margins beside the print and torn edges
 /// at its cuts. A symbol whose data cannot be encoded is replaced by its name. Remarks on the paper
-/// are drawn below it. May be called from any thread.
+/// are drawn below the paper. May be called from any thread.
 Picture renderPicture(const Paper& paper);
 
 /// Returns the picture of `renderPicture` as a PNG file. This needs little more memory than the
