@@ -11,7 +11,7 @@ namespace quordalvane::cups {
 
 /// Converts a piece of a URI into a piece of a device text. A character remains data in the device
 /// text if it is escaped in the URI or `isData` is true for it. Throws `std::invalid_argument` if a
-/// percent sign is not followed by two hex digits, or if it encodes a control character.
+/// percent sign is not followed by two hex digits, or if these digits encode a control character.
 std::string deviceTextOf(std::string_view piece, const std::function<bool(char)>& isData);
 
 /// Converts `text` into a piece of a URI. Letters, digits and the characters for which `isPlain` is

@@ -11,7 +11,7 @@ namespace quordalvane::cups {
 /// URI, its make and model, its name for people, its device ID and an empty location.
 std::string listingOf(const FoundDevice& found);
 
-/// Writes the printers that can be found to `descriptor`, one in each line. Reports the kinds of
+/// Writes to `descriptor` the printers that can be found, one in each line. Reports the kinds of
 /// links that could not be searched on `lines`.
 void listPrinters(int descriptor, StatusLines& lines);
 

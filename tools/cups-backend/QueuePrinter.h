@@ -19,8 +19,8 @@ class OutOfReach : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// The printer of a queue. Several queues and programs may share it: while it is open, no other job
-/// of this machine can use it.
+/// The printer of a queue. Several queues and programs may share the printer: while this object has
+/// it open, no other job of this machine can use it.
 class QueuePrinter {
  public:
   /// Opens nothing. `open` calls `onWait` if it must wait because another job has the printer.

@@ -16,7 +16,7 @@ class StopWish {
   /// `leave` must end the process.
   explicit StopWish(std::function<void()> leave) : leave_(std::move(leave)) {}
 
-  /// Ends a job that is no longer wanted: cuts off the block that is being printed, or ends the
+  /// Ends a job that is no longer wanted: cancels the block that is being printed, or ends the
   /// process.
   void cancel();
 

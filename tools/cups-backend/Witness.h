@@ -20,8 +20,8 @@ class Witness {
   /// `std::system_error` if the system cannot start a process.
   explicit Witness(const std::function<void()>& stopQueue);
 
-  /// Ends the witness's duty, because the job is on paper or this process is about to end with a
-  /// true exit code. Any forked process may call this. Never fails.
+  /// Ends the witness's duty, because the job is on paper or this process is about to end with the
+  /// correct exit code. Any forked process may call this. Never fails.
   void dismiss() const;
 
  private:

@@ -47,8 +47,8 @@ Answer answerWith(std::string text, std::string type = "application/json");
 /// escapes in JSON.
 Answer refusal(unsigned status, const std::string& why);
 
-/// A web server that works in the loop of its owner: it never waits for a client and starts no
-/// thread. All calls are made on the owner's thread.
+/// A web server that works in the event loop of its owner: it never waits for a client and starts
+/// no thread. All calls are made on the owner's thread.
 ///
 /// The limits below prevent a client from blocking others. A request that takes too long is cut
 /// off. If there are too many connections, a new one replaces the one that has waited longest. A

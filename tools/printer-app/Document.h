@@ -23,8 +23,9 @@ namespace quordalvane::printer_app {
 /// Any call throws RenderError if the job is too large for the machine.
 class Document {
  public:
-  /// `Rendered`: pages that this program has drawn. `Raw`: the printer's own commands; they are cut
-  /// only if the job asks for it, and only a drawer pulse is printed before them.
+  /// `Rendered`: pages that this program has drawn. `Raw`: the printer's own commands. A cut is
+  /// added to them only if the job asks for one, and nothing but a drawer pulse is sent before
+  /// them.
   enum class Kind { Rendered, Raw };
 
   Document(pappl_job_t* job, const pappl_pr_options_t& options, Kind kind);
@@ -32,7 +33,8 @@ class Document {
   /// Reserves memory for this count of bytes, so that a long page is not copied several times.
   void reserve(std::size_t bytes);
 
-  /// Returns a function that appends its bytes to the document. The document must outlive it.
+  /// Returns a function that appends its bytes to the document. The document must outlive the
+  /// function.
   render::Output output();
 
   void endPage();

@@ -16,7 +16,7 @@ struct WaitingJob {
   bool isHeld;  // true if the job is held until its turn
 };
 
-// The framework holds the printer's lock during this call, so it must not change a job.
+// The framework holds the printer's lock during this call, so this function must not change a job.
 void note(pappl_job_t* job, void* jobs) {
   const ipp_jstate_t state = papplJobGetState(job);
   const bool isHeld = isHeldForItsTurn(state, papplJobGetReasons(job));
@@ -77,7 +77,7 @@ bool isOlderUnderWay(pappl_job_t* job) {
 }
 
 bool waitsInVain(pappl_printer_t* printer) {
-  static std::map<int, int> oldestJobs;  // by printer; 0 if none waits
+  static std::map<int, int> oldestJobs;  // the oldest waiting job of each printer; 0 if none waits
   int oldest = 0;
   if (papplPrinterGetState(printer) == IPP_PSTATE_IDLE) {
     const std::vector<WaitingJob> waiting = waitingJobs(printer);

@@ -22,8 +22,8 @@ class StopSignals {
   StopSignals(const StopSignals&) = delete;
   StopSignals& operator=(const StopSignals&) = delete;
 
-  /// Returns the descriptor that is readable while a signal waits for `take`. This object remains
-  /// its owner.
+  /// Returns the descriptor that is readable while a signal waits for `take`. The descriptor
+  /// belongs to this object.
   int descriptor() const { return descriptor_; }
 
   /// Returns the next signal; empty if none has arrived. Never blocks.

@@ -119,7 +119,7 @@ class Grammar {
  private:
   CLI::App& addCommand(const std::string& name, const std::string& help) {
     CLI::App& sub = *app_.add_subcommand(name, help);
-    sub.footer("");  // otherwise it would inherit the program's footer
+    sub.footer("");  // otherwise the command would inherit the program's footer
     sub.group("Commands");
     sub.fallthrough();
     sub.set_help_flag("-h,--help", "show this text");

@@ -7,7 +7,7 @@ enum class ExitCode : int {
   Done = 0,
   ExchangeFailed = 1,
   Usage = 2,
-  NoAccessory = 3,  ///< no device matched the port name, or it could not be opened
+  NoAccessory = 3,  ///< no device matched the port name, or the device could not be opened
   NotReady = 4,     ///< the printer is off line, has paper in its exit or is in use
   LinkLost = 5,
   Unconfirmed = 6,

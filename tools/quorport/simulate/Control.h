@@ -14,9 +14,9 @@
 namespace quordalvane::tool {
 
 /// Executes control lines, which change or query the running printers; each line is one JSON
-/// object. A line applies to the printer that its key `printer` names, or to all of them. Standard
-/// input, the control socket and browsers all use this class, so they all understand the same
-/// lines.
+/// object. A line applies to the printer that its key `printer` names, or, without this key, to all
+/// printers. Standard input, the control socket and browsers all use this class, so they all
+/// understand the same lines.
 class Control {
  public:
   /// Actions on the whole printer. If an action is impossible, it throws std::invalid_argument with

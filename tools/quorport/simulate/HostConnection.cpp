@@ -63,7 +63,8 @@ void HostConnection::work(Instant now) {
 }
 
 // While the printer has no space, nothing is read from the host. The end of the connection is
-// therefore found here. Then the rest is read; it is short, because nothing can follow.
+// therefore noticed here. After that, the rest of the data is read; the rest is short, because
+// nothing can follow.
 void HostConnection::noticeHangUp() {
   constexpr int hangUp = POLLRDHUP | POLLHUP | POLLERR;
   const bool wouldBeRead = hostEnded_ || wantsBytes();
@@ -151,8 +152,8 @@ void HostConnection::giveToHost(Instant now) {
 void HostConnection::followDrop(Instant now) {
   if (link_.wasReset(now)) {
     line_->resetOnClose();
-    // The connection ends only at the next call. On a terminal the next host is there immediately;
-    // if it were dropped in this loop, the other printers would get no turn.
+    // The connection ends only at the next call. On a terminal the next host is there immediately.
+    // If its connection ended in this loop as well, the other printers would never be served.
     lastSettling_ = now;
   } else if (link_.dropped(now)) {
     line_->endOutput();

@@ -36,8 +36,8 @@ class ReceiptWriter {
     std::vector<DrawnReceipt> receipts;  ///< drawn only if `isLookedAt`
   };
 
-  /// Writes no files if `folder` is null. `folder` must outlive this. Throws std::system_error if
-  /// the system has no thread or descriptor left.
+  /// Writes no files if `folder` is null. `folder` must outlive this object. Throws
+  /// std::system_error if the system has no thread or descriptor left.
   explicit ReceiptWriter(ReceiptFolder* folder);
 
   /// Finishes the current job; the waiting jobs are lost.

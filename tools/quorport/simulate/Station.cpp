@@ -56,7 +56,7 @@ void Station::await(std::vector<pollfd>& awaited) const {
   }
 }
 
-// If a host waits, the loop must wake when the current host has been quiet for the turn time.
+// If a host waits, the loop must wake when the current host has been quiet for `turnTime`.
 std::optional<Instant> Station::nextEvent(Instant now) const {
   std::optional<Instant> next =
       earlier(links_.nextEvent(), host_ ? host_->nextEvent(now) : printer_.nextEvent());
@@ -159,7 +159,7 @@ void Station::letHostsQueue() {
   }
 }
 
-// Gives the next turn to the first waiting host that has sent something.
+// Lets the first waiting host that has sent something print next.
 void Station::takeTurns(Instant now) {
   if (!mayMakeRoom(now)) {
     return;
@@ -181,9 +181,9 @@ bool Station::mayMakeRoom(Instant now) const {
   return host_->isIdle() && printer_.buffered() == 0 && (!last || now >= *last + turnTime);
 }
 
-// Returns true if a host that has left must give up its turn. Usually it keeps its turn while the
-// printer prints its last bytes. But a printer that is off line may never print them, and then the
-// next host is served first.
+// Returns true if a host that has left must make way for the next host. Usually the next host waits
+// until the printer has printed the last bytes of the first one. But a printer that is off line may
+// never print them; in this case the next host is served first.
 bool Station::hostMakesWay() const {
   return host_->hostEnded() && printer_.state().flag(simulator::Flag::Offline);
 }

@@ -98,7 +98,7 @@ class Station {
   simulator::VirtualPrinter printer_;
   Links links_;
   std::optional<HostConnection> host_;
-  std::list<std::unique_ptr<Line>> waiting_;  // connected hosts that wait for their turn
+  std::list<std::unique_ptr<Line>> waiting_;  // connected hosts that wait until they may print
   std::function<void(bool)> watchHosts_;      // empty if nobody watches
   Counters done_;                             // the counts of the papers that were passed to `keep`
 };

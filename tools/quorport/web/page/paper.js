@@ -43,7 +43,7 @@ export class Paper {
   /** Draws rows. They replace earlier rows at the same place. */
   draw(part) {
     const picture = part.png ? decoded(part.png) : Promise.resolve(null);
-    picture.catch(() => {}); // the chain below handles the error in its turn
+    picture.catch(() => {}); // the chain below handles the error later
     this.order = this.order.then(async () => this.add(part, await picture)).catch(() => {});
   }
 
