@@ -29,8 +29,8 @@ QUOR_EXPORT std::shared_ptr<EAAccessory> makeAccessory(const DeviceSpec& spec, C
 /// function.
 QUOR_EXPORT std::vector<std::string> devicesMeantBy(const std::string& text);
 
-/// Creates the platform of an ordinary program, attaches the devices in `specs` to it in this
-/// order, and makes it the platform of the process. Ports that are created later find these
+/// Creates the platform of an ordinary program, attaches to it the devices in `specs`, in this
+/// order, and sets it as the platform of the process. Ports that are created later find these
 /// devices. For example:
 ///
 ///     quordalvane::connectDevices({"tcp:192.0.2.10:9100,name=Kitchen"});

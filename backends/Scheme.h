@@ -55,7 +55,7 @@ struct SchemeVariant {
 /// default may be left out.
 struct Scheme {
   std::string_view name;   ///< "tcp"
-  std::string_view place;  ///< the form of its place: "HOST:PORT"
+  std::string_view place;  ///< the form of a place: "HOST:PORT"
   std::string_view about;  ///< the kind of device: "a printer on the network"
 
   /// Throws `std::invalid_argument` for an invalid place.

@@ -46,7 +46,7 @@ class Destination {
 
 class OurSink final : public LogSink, public Destination {
  public:
-  /// Does not count the records by which the logger itself reports drops.
+  /// Does not count the records by which the logger reports that it has dropped records.
   void write(std::span<const LogRecord> records) override {
     const auto logged = std::count_if(records.begin(), records.end(), [](const LogRecord& record) {
       return record.type != ZKLogTypeError;
@@ -99,7 +99,7 @@ class OurLogger {
 };
 
 /// Logs the same text and fields by a well-known asynchronous logger, which keeps the newest
-/// records if there are too many. Its writer is also on the second core.
+/// records if there are too many. Like our logger, it has its writer on the second core.
 class TheirLogger {
  public:
   explicit TheirLogger(std::size_t capacity = queueSize) {

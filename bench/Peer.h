@@ -20,8 +20,8 @@ extern const std::vector<std::uint8_t> escposQueries[3];   // 3 bytes each
 inline constexpr std::uint8_t escposReply = 0x12;          // the reply to each of the queries
 
 /// The printer's end of one connection, on a thread of its own that blocks in `read`. The thread
-/// runs until the other side ends the connection, and the destructor waits for it. A peer must
-/// therefore outlive the other side.
+/// runs until the other side ends the connection, and the destructor waits for the thread. A peer
+/// must therefore outlive the other side.
 class Peer {
  public:
   explicit Peer(Core core) : core_(core) {}

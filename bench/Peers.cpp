@@ -44,7 +44,7 @@ double microsecondsAt(Measure measure) {
   Peer peer(Core::First);
   peer.answerAll(*endpoint);
   const double seconds = measure(std::to_string(tcpPort(*endpoint)));
-  ::close(endpoint->connect());  // a connection that closes without a byte ends the printer
+  ::close(endpoint->connect());  // a connection that closes without a byte ends the peer
   return seconds * microsecond;
 }
 

@@ -10,7 +10,7 @@ struct ReceiptKind {
   const char* name;
   ReceiptPrinter::Confirms confirms;
   ZKEmulation emulation;
-  const char* keys;        ///< the keys of a device of which the proof is known
+  const char* keys;        ///< the keys of a device text that names the proof
   const char* goalOfSign;  ///< the longest time until the port notices the confirmation
 };
 

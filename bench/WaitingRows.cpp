@@ -143,7 +143,7 @@ Rows openAndClose() {
                                    exchangeLineStatus(bare);
                                  }));
                                });
-  ::close(endpoint->connect());  // a connection that closes without a byte ends the printer
+  ::close(endpoint->connect());  // a connection that closes without a byte ends the peer
   return {comparedRow(
       {"B12", "open, status and close, beyond their named pauses", "<= limit + 1 ms", "ms"}, pairs,
       Best::Lowest, millisecond)};

@@ -11,8 +11,8 @@ namespace quordalvane::render {
 
 /// Converts a page of grey pixels, drawn by a client, to raster images for the printer. A page is
 /// usually as wide as the paper. As the paper is wider than the print head, only the middle of each
-/// row is then printed. A page that is narrower than the head is printed at the left. Only one band
-/// is kept in memory, so a page may have any length.
+/// row of such a page is printed. A page that is narrower than the head is printed at the left.
+/// Only one band is kept in memory, so a page may have any length.
 class RasterPage {
  public:
   /// `pageDots` is the width of the page's rows. `headDots` is the width of the print head and must

@@ -4,7 +4,7 @@
 
 namespace quordalvane {
 
-/// Adds the scheme of printers that are paired with this machine. Device texts may then be
+/// Adds the scheme of printers that are paired with this machine. Afterwards device texts may be
 /// `bluetooth:`, `bluetooth:ADDRESS` or `bluetooth:NAME`. Call this function before the program
 /// parses a device text or starts a thread; a second call has no effect. The function does not ask
 /// the Bluetooth service and starts no thread.

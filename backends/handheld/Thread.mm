@@ -7,7 +7,7 @@
 
 namespace {
 
-/// The state of a thread. The thread and its handle share it.
+/// The state of a thread. The thread and its handle share this state.
 class Life {
  public:
   enum class Stage { NotStarted, Turning, Ended };

@@ -21,7 +21,7 @@ using Connector = std::function<Descriptor()>;
 /// connected.
 class LinkAccessory : public IdentifiedAccessory {
  public:
-  /// `openSession` calls `connect` on its own thread.
+  /// `openSession` calls `connect` on the thread of its caller.
   LinkAccessory(AccessoryIdentity identity, Connector connect);
 
   bool isConnected() override;

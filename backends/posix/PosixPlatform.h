@@ -25,8 +25,8 @@ class QUOR_EXPORT PosixPlatform final : public Platform {
   PosixPlatform& operator=(const PosixPlatform&) = delete;
 
   /// Adds an accessory, which must not be null, at the end of the list. An accessory is never
-  /// removed. While it announces no protocol, for example while a USB printer is not plugged in,
-  /// `connectedAccessories` does not return it. Any thread may call this function.
+  /// removed. `connectedAccessories` does not return an accessory while it announces no protocol,
+  /// for example while a USB printer is not plugged in. Any thread may call this function.
   void attach(std::shared_ptr<EAAccessory> accessory);
 
   EAAccessoryManager& sharedAccessoryManager() override;

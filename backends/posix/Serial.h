@@ -28,10 +28,10 @@ struct SerialSettings {
 /// Returns the usual speeds of printers, in bits per second and in rising order.
 std::vector<unsigned> usualBaudRates();
 
-/// Opens the serial line at `path` in raw mode, for exclusive use by this program. For this it
-/// takes an advisory lock and sets the line to exclusive mode. The lock and the mode end when the
-/// line is closed. The line does not become the controlling terminal. It keeps its settings after
-/// it is closed. Never waits for a modem.
+/// Opens the serial line at `path` in raw mode, for exclusive use by this program. To reserve the
+/// line, the function takes an advisory lock and sets the line to exclusive mode. The lock and the
+/// mode end when the line is closed. The line does not become the controlling terminal. The line
+/// keeps its settings after it is closed. Never waits for a modem.
 ///
 /// Throws a `std::system_error` with a message for people. The code is EBUSY if another program, or
 /// another descriptor of this program, uses the line; the message then names the other program, if

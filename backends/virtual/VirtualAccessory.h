@@ -30,7 +30,7 @@ class VirtualAccessory : public IdentifiedAccessory {
   std::shared_ptr<EASession> openSession(const std::string& protocol) override;
 
   /// Advances the simulated printer to the current time, and then calls `look`, which may read or
-  /// change the printer. `look` must not call this object. Any thread may call it.
+  /// change the printer. `look` must not call this object. Any thread may call `withPrinter`.
   void withPrinter(const std::function<void(simulator::VirtualPrinter&, simulator::Instant)>& look);
 
  protected:

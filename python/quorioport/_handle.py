@@ -79,7 +79,7 @@ class Handle:
             raise
 
     def create(self) -> None:
-        """Creates the library's port without opening it. Does nothing if it exists."""
+        """Creates the library's port without opening it. Does nothing if the port exists already."""
         if self._port:
             return
         it = self._configuration

@@ -32,7 +32,7 @@ class Worker:
     async def wait(
         self, function: Callable[Parameters, Result], *args: Parameters.args, **kwargs: Parameters.kwargs
     ) -> Result:
-        """Runs the function on the thread, and waits for it in asyncio. Other tasks run during the wait; if it is
+        """Runs the function on the thread, and waits for it in asyncio. Other tasks run during the wait; if the wait is
         cancelled, the function continues.
         """
         return await asyncio.shield(asyncio.wrap_future(self.submit(function, *args, **kwargs)))

@@ -116,7 +116,7 @@ class Journal:
         self.close()
 
     def close(self) -> None:
-        """Closes the file. Does nothing if it is closed."""
+        """Closes the file. Does nothing if the file is closed already."""
         c.function("journal_free")(self._journal)
         self._journal = c.HANDLE()
 
@@ -168,7 +168,7 @@ class Journal:
         seconds for another job on this printer.
 
         Raises UsageError if the name is invalid or belongs to other data. Raises OperationError if the printer cannot
-        be reached or another job uses it; then nothing was sent, and the journal records that.
+        be reached or another job uses it; in that case nothing was sent, and the journal records that.
         """
         if len(port.configuration.devices) != 1:
             raise UsageError("a job under a name needs a port with exactly one device")
@@ -233,8 +233,8 @@ class Named:
 
     @contextmanager
     def _opened(self, job: ctypes.c_void_p, handle: Handle) -> Iterator[None]:
-        """Waits for the printer's turn, and opens the port for the block. If the port cannot be opened, records this in
-        the journal.
+        """Waits until no other job uses the printer, and opens the port for the block. If the port cannot be opened,
+        records this in the journal.
         """
         if handle.is_open:
             yield

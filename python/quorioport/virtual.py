@@ -90,7 +90,7 @@ class VirtualPrinter:
         self.close()
 
     def close(self) -> None:
-        """Stops the printer, and removes its receipts. Does nothing if it is stopped."""
+        """Stops the printer, and removes its receipts. Does nothing if the printer is stopped already."""
         if self._process.poll() is None:
             self._process.terminate()
         self._process.wait()
