@@ -12,7 +12,7 @@
 extern "C" {
 #endif
 
-/** How a call ended: one of the codes below. */
+/** The result of a call: one of the codes below. */
 typedef int32_t QuorCode;
 
 /** The codes that functions return. */

@@ -58,7 +58,7 @@ typedef struct QuorPrinterStatus_2_ {
    * only if etbAvailable is 1. */
   uint8_t etbCounter;
 
-  uint8_t presenterState; /**< 0 idle, 1 holding paper, 2 retracted, 3 ejected */
+  uint8_t presenterState; /**< of the presenter: 0 idle, 1 holding paper, 2 retracted, 3 ejected */
 
   /** The link in use: 0 unknown, 1 serial, 2 USB, 3 Ethernet, 4 wireless LAN, 5 Bluetooth. */
   uint8_t connectedInterface;

@@ -6,8 +6,8 @@
  *
  * Errors. A function that can fail returns a code, which is 0 or more on success and below 0 on
  * failure. After a failure, quor_last_error says why. A pointer must not be null unless the comment
- * of its function allows it. For a null pointer that is not allowed, functions that return a code
- * return QUOR_USAGE, and all other functions return 0.
+ * of its function allows it. If a pointer is null although this is not allowed, functions that
+ * return a code return QUOR_USAGE, and all other functions return 0.
  *
  * Texts and bytes. The library copies its results into a buffer of the caller, of `capacity` bytes,
  * and stores the number of bytes in `*length`; `length` may be null. A text ends with a NUL.
@@ -18,8 +18,8 @@
  *
  * Handles. The caller must free each handle that it has created. Freeing null has no effect.
  *
- * Threads. Only one thread at a time may use a port. The exceptions are its properties and
- * quor_port_is_connected, which any thread may use at any time. Any thread may call the other
+ * Threads. Only one thread at a time may use a port. Only the properties of the port and
+ * quor_port_is_connected may be used by any thread at any time. Any thread may call the other
  * functions, unless their comments say otherwise.
  *
  * Time-outs are in milliseconds. The time-outs of a port are rounded down to whole seconds of the

@@ -7,7 +7,7 @@
  * Named jobs, for programs that are not written in C++. A named job is printed only once. If its
  * outcome is unknown, it is printed again only when the caller sets `again`, after a person has
  * looked at the paper. Both rules hold even if the program is killed at any moment. These functions
- * are in libQuorJournal.
+ * are in the library libQuorJournal.
  *
  *     quor_print_job_create(port, 1, NULL, NULL, &job);
  *     quor_named_job_create(journal, &request, data, size, &named);
@@ -108,7 +108,7 @@ typedef struct QuorNamedJobRequest {
 } QuorNamedJobRequest;
 
 /** A named job. While it exists, no process can create another named job with the same name in the
- * same journal. The kernel frees the name when the process ends, even if it is killed. */
+ * same journal. The kernel frees the name when the process ends, even if the process is killed. */
 typedef struct QuorNamedJob QuorNamedJob;
 
 /** Claims the name for a job of `size` bytes. If another process has the name, waits until that

@@ -80,8 +80,8 @@ QUOR_EXPORT QuorCode quor_log_remove_sink(QuorLogSink* sink);
  * With a time-out of 0 this function does not wait. */
 QUOR_EXPORT QuorCode quor_log_flush(uint32_t timeout);
 
-/** Sets how many records may wait for the sinks, initially 8192. If the queue is full, a record is
- * dropped and counted. Returns QUOR_USAGE if `records` is 0 or more than 1048576. */
+/** Sets how many records may wait for the sinks, initially 8192. If the queue is full, new records
+ * are dropped and counted. Returns QUOR_USAGE if `records` is 0 or more than 1048576. */
 QUOR_EXPORT QuorCode quor_log_set_queue_capacity(size_t records);
 
 /** Numbers that the logger has counted since the process began. */

@@ -47,7 +47,7 @@ typedef struct QuorPort QuorPort;
 QUOR_EXPORT QuorCode quor_port_create(const char* port_name, const char* port_settings,
                                       uint32_t timeout, int32_t emulation, QuorPort** port);
 
-/** Frees the handle. Must not be called in an observer function of the port. Close the port before,
+/** Frees the handle. Must not be called in an observer function of the port. Close the port first,
  * even if it was never opened: freeing the handle does not end the port's thread, which keeps the
  * port alive. */
 QUOR_EXPORT void quor_port_free(QuorPort* port);
@@ -88,7 +88,7 @@ QUOR_EXPORT QuorCode quor_port_read(QuorPort* port, void* buffer, size_t capacit
  * QUOR_FAILED, with 0 in `*written`, if the link is lost or the time-out passes; a part of the
  * command may have been sent before. Use this function only for commands that a link takes at once:
  * if the link takes only a part of a command, bytes may be left out or sent twice. Send print data
- * by a print job. */
+ * with a print job. */
 QUOR_EXPORT QuorCode quor_port_write_with_retry(QuorPort* port, const void* command, size_t size,
                                                 size_t* written);
 

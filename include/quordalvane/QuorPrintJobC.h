@@ -17,9 +17,9 @@ extern "C" {
 /** Functions that query a printer over an open port and check its answers. The port's own queries,
  * in QuorPortC.h, do not check: they may accept the rest of an earlier answer, or bytes of another
  * kind of device, as the answer. Nothing is printed. The functions return QUOR_FAILED if there was
- * no answer or the link did not take the query, and QUOR_UNREADABLE if the answer was not that of a
- * printer. They return QUOR_PORT_EXCEPTION if the link is lost, and QUOR_USAGE if the emulation is
- * unknown. A function that fails does not change its results.
+ * no answer or the link did not take the query, and QUOR_UNREADABLE if the answer was not one that
+ * a printer gives. They return QUOR_PORT_EXCEPTION if the link is lost, and QUOR_USAGE if the
+ * emulation is unknown. A function that fails does not change its results.
  *
  * Each function ends within twice the port's time-out plus five seconds, even if the printer never
  * stops sending; quor_printer_disconnect may take ten seconds more. Received bytes that nobody has
@@ -102,9 +102,9 @@ QUOR_EXPORT void quor_print_job_free(QuorPrintJob* job);
 
 /** Prints `size` bytes and returns when the outcome is known; the functions below return the
  * outcome. QUOR_OK says nothing about the outcome. May be called once; a second call returns
- * QUOR_USAGE. Blocks up to the time-outs of the port. The port remains open, unless the job was
- * cancelled. If memory is short or the system fails, the outcome is unconfirmed and the number of
- * bytes sent is unknown. */
+ * QUOR_USAGE. Blocks at most for the time-outs of the port. The port remains open, unless the job
+ * was cancelled. If memory is short or the system fails, the outcome is unconfirmed and the number
+ * of bytes sent is unknown. */
 QUOR_EXPORT QuorCode quor_print_job_run(QuorPrintJob* job, const void* data, size_t size);
 
 /** Abandons the job. At its next read or write, after at most 0.3 s, the job notices the cancel.

@@ -7,9 +7,8 @@
 
 /** How a printer confirms a job. */
 enum {
-  QUOR_PROOF_NONE = 0, /**< no proof: the printer is not asked, and no job is confirmed */
-  QUOR_PROOF_AUTO =
-      1, /**< the proof= of the port's device; without it, the printer is asked before the job */
+  QUOR_PROOF_NONE = 0,  /**< no proof: the printer is not asked, and no job is confirmed */
+  QUOR_PROOF_AUTO = 1,  /**< the proof= in the device text, or the printer's strongest proof */
   QUOR_PROOF_BLOCK = 2, /**< the printer counts the marks that enclose the data */
   QUOR_PROOF_PROCESS_ID =
       3, /**< the printer sends back four random characters that end the job; only in ESC/POS */
