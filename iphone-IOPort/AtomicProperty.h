@@ -10,8 +10,8 @@ namespace quordalvane {
 template <typename Value>
 class AtomicProperty {
  public:
-  /// The initial value is `value`. Without it, the type's default constructor makes the initial
-  /// value.
+  /// The initial value is `value`. Without an argument, the default constructor of the type makes
+  /// the initial value.
   /// @{
   AtomicProperty() = default;
   explicit AtomicProperty(Value value) : value_(std::move(value)) {}

@@ -17,8 +17,9 @@ bool isDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-/// Returns the digits of the first match of "d[0-9]+"; null if nothing matches. It uses no regular
-/// expression: settings may have any length, and some engines overflow the stack on long texts.
+/// Returns the digits of the first match of "d[0-9]+"; null if nothing matches. The function uses
+/// no regular expression: settings may have any length, and some engines overflow the stack on long
+/// texts.
 std::optional<std::string_view> firstDataTimeoutDigits(std::string_view settings) {
   for (std::size_t i = 0; i + 1 < settings.size(); ++i) {
     if (settings[i] == 'd' && isDigit(settings[i + 1])) {

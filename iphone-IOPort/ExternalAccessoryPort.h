@@ -43,9 +43,9 @@ QUOR_EXPORT extern const std::uint8_t escAckSoh[3];
 /// **Threads.** Any thread may call the operations. An `open` or `close` that is called on the main
 /// thread runs on the port thread, if there is one. Every other operation runs on the caller's
 /// thread, takes no lock and blocks that thread while it waits. Two threads must not use one port
-/// at the same time. The exceptions are the property getters and setters and `isConnected`, which
-/// any thread may call at any time. A port created on the main thread owns a port thread, which
-/// keeps the port alive until `close` is called on the main thread.
+/// at the same time. Only the property getters and setters and `isConnected` may be called by any
+/// thread at any time. A port created on the main thread owns a port thread, which keeps the port
+/// alive until `close` is called on the main thread.
 ///
 /// **Time.** Time-outs are given in milliseconds and rounded down to whole seconds. A wait with a
 /// limit of n seconds ends when the seconds of the wall clock have advanced by more than n, that is
@@ -167,8 +167,8 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// complete reply. Returns false if the printer did not answer or the emulation is unknown; in
   /// ESC/POS also if the answer was not a status or a query could not be written. In line mode the
   /// request is sent up to two times, each with a wait of about 1.5 s; in ESC/POS the creation
-  /// time-out limits the wait. If it returns false, the record is unchanged in line mode, and may
-  /// be partly written in ESC/POS. `level` is only logged.
+  /// time-out limits the wait. If the result is false, the record is unchanged in line mode, and
+  /// may be partly written in ESC/POS. `level` is only logged.
   ///
   /// In line mode, throws PortException "Native WritePort failed" if the request cannot be written.
   /// Throws PortException "GetParsedStatus detected bluetooth disconnection" if the link is lost
@@ -176,9 +176,10 @@ class QUOR_EXPORT ExternalAccessoryPort
   bool getParsedStatus(QuorPrinterStatus_2* quorPrinterStatus, std::uint32_t level);
 
   /// Asks whether the printer is ready to print. Returns true if the printer gave its status;
-  /// `*onlineStatus` then says whether it is on line. Returns false otherwise; `*onlineStatus` is
-  /// then false, or unchanged if the query could not be written. `onlineStatus` must not be null.
-  /// Throws the exceptions of `getParsedStatus`; after an exception `*onlineStatus` is unchanged.
+  /// `*onlineStatus` then says whether the printer is on line. Returns false otherwise;
+  /// `*onlineStatus` is then false, or unchanged if the query could not be written. `onlineStatus`
+  /// must not be null. Throws the exceptions of `getParsedStatus`; after an exception
+  /// `*onlineStatus` is unchanged.
   bool getOnlineStatus(bool* onlineStatus);
 
   // -- Checked block ------------------------------------------------------------------------------
@@ -206,7 +207,8 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// `quorPrinterStatus` must not be null. In ESC/POS an off-line printer may be on line again
   /// before the final status is read, so a true result alone does not prove that the job was
   /// printed. Returns false if a write failed or the time-out passed. Throws the exceptions of
-  /// `getParsedStatus`. In ESC/POS it drops the received bytes that nobody has read.
+  /// `getParsedStatus`. In ESC/POS, `endCheckedBlock` drops the received bytes that nobody has
+  /// read.
   bool endCheckedBlock(QuorPrinterStatus_2* quorPrinterStatus, std::uint32_t level);
 
   /// Makes the printer drop the data that it has received and not yet printed. Returns true if the
@@ -246,10 +248,11 @@ class QUOR_EXPORT ExternalAccessoryPort
 
   // -- The printer's Bluetooth module -------------------------------------------------------------
 
-  /// Puts the printer's Bluetooth module into command mode. To check this, asks the module for its
-  /// address. Pauses for 2.5 s in total around the escape sequence, and then waits up to 11 s for
-  /// the answer. Returns false if a write failed, or if the module did not answer or answered with
-  /// an error. Throws std::out_of_range if the module answers OK without a whole address.
+  /// Puts the printer's Bluetooth module into command mode. Asks the module for its address, to
+  /// check that it is in command mode. Pauses for 2.5 s in total around the escape sequence, and
+  /// then waits up to 11 s for the answer. Returns false if a write failed, or if the module did
+  /// not answer or answered with an error. Throws std::out_of_range if the module answers OK
+  /// without a whole address.
   bool enterATMode();
 
   /// Waits for the module's reply. Returns "\r\nERROR\r\n" if the module replies with an error. If

@@ -66,8 +66,8 @@ class QUOR_EXPORT LogWriter {
 
   /// Adds the time and the calling thread to a record, puts the record into the queue, and returns
   /// without waiting for a sink. Does not check whether logging is on or the level is wanted: the
-  /// caller checks this before it builds the record. If the queue is full, the record is dropped
-  /// and counted, and a later record reports the count. If there is no sink, the record is
+  /// caller checks this before it builds the record. If the queue is full, the record is dropped,
+  /// and a later record reports how many records were dropped. If there is no sink, the record is
   /// discarded. `fileName` and `methodName` must not be null and must be valid until the process
   /// ends.
   void outputLogAsyncWithLogType(ZKLogType logType, std::int32_t logLevel,

@@ -112,8 +112,8 @@ std::int32_t ExternalAccessoryPort::offer(std::span<const std::uint8_t> data, co
   return result;
 }
 
-/// Offers all unsent bytes to the stream. Returns the stream's count. Returns null if the whole
-/// write must fail. A negative count other than -1 is not an error.
+/// Offers all unsent bytes to the stream. Returns the count that the stream reports; null if the
+/// whole write must fail. A negative count other than -1 is not an error.
 std::optional<std::int64_t> ExternalAccessoryPort::writeChunk(
     NSOutputStream& stream, std::span<const std::uint8_t> tempData, Reply reply) {
   constexpr auto selector = writeSelector;

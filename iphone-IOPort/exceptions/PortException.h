@@ -21,7 +21,7 @@ class QUOR_EXPORT PortException : public std::exception {
   const std::string& reason() const noexcept { return reason_; }
   /// @}
 
-  /// The reason.
+  /// Returns the reason.
   const char* what() const noexcept override { return reason_.c_str(); }
 
  private:
