@@ -6,8 +6,8 @@
 
 namespace quordalvane {
 
-/// Returns advice on the next step for a person whose job ended with `result`. "" if the job was
-/// printed.
+/// Returns advice on the next step for a person whose job ended with `result`. Returns "" if the
+/// job was printed.
 std::string adviceFor(const PrintResult& result);
 
 }  // namespace quordalvane

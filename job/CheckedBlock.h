@@ -45,7 +45,7 @@ class CheckedBlock : public Proof {
   virtual MaybeSetback judgeReadiness() = 0;
 
   /// Before the data, sends a mark that the printer counts. If the printer is switched off and on
-  /// during the job, its count begins at 0 again, and at the end this mark is missing from the
+  /// during the job, the count begins at 0 again, and at the end this mark is missing from the
   /// count.
   virtual MaybeSetback markBeginning() = 0;
 

@@ -45,7 +45,7 @@ class EndSign : public Proof {
   /// Returns whether the sign can still arrive if it has not arrived yet.
   virtual bool isPossible() const { return true; }
 
-  /// Returns whether a longer wait cannot change the result.
+  /// Returns true if a longer wait cannot change the result.
   bool isDecided() const { return isSeen() || !isPossible(); }
 
   bool awaitSign();

@@ -10,8 +10,8 @@
 
 namespace quordalvane {
 
-/// A print job while it runs. This class sends the data and counts the sent bytes; a proof begins,
-/// ends and judges the job.
+/// A print job that is running. This class sends the data and counts the sent bytes; a proof
+/// begins, ends and judges the job.
 class JobRun {
  public:
   /// All three arguments must outlive this object.

@@ -9,7 +9,7 @@ namespace quordalvane {
 /// A proof that asks the printer nothing and proves nothing.
 class NoProof final : public Proof {
  public:
-  /// `why` is the reason, for a person, why there is no proof. The bytes of `dropCommand` must
+  /// `why` says, as a text for a person, why there is no proof. The bytes of `dropCommand` must
   /// outlive this object.
   NoProof(std::string why, ByteView dropCommand, PortLink& link, PrintResult& result);
 

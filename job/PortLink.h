@@ -37,7 +37,7 @@ class PortLink final : private TransferObserver {
   ExternalAccessoryPort& port() const { return *port_; }
   std::chrono::nanoseconds now() const { return port_->platform().clock().monotonic(); }
 
-  /// Returns the port's input/output time-out, and at least one second.
+  /// Returns the port's input/output time-out, or one second if that is longer.
   std::chrono::milliseconds timeout() const;
 
   /// Passes all bytes to `listener` from now on, or to nobody if `listener` is null. The listener

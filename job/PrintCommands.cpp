@@ -62,8 +62,8 @@ struct FixedForm {
   std::size_t length;
 };
 
-// In this table and in the next, the first match counts. So of two prefixes that begin with the
-// same bytes, the longer prefix must be listed first.
+// In this table and in the next table, the first row that matches counts. So of two prefixes that
+// begin with the same bytes, the longer prefix must be listed first.
 const FixedForm fixedForms[] = {
     {{0x1b, 0x1d, 0x03}, 6}, {{0x1b, 0x23, 0x2a}, 5}, {{0x1b, 0x23, 0x2c}, 6},
     {{0x1b, 0x23}, 3},       {{0x1b, 0x2a, 0x72}, 4},

@@ -20,8 +20,8 @@ struct Obstacle {
 };
 
 // A status request in the data causes an additional answer. In line mode this answer can be
-// confused with the status that confirms the job. In ESC/POS it cannot be confused with the report
-// that confirms the job.
+// confused with the status that confirms the job. In ESC/POS this answer cannot be confused with
+// the report that confirms the job.
 const Obstacle obstacles[] = {
     {{0x17}, Matters::Always, "an end-of-block mark (17), which the printer counts"},
     {{0x1b, 0x1d, 0x03}, Matters::Always, "a command of the checked block (1b 1d 03)"},
@@ -84,7 +84,8 @@ const std::initializer_list<std::uint8_t> answeredCommands[] = {
 };
 
 /// Returns true if the command belongs to two-dimensional barcodes and the printer does not answer
-/// it. Of these commands, a printer answers only the function that asks for the size.
+/// it. Of these commands, a printer answers only the function that asks for the size of the
+/// barcode.
 bool isSilentSymbol(ByteView command) {
   constexpr std::size_t function = 6;
   return startsWith(command, {0x1d, 0x28, 0x6b}) && command.size() > function &&

@@ -27,8 +27,8 @@ bool isNeverAnswered(ByteView data);
 
 /// Returns the end of the command that contains `position`. The printer reads all bytes up to this
 /// end as a part of the command. Returns `position` itself if `position` is not inside a command,
-/// or if an unknown command precedes it. If the data ends inside the command, returns the end of
-/// the data.
+/// or if an unknown command precedes `position`. If the data ends inside the command, returns the
+/// end of the data.
 std::size_t commandEnd(ByteView data, std::size_t position);
 
 /// Returns, in words, why a query after `data` would prove nothing. There are two reasons: the data

@@ -20,7 +20,7 @@ enum class PrintOutcome {
   Refused,      ///< no byte of the job was sent, so it is safe to send the job again
 };
 
-/// "printed", "unconfirmed" or "refused".
+/// Returns "printed", "unconfirmed" or "refused".
 QUOR_EXPORT std::string_view nameOf(PrintOutcome outcome);
 
 /// Why a job was not confirmed as printed.
@@ -59,10 +59,10 @@ struct PrintResult {
   std::optional<QuorPrinterStatus_2> status;
 
   /// The reason why the job was not printed, for a person: "cover open", "link lost after 1,204 of
-  /// 3,800 bytes". "" if it was printed.
+  /// 3,800 bytes". The reason is "" if the job was printed.
   std::string reason;
 
-  /// Advice on the next step, for a person. "" if the job was printed.
+  /// Advice on the next step, for a person; "" if the job was printed.
   std::string advice;
 };
 

@@ -213,8 +213,8 @@ std::string PrinterInquiry::firmware() {
   }
   bool isOnline = true;
   const auto online = [&isOnline](Port& port) { return port.getOnlineStatus(&isOnline); };
-  // The port sends the query only to a printer that is on line. So the query may have failed
-  // because the printer is off line.
+  // The port sends the firmware query only to a printer that is on line. So the query may have
+  // failed because the printer is off line.
   if (!question.isLost() && question.ask(online) && !isOnline) {
     throw InquiryError(InquiryCause::NotReady,
                        "the printer is off line, and can only be asked for its firmware on line");

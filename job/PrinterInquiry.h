@@ -70,8 +70,8 @@ class QUOR_EXPORT PrinterInquiry {
   /// Asks for the two setting bytes of each of the two DIP-switch banks.
   std::array<std::vector<std::uint8_t>, 2> dipSwitches();
 
-  /// Asks for the button-security time-out. Zero if button security is off; otherwise the printer's
-  /// value plus the port's input/output time-out.
+  /// Asks for the button-security time-out. Returns zero if button security is off; otherwise the
+  /// printer's value plus the port's input/output time-out.
   std::chrono::milliseconds buttonSecurityTimeout();
 
   /// Returns the strongest proof that the printer can give; None if the printer gives no proof. An

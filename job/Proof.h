@@ -17,7 +17,8 @@ namespace quordalvane {
 /// proof acts before and after the data and judges the answers. From the call of `begin` to the end
 /// of the job, the proof sees every byte that is sent or received.
 ///
-/// Every wait of a proof has a limit. PortLink::Cancelled passes through its functions.
+/// Every wait of a proof has a limit. The exception PortLink::Cancelled passes through the
+/// functions of a proof.
 class Proof : public TransferObserver {
  public:
   /// Prepares the printer. If it returns a setback (the reason of a failure), the data must not be
