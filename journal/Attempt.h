@@ -15,8 +15,8 @@ struct Attempt {
   std::int64_t number = 0;  ///< 1 for the job's first attempt, 2 for the next, and so on
   Fingerprint data = {};
   std::string device = {};                 ///< the text of the device
-  std::int64_t begun = 0;                  ///< in milliseconds since 1970, UTC
-  std::optional<std::int64_t> ended = {};  ///< in the same unit; null before the attempt has ended
+  std::int64_t begun = 0;                  ///< the beginning, in milliseconds since 1970, UTC
+  std::optional<std::int64_t> ended = {};  ///< the end, in the same unit; null before the end
   std::string outcome = {};  ///< the name of a `PrintOutcome`; "" before the attempt has ended
   std::uint64_t bytesAccepted = 0;  ///< as in `PrintResult`
   std::string reason = {};          ///< as in `PrintResult`

@@ -67,9 +67,9 @@ struct NamedJobResult {
 ///       const NamedJobResult result = named.run(job);
 ///     }
 ///
-/// The beginning is recorded on disk before the first byte of the job is sent. The outcome is
-/// recorded before `run` returns it. If the process ends between these records, nobody knows
-/// whether the job is on paper.
+/// The beginning of the job is recorded on disk before the first byte of its data is sent. The
+/// outcome is recorded before `run` returns it. If the process ends between these records, nobody
+/// knows whether the job is on paper.
 ///
 /// While a NamedJob exists, no process can create another NamedJob with the same name in the same
 /// journal. The kernel frees the name when the process ends, even if the process is killed. The

@@ -32,8 +32,8 @@ constexpr const char* steps[] = {
     INSERT INTO seal VALUES (zeroblob(32));
     PRAGMA application_id = 0x71756f72;
     )",
-    // Adds the proof and the obstacle of an attempt, which an answer from the journal contains. The
-    // numbers of the obstacles are those of the C interface; 5 is "no proof".
+    // Adds the proof and the obstacle of an attempt, because an answer from the journal contains
+    // both. The numbers of the obstacles are those of the C interface; 5 is "no proof".
     R"(
     ALTER TABLE attempt ADD COLUMN proof TEXT NOT NULL DEFAULT '';
     ALTER TABLE attempt ADD COLUMN obstacle INTEGER NOT NULL DEFAULT 5;
