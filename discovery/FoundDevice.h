@@ -17,9 +17,9 @@ std::string_view nameOf(Via via);
 struct FoundDevice {
   std::string device;        ///< the device text, as `parseDeviceSpec` takes it
   std::string name;          ///< the name, or a description if there is no name; never empty
-  std::string serialNumber;  ///< "" if the device has no serial number
-  std::string maker;         ///< "" if it is not known
-  std::string model;         ///< "" if it is not known
+  std::string serialNumber;  ///< the serial number; "" if the device has none
+  std::string maker;         ///< the maker; "" if it is not known
+  std::string model;         ///< the model; "" if it is not known
   Via via;
   std::optional<bool> reachable;  ///< null if this is unknown before a session is opened
 };

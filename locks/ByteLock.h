@@ -27,7 +27,8 @@ class QUOR_EXPORT ByteLock {
                                          unsigned mode);
 
   /// Works as `tryTake`, but waits up to `limit` for the lock, and calls `onWait` once if it has to
-  /// wait. Returns null if the lock is not free by then. With a limit of zero it does not wait.
+  /// wait. Returns null if the lock is not free by then. With a limit of zero, `take` does not
+  /// wait.
   static std::optional<ByteLock> take(const std::filesystem::path& file, std::int64_t offset,
                                       unsigned mode, std::chrono::milliseconds limit,
                                       const std::function<void()>& onWait);

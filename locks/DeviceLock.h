@@ -24,10 +24,10 @@ QUOR_EXPORT std::optional<ByteLock> takeDevice(std::string_view identity,
                                                std::chrono::milliseconds limit,
                                                const std::function<void()>& onWait = {});
 
-/// Returns the path of the file that holds these locks. The file is in `/run/lock`, where all users
-/// of the machine share it. If there is no such folder, the file is in `$XDG_RUNTIME_DIR` or, if
-/// this is not set, in a private temporary folder. In these two cases, jobs of different users do
-/// not wait for each other.
+/// Returns the path of the file that holds the locks of all printers. The file is in `/run/lock`,
+/// where all users of the machine share it. If there is no such folder, the file is in
+/// `$XDG_RUNTIME_DIR` or, if this is not set, in a private temporary folder. In these two cases,
+/// jobs of different users do not wait for each other.
 QUOR_EXPORT std::filesystem::path deviceLockFile();
 
 /// Works as the function above, with the folder `shared` in place of `/run/lock`.

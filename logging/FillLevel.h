@@ -14,7 +14,7 @@ class FillLevel {
   enum class Level { Empty, Filled, HalfFull, Closed };
 
   /// Raises the level to `level` and wakes the threads that wait for this level. Has no effect if
-  /// the level is already as high or higher.
+  /// the level is already this high or higher.
   void raise(Level level) noexcept;
 
   /// Sets the level to Empty, unless it is Closed.

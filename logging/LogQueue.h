@@ -67,9 +67,9 @@ class LogQueue {
   /// std::bad_alloc if memory is short; in both cases nothing has changed.
   void setCapacity(std::size_t records);
 
-  /// The queue accepts records from `open` to `close`. The queue is initially closed, and allocates
-  /// no memory before it is opened. `open` has no effect on an open queue. The writer may still
-  /// take records that were queued before `close`.
+  /// The queue accepts records after `open` and until `close`. The queue is initially closed, and
+  /// allocates no memory before it is opened. `open` has no effect on an open queue. The writer may
+  /// still take records that were queued before `close`.
   /// @{
   void open();
   void close() noexcept;

@@ -26,9 +26,10 @@ struct LogRotation {
 /// file lose lines.
 class QUOR_EXPORT RotatingFile {
  public:
-  /// Opens the file. A missing file is created; only its owner may read and write it. Programs that
-  /// this process executes do not inherit the open file. If the file ends in the middle of a line,
-  /// a line feed is added first. Throws std::system_error if the file cannot be opened.
+  /// Opens the file. A missing file is created; only its owner may read and write the new file.
+  /// Programs that this process executes do not inherit the open file. If the file ends in the
+  /// middle of a line, a line feed is added first. Throws std::system_error if the file cannot be
+  /// opened.
   RotatingFile(std::string path, LogRotation rotation);
   ~RotatingFile();
 

@@ -22,16 +22,16 @@ class QUOR_EXPORT Clock {
   /// calls.
   virtual TimeValue gettimeofday() = 0;
 
-  /// Returns the time of a clock that never moves backwards. Its origin is unspecified, so it is
-  /// good for intervals but not for dates.
+  /// Returns the time of a clock that never moves backwards. The origin of this clock is
+  /// unspecified, so the clock is good for intervals but not for dates.
   virtual std::chrono::nanoseconds monotonic() = 0;
 
-  /// Sleeps for at least `microseconds`; a signal does not shorten the sleep. With zero `usleep`
+  /// Sleeps for at least `microseconds`; a signal does not shorten the sleep. With zero, `usleep`
   /// returns at once.
   virtual void usleep(std::uint64_t microseconds) = 0;
 
   /// Sleeps for `microseconds`, as a `select` call without descriptors does. A value of a million
-  /// or more is allowed. With zero or less `select` returns at once.
+  /// or more is allowed. With zero or less, `select` returns at once.
   virtual void select(std::int32_t microseconds) = 0;
 };
 

@@ -21,7 +21,7 @@ class QUOR_EXPORT EASession {
   virtual ~EASession() = default;
 
   /// Return the session's streams, never null and always the same. A stream exists as long as the
-  /// session or a returned pointer exists.
+  /// session or a pointer to the stream exists.
   /// @{
   virtual std::shared_ptr<NSInputStream> inputStream() = 0;
   virtual std::shared_ptr<NSOutputStream> outputStream() = 0;
@@ -50,8 +50,8 @@ class QUOR_EXPORT EAAccessory {
   /// ends in "-U".
   virtual std::optional<std::string> modelNumber() = 0;
 
-  /// Returns the maker. A port ignores accessories of any maker except "quor dalvane", in upper or
-  /// lower case.
+  /// Returns the maker. A port ignores accessories of any maker except "quor dalvane"; the letter
+  /// case does not matter.
   virtual std::optional<std::string> manufacturer() = 0;
 
   /// Returns the protocols on which sessions can be opened. A port opens its session on

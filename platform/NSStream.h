@@ -38,7 +38,7 @@ class QUOR_EXPORT NSStream {
   /// Starts to open the stream. The stream may still be opening when `open` returns.
   virtual void open() = 0;
 
-  /// Ends the stream. Afterwards there are no bytes to read and there is no space to write. A
+  /// Closes the stream. Afterwards there are no bytes to read and there is no space to write. A
   /// second call has no effect.
   virtual void close() = 0;
 
@@ -55,8 +55,8 @@ class QUOR_EXPORT NSInputStream : public NSStream {
   virtual bool hasBytesAvailable() = 0;
 
   /// Returns false if no byte can arrive before the next write, because every query has been
-  /// answered. A reader that only drops old bytes need not wait in this case. Returns true if this
-  /// is unknown.
+  /// answered. A reader that only drops old bytes need not wait in this case. Returns true if the
+  /// stream does not know this.
   virtual bool expectsBytes() { return true; }
 
   /// Reads at most `maxLength` bytes into `buffer`. Returns the number of bytes read, which is 0 if
@@ -72,9 +72,9 @@ class QUOR_EXPORT NSOutputStream : public NSStream {
   /// still returns true because some received bytes are unread. Returns false for a closed stream.
   virtual bool hasSpaceAvailable() = 0;
 
-  /// Says whether the accessory may answer the bytes of later writes; initially it may. A port
-  /// calls this function before each write. Streams that count the expected answers for
-  /// `expectsBytes` use this information; other streams ignore it.
+  /// Says whether the accessory may answer the bytes of later writes. Before the first call, the
+  /// accessory may answer. A port calls this function before each write. Streams that count the
+  /// expected answers for `expectsBytes` use this information; other streams ignore it.
   virtual void setMayBeAnswered(bool /*mayBeAnswered*/) {}
 
   /// Writes at most `maxLength` bytes. Returns the number of bytes taken, which may be smaller than

@@ -15,9 +15,9 @@
 // The port was designed for the interfaces of a handheld platform, and this folder keeps their
 // names. A reader who knows those interfaces recognises each call; other readers need only this
 // explanation. EAAccessoryManager, EAAccessory and EASession are that platform's service for
-// accessories that are attached by Bluetooth or by cable. NSStream, NSRunLoop and NSThread are its
-// streams, event loops and threads. UIDevice is the device that a program runs on. On that
-// platform, "BT:" at the beginning of a port name means that the accessory is attached by
+// accessories that are attached by Bluetooth or by cable. NSStream, NSRunLoop and NSThread are the
+// streams, event loops and threads of that platform. UIDevice is the device that a program runs on.
+// On that platform, "BT:" at the beginning of a port name means that the accessory is attached by
 // Bluetooth. In this library, an accessory is any printer that a back end offers: at a network
 // address, at the end of a serial line, or simulated.
 

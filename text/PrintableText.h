@@ -16,7 +16,7 @@ namespace quordalvane {
 QUOR_EXPORT void appendPrintable(std::string& out, std::string_view text);
 
 /// Appends the text as a JSON string with its quotation marks. If the text was valid UTF-8, a JSON
-/// reader gets back exactly this text.
+/// reader returns exactly this text.
 QUOR_EXPORT void appendJsonString(std::string& out, std::string_view text);
 
 /// Returns whether appendPrintable would append the text unchanged.

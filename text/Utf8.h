@@ -8,7 +8,7 @@ namespace quordalvane {
 
 /// A character of a UTF-8 text.
 struct Character {
-  std::uint32_t codePoint = 0;  ///< also 0 if the character is invalid
+  std::uint32_t codePoint = 0;  ///< 0 if the character is U+0000 or invalid
   std::size_t length = 0;       ///< in bytes; 0 if the character is invalid
 };
 
