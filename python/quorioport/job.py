@@ -244,9 +244,10 @@ class PrintJob:
             self._finish(job)
 
     def cancel(self) -> None:
-        """Cancels the job within 0.3 s, even before it runs. Any thread may call this.
+        """Cancels the job, even before it runs. Any thread may call this.
 
-        The printer drops the data of the job that it has not printed, and the link is closed.
+        A running job notices this within 0.3 s. It then asks the printer to drop the data that is not yet
+        printed; if the link does not take this within 0.5 s, the data remains in the printer. The link is closed.
         """
         self._is_cancelled = True
         if self._running is not None:
