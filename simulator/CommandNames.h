@@ -10,7 +10,7 @@ namespace quordalvane::simulator {
 /// The name of a command, for people.
 struct CommandName {
   std::string name;          ///< the manuals' name, like "GS V"; "text" for a character
-  std::string_view meaning;  ///< its effect in a few words; empty if unknown
+  std::string_view meaning;  ///< the command's effect in a few words; empty if unknown
 };
 
 /// Returns the name of one complete command, or of a single character.

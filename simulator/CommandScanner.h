@@ -15,7 +15,7 @@ class CommandScanner {
   /// Sets the dialect that the printer knows, from the next command on.
   void setDialect(const Dialect& dialect) { nextDialect_ = dialect; }
 
-  /// Adds the next byte. Returns true if it completes a command.
+  /// Adds the next byte. Returns true if the byte completes a command.
   bool feed(std::uint8_t byte);
 
   /// Returns the bytes of the current command. A complete command can be read until the next byte.
@@ -39,7 +39,7 @@ class CommandScanner {
 
  private:
   Dialect dialect_;      // the dialect for the current command
-  Dialect nextDialect_;  // the dialect for the commands after it
+  Dialect nextDialect_;  // the dialect for all later commands
   Bytes bytes_;
   std::uint64_t length_ = 0;  // how many bytes of the command have arrived, stored or not
   std::uint64_t needed_ = 1;  // how many bytes the command must have at least

@@ -19,10 +19,10 @@ unsigned word(ByteView bytes, std::size_t at) {
 
 // The key of an image is the sum of two numbers: one of these, which stands for the image's memory,
 // and the number or the two bytes that name the image in this memory.
-constexpr unsigned keptMemory = 1U << 16U;       // for graphics; survives an initialisation
-constexpr unsigned downloadMemory = 2U << 16U;   // for graphics
-constexpr unsigned numberedMemory = 3U << 16U;   // for 1c 71; survives an initialisation
-constexpr unsigned downloadedImage = 4U << 16U;  // for 1d 2a, which has one image
+constexpr unsigned keptMemory = 1U << 16U;       // graphics that survive an initialisation
+constexpr unsigned downloadMemory = 2U << 16U;   // graphics that do not survive it
+constexpr unsigned numberedMemory = 3U << 16U;   // images of 1c 71, which survive it
+constexpr unsigned downloadedImage = 4U << 16U;  // the one image of the command 1d 2a
 constexpr unsigned memorySize = 1U << 16U;
 
 constexpr std::uint8_t firstColour = 49;

@@ -22,10 +22,10 @@ class LineBuilder {
   /// Adds dots at the current position. Dots beyond the edge of the print area are left out.
   void add(Bitmap dots);
 
-  /// Moves to `x` dots from the left end. Does nothing if that is beyond the paper.
+  /// Moves to `x` dots from the left end. Does nothing if this position is beyond the paper.
   void moveTo(unsigned x);
 
-  /// Moves to the next tab stop. Does nothing if there is none.
+  /// Moves to the next tab stop. Does nothing if there is no next tab stop.
   void tab(unsigned cellWidth);
 
   /// Sets the tab stops, in dots. If `stops` is empty, there is one every eight characters.

@@ -16,7 +16,7 @@ class Macro {
   void startOrEnd();
 
   /// Adds a command to the current definition, if there is one. After a command that does not fit,
-  /// no more are added.
+  /// no further commands are added.
   void keep(ByteView command);
 
   /// Executes the command 1d 5e: starts to execute the macro `times` times. Returns false if there

@@ -25,7 +25,7 @@ class PageBuilder {
   Paper& paper();
   unsigned width() const { return areas_.back().content->width(); }
 
-  /// Removes the print of the selected area.
+  /// Removes everything that was printed in the selected area.
   void clear();
 
   /// Returns true if the page needs more memory than any printer has.

@@ -6,7 +6,8 @@
 namespace quordalvane::simulator {
 namespace {
 
-// The most bytes that wait for a host. The limit is for a host that asks questions and never reads.
+// The maximum count of bytes that wait until the host reads them. The limit is for a host that asks
+// questions and never reads.
 constexpr std::size_t mostWaiting = std::size_t{64} * 1024;
 
 // The count of bytes that a write accepts in command mode. In this mode the Bluetooth module passes

@@ -23,15 +23,15 @@ class Printing {
   /// Sets the character sets of the printer.
   void setCharacterSets(const CharacterSets& sets) { typesetter_.setCharacterSets(sets); }
 
-  /// Processes one byte of print data, which is at `offset` in the job. Returns true if it
+  /// Processes one byte of print data, which is at `offset` in the job. Returns true if the byte
   /// completed a command or a character.
   bool pass(std::uint8_t byte, std::uint64_t offset);
 
   /// Returns the complete command; valid until the next byte.
   ByteView command() const { return scanner_.bytes(); }
 
-  /// Executes the next command of a running macro. Returns false if there is none. To be called
-  /// after each byte until it returns false.
+  /// Executes the next command of a running macro. Returns false if no command is left. To be
+  /// called after each byte until the result is false.
   bool goOn();
 
   /// Drops an unfinished command, because its end will not arrive; the next byte starts a new one.

@@ -46,11 +46,12 @@ class TextDecoder {
   /// has this number.
   bool selectNationalSet(std::uint8_t number);
 
-  /// Turns multi-byte characters on or off. Returns false if the printer has none.
+  /// Turns multi-byte characters on or off. Returns false if the printer has no such characters.
   bool setMultiByte(bool on);
 
   /// Executes the command 1c 43: turns multi-byte characters on and selects their code; 0 is the
-  /// seven-bit code, 1 the printer's own. Returns false if the printer has none.
+  /// seven-bit code, 1 the printer's own. Returns false if the printer has no multi-byte
+  /// characters.
   bool selectMultiByteCode(std::uint8_t number);
 
   /// Executes the command 1c 28 43: selects UTF-8, or the selected code page again. Returns false

@@ -23,7 +23,7 @@ constexpr std::uint32_t shadowColour = 0xb9bec4;
 constexpr std::uint32_t inkColour = 0x1c1c1e;
 constexpr std::uint32_t remarkColour = 0x8a8f98;
 
-constexpr unsigned tableMargin = 16;  // the width of the table that is visible around the paper
+constexpr unsigned tableMargin = 16;  // how much of the table is visible around the paper
 constexpr unsigned sideMargin = 32;   // the width of the empty paper beside the print
 constexpr unsigned tooth = 6;         // the size of a tooth of the torn edge
 constexpr unsigned shadowWidth = 2;
@@ -95,7 +95,7 @@ class BandedPicture {
   /// Calls `take` with each row, in order.
   void draw(const std::function<void(ByteView)>& take) const {
     Bytes row(width());
-    const Bytes bare(paperWidth_, Plane::bare);  // for a comparison: most rows are empty
+    const Bytes bare(paperWidth_, Plane::bare);  // most rows equal this empty one
     for (unsigned top = 0; top < height(); top += bandHeight) {
       const unsigned rows = std::min(bandHeight, height() - top);
       Plane print(paperWidth_, rows);
