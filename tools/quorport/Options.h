@@ -32,11 +32,11 @@ struct PrintOptions {
 struct JobsOptions {
   std::optional<std::string> journal;      ///< the path of the journal
   std::optional<std::string> forget;       ///< the name of a job
-  std::optional<std::uint32_t> olderThan;  ///< days
+  std::optional<std::uint32_t> olderThan;  ///< the age limit in days
 };
 
 struct DoctorOptions {
-  std::optional<std::string> bundle;  ///< the path of a file that does not exist yet
+  std::optional<std::string> bundle;  ///< the path of a new file, which must not exist yet
 };
 
 struct MonitorOptions {

@@ -7,7 +7,7 @@ namespace quordalvane::tool {
 
 /// A receipt as text and as a picture.
 struct DrawnReceipt {
-  static constexpr unsigned pieceRows = 4000;  ///< half a metre
+  static constexpr unsigned pieceRows = 4000;  ///< the rows in half a metre of paper
 
   std::string text;
   unsigned width = 0;               ///< the picture's width in dots; 0 if there is no paper

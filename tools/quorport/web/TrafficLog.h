@@ -18,7 +18,7 @@ namespace quordalvane::tool {
 class TrafficLog {
  public:
   static constexpr std::size_t mostEntries = 500;
-  static constexpr std::size_t mostKept = 200;  ///< as many as the page shows
+  static constexpr std::size_t mostKept = 200;  ///< the count of entries that the page shows
 
   /// Adds a command to printer number `printer`, or an answer of this printer; `time` is in
   /// milliseconds since 1970.
