@@ -21,7 +21,7 @@ class BareLink {
   /// Writes all bytes. Whenever the system takes none, polls until it takes some.
   void write(std::span<const std::uint8_t> bytes);
 
-  /// Waits at most `milliseconds` for bytes. Returns true if there are any.
+  /// Waits at most `milliseconds` for bytes. Returns true if bytes can be read.
   bool poll(int milliseconds) const;
 
   /// Reads without waiting. Returns how many bytes were read; 0 if there are none.

@@ -4,7 +4,8 @@
 
 namespace quordalvane::bench {
 
-/// Two of the cores on which this process may run. If there is only one, both are the same.
+/// Two of the cores on which this process may run. If there is only one core, `First` and `Second`
+/// mean the same core.
 enum class Core { First, Second };
 
 /// Binds the calling thread, and the threads that it starts, to a core.

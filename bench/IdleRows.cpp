@@ -78,7 +78,7 @@ double residentKibibytes() {
 }
 
 struct Idle {
-  double coreShare;  // the share of a core, in percent
+  double coreShare;  // the used share of a core, in percent
   double wakeUps;    // wake-ups of one thread in a second
   double kibibytes;  // the memory of one thread, or of one port with its thread
 };

@@ -41,7 +41,7 @@ class Destination {
 
  private:
   std::atomic<std::uint64_t> count_ = 0;
-  nanoseconds stall_{};  // must be set before the first record
+  nanoseconds stall_{};  // must be set before the first record arrives
 };
 
 class OurSink final : public LogSink, public Destination {

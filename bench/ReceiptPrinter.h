@@ -62,7 +62,7 @@ class ReceiptPrinter {
   const std::chrono::milliseconds printingTime_;
   std::vector<std::uint8_t> last_;  // the last received bytes, enough for the longest command
   std::vector<std::uint8_t> sign_;  // the confirmation that is sent when the job is printed
-  std::uint8_t marks_ = 0;          // the marks that are counted when the job is printed
+  std::uint8_t marks_ = 0;          // how many marks are counted when the job is printed
   std::uint8_t counter_ = 0;
   std::atomic<Instant> printedAt_ = Instant::max();
   std::atomic<Instant> heardDataAt_ = Instant();

@@ -50,7 +50,7 @@ double processorSeconds() {
 
 struct Silence {
   double seconds;
-  double coreShare;  // the share of a core, in percent
+  double coreShare;  // the used share of a core, in percent
 };
 
 template <typename Wait>

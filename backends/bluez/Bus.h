@@ -26,8 +26,8 @@ struct Method {
 class Bus {
  public:
   /// Connects to the bus. Throws a `std::system_error` with `BluetoothError::NoBus` if there is no
-  /// bus, or if the bus has not accepted the connection by `deadline`. An attempt that was too slow
-  /// ends later by itself.
+  /// bus, or if the bus has not accepted the connection by `deadline`. An attempt that is too slow
+  /// continues after the exception, and ends by itself.
   explicit Bus(SteadyTime deadline);
 
   sdbus::IConnection& connection() { return *connection_; }

@@ -17,7 +17,7 @@ inline constexpr auto serialPort = "00001101-0000-1000-8000-00805f9b34fb";
 
 /// A device as the service describes it.
 struct KnownDevice {
-  std::string path;     ///< the path of its object on the bus
+  std::string path;     ///< the path of the device's object on the bus
   std::string address;  ///< "01:23:45:67:89:AB"
   std::string name;     ///< the name that the user gave, or the device's own; any characters
   bool isPaired = false;

@@ -9,7 +9,7 @@ using quordalvane::handheld::StreamEvents;
 /// Receives the events of a stream for the C++ object that waits for them.
 @interface QuorStreamDelegate : NSObject <NSStreamDelegate> {
  @public
-  std::shared_ptr<StreamEvents>* events;  // owned
+  std::shared_ptr<StreamEvents>* events;  // the delegate owns this object
 }
 @end
 

@@ -73,8 +73,8 @@ class Descriptor {
   std::chrono::milliseconds silence() const;
 
   /// Returns why a USB printer does not print, for example "paper out", as a text for people. The
-  /// printer's USB port reports this. Returns "" if the port reports nothing, and for other kinds
-  /// of descriptors.
+  /// printer's USB port reports the reason. Returns "" if the port reports nothing, and for other
+  /// kinds of descriptors.
   std::string portState() const;
 
   /// Shuts down the output, so that the other side sees that no more bytes follow. Has no effect on

@@ -111,7 +111,7 @@ class Link {
 
   bool ended_ = false;        // true if no more bytes will arrive and all that arrived were read
   bool dry_ = false;          // true if the last `receive` emptied the input
-  Tick dryAt_{};              // when the last `receive` emptied the input
+  Tick dryAt_{};              // the tick at which the last `receive` emptied the input
   bool beingWaited_ = false;  // true if a waiting thread may fill `ahead_` without the lock
 
   ReplyExpectation expectation_;

@@ -38,8 +38,8 @@ class LinkAccessory : public IdentifiedAccessory {
   /// Returns the error code of the reason that `lastError` returns; 0 if the reason has no code.
   virtual std::error_code lastErrorCode();
 
-  /// Returns why the device does not print, as a text for people. The device's port reports this.
-  /// Returns "" if the port reports nothing or the newest session has ended.
+  /// Returns why the device does not print, as a text for people. The device's port reports the
+  /// reason. Returns "" if the port reports nothing or the newest session has ended.
   std::string portState();
 
  private:

@@ -12,7 +12,7 @@
 namespace quordalvane::posix {
 namespace {
 
-constexpr std::size_t longestPath = 4095;  // the system's limit
+constexpr std::size_t longestPath = 4095;  // the maximum length of a path in the system
 
 constexpr std::string_view noSuchLine =
     "plug the printer in and switch it on; ls /dev/serial/by-id shows the lines that are there";
