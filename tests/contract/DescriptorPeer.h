@@ -4,7 +4,7 @@
 
 namespace quordalvane::contract {
 
-/// The other side of a link over a descriptor. It takes no bytes unless it is asked to read.
+/// The other side of a link over a descriptor. It takes bytes only in `read`.
 class DescriptorPeer : public Peer {
  public:
   /// Takes over `number`, in blocking mode.

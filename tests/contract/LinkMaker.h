@@ -63,7 +63,7 @@ class LinkMaker {
   virtual Platform& platform() = 0;
   virtual std::shared_ptr<EAAccessory> accessory() = 0;
 
-  /// The other side of the session that was opened last; called once for each.
+  /// The other side of the session that was opened last; called once for each session.
   virtual std::unique_ptr<Peer> peer() = 0;
 
   /// Runs `routine` on the thread on whose run loop the streams are scheduled.

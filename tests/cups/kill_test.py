@@ -1,4 +1,4 @@
-"""The process that waits for the one that prints is killed at each of its system calls."""
+"""The process that waits for the printing process is killed at each of its system calls."""
 
 import os
 import subprocess

@@ -48,7 +48,7 @@ class Load(QueueCase):
         def client(_):
             while (number := next(numbers)) <= JOBS:
                 queue, text = queues[number % QUEUES], f"receipt-{number:04}."
-                with lock:  # the order in which a queue got its jobs is that of their numbers
+                with lock:  # a queue got its jobs in the order of their numbers
                     jobs[self.print_job(queue, f"{text}\nthank you\n".encode())] = (queue, text)
 
         with concurrent.futures.ThreadPoolExecutor(CLIENTS) as clients:

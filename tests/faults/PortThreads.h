@@ -14,7 +14,7 @@
 namespace quordalvane::test {
 
 /// Waits until no other thread holds the platform. A port thread releases its port after its last
-/// turn in virtual time, so that may still be under way on the machine.
+/// turn in virtual time, so the release may still be unfinished on the machine.
 template <typename Kind>
 void waitUntilReleased(const std::shared_ptr<Kind>& platform) {
   const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(10);

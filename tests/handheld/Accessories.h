@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-// The accessory service that replaces the device's in these tests. Each session of an accessory has
-// a connected socket of its own.
+// The accessory service that replaces the device's accessory service in these tests. Each session
+// of an accessory has a connected socket of its own.
 
 namespace quordalvane::test {
 

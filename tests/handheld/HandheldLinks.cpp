@@ -44,7 +44,8 @@ class HandheldMaker : public LinkMaker {
 /// The streams are on the loop of the thread that uses them.
 class SameThreadMaker : public HandheldMaker {};
 
-/// The streams are on the loop of another thread, as those of a port that the main thread opened.
+/// The streams are on the loop of another thread, as the streams of a port that the main thread
+/// opened.
 class OtherThreadMaker : public HandheldMaker {
  public:
   OtherThreadMaker() { EXPECT_TRUE(thread_->start()); }

@@ -83,7 +83,7 @@ Call disconnectBluetoothConnection();
 /// Every public operation once, with plain arguments.
 std::vector<Call> allCalls();
 
-/// Makes one call of several: they run one after the other on the same port, and the results are
+/// Combines several calls into one: they run one after the other on one port, and the results are
 /// joined by "; ".
 Call inTurn(std::vector<Call> calls);
 

@@ -36,7 +36,7 @@ class Ledger:
         return self.subjects[subject]["answers"]
 
     def keep(self):
-        """Writes the file anew; a process that ends meanwhile leaves the old one or the new one."""
+        """Replaces the file. If the process ends meanwhile, the old file or the new file remains whole."""
         self.file.parent.mkdir(parents=True, exist_ok=True)
         new = self.file.with_suffix(f".{os.getpid()}")
         new.write_text(json.dumps(self.subjects, indent=1) + "\n")

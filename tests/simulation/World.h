@@ -49,8 +49,8 @@ class World {
   /// Lets another host send `data` and disconnect before the printer has printed it.
   void printForAnotherHost(const ByteBuffer& data);
 
-  /// Prints `data` with ample limits, on the same port opened again. If the time-out of that port
-  /// is so short that even a faultless printer may be too slow, it uses a new port.
+  /// Prints `data` with ample limits, on the same port opened again. If the time-out of the port is
+  /// so short that even a faultless printer may be too slow, prints on a new port.
   PrintResult printAgain(const ByteBuffer& data);
 
   /// Ends all faults, and gives the printer time to print its data.

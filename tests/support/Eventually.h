@@ -5,8 +5,8 @@
 
 namespace quordalvane::test {
 
-/// Waits until `condition` holds, for work that is still under way on the machine. False if it does
-/// not hold within a time that is ample even on a loaded machine.
+/// Waits until `condition` holds, for work that other threads have not finished yet. False if it
+/// does not hold within a time that is ample even on a loaded machine.
 template <typename Condition>
 bool eventually(Condition condition) {
   const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(30);

@@ -8,7 +8,7 @@
 namespace quordalvane::test {
 
 /// Which call a fault affects: the k-th of the calls that it can affect, alone or with all later
-/// ones.
+/// calls.
 class FaultPlan {
  public:
   /// `k` counts from 1. The plan takes effect with `arm`.

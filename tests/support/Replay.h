@@ -16,7 +16,7 @@ std::optional<std::string> replayedCase();
 /// another kind or no case is replayed.
 std::optional<std::uint64_t> replayedSeed(const std::string& kind);
 
-/// Whether this run is to run the case: all of them, or this one alone.
+/// Whether this run includes the case: every case, unless only one case is replayed.
 bool isChosen(const std::string& name);
 
 /// "repeat with: ./dev replay NAME", for failure messages.

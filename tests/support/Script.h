@@ -58,8 +58,7 @@ struct Script {
   std::map<std::size_t, std::int64_t> clockSteps;  // seconds, before the n-th reading, from 1
   std::int64_t startMicroseconds = 0;              // microseconds after the full second
 
-  // -- Functions that set these members
-  // -------------------------------------------------------------
+  // -- Functions that set these members -----------------------------------------------------------
   Script& delivers(Bytes what, double at = 0);
   /// Answers one `request` by `reply`; a further call answers the next equal request.
   Script& whenAsked(Bytes request, Reply reply);

@@ -1,9 +1,9 @@
-// The stand-in for the Bluetooth service as a process of its own, for tests of the command:
+// The stand-in for the Bluetooth service as a separate process, for tests of the command:
 //
 //     bluetooth_service PRINTER [KEY=VALUE ...]
 //
-// A connection leads to the local socket PRINTER. It serves until it is killed, and says "ready"
-// first.
+// Each connection leads to the local socket PRINTER. The program writes "ready" and then serves
+// until it is killed.
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>

@@ -58,7 +58,7 @@ class PortThread : public testing::Test {
   }
 
   /// Whether `holders` hold the port. The port thread releases it after its last pass in virtual
-  /// time, so that may still be under way on the machine.
+  /// time, so the release may still be unfinished on the machine.
   static bool isHeldBy(const std::weak_ptr<ExternalAccessoryPort>& port, long holders) {
     return eventually([&] { return port.use_count() == holders; });
   }
