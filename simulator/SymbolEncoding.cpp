@@ -97,7 +97,7 @@ std::string withoutStars(std::string data) {
 }
 
 // Removes the check digit, if the number has one, because the encoder calculates it. This also
-// corrects a wrong check digit, because printers print no code that a till cannot read.
+// corrects a wrong check digit, because printers print no code that a cash register cannot read.
 std::string withoutCheckDigit(const std::string& data, std::size_t digits) {
   return data.size() == digits ? data.substr(0, digits - 1) : data;
 }

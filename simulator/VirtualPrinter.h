@@ -165,8 +165,8 @@ class VirtualPrinter {
   Bytes printed_;
 
   std::uint8_t dataTimeoutSeconds_ = 0;
-  bool guarded_ = false;   // true between a data cancel and its end
-  bool dropping_ = false;  // true after the data time-out, until the data cancel ends
+  bool guarded_ = false;   // true between the commands `DataCancel` and `DataCancelEnd`
+  bool dropping_ = false;  // true after the data time-out, until `DataCancelEnd`
   Instant lastReceived_{};
   UnaskedStatus unasked_;
   FlowControl flow_;
