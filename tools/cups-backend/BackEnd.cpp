@@ -43,7 +43,8 @@ ExitCode printJob(const Witness& witness, const std::vector<std::string>& argume
 }
 
 ExitCode printJob(const std::vector<std::string>& arguments, StatusLines& lines) {
-  // The witness is started first, because only the witness notices if this process is killed.
+  // The witness process is started first, because only the witness notices if this process is
+  // killed.
   const Witness witness(stopQueue);
   ExitCode code = ExitCode::Held;
   try {

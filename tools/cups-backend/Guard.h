@@ -8,7 +8,7 @@
 
 namespace quordalvane::cups {
 
-/// How a worker ended, if it made no decision about its job.
+/// How a worker process ended, if it made no decision about its job.
 struct BrokenOff {
   bool isCanceled = false;  ///< true if the scheduler has canceled the job
   std::string how;          ///< how the worker ended, for people

@@ -12,8 +12,8 @@ namespace quordalvane::cups {
 /// more than a job can have.
 std::vector<std::uint8_t> readJobData(const std::optional<std::filesystem::path>& file);
 
-/// Returns true if no more data can arrive: the data is in `file`, or every filter has closed its
-/// end of standard input.
+/// Returns true if no more data can arrive: the data is in `file`, or every filter has closed the
+/// pipe to standard input.
 bool isJobWhole(const std::optional<std::filesystem::path>& file);
 
 }  // namespace quordalvane::cups

@@ -10,9 +10,9 @@ namespace quordalvane::printer_app {
 /// no password. To be called after the framework has loaded its state, which contains the old
 /// password.
 ///
-/// The framework's version 1.3 accepts any password, because it compares a hash with itself. It
-/// computes the hash by its function `papplSystemHashPassword`. This program defines a function of
-/// that name, which replaces the library's and hashes the typed text.
+/// The framework's version 1.3 accepts any password, because it compares a hash with itself. The
+/// framework computes the hash by its function `papplSystemHashPassword`. This program defines a
+/// function of that name, which replaces the library's and hashes the typed text.
 bool setPassword(pappl_system_t* system, const std::string& file);
 
 }  // namespace quordalvane::printer_app

@@ -22,7 +22,7 @@ struct Condition {
 };
 
 // The conditions that stop the printer, and paper that is near its end. The framework's version 1.3
-// shows no reason at all to a client if one of them is "door-open".
+// shows a client no reason at all if one of the reasons is "door-open".
 constexpr Condition conditions[] = {
     {&QuorPrinterStatus_2::coverOpen, PAPPL_PREASON_COVER_OPEN},
     {&QuorPrinterStatus_2::headUpError, PAPPL_PREASON_OTHER},

@@ -50,8 +50,8 @@ class Server {
   Server(const simulator::PrinterState& state, const simulator::Faults& faults, Places places,
          Habits habits, const Streams& streams);
 
-  /// Serves until SIGINT, SIGTERM, SIGHUP or a control line ends it. Returns the count of failed
-  /// jobs.
+  /// Serves hosts and browsers until SIGINT, SIGTERM, SIGHUP or a control line ends the server.
+  /// Returns the count of failed jobs.
   unsigned long run();
 
  private:

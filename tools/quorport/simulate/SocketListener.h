@@ -27,9 +27,9 @@ std::unique_ptr<Listener> listenOnTcp(const ListenAddress& address);
 
 enum class SocketAccess { AsUsual, OwnerAlone };
 
-/// Creates a socket at `path`, and removes it at its end. Replaces a socket at which nobody listens
-/// any more; never touches another kind of file. Throws a std::exception if the system refuses or
-/// the path is in use.
+/// Creates a socket at `path`, which the listener removes when it is destroyed. Replaces a socket
+/// at which nobody listens any more; never touches another kind of file. Throws a std::exception if
+/// the system refuses or the path is in use.
 std::unique_ptr<Listener> listenOnUnix(const std::string& path, SocketAccess access);
 
 }  // namespace quordalvane::tool

@@ -29,7 +29,8 @@ constexpr auto doubled = "\x1d\x21\x11";
 constexpr auto single = "\x1d\x21";  // followed by a zero byte
 constexpr auto bold = "\x1b\x45\x01";
 constexpr auto notBold = "\x1b\x45";  // followed by a zero byte
-// A feed of four lines. It is a feed only in ESC/POS, which the commands before it show.
+// A feed of four lines. The command is a feed only in ESC/POS; the commands before it show that the
+// job is ESC/POS.
 constexpr auto fed = "\x1b\x64\x04";
 constexpr auto fullCut = "\x1d\x56";  // followed by a zero byte
 

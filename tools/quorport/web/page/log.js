@@ -1,4 +1,4 @@
-// The log of commands and answers, the newest first. Limits the entries that it keeps and shows.
+// The log of commands and answers, the newest first. The log limits how many entries it keeps and shows.
 
 import { make, write } from "./dom.js";
 import { bytesOf, clockTime, counted, paired } from "./words.js";

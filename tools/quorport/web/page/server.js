@@ -16,8 +16,8 @@ export async function receiptsBefore(id) {
 }
 
 /**
- * Sends a control line to one printer, or to all if `printer` is null. If the server refuses it, throws an Error with
- * the server's text.
+ * Sends a control line to one printer, or to all if `printer` is null. If the server refuses the line, throws an
+ * Error with the server's text.
  */
 export async function control(printer, line) {
   const path = printer === null ? "api/control" : `api/printers/${printer}/control`;

@@ -47,7 +47,7 @@ export class Station {
       make("button", {type: "button", onclick: () => this.send(action.line)}, titled(action.label))));
   }
 
-  /** Sends a control line to this printer, and shows a refusal. Returns true if it was accepted. */
+  /** Sends a control line to this printer, and shows a refusal. Returns true if the server accepted the line. */
   async send(line) {
     try {
       await control(this.printer, line);

@@ -20,7 +20,7 @@ export function binarySteps(min, max) {
   return found;
 }
 
-/** The index of the step nearest to the number, measured by their ratio. */
+/** The index of the step nearest to the number, measured by the ratio of the two. */
 export function nearest(steps, number) {
   const distance = (step) => Math.abs(Math.log(Math.max(step, 0.5) / Math.max(number, 0.5)));
   return steps.reduce((best, step, index) => (distance(step) < distance(steps[best]) ? index : best), 0);
